@@ -1,0 +1,12 @@
+# The foreign libraries, each found once and named by an imported target.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(spdlog REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets)
+pkg_check_modules(aravis REQUIRED IMPORTED_TARGET aravis-0.8)
+pkg_check_modules(xcb REQUIRED IMPORTED_TARGET xcb)
+if(BUILD_TESTING)
+  find_package(GTest REQUIRED)
+  find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+endif()
+find_package(benchmark QUIET)

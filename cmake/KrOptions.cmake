@@ -1,0 +1,33 @@
+# What every target of the project is compiled with, carried by one interface target.
+option(KRGUI_WARNINGS_ARE_ERRORS "Treat compiler warnings as errors" OFF)
+set(KRGUI_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
+
+find_program(KRGUI_CCACHE ccache)
+if(KRGUI_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  # A precompiled header is only cached with these relaxations.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+    "${CMAKE_COMMAND}" -E env
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${KRGUI_CCACHE}")
+endif()
+find_program(KRGUI_MOLD mold)
+
+add_library(kr_options INTERFACE)
+target_compile_features(kr_options INTERFACE cxx_std_20)
+target_compile_options(kr_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wvla
+  $<$<BOOL:${KRGUI_WARNINGS_ARE_ERRORS}>:-Werror>)
+if(KRGUI_CCACHE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(kr_options INTERFACE -fpch-preprocess)
+endif()
+if(KRGUI_MOLD)
+  target_link_options(kr_options INTERFACE -fuse-ld=mold)
+endif()
+if(KRGUI_SANITIZE)
+  target_compile_options(kr_options INTERFACE
+    -fsanitize=${KRGUI_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(kr_options INTERFACE -fsanitize=${KRGUI_SANITIZE})
+  if(KRGUI_SANITIZE MATCHES "thread")
+    # GCC warns that fences are not modelled; the fences meant are inside the standard library's headers.
+    target_compile_options(kr_options INTERFACE -Wno-tsan)
+  endif()
+endif()

@@ -1,0 +1,61 @@
+# The functions by which every room of the project declares its targets.
+include(GNUInstallDirs)
+
+# The public headers of every library are compiled alone, as part of the build.
+set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
+
+# kr_add_library(krbase ALIAS Base
+#   HEADERS krbase/krresult.h …      public headers, relative to include/
+#   SOURCES krresult.cpp …
+#   DEPENDS krbuffer …               rooms whose headers appear in ours
+#   FOREIGN pugixml::pugixml …       libraries that only our sources see)
+function(kr_add_library aName)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "ALIAS" "HEADERS;SOURCES;DEPENDS;FOREIGN")
+  add_library(${aName} ${arg_SOURCES})
+  add_library(Kr::${arg_ALIAS} ALIAS ${aName})
+  list(TRANSFORM arg_HEADERS PREPEND include/)
+  target_sources(${aName} PUBLIC FILE_SET HEADERS BASE_DIRS include FILES ${arg_HEADERS})
+  target_include_directories(${aName} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+  target_link_libraries(${aName} PUBLIC ${arg_DEPENDS} PRIVATE ${arg_FOREIGN} $<BUILD_INTERFACE:kr_options>)
+  target_compile_features(${aName} PUBLIC cxx_std_20)
+  set_target_properties(${aName} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
+    POSITION_INDEPENDENT_CODE ON
+    EXPORT_NAME ${arg_ALIAS}
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  add_custom_target(${aName}_headers_alone ALL)
+  add_dependencies(${aName}_headers_alone ${aName}_verify_interface_header_sets)
+  set_property(GLOBAL APPEND PROPERTY KR_LIBRARIES ${aName})
+endfunction()
+
+function(kr_add_executable aName)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS")
+  add_executable(${aName} ${arg_SOURCES})
+  target_link_libraries(${aName} PRIVATE ${arg_DEPENDS} kr_options)
+  target_include_directories(${aName} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+endfunction()
+
+# kr_add_test(krresulttest KIND unit SOURCES krresulttest.cpp DEPENDS krbase [INCLUDES dir …] [TIMEOUT seconds])
+# KIND: unit (no toolkit, no display), widget (Qt, offscreen), x11 (Xvfb and a window manager),
+# integration (independent programs and network namespaces), lab (the simulated lab).
+function(kr_add_test aName)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "KIND;TIMEOUT" "SOURCES;DEPENDS;INCLUDES")
+  kr_add_executable(${aName} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gmock)
+  target_include_directories(${aName} PRIVATE "${CMAKE_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
+  set(command "${aName}")
+  if(arg_KIND STREQUAL "x11")
+    set(command "${CMAKE_SOURCE_DIR}/scripts/with-display.sh" "$<TARGET_FILE:${aName}>")
+  elseif(arg_KIND STREQUAL "integration")
+    set(command "${CMAKE_SOURCE_DIR}/scripts/with-network.sh" "$<TARGET_FILE:${aName}>")
+  endif()
+  add_test(NAME ${arg_KIND}.${aName} COMMAND ${command})
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 300)
+  endif()
+  set(environment "")
+  if(arg_KIND STREQUAL "widget")
+    list(APPEND environment QT_QPA_PLATFORM=offscreen)
+  endif()
+  set_tests_properties(${arg_KIND}.${aName} PROPERTIES
+    TIMEOUT ${arg_TIMEOUT} LABELS ${arg_KIND} ENVIRONMENT "${environment}")
+endfunction()

@@ -1,0 +1,103 @@
+#pragma once
+// One buffer of a stream: its bytes, what kind of payload they are and how they arrived.
+// Queues and their order are the stream's business, pixels the converter's.
+
+#include "krbase/krresult.h"
+#include "krbuffer/ikrimage.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+/// The kinds of payload, numbered as GigE Vision 2.x numbers them in the data leader.
+enum class KrPayloadType : std::uint32_t {
+  None = 0,
+  Image = 1,
+  RawData = 2,
+  File = 3,
+  ChunkData = 4,
+  ExtendedChunkData = 5, ///< Deprecated by the standard; still sent by older devices.
+  Jpeg = 6,
+  Jpeg2000 = 7,
+  H264 = 8,
+  MultiZoneImage = 9,
+  MultiPart = 10,
+  GenDC = 11,
+};
+
+/// How a buffer came back from its stream.
+enum class KrBufferStatus {
+  Empty,      ///< Not filled yet.
+  Complete,   ///< Everything that was sent is there.
+  Incomplete, ///< Some of the data is missing; what arrived is in its place.
+  Aborted,    ///< The stream was stopped, or the device lost, before the end.
+  TooSmall,   ///< The device sent more than the buffer holds.
+};
+
+/// A buffer with its payload.
+///
+/// Thread: one at a time, as the holder of the buffer arranges it.
+/// Ownership: owns its memory, or borrows memory that was attached.
+///
+///     KrBuffer buffer;
+///     if (buffer.GetImage()->Alloc(640, 480, KrPixel::Mono8).IsOK())
+///       std::memset(buffer.GetDataPointer(), 0x80, buffer.GetSize());
+class KR_EXPORT KrBuffer {
+public:
+  /// An empty buffer of the image payload type.
+  KrBuffer();
+  explicit KrBuffer(KrPayloadType aType);
+  ~KrBuffer();
+  KrBuffer(KrBuffer&&) noexcept;
+  KrBuffer& operator=(KrBuffer&&) noexcept;
+  KrBuffer(const KrBuffer&) = delete;
+  KrBuffer& operator=(const KrBuffer&) = delete;
+
+  KrPayloadType GetPayloadType() const;
+  /// Says what kind of payload the bytes are; they are not touched.
+  void SetPayloadType(KrPayloadType aType);
+
+  /// The buffer as an image: never null while the payload type is Image, null for every other type.
+  IKrImage* GetImage();
+  const IKrImage* GetImage() const;
+
+  /// The first byte; null while there is no memory.
+  std::uint8_t* GetDataPointer();
+  const std::uint8_t* GetDataPointer() const;
+  /// The memory's size in bytes; 0 after Free().
+  std::size_t GetSize() const;
+  /// How many bytes from the start the device filled; at most GetSize().
+  std::size_t GetAcquiredSize() const;
+  /// Sets the number of bytes filled; more than GetSize() is cut to it.
+  void SetAcquiredSize(std::size_t aBytes);
+
+  /// Makes room for bytes of no particular meaning, zeroed. 0 gives InvalidInput, more than 4 GiB too, too little memory
+  /// SystemError; the buffer is then unchanged.
+  KrResult Alloc(std::size_t aBytes);
+  /// Uses memory of the caller's, which must outlive the use; it is not freed. Null or 0 gives InvalidInput.
+  KrResult Attach(void* aMemory, std::size_t aBytes);
+  /// Gives up the memory; size, image size and acquired size become 0.
+  void Free();
+
+  /// Describes the bytes that are there as an image, without touching them: a stream does this when a frame is in.
+  /// BadData when the image would be larger than the memory, InvalidInput for a width, height or pixel size of 0;
+  /// the buffer is then unchanged.
+  KrResult DescribeImage(std::uint32_t aWidth, std::uint32_t aHeight, KrPixelType aType, std::uint32_t aPaddingX = 0,
+                         std::uint32_t aPaddingY = 0);
+
+  KrBufferStatus GetStatus() const;
+  void SetStatus(KrBufferStatus aStatus);
+  /// The device's number of the frame (GigE Vision block ID, USB3 Vision frame ID).
+  std::uint64_t GetFrameID() const;
+  void SetFrameID(std::uint64_t aFrameID);
+  /// The device's time stamp in nanoseconds of the device's clock; 0 where the device sends none.
+  std::uint64_t GetTimestampNs() const;
+  void SetTimestampNs(std::uint64_t aNanoseconds);
+  /// The host's time of completion in nanoseconds of the system's real-time clock.
+  std::uint64_t GetHostTimestampNs() const;
+  void SetHostTimestampNs(std::uint64_t aNanoseconds);
+
+private:
+  struct Body;
+  std::unique_ptr<Body> mBody;
+};

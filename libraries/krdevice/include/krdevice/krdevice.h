@@ -1,0 +1,73 @@
+#pragma once
+// A device that is open: its registers, its streams' source, and word of its loss. What its registers mean, and
+// streaming itself, are left to the parameter array and to KrStream.
+
+#include "krbase/krresult.h"
+#include "krgenicam/ikrregisterport.h"
+#include "krsystem/idevicelink.h"
+#include "krsystem/krdeviceinfo.h"
+
+#include <cstdint>
+#include <memory>
+
+class KrDevice;
+
+/// How a device is opened.
+enum class KrDeviceAccess {
+  Monitor,   ///< Registers may be read.
+  Control,   ///< Full control; other applications may read.
+  Exclusive, ///< Full control; other applications may do nothing.
+};
+
+/// Hears of a device's loss and return.
+///
+/// Thread: called on a thread of the device; a sink may call anything but the device's destruction.
+class KR_EXPORT KrDeviceEventSink {
+public:
+  virtual ~KrDeviceEventSink() = default;
+  /// The device does not answer any more; its streams have ended. aReason says how that showed.
+  virtual void OnDeviceLost(KrDevice* aDevice, const KrResult& aReason) = 0;
+  /// The device answers again; open it anew to use it.
+  virtual void OnDeviceBack(KrDevice* aDevice) = 0;
+};
+
+/// An open device.
+///
+/// Thread: any, but for construction and destruction.
+/// Ownership: the application's. Streams must be closed before their device is destroyed; destruction gives control back.
+///
+///     std::unique_ptr<KrDevice> device;
+///     KrResult result = KrDevice::Open(*info, KrDeviceAccess::Control, device);
+class KR_EXPORT KrDevice {
+public:
+  /// Opens a device of any kind. NotSupported for a kind that cannot be opened, AccessDenied when another application
+  /// controls it, NotFound or TimeLimitExceeded when it does not answer. Blocks for up to a few seconds on a device that
+  /// does not answer. aDevice is set on success only.
+  static KrResult Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::unique_ptr<KrDevice>& aDevice);
+
+  virtual ~KrDevice();
+  KrDevice(const KrDevice&) = delete;
+  KrDevice& operator=(const KrDevice&) = delete;
+
+  virtual KrDeviceInfoType GetType() const = 0;
+  /// The text for a list or a title.
+  const KrString& GetDisplayID() const;
+  /// Registers by address; lives as long as the device.
+  IKrRegisterPort& GetRegisterPort();
+  /// The source of a stream channel for KrStream, or null where the device has none of that number.
+  krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel);
+  /// False once the device is lost.
+  bool IsConnected() const;
+
+  /// Registers a sink; null or one that is registered already is InvalidInput.
+  KrResult RegisterEventSink(KrDeviceEventSink* aSink);
+  /// Takes a sink out; returns when no call of it is running on another thread. InvalidInput when it is not registered.
+  KrResult UnregisterEventSink(KrDeviceEventSink* aSink);
+
+protected:
+  KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID);
+
+private:
+  struct Body;
+  std::unique_ptr<Body> mBody;
+};

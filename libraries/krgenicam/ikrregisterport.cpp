@@ -1,0 +1,1 @@
+#include "krgenicam/ikrregisterport.h"

@@ -1,0 +1,25 @@
+#pragma once
+// Registers of a device: all that a parameter array needs beside the description. GigE Vision, USB3 Vision, the
+// simulation and a Camera Link camera behind a serial line each have their own.
+
+#include "krbase/krresult.h"
+
+#include <cstddef>
+#include <cstdint>
+
+/// Reads and writes bytes at addresses of a device.
+///
+/// Thread: any; accesses of several threads are done one after the other.
+/// Ownership: belongs to the open device and ends with it.
+class KR_EXPORT IKrRegisterPort {
+public:
+  virtual ~IKrRegisterPort() = default;
+
+  /// Reads aLength bytes from aAddress on, in the order in which the device has them.
+  /// TimeLimitExceeded when the answer takes longer than aTimeoutMs (milliseconds, at least 1; the access may still
+  /// happen), ConnectionLost when the device is gone, ProtocolError with the device's own words when it refuses,
+  /// InvalidInput for a length of 0 or beyond 16 MiB. On failure the content of aData is undefined.
+  virtual KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) = 0;
+  /// Writes aLength bytes from aAddress on; results as for Read.
+  virtual KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) = 0;
+};

@@ -1,0 +1,80 @@
+#pragma once
+// What an open device gives, whatever it is connected by: registers, a source of buffers, word of its loss.
+// What the registers mean is the node map's business; which buffers a stream uses is KrStream's.
+
+#include "krbase/krresult.h"
+#include "krbuffer/krbuffer.h"
+#include "krgenicam/ikrregisterport.h"
+
+#include <cstdint>
+
+namespace krsystem {
+
+/// What a source of buffers counted since it was started.
+struct SourceStatistics {
+  std::uint64_t received = 0;       ///< Frames that came whole.
+  std::uint64_t incomplete = 0;     ///< Frames of which a part never came.
+  std::uint64_t missingPackets = 0; ///< Packets that did not come in time, whether or not a resend brought them.
+  std::uint64_t resentPackets = 0;  ///< Packets that came after a resend was asked for.
+  std::uint64_t discarded = 0;      ///< Frames dropped for want of a free buffer.
+  std::uint64_t bytes = 0;          ///< Payload bytes of the frames received.
+};
+
+/// A device's stream channel: takes empty buffers, gives filled ones.
+///
+/// Thread: Queue and Retrieve from any thread; GetPayloadSize, Start and Stop one at a time.
+/// Ownership: belongs to its link; buffers are borrowed between Queue and Retrieve or Stop.
+class KR_EXPORT IBufferSource {
+public:
+  virtual ~IBufferSource() = default;
+
+  /// Asks the device how many bytes one frame takes as it is set up now.
+  virtual KrResult GetPayloadSize(std::uint64_t& aBytes) = 0;
+  /// Hands over an empty buffer of at least the payload's size. WrongState after the device was lost.
+  virtual KrResult Queue(KrBuffer* aBuffer) = 0;
+  /// Opens the stream channel and starts acquisition. Counters start at 0. The device keeps what a frame's size depends
+  /// on from changing where it can (TLParamsLocked).
+  virtual KrResult Start() = 0;
+  /// Takes the next filled buffer, waiting up to aTimeoutMs milliseconds (0 does not wait). OK with a buffer, whose
+  /// status says whether it is whole; without one TimeLimitExceeded, Aborted after Stop, or ConnectionLost at once
+  /// when the device is lost.
+  virtual KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) = 0;
+  /// Stops acquisition and gives up every buffer: afterwards no thread of the source touches one. Waiting calls of
+  /// Retrieve return Aborted. Ends within the link's time limits even when the device is dead. Stopping what is stopped does nothing.
+  virtual void Stop() = 0;
+  virtual SourceStatistics GetStatistics() const = 0;
+};
+
+/// Hears of a device's loss and return.
+///
+/// Thread: called on a thread of the link, never on the caller's of another operation; a sink may call anything but
+/// what destroys the link.
+class KR_EXPORT IDeviceLinkSink {
+public:
+  virtual ~IDeviceLinkSink() = default;
+  /// The device does not answer any more; aReason says how that showed.
+  virtual void OnLinkLost(const KrResult& aReason) = 0;
+  /// A device that was lost answers again. It has to be opened anew.
+  virtual void OnLinkBack() = 0;
+};
+
+/// An open device.
+///
+/// Thread: any, but for destruction.
+/// Ownership: the opener's; register port and buffer source end with it. Destruction gives control back and waits for
+/// what still runs, within the transport's own time limits.
+class KR_EXPORT IDeviceLink {
+public:
+  virtual ~IDeviceLink() = default;
+
+  virtual IKrRegisterPort& GetRegisterPort() = 0;
+  /// The stream channel of a number, or null where the device has none of that number.
+  virtual IBufferSource* GetBufferSource(std::uint32_t aChannel) = 0;
+  /// False once the device is lost.
+  virtual bool IsConnected() const = 0;
+  /// Sets who hears of loss and return; null for nobody. Returns when no call of the former sink is running on another
+  /// thread.
+  virtual void SetSink(IDeviceLinkSink* aSink) = 0;
+};
+
+} // namespace krsystem

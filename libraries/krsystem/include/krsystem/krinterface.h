@@ -1,0 +1,130 @@
+#pragma once
+// What cameras are connected to: network adapters and USB host controllers, as they were when they were listed.
+// Discovery itself is KrSystem's business, talking to adapters the transports'.
+
+#include "krbase/krstring.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class KrDeviceInfo;
+class KrSystem;
+namespace krsystem {
+class ITransport;
+}
+
+/// The kinds of interface; the numbers are part of the interface.
+enum class KrInterfaceType : std::int32_t { USBHostController = 0, NetworkAdapter = 1 };
+
+/// One interface of the host and the devices last found behind it.
+///
+/// Thread: any; an object never changes, but for its list of devices, which KrSystem::Find replaces: read that list while
+/// no Find is running, or from the sink's own call.
+/// Ownership: belongs to its KrSystem and lives as long as that.
+class KR_EXPORT KrInterface {
+public:
+  virtual ~KrInterface();
+  KrInterface(const KrInterface&) = delete;
+  KrInterface& operator=(const KrInterface&) = delete;
+
+  virtual KrInterfaceType GetType() const = 0;
+  /// A text that names the interface among all of the host and stays the same from one Find to the next.
+  const KrString& GetUniqueID() const { return mUniqueID; }
+  /// The text for a list, for example "eth0 192.168.1.10".
+  const KrString& GetDisplayID() const { return mDisplayID; }
+  /// The number of devices that the last Find found behind this interface.
+  std::size_t GetDeviceCount() const { return mDevices.size(); }
+  /// The device at an index; null at or beyond the count.
+  const KrDeviceInfo* GetDeviceInfo(std::size_t aIndex) const;
+
+protected:
+  KrInterface(const KrString& aUniqueID, const KrString& aDisplayID);
+
+private:
+  friend class KrSystem;
+  KrString mUniqueID;
+  KrString mDisplayID;
+  std::vector<const KrDeviceInfo*> mDevices;
+};
+
+namespace krsystem {
+
+/// One IPv4 address of an adapter, as texts "a.b.c.d".
+struct AdapterAddress {
+  KrString address = "0.0.0.0";
+  KrString mask = "0.0.0.0";
+  friend bool operator==(const AdapterAddress&, const AdapterAddress&) = default;
+};
+
+/// What a transport says of a network adapter.
+struct NetworkAdapterFields {
+  KrString uniqueID;
+  KrString displayID;
+  KrString name;        ///< The system's name of it, for example "eth0".
+  KrString description; ///< For people, for example the driver's name.
+  KrString macAddress;  ///< "aa:bb:cc:dd:ee:ff"; empty where the adapter has none.
+  std::vector<AdapterAddress> addresses = {AdapterAddress{}}; ///< At least one; 0.0.0.0 where there is none.
+  KrString defaultGateway = "0.0.0.0";
+  bool tolvanDriverInstalled = false;
+  friend bool operator==(const NetworkAdapterFields&, const NetworkAdapterFields&) = default;
+};
+
+/// What a transport says of a USB host controller.
+struct USBHostControllerFields {
+  KrString uniqueID;
+  KrString displayID;
+  std::uint16_t vendorID = 0;
+  std::uint16_t deviceID = 0;
+  std::uint32_t subsystemID = 0;
+  std::int32_t revision = 0;
+  std::int32_t speed = 0; ///< 1 low, 2 full, 3 high, 4 super, others unknown.
+  friend bool operator==(const USBHostControllerFields&, const USBHostControllerFields&) = default;
+};
+
+} // namespace krsystem
+
+/// A network adapter with all its IPv4 addresses. Threads and ownership as KrInterface.
+class KR_EXPORT KrNetworkAdapter : public KrInterface {
+public:
+  explicit KrNetworkAdapter(krsystem::NetworkAdapterFields aFields);
+  ~KrNetworkAdapter() override;
+
+  KrInterfaceType GetType() const override { return KrInterfaceType::NetworkAdapter; }
+  /// The system's name, for example "eth0".
+  const KrString& GetName() const { return mFields.name; }
+  const KrString& GetDescription() const { return mFields.description; }
+  const KrString& GetMACAddress() const { return mFields.macAddress; }
+  /// At least 1: an adapter without IPv4 reports one address 0.0.0.0.
+  std::size_t GetIPAddressCount() const { return mFields.addresses.size(); }
+  /// "a.b.c.d"; "0.0.0.0" at or beyond the count.
+  KrString GetIPAddress(std::size_t aIndex) const;
+  /// "a.b.c.d"; "0.0.0.0" at or beyond the count.
+  KrString GetSubnetMask(std::size_t aIndex) const;
+  const KrString& GetDefaultGateway() const { return mFields.defaultGateway; }
+  bool IsTolvanDriverInstalled() const { return mFields.tolvanDriverInstalled; }
+  const krsystem::NetworkAdapterFields& GetFields() const { return mFields; }
+
+private:
+  krsystem::NetworkAdapterFields mFields;
+};
+
+/// A USB host controller. Threads and ownership as KrInterface.
+class KR_EXPORT KrUSBHostController : public KrInterface {
+public:
+  explicit KrUSBHostController(krsystem::USBHostControllerFields aFields);
+  ~KrUSBHostController() override;
+
+  KrInterfaceType GetType() const override { return KrInterfaceType::USBHostController; }
+  std::uint16_t GetVendorID() const { return mFields.vendorID; }
+  std::uint16_t GetDeviceID() const { return mFields.deviceID; }
+  std::uint32_t GetSubsystemID() const { return mFields.subsystemID; }
+  std::int32_t GetRevision() const { return mFields.revision; }
+  /// 1 low, 2 full, 3 high, 4 super, others unknown.
+  std::int32_t GetSpeed() const { return mFields.speed; }
+  const krsystem::USBHostControllerFields& GetFields() const { return mFields; }
+
+private:
+  krsystem::USBHostControllerFields mFields;
+};

@@ -1,0 +1,72 @@
+#pragma once
+// Discovery of devices on every interface of the host. How an interface is asked is left to the transports that the
+// program registered; without any, nothing is found.
+
+#include "krbase/krresult.h"
+#include "krsystem/krdeviceinfo.h"
+#include "krsystem/krinterface.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+/// Hears of devices while KrSystem::Find runs.
+class KR_EXPORT KrSystemEventSink {
+public:
+  virtual ~KrSystemEventSink() = default;
+  /// A device answered. Called during Find, one call at a time, on a thread of Find or of a transport.
+  /// Setting aIgnore drops the device: it does not enter the lists.
+  virtual void OnDeviceFound(const KrInterface* aInterface, const KrDeviceInfo* aDevice, bool& aIgnore) = 0;
+};
+
+/// Finds devices and keeps what was found.
+///
+/// Thread: Find and FindDevice one at a time; Cancel from any thread; the getters while neither runs.
+/// Ownership: owns every KrInterface and KrDeviceInfo that it ever handed out, until it is destroyed.
+///
+///     KrSystem system;
+///     system.Find();
+///     for (std::size_t i = 0; i < system.GetDeviceCount(); ++i)
+///       std::cout << system.GetDeviceInfo(i)->GetDisplayID().CStr() << '\n';
+class KR_EXPORT KrSystem {
+public:
+  /// Lists the interfaces; devices come with Find.
+  KrSystem();
+  ~KrSystem();
+  KrSystem(const KrSystem&) = delete;
+  KrSystem& operator=(const KrSystem&) = delete;
+
+  /// Registers a sink; one that is registered already, or null, is InvalidInput. Not while Find runs.
+  KrResult RegisterEventSink(KrSystemEventSink* aSink);
+  /// Takes a sink out; one that is not registered is InvalidInput. Not while Find runs.
+  KrResult UnregisterEventSink(KrSystemEventSink* aSink);
+
+  /// How long answers are awaited, in milliseconds; 1000 until it is set, values below 1 count as 1.
+  void SetDetectionTimeout(std::uint32_t aTimeoutMs);
+  std::uint32_t GetDetectionTimeout() const;
+  /// Whether discovery is broadcast within each subnet (true, the default) or to 255.255.255.255, which devices with an
+  /// address of a foreign subnet hear too.
+  void SetSubnetBroadcastEnabled(bool aEnabled);
+  bool IsSubnetBroadcastEnabled() const;
+
+  /// Does one round of discovery on all interfaces at once; the lists afterwards hold what answered in this round.
+  /// An interface or device that did not change keeps its object. Aborted after Cancel.
+  KrResult Find();
+  /// Asks one IPv4 address ("a.b.c.d"), whether or not broadcasts reach it. InvalidInput for a text that is no address,
+  /// NotFound when nothing answers.
+  KrResult FindDevice(const KrString& aAddress, const KrDeviceInfo** aDevice);
+  /// Makes a Find that runs return soon.
+  void Cancel();
+
+  std::size_t GetInterfaceCount() const;
+  /// Null at or beyond the count.
+  const KrInterface* GetInterface(std::size_t aIndex) const;
+  /// The number of devices on all interfaces.
+  std::size_t GetDeviceCount() const;
+  /// Null at or beyond the count.
+  const KrDeviceInfo* GetDeviceInfo(std::size_t aIndex) const;
+
+private:
+  struct Body;
+  std::unique_ptr<Body> mBody;
+};
