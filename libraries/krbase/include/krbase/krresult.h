@@ -40,7 +40,7 @@ public:
   KrResult() = default;
   /// A result without a description.
   KrResult(Code aCode);
-  /// A result with a description that says what was attempted, on what, and what can be done.
+  /// A result with a description that says what was attempted, on what, and what can be done; success takes none.
   KrResult(Code aCode, const KrString& aDescription);
 
   /// True for success alone.

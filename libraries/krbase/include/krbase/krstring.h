@@ -16,7 +16,8 @@
 class KR_EXPORT KrString {
 public:
   KrString() = default;
-  /// Takes UTF-8 text; null is taken as the empty text. Bytes that are no UTF-8 are kept and read as U+FFFD by ToWide().
+  /// Takes UTF-8 text; null is taken as the empty text. Bytes that are no UTF-8 are kept and read as U+FFFD by
+  /// ToWide().
   KrString(const char* aUtf8);
   KrString(std::string_view aUtf8);
   KrString(std::string aUtf8);
@@ -28,7 +29,7 @@ public:
   const std::string& ToUtf8() const { return mUtf8; }
   /// The text as UTF-8, zero-terminated.
   const char* CStr() const { return mUtf8.c_str(); }
-  /// The text as UTF-16; every malformed sequence becomes one U+FFFD.
+  /// The text as UTF-16; every malformed sequence (a maximal subpart, Unicode 15.0, D93b) becomes one U+FFFD.
   std::u16string ToWide() const;
 
   bool IsEmpty() const { return mUtf8.empty(); }
@@ -37,7 +38,6 @@ public:
   void Clear() { mUtf8.clear(); }
 
   KrString& operator+=(const KrString& aOther);
-  friend KR_EXPORT KrString operator+(const KrString& aLeft, const KrString& aRight);
 
   /// Compares bytes, which for UTF-8 is the order of code points; no locale takes part.
   friend bool operator==(const KrString&, const KrString&) = default;
@@ -46,3 +46,6 @@ public:
 private:
   std::string mUtf8;
 };
+
+/// The two texts joined.
+KR_EXPORT KrString operator+(const KrString& aLeft, const KrString& aRight);

@@ -25,8 +25,8 @@ public:
   virtual std::uint32_t GetPaddingX() const = 0;
   /// Bytes after the last line.
   virtual std::uint32_t GetPaddingY() const = 0;
-  /// The size in bytes that the image takes by its width, height, format and padding; 0 for an image that holds nothing.
-  /// Never more than the memory behind GetDataPointer().
+  /// The size in bytes that the image takes by its width, height, format and padding; 0 for an image that holds
+  /// nothing. Never more than the memory behind GetDataPointer().
   virtual std::size_t GetImageSize() const = 0;
   /// The first byte of the first (top) line; null for an image that holds nothing.
   virtual const std::uint8_t* GetDataPointer() const = 0;

@@ -48,13 +48,15 @@ public:
   KrBuffer();
   explicit KrBuffer(KrPayloadType aType);
   ~KrBuffer();
-  KrBuffer(KrBuffer&&) noexcept;
-  KrBuffer& operator=(KrBuffer&&) noexcept;
+  /// Takes over memory, image (pointers to it stay valid) and all else; the other goes on as an empty buffer of the
+  /// image payload type.
+  KrBuffer(KrBuffer&& aOther) noexcept;
+  KrBuffer& operator=(KrBuffer&& aOther) noexcept;
   KrBuffer(const KrBuffer&) = delete;
   KrBuffer& operator=(const KrBuffer&) = delete;
 
   KrPayloadType GetPayloadType() const;
-  /// Says what kind of payload the bytes are; they are not touched.
+  /// Says what kind of payload the bytes are; they and their description as an image are not touched.
   void SetPayloadType(KrPayloadType aType);
 
   /// The buffer as an image: never null while the payload type is Image, null for every other type.
@@ -71,8 +73,8 @@ public:
   /// Sets the number of bytes filled; more than GetSize() is cut to it.
   void SetAcquiredSize(std::size_t aBytes);
 
-  /// Makes room for bytes of no particular meaning, zeroed. 0 gives InvalidInput, more than 4 GiB too, too little memory
-  /// SystemError; the buffer is then unchanged.
+  /// Makes room for bytes of no particular meaning, zeroed. 0 gives InvalidInput, more than 4 GiB too, too little
+  /// memory SystemError; the buffer is then unchanged.
   KrResult Alloc(std::size_t aBytes);
   /// Uses memory of the caller's, which must outlive the use; it is not freed. Null or 0 gives InvalidInput.
   KrResult Attach(void* aMemory, std::size_t aBytes);
@@ -81,7 +83,8 @@ public:
 
   /// Describes the bytes that are there as an image, without touching them: a stream does this when a frame is in.
   /// BadData when the image would be larger than the memory, InvalidInput for a width, height or pixel size of 0;
-  /// the buffer is then unchanged.
+  /// the buffer is then unchanged. The payload type stays as it is; bytes that were never described are an image of
+  /// width 0.
   KrResult DescribeImage(std::uint32_t aWidth, std::uint32_t aHeight, KrPixelType aType, std::uint32_t aPaddingX = 0,
                          std::uint32_t aPaddingY = 0);
 

@@ -18,7 +18,7 @@
 class KR_EXPORT KrBufferConverter {
 public:
   /// Number of threads used for one image: -1 is one for each core, 1 is the caller's thread alone; 0 and values below
-  /// -1 count as -1.
+  /// -1 count as -1, values above 64 as 64.
   explicit KrBufferConverter(int aThreadCount = -1);
   ~KrBufferConverter();
   KrBufferConverter(const KrBufferConverter&) = delete;
@@ -30,11 +30,12 @@ public:
   /// True when Convert can read the first format and write the second.
   static bool IsConversionSupported(KrPixelType aSource, KrPixelType aDestination);
 
-  /// Converts an image into the destination's image, whose pixel type says the format wanted (BGRa8 when it holds none).
-  /// aAllocate lets the destination be allocated anew where its size does not fit; without it a misfit is InvalidInput.
-  /// aBottomUp writes the lines in reverse order.
-  /// NotSupported for formats that IsConversionSupported refuses, BadData for a source whose data is smaller than its
-  /// width, height and format say; the destination is then unchanged.
+  /// Converts an image into the destination's image, whose pixel type says the format wanted (BGRa8 when it holds
+  /// none). aAllocate lets the destination be allocated anew where its size does not fit; without it a misfit is
+  /// InvalidInput. aBottomUp writes the lines in reverse order. InvalidInput for null, a source without pixels, a
+  /// destination of another payload type than image, and a source that lies in the destination's memory. NotSupported
+  /// for formats that IsConversionSupported refuses, BadData for a source whose data is smaller than its width, height,
+  /// format and padding say, SystemError where memory or threads cannot be had. The destination is then unchanged.
   KrResult Convert(const IKrImage* aSource, KrBuffer* aDestination, bool aAllocate, bool aBottomUp) const;
 
 private:

@@ -1,5 +1,6 @@
 #pragma once
-// Pixel formats by their PFNC codes, in one table: name, size, layout. How a format is read is the converter's business.
+// Pixel formats by their PFNC codes, in one table: name, size, layout. How a format is read is the converter's
+// business.
 
 #include "krbase/krexport.h"
 
@@ -57,4 +58,6 @@ KR_EXPORT std::optional<KrPixelTypeInfo> KrFindPixelType(KrPixelType aType);
 KR_EXPORT std::optional<KrPixelType> KrFindPixelType(std::string_view aName);
 /// Bits that a pixel takes, as the code itself states them in bits 16 to 23 (PFNC 2.0, section 5); right for unknown
 /// formats too. 0 for a code that is none.
-constexpr std::uint32_t KrGetBitsPerPixel(KrPixelType aType) { return (aType >> 16) & 0xFFu; }
+constexpr std::uint32_t KrGetBitsPerPixel(KrPixelType aType) {
+  return (aType >> 16) & 0xFFu;
+}

@@ -1,0 +1,203 @@
+#include "krbuffer/krbufferconverter.h"
+
+#include "bgrapixel.h"
+#include "imagelayout.h"
+#include "pixelreaders.h"
+#include "workerpool.h"
+
+#include <algorithm>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace {
+
+using krbuffer::ImageShape;
+using krbuffer::LineReader;
+using krbuffer::LineSource;
+using krbuffer::WorkerPool;
+
+constexpr int kMostThreads = 64;
+/// From this many pixels on, sharing an image costs less than it saves.
+constexpr std::uint64_t kLeastSharedPixels = 256 * 1024;
+/// Parts for each thread, so that one that is held up does not hold up the whole image.
+constexpr std::uint32_t kPartsPerThread = 4;
+
+/// What a source says of itself, asked once: an application's own image may answer differently every time.
+struct SourceImage {
+  ImageShape shape;
+  const std::uint8_t* data;
+  std::size_t bytes;
+};
+
+SourceImage AskSource(const IKrImage& aSource) {
+  return {
+      {aSource.GetWidth(), aSource.GetHeight(), aSource.GetPixelType(), aSource.GetPaddingX(), aSource.GetPaddingY()},
+      aSource.GetDataPointer(),
+      aSource.GetImageSize()};
+}
+
+std::string GetTypeText(KrPixelType aType) {
+  const std::optional<KrPixelTypeInfo> info = KrFindPixelType(aType);
+  return info ? std::string(info->name) : std::to_string(aType);
+}
+
+/// The format that the destination's image asks for.
+KrPixelType GetWantedType(const IKrImage& aDestination) {
+  return aDestination.GetImageSize() != 0 ? aDestination.GetPixelType() : KrPixel::BGRa8;
+}
+
+KrResult CheckSource(const SourceImage& aSource, KrPixelType aWanted) {
+  const ImageShape& shape = aSource.shape;
+  if (shape.width == 0 || shape.height == 0)
+    return {KrResult::Code::InvalidInput, "An image of " + std::to_string(shape.width) + " x " +
+                                              std::to_string(shape.height) +
+                                              " pixels cannot be converted. Give an image that holds pixels."};
+  if (!KrBufferConverter::IsConversionSupported(shape.type, aWanted))
+    return {KrResult::Code::NotSupported, "Cannot convert from pixel type " + GetTypeText(shape.type) + " to " +
+                                              GetTypeText(aWanted) + ". Choose another pixel format on the device."};
+  const std::optional<std::uint64_t> bytes = krbuffer::GetImageBytes(shape);
+  if (!aSource.data || !bytes || *bytes > aSource.bytes)
+    return {KrResult::Code::BadData, "An image of " + std::to_string(shape.width) + " x " +
+                                         std::to_string(shape.height) + " pixels of " + GetTypeText(shape.type) +
+                                         " was to be converted, but only " +
+                                         std::to_string(aSource.data ? aSource.bytes : 0) + " bytes of it are there."};
+  return {};
+}
+
+/// True when writing or replacing the destination's memory would change the source.
+bool ShareMemory(const SourceImage& aSource, const KrBuffer& aDestination) {
+  const std::less<> isBefore;
+  const std::uint8_t* destination = aDestination.GetDataPointer();
+  return destination && isBefore(aSource.data, destination + aDestination.GetSize()) &&
+         isBefore(destination, aSource.data + aSource.bytes);
+}
+
+KrResult FitDestination(const ImageShape& aSource, KrPixelType aWanted, IKrImage& aDestination, bool aAllocate) {
+  const bool fits = aDestination.GetWidth() == aSource.width && aDestination.GetHeight() == aSource.height &&
+                    aDestination.GetPixelType() == aWanted;
+  if (fits)
+    return {};
+  if (!aAllocate)
+    return {KrResult::Code::InvalidInput,
+            "An image of " + std::to_string(aSource.width) + " x " + std::to_string(aSource.height) +
+                " pixels does not fit the destination's image of " + std::to_string(aDestination.GetWidth()) + " x " +
+                std::to_string(aDestination.GetHeight()) + ". Allocate it in this size, or let the converter do so."};
+  return aDestination.Alloc(aSource.width, aSource.height, aWanted);
+}
+
+/// One conversion with everything checked.
+struct Conversion {
+  LineReader read;
+  LineSource source;
+  std::uint8_t* destination;
+  std::size_t destinationStrideBytes;
+  bool bottomUp;
+
+  void ConvertLines(std::uint64_t aFirst, std::uint64_t aEnd) const {
+    for (std::uint64_t index = aFirst; index < aEnd; ++index) {
+      const auto line = static_cast<std::uint32_t>(index);
+      const std::uint32_t target = bottomUp ? source.height - 1 - line : line;
+      read(source, line, destination + destinationStrideBytes * target);
+    }
+  }
+};
+
+Conversion MakeConversion(const SourceImage& aSource, IKrImage& aDestination, bool aBottomUp) {
+  const ImageShape destination{aDestination.GetWidth(), aDestination.GetHeight(), aDestination.GetPixelType(),
+                               aDestination.GetPaddingX(), aDestination.GetPaddingY()};
+  return {krbuffer::FindLineReader(aSource.shape.type),
+          {aSource.data, static_cast<std::size_t>(krbuffer::GetStrideBytes(aSource.shape)), aSource.shape.width,
+           aSource.shape.height},
+          aDestination.GetDataPointer(),
+          static_cast<std::size_t>(krbuffer::GetStrideBytes(destination)),
+          aBottomUp};
+}
+
+int GetEffectiveThreadCount(int aThreadCount) {
+  const int wanted = aThreadCount > 0 ? aThreadCount : static_cast<int>(std::thread::hardware_concurrency());
+  return std::clamp(wanted, 1, kMostThreads);
+}
+
+} // namespace
+
+struct KrBufferConverter::Body {
+  int threadCount = 1;
+  std::mutex poolMutex; // Guards the making of the pool, which is used without it.
+  std::unique_ptr<WorkerPool> pool;
+
+  /// The pool where the image is worth it, or null; made when it is first needed.
+  WorkerPool* FindPool(const ImageShape& aShape) {
+    if (threadCount == 1 || std::uint64_t{aShape.width} * aShape.height < kLeastSharedPixels)
+      return nullptr;
+    const std::lock_guard lock(poolMutex);
+    if (!pool)
+      pool = std::make_unique<WorkerPool>(threadCount - 1);
+    return pool.get();
+  }
+
+  void Run(const Conversion& aConversion, WorkerPool* aPool) const {
+    const std::uint64_t height = aConversion.source.height;
+    if (!aPool) {
+      aConversion.ConvertLines(0, height);
+      return;
+    }
+    const std::uint64_t parts =
+        std::min<std::uint64_t>(height, kPartsPerThread * static_cast<std::uint64_t>(threadCount));
+    aPool->Run(static_cast<std::uint32_t>(parts), [&](std::uint32_t aPart) {
+      aConversion.ConvertLines(height * aPart / parts, height * (aPart + 1) / parts);
+    });
+  }
+
+  KrResult Convert(const IKrImage& aSource, KrBuffer& aDestination, bool aAllocate, bool aBottomUp) {
+    IKrImage* destination = aDestination.GetImage();
+    if (!destination)
+      return {KrResult::Code::InvalidInput,
+              "An image was to be converted into a buffer of another payload type than image. Give one of type image."};
+    const SourceImage source = AskSource(aSource);
+    const KrPixelType wanted = GetWantedType(*destination);
+    if (KrResult result = CheckSource(source, wanted); !result.IsOK())
+      return result;
+    if (ShareMemory(source, aDestination))
+      return {KrResult::Code::InvalidInput,
+              "An image was to be converted into the memory that it lies in. Give a destination with its own memory."};
+    // The pool comes first: where it cannot be had, the destination is still as it was.
+    WorkerPool* workers = FindPool(source.shape);
+    if (KrResult result = FitDestination(source.shape, wanted, *destination, aAllocate); !result.IsOK())
+      return result;
+    Run(MakeConversion(source, *destination, aBottomUp), workers);
+    return {};
+  }
+};
+
+KrBufferConverter::KrBufferConverter(int aThreadCount) : mBody(std::make_unique<Body>()) {
+  mBody->threadCount = GetEffectiveThreadCount(aThreadCount);
+}
+
+KrBufferConverter::~KrBufferConverter() = default;
+
+int KrBufferConverter::GetThreadCount() const {
+  return mBody->threadCount;
+}
+
+bool KrBufferConverter::IsConversionSupported(KrPixelType aSource, KrPixelType aDestination) {
+  return aDestination == KrPixel::BGRa8 && krbuffer::FindLineReader(aSource) != nullptr;
+}
+
+KrResult KrBufferConverter::Convert(const IKrImage* aSource, KrBuffer* aDestination, bool aAllocate,
+                                    bool aBottomUp) const {
+  if (!aSource || !aDestination)
+    return {KrResult::Code::InvalidInput, std::string("An image was to be converted without a ") +
+                                              (aSource ? "destination" : "source") + ". Give both."};
+  try {
+    return mBody->Convert(*aSource, *aDestination, aAllocate, aBottomUp);
+  } catch (const std::exception& error) {
+    return {KrResult::Code::SystemError,
+            std::string("An image could not be converted: ") + error.what() + ". Close other programs and try again."};
+  } catch (...) {
+    // An application's own image may throw what it likes.
+    return {KrResult::Code::Failed, "An image could not be converted: its class threw an unknown exception."};
+  }
+}
