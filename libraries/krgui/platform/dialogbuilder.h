@@ -14,11 +14,13 @@ namespace krgui {
 
 /// The controls of one opening.
 ///
-/// Thread: user interface. Ownership: the dialog owns the control widgets; this object must not be used after the dialog's end.
+/// Thread: user interface. Ownership: the dialog owns the control widgets; this object must not be used after the
+/// dialog's end.
 class DialogControls {
 public:
-  /// Makes the controls as children of aDialog. The dialog unit is the smaller of the font's average over the 52 letters
-  /// divided by 4 and aMaximum's width divided by the template's (heights likewise, with 8).
+  /// Makes the controls as children of aDialog; aTemplate outlives this object. The dialog unit is the smaller of the
+  /// font's average over the 52 letters divided by 4 and aMaximum's width divided by the template's (heights likewise,
+  /// with 8).
   DialogControls(const DialogTemplate& aTemplate, QWidget& aDialog, const QSize& aMaximum);
   ~DialogControls();
   DialogControls(const DialogControls&) = delete;

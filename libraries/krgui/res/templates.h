@@ -3,6 +3,7 @@
 
 #include "platform/dialogtemplate.h"
 
+#include <array>
 #include <span>
 
 namespace krgui {
@@ -27,8 +28,15 @@ inline constexpr WindowTraits kDeviceFinderTraits = {"DeviceFinderWnd", 1504, 15
 inline constexpr WindowTraits kDisplayTraits = {"DisplayWnd", 1021, 1021, 1028, 30, 32768, 20, 32768};
 inline constexpr WindowTraits kGenBrowserTraits = {"GenBrowserWnd", 1079, 1079, 1081, 300, 32768, 300, 32768};
 inline constexpr WindowTraits kSerialTerminalTraits = {"SerialTerminalWnd", 1512, 1512, 1512, 608, 608, 350, 2000};
-inline constexpr WindowTraits kSerialBridgeManagerTraits = {"SerialBridgeManagerWnd", 1518, 1518, 1518, 500, 800, 300, 600};
+inline constexpr WindowTraits kSerialBridgeManagerTraits = {
+    "SerialBridgeManagerWnd", 1518, 1518, 1518, 500, 800, 300, 600};
 /// The modal path uses the serial bridge manager's template; the pairing is meant.
-inline constexpr WindowTraits kCameraBridgeManagerTraits = {"CameraBridgeManagerWnd", 1518, 1530, 1530, 775, 1600, 582, 2500};
+inline constexpr WindowTraits kCameraBridgeManagerTraits = {
+    "CameraBridgeManagerWnd", 1518, 1530, 1530, 775, 1600, 582, 2500};
+
+/// All of them.
+inline constexpr std::array kWindowTraits = {kDeviceFinderTraits,        kDisplayTraits,
+                                             kGenBrowserTraits,          kSerialTerminalTraits,
+                                             kSerialBridgeManagerTraits, kCameraBridgeManagerTraits};
 
 } // namespace krgui

@@ -1,7 +1,7 @@
 #pragma once
-// Messages from any thread to one window's user-interface thread, without a toolkit. Window and workers share the queue,
-// never a pointer to the window. How the user-interface thread is woken from its loop is left to whoever watches the
-// wake-up descriptor.
+// Messages from any thread to one window's user-interface thread, without a toolkit. Window and workers share the
+// queue, never a pointer to the window. How the user-interface thread is woken from its loop is left to whoever watches
+// the wake-up descriptor.
 
 #include <cstdint>
 #include <memory>
@@ -83,7 +83,8 @@ public:
   std::optional<Taken> Take();
   bool IsEmpty() const;
 
-  /// A file descriptor (eventfd) that is readable while messages wait; belongs to the queue. -1 when the system gave none.
+  /// A file descriptor (eventfd) that is readable while messages wait; belongs to the queue. -1 when the system gave
+  /// none.
   int GetWakeDescriptor() const;
 
 private:

@@ -1,0 +1,103 @@
+#include "res/templates.h"
+
+#include <algorithm>
+#include <array>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kOkID = 1;
+constexpr int kCancelID = 2;
+constexpr int kHorizontalBarID = 1044;
+constexpr int kVerticalBarID = 1046;
+
+constexpr std::array kDisplayPopupControls = {
+    ControlTemplate{
+        ControlClass::HorizontalScrollBar, kHorizontalBarID, "", {0, 215, 322, 10}, kMoveDown | kGrowRight, true},
+    ControlTemplate{
+        ControlClass::VerticalScrollBar, kVerticalBarID, "", {322, 0, 10, 215}, kMoveRight | kGrowDown, true},
+};
+
+constexpr std::array kDisplayChildControls = {
+    ControlTemplate{
+        ControlClass::HorizontalScrollBar, kHorizontalBarID, "", {0, 92, 198, 10}, kMoveDown | kGrowRight, true},
+    ControlTemplate{
+        ControlClass::VerticalScrollBar, kVerticalBarID, "", {198, 0, 10, 92}, kMoveRight | kGrowDown, true},
+};
+
+constexpr std::array kDeviceFinderControls = {
+    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {425, 342, 50, 16}, kMoveRight | kMoveDown},
+    ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {478, 342, 50, 16}, kMoveRight | kMoveDown},
+};
+
+constexpr std::array kTemplates = {
+    DialogTemplate{1021, "Display", DialogKind::SizingPopup, 332, 225, kDisplayPopupControls},
+    DialogTemplate{1028, "", DialogKind::Child, 208, 102, kDisplayChildControls},
+    DialogTemplate{1079, "GenICam Explorer", DialogKind::SizingPopup, 253, 330, {}},
+    DialogTemplate{1081, "", DialogKind::Child, 260, 317, {}},
+    DialogTemplate{1504, "Device Selection", DialogKind::FixedPopup, 535, 365, kDeviceFinderControls},
+    DialogTemplate{1512, "Device Serial Communication", DialogKind::SizingPopup, 393, 352, {}},
+    DialogTemplate{1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255, {}},
+    DialogTemplate{1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336, {}},
+};
+
+constexpr const DialogTemplate* FindInTable(int aID) {
+  const auto found = std::find_if(kTemplates.begin(), kTemplates.end(),
+                                  [aID](const DialogTemplate& aTemplate) { return aTemplate.id == aID; });
+  return found == kTemplates.end() ? nullptr : &*found;
+}
+
+constexpr bool AreTemplateIDsUnique() {
+  return std::all_of(kTemplates.begin(), kTemplates.end(),
+                     [](const DialogTemplate& aTemplate) { return FindInTable(aTemplate.id) == &aTemplate; });
+}
+
+/// -1 may repeat: nobody looks those up.
+constexpr bool AreControlIDsUnique(const DialogTemplate& aTemplate) {
+  return std::all_of(aTemplate.controls.begin(), aTemplate.controls.end(), [&](const ControlTemplate& aControl) {
+    return aControl.id == -1 ||
+           std::count_if(aTemplate.controls.begin(), aTemplate.controls.end(),
+                         [&](const ControlTemplate& aOther) { return aOther.id == aControl.id; }) == 1;
+  });
+}
+
+constexpr bool AreControlsInside(const DialogTemplate& aTemplate) {
+  return std::all_of(aTemplate.controls.begin(), aTemplate.controls.end(), [&](const ControlTemplate& aControl) {
+    return Encloses({0, 0, aTemplate.width, aTemplate.height}, aControl.rect);
+  });
+}
+
+constexpr bool IsOnlyOKDefault(const DialogTemplate& aTemplate) {
+  return std::all_of(aTemplate.controls.begin(), aTemplate.controls.end(), [](const ControlTemplate& aControl) {
+    return aControl.controlClass != ControlClass::DefaultButton || aControl.id == kOkID;
+  });
+}
+
+constexpr bool HasTemplates(const WindowTraits& aTraits) {
+  return FindInTable(aTraits.modalTemplate) != nullptr && FindInTable(aTraits.popupTemplate) != nullptr &&
+         FindInTable(aTraits.childTemplate) != nullptr;
+}
+
+constexpr bool AreLimitsInOrder(const WindowTraits& aTraits) {
+  return aTraits.minWidth <= aTraits.maxWidth && aTraits.minHeight <= aTraits.maxHeight;
+}
+
+static_assert(AreTemplateIDsUnique());
+static_assert(std::all_of(kTemplates.begin(), kTemplates.end(), AreControlIDsUnique));
+static_assert(std::all_of(kTemplates.begin(), kTemplates.end(), AreControlsInside));
+static_assert(std::all_of(kTemplates.begin(), kTemplates.end(), IsOnlyOKDefault));
+static_assert(std::all_of(kWindowTraits.begin(), kWindowTraits.end(), HasTemplates));
+static_assert(std::all_of(kWindowTraits.begin(), kWindowTraits.end(), AreLimitsInOrder));
+
+} // namespace
+
+const DialogTemplate* FindTemplate(int aID) {
+  return FindInTable(aID);
+}
+
+std::span<const DialogTemplate> GetTemplates() {
+  return kTemplates;
+}
+
+} // namespace krgui
