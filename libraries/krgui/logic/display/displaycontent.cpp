@@ -46,8 +46,10 @@ KrResult DisplayContent::Display(const IKrImage* aImage) {
   mLastHeight = height;
   mDisplayedText = mPendingText;
 
+  // The application may have used the buffer for something else.
+  mInternalBuffer.SetPayloadType(KrPayloadType::Image);
   IKrImage* shown = mInternalBuffer.GetImage();
-  if (shown->GetWidth() != width || shown->GetHeight() != height) {
+  if (shown->GetWidth() != width || shown->GetHeight() != height || shown->GetPixelType() != kDisplayPixelType) {
     // A failure shows in the conversion, whose failure in turn leaves on the screen what was there.
     [[maybe_unused]] const KrResult allocated = shown->Alloc(width, height, kDisplayPixelType);
   }

@@ -1,0 +1,84 @@
+#pragma once
+// The thread that takes frames from a camera and hands them to a display window, through loss and return of the camera.
+// What the user sees beside the picture is left to the viewer.
+
+#include "framemeter.h"
+#include "krdevice/krdevice.h"
+#include "krdevice/krstream.h"
+#include "krgui/krdisplaywnd.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace krviewer {
+
+enum class AcquisitionState {
+  Connecting,
+  Streaming,
+  Lost,     ///< The camera vanished; it is awaited.
+  Finished, ///< The number of frames asked for came, or it was stopped.
+  Failed,   ///< It could not be opened or started, or was lost while a number of frames was asked for.
+};
+
+/// A copy of what the thread has come to.
+struct AcquisitionProgress {
+  AcquisitionState state = AcquisitionState::Connecting;
+  KrResult result;              ///< Why it was lost or failed.
+  std::uint64_t frames = 0;     ///< Frames that came, whole or not.
+  std::uint64_t lastFrameID = 0;///< Of the frame displayed last.
+  double framesPerSecond = 0;   ///< Over the whole run.
+  double megabytesPerSecond = 0;
+  KrStreamStatistics statistics;
+};
+
+/// The text drawn over the picture: rates and losses.
+KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStatistics);
+
+/// Streams one camera into one window.
+///
+/// Thread: construction, destruction and Stop on one thread; GetProgress from any.
+/// Ownership: borrows window and device information, which must outlive it.
+class Acquisition : private KrDeviceEventSink {
+public:
+  /// aFrameLimit 0 streams until it is stopped.
+  Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, std::uint64_t aFrameLimit);
+  ~Acquisition() override;
+
+  AcquisitionProgress GetProgress() const;
+  /// Ends the thread and gives the camera back.
+  void Stop();
+
+private:
+  void OnDeviceLost(KrDevice* aDevice, const KrResult& aReason) override;
+  void OnDeviceBack(KrDevice* aDevice) override;
+
+  void Run(std::stop_token aStop);
+  KrResult ConnectAndStream(std::stop_token aStop);
+  KrResult StreamOnce(std::stop_token aStop, KrDevice& aDevice);
+  void ShowLastFrame(const KrBuffer* aBuffer, const KrResult& aReason);
+  bool ShowFrame(const KrBuffer& aBuffer, const KrStreamStatistics& aStatistics);
+  void AwaitReturn(std::stop_token aStop);
+  void SetState(AcquisitionState aState, const KrResult& aResult);
+  bool IsLimitReached() const;
+
+  KrDisplayWnd& mWindow;
+  const KrDeviceInfo& mDeviceInfo;
+  const std::uint64_t mFrameLimit;
+
+  // The thread's own.
+  std::unique_ptr<KrDevice> mDevice;
+  bool mWasConnected = false;
+  FrameMeter mMeter;
+  std::uint64_t mFirstFrameNs = 0;
+
+  mutable std::mutex mMutex; ///< Guards the progress and the return flag.
+  std::condition_variable_any mReturned;
+  AcquisitionProgress mProgress;
+  bool mIsBack = false;
+  std::jthread mThread; ///< Last, so that it ends before what it uses.
+};
+
+} // namespace krviewer

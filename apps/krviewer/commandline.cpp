@@ -1,0 +1,58 @@
+#include "commandline.h"
+
+#include <QCommandLineParser>
+
+namespace krviewer {
+
+namespace {
+
+CommandLineStatus Fail(const QString& aReason, QString& aText) {
+  aText = aReason + QStringLiteral("\nTry: krviewer --help");
+  return CommandLineStatus::Error;
+}
+
+} // namespace
+
+CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& aCommandLine, QString& aText) {
+  const QCommandLineOption device("device", "Show this camera: an ID, a MAC or IP address or a user-defined name. "
+                                            "Without it the first camera is shown.",
+                                  "DEVICE");
+  const QCommandLineOption simulate("simulate", "Offer the built-in simulated cameras beside the real ones.");
+  const QCommandLineOption frames("frames", "End after this number of frames.", "N");
+  const QCommandLineOption screenshot("screenshot", "At the end write pictures of the windows into this folder.", "DIR");
+  const QCommandLineOption headless("headless", "Use no display, even where there is one.");
+  const QCommandLineOption help({"h", "help"}, "Print this text.");
+  const QCommandLineOption version({"v", "version"}, "Print the version.");
+  QCommandLineParser parser;
+  parser.setApplicationDescription("Shows a machine-vision camera live.");
+  parser.addOptions({device, simulate, frames, screenshot, headless, help, version});
+
+  if (!parser.parse(QStringList{QStringLiteral("krviewer")} + aArguments))
+    return Fail(parser.errorText(), aText);
+  if (parser.isSet(help)) {
+    aText = parser.helpText();
+    return CommandLineStatus::Help;
+  }
+  if (parser.isSet(version))
+    return CommandLineStatus::Version;
+  if (!parser.positionalArguments().isEmpty())
+    return Fail(QStringLiteral("Unexpected argument \"%1\".").arg(parser.positionalArguments().constFirst()), aText);
+
+  aCommandLine.device = parser.value(device);
+  aCommandLine.simulate = parser.isSet(simulate);
+  aCommandLine.headless = parser.isSet(headless);
+  aCommandLine.screenshotFolder = parser.value(screenshot);
+  if (parser.isSet(screenshot) && aCommandLine.screenshotFolder.isEmpty())
+    return Fail(QStringLiteral("--screenshot wants a folder."), aText);
+  if (parser.isSet(device) && aCommandLine.device.isEmpty())
+    return Fail(QStringLiteral("--device wants an ID, a MAC or IP address or a user-defined name."), aText);
+  if (parser.isSet(frames)) {
+    bool isNumber = false;
+    aCommandLine.frames = parser.value(frames).toULongLong(&isNumber);
+    if (!isNumber || aCommandLine.frames == 0)
+      return Fail(QStringLiteral("--frames wants a number of 1 or more, not \"%1\".").arg(parser.value(frames)), aText);
+  }
+  return CommandLineStatus::Run;
+}
+
+} // namespace krviewer

@@ -1,0 +1,61 @@
+#include "pictures.h"
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+#include <QWidget>
+
+namespace krviewer {
+
+namespace {
+
+// On X11 what is really on the screen; elsewhere no application may read that, and the widget paints itself.
+QImage GrabWindow(QWidget& aWidget) {
+  if (QGuiApplication::platformName() != QStringLiteral("xcb"))
+    return aWidget.grab().toImage();
+  const QPoint corner = aWidget.mapToGlobal(QPoint(0, 0));
+  return aWidget.screen()->grabWindow(0, corner.x(), corner.y(), aWidget.width(), aWidget.height()).toImage();
+}
+
+KrResult FailToWrite(const QString& aPath, const QString& aReason) {
+  return {KrResult::Code::SystemError,
+          QStringLiteral("Cannot write %1: %2").arg(aPath, aReason).toStdString()};
+}
+
+KrResult SaveImage(const QImage& aImage, const QString& aPath) {
+  if (!aImage.save(aPath, "PNG"))
+    return FailToWrite(aPath, QStringLiteral("the folder is not writable or the disk is full"));
+  return {};
+}
+
+KrResult SaveText(const QString& aText, const QString& aPath) {
+  QFile file(aPath);
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(aText.toUtf8()) < 0 || !file.flush())
+    return FailToWrite(aPath, file.errorString());
+  return {};
+}
+
+} // namespace
+
+KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder) {
+  QWidget* widget = aWindow.GetWidget();
+  const IKrImage* image = aWindow.GetInternalBuffer().GetImage();
+  if (!widget || !image || image->GetImageSize() == 0)
+    return {KrResult::Code::WrongState, "There is no picture to write: the window is closed or shows no image"};
+  if (!QDir().mkpath(aFolder))
+    return FailToWrite(aFolder, QStringLiteral("the folder cannot be made"));
+
+  const QDir folder(aFolder);
+  const QImage frame(image->GetDataPointer(), static_cast<int>(image->GetWidth()),
+                     static_cast<int>(image->GetHeight()), static_cast<qsizetype>(image->GetWidth()) * 4,
+                     QImage::Format_RGB32);
+  if (KrResult result = SaveImage(GrabWindow(*widget), folder.filePath(QStringLiteral("display.png"))); !result.IsOK())
+    return result;
+  if (KrResult result = SaveImage(frame, folder.filePath(QStringLiteral("frame.png"))); !result.IsOK())
+    return result;
+  return SaveText(QString::fromUtf8(aWindow.GetTextOverlay().CStr()), folder.filePath(QStringLiteral("display.txt")));
+}
+
+} // namespace krviewer

@@ -1,0 +1,18 @@
+#pragma once
+// Pictures of the viewer's windows in a folder: for people who report a fault, and for tests that compare pixels.
+
+#include "krgui/krdisplaywnd.h"
+
+#include <QString>
+
+namespace krviewer {
+
+/// Writes into aFolder, which is made when it does not exist:
+///   display.png  the display window's client area as it is on the screen,
+///   frame.png    the image shown, at the camera's resolution,
+///   display.txt  the overlay's text.
+/// Needs an open window that has been painted since its last image. SystemError with the file's name when one cannot be
+/// written, WrongState when the window is not open or shows no image.
+KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder);
+
+} // namespace krviewer

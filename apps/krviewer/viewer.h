@@ -1,0 +1,45 @@
+#pragma once
+// The viewer from the chosen camera to its end: one display window, its title, pictures and figures at the end.
+
+#include "acquisition.h"
+#include "commandline.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+
+namespace krviewer {
+
+/// Shows one camera until the window is closed, the number of frames has come, or the program is interrupted.
+///
+/// Thread: user interface. Ownership: borrows the device information, which must outlive it.
+class Viewer : public QObject {
+  Q_OBJECT
+
+public:
+  Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine);
+  ~Viewer() override;
+
+  /// Opens the window and runs the application's loop; gives the program's exit code.
+  int Run();
+  /// Ends the loop soon. Safe in a signal handler.
+  static void Interrupt() noexcept;
+
+private:
+  void PlaceWindow();
+  void LookAgain();
+  void UpdateTitle(const AcquisitionProgress& aProgress);
+  void Finish();
+  bool SavePictures();
+
+  const KrDeviceInfo& mDeviceInfo;
+  const CommandLine mCommandLine;
+  KrDisplayWnd mWindow;
+  std::unique_ptr<Acquisition> mAcquisition;
+  QTimer mTimer;
+  QString mTitle;
+  int mExitCode = 0;
+};
+
+} // namespace krviewer

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Runs the benchmarks, all or one: bench.sh [NAME]. Installs their peers, builds for release, prints lines
+#   figure=<name> value=<number> unit=<unit> peer=<name> peer_value=<number> ratio=<number>
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh bench
+scripts/build.sh release
+found=0
+for program in build/release/benchmarks/bench_*; do
+  [ -x "$program" ] && [ -f "$program" ] || continue
+  name=$(basename "$program")
+  name=${name#bench_}
+  [ -z "${1:-}" ] || [ "$1" = "$name" ] || continue
+  found=1
+  echo "# $name"
+  case $name in
+    stream) scripts/with-network.sh "$program" ;;
+    *) "$program" ;;
+  esac
+done
+if [ "$found" = 0 ]; then
+  echo "bench: there is no benchmark ${1:-at all}; see benchmarks/CMakeLists.txt" >&2
+  exit 1
+fi

@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Installs every Debian package that the project needs, and nothing else. Quiet, and quick when all is there.
+set -euo pipefail
+
+packages=(
+  # Building
+  g++ cmake ninja-build pkg-config ccache mold
+  # What the libraries stand on
+  qt6-base-dev qt6-qpa-plugins libaravis-dev libusb-1.0-0-dev libspdlog-dev libxcb1-dev
+  # Tests: frameworks, an independent camera, a display with a window manager and hands, network namespaces
+  libgtest-dev libgmock-dev libpugixml-dev aravis-tools xvfb xauth openbox xdotool fonts-dejavu-core iproute2 util-linux
+)
+if [ "${1:-}" = bench ]; then
+  packages+=(libbenchmark-dev)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+  [ "$status" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "setup: these packages are missing, and neither root nor sudo is there to install them: ${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+
+echo "setup: installing ${missing[*]}"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+install() {
+  "${as_root[@]}" apt-get update &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"
+}
+if ! install >"$log" 2>&1; then
+  tail -n 30 "$log" >&2
+  echo "setup: the packages could not be installed; what apt-get said stands above" >&2
+  exit 1
+fi
