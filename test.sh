@@ -14,9 +14,6 @@ esac
 scripts/setup.sh
 scripts/build.sh "$preset"
 
-suppressions=$PWD/tests/suppressions
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0
 export UBSAN_OPTIONS=print_stacktrace=1
-export QT_LOGGING_RULES="${QT_LOGGING_RULES:-}"
-export KR_SUPPRESSIONS=$suppressions
 exec ctest --test-dir "build/$preset" --output-on-failure --no-tests=error --parallel "$(nproc)" "$@"

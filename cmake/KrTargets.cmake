@@ -36,26 +36,35 @@ function(kr_add_executable aName)
 endfunction()
 
 # kr_add_test(krresulttest KIND unit SOURCES krresulttest.cpp DEPENDS krbase [INCLUDES dir …] [TIMEOUT seconds])
-# KIND: unit (no toolkit, no display), widget (Qt, offscreen), x11 (Xvfb and a window manager),
-# integration (independent programs and network namespaces), lab (the simulated lab).
+# KIND: unit (no toolkit, no display), lab (the simulated lab), widget (Qt, offscreen), x11 (Xvfb and a window manager),
+# integration (independent programs in a network namespace), camera (both of the last two).
+# The kinds that load GLib, Aravis or X11 run the sanitizers with suppressions for those libraries; the others with none.
 function(kr_add_test aName)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "KIND;TIMEOUT" "SOURCES;DEPENDS;INCLUDES")
   kr_add_executable(${aName} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gmock)
-  target_include_directories(${aName} PRIVATE "${CMAKE_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
-  set(command "${aName}")
-  if(arg_KIND STREQUAL "x11")
-    set(command "${CMAKE_SOURCE_DIR}/scripts/with-display.sh" "$<TARGET_FILE:${aName}>")
-  elseif(arg_KIND STREQUAL "integration")
-    set(command "${CMAKE_SOURCE_DIR}/scripts/with-network.sh" "$<TARGET_FILE:${aName}>")
-  endif()
-  add_test(NAME ${arg_KIND}.${aName} COMMAND ${command})
-  if(NOT arg_TIMEOUT)
-    set(arg_TIMEOUT 300)
-  endif()
+  target_include_directories(${aName} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
+
+  set(command "$<TARGET_FILE:${aName}>")
   set(environment "")
+  if(arg_KIND MATCHES "^(x11|camera)$")
+    list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-display.sh")
+  endif()
+  if(arg_KIND MATCHES "^(integration|camera)$")
+    list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-network.sh")
+  endif()
   if(arg_KIND STREQUAL "widget")
     list(APPEND environment QT_QPA_PLATFORM=offscreen)
   endif()
+  if(arg_KIND MATCHES "^(x11|integration|camera)$")
+    list(APPEND environment
+      "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/suppressions/lsan.supp:print_suppressions=0"
+      "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/suppressions/tsan.supp:ignore_noninstrumented_modules=0")
+  endif()
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 300)
+  endif()
+
+  add_test(NAME ${arg_KIND}.${aName} COMMAND ${command})
   set_tests_properties(${arg_KIND}.${aName} PROPERTIES
     TIMEOUT ${arg_TIMEOUT} LABELS ${arg_KIND} ENVIRONMENT "${environment}")
 endfunction()
