@@ -1,0 +1,92 @@
+#include "res/templates.h"
+
+#include <gmock/gmock.h>
+
+namespace krgui {
+
+namespace {
+
+struct TemplateRow {
+  int id;
+  std::string_view caption;
+  DialogKind kind;
+  int width, height;
+};
+
+constexpr TemplateRow kRows[] = {
+    {1021, "Display", DialogKind::SizingPopup, 332, 225},
+    {1028, "", DialogKind::Child, 208, 102},
+    {1079, "GenICam Explorer", DialogKind::SizingPopup, 253, 330},
+    {1081, "", DialogKind::Child, 260, 317},
+    {1504, "Device Selection", DialogKind::FixedPopup, 535, 365},
+    {1512, "Device Serial Communication", DialogKind::SizingPopup, 393, 352},
+    {1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255},
+    {1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336},
+};
+
+const ControlTemplate* FindControl(const DialogTemplate& aTemplate, int aID) {
+  for (const ControlTemplate& control : aTemplate.controls) {
+    if (control.id == aID) {
+      return &control;
+    }
+  }
+  return nullptr;
+}
+
+} // namespace
+
+TEST(Templates, EachNumber_HasItsCaptionKindAndSize) {
+  for (const TemplateRow& row : kRows) {
+    const DialogTemplate* found = FindTemplate(row.id);
+
+    ASSERT_NE(found, nullptr) << row.id;
+    EXPECT_EQ(found->id, row.id);
+    EXPECT_EQ(found->caption, row.caption) << row.id;
+    EXPECT_EQ(found->kind, row.kind) << row.id;
+    EXPECT_EQ(found->width, row.width) << row.id;
+    EXPECT_EQ(found->height, row.height) << row.id;
+  }
+  EXPECT_EQ(GetTemplates().size(), std::size(kRows));
+}
+
+TEST(Templates, UnknownNumber_GivesNull) {
+  EXPECT_EQ(FindTemplate(0), nullptr);
+  EXPECT_EQ(FindTemplate(-1), nullptr);
+  EXPECT_EQ(FindTemplate(1022), nullptr);
+}
+
+TEST(Templates, BothDisplayTemplates_HaveTheTwoScrollBarsHiddenAtStart) {
+  for (const int id : {1021, 1028}) {
+    const ControlTemplate* horizontal = FindControl(*FindTemplate(id), 1044);
+    const ControlTemplate* vertical = FindControl(*FindTemplate(id), 1046);
+
+    ASSERT_NE(horizontal, nullptr) << id;
+    ASSERT_NE(vertical, nullptr) << id;
+    EXPECT_EQ(horizontal->controlClass, ControlClass::HorizontalScrollBar) << id;
+    EXPECT_EQ(vertical->controlClass, ControlClass::VerticalScrollBar) << id;
+    EXPECT_TRUE(horizontal->startsHidden) << id;
+    EXPECT_TRUE(vertical->startsHidden) << id;
+  }
+}
+
+TEST(Templates, DeviceSelection_HasOKAsDefaultAndCancel) {
+  const DialogTemplate& finder = *FindTemplate(1504);
+
+  const ControlTemplate* ok = FindControl(finder, 1);
+  const ControlTemplate* cancel = FindControl(finder, 2);
+
+  ASSERT_NE(ok, nullptr);
+  ASSERT_NE(cancel, nullptr);
+  EXPECT_EQ(ok->text, "OK");
+  EXPECT_EQ(ok->controlClass, ControlClass::DefaultButton);
+  EXPECT_EQ(cancel->text, "Cancel");
+  EXPECT_EQ(cancel->controlClass, ControlClass::Button);
+}
+
+TEST(Templates, CameraBridgeManager_ShowsAnotherTemplateOnItsModalPath) {
+  EXPECT_EQ(kCameraBridgeManagerTraits.modalTemplate, 1518);
+  EXPECT_EQ(kCameraBridgeManagerTraits.popupTemplate, 1530);
+  EXPECT_EQ(kCameraBridgeManagerTraits.childTemplate, 1530);
+}
+
+} // namespace krgui
