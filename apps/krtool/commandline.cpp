@@ -1,0 +1,181 @@
+#include "commandline.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace krtool {
+
+namespace {
+
+struct CommandRow {
+  Verb verb;
+  std::string_view name;
+  std::string_view synopsis;
+  std::string_view description;
+  bool takesDevice;
+  bool needsFrames;
+};
+
+constexpr CommandRow kCommands[] = {
+    {Verb::List, "list", "list [--json] [--simulate] [--timeout MS]",
+     "Lists every interface and the devices behind it, one line each.\n"
+     "      Columns are parted by two or more blanks; an empty cell is \"-\".",
+     false, false},
+    {Verb::Stream, "stream", "stream DEVICE --frames N [--timeout MS] [--simulate]",
+     "Takes N frames and closes with one line of figures. Ctrl-C ends it earlier.", true, true},
+};
+
+struct OptionRow {
+  std::string_view name;
+  std::string_view valueName; ///< Empty for a flag.
+  std::string_view verbs;     ///< The commands that take it.
+  std::string_view description;
+  bool (*take)(CommandLine& aCommandLine, std::string_view aValue); ///< False for a value that cannot be accepted.
+  std::string_view wants;                                           ///< The values that can be accepted.
+};
+
+constexpr std::uint32_t kLongestTimeoutMs = 3'600'000;
+
+template <typename Number>
+bool TakeNumber(std::string_view aText, Number& aNumber) {
+  const auto [end, error] = std::from_chars(aText.data(), aText.data() + aText.size(), aNumber);
+  return error == std::errc() && end == aText.data() + aText.size() && aNumber > 0;
+}
+
+bool TakeTimeout(CommandLine& aCommandLine, std::string_view aValue) {
+  std::uint32_t timeoutMs = 0;
+  const bool isNumber = TakeNumber(aValue, timeoutMs) && timeoutMs <= kLongestTimeoutMs;
+  if (isNumber)
+    aCommandLine.timeoutMs = timeoutMs;
+  return isNumber;
+}
+
+constexpr OptionRow kOptions[] = {
+    {"--frames", "N", "stream", "How many frames to take.",
+     [](CommandLine& aCommandLine, std::string_view aValue) { return TakeNumber(aValue, aCommandLine.frames); },
+     "a whole number of 1 or more"},
+    {"--json", "", "list", "Writes one JSON object instead of lines.",
+     [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.json = true; }, ""},
+    {"--simulate", "", "list stream", "Offers the built-in simulated lab beside the real devices.",
+     [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.simulate = true; }, ""},
+    {"--timeout", "MS", "list stream",
+     "list: how long answers are awaited (1000). stream: how long one frame is awaited (3000).", TakeTimeout,
+     "milliseconds from 1 to 3600000"},
+};
+
+bool HasArgument(const std::vector<std::string>& aArguments, std::string_view aLong, std::string_view aShort) {
+  // Behind "--" nothing is an option any more.
+  const auto end = std::find(aArguments.begin(), aArguments.end(), "--");
+  return std::any_of(aArguments.begin(), end,
+                     [&](const std::string& aArgument) { return aArgument == aLong || aArgument == aShort; });
+}
+
+// Goes through the arguments of one command from left to right.
+class Parser {
+public:
+  Parser(const CommandRow& aCommand, const std::vector<std::string>& aArguments)
+      : mCommand(aCommand), mArguments(aArguments) {
+    mResult.commandLine.verb = aCommand.verb;
+  }
+
+  ParsedCommandLine Run() {
+    bool onlyNames = false;
+    for (mAt = 1; mAt < mArguments.size() && mResult.error.empty(); ++mAt) {
+      const std::string& argument = mArguments[mAt];
+      if (!onlyNames && argument == "--")
+        onlyNames = true;
+      else if (!onlyNames && argument.starts_with('-'))
+        TakeOption(argument);
+      else
+        TakeName(argument);
+    }
+    if (mResult.error.empty())
+      CheckComplete();
+    return std::move(mResult);
+  }
+
+private:
+  void Fail(const std::string& aText) { mResult.error = aText; }
+
+  void TakeOption(const std::string& aArgument) {
+    const std::size_t equals = aArgument.find('=');
+    const std::string name = aArgument.substr(0, equals);
+    const auto* row = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                   [&](const OptionRow& aRow) { return aRow.name == name; });
+    if (row == std::end(kOptions))
+      return Fail("There is no option " + name + ".");
+    if (row->verbs.find(mCommand.name) == std::string_view::npos)
+      return Fail("The command " + std::string(mCommand.name) + " takes no " + name + ".");
+    if (row->valueName.empty())
+      return TakeFlag(*row, equals != std::string::npos);
+    if (equals == std::string::npos && mAt + 1 >= mArguments.size())
+      return Fail(name + " wants " + std::string(row->wants) + ".");
+    const std::string value = equals == std::string::npos ? mArguments[++mAt] : aArgument.substr(equals + 1);
+    if (!row->take(mResult.commandLine, value))
+      Fail(name + " wants " + std::string(row->wants) + ", not \"" + value + "\".");
+  }
+
+  void TakeFlag(const OptionRow& aRow, bool aHasValue) {
+    if (aHasValue)
+      return Fail(std::string(aRow.name) + " takes no value.");
+    aRow.take(mResult.commandLine, {});
+  }
+
+  void TakeName(const std::string& aArgument) {
+    if (!mCommand.takesDevice || !mResult.commandLine.device.empty())
+      return Fail("Unexpected argument \"" + aArgument + "\".");
+    if (aArgument.empty())
+      return Fail("DEVICE is empty.");
+    mResult.commandLine.device = aArgument;
+  }
+
+  void CheckComplete() {
+    const std::string command = "The command " + std::string(mCommand.name);
+    if (mCommand.takesDevice && mResult.commandLine.device.empty())
+      Fail(command + " wants a DEVICE: an ID, a MAC or IP address or a user-defined name.");
+    else if (mCommand.needsFrames && mResult.commandLine.frames == 0)
+      Fail(command + " wants --frames N.");
+  }
+
+  const CommandRow& mCommand;
+  const std::vector<std::string>& mArguments;
+  std::size_t mAt = 0;
+  ParsedCommandLine mResult;
+};
+
+} // namespace
+
+ParsedCommandLine ParseCommandLine(const std::vector<std::string>& aArguments) {
+  if (HasArgument(aArguments, "--help", "-h"))
+    return {{.verb = Verb::Help}, {}};
+  if (HasArgument(aArguments, "--version", "-V"))
+    return {{.verb = Verb::Version}, {}};
+  if (aArguments.empty())
+    return {{}, "A command is missing."};
+  const auto* command = std::find_if(std::begin(kCommands), std::end(kCommands),
+                                     [&](const CommandRow& aRow) { return aRow.name == aArguments.front(); });
+  if (command == std::end(kCommands))
+    return {{}, "There is no command \"" + aArguments.front() + "\"."};
+  return Parser(*command, aArguments).Run();
+}
+
+std::string GetHelpText() {
+  std::string text = "krtool lists machine-vision cameras and takes frames from them.\n\nCommands:\n";
+  for (const CommandRow& row : kCommands)
+    text += "  krtool " + std::string(row.synopsis) + "\n      " + std::string(row.description) + "\n";
+  text += "  krtool --help\n  krtool --version\n\nOptions:\n";
+  for (const OptionRow& row : kOptions) {
+    const std::string name = std::string(row.name) + (row.valueName.empty() ? "" : " ") + std::string(row.valueName);
+    text += "  " + name + "\n      " + std::string(row.description) + "\n";
+  }
+  text += "\nDEVICE is a unique ID, a MAC address, an IP address or a user-defined name.\n"
+          "The exit code is 0, 1 when the command failed, or 2 when it was not understood.\n";
+  return text;
+}
+
+} // namespace krtool

@@ -1,0 +1,43 @@
+// The command line companion: lists cameras and takes frames from them, without a display.
+
+#include "commandline.h"
+#include "krtransport/krtransport.h"
+#include "listcommand.h"
+#include "streamcommand.h"
+
+#include <iostream>
+
+namespace {
+
+int RunWithDevices(const krtool::CommandLine& aCommandLine) {
+  const KrTransportSelection selection = {.gigEVision = true, .simulation = aCommandLine.simulate};
+  if (KrResult installed = KrInstallTransports(selection); !installed.IsOK()) {
+    std::cerr << "krtool: " << installed.GetDescription().CStr() << '\n';
+    return 1;
+  }
+  KrSystem system;
+  return aCommandLine.verb == krtool::Verb::List ? krtool::RunList(system, aCommandLine, std::cout, std::cerr)
+                                                 : krtool::RunStream(system, aCommandLine, std::cout, std::cerr);
+}
+
+} // namespace
+
+int main(int aCount, char** aArguments) {
+  const krtool::ParsedCommandLine parsed = krtool::ParseCommandLine({aArguments + 1, aArguments + aCount});
+  if (!parsed.error.empty()) {
+    std::cerr << "krtool: " << parsed.error << "\nTry: krtool --help\n";
+    return 2;
+  }
+  switch (parsed.commandLine.verb) {
+  case krtool::Verb::Help:
+    std::cout << krtool::GetHelpText();
+    return 0;
+  case krtool::Verb::Version:
+    std::cout << "krtool " << KRGUI_VERSION << '\n';
+    return 0;
+  case krtool::Verb::List:
+  case krtool::Verb::Stream:
+    break;
+  }
+  return RunWithDevices(parsed.commandLine);
+}

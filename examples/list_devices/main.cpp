@@ -1,0 +1,37 @@
+// Lists every camera that answers, by interface. With --simulate the built-in simulated lab is listed as well.
+
+#include "krsystem/krsystem.h"
+#include "krtransport/krtransport.h"
+
+#include <cstring>
+#include <iostream>
+
+int main(int argc, char** argv) {
+  const bool simulate = argc > 1 && std::strcmp(argv[1], "--simulate") == 0;
+  KrResult result = KrInstallTransports({.gigEVision = true, .simulation = simulate});
+  if (!result.IsOK()) {
+    std::cerr << result.GetDescription().CStr() << '\n';
+    return 1;
+  }
+
+  // The system owns all that it finds: interfaces and devices are valid as long as it lives.
+  KrSystem system;
+  system.SetDetectionTimeout(500);
+  result = system.Find();
+  if (!result.IsOK()) {
+    std::cerr << result.GetDescription().CStr() << '\n';
+    return 1;
+  }
+
+  for (std::size_t i = 0; i < system.GetInterfaceCount(); ++i) {
+    const KrInterface* interface = system.GetInterface(i);
+    std::cout << interface->GetDisplayID().CStr() << '\n';
+    for (std::size_t j = 0; j < interface->GetDeviceCount(); ++j) {
+      const KrDeviceInfo* device = interface->GetDeviceInfo(j);
+      std::cout << "  " << device->GetDisplayID().CStr() << (device->IsConfigurationValid() ? "" : "  (unreachable)")
+                << '\n';
+    }
+  }
+  std::cout << system.GetDeviceCount() << " devices\n";
+  return 0;
+}
