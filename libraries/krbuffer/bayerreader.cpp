@@ -64,30 +64,29 @@ void ReadGreenSite(const Neighbourhood& aLines, std::size_t aLeft, std::size_t a
                     GetMean(aLines.above[aX], aLines.below[aX]));
 }
 
-template <LineColour Colour>
-void ReadSite(bool aGreen, const Neighbourhood& aLines, std::size_t aLeft, std::size_t aX, std::size_t aRight,
-              std::uint8_t* aPixel) {
-  if (aGreen)
-    ReadGreenSite<Colour>(aLines, aLeft, aX, aRight, aPixel);
+template <LineColour Colour, std::uint32_t ColourColumn>
+void ReadColumn(const Neighbourhood& aLines, std::size_t aLeft, std::size_t aX, std::size_t aRight,
+                std::uint8_t* aBgra) {
+  if (aX % 2 == ColourColumn)
+    ReadColourSite<Colour>(aLines, aLeft, aX, aRight, aBgra + kBgraBytes * aX);
   else
-    ReadColourSite<Colour>(aLines, aLeft, aX, aRight, aPixel);
+    ReadGreenSite<Colour>(aLines, aLeft, aX, aRight, aBgra + kBgraBytes * aX);
 }
 
-/// A line of an image with at least two lines and two columns. The columns between the edges are read in pairs, so that
-/// the loop has no branch and can be made of vectors.
+/// A line of an image with at least two lines and two columns. The columns between the edges are read in pairs, whose
+/// parity the compiler knows: the loop has no branch and can be made of vectors.
 template <LineColour Colour, std::uint32_t ColourColumn>
 void ReadLine(const Neighbourhood& aLines, std::uint32_t aWidth, std::uint8_t* __restrict aBgra) {
-  constexpr bool kEvenIsGreen = ColourColumn == 1;
-  ReadSite<Colour>(kEvenIsGreen, aLines, 1, 0, 1, aBgra);
-  std::uint32_t x = 1;
-  for (; x + 2 < aWidth; x += 2) {
-    const std::size_t column = x;
-    ReadSite<Colour>(!kEvenIsGreen, aLines, column - 1, column, column + 1, aBgra + kBgraBytes * column);
-    ReadSite<Colour>(kEvenIsGreen, aLines, column, column + 1, column + 2, aBgra + kBgraBytes * (column + 1));
+  const Neighbourhood lines = aLines;
+  ReadColumn<Colour, ColourColumn>(lines, 1, 0, 1, aBgra);
+  const std::size_t pairs = (aWidth - 2) / 2;
+  for (std::size_t pair = 0; pair < pairs; ++pair) {
+    const std::size_t odd = 2 * pair + 1;
+    ReadColumn<Colour, ColourColumn>(lines, odd - 1, odd, odd + 1, aBgra);
+    ReadColumn<Colour, ColourColumn>(lines, odd, odd + 1, odd + 2, aBgra);
   }
-  for (; x < aWidth; ++x)
-    ReadSite<Colour>((x % 2 == 0) == kEvenIsGreen, aLines, GetPrevious(x), x, GetNext(x, aWidth),
-                     aBgra + kBgraBytes * std::size_t{x});
+  for (auto x = static_cast<std::uint32_t>(2 * pairs + 1); x < aWidth; ++x)
+    ReadColumn<Colour, ColourColumn>(lines, GetPrevious(x), x, GetNext(x, aWidth), aBgra);
 }
 
 using InnerLineReader = void (*)(const Neighbourhood& aLines, std::uint32_t aWidth, std::uint8_t* aBgra);

@@ -7,9 +7,10 @@
 
 #include <algorithm>
 #include <exception>
-#include <functional>
 #include <mutex>
+#include <new>
 #include <string>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -67,12 +68,13 @@ KrResult CheckSource(const SourceImage& aSource, KrPixelType aWanted) {
   return {};
 }
 
-/// True when writing or replacing the destination's memory would change the source.
+/// True when writing or replacing the destination's memory would change the source, which is known to be complete.
+/// Reckoned by distances, as the sums could pass the end of the address space.
 bool ShareMemory(const SourceImage& aSource, const KrBuffer& aDestination) {
-  const std::less<> isBefore;
-  const std::uint8_t* destination = aDestination.GetDataPointer();
-  return destination && isBefore(aSource.data, destination + aDestination.GetSize()) &&
-         isBefore(destination, aSource.data + aSource.bytes);
+  const auto source = reinterpret_cast<std::uintptr_t>(aSource.data);
+  const auto destination = reinterpret_cast<std::uintptr_t>(aDestination.GetDataPointer());
+  return destination >= source ? destination - source < krbuffer::GetImageBytes(aSource.shape).value_or(0)
+                               : source - destination < aDestination.GetSize();
 }
 
 KrResult FitDestination(const ImageShape& aSource, KrPixelType aWanted, IKrImage& aDestination, bool aAllocate) {
@@ -193,11 +195,15 @@ KrResult KrBufferConverter::Convert(const IKrImage* aSource, KrBuffer* aDestinat
                                               (aSource ? "destination" : "source") + ". Give both."};
   try {
     return mBody->Convert(*aSource, *aDestination, aAllocate, aBottomUp);
+  } catch (const std::bad_alloc&) {
+    return {KrResult::Code::SystemError, "An image could not be converted: there is too little memory. Free buffers."};
+  } catch (const std::system_error& error) {
+    return {KrResult::Code::SystemError, std::string("An image could not be converted: the system gives no threads (") +
+                                             error.what() + "). Use a converter with one thread."};
   } catch (const std::exception& error) {
-    return {KrResult::Code::SystemError,
-            std::string("An image could not be converted: ") + error.what() + ". Close other programs and try again."};
-  } catch (...) {
     // An application's own image may throw what it likes.
+    return {KrResult::Code::Failed, std::string("An image could not be converted: its class threw: ") + error.what()};
+  } catch (...) {
     return {KrResult::Code::Failed, "An image could not be converted: its class threw an unknown exception."};
   }
 }

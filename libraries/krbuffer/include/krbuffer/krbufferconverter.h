@@ -35,7 +35,8 @@ public:
   /// InvalidInput. aBottomUp writes the lines in reverse order. InvalidInput for null, a source without pixels, a
   /// destination of another payload type than image, and a source that lies in the destination's memory. NotSupported
   /// for formats that IsConversionSupported refuses, BadData for a source whose data is smaller than its width, height,
-  /// format and padding say, SystemError where memory or threads cannot be had. The destination is then unchanged.
+  /// format and padding say, SystemError where memory or threads cannot be had, Failed where
+  /// the source's class throws. The destination is then unchanged.
   KrResult Convert(const IKrImage* aSource, KrBuffer* aDestination, bool aAllocate, bool aBottomUp) const;
 
 private:
