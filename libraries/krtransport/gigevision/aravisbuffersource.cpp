@@ -1,0 +1,172 @@
+#include "gigevision/aravisbuffersource.h"
+
+#include "gigevision/aravisframe.h"
+#include "gigevision/networkadapters.h"
+#include "gigevision/receivelimit.h"
+#include "krbase/krlogger.h"
+
+#include <algorithm>
+
+namespace krtransport {
+namespace {
+
+constexpr std::uint32_t kFeatureTimeoutMs = 10000;
+constexpr std::uint32_t kMaxPacketSize = 9000;
+
+// What a job makes, shared so that it outlives a caller who left.
+template <typename T>
+struct JobResult {
+  T value{};
+};
+
+void ReleaseInbox(gpointer aInbox, GClosure*) {
+  delete static_cast<std::shared_ptr<FrameInbox>*>(aInbox);
+}
+
+std::uint64_t ReadInfo(ArvStream* aStream, const char* aName) {
+  return arv_stream_get_info_uint64_by_name(aStream, aName);
+}
+
+} // namespace
+
+AravisBufferSource::AravisBufferSource(IoThread& aIoThread, std::shared_ptr<AravisDevice> aDevice,
+                                       const LinkTarget& aTarget)
+    : mIoThread(aIoThread), mDevice(std::move(aDevice)), mTarget(aTarget) {}
+
+AravisBufferSource::~AravisBufferSource() {
+  Stop();
+}
+
+KrResult AravisBufferSource::GetPayloadSize(std::uint64_t& aBytes) {
+  const auto made = std::make_shared<JobResult<std::uint64_t>>();
+  KrResult result =
+      mIoThread.Run([device = mDevice, made](const std::atomic<bool>&) { return device->GetPayloadSize(made->value); },
+                    kFeatureTimeoutMs);
+  if (result.IsOK())
+    aBytes = made->value;
+  return result;
+}
+
+KrResult AravisBufferSource::Queue(KrBuffer* aBuffer) {
+  if (aBuffer == nullptr || aBuffer->GetDataPointer() == nullptr)
+    return {KrResult::Code::InvalidInput, "A buffer needs memory before it can be queued."};
+  if (mIsLost)
+    return {KrResult::Code::WrongState, "The device was lost; its stream takes no buffers any more."};
+  const std::lock_guard lock(mMutex);
+  aBuffer->SetStatus(KrBufferStatus::Empty);
+  if (mStream == nullptr)
+    mWaiting.push_back(aBuffer);
+  else
+    arv_stream_push_buffer(mStream.get(), LendBuffer(*aBuffer).release());
+  return {};
+}
+
+KrResult AravisBufferSource::Start() {
+  {
+    const std::lock_guard lock(mMutex);
+    if (mStream != nullptr)
+      return {KrResult::Code::WrongState, "The stream is started already."};
+  }
+  std::uint64_t payloadBytes = 0;
+  if (KrResult result = GetPayloadSize(payloadBytes); !result.IsOK())
+    return result;
+  if (KrResult result = OpenStream(payloadBytes); !result.IsOK())
+    return result;
+  KrResult result = mIoThread.Run([device = mDevice](const std::atomic<bool>&) { return device->StartAcquisition(); },
+                                  kFeatureTimeoutMs);
+  if (!result.IsOK())
+    Stop();
+  return result;
+}
+
+KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
+  const std::uint32_t socketBytes = GetSocketBufferSize(aPayloadBytes);
+  WarnOfReceiveLimit(socketBytes);
+  const std::uint32_t packetSize = std::min(GetMtu(mTarget.adapterName), kMaxPacketSize) & ~3u;
+  const auto made = std::make_shared<JobResult<GObjectPointer<ArvStream>>>();
+  mInbox->Open();
+  KrResult result = mIoThread.Run(
+      [device = mDevice, inbox = mInbox, made, socketBytes, packetSize](const std::atomic<bool>&) {
+        device->SetPacketSize(packetSize);
+        KrResult created = device->CreateStream(socketBytes, made->value);
+        if (created.IsOK())
+          g_signal_connect_data(made->value.get(), "new-buffer", G_CALLBACK(OnNewBuffer),
+                                new std::shared_ptr<FrameInbox>(inbox), ReleaseInbox, GConnectFlags(0));
+        return created;
+      },
+      kFeatureTimeoutMs);
+  if (!result.IsOK()) {
+    mInbox->Close(result);
+    return result;
+  }
+  const std::lock_guard lock(mMutex);
+  mStream = std::move(made->value);
+  for (KrBuffer* buffer : mWaiting)
+    arv_stream_push_buffer(mStream.get(), LendBuffer(*buffer).release());
+  mWaiting.clear();
+  mLast = {};
+  return {};
+}
+
+KrResult AravisBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) {
+  GObjectPointer<ArvBuffer> frame;
+  if (KrResult result = mInbox->Take(frame, aTimeoutMs); !result.IsOK())
+    return result;
+  KrBuffer* buffer = GetLender(frame.get());
+  DescribeFrame(ReadFrameDescription(frame.get()), *buffer);
+  aBuffer = buffer;
+  return {};
+}
+
+void AravisBufferSource::Stop() {
+  if (!mIsLost)
+    mInbox->Close({KrResult::Code::Aborted, "The stream was stopped."});
+  GObjectPointer<ArvStream> stream;
+  {
+    const std::lock_guard lock(mMutex);
+    mWaiting.clear();
+    if (mStream == nullptr)
+      return;
+    mLast = ReadStatistics();
+    stream = std::move(mStream);
+  }
+  const auto shared = std::make_shared<JobResult<GObjectPointer<ArvStream>>>();
+  shared->value = std::move(stream);
+  // Releasing the stream joins its receiving thread: only then are the buffers the caller's again.
+  const KrResult result = mIoThread.RunToEnd([this, shared](const std::atomic<bool>&) {
+    KrResult stopped = mIsLost ? KrResult() : mDevice->StopAcquisition();
+    shared->value.reset();
+    return stopped;
+  });
+  if (!result.IsOK())
+    KrLogger("GigEVision")
+        .Log(KrLogLevel::Info, {"AravisBufferSource::Stop", "aravisbuffersource"}, result.GetDescription());
+}
+
+krsystem::SourceStatistics AravisBufferSource::GetStatistics() const {
+  const std::lock_guard lock(mMutex);
+  return mStream != nullptr ? ReadStatistics() : mLast;
+}
+
+krsystem::SourceStatistics AravisBufferSource::ReadStatistics() const {
+  ArvStream* stream = mStream.get();
+  return {.received = ReadInfo(stream, "n_completed_buffers"),
+          .incomplete = ReadInfo(stream, "n_failures"),
+          .missingPackets = ReadInfo(stream, "n_missing_packets"),
+          .resentPackets = ReadInfo(stream, "n_resent_packets"),
+          .discarded = ReadInfo(stream, "n_underruns"),
+          .bytes = mInbox->GetWholeBytes()};
+}
+
+void AravisBufferSource::OnLost(const KrResult& aReason) {
+  mIsLost = true;
+  mInbox->Close(aReason);
+}
+
+void AravisBufferSource::OnNewBuffer(ArvStream* aStream, gpointer aInbox) {
+  GObjectPointer<ArvBuffer> frame(arv_stream_try_pop_buffer(aStream));
+  if (frame != nullptr)
+    (*static_cast<std::shared_ptr<FrameInbox>*>(aInbox))->Put(std::move(frame));
+}
+
+} // namespace krtransport

@@ -1,0 +1,55 @@
+#pragma once
+// The stream channel of an open device on Aravis' receiver: lends it the buffers' memory and hands filled ones back.
+// Order and reuse of buffers are KrStream's business.
+
+#include "gigevision/aravisdevice.h"
+#include "gigevision/frameinbox.h"
+#include "gigevision/iothread.h"
+#include "gigevision/linktarget.h"
+#include "krsystem/idevicelink.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace krtransport {
+
+/// Time limits: GetPayloadSize and Start give up after ten seconds, Stop with a device that died unnoticed takes up to
+/// about eight, which are Aravis' own five tries of half a second for each register.
+///
+/// Thread: as IBufferSource. Ownership: borrows the I/O thread, shares the device.
+class AravisBufferSource final : public krsystem::IBufferSource {
+public:
+  AravisBufferSource(IoThread& aIoThread, std::shared_ptr<AravisDevice> aDevice, const LinkTarget& aTarget);
+  ~AravisBufferSource() override;
+
+  KrResult GetPayloadSize(std::uint64_t& aBytes) override;
+  KrResult Queue(KrBuffer* aBuffer) override;
+  KrResult Start() override;
+  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) override;
+  void Stop() override;
+  krsystem::SourceStatistics GetStatistics() const override;
+
+  /// Ends all waits for frames, because the device is lost. Any thread; nothing blocks.
+  void OnLost(const KrResult& aReason);
+
+private:
+  KrResult OpenStream(std::uint64_t aPayloadBytes);
+  krsystem::SourceStatistics ReadStatistics() const;
+  static void OnNewBuffer(ArvStream* aStream, gpointer aInbox);
+
+  IoThread& mIoThread;
+  const std::shared_ptr<AravisDevice> mDevice;
+  const LinkTarget mTarget;
+  const std::shared_ptr<FrameInbox> mInbox = std::make_shared<FrameInbox>();
+  std::atomic<bool> mIsLost{false};
+
+  // Guards the members below; the stream itself is made and released outside of it.
+  mutable std::mutex mMutex;
+  GObjectPointer<ArvStream> mStream;
+  std::vector<KrBuffer*> mWaiting;  // Buffers that were queued before the stream was there.
+  krsystem::SourceStatistics mLast; // Of the stream that was stopped.
+};
+
+} // namespace krtransport

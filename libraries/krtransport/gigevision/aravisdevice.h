@@ -1,0 +1,49 @@
+#pragma once
+// A device that Aravis holds under control: its opening, its memory, the few features that streaming needs.
+// Which thread may call, and how long anybody waits, is arranged by the link.
+
+#include "gigevision/gobjectpointer.h"
+#include "gigevision/linktarget.h"
+#include "gigevision/registerchannel.h"
+#include "krbase/krresult.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace krtransport {
+
+/// Thread: the link's I/O thread alone, opening and destruction too. Destruction gives control back; with a device that
+/// is dead it takes up to about eight seconds. Ownership: whoever runs jobs on the I/O thread shares it.
+class AravisDevice final : public IRegisterChannel {
+public:
+  /// Opens a device and takes control as the target says. AccessDenied when another application has it.
+  static KrResult Open(const LinkTarget& aTarget, std::shared_ptr<AravisDevice>& aDevice);
+  ~AravisDevice() override;
+  AravisDevice(const AravisDevice&) = delete;
+  AravisDevice& operator=(const AravisDevice&) = delete;
+
+  KrResult Read(std::uint32_t aAddress, std::span<std::uint8_t> aData) override;
+  KrResult Write(std::uint32_t aAddress, std::span<const std::uint8_t> aData) override;
+
+  /// Sets what is called, on a thread of Aravis', when its heartbeat finds control lost. The call must not release
+  /// anything.
+  void SetOnControlLost(std::function<void()> aOnControlLost);
+
+  KrResult GetPayloadSize(std::uint64_t& aBytes);
+  /// Sets the size of the stream's packets, headers included; a device that refuses keeps its own.
+  void SetPacketSize(std::uint32_t aBytes);
+  /// Opens the stream channel; the device's socket buffer holds at least aSocketBufferBytes.
+  KrResult CreateStream(std::uint32_t aSocketBufferBytes, GObjectPointer<ArvStream>& aStream);
+  KrResult StartAcquisition();
+  KrResult StopAcquisition();
+
+private:
+  explicit AravisDevice(GObjectPointer<ArvDevice> aDevice) : mDevice(std::move(aDevice)) {}
+  KrResult TakeControl(krsystem::DeviceAccess aAccess);
+  void LockParameters(bool aLocked);
+
+  GObjectPointer<ArvDevice> mDevice;
+};
+
+} // namespace krtransport

@@ -1,0 +1,103 @@
+#include "gigevision/broadcastround.h"
+
+#include "gigevision/gvcpclient.h"
+#include "gigevision/gvcppacket.h"
+#include "gigevision/gvcpsocket.h"
+#include "gigevision/networkadapters.h"
+#include "krbase/krlogger.h"
+
+#include <algorithm>
+#include <array>
+
+namespace krtransport {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kMaxResendDelay{250};
+
+struct OpenAdapter {
+  std::size_t index;
+  GvcpSocket socket;
+};
+
+// A host has adapters on which nothing can be sent (no cable, no address): worth a note, no reason to stop.
+void LogPassedOver(const krsystem::NetworkAdapterFields& aAdapter, const KrResult& aResult) {
+  KrLogger("GigEVision")
+      .Log(KrLogLevel::Info, {"RunBroadcastRound", "broadcastround"},
+           "The network adapter " + aAdapter.name + " is passed over. " + aResult.GetDescription());
+}
+
+std::vector<OpenAdapter> OpenAll(const std::vector<krsystem::NetworkAdapterFields>& aAdapters) {
+  std::vector<OpenAdapter> opened;
+  for (std::size_t i = 0; i < aAdapters.size(); ++i) {
+    GvcpSocket socket;
+    if (KrResult result = GvcpSocket::OpenOnAdapter(aAdapters[i].name.ToUtf8(), socket); result.IsOK())
+      opened.push_back({i, std::move(socket)});
+    else
+      LogPassedOver(aAdapters[i], result);
+  }
+  return opened;
+}
+
+void SendOnAll(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std::vector<OpenAdapter>& aOpened,
+               const BroadcastRound& aRound) {
+  std::erase_if(aOpened, [&](const OpenAdapter& aOpen) {
+    const auto& adapter = aAdapters[aOpen.index];
+    bool sent = false;
+    for (const std::uint32_t address : GetBroadcastAddresses(adapter, aRound.subnetBroadcast)) {
+      if (KrResult result = aOpen.socket.Send(aRound.command, address); result.IsOK())
+        sent = true;
+      else
+        LogPassedOver(adapter, result);
+    }
+    return !sent;
+  });
+}
+
+// Hands over all that has come; false when the taker has enough.
+bool TakeAll(const std::vector<OpenAdapter>& aOpened, const TakeDatagram& aTake) {
+  std::array<std::uint8_t, kMaxGvcpDatagram> buffer;
+  for (const OpenAdapter& open : aOpened) {
+    // A flood on one adapter must not keep the others from being heard.
+    for (int taken = 0; taken < 64; ++taken) {
+      const auto received = open.socket.Receive(buffer);
+      if (!received)
+        break;
+      if (received->size <= buffer.size() && !aTake(open.index, std::span(buffer).first(received->size)))
+        return false;
+    }
+  }
+  return true;
+}
+
+} // namespace
+
+KrResult RunBroadcastRound(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, const BroadcastRound& aRound,
+                           const TakeDatagram& aTake) {
+  WakeEvent wake;
+  const std::stop_callback wakeOnCancel(aRound.cancel, [&wake] { wake.Signal(); });
+  const auto start = steady_clock::now();
+  const auto end = start + aRound.timeout;
+  const auto resend = start + std::min(aRound.timeout / 2, kMaxResendDelay);
+  std::vector<OpenAdapter> opened = OpenAll(aAdapters);
+  SendOnAll(aAdapters, opened, aRound);
+  bool isResent = false;
+  while (steady_clock::now() < end) {
+    if (aRound.cancel.stop_requested())
+      return {KrResult::Code::Aborted, "Looking for devices was cancelled."};
+    if (!isResent && steady_clock::now() >= resend) {
+      SendOnAll(aAdapters, opened, aRound);
+      isResent = true;
+    }
+    std::vector<int> descriptors = {wake.GetDescriptor()};
+    for (const OpenAdapter& open : opened)
+      descriptors.push_back(open.socket.GetDescriptor());
+    if (WaitReadable(descriptors, isResent ? end : resend) && !TakeAll(opened, aTake))
+      break;
+  }
+  return {};
+}
+
+} // namespace krtransport

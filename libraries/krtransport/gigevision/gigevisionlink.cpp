@@ -1,0 +1,91 @@
+#include "gigevision/gigevisionlink.h"
+
+#include "gigevision/monitorchannel.h"
+#include "krsystem/ipv4address.h"
+
+#include <utility>
+
+namespace krtransport {
+
+using krsystem::DeviceAccess;
+
+KrResult GigEVisionLink::Open(const LinkTarget& aTarget, std::unique_ptr<krsystem::IDeviceLink>& aLink) {
+  Parts parts;
+  if (KrResult result = GvcpClient::Connect(aTarget.deviceAddress, aTarget.localAddress, parts.watchClient);
+      !result.IsOK())
+    return result;
+  if (KrResult result = CheckAccess(aTarget, parts.watchClient); !result.IsOK())
+    return result;
+  if (KrResult result = OpenChannel(aTarget, parts); !result.IsOK())
+    return result;
+  aLink.reset(new GigEVisionLink(aTarget, std::move(parts)));
+  return {};
+}
+
+KrResult GigEVisionLink::CheckAccess(const LinkTarget& aTarget, GvcpClient& aClient) {
+  const KrString device = "The device at " + krsystem::FormatIPv4(aTarget.deviceAddress);
+  std::uint32_t privilege = 0;
+  const KrResult read = aClient.ReadRegister(kControlPrivilegeRegister, privilege, GvcpPatience{});
+  if (read == KrResult::Code::ProtocolError)
+    return {KrResult::Code::AccessDenied,
+            device + " lets nobody else read: another application holds it exclusively. " + read.GetDescription()};
+  if (!read.IsOK())
+    return {KrResult::Code::NotFound, device + " cannot be opened. " + read.GetDescription()};
+  if ((privilege & kExclusiveBit) != 0)
+    return {KrResult::Code::AccessDenied,
+            device + " is held exclusively by another application. Close it there first."};
+  if ((privilege & kControlBit) != 0 && aTarget.access != DeviceAccess::Monitor)
+    return {KrResult::Code::AccessDenied, device +
+                                              " is controlled by another application. Close it there, or open it for "
+                                              "reading only."};
+  return {};
+}
+
+KrResult GigEVisionLink::OpenChannel(const LinkTarget& aTarget, Parts& aParts) {
+  if (aTarget.access == DeviceAccess::Monitor) {
+    GvcpClient client;
+    if (KrResult result = GvcpClient::Connect(aTarget.deviceAddress, aTarget.localAddress, client); !result.IsOK())
+      return result;
+    aParts.channel = std::make_shared<MonitorChannel>(std::move(client));
+    return {};
+  }
+  KrResult result =
+      aParts.ioThread->RunToEnd([&](const std::atomic<bool>&) { return AravisDevice::Open(aTarget, aParts.device); });
+  aParts.channel = aParts.device;
+  return result;
+}
+
+GigEVisionLink::GigEVisionLink(const LinkTarget& aTarget, Parts aParts)
+    : mIoThread(std::move(aParts.ioThread)), mDevice(std::move(aParts.device)),
+      mSource(mDevice != nullptr ? std::make_unique<AravisBufferSource>(*mIoThread, mDevice, aTarget) : nullptr),
+      mWatch(aTarget, std::move(aParts.watchClient), [this](const KrResult& aReason) { OnLost(aReason); }),
+      mPort(std::make_unique<GigEVisionRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))) {
+  if (mDevice != nullptr)
+    mDevice->SetOnControlLost([this] { mWatch.ReportLoss(); });
+}
+
+GigEVisionLink::~GigEVisionLink() {
+  mWatch.Stop();
+  // From here on nobody waits for an access; the one that runs ends before the device is released behind it.
+  mIoThread->Interrupt({KrResult::Code::Aborted, "The device is being closed."});
+  mSource.reset();
+  mPort.reset();
+  // Aravis' heartbeat may still report to the watch until the device is gone, so the watch outlives it.
+  const KrResult released = mIoThread->RunToEnd([this](const std::atomic<bool>&) {
+    mDevice.reset();
+    return KrResult();
+  });
+  static_cast<void>(released); // Releasing cannot fail.
+}
+
+krsystem::IBufferSource* GigEVisionLink::GetBufferSource(std::uint32_t aChannel) {
+  return aChannel == 0 ? mSource.get() : nullptr;
+}
+
+void GigEVisionLink::OnLost(const KrResult& aReason) {
+  mIoThread->Interrupt(aReason);
+  if (mSource != nullptr)
+    mSource->OnLost(aReason);
+}
+
+} // namespace krtransport

@@ -1,0 +1,53 @@
+#pragma once
+// An open GigE Vision device: puts register port, buffer source and watch together and takes them apart in the right
+// order.
+
+#include "gigevision/aravisbuffersource.h"
+#include "gigevision/aravisdevice.h"
+#include "gigevision/gigevisionregisterport.h"
+#include "gigevision/iothread.h"
+#include "gigevision/linktarget.h"
+#include "gigevision/linkwatch.h"
+#include "krsystem/idevicelink.h"
+
+#include <memory>
+
+namespace krtransport {
+
+/// Thread, ownership: as IDeviceLink. Destruction with a dead device takes up to about eight seconds, which are Aravis'
+/// own tries.
+class GigEVisionLink final : public krsystem::IDeviceLink {
+public:
+  /// Opens the device that a target names. NotFound when it does not answer, AccessDenied when another application
+  /// holds it in a way that the access wanted does not go with.
+  static KrResult Open(const LinkTarget& aTarget, std::unique_ptr<krsystem::IDeviceLink>& aLink);
+  ~GigEVisionLink() override;
+
+  IKrRegisterPort& GetRegisterPort() override { return *mPort; }
+  /// Channel 0 of a device under control. Aravis receives no other, and a monitor none.
+  krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
+  bool IsConnected() const override { return mWatch.IsConnected(); }
+  void SetSink(krsystem::IDeviceLinkSink* aSink) override { mWatch.SetSink(aSink); }
+
+private:
+  /// What is needed to make a link; the device is null for a monitor.
+  struct Parts {
+    std::unique_ptr<IoThread> ioThread = std::make_unique<IoThread>();
+    std::shared_ptr<AravisDevice> device;
+    std::shared_ptr<IRegisterChannel> channel;
+    GvcpClient watchClient;
+  };
+
+  GigEVisionLink(const LinkTarget& aTarget, Parts aParts);
+  static KrResult CheckAccess(const LinkTarget& aTarget, GvcpClient& aClient);
+  static KrResult OpenChannel(const LinkTarget& aTarget, Parts& aParts);
+  void OnLost(const KrResult& aReason);
+
+  std::unique_ptr<IoThread> mIoThread;
+  std::shared_ptr<AravisDevice> mDevice;
+  std::unique_ptr<AravisBufferSource> mSource;
+  LinkWatch mWatch;
+  std::unique_ptr<GigEVisionRegisterPort> mPort;
+};
+
+} // namespace krtransport

@@ -1,0 +1,132 @@
+#include "gigevision/gigevisiontransport.h"
+
+#include "gigevision/adapterdiscovery.h"
+#include "gigevision/gigevisionlink.h"
+#include "gigevision/gvcpclient.h"
+#include "gigevision/networkadapters.h"
+#include "krsystem/ipv4address.h"
+
+#include <optional>
+#include <utility>
+
+namespace krtransport {
+namespace {
+
+using krsystem::AccessType;
+using krsystem::GEVFields;
+using krsystem::NetworkAdapterFields;
+
+KrResult RefuseKind(const char* aAttempt) {
+  return {KrResult::Code::InvalidInput, std::string(aAttempt) + " needs a GigE Vision device on a network adapter."};
+}
+
+// This host's address on the way to a device: in the device's subnet, or else what the routing table names.
+std::optional<std::uint32_t> ChooseLocalAddress(const NetworkAdapterFields& aAdapter, const GEVFields& aDevice,
+                                                std::uint32_t aDeviceAddress) {
+  if (const auto local = FindLocalAddress(aAdapter, aDeviceAddress))
+    return local;
+  GvcpClient client;
+  // A broadcast answer from a foreign subnet says nothing about the way back; an answer to its address does.
+  if (!aDevice.configurationValid || !GvcpClient::Connect(aDeviceAddress, std::nullopt, client).IsOK())
+    return std::nullopt;
+  return client.GetLocalAddress();
+}
+
+AccessType ToAccessType(std::uint32_t aPrivilege) {
+  if ((aPrivilege & kExclusiveBit) != 0)
+    return AccessType::Exclusive;
+  return (aPrivilege & kControlBit) != 0 ? AccessType::Control : AccessType::Open;
+}
+
+} // namespace
+
+KrResult GigEVisionTransport::ListInterfaces(std::vector<krsystem::InterfaceFields>& aInterfaces) {
+  std::vector<NetworkAdapterFields> adapters;
+  if (KrResult result = ListNetworkAdapters(adapters); !result.IsOK())
+    return result;
+  aInterfaces.assign(adapters.begin(), adapters.end());
+  return {};
+}
+
+KrResult GigEVisionTransport::Discover(const std::vector<krsystem::InterfaceFields>& aInterfaces,
+                                       const krsystem::DiscoveryRequest& aRequest,
+                                       const krsystem::DeviceReport& aReport) {
+  std::vector<NetworkAdapterFields> adapters;
+  std::vector<std::size_t> indices;
+  for (std::size_t i = 0; i < aInterfaces.size(); ++i) {
+    if (const auto* adapter = std::get_if<NetworkAdapterFields>(&aInterfaces[i])) {
+      adapters.push_back(*adapter);
+      indices.push_back(i);
+    }
+  }
+  return DiscoverOnAdapters(adapters, aRequest, [&](std::size_t aAdapterIndex, const GEVFields& aDevice) {
+    aReport(indices[aAdapterIndex], aDevice);
+  });
+}
+
+KrResult GigEVisionTransport::FindAddress(std::uint32_t aAddress, std::uint32_t aTimeoutMs,
+                                          krsystem::InterfaceFields& aInterface, krsystem::AnyDeviceFields& aDevice) {
+  std::vector<NetworkAdapterFields> adapters;
+  if (KrResult result = ListNetworkAdapters(adapters); !result.IsOK())
+    return result;
+  NetworkAdapterFields adapter;
+  GEVFields device;
+  if (KrResult result = DiscoverAddress(adapters, aAddress, aTimeoutMs, adapter, device); !result.IsOK())
+    return result;
+  aInterface = std::move(adapter);
+  aDevice = std::move(device);
+  return {};
+}
+
+KrResult GigEVisionTransport::ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
+                                          const KrString& aGateway) {
+  MacBytes mac{};
+  const auto address = krsystem::ParseIPv4(aAddress);
+  const auto mask = krsystem::ParseIPv4(aMask);
+  const auto gateway = krsystem::ParseIPv4(aGateway);
+  if (!ParseMac(aMAC.ToUtf8(), mac) || !address || !mask || !gateway)
+    return {KrResult::Code::InvalidInput, "The IP configuration " + aAddress + ", " + aMask + ", " + aGateway +
+                                              " for " + aMAC + " holds a text that is no address."};
+  std::vector<NetworkAdapterFields> adapters;
+  if (KrResult result = ListNetworkAdapters(adapters); !result.IsOK())
+    return result;
+  return ForceIP(adapters, mac, *address, *mask, *gateway);
+}
+
+KrResult GigEVisionTransport::GetAccessType(const krsystem::AnyDeviceFields& aDevice, AccessType& aType) {
+  const auto* device = std::get_if<GEVFields>(&aDevice);
+  const auto address = device != nullptr ? krsystem::ParseIPv4(device->ipAddress) : std::nullopt;
+  if (!address)
+    return RefuseKind("Asking who controls a device");
+  GvcpClient client;
+  if (KrResult result = GvcpClient::Connect(*address, std::nullopt, client); !result.IsOK())
+    return result;
+  std::uint32_t privilege = 0;
+  KrResult result = client.ReadRegister(kControlPrivilegeRegister, privilege, GvcpPatience{});
+  if (result == KrResult::Code::ProtocolError)
+    privilege = kExclusiveBit;
+  else if (!result.IsOK())
+    return result;
+  aType = ToAccessType(privilege);
+  return {};
+}
+
+KrResult GigEVisionTransport::Open(const krsystem::InterfaceFields& aInterface,
+                                   const krsystem::AnyDeviceFields& aDevice, krsystem::DeviceAccess aAccess,
+                                   std::unique_ptr<krsystem::IDeviceLink>& aLink) {
+  const auto* adapter = std::get_if<NetworkAdapterFields>(&aInterface);
+  const auto* device = std::get_if<GEVFields>(&aDevice);
+  const auto address = device != nullptr ? krsystem::ParseIPv4(device->ipAddress) : std::nullopt;
+  if (adapter == nullptr || !address)
+    return RefuseKind("Opening");
+  const auto local = ChooseLocalAddress(*adapter, *device, *address);
+  if (!local)
+    return {KrResult::Code::NotFound, "The device " + device->displayID +
+                                          " cannot be reached from the network adapter " + adapter->displayID +
+                                          ". Give it an address of that adapter's subnet."};
+  return GigEVisionLink::Open(
+      {.deviceAddress = *address, .localAddress = *local, .adapterName = adapter->name.ToUtf8(), .access = aAccess},
+      aLink);
+}
+
+} // namespace krtransport

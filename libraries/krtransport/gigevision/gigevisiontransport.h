@@ -1,0 +1,35 @@
+#pragma once
+// The backend for GigE Vision devices on this host's network adapters. Discovery and addresses are done with datagrams
+// of our own, open devices stand on Aravis; none of that shows here.
+
+#include "krsystem/itransport.h"
+
+namespace krtransport {
+
+/// GigE Vision.
+///
+/// The interfaces are the host's network adapters; the loopback adapter is among them while it is up, because simulated
+/// cameras of other programs answer there.
+///
+/// Thread, ownership: as ITransport. Reports of Discover come on the caller's thread.
+class GigEVisionTransport final : public krsystem::ITransport {
+public:
+  KrString GetName() const override { return "GigE Vision"; }
+  KrResult ListInterfaces(std::vector<krsystem::InterfaceFields>& aInterfaces) override;
+  /// Interfaces of another kind are passed over.
+  KrResult Discover(const std::vector<krsystem::InterfaceFields>& aInterfaces,
+                    const krsystem::DiscoveryRequest& aRequest, const krsystem::DeviceReport& aReport) override;
+  KrResult FindAddress(std::uint32_t aAddress, std::uint32_t aTimeoutMs, krsystem::InterfaceFields& aInterface,
+                       krsystem::AnyDeviceFields& aDevice) override;
+  /// Tells the device by ForceIP, on every adapter, and waits for its acknowledge, up to a second. The configuration
+  /// lasts until the device is switched off. InvalidInput for texts that are no addresses, NotFound when no device
+  /// acknowledges.
+  KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
+                       const KrString& aGateway) override;
+  /// Reads the device's control channel privilege. A device that lets nobody else read counts as held exclusively.
+  KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
+  KrResult Open(const krsystem::InterfaceFields& aInterface, const krsystem::AnyDeviceFields& aDevice,
+                krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
+};
+
+} // namespace krtransport

@@ -1,0 +1,76 @@
+#pragma once
+// A UDP socket for the control channel and the event that wakes whoever waits on one. What is sent, and how long an
+// answer is awaited, is decided by the clients.
+
+#include "krbase/krresult.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace krtransport {
+
+/// A file descriptor with an owner.
+class FileDescriptor {
+public:
+  FileDescriptor() = default;
+  explicit FileDescriptor(int aDescriptor) : mDescriptor(aDescriptor) {}
+  ~FileDescriptor() { Close(); }
+  FileDescriptor(FileDescriptor&& aOther) noexcept;
+  FileDescriptor& operator=(FileDescriptor&& aOther) noexcept;
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+
+  int Get() const { return mDescriptor; }
+  bool IsOpen() const { return mDescriptor >= 0; }
+  void Close();
+
+private:
+  int mDescriptor = -1;
+};
+
+/// An event that poll() can wait for. Signal from any thread; it stays signalled until it is taken.
+class WakeEvent {
+public:
+  WakeEvent();
+  int GetDescriptor() const { return mDescriptor.Get(); }
+  void Signal();
+  /// Takes the signal back.
+  void Take();
+
+private:
+  FileDescriptor mDescriptor;
+};
+
+/// One datagram's way in: how many bytes the sender sent, even where fewer fitted, and who it was.
+struct ReceivedDatagram {
+  std::size_t size = 0;
+  std::uint32_t sender = 0;
+};
+
+/// A UDP socket that never blocks. One thread at a time.
+class GvcpSocket {
+public:
+  /// For broadcasts on one adapter. It is bound to the adapter and to no address: a socket bound to the adapter's
+  /// address would not hear answers that come by broadcast, as those of a device on a foreign subnet do.
+  static KrResult OpenOnAdapter(const std::string& aAdapterName, GvcpSocket& aSocket);
+  /// For one device; aLocalAddress chooses the way, or the routing table where there is none. Datagrams of others are
+  /// not received.
+  static KrResult OpenToDevice(std::uint32_t aAddress, std::optional<std::uint32_t> aLocalAddress, GvcpSocket& aSocket);
+
+  int GetDescriptor() const { return mDescriptor.Get(); }
+  /// The address from which a socket to one device sends.
+  std::uint32_t GetLocalAddress() const;
+  /// Sends to an address, and to the connected device when it is 0.
+  KrResult Send(std::span<const std::uint8_t> aDatagram, std::uint32_t aAddress = 0) const;
+  /// Takes a datagram that has come; nothing where none has. Errors that the network reports for an earlier datagram
+  /// are passed over: a device that starts up later may still answer.
+  std::optional<ReceivedDatagram> Receive(std::span<std::uint8_t> aBuffer) const;
+
+private:
+  FileDescriptor mDescriptor;
+};
+
+} // namespace krtransport

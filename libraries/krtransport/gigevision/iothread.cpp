@@ -1,0 +1,82 @@
+#include "gigevision/iothread.h"
+
+#include <chrono>
+#include <utility>
+
+namespace krtransport {
+
+IoThread::IoThread() : mThread([this] { Work(); }) {}
+
+IoThread::~IoThread() {
+  {
+    const std::lock_guard lock(mMutex);
+    mIsEnding = true;
+  }
+  mWork.notify_all();
+  mThread.join();
+}
+
+KrResult IoThread::Run(Job aJob, std::uint32_t aTimeoutMs) {
+  std::unique_lock lock(mMutex);
+  if (mIsInterrupted)
+    return mInterruption;
+  const auto entry = Enqueue(std::move(aJob));
+  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
+  mDone.wait_until(lock, until, [&] { return entry->isDone || mIsInterrupted; });
+  if (entry->isDone)
+    return entry->result;
+  entry->isAbandoned = true;
+  if (mIsInterrupted)
+    return mInterruption;
+  return {KrResult::Code::TimeLimitExceeded,
+          "The device did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
+}
+
+KrResult IoThread::RunToEnd(Job aJob) {
+  std::unique_lock lock(mMutex);
+  const auto entry = Enqueue(std::move(aJob));
+  mDone.wait(lock, [&] { return entry->isDone; });
+  return entry->result;
+}
+
+void IoThread::Interrupt(const KrResult& aReason) {
+  {
+    const std::lock_guard lock(mMutex);
+    if (mIsInterrupted)
+      return;
+    mIsInterrupted = true;
+    mInterruption = aReason;
+  }
+  mDone.notify_all();
+}
+
+std::shared_ptr<IoThread::Entry> IoThread::Enqueue(Job aJob) {
+  auto entry = std::make_shared<Entry>();
+  entry->job = std::move(aJob);
+  mQueue.push_back(entry);
+  mWork.notify_one();
+  return entry;
+}
+
+void IoThread::Work() {
+  std::unique_lock lock(mMutex);
+  while (true) {
+    mWork.wait(lock, [this] { return mIsEnding || !mQueue.empty(); });
+    if (mQueue.empty())
+      return;
+    const auto entry = std::move(mQueue.front());
+    mQueue.pop_front();
+    lock.unlock();
+    KrResult result{KrResult::Code::Aborted, "The call was given up before it began."};
+    if (!entry->isAbandoned)
+      result = entry->job(entry->isAbandoned);
+    // What the job holds is released here, on the thread that used it.
+    entry->job = nullptr;
+    lock.lock();
+    entry->result = std::move(result);
+    entry->isDone = true;
+    mDone.notify_all();
+  }
+}
+
+} // namespace krtransport

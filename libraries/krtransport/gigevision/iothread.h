@@ -1,0 +1,62 @@
+#pragma once
+// One thread that makes a device's blocking calls, one after the other. Callers wait with a limit of their own and may
+// leave; what the calls do is left to the jobs.
+
+#include "krbase/krresult.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace krtransport {
+
+/// Runs jobs.
+///
+/// Thread: any, but for destruction, which waits for the job that runs and drops abandoned ones.
+/// Ownership: a job owns, or shares, everything that it touches: its caller may be gone when it runs.
+class IoThread {
+public:
+  /// A job; it may look whether its caller has left, and end early then.
+  using Job = std::function<KrResult(const std::atomic<bool>& aIsAbandoned)>;
+
+  IoThread();
+  ~IoThread();
+  IoThread(const IoThread&) = delete;
+  IoThread& operator=(const IoThread&) = delete;
+
+  /// Runs a job and waits up to aTimeoutMs milliseconds for it. TimeLimitExceeded after that: the job is abandoned,
+  /// which means that it is skipped if it has not begun. The reason of Interrupt, at once, after that was called.
+  KrResult Run(Job aJob, std::uint32_t aTimeoutMs);
+  /// Runs a job and waits for its end, interrupted or not.
+  KrResult RunToEnd(Job aJob);
+  /// Ends all waits of Run, now and from now on, with a reason.
+  void Interrupt(const KrResult& aReason);
+
+private:
+  struct Entry {
+    Job job;
+    std::atomic<bool> isAbandoned{false};
+    bool isDone = false;
+    KrResult result;
+  };
+
+  std::shared_ptr<Entry> Enqueue(Job aJob);
+  void Work();
+
+  // Guards all members below but the thread, and isDone and result of every entry.
+  std::mutex mMutex;
+  std::condition_variable mWork;
+  std::condition_variable mDone;
+  std::deque<std::shared_ptr<Entry>> mQueue;
+  bool mIsInterrupted = false;
+  bool mIsEnding = false;
+  KrResult mInterruption;
+  std::thread mThread;
+};
+
+} // namespace krtransport

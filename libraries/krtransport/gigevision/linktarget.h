@@ -1,0 +1,18 @@
+#pragma once
+// Where an open device is and how it was opened: what every part of a link has to know.
+
+#include "krsystem/itransport.h"
+
+#include <cstdint>
+#include <string>
+
+namespace krtransport {
+
+struct LinkTarget {
+  std::uint32_t deviceAddress = 0;
+  std::uint32_t localAddress = 0; ///< This host's address on the way to the device.
+  std::string adapterName;
+  krsystem::DeviceAccess access = krsystem::DeviceAccess::Control;
+};
+
+} // namespace krtransport

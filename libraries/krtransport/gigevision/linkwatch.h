@@ -1,0 +1,80 @@
+#pragma once
+// Watches whether an open device still answers, faster than its own heartbeat would tell, and tells of loss and return.
+// What loss means for accesses and streams is decided by the link.
+
+#include "gigevision/gvcpclient.h"
+#include "gigevision/linktarget.h"
+#include "krbase/krresult.h"
+#include "krsystem/idevicelink.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+
+namespace krtransport {
+
+/// Asks the device twice a second on a socket of its own. Six silent tries in a row, about three seconds, are its loss;
+/// so is a device that answers and says that nobody controls it, as one does that was restarted. Tries are counted, not
+/// time: a process that was stopped itself finds its device still there.
+///
+/// Thread: any, but for destruction, which waits for a sink's call that runs.
+/// Ownership: borrows the sink.
+class LinkWatch {
+public:
+  /// aOnLost is called once, on the watch's thread, before the sink hears of the loss.
+  LinkWatch(const LinkTarget& aTarget, GvcpClient aClient, std::function<void(const KrResult&)> aOnLost);
+  ~LinkWatch() { Stop(); }
+  LinkWatch(const LinkWatch&) = delete;
+  LinkWatch& operator=(const LinkWatch&) = delete;
+
+  bool IsConnected() const { return mIsConnected; }
+  /// True from ReportSilence until the device answers again.
+  bool IsSilent() const { return mIsSilent; }
+  /// An access got no answer: the device is asked at once.
+  void ReportSilence();
+  /// Somebody else learned that control is lost.
+  void ReportLoss();
+  /// As IDeviceLink::SetSink.
+  void SetSink(krsystem::IDeviceLinkSink* aSink);
+  /// Ends the watch: afterwards no call of it runs or comes. Not from a sink's call.
+  void Stop();
+
+private:
+  enum class Finding { Answers, Uncontrolled, Silent, Cancelled };
+
+  void Watch(const std::stop_token& aStop);
+  Finding Probe(const std::stop_token& aStop);
+  void Judge(Finding aFinding);
+  void Lose(const char* aWhy);
+  void Tell(const std::function<void(krsystem::IDeviceLinkSink&)>& aCall);
+  void PauseUntil(std::chrono::steady_clock::time_point aMoment, const std::stop_token& aStop);
+
+  const LinkTarget mTarget;
+  const std::function<void(const KrResult&)> mOnLost;
+  // Used by the watch's thread alone.
+  GvcpClient mClient;
+  int mSilentTries = 0;
+  bool mIsBack = false;
+
+  std::atomic<bool> mIsConnected{true};
+  std::atomic<bool> mIsSilent{false};
+
+  // Guards the requests to the watch's thread.
+  std::mutex mRequestMutex;
+  std::condition_variable_any mRequest;
+  bool mIsProbeWanted = false;
+  bool mIsLossReported = false;
+
+  // Guards the sink and the thread on which a call of it runs, if one does.
+  std::mutex mSinkMutex;
+  std::condition_variable mSinkIdle;
+  krsystem::IDeviceLinkSink* mSink = nullptr;
+  std::thread::id mTellingThread;
+
+  std::jthread mThread;
+};
+
+} // namespace krtransport

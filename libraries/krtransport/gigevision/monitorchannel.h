@@ -1,0 +1,21 @@
+#pragma once
+// Reads a device's memory without ever asking for control, so that looking never disturbs who works with the device.
+
+#include "gigevision/gvcpclient.h"
+#include "gigevision/registerchannel.h"
+
+namespace krtransport {
+
+class MonitorChannel final : public IRegisterChannel {
+public:
+  explicit MonitorChannel(GvcpClient aClient) : mClient(std::move(aClient)) {}
+
+  KrResult Read(std::uint32_t aAddress, std::span<std::uint8_t> aData) override;
+  /// AccessDenied, always.
+  KrResult Write(std::uint32_t aAddress, std::span<const std::uint8_t> aData) override;
+
+private:
+  GvcpClient mClient;
+};
+
+} // namespace krtransport

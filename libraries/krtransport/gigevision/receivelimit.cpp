@@ -1,0 +1,39 @@
+#include "gigevision/receivelimit.h"
+
+#include "krbase/krlogger.h"
+
+#include <algorithm>
+#include <fstream>
+#include <mutex>
+#include <string>
+
+namespace krtransport {
+namespace {
+
+constexpr std::uint64_t kLeastBytes = 4u << 20;
+constexpr std::uint64_t kMostBytes = 1u << 30;
+
+} // namespace
+
+std::uint32_t GetSocketBufferSize(std::uint64_t aPayloadBytes) {
+  const std::uint64_t twoFrames = std::min(aPayloadBytes, kMostBytes) * 2;
+  return static_cast<std::uint32_t>(std::clamp(twoFrames, kLeastBytes, kMostBytes));
+}
+
+void WarnOfReceiveLimit(std::uint32_t aWantedBytes) {
+  std::uint64_t granted = 0;
+  // Inside some containers the limit cannot be read; then there is nothing to say.
+  if (!(std::ifstream("/proc/sys/net/core/rmem_max") >> granted) || granted >= aWantedBytes)
+    return;
+  static std::once_flag once;
+  std::call_once(once, [&] {
+    const std::string wanted = std::to_string(aWantedBytes);
+    KrLogger("GigEVision")
+        .Log(KrLogLevel::Warning, {"WarnOfReceiveLimit", "receivelimit"},
+             "The system limits receive buffers to " + std::to_string(granted) +
+                 " bytes; two frames of this camera need " + wanted +
+                 ". Frames may be lost. Raise the limit as root: sysctl -w net.core.rmem_max=" + wanted);
+  });
+}
+
+} // namespace krtransport
