@@ -13,7 +13,7 @@ namespace krapps {
 struct Selection {
   const KrDeviceInfo* device = nullptr;
   bool isAmbiguous = false; ///< Several devices have the name.
-  KrString error;           ///< A text for the user; empty with a device.
+  KrString error = {};      ///< A text for the user; empty with a device.
 };
 
 /// Chooses among devices by unique ID, MAC address (any case, ':' or '-') or user-defined name. Several answers of one

@@ -14,9 +14,9 @@ enum class Verb { Help, Version, List, Stream };
 /// What was asked for.
 struct CommandLine {
   Verb verb = Verb::Help;
-  std::string device;                     ///< For Stream: an ID, a MAC or IP address or a user-defined name.
-  std::optional<std::uint32_t> timeoutMs; ///< Nothing where the command's own limit holds.
-  std::uint64_t frames = 0;               ///< For Stream: how many; at least 1.
+  std::string device = {};                     ///< For Stream: an ID, a MAC or IP address or a user-defined name.
+  std::optional<std::uint32_t> timeoutMs = {}; ///< Nothing where the command's own limit holds.
+  std::uint64_t frames = 0;                    ///< For Stream: how many; at least 1.
   bool json = false;
   bool simulate = false;
 };
