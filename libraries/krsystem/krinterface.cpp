@@ -1,0 +1,36 @@
+#include "krsystem/krinterface.h"
+
+#include <utility>
+
+namespace {
+
+constexpr const char* kNoAddress = "0.0.0.0";
+
+} // namespace
+
+KrInterface::KrInterface(const KrString& aUniqueID, const KrString& aDisplayID)
+    : mUniqueID(aUniqueID), mDisplayID(aDisplayID) {}
+KrInterface::~KrInterface() = default;
+
+const KrDeviceInfo* KrInterface::GetDeviceInfo(std::size_t aIndex) const {
+  return aIndex < mDevices.size() ? mDevices[aIndex] : nullptr;
+}
+
+KrNetworkAdapter::KrNetworkAdapter(krsystem::NetworkAdapterFields aFields)
+    : KrInterface(aFields.uniqueID, aFields.displayID), mFields(std::move(aFields)) {
+  if (mFields.addresses.empty())
+    mFields.addresses.emplace_back();
+}
+KrNetworkAdapter::~KrNetworkAdapter() = default;
+
+KrString KrNetworkAdapter::GetIPAddress(std::size_t aIndex) const {
+  return aIndex < mFields.addresses.size() ? mFields.addresses[aIndex].address : KrString(kNoAddress);
+}
+
+KrString KrNetworkAdapter::GetSubnetMask(std::size_t aIndex) const {
+  return aIndex < mFields.addresses.size() ? mFields.addresses[aIndex].mask : KrString(kNoAddress);
+}
+
+KrUSBHostController::KrUSBHostController(krsystem::USBHostControllerFields aFields)
+    : KrInterface(aFields.uniqueID, aFields.displayID), mFields(std::move(aFields)) {}
+KrUSBHostController::~KrUSBHostController() = default;

@@ -1,0 +1,167 @@
+#include "krsystem/krsystem.h"
+
+#include "krsystem/ipv4address.h"
+#include "krsystem/transportregistry.h"
+#include "krsystembody.h"
+#include "transportcall.h"
+
+#include <algorithm>
+#include <future>
+#include <system_error>
+
+namespace {
+
+using krsystem::CallTransport;
+
+// What one transport says of one address.
+struct AddressAnswer {
+  KrResult result = KrResult(KrResult::Code::NotFound);
+  krsystem::InterfaceFields interface;
+  krsystem::AnyDeviceFields device;
+};
+
+using TransportList = std::vector<std::shared_ptr<krsystem::ITransport>>;
+
+AddressAnswer AskAddress(krsystem::ITransport& aTransport, std::uint32_t aAddress, std::uint32_t aTimeoutMs) {
+  AddressAnswer answer;
+  answer.result = CallTransport("Asking an address", [&] {
+    return aTransport.FindAddress(aAddress, aTimeoutMs, answer.interface, answer.device);
+  });
+  return answer;
+}
+
+// Asks all transports at once and waits for all of them, so that none is left running.
+std::vector<AddressAnswer> AskAddress(const TransportList& aTransports, std::uint32_t aAddress,
+                                      std::uint32_t aTimeoutMs) {
+  std::vector<std::future<AddressAnswer>> pending;
+  for (const std::shared_ptr<krsystem::ITransport>& transport : aTransports) {
+    const auto ask = [transport, aAddress, aTimeoutMs] { return AskAddress(*transport, aAddress, aTimeoutMs); };
+    try {
+      pending.push_back(std::async(std::launch::async, ask));
+    } catch (const std::system_error&) {
+      // Without a further thread the transport is asked in turn, when its answer is waited for.
+      pending.push_back(std::async(std::launch::deferred, ask));
+    }
+  }
+  std::vector<AddressAnswer> answers;
+  for (std::future<AddressAnswer>& answer : pending)
+    answers.push_back(answer.get());
+  return answers;
+}
+
+bool IsWorthARecord(const KrResult& aResult) {
+  return !aResult.IsOK() && aResult != KrResult::Code::NotFound && aResult != KrResult::Code::NotSupported;
+}
+
+// Failures are logged one by one; when nothing else worked either, the first is the round's result.
+KrResult SummariseRound(const krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts) {
+  KrResult firstFailure;
+  std::size_t failures = 0;
+  for (std::size_t i = 0; i < aParts.size(); ++i) {
+    const KrResult& result = aRound.GetResult(i);
+    if (result.IsOK())
+      continue;
+    krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, *aParts[i].transport, result);
+    if (failures++ == 0)
+      firstFailure = result;
+  }
+  return failures == aParts.size() ? firstFailure : KrResult();
+}
+
+} // namespace
+
+KrSystem::KrSystem() : mBody(std::make_unique<Body>()) {
+  mBody->ListInterfaces();
+}
+
+KrSystem::~KrSystem() = default;
+
+KrResult KrSystem::RegisterEventSink(KrSystemEventSink* aSink) {
+  if (!aSink)
+    return {KrResult::Code::InvalidInput, "Registering an event sink: there is none (null)."};
+  if (std::ranges::find(mBody->sinks, aSink) != mBody->sinks.end())
+    return {KrResult::Code::InvalidInput, "Registering an event sink: it is registered already."};
+  mBody->sinks.push_back(aSink);
+  return {};
+}
+
+KrResult KrSystem::UnregisterEventSink(KrSystemEventSink* aSink) {
+  if (std::erase(mBody->sinks, aSink) == 0)
+    return {KrResult::Code::InvalidInput, "Unregistering an event sink: it is not registered."};
+  return {};
+}
+
+void KrSystem::SetDetectionTimeout(std::uint32_t aTimeoutMs) {
+  mBody->detectionTimeoutMs = std::max<std::uint32_t>(aTimeoutMs, 1);
+}
+
+std::uint32_t KrSystem::GetDetectionTimeout() const {
+  return mBody->detectionTimeoutMs;
+}
+
+void KrSystem::SetSubnetBroadcastEnabled(bool aEnabled) {
+  mBody->subnetBroadcast = aEnabled;
+}
+
+bool KrSystem::IsSubnetBroadcastEnabled() const {
+  return mBody->subnetBroadcast;
+}
+
+KrResult KrSystem::Find() {
+  const std::stop_token cancel = mBody->BeginRound();
+  const std::vector<krsystem::DiscoveryPart> parts = mBody->ListInterfaces();
+  krsystem::DiscoveryRound round(parts, {mBody->detectionTimeoutMs, mBody->subnetBroadcast, cancel});
+  mBody->TakeAnswers(round, parts);
+  if (cancel.stop_requested())
+    return {KrResult::Code::Aborted, "Looking for devices was cancelled; what had answered until then is listed."};
+  return SummariseRound(round, parts);
+}
+
+KrResult KrSystem::FindDevice(const KrString& aAddress, const KrDeviceInfo** aDevice) {
+  if (!aDevice)
+    return {KrResult::Code::InvalidInput,
+            "Looking for a device by its address: no place for the device is given (null)."};
+  const std::optional<std::uint32_t> address = krsystem::ParseIPv4(aAddress);
+  if (!address)
+    return {KrResult::Code::InvalidInput,
+            "Looking for a device: \"" + aAddress + "\" is no IPv4 address; write four numbers, as in 192.168.1.20."};
+  const TransportList transports = krsystem::GetTransports();
+  const std::vector<AddressAnswer> answers = AskAddress(transports, *address, mBody->detectionTimeoutMs);
+  const KrDeviceInfo* found = nullptr;
+  for (std::size_t i = 0; i < answers.size(); ++i) {
+    if (IsWorthARecord(answers[i].result))
+      krsystem::LogTransportFailure({"KrSystem::FindDevice", "krsystem"}, *transports[i], answers[i].result);
+    if (!answers[i].result.IsOK() || found)
+      continue;
+    KrInterface* const interface = mBody->FindOrMake(transports[i], answers[i].interface);
+    found = mBody->FindOrMake(transports[i], interface, answers[i].device);
+    mBody->EnterInterface(interface);
+    mBody->EnterDevice(interface, found);
+  }
+  if (!found)
+    return {KrResult::Code::NotFound,
+            "No device answers at " + aAddress +
+                "; check the address, the cable, and that the device's subnet is this host's."};
+  *aDevice = found;
+  return {};
+}
+
+void KrSystem::Cancel() {
+  mBody->Cancel();
+}
+
+std::size_t KrSystem::GetInterfaceCount() const {
+  return mBody->interfaces.size();
+}
+
+const KrInterface* KrSystem::GetInterface(std::size_t aIndex) const {
+  return aIndex < mBody->interfaces.size() ? mBody->interfaces[aIndex] : nullptr;
+}
+
+std::size_t KrSystem::GetDeviceCount() const {
+  return mBody->devices.size();
+}
+
+const KrDeviceInfo* KrSystem::GetDeviceInfo(std::size_t aIndex) const {
+  return aIndex < mBody->devices.size() ? mBody->devices[aIndex] : nullptr;
+}

@@ -1,0 +1,151 @@
+#include "krsystembody.h"
+
+#include "krsystem/transportregistry.h"
+#include "transportcall.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace {
+
+std::unique_ptr<KrInterface> MakeInterface(const krsystem::NetworkAdapterFields& aFields) {
+  return std::make_unique<KrNetworkAdapter>(aFields);
+}
+std::unique_ptr<KrInterface> MakeInterface(const krsystem::USBHostControllerFields& aFields) {
+  return std::make_unique<KrUSBHostController>(aFields);
+}
+std::unique_ptr<KrDeviceInfo> MakeDevice(const krsystem::GEVFields& aFields) {
+  return std::make_unique<KrDeviceInfoGEV>(aFields);
+}
+std::unique_ptr<KrDeviceInfo> MakeDevice(const krsystem::TolvanProtocolFields& aFields) {
+  return std::make_unique<KrDeviceInfoTolvanProtocol>(aFields);
+}
+std::unique_ptr<KrDeviceInfo> MakeDevice(const krsystem::USBFields& aFields) {
+  return std::make_unique<KrDeviceInfoUSB>(aFields);
+}
+std::unique_ptr<KrDeviceInfo> MakeDevice(const krsystem::U3VFields& aFields) {
+  return std::make_unique<KrDeviceInfoU3V>(aFields);
+}
+
+const KrString& GetUniqueID(const krsystem::InterfaceFields& aFields) {
+  return std::visit([](const auto& aKind) -> const KrString& { return aKind.uniqueID; }, aFields);
+}
+
+} // namespace
+
+std::stop_token KrSystem::Body::BeginRound() {
+  const std::lock_guard lock(mStopMutex);
+  mStop = std::stop_source();
+  return mStop.get_token();
+}
+
+void KrSystem::Body::Cancel() {
+  std::stop_source stop(std::nostopstate);
+  {
+    const std::lock_guard lock(mStopMutex);
+    stop = mStop;
+  }
+  // The stop callbacks are the transports', so the lock is given back first.
+  stop.request_stop();
+}
+
+std::vector<krsystem::DiscoveryPart> KrSystem::Body::ListInterfaces() {
+  for (const InterfaceRecord& record : mInterfaceRecords)
+    record.object->mDevices.clear();
+  interfaces.clear();
+  devices.clear();
+  std::vector<krsystem::DiscoveryPart> parts;
+  for (const std::shared_ptr<krsystem::ITransport>& transport : krsystem::GetTransports()) {
+    krsystem::DiscoveryPart part{transport, {}};
+    const KrResult listed =
+        krsystem::CallTransport("Listing the interfaces", [&] { return transport->ListInterfaces(part.interfaces); });
+    if (!listed.IsOK()) {
+      krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, *transport, listed);
+      part.interfaces.clear();
+    }
+    for (const krsystem::InterfaceFields& fields : part.interfaces)
+      EnterInterface(FindOrMake(transport, fields));
+    parts.push_back(std::move(part));
+  }
+  return parts;
+}
+
+void KrSystem::Body::TakeAnswers(krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts) {
+  // Discovery is sent more than once, so a device answers several times in a round; it is reported once.
+  std::set<std::pair<const KrInterface*, KrString>> answered;
+  while (std::optional<krsystem::DiscoveryAnswer> answer = aRound.WaitForAnswer()) {
+    const krsystem::DiscoveryPart& part = aParts[answer->partIndex];
+    if (answer->interfaceIndex >= part.interfaces.size())
+      continue;
+    KrInterface* const interface = FindOrMake(part.transport, part.interfaces[answer->interfaceIndex]);
+    const KrDeviceInfo* const device = FindOrMake(part.transport, interface, answer->device);
+    if (answered.emplace(interface, device->GetUniqueID()).second && !AskSinks(interface, device))
+      EnterDevice(interface, device);
+  }
+}
+
+bool KrSystem::Body::AskSinks(const KrInterface* aInterface, const KrDeviceInfo* aDevice) const {
+  bool ignore = false;
+  for (KrSystemEventSink* sink : sinks) {
+    bool ignoredBySink = false;
+    const KrResult called = krsystem::CallTransport("An event sink", [&] {
+      sink->OnDeviceFound(aInterface, aDevice, ignoredBySink);
+      return KrResult();
+    });
+    if (!called.IsOK())
+      KrLogger("KrSystem").Log(KrLogLevel::Error, {"KrSystem::Find", "krsystem"}, called.GetDescription());
+    ignore = ignore || ignoredBySink;
+  }
+  return ignore;
+}
+
+KrInterface* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport,
+                                        const krsystem::InterfaceFields& aFields) {
+  if (GetUniqueID(aFields).IsEmpty())
+    return nullptr;
+  const auto known = std::ranges::find_if(mInterfaceRecords, [&](const InterfaceRecord& aRecord) {
+    return aRecord.transport == aTransport && aRecord.fields == aFields;
+  });
+  if (known != mInterfaceRecords.end())
+    return known->object.get();
+  auto object = std::visit([](const auto& aKind) { return MakeInterface(aKind); }, aFields);
+  mInterfaceRecords.push_back({aTransport, aFields, std::move(object)});
+  return mInterfaceRecords.back().object.get();
+}
+
+const KrDeviceInfo* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport,
+                                               KrInterface* aInterface, const krsystem::AnyDeviceFields& aFields) {
+  const auto known = std::ranges::find_if(mDeviceRecords, [&](const DeviceRecord& aRecord) {
+    return aRecord.object->mTransport == aTransport && aRecord.object->mInterface == aInterface &&
+           aRecord.fields == aFields;
+  });
+  if (known != mDeviceRecords.end())
+    return known->object.get();
+  auto object = std::visit([](const auto& aKind) { return MakeDevice(aKind); }, aFields);
+  object->mTransport = aTransport;
+  object->mInterface = aInterface;
+  mDeviceRecords.push_back({aFields, std::move(object)});
+  return mDeviceRecords.back().object.get();
+}
+
+void KrSystem::Body::EnterInterface(KrInterface* aInterface) {
+  if (aInterface && std::ranges::find(interfaces, aInterface) == interfaces.end())
+    interfaces.push_back(aInterface);
+}
+
+void KrSystem::Body::EnterDevice(KrInterface* aInterface, const KrDeviceInfo* aDevice) {
+  const auto enter = [aDevice](std::vector<const KrDeviceInfo*>& aList) {
+    const auto former = std::ranges::find_if(aList, [aDevice](const KrDeviceInfo* aOther) {
+      return aOther->GetInterface() == aDevice->GetInterface() && aOther->GetUniqueID() == aDevice->GetUniqueID();
+    });
+    if (former == aList.end())
+      aList.push_back(aDevice);
+    else
+      *former = aDevice;
+  };
+  enter(devices);
+  if (aInterface)
+    enter(aInterface->mDevices);
+}
