@@ -1,0 +1,149 @@
+#include "krdevice/krdevice.h"
+
+#include "eventsinks.h"
+#include "krdevice/krdevicegev.h"
+#include "krdevice/krdevicetolvanprotocol.h"
+#include "krdevice/krdeviceu3v.h"
+#include "krsystem/itransport.h"
+
+#include <array>
+#include <exception>
+#include <string>
+#include <utility>
+
+struct KrDevice::Body : krsystem::IDeviceLinkSink {
+  Body(KrDevice& aDevice, std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID)
+      : device(aDevice), displayID(aDisplayID), link(std::move(aLink)) {}
+
+  void OnLinkLost(const KrResult& aReason) override {
+    sinks.Notify([&](KrDeviceEventSink& aSink) { aSink.OnDeviceLost(&device, aReason); });
+  }
+  void OnLinkBack() override {
+    sinks.Notify([&](KrDeviceEventSink& aSink) { aSink.OnDeviceBack(&device); });
+  }
+
+  KrDevice& device;
+  const KrString displayID;
+  krdevice::EventSinks sinks;
+  std::unique_ptr<krsystem::IDeviceLink> link;
+};
+
+namespace {
+
+using DevicePointer = std::unique_ptr<KrDevice>;
+using LinkPointer = std::unique_ptr<krsystem::IDeviceLink>;
+
+template <typename Device>
+DevicePointer Make(LinkPointer aLink, const KrString& aDisplayID) {
+  return std::make_unique<Device>(std::move(aLink), aDisplayID);
+}
+
+// How the fields of a device's kind are had from its object, and what it is when it is open.
+struct Kind {
+  KrDeviceInfoType type;
+  krsystem::AnyDeviceFields (*getFields)(const KrDeviceInfo&);
+  DevicePointer (*make)(LinkPointer, const KrString&);
+};
+
+template <typename Info>
+krsystem::AnyDeviceFields GetFields(const KrDeviceInfo& aInfo) {
+  return static_cast<const Info&>(aInfo).GetFields();
+}
+
+constexpr std::array<Kind, 3> kKinds = {{
+    {KrDeviceInfoType::GEV, GetFields<KrDeviceInfoGEV>, Make<KrDeviceGEV>},
+    {KrDeviceInfoType::TolvanProtocol, GetFields<KrDeviceInfoTolvanProtocol>, Make<KrDeviceTolvanProtocol>},
+    {KrDeviceInfoType::U3V, GetFields<KrDeviceInfoU3V>, Make<KrDeviceU3V>},
+}};
+
+const Kind* FindKind(KrDeviceInfoType aType) {
+  for (const Kind& kind : kKinds) {
+    if (kind.type == aType)
+      return &kind;
+  }
+  return nullptr;
+}
+
+krsystem::InterfaceFields GetInterfaceFields(const KrInterface* aInterface) {
+  if (const auto* adapter = dynamic_cast<const KrNetworkAdapter*>(aInterface))
+    return adapter->GetFields();
+  if (const auto* controller = dynamic_cast<const KrUSBHostController*>(aInterface))
+    return controller->GetFields();
+  return {};
+}
+
+krsystem::DeviceAccess ToTransport(KrDeviceAccess aAccess) {
+  switch (aAccess) {
+  case KrDeviceAccess::Monitor:
+    return krsystem::DeviceAccess::Monitor;
+  case KrDeviceAccess::Control:
+    return krsystem::DeviceAccess::Control;
+  case KrDeviceAccess::Exclusive:
+    break;
+  }
+  return krsystem::DeviceAccess::Exclusive;
+}
+
+KrResult OpenLink(const KrDeviceInfo& aInfo, const Kind& aKind, KrDeviceAccess aAccess, LinkPointer& aLink) {
+  const std::shared_ptr<krsystem::ITransport> transport = aInfo.GetTransport();
+  if (!transport)
+    return {KrResult::Code::NotSupported,
+            "Opening " + aInfo.GetDisplayID() + ": it was found by no transport; look for devices with KrSystem."};
+  try {
+    return transport->Open(GetInterfaceFields(aInfo.GetInterface()), aKind.getFields(aInfo), ToTransport(aAccess),
+                           aLink);
+  } catch (const std::exception& error) {
+    return {KrResult::Code::SystemError,
+            "Opening " + aInfo.GetDisplayID() + " was ended by an exception: " + std::string(error.what())};
+  }
+}
+
+} // namespace
+
+KrResult KrDevice::Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::unique_ptr<KrDevice>& aDevice) {
+  const Kind* const kind = FindKind(aInfo.GetType());
+  if (!kind)
+    return {KrResult::Code::NotSupported, "Opening " + aInfo.GetDisplayID() + ": it is no camera that can be opened."};
+  LinkPointer link;
+  const KrResult result = OpenLink(aInfo, *kind, aAccess, link);
+  if (!result.IsOK())
+    return result;
+  if (!link)
+    return {KrResult::Code::ProtocolError, "Opening " + aInfo.GetDisplayID() + ": its transport gave no link to it."};
+  aDevice = kind->make(std::move(link), aInfo.GetDisplayID());
+  return {};
+}
+
+KrDevice::KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID)
+    : mBody(std::make_unique<Body>(*this, std::move(aLink), aDisplayID)) {
+  mBody->link->SetSink(mBody.get());
+}
+
+KrDevice::~KrDevice() {
+  // No event may reach the application while its device goes.
+  mBody->link->SetSink(nullptr);
+}
+
+const KrString& KrDevice::GetDisplayID() const {
+  return mBody->displayID;
+}
+
+IKrRegisterPort& KrDevice::GetRegisterPort() {
+  return mBody->link->GetRegisterPort();
+}
+
+krsystem::IBufferSource* KrDevice::GetBufferSource(std::uint32_t aChannel) {
+  return mBody->link->GetBufferSource(aChannel);
+}
+
+bool KrDevice::IsConnected() const {
+  return mBody->link->IsConnected();
+}
+
+KrResult KrDevice::RegisterEventSink(KrDeviceEventSink* aSink) {
+  return mBody->sinks.Register(aSink);
+}
+
+KrResult KrDevice::UnregisterEventSink(KrDeviceEventSink* aSink) {
+  return mBody->sinks.Unregister(aSink);
+}

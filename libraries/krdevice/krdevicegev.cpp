@@ -1,0 +1,23 @@
+#include "krdevice/krdevicegev.h"
+
+#include "addressing.h"
+
+#include <utility>
+
+KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID)
+    : KrDevice(std::move(aLink), aDisplayID) {}
+
+KrDeviceGEV::~KrDeviceGEV() = default;
+
+KrResult KrDeviceGEV::SetIPConfiguration(const KrString& aMAC, const KrString& aAddress, const KrString& aSubnetMask,
+                                         const KrString& aGateway) {
+  return krdevice::ConfigureIP(aMAC, aAddress, aSubnetMask, aGateway);
+}
+
+KrResult KrDeviceGEV::GetAccessType(const KrString& aAddress, KrAccessType& aType) {
+  krsystem::AccessType type = krsystem::AccessType::Unknown;
+  const KrResult result = krdevice::AskAccessType(aAddress, type);
+  if (result.IsOK())
+    aType = static_cast<KrAccessType>(type);
+  return result;
+}
