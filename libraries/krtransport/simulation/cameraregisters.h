@@ -1,0 +1,64 @@
+#pragma once
+// Where a simulated camera has its registers: the bootstrap registers of GigE Vision 2.x, and its features' own.
+
+#include <cstdint>
+
+namespace krtransport::cameraregister {
+
+// GigE Vision 2.x, bootstrap registers.
+inline constexpr std::uint64_t kVersion = 0x0000;
+inline constexpr std::uint64_t kDeviceMode = 0x0004;
+inline constexpr std::uint64_t kMACHigh = 0x0008;
+inline constexpr std::uint64_t kMACLow = 0x000C;
+inline constexpr std::uint64_t kIPConfigOptions = 0x0010;
+inline constexpr std::uint64_t kIPConfigCurrent = 0x0014;
+inline constexpr std::uint64_t kIPAddress = 0x0024;
+inline constexpr std::uint64_t kSubnetMask = 0x0034;
+inline constexpr std::uint64_t kDefaultGateway = 0x0044;
+inline constexpr std::uint64_t kManufacturerName = 0x0048;
+inline constexpr std::uint64_t kModelName = 0x0068;
+inline constexpr std::uint64_t kDeviceVersion = 0x0088;
+inline constexpr std::uint64_t kManufacturerInfo = 0x00A8;
+inline constexpr std::uint64_t kSerialNumber = 0x00D8;
+inline constexpr std::uint64_t kUserDefinedName = 0x00E8;
+inline constexpr std::uint64_t kFirstURL = 0x0200;
+inline constexpr std::uint64_t kSecondURL = 0x0400;
+inline constexpr std::uint64_t kInterfaceCount = 0x0600;
+inline constexpr std::uint64_t kLinkSpeed = 0x0670;
+inline constexpr std::uint64_t kMessageChannelCount = 0x0900;
+inline constexpr std::uint64_t kStreamChannelCount = 0x0904;
+inline constexpr std::uint64_t kGVCPCapability = 0x0934;
+inline constexpr std::uint64_t kHeartbeatTimeout = 0x0938;
+inline constexpr std::uint64_t kControlPrivilege = 0x0A00;
+
+// The camera's features.
+inline constexpr std::uint64_t kWidthMax = 0x00010000;
+inline constexpr std::uint64_t kHeightMax = 0x00010004;
+inline constexpr std::uint64_t kWidth = 0x00010008;
+inline constexpr std::uint64_t kHeight = 0x0001000C;
+inline constexpr std::uint64_t kPixelFormat = 0x00010010;
+inline constexpr std::uint64_t kPayloadSize = 0x00010014;
+inline constexpr std::uint64_t kTestPattern = 0x00010018;
+inline constexpr std::uint64_t kAcquisitionMode = 0x00010020;
+inline constexpr std::uint64_t kAcquisitionStart = 0x00010024;
+inline constexpr std::uint64_t kAcquisitionStop = 0x00010028;
+inline constexpr std::uint64_t kTLParamsLocked = 0x0001002C;
+inline constexpr std::uint64_t kAcquisitionFrameRate = 0x00010030;
+inline constexpr std::uint64_t kExposureTime = 0x00010038;
+inline constexpr std::uint64_t kGain = 0x00010040;
+
+/// Where the description begins; its length is in the first URL.
+inline constexpr std::uint64_t kDescription = 0x00100000;
+
+// The limits that the registers keep and the description states.
+inline constexpr std::uint32_t kWidthMin = 64;
+inline constexpr std::uint32_t kWidthIncrement = 4;
+inline constexpr std::uint32_t kHeightMin = 16;
+inline constexpr std::uint32_t kHeightIncrement = 2;
+inline constexpr double kFrameRateMin = 1.0;
+inline constexpr double kFrameRateMax = 1000.0;
+inline constexpr double kExposureTimeMinUs = 10.0;
+inline constexpr double kExposureTimeMaxUs = 1000000.0;
+inline constexpr double kGainMaxDb = 24.0;
+
+} // namespace krtransport::cameraregister

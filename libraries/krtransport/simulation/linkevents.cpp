@@ -1,0 +1,78 @@
+#include "simulation/linkevents.h"
+
+#include "krbase/krlogger.h"
+
+#include <exception>
+#include <string>
+
+namespace krtransport {
+
+namespace {
+
+void Call(krsystem::IDeviceLinkSink& aSink, const std::optional<KrResult>& aLossReason) {
+  try {
+    if (aLossReason)
+      aSink.OnLinkLost(*aLossReason);
+    else
+      aSink.OnLinkBack();
+  } catch (const std::exception& error) {
+    KrLogger("KrTransport")
+        .Log(KrLogLevel::Error, {"LinkEvents::Deliver", "linkevents"},
+             std::string("The sink of a link threw an exception: ") + error.what());
+  }
+}
+
+} // namespace
+
+LinkEvents::LinkEvents() : mThread([this] { Deliver(); }) {}
+
+LinkEvents::~LinkEvents() {
+  {
+    const std::lock_guard lock(mMutex);
+    mEnding = true;
+    mChanged.notify_all();
+  }
+  mThread.join();
+}
+
+void LinkEvents::SetSink(krsystem::IDeviceLinkSink* aSink) {
+  std::unique_lock lock(mMutex);
+  mSink = aSink;
+  mChanged.notify_all();
+  if (mThread.get_id() != std::this_thread::get_id())
+    mChanged.wait(lock, [this] { return !mCalling; });
+}
+
+void LinkEvents::ReportLost(const KrResult& aReason) {
+  Report(aReason);
+}
+
+void LinkEvents::ReportBack() {
+  Report(std::nullopt);
+}
+
+void LinkEvents::Report(Event aEvent) {
+  const std::lock_guard lock(mMutex);
+  mEvents.push_back(std::move(aEvent));
+  mChanged.notify_all();
+}
+
+void LinkEvents::Deliver() {
+  std::unique_lock lock(mMutex);
+  while (true) {
+    mChanged.wait(lock, [this] { return mEnding || (mSink && !mEvents.empty()); });
+    if (mEnding)
+      return;
+    const Event event = std::move(mEvents.front());
+    mEvents.pop_front();
+    krsystem::IDeviceLinkSink* const sink = mSink;
+    mCalling = true;
+    lock.unlock();
+    Call(*sink, event);
+    lock.lock();
+    mCalling = false;
+    mChanged.notify_all();
+  }
+}
+
+} // namespace krtransport

@@ -1,0 +1,60 @@
+#pragma once
+// The stream channel of a simulated camera: makes frames at the camera's frame rate into the buffers that are free.
+
+#include "krsystem/idevicelink.h"
+#include "simulation/simulatedcamera.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+namespace krtransport {
+
+/// Threads and ownership as IBufferSource; frames are made in one thread, from Start to Stop.
+class SimulatedBufferSource final : public krsystem::IBufferSource {
+public:
+  /// aOwner is the link that is attached to the camera.
+  SimulatedBufferSource(SimulatedCamera& aCamera, const ICameraListener& aOwner);
+  ~SimulatedBufferSource() override;
+
+  KrResult GetPayloadSize(std::uint64_t& aBytes) override;
+  KrResult Queue(KrBuffer* aBuffer) override;
+  KrResult Start() override;
+  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) override;
+  void Stop() override;
+  krsystem::SourceStatistics GetStatistics() const override;
+
+  /// The camera is lost for good as far as this source goes. Any thread.
+  void SetLost();
+  /// The camera's registers changed. Any thread.
+  void SetChanged();
+
+private:
+  using Clock = std::chrono::steady_clock;
+
+  void MakeFrames();
+  bool IsEnding();
+  bool WaitUntilDue(const FrameSettings& aSettings, Clock::time_point aDue);
+  void MakeFrame(const FrameSettings& aSettings, std::uint64_t aFrameID, PatternPainter& aPainter);
+  KrBuffer* TakeFree();
+  void Deliver(KrBuffer* aBuffer);
+
+  SimulatedCamera& mCamera;
+  const ICameraListener& mOwner;
+
+  mutable std::mutex mMutex;              // Guards the members from here to mStatistics.
+  std::condition_variable mWake;          // For the thread: stop, loss, changed registers.
+  std::condition_variable mFilledOrEnded; // For those who wait for a frame.
+  std::deque<KrBuffer*> mFree;
+  std::deque<KrBuffer*> mFilled;
+  bool mRunning = false;
+  bool mStopping = false;
+  bool mLost = false;
+  bool mChanged = false;
+  krsystem::SourceStatistics mStatistics;
+  std::thread mThread; // Touched by Start and Stop alone.
+};
+
+} // namespace krtransport

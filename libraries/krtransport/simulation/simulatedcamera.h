@@ -1,0 +1,84 @@
+#pragma once
+// One camera of the lab: its registers, who controls it, and whether it is there at all.
+// Frames are made by the buffer source of the link that controls it.
+
+#include "krsystem/itransport.h"
+#include "simulation/cameramemory.h"
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace krtransport {
+
+/// Hears of what happens to a camera. The calls come with a lock of the camera's held: they set flags and wake threads.
+class ICameraListener {
+public:
+  virtual ~ICameraListener() = default;
+  virtual void OnCameraLost(const KrResult& aReason) = 0;
+  virtual void OnCameraBack() = 0;
+  /// A register was written.
+  virtual void OnCameraChanged() = 0;
+};
+
+/// Thread: any. Ownership: shared by the transport and the links to it.
+class SimulatedCamera {
+public:
+  SimulatedCamera(LabCamera aCamera, const LabAdapter& aAdapter);
+
+  /// As discovery sees the camera at this moment.
+  krsystem::GEVFields GetFields() const;
+  /// Whether the camera answers.
+  bool IsPresent() const;
+  bool HasAddress(std::uint32_t aAddress) const;
+  krsystem::AccessType GetAccessType() const;
+  /// Busy while an application controls the camera.
+  KrResult ConfigureIP(const IPConfiguration& aConfiguration);
+
+  /// Opens the camera for a listener, which hears of it from then on. AccessDenied while another link controls it,
+  /// NotFound for a camera that is not there or not in the adapter's subnet.
+  KrResult Attach(krsystem::DeviceAccess aAccess, ICameraListener& aListener);
+  /// Gives back what Attach gave; no call of the listener is running or comes afterwards.
+  void Detach(ICameraListener& aListener);
+  /// Accesses of an attached link. A monitor may not write, nor read while the control is exclusive.
+  KrResult Read(const ICameraListener& aListener, std::uint64_t aAddress, void* aData, std::size_t aLength) const;
+  KrResult Write(const ICameraListener& aListener, std::uint64_t aAddress, const void* aData, std::size_t aLength);
+
+  FrameSettings GetFrameSettings() const;
+  std::uint64_t GetPayloadSize() const;
+  /// Starts the controlling link's stream; AccessDenied for any other.
+  KrResult BeginStream(const ICameraListener& aListener);
+  /// Ends the stream of the controlling link; of any other, nothing.
+  void EndStream(const ICameraListener& aListener);
+  void EndAcquisition(const ICameraListener& aListener);
+
+  /// Orders of a test: the camera vanishes, as when its cable is pulled, and comes back. Links to it stay lost.
+  void Lose();
+  void Restore();
+
+private:
+  struct Attached {
+    ICameraListener* listener;
+    krsystem::DeviceAccess access;
+  };
+
+  bool IsConfigurationValid() const;
+  const Attached* FindAttached(const ICameraListener& aListener) const;
+  bool Controls(const ICameraListener& aListener) const;
+  krsystem::AccessType GetControl() const;
+  KrResult Refuse(KrResult::Code aCode, const KrString& aReason) const;
+
+  const LabCamera mDescription;
+  const KrString mAdapterText;
+  const std::uint32_t mAdapterAddress;
+  const std::uint32_t mAdapterMask;
+
+  std::mutex mEventMutex;    // Keeps losses, returns, attaching and detaching in one order; taken before mMutex.
+  mutable std::mutex mMutex; // Guards the members from here on.
+  CameraMemory mMemory;
+  std::vector<Attached> mAttached;          // Links to the camera since it was there last.
+  std::vector<ICameraListener*> mListeners; // All links, lost ones too.
+  bool mPresent = true;
+};
+
+} // namespace krtransport

@@ -1,0 +1,75 @@
+#include "simulation/simulatedlink.h"
+
+#include <string>
+#include <utility>
+
+namespace krtransport {
+
+namespace {
+
+constexpr std::size_t kLargestAccess = std::size_t{16} << 20;
+
+KrResult CheckArguments(const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) {
+  if (!aData || aTimeoutMs == 0)
+    return {KrResult::Code::InvalidInput,
+            "Accessing registers: data (not null) and a time limit of at least 1 ms are needed."};
+  if (aLength == 0 || aLength > kLargestAccess)
+    return {KrResult::Code::InvalidInput,
+            "Accessing registers: " + std::to_string(aLength) + " bytes; 1 byte to 16 MiB can be accessed at once."};
+  return {};
+}
+
+} // namespace
+
+KrResult SimulatedLink::Open(std::shared_ptr<SimulatedCamera> aCamera, krsystem::DeviceAccess aAccess,
+                             std::unique_ptr<krsystem::IDeviceLink>& aLink) {
+  std::unique_ptr<SimulatedLink> link(new SimulatedLink(std::move(aCamera)));
+  const KrResult attached = link->mCamera->Attach(aAccess, *link);
+  if (attached.IsOK())
+    aLink = std::move(link);
+  return attached;
+}
+
+SimulatedLink::SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera)
+    : mCamera(std::move(aCamera)), mSource(*mCamera, *this) {}
+
+SimulatedLink::~SimulatedLink() {
+  mSource.Stop();
+  mCamera->Detach(*this);
+}
+
+krsystem::IBufferSource* SimulatedLink::GetBufferSource(std::uint32_t aChannel) {
+  return aChannel == 0 ? &mSource : nullptr;
+}
+
+void SimulatedLink::SetSink(krsystem::IDeviceLinkSink* aSink) {
+  mEvents.SetSink(aSink);
+}
+
+KrResult SimulatedLink::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) {
+  const KrResult valid = CheckArguments(aData, aLength, aTimeoutMs);
+  return valid.IsOK() ? mCamera->Read(*this, aAddress, aData, aLength) : valid;
+}
+
+KrResult SimulatedLink::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength,
+                              std::uint32_t aTimeoutMs) {
+  const KrResult valid = CheckArguments(aData, aLength, aTimeoutMs);
+  return valid.IsOK() ? mCamera->Write(*this, aAddress, aData, aLength) : valid;
+}
+
+void SimulatedLink::OnCameraLost(const KrResult& aReason) {
+  if (mLost.exchange(true))
+    return;
+  mSource.SetLost();
+  mEvents.ReportLost(aReason);
+}
+
+void SimulatedLink::OnCameraBack() {
+  mEvents.ReportBack();
+}
+
+void SimulatedLink::OnCameraChanged() {
+  mSource.SetChanged();
+}
+
+} // namespace krtransport

@@ -1,0 +1,42 @@
+#pragma once
+// An opening of a simulated camera: its registers, its stream channel, and word of its loss.
+
+#include "simulation/linkevents.h"
+#include "simulation/simulatedbuffersource.h"
+#include "simulation/simulatedcamera.h"
+
+#include <atomic>
+#include <memory>
+
+namespace krtransport {
+
+/// Threads and ownership as IDeviceLink.
+class SimulatedLink final : public krsystem::IDeviceLink, private IKrRegisterPort, private ICameraListener {
+public:
+  /// Opens a camera; aLink is set on success only.
+  static KrResult Open(std::shared_ptr<SimulatedCamera> aCamera, krsystem::DeviceAccess aAccess,
+                       std::unique_ptr<krsystem::IDeviceLink>& aLink);
+  ~SimulatedLink() override;
+
+  IKrRegisterPort& GetRegisterPort() override { return *this; }
+  krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
+  bool IsConnected() const override { return !mLost; }
+  void SetSink(krsystem::IDeviceLinkSink* aSink) override;
+
+private:
+  explicit SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera);
+
+  KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) override;
+  KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) override;
+
+  void OnCameraLost(const KrResult& aReason) override;
+  void OnCameraBack() override;
+  void OnCameraChanged() override;
+
+  const std::shared_ptr<SimulatedCamera> mCamera;
+  std::atomic<bool> mLost = false;
+  LinkEvents mEvents;
+  SimulatedBufferSource mSource;
+};
+
+} // namespace krtransport
