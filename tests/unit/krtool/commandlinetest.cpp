@@ -1,0 +1,98 @@
+#include "commandline.h"
+
+#include <gmock/gmock.h>
+
+namespace krtool {
+namespace {
+
+using Arguments = std::vector<std::string>;
+using testing::HasSubstr;
+
+TEST(CommandLine, List_TakesItsOptions) {
+  const ParsedCommandLine parsed = ParseCommandLine({"list", "--json", "--simulate", "--timeout", "250"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.verb, Verb::List);
+  EXPECT_TRUE(parsed.commandLine.json);
+  EXPECT_TRUE(parsed.commandLine.simulate);
+  EXPECT_EQ(parsed.commandLine.timeoutMs, 250U);
+}
+
+TEST(CommandLine, ListAlone_LeavesEverythingAtItsDefault) {
+  const ParsedCommandLine parsed = ParseCommandLine({"list"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_FALSE(parsed.commandLine.json);
+  EXPECT_FALSE(parsed.commandLine.simulate);
+  EXPECT_FALSE(parsed.commandLine.timeoutMs.has_value());
+}
+
+TEST(CommandLine, Stream_TakesDeviceAndFramesInAnyOrder) {
+  for (const Arguments& arguments :
+       {Arguments{"stream", "cam", "--frames", "7"}, Arguments{"stream", "--frames=7", "cam"}}) {
+    const ParsedCommandLine parsed = ParseCommandLine(arguments);
+
+    EXPECT_EQ(parsed.error, "");
+    EXPECT_EQ(parsed.commandLine.verb, Verb::Stream);
+    EXPECT_EQ(parsed.commandLine.device, "cam");
+    EXPECT_EQ(parsed.commandLine.frames, 7U);
+  }
+}
+
+TEST(CommandLine, NameThatLooksLikeAnOption_IsTakenBehindTwoDashes) {
+  const ParsedCommandLine parsed = ParseCommandLine({"stream", "--frames", "1", "--", "--help"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.device, "--help");
+}
+
+TEST(CommandLine, HelpAndVersion_AreTakenAnywhere) {
+  EXPECT_EQ(ParseCommandLine({"--help"}).commandLine.verb, Verb::Help);
+  EXPECT_EQ(ParseCommandLine({"list", "-h"}).commandLine.verb, Verb::Help);
+  EXPECT_EQ(ParseCommandLine({"--version"}).commandLine.verb, Verb::Version);
+}
+
+struct Mistake {
+  const char* name;
+  Arguments arguments;
+  const char* complaint;
+};
+
+class WrongCommandLine : public testing::TestWithParam<Mistake> {};
+
+TEST_P(WrongCommandLine, IsToldWithWhatIsWrong) {
+  EXPECT_THAT(ParseCommandLine(GetParam().arguments).error, HasSubstr(GetParam().complaint));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Mistakes, WrongCommandLine,
+    testing::Values(Mistake{"NoCommand", {}, "command is missing"}, Mistake{"UnknownCommand", {"show"}, "\"show\""},
+                    Mistake{"UnknownOption", {"list", "--all"}, "--all"},
+                    Mistake{"OptionOfAnotherCommand", {"list", "--frames", "3"}, "takes no --frames"},
+                    Mistake{"JsonForStream", {"stream", "cam", "--frames", "3", "--json"}, "takes no --json"},
+                    Mistake{"FlagWithValue", {"list", "--json=yes"}, "takes no value"},
+                    Mistake{"ListWithDevice", {"list", "cam"}, "\"cam\""},
+                    Mistake{"StreamWithoutDevice", {"stream", "--frames", "3"}, "DEVICE"},
+                    Mistake{"EmptyDevice", {"stream", "", "--frames", "3"}, "DEVICE"},
+                    Mistake{"TwoDevices", {"stream", "a", "b", "--frames", "3"}, "\"b\""},
+                    Mistake{"StreamWithoutFrames", {"stream", "cam"}, "--frames N"},
+                    Mistake{"NoFrames", {"stream", "cam", "--frames", "0"}, "\"0\""},
+                    Mistake{"NegativeFrames", {"stream", "cam", "--frames", "-3"}, "\"-3\""},
+                    Mistake{"TextForFrames", {"stream", "cam", "--frames", "3x"}, "\"3x\""},
+                    Mistake{
+                        "FramesBeyondNumbers", {"stream", "cam", "--frames", "99999999999999999999"}, "--frames wants"},
+                    Mistake{"MissingValue", {"list", "--timeout"}, "--timeout wants"},
+                    Mistake{"TimeoutZero", {"list", "--timeout", "0"}, "--timeout wants"},
+                    Mistake{"TimeoutTooLong", {"list", "--timeout", "3600001"}, "--timeout wants"}),
+    [](const auto& aInfo) { return std::string(aInfo.param.name); });
+
+TEST(CommandLine, Help_NamesEveryCommandAndOption) {
+  const std::string help = GetHelpText();
+
+  for (const char* word : {"krtool list", "krtool stream DEVICE", "--frames N", "--json", "--simulate", "--timeout MS",
+                           "--help", "--version", "MAC"})
+    EXPECT_THAT(help, HasSubstr(word));
+}
+
+} // namespace
+} // namespace krtool
