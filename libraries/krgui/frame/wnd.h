@@ -1,6 +1,7 @@
 #pragma once
-// The base of all implementation windows: opening from a template as child, modal or modeless window, closing, messages,
-// remembered position and title. A derived window supplies its template numbers, its limits and its own handling.
+// The base of all implementation windows: opening from a template as child, modal or modeless window, closing,
+// messages, remembered position and title. A derived window supplies its template numbers, its limits and its own
+// handling.
 
 #include "krgui/krwnd.h"
 #include "logic/frame/messagequeue.h"
@@ -38,6 +39,11 @@ public:
   KrResult ShowModeless(HWND aParent);
   KrResult Close();
   KrResult DoEvents();
+  /// What DoEvents logs and returns where there is no window.
+  static KrResult ReportNotOpen();
+  /// Closes what is open while the derived class is still whole. Every most derived class calls it in its destructor;
+  /// the facade calls it before it deletes the window.
+  void Dispose();
   HWND GetHandle() const;
   QWidget* GetWidget() const;
   void GetPosition(int& aX, int& aY, int& aWidth, int& aHeight);
@@ -51,8 +57,8 @@ public:
   const std::shared_ptr<MessageQueue>& GetQueue() const;
 
 protected:
-  /// The controls exist, nothing is on the screen yet. Overrides call the base first. True gives the focus to the default
-  /// control.
+  /// The controls exist, nothing is on the screen yet. Overrides call the base first. True gives the focus to the
+  /// default control.
   virtual bool OnInitDialog();
   /// The client area has a new size, in device-independent pixels; also once after OnInitDialog.
   virtual void OnSize(const QSize& aSize);
@@ -60,11 +66,11 @@ protected:
   virtual bool OnMessage(const Message& aMessage);
   /// The Enter key in a window whose focused control does not take it. By default ends the dialog with OK.
   virtual void OnOK();
-  /// The Escape key or the caption's close box. By default ends a modal dialog with Cancelled and closes a modeless one;
-  /// a child stays.
+  /// The Escape key or the caption's close box. By default ends a modal dialog with Cancelled and closes a modeless
+  /// one; a child stays.
   virtual void OnCancel();
-  /// The window is going away, by whatever way; its controls still exist. Workers are joined and drawing surfaces released
-  /// here. Overrides call the base last.
+  /// The window is going away, by whatever way; its controls still exist. Workers are joined and drawing surfaces
+  /// released here. Overrides call the base last.
   virtual void OnDestroy();
 
   /// A control of the open window by its template id; null when the template lacks it or the window is not open.

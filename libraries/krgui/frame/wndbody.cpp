@@ -1,0 +1,308 @@
+#include "frame/wndbody.h"
+
+#include "res/templates.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSocketNotifier>
+
+#include <string>
+#include <utility>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kOKID = 1;
+constexpr int kCancelID = 2;
+
+WindowRect ToRect(const QPoint& aPosition, const QSize& aSize) {
+  return MakeWindowRect(aPosition.x(), aPosition.y(), aSize.width(), aSize.height());
+}
+
+QPoint GetTopLeft(const WindowRect& aRect) {
+  return {aRect.left, aRect.top};
+}
+
+QSize GetSize(const WindowRect& aRect) {
+  return {GetWidth(aRect), GetHeight(aRect)};
+}
+
+/// There clients neither know nor set where their windows are.
+bool HidesPositions() {
+  return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+/// Literally: the toolkit reads "[*]" as the mark of a changed document.
+QString ToCaption(const KrString& aTitle) {
+  return QString::fromStdU16String(aTitle.ToWide()).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+}
+
+} // namespace
+
+Wnd::Body::Body(Wnd& aWnd, int aConstructionTemplateID) : wnd(aWnd), constructionTemplateID(aConstructionTemplateID) {}
+
+Wnd::Body::~Body() {
+  queue->Close();
+  if (opening) {
+    Release(std::move(opening));
+  }
+}
+
+KrResult Wnd::Body::Open(int aTemplateID, OpeningParent aParent) {
+  const DialogTemplate* dialogTemplate = FindTemplate(aTemplateID);
+  if (dialogTemplate == nullptr) {
+    return {KrResult::Code::Failed, KrString("The window could not be created: there is no dialog template " +
+                                             std::to_string(aTemplateID) + ".")};
+  }
+  modalResult.reset();
+  if (!Prepare(*dialogTemplate, std::move(aParent))) {
+    return {KrResult::Code::Failed,
+            "The window could not be created: it, or its parent, was closed while it was made."};
+  }
+  // Handlers that run in there may close the window.
+  opening->dialog->show();
+  return {};
+}
+
+int Wnd::Body::RunModal() {
+  const auto result = std::make_shared<int>(-1);
+  const DialogTemplate* dialogTemplate = FindTemplate(constructionTemplateID);
+  if (dialogTemplate == nullptr) {
+    return *result;
+  }
+  const std::weak_ptr<const bool> living = alive;
+  modalResult = result;
+  if (!Prepare(*dialogTemplate, {})) {
+    return *result;
+  }
+  const std::uint64_t generation = queue->GetGeneration();
+  opening->dialog->exec();
+  if (!living.expired() && queue->GetGeneration() == generation) {
+    // The loop ended without the dialog: the application quits.
+    End();
+  }
+  return *result;
+}
+
+/// Everything up to the moment before the dialog is shown. False when the window could not be made, was closed or
+/// deleted meanwhile; then nothing of this may be touched.
+bool Wnd::Body::Prepare(const DialogTemplate& aTemplate, OpeningParent aParent) {
+  opening = std::make_unique<Opening>();
+  opening->dialogTemplate = &aTemplate;
+  opening->dialog = MakeDialog(aParent);
+  opening->foreign = std::move(aParent.foreign);
+  MakeControls(aTemplate);
+  if (opening->foreign && !Embed()) {
+    Release(std::move(opening));
+    return false;
+  }
+  ApplyTitle();
+  queue->Open();
+  WatchQueue();
+  return InitDialog();
+}
+
+void Wnd::Body::MakeControls(const DialogTemplate& aTemplate) {
+  DialogWindow& dialog = *opening->dialog;
+  const WindowLimits limits = GetLimits();
+  opening->controls = std::make_unique<DialogControls>(aTemplate, dialog, QSize(limits.maxWidth, limits.maxHeight));
+  dialog.SetButtons(opening->controls->Get(kOKID), opening->controls->Get(kCancelID));
+  dialog.resize(opening->controls->GetTemplateSize());
+  LimitSize();
+}
+
+bool Wnd::Body::InitDialog() {
+  const std::weak_ptr<const bool> living = alive;
+  const std::shared_ptr<MessageQueue> ownQueue = queue;
+  const std::uint64_t generation = ownQueue->GetGeneration();
+  const auto hasEnded = [&] { return living.expired() || ownQueue->GetGeneration() != generation; };
+
+  const bool focusesDefault = wnd.OnInitDialog();
+  if (hasEnded()) {
+    return false;
+  }
+  opening->isReady = true;
+  OnDialogResize(opening->dialog->size());
+  if (hasEnded()) {
+    return false;
+  }
+  if (focusesDefault) {
+    opening->dialog->FocusDefaultControl();
+  }
+  if (mode != Mode::Child || opening->foreign) {
+    opening->dialog->MakeNative();
+  }
+  return true;
+}
+
+/// The toolkit's popup dialogs have the frame of a dialog by themselves.
+DialogWindow* Wnd::Body::MakeDialog(const OpeningParent& aParent) {
+  using Style = DialogWindow::Style;
+  const Style childStyle = aParent.foreign ? Style::FramelessWindow : Style::Child;
+  return new DialogWindow(*this, mode == Mode::Child ? childStyle : Style::Popup, aParent.widget);
+}
+
+bool Wnd::Body::Embed() {
+  ForeignWindow& foreign = *opening->foreign;
+  foreign.SetOnEnd([this] { End(); });
+  if (mode != Mode::Child) {
+    foreign.Own(*opening->dialog);
+    return true;
+  }
+  return foreign.Embed(*opening->dialog).IsOK();
+}
+
+/// The user cannot resize a popup with a fixed frame; the application can.
+void Wnd::Body::LimitSize() {
+  const WindowLimits limits = GetLimits();
+  DialogWindow& dialog = *opening->dialog;
+  dialog.setMinimumSize(limits.minWidth, limits.minHeight);
+  dialog.setMaximumSize(limits.maxWidth, limits.maxHeight);
+  if (mode != Mode::Child && opening->dialogTemplate->kind == DialogKind::FixedPopup) {
+    dialog.setFixedSize(dialog.size());
+  }
+}
+
+/// One message a pass, so that a flood of them starves neither painting nor timers.
+void Wnd::Body::WatchQueue() {
+  if (queue->GetWakeDescriptor() < 0) {
+    return;
+  }
+  opening->notifier = new QSocketNotifier(queue->GetWakeDescriptor(), QSocketNotifier::Read, opening->dialog);
+  QObject::connect(opening->notifier, &QSocketNotifier::activated, opening->dialog, [this] {
+    if (std::optional<MessageQueue::Taken> message = queue->Take()) {
+      Dispatch(*message);
+    }
+  });
+}
+
+void Wnd::Body::End() {
+  if (!opening || opening->isEnding) {
+    return;
+  }
+  opening->isEnding = true;
+  CapturePosition();
+  position = ClampToLimits(position, GetLimits());
+  hasPosition = true;
+  if (opening->notifier != nullptr) {
+    opening->notifier->setEnabled(false);
+  }
+  // Before the workers are joined: whoever waits in a send must not be waited for.
+  queue->Close();
+  const std::weak_ptr<const bool> living = alive;
+  wnd.OnDestroy();
+  if (!living.expired()) {
+    Release(std::move(opening));
+  }
+}
+
+/// Without touching anything else of the window, which a handler may delete meanwhile.
+void Wnd::Body::Release(std::unique_ptr<Opening> aOpening) {
+  if (DialogWindow* dialog = aOpening->dialog) {
+    dialog->Detach();
+    aOpening->controls.reset();
+    // Without an application object the toolkit's windows are gone already.
+    if (!aOpening->isDying && QCoreApplication::instance() != nullptr) {
+      dialog->hide();
+      dialog->deleteLater();
+    }
+  }
+  if (aOpening->foreign) {
+    aOpening->foreign->Leave();
+    // It may be on the stack: its window's end may be what ended the opening.
+    aOpening->foreign.release()->deleteLater();
+  }
+}
+
+void Wnd::Body::Dispatch(MessageQueue::Taken& aMessage) {
+  aMessage.Answer(wnd.OnMessage(aMessage.Get()) ? 1 : 0);
+}
+
+WindowLimits Wnd::Body::GetLimits() const {
+  return {wnd.GetMinWidth(), wnd.GetMaxWidth(), wnd.GetMinHeight(), wnd.GetMaxHeight()};
+}
+
+void Wnd::Body::ApplyPosition(const WindowRect& aRect) {
+  position = ClampToLimits(aRect, GetLimits());
+  hasPosition = true;
+  if (opening && !opening->isEnding) {
+    Move(position);
+  }
+}
+
+void Wnd::Body::Move(const WindowRect& aRect) {
+  DialogWindow& dialog = *opening->dialog;
+  if (mode == Mode::Child) {
+    dialog.setGeometry(QRect(GetTopLeft(aRect), GetSize(aRect)));
+    return;
+  }
+  if (!opening->isExposed) {
+    opening->wanted = aRect;
+  }
+  if (opening->dialogTemplate->kind == DialogKind::FixedPopup) {
+    dialog.setFixedSize(GetSize(aRect));
+  }
+  dialog.move(GetTopLeft(aRect));
+  dialog.resize(GetSize(aRect));
+}
+
+void Wnd::Body::CapturePosition() {
+  if (!opening) {
+    return;
+  }
+  const DialogWindow& dialog = *opening->dialog;
+  if (opening->wanted) {
+    position = *opening->wanted;
+  } else if (mode == Mode::Child) {
+    // A child that lost its parent is converted relative to itself.
+    const bool hasParent = opening->foreign || dialog.parentWidget() != nullptr;
+    position = ToRect(hasParent ? dialog.geometry().topLeft() : QPoint(), dialog.size());
+  } else {
+    position = ToRect(HidesPositions() ? GetTopLeft(position) : dialog.pos(), dialog.size());
+  }
+}
+
+void Wnd::Body::ApplyTitle() {
+  if (opening) {
+    opening->dialog->setWindowTitle(ToCaption(title));
+  }
+}
+
+void Wnd::Body::OnDialogAccept() {
+  wnd.OnOK();
+}
+
+void Wnd::Body::OnDialogCancel() {
+  wnd.OnCancel();
+}
+
+void Wnd::Body::OnDialogResize(const QSize& aSize) {
+  if (opening && opening->isReady && opening->laidOutSize != aSize) {
+    opening->laidOutSize = aSize;
+    opening->controls->Layout(aSize);
+    wnd.OnSize(aSize);
+  }
+}
+
+void Wnd::Body::OnDialogExpose() {
+  opening->isExposed = true;
+  if (opening->foreign && mode == Mode::Child) {
+    opening->foreign->TakeKeys();
+  }
+  // The first placing did not know the frame yet. A position off every screen is the window manager's to correct.
+  if (const auto wanted = std::exchange(opening->wanted, std::nullopt)) {
+    if (QGuiApplication::screenAt(GetTopLeft(*wanted)) != nullptr) {
+      Move(*wanted);
+    }
+  }
+}
+
+void Wnd::Body::OnDialogDying() {
+  if (opening) {
+    opening->isDying = true;
+    End();
+  }
+}
+
+} // namespace krgui

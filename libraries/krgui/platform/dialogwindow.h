@@ -1,0 +1,67 @@
+#pragma once
+// The toolkit's dialog of one opening. It turns what the user does to a dialog into calls of its owner and keeps
+// nothing of the toolkit's own habits (Escape hides, Enter presses the button with the focus). What they mean is left
+// to the owner.
+
+#include <QDialog>
+#include <QPointer>
+
+namespace krgui {
+
+/// Who is told what happens to a dialog. Each call may end the opening and even the owner.
+class DialogOwner {
+public:
+  /// The Enter key that no control took, or the button with id 1.
+  virtual void OnDialogAccept() = 0;
+  /// The Escape key, the caption's close box, or the button with id 2.
+  virtual void OnDialogCancel() = 0;
+  virtual void OnDialogResize(const QSize& aSize) = 0;
+  /// The window came onto the screen for the first time.
+  virtual void OnDialogExpose() = 0;
+  /// The dialog is being destroyed by somebody else, usually with its parent; its controls still exist.
+  virtual void OnDialogDying() = 0;
+
+protected:
+  ~DialogOwner() = default;
+};
+
+class DialogWindow : public QDialog {
+  Q_OBJECT
+
+public:
+  enum class Style {
+    Child,           ///< Inside a widget, without frame.
+    FramelessWindow, ///< To be put into a native window of another toolkit.
+    Popup,           ///< A window with caption, system menu and close box.
+  };
+
+  DialogWindow(DialogOwner& aOwner, Style aStyle, QWidget* aParent);
+  ~DialogWindow() override;
+
+  /// Tells the owner nothing more.
+  void Detach();
+  /// Makes the native window of a popup, before it is shown, and watches for its coming onto the screen.
+  void MakeNative();
+  /// Wires the buttons that accept and cancel; null for none.
+  void SetButtons(QWidget* aAccept, QWidget* aCancel);
+  /// Gives the focus to the first control that takes it, unless a control has it already.
+  void FocusDefaultControl();
+
+  void accept() override;
+  void reject() override;
+
+protected:
+  void closeEvent(QCloseEvent* aEvent) override;
+  void keyPressEvent(QKeyEvent* aEvent) override;
+  void keyReleaseEvent(QKeyEvent* aEvent) override;
+  void resizeEvent(QResizeEvent* aEvent) override;
+  bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
+
+private:
+  void PressEnter();
+
+  DialogOwner* mOwner; ///< Null once the opening has ended.
+  QPointer<QWidget> mAcceptButton;
+};
+
+} // namespace krgui
