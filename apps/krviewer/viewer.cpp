@@ -114,7 +114,8 @@ bool Viewer::SavePictures() {
     std::fprintf(stderr, "No pictures were written: %s\n", result.GetDescription().CStr());
     return false;
   }
-  std::printf("pictures=%s\n", mCommandLine.screenshotFolder.toUtf8().constData());
+  std::printf("pictures=%s frame_id=%" PRIu64 "\n", mCommandLine.screenshotFolder.toUtf8().constData(),
+              mAcquisition->GetProgress().lastFrameID);
   return true;
 }
 

@@ -12,7 +12,9 @@ constexpr std::uint32_t kInvalidateMessage = 0x0401;
 
 DisplayWnd::DisplayWnd() : Wnd(kDisplayTraits.modalTemplate), mContent(std::make_shared<DisplayContent>()) {}
 
-DisplayWnd::~DisplayWnd() = default;
+DisplayWnd::~DisplayWnd() {
+  Dispose();
+}
 
 KrResult DisplayWnd::Display(const IKrImage* aImage) {
   KrResult result = mContent->Display(aImage);

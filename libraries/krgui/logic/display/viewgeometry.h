@@ -2,22 +2,11 @@
 // Where and how large an image is drawn in a window: from client and image size to source and destination rectangles.
 // Drawing is left to the window.
 
+#include "logic/pixelrect.h"
+
 #include <cstdint>
 
 namespace krgui {
-
-/// A rectangle in pixels; right and bottom are exclusive.
-struct PixelRect {
-  std::int32_t left = 0;
-  std::int32_t top = 0;
-  std::int32_t right = 0;
-  std::int32_t bottom = 0;
-
-  constexpr std::int32_t GetWidth() const { return right - left; }
-  constexpr std::int32_t GetHeight() const { return bottom - top; }
-  constexpr bool IsEmpty() const { return right <= left || bottom <= top; }
-  friend constexpr bool operator==(const PixelRect&, const PixelRect&) = default;
-};
 
 /// What is drawn where.
 struct ViewArea {

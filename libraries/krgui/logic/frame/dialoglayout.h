@@ -2,6 +2,8 @@
 // Where the controls of a dialog go: dialog units to pixels, following a resize, making room for texts. What a control
 // is and how much room its text needs is told by whoever has the toolkit.
 
+#include "logic/pixelrect.h"
+
 #include <cstdint>
 #include <vector>
 
@@ -31,15 +33,6 @@ struct PixelSize {
   int width = 0;
   int height = 0;
   friend bool operator==(const PixelSize&, const PixelSize&) = default;
-};
-
-/// Left and top are inside, right and bottom outside.
-struct PixelRect {
-  int left = 0;
-  int top = 0;
-  int right = 0;
-  int bottom = 0;
-  friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
 /// A font as dialog units need it, in pixels: the average advance over the 52 letters and the height of a line.

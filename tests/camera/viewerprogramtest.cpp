@@ -1,0 +1,112 @@
+// The viewer as a whole: run with arguments, judged by its pictures and by what it prints.
+
+#include "fakecamera.h"
+#include "plainpicture.h"
+#include "simulation/testpattern.h"
+#include "viewerprocess.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QColor kBackground(0x80, 0x80, 0x80);
+const QColor kOverlay(0, 255, 0);
+
+// Image, bands and overlay of a picture of the window, against a plain computation from the frame that it shows.
+void ExpectFrameInWindow(const ViewerProcess& aViewer) {
+  const QImage frame = aViewer.GetFramePicture();
+  const QImage picture = aViewer.GetDisplayPicture();
+  ASSERT_FALSE(frame.isNull());
+  ASSERT_FALSE(picture.isNull());
+  const QRect image = plainpicture::FitRect(picture.size(), frame.size());
+  const QImage plain = plainpicture::Compute(picture.size(), frame, kBackground);
+
+  // Two lines of 20 pixels, 10 pixels from the image's corner.
+  const QRect overlay(image.left() + 10, image.top() + 10, 420, 44);
+  EXPECT_EQ(plainpicture::Compare(picture, plain, overlay), "");
+  const QRect firstLine(overlay.left(), overlay.top(), overlay.width(), 20);
+  const QRect secondLine = firstLine.translated(0, 20);
+  EXPECT_GT(plainpicture::Count(picture, firstLine, kOverlay), 100);
+  EXPECT_GT(plainpicture::Count(picture, secondLine, kOverlay), 100);
+
+  const QRect leftBand(0, 0, image.left(), picture.height());
+  const QRect rightBand(image.right() + 1, 0, picture.width() - image.right() - 1, picture.height());
+  EXPECT_GT(leftBand.width(), 10);
+  EXPECT_LE(std::abs(leftBand.width() - rightBand.width()), 1);
+  EXPECT_EQ(plainpicture::Count(picture, leftBand, kBackground), leftBand.width() * leftBand.height());
+  EXPECT_EQ(plainpicture::Count(picture, rightBand, kBackground), rightBand.width() * rightBand.height());
+}
+
+void ExpectHundredWholeFrames(const ViewerProcess& aViewer) {
+  EXPECT_EQ(aViewer.GetExitCode(), 0) << aViewer.GetErrors().toStdString();
+  EXPECT_EQ(aViewer.GetFigure("frames"), 100) << aViewer.GetOutput().toStdString();
+  EXPECT_EQ(aViewer.GetFigure("incomplete"), 0);
+  EXPECT_GT(aViewer.GetFigure("fps"), 0);
+  EXPECT_GT(aViewer.GetFigure("MBps"), 0);
+}
+
+} // namespace
+
+TEST(Krviewer, RealCameraByItsAddress_IsShownCentredWithBandsAndOverlay) {
+  FakeCamera camera;
+
+  const ViewerProcess viewer({"--device", "127.0.0.1", "--frames", "100"});
+
+  ExpectHundredWholeFrames(viewer);
+  ExpectFrameInWindow(viewer);
+  // The camera's picture is a ramp along its diagonals.
+  const QImage frame = viewer.GetFramePicture();
+  EXPECT_EQ(frame.size(), QSize(512, 512));
+  for (int y = 0; y + 1 < frame.height(); ++y)
+    for (int x = 0; x + 1 < frame.width(); ++x)
+      ASSERT_EQ(frame.pixel(x + 1, y), frame.pixel(x, y + 1)) << x << "," << y;
+  EXPECT_NE(frame.pixel(0, 0), frame.pixel(100, 0));
+}
+
+TEST(Krviewer, SimulatedCamera_IsShownCentredWithBandsAndOverlay) {
+  const ViewerProcess viewer({"--simulate", "--frames", "100"});
+
+  ExpectHundredWholeFrames(viewer);
+  ExpectFrameInWindow(viewer);
+  const QImage frame = viewer.GetFramePicture();
+  ASSERT_EQ(frame.size(), QSize(1280, 960));
+  std::vector<std::uint8_t> pattern(1280 * 960);
+  krtransport::FillPattern(KrPixel::Mono8, 1280, 960, static_cast<std::uint64_t>(viewer.GetFigure("frame_id")),
+                           pattern.data());
+  for (int y = 0; y < frame.height(); ++y)
+    for (int x = 0; x < frame.width(); ++x)
+      ASSERT_EQ(qGreen(frame.pixel(x, y)), pattern[static_cast<std::size_t>(y * 1280 + x)]) << x << "," << y;
+}
+
+TEST(Krviewer, WithoutADisplay_SaysSoAndRunsToItsEnd) {
+  const ViewerProcess viewer({"--simulate", "--headless", "--frames", "20"});
+
+  EXPECT_EQ(viewer.GetExitCode(), 0) << viewer.GetErrors().toStdString();
+  EXPECT_TRUE(viewer.GetOutput().contains("without")) << viewer.GetOutput().toStdString();
+  EXPECT_EQ(viewer.GetFigure("frames"), 20);
+  ExpectFrameInWindow(viewer);
+}
+
+TEST(Krviewer, UnknownDevice_IsNamedOnTheErrorStream) {
+  const ViewerProcess viewer({"--simulate", "--device", "no-such-camera", "--frames", "1"});
+
+  EXPECT_EQ(viewer.GetExitCode(), 1);
+  EXPECT_TRUE(viewer.GetErrors().contains("no-such-camera")) << viewer.GetErrors().toStdString();
+  EXPECT_TRUE(viewer.GetDisplayPicture().isNull());
+}
+
+TEST(Krviewer, CameraOnAForeignSubnet_IsRefusedWithAReason) {
+  const ViewerProcess viewer({"--simulate", "--device", "sim-foreign", "--frames", "1"});
+
+  EXPECT_EQ(viewer.GetExitCode(), 1);
+  EXPECT_TRUE(viewer.GetErrors().contains("subnet")) << viewer.GetErrors().toStdString();
+}
+
+TEST(Krviewer, FolderThatCannotBeMade_IsNamedOnTheErrorStream) {
+  QProcess process;
+  process.start(KRVIEWER_PATH, {"--simulate", "--headless", "--frames", "2", "--screenshot", "/proc/nowhere"});
+  ASSERT_TRUE(process.waitForFinished(120000));
+
+  EXPECT_EQ(process.exitCode(), 1);
+  EXPECT_TRUE(process.readAllStandardError().contains("/proc/nowhere"));
+}

@@ -1,0 +1,171 @@
+// The display window as the X server has it: what is really on the screen, and inside windows that are not Qt's.
+
+#include "krgui/krdisplaywnd.h"
+
+#include "plainpicture.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPixmap>
+#include <QProcess>
+#include <QScreen>
+#include <QTest>
+
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <cstring>
+#include <random>
+
+namespace {
+
+KrBuffer MakeNoise(std::uint32_t aWidth, std::uint32_t aHeight) {
+  KrBuffer buffer;
+  EXPECT_TRUE(buffer.GetImage()->Alloc(aWidth, aHeight, KrPixel::Mono8).IsOK());
+  std::mt19937 random(aWidth);
+  for (std::size_t i = 0; i < buffer.GetSize(); ++i)
+    buffer.GetDataPointer()[i] = static_cast<std::uint8_t>(random());
+  return buffer;
+}
+
+QImage ToQImage(const KrBuffer& aMono8) {
+  const IKrImage& image = *aMono8.GetImage();
+  return QImage(image.GetDataPointer(), static_cast<int>(image.GetWidth()), static_cast<int>(image.GetHeight()),
+                static_cast<qsizetype>(image.GetWidth()), QImage::Format_Grayscale8)
+      .convertToFormat(QImage::Format_RGB32);
+}
+
+QImage GrabScreen(const QRect& aRect) {
+  return QGuiApplication::primaryScreen()
+      ->grabWindow(0, aRect.x(), aRect.y(), aRect.width(), aRect.height())
+      .toImage()
+      .convertToFormat(QImage::Format_RGB32);
+}
+
+// A window made without any toolkit, as another application's would be.
+class ForeignWindow {
+public:
+  ForeignWindow(int aX, int aY, std::uint16_t aWidth, std::uint16_t aHeight) : mConnection(xcb_connect(nullptr, nullptr)) {
+    const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(mConnection)).data;
+    mWindow = xcb_generate_id(mConnection);
+    // Unmanaged, so that it stays where it is put.
+    const std::uint32_t values[] = {0x00203040, 1};
+    xcb_create_window(mConnection, XCB_COPY_FROM_PARENT, mWindow, screen->root, static_cast<std::int16_t>(aX),
+                      static_cast<std::int16_t>(aY), aWidth, aHeight, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+    xcb_map_window(mConnection, mWindow);
+    Sync();
+  }
+  ~ForeignWindow() {
+    Destroy();
+    xcb_disconnect(mConnection);
+  }
+  xcb_window_t GetID() const { return mWindow; }
+  void Destroy() {
+    if (mWindow)
+      xcb_destroy_window(mConnection, std::exchange(mWindow, 0));
+    Sync();
+  }
+
+private:
+  void Sync() { std::free(xcb_get_input_focus_reply(mConnection, xcb_get_input_focus(mConnection), nullptr)); }
+
+  xcb_connection_t* mConnection;
+  xcb_window_t mWindow = 0;
+};
+
+class KeyRecorder : public QObject {
+public:
+  QList<int> keys;
+
+protected:
+  bool eventFilter(QObject* aObject, QEvent* aEvent) override {
+    if (aObject->isWidgetType() && aEvent->type() == QEvent::KeyPress)
+      keys += static_cast<QKeyEvent*>(aEvent)->key();
+    return false;
+  }
+};
+
+void RunXdotool(const QStringList& aArguments) {
+  QProcess process;
+  process.start("xdotool", aArguments);
+  ASSERT_TRUE(process.waitForFinished(20000));
+  ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+}
+
+} // namespace
+
+TEST(DisplayOnScreen, Image_IsOnTheRootWindowPixelByPixel) {
+  KrDisplayWnd window;
+  window.SetPosition(200, 150, 500, 300);
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  const KrBuffer buffer = MakeNoise(320, 240);
+  EXPECT_TRUE(window.SetBackgroundColor(90, 0, 140).IsOK());
+
+  ASSERT_TRUE(window.Display(buffer, false).IsOK());
+
+  const QRect client(window.GetWidget()->mapToGlobal(QPoint(0, 0)), window.GetWidget()->size());
+  const QImage expected = plainpicture::Compute(client.size(), ToQImage(buffer), QColor(90, 0, 140));
+  EXPECT_EQ(client.size(), QSize(500, 300));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return plainpicture::Compare(GrabScreen(client), expected).empty(); }, 20000))
+      << plainpicture::Compare(GrabScreen(client), expected);
+}
+
+TEST(DisplayOnScreen, InAForeignWindow_ShowsTheImageAndTakesItsKeysThere) {
+  ForeignWindow parent(300, 200, 400, 300);
+  KrDisplayWnd window;
+  window.SetPosition(20, 30, 320, 240);
+  const KrBuffer buffer = MakeNoise(320, 240);
+  KeyRecorder recorder;
+  qApp->installEventFilter(&recorder);
+
+  ASSERT_TRUE(window.Create(parent.GetID(), 7).IsOK());
+  ASSERT_TRUE(window.Display(buffer, false).IsOK());
+
+  const QRect client(320, 230, 320, 240);
+  EXPECT_TRUE(QTest::qWaitFor(
+      [&] { return plainpicture::Compare(GrabScreen(client), ToQImage(buffer)).empty(); }, 20000))
+      << plainpicture::Compare(GrabScreen(client), ToQImage(buffer));
+  RunXdotool({"mousemove", "400", "300", "click", "1", "key", "plus"});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return recorder.keys.contains(Qt::Key_Plus); }, 20000));
+  int x = 0, y = 0, width = 0, height = 0;
+  window.GetPosition(x, y, width, height);
+  EXPECT_EQ(QRect(x, y, width, height), QRect(20, 30, 320, 240));
+}
+
+TEST(DisplayOnScreen, InAForeignWindow_EndsWithIt) {
+  ForeignWindow parent(300, 200, 400, 300);
+  KrDisplayWnd window;
+  ASSERT_TRUE(window.Create(parent.GetID(), 7).IsOK());
+  ASSERT_NE(window.GetHandle(), 0u);
+
+  parent.Destroy();
+
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.GetHandle() == 0; }, 20000));
+  EXPECT_TRUE(window.Display(MakeNoise(8, 8), false).IsOK());
+  EXPECT_EQ(window.Close().GetCodeNumber(), 28u);
+}
+
+TEST(DisplayOnScreen, WindowThatIsNoMore_IsNoParent) {
+  ForeignWindow parent(300, 200, 400, 300);
+  const xcb_window_t id = parent.GetID();
+  parent.Destroy();
+  KrDisplayWnd window;
+
+  const KrResult result = window.Create(id, 0);
+
+  EXPECT_EQ(result.GetCodeNumber(), 16384u);
+  EXPECT_EQ(window.GetHandle(), 0u);
+}
+
+TEST(DisplayOnScreen, EscapeKey_ClosesAModelessWindow) {
+  KrDisplayWnd window;
+  window.SetPosition(200, 150, 300, 200);
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.GetWidget()));
+
+  RunXdotool({"key", "Escape"});
+
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.GetHandle() == 0; }, 20000));
+}
