@@ -46,7 +46,7 @@ std::string FormatLimit(double aLimit) {
   return std::to_string(static_cast<long long>(aLimit)) + ".0";
 }
 
-using Replacements = std::map<std::string, std::string, std::less<>>;
+using Replacements = std::map<std::string, std::string>;
 
 Replacements MakeReplacements(const LabCamera& aCamera) {
   return {
@@ -94,7 +94,7 @@ std::string Expand(std::string_view aText, const Replacements& aReplacements) {
     if (begin == std::string_view::npos)
       break;
     const std::size_t end = aText.find('$', begin + 1);
-    expanded += aReplacements.find(aText.substr(begin + 1, end - begin - 1))->second;
+    expanded += aReplacements.at(std::string(aText.substr(begin + 1, end - begin - 1)));
     aText.remove_prefix(end + 1);
   }
   return expanded;

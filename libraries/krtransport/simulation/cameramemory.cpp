@@ -253,6 +253,8 @@ void CameraMemory::BeginStream() {
 }
 
 void CameraMemory::EndStream() {
+  if (!mStreaming)
+    return;
   mStreaming = false;
   mAcquiring = false;
   mMemory.SetInteger(kTLParamsLocked, 0);

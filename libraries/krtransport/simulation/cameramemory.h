@@ -45,6 +45,7 @@ public:
 
   /// A stream runs: frames are taken, and what their size depends on is locked.
   void BeginStream();
+  /// Ends what BeginStream began; without it nothing.
   void EndStream();
   /// Frames are taken no more; the stream stays.
   void EndAcquisition();

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace krtransport {
 
@@ -19,6 +20,10 @@ void Call(krsystem::IDeviceLinkSink& aSink, const std::optional<KrResult>& aLoss
     KrLogger("KrTransport")
         .Log(KrLogLevel::Error, {"LinkEvents::Deliver", "linkevents"},
              std::string("The sink of a link threw an exception: ") + error.what());
+  } catch (...) {
+    KrLogger("KrTransport")
+        .Log(KrLogLevel::Error, {"LinkEvents::Deliver", "linkevents"},
+             "The sink of a link threw an exception of unknown type.");
   }
 }
 
@@ -37,10 +42,10 @@ LinkEvents::~LinkEvents() {
 
 void LinkEvents::SetSink(krsystem::IDeviceLinkSink* aSink) {
   std::unique_lock lock(mMutex);
-  mSink = aSink;
+  krsystem::IDeviceLinkSink* const former = std::exchange(mSink, aSink);
   mChanged.notify_all();
-  if (mThread.get_id() != std::this_thread::get_id())
-    mChanged.wait(lock, [this] { return !mCalling; });
+  if (former && former != aSink && mThread.get_id() != std::this_thread::get_id())
+    mChanged.wait(lock, [this, former] { return mCalled != former; });
 }
 
 void LinkEvents::ReportLost(const KrResult& aReason) {
@@ -66,11 +71,11 @@ void LinkEvents::Deliver() {
     const Event event = std::move(mEvents.front());
     mEvents.pop_front();
     krsystem::IDeviceLinkSink* const sink = mSink;
-    mCalling = true;
+    mCalled = sink;
     lock.unlock();
     Call(*sink, event);
     lock.lock();
-    mCalling = false;
+    mCalled = nullptr;
     mChanged.notify_all();
   }
 }

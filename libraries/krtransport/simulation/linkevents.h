@@ -34,7 +34,7 @@ private:
   std::condition_variable mChanged;
   std::deque<Event> mEvents;
   krsystem::IDeviceLinkSink* mSink = nullptr;
-  bool mCalling = false;
+  krsystem::IDeviceLinkSink* mCalled = nullptr; // Whose call runs.
   bool mEnding = false;
   std::thread mThread;
 };

@@ -157,7 +157,7 @@ void SimulatedBufferSource::MakeFrames() {
   PatternPainter painter;
   std::uint64_t frameID = 0;
   Clock::time_point last = Clock::now();
-  while (!IsEnding()) {
+  while (AcknowledgeChanges()) {
     const FrameSettings settings = mCamera.GetFrameSettings();
     const Clock::time_point due = last + GetPeriod(settings);
     if (!WaitUntilDue(settings, due))
@@ -170,11 +170,10 @@ void SimulatedBufferSource::MakeFrames() {
   }
 }
 
-bool SimulatedBufferSource::IsEnding() {
+bool SimulatedBufferSource::AcknowledgeChanges() {
   const std::lock_guard lock(mMutex);
-  // What changed up to here is seen when the settings are read next.
   mChanged = false;
-  return mStopping || mLost;
+  return !mStopping && !mLost;
 }
 
 bool SimulatedBufferSource::WaitUntilDue(const FrameSettings& aSettings, Clock::time_point aDue) {

@@ -35,7 +35,8 @@ private:
   using Clock = std::chrono::steady_clock;
 
   void MakeFrames();
-  bool IsEnding();
+  /// What changed up to here is seen when the settings are read next. False when no more frames are to be made.
+  bool AcknowledgeChanges();
   bool WaitUntilDue(const FrameSettings& aSettings, Clock::time_point aDue);
   void MakeFrame(const FrameSettings& aSettings, std::uint64_t aFrameID, PatternPainter& aPainter);
   KrBuffer* TakeFree();

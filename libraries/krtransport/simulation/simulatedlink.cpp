@@ -34,6 +34,8 @@ SimulatedLink::SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera)
     : mCamera(std::move(aCamera)), mSource(*mCamera, *this) {}
 
 SimulatedLink::~SimulatedLink() {
+  // A sink that is being called may use the link until it returns.
+  mEvents.SetSink(nullptr);
   mSource.Stop();
   mCamera->Detach(*this);
 }
