@@ -16,6 +16,8 @@ int RunWithDevices(const krtool::CommandLine& aCommandLine) {
     return 1;
   }
   KrSystem system;
+  // Devices with an address of a foreign subnet are to be seen, too, even if only to be called unreachable.
+  system.SetSubnetBroadcastEnabled(false);
   return aCommandLine.verb == krtool::Verb::List ? krtool::RunList(system, aCommandLine, std::cout, std::cerr)
                                                  : krtool::RunStream(system, aCommandLine, std::cout, std::cerr);
 }
