@@ -326,7 +326,7 @@ void DialogControls::Layout(const QSize& aClientSize) {
   for (std::size_t index = 0; index < rects.size(); ++index) {
     const PixelRect& rect = rects[index];
     if (QWidget* widget = mBody->widgets[index]; widget != nullptr) {
-      widget->setGeometry(rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top);
+      widget->setGeometry(rect.left, rect.top, rect.GetWidth(), rect.GetHeight());
     }
   }
 }
