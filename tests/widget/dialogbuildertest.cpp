@@ -5,7 +5,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDialog>
-#include <QFontDatabase>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -449,25 +448,4 @@ TEST(DialogBuilder, LabelsTextBecomesLongerAndShorter_ItsRoomFollowsAtTheNextLay
   EXPECT_EQ(label->geometry(), before);
 }
 
-namespace {
-
-/// A warning of the toolkit during a test is a fault.
-void FailOnWarning(QtMsgType aType, const QMessageLogContext&, const QString& aText) {
-  if (aType != QtDebugMsg && aType != QtInfoMsg) {
-    ADD_FAILURE() << aText.toStdString();
-  }
-}
-
-} // namespace
-
 } // namespace krgui
-
-int main(int aArgumentCount, char** aArguments) {
-  testing::InitGoogleMock(&aArgumentCount, aArguments);
-  const QApplication application(aArgumentCount, aArguments);
-  if (!QFontDatabase::hasFamily(QStringLiteral("DejaVu Sans"))) {
-    qFatal("These tests measure texts in the font DejaVu Sans; install the package fonts-dejavu-core.");
-  }
-  qInstallMessageHandler(krgui::FailOnWarning);
-  return RUN_ALL_TESTS();
-}
