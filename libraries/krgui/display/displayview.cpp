@@ -1,8 +1,5 @@
 #include "display/displayview.h"
 
-#include "display/displaypainter.h"
-#include "display/overlayfont.h"
-
 #include <QPainter>
 
 #include <cmath>
@@ -21,26 +18,13 @@ DisplayView::DisplayView(std::shared_ptr<DisplayContent> aContent, QWidget* aPar
 
 DisplayView::~DisplayView() = default;
 
-const QFont& DisplayView::GetOverlayFont(int aSize, double aPixelRatio) {
-  if (aSize != mFontSize || aPixelRatio != mFontPixelRatio) {
-    mOverlayFont = MakeOverlayFont(aSize, aPixelRatio);
-    mFontSize = aSize;
-    mFontPixelRatio = aPixelRatio;
-  }
-  return mOverlayFont;
-}
-
 void DisplayView::paintEvent(QPaintEvent*) {
   const double ratio = devicePixelRatioF();
-  const DisplayStyle& style = mContent->GetStyle();
-  const OverlayStyle overlay = {GetOverlayFont(style.overlaySize, ratio), style.overlayColor,
-                                style.overlayOffsetX * ratio, style.overlayOffsetY * ratio};
+  mPainter.Prepare(mContent->GetStyle(), ratio);
   QPainter painter(this);
   painter.scale(1.0 / ratio, 1.0 / ratio);
   mContent->Paint(static_cast<int>(std::lround(width() * ratio)), static_cast<int>(std::lround(height() * ratio)),
-                  [&](const DisplayContent::Frame& aFrame) {
-                    DrawFrame(painter, aFrame, style.backgroundColor, overlay);
-                  });
+                  [&](const DisplayContent::Frame& aFrame) { mPainter.Draw(painter, aFrame); });
 }
 
 void DisplayView::resizeEvent(QResizeEvent* aEvent) {

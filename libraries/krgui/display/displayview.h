@@ -2,9 +2,9 @@
 // The widget that covers a display window's client area and paints its content. It shares the content, so that a paint
 // may come after the window object's end.
 
+#include "display/displaypainter.h"
 #include "logic/display/displaycontent.h"
 
-#include <QFont>
 #include <QWidget>
 
 #include <memory>
@@ -23,12 +23,8 @@ protected:
   void resizeEvent(QResizeEvent* aEvent) override;
 
 private:
-  const QFont& GetOverlayFont(int aSize, double aPixelRatio);
-
   std::shared_ptr<DisplayContent> mContent;
-  QFont mOverlayFont;
-  int mFontSize = 0;
-  double mFontPixelRatio = 0; ///< 0 until the first use makes the font.
+  DisplayPainter mPainter;
 };
 
 } // namespace krgui
