@@ -64,6 +64,7 @@ function(kr_install_package)
   set(packageDirectory "${CMAKE_INSTALL_LIBDIR}/cmake/KrGUI")
   set(moduleDirectory "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
   file(RELATIVE_PATH KR_PREFIX_FROM_MODULE "/prefix/${moduleDirectory}" "/prefix")
+  string(REGEX REPLACE "/$" "" KR_PREFIX_FROM_MODULE "${KR_PREFIX_FROM_MODULE}")
 
   configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/KrGUIConfig.cmake.in" "${PROJECT_BINARY_DIR}/KrGUIConfig.cmake"
     INSTALL_DESTINATION "${packageDirectory}" NO_SET_AND_CHECK_MACRO)

@@ -1,0 +1,94 @@
+#include "listcommand.h"
+#include "labfixture.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <regex>
+#include <sstream>
+
+namespace krtool {
+namespace {
+
+std::vector<std::string> Split(const std::string& aText, const std::string& aSeparator) {
+  const std::regex separator(aSeparator);
+  return {std::sregex_token_iterator(aText.begin(), aText.end(), separator, -1), std::sregex_token_iterator()};
+}
+
+QJsonObject ReadObject(const std::string& aText) {
+  QJsonParseError error;
+  const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(aText), &error);
+  EXPECT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString() << "\n" << aText;
+  return document.object();
+}
+
+class ListCommand : public LabTest {
+protected:
+  int Run(bool aJson) { return RunList(mSystem, {.verb = Verb::List, .json = aJson}, mOut, mErrors); }
+
+  std::ostringstream mOut;
+  std::ostringstream mErrors;
+};
+
+TEST_F(ListCommand, Lab_GivesOneLineForEachInterfaceAndDevice) {
+  const int exitCode = Run(false);
+
+  EXPECT_EQ(exitCode, 0);
+  const std::vector<std::string> lines = Split(mOut.str(), "\n");
+  ASSERT_EQ(lines.size(), 4U) << mOut.str();
+  for (const std::string& line : lines)
+    EXPECT_EQ(Split(line, " {2,}").size(), 9U) << line;
+  EXPECT_EQ(Split(lines[0], " {2,}")[0], "interface");
+  EXPECT_THAT(Split(lines[1], " {2,}"),
+              testing::ElementsAre("device", "GEV", "02:4b:52:00:77:10", "192.168.77.10", "02:4b:52:00:77:10",
+                                   "KrGUI Simulated Mono Camera", "SIM-0001", "sim-mono", "reachable"));
+  EXPECT_EQ(Split(lines[3], " {2,}").back(), "unreachable");
+  EXPECT_EQ(mErrors.str(), "");
+}
+
+TEST_F(ListCommand, LabAsJson_HoldsTheSameDevices) {
+  const int exitCode = Run(true);
+
+  const QJsonObject object = ReadObject(mOut.str());
+  EXPECT_EQ(exitCode, 0);
+  ASSERT_EQ(object["interfaces"].toArray().size(), 1);
+  ASSERT_EQ(object["devices"].toArray().size(), 3);
+  const QJsonObject interface = object["interfaces"].toArray()[0].toObject();
+  const QJsonObject camera = object["devices"].toArray()[0].toObject();
+  EXPECT_EQ(interface["deviceCount"].toInt(), 3);
+  EXPECT_EQ(camera["interface"], interface["uniqueID"]);
+  EXPECT_EQ(camera["userDefinedName"].toString(), "sim-mono");
+  EXPECT_TRUE(camera["reachable"].toBool());
+  EXPECT_FALSE(object["devices"].toArray()[2].toObject()["reachable"].toBool());
+}
+
+TEST_F(ListCommand, TimeoutOption_IsTheDetectionTimeout) {
+  const int exitCode = RunList(mSystem, {.verb = Verb::List, .timeoutMs = 37}, mOut, mErrors);
+
+  EXPECT_EQ(exitCode, 0);
+  EXPECT_EQ(mSystem.GetDetectionTimeout(), 37U);
+}
+
+TEST_F(ListCommand, NothingFound_IsSaid) {
+  krsystem::UnregisterTransport(mLab);
+
+  const int exitCode = Run(false);
+
+  EXPECT_EQ(exitCode, 0);
+  EXPECT_EQ(mOut.str(), "No interfaces found.\nNo devices found.\n");
+}
+
+TEST_F(ListCommand, NothingFoundAsJson_IsEmptyLists) {
+  krsystem::UnregisterTransport(mLab);
+
+  Run(true);
+
+  const QJsonObject object = ReadObject(mOut.str());
+  EXPECT_TRUE(object["interfaces"].isArray());
+  EXPECT_TRUE(object["devices"].isArray());
+  EXPECT_EQ(object["interfaces"].toArray().size() + object["devices"].toArray().size(), 0);
+}
+
+} // namespace
+} // namespace krtool
