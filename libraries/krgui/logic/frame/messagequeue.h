@@ -43,7 +43,8 @@ public:
   MessageQueue(const MessageQueue&) = delete;
   MessageQueue& operator=(const MessageQueue&) = delete;
 
-  /// Accepts messages from now on. Each opening and closing is a new generation.
+  /// Accepts messages from now on; the calling thread is the one that takes them. Each opening and closing is a new
+  /// generation; what an opening that was not closed left behind is dropped.
   void Open();
   /// Drops what was posted, ends every send, accepts nothing until the next Open.
   void Close();
@@ -59,7 +60,8 @@ public:
   /// Nothing when the queue is closed, closes meanwhile, or the worker's ticket is cancelled: at once, even while the
   /// handler still runs. Called on the thread that takes messages it would wait for itself: nothing at once.
   std::optional<std::int64_t> Send(const std::shared_ptr<WorkerTicket>& aTicket, const Message& aMessage);
-  /// Ends the waiting, running and later sends of a worker; called before it is joined.
+  /// Ends the waiting, running and later sends of a worker; called before it is joined. A send that waits is withdrawn.
+  /// A worker that sends to more than one queue is cancelled in each.
   void CancelSends(const std::shared_ptr<WorkerTicket>& aTicket);
 
   /// One message as it is taken: its handler answers a sender by Answer; without an answer the sender gets 0 when the
