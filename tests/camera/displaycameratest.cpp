@@ -1,0 +1,152 @@
+// From an independent camera to the screen, in one process: found, opened, streamed, shown, and compared pixel by pixel.
+
+#include "fakecamera.h"
+#include "krdevice/krdevice.h"
+#include "krdevice/krdevicegev.h"
+#include "krdevice/krstream.h"
+#include "krgui/krdisplaywnd.h"
+#include "krsystem/krsystem.h"
+#include "krtransport/krtransport.h"
+#include "plainpicture.h"
+
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <thread>
+
+namespace {
+
+constexpr std::uint64_t kWidthRegister = 0x100;
+constexpr std::uint64_t kHeightRegister = 0x104;
+
+void WriteNumber(KrDevice& aDevice, std::uint64_t aAddress, std::uint32_t aValue) {
+  const std::array<std::uint8_t, 4> bytes = {
+      static_cast<std::uint8_t>(aValue >> 24), static_cast<std::uint8_t>(aValue >> 16),
+      static_cast<std::uint8_t>(aValue >> 8), static_cast<std::uint8_t>(aValue)};
+  const KrResult written = aDevice.GetRegisterPort().Write(aAddress, bytes.data(), bytes.size(), 5000);
+  ASSERT_TRUE(written.IsOK()) << written.GetDescription().CStr();
+}
+
+QImage ToQImage(const IKrImage& aMono8) {
+  return QImage(aMono8.GetDataPointer(), static_cast<int>(aMono8.GetWidth()), static_cast<int>(aMono8.GetHeight()),
+                static_cast<qsizetype>(aMono8.GetWidth()), QImage::Format_Grayscale8)
+      .convertToFormat(QImage::Format_RGB32);
+}
+
+QImage GrabScreen(const QRect& aRect) {
+  return QGuiApplication::primaryScreen()
+      ->grabWindow(0, aRect.x(), aRect.y(), aRect.width(), aRect.height())
+      .toImage()
+      .convertToFormat(QImage::Format_RGB32);
+}
+
+class CameraInAWindow : public testing::Test {
+protected:
+  void SetUp() override {
+    ASSERT_TRUE(KrInstallTransports({.gigEVision = true, .simulation = false}).IsOK());
+    mSystem.SetDetectionTimeout(500);
+  }
+
+  void Open(const KrDeviceInfo& aInfo) {
+    const KrResult opened = KrDevice::Open(aInfo, KrDeviceAccess::Control, mDevice);
+    ASSERT_TRUE(opened.IsOK()) << opened.GetDescription().CStr();
+  }
+
+  FakeCamera mCamera;
+  KrSystem mSystem;
+  std::unique_ptr<KrDevice> mDevice;
+};
+
+} // namespace
+
+TEST_F(CameraInAWindow, ByBroadcastAndByAddress_IsTheSameDevice) {
+  ASSERT_TRUE(mSystem.Find().IsOK());
+  ASSERT_EQ(mSystem.GetDeviceCount(), 1u);
+  const KrDeviceInfo* byBroadcast = mSystem.GetDeviceInfo(0);
+  const KrDeviceInfo* byAddress = nullptr;
+
+  ASSERT_TRUE(mSystem.FindDevice("127.0.0.1", &byAddress).IsOK());
+
+  ASSERT_NE(byAddress, nullptr);
+  EXPECT_EQ(byAddress->GetUniqueID(), byBroadcast->GetUniqueID());
+  EXPECT_EQ(byAddress->GetVendorName(), KrString("Aravis"));
+  EXPECT_TRUE(byAddress->IsConfigurationValid());
+}
+
+TEST_F(CameraInAWindow, TwoHundredFrames_ComeWholeAndTheLastIsOnTheRootWindow) {
+  const KrDeviceInfo* info = nullptr;
+  ASSERT_TRUE(mSystem.FindDevice("127.0.0.1", &info).IsOK());
+  Open(*info);
+  WriteNumber(*mDevice, kWidthRegister, 1280);
+  WriteNumber(*mDevice, kHeightRegister, 960);
+  KrDisplayWnd window;
+  window.SetPosition(100, 100, 1280, 960);
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  KrStream stream(*mDevice);
+  const KrResult started = stream.Start();
+  ASSERT_TRUE(started.IsOK()) << started.GetDescription().CStr();
+
+  KrBuffer* last = nullptr;
+  const auto showFrames = [&] {
+    for (int frame = 0; frame < 200; ++frame) {
+      KrBuffer* buffer = nullptr;
+      ASSERT_TRUE(stream.Retrieve(buffer, 10000).IsOK());
+      ASSERT_EQ(buffer->GetStatus(), KrBufferStatus::Complete);
+      ASSERT_EQ(buffer->GetImage()->GetWidth(), 1280u);
+      ASSERT_EQ(buffer->GetImage()->GetHeight(), 960u);
+      ASSERT_TRUE(window.Display(*buffer, false).IsOK());
+      std::swap(last, buffer);
+      ASSERT_TRUE(!buffer || stream.Release(buffer).IsOK());
+    }
+  };
+  std::atomic<bool> isOver = false;
+  std::jthread acquisition([&] {
+    showFrames();
+    isOver = true;
+  });
+  ASSERT_TRUE(QTest::qWaitFor([&] { return isOver.load(); }, 120000));
+
+  ASSERT_NE(last, nullptr);
+  const KrStreamStatistics statistics = stream.GetStatistics();
+  EXPECT_EQ(statistics.incomplete, 0u);
+  EXPECT_GE(statistics.received, 200u);
+  const QRect client(window.GetWidget()->mapToGlobal(QPoint(0, 0)), window.GetWidget()->size());
+  const QImage received = ToQImage(*last->GetImage());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return plainpicture::Compare(GrabScreen(client), received).empty(); }, 30000))
+      << plainpicture::Compare(GrabScreen(client), received);
+}
+
+TEST_F(CameraInAWindow, KilledMidFrame_EndsTheStreamWithAResultAndTheWindowLivesOn) {
+  const KrDeviceInfo* info = nullptr;
+  ASSERT_TRUE(mSystem.FindDevice("127.0.0.1", &info).IsOK());
+  Open(*info);
+  KrDisplayWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  KrStream stream(*mDevice);
+  ASSERT_TRUE(stream.Start().IsOK());
+  KrBuffer* buffer = nullptr;
+  ASSERT_TRUE(stream.Retrieve(buffer, 10000).IsOK());
+  ASSERT_TRUE(window.Display(*buffer, false).IsOK());
+
+  mCamera.Kill();
+
+  KrResult result;
+  for (int tries = 0; tries < 2000; ++tries) {
+    result = stream.Retrieve(buffer, 100);
+    if (!result.IsOK() && !(result == KrResult::Code::TimeLimitExceeded))
+      break;
+    EXPECT_TRUE(!result.IsOK() || stream.Release(buffer).IsOK());
+  }
+  EXPECT_TRUE(result == KrResult::Code::ConnectionLost) << result.GetCodeString().CStr();
+  EXPECT_FALSE(result.GetDescription().IsEmpty());
+  EXPECT_FALSE(mDevice->IsConnected());
+  EXPECT_TRUE(window.DoEvents().IsOK());
+  EXPECT_NE(window.GetHandle(), 0u);
+}
