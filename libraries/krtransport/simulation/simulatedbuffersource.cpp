@@ -162,11 +162,12 @@ void SimulatedBufferSource::MakeFrames() {
     const Clock::time_point due = last + GetPeriod(settings);
     if (!WaitUntilDue(settings, due))
       continue;
+    // Acquisition ends before its frame is out: whoever has the frame may start the next one.
+    if (settings.singleFrame)
+      mCamera.EndAcquisition(mOwner);
     MakeFrame(settings, ++frameID, painter);
     // A frame that was late does not make the next ones come in a burst.
     last = std::max(due, Clock::now() - GetPeriod(settings));
-    if (settings.singleFrame)
-      mCamera.EndAcquisition(mOwner);
   }
 }
 

@@ -1,0 +1,127 @@
+#pragma once
+// An open device whose frames and loss a test decides.
+
+#include "krsystem/idevicelink.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <set>
+#include <thread>
+
+/// Fills no buffer by itself: Push hands the next queued one out.
+class FakeBufferSource : public krsystem::IBufferSource {
+public:
+  std::uint64_t payloadBytes = 64;
+  KrResult payloadResult;
+  KrResult startResult;
+  krsystem::SourceStatistics statistics;
+
+  KrResult GetPayloadSize(std::uint64_t& aBytes) override {
+    aBytes = payloadBytes;
+    return payloadResult;
+  }
+  KrResult Queue(KrBuffer* aBuffer) override {
+    const std::lock_guard lock(mMutex);
+    if (mLost)
+      return KrResult::Code::WrongState;
+    mFree.push_back(aBuffer);
+    return {};
+  }
+  KrResult Start() override {
+    const std::lock_guard lock(mMutex);
+    mRunning = startResult.IsOK();
+    return startResult;
+  }
+  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) override {
+    std::unique_lock lock(mMutex);
+    ++mWaiting;
+    mChanged.notify_all();
+    mChanged.wait_for(lock, std::chrono::milliseconds(aTimeoutMs),
+                      [this] { return mLost || !mRunning || !mFilled.empty(); });
+    --mWaiting;
+    if (mLost)
+      return KrResult::Code::ConnectionLost;
+    if (!mRunning)
+      return KrResult::Code::Aborted;
+    if (mFilled.empty())
+      return KrResult::Code::TimeLimitExceeded;
+    aBuffer = mFilled.front();
+    mFilled.pop_front();
+    return {};
+  }
+  void Stop() override {
+    const std::lock_guard lock(mMutex);
+    mRunning = false;
+    mFree.clear();
+    mFilled.clear();
+    mChanged.notify_all();
+  }
+  krsystem::SourceStatistics GetStatistics() const override { return statistics; }
+
+  /// Fills the next free buffer; false where there is none.
+  bool Push(std::uint64_t aFrameID) {
+    const std::lock_guard lock(mMutex);
+    if (mFree.empty())
+      return false;
+    mFree.front()->SetFrameID(aFrameID);
+    mFree.front()->SetStatus(KrBufferStatus::Complete);
+    mFilled.push_back(mFree.front());
+    mFree.pop_front();
+    mChanged.notify_all();
+    return true;
+  }
+  void Lose() {
+    const std::lock_guard lock(mMutex);
+    mLost = true;
+    mChanged.notify_all();
+  }
+  void WaitForWaiters(int aCount) {
+    std::unique_lock lock(mMutex);
+    mChanged.wait(lock, [&] { return mWaiting >= aCount; });
+  }
+  std::size_t CountHeldBuffers() const {
+    const std::lock_guard lock(mMutex);
+    return mFree.size() + mFilled.size();
+  }
+  std::size_t GetSmallestBuffer() const {
+    const std::lock_guard lock(mMutex);
+    std::size_t smallest = SIZE_MAX;
+    for (const KrBuffer* buffer : mFree)
+      smallest = std::min(smallest, buffer->GetSize());
+    return smallest;
+  }
+
+private:
+  mutable std::mutex mMutex; // Guards the members from here on.
+  std::condition_variable mChanged;
+  std::deque<KrBuffer*> mFree;
+  std::deque<KrBuffer*> mFilled;
+  bool mRunning = false;
+  bool mLost = false;
+  int mWaiting = 0;
+};
+
+/// Has the stream channel 0; reports loss and return from the thread of whoever orders them.
+class FakeLink : public krsystem::IDeviceLink, public IKrRegisterPort {
+public:
+  explicit FakeLink(FakeBufferSource* aSource = nullptr) : mSource(aSource) {}
+
+  IKrRegisterPort& GetRegisterPort() override { return *this; }
+  krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override {
+    return aChannel == 0 ? mSource : nullptr;
+  }
+  bool IsConnected() const override { return connected; }
+  void SetSink(krsystem::IDeviceLinkSink* aSink) override { sink = aSink; }
+  KrResult Read(std::uint64_t, void*, std::size_t, std::uint32_t) override { return KrResult::Code::NotSupported; }
+  KrResult Write(std::uint64_t, const void*, std::size_t, std::uint32_t) override {
+    return KrResult::Code::NotSupported;
+  }
+
+  krsystem::IDeviceLinkSink* sink = nullptr;
+  bool connected = true;
+
+private:
+  FakeBufferSource* mSource;
+};
