@@ -135,6 +135,7 @@ void AravisBufferSource::Stop() {
   // Releasing the stream joins its receiving thread: only then are the buffers the caller's again.
   const KrResult result = mIoThread.RunToEnd([this, shared](const std::atomic<bool>&) {
     KrResult stopped = mIsLost ? KrResult() : mDevice->StopAcquisition();
+    arv_stream_set_emit_signals(shared->value.get(), FALSE);
     shared->value.reset();
     return stopped;
   });

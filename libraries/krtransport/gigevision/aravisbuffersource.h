@@ -15,8 +15,8 @@
 
 namespace krtransport {
 
-/// Time limits: GetPayloadSize and Start give up after ten seconds, Stop with a device that died unnoticed takes up to
-/// about eight, which are Aravis' own five tries of half a second for each register.
+/// Time limits: GetPayloadSize and Start give up after ten seconds for each step. Stop with a dead device takes up to about
+/// ten: Aravis tries each register five times for half a second, and its heartbeat may be at that already.
 ///
 /// Thread: as IBufferSource. Ownership: borrows the I/O thread, shares the device.
 class AravisBufferSource final : public krsystem::IBufferSource {

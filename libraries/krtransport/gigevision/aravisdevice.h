@@ -14,7 +14,8 @@
 namespace krtransport {
 
 /// Thread: the link's I/O thread alone, opening and destruction too. Destruction gives control back; with a device that
-/// is dead it takes up to about eight seconds. Ownership: whoever runs jobs on the I/O thread shares it.
+/// is dead it takes up to about ten seconds.
+/// Ownership: whoever runs jobs on the I/O thread shares it.
 class AravisDevice final : public IRegisterChannel {
 public:
   /// Opens a device and takes control as the target says. AccessDenied when another application has it.

@@ -30,10 +30,13 @@ KrLogLevel ToLevel(GLogLevelFlags aLevel) {
 
 GLogWriterOutput WriteRecord(GLogLevelFlags aLevel, const GLogField* aFields, gsize aCount, gpointer aUserData) {
   const std::string_view domain = GetField(aFields, aCount, "GLIB_DOMAIN");
-  const bool isOurs = domain.starts_with("Aravis") || domain.starts_with("GLib");
+  // Aravis' own records name no domain.
+  const bool isOurs = domain.empty() || domain.starts_with("GLib");
   if (!isOurs)
     return g_log_writer_default(aLevel, aFields, aCount, aUserData);
-  const std::string text = std::string(domain) + ": " + std::string(GetField(aFields, aCount, "MESSAGE"));
+  std::string text(GetField(aFields, aCount, "MESSAGE"));
+  if (!domain.empty())
+    text = std::string(domain) + ": " + text;
   KrLogger("Aravis").Log(ToLevel(aLevel), {"WriteRecord", "aravislog"}, text);
   return G_LOG_WRITER_HANDLED;
 }

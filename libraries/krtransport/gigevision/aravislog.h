@@ -3,8 +3,8 @@
 
 namespace krtransport {
 
-/// Installs the writer, once for the process. Records of other GLib users of the process go where they went before.
-/// Any thread.
+/// Installs the writer, once for the process. Records of other GLib users of the process go where they went before, if
+/// they name their domain. Any thread.
 void InstallAravisLog();
 
 } // namespace krtransport

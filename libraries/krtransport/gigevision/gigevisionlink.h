@@ -14,7 +14,7 @@
 
 namespace krtransport {
 
-/// Thread, ownership: as IDeviceLink. Destruction with a dead device takes up to about eight seconds, which are Aravis'
+/// Thread, ownership: as IDeviceLink. Destruction with a dead device takes up to about ten seconds, which are Aravis'
 /// own tries.
 class GigEVisionLink final : public krsystem::IDeviceLink {
 public:

@@ -1,0 +1,46 @@
+// Whatever a stream's leader may say of a frame: a buffer must never show an image that goes beyond its memory.
+
+#include "gigevision/framedescription.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kBufferBytes = 4096;
+
+// Takes the next bytes of the input as a number; zeros when it has ended.
+template <typename Number>
+Number TakeNumber(const std::uint8_t*& aData, std::size_t& aSize) {
+  Number number{};
+  const std::size_t size = aSize < sizeof(number) ? aSize : sizeof(number);
+  std::memcpy(&number, aData, size);
+  aData += size;
+  aSize -= size;
+  return number;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
+  krtransport::FrameDescription frame;
+  frame.payloadType = TakeNumber<std::uint8_t>(aData, aSize);
+  frame.status = static_cast<KrBufferStatus>(TakeNumber<std::uint8_t>(aData, aSize) % 5);
+  frame.pixelType = TakeNumber<std::uint32_t>(aData, aSize);
+  frame.receivedBytes = TakeNumber<std::uint32_t>(aData, aSize);
+  frame.width = TakeNumber<std::int32_t>(aData, aSize);
+  frame.height = TakeNumber<std::int32_t>(aData, aSize);
+  frame.paddingX = TakeNumber<std::int32_t>(aData, aSize);
+  frame.paddingY = TakeNumber<std::int32_t>(aData, aSize);
+  KrBuffer buffer;
+  if (!buffer.Alloc(kBufferBytes).IsOK())
+    std::abort();
+
+  DescribeFrame(frame, buffer);
+
+  const IKrImage* image = buffer.GetImage();
+  const bool isBeyond = image != nullptr && image->GetImageSize() > kBufferBytes;
+  if (isBeyond || buffer.GetAcquiredSize() > kBufferBytes)
+    std::abort();
+  return 0;
+}

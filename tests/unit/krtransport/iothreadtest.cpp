@@ -1,0 +1,116 @@
+#include "gigevision/iothread.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <future>
+#include <vector>
+
+namespace {
+
+using krtransport::IoThread;
+
+constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+
+TEST(IoThread, Run_Job_ReturnsItsResult) {
+  IoThread thread;
+
+  const KrResult result =
+      thread.Run([](const auto&) { return KrResult(KrResult::Code::BadData, "text"); }, kGenerousTimeoutMs);
+
+  EXPECT_EQ(result, KrResult::Code::BadData);
+  EXPECT_EQ(result.GetDescription(), KrString("text"));
+}
+
+TEST(IoThread, Run_SeveralCallers_RunsOneJobAfterTheOther) {
+  IoThread thread;
+  int running = 0;
+  int mostRunning = 0;
+  std::vector<std::future<void>> callers;
+
+  for (int i = 0; i < 8; ++i)
+    callers.push_back(std::async(std::launch::async, [&] {
+      EXPECT_TRUE(thread
+                      .Run(
+                          [&](const auto&) {
+                            mostRunning = std::max(mostRunning, ++running);
+                            --running;
+                            return KrResult();
+                          },
+                          kGenerousTimeoutMs)
+                      .IsOK());
+    }));
+  for (auto& caller : callers)
+    caller.get();
+
+  EXPECT_EQ(mostRunning, 1);
+}
+
+/// Keeps a thread busy from construction to Release.
+class BlockingJob {
+public:
+  explicit BlockingJob(IoThread& aThread) {
+    mCaller = std::async(std::launch::async, [this, &aThread] {
+      return aThread.Run(
+          [this](const std::atomic<bool>& aIsAbandoned) {
+            mBegun.set_value();
+            mReleased.get_future().wait();
+            mWasAbandoned.set_value(aIsAbandoned);
+            return KrResult();
+          },
+          kGenerousTimeoutMs);
+    });
+    mBegun.get_future().wait();
+  }
+  void Release() { mReleased.set_value(); }
+  KrResult GetResult() { return mCaller.get(); }
+  bool WasAbandoned() { return mWasAbandoned.get_future().get(); }
+
+private:
+  std::promise<void> mBegun;
+  std::promise<void> mReleased;
+  std::promise<bool> mWasAbandoned;
+  std::future<KrResult> mCaller;
+};
+
+TEST(IoThread, Run_ThreadBusyBeyondTheLimit_ReturnsInTimeAndSkipsTheJob) {
+  bool isRun = false;
+  IoThread thread;
+  BlockingJob blocking(thread);
+
+  const KrResult result = thread.Run(
+      [&](const auto&) {
+        isRun = true;
+        return KrResult();
+      },
+      1);
+  blocking.Release();
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_TRUE(blocking.GetResult().IsOK());
+  EXPECT_TRUE(thread.RunToEnd([](const auto&) { return KrResult(); }).IsOK());
+  EXPECT_FALSE(isRun);
+  EXPECT_FALSE(blocking.WasAbandoned());
+}
+
+TEST(IoThread, Interrupt_WhileAJobIsAwaited_EndsThatWaitAndTellsTheJob) {
+  IoThread thread;
+  BlockingJob blocking(thread);
+
+  thread.Interrupt({KrResult::Code::ConnectionLost, "gone"});
+
+  EXPECT_EQ(blocking.GetResult(), KrResult::Code::ConnectionLost);
+  blocking.Release();
+  EXPECT_TRUE(blocking.WasAbandoned());
+}
+
+TEST(IoThread, Interrupt_Earlier_RefusesRunWithTheReasonButNotRunToEnd) {
+  IoThread thread;
+
+  thread.Interrupt({KrResult::Code::ConnectionLost, "gone"});
+
+  EXPECT_EQ(thread.Run([](const auto&) { return KrResult(); }, kGenerousTimeoutMs), KrResult::Code::ConnectionLost);
+  EXPECT_TRUE(thread.RunToEnd([](const auto&) { return KrResult(); }).IsOK());
+}
+
+} // namespace
