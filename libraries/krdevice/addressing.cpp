@@ -41,6 +41,8 @@ KrResult CallTransport(Operation&& aOperation) {
     return aOperation();
   } catch (const std::exception& error) {
     return {KrResult::Code::SystemError, std::string("A transport was ended by an exception: ") + error.what()};
+  } catch (...) {
+    return {KrResult::Code::SystemError, "A transport was ended by an exception of unknown type."};
   }
 }
 

@@ -95,6 +95,9 @@ KrResult OpenLink(const KrDeviceInfo& aInfo, const Kind& aKind, KrDeviceAccess a
   } catch (const std::exception& error) {
     return {KrResult::Code::SystemError,
             "Opening " + aInfo.GetDisplayID() + " was ended by an exception: " + std::string(error.what())};
+  } catch (...) {
+    return {KrResult::Code::SystemError,
+            "Opening " + aInfo.GetDisplayID() + " was ended by an exception of unknown type."};
   }
 }
 
