@@ -123,6 +123,7 @@ bool Wnd::Body::InitDialog() {
     return false;
   }
   opening->isReady = true;
+  opening->dialog->KeepDefaultButton();
   OnDialogResize(opening->dialog->size());
   if (hasEnded()) {
     return false;

@@ -58,6 +58,9 @@ void DialogWindow::SetButtons(QWidget* aAccept, QWidget* aCancel) {
   if (const auto* button = qobject_cast<QAbstractButton*>(aCancel)) {
     connect(button, &QAbstractButton::clicked, this, &DialogWindow::reject);
   }
+}
+
+void DialogWindow::KeepDefaultButton() {
   for (QPushButton* button : findChildren<QPushButton*>()) {
     button->setAutoDefault(false);
   }

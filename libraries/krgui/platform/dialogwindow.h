@@ -44,6 +44,8 @@ public:
   void MakeNative();
   /// Wires the buttons that accept and cancel; null for none.
   void SetButtons(QWidget* aAccept, QWidget* aCancel);
+  /// Keeps the buttons made so far from becoming the default button with the focus.
+  void KeepDefaultButton();
   /// Gives the focus to the first control that takes it, unless a control has it already.
   void FocusDefaultControl();
 

@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Runs a program under an X server and a window manager of its own and passes its exit code through:
+#   scripts/with-display.sh program [argument …]
+# Several may run at once; nothing that this script has not started is touched.
+set -euo pipefail
+
+if [ $# -eq 0 ]; then
+  echo "usage: $0 program [argument …]" >&2
+  exit 64
+fi
+
+runtime=$(mktemp -d)
+chmod 0700 "$runtime"
+server=
+manager=
+program=
+
+# Ends a process of ours and waits for it; one that has ended already is as well.
+end() {
+  if [ -n "$1" ]; then
+    kill "$1" 2>/dev/null || true
+    wait "$1" 2>/dev/null || true
+  fi
+}
+
+clean_up() {
+  trap - EXIT INT TERM HUP
+  end "$program"
+  end "$manager"
+  end "$server"
+  rm -rf "$runtime"
+}
+trap clean_up EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+trap 'exit 129' HUP
+
+# Reads the line that a starting program writes into a pipe when it is ready, or gives up with that program's own words.
+# The server and the window manager are given a limit, so that a test never hangs on them.
+await() {
+  local line
+  if ! read -r -t 30 line <&"$1"; then
+    echo "$0: $2 did not start:" >&2
+    cat "$runtime/$3.log" >&2
+    exit 70
+  fi
+  printf '%s\n' "$line"
+}
+
+mkfifo "$runtime/server" "$runtime/manager"
+# Opened for both directions, so that opening does not wait for the other side.
+exec 8<>"$runtime/server" 9<>"$runtime/manager"
+
+# The server chooses a free display number and says which.
+Xvfb -displayfd 8 -screen 0 2400x1600x24 -nolisten tcp -noreset >"$runtime/Xvfb.log" 2>&1 9>&- &
+server=$!
+number=$(await 8 Xvfb Xvfb)
+export DISPLAY=":$number"
+export XDG_RUNTIME_DIR="$runtime"
+export QT_QPA_PLATFORM=xcb
+# No bus of the user's session, no accessibility bus, no desktop's style, no scaling.
+unset DBUS_SESSION_BUS_ADDRESS WAYLAND_DISPLAY QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE QT_SCALE_FACTOR XDG_SESSION_TYPE
+export NO_AT_BRIDGE=1
+
+openbox --sm-disable --startup "sh -c 'echo ready >\"$runtime/manager\"'" >"$runtime/openbox.log" 2>&1 8>&- 9>&- &
+manager=$!
+await 9 openbox openbox >/dev/null
+exec 8>&- 9>&-
+
+# In the background, as a signal that comes meanwhile is else only heard when the program has ended.
+"$@" <&0 &
+program=$!
+status=0
+wait "$program" || status=$?
+program=
+exit "$status"

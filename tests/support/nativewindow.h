@@ -1,0 +1,126 @@
+#pragma once
+// A window made without any toolkit, on a connection of its own, as another application's would be.
+
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace krgui {
+
+class NativeWindow {
+public:
+  enum class Kind { Managed, Unmanaged };
+
+  /// A plain grey window at a place on the screen; an unmanaged one is left alone by the window manager.
+  NativeWindow(Kind aKind, int aX, int aY, int aWidth, int aHeight)
+      : mConnection(xcb_connect(nullptr, nullptr)), mWindow(xcb_generate_id(mConnection)) {
+    EXPECT_EQ(xcb_connection_has_error(mConnection), 0);
+    const xcb_screen_t& screen = GetScreen();
+    const std::uint32_t values[] = {0x00808080U, aKind == Kind::Unmanaged ? 1U : 0U, XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+    xcb_create_window(mConnection, XCB_COPY_FROM_PARENT, mWindow, screen.root, static_cast<std::int16_t>(aX),
+                      static_cast<std::int16_t>(aY), static_cast<std::uint16_t>(aWidth),
+                      static_cast<std::uint16_t>(aHeight), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, screen.root_visual,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+    SetTitle("Native");
+    xcb_map_window(mConnection, mWindow);
+    xcb_flush(mConnection);
+    AwaitMapped();
+  }
+  ~NativeWindow() {
+    Destroy();
+    xcb_disconnect(mConnection);
+  }
+  NativeWindow(const NativeWindow&) = delete;
+  NativeWindow& operator=(const NativeWindow&) = delete;
+
+  xcb_window_t GetID() const { return mWindow; }
+
+  void Destroy() {
+    if (mWindow != 0) {
+      xcb_destroy_window(mConnection, mWindow);
+      Synchronise();
+      mWindow = 0;
+    }
+  }
+
+  /// Where another connection finds a window: relative to its parent in the window tree.
+  struct Placing {
+    xcb_window_t parent;
+    int x, y, width, height;
+  };
+  Placing Find(xcb_window_t aWindow) const {
+    auto* tree = xcb_query_tree_reply(mConnection, xcb_query_tree(mConnection, aWindow), nullptr);
+    auto* geometry = xcb_get_geometry_reply(mConnection, xcb_get_geometry(mConnection, aWindow), nullptr);
+    Placing placing = {};
+    if (tree != nullptr && geometry != nullptr) {
+      placing = {tree->parent, geometry->x, geometry->y, geometry->width, geometry->height};
+    }
+    free(tree);
+    free(geometry);
+    return placing;
+  }
+
+  /// The owner that the window manager is told of; 0 for none.
+  xcb_window_t FindOwner(xcb_window_t aWindow) const {
+    const auto cookie = xcb_get_property(mConnection, 0, aWindow, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 0, 1);
+    auto* reply = xcb_get_property_reply(mConnection, cookie, nullptr);
+    xcb_window_t owner = 0;
+    if (reply != nullptr && xcb_get_property_value_length(reply) == static_cast<int>(sizeof owner)) {
+      std::memcpy(&owner, xcb_get_property_value(reply), sizeof owner);
+    }
+    free(reply);
+    return owner;
+  }
+
+  /// Gives a window the keyboard, as a window manager does.
+  void Focus(xcb_window_t aWindow) {
+    xcb_set_input_focus(mConnection, XCB_INPUT_FOCUS_PARENT, aWindow, XCB_CURRENT_TIME);
+    Synchronise();
+  }
+  void Focus() { Focus(mWindow); }
+
+  /// Asks the window manager to close a window, as a task bar does.
+  void AskToClose(xcb_window_t aWindow) {
+    const char name[] = "_NET_CLOSE_WINDOW";
+    const auto cookie = xcb_intern_atom(mConnection, 0, static_cast<std::uint16_t>(sizeof name - 1), name);
+    auto* atom = xcb_intern_atom_reply(mConnection, cookie, nullptr);
+    xcb_client_message_event_t event = {};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = aWindow;
+    event.type = atom->atom;
+    free(atom);
+    constexpr std::uint32_t kToManager = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+    xcb_send_event(mConnection, 0, GetScreen().root, kToManager, reinterpret_cast<const char*>(&event));
+    Synchronise();
+  }
+
+private:
+  const xcb_screen_t& GetScreen() const { return *xcb_setup_roots_iterator(xcb_get_setup(mConnection)).data; }
+
+  void SetTitle(const char* aTitle) {
+    xcb_change_property(mConnection, XCB_PROP_MODE_REPLACE, mWindow, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(std::strlen(aTitle)), aTitle);
+  }
+
+  void AwaitMapped() {
+    bool isMapped = false;
+    while (!isMapped) {
+      xcb_generic_event_t* event = xcb_wait_for_event(mConnection);
+      ASSERT_NE(event, nullptr);
+      isMapped = event->response_type == XCB_MAP_NOTIFY;
+      free(event);
+    }
+  }
+
+  /// Returns when the server has done everything asked so far.
+  void Synchronise() { free(xcb_get_input_focus_reply(mConnection, xcb_get_input_focus(mConnection), nullptr)); }
+
+  xcb_connection_t* mConnection;
+  xcb_window_t mWindow;
+};
+
+} // namespace krgui

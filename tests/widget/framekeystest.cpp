@@ -1,0 +1,232 @@
+// Enter, Escape, the close box and the focus: what a window does with them in each mode.
+
+#include "testwnd.h"
+
+#include <QDialog>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace krgui {
+
+namespace {
+
+using Code = KrResult::Code;
+
+constexpr int kOKButton = 1;
+constexpr int kCancelButton = 2;
+
+QPushButton& GetButton(TestWnd& aWindow, int aID) {
+  return *qobject_cast<QPushButton*>(aWindow.GetControl(aID));
+}
+
+TEST(WndKeys, EscapeInAModalWindow_Cancels) {
+  TestWnd window;
+  QTimer::singleShot(0, qApp, [&] { QTest::keyClick(window.GetWidget(), Qt::Key_Escape); });
+
+  EXPECT_EQ(window.ShowModal(0).GetCodeNumber(), 16386U);
+}
+
+TEST(WndKeys, EnterInAModalWindow_Accepts) {
+  TestWnd window;
+  QTimer::singleShot(0, qApp, [&] { QTest::keyClick(window.GetWidget(), Qt::Key_Enter, Qt::KeypadModifier); });
+
+  EXPECT_EQ(window.ShowModal(0).GetCodeNumber(), 0U);
+  EXPECT_EQ(window.record->accepts, 1);
+}
+
+TEST(WndKeys, CloseBoxOfAModalWindow_Cancels) {
+  TestWnd window;
+  QTimer::singleShot(0, qApp, [&] { window.GetWidget()->windowHandle()->close(); });
+
+  EXPECT_EQ(window.ShowModal(0).GetCodeNumber(), 16386U);
+  EXPECT_EQ(window.record->cancels, 1);
+}
+
+TEST(WndKeys, EscapeInAModelessWindow_ClosesIt) {
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  QTest::keyClick(window.GetWidget(), Qt::Key_Escape);
+
+  EXPECT_FALSE(window.IsOpen());
+  EXPECT_EQ(window.record->destroys, 1);
+}
+
+TEST(WndKeys, CloseBoxOfAModelessWindow_ClosesItAndLetsTheApplicationQuit) {
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  const bool wasAccepted = window.GetWidget()->close();
+
+  EXPECT_TRUE(wasAccepted);
+  EXPECT_FALSE(window.IsOpen());
+}
+
+TEST(WndKeys, CloseBoxThatTheWindowRefuses_KeepsIt) {
+  TestWnd window;
+  window.onCancel = [] {};
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  const bool wasAccepted = window.GetWidget()->close();
+
+  EXPECT_FALSE(wasAccepted);
+  EXPECT_TRUE(window.GetWidget()->isVisible());
+}
+
+class ChildKeys : public testing::TestWithParam<Qt::Key> {};
+
+TEST_P(ChildKeys, InAChild_NeitherHideItNorReachTheWindowAround) {
+  QDialog parent;
+  parent.show();
+  TestWnd window;
+  ASSERT_TRUE(window.CreateIn(&parent).IsOK());
+
+  QTest::keyClick(window.GetWidget(), GetParam());
+
+  EXPECT_TRUE(window.GetWidget()->isVisible());
+  EXPECT_TRUE(parent.isVisible());
+  EXPECT_EQ(window.record->accepts + window.record->cancels, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(EnterAndEscape, ChildKeys, testing::Values(Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape));
+
+TEST(WndKeys, ClosingAChildsWidget_IsRefused) {
+  QWidget parent;
+  parent.show();
+  TestWnd window;
+  ASSERT_TRUE(window.CreateIn(&parent).IsOK());
+
+  EXPECT_FALSE(window.GetWidget()->close());
+
+  EXPECT_TRUE(window.GetWidget()->isVisible());
+}
+
+TEST(WndKeys, EnterWithModifiers_IsNotOK) {
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  QTest::keyClick(window.GetWidget(), Qt::Key_Return, Qt::ControlModifier);
+  QTest::keyClick(window.GetWidget(), Qt::Key_Escape, Qt::ShiftModifier);
+
+  EXPECT_EQ(window.record->accepts + window.record->cancels, 0);
+}
+
+TEST(WndKeys, EnterThatAControlTakes_IsNotOK) {
+  TestWnd window;
+  QPlainTextEdit* edit = nullptr;
+  window.onInitDialog = [&] { edit = new QPlainTextEdit(window.GetWidget()); };
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  QTest::keyClick(edit, Qt::Key_Return);
+
+  EXPECT_EQ(window.record->accepts, 0);
+  EXPECT_EQ(edit->toPlainText(), QStringLiteral("\n"));
+}
+
+TEST(WndKeys, EnterInALine_IsOK) {
+  TestWnd window;
+  window.onOK = [] {};
+  QLineEdit* line = nullptr;
+  window.onInitDialog = [&] { line = new QLineEdit(window.GetWidget()); };
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  QTest::keyClick(line, Qt::Key_Return);
+
+  EXPECT_EQ(window.record->accepts, 1);
+}
+
+TEST(WndKeys, ButtonsWithIDs1And2_AcceptAndCancel) {
+  TestWnd window(kDeviceFinderTraits);
+  window.onOK = window.onCancel = [] {};
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  GetButton(window, kOKButton).click();
+  GetButton(window, kCancelButton).click();
+
+  EXPECT_EQ(window.record->accepts, 1);
+  EXPECT_EQ(window.record->cancels, 1);
+}
+
+TEST(WndKeys, EnterOnTheCancelButton_Cancels) {
+  TestWnd window(kDeviceFinderTraits);
+  window.onOK = window.onCancel = [] {};
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  window.GetWidget()->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.GetWidget()));
+  GetButton(window, kCancelButton).setFocus();
+
+  QTest::keyClick(&GetButton(window, kCancelButton), Qt::Key_Return);
+
+  EXPECT_EQ(window.record->accepts, 0);
+  EXPECT_EQ(window.record->cancels, 1);
+}
+
+TEST(WndKeys, EnterWhileTheOKButtonIsDisabled_DoesNothing) {
+  TestWnd window(kDeviceFinderTraits);
+  QLineEdit* line = nullptr;
+  window.onInitDialog = [&] { line = new QLineEdit(window.GetWidget()); };
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  GetButton(window, kOKButton).setEnabled(false);
+
+  QTest::keyClick(line, Qt::Key_Return);
+
+  EXPECT_EQ(window.record->accepts, 0);
+}
+
+TEST(WndKeys, OnlyTheButtonWithID1_IsDefault) {
+  TestWnd window(kDeviceFinderTraits);
+  QPushButton* other = nullptr;
+  window.onInitDialog = [&] { other = new QPushButton(QStringLiteral("Other"), window.GetWidget()); };
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  other->setFocus();
+
+  EXPECT_TRUE(GetButton(window, kOKButton).isDefault());
+  EXPECT_FALSE(GetButton(window, kCancelButton).isDefault());
+  EXPECT_FALSE(other->isDefault());
+  EXPECT_FALSE(other->autoDefault());
+}
+
+TEST(WndKeys, RepeatedRelease_IsNoRelease) {
+  QWidget parent;
+  TestWnd window;
+  ASSERT_TRUE(window.CreateIn(&parent).IsOK());
+  QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"), true);
+  QKeyEvent final(QEvent::KeyRelease, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"), false);
+
+  QCoreApplication::sendEvent(window.GetWidget(), &repeated);
+  QCoreApplication::sendEvent(window.GetWidget(), &final);
+
+  // Accepted is swallowed; the real one goes on to the window around.
+  EXPECT_TRUE(repeated.isAccepted());
+  EXPECT_FALSE(final.isAccepted());
+}
+
+TEST(WndKeys, Opened_GivesTheFocusToTheDefaultControl) {
+  TestWnd window(kDeviceFinderTraits);
+
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  EXPECT_EQ(window.GetWidget()->focusWidget(), window.GetControl(kOKButton));
+}
+
+TEST(WndKeys, OpenedAsAChild_DoesNotTakeTheFocusFromTheWindowAround) {
+  QWidget parent;
+  auto* line = new QLineEdit(&parent);
+  line->setFocus();
+  parent.show();
+  TestWnd window(kDeviceFinderTraits);
+
+  ASSERT_TRUE(window.CreateIn(&parent).IsOK());
+
+  EXPECT_EQ(parent.focusWidget(), line);
+}
+
+} // namespace
+
+} // namespace krgui

@@ -1,0 +1,277 @@
+// Windows inside and above windows that are not Qt's, as the X server and a window manager have them.
+
+#include "nativewindow.h"
+#include "testwnd.h"
+
+#include <QLineEdit>
+#include <QProcess>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+namespace krgui {
+
+namespace {
+
+using Code = KrResult::Code;
+using Kind = NativeWindow::Kind;
+
+/// What a user's hands do.
+void XDoTool(const QStringList& aArguments) {
+  ASSERT_EQ(QProcess::execute(QStringLiteral("xdotool"), aArguments), 0);
+}
+
+void Type(const QString& aText) {
+  XDoTool({QStringLiteral("type"), aText});
+}
+
+void ClickAt(int aX, int aY) {
+  XDoTool({QStringLiteral("mousemove"), QString::number(aX), QString::number(aY), QStringLiteral("click"),
+           QStringLiteral("1")});
+}
+
+xcb_window_t GetXID(const TestWnd& aWindow) {
+  return static_cast<xcb_window_t>(aWindow.GetHandle());
+}
+
+class KindName {
+public:
+  std::string operator()(const testing::TestParamInfo<Kind>& aInfo) const {
+    return aInfo.param == Kind::Managed ? "WithWindowManager" : "WithoutWindowManager";
+  }
+};
+
+/// A window with a line to type into, inside a native window.
+class ForeignParent : public testing::TestWithParam<Kind> {
+protected:
+  static constexpr int kX = 300;
+  static constexpr int kY = 200;
+
+  void SetUp() override {
+    mWindow.SetPosition(20, 30, 400, 300);
+    mWindow.onInitDialog = [this] {
+      mLine = new QLineEdit(mWindow.GetWidget());
+      mLine->setGeometry(10, 10, 200, 30);
+      mLine->setFocus();
+    };
+    ASSERT_TRUE(mWindow.Create(mParent.GetID(), 5).IsOK());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+  }
+
+  /// Where the line is on the screen; the window manager may have moved the parent.
+  QPoint FindLineOnScreen() { return mLine->mapToGlobal(mLine->rect().center()); }
+
+  bool AwaitKeys() {
+    return WaitFor([this] { return QGuiApplication::focusWindow() == mWindow.GetWidget()->windowHandle(); });
+  }
+
+  NativeWindow mParent{GetParam(), kX, kY, 600, 500};
+  TestWnd mWindow;
+  QLineEdit* mLine = nullptr;
+};
+
+TEST_P(ForeignParent, Child_LiesInTheNativeWindowAtItsPosition) {
+  const NativeWindow::Placing placing = mParent.Find(GetXID(mWindow));
+
+  EXPECT_EQ(placing.parent, mParent.GetID());
+  EXPECT_EQ(placing.x, 20);
+  EXPECT_EQ(placing.y, 30);
+  EXPECT_EQ(placing.width, 400);
+  EXPECT_EQ(placing.height, 300);
+  EXPECT_EQ(GetPosition(mWindow), (Position{20, 30, 400, 300}));
+}
+
+TEST_P(ForeignParent, SetPosition_MovesTheChildInside) {
+  mWindow.SetPosition(40, 50, 410, 310);
+
+  EXPECT_TRUE(WaitFor([this] {
+    const NativeWindow::Placing placing = mParent.Find(GetXID(mWindow));
+    return placing.x == 40 && placing.y == 50 && placing.width == 410 && placing.height == 310;
+  }));
+  EXPECT_EQ(GetPosition(mWindow), (Position{40, 50, 410, 310}));
+}
+
+TEST_P(ForeignParent, KeysAfterOpening_ArriveInTheChild) {
+  ASSERT_TRUE(AwaitKeys());
+
+  Type(QStringLiteral("abc"));
+
+  EXPECT_TRUE(WaitFor([this] { return mLine->text() == QStringLiteral("abc"); }));
+}
+
+TEST_P(ForeignParent, KeysAfterAClick_ArriveInTheChild) {
+  ASSERT_TRUE(AwaitKeys());
+  mParent.Focus();
+  ASSERT_TRUE(WaitFor([] { return QGuiApplication::focusWindow() == nullptr; }));
+
+  const QPoint line = FindLineOnScreen();
+  ClickAt(line.x(), line.y());
+
+  ASSERT_TRUE(AwaitKeys());
+  Type(QStringLiteral("xyz"));
+  EXPECT_TRUE(WaitFor([this] { return mLine->text() == QStringLiteral("xyz"); }));
+}
+
+TEST_P(ForeignParent, EscapeAndEnter_DoNotHideTheChild) {
+  ASSERT_TRUE(AwaitKeys());
+
+  XDoTool({QStringLiteral("key"), QStringLiteral("Escape"), QStringLiteral("Return")});
+
+  ASSERT_TRUE(WaitFor([this] { return mWindow.record->cancels == 1 && mWindow.record->accepts == 1; }));
+  EXPECT_TRUE(mWindow.GetWidget()->isVisible());
+}
+
+TEST_P(ForeignParent, NativeWindowDestroyed_ClosesTheChild) {
+  mParent.Destroy();
+
+  EXPECT_TRUE(WaitFor([this] { return mWindow.GetHandle() == 0; }));
+  EXPECT_EQ(mWindow.record->destroys, 1);
+  EXPECT_EQ(GetPosition(mWindow), (Position{20, 30, 400, 300}));
+  DeleteWhatIsLeft();
+}
+
+TEST_P(ForeignParent, NativeWindowDestroyed_ChildCanBeShownAgain) {
+  mParent.Destroy();
+  ASSERT_TRUE(WaitFor([this] { return mWindow.GetHandle() == 0; }));
+
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+
+  EXPECT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+  DeleteWhatIsLeft();
+}
+
+TEST_P(ForeignParent, NativeWindowDestroyed_IsNoticedByDoEventsAlone) {
+  mParent.Destroy();
+
+  while (mWindow.GetHandle() != 0) {
+    ASSERT_TRUE(mWindow.DoEvents().IsOK());
+  }
+
+  EXPECT_EQ(mWindow.record->destroys, 1);
+  DeleteWhatIsLeft();
+}
+
+TEST_P(ForeignParent, NativeWindowDestroyedAroundNativeChildren_WarnsOfNothing) {
+  auto* surface = new QWidget(mWindow.GetWidget());
+  surface->setAttribute(Qt::WA_DontCreateNativeAncestors);
+  surface->setAttribute(Qt::WA_NativeWindow);
+  surface->setGeometry(50, 50, 100, 100);
+  surface->show();
+  ASSERT_TRUE(
+      WaitFor([surface] { return surface->windowHandle() != nullptr && surface->windowHandle()->isExposed(); }));
+
+  mParent.Destroy();
+
+  EXPECT_TRUE(WaitFor([this] { return mWindow.GetHandle() == 0; }));
+  DeleteWhatIsLeft();
+  QTest::qWait(0);
+}
+
+TEST_P(ForeignParent, ChildClosed_LeavesTheNativeWindow) {
+  ASSERT_TRUE(mWindow.Close().IsOK());
+  DeleteWhatIsLeft();
+  QTest::qWait(0);
+
+  EXPECT_NE(mParent.Find(mParent.GetID()).width, 0);
+}
+
+TEST_P(ForeignParent, TenReopenings_NeitherMoveNorResize) {
+  for (int opening = 0; opening < 10; ++opening) {
+    ASSERT_TRUE(mWindow.Close().IsOK());
+    ASSERT_EQ(GetPosition(mWindow), (Position{20, 30, 400, 300}));
+    ASSERT_TRUE(mWindow.Create(mParent.GetID(), 5).IsOK());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+    DeleteWhatIsLeft();
+  }
+
+  const NativeWindow::Placing placing = mParent.Find(GetXID(mWindow));
+  EXPECT_EQ(placing.x, 20);
+  EXPECT_EQ(placing.y, 30);
+}
+
+INSTANTIATE_TEST_SUITE_P(Parents, ForeignParent, testing::Values(Kind::Managed, Kind::Unmanaged), KindName());
+
+TEST(ForeignWindows, IDThatIsNoWindow_FailsWithAText) {
+  TestWnd window;
+
+  const KrResult child = window.Create(0x7FFFFFF0, 0);
+  const KrResult popup = window.ShowModeless(0x7FFFFFF0);
+
+  EXPECT_EQ(child, Code::Failed);
+  EXPECT_EQ(popup, Code::Failed);
+  EXPECT_NE(child.GetDescription().ToUtf8().find("no such window"), std::string::npos);
+}
+
+TEST(ForeignWindows, IDOfAWindowThatWasDestroyed_Fails) {
+  NativeWindow native(Kind::Unmanaged, 100, 100, 200, 200);
+  const HWND id = native.GetID();
+  native.Destroy();
+  TestWnd window;
+
+  EXPECT_EQ(window.Create(id, 0), Code::Failed);
+}
+
+TEST(ForeignWindows, ModelessAboveANativeWindow_IsOwnedByIt) {
+  NativeWindow owner(Kind::Managed, 100, 100, 300, 200);
+  TestWnd window;
+
+  ASSERT_TRUE(window.ShowModeless(owner.GetID()).IsOK());
+
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  EXPECT_EQ(owner.FindOwner(GetXID(window)), owner.GetID());
+  EXPECT_NE(owner.Find(GetXID(window)).parent, owner.GetID());
+}
+
+TEST(ForeignWindows, OwnerDestroyed_ClosesTheModelessWindow) {
+  NativeWindow owner(Kind::Managed, 100, 100, 300, 200);
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(owner.GetID()).IsOK());
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+
+  owner.Destroy();
+
+  EXPECT_TRUE(WaitFor([&] { return window.GetHandle() == 0; }));
+  EXPECT_EQ(window.record->destroys, 1);
+  DeleteWhatIsLeft();
+}
+
+TEST(ForeignWindows, ModelessWindowClosed_LeavesItsOwner) {
+  NativeWindow owner(Kind::Managed, 100, 100, 300, 200);
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(owner.GetID()).IsOK());
+
+  ASSERT_TRUE(window.Close().IsOK());
+
+  DeleteWhatIsLeft();
+  EXPECT_NE(owner.Find(owner.GetID()).width, 0);
+}
+
+TEST(ForeignWindows, WindowObjectDeletedWhileInside_LeavesTheNativeWindow) {
+  NativeWindow parent(Kind::Managed, 100, 100, 600, 400);
+  {
+    TestWnd window;
+    ASSERT_TRUE(window.Create(parent.GetID(), 0).IsOK());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  }
+  DeleteWhatIsLeft();
+  QTest::qWait(0);
+
+  EXPECT_NE(parent.Find(parent.GetID()).width, 0);
+}
+
+TEST(ForeignWindows, WidgetDeletedByTheApplicationWhileInside_IsOrderly) {
+  NativeWindow parent(Kind::Managed, 100, 100, 600, 400);
+  TestWnd window;
+  ASSERT_TRUE(window.Create(parent.GetID(), 0).IsOK());
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+
+  delete window.GetWidget();
+
+  EXPECT_EQ(window.GetHandle(), 0U);
+  DeleteWhatIsLeft();
+  QTest::qWait(0);
+}
+
+} // namespace
+
+} // namespace krgui
