@@ -110,6 +110,10 @@ void Wnd::Body::MakeControls(const DialogTemplate& aTemplate) {
   dialog.SetButtons(opening->controls->Get(kOKID), opening->controls->Get(kCancelID));
   dialog.resize(opening->controls->GetTemplateSize());
   LimitSize();
+  if (mode == Mode::Child) {
+    // Else the toolkit centres it as it is shown.
+    dialog.move(0, 0);
+  }
 }
 
 bool Wnd::Body::InitDialog() {

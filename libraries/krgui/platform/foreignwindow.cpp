@@ -49,14 +49,15 @@ Reply<xcb_get_window_attributes_reply_t> GetAttributes(xcb_window_t aID) {
   return attributes;
 }
 
-/// Asks to be told of a window's end, in addition to what this connection is told of it already.
-void WatchForEnd(xcb_window_t aID) {
-  if (const auto attributes = GetAttributes(aID)) {
-    xcb_connection_t* connection = GetConnection();
-    const std::uint32_t mask = attributes->your_event_mask | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    const xcb_void_cookie_t cookie = xcb_change_window_attributes_checked(connection, aID, XCB_CW_EVENT_MASK, &mask);
-    const auto error = Own(xcb_request_check(connection, cookie));
-  }
+/// Asks to be told of a window's end, in addition to what this connection is told of it already. The number of the
+/// request: what is told later bears at least that.
+std::uint32_t WatchForEnd(xcb_window_t aID) {
+  xcb_connection_t* connection = GetConnection();
+  const auto attributes = GetAttributes(aID);
+  const std::uint32_t mask = (attributes ? attributes->your_event_mask : 0U) | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  const xcb_void_cookie_t cookie = xcb_change_window_attributes_checked(connection, aID, XCB_CW_EVENT_MASK, &mask);
+  const auto error = Own(xcb_request_check(connection, cookie));
+  return cookie.sequence;
 }
 
 KrResult Fail(WId aID, const std::string& aReason) {
@@ -97,18 +98,18 @@ public:
     const auto* event = static_cast<const xcb_generic_event_t*>(aMessage);
     const unsigned type = event->response_type & ~kSentFlag;
     if (type == XCB_DESTROY_NOTIFY) {
-      Tell(static_cast<const xcb_destroy_notify_event_t*>(aMessage)->window);
+      Tell(static_cast<const xcb_destroy_notify_event_t*>(aMessage)->window, event->full_sequence);
     }
     return type == 0 && IsExpected(*static_cast<const xcb_generic_error_t*>(aMessage));
   }
 
 private:
-  void Tell(xcb_window_t aID) {
+  void Tell(xcb_window_t aID, std::uint32_t aSequence) {
     // A copy, as each may end openings and with them others of the list.
     const std::vector<ForeignWindow*> waiting = mWaiting;
     for (ForeignWindow* window : waiting) {
       if (std::find(mWaiting.begin(), mWaiting.end(), window) != mWaiting.end()) {
-        window->OnNativeEnd(aID);
+        window->OnNativeEnd(aID, aSequence);
       }
     }
   }
@@ -141,7 +142,7 @@ KrResult ForeignWindow::Find(WId aID, std::unique_ptr<ForeignWindow>& aWindow) {
 
 ForeignWindow::ForeignWindow(WId aID) : mNativeID(static_cast<std::uint32_t>(aID)), mWrapper(QWindow::fromWinId(aID)) {
   NativeEnds::Get().Add(*this);
-  WatchForEnd(mNativeID);
+  mFirstSequence = WatchForEnd(mNativeID);
 }
 
 ForeignWindow::~ForeignWindow() {
@@ -189,7 +190,11 @@ void ForeignWindow::Leave() {
   mDialogWindow = nullptr;
 }
 
-void ForeignWindow::OnNativeEnd(std::uint32_t aNativeID) {
+void ForeignWindow::OnNativeEnd(std::uint32_t aNativeID, std::uint32_t aSequence) {
+  // Ids are used again: this may be the end of an older window, of which nobody has read yet.
+  if (static_cast<std::int32_t>(aSequence - mFirstSequence) < 0) {
+    return;
+  }
   if (aNativeID != mNativeID && (mDialogID == 0 || aNativeID != mDialogID)) {
     return;
   }

@@ -39,8 +39,8 @@ public:
   void TakeKeys();
   /// The dialog leaves; called before it or this object is deleted.
   void Leave();
-  /// The native window's end, as the window system reports it.
-  void OnNativeEnd(std::uint32_t aNativeID);
+  /// A native window's end, as the window system reports it with the number of the last request before it.
+  void OnNativeEnd(std::uint32_t aNativeID, std::uint32_t aSequence);
 
 protected:
   bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
@@ -49,6 +49,7 @@ private:
   explicit ForeignWindow(WId aID);
 
   const std::uint32_t mNativeID;
+  std::uint32_t mFirstSequence = 0;
   std::unique_ptr<QWindow> mWrapper;
   QPointer<QWindow> mDialogWindow;
   std::uint32_t mDialogID = 0; ///< 0 unless the dialog is embedded.
