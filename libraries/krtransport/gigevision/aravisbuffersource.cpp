@@ -19,9 +19,11 @@ struct JobResult {
   T value{};
 };
 
-void ReleaseInbox(gpointer aInbox, GClosure*) {
-  delete static_cast<std::shared_ptr<FrameInbox>*>(aInbox);
-}
+// A stream and the inbox that its receiving thread fills, which therefore is released last.
+struct FilledInbox {
+  std::shared_ptr<FrameInbox> inbox;
+  StreamPointer stream;
+};
 
 std::uint64_t ReadInfo(ArvStream* aStream, const char* aName) {
   return arv_stream_get_info_uint64_by_name(aStream, aName);
@@ -83,15 +85,15 @@ KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
   const std::uint32_t socketBytes = GetSocketBufferSize(aPayloadBytes);
   WarnOfReceiveLimit(socketBytes);
   const std::uint32_t packetSize = std::min(GetMtu(mTarget.adapterName), kMaxPacketSize) & ~3u;
-  const auto made = std::make_shared<JobResult<GObjectPointer<ArvStream>>>();
+  const auto made = std::make_shared<FilledInbox>();
+  made->inbox = mInbox;
   mInbox->Open();
   KrResult result = mIoThread.Run(
-      [device = mDevice, inbox = mInbox, made, socketBytes, packetSize](const std::atomic<bool>&) {
+      [device = mDevice, made, socketBytes, packetSize](const std::atomic<bool>&) {
         device->SetPacketSize(packetSize);
-        KrResult created = device->CreateStream(socketBytes, made->value);
+        KrResult created = device->CreateStream(socketBytes, made->stream);
         if (created.IsOK())
-          g_signal_connect_data(made->value.get(), "new-buffer", G_CALLBACK(OnNewBuffer),
-                                new std::shared_ptr<FrameInbox>(inbox), ReleaseInbox, GConnectFlags(0));
+          g_signal_connect(made->stream.get(), "new-buffer", G_CALLBACK(OnNewBuffer), made->inbox.get());
         return created;
       },
       kFeatureTimeoutMs);
@@ -100,7 +102,7 @@ KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
     return result;
   }
   const std::lock_guard lock(mMutex);
-  mStream = std::move(made->value);
+  mStream = std::move(made->stream);
   for (KrBuffer* buffer : mWaiting)
     arv_stream_push_buffer(mStream.get(), LendBuffer(*buffer).release());
   mWaiting.clear();
@@ -121,23 +123,20 @@ KrResult AravisBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeout
 void AravisBufferSource::Stop() {
   if (!mIsLost)
     mInbox->Close({KrResult::Code::Aborted, "The stream was stopped."});
-  GObjectPointer<ArvStream> stream;
+  const auto stopped = std::make_shared<StreamPointer>();
   {
     const std::lock_guard lock(mMutex);
     mWaiting.clear();
     if (mStream == nullptr)
       return;
     mLast = ReadStatistics();
-    stream = std::move(mStream);
+    *stopped = std::move(mStream);
   }
-  const auto shared = std::make_shared<JobResult<GObjectPointer<ArvStream>>>();
-  shared->value = std::move(stream);
   // Releasing the stream joins its receiving thread: only then are the buffers the caller's again.
-  const KrResult result = mIoThread.RunToEnd([this, shared](const std::atomic<bool>&) {
-    KrResult stopped = mIsLost ? KrResult() : mDevice->StopAcquisition();
-    arv_stream_set_emit_signals(shared->value.get(), FALSE);
-    shared->value.reset();
-    return stopped;
+  const KrResult result = mIoThread.RunToEnd([this, stopped](const std::atomic<bool>&) {
+    KrResult acquisition = mIsLost ? KrResult() : mDevice->StopAcquisition();
+    stopped->reset();
+    return acquisition;
   });
   if (!result.IsOK())
     KrLogger("GigEVision")
@@ -167,7 +166,7 @@ void AravisBufferSource::OnLost(const KrResult& aReason) {
 void AravisBufferSource::OnNewBuffer(ArvStream* aStream, gpointer aInbox) {
   GObjectPointer<ArvBuffer> frame(arv_stream_try_pop_buffer(aStream));
   if (frame != nullptr)
-    (*static_cast<std::shared_ptr<FrameInbox>*>(aInbox))->Put(std::move(frame));
+    static_cast<FrameInbox*>(aInbox)->Put(std::move(frame));
 }
 
 } // namespace krtransport

@@ -15,8 +15,8 @@
 
 namespace krtransport {
 
-/// Time limits: GetPayloadSize and Start give up after ten seconds for each step. Stop with a dead device takes up to about
-/// ten: Aravis tries each register five times for half a second, and its heartbeat may be at that already.
+/// Time limits: GetPayloadSize and Start give up after ten seconds for each step. Stop with a dead device takes up to
+/// about ten: Aravis tries each register five times for half a second, and its heartbeat may be at that already.
 ///
 /// Thread: as IBufferSource. Ownership: borrows the I/O thread, shares the device.
 class AravisBufferSource final : public krsystem::IBufferSource {
@@ -47,7 +47,7 @@ private:
 
   // Guards the members below; the stream itself is made and released outside of it.
   mutable std::mutex mMutex;
-  GObjectPointer<ArvStream> mStream;
+  StreamPointer mStream;
   std::vector<KrBuffer*> mWaiting;  // Buffers that were queued before the stream was there.
   krsystem::SourceStatistics mLast; // Of the stream that was stopped.
 };

@@ -36,14 +36,6 @@ GObjectPointer<GInetAddress> MakeInetAddress(std::uint32_t aAddress) {
   return GObjectPointer<GInetAddress>(g_inet_address_new_from_string(krsystem::FormatIPv4(aAddress).CStr()));
 }
 
-void OnControlLost(ArvDevice*, gpointer aCallback) {
-  (*static_cast<std::function<void()>*>(aCallback))();
-}
-
-void ReleaseCallback(gpointer aCallback, GClosure*) {
-  delete static_cast<std::function<void()>*>(aCallback);
-}
-
 } // namespace
 
 KrResult AravisDevice::Open(const LinkTarget& aTarget, std::shared_ptr<AravisDevice>& aDevice) {
@@ -71,7 +63,7 @@ KrResult AravisDevice::Open(const LinkTarget& aTarget, std::shared_ptr<AravisDev
 AravisDevice::~AravisDevice() = default;
 
 KrResult AravisDevice::TakeControl(krsystem::DeviceAccess aAccess) {
-  if (!arv_gv_device_is_controller(ARV_GV_DEVICE(mDevice.get())))
+  if (!HoldsControl())
     return {KrResult::Code::AccessDenied,
             "The device did not give control: another application has it. Close the device "
             "there, or open it for reading only."};
@@ -97,9 +89,8 @@ KrResult AravisDevice::Write(std::uint32_t aAddress, std::span<const std::uint8_
   return ToResult(error, NameMemory("Writing", aAddress, aData.size()));
 }
 
-void AravisDevice::SetOnControlLost(std::function<void()> aOnControlLost) {
-  g_signal_connect_data(mDevice.get(), "control-lost", G_CALLBACK(OnControlLost),
-                        new std::function<void()>(std::move(aOnControlLost)), ReleaseCallback, GConnectFlags(0));
+bool AravisDevice::HoldsControl() const {
+  return arv_gv_device_is_controller(ARV_GV_DEVICE(mDevice.get())) != FALSE;
 }
 
 KrResult AravisDevice::GetPayloadSize(std::uint64_t& aBytes) {
@@ -122,17 +113,16 @@ void AravisDevice::SetPacketSize(std::uint32_t aBytes) {
              "The device keeps its packet size: " + error.GetText());
 }
 
-KrResult AravisDevice::CreateStream(std::uint32_t aSocketBufferBytes, GObjectPointer<ArvStream>& aStream) {
+KrResult AravisDevice::CreateStream(std::uint32_t aSocketBufferBytes, StreamPointer& aStream) {
   GErrorHolder error;
-  GObjectPointer<ArvStream> stream(arv_device_create_stream(mDevice.get(), nullptr, nullptr, error.Out()));
+  StreamPointer stream(arv_device_create_stream(mDevice.get(), nullptr, nullptr, error.Out()));
   if (KrResult result = ToResult(error, "Opening the device's stream channel"); !result.IsOK())
     return result;
   if (stream == nullptr)
     return {KrResult::Code::ProtocolError, "Opening the device's stream channel failed."};
   const auto size = std::min<std::uint32_t>(aSocketBufferBytes, std::numeric_limits<gint>::max());
   g_object_set(stream.get(), "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_FIXED, "socket-buffer-size",
-               static_cast<gint>(size), nullptr);
-  arv_stream_set_emit_signals(stream.get(), TRUE);
+               static_cast<gint>(size), "emit-signals", TRUE, nullptr);
   aStream = std::move(stream);
   return {};
 }

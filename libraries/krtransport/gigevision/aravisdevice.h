@@ -8,7 +8,6 @@
 #include "krbase/krresult.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 
 namespace krtransport {
@@ -27,15 +26,15 @@ public:
   KrResult Read(std::uint32_t aAddress, std::span<std::uint8_t> aData) override;
   KrResult Write(std::uint32_t aAddress, std::span<const std::uint8_t> aData) override;
 
-  /// Sets what is called, on a thread of Aravis', when its heartbeat finds control lost. The call must not release
-  /// anything.
-  void SetOnControlLost(std::function<void()> aOnControlLost);
+  /// False once Aravis' heartbeat found control lost. Any thread. The signal that tells the same is not used: while it
+  /// is emitted, the heartbeat's thread holds a reference, and would have to wait for itself were that the last one.
+  bool HoldsControl() const;
 
   KrResult GetPayloadSize(std::uint64_t& aBytes);
   /// Sets the size of the stream's packets, headers included; a device that refuses keeps its own.
   void SetPacketSize(std::uint32_t aBytes);
   /// Opens the stream channel; the device's socket buffer holds at least aSocketBufferBytes.
-  KrResult CreateStream(std::uint32_t aSocketBufferBytes, GObjectPointer<ArvStream>& aStream);
+  KrResult CreateStream(std::uint32_t aSocketBufferBytes, StreamPointer& aStream);
   KrResult StartAcquisition();
   KrResult StopAcquisition();
 

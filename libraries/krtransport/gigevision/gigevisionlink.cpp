@@ -58,11 +58,10 @@ KrResult GigEVisionLink::OpenChannel(const LinkTarget& aTarget, Parts& aParts) {
 GigEVisionLink::GigEVisionLink(const LinkTarget& aTarget, Parts aParts)
     : mIoThread(std::move(aParts.ioThread)), mDevice(std::move(aParts.device)),
       mSource(mDevice != nullptr ? std::make_unique<AravisBufferSource>(*mIoThread, mDevice, aTarget) : nullptr),
-      mWatch(aTarget, std::move(aParts.watchClient), [this](const KrResult& aReason) { OnLost(aReason); }),
-      mPort(std::make_unique<GigEVisionRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))) {
-  if (mDevice != nullptr)
-    mDevice->SetOnControlLost([this] { mWatch.ReportLoss(); });
-}
+      mWatch(
+          aTarget, std::move(aParts.watchClient), [this] { return mDevice == nullptr || mDevice->HoldsControl(); },
+          [this](const KrResult& aReason) { OnLost(aReason); }),
+      mPort(std::make_unique<GigEVisionRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))) {}
 
 GigEVisionLink::~GigEVisionLink() {
   mWatch.Stop();
@@ -70,7 +69,7 @@ GigEVisionLink::~GigEVisionLink() {
   mIoThread->Interrupt({KrResult::Code::Aborted, "The device is being closed."});
   mSource.reset();
   mPort.reset();
-  // Aravis' heartbeat may still report to the watch until the device is gone, so the watch outlives it.
+  // Released where it was used: its destruction makes blocking calls.
   const KrResult released = mIoThread->RunToEnd([this](const std::atomic<bool>&) {
     mDevice.reset();
     return KrResult();

@@ -16,6 +16,18 @@ struct GObjectRelease {
 template <typename T>
 using GObjectPointer = std::unique_ptr<T, GObjectRelease>;
 
+/// Ends a stream's receiving thread before the reference is given up: were that thread to hold the last one, as it does
+/// for the time of a signal, the stream would wait for it on itself.
+struct StreamRelease {
+  void operator()(ArvStream* aStream) const {
+    g_object_set(aStream, "emit-signals", FALSE, nullptr);
+    arv_stream_stop_thread(aStream, FALSE);
+    g_object_unref(aStream);
+  }
+};
+
+using StreamPointer = std::unique_ptr<ArvStream, StreamRelease>;
+
 /// Takes the error that a GLib call may set, and frees it. One call each.
 class GErrorHolder {
 public:

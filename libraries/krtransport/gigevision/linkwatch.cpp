@@ -20,9 +20,10 @@ constexpr GvcpPatience kDiscoveryPatience{milliseconds(200), 1};
 
 } // namespace
 
-LinkWatch::LinkWatch(const LinkTarget& aTarget, GvcpClient aClient, std::function<void(const KrResult&)> aOnLost)
-    : mTarget(aTarget), mOnLost(std::move(aOnLost)), mClient(std::move(aClient)),
-      mThread([this](const std::stop_token& aStop) { Watch(aStop); }) {}
+LinkWatch::LinkWatch(const LinkTarget& aTarget, GvcpClient aClient, std::function<bool()> aHoldsControl,
+                     std::function<void(const KrResult&)> aOnLost)
+    : mTarget(aTarget), mHoldsControl(std::move(aHoldsControl)), mOnLost(std::move(aOnLost)),
+      mClient(std::move(aClient)), mThread([this](const std::stop_token& aStop) { Watch(aStop); }) {}
 
 void LinkWatch::Stop() {
   mThread.request_stop();
@@ -33,13 +34,6 @@ void LinkWatch::Stop() {
 void LinkWatch::ReportSilence() {
   const std::lock_guard lock(mRequestMutex);
   mIsSilent = true;
-  mIsProbeWanted = true;
-  mRequest.notify_all();
-}
-
-void LinkWatch::ReportLoss() {
-  const std::lock_guard lock(mRequestMutex);
-  mIsLossReported = true;
   mIsProbeWanted = true;
   mRequest.notify_all();
 }
@@ -60,15 +54,9 @@ void LinkWatch::Watch(const std::stop_token& aStop) {
 }
 
 void LinkWatch::PauseUntil(steady_clock::time_point aMoment, const std::stop_token& aStop) {
-  bool isLossReported = false;
-  {
-    std::unique_lock lock(mRequestMutex);
-    mRequest.wait_until(lock, aStop, aMoment, [this] { return mIsProbeWanted; });
-    mIsProbeWanted = false;
-    isLossReported = std::exchange(mIsLossReported, false);
-  }
-  if (isLossReported)
-    Lose("Its control channel was lost");
+  std::unique_lock lock(mRequestMutex);
+  mRequest.wait_until(lock, aStop, aMoment, [this] { return mIsProbeWanted; });
+  mIsProbeWanted = false;
 }
 
 LinkWatch::Finding LinkWatch::Probe(const std::stop_token& aStop) {
@@ -103,7 +91,9 @@ void LinkWatch::Judge(Finding aFinding) {
       Tell([](krsystem::IDeviceLinkSink& aSink) { aSink.OnLinkBack(); });
     return;
   }
-  if (aFinding == Finding::Uncontrolled)
+  if (!mHoldsControl())
+    Lose("Its heartbeat was lost");
+  else if (aFinding == Finding::Uncontrolled)
     Lose("It answers, but is not controlled any more: it was restarted, or its control was taken away");
   else if (aFinding == Finding::Silent && ++mSilentTries >= kSilentTriesUntilLost)
     Lose("It does not answer any more; check its cable and power");

@@ -24,8 +24,10 @@ namespace krtransport {
 /// Ownership: borrows the sink.
 class LinkWatch {
 public:
-  /// aOnLost is called once, on the watch's thread, before the sink hears of the loss.
-  LinkWatch(const LinkTarget& aTarget, GvcpClient aClient, std::function<void(const KrResult&)> aOnLost);
+  /// aHoldsControl says whether the link's own heartbeat still goes; aOnLost is called once, before the sink hears of
+  /// the loss. Both are called on the watch's thread, until Stop.
+  LinkWatch(const LinkTarget& aTarget, GvcpClient aClient, std::function<bool()> aHoldsControl,
+            std::function<void(const KrResult&)> aOnLost);
   ~LinkWatch() { Stop(); }
   LinkWatch(const LinkWatch&) = delete;
   LinkWatch& operator=(const LinkWatch&) = delete;
@@ -35,8 +37,6 @@ public:
   bool IsSilent() const { return mIsSilent; }
   /// An access got no answer: the device is asked at once.
   void ReportSilence();
-  /// Somebody else learned that control is lost.
-  void ReportLoss();
   /// As IDeviceLink::SetSink.
   void SetSink(krsystem::IDeviceLinkSink* aSink);
   /// Ends the watch: afterwards no call of it runs or comes. Not from a sink's call.
@@ -53,6 +53,7 @@ private:
   void PauseUntil(std::chrono::steady_clock::time_point aMoment, const std::stop_token& aStop);
 
   const LinkTarget mTarget;
+  const std::function<bool()> mHoldsControl;
   const std::function<void(const KrResult&)> mOnLost;
   // Used by the watch's thread alone.
   GvcpClient mClient;
@@ -62,11 +63,10 @@ private:
   std::atomic<bool> mIsConnected{true};
   std::atomic<bool> mIsSilent{false};
 
-  // Guards the requests to the watch's thread.
+  // Guards the request to the watch's thread.
   std::mutex mRequestMutex;
   std::condition_variable_any mRequest;
   bool mIsProbeWanted = false;
-  bool mIsLossReported = false;
 
   // Guards the sink and the thread on which a call of it runs, if one does.
   std::mutex mSinkMutex;
