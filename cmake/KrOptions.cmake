@@ -17,8 +17,8 @@ target_compile_options(kr_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wvla
   $<$<BOOL:${KRGUI_WARNINGS_ARE_ERRORS}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # Optimising, GCC 12 finds these faults in joined std::strings and grown std::vectors where there are none.
-  target_compile_options(kr_options INTERFACE -Wno-restrict -Wno-array-bounds -Wno-stringop-overflow)
+  # Optimising, GCC 12 finds these faults in std::string and std::vector where there are none.
+  target_compile_options(kr_options INTERFACE -Wno-restrict -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
 endif()
 if(KRGUI_CCACHE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(kr_options INTERFACE -fpch-preprocess)

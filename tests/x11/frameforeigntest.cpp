@@ -1,4 +1,4 @@
-// Windows inside and above windows that are not Qt's, as the X server and a window manager have them.
+// Windows inside and above windows that are not Qt's, as the X server has them, with a window manager and without.
 
 #include "nativewindow.h"
 #include "testwnd.h"
@@ -14,7 +14,6 @@ namespace krgui {
 namespace {
 
 using Code = KrResult::Code;
-using Kind = NativeWindow::Kind;
 
 /// What a user's hands do.
 void XDoTool(const QStringList& aArguments) {
@@ -34,19 +33,9 @@ xcb_window_t GetXID(const TestWnd& aWindow) {
   return static_cast<xcb_window_t>(aWindow.GetHandle());
 }
 
-class KindName {
-public:
-  std::string operator()(const testing::TestParamInfo<Kind>& aInfo) const {
-    return aInfo.param == Kind::Managed ? "WithWindowManager" : "WithoutWindowManager";
-  }
-};
-
 /// A window with a line to type into, inside a native window.
-class ForeignParent : public testing::TestWithParam<Kind> {
+class ForeignParent : public testing::Test {
 protected:
-  static constexpr int kX = 300;
-  static constexpr int kY = 200;
-
   void SetUp() override {
     mWindow.SetPosition(20, 30, 400, 300);
     mWindow.onInitDialog = [this] {
@@ -61,16 +50,20 @@ protected:
   /// Where the line is on the screen; the window manager may have moved the parent.
   QPoint FindLineOnScreen() { return mLine->mapToGlobal(mLine->rect().center()); }
 
+  /// The server sends keys to the child, and the toolkit knows.
   bool AwaitKeys() {
-    return WaitFor([this] { return QGuiApplication::focusWindow() == mWindow.GetWidget()->windowHandle(); });
+    return WaitFor([this] {
+      return mParent.FindFocus() == GetXID(mWindow) &&
+             QGuiApplication::focusWindow() == mWindow.GetWidget()->windowHandle();
+    });
   }
 
-  NativeWindow mParent{GetParam(), kX, kY, 600, 500};
+  NativeWindow mParent{300, 200, 600, 500};
   TestWnd mWindow;
   QLineEdit* mLine = nullptr;
 };
 
-TEST_P(ForeignParent, Child_LiesInTheNativeWindowAtItsPosition) {
+TEST_F(ForeignParent, Child_LiesInTheNativeWindowAtItsPosition) {
   const NativeWindow::Placing placing = mParent.Find(GetXID(mWindow));
 
   EXPECT_EQ(placing.parent, mParent.GetID());
@@ -81,7 +74,7 @@ TEST_P(ForeignParent, Child_LiesInTheNativeWindowAtItsPosition) {
   EXPECT_EQ(GetPosition(mWindow), (Position{20, 30, 400, 300}));
 }
 
-TEST_P(ForeignParent, SetPosition_MovesTheChildInside) {
+TEST_F(ForeignParent, SetPosition_MovesTheChildInside) {
   mWindow.SetPosition(40, 50, 410, 310);
 
   EXPECT_TRUE(WaitFor([this] {
@@ -91,7 +84,7 @@ TEST_P(ForeignParent, SetPosition_MovesTheChildInside) {
   EXPECT_EQ(GetPosition(mWindow), (Position{40, 50, 410, 310}));
 }
 
-TEST_P(ForeignParent, KeysAfterOpening_ArriveInTheChild) {
+TEST_F(ForeignParent, KeysAfterOpening_ArriveInTheChild) {
   ASSERT_TRUE(AwaitKeys());
 
   Type(QStringLiteral("abc"));
@@ -99,7 +92,7 @@ TEST_P(ForeignParent, KeysAfterOpening_ArriveInTheChild) {
   EXPECT_TRUE(WaitFor([this] { return mLine->text() == QStringLiteral("abc"); }));
 }
 
-TEST_P(ForeignParent, KeysAfterAClick_ArriveInTheChild) {
+TEST_F(ForeignParent, KeysAfterAClick_ArriveInTheChild) {
   ASSERT_TRUE(AwaitKeys());
   mParent.Focus();
   ASSERT_TRUE(WaitFor([] { return QGuiApplication::focusWindow() == nullptr; }));
@@ -112,7 +105,7 @@ TEST_P(ForeignParent, KeysAfterAClick_ArriveInTheChild) {
   EXPECT_TRUE(WaitFor([this] { return mLine->text() == QStringLiteral("xyz"); }));
 }
 
-TEST_P(ForeignParent, EscapeAndEnter_DoNotHideTheChild) {
+TEST_F(ForeignParent, EscapeAndEnter_DoNotHideTheChild) {
   ASSERT_TRUE(AwaitKeys());
 
   XDoTool({QStringLiteral("key"), QStringLiteral("Escape"), QStringLiteral("Return")});
@@ -121,7 +114,7 @@ TEST_P(ForeignParent, EscapeAndEnter_DoNotHideTheChild) {
   EXPECT_TRUE(mWindow.GetWidget()->isVisible());
 }
 
-TEST_P(ForeignParent, NativeWindowDestroyed_ClosesTheChild) {
+TEST_F(ForeignParent, NativeWindowDestroyed_ClosesTheChild) {
   mParent.Destroy();
 
   EXPECT_TRUE(WaitFor([this] { return mWindow.GetHandle() == 0; }));
@@ -130,7 +123,7 @@ TEST_P(ForeignParent, NativeWindowDestroyed_ClosesTheChild) {
   DeleteWhatIsLeft();
 }
 
-TEST_P(ForeignParent, NativeWindowDestroyed_ChildCanBeShownAgain) {
+TEST_F(ForeignParent, NativeWindowDestroyed_ChildCanBeShownAgain) {
   mParent.Destroy();
   ASSERT_TRUE(WaitFor([this] { return mWindow.GetHandle() == 0; }));
 
@@ -140,7 +133,7 @@ TEST_P(ForeignParent, NativeWindowDestroyed_ChildCanBeShownAgain) {
   DeleteWhatIsLeft();
 }
 
-TEST_P(ForeignParent, NativeWindowDestroyed_IsNoticedByDoEventsAlone) {
+TEST_F(ForeignParent, NativeWindowDestroyed_IsNoticedByDoEventsAlone) {
   mParent.Destroy();
 
   while (mWindow.GetHandle() != 0) {
@@ -151,7 +144,7 @@ TEST_P(ForeignParent, NativeWindowDestroyed_IsNoticedByDoEventsAlone) {
   DeleteWhatIsLeft();
 }
 
-TEST_P(ForeignParent, NativeWindowDestroyedAroundNativeChildren_WarnsOfNothing) {
+TEST_F(ForeignParent, NativeWindowDestroyedAroundNativeChildren_WarnsOfNothing) {
   auto* surface = new QWidget(mWindow.GetWidget());
   surface->setAttribute(Qt::WA_DontCreateNativeAncestors);
   surface->setAttribute(Qt::WA_NativeWindow);
@@ -167,7 +160,7 @@ TEST_P(ForeignParent, NativeWindowDestroyedAroundNativeChildren_WarnsOfNothing) 
   QTest::qWait(0);
 }
 
-TEST_P(ForeignParent, ChildClosed_LeavesTheNativeWindow) {
+TEST_F(ForeignParent, ChildClosed_LeavesTheNativeWindow) {
   ASSERT_TRUE(mWindow.Close().IsOK());
   DeleteWhatIsLeft();
   QTest::qWait(0);
@@ -175,7 +168,7 @@ TEST_P(ForeignParent, ChildClosed_LeavesTheNativeWindow) {
   EXPECT_NE(mParent.Find(mParent.GetID()).width, 0);
 }
 
-TEST_P(ForeignParent, TenReopenings_NeitherMoveNorResize) {
+TEST_F(ForeignParent, TenReopenings_NeitherMoveNorResize) {
   for (int opening = 0; opening < 10; ++opening) {
     ASSERT_TRUE(mWindow.Close().IsOK());
     ASSERT_EQ(GetPosition(mWindow), (Position{20, 30, 400, 300}));
@@ -189,8 +182,6 @@ TEST_P(ForeignParent, TenReopenings_NeitherMoveNorResize) {
   EXPECT_EQ(placing.y, 30);
 }
 
-INSTANTIATE_TEST_SUITE_P(Parents, ForeignParent, testing::Values(Kind::Managed, Kind::Unmanaged), KindName());
-
 TEST(ForeignWindows, IDThatIsNoWindow_FailsWithAText) {
   TestWnd window;
 
@@ -203,7 +194,7 @@ TEST(ForeignWindows, IDThatIsNoWindow_FailsWithAText) {
 }
 
 TEST(ForeignWindows, IDOfAWindowThatWasDestroyed_Fails) {
-  NativeWindow native(Kind::Unmanaged, 100, 100, 200, 200);
+  NativeWindow native(100, 100, 200, 200);
   const HWND id = native.GetID();
   native.Destroy();
   TestWnd window;
@@ -212,7 +203,7 @@ TEST(ForeignWindows, IDOfAWindowThatWasDestroyed_Fails) {
 }
 
 TEST(ForeignWindows, ModelessAboveANativeWindow_IsOwnedByIt) {
-  NativeWindow owner(Kind::Managed, 100, 100, 300, 200);
+  NativeWindow owner(100, 100, 300, 200);
   TestWnd window;
 
   ASSERT_TRUE(window.ShowModeless(owner.GetID()).IsOK());
@@ -223,7 +214,7 @@ TEST(ForeignWindows, ModelessAboveANativeWindow_IsOwnedByIt) {
 }
 
 TEST(ForeignWindows, OwnerDestroyed_ClosesTheModelessWindow) {
-  NativeWindow owner(Kind::Managed, 100, 100, 300, 200);
+  NativeWindow owner(100, 100, 300, 200);
   TestWnd window;
   ASSERT_TRUE(window.ShowModeless(owner.GetID()).IsOK());
   ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
@@ -236,7 +227,7 @@ TEST(ForeignWindows, OwnerDestroyed_ClosesTheModelessWindow) {
 }
 
 TEST(ForeignWindows, ModelessWindowClosed_LeavesItsOwner) {
-  NativeWindow owner(Kind::Managed, 100, 100, 300, 200);
+  NativeWindow owner(100, 100, 300, 200);
   TestWnd window;
   ASSERT_TRUE(window.ShowModeless(owner.GetID()).IsOK());
 
@@ -247,7 +238,7 @@ TEST(ForeignWindows, ModelessWindowClosed_LeavesItsOwner) {
 }
 
 TEST(ForeignWindows, WindowObjectDeletedWhileInside_LeavesTheNativeWindow) {
-  NativeWindow parent(Kind::Managed, 100, 100, 600, 400);
+  NativeWindow parent(100, 100, 600, 400);
   {
     TestWnd window;
     ASSERT_TRUE(window.Create(parent.GetID(), 0).IsOK());
@@ -260,7 +251,7 @@ TEST(ForeignWindows, WindowObjectDeletedWhileInside_LeavesTheNativeWindow) {
 }
 
 TEST(ForeignWindows, WidgetDeletedByTheApplicationWhileInside_IsOrderly) {
-  NativeWindow parent(Kind::Managed, 100, 100, 600, 400);
+  NativeWindow parent(100, 100, 600, 400);
   TestWnd window;
   ASSERT_TRUE(window.Create(parent.GetID(), 0).IsOK());
   ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));

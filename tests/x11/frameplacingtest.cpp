@@ -132,7 +132,7 @@ TEST(Placing, SetWhileOpen_MovesTheFrameThere) {
 
 TEST(Closing, ByTheWindowManager_ClosesAModelessWindow) {
   TestWnd window;
-  NativeWindow taskBar(NativeWindow::Kind::Unmanaged, 0, 1500, 50, 50);
+  NativeWindow taskBar(0, 1500, 50, 50);
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
   ASSERT_TRUE(AwaitPlaced(window));
 

@@ -59,7 +59,8 @@ public:
   /// False once the device is lost.
   bool IsConnected() const;
 
-  /// Registers a sink; null or one that is registered already is InvalidInput.
+  /// Registers a sink; null or one that is registered already is InvalidInput. A loss before that is not told again:
+  /// IsConnected() says it.
   KrResult RegisterEventSink(KrDeviceEventSink* aSink);
   /// Takes a sink out; returns when no call of it is running on another thread. InvalidInput when it is not registered.
   KrResult UnregisterEventSink(KrDeviceEventSink* aSink);

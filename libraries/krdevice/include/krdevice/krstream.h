@@ -30,8 +30,8 @@ struct KrStreamStatistics {
 ///     if (stream.Start().IsOK()) {
 ///       KrBuffer* buffer = nullptr;
 ///       while (stream.Retrieve(buffer, 1000).IsOK()) {
-///         window.Display(*buffer, false);
-///         stream.Release(buffer);
+///         KrResult shown = window.Display(*buffer, false);
+///         KrResult released = stream.Release(buffer);
 ///       }
 ///     }
 class KR_EXPORT KrStream {

@@ -19,7 +19,7 @@ class DisplayWnd;
 ///     KrResult shown = window.ShowModeless(0);
 ///     while (stream.Retrieve(buffer, 1000).IsOK()) { // on the acquisition thread
 ///       KrResult displayed = window.Display(*buffer, false);
-///       stream.Release(buffer);
+///       KrResult released = stream.Release(buffer);
 ///     }
 class KR_EXPORT KrDisplayWnd : public KrWnd {
 public:
