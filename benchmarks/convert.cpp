@@ -1,4 +1,5 @@
-// How long does the conversion of one image to BGRa8 take? The physical limit, and the peer, is a memset of the destination.
+// How long does the conversion of one image to BGRa8 take? The physical limit, and the peer, is a memset of the
+// destination.
 
 #include "figure.h"
 #include "krbuffer/krbufferconverter.h"
@@ -35,8 +36,8 @@ void Measure(const Size& aSize, KrPixelType aType, int aThreads) {
   const KrBufferConverter converter(aThreads);
 
   constexpr int kRuns = 15;
-  const double limit = benchmarks::MeasureBestMs(
-      kRuns, [&] { std::memset(destination.GetDataPointer(), 0x55, destination.GetSize()); });
+  const double limit =
+      benchmarks::MeasureBestMs(kRuns, [&] { std::memset(destination.GetDataPointer(), 0x55, destination.GetSize()); });
   const double time = benchmarks::MeasureBestMs(
       kRuns, [&] { Require(converter.Convert(source.GetImage(), &destination, false, false)); });
 
@@ -50,8 +51,8 @@ void Measure(const Size& aSize, KrPixelType aType, int aThreads) {
 
 int main() {
   for (const Size& size : {Size{1920, 1080}, Size{4096, 3000}})
-    for (const KrPixelType type : {KrPixel::Mono8, KrPixel::Mono12, KrPixel::Mono12p, KrPixel::Mono16, KrPixel::BayerRG8,
-                                   KrPixel::RGB8, KrPixel::BGRa8})
+    for (const KrPixelType type : {KrPixel::Mono8, KrPixel::Mono12, KrPixel::Mono12p, KrPixel::Mono16,
+                                   KrPixel::BayerRG8, KrPixel::RGB8, KrPixel::BGRa8})
       for (const int threads : {1, -1})
         Measure(size, type, threads);
 }

@@ -1,7 +1,7 @@
-// What does KrStream cost on top of the receiver that it stands on? The same camera, an independent program on loopback,
-// is streamed through KrStream and through bare Aravis in one run. The camera bursts as fast as it is told to, so frames a
-// second show whether we keep up, and CPU time per frame what it costs. The limit is a memcpy of one frame.
-// Run it in a network namespace (scripts/bench.sh does).
+// What does KrStream cost on top of the receiver that it stands on? The same camera, an independent program on
+// loopback, is streamed through KrStream and through bare Aravis in one run. The camera bursts as fast as it is told
+// to, so frames a second show whether we keep up, and CPU time per frame what it costs. The limit is a memcpy of one
+// frame. Run it in a network namespace (scripts/bench.sh does).
 
 #include "fakecamera.h"
 #include "figure.h"
@@ -91,7 +91,8 @@ Measured MeasureAravis() {
   ObjectPointer<ArvStream> stream(arv_camera_create_stream(camera.get(), nullptr, nullptr, &error));
   if (!stream)
     Fail("create the bare stream", error->message);
-  g_object_set(stream.get(), "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_FIXED, "socket-buffer-size", 8 << 20, nullptr);
+  g_object_set(stream.get(), "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_FIXED, "socket-buffer-size", 8 << 20,
+               nullptr);
   for (std::size_t i = 0; i < kBuffers; ++i)
     arv_stream_push_buffer(stream.get(), arv_buffer_new(kWidth * kHeight, nullptr));
   arv_camera_start_acquisition(camera.get(), &error);

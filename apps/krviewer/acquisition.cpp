@@ -11,9 +11,9 @@ namespace {
 constexpr std::uint32_t kRetrieveTimeoutMs = 500;
 
 std::uint64_t GetSteadyNs() {
-  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(
-                                        std::chrono::steady_clock::now().time_since_epoch())
-                                        .count());
+  return static_cast<std::uint64_t>(
+      std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+          .count());
 }
 
 } // namespace
@@ -32,7 +32,9 @@ Acquisition::Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, std
     : mWindow(aWindow), mDeviceInfo(aDevice), mFrameLimit(aFrameLimit),
       mThread([this](std::stop_token aStop) { Run(aStop); }) {}
 
-Acquisition::~Acquisition() { Stop(); }
+Acquisition::~Acquisition() {
+  Stop();
+}
 
 void Acquisition::Stop() {
   mThread.request_stop();

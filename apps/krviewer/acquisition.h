@@ -26,10 +26,10 @@ enum class AcquisitionState {
 /// A copy of what the thread has come to.
 struct AcquisitionProgress {
   AcquisitionState state = AcquisitionState::Connecting;
-  KrResult result;              ///< Why it was lost or failed.
-  std::uint64_t frames = 0;     ///< Frames that came, whole or not.
-  std::uint64_t lastFrameID = 0;///< Of the frame displayed last.
-  double framesPerSecond = 0;   ///< Over the whole run.
+  KrResult result;               ///< Why it was lost or failed.
+  std::uint64_t frames = 0;      ///< Frames that came, whole or not.
+  std::uint64_t lastFrameID = 0; ///< Of the frame displayed last.
+  double framesPerSecond = 0;    ///< Over the whole run.
   double megabytesPerSecond = 0;
   KrStreamStatistics statistics;
 };

@@ -14,12 +14,14 @@ CommandLineStatus Fail(const QString& aReason, QString& aText) {
 } // namespace
 
 CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& aCommandLine, QString& aText) {
-  const QCommandLineOption device("device", "Show this camera: an ID, a MAC or IP address or a user-defined name. "
-                                            "Without it the first camera is shown.",
+  const QCommandLineOption device("device",
+                                  "Show this camera: an ID, a MAC or IP address or a user-defined name. "
+                                  "Without it the first camera is shown.",
                                   "DEVICE");
   const QCommandLineOption simulate("simulate", "Offer the built-in simulated cameras beside the real ones.");
   const QCommandLineOption frames("frames", "End after this number of frames.", "N");
-  const QCommandLineOption screenshot("screenshot", "At the end write pictures of the windows into this folder.", "DIR");
+  const QCommandLineOption screenshot("screenshot", "At the end write pictures of the windows into this folder.",
+                                      "DIR");
   const QCommandLineOption headless("headless", "Use no display, even where there is one.");
   const QCommandLineOption help({"h", "help"}, "Print this text.");
   const QCommandLineOption version({"v", "version"}, "Print the version.");

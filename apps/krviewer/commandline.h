@@ -9,11 +9,11 @@
 namespace krviewer {
 
 struct CommandLine {
-  QString device;            ///< ID, MAC, IP address or user-defined name; empty for the first camera.
-  bool simulate = false;     ///< The built-in simulated lab beside the real devices.
-  bool headless = false;     ///< Without a display.
-  std::uint64_t frames = 0;  ///< Ends after so many frames; 0 never.
-  QString screenshotFolder;  ///< Where pictures go at the end; empty for none.
+  QString device;           ///< ID, MAC, IP address or user-defined name; empty for the first camera.
+  bool simulate = false;    ///< The built-in simulated lab beside the real devices.
+  bool headless = false;    ///< Without a display.
+  std::uint64_t frames = 0; ///< Ends after so many frames; 0 never.
+  QString screenshotFolder; ///< Where pictures go at the end; empty for none.
 };
 
 enum class CommandLineStatus { Run, Help, Version, Error };

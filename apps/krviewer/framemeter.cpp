@@ -15,7 +15,9 @@ void FrameMeter::Add(std::uint64_t aTimeNs, std::uint64_t aBytes) {
     mArrivals.pop_front();
 }
 
-void FrameMeter::Reset() { mArrivals.clear(); }
+void FrameMeter::Reset() {
+  mArrivals.clear();
+}
 
 double FrameMeter::GetSpanSeconds() const {
   if (mArrivals.size() < 2)

@@ -43,9 +43,13 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
     return 1;
   }
   KrSystem system;
+  // So that cameras of a foreign subnet answer too, and a user is told why one cannot be opened.
+  system.SetSubnetBroadcastEnabled(false);
   const KrDeviceInfo* device = nullptr;
   if (KrResult selected = krapps::SelectDevice(system, aCommandLine.device.toStdString(), device); !selected.IsOK()) {
     std::fprintf(stderr, "%s\n", selected.GetDescription().CStr());
+    if (!aCommandLine.simulate)
+      std::fprintf(stderr, "With --simulate there are simulated cameras to try.\n");
     return 1;
   }
   return krviewer::Viewer(*device, aCommandLine).Run();

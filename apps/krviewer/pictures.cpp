@@ -20,8 +20,7 @@ QImage GrabWindow(QWidget& aWidget) {
 }
 
 KrResult FailToWrite(const QString& aPath, const QString& aReason) {
-  return {KrResult::Code::SystemError,
-          QStringLiteral("Cannot write %1: %2").arg(aPath, aReason).toStdString()};
+  return {KrResult::Code::SystemError, QStringLiteral("Cannot write %1: %2").arg(aPath, aReason).toStdString()};
 }
 
 KrResult SaveImage(const QImage& aImage, const QString& aPath) {
@@ -48,9 +47,8 @@ KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder) {
     return FailToWrite(aFolder, QStringLiteral("the folder cannot be made"));
 
   const QDir folder(aFolder);
-  const QImage frame(image->GetDataPointer(), static_cast<int>(image->GetWidth()),
-                     static_cast<int>(image->GetHeight()), static_cast<qsizetype>(image->GetWidth()) * 4,
-                     QImage::Format_RGB32);
+  const QImage frame(image->GetDataPointer(), static_cast<int>(image->GetWidth()), static_cast<int>(image->GetHeight()),
+                     static_cast<qsizetype>(image->GetWidth()) * 4, QImage::Format_RGB32);
   if (KrResult result = SaveImage(GrabWindow(*widget), folder.filePath(QStringLiteral("display.png"))); !result.IsOK())
     return result;
   if (KrResult result = SaveImage(frame, folder.filePath(QStringLiteral("frame.png"))); !result.IsOK())

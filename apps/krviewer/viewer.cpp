@@ -19,7 +19,9 @@ constexpr int kLookIntervalMs = 50;
 
 std::atomic<bool> sInterrupted = false;
 
-QString ToText(const KrString& aText) { return QString::fromUtf8(aText.CStr()); }
+QString ToText(const KrString& aText) {
+  return QString::fromUtf8(aText.CStr());
+}
 
 QString GetStateText(const AcquisitionProgress& aProgress) {
   switch (aProgress.state) {
@@ -49,7 +51,9 @@ Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
 
 Viewer::~Viewer() = default;
 
-void Viewer::Interrupt() noexcept { sInterrupted = true; }
+void Viewer::Interrupt() noexcept {
+  sInterrupted = true;
+}
 
 void Viewer::PlaceWindow() {
   const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();

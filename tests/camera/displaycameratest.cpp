@@ -1,4 +1,5 @@
-// From an independent camera to the screen, in one process: found, opened, streamed, shown, and compared pixel by pixel.
+// From an independent camera to the screen, in one process: found, opened, streamed, shown, and compared pixel by
+// pixel.
 
 #include "fakecamera.h"
 #include "krdevice/krdevice.h"
@@ -26,9 +27,9 @@ constexpr std::uint64_t kWidthRegister = 0x100;
 constexpr std::uint64_t kHeightRegister = 0x104;
 
 void WriteNumber(KrDevice& aDevice, std::uint64_t aAddress, std::uint32_t aValue) {
-  const std::array<std::uint8_t, 4> bytes = {
-      static_cast<std::uint8_t>(aValue >> 24), static_cast<std::uint8_t>(aValue >> 16),
-      static_cast<std::uint8_t>(aValue >> 8), static_cast<std::uint8_t>(aValue)};
+  const std::array<std::uint8_t, 4> bytes = {static_cast<std::uint8_t>(aValue >> 24),
+                                             static_cast<std::uint8_t>(aValue >> 16),
+                                             static_cast<std::uint8_t>(aValue >> 8), static_cast<std::uint8_t>(aValue)};
   const KrResult written = aDevice.GetRegisterPort().Write(aAddress, bytes.data(), bytes.size(), 5000);
   ASSERT_TRUE(written.IsOK()) << written.GetDescription().CStr();
 }

@@ -28,8 +28,7 @@ public:
   QString GetErrors() const { return mErrors; }
   /// The number behind "name=" in what it printed; -1 when it printed none.
   double GetFigure(const QString& aName) const {
-    const QRegularExpressionMatch match =
-        QRegularExpression("\\b" + aName + "=([0-9.]+)").match(mOutput);
+    const QRegularExpressionMatch match = QRegularExpression("\\b" + aName + "=([0-9.]+)").match(mOutput);
     return match.hasMatch() ? match.captured(1).toDouble() : -1.0;
   }
   /// The window's client area as it was on the screen.

@@ -14,15 +14,14 @@ namespace plainpicture {
 
 /// Where an image fitted into a client area lies: as large as fits, centred.
 inline QRect FitRect(QSize aClient, QSize aImage) {
-  const double factor = 1.0 / std::max(double(aImage.width()) / aClient.width(),
-                                       double(aImage.height()) / aClient.height());
+  const double factor =
+      1.0 / std::max(double(aImage.width()) / aClient.width(), double(aImage.height()) / aClient.height());
   const auto edge = [&](int aView, int aSize, double aSide) {
     return int(aView * 0.5 + aSide * aSize * factor * 0.5 + 0.5);
   };
   const int left = edge(aClient.width(), aImage.width(), -1);
   const int top = edge(aClient.height(), aImage.height(), -1);
-  return {left, top, edge(aClient.width(), aImage.width(), 1) - left,
-          edge(aClient.height(), aImage.height(), 1) - top};
+  return {left, top, edge(aClient.width(), aImage.width(), 1) - left, edge(aClient.height(), aImage.height(), 1) - top};
 }
 
 /// The client area with the image in it, each pixel taken from the source pixel under its centre.
@@ -53,8 +52,8 @@ inline std::string Compare(const QImage& aActual, const QImage& aExpected, QRect
       if (actual == expected || aExcept.contains(x, y))
         continue;
       if (count++ == 0)
-        first = "at " + std::to_string(x) + "," + std::to_string(y) + " " +
-                QColor(actual).name().toStdString() + " instead of " + QColor(expected).name().toStdString();
+        first = "at " + std::to_string(x) + "," + std::to_string(y) + " " + QColor(actual).name().toStdString() +
+                " instead of " + QColor(expected).name().toStdString();
     }
   return count == 0 ? "" : std::to_string(count) + " pixels differ, the first " + first;
 }

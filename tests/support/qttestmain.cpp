@@ -1,5 +1,5 @@
-// The main function of tests that make windows: an application object, the font that the tests measure in, and no warning
-// of the toolkit goes by unnoticed.
+// The main function of tests that make windows: an application object, the font that the tests measure in, and no
+// warning of the toolkit goes by unnoticed.
 
 #include <QApplication>
 #include <QFontDatabase>

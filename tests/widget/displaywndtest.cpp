@@ -119,9 +119,9 @@ TEST_F(KrDisplayWndTest, Image_OfAnyShape_IsFittedCentredAndFramedInTheBackgroun
     const QImage picture = Grab();
 
     EXPECT_EQ(picture.size(), QSize(300, 200) * GetRatio());
-    EXPECT_EQ(plainpicture::Compare(
-                  picture, plainpicture::Compute(picture.size(), ToQImage(buffer), QColor(200, 30, 60))),
-              "")
+    EXPECT_EQ(
+        plainpicture::Compare(picture, plainpicture::Compute(picture.size(), ToQImage(buffer), QColor(200, 30, 60))),
+        "")
         << width << "x" << height;
   }
 }
@@ -136,9 +136,9 @@ TEST_F(KrDisplayWndTest, Image_AfterAResize_IsFittedAnew) {
 
   const QImage picture = Grab();
   EXPECT_EQ(picture.size(), QSize(420, 111) * GetRatio());
-  EXPECT_EQ(plainpicture::Compare(
-                picture, plainpicture::Compute(picture.size(), ToQImage(buffer), QColor(0x80, 0x80, 0x80))),
-            "");
+  EXPECT_EQ(
+      plainpicture::Compare(picture, plainpicture::Compute(picture.size(), ToQImage(buffer), QColor(0x80, 0x80, 0x80))),
+      "");
 }
 
 TEST_F(KrDisplayWndTest, Image_ShownBeforeOpening_IsThereWhenTheWindowOpens) {
@@ -224,8 +224,10 @@ TEST_F(KrDisplayWndTest, Overlay_Text_StandsAtTheImagesCornerAndChangesNothingEl
   EXPECT_LE(text.bottom(), 45 * ratio);
   EXPECT_GT(plainpicture::Count(picture, text, QColor(0, 255, 0)), 20);
   const int middle = static_cast<int>((5 + 20) * ratio);
-  EXPECT_GT(plainpicture::Count(picture, {text.left(), text.top(), text.width(), middle - text.top()}, QColor(0, 255, 0)), 0);
-  EXPECT_GT(plainpicture::Count(picture, {text.left(), middle, text.width(), text.bottom() - middle}, QColor(0, 255, 0)), 0);
+  EXPECT_GT(
+      plainpicture::Count(picture, {text.left(), text.top(), text.width(), middle - text.top()}, QColor(0, 255, 0)), 0);
+  EXPECT_GT(
+      plainpicture::Count(picture, {text.left(), middle, text.width(), text.bottom() - middle}, QColor(0, 255, 0)), 0);
 }
 
 TEST_F(KrDisplayWndTest, Overlay_WindowsLineEnds_DrawAsPlainOnes) {
@@ -248,7 +250,8 @@ TEST_F(KrDisplayWndTest, Overlay_AmpersandsAndTags_ArePlainText) {
     mWindow.SetTextOverlay(aText);
     EXPECT_TRUE(mWindow.Display(buffer, false).IsOK());
     const QImage picture = Grab();
-    return plainpicture::FindDifference(picture, plainpicture::Compute(picture.size(), ToQImage(buffer), Qt::black)).width();
+    return plainpicture::FindDifference(picture, plainpicture::Compute(picture.size(), ToQImage(buffer), Qt::black))
+        .width();
   };
 
   EXPECT_GT(widthOf("A&B"), widthOf("AB"));

@@ -45,7 +45,8 @@ QImage GrabScreen(const QRect& aRect) {
 // A window made without any toolkit, as another application's would be.
 class ForeignWindow {
 public:
-  ForeignWindow(int aX, int aY, std::uint16_t aWidth, std::uint16_t aHeight) : mConnection(xcb_connect(nullptr, nullptr)) {
+  ForeignWindow(int aX, int aY, std::uint16_t aWidth, std::uint16_t aHeight)
+      : mConnection(xcb_connect(nullptr, nullptr)) {
     const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(mConnection)).data;
     mWindow = xcb_generate_id(mConnection);
     // Unmanaged, so that it stays where it is put.
@@ -124,8 +125,8 @@ TEST(DisplayOnScreen, InAForeignWindow_ShowsTheImageAndTakesItsKeysThere) {
   ASSERT_TRUE(window.Display(buffer, false).IsOK());
 
   const QRect client(320, 230, 320, 240);
-  EXPECT_TRUE(QTest::qWaitFor(
-      [&] { return plainpicture::Compare(GrabScreen(client), ToQImage(buffer)).empty(); }, 20000))
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return plainpicture::Compare(GrabScreen(client), ToQImage(buffer)).empty(); }, 20000))
       << plainpicture::Compare(GrabScreen(client), ToQImage(buffer));
   RunXdotool({"mousemove", "400", "300", "click", "1", "key", "plus"});
   EXPECT_TRUE(QTest::qWaitFor([&] { return recorder.keys.contains(Qt::Key_Plus); }, 20000));

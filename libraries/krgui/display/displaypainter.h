@@ -19,8 +19,8 @@ class DisplayPainter {
 public:
   /// Gets ready for a style and a pixel ratio; before the display lock is taken, as making a font may take a while.
   void Prepare(const DisplayStyle& aStyle, double aPixelRatio);
-  /// Fills the client area: the background alone without an image; otherwise bands, image and overlay. aPainter's unit is
-  /// the device pixel. Call it under the display lock, from DisplayContent::Paint.
+  /// Fills the client area: the background alone without an image; otherwise bands, image and overlay. aPainter's unit
+  /// is the device pixel. Call it under the display lock, from DisplayContent::Paint.
   void Draw(QPainter& aPainter, const DisplayContent::Frame& aFrame);
 
 private:

@@ -3,11 +3,15 @@
 #include "display/displaywnd.h"
 #include "krbase/krlogger.h"
 
-KrDisplayWnd::KrDisplayWnd() { mWnd = std::make_unique<krgui::DisplayWnd>(); }
+KrDisplayWnd::KrDisplayWnd() {
+  mWnd = std::make_unique<krgui::DisplayWnd>();
+}
 
 KrDisplayWnd::~KrDisplayWnd() = default;
 
-krgui::DisplayWnd& KrDisplayWnd::GetWnd() const { return static_cast<krgui::DisplayWnd&>(*mWnd); }
+krgui::DisplayWnd& KrDisplayWnd::GetWnd() const {
+  return static_cast<krgui::DisplayWnd&>(*mWnd);
+}
 
 KrResult KrDisplayWnd::Display(const KrBuffer& aBuffer, bool aFlag) {
   if (aBuffer.GetPayloadType() != KrPayloadType::Image) {
@@ -18,22 +22,34 @@ KrResult KrDisplayWnd::Display(const KrBuffer& aBuffer, bool aFlag) {
   return Display(aBuffer.GetImage(), aFlag);
 }
 
-KrResult KrDisplayWnd::Display(const IKrImage* aImage, bool) { return GetWnd().Display(aImage); }
+KrResult KrDisplayWnd::Display(const IKrImage* aImage, bool) {
+  return GetWnd().Display(aImage);
+}
 
-void KrDisplayWnd::Clear() { GetWnd().Clear(); }
+void KrDisplayWnd::Clear() {
+  GetWnd().Clear();
+}
 
-KrBufferConverter& KrDisplayWnd::GetConverter() { return GetWnd().GetContent().GetConverter(); }
+KrBufferConverter& KrDisplayWnd::GetConverter() {
+  return GetWnd().GetContent().GetConverter();
+}
 
-KrBuffer& KrDisplayWnd::GetInternalBuffer() { return GetWnd().GetContent().GetInternalBuffer(); }
+KrBuffer& KrDisplayWnd::GetInternalBuffer() {
+  return GetWnd().GetContent().GetInternalBuffer();
+}
 
 KrResult KrDisplayWnd::SetBackgroundColor(unsigned char aRed, unsigned char aGreen, unsigned char aBlue) {
   GetWnd().GetContent().GetStyle().backgroundColor = krgui::MakeColorRef(aRed, aGreen, aBlue);
   return {};
 }
 
-void KrDisplayWnd::SetTextOverlay(const KrString& aText) { GetWnd().GetContent().SetPendingText(aText); }
+void KrDisplayWnd::SetTextOverlay(const KrString& aText) {
+  GetWnd().GetContent().SetPendingText(aText);
+}
 
-KrString KrDisplayWnd::GetTextOverlay() const { return GetWnd().GetContent().GetPendingText(); }
+KrString KrDisplayWnd::GetTextOverlay() const {
+  return GetWnd().GetContent().GetPendingText();
+}
 
 void KrDisplayWnd::SetTextOverlayColor(unsigned char aRed, unsigned char aGreen, unsigned char aBlue) {
   GetWnd().GetContent().GetStyle().overlayColor = krgui::MakeColorRef(aRed, aGreen, aBlue);
@@ -51,7 +67,9 @@ KrResult KrDisplayWnd::SetTextOverlaySize(int aSize) {
   return {};
 }
 
-int KrDisplayWnd::GetTextOverlaySize() const { return GetWnd().GetContent().GetStyle().overlaySize; }
+int KrDisplayWnd::GetTextOverlaySize() const {
+  return GetWnd().GetContent().GetStyle().overlaySize;
+}
 
 void KrDisplayWnd::SetTextOverlayOffsetX(unsigned int aOffset) {
   GetWnd().GetContent().GetStyle().overlayOffsetX = aOffset;

@@ -17,7 +17,8 @@ QFont MakeFace(double aCharacterHeight) {
   return font;
 }
 
-// The character height whose lines come closest to the height wanted; hinting makes the relation uneven, so it is measured.
+// The character height whose lines come closest to the height wanted; hinting makes the relation uneven, so it is
+// measured.
 QFont FitLineHeight(double aLineHeight) {
   constexpr double kProbe = 100.0;
   const double linePerCharacter = QFontMetricsF(MakeFace(kProbe)).height() / kProbe;

@@ -56,8 +56,10 @@ struct RefusedSize {
 };
 
 constexpr RefusedSize kRefusedSizes[] = {
-    {"width 0", 0, 4, 16, "The width, height and size of the buffer must be greater than 0 (width=0, height=4, size=16"},
-    {"height 0", 4, 0, 16, "The width, height and size of the buffer must be greater than 0 (width=4, height=0, size=16"},
+    {"width 0", 0, 4, 16,
+     "The width, height and size of the buffer must be greater than 0 (width=0, height=4, size=16"},
+    {"height 0", 4, 0, 16,
+     "The width, height and size of the buffer must be greater than 0 (width=4, height=0, size=16"},
     {"size 0", 4, 4, 0, "The width, height and size of the buffer must be greater than 0 (width=4, height=4, size=0"},
     {"width 65536, whose low 16 bits are 0", 65536, 4, 16,
      "The width, height and size of the buffer must be greater than 0 (width=0, height=4, size=16"},

@@ -17,22 +17,23 @@ struct FitCase {
   PixelRect destination;
 };
 
-void PrintTo(const FitCase& aCase, std::ostream* aStream) { *aStream << aCase.name; }
+void PrintTo(const FitCase& aCase, std::ostream* aStream) {
+  *aStream << aCase.name;
+}
 
 class ComputeFitViewTable : public testing::TestWithParam<FitCase> {};
 
 // The expectations are worked out by hand.
 INSTANTIATE_TEST_SUITE_P(
     Sizes, ComputeFitViewTable,
-    testing::Values(
-        FitCase{"HalfSizeFillsTheClientArea", 320, 240, 640, 480, 0.5, {0, 0, 320, 240}},
-        FitCase{"SmallImageIsEnlarged", 640, 480, 64, 48, 10.0, {0, 0, 640, 480}},
-        FitCase{"NarrowImageIsCentredBetweenBandsLeftAndRight", 300, 100, 50, 50, 2.0, {100, 0, 200, 100}},
-        FitCase{"FlatImageIsCentredBetweenBandsAboveAndBelow", 100, 300, 50, 50, 2.0, {0, 100, 100, 200}},
-        FitCase{"OddRemainderIsRoundedToTheRight", 301, 100, 100, 100, 1.0, {101, 0, 201, 100}},
-        FitCase{"EvenRemainderIsSplitEvenly", 302, 100, 100, 100, 1.0, {101, 0, 201, 100}},
-        FitCase{"OnePixelImageInASquare", 90, 90, 1, 1, 90.0, {0, 0, 90, 90}},
-        FitCase{"SameSizeIsDrawnOneToOne", 640, 480, 640, 480, 1.0, {0, 0, 640, 480}}),
+    testing::Values(FitCase{"HalfSizeFillsTheClientArea", 320, 240, 640, 480, 0.5, {0, 0, 320, 240}},
+                    FitCase{"SmallImageIsEnlarged", 640, 480, 64, 48, 10.0, {0, 0, 640, 480}},
+                    FitCase{"NarrowImageIsCentredBetweenBandsLeftAndRight", 300, 100, 50, 50, 2.0, {100, 0, 200, 100}},
+                    FitCase{"FlatImageIsCentredBetweenBandsAboveAndBelow", 100, 300, 50, 50, 2.0, {0, 100, 100, 200}},
+                    FitCase{"OddRemainderIsRoundedToTheRight", 301, 100, 100, 100, 1.0, {101, 0, 201, 100}},
+                    FitCase{"EvenRemainderIsSplitEvenly", 302, 100, 100, 100, 1.0, {101, 0, 201, 100}},
+                    FitCase{"OnePixelImageInASquare", 90, 90, 1, 1, 90.0, {0, 0, 90, 90}},
+                    FitCase{"SameSizeIsDrawnOneToOne", 640, 480, 640, 480, 1.0, {0, 0, 640, 480}}),
     [](const auto& aInfo) { return aInfo.param.name; });
 
 } // namespace

@@ -44,10 +44,10 @@ TEST(ParseCommandLine, WhatCannotBeUnderstood_IsNamed) {
     QStringList arguments;
     const char* named;
   };
-  for (const Row& row : {Row{{"--frames", "0"}, "\"0\""}, Row{{"--frames", "-3"}, "\"-3\""},
-                         Row{{"--frames", "many"}, "\"many\""}, Row{{"--colour"}, "colour"}, Row{{"camera"}, "\"camera\""},
-                         Row{{"--device"}, "device"}, Row{{"--device", ""}, "--device"},
-                         Row{{"--screenshot", ""}, "--screenshot"}}) {
+  for (const Row& row :
+       {Row{{"--frames", "0"}, "\"0\""}, Row{{"--frames", "-3"}, "\"-3\""}, Row{{"--frames", "many"}, "\"many\""},
+        Row{{"--colour"}, "colour"}, Row{{"camera"}, "\"camera\""}, Row{{"--device"}, "device"},
+        Row{{"--device", ""}, "--device"}, Row{{"--screenshot", ""}, "--screenshot"}}) {
     CommandLine commandLine;
     QString text;
 

@@ -1,5 +1,5 @@
-#include "acquisition.h"
 #include "framemeter.h"
+#include "acquisition.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,8 @@ namespace krgui {
 
 namespace {
 
-// The source pixel under the centre of a destination pixel: floor((index + 1/2) * source / destination), in whole numbers.
+// The source pixel under the centre of a destination pixel: floor((index + 1/2) * source / destination), in whole
+// numbers.
 std::int64_t FindSource(std::int64_t aIndex, std::int64_t aSourceSize, std::int64_t aDestinationSize) {
   return (2 * aIndex + 1) * aSourceSize / (2 * aDestinationSize);
 }

@@ -1,6 +1,6 @@
 #pragma once
-// Stretches 32-bit pixels by taking, for each destination pixel, the source pixel under its centre: no averaging, so that
-// what is seen is what the sensor sent.
+// Stretches 32-bit pixels by taking, for each destination pixel, the source pixel under its centre: no averaging, so
+// that what is seen is what the sensor sent.
 
 #include "logic/pixelrect.h"
 

@@ -10,14 +10,14 @@ namespace krgui {
 
 /// What is drawn where.
 struct ViewArea {
-  double factor = 1.0;        ///< Device pixels for one image pixel.
-  PixelRect clientRect;       ///< The whole client area.
-  PixelRect destinationRect;  ///< Where the image goes, in the client's device pixels.
-  PixelRect sourceRect;       ///< Which part of the image goes there, in image pixels; empty when nothing is drawn.
+  double factor = 1.0;       ///< Device pixels for one image pixel.
+  PixelRect clientRect;      ///< The whole client area.
+  PixelRect destinationRect; ///< Where the image goes, in the client's device pixels.
+  PixelRect sourceRect;      ///< Which part of the image goes there, in image pixels; empty when nothing is drawn.
 };
 
-/// The view that shows the whole image as large as the client area allows, centred. A client or image without area gives an
-/// empty source and destination.
+/// The view that shows the whole image as large as the client area allows, centred. A client or image without area
+/// gives an empty source and destination.
 ViewArea ComputeFitView(std::int32_t aClientWidth, std::int32_t aClientHeight, std::uint32_t aImageWidth,
                         std::uint32_t aImageHeight);
 
