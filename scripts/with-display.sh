@@ -1,11 +1,16 @@
 #!/usr/bin/env bash
 # Runs a program under an X server and a window manager of its own and passes its exit code through:
-#   scripts/with-display.sh program [argument …]
+#   scripts/with-display.sh [--without-window-manager] program [argument …]
 # Several may run at once; nothing that this script has not started is touched.
 set -euo pipefail
 
+has_manager=yes
+if [ "${1-}" = --without-window-manager ]; then
+  has_manager=
+  shift
+fi
 if [ $# -eq 0 ]; then
-  echo "usage: $0 program [argument …]" >&2
+  echo "usage: $0 [--without-window-manager] program [argument …]" >&2
   exit 64
 fi
 
@@ -62,9 +67,11 @@ export QT_QPA_PLATFORM=xcb
 unset DBUS_SESSION_BUS_ADDRESS WAYLAND_DISPLAY QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE QT_SCALE_FACTOR XDG_SESSION_TYPE
 export NO_AT_BRIDGE=1
 
-openbox --sm-disable --startup "sh -c 'echo ready >\"$runtime/manager\"'" >"$runtime/openbox.log" 2>&1 8>&- 9>&- &
-manager=$!
-await 9 openbox openbox >/dev/null
+if [ -n "$has_manager" ]; then
+  openbox --sm-disable --startup "sh -c 'echo ready >\"$runtime/manager\"'" >"$runtime/openbox.log" 2>&1 8>&- 9>&- &
+  manager=$!
+  await 9 openbox openbox >/dev/null
+fi
 exec 8>&- 9>&-
 
 # In the background, as a signal that comes meanwhile is else only heard when the program has ended.

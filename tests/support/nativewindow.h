@@ -12,18 +12,16 @@ namespace krgui {
 
 class NativeWindow {
 public:
-  enum class Kind { Managed, Unmanaged };
-
-  /// A plain grey window at a place on the screen; an unmanaged one is left alone by the window manager.
-  NativeWindow(Kind aKind, int aX, int aY, int aWidth, int aHeight)
+  /// A plain grey window at a place on the screen.
+  NativeWindow(int aX, int aY, int aWidth, int aHeight)
       : mConnection(xcb_connect(nullptr, nullptr)), mWindow(xcb_generate_id(mConnection)) {
     EXPECT_EQ(xcb_connection_has_error(mConnection), 0);
     const xcb_screen_t& screen = GetScreen();
-    const std::uint32_t values[] = {0x00808080U, aKind == Kind::Unmanaged ? 1U : 0U, XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+    const std::uint32_t values[] = {0x00808080U, XCB_EVENT_MASK_STRUCTURE_NOTIFY};
     xcb_create_window(mConnection, XCB_COPY_FROM_PARENT, mWindow, screen.root, static_cast<std::int16_t>(aX),
                       static_cast<std::int16_t>(aY), static_cast<std::uint16_t>(aWidth),
                       static_cast<std::uint16_t>(aHeight), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, screen.root_visual,
-                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+                      XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
     SetTitle("Native");
     xcb_map_window(mConnection, mWindow);
     xcb_flush(mConnection);
@@ -75,12 +73,18 @@ public:
     return owner;
   }
 
-  /// Gives a window the keyboard, as a window manager does.
-  void Focus(xcb_window_t aWindow) {
-    xcb_set_input_focus(mConnection, XCB_INPUT_FOCUS_PARENT, aWindow, XCB_CURRENT_TIME);
+  /// Takes the keyboard, as a window manager gives it.
+  void Focus() {
+    xcb_set_input_focus(mConnection, XCB_INPUT_FOCUS_PARENT, mWindow, XCB_CURRENT_TIME);
     Synchronise();
   }
-  void Focus() { Focus(mWindow); }
+  /// The window that the server sends keys to.
+  xcb_window_t FindFocus() const {
+    auto* reply = xcb_get_input_focus_reply(mConnection, xcb_get_input_focus(mConnection), nullptr);
+    const xcb_window_t focus = reply == nullptr ? 0 : reply->focus;
+    free(reply);
+    return focus;
+  }
 
   /// Asks the window manager to close a window, as a task bar does.
   void AskToClose(xcb_window_t aWindow) {

@@ -95,7 +95,7 @@ TEST_F(ForeignParent, KeysAfterOpening_ArriveInTheChild) {
 TEST_F(ForeignParent, KeysAfterAClick_ArriveInTheChild) {
   ASSERT_TRUE(AwaitKeys());
   mParent.Focus();
-  ASSERT_TRUE(WaitFor([] { return QGuiApplication::focusWindow() == nullptr; }));
+  ASSERT_EQ(mParent.FindFocus(), mParent.GetID());
 
   const QPoint line = FindLineOnScreen();
   ClickAt(line.x(), line.y());

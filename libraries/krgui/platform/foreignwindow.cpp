@@ -22,7 +22,7 @@ template <typename T>
 using Reply = std::unique_ptr<T, decltype(&std::free)>;
 
 template <typename T>
-Reply<T> Own(T* aReply) {
+Reply<T> Keep(T* aReply) {
   return {aReply, &std::free};
 }
 
@@ -35,8 +35,8 @@ xcb_connection_t* GetConnection() {
 bool Exists(xcb_window_t aID) {
   xcb_connection_t* connection = GetConnection();
   xcb_generic_error_t* error = nullptr;
-  const auto geometry = Own(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, aID), &error));
-  const auto ownedError = Own(error);
+  const auto geometry = Keep(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, aID), &error));
+  const auto ownedError = Keep(error);
   return geometry != nullptr;
 }
 
@@ -44,8 +44,8 @@ Reply<xcb_get_window_attributes_reply_t> GetAttributes(xcb_window_t aID) {
   xcb_connection_t* connection = GetConnection();
   xcb_generic_error_t* error = nullptr;
   auto attributes =
-      Own(xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, aID), &error));
-  const auto ownedError = Own(error);
+      Keep(xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, aID), &error));
+  const auto ownedError = Keep(error);
   return attributes;
 }
 
@@ -56,7 +56,7 @@ std::uint32_t WatchForEnd(xcb_window_t aID) {
   const auto attributes = GetAttributes(aID);
   const std::uint32_t mask = (attributes ? attributes->your_event_mask : 0U) | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   const xcb_void_cookie_t cookie = xcb_change_window_attributes_checked(connection, aID, XCB_CW_EVENT_MASK, &mask);
-  const auto error = Own(xcb_request_check(connection, cookie));
+  const auto error = Keep(xcb_request_check(connection, cookie));
   return cookie.sequence;
 }
 
@@ -168,11 +168,15 @@ void ForeignWindow::Own(QWidget& aDialog) {
   mDialogWindow->setTransientParent(mWrapper.get());
 }
 
+/// At the server itself: the toolkit never asks it to give an embedded window the focus, so that keys would go on to
+/// the foreign window.
 void ForeignWindow::TakeKeys() {
   // The server refuses the focus to a window that cannot be seen.
   const auto attributes = GetAttributes(mDialogID);
-  if (attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE && mDialogWindow) {
-    mDialogWindow->requestActivate();
+  if (attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE) {
+    xcb_connection_t* connection = GetConnection();
+    const auto cookie = xcb_set_input_focus_checked(connection, XCB_INPUT_FOCUS_PARENT, mDialogID, XCB_CURRENT_TIME);
+    const auto error = Keep(xcb_request_check(connection, cookie));
   }
 }
 
@@ -218,7 +222,8 @@ bool ForeignWindow::eventFilter(QObject* aWatched, QEvent* aEvent) {
   }
   const auto* window = static_cast<const QWindow*>(aWatched);
   const bool isOurs = window == mDialogWindow || mDialogWindow->isAncestorOf(window);
-  if (isOurs && aEvent->type() == QEvent::MouseButtonPress && QGuiApplication::focusWindow() != mDialogWindow) {
+  // The toolkit may believe that it still has the focus which the foreign window took.
+  if (isOurs && aEvent->type() == QEvent::MouseButtonPress) {
     TakeKeys();
   }
   return false;
