@@ -32,7 +32,7 @@ int Fail(std::ostream& aErrors, const std::string& aAttempt, const KrResult& aRe
 }
 
 // Waits for a frame in slices, so that a stop is seen soon: Aborted then, TimeLimitExceeded when none came.
-KrResult AwaitFrame(KrStream& aStream, const StopSignal& aStop, std::uint32_t aTimeoutMs, KrBuffer*& aBuffer) {
+KrResult AwaitFrame(KrStream& aStream, const krapps::StopSignal& aStop, std::uint32_t aTimeoutMs, KrBuffer*& aBuffer) {
   const std::uint64_t start = GetSteadyNs();
   while (!aStop.IsRaised()) {
     const std::uint64_t waitedMs = (GetSteadyNs() - start) / 1'000'000;
@@ -48,8 +48,8 @@ KrResult AwaitFrame(KrStream& aStream, const StopSignal& aStop, std::uint32_t aT
   return KrResult::Code::Aborted;
 }
 
-KrResult TakeFrames(KrStream& aStream, const StopSignal& aStop, const CommandLine& aCommandLine,
-                    StreamFigures& aFigures) {
+KrResult TakeFrames(KrStream& aStream, const krapps::StopSignal& aStop, const CommandLine& aCommandLine,
+                    krapps::StreamFigures& aFigures) {
   const std::uint32_t timeoutMs = aCommandLine.timeoutMs.value_or(kDefaultTimeoutMs);
   while (aFigures.GetFrames() < aCommandLine.frames) {
     KrBuffer* buffer = nullptr;
@@ -62,7 +62,7 @@ KrResult TakeFrames(KrStream& aStream, const StopSignal& aStop, const CommandLin
   return {};
 }
 
-int StreamFrom(KrDevice& aDevice, const StopSignal& aStop, const CommandLine& aCommandLine, std::ostream& aOut,
+int StreamFrom(KrDevice& aDevice, const krapps::StopSignal& aStop, const CommandLine& aCommandLine, std::ostream& aOut,
                std::ostream& aErrors) {
   KrStream stream(aDevice);
   const std::string name = krapps::MakeCell(aDevice.GetDisplayID());
@@ -70,12 +70,12 @@ int StreamFrom(KrDevice& aDevice, const StopSignal& aStop, const CommandLine& aC
     return Fail(aErrors, "starting the stream of " + name + " failed", started);
   aErrors << "Streaming from " << name << "; Ctrl-C ends it." << std::endl;
 
-  StreamFigures figures;
+  krapps::StreamFigures figures;
   const KrResult taken = TakeFrames(stream, aStop, aCommandLine, figures);
   const KrStreamStatistics statistics = stream.GetStatistics();
   stream.Stop();
   const int exitCode = taken.IsOK() ? 0 : Fail(aErrors, "the stream of " + name + " ended", taken);
-  aOut << FormatClosingLine(figures, statistics) << std::endl;
+  aOut << krapps::FormatClosingLine(figures, statistics) << std::endl;
   return exitCode;
 }
 
@@ -91,7 +91,7 @@ int RunStream(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& 
                 {KrResult::Code::NotFound, "this host cannot reach it as it is configured. Give it an address of a "
                                            "network that this host is in."});
 
-  const StopSignal stop;
+  const krapps::StopSignal stop;
   std::unique_ptr<KrDevice> device;
   if (KrResult opened = KrDevice::Open(*info, KrDeviceAccess::Control, device); !opened.IsOK())
     return Fail(aErrors, "opening " + name + " failed", opened);

@@ -9,6 +9,16 @@ namespace krviewer {
 namespace {
 
 constexpr std::uint32_t kRetrieveTimeoutMs = 500;
+constexpr std::chrono::seconds kRetryPause{1};
+
+KrStreamStatistics Add(const KrStreamStatistics& aFirst, const KrStreamStatistics& aSecond) {
+  return {.received = aFirst.received + aSecond.received,
+          .incomplete = aFirst.incomplete + aSecond.incomplete,
+          .missingPackets = aFirst.missingPackets + aSecond.missingPackets,
+          .resentPackets = aFirst.resentPackets + aSecond.resentPackets,
+          .discarded = aFirst.discarded + aSecond.discarded,
+          .bytes = aFirst.bytes + aSecond.bytes};
+}
 
 std::uint64_t GetSteadyNs() {
   return static_cast<std::uint64_t>(
@@ -55,7 +65,7 @@ void Acquisition::SetState(AcquisitionState aState, const KrResult& aResult) {
 
 bool Acquisition::IsLimitReached() const {
   const std::lock_guard lock(mMutex);
-  return mFrameLimit != 0 && mProgress.frames >= mFrameLimit;
+  return mFrameLimit != 0 && mProgress.figures.GetFrames() >= mFrameLimit;
 }
 
 void Acquisition::OnDeviceLost(KrDevice*, const KrResult&) {
@@ -72,15 +82,16 @@ void Acquisition::OnDeviceBack(KrDevice*) {
 
 void Acquisition::AwaitReturn(std::stop_token aStop) {
   std::unique_lock lock(mMutex);
-  if (mDevice)
+  if (mDevice && !mDevice->IsConnected())
     mReturned.wait(lock, aStop, [this] { return mIsBack; });
-  else // It answered again, but could not be opened yet: its old connection may have to expire first.
-    mReturned.wait_for(lock, aStop, std::chrono::seconds(1), [] { return false; });
+  else // It answers, but could not be opened or started yet: its old connection may have to expire first.
+    mReturned.wait_for(lock, aStop, kRetryPause, [] { return false; });
 }
 
 void Acquisition::Run(std::stop_token aStop) {
   KrResult result = ConnectAndStream(aStop);
-  while (!result.IsOK() && mWasConnected && mFrameLimit == 0 && !aStop.stop_requested()) {
+  // Only a camera that has streamed before is worth waiting for; otherwise its refusal is the answer.
+  while (!result.IsOK() && mHasStreamed && mFrameLimit == 0 && !aStop.stop_requested()) {
     SetState(AcquisitionState::Lost, result);
     AwaitReturn(aStop);
     if (!aStop.stop_requested())
@@ -99,7 +110,6 @@ KrResult Acquisition::ConnectAndStream(std::stop_token aStop) {
   }
   if (KrResult opened = KrDevice::Open(mDeviceInfo, KrDeviceAccess::Control, mDevice); !opened.IsOK())
     return opened;
-  mWasConnected = true;
   if (KrResult registered = mDevice->RegisterEventSink(this); !registered.IsOK())
     return registered;
   return StreamOnce(aStop, *mDevice);
@@ -110,54 +120,50 @@ KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
   if (KrResult started = stream.Start(); !started.IsOK())
     return started;
   SetState(AcquisitionState::Streaming, {});
+  mHasStreamed = true;
   mMeter.Reset();
 
   // The frame on the screen stays lent, so that it can be shown again with the reason when the camera is lost.
   KrBuffer* shown = nullptr;
-  while (!aStop.stop_requested() && !IsLimitReached()) {
+  KrResult result;
+  while (result.IsOK() && !aStop.stop_requested() && !IsLimitReached()) {
     KrBuffer* buffer = nullptr;
-    KrResult result = stream.Retrieve(buffer, kRetrieveTimeoutMs);
+    result = stream.Retrieve(buffer, kRetrieveTimeoutMs);
     if (result == KrResult::Code::TimeLimitExceeded)
+      result = {}; // A camera that waits for its trigger sends nothing for a while.
+    if (!buffer)
       continue;
-    if (!result.IsOK()) {
-      ShowLastFrame(shown, result);
-      return result;
-    }
     const bool isShown = ShowFrame(*buffer, stream.GetStatistics());
     KrBuffer* surplus = isShown ? std::exchange(shown, buffer) : buffer;
-    if (surplus) {
-      if (KrResult released = stream.Release(surplus); !released.IsOK())
-        return released;
-    }
+    if (surplus)
+      result = stream.Release(surplus);
   }
-  return {};
+  if (!result.IsOK())
+    ShowReason(shown, result);
+  mEndedStreams = Add(mEndedStreams, stream.GetStatistics());
+  return result;
 }
 
 bool Acquisition::ShowFrame(const KrBuffer& aBuffer, const KrStreamStatistics& aStatistics) {
   const std::uint64_t now = GetSteadyNs();
+  const KrStreamStatistics total = Add(mEndedStreams, aStatistics);
   mMeter.Add(now, aBuffer.GetAcquiredSize());
-  mWindow.SetTextOverlay(FormatOverlay(mMeter, aStatistics));
+  mWindow.SetTextOverlay(FormatOverlay(mMeter, total));
   // A frame that cannot be shown is told in the log and, by its absence, in the picture; the stream goes on.
   const bool isShown = mWindow.Display(aBuffer, false).IsOK();
 
   const std::lock_guard lock(mMutex);
-  if (mProgress.frames++ == 0)
-    mFirstFrameNs = now;
-  mProgress.statistics = aStatistics;
+  mProgress.figures.Add(now, aBuffer.GetAcquiredSize());
+  mProgress.statistics = total;
   if (isShown)
     mProgress.lastFrameID = aBuffer.GetFrameID();
-  const double seconds = static_cast<double>(now - mFirstFrameNs) * 1e-9;
-  if (seconds > 0) {
-    mProgress.framesPerSecond = static_cast<double>(mProgress.frames - 1) / seconds;
-    mProgress.megabytesPerSecond = static_cast<double>(aStatistics.bytes) / seconds * 1e-6;
-  }
   return isShown;
 }
 
-void Acquisition::ShowLastFrame(const KrBuffer* aBuffer, const KrResult& aReason) {
+void Acquisition::ShowReason(const KrBuffer* aBuffer, const KrResult& aReason) {
   if (!aBuffer)
     return;
-  mWindow.SetTextOverlay(KrString("Camera lost: ") + aReason.GetDescription());
+  mWindow.SetTextOverlay(aReason.GetDescription());
   [[maybe_unused]] const KrResult shown = mWindow.Display(*aBuffer, false); // It was shown before.
 }
 

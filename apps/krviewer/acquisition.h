@@ -6,6 +6,7 @@
 #include "krdevice/krdevice.h"
 #include "krdevice/krstream.h"
 #include "krgui/krdisplaywnd.h"
+#include "streamfigures.h"
 
 #include <condition_variable>
 #include <cstdint>
@@ -27,11 +28,9 @@ enum class AcquisitionState {
 struct AcquisitionProgress {
   AcquisitionState state = AcquisitionState::Connecting;
   KrResult result;               ///< Why it was lost or failed.
-  std::uint64_t frames = 0;      ///< Frames that came, whole or not.
   std::uint64_t lastFrameID = 0; ///< Of the frame displayed last.
-  double framesPerSecond = 0;    ///< Over the whole run.
-  double megabytesPerSecond = 0;
-  KrStreamStatistics statistics;
+  krapps::StreamFigures figures;
+  KrStreamStatistics statistics; ///< Of all connections together.
 };
 
 /// The text drawn over the picture: rates and losses.
@@ -58,7 +57,7 @@ private:
   void Run(std::stop_token aStop);
   KrResult ConnectAndStream(std::stop_token aStop);
   KrResult StreamOnce(std::stop_token aStop, KrDevice& aDevice);
-  void ShowLastFrame(const KrBuffer* aBuffer, const KrResult& aReason);
+  void ShowReason(const KrBuffer* aBuffer, const KrResult& aReason);
   bool ShowFrame(const KrBuffer& aBuffer, const KrStreamStatistics& aStatistics);
   void AwaitReturn(std::stop_token aStop);
   void SetState(AcquisitionState aState, const KrResult& aResult);
@@ -70,9 +69,9 @@ private:
 
   // The thread's own.
   std::unique_ptr<KrDevice> mDevice;
-  bool mWasConnected = false;
+  bool mHasStreamed = false;
+  KrStreamStatistics mEndedStreams; ///< The counters of the connections that are over.
   FrameMeter mMeter;
-  std::uint64_t mFirstFrameNs = 0;
 
   mutable std::mutex mMutex; ///< Guards the progress and the return flag.
   std::condition_variable_any mReturned;

@@ -1,12 +1,12 @@
 #include "commandline.h"
 #include "deviceselection.h"
+#include "krgui/krapplication.h"
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
 #include "viewer.h"
 
-#include <QApplication>
+#include <QGuiApplication>
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -15,14 +15,8 @@ namespace {
 constexpr std::uint64_t kHeadlessFrames = 100;
 const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
 
-bool HasDisplay() {
-  return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY") || std::getenv("QT_QPA_PLATFORM");
-}
-
 // Without a display there is nobody to close a window: the run is given an end and leaves pictures behind.
 void PrepareHeadless(krviewer::CommandLine& aCommandLine) {
-  std::printf("No display is used: running without one.\n");
-  setenv("QT_QPA_PLATFORM", "offscreen", 1);
   if (aCommandLine.frames == 0)
     aCommandLine.frames = kHeadlessFrames;
   if (aCommandLine.simulate && aCommandLine.device.isEmpty())
@@ -31,9 +25,19 @@ void PrepareHeadless(krviewer::CommandLine& aCommandLine) {
     aCommandLine.screenshotFolder = QStringLiteral("pictures");
 }
 
-void EndOnSignals() {
-  std::signal(SIGINT, [](int) { krviewer::Viewer::Interrupt(); });
-  std::signal(SIGTERM, [](int) { krviewer::Viewer::Interrupt(); });
+// Windows on a display where there is one, else without.
+bool PrepareWindows(krviewer::CommandLine& aCommandLine) {
+  KrResult result = aCommandLine.headless ? KrResult(KrResult::Code::Cancelled) : KrEnsureApplication();
+  if (!result.IsOK()) {
+    std::printf("No display is used: running headless.\n");
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    result = KrEnsureApplication();
+  }
+  if (!result.IsOK())
+    std::fprintf(stderr, "%s\n", result.GetDescription().CStr());
+  else if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
+    PrepareHeadless(aCommandLine);
+  return result.IsOK();
 }
 
 int RunViewer(const krviewer::CommandLine& aCommandLine) {
@@ -58,6 +62,8 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
 } // namespace
 
 int main(int aArgumentCount, char** aArguments) {
+  // Lines reach a pipe when they are written, not at the end.
+  setvbuf(stdout, nullptr, _IOLBF, 0);
   krviewer::CommandLine commandLine;
   QString text;
   QStringList arguments;
@@ -76,10 +82,5 @@ int main(int aArgumentCount, char** aArguments) {
   case krviewer::CommandLineStatus::Run:
     break;
   }
-  if (commandLine.headless || !HasDisplay())
-    PrepareHeadless(commandLine);
-  QApplication application(aArgumentCount, aArguments);
-  QApplication::setQuitOnLastWindowClosed(false);
-  EndOnSignals();
-  return RunViewer(commandLine);
+  return PrepareWindows(commandLine) ? RunViewer(commandLine) : 1;
 }

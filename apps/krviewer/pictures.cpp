@@ -41,7 +41,7 @@ KrResult SaveText(const QString& aText, const QString& aPath) {
 KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder) {
   QWidget* widget = aWindow.GetWidget();
   const IKrImage* image = aWindow.GetInternalBuffer().GetImage();
-  if (!widget || !image || image->GetImageSize() == 0)
+  if (!widget || !image || image->GetImageSize() == 0 || image->GetPixelType() != KrPixel::BGRa8)
     return {KrResult::Code::WrongState, "There is no picture to write: the window is closed or shows no image"};
   if (!QDir().mkpath(aFolder))
     return FailToWrite(aFolder, QStringLiteral("the folder cannot be made"));

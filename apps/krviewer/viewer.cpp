@@ -5,8 +5,6 @@
 #include <QApplication>
 #include <QScreen>
 
-#include <algorithm>
-#include <atomic>
 #include <cinttypes>
 #include <cstdio>
 
@@ -16,8 +14,6 @@ namespace {
 
 constexpr QSize kPreferredSize(1000, 700);
 constexpr int kLookIntervalMs = 50;
-
-std::atomic<bool> sInterrupted = false;
 
 QString ToText(const KrString& aText) {
   return QString::fromUtf8(aText.CStr());
@@ -34,14 +30,6 @@ QString GetStateText(const AcquisitionProgress& aProgress) {
   }
 }
 
-void PrintFigures(const AcquisitionProgress& aProgress) {
-  const KrStreamStatistics& statistics = aProgress.statistics;
-  std::printf("frames=%" PRIu64 " incomplete=%" PRIu64 " missing=%" PRIu64 " resent=%" PRIu64 " fps=%.2f MBps=%.2f\n",
-              aProgress.frames, statistics.incomplete, statistics.missingPackets, statistics.resentPackets,
-              aProgress.framesPerSecond, aProgress.megabytesPerSecond);
-  std::fflush(stdout);
-}
-
 } // namespace
 
 Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
@@ -50,10 +38,6 @@ Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
 }
 
 Viewer::~Viewer() = default;
-
-void Viewer::Interrupt() noexcept {
-  sInterrupted = true;
-}
 
 void Viewer::PlaceWindow() {
   const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
@@ -90,7 +74,7 @@ void Viewer::LookAgain() {
   const AcquisitionProgress progress = mAcquisition->GetProgress();
   const bool isClosed = mWindow.GetHandle() == 0;
   const bool isOver = progress.state == AcquisitionState::Finished || progress.state == AcquisitionState::Failed;
-  if (isClosed || isOver || sInterrupted)
+  if (isClosed || isOver || mStopSignal.IsRaised())
     return Finish();
   UpdateTitle(progress);
 }
@@ -103,9 +87,9 @@ void Viewer::Finish() {
     std::fprintf(stderr, "%s: %s\n", progress.result.GetCodeString().CStr(), progress.result.GetDescription().CStr());
     mExitCode = 1;
   }
-  if (!mCommandLine.screenshotFolder.isEmpty() && progress.frames > 0 && !SavePictures())
+  if (!mCommandLine.screenshotFolder.isEmpty() && progress.figures.GetFrames() > 0 && !SavePictures())
     mExitCode = 1;
-  PrintFigures(progress);
+  std::printf("%s\n", krapps::FormatClosingLine(progress.figures, progress.statistics).c_str());
   QApplication::quit();
 }
 

@@ -3,6 +3,7 @@
 
 #include "acquisition.h"
 #include "commandline.h"
+#include "stopsignal.h"
 
 #include <QObject>
 #include <QTimer>
@@ -23,8 +24,6 @@ public:
 
   /// Opens the window and runs the application's loop; gives the program's exit code.
   int Run();
-  /// Ends the loop soon. Safe in a signal handler.
-  static void Interrupt() noexcept;
 
 private:
   void PlaceWindow();
@@ -35,6 +34,7 @@ private:
 
   const KrDeviceInfo& mDeviceInfo;
   const CommandLine mCommandLine;
+  const krapps::StopSignal mStopSignal;
   KrDisplayWnd mWindow;
   std::unique_ptr<Acquisition> mAcquisition;
   QTimer mTimer;

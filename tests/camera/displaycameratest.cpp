@@ -124,7 +124,7 @@ TEST_F(CameraInAWindow, TwoHundredFrames_ComeWholeAndTheLastIsOnTheRootWindow) {
       << plainpicture::Compare(GrabScreen(client), received);
 }
 
-TEST_F(CameraInAWindow, KilledMidFrame_EndsTheStreamWithAResultAndTheWindowLivesOn) {
+TEST_F(CameraInAWindow, KilledWhileFramesArrive_EndsTheStreamWithAResultAndAnEventAndTheWindowLivesOn) {
   const KrDeviceInfo* info = nullptr;
   ASSERT_TRUE(mSystem.FindDevice("127.0.0.1", &info).IsOK());
   Open(*info);
@@ -135,6 +135,14 @@ TEST_F(CameraInAWindow, KilledMidFrame_EndsTheStreamWithAResultAndTheWindowLives
   KrBuffer* buffer = nullptr;
   ASSERT_TRUE(stream.Retrieve(buffer, 10000).IsOK());
   ASSERT_TRUE(window.Display(*buffer, false).IsOK());
+
+  class LossSink : public KrDeviceEventSink {
+  public:
+    void OnDeviceLost(KrDevice*, const KrResult&) override { lost = true; }
+    void OnDeviceBack(KrDevice*) override {}
+    std::atomic<bool> lost = false;
+  } sink;
+  ASSERT_TRUE(mDevice->RegisterEventSink(&sink).IsOK());
 
   mCamera.Kill();
 
@@ -148,6 +156,8 @@ TEST_F(CameraInAWindow, KilledMidFrame_EndsTheStreamWithAResultAndTheWindowLives
   EXPECT_TRUE(result == KrResult::Code::ConnectionLost) << result.GetCodeString().CStr();
   EXPECT_FALSE(result.GetDescription().IsEmpty());
   EXPECT_FALSE(mDevice->IsConnected());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return sink.lost.load(); }, 30000));
+  EXPECT_TRUE(mDevice->UnregisterEventSink(&sink).IsOK());
   EXPECT_TRUE(window.DoEvents().IsOK());
   EXPECT_NE(window.GetHandle(), 0u);
 }

@@ -3,6 +3,7 @@
 
 #include <QImage>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
@@ -13,9 +14,11 @@
 class ViewerProcess {
 public:
   /// Runs the viewer with these arguments and --screenshot, and waits for its end.
-  explicit ViewerProcess(const QStringList& aArguments) {
+  explicit ViewerProcess(const QStringList& aArguments,
+                         const QProcessEnvironment& aEnvironment = QProcessEnvironment::systemEnvironment()) {
     EXPECT_TRUE(mFolder.isValid());
     QProcess process;
+    process.setProcessEnvironment(aEnvironment);
     process.start(KRVIEWER_PATH, aArguments + QStringList{"--screenshot", mFolder.filePath("new/folder")});
     EXPECT_TRUE(process.waitForFinished(120000)) << process.errorString().toStdString();
     mExitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;

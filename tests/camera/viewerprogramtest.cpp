@@ -78,13 +78,62 @@ TEST(Krviewer, SimulatedCamera_IsShownCentredWithBandsAndOverlay) {
       ASSERT_EQ(qGreen(frame.pixel(x, y)), pattern[static_cast<std::size_t>(y * 1280 + x)]) << x << "," << y;
 }
 
-TEST(Krviewer, WithoutADisplay_SaysSoAndRunsToItsEnd) {
+TEST(Krviewer, AskedToBeHeadless_SaysSoAndRunsToItsEnd) {
   const ViewerProcess viewer({"--simulate", "--headless", "--frames", "20"});
 
   EXPECT_EQ(viewer.GetExitCode(), 0) << viewer.GetErrors().toStdString();
-  EXPECT_TRUE(viewer.GetOutput().contains("without")) << viewer.GetOutput().toStdString();
+  EXPECT_TRUE(viewer.GetOutput().contains("headless")) << viewer.GetOutput().toStdString();
   EXPECT_EQ(viewer.GetFigure("frames"), 20);
   ExpectFrameInWindow(viewer);
+}
+
+TEST(Krviewer, DisplayThatCannotBeOpened_SaysSoAndRunsHeadlessWithPictures) {
+  struct Row {
+    const char* name;
+    QString display;
+  };
+  for (const Row& row : {Row{"no display", ""}, Row{"a display that nobody serves", ":7777"}}) {
+    SCOPED_TRACE(row.name);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("QT_QPA_PLATFORM");
+    environment.remove("WAYLAND_DISPLAY");
+    environment.insert("DISPLAY", row.display);
+
+    const ViewerProcess viewer({"--simulate", "--frames", "20"}, environment);
+
+    EXPECT_EQ(viewer.GetExitCode(), 0) << viewer.GetErrors().toStdString();
+    EXPECT_TRUE(viewer.GetOutput().contains("headless")) << viewer.GetOutput().toStdString();
+    EXPECT_EQ(viewer.GetFigure("frames"), 20);
+    ExpectFrameInWindow(viewer);
+  }
+}
+
+TEST(Krviewer, Interrupted_GivesTheCameraBackAndPrintsItsFigures) {
+  QProcess process;
+  process.start(KRVIEWER_PATH, {"--simulate", "--device", "sim-mono"});
+  ASSERT_TRUE(process.waitForReadyRead(60000));
+
+  process.terminate();
+
+  ASSERT_TRUE(process.waitForFinished(60000));
+  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(process.exitCode(), 0);
+  EXPECT_TRUE(process.readAllStandardOutput().contains("frames="));
+}
+
+TEST(Krviewer, WindowClosedByItsUser_EndsTheProgram) {
+  QProcess process;
+  process.start(KRVIEWER_PATH, {"--simulate", "--device", "sim-mono"});
+  ASSERT_TRUE(process.waitForReadyRead(60000));
+
+  QProcess hands;
+  hands.start("xdotool", {"search", "--sync", "--onlyvisible", "--name", "Simulated Mono Camera", "windowactivate",
+                          "--sync", "key", "Escape"});
+  ASSERT_TRUE(hands.waitForFinished(60000));
+  ASSERT_EQ(hands.exitCode(), 0) << hands.readAllStandardError().toStdString();
+
+  ASSERT_TRUE(process.waitForFinished(60000));
+  EXPECT_EQ(process.exitCode(), 0);
 }
 
 TEST(Krviewer, UnknownDevice_IsNamedOnTheErrorStream) {

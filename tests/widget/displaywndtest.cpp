@@ -5,6 +5,7 @@
 #include "plainpicture.h"
 
 #include <QApplication>
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <QTest>
 
@@ -12,6 +13,7 @@
 
 #include <cstring>
 #include <random>
+#include <stdexcept>
 #include <thread>
 
 namespace {
@@ -202,6 +204,87 @@ TEST_F(KrDisplayWndTest, Clear_ShownImage_LeavesTheBackground) {
   EXPECT_EQ(mWindow.GetInternalBuffer().GetSize(), 0u);
 }
 
+TEST_F(KrDisplayWndTest, Clear_FromAnotherThread_ReachesTheWindow) {
+  Open(100, 90);
+  ASSERT_TRUE(mWindow.Display(MakeGrey(10, 10, 1), false).IsOK());
+  Grab();
+
+  std::jthread([&] { mWindow.Clear(); }).join();
+
+  const QImage picture = Grab();
+  EXPECT_EQ(plainpicture::Count(picture, picture.rect(), QColor(0x80, 0x80, 0x80)), picture.width() * picture.height());
+}
+
+TEST_F(KrDisplayWndTest, Image_ShownWhileTheWindowIsClosed_IsThereWhenItOpensAgain) {
+  Open(128, 90);
+  ASSERT_TRUE(mWindow.Close().IsOK());
+  const KrBuffer buffer = MakeNoise(64, 45);
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+
+  Open(128, 90);
+
+  const QImage picture = Grab();
+  EXPECT_EQ(plainpicture::Compare(picture, plainpicture::Compute(picture.size(), ToQImage(buffer), Qt::black)), "");
+}
+
+TEST_F(KrDisplayWndTest, Clear_WhileTheWindowIsClosed_LeavesTheBackgroundWhenItOpensAgain) {
+  ASSERT_TRUE(mWindow.Display(MakeGrey(10, 10, 1), false).IsOK());
+  mWindow.Clear();
+
+  Open(100, 90);
+
+  const QImage picture = Grab();
+  EXPECT_EQ(plainpicture::Count(picture, picture.rect(), QColor(0x80, 0x80, 0x80)), picture.width() * picture.height());
+}
+
+TEST_F(KrDisplayWndTest, Background_IsNeverErasedBeforeItIsDrawn) {
+  Open(100, 90);
+
+  const QWidget* view = mWindow.GetWidget()->findChild<QWidget*>("display");
+
+  ASSERT_NE(view, nullptr);
+  EXPECT_TRUE(view->testAttribute(Qt::WA_OpaquePaintEvent));
+  EXPECT_TRUE(view->testAttribute(Qt::WA_NoSystemBackground));
+  EXPECT_EQ(view->geometry(), mWindow.GetWidget()->rect());
+}
+
+TEST_F(KrDisplayWndTest, Image_WhoseClassThrows_IsAFailureWithItsText) {
+  class ThrowingImage : public IKrImage {
+  public:
+    std::uint32_t GetWidth() const override { throw std::runtime_error("the sensor is gone"); }
+    std::uint32_t GetHeight() const override { return 1; }
+    KrPixelType GetPixelType() const override { return KrPixel::Mono8; }
+    std::uint32_t GetPaddingX() const override { return 0; }
+    std::uint32_t GetPaddingY() const override { return 0; }
+    std::size_t GetImageSize() const override { return 1; }
+    const std::uint8_t* GetDataPointer() const override { return nullptr; }
+    std::uint8_t* GetDataPointer() override { return nullptr; }
+    KrResult Alloc(std::uint32_t, std::uint32_t, KrPixelType, std::uint32_t, std::uint32_t) override {
+      return KrResult::Code::NotOffered;
+    }
+  } image;
+
+  const KrResult result = mWindow.Display(&image, false);
+
+  EXPECT_EQ(result.GetCodeNumber(), 16384u);
+  EXPECT_NE(result.GetDescription().ToUtf8().find("the sensor is gone"), std::string::npos);
+  EXPECT_TRUE(mWindow.Display(MakeGrey(4, 4, 3), false).IsOK());
+}
+
+TEST_F(KrDisplayWndTest, Overlay_NothingSet_HasTheDefaults) {
+  unsigned char red = 1, green = 1, blue = 1;
+
+  mWindow.GetTextOverlayColor(red, green, blue);
+
+  EXPECT_EQ(red, 0);
+  EXPECT_EQ(green, 255);
+  EXPECT_EQ(blue, 0);
+  EXPECT_EQ(mWindow.GetTextOverlaySize(), 20);
+  EXPECT_EQ(mWindow.GetTextOverlayOffsetX(), 10);
+  EXPECT_EQ(mWindow.GetTextOverlayOffsetY(), 10);
+  EXPECT_EQ(mWindow.GetTextOverlay(), KrString());
+}
+
 TEST_F(KrDisplayWndTest, Overlay_Text_StandsAtTheImagesCornerAndChangesNothingElse) {
   Open(300, 100);
   mWindow.SetTextOverlay("HHH\nHHH");
@@ -369,6 +452,13 @@ TEST(MakeOverlayFont, Face_IsTheOneNamedWithMediumWeightThoughTheSystemMayLackIt
   EXPECT_EQ(font.family(), QStringLiteral("Tahoma"));
   EXPECT_EQ(font.weight(), QFont::Medium);
   EXPECT_FALSE(font.italic() || font.underline() || font.strikeOut());
+}
+
+TEST(MakeOverlayFont, FaceThatTheSystemLacks_IsSubstitutedByOneWithTheSameHeight) {
+  const QFont font = krgui::MakeOverlayFont(20, 1.0);
+
+  EXPECT_FALSE(QFontInfo(font).family().isEmpty());
+  EXPECT_GT(QFontMetricsF(font).horizontalAdvance("frames"), 20);
 }
 
 TEST(MakeOverlayFont, ExtremeSizes_GiveAFont) {

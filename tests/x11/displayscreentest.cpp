@@ -75,13 +75,14 @@ private:
   xcb_window_t mWindow = 0;
 };
 
+// The keys that a display's view receives.
 class KeyRecorder : public QObject {
 public:
   QList<int> keys;
 
 protected:
   bool eventFilter(QObject* aObject, QEvent* aEvent) override {
-    if (aObject->isWidgetType() && aEvent->type() == QEvent::KeyPress)
+    if (aObject->objectName() == QLatin1String("display") && aEvent->type() == QEvent::KeyPress)
       keys += static_cast<QKeyEvent*>(aEvent)->key();
     return false;
   }

@@ -3,6 +3,8 @@
 #include "display/displaywnd.h"
 #include "krbase/krlogger.h"
 
+#include <exception>
+
 KrDisplayWnd::KrDisplayWnd() {
   mWnd = std::make_unique<krgui::DisplayWnd>();
 }
@@ -23,7 +25,14 @@ KrResult KrDisplayWnd::Display(const KrBuffer& aBuffer, bool aFlag) {
 }
 
 KrResult KrDisplayWnd::Display(const IKrImage* aImage, bool) {
-  return GetWnd().Display(aImage);
+  // The image may be the application's own class.
+  try {
+    return GetWnd().Display(aImage);
+  } catch (const std::exception& error) {
+    return {KrResult::Code::Failed, KrString("Displaying an image was ended by an exception: ") + error.what()};
+  } catch (...) {
+    return {KrResult::Code::Failed, "Displaying an image was ended by an exception of unknown type"};
+  }
 }
 
 void KrDisplayWnd::Clear() {

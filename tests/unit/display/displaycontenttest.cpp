@@ -117,7 +117,11 @@ TEST(DisplayContent_Display, PixelTypeWithoutConversion_IsRefusedNamingBothTypes
   EXPECT_EQ(result.GetCodeNumber(), 16384u);
   EXPECT_EQ(result.GetDescription(), text);
   EXPECT_TRUE(log.Contains(KrLogLevel::Error, text));
-  EXPECT_EQ(log.GetRecords().front().line, 162);
+  const KrLogRecord record = log.GetRecords().front();
+  EXPECT_EQ(record.line, 162);
+  EXPECT_EQ(record.channel, KrString("KrGUILib"));
+  EXPECT_EQ(record.function, KrString("DisplayWnd::Display"));
+  EXPECT_EQ(record.file, KrString("displaywnd"));
   EXPECT_EQ(content.GetInternalBuffer().GetSize(), 0u);
 }
 
@@ -162,6 +166,41 @@ TEST(DisplayContent_Display, ApplicationUsedTheInternalBufferOtherwise_StillShow
 
   ASSERT_NE(content.GetInternalBuffer().GetImage(), nullptr);
   EXPECT_EQ(content.GetInternalBuffer().GetDataPointer()[0], 9);
+}
+
+TEST(DisplayContent_Display, TruncatedImageOfANewSize_SucceedsAndShowsWhatTheInternalBufferHolds) {
+  DisplayContent content;
+  const KrBuffer buffer = MakeImage(2, 2, KrPixel::Mono8, 7);
+  ASSERT_TRUE(content.Display(buffer.GetImage()).IsOK());
+  // It says 64 x 64 pixels, and that it has sixteen bytes.
+  const StatedImage truncated(64, 64, 16);
+
+  EXPECT_TRUE(content.Display(&truncated).IsOK());
+
+  content.Paint(100, 100, [&](const DisplayContent::Frame& aFrame) {
+    ASSERT_NE(aFrame.image, nullptr);
+    EXPECT_EQ(aFrame.image, content.GetInternalBuffer().GetImage());
+    EXPECT_GE(content.GetInternalBuffer().GetSize(),
+              std::size_t{aFrame.image->GetWidth()} * aFrame.image->GetHeight() * 4);
+  });
+}
+
+TEST(DisplayContent_Paint, ApplicationPutAnotherFormatIntoTheInternalBuffer_DrawsNoImage) {
+  DisplayContent content;
+  const KrBuffer buffer = MakeImage(4, 4, KrPixel::Mono8, 1);
+  ASSERT_TRUE(content.Display(buffer.GetImage()).IsOK());
+  const auto expectNoImage = [&] {
+    content.Paint(100, 100, [](const DisplayContent::Frame& aFrame) { EXPECT_EQ(aFrame.image, nullptr); });
+  };
+
+  ASSERT_TRUE(content.GetInternalBuffer().GetImage()->Alloc(640, 480, KrPixel::Mono8).IsOK());
+  expectNoImage();
+  ASSERT_TRUE(content.GetInternalBuffer().GetImage()->Alloc(640, 480, KrPixel::BGRa8, 12).IsOK());
+  expectNoImage();
+  ASSERT_TRUE(content.GetInternalBuffer().Alloc(10).IsOK());
+  expectNoImage();
+  content.GetInternalBuffer().SetPayloadType(KrPayloadType::File);
+  expectNoImage();
 }
 
 TEST(DisplayContent_Overlay, TextSetAfterAnImage_IsShownFromTheNextImageOn) {

@@ -29,7 +29,9 @@ public:
   /// Shows a buffer's image. InvalidInput for a payload that is no image or an image without width, height or size, Failed
   /// for a pixel type that cannot be shown; what was shown before then stays. aFlag is accepted and not used.
   KrResult Display(const KrBuffer& aBuffer, bool aFlag);
-  /// Shows an image; as above. Width and height are taken modulo 65536 when they are checked.
+  /// Shows an image; as above. Width and height are taken modulo 65536 when they are checked. The image's operations are
+  /// called with the display lock held: an image of an own class must not call this window from them. What they throw
+  /// becomes Failed.
   KrResult Display(const IKrImage* aImage, bool aFlag);
   /// Drops image and overlay text: the window shows its background.
   void Clear();

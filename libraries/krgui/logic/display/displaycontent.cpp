@@ -13,6 +13,12 @@ KrResult Refuse(KrResult::Code aCode, int aLine, const std::string& aText) {
   return {aCode, aText};
 }
 
+// The buffer is lent to the application, which may have put something else into it.
+bool IsDrawable(const IKrImage* aImage) {
+  return aImage && aImage->GetImageSize() > 0 && aImage->GetPixelType() == DisplayContent::kDisplayPixelType &&
+         aImage->GetPaddingX() == 0;
+}
+
 } // namespace
 
 KrResult DisplayContent::Check(const IKrImage* aImage) const {
@@ -50,7 +56,8 @@ KrResult DisplayContent::Display(const IKrImage* aImage) {
   mInternalBuffer.SetPayloadType(KrPayloadType::Image);
   IKrImage* shown = mInternalBuffer.GetImage();
   if (shown->GetWidth() != width || shown->GetHeight() != height || shown->GetPixelType() != kDisplayPixelType) {
-    // A failure shows in the conversion, whose failure in turn leaves on the screen what was there.
+    // Should it fail, the conversion tries again. An image that then cannot be converted either leaves the window with
+    // whatever the internal buffer holds.
     [[maybe_unused]] const KrResult allocated = shown->Alloc(width, height, kDisplayPixelType);
   }
   [[maybe_unused]] const KrResult converted = mConverter.Convert(aImage, &mInternalBuffer, true, false);
@@ -91,7 +98,7 @@ DisplayContent::Frame DisplayContent::PrepareFrame(std::int32_t aClientWidth, st
   mViewDirty = false;
   Frame frame;
   const IKrImage* image = mInternalBuffer.GetImage();
-  if (!image || image->GetImageSize() == 0) {
+  if (!IsDrawable(image)) {
     frame.view = ComputeFitView(aClientWidth, aClientHeight, 0, 0);
     return frame;
   }

@@ -20,8 +20,8 @@ enum class KrInterfaceType : std::int32_t { USBHostController = 0, NetworkAdapte
 
 /// One interface of the host and the devices last found behind it.
 ///
-/// Thread: any; an object never changes, but for its list of devices, which KrSystem::Find replaces: read that list while
-/// no Find is running, or from the sink's own call.
+/// Thread: any; an object never changes, but for its list of devices, which KrSystem::Find replaces and FindDevice adds
+/// to: read that list while neither is running, or from the sink's own call.
 /// Ownership: belongs to its KrSystem and lives as long as that.
 class KR_EXPORT KrInterface {
 public:

@@ -25,7 +25,7 @@ public:
 /// Ownership: owns every KrInterface and KrDeviceInfo that it ever handed out, until it is destroyed.
 ///
 ///     KrSystem system;
-///     system.Find();
+///     KrResult found = system.Find();
 ///     for (std::size_t i = 0; i < system.GetDeviceCount(); ++i)
 ///       std::cout << system.GetDeviceInfo(i)->GetDisplayID().CStr() << '\n';
 class KR_EXPORT KrSystem {

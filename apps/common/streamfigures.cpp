@@ -3,7 +3,7 @@
 #include <cinttypes>
 #include <cstdio>
 
-namespace krtool {
+namespace krapps {
 
 void StreamFigures::Add(std::uint64_t aTimeNs, std::uint64_t aBytes) {
   if (mFrames++ == 0)
@@ -30,4 +30,4 @@ std::string FormatClosingLine(const StreamFigures& aFigures, const KrStreamStati
   return line;
 }
 
-} // namespace krtool
+} // namespace krapps

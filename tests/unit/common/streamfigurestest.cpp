@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace krtool {
+namespace krapps {
 namespace {
 
 constexpr std::uint64_t kSecondNs = 1'000'000'000;
@@ -53,4 +53,4 @@ TEST(StreamFigures, ClosingLine_HoldsTheStreamsCounters) {
 }
 
 } // namespace
-} // namespace krtool
+} // namespace krapps

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-namespace krtool {
+namespace krapps {
 
 /// Frames and bytes by the time of their arrival.
 class StreamFigures {
@@ -33,4 +33,4 @@ private:
 /// The closing line, without line break: frames=… incomplete=… missing=… resent=… fps=… MBps=…
 std::string FormatClosingLine(const StreamFigures& aFigures, const KrStreamStatistics& aStatistics);
 
-} // namespace krtool
+} // namespace krapps

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <csignal>
 
-namespace krtool {
+namespace krapps {
 
 namespace {
 
@@ -29,4 +29,4 @@ bool StopSignal::IsRaised() const {
   return gRaised;
 }
 
-} // namespace krtool
+} // namespace krapps

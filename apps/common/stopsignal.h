@@ -1,7 +1,7 @@
 #pragma once
 // Turns Ctrl-C and a request to terminate into a question that a loop can ask.
 
-namespace krtool {
+namespace krapps {
 
 /// While it lives, SIGINT and SIGTERM set a flag instead of ending the process.
 ///
@@ -16,4 +16,4 @@ public:
   bool IsRaised() const;
 };
 
-} // namespace krtool
+} // namespace krapps
