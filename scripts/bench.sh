@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Runs the benchmarks, all or one: bench.sh [NAME]. Installs their peers, builds for release, prints lines
+# Runs the benchmarks, all or one: bench.sh [NAME]. Sets up, builds for release, prints lines
 #   figure=<name> value=<number> unit=<unit> peer=<name> peer_value=<number> ratio=<number>
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh bench
+scripts/setup.sh
 scripts/build.sh release
 found=0
 for program in build/release/benchmarks/bench_*; do

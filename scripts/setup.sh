@@ -10,10 +10,6 @@ packages=(
   # Tests: frameworks, an independent camera, a display with a window manager and hands, network namespaces
   libgtest-dev libgmock-dev libpugixml-dev aravis-tools xvfb xauth openbox xdotool fonts-dejavu-core iproute2 util-linux
 )
-if [ "${1:-}" = bench ]; then
-  packages+=(libbenchmark-dev)
-fi
-
 missing=()
 for package in "${packages[@]}"; do
   status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)

@@ -77,6 +77,27 @@ TEST(TestPattern, MovingRamp_ColourFormats_PutEachComponentInItsPlace) {
   }
 }
 
+TEST(TestPattern, MovingRamp_BayerFormats_GiveEachSiteItsColoursRamp) {
+  struct Row {
+    KrPixelType type;
+    std::uint32_t leads[2][2]; // By line and column, even and odd: red 0, green 85, blue 170.
+  };
+  const Row rows[] = {{KrPixel::BayerGR8, {{85, 0}, {170, 85}}},
+                      {KrPixel::BayerRG8, {{0, 85}, {85, 170}}},
+                      {KrPixel::BayerGB8, {{85, 170}, {0, 85}}},
+                      {KrPixel::BayerBG8, {{170, 85}, {85, 0}}}};
+  for (const Row& row : rows) {
+    for (const std::uint64_t frameID : {0, 1, 6}) {
+      const std::vector<std::uint8_t> image = Paint(row.type, kWidth, kHeight, frameID);
+
+      for (std::uint32_t y = 0; y < kHeight; ++y) {
+        for (std::uint32_t x = 0; x < kWidth; ++x)
+          ASSERT_EQ(image[y * kWidth + x], (x + y + frameID + row.leads[y % 2][x % 2]) % 256) << x << ", " << y;
+      }
+    }
+  }
+}
+
 TEST(TestPattern, StaticRamp_AnyFrame_IsTheMovingRampsFirst) {
   const std::vector<std::uint8_t> first = Paint(KrPixel::BayerRG8, kWidth, kHeight, 0);
 

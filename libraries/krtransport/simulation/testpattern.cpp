@@ -16,15 +16,38 @@ constexpr std::uint32_t GetLargestSample(const KrPixelTypeInfo& aInfo) {
   return (1u << aInfo.bitsPerSample) - 1;
 }
 
+constexpr std::uint32_t kRedLead = 0;
+constexpr std::uint32_t kGreenLead = 85;
+constexpr std::uint32_t kBlueLead = 170;
+
+// The steps of the ramp by which a site of a colour filter array leads; the other formats' pixels all lead by none.
+std::uint32_t GetSiteLead(KrPixelLayout aLayout, std::size_t aColumn, std::size_t aLine) {
+  struct Row {
+    KrPixelLayout layout;
+    std::uint32_t leads[2][2];
+  };
+  static constexpr Row kRows[] = {
+      {KrPixelLayout::BayerGR, {{kGreenLead, kRedLead}, {kBlueLead, kGreenLead}}},
+      {KrPixelLayout::BayerRG, {{kRedLead, kGreenLead}, {kGreenLead, kBlueLead}}},
+      {KrPixelLayout::BayerGB, {{kGreenLead, kBlueLead}, {kRedLead, kGreenLead}}},
+      {KrPixelLayout::BayerBG, {{kBlueLead, kGreenLead}, {kGreenLead, kRedLead}}},
+  };
+  for (const Row& row : kRows) {
+    if (row.layout == aLayout)
+      return row.leads[aLine % 2][aColumn % 2];
+  }
+  return 0;
+}
+
 // The steps of the ramp by which each component leads, first component first; the last of four is alpha.
 std::vector<std::uint32_t> GetComponentLeads(KrPixelLayout aLayout) {
   switch (aLayout) {
   case KrPixelLayout::RGB:
   case KrPixelLayout::RGBa:
-    return {0, 85, 170};
+    return {kRedLead, kGreenLead, kBlueLead};
   case KrPixelLayout::BGR:
   case KrPixelLayout::BGRa:
-    return {170, 85, 0};
+    return {kBlueLead, kGreenLead, kRedLead};
   default:
     return {0};
   }
@@ -79,14 +102,18 @@ bool PatternPainter::Prepare(KrPixelType aType, std::uint32_t aWidth) {
   mInfo = *info;
   mWidth = aWidth;
   mLineBytes = static_cast<std::size_t>(lineBits / 8);
+  std::array<std::uint64_t, kSteps> encoded;
+  for (std::uint32_t step = 0; step < kSteps; ++step)
+    encoded[step] = EncodeStep(mInfo, step);
   const std::size_t pixels = std::size_t{aWidth} + kSteps;
-  for (std::uint32_t first = 0; first < mRamps.size(); ++first) {
-    mRamps[first].assign((pixels * mInfo.bitsPerPixel + 7) / 8, 0);
-    std::array<std::uint64_t, kSteps> encoded;
-    for (std::uint32_t step = 0; step < kSteps; ++step)
-      encoded[step] = EncodeStep(mInfo, step);
-    for (std::size_t i = 0; i < pixels; ++i)
-      PutPixel(mRamps[first].data(), i, mInfo.bitsPerPixel, encoded[(i + first) % kSteps]);
+  for (std::size_t line = 0; line < mRamps.size(); ++line) {
+    for (std::size_t first = 0; first < mRamps[line].size(); ++first) {
+      std::vector<std::uint8_t>& ramp = mRamps[line][first];
+      ramp.assign((pixels * mInfo.bitsPerPixel + 7) / 8, 0);
+      for (std::size_t i = 0; i < pixels; ++i)
+        PutPixel(ramp.data(), i, mInfo.bitsPerPixel,
+                 encoded[(i + first + GetSiteLead(mInfo.layout, i, line)) % kSteps]);
+    }
   }
   return true;
 }
@@ -99,7 +126,7 @@ bool PatternPainter::Paint(TestPattern aPattern, KrPixelType aType, std::uint32_
   for (std::uint32_t line = 0; line < aHeight; ++line) {
     const auto phase = static_cast<std::size_t>((start + line) % kSteps);
     const std::size_t skippedPixels = phase - phase % 2;
-    const std::uint8_t* const piece = mRamps[phase % 2].data() + skippedPixels * mInfo.bitsPerPixel / 8;
+    const std::uint8_t* const piece = mRamps[line % 2][phase % 2].data() + skippedPixels * mInfo.bitsPerPixel / 8;
     std::memcpy(aOut + std::size_t{line} * mLineBytes, piece, mLineBytes);
   }
   if (aPattern == TestPattern::FrameCounter)

@@ -23,9 +23,10 @@ inline constexpr std::uint32_t kTestPatternCount = 3;
 /// Thread: one at a time.
 class PatternPainter {
 public:
-  /// Paints a frame without padding into aOut. Component values of a ramp's step g (0 to 255): Mono and Bayer g scaled
-  /// to the sample's range; red g, green g + 85, blue g + 170, each modulo 256; alpha the largest value. False for a
-  /// format that is not in the table, or lines that do not end at a byte; nothing is written then.
+  /// Paints a frame without padding into aOut. Component values of a ramp's step g (0 to 255), scaled to the sample's
+  /// range: Mono g; red g, green g + 85, blue g + 170, each modulo 256, and so the sites of a Bayer format by their
+  /// filter's colour; alpha the largest value. False for a format that is not in the table, or lines that do not end at
+  /// a byte; nothing is written then.
   bool Paint(TestPattern aPattern, KrPixelType aType, std::uint32_t aWidth, std::uint32_t aHeight,
              std::uint64_t aFrameID, std::uint8_t* aOut);
 
@@ -37,8 +38,9 @@ private:
   std::uint32_t mWidth = 0;
   std::size_t mLineBytes = 0;
   // A line of any phase is a piece of one of two ramps, which begin at step 0 and at step 1: with two pixels to every
-  // three bytes only the even pixels begin at a byte.
-  std::array<std::vector<std::uint8_t>, 2> mRamps;
+  // three bytes only the even pixels begin at a byte, and the colours of a Bayer line alternate. Two for even lines,
+  // two for odd ones.
+  std::array<std::array<std::vector<std::uint8_t>, 2>, 2> mRamps;
 };
 
 /// Paints one frame of the moving ramp, or of another pattern; as PatternPainter::Paint. Any thread.
