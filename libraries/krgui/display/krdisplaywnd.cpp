@@ -9,7 +9,9 @@ KrDisplayWnd::KrDisplayWnd() {
   mWnd = std::make_unique<krgui::DisplayWnd>();
 }
 
-KrDisplayWnd::~KrDisplayWnd() = default;
+KrDisplayWnd::~KrDisplayWnd() {
+  DeleteWnd();
+}
 
 krgui::DisplayWnd& KrDisplayWnd::GetWnd() const {
   return static_cast<krgui::DisplayWnd&>(*mWnd);

@@ -51,6 +51,7 @@ KrResult Wnd::ReportNotOpen() {
 
 KrResult Wnd::DoEvents() {
   const std::uint32_t start = GetTickCount();
+  mBody->deletions->Flush();
   if (!IsOpen()) {
     return ReportNotOpen();
   }
@@ -58,22 +59,27 @@ KrResult Wnd::DoEvents() {
   const PumpedOpening opening(mBody->alive, mBody->queue);
   // A child is useless without the window around it, so all of that counts as its own.
   QWidget& dialog = *mBody->opening->dialog;
-  InputHold::Pump pump(GetShowMode() == Mode::Child ? *dialog.window() : dialog);
   const auto log = [&logger](std::uint32_t aNumber) {
     logger.Log(KrLogLevel::Debug, kPumpedSite, KrString("Pumped message " + std::to_string(aNumber)));
   };
+  InputHold::Pump pump(GetShowMode() == Mode::Child ? *dialog.window() : dialog, log);
   for (;;) {
     bool wasOurs = true;
     if (std::optional<MessageQueue::Taken> message = mBody->queue->Take()) {
       log(message->Get().number);
       mBody->Dispatch(*message);
-    } else if (const std::optional<QEvent::Type> event = pump.Pass()) {
-      log(*event);
     } else {
-      wasOurs = false;
+      wasOurs = pump.Pass();
     }
-    if (opening.HasEnded() || (!wasOurs && opening.IsQueueEmpty())) {
+    if (opening.HasEnded()) {
       return {};
+    }
+    if (!wasOurs) {
+      if (opening.IsQueueEmpty()) {
+        return {};
+      }
+      // A message that came meanwhile: the limit is for what has been handled.
+      continue;
     }
     if (GetTickCount() - start > kLimitMs) {
       return ReportError(kTimeLimitSite, KrResult::Code::TimeLimitExceeded,

@@ -14,8 +14,13 @@ KrResult ReportNoImplementation() {
 KrWnd::KrWnd() = default;
 
 KrWnd::~KrWnd() {
+  DeleteWnd();
+}
+
+void KrWnd::DeleteWnd() {
   if (mWnd) {
     mWnd->Dispose();
+    mWnd.reset();
   }
 }
 

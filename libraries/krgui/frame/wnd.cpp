@@ -50,7 +50,7 @@ KrResult Wnd::CreateIn(QWidget* aParent) {
     return {KrResult::Code::Failed, "The window could not be created: it needs a parent widget, and none was given."};
   }
   KrResult result = EnsureApplication();
-  return result.IsOK() ? mBody->Open(GetChildTemplateID(), {aParent, nullptr}) : result;
+  return result.IsOK() ? mBody->Open(GetChildTemplateID(), {aParent, nullptr, true}) : result;
 }
 
 KrResult Wnd::ShowModeless(HWND aParent) {

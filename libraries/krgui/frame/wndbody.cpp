@@ -5,7 +5,9 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSocketNotifier>
+#include <QWindow>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -33,9 +35,11 @@ bool HidesPositions() {
   return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
 
-/// Literally: the toolkit reads "[*]" as the mark of a changed document.
-QString ToCaption(const KrString& aTitle) {
-  return QString::fromStdU16String(aTitle.ToWide()).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+/// Some of it can be seen.
+bool IsOnAScreen(const QRect& aRect) {
+  const QList<QScreen*> screens = QGuiApplication::screens();
+  return std::any_of(screens.begin(), screens.end(),
+                     [&aRect](const QScreen* aScreen) { return aScreen->geometry().intersects(aRect); });
 }
 
 } // namespace
@@ -45,7 +49,10 @@ Wnd::Body::Body(Wnd& aWnd, int aConstructionTemplateID) : wnd(aWnd), constructio
 Wnd::Body::~Body() {
   queue->Close();
   if (opening) {
-    Release(std::move(opening));
+    Release(std::move(opening), deletions);
+  }
+  if (!ApplicationEnd::IsProcessEnding()) {
+    deletions->Flush();
   }
 }
 
@@ -56,6 +63,7 @@ KrResult Wnd::Body::Open(int aTemplateID, OpeningParent aParent) {
                                              std::to_string(aTemplateID) + ".")};
   }
   modalResult.reset();
+  deletions->Flush();
   if (!Prepare(*dialogTemplate, std::move(aParent))) {
     return {KrResult::Code::Failed,
             "The window could not be created: it, or its parent, was closed while it was made."};
@@ -73,6 +81,7 @@ int Wnd::Body::RunModal() {
   }
   const std::weak_ptr<const bool> living = alive;
   modalResult = result;
+  deletions->Flush();
   if (!Prepare(*dialogTemplate, {})) {
     return *result;
   }
@@ -88,13 +97,17 @@ int Wnd::Body::RunModal() {
 /// Everything up to the moment before the dialog is shown. False when the window could not be made, was closed or
 /// deleted meanwhile; then nothing of this may be touched.
 bool Wnd::Body::Prepare(const DialogTemplate& aTemplate, OpeningParent aParent) {
+  const std::shared_ptr<DeferredDeletions> ownDeletions = deletions;
+  const DeferredDeletions::Hold hold(*ownDeletions);
+  applicationEnd.Watch();
   opening = std::make_unique<Opening>();
   opening->dialogTemplate = &aTemplate;
+  opening->isPopup = mode != Mode::Child || (!aParent.embedsPopups && aTemplate.kind != DialogKind::Child);
   opening->dialog = MakeDialog(aParent);
   opening->foreign = std::move(aParent.foreign);
   MakeControls(aTemplate);
   if (opening->foreign && !Embed()) {
-    Release(std::move(opening));
+    Release(std::move(opening), deletions);
     return false;
   }
   ApplyTitle();
@@ -110,7 +123,7 @@ void Wnd::Body::MakeControls(const DialogTemplate& aTemplate) {
   dialog.SetButtons(opening->controls->Get(kOKID), opening->controls->Get(kCancelID));
   dialog.resize(opening->controls->GetTemplateSize());
   LimitSize();
-  if (mode == Mode::Child) {
+  if (!opening->isPopup) {
     // Else the toolkit centres it as it is shown.
     dialog.move(0, 0);
   }
@@ -135,27 +148,25 @@ bool Wnd::Body::InitDialog() {
   if (focusesDefault) {
     opening->dialog->FocusDefaultControl();
   }
-  if (mode != Mode::Child || opening->foreign) {
+  if (opening->isPopup || opening->foreign) {
     opening->dialog->MakeNative();
   }
   return true;
 }
 
-/// The toolkit's popup dialogs have the frame of a dialog by themselves.
+/// Popups have the frame of a dialog, unless they were created as a child.
 DialogWindow* Wnd::Body::MakeDialog(const OpeningParent& aParent) {
   using Style = DialogWindow::Style;
+  const Style popupStyle = mode == Mode::Child ? Style::PlainPopup : Style::Popup;
   const Style childStyle = aParent.foreign ? Style::FramelessWindow : Style::Child;
-  return new DialogWindow(*this, mode == Mode::Child ? childStyle : Style::Popup, aParent.widget);
+  return new DialogWindow(*this, opening->isPopup ? popupStyle : childStyle, aParent.widget);
 }
 
 bool Wnd::Body::Embed() {
   ForeignWindow& foreign = *opening->foreign;
   foreign.SetOnEnd([this] { End(); });
-  if (mode != Mode::Child) {
-    foreign.Own(*opening->dialog);
-    return true;
-  }
-  return foreign.Embed(*opening->dialog).IsOK();
+  DialogWindow& dialog = *opening->dialog;
+  return (opening->isPopup ? foreign.Own(dialog) : foreign.Embed(dialog)).IsOK();
 }
 
 /// The user cannot resize a popup with a fixed frame; the application can.
@@ -164,7 +175,7 @@ void Wnd::Body::LimitSize() {
   DialogWindow& dialog = *opening->dialog;
   dialog.setMinimumSize(limits.minWidth, limits.minHeight);
   dialog.setMaximumSize(limits.maxWidth, limits.maxHeight);
-  if (mode != Mode::Child && opening->dialogTemplate->kind == DialogKind::FixedPopup) {
+  if (opening->isPopup && opening->dialogTemplate->kind == DialogKind::FixedPopup) {
     dialog.setFixedSize(dialog.size());
   }
 }
@@ -186,6 +197,8 @@ void Wnd::Body::End() {
   if (!opening || opening->isEnding) {
     return;
   }
+  const std::shared_ptr<DeferredDeletions> ownDeletions = deletions;
+  const DeferredDeletions::Hold hold(*ownDeletions);
   opening->isEnding = true;
   CapturePosition();
   position = ClampToLimits(position, GetLimits());
@@ -198,29 +211,41 @@ void Wnd::Body::End() {
   const std::weak_ptr<const bool> living = alive;
   wnd.OnDestroy();
   if (!living.expired()) {
-    Release(std::move(opening));
+    Release(std::move(opening), deletions);
   }
 }
 
+/// The window object may outlive the application object, its windows may not.
+void Wnd::Body::OnApplicationEnd() {
+  const std::shared_ptr<DeferredDeletions> ownDeletions = deletions;
+  End();
+  ownDeletions->DeleteAll();
+}
+
 /// Without touching anything else of the window, which a handler may delete meanwhile.
-void Wnd::Body::Release(std::unique_ptr<Opening> aOpening) {
+void Wnd::Body::Release(std::unique_ptr<Opening> aOpening, std::shared_ptr<DeferredDeletions> aDeletions) {
+  const DeferredDeletions::Hold hold(*aDeletions);
   if (DialogWindow* dialog = aOpening->dialog) {
     dialog->Detach();
     aOpening->controls.reset();
     // Without an application object the toolkit's windows are gone already.
     if (!aOpening->isDying && QCoreApplication::instance() != nullptr) {
+      aDeletions->Add(*dialog);
       dialog->hide();
-      dialog->deleteLater();
     }
   }
   if (aOpening->foreign) {
     aOpening->foreign->Leave();
-    // It may be on the stack: its window's end may be what ended the opening.
-    aOpening->foreign.release()->deleteLater();
+    if (QCoreApplication::instance() != nullptr) {
+      // It may be on the stack: its window's end may be what ended the opening.
+      aDeletions->Add(*aOpening->foreign.release());
+    }
   }
 }
 
 void Wnd::Body::Dispatch(MessageQueue::Taken& aMessage) {
+  const std::shared_ptr<DeferredDeletions> ownDeletions = deletions;
+  const DeferredDeletions::Hold hold(*ownDeletions);
   aMessage.Answer(wnd.OnMessage(aMessage.Get()) ? 1 : 0);
 }
 
@@ -238,18 +263,43 @@ void Wnd::Body::ApplyPosition(const WindowRect& aRect) {
 
 void Wnd::Body::Move(const WindowRect& aRect) {
   DialogWindow& dialog = *opening->dialog;
-  if (mode == Mode::Child) {
+  if (!opening->isPopup) {
     dialog.setGeometry(QRect(GetTopLeft(aRect), GetSize(aRect)));
     return;
-  }
-  if (!opening->isExposed) {
-    opening->wanted = aRect;
   }
   if (opening->dialogTemplate->kind == DialogKind::FixedPopup) {
     dialog.setFixedSize(GetSize(aRect));
   }
-  dialog.move(GetTopLeft(aRect));
-  dialog.resize(GetSize(aRect));
+  const QPoint corner = FindOrigin() + GetTopLeft(aRect);
+  if (!opening->isExposed) {
+    opening->wanted = aRect;
+    dialog.move(corner);
+    dialog.resize(GetSize(aRect));
+  } else {
+    // By the window's margins: what the widget knows of its frame may be from before there was one.
+    const QMargins frame = dialog.windowHandle()->frameMargins();
+    dialog.setGeometry(QRect(corner + QPoint(frame.left(), frame.top()), GetSize(aRect)));
+  }
+}
+
+/// Where on the screen positions are counted from: the parent's client area for a child.
+QPoint Wnd::Body::FindOrigin() const {
+  if (mode != Mode::Child) {
+    return {};
+  }
+  if (opening->foreign) {
+    return opening->foreign->FindOrigin();
+  }
+  const QWidget* parent = opening->dialog->parentWidget();
+  return parent == nullptr ? FindCorner() : parent->mapToGlobal(QPoint());
+}
+
+/// The corner of a popup's frame on the screen.
+QPoint Wnd::Body::FindCorner() const {
+  const DialogWindow& dialog = *opening->dialog;
+  // Not the widget's: what it knows of its frame may be from before there was one.
+  const QWindow* window = dialog.windowHandle();
+  return window != nullptr && window->handle() != nullptr ? window->framePosition() : dialog.pos();
 }
 
 void Wnd::Body::CapturePosition() {
@@ -259,18 +309,18 @@ void Wnd::Body::CapturePosition() {
   const DialogWindow& dialog = *opening->dialog;
   if (opening->wanted) {
     position = *opening->wanted;
-  } else if (mode == Mode::Child) {
+  } else if (!opening->isPopup) {
     // A child that lost its parent is converted relative to itself.
     const bool hasParent = opening->foreign || dialog.parentWidget() != nullptr;
     position = ToRect(hasParent ? dialog.geometry().topLeft() : QPoint(), dialog.size());
   } else {
-    position = ToRect(HidesPositions() ? GetTopLeft(position) : dialog.pos(), dialog.size());
+    position = ToRect(HidesPositions() ? GetTopLeft(position) : FindCorner() - FindOrigin(), dialog.size());
   }
 }
 
 void Wnd::Body::ApplyTitle() {
   if (opening) {
-    opening->dialog->setWindowTitle(ToCaption(title));
+    opening->dialog->SetCaption(QString::fromStdU16String(title.ToWide()));
   }
 }
 
@@ -292,12 +342,12 @@ void Wnd::Body::OnDialogResize(const QSize& aSize) {
 
 void Wnd::Body::OnDialogExpose() {
   opening->isExposed = true;
-  if (opening->foreign && mode == Mode::Child) {
+  if (opening->foreign && !opening->isPopup) {
     opening->foreign->TakeKeys();
   }
-  // The first placing did not know the frame yet. A position off every screen is the window manager's to correct.
+  // The first placing did not know the frame yet. A window off every screen is the window manager's to correct.
   if (const auto wanted = std::exchange(opening->wanted, std::nullopt)) {
-    if (QGuiApplication::screenAt(GetTopLeft(*wanted)) != nullptr) {
+    if (IsOnAScreen(QRect(FindOrigin() + GetTopLeft(*wanted), GetSize(*wanted)))) {
       Move(*wanted);
     }
   }

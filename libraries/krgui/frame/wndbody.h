@@ -4,6 +4,8 @@
 
 #include "frame/wnd.h"
 #include "logic/frame/windowposition.h"
+#include "platform/applicationend.h"
+#include "platform/deferreddeletions.h"
 #include "platform/dialogbuilder.h"
 #include "platform/dialogwindow.h"
 #include "platform/foreignwindow.h"
@@ -22,6 +24,7 @@ namespace krgui {
 struct OpeningParent {
   QWidget* widget = nullptr;
   std::unique_ptr<ForeignWindow> foreign;
+  bool embedsPopups = false; ///< A child is inside, whatever its template.
 };
 
 /// One opening: what comes with the native window and goes with it.
@@ -31,9 +34,10 @@ struct Opening {
   std::unique_ptr<DialogControls> controls;
   std::unique_ptr<ForeignWindow> foreign;
   QSocketNotifier* notifier = nullptr; ///< Owned by the dialog.
-  /// The rectangle asked for, until the window manager has placed the window.
+  /// The rectangle asked for, until the window manager has placed the window; as the position is stored.
   std::optional<WindowRect> wanted;
   QSize laidOutSize;
+  bool isPopup = false; ///< A window of its own; else inside its parent.
   bool isReady = false; ///< The controls were laid out once.
   bool isExposed = false;
   bool isEnding = false;
@@ -76,6 +80,9 @@ struct Wnd::Body final : DialogOwner {
   std::unique_ptr<Opening> opening;
   /// What the modal loop ends with; shared with the loop, which may outlive the window. Null for other openings.
   std::shared_ptr<int> modalResult;
+  /// What is left of earlier openings; shared, as the window may end while one of them does.
+  std::shared_ptr<DeferredDeletions> deletions = std::make_shared<DeferredDeletions>();
+  ApplicationEnd applicationEnd{[this] { OnApplicationEnd(); }};
 
 private:
   bool Prepare(const DialogTemplate& aTemplate, OpeningParent aParent);
@@ -86,7 +93,10 @@ private:
   void LimitSize();
   void WatchQueue();
   void Move(const WindowRect& aRect);
-  static void Release(std::unique_ptr<Opening> aOpening);
+  void OnApplicationEnd();
+  QPoint FindOrigin() const;
+  QPoint FindCorner() const;
+  static void Release(std::unique_ptr<Opening> aOpening, std::shared_ptr<DeferredDeletions> aDeletions);
 };
 
 } // namespace krgui

@@ -1,5 +1,7 @@
 #include "platform/dialogwindow.h"
 
+#include "platform/nativecaption.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
@@ -12,16 +14,20 @@ namespace krgui {
 
 namespace {
 
+constexpr Qt::WindowFlags kCaptionFlags = Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+
 Qt::WindowFlags GetFlags(DialogWindow::Style aStyle) {
   switch (aStyle) {
   case DialogWindow::Style::Child:
     return Qt::Widget;
   case DialogWindow::Style::FramelessWindow:
     return Qt::Widget | Qt::FramelessWindowHint;
+  case DialogWindow::Style::PlainPopup:
+    return Qt::Window | kCaptionFlags;
   case DialogWindow::Style::Popup:
     break;
   }
-  return Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+  return Qt::Dialog | kCaptionFlags;
 }
 
 bool TakesTabFocus(const QWidget& aControl) {
@@ -48,6 +54,18 @@ void DialogWindow::Detach() {
 void DialogWindow::MakeNative() {
   winId();
   windowHandle()->installEventFilter(this);
+  mCaption = NativeCaption::Make(*this);
+  if (mCaption) {
+    mCaption->Write();
+  }
+}
+
+void DialogWindow::SetCaption(const QString& aCaption) {
+  // The toolkit reads "[*]" as the mark of a changed document.
+  setWindowTitle(QString(aCaption).replace(QLatin1String("[*]"), QLatin1String("[*][*]")));
+  if (mCaption) {
+    mCaption->Write();
+  }
 }
 
 void DialogWindow::SetButtons(QWidget* aAccept, QWidget* aCancel) {

@@ -6,7 +6,11 @@
 #include <QDialog>
 #include <QPointer>
 
+#include <memory>
+
 namespace krgui {
+
+class NativeCaption;
 
 /// Who is told what happens to a dialog. Each call may end the opening and even the owner.
 class DialogOwner {
@@ -32,7 +36,8 @@ public:
   enum class Style {
     Child,           ///< Inside a widget, without frame.
     FramelessWindow, ///< To be put into a native window of another toolkit.
-    Popup,           ///< A window with caption, system menu and close box.
+    Popup,           ///< A window with caption, system menu and close box, in a dialog's frame.
+    PlainPopup,      ///< The same in the frame of any window.
   };
 
   DialogWindow(DialogOwner& aOwner, Style aStyle, QWidget* aParent);
@@ -42,6 +47,8 @@ public:
   void Detach();
   /// Makes the native window of a popup, before it is shown, and watches for its coming onto the screen.
   void MakeNative();
+  /// The caption as it is: nothing in it is a placeholder, nothing is added to it where the window system lets us.
+  void SetCaption(const QString& aCaption);
   /// Wires the buttons that accept and cancel; null for none.
   void SetButtons(QWidget* aAccept, QWidget* aCancel);
   /// Keeps the buttons made so far from becoming the default button with the focus.
@@ -64,6 +71,7 @@ private:
 
   DialogOwner* mOwner; ///< Null once the opening has ended.
   QPointer<QWidget> mAcceptButton;
+  std::unique_ptr<NativeCaption> mCaption; ///< Null without a native window of X11.
 };
 
 } // namespace krgui

@@ -6,6 +6,7 @@
 #include "krbase/krresult.h"
 
 #include <QObject>
+#include <QPoint>
 #include <QPointer>
 #include <qwindowdefs.h>
 
@@ -33,26 +34,34 @@ public:
   void SetOnEnd(std::function<void()> aOnEnd);
   /// Puts a dialog that is not shown yet inside. Failed when the foreign window went meanwhile.
   KrResult Embed(QWidget& aDialog);
-  /// Makes the foreign window the owner of a dialog that is not shown yet.
-  void Own(QWidget& aDialog);
+  /// Makes the foreign window the owner of a dialog that is not shown yet. Failed when it went meanwhile.
+  KrResult Own(QWidget& aDialog);
+  /// Where the client area of the foreign window lies on the screen, in device-independent pixels; where it was last,
+  /// when it has gone.
+  QPoint FindOrigin();
   /// Gives an embedded, visible dialog the keyboard.
   void TakeKeys();
   /// The dialog leaves; called before it or this object is deleted.
   void Leave();
   /// A native window's end, as the window system reports it with the number of the last request before it.
   void OnNativeEnd(std::uint32_t aNativeID, std::uint32_t aSequence);
+  /// A native window was moved or resized.
+  void OnNativeMove(std::uint32_t aNativeID);
 
 protected:
   bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
 
 private:
   explicit ForeignWindow(WId aID);
+  void LearnOrigin();
+  KrResult FailDestroyed() const;
 
   const std::uint32_t mNativeID;
   std::uint32_t mFirstSequence = 0;
   std::unique_ptr<QWindow> mWrapper;
   QPointer<QWindow> mDialogWindow;
   std::uint32_t mDialogID = 0; ///< 0 unless the dialog is embedded.
+  QPoint mOrigin;              ///< On the screen, in device pixels.
   std::function<void()> mOnEnd;
 };
 

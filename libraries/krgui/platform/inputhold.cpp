@@ -113,7 +113,8 @@ bool IsBlocked(const QWindow& aWindow) {
 
 } // namespace
 
-InputHold::Pump::Pump(QWidget& aRoot) : mHold(InputHold::Get()), mRoot(&aRoot), mLoopLevel(GetLoopLevel()) {
+InputHold::Pump::Pump(QWidget& aRoot, std::function<void(std::uint32_t)> aOnOwn)
+    : mHold(InputHold::Get()), mRoot(&aRoot), mLoopLevel(GetLoopLevel()), mOnOwn(std::move(aOnOwn)) {
   mHold.mPumps.push_back(this);
 }
 
@@ -122,11 +123,11 @@ InputHold::Pump::~Pump() {
   mHold.PostGive();
 }
 
-std::optional<QEvent::Type> InputHold::Pump::Pass() {
-  mFirstOwn.reset();
+bool InputHold::Pump::Pass() {
+  mHadOwn = false;
   mHold.Give();
   QCoreApplication::processEvents();
-  return mFirstOwn;
+  return mHadOwn;
 }
 
 /// Along the parents across windows, so that menus and the lists of combo boxes count as their owner's.
@@ -165,7 +166,8 @@ bool InputHold::eventFilter(QObject* aWatched, QEvent* aEvent) {
   }
   Pump* pump = GetActivePump();
   if (pump != nullptr && pump->Covers(*aWatched)) {
-    pump->mFirstOwn = pump->mFirstOwn.value_or(aEvent->type());
+    pump->mHadOwn = true;
+    pump->mOnOwn(static_cast<std::uint32_t>(aEvent->type()));
     return false;
   }
   return aWatched->isWindowType() && HoldInput(static_cast<QWindow&>(*aWatched), *aEvent);

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -26,14 +27,15 @@ public:
   /// One pump at work: while it lives, input that reaches other windows in the loop it was made in is held.
   class Pump {
   public:
-    /// The widget whose events, with those of all below it, are the pump's own.
-    explicit Pump(QWidget& aRoot);
+    /// aRoot: the widget whose events, with those of all below it, are the pump's own. aOnOwn hears of each of them,
+    /// by the number of its type, before it is delivered.
+    Pump(QWidget& aRoot, std::function<void(std::uint32_t)> aOnOwn);
     ~Pump();
     Pump(const Pump&) = delete;
     Pump& operator=(const Pump&) = delete;
 
-    /// One pass of the toolkit's dispatcher: the type of the first event for this pump's own widgets, if there was any.
-    std::optional<QEvent::Type> Pass();
+    /// One pass of the toolkit's dispatcher: whether any event was for this pump's own widgets.
+    bool Pass();
 
   private:
     friend class InputHold;
@@ -42,7 +44,8 @@ public:
     InputHold& mHold;
     QPointer<QWidget> mRoot;
     int mLoopLevel;
-    std::optional<QEvent::Type> mFirstOwn;
+    std::function<void(std::uint32_t)> mOnOwn;
+    bool mHadOwn = false;
   };
 
 protected:

@@ -1,0 +1,24 @@
+#pragma once
+// The toolkit's connection to an X server, and how replies of the server are kept. What is asked is the callers'.
+
+#include <cstdlib>
+#include <memory>
+
+struct xcb_connection_t;
+
+namespace krgui {
+
+/// The toolkit's own connection, which stays its own; null when the platform is not X11 or there is no application
+/// object.
+xcb_connection_t* GetX11Connection();
+
+/// A reply or error, which the server's library leaves to the caller to free.
+template <typename T>
+using X11Reply = std::unique_ptr<T, decltype(&std::free)>;
+
+template <typename T>
+X11Reply<T> KeepReply(T* aReply) {
+  return {aReply, &std::free};
+}
+
+} // namespace krgui
