@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <utility>
 
 namespace krgui {
 
@@ -73,6 +75,48 @@ public:
     return owner;
   }
 
+  struct Property {
+    xcb_atom_t type = XCB_ATOM_NONE;
+    std::string value;
+  };
+  /// A property of any window as another client reads it.
+  Property FindProperty(xcb_window_t aWindow, const char* aName) const {
+    constexpr std::uint32_t kMostUnits = 1000;
+    const auto cookie =
+        xcb_get_property(mConnection, 0, aWindow, FindAtom(aName), XCB_GET_PROPERTY_TYPE_ANY, 0, kMostUnits);
+    auto* reply = xcb_get_property_reply(mConnection, cookie, nullptr);
+    Property property;
+    if (reply != nullptr) {
+      property = {reply->type, std::string(static_cast<const char*>(xcb_get_property_value(reply)),
+                                           static_cast<std::size_t>(xcb_get_property_value_length(reply)))};
+    }
+    free(reply);
+    return property;
+  }
+  xcb_atom_t FindAtom(const char* aName) const {
+    const auto cookie = xcb_intern_atom(mConnection, 0, static_cast<std::uint16_t>(std::strlen(aName)), aName);
+    auto* reply = xcb_intern_atom_reply(mConnection, cookie, nullptr);
+    const xcb_atom_t atom = reply == nullptr ? xcb_atom_t(XCB_ATOM_NONE) : reply->atom;
+    free(reply);
+    return atom;
+  }
+
+  /// Asks for a place on the screen, as a client moves itself.
+  void Move(int aX, int aY) {
+    const std::uint32_t values[] = {static_cast<std::uint32_t>(aX), static_cast<std::uint32_t>(aY)};
+    xcb_configure_window(mConnection, mWindow, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values);
+    Synchronise();
+  }
+  /// Where the inside of this window begins on the screen.
+  std::pair<int, int> FindOrigin() const {
+    auto* reply = xcb_translate_coordinates_reply(
+        mConnection, xcb_translate_coordinates(mConnection, mWindow, GetScreen().root, 0, 0), nullptr);
+    const std::pair<int, int> origin =
+        reply == nullptr ? std::pair(0, 0) : std::pair<int, int>(reply->dst_x, reply->dst_y);
+    free(reply);
+    return origin;
+  }
+
   /// Takes the keyboard, as a window manager gives it.
   void Focus() {
     xcb_set_input_focus(mConnection, XCB_INPUT_FOCUS_PARENT, mWindow, XCB_CURRENT_TIME);
@@ -88,15 +132,11 @@ public:
 
   /// Asks the window manager to close a window, as a task bar does.
   void AskToClose(xcb_window_t aWindow) {
-    const char name[] = "_NET_CLOSE_WINDOW";
-    const auto cookie = xcb_intern_atom(mConnection, 0, static_cast<std::uint16_t>(sizeof name - 1), name);
-    auto* atom = xcb_intern_atom_reply(mConnection, cookie, nullptr);
     xcb_client_message_event_t event = {};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
     event.window = aWindow;
-    event.type = atom->atom;
-    free(atom);
+    event.type = FindAtom("_NET_CLOSE_WINDOW");
     constexpr std::uint32_t kToManager = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
     xcb_send_event(mConnection, 0, GetScreen().root, kToManager, reinterpret_cast<const char*>(&event));
     Synchronise();

@@ -350,6 +350,46 @@ TEST_F(WndDoEvents, FloodInTheNormalLoop_StarvesNeitherTimersNorPainting) {
   EXPECT_GT(mWindow.record->messages.size(), 0U);
 }
 
+TEST_F(WndDoEvents, ToolkitsEventsForTheWindow_AreRecordedBeforeTheyAreDelivered) {
+  Open();
+  auto* button = new QPushButton(mWindow.GetWidget());
+  auto* label = new QWidget(mWindow.GetWidget());
+  ASSERT_TRUE(mWindow.DoEvents().IsOK());
+  const KrLogCapture log;
+  const KrString record("Pumped message " + std::to_string(int(QEvent::MetaCall)));
+  std::vector<std::size_t> recordsAtHandling;
+  const auto handle = [&] { recordsAtHandling.push_back(Select(log, kDebug).size()); };
+  QMetaObject::invokeMethod(button, handle, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(label, handle, Qt::QueuedConnection);
+
+  EXPECT_TRUE(mWindow.DoEvents().IsOK());
+
+  EXPECT_EQ(recordsAtHandling, (std::vector<std::size_t>{1, 2}));
+  for (const KrLogRecord& each : Select(log, kDebug)) {
+    EXPECT_EQ(each.text, record);
+    ExpectSite(each, 227);
+  }
+}
+
+TEST_F(WndDoEvents, MessageThatComesWhileOthersEventsAreHandled_IsHandledBeforeTheLimitCounts) {
+  Open();
+  std::uint32_t now = 0;
+  const TickCountOverride clock([&now] { return now; });
+  QObject other;
+  QMetaObject::invokeMethod(
+      &other,
+      [&] {
+        now = 5000;
+        EXPECT_TRUE(Post());
+      },
+      Qt::QueuedConnection);
+  const KrLogCapture log;
+
+  EXPECT_EQ(mWindow.DoEvents(), Code::TimeLimitExceeded);
+
+  EXPECT_EQ(mWindow.record->messages.size(), 1U);
+}
+
 } // namespace
 
 } // namespace krgui

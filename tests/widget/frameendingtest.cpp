@@ -317,6 +317,91 @@ TEST(WndEnding, WorkersSend_IsAnsweredByTheHandler) {
   EXPECT_EQ(answers[1], 0);
 }
 
+/// What an ended opening leaves to the toolkit, where the host runs no loop.
+class WndLeftovers : public testing::Test {
+protected:
+  void OpenAndClose() {
+    ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+    mWidget = mWindow->GetWidget();
+    ASSERT_TRUE(mWindow->Close().IsOK());
+    ASSERT_FALSE(mWidget.isNull());
+  }
+
+  std::unique_ptr<TestWnd> mWindow = std::make_unique<TestWnd>();
+  QPointer<QWidget> mWidget;
+};
+
+TEST_F(WndLeftovers, ClosedDirectly_AreDeletedByTheNextDoEvents) {
+  OpenAndClose();
+
+  EXPECT_EQ(mWindow->DoEvents(), Code::WrongState);
+
+  EXPECT_TRUE(mWidget.isNull());
+}
+
+TEST_F(WndLeftovers, ClosedDirectly_AreDeletedByTheNextOpening) {
+  OpenAndClose();
+
+  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+
+  EXPECT_TRUE(mWidget.isNull());
+  EXPECT_TRUE(mWindow->IsOpen());
+}
+
+TEST_F(WndLeftovers, ClosedDirectly_AreDeletedWithTheWindowObject) {
+  OpenAndClose();
+
+  mWindow.reset();
+
+  EXPECT_TRUE(mWidget.isNull());
+}
+
+TEST_F(WndLeftovers, OpenWindowObjectDeletedDirectly_AreDeletedWithIt) {
+  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+  mWidget = mWindow->GetWidget();
+
+  mWindow.reset();
+
+  EXPECT_TRUE(mWidget.isNull());
+}
+
+TEST_F(WndLeftovers, ReopenedFromAMessage_StayUntilItsHandlerHasReturned) {
+  bool wasThere = false;
+  mWindow->onMessage = [&](const Message&) {
+    EXPECT_TRUE(mWindow->Close().IsOK());
+    EXPECT_TRUE(mWindow->ShowModeless(0).IsOK());
+    wasThere = !mWidget.isNull();
+    return true;
+  };
+  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+  mWidget = mWindow->GetWidget();
+  ASSERT_TRUE(mWindow->GetQueue()->Post(kMessage));
+
+  EXPECT_TRUE(mWindow->DoEvents().IsOK());
+
+  EXPECT_TRUE(wasThere);
+  EXPECT_TRUE(mWindow->DoEvents().IsOK());
+  EXPECT_TRUE(mWidget.isNull());
+}
+
+TEST_F(WndLeftovers, ReopenedFromAKey_StayUntilItsHandlerHasReturned) {
+  bool wasThere = false;
+  mWindow->onCancel = [&] {
+    EXPECT_TRUE(mWindow->Close().IsOK());
+    EXPECT_TRUE(mWindow->ShowModeless(0).IsOK());
+    EXPECT_TRUE(mWindow->DoEvents().IsOK());
+    wasThere = !mWidget.isNull();
+  };
+  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+  mWidget = mWindow->GetWidget();
+
+  QTest::keyClick(mWidget.data(), Qt::Key_Escape);
+
+  EXPECT_TRUE(wasThere);
+  EXPECT_TRUE(mWindow->DoEvents().IsOK());
+  EXPECT_TRUE(mWidget.isNull());
+}
+
 } // namespace
 
 } // namespace krgui

@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -18,6 +19,9 @@ using Code = KrResult::Code;
 class TestFacade : public KrWnd {
 public:
   explicit TestFacade(std::unique_ptr<Wnd> aWnd) { mWnd = std::move(aWnd); }
+  ~TestFacade() override { DeleteWnd(); }
+  /// As a window's own events reach its facade.
+  virtual std::string GetClass() const { return "TestFacade"; }
 };
 
 /// Runs an action in the modal loop, once the dialog is on the screen.
@@ -137,6 +141,75 @@ TEST(Wnd, CreateIn_Null_Fails) {
 
   EXPECT_EQ(window.CreateIn(nullptr), Code::Failed);
 }
+
+TEST(Wnd, CreateIn_WithAPopupsTemplate_IsAChildWithoutFrame) {
+  QWidget parent;
+  parent.show();
+  TestWnd window(kDeviceFinderTraits);
+
+  ASSERT_TRUE(window.CreateIn(&parent).IsOK());
+
+  EXPECT_FALSE(window.GetWidget()->isWindow());
+  EXPECT_EQ(window.GetWidget()->parentWidget(), &parent);
+}
+
+TEST(Wnd, Create_WithAPopupsTemplate_IsAWindowOwnedByTheParent) {
+  QWidget parent;
+  parent.show();
+  TestWnd window(kDeviceFinderTraits);
+
+  ASSERT_TRUE(window.Create(parent.winId(), 0).IsOK());
+
+  EXPECT_EQ(window.GetShowMode(), Wnd::Mode::Child);
+  EXPECT_TRUE(window.GetWidget()->isWindow());
+  EXPECT_EQ(window.GetWidget()->parentWidget(), &parent);
+  EXPECT_EQ(window.GetWidget()->windowHandle()->transientParent(), parent.windowHandle());
+  EXPECT_TRUE(window.GetWidget()->windowFlags().testFlag(Qt::WindowTitleHint));
+}
+
+TEST(Wnd, Create_WithAPopupsTemplate_IsNotClosedByOKCancelOrCloseBox) {
+  QWidget parent;
+  parent.show();
+  TestWnd window(kDeviceFinderTraits);
+  ASSERT_TRUE(window.Create(parent.winId(), 0).IsOK());
+
+  qobject_cast<QPushButton*>(window.GetControl(1))->click();
+  qobject_cast<QPushButton*>(window.GetControl(2))->click();
+  window.GetWidget()->close();
+
+  EXPECT_EQ(window.record->accepts, 1);
+  EXPECT_EQ(window.record->cancels, 2);
+  EXPECT_TRUE(window.GetWidget()->isVisible());
+}
+
+struct FrameCase {
+  const char* name;
+  KrResult (*show)(TestWnd& aWindow);
+};
+
+class DialogFrame : public testing::TestWithParam<FrameCase> {};
+
+TEST_P(DialogFrame, Popup_HasCaptionSystemMenuAndADialogsFrame) {
+  TestWnd window;
+  Qt::WindowFlags flags;
+  window.onInitDialog = [&] { flags = window.GetWidget()->windowFlags(); };
+  QTimer::singleShot(0, qApp, [&] {
+    if (window.GetShowMode() == Wnd::Mode::Modal) {
+      window.EndDialog(1);
+    }
+  });
+
+  ASSERT_TRUE(GetParam().show(window).IsOK());
+
+  EXPECT_EQ(flags & Qt::WindowType_Mask, Qt::Dialog);
+  EXPECT_TRUE(flags.testFlags(Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint));
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, DialogFrame,
+                         testing::Values(FrameCase{"Modeless",
+                                                   [](TestWnd& aWindow) { return aWindow.ShowModeless(0); }},
+                                         FrameCase{"Modal", [](TestWnd& aWindow) { return aWindow.ShowModal(0); }}),
+                         [](const auto& aInfo) { return aInfo.param.name; });
 
 TEST(Wnd, CreateIn_ALayout_TakesTheSpaceThatTheLayoutGives) {
   QWidget parent;
@@ -462,6 +535,19 @@ TEST(KrWnd, EveryCall_ReachesTheImplementation) {
   EXPECT_TRUE(facade.Close().IsOK());
   InModalLoop(implementation, [&] { implementation.EndDialog(2); });
   EXPECT_EQ(facade.ShowModal(0), Code::Cancelled);
+}
+
+TEST(KrWnd, DeletedWhileOpen_ClosesWhileTheDerivedObjectIsWhole) {
+  auto owned = std::make_unique<TestWnd>();
+  TestWnd& implementation = *owned;
+  std::string atTheEnd;
+  {
+    TestFacade facade(std::move(owned));
+    implementation.onDestroy = [&] { atTheEnd = facade.GetClass(); };
+    ASSERT_TRUE(facade.ShowModeless(0).IsOK());
+  }
+
+  EXPECT_EQ(atTheEnd, "TestFacade");
 }
 
 TEST(KrWnd, WithoutImplementation_IsNeverOpen) {

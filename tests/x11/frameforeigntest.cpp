@@ -3,6 +3,10 @@
 #include "nativewindow.h"
 #include "testwnd.h"
 
+#include "platform/foreignwindow.h"
+#include "platform/x11connection.h"
+
+#include <QAbstractNativeEventFilter>
 #include <QLineEdit>
 #include <QProcess>
 #include <QWindow>
@@ -261,6 +265,132 @@ TEST(ForeignWindows, WidgetDeletedByTheApplicationWhileInside_IsOrderly) {
   EXPECT_EQ(window.GetHandle(), 0U);
   DeleteWhatIsLeft();
   QTest::qWait(0);
+}
+
+/// A popup's template created as a child: a window above a native one.
+class OwnedByForeign : public testing::Test {
+protected:
+  void SetUp() override {
+    mWindow.SetPosition(50, 60, 700, 500);
+    ASSERT_TRUE(mWindow.Create(mParent.GetID(), 3).IsOK());
+    ASSERT_TRUE(AwaitExposed());
+  }
+
+  bool AwaitExposed() {
+    return WaitFor([this] { return mWindow.GetWidget()->windowHandle()->isExposed(); });
+  }
+  /// In the parent's client coordinates, as the toolkit's native window knows it.
+  QPoint FindCornerInParent() {
+    const auto [x, y] = mParent.FindOrigin();
+    return mWindow.GetWidget()->windowHandle()->framePosition() - QPoint(x, y);
+  }
+
+  NativeWindow mParent{400, 300, 300, 200};
+  TestWnd mWindow{kDeviceFinderTraits};
+};
+
+TEST_F(OwnedByForeign, Frame_LiesAtItsPlaceInTheParentsClientArea) {
+  EXPECT_TRUE(WaitFor([this] { return FindCornerInParent() == QPoint(50, 60); }));
+  EXPECT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500}));
+  EXPECT_EQ(mParent.FindOwner(GetXID(mWindow)), mParent.GetID());
+  EXPECT_EQ(mWindow.GetShowMode(), Wnd::Mode::Child);
+}
+
+TEST_F(OwnedByForeign, TenReopenings_NeitherMoveNorResize) {
+  for (int opening = 0; opening < 10; ++opening) {
+    ASSERT_TRUE(mWindow.Close().IsOK());
+    ASSERT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500})) << "opening " << opening;
+    DeleteWhatIsLeft();
+    ASSERT_TRUE(mWindow.Create(mParent.GetID(), 3).IsOK());
+    ASSERT_TRUE(AwaitExposed());
+  }
+}
+
+TEST_F(OwnedByForeign, ParentMoved_PositionIsCountedFromItsNewPlace) {
+  const auto before = mParent.FindOrigin();
+  mParent.Move(500, 420);
+  ASSERT_TRUE(WaitFor([&] { return mParent.FindOrigin() != before; }));
+
+  mWindow.SetPosition(30, 40, 700, 500);
+
+  EXPECT_TRUE(WaitFor([this] { return FindCornerInParent() == QPoint(30, 40); }));
+  EXPECT_EQ(GetPosition(mWindow), (Position{30, 40, 700, 500}));
+}
+
+TEST_F(OwnedByForeign, EnterAndEscape_DoNotCloseIt) {
+  QTest::keyClick(mWindow.GetWidget(), Qt::Key_Escape);
+  QTest::keyClick(mWindow.GetWidget(), Qt::Key_Return);
+
+  EXPECT_EQ(mWindow.record->cancels, 1);
+  EXPECT_EQ(mWindow.record->accepts, 1);
+  EXPECT_TRUE(mWindow.GetWidget()->isVisible());
+}
+
+TEST_F(OwnedByForeign, ParentDestroyed_TakesItAlongWithItsPosition) {
+  mParent.Destroy();
+
+  EXPECT_TRUE(WaitFor([this] { return mWindow.GetHandle() == 0; }));
+  EXPECT_EQ(mWindow.record->destroys, 1);
+  EXPECT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500}));
+  DeleteWhatIsLeft();
+}
+
+/// A window whose parent is destroyed after it was found and before it is used.
+class HastyParent : public testing::TestWithParam<bool> {};
+
+TEST_P(HastyParent, DestroyedAfterItWasFound_IsNoParent) {
+  NativeWindow native(100, 100, 200, 200);
+  std::unique_ptr<ForeignWindow> foreign;
+  ASSERT_TRUE(ForeignWindow::Find(native.GetID(), foreign).IsOK());
+  QWidget dialog;
+  native.Destroy();
+
+  const KrResult result = GetParam() ? foreign->Own(dialog) : foreign->Embed(dialog);
+
+  EXPECT_EQ(result, Code::Failed);
+  EXPECT_NE(result.GetDescription().ToUtf8().find("destroyed"), std::string::npos);
+  foreign->Leave();
+  QTest::qWait(0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Uses, HastyParent, testing::Bool(),
+                         [](const auto& aInfo) { return aInfo.param ? "AsOwner" : "AsParent"; });
+
+/// Sees the errors that nobody expected, and keeps the toolkit from warning of them.
+class ErrorWatch : public QAbstractNativeEventFilter {
+public:
+  ErrorWatch() { qApp->installNativeEventFilter(this); }
+  ~ErrorWatch() override { qApp->removeNativeEventFilter(this); }
+  bool nativeEventFilter(const QByteArray&, void* aMessage, qintptr*) override {
+    const auto* error = static_cast<const xcb_generic_error_t*>(aMessage);
+    const bool isError = error->response_type == 0;
+    if (isError) {
+      ids.push_back(error->resource_id);
+    }
+    return isError;
+  }
+  std::vector<std::uint32_t> ids;
+};
+
+TEST(ForeignWindows, ErrorsAfterAnEndedChild_AreExpectedNoLonger) {
+  // Installed before the library's own filter of this parent, and so asked after it.
+  ErrorWatch errors;
+  NativeWindow parent(100, 100, 600, 400);
+  TestWnd window;
+  ASSERT_TRUE(window.Create(parent.GetID(), 0).IsOK());
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  const xcb_window_t ended = GetXID(window);
+  parent.Destroy();
+  ASSERT_TRUE(WaitFor([&] { return window.GetHandle() == 0; }));
+  DeleteWhatIsLeft();
+  QTest::qWait(0);
+  ASSERT_TRUE(errors.ids.empty());
+
+  // The id may be another window's by now.
+  xcb_map_window(GetX11Connection(), ended);
+  xcb_flush(GetX11Connection());
+
+  EXPECT_TRUE(WaitFor([&] { return errors.ids == std::vector<std::uint32_t>{ended}; }));
 }
 
 } // namespace

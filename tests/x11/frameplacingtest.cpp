@@ -1,5 +1,6 @@
 // Popups under a window manager: placing with a frame, the user's closing and resizing, the caption.
 
+#include "krgui/krdisplaywnd.h"
 #include "nativewindow.h"
 #include "testwnd.h"
 
@@ -9,6 +10,8 @@
 #include <QWindow>
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace krgui {
 
@@ -24,19 +27,42 @@ xcb_window_t GetXID(const TestWnd& aWindow) {
   return static_cast<xcb_window_t>(aWindow.GetHandle());
 }
 
+/// The frame on the screen, as the native window knows it: the widget keeps what it read first, which may be from
+/// before the window manager has made the frame.
+template <typename Window>
+QRect GetFrame(const Window& aWindow) {
+  return aWindow.GetWidget()->windowHandle()->frameGeometry();
+}
+
 /// On the screen with its frame, and nothing more to come.
-bool AwaitPlaced(TestWnd& aWindow) {
-  return QTest::qWaitForWindowExposed(aWindow.GetWidget()) &&
-         WaitFor([&] { return aWindow.GetWidget()->frameGeometry().height() > aWindow.GetWidget()->height(); });
+template <typename Window>
+bool AwaitPlaced(const Window& aWindow) {
+  return WaitFor([&] {
+    const QWindow* window = aWindow.GetWidget()->windowHandle();
+    return window->isExposed() && window->frameMargins().top() > 0;
+  });
 }
 
 bool AwaitActive(TestWnd& aWindow) {
-  return AwaitPlaced(aWindow) && QTest::qWaitForWindowActive(aWindow.GetWidget());
+  return AwaitPlaced(aWindow) && WaitFor([&] { return aWindow.GetWidget()->isActiveWindow(); });
+}
+
+/// Types into a modal dialog as soon as it has the keyboard; one that does not get it is closed, so that its loop ends.
+void TypeIntoModal(TestWnd& aWindow, const char* aKey) {
+  QTimer::singleShot(0, qApp, [&aWindow, aKey] {
+    const bool isActive = AwaitActive(aWindow);
+    EXPECT_TRUE(isActive);
+    if (isActive) {
+      XDoTool({QStringLiteral("key"), QString::fromLatin1(aKey)});
+    } else {
+      EXPECT_TRUE(aWindow.Close().IsOK());
+    }
+  });
 }
 
 /// Drags the frame's bottom right corner.
 void DragCorner(TestWnd& aWindow, int aRight, int aDown) {
-  const QPoint corner = aWindow.GetWidget()->frameGeometry().bottomRight();
+  const QPoint corner = GetFrame(aWindow).bottomRight();
   const QPoint target = corner + QPoint(aRight, aDown);
   XDoTool({QStringLiteral("mousemove"), QString::number(corner.x()), QString::number(corner.y())});
   XDoTool({QStringLiteral("mousedown"), QStringLiteral("1")});
@@ -53,7 +79,7 @@ TEST(Placing, SetBeforeShowing_IsTheFramesPositionOnTheScreen) {
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
 
   ASSERT_TRUE(AwaitPlaced(window));
-  EXPECT_TRUE(WaitFor([&] { return window.GetWidget()->frameGeometry().topLeft() == QPoint(300, 250); }));
+  EXPECT_TRUE(WaitFor([&] { return GetFrame(window).topLeft() == QPoint(300, 250); }));
   EXPECT_EQ(window.GetWidget()->size(), QSize(500, 400));
   EXPECT_EQ(GetPosition(window), (Position{300, 250, 500, 400}));
 }
@@ -64,12 +90,137 @@ TEST(Placing, TenReopenings_NeitherMoveNorResize) {
   for (int opening = 0; opening < 10; ++opening) {
     ASSERT_TRUE(window.ShowModeless(0).IsOK());
     ASSERT_TRUE(AwaitPlaced(window));
-    ASSERT_EQ(window.GetWidget()->frameGeometry().topLeft(), QPoint(300, 250)) << "opening " << opening;
+    ASSERT_EQ(GetFrame(window).topLeft(), QPoint(300, 250)) << "opening " << opening;
     ASSERT_EQ(GetPosition(window), (Position{300, 250, 500, 400})) << "opening " << opening;
     ASSERT_TRUE(window.Close().IsOK());
     ASSERT_EQ(GetPosition(window), (Position{300, 250, 500, 400})) << "closed after opening " << opening;
     DeleteWhatIsLeft();
   }
+}
+
+/// One of the product's windows, in every way it is placed: over and over again at the same place.
+void ExpectNoCreep(KrDisplayWnd& aWindow, const Position& aPosition, std::function<KrResult()> aShow) {
+  aWindow.SetPosition(aPosition.x, aPosition.y, aPosition.width, aPosition.height);
+  for (int opening = 0; opening < 10; ++opening) {
+    ASSERT_TRUE(aShow().IsOK());
+    ASSERT_TRUE(WaitFor([&] { return aWindow.GetWidget()->isVisible(); }));
+    if (aWindow.GetWidget()->isWindow()) {
+      ASSERT_TRUE(AwaitPlaced(aWindow));
+    }
+    ASSERT_EQ(GetPosition(aWindow), aPosition) << "opening " << opening;
+    ASSERT_TRUE(aWindow.Close().IsOK());
+    ASSERT_EQ(GetPosition(aWindow), aPosition) << "closed after opening " << opening;
+    DeleteWhatIsLeft();
+  }
+}
+
+TEST(Placing, TenReopeningsPartlyOffTheScreen_NeitherMoveNorResize) {
+  KrDisplayWnd window;
+
+  ExpectNoCreep(window, {-20, 250, 500, 400}, [&] { return window.ShowModeless(0); });
+}
+
+TEST(Placing, TenReopeningsOfADisplayAsPopup_NeitherMoveNorResize) {
+  KrDisplayWnd window;
+
+  ExpectNoCreep(window, {300, 250, 500, 400}, [&] { return window.ShowModeless(0); });
+}
+
+TEST(Placing, TenReopeningsOfADisplayAsChild_NeitherMoveNorResize) {
+  QWidget parent;
+  parent.resize(700, 600);
+  parent.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&parent));
+  KrDisplayWnd window;
+
+  ExpectNoCreep(window, {30, 40, 500, 400}, [&] { return window.Create(parent.winId(), 0); });
+}
+
+TEST(Placing, FrameReadBeforeThereWasOne_IsNotKept) {
+  TestWnd window(kDeviceFinderTraits);
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  // The widget remembers a frame without borders from now on.
+  (void)window.GetWidget()->frameGeometry();
+  ASSERT_TRUE(AwaitPlaced(window));
+
+  const QPoint corner = GetFrame(window).topLeft();
+  EXPECT_EQ(GetPosition(window), (Position{corner.x(), corner.y(), 800, 600}));
+
+  window.SetPosition(310, 260, 700, 500);
+  EXPECT_TRUE(WaitFor([&] { return GetFrame(window).topLeft() == QPoint(310, 260); }));
+  EXPECT_EQ(GetPosition(window), (Position{310, 260, 700, 500}));
+}
+
+/// A window with a popup's template created as a child, above a Qt widget.
+class OwnedChild : public testing::Test {
+protected:
+  void SetUp() override {
+    mParent->setGeometry(400, 300, 300, 200);
+    mParent->show();
+    ASSERT_TRUE(WaitFor([this] { return mParent->windowHandle()->frameMargins().top() > 0; }));
+    mWindow.SetPosition(50, 60, 700, 500);
+    ASSERT_TRUE(mWindow.Create(mParent->winId(), 3).IsOK());
+    ASSERT_TRUE(AwaitPlaced(mWindow));
+  }
+
+  QPoint FindCornerInParent() const { return GetFrame(mWindow).topLeft() - mParent->mapToGlobal(QPoint()); }
+
+  std::unique_ptr<QWidget> mParent = std::make_unique<QWidget>();
+  TestWnd mWindow{kDeviceFinderTraits};
+};
+
+TEST_F(OwnedChild, Frame_LiesAtItsPlaceInTheParentsClientArea) {
+  EXPECT_TRUE(WaitFor([this] { return FindCornerInParent() == QPoint(50, 60); }));
+  EXPECT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500}));
+}
+
+TEST_F(OwnedChild, IsAWindowOfItsOwnOwnedByTheParentWithoutADialogsFrame) {
+  const NativeWindow reader(0, 1500, 50, 50);
+  const xcb_atom_t normal = reader.FindAtom("_NET_WM_WINDOW_TYPE_NORMAL");
+
+  EXPECT_TRUE(mWindow.GetWidget()->isWindow());
+  EXPECT_EQ(mWindow.GetShowMode(), Wnd::Mode::Child);
+  EXPECT_EQ(reader.FindOwner(GetXID(mWindow)), mParent->winId());
+  const std::string types = reader.FindProperty(GetXID(mWindow), "_NET_WM_WINDOW_TYPE").value;
+  EXPECT_EQ(types, std::string(reinterpret_cast<const char*>(&normal), sizeof normal));
+}
+
+TEST_F(OwnedChild, TenReopenings_NeitherMoveNorResize) {
+  for (int opening = 0; opening < 10; ++opening) {
+    ASSERT_TRUE(mWindow.Close().IsOK());
+    ASSERT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500})) << "opening " << opening;
+    DeleteWhatIsLeft();
+    ASSERT_TRUE(mWindow.Create(mParent->winId(), 3).IsOK());
+    ASSERT_TRUE(AwaitPlaced(mWindow));
+  }
+}
+
+TEST_F(OwnedChild, CloseBox_DoesNotCloseIt) {
+  NativeWindow taskBar(0, 1500, 50, 50);
+
+  taskBar.AskToClose(GetXID(mWindow));
+
+  ASSERT_TRUE(WaitFor([this] { return mWindow.record->cancels == 1; }));
+  EXPECT_TRUE(mWindow.GetWidget()->isVisible());
+}
+
+TEST_F(OwnedChild, ParentsEnd_TakesItAlong) {
+  mParent.reset();
+
+  EXPECT_FALSE(mWindow.IsOpen());
+  EXPECT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500}));
+}
+
+TEST(Placing, ModelessWindow_HasADialogsFrame) {
+  const NativeWindow reader(0, 1500, 50, 50);
+  const xcb_atom_t dialog = reader.FindAtom("_NET_WM_WINDOW_TYPE_DIALOG");
+  TestWnd window;
+
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  ASSERT_TRUE(AwaitPlaced(window));
+  const std::string types = reader.FindProperty(GetXID(window), "_NET_WM_WINDOW_TYPE").value;
+  EXPECT_EQ(types.substr(0, sizeof dialog), std::string(reinterpret_cast<const char*>(&dialog), sizeof dialog));
 }
 
 TEST(Placing, TenHastyReopenings_NeitherMoveNorResize) {
@@ -101,7 +252,7 @@ TEST(Placing, MovedByTheUser_IsRememberedAndReopenedThere) {
   window.SetPosition(300, 250, 500, 400);
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
   ASSERT_TRUE(AwaitPlaced(window));
-  const QRect frame = window.GetWidget()->frameGeometry();
+  const QRect frame = GetFrame(window);
   const QPoint grip(frame.center().x(), frame.top() + 8);
   XDoTool({QStringLiteral("mousemove"), QString::number(grip.x()), QString::number(grip.y())});
   XDoTool({QStringLiteral("mousedown"), QStringLiteral("1")});
@@ -115,7 +266,7 @@ TEST(Placing, MovedByTheUser_IsRememberedAndReopenedThere) {
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
 
   ASSERT_TRUE(AwaitPlaced(window));
-  EXPECT_EQ(window.GetWidget()->frameGeometry().topLeft(), QPoint(420, 330));
+  EXPECT_EQ(GetFrame(window).topLeft(), QPoint(420, 330));
 }
 
 TEST(Placing, SetWhileOpen_MovesTheFrameThere) {
@@ -126,7 +277,7 @@ TEST(Placing, SetWhileOpen_MovesTheFrameThere) {
 
   window.SetPosition(600, 500, 640, 480);
 
-  EXPECT_TRUE(WaitFor([&] { return window.GetWidget()->frameGeometry().topLeft() == QPoint(600, 500); }));
+  EXPECT_TRUE(WaitFor([&] { return GetFrame(window).topLeft() == QPoint(600, 500); }));
   EXPECT_EQ(GetPosition(window), (Position{600, 500, 640, 480}));
 }
 
@@ -145,10 +296,7 @@ TEST(Closing, ByTheWindowManager_ClosesAModelessWindow) {
 
 TEST(Closing, ByTheUsersKeys_CancelsAModalDialog) {
   TestWnd window(kDeviceFinderTraits);
-  QTimer::singleShot(0, qApp, [&] {
-    ASSERT_TRUE(AwaitActive(window));
-    XDoTool({QStringLiteral("key"), QStringLiteral("alt+F4")});
-  });
+  TypeIntoModal(window, "alt+F4");
 
   EXPECT_EQ(window.ShowModal(0).GetCodeNumber(), 16386U);
 
@@ -157,20 +305,14 @@ TEST(Closing, ByTheUsersKeys_CancelsAModalDialog) {
 
 TEST(Closing, ByEscapeTyped_CancelsAModalDialog) {
   TestWnd window(kDeviceFinderTraits);
-  QTimer::singleShot(0, qApp, [&] {
-    ASSERT_TRUE(AwaitActive(window));
-    XDoTool({QStringLiteral("key"), QStringLiteral("Escape")});
-  });
+  TypeIntoModal(window, "Escape");
 
   EXPECT_EQ(window.ShowModal(0), Code::Cancelled);
 }
 
 TEST(Closing, ByEnterTyped_AcceptsAModalDialog) {
   TestWnd window(kDeviceFinderTraits);
-  QTimer::singleShot(0, qApp, [&] {
-    ASSERT_TRUE(AwaitActive(window));
-    XDoTool({QStringLiteral("key"), QStringLiteral("Return")});
-  });
+  TypeIntoModal(window, "Return");
 
   EXPECT_EQ(window.ShowModal(0), Code::OK);
 
@@ -224,6 +366,72 @@ TEST(Caption, WithATitle_IsWhatTheWindowManagerReads) {
   tool.start(QStringLiteral("xdotool"), {QStringLiteral("getwindowname"), QString::number(window.GetHandle())});
   ASSERT_TRUE(tool.waitForFinished());
   EXPECT_EQ(tool.readAllStandardOutput().trimmed(), QByteArray("Camera 1"));
+}
+
+/// What the window manager reads: the newer property and the older one.
+std::vector<std::string> ReadCaptions(const NativeWindow& aReader, const TestWnd& aWindow) {
+  return {aReader.FindProperty(GetXID(aWindow), "_NET_WM_NAME").value,
+          aReader.FindProperty(GetXID(aWindow), "WM_NAME").value};
+}
+
+bool AwaitCaption(const NativeWindow& aReader, const TestWnd& aWindow, const std::string& aTitle) {
+  return WaitFor([&] { return ReadCaptions(aReader, aWindow) == std::vector<std::string>{aTitle, aTitle}; });
+}
+
+/// The display name is appended to titles by the toolkit; restored afterwards.
+class Captions : public testing::Test {
+protected:
+  void TearDown() override { QGuiApplication::setApplicationDisplayName(mDisplayName); }
+
+  const QString mDisplayName = QGuiApplication::applicationDisplayName();
+  NativeWindow mReader{0, 1500, 50, 50};
+  TestWnd mWindow{kDeviceFinderTraits};
+};
+
+TEST_F(Captions, NeverSet_AreEmpty) {
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+
+  ASSERT_TRUE(AwaitPlaced(mWindow));
+  EXPECT_TRUE(AwaitCaption(mReader, mWindow, ""));
+  EXPECT_NE(mReader.FindProperty(GetXID(mWindow), "_NET_WM_NAME").type, xcb_atom_t(XCB_ATOM_NONE));
+}
+
+TEST_F(Captions, SetEmptyWhileOpen_AreEmptyAtOnce) {
+  mWindow.SetTitle("Camera 1");
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+  ASSERT_TRUE(AwaitPlaced(mWindow));
+
+  mWindow.SetTitle("");
+
+  EXPECT_TRUE(AwaitCaption(mReader, mWindow, ""));
+}
+
+TEST_F(Captions, WithAnApplicationDisplayName_AreTheTitleAlone) {
+  QGuiApplication::setApplicationDisplayName(QStringLiteral("Inspection"));
+  mWindow.SetTitle("Camera [*] 1");
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+  ASSERT_TRUE(AwaitPlaced(mWindow));
+
+  EXPECT_TRUE(AwaitCaption(mReader, mWindow, "Camera [*] 1"));
+}
+
+TEST_F(Captions, WrittenAgainByTheToolkit_AreCorrected) {
+  QGuiApplication::setApplicationDisplayName(QStringLiteral("Inspection"));
+  mWindow.SetTitle("Camera 1");
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+  ASSERT_TRUE(AwaitPlaced(mWindow));
+
+  mWindow.GetWidget()->setWindowTitle(QStringLiteral("Live"));
+
+  EXPECT_TRUE(AwaitCaption(mReader, mWindow, "Live"));
+}
+
+TEST_F(Captions, BeyondLatinLetters_AreUTF8) {
+  mWindow.SetTitle("K\xC3\xA4mera \xF0\x9F\x93\xB7");
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+  ASSERT_TRUE(AwaitPlaced(mWindow));
+
+  EXPECT_TRUE(AwaitCaption(mReader, mWindow, "K\xC3\xA4mera \xF0\x9F\x93\xB7"));
 }
 
 } // namespace

@@ -97,8 +97,7 @@ int Wnd::Body::RunModal() {
 /// Everything up to the moment before the dialog is shown. False when the window could not be made, was closed or
 /// deleted meanwhile; then nothing of this may be touched.
 bool Wnd::Body::Prepare(const DialogTemplate& aTemplate, OpeningParent aParent) {
-  const std::shared_ptr<DeferredDeletions> ownDeletions = deletions;
-  const DeferredDeletions::Hold hold(*ownDeletions);
+  const DeferredDeletions::Hold hold(deletions);
   applicationEnd.Watch();
   opening = std::make_unique<Opening>();
   opening->dialogTemplate = &aTemplate;
@@ -197,8 +196,7 @@ void Wnd::Body::End() {
   if (!opening || opening->isEnding) {
     return;
   }
-  const std::shared_ptr<DeferredDeletions> ownDeletions = deletions;
-  const DeferredDeletions::Hold hold(*ownDeletions);
+  const DeferredDeletions::Hold hold(deletions);
   opening->isEnding = true;
   CapturePosition();
   position = ClampToLimits(position, GetLimits());
@@ -224,7 +222,7 @@ void Wnd::Body::OnApplicationEnd() {
 
 /// Without touching anything else of the window, which a handler may delete meanwhile.
 void Wnd::Body::Release(std::unique_ptr<Opening> aOpening, std::shared_ptr<DeferredDeletions> aDeletions) {
-  const DeferredDeletions::Hold hold(*aDeletions);
+  const DeferredDeletions::Hold hold(aDeletions);
   if (DialogWindow* dialog = aOpening->dialog) {
     dialog->Detach();
     aOpening->controls.reset();
@@ -244,8 +242,7 @@ void Wnd::Body::Release(std::unique_ptr<Opening> aOpening, std::shared_ptr<Defer
 }
 
 void Wnd::Body::Dispatch(MessageQueue::Taken& aMessage) {
-  const std::shared_ptr<DeferredDeletions> ownDeletions = deletions;
-  const DeferredDeletions::Hold hold(*ownDeletions);
+  const DeferredDeletions::Hold hold(deletions);
   aMessage.Answer(wnd.OnMessage(aMessage.Get()) ? 1 : 0);
 }
 
@@ -325,10 +322,12 @@ void Wnd::Body::ApplyTitle() {
 }
 
 void Wnd::Body::OnDialogAccept() {
+  const DeferredDeletions::Hold hold(deletions);
   wnd.OnOK();
 }
 
 void Wnd::Body::OnDialogCancel() {
+  const DeferredDeletions::Hold hold(deletions);
   wnd.OnCancel();
 }
 

@@ -32,12 +32,12 @@ private:
 
 } // namespace
 
-DeferredDeletions::Hold::Hold(DeferredDeletions& aDeletions) : mDeletions(aDeletions) {
-  ++mDeletions.mHolds;
+DeferredDeletions::Hold::Hold(std::shared_ptr<DeferredDeletions> aDeletions) : mDeletions(std::move(aDeletions)) {
+  ++mDeletions->mHolds;
 }
 
 DeferredDeletions::Hold::~Hold() {
-  --mDeletions.mHolds;
+  --mDeletions->mHolds;
 }
 
 void DeferredDeletions::Add(QObject& aObject) {

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <memory>
 #include <vector>
 
 namespace krgui {
@@ -18,13 +19,14 @@ public:
   /// Nothing is flushed while one lives: around code of windows that the toolkit does not call.
   class Hold {
   public:
-    explicit Hold(DeferredDeletions& aDeletions);
+    explicit Hold(std::shared_ptr<DeferredDeletions> aDeletions);
     ~Hold();
     Hold(const Hold&) = delete;
     Hold& operator=(const Hold&) = delete;
 
   private:
-    DeferredDeletions& mDeletions;
+    /// Shared, as that code may end the window that it belongs to.
+    const std::shared_ptr<DeferredDeletions> mDeletions;
   };
 
   void Add(QObject& aObject);

@@ -1,6 +1,7 @@
 #include "platform/dialogwindow.h"
 
 #include "platform/nativecaption.h"
+#include "platform/x11connection.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -23,7 +24,6 @@ Qt::WindowFlags GetFlags(DialogWindow::Style aStyle) {
   case DialogWindow::Style::FramelessWindow:
     return Qt::Widget | Qt::FramelessWindowHint;
   case DialogWindow::Style::PlainPopup:
-    return Qt::Window | kCaptionFlags;
   case DialogWindow::Style::Popup:
     break;
   }
@@ -36,7 +36,8 @@ bool TakesTabFocus(const QWidget& aControl) {
 
 } // namespace
 
-DialogWindow::DialogWindow(DialogOwner& aOwner, Style aStyle, QWidget* aParent) : QDialog(aParent), mOwner(&aOwner) {
+DialogWindow::DialogWindow(DialogOwner& aOwner, Style aStyle, QWidget* aParent)
+    : QDialog(aParent), mOwner(&aOwner), mStyle(aStyle) {
   // The base class makes a window of every dialog; a child is turned back.
   setWindowFlags(GetFlags(aStyle));
 }
@@ -54,6 +55,10 @@ void DialogWindow::Detach() {
 void DialogWindow::MakeNative() {
   winId();
   windowHandle()->installEventFilter(this);
+  if (mStyle == Style::PlainPopup) {
+    // The toolkit tells the window manager of a dialog's owner, but not of any other window's.
+    MakePlainX11Window(winId());
+  }
   mCaption = NativeCaption::Make(*this);
   if (mCaption) {
     mCaption->Write();

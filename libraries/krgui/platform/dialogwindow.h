@@ -37,7 +37,7 @@ public:
     Child,           ///< Inside a widget, without frame.
     FramelessWindow, ///< To be put into a native window of another toolkit.
     Popup,           ///< A window with caption, system menu and close box, in a dialog's frame.
-    PlainPopup,      ///< The same in the frame of any window.
+    PlainPopup,      ///< The same in the frame of any window, where the window system knows the difference.
   };
 
   DialogWindow(DialogOwner& aOwner, Style aStyle, QWidget* aParent);
@@ -70,6 +70,7 @@ private:
   void PressEnter();
 
   DialogOwner* mOwner; ///< Null once the opening has ended.
+  const Style mStyle;
   QPointer<QWidget> mAcceptButton;
   std::unique_ptr<NativeCaption> mCaption; ///< Null without a native window of X11.
 };

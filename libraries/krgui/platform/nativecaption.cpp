@@ -15,13 +15,6 @@ namespace krgui {
 
 namespace {
 
-xcb_atom_t FindAtom(const QByteArray& aName) {
-  xcb_connection_t* connection = GetX11Connection();
-  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(aName.size()), aName.constData());
-  const auto reply = KeepReply(xcb_intern_atom_reply(connection, cookie, nullptr));
-  return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-}
-
 bool IsLatin1(const QString& aText) {
   return std::all_of(aText.cbegin(), aText.cend(), [](QChar aCharacter) { return aCharacter.unicode() <= 0xFF; });
 }
@@ -33,7 +26,7 @@ std::unique_ptr<NativeCaption> NativeCaption::Make(const QWidget& aDialog) {
 }
 
 NativeCaption::NativeCaption(const QWidget& aDialog)
-    : mDialog(aDialog), mNetName(FindAtom("_NET_WM_NAME")), mUTF8(FindAtom("UTF8_STRING")) {
+    : mDialog(aDialog), mNetName(FindX11Atom("_NET_WM_NAME")), mUTF8(FindX11Atom("UTF8_STRING")) {
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 

@@ -24,6 +24,16 @@ constexpr TemplateRow kRows[] = {
     {1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336},
 };
 
+/// By hand, as the windows are described: modal, popup and child template, then the tracking limits.
+constexpr WindowTraits kExpectedTraits[] = {
+    {"DeviceFinderWnd", 1504, 1504, 1504, 500, 800, 300, 600},
+    {"DisplayWnd", 1021, 1021, 1028, 30, 32768, 20, 32768},
+    {"GenBrowserWnd", 1079, 1079, 1081, 300, 32768, 300, 32768},
+    {"SerialTerminalWnd", 1512, 1512, 1512, 608, 608, 350, 2000},
+    {"SerialBridgeManagerWnd", 1518, 1518, 1518, 500, 800, 300, 600},
+    {"CameraBridgeManagerWnd", 1518, 1530, 1530, 775, 1600, 582, 2500},
+};
+
 const ControlTemplate* FindControl(const DialogTemplate& aTemplate, int aID) {
   for (const ControlTemplate& control : aTemplate.controls) {
     if (control.id == aID) {
@@ -81,6 +91,22 @@ TEST(Templates, DeviceSelection_HasOKAsDefaultAndCancel) {
   EXPECT_EQ(ok->controlClass, ControlClass::DefaultButton);
   EXPECT_EQ(cancel->text, "Cancel");
   EXPECT_EQ(cancel->controlClass, ControlClass::Button);
+}
+
+TEST(Templates, EachWindow_HasItsTemplatesAndLimits) {
+  ASSERT_EQ(kWindowTraits.size(), std::size(kExpectedTraits));
+  for (std::size_t row = 0; row < kWindowTraits.size(); ++row) {
+    const WindowTraits& found = kWindowTraits[row];
+    const WindowTraits& expected = kExpectedTraits[row];
+    EXPECT_STREQ(found.name, expected.name);
+    EXPECT_EQ(found.modalTemplate, expected.modalTemplate) << expected.name;
+    EXPECT_EQ(found.popupTemplate, expected.popupTemplate) << expected.name;
+    EXPECT_EQ(found.childTemplate, expected.childTemplate) << expected.name;
+    EXPECT_EQ(found.minWidth, expected.minWidth) << expected.name;
+    EXPECT_EQ(found.maxWidth, expected.maxWidth) << expected.name;
+    EXPECT_EQ(found.minHeight, expected.minHeight) << expected.name;
+    EXPECT_EQ(found.maxHeight, expected.maxHeight) << expected.name;
+  }
 }
 
 TEST(Templates, CameraBridgeManager_ShowsAnotherTemplateOnItsModalPath) {
