@@ -198,11 +198,13 @@ void Wnd::Body::End() {
   }
   const DeferredDeletions::Hold hold(deletions);
   opening->isEnding = true;
-  CapturePosition();
-  position = ClampToLimits(position, GetLimits());
-  hasPosition = true;
-  if (opening->notifier != nullptr) {
-    opening->notifier->setEnabled(false);
+  if (!ApplicationEnd::IsProcessEnding()) {
+    CapturePosition();
+    position = ClampToLimits(position, GetLimits());
+    hasPosition = true;
+    if (opening->notifier != nullptr) {
+      opening->notifier->setEnabled(false);
+    }
   }
   // Before the workers are joined: whoever waits in a send must not be waited for.
   queue->Close();
@@ -226,6 +228,11 @@ void Wnd::Body::Release(std::unique_ptr<Opening> aOpening, std::shared_ptr<Defer
   if (DialogWindow* dialog = aOpening->dialog) {
     dialog->Detach();
     aOpening->controls.reset();
+    if (ApplicationEnd::IsProcessEnding()) {
+      // Nothing of the toolkit may be called any more; the window goes with the process.
+      (void)aOpening->foreign.release();
+      return;
+    }
     // Without an application object the toolkit's windows are gone already.
     if (!aOpening->isDying && QCoreApplication::instance() != nullptr) {
       aDeletions->Add(*dialog);
