@@ -2,6 +2,7 @@
 
 #include "krgui/krdisplaywnd.h"
 #include "nativewindow.h"
+#include "platform/x11connection.h"
 #include "testwnd.h"
 
 #include <QProcess>
@@ -60,8 +61,18 @@ void TypeIntoModal(TestWnd& aWindow, const char* aKey) {
   });
 }
 
+/// Where the server has the window, which a busy window manager moves later than the toolkit believes.
+bool IsWhereTheToolkitBelieves(const TestWnd& aWindow) {
+  xcb_connection_t* connection = GetX11Connection();
+  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+  const auto place = KeepReply(xcb_translate_coordinates_reply(
+      connection, xcb_translate_coordinates(connection, GetXID(aWindow), root, 0, 0), nullptr));
+  return place && aWindow.GetWidget()->windowHandle()->position() == QPoint(place->dst_x, place->dst_y);
+}
+
 /// Drags the frame's bottom right corner.
 void DragCorner(TestWnd& aWindow, int aRight, int aDown) {
+  ASSERT_TRUE(WaitFor([&] { return IsWhereTheToolkitBelieves(aWindow); }));
   const QPoint corner = GetFrame(aWindow).bottomRight();
   const QPoint target = corner + QPoint(aRight, aDown);
   XDoTool({QStringLiteral("mousemove"), QString::number(corner.x()), QString::number(corner.y())});
