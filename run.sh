@@ -2,9 +2,9 @@
 # Sets up, builds and starts the viewer with the simulated cameras beside whatever real ones are found.
 # Without a display it runs the same headless and leaves pictures in pictures/. Arguments go to krviewer.
 set -euo pipefail
-cd "$(dirname "$0")"
+root=$(cd "$(dirname "$0")" && pwd)
 
-scripts/setup.sh
-scripts/build.sh release krviewer krtool
-build/release/apps/krtool/krtool list --simulate
-exec build/release/apps/krviewer/krviewer --simulate "$@"
+"$root/scripts/setup.sh"
+"$root/scripts/build.sh" release krviewer krtool
+"$root/build/release/apps/krtool/krtool" list --simulate
+exec "$root/build/release/apps/krviewer/krviewer" --simulate "$@"

@@ -1,6 +1,7 @@
 #include "plaintext.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 
 namespace krapps {
@@ -36,6 +37,12 @@ std::string MakeCell(const KrString& aText) {
   if (!cell.empty() && cell.back() == u' ')
     cell.pop_back();
   return cell.empty() ? "-" : KrString(cell).ToUtf8();
+}
+
+std::string FormatFixed(double aValue, int aDigits) {
+  char text[400]; // The longest finite number has 309 digits before the point.
+  const auto end = std::to_chars(text, text + sizeof text, aValue, std::chars_format::fixed, aDigits).ptr;
+  return {text, end};
 }
 
 std::string AlignColumns(const std::vector<std::vector<std::string>>& aRows) {

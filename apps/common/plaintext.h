@@ -12,6 +12,9 @@ namespace krapps {
 /// characters by '?', runs of blanks by one — and the empty text is "-".
 std::string MakeCell(const KrString& aText);
 
+/// A number with so many digits behind a point, whatever the locale says of points.
+std::string FormatFixed(double aValue, int aDigits);
+
 /// Lines of cells, each column as wide as its widest cell and parted from the next by two blanks.
 std::string AlignColumns(const std::vector<std::vector<std::string>>& aRows);
 

@@ -10,7 +10,7 @@ namespace {
 std::atomic<bool> gRaised = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "A signal handler may touch lock-free atomics alone.");
 
-constexpr int kSignals[] = {SIGINT, SIGTERM};
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 } // namespace
 

@@ -1,9 +1,9 @@
 #pragma once
-// Turns Ctrl-C and a request to terminate into a question that a loop can ask.
+// Turns Ctrl-C, a request to terminate and the end of the terminal into a question that a loop can ask.
 
 namespace krapps {
 
-/// While it lives, SIGINT and SIGTERM set a flag instead of ending the process.
+/// While it lives, SIGINT, SIGTERM and SIGHUP set a flag instead of ending the process.
 ///
 /// Thread: construction and destruction on one thread, one object at a time; IsRaised from any.
 class StopSignal {

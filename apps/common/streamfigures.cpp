@@ -1,7 +1,6 @@
 #include "streamfigures.h"
 
-#include <cinttypes>
-#include <cstdio>
+#include "plaintext.h"
 
 namespace krapps {
 
@@ -22,12 +21,11 @@ double StreamFigures::GetMegabytesPerSecond() const {
 }
 
 std::string FormatClosingLine(const StreamFigures& aFigures, const KrStreamStatistics& aStatistics) {
-  char line[256];
-  std::snprintf(line, sizeof line,
-                "frames=%" PRIu64 " incomplete=%" PRIu64 " missing=%" PRIu64 " resent=%" PRIu64 " fps=%.2f MBps=%.2f",
-                aFigures.GetFrames(), aStatistics.incomplete, aStatistics.missingPackets, aStatistics.resentPackets,
-                aFigures.GetFramesPerSecond(), aFigures.GetMegabytesPerSecond());
-  return line;
+  return "frames=" + std::to_string(aFigures.GetFrames()) + " incomplete=" + std::to_string(aStatistics.incomplete) +
+         " missing=" + std::to_string(aStatistics.missingPackets) +
+         " resent=" + std::to_string(aStatistics.resentPackets) +
+         " fps=" + FormatFixed(aFigures.GetFramesPerSecond(), 2) +
+         " MBps=" + FormatFixed(aFigures.GetMegabytesPerSecond(), 2);
 }
 
 } // namespace krapps

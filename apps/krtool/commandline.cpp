@@ -64,7 +64,7 @@ constexpr OptionRow kOptions[] = {
     {"--simulate", "", "list stream", "Offers the built-in simulated lab beside the real devices.",
      [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.simulate = true; }, ""},
     {"--timeout", "MS", "list stream",
-     "list: how long answers are awaited (1000). stream: how long one frame is awaited (3000).", TakeTimeout,
+     "list: how long answers are awaited (1000). stream: how long one frame is awaited (10000).", TakeTimeout,
      "milliseconds from 1 to 3600000"},
 };
 

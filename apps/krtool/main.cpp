@@ -41,5 +41,10 @@ int main(int aCount, char** aArguments) {
   case krtool::Verb::Stream:
     break;
   }
-  return RunWithDevices(parsed.commandLine);
+  const int exitCode = RunWithDevices(parsed.commandLine);
+  if (!std::cout.flush()) {
+    std::cerr << "krtool: the output could not be written.\n";
+    return 1;
+  }
+  return exitCode;
 }

@@ -15,7 +15,8 @@ namespace krtool {
 
 namespace {
 
-constexpr std::uint32_t kDefaultTimeoutMs = 3000;
+// Longer than it takes to find out that a camera is gone, which is then the reason given.
+constexpr std::uint32_t kDefaultTimeoutMs = 10000;
 // How long one look for a frame may keep Ctrl-C waiting.
 constexpr std::uint32_t kSliceMs = 100;
 

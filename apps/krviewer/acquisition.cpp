@@ -1,7 +1,9 @@
 #include "acquisition.h"
 
+#include "plaintext.h"
+
 #include <chrono>
-#include <cstdio>
+#include <string>
 #include <utility>
 
 namespace krviewer {
@@ -29,12 +31,16 @@ std::uint64_t GetSteadyNs() {
 } // namespace
 
 KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStatistics) {
-  char text[160];
-  std::snprintf(text, sizeof text, "%.1f frames/s   %.1f MB/s\nincomplete %llu   missing %llu   resent %llu",
-                aMeter.GetFramesPerSecond(), aMeter.GetMegabytesPerSecond(),
-                static_cast<unsigned long long>(aStatistics.incomplete),
-                static_cast<unsigned long long>(aStatistics.missingPackets),
-                static_cast<unsigned long long>(aStatistics.resentPackets));
+  return krapps::FormatFixed(aMeter.GetFramesPerSecond(), 1) + " frames/s   " +
+         krapps::FormatFixed(aMeter.GetMegabytesPerSecond(), 1) + " MB/s\nincomplete " +
+         std::to_string(aStatistics.incomplete) + "   missing " + std::to_string(aStatistics.missingPackets) +
+         "   resent " + std::to_string(aStatistics.resentPackets);
+}
+
+KrString BreakIntoSentences(const KrString& aText) {
+  std::string text = aText.ToUtf8();
+  for (std::size_t end = text.find(". "); end != std::string::npos; end = text.find(". ", end))
+    text.replace(end, 2, ".\n");
   return text;
 }
 
@@ -163,7 +169,7 @@ bool Acquisition::ShowFrame(const KrBuffer& aBuffer, const KrStreamStatistics& a
 void Acquisition::ShowReason(const KrBuffer* aBuffer, const KrResult& aReason) {
   if (!aBuffer)
     return;
-  mWindow.SetTextOverlay(aReason.GetDescription());
+  mWindow.SetTextOverlay(BreakIntoSentences(aReason.GetDescription()));
   [[maybe_unused]] const KrResult shown = mWindow.Display(*aBuffer, false); // It was shown before.
 }
 

@@ -36,6 +36,9 @@ struct AcquisitionProgress {
 /// The text drawn over the picture: rates and losses.
 KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStatistics);
 
+/// A text with each sentence in a line of its own, as the window does not wrap lines.
+KrString BreakIntoSentences(const KrString& aText);
+
 /// Streams one camera into one window.
 ///
 /// Thread: construction, destruction and Stop on one thread; GetProgress from any.

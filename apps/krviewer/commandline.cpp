@@ -19,20 +19,27 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
                                   "Without it the first camera is shown.",
                                   "DEVICE");
   const QCommandLineOption simulate("simulate", "Offer the built-in simulated cameras beside the real ones.");
-  const QCommandLineOption frames("frames", "End after this number of frames.", "N");
-  const QCommandLineOption screenshot("screenshot", "At the end write pictures of the windows into this folder.",
-                                      "DIR");
-  const QCommandLineOption headless("headless", "Use no display, even where there is one.");
+  const QCommandLineOption frames(
+      "frames",
+      "End after this number of frames; a camera that is lost before ends it too, instead of being waited for.", "N");
+  const QCommandLineOption screenshot(
+      "screenshot",
+      "At the end write pictures of the window and of the last frame, and the overlay's text, into this folder.",
+      "DIR");
+  const QCommandLineOption headless(
+      "headless", "Use no display, even where there is one; with --simulate the first simulated camera is shown.");
   const QCommandLineOption help({"h", "help"}, "Print this text.");
   const QCommandLineOption version({"v", "version"}, "Print the version.");
   QCommandLineParser parser;
-  parser.setApplicationDescription("Shows a machine-vision camera live.");
+  parser.setApplicationDescription(
+      "Shows a machine-vision camera live. Escape, Enter or the close box end it.\n"
+      "Without a display it ends after 100 frames and writes its pictures into the folder pictures.");
   parser.addOptions({device, simulate, frames, screenshot, headless, help, version});
 
   if (!parser.parse(QStringList{QStringLiteral("krviewer")} + aArguments))
     return Fail(parser.errorText(), aText);
   if (parser.isSet(help)) {
-    aText = parser.helpText();
+    aText = parser.helpText().replace(QStringLiteral("<executable_name>"), QStringLiteral("krviewer"));
     return CommandLineStatus::Help;
   }
   if (parser.isSet(version))

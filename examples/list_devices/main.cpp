@@ -17,6 +17,8 @@ int main(int argc, char** argv) {
   // The system owns all that it finds: interfaces and devices are valid as long as it lives.
   KrSystem system;
   system.SetDetectionTimeout(500);
+  // Devices with an address of a foreign subnet are to answer too.
+  system.SetSubnetBroadcastEnabled(false);
   result = system.Find();
   if (!result.IsOK()) {
     std::cerr << result.GetDescription().CStr() << '\n';

@@ -35,8 +35,11 @@ void ShowFrames(KrStream& aStream, KrDisplayWnd& aWindow) {
     KrResult result = aStream.Retrieve(buffer, 1000);
     if (result == KrResult::Code::TimeLimitExceeded)
       continue; // A camera that waits for its trigger sends nothing for a while.
-    if (!result.IsOK())
+    if (!result.IsOK()) {
+      if (result != KrResult::Code::Aborted) // The stream was stopped on purpose.
+        std::cerr << "The stream ended: " << result.GetDescription().CStr() << '\n';
       return;
+    }
     result = aWindow.Display(*buffer, false);
     if (!result.IsOK())
       std::cerr << "A frame cannot be shown: " << result.GetDescription().CStr() << '\n';

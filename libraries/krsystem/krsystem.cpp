@@ -112,6 +112,7 @@ KrResult KrSystem::Find() {
   const std::vector<krsystem::DiscoveryPart> parts = mBody->ListInterfaces();
   krsystem::DiscoveryRound round(parts, {mBody->detectionTimeoutMs, mBody->subnetBroadcast, cancel});
   mBody->TakeAnswers(round, parts);
+  mBody->OrderDevices();
   if (cancel.stop_requested())
     return {KrResult::Code::Aborted, "Looking for devices was cancelled; what had answered until then is listed."};
   return SummariseRound(round, parts);

@@ -86,6 +86,13 @@ void KrSystem::Body::TakeAnswers(krsystem::DiscoveryRound& aRound, const std::ve
   }
 }
 
+void KrSystem::Body::OrderDevices() {
+  const auto getPlace = [this](const KrDeviceInfo* aDevice) {
+    return std::ranges::find(interfaces, aDevice->GetInterface()) - interfaces.begin();
+  };
+  std::ranges::stable_sort(devices, {}, getPlace);
+}
+
 bool KrSystem::Body::AskSinks(const KrInterface* aInterface, const KrDeviceInfo* aDevice) const {
   bool ignore = false;
   for (KrSystemEventSink* sink : sinks) {

@@ -17,7 +17,7 @@ struct KrSystem::Body {
   std::atomic<bool> subnetBroadcast = true;
   std::vector<KrSystemEventSink*> sinks;
 
-  /// The interfaces and devices of the last round, in the order in which they were found.
+  /// The interfaces and devices of the last round, the devices in the order of their interfaces.
   std::vector<const KrInterface*> interfaces;
   std::vector<const KrDeviceInfo*> devices;
 
@@ -30,6 +30,9 @@ struct KrSystem::Body {
   std::vector<krsystem::DiscoveryPart> ListInterfaces();
   /// Takes the answers of a round in until it is over.
   void TakeAnswers(krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts);
+
+  /// Puts the devices in the order of their interfaces; behind one they stay in the order in which they answered.
+  void OrderDevices();
 
   /// The object for an interface of a transport; a new one where none has these fields. Null for an interface without a
   /// unique ID, which stands for none.

@@ -40,7 +40,9 @@ bool DisplayWnd::OnInitDialog() {
   // The template's scroll bars lie above the picture.
   mView->lower();
   mView->show();
-  mView->setFocus();
+  // A child takes the focus when it is clicked, not from what surrounds it.
+  if (GetShowMode() != Mode::Child)
+    mView->setFocus();
   return false;
 }
 

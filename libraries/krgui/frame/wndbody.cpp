@@ -120,6 +120,7 @@ void Wnd::Body::MakeControls(const DialogTemplate& aTemplate) {
   const WindowLimits limits = GetLimits();
   opening->controls = std::make_unique<DialogControls>(aTemplate, dialog, QSize(limits.maxWidth, limits.maxHeight));
   dialog.SetButtons(opening->controls->Get(kOKID), opening->controls->Get(kCancelID));
+  dialog.SetPreferredSize(opening->controls->GetTemplateSize());
   dialog.resize(opening->controls->GetTemplateSize());
   LimitSize();
   if (!opening->isPopup) {
@@ -236,7 +237,7 @@ void Wnd::Body::Release(std::unique_ptr<Opening> aOpening, std::shared_ptr<Defer
     // Without an application object the toolkit's windows are gone already.
     if (!aOpening->isDying && QCoreApplication::instance() != nullptr) {
       aDeletions->Add(*dialog);
-      dialog->hide();
+      dialog->Vanish();
     }
   }
   if (aOpening->foreign) {
@@ -357,6 +358,10 @@ void Wnd::Body::OnDialogExpose() {
       Move(*wanted);
     }
   }
+}
+
+void Wnd::Body::OnDialogParentEnd() {
+  End();
 }
 
 void Wnd::Body::OnDialogDying() {

@@ -67,6 +67,7 @@ struct Wnd::Body final : DialogOwner {
   void OnDialogResize(const QSize& aSize) override;
   void OnDialogExpose() override;
   void OnDialogDying() override;
+  void OnDialogParentEnd() override;
 
   Wnd& wnd;
   const int constructionTemplateID;

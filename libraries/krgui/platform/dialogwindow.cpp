@@ -9,7 +9,10 @@
 #include <QExposeEvent>
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QThread>
 #include <QWindow>
+
+#include <algorithm>
 
 namespace krgui {
 
@@ -34,6 +37,24 @@ bool TakesTabFocus(const QWidget& aControl) {
   return (aControl.focusPolicy() & Qt::TabFocus) != 0 && aControl.isEnabled() && !aControl.isHidden();
 }
 
+bool CountsAsLast(const QWindow* aWindow) {
+  return aWindow->isVisible() && aWindow->transientParent() == nullptr && aWindow->type() != Qt::ToolTip &&
+         aWindow->type() != Qt::Popup;
+}
+
+/// What the toolkit does when a window is closed by its close function, which ours is not: that would destroy the
+/// native window while it may still be needed.
+void EndWithLastWindow() {
+  const QWindowList windows = QGuiApplication::topLevelWindows();
+  if (std::any_of(windows.cbegin(), windows.cend(), CountsAsLast)) {
+    return;
+  }
+  Q_EMIT qGuiApp->lastWindowClosed();
+  if (QGuiApplication::quitOnLastWindowClosed()) {
+    QCoreApplication::quit();
+  }
+}
+
 } // namespace
 
 DialogWindow::DialogWindow(DialogOwner& aOwner, Style aStyle, QWidget* aParent)
@@ -50,6 +71,34 @@ DialogWindow::~DialogWindow() {
 
 void DialogWindow::Detach() {
   mOwner = nullptr;
+}
+
+void DialogWindow::Vanish() {
+  QList<QPointer<DialogWindow>> dependents;
+  for (DialogWindow* dependent : findChildren<DialogWindow*>()) {
+    dependents.append(dependent);
+  }
+  for (const QPointer<DialogWindow>& dependent : dependents) {
+    if (dependent && dependent->mOwner != nullptr) {
+      dependent->mOwner->OnDialogParentEnd();
+    }
+  }
+  // A modal dialog may come before the application's loop, and its end is the application's business.
+  const bool mayBeLast = isWindow() && parentWidget() == nullptr && isVisible() && !isModal() && !mIsClosing &&
+                         mStyle != Style::FramelessWindow && thread()->loopLevel() > 0;
+  hide();
+  if (mayBeLast) {
+    QMetaObject::invokeMethod(qGuiApp, &EndWithLastWindow, Qt::QueuedConnection);
+  }
+}
+
+void DialogWindow::SetPreferredSize(const QSize& aSize) {
+  mPreferredSize = aSize;
+  updateGeometry();
+}
+
+QSize DialogWindow::sizeHint() const {
+  return mPreferredSize.isValid() ? mPreferredSize : QDialog::sizeHint();
 }
 
 void DialogWindow::MakeNative() {
@@ -116,17 +165,24 @@ void DialogWindow::reject() {
 
 void DialogWindow::closeEvent(QCloseEvent* aEvent) {
   const QPointer<DialogWindow> self(this);
+  mIsClosing = true;
   reject();
+  if (!self.isNull()) {
+    mIsClosing = false;
+  }
   // Refused while the opening goes on; a window that has ended must not stop its application from quitting.
   aEvent->setAccepted(self.isNull() || mOwner == nullptr);
 }
 
 void DialogWindow::keyPressEvent(QKeyEvent* aEvent) {
+  // In a widget the keys of a dialog are the surrounding window's too, as a child does not close on them.
+  const bool isShared = mStyle == Style::Child;
   const bool isPlain = (aEvent->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
   if (isPlain && aEvent->key() == Qt::Key_Escape) {
     reject();
+    aEvent->setAccepted(!isShared);
   } else if (isPlain && (aEvent->key() == Qt::Key_Return || aEvent->key() == Qt::Key_Enter)) {
-    PressEnter();
+    aEvent->setAccepted(PressEnter() || !isShared);
   } else {
     QWidget::keyPressEvent(aEvent);
   }
@@ -139,13 +195,16 @@ void DialogWindow::keyReleaseEvent(QKeyEvent* aEvent) {
   }
 }
 
-void DialogWindow::PressEnter() {
+bool DialogWindow::PressEnter() {
   auto* focused = qobject_cast<QPushButton*>(focusWidget());
   if (focused != nullptr && focused->hasFocus()) {
     focused->click();
-  } else if (mAcceptButton == nullptr || mAcceptButton->isEnabled()) {
+    return true;
+  }
+  if (mAcceptButton == nullptr || mAcceptButton->isEnabled()) {
     accept();
   }
+  return false;
 }
 
 void DialogWindow::resizeEvent(QResizeEvent* aEvent) {

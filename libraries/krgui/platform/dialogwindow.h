@@ -24,6 +24,8 @@ public:
   virtual void OnDialogExpose() = 0;
   /// The dialog is being destroyed by somebody else, usually with its parent; its controls still exist.
   virtual void OnDialogDying() = 0;
+  /// The window that owns the dialog's has ended.
+  virtual void OnDialogParentEnd() = 0;
 
 protected:
   ~DialogOwner() = default;
@@ -45,6 +47,11 @@ public:
 
   /// Tells the owner nothing more.
   void Detach();
+  /// Leaves the screen for good, after Detach: takes the dialogs along that lie in it or belong to it, and lets the
+  /// application end with its last window as the user's closing does.
+  void Vanish();
+  /// The size that layouts give the dialog when they are free to.
+  void SetPreferredSize(const QSize& aSize);
   /// Makes the native window of a popup, before it is shown, and watches for its coming onto the screen.
   void MakeNative();
   /// The caption as it is: nothing in it is a placeholder, nothing is added to it where the window system lets us.
@@ -58,6 +65,7 @@ public:
 
   void accept() override;
   void reject() override;
+  QSize sizeHint() const override;
 
 protected:
   void closeEvent(QCloseEvent* aEvent) override;
@@ -67,10 +75,13 @@ protected:
   bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
 
 private:
-  void PressEnter();
+  /// True when a button of the dialog took the key.
+  bool PressEnter();
 
   DialogOwner* mOwner; ///< Null once the opening has ended.
   const Style mStyle;
+  QSize mPreferredSize;
+  bool mIsClosing = false; ///< The toolkit is closing the window and sees to the application's end itself.
   QPointer<QWidget> mAcceptButton;
   std::unique_ptr<NativeCaption> mCaption; ///< Null without a native window of X11.
 };

@@ -11,6 +11,8 @@
 namespace krtransport {
 namespace {
 
+constexpr const char* kStoppedTwice = "arv_gv_stream_stop_thread: assertion 'priv->thread != NULL' failed";
+
 std::string_view GetField(const GLogField* aFields, gsize aCount, std::string_view aKey) {
   for (gsize i = 0; i < aCount; ++i)
     if (aFields[i].key == aKey && aFields[i].value != nullptr)
@@ -35,6 +37,9 @@ GLogWriterOutput WriteRecord(GLogLevelFlags aLevel, const GLogField* aFields, gs
   if (!isOurs)
     return g_log_writer_default(aLevel, aFields, aCount, aUserData);
   std::string text(GetField(aFields, aCount, "MESSAGE"));
+  // A stream whose thread we stopped before its release is stopped once more by its own release, and complains.
+  if (text.find(kStoppedTwice) != std::string::npos)
+    return G_LOG_WRITER_HANDLED;
   if (!domain.empty())
     text = std::string(domain) + ": " + text;
   KrLogger("Aravis").Log(ToLevel(aLevel), {"WriteRecord", "aravislog"}, text);

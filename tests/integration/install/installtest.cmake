@@ -45,7 +45,7 @@ endforeach()
 
 foreach(example IN ITEMS list_devices show_camera)
   set(folder "${WORK_FOLDER}/${example}")
-  run_or_fail("Configuring ${example}" "${CMAKE_COMMAND}" -S "${EXAMPLES_FOLDER}/${example}" -B "${folder}"
+  run_or_fail("Configuring ${example}" "${CMAKE_COMMAND}" -G "${GENERATOR}" -S "${EXAMPLES_FOLDER}/${example}" -B "${folder}"
     "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_FLAGS=${sanitizeFlag}")
   run_or_fail("Building ${example}" "${CMAKE_COMMAND}" --build "${folder}")
   require_file("${folder}/${example}")

@@ -65,7 +65,7 @@ TEST_F(AcquisitionTest, CameraLostAndBack_IsStreamedOnWithItsFiguresKept) {
   const AcquisitionProgress lost = Await(acquisition, AcquisitionState::Lost);
   EXPECT_EQ(lost.state, AcquisitionState::Lost);
   EXPECT_TRUE(lost.result == KrResult::Code::ConnectionLost);
-  EXPECT_EQ(mWindow.GetTextOverlay(), lost.result.GetDescription());
+  EXPECT_EQ(mWindow.GetTextOverlay(), krviewer::BreakIntoSentences(lost.result.GetDescription()));
 
   ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
 
@@ -74,7 +74,7 @@ TEST_F(AcquisitionTest, CameraLostAndBack_IsStreamedOnWithItsFiguresKept) {
   });
   EXPECT_EQ(back.state, AcquisitionState::Streaming);
   EXPECT_GE(back.statistics.received, back.figures.GetFrames());
-  EXPECT_NE(mWindow.GetTextOverlay(), lost.result.GetDescription());
+  EXPECT_NE(mWindow.GetTextOverlay(), krviewer::BreakIntoSentences(lost.result.GetDescription()));
 }
 
 TEST_F(AcquisitionTest, CameraLostWhileANumberOfFramesIsAskedFor_Fails) {

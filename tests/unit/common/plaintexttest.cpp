@@ -5,6 +5,13 @@
 namespace krapps {
 namespace {
 
+TEST(FormatFixed, Numbers_HaveTheirDigitsBehindAPoint) {
+  EXPECT_EQ(krapps::FormatFixed(30.0, 2), "30.00");
+  EXPECT_EQ(krapps::FormatFixed(36.864, 1), "36.9");
+  EXPECT_EQ(krapps::FormatFixed(0.0, 2), "0.00");
+  EXPECT_EQ(krapps::FormatFixed(1e300, 0).size(), 301u);
+}
+
 TEST(PlainText, EmptyText_IsADash) {
   EXPECT_EQ(MakeCell(""), "-");
   EXPECT_EQ(MakeCell(" \t "), "-");

@@ -65,6 +65,7 @@ TEST(ParseCommandLine, Help_NamesEveryOption) {
 
   EXPECT_EQ(krviewer::ParseCommandLine({"--help"}, commandLine, text), CommandLineStatus::Help);
 
+  EXPECT_TRUE(text.contains("krviewer [options]")) << text.toStdString();
   for (const char* option : {"--device", "--simulate", "--frames", "--screenshot", "--headless"})
     EXPECT_TRUE(text.contains(option)) << option;
 }

@@ -61,6 +61,12 @@ TEST(FrameMeter, TwoFramesAtTheSameTime_HaveNoRateRatherThanAnEndlessOne) {
   EXPECT_EQ(meter.GetFramesPerSecond(), 0.0);
 }
 
+TEST(BreakIntoSentences, SeveralSentences_StandInLinesOfTheirOwn) {
+  EXPECT_EQ(krviewer::BreakIntoSentences("The camera at 10.0.0.1 was lost. Check its cable."),
+            KrString("The camera at 10.0.0.1 was lost.\nCheck its cable."));
+  EXPECT_EQ(krviewer::BreakIntoSentences("One."), KrString("One."));
+}
+
 TEST(FormatOverlay, RatesAndLosses_StandInTwoLines) {
   FrameMeter meter;
   meter.Add(0, 1'500'000);

@@ -12,6 +12,8 @@ class DisplayWnd;
 
 /// Shows images live, fitted into the window, with an optional text in the image's top left corner.
 ///
+/// Escape, Enter and the close box close a window that is no child.
+///
 /// Thread: Display, Clear, SetTextOverlay and GetTextOverlay from any thread; everything else on the user-interface thread.
 /// Ownership: the image given to Display may be freed when Display returns.
 ///

@@ -56,7 +56,8 @@ public:
   /// still some after one second, WrongState when the window is not open.
   KrResult DoEvents();
 
-  /// The native window; 0 when the window is not open.
+  /// The native window; 0 when the window is not open. Of a child in a Qt widget it makes the widgets around it native:
+  /// ask GetWidget() there.
   HWND GetHandle() const;
   /// The window as a Qt widget, for layouts; null when it is not open. Belongs to this object and ends with the
   /// opening.

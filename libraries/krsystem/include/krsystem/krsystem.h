@@ -61,7 +61,8 @@ public:
   std::size_t GetInterfaceCount() const;
   /// Null at or beyond the count.
   const KrInterface* GetInterface(std::size_t aIndex) const;
-  /// The number of devices on all interfaces.
+  /// The number of devices on all interfaces. They stand in the order of their interfaces, those in the order in which
+  /// their transports were registered.
   std::size_t GetDeviceCount() const;
   /// Null at or beyond the count.
   const KrDeviceInfo* GetDeviceInfo(std::size_t aIndex) const;
