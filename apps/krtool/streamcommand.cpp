@@ -74,8 +74,9 @@ int StreamFrom(KrDevice& aDevice, const krapps::StopSignal& aStop, const Command
   krapps::StreamFigures figures;
   const KrResult taken = TakeFrames(stream, aStop, aCommandLine, figures);
   const KrStreamStatistics statistics = stream.GetStatistics();
-  stream.Stop();
+  // Before the stop, which takes a while with a camera that is gone.
   const int exitCode = taken.IsOK() ? 0 : Fail(aErrors, "the stream of " + name + " ended", taken);
+  stream.Stop();
   aOut << krapps::FormatClosingLine(figures, statistics) << std::endl;
   return exitCode;
 }
