@@ -1,6 +1,7 @@
 // From an independent camera to the screen, in one process: found, opened, streamed, shown, and compared pixel by
 // pixel.
 
+#include "displaypictures.h"
 #include "fakecamera.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krdevicegev.h"
@@ -32,19 +33,6 @@ void WriteNumber(KrDevice& aDevice, std::uint64_t aAddress, std::uint32_t aValue
                                              static_cast<std::uint8_t>(aValue >> 8), static_cast<std::uint8_t>(aValue)};
   const KrResult written = aDevice.GetRegisterPort().Write(aAddress, bytes.data(), bytes.size(), 5000);
   ASSERT_TRUE(written.IsOK()) << written.GetDescription().CStr();
-}
-
-QImage ToQImage(const IKrImage& aMono8) {
-  return QImage(aMono8.GetDataPointer(), static_cast<int>(aMono8.GetWidth()), static_cast<int>(aMono8.GetHeight()),
-                static_cast<qsizetype>(aMono8.GetWidth()), QImage::Format_Grayscale8)
-      .convertToFormat(QImage::Format_RGB32);
-}
-
-QImage GrabScreen(const QRect& aRect) {
-  return QGuiApplication::primaryScreen()
-      ->grabWindow(0, aRect.x(), aRect.y(), aRect.width(), aRect.height())
-      .toImage()
-      .convertToFormat(QImage::Format_RGB32);
 }
 
 class CameraInAWindow : public testing::Test {

@@ -1,6 +1,7 @@
 #include "krgui/krdisplaywnd.h"
 
 #include "display/overlayfont.h"
+#include "displaypictures.h"
 #include "krbase/krlogger.h"
 #include "plainpicture.h"
 
@@ -18,28 +19,11 @@
 
 namespace {
 
-// A grey image of random pixels, so that a sample taken one pixel off shows.
-KrBuffer MakeNoise(std::uint32_t aWidth, std::uint32_t aHeight) {
-  KrBuffer buffer;
-  EXPECT_TRUE(buffer.GetImage()->Alloc(aWidth, aHeight, KrPixel::Mono8).IsOK());
-  std::mt19937 random(aWidth * 31 + aHeight);
-  for (std::size_t i = 0; i < buffer.GetSize(); ++i)
-    buffer.GetDataPointer()[i] = static_cast<std::uint8_t>(random());
-  return buffer;
-}
-
 KrBuffer MakeGrey(std::uint32_t aWidth, std::uint32_t aHeight, std::uint8_t aValue) {
   KrBuffer buffer;
   EXPECT_TRUE(buffer.GetImage()->Alloc(aWidth, aHeight, KrPixel::Mono8).IsOK());
   std::memset(buffer.GetDataPointer(), aValue, buffer.GetSize());
   return buffer;
-}
-
-QImage ToQImage(const KrBuffer& aMono8) {
-  const IKrImage& image = *aMono8.GetImage();
-  return QImage(image.GetDataPointer(), static_cast<int>(image.GetWidth()), static_cast<int>(image.GetHeight()),
-                static_cast<qsizetype>(image.GetWidth()), QImage::Format_Grayscale8)
-      .convertToFormat(QImage::Format_RGB32);
 }
 
 class KrDisplayWndTest : public testing::Test {

@@ -2,6 +2,7 @@
 
 #include "krgui/krdisplaywnd.h"
 
+#include "displaypictures.h"
 #include "plainpicture.h"
 
 #include <QApplication>
@@ -18,29 +19,6 @@
 #include <random>
 
 namespace {
-
-KrBuffer MakeNoise(std::uint32_t aWidth, std::uint32_t aHeight) {
-  KrBuffer buffer;
-  EXPECT_TRUE(buffer.GetImage()->Alloc(aWidth, aHeight, KrPixel::Mono8).IsOK());
-  std::mt19937 random(aWidth);
-  for (std::size_t i = 0; i < buffer.GetSize(); ++i)
-    buffer.GetDataPointer()[i] = static_cast<std::uint8_t>(random());
-  return buffer;
-}
-
-QImage ToQImage(const KrBuffer& aMono8) {
-  const IKrImage& image = *aMono8.GetImage();
-  return QImage(image.GetDataPointer(), static_cast<int>(image.GetWidth()), static_cast<int>(image.GetHeight()),
-                static_cast<qsizetype>(image.GetWidth()), QImage::Format_Grayscale8)
-      .convertToFormat(QImage::Format_RGB32);
-}
-
-QImage GrabScreen(const QRect& aRect) {
-  return QGuiApplication::primaryScreen()
-      ->grabWindow(0, aRect.x(), aRect.y(), aRect.width(), aRect.height())
-      .toImage()
-      .convertToFormat(QImage::Format_RGB32);
-}
 
 // A window made without any toolkit, as another application's would be.
 class ForeignWindow {
