@@ -107,10 +107,12 @@ TEST(WindowOfAnApplication, ClosedWhileAnotherIsOpen_DoesNotEndTheApplication) {
   bool wasStillRunning = false;
   QTimer::singleShot(0, qApp, [&] {
     EXPECT_TRUE(window.Close().IsOK());
-    QTimer::singleShot(200, qApp, [&] {
+    // Behind whatever the closing left in the application's queue.
+    const auto goOn = [&] {
       wasStillRunning = true;
       other.close();
-    });
+    };
+    QMetaObject::invokeMethod(qApp, goOn, Qt::QueuedConnection);
   });
 
   EXPECT_EQ(RunLoop(), 0);
