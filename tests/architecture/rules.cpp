@@ -42,7 +42,6 @@ constexpr struct {
     {"apps/krtool/", false},
     {"examples/", true},
     {"tests/", true},
-    {"benchmarks/", true},
 };
 
 constexpr std::string_view kStandardHeaders[] = {
