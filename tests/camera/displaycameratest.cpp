@@ -11,9 +11,6 @@
 #include "krtransport/krtransport.h"
 #include "plainpicture.h"
 
-#include <QGuiApplication>
-#include <QPixmap>
-#include <QScreen>
 #include <QTest>
 
 #include <gtest/gtest.h>

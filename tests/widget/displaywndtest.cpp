@@ -13,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <random>
 #include <stdexcept>
 #include <thread>
 

@@ -7,16 +7,14 @@
 
 #include <QApplication>
 #include <QKeyEvent>
-#include <QPixmap>
 #include <QProcess>
-#include <QScreen>
 #include <QTest>
 
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
-#include <cstring>
-#include <random>
+#include <cstdlib>
+#include <utility>
 
 namespace {
 

@@ -60,16 +60,6 @@ bool DisplayWnd::OnMessage(const Message& aMessage) {
   return true;
 }
 
-void DisplayWnd::OnOK() {
-  if (GetShowMode() != Mode::Child)
-    Wnd::OnOK();
-}
-
-void DisplayWnd::OnCancel() {
-  if (GetShowMode() != Mode::Child)
-    Wnd::OnCancel();
-}
-
 void DisplayWnd::OnDestroy() {
   mView = nullptr;
   Wnd::OnDestroy();

@@ -33,8 +33,6 @@ protected:
   bool OnInitDialog() override;
   void OnSize(const QSize& aSize) override;
   bool OnMessage(const Message& aMessage) override;
-  void OnOK() override;
-  void OnCancel() override;
   void OnDestroy() override;
 
 private:
