@@ -1,6 +1,6 @@
 // Whatever a stream's leader may say of a frame: a buffer must never show an image that goes beyond its memory.
 
-#include "gigevision/framedescription.h"
+#include "aravis/framedescription.h"
 
 #include <cstdlib>
 #include <cstring>

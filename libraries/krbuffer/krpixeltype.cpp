@@ -1,29 +1,15 @@
 #include "krbuffer/krpixeltype.h"
 
+#include "pixeltypetable.h"
+
 #include <algorithm>
-#include <array>
 
 namespace {
 
-constexpr std::array kPixelTypes = {
-    KrPixelTypeInfo{KrPixel::Mono8, "Mono8", 8, 8, KrPixelLayout::Mono},
-    KrPixelTypeInfo{KrPixel::Mono10, "Mono10", 16, 10, KrPixelLayout::Mono},
-    KrPixelTypeInfo{KrPixel::Mono12, "Mono12", 16, 12, KrPixelLayout::Mono},
-    KrPixelTypeInfo{KrPixel::Mono14, "Mono14", 16, 14, KrPixelLayout::Mono},
-    KrPixelTypeInfo{KrPixel::Mono16, "Mono16", 16, 16, KrPixelLayout::Mono},
-    KrPixelTypeInfo{KrPixel::Mono12p, "Mono12p", 12, 12, KrPixelLayout::Mono},
-    KrPixelTypeInfo{KrPixel::BayerGR8, "BayerGR8", 8, 8, KrPixelLayout::BayerGR},
-    KrPixelTypeInfo{KrPixel::BayerRG8, "BayerRG8", 8, 8, KrPixelLayout::BayerRG},
-    KrPixelTypeInfo{KrPixel::BayerGB8, "BayerGB8", 8, 8, KrPixelLayout::BayerGB},
-    KrPixelTypeInfo{KrPixel::BayerBG8, "BayerBG8", 8, 8, KrPixelLayout::BayerBG},
-    KrPixelTypeInfo{KrPixel::RGB8, "RGB8", 24, 8, KrPixelLayout::RGB},
-    KrPixelTypeInfo{KrPixel::BGR8, "BGR8", 24, 8, KrPixelLayout::BGR},
-    KrPixelTypeInfo{KrPixel::RGBa8, "RGBa8", 32, 8, KrPixelLayout::RGBa},
-    KrPixelTypeInfo{KrPixel::BGRa8, "BGRa8", 32, 8, KrPixelLayout::BGRa},
-};
+using krbuffer::kPixelTypes;
 
-constexpr bool IsSizeAsInCode(const KrPixelTypeInfo& aRow) {
-  return KrGetBitsPerPixel(aRow.type) == aRow.bitsPerPixel && aRow.bitsPerSample <= aRow.bitsPerPixel;
+constexpr bool HasRoomForItsSamples(const KrPixelTypeInfo& aRow) {
+  return aRow.bitsPerPixel != 0 && aRow.bitsPerSample != 0 && aRow.bitsPerSample <= aRow.bitsPerPixel;
 }
 
 constexpr bool IsNamedOnce(const KrPixelTypeInfo& aRow) {
@@ -32,8 +18,8 @@ constexpr bool IsNamedOnce(const KrPixelTypeInfo& aRow) {
          }) == 1;
 }
 
-static_assert(std::all_of(kPixelTypes.begin(), kPixelTypes.end(), IsSizeAsInCode),
-              "A row states another size than the code has in its bits 16 to 23.");
+static_assert(std::all_of(kPixelTypes.begin(), kPixelTypes.end(), HasRoomForItsSamples),
+              "A row's samples do not fit into the bits that its code states for a pixel.");
 static_assert(std::all_of(kPixelTypes.begin(), kPixelTypes.end(), IsNamedOnce), "Two rows have the same code or name.");
 
 } // namespace
@@ -47,5 +33,19 @@ std::optional<KrPixelTypeInfo> KrFindPixelType(KrPixelType aType) {
 std::optional<KrPixelType> KrFindPixelType(std::string_view aName) {
   const auto row = std::find_if(kPixelTypes.begin(), kPixelTypes.end(),
                                 [aName](const KrPixelTypeInfo& aRow) { return aRow.name == aName; });
+  return row != kPixelTypes.end() ? std::optional(row->type) : std::nullopt;
+}
+
+std::optional<KrPixelType> KrGetUnpackedPixelType(KrPixelType aType) {
+  const std::optional<KrPixelTypeInfo> packed = KrFindPixelType(aType);
+  if (!packed || packed->bitsPerSample < 8)
+    return std::nullopt;
+  if (packed->packing == KrPixelPacking::Words && packed->layout != KrPixelLayout::RGBPlanar)
+    return packed->layout != KrPixelLayout::Other ? std::optional(aType) : std::nullopt;
+  const KrPixelLayout layout = packed->layout == KrPixelLayout::RGBPlanar ? KrPixelLayout::RGB : packed->layout;
+  const auto row = std::find_if(kPixelTypes.begin(), kPixelTypes.end(), [&](const KrPixelTypeInfo& aRow) {
+    return aRow.packing == KrPixelPacking::Words && aRow.layout == layout && aRow.layout != KrPixelLayout::Other &&
+           aRow.bitsPerSample == packed->bitsPerSample && aRow.sampleKind == packed->sampleKind;
+  });
   return row != kPixelTypes.end() ? std::optional(row->type) : std::nullopt;
 }

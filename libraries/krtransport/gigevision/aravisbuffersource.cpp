@@ -1,6 +1,6 @@
 #include "gigevision/aravisbuffersource.h"
 
-#include "gigevision/aravisframe.h"
+#include "aravis/aravisframe.h"
 #include "gigevision/networkadapters.h"
 #include "gigevision/receivelimit.h"
 #include "krbase/krlogger.h"
@@ -110,9 +110,9 @@ KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
   return {};
 }
 
-KrResult AravisBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) {
+KrResult AravisBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   GObjectPointer<ArvBuffer> frame;
-  if (KrResult result = mInbox->Take(frame, aTimeoutMs); !result.IsOK())
+  if (KrResult result = mInbox->Take(frame, aTimeoutMs, aCancel); !result.IsOK())
     return result;
   KrBuffer* buffer = GetLender(frame.get());
   DescribeFrame(ReadFrameDescription(frame.get()), *buffer);

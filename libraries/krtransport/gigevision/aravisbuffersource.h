@@ -2,9 +2,9 @@
 // The stream channel of an open device on Aravis' receiver: lends it the buffers' memory and hands filled ones back.
 // Order and reuse of buffers are KrStream's business.
 
+#include "aravis/frameinbox.h"
+#include "aravis/iothread.h"
 #include "gigevision/aravisdevice.h"
-#include "gigevision/frameinbox.h"
-#include "gigevision/iothread.h"
 #include "gigevision/linktarget.h"
 #include "krsystem/idevicelink.h"
 
@@ -27,7 +27,7 @@ public:
   KrResult GetPayloadSize(std::uint64_t& aBytes) override;
   KrResult Queue(KrBuffer* aBuffer) override;
   KrResult Start() override;
-  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) override;
+  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) override;
   void Stop() override;
   krsystem::SourceStatistics GetStatistics() const override;
 

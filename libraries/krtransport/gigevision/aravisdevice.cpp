@@ -1,7 +1,7 @@
 #include "gigevision/aravisdevice.h"
 
-#include "gigevision/araviserror.h"
-#include "gigevision/aravislog.h"
+#include "aravis/araviserror.h"
+#include "aravis/aravislog.h"
 #include "gigevision/gvcppacket.h"
 #include "krbase/krlogger.h"
 #include "krsystem/ipv4address.h"

@@ -2,9 +2,9 @@
 // A device that Aravis holds under control: its opening, its memory, the few features that streaming needs.
 // Which thread may call, and how long anybody waits, is arranged by the link.
 
-#include "gigevision/gobjectpointer.h"
+#include "aravis/gobjectpointer.h"
+#include "aravis/registerchannel.h"
 #include "gigevision/linktarget.h"
-#include "gigevision/registerchannel.h"
 #include "krbase/krresult.h"
 
 #include <cstdint>

@@ -81,6 +81,12 @@ krsystem::IBufferSource* GigEVisionLink::GetBufferSource(std::uint32_t aChannel)
   return aChannel == 0 ? mSource.get() : nullptr;
 }
 
+void GigEVisionLink::GiveBackControl() {
+  mWatch.Stop();
+  OnLost({KrResult::Code::ConnectionLost, "Control of the device was given back."});
+  mSource.reset();
+}
+
 void GigEVisionLink::OnLost(const KrResult& aReason) {
   mIoThread->Interrupt(aReason);
   if (mSource != nullptr)

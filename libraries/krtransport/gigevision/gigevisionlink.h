@@ -2,10 +2,10 @@
 // An open GigE Vision device: puts register port, buffer source and watch together and takes them apart in the right
 // order.
 
+#include "aravis/iothread.h"
 #include "gigevision/aravisbuffersource.h"
 #include "gigevision/aravisdevice.h"
 #include "gigevision/gigevisionregisterport.h"
-#include "gigevision/iothread.h"
 #include "gigevision/linktarget.h"
 #include "gigevision/linkwatch.h"
 #include "krsystem/idevicelink.h"
@@ -26,6 +26,7 @@ public:
   IKrRegisterPort& GetRegisterPort() override { return *mPort; }
   /// Channel 0 of a device under control. Aravis receives no other, and a monitor none.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
+  void GiveBackControl() override;
   bool IsConnected() const override { return mWatch.IsConnected(); }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override { mWatch.SetSink(aSink); }
 

@@ -46,7 +46,7 @@ GigEVisionRegisterPort::GigEVisionRegisterPort(IoThread& aIoThread, LinkWatch& a
     : mIoThread(aIoThread), mWatch(aWatch), mChannel(std::move(aChannel)) {}
 
 KrResult GigEVisionRegisterPort::Read(std::uint64_t aAddress, void* aData, std::size_t aLength,
-                                      std::uint32_t aTimeoutMs) {
+                                      std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   if (KrResult result = CheckRange(aAddress, aData, aLength); !result.IsOK())
     return result;
   // Memory is read in whole words; what lies before and behind is dropped.
@@ -58,14 +58,14 @@ KrResult GigEVisionRegisterPort::Read(std::uint64_t aAddress, void* aData, std::
     return ForEachPiece(first, std::span(*bytes), aIsAbandoned,
                         [&channel](std::uint32_t aFrom, auto aPiece) { return channel->Read(aFrom, aPiece); });
   };
-  KrResult result = Run(read, aTimeoutMs);
+  KrResult result = Run(read, aTimeoutMs, aCancel);
   if (result.IsOK())
     std::memcpy(aData, bytes->data() + skipped, aLength);
   return result;
 }
 
 KrResult GigEVisionRegisterPort::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength,
-                                       std::uint32_t aTimeoutMs) {
+                                       std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   if (KrResult result = CheckRange(aAddress, aData, aLength); !result.IsOK())
     return result;
   if (aAddress % kWord != 0 || aLength % kWord != 0)
@@ -77,14 +77,14 @@ KrResult GigEVisionRegisterPort::Write(std::uint64_t aAddress, const void* aData
     return ForEachPiece(address, std::span(*bytes), aIsAbandoned,
                         [&channel](std::uint32_t aFrom, auto aPiece) { return channel->Write(aFrom, aPiece); });
   };
-  return Run(write, aTimeoutMs);
+  return Run(write, aTimeoutMs, aCancel);
 }
 
-KrResult GigEVisionRegisterPort::Run(IoThread::Job aJob, std::uint32_t aTimeoutMs) {
+KrResult GigEVisionRegisterPort::Run(IoThread::Job aJob, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   if (mWatch.IsConnected() && mWatch.IsSilent())
     return {KrResult::Code::TimeLimitExceeded,
             "The device did not answer a moment ago; it is asked again as soon as it does."};
-  KrResult result = mIoThread.Run(std::move(aJob), std::max<std::uint32_t>(aTimeoutMs, 1));
+  KrResult result = mIoThread.Run(std::move(aJob), std::max<std::uint32_t>(aTimeoutMs, 1), aCancel);
   if (result == KrResult::Code::TimeLimitExceeded)
     mWatch.ReportSilence();
   return result;

@@ -1,8 +1,8 @@
 #pragma once
 // Reads a device's memory without ever asking for control, so that looking never disturbs who works with the device.
 
+#include "aravis/registerchannel.h"
 #include "gigevision/gvcpclient.h"
-#include "gigevision/registerchannel.h"
 
 namespace krtransport {
 

@@ -103,14 +103,16 @@ KrResult SimulatedBufferSource::Start() {
   return {};
 }
 
-KrResult SimulatedBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) {
+KrResult SimulatedBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   const Clock::time_point limit = Clock::now() + std::chrono::milliseconds(aTimeoutMs);
   std::unique_lock lock(mMutex);
-  mFilledOrEnded.wait_until(lock, limit, [this] { return mLost || !mRunning || !mFilled.empty(); });
+  mFilledOrEnded.wait_until(lock, aCancel, limit, [this] { return mLost || !mRunning || !mFilled.empty(); });
   if (mLost)
     return MakeLost();
   if (!mRunning)
     return {KrResult::Code::Aborted, "Waiting for a frame: the stream was stopped."};
+  if (mFilled.empty() && aCancel.stop_requested())
+    return {KrResult::Code::Aborted, "Waiting for a frame was cancelled."};
   if (mFilled.empty())
     return {KrResult::Code::TimeLimitExceeded,
             "Waiting for a frame: none came within " + std::to_string(aTimeoutMs) + " ms."};

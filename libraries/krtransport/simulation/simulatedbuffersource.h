@@ -22,7 +22,7 @@ public:
   KrResult GetPayloadSize(std::uint64_t& aBytes) override;
   KrResult Queue(KrBuffer* aBuffer) override;
   KrResult Start() override;
-  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) override;
+  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) override;
   void Stop() override;
   krsystem::SourceStatistics GetStatistics() const override;
 
@@ -45,9 +45,9 @@ private:
   SimulatedCamera& mCamera;
   const ICameraListener& mOwner;
 
-  mutable std::mutex mMutex;              // Guards the members from here to mStatistics.
-  std::condition_variable mWake;          // For the thread: stop, loss, changed registers.
-  std::condition_variable mFilledOrEnded; // For those who wait for a frame.
+  mutable std::mutex mMutex;                  // Guards the members from here to mStatistics.
+  std::condition_variable mWake;              // For the thread: stop, loss, changed registers.
+  std::condition_variable_any mFilledOrEnded; // For those who wait for a frame.
   std::deque<KrBuffer*> mFree;
   std::deque<KrBuffer*> mFilled;
   bool mRunning = false;

@@ -44,17 +44,25 @@ krsystem::IBufferSource* SimulatedLink::GetBufferSource(std::uint32_t aChannel) 
   return aChannel == 0 ? &mSource : nullptr;
 }
 
+void SimulatedLink::GiveBackControl() {
+  mLost = true;
+  mSource.SetLost();
+  mSource.Stop();
+  mCamera->Detach(*this);
+}
+
 void SimulatedLink::SetSink(krsystem::IDeviceLinkSink* aSink) {
   mEvents.SetSink(aSink);
 }
 
-KrResult SimulatedLink::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) {
+KrResult SimulatedLink::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
+                             const std::stop_token&) {
   const KrResult valid = CheckArguments(aData, aLength, aTimeoutMs);
   return valid.IsOK() ? mCamera->Read(*this, aAddress, aData, aLength) : valid;
 }
 
-KrResult SimulatedLink::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength,
-                              std::uint32_t aTimeoutMs) {
+KrResult SimulatedLink::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
+                              const std::stop_token&) {
   const KrResult valid = CheckArguments(aData, aLength, aTimeoutMs);
   return valid.IsOK() ? mCamera->Write(*this, aAddress, aData, aLength) : valid;
 }

@@ -20,14 +20,17 @@ public:
 
   IKrRegisterPort& GetRegisterPort() override { return *this; }
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
+  void GiveBackControl() override;
   bool IsConnected() const override { return !mLost; }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override;
 
 private:
   explicit SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera);
 
-  KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) override;
-  KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) override;
+  KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
+                const std::stop_token& aCancel) override;
+  KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
+                 const std::stop_token& aCancel) override;
 
   void OnCameraLost(const KrResult& aReason) override;
   void OnCameraBack() override;

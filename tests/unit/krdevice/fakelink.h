@@ -34,11 +34,11 @@ public:
     mRunning = startResult.IsOK();
     return startResult;
   }
-  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) override {
+  KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) override {
     std::unique_lock lock(mMutex);
     ++mWaiting;
     mChanged.notify_all();
-    mChanged.wait_for(lock, std::chrono::milliseconds(aTimeoutMs),
+    mChanged.wait_for(lock, aCancel, std::chrono::milliseconds(aTimeoutMs),
                       [this] { return mLost || !mRunning || !mFilled.empty(); });
     --mWaiting;
     if (mLost)
@@ -46,7 +46,7 @@ public:
     if (!mRunning)
       return KrResult::Code::Aborted;
     if (mFilled.empty())
-      return KrResult::Code::TimeLimitExceeded;
+      return aCancel.stop_requested() ? KrResult::Code::Aborted : KrResult::Code::TimeLimitExceeded;
     aBuffer = mFilled.front();
     mFilled.pop_front();
     return {};
@@ -95,7 +95,7 @@ public:
 
 private:
   mutable std::mutex mMutex; // Guards the members from here on.
-  std::condition_variable mChanged;
+  std::condition_variable_any mChanged;
   std::deque<KrBuffer*> mFree;
   std::deque<KrBuffer*> mFilled;
   bool mRunning = false;
@@ -112,15 +112,19 @@ public:
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override {
     return aChannel == 0 ? mSource : nullptr;
   }
+  void GiveBackControl() override { ++givenBack; }
   bool IsConnected() const override { return connected; }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override { sink = aSink; }
-  KrResult Read(std::uint64_t, void*, std::size_t, std::uint32_t) override { return KrResult::Code::NotSupported; }
-  KrResult Write(std::uint64_t, const void*, std::size_t, std::uint32_t) override {
+  KrResult Read(std::uint64_t, void*, std::size_t, std::uint32_t, const std::stop_token&) override {
+    return KrResult::Code::NotSupported;
+  }
+  KrResult Write(std::uint64_t, const void*, std::size_t, std::uint32_t, const std::stop_token&) override {
     return KrResult::Code::NotSupported;
   }
 
   krsystem::IDeviceLinkSink* sink = nullptr;
   bool connected = true;
+  int givenBack = 0;
 
 private:
   FakeBufferSource* mSource;

@@ -1,4 +1,4 @@
-#include "gigevision/framedescription.h"
+#include "aravis/framedescription.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "gigevision/iothread.h"
+#include "aravis/iothread.h"
 
 #include <gtest/gtest.h>
 

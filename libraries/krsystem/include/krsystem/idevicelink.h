@@ -1,12 +1,15 @@
 #pragma once
-// What an open device gives, whatever it is connected by: registers, a source of buffers, word of its loss.
-// What the registers mean is the node map's business; which buffers a stream uses is KrStream's.
+// What an open device gives, whatever it is connected by: registers, features, sources of buffers, byte channels, word
+// of its loss. What the registers mean is the node map's business; which buffers a stream uses is KrStream's.
 
 #include "krbase/krresult.h"
 #include "krbuffer/krbuffer.h"
 #include "krgenicam/ikrregisterport.h"
+#include "krsystem/ibytechannel.h"
+#include "krsystem/ifeatureaccess.h"
 
 #include <cstdint>
+#include <stop_token>
 
 namespace krsystem {
 
@@ -36,11 +39,12 @@ public:
   /// on from changing where it can (TLParamsLocked).
   virtual KrResult Start() = 0;
   /// Takes the next filled buffer, waiting up to aTimeoutMs milliseconds (0 does not wait). OK with a buffer, whose
-  /// status says whether it is whole; without one TimeLimitExceeded, Aborted after Stop, or ConnectionLost at once
-  /// when the device is lost.
-  virtual KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) = 0;
+  /// status says whether it is whole; without one TimeLimitExceeded, Aborted after Stop and at once when aCancel is
+  /// stopped, or ConnectionLost at once when the device is lost.
+  virtual KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel = {}) = 0;
   /// Stops acquisition and gives up every buffer: afterwards no thread of the source touches one. Waiting calls of
-  /// Retrieve return Aborted. Ends within the link's time limits even when the device is dead. Stopping what is stopped does nothing.
+  /// Retrieve return Aborted. Ends within the link's time limits even when the device is dead. Stopping what is stopped
+  /// does nothing.
   virtual void Stop() = 0;
   virtual SourceStatistics GetStatistics() const = 0;
 };
@@ -70,6 +74,15 @@ public:
   virtual IKrRegisterPort& GetRegisterPort() = 0;
   /// The stream channel of a number, or null where the device has none of that number.
   virtual IBufferSource* GetBufferSource(std::uint32_t aChannel) = 0;
+  /// The device's features by name, or null where the link knows none.
+  virtual IFeatureAccess* GetFeatures() { return nullptr; }
+  /// The byte channel of a serial port's number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the
+  /// device has none of that number.
+  virtual IByteChannel* GetByteChannel([[maybe_unused]] std::uint32_t aNumber) { return nullptr; }
+  /// Stops streams and gives control of the device back at once, as when the process is about to end: others can take
+  /// it without waiting for a heartbeat to run out. Afterwards the device counts as lost for this link, without word of
+  /// it. Ends within the transport's own time limits; does nothing for a link without control.
+  virtual void GiveBackControl() = 0;
   /// False once the device is lost.
   virtual bool IsConnected() const = 0;
   /// Sets who hears of loss and return; null for nobody. Returns when no call of the former sink is running on another

@@ -53,8 +53,8 @@ public:
   virtual KrString GetName() const = 0;
   /// Lists the interfaces that exist at this moment. Fast; asks no device.
   virtual KrResult ListInterfaces(std::vector<InterfaceFields>& aInterfaces) = 0;
-  /// Does one round of discovery on all these interfaces (of this transport) at once and returns when it is over, at the
-  /// latest shortly after the time limit. One interface that fails does not keep the others from being asked; its
+  /// Does one round of discovery on all these interfaces (of this transport) at once and returns when it is over, at
+  /// the latest shortly after the time limit. One interface that fails does not keep the others from being asked; its
   /// failure is logged.
   virtual KrResult Discover(const std::vector<InterfaceFields>& aInterfaces, const DiscoveryRequest& aRequest,
                             const DeviceReport& aReport) = 0;

@@ -43,8 +43,9 @@ struct NetworkFields {
 
 /// A GigE Vision device, as its discovery answer describes it (GigE Vision 2.x, discovery acknowledge).
 struct GEVFields : DeviceFields, NetworkFields {
-  std::uint32_t gevVersion = 0;      ///< Major in the upper, minor in the lower 16 bits.
-  std::uint32_t deviceClass = 0;     ///< 0 transmitter, 1 receiver, 2 transceiver, 3 peripheral, as bits 28 to 30 of the device mode say.
+  std::uint32_t gevVersion = 0; ///< Major in the upper, minor in the lower 16 bits.
+  std::uint32_t deviceClass =
+      0; ///< 0 transmitter, 1 receiver, 2 transceiver, 3 peripheral, as bits 28 to 30 of the device mode say.
   std::uint32_t ipConfigOptions = 0; ///< Bit 0 persistent, bit 1 DHCP, bit 2 link-local.
   std::uint32_t ipConfigCurrent = 0; ///< The same bits.
   friend bool operator==(const GEVFields&, const GEVFields&) = default;
@@ -63,8 +64,9 @@ struct TolvanProtocolFields : DeviceFields, NetworkFields {
 
 /// A device on a USB bus that is no usable camera.
 struct USBFields : DeviceFields {
-  std::int32_t status = 0; ///< 0 connected, 1 failed enumeration, 2 general failure, 3 caused overcurrent, 4 not enough power,
-                           ///< 5 not enough bandwidth, 6 hub nested too deeply, 7 legacy hub, 8 enumerating, 9 reset.
+  std::int32_t status =
+      0; ///< 0 connected, 1 failed enumeration, 2 general failure, 3 caused overcurrent, 4 not enough power,
+         ///< 5 not enough bandwidth, 6 hub nested too deeply, 7 legacy hub, 8 enumerating, 9 reset.
   friend bool operator==(const USBFields&, const USBFields&) = default;
 };
 

@@ -8,7 +8,8 @@
 
 namespace krsystem {
 
-/// Adds a transport behind those already there. A transport that is registered already, or null, is ignored. Any thread.
+/// Adds a transport behind those already there. A transport that is registered already, or null, is ignored. Any
+/// thread.
 KR_EXPORT void RegisterTransport(std::shared_ptr<ITransport> aTransport);
 /// Removes a transport; devices that it opened stay open. Any thread.
 KR_EXPORT void UnregisterTransport(const std::shared_ptr<ITransport>& aTransport);

@@ -1,4 +1,4 @@
-#include "gigevision/aravislog.h"
+#include "aravis/aravislog.h"
 
 #include "krbase/krlogger.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 // A KrBuffer's memory lent to Aravis for one frame, and what came back of it.
 
-#include "gigevision/framedescription.h"
-#include "gigevision/gobjectpointer.h"
+#include "aravis/framedescription.h"
+#include "aravis/gobjectpointer.h"
 #include "krbuffer/krbuffer.h"
 
 namespace krtransport {

@@ -1,4 +1,4 @@
-#include "gigevision/iothread.h"
+#include "aravis/iothread.h"
 
 #include <chrono>
 #include <utility>
@@ -16,18 +16,20 @@ IoThread::~IoThread() {
   mThread.join();
 }
 
-KrResult IoThread::Run(Job aJob, std::uint32_t aTimeoutMs) {
+KrResult IoThread::Run(Job aJob, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   std::unique_lock lock(mMutex);
   if (mIsInterrupted)
     return mInterruption;
   const auto entry = Enqueue(std::move(aJob));
   const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
-  mDone.wait_until(lock, until, [&] { return entry->isDone || mIsInterrupted; });
+  mDone.wait_until(lock, aCancel, until, [&] { return entry->isDone || mIsInterrupted; });
   if (entry->isDone)
     return entry->result;
   entry->isAbandoned = true;
   if (mIsInterrupted)
     return mInterruption;
+  if (aCancel.stop_requested())
+    return {KrResult::Code::Aborted, "The access to the device was cancelled."};
   return {KrResult::Code::TimeLimitExceeded,
           "The device did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
 }

@@ -1,4 +1,4 @@
-#include "gigevision/frameinbox.h"
+#include "aravis/frameinbox.h"
 
 #include <chrono>
 #include <utility>
@@ -35,12 +35,14 @@ void FrameInbox::Put(GObjectPointer<ArvBuffer> aFrame) {
   mChanged.notify_one();
 }
 
-KrResult FrameInbox::Take(GObjectPointer<ArvBuffer>& aFrame, std::uint32_t aTimeoutMs) {
+KrResult FrameInbox::Take(GObjectPointer<ArvBuffer>& aFrame, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   std::unique_lock lock(mMutex);
   const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
-  mChanged.wait_until(lock, until, [this] { return !mFrames.empty() || !mClosed.IsOK(); });
+  mChanged.wait_until(lock, aCancel, until, [this] { return !mFrames.empty() || !mClosed.IsOK(); });
   if (!mClosed.IsOK())
     return mClosed;
+  if (mFrames.empty() && aCancel.stop_requested())
+    return {KrResult::Code::Aborted, "Waiting for a frame was cancelled."};
   if (mFrames.empty())
     return {KrResult::Code::TimeLimitExceeded,
             "No frame arrived within " + std::to_string(aTimeoutMs) + " milliseconds."};

@@ -1,4 +1,4 @@
-#include "gigevision/aravisframe.h"
+#include "aravis/aravisframe.h"
 
 namespace krtransport {
 namespace {

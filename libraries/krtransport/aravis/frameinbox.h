@@ -2,13 +2,14 @@
 // Frames on their way from the receiving thread to whoever waits for them, and the reason why none will come any more.
 // What is in a frame is looked at by the taker.
 
-#include "gigevision/gobjectpointer.h"
+#include "aravis/gobjectpointer.h"
 #include "krbase/krresult.h"
 
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <mutex>
+#include <stop_token>
 
 namespace krtransport {
 
@@ -23,15 +24,16 @@ public:
 
   /// Takes a finished frame in; a closed inbox drops it.
   void Put(GObjectPointer<ArvBuffer> aFrame);
-  /// The oldest frame, waiting up to aTimeoutMs milliseconds. TimeLimitExceeded, or the reason of Close.
-  KrResult Take(GObjectPointer<ArvBuffer>& aFrame, std::uint32_t aTimeoutMs);
+  /// The oldest frame, waiting up to aTimeoutMs milliseconds. TimeLimitExceeded, Aborted when
+  /// aCancel is stopped, or the reason of Close.
+  KrResult Take(GObjectPointer<ArvBuffer>& aFrame, std::uint32_t aTimeoutMs, const std::stop_token& aCancel);
   /// Payload bytes of the whole frames that were put in since Open.
   std::uint64_t GetWholeBytes() const;
 
 private:
   // Guards all members.
   mutable std::mutex mMutex;
-  std::condition_variable mChanged;
+  std::condition_variable_any mChanged;
   std::deque<GObjectPointer<ArvBuffer>> mFrames;
   KrResult mClosed{KrResult::Code::Aborted, "The stream is not started."};
   std::uint64_t mWholeBytes = 0;

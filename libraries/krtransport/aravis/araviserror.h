@@ -1,7 +1,7 @@
 #pragma once
 // Converts what a call of Aravis reports into the system's result, once, where it enters.
 
-#include "gigevision/gobjectpointer.h"
+#include "aravis/gobjectpointer.h"
 #include "krbase/krresult.h"
 
 #include <string>

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 namespace krtransport {
@@ -30,8 +31,9 @@ public:
   IoThread& operator=(const IoThread&) = delete;
 
   /// Runs a job and waits up to aTimeoutMs milliseconds for it. TimeLimitExceeded after that: the job is abandoned,
-  /// which means that it is skipped if it has not begun. The reason of Interrupt, at once, after that was called.
-  KrResult Run(Job aJob, std::uint32_t aTimeoutMs);
+  /// which means that it is skipped if it has not begun. Aborted, at once and in the same
+  /// way, when aCancel is stopped. The reason of Interrupt, at once, after that was called.
+  KrResult Run(Job aJob, std::uint32_t aTimeoutMs, const std::stop_token& aCancel = {});
   /// Runs a job and waits for its end, interrupted or not.
   KrResult RunToEnd(Job aJob);
   /// Ends all waits of Run, now and from now on, with a reason.
@@ -51,7 +53,7 @@ private:
   // Guards all members below but the thread, and isDone and result of every entry.
   std::mutex mMutex;
   std::condition_variable mWork;
-  std::condition_variable mDone;
+  std::condition_variable_any mDone;
   std::deque<std::shared_ptr<Entry>> mQueue;
   bool mIsInterrupted = false;
   bool mIsEnding = false;

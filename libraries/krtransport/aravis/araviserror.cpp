@@ -1,4 +1,4 @@
-#include "gigevision/araviserror.h"
+#include "aravis/araviserror.h"
 
 #include <algorithm>
 #include <iterator>
