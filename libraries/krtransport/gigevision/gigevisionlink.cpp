@@ -49,19 +49,19 @@ KrResult GigEVisionLink::OpenChannel(const LinkTarget& aTarget, Parts& aParts) {
     aParts.channel = std::make_shared<MonitorChannel>(std::move(client));
     return {};
   }
-  KrResult result =
-      aParts.ioThread->RunToEnd([&](const std::atomic<bool>&) { return AravisDevice::Open(aTarget, aParts.device); });
+  KrResult result = aParts.ioThread->RunToEnd(
+      [&](const std::atomic<bool>&) { return GigEVisionDevice::Open(aTarget, aParts.device); });
   aParts.channel = aParts.device;
   return result;
 }
 
 GigEVisionLink::GigEVisionLink(const LinkTarget& aTarget, Parts aParts)
     : mIoThread(std::move(aParts.ioThread)), mDevice(std::move(aParts.device)),
-      mSource(mDevice != nullptr ? std::make_unique<AravisBufferSource>(*mIoThread, mDevice, aTarget) : nullptr),
+      mSource(mDevice != nullptr ? std::make_unique<AravisBufferSource>(*mIoThread, mDevice) : nullptr),
       mWatch(
           aTarget, std::move(aParts.watchClient), [this] { return mDevice == nullptr || mDevice->HoldsControl(); },
           [this](const KrResult& aReason) { OnLost(aReason); }),
-      mPort(std::make_unique<GigEVisionRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))) {}
+      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))) {}
 
 GigEVisionLink::~GigEVisionLink() {
   mWatch.Stop();

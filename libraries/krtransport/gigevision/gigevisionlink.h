@@ -2,10 +2,10 @@
 // An open GigE Vision device: puts register port, buffer source and watch together and takes them apart in the right
 // order.
 
+#include "aravis/aravisbuffersource.h"
+#include "aravis/channelregisterport.h"
 #include "aravis/iothread.h"
-#include "gigevision/aravisbuffersource.h"
-#include "gigevision/aravisdevice.h"
-#include "gigevision/gigevisionregisterport.h"
+#include "gigevision/gigevisiondevice.h"
 #include "gigevision/linktarget.h"
 #include "gigevision/linkwatch.h"
 #include "krsystem/idevicelink.h"
@@ -34,7 +34,7 @@ private:
   /// What is needed to make a link; the device is null for a monitor.
   struct Parts {
     std::unique_ptr<IoThread> ioThread = std::make_unique<IoThread>();
-    std::shared_ptr<AravisDevice> device;
+    std::shared_ptr<GigEVisionDevice> device;
     std::shared_ptr<IRegisterChannel> channel;
     GvcpClient watchClient;
   };
@@ -45,10 +45,10 @@ private:
   void OnLost(const KrResult& aReason);
 
   std::unique_ptr<IoThread> mIoThread;
-  std::shared_ptr<AravisDevice> mDevice;
+  std::shared_ptr<GigEVisionDevice> mDevice;
   std::unique_ptr<AravisBufferSource> mSource;
   LinkWatch mWatch;
-  std::unique_ptr<GigEVisionRegisterPort> mPort;
+  std::unique_ptr<ChannelRegisterPort> mPort;
 };
 
 } // namespace krtransport

@@ -2,6 +2,7 @@
 // The datagrams of the GigE Vision Control Protocol that finding and watching a device needs: built here, and read here
 // from bytes that nobody vouches for. Sockets, retries and time limits are left to the clients.
 
+#include "aravis/registerchannel.h"
 #include "gigevision/gvcptext.h"
 #include "krbase/krresult.h"
 
@@ -19,6 +20,9 @@ inline constexpr std::uint16_t kGvcpPort = 3956;
 inline constexpr std::size_t kMaxGvcpDatagram = 2048;
 /// The most bytes that one READMEM is asked for.
 inline constexpr std::size_t kMaxReadMemory = 512;
+/// What one access to a device's memory may be.
+inline constexpr RegisterLimits kGvcpRegisterLimits{
+    .lastAddress = 0xFFFFFFFF, .alignment = 4, .maxBytes = kMaxReadMemory};
 
 /// The control channel privilege register and its bits.
 inline constexpr std::uint32_t kControlPrivilegeRegister = 0x0A00;

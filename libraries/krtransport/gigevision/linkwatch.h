@@ -2,6 +2,7 @@
 // Watches whether an open device still answers, faster than its own heartbeat would tell, and tells of loss and return.
 // What loss means for accesses and streams is decided by the link.
 
+#include "aravis/isilence.h"
 #include "gigevision/gvcpclient.h"
 #include "gigevision/linktarget.h"
 #include "krbase/krresult.h"
@@ -22,21 +23,19 @@ namespace krtransport {
 ///
 /// Thread: any, but for destruction, which waits for a sink's call that runs.
 /// Ownership: borrows the sink.
-class LinkWatch {
+class LinkWatch final : public ISilence {
 public:
   /// aHoldsControl says whether the link's own heartbeat still goes; aOnLost is called once, before the sink hears of
   /// the loss. Both are called on the watch's thread, until Stop.
   LinkWatch(const LinkTarget& aTarget, GvcpClient aClient, std::function<bool()> aHoldsControl,
             std::function<void(const KrResult&)> aOnLost);
-  ~LinkWatch() { Stop(); }
+  ~LinkWatch() override { Stop(); }
   LinkWatch(const LinkWatch&) = delete;
   LinkWatch& operator=(const LinkWatch&) = delete;
 
   bool IsConnected() const { return mIsConnected; }
-  /// True from ReportSilence until the device answers again.
-  bool IsSilent() const { return mIsSilent; }
-  /// An access got no answer: the device is asked at once.
-  void ReportSilence();
+  bool IsSilent() const override { return mIsSilent && mIsConnected; }
+  void ReportSilence() override;
   /// As IDeviceLink::SetSink.
   void SetSink(krsystem::IDeviceLinkSink* aSink);
   /// Ends the watch: afterwards no call of it runs or comes. Not from a sink's call.

@@ -2,11 +2,11 @@
 
 namespace krtransport {
 
-KrResult MonitorChannel::Read(std::uint32_t aAddress, std::span<std::uint8_t> aData) {
-  return mClient.ReadMemory(aAddress, aData, GvcpPatience{});
+KrResult MonitorChannel::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData) {
+  return mClient.ReadMemory(static_cast<std::uint32_t>(aAddress), aData, GvcpPatience{});
 }
 
-KrResult MonitorChannel::Write(std::uint32_t, std::span<const std::uint8_t>) {
+KrResult MonitorChannel::Write(std::uint64_t, std::span<const std::uint8_t>) {
   return {KrResult::Code::AccessDenied,
           "The device was opened for reading only. Open it with control to write its registers."};
 }

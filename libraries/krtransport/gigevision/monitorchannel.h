@@ -10,9 +10,10 @@ class MonitorChannel final : public IRegisterChannel {
 public:
   explicit MonitorChannel(GvcpClient aClient) : mClient(std::move(aClient)) {}
 
-  KrResult Read(std::uint32_t aAddress, std::span<std::uint8_t> aData) override;
+  RegisterLimits GetLimits() const override { return kGvcpRegisterLimits; }
+  KrResult Read(std::uint64_t aAddress, std::span<std::uint8_t> aData) override;
   /// AccessDenied, always.
-  KrResult Write(std::uint32_t aAddress, std::span<const std::uint8_t> aData) override;
+  KrResult Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData) override;
 
 private:
   GvcpClient mClient;

@@ -4,8 +4,7 @@
 
 #include "aravis/frameinbox.h"
 #include "aravis/iothread.h"
-#include "gigevision/aravisdevice.h"
-#include "gigevision/linktarget.h"
+#include "aravis/istreamdevice.h"
 #include "krsystem/idevicelink.h"
 
 #include <atomic>
@@ -15,13 +14,13 @@
 
 namespace krtransport {
 
-/// Time limits: GetPayloadSize and Start give up after ten seconds for each step. Stop with a dead device takes up to
-/// about ten: Aravis tries each register five times for half a second, and its heartbeat may be at that already.
+/// Time limits: GetPayloadSize and Start give up after ten seconds for each step. Stop with a dead device takes as long
+/// as Aravis' own tries.
 ///
 /// Thread: as IBufferSource. Ownership: borrows the I/O thread, shares the device.
 class AravisBufferSource final : public krsystem::IBufferSource {
 public:
-  AravisBufferSource(IoThread& aIoThread, std::shared_ptr<AravisDevice> aDevice, const LinkTarget& aTarget);
+  AravisBufferSource(IoThread& aIoThread, std::shared_ptr<IStreamDevice> aDevice);
   ~AravisBufferSource() override;
 
   KrResult GetPayloadSize(std::uint64_t& aBytes) override;
@@ -40,8 +39,7 @@ private:
   static void OnNewBuffer(ArvStream* aStream, gpointer aInbox);
 
   IoThread& mIoThread;
-  const std::shared_ptr<AravisDevice> mDevice;
-  const LinkTarget mTarget;
+  const std::shared_ptr<IStreamDevice> mDevice;
   const std::shared_ptr<FrameInbox> mInbox = std::make_shared<FrameInbox>();
   std::atomic<bool> mIsLost{false};
 

@@ -1,17 +1,12 @@
-#include "gigevision/aravisbuffersource.h"
+#include "aravis/aravisbuffersource.h"
 
 #include "aravis/aravisframe.h"
-#include "gigevision/networkadapters.h"
-#include "gigevision/receivelimit.h"
 #include "krbase/krlogger.h"
-
-#include <algorithm>
 
 namespace krtransport {
 namespace {
 
 constexpr std::uint32_t kFeatureTimeoutMs = 10000;
-constexpr std::uint32_t kMaxPacketSize = 9000;
 
 // What a job makes, shared so that it outlives a caller who left.
 template <typename T>
@@ -31,9 +26,8 @@ std::uint64_t ReadInfo(ArvStream* aStream, const char* aName) {
 
 } // namespace
 
-AravisBufferSource::AravisBufferSource(IoThread& aIoThread, std::shared_ptr<AravisDevice> aDevice,
-                                       const LinkTarget& aTarget)
-    : mIoThread(aIoThread), mDevice(std::move(aDevice)), mTarget(aTarget) {}
+AravisBufferSource::AravisBufferSource(IoThread& aIoThread, std::shared_ptr<IStreamDevice> aDevice)
+    : mIoThread(aIoThread), mDevice(std::move(aDevice)) {}
 
 AravisBufferSource::~AravisBufferSource() {
   Stop();
@@ -82,18 +76,18 @@ KrResult AravisBufferSource::Start() {
 }
 
 KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
-  const std::uint32_t socketBytes = GetSocketBufferSize(aPayloadBytes);
-  WarnOfReceiveLimit(socketBytes);
-  const std::uint32_t packetSize = std::min(GetMtu(mTarget.adapterName), kMaxPacketSize) & ~3u;
   const auto made = std::make_shared<FilledInbox>();
   made->inbox = mInbox;
   mInbox->Open();
   KrResult result = mIoThread.Run(
-      [device = mDevice, made, socketBytes, packetSize](const std::atomic<bool>&) {
-        device->SetPacketSize(packetSize);
-        KrResult created = device->CreateStream(socketBytes, made->stream);
-        if (created.IsOK())
+      [device = mDevice, made, aPayloadBytes](const std::atomic<bool>& aIsAbandoned) {
+        KrResult created = device->CreateStream(aPayloadBytes, made->stream);
+        if (created.IsOK() && !aIsAbandoned) {
           g_signal_connect(made->stream.get(), "new-buffer", G_CALLBACK(OnNewBuffer), made->inbox.get());
+          return created;
+        }
+        made->stream.reset();
+        device->OnStreamReleased(false);
         return created;
       },
       kFeatureTimeoutMs);
@@ -136,10 +130,11 @@ void AravisBufferSource::Stop() {
   const KrResult result = mIoThread.RunToEnd([this, stopped](const std::atomic<bool>&) {
     KrResult acquisition = mIsLost ? KrResult() : mDevice->StopAcquisition();
     stopped->reset();
+    mDevice->OnStreamReleased(mIsLost);
     return acquisition;
   });
   if (!result.IsOK())
-    KrLogger("GigEVision")
+    KrLogger("Transport")
         .Log(KrLogLevel::Info, {"AravisBufferSource::Stop", "aravisbuffersource"}, result.GetDescription());
 }
 

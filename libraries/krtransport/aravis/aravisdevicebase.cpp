@@ -1,0 +1,97 @@
+#include "aravis/aravisdevicebase.h"
+
+#include "aravis/araviserror.h"
+#include "krbase/krlogger.h"
+
+#include <cinttypes>
+#include <cstdio>
+
+// The features below are read and written through Aravis' own evaluator, which opening a device and its stream needs
+// anyway; everything that a user sees goes through the system's node map instead.
+
+namespace krtransport {
+namespace {
+
+constexpr std::uint64_t kMaxPayload = std::uint64_t{1} << 32;
+
+std::string NameMemory(const char* aVerb, std::uint64_t aAddress, std::size_t aLength) {
+  char text[80];
+  std::snprintf(text, sizeof(text), "%s %zu bytes at 0x%" PRIX64, aVerb, aLength, aAddress);
+  return text;
+}
+
+} // namespace
+
+std::mutex& AravisDeviceBase::GetOpeningMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+KrResult AravisDeviceBase::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData) {
+  GErrorHolder error;
+  arv_device_read_memory(mDevice.get(), aAddress, static_cast<guint32>(aData.size()), aData.data(), error.Out());
+  return ToResult(error, NameMemory("Reading", aAddress, aData.size()));
+}
+
+KrResult AravisDeviceBase::Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData) {
+  GErrorHolder error;
+  // The parameter lacks its const in Aravis' interface; the bytes are only copied into the command.
+  arv_device_write_memory(mDevice.get(), aAddress, static_cast<guint32>(aData.size()),
+                          const_cast<std::uint8_t*>(aData.data()), error.Out());
+  return ToResult(error, NameMemory("Writing", aAddress, aData.size()));
+}
+
+KrResult AravisDeviceBase::GetPayloadSize(std::uint64_t& aBytes) {
+  GErrorHolder error;
+  const gint64 bytes = arv_device_get_integer_feature_value(mDevice.get(), "PayloadSize", error.Out());
+  if (KrResult result = ToResult(error, "Reading the device's PayloadSize"); !result.IsOK())
+    return result;
+  if (bytes <= 0 || static_cast<std::uint64_t>(bytes) > kMaxPayload)
+    return {KrResult::Code::BadData, "The device states a payload of " + std::to_string(bytes) + " bytes."};
+  aBytes = static_cast<std::uint64_t>(bytes);
+  return {};
+}
+
+KrResult AravisDeviceBase::OpenArvStream(StreamPointer& aStream) {
+  GErrorHolder error;
+  StreamPointer stream(arv_device_create_stream(mDevice.get(), nullptr, nullptr, error.Out()));
+  if (KrResult result = ToResult(error, "Opening the device's stream channel"); !result.IsOK())
+    return result;
+  if (stream == nullptr)
+    return {KrResult::Code::ProtocolError, "Opening the device's stream channel failed."};
+  g_object_set(stream.get(), "emit-signals", TRUE, nullptr);
+  aStream = std::move(stream);
+  return {};
+}
+
+KrResult AravisDeviceBase::StartAcquisition() {
+  LockParameters(true);
+  GErrorHolder error;
+  arv_device_execute_command(mDevice.get(), "AcquisitionStart", error.Out());
+  KrResult result = ToResult(error, "Starting acquisition");
+  if (!result.IsOK())
+    LockParameters(false);
+  return result;
+}
+
+KrResult AravisDeviceBase::StopAcquisition() {
+  GErrorHolder error;
+  arv_device_execute_command(mDevice.get(), "AcquisitionStop", error.Out());
+  LockParameters(false);
+  return ToResult(error, "Stopping acquisition");
+}
+
+void AravisDeviceBase::LogRefusal(const std::string& aText) {
+  KrLogger("Transport").Log(KrLogLevel::Info, {"AravisDeviceBase::LogRefusal", "aravisdevicebase"}, aText);
+}
+
+void AravisDeviceBase::LockParameters(bool aLocked) {
+  if (arv_device_get_feature(mDevice.get(), "TLParamsLocked") == nullptr)
+    return;
+  GErrorHolder error;
+  arv_device_set_integer_feature_value(mDevice.get(), "TLParamsLocked", aLocked ? 1 : 0, error.Out());
+  if (error.IsSet())
+    LogRefusal("TLParamsLocked could not be written: " + error.GetText());
+}
+
+} // namespace krtransport

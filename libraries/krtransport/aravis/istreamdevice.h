@@ -1,0 +1,30 @@
+#pragma once
+// What a buffer source needs of an open device. How a stream channel is set up for the device's kind of link is decided
+// behind it; buffers, order and waits are left to the source.
+
+#include "aravis/gobjectpointer.h"
+#include "krbase/krresult.h"
+
+#include <cstdint>
+
+namespace krtransport {
+
+/// Thread: the link's I/O thread alone; calls block as long as the device's protocol makes them.
+class IStreamDevice {
+public:
+  virtual ~IStreamDevice() = default;
+
+  /// How many bytes one frame takes as the device is set up now.
+  virtual KrResult GetPayloadSize(std::uint64_t& aBytes) = 0;
+  /// Opens the stream channel for frames of a size. The stream emits signals and has no buffers yet.
+  virtual KrResult CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) = 0;
+  /// Starts acquisition, with what a frame's size depends on locked.
+  virtual KrResult StartAcquisition() = 0;
+  /// Stops acquisition and gives the locked parameters free, which it tries even where stopping failed.
+  virtual KrResult StopAcquisition() = 0;
+  /// Puts back what CreateStream changed on the device, after the stream was released or its start failed. A device
+  /// that is lost is not spoken to.
+  virtual void OnStreamReleased([[maybe_unused]] bool aIsLost) {}
+};
+
+} // namespace krtransport
