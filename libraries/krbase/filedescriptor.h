@@ -1,0 +1,33 @@
+#pragma once
+// Owns a file descriptor of the system. What it refers to is the user's business.
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace krbase {
+
+class FileDescriptor {
+public:
+  FileDescriptor() = default;
+  explicit FileDescriptor(int aDescriptor) : mDescriptor(aDescriptor) {}
+  ~FileDescriptor() { Close(); }
+  FileDescriptor(FileDescriptor&& aOther) noexcept : mDescriptor(std::exchange(aOther.mDescriptor, -1)) {}
+  FileDescriptor& operator=(FileDescriptor&& aOther) noexcept {
+    std::swap(mDescriptor, aOther.mDescriptor);
+    return *this;
+  }
+
+  bool IsOpen() const { return mDescriptor >= 0; }
+  int Get() const { return mDescriptor; }
+  /// Closes; false, with errno set, where the system has an error left to report.
+  bool Close() {
+    const int descriptor = std::exchange(mDescriptor, -1);
+    return descriptor < 0 || ::close(descriptor) == 0;
+  }
+
+private:
+  int mDescriptor = -1;
+};
+
+} // namespace krbase

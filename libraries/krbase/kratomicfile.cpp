@@ -1,0 +1,232 @@
+#include "krbase/kratomicfile.h"
+
+#include "filedescriptor.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <string>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using krbase::FileDescriptor;
+
+constexpr int kMostLinks = 40; // As many as the system itself follows.
+constexpr int kNameTries = 16;
+
+struct ErrorRow {
+  int error;
+  KrResult::Code code;
+};
+
+constexpr std::array kErrorRows = {
+    ErrorRow{ENOENT, KrResult::Code::NotFound},     ErrorRow{ENOTDIR, KrResult::Code::NotFound},
+    ErrorRow{EACCES, KrResult::Code::AccessDenied}, ErrorRow{EPERM, KrResult::Code::AccessDenied},
+    ErrorRow{EROFS, KrResult::Code::AccessDenied},
+};
+
+KrResult MakeError(const KrString& aFileName, int aError) {
+  const auto* row = std::find_if(kErrorRows.begin(), kErrorRows.end(),
+                                 [aError](const ErrorRow& aRow) { return aRow.error == aError; });
+  return {row != kErrorRows.end() ? row->code : KrResult::Code::SystemError,
+          "The file \"" + aFileName + "\" cannot be written: " + std::generic_category().message(aError) + "."};
+}
+
+KrResult MakeTakenError(const KrString& aFileName) {
+  return {KrResult::Code::InvalidInput, "The file \"" + aFileName + "\" exists already and is left as it is."};
+}
+
+// The path behind symbolic links, whether or not there is a file yet; the error of the system where there is no end.
+std::error_code FollowLinks(fs::path& aPath) {
+  for (int links = 0; links < kMostLinks; ++links) {
+    std::error_code error;
+    if (!fs::is_symlink(fs::symlink_status(aPath, error)))
+      return {}; // What stands against it will be found when the folder is opened.
+    const fs::path target = fs::read_symlink(aPath, error);
+    if (error)
+      return error;
+    aPath = aPath.parent_path() / target; // An absolute target replaces the folder.
+  }
+  return std::make_error_code(std::errc::too_many_symbolic_link_levels);
+}
+
+std::string MakeTemporaryName() {
+  std::uint64_t number = 0;
+  // A number that could not be drawn is as good as any: the file is created only where its name is free.
+  if (::getrandom(&number, sizeof number, 0) < 0)
+    number = static_cast<std::uint64_t>(::getpid());
+  std::array<char, 32> name = {};
+  std::snprintf(name.data(), name.size(), ".kr-%016llx.tmp", static_cast<unsigned long long>(number));
+  return name.data();
+}
+
+// Makes the new file look like the one that it replaces. An owner that this process may not give stays its own.
+bool TakeOverRights(int aDescriptor, const struct stat& aExisting) {
+  [[maybe_unused]] const int ownerGiven = ::fchown(aDescriptor, aExisting.st_uid, static_cast<gid_t>(-1));
+  [[maybe_unused]] const int groupGiven = ::fchown(aDescriptor, static_cast<uid_t>(-1), aExisting.st_gid);
+  return ::fchmod(aDescriptor, aExisting.st_mode & 07777) == 0;
+}
+
+} // namespace
+
+struct KrAtomicFile::Body {
+  ~Body() {
+    if (!temporaryName.empty())
+      ::unlinkat(folder.Get(), temporaryName.c_str(), 0);
+  }
+
+  KrResult OpenFolder();
+  KrResult CheckExisting(struct stat& aExisting, bool& aExists) const;
+  KrResult Create();
+  KrResult Rename();
+  KrResult Fail(int aError) {
+    failure = MakeError(fileName, aError);
+    return failure;
+  }
+
+  KrString fileName; // As the caller gave it.
+  Existing existing = Existing::Replaced;
+  std::string targetName;    // Within the folder.
+  std::string temporaryName; // Within the folder; empty once there is none.
+  FileDescriptor folder;     // Where both names are looked up, even when the folder is moved meanwhile.
+  FileDescriptor file;
+  KrResult failure; // Of the first write that failed: such a file is never committed.
+};
+
+KrResult KrAtomicFile::Body::OpenFolder() {
+  fs::path path = fileName.ToUtf8();
+  if (const std::error_code error = FollowLinks(path))
+    return MakeError(fileName, error.value());
+  targetName = path.filename().string();
+  if (targetName.empty())
+    return MakeError(fileName, EISDIR);
+  const std::string folderName = path.has_parent_path() ? path.parent_path().string() : ".";
+  folder = FileDescriptor(::open(folderName.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  return folder.IsOpen() ? KrResult() : MakeError(fileName, errno);
+}
+
+KrResult KrAtomicFile::Body::CheckExisting(struct stat& aExisting, bool& aExists) const {
+  aExists = ::fstatat(folder.Get(), targetName.c_str(), &aExisting, AT_SYMLINK_NOFOLLOW) == 0;
+  if (!aExists)
+    return errno == ENOENT ? KrResult() : MakeError(fileName, errno);
+  if (!S_ISREG(aExisting.st_mode))
+    return {KrResult::Code::InvalidInput, "\"" + fileName + "\" cannot be written: it is no file."};
+  if (existing == Existing::Kept)
+    return MakeTakenError(fileName);
+  // The folder's rights alone decide on a renaming; a file that is protected itself stays as well.
+  return ::faccessat(folder.Get(), targetName.c_str(), W_OK, AT_EACCESS) == 0 ? KrResult() : MakeError(fileName, errno);
+}
+
+KrResult KrAtomicFile::Body::Create() {
+  struct stat replaced = {};
+  bool exists = false;
+  if (KrResult checked = CheckExisting(replaced, exists); !checked.IsOK())
+    return checked;
+  for (int tries = 0; tries < kNameTries && !file.IsOpen(); ++tries) {
+    std::string name = MakeTemporaryName();
+    file = FileDescriptor(::openat(folder.Get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (file.IsOpen())
+      temporaryName = std::move(name);
+    else if (errno != EEXIST)
+      break;
+  }
+  if (!file.IsOpen() || (exists && !TakeOverRights(file.Get(), replaced)))
+    return MakeError(fileName, errno);
+  return {};
+}
+
+KrResult KrAtomicFile::Body::Rename() {
+  const auto rename = [this](unsigned aFlags) {
+    return ::renameat2(folder.Get(), temporaryName.c_str(), folder.Get(), targetName.c_str(), aFlags) == 0;
+  };
+  bool isRenamed = rename(existing == Existing::Kept ? RENAME_NOREPLACE : 0);
+  if (!isRenamed && errno == EINVAL && existing == Existing::Kept) {
+    // A file system that cannot look and rename in one step.
+    const bool isTaken = ::faccessat(folder.Get(), targetName.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+    errno = EEXIST;
+    isRenamed = !isTaken && rename(0);
+  }
+  if (!isRenamed)
+    return errno == EEXIST ? MakeTakenError(fileName) : MakeError(fileName, errno);
+  temporaryName.clear();
+  // Under its name the file is whole already. Whether a power cut right now brings the old one back is what a flush of
+  // the folder decides, which not every file system offers; its failure therefore fails nothing.
+  const FileDescriptor readable(::openat(folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  [[maybe_unused]] const int isFlushed = readable.IsOpen() ? ::fsync(readable.Get()) : -1;
+  return {};
+}
+
+KrAtomicFile::KrAtomicFile() = default;
+KrAtomicFile::~KrAtomicFile() = default;
+
+KrResult KrAtomicFile::Open(const KrString& aFileName, Existing aExisting) {
+  try {
+    Discard();
+    if (aFileName.IsEmpty() || aFileName.ToUtf8().find('\0') != std::string::npos)
+      return {KrResult::Code::InvalidInput, "A file cannot be written without a name, or with a zero byte in it."};
+    auto body = std::make_unique<Body>();
+    body->fileName = aFileName;
+    body->existing = aExisting;
+    if (KrResult opened = body->OpenFolder(); !opened.IsOK())
+      return opened;
+    if (KrResult created = body->Create(); !created.IsOK())
+      return created;
+    mBody = std::move(body);
+    return {};
+  } catch (const std::exception& exception) {
+    return {KrResult::Code::SystemError, "The file \"" + aFileName + "\" cannot be written: " + exception.what() + "."};
+  }
+}
+
+KrResult KrAtomicFile::Write(const void* aBytes, std::size_t aCount) {
+  if (!mBody)
+    return {KrResult::Code::WrongState, "No file is open for writing."};
+  if (!mBody->failure.IsOK())
+    return mBody->failure;
+  const char* next = static_cast<const char*>(aBytes);
+  while (aCount > 0) {
+    const ssize_t written = ::write(mBody->file.Get(), next, aCount);
+    if (written < 0 && errno != EINTR)
+      return mBody->Fail(errno);
+    if (written > 0) {
+      next += written;
+      aCount -= static_cast<std::size_t>(written);
+    }
+  }
+  return {};
+}
+
+KrResult KrAtomicFile::Seek(std::uint64_t aPosition) {
+  if (!mBody)
+    return {KrResult::Code::WrongState, "No file is open for writing."};
+  if (!mBody->failure.IsOK())
+    return mBody->failure;
+  if (aPosition > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()))
+    return mBody->Fail(EFBIG);
+  return ::lseek(mBody->file.Get(), static_cast<off_t>(aPosition), SEEK_SET) >= 0 ? KrResult() : mBody->Fail(errno);
+}
+
+KrResult KrAtomicFile::Commit() {
+  if (!mBody)
+    return {KrResult::Code::WrongState, "No file is open for writing."};
+  const std::unique_ptr<Body> body = std::move(mBody);
+  if (!body->failure.IsOK())
+    return body->failure;
+  if (::fsync(body->file.Get()) != 0 || !body->file.Close())
+    return MakeError(body->fileName, errno);
+  return body->Rename();
+}
+
+void KrAtomicFile::Discard() {
+  mBody.reset();
+}
