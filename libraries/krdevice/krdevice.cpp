@@ -10,10 +10,11 @@
 #include <exception>
 #include <string>
 #include <utility>
+#include <variant>
 
 struct KrDevice::Body : krsystem::IDeviceLinkSink {
-  Body(KrDevice& aDevice, std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID)
-      : device(aDevice), displayID(aDisplayID), link(std::move(aLink)) {}
+  Body(KrDevice& aDevice, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
+      : device(aDevice), fields(std::move(aFields)), link(std::move(aLink)) {}
 
   void OnLinkLost(const KrResult& aReason) override {
     sinks.Notify([&](KrDeviceEventSink& aSink) { aSink.OnDeviceLost(&device, aReason); });
@@ -23,7 +24,7 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
   }
 
   KrDevice& device;
-  const KrString displayID;
+  const krsystem::DeviceFields fields;
   krdevice::EventSinks sinks;
   std::unique_ptr<krsystem::IDeviceLink> link;
 };
@@ -34,15 +35,15 @@ using DevicePointer = std::unique_ptr<KrDevice>;
 using LinkPointer = std::unique_ptr<krsystem::IDeviceLink>;
 
 template <typename Device>
-DevicePointer Make(LinkPointer aLink, const KrString& aDisplayID) {
-  return std::make_unique<Device>(std::move(aLink), aDisplayID);
+DevicePointer Make(LinkPointer aLink, krsystem::DeviceFields aFields) {
+  return std::make_unique<Device>(std::move(aLink), std::move(aFields));
 }
 
 // How the fields of a device's kind are had from its object, and what it is when it is open.
 struct Kind {
   KrDeviceInfoType type;
   krsystem::AnyDeviceFields (*getFields)(const KrDeviceInfo&);
-  DevicePointer (*make)(LinkPointer, const KrString&);
+  DevicePointer (*make)(LinkPointer, krsystem::DeviceFields);
 };
 
 template <typename Info>
@@ -62,6 +63,11 @@ const Kind* FindKind(KrDeviceInfoType aType) {
       return &kind;
   }
   return nullptr;
+}
+
+// What every kind has, cut out of the fields of one.
+krsystem::DeviceFields GetCommonFields(const krsystem::AnyDeviceFields& aFields) {
+  return std::visit([](const krsystem::DeviceFields& aKind) { return aKind; }, aFields);
 }
 
 krsystem::InterfaceFields GetInterfaceFields(const KrInterface* aInterface) {
@@ -113,12 +119,12 @@ KrResult KrDevice::Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::
     return result;
   if (!link)
     return {KrResult::Code::ProtocolError, "Opening " + aInfo.GetDisplayID() + ": its transport gave no link to it."};
-  aDevice = kind->make(std::move(link), aInfo.GetDisplayID());
+  aDevice = kind->make(std::move(link), GetCommonFields(kind->getFields(aInfo)));
   return {};
 }
 
-KrDevice::KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID)
-    : mBody(std::make_unique<Body>(*this, std::move(aLink), aDisplayID)) {
+KrDevice::KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
+    : mBody(std::make_unique<Body>(*this, std::move(aLink), std::move(aFields))) {
   mBody->link->SetSink(mBody.get());
 }
 
@@ -128,7 +134,27 @@ KrDevice::~KrDevice() {
 }
 
 const KrString& KrDevice::GetDisplayID() const {
-  return mBody->displayID;
+  return mBody->fields.displayID;
+}
+
+const KrString& KrDevice::GetUniqueID() const {
+  return mBody->fields.uniqueID;
+}
+
+const KrString& KrDevice::GetVendorName() const {
+  return mBody->fields.vendorName;
+}
+
+const KrString& KrDevice::GetModelName() const {
+  return mBody->fields.modelName;
+}
+
+const KrString& KrDevice::GetSerialNumber() const {
+  return mBody->fields.serialNumber;
+}
+
+const KrString& KrDevice::GetUserDefinedName() const {
+  return mBody->fields.userDefinedName;
 }
 
 IKrRegisterPort& KrDevice::GetRegisterPort() {
@@ -137,6 +163,14 @@ IKrRegisterPort& KrDevice::GetRegisterPort() {
 
 krsystem::IBufferSource* KrDevice::GetBufferSource(std::uint32_t aChannel) {
   return mBody->link->GetBufferSource(aChannel);
+}
+
+krsystem::IFeatureAccess* KrDevice::GetFeatures() {
+  return mBody->link->GetFeatures();
+}
+
+krsystem::IByteChannel* KrDevice::GetByteChannel(std::uint32_t aNumber) {
+  return mBody->link->GetByteChannel(aNumber);
 }
 
 bool KrDevice::IsConnected() const {

@@ -4,8 +4,8 @@
 
 #include <utility>
 
-KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID)
-    : KrDevice(std::move(aLink), aDisplayID) {}
+KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
+    : KrDevice(std::move(aLink), std::move(aFields)) {}
 
 KrDeviceGEV::~KrDeviceGEV() = default;
 

@@ -4,8 +4,9 @@
 
 #include <utility>
 
-KrDeviceTolvanProtocol::KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID)
-    : KrDevice(std::move(aLink), aDisplayID) {}
+KrDeviceTolvanProtocol::KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink,
+                                               krsystem::DeviceFields aFields)
+    : KrDevice(std::move(aLink), std::move(aFields)) {}
 
 KrDeviceTolvanProtocol::~KrDeviceTolvanProtocol() = default;
 

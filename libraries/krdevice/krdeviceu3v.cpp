@@ -2,7 +2,7 @@
 
 #include <utility>
 
-KrDeviceU3V::KrDeviceU3V(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID)
-    : KrDevice(std::move(aLink), aDisplayID) {}
+KrDeviceU3V::KrDeviceU3V(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
+    : KrDevice(std::move(aLink), std::move(aFields)) {}
 
 KrDeviceU3V::~KrDeviceU3V() = default;

@@ -2,13 +2,14 @@
 // An open device whose frames and loss a test decides.
 
 #include "krsystem/idevicelink.h"
+#include "krsystem/krdeviceinfo.h"
 
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <functional>
+#include <map>
 #include <mutex>
-#include <set>
-#include <thread>
 
 /// Fills no buffer by itself: Push hands the next queued one out.
 class FakeBufferSource : public krsystem::IBufferSource {
@@ -112,7 +113,15 @@ public:
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override {
     return aChannel == 0 ? mSource : nullptr;
   }
-  void GiveBackControl() override { ++givenBack; }
+  krsystem::IFeatureAccess* GetFeatures() override { return features; }
+  krsystem::IByteChannel* GetByteChannel(std::uint32_t aNumber) override {
+    const auto channel = byteChannels.find(aNumber);
+    return channel == byteChannels.end() ? nullptr : channel->second;
+  }
+  void GiveBackControl() override {
+    if (onGiveBack)
+      onGiveBack();
+  }
   bool IsConnected() const override { return connected; }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override { sink = aSink; }
   KrResult Read(std::uint64_t, void*, std::size_t, std::uint32_t, const std::stop_token&) override {
@@ -124,8 +133,19 @@ public:
 
   krsystem::IDeviceLinkSink* sink = nullptr;
   bool connected = true;
-  int givenBack = 0;
+  krsystem::IFeatureAccess* features = nullptr;
+  std::map<std::uint32_t, krsystem::IByteChannel*> byteChannels;
+  std::function<void()> onGiveBack;
 
 private:
   FakeBufferSource* mSource;
 };
+
+/// What is known of a device that no test looks for.
+inline krsystem::DeviceFields MakeDeviceFields(const KrString& aModelName = "Model X") {
+  krsystem::DeviceFields fields;
+  fields.uniqueID = "00:11:22:33:44:55";
+  fields.displayID = "Camera";
+  fields.modelName = aModelName;
+  return fields;
+}

@@ -88,6 +88,23 @@ TEST(KrDevice, Open_EachKind_GivesDeviceOfThatKind) {
   }
 }
 
+TEST(KrDevice, Open_FoundDevice_KeepsTheTextsThatItWasFoundWith) {
+  auto fields = MakeFields<krsystem::U3VFields>();
+  fields.vendorName = "Vendor";
+  fields.modelName = "Model";
+  fields.serialNumber = "S1";
+  fields.userDefinedName = "left";
+  OpenedDevice opened(fields);
+
+  ASSERT_TRUE(opened.Open().IsOK());
+
+  EXPECT_EQ(opened.device->GetUniqueID(), "id");
+  EXPECT_EQ(opened.device->GetVendorName(), "Vendor");
+  EXPECT_EQ(opened.device->GetModelName(), "Model");
+  EXPECT_EQ(opened.device->GetSerialNumber(), "S1");
+  EXPECT_EQ(opened.device->GetUserDefinedName(), "left");
+}
+
 TEST(KrDevice, Open_PlainUSBDevice_IsNotSupported) {
   OpenedDevice usb(MakeFields<krsystem::USBFields>());
 

@@ -14,7 +14,7 @@ constexpr std::uint32_t kGenerousLimitMs = 60000;
 class KrStreamTest : public testing::Test {
 protected:
   FakeBufferSource mSource;
-  KrDeviceGEV mDevice{std::make_unique<FakeLink>(&mSource), "Camera"};
+  KrDeviceGEV mDevice{std::make_unique<FakeLink>(&mSource), MakeDeviceFields()};
 };
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
-// A device that is open: its registers, its streams' source, and word of its loss. What its registers mean, and
-// streaming itself, are left to the parameter array and to KrStream.
+// A device that is open: its registers, features, serial lines, its streams' source, and word of its loss. What its
+// registers mean, and streaming itself, are left to the parameter array and to KrStream.
 
 #include "krbase/krresult.h"
 #include "krgenicam/ikrregisterport.h"
@@ -34,15 +34,16 @@ public:
 /// An open device.
 ///
 /// Thread: any, but for construction and destruction.
-/// Ownership: the application's. Streams must be closed before their device is destroyed; destruction gives control back.
+/// Ownership: the application's. Streams must be closed before their device is destroyed; destruction gives control
+/// back.
 ///
 ///     std::unique_ptr<KrDevice> device;
 ///     KrResult result = KrDevice::Open(*info, KrDeviceAccess::Control, device);
 class KR_EXPORT KrDevice {
 public:
   /// Opens a device of any kind. NotSupported for a kind that cannot be opened, AccessDenied when another application
-  /// controls it, NotFound or TimeLimitExceeded when it does not answer. Blocks for up to a few seconds on a device that
-  /// does not answer. aDevice is set on success only.
+  /// controls it, NotFound or TimeLimitExceeded when it does not answer. Blocks for up to a few seconds on a device
+  /// that does not answer. aDevice is set on success only.
   static KrResult Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::unique_ptr<KrDevice>& aDevice);
 
   virtual ~KrDevice();
@@ -52,10 +53,22 @@ public:
   virtual KrDeviceInfoType GetType() const = 0;
   /// The text for a list or a title.
   const KrString& GetDisplayID() const;
+  /// Names the device among all; the same each time it is found.
+  const KrString& GetUniqueID() const;
+  const KrString& GetVendorName() const;
+  const KrString& GetModelName() const;
+  const KrString& GetSerialNumber() const;
+  /// The name that a user gave the device, as it was when the device was found.
+  const KrString& GetUserDefinedName() const;
   /// Registers by address; lives as long as the device.
   IKrRegisterPort& GetRegisterPort();
   /// The source of a stream channel for KrStream, or null where the device has none of that number.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel);
+  /// Features by name, for KrDeviceAdapter; null where the device's link knows none.
+  krsystem::IFeatureAccess* GetFeatures();
+  /// The serial line of a number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the device has none
+  /// of that number.
+  krsystem::IByteChannel* GetByteChannel(std::uint32_t aNumber);
   /// False once the device is lost.
   bool IsConnected() const;
 
@@ -66,7 +79,7 @@ public:
   KrResult UnregisterEventSink(KrDeviceEventSink* aSink);
 
 protected:
-  KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID);
+  KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
 
 private:
   struct Body;

@@ -9,7 +9,7 @@ enum class KrAccessType : std::int32_t { Unknown = 0, Open = 1, Control = 2, Exc
 /// An open GigE Vision device. Threads and ownership as KrDevice.
 class KR_EXPORT KrDeviceGEV : public KrDevice {
 public:
-  KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID);
+  KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
   ~KrDeviceGEV() override;
   KrDeviceInfoType GetType() const override { return KrDeviceInfoType::GEV; }
 

@@ -6,7 +6,7 @@
 /// An open device of the older Tolvan protocol. Threads and ownership as KrDevice.
 class KR_EXPORT KrDeviceTolvanProtocol : public KrDevice {
 public:
-  KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink, const KrString& aDisplayID);
+  KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
   ~KrDeviceTolvanProtocol() override;
   KrDeviceInfoType GetType() const override { return KrDeviceInfoType::TolvanProtocol; }
 

@@ -43,8 +43,8 @@ public:
   KrStream(const KrStream&) = delete;
   KrStream& operator=(const KrStream&) = delete;
 
-  /// Allocates the buffers at the device's present payload size and starts acquisition. WrongState when it runs already,
-  /// NotSupported for a device without that channel, SystemError when memory does not suffice.
+  /// Allocates the buffers at the device's present payload size and starts acquisition. WrongState when it runs
+  /// already, NotSupported for a device without that channel, SystemError when memory does not suffice.
   KrResult Start();
   /// Takes the next frame, in the order of arrival, waiting up to aTimeoutMs milliseconds (0 does not wait).
   /// The buffer's status says whether it is whole. Without one: TimeLimitExceeded, Aborted when the stream is stopped
