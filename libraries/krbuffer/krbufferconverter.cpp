@@ -1,8 +1,7 @@
 #include "krbuffer/krbufferconverter.h"
 
-#include "bgrapixel.h"
 #include "imagelayout.h"
-#include "pixelreaders.h"
+#include "lineconverter.h"
 #include "workerpool.h"
 
 #include <algorithm>
@@ -16,8 +15,7 @@
 namespace {
 
 using krbuffer::ImageShape;
-using krbuffer::LineReader;
-using krbuffer::LineSource;
+using krbuffer::LineConverter;
 using krbuffer::WorkerPool;
 
 constexpr int kMostThreads = 64;
@@ -92,8 +90,8 @@ KrResult FitDestination(const ImageShape& aSource, KrPixelType aWanted, IKrImage
 
 /// One conversion with everything checked.
 struct Conversion {
-  LineReader read;
-  LineSource source;
+  const LineConverter& converter;
+  std::uint32_t height;
   std::uint8_t* destination;
   std::size_t destinationStrideBytes;
   bool bottomUp;
@@ -101,21 +99,17 @@ struct Conversion {
   void ConvertLines(std::uint64_t aFirst, std::uint64_t aEnd) const {
     for (std::uint64_t index = aFirst; index < aEnd; ++index) {
       const auto line = static_cast<std::uint32_t>(index);
-      const std::uint32_t target = bottomUp ? source.height - 1 - line : line;
-      read(source, line, destination + destinationStrideBytes * target);
+      const std::uint32_t target = bottomUp ? height - 1 - line : line;
+      converter.ConvertLine(line, destination + destinationStrideBytes * target);
     }
   }
 };
 
-Conversion MakeConversion(const SourceImage& aSource, IKrImage& aDestination, bool aBottomUp) {
+Conversion MakeConversion(const LineConverter& aConverter, IKrImage& aDestination, bool aBottomUp) {
   const ImageShape destination{aDestination.GetWidth(), aDestination.GetHeight(), aDestination.GetPixelType(),
                                aDestination.GetPaddingX(), aDestination.GetPaddingY()};
-  return {krbuffer::FindLineReader(aSource.shape.type),
-          {aSource.data, static_cast<std::size_t>(krbuffer::GetStrideBytes(aSource.shape)), aSource.shape.width,
-           aSource.shape.height},
-          aDestination.GetDataPointer(),
-          static_cast<std::size_t>(krbuffer::GetStrideBytes(destination)),
-          aBottomUp};
+  return {aConverter, aDestination.GetHeight(), aDestination.GetDataPointer(),
+          static_cast<std::size_t>(krbuffer::GetStrideBytes(destination)), aBottomUp};
 }
 
 int GetEffectiveThreadCount(int aThreadCount) {
@@ -141,7 +135,7 @@ struct KrBufferConverter::Body {
   }
 
   void Run(const Conversion& aConversion, WorkerPool* aPool) const {
-    const std::uint64_t height = aConversion.source.height;
+    const std::uint64_t height = aConversion.height;
     if (!aPool) {
       aConversion.ConvertLines(0, height);
       return;
@@ -151,6 +145,13 @@ struct KrBufferConverter::Body {
     aPool->Run(static_cast<std::uint32_t>(parts), [&](std::uint32_t aPart) {
       aConversion.ConvertLines(height * aPart / parts, height * (aPart + 1) / parts);
     });
+  }
+
+  std::unique_ptr<LineConverter> MakeConverter(const SourceImage& aSource, KrPixelType aWanted) const {
+    const ImageShape& shape = aSource.shape;
+    return krbuffer::MakeLineConverter(
+        {aSource.data, static_cast<std::size_t>(krbuffer::GetStrideBytes(shape)), shape.width, shape.height},
+        shape.type, aWanted);
   }
 
   KrResult Convert(const IKrImage& aSource, KrBuffer& aDestination, bool aAllocate, bool aBottomUp) {
@@ -165,11 +166,12 @@ struct KrBufferConverter::Body {
     if (ShareMemory(source, aDestination))
       return {KrResult::Code::InvalidInput,
               "An image was to be converted into the memory that it lies in. Give a destination with its own memory."};
-    // The pool comes first: where it cannot be had, the destination is still as it was.
+    // Pool and line converter come first: where they cannot be had, the destination is still as it was.
     WorkerPool* workers = FindPool(source.shape);
+    const std::unique_ptr<LineConverter> converter = MakeConverter(source, wanted);
     if (KrResult result = FitDestination(source.shape, wanted, *destination, aAllocate); !result.IsOK())
       return result;
-    Run(MakeConversion(source, *destination, aBottomUp), workers);
+    Run(MakeConversion(*converter, *destination, aBottomUp), workers);
     return {};
   }
 };
@@ -185,7 +187,7 @@ int KrBufferConverter::GetThreadCount() const {
 }
 
 bool KrBufferConverter::IsConversionSupported(KrPixelType aSource, KrPixelType aDestination) {
-  return aDestination == KrPixel::BGRa8 && krbuffer::FindLineReader(aSource) != nullptr;
+  return krbuffer::CanConvertLines(aSource, aDestination);
 }
 
 KrResult KrBufferConverter::Convert(const IKrImage* aSource, KrBuffer* aDestination, bool aAllocate,

@@ -14,9 +14,10 @@ using Packing = KrPixelPacking;
 using Sample = KrSampleKind;
 using Space = KrColorSpace;
 
-constexpr KrPixelTypeInfo MakeRow(KrPixelType aType, std::string_view aName, std::uint8_t aBitsPerSample, Layout aLayout,
-                                  Packing aPacking, Sample aSample = Sample::Unsigned, Space aSpace = Space::None) {
-  return {aType,   aName,    static_cast<std::uint8_t>(KrGetBitsPerPixel(aType)), aBitsPerSample, aLayout, aPacking,
+constexpr KrPixelTypeInfo MakeRow(KrPixelType aType, std::string_view aName, std::uint8_t aBitsPerSample,
+                                  Layout aLayout, Packing aPacking, Sample aSample = Sample::Unsigned,
+                                  Space aSpace = Space::None) {
+  return {aType,   aName, static_cast<std::uint8_t>(KrGetBitsPerPixel(aType)), aBitsPerSample, aLayout, aPacking,
           aSample, aSpace};
 }
 

@@ -172,7 +172,9 @@ INSTANTIATE_TEST_SUITE_P(KrBufferConverter, EveryFormat, testing::ValuesIn(kForm
 TEST(KrBufferConverter, ConversionToOrFromOtherFormats_IsNotSupported) {
   EXPECT_FALSE(KrBufferConverter::IsConversionSupported(0, KrPixel::BGRa8));
   EXPECT_FALSE(KrBufferConverter::IsConversionSupported(0x81080001, KrPixel::BGRa8));
-  EXPECT_FALSE(KrBufferConverter::IsConversionSupported(KrPixel::Mono8, KrPixel::Mono8));
+  EXPECT_FALSE(KrBufferConverter::IsConversionSupported(KrPixel::Mono8, KrPixel::Mono10));
+  EXPECT_FALSE(KrBufferConverter::IsConversionSupported(KrPixel::Mono10, KrPixel::Mono10p));
+  EXPECT_FALSE(KrBufferConverter::IsConversionSupported(KrPixel::Mono4p, KrPixel::Mono8));
   EXPECT_FALSE(KrBufferConverter::IsConversionSupported(KrPixel::Mono8, 0));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // Conversion of images between pixel formats, in several threads where that pays.
-// Today to BGRa8, the format of the windows; scaling and drawing are left to the display.
+// To BGRa8, the format of the windows, and to the format that holds the same samples unpacked, for those who compute
+// with them; scaling and drawing are left to the display.
 
 #include "krbase/krresult.h"
 #include "krbuffer/krbuffer.h"
@@ -27,7 +28,10 @@ public:
   /// The number of threads in use, at least 1.
   int GetThreadCount() const;
 
-  /// True when Convert can read the first format and write the second.
+  /// True when Convert can read the first format and write the second: BGRa8, or the format that KrGetUnpackedPixelType
+  /// gives for the first. Unpacked samples are bit for bit those of the source; where the source is packed or in
+  /// planes, bits above the significant ones are 0, and a format that is unpacked already is copied without its
+  /// padding.
   static bool IsConversionSupported(KrPixelType aSource, KrPixelType aDestination);
 
   /// Converts an image into the destination's image, whose pixel type says the format wanted (BGRa8 when it holds

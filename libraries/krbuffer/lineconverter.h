@@ -1,0 +1,32 @@
+#pragma once
+// What turns the lines of one image into lines of another format: the interface, and the choice by formats. Whether the
+// lines are there in memory is checked by the caller.
+
+#include "krbuffer/krpixeltype.h"
+#include "linesource.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace krbuffer {
+
+/// Converts the lines of one image, whose conversion it was made for.
+///
+/// Thread: ConvertLine may run in several threads at once; it touches nothing but its own destination, so that lines
+/// may be converted in any order. Ownership: borrows the image's bytes.
+class LineConverter {
+public:
+  virtual ~LineConverter() = default;
+
+  /// Writes one line; must not throw.
+  virtual void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const = 0;
+};
+
+/// True when MakeLineConverter gives a converter for the formats. Any thread.
+bool CanConvertLines(KrPixelType aSource, KrPixelType aDestination);
+
+/// A converter for the image, or null for formats that CanConvertLines refuses. Any thread.
+std::unique_ptr<LineConverter> MakeLineConverter(const LineSource& aSource, KrPixelType aSourceType,
+                                                 KrPixelType aDestinationType);
+
+} // namespace krbuffer
