@@ -19,7 +19,9 @@ KrStreamStatistics Add(const KrStreamStatistics& aFirst, const KrStreamStatistic
           .missingPackets = aFirst.missingPackets + aSecond.missingPackets,
           .resentPackets = aFirst.resentPackets + aSecond.resentPackets,
           .discarded = aFirst.discarded + aSecond.discarded,
-          .bytes = aFirst.bytes + aSecond.bytes};
+          .bytes = aFirst.bytes + aSecond.bytes,
+          .missingFrames = aFirst.missingFrames + aSecond.missingFrames,
+          .shown = aFirst.shown + aSecond.shown};
 }
 
 std::uint64_t GetSteadyNs() {
@@ -139,7 +141,7 @@ KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
       result = {}; // A camera that waits for its trigger sends nothing for a while.
     if (!buffer)
       continue;
-    const bool isShown = ShowFrame(*buffer, stream.GetStatistics());
+    const bool isShown = ShowFrame(stream, *buffer);
     KrBuffer* surplus = isShown ? std::exchange(shown, buffer) : buffer;
     if (surplus)
       result = stream.Release(surplus);
@@ -150,13 +152,15 @@ KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
   return result;
 }
 
-bool Acquisition::ShowFrame(const KrBuffer& aBuffer, const KrStreamStatistics& aStatistics) {
+bool Acquisition::ShowFrame(KrStream& aStream, const KrBuffer& aBuffer) {
   const std::uint64_t now = GetSteadyNs();
-  const KrStreamStatistics total = Add(mEndedStreams, aStatistics);
   mMeter.Add(now, aBuffer.GetAcquiredSize());
-  mWindow.SetTextOverlay(FormatOverlay(mMeter, total));
+  mWindow.SetTextOverlay(FormatOverlay(mMeter, Add(mEndedStreams, aStream.GetStatistics())));
   // A frame that cannot be shown is told in the log and, by its absence, in the picture; the stream goes on.
   const bool isShown = mWindow.Display(aBuffer, false).IsOK();
+  if (isShown)
+    aStream.CountShown();
+  const KrStreamStatistics total = Add(mEndedStreams, aStream.GetStatistics());
 
   const std::lock_guard lock(mMutex);
   mProgress.figures.Add(now, aBuffer.GetAcquiredSize());

@@ -61,7 +61,7 @@ private:
   KrResult ConnectAndStream(std::stop_token aStop);
   KrResult StreamOnce(std::stop_token aStop, KrDevice& aDevice);
   void ShowReason(const KrBuffer* aBuffer, const KrResult& aReason);
-  bool ShowFrame(const KrBuffer& aBuffer, const KrStreamStatistics& aStatistics);
+  bool ShowFrame(KrStream& aStream, const KrBuffer& aBuffer);
   void AwaitReturn(std::stop_token aStop);
   void SetState(AcquisitionState aState, const KrResult& aResult);
   bool IsLimitReached() const;

@@ -55,7 +55,7 @@ KrResult BufferRing::Allocate(std::size_t aCount, std::uint64_t aPayloadBytes) {
 
 bool BufferRing::Lend(const KrBuffer* aBuffer) {
   Slot* const slot = Find(aBuffer);
-  if (!slot)
+  if (!slot || slot->lent)
     return false;
   slot->lent = true;
   return true;

@@ -19,7 +19,7 @@ public:
 
   std::size_t GetCount() const { return mSlots.size(); }
   KrBuffer* GetBuffer(std::size_t aIndex) { return &mSlots[aIndex].buffer; }
-  /// Notes that the application holds a buffer; false for a buffer that is none of these.
+  /// Notes that the application holds a buffer; false for one that is none of these, or that it holds already.
   bool Lend(const KrBuffer* aBuffer);
   /// Notes that the application gave a buffer back; false for one that it did not hold.
   bool TakeBack(const KrBuffer* aBuffer);

@@ -1,13 +1,17 @@
 #include "krdevice/krstream.h"
 
 #include "bufferring.h"
+#include "frameledger.h"
 #include "krdevice/krdevice.h"
 #include "sourcelease.h"
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <stop_token>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -16,9 +20,17 @@ constexpr std::size_t kMostBuffers = 1024;
 
 enum class StreamState { Stopped, Running, Stopping };
 
-KrStreamStatistics ToStreamStatistics(const krsystem::SourceStatistics& aCounted) {
-  return {aCounted.received,      aCounted.incomplete, aCounted.missingPackets,
-          aCounted.resentPackets, aCounted.discarded,  aCounted.bytes};
+using Clock = std::chrono::steady_clock;
+
+std::uint32_t GetMillisecondsUntil(Clock::time_point aLimit) {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(aLimit - Clock::now());
+  return static_cast<std::uint32_t>(std::max<std::int64_t>(left.count(), 0));
+}
+
+// A frame that was aborted has no number that means anything.
+bool HasNumber(const KrBuffer& aBuffer) {
+  const KrBufferStatus status = aBuffer.GetStatus();
+  return status != KrBufferStatus::Empty && status != KrBufferStatus::Aborted;
 }
 
 } // namespace
@@ -27,7 +39,17 @@ struct KrStream::Body {
   Body(KrDevice& aDevice, std::size_t aBufferCount, std::uint32_t aChannel)
       : device(aDevice), bufferCount(std::clamp(aBufferCount, kFewestBuffers, kMostBuffers)), channel(aChannel) {}
 
+  // A call of Retrieve: until when it may wait, and what may cancel it.
+  struct Wait {
+    std::uint32_t timeoutMs;
+    Clock::time_point limit;
+    std::stop_token cancel;
+  };
+
   KrResult FillSource(krsystem::IBufferSource& aSource);
+  KrResult AwaitTurn(std::unique_lock<std::mutex>& aLock, const Wait& aWait);
+  KrResult TakeFrame(std::unique_lock<std::mutex>& aLock, const Wait& aWait, KrBuffer*& aBuffer);
+  void Follow(std::unique_lock<std::mutex>& aLock, std::uint64_t aFrameID);
   KrResult Queue(KrBuffer* aBuffer);
 
   KrDevice& device;
@@ -35,14 +57,18 @@ struct KrStream::Body {
   const std::uint32_t channel;
 
   mutable std::mutex mutex; // Guards the members from here on; never held while the source is called.
-  mutable std::condition_variable callEnded;
+  mutable std::condition_variable changed;
   StreamState state = StreamState::Stopped;
   krsystem::IBufferSource* source = nullptr; // Set while the state is not Stopped.
   krdevice::SourceLease lease;
   krdevice::BufferRing ring;
+  bool taking = false;            // Whether a call waits at the source, so that frames are followed in their order.
   std::size_t queueing = 0;       // Calls that are handing a buffer to the source.
-  mutable std::size_t asking = 0; // Calls that are waiting for a frame of the source or reading its counters.
-  KrStreamStatistics lastStatistics;
+  mutable std::size_t asking = 0; // Calls that are waiting for a frame or reading the source's counters.
+  std::stop_source cancellation;  // Of the calls of Retrieve that begin now.
+  krdevice::FrameLedger ledger;
+  std::uint64_t shown = 0;
+  krsystem::SourceStatistics lastCounted; // Of the last stream.
 };
 
 KrStream::KrStream(KrDevice& aDevice, std::size_t aBufferCount, std::uint32_t aChannel)
@@ -85,29 +111,77 @@ KrResult KrStream::Start() {
   const std::lock_guard lock(mBody->mutex);
   mBody->lease = std::move(lease);
   mBody->source = source;
+  mBody->ledger = {};
+  mBody->shown = 0;
   mBody->state = StreamState::Running;
   return {};
 }
 
 KrResult KrStream::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) {
   aBuffer = nullptr;
+  const Clock::time_point limit = Clock::now() + std::chrono::milliseconds(aTimeoutMs);
   std::unique_lock lock(mBody->mutex);
-  if (mBody->state != StreamState::Running)
-    return {KrResult::Code::Aborted, "Waiting for a frame: the stream does not run."};
-  krsystem::IBufferSource* const source = mBody->source;
+  const Body::Wait wait{aTimeoutMs, limit, mBody->cancellation.get_token()};
   ++mBody->asking;
-  lock.unlock();
-  KrBuffer* buffer = nullptr;
-  KrResult result = source->Retrieve(buffer, aTimeoutMs);
-  lock.lock();
+  KrResult result = mBody->AwaitTurn(lock, wait);
+  if (result.IsOK())
+    result = mBody->TakeFrame(lock, wait, aBuffer);
   --mBody->asking;
-  mBody->callEnded.notify_all();
-  if (!result.IsOK())
-    return result;
-  if (!mBody->ring.Lend(buffer))
-    return {KrResult::Code::ProtocolError, "Waiting for a frame: the device's link gave a buffer of another stream."};
-  aBuffer = buffer;
+  mBody->changed.notify_all();
   return result;
+}
+
+KrResult KrStream::Body::AwaitTurn(std::unique_lock<std::mutex>& aLock, const Wait& aWait) {
+  changed.wait_until(aLock, aWait.limit,
+                     [&] { return state != StreamState::Running || aWait.cancel.stop_requested() || !taking; });
+  if (state != StreamState::Running)
+    return {KrResult::Code::Aborted, "Waiting for a frame: the stream does not run."};
+  if (aWait.cancel.stop_requested())
+    return {KrResult::Code::Aborted, "Waiting for a frame was cancelled."};
+  if (taking)
+    return {KrResult::Code::TimeLimitExceeded,
+            "Waiting for a frame: none came within " + std::to_string(aWait.timeoutMs) + " ms."};
+  return {};
+}
+
+KrResult KrStream::Body::TakeFrame(std::unique_lock<std::mutex>& aLock, const Wait& aWait, KrBuffer*& aBuffer) {
+  krsystem::IBufferSource* const asked = source;
+  taking = true;
+  aLock.unlock();
+  KrBuffer* buffer = nullptr;
+  KrResult result = asked->Retrieve(buffer, GetMillisecondsUntil(aWait.limit), aWait.cancel);
+  aLock.lock();
+  if (result.IsOK() && !ring.Lend(buffer))
+    result = {KrResult::Code::ProtocolError,
+              "Waiting for a frame: the device's link gave a buffer that it did not hold."};
+  if (result.IsOK()) {
+    aBuffer = buffer;
+    if (HasNumber(*buffer))
+      Follow(aLock, buffer->GetFrameID());
+  }
+  taking = false;
+  return result;
+}
+
+void KrStream::Body::Follow(std::unique_lock<std::mutex>& aLock, std::uint64_t aFrameID) {
+  const std::uint64_t skipped = ledger.Follow(aFrameID);
+  if (skipped == 0)
+    return;
+  krsystem::IBufferSource* const asked = source;
+  aLock.unlock();
+  const std::uint64_t discarded = asked->GetStatistics().discarded;
+  aLock.lock();
+  ledger.CountSkipped(skipped, discarded);
+}
+
+void KrStream::Cancel() {
+  std::unique_lock lock(mBody->mutex);
+  std::stop_source former = std::exchange(mBody->cancellation, std::stop_source());
+  lock.unlock();
+  // Wakes the call that waits at the source, which may run code of its own for that.
+  former.request_stop();
+  lock.lock();
+  mBody->changed.notify_all();
 }
 
 KrResult KrStream::Body::Queue(KrBuffer* aBuffer) {
@@ -122,7 +196,7 @@ KrResult KrStream::Body::Queue(KrBuffer* aBuffer) {
   const KrResult result = running->Queue(aBuffer);
   lock.lock();
   --queueing;
-  callEnded.notify_all();
+  changed.notify_all();
   return result;
 }
 
@@ -139,18 +213,18 @@ void KrStream::Stop() {
   if (mBody->state != StreamState::Running)
     return;
   mBody->state = StreamState::Stopping;
+  mBody->changed.notify_all();
   // A buffer queued after the source has stopped would stay with it.
-  mBody->callEnded.wait(lock, [this] { return mBody->queueing == 0; });
+  mBody->changed.wait(lock, [this] { return mBody->queueing == 0; });
   lock.unlock();
   mBody->source->Stop();
-  const KrStreamStatistics counted = ToStreamStatistics(mBody->source->GetStatistics());
+  const krsystem::SourceStatistics counted = mBody->source->GetStatistics();
   lock.lock();
-  mBody->callEnded.wait(lock, [this] { return mBody->asking == 0; });
-  mBody->lastStatistics = counted;
+  mBody->changed.wait(lock, [this] { return mBody->asking == 0; });
+  mBody->lastCounted = counted;
   mBody->source = nullptr;
   mBody->lease = krdevice::SourceLease();
   mBody->state = StreamState::Stopped;
-  mBody->callEnded.notify_all();
 }
 
 bool KrStream::IsRunning() const {
@@ -158,18 +232,31 @@ bool KrStream::IsRunning() const {
   return mBody->state != StreamState::Stopped;
 }
 
+void KrStream::CountShown() {
+  const std::lock_guard lock(mBody->mutex);
+  ++mBody->shown;
+}
+
 KrStreamStatistics KrStream::GetStatistics() const {
   std::unique_lock lock(mBody->mutex);
-  // A stream that is just being stopped has its last counters in a moment.
-  mBody->callEnded.wait(lock, [this] { return mBody->state != StreamState::Stopping; });
-  if (mBody->state == StreamState::Stopped)
-    return mBody->lastStatistics;
-  krsystem::IBufferSource* const source = mBody->source;
-  ++mBody->asking;
-  lock.unlock();
-  const KrStreamStatistics counted = ToStreamStatistics(source->GetStatistics());
-  lock.lock();
-  --mBody->asking;
-  mBody->callEnded.notify_all();
-  return counted;
+  // Before the source's counters, which thus are never behind.
+  const std::uint64_t missingFrames = mBody->ledger.GetMissing();
+  const std::uint64_t shown = mBody->shown;
+  krsystem::SourceStatistics counted = mBody->lastCounted;
+  if (krsystem::IBufferSource* const source = mBody->source) {
+    ++mBody->asking;
+    lock.unlock();
+    counted = source->GetStatistics();
+    lock.lock();
+    --mBody->asking;
+    mBody->changed.notify_all();
+  }
+  return {.received = counted.received,
+          .incomplete = counted.incomplete,
+          .missingPackets = counted.missingPackets,
+          .resentPackets = counted.resentPackets,
+          .discarded = counted.discarded,
+          .bytes = counted.bytes,
+          .missingFrames = missingFrames,
+          .shown = shown};
 }

@@ -54,6 +54,7 @@ TEST(BufferRing, TakeBack_OnlyWhatWasLent_IsAccepted) {
   EXPECT_FALSE(ring.TakeBack(&foreign));
   EXPECT_FALSE(ring.TakeBack(ring.GetBuffer(0)));
   EXPECT_TRUE(ring.Lend(ring.GetBuffer(0)));
+  EXPECT_FALSE(ring.Lend(ring.GetBuffer(0)));
   EXPECT_TRUE(ring.TakeBack(ring.GetBuffer(0)));
   EXPECT_FALSE(ring.TakeBack(ring.GetBuffer(0)));
 }

@@ -59,19 +59,36 @@ public:
     mFilled.clear();
     mChanged.notify_all();
   }
-  krsystem::SourceStatistics GetStatistics() const override { return statistics; }
+  krsystem::SourceStatistics GetStatistics() const override {
+    const std::lock_guard lock(mMutex);
+    return statistics;
+  }
 
   /// Fills the next free buffer; false where there is none.
-  bool Push(std::uint64_t aFrameID) {
+  bool Push(std::uint64_t aFrameID, KrBufferStatus aStatus = KrBufferStatus::Complete,
+            KrPayloadType aType = KrPayloadType::Image) {
     const std::lock_guard lock(mMutex);
     if (mFree.empty())
       return false;
     mFree.front()->SetFrameID(aFrameID);
-    mFree.front()->SetStatus(KrBufferStatus::Complete);
+    mFree.front()->SetStatus(aStatus);
+    mFree.front()->SetPayloadType(aType);
     mFilled.push_back(mFree.front());
     mFree.pop_front();
+    ++statistics.received;
     mChanged.notify_all();
     return true;
+  }
+  /// Gives a buffer out that was not queued.
+  void PushForeign(KrBuffer* aBuffer) {
+    const std::lock_guard lock(mMutex);
+    mFilled.push_back(aBuffer);
+    mChanged.notify_all();
+  }
+  /// Drops a frame, as for want of a buffer.
+  void Discard() {
+    const std::lock_guard lock(mMutex);
+    ++statistics.discarded;
   }
   void Lose() {
     const std::lock_guard lock(mMutex);

@@ -3,9 +3,11 @@
 #include "fakelink.h"
 #include "krdevice/krdevicegev.h"
 
+#include <atomic>
 #include <cstring>
 #include <future>
 #include <gmock/gmock.h>
+#include <thread>
 
 namespace {
 
@@ -13,6 +15,13 @@ constexpr std::uint32_t kGenerousLimitMs = 60000;
 
 class KrStreamTest : public testing::Test {
 protected:
+  // Takes a frame and gives it back.
+  static KrResult WaitForFrame(KrStream& aStream) {
+    KrBuffer* buffer = nullptr;
+    const KrResult result = aStream.Retrieve(buffer, kGenerousLimitMs);
+    return result.IsOK() ? aStream.Release(buffer) : result;
+  }
+
   FakeBufferSource mSource;
   KrDeviceGEV mDevice{std::make_unique<FakeLink>(&mSource), MakeDeviceFields()};
 };
@@ -107,6 +116,180 @@ TEST_F(KrStreamTest, Start_SourceRefuses_GivesUpItsBuffersAndCanBeRepeated) {
   EXPECT_TRUE(stream.Start().IsOK());
 }
 
+TEST_F(KrStreamTest, Start_PayloadSizeCannotBeRead_GivesThatResultAndCanBeRepeated) {
+  mSource.payloadResult = {KrResult::Code::TimeLimitExceeded, "no answer"};
+  KrStream stream(mDevice);
+
+  EXPECT_TRUE(stream.Start() == KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_FALSE(stream.IsRunning());
+  mSource.payloadResult = {};
+  EXPECT_TRUE(stream.Start().IsOK());
+}
+
+TEST_F(KrStreamTest, Start_DeviceLost_FailsAndLeavesTheChannelFree) {
+  mSource.Lose();
+  KrStream first(mDevice);
+  KrStream second(mDevice);
+
+  EXPECT_FALSE(first.Start().IsOK());
+
+  EXPECT_FALSE(first.IsRunning());
+  EXPECT_FALSE(second.Start() == KrResult::Code::Busy);
+}
+
+TEST_F(KrStreamTest, Start_WhileABufferOfTheFormerRunIsLent_ThatBufferIsForeignAfterwards) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  ASSERT_TRUE(mSource.Push(1));
+  KrBuffer* former = nullptr;
+  ASSERT_TRUE(stream.Retrieve(former, kGenerousLimitMs).IsOK());
+  stream.Stop();
+
+  ASSERT_TRUE(stream.Start().IsOK());
+
+  EXPECT_EQ(mSource.CountHeldBuffers(), 4u);
+  EXPECT_TRUE(stream.Release(former) == KrResult::Code::InvalidInput);
+  EXPECT_EQ(mSource.CountHeldBuffers(), 4u);
+}
+
+TEST_F(KrStreamTest, Retrieve_OtherPayloadsThanImages_PassUnchanged) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  for (const KrPayloadType type : {KrPayloadType::ChunkData, KrPayloadType::Jpeg, KrPayloadType::GenDC}) {
+    ASSERT_TRUE(mSource.Push(1, KrBufferStatus::Complete, type));
+    KrBuffer* buffer = nullptr;
+
+    ASSERT_TRUE(stream.Retrieve(buffer, kGenerousLimitMs).IsOK());
+
+    EXPECT_EQ(buffer->GetPayloadType(), type);
+    EXPECT_EQ(buffer->GetImage(), nullptr);
+    EXPECT_TRUE(stream.Release(buffer).IsOK());
+  }
+}
+
+TEST_F(KrStreamTest, Retrieve_SourceGivesWhatItDidNotHold_IsProtocolError) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  ASSERT_TRUE(mSource.Push(1));
+  KrBuffer* lent = nullptr;
+  ASSERT_TRUE(stream.Retrieve(lent, kGenerousLimitMs).IsOK());
+  KrBuffer foreign;
+  KrBuffer* buffer = nullptr;
+
+  mSource.PushForeign(&foreign);
+  EXPECT_TRUE(stream.Retrieve(buffer, kGenerousLimitMs) == KrResult::Code::ProtocolError);
+  EXPECT_EQ(buffer, nullptr);
+  mSource.PushForeign(lent);
+  EXPECT_TRUE(stream.Retrieve(buffer, kGenerousLimitMs) == KrResult::Code::ProtocolError);
+  EXPECT_EQ(buffer, nullptr);
+}
+
+TEST_F(KrStreamTest, Retrieve_WhileAnotherThreadWaits_EndsAtItsOwnLimit) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  std::future<KrResult> waiting = std::async(std::launch::async, [&] { return WaitForFrame(stream); });
+  mSource.WaitForWaiters(1);
+  KrBuffer* buffer = nullptr;
+
+  EXPECT_TRUE(stream.Retrieve(buffer, 0) == KrResult::Code::TimeLimitExceeded);
+  EXPECT_TRUE(stream.Retrieve(buffer, 1) == KrResult::Code::TimeLimitExceeded);
+
+  ASSERT_TRUE(mSource.Push(1));
+  EXPECT_TRUE(waiting.get().IsOK());
+}
+
+TEST_F(KrStreamTest, Retrieve_OnSeveralThreads_EachFrameComesOnceAndNoneCountsAsMissing) {
+  constexpr std::uint64_t kFrames = 2000;
+  KrStream stream(mDevice, 8);
+  ASSERT_TRUE(stream.Start().IsOK());
+  std::atomic<std::uint64_t> sumOfIDs = 0;
+  std::atomic<std::uint64_t> frames = 0;
+  std::thread consumers[4];
+  for (std::thread& consumer : consumers) {
+    consumer = std::thread([&] {
+      KrBuffer* buffer = nullptr;
+      while (stream.Retrieve(buffer, kGenerousLimitMs).IsOK()) {
+        sumOfIDs += buffer->GetFrameID();
+        EXPECT_TRUE(stream.Release(buffer).IsOK());
+        ++frames;
+      }
+    });
+  }
+
+  for (std::uint64_t id = 1; id <= kFrames; ++id)
+    while (!mSource.Push(id))
+      std::this_thread::yield();
+  while (frames < kFrames)
+    std::this_thread::yield();
+  stream.Stop();
+
+  for (std::thread& consumer : consumers)
+    consumer.join();
+  EXPECT_EQ(frames, kFrames);
+  EXPECT_EQ(sumOfIDs, kFrames * (kFrames + 1) / 2);
+  EXPECT_EQ(stream.GetStatistics().missingFrames, 0u);
+}
+
+TEST_F(KrStreamTest, Cancel_WhileACallWaits_ItReturnsAbortedAndTheStreamGoesOn) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  std::future<KrResult> waiting = std::async(std::launch::async, [&] { return WaitForFrame(stream); });
+  mSource.WaitForWaiters(1);
+
+  stream.Cancel();
+
+  EXPECT_TRUE(waiting.get() == KrResult::Code::Aborted);
+  EXPECT_TRUE(stream.IsRunning());
+  ASSERT_TRUE(mSource.Push(1));
+  EXPECT_TRUE(WaitForFrame(stream).IsOK());
+}
+
+TEST_F(KrStreamTest, Cancel_WhileSeveralThreadsWait_EndsThemAll) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  std::atomic<int> cancelled = 0;
+  std::thread waiters[3];
+  for (std::thread& waiter : waiters) {
+    waiter = std::thread([&] {
+      EXPECT_TRUE(WaitForFrame(stream) == KrResult::Code::Aborted);
+      ++cancelled;
+    });
+  }
+
+  // Some of the waits may only have begun after a Cancel.
+  while (cancelled < 3) {
+    stream.Cancel();
+    std::this_thread::yield();
+  }
+
+  for (std::thread& waiter : waiters)
+    waiter.join();
+  EXPECT_TRUE(stream.IsRunning());
+}
+
+TEST_F(KrStreamTest, Cancel_BeforeACallBegins_DoesNotEndIt) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  stream.Cancel();
+  std::future<KrResult> waiting = std::async(std::launch::async, [&] { return WaitForFrame(stream); });
+  mSource.WaitForWaiters(1);
+
+  ASSERT_TRUE(mSource.Push(1));
+
+  EXPECT_TRUE(waiting.get().IsOK());
+}
+
+TEST_F(KrStreamTest, Cancel_StreamThatDoesNotRun_DoesNothing) {
+  KrStream stream(mDevice, 4);
+
+  stream.Cancel();
+  ASSERT_TRUE(stream.Start().IsOK());
+  ASSERT_TRUE(mSource.Push(1));
+
+  EXPECT_TRUE(WaitForFrame(stream).IsOK());
+}
+
 TEST_F(KrStreamTest, Retrieve_SeveralFrames_ComeInOrder) {
   KrStream stream(mDevice, 4);
   ASSERT_TRUE(stream.Start().IsOK());
@@ -145,13 +328,10 @@ TEST_F(KrStreamTest, Retrieve_NotStartedOrStopped_IsAborted) {
 TEST_F(KrStreamTest, Stop_WhileOthersWait_TheyReturnAborted) {
   KrStream stream(mDevice);
   ASSERT_TRUE(stream.Start().IsOK());
-  const auto wait = [&] {
-    KrBuffer* buffer = nullptr;
-    return stream.Retrieve(buffer, kGenerousLimitMs);
-  };
+  const auto wait = [&] { return WaitForFrame(stream); };
   std::future<KrResult> first = std::async(std::launch::async, wait);
   std::future<KrResult> second = std::async(std::launch::async, wait);
-  mSource.WaitForWaiters(2);
+  mSource.WaitForWaiters(1);
 
   stream.Stop();
 
@@ -230,10 +410,7 @@ TEST_F(KrStreamTest, DeviceLost_WaitingRetrieve_IsConnectionLostAndReleaseSuccee
   ASSERT_TRUE(mSource.Push(1));
   KrBuffer* lent = nullptr;
   ASSERT_TRUE(stream.Retrieve(lent, kGenerousLimitMs).IsOK());
-  std::future<KrResult> waiting = std::async(std::launch::async, [&] {
-    KrBuffer* buffer = nullptr;
-    return stream.Retrieve(buffer, kGenerousLimitMs);
-  });
+  std::future<KrResult> waiting = std::async(std::launch::async, [&] { return WaitForFrame(stream); });
   mSource.WaitForWaiters(1);
 
   mSource.Lose();
@@ -262,4 +439,86 @@ TEST_F(KrStreamTest, GetStatistics_RunningAndStopped_AreTheSources) {
     EXPECT_EQ(counted.discarded, 5u);
     EXPECT_EQ(counted.bytes, 6u);
   }
+}
+
+TEST_F(KrStreamTest, GetStatistics_NumbersSkipped_AreMissingFramesWithoutTheDiscardedOnes) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  for (const std::uint64_t id : {1, 2, 5}) {
+    ASSERT_TRUE(mSource.Push(id));
+    ASSERT_TRUE(WaitForFrame(stream).IsOK());
+  }
+  EXPECT_EQ(stream.GetStatistics().missingFrames, 2u);
+
+  mSource.Discard();
+  mSource.Discard();
+  ASSERT_TRUE(mSource.Push(9));
+  ASSERT_TRUE(WaitForFrame(stream).IsOK());
+
+  EXPECT_EQ(stream.GetStatistics().missingFrames, 3u);
+  EXPECT_EQ(stream.GetStatistics().discarded, 2u);
+}
+
+TEST_F(KrStreamTest, GetStatistics_AbortedFrame_IsNotFollowed) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  ASSERT_TRUE(mSource.Push(1));
+  ASSERT_TRUE(WaitForFrame(stream).IsOK());
+
+  ASSERT_TRUE(mSource.Push(77, KrBufferStatus::Aborted));
+  ASSERT_TRUE(WaitForFrame(stream).IsOK());
+
+  EXPECT_EQ(stream.GetStatistics().missingFrames, 0u);
+}
+
+TEST_F(KrStreamTest, GetStatistics_ShownAndMissing_StayAfterStopAndBeginAnewWithTheNextStart) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  for (const std::uint64_t id : {1, 4}) {
+    ASSERT_TRUE(mSource.Push(id));
+    ASSERT_TRUE(WaitForFrame(stream).IsOK());
+    stream.CountShown();
+  }
+
+  stream.Stop();
+  const KrStreamStatistics stopped = stream.GetStatistics();
+  ASSERT_TRUE(stream.Start().IsOK());
+  const KrStreamStatistics startedAgain = stream.GetStatistics();
+
+  EXPECT_EQ(stopped.shown, 2u);
+  EXPECT_EQ(stopped.missingFrames, 2u);
+  EXPECT_EQ(startedAgain.shown, 0u);
+  EXPECT_EQ(startedAgain.missingFrames, 0u);
+}
+
+TEST_F(KrStreamTest, GetStatistics_WhileFramesArriveAndAreShown_NeverDecreasesAndShowsNoMoreThanArrived) {
+  KrStream stream(mDevice, 4);
+  ASSERT_TRUE(stream.Start().IsOK());
+  std::thread consumer([&] {
+    while (WaitForFrame(stream).IsOK())
+      stream.CountShown();
+  });
+  std::atomic<bool> ended = false;
+  std::thread producer([&] {
+    // Every second number is skipped.
+    for (std::uint64_t id = 1; id <= 2000; id += 2)
+      while (!mSource.Push(id))
+        std::this_thread::yield();
+    ended = true;
+  });
+
+  KrStreamStatistics last;
+  while (!ended) {
+    const KrStreamStatistics now = stream.GetStatistics();
+    EXPECT_GE(now.received, last.received);
+    EXPECT_GE(now.missingFrames, last.missingFrames);
+    EXPECT_GE(now.shown, last.shown);
+    EXPECT_LE(now.shown, now.received);
+    EXPECT_LE(now.missingFrames, now.received);
+    last = now;
+  }
+
+  producer.join();
+  stream.Stop();
+  consumer.join();
 }

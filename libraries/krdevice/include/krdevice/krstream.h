@@ -19,18 +19,23 @@ struct KrStreamStatistics {
   std::uint64_t resentPackets = 0;  ///< Packets that came after a resend was asked for.
   std::uint64_t discarded = 0;      ///< Frames dropped for want of a free buffer.
   std::uint64_t bytes = 0;          ///< Payload bytes of the frames received.
+  /// Frames of which nothing came: the numbers that the frames retrieved skip, without those of discarded frames. A
+  /// device that begins its numbers anew loses nothing by that.
+  std::uint64_t missingFrames = 0;
+  std::uint64_t shown = 0; ///< Frames that were shown, as CountShown was told.
 };
 
 /// A stream of frames.
 ///
-/// Thread: Start and Stop one at a time; Retrieve, Release and GetStatistics from any thread.
+/// Thread: Start and Stop one at a time; all else from any thread.
 /// Ownership: borrows the device, which must outlive it; owns the buffers, which are lent between Retrieve and Release.
 ///
 ///     KrStream stream(*device);
 ///     if (stream.Start().IsOK()) {
 ///       KrBuffer* buffer = nullptr;
 ///       while (stream.Retrieve(buffer, 1000).IsOK()) {
-///         KrResult shown = window.Display(*buffer, false);
+///         if (window.Display(*buffer, false).IsOK())
+///           stream.CountShown();
 ///         KrResult released = stream.Release(buffer);
 ///       }
 ///     }
@@ -46,10 +51,15 @@ public:
   /// Allocates the buffers at the device's present payload size and starts acquisition. WrongState when it runs
   /// already, NotSupported for a device without that channel, SystemError when memory does not suffice.
   KrResult Start();
-  /// Takes the next frame, in the order of arrival, waiting up to aTimeoutMs milliseconds (0 does not wait).
-  /// The buffer's status says whether it is whole. Without one: TimeLimitExceeded, Aborted when the stream is stopped
-  /// or stops meanwhile, ConnectionLost at once when the device is lost.
+  /// Takes the next frame, in the order of arrival, waiting up to aTimeoutMs milliseconds (0 does not wait). Of several
+  /// threads one at a time waits at the device; the others, within their own limits, for their turn.
+  /// The buffer's status says whether it is whole, its payload type what it is; both come as the device sent them.
+  /// Without a buffer: TimeLimitExceeded, Aborted when the stream is stopped or stops meanwhile and when Cancel is
+  /// called meanwhile, ConnectionLost at once when the device is lost.
   KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs);
+  /// Ends the waits of the moment: calls of Retrieve that have begun return at once, with Aborted where no frame was
+  /// there. One that begins after Cancel has returned waits as ever. The stream goes on.
+  void Cancel();
   /// Gives a buffer back to be filled again. InvalidInput for one that was not lent by this stream. After Stop it does
   /// nothing and succeeds.
   KrResult Release(KrBuffer* aBuffer);
@@ -57,7 +67,10 @@ public:
   /// stream's destruction. Stopping what is stopped does nothing.
   void Stop();
   bool IsRunning() const;
-  /// The counters of the running stream, or of the last one.
+  /// Counts a frame that was shown; to be called by whoever shows the stream's frames.
+  void CountShown();
+  /// The counters of the running stream, or of the last one. While it runs none of them decreases, and no more frames
+  /// are shown than arrived.
   KrStreamStatistics GetStatistics() const;
 
 private:

@@ -25,7 +25,7 @@ struct SourceStatistics {
 
 /// A device's stream channel: takes empty buffers, gives filled ones.
 ///
-/// Thread: Queue and Retrieve from any thread; GetPayloadSize, Start and Stop one at a time.
+/// Thread: Queue, Retrieve and GetStatistics from any thread; GetPayloadSize, Start and Stop one at a time.
 /// Ownership: belongs to its link; buffers are borrowed between Queue and Retrieve or Stop.
 class KR_EXPORT IBufferSource {
 public:
@@ -46,6 +46,7 @@ public:
   /// Retrieve return Aborted. Ends within the link's time limits even when the device is dead. Stopping what is stopped
   /// does nothing.
   virtual void Stop() = 0;
+  /// The counters since the last start; they stay as they are from the stop on. None decreases in between.
   virtual SourceStatistics GetStatistics() const = 0;
 };
 
