@@ -19,6 +19,7 @@ constexpr const char* kMonoMAC = "02:4b:52:00:77:10";
 constexpr const char* kMonoAddress = "192.168.77.10";
 constexpr const char* kColourMAC = "02:4b:52:00:77:11";
 constexpr const char* kForeignMAC = "02:4b:52:00:77:12";
+constexpr const char* kRangeMAC = "02:4b:52:00:77:13";
 
 /// Counts a device's events and lets a test wait for them.
 class CountingSink : public KrDeviceEventSink {

@@ -23,7 +23,7 @@ TEST_F(SimulatedLabTest, Find_BuiltInLab_HasOneAdapterAndItsCameras) {
   EXPECT_EQ(adapter->GetDescription(), "Simulated network adapter");
   EXPECT_EQ(adapter->GetIPAddress(0), "192.168.77.1");
   EXPECT_EQ(adapter->GetSubnetMask(0), "255.255.255.0");
-  EXPECT_EQ(adapter->GetDeviceCount(), 3u);
+  EXPECT_EQ(adapter->GetDeviceCount(), 4u);
 }
 
 TEST_F(SimulatedLabTest, Find_MonoCamera_IsDescribedWhole) {
@@ -49,7 +49,7 @@ TEST_F(SimulatedLabTest, Find_SubnetBroadcast_DoesNotReachTheForeignCamera) {
 
   EXPECT_TRUE(mSystem.Find().IsOK());
 
-  EXPECT_EQ(mSystem.GetDeviceCount(), 2u);
+  EXPECT_EQ(mSystem.GetDeviceCount(), 3u);
   EXPECT_EQ(FindInfo(kForeignMAC), nullptr);
 }
 
@@ -69,12 +69,12 @@ TEST_F(SimulatedLabTest, Open_ForeignCamera_IsRefusedWithTheReason) {
 TEST_F(SimulatedLabTest, SetIPConfiguration_ForeignCamera_CanBeOpenedAfterwards) {
   std::unique_ptr<KrDevice> device;
 
-  EXPECT_TRUE(KrDeviceGEV::SetIPConfiguration("02:4B:52:00:77:12", "192.168.77.12", "255.255.255.0", "0.0.0.0").IsOK());
+  EXPECT_TRUE(KrDeviceGEV::SetIPConfiguration("02:4B:52:00:77:12", "192.168.77.20", "255.255.255.0", "0.0.0.0").IsOK());
 
   EXPECT_TRUE(Open(kForeignMAC, device).IsOK());
   EXPECT_TRUE(FindInfo(kForeignMAC)->IsConfigurationValid());
-  EXPECT_EQ(FindInfo(kForeignMAC)->GetIPAddress(), "192.168.77.12");
-  EXPECT_EQ(FindInfo(kForeignMAC)->GetDisplayID(), "Simulated Mono Camera (192.168.77.12)");
+  EXPECT_EQ(FindInfo(kForeignMAC)->GetIPAddress(), "192.168.77.20");
+  EXPECT_EQ(FindInfo(kForeignMAC)->GetDisplayID(), "Simulated Mono Camera (192.168.77.20)");
 }
 
 TEST_F(SimulatedLabTest, SetIPConfiguration_AddressThatNoDeviceMayHave_IsNotValid) {

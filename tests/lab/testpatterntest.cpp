@@ -1,11 +1,16 @@
 #include "simulation/testpattern.h"
 
+#include "simulation/lab.h"
+
 #include <gmock/gmock.h>
 
+#include <string_view>
 #include <vector>
 
 using krtransport::FillPattern;
+using krtransport::GetFrameBytes;
 using krtransport::PatternPainter;
+using krtransport::Picture;
 using krtransport::TestPattern;
 using testing::Each;
 
@@ -13,13 +18,78 @@ namespace {
 
 std::vector<std::uint8_t> Paint(KrPixelType aType, std::uint32_t aWidth, std::uint32_t aHeight, std::uint64_t aFrameID,
                                 TestPattern aPattern = TestPattern::MovingRamp) {
-  std::vector<std::uint8_t> image(std::size_t{aWidth} * aHeight * KrGetBitsPerPixel(aType) / 8);
+  std::vector<std::uint8_t> image(GetFrameBytes({.type = aType, .width = aWidth, .height = aHeight}));
   EXPECT_TRUE(FillPattern(aType, aWidth, aHeight, aFrameID, image.data(), aPattern));
   return image;
 }
 
 constexpr std::uint32_t kWidth = 320;
 constexpr std::uint32_t kHeight = 270;
+
+// One line of a frame, worked out by hand from the format's definition.
+struct KnownLine {
+  KrPixelType type;
+  std::uint64_t frameID; // The first pixel's step of the ramp.
+  std::uint32_t width;
+  std::vector<std::uint8_t> bytes;
+};
+
+const KnownLine kKnownLines[] = {
+    {KrPixel::Mono1p, 124, 10, {0xF0, 0x03}},
+    {KrPixel::Mono2p, 62, 5, {0x50, 0x01}},
+    {KrPixel::Mono4p, 14, 3, {0x00, 0x01}},
+    {KrPixel::Mono8s, 127, 2, {0xFF, 0x00}},
+    {KrPixel::Mono10, 255, 2, {0xFF, 0x03, 0x00, 0x00}},
+    {KrPixel::Mono16, 1, 1, {0x01, 0x01}},
+    {KrPixel::Mono10p, 254, 4, {0xFA, 0xFF, 0x0F, 0x00, 0x01}},
+    {KrPixel::Mono14p, 255, 4, {0xFF, 0x3F, 0x00, 0x00, 0x04, 0x00, 0x02}},
+    {KrPixel::Mono10Packed, 254, 2, {0xFE, 0x32, 0xFF}},
+    {KrPixel::Mono10Packed, 254, 1, {0xFE, 0x02}},
+    {KrPixel::Mono12Packed, 254, 2, {0xFE, 0xFE, 0xFF}},
+    {KrPixel::Mono12Packed, 1, 2, {0x01, 0x00, 0x02}},
+    {KrPixel::BayerRG12Packed, 0, 2, {0x00, 0x50, 0x56}},
+    {KrPixel::BayerGB10p, 0, 2, {0x55, 0xB9, 0x0A}},
+    {KrPixel::RGB565p, 8, 1, {0xE1, 0xB2}},
+    {KrPixel::BGR565p, 8, 1, {0xF6, 0x0A}},
+    {KrPixel::RGB10p, 0, 1, {0x00, 0x54, 0xA5, 0x2A}},
+    {KrPixel::BGR12p, 0, 1, {0xAA, 0x5A, 0x55, 0x00, 0x00}},
+    {KrPixel::RGB8_Planar, 0, 2, {0, 1, 85, 86, 170, 171}},
+    {KrPixel::YUV422_8, 0, 2, {69, 185, 70, 79}},
+    {KrPixel::YUV422_8_UYVY, 0, 2, {185, 69, 79, 70}},
+    {KrPixel::YUV8_UYV, 0, 1, {185, 69, 79}},
+    {KrPixel::YCbCr8, 0, 1, {69, 185, 79}},
+    {KrPixel::YUV411_8_UYYVYY, 0, 4, {185, 69, 70, 79, 71, 72}},
+    {KrPixel::YCbCr411_8, 0, 4, {69, 70, 185, 71, 72, 79}},
+    {KrPixel::YCbCr601_422_8, 0, 2, {75, 178, 76, 85}},
+    {KrPixel::YCbCr709_422_8_CbYCrY, 0, 2, {174, 79, 87, 80}},
+    {KrPixel::Coord3D_C16, 1, 1, {0x01, 0x01}},
+    {KrPixel::Coord3D_C32f, 1, 1, {0x00, 0x00, 0x80, 0x3F}},
+    {KrPixel::Confidence8, 7, 1, {0x07}},
+};
+
+std::vector<KrPixelTypeInfo> ListLabFormats() {
+  std::vector<KrPixelTypeInfo> formats;
+  const krtransport::Lab lab = krtransport::GetBuiltInLab();
+  for (const krtransport::LabCamera& camera : lab.adapters.front().cameras) {
+    for (const KrPixelType type : camera.pixelFormats)
+      formats.push_back(*KrFindPixelType(type));
+  }
+  return formats;
+}
+
+bool IsBayer(KrPixelLayout aLayout) {
+  return aLayout >= KrPixelLayout::BayerGR && aLayout <= KrPixelLayout::BayerBG;
+}
+
+// A sample of a format that has one for each pixel, read bit by bit.
+std::uint32_t ReadSample(const std::uint8_t* aLine, const KrPixelTypeInfo& aInfo, std::uint32_t aColumn) {
+  std::uint32_t sample = 0;
+  for (std::uint32_t bit = 0; bit < aInfo.bitsPerSample; ++bit) {
+    const std::uint32_t position = aColumn * aInfo.bitsPerPixel + bit;
+    sample |= (aLine[position / 8] >> position % 8 & 1u) << bit;
+  }
+  return sample;
+}
 
 } // namespace
 
@@ -122,18 +192,137 @@ TEST(TestPattern, FrameCounter_FrameNumber_IsReadableInTheFirstLines) {
 TEST(TestPattern, Paint_ChangedFormatAndSize_ForgetsTheFormerRamp) {
   PatternPainter painter;
   std::vector<std::uint8_t> image(64 * 16 * 2);
-  ASSERT_TRUE(painter.Paint(TestPattern::MovingRamp, KrPixel::Mono8, 128, 16, 1, image.data()));
+  ASSERT_TRUE(painter.Paint({.type = KrPixel::Mono8, .width = 128, .height = 16}, 1, image.data()));
 
-  ASSERT_TRUE(painter.Paint(TestPattern::MovingRamp, KrPixel::Mono16, 64, 16, 2, image.data()));
+  ASSERT_TRUE(painter.Paint({.type = KrPixel::Mono16, .width = 64, .height = 16}, 2, image.data()));
 
   EXPECT_EQ(image, Paint(KrPixel::Mono16, 64, 16, 2));
 }
 
-TEST(TestPattern, Paint_FormatThatIsUnknownOrLinesWithoutByteEnd_WritesNothing) {
+TEST(TestPattern, MovingRamp_KnownLines_AreStoredAsTheFormatSays) {
+  for (const KnownLine& row : kKnownLines) {
+    SCOPED_TRACE(KrFindPixelType(row.type)->name);
+
+    EXPECT_EQ(Paint(row.type, row.width, 1, row.frameID), row.bytes);
+  }
+}
+
+TEST(TestPattern, MovingRamp_FormatsOfOneComponent_AreRampsAtAnyWidthAndPhase) {
+  int formats = 0;
+  for (const KrPixelTypeInfo& info : ListLabFormats()) {
+    const bool isPlain = info.layout == KrPixelLayout::Mono && info.sampleKind == KrSampleKind::Unsigned;
+    if (!isPlain || info.packing == KrPixelPacking::GigE)
+      continue;
+    SCOPED_TRACE(info.name);
+    ++formats;
+    const std::uint64_t largest = (std::uint64_t{1} << info.bitsPerSample) - 1;
+    for (const std::uint32_t width : {1u, 7u, 37u, 301u}) {
+      for (std::uint64_t frameID = 250; frameID < 260; ++frameID) {
+        const std::vector<std::uint8_t> image = Paint(info.type, width, 3, frameID);
+
+        const std::size_t lineBytes = image.size() / 3;
+        for (std::uint32_t y = 0; y < 3; ++y) {
+          for (std::uint32_t x = 0; x < width; ++x) {
+            const std::uint64_t step = (x + y + frameID) % 256;
+            const std::uint64_t expected =
+                info.bitsPerSample < 8 ? step >> (8 - info.bitsPerSample) : step * largest / 255;
+            ASSERT_EQ(ReadSample(image.data() + y * lineBytes, info, x), expected) << x << ", " << y;
+          }
+        }
+      }
+    }
+  }
+  EXPECT_GT(formats, 12);
+}
+
+TEST(TestPattern, MovingRamp_EveryFormatOfTheLab_MovesByOneLineWithEachFrame) {
+  for (const KrPixelTypeInfo& info : ListLabFormats()) {
+    SCOPED_TRACE(info.name);
+    // The lines of a filter array differ by turns, so that it is two lines and two frames there.
+    const std::uint32_t step = IsBayer(info.layout) ? 2 : 1;
+    const std::uint32_t planes = info.layout == KrPixelLayout::RGBPlanar ? 3 : 1;
+    for (std::uint64_t frameID = 0; frameID < 10; ++frameID) {
+      const std::vector<std::uint8_t> image = Paint(info.type, 44, 12, frameID);
+      const std::vector<std::uint8_t> later = Paint(info.type, 44, 12, frameID + step);
+
+      const std::size_t planeBytes = image.size() / planes;
+      for (std::uint32_t plane = 0; plane < planes; ++plane) {
+        const auto begin = image.begin() + static_cast<std::ptrdiff_t>(plane * planeBytes);
+        const auto skipped = static_cast<std::ptrdiff_t>(planeBytes / 12 * step);
+        const auto end = begin + static_cast<std::ptrdiff_t>(planeBytes);
+        ASSERT_TRUE(std::equal(begin + skipped, end, later.begin() + (begin - image.begin()))) << frameID;
+      }
+    }
+  }
+}
+
+TEST(TestPattern, Offsets_OfThePicture_ShowThatPartOfTheRamp) {
+  Picture whole = {.type = KrPixel::BayerRG8, .width = 64, .height = 32};
+  Picture part = {.type = KrPixel::BayerRG8, .width = 16, .height = 8, .offsetX = 8, .offsetY = 6};
+  std::vector<std::uint8_t> wholeImage(GetFrameBytes(whole));
+  std::vector<std::uint8_t> partImage(GetFrameBytes(part));
+
+  ASSERT_TRUE(FillPattern(whole, 41, wholeImage.data()));
+  ASSERT_TRUE(FillPattern(part, 41, partImage.data()));
+
+  for (std::size_t y = 0; y < 8; ++y) {
+    for (std::size_t x = 0; x < 16; ++x)
+      ASSERT_EQ(partImage[y * 16 + x], wholeImage[(y + 6) * 64 + x + 8]) << x << ", " << y;
+  }
+}
+
+TEST(TestPattern, ReverseX_EveryPhase_MirrorsTheRamp) {
+  for (const KrPixelType type : {KrPixel::Mono8, KrPixel::RGB8, KrPixel::Mono12p}) {
+    for (std::uint64_t frameID = 0; frameID < 300; frameID += 7) {
+      const std::uint32_t bits = KrGetBitsPerPixel(type);
+      std::vector<std::uint8_t> mirrored(60 * 4 * bits / 8);
+
+      ASSERT_TRUE(FillPattern({.type = type, .width = 60, .height = 4, .reverseX = true}, frameID, mirrored.data()));
+
+      const std::vector<std::uint8_t> plain = Paint(type, 60, 4, frameID);
+      for (std::uint32_t pixel = 0; pixel < 60 * bits; pixel += bits) {
+        for (std::uint32_t bit = 0; bit < bits; ++bit) {
+          const std::uint32_t from = pixel + bit;
+          const std::uint32_t to = (59 * bits - pixel) + bit;
+          ASSERT_EQ(plain[from / 8] >> from % 8 & 1, mirrored[to / 8] >> to % 8 & 1) << frameID;
+        }
+      }
+    }
+  }
+}
+
+TEST(TestPattern, FrameCounter_FormatsOfTheLab_HaveBlackAndWhiteOfTheirOwn) {
+  struct Row {
+    KrPixelType type;
+    std::vector<std::uint8_t> black; // The first bytes.
+    std::vector<std::uint8_t> white;
+  };
+  const Row rows[] = {{KrPixel::Mono1p, {0x00}, {0xFF}},
+                      {KrPixel::Mono8s, {0x80}, {0x7F}},
+                      {KrPixel::Mono10, {0x00, 0x00}, {0xFF, 0x03}},
+                      {KrPixel::BayerGB12Packed, {0, 0, 0}, {0xFF, 0xFF, 0xFF}},
+                      {KrPixel::RGBa8, {0, 0, 0, 255}, {255, 255, 255, 255}},
+                      {KrPixel::YUV422_8, {0, 128, 0, 128}, {255, 128, 255, 128}},
+                      {KrPixel::YCbCr709_8_CbYCr, {128, 16, 128}, {128, 235, 128}},
+                      {KrPixel::Coord3D_C32f, {0, 0, 0, 0}, {0x00, 0x00, 0x7F, 0x43}}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(KrFindPixelType(row.type)->name);
+
+    std::vector<std::uint8_t> black = Paint(row.type, 256, 8, 0, TestPattern::FrameCounter);
+    std::vector<std::uint8_t> white = Paint(row.type, 256, 8, 0xFFFFFFFF, TestPattern::FrameCounter);
+
+    black.resize(row.black.size());
+    white.resize(row.white.size());
+    EXPECT_EQ(black, row.black);
+    EXPECT_EQ(white, row.white);
+  }
+}
+
+TEST(TestPattern, Paint_FormatThatCannotBeStoredOrNoWidth_WritesNothing) {
   std::vector<std::uint8_t> image(1024, 0xA5);
 
   EXPECT_FALSE(FillPattern(0x01050001, 16, 16, 0, image.data()));
-  EXPECT_FALSE(FillPattern(KrPixel::Mono12p, 15, 16, 0, image.data()));
+  EXPECT_FALSE(FillPattern(KrPixel::YCbCr420_8_YY_CbCr_Semiplanar, 16, 16, 0, image.data()));
   EXPECT_FALSE(FillPattern(KrPixel::Mono8, 0, 16, 0, image.data()));
 
   EXPECT_THAT(image, Each(0xA5));

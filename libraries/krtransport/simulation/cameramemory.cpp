@@ -216,17 +216,16 @@ void CameraMemory::Apply(std::uint64_t aAddress) {
 }
 
 void CameraMemory::UpdatePayloadSize() {
-  const std::uint64_t bits = std::uint64_t{mMemory.GetInteger(kWidth)} * mMemory.GetInteger(kHeight) *
-                             KrGetBitsPerPixel(mMemory.GetInteger(kPixelFormat));
-  mMemory.SetInteger(kPayloadSize, static_cast<std::uint32_t>(std::min<std::uint64_t>(bits / 8, kUnlimited)));
+  const std::uint64_t bytes = GetFrameBytes(GetFrameSettings().picture);
+  mMemory.SetInteger(kPayloadSize, static_cast<std::uint32_t>(std::min<std::uint64_t>(bytes, kUnlimited)));
 }
 
 FrameSettings CameraMemory::GetFrameSettings() const {
   FrameSettings settings;
-  settings.width = mMemory.GetInteger(kWidth);
-  settings.height = mMemory.GetInteger(kHeight);
-  settings.pixelType = mMemory.GetInteger(kPixelFormat);
-  settings.pattern = static_cast<TestPattern>(mMemory.GetInteger(kTestPattern));
+  settings.picture.width = mMemory.GetInteger(kWidth);
+  settings.picture.height = mMemory.GetInteger(kHeight);
+  settings.picture.type = mMemory.GetInteger(kPixelFormat);
+  settings.picture.pattern = static_cast<TestPattern>(mMemory.GetInteger(kTestPattern));
   settings.framesPerSecond = mMemory.GetFloat(kAcquisitionFrameRate);
   settings.exposureTimeUs = mMemory.GetFloat(kExposureTime);
   settings.acquiring = mAcquiring;

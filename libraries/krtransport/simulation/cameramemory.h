@@ -12,10 +12,7 @@ namespace krtransport {
 
 /// What a frame depends on, as the registers say at one moment.
 struct FrameSettings {
-  std::uint32_t width = 0;
-  std::uint32_t height = 0;
-  KrPixelType pixelType = 0;
-  TestPattern pattern = TestPattern::MovingRamp;
+  Picture picture;
   double framesPerSecond = 1.0;
   double exposureTimeUs = 0.0;
   bool acquiring = false;

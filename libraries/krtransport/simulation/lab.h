@@ -45,7 +45,8 @@ struct Lab {
   std::vector<LabAdapter> adapters;
 };
 
-/// The lab that comes with the library: one adapter with a mono, a colour and a misconfigured camera. Any thread.
+/// The lab that comes with the library: one adapter with a mono, a colour, a misconfigured and a 3D camera.
+/// Any thread.
 Lab GetBuiltInLab();
 
 } // namespace krtransport

@@ -26,19 +26,19 @@ std::uint64_t GetNowNs() {
 
 // Puts a picture into a buffer and says in its status whether it found room.
 void Fill(KrBuffer& aBuffer, const FrameSettings& aSettings, std::uint64_t aFrameID, PatternPainter& aPainter) {
-  const std::uint64_t bits = std::uint64_t{aSettings.width} * aSettings.height * KrGetBitsPerPixel(aSettings.pixelType);
+  const std::uint64_t bytes = GetFrameBytes(aSettings.picture);
   aBuffer.SetPayloadType(KrPayloadType::Image);
   aBuffer.SetFrameID(aFrameID);
   aBuffer.SetTimestampNs(GetNowNs<std::chrono::steady_clock>());
-  if (aBuffer.GetSize() < bits / 8) {
+  if (aBuffer.GetSize() < bytes) {
     aBuffer.SetAcquiredSize(0);
     aBuffer.SetStatus(KrBufferStatus::TooSmall);
   } else {
-    const bool painted = aPainter.Paint(aSettings.pattern, aSettings.pixelType, aSettings.width, aSettings.height,
-                                        aFrameID, aBuffer.GetDataPointer());
+    const bool painted = aPainter.Paint(aSettings.picture, aFrameID, aBuffer.GetDataPointer());
     const bool described =
-        painted && aBuffer.DescribeImage(aSettings.width, aSettings.height, aSettings.pixelType).IsOK();
-    aBuffer.SetAcquiredSize(described ? static_cast<std::size_t>(bits / 8) : 0);
+        painted &&
+        aBuffer.DescribeImage(aSettings.picture.width, aSettings.picture.height, aSettings.picture.type).IsOK();
+    aBuffer.SetAcquiredSize(described ? static_cast<std::size_t>(bytes) : 0);
     aBuffer.SetStatus(described ? KrBufferStatus::Complete : KrBufferStatus::Incomplete);
   }
   aBuffer.SetHostTimestampNs(GetNowNs<std::chrono::system_clock>());

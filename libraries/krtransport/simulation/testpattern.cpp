@@ -11,144 +11,100 @@ namespace {
 constexpr std::uint32_t kSteps = 256;
 constexpr std::uint32_t kCounterLines = 8;
 constexpr std::uint32_t kCounterBits = 32;
-
-constexpr std::uint32_t GetLargestSample(const KrPixelTypeInfo& aInfo) {
-  return (1u << aInfo.bitsPerSample) - 1;
-}
-
-constexpr std::uint32_t kRedLead = 0;
 constexpr std::uint32_t kGreenLead = 85;
 constexpr std::uint32_t kBlueLead = 170;
+constexpr PatternColour kWhite = {255, 255, 255, 255};
+constexpr PatternColour kBlack = {0, 0, 0, 0};
 
-// The steps of the ramp by which a site of a colour filter array leads; the other formats' pixels all lead by none.
-std::uint32_t GetSiteLead(KrPixelLayout aLayout, std::size_t aColumn, std::size_t aLine) {
-  struct Row {
-    KrPixelLayout layout;
-    std::uint32_t leads[2][2];
-  };
-  static constexpr Row kRows[] = {
-      {KrPixelLayout::BayerGR, {{kGreenLead, kRedLead}, {kBlueLead, kGreenLead}}},
-      {KrPixelLayout::BayerRG, {{kRedLead, kGreenLead}, {kGreenLead, kBlueLead}}},
-      {KrPixelLayout::BayerGB, {{kGreenLead, kBlueLead}, {kRedLead, kGreenLead}}},
-      {KrPixelLayout::BayerBG, {{kBlueLead, kGreenLead}, {kGreenLead, kRedLead}}},
-  };
-  for (const Row& row : kRows) {
-    if (row.layout == aLayout)
-      return row.leads[aLine % 2][aColumn % 2];
-  }
-  return 0;
-}
-
-// The steps of the ramp by which each component leads, first component first; the last of four is alpha.
-std::vector<std::uint32_t> GetComponentLeads(KrPixelLayout aLayout) {
-  switch (aLayout) {
-  case KrPixelLayout::RGB:
-  case KrPixelLayout::RGBa:
-    return {kRedLead, kGreenLead, kBlueLead};
-  case KrPixelLayout::BGR:
-  case KrPixelLayout::BGRa:
-    return {kBlueLead, kGreenLead, kRedLead};
-  default:
-    return {0};
-  }
-}
-
-bool HasAlpha(KrPixelLayout aLayout) {
-  return aLayout == KrPixelLayout::RGBa || aLayout == KrPixelLayout::BGRa;
-}
-
-// A pixel's bits, the first component in the least significant ones.
-std::uint64_t EncodeStep(const KrPixelTypeInfo& aInfo, std::uint32_t aStep) {
-  const std::vector<std::uint32_t> leads = GetComponentLeads(aInfo.layout);
-  const std::size_t components = leads.size() + (HasAlpha(aInfo.layout) ? 1 : 0);
-  const std::size_t componentBits = aInfo.bitsPerPixel / components;
-  std::uint64_t pixel = 0;
-  for (std::size_t i = 0; i < components; ++i) {
-    const std::uint32_t step = i < leads.size() ? (aStep + leads[i]) % kSteps : kSteps - 1;
-    const std::uint64_t sample = static_cast<std::uint64_t>(step) * GetLargestSample(aInfo) / (kSteps - 1);
-    pixel |= sample << (i * componentBits);
-  }
-  return pixel;
-}
-
-std::uint64_t EncodeWhite(const KrPixelTypeInfo& aInfo) {
-  const std::size_t components = GetComponentLeads(aInfo.layout).size() + (HasAlpha(aInfo.layout) ? 1 : 0);
-  const std::size_t componentBits = aInfo.bitsPerPixel / components;
-  std::uint64_t pixel = 0;
-  for (std::size_t i = 0; i < components; ++i)
-    pixel |= static_cast<std::uint64_t>(GetLargestSample(aInfo)) << (i * componentBits);
-  return pixel;
-}
-
-// Writes a pixel bit by bit, least significant first, which serves packed and unpacked formats alike.
-void PutPixel(std::uint8_t* aLine, std::size_t aIndex, std::uint32_t aBits, std::uint64_t aPixel) {
-  for (std::uint32_t bit = 0; bit < aBits; ++bit) {
-    const std::size_t position = aIndex * aBits + bit;
-    const auto mask = static_cast<std::uint8_t>(1u << position % 8);
-    std::uint8_t& byte = aLine[position / 8];
-    byte = static_cast<std::uint8_t>((aPixel >> bit & 1) != 0 ? byte | mask : byte & ~mask);
-  }
+PatternColour GetColour(std::size_t aStep) {
+  return {static_cast<std::uint8_t>(aStep), static_cast<std::uint8_t>(aStep),
+          static_cast<std::uint8_t>(aStep + kGreenLead), static_cast<std::uint8_t>(aStep + kBlueLead)};
 }
 
 } // namespace
 
-bool PatternPainter::Prepare(KrPixelType aType, std::uint32_t aWidth) {
-  if (mInfo.type == aType && mWidth == aWidth && mLineBytes > 0)
+bool PatternPainter::Prepare(const Picture& aPicture) {
+  const bool fits = mPicture.type == aPicture.type && mPicture.width == aPicture.width &&
+                    mPicture.reverseX == aPicture.reverseX && !mRamps.empty();
+  if (!fits) {
+    const std::optional<KrPixelTypeInfo> info = KrFindPixelType(aPicture.type);
+    if (!info || !LineEncoder::CanEncode(*info) || aPicture.width == 0)
+      return false;
+    mEncoder = LineEncoder(*info);
+  }
+  mPicture = aPicture;
+  if (fits)
     return true;
-  const std::optional<KrPixelTypeInfo> info = KrFindPixelType(aType);
-  const std::uint64_t lineBits = info ? std::uint64_t{aWidth} * info->bitsPerPixel : 0;
-  if (lineBits == 0 || lineBits % 8 != 0)
-    return false;
-  mInfo = *info;
-  mWidth = aWidth;
-  mLineBytes = static_cast<std::size_t>(lineBits / 8);
-  std::array<std::uint64_t, kSteps> encoded;
-  for (std::uint32_t step = 0; step < kSteps; ++step)
-    encoded[step] = EncodeStep(mInfo, step);
-  const std::size_t pixels = std::size_t{aWidth} + kSteps;
-  for (std::size_t line = 0; line < mRamps.size(); ++line) {
-    for (std::size_t first = 0; first < mRamps[line].size(); ++first) {
-      std::vector<std::uint8_t>& ramp = mRamps[line][first];
-      ramp.assign((pixels * mInfo.bitsPerPixel + 7) / 8, 0);
-      for (std::size_t i = 0; i < pixels; ++i)
-        PutPixel(ramp.data(), i, mInfo.bitsPerPixel,
-                 encoded[(i + first + GetSiteLead(mInfo.layout, i, line)) % kSteps]);
-    }
+  mLineBytes = mEncoder.GetLineBytes(aPicture.width);
+  mRamps.clear();
+  for (std::uint32_t kind = 0; kind < mEncoder.GetLineKindCount(); ++kind) {
+    for (std::uint32_t phase = 0; phase < mEncoder.GetGroupPixels(); ++phase)
+      PrepareRamp(kind, phase);
   }
   return true;
 }
 
-bool PatternPainter::Paint(TestPattern aPattern, KrPixelType aType, std::uint32_t aWidth, std::uint32_t aHeight,
-                           std::uint64_t aFrameID, std::uint8_t* aOut) {
-  if (!Prepare(aType, aWidth))
+void PatternPainter::PrepareRamp(std::uint32_t aLineKind, std::uint32_t aPhase) {
+  mColours.resize(std::size_t{mPicture.width} + kSteps);
+  for (std::size_t i = 0; i < mColours.size(); ++i)
+    mColours[i] = GetColour(mPicture.reverseX ? aPhase - i : aPhase + i);
+  std::vector<std::uint8_t>& ramp = mRamps.emplace_back(mEncoder.GetLineBytes(mColours.size()));
+  mEncoder.Encode(aLineKind, mColours, ramp.data());
+}
+
+bool PatternPainter::Paint(const Picture& aPicture, std::uint64_t aFrameID, std::uint8_t* aOut) {
+  if (!Prepare(aPicture))
     return false;
-  const std::uint64_t start = aPattern == TestPattern::MovingRamp ? aFrameID : 0;
-  for (std::uint32_t line = 0; line < aHeight; ++line) {
-    const auto phase = static_cast<std::size_t>((start + line) % kSteps);
-    const std::size_t skippedPixels = phase - phase % 2;
-    const std::uint8_t* const piece = mRamps[line % 2][phase % 2].data() + skippedPixels * mInfo.bitsPerPixel / 8;
-    std::memcpy(aOut + std::size_t{line} * mLineBytes, piece, mLineBytes);
+  const std::uint64_t moved = aPicture.pattern == TestPattern::MovingRamp ? aFrameID : 0;
+  const std::uint64_t first =
+      moved + aPicture.offsetX + aPicture.offsetY + (aPicture.reverseX ? mPicture.width - 1 : 0);
+  const std::uint32_t group = mEncoder.GetGroupPixels();
+  const std::uint8_t tailMask = mEncoder.GetTailMask(aPicture.width);
+  for (std::uint32_t plane = 0; plane < mEncoder.GetPlaneCount(); ++plane) {
+    std::uint8_t* const planeOut = aOut + mLineBytes * aPicture.height * plane;
+    for (std::uint32_t line = 0; line < aPicture.height; ++line) {
+      const auto step = static_cast<std::uint32_t>((first + line) % kSteps);
+      const std::uint32_t phase = step % group;
+      // A reversed ramp runs down from its phase.
+      const std::uint32_t skippedPixels = (aPicture.reverseX ? phase + kSteps - step : step - phase) % kSteps;
+      const std::vector<std::uint8_t>& ramp = mRamps[mEncoder.GetLineKind(plane, line) * group + phase];
+      std::uint8_t* const out = planeOut + mLineBytes * line;
+      std::memcpy(out, ramp.data() + mEncoder.GetLineBytes(skippedPixels), mLineBytes);
+      out[mLineBytes - 1] &= tailMask;
+    }
+    if (aPicture.pattern == TestPattern::FrameCounter)
+      PaintCounter(plane, aFrameID, planeOut);
   }
-  if (aPattern == TestPattern::FrameCounter)
-    PaintCounter(aHeight, aFrameID, aOut);
   return true;
 }
 
-void PatternPainter::PaintCounter(std::uint32_t aHeight, std::uint64_t aFrameID, std::uint8_t* aOut) const {
-  const std::uint32_t blockWidth = mWidth / kCounterBits;
-  const std::uint64_t white = EncodeWhite(mInfo);
-  for (std::uint32_t line = 0; line < std::min(aHeight, kCounterLines); ++line) {
-    for (std::uint32_t x = 0; x < blockWidth * kCounterBits; ++x) {
-      const std::uint32_t bit = kCounterBits - 1 - x / blockWidth;
-      PutPixel(aOut + std::size_t{line} * mLineBytes, x, mInfo.bitsPerPixel, (aFrameID >> bit & 1) != 0 ? white : 0);
+void PatternPainter::PaintCounter(std::uint32_t aPlane, std::uint64_t aFrameID, std::uint8_t* aPlaneOut) {
+  const std::uint32_t blockWidth = mPicture.width / kCounterBits;
+  mColours.resize(mPicture.width);
+  for (std::uint32_t line = 0; line < std::min(mPicture.height, kCounterLines); ++line) {
+    for (std::uint32_t x = 0; x < mPicture.width; ++x) {
+      const std::uint32_t column = mPicture.reverseX ? mPicture.width - 1 - x : x;
+      mColours[x] = GetColour(std::size_t{mPicture.offsetX} + mPicture.offsetY + column + line);
+      if (x < blockWidth * kCounterBits)
+        mColours[x] = (aFrameID >> (kCounterBits - 1 - x / blockWidth) & 1) != 0 ? kWhite : kBlack;
     }
+    mEncoder.Encode(mEncoder.GetLineKind(aPlane, line), mColours, aPlaneOut + mLineBytes * line);
   }
+}
+
+bool FillPattern(const Picture& aPicture, std::uint64_t aFrameID, std::uint8_t* aOut) {
+  PatternPainter painter;
+  return painter.Paint(aPicture, aFrameID, aOut);
 }
 
 bool FillPattern(KrPixelType aType, std::uint32_t aWidth, std::uint32_t aHeight, std::uint64_t aFrameID,
                  std::uint8_t* aOut, TestPattern aPattern) {
-  PatternPainter painter;
-  return painter.Paint(aPattern, aType, aWidth, aHeight, aFrameID, aOut);
+  return FillPattern({.pattern = aPattern, .type = aType, .width = aWidth, .height = aHeight}, aFrameID, aOut);
+}
+
+std::uint64_t GetFrameBytes(const Picture& aPicture) {
+  const std::uint64_t lineBits = std::uint64_t{aPicture.width} * KrGetBitsPerPixel(aPicture.type);
+  return (lineBits + 7) / 8 * aPicture.height;
 }
 
 } // namespace krtransport

@@ -1,10 +1,9 @@
 #pragma once
 // The pictures of a simulated camera, each computable from the frame's number, so that every pixel received can be
-// checked. When a frame is due, and where its bytes go, is left to the buffer source.
+// checked. How colours are stored is left to LineEncoder, when a frame is due to the camera.
 
-#include "krbuffer/krpixeltype.h"
+#include "simulation/lineencoder.h"
 
-#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -18,33 +17,51 @@ enum class TestPattern : std::uint32_t {
 };
 inline constexpr std::uint32_t kTestPatternCount = 3;
 
+/// What a picture depends on beside the frame's number; sizes in pixels.
+struct Picture {
+  TestPattern pattern = TestPattern::MovingRamp;
+  KrPixelType type = 0;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  std::uint32_t offsetX = 0;
+  std::uint32_t offsetY = 0;
+  bool reverseX = false;
+
+  friend bool operator==(const Picture&, const Picture&) = default;
+};
+
 /// Paints frames and keeps what consecutive frames have in common.
 ///
 /// Thread: one at a time.
 class PatternPainter {
 public:
-  /// Paints a frame without padding into aOut. Component values of a ramp's step g (0 to 255), scaled to the sample's
-  /// range: Mono g; red g, green g + 85, blue g + 170, each modulo 256, and so the sites of a Bayer format by their
-  /// filter's colour; alpha the largest value. False for a format that is not in the table, or lines that do not end at
-  /// a byte; nothing is written then.
-  bool Paint(TestPattern aPattern, KrPixelType aType, std::uint32_t aWidth, std::uint32_t aHeight,
-             std::uint64_t aFrameID, std::uint8_t* aOut);
+  /// Paints a frame without padding into aOut. The step of the ramp at a pixel is
+  /// g = (offsetX + x + offsetY + y + frame number) modulo 256, with width - 1 - x for x where the picture is reversed
+  /// and without the frame number where it stands still. Grey is g; red g, green g + 85, blue g + 170, each modulo 256,
+  /// and so the sites of a filter array by their filter's colour. False for a format that LineEncoder does not have
+  /// and a width of 0; nothing is written then.
+  bool Paint(const Picture& aPicture, std::uint64_t aFrameID, std::uint8_t* aOut);
 
 private:
-  bool Prepare(KrPixelType aType, std::uint32_t aWidth);
-  void PaintCounter(std::uint32_t aHeight, std::uint64_t aFrameID, std::uint8_t* aOut) const;
+  bool Prepare(const Picture& aPicture);
+  void PrepareRamp(std::uint32_t aLineKind, std::uint32_t aPhase);
+  void PaintCounter(std::uint32_t aPlane, std::uint64_t aFrameID, std::uint8_t* aPlaneOut);
 
-  KrPixelTypeInfo mInfo = {};
-  std::uint32_t mWidth = 0;
+  Picture mPicture;
+  LineEncoder mEncoder;
   std::size_t mLineBytes = 0;
-  // A line of any phase is a piece of one of two ramps, which begin at step 0 and at step 1: with two pixels to every
-  // three bytes only the even pixels begin at a byte, and the colours of a Bayer line alternate. Two for even lines,
-  // two for odd ones.
-  std::array<std::array<std::vector<std::uint8_t>, 2>, 2> mRamps;
+  // A line of any phase is a piece of one of a few ramps: only the first pixel of a group begins at a byte, so that
+  // there is a ramp for each place in a group, and of these for each kind of line.
+  std::vector<std::vector<std::uint8_t>> mRamps;
+  std::vector<PatternColour> mColours; // One line before it is stored.
 };
 
-/// Paints one frame of the moving ramp, or of another pattern; as PatternPainter::Paint. Any thread.
+/// Paints one frame as PatternPainter::Paint. Any thread.
+bool FillPattern(const Picture& aPicture, std::uint64_t aFrameID, std::uint8_t* aOut);
 bool FillPattern(KrPixelType aType, std::uint32_t aWidth, std::uint32_t aHeight, std::uint64_t aFrameID,
                  std::uint8_t* aOut, TestPattern aPattern = TestPattern::MovingRamp);
+
+/// Bytes of a frame without padding. Any thread.
+std::uint64_t GetFrameBytes(const Picture& aPicture);
 
 } // namespace krtransport

@@ -44,7 +44,7 @@ TEST_F(ListCommand, Lab_GivesOneLineForEachInterfaceAndDevice) {
 
   EXPECT_EQ(exitCode, 0);
   const std::vector<std::string> lines = Split(mOut.str(), "\n");
-  ASSERT_EQ(lines.size(), 4U) << mOut.str();
+  ASSERT_EQ(lines.size(), 5U) << mOut.str();
   for (const std::string& line : lines)
     EXPECT_EQ(Split(line, "  ").size(), 9U) << line;
   EXPECT_EQ(Split(lines[0], "  ")[0], "interface");
@@ -61,10 +61,10 @@ TEST_F(ListCommand, LabAsJson_HoldsTheSameDevices) {
   const QJsonObject object = ReadObject(mOut.str());
   EXPECT_EQ(exitCode, 0);
   ASSERT_EQ(object["interfaces"].toArray().size(), 1);
-  ASSERT_EQ(object["devices"].toArray().size(), 3);
+  ASSERT_EQ(object["devices"].toArray().size(), 4);
   const QJsonObject interface = object["interfaces"].toArray()[0].toObject();
   const QJsonObject camera = object["devices"].toArray()[0].toObject();
-  EXPECT_EQ(interface["deviceCount"].toInt(), 3);
+  EXPECT_EQ(interface["deviceCount"].toInt(), 4);
   EXPECT_EQ(camera["interface"], interface["uniqueID"]);
   EXPECT_EQ(camera["userDefinedName"].toString(), "sim-mono");
   EXPECT_TRUE(camera["reachable"].toBool());
