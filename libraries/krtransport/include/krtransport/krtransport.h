@@ -6,6 +6,7 @@
 /// Which backends a program wants.
 struct KrTransportSelection {
   bool gigEVision = true;  ///< Real GigE Vision devices.
+  bool usb3Vision = true;  ///< Real USB3 Vision devices.
   bool simulation = false; ///< The built-in simulated lab.
 };
 

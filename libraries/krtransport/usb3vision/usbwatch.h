@@ -1,0 +1,77 @@
+#pragma once
+// Watches whether an open device is still plugged in and answers, and tells of loss and return. What loss means for
+// accesses and streams is decided by the link.
+
+#include "aravis/isilence.h"
+#include "krbase/krresult.h"
+#include "krsystem/idevicelink.h"
+#include "simulation/linkevents.h"
+#include "usb3vision/usbtree.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+
+namespace krtransport {
+
+/// Looks twice a second whether the kernel still lists the device at its port and address: a device that was pulled, or
+/// restarted, has another address or none. A device that is plugged in and keeps silent is not lost; it is asked again
+/// until it answers.
+///
+/// Thread: any, but for destruction, which waits for a sink's call that runs.
+/// Ownership: borrows the sink.
+class UsbWatch final : public ISilence {
+public:
+  /// What the watch looks at and how.
+  struct Subject {
+    UsbRoots roots;
+    UsbDevice device; ///< As it was when it was opened.
+    std::chrono::milliseconds period{500};
+  };
+
+  /// aProbe asks the device for something that it always gives; it returns within a limit of its own. aOnLost is called
+  /// once, before the sink hears of the loss. Both are called on the watch's thread, until Stop.
+  UsbWatch(Subject aSubject, std::function<KrResult()> aProbe, std::function<void(const KrResult&)> aOnLost);
+  ~UsbWatch() override { Stop(); }
+  UsbWatch(const UsbWatch&) = delete;
+  UsbWatch& operator=(const UsbWatch&) = delete;
+
+  bool IsConnected() const { return mIsConnected; }
+  bool IsSilent() const override { return mIsSilent && mIsConnected; }
+  void ReportSilence() override;
+  /// As IDeviceLink::SetSink.
+  void SetSink(krsystem::IDeviceLinkSink* aSink) { mEvents.SetSink(aSink); }
+  /// Counts the device as lost from now on, without word of it.
+  void GiveUp();
+  /// Ends the watch: afterwards no call of probe or loss runs or comes. Not from a sink's call.
+  void Stop();
+
+private:
+  void Watch(const std::stop_token& aStop);
+  void LookForReturn(const std::stop_token& aStop);
+  void AskAgain();
+  bool IsPluggedIn() const;
+  void Lose();
+  void Pause(const std::stop_token& aStop);
+
+  const Subject mSubject;
+  const std::function<KrResult()> mProbe;
+  const std::function<void(const KrResult&)> mOnLost;
+
+  std::atomic<bool> mIsConnected{true};
+  std::atomic<bool> mIsSilent{false};
+
+  // Guards the request to the watch's thread.
+  std::mutex mRequestMutex;
+  std::condition_variable_any mRequest;
+  bool mIsLookWanted = false;
+
+  LinkEvents mEvents;
+  std::jthread mThread;
+};
+
+} // namespace krtransport
