@@ -21,8 +21,7 @@ namespace {
 constexpr const char* kProgram = "arv-fake-gv-camera-0.8";
 constexpr std::chrono::seconds kStartLimit{20};
 
-// Starts the camera with its output thrown away: it reports every transfer. The kernel ends it should the test die
-// first.
+// Starts the camera with its output thrown away: it reports every transfer.
 pid_t Spawn(std::vector<std::string> aArguments) {
   std::vector<char*> arguments;
   for (std::string& argument : aArguments)
@@ -36,6 +35,23 @@ pid_t Spawn(std::vector<std::string> aArguments) {
   const int error = posix_spawnp(&process, aArguments.front().c_str(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   return error == 0 ? process : -1;
+}
+
+// The kernel ends the camera should the test die first.
+std::vector<std::string> MakeCommandLine(const FakeCameraOptions& aOptions) {
+  std::vector<std::string> arguments = {"setpriv", "--pdeathsig",    "KILL", kProgram,
+                                        "-i",      aOptions.address, "-s",   aOptions.serialNumber};
+  if (!aOptions.descriptionFile.empty())
+    arguments.insert(arguments.end(), {"-g", aOptions.descriptionFile});
+  if (aOptions.lostPacketsPerMille != 0)
+    arguments.insert(arguments.end(), {"-r", std::to_string(aOptions.lostPacketsPerMille)});
+  return arguments;
+}
+
+FakeCameraOptions MakeOptions(const std::string& aSerialNumber) {
+  FakeCameraOptions options;
+  options.serialNumber = aSerialNumber;
+  return options;
 }
 
 } // namespace
@@ -55,17 +71,18 @@ bool AnswersDiscovery(const std::string& aAddress) {
   return isAnswered;
 }
 
-FakeCamera::FakeCamera(const std::string& aSerialNumber, const std::string& aAddress)
-    : mProcess(Spawn({"setpriv", "--pdeathsig", "KILL", kProgram, "-i", aAddress, "-s", aSerialNumber})) {
+FakeCamera::FakeCamera(const FakeCameraOptions& aOptions) : mProcess(Spawn(MakeCommandLine(aOptions))) {
   if (mProcess < 0) {
     ADD_FAILURE() << kProgram << " cannot be started; install the package aravis-tools.";
     return;
   }
   const auto limit = std::chrono::steady_clock::now() + kStartLimit;
   while (!mIsAnswering && std::chrono::steady_clock::now() < limit)
-    mIsAnswering = AnswersDiscovery(aAddress);
-  EXPECT_TRUE(mIsAnswering) << kProgram << " does not answer on " << aAddress;
+    mIsAnswering = AnswersDiscovery(aOptions.address);
+  EXPECT_TRUE(mIsAnswering) << kProgram << " does not answer on " << aOptions.address;
 }
+
+FakeCamera::FakeCamera(const std::string& aSerialNumber) : FakeCamera(MakeOptions(aSerialNumber)) {}
 
 FakeCamera::~FakeCamera() {
   Kill();
@@ -78,4 +95,16 @@ void FakeCamera::Kill() {
   ::waitpid(mProcess, nullptr, 0);
   mProcess = -1;
   mIsAnswering = false;
+}
+
+void FakeCamera::Pause() {
+  if (mProcess < 0)
+    return;
+  ::kill(mProcess, SIGSTOP);
+  ::waitpid(mProcess, nullptr, WUNTRACED); // Until it has stopped.
+}
+
+void FakeCamera::Resume() {
+  if (mProcess >= 0)
+    ::kill(mProcess, SIGCONT);
 }

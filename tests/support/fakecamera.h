@@ -6,6 +6,14 @@
 
 #include <string>
 
+/// How the camera is started.
+struct FakeCameraOptions {
+  std::string serialNumber = "GV01";
+  std::string address = "127.0.0.1";
+  std::string descriptionFile; ///< A description in place of the program's own; its registers stay.
+  int lostPacketsPerMille = 0; ///< Stream packets, at random, that are never sent.
+};
+
 /// Runs one camera on an address from construction to destruction.
 ///
 /// Thread: one at a time. Ownership: owns the child process, and ends that alone.
@@ -13,7 +21,9 @@ class FakeCamera {
 public:
   /// Starts the program and waits until it answers discovery. A program that cannot be started, or does not answer
   /// within twenty seconds, fails the test.
-  explicit FakeCamera(const std::string& aSerialNumber = "GV01", const std::string& aAddress = "127.0.0.1");
+  explicit FakeCamera(const FakeCameraOptions& aOptions = {});
+  /// A camera on loopback with a serial number.
+  explicit FakeCamera(const std::string& aSerialNumber);
   ~FakeCamera();
   FakeCamera(const FakeCamera&) = delete;
   FakeCamera& operator=(const FakeCamera&) = delete;
@@ -21,6 +31,9 @@ public:
   bool IsAnswering() const { return mIsAnswering; }
   /// Ends the camera at once, as pulling its plug would, and waits for its end.
   void Kill();
+  /// Has the camera keep silent, as a cable that is pulled would, without forgetting anything; and go on.
+  void Pause();
+  void Resume();
 
 private:
   pid_t mProcess = -1;

@@ -96,6 +96,12 @@ KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
     return result;
   }
   const std::lock_guard lock(mMutex);
+  if (mIsDetached) {
+    mIoThread.Post([device = mDevice, made](const std::atomic<bool>&) {
+      return EndStream(*device, std::move(made->stream), true);
+    });
+    return {KrResult::Code::ConnectionLost, "The device was lost while its stream was opened."};
+  }
   mStream = std::move(made->stream);
   for (KrBuffer* buffer : mWaiting)
     arv_stream_push_buffer(mStream.get(), LendBuffer(*buffer).release());
@@ -121,17 +127,13 @@ void AravisBufferSource::Stop() {
   {
     const std::lock_guard lock(mMutex);
     mWaiting.clear();
-    if (mStream == nullptr)
+    *stopped = TakeStream();
+    if (*stopped == nullptr && !mIsDetached)
       return;
-    mLast = ReadStatistics();
-    *stopped = std::move(mStream);
   }
-  // Releasing the stream joins its receiving thread: only then are the buffers the caller's again.
+  // A stream that was handed over ends before this job does.
   const KrResult result = mIoThread.RunToEnd([this, stopped](const std::atomic<bool>&) {
-    KrResult acquisition = mIsLost ? KrResult() : mDevice->StopAcquisition();
-    stopped->reset();
-    mDevice->OnStreamReleased(mIsLost);
-    return acquisition;
+    return *stopped != nullptr ? EndStream(*mDevice, std::move(*stopped), mIsLost) : KrResult();
   });
   if (!result.IsOK())
     KrLogger("Transport")
@@ -156,6 +158,28 @@ krsystem::SourceStatistics AravisBufferSource::ReadStatistics() const {
 void AravisBufferSource::OnLost(const KrResult& aReason) {
   mIsLost = true;
   mInbox->Close(aReason);
+}
+
+StreamPointer AravisBufferSource::Detach(const KrResult& aReason) {
+  OnLost(aReason);
+  const std::lock_guard lock(mMutex);
+  mIsDetached = true;
+  mWaiting.clear();
+  return TakeStream();
+}
+
+StreamPointer AravisBufferSource::TakeStream() {
+  if (mStream != nullptr)
+    mLast = ReadStatistics();
+  return std::move(mStream);
+}
+
+KrResult AravisBufferSource::EndStream(IStreamDevice& aDevice, StreamPointer aStream, bool aIsLost) {
+  const bool isTold = !aIsLost && aDevice.Answers();
+  KrResult result = isTold ? aDevice.StopAcquisition() : KrResult();
+  aStream.reset();
+  aDevice.OnStreamReleased(!isTold);
+  return result;
 }
 
 void AravisBufferSource::OnNewBuffer(ArvStream* aStream, gpointer aInbox) {

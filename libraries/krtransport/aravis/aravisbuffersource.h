@@ -14,8 +14,8 @@
 
 namespace krtransport {
 
-/// Time limits: GetPayloadSize and Start give up after ten seconds for each step. Stop with a dead device takes as long
-/// as Aravis' own tries.
+/// Time limits: GetPayloadSize and Start give up after ten seconds for each step. Stop waits for the call that runs on
+/// the I/O thread, with a dead device up to Aravis' own limit, and then half a second to find that the device is dead.
 ///
 /// Thread: as IBufferSource. Ownership: borrows the I/O thread, shares the device.
 class AravisBufferSource final : public krsystem::IBufferSource {
@@ -32,9 +32,15 @@ public:
 
   /// Ends all waits for frames, because the device is lost. Any thread; nothing blocks.
   void OnLost(const KrResult& aReason);
+  /// As OnLost, and hands over the stream, null where none is started: the caller ends it by a job on the I/O thread.
+  StreamPointer Detach(const KrResult& aReason);
+  /// Stops acquisition and releases a stream, which joins its receiving thread: only then are its buffers free. A
+  /// device that is lost, or does not answer when asked, is not told. On the I/O thread.
+  static KrResult EndStream(IStreamDevice& aDevice, StreamPointer aStream, bool aIsLost);
 
 private:
   KrResult OpenStream(std::uint64_t aPayloadBytes);
+  StreamPointer TakeStream();
   krsystem::SourceStatistics ReadStatistics() const;
   static void OnNewBuffer(ArvStream* aStream, gpointer aInbox);
 
@@ -46,6 +52,7 @@ private:
   // Guards the members below; the stream itself is made and released outside of it.
   mutable std::mutex mMutex;
   StreamPointer mStream;
+  bool mIsDetached = false;         // The stream was handed over, and may still be ending on the I/O thread.
   std::vector<KrBuffer*> mWaiting;  // Buffers that were queued before the stream was there.
   krsystem::SourceStatistics mLast; // Of the stream that was stopped.
 };

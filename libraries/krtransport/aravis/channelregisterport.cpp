@@ -37,7 +37,7 @@ KrResult ForEachPiece(std::uint64_t aAddress, std::span<Byte> aData, std::size_t
 
 ChannelRegisterPort::ChannelRegisterPort(IoThread& aIoThread, ISilence& aSilence,
                                          std::shared_ptr<IRegisterChannel> aChannel)
-    : mIoThread(aIoThread), mSilence(aSilence), mChannel(std::move(aChannel)), mLimits(mChannel->GetLimits()) {}
+    : mCalls(aIoThread, aSilence), mChannel(std::move(aChannel)), mLimits(mChannel->GetLimits()) {}
 
 KrResult ChannelRegisterPort::CheckRange(std::uint64_t aAddress, const void* aData, std::size_t aLength,
                                          std::uint32_t aTimeoutMs) const {
@@ -65,7 +65,7 @@ KrResult ChannelRegisterPort::Read(std::uint64_t aAddress, void* aData, std::siz
     return ForEachPiece(first, std::span(*bytes), maxBytes, aIsAbandoned,
                         [&channel](std::uint64_t aFrom, auto aPiece) { return channel->Read(aFrom, aPiece); });
   };
-  KrResult result = Run(read, aTimeoutMs, aCancel);
+  KrResult result = mCalls.Run(read, aTimeoutMs, aCancel);
   if (result.IsOK())
     std::memcpy(aData, bytes->data() + skipped, aLength);
   return result;
@@ -85,17 +85,7 @@ KrResult ChannelRegisterPort::Write(std::uint64_t aAddress, const void* aData, s
     return ForEachPiece(aAddress, std::span(*bytes), maxBytes, aIsAbandoned,
                         [&channel](std::uint64_t aFrom, auto aPiece) { return channel->Write(aFrom, aPiece); });
   };
-  return Run(write, aTimeoutMs, aCancel);
-}
-
-KrResult ChannelRegisterPort::Run(IoThread::Job aJob, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
-  if (mSilence.IsSilent())
-    return {KrResult::Code::TimeLimitExceeded,
-            "The device did not answer a moment ago; it is asked again as soon as it does."};
-  KrResult result = mIoThread.Run(std::move(aJob), aTimeoutMs, aCancel);
-  if (result == KrResult::Code::TimeLimitExceeded)
-    mSilence.ReportSilence();
-  return result;
+  return mCalls.Run(write, aTimeoutMs, aCancel);
 }
 
 } // namespace krtransport

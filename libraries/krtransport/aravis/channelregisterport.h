@@ -2,8 +2,7 @@
 // The registers of an open device, whatever channel they are reached by: cuts accesses into what the channel carries
 // and lets callers leave in time.
 
-#include "aravis/iothread.h"
-#include "aravis/isilence.h"
+#include "aravis/devicecalls.h"
 #include "aravis/registerchannel.h"
 #include "krgenicam/ikrregisterport.h"
 
@@ -11,9 +10,6 @@
 
 namespace krtransport {
 
-/// After an access got no answer, further ones fail at once until the device answers again, so that nobody waits for a
-/// dead device twice.
-///
 /// Thread: any. Ownership: borrows the I/O thread and the word of silence, shares the channel.
 class ChannelRegisterPort final : public IKrRegisterPort {
 public:
@@ -28,10 +24,8 @@ public:
 
 private:
   KrResult CheckRange(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs) const;
-  KrResult Run(IoThread::Job aJob, std::uint32_t aTimeoutMs, const std::stop_token& aCancel);
 
-  IoThread& mIoThread;
-  ISilence& mSilence;
+  DeviceCalls mCalls;
   const std::shared_ptr<IRegisterChannel> mChannel;
   const RegisterLimits mLimits;
 };

@@ -4,6 +4,14 @@
 #include <utility>
 
 namespace krtransport {
+namespace {
+
+KrResult TellTimeout(std::uint32_t aTimeoutMs) {
+  return {KrResult::Code::TimeLimitExceeded,
+          "The device did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
+}
+
+} // namespace
 
 IoThread::IoThread() : mThread([this] { Work(); }) {}
 
@@ -30,8 +38,17 @@ KrResult IoThread::Run(Job aJob, std::uint32_t aTimeoutMs, const std::stop_token
     return mInterruption;
   if (aCancel.stop_requested())
     return {KrResult::Code::Aborted, "The access to the device was cancelled."};
-  return {KrResult::Code::TimeLimitExceeded,
-          "The device did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
+  return TellTimeout(aTimeoutMs);
+}
+
+KrResult IoThread::RunRegardless(Job aJob, std::uint32_t aTimeoutMs) {
+  std::unique_lock lock(mMutex);
+  const auto entry = Enqueue(std::move(aJob));
+  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
+  if (mDone.wait_until(lock, until, [&] { return entry->isDone; }))
+    return entry->result;
+  entry->isAbandoned = true;
+  return TellTimeout(aTimeoutMs);
 }
 
 KrResult IoThread::RunToEnd(Job aJob) {
@@ -39,6 +56,11 @@ KrResult IoThread::RunToEnd(Job aJob) {
   const auto entry = Enqueue(std::move(aJob));
   mDone.wait(lock, [&] { return entry->isDone; });
   return entry->result;
+}
+
+void IoThread::Post(Job aJob) {
+  const std::lock_guard lock(mMutex);
+  Enqueue(std::move(aJob));
 }
 
 void IoThread::Interrupt(const KrResult& aReason) {

@@ -34,8 +34,12 @@ public:
   /// which means that it is skipped if it has not begun. Aborted, at once and in the same
   /// way, when aCancel is stopped. The reason of Interrupt, at once, after that was called.
   KrResult Run(Job aJob, std::uint32_t aTimeoutMs, const std::stop_token& aCancel = {});
+  /// As Run, interrupted or not: for what has to be done after an interruption.
+  KrResult RunRegardless(Job aJob, std::uint32_t aTimeoutMs);
   /// Runs a job and waits for its end, interrupted or not.
   KrResult RunToEnd(Job aJob);
+  /// Runs a job some time, without waiting; what it returns is dropped.
+  void Post(Job aJob);
   /// Ends all waits of Run, now and from now on, with a reason.
   void Interrupt(const KrResult& aReason);
 

@@ -22,6 +22,9 @@ public:
   virtual KrResult StartAcquisition() = 0;
   /// Stops acquisition and gives the locked parameters free, which it tries even where stopping failed.
   virtual KrResult StopAcquisition() = 0;
+  /// Whether the device answers, asked before calls that take long with a dead one; within about half a second. Any
+  /// thread.
+  virtual bool Answers() { return true; }
   /// Puts back what CreateStream changed on the device, after the stream was released or its start failed. A device
   /// that is lost is not spoken to.
   virtual void OnStreamReleased([[maybe_unused]] bool aIsLost) {}

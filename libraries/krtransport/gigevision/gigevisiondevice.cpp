@@ -2,6 +2,7 @@
 
 #include "aravis/araviserror.h"
 #include "aravis/aravislog.h"
+#include "gigevision/gvcpclient.h"
 #include "gigevision/gvcppacket.h"
 #include "gigevision/networkadapters.h"
 #include "gigevision/receivelimit.h"
@@ -68,6 +69,22 @@ RegisterLimits GigEVisionDevice::GetLimits() const {
 
 bool GigEVisionDevice::HoldsControl() const {
   return arv_gv_device_is_controller(ARV_GV_DEVICE(GetArvDevice())) != FALSE;
+}
+
+bool GigEVisionDevice::Answers() {
+  GvcpClient client;
+  if (!GvcpClient::Connect(mTarget.deviceAddress, mTarget.localAddress, client).IsOK())
+    return false;
+  // A device that refuses, because it is held exclusively, answers too.
+  std::uint32_t privilege = 0;
+  const KrResult read = client.ReadRegister(kControlPrivilegeRegister, privilege, {std::chrono::milliseconds(250), 2});
+  return read.IsOK() || read == KrResult::Code::ProtocolError;
+}
+
+KrResult GigEVisionDevice::GiveBackControl() {
+  GErrorHolder error;
+  arv_gv_device_leave_control(ARV_GV_DEVICE(GetArvDevice()), error.Out());
+  return ToResult(error, "Giving back control of the device");
 }
 
 KrResult GigEVisionDevice::CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) {

@@ -26,6 +26,10 @@ public:
   /// is emitted, the heartbeat's thread holds a reference, and would have to wait for itself were that the last one.
   bool HoldsControl() const;
 
+  bool Answers() override;
+  /// Gives up control, for good. Another application can take it at once.
+  KrResult GiveBackControl();
+
   /// Sets packets to what the adapter takes, and the socket's buffer to two frames.
   KrResult CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) override;
 

@@ -1,11 +1,18 @@
 #include "gigevision/gigevisionlink.h"
 
 #include "gigevision/monitorchannel.h"
+#include "krbase/krlogger.h"
 #include "krsystem/ipv4address.h"
 
 #include <utility>
 
 namespace krtransport {
+namespace {
+
+// With the half second in which a dead device is found, two seconds.
+constexpr std::uint32_t kGiveBackTimeoutMs = 1500;
+
+} // namespace
 
 using krsystem::DeviceAccess;
 
@@ -61,7 +68,8 @@ GigEVisionLink::GigEVisionLink(const LinkTarget& aTarget, Parts aParts)
       mWatch(
           aTarget, std::move(aParts.watchClient), [this] { return mDevice == nullptr || mDevice->HoldsControl(); },
           [this](const KrResult& aReason) { OnLost(aReason); }),
-      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))) {}
+      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))),
+      mFeatures(mDevice != nullptr ? std::make_unique<AravisFeatures>(*mIoThread, mWatch, mDevice) : nullptr) {}
 
 GigEVisionLink::~GigEVisionLink() {
   mWatch.Stop();
@@ -69,6 +77,7 @@ GigEVisionLink::~GigEVisionLink() {
   mIoThread->Interrupt({KrResult::Code::Aborted, "The device is being closed."});
   mSource.reset();
   mPort.reset();
+  mFeatures.reset();
   // Released where it was used: its destruction makes blocking calls.
   const KrResult released = mIoThread->RunToEnd([this](const std::atomic<bool>&) {
     mDevice.reset();
@@ -82,9 +91,26 @@ krsystem::IBufferSource* GigEVisionLink::GetBufferSource(std::uint32_t aChannel)
 }
 
 void GigEVisionLink::GiveBackControl() {
-  mWatch.Stop();
-  OnLost({KrResult::Code::ConnectionLost, "Control of the device was given back."});
-  mSource.reset();
+  if (mDevice == nullptr || mIsGivenBack.exchange(true))
+    return;
+  const KrResult reason(KrResult::Code::ConnectionLost, "Control of the device was given back.");
+  const bool answers = mWatch.IsConnected() && mDevice->Answers();
+  mWatch.Disconnect();
+  // Nobody waits for an access from here on, and those that wait their turn are skipped.
+  mIoThread->Interrupt(reason);
+  const auto stream = std::make_shared<StreamPointer>(mSource->Detach(reason));
+  const auto giveBack = [device = mDevice, stream, answers](const std::atomic<bool>&) {
+    if (*stream != nullptr)
+      static_cast<void>(AravisBufferSource::EndStream(*device, std::move(*stream), !answers)); // Control matters more.
+    return answers ? device->GiveBackControl() : KrResult();
+  };
+  if (!answers) {
+    mIoThread->Post(giveBack);
+    return;
+  }
+  if (const KrResult result = mIoThread->RunRegardless(giveBack, kGiveBackTimeoutMs); !result.IsOK())
+    KrLogger("GigEVision")
+        .Log(KrLogLevel::Warning, {"GigEVisionLink::GiveBackControl", "gigevisionlink"}, result.GetDescription());
 }
 
 void GigEVisionLink::OnLost(const KrResult& aReason) {

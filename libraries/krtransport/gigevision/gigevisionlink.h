@@ -3,6 +3,7 @@
 // order.
 
 #include "aravis/aravisbuffersource.h"
+#include "aravis/aravisfeatures.h"
 #include "aravis/channelregisterport.h"
 #include "aravis/iothread.h"
 #include "gigevision/gigevisiondevice.h"
@@ -10,6 +11,7 @@
 #include "gigevision/linkwatch.h"
 #include "krsystem/idevicelink.h"
 
+#include <atomic>
 #include <memory>
 
 namespace krtransport {
@@ -26,6 +28,8 @@ public:
   IKrRegisterPort& GetRegisterPort() override { return *mPort; }
   /// Channel 0 of a device under control. Aravis receives no other, and a monitor none.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
+  krsystem::IFeatureAccess* GetFeatures() override { return mFeatures.get(); }
+  /// Takes up to two seconds with a device that answers, about half a second with one that does not.
   void GiveBackControl() override;
   bool IsConnected() const override { return mWatch.IsConnected(); }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override { mWatch.SetSink(aSink); }
@@ -49,6 +53,8 @@ private:
   std::unique_ptr<AravisBufferSource> mSource;
   LinkWatch mWatch;
   std::unique_ptr<ChannelRegisterPort> mPort;
+  std::unique_ptr<AravisFeatures> mFeatures; // Null for a monitor.
+  std::atomic<bool> mIsGivenBack{false};
 };
 
 } // namespace krtransport

@@ -27,8 +27,18 @@ LinkWatch::LinkWatch(const LinkTarget& aTarget, GvcpClient aClient, std::functio
 
 void LinkWatch::Stop() {
   mThread.request_stop();
+  if (mWatchThread.load() == std::this_thread::get_id())
+    return;
+  const std::lock_guard lock(mStopMutex);
   if (mThread.joinable())
     mThread.join();
+}
+
+void LinkWatch::Disconnect() {
+  // In this order: a watch that finds itself disconnected knows that it is being ended, and tells nothing.
+  mThread.request_stop();
+  mIsConnected = false;
+  Stop();
 }
 
 void LinkWatch::ReportSilence() {
@@ -46,9 +56,10 @@ void LinkWatch::SetSink(krsystem::IDeviceLinkSink* aSink) {
 }
 
 void LinkWatch::Watch(const std::stop_token& aStop) {
+  mWatchThread = std::this_thread::get_id();
   while (!aStop.stop_requested()) {
     const auto next = steady_clock::now() + (mIsConnected ? kProbePeriod : kReturnPeriod);
-    Judge(Probe(aStop));
+    Judge(Probe(aStop), aStop);
     PauseUntil(next, aStop);
   }
 }
@@ -79,7 +90,7 @@ LinkWatch::Finding LinkWatch::Probe(const std::stop_token& aStop) {
   return answers ? Finding::Answers : Finding::Silent;
 }
 
-void LinkWatch::Judge(Finding aFinding) {
+void LinkWatch::Judge(Finding aFinding, const std::stop_token& aStop) {
   if (aFinding == Finding::Cancelled)
     return;
   if (aFinding != Finding::Silent) {
@@ -87,6 +98,8 @@ void LinkWatch::Judge(Finding aFinding) {
     mIsSilent = false;
   }
   if (!mIsConnected) {
+    if (aStop.stop_requested())
+      return;
     if (aFinding != Finding::Silent && !std::exchange(mIsBack, true))
       Tell([](krsystem::IDeviceLinkSink& aSink) { aSink.OnLinkBack(); });
     return;

@@ -38,15 +38,17 @@ public:
   void ReportSilence() override;
   /// As IDeviceLink::SetSink.
   void SetSink(krsystem::IDeviceLinkSink* aSink);
-  /// Ends the watch: afterwards no call of it runs or comes. Not from a sink's call.
+  /// Ends the watch: afterwards no call of it comes, and none runs but the sink's that this is called from.
   void Stop();
+  /// Ends the watch and has the device count as lost, without word of it.
+  void Disconnect();
 
 private:
   enum class Finding { Answers, Uncontrolled, Silent, Cancelled };
 
   void Watch(const std::stop_token& aStop);
   Finding Probe(const std::stop_token& aStop);
-  void Judge(Finding aFinding);
+  void Judge(Finding aFinding, const std::stop_token& aStop);
   void Lose(const char* aWhy);
   void Tell(const std::function<void(krsystem::IDeviceLinkSink&)>& aCall);
   void PauseUntil(std::chrono::steady_clock::time_point aMoment, const std::stop_token& aStop);
@@ -73,6 +75,9 @@ private:
   krsystem::IDeviceLinkSink* mSink = nullptr;
   std::thread::id mTellingThread;
 
+  std::atomic<std::thread::id> mWatchThread; // None before it runs.
+  // Guards the joining of the thread.
+  std::mutex mStopMutex;
   std::jthread mThread;
 };
 

@@ -1,0 +1,74 @@
+#include "gigevisionfixture.h"
+
+namespace {
+
+using GigEVisionLoss = GigEVisionStreamTest;
+
+TEST_F(GigEVisionLoss, CameraKilledWhileStreaming_EndsRetrieveAndRegistersWithConnectionLost) {
+  ASSERT_TRUE(Start().IsOK());
+  KrBuffer* buffer = nullptr;
+  ASSERT_TRUE(mSource->Retrieve(buffer, kGenerousTimeoutMs).IsOK());
+  mCamera->Kill();
+
+  KrResult result;
+  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+  while (result != KrResult::Code::ConnectionLost && std::chrono::steady_clock::now() < limit)
+    result = mSource->Retrieve(buffer, 1000);
+
+  EXPECT_EQ(result, KrResult::Code::ConnectionLost);
+  EXPECT_TRUE(mSink.WaitForLost());
+  EXPECT_FALSE(mLink->IsConnected());
+  EXPECT_EQ(mSink.GetLostCount(), 1);
+  EXPECT_EQ(mSink.GetReason(), KrResult::Code::ConnectionLost);
+  EXPECT_EQ(WriteRegister(*mLink, kWidthRegister, 100), KrResult::Code::ConnectionLost);
+  EXPECT_EQ(mSource->Queue(&mBuffers[0]), KrResult::Code::WrongState);
+  EXPECT_EQ(mSource->Start(), KrResult::Code::WrongState);
+  mSource->Stop();
+  EXPECT_EQ(mSource->Start(), KrResult::Code::ConnectionLost);
+}
+
+TEST_F(GigEVisionLoss, CameraKilled_StoppedBeforeTheLossIsNoticed_StopReturns) {
+  ASSERT_TRUE(Start().IsOK());
+  mCamera->Kill();
+
+  mSource->Stop();
+
+  KrBuffer* buffer = nullptr;
+  EXPECT_THAT(mSource->Retrieve(buffer, 0).GetCode(),
+              testing::AnyOf(KrResult::Code::Aborted, KrResult::Code::ConnectionLost));
+}
+
+TEST_F(GigEVisionLoss, CameraKilled_RegisterReadWithAShortLimit_ReturnsAndTheNextFailsAtOnce) {
+  mCamera->Kill();
+  std::array<std::uint8_t, 4> bytes{};
+
+  const KrResult first = mLink->GetRegisterPort().Read(kWidthRegister, bytes.data(), bytes.size(), 50);
+  const KrResult second = mLink->GetRegisterPort().Read(kWidthRegister, bytes.data(), bytes.size(), 3600000);
+
+  EXPECT_EQ(first, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(second.GetCode(), testing::AnyOf(KrResult::Code::TimeLimitExceeded, KrResult::Code::ConnectionLost));
+}
+
+TEST_F(GigEVisionLoss, CameraRestarted_AfterItsLoss_TellsOnceThatItIsBackAndCanBeOpenedAnew) {
+  mCamera->Kill();
+  ASSERT_TRUE(mSink.WaitForLost());
+  mCamera = std::make_unique<FakeCamera>();
+
+  EXPECT_TRUE(mSink.WaitForBack());
+
+  EXPECT_FALSE(mLink->IsConnected());
+  mLink.reset();
+  EXPECT_EQ(mSink.GetLostCount(), 1);
+  EXPECT_EQ(mSink.GetBackCount(), 1);
+  EXPECT_NE(OpenControlled(), nullptr);
+}
+
+TEST_F(GigEVisionLoss, CameraRestartedAtOnce_IsNoticedBecauseNobodyControlsIt) {
+  mCamera->Kill();
+  mCamera = std::make_unique<FakeCamera>();
+
+  EXPECT_TRUE(mSink.WaitForLost());
+  EXPECT_TRUE(mSink.WaitForBack());
+}
+
+} // namespace

@@ -1,0 +1,98 @@
+#include "gigevisionfixture.h"
+
+#include <thread>
+
+namespace {
+
+using GigEVisionStream = GigEVisionStreamTest;
+
+TEST_F(GigEVisionStream, PayloadSize_WidthAndHeightSet_IsTheirProduct) {
+  std::uint64_t bytes = 0;
+
+  const KrResult result = mSource->GetPayloadSize(bytes);
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(bytes, std::uint64_t{kWidth} * kHeight);
+}
+
+TEST_F(GigEVisionStream, Retrieve_TwoHundredFrames_AreAllComplete) {
+  const KrResult started = Start();
+  ASSERT_TRUE(started.IsOK()) << started.GetDescription().CStr();
+  std::uint64_t lastFrameID = 0;
+
+  for (int i = 0; i < 200; ++i) {
+    KrBuffer* buffer = nullptr;
+    const KrResult result = mSource->Retrieve(buffer, kGenerousTimeoutMs);
+    ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    ASSERT_EQ(buffer->GetStatus(), KrBufferStatus::Complete) << "frame " << i;
+    ASSERT_EQ(buffer->GetPayloadType(), KrPayloadType::Image);
+    ASSERT_EQ(buffer->GetImage()->GetWidth(), kWidth);
+    ASSERT_EQ(buffer->GetImage()->GetHeight(), kHeight);
+    ASSERT_EQ(buffer->GetImage()->GetPixelType(), KrPixel::Mono8);
+    ASSERT_EQ(buffer->GetAcquiredSize(), std::size_t{kWidth} * kHeight);
+    ASSERT_NE(buffer->GetFrameID(), lastFrameID);
+    ASSERT_GT(buffer->GetHostTimestampNs(), 0u);
+    lastFrameID = buffer->GetFrameID();
+    ASSERT_TRUE(mSource->Queue(buffer).IsOK());
+  }
+  const auto statistics = mSource->GetStatistics();
+  mSource->Stop();
+
+  EXPECT_GE(statistics.received, 200u);
+  EXPECT_EQ(statistics.incomplete, 0u);
+  EXPECT_GE(statistics.bytes, std::uint64_t{200} * kWidth * kHeight);
+}
+
+TEST_F(GigEVisionStream, Retrieve_BuffersSmallerThanTheFrame_SaysTooSmallOrIncomplete) {
+  ASSERT_TRUE(Start(1000).IsOK());
+  KrBuffer* buffer = nullptr;
+
+  const KrResult result = mSource->Retrieve(buffer, kGenerousTimeoutMs);
+
+  ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_THAT(buffer->GetStatus(), testing::AnyOf(KrBufferStatus::TooSmall, KrBufferStatus::Incomplete));
+  EXPECT_LE(buffer->GetAcquiredSize(), 1000u);
+}
+
+TEST_F(GigEVisionStream, Retrieve_NoBufferQueued_ReturnsTimeLimitExceeded) {
+  ASSERT_TRUE(mSource->Start().IsOK());
+  KrBuffer* buffer = nullptr;
+
+  const KrResult result = mSource->Retrieve(buffer, 50);
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(buffer, nullptr);
+}
+
+TEST_F(GigEVisionStream, Stop_WhileAnotherThreadWaits_EndsTheWaitWithAborted) {
+  ASSERT_TRUE(mSource->Start().IsOK());
+  KrResult result;
+  std::thread waiter([&] {
+    KrBuffer* buffer = nullptr;
+    result = mSource->Retrieve(buffer, 3600000);
+  });
+
+  mSource->Stop();
+  waiter.join();
+
+  EXPECT_EQ(result, KrResult::Code::Aborted);
+}
+
+TEST_F(GigEVisionStream, Stop_BuffersQueued_LeavesThemAloneAndStartsAgain) {
+  ASSERT_TRUE(Start().IsOK());
+  KrBuffer* buffer = nullptr;
+  ASSERT_TRUE(mSource->Retrieve(buffer, kGenerousTimeoutMs).IsOK());
+
+  mSource->Stop();
+  for (KrBuffer& each : mBuffers)
+    each.Free();
+  const KrResult stopped = mSource->Retrieve(buffer, 0);
+  const KrResult again = Start();
+  const KrResult retrieved = mSource->Retrieve(buffer, kGenerousTimeoutMs);
+
+  EXPECT_EQ(stopped, KrResult::Code::Aborted);
+  EXPECT_TRUE(again.IsOK()) << again.GetDescription().CStr();
+  EXPECT_TRUE(retrieved.IsOK()) << retrieved.GetDescription().CStr();
+}
+
+} // namespace
