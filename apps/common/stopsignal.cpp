@@ -1,7 +1,6 @@
 #include "stopsignal.h"
 
 #include <atomic>
-#include <csignal>
 
 namespace krapps {
 
@@ -10,19 +9,20 @@ namespace {
 std::atomic<bool> gRaised = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "A signal handler may touch lock-free atomics alone.");
 
-constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
-
 } // namespace
 
 StopSignal::StopSignal() {
   gRaised = false;
-  for (const int signal : kSignals)
-    std::signal(signal, [](int) { gRaised = true; });
+  struct sigaction action = {};
+  action.sa_handler = [](int) { gRaised = true; };
+  action.sa_flags = SA_RESTART;
+  for (std::size_t i = 0; i < kSignals.size(); ++i)
+    sigaction(kSignals[i], &action, &mFormerActions[i]);
 }
 
 StopSignal::~StopSignal() {
-  for (const int signal : kSignals)
-    std::signal(signal, SIG_DFL);
+  for (std::size_t i = 0; i < kSignals.size(); ++i)
+    sigaction(kSignals[i], &mFormerActions[i], nullptr);
 }
 
 bool StopSignal::IsRaised() const {

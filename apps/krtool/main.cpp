@@ -1,6 +1,7 @@
 // The command line companion: lists cameras and takes frames from them, without a display.
 
 #include "commandline.h"
+#include "krdevice/krdeviceend.h"
 #include "krtransport/krtransport.h"
 #include "listcommand.h"
 #include "streamcommand.h"
@@ -10,6 +11,8 @@
 namespace {
 
 int RunWithDevices(const krtool::CommandLine& aCommandLine) {
+  if (KrResult prepared = KrGiveBackDevicesAtEnd(); !prepared.IsOK())
+    std::cerr << "krtool: " << prepared.GetDescription().CStr() << '\n';
   const KrTransportSelection selection = {.gigEVision = true, .simulation = aCommandLine.simulate};
   if (KrResult installed = KrInstallTransports(selection); !installed.IsOK()) {
     std::cerr << "krtool: " << installed.GetDescription().CStr() << '\n';

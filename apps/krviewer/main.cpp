@@ -1,5 +1,6 @@
 #include "commandline.h"
 #include "deviceselection.h"
+#include "krdevice/krdeviceend.h"
 #include "krgui/krapplication.h"
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
@@ -82,5 +83,8 @@ int main(int aArgumentCount, char** aArguments) {
   case krviewer::CommandLineStatus::Run:
     break;
   }
+  // Before there are windows, whose toolkit may start threads.
+  if (KrResult prepared = KrGiveBackDevicesAtEnd(); !prepared.IsOK())
+    std::fprintf(stderr, "%s\n", prepared.GetDescription().CStr());
   return PrepareWindows(commandLine) ? RunViewer(commandLine) : 1;
 }

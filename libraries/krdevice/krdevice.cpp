@@ -5,6 +5,7 @@
 #include "krdevice/krdevicetolvanprotocol.h"
 #include "krdevice/krdeviceu3v.h"
 #include "krsystem/itransport.h"
+#include "opendevices.h"
 
 #include <array>
 #include <exception>
@@ -14,7 +15,8 @@
 
 struct KrDevice::Body : krsystem::IDeviceLinkSink {
   Body(KrDevice& aDevice, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
-      : device(aDevice), fields(std::move(aFields)), link(std::move(aLink)) {}
+      : device(aDevice), fields(std::move(aFields)), link(std::move(aLink)),
+        place(krdevice::OpenDevices::Get().Add(*link)) {}
 
   void OnLinkLost(const KrResult& aReason) override {
     sinks.Notify([&](KrDeviceEventSink& aSink) { aSink.OnDeviceLost(&device, aReason); });
@@ -27,6 +29,7 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
   const krsystem::DeviceFields fields;
   krdevice::EventSinks sinks;
   std::unique_ptr<krsystem::IDeviceLink> link;
+  const krdevice::OpenDevices::Place place;
 };
 
 namespace {
@@ -90,6 +93,24 @@ krsystem::DeviceAccess ToTransport(KrDeviceAccess aAccess) {
   return krsystem::DeviceAccess::Exclusive;
 }
 
+// While it lives, the process' end waits for the device that is being opened.
+class Opening {
+public:
+  Opening() : mIsAllowed(krdevice::OpenDevices::Get().BeginOpening(mPlace)) {}
+  ~Opening() {
+    if (mIsAllowed)
+      krdevice::OpenDevices::Get().Remove(mPlace);
+  }
+  Opening(const Opening&) = delete;
+  Opening& operator=(const Opening&) = delete;
+
+  bool IsAllowed() const { return mIsAllowed; }
+
+private:
+  krdevice::OpenDevices::Place mPlace = 0;
+  const bool mIsAllowed;
+};
+
 KrResult OpenLink(const KrDeviceInfo& aInfo, const Kind& aKind, KrDeviceAccess aAccess, LinkPointer& aLink) {
   const std::shared_ptr<krsystem::ITransport> transport = aInfo.GetTransport();
   if (!transport)
@@ -113,6 +134,9 @@ KrResult KrDevice::Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::
   const Kind* const kind = FindKind(aInfo.GetType());
   if (!kind)
     return {KrResult::Code::NotSupported, "Opening " + aInfo.GetDisplayID() + ": it is no camera that can be opened."};
+  const Opening opening;
+  if (!opening.IsAllowed())
+    return {KrResult::Code::Aborted, "Opening " + aInfo.GetDisplayID() + ": the process is about to end."};
   LinkPointer link;
   const KrResult result = OpenLink(aInfo, *kind, aAccess, link);
   if (!result.IsOK())
@@ -131,6 +155,12 @@ KrDevice::KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::Devic
 KrDevice::~KrDevice() {
   // No event may reach the application while its device goes.
   mBody->link->SetSink(nullptr);
+  krdevice::OpenDevices& devices = krdevice::OpenDevices::Get();
+  if (devices.BeginClosing(mBody->place))
+    mBody->link.reset();
+  else // Still in use while the process ends.
+    static_cast<void>(mBody->link.release());
+  devices.Remove(mBody->place);
 }
 
 const KrString& KrDevice::GetDisplayID() const {

@@ -221,6 +221,38 @@ TEST(KrDeviceEvents, UnregisterEventSink_FromItsOwnCall_ReturnsAndEndsTheCalls) 
   EXPECT_EQ(sink.back, 0);
 }
 
+TEST(KrDeviceEvents, RegisterEventSink_OfAnotherSinkInACall_ThatSinkHearsTheNextEvent) {
+  OpenedDevice gev(MakeFields<krsystem::GEVFields>());
+  ASSERT_TRUE(gev.Open().IsOK());
+  RecordingSink first;
+  RecordingSink second;
+  first.onLost = [&] { EXPECT_TRUE(gev.device->RegisterEventSink(&second).IsOK()); };
+  EXPECT_TRUE(gev.device->RegisterEventSink(&first).IsOK());
+
+  gev.link->sink->OnLinkLost(KrResult::Code::ConnectionLost);
+  gev.link->sink->OnLinkBack();
+
+  EXPECT_EQ(second.lost, 0);
+  EXPECT_EQ(second.back, 1);
+}
+
+TEST(KrDeviceEvents, UnregisterAndRegister_InASinksOwnCall_ItHearsTheNextEventOnce) {
+  OpenedDevice gev(MakeFields<krsystem::GEVFields>());
+  ASSERT_TRUE(gev.Open().IsOK());
+  RecordingSink sink;
+  sink.onLost = [&] {
+    EXPECT_TRUE(gev.device->UnregisterEventSink(&sink).IsOK());
+    EXPECT_TRUE(gev.device->RegisterEventSink(&sink).IsOK());
+  };
+  EXPECT_TRUE(gev.device->RegisterEventSink(&sink).IsOK());
+
+  gev.link->sink->OnLinkLost(KrResult::Code::ConnectionLost);
+  gev.link->sink->OnLinkBack();
+
+  EXPECT_EQ(sink.lost, 1);
+  EXPECT_EQ(sink.back, 1);
+}
+
 TEST(KrDeviceEvents, UnregisterEventSink_OfAnotherSinkInACall_ThatSinkIsNotCalled) {
   OpenedDevice gev(MakeFields<krsystem::GEVFields>());
   ASSERT_TRUE(gev.Open().IsOK());

@@ -1,0 +1,27 @@
+#pragma once
+// The end of a process with open devices: without this, a camera that was under control when its process was killed
+// stays so until its heartbeat runs out, and the next start is refused.
+
+#include "krbase/krresult.h"
+
+/// From now on every open KrDevice of this process gives its control back when the process ends by exit() or the end of
+/// main(), or by SIGINT, SIGTERM or SIGHUP, of which those are taken whose action is the default one at this moment. A
+/// signal that the application handles or ignores is left alone. After a signal was taken the process ends by it as it
+/// would have, some moments later; until then its other threads go on and nothing can be opened any more.
+///
+/// All devices give back at once; the process waits three seconds at most, for a device that does not answer. Not
+/// covered, so that the heartbeat has to run out: SIGKILL, crashes, abort(), an exception that nobody catches, _exit()
+/// and quick_exit().
+///
+/// To be called once near the beginning of main(), before threads are started and before the application takes signals
+/// itself. Calling it again is harmless and takes signals whose action has become the default one since. A process that
+/// was forked afterwards leaves its parent's devices alone, and calls it for devices of its own.
+///
+/// Thread: any. SystemError when the system gives no event descriptor or no thread; nothing has changed then.
+///
+///     int main() {
+///       if (KrResult result = KrGiveBackDevicesAtEnd(); !result.IsOK())
+///         std::cerr << result.GetDescription().CStr() << '\n';
+///       ...
+///     }
+KR_EXPORT KrResult KrGiveBackDevicesAtEnd();

@@ -1,0 +1,143 @@
+#include "krdevice/krdeviceend.h"
+
+#include "krbase/krlogger.h"
+#include "opendevices.h"
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr std::chrono::seconds kLimit{3};
+
+// What the signal handler sees.
+std::atomic<pid_t> gProcess = 0; // The process that the descriptor and its thread belong to.
+std::atomic<int> gWakeDescriptor = -1;
+std::atomic<int> gSignal = 0; // The first that was taken.
+static_assert(std::atomic<pid_t>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
+              "A signal handler may touch lock-free atomics alone.");
+
+// Ends the process as the signal would have. Async-signal-safe.
+void EndBySignal(int aSignal) {
+  struct sigaction action = {};
+  action.sa_handler = SIG_DFL;
+  sigaction(aSignal, &action, nullptr);
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, aSignal);
+  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+  raise(aSignal);
+}
+
+void OnSignal(int aSignal) {
+  const int error = errno;
+  if (getpid() != gProcess) {
+    // A forked child shares the parent's descriptor, not its devices.
+    EndBySignal(aSignal);
+  } else {
+    int none = 0;
+    gSignal.compare_exchange_strong(none, aSignal);
+    const std::uint64_t one = 1;
+    // It fails only when the count is full, and then the thread is awake.
+    [[maybe_unused]] const ssize_t written = write(gWakeDescriptor, &one, sizeof one);
+  }
+  errno = error;
+}
+
+void GiveBackAll() {
+  if (!krdevice::OpenDevices::Get().GiveBackAll(kLimit))
+    KrLogger("KrDevice")
+        .Log(KrLogLevel::Warning, {"KrGiveBackDevicesAtEnd", "krdeviceend"},
+             "The process ends before all devices gave their control back; it ends there with their heartbeat.");
+}
+
+void OnExit() {
+  if (getpid() == gProcess)
+    GiveBackAll();
+}
+
+void AwaitSignal(int aDescriptor) {
+  std::uint64_t count = 0;
+  while (read(aDescriptor, &count, sizeof count) < 0) {
+    if (errno != EINTR)
+      return;
+  }
+  GiveBackAll();
+  EndBySignal(gSignal);
+}
+
+KrResult Refuse(int aError) {
+  return {KrResult::Code::SystemError, "Preparing to give devices back at the end of the process: " +
+                                           KrString(std::generic_category().message(aError)) +
+                                           ". Close every device before the end instead."};
+}
+
+// The thread takes no signals: they belong to the application's threads.
+KrResult StartThread(int aDescriptor) {
+  sigset_t all;
+  sigset_t former;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &former);
+  KrResult result;
+  try {
+    std::thread(AwaitSignal, aDescriptor).detach();
+  } catch (const std::system_error& error) {
+    result = Refuse(error.code().value());
+  }
+  pthread_sigmask(SIG_SETMASK, &former, nullptr);
+  return result;
+}
+
+KrResult Prepare() {
+  static bool isExitWatched = false; // Stays so in a forked child.
+  if (!isExitWatched && std::atexit(OnExit) != 0)
+    return Refuse(ENOMEM);
+  isExitWatched = true;
+  const int descriptor = eventfd(0, EFD_CLOEXEC);
+  if (descriptor < 0)
+    return Refuse(errno);
+  if (KrResult started = StartThread(descriptor); !started.IsOK()) {
+    close(descriptor);
+    return started;
+  }
+  gSignal = 0;
+  gWakeDescriptor = descriptor;
+  gProcess = getpid();
+  return {};
+}
+
+void TakeDefaultSignals() {
+  for (const int signal : kSignals) {
+    struct sigaction former = {};
+    if (sigaction(signal, nullptr, &former) != 0 || former.sa_handler != SIG_DFL)
+      continue;
+    struct sigaction action = {};
+    action.sa_handler = OnSignal;
+    action.sa_flags = SA_RESTART;
+    sigaction(signal, &action, nullptr);
+  }
+}
+
+} // namespace
+
+KrResult KrGiveBackDevicesAtEnd() {
+  static std::mutex mutex; // Guards the preparation, which is done once in a process.
+  const std::lock_guard lock(mutex);
+  if (gProcess != getpid()) {
+    if (KrResult prepared = Prepare(); !prepared.IsOK())
+      return prepared;
+  }
+  TakeDefaultSignals();
+  return {};
+}

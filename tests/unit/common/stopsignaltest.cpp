@@ -1,0 +1,39 @@
+#include "stopsignal.h"
+
+#include <gtest/gtest.h>
+
+namespace krapps {
+namespace {
+
+volatile std::sig_atomic_t gFormerCalls = 0;
+
+TEST(StopSignal, EachSignal_WhileItLives_SetsTheFlagAlone) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const StopSignal stop;
+    EXPECT_FALSE(stop.IsRaised());
+
+    std::raise(signal);
+
+    EXPECT_TRUE(stop.IsRaised());
+  }
+}
+
+TEST(StopSignal, Destruction_FormerActions_AreThereAgain) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    gFormerCalls = 0;
+    const auto original = std::signal(signal, [](int) { gFormerCalls = gFormerCalls + 1; });
+    {
+      const StopSignal stop;
+      std::raise(signal);
+    }
+    EXPECT_EQ(gFormerCalls, 0);
+
+    std::raise(signal);
+
+    EXPECT_EQ(gFormerCalls, 1);
+    std::signal(signal, original);
+  }
+}
+
+} // namespace
+} // namespace krapps

@@ -1,0 +1,178 @@
+#include "krdevice/krdeviceend.h"
+
+#include "fakelink.h"
+#include "krdevice/krdevicegev.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+// Each end is that of a child process, which says on standard error what happens to its devices.
+namespace {
+
+void Say(const std::string& aText) {
+  [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, aText.data(), aText.size());
+}
+
+std::unique_ptr<KrDevice> OpenDevice() {
+  auto link = std::make_unique<FakeLink>();
+  link->onGiveBack = [] { Say("given back\n"); };
+  return std::make_unique<KrDeviceGEV>(std::move(link), MakeDeviceFields());
+}
+
+// Ends within the wait for it, or never.
+[[noreturn]] void AwaitEnd() {
+  for (;;)
+    pause();
+}
+
+[[noreturn]] void RaiseWithOpenDevice(int aSignal) {
+  if (!KrGiveBackDevicesAtEnd().IsOK())
+    Say("refused\n");
+  const std::unique_ptr<KrDevice> device = OpenDevice();
+  raise(aSignal);
+  AwaitEnd();
+}
+
+class KrGiveBackDevicesAtEndDeathTest : public testing::Test {
+protected:
+  KrGiveBackDevicesAtEndDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+using testing::Eq;
+
+} // namespace
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, EachSignal_DeviceOpen_GivesItBackAndEndsByThatSignal) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    EXPECT_EXIT(RaiseWithOpenDevice(signal), testing::KilledBySignal(signal), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, Exit_DeviceOpen_GivesItBackAndKeepsTheExitCode) {
+  const auto exitWithOpenDevice = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    exit(7);
+  };
+
+  EXPECT_EXIT(exitWithOpenDevice(), testing::ExitedWithCode(7), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, Exit_DeviceDestroyedBefore_NothingIsGivenBack) {
+  const auto exitAfterwards = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    OpenDevice().reset();
+    exit(0);
+  };
+
+  EXPECT_EXIT(exitAfterwards(), testing::ExitedWithCode(0), Eq(""));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, Exit_DeviceOfAStaticObject_IsGivenBackOnceAndThenDestroyed) {
+  const auto exitWithStaticDevice = [] {
+    static std::unique_ptr<KrDevice> device;
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    device = OpenDevice();
+    exit(0);
+  };
+
+  EXPECT_EXIT(exitWithStaticDevice(), testing::ExitedWithCode(0), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, NotCalled_Signal_EndsAsEver) {
+  const auto raiseUnprepared = [] {
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    raise(SIGTERM);
+    AwaitEnd();
+  };
+
+  EXPECT_EXIT(raiseUnprepared(), testing::KilledBySignal(SIGTERM), Eq(""));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, CalledTwice_Signal_GivesBackOnce) {
+  const auto raisePreparedTwice = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    RaiseWithOpenDevice(SIGTERM);
+  };
+
+  EXPECT_EXIT(raisePreparedTwice(), testing::KilledBySignal(SIGTERM), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, SignalThatTheApplicationHandles_IsLeftAlone) {
+  const auto handle = [] {
+    signal(SIGTERM, [](int) { _exit(3); });
+    RaiseWithOpenDevice(SIGTERM);
+  };
+
+  EXPECT_EXIT(handle(), testing::ExitedWithCode(3), Eq(""));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, SignalThatTheApplicationIgnores_IsLeftAlone) {
+  const auto ignore = [] {
+    signal(SIGHUP, SIG_IGN);
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    raise(SIGHUP);
+    Say("goes on\n");
+    _exit(0);
+  };
+
+  EXPECT_EXIT(ignore(), testing::ExitedWithCode(0), Eq("goes on\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, SecondCall_SignalThatHasItsDefaultActionAgain_IsTaken) {
+  const auto giveUpHandling = [] {
+    signal(SIGTERM, SIG_IGN);
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    signal(SIGTERM, SIG_DFL);
+    RaiseWithOpenDevice(SIGTERM);
+  };
+
+  EXPECT_EXIT(giveUpHandling(), testing::KilledBySignal(SIGTERM), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, ForkedChild_EndsByExitOrSignal_LeavesTheParentsDevicesAlone) {
+  const auto forkAndEnd = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    const pid_t exiting = fork();
+    if (exiting == 0)
+      exit(5);
+    const pid_t signalled = fork();
+    if (signalled == 0) {
+      raise(SIGTERM);
+      AwaitEnd();
+    }
+    int exitStatus = 0;
+    int signalStatus = 0;
+    waitpid(exiting, &exitStatus, 0);
+    waitpid(signalled, &signalStatus, 0);
+    const bool asExpected = WIFEXITED(exitStatus) && WEXITSTATUS(exitStatus) == 5 && WIFSIGNALED(signalStatus) &&
+                            WTERMSIG(signalStatus) == SIGTERM;
+    Say(asExpected ? "children ended\n" : "children ended otherwise\n");
+    exit(0);
+  };
+
+  EXPECT_EXIT(forkAndEnd(), testing::ExitedWithCode(0), Eq("children ended\ngiven back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, ForkedChild_ThatCallsItItself_GivesBackItsOwnDevicesAlone) {
+  const auto forkWithOwnDevice = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    const pid_t child = fork();
+    if (child == 0)
+      RaiseWithOpenDevice(SIGTERM);
+    int status = 0;
+    waitpid(child, &status, 0);
+    _exit(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM ? 0 : 1);
+  };
+
+  EXPECT_EXIT(forkWithOwnDevice(), testing::ExitedWithCode(0), Eq("given back\n"));
+}
