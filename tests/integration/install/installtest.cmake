@@ -28,7 +28,8 @@ file(MAKE_DIRECTORY "${WORK_FOLDER}/moved")
 run_or_fail("Installing" "${CMAKE_COMMAND}" --install "${BUILD_FOLDER}" --prefix "${WORK_FOLDER}/prefix")
 file(RENAME "${WORK_FOLDER}/prefix" "${prefix}")
 
-foreach(room IN ITEMS krbase/krresult.h krbuffer/krbuffer.h krgenicam/ikrregisterport.h krsystem/krsystem.h
+foreach(room IN ITEMS krbase/krresult.h krpersistence/krconfigurationwriter.h krbuffer/krbuffer.h
+    krgenicam/ikrregisterport.h krsystem/krsystem.h
     krdevice/krdevice.h krtransport/krtransport.h krgui/krdisplaywnd.h)
   require_file("${prefix}/include/${room}")
 endforeach()
