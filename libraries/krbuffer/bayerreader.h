@@ -1,8 +1,5 @@
 #pragma once
-// Readers of the four orders of a Bayer filter with samples of 8 bits. A missing colour is the mean, rounded half up,
-// of the two or four nearest samples of that colour. The image is mirrored at its edges (the edge sample itself is not
-// repeated), which keeps every line and column in its own colours; a colour that an image of one line or one column
-// does not have at all is 0.
+// Readers of the four orders of a Bayer filter with samples of 8 bits, which are interpolated where they lie.
 
 #include "pixelreaders.h"
 

@@ -2,9 +2,13 @@
 
 #include "imagelayout.h"
 #include "lineconverter.h"
+#include "tonestore.h"
 #include "workerpool.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
 #include <exception>
 #include <mutex>
 #include <new>
@@ -16,6 +20,8 @@ namespace {
 
 using krbuffer::ImageShape;
 using krbuffer::LineConverter;
+using krbuffer::ToneSettings;
+using krbuffer::ToneStore;
 using krbuffer::WorkerPool;
 
 constexpr int kMostThreads = 64;
@@ -23,6 +29,10 @@ constexpr int kMostThreads = 64;
 constexpr std::uint64_t kLeastSharedPixels = 256 * 1024;
 /// Parts for each thread, so that one that is held up does not hold up the whole image.
 constexpr std::uint32_t kPartsPerThread = 4;
+
+constexpr double kMostWhiteBalance = 16;
+constexpr double kLeastGamma = 0.1;
+constexpr double kMostGamma = 10;
 
 /// What a source says of itself, asked once: an application's own image may answer differently every time.
 struct SourceImage {
@@ -112,6 +122,17 @@ Conversion MakeConversion(const LineConverter& aConverter, IKrImage& aDestinatio
           static_cast<std::size_t>(krbuffer::GetStrideBytes(destination)), aBottomUp};
 }
 
+/// False for what is no number, too.
+bool IsWithin(double aValue, double aLeast, double aMost) {
+  return aValue >= aLeast && aValue <= aMost;
+}
+
+std::string ToText(double aValue) {
+  std::array<char, 32> text;
+  const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), aValue);
+  return {text.data(), error == std::errc() ? end : text.data()};
+}
+
 int GetEffectiveThreadCount(int aThreadCount) {
   const int wanted = aThreadCount > 0 ? aThreadCount : static_cast<int>(std::thread::hardware_concurrency());
   return std::clamp(wanted, 1, kMostThreads);
@@ -123,6 +144,7 @@ struct KrBufferConverter::Body {
   int threadCount = 1;
   std::mutex poolMutex; // Guards the making of the pool, which is used without it.
   std::unique_ptr<WorkerPool> pool;
+  ToneStore tones;
 
   /// The pool where the image is worth it, or null; made when it is first needed.
   WorkerPool* FindPool(const ImageShape& aShape) {
@@ -147,11 +169,11 @@ struct KrBufferConverter::Body {
     });
   }
 
-  std::unique_ptr<LineConverter> MakeConverter(const SourceImage& aSource, KrPixelType aWanted) const {
+  std::unique_ptr<LineConverter> MakeConverter(const SourceImage& aSource, KrPixelType aWanted) {
     const ImageShape& shape = aSource.shape;
     return krbuffer::MakeLineConverter(
         {aSource.data, static_cast<std::size_t>(krbuffer::GetStrideBytes(shape)), shape.width, shape.height},
-        shape.type, aWanted);
+        shape.type, aWanted, tones);
   }
 
   KrResult Convert(const IKrImage& aSource, KrBuffer& aDestination, bool aAllocate, bool aBottomUp) {
@@ -208,4 +230,47 @@ KrResult KrBufferConverter::Convert(const IKrImage* aSource, KrBuffer* aDestinat
   } catch (...) {
     return {KrResult::Code::Failed, "An image could not be converted: its class threw an unknown exception."};
   }
+}
+
+KrResult KrBufferConverter::SetWhiteBalance(const KrWhiteBalance& aFactors) {
+  for (const double factor : {aFactors.red, aFactors.green, aFactors.blue})
+    if (!IsWithin(factor, 0, kMostWhiteBalance))
+      return {KrResult::Code::InvalidInput,
+              "The white balance was to be set with a factor of " + ToText(factor) + ". Give factors from 0 to 16."};
+  mBody->tones.ChangeSettings([&aFactors](ToneSettings& aSettings) { aSettings.whiteBalance = aFactors; });
+  return {};
+}
+
+KrWhiteBalance KrBufferConverter::GetWhiteBalance() const {
+  return mBody->tones.GetSettings().whiteBalance;
+}
+
+KrResult KrBufferConverter::SetGamma(double aExponent) {
+  if (!IsWithin(aExponent, kLeastGamma, kMostGamma))
+    return {KrResult::Code::InvalidInput,
+            "Gamma was to be set to " + ToText(aExponent) + ". Give an exponent from 0.1 to 10."};
+  mBody->tones.ChangeSettings([aExponent](ToneSettings& aSettings) { aSettings.gamma = aExponent; });
+  return {};
+}
+
+double KrBufferConverter::GetGamma() const {
+  return mBody->tones.GetSettings().gamma;
+}
+
+KrResult KrBufferConverter::SetSampleWindow(const KrSampleWindow& aWindow) {
+  // The difference is a divisor: it must be a number above 0 too.
+  if (!std::isfinite(aWindow.high - aWindow.low) || !(aWindow.low < aWindow.high))
+    return {KrResult::Code::InvalidInput, "The sample window was to be set from " + ToText(aWindow.low) + " to " +
+                                              ToText(aWindow.high) +
+                                              ". Give two numbers of which the first is the smaller one."};
+  mBody->tones.ChangeSettings([&aWindow](ToneSettings& aSettings) { aSettings.window = aWindow; });
+  return {};
+}
+
+void KrBufferConverter::ResetSampleWindow() {
+  mBody->tones.ChangeSettings([](ToneSettings& aSettings) { aSettings.window.reset(); });
+}
+
+std::optional<KrSampleWindow> KrBufferConverter::GetSampleWindow() const {
+  return mBody->tones.GetSettings().window;
 }

@@ -1,20 +1,71 @@
 #include "lineconverter.h"
 
 #include "byteconverter.h"
+#include "deepconverter.h"
+#include "floatconverter.h"
+#include "tonestore.h"
 #include "unpacker.h"
+
+#include <utility>
 
 namespace krbuffer {
 
+namespace {
+
+bool IsGreyOfFloats(const KrPixelTypeInfo& aFormat) {
+  return aFormat.sampleKind == KrSampleKind::Float && aFormat.bitsPerSample == 32 &&
+         aFormat.layout == KrPixelLayout::Mono;
+}
+
+/// True for formats whose samples can be read at their full depth and then reduced.
+bool IsDeep(const KrPixelTypeInfo& aFormat) {
+  return FindSampleReader(aFormat) != nullptr &&
+         (aFormat.layout == KrPixelLayout::Mono || FindDeepReader(aFormat.layout) != nullptr);
+}
+
+bool CanConvertToBgra(const KrPixelTypeInfo& aFormat) {
+  return FindLineReader(aFormat) != nullptr || IsDeep(aFormat) || IsGreyOfFloats(aFormat);
+}
+
+std::unique_ptr<LineConverter> MakeDeepConverter(const LineSource& aSource, const KrPixelTypeInfo& aFormat,
+                                                 std::shared_ptr<const ToneTables> aTables) {
+  const SampleReader samples = FindSampleReader(aFormat);
+  if (aFormat.layout == KrPixelLayout::Mono)
+    return std::make_unique<DeepGreyConverter>(aSource, samples, aFormat.bitsPerSample, std::move(aTables));
+  return std::make_unique<DeepColourConverter>(aSource, samples, FindDeepReader(aFormat.layout), aFormat.bitsPerSample,
+                                               std::move(aTables));
+}
+
+std::unique_ptr<LineConverter> MakeBgraConverter(const LineSource& aSource, const KrPixelTypeInfo& aFormat,
+                                                 ToneStore& aTones) {
+  if (IsGreyOfFloats(aFormat))
+    return std::make_unique<FloatConverter>(aSource, aTones.GetSettings());
+  const ToneDepth depth = GetToneDepth(aFormat);
+  std::shared_ptr<const ToneTables> tables = aTones.GetTables(depth);
+  // A reader of whole lines gives bytes: tables for more than that need the samples themselves.
+  const LineReader reader = FindLineReader(aFormat);
+  if (reader && (!tables || depth.bits == 8))
+    return std::make_unique<ByteConverter>(aSource, reader, std::move(tables));
+  return MakeDeepConverter(aSource, aFormat, std::move(tables));
+}
+
+} // namespace
+
 bool CanConvertLines(KrPixelType aSource, KrPixelType aDestination) {
-  return aDestination == KrPixel::BGRa8 ? FindLineReader(aSource) != nullptr : CanUnpack(aSource, aDestination);
+  if (aDestination != KrPixel::BGRa8)
+    return CanUnpack(aSource, aDestination);
+  const std::optional<KrPixelTypeInfo> format = KrFindPixelType(aSource);
+  return format && CanConvertToBgra(*format);
 }
 
 std::unique_ptr<LineConverter> MakeLineConverter(const LineSource& aSource, KrPixelType aSourceType,
-                                                 KrPixelType aDestinationType) {
+                                                 KrPixelType aDestinationType, ToneStore& aTones) {
   if (aDestinationType != KrPixel::BGRa8)
     return MakeUnpacker(aSource, aSourceType, aDestinationType);
-  const LineReader reader = FindLineReader(aSourceType);
-  return reader ? std::make_unique<ByteConverter>(aSource, reader) : nullptr;
+  const std::optional<KrPixelTypeInfo> format = KrFindPixelType(aSourceType);
+  if (!format || !CanConvertToBgra(*format))
+    return nullptr;
+  return MakeBgraConverter(aSource, *format, aTones);
 }
 
 } // namespace krbuffer

@@ -10,6 +10,8 @@
 
 namespace krbuffer {
 
+class ToneStore;
+
 /// Converts the lines of one image, whose conversion it was made for.
 ///
 /// Thread: ConvertLine may run in several threads at once; it touches nothing but its own destination, so that lines
@@ -25,8 +27,9 @@ public:
 /// True when MakeLineConverter gives a converter for the formats. Any thread.
 bool CanConvertLines(KrPixelType aSource, KrPixelType aDestination);
 
-/// A converter for the image, or null for formats that CanConvertLines refuses. Any thread.
+/// A converter for the image, with the settings of this moment, which concern conversions to BGRa8 alone; null for
+/// formats that CanConvertLines refuses. Any thread.
 std::unique_ptr<LineConverter> MakeLineConverter(const LineSource& aSource, KrPixelType aSourceType,
-                                                 KrPixelType aDestinationType);
+                                                 KrPixelType aDestinationType, ToneStore& aTones);
 
 } // namespace krbuffer

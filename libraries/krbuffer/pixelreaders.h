@@ -1,6 +1,6 @@
 #pragma once
-// How each format is read: one function per format that turns a line of an image into BGRa8 pixels.
-// Whether the lines are there in memory is checked by the caller.
+// Readers that turn a whole line of an image into BGRa8 pixels at once: all formats in bytes, and those in words that
+// are worth it. Whether the lines are there in memory is checked by the caller.
 
 #include "krbuffer/krpixeltype.h"
 #include "linesource.h"
@@ -13,7 +13,7 @@ namespace krbuffer {
 /// any order and in several threads.
 using LineReader = void (*)(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra);
 
-/// The reader of a format, or null for a format that is not read. Any thread.
-LineReader FindLineReader(KrPixelType aType);
+/// The reader of a format, or null for a format that no reader takes by whole lines. Any thread.
+LineReader FindLineReader(const KrPixelTypeInfo& aFormat);
 
 } // namespace krbuffer

@@ -242,7 +242,9 @@ std::uint8_t PixelReference::Reduce(double aValue, double aFactor, const Referen
   const bool isSigned = mFormat.sampleKind == KrSampleKind::Signed;
   const double least = isSigned ? -std::pow(2, bits - 1) : 0;
   const double greatest = least + std::pow(2, bits) - 1;
-  const double value = IsByteColour() ? ToByte(aValue) : aValue;
+  // Halves go up; the sum that makes one may be a hair below it.
+  constexpr double kHair = 1e-9;
+  const double value = IsByteColour() ? ToByte(aValue + kHair) : aValue;
   const double factor = IsColour() ? aFactor : 1;
   const bool hasWindow = bits > 8 && aSettings.low.has_value();
   if (factor == 1 && aSettings.gamma == 1 && !hasWindow)
@@ -254,7 +256,7 @@ std::uint8_t PixelReference::Reduce(double aValue, double aFactor, const Referen
   return ToByte(255 * std::pow(std::min(1.0, input * factor), aSettings.gamma));
 }
 
-std::optional<PixelReference::Colour> PixelReference::FindFloatRange() const {
+std::optional<PixelReference::Range> PixelReference::FindFloatRange() const {
   std::vector<double> finite;
   for (int y = 0; y < mHeight; ++y)
     for (int x = 0; x < mWidth; ++x)
@@ -263,17 +265,17 @@ std::optional<PixelReference::Colour> PixelReference::FindFloatRange() const {
   if (finite.empty())
     return std::nullopt;
   const auto [least, greatest] = std::minmax_element(finite.begin(), finite.end());
-  return Colour{*least, 0, *greatest};
+  return Range{*least, *greatest};
 }
 
-std::uint8_t PixelReference::ReduceFloat(double aValue, const ReferenceSettings& aSettings) const {
+std::uint8_t PixelReference::ReduceFloat(double aValue, const std::optional<Range>& aRange,
+                                         const ReferenceSettings& aSettings) const {
   if (std::isnan(aValue))
     return 0;
   if (std::isinf(aValue))
     return aValue > 0 ? 255 : 0;
-  const std::optional<Colour> range = FindFloatRange();
-  const double low = aSettings.low.value_or(range ? range->red : 0);
-  const double high = aSettings.high.value_or(range ? range->blue : 0);
+  const double low = aSettings.low.value_or(aRange ? aRange->least : 0);
+  const double high = aSettings.high.value_or(aRange ? aRange->greatest : 0);
   if (low == high)
     return 0;
   return ToByte(255 * std::pow(std::clamp((aValue - low) / (high - low), 0.0, 1.0), aSettings.gamma));
@@ -281,11 +283,13 @@ std::uint8_t PixelReference::ReduceFloat(double aValue, const ReferenceSettings&
 
 std::vector<std::uint8_t> PixelReference::GetBgra(const ReferenceSettings& aSettings) const {
   const bool hasAlpha = mFormat.layout == KrPixelLayout::RGBa || mFormat.layout == KrPixelLayout::BGRa;
+  const bool isFloat = mFormat.sampleKind == KrSampleKind::Float;
+  const std::optional<Range> range = isFloat ? FindFloatRange() : std::nullopt;
   std::vector<std::uint8_t> bgra;
   for (int y = 0; y < mHeight; ++y)
     for (int x = 0; x < mWidth; ++x) {
-      if (mFormat.sampleKind == KrSampleKind::Float) {
-        bgra.insert(bgra.end(), 3, ReduceFloat(GetFloat(x, y), aSettings));
+      if (isFloat) {
+        bgra.insert(bgra.end(), 3, ReduceFloat(GetFloat(x, y), range, aSettings));
       } else {
         const Colour colour = GetColour(x, y);
         bgra.push_back(Reduce(colour.blue, aSettings.blue, aSettings));

@@ -16,8 +16,8 @@ struct ReferenceSettings {
   double green = 1;
   double blue = 1;
   double gamma = 1;
-  std::optional<double> low;
-  std::optional<double> high;
+  std::optional<double> low = std::nullopt;
+  std::optional<double> high = std::nullopt;
 };
 
 class PixelReference {
@@ -36,6 +36,9 @@ public:
 private:
   struct Colour {
     double red, green, blue;
+  };
+  struct Range {
+    double least, greatest;
   };
 
   int GetLineBytes() const;
@@ -57,8 +60,8 @@ private:
   bool IsByteColour() const;
   bool IsColour() const;
   std::uint8_t Reduce(double aValue, double aFactor, const ReferenceSettings& aSettings) const;
-  std::uint8_t ReduceFloat(double aValue, const ReferenceSettings& aSettings) const;
-  std::optional<Colour> FindFloatRange() const;
+  std::uint8_t ReduceFloat(double aValue, const std::optional<Range>& aRange, const ReferenceSettings& aSettings) const;
+  std::optional<Range> FindFloatRange() const;
 
   KrPixelTypeInfo mFormat;
   int mWidth;
