@@ -1,10 +1,14 @@
 #include "krbuffer/krbuffer.h"
 
+#include "chunkparser.h"
 #include "image.h"
 #include "memory.h"
 
+#include <algorithm>
+#include <new>
 #include <string>
 #include <utility>
+#include <vector>
 
 struct KrBuffer::Body {
   KrPayloadType payloadType = KrPayloadType::Image;
@@ -14,6 +18,10 @@ struct KrBuffer::Body {
   std::uint64_t frameID = 0;
   std::uint64_t timestampNs = 0;
   std::uint64_t hostTimestampNs = 0;
+  std::vector<KrChunk> chunks;
+  std::uint64_t chunksGeneration = 0; ///< Of the memory that the chunks were found in; they go with it.
+
+  bool HasChunks() const { return !chunks.empty() && chunksGeneration == memory.GetGeneration(); }
 };
 
 KrBuffer::KrBuffer() : mBody(std::make_unique<Body>()) {}
@@ -96,6 +104,41 @@ void KrBuffer::Free() {
 KrResult KrBuffer::DescribeImage(std::uint32_t aWidth, std::uint32_t aHeight, KrPixelType aType,
                                  std::uint32_t aPaddingX, std::uint32_t aPaddingY) {
   return mBody->image.Describe({aWidth, aHeight, aType, aPaddingX, aPaddingY});
+}
+
+KrResult KrBuffer::DescribeChunks(KrByteOrder aOrder) {
+  mBody->chunks.clear();
+  mBody->chunksGeneration = mBody->memory.GetGeneration();
+  const IKrImage* image = GetImage();
+  const krbuffer::ChunkParser parser({mBody->memory.GetDataPointer(), mBody->memory.GetFilledBytes()}, aOrder,
+                                     image ? image->GetImageSize() : 0);
+  try {
+    return parser.Parse(mBody->chunks);
+  } catch (const std::bad_alloc&) {
+    return {KrResult::Code::SystemError, "The chunks of a buffer could not be listed: there is too little memory. Use "
+                                         "fewer or smaller buffers."};
+  }
+}
+
+std::size_t KrBuffer::GetChunkCount() const {
+  return mBody->HasChunks() ? mBody->chunks.size() : 0;
+}
+
+const KrChunk* KrBuffer::GetChunk(std::size_t aIndex) const {
+  return aIndex < GetChunkCount() ? &mBody->chunks[aIndex] : nullptr;
+}
+
+const KrChunk* KrBuffer::FindChunk(std::uint32_t aID) const {
+  const auto end = mBody->chunks.begin() + static_cast<std::ptrdiff_t>(GetChunkCount());
+  const auto chunk =
+      std::find_if(mBody->chunks.begin(), end, [aID](const KrChunk& aChunk) { return aChunk.id == aID; });
+  return chunk != end ? &*chunk : nullptr;
+}
+
+const std::uint8_t* KrBuffer::GetChunkData(const KrChunk& aChunk) const {
+  const std::size_t bytes = GetSize();
+  const bool isWithin = GetDataPointer() && aChunk.offset <= bytes && aChunk.length <= bytes - aChunk.offset;
+  return isWithin ? GetDataPointer() + aChunk.offset : nullptr;
 }
 
 KrBufferStatus KrBuffer::GetStatus() const {

@@ -28,6 +28,7 @@ void Memory::Free() {
   mData = nullptr;
   mBytes = 0;
   mFilledBytes = 0;
+  ++mGeneration;
 }
 
 void Memory::SetFilledBytes(std::size_t aBytes) {

@@ -28,6 +28,9 @@ public:
   std::size_t GetFilledBytes() const { return mFilledBytes; }
   void SetFilledBytes(std::size_t aBytes);
 
+  /// Changes whenever other bytes, or none, take the place of what was there.
+  std::uint64_t GetGeneration() const { return mGeneration; }
+
 private:
   struct FreeDeleter {
     void operator()(std::uint8_t* aMemory) const { std::free(aMemory); }
@@ -37,6 +40,7 @@ private:
   std::uint8_t* mData = nullptr;
   std::size_t mBytes = 0;
   std::size_t mFilledBytes = 0;
+  std::uint64_t mGeneration = 0;
 };
 
 } // namespace krbuffer

@@ -4,6 +4,7 @@
 
 #include "krbase/krresult.h"
 #include "krbuffer/ikrimage.h"
+#include "krbuffer/krchunk.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,7 +16,7 @@ enum class KrPayloadType : std::uint32_t {
   Image = 1,
   RawData = 2,
   File = 3,
-  ChunkData = 4,
+  ChunkData = 4,         ///< Chunks alone; an image with chunks behind it is an Image.
   ExtendedChunkData = 5, ///< Deprecated by the standard; still sent by older devices.
   Jpeg = 6,
   Jpeg2000 = 7,
@@ -73,8 +74,9 @@ public:
   /// Sets the number of bytes filled; more than GetSize() is cut to it.
   void SetAcquiredSize(std::size_t aBytes);
 
-  /// Makes room for bytes of no particular meaning, zeroed. 0 gives InvalidInput, more than 4 GiB too, too little
-  /// memory SystemError; the buffer is then unchanged.
+  /// Makes room for bytes of no particular meaning, zeroed; the description as an image and the chunks are forgotten,
+  /// as they are by Attach and Free. 0 gives InvalidInput, more than 4 GiB too, too little memory SystemError; the
+  /// buffer is then unchanged.
   KrResult Alloc(std::size_t aBytes);
   /// Uses memory of the caller's, which must outlive the use; it is not freed. Null or 0 gives InvalidInput.
   KrResult Attach(void* aMemory, std::size_t aBytes);
@@ -87,6 +89,21 @@ public:
   /// width 0.
   KrResult DescribeImage(std::uint32_t aWidth, std::uint32_t aHeight, KrPixelType aType, std::uint32_t aPaddingX = 0,
                          std::uint32_t aPaddingY = 0);
+
+  /// Finds the chunks at the end of the acquired bytes, without touching these: a stream does this when a frame is in.
+  /// The chunks reach back to the first byte, the image being the data of the first one, or to the end of the described
+  /// image. Payload type and image stay as they are. BadData where the bytes contradict themselves or seem to hold more
+  /// than 4096 chunks, SystemError where memory is short; there are then no chunks.
+  KrResult DescribeChunks(KrByteOrder aOrder);
+  /// The number of chunks found; 0 until they are described.
+  std::size_t GetChunkCount() const;
+  /// A chunk by its place in memory, the first being 0; null beyond the last. Valid until chunks are described again or
+  /// forgotten.
+  const KrChunk* GetChunk(std::size_t aIndex) const;
+  /// The first chunk with this identifier, or null; valid as that of GetChunk.
+  const KrChunk* FindChunk(std::uint32_t aID) const;
+  /// The first byte of a chunk's data; null for a chunk that is not within this buffer's memory.
+  const std::uint8_t* GetChunkData(const KrChunk& aChunk) const;
 
   KrBufferStatus GetStatus() const;
   void SetStatus(KrBufferStatus aStatus);
