@@ -6,16 +6,20 @@
 #include "gigevision/gvcppacket.h"
 #include "gigevision/networkadapters.h"
 #include "gigevision/receivelimit.h"
+#include "gigevision/testpackets.h"
+#include "krbase/krlogger.h"
 #include "krsystem/ipv4address.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <utility>
 
 namespace krtransport {
 namespace {
 
-constexpr std::uint32_t kMaxPacketSize = 9000;
+// How long the search for the packets' size may go on.
+constexpr std::chrono::milliseconds kSearchLimit{1000};
 
 GObjectPointer<GInetAddress> MakeInetAddress(std::uint32_t aAddress) {
   return GObjectPointer<GInetAddress>(g_inet_address_new_from_string(krsystem::FormatIPv4(aAddress).CStr()));
@@ -23,7 +27,8 @@ GObjectPointer<GInetAddress> MakeInetAddress(std::uint32_t aAddress) {
 
 } // namespace
 
-KrResult GigEVisionDevice::Open(const LinkTarget& aTarget, std::shared_ptr<GigEVisionDevice>& aDevice) {
+KrResult GigEVisionDevice::Open(const LinkTarget& aTarget, IoThread& aIoThread,
+                                std::shared_ptr<GigEVisionDevice>& aDevice) {
   InstallAravisLog();
   const std::string attempt = "Opening the device at " + krsystem::FormatIPv4(aTarget.deviceAddress).ToUtf8();
   const auto local = MakeInetAddress(aTarget.localAddress);
@@ -38,15 +43,16 @@ KrResult GigEVisionDevice::Open(const LinkTarget& aTarget, std::shared_ptr<GigEV
     return result;
   if (device == nullptr)
     return {KrResult::Code::ProtocolError, attempt + " failed."};
-  std::shared_ptr<GigEVisionDevice> opened(new GigEVisionDevice(std::move(device), aTarget));
+  std::shared_ptr<GigEVisionDevice> opened(new GigEVisionDevice(std::move(device), aTarget, aIoThread));
   if (KrResult result = opened->TakeControl(); !result.IsOK())
     return result;
   aDevice = std::move(opened);
   return {};
 }
 
-GigEVisionDevice::GigEVisionDevice(GObjectPointer<ArvDevice> aDevice, const LinkTarget& aTarget)
-    : AravisDeviceBase(std::move(aDevice)), mTarget(aTarget) {}
+GigEVisionDevice::GigEVisionDevice(GObjectPointer<ArvDevice> aDevice, const LinkTarget& aTarget, IoThread& aIoThread)
+    : AravisDeviceBase(std::move(aDevice)), mTarget(aTarget), mIoThread(aIoThread),
+      mPacing(*this, aTarget.adapterName, aTarget.readLinkSpeed) {}
 
 GigEVisionDevice::~GigEVisionDevice() = default;
 
@@ -90,22 +96,91 @@ KrResult GigEVisionDevice::GiveBackControl() {
 KrResult GigEVisionDevice::CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) {
   const std::uint32_t socketBytes = GetSocketBufferSize(aPayloadBytes);
   WarnOfReceiveLimit(socketBytes);
-  SetPacketSize(std::min(GetMtu(mTarget.adapterName), kMaxPacketSize) & ~3u);
+  SetPacketSize();
   StreamPointer stream;
   if (KrResult result = OpenArvStream(stream); !result.IsOK())
     return result;
   const auto size = std::min<std::uint32_t>(socketBytes, std::numeric_limits<gint>::max());
   g_object_set(stream.get(), "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_FIXED, "socket-buffer-size",
                static_cast<gint>(size), nullptr);
+  ShareAdapter();
   aStream = std::move(stream);
   return {};
 }
 
-void GigEVisionDevice::SetPacketSize(std::uint32_t aBytes) {
+void GigEVisionDevice::OnStreamReleased(bool aIsLost) {
+  mMembership.reset();
+  if (!aIsLost)
+    mPacing.Restore();
+}
+
+KrResult GigEVisionDevice::ReadRegister(std::uint32_t aAddress, std::uint32_t& aValue) {
   GErrorHolder error;
-  arv_gv_device_set_packet_size(ARV_GV_DEVICE(GetArvDevice()), static_cast<gint>(aBytes), error.Out());
-  if (error.IsSet())
-    LogRefusal("The device keeps its packet size: " + error.GetText());
+  arv_device_read_register(GetArvDevice(), aAddress, &aValue, error.Out());
+  return ToResult(error, "Reading a register");
+}
+
+KrResult GigEVisionDevice::WriteRegister(std::uint32_t aAddress, std::uint32_t aValue) {
+  GErrorHolder error;
+  arv_device_write_register(GetArvDevice(), aAddress, aValue, error.Out());
+  return ToResult(error, "Writing a register");
+}
+
+PacketSizeRange GigEVisionDevice::GetPacketSizeRange() {
+  constexpr const char* kFeature = "GevSCPSPacketSize";
+  gint64 smallest = 0;
+  gint64 largest = 0;
+  // A device that does not say gets the usual range.
+  GErrorHolder boundsError;
+  arv_device_get_integer_feature_bounds(GetArvDevice(), kFeature, &smallest, &largest, boundsError.Out());
+  GErrorHolder stepError;
+  const gint64 step = arv_device_get_integer_feature_increment(GetArvDevice(), kFeature, stepError.Out());
+  return MakePacketSizeRange({smallest, largest, step}, GetMtu(mTarget.adapterName));
+}
+
+std::uint32_t GigEVisionDevice::NegotiatePacketSize(const PacketSizeRange& aRange) {
+  TestPackets packets(*this);
+  if (const KrResult result = packets.Prepare(mTarget.localAddress); !result.IsOK()) {
+    LogRefusal("No packets are sent for trial. " + result.GetDescription().ToUtf8());
+    return aRange.largest;
+  }
+  const auto until = std::chrono::steady_clock::now() + kSearchLimit;
+  const PacketSizeChoice choice = SearchPacketSize(
+      aRange, [&packets](std::uint32_t aBytes) { return packets.ComesThrough(aBytes); },
+      [&] { return packets.IsDeviceAnswering() && std::chrono::steady_clock::now() < until; });
+  const std::string bytes = std::to_string(choice.bytes);
+  KrLogger("GigEVision")
+      .Log(KrLogLevel::Info, {"GigEVisionDevice::NegotiatePacketSize", "gigevisiondevice"},
+           choice.isProven ? "Stream packets of " + bytes + " bytes come through from the device."
+                           : "The device sent no packets for trial; its stream packets get the " + bytes +
+                                 " bytes that the network adapter takes.");
+  return choice.bytes;
+}
+
+void GigEVisionDevice::SetPacketSize() {
+  if (const std::uint32_t mtu = GetMtu(mTarget.adapterName); mPacketBytes == 0 || mtu != mNegotiatedMtu) {
+    mPacketBytes = NegotiatePacketSize(GetPacketSizeRange());
+    mNegotiatedMtu = mtu;
+  }
+  std::uint32_t setting = 0;
+  KrResult result = ReadRegister(kStreamPacketSizeRegister, setting);
+  if (result.IsOK())
+    result =
+        WriteRegister(kStreamPacketSizeRegister, (setting & ~(kFireTestPacketBit | kPacketSizeMask)) | mPacketBytes);
+  if (!result.IsOK())
+    LogRefusal("The device keeps its packet size. " + result.GetDescription().ToUtf8());
+}
+
+void GigEVisionDevice::ShareAdapter() {
+  const auto tellDevice = [device = weak_from_this(), &ioThread = mIoThread] {
+    ioThread.Post([device](const std::atomic<bool>&) {
+      if (const auto self = device.lock(); self != nullptr && self->mMembership != nullptr)
+        self->mPacing.Apply(self->mMembership->CountCameras(), self->mPacketBytes);
+      return KrResult();
+    });
+  };
+  mMembership = std::make_unique<AdapterMembership>(mTarget.adapterName, tellDevice);
+  mPacing.Apply(mMembership->CountCameras(), mPacketBytes);
 }
 
 } // namespace krtransport

@@ -3,7 +3,12 @@
 // adapter. What devices of every kind have in common is in the base.
 
 #include "aravis/aravisdevicebase.h"
+#include "aravis/iothread.h"
+#include "gigevision/adaptermembership.h"
+#include "gigevision/bootstrapregisters.h"
 #include "gigevision/linktarget.h"
+#include "gigevision/packetpacing.h"
+#include "gigevision/packetsizesearch.h"
 
 #include <cstdint>
 #include <memory>
@@ -12,11 +17,13 @@ namespace krtransport {
 
 /// Thread: the link's I/O thread alone, opening and destruction too. Destruction gives control back; with a device that
 /// is dead it takes up to about ten seconds.
-/// Ownership: whoever runs jobs on the I/O thread shares it.
-class GigEVisionDevice final : public AravisDeviceBase {
+/// Ownership: whoever runs jobs on the I/O thread shares it; borrows that thread, to hear there of other cameras.
+class GigEVisionDevice final : public AravisDeviceBase,
+                               private IBootstrapRegisters,
+                               public std::enable_shared_from_this<GigEVisionDevice> {
 public:
   /// Opens a device and takes control as the target says. AccessDenied when another application has it.
-  static KrResult Open(const LinkTarget& aTarget, std::shared_ptr<GigEVisionDevice>& aDevice);
+  static KrResult Open(const LinkTarget& aTarget, IoThread& aIoThread, std::shared_ptr<GigEVisionDevice>& aDevice);
   ~GigEVisionDevice() override;
 
   /// Words of 4 bytes below 4 GiB, as many as one READMEM carries.
@@ -30,16 +37,30 @@ public:
   /// Gives up control, for good. Another application can take it at once.
   KrResult GiveBackControl();
 
-  /// Sets packets to what the adapter takes, and the socket's buffer to two frames.
+  /// Sets packets to the largest that come through, once in an opening, and the socket's buffer to two frames; takes
+  /// a share of the adapter's link.
   KrResult CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) override;
+  /// Gives up the share and puts back the device's own pause between packets.
+  void OnStreamReleased(bool aIsLost) override;
 
 private:
-  GigEVisionDevice(GObjectPointer<ArvDevice> aDevice, const LinkTarget& aTarget);
+  GigEVisionDevice(GObjectPointer<ArvDevice> aDevice, const LinkTarget& aTarget, IoThread& aIoThread);
   KrResult TakeControl();
-  /// Sets the size of the stream's packets, headers included; a device that refuses keeps its own.
-  void SetPacketSize(std::uint32_t aBytes);
+  KrResult ReadRegister(std::uint32_t aAddress, std::uint32_t& aValue) override;
+  KrResult WriteRegister(std::uint32_t aAddress, std::uint32_t aValue) override;
+  PacketSizeRange GetPacketSizeRange();
+  /// Finds the size of the stream's packets, headers included.
+  std::uint32_t NegotiatePacketSize(const PacketSizeRange& aRange);
+  /// Sets it; a device that refuses keeps its own.
+  void SetPacketSize();
+  void ShareAdapter();
 
   const LinkTarget mTarget;
+  IoThread& mIoThread;
+  std::uint32_t mPacketBytes = 0;   // 0 until it was negotiated.
+  std::uint32_t mNegotiatedMtu = 0; // The adapter's, for which it was.
+  PacketPacing mPacing;
+  std::unique_ptr<AdapterMembership> mMembership; // While a stream is open. Ends first: it calls the I/O thread.
 };
 
 } // namespace krtransport

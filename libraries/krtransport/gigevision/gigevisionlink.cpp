@@ -57,7 +57,7 @@ KrResult GigEVisionLink::OpenChannel(const LinkTarget& aTarget, Parts& aParts) {
     return {};
   }
   KrResult result = aParts.ioThread->RunToEnd(
-      [&](const std::atomic<bool>&) { return GigEVisionDevice::Open(aTarget, aParts.device); });
+      [&](const std::atomic<bool>&) { return GigEVisionDevice::Open(aTarget, *aParts.ioThread, aParts.device); });
   aParts.channel = aParts.device;
   return result;
 }

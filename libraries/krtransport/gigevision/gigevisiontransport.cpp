@@ -40,6 +40,8 @@ AccessType ToAccessType(std::uint32_t aPrivilege) {
 
 } // namespace
 
+GigEVisionTransport::GigEVisionTransport(LinkSpeedReader aReadLinkSpeed) : mReadLinkSpeed(std::move(aReadLinkSpeed)) {}
+
 KrResult GigEVisionTransport::ListInterfaces(std::vector<krsystem::InterfaceFields>& aInterfaces) {
   std::vector<NetworkAdapterFields> adapters;
   if (KrResult result = ListNetworkAdapters(adapters); !result.IsOK())
@@ -124,9 +126,12 @@ KrResult GigEVisionTransport::Open(const krsystem::InterfaceFields& aInterface,
     return {KrResult::Code::NotFound, "The device " + device->displayID +
                                           " cannot be reached from the network adapter " + adapter->displayID +
                                           ". Give it an address of that adapter's subnet."};
-  return GigEVisionLink::Open(
-      {.deviceAddress = *address, .localAddress = *local, .adapterName = adapter->name.ToUtf8(), .access = aAccess},
-      aLink);
+  return GigEVisionLink::Open({.deviceAddress = *address,
+                               .localAddress = *local,
+                               .adapterName = adapter->name.ToUtf8(),
+                               .readLinkSpeed = mReadLinkSpeed,
+                               .access = aAccess},
+                              aLink);
 }
 
 } // namespace krtransport

@@ -2,6 +2,8 @@
 // The backend for GigE Vision devices on this host's network adapters. Discovery and addresses are done with datagrams
 // of our own, open devices stand on Aravis; none of that shows here.
 
+#include "gigevision/networkadapters.h"
+#include "gigevision/packetpacing.h"
 #include "krsystem/itransport.h"
 
 namespace krtransport {
@@ -14,6 +16,9 @@ namespace krtransport {
 /// Thread, ownership: as ITransport. Reports of Discover come on the caller's thread.
 class GigEVisionTransport final : public krsystem::ITransport {
 public:
+  /// aReadLinkSpeed says how fast an adapter's link is, which cameras that stream on it share.
+  explicit GigEVisionTransport(LinkSpeedReader aReadLinkSpeed = GetLinkSpeed);
+
   KrString GetName() const override { return "GigE Vision"; }
   KrResult ListInterfaces(std::vector<krsystem::InterfaceFields>& aInterfaces) override;
   /// Interfaces of another kind are passed over.
@@ -30,6 +35,9 @@ public:
   KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
   KrResult Open(const krsystem::InterfaceFields& aInterface, const krsystem::AnyDeviceFields& aDevice,
                 krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
+
+private:
+  const LinkSpeedReader mReadLinkSpeed;
 };
 
 } // namespace krtransport

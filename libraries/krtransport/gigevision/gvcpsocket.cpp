@@ -40,6 +40,15 @@ bool Bind(const FileDescriptor& aSocket, std::uint32_t aAddress) {
   return ::bind(aSocket.Get(), AsSockaddr(local), sizeof(local)) == 0;
 }
 
+// Zeros where the kernel does not say.
+sockaddr_in GetLocalEnd(const FileDescriptor& aSocket) {
+  sockaddr_in local{};
+  socklen_t size = sizeof(local);
+  if (::getsockname(aSocket.Get(), reinterpret_cast<sockaddr*>(&local), &size) != 0)
+    return {};
+  return local;
+}
+
 } // namespace
 
 FileDescriptor::FileDescriptor(FileDescriptor&& aOther) noexcept : mDescriptor(std::exchange(aOther.mDescriptor, -1)) {}
@@ -95,12 +104,20 @@ KrResult GvcpSocket::OpenToDevice(std::uint32_t aAddress, std::optional<std::uin
   return {};
 }
 
+KrResult GvcpSocket::OpenOnAddress(std::uint32_t aLocalAddress, GvcpSocket& aSocket) {
+  FileDescriptor descriptor = MakeSocket();
+  if (!descriptor.IsOpen() || !Bind(descriptor, aLocalAddress))
+    return MakeSystemError("Opening a socket on " + krsystem::FormatIPv4(aLocalAddress).ToUtf8());
+  aSocket.mDescriptor = std::move(descriptor);
+  return {};
+}
+
+std::uint16_t GvcpSocket::GetLocalPort() const {
+  return ntohs(GetLocalEnd(mDescriptor).sin_port);
+}
+
 std::uint32_t GvcpSocket::GetLocalAddress() const {
-  sockaddr_in local{};
-  socklen_t size = sizeof(local);
-  if (::getsockname(mDescriptor.Get(), reinterpret_cast<sockaddr*>(&local), &size) != 0)
-    return 0;
-  return ntohl(local.sin_addr.s_addr);
+  return ntohl(GetLocalEnd(mDescriptor).sin_addr.s_addr);
 }
 
 KrResult GvcpSocket::Send(std::span<const std::uint8_t> aDatagram, std::uint32_t aAddress) const {

@@ -59,8 +59,12 @@ public:
   /// For one device; aLocalAddress chooses the way, or the routing table where there is none. Datagrams of others are
   /// not received.
   static KrResult OpenToDevice(std::uint32_t aAddress, std::optional<std::uint32_t> aLocalAddress, GvcpSocket& aSocket);
+  /// For what anybody sends to one of this host's addresses, on a port that the system chooses.
+  static KrResult OpenOnAddress(std::uint32_t aLocalAddress, GvcpSocket& aSocket);
 
   int GetDescriptor() const { return mDescriptor.Get(); }
+  /// The port on which the socket hears.
+  std::uint16_t GetLocalPort() const;
   /// The address from which a socket to one device sends.
   std::uint32_t GetLocalAddress() const;
   /// Sends to an address, and to the connected device when it is 0.

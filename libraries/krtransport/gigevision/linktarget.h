@@ -1,6 +1,7 @@
 #pragma once
 // Where an open device is and how it was opened: what every part of a link has to know.
 
+#include "gigevision/packetpacing.h"
 #include "krsystem/itransport.h"
 
 #include <cstdint>
@@ -12,6 +13,7 @@ struct LinkTarget {
   std::uint32_t deviceAddress = 0;
   std::uint32_t localAddress = 0; ///< This host's address on the way to the device.
   std::string adapterName;
+  LinkSpeedReader readLinkSpeed; ///< Of the adapter.
   krsystem::DeviceAccess access = krsystem::DeviceAccess::Control;
 };
 

@@ -1,5 +1,6 @@
 #include "gigevision/networkadapters.h"
 
+#include "gigevision/gvcpsocket.h"
 #include "gigevision/gvcptext.h"
 #include "krsystem/ipv4address.h"
 
@@ -11,7 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <ifaddrs.h>
-#include <iterator>
+#include <limits>
 #include <memory>
 #include <net/if.h>
 #include <net/if_arp.h>
@@ -19,6 +20,8 @@
 #include <netpacket/packet.h>
 #include <set>
 #include <sstream>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <system_error>
 
 namespace krtransport {
@@ -93,9 +96,13 @@ NetworkAdapterFields MakeFields(const std::string& aName, const KernelAdapter& a
   return fields;
 }
 
+// What can be read of a file of the kernel's; some of them refuse to be read, which the stream's operator takes as the
+// end.
 std::string ReadFile(const std::string& aPath) {
-  std::ifstream file(aPath);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  const std::ifstream file(aPath);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
 }
 
 bool ParseHex(const std::string& aText, std::uint32_t& aValue) {
@@ -193,10 +200,22 @@ std::vector<std::uint32_t> GetBroadcastAddresses(const NetworkAdapterFields& aAd
 
 std::uint32_t GetMtu(const std::string& aAdapterName) {
   constexpr std::uint32_t kEthernetMtu = 1500;
-  const std::string text = ReadFile("/sys/class/net/" + aAdapterName + "/mtu");
-  std::uint32_t mtu = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), mtu);
-  return error == std::errc() && mtu > 0 ? mtu : kEthernetMtu;
+  // By a call, as the files under /sys may be those of another network namespace.
+  const FileDescriptor descriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+  ifreq request{};
+  aAdapterName.copy(request.ifr_name, sizeof(request.ifr_name) - 1);
+  const bool isTold = descriptor.IsOpen() && ::ioctl(descriptor.Get(), SIOCGIFMTU, &request) == 0;
+  return isTold && request.ifr_mtu > 0 ? static_cast<std::uint32_t>(request.ifr_mtu) : kEthernetMtu;
+}
+
+std::uint64_t GetLinkSpeed(const std::string& aAdapterName) {
+  constexpr std::uint64_t kBitsPerMegabit = 1000000;
+  const std::string text = ReadFile("/sys/class/net/" + aAdapterName + "/speed");
+  std::int64_t megabits = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), megabits);
+  // An adapter without a link says -1, some say the largest number.
+  const bool isTold = error == std::errc() && megabits > 0 && megabits < std::numeric_limits<std::int32_t>::max();
+  return isTold ? static_cast<std::uint64_t>(megabits) * kBitsPerMegabit : 0;
 }
 
 } // namespace krtransport

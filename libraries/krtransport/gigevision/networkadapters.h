@@ -34,5 +34,7 @@ std::vector<std::uint32_t> GetBroadcastAddresses(const krsystem::NetworkAdapterF
 
 /// The largest IP packet that the adapter takes, in bytes; 1500 where the kernel does not say.
 std::uint32_t GetMtu(const std::string& aAdapterName);
+/// The speed that the adapter's link has at the moment, in bits per second; 0 where the kernel does not say.
+std::uint64_t GetLinkSpeed(const std::string& aAdapterName);
 
 } // namespace krtransport
