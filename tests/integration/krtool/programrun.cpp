@@ -99,5 +99,6 @@ int ProgramRun::Finish() {
   int status = 0;
   ::waitpid(mProcess, &status, 0);
   mProcess = -1;
+  mEndSignal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

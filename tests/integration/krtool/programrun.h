@@ -21,6 +21,8 @@ public:
   void Signal(int aSignal) const;
   /// Reads to the program's end and gives its exit code; -1 when a signal ended it, or after a minute.
   int Finish();
+  /// The signal that ended the program; 0 when it exited, or has not ended.
+  int GetEndSignal() const { return mEndSignal; }
 
   const std::string& GetOutput() const { return mOutput; }
   const std::string& GetErrors() const { return mErrors; }
@@ -29,6 +31,7 @@ private:
   bool ReadSome();
 
   pid_t mProcess = -1;
+  int mEndSignal = 0;
   int mOutputEnd = -1;
   int mErrorEnd = -1;
   std::string mOutput;
