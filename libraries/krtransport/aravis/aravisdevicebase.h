@@ -35,6 +35,8 @@ protected:
 
   /// To be held while a device is opened: Aravis parses descriptions with state that all devices of a process share.
   static std::mutex& GetOpeningMutex();
+  /// Lets go of Aravis' device, with which the connection ends. Afterwards only destruction is allowed.
+  void ReleaseArvDevice() { mDevice.reset(); }
   /// Opens Aravis' stream, which emits signals from then on.
   KrResult OpenArvStream(StreamPointer& aStream);
   /// Notes in the log what a device would not do and can do without.

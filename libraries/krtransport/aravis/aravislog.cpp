@@ -4,6 +4,7 @@
 
 #include <arv.h>
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -11,7 +12,17 @@
 namespace krtransport {
 namespace {
 
-constexpr const char* kStoppedTwice = "arv_gv_stream_stop_thread: assertion 'priv->thread != NULL' failed";
+// Complaints about what is as it should be: a stream whose thread we stopped before its release is stopped once more by
+// its own release, and a USB device that could not be opened waits for a thread that it never had.
+constexpr std::string_view kHarmless[] = {
+    "arv_gv_stream_stop_thread: assertion 'priv->thread != NULL' failed",
+    "arv_uv_stream_stop_thread: assertion 'priv->thread != NULL' failed",
+    "g_thread_join: assertion 'thread' failed",
+};
+
+bool IsHarmless(std::string_view aText) {
+  return std::ranges::any_of(kHarmless, [aText](std::string_view aKnown) { return aText.find(aKnown) != aText.npos; });
+}
 
 std::string_view GetField(const GLogField* aFields, gsize aCount, std::string_view aKey) {
   for (gsize i = 0; i < aCount; ++i)
@@ -37,8 +48,7 @@ GLogWriterOutput WriteRecord(GLogLevelFlags aLevel, const GLogField* aFields, gs
   if (!isOurs)
     return g_log_writer_default(aLevel, aFields, aCount, aUserData);
   std::string text(GetField(aFields, aCount, "MESSAGE"));
-  // A stream whose thread we stopped before its release is stopped once more by its own release, and complains.
-  if (text.find(kStoppedTwice) != std::string::npos)
+  if (IsHarmless(text))
     return G_LOG_WRITER_HANDLED;
   if (!domain.empty())
     text = std::string(domain) + ": " + text;

@@ -36,6 +36,9 @@ public:
 
   KrResult CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) override;
 
+  /// Gives the device free, as destruction does. Afterwards only destruction is allowed.
+  void Release() { ReleaseArvDevice(); }
+
 private:
   explicit Usb3VisionDevice(GObjectPointer<ArvDevice> aDevice) : AravisDeviceBase(std::move(aDevice)) {}
   KrResult ReadLimits();

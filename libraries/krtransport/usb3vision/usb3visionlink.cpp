@@ -1,5 +1,8 @@
 #include "usb3vision/usb3visionlink.h"
 
+#include "krbase/krlogger.h"
+#include "usb3vision/readonlychannel.h"
+
 #include <array>
 #include <utility>
 
@@ -9,41 +12,52 @@ namespace {
 // The version of GenCP: a register that every device has and that reading does not change.
 constexpr std::uint64_t kVersionRegister = 0;
 constexpr std::uint32_t kProbeTimeoutMs = 1000;
+constexpr std::uint32_t kGiveBackTimeoutMs = 2000;
 
 } // namespace
 
 KrResult Usb3VisionLink::Open(const Usb3VisionNames& aNames, UsbWatch::Subject aSubject, krsystem::DeviceAccess aAccess,
                               std::unique_ptr<krsystem::IDeviceLink>& aLink) {
   Parts parts;
-  KrResult result = parts.ioThread->RunToEnd([&](const std::atomic<bool>&) {
-    std::shared_ptr<Usb3VisionDevice> device;
-    KrResult opened = Usb3VisionDevice::Open(aNames, device);
-    if (!opened.IsOK())
-      return opened;
-    parts.channel = std::make_shared<Usb3VisionChannel>(device, aAccess);
-    if (aAccess != krsystem::DeviceAccess::Monitor)
-      parts.streamDevice = std::move(device);
-    return KrResult();
-  });
-  if (result.IsOK())
-    aLink = std::make_unique<Usb3VisionLink>(std::move(aSubject), std::move(parts));
-  return result;
+  std::shared_ptr<Usb3VisionDevice> device;
+  if (KrResult result =
+          parts.ioThread->RunToEnd([&](const std::atomic<bool>&) { return Usb3VisionDevice::Open(aNames, device); });
+      !result.IsOK())
+    return result;
+  parts.release = [device] { device->Release(); };
+  if (aAccess == krsystem::DeviceAccess::Monitor) {
+    parts.channel = std::make_shared<ReadOnlyChannel>(std::move(device));
+  } else {
+    parts.channel = device;
+    parts.streamDevice = device;
+    parts.featureDevice = std::move(device);
+  }
+  aLink = std::make_unique<Usb3VisionLink>(std::move(aSubject), std::move(parts));
+  return {};
 }
 
 Usb3VisionLink::Usb3VisionLink(UsbWatch::Subject aSubject, Parts aParts)
-    : mIoThread(std::move(aParts.ioThread)), mChannel(std::move(aParts.channel)),
-      mSource(aParts.streamDevice != nullptr
-                  ? std::make_unique<AravisBufferSource>(*mIoThread, std::move(aParts.streamDevice))
-                  : nullptr),
+    : mChannel(std::move(aParts.channel)), mStreamDevice(std::move(aParts.streamDevice)),
+      mRelease(std::move(aParts.release)), mIoThread(std::move(aParts.ioThread)),
+      mSource(mStreamDevice != nullptr ? std::make_unique<AravisBufferSource>(*mIoThread, mStreamDevice) : nullptr),
       mWatch(
           std::move(aSubject), [this] { return Probe(); }, [this](const KrResult& aReason) { OnLost(aReason); }),
-      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, mChannel)) {}
+      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, mChannel)),
+      mFeatures(aParts.featureDevice != nullptr
+                    ? std::make_unique<AravisFeatures>(*mIoThread, mWatch, std::move(aParts.featureDevice))
+                    : nullptr) {}
 
 Usb3VisionLink::~Usb3VisionLink() {
   mWatch.Stop();
   // From here on nobody waits for an access; the one that runs ends before the device is released behind it.
   mIoThread->Interrupt({KrResult::Code::Aborted, "The device is being closed."});
-  ReleaseDevice();
+  mSource.reset();
+  // Released where it was used: that makes blocking calls.
+  const KrResult released = mIoThread->RunToEnd([this](const std::atomic<bool>&) {
+    mRelease();
+    return KrResult();
+  });
+  static_cast<void>(released); // Releasing cannot fail.
 }
 
 krsystem::IBufferSource* Usb3VisionLink::GetBufferSource(std::uint32_t aChannel) {
@@ -51,14 +65,28 @@ krsystem::IBufferSource* Usb3VisionLink::GetBufferSource(std::uint32_t aChannel)
 }
 
 void Usb3VisionLink::GiveBackControl() {
-  mWatch.Stop();
-  mWatch.GiveUp();
+  if (mIsGivenBack.exchange(true))
+    return;
   const KrResult reason(KrResult::Code::ConnectionLost, "Control of the device was given back.");
+  const bool answers = mWatch.IsConnected() && !mWatch.IsSilent();
+  // Nobody waits for an access from here on, and those that wait their turn are skipped.
   mIoThread->Interrupt(reason);
+  mWatch.Disconnect();
+  const auto stream = std::make_shared<StreamPointer>();
   if (mSource != nullptr)
-    mSource->Stop();
-  OnLost(reason);
-  ReleaseDevice();
+    *stream = mSource->Detach(reason);
+  const KrResult result = mIoThread->RunRegardless(
+      [device = mStreamDevice, release = mRelease, stream, answers](const std::atomic<bool>&) {
+        KrResult ended;
+        if (*stream != nullptr)
+          ended = AravisBufferSource::EndStream(*device, std::move(*stream), !answers);
+        release();
+        return ended;
+      },
+      kGiveBackTimeoutMs);
+  if (!result.IsOK())
+    KrLogger("USB3Vision")
+        .Log(KrLogLevel::Warning, {"Usb3VisionLink::GiveBackControl", "usb3visionlink"}, result.GetDescription());
 }
 
 KrResult Usb3VisionLink::Probe() {
@@ -72,16 +100,6 @@ void Usb3VisionLink::OnLost(const KrResult& aReason) {
   mIoThread->Interrupt(aReason);
   if (mSource != nullptr)
     mSource->OnLost(aReason);
-}
-
-void Usb3VisionLink::ReleaseDevice() {
-  mSource.reset();
-  // Released where it was used: its destruction makes blocking calls.
-  const KrResult released = mIoThread->RunToEnd([this](const std::atomic<bool>&) {
-    mChannel->Release();
-    return KrResult();
-  });
-  static_cast<void>(released); // Releasing cannot fail.
 }
 
 } // namespace krtransport

@@ -1,16 +1,18 @@
 #pragma once
-// An open USB3 Vision device: puts register port, buffer source and watch together and takes them apart in the right
-// order.
+// An open USB3 Vision device: puts register port, features, buffer source and watch together and takes them apart in
+// the right order.
 
 #include "aravis/aravisbuffersource.h"
+#include "aravis/aravisfeatures.h"
 #include "aravis/channelregisterport.h"
 #include "aravis/iothread.h"
 #include "krsystem/idevicelink.h"
 #include "krsystem/itransport.h"
-#include "usb3vision/usb3visionchannel.h"
 #include "usb3vision/usb3visiondevice.h"
 #include "usb3vision/usbwatch.h"
 
+#include <atomic>
+#include <functional>
 #include <memory>
 
 namespace krtransport {
@@ -19,11 +21,13 @@ namespace krtransport {
 /// tries.
 class Usb3VisionLink final : public krsystem::IDeviceLink {
 public:
-  /// What a link is made of. The streaming device is null for a monitor.
+  /// What a link is made of.
   struct Parts {
     std::unique_ptr<IoThread> ioThread = std::make_unique<IoThread>();
-    std::shared_ptr<IStreamDevice> streamDevice;
-    std::shared_ptr<Usb3VisionChannel> channel;
+    std::shared_ptr<IRegisterChannel> channel;
+    std::shared_ptr<IStreamDevice> streamDevice;     ///< Null for a monitor.
+    std::shared_ptr<AravisDeviceBase> featureDevice; ///< Null for a monitor.
+    std::function<void()> release; ///< Gives the device free, on the I/O thread; nothing of the above is used after.
   };
 
   /// Opens the device that names tell. USB knows no second reader: a monitor holds the device like everybody else, and
@@ -36,6 +40,8 @@ public:
   IKrRegisterPort& GetRegisterPort() override { return *mPort; }
   /// Channel 0 of a device that is not only looked at. The standard has no other.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
+  krsystem::IFeatureAccess* GetFeatures() override { return mFeatures.get(); }
+  /// Takes up to two seconds. A monitor's device is given free too.
   void GiveBackControl() override;
   bool IsConnected() const override { return mWatch.IsConnected(); }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override { mWatch.SetSink(aSink); }
@@ -43,13 +49,16 @@ public:
 private:
   KrResult Probe();
   void OnLost(const KrResult& aReason);
-  void ReleaseDevice();
 
+  const std::shared_ptr<IRegisterChannel> mChannel;
+  const std::shared_ptr<IStreamDevice> mStreamDevice;
+  const std::function<void()> mRelease;
   std::unique_ptr<IoThread> mIoThread;
-  std::shared_ptr<Usb3VisionChannel> mChannel;
   std::unique_ptr<AravisBufferSource> mSource;
   UsbWatch mWatch;
   std::unique_ptr<ChannelRegisterPort> mPort;
+  std::unique_ptr<AravisFeatures> mFeatures;
+  std::atomic<bool> mIsGivenBack{false};
 };
 
 } // namespace krtransport

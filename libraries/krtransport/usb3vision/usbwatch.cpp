@@ -14,12 +14,16 @@ UsbWatch::UsbWatch(Subject aSubject, std::function<KrResult()> aProbe, std::func
 
 void UsbWatch::Stop() {
   mThread.request_stop();
+  const std::lock_guard lock(mStopMutex);
   if (mThread.joinable())
     mThread.join();
 }
 
-void UsbWatch::GiveUp() {
+void UsbWatch::Disconnect() {
+  // In this order: a watch that finds itself disconnected knows that it is being ended, and tells nothing.
+  mThread.request_stop();
   mIsConnected = false;
+  Stop();
 }
 
 void UsbWatch::ReportSilence() {

@@ -45,10 +45,10 @@ public:
   void ReportSilence() override;
   /// As IDeviceLink::SetSink.
   void SetSink(krsystem::IDeviceLinkSink* aSink) { mEvents.SetSink(aSink); }
-  /// Counts the device as lost from now on, without word of it.
-  void GiveUp();
-  /// Ends the watch: afterwards no call of probe or loss runs or comes. Not from a sink's call.
+  /// Ends the watch: afterwards no call of probe or loss runs or comes. Not from these calls.
   void Stop();
+  /// Ends the watch and has the device count as lost, without word of it.
+  void Disconnect();
 
 private:
   void Watch(const std::stop_token& aStop);
@@ -71,6 +71,8 @@ private:
   bool mIsLookWanted = false;
 
   LinkEvents mEvents;
+  // Guards the joining of the thread.
+  std::mutex mStopMutex;
   std::jthread mThread;
 };
 

@@ -1,0 +1,39 @@
+#pragma once
+// A tree of USB devices in a temporary folder, unpacked from a file under usbtrees/, for whatever reads sysfs.
+
+#include "usb3vision/usbtree.h"
+
+#include <filesystem>
+#include <string>
+
+namespace krtransport {
+
+/// Thread: one at a time. Ownership: owns the folder.
+class UsbTestTree {
+public:
+  /// Unpacks the file of a name, for example "superspeed"; throws std::runtime_error for one that is not there or has a
+  /// line that means nothing. The empty name is a host without USB.
+  explicit UsbTestTree(const std::string& aName);
+  ~UsbTestTree();
+  UsbTestTree(const UsbTestTree&) = delete;
+  UsbTestTree& operator=(const UsbTestTree&) = delete;
+
+  UsbRoots GetRoots() const {
+    return {.devices = mFolder / "sys/bus/usb/devices", .deviceFiles = mFolder / "dev/bus/usb"};
+  }
+  /// Takes a device out, with its interfaces.
+  void Unplug(const std::string& aPort);
+  /// Puts a device back that was taken out; it gets another address.
+  void PlugIn(const std::string& aPort, std::uint32_t aAddress);
+  /// Replaces an attribute of a device.
+  void SetAttribute(const std::string& aPort, const std::string& aName, const std::string& aText);
+
+private:
+  void Unpack(const std::string& aLine);
+  static void Move(const std::string& aPort, const std::filesystem::path& aFrom, const std::filesystem::path& aTo);
+
+  std::filesystem::path mFolder;
+  std::filesystem::path mUnpacked; // The folder that the following lines belong to.
+};
+
+} // namespace krtransport
