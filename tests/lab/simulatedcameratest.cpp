@@ -28,7 +28,7 @@ constexpr RefusedInteger kRefusedIntegers[] = {
     {"pixel format that the camera lacks", kPixelFormat, KrPixel::RGB8},
     {"pixel format that is none", kPixelFormat, 0},
     {"test pattern", kTestPattern, 3},
-    {"acquisition mode", kAcquisitionMode, 2},
+    {"acquisition mode", kAcquisitionMode, 3},
     {"start with another value", kAcquisitionStart, 0},
     {"largest number as width", kWidth, 0xFFFFFFFF},
 };

@@ -1,22 +1,49 @@
 #include "simulation/cameradescription.h"
 
-#include "simulation/cameraregisters.h"
-#include "simulation/descriptiontext.h"
+#include "simulation/featuretable.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
-#include <map>
+#include <utility>
 
 namespace krtransport {
 
 namespace {
 
-using namespace cameraregister;
+constexpr std::string_view kHead = R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="$Model$" VendorName="$Vendor$" ToolTip="Features of a simulated camera"
+    StandardNameSpace="GEV" SchemaMajorVersion="1" SchemaMinorVersion="1" SchemaSubMinorVersion="0"
+    MajorVersion="1" MinorVersion="1" SubMinorVersion="0"
+    ProductGuid="5A1E6C1B-7D0F-4B55-9C1C-3E2F6A7B8D01" VersionGuid="5A1E6C1B-7D0F-4B55-9C1C-3E2F6A7B8D02"
+    xmlns="http://www.genicam.org/GenApi/Version_1_1">
+)";
+constexpr std::string_view kTail = "</RegisterDescription>\n";
+
+struct CategoryRow {
+  std::string_view name;
+  std::string_view tip;
+};
+constexpr std::array<CategoryRow, 6> kCategories = {{
+    {"DeviceControl", "What the camera is."},
+    {"ImageFormatControl", "Size and format of the image."},
+    {"AcquisitionControl", "When frames are taken."},
+    {"AnalogControl", "The sensor's amplifier."},
+    {"ChunkDataControl", "What frames carry behind the image."},
+    {"TransportLayerControl", "How frames travel."},
+}};
+
+struct AccessRow {
+  RegisterAccess access;
+  std::string_view name;
+};
+constexpr std::array<AccessRow, 3> kAccessNames = {
+    {{RegisterAccess::ReadOnly, "RO"}, {RegisterAccess::WriteOnly, "WO"}, {RegisterAccess::ReadWrite, "RW"}}};
 
 std::string FormatHex(std::uint64_t aValue) {
-  char text[24];
-  std::snprintf(text, sizeof(text), "0x%08llX", static_cast<unsigned long long>(aValue));
-  return text;
+  std::array<char, 24> text;
+  std::snprintf(text.data(), text.size(), "0x%08llX", static_cast<unsigned long long>(aValue));
+  return text.data();
 }
 
 // Names in a description consist of letters and digits.
@@ -29,84 +56,218 @@ std::string MakeName(const std::string& aText) {
   return name.empty() ? "Camera" : name;
 }
 
-std::string MakePixelFormatEntries(const LabCamera& aCamera) {
-  std::string entries;
-  for (const KrPixelType type : aCamera.pixelFormats) {
-    const std::optional<KrPixelTypeInfo> info = KrFindPixelType(type);
-    if (!info)
-      continue;
-    entries += "    <EnumEntry Name=\"" + std::string(info->name) + "\" NameSpace=\"Standard\">\n      <Value>" +
-               FormatHex(type) + "</Value>\n    </EnumEntry>\n";
+// "AcquisitionFrameRate" becomes "Acquisition Frame Rate"; abbreviations stay whole.
+std::string MakeDisplayName(std::string_view aName) {
+  const auto isUpper = [](char aCharacter) { return aCharacter >= 'A' && aCharacter <= 'Z'; };
+  std::string text;
+  for (std::size_t i = 0; i < aName.size(); ++i) {
+    const bool endsWord = i > 0 && isUpper(aName[i]) && !isUpper(aName[i - 1]);
+    const bool endsAbbreviation =
+        i > 0 && isUpper(aName[i]) && isUpper(aName[i - 1]) && i + 1 < aName.size() && !isUpper(aName[i + 1]);
+    if (endsWord || endsAbbreviation)
+      text += ' ';
+    text += aName[i];
   }
-  return entries;
+  return text;
 }
 
 // Whole numbers are limits enough for all ranges of the camera.
-std::string FormatLimit(double aLimit) {
-  return std::to_string(static_cast<long long>(aLimit)) + ".0";
+std::string FormatLimit(FeatureKind aKind, double aLimit) {
+  return std::to_string(static_cast<long long>(aLimit)) + (aKind == FeatureKind::Float ? ".0" : "");
 }
 
-using Replacements = std::map<std::string, std::string>;
+// Nodes as text, in the order in which GenApi's schema 1.1 wants their children.
+class DescriptionWriter {
+public:
+  std::string TakeText() { return std::move(mText); }
 
-Replacements MakeReplacements(const LabCamera& aCamera) {
-  return {
-      {"ModelID", MakeName(aCamera.modelName.ToUtf8())},
-      {"VendorID", MakeName(aCamera.vendorName.ToUtf8())},
-      {"PixelFormatEntries", MakePixelFormatEntries(aCamera)},
-      {"ManufacturerName", FormatHex(kManufacturerName)},
-      {"ModelName", FormatHex(kModelName)},
-      {"DeviceVersion", FormatHex(kDeviceVersion)},
-      {"ManufacturerInfo", FormatHex(kManufacturerInfo)},
-      {"SerialNumber", FormatHex(kSerialNumber)},
-      {"UserDefinedName", FormatHex(kUserDefinedName)},
-      {"WidthMax", FormatHex(kWidthMax)},
-      {"HeightMax", FormatHex(kHeightMax)},
-      {"Width", FormatHex(kWidth)},
-      {"Height", FormatHex(kHeight)},
-      {"PixelFormat", FormatHex(kPixelFormat)},
-      {"PayloadSize", FormatHex(kPayloadSize)},
-      {"TestPattern", FormatHex(kTestPattern)},
-      {"AcquisitionMode", FormatHex(kAcquisitionMode)},
-      {"AcquisitionStart", FormatHex(kAcquisitionStart)},
-      {"AcquisitionStop", FormatHex(kAcquisitionStop)},
-      {"TLParamsLocked", FormatHex(kTLParamsLocked)},
-      {"AcquisitionFrameRate", FormatHex(kAcquisitionFrameRate)},
-      {"ExposureTime", FormatHex(kExposureTime)},
-      {"Gain", FormatHex(kGain)},
-      {"WidthMin", std::to_string(kWidthMin)},
-      {"WidthIncrement", std::to_string(kWidthIncrement)},
-      {"HeightMin", std::to_string(kHeightMin)},
-      {"HeightIncrement", std::to_string(kHeightIncrement)},
-      {"FrameRateMin", FormatLimit(kFrameRateMin)},
-      {"FrameRateMax", FormatLimit(kFrameRateMax)},
-      {"ExposureTimeMin", FormatLimit(kExposureTimeMinUs)},
-      {"ExposureTimeMax", FormatLimit(kExposureTimeMaxUs)},
-      {"GainMax", FormatLimit(kGainMaxDb)},
-  };
+  void AddRoot();
+  void AddCategory(const CategoryRow& aCategory);
+  void AddFeature(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats);
+
+private:
+  void Open(std::string_view aNode, std::string_view aName, bool aIsStandard);
+  void Close(std::string_view aNode) { mText += "  </" + std::string(aNode) + ">\n"; }
+  void AddChild(std::string_view aElement, std::string_view aContent);
+  void AddCommonChildren(const Feature& aFeature);
+  void AddRange(const Feature& aFeature);
+  void AddEntries(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats);
+  void AddSelected(const Feature& aFeature);
+  void AddRegisterChildren(const Feature& aFeature);
+  void AddRegister(const Feature& aFeature);
+  void AddKnife(const std::string& aName, std::string_view aFirst, std::string_view aSecond,
+                const std::string& aFormula);
+
+  std::string mText;
+};
+
+std::string GetRegisterName(std::string_view aFeature) {
+  return std::string(aFeature) + "Reg";
 }
 
-// Puts the replacements in the place of the names between two $ signs.
-std::string Expand(std::string_view aText, const Replacements& aReplacements) {
-  std::string expanded;
-  while (!aText.empty()) {
-    const std::size_t begin = aText.find('$');
-    expanded += aText.substr(0, begin);
-    if (begin == std::string_view::npos)
-      break;
-    const std::size_t end = aText.find('$', begin + 1);
-    expanded += aReplacements.at(std::string(aText.substr(begin + 1, end - begin - 1)));
-    aText.remove_prefix(end + 1);
+void DescriptionWriter::Open(std::string_view aNode, std::string_view aName, bool aIsStandard) {
+  mText += "  <" + std::string(aNode) + " Name=\"" + std::string(aName) + "\"" +
+           (aIsStandard ? " NameSpace=\"Standard\"" : "") + ">\n";
+}
+
+void DescriptionWriter::AddChild(std::string_view aElement, std::string_view aContent) {
+  const std::string element(aElement);
+  mText += "    <" + element + ">" + std::string(aContent) + "</" + element + ">\n";
+}
+
+void DescriptionWriter::AddRoot() {
+  Open("Category", "Root", true);
+  for (const CategoryRow& category : kCategories)
+    AddChild("pFeature", category.name);
+  Close("Category");
+  mText += "  <Port Name=\"Device\" NameSpace=\"Standard\"/>\n";
+}
+
+void DescriptionWriter::AddCategory(const CategoryRow& aCategory) {
+  Open("Category", aCategory.name, true);
+  AddChild("ToolTip", aCategory.tip);
+  AddChild("DisplayName", MakeDisplayName(aCategory.name));
+  for (const Feature& feature : ListFeatures()) {
+    if (feature.category == aCategory.name)
+      AddChild("pFeature", feature.name);
   }
-  return expanded;
+  Close("Category");
+}
+
+void DescriptionWriter::AddCommonChildren(const Feature& aFeature) {
+  AddChild("ToolTip", aFeature.tip);
+  AddChild("DisplayName", MakeDisplayName(aFeature.name));
+  AddChild("Visibility", aFeature.visibility);
+  if (!aFeature.prerequisite.empty())
+    AddChild("pIsAvailable", std::string(aFeature.name) + "Available");
+  if (aFeature.isLocked)
+    AddChild("pIsLocked", "TLParamsLocked");
+  const bool isSetting = aFeature.access == RegisterAccess::ReadWrite && !aFeature.isVolatile;
+  if (isSetting)
+    AddChild("Streamable", "Yes");
+}
+
+void DescriptionWriter::AddRange(const Feature& aFeature) {
+  if (aFeature.access != RegisterAccess::ReadOnly) {
+    AddChild("Min", FormatLimit(aFeature.kind, aFeature.minimum));
+    if (aFeature.limit.empty())
+      AddChild("Max", FormatLimit(aFeature.kind, aFeature.maximum));
+    else
+      AddChild("pMax", std::string(aFeature.name) + "Limit");
+    if (aFeature.kind == FeatureKind::Integer)
+      AddChild("Inc", std::to_string(aFeature.increment));
+  }
+  if (!aFeature.unit.empty())
+    AddChild("Unit", aFeature.unit);
+  if (!aFeature.representation.empty())
+    AddChild("Representation", aFeature.representation);
+}
+
+void DescriptionWriter::AddEntries(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats) {
+  for (const FeatureEntry& entry : ListEntries(aFeature, aPixelFormats)) {
+    mText += "    <EnumEntry Name=\"" + std::string(entry.name) + "\" NameSpace=\"Standard\">\n";
+    if (!entry.tip.empty())
+      AddChild("ToolTip", entry.tip);
+    AddChild("Value", FormatHex(entry.value));
+    mText += "    </EnumEntry>\n";
+  }
+}
+
+void DescriptionWriter::AddSelected(const Feature& aFeature) {
+  for (const Feature& feature : ListFeatures()) {
+    if (feature.selector == aFeature.name)
+      AddChild("pSelected", feature.name);
+  }
+}
+
+void DescriptionWriter::AddRegisterChildren(const Feature& aFeature) {
+  AddChild("Address", FormatHex(aFeature.address));
+  if (!aFeature.selector.empty())
+    mText += "    <pIndex Offset=\"" + FormatHex(aFeature.stride) + "\">" + GetRegisterName(aFeature.selector) +
+             "</pIndex>\n";
+  AddChild("Length", std::to_string(aFeature.length));
+  AddChild("AccessMode", std::ranges::find(kAccessNames, aFeature.access, &AccessRow::access)->name);
+  AddChild("pPort", "Device");
+  if (aFeature.isVolatile) {
+    AddChild("Cachable", "NoCache");
+    AddChild("PollingTime", "500");
+  }
+  for (const std::string_view feature : aFeature.dependsOn)
+    AddChild("pInvalidator", GetRegisterName(feature));
+}
+
+void DescriptionWriter::AddRegister(const Feature& aFeature) {
+  const std::string_view node = aFeature.kind == FeatureKind::Float ? "FloatReg" : "IntReg";
+  Open(node, GetRegisterName(aFeature.name), false);
+  AddRegisterChildren(aFeature);
+  if (aFeature.kind != FeatureKind::Float)
+    AddChild("Sign", "Unsigned");
+  AddChild("Endianess", "BigEndian");
+  Close(node);
+}
+
+void DescriptionWriter::AddKnife(const std::string& aName, std::string_view aFirst, std::string_view aSecond,
+                                 const std::string& aFormula) {
+  Open("IntSwissKnife", aName, false);
+  mText += "    <pVariable Name=\"A\">" + GetRegisterName(aFirst) + "</pVariable>\n";
+  if (!aSecond.empty())
+    mText += "    <pVariable Name=\"B\">" + GetRegisterName(aSecond) + "</pVariable>\n";
+  AddChild("Formula", aFormula);
+  Close("IntSwissKnife");
+}
+
+void DescriptionWriter::AddFeature(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats) {
+  static constexpr std::array<std::pair<FeatureKind, std::string_view>, 6> kNodes = {{
+      {FeatureKind::Text, "StringReg"},
+      {FeatureKind::Integer, "Integer"},
+      {FeatureKind::Float, "Float"},
+      {FeatureKind::Boolean, "Boolean"},
+      {FeatureKind::Enumeration, "Enumeration"},
+      {FeatureKind::Command, "Command"},
+  }};
+  const std::string_view node =
+      std::ranges::find(kNodes, aFeature.kind, &std::pair<FeatureKind, std::string_view>::first)->second;
+  Open(node, aFeature.name, aFeature.isStandard);
+  AddCommonChildren(aFeature);
+  if (aFeature.kind == FeatureKind::Text) {
+    AddRegisterChildren(aFeature);
+    Close(node);
+    return;
+  }
+  AddEntries(aFeature, aPixelFormats);
+  AddChild("pValue", GetRegisterName(aFeature.name));
+  if (aFeature.kind == FeatureKind::Integer || aFeature.kind == FeatureKind::Float)
+    AddRange(aFeature);
+  if (aFeature.kind == FeatureKind::Command)
+    AddChild("CommandValue", "1");
+  AddSelected(aFeature);
+  Close(node);
+  AddRegister(aFeature);
+  if (!aFeature.prerequisite.empty())
+    AddKnife(std::string(aFeature.name) + "Available", aFeature.prerequisite, {},
+             "A = " + std::to_string(aFeature.requiredValue));
+  if (!aFeature.limit.empty())
+    AddKnife(std::string(aFeature.name) + "Limit", aFeature.limit, aFeature.limitLess, "A - B");
+}
+
+std::string MakeHead(const LabCamera& aCamera) {
+  std::string head(kHead);
+  for (const auto& [place, name] :
+       {std::pair<std::string, KrString>{"$Model$", aCamera.modelName}, {"$Vendor$", aCamera.vendorName}})
+    head.replace(head.find(place), place.size(), MakeName(name.ToUtf8()));
+  return head;
 }
 
 } // namespace
 
 std::string MakeCameraDescription(const LabCamera& aCamera) {
-  const Replacements replacements = MakeReplacements(aCamera);
-  std::string text;
-  for (const std::string_view section : kDescriptionSections)
-    text += Expand(section, replacements);
+  DescriptionWriter writer;
+  writer.AddRoot();
+  for (const CategoryRow& category : kCategories)
+    writer.AddCategory(category);
+  for (const Feature& feature : ListFeatures())
+    writer.AddFeature(feature, aCamera.pixelFormats);
+  std::string text = MakeHead(aCamera) + writer.TakeText() + std::string(kTail);
   text.resize((text.size() + 3) / 4 * 4, '\n');
   return text;
 }

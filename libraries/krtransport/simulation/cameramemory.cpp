@@ -1,12 +1,11 @@
 #include "simulation/cameramemory.h"
 
-#include "krsystem/ipv4address.h"
-#include "simulation/cameradescription.h"
+#include "simulation/bootstrapregisters.h"
 #include "simulation/cameraregisters.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
+#include <limits>
 
 namespace krtransport {
 
@@ -14,222 +13,212 @@ using namespace cameraregister;
 
 namespace {
 
-constexpr std::uint32_t kGEVVersion = 0x00020000;
-constexpr std::uint32_t kBigEndianUtf8Transmitter = 0x80000001;
-constexpr std::uint32_t kLinkSpeedMbit = 1000;
-// Writing of memory, serial number and user-defined name are offered (GigE Vision 2.x, GVCP capability register).
-constexpr std::uint32_t kCapabilities = 1u << 1 | 1u << 30 | 1u << 31;
-constexpr std::uint32_t kDefaultHeartbeatMs = 3000;
 constexpr std::uint32_t kLeastHeartbeatMs = 500;
-constexpr std::size_t kURLLength = 512;
-constexpr double kDefaultExposureTimeUs = 1000.0;
-constexpr std::uint32_t kUnlimited = 0xFFFFFFFF;
+constexpr double kNanosecondsPerMicrosecond = 1000.0;
+constexpr double kNanosecondsPerSecond = 1e9;
 
-struct TextRegister {
+struct TextRow {
   std::uint64_t address;
-  std::size_t length;
-  RegisterAccess access;
-  const char* name;
   KrString LabCamera::*text;
 };
-
-constexpr std::array<TextRegister, 6> kTexts = {{
-    {kManufacturerName, 32, RegisterAccess::ReadOnly, "the manufacturer's name", &LabCamera::vendorName},
-    {kModelName, 32, RegisterAccess::ReadOnly, "the model's name", &LabCamera::modelName},
-    {kDeviceVersion, 32, RegisterAccess::ReadOnly, "the device version", &LabCamera::version},
-    {kManufacturerInfo, 48, RegisterAccess::ReadOnly, "the manufacturer's information", &LabCamera::manufacturerInfo},
-    {kSerialNumber, 16, RegisterAccess::ReadOnly, "the serial number", &LabCamera::serialNumber},
-    {kUserDefinedName, 16, RegisterAccess::ReadWrite, "the user-defined name", &LabCamera::userDefinedName},
+constexpr std::array<TextRow, 6> kTexts = {{
+    {kManufacturerName, &LabCamera::vendorName},
+    {kModelName, &LabCamera::modelName},
+    {kDeviceVersion, &LabCamera::version},
+    {kManufacturerInfo, &LabCamera::manufacturerInfo},
+    {kSerialNumber, &LabCamera::serialNumber},
+    {kUserDefinedName, &LabCamera::userDefinedName},
 }};
 
-// Parts of the bootstrap area that the standard reserves; they read as zeros.
-struct ReservedRange {
-  std::uint64_t address;
-  std::size_t length;
-};
-constexpr std::array<ReservedRange, 4> kReserved = {{{0x0018, 12}, {0x0028, 12}, {0x0038, 12}, {0x00F8, 264}}};
-
-std::uint64_t ParseMAC(const KrString& aText) {
-  std::array<unsigned, 6> bytes = {};
-  std::sscanf(aText.CStr(), "%2x:%2x:%2x:%2x:%2x:%2x", &bytes[0], &bytes[1], &bytes[2], &bytes[3], &bytes[4],
-              &bytes[5]);
-  std::uint64_t address = 0;
-  for (const unsigned byte : bytes)
-    address = address << 8 | byte;
-  return address;
+std::uint64_t ToNanoseconds(double aMicroseconds) {
+  return static_cast<std::uint64_t>(aMicroseconds * kNanosecondsPerMicrosecond);
 }
 
-std::string MakeURL(const LabCamera& aCamera, std::size_t aLength) {
-  std::string name = aCamera.modelName.ToUtf8();
-  std::erase(name, ' ');
-  std::array<char, 64> place;
-  std::snprintf(place.data(), place.size(), ".xml;%llx;%zx", static_cast<unsigned long long>(kDescription), aLength);
-  return "Local:" + name + place.data();
+bool HoldsFloat(const Feature& aFeature) {
+  return aFeature.kind == FeatureKind::Float;
 }
 
 } // namespace
 
 CameraMemory::CameraMemory(const LabCamera& aCamera) : mPixelFormats(aCamera.pixelFormats) {
-  DefineBootstrap(aCamera);
-  DefineTexts(aCamera);
-  DefineFeatures(aCamera);
-  DefineDescription(aCamera);
-  UpdatePayloadSize();
+  DefineBootstrapRegisters(mMemory, aCamera);
+  for (const Feature& feature : ListFeatures())
+    DefineFeature(feature);
+  SetStart(aCamera);
+  UpdateDependents();
 }
 
-void CameraMemory::DefineInteger(std::uint64_t aAddress, RegisterAccess aAccess, const char* aName,
-                                 std::uint32_t aValue) {
-  mMemory.Define(aAddress, sizeof(aValue), aAccess, aName);
-  mMemory.SetInteger(aAddress, aValue);
-}
-
-void CameraMemory::DefineFloat(const FloatRule& aRule, double aValue) {
-  mMemory.Define(aRule.address, sizeof(aValue), RegisterAccess::ReadWrite, aRule.name);
-  mMemory.SetFloat(aRule.address, std::clamp(aValue, aRule.minimum, aRule.maximum));
-  mFloatRules.push_back(aRule);
-}
-
-void CameraMemory::DefineBootstrap(const LabCamera& aCamera) {
-  const std::uint64_t mac = ParseMAC(aCamera.macAddress);
-  const auto define = [this](std::uint64_t aAddress, const char* aName, std::uint32_t aValue) {
-    DefineInteger(aAddress, RegisterAccess::ReadOnly, aName, aValue);
-  };
-  for (const ReservedRange& range : kReserved)
-    mMemory.Define(range.address, range.length, RegisterAccess::ReadOnly, "a reserved range");
-  define(kVersion, "the version", kGEVVersion);
-  define(kDeviceMode, "the device mode", kBigEndianUtf8Transmitter);
-  define(kMACHigh, "the MAC address", static_cast<std::uint32_t>(mac >> 32));
-  define(kMACLow, "the MAC address", static_cast<std::uint32_t>(mac));
-  define(kIPConfigOptions, "the IP configuration options", aCamera.ipConfigOptions);
-  define(kIPConfigCurrent, "the current IP configuration", aCamera.ipConfigCurrent);
-  define(kIPAddress, "the IP address", krsystem::ParseIPv4(aCamera.ipAddress).value_or(0));
-  define(kSubnetMask, "the subnet mask", krsystem::ParseIPv4(aCamera.subnetMask).value_or(0));
-  define(kDefaultGateway, "the default gateway", krsystem::ParseIPv4(aCamera.defaultGateway).value_or(0));
-  define(kInterfaceCount, "the number of interfaces", 1);
-  define(kLinkSpeed, "the link speed", kLinkSpeedMbit);
-  define(kMessageChannelCount, "the number of message channels", 0);
-  define(kStreamChannelCount, "the number of stream channels", 1);
-  define(kGVCPCapability, "the capabilities", kCapabilities);
-  define(kControlPrivilege, "the control privilege", 0);
-  DefineInteger(kHeartbeatTimeout, RegisterAccess::ReadWrite, "the heartbeat time-out", kDefaultHeartbeatMs);
-  mIntegerRules.push_back({kHeartbeatTimeout, "the heartbeat time-out", 0, kUnlimited, 1, false});
-}
-
-void CameraMemory::DefineTexts(const LabCamera& aCamera) {
-  for (const TextRegister& text : kTexts) {
-    mMemory.Define(text.address, text.length, text.access, text.name);
-    mMemory.SetText(text.address, (aCamera.*text.text).ToUtf8());
+void CameraMemory::DefineFeature(const Feature& aFeature) {
+  for (std::size_t i = 0; i < CountRegisters(aFeature); ++i) {
+    const std::uint64_t address = aFeature.address + i * aFeature.stride;
+    mMemory.Define(address, aFeature.length, aFeature.access, aFeature.name);
+    if (HoldsFloat(aFeature))
+      mMemory.SetFloat(address, aFeature.start);
+    else if (aFeature.kind != FeatureKind::Text)
+      mMemory.SetInteger(address, static_cast<std::uint32_t>(aFeature.start));
+    mFeatures[address] = {&aFeature, i};
   }
 }
 
-void CameraMemory::DefineFeatures(const LabCamera& aCamera) {
-  const auto constant = [this](std::uint64_t aAddress, const char* aName, std::uint32_t aValue) {
-    DefineInteger(aAddress, RegisterAccess::ReadOnly, aName, aValue);
-  };
-  const auto setting = [this](const IntegerRule& aRule, std::uint32_t aValue) {
-    DefineInteger(aRule.address, RegisterAccess::ReadWrite, aRule.name, aValue);
-    mIntegerRules.push_back(aRule);
-  };
-  const auto command = [this](std::uint64_t aAddress, const char* aName) {
-    DefineInteger(aAddress, RegisterAccess::WriteOnly, aName, 0);
-    mIntegerRules.push_back({aAddress, aName, 1, 1, 1, false});
-  };
-  constant(kWidthMax, "WidthMax", aCamera.sensorWidth);
-  constant(kHeightMax, "HeightMax", aCamera.sensorHeight);
-  constant(kPayloadSize, "PayloadSize", 0);
-  setting({kWidth, "Width", kWidthMin, aCamera.sensorWidth, kWidthIncrement, true}, aCamera.sensorWidth);
-  setting({kHeight, "Height", kHeightMin, aCamera.sensorHeight, kHeightIncrement, true}, aCamera.sensorHeight);
-  setting({kPixelFormat, "PixelFormat", 0, kUnlimited, 1, true}, mPixelFormats.front());
-  setting({kTestPattern, "TestPattern", 0, kTestPatternCount - 1, 1, false}, 0);
-  setting({kAcquisitionMode, "AcquisitionMode", 0, 1, 1, true}, 0);
-  setting({kTLParamsLocked, "TLParamsLocked", 0, 1, 1, false}, 0);
-  command(kAcquisitionStart, "AcquisitionStart");
-  command(kAcquisitionStop, "AcquisitionStop");
-  DefineFloat({kAcquisitionFrameRate, "AcquisitionFrameRate", kFrameRateMin, kFrameRateMax}, aCamera.framesPerSecond);
-  DefineFloat({kExposureTime, "ExposureTime", kExposureTimeMinUs, kExposureTimeMaxUs}, kDefaultExposureTimeUs);
-  DefineFloat({kGain, "Gain", 0.0, kGainMaxDb}, 0.0);
-}
-
-void CameraMemory::DefineDescription(const LabCamera& aCamera) {
-  const std::string description = MakeCameraDescription(aCamera);
-  mMemory.Define(kDescription, description.size(), RegisterAccess::ReadOnly, "the description");
-  mMemory.SetText(kDescription, description);
-  mMemory.Define(kFirstURL, kURLLength, RegisterAccess::ReadOnly, "the first URL");
-  mMemory.SetText(kFirstURL, MakeURL(aCamera, description.size()));
-  mMemory.Define(kSecondURL, kURLLength, RegisterAccess::ReadOnly, "the second URL");
+void CameraMemory::SetStart(const LabCamera& aCamera) {
+  for (const TextRow& row : kTexts)
+    mMemory.SetText(row.address, (aCamera.*row.text).ToUtf8());
+  mMemory.SetInteger(kWidthMax, aCamera.sensorWidth);
+  mMemory.SetInteger(kHeightMax, aCamera.sensorHeight);
+  mMemory.SetInteger(kWidth, aCamera.sensorWidth);
+  mMemory.SetInteger(kHeight, aCamera.sensorHeight);
+  mMemory.SetInteger(kPixelFormat, mPixelFormats.front());
+  mMemory.SetFloat(kAcquisitionFrameRate, std::clamp(aCamera.framesPerSecond, kFrameRateMin, kFrameRateMax));
 }
 
 KrResult CameraMemory::Read(std::uint64_t aAddress, void* aData, std::size_t aLength) const {
   return mMemory.Read(aAddress, aData, aLength);
 }
 
-KrResult CameraMemory::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength) {
+KrResult CameraMemory::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint64_t aNowNs) {
   KrResult result = mMemory.CheckWrite(aAddress, aLength);
   if (result.IsOK())
     result = CheckValue(aAddress, static_cast<const std::uint8_t*>(aData), aLength);
   if (result.IsOK())
     result = mMemory.Write(aAddress, aData, aLength);
   if (result.IsOK())
-    Apply(aAddress);
+    Apply(mFeatures.at(aAddress), aNowNs);
   return result;
 }
 
 KrResult CameraMemory::CheckValue(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const {
-  const auto integer = std::ranges::find(mIntegerRules, aAddress, &IntegerRule::address);
-  if (integer != mIntegerRules.end())
-    return CheckInteger(*integer, DecodeInteger(aData));
-  const auto number = std::ranges::find(mFloatRules, aAddress, &FloatRule::address);
-  if (number == mFloatRules.end())
+  // Every register that can be written is a feature's.
+  const Feature& feature = *mFeatures.at(aAddress).feature;
+  KrResult result = CheckAccess(feature, aAddress);
+  if (!result.IsOK() || feature.kind == FeatureKind::Text)
+    return result;
+  return HoldsFloat(feature) ? CheckFloat(feature, aAddress, aData, aLength)
+                             : CheckInteger(feature, aAddress, DecodeInteger(aData));
+}
+
+KrResult CameraMemory::CheckAccess(const Feature& aFeature, std::uint64_t aAddress) const {
+  const std::string name(aFeature.name);
+  if (aFeature.isLocked && mMemory.GetInteger(kTLParamsLocked) != 0)
+    return MakeRefusal(RegisterRefusal::WriteProtect, aAddress, name + " is locked while a stream runs");
+  if (aFeature.prerequisite.empty() ||
+      mMemory.GetInteger(FindFeature(aFeature.prerequisite)->address) == aFeature.requiredValue)
     return {};
+  return MakeRefusal(RegisterRefusal::AccessDenied, aAddress,
+                     name + " is not available as " + std::string(aFeature.prerequisite) + " is set");
+}
+
+std::uint32_t CameraMemory::GetMaximum(const Feature& aFeature) const {
+  if (aFeature.limit.empty())
+    return static_cast<std::uint32_t>(aFeature.maximum);
+  return mMemory.GetInteger(FindFeature(aFeature.limit)->address) -
+         mMemory.GetInteger(FindFeature(aFeature.limitLess)->address);
+}
+
+KrResult CameraMemory::CheckInteger(const Feature& aFeature, std::uint64_t aAddress, std::uint32_t aValue) const {
+  const std::string name(aFeature.name);
+  const auto refuse = [aAddress](const std::string& aReason) {
+    return MakeRefusal(RegisterRefusal::InvalidParameter, aAddress, aReason);
+  };
+  if (aFeature.kind == FeatureKind::Enumeration) {
+    const std::vector<FeatureEntry> entries = ListEntries(aFeature, mPixelFormats);
+    const bool isThere = std::ranges::find(entries, aValue, &FeatureEntry::value) != entries.end();
+    return isThere ? KrResult() : refuse("the camera does not have this value of " + name);
+  }
+  if (aFeature.kind == FeatureKind::Boolean)
+    return aValue <= 1 ? KrResult() : refuse(name + " has to be 0 or 1");
+  if (aFeature.kind == FeatureKind::Command)
+    return aValue == 1 ? KrResult() : refuse(name + " is executed by writing 1");
+  const auto minimum = static_cast<std::uint32_t>(aFeature.minimum);
+  const std::uint32_t maximum = GetMaximum(aFeature);
+  if (aValue < minimum || aValue > maximum || (aValue - minimum) % aFeature.increment != 0)
+    return refuse(name + " has to be from " + std::to_string(minimum) + " to " + std::to_string(maximum) +
+                  " in steps of " + std::to_string(aFeature.increment));
+  if (aAddress == kTLParamsLocked && aValue == 0 && mStreaming)
+    return MakeRefusal(RegisterRefusal::WriteProtect, aAddress, name + " stays 1 while a stream runs");
+  return {};
+}
+
+KrResult CameraMemory::CheckFloat(const Feature& aFeature, std::uint64_t aAddress, const std::uint8_t* aData,
+                                  std::size_t aLength) const {
+  const std::string name(aFeature.name);
   if (aLength != sizeof(double))
-    return MakeRefusal(RegisterRefusal::InvalidParameter, aAddress, std::string(number->name) + " takes 8 bytes");
+    return MakeRefusal(RegisterRefusal::InvalidParameter, aAddress, name + " takes 8 bytes");
   // Written so that a value that is no number is refused too.
   const double value = DecodeFloat(aData);
-  if (!(value >= number->minimum && value <= number->maximum))
-    return MakeRefusal(RegisterRefusal::InvalidParameter, aAddress,
-                       std::string(number->name) + " has to be from " + std::to_string(number->minimum) + " to " +
-                           std::to_string(number->maximum));
-  return {};
+  if (value >= aFeature.minimum && value <= aFeature.maximum)
+    return {};
+  return MakeRefusal(RegisterRefusal::InvalidParameter, aAddress,
+                     name + " has to be from " + std::to_string(aFeature.minimum) + " to " +
+                         std::to_string(aFeature.maximum));
 }
 
-KrResult CameraMemory::CheckInteger(const IntegerRule& aRule, std::uint32_t aValue) const {
-  const std::string name = aRule.name;
-  if (aRule.locked && mMemory.GetInteger(kTLParamsLocked) != 0)
-    return MakeRefusal(RegisterRefusal::WriteProtect, aRule.address, name + " is locked while a stream runs");
-  if (aValue < aRule.minimum || aValue > aRule.maximum || (aValue - aRule.minimum) % aRule.increment != 0)
-    return MakeRefusal(RegisterRefusal::InvalidParameter, aRule.address,
-                       name + " has to be from " + std::to_string(aRule.minimum) + " to " +
-                           std::to_string(aRule.maximum) + " in steps of " + std::to_string(aRule.increment));
-  if (aRule.address == kPixelFormat && std::ranges::find(mPixelFormats, aValue) == mPixelFormats.end())
-    return MakeRefusal(RegisterRefusal::InvalidParameter, aRule.address, "the camera does not have this pixel format");
-  if (aRule.address == kTLParamsLocked && aValue == 0 && mStreaming)
-    return MakeRefusal(RegisterRefusal::WriteProtect, aRule.address, name + " stays 1 while a stream runs");
-  return {};
-}
-
-void CameraMemory::Apply(std::uint64_t aAddress) {
-  if (aAddress == kAcquisitionStart || aAddress == kAcquisitionStop)
-    mAcquiring = aAddress == kAcquisitionStart;
-  if (aAddress == kHeartbeatTimeout)
+void CameraMemory::Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs) {
+  const TimingSettings timing = GetTimingSettings();
+  mTimer.ApplySettings(timing);
+  switch (aWritten.feature->address) {
+  case kAcquisitionStart:
+    mTimer.Start(aNowNs);
+    break;
+  case kAcquisitionStop:
+    mTimer.Stop();
+    break;
+  case kTriggerSoftware:
+    mTimer.TriggerBySoftware(static_cast<TriggerKind>(aWritten.index), aNowNs, timing);
+    break;
+  case kTimestampLatch:
+    mMemory.SetLong(kTimestampLatchValue, aNowNs);
+    break;
+  case kHeartbeatTimeout:
     mMemory.SetInteger(kHeartbeatTimeout, std::max(mMemory.GetInteger(kHeartbeatTimeout), kLeastHeartbeatMs));
-  UpdatePayloadSize();
+    break;
+  default:
+    break;
+  }
+  UpdateDependents();
 }
 
-void CameraMemory::UpdatePayloadSize() {
-  const std::uint64_t bytes = GetFrameBytes(GetFrameSettings().picture);
-  mMemory.SetInteger(kPayloadSize, static_cast<std::uint32_t>(std::min<std::uint64_t>(bytes, kUnlimited)));
+void CameraMemory::UpdateDependents() {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
+  mMemory.SetInteger(kPayloadSize, static_cast<std::uint32_t>(std::min(GetPayloadBytes(GetFrameSettings()), kMost)));
+  mMemory.SetFloat(kResultingFrameRate, kNanosecondsPerSecond / static_cast<double>(GetTimingSettings().periodNs));
+  mMemory.SetInteger(kMissedTriggers, mTimer.GetMissedTriggers());
 }
 
 FrameSettings CameraMemory::GetFrameSettings() const {
   FrameSettings settings;
-  settings.picture.width = mMemory.GetInteger(kWidth);
-  settings.picture.height = mMemory.GetInteger(kHeight);
-  settings.picture.type = mMemory.GetInteger(kPixelFormat);
-  settings.picture.pattern = static_cast<TestPattern>(mMemory.GetInteger(kTestPattern));
-  settings.framesPerSecond = mMemory.GetFloat(kAcquisitionFrameRate);
+  settings.picture = {.pattern = static_cast<TestPattern>(mMemory.GetInteger(kTestPattern)),
+                      .type = mMemory.GetInteger(kPixelFormat),
+                      .width = mMemory.GetInteger(kWidth),
+                      .height = mMemory.GetInteger(kHeight),
+                      .offsetX = mMemory.GetInteger(kOffsetX),
+                      .offsetY = mMemory.GetInteger(kOffsetY),
+                      .reverseX = mMemory.GetInteger(kReverseX) != 0};
+  settings.packetBytes = mMemory.GetInteger(kPacketSize);
   settings.exposureTimeUs = mMemory.GetFloat(kExposureTime);
-  settings.acquiring = mAcquiring;
-  settings.singleFrame = mMemory.GetInteger(kAcquisitionMode) == 1;
+  settings.hasChunks = mMemory.GetInteger(kChunkModeActive) != 0;
+  for (std::uint32_t i = 0; i < kChunkCount; ++i)
+    settings.isChunkEnabled[i] = mMemory.GetInteger(kChunkEnable + i * kChunkStride) != 0;
+  return settings;
+}
+
+TimingSettings CameraMemory::GetTimingSettings() const {
+  const bool isLimited = mMemory.GetInteger(kAcquisitionFrameRateEnable) != 0;
+  const double framesPerSecond = isLimited ? mMemory.GetFloat(kAcquisitionFrameRate) : kFrameRateMax;
+  const std::uint32_t mode = mMemory.GetInteger(kAcquisitionMode);
+  TimingSettings settings;
+  settings.exposureNs = ToNanoseconds(mMemory.GetFloat(kExposureTime));
+  settings.periodNs =
+      std::max(static_cast<std::uint64_t>(kNanosecondsPerSecond / framesPerSecond), settings.exposureNs);
+  settings.linePeriodNs = ToNanoseconds(mMemory.GetInteger(kLinePeriod));
+  if (mode != kContinuous)
+    settings.framesPerStart = mode == kSingleFrame ? 1 : mMemory.GetInteger(kAcquisitionFrameCount);
+  for (std::uint32_t i = 0; i < kTriggerCount; ++i) {
+    const std::uint64_t offset = std::uint64_t{i} * kTriggerStride;
+    settings.triggers[i] = {.isOn = mMemory.GetInteger(kTriggerMode + offset) != 0,
+                            .isFromLine = mMemory.GetInteger(kTriggerSource + offset) == kLine1,
+                            .edge = static_cast<TriggerEdge>(mMemory.GetInteger(kTriggerActivation + offset)),
+                            .delayNs = ToNanoseconds(mMemory.GetFloat(kTriggerDelay + offset))};
+  }
   return settings;
 }
 
@@ -245,22 +234,33 @@ IPConfiguration CameraMemory::GetIPConfiguration() const {
   return {mMemory.GetInteger(kIPAddress), mMemory.GetInteger(kSubnetMask), mMemory.GetInteger(kDefaultGateway)};
 }
 
-void CameraMemory::BeginStream() {
+void CameraMemory::BeginStream(std::uint64_t aNowNs) {
   mStreaming = true;
-  mAcquiring = true;
+  mTimer.Stop();
+  mTimer.Start(aNowNs);
   mMemory.SetInteger(kTLParamsLocked, 1);
+  UpdateDependents();
 }
 
 void CameraMemory::EndStream() {
   if (!mStreaming)
     return;
   mStreaming = false;
-  mAcquiring = false;
+  mTimer.Stop();
   mMemory.SetInteger(kTLParamsLocked, 0);
 }
 
-void CameraMemory::EndAcquisition() {
-  mAcquiring = false;
+std::optional<Exposure> CameraMemory::GetNextExposure(std::uint64_t aNowNs) const {
+  return mTimer.GetNextExposure(aNowNs, GetTimingSettings());
+}
+
+std::optional<FrameSettings> CameraMemory::EndExposure(const Exposure& aExposure) {
+  if (!mTimer.EndExposure(aExposure, GetTimingSettings()))
+    return std::nullopt;
+  FrameSettings settings = GetFrameSettings();
+  settings.exposure = aExposure;
+  mMemory.SetInteger(kMissedTriggers, mTimer.GetMissedTriggers());
+  return settings;
 }
 
 void CameraMemory::SetIPConfiguration(const IPConfiguration& aConfiguration) {

@@ -1,23 +1,18 @@
 #pragma once
 // The registers of one simulated camera, what values they accept, and what follows from a value.
-// Who may access them at the moment, and when frames are made, is left to SimulatedCamera and the buffer source.
+// Who may access them at the moment is left to SimulatedCamera, waiting and making frames to the buffer source.
 
+#include "simulation/acquisitiontimer.h"
+#include "simulation/featuretable.h"
+#include "simulation/framelayout.h"
 #include "simulation/lab.h"
 #include "simulation/registermemory.h"
-#include "simulation/testpattern.h"
 
+#include <map>
+#include <optional>
 #include <vector>
 
 namespace krtransport {
-
-/// What a frame depends on, as the registers say at one moment.
-struct FrameSettings {
-  Picture picture;
-  double framesPerSecond = 1.0;
-  double exposureTimeUs = 0.0;
-  bool acquiring = false;
-  bool singleFrame = false;
-};
 
 /// An IP configuration in numbers.
 struct IPConfiguration {
@@ -26,66 +21,58 @@ struct IPConfiguration {
   std::uint32_t gateway = 0;
 };
 
-/// Thread: one at a time.
+/// Thread: one at a time. Times are the camera's clock's.
 class CameraMemory {
 public:
   explicit CameraMemory(const LabCamera& aCamera);
 
   /// An application's access; a value that the camera does not accept is refused and changes nothing.
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength) const;
-  KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength);
+  KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint64_t aNowNs);
 
-  FrameSettings GetFrameSettings() const;
   std::uint64_t GetPayloadSize() const;
   KrString GetUserDefinedName() const;
   IPConfiguration GetIPConfiguration() const;
 
   /// A stream runs: frames are taken, and what their size depends on is locked.
-  void BeginStream();
+  void BeginStream(std::uint64_t aNowNs);
   /// Ends what BeginStream began; without it nothing.
   void EndStream();
-  /// Frames are taken no more; the stream stays.
-  void EndAcquisition();
+  /// The exposure that is due next, if there is one as things stand.
+  std::optional<Exposure> GetNextExposure(std::uint64_t aNowNs) const;
+  /// Takes the frame of an exposure; nothing when acquisition was stopped meanwhile.
+  std::optional<FrameSettings> EndExposure(const Exposure& aExposure);
   void SetIPConfiguration(const IPConfiguration& aConfiguration);
   /// The control privilege as GigE Vision numbers it: 0 nobody, 1 exclusive, 2 control.
   void SetControlPrivilege(std::uint32_t aPrivilege);
 
 private:
-  /// The values that an integer register accepts.
-  struct IntegerRule {
-    std::uint64_t address;
-    const char* name;
-    std::uint32_t minimum;
-    std::uint32_t maximum;
-    std::uint32_t increment;
-    bool locked; ///< Not while a stream runs.
-  };
-  /// The values that a float register accepts.
-  struct FloatRule {
-    std::uint64_t address;
-    const char* name;
-    double minimum;
-    double maximum;
+  /// The feature behind a register, and which of its selector's entries the register belongs to.
+  struct FeatureRegister {
+    const Feature* feature;
+    std::size_t index;
   };
 
-  void DefineBootstrap(const LabCamera& aCamera);
-  void DefineTexts(const LabCamera& aCamera);
-  void DefineFeatures(const LabCamera& aCamera);
-  void DefineDescription(const LabCamera& aCamera);
-  void DefineInteger(std::uint64_t aAddress, RegisterAccess aAccess, const char* aName, std::uint32_t aValue);
-  void DefineFloat(const FloatRule& aRule, double aValue);
+  void DefineFeature(const Feature& aFeature);
+  void SetStart(const LabCamera& aCamera);
 
   KrResult CheckValue(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const;
-  KrResult CheckInteger(const IntegerRule& aRule, std::uint32_t aValue) const;
-  void Apply(std::uint64_t aAddress);
-  void UpdatePayloadSize();
+  KrResult CheckAccess(const Feature& aFeature, std::uint64_t aAddress) const;
+  KrResult CheckInteger(const Feature& aFeature, std::uint64_t aAddress, std::uint32_t aValue) const;
+  KrResult CheckFloat(const Feature& aFeature, std::uint64_t aAddress, const std::uint8_t* aData,
+                      std::size_t aLength) const;
+  std::uint32_t GetMaximum(const Feature& aFeature) const;
+  void Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs);
+  void UpdateDependents();
+
+  FrameSettings GetFrameSettings() const;
+  TimingSettings GetTimingSettings() const;
 
   RegisterMemory mMemory;
   std::vector<KrPixelType> mPixelFormats;
-  std::vector<IntegerRule> mIntegerRules;
-  std::vector<FloatRule> mFloatRules;
+  std::map<std::uint64_t, FeatureRegister> mFeatures; // By address.
+  AcquisitionTimer mTimer;
   bool mStreaming = false;
-  bool mAcquiring = false;
 };
 
 } // namespace krtransport

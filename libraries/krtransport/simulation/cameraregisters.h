@@ -30,6 +30,7 @@ inline constexpr std::uint64_t kStreamChannelCount = 0x0904;
 inline constexpr std::uint64_t kGVCPCapability = 0x0934;
 inline constexpr std::uint64_t kHeartbeatTimeout = 0x0938;
 inline constexpr std::uint64_t kControlPrivilege = 0x0A00;
+inline constexpr std::uint64_t kPacketSize = 0x0D04;
 
 // The camera's features.
 inline constexpr std::uint64_t kWidthMax = 0x00010000;
@@ -39,6 +40,7 @@ inline constexpr std::uint64_t kHeight = 0x0001000C;
 inline constexpr std::uint64_t kPixelFormat = 0x00010010;
 inline constexpr std::uint64_t kPayloadSize = 0x00010014;
 inline constexpr std::uint64_t kTestPattern = 0x00010018;
+inline constexpr std::uint64_t kReverseX = 0x0001001C;
 inline constexpr std::uint64_t kAcquisitionMode = 0x00010020;
 inline constexpr std::uint64_t kAcquisitionStart = 0x00010024;
 inline constexpr std::uint64_t kAcquisitionStop = 0x00010028;
@@ -46,6 +48,46 @@ inline constexpr std::uint64_t kTLParamsLocked = 0x0001002C;
 inline constexpr std::uint64_t kAcquisitionFrameRate = 0x00010030;
 inline constexpr std::uint64_t kExposureTime = 0x00010038;
 inline constexpr std::uint64_t kGain = 0x00010040;
+inline constexpr std::uint64_t kOffsetX = 0x00010048;
+inline constexpr std::uint64_t kOffsetY = 0x0001004C;
+inline constexpr std::uint64_t kAcquisitionFrameCount = 0x00010050;
+inline constexpr std::uint64_t kAcquisitionFrameRateEnable = 0x00010054;
+inline constexpr std::uint64_t kResultingFrameRate = 0x00010058;
+inline constexpr std::uint64_t kExposureMode = 0x00010060;
+inline constexpr std::uint64_t kLinePeriod = 0x00010064;
+inline constexpr std::uint64_t kMissedTriggers = 0x00010068;
+inline constexpr std::uint64_t kTimestampLatch = 0x0001006C;
+inline constexpr std::uint64_t kTimestampLatchValue = 0x00010070;
+inline constexpr std::uint64_t kTriggerSelector = 0x00010100;
+inline constexpr std::uint64_t kTriggerMode = 0x00010120;
+inline constexpr std::uint64_t kTriggerSource = 0x00010124;
+inline constexpr std::uint64_t kTriggerActivation = 0x00010128;
+inline constexpr std::uint64_t kTriggerSoftware = 0x0001012C;
+inline constexpr std::uint64_t kTriggerDelay = 0x00010130;
+inline constexpr std::uint64_t kChunkModeActive = 0x00010200;
+inline constexpr std::uint64_t kChunkSelector = 0x00010204;
+inline constexpr std::uint64_t kChunkEnable = 0x00010208;
+
+/// From a trigger's registers to the next trigger's, and from one chunk's to the next chunk's.
+inline constexpr std::uint32_t kTriggerStride = 0x20;
+inline constexpr std::uint32_t kChunkStride = 4;
+
+// Values of enumerations that the camera acts on.
+inline constexpr std::uint32_t kContinuous = 0;
+inline constexpr std::uint32_t kSingleFrame = 1;
+inline constexpr std::uint32_t kMultiFrame = 2;
+inline constexpr std::uint32_t kFrameStart = 0;
+inline constexpr std::uint32_t kAcquisitionStartTrigger = 1;
+inline constexpr std::uint32_t kTriggerCount = 2;
+inline constexpr std::uint32_t kSoftware = 0;
+inline constexpr std::uint32_t kLine1 = 1;
+inline constexpr std::uint32_t kRisingEdge = 0;
+inline constexpr std::uint32_t kFallingEdge = 1;
+inline constexpr std::uint32_t kAnyEdge = 2;
+inline constexpr std::uint32_t kChunkFrameID = 0;
+inline constexpr std::uint32_t kChunkExposureTime = 1;
+inline constexpr std::uint32_t kChunkTimestamp = 2;
+inline constexpr std::uint32_t kChunkCount = 3;
 
 /// Where the description begins; its length is in the first URL.
 inline constexpr std::uint64_t kDescription = 0x00100000;
@@ -60,5 +102,11 @@ inline constexpr double kFrameRateMax = 1000.0;
 inline constexpr double kExposureTimeMinUs = 10.0;
 inline constexpr double kExposureTimeMaxUs = 1000000.0;
 inline constexpr double kGainMaxDb = 24.0;
+inline constexpr double kTriggerDelayMaxUs = 1000000.0;
+inline constexpr std::uint32_t kLinePeriodMinUs = 100;
+inline constexpr std::uint32_t kLinePeriodMaxUs = 10000000;
+inline constexpr std::uint32_t kFrameCountMax = 65535;
+inline constexpr std::uint32_t kPacketSizeMin = 576;
+inline constexpr std::uint32_t kPacketSizeMax = 16000;
 
 } // namespace krtransport::cameraregister

@@ -119,6 +119,10 @@ void RegisterMemory::SetInteger(std::uint64_t aAddress, std::uint32_t aValue) {
   EncodeInteger(aValue, mRegisters.at(aAddress).bytes.data());
 }
 
+void RegisterMemory::SetLong(std::uint64_t aAddress, std::uint64_t aValue) {
+  EncodeLong(aValue, mRegisters.at(aAddress).bytes.data());
+}
+
 double RegisterMemory::GetFloat(std::uint64_t aAddress) const {
   return DecodeFloat(mRegisters.at(aAddress).bytes.data());
 }
@@ -150,15 +154,18 @@ void EncodeInteger(std::uint32_t aValue, std::uint8_t* aBytes) {
     aBytes[i] = static_cast<std::uint8_t>(aValue >> (24 - 8 * i));
 }
 
+void EncodeLong(std::uint64_t aValue, std::uint8_t* aBytes) {
+  EncodeInteger(static_cast<std::uint32_t>(aValue >> 32), aBytes);
+  EncodeInteger(static_cast<std::uint32_t>(aValue), aBytes + 4);
+}
+
 double DecodeFloat(const std::uint8_t* aBytes) {
   const std::uint64_t bits = std::uint64_t{DecodeInteger(aBytes)} << 32 | DecodeInteger(aBytes + 4);
   return std::bit_cast<double>(bits);
 }
 
 void EncodeFloat(double aValue, std::uint8_t* aBytes) {
-  const auto bits = std::bit_cast<std::uint64_t>(aValue);
-  EncodeInteger(static_cast<std::uint32_t>(bits >> 32), aBytes);
-  EncodeInteger(static_cast<std::uint32_t>(bits), aBytes + 4);
+  EncodeLong(std::bit_cast<std::uint64_t>(aValue), aBytes);
 }
 
 } // namespace krtransport

@@ -43,6 +43,8 @@ public:
   /// The device's own access, to registers that it defined.
   std::uint32_t GetInteger(std::uint64_t aAddress) const;
   void SetInteger(std::uint64_t aAddress, std::uint32_t aValue);
+  /// For registers of 8 bytes.
+  void SetLong(std::uint64_t aAddress, std::uint64_t aValue);
   double GetFloat(std::uint64_t aAddress) const;
   void SetFloat(std::uint64_t aAddress, double aValue);
   std::string GetText(std::uint64_t aAddress) const;
@@ -65,6 +67,7 @@ private:
 /// Numbers as a device sends them, most significant byte first.
 std::uint32_t DecodeInteger(const std::uint8_t* aBytes);
 void EncodeInteger(std::uint32_t aValue, std::uint8_t* aBytes);
+void EncodeLong(std::uint64_t aValue, std::uint8_t* aBytes);
 double DecodeFloat(const std::uint8_t* aBytes);
 void EncodeFloat(double aValue, std::uint8_t* aBytes);
 

@@ -1,6 +1,8 @@
 #include "simulation/simulatedbuffersource.h"
 
 #include <algorithm>
+#include <chrono>
+#include <string>
 #include <system_error>
 
 namespace krtransport {
@@ -11,38 +13,12 @@ KrResult MakeLost() {
   return {KrResult::Code::ConnectionLost, "The camera does not answer any more; open it anew when it is back."};
 }
 
-std::chrono::nanoseconds GetPeriod(const FrameSettings& aSettings) {
-  const std::chrono::duration<double> wanted(1.0 / aSettings.framesPerSecond);
-  const std::chrono::duration<double, std::micro> exposure(aSettings.exposureTimeUs);
-  return std::chrono::duration_cast<std::chrono::nanoseconds>(
-      std::max<std::chrono::duration<double>>(wanted, exposure));
+std::uint64_t GetHostTimeNs() {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
 }
 
-template <typename Clock>
-std::uint64_t GetNowNs() {
-  const auto now = std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch());
-  return static_cast<std::uint64_t>(now.count());
-}
-
-// Puts a picture into a buffer and says in its status whether it found room.
-void Fill(KrBuffer& aBuffer, const FrameSettings& aSettings, std::uint64_t aFrameID, PatternPainter& aPainter) {
-  const std::uint64_t bytes = GetFrameBytes(aSettings.picture);
-  aBuffer.SetPayloadType(KrPayloadType::Image);
-  aBuffer.SetFrameID(aFrameID);
-  aBuffer.SetTimestampNs(GetNowNs<std::chrono::steady_clock>());
-  if (aBuffer.GetSize() < bytes) {
-    aBuffer.SetAcquiredSize(0);
-    aBuffer.SetStatus(KrBufferStatus::TooSmall);
-  } else {
-    const bool painted = aPainter.Paint(aSettings.picture, aFrameID, aBuffer.GetDataPointer());
-    const bool described =
-        painted &&
-        aBuffer.DescribeImage(aSettings.picture.width, aSettings.picture.height, aSettings.picture.type).IsOK();
-    aBuffer.SetAcquiredSize(described ? static_cast<std::size_t>(bytes) : 0);
-    aBuffer.SetStatus(described ? KrBufferStatus::Complete : KrBufferStatus::Incomplete);
-  }
-  aBuffer.SetHostTimestampNs(GetNowNs<std::chrono::system_clock>());
-}
+constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
 
 } // namespace
 
@@ -77,6 +53,7 @@ KrResult SimulatedBufferSource::Queue(KrBuffer* aBuffer) {
 }
 
 KrResult SimulatedBufferSource::Start() {
+  const std::lock_guard startStopLock(mStartStopMutex);
   {
     const std::lock_guard lock(mMutex);
     if (mRunning)
@@ -96,7 +73,7 @@ KrResult SimulatedBufferSource::Start() {
   try {
     mThread = std::thread([this] { MakeFrames(); });
   } catch (const std::system_error& error) {
-    Stop();
+    StopFrames();
     return {KrResult::Code::SystemError,
             std::string("Starting the stream channel: no thread could be started: ") + error.what()};
   }
@@ -104,7 +81,7 @@ KrResult SimulatedBufferSource::Start() {
 }
 
 KrResult SimulatedBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
-  const Clock::time_point limit = Clock::now() + std::chrono::milliseconds(aTimeoutMs);
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
   std::unique_lock lock(mMutex);
   mFilledOrEnded.wait_until(lock, aCancel, limit, [this] { return mLost || !mRunning || !mFilled.empty(); });
   if (mLost)
@@ -122,6 +99,11 @@ KrResult SimulatedBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTime
 }
 
 void SimulatedBufferSource::Stop() {
+  const std::lock_guard startStopLock(mStartStopMutex);
+  StopFrames();
+}
+
+void SimulatedBufferSource::StopFrames() {
   {
     const std::lock_guard lock(mMutex);
     mStopping = true;
@@ -156,20 +138,15 @@ void SimulatedBufferSource::SetChanged() {
 }
 
 void SimulatedBufferSource::MakeFrames() {
-  PatternPainter painter;
   std::uint64_t frameID = 0;
-  Clock::time_point last = Clock::now();
   while (AcknowledgeChanges()) {
-    const FrameSettings settings = mCamera.GetFrameSettings();
-    const Clock::time_point due = last + GetPeriod(settings);
-    if (!WaitUntilDue(settings, due))
+    const std::optional<Exposure> exposure = mCamera.GetNextExposure();
+    if (!WaitUntilExposed(exposure))
       continue;
-    // Acquisition ends before its frame is out: whoever has the frame may start the next one.
-    if (settings.singleFrame)
-      mCamera.EndAcquisition(mOwner);
-    MakeFrame(settings, ++frameID, painter);
-    // A frame that was late does not make the next ones come in a burst.
-    last = std::max(due, Clock::now() - GetPeriod(settings));
+    // Acquisition ends before its last frame is out: whoever has the frame may start the next one.
+    const std::optional<FrameSettings> settings = mCamera.EndExposure(mOwner, *exposure);
+    if (settings)
+      MakeFrame(*settings, ++frameID);
   }
 }
 
@@ -179,22 +156,30 @@ bool SimulatedBufferSource::AcknowledgeChanges() {
   return !mStopping && !mLost;
 }
 
-bool SimulatedBufferSource::WaitUntilDue(const FrameSettings& aSettings, Clock::time_point aDue) {
+bool SimulatedBufferSource::WaitUntilExposed(const std::optional<Exposure>& aExposure) {
   std::unique_lock lock(mMutex);
   const auto isWoken = [this] { return mStopping || mLost || mChanged; };
-  if (aSettings.acquiring)
-    return !mWake.wait_until(lock, aDue, isWoken);
+  if (aExposure)
+    return !mCamera.GetClock().WaitUntil(lock, mWake, aExposure->endNs, isWoken);
   mWake.wait(lock, isWoken);
   return false;
 }
 
-void SimulatedBufferSource::MakeFrame(const FrameSettings& aSettings, std::uint64_t aFrameID,
-                                      PatternPainter& aPainter) {
-  KrBuffer* const buffer = TakeFree();
+void SimulatedBufferSource::WaitForResend(std::uint64_t aUntilNs) {
+  std::unique_lock lock(mMutex);
+  mCamera.GetClock().WaitUntil(lock, mWake, aUntilNs, [this] { return mStopping || mLost; });
+}
+
+void SimulatedBufferSource::MakeFrame(const FrameSettings& aSettings, std::uint64_t aFrameID) {
+  OrderedFaults& faults = mCamera.GetFaults();
+  KrBuffer* const buffer = faults.TakeDrop() ? nullptr : TakeFree();
   if (!buffer)
     return;
-  Fill(*buffer, aSettings, aFrameID, aPainter);
-  Deliver(buffer);
+  const std::optional<PacketFault> fault = faults.TakePacketFault();
+  const PacketCounts packets = mWriter.Write(*buffer, aSettings, aFrameID, fault);
+  if (packets.resent > 0)
+    WaitForResend(aSettings.exposure.endNs + fault->delayMs * kNanosecondsPerMillisecond);
+  Deliver(buffer, packets);
 }
 
 KrBuffer* SimulatedBufferSource::TakeFree() {
@@ -208,7 +193,8 @@ KrBuffer* SimulatedBufferSource::TakeFree() {
   return buffer;
 }
 
-void SimulatedBufferSource::Deliver(KrBuffer* aBuffer) {
+void SimulatedBufferSource::Deliver(KrBuffer* aBuffer, const PacketCounts& aPackets) {
+  aBuffer->SetHostTimestampNs(GetHostTimeNs());
   const std::lock_guard lock(mMutex);
   if (mLost || mStopping)
     aBuffer->SetStatus(KrBufferStatus::Aborted);
@@ -216,6 +202,8 @@ void SimulatedBufferSource::Deliver(KrBuffer* aBuffer) {
   mStatistics.received += isWhole ? 1 : 0;
   mStatistics.incomplete += isWhole ? 0 : 1;
   mStatistics.bytes += isWhole ? aBuffer->GetAcquiredSize() : 0;
+  mStatistics.missingPackets += aPackets.missing;
+  mStatistics.resentPackets += aPackets.resent;
   mFilled.push_back(aBuffer);
   mFilledOrEnded.notify_one();
 }

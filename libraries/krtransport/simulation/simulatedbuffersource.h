@@ -2,9 +2,9 @@
 // The stream channel of a simulated camera: makes frames at the camera's frame rate into the buffers that are free.
 
 #include "krsystem/idevicelink.h"
+#include "simulation/framewriter.h"
 #include "simulation/simulatedcamera.h"
 
-#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -32,18 +32,20 @@ public:
   void SetChanged();
 
 private:
-  using Clock = std::chrono::steady_clock;
-
+  void StopFrames();
   void MakeFrames();
-  /// What changed up to here is seen when the settings are read next. False when no more frames are to be made.
+  /// What changed up to here is seen when the next exposure is asked for. False when no more frames are to be made.
   bool AcknowledgeChanges();
-  bool WaitUntilDue(const FrameSettings& aSettings, Clock::time_point aDue);
-  void MakeFrame(const FrameSettings& aSettings, std::uint64_t aFrameID, PatternPainter& aPainter);
+  bool WaitUntilExposed(const std::optional<Exposure>& aExposure);
+  void WaitForResend(std::uint64_t aUntilNs);
+  void MakeFrame(const FrameSettings& aSettings, std::uint64_t aFrameID);
   KrBuffer* TakeFree();
-  void Deliver(KrBuffer* aBuffer);
+  void Deliver(KrBuffer* aBuffer, const PacketCounts& aPackets);
 
   SimulatedCamera& mCamera;
   const ICameraListener& mOwner;
+  std::mutex mStartStopMutex; // Keeps starting and stopping in one order; control may be given back on another thread.
+  FrameWriter mWriter;        // Used by the thread alone.
 
   mutable std::mutex mMutex;                  // Guards the members from here to mStatistics.
   std::condition_variable mWake;              // For the thread: stop, loss, changed registers.
@@ -55,7 +57,7 @@ private:
   bool mLost = false;
   bool mChanged = false;
   krsystem::SourceStatistics mStatistics;
-  std::thread mThread; // Touched by Start and Stop alone.
+  std::thread mThread; // Guarded by mStartStopMutex.
 };
 
 } // namespace krtransport

@@ -3,6 +3,7 @@
 #include "krsystem/ipv4address.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace krtransport {
 
@@ -14,10 +15,11 @@ constexpr std::uint32_t kControlPrivilege = 2;
 
 } // namespace
 
-SimulatedCamera::SimulatedCamera(LabCamera aCamera, const LabAdapter& aAdapter)
+SimulatedCamera::SimulatedCamera(LabCamera aCamera, const LabAdapter& aAdapter, std::shared_ptr<ICameraClock> aClock)
     : mDescription(std::move(aCamera)), mAdapterText(aAdapter.ipAddress + " / " + aAdapter.subnetMask),
       mAdapterAddress(krsystem::ParseIPv4(aAdapter.ipAddress).value_or(0)),
-      mAdapterMask(krsystem::ParseIPv4(aAdapter.subnetMask).value_or(0)), mMemory(mDescription) {}
+      mAdapterMask(krsystem::ParseIPv4(aAdapter.subnetMask).value_or(0)), mClock(std::move(aClock)),
+      mMemory(mDescription) {}
 
 bool SimulatedCamera::IsConfigurationValid() const {
   const std::uint32_t address = mMemory.GetIPConfiguration().address;
@@ -95,6 +97,8 @@ KrResult SimulatedCamera::Attach(krsystem::DeviceAccess aAccess, ICameraListener
     return Refuse(KrResult::Code::NotFound,
                   "it cannot be reached at " + krsystem::FormatIPv4(mMemory.GetIPConfiguration().address) +
                       " from the adapter's subnet " + mAdapterText + "; give it an address of that subnet.");
+  if (mFaults.IsOpeningRefused())
+    return Refuse(KrResult::Code::AccessDenied, "it was ordered to refuse being opened; end that order first.");
   const krsystem::AccessType control = GetControl();
   if (control == krsystem::AccessType::Exclusive ||
       (control == krsystem::AccessType::Control && aAccess != krsystem::DeviceAccess::Monitor))
@@ -129,6 +133,11 @@ bool SimulatedCamera::Controls(const ICameraListener& aListener) const {
   return attached && attached->access != krsystem::DeviceAccess::Monitor;
 }
 
+bool SimulatedCamera::IsControlledBy(const ICameraListener& aListener) const {
+  const std::lock_guard lock(mMutex);
+  return Controls(aListener);
+}
+
 KrResult SimulatedCamera::Read(const ICameraListener& aListener, std::uint64_t aAddress, void* aData,
                                std::size_t aLength) const {
   const std::lock_guard lock(mMutex);
@@ -149,18 +158,13 @@ KrResult SimulatedCamera::Write(const ICameraListener& aListener, std::uint64_t 
       return Refuse(KrResult::Code::ConnectionLost, "its connection is lost; open it anew when it answers.");
     if (!Controls(aListener))
       return Refuse(KrResult::Code::AccessDenied, "it is open to monitor; open it with control to write registers.");
-    const KrResult result = mMemory.Write(aAddress, aData, aLength);
+    const KrResult result = mMemory.Write(aAddress, aData, aLength, mClock->GetNowNs());
     if (!result.IsOK())
       return result;
   }
   for (ICameraListener* listener : mListeners)
     listener->OnCameraChanged();
   return {};
-}
-
-FrameSettings SimulatedCamera::GetFrameSettings() const {
-  const std::lock_guard lock(mMutex);
-  return mMemory.GetFrameSettings();
 }
 
 std::uint64_t SimulatedCamera::GetPayloadSize() const {
@@ -174,7 +178,7 @@ KrResult SimulatedCamera::BeginStream(const ICameraListener& aListener) {
     return Refuse(KrResult::Code::ConnectionLost, "its connection is lost; open it anew when it answers.");
   if (!Controls(aListener))
     return Refuse(KrResult::Code::AccessDenied, "it is open to monitor; open it with control to receive frames.");
-  mMemory.BeginStream();
+  mMemory.BeginStream(mClock->GetNowNs());
   return {};
 }
 
@@ -184,10 +188,14 @@ void SimulatedCamera::EndStream(const ICameraListener& aListener) {
     mMemory.EndStream();
 }
 
-void SimulatedCamera::EndAcquisition(const ICameraListener& aListener) {
+std::optional<Exposure> SimulatedCamera::GetNextExposure() const {
   const std::lock_guard lock(mMutex);
-  if (Controls(aListener))
-    mMemory.EndAcquisition();
+  return mMemory.GetNextExposure(mClock->GetNowNs());
+}
+
+std::optional<FrameSettings> SimulatedCamera::EndExposure(const ICameraListener& aListener, const Exposure& aExposure) {
+  const std::lock_guard lock(mMutex);
+  return Controls(aListener) ? mMemory.EndExposure(aExposure) : std::nullopt;
 }
 
 void SimulatedCamera::Lose() {

@@ -3,7 +3,9 @@
 // Frames are made by the buffer source of the link that controls it.
 
 #include "krsystem/itransport.h"
+#include "simulation/cameraclock.h"
 #include "simulation/cameramemory.h"
+#include "simulation/orderedfaults.h"
 
 #include <memory>
 #include <mutex>
@@ -24,7 +26,7 @@ public:
 /// Thread: any. Ownership: shared by the transport and the links to it.
 class SimulatedCamera {
 public:
-  SimulatedCamera(LabCamera aCamera, const LabAdapter& aAdapter);
+  SimulatedCamera(LabCamera aCamera, const LabAdapter& aAdapter, std::shared_ptr<ICameraClock> aClock);
 
   /// As discovery sees the camera at this moment.
   krsystem::GEVFields GetFields() const;
@@ -35,8 +37,8 @@ public:
   /// Busy while an application controls the camera.
   KrResult ConfigureIP(const IPConfiguration& aConfiguration);
 
-  /// Opens the camera for a listener, which hears of it from then on. AccessDenied while another link controls it,
-  /// NotFound for a camera that is not there or not in the adapter's subnet.
+  /// Opens the camera for a listener, which hears of it from then on. AccessDenied while another link controls it
+  /// or openings are ordered to be refused, NotFound for a camera that is not there or not in the adapter's subnet.
   KrResult Attach(krsystem::DeviceAccess aAccess, ICameraListener& aListener);
   /// Gives back what Attach gave; no call of the listener is running or comes afterwards.
   void Detach(ICameraListener& aListener);
@@ -44,13 +46,21 @@ public:
   KrResult Read(const ICameraListener& aListener, std::uint64_t aAddress, void* aData, std::size_t aLength) const;
   KrResult Write(const ICameraListener& aListener, std::uint64_t aAddress, const void* aData, std::size_t aLength);
 
-  FrameSettings GetFrameSettings() const;
+  /// Whether a link controls the camera.
+  bool IsControlledBy(const ICameraListener& aListener) const;
+  const std::vector<KrPixelType>& GetPixelFormats() const { return mDescription.pixelFormats; }
+  ICameraClock& GetClock() { return *mClock; }
+  OrderedFaults& GetFaults() { return mFaults; }
+
   std::uint64_t GetPayloadSize() const;
   /// Starts the controlling link's stream; AccessDenied for any other.
   KrResult BeginStream(const ICameraListener& aListener);
   /// Ends the stream of the controlling link; of any other, nothing.
   void EndStream(const ICameraListener& aListener);
-  void EndAcquisition(const ICameraListener& aListener);
+  /// The exposure that is due next; nothing while none is, as of now.
+  std::optional<Exposure> GetNextExposure() const;
+  /// Takes the frame of an exposure for the controlling link; nothing when acquisition was stopped meanwhile.
+  std::optional<FrameSettings> EndExposure(const ICameraListener& aListener, const Exposure& aExposure);
 
   /// Orders of a test: the camera vanishes, as when its cable is pulled, and comes back. Links to it stay lost.
   void Lose();
@@ -72,6 +82,8 @@ private:
   const KrString mAdapterText;
   const std::uint32_t mAdapterAddress;
   const std::uint32_t mAdapterMask;
+  const std::shared_ptr<ICameraClock> mClock;
+  OrderedFaults mFaults;
 
   std::mutex mEventMutex;    // Keeps losses, returns, attaching and detaching in one order; taken before mMutex.
   mutable std::mutex mMutex; // Guards the members from here on.

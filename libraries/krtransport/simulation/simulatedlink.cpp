@@ -31,7 +31,8 @@ KrResult SimulatedLink::Open(std::shared_ptr<SimulatedCamera> aCamera, krsystem:
 }
 
 SimulatedLink::SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera)
-    : mCamera(std::move(aCamera)), mSource(*mCamera, *this) {}
+    : mCamera(std::move(aCamera)), mGate(mCamera->GetFaults()), mFeatures(*this, mCamera->GetPixelFormats()),
+      mSource(*mCamera, *this) {}
 
 SimulatedLink::~SimulatedLink() {
   // A sink that is being called may use the link until it returns.
@@ -45,7 +46,10 @@ krsystem::IBufferSource* SimulatedLink::GetBufferSource(std::uint32_t aChannel) 
 }
 
 void SimulatedLink::GiveBackControl() {
+  if (!mCamera->IsControlledBy(*this))
+    return;
   mLost = true;
+  mGate.End({KrResult::Code::ConnectionLost, "Control of the camera was given back; open it anew."});
   mSource.SetLost();
   mSource.Stop();
   mCamera->Detach(*this);
@@ -56,20 +60,25 @@ void SimulatedLink::SetSink(krsystem::IDeviceLinkSink* aSink) {
 }
 
 KrResult SimulatedLink::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
-                             const std::stop_token&) {
-  const KrResult valid = CheckArguments(aData, aLength, aTimeoutMs);
-  return valid.IsOK() ? mCamera->Read(*this, aAddress, aData, aLength) : valid;
+                             const std::stop_token& aCancel) {
+  KrResult result = CheckArguments(aData, aLength, aTimeoutMs);
+  if (result.IsOK())
+    result = mGate.Await(aAddress, aLength, aTimeoutMs, aCancel);
+  return result.IsOK() ? mCamera->Read(*this, aAddress, aData, aLength) : result;
 }
 
 KrResult SimulatedLink::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
-                              const std::stop_token&) {
-  const KrResult valid = CheckArguments(aData, aLength, aTimeoutMs);
-  return valid.IsOK() ? mCamera->Write(*this, aAddress, aData, aLength) : valid;
+                              const std::stop_token& aCancel) {
+  KrResult result = CheckArguments(aData, aLength, aTimeoutMs);
+  if (result.IsOK())
+    result = mGate.Await(aAddress, aLength, aTimeoutMs, aCancel);
+  return result.IsOK() ? mCamera->Write(*this, aAddress, aData, aLength) : result;
 }
 
 void SimulatedLink::OnCameraLost(const KrResult& aReason) {
   if (mLost.exchange(true))
     return;
+  mGate.End(aReason);
   mSource.SetLost();
   mEvents.ReportLost(aReason);
 }

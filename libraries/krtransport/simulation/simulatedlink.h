@@ -1,7 +1,9 @@
 #pragma once
 // An opening of a simulated camera: its registers, its stream channel, and word of its loss.
 
+#include "simulation/featureaccess.h"
 #include "simulation/linkevents.h"
+#include "simulation/registergate.h"
 #include "simulation/simulatedbuffersource.h"
 #include "simulation/simulatedcamera.h"
 
@@ -20,6 +22,7 @@ public:
 
   IKrRegisterPort& GetRegisterPort() override { return *this; }
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
+  krsystem::IFeatureAccess* GetFeatures() override { return &mFeatures; }
   void GiveBackControl() override;
   bool IsConnected() const override { return !mLost; }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override;
@@ -39,6 +42,8 @@ private:
   const std::shared_ptr<SimulatedCamera> mCamera;
   std::atomic<bool> mLost = false;
   LinkEvents mEvents;
+  RegisterGate mGate;
+  FeatureAccess mFeatures;
   SimulatedBufferSource mSource;
 };
 

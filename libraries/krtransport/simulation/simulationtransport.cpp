@@ -2,6 +2,7 @@
 
 #include "krbase/krlogger.h"
 #include "krsystem/ipv4address.h"
+#include "simulation/faultorders.h"
 #include "simulation/simulatedcamera.h"
 #include "simulation/simulatedlink.h"
 
@@ -10,6 +11,7 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace krtransport {
 
@@ -39,11 +41,13 @@ KrResult MakeUnknown(const KrString& aWhat) {
 
 } // namespace
 
-SimulationTransport::SimulationTransport(const Lab& aLab) {
+SimulationTransport::SimulationTransport(const Lab& aLab, std::shared_ptr<ICameraClock> aClock) {
+  if (!aClock)
+    aClock = std::make_shared<SteadyCameraClock>();
   for (const LabAdapter& adapter : aLab.adapters) {
     Adapter entry{MakeFields(adapter), {}};
     for (const LabCamera& camera : adapter.cameras)
-      entry.cameras.push_back(std::make_shared<SimulatedCamera>(camera, adapter));
+      entry.cameras.push_back(std::make_shared<SimulatedCamera>(camera, adapter, aClock));
     mAdapters.push_back(std::move(entry));
   }
 }
@@ -182,6 +186,11 @@ KrResult SimulationTransport::Restore(const KrString& aUniqueID) {
     return MakeUnknown(aUniqueID);
   camera->Restore();
   return {};
+}
+
+std::shared_ptr<KrSimulatedFaults> SimulationTransport::GetFaults(const KrString& aUniqueID) const {
+  const std::shared_ptr<SimulatedCamera> camera = FindByID(aUniqueID);
+  return camera ? std::make_shared<FaultOrders>(camera) : nullptr;
 }
 
 } // namespace krtransport

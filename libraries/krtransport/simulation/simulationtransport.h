@@ -3,10 +3,13 @@
 // What the lab consists of is left to its description, how a camera behaves to SimulatedCamera.
 
 #include "krsystem/itransport.h"
+#include "simulation/cameraclock.h"
 #include "simulation/lab.h"
 
 #include <memory>
 #include <vector>
+
+class KrSimulatedFaults;
 
 namespace krtransport {
 
@@ -15,7 +18,8 @@ class SimulatedCamera;
 /// Threads and ownership as ITransport. Cameras answer at once.
 class SimulationTransport final : public krsystem::ITransport {
 public:
-  explicit SimulationTransport(const Lab& aLab);
+  /// The cameras go by the clock; null for the host's.
+  explicit SimulationTransport(const Lab& aLab, std::shared_ptr<ICameraClock> aClock = nullptr);
   ~SimulationTransport() override;
 
   KrString GetName() const override;
@@ -34,6 +38,8 @@ public:
   /// Makes a camera vanish, as when its cable is pulled, and come back. NotFound for an ID that the lab does not have.
   KrResult Lose(const KrString& aUniqueID);
   KrResult Restore(const KrString& aUniqueID);
+  /// The orders to a camera, or null for an ID that the lab does not have.
+  std::shared_ptr<KrSimulatedFaults> GetFaults(const KrString& aUniqueID) const;
 
 private:
   struct Adapter {

@@ -1,0 +1,62 @@
+#pragma once
+// Faults of the simulated cameras on order, so that an application can be tried out with a camera that misbehaves.
+// Without an order a simulated camera has none.
+
+#include "krbase/krresult.h"
+#include "krbase/krstring.h"
+
+#include <cstdint>
+#include <memory>
+
+/// What a buffer holds where packets were lost.
+enum class KrPacketGap {
+  Zeroed, ///< Zeros.
+  Kept,   ///< What it held before.
+};
+
+/// The orders to one simulated camera. Orders on frames wait in a queue: each takes the next frames that are due after
+/// those of the orders before it. Frames for which no buffer is free use up no order of lost or late packets. A frame's
+/// packets are those that carry its bytes, of the size that the feature GevSCPSPacketSize has less 36 bytes of headers.
+///
+/// Thread: any.
+/// Ownership: the holder's; the orders stay with the camera, also when this object has gone.
+///
+///     std::shared_ptr<KrSimulatedFaults> faults;
+///     if (KrFindSimulatedFaults("02:4b:52:00:77:10", faults).IsOK())
+///       faults->LosePackets(3, 2); // two packets of each of the next three frames
+class KR_EXPORT KrSimulatedFaults {
+public:
+  virtual ~KrSimulatedFaults() = default;
+
+  /// Loses aPackets packets of each of the next aFrames frames, from packet aFirstPacket (0 is the first) on, as far as
+  /// the frame has them. The frames come incomplete; their missing packets are counted.
+  virtual void LosePackets(std::uint32_t aFrames, std::uint32_t aPackets, std::uint32_t aFirstPacket = 0,
+                           KrPacketGap aGap = KrPacketGap::Zeroed) = 0;
+  /// Lets aPackets packets of each of the next aFrames frames come aDelayMs milliseconds of the camera's clock late, on
+  /// being asked for again. The frames come whole; the packets are counted as missing and as resent.
+  virtual void DelayPackets(std::uint32_t aFrames, std::uint32_t aPackets, std::uint32_t aDelayMs) = 0;
+  /// Loses the next aFrames frames altogether: their numbers are left out, nothing else tells of them.
+  virtual void DropFrames(std::uint32_t aFrames) = 0;
+  /// Forgets the orders on frames that are left.
+  virtual void EndFrameFaults() = 0;
+
+  /// Leaves accesses that touch the byte at aAddress without an answer: the next aTimes ones, or, with 0, all until
+  /// EndRegisterFaults.
+  virtual void SilenceRegister(std::uint64_t aAddress, std::uint32_t aTimes = 0) = 0;
+  /// Leaves all accesses without an answer until EndRegisterFaults.
+  virtual void SilenceRegisters() = 0;
+  /// Lets every answer take aDelayMs milliseconds; 0 for none.
+  virtual void SlowRegisters(std::uint32_t aDelayMs) = 0;
+  /// Answers all accesses at once again.
+  virtual void EndRegisterFaults() = 0;
+
+  /// Whether the camera refuses to be opened (AccessDenied). Who has it open keeps it.
+  virtual void RefuseOpening(bool aRefused) = 0;
+  /// The camera vanishes, as when its cable is pulled: links to it are lost. It stays away until Return.
+  virtual void Disappear() = 0;
+  virtual void Return() = 0;
+};
+
+/// Finds the orders to a simulated camera by its unique ID, which is its MAC address. NotFound when none of the
+/// transports that are installed simulates such a camera. Any thread.
+KR_EXPORT KrResult KrFindSimulatedFaults(const KrString& aUniqueID, std::shared_ptr<KrSimulatedFaults>& aFaults);

@@ -1,0 +1,71 @@
+#include "simulation/faultorders.h"
+
+#include "krsystem/transportregistry.h"
+#include "simulation/simulatedcamera.h"
+#include "simulation/simulationtransport.h"
+
+#include <utility>
+
+namespace krtransport {
+
+FaultOrders::FaultOrders(std::shared_ptr<SimulatedCamera> aCamera) : mCamera(std::move(aCamera)) {}
+
+void FaultOrders::LosePackets(std::uint32_t aFrames, std::uint32_t aPackets, std::uint32_t aFirstPacket,
+                              KrPacketGap aGap) {
+  mCamera->GetFaults().AddPacketFault(aFrames, {.firstPacket = aFirstPacket, .packets = aPackets, .gap = aGap});
+}
+
+void FaultOrders::DelayPackets(std::uint32_t aFrames, std::uint32_t aPackets, std::uint32_t aDelayMs) {
+  mCamera->GetFaults().AddPacketFault(aFrames, {.packets = aPackets, .isLate = true, .delayMs = aDelayMs});
+}
+
+void FaultOrders::DropFrames(std::uint32_t aFrames) {
+  mCamera->GetFaults().AddDrop(aFrames);
+}
+
+void FaultOrders::EndFrameFaults() {
+  mCamera->GetFaults().EndFrameFaults();
+}
+
+void FaultOrders::SilenceRegister(std::uint64_t aAddress, std::uint32_t aTimes) {
+  mCamera->GetFaults().SilenceRegister(aAddress, aTimes);
+}
+
+void FaultOrders::SilenceRegisters() {
+  mCamera->GetFaults().SilenceRegisters();
+}
+
+void FaultOrders::SlowRegisters(std::uint32_t aDelayMs) {
+  mCamera->GetFaults().SlowRegisters(aDelayMs);
+}
+
+void FaultOrders::EndRegisterFaults() {
+  mCamera->GetFaults().EndRegisterFaults();
+}
+
+void FaultOrders::RefuseOpening(bool aRefused) {
+  mCamera->GetFaults().RefuseOpening(aRefused);
+}
+
+void FaultOrders::Disappear() {
+  mCamera->Lose();
+}
+
+void FaultOrders::Return() {
+  mCamera->Restore();
+}
+
+} // namespace krtransport
+
+KrResult KrFindSimulatedFaults(const KrString& aUniqueID, std::shared_ptr<KrSimulatedFaults>& aFaults) {
+  for (const std::shared_ptr<krsystem::ITransport>& transport : krsystem::GetTransports()) {
+    const auto simulation = std::dynamic_pointer_cast<krtransport::SimulationTransport>(transport);
+    std::shared_ptr<KrSimulatedFaults> faults = simulation ? simulation->GetFaults(aUniqueID) : nullptr;
+    if (!faults)
+      continue;
+    aFaults = std::move(faults);
+    return {};
+  }
+  return {KrResult::Code::NotFound, "No simulated camera has the unique ID " + aUniqueID +
+                                        "; install the simulation, and give the MAC address as discovery tells it."};
+}

@@ -1,0 +1,34 @@
+#pragma once
+// Hands the orders that come from outside on to one simulated camera.
+
+#include "krtransport/krsimulatedfaults.h"
+
+#include <memory>
+
+namespace krtransport {
+
+class SimulatedCamera;
+
+/// Thread and ownership as KrSimulatedFaults; shares the camera.
+class FaultOrders final : public KrSimulatedFaults {
+public:
+  explicit FaultOrders(std::shared_ptr<SimulatedCamera> aCamera);
+
+  void LosePackets(std::uint32_t aFrames, std::uint32_t aPackets, std::uint32_t aFirstPacket,
+                   KrPacketGap aGap) override;
+  void DelayPackets(std::uint32_t aFrames, std::uint32_t aPackets, std::uint32_t aDelayMs) override;
+  void DropFrames(std::uint32_t aFrames) override;
+  void EndFrameFaults() override;
+  void SilenceRegister(std::uint64_t aAddress, std::uint32_t aTimes) override;
+  void SilenceRegisters() override;
+  void SlowRegisters(std::uint32_t aDelayMs) override;
+  void EndRegisterFaults() override;
+  void RefuseOpening(bool aRefused) override;
+  void Disappear() override;
+  void Return() override;
+
+private:
+  const std::shared_ptr<SimulatedCamera> mCamera;
+};
+
+} // namespace krtransport
