@@ -51,8 +51,9 @@ void Measure(const Size& aSize, KrPixelType aType, int aThreads) {
 
 int main() {
   for (const Size& size : {Size{1920, 1080}, Size{4096, 3000}})
-    for (const KrPixelType type : {KrPixel::Mono8, KrPixel::Mono12, KrPixel::Mono12p, KrPixel::Mono16,
-                                   KrPixel::BayerRG8, KrPixel::RGB8, KrPixel::BGRa8})
+    for (const KrPixelType type :
+         {KrPixel::Mono8, KrPixel::Mono12, KrPixel::Mono12p, KrPixel::Mono16, KrPixel::Mono10Packed, KrPixel::BayerRG8,
+          KrPixel::BayerRG12p, KrPixel::RGB8, KrPixel::RGB12, KrPixel::BGRa8, KrPixel::YUV422_8, KrPixel::Coord3D_C32f})
       for (const int threads : {1, -1})
         Measure(size, type, threads);
 }

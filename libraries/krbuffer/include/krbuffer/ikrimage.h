@@ -21,14 +21,15 @@ public:
   virtual std::uint32_t GetHeight() const = 0;
   /// The format of the pixels.
   virtual KrPixelType GetPixelType() const = 0;
-  /// Bytes after the last pixel of each line, before the next line.
+  /// Bytes after the last pixel of each line, of planar formats each line of each plane, before the next line.
   virtual std::uint32_t GetPaddingX() const = 0;
   /// Bytes after the last line.
   virtual std::uint32_t GetPaddingY() const = 0;
   /// The size in bytes that the image takes by its width, height, format and padding; 0 for an image that holds
   /// nothing. Never more than the memory behind GetDataPointer().
   virtual std::size_t GetImageSize() const = 0;
-  /// The first byte of the first (top) line; null for an image that holds nothing.
+  /// The first byte of the first (top) line, of planar formats that of the first plane; null for an image that holds
+  /// nothing.
   virtual const std::uint8_t* GetDataPointer() const = 0;
   virtual std::uint8_t* GetDataPointer() = 0;
 
