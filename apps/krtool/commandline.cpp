@@ -18,16 +18,22 @@ struct CommandRow {
   std::string_view synopsis;
   std::string_view description;
   bool takesDevice;
+  bool takesFile;
   bool needsFrames;
 };
 
 constexpr CommandRow kCommands[] = {
     {Verb::List, "list", "list [--json] [--simulate] [--timeout MS]",
-     "Lists every interface and the devices behind it, one line each.\n"
+     "Lists every interface and the devices behind it, one line each below a line of headings.\n"
      "      Columns are parted by two or more blanks; an empty cell is \"-\".",
-     false, false},
+     false, false, false},
     {Verb::Stream, "stream", "stream DEVICE --frames N [--timeout MS] [--simulate]",
-     "Takes N frames and closes with one line of figures. Ctrl-C ends it earlier.", true, true},
+     "Takes N frames and closes with one line of figures. Ctrl-C ends it earlier.", true, false, true},
+    {Verb::SaveFrame, "save-frame",
+     "save-frame DEVICE FILE [--format FORMAT] [--pixel-format NAME] [--force] [--timeout MS] [--simulate]",
+     "Saves the first frame that comes whole: .png as it is shown, .tif or .tiff with all of the camera's bits,\n"
+     "      .raw with the bytes as they came and a text FILE.txt that says what they are.",
+     true, true, false},
 };
 
 struct OptionRow {
@@ -55,17 +61,34 @@ bool TakeTimeout(CommandLine& aCommandLine, std::string_view aValue) {
   return isNumber;
 }
 
+bool TakeFormat(CommandLine& aCommandLine, std::string_view aValue) {
+  aCommandLine.format = krapps::FindFrameFileFormat(aValue);
+  return aCommandLine.format.has_value();
+}
+
+bool TakePixelFormat(CommandLine& aCommandLine, std::string_view aValue) {
+  aCommandLine.pixelFormat = aValue;
+  return !aValue.empty();
+}
+
 constexpr OptionRow kOptions[] = {
+    {"--force", "", "save-frame", "Replaces a file that is there already.",
+     [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.force = true; }, ""},
+    {"--format", "FORMAT", "save-frame", "png, tiff or raw, where the name of FILE does not say so.", TakeFormat,
+     "png, tiff or raw"},
     {"--frames", "N", "stream", "How many frames to take.",
      [](CommandLine& aCommandLine, std::string_view aValue) { return TakeNumber(aValue, aCommandLine.frames); },
      "a whole number of 1 or more"},
     {"--json", "", "list", "Writes one JSON object instead of lines.",
      [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.json = true; }, ""},
-    {"--simulate", "", "list stream", "Offers the built-in simulated lab beside the real devices.",
+    {"--pixel-format", "NAME", "save-frame", "Sets the camera's pixel format first, for example Mono12p; it stays set.",
+     TakePixelFormat, "the name of a pixel format"},
+    {"--simulate", "", "list stream save-frame", "Offers the built-in simulated lab beside the real devices.",
      [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.simulate = true; }, ""},
-    {"--timeout", "MS", "list stream",
-     "list: how long answers are awaited (1000). stream: how long one frame is awaited (10000).", TakeTimeout,
-     "milliseconds from 1 to 3600000"},
+    {"--timeout", "MS", "list stream save-frame",
+     "list: how long answers are awaited (1000). stream: how long one frame is awaited (10000).\n"
+     "      save-frame: how long a whole frame is awaited (10000).",
+     TakeTimeout, "milliseconds from 1 to 3600000"},
 };
 
 bool HasArgument(const std::vector<std::string>& aArguments, std::string_view aLong, std::string_view aShort) {
@@ -127,11 +150,14 @@ private:
   }
 
   void TakeName(const std::string& aArgument) {
-    if (!mCommand.takesDevice || !mResult.commandLine.device.empty())
+    CommandLine& line = mResult.commandLine;
+    const bool isDevice = mCommand.takesDevice && line.device.empty();
+    const bool isFile = mCommand.takesFile && !isDevice && line.file.empty();
+    if (!isDevice && !isFile)
       return Fail("Unexpected argument \"" + aArgument + "\".");
     if (aArgument.empty())
-      return Fail("DEVICE is empty.");
-    mResult.commandLine.device = aArgument;
+      return Fail(isDevice ? "DEVICE is empty." : "FILE is empty.");
+    (isDevice ? line.device : line.file) = aArgument;
   }
 
   void CheckComplete() {
@@ -140,6 +166,19 @@ private:
       Fail(command + " wants a DEVICE: an ID, a MAC or IP address or a user-defined name.");
     else if (mCommand.needsFrames && mResult.commandLine.frames == 0)
       Fail(command + " wants --frames N.");
+    else if (mCommand.takesFile)
+      CheckFile(command);
+  }
+
+  void CheckFile(const std::string& aCommand) {
+    CommandLine& line = mResult.commandLine;
+    if (line.file.empty())
+      return Fail(aCommand + " wants a FILE to save the frame in.");
+    if (!line.format)
+      line.format = krapps::FindFrameFileFormatOf(line.file);
+    if (!line.format)
+      Fail("The name of \"" + line.file +
+           "\" does not say its format. Give it an extension, or --format: " + krapps::ListFrameFileFormats() + ".");
   }
 
   const CommandRow& mCommand;

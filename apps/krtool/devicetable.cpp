@@ -138,6 +138,9 @@ void WriteDevice(JsonWriter& aWriter, const KrDeviceInfo& aDevice) {
 
 std::string FormatTable(const KrSystem& aSystem) {
   std::vector<Row> rows;
+  if (aSystem.GetInterfaceCount() > 0)
+    rows.push_back({"entry", "kind", "unique ID", "IP address", "MAC address", "name", "serial number",
+                    "user-defined name", "state"});
   for (std::size_t index = 0; index < aSystem.GetInterfaceCount(); ++index) {
     const KrInterface& interface = *aSystem.GetInterface(index);
     rows.push_back(MakeRow(interface));

@@ -7,7 +7,8 @@
 
 namespace krtool {
 
-/// One line for each interface, followed by one for each device behind it; says so when there are none.
+/// A line of headings, then one line for each interface, followed by one for each device behind it; says so when there
+/// are none.
 /// Columns: "interface" or "device", kind, unique ID, IP address, MAC address, name, serial number, user-defined name,
 /// state.
 std::string FormatTable(const KrSystem& aSystem);

@@ -4,11 +4,24 @@
 #include "krdevice/krdeviceend.h"
 #include "krtransport/krtransport.h"
 #include "listcommand.h"
+#include "saveframecommand.h"
 #include "streamcommand.h"
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 
 namespace {
+
+struct CommandRow {
+  krtool::Verb verb;
+  int (*run)(KrSystem& aSystem, const krtool::CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors);
+};
+
+// The commands that need devices.
+constexpr CommandRow kCommands[] = {{krtool::Verb::List, krtool::RunList},
+                                    {krtool::Verb::Stream, krtool::RunStream},
+                                    {krtool::Verb::SaveFrame, krtool::RunSaveFrame}};
 
 int RunWithDevices(const krtool::CommandLine& aCommandLine) {
   if (KrResult prepared = KrGiveBackDevicesAtEnd(); !prepared.IsOK())
@@ -21,8 +34,9 @@ int RunWithDevices(const krtool::CommandLine& aCommandLine) {
   KrSystem system;
   // Devices with an address of a foreign subnet are to be seen, too, even if only to be called unreachable.
   system.SetSubnetBroadcastEnabled(false);
-  return aCommandLine.verb == krtool::Verb::List ? krtool::RunList(system, aCommandLine, std::cout, std::cerr)
-                                                 : krtool::RunStream(system, aCommandLine, std::cout, std::cerr);
+  const auto* const row = std::find_if(std::begin(kCommands), std::end(kCommands),
+                                       [&](const CommandRow& aRow) { return aRow.verb == aCommandLine.verb; });
+  return row->run(system, aCommandLine, std::cout, std::cerr);
 }
 
 } // namespace
@@ -42,6 +56,7 @@ int main(int aCount, char** aArguments) {
     return 0;
   case krtool::Verb::List:
   case krtool::Verb::Stream:
+  case krtool::Verb::SaveFrame:
     break;
   }
   const int exitCode = RunWithDevices(parsed.commandLine);

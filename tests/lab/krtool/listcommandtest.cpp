@@ -39,19 +39,21 @@ protected:
   std::ostringstream mErrors;
 };
 
-TEST_F(ListCommand, Lab_GivesOneLineForEachInterfaceAndDevice) {
+TEST_F(ListCommand, Lab_GivesHeadingsAndOneLineForEachInterfaceAndDevice) {
   const int exitCode = Run(false);
 
   EXPECT_EQ(exitCode, 0);
   const std::vector<std::string> lines = Split(mOut.str(), "\n");
-  ASSERT_EQ(lines.size(), 5U) << mOut.str();
+  ASSERT_EQ(lines.size(), 6U) << mOut.str();
   for (const std::string& line : lines)
     EXPECT_EQ(Split(line, "  ").size(), 9U) << line;
-  EXPECT_EQ(Split(lines[0], "  ")[0], "interface");
-  EXPECT_THAT(Split(lines[1], "  "),
+  EXPECT_THAT(Split(lines[0], "  "), testing::ElementsAre("entry", "kind", "unique ID", "IP address", "MAC address",
+                                                          "name", "serial number", "user-defined name", "state"));
+  EXPECT_EQ(Split(lines[1], "  ")[0], "interface");
+  EXPECT_THAT(Split(lines[2], "  "),
               testing::ElementsAre("device", "GEV", "02:4b:52:00:77:10", "192.168.77.10", "02:4b:52:00:77:10",
                                    "KrGUI Simulated Mono Camera", "SIM-0001", "sim-mono", "reachable"));
-  EXPECT_EQ(Split(lines[3], "  ").back(), "unreachable");
+  EXPECT_EQ(Split(lines[4], "  ").back(), "unreachable");
   EXPECT_EQ(mErrors.str(), "");
 }
 

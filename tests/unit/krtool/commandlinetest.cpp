@@ -39,6 +39,28 @@ TEST(CommandLine, Stream_TakesDeviceAndFramesInAnyOrder) {
   }
 }
 
+TEST(CommandLine, SaveFrame_TakesDeviceThenFile) {
+  const ParsedCommandLine parsed =
+      ParseCommandLine({"save-frame", "cam", "--pixel-format", "Mono12p", "a.b/shot.TIF", "--force", "--timeout=5"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.verb, Verb::SaveFrame);
+  EXPECT_EQ(parsed.commandLine.device, "cam");
+  EXPECT_EQ(parsed.commandLine.file, "a.b/shot.TIF");
+  EXPECT_EQ(parsed.commandLine.format, krapps::FrameFileFormat::TIFF);
+  EXPECT_EQ(parsed.commandLine.pixelFormat, "Mono12p");
+  EXPECT_TRUE(parsed.commandLine.force);
+  EXPECT_EQ(parsed.commandLine.timeoutMs, 5U);
+}
+
+TEST(CommandLine, FormatOption_PrevailsOverTheFilesName) {
+  const ParsedCommandLine parsed = ParseCommandLine({"save-frame", "cam", "shot.png", "--format", "raw"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.format, krapps::FrameFileFormat::Raw);
+  EXPECT_FALSE(parsed.commandLine.force);
+}
+
 TEST(CommandLine, NameThatLooksLikeAnOption_IsTakenBehindTwoDashes) {
   const ParsedCommandLine parsed = ParseCommandLine({"stream", "--frames", "1", "--", "--help"});
 
@@ -66,31 +88,42 @@ TEST_P(WrongCommandLine, IsToldWithWhatIsWrong) {
 
 INSTANTIATE_TEST_SUITE_P(
     Mistakes, WrongCommandLine,
-    testing::Values(Mistake{"NoCommand", {}, "command is missing"}, Mistake{"UnknownCommand", {"show"}, "\"show\""},
-                    Mistake{"UnknownOption", {"list", "--all"}, "--all"},
-                    Mistake{"OptionOfAnotherCommand", {"list", "--frames", "3"}, "takes no --frames"},
-                    Mistake{"JsonForStream", {"stream", "cam", "--frames", "3", "--json"}, "takes no --json"},
-                    Mistake{"FlagWithValue", {"list", "--json=yes"}, "takes no value"},
-                    Mistake{"ListWithDevice", {"list", "cam"}, "\"cam\""},
-                    Mistake{"StreamWithoutDevice", {"stream", "--frames", "3"}, "DEVICE"},
-                    Mistake{"EmptyDevice", {"stream", "", "--frames", "3"}, "DEVICE"},
-                    Mistake{"TwoDevices", {"stream", "a", "b", "--frames", "3"}, "\"b\""},
-                    Mistake{"StreamWithoutFrames", {"stream", "cam"}, "--frames N"},
-                    Mistake{"NoFrames", {"stream", "cam", "--frames", "0"}, "\"0\""},
-                    Mistake{"NegativeFrames", {"stream", "cam", "--frames", "-3"}, "\"-3\""},
-                    Mistake{"TextForFrames", {"stream", "cam", "--frames", "3x"}, "\"3x\""},
-                    Mistake{
-                        "FramesBeyondNumbers", {"stream", "cam", "--frames", "99999999999999999999"}, "--frames wants"},
-                    Mistake{"MissingValue", {"list", "--timeout"}, "--timeout wants"},
-                    Mistake{"TimeoutZero", {"list", "--timeout", "0"}, "--timeout wants"},
-                    Mistake{"TimeoutTooLong", {"list", "--timeout", "3600001"}, "--timeout wants"}),
+    testing::Values(
+        Mistake{"NoCommand", {}, "command is missing"}, Mistake{"UnknownCommand", {"show"}, "\"show\""},
+        Mistake{"UnknownOption", {"list", "--all"}, "--all"},
+        Mistake{"OptionOfAnotherCommand", {"list", "--frames", "3"}, "takes no --frames"},
+        Mistake{"JsonForStream", {"stream", "cam", "--frames", "3", "--json"}, "takes no --json"},
+        Mistake{"FlagWithValue", {"list", "--json=yes"}, "takes no value"},
+        Mistake{"ListWithDevice", {"list", "cam"}, "\"cam\""},
+        Mistake{"StreamWithoutDevice", {"stream", "--frames", "3"}, "DEVICE"},
+        Mistake{"EmptyDevice", {"stream", "", "--frames", "3"}, "DEVICE"},
+        Mistake{"TwoDevices", {"stream", "a", "b", "--frames", "3"}, "\"b\""},
+        Mistake{"StreamWithoutFrames", {"stream", "cam"}, "--frames N"},
+        Mistake{"NoFrames", {"stream", "cam", "--frames", "0"}, "\"0\""},
+        Mistake{"NegativeFrames", {"stream", "cam", "--frames", "-3"}, "\"-3\""},
+        Mistake{"TextForFrames", {"stream", "cam", "--frames", "3x"}, "\"3x\""},
+        Mistake{"FramesBeyondNumbers", {"stream", "cam", "--frames", "99999999999999999999"}, "--frames wants"},
+        Mistake{"SaveFrameWithoutDevice", {"save-frame"}, "DEVICE"},
+        Mistake{"SaveFrameWithoutFile", {"save-frame", "cam"}, "FILE"},
+        Mistake{"EmptyFile", {"save-frame", "cam", ""}, "FILE is empty"},
+        Mistake{"TwoFiles", {"save-frame", "cam", "a.png", "b.png"}, "\"b.png\""},
+        Mistake{"UnknownExtension", {"save-frame", "cam", "a.jpg"}, "png (.png), tiff (.tiff or .tif), raw (.raw)"},
+        Mistake{"NoExtension", {"save-frame", "cam", "shot"}, "\"shot\""},
+        Mistake{"UnknownFormat", {"save-frame", "cam", "a.png", "--format", "jpg"}, "png, tiff or raw"},
+        Mistake{"EmptyPixelFormat", {"save-frame", "cam", "a.png", "--pixel-format", ""}, "pixel format"},
+        Mistake{"FramesOfASavedFrame", {"save-frame", "cam", "a.png", "--frames", "2"}, "takes no --frames"},
+        Mistake{"ForceForStream", {"stream", "cam", "--frames", "2", "--force"}, "takes no --force"},
+        Mistake{"MissingValue", {"list", "--timeout"}, "--timeout wants"},
+        Mistake{"TimeoutZero", {"list", "--timeout", "0"}, "--timeout wants"},
+        Mistake{"TimeoutTooLong", {"list", "--timeout", "3600001"}, "--timeout wants"}),
     [](const auto& aInfo) { return std::string(aInfo.param.name); });
 
 TEST(CommandLine, Help_NamesEveryCommandAndOption) {
   const std::string help = GetHelpText();
 
-  for (const char* word : {"krtool list", "krtool stream DEVICE", "--frames N", "--json", "--simulate", "--timeout MS",
-                           "--help", "--version", "MAC"})
+  for (const char* word :
+       {"krtool list", "krtool stream DEVICE", "krtool save-frame DEVICE FILE", "--force", "--format FORMAT",
+        "--pixel-format NAME", "--frames N", "--json", "--simulate", "--timeout MS", "--help", "--version", "MAC"})
     EXPECT_THAT(help, HasSubstr(word));
 }
 

@@ -1,0 +1,63 @@
+#include "camerasession.h"
+
+#include "deviceselection.h"
+#include "plaintext.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace krtool {
+
+namespace {
+
+// How long one look for a frame may keep Ctrl-C waiting.
+constexpr std::uint32_t kSliceMs = 100;
+
+std::string GetReason(const KrResult& aResult) {
+  return (aResult.GetDescription().IsEmpty() ? aResult.GetCodeString() : aResult.GetDescription()).ToUtf8();
+}
+
+} // namespace
+
+KrResult Explain(const std::string& aAttempt, const KrResult& aResult) {
+  return aResult.IsOK() ? aResult : KrResult(aResult.GetCode(), aAttempt + ": " + GetReason(aResult));
+}
+
+int Fail(std::ostream& aErrors, const KrResult& aResult) {
+  aErrors << "krtool: " << GetReason(aResult) << '\n';
+  return 1;
+}
+
+KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice) {
+  const KrDeviceInfo* info = nullptr;
+  if (KrResult selected = krapps::SelectDevice(aSystem, aName, info); !selected.IsOK())
+    return Explain("looking for the device failed", selected);
+  const std::string attempt = "opening " + krapps::MakeCell(info->GetDisplayID()) + " failed";
+  if (!info->IsConfigurationValid())
+    return Explain(attempt, {KrResult::Code::NotFound, "this host cannot reach it as it is configured. Give it an "
+                                                       "address of a network that this host is in."});
+  return Explain(attempt, KrDevice::Open(*info, KrDeviceAccess::Control, aDevice));
+}
+
+std::uint64_t GetSteadyNs() {
+  const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(std::chrono::nanoseconds(sinceStart).count());
+}
+
+KrResult AwaitFrame(KrStream& aStream, const krapps::StopSignal& aStop, std::uint32_t aTimeoutMs, KrBuffer*& aBuffer) {
+  const std::uint64_t start = GetSteadyNs();
+  while (!aStop.IsRaised()) {
+    const std::uint64_t waitedMs = (GetSteadyNs() - start) / 1'000'000;
+    const std::uint64_t leftMs = waitedMs < aTimeoutMs ? aTimeoutMs - waitedMs : 0;
+    const auto sliceMs = static_cast<std::uint32_t>(std::min<std::uint64_t>(leftMs, kSliceMs));
+    KrResult result = aStream.Retrieve(aBuffer, sliceMs);
+    if (result == KrResult::Code::TimeLimitExceeded && leftMs == 0)
+      return {KrResult::Code::TimeLimitExceeded,
+              "No frame came within " + std::to_string(aTimeoutMs) + " ms. Check the camera's trigger and exposure."};
+    if (!(result == KrResult::Code::TimeLimitExceeded))
+      return result;
+  }
+  return KrResult::Code::Aborted;
+}
+
+} // namespace krtool
