@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,6 +25,14 @@ std::unique_ptr<KrDevice> OpenDevice() {
   auto link = std::make_unique<FakeLink>();
   link->onGiveBack = [] { Say("given back\n"); };
   return std::make_unique<KrDeviceGEV>(std::move(link), MakeDeviceFields());
+}
+
+std::size_t CountGivenBack(const std::string& aSaid) {
+  constexpr std::string_view kWords = "given back";
+  std::size_t count = 0;
+  for (std::size_t at = aSaid.find(kWords); at != std::string::npos; at = aSaid.find(kWords, at + 1))
+    ++count;
+  return count;
 }
 
 // Ends within the wait for it, or never.
@@ -159,7 +168,9 @@ TEST_F(KrGiveBackDevicesAtEndDeathTest, ForkedChild_EndsByExitOrSignal_LeavesThe
     exit(0);
   };
 
-  EXPECT_EXIT(forkAndEnd(), testing::ExitedWithCode(0), Eq("children ended\ngiven back\n"));
+  // The leak sanitizer may add words of its own when a child exits that was forked from several threads.
+  EXPECT_EXIT(forkAndEnd(), testing::ExitedWithCode(0),
+              testing::AllOf(testing::HasSubstr("children ended\n"), testing::ResultOf(CountGivenBack, Eq(1u))));
 }
 
 TEST_F(KrGiveBackDevicesAtEndDeathTest, ForkedChild_ThatCallsItItself_GivesBackItsOwnDevicesAlone) {
