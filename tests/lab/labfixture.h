@@ -4,6 +4,7 @@
 #include "krdevice/krdevice.h"
 #include "krsystem/krsystem.h"
 #include "krsystem/transportregistry.h"
+#include "simulation/cameraclock.h"
 #include "simulation/cameraregisters.h"
 #include "simulation/registermemory.h"
 #include "simulation/simulationtransport.h"
@@ -11,8 +12,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <condition_variable>
+#include <functional>
+#include <memory>
 #include <mutex>
+#include <thread>
+#include <utility>
 
 constexpr std::uint32_t kGenerousLimitMs = 60000;
 constexpr const char* kMonoMAC = "02:4b:52:00:77:10";
@@ -20,6 +26,17 @@ constexpr const char* kMonoAddress = "192.168.77.10";
 constexpr const char* kColourMAC = "02:4b:52:00:77:11";
 constexpr const char* kForeignMAC = "02:4b:52:00:77:12";
 constexpr const char* kRangeMAC = "02:4b:52:00:77:13";
+
+/// Asks again and again until a condition holds; false when it does not within a generous limit.
+inline bool WaitUntil(const std::function<bool()>& aCondition) {
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
+  while (!aCondition()) {
+    if (std::chrono::steady_clock::now() > limit)
+      return false;
+    std::this_thread::yield();
+  }
+  return true;
+}
 
 /// Counts a device's events and lets a test wait for them.
 class CountingSink : public KrDeviceEventSink {
@@ -55,7 +72,11 @@ private:
 
 class LabTest : public testing::Test {
 protected:
-  LabTest() { krsystem::RegisterTransport(mLab); }
+  /// The cameras go by the clock given, or by the host's.
+  explicit LabTest(std::shared_ptr<krtransport::ICameraClock> aClock = nullptr)
+      : mLab(std::make_shared<krtransport::SimulationTransport>(krtransport::GetBuiltInLab(), std::move(aClock))) {
+    krsystem::RegisterTransport(mLab);
+  }
   ~LabTest() override { krsystem::UnregisterTransport(mLab); }
 
   /// Looks for devices in such a way that misconfigured ones answer too.
@@ -93,7 +114,6 @@ protected:
     return aDevice.GetRegisterPort().Write(aAddress, bytes.data(), bytes.size(), kGenerousLimitMs);
   }
 
-  const std::shared_ptr<krtransport::SimulationTransport> mLab =
-      std::make_shared<krtransport::SimulationTransport>(krtransport::GetBuiltInLab());
+  const std::shared_ptr<krtransport::SimulationTransport> mLab;
   KrSystem mSystem;
 };

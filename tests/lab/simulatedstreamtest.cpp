@@ -40,17 +40,6 @@ void ExpectWholeFrame(const KrBuffer& aBuffer, std::uint32_t aWidth, std::uint32
       << "pixels of frame " << aBuffer.GetFrameID();
 }
 
-// Asks again and again until a condition holds; false when it does not within a generous limit.
-bool WaitUntil(const std::function<bool()>& aCondition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
-  while (!aCondition()) {
-    if (std::chrono::steady_clock::now() > limit)
-      return false;
-    std::this_thread::yield();
-  }
-  return true;
-}
-
 class SimulatedStreamTest : public LabTest {
 protected:
   // Opens a camera and makes it so fast that no test has to wait long.

@@ -1,6 +1,7 @@
 #include "simulation/cameradescription.h"
 
 #include "simulation/featuretable.h"
+#include "simulation/framelayout.h"
 
 #include <algorithm>
 #include <array>
@@ -76,6 +77,17 @@ std::string FormatLimit(FeatureKind aKind, double aLimit) {
   return std::to_string(static_cast<long long>(aLimit)) + (aKind == FeatureKind::Float ? ".0" : "");
 }
 
+constexpr std::string_view kChunkSelectorName = "ChunkSelector";
+
+std::string GetRegisterName(std::string_view aFeature) {
+  return std::string(aFeature) + "Reg";
+}
+
+// The feature that reads a chunk.
+std::string GetChunkFeature(const FeatureEntry& aChunk) {
+  return "Chunk" + std::string(aChunk.name);
+}
+
 // Nodes as text, in the order in which GenApi's schema 1.1 wants their children.
 class DescriptionWriter {
 public:
@@ -84,6 +96,7 @@ public:
   void AddRoot();
   void AddCategory(const CategoryRow& aCategory);
   void AddFeature(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats);
+  void AddChunk(const FeatureEntry& aChunk);
 
 private:
   void Open(std::string_view aNode, std::string_view aName, bool aIsStandard);
@@ -100,10 +113,6 @@ private:
 
   std::string mText;
 };
-
-std::string GetRegisterName(std::string_view aFeature) {
-  return std::string(aFeature) + "Reg";
-}
 
 void DescriptionWriter::Open(std::string_view aNode, std::string_view aName, bool aIsStandard) {
   mText += "  <" + std::string(aNode) + " Name=\"" + std::string(aName) + "\"" +
@@ -130,6 +139,10 @@ void DescriptionWriter::AddCategory(const CategoryRow& aCategory) {
   for (const Feature& feature : ListFeatures()) {
     if (feature.category == aCategory.name)
       AddChild("pFeature", feature.name);
+    for (const FeatureEntry& chunk : feature.entries) {
+      if (feature.category == aCategory.name && feature.name == kChunkSelectorName)
+        AddChild("pFeature", GetChunkFeature(chunk));
+    }
   }
   Close("Category");
 }
@@ -250,6 +263,32 @@ void DescriptionWriter::AddFeature(const Feature& aFeature, std::span<const KrPi
     AddKnife(std::string(aFeature.name) + "Limit", aFeature.limit, aFeature.limitLess, "A - B");
 }
 
+// A chunk is read through a port of its own, which a frame gives its data to.
+void DescriptionWriter::AddChunk(const FeatureEntry& aChunk) {
+  const std::string name = GetChunkFeature(aChunk);
+  const bool isFloat = aChunk.value == cameraregister::kChunkExposureTime;
+  Open(isFloat ? "Float" : "Integer", name, true);
+  AddChild("ToolTip", aChunk.tip);
+  AddChild("DisplayName", MakeDisplayName(name));
+  AddChild("Visibility", "Expert");
+  AddChild("pValue", GetRegisterName(name));
+  if (aChunk.value != cameraregister::kChunkFrameID)
+    AddChild("Unit", isFloat ? "us" : "ns");
+  Close(isFloat ? "Float" : "Integer");
+  Open(isFloat ? "FloatReg" : "IntReg", GetRegisterName(name), false);
+  AddChild("Address", FormatHex(0));
+  AddChild("Length", std::to_string(kChunkValueBytes));
+  AddChild("AccessMode", "RO");
+  AddChild("pPort", name + "Port");
+  if (!isFloat)
+    AddChild("Sign", "Unsigned");
+  AddChild("Endianess", "BigEndian");
+  Close(isFloat ? "FloatReg" : "IntReg");
+  Open("Port", name + "Port", false);
+  AddChild("ChunkID", FormatHex(kFirstChunkID + aChunk.value).substr(2));
+  Close("Port");
+}
+
 std::string MakeHead(const LabCamera& aCamera) {
   std::string head(kHead);
   for (const auto& [place, name] :
@@ -267,6 +306,8 @@ std::string MakeCameraDescription(const LabCamera& aCamera) {
     writer.AddCategory(category);
   for (const Feature& feature : ListFeatures())
     writer.AddFeature(feature, aCamera.pixelFormats);
+  for (const FeatureEntry& chunk : FindFeature(kChunkSelectorName)->entries)
+    writer.AddChunk(chunk);
   std::string text = MakeHead(aCamera) + writer.TakeText() + std::string(kTail);
   text.resize((text.size() + 3) / 4 * 4, '\n');
   return text;

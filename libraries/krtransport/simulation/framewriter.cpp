@@ -65,7 +65,8 @@ PacketCounts FrameWriter::Write(KrBuffer& aBuffer, const FrameSettings& aSetting
   aBuffer.SetTimestampNs(aSettings.exposure.beginNs);
   if (aBuffer.GetSize() < payloadBytes) {
     aBuffer.SetAcquiredSize(0);
-    aBuffer.SetStatus(KrBufferStatus::TooSmall);
+    const bool isForgotten = aBuffer.DescribeChunks(KrByteOrder::BigEndian).IsOK();
+    aBuffer.SetStatus(isForgotten ? KrBufferStatus::TooSmall : KrBufferStatus::Incomplete);
     return {};
   }
   const Gap gap = aFault ? FindGap(aSettings, *aFault) : Gap{};
@@ -77,9 +78,13 @@ PacketCounts FrameWriter::Write(KrBuffer& aBuffer, const FrameSettings& aSetting
   const bool isWritten = WriteWhole(aBuffer, aSettings, aFrameID);
   if (isLost)
     std::ranges::copy(mKept, bytes + gap.begin);
-  const std::size_t acquiredBytes = isLost && gap.end == payloadBytes ? gap.begin : payloadBytes;
-  aBuffer.SetAcquiredSize(isWritten ? acquiredBytes : 0);
-  aBuffer.SetStatus(isWritten && !isLost ? KrBufferStatus::Complete : KrBufferStatus::Incomplete);
+  const bool isWhole = isWritten && !isLost;
+  // Of no bytes there are no chunks, so that those of the frame before are forgotten.
+  aBuffer.SetAcquiredSize(isWhole ? payloadBytes : 0);
+  const bool isDescribed = aBuffer.DescribeChunks(KrByteOrder::BigEndian).IsOK();
+  if (isLost)
+    aBuffer.SetAcquiredSize(gap.end == payloadBytes ? gap.begin : payloadBytes);
+  aBuffer.SetStatus(isWhole && isDescribed ? KrBufferStatus::Complete : KrBufferStatus::Incomplete);
   return {gap.packets, aFault && aFault->isLate ? gap.packets : 0};
 }
 

@@ -1,0 +1,40 @@
+#pragma once
+// Clocks for simulated cameras, with which times in frames do not depend on how fast a test runs.
+
+#include "simulation/cameraclock.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+
+/// Stands still until it is moved.
+class ManualClock final : public krtransport::ICameraClock {
+public:
+  std::uint64_t GetNowNs() const override { return mNowNs; }
+  bool WaitUntil(std::unique_lock<std::mutex>& aLock, std::condition_variable& aWake, std::uint64_t aTimeNs,
+                 const std::function<bool()>& aIsWoken) override {
+    while (!aIsWoken() && mNowNs < aTimeNs)
+      aWake.wait_for(aLock, std::chrono::milliseconds(1));
+    return aIsWoken();
+  }
+  void Advance(std::uint64_t aNanoseconds) { mNowNs += aNanoseconds; }
+
+private:
+  std::atomic<std::uint64_t> mNowNs{1000000000};
+};
+
+/// Moves on by itself to whatever is waited for.
+class JumpingClock final : public krtransport::ICameraClock {
+public:
+  std::uint64_t GetNowNs() const override { return mNowNs; }
+  bool WaitUntil(std::unique_lock<std::mutex>&, std::condition_variable&, std::uint64_t aTimeNs,
+                 const std::function<bool()>& aIsWoken) override {
+    if (aIsWoken())
+      return true;
+    mNowNs = std::max<std::uint64_t>(mNowNs, aTimeNs);
+    return false;
+  }
+
+private:
+  std::atomic<std::uint64_t> mNowNs{1000000000};
+};
