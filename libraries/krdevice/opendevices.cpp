@@ -90,8 +90,8 @@ OpenDevices::~OpenDevices() = default;
 
 OpenDevices& OpenDevices::Get() {
   // Never destroyed: devices may be closed by destructors of static objects, and threads may still give back.
-  static OpenDevices* const devices = new OpenDevices;
-  return *devices;
+  static OpenDevices& devices = *new OpenDevices;
+  return devices;
 }
 
 bool OpenDevices::BeginOpening(Place& aPlace) {

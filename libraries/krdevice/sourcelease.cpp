@@ -14,7 +14,8 @@ struct Leases {
 };
 
 Leases& GetLeases() {
-  static Leases leases;
+  // Never destroyed: streams may still stop while the process ends.
+  static Leases& leases = *new Leases;
   return leases;
 }
 

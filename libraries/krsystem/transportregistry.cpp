@@ -13,7 +13,8 @@ struct Registry {
 };
 
 Registry& GetRegistry() {
-  static Registry registry;
+  // Never destroyed: threads may still ask while the process ends.
+  static Registry& registry = *new Registry;
   return registry;
 }
 
