@@ -11,6 +11,7 @@ namespace krtransport {
 namespace {
 
 constexpr std::chrono::milliseconds kProbeInterval(50);
+constexpr std::chrono::milliseconds kProbeLimit(200);
 constexpr std::size_t kProbeLength = 4;
 
 KrResult MakeCancelled() {
@@ -108,7 +109,9 @@ void RegisterGate::Probe() {
     if (mChanged.wait_for(lock, kProbeInterval, hasEnded))
       return;
     const RegisterAnswer answer = mFaults.TakeAnswer(cameraregister::kControlPrivilege, kProbeLength);
-    if (answer.isSilent || mChanged.wait_for(lock, std::chrono::milliseconds(answer.delayMs), hasEnded))
+    const std::chrono::milliseconds delay(answer.delayMs);
+    const bool isInTime = !answer.isSilent && delay <= kProbeLimit;
+    if (mChanged.wait_for(lock, isInTime ? delay : kProbeLimit, hasEnded) || !isInTime)
       continue;
     mIsSilent = false;
     mChanged.notify_all();

@@ -41,11 +41,6 @@ protected:
                          .force = aForce},
                         mOut, mErrors);
   }
-  // The frame of a number as the camera sends it.
-  static void PaintFrame(KrBuffer& aFrame, KrPixelType aType, std::uint64_t aFrameID) {
-    ASSERT_TRUE(aFrame.GetImage()->Alloc(1280, 960, aType).IsOK());
-    ASSERT_TRUE(krtransport::FillPattern(aType, 1280, 960, aFrameID, aFrame.GetDataPointer()));
-  }
 
   TemporaryFolder mFolder;
   std::ostringstream mOut;
@@ -54,23 +49,34 @@ protected:
 
 struct FormatRow {
   const char* device;
+  std::uint32_t width;
+  std::uint32_t height;
   KrPixelType type;
 };
 
 class SaveFrameOfFormat : public SaveFrameCommand, public testing::WithParamInterface<FormatRow> {
 protected:
-  std::string GetName() const { return std::string(KrFindPixelType(GetParam().type)->name); }
+  std::string GetName() const { return std::string(KrFindPixelType(mRow.type)->name); }
+  /// The frame of a number as the camera sends it.
+  void PaintFrame(KrBuffer& aFrame, std::uint64_t aFrameID) const {
+    ASSERT_TRUE(aFrame.GetImage()->Alloc(mRow.width, mRow.height, mRow.type).IsOK());
+    ASSERT_TRUE(krtransport::FillPattern(mRow.type, mRow.width, mRow.height, aFrameID, aFrame.GetDataPointer()));
+  }
+
+  const FormatRow mRow = GetParam();
 };
 
 TEST_P(SaveFrameOfFormat, Raw_HoldsTheBytesThatTheCameraSent) {
   const std::string path = mFolder.GetFile("frame.raw");
 
-  ASSERT_EQ(Run(GetParam().device, path, GetName().c_str()), 0) << mErrors.str();
+  ASSERT_EQ(Run(mRow.device, path, GetName().c_str()), 0) << mErrors.str();
 
   const std::string text = TemporaryFolder::ReadFile(path + ".txt");
   KrBuffer sent;
-  PaintFrame(sent, GetParam().type, ReadNumber(text, "frame_id"));
-  EXPECT_THAT(text, AllOf(HasSubstr("pixel_format=" + GetName() + "\n"), HasSubstr("width=1280\nheight=960\n")));
+  PaintFrame(sent, ReadNumber(text, "frame_id"));
+  EXPECT_THAT(text, AllOf(HasSubstr("pixel_format=" + GetName() + "\n"),
+                          HasSubstr("width=" + std::to_string(mRow.width) + "\n"),
+                          HasSubstr("height=" + std::to_string(mRow.height) + "\n")));
   EXPECT_EQ(ReadNumber(text, "bytes"), sent.GetSize());
   EXPECT_TRUE(TemporaryFolder::ReadFile(path) ==
               std::string(reinterpret_cast<const char*>(sent.GetDataPointer()), sent.GetSize()));
@@ -79,13 +85,13 @@ TEST_P(SaveFrameOfFormat, Raw_HoldsTheBytesThatTheCameraSent) {
 TEST_P(SaveFrameOfFormat, Tiff_HoldsTheSamplesThatTheCameraSent) {
   const std::string path = mFolder.GetFile("frame.tif");
 
-  ASSERT_EQ(Run(GetParam().device, path, GetName().c_str()), 0) << mErrors.str();
+  ASSERT_EQ(Run(mRow.device, path, GetName().c_str()), 0) << mErrors.str();
 
   const TiffFile file(path);
   KrBuffer sent;
-  PaintFrame(sent, GetParam().type, ReadNumber(file.description, "frame_id"));
+  PaintFrame(sent, ReadNumber(file.description, "frame_id"));
   KrBuffer unpacked;
-  ASSERT_TRUE(unpacked.GetImage()->Alloc(1280, 960, KrGetUnpackedPixelType(GetParam().type).value()).IsOK());
+  ASSERT_TRUE(unpacked.GetImage()->Alloc(mRow.width, mRow.height, KrGetUnpackedPixelType(mRow.type).value()).IsOK());
   ASSERT_TRUE(KrBufferConverter().Convert(sent.GetImage(), &unpacked, false, false).IsOK());
   ASSERT_EQ(file.bytes.size(), unpacked.GetSize());
   EXPECT_TRUE(std::equal(file.bytes.begin(), file.bytes.end(), unpacked.GetDataPointer()));
@@ -95,15 +101,15 @@ TEST_P(SaveFrameOfFormat, Tiff_HoldsTheSamplesThatTheCameraSent) {
 TEST_P(SaveFrameOfFormat, Png_HoldsWhatTheConverterShows) {
   const std::string path = mFolder.GetFile("frame.png");
 
-  ASSERT_EQ(Run(GetParam().device, path, GetName().c_str()), 0) << mErrors.str();
+  ASSERT_EQ(Run(mRow.device, path, GetName().c_str()), 0) << mErrors.str();
 
   const PngFile file(path);
   KrBuffer sent;
-  PaintFrame(sent, GetParam().type, ReadNumber(mOut.str(), "frame_id"));
+  PaintFrame(sent, ReadNumber(mOut.str(), "frame_id"));
   KrBuffer shown;
   ASSERT_TRUE(KrBufferConverter().Convert(sent.GetImage(), &shown, true, false).IsOK());
   const std::size_t samples = file.hasColour ? 3 : 1;
-  ASSERT_EQ(file.bytes.size(), samples * 1280 * 960);
+  ASSERT_EQ(file.bytes.size(), samples * mRow.width * mRow.height);
   std::size_t differences = 0;
   for (std::size_t index = 0; index < file.bytes.size(); ++index)
     differences += file.bytes[index] != shown.GetDataPointer()[index / samples * 4 + 2 - index % samples] ? 1 : 0;
@@ -111,12 +117,13 @@ TEST_P(SaveFrameOfFormat, Png_HoldsWhatTheConverterShows) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, SaveFrameOfFormat,
-                         testing::Values(FormatRow{"sim-mono", KrPixel::Mono8}, FormatRow{"sim-mono", KrPixel::Mono16},
-                                         FormatRow{"sim-mono", KrPixel::Mono12p},
-                                         FormatRow{"sim-mono", KrPixel::Mono10Packed},
-                                         FormatRow{"sim-colour", KrPixel::BayerRG8},
-                                         FormatRow{"sim-colour", KrPixel::BayerGB12p},
-                                         FormatRow{"sim-colour", KrPixel::RGB16}),
+                         testing::Values(FormatRow{"sim-mono", 1280, 960, KrPixel::Mono8},
+                                         FormatRow{"sim-mono", 1280, 960, KrPixel::Mono16},
+                                         FormatRow{"sim-mono", 1280, 960, KrPixel::Mono12p},
+                                         FormatRow{"sim-mono", 1280, 960, KrPixel::Mono10Packed},
+                                         FormatRow{"sim-colour", 1920, 1200, KrPixel::BayerRG8},
+                                         FormatRow{"sim-colour", 1920, 1200, KrPixel::BayerGB12p},
+                                         FormatRow{"sim-colour", 1920, 1200, KrPixel::RGB16}),
                          [](const auto& aInfo) { return std::string(KrFindPixelType(aInfo.param.type)->name); });
 
 TEST_F(SaveFrameCommand, Report_IsOneLineThatNamesTheFile) {
