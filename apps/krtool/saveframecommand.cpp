@@ -59,10 +59,16 @@ KrResult AwaitWholeFrame(KrStream& aStream, const krapps::StopSignal& aStop, std
   }
 }
 
+// Adds how a file that is in the way can be replaced.
+int FailToWrite(std::ostream& aErrors, const KrResult& aResult) {
+  const bool isInTheWay = aResult == KrResult::Code::WrongState;
+  return Fail(aErrors, {aResult.GetCode(), aResult.GetDescription() + (isInTheWay ? " --force replaces it." : "")});
+}
+
 int WriteAndReport(const KrBuffer& aFrame, const krapps::FrameFileOptions& aOptions, std::ostream& aOut,
                    std::ostream& aErrors) {
   if (KrResult written = krapps::WriteFrame(aFrame, aOptions); !written.IsOK())
-    return Fail(aErrors, written);
+    return FailToWrite(aErrors, written);
   const IKrImage& image = *aFrame.GetImage();
   const std::string pixelFormat = GetFormatText(image.GetPixelType());
   if (aOptions.format == krapps::FrameFileFormat::TIFF &&
@@ -101,7 +107,7 @@ int SaveFrameOf(KrDevice& aDevice, const CommandLine& aCommandLine, std::ostream
 
 int RunSaveFrame(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
   if (KrResult checked = krapps::CheckFrameFile(MakeOptions(aCommandLine)); !checked.IsOK())
-    return Fail(aErrors, checked);
+    return FailToWrite(aErrors, checked);
   std::unique_ptr<KrDevice> device;
   if (KrResult opened = OpenNamedDevice(aSystem, aCommandLine.device, device); !opened.IsOK())
     return Fail(aErrors, opened);

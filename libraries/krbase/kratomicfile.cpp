@@ -43,7 +43,7 @@ KrResult MakeError(const KrString& aFileName, int aError) {
 }
 
 KrResult MakeTakenError(const KrString& aFileName) {
-  return {KrResult::Code::InvalidInput, "The file \"" + aFileName + "\" exists already and is left as it is."};
+  return {KrResult::Code::WrongState, "The file \"" + aFileName + "\" exists already and is left as it is."};
 }
 
 // The path behind symbolic links, whether or not there is a file yet; the error of the system where there is no end.

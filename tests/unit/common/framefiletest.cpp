@@ -130,9 +130,9 @@ TEST_P(EachFormat, ExistingFile_IsReplacedOnlyWhenAsked) {
 
   const KrResult refused = Write(mPath, GetParam());
 
-  EXPECT_EQ(refused.GetCode(), KrResult::Code::InvalidInput);
+  EXPECT_EQ(refused.GetCode(), KrResult::Code::WrongState);
   EXPECT_THAT(refused.GetDescription().ToUtf8(), AllOf(HasSubstr(mPath), HasSubstr("exists")));
-  EXPECT_EQ(CheckFrameFile({.fileName = mPath, .format = GetParam()}).GetCode(), KrResult::Code::InvalidInput);
+  EXPECT_EQ(CheckFrameFile({.fileName = mPath, .format = GetParam()}).GetCode(), KrResult::Code::WrongState);
   EXPECT_EQ(TemporaryFolder::ReadFile(mPath), "old");
   EXPECT_TRUE(Write(mPath, GetParam(), true).IsOK());
   EXPECT_NE(TemporaryFolder::ReadFile(mPath), "old");
@@ -174,7 +174,7 @@ TEST_F(FrameFile, TextOfAnotherRawFile_IsNotOverwritten) {
 
   const KrResult result = Write(path, FrameFileFormat::Raw);
 
-  EXPECT_EQ(result.GetCode(), KrResult::Code::InvalidInput);
+  EXPECT_EQ(result.GetCode(), KrResult::Code::WrongState);
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("frame.raw.txt"));
   EXPECT_THAT(mFolder.GetNames(), UnorderedElementsAre("frame.raw.txt"));
 }

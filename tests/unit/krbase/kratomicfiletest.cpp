@@ -116,7 +116,7 @@ TEST_F(AtomicFile, FileThatIsToBeKept_IsRefusedAndNamed) {
 
   const KrResult result = Save(mPath, "new", Existing::Kept);
 
-  EXPECT_EQ(result.GetCode(), KrResult::Code::InvalidInput);
+  EXPECT_EQ(result.GetCode(), KrResult::Code::WrongState);
   EXPECT_THAT(result.GetDescription().ToUtf8(), testing::AllOf(HasSubstr(mPath), HasSubstr("exists")));
   EXPECT_EQ(TemporaryFolder::ReadFile(mPath), "old");
 }
@@ -126,7 +126,7 @@ TEST_F(AtomicFile, FileThatAppearsMeanwhile_IsKeptAsAsked) {
   ASSERT_TRUE(file.Open(mPath, Existing::Kept).IsOK());
   TemporaryFolder::WriteFile(mPath, "another's");
 
-  EXPECT_EQ(file.Commit().GetCode(), KrResult::Code::InvalidInput);
+  EXPECT_EQ(file.Commit().GetCode(), KrResult::Code::WrongState);
   EXPECT_EQ(TemporaryFolder::ReadFile(mPath), "another's");
   EXPECT_THAT(mFolder.GetNames(), ElementsAre("settings.xml"));
 }

@@ -33,9 +33,9 @@ public:
 
   /// Makes the temporary file, with the access rights of the file that it is to replace, or those that the process
   /// gives new files. Symbolic links are followed to the file that they lead to. What was begun before is given up.
-  /// InvalidInput for an empty name, for a name of what is no file, and with Existing::Kept for one that is taken;
-  /// NotFound for a folder that does not exist, AccessDenied where the system forbids it, otherwise SystemError. Every
-  /// description names the file and holds the system's text.
+  /// InvalidInput for an empty name and for a name of what is no file; with Existing::Kept WrongState for a name that
+  /// is taken; NotFound for a folder that does not exist, AccessDenied where the system forbids it, otherwise
+  /// SystemError. Every description names the file and holds the system's text.
   KrResult Open(const KrString& aFileName, Existing aExisting);
   /// Writes at the position, which moves on. WrongState when nothing is open; SystemError when the bytes do not get
   /// into the file, for example because the disk is full.
@@ -43,7 +43,7 @@ public:
   /// Moves the position, in bytes from the file's start; a gap that is never written reads as zeros.
   KrResult Seek(std::uint64_t aPosition);
   /// Flushes the bytes to the disk, then gives the file its name in one step, and closes it. After any error the file
-  /// that had the name is as it was. With Existing::Kept a name that was taken meanwhile gives InvalidInput.
+  /// that had the name is as it was. With Existing::Kept a name that was taken meanwhile gives WrongState.
   KrResult Commit();
   /// Removes the temporary file; nothing happens when there is none.
   void Discard();
