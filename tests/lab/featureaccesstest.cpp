@@ -131,6 +131,8 @@ TEST_F(FeatureAccessTest, UnavailableFeature_UntilItsConditionHolds_IsAccessDeni
   EXPECT_FALSE(mFeatures->IsFeatureAvailable("Nothing"));
   EXPECT_TRUE(mFeatures->GetBoolean("ChunkEnable", value) == KrResult::Code::AccessDenied);
   EXPECT_TRUE(mFeatures->SetBoolean("ChunkEnable", true) == KrResult::Code::AccessDenied);
+  KrStringList entries;
+  EXPECT_TRUE(mFeatures->GetEnumerationEntries("ChunkSelector", entries) == KrResult::Code::AccessDenied);
   EXPECT_TRUE(mFeatures->SetBoolean("ChunkModeActive", true).IsOK());
 
   EXPECT_TRUE(mFeatures->IsFeatureAvailable("ChunkEnable"));

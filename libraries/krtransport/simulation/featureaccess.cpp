@@ -34,6 +34,8 @@ bool FeatureAccess::IsFeatureAvailable(const KrString& aName) {
 KrResult FeatureAccess::GetEnumerationEntries(const KrString& aName, KrStringList& aEntries) {
   const Feature* feature = nullptr;
   KrResult result = Find(aName, FeatureKind::Enumeration, feature);
+  if (result.IsOK())
+    result = CheckAvailable(*feature);
   if (!result.IsOK())
     return result;
   aEntries = {};
