@@ -1,5 +1,6 @@
 #include "krbuffer/krpixeltype.h"
 
+#include "layoutsamples.h"
 #include "pixeltypetable.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 
 namespace {
 
+using krbuffer::CountSamplesOfFourPixels;
 using krbuffer::kPixelTypes;
 
 constexpr bool HasRoomForItsSamples(const KrPixelTypeInfo& aRow) {
@@ -17,31 +19,6 @@ constexpr bool IsNamedOnce(const KrPixelTypeInfo& aRow) {
   return std::count_if(kPixelTypes.begin(), kPixelTypes.end(), [&aRow](const KrPixelTypeInfo& aOther) {
            return aOther.type == aRow.type || aOther.name == aRow.name;
          }) == 1;
-}
-
-/// Samples of four pixels, so that those of subsampled formats are whole; 0 where the layout does not tell.
-constexpr unsigned CountSamplesOfFourPixels(KrPixelLayout aLayout) {
-  switch (aLayout) {
-  case KrPixelLayout::Other:
-    return 0;
-  case KrPixelLayout::UYYVYY:
-  case KrPixelLayout::YYUYYV:
-    return 6;
-  case KrPixelLayout::YUYV:
-  case KrPixelLayout::UYVY:
-    return 8;
-  case KrPixelLayout::RGB:
-  case KrPixelLayout::BGR:
-  case KrPixelLayout::RGBPlanar:
-  case KrPixelLayout::YUV:
-  case KrPixelLayout::UYV:
-    return 12;
-  case KrPixelLayout::RGBa:
-  case KrPixelLayout::BGRa:
-    return 16;
-  default:
-    return 4;
-  }
 }
 
 /// Bits that a sample takes by its packing; 0 where the packing does not tell.

@@ -1,6 +1,7 @@
 #include "unpacker.h"
 
 #include "imagelayout.h"
+#include "layoutsamples.h"
 
 #include <algorithm>
 #include <array>
@@ -15,19 +16,6 @@ void StoreSample(std::uint8_t* aBytes, std::size_t aBytesPerSample, std::uint16_
   aBytes[0] = static_cast<std::uint8_t>(aSample);
   if (aBytesPerSample == 2)
     aBytes[1] = static_cast<std::uint8_t>(aSample >> 8);
-}
-
-std::size_t GetSamplesPerPixel(KrPixelLayout aLayout) {
-  switch (aLayout) {
-  case KrPixelLayout::RGB:
-  case KrPixelLayout::BGR:
-    return 3;
-  case KrPixelLayout::RGBa:
-  case KrPixelLayout::BGRa:
-    return 4;
-  default:
-    return 1;
-  }
 }
 
 } // namespace
@@ -75,7 +63,7 @@ std::unique_ptr<LineConverter> MakeUnpacker(const LineSource& aSource, KrPixelTy
     return nullptr;
   if (format->layout == KrPixelLayout::RGBPlanar)
     return std::make_unique<PlaneMerger>(aSource, reader, format->bitsPerSample > 8 ? 2 : 1);
-  return std::make_unique<Unpacker>(aSource, reader, GetSamplesPerPixel(format->layout));
+  return std::make_unique<Unpacker>(aSource, reader, CountSamplesOfFourPixels(format->layout) / 4);
 }
 
 } // namespace krbuffer

@@ -2,6 +2,7 @@
 
 #include "foreignimage.h"
 #include "memorylimit.h"
+#include "noise.h"
 #include "threadrefusal.h"
 
 #include <gtest/gtest.h>
@@ -77,16 +78,6 @@ class EveryThreadCount : public testing::TestWithParam<int> {};
 
 Bytes GetBytes(const KrBuffer& aBuffer) {
   return {aBuffer.GetDataPointer(), aBuffer.GetDataPointer() + aBuffer.GetSize()};
-}
-
-Bytes MakeNoise(std::size_t aBytes) {
-  Bytes noise(aBytes);
-  std::uint32_t state = 99;
-  for (std::uint8_t& byte : noise) {
-    state = state * 1664525u + 1013904223u;
-    byte = static_cast<std::uint8_t>(state >> 24);
-  }
-  return noise;
 }
 
 /// A destination that holds 2 x 1 pixels of its own.
