@@ -60,7 +60,7 @@ TEST(KrTool, Simulation_IsOfferedBesideTheNetwork) {
   EXPECT_EQ(stream.Finish(), 0) << stream.GetErrors();
   const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(list.GetOutput())).object();
   EXPECT_EQ(object["interfaces"].toArray().size(), 2) << list.GetOutput();
-  EXPECT_EQ(object["devices"].toArray().size(), 3) << list.GetOutput();
+  EXPECT_EQ(object["devices"].toArray().size(), 4) << list.GetOutput();
   EXPECT_THAT(stream.GetOutput(), MatchesRegex(kClosingLine));
 }
 
