@@ -1,4 +1,5 @@
-// Whatever a stream's leader may say of a frame: a buffer must never show an image that goes beyond its memory.
+// Whatever a stream's leader may say of a frame: a buffer must never show an image or a chunk that goes
+// beyond its memory.
 
 #include "aravis/framedescription.h"
 
@@ -24,7 +25,10 @@ Number TakeNumber(const std::uint8_t*& aData, std::size_t& aSize) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
   krtransport::FrameDescription frame;
-  frame.payloadType = TakeNumber<std::uint8_t>(aData, aSize);
+  const auto payloadType = TakeNumber<std::uint8_t>(aData, aSize);
+  frame.payloadType = payloadType & 0x3F;
+  frame.hasChunks = (payloadType & 0x40) != 0;
+  frame.chunkOrder = (payloadType & 0x80) != 0 ? KrByteOrder::LittleEndian : KrByteOrder::BigEndian;
   frame.status = static_cast<KrBufferStatus>(TakeNumber<std::uint8_t>(aData, aSize) % 5);
   frame.pixelType = TakeNumber<std::uint32_t>(aData, aSize);
   frame.receivedBytes = TakeNumber<std::uint32_t>(aData, aSize);
@@ -35,6 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
   KrBuffer buffer;
   if (!buffer.Alloc(kBufferBytes).IsOK())
     std::abort();
+  std::memcpy(buffer.GetDataPointer(), aData, aSize < kBufferBytes ? aSize : kBufferBytes);
 
   DescribeFrame(frame, buffer);
 
@@ -42,5 +47,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
   const bool isBeyond = image != nullptr && image->GetImageSize() > kBufferBytes;
   if (isBeyond || buffer.GetAcquiredSize() > kBufferBytes)
     std::abort();
+  for (std::size_t i = 0; i < buffer.GetChunkCount(); ++i) {
+    const KrChunk& chunk = *buffer.GetChunk(i);
+    if (chunk.offset > kBufferBytes || chunk.length > kBufferBytes - chunk.offset)
+      std::abort();
+  }
   return 0;
 }

@@ -1,6 +1,6 @@
 #include "aravis/aravisbuffersource.h"
 
-#include "aravis/aravisframe.h"
+#include "aravis/lentbuffer.h"
 #include "krbase/krlogger.h"
 
 namespace krtransport {
@@ -14,20 +14,11 @@ struct JobResult {
   T value{};
 };
 
-// A stream and the inbox that its receiving thread fills, which therefore is released last.
-struct FilledInbox {
-  std::shared_ptr<FrameInbox> inbox;
-  StreamPointer stream;
-};
-
-std::uint64_t ReadInfo(ArvStream* aStream, const char* aName) {
-  return arv_stream_get_info_uint64_by_name(aStream, aName);
-}
-
 } // namespace
 
 AravisBufferSource::AravisBufferSource(IoThread& aIoThread, std::shared_ptr<IStreamDevice> aDevice)
-    : mIoThread(aIoThread), mDevice(std::move(aDevice)) {}
+    : mIoThread(aIoThread), mDevice(std::move(aDevice)),
+      mReceiver(std::make_shared<Receiver>(mDevice->GetChunkByteOrder())) {}
 
 AravisBufferSource::~AravisBufferSource() {
   Stop();
@@ -76,14 +67,20 @@ KrResult AravisBufferSource::Start() {
 }
 
 KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
-  const auto made = std::make_shared<FilledInbox>();
-  made->inbox = mInbox;
-  mInbox->Open();
+  // In this order: the stream, which fills the receiver, is released first.
+  struct Made {
+    std::shared_ptr<Receiver> receiver;
+    StreamPointer stream;
+  };
+  const auto made = std::make_shared<Made>();
+  made->receiver = mReceiver;
+  mReceiver->inbox.Open();
+  mReceiver->reader = FrameReader(mDevice->GetChunkByteOrder());
   KrResult result = mIoThread.Run(
       [device = mDevice, made, aPayloadBytes](const std::atomic<bool>& aIsAbandoned) {
         KrResult created = device->CreateStream(aPayloadBytes, made->stream);
         if (created.IsOK() && !aIsAbandoned) {
-          g_signal_connect(made->stream.get(), "new-buffer", G_CALLBACK(OnNewBuffer), made->inbox.get());
+          g_signal_connect(made->stream.get(), "new-buffer", G_CALLBACK(OnNewBuffer), made->receiver.get());
           return created;
         }
         made->stream.reset();
@@ -92,7 +89,7 @@ KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
       },
       kFeatureTimeoutMs);
   if (!result.IsOK()) {
-    mInbox->Close(result);
+    mReceiver->inbox.Close(result);
     return result;
   }
   const std::lock_guard lock(mMutex);
@@ -111,18 +108,12 @@ KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
 }
 
 KrResult AravisBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
-  GObjectPointer<ArvBuffer> frame;
-  if (KrResult result = mInbox->Take(frame, aTimeoutMs, aCancel); !result.IsOK())
-    return result;
-  KrBuffer* buffer = GetLender(frame.get());
-  DescribeFrame(ReadFrameDescription(frame.get()), *buffer);
-  aBuffer = buffer;
-  return {};
+  return mReceiver->inbox.Take(aBuffer, aTimeoutMs, aCancel);
 }
 
 void AravisBufferSource::Stop() {
   if (!mIsLost)
-    mInbox->Close({KrResult::Code::Aborted, "The stream was stopped."});
+    mReceiver->inbox.Close({KrResult::Code::Aborted, "The stream was stopped."});
   const auto stopped = std::make_shared<StreamPointer>();
   {
     const std::lock_guard lock(mMutex);
@@ -146,18 +137,20 @@ krsystem::SourceStatistics AravisBufferSource::GetStatistics() const {
 }
 
 krsystem::SourceStatistics AravisBufferSource::ReadStatistics() const {
-  ArvStream* stream = mStream.get();
-  return {.received = ReadInfo(stream, "n_completed_buffers"),
-          .incomplete = ReadInfo(stream, "n_failures"),
-          .missingPackets = ReadInfo(stream, "n_missing_packets"),
-          .resentPackets = ReadInfo(stream, "n_resent_packets"),
-          .discarded = ReadInfo(stream, "n_underruns"),
-          .bytes = mInbox->GetWholeBytes()};
+  // Aravis counts frames that were too large for their buffers as whole, so frames are counted here.
+  const FrameCounts counts = mReceiver->inbox.GetCounts();
+  const PacketFigures figures = mDevice->GetPacketFigures(*mStream);
+  return {.received = counts.whole,
+          .incomplete = counts.cutShort,
+          .missingPackets = figures.missingPackets,
+          .resentPackets = figures.resentPackets,
+          .discarded = figures.droppedFrames,
+          .bytes = counts.bytes};
 }
 
 void AravisBufferSource::OnLost(const KrResult& aReason) {
   mIsLost = true;
-  mInbox->Close(aReason);
+  mReceiver->inbox.Close(aReason);
 }
 
 StreamPointer AravisBufferSource::Detach(const KrResult& aReason) {
@@ -182,10 +175,15 @@ KrResult AravisBufferSource::EndStream(IStreamDevice& aDevice, StreamPointer aSt
   return result;
 }
 
-void AravisBufferSource::OnNewBuffer(ArvStream* aStream, gpointer aInbox) {
+void AravisBufferSource::OnNewBuffer(ArvStream* aStream, gpointer aReceiver) {
   GObjectPointer<ArvBuffer> frame(arv_stream_try_pop_buffer(aStream));
-  if (frame != nullptr)
-    static_cast<FrameInbox*>(aInbox)->Put(std::move(frame));
+  if (frame == nullptr)
+    return;
+  auto& receiver = *static_cast<Receiver*>(aReceiver);
+  KrBuffer& buffer = *GetLender(frame.get());
+  DescribeFrame(receiver.reader.Read(frame.get()), buffer);
+  receiver.lastFrame = std::move(frame);
+  receiver.inbox.Put(buffer);
 }
 
 } // namespace krtransport

@@ -3,6 +3,7 @@
 // Order and reuse of buffers are KrStream's business.
 
 #include "aravis/frameinbox.h"
+#include "aravis/framereader.h"
 #include "aravis/iothread.h"
 #include "aravis/istreamdevice.h"
 #include "krsystem/idevicelink.h"
@@ -42,11 +43,18 @@ private:
   KrResult OpenStream(std::uint64_t aPayloadBytes);
   StreamPointer TakeStream();
   krsystem::SourceStatistics ReadStatistics() const;
-  static void OnNewBuffer(ArvStream* aStream, gpointer aInbox);
+  static void OnNewBuffer(ArvStream* aStream, gpointer aReceiver);
 
   IoThread& mIoThread;
   const std::shared_ptr<IStreamDevice> mDevice;
-  const std::shared_ptr<FrameInbox> mInbox = std::make_shared<FrameInbox>();
+  // What the receiving thread fills, which therefore outlives the stream.
+  struct Receiver {
+    explicit Receiver(KrByteOrder aChunkOrder) : reader(aChunkOrder) {}
+    FrameInbox inbox;
+    FrameReader reader;
+    GObjectPointer<ArvBuffer> lastFrame; // Aravis looks at a frame once more after it gave word of it.
+  };
+  const std::shared_ptr<Receiver> mReceiver;
   std::atomic<bool> mIsLost{false};
 
   // Guards the members below; the stream itself is made and released outside of it.

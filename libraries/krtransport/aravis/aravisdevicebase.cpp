@@ -52,9 +52,9 @@ KrResult AravisDeviceBase::GetPayloadSize(std::uint64_t& aBytes) {
   return {};
 }
 
-KrResult AravisDeviceBase::OpenArvStream(StreamPointer& aStream) {
+KrResult AravisDeviceBase::OpenArvStream(StreamPointer& aStream, ArvStreamCallback aCallback, void* aUserData) {
   GErrorHolder error;
-  StreamPointer stream(arv_device_create_stream(mDevice.get(), nullptr, nullptr, error.Out()));
+  StreamPointer stream(arv_device_create_stream(mDevice.get(), aCallback, aUserData, error.Out()));
   if (KrResult result = ToResult(error, "Opening the device's stream channel"); !result.IsOK())
     return result;
   if (stream == nullptr)
@@ -79,6 +79,12 @@ KrResult AravisDeviceBase::StopAcquisition() {
   arv_device_execute_command(mDevice.get(), "AcquisitionStop", error.Out());
   LockParameters(false);
   return ToResult(error, "Stopping acquisition");
+}
+
+PacketFigures AravisDeviceBase::GetPacketFigures(ArvStream& aStream) const {
+  return {.missingPackets = 0,
+          .resentPackets = 0,
+          .droppedFrames = arv_stream_get_info_uint64_by_name(&aStream, "n_underruns")};
 }
 
 void AravisDeviceBase::LogRefusal(const std::string& aText) {

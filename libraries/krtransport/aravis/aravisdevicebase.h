@@ -26,6 +26,8 @@ public:
   KrResult GetPayloadSize(std::uint64_t& aBytes) override;
   KrResult StartAcquisition() override;
   KrResult StopAcquisition() override;
+  /// Frames without a buffer, for devices whose links lose no packets.
+  PacketFigures GetPacketFigures(ArvStream& aStream) const override;
 
   /// For what else is done on the I/O thread. Borrowed.
   ArvDevice* GetArvDevice() const { return mDevice.get(); }
@@ -37,8 +39,9 @@ protected:
   static std::mutex& GetOpeningMutex();
   /// Lets go of Aravis' device, with which the connection ends. Afterwards only destruction is allowed.
   void ReleaseArvDevice() { mDevice.reset(); }
-  /// Opens Aravis' stream, which emits signals from then on.
-  KrResult OpenArvStream(StreamPointer& aStream);
+  /// Opens Aravis' stream, which emits signals from then on. aCallback hears of it on the receiving thread, with
+  /// aUserData, which must live as long.
+  KrResult OpenArvStream(StreamPointer& aStream, ArvStreamCallback aCallback = nullptr, void* aUserData = nullptr);
   /// Notes in the log what a device would not do and can do without.
   static void LogRefusal(const std::string& aText);
 

@@ -40,6 +40,9 @@ KrBufferStatus DescribeAsImage(const FrameDescription& aFrame, KrBuffer& aBuffer
 } // namespace
 
 void DescribeFrame(const FrameDescription& aFrame, KrBuffer& aBuffer) {
+  // The chunks of the buffer's former frame are forgotten: in no bytes there are none.
+  aBuffer.SetAcquiredSize(0);
+  static_cast<void>(aBuffer.DescribeChunks(aFrame.chunkOrder));
   aBuffer.SetPayloadType(ToPayloadType(aFrame.payloadType));
   aBuffer.SetAcquiredSize(static_cast<std::size_t>(std::min<std::uint64_t>(aFrame.receivedBytes, aBuffer.GetSize())));
   aBuffer.SetFrameID(aFrame.frameID);
@@ -47,6 +50,8 @@ void DescribeFrame(const FrameDescription& aFrame, KrBuffer& aBuffer) {
   aBuffer.SetHostTimestampNs(aFrame.hostTimestampNs);
   const bool isImage = aBuffer.GetPayloadType() == KrPayloadType::Image;
   aBuffer.SetStatus(isImage ? DescribeAsImage(aFrame, aBuffer) : aFrame.status);
+  if (aFrame.hasChunks && aFrame.status == KrBufferStatus::Complete)
+    static_cast<void>(aBuffer.DescribeChunks(aFrame.chunkOrder)); // Bad ones leave none behind.
 }
 
 } // namespace krtransport

@@ -19,6 +19,8 @@ struct FrameDescription {
   std::int64_t paddingY = 0;
   KrPixelType pixelType = 0;
   std::uint64_t receivedBytes = 0;
+  bool hasChunks = false; ///< Beside the image, or alone.
+  KrByteOrder chunkOrder = KrByteOrder::BigEndian;
   std::uint64_t frameID = 0;
   std::uint64_t timestampNs = 0;
   std::uint64_t hostTimestampNs = 0;
@@ -26,7 +28,8 @@ struct FrameDescription {
 
 /// Fills in payload type, image, sizes, numbers and status. A complete frame whose image does not fit into the buffer
 /// becomes TooSmall, one whose image contradicts itself or the bytes received Incomplete; bytes that cannot be
-/// described as an image become raw data, so that nobody sees the image of an earlier frame.
+/// described as an image become raw data, so that nobody sees the image of an earlier frame. An image with chunks stays
+/// an image. Chunks that contradict themselves are left out; the frame's status does not depend on them.
 void DescribeFrame(const FrameDescription& aFrame, KrBuffer& aBuffer);
 
 } // namespace krtransport

@@ -1,59 +1,65 @@
 #include "aravis/frameinbox.h"
 
 #include <chrono>
-#include <utility>
 
 namespace krtransport {
 
 void FrameInbox::Open() {
   const std::lock_guard lock(mMutex);
-  mFrames.clear();
+  mBuffers.clear();
   mClosed = {};
-  mWholeBytes = 0;
+  mCounts = {};
 }
 
 void FrameInbox::Close(const KrResult& aReason) {
   {
     const std::lock_guard lock(mMutex);
-    mFrames.clear();
+    mBuffers.clear();
     mClosed = aReason;
   }
   mChanged.notify_all();
 }
 
-void FrameInbox::Put(GObjectPointer<ArvBuffer> aFrame) {
+void FrameInbox::Put(KrBuffer& aBuffer) {
   {
     const std::lock_guard lock(mMutex);
     if (!mClosed.IsOK())
       return;
-    std::size_t size = 0;
-    arv_buffer_get_data(aFrame.get(), &size);
-    if (arv_buffer_get_status(aFrame.get()) == ARV_BUFFER_STATUS_SUCCESS)
-      mWholeBytes += size;
-    mFrames.push_back(std::move(aFrame));
+    Count(aBuffer);
+    mBuffers.push_back(&aBuffer);
   }
   mChanged.notify_one();
 }
 
-KrResult FrameInbox::Take(GObjectPointer<ArvBuffer>& aFrame, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
+void FrameInbox::Count(const KrBuffer& aBuffer) {
+  const KrBufferStatus status = aBuffer.GetStatus();
+  if (status == KrBufferStatus::Complete) {
+    ++mCounts.whole;
+    mCounts.bytes += aBuffer.GetAcquiredSize();
+  } else if (status == KrBufferStatus::Incomplete || status == KrBufferStatus::TooSmall) {
+    ++mCounts.cutShort;
+  }
+}
+
+KrResult FrameInbox::Take(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   std::unique_lock lock(mMutex);
   const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
-  mChanged.wait_until(lock, aCancel, until, [this] { return !mFrames.empty() || !mClosed.IsOK(); });
+  mChanged.wait_until(lock, aCancel, until, [this] { return !mBuffers.empty() || !mClosed.IsOK(); });
   if (!mClosed.IsOK())
     return mClosed;
-  if (mFrames.empty() && aCancel.stop_requested())
+  if (mBuffers.empty() && aCancel.stop_requested())
     return {KrResult::Code::Aborted, "Waiting for a frame was cancelled."};
-  if (mFrames.empty())
+  if (mBuffers.empty())
     return {KrResult::Code::TimeLimitExceeded,
             "No frame arrived within " + std::to_string(aTimeoutMs) + " milliseconds."};
-  aFrame = std::move(mFrames.front());
-  mFrames.pop_front();
+  aBuffer = mBuffers.front();
+  mBuffers.pop_front();
   return {};
 }
 
-std::uint64_t FrameInbox::GetWholeBytes() const {
+FrameCounts FrameInbox::GetCounts() const {
   const std::lock_guard lock(mMutex);
-  return mWholeBytes;
+  return mCounts;
 }
 
 } // namespace krtransport

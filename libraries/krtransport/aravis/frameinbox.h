@@ -1,9 +1,9 @@
 #pragma once
-// Frames on their way from the receiving thread to whoever waits for them, and the reason why none will come any more.
-// What is in a frame is looked at by the taker.
+// Filled buffers on their way from the receiving thread to whoever waits for them, counted, and the reason why none
+// will come any more.
 
-#include "aravis/gobjectpointer.h"
 #include "krbase/krresult.h"
+#include "krbuffer/krbuffer.h"
 
 #include <condition_variable>
 #include <cstdint>
@@ -13,30 +13,38 @@
 
 namespace krtransport {
 
-/// Thread: any.
-/// Ownership: owns the frames that nobody has taken.
+/// What came in since Open.
+struct FrameCounts {
+  std::uint64_t whole = 0;
+  std::uint64_t cutShort = 0; ///< A part is missing, or did not fit into the buffer.
+  std::uint64_t bytes = 0;    ///< Of the whole ones.
+};
+
+/// Thread: any. Ownership: borrows the buffers.
 class FrameInbox {
 public:
-  /// Empties the inbox, opens it and sets the count of bytes to 0.
+  /// Empties the inbox, opens it and sets the counts to 0.
   void Open();
   /// Drops what is there and gives every waiting and later Take this reason.
   void Close(const KrResult& aReason);
 
-  /// Takes a finished frame in; a closed inbox drops it.
-  void Put(GObjectPointer<ArvBuffer> aFrame);
-  /// The oldest frame, waiting up to aTimeoutMs milliseconds. TimeLimitExceeded, Aborted when
-  /// aCancel is stopped, or the reason of Close.
-  KrResult Take(GObjectPointer<ArvBuffer>& aFrame, std::uint32_t aTimeoutMs, const std::stop_token& aCancel);
-  /// Payload bytes of the whole frames that were put in since Open.
-  std::uint64_t GetWholeBytes() const;
+  /// Takes a described buffer in and counts it by its status; one that was given up before its end counts as neither.
+  /// A closed inbox drops it.
+  void Put(KrBuffer& aBuffer);
+  /// The oldest buffer, waiting up to aTimeoutMs milliseconds. TimeLimitExceeded, Aborted when aCancel is stopped, or
+  /// the reason of Close.
+  KrResult Take(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel);
+  FrameCounts GetCounts() const;
 
 private:
+  void Count(const KrBuffer& aBuffer);
+
   // Guards all members.
   mutable std::mutex mMutex;
   std::condition_variable_any mChanged;
-  std::deque<GObjectPointer<ArvBuffer>> mFrames;
+  std::deque<KrBuffer*> mBuffers;
   KrResult mClosed{KrResult::Code::Aborted, "The stream is not started."};
-  std::uint64_t mWholeBytes = 0;
+  FrameCounts mCounts;
 };
 
 } // namespace krtransport

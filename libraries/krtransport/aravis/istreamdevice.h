@@ -4,10 +4,18 @@
 
 #include "aravis/gobjectpointer.h"
 #include "krbase/krresult.h"
+#include "krbuffer/krbuffer.h"
 
 #include <cstdint>
 
 namespace krtransport {
+
+/// What a receiver counts beside the frames that it hands over.
+struct PacketFigures {
+  std::uint64_t missingPackets = 0; ///< That did not come in time, whether or not a resend brought them.
+  std::uint64_t resentPackets = 0;  ///< That came after a resend was asked for.
+  std::uint64_t droppedFrames = 0;  ///< For which there was no buffer.
+};
 
 /// Thread: the link's I/O thread alone; calls block as long as the device's protocol makes them.
 class IStreamDevice {
@@ -25,6 +33,10 @@ public:
   /// Whether the device answers, asked before calls that take long with a dead one; within about half a second. Any
   /// thread.
   virtual bool Answers() { return true; }
+  /// How the device writes the numbers of its chunks. Any thread.
+  virtual KrByteOrder GetChunkByteOrder() const { return KrByteOrder::LittleEndian; }
+  /// What the receiver counted for a stream that CreateStream opened and that lives. Any thread.
+  virtual PacketFigures GetPacketFigures([[maybe_unused]] ArvStream& aStream) const { return {}; }
   /// Puts back what CreateStream changed on the device, after the stream was released or its start failed. A device
   /// that is lost is not spoken to.
   virtual void OnStreamReleased([[maybe_unused]] bool aIsLost) {}

@@ -21,6 +21,13 @@ namespace {
 // How long the search for the packets' size may go on.
 constexpr std::chrono::milliseconds kSearchLimit{1000};
 
+// Leader, payload and trailer of one frame, with the headers of IP, UDP and stream protocol in each packet.
+std::uint64_t CountPackets(std::uint64_t aPayloadBytes, std::uint32_t aPacketBytes) {
+  constexpr std::uint32_t kHeaderBytes = 36;
+  const std::uint64_t room = std::max(aPacketBytes, kHeaderBytes + 1) - kHeaderBytes;
+  return (aPayloadBytes + room - 1) / room + 2;
+}
+
 GObjectPointer<GInetAddress> MakeInetAddress(std::uint32_t aAddress) {
   return GObjectPointer<GInetAddress>(g_inet_address_new_from_string(krsystem::FormatIPv4(aAddress).CStr()));
 }
@@ -97,15 +104,21 @@ KrResult GigEVisionDevice::CreateStream(std::uint64_t aPayloadBytes, StreamPoint
   const std::uint32_t socketBytes = GetSocketBufferSize(aPayloadBytes);
   WarnOfReceiveLimit(socketBytes);
   SetPacketSize();
+  mPacketCount = std::make_unique<PacketCount>(CountPackets(aPayloadBytes, mPacketBytes));
   StreamPointer stream;
-  if (KrResult result = OpenArvStream(stream); !result.IsOK())
+  if (KrResult result = OpenArvStream(stream, PacketCount::OnStreamEvent, mPacketCount.get()); !result.IsOK())
     return result;
+  mPacketCount->Watch(stream.get());
   const auto size = std::min<std::uint32_t>(socketBytes, std::numeric_limits<gint>::max());
   g_object_set(stream.get(), "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_FIXED, "socket-buffer-size",
                static_cast<gint>(size), nullptr);
   ShareAdapter();
   aStream = std::move(stream);
   return {};
+}
+
+PacketFigures GigEVisionDevice::GetPacketFigures(ArvStream& aStream) const {
+  return mPacketCount->GetFigures(aStream);
 }
 
 void GigEVisionDevice::OnStreamReleased(bool aIsLost) {

@@ -7,6 +7,7 @@
 #include "gigevision/adaptermembership.h"
 #include "gigevision/bootstrapregisters.h"
 #include "gigevision/linktarget.h"
+#include "gigevision/packetcount.h"
 #include "gigevision/packetpacing.h"
 #include "gigevision/packetsizesearch.h"
 
@@ -34,6 +35,8 @@ public:
   bool HoldsControl() const;
 
   bool Answers() override;
+  KrByteOrder GetChunkByteOrder() const override { return KrByteOrder::BigEndian; }
+  PacketFigures GetPacketFigures(ArvStream& aStream) const override;
   /// Gives up control, for good. Another application can take it at once.
   KrResult GiveBackControl();
 
@@ -60,6 +63,7 @@ private:
   std::uint32_t mPacketBytes = 0;   // 0 until it was negotiated.
   std::uint32_t mNegotiatedMtu = 0; // The adapter's, for which it was.
   PacketPacing mPacing;
+  std::unique_ptr<PacketCount> mPacketCount;      // Of the last stream.
   std::unique_ptr<AdapterMembership> mMembership; // While a stream is open. Ends first: it calls the I/O thread.
 };
 

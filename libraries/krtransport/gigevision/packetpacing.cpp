@@ -33,6 +33,8 @@ void PacketPacing::Apply(std::uint32_t aCameras, std::uint32_t aPacketBytes) {
 void PacketPacing::Restore() {
   if (mIsKnown && !mIsLeftAlone)
     Write(mOwnTicks);
+  // Until the next stream, the pause may be set by others.
+  mIsKnown = false;
 }
 
 bool PacketPacing::ReadDevice() {

@@ -150,4 +150,72 @@ TEST(FrameDescription, OtherPayloads_KeepTheirTypeAndUnknownOnesAreRawData) {
   EXPECT_EQ(buffer.GetStatus(), KrBufferStatus::Complete);
 }
 
+// A chunk's identifier and length, as they stand behind its data.
+void PutChunkEnd(KrBuffer& aBuffer, std::size_t aOffset, std::uint32_t aID, std::uint32_t aLength) {
+  for (std::size_t i = 0; i < 4; ++i) {
+    aBuffer.GetDataPointer()[aOffset + i] = static_cast<std::uint8_t>(aID >> (24 - 8 * i));
+    aBuffer.GetDataPointer()[aOffset + 4 + i] = static_cast<std::uint8_t>(aLength >> (24 - 8 * i));
+  }
+}
+
+// An image of 16 x 16 as the first chunk, four bytes of data as the second.
+FrameDescription MakeFrameWithChunks(KrBuffer& aBuffer) {
+  PutChunkEnd(aBuffer, 256, 1, 256);
+  PutChunkEnd(aBuffer, 268, 7, 4);
+  FrameDescription frame = MakeFrame();
+  frame.width = 16;
+  frame.height = 16;
+  frame.receivedBytes = 276;
+  frame.hasChunks = true;
+  return frame;
+}
+
+TEST(FrameDescription, ImageWithChunks_StaysAnImageAndHasThem) {
+  KrBuffer buffer = MakeBuffer();
+
+  DescribeFrame(MakeFrameWithChunks(buffer), buffer);
+
+  EXPECT_EQ(buffer.GetStatus(), KrBufferStatus::Complete);
+  EXPECT_EQ(buffer.GetPayloadType(), KrPayloadType::Image);
+  ASSERT_NE(buffer.GetImage(), nullptr);
+  EXPECT_EQ(buffer.GetImage()->GetWidth(), 16u);
+  ASSERT_NE(buffer.FindChunk(7), nullptr);
+  EXPECT_EQ(buffer.FindChunk(7)->offset, 264u);
+  EXPECT_EQ(buffer.FindChunk(7)->length, 4u);
+}
+
+TEST(FrameDescription, ChunksAlone_AreFoundWithoutAnImage) {
+  KrBuffer buffer = MakeBuffer();
+  FrameDescription frame = MakeFrameWithChunks(buffer);
+  frame.payloadType = static_cast<std::uint32_t>(KrPayloadType::ChunkData);
+
+  DescribeFrame(frame, buffer);
+
+  EXPECT_EQ(buffer.GetPayloadType(), KrPayloadType::ChunkData);
+  EXPECT_EQ(buffer.GetImage(), nullptr);
+  EXPECT_EQ(buffer.GetChunkCount(), 2u);
+}
+
+TEST(FrameDescription, ChunksThatContradictThemselves_LeaveTheImage) {
+  KrBuffer buffer = MakeBuffer();
+  FrameDescription frame = MakeFrameWithChunks(buffer);
+  PutChunkEnd(buffer, 268, 7, 0xFFFFFFFF);
+
+  DescribeFrame(frame, buffer);
+
+  EXPECT_EQ(buffer.GetStatus(), KrBufferStatus::Complete);
+  EXPECT_EQ(buffer.GetChunkCount(), 0u);
+  ASSERT_NE(buffer.GetImage(), nullptr);
+  EXPECT_EQ(buffer.GetImage()->GetHeight(), 16u);
+}
+
+TEST(FrameDescription, FrameWithoutChunksAfterOneWithThem_HasNone) {
+  KrBuffer buffer = MakeBuffer();
+  DescribeFrame(MakeFrameWithChunks(buffer), buffer);
+
+  DescribeFrame(MakeFrame(), buffer);
+
+  EXPECT_EQ(buffer.GetChunkCount(), 0u);
+}
+
 } // namespace

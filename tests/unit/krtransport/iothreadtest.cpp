@@ -113,4 +113,50 @@ TEST(IoThread, Interrupt_Earlier_RefusesRunWithTheReasonButNotRunToEnd) {
   EXPECT_TRUE(thread.RunToEnd([](const auto&) { return KrResult(); }).IsOK());
 }
 
+TEST(IoThread, Run_Cancelled_ReturnsAtOnceWithAborted) {
+  IoThread thread;
+  BlockingJob blocking(thread);
+  std::stop_source cancel;
+  cancel.request_stop();
+
+  const KrResult result = thread.Run([](const auto&) { return KrResult(); }, 3600000, cancel.get_token());
+  blocking.Release();
+
+  EXPECT_EQ(result, KrResult::Code::Aborted);
+  EXPECT_TRUE(blocking.GetResult().IsOK());
+}
+
+TEST(IoThread, RunRegardless_Interrupted_RunsWithinItsLimit) {
+  IoThread thread;
+  thread.Interrupt({KrResult::Code::ConnectionLost, "gone"});
+
+  const KrResult result = thread.RunRegardless([](const auto&) { return KrResult(); }, kGenerousTimeoutMs);
+
+  EXPECT_TRUE(result.IsOK());
+}
+
+TEST(IoThread, RunRegardless_ThreadBusyBeyondTheLimit_ReturnsInTime) {
+  IoThread thread;
+  BlockingJob blocking(thread);
+
+  const KrResult result = thread.RunRegardless([](const auto&) { return KrResult(); }, 1);
+  blocking.Release();
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_TRUE(blocking.GetResult().IsOK());
+}
+
+TEST(IoThread, Post_Job_RunsBeforeTheThreadEnds) {
+  bool isRun = false;
+  {
+    IoThread thread;
+    thread.Post([&](const auto&) {
+      isRun = true;
+      return KrResult();
+    });
+  }
+
+  EXPECT_TRUE(isRun);
+}
+
 } // namespace

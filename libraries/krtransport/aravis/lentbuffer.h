@@ -1,7 +1,6 @@
 #pragma once
-// A KrBuffer's memory lent to Aravis for one frame, and what came back of it.
+// A KrBuffer's memory lent to Aravis for one frame.
 
-#include "aravis/framedescription.h"
 #include "aravis/gobjectpointer.h"
 #include "krbuffer/krbuffer.h"
 
@@ -11,7 +10,5 @@ namespace krtransport {
 GObjectPointer<ArvBuffer> LendBuffer(KrBuffer& aBuffer);
 /// The buffer whose memory was lent.
 KrBuffer* GetLender(ArvBuffer* aFrame);
-/// What the receiver and the leader say of a frame.
-FrameDescription ReadFrameDescription(ArvBuffer* aFrame);
 
 } // namespace krtransport

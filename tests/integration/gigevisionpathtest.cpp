@@ -1,0 +1,269 @@
+// The way between camera and host: packets that get lost, packets that are too large.
+
+#include "camerarelay.h"
+#include "gigevisionfixture.h"
+
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr const char* kCameraAddress = "127.0.0.2";
+constexpr const char* kRelayAddress = "127.0.0.3";
+constexpr std::uint32_t kRelayNumber = 0x7F000003;
+constexpr std::uint32_t kFrameWidth = 512;
+constexpr std::uint32_t kFrameHeight = 256;
+
+FakeCameraOptions MakeCameraOptions() {
+  FakeCameraOptions options;
+  options.address = kCameraAddress;
+  return options;
+}
+
+class GigEVisionPath : public testing::Test {
+protected:
+  static void SetUpTestSuite() {
+    AddLoopbackAddress(kCameraAddress);
+    AddLoopbackAddress(kRelayAddress);
+  }
+  static void TearDownTestSuite() { arv_shutdown(); }
+
+  /// Opens the camera over a relay with orders.
+  void OpenOverRelay(RelayOrders aOrders) {
+    mRelay = std::make_unique<CameraRelay>(kRelayAddress, kCameraAddress, std::move(aOrders));
+    krsystem::InterfaceFields adapter;
+    krsystem::AnyDeviceFields device;
+    ASSERT_TRUE(mTransport.FindAddress(kRelayNumber, kGenerousTimeoutMs, adapter, device).IsOK());
+    // The camera knows nothing of its relay.
+    std::get<krsystem::GEVFields>(device).ipAddress = kRelayAddress;
+    const KrResult result = mTransport.Open(adapter, device, krsystem::DeviceAccess::Control, mLink);
+    ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    ASSERT_TRUE(WriteRegister(*mLink, kWidthRegister, kFrameWidth).IsOK());
+    ASSERT_TRUE(WriteRegister(*mLink, kHeightRegister, kFrameHeight).IsOK());
+    mSource = mLink->GetBufferSource(0);
+    ASSERT_NE(mSource, nullptr);
+  }
+
+  KrResult Start() {
+    for (KrBuffer& buffer : mBuffers)
+      if (!buffer.Alloc(std::size_t{kFrameWidth} * kFrameHeight).IsOK() || !mSource->Queue(&buffer).IsOK())
+        return KrResult::Code::SystemError;
+    return mSource->Start();
+  }
+
+  struct Frame {
+    std::uint64_t number = 0; ///< The device's.
+    KrBufferStatus status = KrBufferStatus::Empty;
+  };
+
+  /// The next frames.
+  std::vector<Frame> Retrieve(std::size_t aCount) {
+    std::vector<Frame> frames;
+    KrBuffer* buffer = nullptr;
+    while (frames.size() < aCount) {
+      const KrResult result = mSource->Retrieve(buffer, kGenerousTimeoutMs);
+      EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+      if (!result.IsOK())
+        break;
+      frames.push_back({buffer->GetFrameID(), buffer->GetStatus()});
+      EXPECT_TRUE(mSource->Queue(buffer).IsOK());
+    }
+    return frames;
+  }
+
+  FakeCamera mCamera{MakeCameraOptions()};
+  krtransport::GigEVisionTransport mTransport;
+  std::unique_ptr<CameraRelay> mRelay;
+  std::array<KrBuffer, 16> mBuffers;
+  std::unique_ptr<krsystem::IDeviceLink> mLink;
+  krsystem::IBufferSource* mSource = nullptr;
+};
+
+TEST_F(GigEVisionPath, PacketsLost_AreCountedAndTheirFramesIncomplete) {
+  RelayOrders orders;
+  orders.largestTrial = 1500;
+  orders.isLost = [](const StreamPacket& aPacket) {
+    return (aPacket.frame == 3 && aPacket.number == 2) ||
+           (aPacket.frame == 6 && (aPacket.number == 3 || aPacket.number == 4));
+  };
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+  ASSERT_TRUE(Start().IsOK());
+
+  const auto frames = Retrieve(12);
+  const auto statistics = mSource->GetStatistics();
+
+  for (std::size_t i = 0; i < frames.size(); ++i)
+    EXPECT_EQ(frames[i].status, i == 2 || i == 5 ? KrBufferStatus::Incomplete : KrBufferStatus::Complete) << i;
+  EXPECT_EQ(mRelay->GetLostPackets(), 3u);
+  EXPECT_EQ(statistics.missingPackets, 3u);
+  EXPECT_EQ(statistics.incomplete, 2u);
+  EXPECT_GE(statistics.received, 10u);
+}
+
+TEST_F(GigEVisionPath, PacketLost_TheFrameKeepsTheSizeOfItsImage) {
+  RelayOrders orders;
+  orders.largestTrial = 1500;
+  orders.isLost = [](const StreamPacket& aPacket) { return aPacket.frame == 2 && aPacket.number == 5; };
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+  ASSERT_TRUE(Start().IsOK());
+  KrBuffer* buffer = nullptr;
+
+  ASSERT_TRUE(mSource->Retrieve(buffer, kGenerousTimeoutMs).IsOK());
+  ASSERT_TRUE(mSource->Retrieve(buffer, kGenerousTimeoutMs).IsOK());
+
+  EXPECT_EQ(buffer->GetStatus(), KrBufferStatus::Incomplete);
+  ASSERT_NE(buffer->GetImage(), nullptr);
+  EXPECT_EQ(buffer->GetImage()->GetWidth(), kFrameWidth);
+  EXPECT_EQ(buffer->GetImage()->GetHeight(), kFrameHeight);
+  EXPECT_EQ(buffer->GetImage()->GetPixelType(), KrPixel::Mono8);
+}
+
+struct LossRow {
+  const char* what;
+  bool (*isLost)(const StreamPacket&);
+  std::uint64_t missingPackets;
+  std::uint64_t incomplete;
+};
+
+class GigEVisionLossOf : public GigEVisionPath, public testing::WithParamInterface<LossRow> {};
+
+TEST_P(GigEVisionLossOf, ThirdFrame_CountsWhatIsMissingAndKeepsTheFramesNumbers) {
+  RelayOrders orders;
+  orders.largestTrial = 1500;
+  orders.isLost = GetParam().isLost;
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+  ASSERT_TRUE(Start().IsOK());
+
+  const auto frames = Retrieve(10);
+  const auto statistics = mSource->GetStatistics();
+
+  EXPECT_EQ(statistics.missingPackets, GetParam().missingPackets);
+  EXPECT_EQ(statistics.incomplete, GetParam().incomplete);
+  EXPECT_EQ(statistics.resentPackets, 0u);
+  for (std::size_t i = 1; i < frames.size(); ++i) {
+    const bool isBehindTheGap = GetParam().incomplete == 0 && i == 2;
+    EXPECT_EQ(frames[i].number, frames[i - 1].number + (isBehindTheGap ? 2 : 1)) << i;
+  }
+}
+
+bool IsThird(const StreamPacket& aPacket) {
+  return aPacket.frame == 3;
+}
+
+// 512 x 256 bytes in packets of 1500: a leader, 90 of payload, a trailer.
+constexpr LossRow kLosses[] = {
+    {"Leader", [](const auto& aPacket) { return IsThird(aPacket) && aPacket.format == kLeaderFormat; }, 1, 1},
+    {"Trailer", [](const auto& aPacket) { return IsThird(aPacket) && aPacket.format == kTrailerFormat; }, 1, 1},
+    {"FirstPayload", [](const auto& aPacket) { return IsThird(aPacket) && aPacket.number == 1; }, 1, 1},
+    {"TenInTheMiddle",
+     [](const auto& aPacket) { return IsThird(aPacket) && aPacket.number >= 10 && aPacket.number < 20; }, 10, 1},
+    {"EverythingButTheLeader", [](const auto& aPacket) { return IsThird(aPacket) && aPacket.number > 0; }, 91, 1},
+    {"TheWholeFrame", [](const auto& aPacket) { return IsThird(aPacket); }, 0, 0},
+};
+
+INSTANTIATE_TEST_SUITE_P(Losses, GigEVisionLossOf, testing::ValuesIn(kLosses),
+                         [](const auto& aInfo) { return std::string(aInfo.param.what); });
+
+TEST_F(GigEVisionPath, NoBufferFree_CountsTheFramesThatWereDropped) {
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay({}));
+  std::array<KrBuffer, 2> buffers;
+  for (KrBuffer& buffer : buffers)
+    ASSERT_TRUE(buffer.Alloc(std::size_t{kFrameWidth} * kFrameHeight).IsOK() && mSource->Queue(&buffer).IsOK());
+  ASSERT_TRUE(mSource->Start().IsOK());
+
+  // Six frames or more went by, of which two had a buffer.
+  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+  while (mRelay->GetFrames() < 7 && std::chrono::steady_clock::now() < limit)
+    std::this_thread::yield();
+  const std::uint32_t sentBefore = mRelay->GetFrames();
+  const auto statistics = mSource->GetStatistics();
+  const std::uint32_t sentAfter = mRelay->GetFrames();
+
+  EXPECT_EQ(statistics.received, 2u);
+  EXPECT_GE(statistics.discarded + 2, sentBefore - 1);
+  EXPECT_LE(statistics.discarded + 2, sentAfter);
+  EXPECT_EQ(statistics.missingPackets, 0u);
+  EXPECT_EQ(statistics.bytes, 2u * kFrameWidth * kFrameHeight);
+}
+
+TEST_F(GigEVisionPath, BuffersTooSmall_CountAsNotWhole) {
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay({}));
+  for (KrBuffer& buffer : mBuffers)
+    ASSERT_TRUE(buffer.Alloc(1000).IsOK() && mSource->Queue(&buffer).IsOK());
+  ASSERT_TRUE(mSource->Start().IsOK());
+
+  const auto frames = Retrieve(3);
+  const auto statistics = mSource->GetStatistics();
+
+  for (const Frame& frame : frames)
+    EXPECT_EQ(frame.status, KrBufferStatus::TooSmall);
+  EXPECT_EQ(statistics.received, 0u);
+  EXPECT_GE(statistics.incomplete, 3u);
+  EXPECT_EQ(statistics.bytes, 0u);
+}
+
+struct SizeRow {
+  const char* what;
+  std::uint32_t largestTrial; ///< What the way lets through; 0 where the device sends no packets for trial.
+  std::uint32_t least;
+  std::uint32_t most;
+};
+
+class GigEVisionPacketSize : public GigEVisionPath, public testing::WithParamInterface<SizeRow> {};
+
+TEST_P(GigEVisionPacketSize, Start_IsTheLargestThatComesThroughWhole) {
+  RelayOrders orders;
+  orders.largestTrial = GetParam().largestTrial;
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+
+  ASSERT_TRUE(Start().IsOK());
+  const auto frames = Retrieve(2);
+
+  const std::uint32_t setting = ReadRegister(*mLink, kPacketSizeRegister);
+  EXPECT_GE(setting, GetParam().least);
+  EXPECT_LE(setting, GetParam().most);
+  for (const Frame& frame : frames)
+    EXPECT_EQ(frame.status, KrBufferStatus::Complete);
+}
+
+// The loopback adapter takes 64 KiB; packets are at most 16 KiB.
+constexpr SizeRow kSizes[] = {
+    {"DeviceWithoutPacketsForTrial", 0, 16384, 16384},
+    {"EverythingPasses", 65535, 16384, 16384},
+    {"JumboFramesPass", 9000, 8936, 9000},
+    {"NoJumboFramesPass", 1500, 1500, 1500},
+    {"SmallFramesPassAlone", 700, 640, 700},
+};
+
+INSTANTIATE_TEST_SUITE_P(Sizes, GigEVisionPacketSize, testing::ValuesIn(kSizes),
+                         [](const auto& aInfo) { return std::string(aInfo.param.what); });
+
+TEST_F(GigEVisionPath, PacketSize_StartedAgain_IsNotSearchedAgain) {
+  RelayOrders orders;
+  orders.largestTrial = 1500;
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+  ASSERT_TRUE(Start().IsOK());
+  const std::uint32_t trials = mRelay->GetTrials();
+  mSource->Stop();
+
+  ASSERT_TRUE(mSource->Start().IsOK());
+
+  EXPECT_GT(trials, 0u);
+  EXPECT_EQ(mRelay->GetTrials(), trials);
+}
+
+TEST_F(GigEVisionPath, PacketSizeRefused_StreamsWithTheDevicesOwn) {
+  RelayOrders orders;
+  orders.refusedRegisters = {kPacketSizeRegister};
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+  const std::uint32_t own = ReadRegister(*mLink, kPacketSizeRegister);
+
+  ASSERT_TRUE(Start().IsOK());
+  const auto frames = Retrieve(2);
+
+  EXPECT_EQ(ReadRegister(*mLink, kPacketSizeRegister), own);
+  for (const Frame& frame : frames)
+    EXPECT_EQ(frame.status, KrBufferStatus::Complete);
+}
+
+} // namespace

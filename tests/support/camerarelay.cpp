@@ -1,0 +1,209 @@
+#include "camerarelay.h"
+
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <cstdlib>
+#include <netinet/in.h>
+#include <optional>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+constexpr std::uint16_t kControlPort = 3956;
+constexpr std::size_t kHeaderSize = 8;
+constexpr std::size_t kIpAndUdpSize = 28;
+constexpr int kAnswerLimitMs = 1000;
+constexpr std::uint16_t kWriteRegisterCommand = 0x0082;
+constexpr std::uint16_t kWriteProtected = 0x8004;
+constexpr std::uint32_t kStreamPort = 0x0D00;
+constexpr std::uint32_t kPacketSize = 0x0D04;
+constexpr std::uint32_t kStreamDestination = 0x0D18;
+constexpr std::uint32_t kFireBit = 1u << 31;
+constexpr std::uint32_t kDoNotFragmentBit = 1u << 30;
+
+sockaddr_in MakeAddress(const std::string& aAddress, std::uint16_t aPort) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(aPort);
+  ::inet_pton(AF_INET, aAddress.c_str(), &address.sin_addr);
+  return address;
+}
+
+int OpenSocket(const std::string& aAddress, std::uint16_t aPort) {
+  const int descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  const sockaddr_in address = MakeAddress(aAddress, aPort);
+  // A burst of a whole frame must fit, or the relay itself would lose packets.
+  const int bytes = 16 << 20;
+  if (::setsockopt(descriptor, SOL_SOCKET, SO_RCVBUFFORCE, &bytes, sizeof(bytes)) != 0)
+    ::setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &bytes, sizeof(bytes));
+  EXPECT_EQ(::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0)
+      << aAddress << " cannot be used; run the test by scripts/with-network.sh.";
+  return descriptor;
+}
+
+std::uint32_t Read32(std::span<const std::uint8_t> aBytes, std::size_t aOffset) {
+  std::uint32_t value = 0;
+  for (std::size_t i = 0; i < 4; ++i)
+    value = value << 8 | aBytes[aOffset + i];
+  return value;
+}
+
+std::uint16_t Read16(std::span<const std::uint8_t> aBytes, std::size_t aOffset) {
+  return static_cast<std::uint16_t>(aBytes[aOffset] << 8 | aBytes[aOffset + 1]);
+}
+
+void Write32(std::vector<std::uint8_t>& aBytes, std::size_t aOffset, std::uint32_t aValue) {
+  for (std::size_t i = 0; i < 4; ++i)
+    aBytes[aOffset + i] = static_cast<std::uint8_t>(aValue >> (24 - 8 * i));
+}
+
+// The acknowledge of a register that cannot be written.
+std::vector<std::uint8_t> MakeRefusal(std::span<const std::uint8_t> aCommand) {
+  return {kWriteProtected >> 8, kWriteProtected & 0xFF, 0x00, 0x83, 0x00, 0x04, aCommand[6], aCommand[7], 0, 0, 0, 0};
+}
+
+std::optional<StreamPacket> ParseStreamPacket(std::span<const std::uint8_t> aDatagram) {
+  if (aDatagram.size() < kHeaderSize)
+    return std::nullopt;
+  return StreamPacket{
+      .frame = 0, .format = static_cast<std::uint8_t>(aDatagram[4] & 0x0F), .number = Read32(aDatagram, 4) & 0xFFFFFF};
+}
+
+} // namespace
+
+void AddLoopbackAddress(const std::string& aAddress) {
+  const std::string command = "PATH=$PATH:/usr/sbin:/sbin ip address replace " + aAddress + "/8 dev lo";
+  EXPECT_EQ(std::system(command.c_str()), 0) << aAddress;
+}
+
+CameraRelay::CameraRelay(const std::string& aAddress, const std::string& aCameraAddress, RelayOrders aOrders)
+    : mAddress(aAddress), mOrders(std::move(aOrders)), mFront(OpenSocket(aAddress, kControlPort)),
+      mBack(OpenSocket(aAddress, 0)), mStream(OpenSocket(aAddress, 0)) {
+  const sockaddr_in camera = MakeAddress(aCameraAddress, kControlPort);
+  EXPECT_EQ(::connect(mBack, reinterpret_cast<const sockaddr*>(&camera), sizeof(camera)), 0);
+  EXPECT_EQ(::pipe(mStopPipe.data()), 0);
+  mControlThread = std::thread([this] { RelayControl(); });
+  mStreamThread = std::thread([this] { RelayStream(); });
+}
+
+CameraRelay::~CameraRelay() {
+  ::close(mStopPipe[1]);
+  mControlThread.join();
+  mStreamThread.join();
+  for (const int descriptor : {mStopPipe[0], mFront, mBack, mStream})
+    ::close(descriptor);
+}
+
+std::vector<std::uint32_t> CameraRelay::GetWritten(std::uint32_t aRegister) const {
+  const std::lock_guard lock(mMutex);
+  const auto written = mWritten.find(aRegister);
+  return written != mWritten.end() ? written->second : std::vector<std::uint32_t>();
+}
+
+void CameraRelay::RelayControl() {
+  std::array<pollfd, 2> waits = {pollfd{mFront, POLLIN, 0}, pollfd{mStopPipe[0], POLLIN, 0}};
+  while (::poll(waits.data(), waits.size(), -1) > 0 && waits[1].revents == 0) {
+    std::array<std::uint8_t, 2048> buffer{};
+    sockaddr_in host{};
+    socklen_t hostSize = sizeof(host);
+    const auto size =
+        ::recvfrom(mFront, buffer.data(), buffer.size(), 0, reinterpret_cast<sockaddr*>(&host), &hostSize);
+    if (size < static_cast<ssize_t>(kHeaderSize))
+      continue;
+    const Datagram answer = Answer(std::span(buffer).first(static_cast<std::size_t>(size)));
+    if (!answer.empty())
+      ::sendto(mFront, answer.data(), answer.size(), 0, reinterpret_cast<const sockaddr*>(&host), hostSize);
+  }
+}
+
+CameraRelay::Datagram CameraRelay::Answer(std::span<const std::uint8_t> aCommand) {
+  const bool isWrite = Read16(aCommand, 2) == kWriteRegisterCommand && aCommand.size() == kHeaderSize + 8;
+  return isWrite ? AnswerWrite(aCommand) : Forward(aCommand);
+}
+
+CameraRelay::Datagram CameraRelay::AnswerWrite(std::span<const std::uint8_t> aCommand) {
+  const std::uint32_t address = Read32(aCommand, kHeaderSize);
+  const std::uint32_t value = Read32(aCommand, kHeaderSize + 4);
+  if (mOrders.refusedRegisters.contains(address))
+    return MakeRefusal(aCommand);
+  {
+    const std::lock_guard lock(mMutex);
+    mWritten[address].push_back(value);
+  }
+  Datagram command(aCommand.begin(), aCommand.end());
+  // The stream goes through the relay; the packet size is kept without the bits of a trial.
+  if (address == kStreamDestination) {
+    mHostAddress = value;
+    Write32(command, kHeaderSize + 4, ntohl(MakeAddress(mAddress, 0).sin_addr.s_addr));
+  } else if (address == kStreamPort) {
+    mHostPort = value;
+    sockaddr_in own{};
+    socklen_t size = sizeof(own);
+    ::getsockname(mStream, reinterpret_cast<sockaddr*>(&own), &size);
+    Write32(command, kHeaderSize + 4, value != 0 ? ntohs(own.sin_port) : 0);
+  } else if (address == kPacketSize) {
+    Write32(command, kHeaderSize + 4, value & ~(kFireBit | kDoNotFragmentBit));
+    if ((value & kFireBit) != 0)
+      SendTrial(value & 0xFFFF);
+  }
+  return Forward(command);
+}
+
+// One command after the other, so that no request number is in use twice.
+CameraRelay::Datagram CameraRelay::Forward(std::span<const std::uint8_t> aCommand) {
+  ::send(mBack, aCommand.data(), aCommand.size(), 0);
+  constexpr std::uint8_t kAcknowledgeWanted = 0x01;
+  if ((aCommand[1] & kAcknowledgeWanted) == 0)
+    return {};
+  pollfd wait{mBack, POLLIN, 0};
+  while (::poll(&wait, 1, kAnswerLimitMs) > 0) {
+    Datagram answer(2048);
+    const auto size = ::recv(mBack, answer.data(), answer.size(), 0);
+    answer.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+    if (answer.size() >= kHeaderSize && Read16(answer, 6) == Read16(aCommand, 6))
+      return answer;
+    if (size < 0)
+      break;
+  }
+  return {};
+}
+
+void CameraRelay::SendTrial(std::uint32_t aBytes) {
+  ++mTrials;
+  if (aBytes > mOrders.largestTrial || aBytes < kIpAndUdpSize)
+    return;
+  const Datagram packet(aBytes - kIpAndUdpSize);
+  sockaddr_in host{};
+  host.sin_family = AF_INET;
+  host.sin_addr.s_addr = htonl(mHostAddress);
+  host.sin_port = htons(static_cast<std::uint16_t>(mHostPort));
+  ::sendto(mStream, packet.data(), packet.size(), 0, reinterpret_cast<const sockaddr*>(&host), sizeof(host));
+}
+
+void CameraRelay::RelayStream() {
+  std::array<pollfd, 2> waits = {pollfd{mStream, POLLIN, 0}, pollfd{mStopPipe[0], POLLIN, 0}};
+  std::vector<std::uint8_t> buffer(1 << 16);
+  while (::poll(waits.data(), waits.size(), -1) > 0 && waits[1].revents == 0) {
+    const auto size = ::recv(mStream, buffer.data(), buffer.size(), 0);
+    const auto datagram = std::span<const std::uint8_t>(buffer).first(size > 0 ? static_cast<std::size_t>(size) : 0);
+    auto packet = ParseStreamPacket(datagram);
+    if (!packet)
+      continue;
+    mFrames += packet->format == kLeaderFormat ? 1 : 0;
+    packet->frame = mFrames;
+    if (mOrders.isLost && mOrders.isLost(*packet)) {
+      ++mLostPackets;
+      continue;
+    }
+    sockaddr_in host{};
+    host.sin_family = AF_INET;
+    host.sin_addr.s_addr = htonl(mHostAddress);
+    host.sin_port = htons(static_cast<std::uint16_t>(mHostPort));
+    ::sendto(mStream, datagram.data(), datagram.size(), 0, reinterpret_cast<const sockaddr*>(&host), sizeof(host));
+  }
+}
