@@ -24,20 +24,13 @@ inline std::uint64_t MakeSample(std::uint32_t aX, std::uint32_t aY, std::uint32_
 }
 
 inline std::uint32_t CountComponents(KrPixelLayout aLayout) {
-  switch (aLayout) {
-  case KrPixelLayout::RGB:
-  case KrPixelLayout::BGR:
-  case KrPixelLayout::RGBPlanar:
-    return 3;
-  case KrPixelLayout::RGBa:
-  case KrPixelLayout::BGRa:
-    return 4;
-  default:
-    return 1;
-  }
+  const bool hasAlpha = aLayout == KrPixelLayout::RGBa || aLayout == KrPixelLayout::BGRa;
+  const bool hasColour =
+      aLayout == KrPixelLayout::RGB || aLayout == KrPixelLayout::BGR || aLayout == KrPixelLayout::RGBPlanar;
+  return hasAlpha ? 4 : hasColour ? 3 : 1;
 }
 
-// The number of a sample's first bit, and where its bits go, for the packings of PFNC and of GigE Vision 1.x.
+// Puts samples where the packings of PFNC and of GigE Vision 1.x have them.
 class SamplePlacer {
 public:
   SamplePlacer(const KrPixelTypeInfo& aInfo, KrBuffer& aFrame, std::uint32_t aPadding)

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <cstring>
 #include <sstream>
 
@@ -32,6 +33,8 @@ public:
     return result;
   }
   KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) override {
+    if (isInterrupted)
+      std::raise(SIGINT);
     const KrResult result = FakeBufferSource::Retrieve(aBuffer, aTimeoutMs, aCancel);
     if (!result.IsOK())
       return result;
@@ -41,6 +44,7 @@ public:
 
   std::vector<Frame> frames;
   KrPixelType type = KrPixel::Mono8;
+  bool isInterrupted = false; // Ctrl-C comes while a frame is awaited.
 };
 
 // Knows the pixel formats Mono8 and Mono16 and nothing else.
@@ -126,6 +130,16 @@ TEST_F(SaveFrame, OnlyIncompleteFramesInTime_AreSaidToBeThere) {
 
   EXPECT_EQ(exitCode, 1);
   EXPECT_THAT(mErrors.str(), HasSubstr("but 2 incomplete ones"));
+}
+
+TEST_F(SaveFrame, CtrlCBeforeAFrame_FailsWithoutAFile) {
+  mSource.isInterrupted = true;
+
+  const int exitCode = Run({.format = krapps::FrameFileFormat::Raw, .timeoutMs = 600'000});
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_THAT(mErrors.str(), HasSubstr("stopped before a whole frame came"));
+  EXPECT_THAT(mFolder.GetNames(), IsEmpty());
 }
 
 TEST_F(SaveFrame, LostCamera_FailsWithTheReason) {
