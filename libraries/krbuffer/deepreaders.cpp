@@ -50,11 +50,18 @@ private:
 
 template <LineColour Colour, std::uint32_t ColourColumn>
 void InterpolateRun(const BayerRun& aAbove, const BayerRun& aHere, const BayerRun& aBelow, std::size_t aCount,
-                    DeepPixel* aPixels) {
+                    DeepPixel* __restrict aPixels) {
   // Columns count from the left neighbour of the run's first, which is an even one: so they have the other parity.
   const Neighbourhood<std::uint16_t> lines{aAbove.GetSamples() - 1, aHere.GetSamples() - 1, aBelow.GetSamples() - 1};
-  for (std::size_t x = 1; x <= aCount; ++x)
-    InterpolateColumn<Colour, 1 - ColourColumn>(lines, x - 1, x, x + 1, aPixels[x - 1]);
+  constexpr std::uint32_t kColourColumn = 1 - ColourColumn;
+  const std::size_t pairs = aCount / 2;
+  for (std::size_t pair = 0; pair < pairs; ++pair) {
+    const std::size_t odd = 2 * pair + 1;
+    InterpolateColumn<Colour, kColourColumn>(lines, odd - 1, odd, odd + 1, aPixels[odd - 1]);
+    InterpolateColumn<Colour, kColourColumn>(lines, odd, odd + 1, odd + 2, aPixels[odd]);
+  }
+  if (aCount % 2 != 0)
+    InterpolateColumn<Colour, kColourColumn>(lines, aCount - 1, aCount, aCount + 1, aPixels[aCount - 1]);
 }
 
 using RunInterpolation = void (*)(const BayerRun& aAbove, const BayerRun& aHere, const BayerRun& aBelow,

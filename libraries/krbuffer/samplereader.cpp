@@ -2,24 +2,43 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace krbuffer {
 
 namespace {
 
-/// Bits that lie one after the other, the least significant first. Bytes are taken when a sample needs them.
+/// A sample of a group that begins on a byte, out of the bytes that its bits lie in.
+template <unsigned Bits, std::size_t Index>
+std::uint16_t ExtractSample(const std::uint8_t* aGroup) {
+  constexpr std::size_t kFirstByte = Index * Bits / 8;
+  constexpr std::size_t kEndByte = (Index * Bits + Bits + 7) / 8;
+  std::uint32_t bits = 0;
+  for (std::size_t byte = kFirstByte; byte < kEndByte; ++byte)
+    bits |= std::uint32_t{aGroup[byte]} << (8 * (byte - kFirstByte));
+  return static_cast<std::uint16_t>((bits >> (Index * Bits % 8)) & ((1u << Bits) - 1));
+}
+
+template <unsigned Bits, std::size_t... Index>
+void ReadGroup(const std::uint8_t* aGroup, std::uint16_t* aSamples, std::index_sequence<Index...>) {
+  ((aSamples[Index] = ExtractSample<Bits, Index>(aGroup)), ...);
+}
+
+/// Bits that lie one after the other, the least significant first: whole groups at once, then a byte at a time, when a
+/// sample needs it.
 template <unsigned Bits>
 void ReadLsbFirst(const std::uint8_t* aLine, std::size_t aFirst, std::size_t aCount, std::uint16_t* aSamples) {
   constexpr std::uint32_t kMask = (1u << Bits) - 1;
   const std::uint8_t* bytes = aLine + aFirst * Bits / 8;
+  std::size_t i = 0;
+  for (; i + kSampleAlignment <= aCount; i += kSampleAlignment, bytes += kSampleAlignment * Bits / 8)
+    ReadGroup<Bits>(bytes, aSamples + i, std::make_index_sequence<kSampleAlignment>());
   std::uint32_t bits = 0;
-  unsigned bitsThere = 0;
-  for (std::size_t i = 0; i < aCount; ++i) {
+  for (unsigned bitsThere = 0; i < aCount; ++i, bitsThere -= Bits) {
     for (; bitsThere < Bits; bitsThere += 8)
       bits |= std::uint32_t{*bytes++} << bitsThere;
     aSamples[i] = static_cast<std::uint16_t>(bits & kMask);
     bits >>= Bits;
-    bitsThere -= Bits;
   }
 }
 
@@ -29,14 +48,17 @@ template <unsigned Bits>
 void ReadGigEPacked(const std::uint8_t* aLine, std::size_t aFirst, std::size_t aCount, std::uint16_t* aSamples) {
   constexpr unsigned kLowBits = Bits - 8;
   constexpr std::uint32_t kLowMask = (1u << kLowBits) - 1;
+  const auto join = [](std::uint32_t aHigh, std::uint32_t aLow) {
+    return static_cast<std::uint16_t>((aHigh << kLowBits) | (aLow & kLowMask));
+  };
   const std::uint8_t* bytes = aLine + aFirst / 2 * 3;
-  for (std::size_t i = 0; i < aCount; ++i) {
-    const std::uint8_t* pair = bytes + i / 2 * 3;
-    const bool isSecond = i % 2 != 0;
-    const std::uint32_t high = pair[isSecond ? 2 : 0];
-    const std::uint32_t low = (pair[1] >> (isSecond ? 4 : 0)) & kLowMask;
-    aSamples[i] = static_cast<std::uint16_t>((high << kLowBits) | low);
+  const std::size_t pairs = aCount / 2;
+  for (std::size_t pair = 0; pair < pairs; ++pair, bytes += 3) {
+    aSamples[2 * pair] = join(bytes[0], bytes[1]);
+    aSamples[2 * pair + 1] = join(bytes[2], bytes[1] >> 4);
   }
+  if (aCount % 2 != 0)
+    aSamples[aCount - 1] = join(bytes[0], bytes[1]);
 }
 
 /// Samples in bytes of their own; Flipped is the sign bit of signed ones.

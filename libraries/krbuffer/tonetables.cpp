@@ -53,7 +53,8 @@ bool IsNeutral(const ToneSettings& aSettings, const ToneDepth& aDepth) {
 }
 
 std::uint8_t ShowTone(double aInput, double aGamma) {
-  return static_cast<std::uint8_t>(std::floor(255 * std::pow(aInput, aGamma) + 0.5));
+  const double output = aGamma == 1 ? aInput : std::pow(aInput, aGamma);
+  return static_cast<std::uint8_t>(255 * output + 0.5);
 }
 
 ToneTables::ToneTables(const ToneSettings& aSettings, const ToneDepth& aDepth) {
