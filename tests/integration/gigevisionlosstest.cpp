@@ -1,5 +1,8 @@
 #include "gigevisionfixture.h"
 
+#include <future>
+#include <stop_token>
+
 namespace {
 
 using GigEVisionLoss = GigEVisionStreamTest;
@@ -69,6 +72,56 @@ TEST_F(GigEVisionLoss, CameraRestartedAtOnce_IsNoticedBecauseNobodyControlsIt) {
 
   EXPECT_TRUE(mSink.WaitForLost());
   EXPECT_TRUE(mSink.WaitForBack());
+}
+
+TEST_F(GigEVisionLoss, CameraRestartedWhileStreaming_IsOpenedAnewAndStreams) {
+  ASSERT_TRUE(Start().IsOK());
+  ASSERT_NE(Retrieve(), nullptr);
+  RestartCamera();
+  ASSERT_TRUE(mSink.WaitForLost());
+  ASSERT_TRUE(mSink.WaitForBack());
+
+  mLink.reset();
+  mLink = OpenControlled();
+  ASSERT_NE(mLink, nullptr);
+  mSource = mLink->GetBufferSource(0);
+  ASSERT_TRUE(WriteRegister(*mLink, kWidthRegister, kWidth).IsOK());
+  ASSERT_TRUE(WriteRegister(*mLink, kHeightRegister, kHeight).IsOK());
+
+  ASSERT_TRUE(Start().IsOK());
+  const KrBuffer* buffer = Retrieve();
+  ASSERT_NE(buffer, nullptr);
+  EXPECT_EQ(buffer->GetStatus(), KrBufferStatus::Complete);
+}
+
+TEST_F(GigEVisionLoss, CameraSilentForAMoment_RegistersWorkAgainWithoutWordOfLoss) {
+  std::array<std::uint8_t, 4> bytes{};
+  IKrRegisterPort& port = mLink->GetRegisterPort();
+  mCamera->Pause();
+  ASSERT_EQ(port.Read(kWidthRegister, bytes.data(), bytes.size(), 20), KrResult::Code::TimeLimitExceeded);
+
+  mCamera->Resume();
+  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+  KrResult result = port.Read(kWidthRegister, bytes.data(), bytes.size(), kGenerousTimeoutMs);
+  while (result == KrResult::Code::TimeLimitExceeded && std::chrono::steady_clock::now() < limit)
+    result = port.Read(kWidthRegister, bytes.data(), bytes.size(), kGenerousTimeoutMs);
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(mSink.GetLostCount(), 0);
+}
+
+TEST_F(GigEVisionLoss, CameraSilent_CancelledReadReturnsWithAborted) {
+  mCamera->Pause();
+  std::stop_source cancel;
+  auto read = std::async(std::launch::async, [&] {
+    std::array<std::uint8_t, 4> bytes{};
+    return mLink->GetRegisterPort().Read(kWidthRegister, bytes.data(), bytes.size(), 3600000, cancel.get_token());
+  });
+
+  cancel.request_stop();
+
+  EXPECT_EQ(read.get(), KrResult::Code::Aborted);
+  mCamera->Resume();
 }
 
 } // namespace

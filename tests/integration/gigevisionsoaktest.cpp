@@ -1,0 +1,96 @@
+// Many small frames as fast as the camera sends them: what grows after the first few hundred would grow for ever.
+// A thousand frames by default; KRGUI_SOAK_FRAMES=10000 scripts/with-network.sh
+// BUILD/tests/integration/gigevisionsoaktest takes longer.
+
+#include "gigevisionfixture.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::uint32_t kSmall = 64;
+constexpr std::uint32_t kShortestPeriodUs = 1000;
+constexpr int kWarmUpFrames = 300;
+constexpr int kFrames = 1000;
+// Far more than the allocator's own changes, far less than a frame's worth of anything for each frame.
+constexpr std::int64_t kMostGrowthBytes = 8 << 20;
+
+std::ptrdiff_t CountEntries(const char* aFolder) {
+  return std::distance(std::filesystem::directory_iterator(aFolder), std::filesystem::directory_iterator());
+}
+
+struct Footprint {
+  std::int64_t residentBytes = 0;
+  std::ptrdiff_t threads = 0;
+  std::ptrdiff_t descriptors = 0;
+};
+
+Footprint Measure() {
+  std::int64_t totalPages = 0;
+  std::int64_t residentPages = 0;
+  std::ifstream("/proc/self/statm") >> totalPages >> residentPages;
+  return {.residentBytes = residentPages * ::sysconf(_SC_PAGESIZE),
+          .threads = CountEntries("/proc/self/task"),
+          .descriptors = CountEntries("/proc/self/fd")};
+}
+
+int GetFrameCount() {
+  const char* text = std::getenv("KRGUI_SOAK_FRAMES");
+  return text != nullptr ? std::atoi(text) : kFrames;
+}
+
+class GigEVisionSoak : public GigEVisionStreamTest {
+protected:
+  /// Takes frames and gives their buffers back; the number of whole ones.
+  int TakeFrames(int aCount) {
+    int whole = 0;
+    for (int i = 0; i < aCount; ++i) {
+      KrBuffer* buffer = Retrieve();
+      if (buffer == nullptr)
+        break;
+      whole += buffer->GetStatus() == KrBufferStatus::Complete ? 1 : 0;
+      EXPECT_TRUE(mSource->Queue(buffer).IsOK());
+    }
+    return whole;
+  }
+};
+
+TEST_F(GigEVisionSoak, ManySmallFrames_NothingGrows) {
+  ASSERT_TRUE(WriteRegister(*mLink, kWidthRegister, kSmall).IsOK());
+  ASSERT_TRUE(WriteRegister(*mLink, kHeightRegister, kSmall).IsOK());
+  ASSERT_TRUE(WriteRegister(*mLink, kFramePeriodRegister, kShortestPeriodUs).IsOK());
+  ASSERT_TRUE(Start(kSmall * kSmall).IsOK());
+  ASSERT_GT(TakeFrames(kWarmUpFrames), 0);
+  const Footprint before = Measure();
+
+  const int frames = GetFrameCount();
+  const int whole = TakeFrames(frames);
+
+  const Footprint after = Measure();
+  EXPECT_GE(whole, frames * 9 / 10);
+  EXPECT_LE(after.residentBytes - before.residentBytes, kMostGrowthBytes);
+  EXPECT_EQ(after.threads, before.threads);
+  EXPECT_EQ(after.descriptors, before.descriptors);
+}
+
+TEST_F(GigEVisionSoak, StartedAndStoppedOften_NothingIsLeftBehind) {
+  ASSERT_TRUE(Start().IsOK());
+  mSource->Stop();
+  const Footprint before = Measure();
+
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(Start().IsOK());
+    ASSERT_NE(Retrieve(), nullptr);
+    mSource->Stop();
+  }
+
+  const Footprint after = Measure();
+  EXPECT_EQ(after.threads, before.threads);
+  EXPECT_EQ(after.descriptors, before.descriptors);
+}
+
+} // namespace
