@@ -15,7 +15,8 @@ class ToneStore;
 /// Converts the lines of one image, whose conversion it was made for.
 ///
 /// Thread: ConvertLine may run in several threads at once; it touches nothing but its own destination, so that lines
-/// may be converted in any order. Ownership: borrows the image's bytes.
+/// may be converted in any order.
+/// Ownership: borrows the image's bytes.
 class LineConverter {
 public:
   virtual ~LineConverter() = default;

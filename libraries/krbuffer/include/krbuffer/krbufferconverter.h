@@ -25,8 +25,8 @@
 /// any of its chroma is, it takes the chroma of the group before it, or none (128) when it is the only one.
 ///
 /// Thread: Convert may run in several threads at once on one converter, each with a destination of its own; settings
-/// may be changed and asked for in any thread meanwhile. Each Convert works with the settings of its begin. Ownership:
-/// borrows source and destination for the time of the call.
+/// may be changed and asked for in any thread meanwhile. Each Convert works with the settings of its begin.
+/// Ownership: borrows source and destination for the time of the call.
 ///
 ///     KrBufferConverter converter;
 ///     KrBuffer shown;
@@ -54,8 +54,8 @@ public:
   /// InvalidInput. aBottomUp writes the lines in reverse order. InvalidInput for null, a source without pixels, a
   /// destination of another payload type than image, and a source that lies in the destination's memory. NotSupported
   /// for formats that IsConversionSupported refuses, BadData for a source whose data is smaller than its width, height,
-  /// format and padding say, SystemError where memory or threads cannot be had, Failed where
-  /// the source's class throws. The destination is then unchanged.
+  /// format and padding say, SystemError where memory or threads cannot be had, Failed where the
+  /// source's class throws. The destination is then unchanged.
   KrResult Convert(const IKrImage* aSource, KrBuffer* aDestination, bool aAllocate, bool aBottomUp) const;
 
   /// Settings of conversions to BGRa8, in effect from the next Convert on. Values outside their range, and what is no
