@@ -13,6 +13,7 @@
 #include <system_error>
 #include <thread>
 
+#include <pthread.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -43,7 +44,7 @@ void EndBySignal(int aSignal) {
 void OnSignal(int aSignal) {
   const int error = errno;
   if (getpid() != gProcess) {
-    // A forked child shares the parent's descriptor, not its devices.
+    // A child that was forked past OnFork shares the parent's descriptor, not its devices.
     EndBySignal(aSignal);
   } else {
     int none = 0;
@@ -53,6 +54,20 @@ void OnSignal(int aSignal) {
     [[maybe_unused]] const ssize_t written = write(gWakeDescriptor, &one, sizeof one);
   }
   errno = error;
+}
+
+// In a forked child: signals do there what they did before the parent took them.
+void OnFork() {
+  for (const int signal : kSignals) {
+    struct sigaction action = {};
+    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != OnSignal)
+      continue;
+    action = {};
+    action.sa_handler = SIG_DFL;
+    sigaction(signal, &action, nullptr);
+  }
+  gProcess = 0;
+  close(gWakeDescriptor.exchange(-1));
 }
 
 void GiveBackAll() {
@@ -100,10 +115,10 @@ KrResult StartThread(int aDescriptor) {
 }
 
 KrResult Prepare() {
-  static bool isExitWatched = false; // Stays so in a forked child.
-  if (!isExitWatched && std::atexit(OnExit) != 0)
+  // Once for the process and the children that it forks.
+  static const bool isWatched = std::atexit(OnExit) == 0 && pthread_atfork(nullptr, nullptr, OnFork) == 0;
+  if (!isWatched)
     return Refuse(ENOMEM);
-  isExitWatched = true;
   const int descriptor = eventfd(0, EFD_CLOEXEC);
   if (descriptor < 0)
     return Refuse(errno);

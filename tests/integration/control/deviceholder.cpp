@@ -58,6 +58,8 @@ public:
     mStream.Stop();
     mThread.join();
   }
+  /// Leaves the thread to go on while the process ends.
+  void Detach() { mThread.detach(); }
   Consumer(const Consumer&) = delete;
   Consumer& operator=(const Consumer&) = delete;
 
@@ -94,7 +96,10 @@ int main(int aCount, char** aArguments) {
   std::cerr << "holding" << std::endl;
   int signal = 0;
   sigwait(&goOn, &signal);
-  if (aArguments[2] == std::string("exit"))
+  if (aArguments[2] == std::string("exit")) {
+    if (consumer)
+      consumer->Detach();
     std::exit(kExitCode);
+  }
   return kReturnCode;
 }

@@ -15,7 +15,8 @@
 ///
 /// To be called once near the beginning of main(), before threads are started and before the application takes signals
 /// itself. Calling it again is harmless and takes signals whose action has become the default one since. A process that
-/// was forked afterwards leaves its parent's devices alone, and calls it for devices of its own.
+/// is forked afterwards leaves its parent's devices alone, has the signals' default actions, and calls it anew for
+/// devices of its own.
 ///
 /// Thread: any. SystemError when the system gives no event descriptor or no thread; nothing has changed then.
 ///
