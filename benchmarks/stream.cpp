@@ -27,6 +27,7 @@ constexpr std::uint32_t kWidth = 1920;
 constexpr std::uint32_t kHeight = 1080;
 constexpr double kFrameRate = 150.0;
 constexpr std::size_t kBuffers = 16;
+constexpr gint kPacketBytes = 16384; // What KrStream finds on loopback.
 
 struct Measured {
   double framesPerSecond = 0;
@@ -78,7 +79,7 @@ ObjectPointer<ArvCamera> SetUpCamera() {
     Fail("open the camera", error->message);
   arv_camera_set_region(camera.get(), 0, 0, kWidth, kHeight, &error);
   arv_camera_set_frame_rate(camera.get(), kFrameRate, &error);
-  arv_camera_gv_set_packet_size(camera.get(), 9000, &error);
+  arv_camera_gv_set_packet_size(camera.get(), kPacketBytes, &error);
   if (error)
     Fail("set up the camera", error->message);
   return camera;

@@ -17,7 +17,7 @@
 namespace krtransport {
 
 /// Thread: the link's I/O thread alone, opening and destruction too. Destruction gives control back; with a device that
-/// is dead it takes up to about ten seconds.
+/// is dead it takes up to five seconds.
 /// Ownership: whoever runs jobs on the I/O thread shares it; borrows that thread, to hear there of other cameras.
 class GigEVisionDevice final : public AravisDeviceBase,
                                private IBootstrapRegisters,

@@ -16,8 +16,8 @@
 
 namespace krtransport {
 
-/// Thread, ownership: as IDeviceLink. Destruction with a dead device takes up to about ten seconds, which are Aravis'
-/// own tries.
+/// Thread, ownership: as IDeviceLink. With a dead device destruction takes up to eight seconds, which are Aravis' own
+/// tries: of the call that runs, of its heartbeat and of giving back control.
 class GigEVisionLink final : public krsystem::IDeviceLink {
 public:
   /// Opens the device that a target names. NotFound when it does not answer, AccessDenied when another application

@@ -120,4 +120,15 @@ TEST(NetworkAdapters, ListNetworkAdapters_ThisHost_GivesEveryAdapterANameAnIDAnd
   }
 }
 
+TEST(NetworkAdapters, LinkSpeed_AdapterWithoutOneOrNone_IsUnknown) {
+  // The kernel refuses to be read for the first.
+  EXPECT_EQ(krtransport::GetLinkSpeed("lo"), 0u);
+  EXPECT_EQ(krtransport::GetLinkSpeed("no such adapter"), 0u);
+}
+
+TEST(NetworkAdapters, Mtu_NoSuchAdapter_IsEthernets) {
+  EXPECT_EQ(krtransport::GetMtu("no such adapter"), 1500u);
+  EXPECT_GE(krtransport::GetMtu("lo"), 1500u);
+}
+
 } // namespace
