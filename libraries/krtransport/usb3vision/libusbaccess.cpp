@@ -86,12 +86,15 @@ std::span<const std::uint8_t> GetRead(const DescriptorBytes& aBytes, int aStatus
 
 KrResult LibUsbAccess::CheckPermission(std::uint32_t aBus, std::uint32_t aAddress) {
   const std::filesystem::path file = GetDeviceFile(mRoots, aBus, aAddress);
-  if (::faccessat(AT_FDCWD, file.c_str(), R_OK | W_OK, AT_EACCESS) == 0)
+  const int descriptor = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
+  if (descriptor >= 0) {
+    ::close(descriptor);
     return {};
+  }
   const int error = errno;
   const std::string text = "The device file " + file.string() +
                            " cannot be opened for reading and writing: " + std::generic_category().message(error) + ".";
-  const bool isMissing = error == ENOENT || error == ENOTDIR;
+  const bool isMissing = error == ENOENT || error == ENOTDIR || error == ENODEV || error == ENXIO;
   return {isMissing ? KrResult::Code::NotFound : KrResult::Code::AccessDenied, text};
 }
 

@@ -54,7 +54,7 @@ KrResult Usb3VisionDevice::Open(const Usb3VisionNames& aNames, std::shared_ptr<U
       device.reset(
           arv_uv_device_new(OrNull(aNames.manufacturer), OrNull(aNames.product), OrNull(aNames.serial), error.Out()));
   }
-  if (error.IsDeviceError(ARV_DEVICE_ERROR_NOT_CONNECTED))
+  if (error.IsDeviceError(ARV_DEVICE_ERROR_NOT_FOUND) || error.IsDeviceError(ARV_DEVICE_ERROR_NOT_CONNECTED))
     return {KrResult::Code::NotFound, attempt +
                                           " failed: libusb could not find it, or not open it. Check its cable and "
                                           "the permission of its device file."};

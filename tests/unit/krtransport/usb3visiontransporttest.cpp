@@ -237,7 +237,7 @@ TEST(Usb3VisionTransport, Open_DeviceThatAravisDoesNotFind_IsNotFound) {
   const KrResult result = Open(transport, Discover(transport).reports.at(0).second);
 
   EXPECT_EQ(result, KrResult::Code::NotFound);
-  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("Opening the device EO-2048 A0001234"));
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("Opening the device EO-2048 A0001234 failed: libusb"));
 }
 
 TEST(LibUsbAccess, Permission_DeviceFileThatIsThere_IsGiven) {
