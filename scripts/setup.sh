@@ -9,8 +9,8 @@ packages=(
   qt6-base-dev qt6-qpa-plugins libaravis-dev libusb-1.0-0-dev libspdlog-dev libpugixml-dev libxcb1-dev
   # What the programs stand on besides
   libpng-dev libtiff-dev
-  # Tests: frameworks, an independent camera, a display with a window manager and hands, network namespaces
-  libgtest-dev libgmock-dev aravis-tools xvfb xauth openbox xdotool fonts-dejavu-core iproute2 util-linux
+  # Tests: frameworks, an independent camera, USB devices, a display with a window manager and hands, network namespaces
+  libgtest-dev libgmock-dev aravis-tools umockdev xvfb xauth openbox xdotool fonts-dejavu-core iproute2 util-linux
 )
 missing=()
 for package in "${packages[@]}"; do
