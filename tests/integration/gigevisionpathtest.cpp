@@ -34,8 +34,6 @@ protected:
     krsystem::InterfaceFields adapter;
     krsystem::AnyDeviceFields device;
     ASSERT_TRUE(mTransport.FindAddress(kRelayNumber, kGenerousTimeoutMs, adapter, device).IsOK());
-    // The camera knows nothing of its relay.
-    std::get<krsystem::GEVFields>(device).ipAddress = kRelayAddress;
     const KrResult result = mTransport.Open(adapter, device, krsystem::DeviceAccess::Control, mLink);
     ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
     ASSERT_TRUE(WriteRegister(*mLink, kWidthRegister, kFrameWidth).IsOK());

@@ -19,6 +19,8 @@ constexpr std::size_t kHeaderSize = 8;
 constexpr std::size_t kIpAndUdpSize = 28;
 constexpr int kAnswerLimitMs = 1000;
 constexpr std::uint16_t kWriteRegisterCommand = 0x0082;
+constexpr std::uint16_t kDiscoveryAcknowledge = 0x0003;
+constexpr std::size_t kDiscoveredAddress = 0x24;
 constexpr std::uint16_t kWriteProtected = 0x8004;
 constexpr std::uint32_t kStreamPort = 0x0D00;
 constexpr std::uint32_t kPacketSize = 0x0D04;
@@ -122,8 +124,13 @@ void CameraRelay::RelayControl() {
 }
 
 CameraRelay::Datagram CameraRelay::Answer(std::span<const std::uint8_t> aCommand) {
-  const bool isWrite = Read16(aCommand, 2) == kWriteRegisterCommand && aCommand.size() == kHeaderSize + 8;
-  return isWrite ? AnswerWrite(aCommand) : Forward(aCommand);
+  if (Read16(aCommand, 2) == kWriteRegisterCommand && aCommand.size() == kHeaderSize + 8)
+    return AnswerWrite(aCommand);
+  Datagram answer = Forward(aCommand);
+  // The camera knows nothing of its relay.
+  if (answer.size() > kHeaderSize + kDiscoveredAddress + 4 && Read16(answer, 2) == kDiscoveryAcknowledge)
+    Write32(answer, kHeaderSize + kDiscoveredAddress, ntohl(MakeAddress(mAddress, 0).sin_addr.s_addr));
+  return answer;
 }
 
 CameraRelay::Datagram CameraRelay::AnswerWrite(std::span<const std::uint8_t> aCommand) {
