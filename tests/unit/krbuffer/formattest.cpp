@@ -43,7 +43,7 @@ TEST_P(EverySupportedFormat, EverySmallSize_EqualsTheReference) {
 }
 
 TEST_P(EverySupportedFormat, LongLines_EqualTheReference) {
-  for (const int width : {255, 256, 257, 511, 512, 513, 515, 769})
+  for (const int width : {255, 256, 257, 513, 770})
     ExpectReference(GetParam().format, width, 3, 0, 0);
 }
 
@@ -71,7 +71,7 @@ TEST_P(EverySupportedFormat, SeveralThreads_EqualOne) {
   const ExactImage source(GetParam().format, 701, 377, 1, 0);
   const Bytes expected = Convert(KrBufferConverter(1), source.image);
 
-  for (const int threads : {2, 3, 7})
+  for (const int threads : {2, 7})
     ASSERT_TRUE(Convert(KrBufferConverter(threads), source.image) == expected) << threads << " threads";
 }
 
