@@ -2,7 +2,7 @@
 
 #include "aravis/araviserror.h"
 #include "aravis/aravislog.h"
-#include "gigevision/gvcpclient.h"
+#include "gigevision/deviceprobe.h"
 #include "gigevision/gvcppacket.h"
 #include "gigevision/networkadapters.h"
 #include "gigevision/receivelimit.h"
@@ -88,10 +88,7 @@ bool GigEVisionDevice::Answers() {
   GvcpClient client;
   if (!GvcpClient::Connect(mTarget.deviceAddress, mTarget.localAddress, client).IsOK())
     return false;
-  // A device that refuses, because it is held exclusively, answers too.
-  std::uint32_t privilege = 0;
-  const KrResult read = client.ReadRegister(kControlPrivilegeRegister, privilege, {std::chrono::milliseconds(250), 2});
-  return read.IsOK() || read == KrResult::Code::ProtocolError;
+  return ProbeDevice(client) != ProbeFinding::Silent;
 }
 
 KrResult GigEVisionDevice::GiveBackControl() {

@@ -11,12 +11,10 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+// As long as a silent device is asked, which thus is asked without pause.
 constexpr milliseconds kProbePeriod{500};
 constexpr milliseconds kReturnPeriod{1000};
 constexpr int kSilentTriesUntilLost = 6;
-// Together as long as the period, so that a silent device is asked without pause.
-constexpr GvcpPatience kRegisterPatience{milliseconds(300), 1};
-constexpr GvcpPatience kDiscoveryPatience{milliseconds(200), 1};
 
 } // namespace
 
@@ -59,7 +57,7 @@ void LinkWatch::Watch(const std::stop_token& aStop) {
   mWatchThread = std::this_thread::get_id();
   while (!aStop.stop_requested()) {
     const auto next = steady_clock::now() + (mIsConnected ? kProbePeriod : kReturnPeriod);
-    Judge(Probe(aStop), aStop);
+    Judge(ProbeDevice(mClient, aStop), aStop);
     PauseUntil(next, aStop);
   }
 }
@@ -70,45 +68,25 @@ void LinkWatch::PauseUntil(steady_clock::time_point aMoment, const std::stop_tok
   mIsProbeWanted = false;
 }
 
-LinkWatch::Finding LinkWatch::Probe(const std::stop_token& aStop) {
-  std::uint32_t privilege = 0;
-  const KrResult read = mClient.ReadRegister(kControlPrivilegeRegister, privilege, kRegisterPatience, aStop);
-  if (read == KrResult::Code::Aborted)
-    return Finding::Cancelled;
-  if (read.IsOK()) {
-    const bool isControlled = (privilege & (kControlBit | kExclusiveBit)) != 0;
-    return isControlled || mTarget.access == krsystem::DeviceAccess::Monitor ? Finding::Answers : Finding::Uncontrolled;
-  }
-  if (read == KrResult::Code::ProtocolError)
-    return Finding::Answers;
-  // A device that is held exclusively may pass over what others read; discovery it has to answer.
-  DiscoveryPayload payload;
-  const KrResult discovered = mClient.Discover(payload, kDiscoveryPatience, aStop);
-  if (discovered == KrResult::Code::Aborted)
-    return Finding::Cancelled;
-  const bool answers = discovered.IsOK() || discovered == KrResult::Code::ProtocolError;
-  return answers ? Finding::Answers : Finding::Silent;
-}
-
-void LinkWatch::Judge(Finding aFinding, const std::stop_token& aStop) {
-  if (aFinding == Finding::Cancelled)
+void LinkWatch::Judge(ProbeFinding aFinding, const std::stop_token& aStop) {
+  if (aFinding == ProbeFinding::Cancelled)
     return;
-  if (aFinding != Finding::Silent) {
+  if (aFinding != ProbeFinding::Silent) {
     mSilentTries = 0;
     mIsSilent = false;
   }
   if (!mIsConnected) {
     if (aStop.stop_requested())
       return;
-    if (aFinding != Finding::Silent && !std::exchange(mIsBack, true))
+    if (aFinding != ProbeFinding::Silent && !std::exchange(mIsBack, true))
       Tell([](krsystem::IDeviceLinkSink& aSink) { aSink.OnLinkBack(); });
     return;
   }
   if (!mHoldsControl())
     Lose("Its heartbeat was lost");
-  else if (aFinding == Finding::Uncontrolled)
+  else if (aFinding == ProbeFinding::Uncontrolled && mTarget.access != krsystem::DeviceAccess::Monitor)
     Lose("It answers, but is not controlled any more: it was restarted, or its control was taken away");
-  else if (aFinding == Finding::Silent && ++mSilentTries >= kSilentTriesUntilLost)
+  else if (aFinding == ProbeFinding::Silent && ++mSilentTries >= kSilentTriesUntilLost)
     Lose("It does not answer any more; check its cable and power");
 }
 

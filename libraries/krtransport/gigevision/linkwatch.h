@@ -3,6 +3,7 @@
 // What loss means for accesses and streams is decided by the link.
 
 #include "aravis/isilence.h"
+#include "gigevision/deviceprobe.h"
 #include "gigevision/gvcpclient.h"
 #include "gigevision/linktarget.h"
 #include "krbase/krresult.h"
@@ -44,11 +45,8 @@ public:
   void Disconnect();
 
 private:
-  enum class Finding { Answers, Uncontrolled, Silent, Cancelled };
-
   void Watch(const std::stop_token& aStop);
-  Finding Probe(const std::stop_token& aStop);
-  void Judge(Finding aFinding, const std::stop_token& aStop);
+  void Judge(ProbeFinding aFinding, const std::stop_token& aStop);
   void Lose(const char* aWhy);
   void Tell(const std::function<void(krsystem::IDeviceLinkSink&)>& aCall);
   void PauseUntil(std::chrono::steady_clock::time_point aMoment, const std::stop_token& aStop);
