@@ -87,7 +87,7 @@ std::size_t Parser::GetOffset(const pugi::xml_node& aNode) const {
 
 KrResult Parser::CheckCharacters() const {
   for (std::size_t offset = 0; offset < mBytes.size();) {
-    const Utf8Sequence sequence = ReadUtf8(mBytes.substr(offset));
+    const Utf8Sequence sequence = IsPrintable(mBytes[offset]) ? Utf8Sequence{' ', 1} : ReadUtf8(mBytes.substr(offset));
     if (sequence.length == 0)
       return Fail(offset, "these bytes are no UTF-8");
     if (!IsXmlCharacter(sequence.point))

@@ -26,6 +26,11 @@ bool NeedsEscape(const Utf8Sequence& aSequence) {
   return aSequence.length == 0 || isControl || !IsXmlCharacter(aSequence.point);
 }
 
+// Most texts are little else than bytes that stand for themselves.
+bool IsPlain(char aByte) {
+  return IsPrintable(aByte) && std::string_view("&<>\"'\\").find(aByte) == std::string_view::npos;
+}
+
 void AppendBytes(std::string& aEscaped, std::string_view aBytes) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   for (const char byte : aBytes) {
@@ -64,7 +69,12 @@ bool AppendReference(std::string& aText, std::string_view aReference) {
 // What XML makes of an attribute's value (XML 1.0, 3.3.3): references resolved, line ends and tabs as blanks.
 std::optional<std::string> NormalizeValue(std::string_view aValue, std::string& aReason) {
   std::string text;
-  while (!aValue.empty()) {
+  for (;;) {
+    const std::string_view plain = aValue.substr(0, aValue.find_first_of("<&\t\r\n"));
+    text += plain;
+    aValue.remove_prefix(plain.size());
+    if (aValue.empty())
+      return text;
     std::size_t length = aValue.starts_with("\r\n") ? 2 : 1;
     const char first = aValue.front();
     if (first == '<') {
@@ -78,11 +88,10 @@ std::optional<std::string> NormalizeValue(std::string_view aValue, std::string& 
         return std::nullopt;
       }
     } else {
-      text += first == '\t' || first == '\n' || first == '\r' ? ' ' : first;
+      text += ' ';
     }
     aValue.remove_prefix(length);
   }
-  return text;
 }
 
 // The byte of "xHH".
@@ -98,7 +107,12 @@ std::optional<char> ReadByte(std::string_view aEscape) {
 
 std::string EscapeText(std::string_view aText) {
   std::string escaped;
-  while (!aText.empty()) {
+  for (;;) {
+    const auto special = std::find_if_not(aText.begin(), aText.end(), IsPlain);
+    escaped.append(aText.begin(), special);
+    aText.remove_prefix(static_cast<std::size_t>(special - aText.begin()));
+    if (aText.empty())
+      return escaped;
     const Utf8Sequence sequence = ReadUtf8(aText);
     const std::string_view bytes = aText.substr(0, std::max<std::size_t>(sequence.length, 1));
     const auto* row = std::find_if(kEntities.begin(), kEntities.end(),
@@ -111,7 +125,6 @@ std::string EscapeText(std::string_view aText) {
       escaped += row != kEntities.end() ? row->reference : bytes;
     aText.remove_prefix(bytes.size());
   }
-  return escaped;
 }
 
 std::optional<std::string> UnescapeText(std::string_view aValue, std::string& aReason) {

@@ -13,6 +13,11 @@ struct Utf8Sequence {
   std::size_t length = 0;
 };
 
+/// True for printable ASCII: most texts are little else, and these bytes need no closer look.
+constexpr bool IsPrintable(char aByte) {
+  return aByte >= 0x20 && aByte <= 0x7E;
+}
+
 /// Reads the first sequence of a text that is not empty.
 Utf8Sequence ReadUtf8(std::string_view aText);
 

@@ -213,8 +213,8 @@ TEST_F(ConfigurationWriter, SavesAndLoadsAtOnce_SeeWholeFilesOnly) {
   ASSERT_TRUE(mWriter.Save(mPath).IsOK());
   const auto save = [this](char aLetter) {
     KrConfigurationWriter writer;
-    EXPECT_TRUE(writer.Store("a", MakeList(std::string(1, aLetter), std::string(50'000, aLetter))).IsOK());
-    for (int round = 0; round < 20; ++round)
+    EXPECT_TRUE(writer.Store("a", MakeList(std::string(1, aLetter), std::string(5'000, aLetter))).IsOK());
+    for (int round = 0; round < 10; ++round)
       EXPECT_TRUE(writer.Save(mPath).IsOK());
   };
   std::atomic<bool> isDone = false;
@@ -234,7 +234,7 @@ TEST_F(ConfigurationWriter, SavesAndLoadsAtOnce_SeeWholeFilesOnly) {
 
   const KrPropertyList list = Restore("a");
   const KrString letter = list.GetProperty(0)->GetName();
-  EXPECT_EQ(list, MakeList(letter, std::string(50'000, letter.ToUtf8().front())));
+  EXPECT_EQ(list, MakeList(letter, std::string(5'000, letter.ToUtf8().front())));
   EXPECT_THAT(mFolder.GetNames(), ElementsAre("settings.xml"));
 }
 
