@@ -9,9 +9,11 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <future>
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <pthread.h>
 #include <sys/eventfd.h>
@@ -98,7 +100,8 @@ KrResult Refuse(int aError) {
                                            ". Close every device before the end instead."};
 }
 
-// The thread takes no signals: they belong to the application's threads.
+// The thread takes no signals: they belong to the application's threads. It is awaited, so that whoever forks next does
+// not find the process in the middle of its start.
 KrResult StartThread(int aDescriptor) {
   sigset_t all;
   sigset_t former;
@@ -106,7 +109,13 @@ KrResult StartThread(int aDescriptor) {
   pthread_sigmask(SIG_SETMASK, &all, &former);
   KrResult result;
   try {
-    std::thread(AwaitSignal, aDescriptor).detach();
+    std::promise<void> started;
+    std::future<void> isStarted = started.get_future();
+    std::thread([aDescriptor, started = std::move(started)]() mutable {
+      started.set_value();
+      AwaitSignal(aDescriptor);
+    }).detach();
+    isStarted.wait();
   } catch (const std::system_error& error) {
     result = Refuse(error.code().value());
   }
