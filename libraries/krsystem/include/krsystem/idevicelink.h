@@ -82,7 +82,8 @@ public:
   virtual IByteChannel* GetByteChannel([[maybe_unused]] std::uint32_t aNumber) { return nullptr; }
   /// Stops streams and gives control of the device back at once, as when the process is about to end: others can take
   /// it without waiting for a heartbeat to run out. Afterwards the device counts as lost for this link, without word of
-  /// it. Ends within the transport's own time limits; does nothing for a link without control.
+  /// it. Ends within the transport's own time limits; does nothing for a link without control. It comes while the
+  /// process ends, perhaps after static objects were destroyed: what it uses must not be one of them.
   virtual void GiveBackControl() = 0;
   /// False once the device is lost.
   virtual bool IsConnected() const = 0;
