@@ -17,7 +17,11 @@ constexpr std::uint32_t kShortestPeriodUs = 1000;
 constexpr int kWarmUpFrames = 300;
 constexpr int kFrames = 1000;
 // Far more than the allocator's own changes, far less than a frame's worth of anything for each frame.
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+constexpr std::int64_t kMostGrowthBytes = 256 << 20; // The sanitizers remember what was freed.
+#else
 constexpr std::int64_t kMostGrowthBytes = 8 << 20;
+#endif
 
 std::ptrdiff_t CountEntries(const char* aFolder) {
   return std::distance(std::filesystem::directory_iterator(aFolder), std::filesystem::directory_iterator());

@@ -40,7 +40,7 @@ KrResult AravisBufferSource::Queue(KrBuffer* aBuffer) {
   if (mIsLost)
     return {KrResult::Code::WrongState, "The device was lost; its stream takes no buffers any more."};
   const std::lock_guard lock(mMutex);
-  aBuffer->SetStatus(KrBufferStatus::Empty);
+  mReceiver->inbox.Lend(*aBuffer);
   if (mStream == nullptr)
     mWaiting.push_back(aBuffer);
   else
@@ -181,9 +181,9 @@ void AravisBufferSource::OnNewBuffer(ArvStream* aStream, gpointer aReceiver) {
     return;
   auto& receiver = *static_cast<Receiver*>(aReceiver);
   KrBuffer& buffer = *GetLender(frame.get());
-  DescribeFrame(receiver.reader.Read(frame.get()), buffer);
+  const FrameDescription description = receiver.reader.Read(frame.get());
   receiver.lastFrame = std::move(frame);
-  receiver.inbox.Put(buffer);
+  receiver.inbox.Put(buffer, description);
 }
 
 } // namespace krtransport

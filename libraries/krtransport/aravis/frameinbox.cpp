@@ -20,11 +20,17 @@ void FrameInbox::Close(const KrResult& aReason) {
   mChanged.notify_all();
 }
 
-void FrameInbox::Put(KrBuffer& aBuffer) {
+void FrameInbox::Lend(KrBuffer& aBuffer) {
+  const std::lock_guard lock(mMutex);
+  aBuffer.SetStatus(KrBufferStatus::Empty);
+}
+
+void FrameInbox::Put(KrBuffer& aBuffer, const FrameDescription& aFrame) {
   {
     const std::lock_guard lock(mMutex);
     if (!mClosed.IsOK())
       return;
+    DescribeFrame(aFrame, aBuffer);
     Count(aBuffer);
     mBuffers.push_back(&aBuffer);
   }

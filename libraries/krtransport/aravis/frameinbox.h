@@ -2,6 +2,7 @@
 // Filled buffers on their way from the receiving thread to whoever waits for them, counted, and the reason why none
 // will come any more.
 
+#include "aravis/framedescription.h"
 #include "krbase/krresult.h"
 #include "krbuffer/krbuffer.h"
 
@@ -28,9 +29,11 @@ public:
   /// Drops what is there and gives every waiting and later Take this reason.
   void Close(const KrResult& aReason);
 
-  /// Takes a described buffer in and counts it by its status; one that was given up before its end counts as neither.
-  /// A closed inbox drops it.
-  void Put(KrBuffer& aBuffer);
+  /// Marks a buffer as empty that the receiving thread may fill from now on.
+  void Lend(KrBuffer& aBuffer);
+  /// Describes a buffer that was filled, takes it in and counts it by its status; one that was given up before its end
+  /// counts as neither. A closed inbox drops it.
+  void Put(KrBuffer& aBuffer, const FrameDescription& aFrame);
   /// The oldest buffer, waiting up to aTimeoutMs milliseconds. TimeLimitExceeded, Aborted when aCancel is stopped, or
   /// the reason of Close.
   KrResult Take(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel);
@@ -39,7 +42,7 @@ public:
 private:
   void Count(const KrBuffer& aBuffer);
 
-  // Guards all members.
+  // Guards all members, and what stands in buffers beside their bytes on its way from one thread to the other.
   mutable std::mutex mMutex;
   std::condition_variable_any mChanged;
   std::deque<KrBuffer*> mBuffers;
