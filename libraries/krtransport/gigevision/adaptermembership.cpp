@@ -16,8 +16,9 @@ struct Members {
 };
 
 Members& GetMembers() {
-  static Members members;
-  return members;
+  // Never destroyed: control is given back after static objects are gone, too.
+  static Members* const members = new Members;
+  return *members;
 }
 
 } // namespace
