@@ -250,6 +250,18 @@ TEST_F(GigEVisionPath, PacketSize_StartedAgain_IsNotSearchedAgain) {
   EXPECT_EQ(mRelay->GetTrials(), trials);
 }
 
+TEST_F(GigEVisionPath, PacketSize_AdapterTakesLess_IsTheAdapters) {
+  const LoopbackMtu mtu(4001);
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay({}));
+
+  ASSERT_TRUE(Start().IsOK());
+  const auto frames = Retrieve(2);
+
+  EXPECT_EQ(ReadRegister(*mLink, kPacketSizeRegister), 4000u);
+  for (const Frame& frame : frames)
+    EXPECT_EQ(frame.status, KrBufferStatus::Complete);
+}
+
 TEST_F(GigEVisionPath, PacketSizeRefused_StreamsWithTheDevicesOwn) {
   RelayOrders orders;
   orders.refusedRegisters = {kPacketSizeRegister};

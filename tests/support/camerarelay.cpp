@@ -76,11 +76,23 @@ std::optional<StreamPacket> ParseStreamPacket(std::span<const std::uint8_t> aDat
       .frame = 0, .format = static_cast<std::uint8_t>(aDatagram[4] & 0x0F), .number = Read32(aDatagram, 4) & 0xFFFFFF};
 }
 
+void RunIp(const std::string& aArguments) {
+  const std::string command = "PATH=$PATH:/usr/sbin:/sbin ip " + aArguments;
+  EXPECT_EQ(std::system(command.c_str()), 0) << command;
+}
+
 } // namespace
 
 void AddLoopbackAddress(const std::string& aAddress) {
-  const std::string command = "PATH=$PATH:/usr/sbin:/sbin ip address replace " + aAddress + "/8 dev lo";
-  EXPECT_EQ(std::system(command.c_str()), 0) << aAddress;
+  RunIp("address replace " + aAddress + "/8 dev lo");
+}
+
+LoopbackMtu::LoopbackMtu(std::uint32_t aBytes) {
+  RunIp("link set lo mtu " + std::to_string(aBytes));
+}
+
+LoopbackMtu::~LoopbackMtu() {
+  RunIp("link set lo mtu 65536");
 }
 
 CameraRelay::CameraRelay(const std::string& aAddress, const std::string& aCameraAddress, RelayOrders aOrders)

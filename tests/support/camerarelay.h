@@ -37,6 +37,14 @@ struct RelayOrders {
 
 /// Makes an address of the loopback adapter, 127.0.0.x, one that a camera can be started on.
 void AddLoopbackAddress(const std::string& aAddress);
+/// The largest packet that the loopback adapter takes, from construction to destruction.
+class LoopbackMtu {
+public:
+  explicit LoopbackMtu(std::uint32_t aBytes);
+  ~LoopbackMtu();
+  LoopbackMtu(const LoopbackMtu&) = delete;
+  LoopbackMtu& operator=(const LoopbackMtu&) = delete;
+};
 
 /// Stands at one address of loopback for the camera at another, from construction to destruction.
 ///
