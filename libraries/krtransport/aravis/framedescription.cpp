@@ -39,16 +39,21 @@ KrBufferStatus DescribeAsImage(const FrameDescription& aFrame, KrBuffer& aBuffer
 
 } // namespace
 
+bool HasImageInLeader(std::uint32_t aPayloadType) {
+  const KrPayloadType type = ToPayloadType(aPayloadType);
+  return type == KrPayloadType::Image || type == KrPayloadType::ExtendedChunkData;
+}
+
 void DescribeFrame(const FrameDescription& aFrame, KrBuffer& aBuffer) {
   // The chunks of the buffer's former frame are forgotten: in no bytes there are none.
   aBuffer.SetAcquiredSize(0);
   static_cast<void>(aBuffer.DescribeChunks(aFrame.chunkOrder));
-  aBuffer.SetPayloadType(ToPayloadType(aFrame.payloadType));
+  const bool isImage = HasImageInLeader(aFrame.payloadType);
+  aBuffer.SetPayloadType(isImage ? KrPayloadType::Image : ToPayloadType(aFrame.payloadType));
   aBuffer.SetAcquiredSize(static_cast<std::size_t>(std::min<std::uint64_t>(aFrame.receivedBytes, aBuffer.GetSize())));
   aBuffer.SetFrameID(aFrame.frameID);
   aBuffer.SetTimestampNs(aFrame.timestampNs);
   aBuffer.SetHostTimestampNs(aFrame.hostTimestampNs);
-  const bool isImage = aBuffer.GetPayloadType() == KrPayloadType::Image;
   aBuffer.SetStatus(isImage ? DescribeAsImage(aFrame, aBuffer) : aFrame.status);
   if (aFrame.hasChunks && aFrame.status == KrBufferStatus::Complete)
     static_cast<void>(aBuffer.DescribeChunks(aFrame.chunkOrder)); // Bad ones leave none behind.

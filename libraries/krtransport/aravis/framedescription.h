@@ -26,10 +26,15 @@ struct FrameDescription {
   std::uint64_t hostTimestampNs = 0;
 };
 
+/// Whether the leader of such a payload describes an image: images, and the extended chunk data that GigE Vision 1.x
+/// devices send in its place while they append chunks.
+bool HasImageInLeader(std::uint32_t aPayloadType);
+
 /// Fills in payload type, image, sizes, numbers and status. A complete frame whose image does not fit into the buffer
 /// becomes TooSmall, one whose image contradicts itself or the bytes received Incomplete; bytes that cannot be
-/// described as an image become raw data, so that nobody sees the image of an earlier frame. An image with chunks stays
-/// an image. Chunks that contradict themselves are left out; the frame's status does not depend on them.
+/// described as an image become raw data, so that nobody sees the image of an earlier frame. An image with chunks is
+/// an image, whatever the leader calls it. Chunks that contradict themselves are left out; the frame's status does not
+/// depend on them.
 void DescribeFrame(const FrameDescription& aFrame, KrBuffer& aBuffer);
 
 } // namespace krtransport

@@ -34,7 +34,7 @@ FrameDescription FrameReader::Read(ArvBuffer* aFrame) {
   arv_buffer_get_data(aFrame, &size);
   frame.receivedBytes = size;
   ReadNumbers(aFrame, frame);
-  if (frame.payloadType == static_cast<std::uint32_t>(KrPayloadType::Image))
+  if (HasImageInLeader(frame.payloadType))
     ReadImage(aFrame, frame);
   if (frame.status == KrBufferStatus::Complete) {
     // Aravis looks into frames that are whole alone.

@@ -184,6 +184,19 @@ TEST(FrameDescription, ImageWithChunks_StaysAnImageAndHasThem) {
   EXPECT_EQ(buffer.FindChunk(7)->length, 4u);
 }
 
+TEST(FrameDescription, ExtendedChunkDataOfOlderDevices_IsAnImageWithChunks) {
+  KrBuffer buffer = MakeBuffer();
+  FrameDescription frame = MakeFrameWithChunks(buffer);
+  frame.payloadType = static_cast<std::uint32_t>(KrPayloadType::ExtendedChunkData);
+
+  DescribeFrame(frame, buffer);
+
+  EXPECT_EQ(buffer.GetPayloadType(), KrPayloadType::Image);
+  ASSERT_NE(buffer.GetImage(), nullptr);
+  EXPECT_EQ(buffer.GetImage()->GetHeight(), 16u);
+  EXPECT_EQ(buffer.GetChunkCount(), 2u);
+}
+
 TEST(FrameDescription, ChunksAlone_AreFoundWithoutAnImage) {
   KrBuffer buffer = MakeBuffer();
   FrameDescription frame = MakeFrameWithChunks(buffer);
