@@ -107,7 +107,7 @@ KrResult KrBuffer::DescribeImage(std::uint32_t aWidth, std::uint32_t aHeight, Kr
 }
 
 KrResult KrBuffer::DescribeChunks(KrByteOrder aOrder) {
-  mBody->chunks.clear();
+  ForgetChunks();
   mBody->chunksGeneration = mBody->memory.GetGeneration();
   const IKrImage* image = GetImage();
   const krbuffer::ChunkParser parser({mBody->memory.GetDataPointer(), mBody->memory.GetFilledBytes()}, aOrder,
@@ -118,6 +118,10 @@ KrResult KrBuffer::DescribeChunks(KrByteOrder aOrder) {
     return {KrResult::Code::SystemError, "The chunks of a buffer could not be listed: there is too little memory. Use "
                                          "fewer or smaller buffers."};
   }
+}
+
+void KrBuffer::ForgetChunks() {
+  mBody->chunks.clear();
 }
 
 std::size_t KrBuffer::GetChunkCount() const {

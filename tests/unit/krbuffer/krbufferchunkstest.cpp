@@ -48,6 +48,27 @@ TEST(KrBufferChunks, New_HasNone) {
   ExpectNoChunks(KrBuffer());
 }
 
+TEST(KrBufferChunks, ForgetChunks_LeavesNoneAndTheBytesAndTheImage) {
+  KrBuffer buffer = MakeBufferWithChunks();
+  ASSERT_EQ(buffer.GetChunkCount(), 2u);
+
+  buffer.ForgetChunks();
+
+  ExpectNoChunks(buffer);
+  EXPECT_EQ(buffer.GetAcquiredSize(), kAcquired);
+  EXPECT_TRUE(std::equal(kImageAndCounter.begin(), kImageAndCounter.end(), buffer.GetDataPointer()));
+  EXPECT_EQ(buffer.GetImage()->GetWidth(), 2u);
+}
+
+TEST(KrBufferChunks, ForgetChunks_DescribedAnew_AreThereAgain) {
+  KrBuffer buffer = MakeBufferWithChunks();
+  buffer.ForgetChunks();
+
+  ASSERT_TRUE(buffer.DescribeChunks(KrByteOrder::BigEndian).IsOK());
+
+  EXPECT_EQ(buffer.GetChunkCount(), 2u);
+}
+
 TEST(KrBufferChunks, DescribeChunks_FindsThoseAtTheEndOfTheAcquiredBytes) {
   KrBuffer buffer = MakeBuffer();
 

@@ -95,6 +95,8 @@ public:
   /// image. Payload type and image stay as they are. BadData where the bytes contradict themselves or seem to hold more
   /// than 4096 chunks, SystemError where memory is short; there are then no chunks.
   KrResult DescribeChunks(KrByteOrder aOrder);
+  /// Leaves no chunks described: a stream does this when a frame without, or with damaged ones, is in. The bytes stay.
+  void ForgetChunks();
   /// The number of chunks found; 0 until they are described.
   std::size_t GetChunkCount() const;
   /// A chunk by its place in memory, the first being 0; null beyond the last. Valid until chunks are described again or
