@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <bit>
 #include <string_view>
 #include <vector>
 
@@ -65,6 +66,25 @@ const KnownLine kKnownLines[] = {
     {KrPixel::Coord3D_C16, 1, 1, {0x01, 0x01}},
     {KrPixel::Coord3D_C32f, 1, 1, {0x00, 0x00, 0x80, 0x3F}},
     {KrPixel::Confidence8, 7, 1, {0x07}},
+    {KrPixel::BayerRG4p, 0, 3, {0x50, 0x00}},
+    {KrPixel::BayerGB14p, 0, 2, {0x55, 0x95, 0xBA, 0x0A}},
+    {KrPixel::RGB14, 0, 1, {0x00, 0x00, 0x55, 0x15, 0xAA, 0x2A}},
+    {KrPixel::BGR14, 0, 1, {0xAA, 0x2A, 0x55, 0x15, 0x00, 0x00}},
+    {KrPixel::RGB10_Planar, 0, 1, {0x00, 0x00, 0x55, 0x01, 0xAA, 0x02}},
+    {KrPixel::RGB12_Planar, 0, 1, {0x00, 0x00, 0x55, 0x05, 0xAA, 0x0A}},
+    {KrPixel::R8, 7, 2, {0x07, 0x08}},
+    {KrPixel::G10, 254, 4, {0xFA, 0xFF, 0x0F, 0x00, 0x01}},
+    {KrPixel::B12, 254, 2, {0xEE, 0xFF, 0xFF}},
+    {KrPixel::R16, 1, 1, {0x01, 0x01}},
+    {KrPixel::Coord3D_A10p, 254, 4, {0xFA, 0xFF, 0x0F, 0x00, 0x01}},
+    {KrPixel::Coord3D_B12p, 254, 2, {0xEE, 0xFF, 0xFF}},
+    {KrPixel::Coord3D_A32f, 255, 2, {0x00, 0x00, 0x7F, 0x43, 0x00, 0x00, 0x00, 0x00}},
+    {KrPixel::Confidence32f, 2, 1, {0x00, 0x00, 0x00, 0x40}},
+    {KrPixel::Confidence1p, 124, 10, {0xF0, 0x03}},
+    {KrPixel::Confidence1, 127, 2, {0x00, 0x01}},
+    {KrPixel::Data8s, 127, 2, {0xFF, 0x00}},
+    {KrPixel::Data16s, 127, 2, {0x7F, 0xFF, 0x80, 0x00}},
+    {KrPixel::Data32f, 3, 1, {0x00, 0x00, 0x40, 0x40}},
 };
 
 std::vector<KrPixelTypeInfo> ListLabFormats() {
@@ -79,6 +99,28 @@ std::vector<KrPixelTypeInfo> ListLabFormats() {
 
 bool IsBayer(KrPixelLayout aLayout) {
   return aLayout >= KrPixelLayout::BayerGR && aLayout <= KrPixelLayout::BayerBG;
+}
+
+// What a component of the ramp is stored as.
+std::uint32_t GetExpectedSample(const KrPixelTypeInfo& aInfo, std::uint64_t aComponent) {
+  if (aInfo.sampleKind == KrSampleKind::Float)
+    return std::bit_cast<std::uint32_t>(static_cast<float>(aComponent));
+  const std::uint64_t largest = (std::uint64_t{1} << aInfo.bitsPerSample) - 1;
+  const std::uint64_t sample =
+      aInfo.bitsPerSample < 8 ? aComponent >> (8 - aInfo.bitsPerSample) : aComponent * largest / 255;
+  const std::uint64_t half = aInfo.sampleKind == KrSampleKind::Signed ? largest / 2 + 1 : 0;
+  return static_cast<std::uint32_t>((sample - half) & largest);
+}
+
+// How far a site of a filter array, or a grey pixel, is ahead of red.
+std::uint64_t GetLead(KrPixelLayout aLayout, std::uint32_t aX, std::uint32_t aY) {
+  if (!IsBayer(aLayout))
+    return 0;
+  const bool redColumnIsOdd = aLayout == KrPixelLayout::BayerGR || aLayout == KrPixelLayout::BayerBG;
+  const bool redLineIsOdd = aLayout == KrPixelLayout::BayerGB || aLayout == KrPixelLayout::BayerBG;
+  const bool isOfRedColumn = (aX % 2 == 1) == redColumnIsOdd;
+  const bool isOfRedLine = (aY % 2 == 1) == redLineIsOdd;
+  return isOfRedColumn != isOfRedLine ? 85 : isOfRedLine ? 0 : 170;
 }
 
 // A sample of a format that has one for each pixel, read bit by bit.
@@ -207,15 +249,14 @@ TEST(TestPattern, MovingRamp_KnownLines_AreStoredAsTheFormatSays) {
   }
 }
 
-TEST(TestPattern, MovingRamp_FormatsOfOneComponent_AreRampsAtAnyWidthAndPhase) {
+TEST(TestPattern, MovingRamp_FormatsOfOneSampleForEachPixel_AreRampsAtAnyWidthAndPhase) {
   int formats = 0;
   for (const KrPixelTypeInfo& info : ListLabFormats()) {
-    const bool isPlain = info.layout == KrPixelLayout::Mono && info.sampleKind == KrSampleKind::Unsigned;
-    if (!isPlain || info.packing == KrPixelPacking::GigE)
+    const bool hasOneSample = info.layout == KrPixelLayout::Mono || IsBayer(info.layout);
+    if (!hasOneSample || info.packing == KrPixelPacking::GigE)
       continue;
     SCOPED_TRACE(info.name);
     ++formats;
-    const std::uint64_t largest = (std::uint64_t{1} << info.bitsPerSample) - 1;
     for (const std::uint32_t width : {1u, 7u, 37u, 301u}) {
       for (std::uint64_t frameID = 250; frameID < 260; ++frameID) {
         const std::vector<std::uint8_t> image = Paint(info.type, width, 3, frameID);
@@ -223,16 +264,15 @@ TEST(TestPattern, MovingRamp_FormatsOfOneComponent_AreRampsAtAnyWidthAndPhase) {
         const std::size_t lineBytes = image.size() / 3;
         for (std::uint32_t y = 0; y < 3; ++y) {
           for (std::uint32_t x = 0; x < width; ++x) {
-            const std::uint64_t step = (x + y + frameID) % 256;
-            const std::uint64_t expected =
-                info.bitsPerSample < 8 ? step >> (8 - info.bitsPerSample) : step * largest / 255;
-            ASSERT_EQ(ReadSample(image.data() + y * lineBytes, info, x), expected) << x << ", " << y;
+            const std::uint64_t component = (x + y + frameID + GetLead(info.layout, x, y)) % 256;
+            ASSERT_EQ(ReadSample(image.data() + y * lineBytes, info, x), GetExpectedSample(info, component))
+                << x << ", " << y;
           }
         }
       }
     }
   }
-  EXPECT_GT(formats, 12);
+  EXPECT_GT(formats, 70);
 }
 
 TEST(TestPattern, MovingRamp_EveryFormatOfTheLab_MovesByOneLineWithEachFrame) {

@@ -8,9 +8,33 @@ namespace {
 
 // The first format of each camera is the one at the start.
 constexpr std::array kGreyFormats = {
-    KrPixel::Mono8,   KrPixel::Mono10,  KrPixel::Mono12,       KrPixel::Mono12p,      KrPixel::Mono16,
-    KrPixel::Mono1p,  KrPixel::Mono2p,  KrPixel::Mono4p,       KrPixel::Mono8s,       KrPixel::Mono14,
-    KrPixel::Mono10p, KrPixel::Mono14p, KrPixel::Mono10Packed, KrPixel::Mono12Packed,
+    KrPixel::Mono8,
+    KrPixel::Mono10,
+    KrPixel::Mono12,
+    KrPixel::Mono12p,
+    KrPixel::Mono16,
+    KrPixel::Mono1p,
+    KrPixel::Mono2p,
+    KrPixel::Mono4p,
+    KrPixel::Mono8s,
+    KrPixel::Mono14,
+    KrPixel::Mono10p,
+    KrPixel::Mono14p,
+    KrPixel::Mono10Packed,
+    KrPixel::Mono12Packed,
+    // One colour alone.
+    KrPixel::R8,
+    KrPixel::R10,
+    KrPixel::R12,
+    KrPixel::R16,
+    KrPixel::G8,
+    KrPixel::G10,
+    KrPixel::G12,
+    KrPixel::G16,
+    KrPixel::B8,
+    KrPixel::B10,
+    KrPixel::B12,
+    KrPixel::B16,
 };
 
 constexpr std::array kColourFormats = {
@@ -39,6 +63,10 @@ constexpr std::array kColourFormats = {
     KrPixel::BayerRG16,
     KrPixel::BayerGB16,
     KrPixel::BayerBG16,
+    KrPixel::BayerGR4p,
+    KrPixel::BayerRG4p,
+    KrPixel::BayerGB4p,
+    KrPixel::BayerBG4p,
     KrPixel::BayerGR10p,
     KrPixel::BayerRG10p,
     KrPixel::BayerGB10p,
@@ -47,6 +75,10 @@ constexpr std::array kColourFormats = {
     KrPixel::BayerRG12p,
     KrPixel::BayerGB12p,
     KrPixel::BayerBG12p,
+    KrPixel::BayerGR14p,
+    KrPixel::BayerRG14p,
+    KrPixel::BayerGB14p,
+    KrPixel::BayerBG14p,
     KrPixel::BayerGR10Packed,
     KrPixel::BayerRG10Packed,
     KrPixel::BayerGB10Packed,
@@ -62,6 +94,8 @@ constexpr std::array kColourFormats = {
     KrPixel::BGR10,
     KrPixel::RGB12,
     KrPixel::BGR12,
+    KrPixel::RGB14,
+    KrPixel::BGR14,
     KrPixel::RGB16,
     KrPixel::BGR16,
     KrPixel::RGB10p,
@@ -69,6 +103,8 @@ constexpr std::array kColourFormats = {
     KrPixel::RGB12p,
     KrPixel::BGR12p,
     KrPixel::RGB8_Planar,
+    KrPixel::RGB10_Planar,
+    KrPixel::RGB12_Planar,
     KrPixel::RGB16_Planar,
     KrPixel::RGB565p,
     KrPixel::BGR565p,
@@ -94,8 +130,11 @@ constexpr std::array kColourFormats = {
 };
 
 constexpr std::array kRangeFormats = {
-    KrPixel::Coord3D_C16,  KrPixel::Coord3D_C8, KrPixel::Coord3D_C32f, KrPixel::Confidence8,
-    KrPixel::Confidence16, KrPixel::Data8,      KrPixel::Data16,
+    KrPixel::Coord3D_C16, KrPixel::Coord3D_C8,   KrPixel::Coord3D_C10p, KrPixel::Coord3D_C12p, KrPixel::Coord3D_C32f,
+    KrPixel::Coord3D_A8,  KrPixel::Coord3D_A10p, KrPixel::Coord3D_A12p, KrPixel::Coord3D_A16,  KrPixel::Coord3D_A32f,
+    KrPixel::Coord3D_B8,  KrPixel::Coord3D_B10p, KrPixel::Coord3D_B12p, KrPixel::Coord3D_B16,  KrPixel::Coord3D_B32f,
+    KrPixel::Confidence1, KrPixel::Confidence1p, KrPixel::Confidence8,  KrPixel::Confidence16, KrPixel::Confidence32f,
+    KrPixel::Data8,       KrPixel::Data8s,       KrPixel::Data16,       KrPixel::Data16s,      KrPixel::Data32f,
 };
 
 // What all cameras of the built-in lab have in common.
