@@ -191,33 +191,75 @@ TEST_F(FrameFaultsTest, FrameFaults_WithoutAFreeBuffer_WaitForOne) {
   EXPECT_EQ(stream.GetStatistics().missingPackets, 3u);
 }
 
-TEST(DelayedFrame, DelayPackets_FrameComesNoSoonerThanItsPackets) {
-  const auto clock = std::make_shared<ManualClock>();
-  const auto lab = std::make_shared<krtransport::SimulationTransport>(krtransport::GetBuiltInLab(), clock);
-  krsystem::InterfaceFields interface;
-  krsystem::AnyDeviceFields fields;
-  std::unique_ptr<krsystem::IDeviceLink> link;
-  ASSERT_TRUE(lab->FindAddress(0xC0A84D0A, kGenerousLimitMs, interface, fields).IsOK());
-  ASSERT_TRUE(lab->Open(interface, fields, krsystem::DeviceAccess::Control, link).IsOK());
-  krsystem::IBufferSource& source = *link->GetBufferSource(0);
-  KrBuffer buffer;
-  ASSERT_TRUE(buffer.Alloc(1280 * 960).IsOK());
-  ASSERT_TRUE(source.Queue(&buffer).IsOK());
-  lab->GetFaults(kMonoMAC)->DelayPackets(1, 1, 50);
-  // A trigger says when the exposure begins, however late the camera looks at the clock.
-  std::array<std::uint8_t, 4> one = {0, 0, 0, 1};
-  IKrRegisterPort& port = link->GetRegisterPort();
-  ASSERT_TRUE(port.Write(kTriggerMode, one.data(), one.size(), kGenerousLimitMs).IsOK());
-  ASSERT_TRUE(source.Start().IsOK());
-  ASSERT_TRUE(port.Write(kTriggerSoftware, one.data(), one.size(), kGenerousLimitMs).IsOK());
+namespace {
+
+// One frame whose packets come late, by a clock that stands still.
+class DelayedFrame : public testing::Test {
+protected:
+  static constexpr std::uint64_t kExposureNs = 1000000;
+  static constexpr std::uint64_t kDelayNs = 50000000;
+
+  void SetUp() override {
+    krsystem::InterfaceFields interface;
+    krsystem::AnyDeviceFields fields;
+    ASSERT_TRUE(mLab->FindAddress(0xC0A84D0A, kGenerousLimitMs, interface, fields).IsOK());
+    ASSERT_TRUE(mLab->Open(interface, fields, krsystem::DeviceAccess::Control, mLink).IsOK());
+    mSource = mLink->GetBufferSource(0);
+    ASSERT_TRUE(mBuffer.Alloc(1280 * 960).IsOK());
+    ASSERT_TRUE(mSource->Queue(&mBuffer).IsOK());
+    mLab->GetFaults(kMonoMAC)->DelayPackets(1, 1, kDelayNs / 1000000);
+    // A trigger says when the exposure begins, however late the camera looks at the clock.
+    std::array<std::uint8_t, 4> one = {0, 0, 0, 1};
+    IKrRegisterPort& port = mLink->GetRegisterPort();
+    ASSERT_TRUE(port.Write(kTriggerMode, one.data(), one.size(), kGenerousLimitMs).IsOK());
+    ASSERT_TRUE(mSource->Start().IsOK());
+    ASSERT_TRUE(port.Write(kTriggerSoftware, one.data(), one.size(), kGenerousLimitMs).IsOK());
+  }
+
+  const std::shared_ptr<ManualClock> mClock = std::make_shared<ManualClock>();
+  const std::shared_ptr<krtransport::SimulationTransport> mLab =
+      std::make_shared<krtransport::SimulationTransport>(krtransport::GetBuiltInLab(), mClock);
+  KrBuffer mBuffer;
+  std::unique_ptr<krsystem::IDeviceLink> mLink;
+  krsystem::IBufferSource* mSource = nullptr;
+};
+
+} // namespace
+
+TEST_F(DelayedFrame, DelayPackets_FrameComesNoSoonerThanItsPackets) {
   KrBuffer* filled = nullptr;
 
-  clock->Advance(1000000 + 49999999);
-  EXPECT_TRUE(source.Retrieve(filled, 0) == KrResult::Code::TimeLimitExceeded);
-  clock->Advance(1);
+  mClock->Advance(kExposureNs + kDelayNs - 1);
+  EXPECT_TRUE(mSource->Retrieve(filled, 0) == KrResult::Code::TimeLimitExceeded);
+  mClock->Advance(1);
 
-  EXPECT_TRUE(source.Retrieve(filled, kGenerousLimitMs).IsOK());
-  source.Stop();
+  EXPECT_TRUE(mSource->Retrieve(filled, kGenerousLimitMs).IsOK());
+  mSource->Stop();
+}
+
+TEST_F(DelayedFrame, Stop_BeforeItsPacketsCame_IsNeitherReceivedNorIncomplete) {
+  const std::uint64_t outNs = mClock->GetNowNs() + kExposureNs + kDelayNs;
+  mClock->Advance(kExposureNs);
+  ASSERT_TRUE(WaitUntil([&] { return mClock->GetAwaitedNs() == outNs; }));
+
+  mSource->Stop();
+
+  EXPECT_EQ(mBuffer.GetStatus(), KrBufferStatus::Aborted);
+  EXPECT_EQ(mSource->GetStatistics().received, 0u);
+  EXPECT_EQ(mSource->GetStatistics().incomplete, 0u);
+}
+
+TEST_F(DelayedFrame, Lose_BeforeItsPacketsCame_IsNeitherReceivedNorIncomplete) {
+  const std::uint64_t outNs = mClock->GetNowNs() + kExposureNs + kDelayNs;
+  mClock->Advance(kExposureNs);
+  ASSERT_TRUE(WaitUntil([&] { return mClock->GetAwaitedNs() == outNs; }));
+
+  EXPECT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  mSource->Stop();
+
+  EXPECT_EQ(mBuffer.GetStatus(), KrBufferStatus::Aborted);
+  EXPECT_EQ(mSource->GetStatistics().received, 0u);
+  EXPECT_EQ(mSource->GetStatistics().incomplete, 0u);
 }
 
 TEST_F(FrameFaultsTest, RefuseOpening_NewOpeningsAreDeniedUntilItIsEnded) {

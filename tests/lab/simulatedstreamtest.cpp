@@ -207,6 +207,35 @@ TEST_F(SimulatedStreamTest, BufferTooSmall_ComesBackWithThatStatus) {
   source.Stop();
 }
 
+TEST_F(SimulatedStreamTest, BufferTooSmall_AfterAWholeFrame_ShowsNothingOfIt) {
+  OpenFast(kMonoMAC);
+  ASSERT_TRUE(WriteInteger(*mDevice, kAcquisitionMode, kSingleFrame).IsOK());
+  ASSERT_TRUE(WriteInteger(*mDevice, kChunkModeActive, 1).IsOK());
+  krsystem::IBufferSource& source = *mDevice->GetBufferSource(0);
+  KrBuffer small;
+  ASSERT_TRUE(small.Alloc(1280 * 960 - 1).IsOK());
+  const auto acquire = [&](std::uint32_t aWidth) {
+    KrBuffer* buffer = nullptr;
+    ASSERT_TRUE(WriteInteger(*mDevice, kWidth, aWidth).IsOK());
+    ASSERT_TRUE(source.Queue(&small).IsOK());
+    ASSERT_TRUE(source.Start().IsOK());
+    ASSERT_TRUE(source.Retrieve(buffer, kGenerousLimitMs).IsOK());
+    source.Stop();
+  };
+  ASSERT_NO_FATAL_FAILURE(acquire(640));
+  ASSERT_EQ(small.GetStatus(), KrBufferStatus::Complete);
+  ASSERT_EQ(small.GetChunkCount(), 1u);
+
+  ASSERT_NO_FATAL_FAILURE(acquire(1280));
+
+  EXPECT_EQ(small.GetStatus(), KrBufferStatus::TooSmall);
+  EXPECT_EQ(small.GetPayloadType(), KrPayloadType::RawData);
+  EXPECT_EQ(small.GetImage(), nullptr);
+  EXPECT_EQ(small.GetChunkCount(), 0u);
+  ASSERT_NO_FATAL_FAILURE(acquire(640));
+  EXPECT_EQ(small.GetPayloadType(), KrPayloadType::Image) << "the next frame that fits is one again";
+}
+
 TEST_F(SimulatedStreamTest, Source_WrongUse_IsRefused) {
   OpenFast(kMonoMAC);
   krsystem::IBufferSource& source = *mDevice->GetBufferSource(0);

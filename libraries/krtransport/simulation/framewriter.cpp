@@ -36,6 +36,14 @@ void WriteChunks(const FrameSettings& aSettings, std::uint64_t aFrameID, std::ui
   }
 }
 
+// Nothing of the frame is there; what the buffer holds and is described as is a former frame's.
+void SetEmpty(KrBuffer& aBuffer, KrBufferStatus aStatus) {
+  aBuffer.SetPayloadType(KrPayloadType::RawData);
+  aBuffer.SetAcquiredSize(0);
+  aBuffer.ForgetChunks();
+  aBuffer.SetStatus(aStatus);
+}
+
 } // namespace
 
 FrameWriter::Gap FrameWriter::FindGap(const FrameSettings& aSettings, const PacketFault& aFault) {
@@ -60,15 +68,13 @@ bool FrameWriter::WriteWhole(KrBuffer& aBuffer, const FrameSettings& aSettings, 
 PacketCounts FrameWriter::Write(KrBuffer& aBuffer, const FrameSettings& aSettings, std::uint64_t aFrameID,
                                 const std::optional<PacketFault>& aFault) {
   const auto payloadBytes = static_cast<std::size_t>(GetPayloadBytes(aSettings));
-  aBuffer.SetPayloadType(KrPayloadType::Image);
   aBuffer.SetFrameID(aFrameID);
   aBuffer.SetTimestampNs(aSettings.exposure.beginNs);
   if (aBuffer.GetSize() < payloadBytes) {
-    aBuffer.SetAcquiredSize(0);
-    const bool isForgotten = aBuffer.DescribeChunks(KrByteOrder::BigEndian).IsOK();
-    aBuffer.SetStatus(isForgotten ? KrBufferStatus::TooSmall : KrBufferStatus::Incomplete);
+    SetEmpty(aBuffer, KrBufferStatus::TooSmall);
     return {};
   }
+  aBuffer.SetPayloadType(KrPayloadType::Image);
   const Gap gap = aFault ? FindGap(aSettings, *aFault) : Gap{};
   const bool isLost = aFault && !aFault->isLate && gap.packets > 0;
   std::uint8_t* const bytes = aBuffer.GetDataPointer();
@@ -78,13 +84,14 @@ PacketCounts FrameWriter::Write(KrBuffer& aBuffer, const FrameSettings& aSetting
   const bool isWritten = WriteWhole(aBuffer, aSettings, aFrameID);
   if (isLost)
     std::ranges::copy(mKept, bytes + gap.begin);
-  const bool isWhole = isWritten && !isLost;
-  // Of no bytes there are no chunks, so that those of the frame before are forgotten.
-  aBuffer.SetAcquiredSize(isWhole ? payloadBytes : 0);
-  const bool isDescribed = aBuffer.DescribeChunks(KrByteOrder::BigEndian).IsOK();
-  if (isLost)
-    aBuffer.SetAcquiredSize(gap.end == payloadBytes ? gap.begin : payloadBytes);
-  aBuffer.SetStatus(isWhole && isDescribed ? KrBufferStatus::Complete : KrBufferStatus::Incomplete);
+  if (!isWritten) {
+    SetEmpty(aBuffer, KrBufferStatus::Incomplete);
+    return {};
+  }
+  aBuffer.ForgetChunks();
+  aBuffer.SetAcquiredSize(isLost && gap.end == payloadBytes ? gap.begin : payloadBytes);
+  const bool isWhole = !isLost && aBuffer.DescribeChunks(KrByteOrder::BigEndian).IsOK();
+  aBuffer.SetStatus(isWhole ? KrBufferStatus::Complete : KrBufferStatus::Incomplete);
   return {gap.packets, aFault && aFault->isLate ? gap.packets : 0};
 }
 

@@ -198,9 +198,12 @@ void SimulatedBufferSource::Deliver(KrBuffer* aBuffer, const PacketCounts& aPack
   const std::lock_guard lock(mMutex);
   if (mLost || mStopping)
     aBuffer->SetStatus(KrBufferStatus::Aborted);
-  const bool isWhole = aBuffer->GetStatus() == KrBufferStatus::Complete;
+  // A frame that the end of the stream cut off is neither whole nor damaged.
+  const KrBufferStatus status = aBuffer->GetStatus();
+  const bool isWhole = status == KrBufferStatus::Complete;
+  const bool isCutShort = status == KrBufferStatus::Incomplete || status == KrBufferStatus::TooSmall;
   mStatistics.received += isWhole ? 1 : 0;
-  mStatistics.incomplete += isWhole ? 0 : 1;
+  mStatistics.incomplete += isCutShort ? 1 : 0;
   mStatistics.bytes += isWhole ? aBuffer->GetAcquiredSize() : 0;
   mStatistics.missingPackets += aPackets.missing;
   mStatistics.resentPackets += aPackets.resent;
