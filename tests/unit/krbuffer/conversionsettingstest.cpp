@@ -4,6 +4,7 @@
 
 #include "everyformat.h"
 #include "exactimage.h"
+#include "goldenfile.h"
 #include "pixelreference.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <map>
 #include <thread>
 
 using Bytes = std::vector<std::uint8_t>;
@@ -70,6 +72,39 @@ Bytes ConvertGrey(const KrBufferConverter& aConverter, const IKrImage& aImage) {
   return greys;
 }
 
+// What stands behind the second bar in the file of settings.
+struct GoldenResult {
+  ReferenceSettings settings;
+  Bytes bgra;
+};
+
+GoldenResult ReadResult(const GoldenImage& aImage) {
+  std::map<std::string, double> values;
+  GoldenResult result;
+  for (const std::string& word : aImage.result) {
+    if (const std::size_t equals = word.find('='); equals != std::string::npos) {
+      values[word.substr(0, equals)] = std::stod(word.substr(equals + 1));
+      continue;
+    }
+    const Bytes rgba = ToBytes(word);
+    const std::uint8_t alpha = rgba.size() > 3 ? rgba[3] : std::uint8_t{255};
+    result.bgra.insert(result.bgra.end(), {rgba.at(2), rgba.at(1), rgba.at(0), alpha});
+  }
+  const auto find = [&values](const char* aName, double aDefault) {
+    const auto value = values.find(aName);
+    return value != values.end() ? value->second : aDefault;
+  };
+  result.settings.red = find("red", 1);
+  result.settings.green = find("green", 1);
+  result.settings.blue = find("blue", 1);
+  result.settings.gamma = find("gamma", 1);
+  if (values.contains("low")) {
+    result.settings.low = values.at("low");
+    result.settings.high = values.at("high");
+  }
+  return result;
+}
+
 ForeignImage MakeFloatImage(const std::vector<float>& aValues) {
   Bytes bytes(4 * aValues.size());
   std::memcpy(bytes.data(), aValues.data(), bytes.size());
@@ -106,6 +141,21 @@ INSTANTIATE_TEST_SUITE_P(ConversionSettings, EverySupportedFormat,
                          [](const testing::TestParamInfo<FormatCase>& aInfo) {
                            return std::string(aInfo.param.format.name);
                          });
+
+TEST(ConversionSettings, EveryImageOfTheFile_BecomesItsPixels) {
+  KrBufferConverter converter(1);
+  for (const GoldenImage& image : ReadGoldenFile("settings.txt")) {
+    const std::optional<KrPixelType> type = KrFindPixelType(std::string_view(image.format));
+    ASSERT_TRUE(type.has_value()) << image.name;
+    const GoldenResult expected = ReadResult(image);
+    ASSERT_FALSE(expected.bgra.empty()) << image.name;
+    const ExactImage source(*KrFindPixelType(*type), static_cast<int>(image.width), static_cast<int>(image.height), 0,
+                            0, image.bytes);
+    Apply(expected.settings, converter);
+
+    EXPECT_EQ(Convert(converter, source.image), expected.bgra) << image.name << ", " << image.format;
+  }
+}
 
 TEST(ConversionSettings, New_AreNeutral) {
   const KrBufferConverter converter;

@@ -19,6 +19,11 @@ GoldenImage ReadLine(const std::string& aName, const std::string& aLine) {
   char by = 0;
   sizes >> image.width >> by >> image.height;
   EXPECT_TRUE(sizes && by == 'x') << aName;
+  char plus = 0;
+  if (sizes >> plus) {
+    sizes >> image.paddingX >> plus >> image.paddingY;
+    EXPECT_TRUE(sizes && plus == '+') << aName;
+  }
   while (line >> word && word != "|") {
     const std::vector<std::uint8_t> bytes = ToBytes(word);
     image.bytes.insert(image.bytes.end(), bytes.begin(), bytes.end());

@@ -12,6 +12,8 @@ struct GoldenImage {
   std::string format;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
+  std::uint32_t paddingX = 0; ///< Bytes behind each line, and behind the last one.
+  std::uint32_t paddingY = 0;
   std::vector<std::uint8_t> bytes;
   std::vector<std::string> result; ///< The words of the result.
 };

@@ -15,7 +15,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 namespace {
 
-const std::vector<std::string> kFiles = {"mono.txt", "bayer.txt", "colour.txt", "lumachroma.txt", "coordinates.txt"};
+const std::vector<std::string> kFiles = {"mono.txt",       "bayer.txt",       "colour.txt",
+                                         "lumachroma.txt", "coordinates.txt", "edges.txt"};
 
 /// A pixel written as red, green, blue and perhaps alpha.
 Bytes ToBgra(const std::string& aPixel) {
@@ -24,8 +25,8 @@ Bytes ToBgra(const std::string& aPixel) {
 }
 
 Bytes Convert(const GoldenImage& aImage, KrPixelType aType, KrPixelType aWanted) {
-  const ExactImage source(*KrFindPixelType(aType), static_cast<int>(aImage.width), static_cast<int>(aImage.height), 0,
-                          0, aImage.bytes);
+  const ExactImage source(*KrFindPixelType(aType), static_cast<int>(aImage.width), static_cast<int>(aImage.height),
+                          static_cast<int>(aImage.paddingX), static_cast<int>(aImage.paddingY), aImage.bytes);
   KrBuffer destination;
   EXPECT_TRUE(destination.GetImage()->Alloc(1, 1, aWanted).IsOK());
   const KrResult result = KrBufferConverter(1).Convert(&source.image, &destination, true, false);
@@ -81,6 +82,19 @@ TEST(Golden, FormatsThatAreConverted_AreThoseOfTheFiles) {
       supported.insert(std::string(format.name));
 
   EXPECT_EQ(supported, listed);
+}
+
+TEST(Golden, FormatsThatAreUnpackedIntoOthers_AreThoseOfTheFile) {
+  std::set<std::string> listed;
+  for (const GoldenImage& image : ReadGoldenFile("unpacking.txt"))
+    listed.insert(image.format);
+
+  std::set<std::string> unpacked;
+  for (const KrPixelTypeInfo& format : krbuffer::kPixelTypes)
+    if (KrGetUnpackedPixelType(format.type).value_or(format.type) != format.type)
+      unpacked.insert(std::string(format.name));
+
+  EXPECT_EQ(unpacked, listed);
 }
 
 TEST(Golden, FormatsThatAreUnpacked_AreThoseWithAnUnpackedFormat) {
