@@ -69,8 +69,11 @@ TEST_F(FeatureAccessTest, Entries_OfEnumerations_AreTheCamerasInTheirOrder) {
   OpenLink("192.168.77.12");
 
   EXPECT_THAT(ListEntries("AcquisitionMode"), ElementsAre("Continuous", "SingleFrame", "MultiFrame"));
-  EXPECT_THAT(ListEntries("PixelFormat"), ElementsAre("Coord3D_C16", "Coord3D_C8", "Coord3D_C32f", "Confidence8",
-                                                      "Confidence16", "Data8", "Data16"));
+  EXPECT_THAT(ListEntries("PixelFormat"),
+              ElementsAre("Coord3D_C16", "Coord3D_C8", "Coord3D_C10p", "Coord3D_C12p", "Coord3D_C32f", "Coord3D_A8",
+                          "Coord3D_A10p", "Coord3D_A12p", "Coord3D_A16", "Coord3D_A32f", "Coord3D_B8", "Coord3D_B10p",
+                          "Coord3D_B12p", "Coord3D_B16", "Coord3D_B32f", "Confidence1", "Confidence1p", "Confidence8",
+                          "Confidence16", "Confidence32f", "Data8", "Data8s", "Data16", "Data16s", "Data32f"));
 }
 
 TEST_F(FeatureAccessTest, SelectedFeature_EachSelection_HasAValueOfItsOwn) {
