@@ -34,7 +34,7 @@ std::string NormalizeMAC(const KrString& aText) {
 
 bool IsNamed(const KrDeviceInfo& aDevice, const KrString& aName) {
   const KrString mac = GetMACAddress(aDevice);
-  return aDevice.GetUniqueID() == aName || aDevice.GetUserDefinedName() == aName ||
+  return aDevice.GetUniqueID() == aName || aDevice.GetUserDefinedName() == aName || aDevice.GetSerialNumber() == aName ||
          (!mac.IsEmpty() && NormalizeMAC(mac) == NormalizeMAC(aName));
 }
 
@@ -122,7 +122,7 @@ Selection ChooseDevice(const std::vector<const KrDeviceInfo*>& aDevices, const K
                 "\"" + aName + "\" names several devices; give the unique ID of one of them:" + ListDevices(named)};
   if (aDevices.empty())
     return {.error = "\"" + aName + "\" was not found: no device answered at all."};
-  return {.error = "No device has the unique ID, MAC address or user-defined name \"" + aName +
+  return {.error = "No device has the unique ID, MAC address, serial number or user-defined name \"" + aName +
                    "\". Found were:" + ListDevices(MergeAnswers(aDevices))};
 }
 

@@ -16,8 +16,8 @@ struct Selection {
   KrString error = {};      ///< A text for the user; empty with a device.
 };
 
-/// Chooses among devices by unique ID, MAC address (any case, ':' or '-') or user-defined name. Several answers of one
-/// device, by its unique ID, count once, the reachable one first; several devices are an error that lists them. The
+/// Chooses among devices by unique ID, MAC address (any case, ':' or '-'), serial number or user-defined name. Several
+/// answers of one device, by its unique ID, count once, the reachable one first; several devices are an error that lists them. The
 /// empty name chooses the first camera that can be reached. Any thread.
 Selection ChooseDevice(const std::vector<const KrDeviceInfo*>& aDevices, const KrString& aName);
 

@@ -15,7 +15,7 @@ CommandLineStatus Fail(const QString& aReason, QString& aText) {
 
 CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& aCommandLine, QString& aText) {
   const QCommandLineOption device("device",
-                                  "Show this camera: an ID, a MAC or IP address or a user-defined name. "
+                                  "Show this camera: an ID, a MAC or IP address, a serial number or a user-defined name. "
                                   "Without it the first camera is shown.",
                                   "DEVICE");
   const QCommandLineOption simulate("simulate", "Offer the built-in simulated cameras beside the real ones.");
@@ -54,7 +54,7 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
   if (parser.isSet(screenshot) && aCommandLine.screenshotFolder.isEmpty())
     return Fail(QStringLiteral("--screenshot wants a folder."), aText);
   if (parser.isSet(device) && aCommandLine.device.isEmpty())
-    return Fail(QStringLiteral("--device wants an ID, a MAC or IP address or a user-defined name."), aText);
+    return Fail(QStringLiteral("--device wants an ID, a MAC or IP address, a serial number or a user-defined name."), aText);
   if (parser.isSet(frames)) {
     bool isNumber = false;
     aCommandLine.frames = parser.value(frames).toULongLong(&isNumber);

@@ -19,6 +19,7 @@ krsystem::GEVFields MakeCamera(const char* aID, const char* aMAC, const char* aU
   fields.displayID = KrString("Camera ") + aID;
   fields.userDefinedName = aUserName;
   fields.macAddress = aMAC;
+  fields.serialNumber = KrString("SN of ") + aID;
   fields.configurationValid = aIsReachable;
   return fields;
 }
@@ -49,6 +50,7 @@ TEST_P(NameOfTop, GivesThatDevice) {
 
 INSTANTIATE_TEST_SUITE_P(Ways, NameOfTop,
                          testing::Values(NameRow{"UniqueID", "id-top"}, NameRow{"UserDefinedName", "top"},
+                                         NameRow{"SerialNumber", "SN of id-top"},
                                          NameRow{"LowerCaseMAC", "00:11:22:aa:bb:03"},
                                          NameRow{"UpperCaseMAC", "00:11:22:AA:BB:03"},
                                          NameRow{"MACWithDashes", "00-11-22-Aa-bB-03"}),
