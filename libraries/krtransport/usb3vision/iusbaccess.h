@@ -3,10 +3,9 @@
 // Apart, so that discovery can be tested without devices.
 
 #include "krbase/krresult.h"
+#include "usb3vision/usbtextreader.h"
 
-#include <chrono>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -20,11 +19,9 @@ public:
   /// Whether the device file can be opened for reading and writing. AccessDenied when permission is missing, NotFound
   /// when there is no such file any more.
   virtual KrResult CheckPermission(std::uint32_t aBus, std::uint32_t aAddress) = 0;
-  /// Reads string descriptors by their numbers, one text each, empty for the number 0 and for what the device does not
-  /// give. A device that does not answer is asked nothing more; each question may take aTimeout. Results as of
-  /// CheckPermission, or TimeLimitExceeded or ProtocolError for a device that gave no text at all.
-  virtual KrResult ReadStrings(std::uint32_t aBus, std::uint32_t aAddress, std::span<const std::uint8_t> aIndexes,
-                               std::chrono::milliseconds aTimeout, std::vector<std::string>& aTexts) = 0;
+  /// Reads texts as ReadUsbTexts does. Results as of it and of CheckPermission.
+  virtual KrResult ReadStrings(std::uint32_t aBus, std::uint32_t aAddress, const UsbTextRequest& aRequest,
+                               std::vector<std::string>& aTexts) = 0;
 };
 
 } // namespace krtransport

@@ -1,8 +1,6 @@
 #include "usb3vision/libusbaccess.h"
 
-#include "usb3vision/usbtext.h"
-
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <libusb.h>
@@ -45,6 +43,8 @@ KrResult ToResult(int aStatus, const std::string& aAttempt) {
   }
 }
 
+constexpr std::size_t kMaxDescriptorBytes = 255;
+
 std::string NameDevice(std::uint32_t aBus, std::uint32_t aAddress) {
   return "the USB device " + std::to_string(aAddress) + " on bus " + std::to_string(aBus);
 }
@@ -67,19 +67,16 @@ KrResult OpenDevice(libusb_context* aContext, std::uint32_t aBus, std::uint32_t 
   return ToResult(LIBUSB_ERROR_NO_DEVICE, attempt);
 }
 
-using DescriptorBytes = std::array<std::uint8_t, 255>;
-
-// Asks for one string descriptor; the status is the number of bytes, or negative.
-int ReadDescriptor(libusb_device_handle* aHandle, std::uint8_t aIndex, std::uint16_t aLanguage,
-                   std::chrono::milliseconds aTimeout, DescriptorBytes& aBytes) {
-  const auto value = static_cast<std::uint16_t>((LIBUSB_DT_STRING << 8) | aIndex);
-  return libusb_control_transfer(aHandle, LIBUSB_ENDPOINT_IN, LIBUSB_REQUEST_GET_DESCRIPTOR, value, aLanguage,
-                                 aBytes.data(), static_cast<std::uint16_t>(aBytes.size()),
-                                 static_cast<unsigned int>(aTimeout.count()));
-}
-
-std::span<const std::uint8_t> GetRead(const DescriptorBytes& aBytes, int aStatus) {
-  return std::span(aBytes).first(static_cast<std::size_t>(aStatus));
+// Asks for one string descriptor; a stall means that there is no such text.
+KrResult ReadDescriptor(libusb_device_handle* aHandle, std::uint16_t aValue, std::uint16_t aLanguage,
+                        std::chrono::milliseconds aLimit, const std::string& aAttempt,
+                        std::vector<std::uint8_t>& aBytes) {
+  aBytes.resize(kMaxDescriptorBytes);
+  const int status = libusb_control_transfer(aHandle, LIBUSB_ENDPOINT_IN, LIBUSB_REQUEST_GET_DESCRIPTOR, aValue,
+                                             aLanguage, aBytes.data(), static_cast<std::uint16_t>(aBytes.size()),
+                                             static_cast<unsigned int>(aLimit.count()));
+  aBytes.resize(static_cast<std::size_t>(std::max(status, 0)));
+  return ToResult(status, aAttempt);
 }
 
 } // namespace
@@ -98,8 +95,8 @@ KrResult LibUsbAccess::CheckPermission(std::uint32_t aBus, std::uint32_t aAddres
   return {isMissing ? KrResult::Code::NotFound : KrResult::Code::AccessDenied, text};
 }
 
-KrResult LibUsbAccess::ReadStrings(std::uint32_t aBus, std::uint32_t aAddress, std::span<const std::uint8_t> aIndexes,
-                                   std::chrono::milliseconds aTimeout, std::vector<std::string>& aTexts) {
+KrResult LibUsbAccess::ReadStrings(std::uint32_t aBus, std::uint32_t aAddress, const UsbTextRequest& aRequest,
+                                   std::vector<std::string>& aTexts) {
   if (KrResult result = CheckPermission(aBus, aAddress); !result.IsOK())
     return result;
   libusb_context* context = nullptr;
@@ -110,23 +107,12 @@ KrResult LibUsbAccess::ReadStrings(std::uint32_t aBus, std::uint32_t aAddress, s
   if (KrResult result = OpenDevice(context, aBus, aAddress, handle); !result.IsOK())
     return result;
   const std::string attempt = "Reading the texts of " + NameDevice(aBus, aAddress);
-  DescriptorBytes bytes{};
-  const int languages = ReadDescriptor(handle.get(), 0, 0, aTimeout, bytes);
-  if (languages < 0)
-    return ToResult(languages, attempt);
-  const std::uint16_t language = ParseFirstLanguage(GetRead(bytes, languages));
-  aTexts.assign(aIndexes.size(), {});
-  for (std::size_t i = 0; i < aIndexes.size(); ++i) {
-    if (aIndexes[i] == 0)
-      continue;
-    const int status = ReadDescriptor(handle.get(), aIndexes[i], language, aTimeout, bytes);
-    if (status >= 0)
-      aTexts[i] = ParseStringDescriptor(GetRead(bytes, status));
-    else if (status !=
-             LIBUSB_ERROR_PIPE) // A stall means that there is no such text; anything else, that nobody is there.
-      break;
-  }
-  return {};
+  const auto read = [&](std::uint8_t aIndex, std::uint16_t aLanguage, std::chrono::milliseconds aLimit,
+                        std::vector<std::uint8_t>& aBytes) {
+    const auto value = static_cast<std::uint16_t>((LIBUSB_DT_STRING << 8) | aIndex);
+    return ReadDescriptor(handle.get(), value, aLanguage, aLimit, attempt, aBytes);
+  };
+  return ReadUsbTexts(aRequest, read, aTexts);
 }
 
 } // namespace krtransport

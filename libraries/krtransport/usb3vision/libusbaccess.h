@@ -15,8 +15,8 @@ public:
 
   KrResult CheckPermission(std::uint32_t aBus, std::uint32_t aAddress) override;
   /// A device that another program has open gives its texts all the same.
-  KrResult ReadStrings(std::uint32_t aBus, std::uint32_t aAddress, std::span<const std::uint8_t> aIndexes,
-                       std::chrono::milliseconds aTimeout, std::vector<std::string>& aTexts) override;
+  KrResult ReadStrings(std::uint32_t aBus, std::uint32_t aAddress, const UsbTextRequest& aRequest,
+                       std::vector<std::string>& aTexts) override;
 
 private:
   const UsbRoots mRoots;

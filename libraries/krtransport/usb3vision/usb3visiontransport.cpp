@@ -18,8 +18,8 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// The longest that a device is waited for while it gives one of its texts.
-constexpr milliseconds kTextTimeout{300};
+// The longest that one device is waited for while it gives its texts, so that others have their turn.
+constexpr milliseconds kTextTimeout{500};
 // The driver that the kernel binds to an interface while a program has claimed it.
 constexpr const char* kClaimed = "usbfs";
 constexpr const char* kPermissionHint =
@@ -59,13 +59,14 @@ bool IsClaimed(const UsbDevice& aDevice) {
   });
 }
 
-std::vector<std::string> ReadTexts(IUsbAccess& aAccess, const UsbDevice& aDevice, milliseconds aTimeout) {
+std::vector<std::string> ReadTexts(IUsbAccess& aAccess, const UsbDevice& aDevice, steady_clock::time_point aEnd,
+                                   const std::stop_token& aCancel = {}) {
   std::vector<std::string> texts;
   const U3VDeviceInfo* info = FindDeviceInfo(aDevice);
   if (info == nullptr)
     return texts;
-  const KrResult read = aAccess.ReadStrings(aDevice.bus, aDevice.address, info->textIndexes, aTimeout, texts);
-  if (!read.IsOK())
+  const KrResult read = aAccess.ReadStrings(aDevice.bus, aDevice.address, {info->textIndexes, aEnd, aCancel}, texts);
+  if (!read.IsOK() && read != KrResult::Code::Aborted)
     KrLogger("USB3Vision")
         .Log(KrLogLevel::Info, {"ReadTexts", "usb3visiontransport"},
              "The device at USB port " + aDevice.port + " is listed without its own texts. " + read.GetDescription());
@@ -104,21 +105,26 @@ KrResult Usb3VisionTransport::Discover(const std::vector<krsystem::InterfaceFiel
     const auto index = indexes.find(devices[i].bus);
     if (index == indexes.end() || GetUsbKind(devices[i]) == UsbKind::Other)
       continue;
-    const auto left = std::chrono::duration_cast<milliseconds>(end - steady_clock::now());
-    aReport(index->second, MakeFields(devices[i], ids[i], devices, std::min(left, kTextTimeout)));
+    const krsystem::AnyDeviceFields fields = MakeFields(devices[i], ids[i], devices, end, aRequest.cancel);
+    // A device whose texts were cut off is not told of by halves.
+    if (aRequest.cancel.stop_requested())
+      return cancelled;
+    aReport(index->second, fields);
   }
   return aRequest.cancel.stop_requested() ? cancelled : KrResult();
 }
 
 krsystem::AnyDeviceFields Usb3VisionTransport::MakeFields(const UsbDevice& aDevice, const std::string& aUniqueID,
                                                           std::span<const UsbDevice> aAll,
-                                                          milliseconds aTimeout) const {
+                                                          steady_clock::time_point aEnd,
+                                                          const std::stop_token& aCancel) const {
   if (GetUsbKind(aDevice) == UsbKind::Unused)
     return MakeUnusedFields(aDevice, aUniqueID, FindHub(aAll, aDevice));
   const KrResult permission = mAccess->CheckPermission(aDevice.bus, aDevice.address);
   std::vector<std::string> texts;
-  if (permission.IsOK() && aTimeout > milliseconds::zero())
-    texts = ReadTexts(*mAccess, aDevice, aTimeout);
+  const auto now = steady_clock::now();
+  if (permission.IsOK() && now < aEnd)
+    texts = ReadTexts(*mAccess, aDevice, std::min(aEnd, now + kTextTimeout), aCancel);
   return MakeCameraFields(aDevice, aUniqueID, permission, texts);
 }
 
@@ -147,7 +153,7 @@ KrResult Usb3VisionTransport::Open(const krsystem::InterfaceFields&, const krsys
   const KrString& name = GetDisplayID(aDevice);
   if (KrResult result = CheckUsable(device, name); !result.IsOK())
     return result;
-  const std::vector<std::string> texts = ReadTexts(*mAccess, device, kTextTimeout);
+  const std::vector<std::string> texts = ReadTexts(*mAccess, device, steady_clock::now() + kTextTimeout);
   const Usb3VisionNames names{.guid = texts.empty() ? std::string() : texts.front(),
                               .manufacturer = device.manufacturer,
                               .product = device.product,

@@ -26,7 +26,8 @@ public:
   KrString GetName() const override { return "USB3 Vision"; }
   /// None, without a failure, on a host without USB.
   KrResult ListInterfaces(std::vector<krsystem::InterfaceFields>& aInterfaces) override;
-  /// Goes once through the kernel's list. Interfaces of another kind are passed over.
+  /// Goes once through the kernel's list. The time limit is that of the whole round: devices that it leaves no time to
+  /// ask are listed without their texts. Interfaces of another kind are passed over.
   KrResult Discover(const std::vector<krsystem::InterfaceFields>& aInterfaces,
                     const krsystem::DiscoveryRequest& aRequest, const krsystem::DeviceReport& aReport) override;
   /// NotSupported: USB has no network addresses.
@@ -46,7 +47,8 @@ private:
   KrResult FindDevice(const krsystem::AnyDeviceFields& aFields, UsbDevice& aDevice) const;
   KrResult CheckUsable(const UsbDevice& aDevice, const KrString& aName) const;
   krsystem::AnyDeviceFields MakeFields(const UsbDevice& aDevice, const std::string& aUniqueID,
-                                       std::span<const UsbDevice> aAll, std::chrono::milliseconds aTimeout) const;
+                                       std::span<const UsbDevice> aAll, std::chrono::steady_clock::time_point aEnd,
+                                       const std::stop_token& aCancel) const;
 
   const UsbRoots mRoots;
   const std::shared_ptr<IUsbAccess> mAccess;

@@ -29,6 +29,7 @@ void UsbWatch::Disconnect() {
 void UsbWatch::ReportSilence() {
   const std::lock_guard lock(mRequestMutex);
   mIsSilent = true;
+  ++mSilenceCount;
   mIsLookWanted = true;
   mRequest.notify_all();
 }
@@ -60,10 +61,20 @@ void UsbWatch::LookForReturn(const std::stop_token& aStop) {
 }
 
 void UsbWatch::AskAgain() {
+  const std::uint64_t asked = CountSilences();
   const KrResult answer = mProbe();
   // A refusal is an answer too.
-  if (answer.IsOK() || answer == KrResult::Code::ProtocolError)
+  if (!answer.IsOK() && answer != KrResult::Code::ProtocolError)
+    return;
+  const std::lock_guard lock(mRequestMutex);
+  // Silence that was reported meanwhile may be later than the answer: it takes another one.
+  if (mSilenceCount == asked)
     mIsSilent = false;
+}
+
+std::uint64_t UsbWatch::CountSilences() {
+  const std::lock_guard lock(mRequestMutex);
+  return mSilenceCount;
 }
 
 bool UsbWatch::IsPluggedIn() const {

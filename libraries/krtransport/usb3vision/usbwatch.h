@@ -11,6 +11,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <stop_token>
@@ -54,6 +55,7 @@ private:
   void Watch(const std::stop_token& aStop);
   void LookForReturn(const std::stop_token& aStop);
   void AskAgain();
+  std::uint64_t CountSilences();
   bool IsPluggedIn() const;
   void Lose();
   void Pause(const std::stop_token& aStop);
@@ -65,10 +67,11 @@ private:
   std::atomic<bool> mIsConnected{true};
   std::atomic<bool> mIsSilent{false};
 
-  // Guards the request to the watch's thread.
+  // Guards the request to the watch's thread and the changes of mIsSilent.
   std::mutex mRequestMutex;
   std::condition_variable_any mRequest;
   bool mIsLookWanted = false;
+  std::uint64_t mSilenceCount = 0; // How often silence was reported.
 
   LinkEvents mEvents;
   // Guards the joining of the thread.

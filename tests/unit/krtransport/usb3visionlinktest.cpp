@@ -118,6 +118,30 @@ TEST_F(Usb3VisionLinkTest, Registers_OfASilentDevice_FailUntilItAnswersAgain) {
   EXPECT_TRUE(link->IsConnected());
 }
 
+TEST_F(Usb3VisionLinkTest, Watch_SilenceReportedWhileTheDeviceAnswers_AsksOnceMore) {
+  std::mutex mutex; // Guards the number of questions.
+  std::condition_variable asked;
+  int questions = 0;
+  UsbWatch* self = nullptr;
+  const auto probe = [&] {
+    const std::lock_guard lock(mutex);
+    if (++questions == 1)
+      self->ReportSilence();
+    asked.notify_all();
+    return KrResult();
+  };
+  UsbWatch watch(MakeSubject(), probe, [](const KrResult&) {});
+  self = &watch;
+
+  watch.ReportSilence();
+
+  std::unique_lock lock(mutex);
+  EXPECT_TRUE(asked.wait_for(lock, std::chrono::seconds(30), [&] { return questions == 2; }));
+  lock.unlock();
+  watch.Stop();
+  EXPECT_FALSE(watch.IsSilent());
+}
+
 TEST_F(Usb3VisionLinkTest, Loss_UnpluggedDevice_EndsAccessesAndIsTold) {
   const auto link = MakeLink();
   link->SetSink(&mSink);

@@ -7,8 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fstream>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -31,11 +33,11 @@ struct Round {
   std::vector<std::pair<std::size_t, AnyDeviceFields>> reports;
 };
 
-Round Discover(Usb3VisionTransport& aTransport, std::stop_token aCancel = {}) {
+Round Discover(Usb3VisionTransport& aTransport, std::stop_token aCancel = {}, std::uint32_t aTimeoutMs = 1000) {
   Round round;
   EXPECT_TRUE(aTransport.ListInterfaces(round.interfaces).IsOK());
   round.result = aTransport.Discover(
-      round.interfaces, {.cancel = std::move(aCancel)},
+      round.interfaces, {.timeoutMs = aTimeoutMs, .cancel = std::move(aCancel)},
       [&round](std::size_t aIndex, const AnyDeviceFields& aDevice) { round.reports.emplace_back(aIndex, aDevice); });
   return round;
 }
@@ -160,6 +162,42 @@ TEST(Usb3VisionTransport, Discover_Cancelled_IsAborted) {
   EXPECT_TRUE(round.reports.empty());
 }
 
+TEST(Usb3VisionTransport, Discover_CancelledWhileTextsAreRead_AsksAndReportsNothingMore) {
+  const UsbTestTree tree("twins");
+  const auto access = std::make_shared<UsbFakeAccess>();
+  Usb3VisionTransport transport(tree.GetRoots(), access);
+  std::stop_source stop;
+  bool isToldOfCancel = false;
+  access->SetOnRead([&](const UsbTextRequest& aRequest) {
+    stop.request_stop();
+    isToldOfCancel = aRequest.cancel.stop_requested();
+  });
+
+  const Round round = Discover(transport, stop.get_token());
+
+  EXPECT_EQ(round.result, KrResult::Code::Aborted);
+  EXPECT_TRUE(isToldOfCancel);
+  EXPECT_EQ(access->GetReadCount(), 1);
+  EXPECT_TRUE(round.reports.empty());
+}
+
+TEST(Usb3VisionTransport, Discover_DeviceThatTakesTheWholeRound_LeavesTheOthersListedWithoutTexts) {
+  const UsbTestTree tree("twins");
+  const auto access = std::make_shared<UsbFakeAccess>();
+  Usb3VisionTransport transport(tree.GetRoots(), access);
+  access->SetOnRead([](const UsbTextRequest& aRequest) {
+    while (std::chrono::steady_clock::now() < aRequest.end)
+      std::this_thread::yield();
+  });
+
+  const Round round = Discover(transport, {}, 50);
+
+  EXPECT_TRUE(round.result.IsOK());
+  EXPECT_LE(access->GetReadCount(), 1);
+  ASSERT_EQ(round.reports.size(), 2u);
+  EXPECT_NE(std::get<U3VFields>(round.reports[1].second).userDefinedName, KrString("Text 11"));
+}
+
 TEST(Usb3VisionTransport, Addresses_AreNotSupported) {
   const UsbTestTree tree("superspeed");
   auto transport = MakeTransport(tree);
@@ -253,7 +291,7 @@ TEST(LibUsbAccess, Permission_DeviceFileThatIsGone_IsNotFound) {
   std::vector<std::string> texts;
 
   EXPECT_EQ(access.CheckPermission(2, 6), KrResult::Code::NotFound);
-  EXPECT_EQ(access.ReadStrings(2, 6, {}, std::chrono::milliseconds(1), texts), KrResult::Code::NotFound);
+  EXPECT_EQ(access.ReadStrings(2, 6, {{}, std::chrono::steady_clock::now(), {}}, texts), KrResult::Code::NotFound);
 }
 
 TEST(LibUsbAccess, Permission_DeviceFileOfAnotherUser_IsDenied) {
@@ -282,7 +320,8 @@ TEST(LibUsbAccess, ReadStrings_DeviceThatLibusbDoesNotKnow_Fails) {
   const std::array<std::uint8_t, 1> indexes = {4};
   std::vector<std::string> texts;
 
-  EXPECT_FALSE(access.ReadStrings(2, 5, indexes, std::chrono::milliseconds(1), texts).IsOK());
+  EXPECT_FALSE(
+      access.ReadStrings(2, 5, {indexes, std::chrono::steady_clock::now() + kUsbTransferLimit, {}}, texts).IsOK());
   EXPECT_TRUE(texts.empty());
 }
 

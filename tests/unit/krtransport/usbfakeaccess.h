@@ -5,6 +5,7 @@
 #include "usb3vision/usbdescriptors.h"
 
 #include <atomic>
+#include <functional>
 
 namespace krtransport {
 
@@ -14,19 +15,24 @@ public:
   explicit UsbFakeAccess(KrResult aPermission = {}) : mPermission(std::move(aPermission)) {}
 
   KrResult CheckPermission(std::uint32_t, std::uint32_t) override { return mPermission; }
-  KrResult ReadStrings(std::uint32_t, std::uint32_t, std::span<const std::uint8_t> aIndexes, std::chrono::milliseconds,
+  KrResult ReadStrings(std::uint32_t, std::uint32_t, const UsbTextRequest& aRequest,
                        std::vector<std::string>& aTexts) override {
     ++mReadCount;
+    if (mOnRead)
+      mOnRead(aRequest);
     if (!mPermission.IsOK())
       return mPermission;
-    for (const std::uint8_t index : aIndexes)
+    for (const std::uint8_t index : aRequest.indexes)
       aTexts.push_back(index == 0 ? std::string() : "Text " + std::to_string(index));
     return {};
   }
+  /// What happens while texts are read.
+  void SetOnRead(std::function<void(const UsbTextRequest&)> aOnRead) { mOnRead = std::move(aOnRead); }
   int GetReadCount() const { return mReadCount; }
 
 private:
   const KrResult mPermission;
+  std::function<void(const UsbTextRequest&)> mOnRead;
   std::atomic<int> mReadCount{0};
 };
 
