@@ -13,11 +13,16 @@
 #include <utility>
 #include <variant>
 
-struct KrDevice::Body : krsystem::IDeviceLinkSink {
-  Body(KrDevice& aDevice, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
-      : device(aDevice), fields(std::move(aFields)), link(std::move(aLink)),
-        place(krdevice::OpenDevices::Get().Add(*link)) {}
+#include <unistd.h>
 
+struct KrDevice::Body : krsystem::IDeviceLinkSink {
+  Body(KrDevice& aDevice, KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink,
+       krsystem::DeviceFields aFields)
+      : device(aDevice), type(aType), fields(std::move(aFields)), link(std::move(aLink)),
+        place(krdevice::OpenDevices::Get().Add(*link)) {}
+  ~Body() { Close(); }
+
+  void Close();
   void OnLinkLost(const KrResult& aReason) override {
     sinks.Notify([&](KrDeviceEventSink& aSink) { aSink.OnDeviceLost(&device, aReason); });
   }
@@ -26,11 +31,31 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
   }
 
   KrDevice& device;
+  const KrDeviceInfoType type; // Known here, since sinks may ask while the object of the kind is being destroyed.
+  const pid_t process = getpid();
   const krsystem::DeviceFields fields;
   krdevice::EventSinks sinks;
-  std::unique_ptr<krsystem::IDeviceLink> link;
+  std::unique_ptr<krsystem::IDeviceLink> link; // Null once it is closed.
   const krdevice::OpenDevices::Place place;
 };
+
+void KrDevice::Body::Close() {
+  if (!link)
+    return;
+  krdevice::OpenDevices& devices = krdevice::OpenDevices::Get();
+  if (process != getpid()) {
+    // A forked child: the device is its parent's, whose threads it lacks.
+    static_cast<void>(link.release());
+    return;
+  }
+  // No event may reach the application while its device goes.
+  link->SetSink(nullptr);
+  if (devices.BeginClosing(place))
+    link.reset();
+  else // Still in use while the process ends.
+    static_cast<void>(link.release());
+  devices.Remove(place);
+}
 
 namespace {
 
@@ -111,14 +136,33 @@ private:
   const bool mIsAllowed;
 };
 
-KrResult OpenLink(const KrDeviceInfo& aInfo, const Kind& aKind, KrDeviceAccess aAccess, LinkPointer& aLink) {
+KrResult OpenKind(const KrDeviceInfo& aInfo, const Kind& aKind, KrDeviceAccess aAccess, DevicePointer& aDevice) {
+  const Opening opening;
+  if (!opening.IsAllowed())
+    return {KrResult::Code::Aborted, "Opening " + aInfo.GetDisplayID() + ": the process is about to end."};
   const std::shared_ptr<krsystem::ITransport> transport = aInfo.GetTransport();
   if (!transport)
     return {KrResult::Code::NotSupported,
             "Opening " + aInfo.GetDisplayID() + ": it was found by no transport; look for devices with KrSystem."};
+  LinkPointer link;
+  const krsystem::AnyDeviceFields fields = aKind.getFields(aInfo);
+  const KrResult result = transport->Open(GetInterfaceFields(aInfo.GetInterface()), fields, ToTransport(aAccess), link);
+  if (!result.IsOK())
+    return result;
+  if (!link)
+    return {KrResult::Code::ProtocolError, "Opening " + aInfo.GetDisplayID() + ": its transport gave no link to it."};
+  aDevice = aKind.make(std::move(link), GetCommonFields(fields));
+  return {};
+}
+
+} // namespace
+
+KrResult KrDevice::Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::unique_ptr<KrDevice>& aDevice) {
+  const Kind* const kind = FindKind(aInfo.GetType());
+  if (!kind)
+    return {KrResult::Code::NotSupported, "Opening " + aInfo.GetDisplayID() + ": it is no camera that can be opened."};
   try {
-    return transport->Open(GetInterfaceFields(aInfo.GetInterface()), aKind.getFields(aInfo), ToTransport(aAccess),
-                           aLink);
+    return OpenKind(aInfo, *kind, aAccess, aDevice);
   } catch (const std::exception& error) {
     return {KrResult::Code::SystemError,
             "Opening " + aInfo.GetDisplayID() + " was ended by an exception: " + std::string(error.what())};
@@ -128,39 +172,18 @@ KrResult OpenLink(const KrDeviceInfo& aInfo, const Kind& aKind, KrDeviceAccess a
   }
 }
 
-} // namespace
-
-KrResult KrDevice::Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::unique_ptr<KrDevice>& aDevice) {
-  const Kind* const kind = FindKind(aInfo.GetType());
-  if (!kind)
-    return {KrResult::Code::NotSupported, "Opening " + aInfo.GetDisplayID() + ": it is no camera that can be opened."};
-  const Opening opening;
-  if (!opening.IsAllowed())
-    return {KrResult::Code::Aborted, "Opening " + aInfo.GetDisplayID() + ": the process is about to end."};
-  LinkPointer link;
-  const KrResult result = OpenLink(aInfo, *kind, aAccess, link);
-  if (!result.IsOK())
-    return result;
-  if (!link)
-    return {KrResult::Code::ProtocolError, "Opening " + aInfo.GetDisplayID() + ": its transport gave no link to it."};
-  aDevice = kind->make(std::move(link), GetCommonFields(kind->getFields(aInfo)));
-  return {};
-}
-
-KrDevice::KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
-    : mBody(std::make_unique<Body>(*this, std::move(aLink), std::move(aFields))) {
+KrDevice::KrDevice(KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
+    : mBody(std::make_unique<Body>(*this, aType, std::move(aLink), std::move(aFields))) {
   mBody->link->SetSink(mBody.get());
 }
 
 KrDevice::~KrDevice() {
-  // No event may reach the application while its device goes.
-  mBody->link->SetSink(nullptr);
-  krdevice::OpenDevices& devices = krdevice::OpenDevices::Get();
-  if (devices.BeginClosing(mBody->place))
-    mBody->link.reset();
-  else // Still in use while the process ends.
-    static_cast<void>(mBody->link.release());
-  devices.Remove(mBody->place);
+  // Before the body goes: until this returns a sink may ask the device.
+  mBody->Close();
+}
+
+KrDeviceInfoType KrDevice::GetType() const {
+  return mBody->type;
 }
 
 const KrString& KrDevice::GetDisplayID() const {

@@ -21,8 +21,12 @@
 
 namespace {
 
-constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+// Every signal that ends a process by default and is no fault of the program's own. The thread that wrote to a closed
+// pipe goes on with EPIPE meanwhile.
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2};
 constexpr std::chrono::seconds kLimit{3};
+constexpr int kEndTries = 100;
+constexpr int kSignalExitBase = 128; // As a shell reports an end by a signal.
 
 // What the signal handler sees.
 std::atomic<pid_t> gProcess = 0; // The process that the descriptor and its thread belong to.
@@ -31,22 +35,26 @@ std::atomic<int> gSignal = 0; // The first that was taken.
 static_assert(std::atomic<pid_t>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
               "A signal handler may touch lock-free atomics alone.");
 
-// Ends the process as the signal would have. Async-signal-safe.
-void EndBySignal(int aSignal) {
-  struct sigaction action = {};
-  action.sa_handler = SIG_DFL;
-  sigaction(aSignal, &action, nullptr);
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, aSignal);
-  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
-  raise(aSignal);
+// Ends the process as the signal would have. Async-signal-safe. Another thread may change the action in between, and
+// the first process of a container does not die of a default action: the end comes all the same.
+[[noreturn]] void EndBySignal(int aSignal) {
+  for (int tries = 0; tries < kEndTries; ++tries) {
+    struct sigaction action = {};
+    action.sa_handler = SIG_DFL;
+    sigaction(aSignal, &action, nullptr);
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, aSignal);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    raise(aSignal);
+  }
+  _exit(kSignalExitBase + aSignal);
 }
 
 void OnSignal(int aSignal) {
   const int error = errno;
   if (getpid() != gProcess) {
-    // A child that was forked past OnFork shares the parent's descriptor, not its devices.
+    // A child that was forked past AfterForkInChild shares the parent's descriptor, not its devices.
     EndBySignal(aSignal);
   } else {
     int none = 0;
@@ -58,8 +66,19 @@ void OnSignal(int aSignal) {
   errno = error;
 }
 
-// In a forked child: signals do there what they did before the parent took them.
-void OnFork() {
+std::mutex gPreparation; // Guards the preparation, which is done once in a process, and the taking of signals.
+
+void BeforeFork() {
+  gPreparation.lock();
+}
+
+void AfterForkInParent() {
+  gPreparation.unlock();
+}
+
+// Signals do in the child what they did before the parent took them.
+void AfterForkInChild() {
+  gPreparation.unlock();
   for (const int signal : kSignals) {
     struct sigaction action = {};
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != OnSignal)
@@ -125,7 +144,8 @@ KrResult StartThread(int aDescriptor) {
 
 KrResult Prepare() {
   // Once for the process and the children that it forks.
-  static const bool isWatched = std::atexit(OnExit) == 0 && pthread_atfork(nullptr, nullptr, OnFork) == 0;
+  static const bool isWatched = std::atexit(OnExit) == 0 && std::at_quick_exit(OnExit) == 0 &&
+                                pthread_atfork(BeforeFork, AfterForkInParent, AfterForkInChild) == 0;
   if (!isWatched)
     return Refuse(ENOMEM);
   const int descriptor = eventfd(0, EFD_CLOEXEC);
@@ -143,6 +163,8 @@ KrResult Prepare() {
 
 void TakeDefaultSignals() {
   for (const int signal : kSignals) {
+    if (gSignal != 0)
+      return; // The process ends already, by a signal that has its default action again.
     struct sigaction former = {};
     if (sigaction(signal, nullptr, &former) != 0 || former.sa_handler != SIG_DFL)
       continue;
@@ -156,8 +178,7 @@ void TakeDefaultSignals() {
 } // namespace
 
 KrResult KrGiveBackDevicesAtEnd() {
-  static std::mutex mutex; // Guards the preparation, which is done once in a process.
-  const std::lock_guard lock(mutex);
+  const std::lock_guard lock(gPreparation);
   if (gProcess != getpid()) {
     if (KrResult prepared = Prepare(); !prepared.IsOK())
       return prepared;

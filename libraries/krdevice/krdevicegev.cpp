@@ -5,7 +5,7 @@
 #include <utility>
 
 KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
-    : KrDevice(std::move(aLink), std::move(aFields)) {}
+    : KrDevice(KrDeviceInfoType::GEV, std::move(aLink), std::move(aFields)) {}
 
 KrDeviceGEV::~KrDeviceGEV() = default;
 

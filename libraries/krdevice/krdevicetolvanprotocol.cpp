@@ -6,7 +6,7 @@
 
 KrDeviceTolvanProtocol::KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink,
                                                krsystem::DeviceFields aFields)
-    : KrDevice(std::move(aLink), std::move(aFields)) {}
+    : KrDevice(KrDeviceInfoType::TolvanProtocol, std::move(aLink), std::move(aFields)) {}
 
 KrDeviceTolvanProtocol::~KrDeviceTolvanProtocol() = default;
 

@@ -3,6 +3,6 @@
 #include <utility>
 
 KrDeviceU3V::KrDeviceU3V(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
-    : KrDevice(std::move(aLink), std::move(aFields)) {}
+    : KrDevice(KrDeviceInfoType::U3V, std::move(aLink), std::move(aFields)) {}
 
 KrDeviceU3V::~KrDeviceU3V() = default;

@@ -11,6 +11,7 @@
 #include <system_error>
 #include <thread>
 
+#include <pthread.h>
 #include <unistd.h>
 
 namespace krdevice {
@@ -26,7 +27,7 @@ struct Device {
 };
 
 void Warn(const std::string& aText) {
-  KrLogger("KrDevice").Log(KrLogLevel::Warning, {"OpenDevices::GiveBackAll", "opendevices"}, aText);
+  KrLogger("KrDevice").Log(KrLogLevel::Warning, {"OpenDevices", "opendevices"}, aText);
 }
 
 void GiveBack(krsystem::IDeviceLink& aLink) {
@@ -57,6 +58,7 @@ struct OpenDevices::Table : std::enable_shared_from_this<Table> {
     changed.notify_all();
   }
   void StartGivingBack();
+  static void WatchForks();
 
   std::mutex mutex; // Guards the members.
   std::condition_variable changed;
@@ -84,6 +86,19 @@ void OpenDevices::Table::StartGivingBack() {
   }
 }
 
+// Whoever forks holds the lock meanwhile, so that the child does not find it taken by a thread that it does not have.
+void OpenDevices::Table::WatchForks() {
+  const int error = pthread_atfork([] { Get().mTable->mutex.lock(); }, [] { Get().mTable->mutex.unlock(); },
+                                   [] {
+                                     Table& table = *Get().mTable;
+                                     // The threads that waited are the parent's.
+                                     std::construct_at(&table.changed);
+                                     table.mutex.unlock();
+                                   });
+  if (error != 0)
+    Warn("A child of this process that opens devices itself may hang: " + std::generic_category().message(error));
+}
+
 OpenDevices::OpenDevices() : mTable(std::make_shared<Table>()) {}
 
 OpenDevices::~OpenDevices() = default;
@@ -91,6 +106,8 @@ OpenDevices::~OpenDevices() = default;
 OpenDevices& OpenDevices::Get() {
   // Never destroyed: devices may be closed by destructors of static objects, and threads may still give back.
   static OpenDevices& devices = *new OpenDevices;
+  static const bool isWatched = (Table::WatchForks(), true);
+  static_cast<void>(isWatched);
   return devices;
 }
 

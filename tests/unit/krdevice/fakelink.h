@@ -140,7 +140,11 @@ public:
       onGiveBack();
   }
   bool IsConnected() const override { return connected; }
-  void SetSink(krsystem::IDeviceLinkSink* aSink) override { sink = aSink; }
+  void SetSink(krsystem::IDeviceLinkSink* aSink) override {
+    if (onSetSink)
+      onSetSink(aSink);
+    sink = aSink;
+  }
   KrResult Read(std::uint64_t, void*, std::size_t, std::uint32_t, const std::stop_token&) override {
     return KrResult::Code::NotSupported;
   }
@@ -153,6 +157,7 @@ public:
   krsystem::IFeatureAccess* features = nullptr;
   std::map<std::uint32_t, krsystem::IByteChannel*> byteChannels;
   std::function<void()> onGiveBack;
+  std::function<void(krsystem::IDeviceLinkSink*)> onSetSink; // Called while the former sink is still there.
 
 private:
   FakeBufferSource* mSource;

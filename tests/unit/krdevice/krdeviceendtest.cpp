@@ -64,7 +64,7 @@ using testing::Eq;
 } // namespace
 
 TEST_F(KrGiveBackDevicesAtEndDeathTest, EachSignal_DeviceOpen_GivesItBackAndEndsByThatSignal) {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2})
     EXPECT_EXIT(RaiseWithOpenDevice(signal), testing::KilledBySignal(signal), Eq("given back\n"));
 }
 
@@ -76,6 +76,78 @@ TEST_F(KrGiveBackDevicesAtEndDeathTest, Exit_DeviceOpen_GivesItBackAndKeepsTheEx
   };
 
   EXPECT_EXIT(exitWithOpenDevice(), testing::ExitedWithCode(7), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, QuickExit_DeviceOpen_GivesItBackAndKeepsTheExitCode) {
+  const auto exitWithOpenDevice = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    std::quick_exit(7);
+  };
+
+  EXPECT_EXIT(exitWithOpenDevice(), testing::ExitedWithCode(7), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, WriteToAClosedPipe_DeviceOpen_GivesItBackAndEndsByTheBrokenPipe) {
+  const auto writeWithOpenDevice = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    int ends[2] = {};
+    EXPECT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    EXPECT_EQ(write(ends[1], "x", 1), -1);
+    AwaitEnd();
+  };
+
+  EXPECT_EXIT(writeWithOpenDevice(), testing::KilledBySignal(SIGPIPE), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, CalledAgainAndAgainWhileTheSignalEndsTheProcess_EndsByItAllTheSame) {
+  const auto callOnAndOn = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    raise(SIGTERM);
+    for (;;)
+      static_cast<void>(KrGiveBackDevicesAtEnd().IsOK());
+  };
+
+  for (int run = 0; run < 10; ++run)
+    EXPECT_EXIT(callOnAndOn(), testing::KilledBySignal(SIGTERM), Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, ActionThatAnotherThreadSetsAgainAndAgain_TheProcessEnds) {
+  const auto handleOnAndOn = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    const std::unique_ptr<KrDevice> device = OpenDevice();
+    raise(SIGTERM);
+    for (;;)
+      signal(SIGTERM, SIG_IGN);
+  };
+  const auto isEndOfSignal = [](int aStatus) {
+    return (WIFSIGNALED(aStatus) && WTERMSIG(aStatus) == SIGTERM) ||
+           (WIFEXITED(aStatus) && WEXITSTATUS(aStatus) == 128 + SIGTERM);
+  };
+
+  EXPECT_EXIT(handleOnAndOn(), isEndOfSignal, Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, ForkedChild_DestroysTheParentsDevice_LeavesItAsItIs) {
+  const auto forkAndDestroy = [] {
+    auto link = std::make_unique<FakeLink>();
+    FakeLink& watched = *link;
+    std::unique_ptr<KrDevice> device = std::make_unique<KrDeviceGEV>(std::move(link), MakeDeviceFields());
+    const krsystem::IDeviceLinkSink* const sink = watched.sink;
+    const pid_t child = fork();
+    if (child == 0) {
+      device.reset();
+      _exit(watched.sink == sink && sink ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    _exit(WIFEXITED(status) ? WEXITSTATUS(status) : 2);
+  };
+
+  EXPECT_EXIT(forkAndDestroy(), testing::ExitedWithCode(0), Eq(""));
 }
 
 TEST_F(KrGiveBackDevicesAtEndDeathTest, Exit_DeviceDestroyedBefore_NothingIsGivenBack) {

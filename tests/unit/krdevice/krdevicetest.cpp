@@ -8,6 +8,8 @@
 #include <functional>
 #include <future>
 #include <gmock/gmock.h>
+#include <new>
+#include <optional>
 
 namespace {
 
@@ -167,6 +169,23 @@ TEST(KrDevice, Open_TransportThrows_IsSystemError) {
   EXPECT_EQ(gev.device, nullptr);
 }
 
+TEST(KrDevice, Open_LinkThrowsWhenTheDeviceIsMade_IsSystemErrorAndGivesNoDevice) {
+  OpenedDevice gev(MakeFields<krsystem::GEVFields>());
+  gev.GetTransport().open = [](krsystem::DeviceAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) {
+    auto made = std::make_unique<FakeLink>();
+    made->onSetSink = [](krsystem::IDeviceLinkSink* aSink) {
+      if (aSink)
+        throw std::bad_alloc();
+    };
+    aLink = std::move(made);
+    return KrResult();
+  };
+
+  EXPECT_TRUE(gev.Open() == KrResult::Code::SystemError);
+
+  EXPECT_EQ(gev.device, nullptr);
+}
+
 TEST(KrDevice, IsConnected_Link_DecidesIt) {
   OpenedDevice gev(MakeFields<krsystem::GEVFields>());
   ASSERT_TRUE(gev.Open().IsOK());
@@ -193,6 +212,20 @@ TEST(KrDeviceEvents, LossAndReturn_EveryRegisteredSink_HearsOfThem) {
   EXPECT_EQ(first.reason.GetDescription(), "cable");
   EXPECT_EQ(second.lost, 1);
   EXPECT_EQ(second.back, 1);
+}
+
+TEST(KrDeviceEvents, Loss_WhileTheDeviceIsBeingDestroyed_SinkCanStillAskForTheType) {
+  OpenedDevice gev(MakeFields<krsystem::GEVFields>());
+  ASSERT_TRUE(gev.Open().IsOK());
+  RecordingSink sink;
+  std::optional<KrDeviceInfoType> type;
+  sink.onLost = [&] { type = sink.device->GetType(); };
+  EXPECT_TRUE(gev.device->RegisterEventSink(&sink).IsOK());
+  gev.link->onSetSink = [&](krsystem::IDeviceLinkSink*) { gev.link->sink->OnLinkLost(KrResult::Code::ConnectionLost); };
+
+  gev.device.reset();
+
+  EXPECT_EQ(type, KrDeviceInfoType::GEV);
 }
 
 TEST(KrDeviceEvents, RegisterEventSink_NullOrTwice_IsInvalidInput) {

@@ -183,6 +183,33 @@ TEST(OpenDevices, BeginClosing_GiveBackThatHangsBeyondTheLimit_SaysThatTheLinkIs
   EXPECT_TRUE(devices.GiveBackAll(kGenerousLimit));
 }
 
+TEST(OpenDevices, Get_ForkWhileAnotherThreadUsesTheList_LeavesItUsableInTheChild) {
+  constexpr int kForks = 200;
+  constexpr unsigned kChildLimitS = 60; // A child that waits for a lock without an owner ends by SIGALRM.
+  OpenDevices& devices = OpenDevices::Get();
+  FakeLink link;
+  std::jthread user([&](const std::stop_token& aStop) {
+    while (!aStop.stop_requested()) {
+      const OpenDevices::Place place = devices.Add(link);
+      EXPECT_TRUE(devices.BeginClosing(place));
+      devices.Remove(place);
+    }
+  });
+
+  int status = 0;
+  for (int fork = 0; fork < kForks && status == 0; ++fork) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      alarm(kChildLimitS);
+      OpenDevices::Place place = 0;
+      _exit(devices.BeginOpening(place) ? 0 : 1);
+    }
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+  }
+
+  EXPECT_EQ(status, 0) << "a child could not use the list";
+}
+
 TEST(OpenDevices, GiveBackAll_InAForkedChild_LeavesTheParentsDevicesAlone) {
   OpenDevices devices;
   CountingLink link;

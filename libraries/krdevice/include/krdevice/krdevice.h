@@ -35,7 +35,7 @@ public:
 ///
 /// Thread: any, but for construction and destruction.
 /// Ownership: the application's. Streams must be closed before their device is destroyed; destruction gives control
-/// back.
+/// back. In a forked child destruction leaves the device, which is the parent's, as it is.
 ///
 ///     std::unique_ptr<KrDevice> device;
 ///     KrResult result = KrDevice::Open(*info, KrDeviceAccess::Control, device);
@@ -50,7 +50,7 @@ public:
   KrDevice(const KrDevice&) = delete;
   KrDevice& operator=(const KrDevice&) = delete;
 
-  virtual KrDeviceInfoType GetType() const = 0;
+  KrDeviceInfoType GetType() const;
   /// The text for a list or a title.
   const KrString& GetDisplayID() const;
   /// Names the device among all; the same each time it is found.
@@ -79,7 +79,7 @@ public:
   KrResult UnregisterEventSink(KrDeviceEventSink* aSink);
 
 protected:
-  KrDevice(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
+  KrDevice(KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
 
 private:
   struct Body;

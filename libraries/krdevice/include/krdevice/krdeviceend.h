@@ -4,14 +4,17 @@
 
 #include "krbase/krresult.h"
 
-/// From now on every open KrDevice of this process gives its control back when the process ends by exit() or the end of
-/// main(), or by SIGINT, SIGTERM or SIGHUP, of which those are taken whose action is the default one at this moment. A
-/// signal that the application handles or ignores is left alone. After a signal was taken the process ends by it as it
-/// would have, some moments later; until then its other threads go on and nothing can be opened any more.
+/// From now on every open KrDevice of this process gives its control back when the process ends by exit(), quick_exit()
+/// or the end of main(), or by SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1 or SIGUSR2, of which those
+/// are taken whose action is the default one at this moment. A signal that the application handles or ignores is left
+/// alone. After a signal was taken the process ends by it as it would have, some moments later; until then its other
+/// threads go on (the one that wrote to a closed pipe with EPIPE, as it does without a signal once a GigE Vision device
+/// was opened: what talks to it ignores SIGPIPE in the whole process) and nothing can be opened any more. Where the system
+/// does not let a process end by a signal, as the first one of a container, it exits with 128 and the signal's number.
 ///
 /// All devices give back at once; the process waits three seconds at most, for a device that does not answer. Not
-/// covered, so that the heartbeat has to run out: SIGKILL, crashes, abort(), an exception that nobody catches, _exit()
-/// and quick_exit().
+/// covered, so that the heartbeat has to run out: SIGKILL, other signals that end a process (real-time ones, the
+/// system's limits of CPU time and file size), crashes, abort(), an exception that nobody catches, and _exit().
 ///
 /// To be called once near the beginning of main(), before threads are started and before the application takes signals
 /// itself. Calling it again is harmless and takes signals whose action has become the default one since. A process that

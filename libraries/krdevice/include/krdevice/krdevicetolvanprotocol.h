@@ -8,7 +8,6 @@ class KR_EXPORT KrDeviceTolvanProtocol : public KrDevice {
 public:
   KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
   ~KrDeviceTolvanProtocol() override;
-  KrDeviceInfoType GetType() const override { return KrDeviceInfoType::TolvanProtocol; }
 
   /// Gives the device of a MAC address another IP configuration; arguments and results as KrDeviceGEV's.
   static KrResult SetIPConfiguration(const KrString& aMAC, const KrString& aAddress, const KrString& aSubnetMask,

@@ -8,5 +8,4 @@ class KR_EXPORT KrDeviceU3V : public KrDevice {
 public:
   KrDeviceU3V(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
   ~KrDeviceU3V() override;
-  KrDeviceInfoType GetType() const override { return KrDeviceInfoType::U3V; }
 };

@@ -1,0 +1,23 @@
+#pragma once
+// A device whose only stream channel a test fills by hand.
+
+#include "fakelink.h"
+#include "krdevice/krdevicegev.h"
+#include "krdevice/krstream.h"
+
+#include <gtest/gtest.h>
+
+class StreamTest : public testing::Test {
+protected:
+  static constexpr std::uint32_t kGenerousLimitMs = 60000;
+
+  // Takes a frame and gives it back.
+  static KrResult WaitForFrame(KrStream& aStream) {
+    KrBuffer* buffer = nullptr;
+    const KrResult result = aStream.Retrieve(buffer, kGenerousLimitMs);
+    return result.IsOK() ? aStream.Release(buffer) : result;
+  }
+
+  FakeBufferSource mSource;
+  KrDeviceGEV mDevice{std::make_unique<FakeLink>(&mSource), MakeDeviceFields()};
+};
