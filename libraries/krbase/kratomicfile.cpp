@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -23,6 +24,8 @@ using krbase::FileDescriptor;
 
 constexpr int kMostLinks = 40; // As many as the system itself follows.
 constexpr int kNameTries = 16;
+constexpr mode_t kNewFileRights = 0666; // Less what the process' mask takes.
+constexpr mode_t kPrivateRights = 0600;
 
 struct ErrorRow {
   int error;
@@ -70,7 +73,8 @@ std::string MakeTemporaryName() {
   return name.data();
 }
 
-// Makes the new file look like the one that it replaces. An owner that this process may not give stays its own.
+// Makes the new file look like the one that it replaces. An owner that this process may not give stays its own. The
+// rights come last: until then nobody else reads what may be private.
 bool TakeOverRights(int aDescriptor, const struct stat& aExisting) {
   [[maybe_unused]] const int ownerGiven = ::fchown(aDescriptor, aExisting.st_uid, static_cast<gid_t>(-1));
   [[maybe_unused]] const int groupGiven = ::fchown(aDescriptor, static_cast<uid_t>(-1), aExisting.st_gid);
@@ -86,7 +90,7 @@ struct KrAtomicFile::Body {
   }
 
   KrResult OpenFolder();
-  KrResult CheckExisting(struct stat& aExisting, bool& aExists) const;
+  KrResult CheckExisting();
   KrResult Create();
   KrResult Rename();
   KrResult Fail(int aError) {
@@ -100,7 +104,8 @@ struct KrAtomicFile::Body {
   std::string temporaryName; // Within the folder; empty once there is none.
   FileDescriptor folder;     // Where both names are looked up, even when the folder is moved meanwhile.
   FileDescriptor file;
-  KrResult failure; // Of the first write that failed: such a file is never committed.
+  std::optional<struct stat> replaced; // The file that had the name when this one was opened.
+  KrResult failure;                    // Of the first write that failed: such a file is never committed.
 };
 
 KrResult KrAtomicFile::Body::OpenFolder() {
@@ -115,11 +120,12 @@ KrResult KrAtomicFile::Body::OpenFolder() {
   return folder.IsOpen() ? KrResult() : MakeError(fileName, errno);
 }
 
-KrResult KrAtomicFile::Body::CheckExisting(struct stat& aExisting, bool& aExists) const {
-  aExists = ::fstatat(folder.Get(), targetName.c_str(), &aExisting, AT_SYMLINK_NOFOLLOW) == 0;
-  if (!aExists)
+KrResult KrAtomicFile::Body::CheckExisting() {
+  struct stat status = {};
+  if (::fstatat(folder.Get(), targetName.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
     return errno == ENOENT ? KrResult() : MakeError(fileName, errno);
-  if (!S_ISREG(aExisting.st_mode))
+  replaced = status;
+  if (!S_ISREG(status.st_mode))
     return {KrResult::Code::InvalidInput, "\"" + fileName + "\" cannot be written: it is no file."};
   if (existing == Existing::Kept)
     return MakeTakenError(fileName);
@@ -128,21 +134,18 @@ KrResult KrAtomicFile::Body::CheckExisting(struct stat& aExisting, bool& aExists
 }
 
 KrResult KrAtomicFile::Body::Create() {
-  struct stat replaced = {};
-  bool exists = false;
-  if (KrResult checked = CheckExisting(replaced, exists); !checked.IsOK())
+  if (KrResult checked = CheckExisting(); !checked.IsOK())
     return checked;
+  const mode_t rights = replaced ? kPrivateRights : kNewFileRights;
   for (int tries = 0; tries < kNameTries && !file.IsOpen(); ++tries) {
     std::string name = MakeTemporaryName();
-    file = FileDescriptor(::openat(folder.Get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    file = FileDescriptor(::openat(folder.Get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, rights));
     if (file.IsOpen())
       temporaryName = std::move(name);
     else if (errno != EEXIST)
       break;
   }
-  if (!file.IsOpen() || (exists && !TakeOverRights(file.Get(), replaced)))
-    return MakeError(fileName, errno);
-  return {};
+  return file.IsOpen() ? KrResult() : MakeError(fileName, errno);
 }
 
 KrResult KrAtomicFile::Body::Rename() {
@@ -222,6 +225,8 @@ KrResult KrAtomicFile::Commit() {
   const std::unique_ptr<Body> body = std::move(mBody);
   if (!body->failure.IsOK())
     return body->failure;
+  if (body->replaced && !TakeOverRights(body->file.Get(), *body->replaced))
+    return MakeError(body->fileName, errno);
   if (::fsync(body->file.Get()) != 0 || !body->file.Close())
     return MakeError(body->fileName, errno);
   return body->Rename();

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <thread>
 
 #include <sys/stat.h>
@@ -54,6 +55,22 @@ TEST_F(AtomicFile, UntilTheCommit_TheOldFileIsRead) {
   EXPECT_EQ(TemporaryFolder::ReadFile(mPath), "old");
   EXPECT_TRUE(file.Commit().IsOK());
   EXPECT_EQ(TemporaryFolder::ReadFile(mPath), "new");
+}
+
+TEST_F(AtomicFile, UntilTheCommit_TheFileThatReplacesAnotherIsForItsOwnerAlone) {
+  for (const mode_t rights : {0600U, 0644U, 0666U}) {
+    TemporaryFolder::WriteFile(mPath, "old");
+    ASSERT_EQ(::chmod(mPath.c_str(), rights), 0);
+    KrAtomicFile file;
+    ASSERT_TRUE(file.Open(mPath, Existing::Replaced).IsOK());
+    const auto names = mFolder.GetNames();
+    const auto temporary = std::ranges::find_if(names, [](const auto& aName) { return aName.ends_with(".tmp"); });
+    ASSERT_NE(temporary, names.end());
+
+    EXPECT_EQ(GetMode(mFolder.GetFile(*temporary)), 0600U);
+    EXPECT_TRUE(file.Commit().IsOK());
+    EXPECT_EQ(GetMode(mPath), rights);
+  }
 }
 
 TEST_F(AtomicFile, NotCommitted_LeavesNothing) {

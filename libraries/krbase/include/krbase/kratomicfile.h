@@ -12,7 +12,8 @@
 ///
 /// Thread: one at a time. Objects of several threads or processes may write one name at once: the last to commit wins,
 /// and whoever opens the name reads one of the whole files. A reader that has the old file open keeps reading that.
-/// Ownership: owns the temporary file and removes it where Commit was not called or failed.
+/// Ownership: owns the temporary file and removes it where Commit was not called or failed. A process that is killed
+/// meanwhile leaves it behind, as ".kr-" with sixteen hexadecimal digits and ".tmp".
 ///
 ///     KrAtomicFile file;
 ///     KrResult result = file.Open("settings.xml", KrAtomicFile::Existing::Replaced);
@@ -31,8 +32,9 @@ public:
   KrAtomicFile(const KrAtomicFile&) = delete;
   KrAtomicFile& operator=(const KrAtomicFile&) = delete;
 
-  /// Makes the temporary file, with the access rights of the file that it is to replace, or those that the process
-  /// gives new files. Symbolic links are followed to the file that they lead to. What was begun before is given up.
+  /// Makes the temporary file. One that is to replace another can be read by its owner alone until Commit gives it
+  /// the other's rights, and its owner and group where the process may; another has the rights that the process gives
+  /// new files. Access control lists and extended attributes are not taken over. Symbolic links are followed to the file that they lead to. What was begun before is given up.
   /// InvalidInput for an empty name and for a name of what is no file; with Existing::Kept WrongState for a name that
   /// is taken; NotFound for a folder that does not exist, AccessDenied where the system forbids it, otherwise
   /// SystemError. Every description names the file and holds the system's text.
