@@ -19,6 +19,8 @@ inline constexpr std::size_t kMostFileBytes = 16 * 1024 * 1024;
 inline constexpr std::size_t kMostLists = 1000;
 inline constexpr std::size_t kMostProperties = 10'000;     ///< In one list.
 inline constexpr std::size_t kMostTextBytes = 1024 * 1024; ///< Of one name or value.
+/// The characters '<' of a file; more than known elements come to within kMostFileBytes.
+inline constexpr std::size_t kMostMarkup = 1'000'000;
 
 /// A file with another major version cannot be read; a greater minor version adds only what may be ignored.
 inline constexpr unsigned kMajorVersion = 1;

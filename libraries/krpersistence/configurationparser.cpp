@@ -54,6 +54,7 @@ public:
 
 private:
   KrResult CheckCharacters() const;
+  KrResult CheckMarkup() const;
   KrResult BuildTree();
   KrResult CheckDeclaration(const pugi::xml_node& aDeclaration) const;
   KrResult FindRoot(pugi::xml_node& aRoot) const;
@@ -94,6 +95,16 @@ KrResult Parser::CheckCharacters() const {
       return Fail(offset, "a character that XML does not allow");
     offset += sequence.length;
   }
+  return {};
+}
+
+// Before there is a tree, which takes many times the memory of what it is made from.
+KrResult Parser::CheckMarkup() const {
+  std::size_t count = 0;
+  for (std::size_t offset = mBytes.find('<'); offset != mBytes.npos; offset = mBytes.find('<', offset + 1))
+    if (++count > kMostMarkup)
+      return Fail(offset, "more than the limit of " + std::to_string(kMostMarkup) + " elements and other markup",
+                  KrResult::Code::OutOfRange);
   return {};
 }
 
@@ -228,6 +239,8 @@ KrResult Parser::ReadLists(const pugi::xml_node& aRoot, Configuration& aConfigur
 
 KrResult Parser::Run(Configuration& aConfiguration) {
   if (KrResult checked = CheckCharacters(); !checked.IsOK())
+    return checked;
+  if (KrResult checked = CheckMarkup(); !checked.IsOK())
     return checked;
   if (KrResult built = BuildTree(); !built.IsOK())
     return built;

@@ -2,39 +2,71 @@
 
 #include <array>
 #include <cerrno>
-#include <filesystem>
-#include <fstream>
 #include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace krpersistence {
 
-namespace fs = std::filesystem;
+namespace {
+
+KrResult MakeError(int aError) {
+  const bool isMissing = aError == ENOENT || aError == ENOTDIR;
+  const bool isDenied = aError == EACCES || aError == EPERM;
+  return {isMissing  ? KrResult::Code::NotFound
+          : isDenied ? KrResult::Code::AccessDenied
+                     : KrResult::Code::SystemError,
+          std::generic_category().message(aError) + "."};
+}
+
+// A descriptor that is closed again; -1 where nothing is open.
+class OpenFile {
+public:
+  // A pipe that nobody writes to, or a terminal, must not keep the opening waiting.
+  explicit OpenFile(const char* aPath) : mDescriptor(::open(aPath, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
+  ~OpenFile() {
+    if (mDescriptor >= 0)
+      ::close(mDescriptor);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  int Get() const { return mDescriptor; }
+
+private:
+  const int mDescriptor;
+};
+
+} // namespace
 
 KrResult ReadWholeFile(const KrString& aFileName, std::size_t aMostBytes, std::string& aBytes) {
-  const fs::path path = aFileName.ToUtf8();
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status))
-    return {error == std::errc::permission_denied ? KrResult::Code::AccessDenied : KrResult::Code::NotFound,
-            error.message() + "."};
-  // A pipe would keep us waiting for bytes, a device could give them without end.
-  if (!fs::is_regular_file(status))
+  if (aFileName.ToUtf8().find('\0') != std::string::npos)
+    return {KrResult::Code::InvalidInput, "its name holds a zero byte."};
+  const OpenFile file(aFileName.CStr());
+  struct stat status = {};
+  if (file.Get() < 0 || ::fstat(file.Get(), &status) != 0)
+    return MakeError(errno);
+  // A pipe would keep us waiting for bytes, a device could give them without end. What is open cannot be exchanged.
+  if (!S_ISREG(status.st_mode))
     return {KrResult::Code::InvalidInput, "it is no file."};
 
-  errno = 0;
-  std::ifstream stream(path, std::ios::binary);
-  if (!stream)
-    return {errno == EACCES ? KrResult::Code::AccessDenied : KrResult::Code::SystemError,
-            std::generic_category().message(errno) + "."};
   std::string bytes;
   std::array<char, 65536> block;
-  while (stream.read(block.data(), block.size()) || stream.gcount() > 0) {
-    bytes.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+  for (;;) {
+    const ssize_t count = ::read(file.Get(), block.data(), block.size());
+    if (count < 0 && errno == EINTR)
+      continue;
+    if (count < 0)
+      return MakeError(errno);
+    if (count == 0)
+      break;
+    bytes.append(block.data(), static_cast<std::size_t>(count));
     if (bytes.size() > aMostBytes)
       return {KrResult::Code::OutOfRange, "it is longer than the limit of " + std::to_string(aMostBytes) + " bytes."};
   }
-  if (!stream.eof())
-    return {KrResult::Code::SystemError, std::generic_category().message(errno) + "."};
   aBytes = std::move(bytes);
   return {};
 }

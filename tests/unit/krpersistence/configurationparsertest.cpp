@@ -231,6 +231,21 @@ TEST(ConfigurationParser, TextBeyondTheLimit_IsRefusedByIt) {
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("1048576 bytes"));
 }
 
+TEST(ConfigurationParser, MoreUnknownElementsThanTheLimit_AreRefusedByIt) {
+  const std::string empty = Wrap("");
+  const std::size_t allowed = kMostMarkup - static_cast<std::size_t>(std::ranges::count(empty, '<'));
+  std::string elements;
+  for (std::size_t index = 0; index < allowed; ++index)
+    elements += "<a/>";
+  Configuration read;
+
+  EXPECT_TRUE(ParseConfiguration(Wrap(elements), read).IsOK());
+  const KrResult result = ParseConfiguration(Wrap(elements + "<a/>"), read);
+
+  EXPECT_TRUE(result == KrResult::Code::OutOfRange) << result.GetCodeString().CStr();
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("1000000 elements"));
+}
+
 TEST(ConfigurationParser, FileBeyondTheLimit_IsRefusedByIt) {
   Configuration read;
 

@@ -119,6 +119,13 @@ TEST_F(ConfigurationReader, WhatIsNoFile_IsRefusedWithoutWaiting) {
     EXPECT_EQ(mReader.Load(path).GetCode(), KrResult::Code::InvalidInput) << path;
 }
 
+TEST_F(ConfigurationReader, NameWithAZeroByte_IsRefusedAndNotCutThere) {
+  const KrResult result = mReader.Load(mPath + std::string("\0.bak", 5));
+
+  EXPECT_EQ(result.GetCode(), KrResult::Code::InvalidInput);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("zero byte"));
+}
+
 TEST_F(ConfigurationReader, FileBeyondTheLimit_IsRefusedByIt) {
   TemporaryFolder::WriteFile(mPath, kTwoLists);
   std::filesystem::resize_file(mPath, 16 * 1024 * 1024 + 1);
