@@ -62,7 +62,7 @@ std::string DescribeFrame(const KrBuffer& aFrame, const FrameFileOptions& aOptio
   const std::uint64_t hostNs = aFrame.GetHostTimestampNs();
   return DescribeFormat(image.GetPixelType()) + MakeLine("width", std::to_string(image.GetWidth())) +
          MakeLine("height", std::to_string(image.GetHeight())) +
-         MakeLine("complete", aFrame.GetStatus() == KrBufferStatus::Incomplete ? "no" : "yes") +
+         MakeLine("complete", aFrame.GetStatus() == KrBufferStatus::Complete ? "yes" : "no") +
          MakeLine("frame_id", std::to_string(aFrame.GetFrameID())) +
          MakeLine("timestamp_ns", std::to_string(aFrame.GetTimestampNs())) +
          MakeLine("host_timestamp_ns", std::to_string(hostNs)) +

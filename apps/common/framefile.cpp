@@ -7,8 +7,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
 
 namespace krapps {
 
@@ -43,6 +47,32 @@ KrResult WriteImage(const KrBuffer& aFrame, const FrameFileOptions& aOptions, Kr
                                                  : WriteTiff(aFrame, aOptions, aFile);
 }
 
+// A text as it was before it was replaced, to bring it back.
+class FormerText {
+public:
+  explicit FormerText(const KrString& aFileName) : mFileName(aFileName) {
+    std::ifstream stream(aFileName.ToUtf8(), std::ios::binary);
+    if (stream)
+      mBytes.emplace(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+  }
+
+  /// Does what it can: whoever calls it has the reason of a failure to tell already.
+  void PutBack() const {
+    if (!mBytes) {
+      [[maybe_unused]] const int isRemoved = std::remove(mFileName.CStr());
+      return;
+    }
+    KrAtomicFile file;
+    if (file.Open(mFileName, KrAtomicFile::Existing::Replaced).IsOK() &&
+        file.Write(mBytes->data(), mBytes->size()).IsOK())
+      static_cast<void>(file.Commit());
+  }
+
+private:
+  const KrString mFileName;
+  std::optional<std::string> mBytes; // Nothing where there was no file.
+};
+
 // The text is there before the bytes are, so that bytes without their description never appear.
 KrResult WriteWithSidecar(const KrBuffer& aFrame, const FrameFileOptions& aOptions) {
   KrAtomicFile bytes;
@@ -57,9 +87,13 @@ KrResult WriteWithSidecar(const KrBuffer& aFrame, const FrameFileOptions& aOptio
     return written;
   if (KrResult written = sidecar.Write(text.data(), text.size()); !written.IsOK())
     return written;
+  const FormerText former(GetSidecarName(aOptions.fileName));
   if (KrResult committed = sidecar.Commit(); !committed.IsOK())
     return committed;
-  return bytes.Commit();
+  KrResult committed = bytes.Commit();
+  if (!committed.IsOK())
+    former.PutBack();
+  return committed;
 }
 
 KrResult CheckFrame(const KrBuffer& aFrame) {

@@ -42,9 +42,10 @@ bool KeepsEverySample(FrameFileFormat aFormat, KrPixelType aType);
 KrResult CheckFrameFile(const FrameFileOptions& aOptions);
 
 /// Writes a frame, whole or incomplete as it is; each file appears in one step when all of it is on the disk, and after
-/// an error what was there is as it was. WrongState for a file that is there and is not to be replaced; NotSupported
-/// for a payload that is no image, or a format that cannot even be shown; BadData for an image that holds nothing;
-/// otherwise what KrAtomicFile returns. Descriptions name the file.
+/// an error what was there is as it was. (The text of a raw frame is there before the bytes; should these then fail, it
+/// is put back, unless the disk refuses that as well.) WrongState for a file that is there and is not to be replaced;
+/// NotSupported for a payload that is no image, or a format that cannot even be shown; BadData for an image that holds
+/// nothing; otherwise what KrAtomicFile returns. Descriptions name the file.
 KrResult WriteFrame(const KrBuffer& aFrame, const FrameFileOptions& aOptions);
 
 } // namespace krapps

@@ -95,6 +95,22 @@ TEST_F(FrameFile, FormatWithoutAName_IsSavedRawByItsCode) {
                     HasSubstr("significant_bits=-\n"), HasSubstr("complete=no\n"), HasSubstr("host_time=-\n")));
 }
 
+TEST_F(FrameFile, FrameOfEachStatus_IsCalledCompleteOnlyWhenItIs) {
+  constexpr std::pair<KrBufferStatus, const char*> kRows[] = {{KrBufferStatus::Complete, "complete=yes\n"},
+                                                              {KrBufferStatus::Incomplete, "complete=no\n"},
+                                                              {KrBufferStatus::TooSmall, "complete=no\n"},
+                                                              {KrBufferStatus::Aborted, "complete=no\n"},
+                                                              {KrBufferStatus::Empty, "complete=no\n"}};
+  const std::string path = mFolder.GetFile("frame.raw");
+  for (const auto& [status, line] : kRows) {
+    mFrame.SetStatus(status);
+
+    ASSERT_TRUE(Write(path, FrameFileFormat::Raw, true).IsOK());
+
+    EXPECT_THAT(TemporaryFolder::ReadFile(path + ".txt"), HasSubstr(line)) << static_cast<int>(status);
+  }
+}
+
 TEST_F(FrameFile, FormatThatCannotBeShown_IsRefusedByName) {
   KrBuffer frame;
   ASSERT_TRUE(frame.GetImage()->Alloc(4, 2, KrPixel::Coord3D_ABC32f).IsOK());
