@@ -136,6 +136,10 @@ KrResult KrSystem::FindDevice(const KrString& aAddress, const KrDeviceInfo** aDe
       continue;
     KrInterface* const interface = mBody->FindOrMake(transports[i], answers[i].interface);
     found = mBody->FindOrMake(transports[i], interface, answers[i].device);
+    if (!found)
+      return {KrResult::Code::SystemError,
+              "The device at " + aAddress +
+                  " is left out: too many different ones have answered before. Make a new KrSystem."};
     mBody->EnterInterface(interface);
     mBody->EnterDevice(interface, found);
   }

@@ -29,7 +29,8 @@ std::unique_ptr<KrDeviceInfo> MakeDevice(const krsystem::U3VFields& aFields) {
   return std::make_unique<KrDeviceInfoU3V>(aFields);
 }
 
-const KrString& GetUniqueID(const krsystem::InterfaceFields& aFields) {
+template <typename Fields>
+const KrString& GetUniqueID(const Fields& aFields) {
   return std::visit([](const auto& aKind) -> const KrString& { return aKind.uniqueID; }, aFields);
 }
 
@@ -81,7 +82,7 @@ void KrSystem::Body::TakeAnswers(krsystem::DiscoveryRound& aRound, const std::ve
       continue;
     KrInterface* const interface = FindOrMake(part.transport, part.interfaces[answer->interfaceIndex]);
     const KrDeviceInfo* const device = FindOrMake(part.transport, interface, answer->device);
-    if (answered.emplace(interface, device->GetUniqueID()).second && !AskSinks(interface, device))
+    if (device && answered.emplace(interface, device->GetUniqueID()).second && !AskSinks(interface, device))
       EnterDevice(interface, device);
   }
 }
@@ -124,17 +125,33 @@ KrInterface* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::ITranspo
 
 const KrDeviceInfo* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport,
                                                KrInterface* aInterface, const krsystem::AnyDeviceFields& aFields) {
-  const auto known = std::ranges::find_if(mDeviceRecords, [&](const DeviceRecord& aRecord) {
-    return aRecord.object->mTransport == aTransport && aRecord.object->mInterface == aInterface &&
-           aRecord.fields == aFields;
+  const KrString& uniqueID = GetUniqueID(aFields);
+  const auto [first, end] = mDeviceRecords.equal_range(uniqueID);
+  const auto known = std::find_if(first, end, [&](const auto& aEntry) {
+    const DeviceRecord& record = aEntry.second;
+    return record.object->mTransport == aTransport && record.object->mInterface == aInterface &&
+           record.fields == aFields;
   });
-  if (known != mDeviceRecords.end())
-    return known->object.get();
+  if (known != end)
+    return known->second.object.get();
+  if (mDeviceRecords.size() == kMostDeviceRecords) {
+    LogFull();
+    return nullptr;
+  }
   auto object = std::visit([](const auto& aKind) { return MakeDevice(aKind); }, aFields);
   object->mTransport = aTransport;
   object->mInterface = aInterface;
-  mDeviceRecords.push_back({aFields, std::move(object)});
-  return mDeviceRecords.back().object.get();
+  return mDeviceRecords.emplace(uniqueID, DeviceRecord{aFields, std::move(object)})->second.object.get();
+}
+
+void KrSystem::Body::LogFull() {
+  if (std::exchange(mIsFullLogged, true))
+    return;
+  KrLogger("KrSystem")
+      .Log(KrLogLevel::Warning, {"KrSystem::Find", "krsystem"},
+           std::to_string(kMostDeviceRecords) +
+               " different devices have answered, and new ones are left out from now on. Look who "
+               "answers in this network, and make a new KrSystem.");
 }
 
 void KrSystem::Body::EnterInterface(KrInterface* aInterface) {

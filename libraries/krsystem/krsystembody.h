@@ -7,6 +7,8 @@
 #include "krsystem/krsystem.h"
 
 #include <atomic>
+#include <cstddef>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <stop_token>
@@ -38,7 +40,8 @@ struct KrSystem::Body {
   /// unique ID, which stands for none.
   KrInterface* FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport,
                           const krsystem::InterfaceFields& aFields);
-  /// The object for a device behind an interface; a new one where none has these fields.
+  /// The object for a device behind an interface; a new one where none has these fields. Null for a new one when there
+  /// are kMostDeviceRecords already.
   const KrDeviceInfo* FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport, KrInterface* aInterface,
                                  const krsystem::AnyDeviceFields& aFields);
   /// Enters an interface at the end of the list, unless it is null or there.
@@ -48,6 +51,9 @@ struct KrSystem::Body {
   void EnterDevice(KrInterface* aInterface, const KrDeviceInfo* aDevice);
 
 private:
+  /// As objects live as long as the system, answers under ever new names must not fill the memory.
+  static constexpr std::size_t kMostDeviceRecords = 16'384;
+
   struct InterfaceRecord {
     std::shared_ptr<krsystem::ITransport> transport;
     krsystem::InterfaceFields fields;
@@ -58,10 +64,13 @@ private:
     std::unique_ptr<KrDeviceInfo> object;
   };
 
+  /// Says once that there is no room for further devices.
+  void LogFull();
   bool AskSinks(const KrInterface* aInterface, const KrDeviceInfo* aDevice) const;
 
   std::mutex mStopMutex; // Guards mStop.
   std::stop_source mStop;
   std::vector<InterfaceRecord> mInterfaceRecords;
-  std::vector<DeviceRecord> mDeviceRecords;
+  std::multimap<KrString, DeviceRecord> mDeviceRecords; // By unique ID.
+  bool mIsFullLogged = false;
 };

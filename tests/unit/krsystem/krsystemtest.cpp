@@ -452,3 +452,31 @@ TEST(KrSystem, FindDevice_TextIsNoAddressOrPointerIsNull_IsInvalidInput) {
   EXPECT_TRUE(system.FindDevice("10.0.0", &device) == KrResult::Code::InvalidInput);
   EXPECT_TRUE(system.FindDevice("10.0.0.2", nullptr) == KrResult::Code::InvalidInput);
 }
+
+TEST(KrSystem, MoreDevicesThanTheLimit_NewOnesAreLeftOutAndThatIsLoggedOnce) {
+  constexpr std::size_t kLimit = 16'384;
+  const KrLogCapture log;
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0")};
+  for (std::size_t number = 0; number < kLimit + 2; ++number)
+    transport->answers.emplace_back(0, MakeCamera(std::to_string(number)));
+  transport->findResult = {};
+  transport->foundInterface = MakeAdapter("eth0");
+  transport->foundDevice = MakeCamera("another");
+  RecordingSink ignoring;
+  ignoring.onFound = [](const KrDeviceInfo&, bool& aIgnore) { aIgnore = true; };
+  KrSystem system;
+  EXPECT_TRUE(system.RegisterEventSink(&ignoring).IsOK());
+
+  EXPECT_TRUE(system.Find().IsOK());
+  const KrDeviceInfo* found = nullptr;
+  const KrResult asked = system.FindDevice("10.0.0.2", &found);
+
+  EXPECT_EQ(ignoring.GetIDs().size(), kLimit);
+  EXPECT_EQ(asked.GetCode(), KrResult::Code::SystemError);
+  EXPECT_EQ(found, nullptr);
+  EXPECT_EQ(log.GetRecords().size(), 1U);
+  EXPECT_TRUE(log.Contains(KrLogLevel::Warning,
+                           "16384 different devices have answered, and new ones are left out from now on. Look who "
+                           "answers in this network, and make a new KrSystem."));
+}

@@ -22,7 +22,9 @@ public:
 /// Finds devices and keeps what was found.
 ///
 /// Thread: Find and FindDevice one at a time; Cancel from any thread; the getters while neither runs.
-/// Ownership: owns every KrInterface and KrDeviceInfo that it ever handed out, until it is destroyed.
+/// Ownership: owns every KrInterface and KrDeviceInfo that it ever handed out, until it is destroyed. There are 16,384
+/// different devices at most, counting what changed as another one; further ones are left out, and the log says so
+/// once.
 ///
 ///     KrSystem system;
 ///     KrResult found = system.Find();
@@ -53,7 +55,7 @@ public:
   /// An interface or device that did not change keeps its object. Aborted after Cancel.
   KrResult Find();
   /// Asks one IPv4 address ("a.b.c.d"), whether or not broadcasts reach it. InvalidInput for a text that is no address,
-  /// NotFound when nothing answers.
+  /// NotFound when nothing answers, SystemError for one too many.
   KrResult FindDevice(const KrString& aAddress, const KrDeviceInfo** aDevice);
   /// Makes a Find that runs return soon.
   void Cancel();
