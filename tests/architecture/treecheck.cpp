@@ -21,6 +21,7 @@ namespace {
 constexpr std::string_view kTrees[] = {"libraries", "apps", "examples", "tests", "benchmarks", "fuzz"};
 constexpr std::string_view kSourceEndings[] = {".h", ".cpp", ".cc", ".hpp"};
 constexpr std::string_view kLibraries = "libraries/";
+constexpr int kMostLines = 500;
 
 std::string ReadText(const fs::path& aFile) {
   std::ifstream stream(aFile, std::ios::binary);
@@ -107,6 +108,8 @@ private:
     const std::string text = ReadText(mRoot / aFile);
     if (!IsLowerCaseName(fs::path(aFile).filename().string()))
       Report(aFile, 1, "A file name is written in lower case.");
+    if (std::count(text.begin(), text.end(), '\n') > kMostLines)
+      Report(aFile, kMostLines + 1, "A source file has 500 lines at most.");
     if (!GetPublicFolder(aFile).empty())
       CheckPublicHeader(aFile, text);
     for (const Include& include : ParseIncludes(text))

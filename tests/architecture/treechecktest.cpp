@@ -165,6 +165,18 @@ TEST_F(TreeCheck, InternalHeaderOfAnotherRoom_IsNoWayIn) {
                                             "included, not libraries/krbase/internal.h."));
 }
 
+TEST_F(TreeCheck, LongFile_IsRefusedFromTheFirstLineBeyondTheLimit) {
+  std::string text;
+  for (int line = 0; line < 500; ++line)
+    text += "int a;\n";
+  Write("tests/unit/long.cpp", text);
+  const std::vector<std::string> allowed = Check();
+  Write("tests/unit/long.cpp", text + "int b;\n");
+
+  EXPECT_THAT(allowed, testing::IsEmpty());
+  EXPECT_THAT(Check(), testing::ElementsAre("tests/unit/long.cpp:501: A source file has 500 lines at most."));
+}
+
 // What the program exits with for a tree.
 int RunProgram(const fs::path& aRoot) {
   const int status = std::system((std::string(ARCHCHECK) + " '" + aRoot.string() + "' 2>/dev/null").c_str());
