@@ -4,6 +4,11 @@
 
 namespace krbuffer {
 
+ToneStore::ToneStore()
+    : ToneStore([](const ToneSettings& aSettings, const ToneDepth& aDepth) {
+        return std::make_shared<const ToneTables>(aSettings, aDepth);
+      }) {}
+
 ToneSettings ToneStore::GetSettings() const {
   const std::lock_guard lock(mMutex);
   return mSettings;
@@ -23,7 +28,7 @@ std::shared_ptr<const ToneTables> ToneStore::GetTables(const ToneDepth& aDepth) 
     settings = mSettings;
     generation = mGeneration;
   }
-  auto tables = std::make_shared<const ToneTables>(settings, aDepth);
+  std::shared_ptr<const ToneTables> tables = mMake(settings, aDepth);
   const std::lock_guard lock(mMutex);
   if (generation == mGeneration && std::none_of(mTables.begin(), mTables.end(), isOfDepth))
     mTables.emplace_back(aDepth, tables);

@@ -3,6 +3,7 @@
 
 #include "tonetables.h"
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -13,6 +14,13 @@ namespace krbuffer {
 /// Thread: any.
 class ToneStore {
 public:
+  using MakeTables =
+      std::function<std::shared_ptr<const ToneTables>(const ToneSettings& aSettings, const ToneDepth& aDepth)>;
+
+  ToneStore();
+  /// With tables made in another way: for tests of what happens meanwhile.
+  explicit ToneStore(MakeTables aMake) : mMake(std::move(aMake)) {}
+
   ToneSettings GetSettings() const;
 
   /// Replaces the settings by what the change, called with the present ones under the lock, leaves of them.
@@ -25,11 +33,13 @@ public:
   }
 
   /// The tables for samples of this depth by the settings of this moment; null where none are needed. They are made
-  /// outside the lock, so that nobody waits for them who needs others.
+  /// outside the lock, so that nobody waits for them who needs others, and not kept when the settings change meanwhile.
   std::shared_ptr<const ToneTables> GetTables(const ToneDepth& aDepth);
 
 private:
   using Row = std::pair<ToneDepth, std::shared_ptr<const ToneTables>>;
+
+  const MakeTables mMake;
 
   mutable std::mutex mMutex; // Guards all below.
   ToneSettings mSettings;

@@ -72,6 +72,48 @@ TEST(ToneStore, Tables_AreMadeOnceUntilTheSettingsChange) {
   EXPECT_LT(changed->GetGreyTable()[2048], first->GetGreyTable()[2048]);
 }
 
+TEST(ToneStore, SettingsThatChangeWhileTablesAreMade_AreThoseOfTheNextTables) {
+  ToneStore* self = nullptr;
+  int made = 0;
+  ToneStore store([&](const ToneSettings& aSettings, const ToneDepth& aDepth) {
+    if (++made == 1)
+      SetGamma(*self, 3);
+    return std::make_shared<const ToneTables>(aSettings, aDepth);
+  });
+  self = &store;
+  SetGamma(store, 2);
+
+  const std::shared_ptr<const ToneTables> old = store.GetTables(kGrey12);
+  const std::shared_ptr<const ToneTables> present = store.GetTables(kGrey12);
+
+  // 2048 of 4095 to the power of 2 and of 3.
+  EXPECT_EQ(old->GetGreyTable()[2048], 64) << "those of the begin";
+  EXPECT_EQ(present->GetGreyTable()[2048], 32);
+  EXPECT_EQ(store.GetTables(kGrey12), present);
+  EXPECT_EQ(made, 2);
+}
+
+TEST(ToneStore, TablesThatTwoMakeAtOnce_AreKeptOnce) {
+  ToneStore* self = nullptr;
+  std::shared_ptr<const ToneTables> first;
+  ToneStore store([&](const ToneSettings& aSettings, const ToneDepth& aDepth) {
+    auto tables = std::make_shared<const ToneTables>(aSettings, aDepth);
+    if (!first) {
+      first = tables;
+      // Another asks, and is ready, before these are.
+      first = self->GetTables(aDepth);
+    }
+    return tables;
+  });
+  self = &store;
+  SetGamma(store, 2);
+
+  const std::shared_ptr<const ToneTables> later = store.GetTables(kGrey12);
+
+  EXPECT_NE(later, first);
+  EXPECT_EQ(store.GetTables(kGrey12), first);
+}
+
 TEST(ToneStore, EachDepth_HasTablesOfItsOwn) {
   ToneStore store;
   SetGamma(store, 2);
