@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <stop_token>
 #include <thread>
 
@@ -22,6 +23,7 @@ using krtransport::GigEVisionTransport;
 
 constexpr std::uint32_t kLoopback = 0x7F000001;
 constexpr std::uint32_t kTimeoutMs = 500;
+constexpr std::size_t kMacOffset = 8 + 0x0A; // In a discovery acknowledge.
 constexpr std::uint32_t kGenerousTimeoutMs = 20000;
 
 krsystem::DiscoveryRequest MakeRequest(bool aSubnetBroadcast = true) {
@@ -250,6 +252,24 @@ TEST(GigEVisionDiscovery, Discover_DeviceOfAForeignSubnet_HasAnInvalidConfigurat
   EXPECT_FALSE(round.devices[0].configurationValid);
 }
 
+TEST(GigEVisionDiscovery, Discover_EverNewDevicesWithoutEnd_AreTakenUpToTheLimit) {
+  std::atomic<std::uint32_t> count{0};
+  const GvcpResponder responder(
+      [&](std::span<const std::uint8_t> aCommand) {
+        auto answer = MakeDiscoveryAcknowledge(aCommand, kLoopback, "many");
+        PutBigEndian32(answer, kMacOffset + 2, ++count);
+        return Datagrams{answer};
+      },
+      GvcpAnswers::WithoutEnd);
+  auto request = MakeRequest();
+  request.timeoutMs = 4 * kTimeoutMs;
+
+  const Round round = Discover(request);
+
+  EXPECT_TRUE(round.result.IsOK()) << round.result.GetDescription().CStr();
+  EXPECT_EQ(round.devices.size(), 1024u);
+}
+
 TEST(GigEVisionDiscovery, FindAddress_CameraOnLoopback_GivesDeviceAndAdapter) {
   const FakeCamera camera("GV07");
   GigEVisionTransport transport;
@@ -339,7 +359,7 @@ TEST(GigEVisionConfigureIP, ConfigureIP_Refused_TellsTheDevicesReason) {
 
   const KrResult result = ConfigureWith(0x8006, command);
 
-  EXPECT_EQ(result, KrResult::Code::ProtocolError);
+  EXPECT_EQ(result, KrResult::Code::AccessDenied);
   EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("access denied"));
 }
 

@@ -1,5 +1,9 @@
 #include "gigevisionfixture.h"
 
+#include <fstream>
+#include <string>
+#include <thread>
+
 using krsystem::AccessType;
 using krsystem::DeviceAccess;
 
@@ -56,6 +60,20 @@ KrResult WriteRegister(krsystem::IDeviceLink& aLink, std::uint64_t aAddress, std
                                              static_cast<std::uint8_t>(aValue >> 16),
                                              static_cast<std::uint8_t>(aValue >> 8), static_cast<std::uint8_t>(aValue)};
   return aLink.GetRegisterPort().Write(aAddress, bytes.data(), bytes.size(), kGenerousTimeoutMs);
+}
+
+void WaitUntilAsleep(pid_t aThread) {
+  const std::string path = "/proc/self/task/" + std::to_string(aThread) + "/stat";
+  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+  std::string line;
+  // The state follows the name in its parentheses.
+  while (std::chrono::steady_clock::now() < limit) {
+    std::ifstream file(path);
+    if (std::getline(file, line) && line.find(") S ") != std::string::npos)
+      return;
+    std::this_thread::yield();
+  }
+  ADD_FAILURE() << "The thread never slept: " << line;
 }
 
 void GigEVisionCameraTest::SetUp() {

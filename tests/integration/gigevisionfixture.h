@@ -17,6 +17,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <sys/types.h>
 
 inline constexpr std::uint32_t kLoopback = 0x7F000001;
 inline constexpr std::uint32_t kGenerousTimeoutMs = 20000;
@@ -54,6 +55,10 @@ private:
 /// A camera's register, most significant byte first; a failure fails the test and gives 0.
 std::uint32_t ReadRegister(krsystem::IDeviceLink& aLink, std::uint64_t aAddress);
 KrResult WriteRegister(krsystem::IDeviceLink& aLink, std::uint64_t aAddress, std::uint32_t aValue);
+
+/// Returns once a thread of this process, which does nothing but the call that is to wait, sleeps; a thread that never
+/// does fails the test.
+void WaitUntilAsleep(pid_t aThread);
 
 /// One camera on loopback.
 class GigEVisionCameraTest : public testing::Test {

@@ -3,11 +3,14 @@
 #include <atomic>
 #include <future>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
 using krsystem::AccessType;
 using krsystem::DeviceAccess;
+
+constexpr std::uint64_t kHeartbeatTimeoutRegister = 0x0938; // Milliseconds.
 
 class GigEVisionGiveBack : public GigEVisionStreamTest {
 protected:
@@ -60,10 +63,13 @@ TEST_F(GigEVisionGiveBack, GiveBackControl_Called_CountsAsLostWithoutWordOfIt) {
 TEST_F(GigEVisionGiveBack, GiveBackControl_WhileAFrameIsAwaited_EndsTheWait) {
   ASSERT_TRUE(mSource->Start().IsOK());
   KrResult result;
+  std::promise<pid_t> waiterID;
   std::thread waiter([&] {
     KrBuffer* buffer = nullptr;
+    waiterID.set_value(::gettid());
     result = mSource->Retrieve(buffer, 3600000);
   });
+  WaitUntilAsleep(waiterID.get_future().get());
 
   mLink->GiveBackControl();
   waiter.join();
@@ -88,6 +94,40 @@ TEST_F(GigEVisionGiveBack, GiveBackControl_CameraDead_ReturnsAndCountsAsLost) {
 
   EXPECT_FALSE(mLink->IsConnected());
   EXPECT_EQ(ReadWidth(), KrResult::Code::ConnectionLost);
+}
+
+// With a heartbeat of a minute the camera still counts itself as controlled when it is back.
+TEST_F(GigEVisionGiveBack, GiveBackControl_LostAndBackWithControlStillHeld_LetsAnotherTakeTheDevice) {
+  ASSERT_TRUE(WriteRegister(*mLink, kHeartbeatTimeoutRegister, 60000).IsOK());
+  mCamera->Pause();
+  ASSERT_TRUE(mSink.WaitForLost());
+  mCamera->Resume();
+  ASSERT_TRUE(mSink.WaitForBack());
+  ASSERT_EQ(GetAccessType(), AccessType::Control);
+
+  mLink->GiveBackControl();
+
+  EXPECT_EQ(GetAccessType(), AccessType::Open);
+}
+
+TEST_F(GigEVisionGiveBack, GiveBackControl_WhileAnotherThreadStopsAndFrees_TouchesNoFreedBuffer) {
+  for (int i = 0; i < 10; ++i) {
+    ASSERT_TRUE(Start().IsOK());
+    ASSERT_NE(Retrieve(), nullptr);
+    std::thread givingBack([this] { mLink->GiveBackControl(); });
+
+    mSource->Stop();
+    for (KrBuffer& buffer : mBuffers)
+      buffer.Free();
+    givingBack.join();
+
+    EXPECT_EQ(mSource->Start(), KrResult::Code::ConnectionLost);
+    EXPECT_EQ(GetAccessType(), AccessType::Open);
+    mLink.reset();
+    mLink = OpenControlled();
+    ASSERT_NE(mLink, nullptr);
+    mSource = mLink->GetBufferSource(0);
+  }
 }
 
 TEST_F(GigEVisionGiveBack, GiveBackControl_FromTheWordOfLoss_Returns) {

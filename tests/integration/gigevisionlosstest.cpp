@@ -2,6 +2,7 @@
 
 #include <future>
 #include <stop_token>
+#include <unistd.h>
 
 namespace {
 
@@ -113,10 +114,13 @@ TEST_F(GigEVisionLoss, CameraSilentForAMoment_RegistersWorkAgainWithoutWordOfLos
 TEST_F(GigEVisionLoss, CameraSilent_CancelledReadReturnsWithAborted) {
   mCamera->Pause();
   std::stop_source cancel;
+  std::promise<pid_t> readerID;
   auto read = std::async(std::launch::async, [&] {
     std::array<std::uint8_t, 4> bytes{};
+    readerID.set_value(::gettid());
     return mLink->GetRegisterPort().Read(kWidthRegister, bytes.data(), bytes.size(), 3600000, cancel.get_token());
   });
+  WaitUntilAsleep(readerID.get_future().get());
 
   cancel.request_stop();
 

@@ -16,7 +16,8 @@ constexpr std::size_t kDiscoveryAcknowledgeSize = kHeaderSize + 248;
 
 } // namespace
 
-GvcpResponder::GvcpResponder(AnswerCommand aAnswer) : mAnswer(std::move(aAnswer)) {
+GvcpResponder::GvcpResponder(AnswerCommand aAnswer, GvcpAnswers aAnswers)
+    : mAnswer(std::move(aAnswer)), mAnswers(aAnswers) {
   mSocket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -38,17 +39,31 @@ GvcpResponder::~GvcpResponder() {
 
 void GvcpResponder::Serve() {
   std::array<pollfd, 2> waits = {pollfd{mSocket, POLLIN, 0}, pollfd{mStopPipe[0], POLLIN, 0}};
-  while (::poll(waits.data(), waits.size(), -1) > 0 && waits[1].revents == 0) {
-    std::array<std::uint8_t, 1024> buffer{};
-    sockaddr_in sender{};
-    socklen_t senderSize = sizeof(sender);
-    const auto size =
-        ::recvfrom(mSocket, buffer.data(), buffer.size(), 0, reinterpret_cast<sockaddr*>(&sender), &senderSize);
-    if (size < static_cast<ssize_t>(kHeaderSize))
-      continue;
-    for (const auto& answer : mAnswer(std::span(buffer).first(static_cast<std::size_t>(size))))
-      ::sendto(mSocket, answer.data(), answer.size(), 0, reinterpret_cast<const sockaddr*>(&sender), senderSize);
+  while (true) {
+    const bool goesOn = mAnswers == GvcpAnswers::WithoutEnd && !mCommand.empty();
+    if (::poll(waits.data(), waits.size(), goesOn ? 0 : -1) < 0 || waits[1].revents != 0)
+      return;
+    if (waits[0].revents != 0)
+      TakeCommand();
+    if (!mCommand.empty())
+      Answer();
+    if (mAnswers == GvcpAnswers::Once)
+      mCommand.clear();
   }
+}
+
+void GvcpResponder::TakeCommand() {
+  std::array<std::uint8_t, 1024> buffer{};
+  socklen_t senderSize = sizeof(mSender);
+  const auto size =
+      ::recvfrom(mSocket, buffer.data(), buffer.size(), 0, reinterpret_cast<sockaddr*>(&mSender), &senderSize);
+  if (size >= static_cast<ssize_t>(kHeaderSize))
+    mCommand.assign(buffer.begin(), buffer.begin() + size);
+}
+
+void GvcpResponder::Answer() {
+  for (const auto& answer : mAnswer(mCommand))
+    ::sendto(mSocket, answer.data(), answer.size(), 0, reinterpret_cast<const sockaddr*>(&mSender), sizeof(mSender));
 }
 
 std::vector<std::uint8_t> MakeDiscoveryAcknowledge(std::span<const std::uint8_t> aCommand, std::uint32_t aAddress,
@@ -62,6 +77,33 @@ std::vector<std::uint8_t> MakeDiscoveryAcknowledge(std::span<const std::uint8_t>
   PutText(answer, kHeaderSize + 0x68, "Model");
   PutText(answer, kHeaderSize + 0xD8, aSerialNumber);
   return answer;
+}
+
+std::vector<std::uint8_t> MakeReadAcknowledge(std::span<const std::uint8_t> aCommand, std::uint32_t aValue) {
+  std::vector<std::uint8_t> answer = {0, 0, 0, 0x81, 0, 4, aCommand[6], aCommand[7], 0, 0, 0, 0};
+  PutBigEndian32(answer, kHeaderSize, aValue);
+  return answer;
+}
+
+std::vector<std::uint8_t> MakePendingAcknowledge(std::span<const std::uint8_t> aCommand, std::uint16_t aMilliseconds) {
+  std::vector<std::uint8_t> answer = {0, 0, 0, 0x89, 0, 4, aCommand[6], aCommand[7], 0, 0, 0, 0};
+  PutBigEndian32(answer, kHeaderSize, aMilliseconds);
+  return answer;
+}
+
+std::vector<std::uint8_t> MakeReadRefusal(std::span<const std::uint8_t> aCommand, std::uint16_t aStatus) {
+  return {static_cast<std::uint8_t>(aStatus >> 8),
+          static_cast<std::uint8_t>(aStatus),
+          0,
+          0x81,
+          0,
+          0,
+          aCommand[6],
+          aCommand[7]};
+}
+
+bool IsReadRegister(std::span<const std::uint8_t> aCommand) {
+  return aCommand[2] == 0 && aCommand[3] == 0x80;
 }
 
 void PutBigEndian32(std::vector<std::uint8_t>& aBytes, std::size_t aOffset, std::uint32_t aValue) {

@@ -3,6 +3,8 @@
 #include "aravis/lentbuffer.h"
 #include "krbase/krlogger.h"
 
+#include <utility>
+
 namespace krtransport {
 namespace {
 
@@ -13,6 +15,16 @@ template <typename T>
 struct JobResult {
   T value{};
 };
+
+// Stops acquisition and releases a stream, which joins its receiving thread: only then are its buffers free. A device
+// that is lost, or does not answer when asked, is not told.
+KrResult EndStream(IStreamDevice& aDevice, StreamPointer aStream, bool aIsLost) {
+  const bool isTold = !aIsLost && aDevice.Answers();
+  KrResult result = isTold ? aDevice.StopAcquisition() : KrResult();
+  aStream.reset();
+  aDevice.OnStreamReleased(!isTold);
+  return result;
+}
 
 } // namespace
 
@@ -88,15 +100,20 @@ KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
         return created;
       },
       kFeatureTimeoutMs);
+  const auto release = [device = mDevice, made](const std::atomic<bool>&) {
+    if (std::exchange(made->stream, {}) != nullptr)
+      device->OnStreamReleased(!device->Answers());
+    return KrResult();
+  };
   if (!result.IsOK()) {
     mReceiver->inbox.Close(result);
+    // The job may have made the stream while its caller was leaving.
+    mIoThread.Post(release);
     return result;
   }
   const std::lock_guard lock(mMutex);
   if (mIsDetached) {
-    mIoThread.Post([device = mDevice, made](const std::atomic<bool>&) {
-      return EndStream(*device, std::move(made->stream), true);
-    });
+    mIoThread.Post(release);
     return {KrResult::Code::ConnectionLost, "The device was lost while its stream was opened."};
   }
   mStream = std::move(made->stream);
@@ -114,18 +131,16 @@ KrResult AravisBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeout
 void AravisBufferSource::Stop() {
   if (!mIsLost)
     mReceiver->inbox.Close({KrResult::Code::Aborted, "The stream was stopped."});
-  const auto stopped = std::make_shared<StreamPointer>();
+  const auto ended = std::make_shared<KrResult>();
   {
     const std::lock_guard lock(mMutex);
     mWaiting.clear();
-    *stopped = TakeStream();
-    if (*stopped == nullptr && !mIsDetached)
+    if (mStream == nullptr && !mIsDetached)
       return;
+    QueueEnd(mIsLost, ended);
   }
-  // A stream that was handed over ends before this job does.
-  const KrResult result = mIoThread.RunToEnd([this, stopped](const std::atomic<bool>&) {
-    return *stopped != nullptr ? EndStream(*mDevice, std::move(*stopped), mIsLost) : KrResult();
-  });
+  // The stream, whoever had it ended, was ended before this job runs.
+  const KrResult result = mIoThread.RunToEnd([ended](const std::atomic<bool>&) { return *ended; });
   if (!result.IsOK())
     KrLogger("Transport")
         .Log(KrLogLevel::Info, {"AravisBufferSource::Stop", "aravisbuffersource"}, result.GetDescription());
@@ -153,26 +168,25 @@ void AravisBufferSource::OnLost(const KrResult& aReason) {
   mReceiver->inbox.Close(aReason);
 }
 
-StreamPointer AravisBufferSource::Detach(const KrResult& aReason) {
+void AravisBufferSource::Detach(const KrResult& aReason, bool aIsAnswering) {
   OnLost(aReason);
   const std::lock_guard lock(mMutex);
   mIsDetached = true;
   mWaiting.clear();
-  return TakeStream();
+  QueueEnd(!aIsAnswering, std::make_shared<KrResult>());
 }
 
-StreamPointer AravisBufferSource::TakeStream() {
-  if (mStream != nullptr)
-    mLast = ReadStatistics();
-  return std::move(mStream);
-}
-
-KrResult AravisBufferSource::EndStream(IStreamDevice& aDevice, StreamPointer aStream, bool aIsLost) {
-  const bool isTold = !aIsLost && aDevice.Answers();
-  KrResult result = isTold ? aDevice.StopAcquisition() : KrResult();
-  aStream.reset();
-  aDevice.OnStreamReleased(!isTold);
-  return result;
+// Under the mutex: whoever finds the stream gone, and waits for the I/O thread, thereby waits for the stream's end.
+void AravisBufferSource::QueueEnd(bool aIsLost, std::shared_ptr<KrResult> aEnded) {
+  if (mStream == nullptr)
+    return;
+  mLast = ReadStatistics();
+  const auto stream = std::make_shared<StreamPointer>(std::move(mStream));
+  mIoThread.Post(
+      [device = mDevice, receiver = mReceiver, stream, aIsLost, ended = std::move(aEnded)](const std::atomic<bool>&) {
+        *ended = EndStream(*device, std::move(*stream), aIsLost);
+        return KrResult();
+      });
 }
 
 void AravisBufferSource::OnNewBuffer(ArvStream* aStream, gpointer aReceiver) {

@@ -33,15 +33,13 @@ public:
 
   /// Ends all waits for frames, because the device is lost. Any thread; nothing blocks.
   void OnLost(const KrResult& aReason);
-  /// As OnLost, and hands over the stream, null where none is started: the caller ends it by a job on the I/O thread.
-  StreamPointer Detach(const KrResult& aReason);
-  /// Stops acquisition and releases a stream, which joins its receiving thread: only then are its buffers free. A
-  /// device that is lost, or does not answer when asked, is not told. On the I/O thread.
-  static KrResult EndStream(IStreamDevice& aDevice, StreamPointer aStream, bool aIsLost);
+  /// As OnLost, and ends the stream, where one is started, by a job on the I/O thread: a job that is queued after this
+  /// finds it ended. A device that does not answer is not told.
+  void Detach(const KrResult& aReason, bool aIsAnswering);
 
 private:
   KrResult OpenStream(std::uint64_t aPayloadBytes);
-  StreamPointer TakeStream();
+  void QueueEnd(bool aIsLost, std::shared_ptr<KrResult> aEnded);
   krsystem::SourceStatistics ReadStatistics() const;
   static void OnNewBuffer(ArvStream* aStream, gpointer aReceiver);
 
@@ -60,7 +58,7 @@ private:
   // Guards the members below; the stream itself is made and released outside of it.
   mutable std::mutex mMutex;
   StreamPointer mStream;
-  bool mIsDetached = false;         // The stream was handed over, and may still be ending on the I/O thread.
+  bool mIsDetached = false;         // The stream may still be ending on the I/O thread.
   std::vector<KrBuffer*> mWaiting;  // Buffers that were queued before the stream was there.
   krsystem::SourceStatistics mLast; // Of the stream that was stopped.
 };

@@ -1,6 +1,7 @@
 #include "aravis/iothread.h"
 
 #include <chrono>
+#include <exception>
 #include <utility>
 
 namespace krtransport {
@@ -9,6 +10,17 @@ namespace {
 KrResult TellTimeout(std::uint32_t aTimeoutMs) {
   return {KrResult::Code::TimeLimitExceeded,
           "The device did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
+}
+
+// A job's exception is its caller's failure, not the process' end.
+KrResult RunJob(const IoThread::Job& aJob, const std::atomic<bool>& aIsAbandoned) {
+  try {
+    return aJob(aIsAbandoned);
+  } catch (const std::exception& exception) {
+    return {KrResult::Code::SystemError, std::string("A call of the device failed: ") + exception.what()};
+  } catch (...) {
+    return {KrResult::Code::SystemError, "A call of the device failed for an unknown reason."};
+  }
 }
 
 } // namespace
@@ -93,7 +105,7 @@ void IoThread::Work() {
     lock.unlock();
     KrResult result{KrResult::Code::Aborted, "The call was given up before it began."};
     if (!entry->isAbandoned)
-      result = entry->job(entry->isAbandoned);
+      result = RunJob(entry->job, entry->isAbandoned);
     // What the job holds is released here, on the thread that used it.
     entry->job = nullptr;
     lock.lock();

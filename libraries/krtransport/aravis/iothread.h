@@ -22,7 +22,8 @@ namespace krtransport {
 /// Ownership: a job owns, or shares, everything that it touches: its caller may be gone when it runs.
 class IoThread {
 public:
-  /// A job; it may look whether its caller has left, and end early then.
+  /// A job; it may look whether its caller has left, and end early then. An exception of it is SystemError to
+  /// its caller.
   using Job = std::function<KrResult(const std::atomic<bool>& aIsAbandoned)>;
 
   IoThread();

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <set>
-#include <tuple>
+#include <utility>
 
 namespace krtransport {
 namespace {
@@ -17,6 +17,31 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kForceIPTimeout{1000};
+// More cameras than any subnet has in practice; what claims to be more is a fault or an attack.
+constexpr std::size_t kMaxDevicesPerAdapter = 1024;
+
+// The devices that one adapter gave in one round.
+class KnownDevices {
+public:
+  /// Whether a device was not there yet; false, too, for one too many, of which the first is logged.
+  bool IsNew(const krsystem::GEVFields& aDevice, const krsystem::NetworkAdapterFields& aAdapter) {
+    auto identity = std::make_pair(aDevice.uniqueID, aDevice.ipAddress);
+    if (mIdentities.size() < kMaxDevicesPerAdapter)
+      return mIdentities.insert(std::move(identity)).second;
+    if (!mIsFull && !mIdentities.contains(identity)) {
+      mIsFull = true;
+      KrLogger("GigEVision")
+          .Log(KrLogLevel::Warning, {"DiscoverOnAdapters", "adapterdiscovery"},
+               "On the network adapter " + aAdapter.name + " more than " + std::to_string(kMaxDevicesPerAdapter) +
+                   " devices answered; the others are left out. Check what answers there.");
+    }
+    return false;
+  }
+
+private:
+  std::set<std::pair<KrString, KrString>> mIdentities; // Unique id and address.
+  bool mIsFull = false;
+};
 
 // Datagrams that are no answer of ours are ordinary on a broadcast network: worth a note for who looks for a fault.
 void LogRefused(const krsystem::NetworkAdapterFields& aAdapter, const KrResult& aReason) {
@@ -47,7 +72,7 @@ KrResult MakeNotFound(std::uint32_t aAddress, const KrString& aReason) {
 KrResult DiscoverOnAdapters(const std::vector<krsystem::NetworkAdapterFields>& aAdapters,
                             const krsystem::DiscoveryRequest& aRequest, const TakeDevice& aTake) {
   const std::uint16_t requestID = TakeRequestID();
-  std::set<std::tuple<std::size_t, KrString, KrString>> known;
+  std::vector<KnownDevices> known(aAdapters.size());
   const auto take = [&](std::size_t aIndex, std::span<const std::uint8_t> aDatagram) {
     DiscoveryPayload payload;
     if (KrResult result = ParseDiscoveryAcknowledge(aDatagram, requestID, payload); !result.IsOK()) {
@@ -55,7 +80,7 @@ KrResult DiscoverOnAdapters(const std::vector<krsystem::NetworkAdapterFields>& a
       return true;
     }
     const krsystem::GEVFields device = MakeDeviceFields(payload, aAdapters[aIndex]);
-    if (known.emplace(aIndex, device.uniqueID, device.ipAddress).second)
+    if (known[aIndex].IsNew(device, aAdapters[aIndex]))
       aTake(aIndex, device);
     return true;
   };
@@ -78,7 +103,7 @@ KrResult DiscoverAddress(const std::vector<krsystem::NetworkAdapterFields>& aAda
     return MakeNotFound(aAddress, "No network adapter of this host leads there.");
   DiscoveryPayload payload;
   const milliseconds perTry = milliseconds(std::max<std::uint32_t>(aTimeoutMs, 2)) / 2;
-  if (KrResult result = client.Discover(payload, {.perTry = perTry, .tries = 2}); !result.IsOK())
+  if (KrResult result = client.Discover(payload, {.perTry = perTry, .tries = 2, .total = perTry * 2}); !result.IsOK())
     return MakeNotFound(aAddress, result.GetDescription());
   aAdapter = *adapter;
   aDevice = MakeDeviceFields(payload, *adapter);

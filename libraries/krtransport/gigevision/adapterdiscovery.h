@@ -28,7 +28,8 @@ KrResult DiscoverAddress(const std::vector<krsystem::NetworkAdapterFields>& aAda
                          krsystem::GEVFields& aDevice);
 
 /// Tells the device of a MAC address, on whichever adapter it is, which addresses to use from now on, until it is
-/// switched off. NotFound when no device acknowledges, ProtocolError when it refuses.
+/// switched off. NotFound when no device acknowledges, AccessDenied or ProtocolError when it
+/// refuses.
 KrResult ForceIP(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, const MacBytes& aMac,
                  std::uint32_t aAddress, std::uint32_t aMask, std::uint32_t aGateway);
 

@@ -5,8 +5,12 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr GvcpPatience kRegisterPatience{milliseconds(300), 1};
-constexpr GvcpPatience kDiscoveryPatience{milliseconds(200), 1};
+constexpr GvcpPatience kRegisterPatience{milliseconds(300), 1, milliseconds(300)};
+constexpr GvcpPatience kDiscoveryPatience{milliseconds(200), 1, milliseconds(200)};
+
+bool IsRefusal(const KrResult& aResult) {
+  return aResult == KrResult::Code::AccessDenied || aResult == KrResult::Code::ProtocolError;
+}
 
 } // namespace
 
@@ -16,16 +20,15 @@ ProbeFinding ProbeDevice(GvcpClient& aClient, const std::stop_token& aStop) {
   if (read == KrResult::Code::Aborted)
     return ProbeFinding::Cancelled;
   if (read.IsOK())
-    return (privilege & (kControlBit | kExclusiveBit)) != 0 ? ProbeFinding::Controlled : ProbeFinding::Uncontrolled;
-  if (read == KrResult::Code::ProtocolError)
-    return ProbeFinding::Reserved;
+    return (privilege & kInUseBits) != 0 ? ProbeFinding::Controlled : ProbeFinding::Uncontrolled;
+  if (IsRefusal(read))
+    return ProbeFinding::Withheld;
   // A device that is held exclusively may pass over what others read; discovery it has to answer.
   DiscoveryPayload payload;
   const KrResult discovered = aClient.Discover(payload, kDiscoveryPatience, aStop);
   if (discovered == KrResult::Code::Aborted)
     return ProbeFinding::Cancelled;
-  const bool answers = discovered.IsOK() || discovered == KrResult::Code::ProtocolError;
-  return answers ? ProbeFinding::Reserved : ProbeFinding::Silent;
+  return discovered.IsOK() || IsRefusal(discovered) ? ProbeFinding::Withheld : ProbeFinding::Silent;
 }
 
 } // namespace krtransport

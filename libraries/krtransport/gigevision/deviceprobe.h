@@ -11,7 +11,7 @@ namespace krtransport {
 enum class ProbeFinding {
   Controlled,   ///< Some application has control.
   Uncontrolled, ///< The device answers and nobody has.
-  Reserved,     ///< The device answers, but not to that question: another application holds it exclusively.
+  Withheld,     ///< The device answers, but not to that question: it is held exclusively, or busy.
   Silent,
   Cancelled, ///< The stop token ended the asking.
 };

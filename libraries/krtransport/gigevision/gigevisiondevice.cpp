@@ -92,6 +92,8 @@ bool GigEVisionDevice::Answers() {
 }
 
 KrResult GigEVisionDevice::GiveBackControl() {
+  if (mMembership != nullptr)
+    OnStreamReleased(false);
   GErrorHolder error;
   arv_gv_device_leave_control(ARV_GV_DEVICE(GetArvDevice()), error.Out());
   return ToResult(error, "Giving back control of the device");
@@ -168,17 +170,21 @@ std::uint32_t GigEVisionDevice::NegotiatePacketSize(const PacketSizeRange& aRang
 }
 
 void GigEVisionDevice::SetPacketSize() {
-  if (const std::uint32_t mtu = GetMtu(mTarget.adapterName); mPacketBytes == 0 || mtu != mNegotiatedMtu) {
-    mPacketBytes = NegotiatePacketSize(GetPacketSizeRange());
+  if (const std::uint32_t mtu = GetMtu(mTarget.adapterName); mNegotiatedBytes == 0 || mtu != mNegotiatedMtu) {
+    mNegotiatedBytes = NegotiatePacketSize(GetPacketSizeRange());
     mNegotiatedMtu = mtu;
   }
   std::uint32_t setting = 0;
   KrResult result = ReadRegister(kStreamPacketSizeRegister, setting);
   if (result.IsOK())
-    result =
-        WriteRegister(kStreamPacketSizeRegister, (setting & ~(kFireTestPacketBit | kPacketSizeMask)) | mPacketBytes);
+    result = WriteRegister(kStreamPacketSizeRegister,
+                           (setting & ~(kFireTestPacketBit | kPacketSizeMask)) | mNegotiatedBytes);
   if (!result.IsOK())
     LogRefusal("The device keeps its packet size. " + result.GetDescription().ToUtf8());
+  // Packets are counted and paced by what the device made of it.
+  const KrResult read = ReadRegister(kStreamPacketSizeRegister, setting);
+  const std::uint32_t set = setting & kPacketSizeMask;
+  mPacketBytes = read.IsOK() && set != 0 ? set : mNegotiatedBytes;
 }
 
 void GigEVisionDevice::ShareAdapter() {

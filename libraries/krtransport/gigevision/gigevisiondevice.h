@@ -37,7 +37,8 @@ public:
   bool Answers() override;
   KrByteOrder GetChunkByteOrder() const override { return KrByteOrder::BigEndian; }
   PacketFigures GetPacketFigures(ArvStream& aStream) const override;
-  /// Gives up control, for good. Another application can take it at once.
+  /// Gives up control, for good, and what a stream that nobody took over left set. Another application can take it at
+  /// once.
   KrResult GiveBackControl();
 
   /// Sets packets to the largest that come through, once in an opening, and the socket's buffer to two frames; takes
@@ -54,14 +55,15 @@ private:
   PacketSizeRange GetPacketSizeRange();
   /// Finds the size of the stream's packets, headers included.
   std::uint32_t NegotiatePacketSize(const PacketSizeRange& aRange);
-  /// Sets it; a device that refuses keeps its own.
+  /// Sets it; a device that refuses or rounds it is believed.
   void SetPacketSize();
   void ShareAdapter();
 
   const LinkTarget mTarget;
   IoThread& mIoThread;
-  std::uint32_t mPacketBytes = 0;   // 0 until it was negotiated.
-  std::uint32_t mNegotiatedMtu = 0; // The adapter's, for which it was.
+  std::uint32_t mPacketBytes = 0;     // As the device has it set.
+  std::uint32_t mNegotiatedBytes = 0; // 0 until it was negotiated.
+  std::uint32_t mNegotiatedMtu = 0;   // The adapter's, for which it was.
   PacketPacing mPacing;
   std::unique_ptr<PacketCount> mPacketCount;      // Of the last stream.
   std::unique_ptr<AdapterMembership> mMembership; // While a stream is open. Ends first: it calls the I/O thread.

@@ -33,15 +33,18 @@ KrResult GigEVisionLink::CheckAccess(const LinkTarget& aTarget, GvcpClient& aCli
   const KrString device = "The device at " + krsystem::FormatIPv4(aTarget.deviceAddress);
   std::uint32_t privilege = 0;
   const KrResult read = aClient.ReadRegister(kControlPrivilegeRegister, privilege, GvcpPatience{});
-  if (read == KrResult::Code::ProtocolError)
+  if (read == KrResult::Code::AccessDenied)
     return {KrResult::Code::AccessDenied,
             device + " lets nobody else read: another application holds it exclusively. " + read.GetDescription()};
+  if (read == KrResult::Code::ProtocolError)
+    return {KrResult::Code::ProtocolError,
+            device + " does not say who controls it. " + read.GetDescription() + " Try again in a moment."};
   if (!read.IsOK())
     return {KrResult::Code::NotFound, device + " cannot be opened. " + read.GetDescription()};
   if ((privilege & kExclusiveBit) != 0)
     return {KrResult::Code::AccessDenied,
             device + " is held exclusively by another application. Close it there first."};
-  if ((privilege & kControlBit) != 0 && aTarget.access != DeviceAccess::Monitor)
+  if ((privilege & kInUseBits) != 0 && aTarget.access != DeviceAccess::Monitor)
     return {KrResult::Code::AccessDenied, device +
                                               " is controlled by another application. Close it there, or open it for "
                                               "reading only."};
@@ -94,20 +97,15 @@ void GigEVisionLink::GiveBackControl() {
   if (mDevice == nullptr || mIsGivenBack.exchange(true))
     return;
   const KrResult reason(KrResult::Code::ConnectionLost, "Control of the device was given back.");
-  const bool answers = mWatch.IsConnected() && mDevice->Answers();
+  // Also a device that counts as lost may be back while Aravis still holds control.
+  const bool answers = mDevice->HoldsControl() && mDevice->Answers();
   mWatch.Disconnect();
   // Nobody waits for an access from here on, and those that wait their turn are skipped.
   mIoThread->Interrupt(reason);
-  const auto stream = std::make_shared<StreamPointer>(mSource->Detach(reason));
-  const auto giveBack = [device = mDevice, stream, answers](const std::atomic<bool>&) {
-    if (*stream != nullptr)
-      static_cast<void>(AravisBufferSource::EndStream(*device, std::move(*stream), !answers)); // Control matters more.
-    return answers ? device->GiveBackControl() : KrResult();
-  };
-  if (!answers) {
-    mIoThread->Post(giveBack);
+  mSource->Detach(reason, answers);
+  if (!answers)
     return;
-  }
+  const auto giveBack = [device = mDevice](const std::atomic<bool>&) { return device->GiveBackControl(); };
   if (const KrResult result = mIoThread->RunRegardless(giveBack, kGiveBackTimeoutMs); !result.IsOK())
     KrLogger("GigEVision")
         .Log(KrLogLevel::Warning, {"GigEVisionLink::GiveBackControl", "gigevisionlink"}, result.GetDescription());

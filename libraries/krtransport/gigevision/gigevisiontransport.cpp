@@ -35,7 +35,7 @@ std::optional<std::uint32_t> ChooseLocalAddress(const NetworkAdapterFields& aAda
 AccessType ToAccessType(std::uint32_t aPrivilege) {
   if ((aPrivilege & kExclusiveBit) != 0)
     return AccessType::Exclusive;
-  return (aPrivilege & kControlBit) != 0 ? AccessType::Control : AccessType::Open;
+  return (aPrivilege & kInUseBits) != 0 ? AccessType::Control : AccessType::Open;
 }
 
 } // namespace
@@ -105,7 +105,8 @@ KrResult GigEVisionTransport::GetAccessType(const krsystem::AnyDeviceFields& aDe
     return result;
   std::uint32_t privilege = 0;
   KrResult result = client.ReadRegister(kControlPrivilegeRegister, privilege, GvcpPatience{});
-  if (result == KrResult::Code::ProtocolError)
+  // Only a device that is held exclusively keeps others from reading this.
+  if (result == KrResult::Code::AccessDenied)
     privilege = kExclusiveBit;
   else if (!result.IsOK())
     return result;

@@ -12,8 +12,9 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// A device that asks for patience is believed up to this.
-constexpr milliseconds kMaxPending{5000};
+// As many datagrams are read at once; a device that sends faster than they are read does not keep the reader from
+// looking at the time.
+constexpr int kDatagramsPerLook = 64;
 
 } // namespace
 
@@ -75,37 +76,48 @@ KrResult GvcpClient::Transact(const MakeCommand& aMake, const ParseAnswer& aPars
   WakeEvent wake;
   const std::stop_callback wakeOnStop(aStop, [&wake] { wake.Signal(); });
   KrResult result{KrResult::Code::TimeLimitExceeded, "The device did not answer."};
-  for (int attempt = 0; attempt < aPatience.tries; ++attempt) {
+  const auto end = steady_clock::now() + aPatience.total;
+  for (int attempt = 0; attempt < aPatience.tries && steady_clock::now() < end; ++attempt) {
     const std::uint16_t requestID = TakeRequestID();
     if (KrResult sent = mSocket.Send(aMake(requestID)); !sent.IsOK())
       return sent;
-    result = AwaitAnswer(requestID, aParse, aPatience.perTry, aStop, wake.GetDescriptor());
+    const Limits limits = {std::min(steady_clock::now() + aPatience.perTry, end), end};
+    result = AwaitAnswer(requestID, aParse, limits, aStop, wake.GetDescriptor());
     if (result != KrResult::Code::TimeLimitExceeded)
       return result;
   }
   return result;
 }
 
-KrResult GvcpClient::AwaitAnswer(std::uint16_t aRequestID, const ParseAnswer& aParse, milliseconds aTimeout,
-                                 std::stop_token aStop, int aWakeDescriptor) {
-  auto until = steady_clock::now() + aTimeout;
+KrResult GvcpClient::AwaitAnswer(std::uint16_t aRequestID, const ParseAnswer& aParse, Limits aLimits,
+                                 const std::stop_token& aStop, int aWakeDescriptor) {
   const std::array<int, 2> descriptors = {mSocket.GetDescriptor(), aWakeDescriptor};
-  std::array<std::uint8_t, kMaxGvcpDatagram> buffer;
   do {
     if (aStop.stop_requested())
       return {KrResult::Code::Aborted, "Asking the device was cancelled."};
-    while (const auto received = mSocket.Receive(buffer)) {
-      if (received->size > buffer.size())
-        continue;
-      const auto datagram = std::span<const std::uint8_t>(buffer).first(received->size);
-      std::uint16_t pendingMs = 0;
-      if (ParsePendingAcknowledge(datagram, aRequestID, pendingMs).IsOK())
-        until = steady_clock::now() + std::min<milliseconds>(milliseconds(pendingMs), kMaxPending);
-      else if (KrResult result = aParse(datagram, aRequestID); result != KrResult::Code::BadData)
-        return result;
-    }
-  } while (WaitReadable(descriptors, until));
+    if (KrResult result = TakeAnswer(aRequestID, aParse, aLimits); result != KrResult::Code::BadData)
+      return result;
+  } while (WaitReadable(descriptors, aLimits.tryEnd));
   return {KrResult::Code::TimeLimitExceeded, "The device did not answer."};
+}
+
+// Looks through what came; BadData where the answer is not among it.
+KrResult GvcpClient::TakeAnswer(std::uint16_t aRequestID, const ParseAnswer& aParse, Limits& aLimits) {
+  std::array<std::uint8_t, kMaxGvcpDatagram> buffer;
+  for (int i = 0; i < kDatagramsPerLook; ++i) {
+    const auto received = mSocket.Receive(buffer);
+    if (!received)
+      break;
+    if (received->size > buffer.size())
+      continue;
+    const auto datagram = std::span<const std::uint8_t>(buffer).first(received->size);
+    std::uint16_t pendingMs = 0;
+    if (ParsePendingAcknowledge(datagram, aRequestID, pendingMs).IsOK())
+      aLimits.tryEnd = std::min(steady_clock::now() + milliseconds(pendingMs), aLimits.end);
+    else if (KrResult result = aParse(datagram, aRequestID); result != KrResult::Code::BadData)
+      return result;
+  }
+  return KrResult::Code::BadData;
 }
 
 } // namespace krtransport

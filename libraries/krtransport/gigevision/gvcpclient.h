@@ -19,10 +19,11 @@ namespace krtransport {
 /// Gives a request id that is not 0 and differs from the last 65534. Any thread.
 std::uint16_t TakeRequestID();
 
-/// How long a device is given.
+/// How long a device is given. One that asks for patience gets it, within the total.
 struct GvcpPatience {
   std::chrono::milliseconds perTry{300};
   int tries = 3;
+  std::chrono::milliseconds total{1000};
 };
 
 /// Sends commands to one device and takes their acknowledges, a fresh command for every try.
@@ -37,8 +38,9 @@ public:
   /// The address from which this host reaches the device.
   std::uint32_t GetLocalAddress() const { return mSocket.GetLocalAddress(); }
 
-  /// Each operation ends with the first right answer. TimeLimitExceeded when none came, ProtocolError when the device
-  /// refused, Aborted when aStop asked for it.
+  /// Each operation ends with the first right answer, and within the total whatever the device sends.
+  /// TimeLimitExceeded when none came, AccessDenied or ProtocolError when the device refused, as the parsers say,
+  /// Aborted when aStop asked for it.
   KrResult Discover(DiscoveryPayload& aPayload, const GvcpPatience& aPatience, std::stop_token aStop = {});
   KrResult ReadRegister(std::uint32_t aRegister, std::uint32_t& aValue, const GvcpPatience& aPatience,
                         std::stop_token aStop = {});
@@ -46,13 +48,19 @@ public:
   KrResult ReadMemory(std::uint32_t aAddress, std::span<std::uint8_t> aData, const GvcpPatience& aPatience);
 
 private:
+  /// The moments at which a try ends, and the latest to which the device may put that off.
+  struct Limits {
+    std::chrono::steady_clock::time_point tryEnd;
+    std::chrono::steady_clock::time_point end;
+  };
   using MakeCommand = std::function<std::vector<std::uint8_t>(std::uint16_t aRequestID)>;
   using ParseAnswer = std::function<KrResult(std::span<const std::uint8_t>, std::uint16_t aRequestID)>;
 
   KrResult Transact(const MakeCommand& aMake, const ParseAnswer& aParse, const GvcpPatience& aPatience,
                     std::stop_token aStop);
-  KrResult AwaitAnswer(std::uint16_t aRequestID, const ParseAnswer& aParse, std::chrono::milliseconds aTimeout,
-                       std::stop_token aStop, int aWakeDescriptor);
+  KrResult AwaitAnswer(std::uint16_t aRequestID, const ParseAnswer& aParse, Limits aLimits,
+                       const std::stop_token& aStop, int aWakeDescriptor);
+  KrResult TakeAnswer(std::uint16_t aRequestID, const ParseAnswer& aParse, Limits& aLimits);
 
   GvcpSocket mSocket;
 };

@@ -21,6 +21,8 @@ struct StatusText {
   const char* text;
 };
 
+constexpr std::uint16_t kAccessDenied = 0x8006;
+
 constexpr StatusText kStatusTexts[] = {
     {0x0100, "packet resend"},         {0x8001, "not implemented"},
     {0x8002, "invalid parameter"},     {0x8003, "invalid address"},
@@ -93,7 +95,8 @@ KrResult CheckHeader(std::span<const std::uint8_t> aDatagram, GvcpMessage aMessa
     return Refuse("its header states " + std::to_string(Get16(aDatagram, 4)) + " bytes of payload, " +
                   std::to_string(aDatagram.size() - kHeaderSize) + " came");
   if (const std::uint16_t status = Get16(aDatagram, 0); status != 0)
-    return {KrResult::Code::ProtocolError, "The device refused the command: " + DescribeStatus(status) + "."};
+    return {status == kAccessDenied ? KrResult::Code::AccessDenied : KrResult::Code::ProtocolError,
+            "The device refused the command: " + DescribeStatus(status) + "."};
   if (aDatagram.size() - kHeaderSize != aPayloadSize)
     return Refuse("its payload has " + std::to_string(aDatagram.size() - kHeaderSize) + " bytes instead of " +
                   std::to_string(aPayloadSize));

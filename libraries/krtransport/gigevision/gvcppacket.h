@@ -28,6 +28,9 @@ inline constexpr RegisterLimits kGvcpRegisterLimits{
 inline constexpr std::uint32_t kControlPrivilegeRegister = 0x0A00;
 inline constexpr std::uint32_t kExclusiveBit = 1u << 0;
 inline constexpr std::uint32_t kControlBit = 1u << 1;
+inline constexpr std::uint32_t kSwitchoverBit = 1u << 2;
+/// Any of these: some application has the device.
+inline constexpr std::uint32_t kInUseBits = kExclusiveBit | kControlBit | kSwitchoverBit;
 
 /// The messages, numbered as the standard numbers them.
 enum class GvcpMessage : std::uint16_t {
@@ -70,8 +73,8 @@ std::vector<std::uint8_t> MakeReadRegisterCommand(std::uint16_t aRequestID, std:
 std::vector<std::uint8_t> MakeReadMemoryCommand(std::uint16_t aRequestID, std::uint32_t aAddress, std::uint16_t aCount);
 
 /// Each parser takes one datagram as it came. BadData, with the reason, for a datagram that is none of this protocol,
-/// of another length, another message or another request; ProtocolError with the device's status when it refused. The
-/// result is only set when all is well.
+/// of another length, another message or another request; when the device refused, AccessDenied for the status "access
+/// denied" and ProtocolError, with the status, for any other. The result is only set when all is well.
 KrResult ParseDiscoveryAcknowledge(std::span<const std::uint8_t> aDatagram, std::uint16_t aRequestID,
                                    DiscoveryPayload& aPayload);
 KrResult ParseForceIPAcknowledge(std::span<const std::uint8_t> aDatagram, std::uint16_t aRequestID);

@@ -42,6 +42,7 @@ void LinkWatch::Disconnect() {
 void LinkWatch::ReportSilence() {
   const std::lock_guard lock(mRequestMutex);
   mIsSilent = true;
+  ++mSilenceReports;
   mIsProbeWanted = true;
   mRequest.notify_all();
 }
@@ -57,9 +58,24 @@ void LinkWatch::Watch(const std::stop_token& aStop) {
   mWatchThread = std::this_thread::get_id();
   while (!aStop.stop_requested()) {
     const auto next = steady_clock::now() + (mIsConnected ? kProbePeriod : kReturnPeriod);
-    Judge(ProbeDevice(mClient, aStop), aStop);
+    std::uint64_t reportsBefore = 0;
+    {
+      const std::lock_guard lock(mRequestMutex);
+      reportsBefore = mSilenceReports;
+    }
+    const ProbeFinding finding = ProbeDevice(mClient, aStop);
+    if (finding != ProbeFinding::Silent && finding != ProbeFinding::Cancelled)
+      ForgetSilence(reportsBefore);
+    Judge(finding, aStop);
     PauseUntil(next, aStop);
   }
+}
+
+// An answer says nothing of a silence that was reported after the asking began.
+void LinkWatch::ForgetSilence(std::uint64_t aReportsBefore) {
+  const std::lock_guard lock(mRequestMutex);
+  if (mSilenceReports == aReportsBefore)
+    mIsSilent = false;
 }
 
 void LinkWatch::PauseUntil(steady_clock::time_point aMoment, const std::stop_token& aStop) {
@@ -71,10 +87,8 @@ void LinkWatch::PauseUntil(steady_clock::time_point aMoment, const std::stop_tok
 void LinkWatch::Judge(ProbeFinding aFinding, const std::stop_token& aStop) {
   if (aFinding == ProbeFinding::Cancelled)
     return;
-  if (aFinding != ProbeFinding::Silent) {
+  if (aFinding != ProbeFinding::Silent)
     mSilentTries = 0;
-    mIsSilent = false;
-  }
   if (!mIsConnected) {
     if (aStop.stop_requested())
       return;

@@ -47,6 +47,7 @@ public:
 private:
   void Watch(const std::stop_token& aStop);
   void Judge(ProbeFinding aFinding, const std::stop_token& aStop);
+  void ForgetSilence(std::uint64_t aReportsBefore);
   void Lose(const char* aWhy);
   void Tell(const std::function<void(krsystem::IDeviceLinkSink&)>& aCall);
   void PauseUntil(std::chrono::steady_clock::time_point aMoment, const std::stop_token& aStop);
@@ -62,10 +63,11 @@ private:
   std::atomic<bool> mIsConnected{true};
   std::atomic<bool> mIsSilent{false};
 
-  // Guards the request to the watch's thread.
+  // Guards the request to the watch's thread, and the silence together with how often it was reported.
   std::mutex mRequestMutex;
   std::condition_variable_any mRequest;
   bool mIsProbeWanted = false;
+  std::uint64_t mSilenceReports = 0;
 
   // Guards the sink and the thread on which a call of it runs, if one does.
   std::mutex mSinkMutex;

@@ -1,9 +1,17 @@
 #include "gigevision/monitorchannel.h"
 
 namespace krtransport {
+namespace {
+
+using std::chrono::milliseconds;
+
+// As long as a call of a device under control takes at most.
+constexpr GvcpPatience kPatience{milliseconds(300), 3, milliseconds(2500)};
+
+} // namespace
 
 KrResult MonitorChannel::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData) {
-  return mClient.ReadMemory(static_cast<std::uint32_t>(aAddress), aData, GvcpPatience{});
+  return mClient.ReadMemory(static_cast<std::uint32_t>(aAddress), aData, kPatience);
 }
 
 KrResult MonitorChannel::Write(std::uint64_t, std::span<const std::uint8_t>) {

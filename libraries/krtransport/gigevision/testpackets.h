@@ -31,6 +31,7 @@ public:
 
 private:
   bool Fire(std::uint32_t aBytes);
+  void NoteSilence(const KrResult& aResult);
   bool AwaitPacket(std::uint32_t aBytes, std::chrono::milliseconds aTimeout);
 
   IBootstrapRegisters& mRegisters;

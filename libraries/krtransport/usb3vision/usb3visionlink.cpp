@@ -72,16 +72,12 @@ void Usb3VisionLink::GiveBackControl() {
   // Nobody waits for an access from here on, and those that wait their turn are skipped.
   mIoThread->Interrupt(reason);
   mWatch.Disconnect();
-  const auto stream = std::make_shared<StreamPointer>();
   if (mSource != nullptr)
-    *stream = mSource->Detach(reason);
+    mSource->Detach(reason, answers);
   const KrResult result = mIoThread->RunRegardless(
-      [device = mStreamDevice, release = mRelease, stream, answers](const std::atomic<bool>&) {
-        KrResult ended;
-        if (*stream != nullptr)
-          ended = AravisBufferSource::EndStream(*device, std::move(*stream), !answers);
+      [release = mRelease](const std::atomic<bool>&) {
         release();
-        return ended;
+        return KrResult();
       },
       kGiveBackTimeoutMs);
   if (!result.IsOK())

@@ -148,7 +148,13 @@ const RefusedRow kRefused[] = {
        aBytes[0] = 0x80;
        aBytes[1] = 0x06;
      },
-     KrResult::Code::ProtocolError, "access denied (0x8006)"},
+     KrResult::Code::AccessDenied, "access denied (0x8006)"},
+    {"Busy",
+     [](Bytes& aBytes) {
+       aBytes[0] = 0x80;
+       aBytes[1] = 0x07;
+     },
+     KrResult::Code::ProtocolError, "busy (0x8007)"},
     {"UnknownStatus",
      [](Bytes& aBytes) {
        aBytes[0] = 0x9A;

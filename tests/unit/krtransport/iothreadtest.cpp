@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <future>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace {
@@ -157,6 +159,20 @@ TEST(IoThread, Post_Job_RunsBeforeTheThreadEnds) {
   }
 
   EXPECT_TRUE(isRun);
+}
+
+TEST(IoThread, Run_JobThrows_ReturnsSystemErrorAndGoesOn) {
+  IoThread thread;
+
+  const KrResult known =
+      thread.Run([](const auto&) -> KrResult { throw std::runtime_error("broken"); }, kGenerousTimeoutMs);
+  const KrResult unknown = thread.Run([](const auto&) -> KrResult { throw 1; }, kGenerousTimeoutMs);
+  const KrResult next = thread.Run([](const auto&) { return KrResult(); }, kGenerousTimeoutMs);
+
+  EXPECT_EQ(known, KrResult::Code::SystemError);
+  EXPECT_NE(known.GetDescription().ToUtf8().find("broken"), std::string::npos);
+  EXPECT_EQ(unknown, KrResult::Code::SystemError);
+  EXPECT_TRUE(next.IsOK());
 }
 
 } // namespace

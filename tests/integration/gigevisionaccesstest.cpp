@@ -1,0 +1,84 @@
+// What a device says of who holds it, and what follows for asking and opening.
+
+#include "gvcpresponder.h"
+
+#include "gigevision/gigevisiontransport.h"
+#include "krsystem/idevicelink.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using krsystem::AccessType;
+using krsystem::DeviceAccess;
+
+constexpr std::uint32_t kLoopback = 0x7F000001;
+constexpr std::uint32_t kGenerousTimeoutMs = 20000;
+
+struct AccessRow {
+  const char* what;
+  std::uint16_t status; ///< With which reading the privilege is answered.
+  std::uint32_t privilege;
+  KrResult::Code asked;
+  AccessType type;
+  KrResult::Code openedToRead;
+  KrResult::Code openedToControl; ///< Where the device is free this is not tried: the responder gives no control.
+};
+
+constexpr auto kOK = KrResult::Code::OK;
+constexpr auto kAccessDenied = KrResult::Code::AccessDenied;
+constexpr auto kProtocolError = KrResult::Code::ProtocolError;
+
+constexpr AccessRow kRows[] = {
+    {"Exclusive", 0, 1, kOK, AccessType::Exclusive, kAccessDenied, kAccessDenied},
+    {"Control", 0, 2, kOK, AccessType::Control, kOK, kAccessDenied},
+    {"ExclusiveControl", 0, 3, kOK, AccessType::Exclusive, kAccessDenied, kAccessDenied},
+    {"SwitchoverAlone", 0, 4, kOK, AccessType::Control, kOK, kAccessDenied},
+    {"ControlWithSwitchover", 0, 6, kOK, AccessType::Control, kOK, kAccessDenied},
+    {"ReadingDenied", 0x8006, 0, kOK, AccessType::Exclusive, kAccessDenied, kAccessDenied},
+    {"Busy", 0x8007, 0, kProtocolError, AccessType::Unknown, kProtocolError, kProtocolError},
+    {"NotImplemented", 0x8001, 0, kProtocolError, AccessType::Unknown, kProtocolError, kProtocolError},
+};
+
+class GigEVisionAccess : public testing::TestWithParam<AccessRow> {
+protected:
+  void SetUp() override {
+    ASSERT_TRUE(mTransport.FindAddress(kLoopback, kGenerousTimeoutMs, mInterface, mDevice).IsOK());
+  }
+
+  KrResult::Code Open(DeviceAccess aAccess) {
+    std::unique_ptr<krsystem::IDeviceLink> link;
+    return mTransport.Open(mInterface, mDevice, aAccess, link).GetCode();
+  }
+
+  const GvcpResponder mResponder{[](auto aCommand) {
+    if (!IsReadRegister(aCommand))
+      return Datagrams{MakeDiscoveryAcknowledge(aCommand, kLoopback, "held")};
+    const AccessRow& row = GetParam();
+    return Datagrams{row.status != 0 ? MakeReadRefusal(aCommand, row.status)
+                                     : MakeReadAcknowledge(aCommand, row.privilege)};
+  }};
+  krtransport::GigEVisionTransport mTransport;
+  krsystem::InterfaceFields mInterface;
+  krsystem::AnyDeviceFields mDevice;
+};
+
+TEST_P(GigEVisionAccess, DeviceHeld_IsToldAsItIs) {
+  AccessType type = AccessType::Unknown;
+
+  const KrResult asked = mTransport.GetAccessType(mDevice, type);
+
+  EXPECT_EQ(asked.GetCode(), GetParam().asked) << asked.GetDescription().CStr();
+  EXPECT_EQ(type, GetParam().type);
+}
+
+TEST_P(GigEVisionAccess, DeviceHeld_IsOpenedOnlyAsItAllows) {
+  EXPECT_EQ(Open(DeviceAccess::Monitor), GetParam().openedToRead);
+  EXPECT_EQ(Open(DeviceAccess::Control), GetParam().openedToControl);
+  EXPECT_EQ(Open(DeviceAccess::Exclusive), GetParam().openedToControl);
+}
+
+INSTANTIATE_TEST_SUITE_P(Holders, GigEVisionAccess, testing::ValuesIn(kRows),
+                         [](const auto& aInfo) { return std::string(aInfo.param.what); });
+
+} // namespace

@@ -1,0 +1,110 @@
+// Devices on the control channel that ask for patience, answer what nobody asked, or never stop sending.
+
+#include "gvcpresponder.h"
+
+#include "gigevision/gvcpclient.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+
+namespace {
+
+using namespace krtransport;
+using std::chrono::hours;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr std::uint32_t kLoopback = 0x7F000001;
+constexpr std::uint32_t kRegister = 0x0A00;
+constexpr GvcpPatience kGenerous{seconds(20), 3, seconds(60)};
+
+class GvcpClientTest : public testing::Test {
+protected:
+  void SetUp() override { ASSERT_TRUE(GvcpClient::Connect(kLoopback, std::nullopt, mClient).IsOK()); }
+
+  KrResult Read(const GvcpPatience& aPatience, const std::stop_token& aStop = {}) {
+    return mClient.ReadRegister(kRegister, mValue, aPatience, aStop);
+  }
+
+  GvcpClient mClient;
+  std::uint32_t mValue = 0;
+};
+
+std::vector<std::uint8_t> MakeForeignAcknowledge(std::span<const std::uint8_t> aCommand) {
+  auto answer = MakeReadAcknowledge(aCommand, 1);
+  answer[7] ^= 0xFF;
+  return answer;
+}
+
+TEST_F(GvcpClientTest, ReadRegister_PendingThenAnswer_GivesTheValue) {
+  const GvcpResponder responder([](auto aCommand) {
+    return Datagrams{MakePendingAcknowledge(aCommand, 1000), MakeReadAcknowledge(aCommand, 7)};
+  });
+
+  const KrResult result = Read(kGenerous);
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(mValue, 7u);
+}
+
+TEST_F(GvcpClientTest, ReadRegister_PendingLongerThanATry_IsWaitedForAndNotAskedAgain) {
+  std::atomic<int> commands{0};
+  const GvcpResponder responder([&](auto aCommand) {
+    ++commands;
+    return Datagrams{MakePendingAcknowledge(aCommand, 60000)};
+  });
+
+  const KrResult result = Read({seconds(2), 3, seconds(3)});
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(commands, 1);
+}
+
+TEST_F(GvcpClientTest, ReadRegister_PendingWithoutEnd_EndsWithTheTotal) {
+  const GvcpResponder responder([](auto aCommand) { return Datagrams{MakePendingAcknowledge(aCommand, 60000)}; },
+                                GvcpAnswers::WithoutEnd);
+
+  EXPECT_EQ(Read({milliseconds(50), 3, milliseconds(200)}), KrResult::Code::TimeLimitExceeded);
+}
+
+TEST_F(GvcpClientTest, ReadRegister_AnswersToOtherRequests_TakesItsOwn) {
+  const GvcpResponder responder([](auto aCommand) {
+    return Datagrams{MakeForeignAcknowledge(aCommand), MakeForeignAcknowledge(aCommand),
+                     MakeReadAcknowledge(aCommand, 7)};
+  });
+
+  const KrResult result = Read(kGenerous);
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(mValue, 7u);
+}
+
+TEST_F(GvcpClientTest, ReadRegister_WrongDatagramsWithoutEnd_EndsWithTheTotal) {
+  const GvcpResponder responder([](auto aCommand) { return Datagrams(16, MakeForeignAcknowledge(aCommand)); },
+                                GvcpAnswers::WithoutEnd);
+
+  EXPECT_EQ(Read({milliseconds(50), 3, milliseconds(200)}), KrResult::Code::TimeLimitExceeded);
+}
+
+TEST_F(GvcpClientTest, ReadRegister_StoppedDuringAFlood_ReturnsAborted) {
+  std::promise<void> asked;
+  std::atomic<bool> isAsked{false};
+  const GvcpResponder responder(
+      [&](auto aCommand) {
+        if (!isAsked.exchange(true))
+          asked.set_value();
+        return Datagrams(16, MakeForeignAcknowledge(aCommand));
+      },
+      GvcpAnswers::WithoutEnd);
+  std::stop_source stop;
+  auto read = std::async(std::launch::async, [&] { return Read({hours(1), 1, hours(1)}, stop.get_token()); });
+  asked.get_future().wait();
+
+  stop.request_stop();
+
+  EXPECT_EQ(read.get(), KrResult::Code::Aborted);
+}
+
+} // namespace
