@@ -115,11 +115,20 @@ KrResult AravisFeatures::Run(std::function<KrResult(ArvDevice&)> aJob) {
 }
 
 bool AravisFeatures::HasFeature(const KrString& aName) {
-  return Run([name = aName.ToUtf8()](ArvDevice& aDevice) {
-           return arv_device_get_feature(&aDevice, name.c_str()) != nullptr ? KrResult()
-                                                                            : KrResult(KrResult::Code::NotFound);
-         })
-      .IsOK();
+  {
+    const std::lock_guard lock(mMutex);
+    if (const auto known = mKnownNames.find(aName); known != mKnownNames.end())
+      return known->second;
+  }
+  const KrResult found = Run([name = aName.ToUtf8()](ArvDevice& aDevice) {
+    return arv_device_get_feature(&aDevice, name.c_str()) != nullptr ? KrResult() : KrResult(KrResult::Code::NotFound);
+  });
+  // Only what the description said is worth remembering, not that it could not be asked.
+  if (found.IsOK() || found == KrResult::Code::NotFound) {
+    const std::lock_guard lock(mMutex);
+    mKnownNames.emplace(aName, found.IsOK());
+  }
+  return found.IsOK();
 }
 
 bool AravisFeatures::IsFeatureAvailable(const KrString& aName) {

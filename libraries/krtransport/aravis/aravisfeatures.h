@@ -7,7 +7,9 @@
 #include "krsystem/ifeatureaccess.h"
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
 
 namespace krtransport {
 
@@ -18,6 +20,7 @@ class AravisFeatures final : public krsystem::IFeatureAccess {
 public:
   AravisFeatures(IoThread& aIoThread, ISilence& aSilence, std::shared_ptr<AravisDeviceBase> aDevice);
 
+  /// What was learnt once is remembered, as a device's names never change: it is known of a silent device, too.
   bool HasFeature(const KrString& aName) override;
   bool IsFeatureAvailable(const KrString& aName) override;
   KrResult GetEnumerationEntries(const KrString& aName, KrStringList& aEntries) override;
@@ -32,6 +35,10 @@ private:
 
   DeviceCalls mCalls;
   const std::shared_ptr<AravisDeviceBase> mDevice;
+
+  // Guards what was learnt.
+  std::mutex mMutex;
+  std::map<KrString, bool> mKnownNames;
 };
 
 } // namespace krtransport

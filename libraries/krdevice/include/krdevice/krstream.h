@@ -54,6 +54,7 @@ public:
   /// Takes the next frame, in the order of arrival, waiting up to aTimeoutMs milliseconds (0 does not wait). Of several
   /// threads one at a time waits at the device; the others, within their own limits, for their turn.
   /// The buffer's status says whether it is whole, its payload type what it is; both come as the device sent them.
+  /// An incomplete frame has the size of the last whole one; before the first whole one it is raw data.
   /// Without a buffer: TimeLimitExceeded, Aborted when the stream is stopped or stops meanwhile and when Cancel is
   /// called meanwhile, ConnectionLost at once when the device is lost.
   KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs);
