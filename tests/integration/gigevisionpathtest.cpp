@@ -162,6 +162,26 @@ constexpr LossRow kLosses[] = {
 INSTANTIATE_TEST_SUITE_P(Losses, GigEVisionLossOf, testing::ValuesIn(kLosses),
                          [](const auto& aInfo) { return std::string(aInfo.param.what); });
 
+TEST_F(GigEVisionPath, PacketsLate_AreAskedForAgainAndCounted) {
+  RelayOrders orders;
+  orders.largestTrial = 1500;
+  orders.isLate = [](const StreamPacket& aPacket) {
+    return aPacket.frame <= 8 && aPacket.frame % 2 == 0 && aPacket.number == 5;
+  };
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+  ASSERT_TRUE(Start().IsOK());
+
+  const auto frames = Retrieve(12);
+  const auto statistics = mSource->GetStatistics();
+
+  EXPECT_EQ(frames.size(), 12u);
+  EXPECT_GT(mRelay->GetResentPackets(), 0u);
+  EXPECT_GT(statistics.resentPackets, 0u);
+  EXPECT_GE(statistics.missingPackets, statistics.resentPackets);
+  // A late packet completes its frame, unless it comes when the frame was given up.
+  EXPECT_GE(statistics.received, 12 - 4 + statistics.resentPackets);
+}
+
 TEST_F(GigEVisionPath, NoBufferFree_CountsTheFramesThatWereDropped) {
   ASSERT_NO_FATAL_FAILURE(OpenOverRelay({}));
   std::array<KrBuffer, 2> buffers;

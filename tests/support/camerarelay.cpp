@@ -18,10 +18,14 @@ constexpr std::uint16_t kControlPort = 3956;
 constexpr std::size_t kHeaderSize = 8;
 constexpr std::size_t kIpAndUdpSize = 28;
 constexpr int kAnswerLimitMs = 1000;
+constexpr std::uint16_t kReadRegisterCommand = 0x0080;
 constexpr std::uint16_t kWriteRegisterCommand = 0x0082;
+constexpr std::uint16_t kPacketResendCommand = 0x0040;
 constexpr std::uint16_t kDiscoveryAcknowledge = 0x0003;
 constexpr std::size_t kDiscoveredAddress = 0x24;
 constexpr std::uint16_t kWriteProtected = 0x8004;
+constexpr std::uint32_t kCapability = 0x0934; // Of the control protocol.
+constexpr std::uint32_t kResendBit = 1u << 2;
 constexpr std::uint32_t kStreamPort = 0x0D00;
 constexpr std::uint32_t kPacketSize = 0x0D04;
 constexpr std::uint32_t kStreamDestination = 0x0D18;
@@ -138,7 +142,16 @@ void CameraRelay::RelayControl() {
 CameraRelay::Datagram CameraRelay::Answer(std::span<const std::uint8_t> aCommand) {
   if (Read16(aCommand, 2) == kWriteRegisterCommand && aCommand.size() == kHeaderSize + 8)
     return AnswerWrite(aCommand);
+  if (Read16(aCommand, 2) == kPacketResendCommand && aCommand.size() >= kHeaderSize + 12) {
+    Resend(aCommand);
+    return {};
+  }
   Datagram answer = Forward(aCommand);
+  // The camera knows no resends; the relay does.
+  const bool isCapabilityRead = Read16(aCommand, 2) == kReadRegisterCommand && aCommand.size() == kHeaderSize + 4 &&
+                                Read32(aCommand, kHeaderSize) == kCapability;
+  if (mOrders.isLate && isCapabilityRead && answer.size() == kHeaderSize + 4)
+    Write32(answer, kHeaderSize, Read32(answer, kHeaderSize) | kResendBit);
   // The camera knows nothing of its relay.
   if (answer.size() > kHeaderSize + kDiscoveredAddress + 4 && Read16(answer, 2) == kDiscoveryAcknowledge)
     Write32(answer, kHeaderSize + kDiscoveredAddress, ntohl(MakeAddress(mAddress, 0).sin_addr.s_addr));
@@ -196,12 +209,29 @@ void CameraRelay::SendTrial(std::uint32_t aBytes) {
   ++mTrials;
   if (aBytes > mOrders.largestTrial || aBytes < kIpAndUdpSize)
     return;
-  const Datagram packet(aBytes - kIpAndUdpSize);
+  SendToHost(Datagram(aBytes - kIpAndUdpSize));
+}
+
+// The command names a channel, a frame, the first packet and the last.
+void CameraRelay::Resend(std::span<const std::uint8_t> aCommand) {
+  const std::uint16_t frame = Read16(aCommand, kHeaderSize + 2);
+  const std::uint32_t first = Read32(aCommand, kHeaderSize + 4) & 0xFFFFFF;
+  const std::uint32_t last = Read32(aCommand, kHeaderSize + 8) & 0xFFFFFF;
+  const std::lock_guard lock(mMutex);
+  const auto begin = mLate.lower_bound({frame, first});
+  const auto end = mLate.upper_bound({frame, last});
+  for (auto packet = begin; packet != end; packet = mLate.erase(packet)) {
+    SendToHost(packet->second);
+    ++mResentPackets;
+  }
+}
+
+void CameraRelay::SendToHost(std::span<const std::uint8_t> aPacket) const {
   sockaddr_in host{};
   host.sin_family = AF_INET;
   host.sin_addr.s_addr = htonl(mHostAddress);
   host.sin_port = htons(static_cast<std::uint16_t>(mHostPort));
-  ::sendto(mStream, packet.data(), packet.size(), 0, reinterpret_cast<const sockaddr*>(&host), sizeof(host));
+  ::sendto(mStream, aPacket.data(), aPacket.size(), 0, reinterpret_cast<const sockaddr*>(&host), sizeof(host));
 }
 
 void CameraRelay::RelayStream() {
@@ -219,10 +249,11 @@ void CameraRelay::RelayStream() {
       ++mLostPackets;
       continue;
     }
-    sockaddr_in host{};
-    host.sin_family = AF_INET;
-    host.sin_addr.s_addr = htonl(mHostAddress);
-    host.sin_port = htons(static_cast<std::uint16_t>(mHostPort));
-    ::sendto(mStream, datagram.data(), datagram.size(), 0, reinterpret_cast<const sockaddr*>(&host), sizeof(host));
+    if (mOrders.isLate && mOrders.isLate(*packet)) {
+      const std::lock_guard lock(mMutex);
+      mLate[{Read16(datagram, 2), packet->number}].assign(datagram.begin(), datagram.end());
+      continue;
+    }
+    SendToHost(datagram);
   }
 }

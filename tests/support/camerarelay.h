@@ -12,6 +12,7 @@
 #include <span>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 /// One packet of a stream, as its header says (GigE Vision stream protocol).
@@ -29,6 +30,8 @@ inline constexpr std::uint8_t kPayloadFormat = 3;
 struct RelayOrders {
   /// Whether a stream packet is lost. On the relay's thread.
   std::function<bool(const StreamPacket&)> isLost;
+  /// Whether a stream packet is kept back until the host asks for it again. On the relay's thread.
+  std::function<bool(const StreamPacket&)> isLate;
   /// The largest packet for trial that the device sends and the way lets through; 0 for a device that knows none.
   std::uint32_t largestTrial = 0;
   /// Registers that cannot be written: the device answers that they are protected.
@@ -64,6 +67,8 @@ public:
   std::uint32_t GetLostPackets() const { return mLostPackets; }
   /// How many packets for trial were sent, whether or not they came through.
   std::uint32_t GetTrials() const { return mTrials; }
+  /// How many packets that were kept back the host asked for and got.
+  std::uint32_t GetResentPackets() const { return mResentPackets; }
 
 private:
   using Datagram = std::vector<std::uint8_t>;
@@ -74,6 +79,8 @@ private:
   Datagram AnswerWrite(std::span<const std::uint8_t> aCommand);
   Datagram Forward(std::span<const std::uint8_t> aCommand);
   void SendTrial(std::uint32_t aBytes);
+  void Resend(std::span<const std::uint8_t> aCommand);
+  void SendToHost(std::span<const std::uint8_t> aPacket) const;
 
   const std::string mAddress;
   const RelayOrders mOrders;
@@ -87,8 +94,11 @@ private:
   std::atomic<std::uint32_t> mTrials{0};
   std::atomic<std::uint32_t> mFrames{0};
 
-  // Guards what was written.
+  std::atomic<std::uint32_t> mResentPackets{0};
+
+  // Guards what was written and what was kept back, by the device's frame number and the packet's.
   mutable std::mutex mMutex;
+  std::map<std::pair<std::uint16_t, std::uint32_t>, Datagram> mLate;
   std::map<std::uint32_t, std::vector<std::uint32_t>> mWritten;
 
   std::thread mControlThread;
