@@ -16,11 +16,11 @@ constexpr std::uint32_t kSmall = 64;
 constexpr std::uint32_t kShortestPeriodUs = 1000;
 constexpr int kWarmUpFrames = 300;
 constexpr int kFrames = 1000;
-// Far more than the allocator's own changes, far less than a frame's worth of anything for each frame.
+// More than the allocator's own changes, a quarter of what a frame's bytes lost for each frame would come to.
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
 constexpr std::int64_t kMostGrowthBytes = 256 << 20; // The sanitizers remember what was freed.
 #else
-constexpr std::int64_t kMostGrowthBytes = 8 << 20;
+constexpr std::int64_t kMostGrowthBytes = 1 << 20;
 #endif
 
 std::ptrdiff_t CountEntries(const char* aFolder) {
@@ -75,6 +75,7 @@ TEST_F(GigEVisionSoak, ManySmallFrames_NothingGrows) {
   const int whole = TakeFrames(frames);
 
   const Footprint after = Measure();
+  // Not all: a receiver that gets no time for two frames loses packets, which the camera here does not send again.
   EXPECT_GE(whole, frames * 9 / 10);
   EXPECT_LE(after.residentBytes - before.residentBytes, kMostGrowthBytes);
   EXPECT_EQ(after.threads, before.threads);
