@@ -1,7 +1,7 @@
 // Takes control of the camera at 127.0.0.1, streams from it if asked to, says "holding" on standard error and waits for
 // SIGUSR1; then it ends in the way that its arguments name, unless another signal ended it before.
 //
-//   deviceholder idle|streaming return|exit
+//   deviceholder idle|streaming return|exit|quick_exit
 
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceend.h"
@@ -25,6 +25,7 @@ constexpr std::uint64_t kHeartbeatTimeoutRegister = 0x0938;
 constexpr std::array<std::uint8_t, 4> kTenMinutesMs = {0x00, 0x09, 0x27, 0xC0};
 constexpr int kReturnCode = 3;
 constexpr int kExitCode = 4;
+constexpr int kQuickExitCode = 5;
 
 void Check(const KrResult& aResult) {
   if (aResult.IsOK())
@@ -96,10 +97,12 @@ int main(int aCount, char** aArguments) {
   std::cerr << "holding" << std::endl;
   int signal = 0;
   sigwait(&goOn, &signal);
-  if (aArguments[2] == std::string("exit")) {
-    if (consumer)
-      consumer->Detach();
+  const std::string end = aArguments[2];
+  if (consumer && end != "return")
+    consumer->Detach();
+  if (end == "exit")
     std::exit(kExitCode);
-  }
+  if (end == "quick_exit")
+    std::quick_exit(kQuickExitCode);
   return kReturnCode;
 }

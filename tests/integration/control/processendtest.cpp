@@ -55,6 +55,9 @@ constexpr End kEnds[] = {
     {"Interrupted", "idle", "return", SIGINT, -1, SIGINT, 0},
     {"InterruptedWhileStreaming", "streaming", "return", SIGINT, -1, SIGINT, 0},
     {"HungUpWhileStreaming", "streaming", "return", SIGHUP, -1, SIGHUP, 0},
+    {"Quit", "idle", "return", SIGQUIT, -1, SIGQUIT, 0},
+    {"QuitWhileStreaming", "streaming", "return", SIGQUIT, -1, SIGQUIT, 0},
+    {"QuickExitWhileStreaming", "streaming", "quick_exit", SIGUSR1, 5, 0, 0},
     {"Killed", "idle", "return", SIGKILL, -1, SIGKILL, kControlBit},
 };
 

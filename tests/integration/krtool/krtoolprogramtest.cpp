@@ -117,4 +117,33 @@ TEST(KrTool, CameraThatDies_EndsTheStreamWithItsReasonAndTheClosingLine) {
   EXPECT_THAT(run.GetOutput(), MatchesRegex(kClosingLine));
 }
 
+void ExpectFree(const std::string& aAddress) {
+  ProgramRun next(KRTOOL_PATH, {"stream", aAddress, "--frames", "1"});
+  EXPECT_EQ(next.Finish(), 0) << next.GetErrors();
+}
+
+TEST(KrTool, TerminatedInTheMiddleOfAStream_EndsWithTheClosingLineAndTheCameraFree) {
+  const FakeCamera camera("KRT05");
+  ASSERT_TRUE(camera.IsAnswering());
+  ProgramRun run(KRTOOL_PATH, {"stream", "127.0.0.1", "--frames", "1000000"});
+  ASSERT_TRUE(run.AwaitError("Streaming from")) << run.GetErrors();
+
+  run.Signal(SIGTERM);
+
+  EXPECT_EQ(run.Finish(), 0) << run.GetErrors();
+  EXPECT_THAT(run.GetOutput(), MatchesRegex(kClosingLine));
+  ExpectFree("127.0.0.1");
+}
+
+TEST(KrTool, OutputThatNobodyReads_EndsTheStreamWithItsReasonAndTheCameraFree) {
+  const FakeCamera camera("KRT06");
+  ASSERT_TRUE(camera.IsAnswering());
+  ProgramRun run(KRTOOL_PATH, {"stream", "127.0.0.1", "--frames", "10"});
+  run.CloseOutput();
+
+  EXPECT_EQ(run.Finish(), 1);
+  EXPECT_THAT(run.GetErrors(), HasSubstr("the output could not be written"));
+  ExpectFree("127.0.0.1");
+}
+
 } // namespace

@@ -90,6 +90,12 @@ void ProgramRun::Signal(int aSignal) const {
     ::kill(mProcess, aSignal);
 }
 
+void ProgramRun::CloseOutput() {
+  if (mOutputEnd >= 0)
+    ::close(mOutputEnd);
+  mOutputEnd = -1;
+}
+
 int ProgramRun::Finish() {
   while (ReadSome())
     continue;

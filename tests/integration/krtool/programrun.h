@@ -19,6 +19,8 @@ public:
   /// Reads until a text has been written to standard error; false when the program ends before, or after a minute.
   bool AwaitError(const std::string& aText);
   void Signal(int aSignal) const;
+  /// Closes the end that standard output is read from; what the program writes then finds no reader.
+  void CloseOutput();
   /// Reads to the program's end and gives its exit code; -1 when a signal ended it, or after a minute.
   int Finish();
   /// The signal that ended the program; 0 when it exited, or has not ended.

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <map>
 #include <sstream>
 
@@ -63,16 +64,55 @@ TEST_F(SaveFrameProgram, IndependentCamera_GivesTheSamePictureAsRawAndAsTiff) {
           << x << " " << y << ", moved by " << moved;
 }
 
-TEST_F(SaveFrameProgram, PixelFormat_IsSetOnAnIndependentCamera) {
+// What the camera shows in 16 bits: the ramp in steps of 256.
+std::uint16_t GetRamp16(std::size_t aX, std::size_t aY, std::uint64_t aFrameID) {
+  return static_cast<std::uint16_t>(256 * (aX + aY + aFrameID) % 65535);
+}
+
+TEST_F(SaveFrameProgram, PixelFormat_IsSetOnAnIndependentCameraAndEverySampleKeptAsRawAndAsTiff) {
   const FakeCamera camera("SAVE2");
   ASSERT_TRUE(camera.IsAnswering());
-  const std::string path = mFolder.GetFile("frame.tif");
+  const std::string rawPath = mFolder.GetFile("frame.raw");
+  const std::string tiffPath = mFolder.GetFile("frame.tif");
 
-  ProgramRun run(KRTOOL_PATH, {"save-frame", "127.0.0.1", path, "--pixel-format", "Mono16"});
+  ProgramRun raw(KRTOOL_PATH, {"save-frame", "127.0.0.1", rawPath, "--pixel-format", "Mono16"});
+  ASSERT_EQ(raw.Finish(), 0) << raw.GetErrors();
+  ProgramRun tiff(KRTOOL_PATH, {"save-frame", "127.0.0.1", tiffPath, "--pixel-format", "Mono16"});
+  ASSERT_EQ(tiff.Finish(), 0) << tiff.GetErrors();
 
-  ASSERT_EQ(run.Finish(), 0) << run.GetErrors();
-  EXPECT_EQ(TiffFile(path).bitsPerSample, 16);
-  EXPECT_THAT(run.GetOutput(), HasSubstr("pixel_format=Mono16 "));
+  EXPECT_THAT(tiff.GetOutput(), HasSubstr("pixel_format=Mono16 "));
+  const TiffFile file(tiffPath);
+  const std::string bytes = TemporaryFolder::ReadFile(rawPath);
+  const std::uint64_t rawFrame = std::stoull(ReadLines(TemporaryFolder::ReadFile(rawPath + ".txt"))["frame_id"]);
+  const std::uint64_t tiffFrame = std::stoull(ReadLines(file.description)["frame_id"]);
+  ASSERT_EQ(file.bitsPerSample, 16);
+  ASSERT_EQ(bytes.size(), std::size_t{2} * file.width * file.height);
+  for (std::uint32_t y = 0; y < file.height; ++y)
+    for (std::uint32_t x = 0; x < file.width; ++x) {
+      const std::size_t place = (std::size_t{y} * file.width + x) * 2;
+      const auto sample = static_cast<std::uint8_t>(bytes[place]) | static_cast<std::uint8_t>(bytes[place + 1]) << 8;
+      ASSERT_EQ(sample, GetRamp16(x, y, rawFrame)) << x << " " << y;
+      ASSERT_EQ(file.GetSample(x, y, 0), GetRamp16(x, y, tiffFrame)) << x << " " << y;
+    }
+}
+
+// So many packets are lost that no frame comes whole.
+TEST_F(SaveFrameProgram, TerminatedWhileItWaitsForAWholeFrame_LeavesNoFileAndTheCameraFree) {
+  FakeCameraOptions options;
+  options.serialNumber = "SAVE4";
+  options.lostPacketsPerMille = 500;
+  const FakeCamera camera(options);
+  ASSERT_TRUE(camera.IsAnswering());
+  ProgramRun run(KRTOOL_PATH, {"save-frame", "127.0.0.1", mFolder.GetFile("frame.png"), "--timeout", "50000"});
+  ASSERT_TRUE(run.AwaitError("did not come whole")) << run.GetErrors();
+
+  run.Signal(SIGTERM);
+
+  EXPECT_EQ(run.Finish(), 1);
+  EXPECT_THAT(run.GetErrors(), HasSubstr("It was stopped before a whole frame came."));
+  EXPECT_THAT(mFolder.GetNames(), IsEmpty());
+  ProgramRun next(KRTOOL_PATH, {"stream", "127.0.0.1", "--frames", "1"});
+  EXPECT_EQ(next.Finish(), 0) << next.GetErrors();
 }
 
 TEST_F(SaveFrameProgram, FormatThatIsNone_ExitsWith2AndListsThem) {
@@ -109,6 +149,23 @@ TEST_F(SaveFrameProgram, FullDisk_IsSaidInOneLineAndLeavesNothing) {
     EXPECT_EQ(run.GetErrors(), "krtool: The file \"" + mFolder.GetFile("frame." + std::string(extension)) +
                                    "\" cannot be written: No space left on device.\n");
   }
+}
+
+// A file that another one is mounted on can be written, yet not exchanged: the very last step fails.
+TEST_F(SaveFrameProgram, RawFileThatCannotBeExchanged_KeepsItsBytesAndItsText) {
+  constexpr const char* kScript = "mount --bind \"$1\" \"$1\" || exit 77\n"
+                                  "\"$0\" save-frame sim-mono \"$1\" --simulate --force\n";
+  const std::string path = mFolder.GetFile("frame.raw");
+  TemporaryFolder::WriteFile(path, "old bytes");
+  TemporaryFolder::WriteFile(path + ".txt", "old text");
+
+  ProgramRun run("/usr/bin/unshare", {"--mount", "sh", "-c", kScript, KRTOOL_PATH, path});
+
+  EXPECT_EQ(run.Finish(), 1);
+  EXPECT_THAT(run.GetErrors(), AllOf(HasSubstr(path), HasSubstr("busy")));
+  EXPECT_EQ(TemporaryFolder::ReadFile(path), "old bytes");
+  EXPECT_EQ(TemporaryFolder::ReadFile(path + ".txt"), "old text");
+  EXPECT_THAT(mFolder.GetNames(), UnorderedElementsAre("frame.raw", "frame.raw.txt"));
 }
 
 TEST_F(SaveFrameProgram, SimulatedCamera_SavesEveryFormat) {
