@@ -60,6 +60,14 @@ TEST_F(GigEVisionGiveBack, GiveBackControl_Called_CountsAsLostWithoutWordOfIt) {
   EXPECT_EQ(mSink.GetBackCount(), 0);
 }
 
+TEST_F(GigEVisionGiveBack, GiveBackControl_FeatureKnownBefore_StaysKnown) {
+  ASSERT_TRUE(mLink->GetFeatures()->HasFeature("Width"));
+
+  mLink->GiveBackControl();
+
+  EXPECT_TRUE(mLink->GetFeatures()->HasFeature("Width"));
+}
+
 TEST_F(GigEVisionGiveBack, GiveBackControl_WhileAFrameIsAwaited_EndsTheWait) {
   ASSERT_TRUE(mSource->Start().IsOK());
   KrResult result;

@@ -296,4 +296,19 @@ TEST_F(GigEVisionPath, PacketSizeRefused_StreamsWithTheDevicesOwn) {
     EXPECT_EQ(frame.status, KrBufferStatus::Complete);
 }
 
+// Nothing but the packet size says how many packets the first frame should have.
+TEST_F(GigEVisionPath, PacketSizeRefused_PacketOfTheFirstFrameLost_IsCounted) {
+  RelayOrders orders;
+  orders.refusedRegisters = {kPacketSizeRegister};
+  orders.isLost = [](const StreamPacket& aPacket) { return aPacket.frame == 1 && aPacket.number == 2; };
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+  ASSERT_TRUE(Start().IsOK());
+
+  const auto frames = Retrieve(4);
+
+  ASSERT_EQ(frames.size(), 4u);
+  EXPECT_EQ(frames[0].status, KrBufferStatus::Incomplete);
+  EXPECT_EQ(mSource->GetStatistics().missingPackets, 1u);
+}
+
 } // namespace
