@@ -1,12 +1,46 @@
 #include "gigevisionfixture.h"
 
+#include <arpa/inet.h>
 #include <future>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
 
 namespace {
 
 using GigEVisionStream = GigEVisionStreamTest;
+
+constexpr std::uint64_t kStreamPortRegister = 0x0D00;
+constexpr std::uint64_t kStreamAddressRegister = 0x0D18;
+constexpr std::uint64_t kAcquisitionRegister = 0x124;
+
+/// Where an application that is gone wanted its packets.
+class FormerReceiver {
+public:
+  FormerReceiver() {
+    mAddress.sin_family = AF_INET;
+    mAddress.sin_addr.s_addr = htonl(kLoopback);
+    socklen_t length = sizeof mAddress;
+    EXPECT_EQ(::bind(mSocket, reinterpret_cast<sockaddr*>(&mAddress), length), 0);
+    EXPECT_EQ(::getsockname(mSocket, reinterpret_cast<sockaddr*>(&mAddress), &length), 0);
+    const timeval limit{.tv_sec = kGenerousTimeoutMs / 1000, .tv_usec = 0};
+    EXPECT_EQ(::setsockopt(mSocket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit), 0);
+  }
+  ~FormerReceiver() { ::close(mSocket); }
+  FormerReceiver(const FormerReceiver&) = delete;
+  FormerReceiver& operator=(const FormerReceiver&) = delete;
+
+  std::uint32_t GetPort() const { return ntohs(mAddress.sin_port); }
+  bool WaitForPacket() {
+    std::array<char, 64> bytes;
+    return ::recv(mSocket, bytes.data(), bytes.size(), 0) > 0;
+  }
+
+private:
+  const int mSocket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  sockaddr_in mAddress = {};
+};
 
 TEST_F(GigEVisionStream, PayloadSize_WidthAndHeightSet_IsTheirProduct) {
   std::uint64_t bytes = 0;
@@ -43,6 +77,20 @@ TEST_F(GigEVisionStream, Retrieve_TwoHundredFrames_AreAllComplete) {
   EXPECT_GE(statistics.received, 200u);
   EXPECT_EQ(statistics.incomplete, 0u);
   EXPECT_GE(statistics.bytes, std::uint64_t{200} * kWidth * kHeight);
+}
+
+TEST_F(GigEVisionStream, Start_CameraThatWasLeftAcquiring_SendsItsFramesHere) {
+  FormerReceiver former;
+  ASSERT_TRUE(WriteRegister(*mLink, kStreamAddressRegister, kLoopback).IsOK());
+  ASSERT_TRUE(WriteRegister(*mLink, kStreamPortRegister, former.GetPort()).IsOK());
+  ASSERT_TRUE(WriteRegister(*mLink, kAcquisitionRegister, 1).IsOK());
+  ASSERT_TRUE(former.WaitForPacket());
+
+  ASSERT_TRUE(Start().IsOK());
+  KrBuffer* const buffer = Retrieve();
+
+  ASSERT_NE(buffer, nullptr);
+  EXPECT_EQ(buffer->GetImage()->GetWidth(), kWidth);
 }
 
 TEST_F(GigEVisionStream, Retrieve_BuffersSmallerThanTheFrame_SaysTooSmall) {

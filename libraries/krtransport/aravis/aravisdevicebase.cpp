@@ -53,6 +53,9 @@ KrResult AravisDeviceBase::GetPayloadSize(std::uint64_t& aBytes) {
 }
 
 KrResult AravisDeviceBase::OpenArvStream(StreamPointer& aStream, ArvStreamCallback aCallback, void* aUserData) {
+  // An application that was cut off from the device may have left it acquiring, for a destination that it keeps until it
+  // is started anew. One that does not acquire may refuse the command.
+  static_cast<void>(StopAcquisition());
   GErrorHolder error;
   StreamPointer stream(arv_device_create_stream(mDevice.get(), aCallback, aUserData, error.Out()));
   if (KrResult result = ToResult(error, "Opening the device's stream channel"); !result.IsOK())
