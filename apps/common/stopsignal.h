@@ -1,16 +1,13 @@
 #pragma once
 // Turns Ctrl-C, a request to terminate and the end of the terminal into a question that a loop can ask.
 
-#include <array>
-#include <csignal>
-#include <cstddef>
-
 namespace krapps {
 
-/// While it lives, SIGINT, SIGTERM and SIGHUP set a flag instead of what they did before, which they do again
-/// afterwards.
+/// While it lives, the first SIGINT, SIGTERM or SIGHUP sets a flag instead of what it did before; a second one, and any
+/// after the object's end, does that again, so that an impatient user need not wait. A signal that was ignored, as
+/// nohup has it, stays ignored.
 ///
-/// Thread: construction and destruction on one thread, one object at a time; IsRaised from any.
+/// Thread: construction and destruction on one thread, one object at a time; the questions from any.
 class StopSignal {
 public:
   StopSignal();
@@ -18,12 +15,9 @@ public:
   StopSignal(const StopSignal&) = delete;
   StopSignal& operator=(const StopSignal&) = delete;
 
-  bool IsRaised() const;
-
-private:
-  static constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
-
-  std::array<struct sigaction, kSignals.size()> mFormerActions;
+  bool IsRaised() const { return GetSignal() != 0; }
+  /// The signal that came, or 0.
+  int GetSignal() const;
 };
 
 } // namespace krapps

@@ -28,6 +28,11 @@ int Fail(std::ostream& aErrors, const KrResult& aResult) {
   return 1;
 }
 
+int GetExitCode(const krapps::StopSignal& aStop) {
+  constexpr int kSignalBase = 128;
+  return kSignalBase + aStop.GetSignal();
+}
+
 KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice) {
   const KrDeviceInfo* info = nullptr;
   if (KrResult selected = krapps::SelectDevice(aSystem, aName, info); !selected.IsOK())
@@ -52,8 +57,8 @@ KrResult AwaitFrame(KrStream& aStream, const krapps::StopSignal& aStop, std::uin
     const auto sliceMs = static_cast<std::uint32_t>(std::min<std::uint64_t>(leftMs, kSliceMs));
     KrResult result = aStream.Retrieve(aBuffer, sliceMs);
     if (result == KrResult::Code::TimeLimitExceeded && leftMs == 0)
-      return {KrResult::Code::TimeLimitExceeded,
-              "No frame came within " + std::to_string(aTimeoutMs) + " ms. Check the camera's trigger and exposure."};
+      return {KrResult::Code::TimeLimitExceeded, "No frame came within " + std::to_string(aTimeoutMs) +
+                                                     " ms. Check the camera's trigger, exposure and frame rate."};
     if (!(result == KrResult::Code::TimeLimitExceeded))
       return result;
   }

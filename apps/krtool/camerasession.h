@@ -25,6 +25,9 @@ KrResult Explain(const std::string& aAttempt, const KrResult& aResult);
 /// that failed.
 int Fail(std::ostream& aErrors, const KrResult& aResult);
 
+/// The exit code of a command that a signal ended before it was done, as shells have it for programs that it kills.
+int GetExitCode(const krapps::StopSignal& aStop);
+
 /// Finds and opens the device of a name. On failure aDevice stays null.
 KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice);
 

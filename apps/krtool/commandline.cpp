@@ -163,7 +163,7 @@ private:
   void CheckComplete() {
     const std::string command = "The command " + std::string(mCommand.name);
     if (mCommand.takesDevice && mResult.commandLine.device.empty())
-      Fail(command + " wants a DEVICE: an ID, a MAC or IP address or a user-defined name.");
+      Fail(command + " wants a DEVICE: an ID, a MAC or IP address, a serial number or a user-defined name.");
     else if (mCommand.needsFrames && mResult.commandLine.frames == 0)
       Fail(command + " wants --frames N.");
     else if (mCommand.takesFile)
@@ -212,8 +212,9 @@ std::string GetHelpText() {
     const std::string name = std::string(row.name) + (row.valueName.empty() ? "" : " ") + std::string(row.valueName);
     text += "  " + name + "\n      " + std::string(row.description) + "\n";
   }
-  text += "\nDEVICE is a unique ID, a MAC address, an IP address or a user-defined name.\n"
-          "The exit code is 0, 1 when the command failed, or 2 when it was not understood.\n";
+  text += "\nDEVICE is a unique ID, a MAC address, an IP address, a serial number or a user-defined name.\n"
+          "The exit code is 0, 1 when the command failed, 2 when it was not understood, or 128 and the number of the\n"
+          "signal that ended it early. Finding no device is no failure of list.\n";
   return text;
 }
 

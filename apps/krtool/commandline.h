@@ -16,7 +16,7 @@ enum class Verb { Help, Version, List, Stream, SaveFrame };
 /// What was asked for.
 struct CommandLine {
   Verb verb = Verb::Help;
-  std::string device = {};                            ///< An ID, a MAC or IP address or a user-defined name.
+  std::string device = {};                            ///< An ID, MAC or IP address, serial number or name.
   std::string file = {};                              ///< For SaveFrame.
   std::optional<krapps::FrameFileFormat> format = {}; ///< For SaveFrame: always there.
   std::string pixelFormat = {};                       ///< For SaveFrame: empty where the camera's own stays.

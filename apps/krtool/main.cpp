@@ -39,15 +39,8 @@ int RunWithDevices(const krtool::CommandLine& aCommandLine) {
   return row->run(system, aCommandLine, std::cout, std::cerr);
 }
 
-} // namespace
-
-int main(int aCount, char** aArguments) {
-  const krtool::ParsedCommandLine parsed = krtool::ParseCommandLine({aArguments + 1, aArguments + aCount});
-  if (!parsed.error.empty()) {
-    std::cerr << "krtool: " << parsed.error << "\nTry: krtool --help\n";
-    return 2;
-  }
-  switch (parsed.commandLine.verb) {
+int Run(const krtool::CommandLine& aCommandLine) {
+  switch (aCommandLine.verb) {
   case krtool::Verb::Help:
     std::cout << krtool::GetHelpText();
     return 0;
@@ -59,7 +52,18 @@ int main(int aCount, char** aArguments) {
   case krtool::Verb::SaveFrame:
     break;
   }
-  const int exitCode = RunWithDevices(parsed.commandLine);
+  return RunWithDevices(aCommandLine);
+}
+
+} // namespace
+
+int main(int aCount, char** aArguments) {
+  const krtool::ParsedCommandLine parsed = krtool::ParseCommandLine({aArguments + 1, aArguments + aCount});
+  if (!parsed.error.empty()) {
+    std::cerr << "krtool: " << parsed.error << "\nTry: krtool --help\n";
+    return 2;
+  }
+  const int exitCode = Run(parsed.commandLine);
   if (!std::cout.flush()) {
     std::cerr << "krtool: the output could not be written.\n";
     return 1;

@@ -96,8 +96,10 @@ int SaveFrameOf(KrDevice& aDevice, const CommandLine& aCommandLine, std::ostream
   KrBuffer* frame = nullptr;
   const std::uint32_t timeoutMs = aCommandLine.timeoutMs.value_or(kDefaultFrameTimeoutMs);
   const KrResult taken = AwaitWholeFrame(stream, stop, timeoutMs, aErrors, frame);
-  if (!taken.IsOK())
-    return Fail(aErrors, Explain("taking a frame of " + name + " failed", taken));
+  if (!taken.IsOK()) {
+    const int exitCode = Fail(aErrors, Explain("taking a frame of " + name + " failed", taken));
+    return stop.IsRaised() ? GetExitCode(stop) : exitCode;
+  }
   stream.Stop(); // The frame stays readable, and the camera need not send while the disk is busy.
 
   krapps::FrameFileOptions options = MakeOptions(aCommandLine);

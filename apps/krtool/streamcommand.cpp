@@ -16,12 +16,20 @@ KrResult TakeFrames(KrStream& aStream, const krapps::StopSignal& aStop, const Co
   while (aFigures.GetFrames() < aCommandLine.frames) {
     KrBuffer* buffer = nullptr;
     if (KrResult result = AwaitFrame(aStream, aStop, timeoutMs, buffer); !result.IsOK())
-      return aStop.IsRaised() ? KrResult() : result;
+      return result;
     aFigures.Add(GetSteadyNs(), buffer->GetAcquiredSize());
     if (KrResult released = aStream.Release(buffer); !released.IsOK())
       return released;
   }
   return {};
+}
+
+// The closing line counts packets; frames of which no packet came show nowhere else.
+void TellOfFramesThatNeverCame(const KrStreamStatistics& aStatistics, std::ostream& aErrors) {
+  if (aStatistics.missingFrames > 0)
+    aErrors << "krtool: " << aStatistics.missingFrames << " frames never came. Check cable, switch and adapter.\n";
+  if (aStatistics.discarded > 0)
+    aErrors << "krtool: " << aStatistics.discarded << " frames were dropped because this host was too slow.\n";
 }
 
 int StreamFrom(KrDevice& aDevice, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
@@ -35,11 +43,12 @@ int StreamFrom(KrDevice& aDevice, const CommandLine& aCommandLine, std::ostream&
   krapps::StreamFigures figures;
   const KrResult taken = TakeFrames(stream, stop, aCommandLine, figures);
   const KrStreamStatistics statistics = stream.GetStatistics();
-  // Before the stop, which takes a while with a camera that is gone.
-  const int exitCode = taken.IsOK() ? 0 : Fail(aErrors, Explain("the stream of " + name + " ended", taken));
-  stream.Stop();
+  // All is said before the stop, which takes a while with a camera that is gone.
   aOut << krapps::FormatClosingLine(figures, statistics) << std::endl;
-  return exitCode;
+  TellOfFramesThatNeverCame(statistics, aErrors);
+  if (stop.IsRaised() && figures.GetFrames() < aCommandLine.frames)
+    return GetExitCode(stop);
+  return taken.IsOK() ? 0 : Fail(aErrors, Explain("the stream of " + name + " ended", taken));
 }
 
 } // namespace

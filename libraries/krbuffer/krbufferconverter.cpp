@@ -262,7 +262,7 @@ KrResult KrBufferConverter::SetSampleWindow(const KrSampleWindow& aWindow) {
   if (!std::isfinite(aWindow.high - aWindow.low) || !(aWindow.low < aWindow.high))
     return {KrResult::Code::InvalidInput, "The sample window was to be set from " + ToText(aWindow.low) + " to " +
                                               ToText(aWindow.high) +
-                                              ". Give two numbers of which the first is the smaller one."};
+                                              ". Give two finite numbers of which the first is the smaller one."};
   mBody->tones.ChangeSettings([&aWindow](ToneSettings& aSettings) { aSettings.window = aWindow; });
   return {};
 }

@@ -100,7 +100,7 @@ TEST(KrTool, CtrlC_EndsTheStreamWithTheClosingLine) {
 
   run.Signal(SIGINT);
 
-  EXPECT_EQ(run.Finish(), 0) << run.GetErrors();
+  EXPECT_EQ(run.Finish(), 128 + SIGINT) << run.GetErrors();
   EXPECT_THAT(run.GetOutput(), MatchesRegex(kClosingLine));
 }
 
@@ -130,7 +130,7 @@ TEST(KrTool, TerminatedInTheMiddleOfAStream_EndsWithTheClosingLineAndTheCameraFr
 
   run.Signal(SIGTERM);
 
-  EXPECT_EQ(run.Finish(), 0) << run.GetErrors();
+  EXPECT_EQ(run.Finish(), 128 + SIGTERM) << run.GetErrors();
   EXPECT_THAT(run.GetOutput(), MatchesRegex(kClosingLine));
   ExpectFree("127.0.0.1");
 }

@@ -108,7 +108,7 @@ TEST_F(SaveFrameProgram, TerminatedWhileItWaitsForAWholeFrame_LeavesNoFileAndThe
 
   run.Signal(SIGTERM);
 
-  EXPECT_EQ(run.Finish(), 1);
+  EXPECT_EQ(run.Finish(), 128 + SIGTERM);
   EXPECT_THAT(run.GetErrors(), HasSubstr("It was stopped before a whole frame came."));
   EXPECT_THAT(mFolder.GetNames(), IsEmpty());
   ProgramRun next(KRTOOL_PATH, {"stream", "127.0.0.1", "--frames", "1"});

@@ -1,4 +1,5 @@
 #include "streamcommand.h"
+#include "krtransport/krsimulatedfaults.h"
 #include "labfixture.h"
 
 #include <csignal>
@@ -81,13 +82,26 @@ TEST_F(StreamCommand, AddressThatNobodyHas_Fails) {
   EXPECT_THAT(mErrors.str(), HasSubstr("192.168.77.99"));
 }
 
-TEST_F(StreamCommand, CtrlC_EndsItCleanlyWithTheClosingLine) {
+TEST_F(StreamCommand, CtrlC_EndsItWithTheClosingLineAndTheSignalsCode) {
   mErrors.onBegin = [] { std::raise(SIGINT); };
 
   const int exitCode = Run("sim-mono", 1'000'000);
 
-  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  EXPECT_EQ(exitCode, 128 + SIGINT) << mErrors.str();
   EXPECT_THAT(mOut.str(), MatchesRegex(kClosingLine));
+}
+
+TEST_F(StreamCommand, FramesThatNeverCame_AreSaid) {
+  mErrors.onBegin = [this] {
+    const auto faults = mLab->GetFaults("02:4b:52:00:77:10");
+    faults->DelayPackets(1, 1, 1); // One frame comes before those that do not.
+    faults->DropFrames(3);
+  };
+
+  const int exitCode = Run("sim-mono", 5);
+
+  EXPECT_EQ(exitCode, 0);
+  EXPECT_THAT(mErrors.str(), HasSubstr("3 frames never came"));
 }
 
 TEST_F(StreamCommand, CameraLost_FailsWithTheReasonAndTheClosingLine) {

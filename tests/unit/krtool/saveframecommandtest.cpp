@@ -132,12 +132,12 @@ TEST_F(SaveFrame, OnlyIncompleteFramesInTime_AreSaidToBeThere) {
   EXPECT_THAT(mErrors.str(), HasSubstr("but 2 incomplete ones"));
 }
 
-TEST_F(SaveFrame, CtrlCBeforeAFrame_FailsWithoutAFile) {
+TEST_F(SaveFrame, CtrlCBeforeAFrame_EndsWithTheSignalsCodeAndWithoutAFile) {
   mSource.isInterrupted = true;
 
   const int exitCode = Run({.format = krapps::FrameFileFormat::Raw, .timeoutMs = 600'000});
 
-  EXPECT_EQ(exitCode, 1);
+  EXPECT_EQ(exitCode, 128 + SIGINT);
   EXPECT_THAT(mErrors.str(), HasSubstr("stopped before a whole frame came"));
   EXPECT_THAT(mFolder.GetNames(), IsEmpty());
 }

@@ -25,7 +25,8 @@ enum class KrDeviceAccess {
 class KR_EXPORT KrDeviceEventSink {
 public:
   virtual ~KrDeviceEventSink() = default;
-  /// The device does not answer any more; its streams have ended. aReason says how that showed.
+  /// The device does not answer any more; its streams give no more frames, and are still to be stopped. aReason says
+  /// how that showed.
   virtual void OnDeviceLost(KrDevice* aDevice, const KrResult& aReason) = 0;
   /// The device answers again; open it anew to use it.
   virtual void OnDeviceBack(KrDevice* aDevice) = 0;

@@ -9,8 +9,9 @@
 /// are taken whose action is the default one at this moment. A signal that the application handles or ignores is left
 /// alone. After a signal was taken the process ends by it as it would have, some moments later; until then its other
 /// threads go on (the one that wrote to a closed pipe with EPIPE, as it does without a signal once a GigE Vision device
-/// was opened: what talks to it ignores SIGPIPE in the whole process) and nothing can be opened any more. Where the system
-/// does not let a process end by a signal, as the first one of a container, it exits with 128 and the signal's number.
+/// was opened: what talks to it ignores SIGPIPE in the whole process) and nothing can be opened any more. Where the
+/// system does not let a process end by a signal, as the first one of a container, it exits with 128 and the signal's
+/// number.
 ///
 /// All devices give back at once; the process waits three seconds at most, for a device that does not answer. Not
 /// covered, so that the heartbeat has to run out: SIGKILL, other signals that end a process (real-time ones, the

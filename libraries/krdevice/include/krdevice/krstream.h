@@ -62,10 +62,11 @@ public:
   /// there. One that begins after Cancel has returned waits as ever. The stream goes on.
   void Cancel();
   /// Gives a buffer back to be filled again. InvalidInput for one that was not lent by this stream. After Stop it does
-  /// nothing and succeeds.
+  /// nothing and succeeds. Null is InvalidInput.
   KrResult Release(KrBuffer* aBuffer);
   /// Stops acquisition; waiting calls of Retrieve return. Buffers still lent stay readable until the next Start or the
-  /// stream's destruction. Stopping what is stopped does nothing.
+  /// stream's destruction. Stopping what is stopped does nothing. With a device that is dead it takes as
+  /// long as its transport's calls, seconds with GigE Vision.
   void Stop();
   bool IsRunning() const;
   /// Counts a frame that was shown; to be called by whoever shows the stream's frames.
