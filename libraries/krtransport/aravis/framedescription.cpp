@@ -45,9 +45,7 @@ bool HasImageInLeader(std::uint32_t aPayloadType) {
 }
 
 void DescribeFrame(const FrameDescription& aFrame, KrBuffer& aBuffer) {
-  // The chunks of the buffer's former frame are forgotten: in no bytes there are none.
-  aBuffer.SetAcquiredSize(0);
-  static_cast<void>(aBuffer.DescribeChunks(aFrame.chunkOrder));
+  aBuffer.ForgetChunks();
   const bool isImage = HasImageInLeader(aFrame.payloadType);
   aBuffer.SetPayloadType(isImage ? KrPayloadType::Image : ToPayloadType(aFrame.payloadType));
   aBuffer.SetAcquiredSize(static_cast<std::size_t>(std::min<std::uint64_t>(aFrame.receivedBytes, aBuffer.GetSize())));
