@@ -1,10 +1,11 @@
 #include "treecheck.h"
 
+#include "temporaryfolder.h"
+
 #include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <fstream>
-#include <stdexcept>
 
 #include <sys/wait.h>
 
@@ -17,10 +18,6 @@ namespace fs = std::filesystem;
 class TreeCheck : public testing::Test {
 protected:
   TreeCheck() {
-    std::string pattern = (fs::temp_directory_path() / "archcheckXXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-      throw std::runtime_error("No temporary folder could be made.");
-    mRoot = pattern;
     Write("libraries/krbase/CMakeLists.txt",
           "kr_add_library(krbase ALIAS Base\n  HEADERS krbase/krstring.h\n  SOURCES krstring.cpp)\n");
     Write("libraries/krbase/include/krbase/krstring.h", "#pragma once\n// Text.\n#include <string>\n");
@@ -38,7 +35,6 @@ protected:
     Write("libraries/krgui/logic/a.cpp", "#include \"a.h\"\n");
     Write("apps/krviewer/main.cpp", "#include <QApplication>\n#include \"krtransport/krtransport.h\"\n");
   }
-  ~TreeCheck() override { fs::remove_all(mRoot); }
 
   void Write(const std::string& aFile, const std::string& aText) {
     fs::create_directories((mRoot / aFile).parent_path());
@@ -52,7 +48,8 @@ protected:
     return lines;
   }
 
-  fs::path mRoot;
+  TemporaryFolder mFolder;
+  const fs::path mRoot = mFolder.GetPath();
 };
 
 TEST_F(TreeCheck, TreeThatKeepsTheRules_HasNoViolation) {

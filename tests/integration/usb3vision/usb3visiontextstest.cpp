@@ -2,12 +2,12 @@
 // control transfers are those of a tree and a recording that were put together, not taken from hardware.
 
 #include "programrun.h"
+#include "temporaryfolder.h"
 #include "usbrecording.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -19,16 +19,9 @@ constexpr std::uint16_t kEnglish = 0x0409;
 
 class Usb3VisionTexts : public testing::Test {
 protected:
-  void SetUp() override {
-    std::string name = (std::filesystem::temp_directory_path() / "krusbtextsXXXXXX").string();
-    ASSERT_NE(::mkdtemp(name.data()), nullptr);
-    mFolder = name;
-  }
-  void TearDown() override { std::filesystem::remove_all(mFolder); }
-
   // Runs the probe on the host with one camera; gives what it printed.
   std::string RunProbe(const UsbRecording& aRecording) {
-    const std::filesystem::path recording = mFolder / "recording.pcap";
+    const std::filesystem::path recording = mFolder.GetPath() / "recording.pcap";
     std::ofstream(recording, std::ios::binary) << aRecording.GetBytes();
     // The address sanitizer wants to be loaded in front of what umockdev loads.
     ProgramRun run("/usr/bin/env",
@@ -39,7 +32,7 @@ protected:
     return run.GetOutput();
   }
 
-  std::filesystem::path mFolder;
+  TemporaryFolder mFolder;
 };
 
 TEST_F(Usb3VisionTexts, Discover_DeviceThatAnswers_TellsItsOwnTexts) {

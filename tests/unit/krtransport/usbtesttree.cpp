@@ -1,6 +1,5 @@
 #include "usbtesttree.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 #include <vector>
@@ -36,16 +35,9 @@ void WriteFile(const fs::path& aPath, const std::string& aBytes) {
     throw std::runtime_error("Writing " + aPath.string() + " failed.");
 }
 
-fs::path MakeFolder() {
-  std::string name = (fs::temp_directory_path() / "krusbtreeXXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr)
-    throw std::runtime_error("No temporary folder could be made.");
-  return name;
-}
-
 } // namespace
 
-UsbTestTree::UsbTestTree(const std::string& aName) : mFolder(MakeFolder()) {
+UsbTestTree::UsbTestTree(const std::string& aName) {
   if (aName.empty())
     return;
   std::ifstream file(fs::path(USB_TREES) / (aName + ".tree"));
@@ -57,11 +49,6 @@ UsbTestTree::UsbTestTree(const std::string& aName) : mFolder(MakeFolder()) {
       Unpack(line);
 }
 
-UsbTestTree::~UsbTestTree() {
-  std::error_code error;
-  fs::remove_all(mFolder, error);
-}
-
 void UsbTestTree::Unpack(const std::string& aLine) {
   const std::string content = aLine.substr(3);
   const std::size_t equals = content.find('=');
@@ -69,18 +56,18 @@ void UsbTestTree::Unpack(const std::string& aLine) {
   const std::string value = equals == std::string::npos ? std::string() : content.substr(equals + 1);
   switch (aLine[0]) {
   case 'P':
-    mUnpacked = mFolder / "sys" / content.substr(1);
+    mUnpacked = mFolder.GetPath() / "sys" / content.substr(1);
     fs::create_directories(mUnpacked);
     break;
   case 'N':
-    WriteFile(mFolder / "dev" / name, {});
+    WriteFile(mFolder.GetPath() / "dev" / name, {});
     break;
   case 'E':
     if (name != "SUBSYSTEM")
       break;
-    fs::create_directories(mFolder / "sys/bus" / value / "devices");
-    fs::create_symlink(mFolder / "sys/bus" / value, mUnpacked / "subsystem");
-    fs::create_symlink(mUnpacked, mFolder / "sys/bus" / value / "devices" / mUnpacked.filename());
+    fs::create_directories(mFolder.GetPath() / "sys/bus" / value / "devices");
+    fs::create_symlink(mFolder.GetPath() / "sys/bus" / value, mUnpacked / "subsystem");
+    fs::create_symlink(mUnpacked, mFolder.GetPath() / "sys/bus" / value / "devices" / mUnpacked.filename());
     break;
   case 'A':
     WriteFile(mUnpacked / name, UnescapeText(value));
@@ -97,12 +84,12 @@ void UsbTestTree::Unpack(const std::string& aLine) {
 }
 
 void UsbTestTree::Unplug(const std::string& aPort) {
-  Move(aPort, GetRoots().devices, mFolder / "unplugged");
+  Move(aPort, GetRoots().devices, mFolder.GetPath() / "unplugged");
 }
 
 void UsbTestTree::PlugIn(const std::string& aPort, std::uint32_t aAddress) {
-  WriteFile(mFolder / "unplugged" / aPort / "devnum", std::to_string(aAddress) + "\n");
-  Move(aPort, mFolder / "unplugged", GetRoots().devices);
+  WriteFile(mFolder.GetPath() / "unplugged" / aPort / "devnum", std::to_string(aAddress) + "\n");
+  Move(aPort, mFolder.GetPath() / "unplugged", GetRoots().devices);
 }
 
 void UsbTestTree::SetAttribute(const std::string& aPort, const std::string& aName, const std::string& aText) {

@@ -1,6 +1,7 @@
 #pragma once
 // A tree of USB devices in a temporary folder, unpacked from a file under usbtrees/, for whatever reads sysfs.
 
+#include "temporaryfolder.h"
 #include "usb3vision/usbtree.h"
 
 #include <filesystem>
@@ -14,12 +15,11 @@ public:
   /// Unpacks the file of a name, for example "superspeed"; throws std::runtime_error for one that is not there or has a
   /// line that means nothing. The empty name is a host without USB.
   explicit UsbTestTree(const std::string& aName);
-  ~UsbTestTree();
   UsbTestTree(const UsbTestTree&) = delete;
   UsbTestTree& operator=(const UsbTestTree&) = delete;
 
   UsbRoots GetRoots() const {
-    return {.devices = mFolder / "sys/bus/usb/devices", .deviceFiles = mFolder / "dev/bus/usb"};
+    return {.devices = mFolder.GetPath() / "sys/bus/usb/devices", .deviceFiles = mFolder.GetPath() / "dev/bus/usb"};
   }
   /// Takes a device out, with its interfaces.
   void Unplug(const std::string& aPort);
@@ -32,7 +32,7 @@ private:
   void Unpack(const std::string& aLine);
   static void Move(const std::string& aPort, const std::filesystem::path& aFrom, const std::filesystem::path& aTo);
 
-  std::filesystem::path mFolder;
+  TemporaryFolder mFolder;
   std::filesystem::path mUnpacked; // The folder that the following lines belong to.
 };
 
