@@ -1,8 +1,10 @@
 #include "gigevisionfixture.h"
 
 #include <fstream>
+#include <future>
 #include <string>
 #include <thread>
+#include <unistd.h>
 
 using krsystem::AccessType;
 using krsystem::DeviceAccess;
@@ -123,6 +125,20 @@ KrResult GigEVisionStreamTest::Start(std::size_t aBufferBytes) {
     if (!buffer.Alloc(aBufferBytes).IsOK() || !mSource->Queue(&buffer).IsOK())
       return KrResult::Code::SystemError;
   return mSource->Start();
+}
+
+KrResult GigEVisionStreamTest::EndWaitBy(const std::function<void()>& aAction) {
+  KrResult result;
+  std::promise<pid_t> waiterID;
+  std::thread waiter([&] {
+    KrBuffer* buffer = nullptr;
+    waiterID.set_value(::gettid());
+    result = mSource->Retrieve(buffer, 3600000);
+  });
+  WaitUntilAsleep(waiterID.get_future().get());
+  aAction();
+  waiter.join();
+  return result;
 }
 
 KrBuffer* GigEVisionStreamTest::Retrieve() {

@@ -15,6 +15,7 @@
 #include <array>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <sys/types.h>
@@ -90,6 +91,9 @@ protected:
   void SetUp() override;
   /// Queues buffers and starts.
   KrResult Start(std::size_t aBufferBytes = std::size_t{kWidth} * kHeight);
+  /// What a call of Retrieve returned that another thread waited in, with no end of its own in sight, when aAction
+  /// came.
+  KrResult EndWaitBy(const std::function<void()>& aAction);
   /// Takes the next frame; null, and a failure, where none comes.
   KrBuffer* Retrieve();
 

@@ -3,7 +3,6 @@
 #include <atomic>
 #include <future>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -70,17 +69,8 @@ TEST_F(GigEVisionGiveBack, GiveBackControl_FeatureKnownBefore_StaysKnown) {
 
 TEST_F(GigEVisionGiveBack, GiveBackControl_WhileAFrameIsAwaited_EndsTheWait) {
   ASSERT_TRUE(mSource->Start().IsOK());
-  KrResult result;
-  std::promise<pid_t> waiterID;
-  std::thread waiter([&] {
-    KrBuffer* buffer = nullptr;
-    waiterID.set_value(::gettid());
-    result = mSource->Retrieve(buffer, 3600000);
-  });
-  WaitUntilAsleep(waiterID.get_future().get());
 
-  mLink->GiveBackControl();
-  waiter.join();
+  const KrResult result = EndWaitBy([this] { mLink->GiveBackControl(); });
 
   EXPECT_EQ(result, KrResult::Code::ConnectionLost);
 }

@@ -1,10 +1,8 @@
 #include "gigevisionfixture.h"
 
 #include <arpa/inet.h>
-#include <future>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -116,17 +114,8 @@ TEST_F(GigEVisionStream, Retrieve_NoBufferQueued_ReturnsTimeLimitExceeded) {
 
 TEST_F(GigEVisionStream, Stop_WhileAnotherThreadWaits_EndsTheWaitWithAborted) {
   ASSERT_TRUE(mSource->Start().IsOK());
-  KrResult result;
-  std::promise<pid_t> waiterID;
-  std::thread waiter([&] {
-    KrBuffer* buffer = nullptr;
-    waiterID.set_value(::gettid());
-    result = mSource->Retrieve(buffer, 3600000);
-  });
-  WaitUntilAsleep(waiterID.get_future().get());
 
-  mSource->Stop();
-  waiter.join();
+  const KrResult result = EndWaitBy([this] { mSource->Stop(); });
 
   EXPECT_EQ(result, KrResult::Code::Aborted);
 }
