@@ -6,8 +6,7 @@ include(CMakePackageConfigHelpers)
 set(KR_FOREIGN_TARGETS
   "spdlog::spdlog|find_dependency(spdlog)|spdlog"
   "pugixml::pugixml|find_dependency(pugixml)|pugixml"
-  "yaml-cpp|find_dependency(yaml-cpp)|yaml-cpp"
-  "libzip::zip|find_dependency(libzip)|libzip")
+  "yaml-cpp|find_dependency(yaml-cpp)|yaml-cpp")
 
 # Appends to the caller's packageCalls and pkgConfigModules what finds a linked target.
 function(kr_collect_foreign aTarget)

@@ -1,0 +1,40 @@
+#pragma once
+// A group of parameters and further groups, as a description arranges them for people.
+
+#include "krgenicam/krgenparameter.h"
+#include "krgenicam/krgenparameterlist.h"
+
+#include <vector>
+
+/// A category.
+///
+/// Thread, results: as KrGenParameter. Ownership: the array's.
+class KR_EXPORT KrGenCategory {
+public:
+  KrGenCategory(const KrGenCategory&) = delete;
+  KrGenCategory& operator=(const KrGenCategory&) = delete;
+
+  KrResult GetName(KrString& aName) const;
+  KrString GetName() const;
+  KrResult GetDisplayName(KrString& aDisplayName) const;
+  KrResult GetToolTip(KrString& aToolTip) const;
+  KrResult GetDescription(KrString& aDescription) const;
+  KrResult GetNameSpace(KrGenNameSpace& aNameSpace) const;
+  KrResult GetVisibility(KrGenVisibility& aVisibility) const;
+  /// Whether users of a level are to see the category, by its own visibility.
+  bool IsVisible(KrGenVisibility aVisibility) const;
+  /// Whether the category is implemented and at least one parameter in it or below is.
+  KrResult IsImplemented(bool& aIsImplemented);
+  bool IsImplemented();
+  /// The parameters directly in it, in the order of the description.
+  KrResult GetParameters(KrGenParameterList& aParameters);
+  /// The categories directly in it, in the order of the description.
+  KrResult GetCategories(std::vector<KrGenCategory*>& aCategories);
+
+private:
+  friend class krgenicam::NodeMap;
+  KrGenCategory(krgenicam::NodeMap& aMap, krgenicam::Node& aNode) : mMap(aMap), mNode(aNode) {}
+
+  krgenicam::NodeMap& mMap;
+  krgenicam::Node& mNode;
+};

@@ -1,0 +1,19 @@
+#pragma once
+// Word of changes of a parameter. What changed is for the sink to read.
+
+#include "krbase/krexport.h"
+
+class KrGenParameter;
+
+/// Hears of changes of parameters it is registered with.
+///
+/// Thread: called on the notification thread of the parameter's array, one call at a time, with no lock held. A sink
+/// may read and write parameters, and register and unregister sinks, itself among them; it must not destroy the array.
+/// Ownership: the application's; must be unregistered before it is destroyed.
+class KR_EXPORT KrGenEventSink {
+public:
+  /// The parameter's value, range, access or entries have changed since the last call, or, before the first one, since
+  /// the sink was registered. Changes that come quickly are told as one.
+  virtual void OnParameterUpdate(KrGenParameter* aParameter) = 0;
+  virtual ~KrGenEventSink() = default;
+};

@@ -1,0 +1,109 @@
+#pragma once
+// A feature of a device, or another node of its description, whatever its type. The typed views (KrGenInteger and so
+// on) are had by dynamic_cast.
+
+#include "krbase/krresult.h"
+#include "krbase/krstringlist.h"
+#include "krgenicam/krgentypes.h"
+
+#include <cstdint>
+
+class KrGenEventSink;
+class KrGenParameterList;
+
+namespace krgenicam {
+class Node;
+class NodeMap;
+} // namespace krgenicam
+
+/// A parameter.
+///
+/// Results of the operations that reach the device: AccessDenied for what cannot be read or written at the moment (the
+/// description says why: not implemented, not available, locked, by access mode), OutOfRange for a value outside range,
+/// increment or set of valid values, InvalidInput for a value of the wrong form, an entry that does not exist (the
+/// description lists those that can be chosen) and a text too long, BadData where the camera's description is at fault
+/// (naming node, line and reason), and what a register port gives. A value that is asked for is set on success only,
+/// and nothing is written unless all of it can be.
+///
+/// Thread: any. A call may wait as long as the registers need that it touches, and for calls of other threads.
+/// Ownership: the array's, as long as the array lives.
+///
+///     if (auto* exposure = dynamic_cast<KrGenFloat*>(array->Get("ExposureTime")))
+///       KrResult result = exposure->SetValue(5000.0);
+class KR_EXPORT KrGenParameter {
+public:
+  virtual ~KrGenParameter();
+  KrGenParameter(const KrGenParameter&) = delete;
+  KrGenParameter& operator=(const KrGenParameter&) = delete;
+
+  /// The name by which the array knows the parameter.
+  KrResult GetName(KrString& aName) const;
+  KrString GetName() const;
+  /// The name for people; the name itself where the description has none.
+  KrResult GetDisplayName(KrString& aDisplayName) const;
+  KrResult GetToolTip(KrString& aToolTip) const;
+  KrResult GetDescription(KrString& aDescription) const;
+  /// The address of more documentation; empty where there is none. Text of the device: not to be opened unseen.
+  KrResult GetDocuURL(KrString& aURL) const;
+  KrResult GetNameSpace(KrGenNameSpace& aNameSpace) const;
+  /// The stricter one of Visibility and ImposedVisibility.
+  KrResult GetVisibility(KrGenVisibility& aVisibility) const;
+  KrResult GetType(KrGenType& aType) const;
+  KrGenType GetType() const;
+  /// Whether users of a level are to see the parameter.
+  bool IsVisible(KrGenVisibility aVisibility) const;
+  /// Whether the value belongs to the settings that are stored and restored.
+  KrResult IsStreamable(bool& aIsStreamable) const;
+  KrResult IsDeprecated(bool& aIsDeprecated) const;
+  /// The path of the first category that holds the parameter, from the root on, parted by backslashes, for example
+  /// "Root\ImageFormatControl"; empty for a node that no category holds.
+  KrResult GetCategory(KrString& aPath) const;
+  KrString GetCategory() const;
+  /// The paths of all categories that hold it, in the order of the description.
+  KrResult GetCategories(KrStringList& aPaths) const;
+  /// The line of the description where the node begins, from 1 on.
+  std::uint32_t GetLine() const;
+
+  /// What can be done at the moment. What cannot be found out (a predicate that cannot be read) counts as not
+  /// available.
+  KrGenAccessMode GetAccessMode();
+  KrResult IsImplemented(bool& aIsImplemented);
+  bool IsImplemented();
+  KrResult IsAvailable(bool& aIsAvailable);
+  bool IsAvailable();
+  KrResult IsReadable(bool& aIsReadable);
+  bool IsReadable();
+  KrResult IsWritable(bool& aIsWritable);
+  bool IsWritable();
+
+  /// The parameters whose value says which of several this one stands for: its selectors.
+  KrResult GetSelectingParameters(KrGenParameterList& aParameters);
+  /// The parameters that this one selects.
+  KrResult GetSelectedParameters(KrGenParameterList& aParameters);
+  /// The same feature in other units (pAlias) and in another type (pCastAlias); null where there is none.
+  KrGenParameter* GetAlias();
+  KrGenParameter* GetCastAlias();
+
+  /// The value as text, as FromString takes it and settings are stored: integers decimal, floats with as many digits as
+  /// it takes to read the same number, booleans 1 and 0, the entry's name for an enumeration, hexadecimal digits for a
+  /// register. InvalidInput for a type without a value (commands).
+  KrResult ToString(KrString& aText);
+  /// Sets the value from text; takes besides hexadecimal integers (0x…), true and false in any case, and an entry's
+  /// number. InvalidInput for a text that is no value of the type.
+  KrResult FromString(const KrString& aText);
+
+  /// Registers a sink; InvalidInput for null or one that is registered with this parameter already.
+  KrResult RegisterEventSink(KrGenEventSink* aSink);
+  /// Takes a sink out; returns when no call of it for this parameter is running on another thread, and at once inside
+  /// the sink's own call. InvalidInput when it is not registered.
+  KrResult UnregisterEventSink(KrGenEventSink* aSink);
+
+protected:
+  KrGenParameter(krgenicam::NodeMap& aMap, krgenicam::Node& aNode) : mMap(aMap), mNode(aNode) {}
+
+  krgenicam::NodeMap& mMap;
+  krgenicam::Node& mNode;
+
+private:
+  friend class krgenicam::NodeMap;
+};

@@ -1,0 +1,36 @@
+#pragma once
+// An ordered list of parameters, walked from its first to its last. What the parameters are is left to them.
+
+#include "krbase/krexport.h"
+
+#include <cstddef>
+#include <vector>
+
+class KrGenParameter;
+
+/// A list of parameters.
+///
+/// Thread: a value with a place that GetFirst and GetNext move; one thread at a time.
+/// Ownership: borrows the parameters, which belong to their array.
+///
+///     for (KrGenParameter* parameter = list.GetFirst(); parameter; parameter = list.GetNext())
+class KR_EXPORT KrGenParameterList {
+public:
+  void Add(KrGenParameter* aParameter);
+  void Clear();
+  std::size_t GetCount() const { return mParameters.size(); }
+  bool IsEmpty() const { return mParameters.empty(); }
+  /// The parameter at an index; null at or beyond GetCount().
+  KrGenParameter* operator[](std::size_t aIndex) const;
+  /// The first parameter, or null; GetNext() goes on from there.
+  KrGenParameter* GetFirst();
+  /// The parameter behind the one that was given last, or null at the end.
+  KrGenParameter* GetNext();
+
+  std::vector<KrGenParameter*>::const_iterator begin() const { return mParameters.begin(); }
+  std::vector<KrGenParameter*>::const_iterator end() const { return mParameters.end(); }
+
+private:
+  std::vector<KrGenParameter*> mParameters;
+  std::size_t mNext = 0;
+};

@@ -1,0 +1,22 @@
+#pragma once
+// A parameter that is a piece of the device's memory.
+
+#include "krgenicam/krgenparameter.h"
+
+#include <cstdint>
+#include <vector>
+
+/// Thread, ownership, results: as KrGenParameter.
+class KR_EXPORT KrGenRegister final : public KrGenParameter {
+public:
+  /// The bytes as the device has them.
+  KrResult GetValue(std::vector<std::uint8_t>& aBytes);
+  /// Writes the bytes; InvalidInput unless they are as many as GetLength says.
+  KrResult SetValue(const std::vector<std::uint8_t>& aBytes);
+  KrResult GetAddress(std::int64_t& aAddress);
+  KrResult GetLength(std::int64_t& aLength);
+
+private:
+  friend class krgenicam::NodeMap;
+  using KrGenParameter::KrGenParameter;
+};

@@ -1,0 +1,45 @@
+#pragma once
+// The settings of a device as text: which parameter had which value, in the order in which they are to be set. Reading
+// and writing the device is left to the parameter array.
+
+#include "krbase/krresult.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// One step: a parameter and its value as text (KrGenParameter::ToString). Selectors are steps too, and come before
+/// what they select.
+struct KrGenSetting {
+  KrString name;
+  KrString value;
+
+  friend bool operator==(const KrGenSetting&, const KrGenSetting&) = default;
+};
+
+/// Settings in order. Names may occur several times.
+///
+/// Thread: a value; different objects may be used from different threads.
+/// Ownership: owns its texts.
+class KR_EXPORT KrGenSettings {
+public:
+  void Add(const KrString& aName, const KrString& aValue);
+  void Clear() { mSettings.clear(); }
+  std::size_t GetCount() const { return mSettings.size(); }
+  const std::vector<KrGenSetting>& GetSettings() const { return mSettings; }
+  /// The device that the settings were taken from, for people; written into the text.
+  const KrString& GetDevice() const { return mDevice; }
+  void SetDevice(const KrString& aDevice) { mDevice = aDevice; }
+
+  /// The text as GenApi persistence files have it: comments that begin with "#", of which the first says what the file
+  /// is, then one line for each step: name, tab, value.
+  std::string ToText() const;
+  /// Reads such a text, of at most 16 MiB, with any kind of line ends; comments are optional but for the first. BadData
+  /// with the line for what is no settings file.
+  KrResult FromText(std::string_view aText);
+
+private:
+  std::vector<KrGenSetting> mSettings;
+  KrString mDevice;
+};

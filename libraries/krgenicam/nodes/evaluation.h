@@ -1,0 +1,59 @@
+#pragma once
+// One operation on a node map, as it goes from node to node under the map's lock: what is remembered from before, what
+// may be asked of the device, and where it stands. The values themselves are left to the nodes.
+
+#include "krbase/krresult.h"
+#include "krgenicam/ikrregisterport.h"
+
+#include <cstdint>
+#include <stop_token>
+#include <vector>
+
+namespace krgenicam {
+
+class Node;
+
+/// What nodes need of the map they belong to.
+///
+/// Thread: under the map's lock.
+class INodeHost {
+public:
+  virtual IKrRegisterPort& GetPort() = 0;
+  /// Nothing may be written.
+  virtual bool IsReadOnly() const = 0;
+  virtual std::uint32_t GetTimeoutMs() const = 0;
+  virtual std::stop_token GetStopToken() const = 0;
+  /// Why registers cannot be reached any more; OK while they can.
+  virtual KrResult GetClosing() const = 0;
+  virtual std::uint64_t GetTimeMs() const = 0;
+  /// A number that is higher each time.
+  virtual std::uint64_t TakeEpoch() = 0;
+  /// The node's value has changed, or may have: forgets it and all that depends on it, and has sinks look.
+  virtual void Invalidate(Node& aNode) = 0;
+
+protected:
+  ~INodeHost() = default;
+};
+
+/// Thread: under the map's lock.
+struct Evaluation {
+  explicit Evaluation(INodeHost& aHost) : host(aHost), epoch(aHost.TakeEpoch()) {}
+
+  /// Levels of nodes that stand on one another beyond which a description counts as endless.
+  static constexpr std::size_t kMaxDepth = 256;
+
+  /// A node's value was changed by writing it: what depends on it is forgotten, and what this evaluation found so far.
+  void OnWritten(Node& aNode) {
+    host.Invalidate(aNode);
+    epoch = host.TakeEpoch();
+  }
+
+  INodeHost& host;
+  std::uint64_t epoch;       ///< What was computed under it holds until the evaluation's end, stable or not.
+  bool mayAskDevice = true;  ///< Otherwise a register that is not cached gives Busy.
+  bool isFresh = false;      ///< What was read before the evaluation began is not used.
+  bool isStable = true;      ///< All that the node under computation was computed from may be remembered.
+  std::vector<Node*> path{}; ///< The nodes under computation, from the outermost on.
+};
+
+} // namespace krgenicam
