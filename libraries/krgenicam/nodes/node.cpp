@@ -200,12 +200,17 @@ std::size_t Node::TakeWord(INodeIndex& aIndex, PropertyKind aKind, std::span<con
 
 KrResult Node::Get(Evaluation& aEvaluation, Facet aFacet, Number& aValue) {
   Memo& memo = mMemos[static_cast<std::size_t>(aFacet)];
-  if (memo.isBusy)
+  if (memo.isBusy) {
+    aEvaluation.isStable = false;
     return MakeCycleFault(aEvaluation);
+  }
   if (!memo.Holds(aEvaluation)) {
-    if (aEvaluation.path.size() >= Evaluation::kMaxDepth)
+    if (aEvaluation.path.size() >= Evaluation::kMaxDepth) {
+      // Asked from elsewhere, the same nodes may be within the limit.
+      aEvaluation.isStable = false;
       return MakeFault(GetLine(),
                        "more than " + std::to_string(Evaluation::kMaxDepth) + " nodes stand on one another here.");
+    }
     return Find(aEvaluation, aFacet, aValue, memo);
   }
   aEvaluation.isStable = aEvaluation.isStable && memo.IsStable();
@@ -225,6 +230,8 @@ KrResult Node::Find(Evaluation& aEvaluation, Facet aFacet, Number& aValue, Memo&
       value = FromAccess(CombineAccess(aEvaluation, aFacet));
     else
       result = Compute(aEvaluation, aFacet, value);
+    // A failure may pass: what others made of it is not to be remembered either.
+    aEvaluation.isStable = aEvaluation.isStable && result.IsOK();
     isStable = aEvaluation.isStable;
   }
   aMemo.Set(aEvaluation, result, value, isStable);
