@@ -1,0 +1,1 @@
+#include "nodes/enumerationnode.h"

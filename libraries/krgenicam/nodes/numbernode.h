@@ -1,0 +1,58 @@
+#pragma once
+// What Integer and Float have in common: limits of their own or of what they stand on, increment, and how they are
+// shown. Rounding and checking values is left to the derived classes.
+
+#include "nodes/valuenode.h"
+
+#include <optional>
+
+namespace krgenicam {
+
+/// Thread, ownership: as Node.
+class NumberNode : public ValueNode {
+public:
+  using ValueNode::ValueNode;
+
+  void Link(INodeIndex& aIndex) override;
+  KrResult GetValidValues(Evaluation& aEvaluation, std::vector<Number>& aValues) override;
+  NodeShown GetShown(Evaluation& aEvaluation) override;
+
+protected:
+  /// A limit or increment that the description gives.
+  struct Limit {
+    NodeLink link = {};
+    std::optional<Number> constant = {};
+
+    bool IsSet() const { return link.IsSet() || constant; }
+  };
+
+  KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) override;
+
+  /// The smallest and the largest number of the type.
+  virtual Number GetNativeLimit(Facet aFacet) const = 0;
+  /// A limit of another node as one of this one.
+  virtual Number ToOwnLimit(Facet aFacet, const Number& aLimit) const = 0;
+  /// A limit of a target.
+  virtual KrResult GetTargetLimit(Evaluation& aEvaluation, Node& aTarget, Facet aFacet, Number& aValue);
+  const Limit& GetIncrement() const { return mIncrement; }
+  KrResult GetOwnLimit(Evaluation& aEvaluation, const Limit& aLimit, Facet aFacet, Number& aValue);
+  std::size_t GetRepresentation() const { return mRepresentation.value_or(2); }
+  const std::vector<Number>& GetOwnValidValues() const { return mValidValues; }
+
+private:
+  Limit TakeLimit(INodeIndex& aIndex, PropertyKind aConstant, PropertyKind aLink);
+  void TakeValidValues(INodeIndex& aIndex);
+  void TakeShown(INodeIndex& aIndex);
+  KrResult ComputeLimit(Evaluation& aEvaluation, Facet aFacet, Number& aValue);
+
+  Limit mMinimum;
+  Limit mMaximum;
+  Limit mIncrement;
+  std::vector<Number> mValidValues; ///< Ascending.
+  std::optional<std::size_t> mRepresentation;
+  std::optional<std::string_view> mUnit;
+  std::optional<std::size_t> mNotation;
+  std::optional<std::int64_t> mPrecision;
+};
+
+} // namespace krgenicam
