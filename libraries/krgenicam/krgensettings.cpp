@@ -140,15 +140,15 @@ std::string KrGenSettings::ToText() const {
 
 KrResult KrGenSettings::FromText(std::string_view aText) {
   if (aText.size() > kMaxBytes)
-    return {KrResult::Code::BadData, "The settings are longer than the limit of " + std::to_string(kMaxBytes) +
-                                         " bytes."};
+    return {KrResult::Code::BadData,
+            "The settings are longer than the limit of " + std::to_string(kMaxBytes) + " bytes."};
   if (aText.starts_with(kByteOrderMark))
     aText.remove_prefix(kByteOrderMark.size());
   Lines lines(aText);
   std::string_view line;
   if (!lines.Take(line) || !HasMagic(line))
-    return {KrResult::Code::BadData, "Line 1 of the settings: a comment with " + std::string(kMagic) +
-                                         " is wanted; this is no settings file."};
+    return {KrResult::Code::BadData,
+            "Line 1 of the settings: a comment with " + std::string(kMagic) + " is wanted; this is no settings file."};
   std::vector<KrGenSetting> settings;
   KrString device;
   SettingsReader reader(settings, device);

@@ -59,8 +59,8 @@ bool IsSettingName(std::string_view aName) {
 }
 
 bool NeedsEscape(std::string_view aValue) {
-  return !aValue.empty() && (aValue.front() == ' ' || aValue.back() == ' ' ||
-                             std::any_of(aValue.begin(), aValue.end(), IsControl));
+  return !aValue.empty() &&
+         (aValue.front() == ' ' || aValue.back() == ' ' || std::any_of(aValue.begin(), aValue.end(), IsControl));
 }
 
 std::string EscapeSetting(std::string_view aValue) {

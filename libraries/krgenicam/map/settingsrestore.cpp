@@ -1,0 +1,225 @@
+#include "map/settingsrestore.h"
+
+#include "map/persistenceframe.h"
+#include "map/settingscomparison.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace krgenicam {
+
+namespace {
+
+// Reasons that another setting may do away with: a range, a lock or an entry that depends on it, a device's refusal.
+bool IsCurable(const KrResult& aFailure) {
+  return aFailure == KrResult::Code::OutOfRange || aFailure == KrResult::Code::AccessDenied ||
+         aFailure == KrResult::Code::Busy || aFailure == KrResult::Code::ProtocolError;
+}
+
+bool IsEnd(const KrResult& aFailure) {
+  return aFailure == KrResult::Code::ConnectionLost || aFailure == KrResult::Code::Aborted;
+}
+
+KrString Show(const KrString& aValue) {
+  return aValue.IsEmpty() ? "(empty)" : aValue;
+}
+
+} // namespace
+
+KrResult SettingsRestore::Run(const KrGenSettings& aSettings) {
+  mSteps.reserve(aSettings.GetCount());
+  for (const KrGenSetting& setting : aSettings.GetSettings())
+    mSteps.push_back(MakeStep(setting));
+  MarkSuperseded();
+
+  PersistenceFrame frame;
+  Note(frame.Begin(mFind));
+  SetAll();
+  Note(frame.End());
+  VerifyAll();
+  if (TakeSecondChance())
+    VerifyAll();
+  PutSelectors();
+  Report();
+  return mFirstProblem;
+}
+
+SettingsRestore::Step SettingsRestore::MakeStep(const KrGenSetting& aSetting) {
+  Step step = {.parameter = mFind(aSetting.name), .setting = aSetting};
+  if (step.parameter == nullptr) {
+    step.state = State::Failed;
+    step.failure = {KrResult::Code::NotFound, "there is no such parameter."};
+    return step;
+  }
+  step.context = MakeContext(*step.parameter);
+  step.isSelector = IsSelector(*step.parameter);
+  if (step.isSelector) {
+    std::erase_if(mPositions, [&](const SelectorPosition& aOther) { return aOther.selector == step.parameter; });
+    mPositions.push_back({step.parameter, aSetting.value});
+  }
+  return step;
+}
+
+// Selectors that no setting has moved yet stay where they are.
+std::vector<SelectorPosition> SettingsRestore::MakeContext(KrGenParameter& aParameter) {
+  const auto [selectors, isNew] = mSelectors.try_emplace(&aParameter);
+  if (isNew)
+    selectors->second = ListSelectors(aParameter);
+  std::vector<SelectorPosition> context;
+  for (KrGenParameter* const selector : selectors->second) {
+    const auto position =
+        std::find_if(mPositions.begin(), mPositions.end(),
+                     [selector](const SelectorPosition& aOther) { return aOther.selector == selector; });
+    if (position != mPositions.end())
+      context.push_back(*position);
+  }
+  return context;
+}
+
+void SettingsRestore::MarkSuperseded() {
+  std::set<std::string> places;
+  for (auto step = mSteps.rbegin(); step != mSteps.rend(); ++step)
+    step->isSuperseded =
+        step->parameter != nullptr && !places.insert(DescribePlace(step->setting.name, step->context)).second;
+}
+
+void SettingsRestore::SetAll() {
+  const std::size_t most = std::min(kMaxPasses, mSteps.size());
+  for (std::size_t pass = 0; pass < most && mEnd.IsOK(); ++pass) {
+    if (!SetPass())
+      break;
+  }
+  for (Step& step : mSteps) {
+    if (step.state == State::Waiting && !step.failure.IsOK())
+      step.state = State::Failed;
+  }
+}
+
+// Sets what waits; whether there is more to set than before.
+bool SettingsRestore::SetPass() {
+  bool hasProgress = false;
+  for (Step& step : mSteps) {
+    // A selector that goes on to another position is moved there when something is to be set under it.
+    if (step.state != State::Waiting || (step.isSelector && step.isSuperseded))
+      continue;
+    SetStep(step);
+    if (!mEnd.IsOK())
+      break;
+    hasProgress |= step.state == State::Set;
+  }
+  return hasProgress;
+}
+
+void SettingsRestore::SetStep(Step& aStep) {
+  KrResult set = MoveTo(aStep.context);
+  if (set.IsOK())
+    set = aStep.parameter->FromString(aStep.setting.value);
+  if (IsEnd(set))
+    mEnd = set;
+  aStep.failure = set.IsOK() ? set
+                             : KrResult(set.GetCode(),
+                                        Show(aStep.setting.value) + " is wanted, but was not set: " + GetReason(set));
+  // What another setting replaces later is not tried again.
+  if (set.IsOK() || aStep.isSuperseded)
+    aStep.state = State::Set;
+  else if (!IsCurable(set))
+    aStep.state = State::Failed;
+}
+
+KrResult SettingsRestore::MoveTo(const std::vector<SelectorPosition>& aContext) {
+  for (const SelectorPosition& position : aContext) {
+    bool isThere = false;
+    KrString value;
+    KrResult moved = CompareWithText(*position.selector, position.position, isThere, value);
+    if (!moved.IsOK() || !isThere)
+      moved = position.selector->FromString(position.position);
+    if (!moved.IsOK())
+      return {moved.GetCode(),
+              position.selector->GetName() + " cannot be set to " + position.position + ": " + GetReason(moved)};
+  }
+  return {};
+}
+
+// Selectors are read back when they are put where they are to stay.
+void SettingsRestore::VerifyAll() {
+  for (Step& step : mSteps) {
+    if (mEnd.IsOK() && !step.isSuperseded && !step.isSelector &&
+        (step.state == State::Set || step.state == State::Done))
+      VerifyStep(step);
+  }
+}
+
+void SettingsRestore::VerifyStep(Step& aStep) {
+  KrResult read = MoveTo(aStep.context);
+  bool isSame = aStep.parameter->GetAccessMode() == KrGenAccessMode::WriteOnly;
+  KrString value;
+  if (read.IsOK() && !isSame)
+    read = CompareWithText(*aStep.parameter, aStep.setting.value, isSame, value);
+  if (IsEnd(read))
+    mEnd = read;
+  if (!read.IsOK())
+    aStep.failure = {read.GetCode(),
+                     Show(aStep.setting.value) + " was set, but cannot be read back: " + GetReason(read)};
+  else if (!isSame)
+    aStep.failure = {KrResult::Code::NotSupported,
+                     Show(aStep.setting.value) + " was set, but the device has " + Show(value) + "."};
+  aStep.state = aStep.failure.IsOK() ? State::Done : State::Failed;
+}
+
+// What a later setting changed again, as devices do with exposure time and frame rate, is set once more. Whether there
+// was any.
+bool SettingsRestore::TakeSecondChance() {
+  bool isAny = false;
+  for (Step& step : mSteps) {
+    if (!mEnd.IsOK() || !(step.failure == KrResult::Code::NotSupported) || step.state != State::Failed ||
+        step.parameter == nullptr)
+      continue;
+    SetStep(step);
+    isAny = true;
+  }
+  return isAny;
+}
+
+// Where the settings leave the selectors, each under its own selectors' positions. Done in any case but for a device
+// that is gone.
+void SettingsRestore::PutSelectors() {
+  for (Step& step : mSteps) {
+    if (!step.isSelector || step.isSuperseded || mEnd == KrResult::Code::ConnectionLost)
+      continue;
+    step.failure = {};
+    SetStep(step);
+    if (step.state == State::Set)
+      VerifyStep(step);
+  }
+}
+
+void SettingsRestore::Report() {
+  for (const Step& step : mSteps) {
+    if (!step.failure.IsOK() && !step.isSuperseded)
+      Note({step.failure.GetCode(),
+            DescribePlace(step.setting.name, step.context) + ": " + step.failure.GetDescription().ToUtf8()});
+  }
+  if (mEnd.IsOK())
+    return;
+  NoteUnfinished(State::Waiting, " further settings were not tried: ");
+  NoteUnfinished(State::Set, " further settings were not read back: ");
+}
+
+void SettingsRestore::Note(const KrResult& aProblem) {
+  if (aProblem.IsOK())
+    return;
+  mProblems.Add(aProblem.GetDescription());
+  if (mFirstProblem.IsOK())
+    mFirstProblem = aProblem;
+}
+
+void SettingsRestore::NoteUnfinished(State aState, const std::string& aWhat) {
+  const auto count = std::count_if(mSteps.begin(), mSteps.end(), [aState](const Step& aStep) {
+    return aStep.state == aState && aStep.failure.IsOK() && !aStep.isSuperseded;
+  });
+  if (count > 0)
+    Note({mEnd.GetCode(), std::to_string(count) + aWhat + GetReason(mEnd)});
+}
+
+} // namespace krgenicam

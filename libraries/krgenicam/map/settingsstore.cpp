@@ -1,0 +1,153 @@
+#include "map/settingsstore.h"
+
+#include "map/settingsescape.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace krgenicam {
+
+namespace {
+
+bool IsReadableAndWritable(KrGenParameter& aParameter) {
+  return aParameter.GetAccessMode() == KrGenAccessMode::ReadWrite;
+}
+
+KrResult CheckName(const KrString& aName) {
+  if (IsSettingName(aName.ToUtf8()))
+    return {};
+  return {KrResult::Code::BadData, "No line of a settings file can begin with the name."};
+}
+
+} // namespace
+
+KrResult SettingsStore::Run(const std::vector<KrGenParameter*>& aParameters, KrGenSettings& aSettings) {
+  for (const Group& group : MakeGroups(aParameters))
+    Walk(group, 0);
+  for (const KrGenSetting& setting : mSettings)
+    aSettings.Add(setting.name, setting.value);
+  return mFirstFailure;
+}
+
+// A selector under whose positions others are taken is not taken for itself: its own position ends their group. Of
+// parameters that select one another neither does.
+std::vector<SettingsStore::Group> SettingsStore::MakeGroups(const std::vector<KrGenParameter*>& aParameters) {
+  std::vector<Group> groups = {{}};
+  std::vector<KrGenParameter*> moved;
+  for (KrGenParameter* const parameter : aParameters) {
+    std::vector<KrGenParameter*> selectors = ListSelectors(*parameter);
+    std::copy_if(selectors.begin(), selectors.end(), std::back_inserter(moved), [&](KrGenParameter* aSelector) {
+      const std::vector<KrGenParameter*> above = ListSelectors(*aSelector);
+      return std::find(above.begin(), above.end(), parameter) == above.end();
+    });
+    auto group =
+        std::find_if(groups.begin(), groups.end(), [&](const Group& aGroup) { return aGroup.selectors == selectors; });
+    if (group == groups.end())
+      group = groups.insert(groups.end(), Group{std::move(selectors), {}});
+    group->parameters.push_back(parameter);
+  }
+  std::sort(moved.begin(), moved.end());
+  for (Group& group : groups)
+    std::erase_if(group.parameters, [&](KrGenParameter* aParameter) {
+      return std::binary_search(moved.begin(), moved.end(), aParameter);
+    });
+  return groups;
+}
+
+void SettingsStore::Walk(const Group& aGroup, std::size_t aDepth) {
+  if (mIsEnded || aGroup.parameters.empty())
+    return;
+  if (aDepth == aGroup.selectors.size())
+    return StoreParameters(aGroup);
+  KrGenParameter& selector = *aGroup.selectors[aDepth];
+  // One that cannot be moved is where it is, now as well as when the settings are restored.
+  if (!IsReadableAndWritable(selector))
+    return Walk(aGroup, aDepth + 1);
+  KrString original;
+  KrResult result = CheckName(selector.GetName());
+  if (result.IsOK())
+    result = selector.ToString(original);
+  if (!result.IsOK())
+    return Note(selector.GetName(), "cannot be read, so that what it selects is not taken", result);
+  KrStringList positions;
+  bool isCut = false;
+  if (KrResult listed = ListPositions(selector, kMaxCombinations, positions, isCut); !listed.IsOK())
+    return Note(selector.GetName(), "does not say where it can stand, so that what it selects is not taken", listed);
+
+  const std::size_t before = mSettings.size();
+  WalkPositions(aGroup, aDepth, positions);
+  if (isCut && !mIsEnded)
+    NoteLimit(selector.GetName());
+  PutBack(selector, original);
+  bool isStreamable = false;
+  // Where nothing was taken and the selector itself need not be, its position is of no use.
+  if (mSettings.size() > before || (selector.IsStreamable(isStreamable).IsOK() && isStreamable))
+    mSettings.push_back({selector.GetName(), original});
+}
+
+void SettingsStore::WalkPositions(const Group& aGroup, std::size_t aDepth, const KrStringList& aPositions) {
+  KrGenParameter& selector = *aGroup.selectors[aDepth];
+  for (const KrString& position : aPositions) {
+    if (mIsEnded)
+      return;
+    if (KrResult moved = selector.FromString(position); !moved.IsOK()) {
+      Note(selector.GetName(), "cannot be set to " + position.ToUtf8() + ", so that what it selects there is not taken",
+           moved);
+      continue;
+    }
+    const std::size_t before = mSettings.size();
+    mSettings.push_back({selector.GetName(), position});
+    mPositions.push_back({&selector, position});
+    Walk(aGroup, aDepth + 1);
+    mPositions.pop_back();
+    if (mSettings.size() == before + 1)
+      mSettings.pop_back();
+  }
+}
+
+void SettingsStore::PutBack(KrGenParameter& aSelector, const KrString& aPosition) {
+  if (KrResult result = aSelector.FromString(aPosition); !result.IsOK())
+    Note(aSelector.GetName(), "cannot be put back to " + aPosition.ToUtf8(), result);
+}
+
+void SettingsStore::StoreParameters(const Group& aGroup) {
+  if (!aGroup.selectors.empty() && ++mCombinations > kMaxCombinations)
+    return NoteLimit(aGroup.parameters.front()->GetName());
+  for (KrGenParameter* const parameter : aGroup.parameters) {
+    if (mIsEnded)
+      return;
+    if (IsReadableAndWritable(*parameter))
+      StoreParameter(*parameter);
+  }
+}
+
+void SettingsStore::StoreParameter(KrGenParameter& aParameter) {
+  const KrString name = aParameter.GetName();
+  KrString value;
+  if (KrResult checked = CheckName(name); !checked.IsOK())
+    return Note(name, "cannot be taken", checked);
+  if (mSettings.size() >= kMaxSettings)
+    return NoteLimit(name);
+  if (KrResult result = aParameter.ToString(value); !result.IsOK())
+    return Note(name, "cannot be read", result);
+  mSettings.push_back({name, value});
+}
+
+void SettingsStore::Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure) {
+  const std::string text = DescribePlace(aName, mPositions) + " " + aAttempt + ": " + GetReason(aFailure);
+  mProblems.Add(text);
+  if (mFirstFailure.IsOK())
+    mFirstFailure = {aFailure.GetCode(), text};
+  if (aFailure == KrResult::Code::ConnectionLost || aFailure == KrResult::Code::Aborted)
+    mIsEnded = true;
+}
+
+void SettingsStore::NoteLimit(const KrString& aName) {
+  mIsEnded = true;
+  Note(aName, "and what would come behind it is not taken",
+       {KrResult::Code::OutOfRange, "There are more than " + std::to_string(kMaxCombinations) +
+                                        " combinations of selectors' positions, or more than " +
+                                        std::to_string(kMaxSettings) + " values."});
+}
+
+} // namespace krgenicam

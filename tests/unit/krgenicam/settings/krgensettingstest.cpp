@@ -123,17 +123,18 @@ TEST_P(ToleratedText, GivesTheTwoSettings) {
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, ToleratedText,
-    testing::Values(
-        TextRow{"LineFeeds", std::string(kMagicLine) + "Width\t640\nDeviceUserID\t\n"},
-        TextRow{"CarriageReturnLineFeeds",
-                "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\r\n# x\r\nWidth\t640\r\nDeviceUserID\t\r\n"},
-        TextRow{"CarriageReturns", "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\rWidth\t640\rDeviceUserID\t\r"},
-        TextRow{"NoLineEndAtTheEnd", std::string(kMagicLine) + "Width\t640\nDeviceUserID\t"},
-        TextRow{"BlanksAtTheEnds", std::string(kMagicLine) + "Width\t640  \t\nDeviceUserID\t   \n"},
-        TextRow{"TabsTakenByAnEditor", std::string(kMagicLine) + "Width\t640\nDeviceUserID\n"},
-        TextRow{"ByteOrderMark", "\xEF\xBB\xBF" + std::string(kMagicLine) + "Width\t640\nDeviceUserID\t\n"},
-        TextRow{"EmptyLinesAndComments", std::string(kMagicLine) + "\n#Gain\t1\nWidth\t640\n   \n# x\nDeviceUserID\t\n"},
-        TextRow{"GuidInCapitals", "#{05D8C294-F295-4DFB-9D01-096BD04049F4}\nWidth\t640\nDeviceUserID\t\n"}),
+    testing::Values(TextRow{"LineFeeds", std::string(kMagicLine) + "Width\t640\nDeviceUserID\t\n"},
+                    TextRow{"CarriageReturnLineFeeds",
+                            "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\r\n# x\r\nWidth\t640\r\nDeviceUserID\t\r\n"},
+                    TextRow{"CarriageReturns",
+                            "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\rWidth\t640\rDeviceUserID\t\r"},
+                    TextRow{"NoLineEndAtTheEnd", std::string(kMagicLine) + "Width\t640\nDeviceUserID\t"},
+                    TextRow{"BlanksAtTheEnds", std::string(kMagicLine) + "Width\t640  \t\nDeviceUserID\t   \n"},
+                    TextRow{"TabsTakenByAnEditor", std::string(kMagicLine) + "Width\t640\nDeviceUserID\n"},
+                    TextRow{"ByteOrderMark", "\xEF\xBB\xBF" + std::string(kMagicLine) + "Width\t640\nDeviceUserID\t\n"},
+                    TextRow{"EmptyLinesAndComments",
+                            std::string(kMagicLine) + "\n#Gain\t1\nWidth\t640\n   \n# x\nDeviceUserID\t\n"},
+                    TextRow{"GuidInCapitals", "#{05D8C294-F295-4DFB-9D01-096BD04049F4}\nWidth\t640\nDeviceUserID\t\n"}),
     [](const auto& aInfo) { return std::string(aInfo.param.name); });
 
 struct RefusedRow {

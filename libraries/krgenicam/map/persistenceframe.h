@@ -1,0 +1,29 @@
+#pragma once
+// Tells a device that settings are about to be written, and that all of them have been (SFNC:
+// DeviceFeaturePersistenceStart and End, formerly DeviceRegistersStreamingStart and End). Devices check their settings
+// as a whole then.
+
+#include "krbase/krresult.h"
+#include "krgenicam/krgencommand.h"
+
+#include <functional>
+
+namespace krgenicam {
+
+/// Thread: one at a time. Ownership: borrows the commands.
+class PersistenceFrame {
+public:
+  using Finder = std::function<KrGenParameter*(const KrString&)>;
+  /// How long the device may take for each of the two.
+  static constexpr int kLimitMs = 2000;
+
+  /// Begins where the device has the commands; OK where it has none.
+  KrResult Begin(const Finder& aFind);
+  /// Ends what Begin has begun, even if that gave a failure.
+  KrResult End();
+
+private:
+  KrGenCommand* mEnd = nullptr;
+};
+
+} // namespace krgenicam

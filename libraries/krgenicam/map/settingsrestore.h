@@ -1,0 +1,75 @@
+#pragma once
+// Sets parameters to settings, in several passes where one depends on another, and reads all of them back. What the
+// settings' text looks like is left to KrGenSettings.
+
+#include "krgenicam/krgensettings.h"
+#include "map/selectorpath.h"
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace krgenicam {
+
+/// Each value is set and read under the positions that the settings before it gave its selectors, wherever the
+/// selectors stand meanwhile; at the end they stand where the settings leave them.
+///
+/// Thread: one at a time. Ownership: borrows the parameters and the list of problems.
+class SettingsRestore {
+public:
+  using Finder = std::function<KrGenParameter*(const KrString&)>;
+  /// How often all that failed is tried at most.
+  static constexpr std::size_t kMaxPasses = 8;
+
+  SettingsRestore(Finder aFind, KrStringList& aProblems) : mFind(std::move(aFind)), mProblems(aProblems) {}
+
+  /// OK when all is as stored, otherwise the first problem.
+  KrResult Run(const KrGenSettings& aSettings);
+
+private:
+  enum class State {
+    Waiting, ///< Not set yet; with a failure, it was tried.
+    Set,     ///< Not read back yet.
+    Done,
+    Failed,
+  };
+  struct Step {
+    KrGenParameter* parameter = nullptr; ///< Null for a name that there is not.
+    KrGenSetting setting = {};
+    std::vector<SelectorPosition> context = {}; ///< Where the selectors are to stand.
+    bool isSelector = false;
+    bool isSuperseded = false; ///< A later step says otherwise, for the same positions.
+    State state = State::Waiting;
+    KrResult failure = {}; ///< Why it is not set, or not what it should be.
+  };
+
+  Step MakeStep(const KrGenSetting& aSetting);
+  std::vector<SelectorPosition> MakeContext(KrGenParameter& aParameter);
+  void MarkSuperseded();
+
+  void SetAll();
+  bool SetPass();
+  void SetStep(Step& aStep);
+  KrResult MoveTo(const std::vector<SelectorPosition>& aContext);
+
+  void VerifyAll();
+  void VerifyStep(Step& aStep);
+  bool TakeSecondChance();
+  void PutSelectors();
+
+  void Report();
+  void Note(const KrResult& aProblem);
+  void NoteUnfinished(State aState, const std::string& aWhat);
+
+  const Finder mFind;
+  KrStringList& mProblems;
+  std::vector<Step> mSteps;
+  std::vector<SelectorPosition> mPositions; // Where the steps made so far leave the selectors.
+  std::map<KrGenParameter*, std::vector<KrGenParameter*>> mSelectors;
+  KrResult mFirstProblem;
+  KrResult mEnd; // Why nothing more is tried: the device does not answer any more, or it was cancelled.
+};
+
+} // namespace krgenicam

@@ -1,0 +1,51 @@
+#pragma once
+// Takes the values of parameters as settings, under all positions of their selectors, which are put back afterwards.
+// Which parameters, and in which order, is left to the array.
+
+#include "krgenicam/krgensettings.h"
+#include "map/selectorpath.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace krgenicam {
+
+/// Parameters that have the same selectors come under these together. First come those without selectors.
+///
+/// Thread: one at a time. Ownership: borrows the parameters and the list of problems.
+class SettingsStore {
+public:
+  /// Combinations of positions that are visited, of all parameters together, and values that are taken.
+  static constexpr std::size_t kMaxCombinations = 65536;
+  static constexpr std::size_t kMaxSettings = 1'000'000;
+
+  explicit SettingsStore(KrStringList& aProblems) : mProblems(aProblems) {}
+
+  /// Adds the settings of the parameters. OK when all was read, and all selectors are where they were, otherwise the
+  /// first failure.
+  KrResult Run(const std::vector<KrGenParameter*>& aParameters, KrGenSettings& aSettings);
+
+private:
+  struct Group {
+    std::vector<KrGenParameter*> selectors;
+    std::vector<KrGenParameter*> parameters;
+  };
+
+  static std::vector<Group> MakeGroups(const std::vector<KrGenParameter*>& aParameters);
+  void Walk(const Group& aGroup, std::size_t aDepth);
+  void WalkPositions(const Group& aGroup, std::size_t aDepth, const KrStringList& aPositions);
+  void PutBack(KrGenParameter& aSelector, const KrString& aPosition);
+  void StoreParameters(const Group& aGroup);
+  void StoreParameter(KrGenParameter& aParameter);
+  void Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure);
+  void NoteLimit(const KrString& aName);
+
+  KrStringList& mProblems;
+  std::vector<KrGenSetting> mSettings;
+  std::vector<SelectorPosition> mPositions; // Where the selectors of the walk stand.
+  std::size_t mCombinations = 0;
+  bool mIsEnded = false; // A limit was reached, or the device does not answer any more.
+  KrResult mFirstFailure;
+};
+
+} // namespace krgenicam
