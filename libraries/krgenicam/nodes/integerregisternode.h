@@ -23,7 +23,7 @@ public:
 
 protected:
   KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) override;
-  KrResult CheckLength(std::int64_t aLength) const override;
+  std::string FindLengthProblem(std::int64_t aLength) const override;
 
 private:
   void LinkBits(INodeIndex& aIndex);

@@ -176,11 +176,13 @@ protected:
   /// aAttempt begins the sentence. Overridings name the node that stands in the way.
   virtual KrResult ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
 
+  /// Asks the error nodes (pError), after the node was written: ProtocolError with the device's own words.
+  KrResult CheckErrors(Evaluation& aEvaluation);
+
 private:
   KrResult Find(Evaluation& aEvaluation, Facet aFacet, Number& aValue, Memo& aMemo);
   KrResult MakeCycleFault(const Evaluation& aEvaluation) const;
   KrGenAccessMode CombineAccess(Evaluation& aEvaluation, Facet aFacet);
-  KrResult CheckErrors(Evaluation& aEvaluation);
   void AddWordFault(INodeIndex& aIndex, const Property& aProperty, std::string_view aWanted);
 
   const Description& mDescription;

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <span>
+#include <unordered_set>
 #include <vector>
 
 namespace krgenicam {
@@ -44,15 +45,21 @@ public:
   void SetEventData(std::span<const std::uint8_t> aData);
   void SetChunkData(std::optional<std::span<const std::uint8_t>> aData);
 
-  /// OutOfRange, with a reason that goes on a sentence, for a range that the port cannot have.
+  /// OutOfRange, with the reason as a whole sentence, for a range that the port cannot have.
   KrResult CheckAddress(const RegisterRange& aRange) const;
-  /// Reads as many bytes as the range has. Busy for what is not cached where the device may not be asked.
-  KrResult ReadRegister(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::uint8_t* aBytes);
+  /// Reads the bytes, of which there are as many as the range has. Busy for what is not cached where the device may not
+  /// be asked.
+  KrResult ReadRegister(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::span<std::uint8_t> aBytes);
   /// Writes them. All nodes that were read from bytes among these are told, the register's own among them, also when
   /// the port failed.
   KrResult WriteRegister(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::span<const std::uint8_t> aBytes);
-  /// What a register that cannot be read is believed to hold: what was last read or written, else zeros.
-  void GuessRegister(const RegisterAccess& aAccess, std::span<std::uint8_t> aBytes);
+  /// A register forgets what it was read from; other nodes that were read from the same are added to aAffected.
+  void DropUsed(RegisterUser& aUser, std::vector<Node*>& aAffected) { mCache.DropUsed(aUser, aAffected); }
+  /// A register of bits at this place can be read.
+  void NoteReadableBits(const RegisterRange& aRange) { mReadableBits.insert(aRange); }
+  bool HasReadableBits(const RegisterRange& aRange) const { return mReadableBits.contains(aRange); }
+  /// What a register that cannot be read is believed to hold: what was last written to it, at first zeros.
+  void GuessRegister(const RegisterRange& aRange, std::span<std::uint8_t> aBytes) const;
 
 protected:
   KrGenAccessMode ComputeAccess(Evaluation& aEvaluation, Facet aFacet) override;
@@ -62,12 +69,15 @@ private:
   enum class Kind : std::uint8_t { Device, Event, Chunk };
 
   static Kind FindKind(const PortNode& aNode);
-  KrResult ReadCached(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::uint8_t* aBytes);
-  KrResult ReadData(const RegisterAccess& aAccess, std::uint8_t* aBytes) const;
-  KrResult ReadDevice(Evaluation& aEvaluation, const RegisterRange& aRange, std::uint8_t* aBytes);
-  KrResult WriteDevice(Evaluation& aEvaluation, const RegisterRange& aRange, std::span<const std::uint8_t> aBytes);
+  KrResult ReadCached(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::span<std::uint8_t> aBytes);
+  KrResult ReadData(const RegisterAccess& aAccess, std::span<std::uint8_t> aBytes) const;
+  bool IsPseudoAddress(std::int64_t aAddress) const;
+  KrResult ReadDevice(Evaluation& aEvaluation, std::uint64_t aAddress, std::span<std::uint8_t> aBytes) const;
+  KrResult ReadSwapped(Evaluation& aEvaluation, std::uint64_t aAddress, std::span<std::uint8_t> aBytes) const;
+  KrResult WriteDevice(Evaluation& aEvaluation, std::uint64_t aAddress, std::span<const std::uint8_t> aBytes) const;
+  KrResult WriteSwapped(Evaluation& aEvaluation, std::uint64_t aAddress, std::span<const std::uint8_t> aBytes) const;
   void Keep(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::span<const std::uint8_t> aBytes,
-            RegisterEntry* aFormer);
+            bool aAreOthers);
 
   const Kind mKind;
   bool mSwapsWords = false;
@@ -75,6 +85,7 @@ private:
   NodeLink mChunkIDLink;
   std::optional<std::vector<std::uint8_t>> mData; ///< Of the last event, or the chunk.
   RegisterCache mCache;
+  std::unordered_set<RegisterRange, RegisterRangeHash> mReadableBits;
 };
 
 } // namespace krgenicam

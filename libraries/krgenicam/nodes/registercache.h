@@ -34,6 +34,7 @@ struct RegisterUser {
   explicit RegisterUser(Node& aNode) : node(aNode) {}
 
   Node& node;
+  bool remembers = true;                 ///< Its values are remembered, and wrong when the bytes turn out to be others.
   std::vector<RegisterEntry*> entries{}; ///< What it was read from; the cache keeps the list.
 };
 
@@ -57,8 +58,7 @@ struct RegisterEntry {
   std::vector<RegisterUser*> users{};
 };
 
-/// Thread: under the map's lock. Ownership: the port node's; borrows its users, which must be gone from it (Leave)
-/// before they end, or outlive it.
+/// Thread: under the map's lock. Ownership: the port node's; borrows its users, which it does not touch when it ends.
 class RegisterCache {
 public:
   RegisterCache();
@@ -66,8 +66,8 @@ public:
   RegisterCache(const RegisterCache&) = delete;
   RegisterCache& operator=(const RegisterCache&) = delete;
 
-  /// The entry of exactly this range, or null.
-  RegisterEntry* Find(const RegisterUser& aUser, const RegisterRange& aRange);
+  /// The entry of exactly this range, or null; at once where it is the one that the user stands on.
+  RegisterEntry* Find(const RegisterUser& aUser, const RegisterRange& aRange) const;
   /// Keeps bytes, of which there must be as many as the range says, in place of what was kept of this range.
   RegisterEntry& Store(const RegisterRange& aRange, std::span<const std::uint8_t> aBytes, RegisterEntry::Source aSource,
                        std::uint64_t aEpoch);
@@ -82,8 +82,8 @@ public:
   void DropUsed(RegisterUser& aUser, std::vector<Node*>& aAffected);
   void DropAll(std::vector<RegisterUser*>& aUsers);
 
-  /// The bytes that were last written to a register that cannot be read; null where there are none. They outlast
-  /// everything but the cache.
+  /// The bytes that were last written to a register that cannot be read; null where there are none. They are no part of
+  /// what is dropped.
   const std::array<std::uint8_t, 8>* FindWrittenBlind(const RegisterRange& aRange) const;
   void NoteWrittenBlind(const RegisterRange& aRange, std::span<const std::uint8_t> aBytes);
 

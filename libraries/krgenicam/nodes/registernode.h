@@ -56,13 +56,13 @@ protected:
     std::span<const std::uint8_t> GetBytes() const { return std::span(bytes).first(length); }
   };
 
-  /// What a kind says of its length, beyond that it is one that a register can have; OK by default.
-  virtual KrResult CheckLength(std::int64_t aLength) const;
+  /// Why the kind cannot have a length that a register can have, as a whole sentence; empty where it can.
+  virtual std::string FindLengthProblem(std::int64_t aLength) const;
   KrResult ReadWord(Evaluation& aEvaluation, Word& aWord);
-  /// The bytes around those that a register's node writes: read, or guessed where it cannot be read.
+  /// The bytes of which only some bits are to be replaced: read, or guessed where they cannot be read.
   KrResult ReadSurroundings(Evaluation& aEvaluation, Word& aWord);
-  /// Refuses a register that cannot be written where it is at the moment.
-  KrResult CheckPlace(Evaluation& aEvaluation);
+  /// Other registers may replace bits of this one's bytes: says that they can be read, where they can.
+  void ShareBits();
   bool IsBigEndian() const { return mIsBigEndian; }
   /// The line of a property, or the node's where there is none.
   std::uint32_t GetLineOf(PropertyKind aKind) const;
@@ -90,21 +90,22 @@ private:
   void LinkIndex(INodeIndex& aIndex, const Property& aProperty);
   void LinkLength(INodeIndex& aIndex);
   NodeLink TakeLink(INodeIndex& aIndex, const Property& aProperty);
-  KrResult AddTerm(Evaluation& aEvaluation, const AddressTerm& aTerm, std::int64_t& aAddress);
+  KrResult FindTerm(Evaluation& aEvaluation, const AddressTerm& aTerm, std::int64_t& aTermValue);
   KrResult AskNumber(Evaluation& aEvaluation, const NodeLink& aLink, std::int64_t& aNumber);
-  KrResult CheckAnyLength(std::int64_t aLength, std::uint32_t aLine) const;
+  /// Why the register cannot have a length, as a whole sentence; empty where it can.
+  std::string FindAnyLengthProblem(std::int64_t aLength) const;
   KrResult FindRange(Evaluation& aEvaluation, RegisterRange& aRange);
   RegisterAccess MakeAccess(const RegisterRange& aRange);
-  KrResult ReadRange(Evaluation& aEvaluation, const RegisterRange& aRange, std::uint8_t* aBytes);
-  KrResult Name(const KrResult& aResult, const char* aAttempt, const RegisterRange& aRange) const;
-  /// Calls a function with each node that must be readable for the place to be known, until it returns true.
-  template <typename Function>
-  bool AnyPlaceNode(Function aFunction) const;
+  KrResult ReadRange(Evaluation& aEvaluation, const RegisterRange& aRange, std::span<std::uint8_t> aBytes);
+  /// The range, where it takes these bytes.
+  KrResult FindRangeOf(Evaluation& aEvaluation, std::span<const std::uint8_t> aBytes, RegisterRange& aRange);
+  /// A node without which the place is not known and that cannot be read at the moment, or null.
+  const Node* FindUnreadablePlaceNode(Evaluation& aEvaluation) const;
 
   RegisterUser mUser;
   PortNode* mPort = nullptr;
-  NodeLink mPortLink;
   std::vector<AddressTerm> mTerms;
+  std::vector<Node*> mPlaceNodes; ///< All that must be readable for the place to be known.
   std::int64_t mConstantAddress = 0;
   NodeLink mLengthLink;
   std::int64_t mConstantLength = 0;
