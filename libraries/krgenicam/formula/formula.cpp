@@ -1,0 +1,120 @@
+#include "formula/formula.h"
+
+#include "formula/formulacompiler.h"
+#include "formula/formulaoperators.h"
+
+#include <array>
+#include <cmath>
+#include <string>
+#include <utility>
+
+namespace krgenicam {
+
+namespace {
+
+constexpr const char* kResultBeyond64Bits = "the result is no whole number of 64 bits";
+
+KrResult MakeFault(std::size_t aColumn, const char* aReason) {
+  const std::string place = aColumn == 0 ? "" : "column " + std::to_string(aColumn) + ": ";
+  return {KrResult::Code::OutOfRange, "Formula: " + place + aReason + "."};
+}
+
+} // namespace
+
+KrResult Formula::Compile(std::string_view aText, FormulaKind aKind, const FormulaNames& aNames, Formula& aFormula) {
+  Formula formula;
+  KrResult result = FormulaCompiler(aKind, aNames, formula).Compile(aText);
+  if (result.IsOK())
+    aFormula = std::move(formula);
+  return result;
+}
+
+KrResult Formula::Evaluate(IFormulaVariables& aVariables, Number& aResult) const {
+  // Nearly all formulas are small, and making room for all that are let pass takes longer than computing them.
+  constexpr std::size_t kUsualStack = 16;
+  if (mStackSize <= kUsualStack) {
+    std::array<Number, kUsualStack> stack;
+    return Run(aVariables, stack.data(), aResult);
+  }
+  std::array<Number, kMaxStack> stack;
+  return Run(aVariables, stack.data(), aResult);
+}
+
+KrResult Formula::Fetch(IFormulaVariables& aVariables, std::size_t aIndex, Number& aValue) const {
+  KrResult result = aVariables.GetVariable(aIndex, aValue);
+  if (!result.IsOK() || mKind == FormulaKind::Float || !aValue.IsFloat())
+    return result;
+  std::int64_t whole = 0;
+  if (!RoundToInteger(aValue, whole))
+    return MakeFault(0, "a variable's value is no whole number of 64 bits");
+  aValue = Number(whole);
+  return {};
+}
+
+KrResult Formula::Run(IFormulaVariables& aVariables, Number* aStack, Number& aResult) const {
+  if (mInstructions.empty())
+    return {KrResult::Code::BadData, "Formula: there is none."};
+  const std::span<const BinaryOperator> binary = GetBinaryOperators();
+  const std::span<const UnaryFunction> unary = GetUnaryFunctions();
+  Number* top = aStack; // Behind the last operand.
+  for (std::size_t next = 0; next < mInstructions.size();) {
+    const Instruction& instruction = mInstructions[next++];
+    const char* fault = nullptr;
+    switch (instruction.operation) {
+    case Operation::Push:
+      *top++ = instruction.constant;
+      break;
+    case Operation::PushVariable:
+      if (KrResult result = Fetch(aVariables, instruction.argument, *top++); !result.IsOK())
+        return result;
+      break;
+    case Operation::Unary:
+      fault = unary[instruction.function].apply(top[-1]);
+      break;
+    case Operation::Binary: {
+      const BinaryOperator& row = binary[instruction.function];
+      --top;
+      fault = (mKind == FormulaKind::Integer ? row.inInteger : row.inFloat)(top[-1], *top);
+      break;
+    }
+    case Operation::Jump:
+      next = instruction.argument;
+      break;
+    case Operation::JumpIfZero:
+      if (!IsTrue(*--top))
+        next = instruction.argument;
+      break;
+    case Operation::SkipIfZero:
+    case Operation::SkipUnlessZero: {
+      const bool decidesWhenTrue = instruction.operation == Operation::SkipUnlessZero;
+      --top;
+      if (IsTrue(*top) == decidesWhenTrue) {
+        *top++ = Number(decidesWhenTrue ? 1 : 0);
+        next = instruction.argument;
+      }
+      break;
+    }
+    case Operation::Truth:
+      top[-1] = Number(IsTrue(top[-1]) ? 1 : 0);
+      break;
+    }
+    if (fault)
+      return MakeFault(instruction.argument, fault);
+  }
+  return Finish(*aStack, aResult);
+}
+
+KrResult Formula::Finish(const Number& aValue, Number& aResult) const {
+  if (aValue.IsFloat() && std::isnan(aValue.ToFloat()))
+    return MakeFault(0, "the result is no number");
+  aResult = aValue;
+  if (mKind == FormulaKind::Float)
+    return {};
+  std::int64_t whole = 0;
+  if (!RoundToInteger(aValue, whole))
+    return MakeFault(0, kResultBeyond64Bits);
+  aResult = Number(whole);
+  return {};
+}
+
+} // namespace krgenicam

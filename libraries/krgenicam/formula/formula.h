@@ -13,10 +13,14 @@
 
 namespace krgenicam {
 
-/// How a formula computes.
+/// How a formula computes. A floating-point number becomes whole by dropping its fraction where an operator needs a
+/// whole one (% & | ^ ~ << >>), and by rounding to the nearest where it enters or leaves an integer formula; OutOfRange
+/// where it has no 64 bits.
 enum class FormulaKind {
-  Integer, ///< In 64 bits with sign (IntSwissKnife, IntConverter): division truncates, overflow wraps.
-  Float,   ///< Whole numbers stay whole for + - * and comparisons, all else is floating-point (SwissKnife, Converter).
+  Integer, ///< In 64 bits with sign (IntSwissKnife, IntConverter): division truncates, overflow wraps. Literals and
+           ///< functions that are not whole are let pass: what they are part of is floating-point.
+  Float,   ///< Whole numbers stay whole for + - * and comparisons, as long as they have 64 bits; all else is
+           ///< floating-point (SwissKnife, Converter).
 };
 
 /// A name and the text it stands for.
@@ -30,8 +34,8 @@ struct FormulaText {
 struct FormulaNames {
   std::span<const std::string_view> variables = {}; ///< A variable is known by its index.
   std::span<const FormulaText> constants = {};
-  std::span<const FormulaText> expressions =
-      {}; ///< May use variables, constants, and expressions that do not use them.
+  /// May use variables, constants, and expressions that do not use them.
+  std::span<const FormulaText> expressions = {};
 };
 
 /// Gives the values of variables, each asked for when the formula gets to it and not before.
@@ -43,16 +47,28 @@ protected:
   ~IFormulaVariables() = default;
 };
 
+/// From what binds least: ?: || && | ^ & (= == <> !=) (< > <= >=) (<< >>) (+ -) (* / %) (unary + - ~) ** and functions.
+/// ?: and ** go from right to left, all else from left to right. As in mathematics -1**2 is -1; 2 ** -1 is a half, and
+/// 0 in an integer formula. Shift counts are taken modulo 64; >> keeps the sign. Functions are known in any case, and
+/// only before a parenthesis; E and PI unless something else has that name.
+///
 /// Thread: constant once compiled; evaluated from several threads at a time. Ownership: owns what it was compiled to.
 class Formula {
 public:
+  static constexpr std::size_t kMaxOperations = 10000;
+  static constexpr std::size_t kMaxNesting = 200;   ///< Parentheses, signs, functions and named texts in one another.
+  static constexpr std::size_t kMaxStack = 256;     ///< Operands that wait for their operators.
+  static constexpr std::size_t kMaxText = 1u << 20; ///< Characters, each use of an expression counted.
+
   /// Compiles a text. BadData for what is no formula, with the place and what was expected there, for a name that is
-  /// not known, for expressions that use each other in a circle, and beyond 10,000 operations or 200 levels of nesting.
+  /// not known, for constants or expressions that use each other in a circle, and beyond the limits. A constant may use
+  /// other constants.
   static KrResult Compile(std::string_view aText, FormulaKind aKind, const FormulaNames& aNames, Formula& aFormula);
 
-  /// Evaluates it; Number::IsFloat() of the result is false for FormulaKind::Integer. OutOfRange for a division by zero
-  /// and outside a function's domain, and what a variable gives. Nothing is evaluated behind the question mark, && and
-  /// || that is not needed.
+  /// Evaluates it, without allocating unless it fails; Number::IsFloat() of the result is false for
+  /// FormulaKind::Integer. OutOfRange, with the place, for a division by zero, outside a function's domain and for what
+  /// is no number; and what a variable gives. Nothing is evaluated behind the question mark, && and || that is not
+  /// needed.
   KrResult Evaluate(IFormulaVariables& aVariables, Number& aResult) const;
 
   /// The indices of the variables that occur in it, ascending.
@@ -61,12 +77,27 @@ public:
 private:
   friend class FormulaCompiler;
 
-  enum class Operation : std::uint8_t;
+  enum class Operation : std::uint8_t {
+    Push,           ///< The constant.
+    PushVariable,   ///< The variable of the index that is the argument.
+    Unary,          ///< kUnaryFunctions[function] on the top.
+    Binary,         ///< kBinaryOperators[function] on the two on top.
+    Jump,           ///< To the argument.
+    JumpIfZero,     ///< To the argument if the top is 0; takes the top.
+    SkipIfZero,     ///< To the argument if the top is 0, leaving 0; takes the top otherwise.
+    SkipUnlessZero, ///< To the argument unless the top is 0, leaving 1; takes the top otherwise.
+    Truth,          ///< Makes the top 0 or 1.
+  };
   struct Instruction {
     Operation operation;
-    std::uint32_t argument = 0; ///< A variable's index, or where to go on.
+    std::uint8_t function = 0;
+    std::uint32_t argument = 0; ///< A variable's index, where to go on, or the column for faults.
     Number constant = {};
   };
+
+  KrResult Run(IFormulaVariables& aVariables, Number* aStack, Number& aResult) const;
+  KrResult Fetch(IFormulaVariables& aVariables, std::size_t aIndex, Number& aValue) const;
+  KrResult Finish(const Number& aValue, Number& aResult) const;
 
   FormulaKind mKind = FormulaKind::Float;
   std::vector<Instruction> mInstructions;
