@@ -11,7 +11,7 @@ using krgenicam::Number;
 
 namespace {
 
-using Wide = __int128;
+__extension__ using Wide = __int128;
 using Value = std::optional<Number>;
 
 // How strongly operators bind, from the weakest on.

@@ -9,10 +9,6 @@
 using krgenicam::FormulaKind;
 using krgenicam::Number;
 
-namespace krgenicam {
-using ::PrintTo;
-}
-
 namespace {
 
 // All binary operators, in rows of those that bind alike.
@@ -22,143 +18,23 @@ const std::vector<std::string> kRows[] = {
 };
 
 // How "a 1 b 2 c" is read, where 1 is of the row and 2 of the column: L for (a 1 b) 2 c, R for a 1 (b 2 c).
+// Rows and columns as above, from || to **.
 const char* const kReadings[] = {
-    //       ||&&| ^ & = < <<+ * **
-    /* || */ "L"
-             "R"
-             "R"
-             "R"
-             "R"
-             "R"
-             "R"
-             "R"
-             "R"
-             "R"
-             "R",
-    /* && */
-    "L"
-    "L"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R",
-    /* |  */
-    "L"
-    "L"
-    "L"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R",
-    /* ^  */
-    "L"
-    "L"
-    "L"
-    "L"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R",
-    /* &  */
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R",
-    /* =  */
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "R"
-    "R"
-    "R"
-    "R"
-    "R",
-    /* <  */
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "R"
-    "R"
-    "R"
-    "R",
-    /* << */
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "R"
-    "R"
-    "R",
-    /* +  */
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "R"
-    "R",
-    /* *  */
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "R",
-    /* ** */
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "L"
-    "R",
+    "LRRRRRRRRRR", // ||
+    "LLRRRRRRRRR", // &&
+    "LLLRRRRRRRR", // |
+    "LLLLRRRRRRR", // ^
+    "LLLLLRRRRRR", // &
+    "LLLLLLRRRRR", // =
+    "LLLLLLLRRRR", // <
+    "LLLLLLLLRRR", // <<
+    "LLLLLLLLLRR", // +
+    "LLLLLLLLLLR", // *
+    "LLLLLLLLLLR", // **
 };
 
 // Pairs whose readings have the same value whatever the operands are.
-const std::set<std::string> kAssociative = {"||||", "&&&&", "||", "^^", "&&", "++", "+-", "**"};
+const std::set<std::string> kAssociative = {"||||", "&&&&", "||", "^^", "&&", "++", "+-", "**", "*<<"};
 
 FormulaTree MakeVariable(std::size_t aIndex) {
   FormulaTree leaf;
@@ -208,17 +84,18 @@ bool ComparePair(const Pair& aPair, const std::vector<Number>& aValues) {
   const FormulaOutcome outcome = RunFormula(text, FormulaKind::Integer, {.variables = variables}, aValues);
 
   EXPECT_EQ(outcome.result.IsOK(), expected.has_value()) << text;
-  if (expected && outcome.result.IsOK())
+  if (expected && outcome.result.IsOK()) {
     EXPECT_EQ(outcome.value, *expected) << text;
+  }
   return EvaluateTree(aPair.Read(!aPair.isReadFromLeft), FormulaKind::Integer, aValues) != expected;
 }
 
 } // namespace
 
 TEST(FormulaPrecedence, EachPairOfOperators_IsReadAsTheTableSays) {
-  const std::vector<std::vector<Number>> operands = {{7, 2, 3},   {1, 0, 0},   {0, 0, 1},  {2, 3, 2}, {5, -3, 2},
-                                                     {12, 10, 6}, {0, 3, 1},   {-1, 4, 2}, {1, 1, 2}, {3, 0, 5},
-                                                     {2, 2, 0},   {100, 7, 4}, {1, 2, 4},  {2, 1, 0}, {4, 4, 4}};
+  const std::vector<std::vector<Number>> operands = {
+      {7, 2, 3}, {1, 0, 0}, {0, 0, 1},   {2, 3, 2}, {5, -3, 2}, {12, 10, 6}, {0, 3, 1},  {-1, 4, 2}, {1, 1, 2},
+      {3, 0, 5}, {2, 2, 0}, {100, 7, 4}, {1, 2, 4}, {2, 1, 0},  {4, 4, 4},   {0, 2, 64}, {1, 2, 64}, {2, 4, 2}};
   for (const Pair& pair : ListPairs()) {
     bool tellsReadingsApart = false;
     for (const std::vector<Number>& values : operands)
@@ -272,7 +149,7 @@ void CompareRandomFormulas(FormulaKind aKind, const FormulaMix& aMix,
       ASSERT_EQ(value, *expected) << text;
     }
   }
-  EXPECT_GT(withValue, kFormulas) << "Too many of the formulas have no value for the test to say much.";
+  EXPECT_GT(withValue, kFormulas / 2) << "Too many of the formulas have no value for the test to say much.";
 }
 
 const std::vector<std::string> kAllOperators = {

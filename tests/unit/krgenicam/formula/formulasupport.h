@@ -10,6 +10,17 @@
 #include <string_view>
 #include <vector>
 
+namespace krgenicam {
+
+inline void PrintTo(const Number& aNumber, std::ostream* aStream) {
+  if (aNumber.IsFloat())
+    *aStream << "floating-point " << aNumber.ToFloat();
+  else
+    *aStream << aNumber.ToInteger();
+}
+
+} // namespace krgenicam
+
 /// What became of a formula.
 struct FormulaOutcome {
   KrResult result;
@@ -43,11 +54,4 @@ inline krgenicam::Number EvaluateFloat(std::string_view aText) {
   const FormulaOutcome outcome = RunFormula(aText, krgenicam::FormulaKind::Float);
   EXPECT_TRUE(outcome.result.IsOK()) << aText << ": " << outcome.GetText();
   return outcome.value;
-}
-
-inline void PrintTo(const krgenicam::Number& aNumber, std::ostream* aStream) {
-  if (aNumber.IsFloat())
-    *aStream << "floating-point " << aNumber.ToFloat();
-  else
-    *aStream << aNumber.ToInteger();
 }

@@ -25,10 +25,6 @@ struct Row {
 
 } // namespace
 
-namespace krgenicam {
-using ::PrintTo;
-}
-
 TEST(Formula_Integer, EachOperator_GivesWhatWasWorkedOutByHand) {
   const Row rows[] = {
       {"17 + 5", 22},       {"17 - 25", -8}, {"17 * -5", -85}, {"17 / 5", 3},  {"-17 / 5", -3},     {"17 / -5", -3},
@@ -54,7 +50,7 @@ TEST(Formula_Integer, Limits_WrapWithoutTrapping) {
       {"-9223372036854775808 % -1", 0},
       {"ABS(-9223372036854775808)", kSmallest},
       {"NEG(-9223372036854775808)", kSmallest},
-      {"3 ** 41", std::int64_t(36472996377170786403u - 18446744073709551616u)},
+      {"3 ** 41", std::int64_t(-420491770248316829)},
       {"2 ** 63", kSmallest},
       {"2 ** 64", 0},
       {"3 ** 9223372036854775807", std::int64_t(-6148914691236517205)},
