@@ -1,6 +1,6 @@
 #include "krdevice/krdevice.h"
 
-#include "eventsinks.h"
+#include "krbase/kreventsinks.h"
 #include "krdevice/krdevicegev.h"
 #include "krdevice/krdevicetolvanprotocol.h"
 #include "krdevice/krdeviceu3v.h"
@@ -34,7 +34,7 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
   const KrDeviceInfoType type; // Known here, since sinks may ask while the object of the kind is being destroyed.
   const pid_t process = getpid();
   const krsystem::DeviceFields fields;
-  krdevice::EventSinks sinks;
+  KrEventSinks<KrDeviceEventSink> sinks{"a device's event sink", "KrDevice", {"KrDevice::Notify", "krdevice"}};
   std::unique_ptr<krsystem::IDeviceLink> link; // Null once it is closed.
   const krdevice::OpenDevices::Place place;
 };

@@ -1,0 +1,147 @@
+#include "map/nodemap.h"
+
+#include "map/parameterwatch.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace krgenicam {
+
+namespace {
+
+KrGenArrayOptions CompleteOptions(KrGenArrayOptions aOptions) {
+  aOptions.timeoutMs = std::max<std::uint32_t>(aOptions.timeoutMs, 1);
+  if (!aOptions.getTimeMs)
+    aOptions.getTimeMs = [] {
+      const auto now = std::chrono::steady_clock::now().time_since_epoch();
+      return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+    };
+  return aOptions;
+}
+
+} // namespace
+
+NodeMap::NodeMap(IKrRegisterPort& aPort, const KrGenArrayOptions& aOptions)
+    : mOptions(CompleteOptions(aOptions)), mPort(aPort), mNotifications([this](ParameterWatch& aWatch) {
+        Look(aWatch);
+      }) {}
+
+NodeMap::~NodeMap() {
+  Close();
+  mNotifications.Stop();
+}
+
+KrGenParameter* NodeMap::FindParameter(std::string_view aName) const {
+  constexpr std::string_view kStandard = "Std::";
+  constexpr std::string_view kCustom = "Cust::";
+  const bool asksStandard = aName.starts_with(kStandard);
+  const bool asksCustom = aName.starts_with(kCustom);
+  if (asksStandard || asksCustom)
+    aName.remove_prefix(asksStandard ? kStandard.size() : kCustom.size());
+  const Node* const node = FindNode(aName);
+  if (!node || ((asksStandard || asksCustom) && node->IsStandard() != asksStandard))
+    return nullptr;
+  return GetParameter(*node);
+}
+
+KrGenCategory* NodeMap::FindCategory(std::string_view aName) const {
+  const Node* const node = FindNode(aName);
+  return node ? GetCategory(*node) : nullptr;
+}
+
+KrGenCategory* NodeMap::GetCategory(const Node& aNode) const {
+  const auto found = mCategories.find(&aNode);
+  return found == mCategories.end() ? nullptr : found->second.get();
+}
+
+Node* NodeMap::GetNode(NodeIndex aIndex) const {
+  return aIndex < mNodes.size() ? mNodes[aIndex].get() : nullptr;
+}
+
+std::uint64_t NodeMap::GetTimeMs() const {
+  return mOptions.getTimeMs();
+}
+
+void NodeMap::Invalidate(Node& aNode, bool aIsWrite) {
+  ++mMark;
+  const auto visit = [this](Node& aVisited) {
+    if (std::exchange(aVisited.mark, mMark) != mMark)
+      mWalk.push_back(&aVisited);
+  };
+  std::vector<Node*> affected;
+  visit(aNode);
+  while (!mWalk.empty()) {
+    Node& node = *mWalk.back();
+    mWalk.pop_back();
+    node.Forget(affected);
+    OnInvalidated(node, aIsWrite);
+    for (Node* dependent : node.GetDependents())
+      visit(*dependent);
+    for (Node* other : affected)
+      visit(*other);
+    affected.clear();
+  }
+}
+
+void NodeMap::OnInvalidated(Node& aNode, bool aIsWrite) {
+  if (!aNode.watch || !aNode.watch->HasSinks())
+    return;
+  aNode.watch->OnInvalidated(mEpoch, aIsWrite);
+  mNotifications.Queue(*aNode.watch);
+}
+
+void NodeMap::InvalidateCache() {
+  (void)Run([this](Evaluation&) { // Nothing is remembered of a map that is closed.
+    std::vector<Node*> affected;
+    for (const std::unique_ptr<Node>& node : mNodes) {
+      node->Forget(affected);
+      affected.clear();
+      OnInvalidated(*node, false);
+    }
+    return KrResult();
+  });
+}
+
+KrResult NodeMap::InvalidateByName(std::string_view aName) {
+  Node* const node = FindNode(aName);
+  if (!node)
+    return {KrResult::Code::NotFound, "The camera's description has no node \"" + std::string(aName) + "\"."};
+  return Run([this, node](Evaluation&) {
+    Invalidate(*node, true);
+    return KrResult();
+  });
+}
+
+std::stop_token NodeMap::GetCancelToken() const {
+  const std::lock_guard lock(mStateMutex);
+  return mCancel.get_token();
+}
+
+std::stop_source NodeMap::ExchangeCancel() {
+  const std::lock_guard lock(mStateMutex);
+  return std::exchange(mCancel, std::stop_source());
+}
+
+KrResult NodeMap::GetClosing() const {
+  if (!mIsClosed)
+    return {};
+  const std::lock_guard lock(mStateMutex);
+  return mClosing;
+}
+
+void NodeMap::Cancel() {
+  // What waits for the end of an access may run code of the port: with no lock held.
+  ExchangeCancel().request_stop();
+}
+
+void NodeMap::Close() {
+  {
+    const std::lock_guard lock(mStateMutex);
+    mClosing = {KrResult::Code::ConnectionLost, "The device's parameters were closed."};
+    mIsClosed = true;
+  }
+  Cancel();
+}
+
+} // namespace krgenicam

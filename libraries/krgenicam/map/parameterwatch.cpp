@@ -1,0 +1,57 @@
+#include "map/parameterwatch.h"
+
+#include <utility>
+
+namespace krgenicam {
+
+KrResult ParameterWatch::Register(KrGenEventSink* aSink, const Known& aKnown) {
+  // The sink may be asked for at once, before it knows anything.
+  const std::lock_guard lock(mMutex);
+  KrResult result = mSinks.Register(aSink);
+  if (result.IsOK())
+    mKnowledge[aSink] = {.known = aKnown};
+  return result;
+}
+
+KrResult ParameterWatch::Unregister(KrGenEventSink* aSink) {
+  {
+    const std::lock_guard lock(mMutex);
+    mKnowledge.erase(aSink);
+  }
+  return mSinks.Unregister(aSink);
+}
+
+void ParameterWatch::OnInvalidated(std::uint64_t aEpoch, bool aIsWrite) {
+  const std::lock_guard lock(mMutex);
+  mWritesCount += aIsWrite ? 1 : 0;
+  for (auto& [sink, knowledge] : mKnowledge) {
+    if (!knowledge.known.snapshot && knowledge.firstChange == 0)
+      knowledge.firstChange = aEpoch;
+  }
+}
+
+std::uint64_t ParameterWatch::GetWritesCount() const {
+  const std::lock_guard lock(mMutex);
+  return mWritesCount;
+}
+
+void ParameterWatch::Notify(const Known& aKnown) {
+  mSinks.Notify([this, &aKnown](KrGenEventSink& aSink) {
+    if (Learn(aSink, aKnown))
+      aSink.OnParameterUpdate(&mParameter);
+  });
+}
+
+bool ParameterWatch::Learn(KrGenEventSink& aSink, const Known& aKnown) {
+  const std::lock_guard lock(mMutex);
+  const auto found = mKnowledge.find(&aSink);
+  // A sink may have been registered since, and know better.
+  if (found == mKnowledge.end() || found->second.known.epoch > aKnown.epoch)
+    return false;
+  const Knowledge former = std::exchange(found->second, {.known = aKnown});
+  if (former.known.snapshot)
+    return *former.known.snapshot != *aKnown.snapshot;
+  return former.firstChange != 0 && former.firstChange < aKnown.epoch;
+}
+
+} // namespace krgenicam

@@ -141,6 +141,7 @@ public:
   void AddDependent(Node& aDependent);
 
   // For the map.
+  NodeIndex index = kNoNode;       ///< Its place among the description's nodes.
   std::uint64_t mark = 0;          ///< Who has visited the node in a walk through dependents.
   ParameterWatch* watch = nullptr; ///< Who listens; null for nobody.
 

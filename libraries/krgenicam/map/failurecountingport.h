@@ -1,0 +1,36 @@
+#pragma once
+// A register port that counts how often the one behind it failed: what was found meanwhile may not be the last word.
+
+#include "krgenicam/ikrregisterport.h"
+
+#include <cstdint>
+
+namespace krgenicam {
+
+/// Thread: under the map's lock. Ownership: borrows the port behind it.
+class FailureCountingPort final : public IKrRegisterPort {
+public:
+  explicit FailureCountingPort(IKrRegisterPort& aPort) : mPort(aPort) {}
+
+  std::uint64_t GetFailuresCount() const { return mFailuresCount; }
+
+  KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
+                const std::stop_token& aCancel = {}) override {
+    return Count(mPort.Read(aAddress, aData, aLength, aTimeoutMs, aCancel));
+  }
+  KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
+                 const std::stop_token& aCancel = {}) override {
+    return Count(mPort.Write(aAddress, aData, aLength, aTimeoutMs, aCancel));
+  }
+
+private:
+  KrResult Count(KrResult aResult) {
+    mFailuresCount += aResult.IsOK() ? 0 : 1;
+    return aResult;
+  }
+
+  IKrRegisterPort& mPort;
+  std::uint64_t mFailuresCount = 0;
+};
+
+} // namespace krgenicam

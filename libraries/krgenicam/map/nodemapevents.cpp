@@ -1,0 +1,146 @@
+#include "map/nodemap.h"
+#include "map/parameterwatch.h"
+#include "nodes/commandnode.h"
+#include "nodes/enumerationnode.h"
+#include "nodes/portnode.h"
+
+// What makes nodes be read anew beside writing, and how sinks hear of changes.
+
+namespace krgenicam {
+
+KrResult NodeMap::Poll() {
+  const std::uint64_t now = GetTimeMs();
+  KrResult first;
+  // Others get their turn between two nodes.
+  for (PolledNode& polled : mPolledNodes) {
+    const KrResult result =
+        Run([&](Evaluation& aEvaluation) { return PollNode(aEvaluation, polled, now); });
+    if (first.IsOK() && !result.IsOK())
+      first = result;
+  }
+  const KrResult queued = Run([this](Evaluation&) {
+    for (ParameterWatch* watch : mFailedWatches)
+      mNotifications.Queue(*watch);
+    mFailedWatches.clear();
+    return KrResult();
+  });
+  return first.IsOK() ? queued : first;
+}
+
+KrResult NodeMap::PollNode(Evaluation& aEvaluation, PolledNode& aPolled, std::uint64_t aNowMs) {
+  Node& node = aPolled.node;
+  const bool isCommand = node.GetKind() == NodeKind::Command;
+  if (!aPolled.IsDue(aNowMs) || (isCommand && !static_cast<CommandNode&>(node).IsPending()))
+    return {};
+  Number block;
+  if (node.GetPollingBlock().node && node.GetPollingBlock().node->GetValue(aEvaluation, block).IsOK() &&
+      block.ToFloat() != 0.0)
+    return {};
+  if (node.GetKind() == NodeKind::Enumeration && !static_cast<EnumerationNode&>(node).IsSelfClearingNow(aEvaluation))
+    return {};
+  aPolled.lastMs = aNowMs;
+  if (isCommand) {
+    bool isDone = false;
+    return static_cast<CommandNode&>(node).IsDone(aEvaluation, isDone);
+  }
+  Invalidate(node, false);
+  aEvaluation.epoch = TakeEpoch();
+  return ReadPolled(aEvaluation, node);
+}
+
+KrResult NodeMap::ReadPolled(Evaluation& aEvaluation, Node& aNode) {
+  // A register's contents are read by who asks for them; what cannot be read is no failure.
+  const KrGenType type = aNode.GetType();
+  if (type == KrGenType::Register || type == KrGenType::Other || !IsReadable(aNode.GetAccess(aEvaluation)))
+    return {};
+  if (type == KrGenType::String) {
+    std::string text;
+    return aNode.ReadText(aEvaluation, text);
+  }
+  Number value;
+  return aNode.GetValue(aEvaluation, value);
+}
+
+void NodeMap::DeliverEvent(std::uint64_t aEventID, std::span<const std::uint8_t> aData) {
+  (void)Run([&](Evaluation&) { // Events of a map that is closed are of no interest.
+    for (const std::unique_ptr<Node>& node : mNodes) {
+      if (node->GetEventID() != aEventID)
+        continue;
+      if (node->GetKind() == NodeKind::Port)
+        static_cast<PortNode&>(*node).SetEventData(aData);
+      Invalidate(*node, true);
+    }
+    return KrResult();
+  });
+}
+
+void NodeMap::SetChunkData(std::uint64_t aChunkID, std::optional<std::span<const std::uint8_t>> aData) {
+  (void)Run([&](Evaluation& aEvaluation) { // As for events.
+    for (const std::unique_ptr<Node>& node : mNodes) {
+      if (node->GetKind() != NodeKind::Port)
+        continue;
+      PortNode& port = static_cast<PortNode&>(*node);
+      if (!port.IsChunkPort() || port.GetChunkID(aEvaluation) != aChunkID)
+        continue;
+      port.SetChunkData(aData);
+      Invalidate(port, true);
+      aEvaluation.epoch = TakeEpoch();
+    }
+    return KrResult();
+  });
+}
+
+ParameterWatch& NodeMap::FindWatch(Node& aNode) {
+  const std::lock_guard lock(mWatchesMutex);
+  std::unique_ptr<ParameterWatch>& watch = mWatches[&aNode];
+  if (!watch)
+    watch = std::make_unique<ParameterWatch>(*GetParameter(aNode), aNode);
+  return *watch;
+}
+
+KrResult NodeMap::RegisterEventSink(Node& aNode, KrGenEventSink* aSink) {
+  ParameterWatch& watch = FindWatch(aNode);
+  const std::lock_guard lock(mLock);
+  aNode.watch = &watch;
+  Evaluation evaluation(*this);
+  evaluation.mayAskDevice = false;
+  ParameterWatch::Known known{.epoch = evaluation.epoch};
+  ParameterSnapshot snapshot = TakeSnapshot(aNode, evaluation, watch.GetWritesCount());
+  if (!evaluation.hasMissed)
+    known.snapshot = std::make_shared<const ParameterSnapshot>(std::move(snapshot));
+  KrResult result = watch.Register(aSink, known);
+  if (!result.IsOK())
+    return result;
+  mNotifications.Start();
+  if (!known.snapshot)
+    mNotifications.Queue(watch);
+  return result;
+}
+
+KrResult NodeMap::UnregisterEventSink(Node& aNode, KrGenEventSink* aSink) {
+  // Without the map's lock, which an access to the device may hold for long.
+  return FindWatch(aNode).Unregister(aSink);
+}
+
+void NodeMap::Look(ParameterWatch& aWatch) {
+  if (!aWatch.HasSinks())
+    return;
+  ParameterWatch::Known known;
+  const KrResult result = Run([&](Evaluation& aEvaluation) {
+    const std::uint64_t failuresCount = mPort.GetFailuresCount();
+    known.epoch = aEvaluation.epoch;
+    ParameterSnapshot snapshot = TakeSnapshot(aWatch.GetNode(), aEvaluation, aWatch.GetWritesCount());
+    // What a cancelled access left unknown is no change.
+    if (mRunningCancel.stop_requested())
+      mNotifications.Queue(aWatch);
+    else
+      known.snapshot = std::make_shared<const ParameterSnapshot>(std::move(snapshot));
+    if (mPort.GetFailuresCount() != failuresCount)
+      mFailedWatches.insert(&aWatch);
+    return KrResult();
+  });
+  if (result.IsOK() && known.snapshot)
+    aWatch.Notify(known);
+}
+
+} // namespace krgenicam

@@ -1,0 +1,60 @@
+#pragma once
+// Who listens to a parameter, and what each of them knows of it. When sinks are called is left to the notification
+// thread.
+
+#include "krbase/kreventsinks.h"
+#include "krgenicam/krgeneventsink.h"
+#include "map/parametersnapshot.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+
+namespace krgenicam {
+
+/// Thread: any. Ownership: the map's, from the first registration until the map's end; borrows the sinks.
+class ParameterWatch {
+public:
+  /// What the parameter was at an epoch of the map.
+  struct Known {
+    std::shared_ptr<const ParameterSnapshot> snapshot = nullptr; ///< Null where it is yet to be found out.
+    std::uint64_t epoch = 0;
+  };
+
+  ParameterWatch(KrGenParameter& aParameter, Node& aNode) : mParameter(aParameter), mNode(aNode) {}
+
+  Node& GetNode() const { return mNode; }
+  bool HasSinks() const { return !mSinks.IsEmpty(); }
+
+  /// aKnown is what the parameter is at this moment.
+  KrResult Register(KrGenEventSink* aSink, const Known& aKnown);
+  KrResult Unregister(KrGenEventSink* aSink);
+
+  /// The parameter may have changed at an epoch: for a sink that does not know yet what it was, it has.
+  void OnInvalidated(std::uint64_t aEpoch, bool aIsWrite);
+  /// How often the parameter was written, or its device spoke of it.
+  std::uint64_t GetWritesCount() const;
+  /// Calls the sinks for which a snapshot is news.
+  void Notify(const Known& aKnown);
+
+  bool isQueued = false; ///< The notification thread's.
+
+private:
+  struct Knowledge {
+    Known known;
+    std::uint64_t firstChange = 0; // The epoch, while nothing is known; 0 for none.
+  };
+
+  bool Learn(KrGenEventSink& aSink, const Known& aKnown);
+
+  KrGenParameter& mParameter;
+  Node& mNode;
+  KrEventSinks<KrGenEventSink> mSinks{"a parameter's event sink", "KrGenICam",
+                                      {"KrGenParameter::Notify", "krgenparameter"}};
+  mutable std::mutex mMutex; // Guards the members from here on.
+  std::unordered_map<KrGenEventSink*, Knowledge> mKnowledge;
+  std::uint64_t mWritesCount = 0;
+};
+
+} // namespace krgenicam
