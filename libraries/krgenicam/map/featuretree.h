@@ -51,7 +51,7 @@ private:
   std::vector<Place> mPlaces;
   std::vector<std::vector<std::uint32_t>> mPlacesOf; // By node: of a feature those that hold it, of a category its own.
   std::size_t mKeptPlaces = 0;
-  std::vector<bool> mIsOnPath; // By node; categories between the root and where the walk is.
+  std::vector<bool> mIsOnPath;  // By node; categories between the root and where the walk is.
   std::vector<bool> mIsInFault; // By node; categories that were found to stand in themselves.
   bool mHasLeftOut = false;
   std::vector<DescriptionFault> mFaults;

@@ -23,9 +23,8 @@ KrGenArrayOptions CompleteOptions(KrGenArrayOptions aOptions) {
 } // namespace
 
 NodeMap::NodeMap(IKrRegisterPort& aPort, const KrGenArrayOptions& aOptions)
-    : mOptions(CompleteOptions(aOptions)), mPort(aPort), mNotifications([this](ParameterWatch& aWatch) {
-        Look(aWatch);
-      }) {}
+    : mOptions(CompleteOptions(aOptions)), mPort(aPort),
+      mNotifications([this](ParameterWatch& aWatch) { Look(aWatch); }) {}
 
 NodeMap::~NodeMap() {
   Close();

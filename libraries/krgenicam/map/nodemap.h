@@ -53,8 +53,8 @@ public:
   KrGenCategory* FindCategory(std::string_view aName) const;
   KrGenCategory* GetCategory(const Node& aNode) const;
 
-  /// One operation: waits for its turn and calls aCall with an evaluation, with the map's lock held. ConnectionLost once
-  /// the map is closed.
+  /// One operation: waits for its turn and calls aCall with an evaluation, with the map's lock held. ConnectionLost
+  /// once the map is closed.
   template <typename Call>
   KrResult Run(Call&& aCall) {
     const std::stop_token cancel = GetCancelToken();

@@ -13,8 +13,7 @@ KrResult NodeMap::Poll() {
   KrResult first;
   // Others get their turn between two nodes.
   for (PolledNode& polled : mPolledNodes) {
-    const KrResult result =
-        Run([&](Evaluation& aEvaluation) { return PollNode(aEvaluation, polled, now); });
+    const KrResult result = Run([&](Evaluation& aEvaluation) { return PollNode(aEvaluation, polled, now); });
     if (first.IsOK() && !result.IsOK())
       first = result;
   }

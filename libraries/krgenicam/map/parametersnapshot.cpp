@@ -70,8 +70,9 @@ struct Row {
 
 // In the order of KrGenType.
 constexpr Row kRows[] = {
-    {KrGenType::Integer, LookAtNumber}, {KrGenType::Enumeration, LookAtEnumeration}, {KrGenType::Boolean, LookAtValue},
-    {KrGenType::String, LookAtText},    {KrGenType::Command, LookAtCommand},           {KrGenType::Float, LookAtNumber},
+    {KrGenType::Integer, LookAtNumber},  {KrGenType::Enumeration, LookAtEnumeration},
+    {KrGenType::Boolean, LookAtValue},   {KrGenType::String, LookAtText},
+    {KrGenType::Command, LookAtCommand}, {KrGenType::Float, LookAtNumber},
     {KrGenType::Register, LookAtAccess}, {KrGenType::Other, LookAtAccess},
 };
 

@@ -34,7 +34,7 @@ struct ParameterSnapshot {
   std::string_view unit = {};
   KrGenDisplayNotation notation = KrGenDisplayNotation::Automatic;
   std::int64_t precision = 0;
-  std::uint64_t writesCount = 0;  ///< Of a register, whose contents are not looked at.
+  std::uint64_t writesCount = 0; ///< Of a register, whose contents are not looked at.
 
   friend bool operator==(const ParameterSnapshot&, const ParameterSnapshot&) = default;
 };

@@ -50,8 +50,8 @@ private:
 
   KrGenParameter& mParameter;
   Node& mNode;
-  KrEventSinks<KrGenEventSink> mSinks{"a parameter's event sink", "KrGenICam",
-                                      {"KrGenParameter::Notify", "krgenparameter"}};
+  KrEventSinks<KrGenEventSink> mSinks{
+      "a parameter's event sink", "KrGenICam", {"KrGenParameter::Notify", "krgenparameter"}};
   mutable std::mutex mMutex; // Guards the members from here on.
   std::unordered_map<KrGenEventSink*, Knowledge> mKnowledge;
   std::uint64_t mWritesCount = 0;
