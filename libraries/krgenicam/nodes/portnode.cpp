@@ -118,8 +118,10 @@ KrResult PortNode::ReadCached(Evaluation& aEvaluation, const RegisterAccess& aAc
     std::ranges::copy(former->GetBytes(), aBytes.begin());
     return {};
   }
-  if (!aEvaluation.mayAskDevice)
+  if (!aEvaluation.mayAskDevice) {
+    aEvaluation.hasMissed = true;
     return {KrResult::Code::Busy, "it is not known at the moment, and the device is not to be asked."};
+  }
   const auto address = static_cast<std::uint64_t>(aAccess.range.address);
   KrResult result = mSwapsWords ? ReadSwapped(aEvaluation, address, aBytes) : ReadDevice(aEvaluation, address, aBytes);
   if (result.IsOK())
