@@ -1,7 +1,7 @@
 #include "krpersistence/krconfigurationreader.h"
 
 #include "configurationparser.h"
-#include "filereading.h"
+#include "krbase/krwholefile.h"
 
 #include <string>
 
@@ -9,7 +9,7 @@ KrResult KrConfigurationReader::Load(const KrString& aFileName) {
   const KrString file = "The configuration file \"" + aFileName + "\"";
   try {
     std::string bytes;
-    if (KrResult read = krpersistence::ReadWholeFile(aFileName, krpersistence::kMostFileBytes, bytes); !read.IsOK())
+    if (KrResult read = KrReadWholeFile(aFileName, krpersistence::kMostFileBytes, bytes); !read.IsOK())
       return {read.GetCode(), file + " cannot be read: " + read.GetDescription()};
     KrResult parsed = krpersistence::ParseConfiguration(bytes, mLists);
     if (parsed == KrResult::Code::BadData)

@@ -69,7 +69,7 @@ TEST(Description_, Text_ThatIsNoDescription_IsRefusedWithPlaceAndReason) {
     const char* text;
     const char* expected;
   } rows[] = {
-      {"no XML", "hello", "line 1, column 5: No document element found"},
+      {"no element", "<!-- -->", "No document element found"},
       {"a tag cut off", "<RegisterDescription>\n  <Integer Na", "line 2, column 14"},
       {"an element cut off", "<RegisterDescription>\n<Integer Name=\"A\">\n<Value>1</Value>", "line 3, column 16"},
       {"a wrong end", "<RegisterDescription>\n<Integer></Float>\n</RegisterDescription>", "line 2, column 12"},

@@ -1,4 +1,6 @@
-#include "filereading.h"
+#include "krbase/krwholefile.h"
+
+#include "filedescriptor.h"
 
 #include <array>
 #include <cerrno>
@@ -8,8 +10,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-namespace krpersistence {
 
 namespace {
 
@@ -22,32 +22,15 @@ KrResult MakeError(int aError) {
           std::generic_category().message(aError) + "."};
 }
 
-// A descriptor that is closed again; -1 where nothing is open.
-class OpenFile {
-public:
-  // A pipe that nobody writes to, or a terminal, must not keep the opening waiting.
-  explicit OpenFile(const char* aPath) : mDescriptor(::open(aPath, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
-  ~OpenFile() {
-    if (mDescriptor >= 0)
-      ::close(mDescriptor);
-  }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
-
-  int Get() const { return mDescriptor; }
-
-private:
-  const int mDescriptor;
-};
-
 } // namespace
 
-KrResult ReadWholeFile(const KrString& aFileName, std::size_t aMostBytes, std::string& aBytes) {
+KrResult KrReadWholeFile(const KrString& aFileName, std::size_t aMostBytes, std::string& aBytes) {
   if (aFileName.ToUtf8().find('\0') != std::string::npos)
     return {KrResult::Code::InvalidInput, "its name holds a zero byte."};
-  const OpenFile file(aFileName.CStr());
+  // A pipe that nobody writes to, or a terminal, must not keep the opening waiting.
+  const krbase::FileDescriptor file(::open(aFileName.CStr(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   struct stat status = {};
-  if (file.Get() < 0 || ::fstat(file.Get(), &status) != 0)
+  if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0)
     return MakeError(errno);
   // A pipe would keep us waiting for bytes, a device could give them without end. What is open cannot be exchanged.
   if (!S_ISREG(status.st_mode))
@@ -70,5 +53,3 @@ KrResult ReadWholeFile(const KrString& aFileName, std::size_t aMostBytes, std::s
   aBytes = std::move(bytes);
   return {};
 }
-
-} // namespace krpersistence
