@@ -31,7 +31,6 @@ protected:
 
 private:
   KrResult GetCommandValue(Evaluation& aEvaluation, Number& aValue);
-  KrResult ReadBack(Evaluation& aEvaluation, Node& aTarget, Number& aValue);
   bool CanBeAsked(Evaluation& aEvaluation);
 
   NodeLink mCommandLink;

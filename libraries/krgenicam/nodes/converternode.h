@@ -3,6 +3,8 @@
 
 #include "nodes/formulanode.h"
 
+#include <optional>
+
 namespace krgenicam {
 
 /// Thread, ownership: as Node.
@@ -24,11 +26,28 @@ protected:
 private:
   enum class Slope { Increasing, Decreasing, Varying, Automatic };
 
-  KrResult ReadTarget(Evaluation& aEvaluation, Number& aValue);
-  /// What to write to the target, which is set.
-  KrResult ToTarget(Evaluation& aEvaluation, const Number& aValue, Number& aTargetValue);
+  using WriteStep = KrResult (Node::*)(Evaluation&, const Number&);
+
+  /// The target's limits converted; nothing where there is none.
+  struct Ends {
+    std::optional<Number> low;
+    std::optional<Number> high;
+  };
+
+  KrResult ReadTarget(Evaluation& aEvaluation, Node& aTarget, Number& aValue);
+  KrResult Convert(Evaluation& aEvaluation, const Number& aTargetValue, Number& aValue);
+  Number ToOwnKind(const Number& aValue) const;
   KrResult ComputeLimit(Evaluation& aEvaluation, Facet aFacet, Number& aValue);
   KrResult ComputeIncrement(Evaluation& aEvaluation, Number& aValue);
+  std::optional<Number> ConvertEnd(Evaluation& aEvaluation, const Number& aEnd);
+  /// Whether the value falls while the target's rises; false when it cannot be found out.
+  bool FindDirection(Evaluation& aEvaluation, const Ends& aEnds, const Number& aMinimum, const Number& aMaximum,
+                     bool& aIsFalling);
+  /// What to write to the target.
+  KrResult ToTarget(Evaluation& aEvaluation, Node& aTarget, const Number& aValue, Number& aTargetValue);
+  /// The limit of the target that a value misses by an error of rounding alone.
+  double PullIntoRange(Evaluation& aEvaluation, Node& aTarget, double aValue);
+  KrResult VisitTarget(Evaluation& aEvaluation, const Number& aValue, WriteStep aStep);
 
   NodeLink mTarget;
   CompiledFormula mFrom; ///< Of the target's value TO.

@@ -9,10 +9,13 @@ namespace krgenicam {
 /// Thread, ownership: as Node.
 class EnumEntryNode final : public Node {
 public:
-  using Node::Node;
+  /// Takes the entry's own properties at once, as its enumeration may be linked first.
+  EnumEntryNode(const Description& aDescription, const NodeDescription& aNode);
 
   void Link(INodeIndex& aIndex) override;
 
+  /// An entry without one is none.
+  bool HasEntryValue() const { return mHasValue; }
   std::int64_t GetEntryValue() const { return mValue; }
   /// What the entry stands for where the enumeration is read as a floating-point number.
   double GetNumericValue() const { return mNumericValue; }
@@ -26,6 +29,7 @@ protected:
   KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) override;
 
 private:
+  bool mHasValue = false;
   std::int64_t mValue = 0;
   double mNumericValue = 0.0;
   std::string_view mSymbolic;

@@ -5,7 +5,6 @@
 #include "nodes/valuenode.h"
 
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace krgenicam {
@@ -26,7 +25,8 @@ public:
   /// Whether the device leaves the current entry by itself; the value is read around all caches then.
   bool IsSelfClearingNow(Evaluation& aEvaluation);
   /// The smallest and largest NumericValue of the entries.
-  void GetNumericRange(double& aMinimum, double& aMaximum) const;
+  double GetNumericMinimum() const { return mNumericMinimum; }
+  double GetNumericMaximum() const { return mNumericMaximum; }
 
   KrResult GetFloatView(Evaluation& aEvaluation, double& aValue) override;
   KrResult FromFloatView(Evaluation& aEvaluation, double aFloat, Number& aValue) override;
@@ -45,16 +45,20 @@ protected:
 
 private:
   void TakeEntries(INodeIndex& aIndex);
+  void SortEntries(INodeIndex& aIndex);
   KrResult ReadValue(Evaluation& aEvaluation, Number& aValue);
-  KrResult ReadAnew(Evaluation& aEvaluation, Number& aValue);
   bool IsSelfClearing(const Number& aValue) const;
+  /// Whether any entry is there, and whether any can be chosen.
+  void LookForEntries(Evaluation& aEvaluation, bool& aIsImplemented, bool& aIsAvailable);
   /// InvalidInput that lists the entries that can be chosen now.
   KrResult RefuseValue(Evaluation& aEvaluation, const std::string& aValue);
   std::string ListAvailable(Evaluation& aEvaluation);
 
   std::vector<EnumEntryNode*> mEntries;
-  std::unordered_map<std::int64_t, EnumEntryNode*> mByValue;
-  std::unordered_map<std::string_view, EnumEntryNode*> mByName;
+  std::vector<EnumEntryNode*> mByValue; ///< Ascending; of those with one value the first.
+  std::vector<EnumEntryNode*> mByName;  ///< The same by name.
+  double mNumericMinimum = 0.0;
+  double mNumericMaximum = 0.0;
   bool mWasSelfClearing = false; ///< When the value was read last.
 };
 

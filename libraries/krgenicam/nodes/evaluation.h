@@ -41,6 +41,8 @@ struct Evaluation {
 
   /// Levels of nodes that stand on one another beyond which a description counts as endless.
   static constexpr std::size_t kMaxDepth = 256;
+  /// Nodes of which each says of the next that it is the reason, beyond which reasons are cut short.
+  static constexpr std::size_t kMaxReasons = 32;
 
   /// A node's value was changed by writing it: what depends on it is forgotten, and what this evaluation found so far.
   void OnWritten(Node& aNode) {
@@ -49,12 +51,14 @@ struct Evaluation {
   }
 
   INodeHost& host;
-  std::uint64_t epoch;       ///< What was computed under it holds until the evaluation's end, stable or not.
-  bool mayAskDevice = true;  ///< Otherwise a register that is not cached gives Busy.
-  bool hasMissed = false;    ///< A register gave Busy for that reason: what was found is not the whole truth.
-  bool isFresh = false;      ///< What was read before the evaluation began is not used.
-  bool isStable = true;      ///< All that the node under computation was computed from may be remembered.
-  std::vector<Node*> path{}; ///< The nodes under computation, from the outermost on.
+  std::uint64_t epoch;         ///< What was computed under it holds until the evaluation's end, stable or not.
+  bool mayAskDevice = true;    ///< Otherwise a register that is not cached gives Busy.
+  bool hasMissed = false;      ///< A register gave Busy for that reason: what was found is not the whole truth.
+  bool isFresh = false;        ///< What was read before the evaluation began is not used.
+  bool isStable = true;        ///< All that the node under computation was computed from may be remembered.
+  std::size_t reasonCount = 0; ///< Nodes that are giving a reason.
+  std::size_t visitCount = 0;  ///< Nodes that were walked to by descents (see Descent).
+  std::vector<Node*> path{};   ///< The nodes under computation, from the outermost on.
 };
 
 } // namespace krgenicam

@@ -47,6 +47,7 @@ private:
     std::string_view name;
     Aspect aspect = Aspect::Value;
     std::string_view entry = {};
+    std::int64_t cachingMode = 0;
   };
 
   void TakeVariable(INodeIndex& aIndex, const Property& aProperty);

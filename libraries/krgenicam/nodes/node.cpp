@@ -4,6 +4,7 @@
 #include "nodes/numbertext.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -266,13 +267,13 @@ KrGenAccessMode Node::CombineAccess(Evaluation& aEvaluation, Facet aFacet) {
   // Whether a predicate's value is other than 0; aUnknown where it cannot be found out.
   const auto isTrue = [&](const NodeLink& aLink, bool aUnknown) {
     Number value;
-    if (!aLink.node || !aLink.node->GetValue(aEvaluation, value).IsOK())
+    if (!aLink.node || !aLink.node->TryGetValue(aEvaluation, value))
       return aUnknown;
     return value.ToFloat() != 0.0;
   };
   if (mIsImplemented.IsSet()) {
     Number implemented;
-    if (!mIsImplemented.node || !mIsImplemented.node->GetValue(aEvaluation, implemented).IsOK())
+    if (!mIsImplemented.node || !mIsImplemented.node->TryGetValue(aEvaluation, implemented))
       return KrGenAccessMode::NotAvailable;
     if (implemented.ToFloat() == 0.0)
       return KrGenAccessMode::NotImplemented;
@@ -291,6 +292,10 @@ KrResult Node::GetValue(Evaluation& aEvaluation, Number& aValue) {
   if (!IsReadable(GetAccess(aEvaluation, Facet::AccessUnlocked)))
     return ExplainAccess(aEvaluation, false);
   return Get(aEvaluation, Facet::Value, aValue);
+}
+
+bool Node::TryGetValue(Evaluation& aEvaluation, Number& aValue) {
+  return IsReadable(GetAccess(aEvaluation, Facet::AccessUnlocked)) && Get(aEvaluation, Facet::Value, aValue).IsOK();
 }
 
 KrResult Node::CheckWritable(Evaluation& aEvaluation) {
@@ -326,8 +331,12 @@ KrResult Node::CheckRange(Evaluation& aEvaluation, const Number& aValue, bool aC
   if (KrResult result = Get(aEvaluation, Facet::Increment, increment); !result.IsOK())
     return result;
   const std::uint64_t step = static_cast<std::uint64_t>(std::max<std::int64_t>(increment.ToInteger(), 1));
-  const std::uint64_t distance =
-      static_cast<std::uint64_t>(aValue.ToInteger()) - static_cast<std::uint64_t>(minimum.ToInteger());
+  // Without a lower limit, steps are counted from 0: nobody means those from the smallest number of 64 bits on.
+  const bool hasMinimum = minimum.ToInteger() != std::numeric_limits<std::int64_t>::min();
+  const std::uint64_t first = hasMinimum ? static_cast<std::uint64_t>(minimum.ToInteger()) : 0;
+  const std::uint64_t distance = hasMinimum || aValue.ToInteger() >= 0
+                                     ? static_cast<std::uint64_t>(aValue.ToInteger()) - first
+                                     : 0 - static_cast<std::uint64_t>(aValue.ToInteger());
   if (distance % step != 0)
     return refuse("it goes from " + FormatNumber(minimum) + " to " + FormatNumber(maximum) + " in steps of " +
                   std::to_string(step) + ".");
@@ -343,7 +352,9 @@ KrResult Node::GetFloatView(Evaluation& aEvaluation, double& aValue) {
 }
 
 KrResult Node::FromFloatView(Evaluation&, double aFloat, Number& aValue) {
-  aValue = Number(aFloat);
+  // What has no 64 bits stays as it is, for the range to refuse.
+  const bool isRounded = GetType() != KrGenType::Float && std::fabs(aFloat) < 0x1p63;
+  aValue = isRounded ? Number(Number(aFloat).ToInteger()) : Number(aFloat);
   return {};
 }
 

@@ -107,6 +107,8 @@ public:
   KrGenAccessMode GetAccess(Evaluation& aEvaluation, Facet aFacet = Facet::Access);
   /// The value, unless the node cannot be read at the moment: AccessDenied then, with the reason.
   KrResult GetValue(Evaluation& aEvaluation, Number& aValue);
+  /// The same for those who do not need the reason, which is work to find.
+  bool TryGetValue(Evaluation& aEvaluation, Number& aValue);
   /// Why the node cannot be read (or written) at the moment: AccessDenied, naming what stands in the way.
   KrResult ExplainAccess(Evaluation& aEvaluation, bool aForWriting);
 
@@ -157,6 +159,11 @@ protected:
   std::size_t TakeWord(INodeIndex& aIndex, PropertyKind aKind, std::span<const std::string_view> aWords,
                        std::size_t aDefault);
 
+  /// What the node's own properties say of how it is shown.
+  NodeShown TakeShown(INodeIndex& aIndex);
+  /// Notes that the text of a property is not what it should be.
+  void AddWordFault(INodeIndex& aIndex, const Property& aProperty, std::string_view aWanted);
+
   /// The node behind a link; BadData with node, line and reason where it leads nowhere.
   KrResult Follow(const NodeLink& aLink, Node*& aNode) const;
   /// BadData that names this node and a line, with a reason that is a whole sentence.
@@ -176,6 +183,8 @@ protected:
   /// Why the node cannot be read (or written) by what it stands on, after its own predicates were found to allow it.
   /// aAttempt begins the sentence. Overridings name the node that stands in the way.
   virtual KrResult ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
+  /// The reason of another node that stands in the way, as the end of the sentence that aAttempt begins.
+  KrResult ExplainBy(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt, Node& aObstacle);
 
   /// Asks the error nodes (pError), after the node was written: ProtocolError with the device's own words.
   KrResult CheckErrors(Evaluation& aEvaluation);
@@ -184,7 +193,9 @@ private:
   KrResult Find(Evaluation& aEvaluation, Facet aFacet, Number& aValue, Memo& aMemo);
   KrResult MakeCycleFault(const Evaluation& aEvaluation) const;
   KrGenAccessMode CombineAccess(Evaluation& aEvaluation, Facet aFacet);
-  void AddWordFault(INodeIndex& aIndex, const Property& aProperty, std::string_view aWanted);
+  KrResult Explain(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
+  KrResult ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredicate, const std::string& aAttempt,
+                            const std::string& aVerdict);
 
   const Description& mDescription;
   const NodeDescription& mData;

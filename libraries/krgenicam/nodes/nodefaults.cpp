@@ -12,46 +12,77 @@ std::string Quote(std::string_view aName) {
   return "\"" + std::string(aName) + "\"";
 }
 
+// Counts the nodes that are giving reasons on behalf of one another.
+class ReasonDepth {
+public:
+  explicit ReasonDepth(Evaluation& aEvaluation) : mEvaluation(aEvaluation) { ++mEvaluation.reasonCount; }
+  ~ReasonDepth() { --mEvaluation.reasonCount; }
+  ReasonDepth(const ReasonDepth&) = delete;
+  ReasonDepth& operator=(const ReasonDepth&) = delete;
+
+  bool IsTooDeep() const { return mEvaluation.reasonCount > Evaluation::kMaxReasons; }
+
+private:
+  Evaluation& mEvaluation;
+};
+
 } // namespace
 
 KrResult Node::ExplainAccess(Evaluation& aEvaluation, bool aForWriting) {
-  const std::string attempt = Quote(GetName()) + " cannot be " + (aForWriting ? "set" : "read") + ": ";
-  const auto deny = [&attempt](const std::string& aReason) {
-    return KrResult(KrResult::Code::AccessDenied, attempt + aReason);
+  return Explain(aEvaluation, aForWriting, Quote(GetName()) + " cannot be " + (aForWriting ? "set" : "read") + ": ");
+}
+
+KrResult Node::Explain(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
+  const auto deny = [&aAttempt](const char* aReason) {
+    return KrResult(KrResult::Code::AccessDenied, aAttempt + aReason);
   };
+  const ReasonDepth depth(aEvaluation);
+  if (depth.IsTooDeep())
+    return deny("something it stands on is not available at the moment.");
   // What stands on itself has no access at all.
   Number mode;
   if (KrResult result = Get(aEvaluation, Facet::Access, mode); !result.IsOK())
     return result;
-  const auto denyBy = [&](const NodeLink& aLink, const std::string& aVerdict) {
-    Number value;
-    if (!aLink.node)
-      return MakeFault(aLink.line, "there is no usable node " + Quote(aLink.name) + ".");
-    const KrResult asked = aLink.node->GetValue(aEvaluation, value);
-    if (!asked.IsOK())
-      return KrResult(asked.GetCode(), attempt + Quote(aLink.name) + ", which says whether it can be, has no value. " +
-                                           asked.GetDescription());
-    return deny(aVerdict + " as long as " + Quote(aLink.name) + " is " + (value.ToFloat() == 0.0 ? "0" : "not 0") +
-                ".");
-  };
-  const auto holds = [&](const NodeLink& aLink) {
-    Number value;
-    return aLink.node && aLink.node->GetValue(aEvaluation, value).IsOK() && value.ToFloat() != 0.0;
-  };
-  const auto access = static_cast<KrGenAccessMode>(mode.ToInteger());
-  if (access == KrGenAccessMode::NotImplemented)
+  if (static_cast<KrGenAccessMode>(mode.ToInteger()) == KrGenAccessMode::NotImplemented)
     return deny("this camera does not have it.");
-  if (mIsImplemented.IsSet() && !holds(mIsImplemented))
-    return denyBy(mIsImplemented, "it is not implemented");
-  if (mIsAvailable.IsSet() && !holds(mIsAvailable))
-    return denyBy(mIsAvailable, "it is not available");
-  const KrGenAccessMode unlocked = GetAccess(aEvaluation, Facet::AccessUnlocked);
-  if (aForWriting && mIsLocked.IsSet() && IsWritable(unlocked) && holds(mIsLocked))
-    return denyBy(mIsLocked, "it is locked");
+  Number value;
+  const auto allows = [&](const NodeLink& aLink) {
+    return !aLink.IsSet() || (aLink.node && aLink.node->TryGetValue(aEvaluation, value) && value.ToFloat() != 0.0);
+  };
+  if (!allows(mIsImplemented))
+    return ExplainPredicate(aEvaluation, mIsImplemented, aAttempt, "it is not implemented");
+  if (!allows(mIsAvailable))
+    return ExplainPredicate(aEvaluation, mIsAvailable, aAttempt, "it is not available");
+  const bool isUnlockedWritable = IsWritable(GetAccess(aEvaluation, Facet::AccessUnlocked));
+  if (aForWriting && mIsLocked.IsSet() && isUnlockedWritable && allows(mIsLocked))
+    return ExplainPredicate(aEvaluation, mIsLocked, aAttempt, "it is locked");
   const bool isAllowed = aForWriting ? IsWritable(mImposedAccess) : IsReadable(mImposedAccess);
   if (!isAllowed)
     return deny(aForWriting ? "it can only be read." : "it can only be written.");
-  return ExplainOwnAccess(aEvaluation, aForWriting, attempt);
+  return ExplainOwnAccess(aEvaluation, aForWriting, aAttempt);
+}
+
+KrResult Node::ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredicate, const std::string& aAttempt,
+                                const std::string& aVerdict) {
+  Node* node = nullptr;
+  if (KrResult result = Follow(aPredicate, node); !result.IsOK())
+    return result;
+  Number value;
+  if (KrResult asked = node->GetValue(aEvaluation, value); !asked.IsOK())
+    return {asked.GetCode(), aAttempt + Quote(aPredicate.name) + ", which says whether it can be, has no value. " +
+                                 asked.GetDescription()};
+  return {KrResult::Code::AccessDenied, aAttempt + aVerdict + " as long as " + Quote(aPredicate.name) + " is " +
+                                            (value.ToFloat() == 0.0 ? "0" : "not 0") + "."};
+}
+
+KrResult Node::ExplainBy(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt, Node& aObstacle) {
+  constexpr std::string_view kColon = ": ";
+  const auto blame = [](const Node& aNode) { return " because of " + Quote(aNode.GetName()); };
+  // In a chain of nodes the last one alone is named: whoever stands between does not help.
+  std::string attempt = aAttempt.substr(0, aAttempt.size() - kColon.size());
+  if (attempt.ends_with(blame(*this)))
+    attempt.resize(attempt.size() - blame(*this).size());
+  return aObstacle.Explain(aEvaluation, aForWriting, attempt + blame(aObstacle) + std::string(kColon));
 }
 
 KrResult Node::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
@@ -69,7 +100,7 @@ KrResult Node::CheckErrors(Evaluation& aEvaluation) {
   for (const NodeLink& link : mErrors) {
     Number value;
     // An error that cannot be read is no word of one.
-    if (!link.node || !link.node->GetValue(aEvaluation, value).IsOK() || value.ToInteger() == 0)
+    if (!link.node || !link.node->TryGetValue(aEvaluation, value) || value.ToInteger() == 0)
       continue;
     return {KrResult::Code::ProtocolError,
             "The device took the value of " + Quote(GetName()) + " but says: " + link.node->DescribeValue(value)};

@@ -36,23 +36,19 @@ protected:
   virtual KrResult GetTargetLimit(Evaluation& aEvaluation, Node& aTarget, Facet aFacet, Number& aValue);
   const Limit& GetIncrement() const { return mIncrement; }
   KrResult GetOwnLimit(Evaluation& aEvaluation, const Limit& aLimit, Facet aFacet, Number& aValue);
-  std::size_t GetRepresentation() const { return mRepresentation.value_or(2); }
+  KrGenRepresentation GetOwnRepresentation() const { return mShown.representation; }
   const std::vector<Number>& GetOwnValidValues() const { return mValidValues; }
 
 private:
   Limit TakeLimit(INodeIndex& aIndex, PropertyKind aConstant, PropertyKind aLink);
   void TakeValidValues(INodeIndex& aIndex);
-  void TakeShown(INodeIndex& aIndex);
   KrResult ComputeLimit(Evaluation& aEvaluation, Facet aFacet, Number& aValue);
 
   Limit mMinimum;
   Limit mMaximum;
   Limit mIncrement;
   std::vector<Number> mValidValues; ///< Ascending.
-  std::optional<std::size_t> mRepresentation;
-  std::optional<std::string_view> mUnit;
-  std::optional<std::size_t> mNotation;
-  std::optional<std::int64_t> mPrecision;
+  NodeShown mShown;                 ///< By the node's own properties.
 };
 
 } // namespace krgenicam

@@ -28,6 +28,10 @@ protected:
   KrResult ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) override;
 
 private:
+  /// Goes on to pValue.
+  template <typename Step>
+  KrResult WithTarget(Evaluation& aEvaluation, Step aStep);
+
   NodeLink mTarget;
   std::string mText;
   std::size_t mMaxLength = kMaxLength;

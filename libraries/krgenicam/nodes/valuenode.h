@@ -25,6 +25,8 @@ protected:
   /// Finds where the value is at the moment; BadData where a link leads nowhere, and what an index says.
   KrResult PickOrigin(Evaluation& aEvaluation, Origin& aOrigin);
   KrResult ReadOrigin(Evaluation& aEvaluation, Number& aValue);
+  /// The same around all caches.
+  KrResult ReadOriginAnew(Evaluation& aEvaluation, Number& aValue);
   /// Refuses what any of the nodes would refuse that WriteOrigin writes.
   KrResult CheckWriteOrigin(Evaluation& aEvaluation, const Number& aValue);
   /// Writes pValue and its copies in the order of the document.
@@ -57,10 +59,14 @@ private:
     Number stored = {};
   };
 
+  using WriteStep = KrResult (Node::*)(Evaluation&, const Number&);
+
   void TakeStored(INodeIndex& aIndex, const Property& aProperty, Number& aStored);
   void TakeChoice(INodeIndex& aIndex, const Property& aProperty);
   KrResult PickChoice(Evaluation& aEvaluation, Choice*& aChoice);
-  KrGenAccessMode ComputeTargetsAccess(Evaluation& aEvaluation, Facet aFacet);
+  /// Takes a step of writing with each node that a value goes to.
+  KrResult VisitTargets(Evaluation& aEvaluation, const Number& aValue, WriteStep aStep);
+  bool AreCopiesWritable(Evaluation& aEvaluation, Facet aFacet);
 
   NodeLink mTarget;
   NodeLink mIndex;
@@ -68,6 +74,7 @@ private:
   std::vector<Choice> mChoices; ///< By index, ascending.
   Choice mDefault;
   bool mHasDefault = false;
+  bool mIsEmpty = false; ///< Nothing says where the value is.
   Number mStored;
 };
 
