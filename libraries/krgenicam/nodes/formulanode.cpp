@@ -166,10 +166,10 @@ KrResult FormulaNode::GetVariable(Evaluation& aEvaluation, const Variable& aVari
 }
 
 const FormulaNode::Variable* FormulaNode::FindUnreadable(Evaluation& aEvaluation, const CompiledFormula& aFormula) {
-  for (const std::size_t index : aFormula.formula.GetUsedVariables()) {
-    if (index >= mVariables.size())
+  for (const std::size_t used : aFormula.formula.GetUsedVariables()) {
+    if (used >= mVariables.size())
       continue;
-    const Variable& variable = mVariables[index];
+    const Variable& variable = mVariables[used];
     const bool isReadable =
         variable.link.node && (variable.aspect != Aspect::Value ||
                                IsReadable(variable.link.node->GetAccess(aEvaluation, Facet::AccessUnlocked)));

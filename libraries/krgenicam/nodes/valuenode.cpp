@@ -62,21 +62,21 @@ void ValueNode::TakeChoice(INodeIndex& aIndex, const Property& aProperty) {
     mDefault = choice;
     return;
   }
-  const std::optional<std::int64_t> index = ParseInteger(aProperty.attribute);
-  if (!index) {
+  const std::optional<std::int64_t> value = ParseInteger(aProperty.attribute);
+  if (!value) {
     aIndex.AddFault(*this, aProperty.line, "the value has no Index that is a whole number, so it is left out.");
     return;
   }
-  choice.index = *index;
+  choice.index = *value;
   mChoices.push_back(choice);
 }
 
 KrResult ValueNode::PickChoice(Evaluation& aEvaluation, Choice*& aChoice) {
-  Node* index = nullptr;
+  Node* picker = nullptr;
   Number number;
-  if (KrResult result = Follow(mIndex, index); !result.IsOK())
+  if (KrResult result = Follow(mIndex, picker); !result.IsOK())
     return result;
-  if (KrResult result = index->GetValue(aEvaluation, number); !result.IsOK())
+  if (KrResult result = picker->GetValue(aEvaluation, number); !result.IsOK())
     return result;
   const auto found = std::ranges::lower_bound(mChoices, number.ToInteger(), {}, &Choice::index);
   if (found != mChoices.end() && found->index == number.ToInteger())
@@ -167,9 +167,9 @@ KrResult ValueNode::WriteOrigin(Evaluation& aEvaluation, const Number& aValue) {
 }
 
 KrGenAccessMode ValueNode::ComputeAccess(Evaluation& aEvaluation, Facet aFacet) {
-  Number index;
+  Number picked;
   // Asked first, as reasons are not wanted here.
-  if (!mTarget.IsSet() && mIndex.IsSet() && !(mIndex.node && mIndex.node->TryGetValue(aEvaluation, index)))
+  if (!mTarget.IsSet() && mIndex.IsSet() && !(mIndex.node && mIndex.node->TryGetValue(aEvaluation, picked)))
     return KrGenAccessMode::NotAvailable;
   Origin origin;
   if (!PickOrigin(aEvaluation, origin).IsOK())
@@ -189,8 +189,8 @@ bool ValueNode::AreCopiesWritable(Evaluation& aEvaluation, Facet aFacet) {
 }
 
 KrResult ValueNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
-  Number index;
-  if (!mTarget.IsSet() && mIndex.node && !mIndex.node->TryGetValue(aEvaluation, index))
+  Number picked;
+  if (!mTarget.IsSet() && mIndex.node && !mIndex.node->TryGetValue(aEvaluation, picked))
     return ExplainBy(aEvaluation, false, aAttempt, *mIndex.node);
   Origin origin;
   if (KrResult result = PickOrigin(aEvaluation, origin); !result.IsOK())
