@@ -218,8 +218,8 @@ int GetLevel(const FormulaTree& aTree) {
   }
 }
 
-std::string PrintPart(const FormulaTree& aTree, int aLowestLevel, bool aSeparatesSigns) {
-  const std::string text = PrintTree(aTree, aSeparatesSigns);
+std::string PrintPart(const FormulaTree& aTree, int aLowestLevel, FormulaStyle aStyle) {
+  const std::string text = PrintTree(aTree, aStyle);
   return GetLevel(aTree) < aLowestLevel ? "(" + text + ")" : text;
 }
 
@@ -237,7 +237,7 @@ FormulaTree MakeLeaf(std::mt19937_64& aRandom, const FormulaMix& aMix) {
   }
   const auto whole = static_cast<std::int64_t>(aRandom() % static_cast<std::uint64_t>(aMix.largestLiteral + 1));
   if (aMix.hasFractions && aRandom() % 3 == 0) {
-    leaf.symbol = std::to_string(whole) + "." + std::to_string(aRandom() % 100);
+    leaf.symbol = std::to_string(whole) + "." + std::to_string(125 * (aRandom() % 8));
     leaf.value = Number(std::strtod(leaf.symbol.c_str(), nullptr));
     return leaf;
   }
@@ -257,9 +257,10 @@ std::optional<Number> EvaluateTree(const FormulaTree& aTree, FormulaKind aKind, 
   return whole ? Value(*whole) : Value();
 }
 
-std::string PrintTree(const FormulaTree& aTree, bool aSeparatesSigns) {
+std::string PrintTree(const FormulaTree& aTree, FormulaStyle aStyle) {
+  const bool isCareful = aStyle == FormulaStyle::Careful;
   const auto part = [&](std::size_t aIndex, int aLowestLevel) {
-    return PrintPart(aTree.parts[aIndex], aLowestLevel, aSeparatesSigns);
+    return PrintPart(aTree.parts[aIndex], aLowestLevel, aStyle);
   };
   switch (aTree.kind) {
   case FormulaTree::Kind::Literal:
@@ -268,15 +269,15 @@ std::string PrintTree(const FormulaTree& aTree, bool aSeparatesSigns) {
   case FormulaTree::Kind::Call:
     return aTree.symbol + "(" + part(0, 0) + ")";
   case FormulaTree::Kind::Sign:
-    return aTree.symbol + (aSeparatesSigns ? part(0, kPrimaryLevel) : part(0, kSignLevel));
+    return aTree.symbol + part(0, isCareful ? kPrimaryLevel : kSignLevel);
   case FormulaTree::Kind::Choice:
-    return part(0, 1) + " ? " + part(1, 0) + " : " + part(2, 0);
+    return part(0, 1) + " ? " + part(1, isCareful ? 1 : 0) + " : " + part(2, isCareful ? 1 : 0);
   case FormulaTree::Kind::Operator:
     break;
   }
   const int level = kLevels.at(aTree.symbol);
   if (level == kPowerLevel)
-    return part(0, kPrimaryLevel) + " ** " + part(1, aSeparatesSigns ? kPowerLevel : kSignLevel);
+    return part(0, kPrimaryLevel) + " ** " + part(1, isCareful ? kPowerLevel : kSignLevel);
   return part(0, level) + " " + aTree.symbol + " " + part(1, level + 1);
 }
 

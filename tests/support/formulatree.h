@@ -39,18 +39,23 @@ public:
 std::optional<krgenicam::Number> EvaluateTree(const FormulaTree& aTree, krgenicam::FormulaKind aKind,
                                               std::span<const krgenicam::Number> aVariables);
 
-/// The text. Powers get parentheses where a sign stands before them if aSeparatesSigns, as readers differ there.
-std::string PrintTree(const FormulaTree& aTree, bool aSeparatesSigns = false);
+/// How many parentheses a text gets.
+enum class FormulaStyle {
+  Short,   ///< As few as can be.
+  Careful, ///< Also where readers differ: around powers that have a sign, and choices within choices.
+};
+
+std::string PrintTree(const FormulaTree& aTree, FormulaStyle aStyle = FormulaStyle::Short);
 
 /// What a random formula is made of.
 struct FormulaMix {
-  std::vector<std::string> operators;
-  std::vector<std::string> signs;
-  std::vector<std::string> functions;
-  std::vector<std::string> variables;
+  std::vector<std::string> operators = {};
+  std::vector<std::string> signs = {};
+  std::vector<std::string> functions = {};
+  std::vector<std::string> variables = {};
   std::int64_t largestLiteral = 100;
   bool hasChoices = true;
-  bool hasFractions = false;
+  bool hasFractions = false; ///< Multiples of an eighth, which every reader of numbers can read exactly.
 };
 
 /// A formula of up to aSize operators and operands.

@@ -1,0 +1,44 @@
+#pragma once
+// A formula as Aravis evaluates it.
+
+#include <arv.h>
+
+#include "number.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+struct AravisRelease {
+  void operator()(gpointer aObject) const { g_object_unref(aObject); }
+};
+template <typename Object>
+using AravisPointer = std::unique_ptr<Object, AravisRelease>;
+
+class AravisFormula {
+public:
+  explicit AravisFormula(std::string_view aText) : mEvaluator(arv_evaluator_new(std::string(aText).c_str())) {}
+
+  void SetVariable(const std::string& aName, const krgenicam::Number& aValue) {
+    if (aValue.IsFloat())
+      arv_evaluator_set_double_variable(mEvaluator.get(), aName.c_str(), aValue.ToFloat());
+    else
+      arv_evaluator_set_int64_variable(mEvaluator.get(), aName.c_str(), aValue.ToInteger());
+  }
+  double EvaluateFloat() { return Evaluate(arv_evaluator_evaluate_as_double); }
+  std::int64_t EvaluateInteger() { return Evaluate(arv_evaluator_evaluate_as_int64); }
+  bool HasFailed() const { return mHasFailed; }
+
+private:
+  template <typename Value>
+  Value Evaluate(Value (*aEvaluate)(ArvEvaluator*, GError**)) {
+    GError* error = nullptr;
+    const Value value = aEvaluate(mEvaluator.get(), &error);
+    mHasFailed = error != nullptr;
+    g_clear_error(&error);
+    return value;
+  }
+
+  AravisPointer<ArvEvaluator> mEvaluator;
+  bool mHasFailed = false;
+};
