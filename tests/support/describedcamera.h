@@ -81,3 +81,10 @@ Value Read(Parameter& aParameter, KrResult (Parameter::*aGetter)(Value&)) {
   EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
   return value;
 }
+template <typename Value, typename Parameter>
+Value Read(Parameter& aParameter, KrResult (Parameter::*aGetter)(Value&) const) {
+  Value value{};
+  const KrResult result = (aParameter.*aGetter)(value);
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  return value;
+}

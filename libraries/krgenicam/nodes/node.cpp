@@ -366,7 +366,9 @@ KrGenAccessMode Node::ComputeAccess(Evaluation&, Facet) {
   return KrGenAccessMode::ReadOnly;
 }
 
-KrResult Node::CheckWrite(Evaluation&, const Number&) {
+KrResult Node::CheckWrite(Evaluation& aEvaluation, const Number&) {
+  if (KrResult result = CheckWritable(aEvaluation); !result.IsOK())
+    return result;
   return {KrResult::Code::InvalidInput, Quote(GetName()) + " cannot be set to a number."};
 }
 
