@@ -1,0 +1,136 @@
+#include "changingcamera.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+// A port whose reads of one register wait until they are cancelled, while it is told to.
+class WaitingPort final : public IKrRegisterPort {
+public:
+  static constexpr std::uint64_t kSlowAddress = 0x100;
+
+  KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
+                const std::stop_token& aCancel) override {
+    {
+      std::unique_lock lock(mMutex);
+      if (aAddress == kSlowAddress && mIsSlow) {
+        mIsWaiting = true;
+        mChanged.notify_all();
+        mChanged.wait(lock, aCancel, [] { return false; });
+        mIsWaiting = false;
+        return {KrResult::Code::Aborted, "The access was cancelled."};
+      }
+    }
+    return mMemory.Read(aAddress, aData, aLength, aTimeoutMs, aCancel);
+  }
+  KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
+                 const std::stop_token& aCancel) override {
+    return mMemory.Write(aAddress, aData, aLength, aTimeoutMs, aCancel);
+  }
+
+  void SetSlow(bool aIsSlow) {
+    const std::lock_guard lock(mMutex);
+    mIsSlow = aIsSlow;
+  }
+  void AwaitAccess() {
+    std::unique_lock lock(mMutex);
+    EXPECT_TRUE(mChanged.wait_for(lock, kPatience, [this] { return mIsWaiting; }));
+  }
+
+private:
+  KrGenMemoryPort mMemory;
+  std::mutex mMutex; // Guards the members from here on.
+  std::condition_variable_any mChanged;
+  bool mIsSlow = true;
+  bool mIsWaiting = false;
+};
+
+class Cancelling : public testing::Test {
+protected:
+  Cancelling() {
+    KrGenDescription description;
+    EXPECT_TRUE(KrGenDescription::ReadFromMemory(
+                    MakeDescription(MakeRegister("Slow", 0x100) + MakeRegister("Quick", 0x200)), "test", description)
+                    .IsOK());
+    EXPECT_TRUE(KrGenParameterArray::Open(description, mPort, {}, mArray).IsOK());
+  }
+  KrResult ReadSlow() {
+    std::int64_t value = 0;
+    return mArray->GetInteger("Slow")->GetValue(value);
+  }
+
+  WaitingPort mPort;
+  std::unique_ptr<KrGenParameterArray> mArray;
+};
+
+} // namespace
+
+TEST_F(Cancelling, Cancel_DuringAnAccess_EndsItWithAbortedAndLeavesLaterOnes) {
+  KrResult result;
+  {
+    std::jthread reader([&] { result = ReadSlow(); });
+    mPort.AwaitAccess();
+    mArray->Cancel();
+  }
+
+  mPort.SetSlow(false);
+
+  EXPECT_TRUE(result == KrResult::Code::Aborted);
+  EXPECT_TRUE(ReadSlow().IsOK());
+  EXPECT_TRUE(mArray->GetInteger("Quick")->SetValue(1).IsOK());
+}
+
+TEST_F(Cancelling, Cancel_WithoutAnAccess_LeavesLaterOnes) {
+  mArray->Cancel();
+  mPort.SetSlow(false);
+
+  EXPECT_TRUE(ReadSlow().IsOK());
+}
+
+TEST_F(Cancelling, Close_DuringAnAccess_EndsItAndAllLaterOnes) {
+  KrResult result;
+  {
+    std::jthread reader([&] { result = ReadSlow(); });
+    mPort.AwaitAccess();
+    mArray->Close();
+  }
+
+  EXPECT_FALSE(result.IsOK());
+  EXPECT_TRUE(ReadSlow() == KrResult::Code::ConnectionLost);
+}
+
+TEST_F(Cancelling, Cancel_OfALookForASink_TellsTheSinkNothingAndHasItLookAgain) {
+  RecordingSink sink;
+  ASSERT_TRUE(mArray->GetInteger("Slow")->RegisterEventSink(&sink).IsOK());
+  mPort.AwaitAccess();
+  mPort.SetSlow(false);
+
+  mArray->Cancel();
+  ASSERT_TRUE(mArray->GetInteger("Slow")->SetValue(4).IsOK());
+  sink.WaitForCalls(1);
+
+  EXPECT_EQ(sink.TakeNames().size(), 1u);
+  EXPECT_TRUE(mArray->GetInteger("Slow")->UnregisterEventSink(&sink).IsOK());
+}
+
+TEST_F(Cancelling, Destruction_DuringALookForASink_EndsIt) {
+  RecordingSink sink;
+  ASSERT_TRUE(mArray->GetInteger("Slow")->RegisterEventSink(&sink).IsOK());
+  mPort.AwaitAccess();
+
+  mArray.reset();
+
+  EXPECT_TRUE(sink.TakeNames().empty());
+}
+
+TEST_F(Cancelling, UnregisterEventSink_DuringAnAccess_DoesNotWaitForIt) {
+  RecordingSink sink;
+  ASSERT_TRUE(mArray->GetInteger("Slow")->RegisterEventSink(&sink).IsOK());
+  mPort.AwaitAccess();
+
+  EXPECT_TRUE(mArray->GetInteger("Slow")->UnregisterEventSink(&sink).IsOK());
+}

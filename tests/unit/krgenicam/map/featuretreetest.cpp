@@ -1,0 +1,131 @@
+#include "map/featuretree.h"
+
+#include "describedcamera.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using krgenicam::Description;
+using krgenicam::FeatureTree;
+using krgenicam::NodeIndex;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+// A tree and the description that it borrows.
+class FeatureTreeTest : public testing::Test {
+protected:
+  void Take(const std::string& aNodes) {
+    KrGenDescription text;
+    ASSERT_TRUE(KrGenDescription::ReadFromMemory(MakeDescription(aNodes), "test", text).IsOK());
+    ASSERT_TRUE(Description::Read(text, mDescription).IsOK());
+    mTree = FeatureTree(mDescription);
+  }
+  std::vector<std::string> GetFeatures() const {
+    std::vector<std::string> names;
+    for (const NodeIndex feature : mTree.GetFeatures())
+      names.emplace_back(mDescription.GetNodes()[feature].name);
+    return names;
+  }
+  std::vector<std::string> GetPaths(const char* aName) const { return mTree.GetPaths(mDescription.Find(aName)); }
+
+  Description mDescription;
+  FeatureTree mTree;
+};
+
+std::string MakeCategory(const std::string& aName, const std::vector<std::string>& aFeatures) {
+  std::string text = "<Category Name=\"" + aName + "\">";
+  for (const std::string& feature : aFeatures)
+    text += "<pFeature>" + feature + "</pFeature>";
+  return text + "</Category>\n";
+}
+
+std::string MakeFeature(const std::string& aName) {
+  return "<Integer Name=\"" + aName + "\"><Value>1</Value></Integer>\n";
+}
+
+} // namespace
+
+TEST_F(FeatureTreeTest, GetFeatures_NestedCategories_AreInTheOrderInWhichCategoriesNameThem) {
+  Take(MakeFeature("First") + MakeFeature("Second") + MakeFeature("Third") +
+       MakeCategory("Root", {"Third", "Inner", "First"}) + MakeCategory("Inner", {"Second"}));
+
+  EXPECT_THAT(GetFeatures(), ElementsAre("Third", "Second", "First"));
+}
+
+TEST_F(FeatureTreeTest, GetFeatures_NodeThatNoCategoryHolds_IsNoFeature) {
+  Take(MakeFeature("Feature") + MakeFeature("Loose") + MakeCategory("Root", {"Feature"}));
+
+  EXPECT_THAT(GetFeatures(), ElementsAre("Feature"));
+  EXPECT_THAT(GetPaths("Loose"), IsEmpty());
+}
+
+TEST_F(FeatureTreeTest, GetFeatures_PortAndMissingNodeInACategory_AreLeftOut) {
+  Take(MakeFeature("Feature") + MakeCategory("Root", {"Device", "Missing", "Feature"}));
+
+  EXPECT_THAT(GetFeatures(), ElementsAre("Feature"));
+}
+
+TEST_F(FeatureTreeTest, GetPaths_FeatureInSeveralCategories_NamesThemAllInOrderAndCountsTheFeatureOnce) {
+  Take(MakeFeature("Gain") + MakeCategory("Root", {"Analog", "Favourites"}) + MakeCategory("Analog", {"Deep", "Gain"}) +
+       MakeCategory("Deep", {"Gain"}) + MakeCategory("Favourites", {"Gain", "Gain"}));
+
+  EXPECT_THAT(GetFeatures(), ElementsAre("Gain"));
+  EXPECT_THAT(GetPaths("Gain"), ElementsAre("Root\\Analog\\Deep", "Root\\Analog", "Root\\Favourites"));
+}
+
+TEST_F(FeatureTreeTest, GetPaths_CategoryReachedTwice_HasTheFeatureUnderBothPaths) {
+  Take(MakeFeature("Gain") + MakeCategory("Root", {"A", "B"}) + MakeCategory("A", {"Shared"}) +
+       MakeCategory("B", {"Shared"}) + MakeCategory("Shared", {"Gain"}));
+
+  EXPECT_THAT(GetPaths("Gain"), ElementsAre("Root\\A\\Shared", "Root\\B\\Shared"));
+}
+
+TEST_F(FeatureTreeTest, GetFeatures_CategoriesInACircle_AreWalkedOnceAndNotedAsAFault) {
+  Take(MakeFeature("Gain") + MakeCategory("Root", {"A"}) + MakeCategory("A", {"B"}) +
+       MakeCategory("B", {"A", "Gain", "B"}));
+
+  EXPECT_THAT(GetPaths("Gain"), ElementsAre("Root\\A\\B"));
+  ASSERT_EQ(mTree.GetFaults().size(), 2u);
+  EXPECT_EQ(mTree.GetFaults()[0].node, "A");
+  EXPECT_EQ(mTree.GetFaults()[1].node, "B");
+}
+
+TEST_F(FeatureTreeTest, GetFeatures_WithoutRoot_BeginAtTheCategoriesThatNoOtherHolds) {
+  Take(MakeFeature("X") + MakeFeature("Y") + MakeCategory("Inner", {"X"}) + MakeCategory("One", {"Inner"}) +
+       MakeCategory("Two", {"Y"}));
+
+  EXPECT_THAT(GetFeatures(), ElementsAre("X", "Y"));
+  EXPECT_THAT(GetPaths("X"), ElementsAre("One\\Inner"));
+}
+
+TEST_F(FeatureTreeTest, GetFeatures_TenThousandNestedCategories_ReachTheInnermost) {
+  constexpr int kDepth = 10000;
+  std::string nodes = MakeCategory("Root", {"C0"}) + MakeFeature("Deepest");
+  for (int i = 0; i < kDepth; ++i)
+    nodes += MakeCategory("C" + std::to_string(i), {i + 1 < kDepth ? "C" + std::to_string(i + 1) : "Deepest"});
+
+  Take(nodes);
+
+  EXPECT_THAT(GetFeatures(), ElementsAre("Deepest"));
+  EXPECT_TRUE(GetPaths("Deepest").at(0).ends_with("\\C9998\\C9999"));
+}
+
+TEST_F(FeatureTreeTest, GetPaths_CategoriesThatDoubleAtEachLevel_KeepAFewPlacesAndNoteTheRest) {
+  // 2^40 paths lead to the feature.
+  std::string nodes = MakeCategory("Root", {"L0a", "L0b"}) + MakeFeature("Deepest");
+  for (int level = 0; level < 40; ++level) {
+    const std::string next = "L" + std::to_string(level + 1);
+    for (const char* const side : {"a", "b"}) {
+      const std::string name = "L" + std::to_string(level) + side;
+      nodes += level < 39 ? MakeCategory(name, {next + "a", next + "b"}) : MakeCategory(name, {"Deepest"});
+    }
+  }
+
+  Take(nodes);
+
+  EXPECT_THAT(GetFeatures(), ElementsAre("Deepest"));
+  EXPECT_LE(GetPaths("Deepest").size(), FeatureTree::kMostPlacesOfOne);
+  EXPECT_EQ(mTree.GetFaults().size(), 1u);
+}

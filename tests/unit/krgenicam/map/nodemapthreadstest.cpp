@@ -1,0 +1,83 @@
+#include "changingcamera.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+// Several threads at one array at a time: for the thread sanitizer, and that nothing is lost.
+
+namespace {
+
+const std::string kNodes = MakeRegister("A", 0x100) + MakeRegister("B", 0x104) +
+                           MakeRegister("Polled", 0x108, "<PollingTime>1</PollingTime>") + R"(
+<IntSwissKnife Name="Sum"><pVariable Name="A">A</pVariable><pVariable Name="B">B</pVariable><Formula>A + B</Formula>
+</IntSwissKnife>
+<Integer Name="Selector"><Value>0</Value><Min>0</Min><Max>3</Max><pSelected>Selected</pSelected></Integer>
+<IntReg Name="Selected"><Address>0x200</Address><pIndex Offset="4">Selector</pIndex><Length>4</Length>
+  <AccessMode>RW</AccessMode><pPort>Device</pPort><Endianess>LittleEndian</Endianess></IntReg>
+)";
+
+} // namespace
+
+TEST(NodeMapThreads, ReadingWritingPollingAndListening_FromSeveralThreads_EndsWithWhatWasWrittenLast) {
+  constexpr std::int64_t kTurns = 300;
+  std::atomic<std::uint64_t> nowMs = 0;
+  ChangingCamera camera(kNodes, {.getTimeMs = [&] { return nowMs.load(); }});
+  std::atomic<std::int64_t> lastSum = 0;
+  RecordingSink sum([&](KrGenParameter& aParameter) {
+    lastSum = Read(dynamic_cast<KrGenInteger&>(aParameter), &KrGenInteger::GetValue);
+  });
+  RecordingSink others;
+  camera.Watch("Sum", sum);
+  for (const char* const name : {"A", "B", "Polled", "Selected"})
+    camera.Watch(name, others);
+
+  const auto write = [&](const char* aName) {
+    for (std::int64_t turn = 1; turn <= kTurns; ++turn)
+      EXPECT_TRUE(camera.Integer(aName).SetValue(turn).IsOK());
+  };
+  {
+    std::vector<std::jthread> threads;
+    threads.emplace_back([&] { write("A"); });
+    threads.emplace_back([&] { write("B"); });
+    threads.emplace_back([&] {
+      for (std::int64_t turn = 0; turn < kTurns; ++turn) {
+        EXPECT_TRUE(camera.Integer("Selector").SetValue(turn % 4).IsOK());
+        EXPECT_TRUE(camera.Integer("Selected").SetValue(turn).IsOK());
+        (void)Read(camera.Integer("Sum"), &KrGenInteger::GetValue); // Read for its own sake.
+      }
+    });
+    threads.emplace_back([&] {
+      for (std::int64_t turn = 0; turn < kTurns; ++turn) {
+        nowMs += 1;
+        EXPECT_TRUE(camera.array->Poll().IsOK());
+        EXPECT_NE(camera.array->Get("Sum")->GetAccessMode(), KrGenAccessMode::NotAvailable);
+        if (turn % 50 == 0)
+          camera.array->InvalidateCache();
+      }
+    });
+  }
+  camera.AwaitNotifications();
+
+  EXPECT_EQ(Read(camera.Integer("Sum"), &KrGenInteger::GetValue), 2 * kTurns);
+  EXPECT_EQ(lastSum, 2 * kTurns);
+  EXPECT_TRUE(camera.array->Get("Sum")->UnregisterEventSink(&sum).IsOK());
+}
+
+TEST(NodeMapThreads, RegisteringAndUnregistering_WhileValuesChange_CallsNobodyWhoHasLeft) {
+  ChangingCamera camera(kNodes);
+  std::jthread writer([&](const std::stop_token& aStop) {
+    for (std::int64_t value = 0; !aStop.stop_requested(); ++value)
+      EXPECT_TRUE(camera.Integer("A").SetValue(value % 1000).IsOK());
+  });
+
+  for (int turn = 0; turn < 300; ++turn) {
+    std::atomic<bool> isThere = true;
+    RecordingSink sink([&](KrGenParameter&) { EXPECT_TRUE(isThere); });
+    ASSERT_TRUE(camera.Integer("Sum").RegisterEventSink(&sink).IsOK());
+    ASSERT_TRUE(camera.Integer("Sum").UnregisterEventSink(&sink).IsOK());
+    isThere = false;
+  }
+}
