@@ -23,6 +23,12 @@ inline std::string MakeRegister(const std::string& aName, int aAddress, const st
          "<Endianess>LittleEndian</Endianess></IntReg>\n";
 }
 
+/// What a list has, for matchers.
+template <typename List>
+auto ToVector(const List& aList) {
+  return std::vector(aList.begin(), aList.end());
+}
+
 /// Writes down the parameters that it is told of, and does what a test wants then.
 class RecordingSink final : public KrGenEventSink {
 public:

@@ -1,6 +1,6 @@
 #include "krgenicam/krgencategory.h"
 
-#include "describedcamera.h"
+#include "changingcamera.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -82,7 +82,7 @@ TEST(KrGenCategory, GetParametersAndGetCategories_AreTheDirectOnesInOrder) {
   ASSERT_TRUE(camera.array->GetCategory("Root")->GetParameters(parameters).IsOK());
   ASSERT_TRUE(camera.array->GetCategory("Root")->GetCategories(categories).IsOK());
 
-  EXPECT_THAT(parameters, ElementsAre(camera.array->Get("Width")));
+  EXPECT_THAT(ToVector(parameters), ElementsAre(camera.array->Get("Width")));
   EXPECT_THAT(categories, ElementsAre(camera.array->GetCategory("Analog"), camera.array->GetCategory("Gone"),
                                       camera.array->GetCategory("Circle")));
 }

@@ -96,10 +96,10 @@ TEST(KrGenParameterArray, GetFaults_OfDescriptionAndLinks_NameLineAndNodeInTheOr
   ASSERT_TRUE(camera.array->GetFaults(faults).IsOK());
 
   ASSERT_EQ(faults.GetCount(), 4u);
-  EXPECT_THAT(faults[0].ToUtf8(), HasSubstr("line 7, node Root: "));
-  EXPECT_THAT(faults[1].ToUtf8(), HasSubstr("line 8, node Early: \"Sometimes\""));
-  EXPECT_THAT(faults[2].ToUtf8(), HasSubstr("line 9, node Early: "));
-  EXPECT_THAT(faults[3].ToUtf8(), HasSubstr("line 10, node Late: \"none\""));
+  EXPECT_THAT(faults[0].ToUtf8(), HasSubstr("line 8, node Root: "));
+  EXPECT_THAT(faults[1].ToUtf8(), HasSubstr("line 9, node Early: \"Sometimes\""));
+  EXPECT_THAT(faults[2].ToUtf8(), HasSubstr("line 10, node Early: There is a node of this name in line 9"));
+  EXPECT_THAT(faults[3].ToUtf8(), HasSubstr("line 11, node Late: \"none\""));
 }
 
 TEST(KrGenParameterArray, GetFaults_MoreThanAreListed_SaysHowMany) {

@@ -25,6 +25,8 @@ const std::string kNodes = MakeRegister("Temperature", 0x100, "<PollingTime>1000
 
 class Polling : public testing::Test {
 protected:
+  // What its entry is has to be known before it is known that it need not be polled.
+  Polling() { EXPECT_EQ(Read(mCamera.Enum("Auto"), &KrGenEnum::GetValue), 0); }
   std::int64_t Get(const char* aName) { return Read(mCamera.Integer(aName), &KrGenInteger::GetValue); }
   std::vector<std::uint64_t> PollAndTakeAddresses() {
     (void)mCamera.port.TakeRecords(); // What came before is of no interest.
