@@ -9,10 +9,6 @@ namespace krgenicam {
 
 namespace {
 
-constexpr std::string_view kRepresentationWords[] = {"Linear",    "Logarithmic", "Boolean",   "PureNumber",
-                                                     "HexNumber", "IPV4Address", "MACAddress"};
-constexpr std::string_view kNotationWords[] = {"Automatic", "Fixed", "Scientific"};
-
 double GetLargestOf(std::size_t aLength) {
   return aLength == sizeof(float) ? static_cast<double>(std::numeric_limits<float>::max())
                                   : std::numeric_limits<double>::max();
@@ -25,13 +21,7 @@ FloatRegisterNode::FloatRegisterNode(const Description& aDescription, const Node
 
 void FloatRegisterNode::Link(INodeIndex& aIndex) {
   RegisterNode::Link(aIndex);
-  mShown.representation =
-      static_cast<KrGenRepresentation>(TakeWord(aIndex, PropertyKind::Representation, kRepresentationWords,
-                                                static_cast<std::size_t>(KrGenRepresentation::PureNumber)));
-  mShown.notation =
-      static_cast<KrGenDisplayNotation>(TakeWord(aIndex, PropertyKind::DisplayNotation, kNotationWords, 0));
-  mShown.precision = TakeInteger(aIndex, PropertyKind::DisplayPrecision, mShown.precision);
-  mShown.unit = GetText(PropertyKind::Unit);
+  mShown = TakeShown(aIndex);
 }
 
 std::string FloatRegisterNode::FindLengthProblem(std::int64_t aLength) const {
@@ -60,10 +50,7 @@ KrResult FloatRegisterNode::Compute(Evaluation& aEvaluation, Facet aFacet, Numbe
 }
 
 KrResult FloatRegisterNode::CheckWrite(Evaluation& aEvaluation, const Number& aValue) {
-  KrResult result = CheckWritable(aEvaluation);
-  std::int64_t address = 0;
-  if (result.IsOK())
-    result = GetAddress(aEvaluation, address);
+  KrResult result = CheckWritableRegister(aEvaluation);
   if (result.IsOK() && std::isnan(aValue.ToFloat()))
     return {KrResult::Code::InvalidInput, "\"" + std::string(GetName()) + "\" cannot be set to what is not a number."};
   return result.IsOK() ? CheckRange(aEvaluation, aValue, false) : result;

@@ -3,7 +3,6 @@
 #include "description/lexical.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 
 namespace krgenicam {
@@ -12,8 +11,6 @@ namespace {
 
 constexpr std::int64_t kLongest = 8;
 constexpr std::string_view kSignWords[] = {"Unsigned", "Signed"};
-constexpr std::string_view kRepresentationWords[] = {"Linear",    "Logarithmic", "Boolean",   "PureNumber",
-                                                     "HexNumber", "IPV4Address", "MACAddress"};
 
 } // namespace
 
@@ -23,10 +20,7 @@ IntegerRegisterNode::IntegerRegisterNode(const Description& aDescription, const 
 void IntegerRegisterNode::Link(INodeIndex& aIndex) {
   RegisterNode::Link(aIndex);
   mIsSigned = TakeWord(aIndex, PropertyKind::Sign, kSignWords, 0) == 1;
-  mShown.representation =
-      static_cast<KrGenRepresentation>(TakeWord(aIndex, PropertyKind::Representation, kRepresentationWords,
-                                                static_cast<std::size_t>(KrGenRepresentation::PureNumber)));
-  mShown.unit = GetText(PropertyKind::Unit);
+  mShown = TakeShown(aIndex);
   if (GetKind() == NodeKind::MaskedIntReg)
     LinkBits(aIndex);
 }
@@ -92,10 +86,7 @@ KrResult IntegerRegisterNode::Compute(Evaluation& aEvaluation, Facet aFacet, Num
 }
 
 KrResult IntegerRegisterNode::CheckWrite(Evaluation& aEvaluation, const Number& aValue) {
-  KrResult result = CheckWritable(aEvaluation);
-  std::int64_t address = 0;
-  if (result.IsOK())
-    result = GetAddress(aEvaluation, address);
+  KrResult result = CheckWritableRegister(aEvaluation);
   return result.IsOK() ? CheckRange(aEvaluation, aValue, false) : result;
 }
 

@@ -78,14 +78,16 @@ std::optional<std::uint64_t> PortNode::GetChunkID(Evaluation& aEvaluation) {
 }
 
 void PortNode::SetEventData(std::span<const std::uint8_t> aData) {
-  mData.emplace(aData.begin(), aData.end());
+  SetChunkData(aData);
 }
 
 void PortNode::SetChunkData(std::optional<std::span<const std::uint8_t>> aData) {
-  if (aData)
-    mData.emplace(aData->begin(), aData->end());
-  else
+  if (!aData)
     mData.reset();
+  else if (mData)
+    mData->assign(aData->begin(), aData->end());
+  else
+    mData.emplace(aData->begin(), aData->end());
 }
 
 bool PortNode::IsPseudoAddress(std::int64_t aAddress) const {

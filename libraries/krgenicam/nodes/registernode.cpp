@@ -1,7 +1,5 @@
 #include "nodes/registernode.h"
 
-#include "description/lexical.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -10,13 +8,6 @@
 namespace krgenicam {
 
 namespace {
-
-constexpr std::string_view kAccessWords[] = {"RO", "WO", "RW"};
-constexpr KrGenAccessMode kAccessModes[] = {KrGenAccessMode::ReadOnly, KrGenAccessMode::WriteOnly,
-                                            KrGenAccessMode::ReadWrite};
-constexpr std::string_view kCachingWords[] = {"WriteThrough", "WriteAround", "NoCache"};
-constexpr std::string_view kEndianWords[] = {"LittleEndian", "BigEndian"};
-constexpr std::string_view kDevicePort = "Device";
 
 std::string Quote(std::string_view aName) {
   return "\"" + std::string(aName) + "\"";
@@ -34,7 +25,7 @@ std::string FormatAddress(std::int64_t aAddress) {
 KrResult NameAttempt(const KrResult& aResult, const char* aVerb, const Node& aNode, const RegisterRange& aRange) {
   const std::string bytes = std::to_string(aRange.length) + (aRange.length == 1 ? " byte" : " bytes");
   return {aResult.GetCode(), std::string(aVerb) + " " + Quote(aNode.GetName()) + " (" + bytes + " at " +
-                                 FormatAddress(aRange.address) + "): " + aResult.GetDescription().CStr()};
+                                 FormatAddress(aRange.address) + "): " + aResult.GetDescription().ToUtf8()};
 }
 
 } // namespace
@@ -43,120 +34,6 @@ RegisterNode::RegisterNode(const Description& aDescription, const NodeDescriptio
     : Node(aDescription, aNode), mUser(*this) {}
 
 RegisterNode::~RegisterNode() = default;
-
-void RegisterNode::Link(INodeIndex& aIndex) {
-  Node::Link(aIndex);
-  mAccessMode = kAccessModes[TakeWord(aIndex, PropertyKind::AccessMode, kAccessWords, 0)];
-  mCaching = static_cast<RegisterCaching>(TakeWord(aIndex, PropertyKind::Cachable, kCachingWords, 0));
-  mUser.remembers = mCaching != RegisterCaching::NoCache;
-  mIsBigEndian = TakeWord(aIndex, PropertyKind::Endianess, kEndianWords, 0) == 1;
-  LinkPort(aIndex);
-  LinkLength(aIndex);
-  LinkAddress(aIndex);
-}
-
-void RegisterNode::LinkPort(INodeIndex& aIndex) {
-  const Property* const property = FindProperty(PropertyKind::pPort);
-  if (!property) {
-    mPort = dynamic_cast<PortNode*>(aIndex.FindNode(kDevicePort));
-    if (mPort && mPort->IsPlain())
-      mPort->AddDependent(*this);
-    else
-      SetFault(aIndex, GetLine(), "the register names no port.");
-    return;
-  }
-  const NodeLink link = LinkTo(aIndex, *property);
-  mPort = dynamic_cast<PortNode*>(link.node);
-  if (!mPort)
-    SetFault(aIndex, link.line, "there is no usable port " + Quote(link.name) + ".");
-}
-
-void RegisterNode::LinkLength(INodeIndex& aIndex) {
-  const Property* const length = FindProperty(PropertyKind::Length);
-  const Property* const link = FindProperty(PropertyKind::pLength);
-  if (!length && link) {
-    mLengthLink = TakeLink(aIndex, *link);
-    return;
-  }
-  const std::optional<std::int64_t> number = length ? ParseInteger(length->text) : std::nullopt;
-  if (!number) {
-    SetFault(aIndex, GetLineOf(PropertyKind::Length),
-             length ? "the length is not a whole number." : "the register has no length.");
-    return;
-  }
-  mConstantLength = *number;
-  if (const std::string problem = FindAnyLengthProblem(*number); !problem.empty())
-    SetFault(aIndex, length->line, problem);
-}
-
-void RegisterNode::LinkAddress(INodeIndex& aIndex) {
-  std::uint32_t line = 0;
-  for (const Property& property : GetProperties()) {
-    if (property.kind == PropertyKind::Address) {
-      const std::optional<std::int64_t> number = ParseInteger(property.text);
-      if (!number || __builtin_add_overflow(mConstantAddress, *number, &mConstantAddress))
-        SetFault(aIndex, property.line, "the address is not a whole number of 64 bits.");
-    } else if (property.kind == PropertyKind::pAddress || property.kind == PropertyKind::IntSwissKnife) {
-      mTerms.push_back({.link = TakeLink(aIndex, property)});
-    } else if (property.kind == PropertyKind::pIndex) {
-      LinkIndex(aIndex, property);
-    } else {
-      continue;
-    }
-    line = property.line;
-  }
-  if (line == 0)
-    SetFault(aIndex, GetLine(), "the register has no address.");
-  if (!mFault.IsOK() || !mTerms.empty() || mLengthLink.IsSet())
-    return;
-  const KrResult checked =
-      mPort->CheckAddress({.address = mConstantAddress, .length = static_cast<std::size_t>(mConstantLength)});
-  if (!checked.IsOK())
-    SetFault(aIndex, line, checked.GetDescription().CStr());
-}
-
-void RegisterNode::LinkIndex(INodeIndex& aIndex, const Property& aProperty) {
-  AddressTerm term{.link = TakeLink(aIndex, aProperty), .scale = AddressTerm::Scale::Length};
-  if (!aProperty.attribute.empty()) {
-    const std::optional<std::int64_t> offset = ParseInteger(aProperty.attribute);
-    if (!offset)
-      SetFault(aIndex, aProperty.line, "the offset of the index is not a whole number of 64 bits.");
-    term.scale = AddressTerm::Scale::Constant;
-    term.offset = offset.value_or(0);
-  } else if (!aProperty.offsetName.empty()) {
-    Property offset = aProperty;
-    offset.text = aProperty.offsetName;
-    offset.target = aProperty.offsetTarget;
-    term.scale = AddressTerm::Scale::Node;
-    term.offsetLink = TakeLink(aIndex, offset);
-  }
-  mTerms.push_back(term);
-}
-
-NodeLink RegisterNode::TakeLink(INodeIndex& aIndex, const Property& aProperty) {
-  NodeLink link = LinkTo(aIndex, aProperty);
-  if (!link.node) {
-    SetFault(aIndex, link.line, "there is no usable node " + Quote(link.name) + ".");
-    return link;
-  }
-  link.name = link.node->GetName();
-  mPlaceNodes.push_back(link.node);
-  return link;
-}
-
-std::uint32_t RegisterNode::GetLineOf(PropertyKind aKind) const {
-  const Property* const property = FindProperty(aKind);
-  return property ? property->line : GetLine();
-}
-
-void RegisterNode::SetFault(INodeIndex& aIndex, std::uint32_t aLine, const std::string& aReason) {
-  std::string sentence = aReason;
-  if (!sentence.empty() && sentence.front() >= 'a' && sentence.front() <= 'z')
-    sentence.front() = static_cast<char>(sentence.front() - 'a' + 'A');
-  aIndex.AddFault(*this, aLine, sentence);
-  if (mFault.IsOK())
-    mFault = MakeFault(aLine, aReason);
-}
 
 void RegisterNode::Forget(std::vector<Node*>& aAffected) {
   Node::Forget(aAffected);
@@ -178,11 +55,16 @@ std::string RegisterNode::FindAnyLengthProblem(std::int64_t aLength) const {
 KrResult RegisterNode::AskNumber(Evaluation& aEvaluation, const NodeLink& aLink, std::int64_t& aNumber) {
   Number number;
   KrResult result = aLink.node->GetValue(aEvaluation, number);
-  if (!result.IsOK())
-    return {result.GetCode(),
-            "Where " + Quote(GetName()) + " is cannot be found out. " + result.GetDescription().CStr()};
-  aNumber = number.ToInteger();
-  return result;
+  if (result.IsOK()) {
+    aNumber = number.ToInteger();
+    return result;
+  }
+  constexpr std::string_view kBeginning = "Where \"";
+  // In a chain of registers one of them is enough.
+  if (result.GetDescription().ToUtf8().starts_with(kBeginning))
+    return result;
+  return {result.GetCode(), std::string(kBeginning) + std::string(GetName()) + "\" is cannot be found out. " +
+                                result.GetDescription().ToUtf8()};
 }
 
 KrResult RegisterNode::GetLength(Evaluation& aEvaluation, std::int64_t& aLength) {
@@ -241,7 +123,7 @@ KrResult RegisterNode::FindRange(Evaluation& aEvaluation, RegisterRange& aRange)
   }
   KrResult checked = mPort->CheckAddress(aRange);
   if (!checked.IsOK())
-    return {checked.GetCode(), Quote(GetName()) + " is nowhere at the moment: " + checked.GetDescription().CStr()};
+    return {checked.GetCode(), Quote(GetName()) + " is nowhere at the moment: " + checked.GetDescription().ToUtf8()};
   return checked;
 }
 
@@ -302,9 +184,10 @@ KrResult RegisterNode::ReadSurroundings(Evaluation& aEvaluation, Word& aWord) {
   return {};
 }
 
-void RegisterNode::ShareBits() {
-  if (mFault.IsOK() && mTerms.empty() && !mLengthLink.IsSet() && IsReadable(mAccessMode))
-    mPort->NoteReadableBits({.address = mConstantAddress, .length = static_cast<std::size_t>(mConstantLength)});
+KrResult RegisterNode::CheckWritableRegister(Evaluation& aEvaluation) {
+  RegisterRange range;
+  KrResult result = CheckWritable(aEvaluation);
+  return result.IsOK() ? FindRange(aEvaluation, range) : result;
 }
 
 KrResult RegisterNode::CheckWriteBytes(Evaluation& aEvaluation, std::span<const std::uint8_t> aBytes) {
@@ -331,7 +214,7 @@ KrResult RegisterNode::FindRangeOf(Evaluation& aEvaluation, std::span<const std:
   return result;
 }
 
-const Node* RegisterNode::FindUnreadablePlaceNode(Evaluation& aEvaluation) const {
+Node* RegisterNode::FindUnreadablePlaceNode(Evaluation& aEvaluation) const {
   const auto found = std::ranges::find_if(mPlaceNodes, [&aEvaluation](Node* aNode) {
     return !IsReadable(aNode->GetAccess(aEvaluation, Facet::AccessUnlocked));
   });
@@ -354,13 +237,10 @@ KrResult RegisterNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWritin
     return {KrResult::Code::AccessDenied,
             aAttempt + "the register can only be " + (aForWriting ? "read." : "written.")};
   const KrGenAccessMode port = mPort->GetAccess(aEvaluation, aForWriting ? Facet::Access : Facet::AccessUnlocked);
-  if (!(aForWriting ? IsWritable(port) : IsReadable(port))) {
-    const KrResult reason = mPort->ExplainAccess(aEvaluation, aForWriting);
-    return {reason.GetCode(), aAttempt + "its port is not available. " + reason.GetDescription().CStr()};
-  }
-  if (const Node* const node = FindUnreadablePlaceNode(aEvaluation))
-    return {KrResult::Code::AccessDenied,
-            aAttempt + Quote(node->GetName()) + ", which says where it is, cannot be read at the moment."};
+  if (!(aForWriting ? IsWritable(port) : IsReadable(port)))
+    return ExplainBy(aEvaluation, aForWriting, aAttempt, *mPort);
+  if (Node* const node = FindUnreadablePlaceNode(aEvaluation))
+    return ExplainBy(aEvaluation, false, aAttempt, *node);
   return Node::ExplainOwnAccess(aEvaluation, aForWriting, aAttempt);
 }
 

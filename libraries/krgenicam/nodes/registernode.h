@@ -61,6 +61,8 @@ protected:
   KrResult ReadWord(Evaluation& aEvaluation, Word& aWord);
   /// The bytes of which only some bits are to be replaced: read, or guessed where they cannot be read.
   KrResult ReadSurroundings(Evaluation& aEvaluation, Word& aWord);
+  /// Refuses, with the reason, a register that cannot be written or whose place cannot be found out at the moment.
+  KrResult CheckWritableRegister(Evaluation& aEvaluation);
   /// Other registers may replace bits of this one's bytes: says that they can be read, where they can.
   void ShareBits();
   bool IsBigEndian() const { return mIsBigEndian; }
@@ -100,7 +102,7 @@ private:
   /// The range, where it takes these bytes.
   KrResult FindRangeOf(Evaluation& aEvaluation, std::span<const std::uint8_t> aBytes, RegisterRange& aRange);
   /// A node without which the place is not known and that cannot be read at the moment, or null.
-  const Node* FindUnreadablePlaceNode(Evaluation& aEvaluation) const;
+  Node* FindUnreadablePlaceNode(Evaluation& aEvaluation) const;
 
   RegisterUser mUser;
   PortNode* mPort = nullptr;

@@ -16,10 +16,7 @@ KrResult StringRegisterNode::ReadText(Evaluation& aEvaluation, std::string& aTex
 }
 
 KrResult StringRegisterNode::CheckWriteText(Evaluation& aEvaluation, std::string_view aText) {
-  KrResult result = CheckWritable(aEvaluation);
-  std::int64_t address = 0;
-  if (result.IsOK())
-    result = GetAddress(aEvaluation, address);
+  KrResult result = CheckWritableRegister(aEvaluation);
   std::int64_t length = 0;
   if (result.IsOK())
     result = GetLength(aEvaluation, length);

@@ -185,7 +185,10 @@ TEST(RegisterNode, ChainOfAddresses_BeyondAnyLimit_IsAFaultAndNoCrash) {
   DescribedCamera camera(nodes);
   std::int64_t value = 0;
 
-  EXPECT_FALSE(camera.Integer(("Reg" + std::to_string(kCount - 1)).c_str()).GetValue(value).IsOK());
+  const KrResult result = camera.Integer(("Reg" + std::to_string(kCount - 1)).c_str()).GetValue(value);
+
+  EXPECT_FALSE(result.IsOK());
+  EXPECT_LT(result.GetDescription().GetLength(), 1000U);
   EXPECT_EQ(Read(camera.Integer("Reg100"), &KrGenInteger::GetValue), 0);
 }
 
@@ -240,7 +243,9 @@ TEST(RegisterNode, PlaceThatCannotBeRead_MakesTheRegisterUnavailable) {
     DescribedCamera camera(kIndices + MakeBytes(place));
 
     EXPECT_EQ(camera.Register("Bytes").GetAccessMode(), KrGenAccessMode::NotAvailable) << place;
-    EXPECT_EQ(ReadBytes(camera), KrResult::Code::AccessDenied) << place;
+    const KrResult result = ReadBytes(camera);
+    EXPECT_EQ(result, KrResult::Code::AccessDenied) << place;
+    EXPECT_THAT(result.GetDescription().CStr(), HasSubstr("\"Closed\"")) << place;
   }
 }
 
@@ -258,6 +263,19 @@ TEST(RegisterNode, FailureOfThePort_ComesWithItsCodeTheNameAndThePlace) {
     EXPECT_EQ(written, code);
     EXPECT_STREQ(written.GetDescription().CStr(), "Writing \"Bytes\" (4 bytes at 0x1234): So the port says.");
   }
+}
+
+TEST(RegisterNode, FailureToReadThePlace_ComesWithItsCodeAndBothNames) {
+  DescribedCamera camera(MakeNode("IntReg", "Where", Address("0x10") + Length("4")) +
+                         MakeBytes("<pAddress>Where</pAddress>" + Length("4")));
+  camera.port.SetFault(
+      [](const RegisterAccessRecord&) { return KrResult(KrResult::Code::TimeLimitExceeded, "No answer came."); });
+
+  const KrResult result = ReadBytes(camera);
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_STREQ(result.GetDescription().CStr(), "Where \"Bytes\" is cannot be found out. "
+                                               "Reading \"Where\" (4 bytes at 0x10): No answer came.");
 }
 
 TEST(RegisterNode, DeviceThatWasSilent_IsUsedAgainAsSoonAsItAnswers) {
