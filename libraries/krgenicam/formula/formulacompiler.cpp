@@ -61,7 +61,7 @@ KrResult FormulaCompiler::Compile(std::string_view aText) {
     return mResult;
   std::vector<std::size_t>& used = mFormula.mUsedVariables;
   std::ranges::sort(used);
-  used.erase(std::ranges::unique(used).begin(), used.end());
+  used.erase(std::unique(used.begin(), used.end()), used.end());
   mFormula.mInstructions.shrink_to_fit();
   return {};
 }

@@ -183,8 +183,8 @@ KrResult ConverterNode::GetValidValues(Evaluation& aEvaluation, std::vector<Numb
   if (!result.IsOK())
     return result;
   std::ranges::sort(values, [](const Number& aLeft, const Number& aRight) { return IsAbove(aRight, aLeft); });
-  const auto repeated = std::ranges::unique(values);
-  values.erase(repeated.begin(), repeated.end());
+  const auto repeated = std::unique(values.begin(), values.end());
+  values.erase(repeated, values.end());
   aValues = std::move(values);
   return {};
 }

@@ -59,8 +59,8 @@ void NumberNode::TakeValidValues(INodeIndex& aIndex) {
       AddWordFault(aIndex, *property, "a list of numbers, parted by semicolons");
   }
   std::ranges::sort(mValidValues, IsLess);
-  const auto repeated = std::ranges::unique(mValidValues);
-  mValidValues.erase(repeated.begin(), repeated.end());
+  const auto repeated = std::unique(mValidValues.begin(), mValidValues.end());
+  mValidValues.erase(repeated, mValidValues.end());
 }
 
 KrResult NumberNode::Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) {

@@ -42,8 +42,8 @@ void Remove(std::vector<Element*>& aElements, const Element* aElement) {
 template <typename Element>
 void KeepOneOfEach(std::vector<Element*>& aElements) {
   std::ranges::sort(aElements);
-  const auto repeated = std::ranges::unique(aElements);
-  aElements.erase(repeated.begin(), repeated.end());
+  const auto repeated = std::unique(aElements.begin(), aElements.end());
+  aElements.erase(repeated, aElements.end());
 }
 
 } // namespace
