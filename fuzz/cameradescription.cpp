@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr std::size_t kMostTextBytes = std::size_t{64} << 10;
 constexpr std::size_t kMostNodes = 300;
+constexpr std::size_t kMostTriedNodes = 40;
 constexpr std::size_t kRegisterBytes = 65536;
 constexpr std::size_t kMostContentBytes = kRegisterBytes;
 
@@ -197,7 +199,8 @@ void TryParameter(KrGenParameter& aParameter) {
 void TryArray(KrGenParameterArray& aArray, const krgenicam::Description& aDescription) {
   KrStringList faults;
   Check(aArray.GetFaults(faults));
-  for (const krgenicam::NodeDescription& node : aDescription.GetNodes()) {
+  const std::span<const krgenicam::NodeDescription> nodes = aDescription.GetNodes();
+  for (const krgenicam::NodeDescription& node : nodes.first(std::min(nodes.size(), kMostTriedNodes))) {
     if (KrGenParameter* const parameter = aArray.Get(KrString(node.name)))
       TryParameter(*parameter);
     if (KrGenCategory* const category = aArray.GetCategory(KrString(node.name))) {
