@@ -59,8 +59,9 @@ KrResult IntegerRegisterNode::FindBits(std::int64_t aLength, BitRange& aBits) co
     return MakeFault(mBitsLine, "the bits " + std::to_string(mFirstBit) + " to " + std::to_string(mLastBit) +
                                     " are not all in a register of " + std::to_string(count) + ".");
   // Big-endian registers count from the most significant bit on; cameras are known to swap the two.
-  const auto [lowest, highest] = IsBigEndian() ? std::minmax(count - 1 - mFirstBit, count - 1 - mLastBit)
-                                               : std::minmax(std::int64_t{mFirstBit}, std::int64_t{mLastBit});
+  const std::int64_t first = IsBigEndian() ? count - 1 - mFirstBit : mFirstBit;
+  const std::int64_t last = IsBigEndian() ? count - 1 - mLastBit : mLastBit;
+  const auto [lowest, highest] = std::minmax({first, last});
   aBits = {.lowest = static_cast<unsigned>(lowest), .count = static_cast<unsigned>(highest - lowest + 1)};
   return {};
 }
