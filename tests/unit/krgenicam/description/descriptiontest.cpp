@@ -143,6 +143,15 @@ TEST(Description_, Text_ThatStraysFromTheSchema_IsStillUnderstood) {
   }
 }
 
+TEST(Description_, DocumentType_WithEntities_IsNeitherExpandedNorFetched) {
+  const Description description =
+      ReadText("<?xml version='1.0'?><!DOCTYPE d [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\">"
+               "<!ENTITY c SYSTEM \"file:///etc/passwd\">]>"
+               "<RegisterDescription><Integer Name='A'><ToolTip>&b;&c;</ToolTip></Integer></RegisterDescription>");
+
+  EXPECT_EQ(ShowNode(description, "A"), "ToolTip=&b;&c;");
+}
+
 TEST(Description_, Attributes_OfElements_AreKept) {
   const Description description =
       ReadNodes("<SwissKnife Name='K'><pVariable Name='V.Max'>R</pVariable><Constant Name='C'>3</Constant>"
