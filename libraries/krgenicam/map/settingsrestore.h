@@ -8,7 +8,9 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace krgenicam {
@@ -23,9 +25,10 @@ public:
   /// How often all that failed is tried at most.
   static constexpr std::size_t kMaxPasses = 8;
 
-  SettingsRestore(Finder aFind, KrStringList& aProblems) : mFind(std::move(aFind)), mProblems(aProblems) {}
+  SettingsRestore(Finder aFind, std::stop_token aCancel, KrStringList& aProblems)
+      : mFind(std::move(aFind)), mCancel(std::move(aCancel)), mProblems(aProblems) {}
 
-  /// OK when all is as stored, otherwise the first problem.
+  /// OK when all is as stored, otherwise the first problem; nothing more is tried once it was cancelled.
   KrResult Run(const KrGenSettings& aSettings);
 
 private:
@@ -59,11 +62,13 @@ private:
   bool TakeSecondChance();
   void PutSelectors();
 
+  bool IsEnded();
   void Report();
   void Note(const KrResult& aProblem);
   void NoteUnfinished(State aState, const std::string& aWhat);
 
   const Finder mFind;
+  const std::stop_token mCancel;
   KrStringList& mProblems;
   std::vector<Step> mSteps;
   std::vector<SelectorPosition> mPositions; // Where the steps made so far leave the selectors.
