@@ -36,7 +36,7 @@ KrResult SettingsRestore::Run(const KrGenSettings& aSettings) {
   MarkSuperseded();
 
   PersistenceFrame frame;
-  Note(frame.Begin(mFind));
+  Note(frame.Begin([this](const KrString& aName) { return mArray.Get(aName); }));
   SetAll();
   Note(frame.End());
   VerifyAll();
@@ -48,7 +48,7 @@ KrResult SettingsRestore::Run(const KrGenSettings& aSettings) {
 }
 
 SettingsRestore::Step SettingsRestore::MakeStep(const KrGenSetting& aSetting) {
-  Step step = {.parameter = mFind(aSetting.name), .setting = aSetting};
+  Step step = {.parameter = mArray.Get(aSetting.name), .setting = aSetting};
   if (step.parameter == nullptr) {
     step.state = State::Failed;
     step.failure = {KrResult::Code::NotFound, "there is no such parameter."};
@@ -145,6 +145,7 @@ KrResult SettingsRestore::MoveTo(const std::vector<SelectorPosition>& aContext) 
 
 // Selectors are read back when they are put where they are to stay.
 void SettingsRestore::VerifyAll() {
+  mArray.InvalidateCache(); // What the device has counts, not what was written to it.
   for (Step& step : mSteps) {
     if (!IsEnded() && !step.isSuperseded && !step.isSelector && (step.state == State::Set || step.state == State::Done))
       VerifyStep(step);
@@ -190,6 +191,7 @@ void SettingsRestore::PutSelectors() {
       continue;
     step.failure = {};
     SetStep(step);
+    mArray.InvalidateCache();
     if (step.state == State::Set)
       VerifyStep(step);
   }
@@ -234,6 +236,5 @@ void SettingsRestore::NoteUnfinished(State aState, const std::string& aWhat) {
 
 KrResult KrGenParameterArray::RestoreSettings(const KrGenSettings& aSettings, KrStringList& aProblems) {
   aProblems.Clear();
-  const auto find = [this](const KrString& aName) { return Get(aName); };
-  return krgenicam::SettingsRestore(find, mMap->GetCancelToken(), aProblems).Run(aSettings);
+  return krgenicam::SettingsRestore(*this, mMap->GetCancelToken(), aProblems).Run(aSettings);
 }

@@ -2,11 +2,10 @@
 // Sets parameters to settings, in several passes where one depends on another, and reads all of them back. What the
 // settings' text looks like is left to KrGenSettings.
 
-#include "krgenicam/krgensettings.h"
+#include "krgenicam/krgenparameterarray.h"
 #include "map/selectorpath.h"
 
 #include <cstddef>
-#include <functional>
 #include <map>
 #include <stop_token>
 #include <string>
@@ -18,15 +17,14 @@ namespace krgenicam {
 /// Each value is set and read under the positions that the settings before it gave its selectors, wherever the
 /// selectors stand meanwhile; at the end they stand where the settings leave them.
 ///
-/// Thread: one at a time. Ownership: borrows the parameters and the list of problems.
+/// Thread: one at a time. Ownership: borrows the array and the list of problems.
 class SettingsRestore {
 public:
-  using Finder = std::function<KrGenParameter*(const KrString&)>;
   /// How often all that failed is tried at most.
   static constexpr std::size_t kMaxPasses = 8;
 
-  SettingsRestore(Finder aFind, std::stop_token aCancel, KrStringList& aProblems)
-      : mFind(std::move(aFind)), mCancel(std::move(aCancel)), mProblems(aProblems) {}
+  SettingsRestore(KrGenParameterArray& aArray, std::stop_token aCancel, KrStringList& aProblems)
+      : mArray(aArray), mCancel(std::move(aCancel)), mProblems(aProblems) {}
 
   /// OK when all is as stored, otherwise the first problem; nothing more is tried once it was cancelled.
   KrResult Run(const KrGenSettings& aSettings);
@@ -67,7 +65,7 @@ private:
   void Note(const KrResult& aProblem);
   void NoteUnfinished(State aState, const std::string& aWhat);
 
-  const Finder mFind;
+  KrGenParameterArray& mArray;
   const std::stop_token mCancel;
   KrStringList& mProblems;
   std::vector<Step> mSteps;

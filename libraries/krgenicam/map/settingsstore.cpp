@@ -168,6 +168,7 @@ KrResult KrGenParameterArray::StoreSettings(KrGenSettings& aSettings, KrStringLi
   aSettings.Clear();
   aSettings.SetDevice(GetVendorName() + " " + GetModelName());
   aProblems.Clear();
+  InvalidateCache(); // What the device has counts.
   return krgenicam::SettingsStore(mMap->GetCancelToken(), aProblems)
       .Run(krgenicam::ListSettingsOrder(*mMap), aSettings);
 }
