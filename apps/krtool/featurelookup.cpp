@@ -38,10 +38,16 @@ std::size_t GetDistance(const std::string& aLeft, const std::string& aRight) {
   return row.back();
 }
 
+// How many letters two names of a length may differ by: two are exchanged easily, and in a name of three all count.
+std::size_t GetMostChanges(std::size_t aLength) {
+  constexpr std::size_t kShortName = 3;
+  return aLength <= kShortName ? 1 : std::max<std::size_t>(2, aLength / 4);
+}
+
 // The smaller the nearer; nothing for names that have little to do with one another.
 std::optional<std::size_t> GetRemoteness(const std::string& aLeft, const std::string& aRight) {
   const std::size_t distance = GetDistance(aLeft, aRight);
-  if (distance <= std::max<std::size_t>(1, std::min(aLeft.size(), aRight.size()) / 4))
+  if (distance <= GetMostChanges(std::min(aLeft.size(), aRight.size())))
     return distance;
   constexpr std::size_t kShortestPart = 3;
   const bool isPart = aLeft.size() >= kShortestPart && aRight.find(aLeft) != std::string::npos;

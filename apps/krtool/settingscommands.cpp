@@ -50,6 +50,8 @@ int RunSave(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aO
   }
   if (KrResult written = WriteTextFile(aCommandLine.file, aCommandLine.force, settings.ToText()); !written.IsOK())
     return FailToWrite(aErrors, written);
+  if (settings.GetCount() == 0)
+    aErrors << "krtool: the description marks no feature that can be read and set as one to save.\n";
   aOut << "settings=" << settings.GetCount() << " problems=" << problems.GetCount() << " file=" << aCommandLine.file
        << '\n';
   return problems.IsEmpty() ? 0 : 1;
