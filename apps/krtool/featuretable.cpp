@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <map>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace krtool {
@@ -17,10 +18,12 @@ namespace {
 constexpr const char* kHeadings = "path\tname\ttype\tvisibility\taccess\tvalue\tunit\tmin\tmax\tincrement\terror\n";
 constexpr char kSeparator = '\\';
 
-// A category by its path, with the features that stand directly in it.
+// A category at one place in the tree, with the features that stand directly in it.
 struct Place {
   std::string path;
-  std::vector<KrGenParameter*> features;
+  std::vector<std::string> names = {};    // Of the categories from the root on.
+  std::vector<std::size_t> ordinals = {}; // The places of these among their siblings.
+  std::vector<KrGenParameter*> features = {};
 };
 
 std::vector<std::string> SplitPath(const std::string& aPath) {
@@ -33,32 +36,48 @@ std::vector<std::string> SplitPath(const std::string& aPath) {
   return names;
 }
 
-// The places in the order in which the tree reaches them: that of the first feature that stands there before anywhere
-// else, where there is one.
+// The places in the order of the tree: a category's own features, then the categories in it.
 class PlaceList {
 public:
-  explicit PlaceList(const KrGenParameterArray& aArray) {
-    std::vector<KrStringList> paths(aArray.GetCount());
+  explicit PlaceList(const KrGenParameterArray& aArray) : mArray(aArray) {
+    KrStringList paths;
     for (std::size_t i = 0; i < aArray.GetCount(); ++i)
-      if (aArray[i]->GetCategories(paths[i]).IsOK() && !paths[i].IsEmpty())
-        FindPlace(paths[i][0]);
-    for (std::size_t i = 0; i < aArray.GetCount(); ++i)
-      for (const KrString& path : paths[i])
-        FindPlace(path).features.push_back(aArray[i]);
+      if (aArray[i]->GetCategories(paths).IsOK())
+        for (const KrString& path : paths)
+          FindPlace(path.ToUtf8()).features.push_back(aArray[i]);
+    std::stable_sort(mPlaces.begin(), mPlaces.end(),
+                     [](const Place& aLeft, const Place& aRight) { return aLeft.ordinals < aRight.ordinals; });
   }
 
   const std::vector<Place>& GetPlaces() const { return mPlaces; }
 
 private:
-  Place& FindPlace(const KrString& aPath) {
-    const auto [known, isNew] = mIndices.try_emplace(aPath.ToUtf8(), mPlaces.size());
-    if (isNew)
-      mPlaces.push_back({aPath.ToUtf8(), {}});
+  Place& FindPlace(const std::string& aPath) {
+    const auto [known, isNew] = mIndices.try_emplace(aPath, mPlaces.size());
+    if (isNew) {
+      Place place = {.path = aPath, .names = SplitPath(aPath)};
+      for (std::size_t i = 0; i < place.names.size(); ++i)
+        place.ordinals.push_back(GetOrdinal(i > 0 ? place.names[i - 1] : "", place.names[i]));
+      mPlaces.push_back(std::move(place));
+    }
     return mPlaces[known->second];
   }
 
+  // Of roots, whose parent is empty, that in which they are met.
+  std::size_t GetOrdinal(const std::string& aParent, const std::string& aName) {
+    const auto [siblings, isNew] = mSiblings.try_emplace(aParent);
+    std::vector<KrGenCategory*> categories;
+    KrGenCategory* const parent = isNew ? mArray.GetCategory(aParent) : nullptr;
+    if (parent != nullptr && parent->GetCategories(categories).IsOK())
+      for (KrGenCategory* const category : categories)
+        siblings->second.try_emplace(category->GetName().ToUtf8(), siblings->second.size());
+    return siblings->second.try_emplace(aName, siblings->second.size()).first->second;
+  }
+
+  const KrGenParameterArray& mArray;
   std::vector<Place> mPlaces;
   std::map<std::string, std::size_t> mIndices;
+  std::map<std::string, std::map<std::string, std::size_t>> mSiblings; // By the parent's name.
 };
 
 bool IsWithin(const std::vector<std::string>& aNames, const std::string& aCategory) {
@@ -77,7 +96,7 @@ KrResult MakeUnknownCategory(const std::vector<Place>& aPlaces, const std::strin
   std::vector<std::string> names;
   std::set<std::string> known;
   for (const Place& place : aPlaces)
-    for (const std::string& name : SplitPath(place.path))
+    for (const std::string& name : place.names)
       if (known.insert(name).second)
         names.push_back(name);
   std::string text = "there is no category \"" + aName + "\"";
@@ -108,8 +127,7 @@ KrResult WriteFeatureTable(KrGenParameterArray& aArray, const FeatureFilter& aFi
 
   aOut << kHeadings;
   for (const Place& place : places) {
-    const std::vector<std::string> names = SplitPath(place.path);
-    if (!IsWithin(names, aFilter.category) || !AreVisible(aArray, names, aFilter.visibility))
+    if (!IsWithin(place.names, aFilter.category) || !AreVisible(aArray, place.names, aFilter.visibility))
       continue;
     for (KrGenParameter* const feature : place.features)
       if (feature->IsVisible(aFilter.visibility))

@@ -14,9 +14,9 @@ struct FeatureFilter {
   KrGenVisibility visibility = KrGenVisibility::Guru; ///< Of features, and of the categories that hold them.
 };
 
-/// Writes a line of headings and one line for each place in the tree of categories at which a feature stands: category
-/// by category in the order of the description, fields parted by tabs (docs/feature-table.md). NotFound, with the names
-/// there are, for a category that there is not; nothing is written then.
+/// Writes a line of headings and one line for each place in the tree of categories at which a feature stands: a
+/// category's own features, then the categories in it, in the order of the description. Fields are parted by tabs.
+/// NotFound, with the names there are, for a category that there is not; nothing is written then.
 KrResult WriteFeatureTable(KrGenParameterArray& aArray, const FeatureFilter& aFilter, std::ostream& aOut);
 
 } // namespace krtool

@@ -26,6 +26,7 @@ protected:
   }
 
   DescribedCamera mCamera{R"(
+    <Category Name="Root"><pFeature>Reset</pFeature></Category>
     <Command Name="Reset"><pValue>ResetReg</pValue><CommandValue>1</CommandValue></Command>
     <IntReg Name="ResetReg"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
       <Endianess>LittleEndian</Endianess></IntReg>

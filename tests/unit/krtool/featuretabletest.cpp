@@ -73,13 +73,13 @@ TEST_F(FeatureTable, Headings_AreTheFirstLineAndEveryLineHasAsManyFields) {
 }
 
 TEST_F(FeatureTable, Line_HoldsAllOfAFeature) {
-  EXPECT_THAT(Write()[0],
+  EXPECT_THAT(Write()[1],
               ElementsAre("Root\\Format", "Width", "Integer", "Beginner", "RW", "64", "px", "16", "640", "8", ""));
 }
 
 TEST_F(FeatureTable, Features_StandOnceForEachPlaceInTheOrderOfTheTree) {
-  EXPECT_THAT(WritePlaces(), ElementsAre("Root\\Format Width", "Root\\Format\\Region Offset",
-                                         "Root\\Format\\Region Gain", "Root Gain", "Root\\Maker Simple"));
+  EXPECT_THAT(WritePlaces(), ElementsAre("Root Gain", "Root\\Format Width", "Root\\Format\\Region Offset",
+                                         "Root\\Format\\Region Gain", "Root\\Maker Simple"));
 }
 
 TEST_F(FeatureTable, Category_BringsWhatIsBelowIt) {
@@ -101,15 +101,15 @@ TEST_F(FeatureTable, UnknownCategory_FailsWithThoseThereAre) {
 TEST_F(FeatureTable, Visibility_CountsForFeaturesAndForTheirCategories) {
   EXPECT_THAT(WritePlaces({.visibility = KrGenVisibility::Beginner}), ElementsAre("Root\\Format Width"));
   EXPECT_THAT(WritePlaces({.visibility = KrGenVisibility::Expert}),
-              ElementsAre("Root\\Format Width", "Root\\Format\\Region Gain", "Root Gain", "Root\\Maker Simple"));
+              ElementsAre("Root Gain", "Root\\Format Width", "Root\\Format\\Region Gain", "Root\\Maker Simple"));
   EXPECT_THAT(WritePlaces({.visibility = KrGenVisibility::Invisible}), testing::Contains("Root\\Maker Key"));
 }
 
 TEST_F(FeatureTable, Words_AreThoseOfTheStandard) {
   const std::vector<Fields> lines = Write();
 
-  EXPECT_THAT(lines[1], testing::IsSupersetOf({"Integer", "Guru", "RO"}));
-  EXPECT_THAT(lines[2], testing::IsSupersetOf({"Float", "Expert", "RW"}));
+  EXPECT_THAT(lines[0], testing::IsSupersetOf({"Float", "Expert", "RW"}));
+  EXPECT_THAT(lines[2], testing::IsSupersetOf({"Integer", "Guru", "RO"}));
 }
 
 TEST_F(FeatureTable, DescriptionWithoutRoot_ListsFromTheCategoriesThatNobodyHolds) {

@@ -23,6 +23,7 @@ protected:
   }
 
   DescribedCamera mCamera{R"(
+    <Category Name="Root"><pFeature>Width</pFeature><pFeature>Height</pFeature></Category>
     <Integer Name="Width"><Value>64</Value><Min>16</Min><Max>640</Max><Inc>8</Inc></Integer>
     <Integer Name="Height"><Value>32</Value></Integer>
     <Integer Name="Locked"><pIsLocked>One</pIsLocked><Value>1</Value></Integer>
