@@ -21,7 +21,7 @@ constexpr std::size_t kWordBytes = 4;
 
 // Whether what is kept may be taken for what the device has.
 bool Holds(const Evaluation& aEvaluation, RegisterCaching aCaching, const RegisterEntry& aEntry) {
-  if (aEntry.source != RegisterEntry::Source::Written && aEntry.epoch == aEvaluation.epoch)
+  if (aEntry.epoch == aEvaluation.epoch)
     return true;
   if (aEvaluation.isFresh || aCaching == RegisterCaching::NoCache)
     return false;

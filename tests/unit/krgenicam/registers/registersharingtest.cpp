@@ -123,6 +123,23 @@ TEST(RegisterSharing, FreshReading_OfOtherBytes_TellsAllWhoStandOnThem) {
   EXPECT_EQ(bench.Read("B"), 8);
 }
 
+TEST(RegisterSharing, FreshReading_ThatDropsWhatWasReadBefore_LeavesNothingThatNobodyCorrects) {
+  RegisterBench bench(MakeRegister("Low", 0, 2) + MakeRegister("High", 1, 2) + MakeRegister("First", 0, 1) +
+                      "<IntReg Name=\"OnBoth\"><pAddress>Low</pAddress><pAddress>High</pAddress><Length>1</Length>"
+                      "<AccessMode>RO</AccessMode><pPort>Device</pPort></IntReg>");
+  bench.Poke(0, 0x10);
+  bench.Poke(0x120, 7);
+  bench.Read("OnBoth");
+  bench.Poke(2, 1);
+
+  Evaluation evaluation(bench);
+  evaluation.isFresh = true;
+  bench.Read(evaluation, "OnBoth");
+  bench.Write("First", 0x20);
+
+  EXPECT_EQ(bench.Read("OnBoth"), 7);
+}
+
 TEST(RegisterSharing, FreshReading_FillsTheCacheForLaterReadings) {
   RegisterBench bench(MakeRegister("A", 0, 4) + MakeRegister("B", 0, 4));
   bench.Read("A");
