@@ -215,6 +215,10 @@ void TryArray(KrGenParameterArray& aArray, const krgenicam::Description& aDescri
     aArray.SetChunkData(id, data.data(), data.size());
   }
   aArray.InvalidateCache();
+  KrGenSettings settings;
+  KrStringList problems;
+  Check(aArray.StoreSettings(settings, problems));
+  Check(aArray.RestoreSettings(settings, problems));
   for (std::size_t index = 0; index < aArray.GetCount(); ++index) {
     KrString text;
     Check(aArray[index]->ToString(text));
