@@ -237,7 +237,7 @@ KrResult ConverterNode::CheckWrite(Evaluation& aEvaluation, const Number& aValue
 }
 
 KrResult ConverterNode::Write(Evaluation& aEvaluation, const Number& aValue) {
-  return VisitTarget(aEvaluation, aValue, &Node::Write);
+  return VisitTarget(aEvaluation, aValue, &Node::WriteAndAsk);
 }
 
 } // namespace krgenicam

@@ -61,4 +61,22 @@ struct Evaluation {
   std::vector<Node*> path{};   ///< The nodes under computation, from the outermost on.
 };
 
+/// Lets an evaluation ask around all caches, its own memory too, as long as it lives.
+///
+/// Thread: under the map's lock.
+class AroundCaches {
+public:
+  explicit AroundCaches(Evaluation& aEvaluation) : mEvaluation(aEvaluation), mWasFresh(aEvaluation.isFresh) {
+    mEvaluation.isFresh = true;
+    mEvaluation.epoch = mEvaluation.host.TakeEpoch();
+  }
+  ~AroundCaches() { mEvaluation.isFresh = mWasFresh; }
+  AroundCaches(const AroundCaches&) = delete;
+  AroundCaches& operator=(const AroundCaches&) = delete;
+
+private:
+  Evaluation& mEvaluation;
+  const bool mWasFresh;
+};
+
 } // namespace krgenicam

@@ -304,8 +304,11 @@ KrResult Node::CheckWritable(Evaluation& aEvaluation) {
 
 KrResult Node::SetValue(Evaluation& aEvaluation, const Number& aValue) {
   KrResult result = CheckWrite(aEvaluation, aValue);
-  if (result.IsOK())
-    result = Write(aEvaluation, aValue);
+  return result.IsOK() ? WriteAndAsk(aEvaluation, aValue) : result;
+}
+
+KrResult Node::WriteAndAsk(Evaluation& aEvaluation, const Number& aValue) {
+  KrResult result = Write(aEvaluation, aValue);
   return result.IsOK() ? CheckErrors(aEvaluation) : result;
 }
 

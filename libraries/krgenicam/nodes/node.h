@@ -115,6 +115,9 @@ public:
   /// Sets a value: checks all of it before anything is written, writes, and asks the error nodes (pError) afterwards.
   KrResult SetValue(Evaluation& aEvaluation, const Number& aValue);
   KrResult SetText(Evaluation& aEvaluation, std::string_view aText);
+  /// The second half of the same, for nodes that have checked all of it themselves.
+  KrResult WriteAndAsk(Evaluation& aEvaluation, const Number& aValue);
+  KrResult WriteTextAndAsk(Evaluation& aEvaluation, std::string_view aText);
 
   // What kinds can do. All of these come with the node's access checked but for the Check operations, which check it
   // themselves by calling CheckWritable first.

@@ -98,9 +98,13 @@ KrResult Node::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const
 
 KrResult Node::CheckErrors(Evaluation& aEvaluation) {
   for (const NodeLink& link : mErrors) {
+    if (!link.node || !IsReadable(link.node->GetAccess(aEvaluation, Facet::AccessUnlocked)))
+      continue;
     Number value;
+    // The device's word on what was just written is in no cache.
+    const AroundCaches aroundCaches(aEvaluation);
     // An error that cannot be read is no word of one.
-    if (!link.node || !link.node->TryGetValue(aEvaluation, value) || value.ToInteger() == 0)
+    if (!link.node->Get(aEvaluation, Facet::Value, value).IsOK() || value.ToInteger() == 0)
       continue;
     return {KrResult::Code::ProtocolError,
             "The device took the value of " + Quote(GetName()) + " but says: " + link.node->DescribeValue(value)};
@@ -114,8 +118,11 @@ std::string Node::DescribeValue(const Number& aValue) const {
 
 KrResult Node::SetText(Evaluation& aEvaluation, std::string_view aText) {
   KrResult result = CheckWriteText(aEvaluation, aText);
-  if (result.IsOK())
-    result = WriteText(aEvaluation, aText);
+  return result.IsOK() ? WriteTextAndAsk(aEvaluation, aText) : result;
+}
+
+KrResult Node::WriteTextAndAsk(Evaluation& aEvaluation, std::string_view aText) {
+  KrResult result = WriteText(aEvaluation, aText);
   return result.IsOK() ? CheckErrors(aEvaluation) : result;
 }
 

@@ -49,7 +49,7 @@ KrResult StringNode::CheckWriteText(Evaluation& aEvaluation, std::string_view aT
 
 KrResult StringNode::WriteText(Evaluation& aEvaluation, std::string_view aText) {
   if (mTarget.IsSet())
-    return WithTarget(aEvaluation, [&](Node& aTarget) { return aTarget.WriteText(aEvaluation, aText); });
+    return WithTarget(aEvaluation, [&](Node& aTarget) { return aTarget.WriteTextAndAsk(aEvaluation, aText); });
   mText = aText;
   aEvaluation.OnWritten(*this);
   return {};

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <string>
-#include <utility>
 
 namespace krgenicam {
 
@@ -118,11 +117,8 @@ KrResult ValueNode::ReadOrigin(Evaluation& aEvaluation, Number& aValue) {
 }
 
 KrResult ValueNode::ReadOriginAnew(Evaluation& aEvaluation, Number& aValue) {
-  const bool wasFresh = std::exchange(aEvaluation.isFresh, true);
-  aEvaluation.epoch = aEvaluation.host.TakeEpoch();
-  KrResult result = ReadOrigin(aEvaluation, aValue);
-  aEvaluation.isFresh = wasFresh;
-  return result;
+  const AroundCaches aroundCaches(aEvaluation);
+  return ReadOrigin(aEvaluation, aValue);
 }
 
 KrResult ValueNode::VisitTargets(Evaluation& aEvaluation, const Number& aValue, WriteStep aStep) {
@@ -160,7 +156,7 @@ KrResult ValueNode::WriteOrigin(Evaluation& aEvaluation, const Number& aValue) {
   if (KrResult result = PickOrigin(aEvaluation, origin); !result.IsOK())
     return result;
   if (origin.node)
-    return VisitTargets(aEvaluation, aValue, &Node::Write);
+    return VisitTargets(aEvaluation, aValue, &Node::WriteAndAsk);
   *origin.stored = aValue;
   aEvaluation.OnWritten(*this);
   return {};

@@ -174,3 +174,21 @@ TEST(Multiplexer, FloatValues_ArePickedAndWritten) {
   ASSERT_TRUE(camera.Integer("Selector").SetValue(9).IsOK());
   EXPECT_EQ(Read(camera.Float("X"), &KrGenFloat::GetValue), 4.5);
 }
+
+TEST(ErrorNode, OfTheNodeBehind_IsAskedAroundTheCacheAndEndsTheWrite) {
+  DescribedCamera camera(
+      MakeRegister("ErrorReg", 16) + MakeRegister("A", 0, "RW", "<pError>Verdict</pError>") + MakeRegister("B", 4) +
+      "<Enumeration Name=\"Verdict\"><EnumEntry Name=\"Fine\"><Value>0</Value></EnumEntry>"
+      "<EnumEntry Name=\"TooLarge\"><ToolTip>Take less</ToolTip><Value>2</Value></EnumEntry><pValue>ErrorReg</pValue>"
+      "</Enumeration>"
+      "<Integer Name=\"X\"><pValue>A</pValue><pValueCopy>B</pValueCopy></Integer>"
+      "<Float Name=\"Y\"><pValue>X</pValue></Float>");
+  ASSERT_TRUE(camera.Float("Y").SetValue(1.0).IsOK());
+
+  camera.Poke(16, {2});
+  const KrResult refused = camera.Float("Y").SetValue(7.0);
+
+  EXPECT_EQ(refused, KrResult::Code::ProtocolError);
+  EXPECT_THAT(refused.GetDescription().CStr(), HasSubstr("TooLarge (Take less)"));
+  EXPECT_EQ(camera.Peek(4, 1)[0], 1);
+}
