@@ -1,11 +1,13 @@
 #include "krdevice/krdevice.h"
 
+#include "deviceparameters.h"
 #include "krbase/kreventsinks.h"
 #include "krdevice/krdevicegev.h"
 #include "krdevice/krdevicetolvanprotocol.h"
 #include "krdevice/krdeviceu3v.h"
 #include "krsystem/itransport.h"
 #include "opendevices.h"
+#include "parameterlock.h"
 
 #include <array>
 #include <exception>
@@ -17,12 +19,14 @@
 
 struct KrDevice::Body : krsystem::IDeviceLinkSink {
   Body(KrDevice& aDevice, KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink,
-       krsystem::DeviceFields aFields)
+       krsystem::DeviceFields aFields, KrDeviceAccess aAccess)
       : device(aDevice), type(aType), fields(std::move(aFields)), link(std::move(aLink)),
-        place(krdevice::OpenDevices::Get().Add(*link)) {}
+        parameters(std::make_unique<Parameters>(*link, aAccess == KrDeviceAccess::Monitor, fields.displayID)),
+        place(krdevice::OpenDevices::Get().Add(*link, [lock = &parameters->lock] { lock->ReleaseAtEnd(); })) {}
   ~Body() { Close(); }
 
   void Close();
+  void Leave();
   void OnLinkLost(const KrResult& aReason) override {
     sinks.Notify([&](KrDeviceEventSink& aSink) { aSink.OnDeviceLost(&device, aReason); });
   }
@@ -30,12 +34,21 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
     sinks.Notify([&](KrDeviceEventSink& aSink) { aSink.OnDeviceBack(&device); });
   }
 
+  struct Parameters {
+    Parameters(krsystem::IDeviceLink& aLink, bool aIsReadOnly, const KrString& aDeviceName)
+        : array(aLink, aIsReadOnly, aDeviceName) {}
+
+    krdevice::DeviceParameters array;
+    krdevice::ParameterLock lock{array};
+  };
+
   KrDevice& device;
   const KrDeviceInfoType type; // Known here, since sinks may ask while the object of the kind is being destroyed.
   const pid_t process = getpid();
   const krsystem::DeviceFields fields;
   KrEventSinks<KrDeviceEventSink> sinks{"a device's event sink", "KrDevice", {"KrDevice::Notify", "krdevice"}};
   std::unique_ptr<krsystem::IDeviceLink> link; // Null once it is closed.
+  std::unique_ptr<Parameters> parameters;      // The same; they stand on the link.
   const krdevice::OpenDevices::Place place;
 };
 
@@ -45,16 +58,27 @@ void KrDevice::Body::Close() {
   krdevice::OpenDevices& devices = krdevice::OpenDevices::Get();
   if (process != getpid()) {
     // A forked child: the device is its parent's, whose threads it lacks.
-    static_cast<void>(link.release());
+    Leave();
     return;
   }
+  // Whoever waits for an access, a sink for example, need not wait any more.
+  parameters->array.Close();
   // No event may reach the application while its device goes.
   link->SetSink(nullptr);
-  if (devices.BeginClosing(place))
+  if (devices.BeginClosing(place)) {
+    parameters.reset();
     link.reset();
-  else // Still in use while the process ends.
-    static_cast<void>(link.release());
+  } else {
+    // Still in use while the process ends.
+    Leave();
+  }
   devices.Remove(place);
+}
+
+// Leaves the link, and what stands on it, as it is.
+void KrDevice::Body::Leave() {
+  static_cast<void>(parameters.release());
+  static_cast<void>(link.release());
 }
 
 namespace {
@@ -63,15 +87,15 @@ using DevicePointer = std::unique_ptr<KrDevice>;
 using LinkPointer = std::unique_ptr<krsystem::IDeviceLink>;
 
 template <typename Device>
-DevicePointer Make(LinkPointer aLink, krsystem::DeviceFields aFields) {
-  return std::make_unique<Device>(std::move(aLink), std::move(aFields));
+DevicePointer Make(LinkPointer aLink, krsystem::DeviceFields aFields, KrDeviceAccess aAccess) {
+  return std::make_unique<Device>(std::move(aLink), std::move(aFields), aAccess);
 }
 
 // How the fields of a device's kind are had from its object, and what it is when it is open.
 struct Kind {
   KrDeviceInfoType type;
   krsystem::AnyDeviceFields (*getFields)(const KrDeviceInfo&);
-  DevicePointer (*make)(LinkPointer, krsystem::DeviceFields);
+  DevicePointer (*make)(LinkPointer, krsystem::DeviceFields, KrDeviceAccess);
 };
 
 template <typename Info>
@@ -151,7 +175,7 @@ KrResult OpenKind(const KrDeviceInfo& aInfo, const Kind& aKind, KrDeviceAccess a
     return result;
   if (!link)
     return {KrResult::Code::ProtocolError, "Opening " + aInfo.GetDisplayID() + ": its transport gave no link to it."};
-  aDevice = aKind.make(std::move(link), GetCommonFields(fields));
+  aDevice = aKind.make(std::move(link), GetCommonFields(fields), aAccess);
   return {};
 }
 
@@ -172,8 +196,9 @@ KrResult KrDevice::Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::
   }
 }
 
-KrDevice::KrDevice(KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
-    : mBody(std::make_unique<Body>(*this, aType, std::move(aLink), std::move(aFields))) {
+KrDevice::KrDevice(KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields,
+                   KrDeviceAccess aAccess)
+    : mBody(std::make_unique<Body>(*this, aType, std::move(aLink), std::move(aFields), aAccess)) {
   mBody->link->SetSink(mBody.get());
 }
 
@@ -218,8 +243,21 @@ krsystem::IBufferSource* KrDevice::GetBufferSource(std::uint32_t aChannel) {
   return mBody->link->GetBufferSource(aChannel);
 }
 
-krsystem::IFeatureAccess* KrDevice::GetFeatures() {
-  return mBody->link->GetFeatures();
+KrResult KrDevice::GetParameters(KrGenParameterArray*& aParameters) {
+  return mBody->parameters->array.Get(aParameters);
+}
+
+KrGenParameterArray* KrDevice::GetParameters() {
+  KrGenParameterArray* parameters = nullptr;
+  return GetParameters(parameters).IsOK() ? parameters : nullptr;
+}
+
+KrResult KrDevice::SetDescription(const KrGenDescription& aDescription) {
+  return mBody->parameters->array.SetDescription(aDescription);
+}
+
+krdevice::ParameterLock& KrDevice::GetParameterLock() {
+  return mBody->parameters->lock;
 }
 
 krsystem::IByteChannel* KrDevice::GetByteChannel(std::uint32_t aNumber) {

@@ -4,8 +4,9 @@
 
 #include <utility>
 
-KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields)
-    : KrDevice(KrDeviceInfoType::GEV, std::move(aLink), std::move(aFields)) {}
+KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields,
+                         KrDeviceAccess aAccess)
+    : KrDevice(KrDeviceInfoType::GEV, std::move(aLink), std::move(aFields), aAccess) {}
 
 KrDeviceGEV::~KrDeviceGEV() = default;
 

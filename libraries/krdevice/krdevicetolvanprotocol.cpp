@@ -5,8 +5,8 @@
 #include <utility>
 
 KrDeviceTolvanProtocol::KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink,
-                                               krsystem::DeviceFields aFields)
-    : KrDevice(KrDeviceInfoType::TolvanProtocol, std::move(aLink), std::move(aFields)) {}
+                                               krsystem::DeviceFields aFields, KrDeviceAccess aAccess)
+    : KrDevice(KrDeviceInfoType::TolvanProtocol, std::move(aLink), std::move(aFields), aAccess) {}
 
 KrDeviceTolvanProtocol::~KrDeviceTolvanProtocol() = default;
 

@@ -3,6 +3,7 @@
 #include "bufferring.h"
 #include "frameledger.h"
 #include "krdevice/krdevice.h"
+#include "parameterlock.h"
 #include "sourcelease.h"
 
 #include <algorithm>
@@ -104,10 +105,15 @@ KrResult KrStream::Start() {
   if (!lease.IsHeld())
     return {KrResult::Code::Busy, "Starting a stream of " + mBody->device.GetDisplayID() +
                                       ": another stream of this channel runs; stop it first."};
+  krdevice::ParameterLock& parameterLock = mBody->device.GetParameterLock();
+  parameterLock.Acquire();
   // The state is still Stopped, so that no other call touches the buffers.
   const KrResult result = mBody->FillSource(*source);
-  if (!result.IsOK())
+  if (!result.IsOK()) {
+    parameterLock.Release();
     return result;
+  }
+  parameterLock.ForgetValues();
   const std::lock_guard lock(mBody->mutex);
   mBody->lease = std::move(lease);
   mBody->source = source;
@@ -218,6 +224,7 @@ void KrStream::Stop() {
   mBody->changed.wait(lock, [this] { return mBody->queueing == 0; });
   lock.unlock();
   mBody->source->Stop();
+  mBody->device.GetParameterLock().Release();
   const krsystem::SourceStatistics counted = mBody->source->GetStatistics();
   lock.lock();
   mBody->changed.wait(lock, [this] { return mBody->asking == 0; });

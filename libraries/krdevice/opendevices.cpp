@@ -10,6 +10,7 @@
 #include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <pthread.h>
 #include <unistd.h>
@@ -24,14 +25,17 @@ struct Device {
   krsystem::IDeviceLink* link; // Null while it is being opened.
   pid_t process;               // A forked child finds the devices of its parent in the list.
   Stage stage;
+  std::function<void()> prepare; // Before control is given back; may be empty.
 };
 
 void Warn(const std::string& aText) {
   KrLogger("KrDevice").Log(KrLogLevel::Warning, {"OpenDevices", "opendevices"}, aText);
 }
 
-void GiveBack(krsystem::IDeviceLink& aLink) {
+void GiveBack(krsystem::IDeviceLink& aLink, const std::function<void()>& aPrepare) {
   try {
+    if (aPrepare)
+      aPrepare();
     aLink.GiveBackControl();
   } catch (const std::exception& error) {
     Warn(std::string("Giving back control of a device was ended by an exception: ") + error.what());
@@ -43,8 +47,8 @@ void GiveBack(krsystem::IDeviceLink& aLink) {
 } // namespace
 
 struct OpenDevices::Table : std::enable_shared_from_this<Table> {
-  Place Insert(krsystem::IDeviceLink* aLink, Stage aStage) {
-    devices[++lastPlace] = {aLink, getpid(), aStage};
+  Place Insert(krsystem::IDeviceLink* aLink, Stage aStage, std::function<void()> aPrepare = {}) {
+    devices[++lastPlace] = {aLink, getpid(), aStage, std::move(aPrepare)};
     return lastPlace;
   }
   bool IsAnyPending() const {
@@ -75,8 +79,8 @@ void OpenDevices::Table::StartGivingBack() {
     device.stage = Stage::GivingBack;
     try {
       // Detached: a device that does not answer must not keep the process from its end.
-      std::thread([table = shared_from_this(), place = place, link = device.link] {
-        GiveBack(*link);
+      std::thread([table = shared_from_this(), place = place, link = device.link, prepare = device.prepare] {
+        GiveBack(*link, prepare);
         table->SetGivenBack(place);
       }).detach();
     } catch (const std::system_error& error) {
@@ -119,10 +123,10 @@ bool OpenDevices::BeginOpening(Place& aPlace) {
   return true;
 }
 
-OpenDevices::Place OpenDevices::Add(krsystem::IDeviceLink& aLink) {
+OpenDevices::Place OpenDevices::Add(krsystem::IDeviceLink& aLink, std::function<void()> aPrepare) {
   const std::lock_guard lock(mTable->mutex);
   mTable->changed.notify_all();
-  return mTable->Insert(&aLink, Stage::Open);
+  return mTable->Insert(&aLink, Stage::Open, std::move(aPrepare));
 }
 
 bool OpenDevices::BeginClosing(Place aPlace) {

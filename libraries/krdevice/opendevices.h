@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 namespace krdevice {
@@ -27,7 +28,9 @@ public:
   /// Notes that a device is being opened, which is waited for when all are given back. False once that has begun: then
   /// nothing may be opened any more.
   bool BeginOpening(Place& aPlace);
-  Place Add(krsystem::IDeviceLink& aLink);
+  /// Adds an open device. aPrepare is called before its control is given back, on the same thread; as giving back
+  /// itself it must use no static object.
+  Place Add(krsystem::IDeviceLink& aLink, std::function<void()> aPrepare = {});
   /// To be called before a link is destroyed; waits for its control to be given back if that is under way. False when
   /// that took too long and the process is about to end: then the link must be left as it is.
   bool BeginClosing(Place aPlace);

@@ -53,18 +53,9 @@ TEST_F(GigEVisionGiveBack, GiveBackControl_Called_CountsAsLostWithoutWordOfIt) {
   EXPECT_FALSE(mLink->IsConnected());
   EXPECT_EQ(ReadWidth(), KrResult::Code::ConnectionLost);
   EXPECT_EQ(WriteRegister(*mLink, kWidthRegister, 1), KrResult::Code::ConnectionLost);
-  EXPECT_FALSE(mLink->GetFeatures()->HasFeature("Width"));
   mLink.reset();
   EXPECT_EQ(mSink.GetLostCount(), 0);
   EXPECT_EQ(mSink.GetBackCount(), 0);
-}
-
-TEST_F(GigEVisionGiveBack, GiveBackControl_FeatureKnownBefore_StaysKnown) {
-  ASSERT_TRUE(mLink->GetFeatures()->HasFeature("Width"));
-
-  mLink->GiveBackControl();
-
-  EXPECT_TRUE(mLink->GetFeatures()->HasFeature("Width"));
 }
 
 TEST_F(GigEVisionGiveBack, GiveBackControl_WhileAFrameIsAwaited_EndsTheWait) {

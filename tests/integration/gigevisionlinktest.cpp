@@ -90,7 +90,6 @@ TEST_F(GigEVisionLink, Open_ControlledElsewhere_RefusesControlAndLetsMonitorRead
   EXPECT_EQ(ReadRegister(*monitor, 0x48), 0x41726176u); // "Arav".
   EXPECT_EQ(WriteRegister(*monitor, kWidthRegister, kWidth), KrResult::Code::AccessDenied);
   EXPECT_EQ(monitor->GetBufferSource(0), nullptr);
-  EXPECT_EQ(monitor->GetFeatures(), nullptr);
 }
 
 TEST_F(GigEVisionLink, Open_CameraGone_ReturnsNotFound) {

@@ -1,7 +1,10 @@
 // The parameters that a frame's size depends on, locked while a stream runs. The camera gets a description in which the
-// lock is a register, as real ones have it, in place of a number that only the host knows.
+// lock is a register, as real ones have it, in place of a number that only the host knows, and locks the width.
 
 #include "gigevisionfixture.h"
+
+#include "krdevice/krdevicegev.h"
+#include "krdevice/krstream.h"
 
 #include <filesystem>
 #include <fstream>
@@ -46,6 +49,9 @@ public:
     text.replace(begin, end - begin, R"(<IntReg Name="LockRegister"><Address>0x2000</Address><Length>4</Length>
       <AccessMode>RW</AccessMode><pPort>Device</pPort><Sign>Unsigned</Sign><Endianess>BigEndian</Endianess></IntReg>
       <Integer Name="TLParamsLocked"><pValue>LockRegister</pValue>)");
+    const std::size_t value = text.find("<pValue>WidthRegister</pValue>");
+    EXPECT_NE(value, std::string::npos);
+    text.insert(value, "<pIsLocked>TLParamsLocked</pIsLocked>");
     std::ofstream(mPath) << text;
   }
   ~LockDescription() { std::filesystem::remove(mPath); }
@@ -63,37 +69,59 @@ private:
       (std::filesystem::temp_directory_path() / ("lock" + std::to_string(::getpid()) + ".xml")).string();
 };
 
-class GigEVisionLocking : private LockDescription, public GigEVisionStreamTest {
+class GigEVisionLocking : private LockDescription, public GigEVisionCameraTest {
 protected:
-  GigEVisionLocking() : GigEVisionStreamTest(MakeOptions()) {}
+  GigEVisionLocking() : GigEVisionCameraTest(MakeOptions()) {}
 
+  void SetUp() override {
+    GigEVisionCameraTest::SetUp();
+    if (HasFatalFailure())
+      return;
+    std::unique_ptr<krsystem::IDeviceLink> link = OpenControlled();
+    ASSERT_NE(link, nullptr);
+    mLink = link.get();
+    mOpen = std::make_unique<KrDeviceGEV>(std::move(link), std::get<krsystem::GEVFields>(mDevice));
+    mStream = std::make_unique<KrStream>(*mOpen);
+  }
   std::uint32_t ReadLock() { return ReadRegister(*mLink, kLockRegister); }
+
+  krsystem::IDeviceLink* mLink = nullptr; // The device's.
+  std::unique_ptr<KrDevice> mOpen;
+  std::unique_ptr<KrStream> mStream;
 };
 
 TEST_F(GigEVisionLocking, StartedAndStopped_IsLockedInBetween) {
   EXPECT_EQ(ReadLock(), 0u);
 
-  ASSERT_TRUE(Start().IsOK());
+  ASSERT_TRUE(mStream->Start().IsOK());
   EXPECT_EQ(ReadLock(), 1u);
 
-  mSource->Stop();
+  mStream->Stop();
   EXPECT_EQ(ReadLock(), 0u);
 }
 
-TEST_F(GigEVisionLocking, GivenBackWhileStreaming_IsUnlocked) {
-  ASSERT_TRUE(Start().IsOK());
+TEST_F(GigEVisionLocking, LockedParameter_FromStartToStop_CannotBeSet) {
+  KrGenParameterArray* array = nullptr;
+  ASSERT_TRUE(mOpen->GetParameters(array).IsOK());
+  KrGenInteger& width = *array->GetInteger("Width");
+  ASSERT_TRUE(width.SetValue(320).IsOK());
 
-  mLink->GiveBackControl();
+  ASSERT_TRUE(mStream->Start().IsOK());
+  EXPECT_FALSE(width.IsWritable());
+  const KrResult refused = width.SetValue(640);
+  mStream->Stop();
 
-  std::unique_ptr<krsystem::IDeviceLink> monitor;
-  ASSERT_TRUE(Open(krsystem::DeviceAccess::Monitor, monitor).IsOK());
-  EXPECT_EQ(ReadRegister(*monitor, kLockRegister), 0u);
+  EXPECT_EQ(refused, KrResult::Code::AccessDenied);
+  EXPECT_EQ(ReadRegister(*mLink, kWidthRegister), 320u);
+  EXPECT_TRUE(width.SetValue(640).IsOK());
+  EXPECT_EQ(ReadRegister(*mLink, kWidthRegister), 640u);
 }
 
 TEST_F(GigEVisionLocking, ClosedWhileStreaming_IsUnlocked) {
-  ASSERT_TRUE(Start().IsOK());
+  ASSERT_TRUE(mStream->Start().IsOK());
 
-  mLink.reset();
+  mStream.reset();
+  mOpen.reset();
 
   std::unique_ptr<krsystem::IDeviceLink> monitor;
   ASSERT_TRUE(Open(krsystem::DeviceAccess::Monitor, monitor).IsOK());

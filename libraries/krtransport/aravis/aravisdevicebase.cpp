@@ -7,7 +7,7 @@
 #include <cstdio>
 
 // The features below are read and written through Aravis' own evaluator, which opening a device and its stream needs
-// anyway; everything that a user sees goes through the system's node map instead.
+// anyway; everything that a user sees goes through the parameter array instead.
 
 namespace krtransport {
 namespace {
@@ -68,19 +68,14 @@ KrResult AravisDeviceBase::OpenArvStream(StreamPointer& aStream, ArvStreamCallba
 }
 
 KrResult AravisDeviceBase::StartAcquisition() {
-  LockParameters(true);
   GErrorHolder error;
   arv_device_execute_command(mDevice.get(), "AcquisitionStart", error.Out());
-  KrResult result = ToResult(error, "Starting acquisition");
-  if (!result.IsOK())
-    LockParameters(false);
-  return result;
+  return ToResult(error, "Starting acquisition");
 }
 
 KrResult AravisDeviceBase::StopAcquisition() {
   GErrorHolder error;
   arv_device_execute_command(mDevice.get(), "AcquisitionStop", error.Out());
-  LockParameters(false);
   return ToResult(error, "Stopping acquisition");
 }
 
@@ -92,15 +87,6 @@ PacketFigures AravisDeviceBase::GetPacketFigures(ArvStream& aStream) const {
 
 void AravisDeviceBase::LogRefusal(const std::string& aText) {
   KrLogger("Transport").Log(KrLogLevel::Info, {"AravisDeviceBase::LogRefusal", "aravisdevicebase"}, aText);
-}
-
-void AravisDeviceBase::LockParameters(bool aLocked) {
-  if (arv_device_get_feature(mDevice.get(), "TLParamsLocked") == nullptr)
-    return;
-  GErrorHolder error;
-  arv_device_set_integer_feature_value(mDevice.get(), "TLParamsLocked", aLocked ? 1 : 0, error.Out());
-  if (error.IsSet())
-    LogRefusal("TLParamsLocked could not be written: " + error.GetText());
 }
 
 } // namespace krtransport

@@ -46,8 +46,6 @@ protected:
   static void LogRefusal(const std::string& aText);
 
 private:
-  void LockParameters(bool aLocked);
-
   GObjectPointer<ArvDevice> mDevice;
 };
 

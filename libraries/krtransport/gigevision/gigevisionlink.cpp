@@ -71,8 +71,7 @@ GigEVisionLink::GigEVisionLink(const LinkTarget& aTarget, Parts aParts)
       mWatch(
           aTarget, std::move(aParts.watchClient), [this] { return mDevice == nullptr || mDevice->HoldsControl(); },
           [this](const KrResult& aReason) { OnLost(aReason); }),
-      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))),
-      mFeatures(mDevice != nullptr ? std::make_unique<AravisFeatures>(*mIoThread, mWatch, mDevice) : nullptr) {}
+      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))) {}
 
 GigEVisionLink::~GigEVisionLink() {
   mWatch.Stop();
@@ -80,7 +79,6 @@ GigEVisionLink::~GigEVisionLink() {
   mIoThread->Interrupt({KrResult::Code::Aborted, "The device is being closed."});
   mSource.reset();
   mPort.reset();
-  mFeatures.reset();
   // Released where it was used: its destruction makes blocking calls.
   const KrResult released = mIoThread->RunToEnd([this](const std::atomic<bool>&) {
     mDevice.reset();

@@ -3,7 +3,6 @@
 // order.
 
 #include "aravis/aravisbuffersource.h"
-#include "aravis/aravisfeatures.h"
 #include "aravis/channelregisterport.h"
 #include "aravis/iothread.h"
 #include "gigevision/gigevisiondevice.h"
@@ -28,7 +27,7 @@ public:
   IKrRegisterPort& GetRegisterPort() override { return *mPort; }
   /// Channel 0 of a device under control. Aravis receives no other, and a monitor none.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
-  krsystem::IFeatureAccess* GetFeatures() override { return mFeatures.get(); }
+  KrGenBootstrap GetBootstrap() const override { return KrGenBootstrap::GigEVision; }
   /// Takes up to two seconds with a device that answers, about half a second with one that does not.
   void GiveBackControl() override;
   bool IsConnected() const override { return mWatch.IsConnected(); }
@@ -53,7 +52,6 @@ private:
   std::unique_ptr<AravisBufferSource> mSource;
   LinkWatch mWatch;
   std::unique_ptr<ChannelRegisterPort> mPort;
-  std::unique_ptr<AravisFeatures> mFeatures; // Null for a monitor.
   std::atomic<bool> mIsGivenBack{false};
 };
 

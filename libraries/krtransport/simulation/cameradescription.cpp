@@ -21,6 +21,9 @@ constexpr std::string_view kHead = R"(<?xml version="1.0" encoding="utf-8"?>
 )";
 constexpr std::string_view kTail = "</RegisterDescription>\n";
 
+constexpr std::string_view kPollingTimeMs = "500";
+constexpr std::string_view kCommandPollingTimeMs = "100";
+
 struct CategoryRow {
   std::string_view name;
   std::string_view tip;
@@ -104,6 +107,7 @@ private:
   void AddChild(std::string_view aElement, std::string_view aContent);
   void AddCommonChildren(const Feature& aFeature);
   void AddRange(const Feature& aFeature);
+  void AddCommandChildren(const Feature& aFeature);
   void AddEntries(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats);
   void AddSelected(const Feature& aFeature);
   void AddRegisterChildren(const Feature& aFeature);
@@ -176,6 +180,13 @@ void DescriptionWriter::AddRange(const Feature& aFeature) {
     AddChild("Representation", aFeature.representation);
 }
 
+// A command whose register can be read is asked whether it is done.
+void DescriptionWriter::AddCommandChildren(const Feature& aFeature) {
+  AddChild("CommandValue", "1");
+  if (aFeature.access == RegisterAccess::ReadWrite)
+    AddChild("PollingTime", kCommandPollingTimeMs);
+}
+
 void DescriptionWriter::AddEntries(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats) {
   for (const FeatureEntry& entry : ListEntries(aFeature, aPixelFormats)) {
     mText += "    <EnumEntry Name=\"" + std::string(entry.name) + "\" NameSpace=\"Standard\">\n";
@@ -203,7 +214,7 @@ void DescriptionWriter::AddRegisterChildren(const Feature& aFeature) {
   AddChild("pPort", "Device");
   if (aFeature.isVolatile) {
     AddChild("Cachable", "NoCache");
-    AddChild("PollingTime", "500");
+    AddChild("PollingTime", kPollingTimeMs);
   }
   for (const std::string_view feature : aFeature.dependsOn)
     AddChild("pInvalidator", GetRegisterName(feature));
@@ -252,7 +263,7 @@ void DescriptionWriter::AddFeature(const Feature& aFeature, std::span<const KrPi
   if (aFeature.kind == FeatureKind::Integer || aFeature.kind == FeatureKind::Float)
     AddRange(aFeature);
   if (aFeature.kind == FeatureKind::Command)
-    AddChild("CommandValue", "1");
+    AddCommandChildren(aFeature);
   AddSelected(aFeature);
   Close(node);
   AddRegister(aFeature);

@@ -46,6 +46,7 @@ CameraMemory::CameraMemory(const LabCamera& aCamera) : mPixelFormats(aCamera.pix
     DefineFeature(feature);
   SetStart(aCamera);
   UpdateDependents();
+  UpdateTimed(0);
 }
 
 void CameraMemory::DefineFeature(const Feature& aFeature) {
@@ -71,12 +72,16 @@ void CameraMemory::SetStart(const LabCamera& aCamera) {
   mMemory.SetFloat(kAcquisitionFrameRate, std::clamp(aCamera.framesPerSecond, kFrameRateMin, kFrameRateMax));
 }
 
-KrResult CameraMemory::Read(std::uint64_t aAddress, void* aData, std::size_t aLength) const {
-  return mMemory.Read(aAddress, aData, aLength);
+KrResult CameraMemory::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint64_t aNowNs) {
+  UpdateTimed(aNowNs);
+  KrResult result = CheckFault(aAddress, aLength, kReadingFails);
+  return result.IsOK() ? mMemory.Read(aAddress, aData, aLength) : result;
 }
 
 KrResult CameraMemory::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint64_t aNowNs) {
   KrResult result = mMemory.CheckWrite(aAddress, aLength);
+  if (result.IsOK())
+    result = CheckFault(aAddress, aLength, kWritingFails);
   if (result.IsOK())
     result = CheckValue(aAddress, static_cast<const std::uint8_t*>(aData), aLength);
   if (result.IsOK())
@@ -94,6 +99,13 @@ KrResult CameraMemory::CheckValue(std::uint64_t aAddress, const std::uint8_t* aD
     return result;
   return HoldsFloat(feature) ? CheckFloat(feature, aAddress, aData, aLength)
                              : CheckInteger(feature, aAddress, DecodeInteger(aData));
+}
+
+KrResult CameraMemory::CheckFault(std::uint64_t aAddress, std::size_t aLength, std::uint32_t aFault) const {
+  const bool isTouched = aAddress <= kFaultyValue && kFaultyValue - aAddress < aLength;
+  if (!isTouched || (mMemory.GetInteger(kFault) & aFault) == 0)
+    return {};
+  return MakeRefusal(RegisterRefusal::LocalProblem, kFaultyValue, "SimulatedFault is set");
 }
 
 KrResult CameraMemory::CheckAccess(const Feature& aFeature, std::uint64_t aAddress) const {
@@ -168,6 +180,9 @@ void CameraMemory::Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs) 
   case kTimestampLatch:
     mMemory.SetLong(kTimestampLatchValue, aNowNs);
     break;
+  case kCalibration:
+    mCalibrationEndNs = aNowNs + kCalibrationNs;
+    break;
   case kHeartbeatTimeout:
     mMemory.SetInteger(kHeartbeatTimeout, std::max(mMemory.GetInteger(kHeartbeatTimeout), kLeastHeartbeatMs));
     break;
@@ -182,6 +197,13 @@ void CameraMemory::UpdateDependents() {
   mMemory.SetInteger(kPayloadSize, static_cast<std::uint32_t>(std::min(GetPayloadBytes(GetFrameSettings()), kMost)));
   mMemory.SetFloat(kResultingFrameRate, kNanosecondsPerSecond / static_cast<double>(GetTimingSettings().periodNs));
   mMemory.SetInteger(kMissedTriggers, mTimer.GetMissedTriggers());
+}
+
+void CameraMemory::UpdateTimed(std::uint64_t aNowNs) {
+  const double place = static_cast<double>(aNowNs % (2 * kWarmingNs)) / static_cast<double>(kWarmingNs);
+  mMemory.SetFloat(kTemperature, kLowestTemperature + kTemperatureRise * (place < 1 ? place : 2 - place));
+  if (aNowNs >= mCalibrationEndNs)
+    mMemory.SetInteger(kCalibration, 0);
 }
 
 FrameSettings CameraMemory::GetFrameSettings() const {

@@ -27,7 +27,7 @@ public:
   explicit CameraMemory(const LabCamera& aCamera);
 
   /// An application's access; a value that the camera does not accept is refused and changes nothing.
-  KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength) const;
+  KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint64_t aNowNs);
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint64_t aNowNs);
 
   std::uint64_t GetPayloadSize() const;
@@ -57,6 +57,7 @@ private:
   void SetStart(const LabCamera& aCamera);
 
   KrResult CheckValue(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const;
+  KrResult CheckFault(std::uint64_t aAddress, std::size_t aLength, std::uint32_t aFault) const;
   KrResult CheckAccess(const Feature& aFeature, std::uint64_t aAddress) const;
   KrResult CheckInteger(const Feature& aFeature, std::uint64_t aAddress, std::uint32_t aValue) const;
   KrResult CheckFloat(const Feature& aFeature, std::uint64_t aAddress, const std::uint8_t* aData,
@@ -64,6 +65,7 @@ private:
   std::uint32_t GetMaximum(const Feature& aFeature) const;
   void Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs);
   void UpdateDependents();
+  void UpdateTimed(std::uint64_t aNowNs);
 
   FrameSettings GetFrameSettings() const;
   TimingSettings GetTimingSettings() const;
@@ -72,6 +74,7 @@ private:
   std::vector<KrPixelType> mPixelFormats;
   std::map<std::uint64_t, FeatureRegister> mFeatures; // By address.
   AcquisitionTimer mTimer;
+  std::uint64_t mCalibrationEndNs = 0; // Of the calibration that was executed last.
   bool mStreaming = false;
 };
 

@@ -58,6 +58,10 @@ inline constexpr std::uint64_t kLinePeriod = 0x00010064;
 inline constexpr std::uint64_t kMissedTriggers = 0x00010068;
 inline constexpr std::uint64_t kTimestampLatch = 0x0001006C;
 inline constexpr std::uint64_t kTimestampLatchValue = 0x00010070;
+inline constexpr std::uint64_t kTemperature = 0x00010078;
+inline constexpr std::uint64_t kCalibration = 0x00010080;
+inline constexpr std::uint64_t kFault = 0x00010084;
+inline constexpr std::uint64_t kFaultyValue = 0x00010088;
 inline constexpr std::uint64_t kTriggerSelector = 0x00010100;
 inline constexpr std::uint64_t kTriggerMode = 0x00010120;
 inline constexpr std::uint64_t kTriggerSource = 0x00010124;
@@ -89,6 +93,11 @@ inline constexpr std::uint32_t kChunkExposureTime = 1;
 inline constexpr std::uint32_t kChunkTimestamp = 2;
 inline constexpr std::uint32_t kChunkCount = 3;
 
+inline constexpr std::uint32_t kNoFault = 0;
+inline constexpr std::uint32_t kReadingFails = 1;
+inline constexpr std::uint32_t kWritingFails = 2;
+inline constexpr std::uint32_t kAllFails = 3;
+
 /// Where the description begins; its length is in the first URL.
 inline constexpr std::uint64_t kDescription = 0x00100000;
 
@@ -108,5 +117,12 @@ inline constexpr std::uint32_t kLinePeriodMaxUs = 10000000;
 inline constexpr std::uint32_t kFrameCountMax = 65535;
 inline constexpr std::uint32_t kPacketSizeMin = 576;
 inline constexpr std::uint32_t kPacketSizeMax = 16000;
+inline constexpr std::uint32_t kFaultyValueMax = 100;
+
+// What changes as time passes on the camera's clock.
+inline constexpr std::uint64_t kCalibrationNs = 500000000;
+inline constexpr double kLowestTemperature = 40.0;      ///< Degrees Celsius; …
+inline constexpr double kTemperatureRise = 5.0;         ///< … as much warmer …
+inline constexpr std::uint64_t kWarmingNs = 5000000000; ///< … after this time, and as cold again after the same.
 
 } // namespace krtransport::cameraregister

@@ -57,6 +57,13 @@ constexpr std::array<FeatureEntry, 3> kTriggerActivations = {{
     {"AnyEdge", "Begin and end of a pulse.", kAnyEdge},
 }};
 
+constexpr std::array<FeatureEntry, 4> kFaults = {{
+    {"Off", "Every access succeeds.", kNoFault},
+    {"Reading", "Reading fails.", kReadingFails},
+    {"Writing", "Writing fails.", kWritingFails},
+    {"Both", "Reading and writing fail.", kAllFails},
+}};
+
 constexpr std::array<FeatureEntry, kChunkCount> kChunks = {{
     {"FrameID", "The frame's number.", kChunkFrameID},
     {"ExposureTime", "The exposure time that the frame was taken with.", kChunkExposureTime},
@@ -90,6 +97,18 @@ constexpr std::array kFeatures = {
     Feature{.name = "TimestampLatchValue", .category = kDevice, .address = kTimestampLatchValue,
             .tip = "The time that was stored last.", .access = kReadOnly, .length = 8, .visibility = "Expert",
             .unit = "ns", .dependsOn = kLatchDependencies},
+    Feature{.name = "DeviceTemperature", .category = kDevice, .kind = FeatureKind::Float, .address = kTemperature,
+            .tip = "The sensor's temperature, which changes all the time.", .access = kReadOnly, .length = 8,
+            .visibility = "Expert", .isVolatile = true, .unit = "C", .representation = "Linear"},
+    Feature{.name = "SimulatedCalibration", .category = kDevice, .kind = FeatureKind::Command,
+            .address = kCalibration, .tip = "Does nothing for half a second, and is done then.",
+            .visibility = "Expert", .isStandard = false, .isVolatile = true},
+    Feature{.name = "SimulatedFault", .category = kDevice, .kind = FeatureKind::Enumeration, .address = kFault,
+            .tip = "Which accesses to SimulatedFaultyValue fail.", .visibility = "Guru", .isStandard = false,
+            .isVolatile = true, .entries = kFaults},
+    Feature{.name = "SimulatedFaultyValue", .category = kDevice, .address = kFaultyValue,
+            .tip = "A number without a meaning, whose accesses fail as SimulatedFault says.", .visibility = "Guru",
+            .isStandard = false, .isVolatile = true, .maximum = kFaultyValueMax},
 
     Feature{.name = "WidthMax", .category = kImageFormat, .address = kWidthMax, .tip = "The sensor's width in pixels.",
             .access = kReadOnly, .visibility = "Expert"},

@@ -1,6 +1,6 @@
 #pragma once
-// The features of the simulated cameras in one table, from which registers, their rules, the description and the access
-// by name are all made. What a value leads to is left to CameraMemory.
+// The features of the simulated cameras in one table, from which registers, their rules and the description are all
+// made. What a value leads to is left to CameraMemory.
 
 #include "krbuffer/krpixeltype.h"
 #include "simulation/registermemory.h"

@@ -17,12 +17,13 @@ struct RefusalName {
   const char* name;
 };
 
-constexpr std::array<RefusalName, 5> kRefusalNames = {{
+constexpr std::array<RefusalName, 6> kRefusalNames = {{
     {RegisterRefusal::InvalidParameter, "invalid parameter"},
     {RegisterRefusal::InvalidAddress, "invalid address"},
     {RegisterRefusal::WriteProtect, "write protect"},
     {RegisterRefusal::BadAlignment, "bad alignment"},
     {RegisterRefusal::AccessDenied, "access denied"},
+    {RegisterRefusal::LocalProblem, "local problem"},
 }};
 
 std::string FormatHex(std::uint64_t aValue) {

@@ -23,6 +23,7 @@ enum class RegisterRefusal : std::uint32_t {
   WriteProtect = 0x8004,
   BadAlignment = 0x8005,
   AccessDenied = 0x8006,
+  LocalProblem = 0x8008,
 };
 
 /// A ProtocolError that names the refusal, its code, the address and why.

@@ -139,13 +139,13 @@ bool SimulatedCamera::IsControlledBy(const ICameraListener& aListener) const {
 }
 
 KrResult SimulatedCamera::Read(const ICameraListener& aListener, std::uint64_t aAddress, void* aData,
-                               std::size_t aLength) const {
+                               std::size_t aLength) {
   const std::lock_guard lock(mMutex);
   if (!FindAttached(aListener))
     return Refuse(KrResult::Code::ConnectionLost, "its connection is lost; open it anew when it answers.");
   if (!Controls(aListener) && GetControl() == krsystem::AccessType::Exclusive)
     return Refuse(KrResult::Code::AccessDenied, "another application controls it exclusively.");
-  return mMemory.Read(aAddress, aData, aLength);
+  return mMemory.Read(aAddress, aData, aLength, mClock->GetNowNs());
 }
 
 KrResult SimulatedCamera::Write(const ICameraListener& aListener, std::uint64_t aAddress, const void* aData,

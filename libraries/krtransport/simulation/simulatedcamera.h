@@ -43,12 +43,11 @@ public:
   /// Gives back what Attach gave; no call of the listener is running or comes afterwards.
   void Detach(ICameraListener& aListener);
   /// Accesses of an attached link. A monitor may not write, nor read while the control is exclusive.
-  KrResult Read(const ICameraListener& aListener, std::uint64_t aAddress, void* aData, std::size_t aLength) const;
+  KrResult Read(const ICameraListener& aListener, std::uint64_t aAddress, void* aData, std::size_t aLength);
   KrResult Write(const ICameraListener& aListener, std::uint64_t aAddress, const void* aData, std::size_t aLength);
 
   /// Whether a link controls the camera.
   bool IsControlledBy(const ICameraListener& aListener) const;
-  const std::vector<KrPixelType>& GetPixelFormats() const { return mDescription.pixelFormats; }
   ICameraClock& GetClock() { return *mClock; }
   OrderedFaults& GetFaults() { return mFaults; }
 

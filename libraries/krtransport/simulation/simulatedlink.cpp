@@ -31,8 +31,7 @@ KrResult SimulatedLink::Open(std::shared_ptr<SimulatedCamera> aCamera, krsystem:
 }
 
 SimulatedLink::SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera)
-    : mCamera(std::move(aCamera)), mGate(mCamera->GetFaults()), mFeatures(*this, mCamera->GetPixelFormats()),
-      mSource(*mCamera, *this) {}
+    : mCamera(std::move(aCamera)), mGate(mCamera->GetFaults()), mSource(*mCamera, *this) {}
 
 SimulatedLink::~SimulatedLink() {
   // A sink that is being called may use the link until it returns.

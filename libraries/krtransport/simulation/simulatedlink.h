@@ -1,7 +1,6 @@
 #pragma once
 // An opening of a simulated camera: its registers, its stream channel, and word of its loss.
 
-#include "simulation/featureaccess.h"
 #include "simulation/linkevents.h"
 #include "simulation/registergate.h"
 #include "simulation/simulatedbuffersource.h"
@@ -22,7 +21,7 @@ public:
 
   IKrRegisterPort& GetRegisterPort() override { return *this; }
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
-  krsystem::IFeatureAccess* GetFeatures() override { return &mFeatures; }
+  KrGenBootstrap GetBootstrap() const override { return KrGenBootstrap::GigEVision; }
   void GiveBackControl() override;
   bool IsConnected() const override { return !mLost; }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override;
@@ -43,7 +42,6 @@ private:
   std::atomic<bool> mLost = false;
   LinkEvents mEvents;
   RegisterGate mGate;
-  FeatureAccess mFeatures;
   SimulatedBufferSource mSource;
 };
 

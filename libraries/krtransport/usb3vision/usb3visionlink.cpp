@@ -29,8 +29,7 @@ KrResult Usb3VisionLink::Open(const Usb3VisionNames& aNames, UsbWatch::Subject a
     parts.channel = std::make_shared<ReadOnlyChannel>(std::move(device));
   } else {
     parts.channel = device;
-    parts.streamDevice = device;
-    parts.featureDevice = std::move(device);
+    parts.streamDevice = std::move(device);
   }
   aLink = std::make_unique<Usb3VisionLink>(std::move(aSubject), std::move(parts));
   return {};
@@ -42,10 +41,7 @@ Usb3VisionLink::Usb3VisionLink(UsbWatch::Subject aSubject, Parts aParts)
       mSource(mStreamDevice != nullptr ? std::make_unique<AravisBufferSource>(*mIoThread, mStreamDevice) : nullptr),
       mWatch(
           std::move(aSubject), [this] { return Probe(); }, [this](const KrResult& aReason) { OnLost(aReason); }),
-      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, mChannel)),
-      mFeatures(aParts.featureDevice != nullptr
-                    ? std::make_unique<AravisFeatures>(*mIoThread, mWatch, std::move(aParts.featureDevice))
-                    : nullptr) {}
+      mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, mChannel)) {}
 
 Usb3VisionLink::~Usb3VisionLink() {
   mWatch.Stop();

@@ -1,9 +1,8 @@
 #pragma once
-// An open USB3 Vision device: puts register port, features, buffer source and watch together and takes them apart in
+// An open USB3 Vision device: puts register port, buffer source and watch together and takes them apart in
 // the right order.
 
 #include "aravis/aravisbuffersource.h"
-#include "aravis/aravisfeatures.h"
 #include "aravis/channelregisterport.h"
 #include "aravis/iothread.h"
 #include "krsystem/idevicelink.h"
@@ -25,9 +24,8 @@ public:
   struct Parts {
     std::unique_ptr<IoThread> ioThread = std::make_unique<IoThread>();
     std::shared_ptr<IRegisterChannel> channel;
-    std::shared_ptr<IStreamDevice> streamDevice;     ///< Null for a monitor.
-    std::shared_ptr<AravisDeviceBase> featureDevice; ///< Null for a monitor.
-    std::function<void()> release; ///< Gives the device free, on the I/O thread; nothing of the above is used after.
+    std::shared_ptr<IStreamDevice> streamDevice; ///< Null for a monitor.
+    std::function<void()> release;               ///< Gives the device free, on the I/O thread; nothing of the above is used after.
   };
 
   /// Opens the device that names tell. USB knows no second reader: a monitor holds the device like everybody else, and
@@ -40,7 +38,7 @@ public:
   IKrRegisterPort& GetRegisterPort() override { return *mPort; }
   /// Channel 0 of a device that is not only looked at. The standard has no other.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
-  krsystem::IFeatureAccess* GetFeatures() override { return mFeatures.get(); }
+  KrGenBootstrap GetBootstrap() const override { return KrGenBootstrap::GenCP; }
   /// Takes up to two seconds. A monitor's device is given free too.
   void GiveBackControl() override;
   bool IsConnected() const override { return mWatch.IsConnected(); }
@@ -57,7 +55,6 @@ private:
   std::unique_ptr<AravisBufferSource> mSource;
   UsbWatch mWatch;
   std::unique_ptr<ChannelRegisterPort> mPort;
-  std::unique_ptr<AravisFeatures> mFeatures;
   std::atomic<bool> mIsGivenBack{false};
 };
 

@@ -130,7 +130,7 @@ public:
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override {
     return aChannel == 0 ? mSource : nullptr;
   }
-  krsystem::IFeatureAccess* GetFeatures() override { return features; }
+  KrGenBootstrap GetBootstrap() const override { return KrGenBootstrap::GigEVision; }
   krsystem::IByteChannel* GetByteChannel(std::uint32_t aNumber) override {
     const auto channel = byteChannels.find(aNumber);
     return channel == byteChannels.end() ? nullptr : channel->second;
@@ -154,7 +154,6 @@ public:
 
   krsystem::IDeviceLinkSink* sink = nullptr;
   bool connected = true;
-  krsystem::IFeatureAccess* features = nullptr;
   std::map<std::uint32_t, krsystem::IByteChannel*> byteChannels;
   std::function<void()> onGiveBack;
   std::function<void(krsystem::IDeviceLinkSink*)> onSetSink; // Called while the former sink is still there.

@@ -1,7 +1,8 @@
 #include "krdevice/krdeviceend.h"
 
-#include "fakelink.h"
+#include "describedlink.h"
 #include "krdevice/krdevicegev.h"
+#include "krdevice/krstream.h"
 
 #include <gmock/gmock.h>
 
@@ -129,6 +130,42 @@ TEST_F(KrGiveBackDevicesAtEndDeathTest, ActionThatAnotherThreadSetsAgainAndAgain
   };
 
   EXPECT_EXIT(handleOnAndOn(), isEndOfSignal, Eq("given back\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, Exit_WhileAStreamRuns_UnlocksParametersBeforeGivingBack) {
+  const auto exitWhileStreaming = [] {
+    EXPECT_TRUE(KrGiveBackDevicesAtEnd().IsOK());
+    FakeBufferSource source;
+    auto link = std::make_unique<DescribedLink>(MakeIntReg("TLParamsLocked", "0x20"), &source);
+    DescribedLink& camera = *link;
+    camera.onGiveBack = [&] { Say(camera.Peek(0x20) == 0 ? "unlocked\n" : "locked\n"); };
+    KrDeviceGEV device(std::move(link), MakeDeviceFields());
+    KrStream stream(device);
+    EXPECT_TRUE(stream.Start().IsOK());
+    Say(camera.Peek(0x20) == 1 ? "locked, then " : "not locked, then ");
+    exit(7);
+  };
+
+  EXPECT_EXIT(exitWhileStreaming(), testing::ExitedWithCode(7), Eq("locked, then unlocked\n"));
+}
+
+TEST_F(KrGiveBackDevicesAtEndDeathTest, ForkedChild_DestroysTheParentsDeviceWithParameters_Returns) {
+  const auto forkAndDestroy = [] {
+    std::unique_ptr<KrDevice> device =
+        std::make_unique<KrDeviceGEV>(std::make_unique<DescribedLink>(MakeIntReg("Gain", "0x20")), MakeDeviceFields());
+    if (!device->GetParameters())
+      _exit(3);
+    const pid_t child = fork();
+    if (child == 0) {
+      device.reset();
+      _exit(0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    _exit(WIFEXITED(status) ? WEXITSTATUS(status) : 2);
+  };
+
+  EXPECT_EXIT(forkAndDestroy(), testing::ExitedWithCode(0), Eq(""));
 }
 
 TEST_F(KrGiveBackDevicesAtEndDeathTest, ForkedChild_DestroysTheParentsDevice_LeavesItAsItIs) {

@@ -1,6 +1,6 @@
 #include "saveframecommand.h"
 
-#include "fakelink.h"
+#include "describedlink.h"
 #include "krdevice/krdevicegev.h"
 #include "temporaryfolder.h"
 
@@ -47,48 +47,36 @@ public:
   bool isInterrupted = false; // Ctrl-C comes while a frame is awaited.
 };
 
-// Knows the pixel formats Mono8 and Mono16 and nothing else.
-class TwoPixelFormats : public krsystem::IFeatureAccess {
-public:
-  bool HasFeature(const KrString& aName) override { return aName == "PixelFormat"; }
-  bool IsFeatureAvailable(const KrString& aName) override { return HasFeature(aName); }
-  KrResult GetEnumerationEntries(const KrString&, KrStringList& aEntries) override {
-    aEntries.Add("Mono8");
-    aEntries.Add("Mono16");
-    return {};
-  }
-  KrResult GetEnumeration(const KrString&, KrString& aEntry) override {
-    aEntry = entry;
-    return {};
-  }
-  KrResult SetEnumeration(const KrString& aName, const KrString& aEntry) override {
-    if (aName != "PixelFormat" || (aEntry != "Mono8" && aEntry != "Mono16"))
-      return {KrResult::Code::InvalidInput, "There is no " + aEntry + "."};
-    entry = aEntry;
-    return {};
-  }
-  KrResult GetBoolean(const KrString&, bool&) override { return KrResult::Code::NotFound; }
-  KrResult SetBoolean(const KrString&, bool) override { return KrResult::Code::NotFound; }
+constexpr std::uint64_t kPixelFormatRegister = 0x40;
 
-  KrString entry = "Mono8";
-};
+// The pixel formats Mono8 and Mono16 and nothing else.
+std::string MakePixelFormats() {
+  return R"(<Enumeration Name="PixelFormat">
+      <EnumEntry Name="Mono8"><Value>8</Value></EnumEntry><EnumEntry Name="Mono16"><Value>16</Value></EnumEntry>
+      <pValue>PixelFormatReg</pValue></Enumeration>)" +
+         MakeIntReg("PixelFormatReg", "0x40");
+}
 
 class SaveFrame : public testing::Test {
 protected:
   int Run(CommandLine aCommandLine) {
-    auto link = std::make_unique<FakeLink>(&mSource);
-    link->features = mFeatures;
+    auto link = std::make_unique<DescribedLink>(MakePixelFormats(), &mSource);
+    DescribedLink& camera = *link;
+    if (!mIsDescribed)
+      camera.SetDescription("");
     KrDeviceGEV device(std::move(link), MakeDeviceFields());
     aCommandLine.verb = Verb::SaveFrame;
     aCommandLine.file = mPath;
-    return SaveFrameOf(device, aCommandLine, mOut, mErrors);
+    const int exitCode = SaveFrameOf(device, aCommandLine, mOut, mErrors);
+    mPixelFormat = camera.Peek(kPixelFormatRegister);
+    return exitCode;
   }
 
   TemporaryFolder mFolder;
   std::string mPath = mFolder.GetFile("frame");
   ScriptedSource mSource;
-  TwoPixelFormats mPixelFormats;
-  krsystem::IFeatureAccess* mFeatures = &mPixelFormats;
+  bool mIsDescribed = true;
+  std::uint32_t mPixelFormat = 0; // The camera's, in the end.
   std::ostringstream mOut;
   std::ostringstream mErrors;
 };
@@ -169,7 +157,7 @@ TEST_F(SaveFrame, PixelFormat_IsSetOnTheCamera) {
   mSource.frames = {{5}};
 
   EXPECT_EQ(Run({.format = krapps::FrameFileFormat::Raw, .pixelFormat = "Mono16"}), 0) << mErrors.str();
-  EXPECT_EQ(mPixelFormats.entry, "Mono16");
+  EXPECT_EQ(mPixelFormat, 16u);
 }
 
 TEST_F(SaveFrame, PixelFormatThatTheCameraLacks_FailsWithThoseItHas) {
@@ -180,8 +168,8 @@ TEST_F(SaveFrame, PixelFormatThatTheCameraLacks_FailsWithThoseItHas) {
   EXPECT_THAT(mFolder.GetNames(), IsEmpty());
 }
 
-TEST_F(SaveFrame, PixelFormatOfACameraWithoutFeatures_Fails) {
-  mFeatures = nullptr;
+TEST_F(SaveFrame, PixelFormatOfACameraWithoutDescription_Fails) {
+  mIsDescribed = false;
 
   EXPECT_EQ(Run({.format = krapps::FrameFileFormat::Raw, .pixelFormat = "Mono8"}), 1);
   EXPECT_THAT(mErrors.str(), HasSubstr("setting the pixel format"));

@@ -218,7 +218,7 @@ TEST_F(Usb3VisionLinkTest, Monitor_ReadsButNeitherWritesNorStreams) {
   EXPECT_EQ(link.GetRegisterPort().Write(4, &value, sizeof(value), kLongMs), KrResult::Code::AccessDenied);
   EXPECT_EQ(mChannel->GetWritten(), 0u);
   EXPECT_EQ(link.GetBufferSource(0), nullptr);
-  EXPECT_EQ(link.GetFeatures(), nullptr);
+  EXPECT_EQ(link.GetBootstrap(), KrGenBootstrap::GenCP);
 }
 
 TEST_F(Usb3VisionLinkTest, BufferSource_HasOneChannel) {

@@ -1,9 +1,10 @@
 #pragma once
-// A device that is open: its registers, features, serial lines, its streams' source, and word of its loss. What its
+// A device that is open: its registers, parameters, serial lines, its streams' source, and word of its loss. What its
 // registers mean, and streaming itself, are left to the parameter array and to KrStream.
 
 #include "krbase/krresult.h"
 #include "krgenicam/ikrregisterport.h"
+#include "krgenicam/krgenparameterarray.h"
 #include "krsystem/idevicelink.h"
 #include "krsystem/krdeviceinfo.h"
 
@@ -11,6 +12,10 @@
 #include <memory>
 
 class KrDevice;
+
+namespace krdevice {
+class ParameterLock;
+} // namespace krdevice
 
 /// How a device is opened.
 enum class KrDeviceAccess {
@@ -65,8 +70,19 @@ public:
   IKrRegisterPort& GetRegisterPort();
   /// The source of a stream channel for KrStream, or null where the device has none of that number.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel);
-  /// Features by name, for KrDeviceAdapter; null where the device's link knows none.
-  krsystem::IFeatureAccess* GetFeatures();
+  /// Gives the device's parameters. The first call reads the device's description, which takes up to a second for a
+  /// large one; further ones give the same array. BadData for a description that is no good, which is then remembered;
+  /// any other failure to read it, for example TimeLimitExceeded, is tried again by the next call. Of a device that is
+  /// open as Monitor nothing can be written. After the loss of the device the array is still there, and its accesses
+  /// fail with ConnectionLost.
+  /// The array belongs to the device: its accesses end, and then the array, before the device is destroyed.
+  KrResult GetParameters(KrGenParameterArray*& aParameters);
+  /// The same, null on failure.
+  KrGenParameterArray* GetParameters();
+  /// Has GetParameters use a description of the application's, for a device whose own is missing or no good.
+  /// InvalidInput for an empty one, WrongState once GetParameters has succeeded or a stream was started with
+  /// parameters.
+  KrResult SetDescription(const KrGenDescription& aDescription);
   /// The serial line of a number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the device has none
   /// of that number.
   krsystem::IByteChannel* GetByteChannel(std::uint32_t aNumber);
@@ -80,9 +96,13 @@ public:
   KrResult UnregisterEventSink(KrDeviceEventSink* aSink);
 
 protected:
-  KrDevice(KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
+  KrDevice(KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields,
+           KrDeviceAccess aAccess);
 
 private:
+  friend class KrStream;
+  krdevice::ParameterLock& GetParameterLock();
+
   struct Body;
   std::unique_ptr<Body> mBody;
 };

@@ -17,7 +17,8 @@ enum class KrAccessType : std::int32_t {
 /// An open GigE Vision device. Threads and ownership as KrDevice.
 class KR_EXPORT KrDeviceGEV : public KrDevice {
 public:
-  KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
+  KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields,
+              KrDeviceAccess aAccess = KrDeviceAccess::Control);
   ~KrDeviceGEV() override;
 
   /// Gives the device of a MAC address ("aa:bb:cc:dd:ee:ff") another IP configuration (texts "a.b.c.d") until its next

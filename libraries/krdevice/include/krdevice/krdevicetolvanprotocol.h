@@ -6,7 +6,8 @@
 /// An open device of the older Tolvan protocol. Threads and ownership as KrDevice.
 class KR_EXPORT KrDeviceTolvanProtocol : public KrDevice {
 public:
-  KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields);
+  KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields,
+                         KrDeviceAccess aAccess = KrDeviceAccess::Control);
   ~KrDeviceTolvanProtocol() override;
 
   /// Gives the device of a MAC address another IP configuration; arguments and results as KrDeviceGEV's.

@@ -48,8 +48,10 @@ public:
   KrStream(const KrStream&) = delete;
   KrStream& operator=(const KrStream&) = delete;
 
-  /// Allocates the buffers at the device's present payload size and starts acquisition. WrongState when it runs
-  /// already, NotSupported for a device without that channel, SystemError when memory does not suffice.
+  /// Allocates the buffers at the device's present payload size and starts acquisition. What a frame's size depends on
+  /// is locked until the device's last stream has stopped (GenApi, TLParamsLocked); a device whose description cannot
+  /// be read streams all the same. WrongState when it runs already, NotSupported for a device without that channel,
+  /// SystemError when memory does not suffice.
   KrResult Start();
   /// Takes the next frame, in the order of arrival, waiting up to aTimeoutMs milliseconds (0 does not wait). Of several
   /// threads one at a time waits at the device; the others, within their own limits, for their turn.

@@ -1,12 +1,12 @@
 #pragma once
-// What an open device gives, whatever it is connected by: registers, features, sources of buffers, byte channels, word
-// of its loss. What the registers mean is the node map's business; which buffers a stream uses is KrStream's.
+// What an open device gives, whatever it is connected by: registers, sources of buffers, byte channels, word of its
+// loss. What the registers mean is the parameter array's business; which buffers a stream uses is KrStream's.
 
 #include "krbase/krresult.h"
 #include "krbuffer/krbuffer.h"
 #include "krgenicam/ikrregisterport.h"
+#include "krgenicam/krgendescription.h"
 #include "krsystem/ibytechannel.h"
-#include "krsystem/ifeatureaccess.h"
 
 #include <cstdint>
 #include <stop_token>
@@ -35,8 +35,8 @@ public:
   virtual KrResult GetPayloadSize(std::uint64_t& aBytes) = 0;
   /// Hands over an empty buffer of at least the payload's size. WrongState after the device was lost.
   virtual KrResult Queue(KrBuffer* aBuffer) = 0;
-  /// Opens the stream channel and starts acquisition. Counters start at 0. The device keeps what a frame's size depends
-  /// on from changing where it can (TLParamsLocked).
+  /// Opens the stream channel and starts acquisition. Counters start at 0. What a frame's size depends on is
+  /// kept from changing by KrStream.
   virtual KrResult Start() = 0;
   /// Takes the next filled buffer, waiting up to aTimeoutMs milliseconds (0 does not wait). OK with a buffer, whose
   /// status says whether it is whole; without one TimeLimitExceeded, Aborted after Stop and at once when aCancel is
@@ -75,8 +75,8 @@ public:
   virtual IKrRegisterPort& GetRegisterPort() = 0;
   /// The stream channel of a number, or null where the device has none of that number.
   virtual IBufferSource* GetBufferSource(std::uint32_t aChannel) = 0;
-  /// The device's features by name, or null where the link knows none.
-  virtual IFeatureAccess* GetFeatures() { return nullptr; }
+  /// Which registers say where the device's description is.
+  virtual KrGenBootstrap GetBootstrap() const = 0;
   /// The byte channel of a serial port's number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the
   /// device has none of that number.
   virtual IByteChannel* GetByteChannel([[maybe_unused]] std::uint32_t aNumber) { return nullptr; }

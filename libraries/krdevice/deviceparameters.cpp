@@ -1,0 +1,73 @@
+#include "deviceparameters.h"
+
+#include <utility>
+
+namespace krdevice {
+
+namespace {
+
+// Long enough for a camera that is busy, short enough for whoever waits for one that is dead.
+constexpr std::uint32_t kAccessTimeoutMs = 1000;
+
+} // namespace
+
+DeviceParameters::DeviceParameters(krsystem::IDeviceLink& aLink, bool aIsReadOnly, KrString aDeviceName)
+    : mLink(aLink), mIsReadOnly(aIsReadOnly), mDeviceName(std::move(aDeviceName)) {}
+
+KrResult DeviceParameters::Get(KrGenParameterArray*& aArray) {
+  const std::lock_guard lock(mMutex);
+  if (mClosing.stop_requested())
+    return {KrResult::Code::ConnectionLost, "Asking for the parameters of " + mDeviceName + ": it is being closed."};
+  if (!mArray) {
+    if (!mFault.IsOK())
+      return mFault;
+    if (const KrResult made = Make(); !made.IsOK()) {
+      KrResult failure(made.GetCode(), "Making the parameters of " + mDeviceName + " failed: " + made.GetDescription());
+      if (made == KrResult::Code::BadData)
+        mFault = failure;
+      return failure;
+    }
+  }
+  aArray = mArray.get();
+  return {};
+}
+
+KrGenParameterArray* DeviceParameters::Find() {
+  const std::lock_guard lock(mMutex);
+  return mArray.get();
+}
+
+KrResult DeviceParameters::Make() {
+  KrGenDescription description;
+  if (mDescription) {
+    description = *mDescription;
+  } else if (KrResult read = KrGenDescription::ReadFromDevice(mLink.GetRegisterPort(), mLink.GetBootstrap(),
+                                                              description, kAccessTimeoutMs, mClosing.get_token());
+             !read.IsOK()) {
+    return read;
+  }
+  return KrGenParameterArray::Open(description, mLink.GetRegisterPort(),
+                                   {.timeoutMs = kAccessTimeoutMs, .isReadOnly = mIsReadOnly}, mArray);
+}
+
+KrResult DeviceParameters::SetDescription(const KrGenDescription& aDescription) {
+  if (aDescription.GetText().empty())
+    return {KrResult::Code::InvalidInput, "Giving " + mDeviceName + " a description: it is empty; read one first."};
+  const std::lock_guard lock(mMutex);
+  if (mArray)
+    return {KrResult::Code::WrongState, "Giving " + mDeviceName +
+                                            " a description: its parameters are in use already; give it right after "
+                                            "opening the device."};
+  mDescription = aDescription;
+  mFault = {};
+  return {};
+}
+
+void DeviceParameters::Close() {
+  mClosing.request_stop();
+  const std::lock_guard lock(mMutex);
+  if (mArray)
+    mArray->Close();
+}
+
+} // namespace krdevice

@@ -1,0 +1,47 @@
+#pragma once
+// The parameter array of one open device, made when it is asked for first. Where the description is, and what it says,
+// are left to KrGenDescription and to the array.
+
+#include "krgenicam/krgenparameterarray.h"
+#include "krsystem/idevicelink.h"
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+
+namespace krdevice {
+
+/// Thread: any, but for construction and destruction.
+/// Ownership: borrows the link, on whose register port the array stands; owns the array.
+class DeviceParameters {
+public:
+  /// The name is the device's, for texts.
+  DeviceParameters(krsystem::IDeviceLink& aLink, bool aIsReadOnly, KrString aDeviceName);
+
+  /// Gives the array; reads the description where that has not succeeded yet. A description that is no good is
+  /// remembered as BadData; after another failure the next call tries again. ConnectionLost after Close.
+  KrResult Get(KrGenParameterArray*& aArray);
+  /// The array, or null where it was not made yet; reads nothing.
+  KrGenParameterArray* Find();
+  /// Takes a description instead of the device's own. InvalidInput for an empty one, WrongState once there is an array.
+  KrResult SetDescription(const KrGenDescription& aDescription);
+  /// Ends the reading of the description and the array's accesses at once, now and from now on. The array itself
+  /// stays, for whoever uses it still.
+  void Close();
+
+private:
+  KrResult Make();
+
+  krsystem::IDeviceLink& mLink;
+  const bool mIsReadOnly;
+  const KrString mDeviceName;
+  std::stop_source mClosing;
+
+  std::mutex mMutex; // Guards the members from here on; held while the description is read, so that it is read once.
+  std::optional<KrGenDescription> mDescription; // Of the application.
+  std::unique_ptr<KrGenParameterArray> mArray;
+  KrResult mFault; // What is wrong with the description.
+};
+
+} // namespace krdevice
