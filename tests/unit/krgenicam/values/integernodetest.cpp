@@ -119,7 +119,7 @@ TEST(IntegerNode, StepsThroughAllSixtyFourBits_AreExact) {
 
 TEST(IntegerNode, ValidValues_SortedWithinRangeAndTheOnlyOnes) {
   DescribedCamera camera("<Integer Name=\"X\"><Value>2</Value><Min>1</Min><Max>0x40</Max>"
-                         "<ValidValueSet>16; 2;0x40 ; 128;2;-5</ValidValueSet></Integer>"
+                         "<ValidValueSet>16; 2,0x40 ; 128;2;;-5</ValidValueSet></Integer>"
                          "<Integer Name=\"Y\"><pValue>X</pValue><Max>16</Max></Integer>");
   KrGenInteger& x = camera.Integer("X");
 

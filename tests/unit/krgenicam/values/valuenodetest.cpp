@@ -192,3 +192,41 @@ TEST(ErrorNode, OfTheNodeBehind_IsAskedAroundTheCacheAndEndsTheWrite) {
   EXPECT_THAT(refused.GetDescription().CStr(), HasSubstr("TooLarge (Take less)"));
   EXPECT_EQ(camera.Peek(4, 1)[0], 1);
 }
+
+TEST(WrongWord, OfAnyProperty_IsNotedWithItsLineAndTheDefaultTaken) {
+  struct Row {
+    const char* content;
+    const char* value;
+    const char* fault;
+  };
+  constexpr Row kRows[] = {
+      {"<Integer Name=\"X\"><Value>many</Value></Integer>", "0", "\"many\" is not a whole number"},
+      {"<Integer Name=\"X\"><Value>3</Value><Min>low</Min></Integer>", "3", "\"low\" is not a whole number"},
+      {"<Integer Name=\"X\"><Value>3</Value><ValidValueSet>1,x;2</ValidValueSet></Integer>", "3",
+       "parted by semicolons"},
+      {"<Integer Name=\"X\"><Value>3</Value><Representation>Roman</Representation></Integer>", "3", "\"Roman\""},
+      {"<Float Name=\"X\"><Value>3</Value><Max>NaN</Max></Float>", "3", "\"NaN\" is not a number"},
+      {"<Boolean Name=\"X\"><Value>maybe</Value></Boolean>", "0", "\"maybe\" is not true or false"},
+      {"<Boolean Name=\"X\"><Value>true</Value><OnValue>on</OnValue></Boolean>", "1", "\"on\" is not a whole number"},
+      {"<Integer "
+       "Name=\"X\"><pIndex>Index</pIndex><ValueIndexed>1</ValueIndexed><ValueDefault>2</ValueDefault></Integer>",
+       "2", "no Index"},
+      {"<Converter Name=\"X\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO+1</FormulaFrom><pValue>Index</pValue>"
+       "<Slope>Steep</Slope></Converter>",
+       "1", "\"Steep\" is not one of"},
+  };
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.content);
+    DescribedCamera camera(std::string("<Integer Name=\"Index\"><Value>0</Value></Integer>\n") + row.content);
+    KrString value;
+    KrStringList faults;
+
+    ASSERT_TRUE(camera.array->Get("X")->ToString(value).IsOK());
+    ASSERT_TRUE(camera.array->GetFaults(faults).IsOK());
+
+    EXPECT_STREQ(value.CStr(), row.value);
+    ASSERT_EQ(faults.GetCount(), 1u);
+    EXPECT_THAT(faults[0].CStr(), HasSubstr(row.fault));
+    EXPECT_THAT(faults[0].CStr(), HasSubstr("X"));
+  }
+}
