@@ -1,9 +1,12 @@
 #pragma once
-// A register port that counts how often the one behind it failed: what was found meanwhile may not be the last word.
+// A register port that counts how often the one behind it failed for a reason that may pass: what was found meanwhile
+// is not the last word.
 
 #include "krgenicam/ikrregisterport.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 
 namespace krgenicam {
 
@@ -25,7 +28,9 @@ public:
 
 private:
   KrResult Count(KrResult aResult) {
-    mFailuresCount += aResult.IsOK() ? 0 : 1;
+    constexpr KrResult::Code kPassing[] = {KrResult::Code::TimeLimitExceeded, KrResult::Code::ConnectionLost,
+                                           KrResult::Code::Busy, KrResult::Code::Aborted};
+    mFailuresCount += std::ranges::find(kPassing, aResult.GetCode()) == std::end(kPassing) ? 0 : 1;
     return aResult;
   }
 

@@ -18,6 +18,9 @@ FeatureTree::FeatureTree(const Description& aDescription) : mDescription(&aDescr
   mIsInFault.resize(count);
   for (const NodeIndex root : FindRoots())
     Walk(root);
+  // Only the walk needs these.
+  mIsOnPath = {};
+  mIsInFault = {};
 }
 
 std::vector<NodeIndex> FeatureTree::FindRoots() const {

@@ -27,6 +27,7 @@
 namespace krgenicam {
 
 class ParameterWatch;
+class PortNode;
 
 /// Thread: any; Run does one operation after the other.
 /// Ownership: the array's. Owns description, nodes and the objects that stand for them; borrows the port.
@@ -99,10 +100,12 @@ private:
 
   // Opening
   KrResult Read(const KrGenDescription& aDescription);
+  void NoteFault(DescriptionFault aFault);
   void MakeNodes();
   void LinkNodes();
   void MakeParameters();
   void ListFeatures();
+  void ListPortsAndEvents();
   void SortFaults();
   std::unique_ptr<KrGenParameter> MakeParameter(Node& aNode);
   template <typename Kind>
@@ -125,6 +128,8 @@ private:
   std::unordered_map<const Node*, std::unique_ptr<KrGenCategory>> mCategories;
   std::vector<KrGenParameter*> mFeatures;
   FeatureTree mTree;
+  std::vector<PortNode*> mChunkPorts;
+  std::unordered_map<std::uint64_t, std::vector<Node*>> mNodesOfEvents; // By EventID.
   std::vector<DescriptionFault> mFaults;
   std::size_t mUnlistedFaults = 0;
 

@@ -10,12 +10,15 @@ namespace krgenicam {
 
 KrResult NodeMap::Poll() {
   const std::uint64_t now = GetTimeMs();
+  const std::stop_token cancel = GetCancelToken();
   KrResult first;
   // Others get their turn between two nodes.
   for (PolledNode& polled : mPolledNodes) {
     const KrResult result = Run([&](Evaluation& aEvaluation) { return PollNode(aEvaluation, polled, now); });
     if (first.IsOK() && !result.IsOK())
       first = result;
+    if (mIsClosed || cancel.stop_requested())
+      return first.IsOK() ? KrResult(KrResult::Code::Aborted, "Polling was cancelled.") : first;
   }
   const KrResult queued = Run([this](Evaluation&) {
     for (ParameterWatch* watch : mFailedWatches)
@@ -61,10 +64,11 @@ KrResult NodeMap::ReadPolled(Evaluation& aEvaluation, Node& aNode) {
 }
 
 void NodeMap::DeliverEvent(std::uint64_t aEventID, std::span<const std::uint8_t> aData) {
+  const auto found = mNodesOfEvents.find(aEventID);
+  if (found == mNodesOfEvents.end())
+    return;
   (void)Run([&](Evaluation&) { // Events of a map that is closed are of no interest.
-    for (const std::unique_ptr<Node>& node : mNodes) {
-      if (node->GetEventID() != aEventID)
-        continue;
+    for (Node* node : found->second) {
       if (node->GetKind() == NodeKind::Port)
         static_cast<PortNode&>(*node).SetEventData(aData);
       Invalidate(*node, true);
@@ -75,15 +79,11 @@ void NodeMap::DeliverEvent(std::uint64_t aEventID, std::span<const std::uint8_t>
 
 void NodeMap::SetChunkData(std::uint64_t aChunkID, std::optional<std::span<const std::uint8_t>> aData) {
   (void)Run([&](Evaluation& aEvaluation) { // As for events.
-    for (const std::unique_ptr<Node>& node : mNodes) {
-      if (node->GetKind() != NodeKind::Port)
+    for (PortNode* port : mChunkPorts) {
+      if (port->GetChunkID(aEvaluation) != aChunkID)
         continue;
-      PortNode& port = static_cast<PortNode&>(*node);
-      if (!port.IsChunkPort() || port.GetChunkID(aEvaluation) != aChunkID)
-        continue;
-      port.SetChunkData(aData);
-      Invalidate(port, true);
-      aEvaluation.epoch = TakeEpoch();
+      port->SetChunkData(aData);
+      aEvaluation.OnWritten(*port);
     }
     return KrResult();
   });

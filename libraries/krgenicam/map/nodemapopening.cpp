@@ -1,9 +1,11 @@
 #include "map/nodefactory.h"
 #include "map/nodemap.h"
 #include "map/parameterwatch.h"
+#include "nodes/portnode.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 // How a map comes to be.
 
@@ -25,6 +27,7 @@ KrResult NodeMap::Read(const KrGenDescription& aDescription) {
   LinkNodes();
   MakeParameters();
   ListFeatures();
+  ListPortsAndEvents();
   SortFaults();
   mPolledNodes = FindPolledNodes(mNodes, GetTimeMs());
   return {};
@@ -41,7 +44,7 @@ void NodeMap::MakeNodes() {
 
 void NodeMap::LinkNodes() {
   for (const DescriptionFault& fault : mDescription.GetFaults())
-    mFaults.push_back(fault);
+    NoteFault(fault);
   for (const std::unique_ptr<Node>& node : mNodes)
     node->Link(*this);
 }
@@ -75,12 +78,28 @@ void NodeMap::ListFeatures() {
   for (const NodeIndex feature : mTree.GetFeatures())
     mFeatures.push_back(mParameters[feature].get());
   for (const DescriptionFault& fault : mTree.GetFaults())
-    mFaults.push_back(fault);
+    NoteFault(fault);
+}
+
+void NodeMap::ListPortsAndEvents() {
+  for (const std::unique_ptr<Node>& node : mNodes) {
+    if (const std::optional<std::uint64_t> eventID = node->GetEventID())
+      mNodesOfEvents[*eventID].push_back(node.get());
+    if (node->GetKind() != NodeKind::Port)
+      continue;
+    PortNode& port = static_cast<PortNode&>(*node);
+    if (port.IsChunkPort())
+      mChunkPorts.push_back(&port);
+  }
 }
 
 void NodeMap::AddFault(const Node& aNode, std::uint32_t aLine, const std::string& aText) {
+  NoteFault({aLine, std::string(aNode.GetName()), aText});
+}
+
+void NodeMap::NoteFault(DescriptionFault aFault) {
   if (mFaults.size() < kMostFaults)
-    mFaults.push_back({aLine, std::string(aNode.GetName()), aText});
+    mFaults.push_back(std::move(aFault));
   else
     ++mUnlistedFaults;
 }
