@@ -1,5 +1,6 @@
 #include "map/nodefactory.h"
 
+#include "map/tableorder.h"
 #include "nodes/booleannode.h"
 #include "nodes/categorynode.h"
 #include "nodes/commandnode.h"
@@ -53,14 +54,7 @@ constexpr Row kRows[] = {
     {NodeKind::Port, Make<PortNode>},
 };
 
-constexpr bool IsInOrder() {
-  for (std::size_t i = 0; i < std::size(kRows); ++i) {
-    if (static_cast<std::size_t>(kRows[i].kind) != i)
-      return false;
-  }
-  return true;
-}
-static_assert(IsInOrder());
+static_assert(IsInOrderOf(kRows, &Row::kind));
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "map/parametersnapshot.h"
 
+#include "map/tableorder.h"
 #include "nodes/enumerationnode.h"
 
 namespace krgenicam {
@@ -76,14 +77,7 @@ constexpr Row kRows[] = {
     {KrGenType::Register, LookAtAccess}, {KrGenType::Other, LookAtAccess},
 };
 
-constexpr bool IsInOrder() {
-  for (std::size_t i = 0; i < std::size(kRows); ++i) {
-    if (static_cast<std::size_t>(kRows[i].type) != i)
-      return false;
-  }
-  return true;
-}
-static_assert(IsInOrder());
+static_assert(IsInOrderOf(kRows, &Row::type));
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "map/parametertext.h"
 
 #include "description/lexical.h"
+#include "map/tableorder.h"
 #include "nodes/enumerationnode.h"
 #include "nodes/numbertext.h"
 #include "nodes/registernode.h"
@@ -139,14 +140,7 @@ constexpr Row kRows[] = {
     {KrGenType::Register, ReadRegister, WriteRegister}, {KrGenType::Other, ReadNothing, WriteNothing},
 };
 
-constexpr bool IsInOrder() {
-  for (std::size_t i = 0; i < std::size(kRows); ++i) {
-    if (static_cast<std::size_t>(kRows[i].type) != i)
-      return false;
-  }
-  return true;
-}
-static_assert(IsInOrder());
+static_assert(IsInOrderOf(kRows, &Row::type));
 
 } // namespace
 
