@@ -51,14 +51,14 @@ struct Evaluation {
   }
 
   INodeHost& host;
-  std::uint64_t epoch;         ///< What was computed under it holds until the evaluation's end, stable or not.
-  bool mayAskDevice = true;    ///< Otherwise a register that is not cached gives Busy.
-  bool hasMissed = false;      ///< A register gave Busy for that reason: what was found is not the whole truth.
-  bool isFresh = false;        ///< What was read before the evaluation began is not used.
-  bool isStable = true;        ///< All that the node under computation was computed from may be remembered.
-  std::size_t reasonCount = 0; ///< Nodes that are giving a reason.
-  std::size_t visitCount = 0;  ///< Nodes that were walked to by descents (see Descent).
-  std::vector<Node*> path{};   ///< The nodes under computation, from the outermost on.
+  std::uint64_t epoch;          ///< What was computed under it holds until the evaluation's end, stable or not.
+  bool mayAskDevice = true;     ///< Otherwise a register that is not cached gives Busy.
+  bool hasMissed = false;       ///< A register gave Busy for that reason: what was found is not the whole truth.
+  bool isFresh = false;         ///< What was read before the evaluation began is not used.
+  bool isStable = true;         ///< All that the node under computation was computed from may be remembered.
+  std::vector<Node*> reasons{}; ///< The nodes that are giving a reason, each because of the one before.
+  std::size_t visitCount = 0;   ///< Nodes that were walked to by descents (see Descent).
+  std::vector<Node*> path{};    ///< The nodes under computation, from the outermost on.
 };
 
 /// Lets an evaluation ask around all caches, its own memory too, as long as it lives.

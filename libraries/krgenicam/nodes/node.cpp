@@ -203,7 +203,7 @@ KrResult Node::Get(Evaluation& aEvaluation, Facet aFacet, Number& aValue) {
   Memo& memo = mMemos[static_cast<std::size_t>(aFacet)];
   if (memo.isBusy) {
     aEvaluation.isStable = false;
-    return MakeCycleFault(aEvaluation);
+    return MakeCycleFault(aEvaluation.path);
   }
   if (!memo.Holds(aEvaluation)) {
     if (aEvaluation.path.size() >= Evaluation::kMaxDepth) {
@@ -241,11 +241,11 @@ KrResult Node::Find(Evaluation& aEvaluation, Facet aFacet, Number& aValue, Memo&
   return result;
 }
 
-KrResult Node::MakeCycleFault(const Evaluation& aEvaluation) const {
+KrResult Node::MakeCycleFault(std::span<Node* const> aPath) const {
   constexpr std::size_t kMostNames = 12;
-  auto from = std::ranges::find(aEvaluation.path, this);
+  auto from = std::ranges::find(aPath, this);
   std::string names;
-  for (std::size_t count = 0; from != aEvaluation.path.end(); ++from, ++count) {
+  for (std::size_t count = 0; from != aPath.end(); ++from, ++count) {
     if (count == kMostNames) {
       names += "… → ";
       break;

@@ -194,7 +194,8 @@ protected:
 
 private:
   KrResult Find(Evaluation& aEvaluation, Facet aFacet, Number& aValue, Memo& aMemo);
-  KrResult MakeCycleFault(const Evaluation& aEvaluation) const;
+  /// BadData that names the nodes of a path from this one on, which comes again behind the last.
+  KrResult MakeCycleFault(std::span<Node* const> aPath) const;
   KrGenAccessMode CombineAccess(Evaluation& aEvaluation, Facet aFacet);
   KrResult Explain(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
   KrResult ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredicate, const std::string& aAttempt,

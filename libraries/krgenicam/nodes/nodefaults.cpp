@@ -1,5 +1,6 @@
 #include "nodes/node.h"
 
+#include <algorithm>
 #include <string>
 
 // Why a node cannot be read or written, and what a device says of a value that it was given.
@@ -12,15 +13,13 @@ std::string Quote(std::string_view aName) {
   return "\"" + std::string(aName) + "\"";
 }
 
-// Counts the nodes that are giving reasons on behalf of one another.
-class ReasonDepth {
+// Keeps the nodes that are giving reasons on behalf of one another.
+class ReasonStep {
 public:
-  explicit ReasonDepth(Evaluation& aEvaluation) : mEvaluation(aEvaluation) { ++mEvaluation.reasonCount; }
-  ~ReasonDepth() { --mEvaluation.reasonCount; }
-  ReasonDepth(const ReasonDepth&) = delete;
-  ReasonDepth& operator=(const ReasonDepth&) = delete;
-
-  bool IsTooDeep() const { return mEvaluation.reasonCount > Evaluation::kMaxReasons; }
+  ReasonStep(Evaluation& aEvaluation, Node& aNode) : mEvaluation(aEvaluation) { mEvaluation.reasons.push_back(&aNode); }
+  ~ReasonStep() { mEvaluation.reasons.pop_back(); }
+  ReasonStep(const ReasonStep&) = delete;
+  ReasonStep& operator=(const ReasonStep&) = delete;
 
 private:
   Evaluation& mEvaluation;
@@ -36,8 +35,10 @@ KrResult Node::Explain(Evaluation& aEvaluation, bool aForWriting, const std::str
   const auto deny = [&aAttempt](const char* aReason) {
     return KrResult(KrResult::Code::AccessDenied, aAttempt + aReason);
   };
-  const ReasonDepth depth(aEvaluation);
-  if (depth.IsTooDeep())
+  if (std::ranges::find(aEvaluation.reasons, this) != aEvaluation.reasons.end())
+    return MakeCycleFault(aEvaluation.reasons);
+  const ReasonStep step(aEvaluation, *this);
+  if (aEvaluation.reasons.size() > Evaluation::kMaxReasons)
     return deny("something it stands on is not available at the moment.");
   // What stands on itself has no access at all.
   Number mode;

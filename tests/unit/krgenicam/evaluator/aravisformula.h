@@ -3,17 +3,11 @@
 
 #include <arv.h>
 
+#include "aravismap.h"
 #include "number.h"
 
-#include <memory>
 #include <string>
 #include <string_view>
-
-struct AravisRelease {
-  void operator()(gpointer aObject) const { g_object_unref(aObject); }
-};
-template <typename Object>
-using AravisPointer = std::unique_ptr<Object, AravisRelease>;
 
 class AravisFormula {
 public:
