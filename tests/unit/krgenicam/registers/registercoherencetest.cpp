@@ -68,7 +68,7 @@ private:
                "</pVariable><Formula>A - B</Formula></IntSwissKnife>";
     }
     for (int i = 0; i < kTablesCount; ++i) {
-      const Range range{Pick(20), 9 + Pick(250)};
+      const Range range{Pick(20), 9 + Pick(1000)};
       mTables.push_back(range);
       nodes += MakeNode("Register", "T" + std::to_string(i),
                         Address(std::to_string(range.address)) + Length(std::to_string(range.length)));
