@@ -39,6 +39,13 @@ std::string MakeCell(const KrString& aText) {
   return cell.empty() ? "-" : KrString(cell).ToUtf8();
 }
 
+std::string MakeField(const KrString& aText) {
+  std::u16string field = aText.ToWide();
+  std::replace_if(
+      field.begin(), field.end(), [](char16_t aUnit) { return IsControl(aUnit) || IsFormatMark(aUnit); }, u'?');
+  return KrString(field).ToUtf8();
+}
+
 std::string FormatFixed(double aValue, int aDigits) {
   char text[400]; // The longest finite number has 309 digits before the point.
   const auto end = std::to_chars(text, text + sizeof text, aValue, std::chars_format::fixed, aDigits).ptr;

@@ -12,6 +12,10 @@ namespace krapps {
 /// characters by '?', runs of blanks by one — and the empty text is "-".
 std::string MakeCell(const KrString& aText);
 
+/// A text in one line as a field between tabs: control characters, tabs and line ends among them, and marks that turn
+/// or hide text become '?'; blanks stay, and the empty text stays empty.
+std::string MakeField(const KrString& aText);
+
 /// A number with so many digits behind a point, whatever the locale says of points.
 std::string FormatFixed(double aValue, int aDigits);
 

@@ -28,12 +28,18 @@ int Fail(std::ostream& aErrors, const KrResult& aResult) {
   return 1;
 }
 
+int FailToWrite(std::ostream& aErrors, const KrResult& aResult) {
+  const bool isInTheWay = aResult == KrResult::Code::WrongState;
+  return Fail(aErrors, {aResult.GetCode(), aResult.GetDescription() + (isInTheWay ? " --force replaces it." : "")});
+}
+
 int GetExitCode(const krapps::StopSignal& aStop) {
   constexpr int kSignalBase = 128;
   return kSignalBase + aStop.GetSignal();
 }
 
-KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice) {
+KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, KrDeviceAccess aAccess,
+                         std::unique_ptr<KrDevice>& aDevice) {
   const KrDeviceInfo* info = nullptr;
   if (KrResult selected = krapps::SelectDevice(aSystem, aName, info); !selected.IsOK())
     return Explain("looking for the device failed", selected);
@@ -41,7 +47,7 @@ KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, std::unique_p
   if (!info->IsConfigurationValid())
     return Explain(attempt, {KrResult::Code::NotFound, "this host cannot reach it as it is configured. Give it an "
                                                        "address of a network that this host is in."});
-  return Explain(attempt, KrDevice::Open(*info, KrDeviceAccess::Control, aDevice));
+  return Explain(attempt, KrDevice::Open(*info, aAccess, aDevice));
 }
 
 std::uint64_t GetSteadyNs() {

@@ -1,5 +1,5 @@
 #pragma once
-// What the commands that take frames have in common: the device that is meant, opened, and frames awaited so that
+// What commands have in common: the device that is meant, opened, failures told in one line, and frames awaited so that
 // Ctrl-C is seen soon.
 
 #include "commandline.h"
@@ -24,12 +24,15 @@ KrResult Explain(const std::string& aAttempt, const KrResult& aResult);
 /// Writes the result's description, or its code where it has none, in one line and gives the exit code of a command
 /// that failed.
 int Fail(std::ostream& aErrors, const KrResult& aResult);
+/// The same where a file could not be made; adds how one that is in the way can be replaced.
+int FailToWrite(std::ostream& aErrors, const KrResult& aResult);
 
 /// The exit code of a command that a signal ended before it was done, as shells have it for programs that it kills.
 int GetExitCode(const krapps::StopSignal& aStop);
 
 /// Finds and opens the device of a name. On failure aDevice stays null.
-KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice);
+KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, KrDeviceAccess aAccess,
+                         std::unique_ptr<KrDevice>& aDevice);
 
 /// Nanoseconds of a steady clock.
 std::uint64_t GetSteadyNs();

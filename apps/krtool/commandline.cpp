@@ -1,101 +1,28 @@
 #include "commandline.h"
 
+#include "commandtables.h"
+
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <iterator>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace krtool {
 
 namespace {
 
-struct CommandRow {
-  Verb verb;
-  std::string_view name;
-  std::string_view synopsis;
-  std::string_view description;
-  bool takesDevice;
-  bool takesFile;
-  bool needsFrames;
-};
-
-constexpr CommandRow kCommands[] = {
-    {Verb::List, "list", "list [--json] [--simulate] [--timeout MS]",
-     "Lists every interface and the devices behind it, one line each below a line of headings.\n"
-     "      Columns are parted by two or more blanks; an empty cell is \"-\".",
-     false, false, false},
-    {Verb::Stream, "stream", "stream DEVICE --frames N [--timeout MS] [--simulate]",
-     "Takes N frames and closes with one line of figures. Ctrl-C ends it earlier.", true, false, true},
-    {Verb::SaveFrame, "save-frame",
-     "save-frame DEVICE FILE [--format FORMAT] [--pixel-format NAME] [--force] [--timeout MS] [--simulate]",
-     "Saves the first frame that comes whole: .png as it is shown, .tif or .tiff with all of the camera's bits,\n"
-     "      .raw with the bytes as they came and a text FILE.txt that says what they are.",
-     true, true, false},
-};
-
-struct OptionRow {
-  std::string_view name;
-  std::string_view valueName; ///< Empty for a flag.
-  std::string_view verbs;     ///< The commands that take it.
-  std::string_view description;
-  bool (*take)(CommandLine& aCommandLine, std::string_view aValue); ///< False for a value that cannot be accepted.
-  std::string_view wants;                                           ///< The values that can be accepted.
-};
-
-constexpr std::uint32_t kLongestTimeoutMs = 3'600'000;
-
-template <typename Number>
-bool TakeNumber(std::string_view aText, Number& aNumber) {
-  const auto [end, error] = std::from_chars(aText.data(), aText.data() + aText.size(), aNumber);
-  return error == std::errc() && end == aText.data() + aText.size() && aNumber > 0;
-}
-
-bool TakeTimeout(CommandLine& aCommandLine, std::string_view aValue) {
-  std::uint32_t timeoutMs = 0;
-  const bool isNumber = TakeNumber(aValue, timeoutMs) && timeoutMs <= kLongestTimeoutMs;
-  if (isNumber)
-    aCommandLine.timeoutMs = timeoutMs;
-  return isNumber;
-}
-
-bool TakeFormat(CommandLine& aCommandLine, std::string_view aValue) {
-  aCommandLine.format = krapps::FindFrameFileFormat(aValue);
-  return aCommandLine.format.has_value();
-}
-
-bool TakePixelFormat(CommandLine& aCommandLine, std::string_view aValue) {
-  aCommandLine.pixelFormat = aValue;
-  return !aValue.empty();
-}
-
-constexpr OptionRow kOptions[] = {
-    {"--force", "", "save-frame", "Replaces a file that is there already.",
-     [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.force = true; }, ""},
-    {"--format", "FORMAT", "save-frame", "png, tiff or raw, where the name of FILE does not say so.", TakeFormat,
-     "png, tiff or raw"},
-    {"--frames", "N", "stream", "How many frames to take.",
-     [](CommandLine& aCommandLine, std::string_view aValue) { return TakeNumber(aValue, aCommandLine.frames); },
-     "a whole number of 1 or more"},
-    {"--json", "", "list", "Writes one JSON object instead of lines.",
-     [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.json = true; }, ""},
-    {"--pixel-format", "NAME", "save-frame", "Sets the camera's pixel format first, for example Mono12p; it stays set.",
-     TakePixelFormat, "the name of a pixel format"},
-    {"--simulate", "", "list stream save-frame", "Offers the built-in simulated lab beside the real devices.",
-     [](CommandLine& aCommandLine, std::string_view) { return aCommandLine.simulate = true; }, ""},
-    {"--timeout", "MS", "list stream save-frame",
-     "list: how long answers are awaited (1000). stream: how long one frame is awaited (10000).\n"
-     "      save-frame: how long a whole frame is awaited (10000).",
-     TakeTimeout, "milliseconds from 1 to 3600000"},
-};
-
 bool HasArgument(const std::vector<std::string>& aArguments, std::string_view aLong, std::string_view aShort) {
   // Behind "--" nothing is an option any more.
   const auto end = std::find(aArguments.begin(), aArguments.end(), "--");
   return std::any_of(aArguments.begin(), end,
                      [&](const std::string& aArgument) { return aArgument == aLong || aArgument == aShort; });
+}
+
+// A value to set, rather than an option: "-5", "-.5", "-1e3", "-inf".
+bool IsNegativeNumber(std::string_view aArgument) {
+  constexpr std::string_view kStarts = "0123456789.iI";
+  return aArgument.size() > 1 && aArgument[0] == '-' && kStarts.find(aArgument[1]) != std::string_view::npos;
 }
 
 // Goes through the arguments of one command from left to right.
@@ -112,10 +39,10 @@ public:
       const std::string& argument = mArguments[mAt];
       if (!onlyNames && argument == "--")
         onlyNames = true;
-      else if (!onlyNames && argument.starts_with('-'))
+      else if (!onlyNames && argument.starts_with('-') && !(IsValueNext() && IsNegativeNumber(argument)))
         TakeOption(argument);
       else
-        TakeName(argument);
+        TakeArgument(argument);
     }
     if (mResult.error.empty())
       CheckComplete();
@@ -125,14 +52,19 @@ public:
 private:
   void Fail(const std::string& aText) { mResult.error = aText; }
 
+  bool IsValueNext() const {
+    return mCommand.names == NameUse::NamesAndValues && mResult.commandLine.names.size() % 2 == 1;
+  }
+
   void TakeOption(const std::string& aArgument) {
     const std::size_t equals = aArgument.find('=');
     const std::string name = aArgument.substr(0, equals);
-    const auto* row = std::find_if(std::begin(kOptions), std::end(kOptions),
-                                   [&](const OptionRow& aRow) { return aRow.name == name; });
-    if (row == std::end(kOptions))
+    const auto options = GetOptions();
+    const auto row =
+        std::find_if(options.begin(), options.end(), [&](const OptionRow& aRow) { return aRow.name == name; });
+    if (row == options.end())
       return Fail("There is no option " + name + ".");
-    if (row->verbs.find(mCommand.name) == std::string_view::npos)
+    if (!TakesOption(mCommand, *row))
       return Fail("The command " + std::string(mCommand.name) + " takes no " + name + ".");
     if (row->valueName.empty())
       return TakeFlag(*row, equals != std::string::npos);
@@ -149,28 +81,45 @@ private:
     aRow.take(mResult.commandLine, {});
   }
 
-  void TakeName(const std::string& aArgument) {
+  void TakeArgument(const std::string& aArgument) {
     CommandLine& line = mResult.commandLine;
-    const bool isDevice = mCommand.takesDevice && line.device.empty();
-    const bool isFile = mCommand.takesFile && !isDevice && line.file.empty();
-    if (!isDevice && !isFile)
+    if (mCommand.takesDevice && line.device.empty())
+      return TakeText("DEVICE", aArgument, line.device);
+    if (mCommand.file != FileUse::None && line.file.empty())
+      return TakeText("FILE", aArgument, line.file);
+    const bool takesName = mCommand.names != NameUse::None && (mCommand.names != NameUse::One || line.names.empty());
+    if (!takesName)
       return Fail("Unexpected argument \"" + aArgument + "\".");
+    // A value, unlike a name, may be empty.
+    if (aArgument.empty() && !IsValueNext())
+      return Fail("NAME is empty.");
+    line.names.push_back(aArgument);
+  }
+
+  void TakeText(const std::string& aWhat, const std::string& aArgument, std::string& aText) {
     if (aArgument.empty())
-      return Fail(isDevice ? "DEVICE is empty." : "FILE is empty.");
-    (isDevice ? line.device : line.file) = aArgument;
+      return Fail(aWhat + " is empty.");
+    aText = aArgument;
   }
 
   void CheckComplete() {
+    const CommandLine& line = mResult.commandLine;
     const std::string command = "The command " + std::string(mCommand.name);
-    if (mCommand.takesDevice && mResult.commandLine.device.empty())
+    if (mCommand.takesDevice && line.device.empty())
       Fail(command + " wants a DEVICE: an ID, a MAC or IP address, a serial number or a user-defined name.");
-    else if (mCommand.needsFrames && mResult.commandLine.frames == 0)
+    else if (mCommand.needsFrames && line.frames == 0)
       Fail(command + " wants --frames N.");
-    else if (mCommand.takesFile)
-      CheckFile(command);
+    else if (mCommand.file == FileUse::Frame)
+      CheckFrameFile(command);
+    else if (mCommand.file == FileUse::Other && line.file.empty())
+      Fail(command + " wants a FILE.");
+    else if (mCommand.names != NameUse::None && line.names.empty())
+      Fail(command + " wants the NAME of a feature.");
+    else if (IsValueNext())
+      Fail(command + " wants a VALUE for \"" + line.names.back() + "\".");
   }
 
-  void CheckFile(const std::string& aCommand) {
+  void CheckFrameFile(const std::string& aCommand) {
     CommandLine& line = mResult.commandLine;
     if (line.file.empty())
       return Fail(aCommand + " wants a FILE to save the frame in.");
@@ -196,25 +145,33 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& aArguments) {
     return {{.verb = Verb::Version}, {}};
   if (aArguments.empty())
     return {{}, "A command is missing."};
-  const auto* command = std::find_if(std::begin(kCommands), std::end(kCommands),
-                                     [&](const CommandRow& aRow) { return aRow.name == aArguments.front(); });
-  if (command == std::end(kCommands))
+  const auto commands = GetCommands();
+  const auto command = std::find_if(commands.begin(), commands.end(),
+                                    [&](const CommandRow& aRow) { return aRow.name == aArguments.front(); });
+  if (command == commands.end())
     return {{}, "There is no command \"" + aArguments.front() + "\"."};
   return Parser(*command, aArguments).Run();
 }
 
 std::string GetHelpText() {
-  std::string text = "krtool lists machine-vision cameras and takes frames from them.\n\nCommands:\n";
-  for (const CommandRow& row : kCommands)
+  std::string text = "krtool lists machine-vision cameras, takes frames from them and reads and sets their features.\n"
+                     "\nCommands:\n";
+  for (const CommandRow& row : GetCommands())
     text += "  krtool " + std::string(row.synopsis) + "\n      " + std::string(row.description) + "\n";
   text += "  krtool --help\n  krtool --version\n\nOptions:\n";
-  for (const OptionRow& row : kOptions) {
+  for (const OptionRow& row : GetOptions()) {
     const std::string name = std::string(row.name) + (row.valueName.empty() ? "" : " ") + std::string(row.valueName);
     text += "  " + name + "\n      " + std::string(row.description) + "\n";
   }
-  text += "\nDEVICE is a unique ID, a MAC address, an IP address, a serial number or a user-defined name.\n"
-          "The exit code is 0, 1 when the command failed, 2 when it was not understood, or 128 and the number of the\n"
-          "signal that ended it early. Finding no device is no failure of list.\n";
+  text +=
+      "\nDEVICE is a unique ID, a MAC address, an IP address, a serial number or a user-defined name.\n"
+      "FILE.xml in its place is a description of features, zipped or not, over registers that are all zero: a name\n"
+      "that ends in .xml or .zip, or that of a file that is there.\n"
+      "VALUE is a number, also as 0x..., an address, the name of an entry, true or false (or 1 or 0), a text, or the\n"
+      "hexadecimal digits of a register; behind -- it may begin with any character.\n"
+      "features, get and xml leave control of the device to whoever has it; set, execute, save and load take it.\n"
+      "The exit code is 0, 1 when the command failed, 2 when it was not understood, or 128 and the number of the\n"
+      "signal that ended it early. Finding no device is no failure of list.\n";
   return text;
 }
 

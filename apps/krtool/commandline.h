@@ -1,8 +1,9 @@
 #pragma once
-// The command line as tables: which commands there are, which options each takes, and what they say of themselves.
-// Carrying a command out is left to the commands.
+// What a command line asks for. The commands and options themselves stand in tables; carrying a command out is left to
+// the commands.
 
 #include "framefile.h"
+#include "krgenicam/krgentypes.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,18 +12,23 @@
 
 namespace krtool {
 
-enum class Verb { Help, Version, List, Stream, SaveFrame };
+enum class Verb { Help, Version, List, Stream, SaveFrame, Features, Get, Set, Execute, Xml, Save, Load };
 
 /// What was asked for.
 struct CommandLine {
   Verb verb = Verb::Help;
-  std::string device = {};                            ///< An ID, MAC or IP address, serial number or name.
-  std::string file = {};                              ///< For SaveFrame.
+  std::string device = {};             ///< An ID, MAC or IP address, serial number or name; where a command only
+                                       ///< reads features, a description's file, too.
+  std::string file = {};               ///< For SaveFrame, Save and Load; for Xml, where it is not empty.
+  std::vector<std::string> names = {}; ///< Features, for Get, Execute (one) and Set (each before its value).
   std::optional<krapps::FrameFileFormat> format = {}; ///< For SaveFrame: always there.
   std::string pixelFormat = {};                       ///< For SaveFrame: empty where the camera's own stays.
   std::optional<std::uint32_t> timeoutMs = {};        ///< Nothing where the command's own limit holds.
   std::uint64_t frames = 0;                           ///< For Stream: how many; at least 1.
-  bool force = false;                                 ///< For SaveFrame: replaces a file that is there.
+  std::string category = {};                          ///< For Features: empty for all.
+  KrGenVisibility visibility = KrGenVisibility::Guru; ///< For Features.
+  bool faults = false;                                ///< For Features: lists the description's faults.
+  bool force = false;                                 ///< Replaces a file that is there.
   bool json = false;
   bool simulate = false;
 };

@@ -1,11 +1,16 @@
-// The command line companion: lists cameras and takes frames from them, without a display.
+// The command line companion: lists cameras, takes frames from them and sets their features, without a display.
 
 #include "commandline.h"
+#include "executecommand.h"
+#include "featurescommand.h"
 #include "krdevice/krdeviceend.h"
 #include "krtransport/krtransport.h"
 #include "listcommand.h"
 #include "saveframecommand.h"
+#include "settingscommands.h"
 #include "streamcommand.h"
+#include "valuecommands.h"
+#include "xmlcommand.h"
 
 #include <algorithm>
 #include <iostream>
@@ -21,7 +26,14 @@ struct CommandRow {
 // The commands that need devices.
 constexpr CommandRow kCommands[] = {{krtool::Verb::List, krtool::RunList},
                                     {krtool::Verb::Stream, krtool::RunStream},
-                                    {krtool::Verb::SaveFrame, krtool::RunSaveFrame}};
+                                    {krtool::Verb::SaveFrame, krtool::RunSaveFrame},
+                                    {krtool::Verb::Features, krtool::RunFeatures},
+                                    {krtool::Verb::Get, krtool::RunGet},
+                                    {krtool::Verb::Set, krtool::RunSet},
+                                    {krtool::Verb::Execute, krtool::RunExecute},
+                                    {krtool::Verb::Xml, krtool::RunXml},
+                                    {krtool::Verb::Save, krtool::RunSave},
+                                    {krtool::Verb::Load, krtool::RunLoad}};
 
 int RunWithDevices(const krtool::CommandLine& aCommandLine) {
   if (KrResult prepared = KrGiveBackDevicesAtEnd(); !prepared.IsOK())
@@ -40,19 +52,13 @@ int RunWithDevices(const krtool::CommandLine& aCommandLine) {
 }
 
 int Run(const krtool::CommandLine& aCommandLine) {
-  switch (aCommandLine.verb) {
-  case krtool::Verb::Help:
+  if (aCommandLine.verb == krtool::Verb::Help)
     std::cout << krtool::GetHelpText();
-    return 0;
-  case krtool::Verb::Version:
+  else if (aCommandLine.verb == krtool::Verb::Version)
     std::cout << "krtool " << KRGUI_VERSION << '\n';
-    return 0;
-  case krtool::Verb::List:
-  case krtool::Verb::Stream:
-  case krtool::Verb::SaveFrame:
-    break;
-  }
-  return RunWithDevices(aCommandLine);
+  else
+    return RunWithDevices(aCommandLine);
+  return 0;
 }
 
 } // namespace

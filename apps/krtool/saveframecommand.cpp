@@ -59,12 +59,6 @@ KrResult AwaitWholeFrame(KrStream& aStream, const krapps::StopSignal& aStop, std
   }
 }
 
-// Adds how a file that is in the way can be replaced.
-int FailToWrite(std::ostream& aErrors, const KrResult& aResult) {
-  const bool isInTheWay = aResult == KrResult::Code::WrongState;
-  return Fail(aErrors, {aResult.GetCode(), aResult.GetDescription() + (isInTheWay ? " --force replaces it." : "")});
-}
-
 int WriteAndReport(const KrBuffer& aFrame, const krapps::FrameFileOptions& aOptions, std::ostream& aOut,
                    std::ostream& aErrors) {
   if (KrResult written = krapps::WriteFrame(aFrame, aOptions); !written.IsOK())
@@ -111,7 +105,7 @@ int RunSaveFrame(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostrea
   if (KrResult checked = krapps::CheckFrameFile(MakeOptions(aCommandLine)); !checked.IsOK())
     return FailToWrite(aErrors, checked);
   std::unique_ptr<KrDevice> device;
-  if (KrResult opened = OpenNamedDevice(aSystem, aCommandLine.device, device); !opened.IsOK())
+  if (KrResult opened = OpenNamedDevice(aSystem, aCommandLine.device, KrDeviceAccess::Control, device); !opened.IsOK())
     return Fail(aErrors, opened);
   return SaveFrameOf(*device, aCommandLine, aOut, aErrors);
 }

@@ -55,7 +55,7 @@ int StreamFrom(KrDevice& aDevice, const CommandLine& aCommandLine, std::ostream&
 
 int RunStream(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
   std::unique_ptr<KrDevice> device;
-  if (KrResult opened = OpenNamedDevice(aSystem, aCommandLine.device, device); !opened.IsOK())
+  if (KrResult opened = OpenNamedDevice(aSystem, aCommandLine.device, KrDeviceAccess::Control, device); !opened.IsOK())
     return Fail(aErrors, opened);
   return StreamFrom(*device, aCommandLine, aOut, aErrors);
 }

@@ -74,6 +74,8 @@ public:
   void DeliverEvent(std::uint64_t aEventID, std::span<const std::uint8_t> aData);
   void SetChunkData(std::uint64_t aChunkID, std::optional<std::span<const std::uint8_t>> aData);
   void Cancel();
+  /// Of the next Cancel: for what is made of several operations.
+  std::stop_token GetCancelToken() const;
   void Close();
   bool IsClosed() const { return mIsClosed; }
 
@@ -115,7 +117,6 @@ private:
   void OnInvalidated(Node& aNode, bool aIsWrite);
   KrResult PollNode(Evaluation& aEvaluation, PolledNode& aPolled, std::uint64_t aNowMs);
   KrResult ReadPolled(Evaluation& aEvaluation, Node& aNode);
-  std::stop_token GetCancelToken() const;
   std::stop_source ExchangeCancel();
 
   ParameterWatch& FindWatch(Node& aNode);

@@ -1,5 +1,7 @@
 #include "map/settingsrestore.h"
 
+#include "krgenicam/krgenparameterarray.h"
+#include "map/nodemap.h"
 #include "map/persistenceframe.h"
 #include "map/settingscomparison.h"
 
@@ -34,7 +36,7 @@ KrResult SettingsRestore::Run(const KrGenSettings& aSettings) {
   MarkSuperseded();
 
   PersistenceFrame frame;
-  Note(frame.Begin(mFind));
+  Note(frame.Begin([this](const KrString& aName) { return mArray.Get(aName); }));
   SetAll();
   Note(frame.End());
   VerifyAll();
@@ -46,7 +48,7 @@ KrResult SettingsRestore::Run(const KrGenSettings& aSettings) {
 }
 
 SettingsRestore::Step SettingsRestore::MakeStep(const KrGenSetting& aSetting) {
-  Step step = {.parameter = mFind(aSetting.name), .setting = aSetting};
+  Step step = {.parameter = mArray.Get(aSetting.name), .setting = aSetting};
   if (step.parameter == nullptr) {
     step.state = State::Failed;
     step.failure = {KrResult::Code::NotFound, "there is no such parameter."};
@@ -86,7 +88,7 @@ void SettingsRestore::MarkSuperseded() {
 
 void SettingsRestore::SetAll() {
   const std::size_t most = std::min(kMaxPasses, mSteps.size());
-  for (std::size_t pass = 0; pass < most && mEnd.IsOK(); ++pass) {
+  for (std::size_t pass = 0; pass < most && !IsEnded(); ++pass) {
     if (!SetPass())
       break;
   }
@@ -103,9 +105,9 @@ bool SettingsRestore::SetPass() {
     // A selector that goes on to another position is moved there when something is to be set under it.
     if (step.state != State::Waiting || (step.isSelector && step.isSuperseded))
       continue;
+    if (IsEnded())
+      return false;
     SetStep(step);
-    if (!mEnd.IsOK())
-      break;
     hasProgress |= step.state == State::Set;
   }
   return hasProgress;
@@ -143,9 +145,9 @@ KrResult SettingsRestore::MoveTo(const std::vector<SelectorPosition>& aContext) 
 
 // Selectors are read back when they are put where they are to stay.
 void SettingsRestore::VerifyAll() {
+  mArray.InvalidateCache(); // What the device has counts, not what was written to it.
   for (Step& step : mSteps) {
-    if (mEnd.IsOK() && !step.isSuperseded && !step.isSelector &&
-        (step.state == State::Set || step.state == State::Done))
+    if (!IsEnded() && !step.isSuperseded && !step.isSelector && (step.state == State::Set || step.state == State::Done))
       VerifyStep(step);
   }
 }
@@ -172,7 +174,7 @@ void SettingsRestore::VerifyStep(Step& aStep) {
 bool SettingsRestore::TakeSecondChance() {
   bool isAny = false;
   for (Step& step : mSteps) {
-    if (!mEnd.IsOK() || !(step.failure == KrResult::Code::NotSupported) || step.state != State::Failed ||
+    if (IsEnded() || !(step.failure == KrResult::Code::NotSupported) || step.state != State::Failed ||
         step.parameter == nullptr)
       continue;
     SetStep(step);
@@ -189,9 +191,17 @@ void SettingsRestore::PutSelectors() {
       continue;
     step.failure = {};
     SetStep(step);
+    mArray.InvalidateCache();
     if (step.state == State::Set)
       VerifyStep(step);
   }
+}
+
+// Accesses that are under way when it is cancelled fail by themselves; between two of them it shows here.
+bool SettingsRestore::IsEnded() {
+  if (mEnd.IsOK() && mCancel.stop_requested())
+    mEnd = {KrResult::Code::Aborted, "It was cancelled."};
+  return !mEnd.IsOK();
 }
 
 void SettingsRestore::Report() {
@@ -223,3 +233,8 @@ void SettingsRestore::NoteUnfinished(State aState, const std::string& aWhat) {
 }
 
 } // namespace krgenicam
+
+KrResult KrGenParameterArray::RestoreSettings(const KrGenSettings& aSettings, KrStringList& aProblems) {
+  aProblems.Clear();
+  return krgenicam::SettingsRestore(*this, mMap->GetCancelToken(), aProblems).Run(aSettings);
+}

@@ -2,13 +2,14 @@
 // Sets parameters to settings, in several passes where one depends on another, and reads all of them back. What the
 // settings' text looks like is left to KrGenSettings.
 
-#include "krgenicam/krgensettings.h"
+#include "krgenicam/krgenparameterarray.h"
 #include "map/selectorpath.h"
 
 #include <cstddef>
-#include <functional>
 #include <map>
+#include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace krgenicam {
@@ -16,16 +17,16 @@ namespace krgenicam {
 /// Each value is set and read under the positions that the settings before it gave its selectors, wherever the
 /// selectors stand meanwhile; at the end they stand where the settings leave them.
 ///
-/// Thread: one at a time. Ownership: borrows the parameters and the list of problems.
+/// Thread: one at a time. Ownership: borrows the array and the list of problems.
 class SettingsRestore {
 public:
-  using Finder = std::function<KrGenParameter*(const KrString&)>;
   /// How often all that failed is tried at most.
   static constexpr std::size_t kMaxPasses = 8;
 
-  SettingsRestore(Finder aFind, KrStringList& aProblems) : mFind(std::move(aFind)), mProblems(aProblems) {}
+  SettingsRestore(KrGenParameterArray& aArray, std::stop_token aCancel, KrStringList& aProblems)
+      : mArray(aArray), mCancel(std::move(aCancel)), mProblems(aProblems) {}
 
-  /// OK when all is as stored, otherwise the first problem.
+  /// OK when all is as stored, otherwise the first problem; nothing more is tried once it was cancelled.
   KrResult Run(const KrGenSettings& aSettings);
 
 private:
@@ -59,11 +60,13 @@ private:
   bool TakeSecondChance();
   void PutSelectors();
 
+  bool IsEnded();
   void Report();
   void Note(const KrResult& aProblem);
   void NoteUnfinished(State aState, const std::string& aWhat);
 
-  const Finder mFind;
+  KrGenParameterArray& mArray;
+  const std::stop_token mCancel;
   KrStringList& mProblems;
   std::vector<Step> mSteps;
   std::vector<SelectorPosition> mPositions; // Where the steps made so far leave the selectors.

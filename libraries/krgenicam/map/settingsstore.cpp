@@ -1,6 +1,9 @@
 #include "map/settingsstore.h"
 
+#include "krgenicam/krgenparameterarray.h"
+#include "map/nodemap.h"
 #include "map/settingsescape.h"
+#include "map/settingsorder.h"
 
 #include <algorithm>
 #include <iterator>
@@ -55,7 +58,7 @@ std::vector<SettingsStore::Group> SettingsStore::MakeGroups(const std::vector<Kr
 }
 
 void SettingsStore::Walk(const Group& aGroup, std::size_t aDepth) {
-  if (mIsEnded || aGroup.parameters.empty())
+  if (aGroup.parameters.empty() || IsEnded())
     return;
   if (aDepth == aGroup.selectors.size())
     return StoreParameters(aGroup);
@@ -88,7 +91,7 @@ void SettingsStore::Walk(const Group& aGroup, std::size_t aDepth) {
 void SettingsStore::WalkPositions(const Group& aGroup, std::size_t aDepth, const KrStringList& aPositions) {
   KrGenParameter& selector = *aGroup.selectors[aDepth];
   for (const KrString& position : aPositions) {
-    if (mIsEnded)
+    if (IsEnded())
       return;
     if (KrResult moved = selector.FromString(position); !moved.IsOK()) {
       Note(selector.GetName(), "cannot be set to " + position.ToUtf8() + ", so that what it selects there is not taken",
@@ -114,7 +117,7 @@ void SettingsStore::StoreParameters(const Group& aGroup) {
   if (!aGroup.selectors.empty() && ++mCombinations > kMaxCombinations)
     return NoteLimit(aGroup.parameters.front()->GetName());
   for (KrGenParameter* const parameter : aGroup.parameters) {
-    if (mIsEnded)
+    if (IsEnded())
       return;
     if (IsReadableAndWritable(*parameter))
       StoreParameter(*parameter);
@@ -131,6 +134,15 @@ void SettingsStore::StoreParameter(KrGenParameter& aParameter) {
   if (KrResult result = aParameter.ToString(value); !result.IsOK())
     return Note(name, "cannot be read", result);
   mSettings.push_back({name, value});
+}
+
+// Accesses that are under way when it is cancelled fail by themselves; between two of them it shows here.
+bool SettingsStore::IsEnded() {
+  if (!mIsEnded && mCancel.stop_requested()) {
+    mIsEnded = true;
+    Note("The settings", "are not all taken", {KrResult::Code::Aborted, "It was cancelled."});
+  }
+  return mIsEnded;
 }
 
 void SettingsStore::Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure) {
@@ -151,3 +163,12 @@ void SettingsStore::NoteLimit(const KrString& aName) {
 }
 
 } // namespace krgenicam
+
+KrResult KrGenParameterArray::StoreSettings(KrGenSettings& aSettings, KrStringList& aProblems) {
+  aSettings.Clear();
+  aSettings.SetDevice(GetVendorName() + " " + GetModelName());
+  aProblems.Clear();
+  InvalidateCache(); // What the device has counts.
+  return krgenicam::SettingsStore(mMap->GetCancelToken(), aProblems)
+      .Run(krgenicam::ListSettingsOrder(*mMap), aSettings);
+}

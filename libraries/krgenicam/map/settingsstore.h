@@ -6,6 +6,8 @@
 #include "map/selectorpath.h"
 
 #include <cstddef>
+#include <stop_token>
+#include <utility>
 #include <vector>
 
 namespace krgenicam {
@@ -19,10 +21,10 @@ public:
   static constexpr std::size_t kMaxCombinations = 65536;
   static constexpr std::size_t kMaxSettings = 1'000'000;
 
-  explicit SettingsStore(KrStringList& aProblems) : mProblems(aProblems) {}
+  SettingsStore(std::stop_token aCancel, KrStringList& aProblems) : mCancel(std::move(aCancel)), mProblems(aProblems) {}
 
   /// Adds the settings of the parameters. OK when all was read, and all selectors are where they were, otherwise the
-  /// first failure.
+  /// first failure; Aborted when it was cancelled.
   KrResult Run(const std::vector<KrGenParameter*>& aParameters, KrGenSettings& aSettings);
 
 private:
@@ -37,14 +39,16 @@ private:
   void PutBack(KrGenParameter& aSelector, const KrString& aPosition);
   void StoreParameters(const Group& aGroup);
   void StoreParameter(KrGenParameter& aParameter);
+  bool IsEnded();
   void Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure);
   void NoteLimit(const KrString& aName);
 
+  const std::stop_token mCancel;
   KrStringList& mProblems;
   std::vector<KrGenSetting> mSettings;
   std::vector<SelectorPosition> mPositions; // Where the selectors of the walk stand.
   std::size_t mCombinations = 0;
-  bool mIsEnded = false; // A limit was reached, or the device does not answer any more.
+  bool mIsEnded = false; // A limit was reached, the device does not answer any more, or it was cancelled.
   KrResult mFirstFailure;
 };
 

@@ -61,6 +61,69 @@ TEST(CommandLine, FormatOption_PrevailsOverTheFilesName) {
   EXPECT_FALSE(parsed.commandLine.force);
 }
 
+TEST(CommandLine, Features_TakesItsOptions) {
+  const ParsedCommandLine parsed = ParseCommandLine(
+      {"features", "cam.xml", "--category", "ImageFormatControl", "--visibility=expert", "--faults", "--simulate"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.verb, Verb::Features);
+  EXPECT_EQ(parsed.commandLine.device, "cam.xml");
+  EXPECT_EQ(parsed.commandLine.category, "ImageFormatControl");
+  EXPECT_EQ(parsed.commandLine.visibility, KrGenVisibility::Expert);
+  EXPECT_TRUE(parsed.commandLine.faults);
+}
+
+TEST(CommandLine, FeaturesAlone_ShowsAllThatIsForPeople) {
+  const ParsedCommandLine parsed = ParseCommandLine({"features", "cam"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.category, "");
+  EXPECT_EQ(parsed.commandLine.visibility, KrGenVisibility::Guru);
+}
+
+TEST(CommandLine, Get_TakesSeveralNames) {
+  const ParsedCommandLine parsed = ParseCommandLine({"get", "cam", "Width", "Height"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.names, (Arguments{"Width", "Height"}));
+}
+
+TEST(CommandLine, Set_TakesNamesAndValuesNegativeAndEmptyOnesToo) {
+  const ParsedCommandLine parsed = ParseCommandLine(
+      {"set", "cam", "Offset", "-5", "Level", "-1.5e3", "--timeout", "9", "UserID", "", "Gain", "-inf"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.names, (Arguments{"Offset", "-5", "Level", "-1.5e3", "UserID", "", "Gain", "-inf"}));
+  EXPECT_EQ(parsed.commandLine.timeoutMs, 9U);
+}
+
+TEST(CommandLine, ValueThatLooksLikeAnOption_IsTakenBehindTwoDashes) {
+  const ParsedCommandLine parsed = ParseCommandLine({"set", "cam", "--", "UserID", "--help"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.names, (Arguments{"UserID", "--help"}));
+}
+
+TEST(CommandLine, Xml_TakesAFileOrNone) {
+  const ParsedCommandLine toFile = ParseCommandLine({"xml", "cam", "cam.xml", "--force"});
+  const ParsedCommandLine toOutput = ParseCommandLine({"xml", "cam"});
+
+  EXPECT_EQ(toFile.error + toOutput.error, "");
+  EXPECT_EQ(toFile.commandLine.file, "cam.xml");
+  EXPECT_TRUE(toFile.commandLine.force);
+  EXPECT_EQ(toOutput.commandLine.file, "");
+}
+
+TEST(CommandLine, SaveAndLoad_TakeDeviceThenFile) {
+  for (const char* command : {"save", "load"}) {
+    const ParsedCommandLine parsed = ParseCommandLine({command, "cam", "settings.txt", "--simulate"});
+
+    EXPECT_EQ(parsed.error, "") << command;
+    EXPECT_EQ(parsed.commandLine.device, "cam");
+    EXPECT_EQ(parsed.commandLine.file, "settings.txt");
+  }
+}
+
 TEST(CommandLine, NameThatLooksLikeAnOption_IsTakenBehindTwoDashes) {
   const ParsedCommandLine parsed = ParseCommandLine({"stream", "--frames", "1", "--", "--help"});
 
@@ -113,6 +176,21 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"EmptyPixelFormat", {"save-frame", "cam", "a.png", "--pixel-format", ""}, "pixel format"},
         Mistake{"FramesOfASavedFrame", {"save-frame", "cam", "a.png", "--frames", "2"}, "takes no --frames"},
         Mistake{"ForceForStream", {"stream", "cam", "--frames", "2", "--force"}, "takes no --force"},
+        Mistake{"FeaturesWithoutDevice", {"features"}, "DEVICE"},
+        Mistake{"UnknownVisibility", {"features", "cam", "--visibility", "Everybody"}, "Beginner, Expert, Guru or"},
+        Mistake{"EmptyCategory", {"features", "cam", "--category="}, "the name of a category"},
+        Mistake{"ForceForLoad", {"load", "cam", "a", "--force"}, "takes no --force"},
+        Mistake{"FaultsForGet", {"get", "cam", "Width", "--faults"}, "takes no --faults"},
+        Mistake{"GetWithoutName", {"get", "cam"}, "NAME of a feature"},
+        Mistake{"GetWithEmptyName", {"get", "cam", ""}, "NAME is empty"},
+        Mistake{"NegativeNumberForAName", {"get", "cam", "-5"}, "no option -5"},
+        Mistake{"SetWithoutName", {"set", "cam"}, "NAME of a feature"},
+        Mistake{"SetWithoutValue", {"set", "cam", "Width", "1", "Height"}, "VALUE for \"Height\""},
+        Mistake{"OptionForAValue", {"set", "cam", "Width", "--json"}, "takes no --json"},
+        Mistake{"ExecuteTwoCommands", {"execute", "cam", "A", "B"}, "\"B\""},
+        Mistake{"ExecuteWithoutName", {"execute", "cam"}, "NAME of a feature"},
+        Mistake{"SaveWithoutFile", {"save", "cam"}, "FILE"}, Mistake{"LoadWithoutFile", {"load", "cam"}, "FILE"},
+        Mistake{"XmlWithTwoFiles", {"xml", "cam", "a", "b"}, "\"b\""},
         Mistake{"MissingValue", {"list", "--timeout"}, "--timeout wants"},
         Mistake{"TimeoutZero", {"list", "--timeout", "0"}, "--timeout wants"},
         Mistake{"TimeoutTooLong", {"list", "--timeout", "3600001"}, "--timeout wants"}),
@@ -121,9 +199,29 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(CommandLine, Help_NamesEveryCommandAndOption) {
   const std::string help = GetHelpText();
 
-  for (const char* word :
-       {"krtool list", "krtool stream DEVICE", "krtool save-frame DEVICE FILE", "--force", "--format FORMAT",
-        "--pixel-format NAME", "--frames N", "--json", "--simulate", "--timeout MS", "--help", "--version", "MAC"})
+  for (const char* word : {"krtool list",
+                           "krtool stream DEVICE",
+                           "krtool save-frame DEVICE FILE",
+                           "krtool features DEVICE|FILE.xml",
+                           "krtool get DEVICE|FILE.xml NAME",
+                           "krtool set DEVICE NAME VALUE",
+                           "krtool execute DEVICE NAME",
+                           "krtool xml DEVICE|FILE.zip [FILE]",
+                           "krtool save DEVICE FILE",
+                           "krtool load DEVICE FILE",
+                           "--category C",
+                           "--visibility V",
+                           "--faults",
+                           "--force",
+                           "--format FORMAT",
+                           "--pixel-format NAME",
+                           "--frames N",
+                           "--json",
+                           "--simulate",
+                           "--timeout MS",
+                           "--help",
+                           "--version",
+                           "MAC"})
     EXPECT_THAT(help, HasSubstr(word));
 }
 

@@ -1,0 +1,44 @@
+#pragma once
+// What a command finds features in: a device, or a description in a file over registers that are all zero.
+
+#include "commandline.h"
+#include "krdevice/krdevice.h"
+#include "krgenicam/krgenmemoryport.h"
+#include "krgenicam/krgenparameterarray.h"
+#include "krsystem/krsystem.h"
+
+#include <memory>
+#include <string>
+
+namespace krtool {
+
+/// Whether an argument means a file: it ends in .xml or .zip in any case, or a file of the name is there.
+bool IsDescriptionFile(const std::string& aName);
+
+/// Finds what the command line names and reads its description. A file's path and a device are looked at only.
+KrResult ReadDescription(KrSystem& aSystem, const CommandLine& aCommandLine, KrGenDescription& aDescription);
+
+/// Thread: one. Ownership: owns the device and the array.
+class FeatureSource {
+public:
+  /// For reading: a file, or a device that whoever controls it keeps.
+  KrResult OpenToRead(KrSystem& aSystem, const CommandLine& aCommandLine);
+  /// For writing: a device, taken under control. InvalidInput for a file.
+  KrResult OpenToWrite(KrSystem& aSystem, const CommandLine& aCommandLine);
+
+  KrGenParameterArray& GetArray() { return *mArray; }
+  /// The device or file for messages, in one line.
+  const std::string& GetName() const { return mName; }
+
+private:
+  KrResult OpenDevice(KrSystem& aSystem, const CommandLine& aCommandLine, KrDeviceAccess aAccess);
+  KrResult OpenArray(const KrGenDescription& aDescription, IKrRegisterPort& aPort);
+
+  // In the order in which one stands on the other.
+  KrGenMemoryPort mMemory;
+  std::unique_ptr<KrDevice> mDevice;
+  std::unique_ptr<KrGenParameterArray> mArray;
+  std::string mName;
+};
+
+} // namespace krtool

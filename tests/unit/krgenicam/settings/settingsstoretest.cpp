@@ -1,0 +1,227 @@
+#include "describedsettings.h"
+
+namespace krgenicam {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+
+TEST(StoreSettings, StreamableParameters_AreTakenWithOrWithoutACategory) {
+  SettingsCamera camera("<Category Name=\"Root\" NameSpace=\"Standard\"><pFeature>Height</pFeature>"
+                        "<pFeature>Other</pFeature></Category>" +
+                        MakeInteger("Height", 0) + MakeInteger("Hidden", 4) +
+                        "<Integer Name=\"Other\"><Value>3</Value></Integer>");
+  camera.Poke(0, {7, 0, 0, 0});
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Height", "7"), Pair("Hidden", "0")));
+  EXPECT_THAT(camera.GetProblems(), IsEmpty());
+  EXPECT_EQ(camera.settings.GetDevice(), "Vendor Model");
+}
+
+TEST(StoreSettings, ParametersThatCannotBeReadAndWritten_AreLeftOut) {
+  SettingsCamera camera(
+      MakeInteger("Free", 0) + MakeInteger("Locked", 4, "<pIsLocked>Lock</pIsLocked>") +
+      MakeInteger("Fixed", 8, "<ImposedAccessMode>RO</ImposedAccessMode>") +
+      MakeInteger("Absent", 12, "<pIsImplemented>No</pIsImplemented>") +
+      "<Integer Name=\"Lock\"><Value>1</Value></Integer><Integer Name=\"No\"><Value>0</Value></Integer>");
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Free", "0")));
+}
+
+TEST(StoreSettings, Bank_IsTakenAtEveryPositionBehindItsSelectorWhichIsPutBack) {
+  SettingsCamera camera(MakeEnum("GainSelector", 0, {"Red", "Green", "Blue"}, "<pSelected>Gain</pSelected>") +
+                        MakeBank("Gain", 16, "GainSelector") + MakeInteger("Width", 4));
+  camera.Poke(16, {10, 0, 0, 0, 20, 0, 0, 0, 30, 0, 0, 0});
+  camera.SetText("GainSelector", "Green");
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(),
+              ElementsAre(Pair("Width", "0"), Pair("GainSelector", "Red"), Pair("Gain", "10"),
+                          Pair("GainSelector", "Green"), Pair("Gain", "20"), Pair("GainSelector", "Blue"),
+                          Pair("Gain", "30"), Pair("GainSelector", "Green")));
+  EXPECT_EQ(camera.Peek(0, 1), std::vector<std::uint8_t>{1});
+}
+
+// The index of a table is selected by which table it is of.
+constexpr const char* kTables =
+    "<Boolean Name=\"TableSelector\"><pValue>TableSelectorReg</pValue><pSelected>Index</pSelected></Boolean>"
+    "<IntReg Name=\"TableSelectorReg\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+    "<pPort>Device</pPort><Endianess>LittleEndian</Endianess></IntReg>"
+    "<Integer Name=\"Index\"><pValue>IndexReg</pValue><Min>1</Min><Max>5</Max><Inc>4</Inc>"
+    "<pSelected>Entry</pSelected></Integer>"
+    "<IntReg Name=\"IndexReg\"><Address>8</Address><pIndex Offset=\"4\">TableSelectorReg</pIndex><Length>4</Length>"
+    "<AccessMode>RW</AccessMode><pPort>Device</pPort><Endianess>LittleEndian</Endianess></IntReg>"
+    "<Integer Name=\"Entry\"><Streamable>Yes</Streamable><pValue>EntryReg</pValue></Integer>"
+    "<IntReg Name=\"EntryReg\"><Address>32</Address><pIndex Offset=\"32\">TableSelectorReg</pIndex>"
+    "<pIndex Offset=\"4\">Index</pIndex><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>"
+    "<Endianess>LittleEndian</Endianess></IntReg>";
+
+TEST(StoreSettings, SelectorThatIsSelected_IsPutBackUnderEachPositionOfItsOwnSelector) {
+  SettingsCamera camera(kTables);
+  camera.Poke(8, {5, 0, 0, 0, 1, 0, 0, 0});
+  camera.Poke(36, {11});
+  camera.Poke(52, {15});
+  camera.Poke(68, {21});
+  camera.Poke(84, {25});
+
+  EXPECT_TRUE(camera.Store().IsOK()) << camera.problems[0].CStr();
+
+  EXPECT_THAT(camera.GetSteps(),
+              ElementsAre(Pair("TableSelector", "0"), Pair("Index", "1"), Pair("Entry", "11"), Pair("Index", "5"),
+                          Pair("Entry", "15"), Pair("Index", "5"), Pair("TableSelector", "1"), Pair("Index", "1"),
+                          Pair("Entry", "21"), Pair("Index", "5"), Pair("Entry", "25"), Pair("Index", "1"),
+                          Pair("TableSelector", "0")));
+  EXPECT_EQ(camera.Peek(8, 8), (std::vector<std::uint8_t>{5, 0, 0, 0, 1, 0, 0, 0}));
+}
+
+TEST(StoreSettings, TwoSelectorsOfOneParameter_GiveEveryCombination) {
+  SettingsCamera camera(MakeEnum("A", 0, {"A0", "A1"}, "<pSelected>F</pSelected>") +
+                        MakeEnum("B", 4, {"B0", "B1"}, "<pSelected>F</pSelected>") + MakeBank("F", 16, "A"));
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(),
+              ElementsAre(Pair("A", "A0"), Pair("B", "B0"), Pair("F", "0"), Pair("B", "B1"), Pair("F", "0"),
+                          Pair("B", "B0"), Pair("A", "A1"), Pair("B", "B0"), Pair("F", "0"), Pair("B", "B1"),
+                          Pair("F", "0"), Pair("B", "B0"), Pair("A", "A0")));
+}
+
+TEST(StoreSettings, EntriesThatAreNotAvailable_AreNoPositions) {
+  SettingsCamera camera(
+      "<Enumeration Name=\"Sel\"><EnumEntry Name=\"On\"><Value>0</Value></EnumEntry><EnumEntry Name=\"Never\">"
+      "<pIsAvailable>No</pIsAvailable><Value>1</Value></EnumEntry><Value>0</Value><pSelected>F</pSelected></"
+      "Enumeration>"
+      "<Integer Name=\"No\"><Value>0</Value></Integer>" +
+      MakeInteger("F", 0));
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Sel", "On"), Pair("F", "0"), Pair("Sel", "On")));
+}
+
+TEST(StoreSettings, SelectorThatCannotBeMoved_LeavesWhatItSelectsAtItsPosition) {
+  SettingsCamera camera(
+      MakeEnum("Sel", 0, {"A", "B"}, "<ImposedAccessMode>RO</ImposedAccessMode><pSelected>F</pSelected>") +
+      MakeBank("F", 16, "Sel"));
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("F", "0")));
+}
+
+TEST(StoreSettings, PositionWhereNothingCanBeTaken_IsLeftOut) {
+  SettingsCamera camera(MakeEnum("Sel", 0, {"A", "B"}, "<pSelected>F</pSelected>") +
+                        MakeInteger("F", 16, "<pIsAvailable>Sel</pIsAvailable>"));
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Sel", "B"), Pair("F", "0"), Pair("Sel", "A")));
+}
+
+TEST(StoreSettings, RegisterThatFails_IsNamedWithItsPositionAndSelectorsArePutBack) {
+  SettingsCamera camera(MakeEnum("Sel", 0, {"A", "B", "C"}, "<pSelected>F</pSelected>") + MakeBank("F", 16, "Sel") +
+                        MakeInteger("Width", 64));
+  camera.SetText("Sel", "C");
+  camera.port.SetFault(FailAt(20, false, KrResult::Code::ProtocolError));
+
+  const KrResult result = camera.Store();
+
+  EXPECT_EQ(result, KrResult::Code::ProtocolError);
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(AllOf(HasSubstr("F [Sel=B]"), HasSubstr("The register is broken."))));
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Width", "0"), Pair("Sel", "A"), Pair("F", "0"), Pair("Sel", "C"),
+                                             Pair("F", "0"), Pair("Sel", "C")));
+  EXPECT_EQ(camera.Peek(0, 1), std::vector<std::uint8_t>{2});
+}
+
+TEST(StoreSettings, SelectorThatWillNotMove_IsAProblemForEachPosition) {
+  SettingsCamera camera(MakeEnum("Sel", 0, {"A", "B"}, "<pSelected>F</pSelected>") + MakeBank("F", 16, "Sel"));
+  camera.port.SetFault(FailAt(0, true, KrResult::Code::ProtocolError));
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::ProtocolError);
+
+  EXPECT_THAT(camera.GetProblems(),
+              ElementsAre(HasSubstr("Sel cannot be set to A"), HasSubstr("Sel cannot be set to B"),
+                          HasSubstr("Sel cannot be put back to A")));
+}
+
+TEST(StoreSettings, ConnectionThatIsLost_EndsItAtOnce) {
+  SettingsCamera camera(MakeInteger("A", 0) + MakeInteger("B", 4) + MakeInteger("C", 8));
+  camera.port.SetFault([](const RegisterAccessRecord& aRecord) {
+    return aRecord.address >= 4 ? KrResult(KrResult::Code::ConnectionLost, "Gone.") : KrResult();
+  });
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::ConnectionLost);
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("B cannot be read: ")));
+}
+
+TEST(StoreSettings, Cancelled_EndsWithTheSelectorsPutBack) {
+  SettingsCamera camera(MakeEnum("Sel", 0, {"A", "B", "C"}, "<pSelected>F</pSelected>") + MakeBank("F", 16, "Sel"));
+  camera.SetText("Sel", "C");
+  camera.port.SetFault([&camera](const RegisterAccessRecord& aRecord) {
+    if (aRecord.address == 16)
+      camera.array->Cancel();
+    return KrResult();
+  });
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::Aborted);
+
+  EXPECT_EQ(camera.Peek(0, 1), std::vector<std::uint8_t>{2});
+  EXPECT_EQ(camera.problems.GetCount(), 1U);
+}
+
+TEST(StoreSettings, EndlessSelector_IsCutWithAProblem) {
+  SettingsCamera camera("<Integer Name=\"Sel\"><Value>3</Value><pSelected>F</pSelected></Integer>"
+                        "<Integer Name=\"F\"><Streamable>Yes</Streamable><Value>1</Value></Integer>");
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::OutOfRange);
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("65536")));
+  EXPECT_EQ(camera.GetText("Sel"), "3");
+}
+
+TEST(StoreSettings, SelectorsOfOneAnother_AreEachTakenOnce) {
+  SettingsCamera camera(MakeEnum("A", 0, {"X"}, "<pSelected>B</pSelected>") +
+                        MakeEnum("B", 4, {"Y"}, "<pSelected>A</pSelected>"));
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), testing::IsSupersetOf(Steps{{"A", "X"}, {"B", "Y"}}));
+}
+
+// The width's range depends on the binning, the gain's access on its automatic; both stand the wrong way round.
+TEST(StoreSettings, WhatOthersDependOn_ComesBeforeThem) {
+  SettingsCamera camera(
+      MakeInteger("Width", 0, "<pMax>WidthMax</pMax>") + MakeInteger("Gain", 4, "<pIsLocked>GainAuto</pIsLocked>") +
+      "<IntSwissKnife Name=\"WidthMax\"><pVariable Name=\"B\">BinningReg</pVariable><Formula>100/(B+1)</Formula>"
+      "</IntSwissKnife>" +
+      MakeInteger("Binning", 8) + MakeEnum("GainAuto", 12, {"Off", "On"}));
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(),
+              ElementsAre(Pair("Binning", "0"), Pair("Width", "0"), Pair("GainAuto", "Off"), Pair("Gain", "0")));
+}
+
+TEST(StoreSettings, WhatDependsOnOneAnother_KeepsTheOrderOfTheDescription) {
+  SettingsCamera camera(MakeInteger("Width", 0, "<pMax>WidthMax</pMax>") +
+                        MakeInteger("OffsetX", 4, "<pMax>OffsetMax</pMax>") +
+                        "<IntSwissKnife Name=\"WidthMax\"><pVariable Name=\"O\">OffsetX</pVariable><Formula>100-O"
+                        "</Formula></IntSwissKnife><IntSwissKnife Name=\"OffsetMax\"><pVariable Name=\"W\">Width"
+                        "</pVariable><Formula>100-W</Formula></IntSwissKnife>");
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Width", "0"), Pair("OffsetX", "0")));
+}
+
+} // namespace
+} // namespace krgenicam
