@@ -270,15 +270,19 @@ void MeasureWriting(KrGenParameterArray& aArray, const OurFeatures& aOurs, const
   for (int i = 0; i < kRuns; ++i) {
     aOurs.ReadAll();
     sink.Reset();
-    const double setting = benchmarks::MeasureBestMs(1, [&] { Require(driver.SetValue(++value)); });
-    const double hearing = benchmarks::MeasureBestMs(1, [&] { sink.WaitFor(kAffected); });
+    // Whom the call wakes may run before it returns: what the call itself takes is processor time.
+    double setting = 0;
+    const double hearing = benchmarks::MeasureBestMs(1, [&] {
+      setting = benchmarks::MeasureBestProcessorMs(1, [&] { Require(driver.SetValue(++value)); });
+      sink.WaitFor(kAffected);
+    });
     ours = std::min(ours, setting);
-    heard = std::min(heard, setting + hearing);
+    heard = std::min(heard, hearing);
   }
   ArvGcInteger* const theirDriver = ARV_GC_INTEGER(aMap.Find("Driver"));
   AravisError error;
-  const double theirs =
-      benchmarks::MeasureBestMs(kRuns, [&] { arv_gc_integer_set_value(theirDriver, ++value % 60000, error.Take()); });
+  const double theirs = benchmarks::MeasureBestProcessorMs(
+      kRuns, [&] { arv_gc_integer_set_value(theirDriver, ++value % 60000, error.Take()); });
   Print("write_that_affects_ten", features, ours * kUsPerMs, "us", theirs * kUsPerMs);
   Print("write_until_ten_were_heard", features, heard * kUsPerMs, "us", 0);
   for (int i = 0; i < kAffected; ++i)
