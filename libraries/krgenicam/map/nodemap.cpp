@@ -62,23 +62,39 @@ std::uint64_t NodeMap::GetTimeMs() const {
   return mOptions.getTimeMs();
 }
 
-void NodeMap::Invalidate(Node& aNode, bool aIsWrite) {
+void NodeMap::Visit(Node& aNode, bool aWithOrigins) {
+  const bool isNew = std::exchange(aNode.mark, mMark) != mMark;
+  const bool goesOn = (aWithOrigins || aNode.forgetsOrigins) && std::exchange(aNode.originMark, mMark) != mMark;
+  if (isNew || goesOn)
+    mWalk.push_back({.node = &aNode, .isNew = isNew, .goesOn = goesOn});
+}
+
+void NodeMap::VisitOrigins(const Node& aNode) {
+  for (const Property& property : aNode.GetProperties()) {
+    const bool isOrigin = property.kind == PropertyKind::pValue || property.kind == PropertyKind::pValueIndexed ||
+                          property.kind == PropertyKind::pValueDefault;
+    if (Node* const origin = isOrigin ? GetNode(property.target) : nullptr)
+      Visit(*origin, true);
+  }
+}
+
+void NodeMap::Invalidate(Node& aNode, bool aIsWrite, bool aWithOrigins) {
   ++mMark;
-  const auto visit = [this](Node& aVisited) {
-    if (std::exchange(aVisited.mark, mMark) != mMark)
-      mWalk.push_back(&aVisited);
-  };
   std::vector<Node*> affected;
-  visit(aNode);
+  Visit(aNode, aWithOrigins);
   while (!mWalk.empty()) {
-    Node& node = *mWalk.back();
+    const WalkStep step = mWalk.back();
     mWalk.pop_back();
-    node.Forget(affected);
-    OnInvalidated(node, aIsWrite);
-    for (Node* dependent : node.GetDependents())
-      visit(*dependent);
+    if (step.goesOn)
+      VisitOrigins(*step.node);
+    if (!step.isNew)
+      continue;
+    step.node->Forget(affected);
+    OnInvalidated(*step.node, aIsWrite);
+    for (Node* dependent : step.node->GetDependents())
+      Visit(*dependent, false);
     for (Node* other : affected)
-      visit(*other);
+      Visit(*other, false);
     affected.clear();
   }
 }
@@ -107,7 +123,7 @@ KrResult NodeMap::InvalidateByName(std::string_view aName) {
   if (!node)
     return {KrResult::Code::NotFound, "The camera's description has no node \"" + std::string(aName) + "\"."};
   return Run([this, node](Evaluation&) {
-    Invalidate(*node, true);
+    Invalidate(*node, true, true);
     return KrResult();
   });
 }

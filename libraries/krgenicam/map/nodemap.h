@@ -113,7 +113,16 @@ private:
   template <typename Kind>
   static std::unique_ptr<KrGenParameter> Make(NodeMap& aMap, Node& aNode);
 
-  void Invalidate(Node& aNode, bool aIsWrite);
+  // A node that an invalidation comes to.
+  struct WalkStep {
+    Node* node;
+    bool isNew;  // It was not visited before.
+    bool goesOn; // The nodes that its value is in are to be visited, too.
+  };
+
+  void Invalidate(Node& aNode, bool aIsWrite, bool aWithOrigins = false);
+  void Visit(Node& aNode, bool aWithOrigins);
+  void VisitOrigins(const Node& aNode);
   void OnInvalidated(Node& aNode, bool aIsWrite);
   KrResult PollNode(Evaluation& aEvaluation, PolledNode& aPolled, std::uint64_t aNowMs);
   KrResult ReadPolled(Evaluation& aEvaluation, Node& aNode);
@@ -138,7 +147,7 @@ private:
   FailureCountingPort mPort;
   std::uint64_t mEpoch = 0;
   std::uint64_t mMark = 0;
-  std::vector<Node*> mWalk; // The nodes that an invalidation has still to visit.
+  std::vector<WalkStep> mWalk; // What an invalidation has still to visit.
   std::vector<PolledNode> mPolledNodes;
   std::unordered_set<ParameterWatch*> mFailedWatches; // Looked at while the port failed: worth another look.
   std::stop_token mRunningCancel;                     // Of the operation that runs.

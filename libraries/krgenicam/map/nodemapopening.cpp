@@ -47,6 +47,11 @@ void NodeMap::LinkNodes() {
     NoteFault(fault);
   for (const std::unique_ptr<Node>& node : mNodes)
     node->Link(*this);
+  // Of these, many descriptions say on the feature what concerns its register: another bank behind a selector, a value
+  // that changes by itself.
+  for (const std::unique_ptr<Node>& node : mNodes)
+    node->forgetsOrigins = !node->GetSelecting().empty() || node->GetPollingTimeMs() > 0 || node->GetEventID() ||
+                           node->FindProperty(PropertyKind::pInvalidator);
 }
 
 template <typename Kind>

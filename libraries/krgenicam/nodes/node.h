@@ -147,7 +147,9 @@ public:
 
   // For the map.
   NodeIndex index = kNoNode;       ///< Its place among the description's nodes.
-  std::uint64_t mark = 0;          ///< Who has visited the node in a walk through dependents.
+  std::uint64_t mark = 0;          ///< The last walk through dependents that visited the node, …
+  std::uint64_t originMark = 0;    ///< … and the last that went on to the nodes that its value is in.
+  bool forgetsOrigins = false;     ///< What forgets the node means the value itself, wherever it is.
   ParameterWatch* watch = nullptr; ///< Who listens; null for nobody.
 
 protected:
