@@ -49,37 +49,42 @@ KrResult ReadDescription(KrSystem& aSystem, const CommandLine& aCommandLine, KrG
 }
 
 KrResult FeatureSource::OpenToRead(KrSystem& aSystem, const CommandLine& aCommandLine) {
-  if (!IsDescriptionFile(aCommandLine.device))
-    return OpenDevice(aSystem, aCommandLine, KrDeviceAccess::Monitor);
   KrGenDescription description;
-  mName = krapps::MakeCell(aCommandLine.device);
-  if (KrResult read = KrGenDescription::ReadFromFile(aCommandLine.device, description); !read.IsOK())
+  if (IsDescriptionFile(aCommandLine.device)) {
+    mName = krapps::MakeCell(aCommandLine.device);
+    KrResult read = KrGenDescription::ReadFromFile(aCommandLine.device, description);
+    return read.IsOK() ? OpenOwnArray(description, mMemory) : read;
+  }
+  if (KrResult opened = OpenDevice(aSystem, aCommandLine, KrDeviceAccess::Monitor); !opened.IsOK())
+    return opened;
+  if (KrResult read = ReadDescriptionOf(*mDevice, description); !read.IsOK())
     return read;
-  return OpenArray(description, mMemory);
+  return OpenOwnArray(description, mDevice->GetRegisterPort());
 }
 
 KrResult FeatureSource::OpenToWrite(KrSystem& aSystem, const CommandLine& aCommandLine) {
-  if (!IsDescriptionFile(aCommandLine.device))
-    return OpenDevice(aSystem, aCommandLine, KrDeviceAccess::Control);
-  return {KrResult::Code::InvalidInput,
-          "\"" + aCommandLine.device + "\" is a file; a device is wanted, whose features can be changed."};
+  if (IsDescriptionFile(aCommandLine.device))
+    return {KrResult::Code::InvalidInput,
+            "\"" + aCommandLine.device + "\" is a file; a device is wanted, whose features can be changed."};
+  if (KrResult opened = OpenDevice(aSystem, aCommandLine, KrDeviceAccess::Control); !opened.IsOK())
+    return opened;
+  return Explain("reading the features of " + mName + " failed", mDevice->GetParameters(mArray));
 }
 
 KrResult FeatureSource::OpenDevice(KrSystem& aSystem, const CommandLine& aCommandLine, KrDeviceAccess aAccess) {
   ApplyTimeout(aSystem, aCommandLine);
-  if (KrResult opened = OpenNamedDevice(aSystem, aCommandLine.device, aAccess, mDevice); !opened.IsOK())
-    return opened;
-  mName = krapps::MakeCell(mDevice->GetDisplayID());
-  KrGenDescription description;
-  if (KrResult read = ReadDescriptionOf(*mDevice, description); !read.IsOK())
-    return read;
-  return OpenArray(description, mDevice->GetRegisterPort());
+  KrResult opened = OpenNamedDevice(aSystem, aCommandLine.device, aAccess, mDevice);
+  if (opened.IsOK())
+    mName = krapps::MakeCell(mDevice->GetDisplayID());
+  return opened;
 }
 
-// The array may write even where nothing will be: the access that is shown is then that of the camera itself.
-KrResult FeatureSource::OpenArray(const KrGenDescription& aDescription, IKrRegisterPort& aPort) {
-  return Explain("reading the features of " + mName + " failed",
-                 KrGenParameterArray::Open(aDescription, aPort, {}, mArray));
+// A monitor's array of the device's own takes all for read-only. This one may write, though nothing is written: the
+// access that is shown is what the camera allows.
+KrResult FeatureSource::OpenOwnArray(const KrGenDescription& aDescription, IKrRegisterPort& aPort) {
+  KrResult opened = KrGenParameterArray::Open(aDescription, aPort, {}, mOwnArray);
+  mArray = mOwnArray.get();
+  return Explain("reading the features of " + mName + " failed", opened);
 }
 
 } // namespace krtool

@@ -32,12 +32,13 @@ public:
 
 private:
   KrResult OpenDevice(KrSystem& aSystem, const CommandLine& aCommandLine, KrDeviceAccess aAccess);
-  KrResult OpenArray(const KrGenDescription& aDescription, IKrRegisterPort& aPort);
+  KrResult OpenOwnArray(const KrGenDescription& aDescription, IKrRegisterPort& aPort);
 
   // In the order in which one stands on the other.
   KrGenMemoryPort mMemory;
   std::unique_ptr<KrDevice> mDevice;
-  std::unique_ptr<KrGenParameterArray> mArray;
+  std::unique_ptr<KrGenParameterArray> mOwnArray;
+  KrGenParameterArray* mArray = nullptr; // The own one or the device's.
   std::string mName;
 };
 

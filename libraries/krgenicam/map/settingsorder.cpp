@@ -23,7 +23,9 @@ public:
       : mMap(aMap), mPlaces(aMap.GetDescription().GetNodes().size(), kNone), mMarks(mPlaces.size(), kNone) {
     for (NodeIndex index = 0; index < mPlaces.size(); ++index) {
       const Node* const node = aMap.GetNode(index);
-      if (node == nullptr || !node->IsStreamable() || aMap.GetParameter(*node) == nullptr)
+      const bool hasValue =
+          node != nullptr && node->GetType() != KrGenType::Command && node->GetType() != KrGenType::Other;
+      if (!hasValue || !node->IsStreamable() || aMap.GetParameter(*node) == nullptr)
         continue;
       mPlaces[index] = static_cast<std::uint32_t>(mNodes.size());
       mNodes.push_back(node);

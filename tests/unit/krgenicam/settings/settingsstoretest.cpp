@@ -23,6 +23,25 @@ TEST(StoreSettings, StreamableParameters_AreTakenWithOrWithoutACategory) {
   EXPECT_EQ(camera.settings.GetDevice(), "Vendor Model");
 }
 
+TEST(StoreSettings, ValueThatTheDeviceChangedByItself_IsTaken) {
+  SettingsCamera camera(MakeInteger("Width", 0));
+  camera.SetText("Width", "5");
+  camera.Poke(0, {9});
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Width", "9")));
+}
+
+TEST(StoreSettings, Commands_AreNoSettings) {
+  SettingsCamera camera("<Command Name=\"Go\"><Streamable>Yes</Streamable><pValue>Flag</pValue><CommandValue>1"
+                        "</CommandValue></Command><Integer Name=\"Flag\"><Value>0</Value></Integer>");
+
+  EXPECT_TRUE(camera.Store().IsOK());
+
+  EXPECT_THAT(camera.GetSteps(), IsEmpty());
+}
+
 TEST(StoreSettings, ParametersThatCannotBeReadAndWritten_AreLeftOut) {
   SettingsCamera camera(
       MakeInteger("Free", 0) + MakeInteger("Locked", 4, "<pIsLocked>Lock</pIsLocked>") +
