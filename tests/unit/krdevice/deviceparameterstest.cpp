@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <future>
 #include <mutex>
@@ -215,7 +216,7 @@ KrResult DestroyWhileASinkWaits(std::uint64_t aMuteAddress) {
   std::thread events([&] { link.sink->OnLinkLost(KrResult::Code::ConnectionLost); });
   // As real links do, which wait for a call that is running.
   link.onSetSink = [&](krsystem::IDeviceLinkSink*) { events.join(); };
-  link.isAwaited.get_future().wait();
+  EXPECT_EQ(link.isAwaited.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
 
   device.reset();
 
