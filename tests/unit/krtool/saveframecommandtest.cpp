@@ -63,7 +63,7 @@ protected:
     auto link = std::make_unique<DescribedLink>(MakePixelFormats(), &mSource);
     DescribedLink& camera = *link;
     if (!mIsDescribed)
-      camera.SetDescription("");
+      camera.SetDescription("none");
     KrDeviceGEV device(std::move(link), MakeDeviceFields());
     aCommandLine.verb = Verb::SaveFrame;
     aCommandLine.file = mPath;
