@@ -32,12 +32,20 @@ KrResult Formula::Compile(std::string_view aText, FormulaKind aKind, const Formu
 KrResult Formula::Evaluate(IFormulaVariables& aVariables, Number& aResult) const {
   // Nearly all formulas are small, and making room for all that are let pass takes longer than computing them.
   constexpr std::size_t kUsualStack = 16;
-  if (mStackSize <= kUsualStack) {
-    std::array<Number, kUsualStack> stack;
-    return Run(aVariables, stack.data(), aResult);
-  }
-  std::array<Number, kMaxStack> stack;
-  return Run(aVariables, stack.data(), aResult);
+  constexpr std::size_t kUsualBlocks = 8;
+  if (mStackSize <= kUsualStack && mBlocks.empty())
+    return EvaluateWithRoom<kUsualStack, 0>(aVariables, aResult);
+  if (mStackSize <= kUsualStack && mBlocks.size() <= kUsualBlocks)
+    return EvaluateWithRoom<kUsualStack, kUsualBlocks>(aVariables, aResult);
+  return EvaluateWithRoom<kMaxStack, kMaxBlocks>(aVariables, aResult);
+}
+
+// Never part of its caller, whose frame would have the largest room in it: variables evaluate other nodes' formulas.
+template <std::size_t kStack, std::size_t kBlocks>
+[[gnu::noinline]] KrResult Formula::EvaluateWithRoom(IFormulaVariables& aVariables, Number& aResult) const {
+  std::array<Number, kStack> stack;
+  std::array<BlockState, kBlocks> blocks;
+  return Run(aVariables, stack.data(), blocks.data(), aResult);
 }
 
 KrResult Formula::Fetch(IFormulaVariables& aVariables, std::size_t aIndex, Number& aValue) const {
@@ -51,7 +59,7 @@ KrResult Formula::Fetch(IFormulaVariables& aVariables, std::size_t aIndex, Numbe
   return {};
 }
 
-KrResult Formula::Run(IFormulaVariables& aVariables, Number* aStack, Number& aResult) const {
+KrResult Formula::Run(IFormulaVariables& aVariables, Number* aStack, BlockState* aBlocks, Number& aResult) const {
   if (mInstructions.empty())
     return {KrResult::Code::BadData, "Formula: there is none."};
   const std::span<const BinaryOperator> binary = GetBinaryOperators();
@@ -97,6 +105,21 @@ KrResult Formula::Run(IFormulaVariables& aVariables, Number* aStack, Number& aRe
     case Operation::Truth:
       top[-1] = Number(IsTrue(top[-1]) ? 1 : 0);
       break;
+    case Operation::Call: {
+      BlockState& block = aBlocks[instruction.argument];
+      if (block.hasValue)
+        *top++ = block.value;
+      else
+        block.next = std::exchange(next, mBlocks[instruction.argument]);
+      break;
+    }
+    case Operation::Return: {
+      BlockState& block = aBlocks[instruction.argument];
+      block.value = top[-1];
+      block.hasValue = true;
+      next = block.next;
+      break;
+    }
     }
     if (fault)
       return MakeFault(instruction.argument, fault);

@@ -58,7 +58,8 @@ public:
   static constexpr std::size_t kMaxOperations = 10000;
   static constexpr std::size_t kMaxNesting = 200;   ///< Parentheses, signs, functions and named texts in one another.
   static constexpr std::size_t kMaxStack = 256;     ///< Operands that wait for their operators.
-  static constexpr std::size_t kMaxText = 1u << 20; ///< Characters, each use of an expression counted.
+  static constexpr std::size_t kMaxBlocks = 256;    ///< Named texts that are more than a few operations.
+  static constexpr std::size_t kMaxText = 1u << 20; ///< Characters, with those of the constants and expressions used.
 
   /// Compiles a text. BadData for what is no formula, with the place and what was expected there, for a name that is
   /// not known, for constants or expressions that use each other in a circle, and beyond the limits. A constant may use
@@ -68,11 +69,14 @@ public:
   /// Evaluates it, without allocating unless it fails; Number::IsFloat() of the result is false for
   /// FormulaKind::Integer. OutOfRange, with the place, for a division by zero, outside a function's domain and for what
   /// is no number; and what a variable gives. Nothing is evaluated behind the question mark, && and || that is not
-  /// needed.
+  /// needed. No operation is executed twice: an expression that is used again has its value already.
   KrResult Evaluate(IFormulaVariables& aVariables, Number& aResult) const;
 
   /// The indices of the variables that occur in it, ascending.
   std::span<const std::size_t> GetUsedVariables() const { return mUsedVariables; }
+
+  /// How many it was compiled to, at most kMaxOperations.
+  std::size_t GetOperationsCount() const { return mInstructions.size(); }
 
 private:
   friend class FormulaCompiler;
@@ -87,20 +91,31 @@ private:
     SkipIfZero,     ///< To the argument if the top is 0, leaving 0; takes the top otherwise.
     SkipUnlessZero, ///< To the argument unless the top is 0, leaving 1; takes the top otherwise.
     Truth,          ///< Makes the top 0 or 1.
+    Call,           ///< Pushes the value of the block that is the argument, going there if it has none yet.
+    Return,         ///< Makes the top the value of the block that is the argument, and goes on behind its call.
   };
   struct Instruction {
     Operation operation;
     std::uint8_t function = 0;
-    std::uint32_t argument = 0; ///< A variable's index, where to go on, or the column for faults.
+    std::uint32_t argument = 0; ///< A variable's or block's index, where to go on, or the column for faults.
     Number constant = {};
   };
+  // What became of a block in one evaluation. No block is under way twice, as none uses itself.
+  struct BlockState {
+    Number value;
+    std::size_t next = 0; ///< Behind the call that is under way.
+    bool hasValue = false;
+  };
 
-  KrResult Run(IFormulaVariables& aVariables, Number* aStack, Number& aResult) const;
+  template <std::size_t kStack, std::size_t kBlocks>
+  KrResult EvaluateWithRoom(IFormulaVariables& aVariables, Number& aResult) const;
+  KrResult Run(IFormulaVariables& aVariables, Number* aStack, BlockState* aBlocks, Number& aResult) const;
   KrResult Fetch(IFormulaVariables& aVariables, std::size_t aIndex, Number& aValue) const;
   KrResult Finish(const Number& aValue, Number& aResult) const;
 
   FormulaKind mKind = FormulaKind::Float;
   std::vector<Instruction> mInstructions;
+  std::vector<std::uint32_t> mBlocks; ///< Where each begins.
   std::vector<std::size_t> mUsedVariables;
   std::size_t mStackSize = 0;
 };

@@ -18,6 +18,9 @@ struct BuiltInConstant {
 
 constexpr BuiltInConstant kBuiltInConstants[] = {{"PI", std::numbers::pi}, {"E", std::numbers::e}};
 
+// What is no longer is copied where it is used: a call would take as long.
+constexpr std::size_t kMostCopied = 4;
+
 std::string Quote(std::string_view aText) {
   constexpr std::size_t kLongestQuote = 40;
   return aText.size() > kLongestQuote ? "\"" + std::string(aText.substr(0, kLongestQuote)) + "…\""
@@ -62,6 +65,7 @@ KrResult FormulaCompiler::Compile(std::string_view aText) {
   std::vector<std::size_t>& used = mFormula.mUsedVariables;
   std::ranges::sort(used);
   used.erase(std::unique(used.begin(), used.end()), used.end());
+  used.shrink_to_fit();
   mFormula.mInstructions.shrink_to_fit();
   return {};
 }
@@ -203,22 +207,76 @@ bool FormulaCompiler::CompileName() {
   return Refuse(token.column, "there is no variable, constant or function " + Quote(token.text));
 }
 
-bool FormulaCompiler::CompileNamedText(const NameTarget& aTarget, const FormulaToken& aToken) {
+bool FormulaCompiler::CompileNamedText(NameTarget& aTarget, const FormulaToken& aToken) {
   if (mSource->isConstant && aTarget.kind != NameKind::Constant)
     return Refuse(aToken.column, "a constant cannot use " + Quote(aToken.text));
   if (aTarget.kind == NameKind::Variable) {
     mFormula.mUsedVariables.push_back(aTarget.index);
     return Emit(Operation::PushVariable, 0, aTarget.index);
   }
-  const bool isConstant = aTarget.kind == NameKind::Constant;
-  const FormulaText& named = (isConstant ? mNames.constants : mNames.expressions)[aTarget.index];
+  if (aTarget.isCompiled)
+    return EmitNamedText(aTarget);
+  const FormulaText& named =
+      (aTarget.kind == NameKind::Constant ? mNames.constants : mNames.expressions)[aTarget.index];
   if (std::ranges::find(mOpenNames, named.name) != mOpenNames.end())
     return Refuse(aToken.column, Quote(named.name) + " uses itself");
   const Nesting nesting(*this);
   mOpenNames.push_back(named.name);
-  const bool isCompiled = nesting.Check() && CompileText(named.text, named.name, isConstant);
+  const bool isCompiled = nesting.Check() && CompileBlock(aTarget, named);
   mOpenNames.pop_back();
   return isCompiled;
+}
+
+bool FormulaCompiler::CompileBlock(NameTarget& aTarget, const FormulaText& aNamed) {
+  const std::size_t outerStackSize = std::exchange(mFormula.mStackSize, mStackSize);
+  const std::size_t waiting = mStackSize;
+  const std::size_t call = mFormula.mInstructions.size();
+  // The block stands behind its first call, which goes on behind the block.
+  if (!Emit(Operation::Call, 0, 0) || !Emit(Operation::Jump, 0, 0) ||
+      !CompileText(aNamed.text, aNamed.name, aTarget.kind == NameKind::Constant))
+    return false;
+  aTarget.stackSize = mFormula.mStackSize - waiting;
+  mFormula.mStackSize = std::max(mFormula.mStackSize, outerStackSize);
+  aTarget.isCompiled = FinishBlock(aTarget, call);
+  return aTarget.isCompiled;
+}
+
+bool FormulaCompiler::FinishBlock(NameTarget& aTarget, std::size_t aCall) {
+  std::vector<Formula::Instruction>& all = mFormula.mInstructions;
+  const auto call = all.begin() + static_cast<std::ptrdiff_t>(aCall);
+  const auto begin = call + 2;
+  // What jumps nowhere can be anywhere.
+  const bool isMovable = std::all_of(begin, all.end(), [](const Formula::Instruction& aInstruction) {
+    return aInstruction.operation <= Operation::Binary;
+  });
+  if (isMovable && all.end() - begin <= static_cast<std::ptrdiff_t>(kMostCopied)) {
+    aTarget.copied.assign(begin, all.end());
+    all.erase(call, begin);
+    return true;
+  }
+  aTarget.block = mFormula.mBlocks.size();
+  if (aTarget.block == Formula::kMaxBlocks)
+    return Refuse(mSource->token.column,
+                  "more than " + std::to_string(Formula::kMaxBlocks) + " constants and expressions are used");
+  mFormula.mBlocks.push_back(static_cast<std::uint32_t>(aCall + 2));
+  call->argument = static_cast<std::uint32_t>(aTarget.block);
+  if (!Emit(Operation::Return, 0, aTarget.block))
+    return false;
+  Land(aCall + 1);
+  return true;
+}
+
+bool FormulaCompiler::EmitNamedText(const NameTarget& aTarget) {
+  for (const Formula::Instruction& copied : aTarget.copied) {
+    if (!Emit(copied.operation, copied.function, copied.argument, copied.constant))
+      return false;
+  }
+  if (!aTarget.copied.empty())
+    return true;
+  if (!Emit(Operation::Call, 0, aTarget.block) || !ReserveStack(aTarget.stackSize))
+    return false;
+  ++mStackSize;
+  return true;
 }
 
 bool FormulaCompiler::CompileBuiltIn(const FormulaToken& aToken, double aValue) {
@@ -272,11 +330,33 @@ bool FormulaCompiler::Emit(Operation aOperation, std::size_t aFunction, std::siz
                                     .function = static_cast<std::uint8_t>(aFunction),
                                     .argument = static_cast<std::uint32_t>(aArgument),
                                     .constant = aConstant});
-  if (aOperation == Operation::Push || aOperation == Operation::PushVariable)
-    mFormula.mStackSize = std::max(mFormula.mStackSize, ++mStackSize);
-  else if (aOperation != Operation::Unary && aOperation != Operation::Jump && aOperation != Operation::Truth)
+  switch (aOperation) {
+  case Operation::Push:
+  case Operation::PushVariable:
+    if (!ReserveStack(1))
+      return false;
+    ++mStackSize;
+    break;
+  case Operation::Binary:
+  case Operation::JumpIfZero:
+  case Operation::SkipIfZero:
+  case Operation::SkipUnlessZero:
     --mStackSize;
-  return mStackSize <= Formula::kMaxStack ||
+    break;
+  // A call's operand is counted with the block's.
+  case Operation::Unary:
+  case Operation::Jump:
+  case Operation::Truth:
+  case Operation::Call:
+  case Operation::Return:
+    break;
+  }
+  return true;
+}
+
+bool FormulaCompiler::ReserveStack(std::size_t aNeeded) {
+  mFormula.mStackSize = std::max(mFormula.mStackSize, mStackSize + aNeeded);
+  return mFormula.mStackSize <= Formula::kMaxStack ||
          Refuse(mSource->token.column,
                 "more than " + std::to_string(Formula::kMaxStack) + " operands wait for their operators");
 }

@@ -1,6 +1,7 @@
 #pragma once
-// Turns a formula's text into instructions for a stack of numbers. Cutting the text is left to the lexer, evaluation to
-// Formula.
+// Turns a formula's text into instructions for a stack of numbers. A constant or expression is compiled once, where it
+// is used first: of a few instructions other uses are copies, of more they are calls of the block that it is. Cutting
+// the text is left to the lexer, evaluation to Formula.
 
 #include "formula/formula.h"
 #include "formula/formulalexer.h"
@@ -25,6 +26,11 @@ private:
   struct NameTarget {
     NameKind kind;
     std::size_t index;
+    // Of constants and expressions, from their first use on.
+    bool isCompiled = false;
+    std::vector<Formula::Instruction> copied = {}; ///< What it is compiled to; empty for a block.
+    std::size_t block = 0;
+    std::size_t stackSize = 0; ///< What the block needs, its value included.
   };
   // A text under compilation: the formula itself, or a constant or expression that it uses.
   struct Source {
@@ -45,7 +51,11 @@ private:
   bool CompilePower();
   bool CompilePrimary();
   bool CompileName();
-  bool CompileNamedText(const NameTarget& aTarget, const FormulaToken& aToken);
+  bool CompileNamedText(NameTarget& aTarget, const FormulaToken& aToken);
+  bool CompileBlock(NameTarget& aTarget, const FormulaText& aNamed);
+  // Ends what was compiled behind a call and a jump: copies it or makes it a block.
+  bool FinishBlock(NameTarget& aTarget, std::size_t aCall);
+  bool EmitNamedText(const NameTarget& aTarget);
   bool CompileCall(std::size_t aFunction, std::size_t aColumn);
   bool CompileBuiltIn(const FormulaToken& aToken, double aValue);
 
@@ -57,6 +67,8 @@ private:
   bool EmitPush(const Number& aConstant) { return Emit(Operation::Push, 0, 0, aConstant); }
   bool EmitUnary(std::size_t aFunction, std::size_t aColumn);
   bool EmitBinary(std::size_t aOperator, std::size_t aColumn);
+  // Counts operands that come on the stack, aNeeded of them at a time.
+  bool ReserveStack(std::size_t aNeeded);
   // Lets a jump go to the next instruction.
   void Land(std::size_t aJump);
   // The column for faults on evaluation; 0, for none, in texts that are not the formula itself.

@@ -2,8 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+#include <span>
 #include <string>
+#include <vector>
 
+using krgenicam::Formula;
 using krgenicam::FormulaKind;
 using krgenicam::FormulaNames;
 using krgenicam::FormulaText;
@@ -18,6 +22,27 @@ std::string Repeat(std::string_view aText, std::size_t aCount) {
     all += aText;
   return all;
 }
+
+// Named texts E0, E1 … of which each is made of the name of the one before.
+class ManyExpressions {
+public:
+  ManyExpressions(std::size_t aCount, const std::string& aFirst,
+                  const std::function<std::string(const std::string&)>& aMakeNext) {
+    for (std::size_t i = 0; i < aCount; ++i) {
+      mTexts.push_back(i == 0 ? aFirst : aMakeNext(mNames.back()));
+      mNames.push_back("E" + std::to_string(i));
+    }
+    for (std::size_t i = 0; i < aCount; ++i)
+      mExpressions.push_back({mNames[i], mTexts[i]});
+  }
+
+  std::span<const FormulaText> GetTexts() const { return mExpressions; }
+
+private:
+  std::vector<std::string> mNames;
+  std::vector<std::string> mTexts;
+  std::vector<FormulaText> mExpressions;
+};
 
 } // namespace
 
@@ -62,30 +87,71 @@ TEST(FormulaLimits, Operations_AreCounted) {
   EXPECT_THAT(refused.GetText(), HasSubstr("more than 10000 operations"));
 }
 
-TEST(FormulaLimits, ExpressionsThatDoubleEachOther_AreRefusedSoon) {
-  std::vector<std::string> names;
-  std::vector<std::string> texts;
-  for (int i = 0; i < 100; ++i)
-    names.push_back("E" + std::to_string(i));
-  for (int i = 0; i < 100; ++i)
-    texts.push_back(i == 0 ? "1" : names[i - 1] + "+" + names[i - 1]);
-  std::vector<FormulaText> expressions;
-  for (std::size_t i = 0; i < names.size(); ++i)
-    expressions.push_back({names[i], texts[i]});
+TEST(FormulaLimits, ExpressionsThatDoubleEachOther_AreCompiledAndEvaluatedOnce) {
+  const ManyExpressions doubling(60, "A", [](const std::string& aPrevious) { return aPrevious + "+" + aPrevious; });
+  const std::string_view variables[] = {"A"};
+  const FormulaNames names{.variables = variables, .expressions = doubling.GetTexts()};
+  Formula formula;
 
-  const FormulaOutcome outcome = RunFormula("E99", FormulaKind::Float, {.expressions = expressions});
+  ASSERT_TRUE(Formula::Compile("E59", FormulaKind::Integer, names, formula).IsOK());
+  FormulaValues values({Number(3)});
+  Number value;
+  const KrResult result = formula.Evaluate(values, value);
 
-  EXPECT_THAT(outcome.GetText(), HasSubstr("more than 10000 operations"));
-  EXPECT_EQ(RunFormula("E10", FormulaKind::Integer, {.expressions = expressions}).value, Number(1024));
+  EXPECT_TRUE(result.IsOK());
+  EXPECT_EQ(value, Number(std::int64_t{3} << 59));
+  EXPECT_LT(formula.GetOperationsCount(), 600u);
+  EXPECT_LE(values.asked.size(), 4u);
 }
 
-TEST(FormulaLimits, LongTextUsedOftenEnough_IsRefused) {
-  const std::string text = std::string(500000, ' ') + "1";
+TEST(FormulaLimits, ConstantsThatDoubleEachOther_AreCompiledOnce) {
+  const ManyExpressions doubling(60, "3", [](const std::string& aPrevious) { return aPrevious + "+" + aPrevious; });
+  Formula formula;
+
+  ASSERT_TRUE(Formula::Compile("E59", FormulaKind::Integer, {.constants = doubling.GetTexts()}, formula).IsOK());
+  FormulaValues values;
+  Number value;
+  const KrResult result = formula.Evaluate(values, value);
+
+  EXPECT_TRUE(result.IsOK());
+  EXPECT_EQ(value, Number(std::int64_t{3} << 59));
+  EXPECT_LT(formula.GetOperationsCount(), 600u);
+}
+
+TEST(FormulaLimits, ConstantsAndExpressions_AreUsedUpTo256) {
+  const ManyExpressions chain(260, "1", [](const std::string& aPrevious) { return "1 ? " + aPrevious + " + 1 : 0"; });
+  std::string sum = "0";
+  for (int i = 1; i <= 256; ++i)
+    sum += " + E" + std::to_string(i);
+  const FormulaNames names{.expressions = chain.GetTexts()};
+
+  EXPECT_EQ(RunFormula(sum, FormulaKind::Integer, names).value, Number(257 * 258 / 2 - 1));
+  EXPECT_THAT(RunFormula(sum + " + E257", FormulaKind::Integer, names).GetText(),
+              HasSubstr("more than 256 constants and expressions"));
+}
+
+TEST(FormulaLimits, OperandsOfAnExpression_CountWhereItIsUsed) {
+  const std::string part = "0|0^0&1=1<2<<1+1*(";
+  const std::string text = Repeat(part, 15) + "1" + Repeat(")", 15);
   const FormulaText expressions[] = {{"X", text}};
   const FormulaNames names{.expressions = expressions};
 
-  EXPECT_EQ(RunFormula("X + X", FormulaKind::Integer, names).value, Number(2));
-  EXPECT_THAT(RunFormula("X + X + X", FormulaKind::Integer, names).GetText(), HasSubstr("too long"));
+  const FormulaOutcome allowed =
+      RunFormula("X + " + Repeat(part, 16) + "X" + Repeat(")", 16), FormulaKind::Integer, names);
+  const FormulaOutcome refused =
+      RunFormula("X + " + Repeat(part, 17) + "X" + Repeat(")", 17), FormulaKind::Integer, names);
+
+  EXPECT_TRUE(allowed.result.IsOK()) << allowed.GetText();
+  EXPECT_THAT(refused.GetText(), HasSubstr("more than 256 operands"));
+}
+
+TEST(FormulaLimits, TextWithAllThatItUses_HasRoomUpToOneMebibyte) {
+  const std::string text = std::string(500000, ' ') + "1";
+  const FormulaText expressions[] = {{"X", text}, {"Y", text}, {"Z", text}};
+  const FormulaNames names{.expressions = expressions};
+
+  EXPECT_EQ(RunFormula("X + X + X + Y", FormulaKind::Integer, names).value, Number(4));
+  EXPECT_THAT(RunFormula("X + Y + Z", FormulaKind::Integer, names).GetText(), HasSubstr("too long"));
 }
 
 TEST(FormulaLimits, OperandsThatWait_HaveRoomUpTo256) {
