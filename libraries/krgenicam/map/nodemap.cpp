@@ -78,10 +78,11 @@ void NodeMap::VisitOrigins(const Node& aNode) {
   }
 }
 
-void NodeMap::Invalidate(Node& aNode, bool aIsWrite, bool aWithOrigins) {
+void NodeMap::Invalidate(std::span<Node* const> aNodes, bool aIsWrite, bool aWithOrigins) {
   ++mMark;
   std::vector<Node*> affected;
-  Visit(aNode, aWithOrigins);
+  for (Node* node : aNodes)
+    Visit(*node, aWithOrigins);
   while (!mWalk.empty()) {
     const WalkStep step = mWalk.back();
     mWalk.pop_back();
@@ -123,7 +124,7 @@ KrResult NodeMap::InvalidateByName(std::string_view aName) {
   if (!node)
     return {KrResult::Code::NotFound, "The camera's description has no node \"" + std::string(aName) + "\"."};
   return Run([this, node](Evaluation&) {
-    Invalidate(*node, true, true);
+    Invalidate(std::span(&node, 1), true, true);
     return KrResult();
   });
 }

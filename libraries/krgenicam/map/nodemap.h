@@ -90,7 +90,7 @@ public:
   KrResult GetClosing() const override;
   std::uint64_t GetTimeMs() const override;
   std::uint64_t TakeEpoch() override { return ++mEpoch; }
-  void Invalidate(Node& aNode) override { Invalidate(aNode, true); }
+  void Invalidate(std::span<Node* const> aNodes) override { Invalidate(aNodes, true); }
 
   // INodeIndex
   Node* GetNode(NodeIndex aIndex) const override;
@@ -120,7 +120,7 @@ private:
     bool goesOn; // The nodes that its value is in are to be visited, too.
   };
 
-  void Invalidate(Node& aNode, bool aIsWrite, bool aWithOrigins = false);
+  void Invalidate(std::span<Node* const> aNodes, bool aIsWrite, bool aWithOrigins = false);
   void Visit(Node& aNode, bool aWithOrigins);
   void VisitOrigins(const Node& aNode);
   void OnInvalidated(Node& aNode, bool aIsWrite);

@@ -31,6 +31,7 @@ KrResult NodeMap::Poll() {
 
 KrResult NodeMap::PollNode(Evaluation& aEvaluation, PolledNode& aPolled, std::uint64_t aNowMs) {
   Node& node = aPolled.node;
+  Node* const seed = &node;
   const bool isCommand = node.GetKind() == NodeKind::Command;
   if (!aPolled.IsDue(aNowMs) || (isCommand && !static_cast<CommandNode&>(node).IsPending()))
     return {};
@@ -45,7 +46,7 @@ KrResult NodeMap::PollNode(Evaluation& aEvaluation, PolledNode& aPolled, std::ui
     bool isDone = false;
     return static_cast<CommandNode&>(node).IsDone(aEvaluation, isDone);
   }
-  Invalidate(node, false);
+  Invalidate(std::span(&seed, 1), false);
   aEvaluation.epoch = TakeEpoch();
   return ReadPolled(aEvaluation, node);
 }
@@ -71,8 +72,8 @@ void NodeMap::DeliverEvent(std::uint64_t aEventID, std::span<const std::uint8_t>
     for (Node* node : found->second) {
       if (node->GetKind() == NodeKind::Port)
         static_cast<PortNode&>(*node).SetEventData(aData);
-      Invalidate(*node, true);
     }
+    Invalidate(found->second, true);
     return KrResult();
   });
 }

@@ -6,6 +6,7 @@
 #include "krgenicam/ikrregisterport.h"
 
 #include <cstdint>
+#include <span>
 #include <stop_token>
 #include <vector>
 
@@ -28,8 +29,9 @@ public:
   virtual std::uint64_t GetTimeMs() const = 0;
   /// A number that is higher each time.
   virtual std::uint64_t TakeEpoch() = 0;
-  /// The node's value has changed, or may have: forgets it and all that depends on it, and has sinks look.
-  virtual void Invalidate(Node& aNode) = 0;
+  /// The values of nodes have changed, or may have: forgets them and all that depends on any of them, each node once,
+  /// and has sinks look.
+  virtual void Invalidate(std::span<Node* const> aNodes) = 0;
 
 protected:
   ~INodeHost() = default;
@@ -44,10 +46,15 @@ struct Evaluation {
   /// Nodes of which each says of the next that it is the reason, beyond which reasons are cut short.
   static constexpr std::size_t kMaxReasons = 32;
 
-  /// A node's value was changed by writing it: what depends on it is forgotten, and what this evaluation found so far.
-  void OnWritten(Node& aNode) {
-    host.Invalidate(aNode);
+  /// The values of nodes were changed by one writing: what depends on them is forgotten, and what this evaluation found
+  /// so far.
+  void OnWritten(std::span<Node* const> aNodes) {
+    host.Invalidate(aNodes);
     epoch = host.TakeEpoch();
+  }
+  void OnWritten(Node& aNode) {
+    Node* const node = &aNode;
+    OnWritten(std::span(&node, 1));
   }
 
   INodeHost& host;

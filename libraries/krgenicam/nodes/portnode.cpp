@@ -138,10 +138,13 @@ void PortNode::Keep(Evaluation& aEvaluation, const RegisterAccess& aAccess, std:
     mCache.DropOverlapping(aAccess.range, users);
   else if (mCache.IsFull(aAccess.range.length))
     mCache.DropAll(users);
-  for (RegisterUser* const user : users) {
-    if (!user->remembers)
-      continue;
-    aEvaluation.host.Invalidate(user->node);
+  std::vector<Node*> mistaken;
+  for (const RegisterUser* const user : users) {
+    if (user->remembers)
+      mistaken.push_back(&user->node);
+  }
+  if (!mistaken.empty()) {
+    aEvaluation.host.Invalidate(mistaken);
     // What is under computation may have been read from bytes that nobody would tell it of any more.
     aEvaluation.isStable = false;
   }
@@ -208,11 +211,10 @@ KrResult PortNode::WriteRegister(Evaluation& aEvaluation, const RegisterAccess& 
   // After a failure nobody knows what the device has.
   std::vector<RegisterUser*> users;
   mCache.DropOverlapping(aAccess.range, users);
-  aEvaluation.OnWritten(aAccess.user.node);
-  for (RegisterUser* const user : users) {
-    if (user != &aAccess.user)
-      aEvaluation.OnWritten(user->node);
-  }
+  std::vector<Node*> nodes{&aAccess.user.node};
+  for (const RegisterUser* const user : users)
+    nodes.push_back(&user->node);
+  aEvaluation.OnWritten(nodes);
   if (!result.IsOK())
     return result;
   if (!aAccess.isReadable && aBytes.size() <= kLongestNumber)

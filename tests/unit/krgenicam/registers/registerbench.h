@@ -51,6 +51,10 @@ public:
     EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
   }
   void Poke(std::uint64_t aAddress, std::uint8_t aByte) { EXPECT_TRUE(memory.Write(aAddress, &aByte, 1, 1000).IsOK()); }
+  void Forget(const char* aName) {
+    krgenicam::Node* const node = &Get(aName);
+    Invalidate(std::span(&node, 1));
+  }
   /// The names of the nodes that were invalidated since the last call.
   std::set<std::string> TakeInvalidated() { return std::exchange(mInvalidated, {}); }
 
@@ -62,8 +66,9 @@ public:
   KrResult GetClosing() const override { return {}; }
   std::uint64_t GetTimeMs() const override { return 0; }
   std::uint64_t TakeEpoch() override { return ++mEpoch; }
-  void Invalidate(krgenicam::Node& aNode) override {
-    std::vector<krgenicam::Node*> waiting{&aNode};
+  void Invalidate(std::span<krgenicam::Node* const> aNodes) override {
+    ++walksCount;
+    std::vector<krgenicam::Node*> waiting(aNodes.begin(), aNodes.end());
     std::set<krgenicam::Node*> seen;
     while (!waiting.empty()) {
       krgenicam::Node& node = *waiting.back();
@@ -87,6 +92,7 @@ public:
 
   KrGenMemoryPort memory;
   RecordingPort port{memory};
+  std::size_t walksCount = 0; ///< How often nodes were invalidated.
 
 private:
   krgenicam::Description mDescription;

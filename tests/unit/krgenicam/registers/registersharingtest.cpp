@@ -197,13 +197,43 @@ TEST(RegisterSharing, BytesOfARegisterThatCannotBeRead_AreNotTakenForThoseOfOneT
   EXPECT_EQ(bench.Read("Status"), 9);
 }
 
+TEST(RegisterSharing, Write_OfBytesOfManyNodes_InvalidatesAllOfThemAtOnce) {
+  RegisterBench bench(MakeRegister("A", 0, 4) + MakeRegister("B", 0, 4) + MakeRegister("Part", 1, 2) +
+                      MakeRegister("Passing", 0, 4, "NoCache"));
+  for (const char* name : {"A", "B", "Part", "Passing"})
+    bench.Read(name);
+  bench.TakeInvalidated();
+  bench.walksCount = 0;
+
+  bench.Write("A", 5);
+
+  EXPECT_EQ(bench.walksCount, 1U);
+  EXPECT_THAT(bench.TakeInvalidated(), UnorderedElementsAre("A", "B", "Part", "Passing"));
+}
+
+TEST(RegisterSharing, FreshReading_OfOtherBytesOfManyNodes_InvalidatesAllOfThemAtOnce) {
+  RegisterBench bench(MakeRegister("A", 0, 4) + MakeRegister("B", 0, 4) + MakeRegister("C", 0, 4));
+  for (const char* name : {"A", "B", "C"})
+    bench.Read(name);
+  bench.TakeInvalidated();
+  bench.walksCount = 0;
+  bench.Poke(0, 8);
+
+  Evaluation evaluation(bench);
+  evaluation.isFresh = true;
+  bench.Read(evaluation, "A");
+
+  EXPECT_EQ(bench.walksCount, 1U);
+  EXPECT_THAT(bench.TakeInvalidated(), UnorderedElementsAre("A", "B", "C"));
+}
+
 TEST(RegisterSharing, Forgetting_TakesAllWhoShareTheBytes) {
   RegisterBench bench(MakeRegister("A", 0, 4) + MakeRegister("B", 0, 4) + MakeRegister("Away", 4, 4));
   for (const char* name : {"A", "B", "Away"})
     bench.Read(name);
   bench.port.TakeRecords();
 
-  bench.Invalidate(bench.Get("A"));
+  bench.Forget("A");
   for (const char* name : {"A", "B", "Away"})
     bench.Read(name);
 
@@ -216,7 +246,7 @@ TEST(RegisterSharing, ForgettingThePort_TakesWhatWasWritten) {
   bench.Write("A", 5);
   bench.Poke(0, 6);
 
-  bench.Invalidate(bench.Get("Device"));
+  bench.Forget("Device");
 
   EXPECT_EQ(bench.Read("A"), 6);
 }
