@@ -19,6 +19,11 @@ constexpr std::int64_t kChunkLengthAddress = kLargestAddress - 15;
 constexpr std::size_t kLongestNumber = 8;
 constexpr std::size_t kWordBytes = 4;
 
+// Of the whole words that so many bytes from a word's beginning on are in.
+std::size_t GetWordsLength(std::size_t aLength) {
+  return (aLength + kWordBytes - 1) / kWordBytes * kWordBytes;
+}
+
 // Whether what is kept may be taken for what the device has.
 bool Holds(const Evaluation& aEvaluation, RegisterCaching aCaching, const RegisterEntry& aEntry) {
   if (aEntry.epoch == aEvaluation.epoch)
@@ -171,9 +176,19 @@ KrResult PortNode::ReadData(const RegisterAccess& aAccess, std::span<std::uint8_
   const std::int64_t begin = address < 0 ? address + size : address;
   if (begin < 0 || begin > size || aBytes.size() > static_cast<std::size_t>(size - begin))
     return {KrResult::Code::OutOfRange, "there are only " + std::to_string(size) + " bytes."};
-  std::ranges::copy(std::span(*mData).subspan(static_cast<std::size_t>(begin), aBytes.size()), aBytes.begin());
-  if (mSwapsWords)
-    SwapWords(aBytes);
+  const std::span data(*mData);
+  const auto first = static_cast<std::size_t>(begin);
+  if (!mSwapsWords) {
+    std::ranges::copy(data.subspan(first, aBytes.size()), aBytes.begin());
+    return {};
+  }
+  // Words count from the beginning of the data; what is left behind the last whole one stays as it is.
+  const std::size_t before = first % kWordBytes;
+  const std::size_t length = std::min(GetWordsLength(before + aBytes.size()), available - (first - before));
+  const std::span<const std::uint8_t> touched = data.subspan(first - before, length);
+  std::vector<std::uint8_t> words(touched.begin(), touched.end());
+  SwapWords(words);
+  std::ranges::copy(std::span(words).subspan(before, aBytes.size()), aBytes.begin());
   return {};
 }
 
@@ -185,7 +200,7 @@ KrResult PortNode::ReadDevice(Evaluation& aEvaluation, std::uint64_t aAddress, s
 KrResult PortNode::ReadSwapped(Evaluation& aEvaluation, std::uint64_t aAddress, std::span<std::uint8_t> aBytes) const {
   // Bytes trade places within their words only, so whole words are read.
   const std::size_t before = aAddress % kWordBytes;
-  const std::size_t length = (before + aBytes.size() + kWordBytes - 1) / kWordBytes * kWordBytes;
+  const std::size_t length = GetWordsLength(before + aBytes.size());
   std::array<std::uint8_t, 16> shortWords{};
   std::vector<std::uint8_t> longWords(length > shortWords.size() ? length : 0);
   const std::span<std::uint8_t> words = longWords.empty() ? std::span(shortWords).first(length) : std::span(longWords);

@@ -239,6 +239,38 @@ TEST(ChunkPort, SwapEndianess_TurnsItsWordsRound) {
   EXPECT_EQ(Read(camera.Integer("A"), &KrGenInteger::GetValue), 0x01020304);
 }
 
+TEST(ChunkPort, SwapEndianess_OfPartsOfWords_FindsThemAtTheOtherEndOfTheirWords) {
+  struct {
+    const char* what;
+    const char* address;
+    const char* length;
+    std::vector<std::uint8_t> bytes;
+  } const kRows[] = {
+      {"the first byte of a word", "0", "1", {4}},    {"the second half of a word", "6", "2", {6, 5}},
+      {"parts of two words", "2", "4", {2, 1, 8, 7}}, {"parts around a word", "3", "6", {1, 8, 7, 6, 5, 9}},
+      {"counted from the end", "-6", "2", {8, 7}},    {"behind the last whole word", "8", "2", {9, 10}},
+  };
+
+  for (const auto& row : kRows) {
+    DescribedCamera camera("<Port Name=\"Chunk\"><ChunkID>A5</ChunkID><SwapEndianess>Yes</SwapEndianess></Port>" +
+                           MakeAt("Chunk", "Register", "Bytes", row.address, row.length));
+
+    GiveChunk(camera, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
+
+    EXPECT_EQ(Read(camera.Register("Bytes"), &KrGenRegister::GetValue), row.bytes) << row.what;
+  }
+}
+
+TEST(EventPort, SwapEndianess_OfPartsOfWords_FindsThemAtTheOtherEndOfTheirWords) {
+  DescribedCamera camera("<Port Name=\"Event\"><EventID>9001</EventID><SwapEndianess>Yes</SwapEndianess></Port>" +
+                         MakeAt("Event", "IntReg", "Half", "2", "2", "<Endianess>BigEndian</Endianess>"));
+  const std::uint8_t data[] = {1, 2, 3, 4};
+
+  camera.array->DeliverEvent(0x9001, data, sizeof data);
+
+  EXPECT_EQ(Read(camera.Integer("Half"), &KrGenInteger::GetValue), 0x0201);
+}
+
 TEST(EventPort, Registers_ReadTheDataOfTheLastEvent) {
   DescribedCamera camera(kEventPort + MakeAt("Event", "IntReg", "A", "2", "2"));
   const std::uint8_t first[] = {0, 0, 1, 2};
