@@ -84,7 +84,8 @@ void Node::Link(INodeIndex& aIndex) {
       LinkTo(aIndex, property);
     else if (property.kind == PropertyKind::pSelected) {
       Node* const selected = aIndex.GetNode(property.target);
-      if (!selected || std::ranges::find(mSelected, selected) != mSelected.end())
+      // Nobody else adds to who selects that one while this node is linked: no more has to be searched than the last.
+      if (!selected || (!selected->mSelecting.empty() && selected->mSelecting.back() == this))
         continue;
       mSelected.push_back(selected);
       selected->mSelecting.push_back(this);

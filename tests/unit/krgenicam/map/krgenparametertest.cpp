@@ -103,6 +103,23 @@ TEST(KrGenParameter, AliasesAndSelectors_LeadToTheParameters) {
   EXPECT_THAT(ToVector(selecting), ElementsAre(camera.array->Get("Raw")));
 }
 
+TEST(KrGenParameter, Selected_ThatAreNamedAgain_AreListedOnceInTheOrderOfTheDescription) {
+  DescribedCamera camera(R"(
+<Integer Name="First"><Value>0</Value><pSelected>B</pSelected><pSelected>A</pSelected><pSelected>B</pSelected>
+  <pSelected>A</pSelected></Integer>
+<Integer Name="Second"><Value>0</Value><pSelected>A</pSelected><pSelected>A</pSelected><pSelected>B</pSelected></Integer>
+<Integer Name="A"><Value>0</Value></Integer><Integer Name="B"><Value>0</Value></Integer>)");
+  KrGenParameterList ofFirst, ofSecond, selectingA;
+
+  ASSERT_TRUE(camera.Integer("First").GetSelectedParameters(ofFirst).IsOK());
+  ASSERT_TRUE(camera.Integer("Second").GetSelectedParameters(ofSecond).IsOK());
+  ASSERT_TRUE(camera.Integer("A").GetSelectingParameters(selectingA).IsOK());
+
+  EXPECT_THAT(ToVector(ofFirst), ElementsAre(camera.array->Get("B"), camera.array->Get("A")));
+  EXPECT_THAT(ToVector(ofSecond), ElementsAre(camera.array->Get("A"), camera.array->Get("B")));
+  EXPECT_THAT(ToVector(selectingA), ElementsAre(camera.array->Get("First"), camera.array->Get("Second")));
+}
+
 TEST(KrGenParameter, Access_ByPredicates_IsToldByAllOperations) {
   struct {
     const char* name;
