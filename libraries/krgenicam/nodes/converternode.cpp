@@ -12,18 +12,22 @@ namespace {
 
 constexpr std::string_view kSlopes[] = {"Increasing", "Decreasing", "Varying", "Automatic"};
 
-// Whether a limit is none: the end of what its type can hold.
-bool IsInfinite(const Number& aLimit) {
-  if (aLimit.IsFloat())
-    return !(std::fabs(aLimit.ToFloat()) < std::numeric_limits<double>::max());
-  return aLimit.ToInteger() == std::numeric_limits<std::int64_t>::min() ||
-         aLimit.ToInteger() == std::numeric_limits<std::int64_t>::max();
-}
-
 bool IsAbove(const Number& aLeft, const Number& aRight) {
   if (!aLeft.IsFloat() && !aRight.IsFloat())
     return aLeft.ToInteger() > aRight.ToInteger();
   return aLeft.ToFloat() > aRight.ToFloat();
+}
+
+// A place between two limits, in quarters of the way.
+Number FindBetween(const Number& aLow, const Number& aHigh, unsigned aQuarters) {
+  constexpr unsigned kWhole = 4;
+  if (aLow.IsFloat() || aHigh.IsFloat()) {
+    const double part = static_cast<double>(aQuarters) / kWhole;
+    return Number(aLow.ToFloat() * (1.0 - part) + aHigh.ToFloat() * part);
+  }
+  const auto low = static_cast<std::uint64_t>(aLow.ToInteger());
+  const std::uint64_t width = static_cast<std::uint64_t>(aHigh.ToInteger()) - low;
+  return Number(static_cast<std::int64_t>(low + width / kWhole * aQuarters + width % kWhole * aQuarters / kWhole));
 }
 
 } // namespace
@@ -101,47 +105,91 @@ KrResult ConverterNode::ComputeLimit(Evaluation& aEvaluation, Facet aFacet, Numb
   if (mSlope == Slope::Varying)
     return {};
   Node* target = nullptr;
-  Number minimum;
-  Number maximum;
   if (KrResult result = Follow(mTarget, target); !result.IsOK())
     return result;
-  if (KrResult result = target->Get(aEvaluation, Facet::Minimum, minimum); !result.IsOK())
+  Range range;
+  if (KrResult result = FindEnd(aEvaluation, *target, Facet::Minimum, range.low); !result.IsOK())
     return result;
-  if (KrResult result = target->Get(aEvaluation, Facet::Maximum, maximum); !result.IsOK())
+  if (KrResult result = FindEnd(aEvaluation, *target, Facet::Maximum, range.high); !result.IsOK())
     return result;
-  const Ends ends{.low = ConvertEnd(aEvaluation, minimum), .high = ConvertEnd(aEvaluation, maximum)};
-  bool isFalling = mSlope == Slope::Decreasing;
-  if (mSlope == Slope::Automatic && !FindDirection(aEvaluation, ends, minimum, maximum, isFalling))
+  Direction direction = mSlope == Slope::Decreasing ? Direction::Falling : Direction::Rising;
+  if (mSlope == Slope::Automatic) {
+    if (KrResult result = FindDirection(aEvaluation, range, direction); !result.IsOK())
+      return result;
+  }
+  if (direction == Direction::None)
     return {};
-  const std::optional<Number>& end = (aFacet == Facet::Minimum) != isFalling ? ends.low : ends.high;
-  if (end)
-    aValue = *end;
+  const End& end = (aFacet == Facet::Minimum) != (direction == Direction::Falling) ? range.low : range.high;
+  if (end.converted)
+    aValue = *end.converted;
   return {};
 }
 
-std::optional<Number> ConverterNode::ConvertEnd(Evaluation& aEvaluation, const Number& aEnd) {
-  Number value;
-  // An end at which the formula has no value, as 1/TO has none at 0, is no limit.
-  if (IsInfinite(aEnd) || !Convert(aEvaluation, aEnd, value).IsOK() || !std::isfinite(value.ToFloat()))
-    return std::nullopt;
-  return value;
+KrResult ConverterNode::FindEnd(Evaluation& aEvaluation, Node& aTarget, Facet aFacet, End& aEnd) {
+  if (KrResult result = aTarget.Get(aEvaluation, aFacet, aEnd.target); !result.IsOK())
+    return result;
+  return aTarget.HasLimit(aEvaluation, aFacet) ? ConvertPlace(aEvaluation, aEnd.target, aEnd.converted) : KrResult();
 }
 
-bool ConverterNode::FindDirection(Evaluation& aEvaluation, const Ends& aEnds, const Number& aMinimum,
-                                  const Number& aMaximum, bool& aIsFalling) {
-  if (aEnds.low && aEnds.high) {
-    aIsFalling = IsAbove(*aEnds.low, *aEnds.high);
-    return true;
-  }
+KrResult ConverterNode::ConvertPlace(Evaluation& aEvaluation, const Number& aTargetValue,
+                                     std::optional<Number>& aValue) {
+  const Number target = IsWhole() ? Number(aTargetValue.ToInteger()) : aTargetValue;
+  std::optional<Number> value;
+  KrResult result = TryEvaluate(aEvaluation, mFrom, target, value);
+  aValue.reset();
+  if (value && std::isfinite(value->ToFloat()))
+    aValue = ToOwnKind(*value);
+  return result;
+}
+
+KrResult ConverterNode::FindDirection(Evaluation& aEvaluation, const Range& aRange, Direction& aDirection) {
+  aDirection = Direction::None;
+  if (aRange.low.converted && aRange.high.converted)
+    return ProbeInside(aEvaluation, aRange, aDirection);
+  if (!aRange.low.converted && !aRange.high.converted)
+    return {};
   // One step inside the end that there is.
-  const Number& end = aEnds.low ? aMinimum : aMaximum;
-  const int step = aEnds.low ? 1 : -1;
-  const std::optional<Number> inside =
-      ConvertEnd(aEvaluation, end.IsFloat() ? Number(end.ToFloat() + step) : Number(end.ToInteger() + step));
-  if (!inside || (!aEnds.low && !aEnds.high))
-    return false;
-  aIsFalling = aEnds.low ? IsAbove(*aEnds.low, *inside) : IsAbove(*inside, *aEnds.high);
-  return true;
+  const End& end = aRange.low.converted ? aRange.low : aRange.high;
+  const int step = aRange.low.converted ? 1 : -1;
+  const Number place =
+      end.target.IsFloat() ? Number(end.target.ToFloat() + step) : Number(end.target.ToInteger() + step);
+  std::optional<Number> inside;
+  KrResult result = ConvertPlace(aEvaluation, place, inside);
+  if (!result.IsOK() || !inside)
+    return result;
+  const bool isFalling = aRange.low.converted ? IsAbove(*end.converted, *inside) : IsAbove(*inside, *end.converted);
+  aDirection = isFalling ? Direction::Falling : Direction::Rising;
+  return result;
+}
+
+KrResult ConverterNode::ProbeInside(Evaluation& aEvaluation, const Range& aRange, Direction& aDirection) {
+  bool rises = false;
+  bool falls = false;
+  Number last = *aRange.low.converted;
+  const auto compare = [&](const Number& aNext) {
+    rises = rises || IsAbove(aNext, last);
+    falls = falls || IsAbove(last, aNext);
+    last = aNext;
+  };
+  for (const unsigned quarters : {1u, 2u, 3u}) {
+    std::optional<Number> inside;
+    KrResult result = ConvertPlace(aEvaluation, FindBetween(aRange.low.target, aRange.high.target, quarters), inside);
+    if (!result.IsOK() || !inside)
+      return result;
+    compare(*inside);
+  }
+  compare(*aRange.high.converted);
+  // What goes both ways has its largest or smallest value anywhere.
+  if (!rises || !falls)
+    aDirection = falls ? Direction::Falling : Direction::Rising;
+  return {};
+}
+
+bool ConverterNode::HasIncrement(Evaluation& aEvaluation) {
+  const Descent descent(aEvaluation, *this);
+  if (IsWhole() || !mIsLinear || !descent.Check().IsOK())
+    return IsWhole();
+  return !mTarget.node || mTarget.node->HasIncrement(aEvaluation);
 }
 
 KrResult ConverterNode::ComputeIncrement(Evaluation& aEvaluation, Number& aValue) {
@@ -155,9 +203,10 @@ KrResult ConverterNode::ComputeIncrement(Evaluation& aEvaluation, Number& aValue
   Number increment;
   Number base;
   Number stepped;
-  const KrResult none(KrResult::Code::InvalidInput, "\"" + std::string(GetName()) + "\" has no increment.");
-  if (!mIsLinear || !target->Get(aEvaluation, Facet::Increment, increment).IsOK())
-    return none;
+  if (!HasIncrement(aEvaluation))
+    return {KrResult::Code::InvalidInput, "\"" + std::string(GetName()) + "\" has no increment."};
+  if (KrResult result = target->Get(aEvaluation, Facet::Increment, increment); !result.IsOK())
+    return result;
   if (KrResult result = Convert(aEvaluation, Number(0), base); !result.IsOK())
     return result;
   if (KrResult result = Convert(aEvaluation, increment, stepped); !result.IsOK())

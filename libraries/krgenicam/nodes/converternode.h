@@ -17,6 +17,7 @@ public:
   KrResult CheckWrite(Evaluation& aEvaluation, const Number& aValue) override;
   KrResult Write(Evaluation& aEvaluation, const Number& aValue) override;
   KrResult GetValidValues(Evaluation& aEvaluation, std::vector<Number>& aValues) override;
+  bool HasIncrement(Evaluation& aEvaluation) override;
 
 protected:
   KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) override;
@@ -28,10 +29,16 @@ private:
 
   using WriteStep = KrResult (Node::*)(Evaluation&, const Number&);
 
-  /// The target's limits converted; nothing where there is none.
-  struct Ends {
-    std::optional<Number> low;
-    std::optional<Number> high;
+  enum class Direction { Rising, Falling, None };
+
+  /// A limit of the target, and what it is converted; nothing where there is none, or the formula has no value there.
+  struct End {
+    Number target;
+    std::optional<Number> converted;
+  };
+  struct Range {
+    End low;
+    End high;
   };
 
   KrResult ReadTarget(Evaluation& aEvaluation, Node& aTarget, Number& aValue);
@@ -39,10 +46,13 @@ private:
   Number ToOwnKind(const Number& aValue) const;
   KrResult ComputeLimit(Evaluation& aEvaluation, Facet aFacet, Number& aValue);
   KrResult ComputeIncrement(Evaluation& aEvaluation, Number& aValue);
-  std::optional<Number> ConvertEnd(Evaluation& aEvaluation, const Number& aEnd);
-  /// Whether the value falls while the target's rises; false when it cannot be found out.
-  bool FindDirection(Evaluation& aEvaluation, const Ends& aEnds, const Number& aMinimum, const Number& aMaximum,
-                     bool& aIsFalling);
+  KrResult FindEnd(Evaluation& aEvaluation, Node& aTarget, Facet aFacet, End& aEnd);
+  /// A value of the target converted; nothing where the formula has no finite value.
+  KrResult ConvertPlace(Evaluation& aEvaluation, const Number& aTargetValue, std::optional<Number>& aValue);
+  /// Whether the value rises or falls while the target's rises; None when it does both, or it cannot be found out.
+  KrResult FindDirection(Evaluation& aEvaluation, const Range& aRange, Direction& aDirection);
+  /// The same between two ends.
+  KrResult ProbeInside(Evaluation& aEvaluation, const Range& aRange, Direction& aDirection);
   /// What to write to the target.
   KrResult ToTarget(Evaluation& aEvaluation, Node& aTarget, const Number& aValue, Number& aTargetValue);
   /// The limit of the target that a value misses by an error of rounding alone.

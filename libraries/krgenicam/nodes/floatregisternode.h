@@ -17,6 +17,7 @@ public:
   KrResult CheckWrite(Evaluation& aEvaluation, const Number& aValue) override;
   KrResult Write(Evaluation& aEvaluation, const Number& aValue) override;
   NodeShown GetShown(Evaluation& aEvaluation) override;
+  bool HasLimit(Evaluation&, Facet) override { return false; }
 
 protected:
   KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) override;

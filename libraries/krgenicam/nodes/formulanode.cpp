@@ -41,16 +41,22 @@ public:
       : mNode(aNode), mEvaluation(aEvaluation), mOwnValue(aOwnValue) {}
 
   KrResult GetVariable(std::size_t aIndex, Number& aValue) override {
-    if (aIndex < mNode.mVariables.size())
-      return mNode.GetVariable(mEvaluation, mNode.mVariables[aIndex], aValue);
+    if (aIndex < mNode.mVariables.size()) {
+      KrResult result = mNode.GetVariable(mEvaluation, mNode.mVariables[aIndex], aValue);
+      mHasFailed = mHasFailed || !result.IsOK();
+      return result;
+    }
     aValue = mOwnValue;
     return {};
   }
+  /// Whether one of them could not be had.
+  bool HasFailed() const { return mHasFailed; }
 
 private:
   FormulaNode& mNode;
   Evaluation& mEvaluation;
   const Number& mOwnValue;
+  bool mHasFailed = false;
 };
 
 void FormulaNode::Link(INodeIndex& aIndex) {
@@ -130,6 +136,19 @@ KrResult FormulaNode::Evaluate(Evaluation& aEvaluation, const CompiledFormula& a
     return result;
   aResult = value;
   return {};
+}
+
+KrResult FormulaNode::TryEvaluate(Evaluation& aEvaluation, const CompiledFormula& aFormula, const Number& aOwnValue,
+                                  std::optional<Number>& aResult) {
+  aResult.reset();
+  if (!aFormula.fault.IsOK())
+    return aFormula.fault;
+  Variables variables(*this, aEvaluation, aOwnValue);
+  Number value;
+  KrResult result = aFormula.formula.Evaluate(variables, value);
+  if (result.IsOK())
+    aResult = value;
+  return result == KrResult::Code::OutOfRange && !variables.HasFailed() ? KrResult() : result;
 }
 
 KrResult FormulaNode::GetVariable(Evaluation& aEvaluation, const Variable& aVariable, Number& aValue) {

@@ -5,6 +5,7 @@
 #include "formula/formula.h"
 #include "nodes/node.h"
 
+#include <optional>
 #include <vector>
 
 namespace krgenicam {
@@ -29,6 +30,10 @@ protected:
   CompiledFormula Compile(INodeIndex& aIndex, PropertyKind aKind, std::string_view aOwnVariable);
   /// The formula's value, a whole number where the node is one, else a floating-point one.
   KrResult Evaluate(Evaluation& aEvaluation, const CompiledFormula& aFormula, const Number& aOwnValue, Number& aResult);
+  /// The same, but nothing where the formula itself has no value, as 1/TO has none at 0. What its variables fail with
+  /// is a failure here, too.
+  KrResult TryEvaluate(Evaluation& aEvaluation, const CompiledFormula& aFormula, const Number& aOwnValue,
+                       std::optional<Number>& aResult);
   /// Whether all nodes whose values a formula uses can be read.
   bool AreVariablesReadable(Evaluation& aEvaluation, const CompiledFormula& aFormula);
   /// Why not.

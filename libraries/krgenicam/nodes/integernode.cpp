@@ -27,6 +27,11 @@ Number IntegerNode::GetNativeLimit(Facet aFacet) const {
   return Number(isMinimum ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max());
 }
 
+bool IntegerNode::IsNarrow() const {
+  return GetOwnRepresentation() == KrGenRepresentation::IPV4Address ||
+         GetOwnRepresentation() == KrGenRepresentation::MACAddress;
+}
+
 Number IntegerNode::ToOwnLimit(Facet aFacet, const Number& aLimit) const {
   if (!aLimit.IsFloat())
     return aLimit;

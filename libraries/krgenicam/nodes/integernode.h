@@ -17,6 +17,7 @@ public:
 protected:
   KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) override;
   Number GetNativeLimit(Facet aFacet) const override;
+  bool IsNarrow() const override;
   Number ToOwnLimit(Facet aFacet, const Number& aLimit) const override;
   KrResult ReadTarget(Evaluation& aEvaluation, Node& aTarget, Number& aValue) override;
   bool AreTargetsAlike(Evaluation& aEvaluation) override;

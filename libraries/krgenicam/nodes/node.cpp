@@ -405,6 +405,20 @@ NodeShown Node::GetShown(Evaluation&) {
   return {};
 }
 
+bool Node::HasLimit(Evaluation& aEvaluation, Facet aFacet) {
+  using Whole = std::numeric_limits<std::int64_t>;
+  Number limit;
+  if (!Get(aEvaluation, aFacet, limit).IsOK())
+    return false;
+  if (limit.IsFloat())
+    return std::fabs(limit.ToFloat()) < std::numeric_limits<double>::max();
+  return limit.ToInteger() != Whole::min() && limit.ToInteger() != Whole::max();
+}
+
+bool Node::HasIncrement(Evaluation&) {
+  return GetType() != KrGenType::Float;
+}
+
 void Node::Forget(std::vector<Node*>&) {
   for (Memo& memo : mMemos)
     memo.Forget();

@@ -137,6 +137,10 @@ public:
   /// The only values that there are, ascending; empty where there are no such.
   virtual KrResult GetValidValues(Evaluation& aEvaluation, std::vector<Number>& aValues);
   virtual NodeShown GetShown(Evaluation& aEvaluation);
+  /// Whether the limit of a facet is more than the end of what numbers of the type can be.
+  virtual bool HasLimit(Evaluation& aEvaluation, Facet aFacet);
+  /// Whether there is an increment, even where it cannot be read.
+  virtual bool HasIncrement(Evaluation& aEvaluation);
   /// What a value of the node means, for people: of an enumeration the entry's names and texts.
   virtual std::string DescribeValue(const Number& aValue) const;
   /// Forgets what was computed and read; nodes that lose something they share with this one are added to aAffected.

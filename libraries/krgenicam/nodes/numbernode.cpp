@@ -152,6 +152,19 @@ KrResult NumberNode::GetValidValues(Evaluation& aEvaluation, std::vector<Number>
   return {};
 }
 
+bool NumberNode::HasLimit(Evaluation& aEvaluation, Facet aFacet) {
+  const Limit& own = aFacet == Facet::Minimum ? mMinimum : mMaximum;
+  const Descent descent(aEvaluation, *this);
+  Origin origin;
+  const bool isHandedOn =
+      !own.IsSet() && descent.Check().IsOK() && PickOrigin(aEvaluation, origin).IsOK() && origin.node;
+  if (!isHandedOn || IsNarrow())
+    return Node::HasLimit(aEvaluation, aFacet);
+  return origin.node->HasLimit(aEvaluation, aFacet) || std::ranges::any_of(GetTargets(), [&](const NodeLink& aLink) {
+           return aLink.node && aLink.node != origin.node && aLink.node->HasLimit(aEvaluation, aFacet);
+         });
+}
+
 NodeShown NumberNode::GetShown(Evaluation& aEvaluation) {
   NodeShown shown = mShown;
   const Descent descent(aEvaluation, *this);

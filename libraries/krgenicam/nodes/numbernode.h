@@ -16,6 +16,7 @@ public:
   void Link(INodeIndex& aIndex) override;
   KrResult GetValidValues(Evaluation& aEvaluation, std::vector<Number>& aValues) override;
   NodeShown GetShown(Evaluation& aEvaluation) override;
+  bool HasLimit(Evaluation& aEvaluation, Facet aFacet) override;
 
 protected:
   /// A limit or increment that the description gives.
@@ -30,6 +31,8 @@ protected:
 
   /// The smallest and the largest number of the type.
   virtual Number GetNativeLimit(Facet aFacet) const = 0;
+  /// Whether these are the limits of what the number stands for, and not just the ends of the type.
+  virtual bool IsNarrow() const { return false; }
   /// A limit of another node as one of this one.
   virtual Number ToOwnLimit(Facet aFacet, const Number& aLimit) const = 0;
   /// A limit of a target.

@@ -18,6 +18,19 @@ const std::string kTargets = MakeRegister("Raw", 0) + MakeFloatRegister("RealRaw
 <Integer Name="Ticks"><Value>100</Value><Min>10</Min><Max>1000</Max><ValidValueSet>10;100;1000</ValidValueSet></Integer>
 <Integer Name="Free"><Value>5</Value></Integer>
 <Integer Name="FromOne"><Value>5</Value><Min>1</Min></Integer>
+<Integer Name="Symmetric"><Value>5</Value><Min>-10</Min><Max>10</Max></Integer>
+<Integer Name="Narrow"><Value>0</Value><Min>-1</Min><Max>1</Max></Integer>
+<Integer Name="Wide"><Value>0</Value><Min>-9223372036854775807</Min><Max>9223372036854775806</Max></Integer>
+<Float Name="SymmetricReal"><Value>5</Value><Min>-10</Min><Max>10</Max></Float>
+<FloatReg Name="Single"><Address>16</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+<Endianess>LittleEndian</Endianess></FloatReg>
+<Float Name="OverSingle"><pValue>Single</pValue></Float>
+<Float Name="SingleFromOne"><pValue>Single</pValue><Min>1</Min></Float>
+<Float Name="OverFree"><pValue>Free</pValue></Float>
+<IntReg Name="Short"><Address>20</Address><Length>2</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+<Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
+<Float Name="OverShort"><pValue>Short</pValue></Float>
+<Integer Name="IP"><pValue>Free</pValue><Representation>IPV4Address</Representation></Integer>
 <Integer Name="FromZero"><Value>5</Value><Min>0</Min><Max>100</Max></Integer>
 <Float Name="Real"><Value>2</Value><Min>0.1</Min><Max>0.3</Max><Inc>0.1</Inc></Float>
 <Integer Name="Scale"><Value>2</Value></Integer>
@@ -67,8 +80,76 @@ INSTANTIATE_TEST_SUITE_P(
                     LimitCase{"NoUpperLimitRising", "FromOne", "TO * 2", "Automatic", 2.0, kLargest},
                     LimitCase{"NoUpperLimitFalling", "FromOne", "10 / TO", "Automatic", -kLargest, 10.0},
                     LimitCase{"NoValueAtOneEnd", "FromZero", "100 / TO", "Automatic", 1.0, kLargest},
-                    LimitCase{"FloatTarget", "Real", "TO * 10", "Automatic", 1.0, 3.0}),
+                    LimitCase{"FloatTarget", "Real", "TO * 10", "Automatic", 1.0, 3.0},
+                    LimitCase{"EqualEnds", "Symmetric", "TO * TO", "Automatic", -kLargest, kLargest},
+                    LimitCase{"EqualEndsOfThreeValues", "Narrow", "TO * TO", "Automatic", -kLargest, kLargest},
+                    LimitCase{"EqualEndsOfFloats", "SymmetricReal", "TO * TO", "Automatic", -kLargest, kLargest},
+                    LimitCase{"HillBetweenUnequalEnds", "Symmetric", "TO * (TO - 1)", "Automatic", -kLargest, kLargest},
+                    LimitCase{"NoValueInside", "Symmetric", "1 / TO", "Automatic", -kLargest, kLargest},
+                    LimitCase{"Constant", "Symmetric", "TO * 0 + 7", "Automatic", 7.0, 7.0},
+                    LimitCase{"NearlyAllWholeNumbers", "Wide", "TO > 0", "Automatic", 0.0, 1.0},
+                    LimitCase{"RegisterOfFourBytes", "Single", "TO * 1000", "Automatic", -kLargest, kLargest},
+                    LimitCase{"FloatOverFourBytes", "OverSingle", "TO * 1000", "Automatic", -kLargest, kLargest},
+                    LimitCase{"FourBytesWithMinimum", "SingleFromOne", "TO * 10", "Automatic", 10.0, kLargest},
+                    LimitCase{"FloatOverWholeWithoutLimits", "OverFree", "TO * 2", "Automatic", -kLargest, kLargest},
+                    LimitCase{"RegisterOfTwoBytes", "Short", "TO * 2", "Automatic", 0.0, 131070.0},
+                    LimitCase{"FloatOverTwoBytes", "OverShort", "TO * 2", "Automatic", 0.0, 131070.0},
+                    LimitCase{"LimitsOfRepresentation", "IP", "TO * 2", "Automatic", 0.0, 2.0 * 0xFFFFFFFF}),
     [](const auto& aInfo) { return aInfo.param.name; });
+
+TEST(ConverterNode, SquareOverBothSigns_TakesWhatIsInside) {
+  DescribedCamera camera(MakeConverter("Symmetric", "SQRT(FROM)", "TO * TO"));
+
+  EXPECT_TRUE(camera.Float("X").SetValue(25.0).IsOK());
+  EXPECT_EQ(camera.Float("X").SetValue(400.0), KrResult::Code::OutOfRange);
+}
+
+TEST(ConverterNode, VariableThatCannotBeRead_FailsTheLimits) {
+  DescribedCamera camera(MakeRegister("Gain", 4) +
+                         "<Integer Name=\"Ticks\"><Value>100</Value><Min>10</Min><Max>1000</Max></Integer>"
+                         "<Converter Name=\"X\"><pVariable Name=\"S\">Gain</pVariable><FormulaTo>FROM</FormulaTo>"
+                         "<FormulaFrom>TO * S</FormulaFrom><pValue>Ticks</pValue></Converter>");
+  camera.port.SetFault(
+      [](const RegisterAccessRecord&) { return KrResult(KrResult::Code::TimeLimitExceeded, "No answer."); });
+  double limit = 1.5;
+
+  EXPECT_EQ(camera.Float("X").GetMin(limit), KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(camera.Float("X").GetMax(limit), KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(limit, 1.5);
+}
+
+TEST(ConverterNode, VariableWithoutValue_FailsTheLimits) {
+  DescribedCamera camera("<Integer Name=\"Zero\"><Value>0</Value></Integer>"
+                         "<Integer Name=\"Ticks\"><Value>100</Value><Min>10</Min><Max>1000</Max></Integer>"
+                         "<SwissKnife Name=\"Knife\"><pVariable Name=\"Z\">Zero</pVariable><Formula>1 / Z</Formula>"
+                         "</SwissKnife>"
+                         "<Converter Name=\"X\"><pVariable Name=\"S\">Knife</pVariable><FormulaTo>FROM</FormulaTo>"
+                         "<FormulaFrom>TO * S</FormulaFrom><pValue>Ticks</pValue></Converter>");
+  double limit = 0.0;
+
+  EXPECT_EQ(camera.Float("X").GetMax(limit), KrResult::Code::OutOfRange);
+  ASSERT_TRUE(camera.Integer("Zero").SetValue(2).IsOK());
+  EXPECT_EQ(Read(camera.Float("X"), &KrGenFloat::GetMax), 500.0);
+}
+
+TEST(ConverterNode, FormulaThatIsNone_FailsTheLimits) {
+  DescribedCamera camera(MakeConverter("Ticks", "FROM", "TO +"));
+  double limit = 0.0;
+
+  EXPECT_EQ(camera.Float("X").GetMax(limit), KrResult::Code::BadData);
+}
+
+TEST(ConverterNode, IncrementThatCannotBeRead_IsNotTakenForNone) {
+  DescribedCamera camera(MakeRegister("Step", 4) +
+                         "<Float Name=\"Behind\"><Value>2</Value><pInc>Step</pInc></Float>"
+                         "<Converter Name=\"X\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom>"
+                         "<pValue>Behind</pValue><IsLinear>Yes</IsLinear></Converter>");
+  camera.port.SetFault(
+      [](const RegisterAccessRecord&) { return KrResult(KrResult::Code::TimeLimitExceeded, "No answer."); });
+  double increment = 0.0;
+
+  EXPECT_EQ(camera.Float("X").GetIncrement(increment), KrResult::Code::TimeLimitExceeded);
+}
 
 TEST(ConverterNode, Value_IsConvertedBothWays) {
   DescribedCamera camera(MakeConverter("Raw", "FROM * 10 / S", "TO * S / 10.0"));
