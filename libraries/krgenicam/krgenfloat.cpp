@@ -35,10 +35,17 @@ bool KrGenFloat::HasIncrement() {
 }
 
 KrResult KrGenFloat::GetIncrement(double& aIncrement) {
-  const KrResult result = krgenicam::GetLimit(mMap, mNode, Facet::Increment, aIncrement);
-  if (result == KrResult::Code::InvalidInput)
-    return {KrResult::Code::NotFound, "\"" + std::string(mNode.GetName()) + "\" has no increment."};
-  return result;
+  return mMap.Run([&](Evaluation& aEvaluation) {
+    Number increment;
+    KrResult result = krgenicam::CheckAvailable(aEvaluation, mNode);
+    if (result.IsOK() && !mNode.HasIncrement(aEvaluation))
+      return KrResult(KrResult::Code::NotFound, "\"" + std::string(mNode.GetName()) + "\" has no increment.");
+    if (result.IsOK())
+      result = mNode.Get(aEvaluation, Facet::Increment, increment);
+    if (result.IsOK())
+      aIncrement = increment.ToFloat();
+    return result;
+  });
 }
 
 KrResult KrGenFloat::GetValidValues(std::vector<double>& aValues) {

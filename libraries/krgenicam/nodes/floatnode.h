@@ -13,6 +13,7 @@ public:
   KrGenType GetType() const override { return KrGenType::Float; }
   KrResult CheckWrite(Evaluation& aEvaluation, const Number& aValue) override;
   KrResult Write(Evaluation& aEvaluation, const Number& aValue) override;
+  bool HasIncrement(Evaluation&) override { return GetIncrement().IsSet(); }
 
 protected:
   KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) override;

@@ -112,6 +112,16 @@ TEST(FloatNode, Increment_IsThereOrNotAndNeverEnforced) {
   EXPECT_EQ(increment, 7.0);
 }
 
+TEST(FloatNode, IncrementOfWhatHasNoNumber_IsNotTakenForNone) {
+  DescribedCamera camera("<Category Name=\"Other\"/>"
+                         "<Float Name=\"X\"><Value>1</Value><pInc>Other</pInc></Float>"
+                         "<Float Name=\"Y\"><Value>1</Value></Float>");
+  double increment = 0.0;
+
+  EXPECT_EQ(camera.Float("X").GetIncrement(increment), KrResult::Code::InvalidInput);
+  EXPECT_EQ(camera.Float("Y").GetIncrement(increment), KrResult::Code::NotFound);
+}
+
 TEST(FloatNode, Shown_OwnBeforeTargetsBeforeDefaults) {
   DescribedCamera camera(
       "<Float Name=\"Behind\"><Value>1</Value><Unit>us</Unit><Representation>Logarithmic</Representation>"
