@@ -23,7 +23,10 @@ KrResult ParameterWatch::Unregister(KrGenEventSink* aSink) {
 
 void ParameterWatch::OnInvalidated(std::uint64_t aEpoch, bool aIsWrite) {
   const std::lock_guard lock(mMutex);
-  mWritesCount += aIsWrite ? 1 : 0;
+  // What is only to be read anew is no change of what nobody has read.
+  if (!aIsWrite)
+    return;
+  ++mWritesCount;
   for (auto& [sink, knowledge] : mKnowledge) {
     if (!knowledge.known.snapshot && knowledge.firstChange == 0)
       knowledge.firstChange = aEpoch;

@@ -31,7 +31,8 @@ public:
   KrResult Register(KrGenEventSink* aSink, const Known& aKnown);
   KrResult Unregister(KrGenEventSink* aSink);
 
-  /// The parameter may have changed at an epoch: for a sink that does not know yet what it was, it has.
+  /// The parameter was forgotten at an epoch. Where something was written it may have changed, and has for a sink that
+  /// does not know yet what it was.
   void OnInvalidated(std::uint64_t aEpoch, bool aIsWrite);
   /// How often the parameter was written, or its device spoke of it.
   std::uint64_t GetWritesCount() const;

@@ -276,6 +276,25 @@ TEST_F(Events, SetValue_BeforeAnythingIsKnown_CountsAsAChange) {
   EXPECT_THAT(sink.TakeNames(), ElementsAre("Width"));
 }
 
+TEST_F(Events, InvalidateCache_BeforeAnythingIsKnown_CountsAsNoChange) {
+  Occasion isAtWork, mayGoOn;
+  RecordingSink blocker([&](KrGenParameter&) {
+    isAtWork.Happen();
+    mayGoOn.Await();
+  });
+  RecordingSink sink;
+  mCamera.Watch("Text", blocker);
+  ASSERT_TRUE(mCamera.String("Text").SetValue("x").IsOK());
+  isAtWork.Await();
+
+  sink.Listen(mCamera.Integer("Width"));
+  mCamera.array->InvalidateCache();
+  mayGoOn.Happen();
+  mCamera.AwaitNotifications();
+
+  EXPECT_THAT(sink.TakeNames(), IsEmpty());
+}
+
 TEST_F(Events, Registration_AfterAChangeThatIsStillToBeTold_IsNotToldOfIt) {
   Occasion isAtWork, mayGoOn;
   RecordingSink blocker([&](KrGenParameter&) {

@@ -75,6 +75,26 @@ TEST_F(Polling, Poll_OfWhatTheDeviceChanged_HasTheNewValueAndTellsItsSink) {
   EXPECT_EQ(Get("Still"), 0);
 }
 
+TEST_F(Polling, Poll_BeforeASinkKnowsAnything_CountsAsNoChange) {
+  Occasion isAtWork, mayGoOn;
+  RecordingSink blocker([&](KrGenParameter&) {
+    isAtWork.Happen();
+    mayGoOn.Await();
+  });
+  RecordingSink sink;
+  mCamera.Watch("Still", blocker);
+  ASSERT_TRUE(mCamera.Integer("Still").SetValue(1).IsOK());
+  isAtWork.Await();
+
+  sink.Listen(mCamera.Integer("Temperature"));
+  mNowMs += 1000;
+  ASSERT_TRUE(mCamera.array->Poll().IsOK());
+  mayGoOn.Happen();
+  mCamera.AwaitNotifications();
+
+  EXPECT_THAT(sink.TakeNames(), IsEmpty());
+}
+
 TEST_F(Polling, Poll_OfWhatHasNotChanged_TellsNobody) {
   RecordingSink sink;
   mCamera.Watch("Temperature", sink);
