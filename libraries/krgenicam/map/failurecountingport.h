@@ -1,12 +1,13 @@
 #pragma once
-// A register port that counts how often the one behind it failed for a reason that may pass: what was found meanwhile
-// is not the last word.
+// A register port that knows of the failures of the one behind it: how often it failed for a reason that may pass, as
+// what was found meanwhile is not the last word, and how it failed last.
 
 #include "krgenicam/ikrregisterport.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <utility>
 
 namespace krgenicam {
 
@@ -16,6 +17,8 @@ public:
   explicit FailureCountingPort(IKrRegisterPort& aPort) : mPort(aPort) {}
 
   std::uint64_t GetFailuresCount() const { return mFailuresCount; }
+  /// The last failure, for whatever reason, since this was asked before; OK where there was none.
+  KrResult TakeLastFailure() { return std::exchange(mLastFailure, {}); }
 
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel = {}) override {
@@ -31,11 +34,14 @@ private:
     constexpr KrResult::Code kPassing[] = {KrResult::Code::TimeLimitExceeded, KrResult::Code::ConnectionLost,
                                            KrResult::Code::Busy, KrResult::Code::Aborted};
     mFailuresCount += std::ranges::find(kPassing, aResult.GetCode()) == std::end(kPassing) ? 0 : 1;
+    if (!aResult.IsOK())
+      mLastFailure = aResult;
     return aResult;
   }
 
   IKrRegisterPort& mPort;
   std::uint64_t mFailuresCount = 0;
+  KrResult mLastFailure;
 };
 
 } // namespace krgenicam

@@ -129,6 +129,24 @@ KrResult NodeMap::InvalidateByName(std::string_view aName) {
   });
 }
 
+KrResult NodeMap::FindAccess(const KrGenParameter& aParameter, KrGenAccessMode& aMode) {
+  return Run([&](Evaluation& aEvaluation) {
+    Node& node = aParameter.mNode;
+    (void)mPort.TakeLastFailure(); // What failed before is of no interest.
+    const KrGenAccessMode mode = node.GetAccess(aEvaluation);
+    const KrResult failure = mPort.TakeLastFailure();
+    if (failure.IsOK() || mode == KrGenAccessMode::ReadWrite) {
+      aMode = mode;
+      return KrResult();
+    }
+    const KrResult reason = node.ExplainAccess(aEvaluation, IsReadable(mode));
+    if (reason == failure.GetCode())
+      return reason;
+    return KrResult(failure.GetCode(), "It cannot be found out what can be done with \"" + std::string(node.GetName()) +
+                                           "\" at the moment. " + failure.GetDescription());
+  });
+}
+
 std::stop_token NodeMap::GetCancelToken() const {
   const std::lock_guard lock(mStateMutex);
   return mCancel.get_token();

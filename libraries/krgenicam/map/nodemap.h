@@ -67,6 +67,10 @@ public:
     return aCall(evaluation);
   }
 
+  /// What can be done with a parameter. A failure of the port that may be why it is not more is one here: the mode is
+  /// not known then.
+  KrResult FindAccess(const KrGenParameter& aParameter, KrGenAccessMode& aMode);
+
   // As the operations of KrGenParameterArray.
   void InvalidateCache();
   KrResult InvalidateByName(std::string_view aName);

@@ -2,8 +2,10 @@
 
 #include "krgenicam/krgenboolean.h"
 #include "krgenicam/krgenenum.h"
+#include "krgenicam/krgenenumentry.h"
 #include "krgenicam/krgeninteger.h"
 #include "krgenicam/krgenparameterlist.h"
+#include "map/nodemap.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -39,7 +41,7 @@ private:
   std::vector<KrGenParameter*> mSelectors;
 };
 
-KrResult ListRange(KrGenInteger& aSelector, std::size_t aMost, KrStringList& aPositions, bool& aIsCut) {
+KrResult ListRange(KrGenInteger& aSelector, KrStringList& aPositions, bool& aIsCut) {
   std::int64_t minimum = 0;
   std::int64_t maximum = 0;
   std::int64_t increment = 1;
@@ -54,34 +56,40 @@ KrResult ListRange(KrGenInteger& aSelector, std::size_t aMost, KrStringList& aPo
   // Without sign, as the distance may need all 64 bits.
   const std::uint64_t step = static_cast<std::uint64_t>(std::max<std::int64_t>(increment, 1));
   const std::uint64_t steps = (static_cast<std::uint64_t>(maximum) - static_cast<std::uint64_t>(minimum)) / step;
-  aIsCut = steps >= aMost;
-  const std::uint64_t count = aIsCut ? aMost : steps + 1;
+  aIsCut = steps >= kMaxIntegerPositions;
+  const std::uint64_t count = aIsCut ? kMaxIntegerPositions : steps + 1;
   for (std::uint64_t i = 0; i < count; ++i)
     aPositions.Add(std::to_string(static_cast<std::int64_t>(static_cast<std::uint64_t>(minimum) + i * step)));
   return {};
 }
 
-KrResult ListIntegers(KrGenInteger& aSelector, std::size_t aMost, KrStringList& aPositions, bool& aIsCut) {
+KrResult ListIntegers(KrGenInteger& aSelector, KrStringList& aPositions, bool& aIsCut) {
   std::vector<std::int64_t> values;
   if (KrResult result = aSelector.GetValidValues(values); !result.IsOK())
     return result;
   if (values.empty())
-    return ListRange(aSelector, aMost, aPositions, aIsCut);
-  aIsCut = values.size() > aMost;
-  values.resize(std::min(values.size(), aMost));
+    return ListRange(aSelector, aPositions, aIsCut);
+  aIsCut = values.size() > kMaxIntegerPositions;
+  values.resize(std::min(values.size(), kMaxIntegerPositions));
   for (const std::int64_t value : values)
     aPositions.Add(std::to_string(value));
   return {};
 }
 
-KrResult ListEntries(KrGenEnum& aSelector, std::size_t aMost, KrStringList& aPositions, bool& aIsCut) {
-  KrStringList names;
-  if (KrResult result = aSelector.GetAvailableEntries(names); !result.IsOK())
-    return result;
-  aIsCut = names.GetCount() > aMost;
-  for (std::size_t i = 0; i < std::min(names.GetCount(), aMost); ++i)
-    aPositions.Add(names[i]);
-  return {};
+KrResult ListEntries(NodeMap& aMap, KrGenEnum& aSelector, KrStringList& aPositions) {
+  KrResult firstFailure;
+  for (std::size_t i = 0; i < aSelector.GetEntriesCount(); ++i) {
+    KrGenEnumEntry* entry = nullptr;
+    KrGenAccessMode mode = KrGenAccessMode::NotAvailable;
+    KrResult asked = aSelector.GetEntryByIndex(i, entry);
+    if (asked.IsOK())
+      asked = aMap.FindAccess(*entry, mode);
+    if (firstFailure.IsOK())
+      firstFailure = asked;
+    if (asked.IsOK() && IsReadable(mode))
+      aPositions.Add(entry->GetName());
+  }
+  return firstFailure;
 }
 
 } // namespace
@@ -95,13 +103,13 @@ bool IsSelector(KrGenParameter& aParameter) {
   return aParameter.GetSelectedParameters(selected).IsOK() && !selected.IsEmpty();
 }
 
-KrResult ListPositions(KrGenParameter& aSelector, std::size_t aMost, KrStringList& aPositions, bool& aIsCut) {
+KrResult ListPositions(NodeMap& aMap, KrGenParameter& aSelector, KrStringList& aPositions, bool& aIsCut) {
   aPositions.Clear();
   aIsCut = false;
   if (auto* const enumeration = dynamic_cast<KrGenEnum*>(&aSelector))
-    return ListEntries(*enumeration, aMost, aPositions, aIsCut);
+    return ListEntries(aMap, *enumeration, aPositions);
   if (auto* const integer = dynamic_cast<KrGenInteger*>(&aSelector))
-    return ListIntegers(*integer, aMost, aPositions, aIsCut);
+    return ListIntegers(*integer, aPositions, aIsCut);
   if (dynamic_cast<KrGenBoolean*>(&aSelector) != nullptr) {
     aPositions.Add("0");
     aPositions.Add("1");

@@ -10,6 +10,8 @@
 
 namespace krgenicam {
 
+class NodeMap;
+
 /// A selector and where it stands or is to stand, as text.
 struct SelectorPosition {
   KrGenParameter* selector = nullptr;
@@ -20,6 +22,9 @@ struct SelectorPosition {
 
 /// More selectors of one parameter than this are not looked at.
 inline constexpr std::size_t kMaxSelectors = 16;
+/// More positions of one integer are not listed: a device should not be moved through thousands, of which a description
+/// that gives no range has them all.
+inline constexpr std::size_t kMaxIntegerPositions = 256;
 
 /// All selectors of a parameter, those of its selectors among them, each after those that select it; of selectors that
 /// select one another in a circle each once.
@@ -29,8 +34,9 @@ std::vector<KrGenParameter*> ListSelectors(KrGenParameter& aParameter);
 bool IsSelector(KrGenParameter& aParameter);
 
 /// What a selector can be set to as things stand, as text: available entries, valid values or the range by its
-/// increment, false and true. Ends, with aIsCut set, after aMost. A selector of another type has no positions.
-KrResult ListPositions(KrGenParameter& aSelector, std::size_t aMost, KrStringList& aPositions, bool& aIsCut);
+/// increment, false and true. Ends, with aIsCut set, after kMaxIntegerPositions of an integer. A selector of another
+/// type has no positions. A failure where not all could be found out; those that could are there.
+KrResult ListPositions(NodeMap& aMap, KrGenParameter& aSelector, KrStringList& aPositions, bool& aIsCut);
 
 /// "Gain [GainSelector=Red]" or the name alone.
 std::string DescribePlace(const KrString& aName, const std::vector<SelectorPosition>& aPositions);

@@ -12,10 +12,6 @@ namespace krgenicam {
 
 namespace {
 
-bool IsReadableAndWritable(KrGenParameter& aParameter) {
-  return aParameter.GetAccessMode() == KrGenAccessMode::ReadWrite;
-}
-
 KrResult CheckName(const KrString& aName) {
   if (IsSettingName(aName.ToUtf8()))
     return {};
@@ -23,6 +19,9 @@ KrResult CheckName(const KrString& aName) {
 }
 
 } // namespace
+
+SettingsStore::SettingsStore(NodeMap& aMap, KrStringList& aProblems)
+    : mMap(aMap), mCancel(aMap.GetCancelToken()), mProblems(aProblems) {}
 
 KrResult SettingsStore::Run(const std::vector<KrGenParameter*>& aParameters, KrGenSettings& aSettings) {
   for (const Group& group : MakeGroups(aParameters))
@@ -62,10 +61,19 @@ void SettingsStore::Walk(const Group& aGroup, std::size_t aDepth) {
     return;
   if (aDepth == aGroup.selectors.size())
     return StoreParameters(aGroup);
+  KrGenAccessMode access = KrGenAccessMode::NotAvailable;
   KrGenParameter& selector = *aGroup.selectors[aDepth];
+  if (KrResult asked = mMap.FindAccess(selector, access); !asked.IsOK())
+    return Note(selector.GetName(), "does not say whether it can be moved, so that what it selects is not taken",
+                asked);
   // One that cannot be moved is where it is, now as well as when the settings are restored.
-  if (!IsReadableAndWritable(selector))
+  if (access != KrGenAccessMode::ReadWrite)
     return Walk(aGroup, aDepth + 1);
+  WalkSelector(aGroup, aDepth);
+}
+
+void SettingsStore::WalkSelector(const Group& aGroup, std::size_t aDepth) {
+  KrGenParameter& selector = *aGroup.selectors[aDepth];
   KrString original;
   KrResult result = CheckName(selector.GetName());
   if (result.IsOK())
@@ -74,13 +82,16 @@ void SettingsStore::Walk(const Group& aGroup, std::size_t aDepth) {
     return Note(selector.GetName(), "cannot be read, so that what it selects is not taken", result);
   KrStringList positions;
   bool isCut = false;
-  if (KrResult listed = ListPositions(selector, kMaxCombinations, positions, isCut); !listed.IsOK())
-    return Note(selector.GetName(), "does not say where it can stand, so that what it selects is not taken", listed);
+  if (KrResult listed = ListPositions(mMap, selector, positions, isCut); !listed.IsOK())
+    Note(selector.GetName(),
+         "does not say of all positions whether it can stand there, so that what it selects is not "
+         "all taken",
+         listed);
 
   const std::size_t before = mSettings.size();
   WalkPositions(aGroup, aDepth, positions);
   if (isCut && !mIsEnded)
-    NoteLimit(selector.GetName());
+    NoteCut(selector.GetName());
   PutBack(selector, original);
   bool isStreamable = false;
   // Where nothing was taken and the selector itself need not be, its position is of no use.
@@ -119,7 +130,10 @@ void SettingsStore::StoreParameters(const Group& aGroup) {
   for (KrGenParameter* const parameter : aGroup.parameters) {
     if (IsEnded())
       return;
-    if (IsReadableAndWritable(*parameter))
+    KrGenAccessMode access = KrGenAccessMode::NotAvailable;
+    if (KrResult asked = mMap.FindAccess(*parameter, access); !asked.IsOK())
+      Note(parameter->GetName(), "does not say whether it can be taken", asked);
+    else if (access == KrGenAccessMode::ReadWrite)
       StoreParameter(*parameter);
   }
 }
@@ -162,6 +176,13 @@ void SettingsStore::NoteLimit(const KrString& aName) {
                                         std::to_string(kMaxSettings) + " values."});
 }
 
+// The others are worth having: what is left out is one table.
+void SettingsStore::NoteCut(const KrString& aName) {
+  Note(aName, "is not moved any further",
+       {KrResult::Code::OutOfRange, "It has more than " + std::to_string(kMaxIntegerPositions) +
+                                        " positions; what it selects at the others is not taken."});
+}
+
 } // namespace krgenicam
 
 KrResult KrGenParameterArray::StoreSettings(KrGenSettings& aSettings, KrStringList& aProblems) {
@@ -169,6 +190,5 @@ KrResult KrGenParameterArray::StoreSettings(KrGenSettings& aSettings, KrStringLi
   aSettings.SetDevice(GetVendorName() + " " + GetModelName());
   aProblems.Clear();
   InvalidateCache(); // What the device has counts.
-  return krgenicam::SettingsStore(mMap->GetCancelToken(), aProblems)
-      .Run(krgenicam::ListSettingsOrder(*mMap), aSettings);
+  return krgenicam::SettingsStore(*mMap, aProblems).Run(krgenicam::ListSettingsOrder(*mMap), aSettings);
 }

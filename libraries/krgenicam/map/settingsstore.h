@@ -7,21 +7,23 @@
 
 #include <cstddef>
 #include <stop_token>
-#include <utility>
+#include <string>
 #include <vector>
 
 namespace krgenicam {
 
+class NodeMap;
+
 /// Parameters that have the same selectors come under these together. First come those without selectors.
 ///
-/// Thread: one at a time. Ownership: borrows the parameters and the list of problems.
+/// Thread: one at a time. Ownership: borrows the map, the parameters and the list of problems.
 class SettingsStore {
 public:
   /// Combinations of positions that are visited, of all parameters together, and values that are taken.
   static constexpr std::size_t kMaxCombinations = 65536;
   static constexpr std::size_t kMaxSettings = 1'000'000;
 
-  SettingsStore(std::stop_token aCancel, KrStringList& aProblems) : mCancel(std::move(aCancel)), mProblems(aProblems) {}
+  SettingsStore(NodeMap& aMap, KrStringList& aProblems);
 
   /// Adds the settings of the parameters. OK when all was read, and all selectors are where they were, otherwise the
   /// first failure; Aborted when it was cancelled.
@@ -35,6 +37,7 @@ private:
 
   static std::vector<Group> MakeGroups(const std::vector<KrGenParameter*>& aParameters);
   void Walk(const Group& aGroup, std::size_t aDepth);
+  void WalkSelector(const Group& aGroup, std::size_t aDepth);
   void WalkPositions(const Group& aGroup, std::size_t aDepth, const KrStringList& aPositions);
   void PutBack(KrGenParameter& aSelector, const KrString& aPosition);
   void StoreParameters(const Group& aGroup);
@@ -42,7 +45,9 @@ private:
   bool IsEnded();
   void Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure);
   void NoteLimit(const KrString& aName);
+  void NoteCut(const KrString& aName);
 
+  NodeMap& mMap;
   const std::stop_token mCancel;
   KrStringList& mProblems;
   std::vector<KrGenSetting> mSettings;

@@ -8,6 +8,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
+using testing::StartsWith;
 
 TEST(StoreSettings, StreamableParameters_AreTakenWithOrWithoutACategory) {
   SettingsCamera camera("<Category Name=\"Root\" NameSpace=\"Standard\"><pFeature>Height</pFeature>"
@@ -197,15 +198,92 @@ TEST(StoreSettings, Cancelled_EndsWithTheSelectorsPutBack) {
   EXPECT_EQ(camera.problems.GetCount(), 1U);
 }
 
-TEST(StoreSettings, EndlessSelector_IsCutWithAProblem) {
-  SettingsCamera camera("<Integer Name=\"Sel\"><Value>3</Value><pSelected>F</pSelected></Integer>"
-                        "<Integer Name=\"F\"><Streamable>Yes</Streamable><Value>1</Value></Integer>");
+// A selector of 65,536 positions before a parameter that has others.
+TEST(StoreSettings, IntegerSelectorOfManyPositions_IsMovedThroughSomeWithAProblemAndTheRestIsTaken) {
+  SettingsCamera camera(MakeInteger("Sel", 0, "<Min>0</Min><Max>65535</Max><pSelected>F</pSelected>") +
+                        MakeInteger("F", 4) + MakeEnum("Other", 8, {"A", "B"}, "<pSelected>G</pSelected>") +
+                        MakeInteger("G", 12));
+  camera.SetText("Sel", "3");
+  camera.port.TakeRecords();
 
   EXPECT_EQ(camera.Store(), KrResult::Code::OutOfRange);
 
-  EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("65536")));
+  EXPECT_LE(camera.port.CountWrites(), 270U);
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(AllOf(StartsWith("Sel is not moved any further"), HasSubstr("256"))));
+  EXPECT_THAT(camera.GetSteps(), testing::IsSupersetOf(Steps{{"Sel", "255"}, {"Other", "B"}, {"G", "0"}}));
+  EXPECT_THAT(camera.GetSteps(), testing::Not(testing::Contains(Pair("Sel", "256"))));
   EXPECT_EQ(camera.GetText("Sel"), "3");
 }
+
+// What is available is said by a register that does not answer.
+std::string MakeSilent(const std::string& aName, int aAddress) {
+  return "<IntReg Name=\"" + aName + "\"><Address>" + std::to_string(aAddress) +
+         "</Address><Length>4</Length><AccessMode>RO</AccessMode><pPort>Device</pPort>"
+         "<Endianess>LittleEndian</Endianess></IntReg>";
+}
+
+class SettingsOfASilentRegister : public testing::TestWithParam<KrResult::Code> {};
+
+TEST_P(SettingsOfASilentRegister, ParameterWhoseAvailabilityCannotBeRead_IsAProblem) {
+  SettingsCamera camera(MakeInteger("X", 0, "<pIsAvailable>There</pIsAvailable>") + MakeSilent("There", 100) +
+                        MakeInteger("Y", 4));
+  camera.Poke(100, {1});
+  camera.port.SetFault(FailAt(100, false, GetParam()));
+
+  EXPECT_EQ(camera.Store(), GetParam());
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(AllOf(StartsWith("X does not say whether it can be taken"),
+                                                      HasSubstr("There"), HasSubstr("The register is broken."))));
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Y", "0")));
+}
+
+TEST_P(SettingsOfASilentRegister, SelectorWhoseAvailabilityCannotBeRead_IsAProblem) {
+  SettingsCamera camera(MakeEnum("Sel", 0, {"A", "B"}, "<pIsAvailable>There</pIsAvailable><pSelected>F</pSelected>") +
+                        MakeSilent("There", 100) + MakeBank("F", 16, "Sel"));
+  camera.Poke(100, {1});
+  camera.port.SetFault(FailAt(100, false, GetParam()));
+
+  EXPECT_EQ(camera.Store(), GetParam());
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(StartsWith("Sel does not say whether it can be moved")));
+  EXPECT_THAT(camera.GetSteps(), IsEmpty());
+}
+
+TEST_P(SettingsOfASilentRegister, EntryWhoseAvailabilityCannotBeRead_IsAProblemAndTheOthersArePositions) {
+  SettingsCamera camera(
+      "<Enumeration Name=\"Sel\"><EnumEntry Name=\"A\"><Value>0</Value></EnumEntry><EnumEntry Name=\"B\">"
+      "<pIsAvailable>There</pIsAvailable><Value>1</Value></EnumEntry><EnumEntry Name=\"C\"><Value>2</Value>"
+      "</EnumEntry><Value>0</Value><pSelected>F</pSelected></Enumeration>" +
+      MakeSilent("There", 100) + MakeInteger("F", 0));
+  camera.Poke(100, {1});
+  camera.port.SetFault(FailAt(100, false, GetParam()));
+
+  EXPECT_EQ(camera.Store(), GetParam());
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(StartsWith("Sel does not say of all positions")));
+  EXPECT_THAT(camera.GetSteps(),
+              ElementsAre(Pair("Sel", "A"), Pair("F", "0"), Pair("Sel", "C"), Pair("F", "0"), Pair("Sel", "A")));
+}
+
+// No entry can be chosen, as nobody knows of any; the parameter is there for reading.
+TEST_P(SettingsOfASilentRegister, EnumerationOfWhichNoEntryIsKnown_IsAProblem) {
+  SettingsCamera camera(
+      "<Enumeration Name=\"E\"><Streamable>Yes</Streamable><EnumEntry Name=\"A\"><pIsAvailable>There</pIsAvailable>"
+      "<Value>0</Value></EnumEntry><Value>0</Value></Enumeration>" +
+      MakeSilent("There", 100));
+  camera.Poke(100, {1});
+  camera.port.SetFault(FailAt(100, false, GetParam()));
+
+  EXPECT_EQ(camera.Store(), GetParam());
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(StartsWith("E does not say whether it can be taken")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Reasons, SettingsOfASilentRegister,
+                         testing::Values(KrResult::Code::TimeLimitExceeded, KrResult::Code::ProtocolError),
+                         [](const auto& aInfo) {
+                           return aInfo.param == KrResult::Code::ProtocolError ? "Refused" : "TooLate";
+                         });
 
 TEST(StoreSettings, SelectorsOfOneAnother_AreEachTakenOnce) {
   SettingsCamera camera(MakeEnum("A", 0, {"X"}, "<pSelected>B</pSelected>") +
