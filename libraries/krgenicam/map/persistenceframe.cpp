@@ -2,8 +2,12 @@
 
 #include "map/selectorpath.h"
 
+#include <algorithm>
 #include <chrono>
-#include <thread>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <utility>
 
 namespace krgenicam {
 
@@ -16,27 +20,16 @@ struct CommandPair {
 
 constexpr CommandPair kPairs[] = {{"DeviceFeaturePersistenceStart", "DeviceFeaturePersistenceEnd"},
                                   {"DeviceRegistersStreamingStart", "DeviceRegistersStreamingEnd"}};
-constexpr std::chrono::milliseconds kPause{10};
+// Most devices are done at once; those that are not are asked ever more seldom.
+constexpr std::chrono::milliseconds kFirstPause{1};
+constexpr std::chrono::milliseconds kLongestPause{50};
 
-// Commands have no event that tells of their end: the device is asked now and then.
-KrResult AwaitDone(KrGenCommand& aCommand) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(PersistenceFrame::kLimitMs);
-  for (;;) {
-    bool isDone = false;
-    if (KrResult asked = aCommand.IsDone(isDone); !asked.IsOK() || isDone)
-      return asked;
-    if (std::chrono::steady_clock::now() >= deadline)
-      return {KrResult::Code::TimeLimitExceeded,
-              "it is still under way after " + std::to_string(PersistenceFrame::kLimitMs) + " ms."};
-    std::this_thread::sleep_for(kPause);
-  }
-}
-
-KrResult Execute(KrGenCommand& aCommand) {
-  KrResult result = aCommand.Execute();
-  if (result.IsOK())
-    result = AwaitDone(aCommand);
-  return result.IsOK() ? result : KrResult(result.GetCode(), aCommand.GetName() + " failed: " + GetReason(result));
+// Waits for a while, less when it is cancelled.
+void Pause(std::chrono::steady_clock::duration aDuration, const std::stop_token& aCancel) {
+  std::mutex mutex; // Guards nothing: all there is to wait for is the token.
+  std::condition_variable_any cancelled;
+  std::unique_lock lock(mutex);
+  cancelled.wait_for(lock, aCancel, aDuration, [] { return false; });
 }
 
 } // namespace
@@ -54,7 +47,31 @@ KrResult PersistenceFrame::Begin(const Finder& aFind) {
 }
 
 KrResult PersistenceFrame::End() {
-  return mEnd != nullptr ? Execute(*mEnd) : KrResult();
+  KrGenCommand* const end = std::exchange(mEnd, nullptr);
+  return end != nullptr ? Execute(*end) : KrResult();
+}
+
+KrResult PersistenceFrame::Execute(KrGenCommand& aCommand) {
+  KrResult result = aCommand.Execute();
+  if (result.IsOK())
+    result = AwaitDone(aCommand);
+  return result.IsOK() ? result : KrResult(result.GetCode(), aCommand.GetName() + " failed: " + GetReason(result));
+}
+
+// Commands have no event that tells of their end: the device is asked now and then.
+KrResult PersistenceFrame::AwaitDone(KrGenCommand& aCommand) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kLimitMs);
+  for (auto pause = kFirstPause;; pause = std::min(2 * pause, kLongestPause)) {
+    bool isDone = false;
+    if (KrResult asked = aCommand.IsDone(isDone); !asked.IsOK() || isDone)
+      return asked;
+    if (mCancel.stop_requested())
+      return {KrResult::Code::Aborted, "it was cancelled while the device was at it."};
+    const auto left = deadline - std::chrono::steady_clock::now();
+    if (left <= left.zero())
+      return {KrResult::Code::TimeLimitExceeded, "it is still under way after " + std::to_string(kLimitMs) + " ms."};
+    Pause(std::min<std::chrono::steady_clock::duration>(left, pause), mCancel);
+  }
 }
 
 } // namespace krgenicam

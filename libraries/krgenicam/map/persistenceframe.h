@@ -7,6 +7,8 @@
 #include "krgenicam/krgencommand.h"
 
 #include <functional>
+#include <stop_token>
+#include <utility>
 
 namespace krgenicam {
 
@@ -17,12 +19,19 @@ public:
   /// How long the device may take for each of the two.
   static constexpr int kLimitMs = 2000;
 
+  /// aCancel ends the waiting for the device, which is Aborted then; that the settings end it is told in any case.
+  explicit PersistenceFrame(std::stop_token aCancel) : mCancel(std::move(aCancel)) {}
+
   /// Begins where the device has the commands; OK where it has none.
   KrResult Begin(const Finder& aFind);
-  /// Ends what Begin has begun, even if that gave a failure.
+  /// Ends what Begin has begun, even if that gave a failure; OK, and nothing is done, where it is not begun.
   KrResult End();
 
 private:
+  KrResult Execute(KrGenCommand& aCommand);
+  KrResult AwaitDone(KrGenCommand& aCommand);
+
+  const std::stop_token mCancel;
   KrGenCommand* mEnd = nullptr;
 };
 

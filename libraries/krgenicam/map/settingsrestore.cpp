@@ -35,13 +35,14 @@ KrResult SettingsRestore::Run(const KrGenSettings& aSettings) {
     mSteps.push_back(MakeStep(setting));
   MarkSuperseded();
 
-  PersistenceFrame frame;
-  Note(frame.Begin([this](const KrString& aName) { return mArray.Get(aName); }));
-  SetAll();
-  Note(frame.End());
+  // Devices check their settings, and may change some, at the end of a frame: what is read before is not what they
+  // have.
+  SetInFrame(&SettingsRestore::SetAll);
   VerifyAll();
-  if (TakeSecondChance())
+  if (!IsEnded() && std::any_of(mSteps.begin(), mSteps.end(), HasSecondChance)) {
+    SetInFrame(&SettingsRestore::SetAgain);
     VerifyAll();
+  }
   PutSelectors();
   Report();
   return mFirstProblem;
@@ -84,6 +85,19 @@ void SettingsRestore::MarkSuperseded() {
   for (auto step = mSteps.rbegin(); step != mSteps.rend(); ++step)
     step->isSuperseded =
         step->parameter != nullptr && !places.insert(DescribePlace(step->setting.name, step->context)).second;
+}
+
+void SettingsRestore::SetInFrame(void (SettingsRestore::*aSet)()) {
+  const auto note = [this](const KrResult& aResult) {
+    if (IsEnd(aResult) && mEnd.IsOK())
+      mEnd = aResult;
+    if (!aResult.IsOK())
+      mFrameProblems.push_back(aResult);
+  };
+  PersistenceFrame frame(mCancel);
+  note(frame.Begin([this](const KrString& aName) { return mArray.Get(aName); }));
+  (this->*aSet)();
+  note(frame.End());
 }
 
 void SettingsRestore::SetAll() {
@@ -147,8 +161,12 @@ KrResult SettingsRestore::MoveTo(const std::vector<SelectorPosition>& aContext) 
 void SettingsRestore::VerifyAll() {
   mArray.InvalidateCache(); // What the device has counts, not what was written to it.
   for (Step& step : mSteps) {
-    if (!IsEnded() && !step.isSuperseded && !step.isSelector && (step.state == State::Set || step.state == State::Done))
+    if (IsEnded() || step.isSuperseded || step.isSelector)
+      continue;
+    if (step.state == State::Set || step.state == State::Done)
       VerifyStep(step);
+    else if (step.failure == KrResult::Code::AccessDenied)
+      AcceptDenied(step);
   }
 }
 
@@ -169,18 +187,31 @@ void SettingsRestore::VerifyStep(Step& aStep) {
   aStep.state = aStep.failure.IsOK() ? State::Done : State::Failed;
 }
 
-// What a later setting changed again, as devices do with exposure time and frame rate, is set once more. Whether there
-// was any.
-bool SettingsRestore::TakeSecondChance() {
-  bool isAny = false;
+// What could not be set may be as it is wanted all the same, as a locked parameter that nobody has touched.
+void SettingsRestore::AcceptDenied(Step& aStep) {
+  bool isSame = false;
+  KrString value;
+  KrResult read = MoveTo(aStep.context);
+  if (read.IsOK())
+    read = CompareWithText(*aStep.parameter, aStep.setting.value, isSame, value);
+  if (IsEnd(read))
+    mEnd = read;
+  if (!read.IsOK() || !isSame)
+    return;
+  aStep.failure = {};
+  aStep.state = State::Done;
+}
+
+// What a later setting changed again, as devices do with exposure time and frame rate, is set once more.
+bool SettingsRestore::HasSecondChance(const Step& aStep) {
+  return aStep.failure == KrResult::Code::NotSupported && aStep.state == State::Failed && aStep.parameter != nullptr;
+}
+
+void SettingsRestore::SetAgain() {
   for (Step& step : mSteps) {
-    if (IsEnded() || !(step.failure == KrResult::Code::NotSupported) || step.state != State::Failed ||
-        step.parameter == nullptr)
-      continue;
-    SetStep(step);
-    isAny = true;
+    if (!IsEnded() && HasSecondChance(step))
+      SetStep(step);
   }
-  return isAny;
 }
 
 // Where the settings leave the selectors, each under its own selectors' positions. Done in any case but for a device
@@ -190,10 +221,13 @@ void SettingsRestore::PutSelectors() {
     if (!step.isSelector || step.isSuperseded || mEnd == KrResult::Code::ConnectionLost)
       continue;
     step.failure = {};
+    step.state = State::Waiting;
     SetStep(step);
     mArray.InvalidateCache();
     if (step.state == State::Set)
       VerifyStep(step);
+    else if (step.failure == KrResult::Code::AccessDenied)
+      AcceptDenied(step);
   }
 }
 
@@ -204,7 +238,15 @@ bool SettingsRestore::IsEnded() {
   return !mEnd.IsOK();
 }
 
+// That it was cancelled comes first, as it is why other things are as they are.
 void SettingsRestore::Report() {
+  const bool isAborted = mEnd == KrResult::Code::Aborted;
+  if (isAborted)
+    Note({mEnd.GetCode(), "The settings are not all restored: " + GetReason(mEnd)});
+  for (const KrResult& problem : mFrameProblems) {
+    if (!isAborted || !(problem == KrResult::Code::Aborted))
+      Note(problem);
+  }
   for (const Step& step : mSteps) {
     if (!step.failure.IsOK() && !step.isSuperseded)
       Note({step.failure.GetCode(),

@@ -15,7 +15,8 @@
 namespace krgenicam {
 
 /// Each value is set and read under the positions that the settings before it gave its selectors, wherever the
-/// selectors stand meanwhile; at the end they stand where the settings leave them.
+/// selectors stand meanwhile; at the end they stand where the settings leave them. All but these last positions is set
+/// while the device knows that settings are being written.
 ///
 /// Thread: one at a time. Ownership: borrows the array and the list of problems.
 class SettingsRestore {
@@ -50,6 +51,7 @@ private:
   std::vector<SelectorPosition> MakeContext(KrGenParameter& aParameter);
   void MarkSuperseded();
 
+  void SetInFrame(void (SettingsRestore::*aSet)());
   void SetAll();
   bool SetPass();
   void SetStep(Step& aStep);
@@ -57,7 +59,9 @@ private:
 
   void VerifyAll();
   void VerifyStep(Step& aStep);
-  bool TakeSecondChance();
+  void AcceptDenied(Step& aStep);
+  static bool HasSecondChance(const Step& aStep);
+  void SetAgain();
   void PutSelectors();
 
   bool IsEnded();
@@ -71,6 +75,7 @@ private:
   std::vector<Step> mSteps;
   std::vector<SelectorPosition> mPositions; // Where the steps made so far leave the selectors.
   std::map<KrGenParameter*, std::vector<KrGenParameter*>> mSelectors;
+  std::vector<KrResult> mFrameProblems;
   KrResult mFirstProblem;
   KrResult mEnd; // Why nothing more is tried: the device does not answer any more, or it was cancelled.
 };

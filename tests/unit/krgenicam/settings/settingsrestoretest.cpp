@@ -1,5 +1,9 @@
 #include "describedsettings.h"
 
+#include <chrono>
+#include <future>
+#include <thread>
+
 namespace krgenicam {
 namespace {
 
@@ -185,11 +189,11 @@ TEST(RestoreSettings, ConnectionThatIsLost_EndsItWithTheNumberOfWhatWasLeft) {
                                                 StartsWith("1 further settings were not read back")));
 }
 
-std::string MakeCommand(const std::string& aName, int aAddress) {
+std::string MakeCommand(const std::string& aName, int aAddress, const std::string& aAccess = "WO") {
   return "<Command Name=\"" + aName + "\"><pValue>" + aName + "Reg</pValue><CommandValue>1</CommandValue></Command>" +
          "<IntReg Name=\"" + aName + "Reg\"><Address>" + std::to_string(aAddress) +
-         "</Address><Length>4</Length><AccessMode>WO</AccessMode><pPort>Device</pPort>"
-         "<Endianess>LittleEndian</Endianess></IntReg>";
+         "</Address><Length>4</Length><AccessMode>" + aAccess +
+         "</AccessMode><pPort>Device</pPort><Endianess>LittleEndian</Endianess></IntReg>";
 }
 
 std::vector<std::uint64_t> GetWrittenAddresses(SettingsCamera& aCamera) {
@@ -229,6 +233,121 @@ TEST(RestoreSettings, BeginThatFails_IsAProblemAndTheRestIsSet) {
 
   EXPECT_THAT(camera.GetProblems(), ElementsAre(StartsWith("DeviceFeaturePersistenceStart failed")));
   EXPECT_THAT(GetWrittenAddresses(camera), ElementsAre(100, 0, 104));
+}
+
+TEST(RestoreSettings, ValueThatIsSetOnceMore_IsSetInAFrameOfItsOwn) {
+  SettingsCamera camera(MakeInteger("Exposure", 0) + MakeInteger("Rate", 4) +
+                        MakeCommand("DeviceFeaturePersistenceStart", 100) +
+                        MakeCommand("DeviceFeaturePersistenceEnd", 104));
+  bool isFirst = true;
+  camera.port.SetFault([&](const RegisterAccessRecord& aRecord) {
+    // The first end has the device shorten the exposure.
+    if (aRecord.isWrite && aRecord.address == 104 && std::exchange(isFirst, false)) {
+      const std::uint8_t shorter[4] = {1, 0, 0, 0};
+      EXPECT_TRUE(camera.memory.Write(0, shorter, 4, 1000).IsOK());
+    }
+    return KrResult();
+  });
+
+  const KrResult result = camera.Restore({{"Exposure", "50"}, {"Rate", "30"}});
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_THAT(GetWrittenAddresses(camera), ElementsAre(100, 0, 4, 104, 100, 0, 104));
+  EXPECT_EQ(camera.Peek(0, 1), std::vector<std::uint8_t>{50});
+}
+
+// Cancels when a register has been read for the third time: meanwhile it is waited for.
+class CancelAtThirdRead {
+public:
+  CancelAtThirdRead(SettingsCamera& aCamera, std::uint64_t aAddress) : mCamera(aCamera) {
+    mCamera.port.SetFault([this, aAddress](const RegisterAccessRecord& aRecord) {
+      if (!aRecord.isWrite && aRecord.address == aAddress && ++mReads == 3)
+        mIsWaitedFor.set_value();
+      return KrResult();
+    });
+    mThread = std::jthread([this] {
+      EXPECT_EQ(mIsWaitedFor.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+      mCamera.array->Cancel();
+    });
+  }
+
+private:
+  SettingsCamera& mCamera;
+  int mReads = 0;
+  std::promise<void> mIsWaitedFor;
+  std::jthread mThread;
+};
+
+TEST(RestoreSettings, CancelledWhileTheBeginIsUnderWay_EndsItWithTheDeviceTold) {
+  SettingsCamera camera(MakeInteger("A", 0) + MakeCommand("DeviceFeaturePersistenceStart", 100, "RW") +
+                        MakeCommand("DeviceFeaturePersistenceEnd", 104, "RW"));
+  const CancelAtThirdRead cancel(camera, 100);
+
+  EXPECT_EQ(camera.Restore({{"A", "1"}}), KrResult::Code::Aborted);
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(AllOf(StartsWith("The settings are not all restored"),
+                                                      HasSubstr("Start"), HasSubstr("cancel")),
+                                                StartsWith("1 further settings were not tried")));
+  EXPECT_THAT(GetWrittenAddresses(camera), ElementsAre(100, 104));
+}
+
+TEST(RestoreSettings, CancelledWhileTheEndIsUnderWay_TellsSoBeforeOtherProblems) {
+  SettingsCamera camera(MakeInteger("A", 0) + MakeInteger("B", 4, "<Max>1</Max>") +
+                        MakeCommand("DeviceFeaturePersistenceStart", 100) +
+                        MakeCommand("DeviceFeaturePersistenceEnd", 104, "RW"));
+  const CancelAtThirdRead cancel(camera, 104);
+
+  EXPECT_EQ(camera.Restore({{"A", "1"}, {"B", "2"}}), KrResult::Code::Aborted);
+
+  EXPECT_THAT(camera.GetProblems(),
+              ElementsAre(AllOf(StartsWith("The settings are not all restored"), HasSubstr("End")),
+                          StartsWith("B: 2 is wanted"), StartsWith("1 further settings were not read back")));
+}
+
+// What is locked by a register that is 1.
+std::string MakeLocked() {
+  return MakeInteger("X", 0, "<pIsLocked>Lock</pIsLocked>") + MakeInteger("Lock", 4);
+}
+
+TEST(RestoreSettings, LockedParameterThatIsAsStored_IsNoProblem) {
+  SettingsCamera camera(MakeLocked());
+  camera.Poke(0, {5, 0, 0, 0, 1});
+
+  const KrResult result = camera.Restore({{"X", "5"}});
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_THAT(camera.GetProblems(), IsEmpty());
+  EXPECT_THAT(GetWrittenAddresses(camera), IsEmpty());
+}
+
+TEST(RestoreSettings, LockedParameterThatIsOtherThanStored_IsAProblem) {
+  SettingsCamera camera(MakeLocked());
+  camera.Poke(0, {5, 0, 0, 0, 1});
+
+  EXPECT_EQ(camera.Restore({{"X", "6"}}), KrResult::Code::AccessDenied);
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(StartsWith("X: 6 is wanted, but was not set")));
+}
+
+TEST(RestoreSettings, ParameterThatASettingLocksAsStored_IsNoProblem) {
+  SettingsCamera camera(MakeLocked());
+  camera.Poke(0, {5});
+
+  EXPECT_TRUE(camera.Restore({{"Lock", "1"}, {"X", "5"}}).IsOK());
+
+  EXPECT_EQ(camera.Restore({{"Lock", "1"}, {"X", "6"}}), KrResult::Code::AccessDenied);
+}
+
+TEST(RestoreSettings, LockedSelectorThatStandsAsStored_IsNoProblem) {
+  SettingsCamera camera(
+      MakeEnum("Sel", 0, {"A", "B"}, "<ImposedAccessMode>RO</ImposedAccessMode><pSelected>F</pSelected>") +
+      MakeBank("F", 16, "Sel"));
+  camera.Poke(0, {1});
+
+  const KrResult result = camera.Restore({{"Sel", "B"}, {"F", "3"}});
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(camera.Peek(20, 1), std::vector<std::uint8_t>{3});
 }
 
 TEST(RestoreSettings, ParameterThatCanOnlyBeWritten_IsNotReadBack) {
