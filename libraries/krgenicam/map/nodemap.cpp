@@ -80,6 +80,7 @@ void NodeMap::VisitOrigins(const Node& aNode) {
 
 void NodeMap::Invalidate(std::span<Node* const> aNodes, bool aIsWrite, bool aWithOrigins) {
   ++mMark;
+  mWalkOutside += mIsLooking ? 0 : 1;
   std::vector<Node*> affected;
   for (Node* node : aNodes)
     Visit(*node, aWithOrigins);
@@ -104,11 +105,17 @@ void NodeMap::OnInvalidated(Node& aNode, bool aIsWrite) {
   if (!aNode.watch || !aNode.watch->HasSinks())
     return;
   aNode.watch->OnInvalidated(mEpoch, aIsWrite);
+  // Registers whose bytes change all the time may find one another mistaken, look after look: once is enough.
+  if (mIsLooking && std::exchange(aNode.watch->lastLook, mWalkOutside) == mWalkOutside) {
+    mWatchesOfNextPoll.insert(aNode.watch);
+    return;
+  }
   mNotifications.Queue(*aNode.watch);
 }
 
 void NodeMap::InvalidateCache() {
   (void)Run([this](Evaluation&) { // Nothing is remembered of a map that is closed.
+    ++mWalkOutside;
     std::vector<Node*> affected;
     for (const std::unique_ptr<Node>& node : mNodes) {
       node->Forget(affected);

@@ -153,8 +153,11 @@ private:
   std::uint64_t mMark = 0;
   std::vector<WalkStep> mWalk; // What an invalidation has still to visit.
   std::vector<PolledNode> mPolledNodes;
-  std::unordered_set<ParameterWatch*> mFailedWatches; // Looked at while the port failed: worth another look.
-  std::stop_token mRunningCancel;                     // Of the operation that runs.
+  // Worth another look at the next Poll: looked at while the port failed, or found mistaken by look after look.
+  std::unordered_set<ParameterWatch*> mWatchesOfNextPoll;
+  bool mIsLooking = false;        // It is looked at what changed.
+  std::uint64_t mWalkOutside = 0; // Counts the invalidations that come of anything else than such looks.
+  std::stop_token mRunningCancel; // Of the operation that runs.
 
   mutable std::mutex mStateMutex; // Guards the members from here on; never held while the map's lock is waited for.
   std::stop_source mCancel;

@@ -21,9 +21,9 @@ KrResult NodeMap::Poll() {
       return first.IsOK() ? KrResult(KrResult::Code::Aborted, "Polling was cancelled.") : first;
   }
   const KrResult queued = Run([this](Evaluation&) {
-    for (ParameterWatch* watch : mFailedWatches)
+    for (ParameterWatch* watch : mWatchesOfNextPoll)
       mNotifications.Queue(*watch);
-    mFailedWatches.clear();
+    mWatchesOfNextPoll.clear();
     return KrResult();
   });
   return first.IsOK() ? queued : first;
@@ -129,14 +129,16 @@ void NodeMap::Look(ParameterWatch& aWatch) {
   const KrResult result = Run([&](Evaluation& aEvaluation) {
     const std::uint64_t failuresCount = mPort.GetFailuresCount();
     known.epoch = aEvaluation.epoch;
+    mIsLooking = true;
     ParameterSnapshot snapshot = TakeSnapshot(aWatch.GetNode(), aEvaluation, aWatch.GetWritesCount());
+    mIsLooking = false;
     // What a cancelled access left unknown is no change.
     if (mRunningCancel.stop_requested())
       mNotifications.Queue(aWatch);
     else
       known.snapshot = std::make_shared<const ParameterSnapshot>(std::move(snapshot));
     if (mPort.GetFailuresCount() != failuresCount)
-      mFailedWatches.insert(&aWatch);
+      mWatchesOfNextPoll.insert(&aWatch);
     return KrResult();
   });
   if (result.IsOK() && known.snapshot)

@@ -40,6 +40,8 @@ public:
   void Notify(const Known& aKnown);
 
   bool isQueued = false; ///< The notification thread's.
+  std::uint64_t lastLook =
+      0; ///< The map's: the last walk from outside after which a look at another had this looked at.
 
 private:
   struct Knowledge {

@@ -132,16 +132,14 @@ KrResult PortNode::ReadCached(Evaluation& aEvaluation, const RegisterAccess& aAc
   const auto address = static_cast<std::uint64_t>(aAccess.range.address);
   KrResult result = mSwapsWords ? ReadSwapped(aEvaluation, address, aBytes) : ReadDevice(aEvaluation, address, aBytes);
   if (result.IsOK())
-    Keep(aEvaluation, aAccess, aBytes, former && !std::ranges::equal(former->GetBytes(), aBytes));
+    Keep(aEvaluation, aAccess, aBytes);
   return result;
 }
 
-void PortNode::Keep(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::span<const std::uint8_t> aBytes,
-                    bool aAreOthers) {
+void PortNode::Keep(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::span<const std::uint8_t> aBytes) {
   std::vector<RegisterUser*> users;
-  if (aAreOthers)
-    mCache.DropOverlapping(aAccess.range, users);
-  else if (mCache.IsFull(aAccess.range.length))
+  mCache.Correct(aAccess.range, aBytes, users);
+  if (mCache.IsFull(aAccess.range.length))
     mCache.DropAll(users);
   std::vector<Node*> mistaken;
   for (const RegisterUser* const user : users) {

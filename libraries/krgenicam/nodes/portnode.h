@@ -76,8 +76,7 @@ private:
   KrResult ReadSwapped(Evaluation& aEvaluation, std::uint64_t aAddress, std::span<std::uint8_t> aBytes) const;
   KrResult WriteDevice(Evaluation& aEvaluation, std::uint64_t aAddress, std::span<const std::uint8_t> aBytes) const;
   KrResult WriteSwapped(Evaluation& aEvaluation, std::uint64_t aAddress, std::span<const std::uint8_t> aBytes) const;
-  void Keep(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::span<const std::uint8_t> aBytes,
-            bool aAreOthers);
+  void Keep(Evaluation& aEvaluation, const RegisterAccess& aAccess, std::span<const std::uint8_t> aBytes);
 
   const Kind mKind;
   bool mSwapsWords = false;

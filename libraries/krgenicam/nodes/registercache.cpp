@@ -29,6 +29,16 @@ bool Overlap(const RegisterRange& aLeft, const RegisterRange& aRight) {
                                          : static_cast<std::uint64_t>(aLeft.address - aRight.address) < aRight.length;
 }
 
+// Whether two entries' bytes differ where their ranges, which overlap, have the same addresses.
+bool Contradicts(RegisterEntry& aEntry, const RegisterRange& aRange, std::span<const std::uint8_t> aBytes) {
+  const std::int64_t begin = std::max(aEntry.range.address, aRange.address);
+  const std::span<const std::uint8_t> kept =
+      aEntry.GetBytes().subspan(static_cast<std::size_t>(begin - aEntry.range.address));
+  const std::span<const std::uint8_t> given = aBytes.subspan(static_cast<std::size_t>(begin - aRange.address));
+  const std::size_t length = std::min(kept.size(), given.size());
+  return !std::ranges::equal(kept.first(length), given.first(length));
+}
+
 template <typename Element>
 void Remove(std::vector<Element*>& aElements, const Element* aElement) {
   // The last ones go first where all go.
@@ -98,27 +108,56 @@ bool RegisterCache::IsFull(std::size_t aLength) const {
   return mEntries.size() >= kMostEntries || mBytes + aLength > kMostBytes;
 }
 
-void RegisterCache::DropOverlapping(const RegisterRange& aRange, std::vector<RegisterUser*>& aUsers) {
-  std::vector<RegisterEntry*> dropped;
-  const auto collect = [&dropped, &aRange](RegisterEntry* aEntry) {
+template <typename Call>
+void RegisterCache::ForEachOverlapping(const RegisterRange& aRange, Call&& aCall) const {
+  const auto check = [&](RegisterEntry* aEntry) {
     if (Overlap(aEntry->range, aRange))
-      dropped.push_back(aEntry);
+      aCall(*aEntry);
   };
-  std::ranges::for_each(mLong, collect);
+  std::ranges::for_each(mLong, check);
   const std::uint64_t first = GetFirstBlock(aRange);
   const std::uint64_t last = GetLastBlock(aRange);
   if (last - first >= mBlocks.size()) {
     for (const auto& [block, entries] : mBlocks)
-      std::ranges::for_each(entries, collect);
+      std::ranges::for_each(entries, check);
   } else {
     for (std::uint64_t block = first; block <= last; ++block) {
       if (const auto found = mBlocks.find(block); found != mBlocks.end())
-        std::ranges::for_each(found->second, collect);
+        std::ranges::for_each(found->second, check);
     }
   }
+}
+
+void RegisterCache::DropOverlapping(const RegisterRange& aRange, std::vector<RegisterUser*>& aUsers) {
+  std::vector<RegisterEntry*> dropped;
+  ForEachOverlapping(aRange, [&](RegisterEntry& aEntry) { dropped.push_back(&aEntry); });
   KeepOneOfEach(dropped);
   for (RegisterEntry* const entry : dropped)
     Drop(*entry, aUsers);
+  KeepOneOfEach(aUsers);
+}
+
+void RegisterCache::Correct(const RegisterRange& aRange, std::span<const std::uint8_t> aBytes,
+                            std::vector<RegisterUser*>& aUsers) {
+  std::vector<RegisterEntry*> mistaken;
+  ForEachOverlapping(aRange, [&](RegisterEntry& aEntry) {
+    if (Contradicts(aEntry, aRange, aBytes))
+      mistaken.push_back(&aEntry);
+  });
+  KeepOneOfEach(mistaken);
+  for (RegisterEntry* const entry : mistaken) {
+    entry->source = RegisterEntry::Source::Passing;
+    entry->epoch = 0;
+    std::erase_if(entry->users, [&](RegisterUser* aUser) {
+      if (!aUser->remembers)
+        return false;
+      Remove(aUser->entries, entry);
+      aUsers.push_back(aUser);
+      return true;
+    });
+    if (entry->users.empty())
+      Drop(*entry, aUsers);
+  }
   KeepOneOfEach(aUsers);
 }
 

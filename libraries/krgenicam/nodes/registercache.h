@@ -78,6 +78,9 @@ public:
 
   /// Forgets all entries that share bytes with a range; each of their users is added to aUsers once.
   void DropOverlapping(const RegisterRange& aRange, std::vector<RegisterUser*>& aUsers);
+  /// Bytes of a range came from the device: entries that share some with it and have others hold no more. Those who
+  /// remember them are added to aUsers once and stand on them no longer; the others stay, to be told of writes.
+  void Correct(const RegisterRange& aRange, std::span<const std::uint8_t> aBytes, std::vector<RegisterUser*>& aUsers);
   /// Forgets all entries that a user stands on; their other users' nodes are added to aAffected.
   void DropUsed(RegisterUser& aUser, std::vector<Node*>& aAffected);
   void DropAll(std::vector<RegisterUser*>& aUsers);
@@ -88,6 +91,9 @@ public:
   void NoteWrittenBlind(const RegisterRange& aRange, std::span<const std::uint8_t> aBytes);
 
 private:
+  /// Calls with each entry that shares bytes with a range, with some more than once.
+  template <typename Call>
+  void ForEachOverlapping(const RegisterRange& aRange, Call&& aCall) const;
   void Drop(RegisterEntry& aEntry, std::vector<RegisterUser*>& aUsers);
   void AddToIndex(RegisterEntry& aEntry);
   void RemoveFromIndex(RegisterEntry& aEntry);

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
 #include <stdexcept>
 #include <thread>
 
@@ -274,6 +276,45 @@ TEST_F(Events, SetValue_BeforeAnythingIsKnown_CountsAsAChange) {
   mCamera.AwaitNotifications();
 
   EXPECT_THAT(sink.TakeNames(), ElementsAre("Width"));
+}
+
+TEST(EventsOfOverlappingRegisters, BytesThatChangeWithEachReading_EndInNoCircle) {
+  constexpr int kProbes = 8;
+  constexpr std::uint64_t kProbePlace = 0x400;
+  std::string nodes = MakeRegister("Whole", 0x100) +
+                      "<IntReg Name=\"Half\"><Address>0x100</Address><Length>2</Length><AccessMode>RO</AccessMode>"
+                      "<pPort>Device</pPort><Endianess>LittleEndian</Endianess></IntReg>\n";
+  for (int i = 0; i < kProbes; ++i)
+    nodes += MakeRegister("Probe" + std::to_string(i), static_cast<int>(kProbePlace) + 4 * i);
+  ChangingCamera camera(nodes);
+  RecordingSink sink;
+  camera.Watch("Whole", sink);
+  camera.Watch("Half", sink);
+  std::atomic<std::size_t> readingsCount = 0;
+  std::array<Occasion, kProbes> probed;
+  camera.port.SetFault([&](const RegisterAccessRecord& aAccess) {
+    if (aAccess.address >= kProbePlace && aAccess.address < kProbePlace + 4 * kProbes)
+      probed[(aAccess.address - kProbePlace) / 4].Happen();
+    if (aAccess.address == 0x100)
+      camera.Poke(0x100, {static_cast<std::uint8_t>(++readingsCount)});
+    return KrResult();
+  });
+  // What is listened to for the first time is looked at after all that waits, and changes nothing.
+  const auto probe = [&](int aFirst, int aLast) {
+    for (int i = aFirst; i <= aLast; ++i) {
+      sink.Listen(camera.Integer(("Probe" + std::to_string(i)).c_str()));
+      probed[static_cast<std::size_t>(i)].Await();
+    }
+  };
+
+  ASSERT_TRUE(camera.array->Invalidate("Half").IsOK());
+  probe(0, 4);
+  const std::size_t foundCount = readingsCount;
+  probe(5, kProbes - 1);
+
+  EXPECT_THAT(sink.TakeNames(), Contains("Whole"));
+  EXPECT_EQ(readingsCount, foundCount);
+  camera.port.SetFault({});
 }
 
 TEST_F(Events, InvalidateCache_BeforeAnythingIsKnown_CountsAsNoChange) {

@@ -53,6 +53,65 @@ TEST(RegisterSharing, NoCache_ThatFindsOtherBytes_TellsThoseWhoRememberThem) {
   EXPECT_EQ(bench.Read("Part"), 7);
 }
 
+TEST(RegisterSharing, ReadingOfOtherLengths_TellsThoseWhoRememberOtherBytes) {
+  struct {
+    const char* what;
+    const char* caching;
+    bool isFresh;
+  } constexpr kRows[] = {
+      {"not cached", "NoCache", false},
+      {"fresh", "WriteThrough", true},
+      {"read for the first time", "WriteThrough", false},
+  };
+
+  for (const auto& row : kRows) {
+    RegisterBench bench(MakeRegister("Whole", 0, 4, row.caching) + MakeRegister("Changed", 0, 2) +
+                        MakeRegister("Across", 1, 4) + MakeRegister("Same", 2, 2) + MakeRegister("Away", 4, 4));
+    for (const char* name : {"Changed", "Across", "Same", "Away"})
+      bench.Read(name);
+    bench.TakeInvalidated();
+    bench.walksCount = 0;
+    bench.Poke(1, 7);
+
+    Evaluation evaluation(bench);
+    evaluation.isFresh = row.isFresh;
+
+    EXPECT_EQ(bench.Read(evaluation, "Whole"), 0x700) << row.what;
+    EXPECT_THAT(bench.TakeInvalidated(), UnorderedElementsAre("Changed", "Across")) << row.what;
+    EXPECT_EQ(bench.walksCount, 1U) << row.what;
+    EXPECT_EQ(bench.Read("Changed"), 0x700) << row.what;
+    EXPECT_EQ(bench.Read("Across"), 7) << row.what;
+  }
+}
+
+TEST(RegisterSharing, ReadingOfALongRegister_TellsThoseWhoRememberOtherBytes) {
+  RegisterBench bench("<Register Name=\"Long\"><Address>0</Address><Length>4096</Length><AccessMode>RO</AccessMode>"
+                      "<pPort>Device</pPort><Cachable>NoCache</Cachable></Register>" +
+                      MakeRegister("A", 0x7FC, 4) + MakeRegister("B", 0x800, 4));
+  bench.Read("A");
+  bench.Read("B");
+  bench.Poke(0x800, 7);
+  Evaluation evaluation(bench);
+  std::vector<std::uint8_t> bytes;
+
+  ASSERT_TRUE(dynamic_cast<krgenicam::RegisterNode&>(bench.Get("Long")).ReadBytes(evaluation, bytes).IsOK());
+
+  EXPECT_THAT(bench.TakeInvalidated(), UnorderedElementsAre("B"));
+}
+
+TEST(RegisterSharing, NoCache_ThatIsFoundToHaveOtherBytesByAnotherLength_IsStillToldOfWrites) {
+  RegisterBench bench(MakeRegister("Passing", 0, 4, "NoCache") + MakeRegister("Part", 0, 2) +
+                      MakeRegister("Rest", 2, 2));
+  bench.Read("Passing");
+  bench.Poke(0, 1);
+  bench.Read("Part");
+  EXPECT_THAT(bench.TakeInvalidated(), IsEmpty());
+
+  bench.Write("Rest", 5);
+
+  EXPECT_THAT(bench.TakeInvalidated(), UnorderedElementsAre("Passing", "Rest"));
+}
+
 TEST(RegisterSharing, NoCache_ThatChangesAllTheTime_InvalidatesNobody) {
   RegisterBench bench(MakeRegister("A", 0, 4, "NoCache") + MakeRegister("B", 0, 4, "NoCache"));
   bench.Read("A");
