@@ -3,6 +3,7 @@
 #include "nodes/commandnode.h"
 #include "nodes/enumerationnode.h"
 #include "nodes/portnode.h"
+#include "nodes/registernode.h"
 
 // What makes nodes be read anew beside writing, and how sinks hear of changes.
 
@@ -52,8 +53,12 @@ KrResult NodeMap::PollNode(Evaluation& aEvaluation, PolledNode& aPolled, std::ui
 }
 
 KrResult NodeMap::ReadPolled(Evaluation& aEvaluation, Node& aNode) {
-  // A register's contents are read by who asks for them; what cannot be read is no failure.
+  // What cannot be read is no failure.
   const KrGenType type = aNode.GetType();
+  if (type == KrGenType::Register && IsWorthReading(aNode, aEvaluation)) {
+    std::vector<std::uint8_t> bytes;
+    return static_cast<RegisterNode&>(aNode).GetBytes(aEvaluation, bytes);
+  }
   if (type == KrGenType::Register || type == KrGenType::Other || !IsReadable(aNode.GetAccess(aEvaluation)))
     return {};
   if (type == KrGenType::String) {

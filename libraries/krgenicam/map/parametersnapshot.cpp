@@ -2,10 +2,16 @@
 
 #include "map/tableorder.h"
 #include "nodes/enumerationnode.h"
+#include "nodes/registernode.h"
+
+#include <string_view>
 
 namespace krgenicam {
 
 namespace {
+
+// The longest register that is read only to find out whether it changed.
+constexpr std::int64_t kMostBytesLookedAt = std::int64_t{64} << 10;
 
 ParameterSnapshot::Item Look(Evaluation& aEvaluation, Node& aNode, Facet aFacet) {
   Number number;
@@ -61,7 +67,17 @@ void LookAtText(Evaluation& aEvaluation, Node& aNode, ParameterSnapshot& aSnapsh
   aSnapshot.maximum.number = Number(length);
 }
 
-// Of registers, only that they were written is told; nodes without a value have no more than their access.
+void LookAtRegister(Evaluation& aEvaluation, Node& aNode, ParameterSnapshot& aSnapshot) {
+  if (!IsWorthReading(aNode, aEvaluation))
+    return;
+  aSnapshot.writesCount = 0;
+  std::vector<std::uint8_t> bytes;
+  aSnapshot.value.code = static_cast<RegisterNode&>(aNode).GetBytes(aEvaluation, bytes).GetCode();
+  aSnapshot.bytesLength = bytes.size();
+  aSnapshot.bytesHash = std::hash<std::string_view>()({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
+
+// Nodes without a value have no more than their access.
 void LookAtAccess(Evaluation&, Node&, ParameterSnapshot&) {}
 
 struct Row {
@@ -71,15 +87,21 @@ struct Row {
 
 // In the order of KrGenType.
 constexpr Row kRows[] = {
-    {KrGenType::Integer, LookAtNumber},  {KrGenType::Enumeration, LookAtEnumeration},
-    {KrGenType::Boolean, LookAtValue},   {KrGenType::String, LookAtText},
-    {KrGenType::Command, LookAtCommand}, {KrGenType::Float, LookAtNumber},
-    {KrGenType::Register, LookAtAccess}, {KrGenType::Other, LookAtAccess},
+    {KrGenType::Integer, LookAtNumber},    {KrGenType::Enumeration, LookAtEnumeration},
+    {KrGenType::Boolean, LookAtValue},     {KrGenType::String, LookAtText},
+    {KrGenType::Command, LookAtCommand},   {KrGenType::Float, LookAtNumber},
+    {KrGenType::Register, LookAtRegister}, {KrGenType::Other, LookAtAccess},
 };
 
 static_assert(IsInOrderOf(kRows, &Row::type));
 
 } // namespace
+
+bool IsWorthReading(Node& aNode, Evaluation& aEvaluation) {
+  std::int64_t length = 0;
+  return aNode.GetType() == KrGenType::Register && IsReadable(aNode.GetAccess(aEvaluation)) &&
+         static_cast<RegisterNode&>(aNode).GetLength(aEvaluation, length).IsOK() && length <= kMostBytesLookedAt;
+}
 
 ParameterSnapshot TakeSnapshot(Node& aNode, Evaluation& aEvaluation, std::uint64_t aWritesCount) {
   const KrGenType type = aNode.GetType();

@@ -34,11 +34,15 @@ struct ParameterSnapshot {
   std::string_view unit = {};
   KrGenDisplayNotation notation = KrGenDisplayNotation::Automatic;
   std::int64_t precision = 0;
-  std::uint64_t writesCount = 0; ///< Of a register, whose contents are not looked at.
+  std::size_t bytesLength = 0;   ///< Of a register, …
+  std::size_t bytesHash = 0;     ///< … whose bytes are looked at.
+  std::uint64_t writesCount = 0; ///< Of a register whose bytes are not.
 
   friend bool operator==(const ParameterSnapshot&, const ParameterSnapshot&) = default;
 };
 
+/// Whether a register, if the node is one, is short enough to be read only to find out whether it changed, and can be.
+bool IsWorthReading(Node& aNode, Evaluation& aEvaluation);
 /// Takes the snapshot of a node, which was written, or may have been, aWritesCount times. Failures are part of it.
 ParameterSnapshot TakeSnapshot(Node& aNode, Evaluation& aEvaluation, std::uint64_t aWritesCount);
 

@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <vector>
 
+/// Event sinks are told when the bytes are others than before, of a register that cannot be read or is longer than 64
+/// KiB each time it is written; polling reads registers up to that length.
+///
 /// Thread, ownership, results: as KrGenParameter.
 class KR_EXPORT KrGenRegister final : public KrGenParameter {
 public:

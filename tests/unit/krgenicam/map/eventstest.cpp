@@ -139,16 +139,53 @@ TEST_F(Events, TextsAndRegisters_WhenWritten_TellTheirSinks) {
   EXPECT_THAT(bytes.TakeNames(), ElementsAre("Bytes"));
 }
 
-TEST_F(Events, Registers_ThatAreWatched_AreNotRead) {
+TEST_F(Events, SetValue_OfTheBytesThatARegisterHas_TellsNobody) {
+  RecordingSink sink;
+  ASSERT_TRUE(mCamera.Register("Bytes").SetValue({1, 2, 3, 4}).IsOK());
+  mCamera.Watch("Bytes", sink);
+
+  ASSERT_TRUE(mCamera.Register("Bytes").SetValue({1, 2, 3, 4}).IsOK());
+  mCamera.AwaitNotifications();
+
+  EXPECT_THAT(sink.TakeNames(), IsEmpty());
+}
+
+TEST_F(Events, InvalidateCache_AfterTheDeviceChangedARegister_TellsItsSink) {
   RecordingSink sink;
   mCamera.Watch("Bytes", sink);
-  (void)mCamera.port.TakeRecords(); // What came before is of no interest.
+  mCamera.Poke(0x303, {1});
 
   mCamera.array->InvalidateCache();
   mCamera.AwaitNotifications();
 
-  EXPECT_THAT(mCamera.port.TakeRecords(), testing::Not(Contains(RegisterAccessRecord{false, 0x300, 4})));
-  EXPECT_THAT(sink.TakeNames(), IsEmpty());
+  EXPECT_THAT(sink.TakeNames(), ElementsAre("Bytes"));
+}
+
+TEST(EventsOfRegisters, WhatIsTooLongOrCannotBeRead_IsNotReadAndToldWhenWritten) {
+  struct {
+    const char* what;
+    const char* length;
+    const char* mode;
+    std::size_t bytesCount;
+  } constexpr kRows[] = {{"too long", "65537", "RW", 65537}, {"cannot be read", "4", "WO", 4}};
+
+  for (const auto& row : kRows) {
+    ChangingCamera camera("<Register Name=\"Bytes\"><Address>0x100000</Address><Length>" + std::string(row.length) +
+                          "</Length><AccessMode>" + row.mode + "</AccessMode><pPort>Device</pPort></Register>");
+    RecordingSink sink;
+    camera.Watch("Bytes", sink);
+    camera.array->InvalidateCache();
+    camera.AwaitNotifications();
+    EXPECT_THAT(sink.TakeNames(), IsEmpty()) << row.what;
+
+    ASSERT_TRUE(camera.Register("Bytes").SetValue(std::vector<std::uint8_t>(row.bytesCount)).IsOK()) << row.what;
+    camera.AwaitNotifications();
+
+    EXPECT_THAT(sink.TakeNames(), ElementsAre("Bytes")) << row.what;
+    EXPECT_THAT(camera.port.TakeRecords(),
+                testing::Not(Contains(RegisterAccessRecord{false, 0x100000, row.bytesCount})))
+        << row.what;
+  }
 }
 
 TEST_F(Events, InvalidateCache_AfterTheDeviceChanged_TellsWhatIsDifferent) {

@@ -20,6 +20,8 @@ const std::string kNodes = MakeRegister("Temperature", 0x100, "<PollingTime>1000
 <Enumeration Name="Auto"><EnumEntry Name="Off"><Value>0</Value></EnumEntry>
   <EnumEntry Name="Once"><Value>1</Value><IsSelfClearing>Yes</IsSelfClearing></EnumEntry>
   <pValue>AutoReg</pValue><PollingTime>1000</PollingTime></Enumeration>
+<Register Name="Block"><Address>0x200</Address><Length>4</Length><AccessMode>RO</AccessMode><pPort>Device</pPort>
+  <PollingTime>7000</PollingTime></Register>
 <Command Name="Start"><pValue>StartReg</pValue><CommandValue>1</CommandValue><PollingTime>1000</PollingTime></Command>
 )" + MakeRegister("StartReg", 0x118);
 
@@ -73,6 +75,21 @@ TEST_F(Polling, Poll_OfWhatTheDeviceChanged_HasTheNewValueAndTellsItsSink) {
   EXPECT_THAT(sink.TakeNames(), ElementsAre("Temperature"));
   EXPECT_EQ(Get("Temperature"), 40);
   EXPECT_EQ(Get("Still"), 0);
+}
+
+TEST_F(Polling, Poll_OfARegisterThatTheDeviceChanged_TellsItsSinkOnce) {
+  RecordingSink sink;
+  mCamera.Watch("Block", sink);
+  mCamera.Poke(0x202, {5});
+  mNowMs += 7000;
+
+  EXPECT_THAT(PollAndTakeAddresses(), testing::Contains(0x200));
+  mCamera.AwaitNotifications();
+  mNowMs += 7000;
+  EXPECT_THAT(PollAndTakeAddresses(), testing::Contains(0x200));
+  mCamera.AwaitNotifications();
+
+  EXPECT_THAT(sink.TakeNames(), ElementsAre("Block"));
 }
 
 TEST_F(Polling, Poll_BeforeASinkKnowsAnything_CountsAsNoChange) {
