@@ -215,6 +215,16 @@ KrResult ConverterNode::ComputeIncrement(Evaluation& aEvaluation, Number& aValue
   return {};
 }
 
+bool ConverterNode::CanHaveValidValues(std::size_t aDepth) {
+  if (!mCanHaveValidValues) {
+    // As in ValueNode.
+    mCanHaveValidValues = true;
+    mCanHaveValidValues =
+        aDepth >= Evaluation::kMaxDepth || (mTarget.node && mTarget.node->CanHaveValidValues(aDepth + 1));
+  }
+  return *mCanHaveValidValues;
+}
+
 KrResult ConverterNode::GetValidValues(Evaluation& aEvaluation, std::vector<Number>& aValues) {
   aValues.clear();
   const Descent descent(aEvaluation, *this);

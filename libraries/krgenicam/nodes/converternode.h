@@ -17,6 +17,7 @@ public:
   KrResult CheckWrite(Evaluation& aEvaluation, const Number& aValue) override;
   KrResult Write(Evaluation& aEvaluation, const Number& aValue) override;
   KrResult GetValidValues(Evaluation& aEvaluation, std::vector<Number>& aValues) override;
+  bool CanHaveValidValues(std::size_t aDepth) override;
   bool HasIncrement(Evaluation& aEvaluation) override;
 
 protected:
@@ -64,6 +65,7 @@ private:
   CompiledFormula mTo;   ///< Of the node's value FROM.
   Slope mSlope = Slope::Automatic;
   bool mIsLinear = false;
+  std::optional<bool> mCanHaveValidValues;
 };
 
 } // namespace krgenicam

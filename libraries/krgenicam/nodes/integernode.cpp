@@ -96,6 +96,8 @@ KrResult IntegerNode::ReadTarget(Evaluation& aEvaluation, Node& aTarget, Number&
 
 KrResult IntegerNode::CheckValid(Evaluation& aEvaluation, std::int64_t aValue, bool& aIsListed) {
   constexpr std::size_t kMostNamed = 20;
+  if (!CanHaveValidValues(0))
+    return {};
   std::vector<Number> values;
   if (KrResult result = GetValidValues(aEvaluation, values); !result.IsOK())
     return result;

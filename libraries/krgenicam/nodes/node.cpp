@@ -401,6 +401,10 @@ KrResult Node::GetValidValues(Evaluation&, std::vector<Number>& aValues) {
   return {};
 }
 
+bool Node::CanHaveValidValues(std::size_t) {
+  return false;
+}
+
 NodeShown Node::GetShown(Evaluation&) {
   return {};
 }

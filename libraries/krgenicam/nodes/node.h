@@ -136,6 +136,9 @@ public:
   virtual KrResult GetMaxTextLength(Evaluation& aEvaluation, std::int64_t& aLength);
   /// The only values that there are, ascending; empty where there are no such.
   virtual KrResult GetValidValues(Evaluation& aEvaluation, std::vector<Number>& aValues);
+  /// Whether there can be such at all, here or in what the value is handed on from; found once, as asking each node on
+  /// a long way for them takes its time. aDepth counts the nodes that are asking.
+  virtual bool CanHaveValidValues(std::size_t aDepth = 0);
   virtual NodeShown GetShown(Evaluation& aEvaluation);
   /// Whether the limit of a facet is more than the end of what numbers of the type can be.
   virtual bool HasLimit(Evaluation& aEvaluation, Facet aFacet);

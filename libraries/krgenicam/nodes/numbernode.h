@@ -15,6 +15,9 @@ public:
 
   void Link(INodeIndex& aIndex) override;
   KrResult GetValidValues(Evaluation& aEvaluation, std::vector<Number>& aValues) override;
+  bool CanHaveValidValues(std::size_t aDepth) override {
+    return !mValidValues.empty() || ValueNode::CanHaveValidValues(aDepth);
+  }
   NodeShown GetShown(Evaluation& aEvaluation) override;
   bool HasLimit(Evaluation& aEvaluation, Facet aFacet) override;
 

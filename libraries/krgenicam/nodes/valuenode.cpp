@@ -106,6 +106,19 @@ KrResult ValueNode::PickOrigin(Evaluation& aEvaluation, Origin& aOrigin) {
   return {};
 }
 
+bool ValueNode::CanHaveValidValues(std::size_t aDepth) {
+  const auto isSource = [aDepth](const NodeLink& aLink) {
+    return aLink.node && aLink.node->CanHaveValidValues(aDepth + 1);
+  };
+  if (!mCanHaveValidValues) {
+    // Stays so for who asks from within a circle, or from too deep: the values themselves are asked for then.
+    mCanHaveValidValues = true;
+    mCanHaveValidValues = aDepth >= Evaluation::kMaxDepth || isSource(mTarget) || isSource(mDefault.link) ||
+                          std::ranges::any_of(mChoices, [&](const Choice& aChoice) { return isSource(aChoice.link); });
+  }
+  return *mCanHaveValidValues;
+}
+
 KrResult ValueNode::ReadOrigin(Evaluation& aEvaluation, Number& aValue) {
   Origin origin;
   if (KrResult result = PickOrigin(aEvaluation, origin); !result.IsOK())

@@ -4,6 +4,7 @@
 
 #include "nodes/node.h"
 
+#include <optional>
 #include <vector>
 
 namespace krgenicam {
@@ -14,6 +15,8 @@ public:
   using Node::Node;
 
   void Link(INodeIndex& aIndex) override;
+
+  bool CanHaveValidValues(std::size_t aDepth) override;
 
 protected:
   /// Where a value is: in another node, or here. One of the two is set.
@@ -76,6 +79,7 @@ private:
   bool mHasDefault = false;
   bool mIsEmpty = false; ///< Nothing says where the value is.
   Number mStored;
+  std::optional<bool> mCanHaveValidValues;
 };
 
 } // namespace krgenicam

@@ -188,6 +188,27 @@ TEST(Chain, TooLong_SaysSo) {
 }
 
 // Forty levels of nodes that each use the next one twice: 2^40 ways down.
+TEST(Chain, OfManyNodesInManyCopies_CanBeWritten) {
+  constexpr int kChains = 20;
+  constexpr int kNodes = 200;
+  std::string nodes;
+  std::string copies;
+  for (int chain = 0; chain < kChains; ++chain) {
+    const auto makeName = [&](int aNode) { return "N" + std::to_string(chain) + "x" + std::to_string(aNode); };
+    for (int node = 1; node < kNodes; ++node)
+      nodes += MakeInteger(makeName(node), "<pValue>" + makeName(node - 1) + "</pValue>");
+    nodes += MakeInteger(makeName(0), "<Value>1</Value>");
+    copies += (chain == 0 ? "<pValue>" : "<pValueCopy>") + makeName(kNodes - 1) +
+              (chain == 0 ? "</pValue>" : "</pValueCopy>");
+  }
+  DescribedCamera camera(nodes + MakeInteger("Y", copies) + MakeInteger("X", "<pValue>Y</pValue>"));
+
+  const KrResult result = camera.Integer("X").SetValue(7);
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(Read(camera.Integer("N19x0"), &KrGenInteger::GetValue), 7);
+}
+
 TEST(Diamond, OfFormulas_IsComputedOncePerNode) {
   std::string nodes = MakeInteger("N40", "<Value>1</Value>");
   for (int i = 0; i < 40; ++i) {

@@ -131,6 +131,24 @@ TEST(IntegerNode, ValidValues_SortedWithinRangeAndTheOnlyOnes) {
   EXPECT_TRUE(x.SetValue(16).IsOK());
 }
 
+TEST(IntegerNode, ValidValuesFarBehind_AreTheOnlyOnesInFront) {
+  DescribedCamera camera(
+      "<Integer Name=\"Behind\"><Value>1</Value><ValidValueSet>1;4</ValidValueSet></Integer>"
+      "<Integer Name=\"Other\"><Value>1</Value></Integer><Integer Name=\"Pick\"><Value>0</Value></Integer>"
+      "<IntConverter Name=\"Twice\"><FormulaTo>FROM / 2</FormulaTo><FormulaFrom>TO * 2</FormulaFrom>"
+      "<pValue>Behind</pValue></IntConverter>"
+      "<Integer Name=\"Picked\"><pIndex>Pick</pIndex><pValueIndexed Index=\"0\">Twice</pValueIndexed>"
+      "<pValueDefault>Other</pValueDefault></Integer>"
+      "<Integer Name=\"X\"><pValue>Picked</pValue><Inc>5</Inc></Integer>");
+
+  EXPECT_TRUE(camera.Integer("X").SetValue(8).IsOK());
+  const KrResult refused = camera.Integer("X").SetValue(5);
+  EXPECT_EQ(refused, KrResult::Code::OutOfRange);
+  EXPECT_THAT(refused.GetDescription().CStr(), testing::HasSubstr("\"X\" cannot be set to 5: it takes only"));
+  ASSERT_TRUE(camera.Integer("Pick").SetValue(1).IsOK());
+  EXPECT_TRUE(camera.Integer("X").SetValue(5).IsOK());
+}
+
 TEST(IntegerNode, NoValidValues_IsEmpty) {
   DescribedCamera camera("<Integer Name=\"X\"><Value>2</Value></Integer>");
 
