@@ -1,6 +1,7 @@
 #include "nodes/node.h"
 
 #include "description/lexical.h"
+#include "krbase/krlogger.h"
 #include "nodes/numbertext.h"
 
 #include <algorithm>
@@ -265,13 +266,6 @@ KrGenAccessMode Node::GetAccess(Evaluation& aEvaluation, Facet aFacet) {
 }
 
 KrGenAccessMode Node::CombineAccess(Evaluation& aEvaluation, Facet aFacet) {
-  // Whether a predicate's value is other than 0; aUnknown where it cannot be found out.
-  const auto isTrue = [&](const NodeLink& aLink, bool aUnknown) {
-    Number value;
-    if (!aLink.node || !aLink.node->TryGetValue(aEvaluation, value))
-      return aUnknown;
-    return value.ToFloat() != 0.0;
-  };
   if (mIsImplemented.IsSet()) {
     Number implemented;
     if (!mIsImplemented.node || !mIsImplemented.node->TryGetValue(aEvaluation, implemented))
@@ -282,11 +276,28 @@ KrGenAccessMode Node::CombineAccess(Evaluation& aEvaluation, Facet aFacet) {
   const KrGenAccessMode own = ComputeAccess(aEvaluation, aFacet);
   if (own == KrGenAccessMode::NotImplemented)
     return own;
-  if (mIsAvailable.IsSet() && !isTrue(mIsAvailable, false))
+  Number available;
+  const auto isAvailable = [&] {
+    return mIsAvailable.node && mIsAvailable.node->TryGetValue(aEvaluation, available) && available.ToFloat() != 0.0;
+  };
+  if (mIsAvailable.IsSet() && !isAvailable())
     return KrGenAccessMode::NotAvailable;
   const KrGenAccessMode mode = CombineAccessModes(own, mImposedAccess);
   const bool asksLock = aFacet == Facet::Access && IsWritable(mode) && mIsLocked.IsSet();
-  return asksLock && isTrue(mIsLocked, false) ? StripWriting(mode) : mode;
+  return asksLock && IsLocked(aEvaluation) ? StripWriting(mode) : mode;
+}
+
+bool Node::IsLocked(Evaluation& aEvaluation) {
+  Number locked;
+  if (mIsLocked.node && mIsLocked.node->TryGetValue(aEvaluation, locked))
+    return locked.ToFloat() != 0.0;
+  // What was not asked for the device's sake is not unknown for long.
+  if (!aEvaluation.hasMissed && !std::exchange(mHasToldOfLock, true))
+    KrLogger("KrGenICam")
+        .Log(KrLogLevel::Info, {"Node::IsLocked", "node"},
+             "\"" + std::string(GetName()) + "\" counts as not locked: \"" + std::string(mIsLocked.name) +
+                 "\", which says whether it is, cannot be read.");
+  return false;
 }
 
 KrResult Node::GetValue(Evaluation& aEvaluation, Number& aValue) {

@@ -205,6 +205,8 @@ private:
   KrResult Find(Evaluation& aEvaluation, Facet aFacet, Number& aValue, Memo& aMemo);
   /// BadData that names the nodes of a path from this one on, which comes again behind the last.
   KrResult MakeCycleFault(std::span<Node* const> aPath) const;
+  /// Whether pIsLocked locks the node; what cannot be found out does not.
+  bool IsLocked(Evaluation& aEvaluation);
   KrGenAccessMode CombineAccess(Evaluation& aEvaluation, Facet aFacet);
   KrResult Explain(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
   KrResult ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredicate, const std::string& aAttempt,
@@ -228,6 +230,7 @@ private:
   KrGenVisibility mVisibility = KrGenVisibility::Beginner;
   KrGenAccessMode mImposedAccess = KrGenAccessMode::ReadWrite;
   bool mIsStreamable = false;
+  bool mHasToldOfLock = false; ///< That pIsLocked could not be read.
 };
 
 /// Two accesses that both have to be had: not implemented before not available before what is left of both.

@@ -1,12 +1,14 @@
 // What can be done with a node, in every combination of what decides it, and the reasons that are given.
 
 #include "describedcamera.h"
+#include "krbase/krlogger.h"
 #include "registertext.h"
 
 #include <gmock/gmock.h>
 
 #include <array>
 
+using testing::AllOf;
 using testing::HasSubstr;
 
 namespace {
@@ -182,6 +184,22 @@ TEST(AccessReason, OfPredicates_NamesThem) {
 
     EXPECT_THAT(SetTo(camera, "X", 1).GetDescription().CStr(), HasSubstr(row.reason));
   }
+}
+
+TEST(Access, LockThatCannotBeRead_IsLoggedOncePerNode) {
+  DescribedCamera camera(kPredicates + "<Integer Name=\"A\"><pIsLocked>Unreadable</pIsLocked><Value>1</Value></Integer>"
+                                       "<Integer Name=\"B\"><pIsLocked>Missing</pIsLocked><Value>1</Value></Integer>"
+                                       "<Integer Name=\"C\"><pIsLocked>No</pIsLocked><Value>1</Value></Integer>");
+  const KrLogCapture capture;
+
+  for (const char* const name : {"A", "B", "C", "A", "B", "C"})
+    EXPECT_TRUE(SetTo(camera, name, 2).IsOK()) << name;
+
+  const std::vector<KrLogRecord> records = capture.GetRecords();
+  ASSERT_EQ(records.size(), 2u);
+  EXPECT_EQ(records[0].channel, "KrGenICam");
+  EXPECT_THAT(records[0].text.CStr(), AllOf(HasSubstr("\"A\""), HasSubstr("\"Unreadable\"")));
+  EXPECT_THAT(records[1].text.CStr(), AllOf(HasSubstr("\"B\""), HasSubstr("\"Missing\"")));
 }
 
 TEST(Access, TwoFeaturesThatLockEachOther_AreNoCircle) {
