@@ -2,6 +2,7 @@
 
 #include "description/lexical.h"
 #include "krgenicam/krgenparameterlist.h"
+#include "map/documentationurl.h"
 #include "map/nodemap.h"
 #include "map/parametertext.h"
 #include "nodes/enumentrynode.h"
@@ -60,7 +61,8 @@ KrResult KrGenParameter::GetDescription(KrString& aDescription) const {
 }
 
 KrResult KrGenParameter::GetDocuURL(KrString& aURL) const {
-  aURL = mNode.GetText(PropertyKind::DocuURL);
+  aURL =
+      krgenicam::CompleteDocumentationURL(mNode.GetText(PropertyKind::DocuURL), mNode.GetName(), mMap.GetDescription());
   return {};
 }
 

@@ -57,6 +57,8 @@ KrResult Description::Read(const KrGenDescription& aText, Description& aDescript
   description.mVendorName = root.vendorName;
   description.mModelName = root.modelName;
   description.mSchemaMinorVersion = root.schemaMinorVersion;
+  description.mStandardNameSpace = root.standardNameSpace;
+  description.mVersion = root.version;
   DescriptionReader(description, lines).ReadNodes(root.element);
   aDescription = std::move(description);
   return {};

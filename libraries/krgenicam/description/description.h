@@ -78,6 +78,9 @@ public:
 
   std::string_view GetVendorName() const { return mVendorName; }
   std::string_view GetModelName() const { return mModelName; }
+  std::string_view GetStandardNameSpace() const { return mStandardNameSpace; }
+  /// The version of the document itself, "1.0.2".
+  const std::string& GetVersion() const { return mVersion; }
   /// The schema that the document follows: 0 or 1 for 1.0 and 1.1.
   int GetSchemaMinorVersion() const { return mSchemaMinorVersion; }
 
@@ -92,6 +95,8 @@ private:
   std::vector<DescriptionFault> mFaults;
   std::string_view mVendorName;
   std::string_view mModelName;
+  std::string_view mStandardNameSpace;
+  std::string mVersion;
   int mSchemaMinorVersion = 1;
 };
 

@@ -35,6 +35,14 @@ SchemaVersion ReadNameSpace(const pugi::xml_node& aElement) {
   return {};
 }
 
+std::string ReadVersion(const pugi::xml_node& aElement) {
+  std::string version;
+  for (const char* const attribute : {"MajorVersion", "MinorVersion", "SubMinorVersion"})
+    version +=
+        (version.empty() ? "" : ".") + std::to_string(ParseInteger(GetAttribute(aElement, attribute)).value_or(0));
+  return version;
+}
+
 KrResult RefuseSchema(const SchemaVersion& aVersion) {
   return {KrResult::Code::BadData, "it follows schema " + std::to_string(aVersion.major.value_or(1)) + "." +
                                        std::to_string(aVersion.minor.value_or(0)) +
@@ -58,7 +66,12 @@ KrResult FindRootElement(const pugi::xml_document& aDocument, RootElement& aRoot
       return RefuseSchema(version);
   }
   const std::int64_t minor = byAttributes.minor.value_or(byNameSpace.minor.value_or(1));
-  aRoot = {element, GetAttribute(element, "VendorName"), GetAttribute(element, "ModelName"), minor >= 1 ? 1 : 0};
+  aRoot = {element,
+           GetAttribute(element, "VendorName"),
+           GetAttribute(element, "ModelName"),
+           minor >= 1 ? 1 : 0,
+           GetAttribute(element, "StandardNameSpace"),
+           ReadVersion(element)};
   return {};
 }
 

@@ -15,6 +15,8 @@ struct RootElement {
   std::string_view vendorName = {};
   std::string_view modelName = {};
   int schemaMinorVersion = 1;
+  std::string_view standardNameSpace = {};
+  std::string version = {}; ///< Of the description itself, "1.0.2".
 };
 
 /// Finds the root element. BadData, with a reason that is the end of a sentence, for another root than
