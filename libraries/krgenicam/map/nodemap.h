@@ -35,6 +35,7 @@ class NodeMap final : public INodeHost, public INodeIndex {
 public:
   /// Faults beyond these are only counted.
   static constexpr std::size_t kMostFaults = 1000;
+  static constexpr std::size_t kMostFormulaOperations = 4'000'000;
 
   /// As KrGenParameterArray::Open.
   static KrResult Open(const KrGenDescription& aDescription, IKrRegisterPort& aPort, const KrGenArrayOptions& aOptions,
@@ -100,6 +101,7 @@ public:
   Node* GetNode(NodeIndex aIndex) const override;
   Node* FindNode(std::string_view aName) const override { return GetNode(mDescription.Find(aName)); }
   void AddFault(const Node& aNode, std::uint32_t aLine, const std::string& aText) override;
+  bool ReserveFormulaOperations(std::size_t aCount) override;
 
 private:
   NodeMap(IKrRegisterPort& aPort, const KrGenArrayOptions& aOptions);
@@ -146,6 +148,7 @@ private:
   std::unordered_map<std::uint64_t, std::vector<Node*>> mNodesOfEvents; // By EventID.
   std::vector<DescriptionFault> mFaults;
   std::size_t mUnlistedFaults = 0;
+  std::size_t mFormulaOperations = 0; // Of all formulas that were compiled.
 
   mutable MapLock mLock; // Guards the nodes and the members from here on.
   FailureCountingPort mPort;

@@ -102,6 +102,13 @@ void NodeMap::AddFault(const Node& aNode, std::uint32_t aLine, const std::string
   NoteFault({aLine, std::string(aNode.GetName()), aText});
 }
 
+bool NodeMap::ReserveFormulaOperations(std::size_t aCount) {
+  if (aCount > kMostFormulaOperations - mFormulaOperations)
+    return false;
+  mFormulaOperations += aCount;
+  return true;
+}
+
 void NodeMap::NoteFault(DescriptionFault aFault) {
   if (mFaults.size() < kMostFaults)
     mFaults.push_back(std::move(aFault));

@@ -100,6 +100,20 @@ FormulaNode::CompiledFormula FormulaNode::Compile(INodeIndex& aIndex, PropertyKi
     aIndex.AddFault(*this, GetLine(), "a formula is missing.");
     return compiled;
   }
+  std::string reason;
+  if (const KrResult result = CompileText(*text, aOwnVariable, compiled.formula); !result.IsOK())
+    reason = std::string("the formula is none that can be computed. ") + result.GetDescription().CStr();
+  else if (!aIndex.ReserveFormulaOperations(compiled.formula.GetOperationsCount()))
+    reason = "the formula is not taken, as all formulas of the description together have too many operations.";
+  if (!reason.empty()) {
+    compiled.formula = {};
+    compiled.fault = MakeFault(text->line, reason);
+    aIndex.AddFault(*this, text->line, reason);
+  }
+  return compiled;
+}
+
+KrResult FormulaNode::CompileText(const Property& aText, std::string_view aOwnVariable, Formula& aFormula) const {
   std::vector<std::string_view> variables;
   for (const Variable& variable : mVariables)
     variables.push_back(variable.name);
@@ -114,16 +128,8 @@ FormulaNode::CompiledFormula FormulaNode::Compile(INodeIndex& aIndex, PropertyKi
     else if (property.kind == PropertyKind::Expression)
       expressions.push_back({property.attribute, property.text});
   }
-  const KrResult result =
-      Formula::Compile(text->text, IsWhole() ? FormulaKind::Integer : FormulaKind::Float,
-                       {.variables = variables, .constants = constants, .expressions = expressions}, compiled.formula);
-  if (!result.IsOK()) {
-    const std::string reason =
-        std::string("the formula is none that can be computed. ") + result.GetDescription().CStr();
-    compiled.fault = MakeFault(text->line, reason);
-    aIndex.AddFault(*this, text->line, reason);
-  }
-  return compiled;
+  return Formula::Compile(aText.text, IsWhole() ? FormulaKind::Integer : FormulaKind::Float,
+                          {.variables = variables, .constants = constants, .expressions = expressions}, aFormula);
 }
 
 KrResult FormulaNode::Evaluate(Evaluation& aEvaluation, const CompiledFormula& aFormula, const Number& aOwnValue,

@@ -55,6 +55,8 @@ private:
     std::int64_t cachingMode = 0;
   };
 
+  // The names that a formula may use are the variables of the node, and aOwnVariable as the last.
+  KrResult CompileText(const Property& aText, std::string_view aOwnVariable, Formula& aFormula) const;
   void TakeVariable(INodeIndex& aIndex, const Property& aProperty);
   KrResult GetVariable(Evaluation& aEvaluation, const Variable& aVariable, Number& aValue);
   const Variable* FindUnreadable(Evaluation& aEvaluation, const CompiledFormula& aFormula);

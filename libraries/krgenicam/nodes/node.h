@@ -60,6 +60,8 @@ public:
   virtual Node* FindNode(std::string_view aName) const = 0;
   /// Notes a fault of the description, for the list that users get.
   virtual void AddFault(const Node& aNode, std::uint32_t aLine, const std::string& aText) = 0;
+  /// Counts operations of a compiled formula; false, and none counted, where all formulas together have too many.
+  virtual bool ReserveFormulaOperations(std::size_t aCount) = 0;
 
 protected:
   ~INodeIndex() = default;

@@ -89,6 +89,8 @@ public:
   void AddFault(const krgenicam::Node&, std::uint32_t aLine, const std::string& aText) override {
     ADD_FAILURE() << "line " << aLine << ": " << aText;
   }
+  // Registers have no formulas.
+  bool ReserveFormulaOperations(std::size_t) override { return false; }
 
   KrGenMemoryPort memory;
   RecordingPort port{memory};

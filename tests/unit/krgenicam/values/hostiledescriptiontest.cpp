@@ -326,3 +326,43 @@ TEST(Flood, OfPickedValuesAndCopies_IsHandled) {
   EXPECT_EQ(Read(camera.Integer("Picked"), &KrGenInteger::GetValue), 39'998);
   EXPECT_TRUE(camera.Integer("Copied").SetValue(5).IsOK());
 }
+
+TEST(Flood, OfExpressionsThatDoubleEachOther_IsComputed) {
+  constexpr int kKnives = 3000;
+  std::string expressions = "<Expression Name=\"E0\">A</Expression>";
+  for (int i = 1; i <= 40; ++i) {
+    const std::string previous = "E" + std::to_string(i - 1);
+    expressions += "<Expression Name=\"E" + std::to_string(i) + "\">" + previous + "+" + previous + "</Expression>";
+  }
+  std::string nodes = MakeInteger("One", "<Value>1</Value>");
+  for (int i = 0; i < kKnives; ++i)
+    nodes += "<IntSwissKnife Name=\"X" + std::to_string(i) + "\"><pVariable Name=\"A\">One</pVariable>" + expressions +
+             "<Formula>E40</Formula></IntSwissKnife>";
+  DescribedCamera camera(nodes);
+
+  for (int i = 0; i < kKnives; i += 100)
+    EXPECT_EQ(Read(camera.Integer(("X" + std::to_string(i)).c_str()), &KrGenInteger::GetValue), std::int64_t{1} << 40);
+}
+
+TEST(Flood, OfOperations_CostsTheFormulasThatAreTooMany) {
+  std::string formula = "1";
+  for (int i = 1; i < 5000; ++i)
+    formula += "+1";
+  // A formula of 9,999 operations, of which 400 have room, and 400 operations more.
+  std::string nodes;
+  for (int i = 0; i < 401; ++i)
+    nodes += "<IntSwissKnife Name=\"X" + std::to_string(i) + "\"><Formula>" + formula + "</Formula></IntSwissKnife>\n";
+  nodes += "<IntSwissKnife Name=\"Small\"><Formula>2+1</Formula></IntSwissKnife>";
+  DescribedCamera camera(nodes);
+  std::int64_t value = 0;
+  KrStringList faults;
+
+  const KrResult read = camera.Integer("X400").GetValue(value);
+  ASSERT_TRUE(camera.array->GetFaults(faults).IsOK());
+
+  EXPECT_EQ(Read(camera.Integer("X399"), &KrGenInteger::GetValue), 5000);
+  EXPECT_EQ(read, KrResult::Code::BadData);
+  EXPECT_THAT(read.GetDescription().CStr(), HasSubstr("node \"X400\", line 407: the formula is not taken"));
+  EXPECT_EQ(faults.GetCount(), 1u);
+  EXPECT_EQ(Read(camera.Integer("Small"), &KrGenInteger::GetValue), 3);
+}
