@@ -100,6 +100,7 @@ FormulaNode::CompiledFormula FormulaNode::Compile(INodeIndex& aIndex, PropertyKi
     aIndex.AddFault(*this, GetLine(), "a formula is missing.");
     return compiled;
   }
+  compiled.line = text->line;
   std::string reason;
   if (const KrResult result = CompileText(*text, aOwnVariable, compiled.formula); !result.IsOK())
     reason = std::string("the formula is none that can be computed. ") + result.GetDescription().CStr();
@@ -139,7 +140,11 @@ KrResult FormulaNode::Evaluate(Evaluation& aEvaluation, const CompiledFormula& a
   Variables variables(*this, aEvaluation, aOwnValue);
   Number value;
   if (KrResult result = aFormula.formula.Evaluate(variables, value); !result.IsOK())
-    return result;
+    return variables.HasFailed()
+               ? result
+               : MakeFault(aFormula.line,
+                           std::string("the formula has no value now. ") + result.GetDescription().CStr(),
+                           result.GetCode());
   aResult = value;
   return {};
 }

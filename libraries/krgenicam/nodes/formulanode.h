@@ -23,12 +23,14 @@ protected:
   struct CompiledFormula {
     Formula formula;
     KrResult fault;
+    std::uint32_t line = 0;
   };
 
   /// Compiles the text of a property. aOwnVariable is the variable of which the value comes with each evaluation;
   /// empty for none.
   CompiledFormula Compile(INodeIndex& aIndex, PropertyKind aKind, std::string_view aOwnVariable);
-  /// The formula's value, a whole number where the node is one, else a floating-point one.
+  /// The formula's value, a whole number where the node is one, else a floating-point one. OutOfRange that names node
+  /// and line where the formula has none; what went wrong with a variable as it is.
   KrResult Evaluate(Evaluation& aEvaluation, const CompiledFormula& aFormula, const Number& aOwnValue, Number& aResult);
   /// The same, but nothing where the formula itself has no value, as 1/TO has none at 0. What its variables fail with
   /// is a failure here, too.

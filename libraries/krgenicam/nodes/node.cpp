@@ -137,8 +137,8 @@ NodeLink Node::LinkTo(INodeIndex& aIndex, const Property& aProperty) {
   return {.node = target, .name = name, .line = aProperty.line};
 }
 
-KrResult Node::MakeFault(std::uint32_t aLine, const std::string& aReason) const {
-  return {KrResult::Code::BadData,
+KrResult Node::MakeFault(std::uint32_t aLine, const std::string& aReason, KrResult::Code aCode) const {
+  return {aCode,
           "The camera's description, node " + Quote(GetName()) + ", line " + std::to_string(aLine) + ": " + aReason};
 }
 

@@ -180,8 +180,9 @@ protected:
 
   /// The node behind a link; BadData with node, line and reason where it leads nowhere.
   KrResult Follow(const NodeLink& aLink, Node*& aNode) const;
-  /// BadData that names this node and a line, with a reason that is a whole sentence.
-  KrResult MakeFault(std::uint32_t aLine, const std::string& aReason) const;
+  /// A fault that names this node and a line, with a reason that is a whole sentence.
+  KrResult MakeFault(std::uint32_t aLine, const std::string& aReason,
+                     KrResult::Code aCode = KrResult::Code::BadData) const;
   /// AccessDenied, with the reason, unless the node can be written now.
   KrResult CheckWritable(Evaluation& aEvaluation);
   /// OutOfRange, with what is allowed, unless minimum and maximum, and increment where aChecksIncrement, allow the

@@ -285,3 +285,18 @@ TEST(ConverterNode, VariableOfReservedName_GivesWay) {
 
   EXPECT_EQ(Read(camera.Integer("X"), &KrGenInteger::GetValue), 5);
 }
+
+TEST(ConverterNode, SettingWithoutValueForTheTarget_NamesNodeAndLine) {
+  DescribedCamera camera(
+      "<Integer Name=\"Target\"><Value>5</Value></Integer>\n"
+      "<Converter Name=\"X\">\n<FormulaTo>100 / FROM</FormulaTo>\n<FormulaFrom>100 / TO</FormulaFrom>"
+      "<pValue>Target</pValue><Slope>Varying</Slope></Converter>");
+
+  const KrResult written = camera.Float("X").SetValue(0.0);
+
+  EXPECT_EQ(written, KrResult::Code::OutOfRange);
+  EXPECT_STREQ(written.GetDescription().CStr(),
+               "The camera's description, node \"X\", line 9: the formula has no value "
+               "now. Formula: column 5: division by zero.");
+  EXPECT_EQ(Read(camera.Integer("Target"), &KrGenInteger::GetValue), 5);
+}

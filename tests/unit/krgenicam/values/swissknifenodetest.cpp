@@ -158,3 +158,48 @@ TEST(SwissKnifeNode, DivisionByZero_IsAnErrorUntilTheDivisorChanges) {
   ASSERT_TRUE(camera.Integer("Zero").SetValue(5).IsOK());
   EXPECT_EQ(Read(camera.Integer("X"), &KrGenInteger::GetValue), 2);
 }
+
+TEST(SwissKnifeNode, FormulaWithoutValue_NamesNodeAndLine) {
+  DescribedCamera camera(
+      "<Integer Name=\"Zero\"><Value>0</Value></Integer>\n"
+      "<IntSwissKnife Name=\"X\"><pVariable Name=\"Z\">Zero</pVariable>\n"
+      "<Formula>10 / Z</Formula></IntSwissKnife>\n"
+      "<SwissKnife Name=\"Y\"><Formula>LN(0)</Formula></SwissKnife>\n"
+      "<SwissKnife Name=\"Huge\"><Formula>1e30</Formula></SwissKnife>\n"
+      "<IntSwissKnife Name=\"W\"><pVariable Name=\"H\">Huge</pVariable><Formula>H</Formula></IntSwissKnife>");
+  std::int64_t whole = 0;
+  double real = 0.0;
+
+  const KrResult byZero = camera.Integer("X").GetValue(whole);
+  const KrResult outsideDomain = camera.Float("Y").GetValue(real);
+  const KrResult beyondWhole = camera.Integer("W").GetValue(whole);
+
+  EXPECT_EQ(byZero, KrResult::Code::OutOfRange);
+  EXPECT_STREQ(byZero.GetDescription().CStr(), "The camera's description, node \"X\", line 9: the formula has no value "
+                                               "now. Formula: column 4: division by zero.");
+  EXPECT_EQ(outsideDomain, KrResult::Code::OutOfRange);
+  EXPECT_THAT(outsideDomain.GetDescription().CStr(), HasSubstr("node \"Y\", line 10: "));
+  EXPECT_EQ(beyondWhole, KrResult::Code::OutOfRange);
+  EXPECT_THAT(beyondWhole.GetDescription().CStr(), HasSubstr("node \"W\", line 12: "));
+}
+
+TEST(SwissKnifeNode, FaultOfAVariable_StaysAsItIs) {
+  DescribedCamera camera(
+      MakeRegister("Raw", 0) +
+      "<IntSwissKnife Name=\"Inner\"><Formula>1 / 0</Formula></IntSwissKnife>"
+      "<IntSwissKnife Name=\"X\"><pVariable Name=\"A\">Inner</pVariable><Formula>A + 1</Formula></IntSwissKnife>"
+      "<IntSwissKnife Name=\"Y\"><pVariable Name=\"A\">Raw</pVariable><Formula>A + 1</Formula></IntSwissKnife>");
+  camera.port.SetFault(
+      [](const RegisterAccessRecord&) { return KrResult(KrResult::Code::TimeLimitExceeded, "No answer."); });
+  std::int64_t value = 0;
+
+  const KrResult ofKnife = camera.Integer("X").GetValue(value);
+  const KrResult ofInner = camera.Integer("Inner").GetValue(value);
+  const KrResult ofPort = camera.Integer("Y").GetValue(value);
+  const KrResult ofRaw = camera.Integer("Raw").GetValue(value);
+
+  EXPECT_STREQ(ofKnife.GetDescription().CStr(), ofInner.GetDescription().CStr());
+  EXPECT_THAT(ofKnife.GetDescription().CStr(), HasSubstr("node \"Inner\""));
+  EXPECT_EQ(ofPort, KrResult::Code::TimeLimitExceeded);
+  EXPECT_STREQ(ofPort.GetDescription().CStr(), ofRaw.GetDescription().CStr());
+}
