@@ -1,5 +1,7 @@
 #include "krgenicam/krgensettings.h"
 
+#include "krbase/kratomicfile.h"
+#include "krbase/krwholefile.h"
 #include "map/settingsescape.h"
 
 #include <algorithm>
@@ -159,4 +161,23 @@ KrResult KrGenSettings::FromText(std::string_view aText) {
   mSettings = std::move(settings);
   mDevice = device;
   return {};
+}
+
+KrResult KrGenSettings::Save(const KrString& aFileName) const {
+  const std::string text = ToText();
+  KrAtomicFile file;
+  KrResult result = file.Open(aFileName, KrAtomicFile::Existing::Replaced);
+  if (result.IsOK())
+    result = file.Write(text.data(), text.size());
+  return result.IsOK() ? file.Commit() : result;
+}
+
+KrResult KrGenSettings::Load(const KrString& aFileName) {
+  std::string text;
+  KrResult result = KrReadWholeFile(aFileName, kMaxBytes, text);
+  if (result.IsOK())
+    result = FromText(text);
+  if (result.IsOK())
+    return result;
+  return {result.GetCode(), "Reading settings from \"" + aFileName + "\" failed: " + result.GetDescription()};
 }

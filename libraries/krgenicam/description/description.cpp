@@ -20,7 +20,9 @@ constexpr unsigned kOptions =
     pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol | pugi::parse_wconv_attribute | pugi::parse_embed_pcdata;
 
 KrResult Refuse(const KrString& aOrigin, const std::string& aReason) {
-  return {KrResult::Code::BadData, "The camera description " + aOrigin.ToUtf8() + " cannot be used: " + aReason};
+  return {KrResult::Code::BadData, "The camera description " +
+                                       (aOrigin.IsEmpty() ? std::string() : aOrigin.ToUtf8() + " ") +
+                                       "cannot be used: " + aReason};
 }
 
 } // namespace

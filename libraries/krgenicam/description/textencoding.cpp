@@ -95,7 +95,7 @@ KrResult TakeAsUtf8(std::string_view aBytes, std::string& aText) {
   if (trimmed.empty())
     return {KrResult::Code::BadData, "it is empty."};
   if (!trimmed.starts_with('<'))
-    return {KrResult::Code::BadData, "it is neither XML nor a ZIP archive."};
+    return {KrResult::Code::BadData, "it is no XML, nor a ZIP archive with any in it."};
   aText = std::move(text);
   return {};
 }

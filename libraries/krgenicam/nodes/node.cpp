@@ -338,6 +338,9 @@ KrResult Node::CheckRange(Evaluation& aEvaluation, const Number& aValue, bool aC
   const bool isWhole = !aValue.IsFloat() && !minimum.IsFloat() && !maximum.IsFloat();
   const bool isInside = isWhole ? aValue.ToInteger() >= minimum.ToInteger() && aValue.ToInteger() <= maximum.ToInteger()
                                 : aValue.ToFloat() >= minimum.ToFloat() && aValue.ToFloat() <= maximum.ToFloat();
+  if (!isInside && minimum.ToFloat() > maximum.ToFloat())
+    return refuse("there is nothing that it takes at the moment, as its minimum is " + FormatNumber(minimum) +
+                  " and its maximum " + FormatNumber(maximum) + ".");
   if (!isInside)
     return refuse("it takes " + FormatNumber(minimum) + " to " + FormatNumber(maximum) + ".");
   if (!aChecksIncrement || !isWhole)

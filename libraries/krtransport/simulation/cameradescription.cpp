@@ -159,7 +159,9 @@ void DescriptionWriter::AddCommonChildren(const Feature& aFeature) {
     AddChild("pIsAvailable", std::string(aFeature.name) + "Available");
   if (aFeature.isLocked)
     AddChild("pIsLocked", "TLParamsLocked");
-  const bool isSetting = aFeature.access == RegisterAccess::ReadWrite && !aFeature.isVolatile;
+  // A camera's own name is no setting: other cameras get settings, too.
+  const bool isSetting =
+      aFeature.access == RegisterAccess::ReadWrite && !aFeature.isVolatile && aFeature.name != "DeviceUserID";
   if (isSetting)
     AddChild("Streamable", "Yes");
 }

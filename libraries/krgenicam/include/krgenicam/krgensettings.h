@@ -20,6 +20,12 @@ struct KrGenSetting {
 
 /// Settings in order. Names may occur several times.
 ///
+///     KrGenSettings settings;
+///     KrStringList problems;
+///     KrResult result = array->StoreSettings(settings, problems);
+///     if (result.IsOK())
+///       result = settings.Save("settings.txt");
+///
 /// Thread: a value; different objects may be used from different threads.
 /// Ownership: owns its texts.
 class KR_EXPORT KrGenSettings {
@@ -38,6 +44,11 @@ public:
   /// Reads such a text, of at most 16 MiB, with any kind of line ends; comments are optional but for the first. BadData
   /// with the line for what is no settings file.
   KrResult FromText(std::string_view aText);
+  /// Writes the text to a file, which is there as a whole or not at all and replaces one of that name (KrAtomicFile).
+  /// Results as KrAtomicFile::Open and Commit.
+  KrResult Save(const KrString& aFileName) const;
+  /// Reads the text of a file; results as KrReadWholeFile and FromText, with the file's name.
+  KrResult Load(const KrString& aFileName);
 
 private:
   std::vector<KrGenSetting> mSettings;

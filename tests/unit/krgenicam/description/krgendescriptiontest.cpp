@@ -62,7 +62,7 @@ TEST(KrGenDescription_, File_ThatCannotBeUsed_IsRefusedByNameAndLeavesTheDescrip
   } rows[] = {
       {"no such file", folder.GetFile("missing"), KrResult::Code::NotFound, "No such file"},
       {"a folder", folder.GetPath().string(), KrResult::Code::BadData, "it is no file"},
-      {"other text", folder.GetFile("text"), KrResult::Code::BadData, "neither XML nor a ZIP archive"},
+      {"other text", folder.GetFile("text"), KrResult::Code::BadData, "no XML, nor a ZIP archive"},
       {"a damaged archive", folder.GetFile("zip"), KrResult::Code::BadData, "damaged"},
       {"too large", folder.GetFile("huge"), KrResult::Code::BadData, "longer than the limit"},
   };

@@ -61,7 +61,7 @@ TEST(TextEncoding_, Text_OfAnotherKind_IsRefusedWithWhatIsExpected) {
       {"blanks", " \r\n\t", "it is empty"},
       {"a mark alone", "\xEF\xBB\xBF", "it is empty"},
       {"a UTF-16 mark alone", "\xFF\xFE", "it is empty"},
-      {"other text", "hello", "neither XML nor a ZIP archive"},
+      {"other text", "hello", "no XML, nor a ZIP archive"},
       {"UTF-32, little-endian", std::string("<\0\0\0a\0\0\0", 8),
        "UTF-32. Cameras' descriptions are expected in UTF-8"},
       {"UTF-32, big-endian", std::string("\0\0\xFE\xFF\0\0\0<", 8), "UTF-32."},

@@ -1,6 +1,11 @@
 #include "krgenicam/krgensettings.h"
 
+#include "temporaryfolder.h"
+
 #include <gmock/gmock.h>
+
+#include <fstream>
+#include <string>
 
 namespace {
 
@@ -196,6 +201,42 @@ TEST(KrGenSettings, ReadAgain_ForgetsWhatWasThere) {
   ASSERT_TRUE(settings.FromText(kMagicLine).IsOK());
 
   EXPECT_EQ(settings.GetCount(), 0U);
+}
+
+TEST(KrGenSettings, File_ReadsBackWhatWasSavedAndReplacesWhatWasThere) {
+  const TemporaryFolder folder;
+  const std::string name = folder.GetFile("camera.txt");
+  KrGenSettings read;
+
+  ASSERT_TRUE(MakeSettings("Width", "640").Save(name).IsOK());
+  ASSERT_TRUE(MakeSettings("Height", "480").Save(name).IsOK());
+  const KrResult result = read.Load(name);
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_THAT(read.GetSettings(), ElementsAre(KrGenSetting{"Height", "480"}));
+}
+
+TEST(KrGenSettings, FileThatIsNotThere_GivesNotFoundWithItsNameAndChangesNothing) {
+  const TemporaryFolder folder;
+  KrGenSettings settings = MakeSettings("Width", "640");
+
+  const KrResult result = settings.Load(folder.GetFile("none.txt"));
+
+  EXPECT_EQ(result, KrResult::Code::NotFound);
+  EXPECT_THAT(result.GetDescription().CStr(), HasSubstr("none.txt"));
+  EXPECT_EQ(settings.GetCount(), 1u);
+}
+
+TEST(KrGenSettings, FileThatHoldsNoSettings_GivesBadDataWithItsNameAndLine) {
+  const TemporaryFolder folder;
+  const std::string name = folder.GetFile("other.txt");
+  std::ofstream(name) << "Width\t640\n";
+  KrGenSettings settings;
+
+  const KrResult result = settings.Load(name);
+
+  EXPECT_EQ(result, KrResult::Code::BadData);
+  EXPECT_THAT(result.GetDescription().CStr(), HasSubstr("other.txt"));
 }
 
 } // namespace
