@@ -25,15 +25,25 @@ void TellOfFaults(const KrGenParameterArray& aArray, bool aListsThem, std::ostre
 
 } // namespace
 
+int ListFeatures(KrGenParameterArray& aArray, const std::string& aDevice, const std::function<KrResult()>& aGetLoss,
+                 const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
+  const FeatureFilter filter = {.category = aCommandLine.category, .visibility = aCommandLine.visibility};
+  if (KrResult written = WriteFeatureTable(aArray, filter, aOut); !written.IsOK())
+    return Fail(aErrors, Explain("listing the features of " + aDevice + " failed", written));
+  TellOfFaults(aArray, aCommandLine.faults, aErrors);
+  const KrResult loss = aGetLoss();
+  if (loss.IsOK())
+    return 0;
+  const KrResult explained = Explain(aDevice + " did not answer all along", loss);
+  return Fail(aErrors, {loss.GetCode(), krapps::MakeField(explained.GetDescription())});
+}
+
 int RunFeatures(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
   FeatureSource source;
   if (KrResult opened = source.OpenToRead(aSystem, aCommandLine); !opened.IsOK())
     return Fail(aErrors, opened);
-  const FeatureFilter filter = {.category = aCommandLine.category, .visibility = aCommandLine.visibility};
-  if (KrResult written = WriteFeatureTable(source.GetArray(), filter, aOut); !written.IsOK())
-    return Fail(aErrors, Explain("listing the features of " + source.GetName() + " failed", written));
-  TellOfFaults(source.GetArray(), aCommandLine.faults, aErrors);
-  return 0;
+  return ListFeatures(
+      source.GetArray(), source.GetName(), [&source] { return source.GetLoss(); }, aCommandLine, aOut, aErrors);
 }
 
 } // namespace krtool

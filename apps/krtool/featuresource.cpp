@@ -49,26 +49,33 @@ KrResult ReadDescription(KrSystem& aSystem, const CommandLine& aCommandLine, KrG
 }
 
 KrResult FeatureSource::OpenToRead(KrSystem& aSystem, const CommandLine& aCommandLine) {
-  KrGenDescription description;
   if (IsDescriptionFile(aCommandLine.device)) {
     mName = krapps::MakeCell(aCommandLine.device);
+    KrGenDescription description;
     KrResult read = KrGenDescription::ReadFromFile(aCommandLine.device, description);
     return read.IsOK() ? OpenOwnArray(description, mMemory) : read;
   }
   if (KrResult opened = OpenDevice(aSystem, aCommandLine, KrDeviceAccess::Monitor); !opened.IsOK())
     return opened;
-  if (KrResult read = ReadDescriptionOf(*mDevice, description); !read.IsOK())
-    return read;
-  return OpenOwnArray(description, mDevice->GetRegisterPort());
+  return OpenArrayOfDevice();
 }
 
 KrResult FeatureSource::OpenToWrite(KrSystem& aSystem, const CommandLine& aCommandLine) {
+  if (KrResult opened = OpenDeviceToWrite(aSystem, aCommandLine); !opened.IsOK())
+    return opened;
+  return Explain("reading the features of " + mName + " failed", mDevice->GetParameters(mArray));
+}
+
+KrResult FeatureSource::OpenToStore(KrSystem& aSystem, const CommandLine& aCommandLine) {
+  KrResult opened = OpenDeviceToWrite(aSystem, aCommandLine);
+  return opened.IsOK() ? OpenArrayOfDevice() : opened;
+}
+
+KrResult FeatureSource::OpenDeviceToWrite(KrSystem& aSystem, const CommandLine& aCommandLine) {
   if (IsDescriptionFile(aCommandLine.device))
     return {KrResult::Code::InvalidInput,
             "\"" + aCommandLine.device + "\" is a file; a device is wanted, whose features can be changed."};
-  if (KrResult opened = OpenDevice(aSystem, aCommandLine, KrDeviceAccess::Control); !opened.IsOK())
-    return opened;
-  return Explain("reading the features of " + mName + " failed", mDevice->GetParameters(mArray));
+  return OpenDevice(aSystem, aCommandLine, KrDeviceAccess::Control);
 }
 
 KrResult FeatureSource::OpenDevice(KrSystem& aSystem, const CommandLine& aCommandLine, KrDeviceAccess aAccess) {
@@ -79,10 +86,17 @@ KrResult FeatureSource::OpenDevice(KrSystem& aSystem, const CommandLine& aComman
   return opened;
 }
 
+KrResult FeatureSource::OpenArrayOfDevice() {
+  KrGenDescription description;
+  KrResult read = ReadDescriptionOf(*mDevice, description);
+  return read.IsOK() ? OpenOwnArray(description, mDevice->GetRegisterPort()) : read;
+}
+
 // A monitor's array of the device's own takes all for read-only. This one may write, though nothing is written: the
 // access that is shown is what the camera allows.
 KrResult FeatureSource::OpenOwnArray(const KrGenDescription& aDescription, IKrRegisterPort& aPort) {
-  KrResult opened = KrGenParameterArray::Open(aDescription, aPort, {}, mOwnArray);
+  mWatch.emplace(aPort);
+  KrResult opened = KrGenParameterArray::Open(aDescription, *mWatch, {}, mOwnArray);
   mArray = mOwnArray.get();
   return Explain("reading the features of " + mName + " failed", opened);
 }

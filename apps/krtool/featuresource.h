@@ -6,8 +6,10 @@
 #include "krgenicam/krgenmemoryport.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krsystem/krsystem.h"
+#include "portwatch.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace krtool {
@@ -25,18 +27,26 @@ public:
   KrResult OpenToRead(KrSystem& aSystem, const CommandLine& aCommandLine);
   /// For writing: a device, taken under control. InvalidInput for a file.
   KrResult OpenToWrite(KrSystem& aSystem, const CommandLine& aCommandLine);
+  /// For taking settings, which moves selectors: a device under control, and whether it answered all along is known.
+  KrResult OpenToStore(KrSystem& aSystem, const CommandLine& aCommandLine);
 
   KrGenParameterArray& GetArray() { return *mArray; }
   /// The device or file for messages, in one line.
   const std::string& GetName() const { return mName; }
+  /// The first access that the device left without an answer (PortWatch); OK where there was none. Not known after
+  /// OpenToWrite.
+  KrResult GetLoss() const { return mWatch ? mWatch->GetLoss() : KrResult(); }
 
 private:
+  KrResult OpenDeviceToWrite(KrSystem& aSystem, const CommandLine& aCommandLine);
   KrResult OpenDevice(KrSystem& aSystem, const CommandLine& aCommandLine, KrDeviceAccess aAccess);
+  KrResult OpenArrayOfDevice();
   KrResult OpenOwnArray(const KrGenDescription& aDescription, IKrRegisterPort& aPort);
 
   // In the order in which one stands on the other.
   KrGenMemoryPort mMemory;
   std::unique_ptr<KrDevice> mDevice;
+  std::optional<PortWatch> mWatch;
   std::unique_ptr<KrGenParameterArray> mOwnArray;
   KrGenParameterArray* mArray = nullptr; // The own one or the device's.
   std::string mName;

@@ -4,6 +4,7 @@
 #include "cancellation.h"
 #include "featuresource.h"
 #include "plaintext.h"
+#include "portwatch.h"
 #include "textfile.h"
 
 #include <algorithm>
@@ -16,45 +17,76 @@ namespace {
 constexpr std::size_t kMaxFileBytes = std::size_t{17} << 20;
 
 void TellProblems(const KrStringList& aProblems, std::ostream& aErrors) {
-  for (const KrString& problem : aProblems)
-    aErrors << "krtool: " << krapps::MakeField(problem) << '\n';
-}
-
-// The device was lost, or the command stopped: what there is is not the whole.
-bool IsCutShort(const KrResult& aResult, const Cancellation& aCancellation) {
-  return aCancellation.GetStop().IsRaised() || aResult == KrResult::Code::ConnectionLost ||
-         aResult == KrResult::Code::Aborted;
+  const std::size_t told = std::min(aProblems.GetCount(), kMostProblems);
+  for (std::size_t i = 0; i < told; ++i)
+    aErrors << "krtool: " << krapps::MakeField(aProblems[i]) << '\n';
+  if (told < aProblems.GetCount())
+    aErrors << "krtool: and " << aProblems.GetCount() - told << " more.\n";
 }
 
 int GetCutShortCode(const Cancellation& aCancellation) {
   return aCancellation.GetStop().IsRaised() ? GetExitCode(aCancellation.GetStop()) : 1;
 }
 
+void WarnOfOtherDevice(const KrString& aDevice, const KrGenParameterArray& aArray, std::ostream& aErrors) {
+  // As a file would have it, which holds one line of it.
+  KrGenSettings present;
+  present.SetDevice(aArray.GetVendorName() + " " + aArray.GetModelName());
+  if (!present.FromText(present.ToText()).IsOK() || aDevice.IsEmpty() || aDevice == present.GetDevice())
+    return;
+  aErrors << "krtool: the settings are those of another model: of \"" << krapps::MakeField(aDevice)
+          << "\"; the device is \"" << krapps::MakeField(present.GetDevice()) << "\".\n";
+}
+
 } // namespace
+
+int SaveSettings(KrGenParameterArray& aArray, const std::function<KrResult()>& aGetLoss,
+                 const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
+  const Cancellation cancellation(aArray);
+  KrGenSettings settings;
+  KrStringList problems;
+  const KrResult stored = aArray.StoreSettings(settings, problems);
+  TellProblems(problems, aErrors);
+  const bool isStopped = cancellation.GetStop().IsRaised();
+  if (isStopped || IsLoss(stored) || !aGetLoss().IsOK()) {
+    aErrors << "krtool: the settings were not saved"
+            << (isStopped ? ".\n" : ", because the device did not answer all along.\n");
+    return GetCutShortCode(cancellation);
+  }
+  if (settings.GetCount() == 0) {
+    aErrors << "krtool: nothing was saved: the description marks no feature that can be read and set as one to save.\n";
+    return 1;
+  }
+  if (KrResult written = WriteTextFile(aCommandLine.file, aCommandLine.force, settings.ToText()); !written.IsOK())
+    return FailToWrite(aErrors, written);
+  aOut << "settings=" << settings.GetCount() << " problems=" << problems.GetCount() << " file=" << aCommandLine.file
+       << '\n';
+  return problems.IsEmpty() ? 0 : 1;
+}
+
+int LoadSettings(KrGenParameterArray& aArray, const KrGenSettings& aSettings, std::ostream& aOut,
+                 std::ostream& aErrors) {
+  WarnOfOtherDevice(aSettings.GetDevice(), aArray, aErrors);
+  const Cancellation cancellation(aArray);
+  KrStringList problems;
+  const KrResult restored = aArray.RestoreSettings(aSettings, problems);
+  TellProblems(problems, aErrors);
+  if (cancellation.GetStop().IsRaised() || IsLoss(restored)) {
+    aErrors << "krtool: not all settings were set.\n";
+    return GetCutShortCode(cancellation);
+  }
+  aOut << "settings=" << aSettings.GetCount() << " problems=" << problems.GetCount() << '\n';
+  return problems.IsEmpty() ? 0 : 1;
+}
 
 int RunSave(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
   if (KrResult checked = CheckTextFile(aCommandLine.file, aCommandLine.force); !checked.IsOK())
     return FailToWrite(aErrors, checked);
   FeatureSource source;
-  if (KrResult opened = source.OpenToWrite(aSystem, aCommandLine); !opened.IsOK())
+  if (KrResult opened = source.OpenToStore(aSystem, aCommandLine); !opened.IsOK())
     return Fail(aErrors, opened);
-
-  const Cancellation cancellation(source.GetArray());
-  KrGenSettings settings;
-  KrStringList problems;
-  const KrResult stored = source.GetArray().StoreSettings(settings, problems);
-  TellProblems(problems, aErrors);
-  if (IsCutShort(stored, cancellation)) {
-    aErrors << "krtool: the settings were not saved.\n";
-    return GetCutShortCode(cancellation);
-  }
-  if (KrResult written = WriteTextFile(aCommandLine.file, aCommandLine.force, settings.ToText()); !written.IsOK())
-    return FailToWrite(aErrors, written);
-  if (settings.GetCount() == 0)
-    aErrors << "krtool: the description marks no feature that can be read and set as one to save.\n";
-  aOut << "settings=" << settings.GetCount() << " problems=" << problems.GetCount() << " file=" << aCommandLine.file
-       << '\n';
-  return problems.IsEmpty() ? 0 : 1;
+  return SaveSettings(
+      source.GetArray(), [&source] { return source.GetLoss(); }, aCommandLine, aOut, aErrors);
 }
 
 int RunLoad(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
@@ -68,18 +100,7 @@ int RunLoad(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aO
   FeatureSource source;
   if (KrResult opened = source.OpenToWrite(aSystem, aCommandLine); !opened.IsOK())
     return Fail(aErrors, opened);
-
-  const Cancellation cancellation(source.GetArray());
-  KrStringList problems;
-  const KrResult restored = source.GetArray().RestoreSettings(settings, problems);
-  TellProblems(problems, aErrors);
-  if (IsCutShort(restored, cancellation)) {
-    aErrors << "krtool: not all settings were set.\n";
-    return GetCutShortCode(cancellation);
-  }
-  const std::size_t failed = std::min(problems.GetCount(), settings.GetCount());
-  aOut << "settings=" << settings.GetCount() - failed << " problems=" << problems.GetCount() << '\n';
-  return problems.IsEmpty() ? 0 : 1;
+  return LoadSettings(source.GetArray(), settings, aOut, aErrors);
 }
 
 } // namespace krtool

@@ -147,7 +147,7 @@ TEST_F(FeaturesProgram, SettingsThatTheCameraRefuses_AreNamedEachAndTheOthersSet
   ProgramRun load(KRTOOL_PATH, {"load", kCamera, path});
 
   EXPECT_EQ(load.Finish(), 1);
-  EXPECT_EQ(load.GetOutput(), "settings=1 problems=2\n");
+  EXPECT_EQ(load.GetOutput(), "settings=3 problems=2\n");
   EXPECT_THAT(load.GetErrors(), AllOf(HasSubstr("krtool: Width: 9999 is wanted"), HasSubstr("krtool: Nobody: ")));
   EXPECT_EQ(RunTool({"get", kCamera, "Height"}), "240\n");
 }

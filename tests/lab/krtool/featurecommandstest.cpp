@@ -126,7 +126,7 @@ TEST_F(FeatureCommands, SettingsThatDoNotFit_AreNamedEachWithTheRestSet) {
   const std::string path = mFolder.GetFile("settings.txt");
   TemporaryFolder::WriteFile(path, "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\nGain\t1000000\nNobody\t1\nWidth\t640\n");
 
-  EXPECT_EQ(Run(RunLoad, {.verb = Verb::Load, .file = path}, 1), "settings=1 problems=2\n");
+  EXPECT_EQ(Run(RunLoad, {.verb = Verb::Load, .file = path}, 1), "settings=3 problems=2\n");
 
   EXPECT_THAT(mErrors, AllOf(HasSubstr("krtool: Gain: 1000000 is wanted"), HasSubstr("krtool: Nobody: ")));
   EXPECT_EQ(Get({"Width"}), "640\n");
