@@ -28,6 +28,13 @@ int Fail(std::ostream& aErrors, const KrResult& aResult) {
   return 1;
 }
 
+int FailForLoss(std::ostream& aErrors, const std::string& aDevice, const KrResult& aLoss) {
+  if (aLoss.IsOK())
+    return 0;
+  const KrResult explained = Explain(aDevice + " did not answer all along", aLoss);
+  return Fail(aErrors, {explained.GetCode(), krapps::MakeField(explained.GetDescription())});
+}
+
 int FailToWrite(std::ostream& aErrors, const KrResult& aResult) {
   const bool isInTheWay = aResult == KrResult::Code::WrongState;
   return Fail(aErrors, {aResult.GetCode(), aResult.GetDescription() + (isInTheWay ? " --force replaces it." : "")});

@@ -24,6 +24,8 @@ KrResult Explain(const std::string& aAttempt, const KrResult& aResult);
 /// Writes the result's description, or its code where it has none, in one line and gives the exit code of a command
 /// that failed.
 int Fail(std::ostream& aErrors, const KrResult& aResult);
+/// The same, where aLoss is the first access that a device left without an answer while it was read; 0 where it is OK.
+int FailForLoss(std::ostream& aErrors, const std::string& aDevice, const KrResult& aLoss);
 /// The same where a file could not be made; adds how one that is in the way can be replaced.
 int FailToWrite(std::ostream& aErrors, const KrResult& aResult);
 

@@ -169,7 +169,10 @@ std::string GetHelpText() {
       "that ends in .xml or .zip, or that of a file that is there.\n"
       "VALUE is a number, also as 0x..., an address, the name of an entry, true or false (or 1 or 0), a text, or the\n"
       "hexadecimal digits of a register; behind -- it may begin with any character.\n"
-      "features, get and xml leave control of the device to whoever has it; set, execute, save and load take it.\n"
+      "Tabs, line ends and other control characters in values and texts are shown as \"?\".\n"
+      "The simulated cameras live as long as the one process that asked for them: what is set does not outlast it.\n"
+      "features, entries, get and xml leave control of the device to whoever has it; set, execute, save and load take "
+      "it.\n"
       "The exit code is 0, 1 when the command failed, 2 when it was not understood, or 128 and the number of the\n"
       "signal that ended it early. Finding no device is no failure of list.\n";
   return text;

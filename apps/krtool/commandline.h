@@ -12,7 +12,7 @@
 
 namespace krtool {
 
-enum class Verb { Help, Version, List, Stream, SaveFrame, Features, Get, Set, Execute, Xml, Save, Load };
+enum class Verb { Help, Version, List, Stream, SaveFrame, Features, Entries, Get, Set, Execute, Xml, Save, Load };
 
 /// What was asked for.
 struct CommandLine {
@@ -20,7 +20,8 @@ struct CommandLine {
   std::string device = {};             ///< An ID, MAC or IP address, serial number or name; where a command only
                                        ///< reads features, a description's file, too.
   std::string file = {};               ///< For SaveFrame, Save and Load; for Xml, where it is not empty.
-  std::vector<std::string> names = {}; ///< Features, for Get, Execute (one) and Set (each before its value).
+  std::vector<std::string> names = {}; ///< Features, for Get, Entries and Execute (one) and Set (each before
+                                       ///< its value).
   std::optional<krapps::FrameFileFormat> format = {}; ///< For SaveFrame: always there.
   std::string pixelFormat = {};                       ///< For SaveFrame: empty where the camera's own stays.
   std::optional<std::uint32_t> timeoutMs = {};        ///< Nothing where the command's own limit holds.

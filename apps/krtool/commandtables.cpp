@@ -38,6 +38,14 @@ constexpr CommandRow kCommands[] = {
          "Lists the features with their values and ranges, one line for each place in the tree of categories below\n"
          "      a line of headings. Columns are parted by single tabs; a cell may be empty.",
      .takesDevice = true},
+    {.verb = Verb::Entries,
+     .name = "entries",
+     .synopsis = "entries DEVICE|FILE.xml NAME [--timeout MS] [--simulate]",
+     .description =
+         "Lists all entries of an enumeration below a line of headings, parted by single tabs. Those with RO\n"
+         "      can be chosen at the moment.",
+     .takesDevice = true,
+     .names = NameUse::One},
     {.verb = Verb::Get,
      .name = "get",
      .synopsis = "get DEVICE|FILE.xml NAME... [--timeout MS] [--simulate]",
@@ -66,14 +74,17 @@ constexpr CommandRow kCommands[] = {
     {.verb = Verb::Save,
      .name = "save",
      .synopsis = "save DEVICE FILE [--force] [--timeout MS] [--simulate]",
-     .description = "Saves the device's settings. What cannot be read is named, a line each, and left out.",
+     .description =
+         "Saves the device's settings. What it refuses to give is named, a line each, and left out. Nothing is\n"
+         "      saved when it stops answering, or has no settings.",
      .takesDevice = true,
      .file = FileUse::Other},
     {.verb = Verb::Load,
      .name = "load",
      .synopsis = "load DEVICE FILE [--timeout MS] [--simulate]",
-     .description = "Gives the device the settings of a file and reads them back. What is not as in the file\n"
-                    "      afterwards is named, a line each.",
+     .description =
+         "Gives the device the settings of a file and reads them back. What is not as in the file\n"
+         "      afterwards is named, a line each, twenty at most. Closes with how many settings the file has.",
      .takesDevice = true,
      .file = FileUse::Other},
 };
@@ -118,7 +129,8 @@ bool TakeFlag(CommandLine& aCommandLine, std::string_view) {
 }
 
 constexpr OptionRow kOptions[] = {
-    {"--category", "C", "features", "Lists the features of one category and of all below it.",
+    {"--category", "C", "features",
+     "Lists the features of one category and of all below it: its name, or a path as features shows it.",
      TakeText<&CommandLine::category>, "the name of a category"},
     {"--faults", "", "features", "Lists what is wrong with the description, on standard error, not only how much is.",
      TakeFlag<&CommandLine::faults>, ""},
@@ -140,7 +152,7 @@ constexpr OptionRow kOptions[] = {
      TakeTimeout, "milliseconds from 1 to 3600000"},
     {"--visibility", "V", "features",
      "For whom: Beginner, Expert, Guru or Invisible, each with those before it (Guru: all that is not for programs\n"
-     "      alone). Counts for categories, too.",
+     "      alone). Counts for categories, too. Guru where it is not given.",
      TakeVisibility, "Beginner, Expert, Guru or Invisible"},
 };
 

@@ -30,12 +30,10 @@ int ListFeatures(KrGenParameterArray& aArray, const std::string& aDevice, const 
   const FeatureFilter filter = {.category = aCommandLine.category, .visibility = aCommandLine.visibility};
   if (KrResult written = WriteFeatureTable(aArray, filter, aOut); !written.IsOK())
     return Fail(aErrors, Explain("listing the features of " + aDevice + " failed", written));
+  if (aArray.GetCount() == 0)
+    aErrors << "krtool: the description has no feature that its root category reaches.\n";
   TellOfFaults(aArray, aCommandLine.faults, aErrors);
-  const KrResult loss = aGetLoss();
-  if (loss.IsOK())
-    return 0;
-  const KrResult explained = Explain(aDevice + " did not answer all along", loss);
-  return Fail(aErrors, {loss.GetCode(), krapps::MakeField(explained.GetDescription())});
+  return FailForLoss(aErrors, aDevice, aGetLoss());
 }
 
 int RunFeatures(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {

@@ -80,8 +80,9 @@ private:
   std::map<std::string, std::map<std::string, std::size_t>> mSiblings; // By the parent's name.
 };
 
-bool IsWithin(const std::vector<std::string>& aNames, const std::string& aCategory) {
-  return aCategory.empty() || std::find(aNames.begin(), aNames.end(), aCategory) != aNames.end();
+bool IsWithin(const Place& aPlace, const std::vector<std::string>& aCategory) {
+  return std::search(aPlace.names.begin(), aPlace.names.end(), aCategory.begin(), aCategory.end()) !=
+         aPlace.names.end();
 }
 
 bool AreVisible(const KrGenParameterArray& aArray, const std::vector<std::string>& aNames,
@@ -121,13 +122,18 @@ void WriteFeature(KrGenParameter& aFeature, const std::string& aPath, std::ostre
 KrResult WriteFeatureTable(KrGenParameterArray& aArray, const FeatureFilter& aFilter, std::ostream& aOut) {
   const PlaceList list(aArray);
   const std::vector<Place>& places = list.GetPlaces();
-  const bool isKnown = aFilter.category.empty() || aArray.GetCategory(aFilter.category) != nullptr;
+  const bool takesAll = aFilter.category.empty();
+  const std::vector<std::string> category = SplitPath(aFilter.category);
+  const auto isWanted = [&](const Place& aPlace) { return takesAll || IsWithin(aPlace, category); };
+  // A category that holds no feature has no place.
+  const bool isKnown = takesAll || aArray.GetCategory(aFilter.category) != nullptr ||
+                       std::any_of(places.begin(), places.end(), isWanted);
   if (!isKnown)
     return MakeUnknownCategory(places, aFilter.category);
 
   aOut << kHeadings;
   for (const Place& place : places) {
-    if (!IsWithin(place.names, aFilter.category) || !AreVisible(aArray, place.names, aFilter.visibility))
+    if (!isWanted(place) || !AreVisible(aArray, place.names, aFilter.visibility))
       continue;
     for (KrGenParameter* const feature : place.features)
       if (feature->IsVisible(aFilter.visibility))

@@ -10,7 +10,8 @@ namespace krtool {
 
 /// Which features are to be in a table.
 struct FeatureFilter {
-  std::string category = {}; ///< Only what this category holds, and all below it; empty for everything.
+  std::string category = {}; ///< Only what this category holds, and all below it: its name, or names from any category
+                             ///< above it on as a path has them; empty for everything.
   KrGenVisibility visibility = KrGenVisibility::Guru; ///< Of features, and of the categories that hold them.
 };
 

@@ -1,6 +1,7 @@
 // The command line companion: lists cameras, takes frames from them and sets their features, without a display.
 
 #include "commandline.h"
+#include "entriescommand.h"
 #include "executecommand.h"
 #include "featurescommand.h"
 #include "krdevice/krdeviceend.h"
@@ -12,7 +13,11 @@
 #include "valuecommands.h"
 #include "xmlcommand.h"
 
+#include <poll.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <csignal>
 #include <iostream>
 #include <iterator>
 
@@ -28,6 +33,7 @@ constexpr CommandRow kCommands[] = {{krtool::Verb::List, krtool::RunList},
                                     {krtool::Verb::Stream, krtool::RunStream},
                                     {krtool::Verb::SaveFrame, krtool::RunSaveFrame},
                                     {krtool::Verb::Features, krtool::RunFeatures},
+                                    {krtool::Verb::Entries, krtool::RunEntries},
                                     {krtool::Verb::Get, krtool::RunGet},
                                     {krtool::Verb::Set, krtool::RunSet},
                                     {krtool::Verb::Execute, krtool::RunExecute},
@@ -61,6 +67,15 @@ int Run(const krtool::CommandLine& aCommandLine) {
   return 0;
 }
 
+// As shells have it for what SIGPIPE ended; whoever talks to cameras has the process ignore that signal.
+constexpr int kEndedByPipe = 128 + SIGPIPE;
+
+// Whoever reads a listing may have seen enough, as head has: nothing to tell of. A stream's figures are its result.
+bool IsReaderGone() {
+  pollfd output = {.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
+  return poll(&output, 1, 0) > 0 && (output.revents & POLLERR) != 0;
+}
+
 } // namespace
 
 int main(int aCount, char** aArguments) {
@@ -71,6 +86,8 @@ int main(int aCount, char** aArguments) {
   }
   const int exitCode = Run(parsed.commandLine);
   if (!std::cout.flush()) {
+    if (parsed.commandLine.verb != krtool::Verb::Stream && IsReaderGone())
+      return kEndedByPipe;
     std::cerr << "krtool: the output could not be written.\n";
     return 1;
   }

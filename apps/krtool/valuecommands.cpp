@@ -25,6 +25,13 @@ KrResult WriteValue(KrGenParameter& aFeature, const std::string& aName, bool aIs
   return read;
 }
 
+KrResult FindValue(const KrGenParameterArray& aArray, const std::string& aName, KrGenParameter*& aFeature) {
+  KrResult found = FindFeature(aArray, aName, aFeature);
+  if (found.IsOK() && aFeature->GetType() == KrGenType::Command)
+    return {KrResult::Code::InvalidInput, "it is a command, which has no value; krtool execute carries it out."};
+  return found;
+}
+
 } // namespace
 
 int GetValues(const KrGenParameterArray& aArray, const std::string& aDevice, const std::vector<std::string>& aNames,
@@ -48,7 +55,7 @@ int SetValues(const KrGenParameterArray& aArray, const std::string& aDevice, con
     return "setting " + aPairs[2 * aIndex] + " of " + aDevice + " failed";
   };
   for (std::size_t i = 0; i < features.size(); ++i)
-    if (KrResult found = FindFeature(aArray, aPairs[2 * i], features[i]); !found.IsOK())
+    if (KrResult found = FindValue(aArray, aPairs[2 * i], features[i]); !found.IsOK())
       return FailFor(aErrors, attempt(i), found);
 
   for (std::size_t i = 0; i < features.size(); ++i) {

@@ -15,7 +15,7 @@ namespace krtool {
 /// cannot be read is told of on aErrors, and the others are still read. Gives the program's exit code.
 int RunGet(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors);
 /// Sets each feature and writes what it is then, in the same form; what can only be written is not. Nothing is set
-/// where one of the names is unknown; the first that cannot be set ends it.
+/// where one of the names is unknown or that of a command; the first that cannot be set ends it.
 int RunSet(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors);
 
 /// The same with an array; aDevice is named in messages. aPairs holds names and values in turn.

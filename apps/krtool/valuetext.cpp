@@ -2,6 +2,7 @@
 
 #include "krgenicam/krgenfloat.h"
 #include "krgenicam/krgeninteger.h"
+#include "krgenicam/krgenregister.h"
 #include "krsystem/ipv4address.h"
 #include "plaintext.h"
 
@@ -109,6 +110,21 @@ void ReadNumbers(KrGenParameter& aParameter, FeatureState& aState) {
   }
 }
 
+// The bytes stay where they are, many as they may be, and as reading may have effects: what keeps a register from being
+// read at all is found out without them.
+void NoteWhyUnreadable(KrGenParameter& aParameter, KrGenAccessMode aAccess, std::string& aError) {
+  auto* const bytes = dynamic_cast<KrGenRegister*>(&aParameter);
+  if (bytes == nullptr || aAccess == KrGenAccessMode::WriteOnly)
+    return;
+  if (aAccess == KrGenAccessMode::NotAvailable) {
+    KrString text;
+    Note(bytes->ToString(text), aError);
+  }
+  std::int64_t number = 0;
+  Note(bytes->GetAddress(number), aError);
+  Note(bytes->GetLength(number), aError);
+}
+
 } // namespace
 
 std::string FormatInteger(std::int64_t aValue, KrGenRepresentation aRepresentation) {
@@ -141,8 +157,12 @@ FeatureState ReadState(KrGenParameter& aParameter, KrGenAccessMode aAccess) {
   FeatureState state;
   const KrGenType type = aParameter.GetType();
   const bool hasValue = type != KrGenType::Command && type != KrGenType::Register && type != KrGenType::Other;
-  if (!hasValue || aAccess == KrGenAccessMode::NotImplemented)
+  if (aAccess == KrGenAccessMode::NotImplemented)
     return state;
+  if (!hasValue) {
+    NoteWhyUnreadable(aParameter, aAccess, state.error);
+    return state;
+  }
   if (aAccess != KrGenAccessMode::WriteOnly)
     Note(ReadValueText(aParameter, state.value), state.error);
   if (aAccess != KrGenAccessMode::NotAvailable) {

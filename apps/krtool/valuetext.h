@@ -26,7 +26,8 @@ struct FeatureState {
 /// The value as text in one line; bytes as hexadecimal digits. Results as the parameter's own operations.
 KrResult ReadValueText(KrGenParameter& aParameter, std::string& aText);
 
-/// All that can be read of a feature whose access is aAccess. Bytes of registers are not read.
+/// All that can be read of a feature whose access is aAccess. Bytes of registers are not read; the error says what
+/// keeps them from being read before the device is asked for them.
 FeatureState ReadState(KrGenParameter& aParameter, KrGenAccessMode aAccess);
 
 /// Sets a feature to what a user wrote: addresses where it is shown as one, otherwise as KrGenParameter::FromString.

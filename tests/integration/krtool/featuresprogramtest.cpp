@@ -96,6 +96,31 @@ TEST_F(FeaturesProgram, Description_IsTheSameInAFileAndReadFromIt) {
   EXPECT_THAT(RunTool({"features", path}), HasSubstr("\tWidth\tInteger\t"));
 }
 
+TEST_F(FeaturesProgram, ListingThatNobodyReadsOn_EndsSilently) {
+  const FakeCamera camera("FEAT10");
+  ASSERT_TRUE(camera.IsAnswering());
+
+  for (const char* command : {"xml", "features"}) {
+    ProgramRun run(KRTOOL_PATH, {command, kCamera});
+    run.CloseOutput();
+
+    EXPECT_NE(run.Finish(), 0) << command;
+    EXPECT_EQ(run.GetErrors(), "") << command;
+  }
+}
+
+TEST_F(FeaturesProgram, Entries_AreListedOfACameraAndOfAFile) {
+  const FakeCamera camera("FEAT11");
+  ASSERT_TRUE(camera.IsAnswering());
+  const std::string path = mFolder.GetFile("camera.xml");
+  RunTool({"xml", kCamera, path});
+
+  const std::string entries = RunTool({"entries", kCamera, "PixelFormat"});
+
+  EXPECT_THAT(entries, AllOf(StartsWith("entry\tvalue\taccess\t"), HasSubstr("\nMono8\t17301505\t")));
+  EXPECT_EQ(RunTool({"entries", path, "PixelFormat"}), entries);
+}
+
 TEST_F(FeaturesProgram, Command_IsExecuted) {
   const FakeCamera camera("FEAT6");
   ASSERT_TRUE(camera.IsAnswering());

@@ -40,5 +40,15 @@ TEST_F(FeaturesListed, DeviceThatFallsSilent_FailsInOneLineBehindTheTable) {
   EXPECT_EQ(mErrors.str(), "krtool: Camera did not answer all along: No answer?came.\n");
 }
 
+TEST_F(FeaturesListed, DescriptionWhoseRootReachesNothing_IsPointedOut) {
+  DescribedCamera camera(R"(<Category Name="Root"/><Integer Name="Width"><Value>64</Value></Integer>)");
+
+  EXPECT_EQ(ListFeatures(
+                *camera.array, "Camera", [] { return KrResult(); }, {.verb = Verb::Features}, mOut, mErrors),
+            0);
+
+  EXPECT_EQ(mErrors.str(), "krtool: the description has no feature that its root category reaches.\n");
+}
+
 } // namespace
 } // namespace krtool

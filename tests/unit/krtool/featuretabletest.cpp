@@ -89,6 +89,23 @@ TEST_F(FeatureTable, Category_BringsWhatIsBelowIt) {
               ElementsAre("Root\\Format\\Region Offset", "Root\\Format\\Region Gain"));
 }
 
+TEST_F(FeatureTable, Path_BringsWhatIsBelowIt) {
+  const auto ofRegion = ElementsAre("Root\\Format\\Region Offset", "Root\\Format\\Region Gain");
+
+  EXPECT_THAT(WritePlaces({.category = "Root\\Format\\Region"}), ofRegion);
+  EXPECT_THAT(WritePlaces({.category = "Format\\Region"}), ofRegion);
+  EXPECT_THAT(WritePlaces({.category = "Root\\Maker"}), ElementsAre("Root\\Maker Simple"));
+}
+
+TEST_F(FeatureTable, PathThatIsNone_FailsWithTheCategoriesThereAre) {
+  for (const char* path : {"Root\\Region", "Format\\", "\\", "Root\\Format\\Width"}) {
+    Write({.category = path});
+
+    EXPECT_EQ(mResult, KrResult::Code::NotFound) << path;
+    EXPECT_EQ(mText, "") << path;
+  }
+}
+
 TEST_F(FeatureTable, UnknownCategory_FailsWithThoseThereAre) {
   Write({.category = "Formats"});
 

@@ -30,6 +30,7 @@ protected:
     <Integer Name="One"><Value>1</Value></Integer>
     <Enumeration Name="Mode"><EnumEntry Name="Off"><Value>0</Value></EnumEntry><EnumEntry Name="On"><Value>1</Value>
       </EnumEntry><Value>0</Value></Enumeration>
+    <Command Name="Reset"><Value>0</Value><CommandValue>1</CommandValue></Command>
     <IntReg Name="Secret"><Address>0</Address><Length>1</Length><AccessMode>WO</AccessMode><pPort>Device</pPort>
       <Endianess>LittleEndian</Endianess></IntReg>)"};
   std::ostringstream mOut;
@@ -74,6 +75,15 @@ TEST_F(ValueCommands, SetWithAnUnknownName_SetsNothing) {
   EXPECT_EQ(Get({"Width"}), 0);
   EXPECT_EQ(mOut.str(), "64\n");
   EXPECT_THAT(mErrors.str(), HasSubstr("\"Nobody\""));
+}
+
+TEST_F(ValueCommands, SetOfACommand_PointsAtExecuteAndSetsNothing) {
+  EXPECT_EQ(Set({"Width", "32", "Reset", "1"}), 1);
+
+  EXPECT_EQ(mOut.str(), "");
+  EXPECT_THAT(mErrors.str(), AllOf(StartsWith("krtool: setting Reset of cam failed"), HasSubstr("krtool execute")));
+  EXPECT_EQ(Get({"Width"}), 0);
+  EXPECT_EQ(mOut.str(), "64\n");
 }
 
 TEST_F(ValueCommands, SetThatFails_EndsItWithTheEarlierOnesSet) {

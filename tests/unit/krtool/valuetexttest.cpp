@@ -206,5 +206,40 @@ TEST_F(ValueText, BrokenHardwareAddresses_AreRefused) {
     EXPECT_EQ(WriteValueText(*mCamera.array->Get("MAC"), text), KrResult::Code::InvalidInput) << text;
 }
 
+TEST(RegisterState, RegisterThatCannotBeRead_SaysWhy) {
+  DescribedCamera camera(R"(
+    <Integer Name="Zero"><Value>0</Value></Integer>
+    <Register Name="Away"><pIsAvailable>Zero</pIsAvailable><Address>0</Address><Length>4</Length>
+      <AccessMode>RO</AccessMode><pPort>Device</pPort></Register>
+    <IntReg Name="Where"><Address>64</Address><Length>4</Length><AccessMode>RO</AccessMode><pPort>Device</pPort>
+      <Endianess>LittleEndian</Endianess></IntReg>
+    <Register Name="Lost"><pAddress>Where</pAddress><Length>4</Length><AccessMode>RO</AccessMode>
+      <pPort>Device</pPort></Register>
+    <Register Name="Secret"><Address>0</Address><Length>4</Length><AccessMode>WO</AccessMode><pPort>Device</pPort>
+      </Register>)");
+  camera.port.SetFault([](const RegisterAccessRecord& aRecord) {
+    return aRecord.address == 64 ? KrResult(KrResult::Code::ProtocolError, "Refused.") : KrResult();
+  });
+  const auto getError = [&](const char* aName) {
+    KrGenParameter* const parameter = camera.array->Get(aName);
+    return ReadState(*parameter, parameter->GetAccessMode()).error;
+  };
+
+  EXPECT_THAT(getError("Away"), HasSubstr("Zero"));
+  EXPECT_THAT(getError("Lost"), HasSubstr("Refused."));
+  EXPECT_EQ(getError("Secret"), "");
+}
+
+TEST(RegisterState, RegisterThatCanBeRead_IsNotRead) {
+  DescribedCamera camera(R"(<Register Name="Bytes"><Address>0</Address><Length>4</Length><AccessMode>RO</AccessMode>
+    <pPort>Device</pPort></Register>)");
+  KrGenParameter* const parameter = camera.array->Get("Bytes");
+
+  const FeatureState state = ReadState(*parameter, parameter->GetAccessMode());
+
+  EXPECT_EQ(state.error, "");
+  EXPECT_EQ(camera.port.CountReads(), 0U);
+}
+
 } // namespace
 } // namespace krtool
