@@ -24,11 +24,21 @@ SettingsStore::SettingsStore(NodeMap& aMap, KrStringList& aProblems)
     : mMap(aMap), mCancel(aMap.GetCancelToken()), mProblems(aProblems) {}
 
 KrResult SettingsStore::Run(const std::vector<KrGenParameter*>& aParameters, KrGenSettings& aSettings) {
+  NoteStream();
   for (const Group& group : MakeGroups(aParameters))
     Walk(group, 0);
   for (const KrGenSetting& setting : mSettings)
     aSettings.Add(setting.name, setting.value);
   return mFirstFailure;
+}
+
+// Sizes and formats are locked meanwhile, and thus left out: nobody should find that out when they are needed.
+void SettingsStore::NoteStream() {
+  std::int64_t isLocked = 0;
+  auto* const lock = dynamic_cast<KrGenInteger*>(mMap.FindParameter("TLParamsLocked"));
+  if (lock && lock->GetValue(isLocked).IsOK() && isLocked != 0)
+    Note("The settings", "are not all taken",
+         {KrResult::Code::WrongState, "A stream runs and locks some of them. Stop it, then take them again."});
 }
 
 // A selector under whose positions others are taken is not taken for itself: its own position ends their group. Of

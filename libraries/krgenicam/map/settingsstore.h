@@ -43,6 +43,7 @@ private:
   void StoreParameters(const Group& aGroup);
   void StoreParameter(KrGenParameter& aParameter);
   bool IsEnded();
+  void NoteStream();
   void Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure);
   void NoteLimit(const KrString& aName);
   void NoteCut(const KrString& aName);

@@ -320,5 +320,16 @@ TEST(StoreSettings, WhatDependsOnOneAnother_KeepsTheOrderOfTheDescription) {
   EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Width", "0"), Pair("OffsetX", "0")));
 }
 
+TEST(StoreSettings, WhileAStreamRuns_WhatItLocksIsLeftOutAndThatIsTold) {
+  SettingsCamera camera(MakeInteger("Gain", 0) + MakeInteger("Width", 4, "<pIsLocked>TLParamsLocked</pIsLocked>") +
+                        "<Integer Name=\"TLParamsLocked\"><Value>1</Value></Integer>");
+
+  const KrResult result = camera.Store();
+
+  EXPECT_EQ(result, KrResult::Code::WrongState);
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(Pair("Gain", "0")));
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("A stream runs")));
+}
+
 } // namespace
 } // namespace krgenicam
