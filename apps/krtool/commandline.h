@@ -27,7 +27,7 @@ struct CommandLine {
   std::optional<std::uint32_t> timeoutMs = {};        ///< Nothing where the command's own limit holds.
   std::uint64_t frames = 0;                           ///< For Stream: how many; at least 1.
   std::string category = {};                          ///< For Features: empty for all.
-  KrGenVisibility visibility = KrGenVisibility::Guru; ///< For Features.
+  KrGenVisibility visibility = KrGenVisibility::Invisible; ///< For Features.
   bool faults = false;                                ///< For Features: lists the description's faults.
   bool force = false;                                 ///< Replaces a file that is there.
   bool json = false;

@@ -152,7 +152,7 @@ constexpr OptionRow kOptions[] = {
      TakeTimeout, "milliseconds from 1 to 3600000"},
     {"--visibility", "V", "features",
      "For whom: Beginner, Expert, Guru or Invisible, each with those before it (Guru: all that is not for programs\n"
-     "      alone). Counts for categories, too. Guru where it is not given.",
+     "      alone). Counts for categories, too. All of them where it is not given.",
      TakeVisibility, "Beginner, Expert, Guru or Invisible"},
 };
 

@@ -12,7 +12,7 @@ namespace krtool {
 struct FeatureFilter {
   std::string category = {}; ///< Only what this category holds, and all below it: its name, or names from any category
                              ///< above it on as a path has them; empty for everything.
-  KrGenVisibility visibility = KrGenVisibility::Guru; ///< Of features, and of the categories that hold them.
+  KrGenVisibility visibility = KrGenVisibility::Invisible; ///< Of features, and of the categories that hold them.
 };
 
 /// Writes a line of headings and one line for each place in the tree of categories at which a feature stands: a

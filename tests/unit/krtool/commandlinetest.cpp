@@ -78,7 +78,7 @@ TEST(CommandLine, FeaturesAlone_ShowsAllThatIsForPeople) {
 
   EXPECT_EQ(parsed.error, "");
   EXPECT_EQ(parsed.commandLine.category, "");
-  EXPECT_EQ(parsed.commandLine.visibility, KrGenVisibility::Guru);
+  EXPECT_EQ(parsed.commandLine.visibility, KrGenVisibility::Invisible);
 }
 
 TEST(CommandLine, Get_TakesSeveralNames) {
@@ -204,7 +204,7 @@ TEST(CommandLine, Help_NamesEveryCommandAndOption) {
                            "krtool save-frame DEVICE FILE",
                            "krtool features DEVICE|FILE.xml",
                            "krtool entries DEVICE|FILE.xml NAME",
-                           "Guru where it is not given",
+                           "All of them where it is not given",
                            "are shown as \"?\"",
                            "does not outlast it",
                            "krtool get DEVICE|FILE.xml NAME",
