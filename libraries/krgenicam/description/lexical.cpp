@@ -123,4 +123,8 @@ std::string_view Trim(std::string_view aText) {
   return aText.substr(begin, aText.find_last_not_of(kBlanks) - begin + 1);
 }
 
+std::string QuoteName(std::string_view aName) {
+  return "\"" + std::string(aName) + "\"";
+}
+
 } // namespace krgenicam

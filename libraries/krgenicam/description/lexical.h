@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace krgenicam {
@@ -25,6 +26,8 @@ std::optional<std::size_t> FindWord(const Words& aWords, std::string_view aText)
 bool EqualsIgnoringCase(std::string_view aLeft, std::string_view aRight);
 /// Without blanks, tabs and line ends around.
 std::string_view Trim(std::string_view aText);
+/// A node's name as messages have it: in quotation marks.
+std::string QuoteName(std::string_view aName);
 
 template <typename Words>
 std::optional<std::size_t> FindWord(const Words& aWords, std::string_view aText) {

@@ -18,10 +18,6 @@ constexpr std::string_view kImposedWords[] = {"WO", "RO", "RW"};
 constexpr KrGenAccessMode kImposedModes[] = {KrGenAccessMode::WriteOnly, KrGenAccessMode::ReadOnly,
                                              KrGenAccessMode::ReadWrite};
 
-std::string Quote(std::string_view aName) {
-  return "\"" + std::string(aName) + "\"";
-}
-
 // Keeps the path of an evaluation in step with the nodes that are under computation.
 class Step {
 public:
@@ -138,13 +134,13 @@ NodeLink Node::LinkTo(INodeIndex& aIndex, const Property& aProperty) {
 }
 
 KrResult Node::MakeFault(std::uint32_t aLine, const std::string& aReason, KrResult::Code aCode) const {
-  return {aCode,
-          "The camera's description, node " + Quote(GetName()) + ", line " + std::to_string(aLine) + ": " + aReason};
+  return {aCode, "The camera's description, node " + QuoteName(GetName()) + ", line " + std::to_string(aLine) + ": " +
+                     aReason};
 }
 
 KrResult Node::Follow(const NodeLink& aLink, Node*& aNode) const {
   if (!aLink.node)
-    return MakeFault(aLink.line, "there is no usable node " + Quote(aLink.name) + ".");
+    return MakeFault(aLink.line, "there is no usable node " + QuoteName(aLink.name) + ".");
   aNode = aLink.node;
   return {};
 }
@@ -152,7 +148,7 @@ KrResult Node::Follow(const NodeLink& aLink, Node*& aNode) const {
 void Node::AddWordFault(INodeIndex& aIndex, const Property& aProperty, std::string_view aWanted) {
   constexpr std::size_t kLongestQuote = 60;
   aIndex.AddFault(*this, aProperty.line,
-                  Quote(aProperty.text.substr(0, kLongestQuote)) + " is not " + std::string(aWanted) + ".");
+                  QuoteName(aProperty.text.substr(0, kLongestQuote)) + " is not " + std::string(aWanted) + ".");
 }
 
 std::int64_t Node::TakeInteger(INodeIndex& aIndex, PropertyKind aKind, std::int64_t aDefault) {
@@ -333,7 +329,7 @@ KrResult Node::CheckRange(Evaluation& aEvaluation, const Number& aValue, bool aC
     return result;
   const auto refuse = [this, &aValue](const std::string& aReason) {
     return KrResult(KrResult::Code::OutOfRange,
-                    Quote(GetName()) + " cannot be set to " + FormatNumber(aValue) + ": " + aReason);
+                    QuoteName(GetName()) + " cannot be set to " + FormatNumber(aValue) + ": " + aReason);
   };
   const bool isWhole = !aValue.IsFloat() && !minimum.IsFloat() && !maximum.IsFloat();
   const bool isInside = isWhole ? aValue.ToInteger() >= minimum.ToInteger() && aValue.ToInteger() <= maximum.ToInteger()
@@ -377,7 +373,7 @@ KrResult Node::FromFloatView(Evaluation&, double aFloat, Number& aValue) {
 }
 
 KrResult Node::Compute(Evaluation&, Facet, Number&) {
-  return {KrResult::Code::InvalidInput, Quote(GetName()) + " has no value that is a number."};
+  return {KrResult::Code::InvalidInput, QuoteName(GetName()) + " has no value that is a number."};
 }
 
 KrGenAccessMode Node::ComputeAccess(Evaluation&, Facet) {
@@ -387,7 +383,7 @@ KrGenAccessMode Node::ComputeAccess(Evaluation&, Facet) {
 KrResult Node::CheckWrite(Evaluation& aEvaluation, const Number&) {
   if (KrResult result = CheckWritable(aEvaluation); !result.IsOK())
     return result;
-  return {KrResult::Code::InvalidInput, Quote(GetName()) + " cannot be set to a number."};
+  return {KrResult::Code::InvalidInput, QuoteName(GetName()) + " cannot be set to a number."};
 }
 
 KrResult Node::Write(Evaluation& aEvaluation, const Number& aValue) {
@@ -395,11 +391,11 @@ KrResult Node::Write(Evaluation& aEvaluation, const Number& aValue) {
 }
 
 KrResult Node::ReadText(Evaluation&, std::string&) {
-  return {KrResult::Code::InvalidInput, Quote(GetName()) + " has no value that is a text."};
+  return {KrResult::Code::InvalidInput, QuoteName(GetName()) + " has no value that is a text."};
 }
 
 KrResult Node::CheckWriteText(Evaluation&, std::string_view) {
-  return {KrResult::Code::InvalidInput, Quote(GetName()) + " cannot be set to a text."};
+  return {KrResult::Code::InvalidInput, QuoteName(GetName()) + " cannot be set to a text."};
 }
 
 KrResult Node::WriteText(Evaluation& aEvaluation, std::string_view aText) {
@@ -407,7 +403,7 @@ KrResult Node::WriteText(Evaluation& aEvaluation, std::string_view aText) {
 }
 
 KrResult Node::GetMaxTextLength(Evaluation&, std::int64_t&) {
-  return {KrResult::Code::InvalidInput, Quote(GetName()) + " has no value that is a text."};
+  return {KrResult::Code::InvalidInput, QuoteName(GetName()) + " has no value that is a text."};
 }
 
 KrResult Node::GetValidValues(Evaluation&, std::vector<Number>& aValues) {

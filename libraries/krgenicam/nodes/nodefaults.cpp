@@ -1,5 +1,7 @@
 #include "nodes/node.h"
 
+#include "description/lexical.h"
+
 #include <algorithm>
 #include <string>
 
@@ -8,10 +10,6 @@
 namespace krgenicam {
 
 namespace {
-
-std::string Quote(std::string_view aName) {
-  return "\"" + std::string(aName) + "\"";
-}
 
 // Keeps the nodes that are giving reasons on behalf of one another.
 class ReasonStep {
@@ -28,7 +26,8 @@ private:
 } // namespace
 
 KrResult Node::ExplainAccess(Evaluation& aEvaluation, bool aForWriting) {
-  return Explain(aEvaluation, aForWriting, Quote(GetName()) + " cannot be " + (aForWriting ? "set" : "read") + ": ");
+  return Explain(aEvaluation, aForWriting,
+                 QuoteName(GetName()) + " cannot be " + (aForWriting ? "set" : "read") + ": ");
 }
 
 KrResult Node::Explain(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
@@ -70,15 +69,15 @@ KrResult Node::ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredic
     return result;
   Number value;
   if (KrResult asked = node->GetValue(aEvaluation, value); !asked.IsOK())
-    return {asked.GetCode(), aAttempt + Quote(aPredicate.name) + ", which says whether it can be, has no value. " +
+    return {asked.GetCode(), aAttempt + QuoteName(aPredicate.name) + ", which says whether it can be, has no value. " +
                                  asked.GetDescription()};
-  return {KrResult::Code::AccessDenied, aAttempt + aVerdict + " as long as " + Quote(aPredicate.name) + " is " +
+  return {KrResult::Code::AccessDenied, aAttempt + aVerdict + " as long as " + QuoteName(aPredicate.name) + " is " +
                                             (value.ToFloat() == 0.0 ? "0" : "not 0") + "."};
 }
 
 KrResult Node::ExplainBy(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt, Node& aObstacle) {
   constexpr std::string_view kColon = ": ";
-  const auto blame = [](const Node& aNode) { return " because of " + Quote(aNode.GetName()); };
+  const auto blame = [](const Node& aNode) { return " because of " + QuoteName(aNode.GetName()); };
   // In a chain of nodes the last one alone is named: whoever stands between does not help.
   std::string attempt = aAttempt.substr(0, aAttempt.size() - kColon.size());
   if (attempt.ends_with(blame(*this)))
@@ -108,7 +107,7 @@ KrResult Node::CheckErrors(Evaluation& aEvaluation) {
     if (!link.node->Get(aEvaluation, Facet::Value, value).IsOK() || value.ToInteger() == 0)
       continue;
     return {KrResult::Code::ProtocolError,
-            "The device took the value of " + Quote(GetName()) + " but says: " + link.node->DescribeValue(value)};
+            "The device took the value of " + QuoteName(GetName()) + " but says: " + link.node->DescribeValue(value)};
   }
   return {};
 }

@@ -16,10 +16,6 @@ constexpr std::string_view kCachingWords[] = {"WriteThrough", "WriteAround", "No
 constexpr std::string_view kEndianWords[] = {"LittleEndian", "BigEndian"};
 constexpr std::string_view kDevicePort = "Device";
 
-std::string Quote(std::string_view aName) {
-  return "\"" + std::string(aName) + "\"";
-}
-
 } // namespace
 
 void RegisterNode::Link(INodeIndex& aIndex) {
@@ -46,7 +42,7 @@ void RegisterNode::LinkPort(INodeIndex& aIndex) {
   const NodeLink link = LinkTo(aIndex, *property);
   mPort = dynamic_cast<PortNode*>(link.node);
   if (!mPort)
-    SetFault(aIndex, link.line, "there is no usable port " + Quote(link.name) + ".");
+    SetFault(aIndex, link.line, "there is no usable port " + QuoteName(link.name) + ".");
 }
 
 void RegisterNode::LinkLength(INodeIndex& aIndex) {
@@ -114,7 +110,7 @@ void RegisterNode::LinkIndex(INodeIndex& aIndex, const Property& aProperty) {
 NodeLink RegisterNode::TakeLink(INodeIndex& aIndex, const Property& aProperty) {
   NodeLink link = LinkTo(aIndex, aProperty);
   if (!link.node) {
-    SetFault(aIndex, link.line, "there is no usable node " + Quote(link.name) + ".");
+    SetFault(aIndex, link.line, "there is no usable node " + QuoteName(link.name) + ".");
     return link;
   }
   link.name = link.node->GetName();

@@ -1,5 +1,7 @@
 #include "nodes/registernode.h"
 
+#include "description/lexical.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -8,10 +10,6 @@
 namespace krgenicam {
 
 namespace {
-
-std::string Quote(std::string_view aName) {
-  return "\"" + std::string(aName) + "\"";
-}
 
 std::string FormatAddress(std::int64_t aAddress) {
   if (aAddress < 0)
@@ -24,7 +22,7 @@ std::string FormatAddress(std::int64_t aAddress) {
 // "Reading "X" (8 bytes at 0x1234): " before what the port says.
 KrResult NameAttempt(const KrResult& aResult, const char* aVerb, const Node& aNode, const RegisterRange& aRange) {
   const std::string bytes = std::to_string(aRange.length) + (aRange.length == 1 ? " byte" : " bytes");
-  return {aResult.GetCode(), std::string(aVerb) + " " + Quote(aNode.GetName()) + " (" + bytes + " at " +
+  return {aResult.GetCode(), std::string(aVerb) + " " + QuoteName(aNode.GetName()) + " (" + bytes + " at " +
                                  FormatAddress(aRange.address) + "): " + aResult.GetDescription().ToUtf8()};
 }
 
@@ -94,8 +92,8 @@ KrResult RegisterNode::FindTerm(Evaluation& aEvaluation, const AddressTerm& aTer
   if (aTerm.scale == AddressTerm::Scale::None)
     factor = 1;
   if (__builtin_mul_overflow(number, factor, &aTermValue))
-    return {KrResult::Code::OutOfRange, "The address of " + Quote(GetName()) + " has more than 64 bits: " +
-                                            Quote(aTerm.link.name) + " is " + std::to_string(number) + "."};
+    return {KrResult::Code::OutOfRange, "The address of " + QuoteName(GetName()) + " has more than 64 bits: " +
+                                            QuoteName(aTerm.link.name) + " is " + std::to_string(number) + "."};
   return result;
 }
 
@@ -119,11 +117,12 @@ KrResult RegisterNode::FindRange(Evaluation& aEvaluation, RegisterRange& aRange)
     if (KrResult result = FindTerm(aEvaluation, term, number); !result.IsOK())
       return result;
     if (__builtin_add_overflow(aRange.address, number, &aRange.address))
-      return {KrResult::Code::OutOfRange, "The address of " + Quote(GetName()) + " has more than 64 bits."};
+      return {KrResult::Code::OutOfRange, "The address of " + QuoteName(GetName()) + " has more than 64 bits."};
   }
   KrResult checked = mPort->CheckAddress(aRange);
   if (!checked.IsOK())
-    return {checked.GetCode(), Quote(GetName()) + " is nowhere at the moment: " + checked.GetDescription().ToUtf8()};
+    return {checked.GetCode(),
+            QuoteName(GetName()) + " is nowhere at the moment: " + checked.GetDescription().ToUtf8()};
   return checked;
 }
 
@@ -209,7 +208,7 @@ KrResult RegisterNode::FindRangeOf(Evaluation& aEvaluation, std::span<const std:
                                    RegisterRange& aRange) {
   KrResult result = FindRange(aEvaluation, aRange);
   if (result.IsOK() && aRange.length != aBytes.size())
-    return {KrResult::Code::InvalidInput, Quote(GetName()) + " takes " + std::to_string(aRange.length) +
+    return {KrResult::Code::InvalidInput, QuoteName(GetName()) + " takes " + std::to_string(aRange.length) +
                                               " bytes, not " + std::to_string(aBytes.size()) + "."};
   return result;
 }
