@@ -48,19 +48,19 @@ void ReadBayerLine(const LineSource& aSource, RedParity aRed, std::uint32_t aLin
 
 } // namespace
 
-void ReadBayerGR8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra) {
+void ReadBayerGR8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind) {
   ReadBayerLine(aSource, kParityGR, aLine, aBgra);
 }
 
-void ReadBayerRG8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra) {
+void ReadBayerRG8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind) {
   ReadBayerLine(aSource, kParityRG, aLine, aBgra);
 }
 
-void ReadBayerGB8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra) {
+void ReadBayerGB8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind) {
   ReadBayerLine(aSource, kParityGB, aLine, aBgra);
 }
 
-void ReadBayerBG8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra) {
+void ReadBayerBG8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind) {
   ReadBayerLine(aSource, kParityBG, aLine, aBgra);
 }
 

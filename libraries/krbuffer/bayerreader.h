@@ -5,9 +5,9 @@
 
 namespace krbuffer {
 
-void ReadBayerGR8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra);
-void ReadBayerRG8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra);
-void ReadBayerGB8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra);
-void ReadBayerBG8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra);
+void ReadBayerGR8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind);
+void ReadBayerRG8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind);
+void ReadBayerGB8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind);
+void ReadBayerBG8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind);
 
 } // namespace krbuffer

@@ -7,10 +7,10 @@
 namespace krbuffer {
 
 ByteConverter::ByteConverter(const LineSource& aSource, LineReader aReader, std::shared_ptr<const ToneTables> aTables)
-    : mSource(aSource), mReader(aReader), mTables(std::move(aTables)) {}
+    : LineConverter(aSource), mReader(aReader), mTables(std::move(aTables)) {}
 
-void ByteConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const {
-  mReader(mSource, aLine, aDestination);
+void ByteConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const {
+  mReader(mSource, aLine, aDestination, aStores);
   if (!mTables)
     return;
   const std::uint8_t* blue = mTables->GetTable(ToneTables::Channel::Blue);

@@ -14,10 +14,9 @@ class ByteConverter final : public LineConverter {
 public:
   /// Tables, which may be null, have one entry for each byte.
   ByteConverter(const LineSource& aSource, LineReader aReader, std::shared_ptr<const ToneTables> aTables);
-  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const override;
+  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
 
 private:
-  LineSource mSource;
   LineReader mReader;
   std::shared_ptr<const ToneTables> mTables;
 };

@@ -10,9 +10,9 @@ namespace krbuffer {
 
 DeepGreyConverter::DeepGreyConverter(const LineSource& aSource, SampleReader aSamples, unsigned aBits,
                                      std::shared_ptr<const ToneTables> aTables)
-    : mSource(aSource), mSamples(aSamples), mBits(aBits), mTables(std::move(aTables)) {}
+    : LineConverter(aSource), mSamples(aSamples), mBits(aBits), mTables(std::move(aTables)) {}
 
-void DeepGreyConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const {
+void DeepGreyConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind) const {
   const std::uint8_t* line = mSource.GetLine(aLine);
   std::array<std::uint16_t, kRunSamples> samples;
   for (std::size_t first = 0; first < mSource.width; first += kRunSamples) {
@@ -33,9 +33,9 @@ void DeepGreyConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestinat
 
 DeepColourConverter::DeepColourConverter(const LineSource& aSource, SampleReader aSamples, DeepReader aReader,
                                          unsigned aBits, std::shared_ptr<const ToneTables> aTables)
-    : mSource(aSource), mSamples(aSamples), mReader(aReader), mBits(aBits), mTables(std::move(aTables)) {}
+    : LineConverter(aSource), mSamples(aSamples), mReader(aReader), mBits(aBits), mTables(std::move(aTables)) {}
 
-void DeepColourConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const {
+void DeepColourConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind) const {
   constexpr auto kRun = static_cast<std::uint32_t>(kRunSamples);
   std::array<DeepPixel, kRunSamples> pixels;
   std::uint32_t count = 0;

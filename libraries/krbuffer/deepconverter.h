@@ -16,10 +16,9 @@ class DeepGreyConverter final : public LineConverter {
 public:
   DeepGreyConverter(const LineSource& aSource, SampleReader aSamples, unsigned aBits,
                     std::shared_ptr<const ToneTables> aTables);
-  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const override;
+  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
 
 private:
-  LineSource mSource;
   SampleReader mSamples;
   unsigned mBits;
   std::shared_ptr<const ToneTables> mTables;
@@ -30,12 +29,11 @@ class DeepColourConverter final : public LineConverter {
 public:
   DeepColourConverter(const LineSource& aSource, SampleReader aSamples, DeepReader aReader, unsigned aBits,
                       std::shared_ptr<const ToneTables> aTables);
-  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const override;
+  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
 
 private:
   void Store(const DeepPixel* aPixels, std::size_t aCount, std::uint8_t* aDestination) const;
 
-  LineSource mSource;
   SampleReader mSamples;
   DeepReader mReader;
   unsigned mBits;

@@ -38,7 +38,8 @@ KrSampleWindow FindRange(const LineSource& aSource) {
 } // namespace
 
 FloatConverter::FloatConverter(const LineSource& aSource, const ToneSettings& aSettings)
-    : mSource(aSource), mGamma(aSettings.gamma), mWindow(aSettings.window ? *aSettings.window : FindRange(aSource)) {}
+    : LineConverter(aSource), mGamma(aSettings.gamma),
+      mWindow(aSettings.window ? *aSettings.window : FindRange(aSource)) {}
 
 std::uint8_t FloatConverter::Show(double aValue) const {
   if (!std::isfinite(aValue))
@@ -48,7 +49,7 @@ std::uint8_t FloatConverter::Show(double aValue) const {
   return ShowTone(std::clamp((aValue - mWindow.low) / (mWindow.high - mWindow.low), 0.0, 1.0), mGamma);
 }
 
-void FloatConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const {
+void FloatConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind) const {
   const std::uint8_t* line = mSource.GetLine(aLine);
   for (std::size_t x = 0; x < mSource.width; ++x)
     StoreGrey(aDestination + kBgraBytes * x, Show(static_cast<double>(ReadFloat(line, x))));

@@ -12,12 +12,11 @@ class FloatConverter final : public LineConverter {
 public:
   /// Reads the whole image for its range, unless the settings have a window.
   FloatConverter(const LineSource& aSource, const ToneSettings& aSettings);
-  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const override;
+  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
 
 private:
   std::uint8_t Show(double aValue) const;
 
-  LineSource mSource;
   double mGamma;
   KrSampleWindow mWindow;
 };

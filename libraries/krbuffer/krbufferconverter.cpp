@@ -20,6 +20,7 @@ namespace {
 
 using krbuffer::ImageShape;
 using krbuffer::LineConverter;
+using krbuffer::StoreKind;
 using krbuffer::ToneSettings;
 using krbuffer::ToneStore;
 using krbuffer::WorkerPool;
@@ -105,12 +106,13 @@ struct Conversion {
   std::uint8_t* destination;
   std::size_t destinationStrideBytes;
   bool bottomUp;
+  StoreKind stores;
 
   void ConvertLines(std::uint64_t aFirst, std::uint64_t aEnd) const {
     for (std::uint64_t index = aFirst; index < aEnd; ++index) {
       const auto line = static_cast<std::uint32_t>(index);
       const std::uint32_t target = bottomUp ? height - 1 - line : line;
-      converter.ConvertLine(line, destination + destinationStrideBytes * target);
+      converter.ConvertLine(line, destination + destinationStrideBytes * target, stores);
     }
   }
 };
@@ -118,8 +120,12 @@ struct Conversion {
 Conversion MakeConversion(const LineConverter& aConverter, IKrImage& aDestination, bool aBottomUp) {
   const ImageShape destination{aDestination.GetWidth(), aDestination.GetHeight(), aDestination.GetPixelType(),
                                aDestination.GetPaddingX(), aDestination.GetPaddingY()};
-  return {aConverter, aDestination.GetHeight(), aDestination.GetDataPointer(),
-          static_cast<std::size_t>(krbuffer::GetStrideBytes(destination)), aBottomUp};
+  return {aConverter,
+          aDestination.GetHeight(),
+          aDestination.GetDataPointer(),
+          static_cast<std::size_t>(krbuffer::GetStrideBytes(destination)),
+          aBottomUp,
+          StoreKind::Cached};
 }
 
 /// False for what is no number, too.

@@ -19,10 +19,18 @@ class ToneStore;
 /// Ownership: borrows the image's bytes.
 class LineConverter {
 public:
+  explicit LineConverter(const LineSource& aSource) : mSource(aSource) {}
   virtual ~LineConverter() = default;
 
   /// Writes one line; must not throw.
-  virtual void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const = 0;
+  virtual void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const = 0;
+
+  const LineSource& GetSource() const { return mSource; }
+  /// Goes on with the same image elsewhere in memory; not beside ConvertLine.
+  void Rebind(const std::uint8_t* aData) { mSource.data = aData; }
+
+protected:
+  LineSource mSource;
 };
 
 /// True when MakeLineConverter gives a converter for the formats. Any thread.

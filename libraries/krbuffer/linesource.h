@@ -6,6 +6,10 @@
 
 namespace krbuffer {
 
+/// How a line is written. Streaming passes the cache by: for images that do not fit into it and are not read again
+/// soon.
+enum class StoreKind { Cached, Streaming };
+
 struct LineSource {
   const std::uint8_t* data;
   std::size_t strideBytes;

@@ -114,7 +114,7 @@ void StoreLumaChroma(std::uint8_t* aPixel, std::uint8_t aLuma, const Chroma& aCh
 }
 
 template <std::size_t GroupIndex, std::size_t MatrixIndex>
-void ReadLumaChroma(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra) {
+void ReadLumaChroma(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind) {
   constexpr Group kGroup = kGroups[GroupIndex];
   const std::uint8_t* bytes = aSource.GetLine(aLine);
   std::size_t bytesLeft = (aSource.width * kGroup.bytes + kGroup.pixels - 1) / kGroup.pixels;

@@ -12,7 +12,7 @@ namespace krbuffer {
 
 namespace {
 
-void ReadMono8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void ReadMono8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   const std::uint8_t* __restrict samples = aSource.GetLine(aLine);
   for (std::size_t x = 0; x < aSource.width; ++x)
     StoreGrey(aBgra + kBgraBytes * x, samples[x]);
@@ -20,7 +20,7 @@ void ReadMono8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __r
 
 /// Samples in words of 16 bits, least significant byte first; bits above the significant ones are not looked at.
 template <unsigned SignificantBits>
-void ReadMono16Bit(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void ReadMono16Bit(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   constexpr unsigned kShift = SignificantBits - 8;
   const std::uint8_t* __restrict bytes = aSource.GetLine(aLine);
   for (std::size_t x = 0; x < aSource.width; ++x) {
@@ -31,7 +31,7 @@ void ReadMono16Bit(const LineSource& aSource, std::uint32_t aLine, std::uint8_t*
 
 /// Two samples of 12 bits in three bytes, least significant bit first. The second sample's top 8 bits are the third
 /// byte; a last sample without a second one takes two bytes.
-void ReadMono12p(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void ReadMono12p(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   const auto getEvenSample = [](const std::uint8_t* aBytes) {
     return (aBytes[0] >> 4) | ((std::uint32_t{aBytes[1]} & 0x0Fu) << 4);
   };
@@ -47,14 +47,14 @@ void ReadMono12p(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* _
 
 /// Red, green and blue in bytes of their own; the places are their offsets in the pixel.
 template <std::size_t RedPlace, std::size_t BluePlace>
-void ReadColour24(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void ReadColour24(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   const std::uint8_t* __restrict bytes = aSource.GetLine(aLine);
   for (std::size_t x = 0; x < aSource.width; ++x)
     StoreBgra(aBgra + kBgraBytes * x, bytes[3 * x + BluePlace], bytes[3 * x + 1], bytes[3 * x + RedPlace], kOpaque);
 }
 
 /// Red and blue change places in a pixel's word; as bytes, this loop is not made of vectors.
-void ReadRGBa8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void ReadRGBa8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   const std::uint8_t* __restrict bytes = aSource.GetLine(aLine);
   for (std::size_t x = 0; x < aSource.width; ++x) {
     std::uint32_t word = 0;
@@ -63,18 +63,18 @@ void ReadRGBa8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __r
   }
 }
 
-void ReadBGRa8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void ReadBGRa8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   std::copy_n(aSource.GetLine(aLine), kBgraBytes * aSource.width, aBgra);
 }
 
 /// Signed bytes, from black at -128 to white at 127.
-void ReadMono8s(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void ReadMono8s(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   const std::uint8_t* __restrict samples = aSource.GetLine(aLine);
   for (std::size_t x = 0; x < aSource.width; ++x)
     StoreGrey(aBgra + kBgraBytes * x, samples[x] ^ 0x80u);
 }
 
-void ReadPlanar8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void ReadPlanar8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   const std::uint8_t* __restrict red = aSource.GetPlaneLine(0, aLine);
   const std::uint8_t* __restrict green = aSource.GetPlaneLine(1, aLine);
   const std::uint8_t* __restrict blue = aSource.GetPlaneLine(2, aLine);
@@ -84,7 +84,7 @@ void ReadPlanar8(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* _
 
 /// Components of 5, 6 and 5 bits, the first in the lowest bits, widened to the nearest byte.
 template <bool IsRedFirst>
-void Read565(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra) {
+void Read565(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* __restrict aBgra, StoreKind) {
   const auto widen = [](std::uint32_t aComponent, std::uint32_t aGreatest) {
     return (aComponent * 255 + aGreatest / 2) / aGreatest;
   };

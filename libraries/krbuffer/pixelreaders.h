@@ -11,7 +11,7 @@ namespace krbuffer {
 
 /// Writes one line as width pixels of BGRa8. It touches nothing but its own destination, so that lines may be read in
 /// any order and in several threads.
-using LineReader = void (*)(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra);
+using LineReader = void (*)(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind aStores);
 
 /// The reader of a format, or null for a format that no reader takes by whole lines. Any thread.
 LineReader FindLineReader(const KrPixelTypeInfo& aFormat);

@@ -20,11 +20,11 @@ void StoreSample(std::uint8_t* aBytes, std::size_t aBytesPerSample, std::uint16_
 
 } // namespace
 
-void LineCopier::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const {
+void LineCopier::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind) const {
   std::copy_n(mSource.GetLine(aLine), mLineBytes, aDestination);
 }
 
-void Unpacker::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const {
+void Unpacker::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind) const {
   std::array<std::uint16_t, kRunSamples> samples;
   for (std::size_t first = 0; first < mSamplesPerLine; first += kRunSamples) {
     const std::size_t count = std::min(kRunSamples, mSamplesPerLine - first);
@@ -34,7 +34,7 @@ void Unpacker::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) cons
   }
 }
 
-void PlaneMerger::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const {
+void PlaneMerger::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind) const {
   std::array<std::uint16_t, kRunSamples> samples;
   for (std::uint32_t plane = 0; plane < kPlanes; ++plane)
     for (std::size_t first = 0; first < mSource.width; first += kRunSamples) {

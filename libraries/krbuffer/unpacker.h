@@ -13,11 +13,10 @@ namespace krbuffer {
 /// Bytes as they are, without what follows a line.
 class LineCopier final : public LineConverter {
 public:
-  LineCopier(const LineSource& aSource, std::size_t aLineBytes) : mSource(aSource), mLineBytes(aLineBytes) {}
-  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const override;
+  LineCopier(const LineSource& aSource, std::size_t aLineBytes) : LineConverter(aSource), mLineBytes(aLineBytes) {}
+  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
 
 private:
-  LineSource mSource;
   std::size_t mLineBytes;
 };
 
@@ -25,11 +24,10 @@ private:
 class Unpacker final : public LineConverter {
 public:
   Unpacker(const LineSource& aSource, SampleReader aReader, std::size_t aSamplesPerPixel)
-      : mSource(aSource), mReader(aReader), mSamplesPerLine(aSource.width * aSamplesPerPixel) {}
-  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const override;
+      : LineConverter(aSource), mReader(aReader), mSamplesPerLine(aSource.width * aSamplesPerPixel) {}
+  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
 
 private:
-  LineSource mSource;
   SampleReader mReader;
   std::size_t mSamplesPerLine;
 };
@@ -38,11 +36,10 @@ private:
 class PlaneMerger final : public LineConverter {
 public:
   PlaneMerger(const LineSource& aSource, SampleReader aReader, std::size_t aBytesPerSample)
-      : mSource(aSource), mReader(aReader), mBytesPerSample(aBytesPerSample) {}
-  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const override;
+      : LineConverter(aSource), mReader(aReader), mBytesPerSample(aBytesPerSample) {}
+  void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
 
 private:
-  LineSource mSource;
   SampleReader mReader;
   std::size_t mBytesPerSample;
 };

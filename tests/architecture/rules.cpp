@@ -44,6 +44,9 @@ constexpr struct {
     {"tests/", true},
 };
 
+// Public headers of the windows that hold plain values of the rules.
+constexpr std::string_view kValueHeaders[] = {"libraries/krgui/include/krgui/krdisplaystatistics.h"};
+
 constexpr std::string_view kStandardHeaders[] = {
     "algorithm",
     "any",
@@ -178,6 +181,10 @@ const Room* FindRoomOfTarget(std::string_view aTarget) {
   const auto* found =
       std::find_if(std::begin(kRooms), std::end(kRooms), [&](const Room& aRoom) { return aRoom.alias == alias; });
   return found == std::end(kRooms) ? nullptr : found;
+}
+
+bool IsValueHeader(std::string_view aFile) {
+  return std::find(std::begin(kValueHeaders), std::end(kValueHeaders), aFile) != std::end(kValueHeaders);
 }
 
 bool MayInclude(const Room& aRoom, std::string_view aOther) {

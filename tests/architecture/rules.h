@@ -17,6 +17,8 @@ struct Room {
 const Room* FindRoom(std::string_view aName);
 /// The room that a linked target stands for, by its name or its alias; null for a foreign target.
 const Room* FindRoomOfTarget(std::string_view aTarget);
+/// Whether a file, by its path from the root, is a public header of the windows that belongs to their rules.
+bool IsValueHeader(std::string_view aFile);
 /// Whether the room may include another; every room includes itself.
 bool MayInclude(const Room& aRoom, std::string_view aOther);
 

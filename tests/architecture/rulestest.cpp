@@ -15,6 +15,11 @@ TEST(Rules, EveryRoomBelowTheWindows_IsIncludableByThemButTheTransports) {
   EXPECT_FALSE(MayInclude(*windows, "krtransport"));
 }
 
+TEST(Rules, PublicHeadersOfPlainValues_BelongToTheRulesOfTheWindows) {
+  EXPECT_TRUE(IsValueHeader("libraries/krgui/include/krgui/krdisplaystatistics.h"));
+  EXPECT_FALSE(IsValueHeader("libraries/krgui/include/krgui/krdisplaywnd.h"));
+}
+
 TEST(Rules, NoRoom_IncludesTransportsButTheyThemselves) {
   for (const char* name : {"krbase", "krpersistence", "krbuffer", "krgenicam", "krsystem", "krdevice", "krserial",
                            "krcamerabridge", "krclserial", "krgui", "krgui/logic"}) {

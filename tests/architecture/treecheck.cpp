@@ -42,10 +42,11 @@ std::string GetLibraryFolder(std::string_view aFile) {
   return std::string(rest.substr(0, slash == rest.npos ? 0 : slash));
 }
 
-// The room that holds a file: the longest name of a room that its path begins with.
+// The room that holds a file: the longest name of a room that its path begins with. Public headers of values that the
+// rules work with belong to them.
 const Room* GetRoomOfFile(std::string_view aFile) {
   constexpr std::string_view kLogic = "libraries/krgui/logic/";
-  return aFile.starts_with(kLogic) ? FindRoom("krgui/logic") : FindRoom(GetLibraryFolder(aFile));
+  return aFile.starts_with(kLogic) || IsValueHeader(aFile) ? FindRoom("krgui/logic") : FindRoom(GetLibraryFolder(aFile));
 }
 
 // The folder below libraries/ if the file is one of its public headers; otherwise empty.

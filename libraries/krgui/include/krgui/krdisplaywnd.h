@@ -4,17 +4,25 @@
 
 #include "krbuffer/krbuffer.h"
 #include "krbuffer/krbufferconverter.h"
+#include "krgui/krdisplaystatistics.h"
 #include "krgui/krwnd.h"
+
+#include <memory>
+#include <optional>
 
 namespace krgui {
 class DisplayWnd;
 }
 
-/// Shows images live, fitted into the window, with an optional text in the image's top left corner.
+/// Shows images live, at the camera's pace: on X11 each image of unchanged size is drawn by the thread that gives it,
+/// whatever the user-interface thread does. The user zooms and pans by keys (+ and -), wheel, scroll bars and context
+/// menu.
 ///
 /// Escape, Enter and the close box close a window that is no child.
 ///
-/// Thread: Display, Clear, SetTextOverlay and GetTextOverlay from any thread; everything else on the user-interface thread.
+/// Thread: Display, Clear, SetTextOverlay, GetTextOverlay, GetConverter, GetInternalBuffer and the statistics from any
+/// thread; everything else on the user-interface thread. Display, Clear and painting are done one after the other. A
+/// screen that takes no pixels costs a frame, never more than a tenth of a second.
 /// Ownership: the image given to Display may be freed when Display returns.
 ///
 ///     KrDisplayWnd window;
@@ -28,19 +36,26 @@ public:
   KrDisplayWnd();
   ~KrDisplayWnd() override;
 
-  /// Shows a buffer's image. InvalidInput for a payload that is no image or an image without width, height or size, Failed
-  /// for a pixel type that cannot be shown; what was shown before then stays. aFlag is accepted and not used.
+  /// Shows a buffer's image. InvalidInput for a payload that is no image or an image without width, height or size,
+  /// Failed for a pixel type that cannot be shown; what was shown before then stays. aFlag is accepted and not used.
   KrResult Display(const KrBuffer& aBuffer, bool aFlag);
-  /// Shows an image; as above. Width and height are taken modulo 65536 when they are checked. The image's operations are
-  /// called with the display lock held: an image of an own class must not call this window from them. What they throw
-  /// becomes Failed.
+  /// Shows an image; as above. Width and height are taken modulo 65536 when they are checked. The image's operations
+  /// are called with the display lock held: an image of an own class must not call this window from them. What they
+  /// throw becomes Failed.
   KrResult Display(const IKrImage* aImage, bool aFlag);
+  /// Shows a buffer's image without keeping a copy of it: the window holds the buffer until another image, Clear or its
+  /// own end takes its place, and nobody changes its bytes meanwhile. The cheapest way for large images: what is not
+  /// shown is neither copied nor converted. Results as above, InvalidInput for null. The last owner's deleter may run
+  /// on any thread that calls Display or Clear, without a lock held.
+  KrResult Display(std::shared_ptr<const KrBuffer> aBuffer, bool aFlag);
   /// Drops image and overlay text: the window shows its background.
   void Clear();
 
   /// The window's own converter, for settings of the conversion.
   KrBufferConverter& GetConverter();
-  /// The image last shown, as BGRa8. Not while another thread calls Display.
+  /// The whole image last accepted as BGRa8, converted with the settings that the converter had when it was displayed;
+  /// empty without one. The conversion is done by this call where it is not done yet. The buffer changes by this call
+  /// and by Clear alone, so that it may be read while another thread displays.
   KrBuffer& GetInternalBuffer();
 
   /// The colour around the image and of the empty window; each 0 to 255, mid grey until it is set. Shown at the next
@@ -54,8 +69,8 @@ public:
   /// The text's colour; each 0 to 255, green until it is set.
   void SetTextOverlayColor(unsigned char aRed, unsigned char aGreen, unsigned char aBlue);
   void GetTextOverlayColor(unsigned char& aRed, unsigned char& aGreen, unsigned char& aBlue) const;
-  /// The text's size in pixels: above 0 the height of a line, below 0 that of the characters, 0 a default. 20 until it is
-  /// set. Always OK.
+  /// The text's size in pixels: above 0 the height of a line, below 0 that of the characters, 0 a default. 20 until it
+  /// is set. Always OK.
   KrResult SetTextOverlaySize(int aSize);
   int GetTextOverlaySize() const;
   /// The text's distance from the image's left and top edge in pixels; 10 until it is set.
@@ -63,6 +78,39 @@ public:
   void SetTextOverlayOffsetY(unsigned int aOffset);
   int GetTextOverlayOffsetX() const;
   int GetTextOverlayOffsetY() const;
+
+  /// One pixel of the image on one pixel of the screen, scaled screens included.
+  void Zoom1_1();
+  /// The whole image, as large as the window allows. So begins every window.
+  void ZoomFit();
+  /// Enlarges by 1.5.
+  void ZoomIn();
+  /// Reduces by 1.5; an image that then fits the window is fitted to it.
+  void ZoomOut();
+
+  /// The native handle of the horizontal scroll bar; 0 while the window is not open.
+  HWND GetHScrollHandle() const;
+  HWND GetVScrollHandle() const;
+  /// The scroll bar's position, in zoomed pixels.
+  int GetHScrollPos() const;
+  int GetVScrollPos() const;
+  /// The scroll bar's range: from 0 to the scrollable extent and the page, in zoomed pixels.
+  void GetHScrollRange(int& aMin, int& aMax) const;
+  void GetVScrollRange(int& aMin, int& aMax) const;
+  /// Moves the bar's thumb alone: the image follows at the next use of the bar. OutOfRange for a position outside the
+  /// range.
+  KrResult SetHScrollPos(int aPosition);
+  KrResult SetVScrollPos(int aPosition);
+
+  /// What became of the frames given to the window, since its making or the last reset.
+  KrDisplayStatistics GetStatistics() const;
+  void ResetStatistics();
+
+  /// The pixel of the image under the mouse cursor; nothing while the cursor or the image is elsewhere.
+  std::optional<KrDisplayPixel> GetCursorPixel() const;
+  /// Has a line about that pixel drawn in the window's lower left corner; off until it is set.
+  void SetCursorLineEnabled(bool aEnabled);
+  bool IsCursorLineEnabled() const;
 
 private:
   krgui::DisplayWnd& GetWnd() const;

@@ -1,52 +1,43 @@
 #pragma once
-// What a display window holds: the image last accepted, converted for the screen, and the text that belongs to it.
-// It decides which images are accepted; when and where they are drawn is left to the window.
+// What a display window holds: the image last accepted, ready to be converted for the screen, the view onto it, and the
+// text that belongs to it. It decides which images are accepted, and counts what became of them; where they are drawn
+// is left to the window's frame target.
 
 #include "krbuffer/krbuffer.h"
 #include "krbuffer/krbufferconverter.h"
+#include "krbuffer/krlineconversion.h"
+#include "krgui/krdisplaystatistics.h"
+#include "logic/display/displaystyle.h"
+#include "logic/display/frametarget.h"
 #include "logic/display/viewgeometry.h"
 
-#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <mutex>
+#include <optional>
 
 namespace krgui {
 
-/// A colour as 0x00BBGGRR.
-using ColorRef = std::uint32_t;
-constexpr ColorRef MakeColorRef(unsigned char aRed, unsigned char aGreen, unsigned char aBlue) {
-  return aRed | static_cast<ColorRef>(aGreen) << 8 | static_cast<ColorRef>(aBlue) << 16;
-}
-constexpr unsigned char GetRed(ColorRef aColor) {
-  return static_cast<unsigned char>(aColor);
-}
-constexpr unsigned char GetGreen(ColorRef aColor) {
-  return static_cast<unsigned char>(aColor >> 8);
-}
-constexpr unsigned char GetBlue(ColorRef aColor) {
-  return static_cast<unsigned char>(aColor >> 16);
-}
-
-/// How the overlay looks and where the background shows; read and written from any thread without the display lock.
-struct DisplayStyle {
-  std::atomic<ColorRef> backgroundColor = MakeColorRef(0x80, 0x80, 0x80);
-  std::atomic<ColorRef> overlayColor = MakeColorRef(0x00, 0xFF, 0x00);
-  std::atomic<int> overlaySize = 20; ///< Above 0 a line's height, below 0 the characters', 0 the default.
-  std::atomic<std::uint32_t> overlayOffsetX = 10;
-  std::atomic<std::uint32_t> overlayOffsetY = 10;
-};
-
 /// The content of one display window.
 ///
-/// Thread: any; GetInternalBuffer only while no other thread displays.
+/// Thread: any.
 class DisplayContent {
 public:
-  /// The format in which images are held and drawn.
+  /// The format in which images are drawn.
   static constexpr KrPixelType kDisplayPixelType = KrPixel::BGRa8;
 
-  /// Checks and converts an image and makes the pending text the displayed one. InvalidInput or Failed with the text
-  /// that is logged too; nothing is changed then.
-  KrResult Display(const IKrImage* aImage);
+  /// Whether the window must be painted for the call to show: an image of another size, no target, or one that defers.
+  enum class Paint { NotNeeded, Needed };
+
+  /// Checks an image, keeps what later paints need of it, makes the pending text the displayed one and draws at once
+  /// where its size is that of the image before. InvalidInput or Failed with the text that is logged too; nothing is
+  /// changed then. The image's memory is not used after the call.
+  KrResult Display(const IKrImage* aImage, Paint& aPaint);
+  /// The same for an image that is held instead of being copied, until another one takes its place; null or another
+  /// payload than an image is the caller's to refuse.
+  KrResult Display(std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
+  /// Counts and remembers what was refused before it came to Display, and logs it.
+  KrResult Refuse(KrResult::Code aCode, const char* aFunction, const char* aFile, int aLine, const KrString& aText);
   /// Drops the image and both texts.
   void Clear();
 
@@ -54,42 +45,47 @@ public:
   KrString GetPendingText() const;
 
   KrBufferConverter& GetConverter() { return mConverter; }
-  KrBuffer& GetInternalBuffer() { return mInternalBuffer; }
+  /// The whole image last accepted, converted with the settings of its Display; converted now where that is not done
+  /// yet. Without an image it is empty. It changes by this call and by Clear alone.
+  KrBuffer& GetInternalBuffer();
   DisplayStyle& GetStyle() { return mStyle; }
 
-  /// What a drawing needs; valid while the display lock is held.
-  struct Frame {
-    const IKrImage* image = nullptr; ///< Null when no image is held.
-    KrString overlayText;            ///< Empty when none is to be drawn.
-    ViewArea view;
+  /// Sets where frames are drawn at once; null for nowhere. Returns when no drawing to the former one is running.
+  void SetTarget(FrameTarget* aTarget);
+  /// Updates the geometry for the client area and draws to the target, as every paint of the window does.
+  struct Painted {
+    FrameTarget::Outcome outcome = FrameTarget::Outcome::Deferred;
+    BarChanges bars;
   };
-  /// Computes the view for a client area in device pixels and draws by aDraw(const Frame&), under the display lock.
-  template <typename Draw>
-  void Paint(std::int32_t aClientWidth, std::int32_t aClientHeight, const Draw& aDraw) {
+  Painted PaintWindow(std::int32_t aClientWidth, std::int32_t aClientHeight, std::int32_t aBarThickness);
+  /// As PaintWindow for a target of the moment, such as a picture of the window; counts nothing.
+  void PaintTo(FrameTarget& aTarget);
+
+  /// Calls aChange(ViewGeometry&) under the display lock and returns what it returns.
+  template <typename Change>
+  auto ChangeView(const Change& aChange) {
     const std::lock_guard lock(mDisplayLock);
-    aDraw(PrepareFrame(aClientWidth, aClientHeight));
+    return aChange(mGeometry);
   }
 
-  /// Whether the size of image or window changed since the last drawing.
-  bool IsViewDirty() const;
-  /// Says that the window has another size.
-  void MarkViewDirty();
+  KrDisplayStatistics GetStatistics() const;
+  void ResetStatistics();
+
+  /// Where the cursor is, in device pixels of the client area; nothing when it is elsewhere.
+  void SetCursor(const std::optional<PixelPoint>& aClientPoint);
+  /// The pixel that is drawn under the cursor; nothing without an image there.
+  std::optional<KrDisplayPixel> GetCursorPixel() const;
+  /// Whether the line about that pixel is drawn.
+  void SetCursorLineEnabled(bool aEnabled);
+  bool IsCursorLineEnabled() const;
 
 private:
-  KrResult Check(const IKrImage* aImage) const;
-  Frame PrepareFrame(std::int32_t aClientWidth, std::int32_t aClientHeight);
-
   DisplayStyle mStyle;
   KrBufferConverter mConverter{-1};
 
   /// Guards everything below.
   mutable std::mutex mDisplayLock;
-  KrBuffer mInternalBuffer;
-  KrString mPendingText;
-  KrString mDisplayedText;
-  std::uint32_t mLastWidth = 0;
-  std::uint32_t mLastHeight = 0;
-  bool mViewDirty = false;
+  ViewGeometry mGeometry;
 };
 
 } // namespace krgui

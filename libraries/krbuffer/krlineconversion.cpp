@@ -1,0 +1,1 @@
+#include "krbuffer/krlineconversion.h"

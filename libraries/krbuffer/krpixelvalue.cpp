@@ -1,0 +1,1 @@
+#include "krbuffer/krpixelvalue.h"

@@ -1,0 +1,1 @@
+#include "logic/display/scrollbarmodel.h"
