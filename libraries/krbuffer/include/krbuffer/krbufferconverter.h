@@ -10,6 +10,8 @@
 #include <memory>
 #include <optional>
 
+class KrLineConversion;
+
 /// Converts images.
 ///
 /// Grey comes from mono formats, single colour planes, coordinates, confidences and data of up to 16 bits: signed ones
@@ -79,6 +81,7 @@ public:
   std::optional<KrSampleWindow> GetSampleWindow() const;
 
 private:
+  friend class KrLineConversion;
   struct Body;
   std::unique_ptr<Body> mBody;
 };
