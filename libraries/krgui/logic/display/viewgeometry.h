@@ -2,55 +2,16 @@
 // Where and how large an image is drawn in a window: zoom, scroll positions, and from client and image size the source
 // and destination rectangles. Drawing, controls and locking are left to the window.
 
+#include "logic/display/axisview.h"
 #include "logic/display/scrollbarmodel.h"
+#include "logic/display/viewarea.h"
 #include "logic/pixelrect.h"
 
 #include <cstdint>
-#include <optional>
 
 namespace krgui {
 
-struct PixelPoint {
-  std::int32_t x = 0;
-  std::int32_t y = 0;
-  friend constexpr bool operator==(const PixelPoint&, const PixelPoint&) = default;
-};
-
-/// What is drawn where, in device pixels of the client area.
-struct ViewArea {
-  PixelRect clientRect;      ///< The whole client area.
-  PixelRect viewRect;        ///< The client area without the scroll bars.
-  PixelRect destinationRect; ///< Where the image goes.
-  PixelRect sourceRect;      ///< Which part of the image goes there, in image pixels; its rows count from the image's
-                             ///< bottom. Empty when nothing is drawn.
-  PixelRect cornerRect;      ///< The square between the scroll bars.
-  std::uint32_t imageWidth = 0;
-  std::uint32_t imageHeight = 0;
-
-  /// The part of the image that is drawn, with rows counted from its top.
-  constexpr PixelRect GetCopyRect() const {
-    const auto height = static_cast<std::int32_t>(imageHeight);
-    return {sourceRect.left, height - sourceRect.bottom, sourceRect.right, height - sourceRect.top};
-  }
-  friend constexpr bool operator==(const ViewArea&, const ViewArea&) = default;
-};
-
-/// The strips of the client area around the destination, at most four; empty ones are left out.
-struct Bands {
-  PixelRect rects[4];
-  int count = 0;
-};
-/// The background bands: above and below over the full width when the destination does not begin at the top, left and
-/// right over the full height when it does not begin at the left.
-Bands ComputeBands(const ViewArea& aView);
-
-/// The pixel of the image, counted from its top left corner, that is drawn at a point of the client area; nothing
-/// outside the image. The same pixel that the nearest-neighbour scaler takes.
-std::optional<PixelPoint> FindImagePixel(const ViewArea& aView, PixelPoint aClientPoint);
-
 enum class ZoomMode : std::int32_t { Fit = 0, OneToOne = 1, Custom = 2 };
-
-enum class ViewAxis { Horizontal, Vertical };
 
 /// What an update asks of one scroll bar's control.
 struct BarChange {
@@ -112,9 +73,21 @@ public:
   std::int32_t GetScrollPosition(ViewAxis aAxis) const;
 
 private:
+  void UpdateFactor(std::uint32_t aImageWidth, std::uint32_t aImageHeight);
+  bool FitsClient(std::uint32_t aImageWidth, std::uint32_t aImageHeight) const;
+  BarChanges UpdateEmpty();
+  AxisView& Axis(ViewAxis aAxis) { return aAxis == ViewAxis::Horizontal ? mHorizontal : mVertical; }
+  const AxisView& Axis(ViewAxis aAxis) const { return aAxis == ViewAxis::Horizontal ? mHorizontal : mVertical; }
+
   ZoomMode mMode = ZoomMode::Fit;
   double mFactor = 1.0;
+  double mPreviousFactor = 1.0; ///< That of the last update.
   bool mIsDirty = false;
+  std::int32_t mClientWidth = 0;
+  std::int32_t mClientHeight = 0;
+  std::int32_t mBarThickness = kBarThickness;
+  AxisView mHorizontal{ViewAxis::Horizontal};
+  AxisView mVertical{ViewAxis::Vertical};
   ViewArea mArea;
 };
 
