@@ -1,1 +1,57 @@
 #include "logic/display/framerenderer.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace krgui {
+
+namespace {
+
+constexpr std::uint32_t kOpaque = 0xFF000000;
+
+PixelRect Intersect(const PixelRect& aRect, const Canvas& aCanvas) {
+  return {std::max(aRect.left, 0), std::max(aRect.top, 0), std::min(aRect.right, aCanvas.width),
+          std::min(aRect.bottom, aCanvas.height)};
+}
+
+} // namespace
+
+void FrameRenderer::Fill(const Canvas& aCanvas, const PixelRect& aRect, std::uint32_t aColor) {
+  const PixelRect rect = Intersect(aRect, aCanvas);
+  if (rect.IsEmpty())
+    return;
+  for (std::int32_t y = rect.top; y < rect.bottom; ++y)
+    std::fill_n(aCanvas.plane.GetRow(y) + rect.left, rect.GetWidth(), aColor);
+}
+
+void FrameRenderer::DrawBands(const Canvas& aCanvas, const ViewArea& aView, std::uint32_t aColor) {
+  const Bands bands = ComputeBands(aView);
+  for (int band = 0; band < bands.count; ++band)
+    Fill(aCanvas, bands.rects[band], aColor);
+}
+
+void FrameRenderer::DrawImage(const Canvas& aCanvas, const ViewArea& aView, const KrLineConversion& aImage) {
+  const PixelRect& whole = aView.destinationRect;
+  const PixelRect copy = aView.GetCopyRect();
+  const PixelRect drawn = Intersect(whole, aCanvas);
+  if (copy.IsEmpty() || drawn.IsEmpty())
+    return;
+  mScaler.PrepareColumns({copy.left, copy.right, whole.GetWidth(), drawn.left - whole.left, drawn.GetWidth()});
+  mRow.resize(aImage.GetWidth());
+
+  std::int32_t lastLine = -1;
+  for (std::int32_t y = drawn.top; y < drawn.bottom; ++y) {
+    const std::int32_t line = copy.top + FindNearestSource(y - whole.top, copy.GetHeight(), whole.GetHeight());
+    std::uint32_t* destination = aCanvas.plane.GetRow(y) + drawn.left;
+    if (line == lastLine) {
+      std::memcpy(destination, destination - aCanvas.plane.rowPixels,
+                  static_cast<std::size_t>(drawn.GetWidth()) * sizeof(std::uint32_t));
+      continue;
+    }
+    aImage.ConvertLine(static_cast<std::uint32_t>(line), reinterpret_cast<std::uint8_t*>(mRow.data()));
+    mScaler.ScaleRow(mRow.data(), destination, kOpaque);
+    lastLine = line;
+  }
+}
+
+} // namespace krgui

@@ -74,10 +74,12 @@ BarChanges ViewGeometry::UpdateEmpty() {
   mArea.destinationRect = mArea.clientRect;
   mHorizontal.SetHidden();
   mVertical.SetHidden();
+  mIsDirty = false;
   return {{BarChange::Kind::Hide, {}}, {BarChange::Kind::Hide, {}}};
 }
 
 BarChanges ViewGeometry::Update(std::uint32_t aImageWidth, std::uint32_t aImageHeight) {
+  mIsDirty = mIsDirty || aImageWidth != mArea.imageWidth || aImageHeight != mArea.imageHeight;
   mArea = {};
   mArea.imageWidth = aImageWidth;
   mArea.imageHeight = aImageHeight;
