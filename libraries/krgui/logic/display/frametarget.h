@@ -7,12 +7,14 @@
 #include "logic/display/viewgeometry.h"
 
 #include <chrono>
+#include <cstdint>
 
 namespace krgui {
 
 /// What a drawing needs; valid while the display lock is held.
 struct Frame {
   const KrLineConversion* image = nullptr; ///< Null when no image is held.
+  std::uint64_t number = 0; ///< Counts the images that were accepted; 0 where nobody counts, and each may be another.
   ViewArea view;
   KrString overlayText; ///< Empty when none is to be drawn.
   KrString refusalText; ///< Why nothing is shown; empty while an image is held or nothing was refused.
