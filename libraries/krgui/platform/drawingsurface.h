@@ -48,16 +48,20 @@ public:
   /// Sends a part of the memory last begun to the screen; the whole of it stays as drawn. aContentTag as above. False
   /// where it cannot get there.
   virtual bool Present(const PixelRect& aRect, std::uint64_t aContentTag) = 0;
+  /// True for good when nothing gets to the screen any more: the window or the connection is gone, or the server
+  /// refused something. Begin then gives nothing; the owner makes another surface if its window still lives.
+  virtual bool IsLost() const { return false; }
   /// For the invalidation kind: the picture last presented, with the size it was begun with. Null for all others.
   virtual const QImage* GetPicture() const { return nullptr; }
 };
 
 /// The best surface for a widget, from aBest on. On X11 the widget is native, paints on screen and has no paint engine:
-/// IsNativeSurface tells before the widget is made. Checks with the server once that pixels can get there. Never null.
-/// User-interface thread.
+/// CanDrawNatively tells before the widget is made. Checks with the server once that pixels can get there, for a few
+/// seconds at most. The surface draws into the native window that the widget has now: when that changes
+/// (QEvent::WinIdChange) the owner makes another. Never null. User-interface thread.
 std::unique_ptr<DrawingSurface> MakeDrawingSurface(QWidget& aWidget, SurfaceKind aBest = SurfaceKind::SharedDescriptor);
 
-/// True where widgets can be drawn into from any thread: on X11.
+/// True where widgets can be drawn into from any thread: on X11. User-interface thread.
 bool CanDrawNatively();
 
 } // namespace krgui

@@ -2,7 +2,15 @@
 
 #include <QGuiApplication>
 
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <xcb/xcb.h>
+#include <xcb/xcbext.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
 
 namespace krgui {
 
@@ -12,6 +20,25 @@ xcb_connection_t* GetX11Connection() {
   }
   const auto* platform = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   return platform == nullptr ? nullptr : platform->connection();
+}
+
+std::string FindX11DisplayName() {
+  xcb_connection_t* connection = GetX11Connection();
+  sockaddr_un address = {};
+  socklen_t length = sizeof address;
+  if (connection == nullptr ||
+      getpeername(xcb_get_file_descriptor(connection), reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
+      address.sun_family != AF_UNIX) {
+    return {};
+  }
+  // The socket of display 7 is /tmp/.X11-unix/X7, in the file system or beside it, where names begin with a zero.
+  std::string_view path(address.sun_path, std::min(length - offsetof(sockaddr_un, sun_path), sizeof address.sun_path));
+  path.remove_prefix(path.starts_with('\0') ? 1 : 0);
+  path = path.substr(0, path.find('\0'));
+  constexpr std::string_view kDirectory = "/tmp/.X11-unix/X";
+  const bool isNumbered = path.starts_with(kDirectory) && path.size() > kDirectory.size() &&
+                          path.find_first_not_of("0123456789", kDirectory.size()) == std::string_view::npos;
+  return isNumbered ? ':' + std::string(path.substr(kDirectory.size())) : std::string();
 }
 
 std::uint32_t FindX11Atom(std::string_view aName) {
@@ -28,6 +55,33 @@ void MakePlainX11Window(WId aID) {
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(aID),
                         FindX11Atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, kBits, 1, &type);
   }
+}
+
+void AwaitX11Data(xcb_connection_t* aConnection, std::chrono::steady_clock::time_point aEnd) {
+  constexpr std::chrono::milliseconds kLongest = std::chrono::minutes(1);
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(aEnd - std::chrono::steady_clock::now());
+  pollfd descriptor = {xcb_get_file_descriptor(aConnection), POLLIN, 0};
+  poll(&descriptor, 1, static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), kLongest).count()));
+}
+
+X11Reply<void> AwaitX11Reply(xcb_connection_t* aConnection, std::uint32_t aSequence,
+                             std::chrono::steady_clock::time_point aEnd) {
+  // The toolkit's own thread may take the data that the reply is among: looking again from time to time finds it.
+  constexpr std::chrono::milliseconds kLookAgain(2);
+  xcb_flush(aConnection);
+  void* reply = nullptr;
+  xcb_generic_error_t* error = nullptr;
+  while (xcb_poll_for_reply(aConnection, aSequence, &reply, &error) == 0) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now >= aEnd) {
+      // Whenever it comes, nobody asks for it any more.
+      xcb_discard_reply(aConnection, aSequence);
+      return KeepReply(static_cast<void*>(nullptr));
+    }
+    AwaitX11Data(aConnection, std::min(aEnd, now + kLookAgain));
+  }
+  std::free(error);
+  return KeepReply(reply);
 }
 
 } // namespace krgui

@@ -1,0 +1,82 @@
+#pragma once
+// Pictures for drawing surfaces, and how a test draws and finds them.
+
+#include "platform/drawingsurface.h"
+
+#include "surfacewindow.h"
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+#include <string>
+#include <thread>
+
+namespace krgui {
+
+inline constexpr std::chrono::seconds kGenerousLimit(20);
+
+inline std::chrono::steady_clock::time_point GetFarLimit() {
+  return std::chrono::steady_clock::now() + kGenerousLimit;
+}
+
+inline std::string GetName(SurfaceKind aKind) {
+  constexpr const char* kNames[] = {"SharedDescriptor", "SharedSystemV", "PlainPut", "Invalidation"};
+  return kNames[static_cast<std::size_t>(aKind)];
+}
+
+/// Random pixels, so that each one that is off shows.
+inline Grab MakePicture(int aWidth, int aHeight, std::uint32_t aSeed) {
+  Grab picture = {aWidth, aHeight, std::vector<std::uint32_t>(static_cast<std::size_t>(aWidth) * aHeight)};
+  std::mt19937 random(aSeed);
+  for (std::uint32_t& pixel : picture.pixels) {
+    pixel = static_cast<std::uint32_t>(random()) & 0xffffff;
+  }
+  return picture;
+}
+
+/// One colour all over.
+inline Grab MakeUniform(int aWidth, int aHeight, std::uint32_t aColor) {
+  return {aWidth, aHeight, std::vector<std::uint32_t>(static_cast<std::size_t>(aWidth) * aHeight, aColor)};
+}
+
+inline void Draw(const Canvas& aCanvas, const Grab& aPicture) {
+  for (int y = 0; y < aPicture.height; ++y) {
+    std::uint32_t* row = aCanvas.plane.pixels + static_cast<std::size_t>(y) * aCanvas.plane.rowPixels;
+    for (int x = 0; x < aPicture.width; ++x) {
+      row[x] = aPicture.At(x, y) | 0xff000000;
+    }
+  }
+}
+
+/// Draws a picture and presents a part of it; false where the surface does not take it.
+inline bool Show(DrawingSurface& aSurface, const Grab& aPicture, const PixelRect& aPart, std::uint64_t aTag = 1) {
+  const auto target = aSurface.Begin(aPicture.width, aPicture.height, kGenerousLimit);
+  if (!target) {
+    return false;
+  }
+  Draw(target->canvas, aPicture);
+  return aSurface.Present(aPart, aTag);
+}
+inline bool Show(DrawingSurface& aSurface, const Grab& aPicture) {
+  return Show(aSurface, aPicture, {0, 0, aPicture.width, aPicture.height});
+}
+
+/// Looks until a condition holds.
+template <typename Condition>
+bool Await(Condition aCondition) {
+  const auto end = GetFarLimit();
+  while (!aCondition()) {
+    if (std::chrono::steady_clock::now() >= end) {
+      return false;
+    }
+    std::this_thread::yield();
+  }
+  return true;
+}
+
+/// What is presented comes onto the screen by itself, but not before the call returns.
+inline bool IsSoonOnScreen(const SurfaceWindow& aWindow, const Grab& aPicture) {
+  return Await([&] { return aWindow.Take(0, 0, aPicture.width, aPicture.height) == aPicture; });
+}
+
+} // namespace krgui
