@@ -10,14 +10,10 @@
 
 namespace krbuffer {
 
-namespace {
-
 std::string GetTypeText(KrPixelType aType) {
   const std::optional<KrPixelTypeInfo> info = KrFindPixelType(aType);
   return info ? std::string(info->name) : std::to_string(aType);
 }
-
-} // namespace
 
 SourceImage AskSource(const IKrImage& aSource) {
   return {

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace krbuffer {
 
@@ -19,6 +20,9 @@ struct SourceImage {
   const std::uint8_t* data = nullptr;
   std::size_t bytes = 0;
 };
+
+/// The name of a format, or its number where it has none.
+std::string GetTypeText(KrPixelType aType);
 
 SourceImage AskSource(const IKrImage& aSource);
 

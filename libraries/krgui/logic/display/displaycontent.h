@@ -3,12 +3,15 @@
 // text that belongs to it. It decides which images are accepted, and counts what became of them; where they are drawn
 // is left to the window's frame target.
 
+#include "krbase/krlogger.h"
 #include "krbuffer/krbuffer.h"
 #include "krbuffer/krbufferconverter.h"
 #include "krbuffer/krlineconversion.h"
 #include "krgui/krdisplaystatistics.h"
 #include "logic/display/displaystyle.h"
+#include "logic/display/framecounts.h"
 #include "logic/display/frametarget.h"
+#include "logic/display/heldimage.h"
 #include "logic/display/viewgeometry.h"
 
 #include <cstdint>
@@ -36,8 +39,8 @@ public:
   /// The same for an image that is held instead of being copied, until another one takes its place; null or another
   /// payload than an image is the caller's to refuse.
   KrResult Display(std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
-  /// Counts and remembers what was refused before it came to Display, and logs it.
-  KrResult Refuse(KrResult::Code aCode, const char* aFunction, const char* aFile, int aLine, const KrString& aText);
+  /// Counts, remembers and logs what was refused before it came to Display; a window that shows no image says so.
+  KrResult Refuse(KrResult::Code aCode, const KrLogSite& aSite, const KrString& aText, Paint& aPaint);
   /// Drops the image and both texts.
   void Clear();
 
@@ -80,12 +83,57 @@ public:
   bool IsCursorLineEnabled() const;
 
 private:
+  /// An image as it is drawn.
+  struct Shown {
+    const KrLineConversion& lines;
+    const IKrImage& source;
+  };
+
+  /// aScreenText is what an empty window shows.
+  KrResult RefuseWith(KrResult::Code aCode, const KrLogSite& aSite, const KrString& aText, const KrString& aScreenText,
+                      Paint& aPaint);
+  KrResult RefuseException(const char* aWhat, Paint& aPaint);
+  /// Checks and accepts an image, of which the copy is kept or, where it is given, the buffer.
+  KrResult DisplaySnapshot(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
+  void Accept(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
+
+  // What follows is done under the display lock.
+
+  /// Where the image will be held; null where there is no memory.
+  std::shared_ptr<HeldImage> FindRoom(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer);
+  /// What is held in place of an image that could not be converted; null for nothing.
+  std::shared_ptr<HeldImage> FindSubstitute(std::uint32_t aWidth, std::uint32_t aHeight);
+  bool CanDrawAtOnce(const KrLineConversion& aLines) const;
+  FrameTarget::Outcome Draw(FrameTarget& aTarget, const Shown* aShown, FrameTarget::Times& aTimes);
+  /// Draws to the window's target and counts; true when it reached it.
+  bool DrawCounted(const Shown* aShown);
+  std::optional<PixelPoint> FindCursorPlace(const KrLineConversion& aLines) const;
+  KrString MakeCursorText(const Shown& aShown) const;
+
   DisplayStyle mStyle;
   KrBufferConverter mConverter{-1};
+
+  /// Guards the internal buffer, which is converted without the display lock; taken before that.
+  std::mutex mInternalLock;
+  KrBuffer mInternalBuffer;
+  std::uint64_t mInternalNumber = 0;           ///< The number of the image in it; 0 without one.
+  const std::uint8_t* mInternalData = nullptr; ///< Its memory, as it was left here.
 
   /// Guards everything below.
   mutable std::mutex mDisplayLock;
   ViewGeometry mGeometry;
+  FrameTarget* mTarget = nullptr;
+  /// Shared with GetInternalBuffer alone, which reads it without the lock: it is overwritten when nobody shares it.
+  std::shared_ptr<HeldImage> mHeld;
+  std::uint64_t mHeldNumber = 0; ///< Counts the images that were held.
+  std::uint32_t mLastWidth = 0;  ///< Of the image last accepted, whether or not it could be converted.
+  std::uint32_t mLastHeight = 0;
+  KrString mPendingText;
+  KrString mDisplayedText;
+  KrString mRefusalText; ///< Of the last image; empty when it was accepted.
+  FrameCounts mCounts;
+  std::optional<PixelPoint> mCursor;
+  bool mIsCursorLineEnabled = false;
 };
 
 } // namespace krgui

@@ -1,0 +1,45 @@
+#include "logic/display/heldimage.h"
+
+#include <cstring>
+#include <utility>
+
+namespace krgui {
+
+namespace {
+
+bool HaveSameShape(const IKrImage& aLeft, const IKrImage& aRight) {
+  return aLeft.GetWidth() == aRight.GetWidth() && aLeft.GetHeight() == aRight.GetHeight() &&
+         aLeft.GetPixelType() == aRight.GetPixelType() && aLeft.GetPaddingX() == aRight.GetPaddingX() &&
+         aLeft.GetPaddingY() == aRight.GetPaddingY();
+}
+
+} // namespace
+
+HeldImage::HeldImage(std::shared_ptr<const KrBuffer> aBuffer) : mBuffer(std::move(aBuffer)) {}
+
+bool HeldImage::MakeRoom(const IKrImage& aSource) {
+  IKrImage& copy = *mCopy.GetImage();
+  return HaveSameShape(copy, aSource) || copy.Alloc(aSource.GetWidth(), aSource.GetHeight(), aSource.GetPixelType(),
+                                                    aSource.GetPaddingX(), aSource.GetPaddingY())
+                                             .IsOK();
+}
+
+bool HeldImage::Take(const IKrImage& aSource, KrLineConversion&& aLines) {
+  mSource = ImageSnapshot(aSource);
+  mLines = std::move(aLines);
+  if (!IsCopy())
+    return true;
+  const std::size_t bytes = mCopy.GetImage()->GetImageSize();
+  std::memcpy(mCopy.GetDataPointer(), aSource.GetDataPointer(), bytes);
+  mSource = ImageSnapshot(*mCopy.GetImage());
+  return mLines.Rebind(mSource).IsOK();
+}
+
+bool HeldImage::TakeBlack(const KrBufferConverter& aConverter, std::uint32_t aWidth, std::uint32_t aHeight) {
+  if (!mCopy.GetImage()->Alloc(aWidth, aHeight, KrPixel::BGRa8).IsOK())
+    return false;
+  mSource = ImageSnapshot(*mCopy.GetImage());
+  return mLines.Open(aConverter, mSource).IsOK();
+}
+
+} // namespace krgui
