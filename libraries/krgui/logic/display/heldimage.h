@@ -24,8 +24,8 @@ public:
   /// Makes room for a copy of such an image, unless there is room already; false where there is no memory.
   bool MakeRoom(const IKrImage& aSource);
   /// Goes on with a conversion that was opened on the source: with the copy that is made now where the image is one,
-  /// else as it is. False, and nothing to be shown, where the source does not fit the room.
-  bool Take(const IKrImage& aSource, KrLineConversion&& aLines);
+  /// else as it is. The source has the shape that room was made for, and its bytes are there.
+  void Take(const IKrImage& aSource, KrLineConversion&& aLines);
   /// Becomes an image without light; false where there is no memory.
   bool TakeBlack(const KrBufferConverter& aConverter, std::uint32_t aWidth, std::uint32_t aHeight);
 
