@@ -126,6 +126,94 @@ double PixelReference::GetFloat(int aX, int aY) const {
   return static_cast<double>(value);
 }
 
+double PixelReference::GetWord(int aIndex, int aY) const {
+  const int bits = mFormat.bitsPerSample;
+  int wordBytes = 1;
+  while (wordBytes * 8 < bits)
+    wordBytes *= 2;
+  if (mFormat.sampleKind == KrSampleKind::Float && bits == 64) {
+    double value = 0;
+    std::memcpy(&value, &mBytes.at(static_cast<std::size_t>(aY * mStride + wordBytes * aIndex)), sizeof value);
+    return value;
+  }
+  // Wide enough for the sum of 64 bits to be exact.
+  long double value = 0;
+  for (int bit = 0; bit < bits; ++bit)
+    if (GetBit(aY, wordBytes * aIndex + bit / 8, bit % 8)) {
+      const bool isSign = mFormat.sampleKind == KrSampleKind::Signed && bit == bits - 1;
+      value += std::ldexp(isSign ? -1.0L : 1.0L, bit);
+    }
+  return static_cast<double>(value);
+}
+
+std::vector<PixelReference::RawSample> PixelReference::GetRawLumaChroma(int aX, int aY) const {
+  const std::string pattern = GetPattern(mFormat.layout);
+  const int samplesInGroup = static_cast<int>(pattern.size());
+  const int pixelsInGroup = static_cast<int>(std::count(pattern.begin(), pattern.end(), 'Y'));
+  const int group = aX / pixelsInGroup;
+  const int samplesInLine = GetLineBytes() / (mFormat.bitsPerSample > 8 ? 2 : 1);
+
+  int lumaPlace = -1;
+  for (int pixel = 0; pixel <= aX % pixelsInGroup; ++pixel)
+    lumaPlace = static_cast<int>(pattern.find('Y', static_cast<std::size_t>(lumaPlace + 1)));
+  const int uPlace = static_cast<int>(pattern.find('U'));
+  const int vPlace = static_cast<int>(pattern.find('V'));
+
+  const bool isWhole = group * samplesInGroup + std::max(uPlace, vPlace) < samplesInLine;
+  const int chromaGroup = isWhole ? group : group - 1;
+  const double none = std::pow(2, mFormat.bitsPerSample - 1);
+  const auto chroma = [&](int aPlace) {
+    return chromaGroup < 0 ? none : GetWord(chromaGroup * samplesInGroup + aPlace, aY);
+  };
+  return {{'Y', GetWord(group * samplesInGroup + lumaPlace, aY)}, {'U', chroma(uPlace)}, {'V', chroma(vPlace)}};
+}
+
+std::vector<PixelReference::RawSample> PixelReference::GetRaw(int aX, int aY) const {
+  std::string components;
+  switch (mFormat.layout) {
+  case KrPixelLayout::Mono:
+    if (mFormat.sampleKind == KrSampleKind::Float && mFormat.bitsPerSample == 32)
+      return {{'Y', GetFloat(aX, aY)}};
+    if (mFormat.bitsPerSample > 16)
+      return {{'Y', GetWord(aX, aY)}};
+    components = "Y";
+    for (const char colour : {'R', 'G', 'B'})
+      for (const char* bits : {"8", "10", "12", "16"})
+        if (mFormat.name == colour + std::string(bits))
+          components = colour;
+    break;
+  case KrPixelLayout::BayerGR:
+  case KrPixelLayout::BayerRG:
+  case KrPixelLayout::BayerGB:
+  case KrPixelLayout::BayerBG:
+    components = GetFilterColour(aX, aY);
+    break;
+  case KrPixelLayout::RGB:
+  case KrPixelLayout::RGBPlanar:
+    components = "RGB";
+    break;
+  case KrPixelLayout::BGR:
+    components = "BGR";
+    break;
+  case KrPixelLayout::RGBa:
+    components = "RGBA";
+    break;
+  case KrPixelLayout::BGRa:
+    components = "BGRA";
+    break;
+  default:
+    return GetRawLumaChroma(aX, aY);
+  }
+  std::vector<RawSample> samples;
+  for (const char component : components) {
+    const int index = static_cast<int>(samples.size());
+    const bool is565 = mFormat.bitsPerSample == 6;
+    samples.push_back(
+        {component, static_cast<double>(is565 ? GetSampleOf565(aX, aY, index) : GetSample(aX, aY, index))});
+  }
+  return samples;
+}
+
 std::vector<std::uint8_t> PixelReference::GetUnpacked() const {
   std::vector<std::uint8_t> unpacked;
   for (int y = 0; y < mHeight; ++y)

@@ -33,6 +33,13 @@ public:
   std::vector<std::uint8_t> GetUnpacked() const;
   std::vector<std::uint8_t> GetBgra(const ReferenceSettings& aSettings = {}) const;
 
+  struct RawSample {
+    char component;
+    double value;
+  };
+  /// What the sensor sent for one pixel: of formats with chroma Y, U and V.
+  std::vector<RawSample> GetRaw(int aX, int aY) const;
+
 private:
   struct Colour {
     double red, green, blue;
@@ -48,6 +55,9 @@ private:
   int GetSample(int aX, int aY, int aComponent) const;
   int GetSampleOf565(int aX, int aY, int aComponent) const;
   double GetFloat(int aX, int aY) const;
+  /// A sample that has a word of its own, of 8 to 64 bits, by its place in the line.
+  double GetWord(int aIndex, int aY) const;
+  std::vector<RawSample> GetRawLumaChroma(int aX, int aY) const;
   int GetComponentCount() const;
 
   double InterpolateBayer(char aColour, int aX, int aY) const;
