@@ -1,0 +1,267 @@
+#include "kernels/bayerkernels.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernels/bayerkernels.cpp"
+#include <hwy/foreach_target.h>
+
+#include "kernels/colourstores-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+
+namespace krbuffer::HWY_NAMESPACE {
+
+namespace {
+
+#if HWY_TARGET == HWY_SCALAR
+
+/// Pixel by pixel. aFindNeighbours gives the columns to the left and the right of one.
+template <LineColour Colour, typename Sample, typename FindNeighbours>
+void WriteColumns(const Neighbourhood<Sample>& aLines, std::size_t aColourColumn, std::size_t aWidth, unsigned aShift,
+                  const FindNeighbours& aFindNeighbours, std::uint8_t* aBgra) {
+  for (std::size_t x = 0; x < aWidth; ++x) {
+    const auto [left, right] = aFindNeighbours(x);
+    DeepPixel pixel{};
+    if (x % 2 == aColourColumn)
+      InterpolateColourSite<Colour>(aLines, left, x, right, pixel);
+    else
+      InterpolateGreenSite<Colour>(aLines, left, x, right, pixel);
+    StoreBgra(aBgra + kBgraBytes * x, static_cast<std::uint32_t>(pixel.blue) >> aShift,
+              static_cast<std::uint32_t>(pixel.green) >> aShift, static_cast<std::uint32_t>(pixel.red) >> aShift,
+              kOpaque);
+  }
+}
+
+template <LineColour Colour>
+void WriteBytes(const Neighbourhood<std::uint8_t>& aLines, std::size_t aColourColumn, std::size_t aWidth,
+                std::uint8_t* aBgra, StoreKind) {
+  const auto findNeighbours = [aWidth](std::size_t aX) {
+    return std::pair(aX == 0 ? 1 : aX - 1, aX + 1 == aWidth ? aWidth - 2 : aX + 1);
+  };
+  WriteColumns<Colour>(aLines, aColourColumn, aWidth, 0, findNeighbours, aBgra);
+}
+
+template <LineColour Colour, unsigned Bits>
+void WriteWords(const Neighbourhood<std::uint16_t>& aRuns, std::size_t aColourColumn, std::size_t aCount,
+                std::uint8_t* aBgra, StoreKind) {
+  const auto findNeighbours = [](std::size_t aX) { return std::pair(aX - 1, aX + 1); };
+  WriteColumns<Colour>(aRuns, aColourColumn, aCount, Bits - 8, findNeighbours, aBgra);
+}
+
+#else
+
+template <typename Tag>
+struct Colours {
+  hn::Vec<Tag> blue;
+  hn::Vec<Tag> green;
+  hn::Vec<Tag> red;
+};
+
+/// The mean of four samples, rounded half up, out of the rounded means of the first and the last two. The mean of both
+/// is 1 too great where it was rounded up and so was one of them: the two roundings are one too many.
+template <typename Vector>
+HWY_INLINE Vector GetMeanOfFour(Vector aFirst, Vector aSecond, Vector aThird, Vector aFourth, Vector aMean,
+                                Vector aOtherMean) {
+  const hn::DFromV<Vector> tag;
+  const Vector wereRounded = hn::Or(hn::Xor(aFirst, aSecond), hn::Xor(aThird, aFourth));
+  const Vector excess = hn::And(hn::And(wereRounded, hn::Xor(aMean, aOtherMean)), hn::Set(tag, 1));
+  return hn::Sub(hn::AverageRound(aMean, aOtherMean), excess);
+}
+
+/// The pixels of a vector of columns. Ones in aColourColumns are in the columns that have the line's colour; the other
+/// ones have green.
+template <LineColour Colour, typename Tag>
+HWY_INLINE Colours<Tag> InterpolateVector(Tag aTag, const Neighbourhood<hn::TFromD<Tag>>& aLines, std::size_t aX,
+                                          hn::Mask<Tag> aColourColumns) {
+  const auto aboveLeft = hn::LoadU(aTag, aLines.above + aX - 1);
+  const auto above = hn::LoadU(aTag, aLines.above + aX);
+  const auto aboveRight = hn::LoadU(aTag, aLines.above + aX + 1);
+  const auto left = hn::LoadU(aTag, aLines.here + aX - 1);
+  const auto here = hn::LoadU(aTag, aLines.here + aX);
+  const auto right = hn::LoadU(aTag, aLines.here + aX + 1);
+  const auto belowLeft = hn::LoadU(aTag, aLines.below + aX - 1);
+  const auto below = hn::LoadU(aTag, aLines.below + aX);
+  const auto belowRight = hn::LoadU(aTag, aLines.below + aX + 1);
+
+  const auto besides = hn::AverageRound(left, right);
+  const auto aboveAndBelow = hn::AverageRound(above, below);
+  const auto cross = GetMeanOfFour(left, right, above, below, besides, aboveAndBelow);
+  const auto corners = GetMeanOfFour(aboveLeft, aboveRight, belowLeft, belowRight,
+                                     hn::AverageRound(aboveLeft, aboveRight), hn::AverageRound(belowLeft, belowRight));
+
+  const auto lineColour = hn::IfThenElse(aColourColumns, here, besides);
+  const auto green = hn::IfThenElse(aColourColumns, cross, here);
+  const auto otherColour = hn::IfThenElse(aColourColumns, corners, aboveAndBelow);
+  if constexpr (Colour == LineColour::Red)
+    return {otherColour, green, lineColour};
+  else
+    return {lineColour, green, otherColour};
+}
+
+/// The columns of a vector that begins at an even column that have a line's colour; by the parity of that.
+template <typename Tag>
+HWY_INLINE hn::Mask<Tag> FindColumns(Tag aTag, std::size_t aParity) {
+  const hn::RepartitionToWide<Tag> pairs;
+  using Pair = hn::TFromD<decltype(pairs)>;
+  constexpr auto kEven = static_cast<Pair>(hwy::LimitsMax<hn::TFromD<Tag>>());
+  return hn::MaskFromVec(hn::BitCast(aTag, hn::Set(pairs, aParity == 0 ? kEven : static_cast<Pair>(~kEven))));
+}
+
+/// Bytes. Steps at the ends of the line read copies of it that the mirrored neighbours were added to.
+template <LineColour Colour>
+class ByteKernel {
+public:
+  static constexpr std::size_t kGroup = 1;
+
+  ByteKernel(const Neighbourhood<std::uint8_t>& aLines, std::size_t aColourColumn, std::size_t aWidth)
+      : mLines(aLines), mColourColumn(aColourColumn), mWidth(aWidth),
+        mLastStep(aWidth - std::min(aWidth, GetStepPixels())) {
+    const std::uint8_t* const lines[kLines] = {aLines.above, aLines.here, aLines.below};
+    for (std::size_t line = 0; line < kLines; ++line) {
+      CopyStart(lines[line], mStart[line]);
+      CopyEnd(lines[line], mEnd[line]);
+    }
+  }
+
+  static HWY_INLINE std::size_t GetStepPixels() { return hn::Lanes(PixelByteTag()); }
+
+  template <Placement Place>
+  HWY_INLINE void Step(std::size_t aX, std::uint8_t* aBgra) const {
+    const PixelByteTag tag;
+    const auto columns = FindColumns(tag, (mColourColumn + aX) % 2);
+    Colours<PixelByteTag> colours;
+    if (HWY_UNLIKELY(aX == 0))
+      colours = InterpolateVector<Colour>(tag, {mStart[0], mStart[1], mStart[2]}, 1, columns);
+    else if (HWY_UNLIKELY(aX == mLastStep))
+      colours = InterpolateVector<Colour>(tag, {mEnd[0], mEnd[1], mEnd[2]}, 1, columns);
+    else
+      colours = InterpolateVector<Colour>(tag, mLines, aX, columns);
+    StoreColours<Place>(mSpreader, colours.blue, colours.green, colours.red, aBgra);
+  }
+
+private:
+  static constexpr std::size_t kLines = 3;
+  using Copy = std::uint8_t[kMostVectorBytes + 2];
+
+  /// The line from the column before the first one on. A short line is there as a whole.
+  void CopyStart(const std::uint8_t* aLine, Copy& aCopy) const {
+    const std::size_t columns = std::min(mWidth, GetStepPixels() + 1);
+    aCopy[0] = aLine[1];
+    std::memcpy(aCopy + 1, aLine, columns);
+    if (mWidth <= GetStepPixels())
+      aCopy[columns + 1] = aLine[mWidth - 2];
+  }
+  /// From the column before the last step to the one after the line; nothing where the first step is the last one too.
+  void CopyEnd(const std::uint8_t* aLine, Copy& aCopy) const {
+    if (mLastStep == 0)
+      return;
+    std::memcpy(aCopy, aLine + mLastStep - 1, GetStepPixels() + 1);
+    aCopy[GetStepPixels() + 1] = aLine[mWidth - 2];
+  }
+
+  Neighbourhood<std::uint8_t> mLines;
+  std::size_t mColourColumn;
+  std::size_t mWidth;
+  std::size_t mLastStep;
+  BlockSpreader mSpreader;
+  Copy mStart[kLines] = {};
+  Copy mEnd[kLines] = {};
+};
+
+/// Words of which the shown pixels take the top 8 bits.
+template <LineColour Colour, unsigned Bits>
+class WordKernel {
+public:
+  static constexpr std::size_t kGroup = 1;
+
+  WordKernel(const Neighbourhood<std::uint16_t>& aRuns, std::size_t aColourColumn)
+      : mRuns(aRuns), mColourColumn(aColourColumn) {}
+
+  static HWY_INLINE std::size_t GetStepPixels() { return hn::Lanes(kTag); }
+
+  template <Placement Place>
+  HWY_INLINE void Step(std::size_t aX, std::uint8_t* aBgra) const {
+    constexpr int kShift = Bits - 8;
+    const auto columns = FindColumns(kTag, (mColourColumn + aX) % 2);
+    const Colours<Tag> deep = InterpolateVector<Colour>(kTag, mRuns, aX, columns);
+    StoreColourPairs<Place>(mSpreader, hn::ShiftRight<kShift>(deep.blue), hn::ShiftRight<kShift>(deep.green),
+                            hn::ShiftRight<kShift>(deep.red), aBgra);
+  }
+
+private:
+  using Tag = hn::Repartition<std::uint16_t, PixelTag>;
+  static constexpr Tag kTag{};
+
+  Neighbourhood<std::uint16_t> mRuns;
+  std::size_t mColourColumn;
+  PairSpreader mSpreader;
+};
+
+template <LineColour Colour>
+void WriteBytes(const Neighbourhood<std::uint8_t>& aLines, std::size_t aColourColumn, std::size_t aWidth,
+                std::uint8_t* aBgra, StoreKind aStores) {
+  WriteWholeLine(ByteKernel<Colour>(aLines, aColourColumn, aWidth), aWidth, aBgra, aStores);
+}
+
+template <LineColour Colour, unsigned Bits>
+void WriteWords(const Neighbourhood<std::uint16_t>& aRuns, std::size_t aColourColumn, std::size_t aCount,
+                std::uint8_t* aBgra, StoreKind aStores) {
+  WriteWholeLine(WordKernel<Colour, Bits>(aRuns, aColourColumn), aCount, aBgra, aStores);
+}
+
+#endif // HWY_TARGET == HWY_SCALAR
+
+template <LineColour Colour>
+void WriteWordsOf(unsigned aBits, const Neighbourhood<std::uint16_t>& aRuns, std::size_t aColourColumn,
+                  std::size_t aCount, std::uint8_t* aBgra, StoreKind aStores) {
+  using Writer = void (*)(const Neighbourhood<std::uint16_t>&, std::size_t, std::size_t, std::uint8_t*, StoreKind);
+  static constexpr Writer kWriters[] = {&WriteWords<Colour, 10>, &WriteWords<Colour, 12>, &WriteWords<Colour, 14>,
+                                        &WriteWords<Colour, 16>};
+  kWriters[aBits / 2 - 5](aRuns, aColourColumn, aCount, aBgra, aStores);
+}
+
+} // namespace
+
+void BayerBytes(const Neighbourhood<std::uint8_t>& aLines, LineParity aParity, std::size_t aWidth, std::uint8_t* aBgra,
+                StoreKind aStores) {
+  if (aParity.isRed)
+    WriteBytes<LineColour::Red>(aLines, aParity.colourColumn, aWidth, aBgra, aStores);
+  else
+    WriteBytes<LineColour::Blue>(aLines, aParity.colourColumn, aWidth, aBgra, aStores);
+}
+
+void BayerWords(const Neighbourhood<std::uint16_t>& aRuns, LineParity aParity, unsigned aBits, std::size_t aCount,
+                std::uint8_t* aBgra, StoreKind aStores) {
+  if (aParity.isRed)
+    WriteWordsOf<LineColour::Red>(aBits, aRuns, aParity.colourColumn, aCount, aBgra, aStores);
+  else
+    WriteWordsOf<LineColour::Blue>(aBits, aRuns, aParity.colourColumn, aCount, aBgra, aStores);
+}
+
+} // namespace krbuffer::HWY_NAMESPACE
+
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace krbuffer {
+
+HWY_EXPORT(BayerBytes);
+HWY_EXPORT(BayerWords);
+
+void InterpolateBayerBytes(const Neighbourhood<std::uint8_t>& aLines, LineParity aParity, std::size_t aWidth,
+                           std::uint8_t* aBgra, StoreKind aStores) {
+  HWY_DYNAMIC_DISPATCH(BayerBytes)(aLines, aParity, aWidth, aBgra, aStores);
+}
+
+void InterpolateBayerWords(const Neighbourhood<std::uint16_t>& aRuns, LineParity aParity, unsigned aBits,
+                           std::size_t aCount, std::uint8_t* aBgra, StoreKind aStores) {
+  HWY_DYNAMIC_DISPATCH(BayerWords)(aRuns, aParity, aBits, aCount, aBgra, aStores);
+}
+
+} // namespace krbuffer
+
+#endif // HWY_ONCE
