@@ -1,6 +1,7 @@
 #include "lumachroma.h"
 
 #include "bgrapixel.h"
+#include "kernels/lumachromareaders.h"
 
 #include <algorithm>
 #include <array>
@@ -144,6 +145,8 @@ constexpr std::array<std::array<LineReader, kGroups.size()>, kMatrices.size()> k
 } // namespace
 
 LineReader FindLumaChromaReader(const KrPixelTypeInfo& aFormat) {
+  if (const LineReader reader = FindLumaChromaVectorReader(aFormat))
+    return reader;
   const auto group = std::find_if(kGroups.begin(), kGroups.end(),
                                   [&aFormat](const Group& aGroup) { return aGroup.layout == aFormat.layout; });
   const auto matrix = std::find_if(kMatrices.begin(), kMatrices.end(),

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace krbuffer {
 
@@ -29,7 +30,7 @@ constexpr GatherTables MakeGatherTables(const FindByte& aFindByte) {
   constexpr std::size_t kWordBytes = 4;
   GatherTables tables;
   for (std::size_t block = 0; block < kMostVectorPixels * kBgraBytes; block += kBlockBytes) {
-    int least = aFindByte(block / kBgraBytes, 0);
+    int least = std::numeric_limits<int>::max();
     for (std::size_t i = 0; i < kBlockBytes; ++i)
       if (const int byte = aFindByte((block + i) / kBgraBytes, i % kBgraBytes); byte >= 0)
         least = std::min(least, byte);
