@@ -5,19 +5,8 @@
 namespace krgui {
 
 void NearestScaler::PrepareColumns(const ColumnMapping& aMapping) {
-  if (mMapping == aMapping)
-    return;
-  mMapping = aMapping;
-  const std::int32_t sourceWidth = aMapping.sourceRight - aMapping.sourceLeft;
-  mColumns.resize(static_cast<std::size_t>(aMapping.count));
-  for (std::int32_t x = 0; x < aMapping.count; ++x)
-    mColumns[static_cast<std::size_t>(x)] = static_cast<std::uint32_t>(
-        aMapping.sourceLeft + FindNearestSource(aMapping.first + x, sourceWidth, aMapping.width));
-}
-
-void NearestScaler::ScaleRow(const std::uint32_t* aSource, std::uint32_t* aDestination, std::uint32_t aSetBits) const {
-  for (std::size_t x = 0; x < mColumns.size(); ++x)
-    aDestination[x] = aSource[mColumns[x]] | aSetBits;
+  if (mPlan.mapping != aMapping)
+    mPlan = MakeColumnPlan(aMapping);
 }
 
 void NearestScaler::Scale(const PixelPlane<const std::uint32_t>& aSource, const PixelRect& aSourceRect,
