@@ -16,8 +16,12 @@ namespace hn = hwy::HWY_NAMESPACE;
 using PixelTag = hn::ScalableTag<std::uint32_t>;
 using SignedTag = hn::RebindToSigned<PixelTag>;
 
-/// More source vectors than this cost more than pixels that are fetched alone.
 constexpr std::size_t kMostLoads = 4;
+
+/// How many source vectors cost less than pixels that are fetched alone: the fewer pixels a vector has, the fewer.
+HWY_INLINE std::size_t GetMostLoads(std::size_t aLanes) {
+  return HWY_MIN(kMostLoads, aLanes * 3 / 8);
+}
 
 void ScaleSingly(const ColumnPlan& aPlan, const std::uint32_t* HWY_RESTRICT aSource,
                  std::uint32_t* HWY_RESTRICT aDestination, std::uint32_t aSetBits) {
@@ -115,8 +119,7 @@ ColumnPlan MakePlanOfTarget(const ColumnMapping& aMapping) {
   const std::size_t lanes = hn::Lanes(PixelTag());
   const std::size_t loads = CountLoads(aMapping, lanes);
   const auto sourceWidth = static_cast<std::size_t>(aMapping.sourceRight - aMapping.sourceLeft);
-  if (lanes == 1 || static_cast<std::size_t>(aMapping.count) < lanes || loads > kMostLoads ||
-      sourceWidth < loads * lanes) {
+  if (static_cast<std::size_t>(aMapping.count) < lanes || loads > GetMostLoads(lanes) || sourceWidth < loads * lanes) {
     FillSingly(plan);
     return plan;
   }
