@@ -106,6 +106,10 @@ void KrLineConversion::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestinati
   mBody->converter->ConvertLine(aLine, aDestination, krbuffer::StoreKind::Cached);
 }
 
+const std::uint8_t* KrLineConversion::FindLine(std::uint32_t aLine) const {
+  return mBody->converter->FindLine(aLine);
+}
+
 KrResult KrLineConversion::ConvertAll(const KrBufferConverter& aConverter, KrBuffer& aDestination) const {
   if (!mBody)
     return RefuseClosed();

@@ -1,5 +1,6 @@
 #include "lineconverter.h"
 
+#include "bgracopier.h"
 #include "byteconverter.h"
 #include "deepconverter.h"
 #include "floatconverter.h"
@@ -44,6 +45,8 @@ std::unique_ptr<LineConverter> MakeBgraConverter(const LineSource& aSource, cons
   std::shared_ptr<const ToneTables> tables = aTones.GetTables(depth);
   // A reader of whole lines gives bytes: tables for more than that need the samples themselves.
   const LineReader reader = FindLineReader(aFormat);
+  if (reader && !tables && aFormat.type == KrPixel::BGRa8)
+    return std::make_unique<BgraCopier>(aSource, reader);
   if (reader && (!tables || depth.bits == 8))
     return std::make_unique<ByteConverter>(aSource, reader, std::move(tables));
   return MakeDeepConverter(aSource, aFormat, std::move(tables));

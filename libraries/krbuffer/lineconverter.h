@@ -24,6 +24,8 @@ public:
 
   /// Writes one line; must not throw.
   virtual void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const = 0;
+  /// The line as ConvertLine writes it where it stands like that in the source; null where it has to be converted.
+  virtual const std::uint8_t* FindLine(std::uint32_t) const { return nullptr; }
 
   const LineSource& GetSource() const { return mSource; }
   /// Goes on with the same image elsewhere in memory; not beside ConvertLine.

@@ -88,6 +88,35 @@ TEST_P(KrLineConversionOfFormat, SettingsChangedLater_AreNotTaken) {
   EXPECT_EQ(GetBytes(whole), expected);
 }
 
+TEST_P(KrLineConversionOfFormat, LinesFound_AreThoseOfBgra8AloneAndAsTheyAreConverted) {
+  const ExactImage exact(GetParam().format, 33, 5, 3, 1);
+  KrLineConversion lines;
+  ASSERT_TRUE(lines.Open(KrBufferConverter(), exact.image).IsOK());
+
+  for (std::uint32_t y = 0; y < 5; ++y) {
+    const std::uint8_t* found = lines.FindLine(y);
+
+    ASSERT_EQ(found != nullptr, GetParam().format.type == KrPixel::BGRa8);
+    if (found) {
+      std::vector<std::uint8_t> converted(std::size_t{4} * 33);
+      lines.ConvertLine(y, converted.data());
+      EXPECT_EQ(std::vector<std::uint8_t>(found, found + converted.size()), converted);
+    }
+  }
+}
+
+TEST(KrLineConversion, LinesOfBgra8WithSettings_AreNotFoundInTheImage) {
+  KrBuffer image;
+  ASSERT_TRUE(image.GetImage()->Alloc(4, 4, KrPixel::BGRa8).IsOK());
+  KrBufferConverter converter;
+  ChangeSettings(converter);
+  KrLineConversion lines;
+
+  ASSERT_TRUE(lines.Open(converter, *image.GetImage()).IsOK());
+
+  EXPECT_EQ(lines.FindLine(0), nullptr);
+}
+
 TEST_P(KrLineConversionOfFormat, Rebound_GoesOnWithTheCopyAlone) {
   ExactImage exact(GetParam().format, 21, 4, 2, 3);
   const KrBufferConverter converter;

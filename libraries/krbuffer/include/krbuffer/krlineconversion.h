@@ -12,7 +12,7 @@ class KrBufferConverter;
 
 /// Converts lines of one image with the settings that a converter had when the conversion was opened.
 ///
-/// Thread: ConvertLine in several threads at once; all else one at a time.
+/// Thread: ConvertLine and FindLine in several threads at once; all else one at a time.
 /// Ownership: borrows the image's bytes, nothing else of it, from Open or Rebind until Close; the converter is borrowed
 /// for the call alone.
 ///
@@ -46,6 +46,9 @@ public:
   /// Writes one line as GetWidth() pixels of BGRa8, bit for bit as KrBufferConverter::Convert writes it. aLine is less
   /// than GetHeight().
   void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const;
+  /// The line as ConvertLine would write it, where it stands like that in the image's bytes, at any address: that of a
+  /// BGRa8 image to which no setting applies. Null for all others.
+  const std::uint8_t* FindLine(std::uint32_t aLine) const;
 
   /// Converts all lines into the destination's image, in as many threads as the converter has. The destination is made
   /// an image of BGRa8 in this size where it is none. InvalidInput while closed or for the image's own memory,

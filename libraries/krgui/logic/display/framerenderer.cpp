@@ -43,15 +43,21 @@ void FrameRenderer::DrawImage(const Canvas& aCanvas, const ViewArea& aView, cons
   for (std::int32_t y = drawn.top; y < drawn.bottom; ++y) {
     const std::int32_t line = copy.top + FindNearestSource(y - whole.top, copy.GetHeight(), whole.GetHeight());
     std::uint32_t* destination = aCanvas.plane.GetRow(y) + drawn.left;
-    if (line == lastLine) {
-      std::memcpy(destination, destination - aCanvas.plane.rowPixels,
+    if (line == lastLine)
+      std::memcpy(destination, aCanvas.plane.GetRow(y - 1) + drawn.left,
                   static_cast<std::size_t>(drawn.GetWidth()) * sizeof(std::uint32_t));
-      continue;
-    }
-    aImage.ConvertLine(static_cast<std::uint32_t>(line), reinterpret_cast<std::uint8_t*>(mRow.data()));
-    mScaler.ScaleRow(mRow.data(), destination, kOpaque);
+    else
+      mScaler.ScaleRow(GetLine(aImage, static_cast<std::uint32_t>(line)), destination, kOpaque);
     lastLine = line;
   }
+}
+
+const std::uint32_t* FrameRenderer::GetLine(const KrLineConversion& aImage, std::uint32_t aLine) {
+  const std::uint8_t* found = aImage.FindLine(aLine);
+  if (found && reinterpret_cast<std::uintptr_t>(found) % alignof(std::uint32_t) == 0)
+    return reinterpret_cast<const std::uint32_t*>(found);
+  aImage.ConvertLine(aLine, reinterpret_cast<std::uint8_t*>(mRow.data()));
+  return mRow.data();
 }
 
 } // namespace krgui

@@ -32,6 +32,9 @@ public:
   void DrawImage(const Canvas& aCanvas, const ViewArea& aView, const KrLineConversion& aImage);
 
 private:
+  /// A line as pixels: in the image's own memory where it can be had there, else in mRow.
+  const std::uint32_t* GetLine(const KrLineConversion& aImage, std::uint32_t aLine);
+
   NearestScaler mScaler;
   std::vector<std::uint32_t> mRow; ///< One converted line of the image.
 };
