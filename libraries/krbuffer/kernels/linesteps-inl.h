@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 // Included once for each target, as Highway has it, and so without #pragma once.
 #if defined(KRBUFFER_LINESTEPS_INL_H) == defined(HWY_TARGET_TOGGLE)
@@ -39,6 +40,8 @@ using PixelTag = hn::CappedTag<std::uint32_t, 16>;
 using PixelByteTag = hn::Repartition<std::uint8_t, PixelTag>;
 using PixelVector = hn::Vec<PixelTag>;
 inline constexpr std::size_t kMostVectorBytes = 64;
+inline constexpr std::size_t kMostStepBytes = 8 * kMostVectorBytes;
+inline constexpr std::size_t kCacheLineBytes = 64;
 
 /// What is known of the place that a vector is stored to.
 enum class Placement { Anywhere, Aligned, Streamed };
@@ -61,15 +64,6 @@ HWY_INLINE PixelVector MakeOpaque(PixelVector aPixels) {
   return hn::Or(aPixels, hn::Set(PixelTag(), kOpaque << 24));
 }
 
-/// Pixels from a place in the destination to the next one with a vector's alignment; less than a vector's. Nothing
-/// aligns what is not even at a whole word.
-HWY_INLINE bool FindAlignedPixel(const std::uint8_t* aBgra, std::size_t& aPixels) {
-  const std::size_t vectorBytes = hn::Lanes(PixelByteTag());
-  const std::size_t distance = (~reinterpret_cast<std::uintptr_t>(aBgra) + 1) & (vectorBytes - 1);
-  aPixels = distance / kBgraBytes;
-  return distance % kBgraBytes == 0;
-}
-
 /// Writes as many steps as there are from aX on and returns where the next one would begin.
 template <Placement Place, typename Kernel>
 HWY_INLINE std::size_t WriteSteps(const Kernel& aKernel, std::size_t aX, std::size_t aEnd, std::uint8_t* aBgra) {
@@ -79,23 +73,74 @@ HWY_INLINE std::size_t WriteSteps(const Kernel& aKernel, std::size_t aX, std::si
   return aX;
 }
 
-/// The range with at least one step in it. Its ends are written by steps that overlap the aligned ones between them: a
-/// pixel that is written twice is the same both times.
+/// Pixels from a place in the destination to the next one that is a multiple of some bytes, a power of two; no such
+/// number where the place is not at a whole word.
+struct Distance {
+  std::size_t pixels;
+  bool isWhole;
+};
+
+HWY_INLINE Distance FindDistance(const std::uint8_t* aBgra, std::size_t aMultiple) {
+  const std::size_t bytes = (~reinterpret_cast<std::uintptr_t>(aBgra) + 1) & (aMultiple - 1);
+  return {bytes / kBgraBytes, bytes % kBgraBytes == 0};
+}
+
+/// Writes some pixels of a step, which begins at aX, and nothing of the others.
 template <typename Kernel>
-HWY_INLINE void WriteRange(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra, StoreKind aStores) {
+HWY_INLINE void WritePartOfStep(const Kernel& aKernel, std::size_t aX, std::size_t aFirst, std::size_t aEnd,
+                                std::uint8_t* aBgra) {
+  HWY_ALIGN std::uint8_t pixels[kMostStepBytes];
+  aKernel.template Step<Placement::Aligned>(aX, pixels);
+  std::memcpy(aBgra + kBgraBytes * aFirst, pixels + kBgraBytes * (aFirst - aX), kBgraBytes * (aEnd - aFirst));
+}
+
+/// The range with at least one step in it, within the cache. Its ends are written by steps that overlap the aligned
+/// ones between them: a pixel that is written twice is the same both times.
+template <typename Kernel>
+HWY_INLINE void WriteCached(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra) {
   std::size_t x = aRange.first;
-  std::size_t head = 0;
-  if (!FindAlignedPixel(aBgra + kBgraBytes * aRange.first, head) || head % Kernel::kGroup != 0) {
+  const Distance head = FindDistance(aBgra + kBgraBytes * x, hn::Lanes(PixelByteTag()));
+  if (!head.isWhole || head.pixels % Kernel::kGroup != 0) {
     x = WriteSteps<Placement::Anywhere>(aKernel, x, aRange.end, aBgra);
   } else {
-    if (head != 0)
+    if (head.pixels != 0)
       aKernel.template Step<Placement::Anywhere>(x, aBgra + kBgraBytes * x);
-    x = aStores == StoreKind::Streaming ? WriteSteps<Placement::Streamed>(aKernel, x + head, aRange.end, aBgra)
-                                        : WriteSteps<Placement::Aligned>(aKernel, x + head, aRange.end, aBgra);
+    x = WriteSteps<Placement::Aligned>(aKernel, x + head.pixels, aRange.end, aBgra);
   }
   const std::size_t last = aRange.end - aKernel.GetStepPixels();
   if (x < aRange.end)
     aKernel.template Step<Placement::Anywhere>(last, aBgra + kBgraBytes * last);
+}
+
+/// The same past the cache, by whole lines of the cache. What is left over at both ends overlaps none of them: storing
+/// in both ways to the same line takes longer than all else.
+template <typename Kernel>
+HWY_INLINE void WriteStreaming(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra) {
+  const std::size_t step = aKernel.GetStepPixels();
+  const std::size_t unit = HWY_MAX(step, kCacheLineBytes / kBgraBytes);
+  const Distance head = FindDistance(aBgra + kBgraBytes * aRange.first, kCacheLineBytes);
+  const std::size_t first = aRange.first + head.pixels;
+  if (!head.isWhole || head.pixels % Kernel::kGroup != 0 || first + unit > aRange.end) {
+    WriteCached(aKernel, aRange, aBgra);
+    return;
+  }
+  const std::size_t beforeFirst = WriteSteps<Placement::Anywhere>(aKernel, aRange.first, first, aBgra);
+  if (beforeFirst < first)
+    WritePartOfStep(aKernel, beforeFirst, beforeFirst, first, aBgra);
+  const std::size_t end = first + (aRange.end - first) / unit * unit;
+  WriteSteps<Placement::Streamed>(aKernel, first, end, aBgra);
+  const std::size_t afterSteps = WriteSteps<Placement::Anywhere>(aKernel, end, aRange.end, aBgra);
+  if (afterSteps < aRange.end)
+    WritePartOfStep(aKernel, aRange.end - step, afterSteps, aRange.end, aBgra);
+}
+
+/// The range with at least one step in it, in the way that is wanted.
+template <typename Kernel>
+HWY_INLINE void WriteRange(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra, StoreKind aStores) {
+  if (aStores == StoreKind::Streaming)
+    WriteStreaming(aKernel, aRange, aBgra);
+  else
+    WriteCached(aKernel, aRange, aBgra);
 }
 
 using ByteVector = hn::Vec<PixelByteTag>;
@@ -158,7 +203,7 @@ HWY_INLINE void StoreColours(const BlockSpreader& aSpreader, ByteVector aBlue, B
 ///   kGroup                          pixels after which the source is on a whole byte, or in the same phase, again;
 ///   WritePixel(aX, aBgra)           writes one pixel, without vectors;
 /// and, on all targets but HWY_SCALAR, which has none of the operations that move bytes within vectors,
-///   GetStepPixels()                 pixels of a step, a multiple of kGroup and of a vector;
+///   GetStepPixels()                 pixels of a step, a power of two, at least kGroup and a vector, at most 8 vectors;
 ///   GetStepRange()                  the pixels for which a step does not read beyond the line;
 ///   Step<Placement>(aX, aBgra)      writes one step, each vector of it by StorePixels<Placement>.
 template <typename Kernel>
