@@ -10,9 +10,12 @@ ByteConverter::ByteConverter(const LineSource& aSource, LineReader aReader, std:
     : LineConverter(aSource), mReader(aReader), mTables(std::move(aTables)) {}
 
 void ByteConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const {
-  mReader(mSource, aLine, aDestination, aStores);
-  if (!mTables)
+  if (!mTables) {
+    mReader(mSource, aLine, aDestination, aStores);
     return;
+  }
+  // The tables take what the reader wrote: it must not leave the cache.
+  mReader(mSource, aLine, aDestination, StoreKind::Cached);
   const std::uint8_t* blue = mTables->GetTable(ToneTables::Channel::Blue);
   const std::uint8_t* green = mTables->GetTable(ToneTables::Channel::Green);
   const std::uint8_t* red = mTables->GetTable(ToneTables::Channel::Red);

@@ -1,6 +1,7 @@
 #include "krbuffer/krbufferconverter.h"
 
 #include "converterbody.h"
+#include "kernels/linestores.h"
 #include "sourceimage.h"
 
 #include <algorithm>
@@ -49,6 +50,7 @@ struct Conversion {
       const std::uint32_t target = bottomUp ? height - 1 - line : line;
       converter.ConvertLine(line, destination + destinationStrideBytes * target, stores);
     }
+    krbuffer::FinishStores(stores);
   }
 };
 
@@ -60,7 +62,7 @@ Conversion MakeConversion(const LineConverter& aConverter, IKrImage& aDestinatio
           aDestination.GetDataPointer(),
           static_cast<std::size_t>(krbuffer::GetStrideBytes(destination)),
           aBottomUp,
-          StoreKind::Cached};
+          krbuffer::ChooseStores(krbuffer::GetImageBytes(destination).value_or(0))};
 }
 
 /// False for what is no number, too.

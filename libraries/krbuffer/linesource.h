@@ -7,7 +7,7 @@
 namespace krbuffer {
 
 /// How a line is written. Streaming passes the cache by: for images that do not fit into it and are not read again
-/// soon.
+/// soon; FinishStores belongs after the last of them.
 enum class StoreKind { Cached, Streaming };
 
 struct LineSource {
