@@ -1,6 +1,7 @@
 #pragma once
 // Images that tests of the display show, and the usual paint of a window.
 
+#include "foreignimage.h"
 #include "logic/display/displaycontent.h"
 #include "recordingtarget.h"
 
@@ -24,28 +25,12 @@ inline std::vector<std::uint8_t> MakeGreyPixels(std::uint32_t aWidth, std::uint3
   return pixels;
 }
 
-/// An image that states what it is told to, so that sizes no real buffer has can be tried.
-class StatedImage : public IKrImage {
-public:
+/// An image of sixteen bytes that states what it is told to, so that sizes no real buffer has can be tried.
+struct StatedImage : ForeignImage {
   StatedImage(std::uint32_t aWidth, std::uint32_t aHeight, std::size_t aSize, KrPixelType aType = KrPixel::Mono8)
-      : mWidth(aWidth), mHeight(aHeight), mSize(aSize), mType(aType), mData(16, 0) {}
-  std::uint32_t GetWidth() const override { return mWidth; }
-  std::uint32_t GetHeight() const override { return mHeight; }
-  KrPixelType GetPixelType() const override { return mType; }
-  std::uint32_t GetPaddingX() const override { return 0; }
-  std::uint32_t GetPaddingY() const override { return 0; }
-  std::size_t GetImageSize() const override { return mSize; }
-  const std::uint8_t* GetDataPointer() const override { return mData.data(); }
-  std::uint8_t* GetDataPointer() override { return mData.data(); }
-  KrResult Alloc(std::uint32_t, std::uint32_t, KrPixelType, std::uint32_t, std::uint32_t) override {
-    return KrResult::Code::NotOffered;
+      : ForeignImage(aWidth, aHeight, aType, std::vector<std::uint8_t>(16)) {
+    statedSize = aSize;
   }
-
-private:
-  std::uint32_t mWidth, mHeight;
-  std::size_t mSize;
-  KrPixelType mType;
-  std::vector<std::uint8_t> mData;
 };
 
 /// A content with a window of 100 x 100 pixels that is open.

@@ -27,7 +27,30 @@ void CopyText(KrString& aTo, const KrString& aFrom) noexcept {
   }
 }
 
+KrPixelValue ReadRawPixel(const IKrImage& aSource, PixelPoint aPlace) {
+  KrPixelValue value;
+  // A format that cannot tell leaves the value without samples.
+  [[maybe_unused]] const KrResult read =
+      KrReadPixel(aSource, static_cast<std::uint32_t>(aPlace.x), static_cast<std::uint32_t>(aPlace.y), value);
+  return value;
+}
+
 } // namespace
+
+KrDisplayPixel DisplayContent::ReadDisplayPixel(const Shown& aShown, PixelPoint aPlace) {
+  constexpr std::size_t kBgraBytes = 4;
+  KrDisplayPixel pixel;
+  pixel.x = static_cast<std::uint32_t>(aPlace.x);
+  pixel.y = static_cast<std::uint32_t>(aPlace.y);
+  pixel.raw = ReadRawPixel(aShown.source, aPlace);
+  std::vector<std::uint8_t> line(kBgraBytes * aShown.lines.GetWidth());
+  aShown.lines.ConvertLine(pixel.y, line.data());
+  const std::uint8_t* bgra = line.data() + kBgraBytes * pixel.x;
+  pixel.blue = bgra[0];
+  pixel.green = bgra[1];
+  pixel.red = bgra[2];
+  return pixel;
+}
 
 KrResult DisplayContent::RefuseWith(KrResult::Code aCode, const KrLogSite& aSite, const KrString& aText,
                                     const KrString& aScreenText, Paint& aPaint) {
@@ -53,19 +76,23 @@ KrResult DisplayContent::Display(const IKrImage* aImage, Paint& aPaint) {
   if (!aImage)
     return Refuse(KrResult::Code::InvalidInput, {kFunction, kFile},
                   "There is no image to display: the pointer given is null", aPaint);
-  // The image may be the application's own class. It is asked without the lock.
+  return DisplayWhat([aImage] { return ImageSnapshot(*aImage); }, nullptr, aPaint);
+}
+
+KrResult DisplayContent::Display(std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint) {
+  const IKrImage& image = *aBuffer->GetImage();
+  return DisplayWhat([&image] { return ImageSnapshot(image); }, std::move(aBuffer), aPaint);
+}
+
+template <typename Ask>
+KrResult DisplayContent::DisplayWhat(const Ask& aAsk, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint) {
   try {
-    return DisplaySnapshot(ImageSnapshot(*aImage), nullptr, aPaint);
+    return DisplaySnapshot(aAsk(), std::move(aBuffer), aPaint);
   } catch (const std::exception& error) {
     return RefuseException(error.what(), aPaint);
   } catch (...) {
     return RefuseException(nullptr, aPaint);
   }
-}
-
-KrResult DisplayContent::Display(std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint) {
-  const ImageSnapshot source(*aBuffer->GetImage());
-  return DisplaySnapshot(source, std::move(aBuffer), aPaint);
 }
 
 KrResult DisplayContent::DisplaySnapshot(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer,
@@ -140,7 +167,9 @@ std::shared_ptr<HeldImage> DisplayContent::FindRoom(const ImageSnapshot& aSource
     if (aBuffer)
       return std::make_shared<HeldImage>(std::move(aBuffer));
     const bool isFree = mHeld && mHeld->IsCopy() && mHeld.use_count() == 1;
-    std::shared_ptr<HeldImage> room = isFree ? mHeld : std::make_shared<HeldImage>();
+    std::shared_ptr<HeldImage> room = isFree ? mHeld : std::exchange(mSpare, nullptr);
+    if (!room)
+      room = std::make_shared<HeldImage>();
     return room->MakeRoom(aSource) ? room : nullptr;
   } catch (const std::bad_alloc&) {
     return nullptr;
@@ -169,8 +198,8 @@ void DisplayContent::Clear() {
     mLastWidth = 0;
     mCounts.Drop();
   }
-  mInternalBuffer.Free();
-  mInternalNumber = 0;
+  mSpare.reset();
+  mInternalBuffer.Clear();
 }
 
 void DisplayContent::SetPendingText(const KrString& aText) {
@@ -193,29 +222,17 @@ KrBuffer& DisplayContent::GetInternalBuffer() {
     held = mHeld;
     number = mNumber;
   }
-  // The buffer is lent to the application, which may have put something else into it.
-  mInternalBuffer.SetPayloadType(KrPayloadType::Image);
-  const IKrImage& image = *mInternalBuffer.GetImage();
-  const bool isOurs = held && mInternalBuffer.GetDataPointer() == mInternalData && image.GetImageSize() != 0 &&
-                      image.GetWidth() == held->GetLines().GetWidth() &&
-                      image.GetHeight() == held->GetLines().GetHeight() && image.GetPixelType() == kDisplayPixelType &&
-                      image.GetPaddingX() == 0;
-  if (!isOurs) {
-    mInternalBuffer.Free();
-    mInternalNumber = 0;
-  }
-  if (held && mInternalNumber != number) {
-    const bool isConverted = held->GetLines().ConvertAll(mConverter, mInternalBuffer).IsOK();
-    if (!isConverted)
-      mInternalBuffer.Free();
-    mInternalNumber = isConverted ? number : 0;
-    mInternalData = mInternalBuffer.GetDataPointer();
-  }
+  if (held)
+    mInternalBuffer.Convert(held->GetLines(), number, mConverter);
+  else
+    mInternalBuffer.Clear();
+  // Given back under the lock, so that who takes it next may write to the memory.
   const std::lock_guard lock(mDisplayLock);
-  // While it is still held its memory is to be written again by the thread that takes the lock next.
   if (held == mHeld)
     held.reset();
-  return mInternalBuffer;
+  else if (held && held->IsCopy())
+    mSpare = std::move(held);
+  return mInternalBuffer.Get();
 }
 
 void DisplayContent::SetTarget(FrameTarget* aTarget) {
@@ -252,7 +269,8 @@ FrameTarget::Outcome DisplayContent::Draw(FrameTarget& aTarget, const Shown* aSh
       frame.refusalText = aShown ? KrString() : mRefusalText;
     }
     return aTarget.Draw(frame, aTimes);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
+    // There is no memory for it now.
     return FrameTarget::Outcome::Dropped;
   }
 }
@@ -308,36 +326,22 @@ std::optional<PixelPoint> DisplayContent::FindCursorPlace(const KrLineConversion
 
 std::optional<KrDisplayPixel> DisplayContent::GetCursorPixel() const {
   const std::lock_guard lock(mDisplayLock);
-  if (!mHeld)
-    return std::nullopt;
-  const KrLineConversion& lines = mHeld->GetLines();
-  const std::optional<PixelPoint> place = FindCursorPlace(lines);
+  const std::optional<PixelPoint> place = mHeld ? FindCursorPlace(mHeld->GetLines()) : std::nullopt;
   if (!place)
     return std::nullopt;
-  KrDisplayPixel pixel;
-  pixel.x = static_cast<std::uint32_t>(place->x);
-  pixel.y = static_cast<std::uint32_t>(place->y);
-  // A format that cannot tell leaves the value without samples.
-  [[maybe_unused]] const KrResult read = KrReadPixel(mHeld->GetSource(), pixel.x, pixel.y, pixel.raw);
-  std::vector<std::uint8_t> line(std::size_t{lines.GetWidth()} * 4);
-  lines.ConvertLine(pixel.y, line.data());
-  const std::uint8_t* shown = line.data() + std::size_t{pixel.x} * 4;
-  pixel.blue = shown[0];
-  pixel.green = shown[1];
-  pixel.red = shown[2];
-  return pixel;
+  try {
+    return ReadDisplayPixel({mHeld->GetLines(), mHeld->GetSource()}, *place);
+  } catch (const std::bad_alloc&) {
+    return std::nullopt;
+  }
 }
 
 KrString DisplayContent::MakeCursorText(const Shown& aShown) const {
   const std::optional<PixelPoint> place = FindCursorPlace(aShown.lines);
   if (!place)
     return {};
-  const auto x = static_cast<std::uint32_t>(place->x);
-  const auto y = static_cast<std::uint32_t>(place->y);
-  KrPixelValue value;
-  // A format that cannot tell leaves the value without samples.
-  [[maybe_unused]] const KrResult read = KrReadPixel(aShown.source, x, y, value);
-  return MakePixelText(x, y, value);
+  return MakePixelText(static_cast<std::uint32_t>(place->x), static_cast<std::uint32_t>(place->y),
+                       ReadRawPixel(aShown.source, *place));
 }
 
 void DisplayContent::SetCursorLineEnabled(bool aEnabled) {

@@ -8,10 +8,12 @@
 #include "krbuffer/krbufferconverter.h"
 #include "krbuffer/krlineconversion.h"
 #include "krgui/krdisplaystatistics.h"
+#include "logic/display/displaylock.h"
 #include "logic/display/displaystyle.h"
 #include "logic/display/framecounts.h"
 #include "logic/display/frametarget.h"
 #include "logic/display/heldimage.h"
+#include "logic/display/internalbuffer.h"
 #include "logic/display/viewgeometry.h"
 
 #include <cstdint>
@@ -89,12 +91,16 @@ private:
     const IKrImage& source;
   };
 
+  static KrDisplayPixel ReadDisplayPixel(const Shown& aShown, PixelPoint aPlace);
   /// aScreenText is what an empty window shows.
   KrResult RefuseWith(KrResult::Code aCode, const KrLogSite& aSite, const KrString& aText, const KrString& aScreenText,
                       Paint& aPaint);
   KrResult RefuseException(const char* aWhat, Paint& aPaint);
-  /// Checks and accepts an image, of which the copy is kept or, where it is given, the buffer.
+  /// Displays what aAsk() gives, which may be foreign code and throw.
+  template <typename Ask>
+  KrResult DisplayWhat(const Ask& aAsk, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
   KrResult DisplaySnapshot(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
+  /// Takes an image that can be converted by its format; the copy is kept or, where it is given, the buffer.
   void Accept(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
 
   // What follows is done under the display lock.
@@ -120,18 +126,17 @@ private:
 
   /// Guards the internal buffer, which is converted without the display lock; taken before that.
   std::mutex mInternalLock;
-  KrBuffer mInternalBuffer;
-  std::uint64_t mInternalNumber = 0;           ///< The number of the image in it; 0 without one.
-  const std::uint8_t* mInternalData = nullptr; ///< Its memory, as it was left here.
+  InternalBuffer mInternalBuffer;
 
   /// Guards everything below.
-  mutable std::mutex mDisplayLock;
+  mutable DisplayLock mDisplayLock;
   ViewGeometry mGeometry;
   FrameTarget* mTarget = nullptr;
   /// Shared with GetInternalBuffer alone, which reads it without the lock: it is overwritten when nobody shares it.
   std::shared_ptr<HeldImage> mHeld;
-  std::uint64_t mNumber = 0;    ///< Counts the images that were accepted.
-  std::uint32_t mLastWidth = 0; ///< Of the image last accepted, whether or not it could be converted.
+  std::shared_ptr<HeldImage> mSpare; ///< Room for the copy of an image that comes while the held one is read.
+  std::uint64_t mNumber = 0;         ///< Counts the images that were accepted.
+  std::uint32_t mLastWidth = 0;      ///< Of the image last accepted, whether or not it could be converted.
   std::uint32_t mLastHeight = 0;
   KrString mPendingText;
   KrString mDisplayedText;

@@ -1,6 +1,7 @@
 #include "logic/display/heldimage.h"
 
-#include <cstring>
+#include "logic/display/streamingcopy.h"
+
 #include <utility>
 
 namespace krgui {
@@ -30,7 +31,7 @@ void HeldImage::Take(const IKrImage& aSource, KrLineConversion&& aLines) {
   if (!IsCopy())
     return;
   const std::size_t bytes = mCopy.GetImage()->GetImageSize();
-  std::memcpy(mCopy.GetDataPointer(), aSource.GetDataPointer(), bytes);
+  CopyStreaming(mCopy.GetDataPointer(), aSource.GetDataPointer(), bytes);
   mSource = ImageSnapshot(*mCopy.GetImage());
   // The copy has the shape that the conversion was opened for.
   [[maybe_unused]] const KrResult rebound = mLines.Rebind(mSource);

@@ -1,0 +1,137 @@
+// The display's content used by several threads at once: for the thread sanitizer, and for what no order may break.
+
+#include "displayimages.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <barrier>
+#include <thread>
+
+using namespace krgui;
+
+namespace {
+
+constexpr int kRounds = 300;
+
+/// Every frame has one grey all over, so that a mixture of two is seen.
+class UniformTarget : public FrameTarget {
+public:
+  Outcome Draw(const Frame& aFrame, Times&) override {
+    if (!aFrame.image)
+      return Outcome::Shown;
+    EXPECT_EQ(aFrame.view.imageWidth, aFrame.image->GetWidth());
+    EXPECT_EQ(aFrame.view.imageHeight, aFrame.image->GetHeight());
+    mLine.resize(std::size_t{4} * aFrame.image->GetWidth());
+    std::optional<std::uint8_t> grey;
+    for (std::uint32_t y = 0; y < aFrame.image->GetHeight(); ++y) {
+      aFrame.image->ConvertLine(y, mLine.data());
+      for (std::size_t i = 0; i < mLine.size(); i += 4)
+        EXPECT_EQ(mLine[i], grey.value_or(mLine[i]));
+      grey = mLine[0];
+    }
+    return Outcome::Shown;
+  }
+
+private:
+  std::vector<std::uint8_t> mLine;
+};
+
+void ExpectUniform(const KrBuffer& aBuffer) {
+  for (std::size_t i = 0; i < aBuffer.GetSize(); i += 4)
+    ASSERT_EQ(aBuffer.GetDataPointer()[i], aBuffer.GetDataPointer()[0]);
+}
+
+} // namespace
+
+TEST(DisplayThreads, EverythingAtOnce_NeverMixesImages) {
+  DisplayContent content;
+  UniformTarget target;
+  content.SetTarget(&target);
+  // Above the size from which on several threads convert and copies are streamed.
+  const KrBuffer images[] = {MakeImage(16, 16, KrPixel::Mono8, 1), MakeImage(64, 48, KrPixel::Mono8, 2),
+                             MakeImage(64, 48, KrPixel::BGRa8, 3), MakeImage(16, 16, KrPixel::Mono8, 4),
+                             MakeImage(1024, 1024, KrPixel::Mono8, 5)};
+  std::atomic<int> released = 0;
+  std::barrier start(7);
+  {
+    const auto run = [&start](const auto& aStep) {
+      return std::jthread([&start, aStep] {
+        start.arrive_and_wait();
+        for (int i = 0; i < kRounds; ++i)
+          aStep(static_cast<std::size_t>(i));
+      });
+    };
+    const auto display = [&](std::size_t aRound) {
+      auto paint = DisplayContent::Paint::NotNeeded;
+      EXPECT_TRUE(content.Display(images[aRound % std::size(images)].GetImage(), paint).IsOK());
+    };
+    const std::jthread first = run(display);
+    const std::jthread second = run([&](std::size_t aRound) { display(3 * aRound + 1); });
+    const std::jthread holding = run([&](std::size_t aRound) {
+      auto paint = DisplayContent::Paint::NotNeeded;
+      std::shared_ptr<const KrBuffer> shared(&images[aRound % 3], [&](const KrBuffer*) { ++released; });
+      EXPECT_TRUE(content.Display(std::move(shared), paint).IsOK());
+    });
+    const std::jthread clearing = run([&](std::size_t aRound) {
+      content.SetPendingText("text");
+      if (aRound % 10 == 0)
+        content.Clear();
+      content.GetStatistics();
+    });
+    const std::jthread looking = run([&](std::size_t aRound) {
+      content.SetCursor(PixelPoint{static_cast<std::int32_t>(aRound % 100), 50});
+      content.SetCursorLineEnabled(aRound % 2 == 0);
+      content.GetCursorPixel();
+    });
+    // One reads the internal buffer, as each call may change it.
+    const std::jthread reading = run([&](std::size_t) { content.GetInternalBuffer(); });
+    start.arrive_and_wait();
+    for (int i = 0; i < kRounds; ++i)
+      content.PaintWindow(100 + i % 3, 100, 18);
+  }
+
+  content.PaintWindow(100, 100, 18);
+  ExpectUniform(content.GetInternalBuffer());
+  const KrDisplayStatistics statistics = content.GetStatistics();
+  EXPECT_EQ(statistics.received, 3u * kRounds);
+  EXPECT_EQ(statistics.refused, 0u);
+  EXPECT_EQ(statistics.shown + statistics.dropped, statistics.received);
+  content.Clear();
+  EXPECT_EQ(released, kRounds);
+}
+
+TEST(DisplayThreads, InternalBufferRead_IsOneImageWhileOthersAreDisplayed) {
+  DisplayContent content;
+  const KrBuffer images[] = {MakeImage(600, 600, KrPixel::Mono8, 1), MakeImage(600, 600, KrPixel::Mono8, 2)};
+  std::atomic<bool> isDone = false;
+  std::jthread camera([&] {
+    for (std::size_t i = 0; !isDone; ++i) {
+      auto paint = DisplayContent::Paint::NotNeeded;
+      EXPECT_TRUE(content.Display(images[i % 2].GetImage(), paint).IsOK());
+    }
+  });
+
+  for (int i = 0; i < kRounds; ++i)
+    ExpectUniform(content.GetInternalBuffer());
+  isDone = true;
+}
+
+TEST(DisplayThreads, TargetTaken_IsNotInUseAnyMore) {
+  DisplayContent content;
+  const KrBuffer image = MakeImage(16, 16, KrPixel::Mono8, 1);
+  std::atomic<bool> isDone = false;
+  std::jthread camera([&] {
+    auto paint = DisplayContent::Paint::NotNeeded;
+    while (!isDone)
+      EXPECT_TRUE(content.Display(image.GetImage(), paint).IsOK());
+  });
+
+  for (int i = 0; i < kRounds; ++i) {
+    UniformTarget target;
+    content.SetTarget(&target);
+    content.PaintWindow(100, 100, 18);
+    content.SetTarget(nullptr);
+  }
+  isDone = true;
+}
