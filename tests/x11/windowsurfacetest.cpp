@@ -51,7 +51,8 @@ TEST_P(WindowSurface, Part_IsPresentedAlone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, WindowSurface,
-                         testing::Values(SurfaceKind::SharedDescriptor, SurfaceKind::SharedSystemV),
+                         testing::Values(SurfaceKind::SharedDescriptor, SurfaceKind::SharedSystemV,
+                                         SurfaceKind::PlainPut),
                          [](const auto& aInfo) { return GetName(aInfo.param); });
 
 } // namespace

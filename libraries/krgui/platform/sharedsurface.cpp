@@ -111,8 +111,7 @@ bool SharedSurface::Present(const PixelRect& aRect, std::uint64_t aContentTag) {
     return false;
   }
   buffer->contentTag = aContentTag;
-  const PixelRect part = {std::max(aRect.left, 0), std::max(aRect.top, 0), std::min(aRect.right, buffer->extent.width),
-                          std::min(aRect.bottom, buffer->extent.height)};
+  const PixelRect part = buffer->extent.Clip(aRect);
   if (part.IsEmpty()) {
     return true;
   }

@@ -2,6 +2,9 @@
 // How much memory the pixels of a surface need, and how much is kept for them while a window's size changes. Where it
 // comes from is left to the surfaces.
 
+#include "logic/pixelrect.h"
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -26,6 +29,12 @@ struct SurfaceExtent {
     return GetRowPixels() * static_cast<std::size_t>(height) * sizeof(std::uint32_t);
   }
 
+  /// What of a rectangle is inside; empty where nothing is.
+  constexpr PixelRect Clip(const PixelRect& aRect) const {
+    return {std::max(aRect.left, 0), std::max(aRect.top, 0), std::min(aRect.right, width),
+            std::min(aRect.bottom, height)};
+  }
+
   friend constexpr bool operator==(const SurfaceExtent&, const SurfaceExtent&) = default;
 };
 
@@ -39,7 +48,8 @@ constexpr std::size_t ChooseSurfaceMemory(std::size_t aNeeded, std::size_t aTher
   if (aThereIs >= aNeeded && !isTooLarge) {
     return aThereIs;
   }
-  return aThereIs == 0 ? aNeeded : aNeeded + aNeeded / 4;
+  constexpr std::size_t kPixelBytes = sizeof(std::uint32_t);
+  return aThereIs == 0 ? aNeeded : (aNeeded + aNeeded / 4) / kPixelBytes * kPixelBytes;
 }
 
 } // namespace krgui

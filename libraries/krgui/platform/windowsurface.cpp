@@ -1,6 +1,7 @@
 #include "platform/windowsurface.h"
 
 #include "platform/brokenpipeguard.h"
+#include "platform/plainsurface.h"
 #include "platform/sharedsurface.h"
 #include "platform/windowconnection.h"
 
@@ -11,7 +12,7 @@ namespace krgui {
 std::unique_ptr<DrawingSurface> MakeWindowSurface(const std::string& aDisplayName, std::uint32_t aWindow,
                                                   SurfaceKind aBest, std::chrono::steady_clock::time_point aEnd) {
   const BrokenPipeGuard guard;
-  for (const SurfaceKind kind : {SurfaceKind::SharedDescriptor, SurfaceKind::SharedSystemV}) {
+  for (const SurfaceKind kind : {SurfaceKind::SharedDescriptor, SurfaceKind::SharedSystemV, SurfaceKind::PlainPut}) {
     if (kind < aBest) {
       continue;
     }
@@ -20,7 +21,13 @@ std::unique_ptr<DrawingSurface> MakeWindowSurface(const std::string& aDisplayNam
     if (!connection) {
       return nullptr;
     }
-    if (auto surface = SharedSurface::Make(std::move(connection), kind, aEnd)) {
+    std::unique_ptr<DrawingSurface> surface;
+    if (kind == SurfaceKind::PlainPut) {
+      surface = PlainSurface::Make(std::move(connection));
+    } else {
+      surface = SharedSurface::Make(std::move(connection), kind, aEnd);
+    }
+    if (surface) {
       return surface;
     }
   }
