@@ -57,8 +57,9 @@ inline bool Show(DrawingSurface& aSurface, const Grab& aPicture, const PixelRect
   Draw(target->canvas, aPicture);
   return aSurface.Present(aPart, aTag);
 }
-inline bool Show(DrawingSurface& aSurface, const Grab& aPicture) {
-  return Show(aSurface, aPicture, {0, 0, aPicture.width, aPicture.height});
+/// All of it.
+inline bool Show(DrawingSurface& aSurface, const Grab& aPicture, std::uint64_t aTag = 1) {
+  return Show(aSurface, aPicture, {0, 0, aPicture.width, aPicture.height}, aTag);
 }
 
 /// Looks until a condition holds.
@@ -76,7 +77,7 @@ bool Await(Condition aCondition) {
 
 /// What is presented comes onto the screen by itself, but not before the call returns.
 inline bool IsSoonOnScreen(const SurfaceWindow& aWindow, const Grab& aPicture) {
-  return Await([&] { return aWindow.Take(0, 0, aPicture.width, aPicture.height) == aPicture; });
+  return Await([&] { return aWindow.Take(aPicture.width, aPicture.height) == aPicture; });
 }
 
 } // namespace krgui

@@ -31,9 +31,10 @@ public:
 
   /// On the display of the environment when none is named; inside another window when one is given.
   SurfaceWindow(int aX, int aY, int aWidth, int aHeight, const std::string& aDisplayName = {}, xcb_window_t aParent = 0)
-      : mConnection(xcb_connect(aDisplayName.empty() ? nullptr : aDisplayName.c_str(), nullptr)) {
+      : mConnection(xcb_connect(aDisplayName.empty() ? nullptr : aDisplayName.c_str(), nullptr)), mX(aX), mY(aY) {
     EXPECT_EQ(xcb_connection_has_error(mConnection), 0);
     const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(mConnection)).data;
+    mRoot = screen->root;
     const std::uint32_t values[] = {kBackground, 1};
     mWindow = xcb_generate_id(mConnection);
     xcb_create_window(mConnection, XCB_COPY_FROM_PARENT, mWindow, aParent == 0 ? screen->root : aParent,
@@ -59,11 +60,12 @@ public:
     Synchronise();
   }
 
-  /// What is in a part of the window, windows above it included. Empty where that cannot be had.
-  Grab Take(int aX, int aY, int aWidth, int aHeight) const {
+  /// What is on the screen from the window's upper left corner on, windows above it included; empty where that cannot
+  /// be had. For a window that is in no other.
+  Grab Take(int aWidth, int aHeight) const {
     constexpr std::uint32_t kAllPlanes = 0xffffffff;
-    const auto cookie = xcb_get_image(mConnection, XCB_IMAGE_FORMAT_Z_PIXMAP, mWindow, static_cast<std::int16_t>(aX),
-                                      static_cast<std::int16_t>(aY), static_cast<std::uint16_t>(aWidth),
+    const auto cookie = xcb_get_image(mConnection, XCB_IMAGE_FORMAT_Z_PIXMAP, mRoot, static_cast<std::int16_t>(mX),
+                                      static_cast<std::int16_t>(mY), static_cast<std::uint16_t>(aWidth),
                                       static_cast<std::uint16_t>(aHeight), kAllPlanes);
     const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> reply(
         xcb_get_image_reply(mConnection, cookie, nullptr), &std::free);
@@ -87,6 +89,8 @@ public:
 
 private:
   xcb_connection_t* mConnection;
+  const int mX, mY;
+  xcb_window_t mRoot = 0;
   xcb_window_t mWindow = 0;
 };
 

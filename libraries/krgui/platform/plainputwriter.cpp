@@ -104,12 +104,16 @@ bool PlainPutWriter::Send(const Part& aPart) {
   const PixelRect& rect = aPart.rect;
   const auto width = std::min(rect.GetWidth(), static_cast<std::int32_t>(mBlockPixels));
   const auto height = static_cast<std::int32_t>(mBlockPixels) / width;
-  for (std::int32_t top = rect.top; top < rect.bottom; top += height) {
-    for (std::int32_t left = rect.left; left < rect.right; left += width) {
-      SendBlock(aPart, {left, top, std::min(left + width, rect.right), std::min(top + height, rect.bottom)});
-    }
-  }
   xcb_connection_t* connection = mConnection->Get();
+  if (height >= rect.GetHeight() && width == rect.GetWidth()) {
+    SendBlock(aPart, rect, mConnection->GetWindow());
+  } else {
+    SendBlocks(aPart, width, height, FitStage(rect));
+    const auto left = static_cast<std::int16_t>(rect.left);
+    const auto top = static_cast<std::int16_t>(rect.top);
+    xcb_copy_area(connection, mStage, mConnection->GetWindow(), mConnection->GetContext(), left, top, left, top,
+                  static_cast<std::uint16_t>(rect.GetWidth()), static_cast<std::uint16_t>(rect.GetHeight()));
+  }
   // What the answer is does not matter: the server gives it when it has done everything before.
   const auto reply = KeepReply(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
   constexpr std::uint8_t kError = 0;
@@ -120,14 +124,41 @@ bool PlainPutWriter::Send(const Part& aPart) {
   return reply && !isRefused;
 }
 
-void PlainPutWriter::SendBlock(const Part& aPart, const PixelRect& aRect) {
+void PlainPutWriter::SendBlocks(const Part& aPart, std::int32_t aWidth, std::int32_t aHeight, std::uint32_t aDrawable) {
+  const PixelRect& rect = aPart.rect;
+  for (std::int32_t top = rect.top; top < rect.bottom; top += aHeight) {
+    for (std::int32_t left = rect.left; left < rect.right; left += aWidth) {
+      SendBlock(aPart, {left, top, std::min(left + aWidth, rect.right), std::min(top + aHeight, rect.bottom)},
+                aDrawable);
+    }
+  }
+}
+
+// A picture at the server that has room for a rectangle of the window, at the same place.
+std::uint32_t PlainPutWriter::FitStage(const PixelRect& aRect) {
+  if (mStage != 0 && mStageExtent.width >= aRect.right && mStageExtent.height >= aRect.bottom) {
+    return mStage;
+  }
+  xcb_connection_t* connection = mConnection->Get();
+  if (mStage == 0) {
+    mStage = xcb_generate_id(connection);
+  } else {
+    xcb_free_pixmap(connection, mStage);
+  }
+  mStageExtent = {aRect.right, aRect.bottom};
+  xcb_create_pixmap(connection, mConnection->GetDepth(), mStage, mConnection->GetWindow(),
+                    static_cast<std::uint16_t>(mStageExtent.width), static_cast<std::uint16_t>(mStageExtent.height));
+  return mStage;
+}
+
+void PlainPutWriter::SendBlock(const Part& aPart, const PixelRect& aRect, std::uint32_t aDrawable) {
   const auto width = static_cast<std::size_t>(aRect.GetWidth());
   std::uint32_t* packed = mBlock.get();
   for (std::int32_t y = aRect.top; y < aRect.bottom; ++y) {
     packed = std::copy_n(aPart.pixels + static_cast<std::size_t>(y) * aPart.rowPixels + aRect.left, width, packed);
   }
   const auto size = static_cast<std::uint32_t>((packed - mBlock.get()) * static_cast<std::ptrdiff_t>(sizeof *packed));
-  xcb_put_image(mConnection->Get(), XCB_IMAGE_FORMAT_Z_PIXMAP, mConnection->GetWindow(), mConnection->GetContext(),
+  xcb_put_image(mConnection->Get(), XCB_IMAGE_FORMAT_Z_PIXMAP, aDrawable, mConnection->GetContext(),
                 static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(aRect.GetHeight()),
                 static_cast<std::int16_t>(aRect.left), static_cast<std::int16_t>(aRect.top), 0, mConnection->GetDepth(),
                 size, reinterpret_cast<const std::uint8_t*>(mBlock.get()));

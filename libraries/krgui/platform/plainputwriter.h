@@ -3,6 +3,7 @@
 // they are, and in which memory, is left to the surface.
 
 #include "logic/pixelrect.h"
+#include "platform/surfaceextent.h"
 #include "platform/windowconnection.h"
 
 #include <array>
@@ -54,12 +55,17 @@ private:
   std::optional<Part> AwaitPart();
   void Finish(bool aHasArrived);
   bool Send(const Part& aPart);
-  void SendBlock(const Part& aPart, const PixelRect& aRect);
+  void SendBlocks(const Part& aPart, std::int32_t aWidth, std::int32_t aHeight, std::uint32_t aDrawable);
+  void SendBlock(const Part& aPart, const PixelRect& aRect, std::uint32_t aDrawable);
+  std::uint32_t FitStage(const PixelRect& aRect);
   std::optional<std::size_t> FindFree(std::size_t aPreferred) const;
 
   const std::unique_ptr<WindowConnection> mConnection;
   const std::unique_ptr<std::uint32_t[]> mBlock; ///< What goes into one request, its rows one after the other.
   const std::size_t mBlockPixels;
+  /// Where the server gathers what needs several requests, so that nobody sees a part of it; 0 for none yet.
+  std::uint32_t mStage = 0;
+  SurfaceExtent mStageExtent;
 
   mutable std::mutex mMutex; ///< Guards what follows up to the thread.
   std::condition_variable mHasChanged;

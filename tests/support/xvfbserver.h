@@ -1,0 +1,81 @@
+#pragma once
+// An X server of a test's own, which it can stop, let go on and kill. Its screen has 1024 x 768 pixels.
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <string>
+
+namespace krgui {
+
+class XvfbServer {
+public:
+  XvfbServer() {
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    Start(ends[1]);
+    close(ends[1]);
+    mDisplayName = ":" + ReadLine(ends[0]);
+    close(ends[0]);
+  }
+  ~XvfbServer() { Kill(); }
+  XvfbServer(const XvfbServer&) = delete;
+  XvfbServer& operator=(const XvfbServer&) = delete;
+
+  const std::string& GetDisplayName() const { return mDisplayName; }
+
+  /// Returns when the server has stopped.
+  void Stop() {
+    kill(mProcess, SIGSTOP);
+    int status = 0;
+    EXPECT_EQ(waitpid(mProcess, &status, WUNTRACED), mProcess);
+    EXPECT_TRUE(WIFSTOPPED(status));
+  }
+  void Continue() { kill(mProcess, SIGCONT); }
+  /// Returns when the server has ended.
+  void Kill() {
+    if (mProcess > 0) {
+      kill(mProcess, SIGKILL);
+      waitpid(mProcess, nullptr, 0);
+      mProcess = 0;
+    }
+  }
+
+private:
+  void Start(int aReadyEnd) {
+    constexpr int kReady = 3;
+    char name[] = "Xvfb", display[] = "-displayfd", ready[] = "3", screen[] = "-screen", number[] = "0",
+         size[] = "1024x768x24", nolisten[] = "-nolisten", tcp[] = "tcp", noreset[] = "-noreset";
+    char* arguments[] = {name, display, ready, screen, number, size, nolisten, tcp, noreset, nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, aReadyEnd, kReady);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    EXPECT_EQ(posix_spawnp(&mProcess, name, &actions, nullptr, arguments, environ), 0);
+    posix_spawn_file_actions_destroy(&actions);
+  }
+  /// What the server writes when it is ready: the number of its display.
+  static std::string ReadLine(int aEnd) {
+    constexpr int kLimitMs = 30000;
+    std::string line;
+    pollfd descriptor = {aEnd, POLLIN, 0};
+    char character = 0;
+    while (poll(&descriptor, 1, kLimitMs) == 1 && read(aEnd, &character, 1) == 1 && character != '\n') {
+      line += character;
+    }
+    EXPECT_EQ(character, '\n') << "The X server did not start.";
+    return line;
+  }
+
+  pid_t mProcess = 0;
+  std::string mDisplayName;
+};
+
+} // namespace krgui
