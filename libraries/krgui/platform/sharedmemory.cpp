@@ -6,14 +6,25 @@
 #include <sys/shm.h>
 #include <unistd.h>
 
-#include <limits>
+#include <algorithm>
 #include <utility>
 
 namespace krgui {
 
+namespace {
+
+// Asked for more than the computer has, the system would go on finding it until it ends processes.
+bool IsToBeHad(std::size_t aSize) {
+  const auto pages = static_cast<std::size_t>(std::max(sysconf(_SC_PHYS_PAGES), 0L));
+  const auto pageSize = static_cast<std::size_t>(std::max(sysconf(_SC_PAGESIZE), 1L));
+  return aSize > 0 && aSize / pageSize < pages;
+}
+
+} // namespace
+
 SharedMemory SharedMemory::MakeByDescriptor(std::size_t aSize) {
   SharedMemory memory;
-  if (aSize == 0 || aSize > static_cast<std::size_t>(std::numeric_limits<off_t>::max())) {
+  if (!IsToBeHad(aSize)) {
     return memory;
   }
   memory.mDescriptor = memfd_create("pixels", MFD_CLOEXEC | MFD_ALLOW_SEALING);
@@ -34,7 +45,7 @@ SharedMemory SharedMemory::MakeByDescriptor(std::size_t aSize) {
 
 SharedMemory SharedMemory::MakeSystemV(std::size_t aSize) {
   constexpr int kForThisUserAlone = 0600;
-  const int number = shmget(IPC_PRIVATE, aSize, IPC_CREAT | kForThisUserAlone);
+  const int number = IsToBeHad(aSize) ? shmget(IPC_PRIVATE, aSize, IPC_CREAT | kForThisUserAlone) : -1;
   if (number < 0) {
     return {};
   }
