@@ -3,10 +3,10 @@
 // left to them, what users see of them to the public classes.
 
 #include "description/description.h"
+#include "krbase/krturnmutex.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "map/failurecountingport.h"
 #include "map/featuretree.h"
-#include "map/maplock.h"
 #include "map/notificationthread.h"
 #include "map/pollingschedule.h"
 #include "nodes/evaluation.h"
@@ -150,7 +150,7 @@ private:
   std::size_t mUnlistedFaults = 0;
   std::size_t mFormulaOperations = 0; // Of all formulas that were compiled.
 
-  mutable MapLock mLock; // Guards the nodes and the members from here on.
+  mutable KrTurnMutex mLock; // Guards the nodes and the members from here on.
   FailureCountingPort mPort;
   std::uint64_t mEpoch = 0;
   std::uint64_t mMark = 0;

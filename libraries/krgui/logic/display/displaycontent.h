@@ -4,11 +4,11 @@
 // is left to the window's frame target.
 
 #include "krbase/krlogger.h"
+#include "krbase/krturnmutex.h"
 #include "krbuffer/krbuffer.h"
 #include "krbuffer/krbufferconverter.h"
 #include "krbuffer/krlineconversion.h"
 #include "krgui/krdisplaystatistics.h"
-#include "logic/display/displaylock.h"
 #include "logic/display/displaystyle.h"
 #include "logic/display/framecounts.h"
 #include "logic/display/frametarget.h"
@@ -129,7 +129,7 @@ private:
   InternalBuffer mInternalBuffer;
 
   /// Guards everything below.
-  mutable DisplayLock mDisplayLock;
+  mutable KrTurnMutex mDisplayLock; // Else a camera at full rate would keep the user interface from it.
   ViewGeometry mGeometry;
   FrameTarget* mTarget = nullptr;
   /// Shared with GetInternalBuffer alone, which reads it without the lock: it is overwritten when nobody shares it.
