@@ -2,9 +2,11 @@
 
 #include "bgracopier.h"
 #include "byteconverter.h"
+#include "deepbayerconverter.h"
 #include "deepconverter.h"
 #include "floatconverter.h"
 #include "tonestore.h"
+#include "topbyteconverter.h"
 #include "unpacker.h"
 
 #include <utility>
@@ -31,6 +33,11 @@ bool CanConvertToBgra(const KrPixelTypeInfo& aFormat) {
 std::unique_ptr<LineConverter> MakeDeepConverter(const LineSource& aSource, const KrPixelTypeInfo& aFormat,
                                                  std::shared_ptr<const ToneTables> aTables) {
   const SampleReader samples = FindSampleReader(aFormat);
+  if (!aTables && DeepBayerConverter::CanConvert(aSource, aFormat))
+    return std::make_unique<DeepBayerConverter>(aSource, samples, aFormat);
+  if (!aTables)
+    if (std::unique_ptr<LineConverter> converter = TopByteConverter::Make(aSource, aFormat))
+      return converter;
   if (aFormat.layout == KrPixelLayout::Mono)
     return std::make_unique<DeepGreyConverter>(aSource, samples, aFormat.bitsPerSample, std::move(aTables));
   return std::make_unique<DeepColourConverter>(aSource, samples, FindDeepReader(aFormat.layout), aFormat.bitsPerSample,

@@ -1,5 +1,7 @@
 #include "samplereader.h"
 
+#include "kernels/samplekernels.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -109,6 +111,8 @@ constexpr std::array kPackings = {
 } // namespace
 
 SampleReader FindSampleReader(const KrPixelTypeInfo& aFormat) {
+  if (const SampleReader reader = FindSampleVectorReader(aFormat))
+    return reader;
   const auto row = std::find_if(kPackings.begin(), kPackings.end(), [&aFormat](const PackingRow& aRow) {
     return aRow.packing == aFormat.packing && aRow.sampleKind == aFormat.sampleKind &&
            aRow.bitsPerSample == aFormat.bitsPerSample;
