@@ -1,8 +1,10 @@
 #include "krbuffer/krlineconversion.h"
 
 #include "converterbody.h"
+#include "krbuffer/krpixeltype.h"
 #include "sourceimage.h"
 
+#include <optional>
 #include <utility>
 
 namespace {
@@ -20,15 +22,22 @@ bool AreSame(const ImageShape& aLeft, const ImageShape& aRight) {
          aLeft.paddingX == aRight.paddingX && aLeft.paddingY == aRight.paddingY;
 }
 
+bool HasAlphaOfItsOwn(KrPixelType aType) {
+  const std::optional<KrPixelTypeInfo> format = KrFindPixelType(aType);
+  return format && (format->layout == KrPixelLayout::RGBa || format->layout == KrPixelLayout::BGRa);
+}
+
 } // namespace
 
 struct KrLineConversion::Body {
   SourceImage source;
+  bool hasAlpha = false;
   std::unique_ptr<LineConverter> converter;
 
   static std::unique_ptr<Body> Make(KrBufferConverter::Body& aConverter, const SourceImage& aSource) {
     auto body = std::make_unique<Body>();
     body->source = aSource;
+    body->hasAlpha = HasAlphaOfItsOwn(aSource.shape.type);
     body->converter = krbuffer::MakeSourceConverter(aSource, KrPixel::BGRa8, aConverter.tones);
     return body;
   }
@@ -100,6 +109,10 @@ std::uint32_t KrLineConversion::GetWidth() const {
 
 std::uint32_t KrLineConversion::GetHeight() const {
   return mBody ? mBody->source.shape.height : 0;
+}
+
+bool KrLineConversion::HasAlpha() const {
+  return mBody && mBody->hasAlpha;
 }
 
 void KrLineConversion::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const {

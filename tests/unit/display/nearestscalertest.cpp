@@ -1,7 +1,11 @@
 #include "logic/display/nearestscaler.h"
 
+#include "vectortarget.h"
+
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <functional>
 #include <numeric>
 #include <random>
 
@@ -49,28 +53,75 @@ TEST(NearestScaler, EmptyPartOrDestination_DoesNothing) {
   EXPECT_THAT(Scale(scaler, {1, 2}, 2, {0, 0, 2, 1}, 0, 0), testing::IsEmpty());
 }
 
-TEST(NearestScaler, AnySizes_EqualAPlainLoopOverThePixelsUnderTheCentres) {
-  NearestScaler scaler;
-  std::mt19937 random(3);
-  std::uniform_int_distribution<int> size(1, 70);
-  for (int i = 0; i < 2000; ++i) {
-    const int sourceWidth = size(random);
-    const int sourceHeight = size(random);
-    const int width = size(random);
-    const int height = size(random);
-    std::vector<std::uint32_t> source(static_cast<std::size_t>(sourceWidth * sourceHeight));
-    for (std::uint32_t& pixel : source)
-      pixel = static_cast<std::uint32_t>(random());
+TEST(NearestScaler, AnySizesOnEveryProcessor_EqualAPlainLoopOverThePixelsUnderTheCentres) {
+  for (const std::int64_t target : GetVectorTargets()) {
+    SCOPED_TRACE(VectorTargetChoice::GetName(target));
+    const VectorTargetChoice choice(target);
+    NearestScaler scaler;
+    std::mt19937 random(3);
+    std::uniform_int_distribution<int> size(1, 200);
+    for (int i = 0; i < 1000; ++i) {
+      const int sourceWidth = size(random);
+      const int sourceHeight = size(random) / 20 + 1;
+      const int width = size(random);
+      const int height = size(random) / 20 + 1;
+      std::vector<std::uint32_t> source(static_cast<std::size_t>(sourceWidth * sourceHeight));
+      std::ranges::generate(source, std::ref(random));
 
-    const auto scaled = Scale(scaler, source, sourceWidth, {0, 0, sourceWidth, sourceHeight}, width, height);
+      const auto scaled = Scale(scaler, source, sourceWidth, {0, 0, sourceWidth, sourceHeight}, width, height);
 
-    for (int y = 0; y < height; ++y)
-      for (int x = 0; x < width; ++x) {
-        const int sourceX = int((x + 0.5) * sourceWidth / width);
-        const int sourceY = int((y + 0.5) * sourceHeight / height);
-        ASSERT_EQ(scaled[static_cast<std::size_t>(y * width + x)],
-                  source[static_cast<std::size_t>(sourceY * sourceWidth + sourceX)])
-            << sourceWidth << "x" << sourceHeight << " to " << width << "x" << height << " at " << x << "," << y;
-      }
+      for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+          const int sourceX = int((x + 0.5) * sourceWidth / width);
+          const int sourceY = int((y + 0.5) * sourceHeight / height);
+          ASSERT_EQ(scaled[static_cast<std::size_t>(y * width + x)],
+                    source[static_cast<std::size_t>(sourceY * sourceWidth + sourceX)])
+              << sourceWidth << "x" << sourceHeight << " to " << width << "x" << height << " at " << x << "," << y;
+        }
+    }
   }
+}
+
+TEST(NearestScaler, PartsOfRowsOnEveryProcessor_AreScaledWithBitsSetAndNothingBesideTouched) {
+  for (const std::int64_t target : GetVectorTargets()) {
+    SCOPED_TRACE(VectorTargetChoice::GetName(target));
+    const VectorTargetChoice choice(target);
+    NearestScaler scaler;
+    std::mt19937 random(5);
+    const auto roll = [&](int aFrom, int aTo) { return std::uniform_int_distribution<int>(aFrom, aTo)(random); };
+    for (int i = 0; i < 3000; ++i) {
+      // The source's part ends with its memory, so that a sanitizer sees what is read beyond it.
+      ColumnMapping mapping;
+      mapping.sourceLeft = roll(0, 30);
+      mapping.sourceRight = mapping.sourceLeft + roll(1, 300);
+      mapping.width = i % 10 == 0 ? mapping.sourceRight - mapping.sourceLeft : roll(1, 300);
+      mapping.first = roll(0, mapping.width - 1);
+      mapping.count = roll(1, mapping.width - mapping.first);
+      std::vector<std::uint32_t> source(static_cast<std::size_t>(mapping.sourceRight));
+      std::ranges::generate(source, std::ref(random));
+      std::vector<std::uint32_t> destination(static_cast<std::size_t>(mapping.count) + 2, 0xDEAD);
+
+      scaler.PrepareColumns(mapping);
+      scaler.ScaleRow(source.data(), destination.data() + 1, 0xFF000000);
+
+      std::vector<std::uint32_t> expected(destination.size(), 0xDEAD);
+      for (int x = 0; x < mapping.count; ++x) {
+        const double centre = mapping.first + x + 0.5;
+        const int column = int(centre * (mapping.sourceRight - mapping.sourceLeft) / mapping.width);
+        expected[static_cast<std::size_t>(x) + 1] =
+            source[static_cast<std::size_t>(mapping.sourceLeft + column)] | 0xFF000000;
+      }
+      ASSERT_EQ(destination, expected) << mapping.sourceLeft << " to " << mapping.sourceRight << " in " << mapping.width
+                                       << ", " << mapping.count << " from " << mapping.first;
+    }
+  }
+}
+
+TEST(FindNearestSource, GreatestSizes_GiveTheFirstAndTheLastPixel) {
+  constexpr std::int32_t kMost = 2147483647;
+
+  EXPECT_EQ(FindNearestSource(0, kMost, kMost), 0);
+  EXPECT_EQ(FindNearestSource(kMost - 1, kMost, kMost), kMost - 1);
+  EXPECT_EQ(FindNearestSource(kMost - 1, 1, kMost), 0);
+  EXPECT_EQ(FindNearestSource(0, kMost, 1), kMost / 2);
 }

@@ -105,6 +105,20 @@ TEST_P(KrLineConversionOfFormat, LinesFound_AreThoseOfBgra8AloneAndAsTheyAreConv
   }
 }
 
+TEST_P(KrLineConversionOfFormat, WithoutAlpha_IsOpaqueEverywhere) {
+  const ExactImage exact(GetParam().format, 101, 5, 3, 1);
+  KrLineConversion lines;
+  EXPECT_FALSE(lines.HasAlpha());
+  ASSERT_TRUE(lines.Open(KrBufferConverter(), exact.image).IsOK());
+
+  const std::vector<std::uint8_t> pixels = ConvertByLines(lines);
+
+  bool isOpaque = true;
+  for (std::size_t alpha = 3; alpha < pixels.size(); alpha += 4)
+    isOpaque = isOpaque && pixels[alpha] == 255;
+  EXPECT_EQ(isOpaque, !lines.HasAlpha()); // Of noise, no alpha is 255 all over.
+}
+
 TEST(KrLineConversion, LinesOfBgra8WithSettings_AreNotFoundInTheImage) {
   KrBuffer image;
   ASSERT_TRUE(image.GetImage()->Alloc(4, 4, KrPixel::BGRa8).IsOK());

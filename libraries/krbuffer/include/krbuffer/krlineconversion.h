@@ -43,6 +43,9 @@ public:
   /// Height in lines; 0 while closed.
   std::uint32_t GetHeight() const;
 
+  /// Whether pixels may be other than opaque: where the image's format has an alpha of its own. False while closed.
+  bool HasAlpha() const;
+
   /// Writes one line as GetWidth() pixels of BGRa8, bit for bit as KrBufferConverter::Convert writes it. aLine is less
   /// than GetHeight().
   void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination) const;

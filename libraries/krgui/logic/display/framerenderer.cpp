@@ -14,6 +14,14 @@ PixelRect Intersect(const PixelRect& aRect, const Canvas& aCanvas) {
           std::min(aRect.bottom, aCanvas.height)};
 }
 
+/// Whether a row that is drawn is a line as the conversion writes it.
+bool IsAsConverted(const PixelRect& aCopy, const PixelRect& aWhole, const PixelRect& aDrawn,
+                   const KrLineConversion& aImage) {
+  const auto lineWidth = static_cast<std::int32_t>(aImage.GetWidth());
+  return aCopy.GetWidth() == lineWidth && aWhole.GetWidth() == lineWidth && aDrawn.GetWidth() == lineWidth &&
+         !aImage.HasAlpha();
+}
+
 } // namespace
 
 void FrameRenderer::Fill(const Canvas& aCanvas, const PixelRect& aRect, std::uint32_t aColor) {
@@ -34,10 +42,13 @@ void FrameRenderer::DrawImage(const Canvas& aCanvas, const ViewArea& aView, cons
   const PixelRect& whole = aView.destinationRect;
   const PixelRect copy = aView.GetCopyRect();
   const PixelRect drawn = Intersect(whole, aCanvas);
-  if (copy.IsEmpty() || drawn.IsEmpty())
+  const bool isOfView = aImage.GetWidth() == aView.imageWidth && aImage.GetHeight() == aView.imageHeight;
+  if (copy.IsEmpty() || drawn.IsEmpty() || !isOfView)
     return;
   mScaler.PrepareColumns({copy.left, copy.right, whole.GetWidth(), drawn.left - whole.left, drawn.GetWidth()});
   mRow.resize(aImage.GetWidth());
+
+  const bool isAsConverted = IsAsConverted(copy, whole, drawn, aImage);
 
   std::int32_t lastLine = -1;
   for (std::int32_t y = drawn.top; y < drawn.bottom; ++y) {
@@ -46,6 +57,8 @@ void FrameRenderer::DrawImage(const Canvas& aCanvas, const ViewArea& aView, cons
     if (line == lastLine)
       std::memcpy(destination, aCanvas.plane.GetRow(y - 1) + drawn.left,
                   static_cast<std::size_t>(drawn.GetWidth()) * sizeof(std::uint32_t));
+    else if (isAsConverted)
+      aImage.ConvertLine(static_cast<std::uint32_t>(line), reinterpret_cast<std::uint8_t*>(destination));
     else
       mScaler.ScaleRow(GetLine(aImage, static_cast<std::uint32_t>(line)), destination, kOpaque);
     lastLine = line;

@@ -27,8 +27,8 @@ public:
   /// Fills the bands around the destination.
   static void DrawBands(const Canvas& aCanvas, const ViewArea& aView, std::uint32_t aColor);
   /// Draws the view's part of an image into its destination, nearest neighbour. Nothing where source or destination are
-  /// empty; what lies outside the canvas is cut. aImage is open and has the view's image size. What is drawn is opaque,
-  /// whatever alpha the image has.
+  /// empty, and for an image that is not open or not of the size that the view was computed for; what lies outside the
+  /// canvas is cut. What is drawn is opaque, whatever alpha the image has.
   void DrawImage(const Canvas& aCanvas, const ViewArea& aView, const KrLineConversion& aImage);
 
 private:
