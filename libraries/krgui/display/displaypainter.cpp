@@ -1,78 +1,89 @@
 #include "display/displaypainter.h"
 
-#include "display/overlayfont.h"
-
-#include <QPainter>
+#include <chrono>
+#include <utility>
 
 namespace krgui {
 
 namespace {
 
-QColor ToColor(ColorRef aColor) {
-  return {GetRed(aColor), GetGreen(aColor), GetBlue(aColor)};
-}
+using Clock = std::chrono::steady_clock;
 
-QRect ToRect(const PixelRect& aRect) {
-  return {aRect.left, aRect.top, aRect.GetWidth(), aRect.GetHeight()};
-}
+/// How long a frame waits for the screen; a camera is never held up for longer.
+constexpr std::chrono::milliseconds kScreenLimit{100};
 
 } // namespace
 
-void DisplayPainter::Prepare(const DisplayStyle& aStyle, double aPixelRatio) {
-  const int size = aStyle.overlaySize;
-  if (size != mFontSize || aPixelRatio != mPixelRatio)
-    mFont = MakeOverlayFont(size, aPixelRatio);
-  mFontSize = size;
-  mPixelRatio = aPixelRatio;
-  mBackground = aStyle.backgroundColor;
-  mOverlayColor = aStyle.overlayColor;
-  mOffsetX = aStyle.overlayOffsetX * aPixelRatio;
-  mOffsetY = aStyle.overlayOffsetY * aPixelRatio;
+void DisplayPainter::SetSurface(DrawingSurface* aSurface) {
+  mSurface = aSurface;
+  mIsWholeWanted = true;
+  mShown = {};
 }
 
-void DisplayPainter::Draw(QPainter& aPainter, const DisplayContent::Frame& aFrame) {
-  const QColor background = ToColor(mBackground);
-  if (!aFrame.image) {
-    aPainter.fillRect(ToRect(aFrame.view.clientRect), background);
-    return;
-  }
-  const Bands bands = ComputeBands(aFrame.view);
-  for (int i = 0; i < bands.count; ++i)
-    aPainter.fillRect(ToRect(bands.rects[i]), background);
-  DrawImage(aPainter, *aFrame.image, aFrame.view);
-  if (!aFrame.overlayText.IsEmpty())
-    DrawOverlay(aPainter, aFrame);
+void DisplayPainter::BeginPaint(const ScreenLook& aScreen) {
+  mScreen = aScreen;
+  mIsPainting = true;
+  mIsWholeWanted = true;
 }
 
-void DisplayPainter::DrawImage(QPainter& aPainter, const IKrImage& aImage, const ViewArea& aView) {
-  if (aView.destinationRect.IsEmpty() || aView.sourceRect.IsEmpty())
-    return;
-  const QRect destination = ToRect(aView.destinationRect);
-  // Opaque: what a camera sends as alpha is no transparency of the window.
-  if (mScaled.size() != destination.size())
-    mScaled = QImage(destination.size(), QImage::Format_RGB32);
-  if (mScaled.isNull())
-    return; // Not enough memory; the next frame tries again.
-  mScaler.Scale({reinterpret_cast<const std::uint32_t*>(aImage.GetDataPointer()), aImage.GetWidth()}, aView.sourceRect,
-                {reinterpret_cast<std::uint32_t*>(mScaled.bits()), static_cast<std::size_t>(mScaled.width())},
-                mScaled.width(), mScaled.height());
-  aPainter.drawImage(destination.topLeft(), mScaled);
+QImage DisplayPainter::EndPaint() {
+  mIsPainting = false;
+  const QImage* picture = mSurface == nullptr ? nullptr : mSurface->GetPicture();
+  return picture == nullptr ? QImage() : *picture;
 }
 
-void DisplayPainter::DrawOverlay(QPainter& aPainter, const DisplayContent::Frame& aFrame) const {
+FrameTarget::Outcome DisplayPainter::Draw(const Frame& aFrame, Times& aTimes) {
+  if (mSurface == nullptr || aFrame.view.clientRect.IsEmpty())
+    return Outcome::Deferred;
+  const Clock::time_point begin = Clock::now();
+  const Outcome outcome = mSurface->GetKind() == SurfaceKind::Invalidation ? DrawPicture(aFrame, aTimes)
+                          : DrawToSurface(aFrame, aTimes)                  ? Outcome::Shown
+                                                                           : Outcome::Dropped;
+  aTimes.drawing += Clock::now() - begin - aTimes.conversion;
+  return outcome;
+}
+
+/// A picture that shows the frame already is painted as it is.
+FrameTarget::Outcome DisplayPainter::DrawPicture(const Frame& aFrame, Times& aTimes) {
+  const Outcome painted = mIsPainting ? Outcome::Shown : Outcome::Deferred;
+  Shown shown = {aFrame.number,      aFrame.view,        {mStyle, mScreen},
+                 aFrame.overlayText, aFrame.refusalText, aFrame.cursorText};
+  if (aFrame.number != 0 && shown == mShown)
+    return painted;
+  mShown = {};
+  if (!DrawToSurface(aFrame, aTimes))
+    return Outcome::Deferred;
+  mShown = std::move(shown);
+  return painted;
+}
+
+bool DisplayPainter::DrawToSurface(const Frame& aFrame, Times& aTimes) {
   const PixelRect& client = aFrame.view.clientRect;
-  const PixelRect& image = aFrame.view.destinationRect;
-  const QRectF textRect(QPointF(image.left + mOffsetX, image.top + mOffsetY),
-                        QPointF(client.GetWidth(), client.GetHeight()));
-  if (textRect.width() <= 0 || textRect.height() <= 0)
-    return;
-  QString text = QString::fromUtf8(aFrame.overlayText.CStr());
-  text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-  aPainter.setFont(mFont);
-  aPainter.setPen(ToColor(mOverlayColor));
-  aPainter.setClipRect(textRect);
-  aPainter.drawText(textRect, Qt::AlignLeft | Qt::AlignTop, text);
-  aPainter.setClipping(false);
+  const auto target = mSurface->Begin(client.GetWidth(), client.GetHeight(), kScreenLimit);
+  if (!target)
+    return false;
+  const DisplayLook look(mStyle, mScreen);
+  const bool isDecorated = target->contentTag == FindTag(aFrame, look);
+  return Present(aFrame, mPainter.Draw(target->canvas, aFrame, look, isDecorated, aTimes));
+}
+
+/// Sends the smallest part that makes the screen right.
+bool DisplayPainter::Present(const Frame& aFrame, bool aIsDecorated) {
+  const bool isWhole = mIsWholeWanted || !aIsDecorated || mScreenTag != mTag;
+  const std::uint64_t tag = aIsDecorated ? mTag : 0;
+  const bool isSent = mSurface->Present(isWhole ? aFrame.view.clientRect : aFrame.view.destinationRect, tag);
+  mScreenTag = isSent ? tag : 0;
+  mIsWholeWanted = !isSent;
+  return isSent;
+}
+
+/// The number of the decoration that a frame has: another one than before has another number.
+std::uint64_t DisplayPainter::FindTag(const Frame& aFrame, const DisplayLook& aLook) {
+  if (const FramePainter::Decoration decoration(aFrame.view, aLook); mTag == 0 || decoration != mDecoration) {
+    mDecoration = decoration;
+    ++mTag;
+  }
+  return mTag;
 }
 
 } // namespace krgui

@@ -1,41 +1,58 @@
 #pragma once
-// Draws a display window's frame with a painter: background, image, overlay. It keeps what the next drawing can use
-// again: the scaled image's memory and the overlay's font.
+// Brings a display's frames onto its drawing surface: the whole of what changed and nothing else. What a frame looks
+// like is the frame painter's business, when there is one the content's.
 
-#include "logic/display/displaycontent.h"
-#include "logic/display/nearestscaler.h"
+#include "display/framepainter.h"
+#include "platform/drawingsurface.h"
 
-#include <QFont>
 #include <QImage>
 
-class QPainter;
+#include <cstdint>
 
 namespace krgui {
 
-/// Draws in device pixels, whatever the screen's pixel ratio.
-///
-/// Thread: user interface.
-class DisplayPainter {
+/// Thread: any, one at a time, under the display lock.
+class DisplayPainter final : public FrameTarget {
 public:
-  /// Gets ready for a style and a pixel ratio; before the display lock is taken, as making a font may take a while.
-  void Prepare(const DisplayStyle& aStyle, double aPixelRatio);
-  /// Fills the client area: the background alone without an image; otherwise bands, image and overlay. aPainter's unit
-  /// is the device pixel. Call it under the display lock, from DisplayContent::Paint.
-  void Draw(QPainter& aPainter, const DisplayContent::Frame& aFrame);
+  /// aStyle outlives the painter.
+  explicit DisplayPainter(const DisplayStyle& aStyle) : mStyle(aStyle) {}
+
+  /// Where frames go from now on; null for nowhere. Not owned.
+  void SetSurface(DrawingSurface* aSurface);
+  /// A paint of the window begins: its drawing is shown by it, and all of the window is sent to the screen.
+  void BeginPaint(const ScreenLook& aScreen);
+  /// The paint's drawing is done; gives the picture to be painted, which is null where the surface has sent it itself.
+  QImage EndPaint();
+
+  Outcome Draw(const Frame& aFrame, Times& aTimes) override;
 
 private:
-  void DrawImage(QPainter& aPainter, const IKrImage& aImage, const ViewArea& aView);
-  void DrawOverlay(QPainter& aPainter, const DisplayContent::Frame& aFrame) const;
+  struct Shown {
+    std::uint64_t frameNumber = 0;
+    ViewArea view;
+    DisplayLook look;
+    KrString overlayText;
+    KrString refusalText;
+    KrString cursorText;
+    friend bool operator==(const Shown&, const Shown&) = default;
+  };
 
-  NearestScaler mScaler;
-  QImage mScaled;
-  QFont mFont;
-  int mFontSize = 0;
-  double mPixelRatio = 0; ///< 0 until the first use makes the font.
-  ColorRef mBackground = 0;
-  ColorRef mOverlayColor = 0;
-  double mOffsetX = 0; ///< Device pixels.
-  double mOffsetY = 0; ///< Device pixels.
+  Outcome DrawPicture(const Frame& aFrame, Times& aTimes);
+  bool DrawToSurface(const Frame& aFrame, Times& aTimes);
+  bool Present(const Frame& aFrame, bool aIsDecorated);
+  std::uint64_t FindTag(const Frame& aFrame, const DisplayLook& aLook);
+
+  const DisplayStyle& mStyle;
+  FramePainter mPainter;
+  DrawingSurface* mSurface = nullptr;
+  ScreenLook mScreen;
+  bool mIsPainting = false;
+  bool mIsWholeWanted = true; ///< The screen may hold anything.
+
+  FramePainter::Decoration mDecoration; ///< What mTag numbers.
+  std::uint64_t mTag = 0;
+  std::uint64_t mScreenTag = 0; ///< Of the decoration that is on the screen; 0 with texts in it.
+  Shown mShown;                 ///< What the picture holds; number 0 for nothing known.
 };
 
 } // namespace krgui

@@ -1,7 +1,6 @@
 #include "display/overlayfont.h"
 
 #include <QFontMetricsF>
-#include <QGuiApplication>
 
 #include <algorithm>
 #include <cmath>
@@ -10,33 +9,37 @@ namespace krgui {
 
 namespace {
 
-QFont MakeFace(double aCharacterHeight) {
-  QFont font(QStringLiteral("Tahoma"));
-  font.setWeight(QFont::Medium);
-  font.setPixelSize(std::clamp(static_cast<int>(std::lround(aCharacterHeight)), 1, 4096));
-  return font;
+constexpr int kGreatestPixelSize = 4096;
+
+int LimitPixelSize(double aCharacterHeight) {
+  return static_cast<int>(std::lround(std::clamp(aCharacterHeight, 1.0, static_cast<double>(kGreatestPixelSize))));
 }
 
 // The character height whose lines come closest to the height wanted; hinting makes the relation uneven, so it is
 // measured.
-QFont FitLineHeight(double aLineHeight) {
-  constexpr double kProbe = 100.0;
-  const double linePerCharacter = QFontMetricsF(MakeFace(kProbe)).height() / kProbe;
-  double characterHeight = std::max(aLineHeight / linePerCharacter, 1.0);
-  while (characterHeight > 1.0 && QFontMetricsF(MakeFace(characterHeight)).height() > aLineHeight + 0.5)
-    characterHeight -= 1.0;
-  return MakeFace(characterHeight);
+int FitLineHeight(double aLineHeight) {
+  constexpr int kProbe = 100;
+  const double linePerCharacter = QFontMetricsF(MakeOverlayFont(kProbe)).height() / kProbe;
+  int pixelSize = LimitPixelSize(aLineHeight / linePerCharacter);
+  while (pixelSize > 1 && QFontMetricsF(MakeOverlayFont(pixelSize)).height() > aLineHeight + 0.5)
+    --pixelSize;
+  return pixelSize;
 }
 
 } // namespace
 
-QFont MakeOverlayFont(int aSize, double aPixelRatio) {
+int FindOverlayPixelSize(int aSize, double aPixelRatio, double aDefaultLineHeight) {
   const double size = static_cast<double>(aSize) * aPixelRatio;
-  if (aSize > 0)
-    return FitLineHeight(size);
   if (aSize < 0)
-    return MakeFace(-size);
-  return FitLineHeight(QFontMetricsF(QGuiApplication::font()).height() * aPixelRatio);
+    return LimitPixelSize(-size);
+  return FitLineHeight(aSize > 0 ? size : aDefaultLineHeight);
+}
+
+QFont MakeOverlayFont(int aPixelSize) {
+  QFont font(QStringLiteral("Tahoma"));
+  font.setWeight(QFont::Medium);
+  font.setPixelSize(aPixelSize);
+  return font;
 }
 
 } // namespace krgui

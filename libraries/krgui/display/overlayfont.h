@@ -5,9 +5,15 @@
 
 namespace krgui {
 
-/// The font of an overlay size: above 0 the height of a line, below 0 that of the characters, 0 the application's own
-/// height; in device-independent pixels, multiplied by aPixelRatio. A face that the system lacks is substituted.
-/// Needs a running QGuiApplication.
-QFont MakeOverlayFont(int aSize, double aPixelRatio);
+/// The pixel size of an overlay's font: above 0 aSize is the height of a line, below 0 that of the characters, in
+/// device-independent pixels, multiplied by aPixelRatio; for 0 a line is aDefaultLineHeight device pixels high.
+/// Measures, which takes a while.
+///
+/// Thread: any, while there is an application object.
+int FindOverlayPixelSize(int aSize, double aPixelRatio, double aDefaultLineHeight);
+
+/// The overlay's face; one that the system lacks is substituted. A font is not to be shared by threads: each drawing
+/// makes its own, which costs little.
+QFont MakeOverlayFont(int aPixelSize);
 
 } // namespace krgui

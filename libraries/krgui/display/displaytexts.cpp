@@ -1,0 +1,134 @@
+#include "display/displaytexts.h"
+
+#include "display/overlayfont.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace krgui {
+
+namespace {
+
+/// Behind the cursor's line, so that it can be read on any image.
+constexpr QColor kPlateColor = QColor(0, 0, 0, 190);
+constexpr double kPlateMargin = 4.0; ///< Device-independent pixels.
+
+/// A picture on the canvas' own memory.
+QImage WrapCanvas(const Canvas& aCanvas) {
+  return {reinterpret_cast<uchar*>(aCanvas.plane.pixels), aCanvas.width, aCanvas.height,
+          static_cast<qsizetype>(aCanvas.plane.rowPixels * sizeof(std::uint32_t)), QImage::Format_RGB32};
+}
+
+QString ToText(const KrString& aText) {
+  QString text = QString::fromUtf8(aText.CStr());
+  text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+  return text;
+}
+
+PixelRect ToPixelRect(const QRectF& aRect) {
+  const QRect rect = aRect.toAlignedRect();
+  return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
+}
+
+PixelRect Unite(const PixelRect& aFirst, const PixelRect& aSecond) {
+  if (aFirst.IsEmpty())
+    return aSecond;
+  if (aSecond.IsEmpty())
+    return aFirst;
+  return {std::min(aFirst.left, aSecond.left), std::min(aFirst.top, aSecond.top),
+          std::max(aFirst.right, aSecond.right), std::max(aFirst.bottom, aSecond.bottom)};
+}
+
+PixelRect Intersect(const PixelRect& aFirst, const PixelRect& aSecond) {
+  return {std::max(aFirst.left, aSecond.left), std::max(aFirst.top, aSecond.top),
+          std::min(aFirst.right, aSecond.right), std::min(aFirst.bottom, aSecond.bottom)};
+}
+
+QFont MakeTextFont(const ScreenLook& aScreen) {
+  QFont font(aScreen.textFamily);
+  font.setPixelSize(aScreen.textPixelSize);
+  return font;
+}
+
+/// Black or white, whichever stands out more, by the weights of ITU-R BT.601.
+QColor FindReadableColor(std::uint32_t aBackground) {
+  const QColor color(aBackground);
+  const int luma = (299 * color.red() + 587 * color.green() + 114 * color.blue()) / 1000;
+  return luma < 128 ? Qt::white : Qt::black;
+}
+
+} // namespace
+
+PixelRect DisplayTexts::Draw(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
+  PixelRect drawn;
+  if (!aFrame.overlayText.IsEmpty())
+    drawn = DrawOverlay(aCanvas, aFrame, aLook);
+  if (!aFrame.cursorText.IsEmpty())
+    drawn = Unite(drawn, DrawCursorLine(aCanvas, aFrame, aLook));
+  return Intersect(drawn, {0, 0, aCanvas.width, aCanvas.height});
+}
+
+PixelRect DisplayTexts::DrawOverlay(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
+  const PixelRect& client = aFrame.view.clientRect;
+  const PixelRect& image = aFrame.view.destinationRect;
+  const double ratio = aLook.screen.pixelRatio;
+  const QRectF textRect(QPointF(image.left + aLook.overlayOffsetX * ratio, image.top + aLook.overlayOffsetY * ratio),
+                        QPointF(client.GetWidth(), client.GetHeight()));
+  if (textRect.width() <= 0 || textRect.height() <= 0)
+    return {};
+  if (mPixelSize == 0 || mOverlaySize != aLook.overlaySize || mPixelRatio != ratio ||
+      mLineHeight != aLook.screen.textLineHeight)
+    mPixelSize = FindOverlayPixelSize(aLook.overlaySize, ratio, aLook.screen.textLineHeight);
+  mOverlaySize = aLook.overlaySize;
+  mPixelRatio = ratio;
+  mLineHeight = aLook.screen.textLineHeight;
+
+  QImage picture = WrapCanvas(aCanvas);
+  QPainter painter(&picture);
+  painter.setFont(MakeOverlayFont(mPixelSize));
+  painter.setPen(QColor(aLook.overlayColor));
+  painter.setClipRect(textRect);
+  QRectF bounds;
+  painter.drawText(textRect, Qt::AlignLeft | Qt::AlignTop, ToText(aFrame.overlayText), &bounds);
+  // Letters may reach beyond what they advance by.
+  const double overhang = mPixelSize;
+  return ToPixelRect(bounds.adjusted(-overhang, -overhang, overhang, overhang) & textRect);
+}
+
+PixelRect DisplayTexts::DrawCursorLine(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
+  const PixelRect& view = aFrame.view.viewRect;
+  QImage picture = WrapCanvas(aCanvas);
+  QPainter painter(&picture);
+  painter.setFont(MakeTextFont(aLook.screen));
+  const QString text = ToText(aFrame.cursorText);
+  const double margin = std::round(kPlateMargin * aLook.screen.pixelRatio);
+  const QRectF bounds = painter.boundingRect(QRectF(), Qt::AlignLeft | Qt::AlignTop, text);
+  const double height = std::ceil(bounds.height()) + margin;
+  const double width = std::ceil(bounds.width()) + 2 * margin;
+  const QRectF plate = QRectF(view.left, view.bottom - height, width, height) &
+                       QRectF(view.left, view.top, view.GetWidth(), view.GetHeight());
+  if (plate.isEmpty())
+    return {};
+  painter.setClipRect(plate);
+  painter.fillRect(plate, kPlateColor);
+  painter.setPen(Qt::white);
+  painter.drawText(QRectF(view.left + margin, view.bottom - height, width, height), Qt::AlignLeft | Qt::AlignVCenter,
+                   text);
+  return ToPixelRect(plate);
+}
+
+void DisplayTexts::DrawRefusal(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
+  const PixelRect& view = aFrame.view.viewRect;
+  const double margin = std::min(view.GetWidth(), view.GetHeight()) / 12.0;
+  QImage picture = WrapCanvas(aCanvas);
+  QPainter painter(&picture);
+  painter.setFont(MakeTextFont(aLook.screen));
+  painter.setPen(FindReadableColor(aLook.backgroundColor));
+  painter.drawText(QRectF(view.left, view.top, view.GetWidth(), view.GetHeight()).adjusted(margin, margin, -margin, -margin),
+                   Qt::AlignCenter | Qt::TextWordWrap, ToText(aFrame.refusalText));
+}
+
+} // namespace krgui

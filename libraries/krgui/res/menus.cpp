@@ -1,0 +1,36 @@
+#include "res/menus.h"
+
+#include "logic/display/viewcommand.h"
+
+#include <algorithm>
+#include <array>
+
+namespace krgui {
+
+namespace {
+
+constexpr MenuItemTemplate MakeItem(std::string_view aText, ViewCommand aCommand) {
+  return {aText, static_cast<int>(aCommand)};
+}
+
+constexpr std::array kDisplayMainItems = {
+    MakeItem("Zoom 1:1", ViewCommand::ZoomOneToOne), MakeItem("Zoom Fit", ViewCommand::ZoomFit),
+    MakeItem("Zoom In", ViewCommand::ZoomIn),        MakeItem("Zoom Out", ViewCommand::ZoomOut),
+    MakeItem("Center Here", ViewCommand::CentreHere),
+};
+constexpr std::array kDisplaySubmenus = {SubmenuTemplate{"Main", kDisplayMainItems}};
+
+constexpr std::array kMenus = {MenuTemplate{kDisplayMenuID, kDisplaySubmenus}};
+
+static_assert(std::none_of(kMenus.begin(), kMenus.end(),
+                           [](const MenuTemplate& aMenu) { return aMenu.submenus.empty(); }));
+
+} // namespace
+
+const MenuTemplate* FindMenu(int aID) {
+  const auto found =
+      std::find_if(kMenus.begin(), kMenus.end(), [aID](const MenuTemplate& aMenu) { return aMenu.id == aID; });
+  return found == kMenus.end() ? nullptr : &*found;
+}
+
+} // namespace krgui

@@ -1,0 +1,30 @@
+#pragma once
+// The context menus of all windows as tables. What their commands do is left to the windows.
+
+#include <span>
+#include <string_view>
+
+namespace krgui {
+
+struct MenuItemTemplate {
+  std::string_view text;
+  int commandID;
+};
+
+/// A submenu with its items in their order.
+struct SubmenuTemplate {
+  std::string_view text;
+  std::span<const MenuItemTemplate> items;
+};
+
+struct MenuTemplate {
+  int id;
+  std::span<const SubmenuTemplate> submenus; ///< At least one; windows show the first.
+};
+
+/// The menu of a number, or null.
+const MenuTemplate* FindMenu(int aID);
+
+inline constexpr int kDisplayMenuID = 1511;
+
+} // namespace krgui
