@@ -36,10 +36,12 @@ FrameTarget::Outcome DisplayPainter::Draw(const Frame& aFrame, Times& aTimes) {
   if (mSurface == nullptr || aFrame.view.clientRect.IsEmpty())
     return Outcome::Deferred;
   const Clock::time_point begin = Clock::now();
-  const Outcome outcome = mSurface->GetKind() == SurfaceKind::Invalidation ? DrawPicture(aFrame, aTimes)
-                          : DrawToSurface(aFrame, aTimes)                  ? Outcome::Shown
+  Times times;
+  const Outcome outcome = mSurface->GetKind() == SurfaceKind::Invalidation ? DrawPicture(aFrame, times)
+                          : DrawToSurface(aFrame, times)                   ? Outcome::Shown
                                                                            : Outcome::Dropped;
-  aTimes.drawing += Clock::now() - begin - aTimes.conversion;
+  aTimes.conversion += times.conversion;
+  aTimes.drawing += Clock::now() - begin - times.conversion;
   return outcome;
 }
 

@@ -1,10 +1,14 @@
 #pragma once
-// The widget that covers a display window's client area and paints its content. It shares the content, so that a paint
-// may come after the window object's end.
+// The widget that covers a display window's client area. It gives the content a surface to draw on from any thread,
+// paints what the surface cannot keep, and turns keys, wheel and mouse into changes of the view. It shares the content,
+// so that a paint may come after the window object's end. Scroll bars and menus are left to the window.
 
 #include "display/displaypainter.h"
 #include "logic/display/displaycontent.h"
+#include "logic/display/wheelsteps.h"
+#include "platform/drawingsurface.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -15,16 +19,55 @@ class DisplayView : public QWidget {
   Q_OBJECT
 
 public:
-  DisplayView(std::shared_ptr<DisplayContent> aContent, QWidget* aParent);
+  /// aBest is the best way onto the screen that is tried.
+  DisplayView(std::shared_ptr<DisplayContent> aContent, QWidget* aParent,
+              SurfaceKind aBest = SurfaceKind::SharedDescriptor);
   ~DisplayView() override;
 
+  /// Gives the surface back for good: when this returns, no thread draws into the window any more.
+  void Withdraw();
+  /// Tells the geometry how large the client area is.
+  void UpdateClient();
+  /// The right mouse button was pressed here last, in device pixels of the client area.
+  PixelPoint GetContextPoint() const { return mContextPoint; }
+
+  QPaintEngine* paintEngine() const override;
+
+Q_SIGNALS:
+  /// A paint found how the scroll bars are to be. They must not be touched before the paint is over.
+  void BarsFound(const krgui::BarChanges& aChanges);
+  /// The context menu is wanted at a point of the screen.
+  void MenuWanted(const QPoint& aScreenPoint);
+
 protected:
+  bool event(QEvent* aEvent) override;
+  void changeEvent(QEvent* aEvent) override;
   void paintEvent(QPaintEvent* aEvent) override;
-  void resizeEvent(QResizeEvent* aEvent) override;
+  void keyPressEvent(QKeyEvent* aEvent) override;
+  void wheelEvent(QWheelEvent* aEvent) override;
+  void mousePressEvent(QMouseEvent* aEvent) override;
+  void mouseMoveEvent(QMouseEvent* aEvent) override;
+  void leaveEvent(QEvent* aEvent) override;
+  void contextMenuEvent(QContextMenuEvent* aEvent) override;
 
 private:
-  std::shared_ptr<DisplayContent> mContent;
-  DisplayPainter mPainter;
+  PixelPoint ToDevice(const QPointF& aPoint) const;
+  ScreenLook TakeScreenLook() const;
+  void MakeSurface();
+  void DropSurface();
+  void PaintRedirected(const ScreenLook& aScreen);
+  void Zoom(double aStep, int aCount);
+  void TrackCursor(const std::optional<PixelPoint>& aClientPoint);
+
+  const std::shared_ptr<DisplayContent> mContent;
+  const SurfaceKind mBest;
+  DisplayPainter mPainter; ///< Used under the display lock.
+  std::unique_ptr<DrawingSurface> mSurface;
+  bool mPaintsOnScreen = false; ///< By the surface; else by the toolkit.
+  bool mIsWithdrawn = false;
+  QTimer mRetryTimer; ///< Until the screen takes a frame that it did not take.
+  WheelSteps mWheelSteps;
+  PixelPoint mContextPoint;
 };
 
 } // namespace krgui

@@ -1,12 +1,33 @@
 #include "display/displaywnd.h"
 
+#include "display/displaybars.h"
 #include "display/displayview.h"
+#include "logic/display/viewcommand.h"
+#include "res/menus.h"
+
+#include <QMenu>
+#include <QScrollBar>
+
+#include <string>
+#include <utility>
 
 namespace krgui {
 
 namespace {
 
 constexpr std::uint32_t kInvalidateMessage = 0x0401;
+constexpr std::uint32_t kPlaceBarsMessage = 0x0402;
+
+constexpr int kHorizontalBarID = 1044;
+constexpr int kVerticalBarID = 1046;
+
+QString ToText(std::string_view aText) {
+  return QString::fromUtf8(aText.data(), static_cast<qsizetype>(aText.size()));
+}
+
+const char* GetName(ViewAxis aAxis) {
+  return aAxis == ViewAxis::Horizontal ? "horizontal" : "vertical";
+}
 
 } // namespace
 
@@ -17,10 +38,32 @@ DisplayWnd::~DisplayWnd() {
 }
 
 KrResult DisplayWnd::Display(const IKrImage* aImage) {
-  KrResult result = mContent->Display(aImage);
-  if (result.IsOK())
-    PostInvalidate();
+  auto paint = DisplayContent::Paint::NotNeeded;
+  const KrResult result = mContent->Display(aImage, paint);
+  return Finish(result, paint);
+}
+
+KrResult DisplayWnd::Display(std::shared_ptr<const KrBuffer> aBuffer) {
+  if (!aBuffer)
+    return Display(static_cast<const IKrImage*>(nullptr));
+  if (aBuffer->GetPayloadType() != KrPayloadType::Image)
+    return RefusePayload();
+  auto paint = DisplayContent::Paint::NotNeeded;
+  const KrResult result = mContent->Display(std::move(aBuffer), paint);
+  return Finish(result, paint);
+}
+
+KrResult DisplayWnd::RefusePayload() {
+  const KrResult result = mContent->Refuse(KrResult::Code::InvalidInput, "KrDisplayWnd::Display", "krdisplaywnd", 85,
+                                           "aBuffer payload type not image");
+  PostInvalidate(); // An empty window says why.
   return result;
+}
+
+KrResult DisplayWnd::Finish(const KrResult& aResult, DisplayContent::Paint aPaint) {
+  if (aPaint == DisplayContent::Paint::Needed)
+    PostInvalidate();
+  return aResult;
 }
 
 void DisplayWnd::Clear() {
@@ -33,9 +76,76 @@ void DisplayWnd::PostInvalidate() {
   GetQueue()->PostOnce({kInvalidateMessage, 0, 0});
 }
 
+void DisplayWnd::Invalidate() {
+  if (mView)
+    mView->update();
+}
+
+void DisplayWnd::Zoom1_1() {
+  Perform(static_cast<int>(ViewCommand::ZoomOneToOne));
+}
+
+void DisplayWnd::ZoomFit() {
+  Perform(static_cast<int>(ViewCommand::ZoomFit));
+}
+
+void DisplayWnd::ZoomIn() {
+  Perform(static_cast<int>(ViewCommand::ZoomIn));
+}
+
+void DisplayWnd::ZoomOut() {
+  Perform(static_cast<int>(ViewCommand::ZoomOut));
+}
+
+void DisplayWnd::Perform(int aCommandID) {
+  const PixelPoint contextPoint = mView ? mView->GetContextPoint() : PixelPoint();
+  mContent->ChangeView([&](ViewGeometry& aView) { return PerformViewCommand(aView, aCommandID, contextPoint); });
+  if (mBars)
+    mBars->Refresh();
+  Invalidate();
+}
+
+HWND DisplayWnd::GetScrollHandle(ViewAxis aAxis) const {
+  return mBars ? mBars->GetHandle(aAxis) : 0;
+}
+
+int DisplayWnd::GetScrollPos(ViewAxis aAxis) const {
+  return mContent->ChangeView([&](const ViewGeometry& aView) { return aView.GetBar(aAxis).GetPosition(); });
+}
+
+void DisplayWnd::GetScrollRange(ViewAxis aAxis, int& aMin, int& aMax) const {
+  const ScrollBarModel bar = mContent->ChangeView([&](const ViewGeometry& aView) { return aView.GetBar(aAxis); });
+  aMin = bar.GetMinimum();
+  aMax = bar.GetMaximum();
+}
+
+KrResult DisplayWnd::SetScrollPos(ViewAxis aAxis, int aPosition) {
+  if (mContent->ChangeView([&](ViewGeometry& aView) { return aView.SetBarPosition(aAxis, aPosition); })) {
+    if (mBars)
+      mBars->Refresh();
+    return {};
+  }
+  int least = 0;
+  int greatest = 0;
+  GetScrollRange(aAxis, least, greatest);
+  return {KrResult::Code::OutOfRange, std::string("The ") + GetName(aAxis) + " scroll bar cannot be set to " +
+                                          std::to_string(aPosition) + ": its range is from " + std::to_string(least) +
+                                          " to " + std::to_string(greatest) + "."};
+}
+
+void DisplayWnd::SetCursorLineEnabled(bool aEnabled) {
+  mContent->SetCursorLineEnabled(aEnabled);
+  Invalidate();
+}
+
 bool DisplayWnd::OnInitDialog() {
   Wnd::OnInitDialog();
+  mBars = std::make_unique<DisplayBars>(mContent, qobject_cast<QScrollBar*>(GetControl(kHorizontalBarID)),
+                                        qobject_cast<QScrollBar*>(GetControl(kVerticalBarID)),
+                                        [this] { Invalidate(); });
   mView = new DisplayView(mContent, GetWidget());
+  QObject::connect(mView, &DisplayView::BarsFound, mView, [this](const BarChanges& aChanges) { OnBarsFound(aChanges); });
+  QObject::connect(mView, &DisplayView::MenuWanted, mView, [this](const QPoint& aPoint) { ShowMenu(aPoint); });
   mView->setGeometry(GetWidget()->rect());
   // The template's scroll bars lie above the picture.
   mView->lower();
@@ -48,19 +158,92 @@ bool DisplayWnd::OnInitDialog() {
 
 void DisplayWnd::OnSize(const QSize& aSize) {
   Wnd::OnSize(aSize);
-  if (mView)
-    mView->setGeometry(QRect(QPoint(0, 0), aSize));
+  if (!mView)
+    return;
+  mView->setGeometry(QRect(QPoint(0, 0), aSize));
+  mView->UpdateClient();
+  // The template's layout has moved the bars; the coming paint finds their new places.
+  mBars->Restore();
 }
 
 bool DisplayWnd::OnMessage(const Message& aMessage) {
-  if (aMessage.number != kInvalidateMessage)
+  switch (aMessage.number) {
+  case kInvalidateMessage:
+    Invalidate();
+    return true;
+  case kPlaceBarsMessage:
+    PlaceBars();
+    return true;
+  case kHideScrollBarMessage:
+    OnHideScrollBar(aMessage.first);
+    return true;
+  default:
     return Wnd::OnMessage(aMessage);
-  if (mView)
-    mView->update();
-  return true;
+  }
+}
+
+void DisplayWnd::OnBarsFound(const BarChanges& aChanges) {
+  if (!mBars)
+    return;
+  const auto isNews = [this](ViewAxis aAxis, const BarChange& aChange) { return mBars->GetKind(aAxis) != aChange.kind; };
+  const bool isHorizontalNews = isNews(ViewAxis::Horizontal, aChanges.horizontal);
+  const bool isVerticalNews = isNews(ViewAxis::Vertical, aChanges.vertical);
+  mBars->Keep(aChanges);
+  using Kind = BarChange::Kind;
+  if (aChanges.horizontal.kind == Kind::Hide)
+    PostBar({kHideScrollBarMessage, kHideHorizontal, 0}, isHorizontalNews);
+  if (aChanges.vertical.kind == Kind::Hide)
+    PostBar({kHideScrollBarMessage, kHideVertical, 0}, isVerticalNews);
+  if (aChanges.horizontal.kind == Kind::Place || aChanges.vertical.kind == Kind::Place)
+    PostBar({kPlaceBarsMessage, 0, 0}, isHorizontalNews || isVerticalNews);
+}
+
+/// What differs from what was posted last comes after it; else one message waiting is enough.
+void DisplayWnd::PostBar(const Message& aMessage, bool aIsNews) {
+  if (aIsNews)
+    GetQueue()->Post(aMessage);
+  else
+    GetQueue()->PostOnce(aMessage);
+}
+
+void DisplayWnd::OnHideScrollBar(std::uint64_t aBits) {
+  constexpr std::uint64_t kHorizontalBit = 1;
+  constexpr std::uint64_t kVerticalBit = 2;
+  const bool isShown = (aBits & kShowInstead) != 0;
+  if (!mBars)
+    return;
+  if ((aBits & kHorizontalBit) != 0)
+    mBars->SetVisible(ViewAxis::Horizontal, isShown);
+  else if ((aBits & kVerticalBit) != 0)
+    mBars->SetVisible(ViewAxis::Vertical, isShown);
+}
+
+void DisplayWnd::PlaceBars() {
+  if (mBars && mView)
+    mBars->Place(mView->devicePixelRatioF());
+}
+
+/// It does not wait for the user: when a command is chosen, the window may show something else, or be gone.
+void DisplayWnd::ShowMenu(const QPoint& aScreenPoint) {
+  const MenuTemplate* menuTemplate = FindMenu(kDisplayMenuID);
+  if (!menuTemplate)
+    return;
+  const SubmenuTemplate& main = menuTemplate->submenus.front();
+  auto* menu = new QMenu(ToText(main.text), GetWidget());
+  menu->setObjectName(QStringLiteral("menu%1").arg(menuTemplate->id));
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  for (const MenuItemTemplate& item : main.items) {
+    QAction* action = menu->addAction(ToText(item.text));
+    action->setData(item.commandID);
+    QObject::connect(action, &QAction::triggered, mView, [this, commandID = item.commandID] { Perform(commandID); });
+  }
+  menu->popup(aScreenPoint);
 }
 
 void DisplayWnd::OnDestroy() {
+  mBars.reset();
+  if (mView)
+    mView->Withdraw();
   mView = nullptr;
   Wnd::OnDestroy();
 }

@@ -1,9 +1,8 @@
 #include "krgui/krdisplaywnd.h"
 
 #include "display/displaywnd.h"
-#include "krbase/krlogger.h"
 
-#include <exception>
+#include <utility>
 
 KrDisplayWnd::KrDisplayWnd() {
   mWnd = std::make_unique<krgui::DisplayWnd>();
@@ -18,23 +17,16 @@ krgui::DisplayWnd& KrDisplayWnd::GetWnd() const {
 }
 
 KrResult KrDisplayWnd::Display(const KrBuffer& aBuffer, bool aFlag) {
-  if (aBuffer.GetPayloadType() != KrPayloadType::Image) {
-    const KrString text = "aBuffer payload type not image";
-    KrLogger("KrGUILib").Log(KrLogLevel::Error, {"KrDisplayWnd::Display", "krdisplaywnd", 85}, text);
-    return {KrResult::Code::InvalidInput, text};
-  }
-  return Display(aBuffer.GetImage(), aFlag);
+  return aBuffer.GetPayloadType() == KrPayloadType::Image ? Display(aBuffer.GetImage(), aFlag)
+                                                          : GetWnd().RefusePayload();
 }
 
 KrResult KrDisplayWnd::Display(const IKrImage* aImage, bool) {
-  // The image may be the application's own class.
-  try {
-    return GetWnd().Display(aImage);
-  } catch (const std::exception& error) {
-    return {KrResult::Code::Failed, KrString("Displaying an image was ended by an exception: ") + error.what()};
-  } catch (...) {
-    return {KrResult::Code::Failed, "Displaying an image was ended by an exception of unknown type"};
-  }
+  return GetWnd().Display(aImage);
+}
+
+KrResult KrDisplayWnd::Display(std::shared_ptr<const KrBuffer> aBuffer, bool) {
+  return GetWnd().Display(std::move(aBuffer));
 }
 
 void KrDisplayWnd::Clear() {
@@ -96,4 +88,72 @@ int KrDisplayWnd::GetTextOverlayOffsetX() const {
 
 int KrDisplayWnd::GetTextOverlayOffsetY() const {
   return static_cast<int>(GetWnd().GetContent().GetStyle().overlayOffsetY.load());
+}
+
+void KrDisplayWnd::Zoom1_1() {
+  GetWnd().Zoom1_1();
+}
+
+void KrDisplayWnd::ZoomFit() {
+  GetWnd().ZoomFit();
+}
+
+void KrDisplayWnd::ZoomIn() {
+  GetWnd().ZoomIn();
+}
+
+void KrDisplayWnd::ZoomOut() {
+  GetWnd().ZoomOut();
+}
+
+HWND KrDisplayWnd::GetHScrollHandle() const {
+  return GetWnd().GetScrollHandle(krgui::ViewAxis::Horizontal);
+}
+
+HWND KrDisplayWnd::GetVScrollHandle() const {
+  return GetWnd().GetScrollHandle(krgui::ViewAxis::Vertical);
+}
+
+int KrDisplayWnd::GetHScrollPos() const {
+  return GetWnd().GetScrollPos(krgui::ViewAxis::Horizontal);
+}
+
+int KrDisplayWnd::GetVScrollPos() const {
+  return GetWnd().GetScrollPos(krgui::ViewAxis::Vertical);
+}
+
+void KrDisplayWnd::GetHScrollRange(int& aMin, int& aMax) const {
+  GetWnd().GetScrollRange(krgui::ViewAxis::Horizontal, aMin, aMax);
+}
+
+void KrDisplayWnd::GetVScrollRange(int& aMin, int& aMax) const {
+  GetWnd().GetScrollRange(krgui::ViewAxis::Vertical, aMin, aMax);
+}
+
+KrResult KrDisplayWnd::SetHScrollPos(int aPosition) {
+  return GetWnd().SetScrollPos(krgui::ViewAxis::Horizontal, aPosition);
+}
+
+KrResult KrDisplayWnd::SetVScrollPos(int aPosition) {
+  return GetWnd().SetScrollPos(krgui::ViewAxis::Vertical, aPosition);
+}
+
+KrDisplayStatistics KrDisplayWnd::GetStatistics() const {
+  return GetWnd().GetContent().GetStatistics();
+}
+
+void KrDisplayWnd::ResetStatistics() {
+  GetWnd().GetContent().ResetStatistics();
+}
+
+std::optional<KrDisplayPixel> KrDisplayWnd::GetCursorPixel() const {
+  return GetWnd().GetContent().GetCursorPixel();
+}
+
+void KrDisplayWnd::SetCursorLineEnabled(bool aEnabled) {
+  GetWnd().SetCursorLineEnabled(aEnabled);
+}
+
+bool KrDisplayWnd::IsCursorLineEnabled() const {
+  return GetWnd().GetContent().IsCursorLineEnabled();
 }
