@@ -31,9 +31,7 @@ constexpr ActionEntry kActions[] = {
 
 /// By its edges, so that bars stay side by side whatever the ratio is.
 QRect ToWidgetRect(const PixelRect& aDeviceRect, double aPixelRatio) {
-  const auto convert = [aPixelRatio](std::int32_t aEdge) {
-    return static_cast<int>(std::lround(aEdge / aPixelRatio));
-  };
+  const auto convert = [aPixelRatio](std::int32_t aEdge) { return static_cast<int>(std::lround(aEdge / aPixelRatio)); };
   const QPoint topLeft(convert(aDeviceRect.left), convert(aDeviceRect.top));
   return {topLeft, QSize(convert(aDeviceRect.right) - topLeft.x(), convert(aDeviceRect.bottom) - topLeft.y())};
 }
@@ -42,8 +40,8 @@ QRect ToWidgetRect(const PixelRect& aDeviceRect, double aPixelRatio) {
 
 DisplayBars::DisplayBars(std::shared_ptr<DisplayContent> aContent, QScrollBar* aHorizontal, QScrollBar* aVertical,
                          std::function<void()> aOnScroll)
-    : mContent(std::move(aContent)), mOnScroll(std::move(aOnScroll)),
-      mSides{{.axis = ViewAxis::Horizontal, .bar = aHorizontal}, {.axis = ViewAxis::Vertical, .bar = aVertical}} {
+    : mContent(std::move(aContent)),
+      mOnScroll(std::move(aOnScroll)), mSides{Side(ViewAxis::Horizontal, aHorizontal), Side(ViewAxis::Vertical, aVertical)} {
   for (Side& side : mSides)
     if (side.bar)
       Watch(side);

@@ -41,11 +41,13 @@ public:
 
 private:
   struct Side {
-    ViewAxis axis;
+    Side(ViewAxis aAxis, QScrollBar* aBar) : axis(aAxis), bar(aBar) {}
+
+    const ViewAxis axis;
     QPointer<QScrollBar> bar;
     BarChange::Kind kind = BarChange::Kind::None; ///< The last one that asked for something.
-    PixelRect wanted; ///< In device pixels.
-    QRect placed;     ///< In device-independent pixels; null before the first time.
+    PixelRect wanted;                             ///< In device pixels.
+    QRect placed;                                 ///< In device-independent pixels; null before the first time.
   };
 
   Side& GetSide(ViewAxis aAxis) { return mSides[aAxis == ViewAxis::Horizontal ? 0 : 1]; }

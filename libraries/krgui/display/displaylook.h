@@ -12,11 +12,11 @@ namespace krgui {
 
 /// What screen, palette and application say; taken on the user-interface thread.
 struct ScreenLook {
-  double pixelRatio = 1.0;               ///< Device pixels for one device-independent pixel.
+  double pixelRatio = 1.0;                ///< Device pixels for one device-independent pixel.
   std::uint32_t cornerColor = 0xFFF0F0F0; ///< Of the square between the scroll bars, 0xffRRGGBB.
-  QString textFamily;                    ///< Of texts that are not the application's.
-  int textPixelSize = 12;                ///< Device pixels.
-  double textLineHeight = 14.0;          ///< Device pixels.
+  QString textFamily;                     ///< Of texts that are not the application's.
+  int textPixelSize = 12;                 ///< Device pixels.
+  double textLineHeight = 14.0;           ///< Device pixels.
   friend bool operator==(const ScreenLook&, const ScreenLook&) = default;
 };
 

@@ -54,10 +54,11 @@ KrResult DisplayWnd::Display(std::shared_ptr<const KrBuffer> aBuffer) {
 }
 
 KrResult DisplayWnd::RefusePayload() {
-  const KrResult result = mContent->Refuse(KrResult::Code::InvalidInput, "KrDisplayWnd::Display", "krdisplaywnd", 85,
-                                           "aBuffer payload type not image");
-  PostInvalidate(); // An empty window says why.
-  return result;
+  auto paint = DisplayContent::Paint::NotNeeded;
+  const KrResult result =
+      mContent->Refuse(KrResult::Code::InvalidInput, {"KrDisplayWnd::Display", "krdisplaywnd", 85},
+                       "aBuffer payload type not image", paint);
+  return Finish(result, paint);
 }
 
 KrResult DisplayWnd::Finish(const KrResult& aResult, DisplayContent::Paint aPaint) {
@@ -140,11 +141,12 @@ void DisplayWnd::SetCursorLineEnabled(bool aEnabled) {
 
 bool DisplayWnd::OnInitDialog() {
   Wnd::OnInitDialog();
-  mBars = std::make_unique<DisplayBars>(mContent, qobject_cast<QScrollBar*>(GetControl(kHorizontalBarID)),
-                                        qobject_cast<QScrollBar*>(GetControl(kVerticalBarID)),
-                                        [this] { Invalidate(); });
+  mBars =
+      std::make_unique<DisplayBars>(mContent, qobject_cast<QScrollBar*>(GetControl(kHorizontalBarID)),
+                                    qobject_cast<QScrollBar*>(GetControl(kVerticalBarID)), [this] { Invalidate(); });
   mView = new DisplayView(mContent, GetWidget());
-  QObject::connect(mView, &DisplayView::BarsFound, mView, [this](const BarChanges& aChanges) { OnBarsFound(aChanges); });
+  QObject::connect(mView, &DisplayView::BarsFound, mView,
+                   [this](const BarChanges& aChanges) { OnBarsFound(aChanges); });
   QObject::connect(mView, &DisplayView::MenuWanted, mView, [this](const QPoint& aPoint) { ShowMenu(aPoint); });
   mView->setGeometry(GetWidget()->rect());
   // The template's scroll bars lie above the picture.
@@ -185,7 +187,9 @@ bool DisplayWnd::OnMessage(const Message& aMessage) {
 void DisplayWnd::OnBarsFound(const BarChanges& aChanges) {
   if (!mBars)
     return;
-  const auto isNews = [this](ViewAxis aAxis, const BarChange& aChange) { return mBars->GetKind(aAxis) != aChange.kind; };
+  const auto isNews = [this](ViewAxis aAxis, const BarChange& aChange) {
+    return mBars->GetKind(aAxis) != aChange.kind;
+  };
   const bool isHorizontalNews = isNews(ViewAxis::Horizontal, aChanges.horizontal);
   const bool isVerticalNews = isNews(ViewAxis::Vertical, aChanges.vertical);
   mBars->Keep(aChanges);

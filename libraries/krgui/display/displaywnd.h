@@ -75,8 +75,8 @@ private:
   void Perform(int aCommandID);
 
   const std::shared_ptr<DisplayContent> mContent;
-  DisplayView* mView = nullptr;        ///< Owned by the dialog; null while the window is not open.
-  std::unique_ptr<DisplayBars> mBars;  ///< Null while the window is not open.
+  DisplayView* mView = nullptr;       ///< Owned by the dialog; null while the window is not open.
+  std::unique_ptr<DisplayBars> mBars; ///< Null while the window is not open.
 };
 
 } // namespace krgui

@@ -33,7 +33,7 @@ bool FramePainter::Draw(const Canvas& aCanvas, const Frame& aFrame, const Displa
 void FramePainter::DrawEmpty(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
   FrameRenderer::Fill(aCanvas, aFrame.view.clientRect, aLook.backgroundColor);
   if (!aFrame.refusalText.IsEmpty())
-    DisplayTexts::DrawRefusal(aCanvas, aFrame, aLook);
+    FrameTexts::DrawRefusal(aCanvas, aFrame, aLook);
   DrawCorner(aCanvas, aFrame.view, aLook);
 }
 

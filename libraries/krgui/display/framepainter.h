@@ -3,7 +3,7 @@
 // they go is left to the targets.
 
 #include "display/displaylook.h"
-#include "display/displaytexts.h"
+#include "display/frametexts.h"
 #include "logic/display/framerenderer.h"
 #include "logic/display/frametarget.h"
 
@@ -39,7 +39,7 @@ private:
   static void DrawCorner(const Canvas& aCanvas, const ViewArea& aView, const DisplayLook& aLook);
 
   FrameRenderer mRenderer;
-  DisplayTexts mTexts;
+  FrameTexts mTexts;
 };
 
 } // namespace krgui

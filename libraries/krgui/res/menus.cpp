@@ -14,8 +14,8 @@ constexpr MenuItemTemplate MakeItem(std::string_view aText, ViewCommand aCommand
 }
 
 constexpr std::array kDisplayMainItems = {
-    MakeItem("Zoom 1:1", ViewCommand::ZoomOneToOne), MakeItem("Zoom Fit", ViewCommand::ZoomFit),
-    MakeItem("Zoom In", ViewCommand::ZoomIn),        MakeItem("Zoom Out", ViewCommand::ZoomOut),
+    MakeItem("Zoom 1:1", ViewCommand::ZoomOneToOne),  MakeItem("Zoom Fit", ViewCommand::ZoomFit),
+    MakeItem("Zoom In", ViewCommand::ZoomIn),         MakeItem("Zoom Out", ViewCommand::ZoomOut),
     MakeItem("Center Here", ViewCommand::CentreHere),
 };
 constexpr std::array kDisplaySubmenus = {SubmenuTemplate{"Main", kDisplayMainItems}};

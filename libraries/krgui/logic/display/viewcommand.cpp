@@ -23,9 +23,9 @@ constexpr CommandEntry kCommands[] = {
 } // namespace
 
 bool PerformViewCommand(ViewGeometry& aView, int aCommandID, PixelPoint aContextPoint) {
-  const auto* found = std::find_if(std::begin(kCommands), std::end(kCommands), [aCommandID](const CommandEntry& aEntry) {
-    return static_cast<int>(aEntry.command) == aCommandID;
-  });
+  const auto* found =
+      std::find_if(std::begin(kCommands), std::end(kCommands),
+                   [aCommandID](const CommandEntry& aEntry) { return static_cast<int>(aEntry.command) == aCommandID; });
   if (found == std::end(kCommands))
     return false;
   found->perform(aView, aContextPoint);

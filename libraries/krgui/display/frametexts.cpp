@@ -1,4 +1,4 @@
-#include "display/displaytexts.h"
+#include "display/frametexts.h"
 
 #include "display/overlayfont.h"
 
@@ -38,13 +38,13 @@ PixelRect Unite(const PixelRect& aFirst, const PixelRect& aSecond) {
     return aSecond;
   if (aSecond.IsEmpty())
     return aFirst;
-  return {std::min(aFirst.left, aSecond.left), std::min(aFirst.top, aSecond.top),
-          std::max(aFirst.right, aSecond.right), std::max(aFirst.bottom, aSecond.bottom)};
+  return {std::min(aFirst.left, aSecond.left), std::min(aFirst.top, aSecond.top), std::max(aFirst.right, aSecond.right),
+          std::max(aFirst.bottom, aSecond.bottom)};
 }
 
 PixelRect Intersect(const PixelRect& aFirst, const PixelRect& aSecond) {
-  return {std::max(aFirst.left, aSecond.left), std::max(aFirst.top, aSecond.top),
-          std::min(aFirst.right, aSecond.right), std::min(aFirst.bottom, aSecond.bottom)};
+  return {std::max(aFirst.left, aSecond.left), std::max(aFirst.top, aSecond.top), std::min(aFirst.right, aSecond.right),
+          std::min(aFirst.bottom, aSecond.bottom)};
 }
 
 QFont MakeTextFont(const ScreenLook& aScreen) {
@@ -62,7 +62,7 @@ QColor FindReadableColor(std::uint32_t aBackground) {
 
 } // namespace
 
-PixelRect DisplayTexts::Draw(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
+PixelRect FrameTexts::Draw(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
   PixelRect drawn;
   if (!aFrame.overlayText.IsEmpty())
     drawn = DrawOverlay(aCanvas, aFrame, aLook);
@@ -71,7 +71,7 @@ PixelRect DisplayTexts::Draw(const Canvas& aCanvas, const Frame& aFrame, const D
   return Intersect(drawn, {0, 0, aCanvas.width, aCanvas.height});
 }
 
-PixelRect DisplayTexts::DrawOverlay(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
+PixelRect FrameTexts::DrawOverlay(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
   const PixelRect& client = aFrame.view.clientRect;
   const PixelRect& image = aFrame.view.destinationRect;
   const double ratio = aLook.screen.pixelRatio;
@@ -98,7 +98,7 @@ PixelRect DisplayTexts::DrawOverlay(const Canvas& aCanvas, const Frame& aFrame, 
   return ToPixelRect(bounds.adjusted(-overhang, -overhang, overhang, overhang) & textRect);
 }
 
-PixelRect DisplayTexts::DrawCursorLine(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
+PixelRect FrameTexts::DrawCursorLine(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
   const PixelRect& view = aFrame.view.viewRect;
   QImage picture = WrapCanvas(aCanvas);
   QPainter painter(&picture);
@@ -120,15 +120,16 @@ PixelRect DisplayTexts::DrawCursorLine(const Canvas& aCanvas, const Frame& aFram
   return ToPixelRect(plate);
 }
 
-void DisplayTexts::DrawRefusal(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
+void FrameTexts::DrawRefusal(const Canvas& aCanvas, const Frame& aFrame, const DisplayLook& aLook) {
   const PixelRect& view = aFrame.view.viewRect;
   const double margin = std::min(view.GetWidth(), view.GetHeight()) / 12.0;
   QImage picture = WrapCanvas(aCanvas);
   QPainter painter(&picture);
   painter.setFont(MakeTextFont(aLook.screen));
   painter.setPen(FindReadableColor(aLook.backgroundColor));
-  painter.drawText(QRectF(view.left, view.top, view.GetWidth(), view.GetHeight()).adjusted(margin, margin, -margin, -margin),
-                   Qt::AlignCenter | Qt::TextWordWrap, ToText(aFrame.refusalText));
+  painter.drawText(
+      QRectF(view.left, view.top, view.GetWidth(), view.GetHeight()).adjusted(margin, margin, -margin, -margin),
+      Qt::AlignCenter | Qt::TextWordWrap, ToText(aFrame.refusalText));
 }
 
 } // namespace krgui

@@ -9,7 +9,7 @@
 namespace krgui {
 
 /// Thread: any, one at a time.
-class DisplayTexts {
+class FrameTexts {
 public:
   /// Writes the texts that a frame with an image has and returns a rectangle of the canvas around them; empty when
   /// there was nothing to write.
