@@ -29,6 +29,7 @@ public:
 private:
   struct Shown {
     std::uint64_t frameNumber = 0;
+    bool hasImage = false;
     ViewArea view;
     DisplayLook look;
     KrString overlayText;

@@ -7,10 +7,10 @@ namespace krgui {
 namespace {
 
 sigset_t GetBrokenPipe() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGPIPE);
-  return signals;
+  sigset_t brokenPipe;
+  sigemptyset(&brokenPipe);
+  sigaddset(&brokenPipe, SIGPIPE);
+  return brokenPipe;
 }
 
 bool IsPending() {
@@ -23,17 +23,17 @@ bool IsPending() {
 } // namespace
 
 BrokenPipeGuard::BrokenPipeGuard() {
-  const sigset_t signals = GetBrokenPipe();
-  pthread_sigmask(SIG_BLOCK, &signals, &mMaskBefore);
+  const sigset_t brokenPipe = GetBrokenPipe();
+  pthread_sigmask(SIG_BLOCK, &brokenPipe, &mMaskBefore);
   mWasPending = IsPending();
 }
 
 BrokenPipeGuard::~BrokenPipeGuard() {
   // One that was raised meanwhile is taken back before the thread could get it; one from before is the application's.
   if (!mWasPending && IsPending()) {
-    const sigset_t signals = GetBrokenPipe();
+    const sigset_t brokenPipe = GetBrokenPipe();
     constexpr timespec kAtOnce = {};
-    sigtimedwait(&signals, nullptr, &kAtOnce);
+    sigtimedwait(&brokenPipe, nullptr, &kAtOnce);
   }
   pthread_sigmask(SIG_SETMASK, &mMaskBefore, nullptr);
 }
