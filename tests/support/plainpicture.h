@@ -38,6 +38,58 @@ inline QImage Compute(QSize aClient, const QImage& aImage, QColor aBackground) {
   return picture;
 }
 
+/// An image that is larger than its window, zoomed by a factor and scrolled to a position on each axis, where what is
+/// left beside the scroll bars is filled.
+struct ScrolledView {
+  ScrolledView(QSize aClient, QSize aImage, double aFactor, int aBar)
+      : hasHorizontalBar(int(aImage.width() * aFactor + 0.5) > aClient.width()),
+        hasVerticalBar(int(aImage.height() * aFactor + 0.5) > aClient.height()), image(aImage), factor(aFactor),
+        view(aClient.width() - (hasVerticalBar ? aBar : 0), aClient.height() - (hasHorizontalBar ? aBar : 0)) {}
+
+  /// How far each bar scrolls, in zoomed pixels.
+  int GetHorizontalExtent() const { return int(image.width() * factor - view.width()); }
+  int GetVerticalExtent() const { return int(image.height() * factor - view.height() + 0.5); }
+  /// What a bar moves by for a page.
+  int GetHorizontalPage() const { return view.width() / 4; }
+  int GetVerticalPage() const { return view.height() / 4; }
+  /// Where the bars stand when they first appear.
+  int GetHorizontalMiddle() const { return int(GetHorizontalExtent() * 0.5); }
+  int GetVerticalMiddle() const { return GetVerticalExtent() / 2; }
+
+  /// The part of the image that is seen, rows from the top. The vertical one is worked out from the bottom up.
+  QRect FindSource(int aHorizontalPosition, int aVerticalPosition) const {
+    const auto edge = [this](int aSize, int aView, double aOffset, int aSide) {
+      return int((aSize * factor * 0.5 + aSide * aView * 0.5 + aOffset) / factor + 0.5);
+    };
+    const double right = aHorizontalPosition - GetHorizontalExtent() * 0.5;
+    const int down = GetVerticalExtent() - GetVerticalExtent() / 2 - aVerticalPosition;
+    const int left = std::max(edge(image.width(), view.width(), right, -1), 0);
+    const int end = std::min(edge(image.width(), view.width(), right, 1), image.width());
+    const int low = std::max(edge(image.height(), view.height(), down, -1), 0);
+    const int high = std::min(edge(image.height(), view.height(), down, 1), image.height());
+    return {QPoint(left, image.height() - high), QPoint(end - 1, image.height() - low - 1)};
+  }
+
+  bool hasHorizontalBar;
+  bool hasVerticalBar;
+  QSize image;
+  double factor;
+  QSize view;
+};
+
+/// The view beside the scroll bars with both bars there.
+inline QImage ComputeScrolled(const ScrolledView& aView, const QImage& aImage, int aHorizontalPosition,
+                              int aVerticalPosition) {
+  const QRect source = aView.FindSource(aHorizontalPosition, aVerticalPosition);
+  QImage picture(aView.view, QImage::Format_RGB32);
+  for (int y = 0; y < picture.height(); ++y)
+    for (int x = 0; x < picture.width(); ++x)
+      picture.setPixel(x, y,
+                       aImage.pixel(source.x() + int((x + 0.5) * source.width() / picture.width()),
+                                    source.y() + int((y + 0.5) * source.height() / picture.height())));
+  return picture;
+}
+
 /// What differs between two pictures outside a rectangle; empty when nothing does.
 inline std::string Compare(const QImage& aActual, const QImage& aExpected, QRect aExcept = {}) {
   if (aActual.size() != aExpected.size())

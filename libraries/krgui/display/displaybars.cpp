@@ -40,8 +40,8 @@ QRect ToWidgetRect(const PixelRect& aDeviceRect, double aPixelRatio) {
 
 DisplayBars::DisplayBars(std::shared_ptr<DisplayContent> aContent, QScrollBar* aHorizontal, QScrollBar* aVertical,
                          std::function<void()> aOnScroll)
-    : mContent(std::move(aContent)),
-      mOnScroll(std::move(aOnScroll)), mSides{Side(ViewAxis::Horizontal, aHorizontal), Side(ViewAxis::Vertical, aVertical)} {
+    : mContent(std::move(aContent)), mOnScroll(std::move(aOnScroll)), mSides{Side(ViewAxis::Horizontal, aHorizontal),
+                                                                             Side(ViewAxis::Vertical, aVertical)} {
   for (Side& side : mSides)
     if (side.bar)
       Watch(side);

@@ -48,8 +48,8 @@ FrameTarget::Outcome DisplayPainter::Draw(const Frame& aFrame, Times& aTimes) {
 /// A picture that shows the frame already is painted as it is.
 FrameTarget::Outcome DisplayPainter::DrawPicture(const Frame& aFrame, Times& aTimes) {
   const Outcome painted = mIsPainting ? Outcome::Shown : Outcome::Deferred;
-  Shown shown = {aFrame.number, aFrame.image != nullptr,      aFrame.view,        {mStyle, mScreen},
-                 aFrame.overlayText, aFrame.refusalText, aFrame.cursorText};
+  Shown shown = {aFrame.number,      aFrame.image != nullptr, aFrame.view,      {mStyle, mScreen},
+                 aFrame.overlayText, aFrame.refusalText,      aFrame.cursorText};
   if (aFrame.number != 0 && shown == mShown)
     return painted;
   mShown = {};

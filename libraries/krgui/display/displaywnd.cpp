@@ -55,9 +55,8 @@ KrResult DisplayWnd::Display(std::shared_ptr<const KrBuffer> aBuffer) {
 
 KrResult DisplayWnd::RefusePayload() {
   auto paint = DisplayContent::Paint::NotNeeded;
-  const KrResult result =
-      mContent->Refuse(KrResult::Code::InvalidInput, {"KrDisplayWnd::Display", "krdisplaywnd", 85},
-                       "aBuffer payload type not image", paint);
+  const KrResult result = mContent->Refuse(KrResult::Code::InvalidInput, {"KrDisplayWnd::Display", "krdisplaywnd", 85},
+                                           "aBuffer payload type not image", paint);
   return Finish(result, paint);
 }
 

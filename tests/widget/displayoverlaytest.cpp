@@ -1,0 +1,137 @@
+// The text over the image.
+
+#include "displayfixture.h"
+
+TEST_F(KrDisplayWndTest, Overlay_NothingSet_HasTheDefaults) {
+  unsigned char red = 1, green = 1, blue = 1;
+
+  mWindow.GetTextOverlayColor(red, green, blue);
+
+  EXPECT_EQ(red, 0);
+  EXPECT_EQ(green, 255);
+  EXPECT_EQ(blue, 0);
+  EXPECT_EQ(mWindow.GetTextOverlaySize(), 20);
+  EXPECT_EQ(mWindow.GetTextOverlayOffsetX(), 10);
+  EXPECT_EQ(mWindow.GetTextOverlayOffsetY(), 10);
+  EXPECT_EQ(mWindow.GetTextOverlay(), KrString());
+}
+
+TEST_F(KrDisplayWndTest, Overlay_Text_StandsAtTheImagesCornerAndChangesNothingElse) {
+  Open(300, 100);
+  mWindow.SetTextOverlay("HHH\nHHH");
+  mWindow.SetTextOverlayOffsetX(12);
+  mWindow.SetTextOverlayOffsetY(5);
+  const KrBuffer buffer = MakeGrey(100, 100, 0);
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+
+  const QImage picture = Grab();
+
+  const QImage plain = plainpicture::Compute(picture.size(), ToQImage(buffer), QColor(0x80, 0x80, 0x80));
+  const double ratio = GetRatio();
+  const QRect text = plainpicture::FindDifference(picture, plain);
+  // The image begins at 100; two lines of 20 begin 5 below its top. A letter has some space around it.
+  EXPECT_GE(text.left(), 112 * ratio);
+  EXPECT_LE(text.left(), 116 * ratio);
+  EXPECT_GE(text.top(), 5 * ratio);
+  EXPECT_LE(text.top(), 12 * ratio);
+  EXPECT_GE(text.bottom(), 35 * ratio);
+  EXPECT_LE(text.bottom(), 45 * ratio);
+  EXPECT_GT(plainpicture::Count(picture, text, QColor(0, 255, 0)), 20);
+  const int middle = static_cast<int>((5 + 20) * ratio);
+  EXPECT_GT(
+      plainpicture::Count(picture, {text.left(), text.top(), text.width(), middle - text.top()}, QColor(0, 255, 0)), 0);
+  EXPECT_GT(
+      plainpicture::Count(picture, {text.left(), middle, text.width(), text.bottom() - middle}, QColor(0, 255, 0)), 0);
+}
+
+TEST_F(KrDisplayWndTest, Overlay_WindowsLineEnds_DrawAsPlainOnes) {
+  Open(300, 100);
+  const KrBuffer buffer = MakeGrey(100, 100, 0);
+  mWindow.SetTextOverlay("one\r\ntwo");
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+  const QImage windows = Grab();
+
+  mWindow.SetTextOverlay("one\ntwo");
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+
+  EXPECT_EQ(plainpicture::Compare(Grab(), windows), "");
+}
+
+TEST_F(KrDisplayWndTest, Overlay_AmpersandsAndTags_ArePlainText) {
+  Open(300, 100);
+  const KrBuffer buffer = MakeGrey(300, 100, 0);
+  const auto widthOf = [&](const char* aText) {
+    mWindow.SetTextOverlay(aText);
+    EXPECT_TRUE(mWindow.Display(buffer, false).IsOK());
+    const QImage picture = Grab();
+    return plainpicture::FindDifference(picture, plainpicture::Compute(picture.size(), ToQImage(buffer), Qt::black))
+        .width();
+  };
+
+  EXPECT_GT(widthOf("A&B"), widthOf("AB"));
+  EXPECT_GT(widthOf("<b>A</b>"), widthOf("A"));
+}
+
+TEST_F(KrDisplayWndTest, Overlay_SetAfterTheImage_IsDrawnFromTheNextImageOn) {
+  Open(100, 100);
+  const KrBuffer buffer = MakeGrey(100, 100, 0);
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+  mWindow.SetTextOverlay("HHH");
+  const QImage before = Grab();
+
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+
+  const QImage after = Grab();
+  EXPECT_EQ(plainpicture::Count(before, before.rect(), QColor(0, 255, 0)), 0);
+  EXPECT_GT(plainpicture::Count(after, after.rect(), QColor(0, 255, 0)), 0);
+}
+
+TEST_F(KrDisplayWndTest, Overlay_OffsetBeyondTheWindow_DrawsNothing) {
+  Open(100, 100);
+  mWindow.SetTextOverlay("HHH");
+  mWindow.SetTextOverlayOffsetX(4000000000u);
+  ASSERT_TRUE(mWindow.Display(MakeGrey(100, 100, 0), false).IsOK());
+
+  const QImage picture = Grab();
+
+  EXPECT_EQ(plainpicture::Count(picture, picture.rect(), Qt::black), picture.width() * picture.height());
+}
+
+TEST_F(KrDisplayWndTest, Overlay_Settings_ReadBackAndOutliveTheWindow) {
+  mWindow.SetTextOverlayColor(1, 2, 3);
+  EXPECT_TRUE(mWindow.SetTextOverlaySize(-7).IsOK());
+  mWindow.SetTextOverlayOffsetX(21);
+  mWindow.SetTextOverlayOffsetY(22);
+  mWindow.SetTextOverlay("kept");
+
+  Open(100, 100);
+  EXPECT_TRUE(mWindow.Close().IsOK());
+
+  unsigned char red = 0, green = 0, blue = 0;
+  mWindow.GetTextOverlayColor(red, green, blue);
+  EXPECT_EQ(red, 1);
+  EXPECT_EQ(green, 2);
+  EXPECT_EQ(blue, 3);
+  EXPECT_EQ(mWindow.GetTextOverlaySize(), -7);
+  EXPECT_EQ(mWindow.GetTextOverlayOffsetX(), 21);
+  EXPECT_EQ(mWindow.GetTextOverlayOffsetY(), 22);
+  EXPECT_EQ(mWindow.GetTextOverlay(), KrString("kept"));
+}
+
+TEST_F(KrDisplayWndTest, Overlay_ColourAndSizeChanged_ShowAtTheNextDrawing) {
+  Open(200, 100);
+  mWindow.SetTextOverlay("HHH");
+  const KrBuffer buffer = MakeGrey(200, 100, 0);
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+  const QImage plain = plainpicture::Compute(Grab().size(), ToQImage(buffer), Qt::black);
+  const QRect small = plainpicture::FindDifference(Grab(), plain);
+
+  mWindow.SetTextOverlayColor(255, 0, 255);
+  EXPECT_TRUE(mWindow.SetTextOverlaySize(40).IsOK());
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+
+  const QImage picture = Grab();
+  EXPECT_GT(plainpicture::FindDifference(picture, plain).height(), small.height() * 3 / 2);
+  EXPECT_GT(plainpicture::Count(picture, picture.rect(), QColor(255, 0, 255)), 0);
+  EXPECT_EQ(plainpicture::Count(picture, picture.rect(), QColor(0, 255, 0)), 0);
+}
