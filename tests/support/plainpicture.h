@@ -61,7 +61,7 @@ struct ScrolledView {
     const auto edge = [this](int aSize, int aView, double aOffset, int aSide) {
       return int((aSize * factor * 0.5 + aSide * aView * 0.5 + aOffset) / factor + 0.5);
     };
-    const double right = aHorizontalPosition - GetHorizontalExtent() * 0.5;
+    const int right = int(aHorizontalPosition - GetHorizontalExtent() * 0.5);
     const int down = GetVerticalExtent() - GetVerticalExtent() / 2 - aVerticalPosition;
     const int left = std::max(edge(image.width(), view.width(), right, -1), 0);
     const int end = std::min(edge(image.width(), view.width(), right, 1), image.width());

@@ -9,11 +9,11 @@
 
 namespace {
 
-/// What the platform without a screen says of itself.
-const QString kOffscreenWarning = QStringLiteral("This plugin does not support propagateSizeHints()");
+/// How what the platform without a screen says of itself begins; other platforms support all of it.
+const QString kOffscreenWarning = QStringLiteral("This plugin does not support ");
 
 void FailOnWarning(QtMsgType aType, const QMessageLogContext&, const QString& aText) {
-  if (aType != QtDebugMsg && aType != QtInfoMsg && aText != kOffscreenWarning) {
+  if (aType != QtDebugMsg && aType != QtInfoMsg && !aText.startsWith(kOffscreenWarning)) {
     ADD_FAILURE() << "The toolkit warned: " << aText.toStdString();
   }
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr QSize kImage(1000, 800);
+constexpr QSize kImage(1800, 1400);
 
 class KrDisplayWndMenuTest : public KrDisplayWndTest {
 protected:
@@ -51,7 +51,7 @@ protected:
         .GetHorizontalExtent();
   }
 
-  const KrBuffer mImage = MakeNoise(1000, 800);
+  const KrBuffer mImage = MakeNoise(1800, 1400);
 };
 
 constexpr int kZoomOneToOne = 32777;
@@ -161,7 +161,7 @@ TEST_F(KrDisplayWndMenuTest, Opening_DoesNotWait) {
   OpenMenuAt({10, 10});
 
   // Frames go on below it.
-  EXPECT_TRUE(mWindow.Display(MakeGrey(1000, 800, 77), false).IsOK());
+  EXPECT_TRUE(mWindow.Display(MakeGrey(1800, 1400, 77), false).IsOK());
   const QImage picture = Grab();
   EXPECT_EQ(picture.pixelColor(picture.rect().center()), QColor(77, 77, 77));
 }

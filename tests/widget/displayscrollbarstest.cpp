@@ -311,19 +311,24 @@ TEST_F(KrDisplayWndScrollBarsTest, Bars_ForTheKeyboard_TakeTheFocusByTabAlone) {
 
 TEST(DisplayWndMessages, HideScrollBar_ByItsBits_HidesOrShowsOneBar) {
   krgui::DisplayWnd window;
+  window.SetPosition(50, 50, 400, 300);
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  const KrBuffer image = MakeGrey(1000, 800, 1);
+  ASSERT_TRUE(window.Display(image.GetImage()).IsOK());
+  window.Zoom1_1();
   ASSERT_TRUE(window.DoEvents().IsOK());
   const auto* horizontal = window.GetWidget()->findChild<QScrollBar*>("control1044");
   const auto* vertical = window.GetWidget()->findChild<QScrollBar*>("control1046");
+  ASSERT_TRUE(horizontal->isVisible() && vertical->isVisible());
   const struct {
     const char* name;
     std::uint64_t bits;
     bool isHorizontalShown;
     bool isVerticalShown;
   } rows[] = {
-      {"show the horizontal one", 0x2001, true, false},   {"show the vertical one", 0x2002, true, true},
       {"hide the horizontal one", 0x1001, false, true},   {"hide the vertical one", 0x1002, false, false},
-      {"both bits mean horizontal", 0x2003, true, false}, {"no bit means none", 0x1000, true, false},
+      {"show the horizontal one", 0x2001, true, false},   {"show the vertical one", 0x2002, true, true},
+      {"both bits mean horizontal", 0x1003, false, true}, {"no bit means none", 0x1000, false, true},
   };
   for (const auto& row : rows) {
     window.GetQueue()->Post({2082, row.bits, 0});

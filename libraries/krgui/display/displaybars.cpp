@@ -2,6 +2,7 @@
 
 #include "platform/drawingsurface.h"
 
+#include <QKeyEvent>
 #include <QScrollBar>
 #include <QSignalBlocker>
 
@@ -29,6 +30,28 @@ constexpr ActionEntry kActions[] = {
     {QAbstractSlider::SliderToMaximum, ScrollCode::Most},
 };
 
+/// Lets the arrow keys of a horizontal bar go the way they point: the toolkit's go by the direction in which values of
+/// vertical bars grow.
+class ArrowKeys : public QObject {
+public:
+  explicit ArrowKeys(QScrollBar& aBar) : QObject(&aBar), mBar(aBar) { aBar.installEventFilter(this); }
+
+protected:
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    if (aEvent->type() != QEvent::KeyPress || mBar.orientation() != Qt::Horizontal)
+      return false;
+    const int key = static_cast<QKeyEvent*>(aEvent)->key();
+    if (key == Qt::Key_Left)
+      mBar.triggerAction(QAbstractSlider::SliderSingleStepSub);
+    else if (key == Qt::Key_Right)
+      mBar.triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    return key == Qt::Key_Left || key == Qt::Key_Right;
+  }
+
+private:
+  QScrollBar& mBar;
+};
+
 /// By its edges, so that bars stay side by side whatever the ratio is.
 QRect ToWidgetRect(const PixelRect& aDeviceRect, double aPixelRatio) {
   const auto convert = [aPixelRatio](std::int32_t aEdge) { return static_cast<int>(std::lround(aEdge / aPixelRatio)); };
@@ -52,6 +75,9 @@ void DisplayBars::Watch(Side& aSide) {
   aSide.bar->setAttribute(Qt::WA_DontCreateNativeAncestors);
   if (CanDrawNatively())
     aSide.bar->setAttribute(Qt::WA_NativeWindow);
+  // The left end is the image's left edge in every language.
+  aSide.bar->setLayoutDirection(Qt::LeftToRight);
+  new ArrowKeys(*aSide.bar);
   // For those who have no mouse; a click leaves the focus with the view.
   aSide.bar->setFocusPolicy(Qt::TabFocus);
   // Its own menu would move the bar without the view.
