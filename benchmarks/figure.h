@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <ctime>
 #include <limits>
+#include <utility>
 
 namespace benchmarks {
 
@@ -42,6 +43,30 @@ double MeasureBestProcessorMs(int aRuns, const Work& aWork) {
     const double begin = getMs();
     aWork();
     best = std::min(best, getMs() - begin);
+  }
+  return best;
+}
+
+/// The best times of two pieces of work that take turns, in milliseconds of the clock on the wall: what disturbs one of
+/// them disturbs the other one too. A turn has one run, or several of which the first one does not count, as it meets
+/// what the other one left in the caches. Turns are taken for half a second, but at least five times.
+template <typename First, typename Second>
+std::pair<double, double> MeasureInTurnsMs(int aRunsPerTurn, const First& aFirst, const Second& aSecond) {
+  constexpr int kLeastTurns = 5;
+  constexpr double kEnoughMs = 500;
+  const auto takeTurn = [aRunsPerTurn](const auto& aWork) {
+    if (aRunsPerTurn == 1)
+      return MeasureBestMs(1, aWork);
+    aWork();
+    return MeasureBestMs(aRunsPerTurn - 1, aWork);
+  };
+  std::pair best{std::numeric_limits<double>::max(), std::numeric_limits<double>::max()};
+  double total = 0;
+  for (int turn = 0; turn < kLeastTurns || total < kEnoughMs; ++turn) {
+    const double first = takeTurn(aFirst);
+    const double second = takeTurn(aSecond);
+    best = {std::min(best.first, first), std::min(best.second, second)};
+    total += aRunsPerTurn * (first + second);
   }
   return best;
 }

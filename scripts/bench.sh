@@ -4,7 +4,11 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh
+# The peers, which nothing but the benchmarks uses.
+peers=(
+  libopencv-dev libyuv-dev
+)
+scripts/setup.sh "${peers[@]}"
 scripts/build.sh release
 found=0
 for program in build/release/benchmarks/bench_*; do

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs every Debian package that the project needs, and nothing else. Quiet, and quick when all is there.
+# Installs every Debian package that the project needs, and nothing else but those named: setup.sh [PACKAGE …].
+# Quiet, and quick when all is there.
 set -euo pipefail
 
 packages=(
@@ -12,6 +13,7 @@ packages=(
   libpng-dev libtiff-dev
   # Tests: frameworks, an independent camera, USB devices, a display with a window manager and hands, network namespaces
   libgtest-dev libgmock-dev aravis-tools umockdev xvfb xauth openbox xdotool fonts-dejavu-core iproute2 util-linux
+  "$@"
 )
 missing=()
 for package in "${packages[@]}"; do

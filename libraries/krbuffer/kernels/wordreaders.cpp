@@ -160,23 +160,25 @@ private:
   const std::uint8_t* mBytes;
 };
 
-/// A component of 5 or 6 bits as the nearest byte: (aComponent * 255 + aGreatest / 2) / aGreatest without the division.
+/// A component of 5 or 6 bits, moved to bit 10 of a word, as the nearest byte: (aComponent * 255 + aGreatest / 2) /
+/// aGreatest is the upper half of a product.
 struct Widening {
+  std::uint16_t offset; ///< Below bit 10.
   std::uint16_t factor;
-  std::uint16_t half;
-  static constexpr int kShift = 6;
 
-  constexpr std::uint32_t Widen(std::uint32_t aComponent) const { return (aComponent * factor + half) >> kShift; }
+  constexpr std::uint32_t Widen(std::uint32_t aMoved) const { return ((aMoved | offset) * factor) >> 16; }
   constexpr bool IsNearest(std::uint32_t aGreatest) const {
     for (std::uint32_t component = 0; component <= aGreatest; ++component)
-      if (Widen(component) != (component * 255 + aGreatest / 2) / aGreatest)
+      if (Widen(component << 10) != (component * 255 + aGreatest / 2) / aGreatest)
         return false;
     return true;
   }
 };
-inline constexpr Widening kWiden5{527, 23};
-inline constexpr Widening kWiden6{259, 33};
+inline constexpr Widening kWiden5{45, 527};
+inline constexpr Widening kWiden6{132, 259};
 static_assert(kWiden5.IsNearest(31) && kWiden6.IsNearest(63));
+inline constexpr std::uint16_t kMoved5 = 31u << 10;
+inline constexpr std::uint16_t kMoved6 = 63u << 10;
 
 /// Components of 5, 6 and 5 bits in two bytes, the first in the lowest bits.
 template <bool IsRedFirst>
@@ -187,22 +189,23 @@ public:
 
   HWY_INLINE void WritePixel(std::size_t aX, std::uint8_t* aBgra) const {
     const std::uint32_t word = ReadPair(mBytes + 2 * aX);
-    const std::uint32_t first = kWiden5.Widen(word & 0x1Fu);
-    const std::uint32_t last = kWiden5.Widen(word >> 11);
-    StoreBgra(aBgra, IsRedFirst ? last : first, kWiden6.Widen((word >> 5) & 0x3Fu), IsRedFirst ? first : last, kOpaque);
+    const std::uint32_t first = kWiden5.Widen((word << 10) & kMoved5);
+    const std::uint32_t green = kWiden6.Widen((word << 5) & kMoved6);
+    const std::uint32_t last = kWiden5.Widen((word >> 1) & kMoved5);
+    StoreBgra(aBgra, IsRedFirst ? last : first, green, IsRedFirst ? first : last, kOpaque);
   }
 #if HWY_TARGET != HWY_SCALAR
   HWY_INLINE PixelVector ReadVector(std::size_t aX) const {
     const PixelTag pixels;
     const hn::Rebind<std::uint16_t, PixelTag> pairs;
     const auto words = LoadPairs(mBytes + 2 * aX);
-    const auto widen = [&pairs](auto aComponents, const Widening& aWidening) {
-      const auto products = hn::Mul(aComponents, hn::Set(pairs, aWidening.factor));
-      return hn::ShiftRight<Widening::kShift>(hn::Add(products, hn::Set(pairs, aWidening.half)));
+    const auto widen = [&pairs](auto aMoved, std::uint16_t aMask, const Widening& aWidening) {
+      const auto component = hn::Or(hn::And(aMoved, hn::Set(pairs, aMask)), hn::Set(pairs, aWidening.offset));
+      return hn::MulHigh(component, hn::Set(pairs, aWidening.factor));
     };
-    const auto first = widen(hn::And(words, hn::Set(pairs, std::uint16_t{0x1F})), kWiden5);
-    const auto green = widen(hn::And(hn::ShiftRight<5>(words), hn::Set(pairs, std::uint16_t{0x3F})), kWiden6);
-    const auto last = widen(hn::ShiftRight<11>(words), kWiden5);
+    const auto first = widen(hn::ShiftLeft<10>(words), kMoved5, kWiden5);
+    const auto green = widen(hn::ShiftLeft<5>(words), kMoved6, kWiden6);
+    const auto last = widen(hn::ShiftRight<1>(words), kMoved5, kWiden5);
     const auto lowHalf = hn::Or(IsRedFirst ? last : first, hn::ShiftLeft<8>(green));
     const PixelVector red = hn::ShiftLeft<16>(hn::PromoteTo(pixels, IsRedFirst ? first : last));
     return MakeOpaque(hn::Or(hn::PromoteTo(pixels, lowHalf), red));
