@@ -40,13 +40,12 @@ public:
   /// Failed for a pixel type that cannot be shown; what was shown before then stays. aFlag is accepted and not used.
   KrResult Display(const KrBuffer& aBuffer, bool aFlag);
   /// Shows an image; as above. Width and height are taken modulo 65536 when they are checked. The image's operations
-  /// are called with the display lock held: an image of an own class must not call this window from them. What they
-  /// throw becomes Failed.
+  /// are called in this call alone, once each and without a lock held. What they throw becomes Failed.
   KrResult Display(const IKrImage* aImage, bool aFlag);
   /// Shows a buffer's image without keeping a copy of it: the window holds the buffer until another image, Clear or its
   /// own end takes its place, and nobody changes its bytes meanwhile. The cheapest way for large images: what is not
   /// shown is neither copied nor converted. Results as above, InvalidInput for null. The last owner's deleter may run
-  /// on any thread that calls Display or Clear, without a lock held.
+  /// on any thread that calls Display, Clear or GetInternalBuffer, without a lock held.
   KrResult Display(std::shared_ptr<const KrBuffer> aBuffer, bool aFlag);
   /// Drops image and overlay text: the window shows its background.
   void Clear();

@@ -81,13 +81,13 @@ KrResult DisplayContent::Display(const IKrImage* aImage, Paint& aPaint) {
 
 KrResult DisplayContent::Display(std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint) {
   const IKrImage& image = *aBuffer->GetImage();
-  return DisplayWhat([&image] { return ImageSnapshot(image); }, std::move(aBuffer), aPaint);
+  return DisplayWhat([&image] { return ImageSnapshot(image); }, aBuffer, aPaint);
 }
 
 template <typename Ask>
-KrResult DisplayContent::DisplayWhat(const Ask& aAsk, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint) {
+KrResult DisplayContent::DisplayWhat(const Ask& aAsk, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint) {
   try {
-    return DisplaySnapshot(aAsk(), std::move(aBuffer), aPaint);
+    return DisplaySnapshot(aAsk(), aBuffer, aPaint);
   } catch (const std::exception& error) {
     return RefuseException(error.what(), aPaint);
   } catch (...) {
@@ -95,7 +95,7 @@ KrResult DisplayContent::DisplayWhat(const Ask& aAsk, std::shared_ptr<const KrBu
   }
 }
 
-KrResult DisplayContent::DisplaySnapshot(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer,
+KrResult DisplayContent::DisplaySnapshot(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer,
                                          Paint& aPaint) {
   const auto width = static_cast<std::uint16_t>(aSource.GetWidth());
   const auto height = static_cast<std::uint16_t>(aSource.GetHeight());
@@ -111,11 +111,12 @@ KrResult DisplayContent::DisplaySnapshot(const ImageSnapshot& aSource, std::shar
                       "Cannot convert from pixel type " + std::to_string(type) + " to " +
                           std::to_string(kDisplayPixelType),
                       MakeFormatText(type), aPaint);
-  Accept(aSource, std::move(aBuffer), aPaint);
+  Accept(aSource, aBuffer, aPaint);
   return {};
 }
 
-void DisplayContent::Accept(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint) {
+void DisplayContent::Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer,
+                            Paint& aPaint) {
   // Released when the lock is given up: the deleter of a buffer that was held is the application's code.
   std::shared_ptr<HeldImage> former;
   const std::lock_guard lock(mDisplayLock);
@@ -132,7 +133,7 @@ void DisplayContent::Accept(const ImageSnapshot& aSource, std::shared_ptr<const 
   KrLineConversion lines;
   std::shared_ptr<HeldImage> next;
   if (lines.Open(mConverter, aSource).IsOK())
-    next = FindRoom(aSource, std::move(aBuffer));
+    next = FindRoom(aSource, aBuffer);
   if (!next) {
     former = Substitute(isResized, aPaint);
     return;
@@ -162,10 +163,10 @@ std::shared_ptr<HeldImage> DisplayContent::Substitute(bool aIsResized, Paint& aP
 }
 
 std::shared_ptr<HeldImage> DisplayContent::FindRoom(const ImageSnapshot& aSource,
-                                                    std::shared_ptr<const KrBuffer> aBuffer) {
+                                                    const std::shared_ptr<const KrBuffer>& aBuffer) {
   try {
     if (aBuffer)
-      return std::make_shared<HeldImage>(std::move(aBuffer));
+      return std::make_shared<HeldImage>(aBuffer);
     const bool isFree = mHeld && mHeld->IsCopy() && mHeld.use_count() == 1;
     std::shared_ptr<HeldImage> room = isFree ? mHeld : std::exchange(mSpare, nullptr);
     if (!room)
@@ -269,8 +270,8 @@ FrameTarget::Outcome DisplayContent::Draw(FrameTarget& aTarget, const Shown* aSh
       frame.refusalText = aShown ? KrString() : mRefusalText;
     }
     return aTarget.Draw(frame, aTimes);
-  } catch (const std::exception&) {
-    // There is no memory for it now.
+  } catch (...) {
+    // Mostly there is no memory for it now. What is held must be in order whatever the target does.
     return FrameTarget::Outcome::Dropped;
   }
 }

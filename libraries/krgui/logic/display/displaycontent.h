@@ -98,15 +98,15 @@ private:
   KrResult RefuseException(const char* aWhat, Paint& aPaint);
   /// Displays what aAsk() gives, which may be foreign code and throw.
   template <typename Ask>
-  KrResult DisplayWhat(const Ask& aAsk, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
-  KrResult DisplaySnapshot(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
+  KrResult DisplayWhat(const Ask& aAsk, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint);
+  KrResult DisplaySnapshot(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint);
   /// Takes an image that can be converted by its format; the copy is kept or, where it is given, the buffer.
-  void Accept(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
+  void Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint);
 
   // What follows is done under the display lock.
 
   /// Where the image will be held; null where there is no memory.
-  std::shared_ptr<HeldImage> FindRoom(const ImageSnapshot& aSource, std::shared_ptr<const KrBuffer> aBuffer);
+  std::shared_ptr<HeldImage> FindRoom(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer);
   /// What an image that could not be converted leaves: the image that was held where it has the size last accepted,
   /// else one without light; draws it as Accept does. Returns what is held no more.
   std::shared_ptr<HeldImage> Substitute(bool aIsResized, Paint& aPaint);
