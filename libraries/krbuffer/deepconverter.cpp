@@ -8,26 +8,23 @@
 
 namespace krbuffer {
 
-DeepGreyConverter::DeepGreyConverter(const LineSource& aSource, SampleReader aSamples, unsigned aBits,
+DeepGreyConverter::DeepGreyConverter(const LineSource& aSource, SampleReader aSamples,
                                      std::shared_ptr<const ToneTables> aTables)
-    : LineConverter(aSource), mSamples(aSamples), mBits(aBits), mTables(std::move(aTables)) {}
+    : LineConverter(aSource), mSamples(aSamples), mBytes(FindLineReader(*KrFindPixelType(KrPixel::Mono8))),
+      mTables(std::move(aTables)) {}
 
-void DeepGreyConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind) const {
+void DeepGreyConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const {
   const std::uint8_t* line = mSource.GetLine(aLine);
+  const std::uint8_t* table = mTables->GetGreyTable();
   std::array<std::uint16_t, kRunSamples> samples;
+  std::array<std::uint8_t, kRunSamples> shown;
   for (std::size_t first = 0; first < mSource.width; first += kRunSamples) {
     const std::size_t count = std::min<std::size_t>(kRunSamples, mSource.width - first);
     mSamples(line, first, count, samples.data());
-    std::uint8_t* pixels = aDestination + kBgraBytes * first;
-    if (mTables) {
-      const std::uint8_t* table = mTables->GetGreyTable();
-      for (std::size_t i = 0; i < count; ++i)
-        StoreGrey(pixels + kBgraBytes * i, table[samples[i]]);
-    } else {
-      const unsigned shift = mBits - 8;
-      for (std::size_t i = 0; i < count; ++i)
-        StoreGrey(pixels + kBgraBytes * i, static_cast<std::uint32_t>(samples[i]) >> shift);
-    }
+    for (std::size_t i = 0; i < count; ++i)
+      shown[i] = table[samples[i]];
+    mBytes({shown.data(), kRunSamples, static_cast<std::uint32_t>(count), 1}, 0, aDestination + kBgraBytes * first,
+           aStores);
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include "deepreaders.h"
 #include "lineconverter.h"
+#include "pixelreaders.h"
 #include "samplereader.h"
 #include "tonetables.h"
 
@@ -11,16 +12,15 @@
 
 namespace krbuffer {
 
-/// One component a pixel. Without tables the samples have at least 8 bits.
+/// One component a pixel, always by a table: without one, readers of whole lines take such formats.
 class DeepGreyConverter final : public LineConverter {
 public:
-  DeepGreyConverter(const LineSource& aSource, SampleReader aSamples, unsigned aBits,
-                    std::shared_ptr<const ToneTables> aTables);
+  DeepGreyConverter(const LineSource& aSource, SampleReader aSamples, std::shared_ptr<const ToneTables> aTables);
   void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
 
 private:
   SampleReader mSamples;
-  unsigned mBits;
+  LineReader mBytes; ///< Of grey bytes, which the table makes.
   std::shared_ptr<const ToneTables> mTables;
 };
 

@@ -4,6 +4,7 @@
 #include "byteconverter.h"
 #include "deepbayerconverter.h"
 #include "deepconverter.h"
+#include "fewbitsconverter.h"
 #include "floatconverter.h"
 #include "tonestore.h"
 #include "topbyteconverter.h"
@@ -30,6 +31,13 @@ bool CanConvertToBgra(const KrPixelTypeInfo& aFormat) {
   return FindLineReader(aFormat) != nullptr || IsDeep(aFormat) || IsGreyOfFloats(aFormat);
 }
 
+std::unique_ptr<LineConverter> MakeGreyConverter(const LineSource& aSource, const KrPixelTypeInfo& aFormat,
+                                                 std::shared_ptr<const ToneTables> aTables) {
+  if (const FewBitsReader reader = FindFewBitsReader(aFormat))
+    return std::make_unique<FewBitsConverter>(aSource, reader, aFormat.bitsPerSample, *aTables);
+  return std::make_unique<DeepGreyConverter>(aSource, FindSampleReader(aFormat), std::move(aTables));
+}
+
 std::unique_ptr<LineConverter> MakeDeepConverter(const LineSource& aSource, const KrPixelTypeInfo& aFormat,
                                                  std::shared_ptr<const ToneTables> aTables) {
   const SampleReader samples = FindSampleReader(aFormat);
@@ -39,7 +47,7 @@ std::unique_ptr<LineConverter> MakeDeepConverter(const LineSource& aSource, cons
     if (std::unique_ptr<LineConverter> converter = TopByteConverter::Make(aSource, aFormat))
       return converter;
   if (aFormat.layout == KrPixelLayout::Mono)
-    return std::make_unique<DeepGreyConverter>(aSource, samples, aFormat.bitsPerSample, std::move(aTables));
+    return MakeGreyConverter(aSource, aFormat, std::move(aTables));
   return std::make_unique<DeepColourConverter>(aSource, samples, FindDeepReader(aFormat.layout), aFormat.bitsPerSample,
                                                std::move(aTables));
 }
@@ -54,7 +62,8 @@ std::unique_ptr<LineConverter> MakeBgraConverter(const LineSource& aSource, cons
   const LineReader reader = FindLineReader(aFormat);
   if (reader && !tables && aFormat.type == KrPixel::BGRa8)
     return std::make_unique<BgraCopier>(aSource, reader);
-  if (reader && (!tables || depth.bits == 8))
+  const bool isGreyByTable = tables && aFormat.layout == KrPixelLayout::Mono;
+  if (reader && !isGreyByTable && (!tables || depth.bits == 8))
     return std::make_unique<ByteConverter>(aSource, reader, std::move(tables));
   return MakeDeepConverter(aSource, aFormat, std::move(tables));
 }
