@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace krbuffer {
 
@@ -12,7 +13,7 @@ namespace {
 
 /// Columns that are interpolated at a time: few enough for three lines of them to stay in the fastest cache, and so
 /// many that the ends of runs do not count.
-constexpr std::uint32_t kRunColumns = 2048;
+constexpr std::uint32_t kRunColumns = 4096;
 static_assert(kRunColumns % kSampleAlignment == 0);
 
 struct FilterRow {
@@ -57,6 +58,32 @@ private:
   alignas(64) std::array<std::uint16_t, kBefore + kRunColumns + 1 + kAfter> mSamples;
 };
 
+/// The same columns of three lines that follow each other, each read when it is first asked for.
+class LineRing {
+public:
+  LineRing(const LineSource& aSource, SampleReader aSamples, std::uint32_t aFirst, std::uint32_t aCount)
+      : mSource(aSource), mSamples(aSamples), mFirst(aFirst), mCount(aCount) {}
+
+  const std::uint16_t* GetSamples(std::uint32_t aLine) {
+    const std::size_t place = aLine % kLines;
+    if (mLines[place] != aLine) {
+      mRuns[place].Read(mSamples, mSource.GetLine(aLine), mFirst, mCount, mSource.width);
+      mLines[place] = aLine;
+    }
+    return mRuns[place].GetFirst();
+  }
+
+private:
+  static constexpr std::size_t kLines = 3;
+
+  const LineSource& mSource;
+  SampleReader mSamples;
+  std::uint32_t mFirst;
+  std::uint32_t mCount;
+  std::array<std::optional<std::uint32_t>, kLines> mLines;
+  std::array<SampleRun, kLines> mRuns;
+};
+
 } // namespace
 
 bool DeepBayerConverter::CanConvert(const LineSource& aSource, const KrPixelTypeInfo& aFormat) {
@@ -67,17 +94,22 @@ DeepBayerConverter::DeepBayerConverter(const LineSource& aSource, SampleReader a
     : LineConverter(aSource), mSamples(aSamples), mRed(FindFilter(aFormat.layout)->red), mBits(aFormat.bitsPerSample) {}
 
 void DeepBayerConverter::ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const {
-  SampleRun above;
-  SampleRun here;
-  SampleRun below;
-  const std::uint32_t width = mSource.width;
-  for (std::uint32_t first = 0; first < width; first += kRunColumns) {
-    const std::uint32_t count = std::min(kRunColumns, width - first);
-    above.Read(mSamples, mSource.GetLine(GetPrevious(aLine)), first, count, width);
-    here.Read(mSamples, mSource.GetLine(aLine), first, count, width);
-    below.Read(mSamples, mSource.GetLine(GetNext(aLine, mSource.height)), first, count, width);
-    InterpolateBayerWords({above.GetFirst(), here.GetFirst(), below.GetFirst()}, GetLineParity(mRed, aLine), mBits,
-                          count, aDestination + kBgraBytes * first, aStores);
+  ConvertLines(aLine, aLine + 1, aDestination, 0, aStores);
+}
+
+void DeepBayerConverter::ConvertLines(std::uint32_t aFirst, std::uint32_t aEnd, std::uint8_t* aDestination,
+                                      std::ptrdiff_t aStrideBytes, StoreKind aStores) const {
+  for (std::uint32_t first = 0; first < mSource.width; first += kRunColumns) {
+    const std::uint32_t count = std::min(kRunColumns, mSource.width - first);
+    LineRing lines(mSource, mSamples, first, count);
+    std::uint8_t* destination = aDestination + kBgraBytes * first;
+    for (std::uint32_t line = aFirst; line < aEnd; ++line) {
+      const std::uint16_t* above = lines.GetSamples(GetPrevious(line));
+      const std::uint16_t* here = lines.GetSamples(line);
+      const std::uint16_t* below = lines.GetSamples(GetNext(line, mSource.height));
+      InterpolateBayerWords({above, here, below}, GetLineParity(mRed, line), mBits, count,
+                            destination + aStrideBytes * static_cast<std::ptrdiff_t>(line - aFirst), aStores);
+    }
   }
 }
 

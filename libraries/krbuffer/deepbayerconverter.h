@@ -16,6 +16,9 @@ public:
 
   DeepBayerConverter(const LineSource& aSource, SampleReader aSamples, const KrPixelTypeInfo& aFormat);
   void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const override;
+  /// Unpacks each line once.
+  void ConvertLines(std::uint32_t aFirst, std::uint32_t aEnd, std::uint8_t* aDestination, std::ptrdiff_t aStrideBytes,
+                    StoreKind aStores) const override;
 
 private:
   SampleReader mSamples;

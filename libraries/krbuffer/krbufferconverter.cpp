@@ -45,11 +45,12 @@ struct Conversion {
   StoreKind stores;
 
   void ConvertLines(std::uint64_t aFirst, std::uint64_t aEnd) const {
-    for (std::uint64_t index = aFirst; index < aEnd; ++index) {
-      const auto line = static_cast<std::uint32_t>(index);
-      const std::uint32_t target = bottomUp ? height - 1 - line : line;
-      converter.ConvertLine(line, destination + destinationStrideBytes * target, stores);
-    }
+    if (aFirst == aEnd)
+      return;
+    const auto stride = static_cast<std::ptrdiff_t>(destinationStrideBytes);
+    const std::uint64_t target = bottomUp ? height - 1 - aFirst : aFirst;
+    converter.ConvertLines(static_cast<std::uint32_t>(aFirst), static_cast<std::uint32_t>(aEnd),
+                           destination + destinationStrideBytes * target, bottomUp ? -stride : stride, stores);
     krbuffer::FinishStores(stores);
   }
 };

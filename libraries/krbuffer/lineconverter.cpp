@@ -70,6 +70,12 @@ std::unique_ptr<LineConverter> MakeBgraConverter(const LineSource& aSource, cons
 
 } // namespace
 
+void LineConverter::ConvertLines(std::uint32_t aFirst, std::uint32_t aEnd, std::uint8_t* aDestination,
+                                 std::ptrdiff_t aStrideBytes, StoreKind aStores) const {
+  for (std::uint32_t line = aFirst; line < aEnd; ++line)
+    ConvertLine(line, aDestination + aStrideBytes * static_cast<std::ptrdiff_t>(line - aFirst), aStores);
+}
+
 bool CanConvertLines(KrPixelType aSource, KrPixelType aDestination) {
   if (aDestination != KrPixel::BGRa8)
     return CanUnpack(aSource, aDestination);

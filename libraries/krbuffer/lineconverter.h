@@ -5,6 +5,7 @@
 #include "krbuffer/krpixeltype.h"
 #include "linesource.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -26,6 +27,11 @@ public:
   virtual void ConvertLine(std::uint32_t aLine, std::uint8_t* aDestination, StoreKind aStores) const = 0;
   /// The line as ConvertLine writes it where it stands like that in the source; null where it has to be converted.
   virtual const std::uint8_t* FindLine(std::uint32_t) const { return nullptr; }
+
+  /// Writes the lines from aFirst on that come before aEnd, each so many bytes after the one before it, or before it
+  /// where that is negative: for converters that make use of what they read for a line's neighbours.
+  virtual void ConvertLines(std::uint32_t aFirst, std::uint32_t aEnd, std::uint8_t* aDestination,
+                            std::ptrdiff_t aStrideBytes, StoreKind aStores) const;
 
   const LineSource& GetSource() const { return mSource; }
   /// Goes on with the same image elsewhere in memory; not beside ConvertLine.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 #undef HWY_TARGET_INCLUDE
@@ -60,20 +61,57 @@ struct Colours {
   hn::Vec<Tag> red;
 };
 
-/// The mean of four samples, rounded half up, out of the rounded means of the first and the last two. The mean of both
-/// is 1 too great where it was rounded up and so was one of them: the two roundings are one too many.
-template <typename Vector>
-HWY_INLINE Vector GetMeanOfFour(Vector aFirst, Vector aSecond, Vector aThird, Vector aFourth, Vector aMean,
-                                Vector aOtherMean) {
-  const hn::DFromV<Vector> tag;
-  const Vector wereRounded = hn::Or(hn::Xor(aFirst, aSecond), hn::Xor(aThird, aFourth));
-  const Vector excess = hn::And(hn::And(wereRounded, hn::Xor(aMean, aOtherMean)), hn::Set(tag, 1));
-  return hn::Sub(hn::AverageRound(aMean, aOtherMean), excess);
-}
+/// Samples and their means, rounded half up, by the bits above the lowest Shift: for samples that leave a word no room
+/// for a sum.
+template <int Shift>
+struct MeansOfMeans {
+  template <typename Vector>
+  static HWY_INLINE Vector Show(Vector aSample) {
+    if constexpr (Shift == 0)
+      return aSample;
+    else
+      return hn::ShiftRight<Shift>(aSample);
+  }
+  template <typename Vector>
+  static HWY_INLINE Vector ShowMean(Vector aFirst, Vector aSecond) {
+    return Show(hn::AverageRound(aFirst, aSecond));
+  }
+  /// The mean of the rounded means of two each is 1 too great where it was rounded up and so was one of them: the two
+  /// roundings are one too many.
+  template <typename Vector>
+  static HWY_INLINE Vector ShowMean(Vector aFirst, Vector aSecond, Vector aThird, Vector aFourth) {
+    const hn::DFromV<Vector> tag;
+    const Vector mean = hn::AverageRound(aFirst, aSecond);
+    const Vector otherMean = hn::AverageRound(aThird, aFourth);
+    const Vector wereRounded = hn::Or(hn::Xor(aFirst, aSecond), hn::Xor(aThird, aFourth));
+    const Vector excess = hn::And(hn::And(wereRounded, hn::Xor(mean, otherMean)), hn::Set(tag, 1));
+    return Show(hn::Sub(hn::AverageRound(mean, otherMean), excess));
+  }
+};
+
+/// The same for samples of which four and 2 may be added.
+template <int Shift>
+struct MeansOfSums {
+  template <typename Vector>
+  static HWY_INLINE Vector Show(Vector aSample) {
+    return hn::ShiftRight<Shift>(aSample);
+  }
+  template <typename Vector>
+  static HWY_INLINE Vector ShowMean(Vector aFirst, Vector aSecond) {
+    const hn::DFromV<Vector> tag;
+    return hn::ShiftRight<Shift + 1>(hn::Add(hn::Add(aFirst, aSecond), hn::Set(tag, 1)));
+  }
+  template <typename Vector>
+  static HWY_INLINE Vector ShowMean(Vector aFirst, Vector aSecond, Vector aThird, Vector aFourth) {
+    const hn::DFromV<Vector> tag;
+    const Vector sum = hn::Add(hn::Add(aFirst, aSecond), hn::Add(aThird, aFourth));
+    return hn::ShiftRight<Shift + 2>(hn::Add(sum, hn::Set(tag, 2)));
+  }
+};
 
 /// The pixels of a vector of columns. Ones in aColourColumns are in the columns that have the line's colour; the other
 /// ones have green.
-template <LineColour Colour, typename Tag>
+template <LineColour Colour, typename Means, typename Tag>
 HWY_INLINE Colours<Tag> InterpolateVector(Tag aTag, const Neighbourhood<hn::TFromD<Tag>>& aLines, std::size_t aX,
                                           hn::Mask<Tag> aColourColumns) {
   const auto aboveLeft = hn::LoadU(aTag, aLines.above + aX - 1);
@@ -86,14 +124,14 @@ HWY_INLINE Colours<Tag> InterpolateVector(Tag aTag, const Neighbourhood<hn::TFro
   const auto below = hn::LoadU(aTag, aLines.below + aX);
   const auto belowRight = hn::LoadU(aTag, aLines.below + aX + 1);
 
-  const auto besides = hn::AverageRound(left, right);
-  const auto aboveAndBelow = hn::AverageRound(above, below);
-  const auto cross = GetMeanOfFour(left, right, above, below, besides, aboveAndBelow);
-  const auto corners = GetMeanOfFour(aboveLeft, aboveRight, belowLeft, belowRight,
-                                     hn::AverageRound(aboveLeft, aboveRight), hn::AverageRound(belowLeft, belowRight));
+  const auto own = Means::Show(here);
+  const auto besides = Means::ShowMean(left, right);
+  const auto aboveAndBelow = Means::ShowMean(above, below);
+  const auto cross = Means::ShowMean(left, right, above, below);
+  const auto corners = Means::ShowMean(aboveLeft, aboveRight, belowLeft, belowRight);
 
-  const auto lineColour = hn::IfThenElse(aColourColumns, here, besides);
-  const auto green = hn::IfThenElse(aColourColumns, cross, here);
+  const auto lineColour = hn::IfThenElse(aColourColumns, own, besides);
+  const auto green = hn::IfThenElse(aColourColumns, cross, own);
   const auto otherColour = hn::IfThenElse(aColourColumns, corners, aboveAndBelow);
   if constexpr (Colour == LineColour::Red)
     return {otherColour, green, lineColour};
@@ -134,11 +172,11 @@ public:
     const auto columns = FindColumns(tag, (mColourColumn + aX) % 2);
     Colours<PixelByteTag> colours;
     if (HWY_UNLIKELY(aX == 0))
-      colours = InterpolateVector<Colour>(tag, {mStart[0], mStart[1], mStart[2]}, 1, columns);
+      colours = InterpolateVector<Colour, MeansOfMeans<0>>(tag, {mStart[0], mStart[1], mStart[2]}, 1, columns);
     else if (HWY_UNLIKELY(aX == mLastStep))
-      colours = InterpolateVector<Colour>(tag, {mEnd[0], mEnd[1], mEnd[2]}, 1, columns);
+      colours = InterpolateVector<Colour, MeansOfMeans<0>>(tag, {mEnd[0], mEnd[1], mEnd[2]}, 1, columns);
     else
-      colours = InterpolateVector<Colour>(tag, mLines, aX, columns);
+      colours = InterpolateVector<Colour, MeansOfMeans<0>>(tag, mLines, aX, columns);
     StoreColours<Place>(mSpreader, colours.blue, colours.green, colours.red, aBgra);
   }
 
@@ -184,15 +222,14 @@ public:
 
   template <Placement Place>
   HWY_INLINE void Step(std::size_t aX, std::uint8_t* aBgra) const {
-    constexpr int kShift = Bits - 8;
     const auto columns = FindColumns(kTag, (mColourColumn + aX) % 2);
-    const Colours<Tag> deep = InterpolateVector<Colour>(kTag, mRuns, aX, columns);
-    StoreColourPairs<Place>(mSpreader, hn::ShiftRight<kShift>(deep.blue), hn::ShiftRight<kShift>(deep.green),
-                            hn::ShiftRight<kShift>(deep.red), aBgra);
+    const Colours<Tag> colours = InterpolateVector<Colour, Means>(kTag, mRuns, aX, columns);
+    StoreColourPairs<Place>(mSpreader, colours.blue, colours.green, colours.red, aBgra);
   }
 
 private:
   using Tag = hn::Repartition<std::uint16_t, PixelTag>;
+  using Means = std::conditional_t<(Bits <= 14), MeansOfSums<Bits - 8>, MeansOfMeans<Bits - 8>>;
   static constexpr Tag kTag{};
 
   Neighbourhood<std::uint16_t> mRuns;

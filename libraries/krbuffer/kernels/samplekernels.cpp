@@ -162,23 +162,46 @@ struct TopByte {
   }
 };
 
+/// Where the bytes of the last steps of a line are read: a copy with room for a whole vector after them.
+class EndCopy {
+public:
+  /// aBytes are followed by aCount bytes of the line, and preceded by aBefore ones.
+  EndCopy(const std::uint8_t* aBytes, std::size_t aCount, std::size_t aBefore) {
+    const PixelByteTag bytes;
+    const std::size_t vectorBytes = hn::Lanes(bytes);
+    if (aCount <= vectorBytes && aBefore + aCount >= vectorBytes) {
+      // The line's last vector at once takes less time than a few bytes one by one.
+      hn::Store(hn::LoadU(bytes, aBytes + aCount - vectorBytes), bytes, mCopy);
+      mFirst = mCopy + (vectorBytes - aCount);
+    } else {
+      std::memcpy(mCopy, aBytes, std::min(aCount, kMostVectorBytes));
+      mFirst = mCopy;
+    }
+  }
+  const std::uint8_t* GetFirst() const { return mFirst; }
+
+private:
+  HWY_ALIGN std::uint8_t mCopy[2 * kMostVectorBytes] = {};
+  const std::uint8_t* mFirst;
+};
+
 /// Steps of a vector while that is all there, and then ones from and to copies.
 template <typename Packing, typename Result>
 void ReadBy(const std::uint8_t* aLine, std::size_t aFirst, std::size_t aCount, typename Result::Value* aResults) {
+  const auto countBytes = [](std::size_t aSamples) { return (aSamples * Packing::kSampleBits + 7) / 8; };
   const std::size_t step = hn::Lanes(PairTag());
   const std::size_t readBytes = hn::Lanes(PixelByteTag());
-  const std::size_t bytesThere = (aCount * Packing::kSampleBits + 7) / 8;
-  const std::uint8_t* bytes = aLine + aFirst * Packing::kSampleBits / 8;
+  const std::size_t bytesThere = countBytes(aCount);
+  const std::uint8_t* bytes = aLine + countBytes(aFirst);
   const Packing packing;
   std::size_t i = 0;
-  for (; i + step <= aCount && i * Packing::kSampleBits / 8 + readBytes <= bytesThere; i += step)
-    Result::Store(packing.Load(bytes + i * Packing::kSampleBits / 8), aResults + i);
+  for (; i + step <= aCount && countBytes(i) + readBytes <= bytesThere; i += step)
+    Result::Store(packing.Load(bytes + countBytes(i)), aResults + i);
   for (; i < aCount; i += step) {
     const std::size_t samples = std::min(step, aCount - i);
-    std::uint8_t source[kMostVectorBytes] = {};
-    std::memcpy(source, bytes + i * Packing::kSampleBits / 8, (samples * Packing::kSampleBits + 7) / 8);
+    const EndCopy source(bytes + countBytes(i), countBytes(samples), countBytes(i));
     typename Result::Value results[kMostVectorBytes / 2];
-    Result::Store(packing.Load(source), results);
+    Result::Store(packing.Load(source.GetFirst()), results);
     std::copy_n(results, samples, aResults + i);
   }
 }
