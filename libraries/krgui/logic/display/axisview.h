@@ -29,7 +29,8 @@ public:
     std::uint32_t image = 0;
     double factor = 1.0;
 
-    /// The integer part of the zoomed image's size. A number of the range of 64 bits, which integers of 32 would cut.
+    /// The zoomed image's size, rounded to whole pixels; kept as it is computed, as it may be more than any integer
+    /// holds.
     double GetZoomedSize() const;
     /// Whether the client area is too small for the zoomed image.
     bool IsBarNeeded() const { return GetZoomedSize() > client; }
