@@ -157,6 +157,7 @@ TEST(FrameRenderer_DrawImage, SpecialViews_EqualAPlainComputation) {
            Row{"beginning outside the canvas", 80, 60, {-13, -9, 57, 41}, {0, 0, 80, 60}},
            Row{"ending outside the canvas", 80, 60, {13, 9, 200, 100}, {0, 0, 80, 60}},
            Row{"one to one, ending outside the canvas", 100, 60, {0, 0, 100, 60}, {0, 0, 100, 60}},
+           Row{"twice the size, cut to a line's width", 70, 50, {0, 0, 140, 50}, {0, 0, 70, 50}},
            Row{"outside the canvas", 80, 60, {70, 0, 140, 50}, {0, 0, 80, 60}},
            Row{"no destination", 80, 60, {20, 20, 20, 30}, {0, 0, 80, 60}},
        })

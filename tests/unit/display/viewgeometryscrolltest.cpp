@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
+
 using namespace krgui;
 
 namespace {
@@ -67,6 +69,23 @@ TEST(ViewGeometry_Update, RangeOfNothing_IsCentredAnewByTheNextRange) {
   view.Update(321, 10);
 
   EXPECT_EQ(view.GetScrollPosition(ViewAxis::Horizontal), 161); // Half of the integer part of 643.2 - 321.
+}
+
+TEST(ViewGeometry_Update, RangeBeyond32Bits_EndsWhereThePageStillFits) {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  ViewGeometry view;
+  view.SetClient(1018, 1018, kBar);
+  view.ZoomIn(1e9);
+  view.Update(65535, 65535);
+  for (const ViewAxis axis : {ViewAxis::Horizontal, ViewAxis::Vertical}) {
+    EXPECT_EQ(view.GetBar(axis).GetMaximum(), kMost);
+    EXPECT_EQ(view.GetBar(axis).GetPage(), 250);
+    EXPECT_EQ(view.GetScrollPosition(axis), (kMost - 250) / 2);
+
+    view.Scroll(axis, ScrollCode::Most, 0);
+
+    EXPECT_EQ(view.GetScrollPosition(axis), kMost - 250);
+  }
 }
 
 TEST(ViewGeometry_Update, SourceOutsideTheImage_IsCorrectedWithWarnings) {
