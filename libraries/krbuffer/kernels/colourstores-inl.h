@@ -78,13 +78,13 @@ HWY_INLINE void StoreColourPairs(const PairSpreader& aSpreader, PairVector aBlue
 /// Writes a line by a kernel as WriteLine does, but for kernels whose first step may read and write beyond any line:
 /// they need no WritePixel and no GetStepRange.
 template <typename Kernel>
-HWY_INLINE void WriteWholeLine(const Kernel& aKernel, std::size_t aWidth, std::uint8_t* aBgra, StoreKind aStores) {
+void WriteWholeLine(const Kernel& aKernel, std::size_t aWidth, std::uint8_t* aBgra, StoreKind aStores) {
   if (aWidth >= aKernel.GetStepPixels()) {
     WriteRange(aKernel, {0, aWidth}, aBgra, aStores);
     return;
   }
   std::uint8_t pixels[kBgraBytes * kMostVectorBytes];
-  aKernel.template Step<Placement::Anywhere>(0, pixels);
+  WriteSteps<Placement::Anywhere>(aKernel, 0, aKernel.GetStepPixels(), pixels);
   std::memcpy(aBgra, pixels, kBgraBytes * aWidth);
 }
 

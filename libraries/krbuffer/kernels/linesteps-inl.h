@@ -64,12 +64,15 @@ HWY_INLINE PixelVector MakeOpaque(PixelVector aPixels) {
   return hn::Or(aPixels, hn::Set(PixelTag(), kOpaque << 24));
 }
 
-/// Writes as many steps as there are from aX on and returns where the next one would begin.
+/// Writes as many steps as there are from aX on, whose first pixel goes to aPixel, and returns where the next one would
+/// begin. Steps are compiled nowhere else: inlined wherever a line begins and ends, they take the compiler minutes.
 template <Placement Place, typename Kernel>
-HWY_INLINE std::size_t WriteSteps(const Kernel& aKernel, std::size_t aX, std::size_t aEnd, std::uint8_t* aBgra) {
-  const std::size_t step = aKernel.GetStepPixels();
-  for (; aX + step <= aEnd; aX += step)
-    aKernel.template Step<Place>(aX, aBgra + kBgraBytes * aX);
+HWY_NOINLINE std::size_t WriteSteps(const Kernel& aKernel, std::size_t aX, std::size_t aEnd, std::uint8_t* aPixel) {
+  // What is stored could be the caller's kernel, for all that the compiler knows, but not this one.
+  const Kernel kernel = aKernel;
+  const std::size_t step = kernel.GetStepPixels();
+  for (; aX + step <= aEnd; aX += step, aPixel += kBgraBytes * step)
+    kernel.template Step<Place>(aX, aPixel);
   return aX;
 }
 
@@ -87,35 +90,36 @@ HWY_INLINE Distance FindDistance(const std::uint8_t* aBgra, std::size_t aMultipl
 
 /// Writes some pixels of a step, which begins at aX, and nothing of the others.
 template <typename Kernel>
-HWY_INLINE void WritePartOfStep(const Kernel& aKernel, std::size_t aX, std::size_t aFirst, std::size_t aEnd,
-                                std::uint8_t* aBgra) {
+void WritePartOfStep(const Kernel& aKernel, std::size_t aX, std::size_t aFirst, std::size_t aEnd, std::uint8_t* aBgra) {
   HWY_ALIGN std::uint8_t pixels[kMostStepBytes];
-  aKernel.template Step<Placement::Aligned>(aX, pixels);
+  WriteSteps<Placement::Aligned>(aKernel, aX, aX + aKernel.GetStepPixels(), pixels);
   std::memcpy(aBgra + kBgraBytes * aFirst, pixels + kBgraBytes * (aFirst - aX), kBgraBytes * (aEnd - aFirst));
 }
 
 /// The range with at least one step in it, within the cache. Its ends are written by steps that overlap the aligned
 /// ones between them: a pixel that is written twice is the same both times.
 template <typename Kernel>
-HWY_INLINE void WriteCached(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra) {
+void WriteCached(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra) {
+  const std::size_t step = aKernel.GetStepPixels();
   std::size_t x = aRange.first;
   const Distance head = FindDistance(aBgra + kBgraBytes * x, hn::Lanes(PixelByteTag()));
   if (!head.isWhole || head.pixels % Kernel::kGroup != 0) {
-    x = WriteSteps<Placement::Anywhere>(aKernel, x, aRange.end, aBgra);
+    x = WriteSteps<Placement::Anywhere>(aKernel, x, aRange.end, aBgra + kBgraBytes * x);
   } else {
     if (head.pixels != 0)
-      aKernel.template Step<Placement::Anywhere>(x, aBgra + kBgraBytes * x);
-    x = WriteSteps<Placement::Aligned>(aKernel, x + head.pixels, aRange.end, aBgra);
+      WriteSteps<Placement::Anywhere>(aKernel, x, x + step, aBgra + kBgraBytes * x);
+    x += head.pixels;
+    x = WriteSteps<Placement::Aligned>(aKernel, x, aRange.end, aBgra + kBgraBytes * x);
   }
-  const std::size_t last = aRange.end - aKernel.GetStepPixels();
+  const std::size_t last = aRange.end - step;
   if (x < aRange.end)
-    aKernel.template Step<Placement::Anywhere>(last, aBgra + kBgraBytes * last);
+    WriteSteps<Placement::Anywhere>(aKernel, last, aRange.end, aBgra + kBgraBytes * last);
 }
 
 /// The same past the cache, by whole lines of the cache. What is left over at both ends overlaps none of them: storing
 /// in both ways to the same line takes longer than all else.
 template <typename Kernel>
-HWY_INLINE void WriteStreaming(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra) {
+void WriteStreaming(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra) {
   const std::size_t step = aKernel.GetStepPixels();
   const std::size_t unit = HWY_MAX(step, kCacheLineBytes / kBgraBytes);
   const Distance head = FindDistance(aBgra + kBgraBytes * aRange.first, kCacheLineBytes);
@@ -124,19 +128,20 @@ HWY_INLINE void WriteStreaming(const Kernel& aKernel, StepRange aRange, std::uin
     WriteCached(aKernel, aRange, aBgra);
     return;
   }
-  const std::size_t beforeFirst = WriteSteps<Placement::Anywhere>(aKernel, aRange.first, first, aBgra);
+  const std::size_t beforeFirst =
+      WriteSteps<Placement::Anywhere>(aKernel, aRange.first, first, aBgra + kBgraBytes * aRange.first);
   if (beforeFirst < first)
     WritePartOfStep(aKernel, beforeFirst, beforeFirst, first, aBgra);
   const std::size_t end = first + (aRange.end - first) / unit * unit;
-  WriteSteps<Placement::Streamed>(aKernel, first, end, aBgra);
-  const std::size_t afterSteps = WriteSteps<Placement::Anywhere>(aKernel, end, aRange.end, aBgra);
+  WriteSteps<Placement::Streamed>(aKernel, first, end, aBgra + kBgraBytes * first);
+  const std::size_t afterSteps = WriteSteps<Placement::Anywhere>(aKernel, end, aRange.end, aBgra + kBgraBytes * end);
   if (afterSteps < aRange.end)
     WritePartOfStep(aKernel, aRange.end - step, afterSteps, aRange.end, aBgra);
 }
 
 /// The range with at least one step in it, in the way that is wanted.
 template <typename Kernel>
-HWY_INLINE void WriteRange(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra, StoreKind aStores) {
+void WriteRange(const Kernel& aKernel, StepRange aRange, std::uint8_t* aBgra, StoreKind aStores) {
   if (aStores == StoreKind::Streaming)
     WriteStreaming(aKernel, aRange, aBgra);
   else

@@ -40,26 +40,25 @@ HWY_INLINE SumVector MultiplyPairs(SignedVector aFirst, SignedVector aSecond) {
 }
 
 /// What each kernel computes of luma and chroma; chroma comes as words less 128, U and V in turns.
-template <std::size_t MatrixIndex>
 class Mixer {
 public:
+  explicit HWY_INLINE Mixer(const LumaChromaMatrix& aMatrix)
+      : mLuma(hn::Set(SignedTag(), aMatrix.luma)), mLumaAddend(hn::Set(SignedTag(), aMatrix.lumaAddend)),
+        mWhole(SetTurns(aMatrix.blueWhole, aMatrix.redWhole)), mPart(SetTurns(aMatrix.bluePart, aMatrix.redPart)),
+        mGreenHigh(SetTurns(aMatrix.greenU >> kGreenLowBits, aMatrix.greenV >> kGreenLowBits)),
+        mGreenLow(SetTurns(aMatrix.greenU & kGreenLowMask, aMatrix.greenV & kGreenLowMask)),
+        mGreenAddend(hn::Set(SumTag(), aMatrix.greenAddend)), mReciprocal(hn::Set(SignedTag(), aMatrix.reciprocal)) {}
+
   /// d-ths.
-  HWY_INLINE SignedVector WeighLuma(SignedVector aLuma) const {
-    const SignedTag words;
-    return hn::Add(hn::Mul(aLuma, hn::Set(words, kMatrix.luma)), hn::Set(words, kMatrix.lumaAddend));
-  }
+  HWY_INLINE SignedVector WeighLuma(SignedVector aLuma) const { return hn::Add(hn::Mul(aLuma, mLuma), mLumaAddend); }
   /// d-ths of blue and red in turns.
   HWY_INLINE SignedVector WeighBlueAndRed(SignedVector aChroma) const {
-    return hn::Add(hn::Mul(aChroma, SetTurns(kMatrix.blueWhole, kMatrix.redWhole)),
-                   hn::MulFixedPoint15(aChroma, SetTurns(kMatrix.bluePart, kMatrix.redPart)));
+    return hn::Add(hn::Mul(aChroma, mWhole), hn::MulFixedPoint15(aChroma, mPart));
   }
   /// d-ths in the lower word of each sum.
   HWY_INLINE SumVector WeighGreen(SignedVector aChroma) const {
-    constexpr std::int32_t kLow = (1 << kGreenLowBits) - 1;
-    const SumVector high =
-        MultiplyPairs(aChroma, SetTurns(kMatrix.greenU >> kGreenLowBits, kMatrix.greenV >> kGreenLowBits));
-    const SumVector low = MultiplyPairs(aChroma, SetTurns(kMatrix.greenU & kLow, kMatrix.greenV & kLow));
-    const SumVector carry = hn::ShiftRight<kGreenLowBits>(hn::Add(low, hn::Set(SumTag(), kMatrix.greenAddend)));
+    const SumVector high = MultiplyPairs(aChroma, mGreenHigh);
+    const SumVector carry = hn::ShiftRight<kGreenLowBits>(hn::Add(MultiplyPairs(aChroma, mGreenLow), mGreenAddend));
     return hn::ShiftRight<kGreenBits - kGreenLowBits>(hn::Add(high, carry));
   }
   /// Sixty-fourths of a colour, of which the whole ones are 0 to 255.
@@ -68,12 +67,21 @@ public:
     const SignedTag words;
     // Sums that are too great stay so.
     const SignedVector sum = hn::SaturatedAdd(aWeighedLuma, aWeighedChroma);
-    const SignedVector quotient = hn::MulFixedPoint15(sum, hn::Set(words, kMatrix.reciprocal));
+    const SignedVector quotient = hn::MulFixedPoint15(sum, mReciprocal);
     return hn::Min(hn::Max(quotient, hn::Zero(words)), hn::Set(words, kMost));
   }
 
 private:
-  static constexpr LumaChromaMatrix kMatrix = kLumaChromaMatrices[MatrixIndex];
+  static constexpr std::int32_t kGreenLowMask = (1 << kGreenLowBits) - 1;
+
+  SignedVector mLuma;
+  SignedVector mLumaAddend;
+  SignedVector mWhole;
+  SignedVector mPart;
+  SignedVector mGreenHigh;
+  SignedVector mGreenLow;
+  SumVector mGreenAddend;
+  SignedVector mReciprocal;
 };
 
 /// The bytes of a vector by tables that were made for the source's order.
@@ -177,10 +185,11 @@ private:
 };
 
 /// Pixels that share their chroma with a neighbour; as many in a step as a vector has words.
-template <typename Group, std::size_t MatrixIndex>
+template <typename Group>
 class SharedChromaKernel : public Group {
 public:
-  explicit SharedChromaKernel(const std::uint8_t* aLine) : mLine(aLine) {}
+  HWY_INLINE SharedChromaKernel(const std::uint8_t* aLine, const LumaChromaMatrix& aMatrix)
+      : mLine(aLine), mMixer(aMatrix) {}
 
   static HWY_INLINE std::size_t GetStepPixels() { return hn::Lanes(PairTag()); }
 
@@ -222,7 +231,7 @@ private:
   }
 
   const std::uint8_t* mLine;
-  Mixer<MatrixIndex> mMixer;
+  Mixer mMixer;
 };
 
 /// Pixels of three bytes; as many in a step as a vector has.
@@ -245,13 +254,13 @@ struct One {
   static_assert(kLumaTables.words == kChromaTables.words);
 };
 
-template <typename Group, std::size_t MatrixIndex>
+template <typename Group>
 class OwnChromaKernel : public Group {
 public:
-  explicit HWY_INLINE OwnChromaKernel(const std::uint8_t* aLine)
+  HWY_INLINE OwnChromaKernel(const std::uint8_t* aLine, const LumaChromaMatrix& aMatrix)
       : mLine(aLine), mGatherer(Group::kLumaTables),
         mLumaMoves(hn::Load(PixelByteTag(), Group::kLumaTables.bytes.data())),
-        mChromaMoves(hn::Load(PixelByteTag(), Group::kChromaTables.bytes.data())) {}
+        mChromaMoves(hn::Load(PixelByteTag(), Group::kChromaTables.bytes.data())), mMixer(aMatrix) {}
 
   static HWY_INLINE std::size_t GetStepPixels() { return hn::Lanes(PixelTag()); }
 
@@ -282,7 +291,7 @@ private:
   Gatherer mGatherer;
   ByteVector mLumaMoves;
   ByteVector mChromaMoves;
-  Mixer<MatrixIndex> mMixer;
+  Mixer mMixer;
 };
 
 /// Gives the last group of a line, which may end within it, the chroma of the group before it, or none, where its own
@@ -295,6 +304,12 @@ void CompleteChroma(const std::uint8_t* aLine, std::size_t aLastGroup, std::size
   const std::uint8_t* before = aLine + (aLastGroup - 1) * Group::kBytes;
   aGroup[Group::kU] = aLastGroup == 0 ? kNone : before[Group::kU];
   aGroup[Group::kV] = aLastGroup == 0 ? kNone : before[Group::kV];
+}
+
+/// Compiled apart from the steps of the line.
+template <typename Kernel>
+HWY_NOINLINE void WriteCopied(const Kernel& aKernel, const std::uint8_t* aCopy, std::uint8_t* aBgra) {
+  aKernel.template StepFrom<Placement::Anywhere>(aCopy, aBgra);
 }
 
 /// Writes the pixels from aX on, at most a step, out of a copy of their bytes, so that nothing beyond the line is read
@@ -310,17 +325,18 @@ void WriteEnd(const Kernel& aKernel, const std::uint8_t* aLine, std::size_t aX, 
   if (aX + pixels == aWidth)
     CompleteChroma<Kernel>(aLine, (aWidth - 1) / Kernel::kPixels, aLineBytes, copy + (groups - 1) * Kernel::kBytes);
   std::uint8_t bgra[kBgraBytes * kMostVectorBytes];
-  aKernel.template StepFrom<Placement::Anywhere>(copy, bgra);
+  WriteCopied(aKernel, copy, bgra);
   std::memcpy(aBgra + kBgraBytes * aX, bgra, kBgraBytes * pixels);
 }
 
 template <typename Kernel>
-void ReadBy(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind aStores) {
+void ReadByMatrix(const LineSource& aSource, std::uint32_t aLine, const LumaChromaMatrix& aMatrix, std::uint8_t* aBgra,
+                  StoreKind aStores) {
   const std::uint8_t* line = aSource.GetLine(aLine);
   const std::size_t width = aSource.width;
   const std::size_t lineBytes = (width * Kernel::kBytes + Kernel::kPixels - 1) / Kernel::kPixels;
   const std::size_t readBytes = hn::Lanes(PixelByteTag());
-  const Kernel kernel(line);
+  const Kernel kernel(line, aMatrix);
   std::size_t x = 0;
   // Steps read a whole vector of bytes.
   if (lineBytes >= readBytes && width >= kernel.GetStepPixels()) {
@@ -333,22 +349,19 @@ void ReadBy(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra,
     WriteEnd(kernel, line, x, width, lineBytes, aBgra);
 }
 
+template <typename Kernel, std::size_t MatrixIndex>
+void ReadBy(const LineSource& aSource, std::uint32_t aLine, std::uint8_t* aBgra, StoreKind aStores) {
+  ReadByMatrix<Kernel>(aSource, aLine, kLumaChromaMatrices[MatrixIndex], aBgra, aStores);
+}
+
 struct LumaChromaRow {
   KrPixelLayout layout;
   std::array<LineReader, kLumaChromaMatrices.size()> readers;
 };
 
-template <typename Group>
-constexpr LumaChromaRow MakeShared(KrPixelLayout aLayout) {
-  return {aLayout,
-          {&ReadBy<SharedChromaKernel<Group, 0>>, &ReadBy<SharedChromaKernel<Group, 1>>,
-           &ReadBy<SharedChromaKernel<Group, 2>>}};
-}
-
-template <typename Group>
-constexpr LumaChromaRow MakeOwn(KrPixelLayout aLayout) {
-  return {aLayout,
-          {&ReadBy<OwnChromaKernel<Group, 0>>, &ReadBy<OwnChromaKernel<Group, 1>>, &ReadBy<OwnChromaKernel<Group, 2>>}};
+template <typename Kernel>
+constexpr LumaChromaRow MakeRow(KrPixelLayout aLayout) {
+  return {aLayout, {&ReadBy<Kernel, 0>, &ReadBy<Kernel, 1>, &ReadBy<Kernel, 2>}};
 }
 
 #endif // HWY_TARGET != HWY_SCALAR
@@ -356,9 +369,12 @@ constexpr LumaChromaRow MakeOwn(KrPixelLayout aLayout) {
 LineReader FindLumaChromaOfTarget([[maybe_unused]] const KrPixelTypeInfo& aFormat) {
 #if HWY_TARGET != HWY_SCALAR
   static constexpr std::array kRows = {
-      MakeOwn<One<true>>(KrPixelLayout::YUV),        MakeOwn<One<false>>(KrPixelLayout::UYV),
-      MakeShared<TwoLumaFirst>(KrPixelLayout::YUYV), MakeShared<TwoChromaFirst>(KrPixelLayout::UYVY),
-      MakeShared<Four<true>>(KrPixelLayout::UYYVYY), MakeShared<Four<false>>(KrPixelLayout::YYUYYV),
+      MakeRow<OwnChromaKernel<One<true>>>(KrPixelLayout::YUV),
+      MakeRow<OwnChromaKernel<One<false>>>(KrPixelLayout::UYV),
+      MakeRow<SharedChromaKernel<TwoLumaFirst>>(KrPixelLayout::YUYV),
+      MakeRow<SharedChromaKernel<TwoChromaFirst>>(KrPixelLayout::UYVY),
+      MakeRow<SharedChromaKernel<Four<true>>>(KrPixelLayout::UYYVYY),
+      MakeRow<SharedChromaKernel<Four<false>>>(KrPixelLayout::YYUYYV),
   };
   for (const LumaChromaRow& row : kRows)
     for (std::size_t matrix = 0; matrix < kLumaChromaMatrices.size(); ++matrix)
