@@ -40,11 +40,10 @@ inline Grab MakeUniform(int aWidth, int aHeight, std::uint32_t aColor) {
 }
 
 inline void Draw(const Canvas& aCanvas, const Grab& aPicture) {
-  for (int y = 0; y < aPicture.height; ++y) {
+  const std::uint32_t* from = aPicture.pixels.data();
+  for (int y = 0; y < aPicture.height; ++y, from += aPicture.width) {
     std::uint32_t* row = aCanvas.plane.pixels + static_cast<std::size_t>(y) * aCanvas.plane.rowPixels;
-    for (int x = 0; x < aPicture.width; ++x) {
-      row[x] = aPicture.At(x, y) | 0xff000000;
-    }
+    std::transform(from, from + aPicture.width, row, [](std::uint32_t aPixel) { return aPixel | 0xff000000; });
   }
 }
 

@@ -11,15 +11,17 @@
 
 #include <csignal>
 #include <string>
+#include <vector>
 
 namespace krgui {
 
 class XvfbServer {
 public:
-  XvfbServer() {
+  /// With a screen of so many bits a pixel, and further arguments for the server.
+  explicit XvfbServer(int aDepth = 24, const std::vector<std::string>& aMore = {}) {
     int ends[2] = {-1, -1};
     EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    Start(ends[1]);
+    Start(ends[1], aDepth, aMore);
     close(ends[1]);
     mDisplayName = ":" + ReadLine(ends[0]);
     close(ends[0]);
@@ -48,17 +50,22 @@ public:
   }
 
 private:
-  void Start(int aReadyEnd) {
+  void Start(int aReadyEnd, int aDepth, const std::vector<std::string>& aMore) {
     constexpr int kReady = 3;
-    char name[] = "Xvfb", display[] = "-displayfd", ready[] = "3", screen[] = "-screen", number[] = "0",
-         size[] = "1024x768x24", nolisten[] = "-nolisten", tcp[] = "tcp", noreset[] = "-noreset";
-    char* arguments[] = {name, display, ready, screen, number, size, nolisten, tcp, noreset, nullptr};
+    std::vector<std::string> words = {"Xvfb", "-displayfd", std::to_string(kReady), "-nolisten", "tcp", "-noreset"};
+    words.insert(words.end(), {"-screen", "0", "1024x768x" + std::to_string(aDepth)});
+    words.insert(words.end(), aMore.begin(), aMore.end());
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+      arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, aReadyEnd, kReady);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    EXPECT_EQ(posix_spawnp(&mProcess, name, &actions, nullptr, arguments, environ), 0);
+    EXPECT_EQ(posix_spawnp(&mProcess, arguments[0], &actions, nullptr, arguments.data(), environ), 0);
     posix_spawn_file_actions_destroy(&actions);
   }
   /// What the server writes when it is ready: the number of its display.

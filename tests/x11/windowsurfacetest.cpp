@@ -261,7 +261,7 @@ TEST_P(WindowSurface, SurfaceEndsWhileFramesAreSent_WindowAndServerGoOn) {
 }
 
 TEST_P(WindowSurface, FramesAtFullRate_AreNeverSeenInParts) {
-  constexpr int kWidth = 800, kHeight = 600;
+  constexpr int kWidth = 500, kHeight = 400;
   const SurfaceWindow window(40, 50, kWidth, kHeight);
   const auto surface = Make(window);
   std::atomic<bool> isEnding = false;
