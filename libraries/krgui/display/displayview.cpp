@@ -75,6 +75,8 @@ void DisplayView::DropSurface() {
 }
 
 void DisplayView::MakeSurface() {
+  if (mSurface && mSurface->IsLost())
+    DropSurface();
   if (mSurface || mIsWithdrawn || (mPaintsOnScreen && internalWinId() == 0))
     return;
   mSurface = MakeDrawingSurface(*this, mPaintsOnScreen ? mBest : SurfaceKind::Invalidation);

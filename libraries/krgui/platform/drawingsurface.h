@@ -49,7 +49,8 @@ public:
   /// where it cannot get there.
   virtual bool Present(const PixelRect& aRect, std::uint64_t aContentTag) = 0;
   /// True for good when nothing gets to the screen any more: the window or the connection is gone, or the server
-  /// refused something. Begin then gives nothing; the owner makes another surface if its window still lives.
+  /// refused something. Begin then gives nothing; the owner makes another surface if its window still lives. Any
+  /// thread, at any time.
   virtual bool IsLost() const { return false; }
   /// For the invalidation kind: the picture last presented, with the size it was begun with. Null for all others.
   virtual const QImage* GetPicture() const { return nullptr; }

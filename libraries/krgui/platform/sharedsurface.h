@@ -8,6 +8,7 @@
 #include "platform/windowconnection.h"
 
 #include <array>
+#include <atomic>
 
 namespace krgui {
 
@@ -53,7 +54,7 @@ private:
   std::size_t mLatest = 0;  ///< The buffer last presented, or begun.
   Buffer* mBegun = nullptr; ///< What Present will send.
   bool mIsStalled = false;  ///< The server has let a limit pass and said nothing since.
-  bool mIsLost = false;
+  std::atomic<bool> mIsLost = false;
 };
 
 } // namespace krgui
