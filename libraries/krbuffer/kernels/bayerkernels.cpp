@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <type_traits>
 #include <utility>
 
@@ -148,65 +149,81 @@ HWY_INLINE hn::Mask<Tag> FindColumns(Tag aTag, std::size_t aParity) {
   return hn::MaskFromVec(hn::BitCast(aTag, hn::Set(pairs, aParity == 0 ? kEven : static_cast<Pair>(~kEven))));
 }
 
-/// Bytes. Steps at the ends of the line read copies of it that the mirrored neighbours were added to.
+/// Copies of both ends of three lines of bytes, with the mirrored neighbours: what the first and the last step read.
+class LineEnds {
+public:
+  LineEnds(const Neighbourhood<std::uint8_t>& aLines, std::size_t aWidth) : mWidth(aWidth) {
+    const std::uint8_t* const lines[kLines] = {aLines.above, aLines.here, aLines.below};
+    for (std::size_t line = 0; line < kLines; ++line)
+      if (aWidth > hn::Lanes(PixelByteTag()))
+        CopyEnds(lines[line], line);
+      else
+        CopyWhole(lines[line], line);
+  }
+  /// Column 1 of these is the first one of the step.
+  Neighbourhood<std::uint8_t> GetStart() const { return {mStart[0], mStart[1], mStart[2]}; }
+  Neighbourhood<std::uint8_t> GetEnd() const { return {mEnd[0], mEnd[1], mEnd[2]}; }
+
+private:
+  static constexpr std::size_t kLines = 3;
+
+  void CopyEnds(const std::uint8_t* aLine, std::size_t aIndex) {
+    const PixelByteTag tag;
+    const std::size_t step = hn::Lanes(tag);
+    const std::uint8_t* last = aLine + mWidth - step;
+    mStart[aIndex][0] = aLine[1];
+    hn::StoreU(hn::LoadU(tag, aLine), tag, mStart[aIndex] + 1);
+    mStart[aIndex][step + 1] = aLine[step];
+    mEnd[aIndex][0] = last[-1];
+    hn::StoreU(hn::LoadU(tag, last), tag, mEnd[aIndex] + 1);
+    mEnd[aIndex][step + 1] = aLine[mWidth - 2];
+  }
+  /// A line that one step writes.
+  void CopyWhole(const std::uint8_t* aLine, std::size_t aIndex) {
+    std::fill(std::begin(mStart[aIndex]), std::end(mStart[aIndex]), std::uint8_t{0});
+    mStart[aIndex][0] = aLine[1];
+    std::memcpy(mStart[aIndex] + 1, aLine, mWidth);
+    mStart[aIndex][mWidth + 1] = aLine[mWidth - 2];
+  }
+
+  std::size_t mWidth;
+  std::uint8_t mStart[kLines][kMostVectorBytes + 2];
+  std::uint8_t mEnd[kLines][kMostVectorBytes + 2];
+};
+
+/// Bytes.
 template <LineColour Colour>
 class ByteKernel {
 public:
   static constexpr std::size_t kGroup = 1;
 
-  ByteKernel(const Neighbourhood<std::uint8_t>& aLines, std::size_t aColourColumn, std::size_t aWidth)
-      : mLines(aLines), mColourColumn(aColourColumn), mWidth(aWidth),
-        mLastStep(aWidth - std::min(aWidth, GetStepPixels())) {
-    const std::uint8_t* const lines[kLines] = {aLines.above, aLines.here, aLines.below};
-    for (std::size_t line = 0; line < kLines; ++line) {
-      CopyStart(lines[line], mStart[line]);
-      CopyEnd(lines[line], mEnd[line]);
-    }
-  }
+  HWY_INLINE ByteKernel(const Neighbourhood<std::uint8_t>& aLines, const LineEnds& aEnds, std::size_t aColourColumn,
+                        std::size_t aWidth)
+      : mLines(aLines), mEnds(&aEnds), mColourColumn(aColourColumn),
+        mLastStep(aWidth - std::min(aWidth, GetStepPixels())) {}
 
   static HWY_INLINE std::size_t GetStepPixels() { return hn::Lanes(PixelByteTag()); }
 
   template <Placement Place>
   HWY_INLINE void Step(std::size_t aX, std::uint8_t* aBgra) const {
     const PixelByteTag tag;
+    Neighbourhood<std::uint8_t> lines = mLines;
+    std::size_t x = aX;
+    if (HWY_UNLIKELY(aX == 0 || aX == mLastStep)) {
+      lines = aX == 0 ? mEnds->GetStart() : mEnds->GetEnd();
+      x = 1;
+    }
     const auto columns = FindColumns(tag, (mColourColumn + aX) % 2);
-    Colours<PixelByteTag> colours;
-    if (HWY_UNLIKELY(aX == 0))
-      colours = InterpolateVector<Colour, MeansOfMeans<0>>(tag, {mStart[0], mStart[1], mStart[2]}, 1, columns);
-    else if (HWY_UNLIKELY(aX == mLastStep))
-      colours = InterpolateVector<Colour, MeansOfMeans<0>>(tag, {mEnd[0], mEnd[1], mEnd[2]}, 1, columns);
-    else
-      colours = InterpolateVector<Colour, MeansOfMeans<0>>(tag, mLines, aX, columns);
+    const Colours<PixelByteTag> colours = InterpolateVector<Colour, MeansOfMeans<0>>(tag, lines, x, columns);
     StoreColours<Place>(mSpreader, colours.blue, colours.green, colours.red, aBgra);
   }
 
 private:
-  static constexpr std::size_t kLines = 3;
-  using Copy = std::uint8_t[kMostVectorBytes + 2];
-
-  /// The line from the column before the first one on. A short line is there as a whole.
-  void CopyStart(const std::uint8_t* aLine, Copy& aCopy) const {
-    const std::size_t columns = std::min(mWidth, GetStepPixels() + 1);
-    aCopy[0] = aLine[1];
-    std::memcpy(aCopy + 1, aLine, columns);
-    if (mWidth <= GetStepPixels())
-      aCopy[columns + 1] = aLine[mWidth - 2];
-  }
-  /// From the column before the last step to the one after the line; nothing where the first step is the last one too.
-  void CopyEnd(const std::uint8_t* aLine, Copy& aCopy) const {
-    if (mLastStep == 0)
-      return;
-    std::memcpy(aCopy, aLine + mLastStep - 1, GetStepPixels() + 1);
-    aCopy[GetStepPixels() + 1] = aLine[mWidth - 2];
-  }
-
   Neighbourhood<std::uint8_t> mLines;
+  const LineEnds* mEnds;
   std::size_t mColourColumn;
-  std::size_t mWidth;
   std::size_t mLastStep;
   BlockSpreader mSpreader;
-  Copy mStart[kLines] = {};
-  Copy mEnd[kLines] = {};
 };
 
 /// Words of which the shown pixels take the top 8 bits.
@@ -215,7 +232,7 @@ class WordKernel {
 public:
   static constexpr std::size_t kGroup = 1;
 
-  WordKernel(const Neighbourhood<std::uint16_t>& aRuns, std::size_t aColourColumn)
+  HWY_INLINE WordKernel(const Neighbourhood<std::uint16_t>& aRuns, std::size_t aColourColumn)
       : mRuns(aRuns), mColourColumn(aColourColumn) {}
 
   static HWY_INLINE std::size_t GetStepPixels() { return hn::Lanes(kTag); }
@@ -240,7 +257,8 @@ private:
 template <LineColour Colour>
 void WriteBytes(const Neighbourhood<std::uint8_t>& aLines, std::size_t aColourColumn, std::size_t aWidth,
                 std::uint8_t* aBgra, StoreKind aStores) {
-  WriteWholeLine(ByteKernel<Colour>(aLines, aColourColumn, aWidth), aWidth, aBgra, aStores);
+  const LineEnds ends(aLines, aWidth);
+  WriteWholeLine(ByteKernel<Colour>(aLines, ends, aColourColumn, aWidth), aWidth, aBgra, aStores);
 }
 
 template <LineColour Colour, unsigned Bits>
