@@ -1,149 +1,221 @@
-// The display window as the X server has it: what is really on the screen, and inside windows that are not Qt's.
+// What the display really brings onto the screen, pixel by pixel, and what real keys and a real mouse do to it.
 
-#include "krgui/krdisplaywnd.h"
+#include "displayscreen.h"
 
-#include "displaypictures.h"
-#include "plainpicture.h"
-
-#include <QApplication>
-#include <QKeyEvent>
-#include <QProcess>
-#include <QTest>
+#include <QMenu>
 
 #include <gtest/gtest.h>
-#include <xcb/xcb.h>
 
-#include <cstdlib>
-#include <utility>
+#include <thread>
 
 namespace {
 
-// A window made without any toolkit, as another application's would be.
-class ForeignWindow {
-public:
-  ForeignWindow(int aX, int aY, std::uint16_t aWidth, std::uint16_t aHeight)
-      : mConnection(xcb_connect(nullptr, nullptr)) {
-    const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(mConnection)).data;
-    mWindow = xcb_generate_id(mConnection);
-    // Unmanaged, so that it stays where it is put.
-    const std::uint32_t values[] = {0x00203040, 1};
-    xcb_create_window(mConnection, XCB_COPY_FROM_PARENT, mWindow, screen->root, static_cast<std::int16_t>(aX),
-                      static_cast<std::int16_t>(aY), aWidth, aHeight, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                      screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
-    xcb_map_window(mConnection, mWindow);
-    Sync();
-  }
-  ~ForeignWindow() {
-    Destroy();
-    xcb_disconnect(mConnection);
-  }
-  xcb_window_t GetID() const { return mWindow; }
-  void Destroy() {
-    if (mWindow)
-      xcb_destroy_window(mConnection, std::exchange(mWindow, 0));
-    Sync();
-  }
-
-private:
-  void Sync() { std::free(xcb_get_input_focus_reply(mConnection, xcb_get_input_focus(mConnection), nullptr)); }
-
-  xcb_connection_t* mConnection;
-  xcb_window_t mWindow = 0;
-};
-
-// The keys that a display's view receives.
-class KeyRecorder : public QObject {
-public:
-  QList<int> keys;
-
-protected:
-  bool eventFilter(QObject* aObject, QEvent* aEvent) override {
-    if (aObject->objectName() == QLatin1String("display") && aEvent->type() == QEvent::KeyPress)
-      keys += static_cast<QKeyEvent*>(aEvent)->key();
-    return false;
-  }
-};
-
-void RunXdotool(const QStringList& aArguments) {
-  QProcess process;
-  process.start("xdotool", aArguments);
-  ASSERT_TRUE(process.waitForFinished(20000));
-  ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+// Each pixel tells its row: the low byte in the even columns, the high byte in the odd ones.
+KrBuffer MakeNumberedRows(std::uint32_t aWidth, std::uint32_t aHeight) {
+  KrBuffer buffer;
+  EXPECT_TRUE(buffer.GetImage()->Alloc(aWidth, aHeight, KrPixel::Mono8).IsOK());
+  std::uint8_t* pixel = buffer.GetDataPointer();
+  for (std::uint32_t y = 0; y < aHeight; ++y)
+    for (std::uint32_t x = 0; x < aWidth; ++x)
+      *pixel++ = static_cast<std::uint8_t>(x % 2 == 0 ? y : y >> 8);
+  return buffer;
 }
 
 } // namespace
 
-TEST(DisplayOnScreen, Image_IsOnTheRootWindowPixelByPixel) {
-  KrDisplayWnd window;
-  window.SetPosition(200, 150, 500, 300);
-  ASSERT_TRUE(window.ShowModeless(0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
-  const KrBuffer buffer = MakeNoise(320, 240);
-  EXPECT_TRUE(window.SetBackgroundColor(90, 0, 140).IsOK());
+TEST_F(DisplayOnScreen, FittedImage_WithItsBands_IsThereAsItShouldBe) {
+  Open(500, 300);
+  EXPECT_TRUE(mWindow.SetBackgroundColor(90, 0, 140).IsOK());
+  for (const auto& [width, height] : {std::pair{320u, 240u}, {240u, 320u}, {1000u, 300u}, {500u, 300u}, {1u, 1u}}) {
+    const KrBuffer image = MakeNoise(width, height);
 
-  ASSERT_TRUE(window.Display(buffer, false).IsOK());
+    ASSERT_TRUE(mWindow.Display(image, false).IsOK());
 
-  const QRect client(window.GetWidget()->mapToGlobal(QPoint(0, 0)), window.GetWidget()->size());
-  const QImage expected = plainpicture::Compute(client.size(), ToQImage(buffer), QColor(90, 0, 140));
-  EXPECT_EQ(client.size(), QSize(500, 300));
-  EXPECT_TRUE(QTest::qWaitFor([&] { return plainpicture::Compare(GrabScreen(client), expected).empty(); }, 20000))
-      << plainpicture::Compare(GrabScreen(client), expected);
+    ExpectFitted(image, QColor(90, 0, 140), std::to_string(width) + "x" + std::to_string(height));
+  }
 }
 
-TEST(DisplayOnScreen, InAForeignWindow_ShowsTheImageAndTakesItsKeysThere) {
-  ForeignWindow parent(300, 200, 400, 300);
-  KrDisplayWnd window;
-  window.SetPosition(20, 30, 320, 240);
-  const KrBuffer buffer = MakeNoise(320, 240);
-  KeyRecorder recorder;
-  qApp->installEventFilter(&recorder);
+TEST_F(DisplayOnScreen, Frames_OfOneSizeFromAnotherThread_AreThereWithoutTheUsersThread) {
+  Open(320, 240);
+  ASSERT_TRUE(mWindow.Display(MakeNoise(160, 120), false).IsOK());
+  ExpectFitted(MakeNoise(160, 120), Qt::gray);
+  const KrBuffer next = MakeGrey(160, 120, 201);
 
-  ASSERT_TRUE(window.Create(parent.GetID(), 7).IsOK());
-  ASSERT_TRUE(window.Display(buffer, false).IsOK());
+  // Nothing runs the loop from here on.
+  std::jthread([&] { EXPECT_TRUE(mWindow.Display(next, false).IsOK()); }).join();
 
-  const QRect client(320, 230, 320, 240);
-  EXPECT_TRUE(
-      QTest::qWaitFor([&] { return plainpicture::Compare(GrabScreen(client), ToQImage(buffer)).empty(); }, 20000))
-      << plainpicture::Compare(GrabScreen(client), ToQImage(buffer));
-  RunXdotool({"mousemove", "400", "300", "click", "1", "key", "plus"});
-  EXPECT_TRUE(QTest::qWaitFor([&] { return recorder.keys.contains(Qt::Key_Plus); }, 20000));
-  int x = 0, y = 0, width = 0, height = 0;
-  window.GetPosition(x, y, width, height);
-  EXPECT_EQ(QRect(x, y, width, height), QRect(20, 30, 320, 240));
+  QImage seen;
+  for (int i = 0; i < 1000 && (seen.isNull() || seen.pixelColor(10, 10) != QColor(201, 201, 201)); ++i)
+    seen = GrabClient();
+  EXPECT_EQ(plainpicture::Count(seen, seen.rect(), QColor(201, 201, 201)), 320 * 240);
 }
 
-TEST(DisplayOnScreen, InAForeignWindow_EndsWithIt) {
-  ForeignWindow parent(300, 200, 400, 300);
-  KrDisplayWnd window;
-  ASSERT_TRUE(window.Create(parent.GetID(), 7).IsOK());
-  ASSERT_NE(window.GetHandle(), 0u);
-
-  parent.Destroy();
-
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window.GetHandle() == 0; }, 20000));
-  EXPECT_TRUE(window.Display(MakeNoise(8, 8), false).IsOK());
-  EXPECT_EQ(window.Close().GetCodeNumber(), 28u);
+TEST_F(DisplayOnScreen, ScrolledImage_AtEveryZoomAndPosition_IsThereAsItShouldBe) {
+  Open(411, 307);
+  const KrBuffer image = MakeNoise(640, 480);
+  ASSERT_TRUE(mWindow.Display(image, false).IsOK());
+  ExpectFitted(image, QColor(0x80, 0x80, 0x80), "fitted");
+  mWindow.Zoom1_1();
+  ExpectScrolled(image, 1.0, "one to one");
+  double factor = 1.0;
+  for (const char* step : {"first", "second", "third"}) {
+    mWindow.ZoomIn();
+    factor *= 1.5;
+    ExpectScrolled(image, factor, std::string("enlarged the time: ") + step);
+    for (Qt::Key key : {Qt::Key_Home, Qt::Key_PageDown, Qt::Key_End}) {
+      QTest::keyClick(&GetHorizontalBar(), key);
+      QTest::keyClick(&GetVerticalBar(), key);
+      ExpectScrolled(image, factor, std::string("scrolled by the key ") + std::to_string(key));
+    }
+  }
+  mWindow.ZoomFit();
+  ExpectFitted(image, QColor(0x80, 0x80, 0x80), "fitted again");
 }
 
-TEST(DisplayOnScreen, WindowThatIsNoMore_IsNoParent) {
-  ForeignWindow parent(300, 200, 400, 300);
-  const xcb_window_t id = parent.GetID();
-  parent.Destroy();
-  KrDisplayWnd window;
+TEST_F(DisplayOnScreen, Bars_AndTheirCorner_AreAsThickAsTheyShouldBe) {
+  Open(400, 300);
+  ASSERT_TRUE(mWindow.Display(MakeGrey(800, 600, 0), false).IsOK());
+  mWindow.Zoom1_1();
+  const QColor button = GetView().palette().color(QPalette::Button);
 
-  const KrResult result = window.Create(id, 0);
+  Await(
+      [&] {
+        return plainpicture::Count(GrabClient({382, 282, 18, 18}), {0, 0, 18, 18}, button) == 18 * 18;
+      },
+      "the corner in the buttons' colour");
 
-  EXPECT_EQ(result.GetCodeNumber(), 16384u);
-  EXPECT_EQ(window.GetHandle(), 0u);
+  ExpectScrolled(MakeGrey(800, 600, 0), 1.0);
+  const QImage screen = GrabClient();
+  for (int i = 0; i < 282; ++i)
+    EXPECT_NE(screen.pixelColor(382, i), QColor(Qt::black)) << i;
+  for (int i = 0; i < 382; ++i)
+    EXPECT_NE(screen.pixelColor(i, 282), QColor(Qt::black)) << i;
 }
 
-TEST(DisplayOnScreen, EscapeKey_ClosesAModelessWindow) {
-  KrDisplayWnd window;
-  window.SetPosition(200, 150, 300, 200);
-  ASSERT_TRUE(window.ShowModeless(0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window.GetWidget()));
+TEST_F(DisplayOnScreen, Overlay_OnTheScreen_IsAnchoredToTheImage) {
+  Open(400, 200);
+  mWindow.SetTextOverlay("HHH");
+  mWindow.SetTextOverlayOffsetX(12);
+  mWindow.SetTextOverlayOffsetY(8);
+  const KrBuffer image = MakeGrey(100, 100, 0);
+  ASSERT_TRUE(mWindow.Display(image, false).IsOK());
+  const auto countGreen = [&] { return plainpicture::Count(GrabClient(), {0, 0, 400, 200}, QColor(0, 255, 0)); };
 
-  RunXdotool({"key", "Escape"});
+  Await([&] { return countGreen() > 0; }, "the text");
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window.GetHandle() == 0; }, 20000));
+  const QRect text = plainpicture::FindDifference(
+      GrabClient(), plainpicture::Compute({400, 200}, ToQImage(image), QColor(0x80, 0x80, 0x80)));
+  EXPECT_GE(text.left(), 112);
+  EXPECT_LE(text.left(), 116);
+  EXPECT_GE(text.top(), 8);
+  EXPECT_LE(text.bottom(), 28);
+  mWindow.SetTextOverlay("");
+  ASSERT_TRUE(mWindow.Display(image, false).IsOK());
+  ExpectFitted(image, QColor(0x80, 0x80, 0x80), "the next image takes the text away");
+}
+
+TEST_F(DisplayOnScreen, Overlay_OverTheBands_GoesWithItsImage) {
+  Open(400, 200);
+  const KrBuffer image = MakeGrey(10, 200, 0);
+  ASSERT_TRUE(mWindow.Display(image, false).IsOK());
+  ExpectFitted(image, QColor(0x80, 0x80, 0x80));
+  mWindow.SetTextOverlay("far beyond the image");
+  ASSERT_TRUE(mWindow.Display(image, false).IsOK());
+  Await([&] { return plainpicture::Count(GrabClient(), {220, 0, 180, 200}, QColor(0, 255, 0)) > 0; }, "text in a band");
+
+  mWindow.SetTextOverlay("");
+  for (int i = 0; i < 3; ++i)
+    ASSERT_TRUE(mWindow.Display(image, false).IsOK());
+
+  ExpectFitted(image, QColor(0x80, 0x80, 0x80), "without text");
+}
+
+TEST_F(DisplayOnScreen, NumberedRows_WithTheThumbAtTheTop_BeginWithTheFirst) {
+  Open(300, 240);
+  const KrBuffer rows = MakeNumberedRows(600, 700);
+  ASSERT_TRUE(mWindow.Display(rows, false).IsOK());
+  mWindow.Zoom1_1();
+  ExpectScrolled(rows, 1.0);
+
+  QTest::keyClick(&GetVerticalBar(), Qt::Key_Home);
+  QTest::keyClick(&GetHorizontalBar(), Qt::Key_Home);
+
+  ExpectScrolled(rows, 1.0, "at the top");
+  EXPECT_EQ(mWindow.GetVScrollPos(), 0);
+  EXPECT_EQ(GrabClient().pixelColor(0, 0).red(), 0);
+  EXPECT_EQ(GrabClient().pixelColor(0, 20).red(), 20);
+  QTest::keyClick(&GetVerticalBar(), Qt::Key_End);
+  ExpectScrolled(rows, 1.0, "at the bottom");
+}
+
+TEST_F(DisplayOnScreen, CursorPixel_AndCentreHere_AgreeWithWhatIsSeen) {
+  Open(300, 240);
+  const KrBuffer noise = MakeNoise(900, 700);
+  ASSERT_TRUE(mWindow.Display(noise, false).IsOK());
+  mWindow.Zoom1_1();
+  ExpectScrolled(noise, 1.0);
+  const QPoint point(200, 77);
+
+  MoveMouse(point);
+  Await([&] { return mWindow.GetCursorPixel().has_value(); }, "a pixel under the cursor");
+  const KrDisplayPixel pixel = mWindow.GetCursorPixel().value();
+  EXPECT_EQ(pixel.red, noise.GetDataPointer()[pixel.y * 900 + pixel.x]);
+  EXPECT_EQ(GrabClient().pixelColor(point).red(), pixel.red);
+
+  RunXdotool({"click", "3"});
+  Await([&] { return QApplication::activePopupWidget() != nullptr; }, "the menu");
+  const int position = mWindow.GetHScrollPos();
+  // The last item is the one above the first.
+  RunXdotool({"key", "Up", "Return"});
+  Await([&] { return mWindow.GetHScrollPos() != position; }, "a new position");
+  ExpectScrolled(noise, 1.0, "centred");
+  MoveMouse({150, 120});
+  Await([&] { return mWindow.GetCursorPixel().has_value() && mWindow.GetCursorPixel()->x == pixel.x; },
+        "the same column in the middle");
+  EXPECT_NEAR(mWindow.GetCursorPixel()->y, pixel.y, 1);
+}
+
+TEST_F(DisplayOnScreen, RealKeysAndWheel_ZoomTheImage) {
+  Open(300, 240);
+  const KrBuffer noise = MakeNoise(900, 700);
+  ASSERT_TRUE(mWindow.Display(noise, false).IsOK());
+  mWindow.Zoom1_1();
+  ExpectScrolled(noise, 1.0);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow.GetWidget()));
+  const auto awaitFactor = [&](double aFactor, const char* aWhat) {
+    const plainpicture::ScrolledView view({300, 240}, {900, 700}, aFactor, 18);
+    Await([&] { return GetHorizontalBar().maximum() == view.GetHorizontalExtent(); }, aWhat);
+    ExpectScrolled(noise, aFactor, aWhat);
+  };
+
+  RunXdotool({"key", "KP_Add"});
+  awaitFactor(1.2, "numeric plus");
+  RunXdotool({"key", "minus"});
+  awaitFactor(1.0, "minus");
+  MoveMouse({100, 100});
+  RunXdotool({"click", "4"});
+  awaitFactor(1.1, "wheel away");
+  RunXdotool({"click", "5"});
+  awaitFactor(1.0, "wheel towards");
+}
+
+TEST_F(DisplayOnScreen, MenuKey_OpensTheMenuInTheMiddle) {
+  Open(300, 240);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow.GetWidget()));
+
+  RunXdotool({"key", "Menu"});
+
+  Await([] { return QApplication::activePopupWidget() != nullptr; }, "the menu");
+  const QWidget* menu = QApplication::activePopupWidget();
+  ASSERT_NE(menu, nullptr);
+  EXPECT_EQ(menu->objectName(), "menu1511");
+  EXPECT_LE((menu->pos() - GetClient().center()).manhattanLength(), 4);
+}
+
+TEST_F(DisplayOnScreen, Handles_OfTheBars_AreWindowsOfTheServer) {
+  Open(300, 240);
+
+  EXPECT_NE(mWindow.GetHScrollHandle(), 0u);
+  EXPECT_NE(mWindow.GetVScrollHandle(), 0u);
+  EXPECT_EQ(QWidget::find(mWindow.GetHScrollHandle()), &GetHorizontalBar());
 }

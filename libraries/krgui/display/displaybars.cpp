@@ -1,6 +1,7 @@
 #include "display/displaybars.h"
 
 #include "platform/drawingsurface.h"
+#include "platform/nativechild.h"
 
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -73,8 +74,10 @@ DisplayBars::DisplayBars(std::shared_ptr<DisplayContent> aContent, QScrollBar* a
 void DisplayBars::Watch(Side& aSide) {
   // Without the native ancestors that a native window has otherwise: the display may be embedded.
   aSide.bar->setAttribute(Qt::WA_DontCreateNativeAncestors);
-  if (CanDrawNatively())
+  if (CanDrawNatively()) {
     aSide.bar->setAttribute(Qt::WA_NativeWindow);
+    new NativeChild(*aSide.bar);
+  }
   // The left end is the image's left edge in every language.
   aSide.bar->setLayoutDirection(Qt::LeftToRight);
   new ArrowKeys(*aSide.bar);

@@ -2,6 +2,7 @@
 
 #include "display/picturetarget.h"
 #include "logic/display/viewcommand.h"
+#include "platform/nativechild.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -50,6 +51,7 @@ DisplayView::DisplayView(std::shared_ptr<DisplayContent> aContent, QWidget* aPar
     setAttribute(Qt::WA_DontCreateNativeAncestors);
     setAttribute(Qt::WA_NativeWindow);
     setAttribute(Qt::WA_PaintOnScreen);
+    new NativeChild(*this);
   }
   mRetryTimer.setSingleShot(true);
   mRetryTimer.setInterval(kRetryInterval);

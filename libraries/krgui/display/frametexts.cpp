@@ -125,7 +125,9 @@ void FrameTexts::DrawRefusal(const Canvas& aCanvas, const Frame& aFrame, const D
   const double margin = std::min(view.GetWidth(), view.GetHeight()) / 12.0;
   QImage picture = WrapCanvas(aCanvas);
   QPainter painter(&picture);
-  painter.setFont(MakeTextFont(aLook.screen));
+  QFont font = MakeTextFont(aLook.screen);
+  font.setPixelSize(aLook.screen.textPixelSize * 5 / 4); // It is all that the window has to say.
+  painter.setFont(font);
   painter.setPen(FindReadableColor(aLook.backgroundColor));
   painter.drawText(
       QRectF(view.left, view.top, view.GetWidth(), view.GetHeight()).adjusted(margin, margin, -margin, -margin),
