@@ -188,6 +188,8 @@ private:
 template <typename Group>
 class SharedChromaKernel : public Group {
 public:
+  static constexpr std::size_t kGroup = Group::kPixels;
+
   HWY_INLINE SharedChromaKernel(const std::uint8_t* aLine, const LumaChromaMatrix& aMatrix)
       : mLine(aLine), mMixer(aMatrix) {}
 
@@ -204,7 +206,6 @@ public:
                       mMixer.Mix(luma, RepeatWords<2>(blueAndRed)), aBgra);
   }
 
-  static constexpr std::size_t kGroup = Group::kPixels;
   template <Placement Place>
   HWY_INLINE void Step(std::size_t aX, std::uint8_t* aBgra) const {
     StepFrom<Place>(mLine + aX / Group::kPixels * Group::kBytes, aBgra);
@@ -257,6 +258,8 @@ struct One {
 template <typename Group>
 class OwnChromaKernel : public Group {
 public:
+  static constexpr std::size_t kGroup = Group::kPixels;
+
   HWY_INLINE OwnChromaKernel(const std::uint8_t* aLine, const LumaChromaMatrix& aMatrix)
       : mLine(aLine), mGatherer(Group::kLumaTables),
         mLumaMoves(hn::Load(PixelByteTag(), Group::kLumaTables.bytes.data())),
@@ -280,7 +283,6 @@ public:
     StorePixels<Place>(MakeOpaque(hn::Or(otherBytes, greenBytes)), aBgra);
   }
 
-  static constexpr std::size_t kGroup = Group::kPixels;
   template <Placement Place>
   HWY_INLINE void Step(std::size_t aX, std::uint8_t* aBgra) const {
     StepFrom<Place>(mLine + aX * Group::kBytes, aBgra);
@@ -301,9 +303,9 @@ void CompleteChroma(const std::uint8_t* aLine, std::size_t aLastGroup, std::size
   constexpr std::uint8_t kNone = 128;
   if (aLineBytes - aLastGroup * Group::kBytes > std::max(Group::kU, Group::kV))
     return;
-  const std::uint8_t* before = aLine + (aLastGroup - 1) * Group::kBytes;
-  aGroup[Group::kU] = aLastGroup == 0 ? kNone : before[Group::kU];
-  aGroup[Group::kV] = aLastGroup == 0 ? kNone : before[Group::kV];
+  const std::uint8_t* before = aLastGroup == 0 ? nullptr : aLine + (aLastGroup - 1) * Group::kBytes;
+  aGroup[Group::kU] = before ? before[Group::kU] : kNone;
+  aGroup[Group::kV] = before ? before[Group::kV] : kNone;
 }
 
 /// Compiled apart from the steps of the line.
