@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -55,6 +57,27 @@ QRect FindPart(QScrollBar& aBar, QStyle::SubControl aPart) {
     option.state |= QStyle::State_Horizontal;
   return aBar.style()->subControlRect(QStyle::CC_ScrollBar, &option, aPart, &aBar);
 }
+
+// Keeps the messages that the window gets.
+class RecordingWnd : public krgui::DisplayWnd {
+public:
+  ~RecordingWnd() override { Dispose(); }
+  bool Has(std::uint32_t aNumber, std::uint64_t aFirst) const {
+    return std::any_of(mMessages.begin(), mMessages.end(), [&](const krgui::Message& aMessage) {
+      return aMessage.number == aNumber && aMessage.first == aFirst;
+    });
+  }
+  void Forget() { mMessages.clear(); }
+
+protected:
+  bool OnMessage(const krgui::Message& aMessage) override {
+    mMessages.push_back(aMessage);
+    return DisplayWnd::OnMessage(aMessage);
+  }
+
+private:
+  std::vector<krgui::Message> mMessages;
+};
 
 struct Side {
   const char* name;
@@ -307,6 +330,24 @@ TEST_F(KrDisplayWndScrollBarsTest, Bars_ForTheKeyboard_TakeTheFocusByTabAlone) {
   EXPECT_FALSE(GetHorizontalBar().accessibleName().isEmpty());
   EXPECT_FALSE(GetVerticalBar().accessibleName().isEmpty());
   EXPECT_FALSE(GetView().accessibleName().isEmpty());
+}
+
+TEST(DisplayWndMessages, Paint_OfAnImageThatFits_PostsThatTheBarsBeHidden) {
+  RecordingWnd window;
+  window.SetPosition(50, 50, 400, 300);
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  const KrBuffer image = MakeGrey(2000, 100, 1);
+  ASSERT_TRUE(window.Display(image.GetImage()).IsOK());
+  ASSERT_TRUE(window.DoEvents().IsOK());
+  EXPECT_TRUE(window.Has(2082, 0x1001));
+  EXPECT_TRUE(window.Has(2082, 0x1002));
+  window.Zoom1_1();
+  window.Forget();
+
+  ASSERT_TRUE(window.DoEvents().IsOK());
+
+  EXPECT_FALSE(window.Has(2082, 0x1001));
+  EXPECT_TRUE(window.Has(2082, 0x1002));
 }
 
 TEST(DisplayWndMessages, HideScrollBar_ByItsBits_HidesOrShowsOneBar) {

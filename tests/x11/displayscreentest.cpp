@@ -1,6 +1,7 @@
 // What the display really brings onto the screen, pixel by pixel, and what real keys and a real mouse do to it.
 
 #include "displayscreen.h"
+#include "display/displayview.h"
 
 #include <QMenu>
 
@@ -218,4 +219,31 @@ TEST_F(DisplayOnScreen, Handles_OfTheBars_AreWindowsOfTheServer) {
   EXPECT_NE(mWindow.GetHScrollHandle(), 0u);
   EXPECT_NE(mWindow.GetVScrollHandle(), 0u);
   EXPECT_EQ(QWidget::find(mWindow.GetHScrollHandle()), &GetHorizontalBar());
+}
+
+TEST(DisplayViewOnScreen, EveryWayToTheScreen_ShowsTheSame) {
+  for (const auto kind : {krgui::SurfaceKind::SharedDescriptor, krgui::SurfaceKind::SharedSystemV,
+                          krgui::SurfaceKind::PlainPut, krgui::SurfaceKind::Invalidation}) {
+    const auto content = std::make_shared<krgui::DisplayContent>();
+    QWidget window;
+    window.setGeometry(300, 200, 320, 240);
+    krgui::DisplayView view(content, &window, kind);
+    view.setGeometry(0, 0, 320, 240);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    const QRect client(window.mapToGlobal(QPoint(0, 0)), window.size());
+    // The second one is drawn at once.
+    for (const KrBuffer& image : {MakeNoise(200, 200), MakeGrey(200, 200, 7)}) {
+      auto paint = krgui::DisplayContent::Paint::NotNeeded;
+
+      ASSERT_TRUE(content->Display(image.GetImage(), paint).IsOK());
+      if (paint == krgui::DisplayContent::Paint::Needed)
+        view.update();
+
+      const QImage expected = plainpicture::Compute({320, 240}, ToQImage(image), QColor(0x80, 0x80, 0x80));
+      EXPECT_TRUE(QTest::qWaitFor([&] { return plainpicture::Compare(GrabScreen(client), expected).empty(); }, 20000))
+          << "kind " << static_cast<int>(kind) << ": " << plainpicture::Compare(GrabScreen(client), expected);
+    }
+    view.Withdraw();
+  }
 }
