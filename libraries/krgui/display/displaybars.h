@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QRect>
+#include <qwindowdefs.h>
 
 #include <functional>
 #include <memory>
