@@ -7,6 +7,8 @@ cd "$(dirname "$0")/.."
 # The peers, which nothing but the benchmarks uses.
 peers=(
   libopencv-dev libyuv-dev
+  libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base gstreamer1.0-plugins-good
+  gstreamer1.0-plugins-bad gstreamer1.0-x
 )
 scripts/setup.sh "${peers[@]}"
 scripts/build.sh release
@@ -19,6 +21,7 @@ for program in build/release/benchmarks/bench_*; do
   found=1
   echo "# $name"
   case $name in
+    display) scripts/with-display.sh "$program" ;;
     stream) scripts/with-network.sh "$program" ;;
     *) "$program" ;;
   esac
