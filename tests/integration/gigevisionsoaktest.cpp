@@ -2,13 +2,10 @@
 // A thousand frames by default; KRGUI_SOAK_FRAMES=10000 scripts/with-network.sh
 // BUILD/tests/integration/gigevisionsoaktest takes longer.
 
+#include "footprint.h"
 #include "gigevisionfixture.h"
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <unistd.h>
 
 namespace {
 
@@ -22,25 +19,6 @@ constexpr std::int64_t kMostGrowthBytes = 256 << 20; // The sanitizers remember 
 #else
 constexpr std::int64_t kMostGrowthBytes = 1 << 20;
 #endif
-
-std::ptrdiff_t CountEntries(const char* aFolder) {
-  return std::distance(std::filesystem::directory_iterator(aFolder), std::filesystem::directory_iterator());
-}
-
-struct Footprint {
-  std::int64_t residentBytes = 0;
-  std::ptrdiff_t threads = 0;
-  std::ptrdiff_t descriptors = 0;
-};
-
-Footprint Measure() {
-  std::int64_t totalPages = 0;
-  std::int64_t residentPages = 0;
-  std::ifstream("/proc/self/statm") >> totalPages >> residentPages;
-  return {.residentBytes = residentPages * ::sysconf(_SC_PAGESIZE),
-          .threads = CountEntries("/proc/self/task"),
-          .descriptors = CountEntries("/proc/self/fd")};
-}
 
 int GetFrameCount() {
   const char* text = std::getenv("KRGUI_SOAK_FRAMES");
@@ -69,12 +47,12 @@ TEST_F(GigEVisionSoak, ManySmallFrames_NothingGrows) {
   ASSERT_TRUE(WriteRegister(*mLink, kFramePeriodRegister, kShortestPeriodUs).IsOK());
   ASSERT_TRUE(Start(kSmall * kSmall).IsOK());
   ASSERT_GT(TakeFrames(kWarmUpFrames), 0);
-  const Footprint before = Measure();
+  const Footprint before = MeasureFootprint();
 
   const int frames = GetFrameCount();
   const int whole = TakeFrames(frames);
 
-  const Footprint after = Measure();
+  const Footprint after = MeasureFootprint();
   // Not all: a receiver that gets no time for two frames loses packets, which the camera here does not send again.
   EXPECT_GE(whole, frames * 9 / 10);
   EXPECT_LE(after.residentBytes - before.residentBytes, kMostGrowthBytes);
@@ -85,7 +63,7 @@ TEST_F(GigEVisionSoak, ManySmallFrames_NothingGrows) {
 TEST_F(GigEVisionSoak, StartedAndStoppedOften_NothingIsLeftBehind) {
   ASSERT_TRUE(Start().IsOK());
   mSource->Stop();
-  const Footprint before = Measure();
+  const Footprint before = MeasureFootprint();
 
   for (int i = 0; i < 20; ++i) {
     ASSERT_TRUE(Start().IsOK());
@@ -93,7 +71,7 @@ TEST_F(GigEVisionSoak, StartedAndStoppedOften_NothingIsLeftBehind) {
     mSource->Stop();
   }
 
-  const Footprint after = Measure();
+  const Footprint after = MeasureFootprint();
   EXPECT_EQ(after.threads, before.threads);
   EXPECT_EQ(after.descriptors, before.descriptors);
 }
