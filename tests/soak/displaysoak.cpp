@@ -120,7 +120,7 @@ private:
     Require(mWindow.Display(frame, false).IsOK(), "show an image");
     Require(QTest::qWaitFor([&] { return mWindow.GetStatistics().shown > shown; }, 60000), "see an image");
     mWindow.Clear();
-    QTest::qWaitFor([] { return !QCoreApplication::hasPendingEvents(); }, 1000);
+    Require(mWindow.DoEvents().IsOK(), "come to rest");
     ::malloc_trim(0);
     return {MeasureFootprint(), GetResidentBytes(mServer)};
   }
