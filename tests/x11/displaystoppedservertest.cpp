@@ -5,7 +5,7 @@
 
 #include "plainframes.h"
 #include "screenreader.h"
-#include "stoppableserver.h"
+#include "xvfbserver.h"
 
 #include <QApplication>
 #include <QTest>
@@ -122,14 +122,14 @@ int RunWindow(const Channel& aChannel) {
 class DisplayOnAStoppedServer : public testing::Test {
 protected:
   void SetUp() override {
-    ASSERT_FALSE(server.GetDisplay().empty());
+    ASSERT_NE(server.GetDisplayName(), ":");
     int sockets[2] = {-1, -1};
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, sockets), 0);
     process = ::fork();
     ASSERT_GE(process, 0);
     if (process == 0) {
       ::close(sockets[0]);
-      ::setenv("DISPLAY", server.GetDisplay().c_str(), 1);
+      ::setenv("DISPLAY", server.GetDisplayName().c_str(), 1);
       int status = 1;
       {
         const Channel toTest(sockets[1]);
@@ -154,7 +154,7 @@ protected:
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
-  StoppableServer server;
+  krgui::XvfbServer server;
   pid_t process = -1;
   std::unique_ptr<Channel> channel;
 };
@@ -169,7 +169,7 @@ TEST_F(DisplayOnAStoppedServer, CameraGoesOn_AndTheNewestFrameIsShownAfterwards)
   const bool haveAllReturned = channel->Receive(given); // The server is stopped still.
   server.Continue();
   ASSERT_TRUE(haveAllReturned);
-  const ScreenReader screen(server.GetDisplay().c_str());
+  const ScreenReader screen(server.GetDisplayName().c_str());
   const bool isNewestShown = screen.AwaitColor({ready.x, ready.y}, GetFrameColor(kFrames));
   channel->SendWord();
   Counted counted;
