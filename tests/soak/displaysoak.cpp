@@ -31,7 +31,7 @@
 
 namespace {
 
-constexpr int kShortSteps = 150;
+constexpr int kShortSteps = 300;
 constexpr int kShortStages = 3;
 constexpr int kLongSteps = 2000;
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
@@ -136,8 +136,9 @@ private:
   const std::string mServer = FindServer();
   KrLogCapture mRecords;
   KrDisplayWnd mWindow;
-  RandomCamera mFirst{mWindow, 1};
-  RandomCamera mSecond{mWindow, 2};
+  RandomCamera::SharedSize mSize = 320U << 16 | 240U;
+  RandomCamera mFirst{mWindow, mSize, 1};
+  RandomCamera mSecond{mWindow, mSize, 2};
   RandomUser mUser{mWindow, 3};
   int mStages = 0;
   std::uint64_t mErrors = 0;

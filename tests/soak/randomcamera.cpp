@@ -18,7 +18,8 @@ constexpr KrPixelType kUnknownType = 0x81080099;
 
 } // namespace
 
-RandomCamera::RandomCamera(KrDisplayWnd& aWindow, std::uint32_t aSeed) : mWindow(aWindow), mRandom(aSeed) {
+RandomCamera::RandomCamera(KrDisplayWnd& aWindow, SharedSize& aSize, std::uint32_t aSeed)
+    : mWindow(aWindow), mSize(aSize), mRandom(aSeed) {
   constexpr std::size_t kMostBytesPerPixel = 6;
   mNoise.resize(std::size_t(kMostWidth) * kMostHeight * kMostBytesPerPixel);
   std::generate(mNoise.begin(), mNoise.end(), [&] { return static_cast<std::uint8_t>(mRandom()); });
@@ -62,12 +63,19 @@ void RandomCamera::Step() {
     Ask();
 }
 
-/// A few of the same size and format, as cameras send them.
-void RandomCamera::GiveFrames() {
+void RandomCamera::ChangeSize() {
   const bool isSmall = Draw(0, 3) != 0;
   const std::uint32_t width = Draw(1, isSmall ? 300 : kMostWidth);
-  const std::uint32_t height = Draw(1, isSmall ? 300 : kMostHeight);
-  const std::shared_ptr<const KrBuffer> frame = MakeFrame(width, height, kTypes[Draw(0, std::size(kTypes) - 1)]);
+  mSize = width << 16 | Draw(1, isSmall ? 300 : kMostHeight);
+}
+
+/// A few of the same size and format, as cameras send them.
+void RandomCamera::GiveFrames() {
+  if (Draw(0, 9) == 0)
+    ChangeSize();
+  const std::uint32_t size = mSize;
+  const std::shared_ptr<const KrBuffer> frame =
+      MakeFrame(size >> 16, size & 0xFFFF, kTypes[Draw(0, std::size(kTypes) - 1)]);
   const bool isHeld = Draw(0, 1) != 0;
   for (std::uint32_t count = Draw(1, 8); count > 0; --count)
     mFailures += (isHeld ? mWindow.Display(frame, false) : mWindow.Display(*frame, false)).IsOK() ? 0 : 1;

@@ -3,6 +3,7 @@
 
 #include "krbuffer/krbuffer.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -17,7 +18,11 @@ public:
   static constexpr std::uint32_t kMostWidth = 1600;
   static constexpr std::uint32_t kMostHeight = 1200;
 
-  RandomCamera(KrDisplayWnd& aWindow, std::uint32_t aSeed);
+  /// The size of images that cameras of one window give until one of them changes it, as an image of another size waits
+  /// for the window's paint. Width times 65536 plus height.
+  using SharedSize = std::atomic<std::uint32_t>;
+
+  RandomCamera(KrDisplayWnd& aWindow, SharedSize& aSize, std::uint32_t aSeed);
 
   /// Gives the largest image in every format, so that what is kept for reuse has grown to its full size.
   void GiveLargest();
@@ -30,6 +35,7 @@ public:
 
 private:
   void GiveFrames();
+  void ChangeSize();
   void GiveBadFrame();
   void ChangeText();
   void Ask();
@@ -37,6 +43,7 @@ private:
   std::uint32_t Draw(std::uint32_t aFirst, std::uint32_t aLast);
 
   KrDisplayWnd& mWindow;
+  SharedSize& mSize;
   std::mt19937 mRandom;
   std::vector<std::uint8_t> mNoise;
   int mFailures = 0;
