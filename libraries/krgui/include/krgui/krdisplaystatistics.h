@@ -11,8 +11,9 @@
 struct KrDisplayStatistics {
   std::uint64_t received = 0; ///< Frames given to Display, refused ones included.
   std::uint64_t shown = 0;    ///< Frames that reached the window.
-  std::uint64_t dropped = 0; ///< Frames that were accepted and replaced by a newer one, or cleared, before they reached
-                             ///< the window; while it is closed, all of them.
+  /// Frames that were accepted and replaced by a newer one, or cleared, before they reached the window, and those that
+  /// were damaged so that they could not be converted; while the window is closed, all of them.
+  std::uint64_t dropped = 0;
   std::uint64_t refused = 0;                  ///< Frames that Display returned an error for.
   KrString lastRefusal;                       ///< The text of the last such error; empty without one.
   std::chrono::nanoseconds conversionTime{0}; ///< Spent making pixels for the screen out of frames, in all.
