@@ -71,12 +71,7 @@ constexpr std::string_view kFormats[] = {
     "RGB16",
     "RGB10p",
     "RGB12p",
-    "RGBa10",
-    "RGBa12",
-    "RGBa14",
-    "RGBa16",
-    "RGBa10p",
-    "RGBa12p",
+
     "RGB10_Planar",
     "RGB12_Planar",
     "RGB16_Planar",
@@ -125,8 +120,9 @@ void Measure(const Size& aSize, const KrPixelTypeInfo& aFormat, int aThreads) {
   const auto convert = [&] { Require(converter.Convert(source.GetImage(), &destination, false, false)); };
   const auto fillDestination = [&] { std::memset(destination.GetDataPointer(), 0x55, destination.GetSize()); };
   constexpr int kRunsPerTurn = 4;
+  const auto timing = aThreads == 1 ? benchmarks::Timing::Thread : benchmarks::Timing::Wall;
   const auto measureBeside = [&](const std::string& aPeer, int aRunsPerTurn, const auto& aPeerWork) {
-    const auto [time, peerTime] = benchmarks::MeasureInTurnsMs(aRunsPerTurn, convert, aPeerWork);
+    const auto [time, peerTime] = benchmarks::MeasureInTurnsMs(timing, aRunsPerTurn, convert, aPeerWork);
     benchmarks::PrintFigure(name.c_str(), time, "ms", aPeer.c_str(), peerTime);
   };
 

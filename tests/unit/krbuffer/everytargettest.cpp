@@ -3,6 +3,8 @@
 
 #include "everyformat.h"
 #include "imagelayout.h"
+#include "kernels/linestores.h"
+#include "krbuffer/krbufferconverter.h"
 #include "lineconverter.h"
 #include "noise.h"
 #include "pixelreaders.h"
@@ -151,6 +153,33 @@ TEST_P(EveryFormatOnEveryTarget, BytesAfterALine_AreLeftAlone) {
       }
     }
   }
+}
+
+TEST(LargeImages, AreWrittenPastTheCache_AndEqualAPlainLoop) {
+  constexpr std::uint32_t kWidth = 4099;
+  constexpr std::uint32_t kHeight = 2049;
+  KrBuffer source;
+  ASSERT_TRUE(source.GetImage()->Alloc(kWidth, kHeight, KrPixel::Mono8).IsOK());
+  const Bytes noise = MakeNoise(source.GetSize());
+  std::copy(noise.begin(), noise.end(), source.GetDataPointer());
+  ASSERT_EQ(krbuffer::ChooseStores(kBgraBytes * noise.size()), StoreKind::Streaming);
+
+  for (const int threads : {1, 3}) {
+    KrBuffer destination;
+    ASSERT_TRUE(KrBufferConverter(threads).Convert(source.GetImage(), &destination, true, false).IsOK());
+
+    const std::uint8_t* pixel = destination.GetDataPointer();
+    const bool isEqual = std::all_of(noise.begin(), noise.end(), [&pixel](std::uint8_t aGrey) {
+      const bool isRight = pixel[0] == aGrey && pixel[1] == aGrey && pixel[2] == aGrey && pixel[3] == 255;
+      pixel += kBgraBytes;
+      return isRight;
+    });
+    EXPECT_TRUE(isEqual) << threads << " threads";
+  }
+}
+
+TEST(LargeImages, SmallerThanCaches_AreNotWrittenPastThem) {
+  EXPECT_EQ(krbuffer::ChooseStores(1920 * 1080 * kBgraBytes), StoreKind::Cached);
 }
 
 INSTANTIATE_TEST_SUITE_P(Format, EveryFormatOnEveryTarget, testing::ValuesIn(SelectFormats(IsSupported)),
