@@ -131,7 +131,7 @@ TEST_P(EveryFormatOnEveryTarget, AllSmallSizes_EqualTheReference) {
 }
 
 TEST_P(EveryFormatOnEveryTarget, AllAlignments_EqualTheReference) {
-  for (std::size_t distance = 0; distance <= 64; ++distance)
+  for (const std::size_t distance : {0, 1, 2, 3, 4, 8, 12, 16, 20, 24, 28, 32, 36, 44, 48, 52, 60, 63, 64})
     ExpectReferenceOnAllTargets(GetParam().format, 203, 2, distance % 17, distance);
 }
 
