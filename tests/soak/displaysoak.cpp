@@ -37,9 +37,10 @@ constexpr int kLongSteps = 2000;
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
 constexpr std::int64_t kMostGrowthBytes = 400 << 20; // The sanitizers remember what was freed.
 #else
-constexpr std::int64_t kMostGrowthBytes = 16 << 20; // One and a half of the largest pictures on the screen.
+constexpr std::int64_t kMostGrowthBytes =
+    32 << 20; // Five of the largest pictures on the screen: the allocator keeps that much, or not.
 #endif
-constexpr std::int64_t kMostServerGrowthBytes = 16 << 20;
+constexpr std::int64_t kMostServerGrowthBytes = 32 << 20;
 
 /// The X server's process, by the connection to it.
 std::string FindServer() {
