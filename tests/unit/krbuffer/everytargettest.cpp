@@ -2,6 +2,7 @@
 // without touching a byte that is not the line's.
 
 #include "everyformat.h"
+#include "guardedmemory.h"
 #include "imagelayout.h"
 #include "kernels/linestores.h"
 #include "krbuffer/krbufferconverter.h"
@@ -30,23 +31,9 @@ namespace {
 constexpr int kMostWidth = 70;
 constexpr int kMostHeight = 4;
 constexpr std::size_t kBgraBytes = 4;
-constexpr std::uint8_t kGuard = 0xA5;
+constexpr std::uint8_t kGuard = GuardedMemory::kGuard;
 
-/// Memory that ends with its content, and in which the content begins at a chosen distance from an allocation's begin.
-struct ExactMemory {
-  ExactMemory(std::size_t aDistance, std::size_t aBytes)
-      : distance(aDistance), bytes(aBytes), memory(std::make_unique<std::uint8_t[]>(aDistance + aBytes)) {
-    std::fill_n(memory.get(), distance + bytes, kGuard);
-  }
-  std::uint8_t* GetContent() const { return memory.get() + distance; }
-  Bytes GetGuard() const { return {memory.get(), GetContent()}; }
-
-  std::size_t distance;
-  std::size_t bytes;
-  std::unique_ptr<std::uint8_t[]> memory;
-};
-
-/// An image of noise that begins anywhere in memory.
+/// An image of noise that ends so many bytes before its memory does.
 struct NoiseImage {
   NoiseImage(const KrPixelTypeInfo& aFormat, int aWidth, int aHeight, std::size_t aDistance)
       : format(aFormat), content(MakeNoise(PixelReference::GetImageBytes(aFormat, aWidth, aHeight, 0, 0),
@@ -66,7 +53,7 @@ struct NoiseImage {
 
   KrPixelTypeInfo format;
   Bytes content;
-  ExactMemory memory;
+  GuardedMemory memory;
   LineSource source;
 };
 
@@ -74,10 +61,10 @@ struct NoiseImage {
 Bytes ConvertLines(const LineConverter& aConverter, StoreKind aStores, std::size_t aDistance) {
   Bytes all;
   for (std::uint32_t y = 0; y < aConverter.GetSource().height; ++y) {
-    const ExactMemory line(aDistance, kBgraBytes * aConverter.GetSource().width);
+    const GuardedMemory line(aDistance, kBgraBytes * aConverter.GetSource().width);
     aConverter.ConvertLine(y, line.GetContent(), aStores);
     all.insert(all.end(), line.GetContent(), line.GetContent() + line.bytes);
-    EXPECT_THAT(line.GetGuard(), testing::Each(kGuard)) << "before line " << y;
+    EXPECT_THAT(line.GetGuard(), testing::Each(kGuard)) << "around line " << y;
   }
   return all;
 }
@@ -96,7 +83,8 @@ void ExpectReferenceOnAllTargets(const KrPixelTypeInfo& aFormat, int aWidth, int
     for (const StoreKind stores : {StoreKind::Cached, StoreKind::Streaming})
       ASSERT_EQ(ConvertLines(*converter, stores, aDestinationDistance), expected)
           << aWidth << " x " << aHeight << ", " << VectorTargetChoice::GetName(target)
-          << (stores == StoreKind::Streaming ? ", streaming" : "") << ", destination at " << aDestinationDistance;
+          << (stores == StoreKind::Streaming ? ", streaming" : "") << ", destination " << aDestinationDistance
+          << " bytes before the end";
   }
 }
 
@@ -144,7 +132,7 @@ TEST_P(EveryFormatOnEveryTarget, BytesAfterALine_AreLeftAlone) {
       const std::unique_ptr<LineConverter> converter = image.MakeConverter();
       for (const StoreKind stores : {StoreKind::Cached, StoreKind::Streaming}) {
         const std::size_t lineBytes = kBgraBytes * static_cast<std::size_t>(width);
-        const ExactMemory line(0, lineBytes + kAfter);
+        const GuardedMemory line(0, lineBytes + kAfter);
 
         converter->ConvertLine(1, line.GetContent(), stores);
 
