@@ -1,6 +1,6 @@
 #pragma once
-// Memory that ends where a page ends, which is followed by one that nobody may touch: a byte read or written beyond ends
-// the test, with or without a sanitizer.
+// Memory that ends where a page ends, which is followed by one that nobody may touch: a byte read or written beyond
+// ends the test, with or without a sanitizer.
 
 #include <sys/mman.h>
 
