@@ -10,7 +10,7 @@
 #define HWY_TARGET_INCLUDE "kernels/bayerkernels.cpp"
 #include <hwy/foreach_target.h>
 
-#include "kernels/colourstores-inl.h"
+#include "kernels/colourstores.h"
 
 HWY_BEFORE_NAMESPACE();
 

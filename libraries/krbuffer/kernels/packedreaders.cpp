@@ -7,7 +7,7 @@
 #define HWY_TARGET_INCLUDE "kernels/packedreaders.cpp"
 #include <hwy/foreach_target.h>
 
-#include "kernels/linesteps-inl.h"
+#include "kernels/linesteps.h"
 
 HWY_BEFORE_NAMESPACE();
 

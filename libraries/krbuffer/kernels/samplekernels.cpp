@@ -9,7 +9,7 @@
 #define HWY_TARGET_INCLUDE "kernels/samplekernels.cpp"
 #include <hwy/foreach_target.h>
 
-#include "kernels/colourstores-inl.h"
+#include "kernels/colourstores.h"
 
 HWY_BEFORE_NAMESPACE();
 

@@ -1,7 +1,7 @@
 // How kernels of colours write them where they have them in words, and lines down to a single pixel without reading or
 // writing beyond them.
 
-#include "kernels/linesteps-inl.h"
+#include "kernels/linesteps.h"
 
 #include <cstddef>
 #include <cstdint>
