@@ -78,7 +78,6 @@ public:
     while (running > 0) {
       mUser.Step();
       QApplication::processEvents();
-      TakeRecords();
     }
     first.join();
     second.join();
@@ -113,6 +112,7 @@ private:
 
   /// Brings the window into the state in which all stages are compared: of one size, having shown one image, empty.
   Held Settle() {
+    TakeRecords();
     mWindow.SetPosition(100, 100, 640, 480);
     mWindow.ZoomFit();
     KrBuffer frame;
@@ -126,7 +126,7 @@ private:
     return {MeasureFootprint(), GetResidentBytes(mServer)};
   }
 
-  /// Counts the errors among the records and forgets all, so that they do not grow.
+  /// Counts the errors among the records and forgets all, so that they do not grow; while no camera writes any.
   void TakeRecords() {
     for (const KrLogRecord& record : mRecords.GetRecords()) {
       mErrors += record.level == KrLogLevel::Error ? 1 : 0;
