@@ -41,6 +41,7 @@ constexpr struct {
     {"apps/common/", false},
     {"apps/krtool/", false},
     {"examples/", true},
+    {"benchmarks/", true},
     {"tests/", true},
 };
 
