@@ -41,7 +41,7 @@ constexpr struct {
     {"apps/common/", false},
     {"apps/krtool/", false},
     {"examples/", true},
-    {"benchmarks/", true},
+    {"benchmarks/display/", true},
     {"tests/", true},
 };
 
