@@ -84,11 +84,6 @@ void ClickRight(const QPoint& aPoint) {
   ASSERT_EQ(status, 0);
 }
 
-void CloseMenu() {
-  if (QWidget* menu = QApplication::activePopupWidget())
-    menu->close();
-}
-
 struct GivingCase {
   const char* name;
   Giving giving;
@@ -222,11 +217,14 @@ TEST_P(DisplayPace, UnderItsMenu_FramesAreShownAroundIt) {
   ClickRight(client.topLeft() + QPoint(20, 20));
   int shown = 0;
   bool isMenuWhole = true;
+  std::atomic<bool> isCameraDone = false;
   std::thread camera;
   // The menu runs a loop of its own, in which this goes on.
   QTimer look;
   QObject::connect(&look, &QTimer::timeout, &look, [&] {
     QWidget* menu = QApplication::activePopupWidget();
+    if (isCameraDone && menu != nullptr)
+      menu->close();
     if (menu == nullptr || camera.joinable() || !menu->windowHandle()->isExposed())
       return;
     const QRect inside = menu->geometry().adjusted(4, 4, -4, -4);
@@ -242,12 +240,12 @@ TEST_P(DisplayPace, UnderItsMenu_FramesAreShownAroundIt) {
         shown += isShown ? 1 : 0;
         isMenuWhole = isMenuWhole && screen.Read(inside) == menuPixels;
       }
-      QMetaObject::invokeMethod(qApp, &CloseMenu, Qt::QueuedConnection);
+      isCameraDone = true;
     });
   });
   look.start(10);
 
-  const bool isMenuSeen = WaitFor([&] { return camera.joinable() && QApplication::activePopupWidget() == nullptr; });
+  const bool isMenuSeen = WaitFor([&] { return isCameraDone && QApplication::activePopupWidget() == nullptr; });
   if (camera.joinable())
     camera.join();
 
