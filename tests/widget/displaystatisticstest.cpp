@@ -12,6 +12,19 @@ using KrDisplayWndStatisticsTest = KrDisplayWndTest;
 
 constexpr KrPixelType kUnknownType = 0x01080FFF;
 
+// Counts the paints of a widget.
+class PaintCounter : public QObject {
+public:
+  explicit PaintCounter(QWidget& aWidget) { aWidget.installEventFilter(this); }
+
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    paints += aEvent->type() == QEvent::Paint ? 1 : 0;
+    return false;
+  }
+
+  std::uint64_t paints = 0;
+};
+
 // An image in a format that nobody knows.
 KrBuffer MakeUnknown() {
   KrBuffer buffer;
@@ -50,6 +63,32 @@ TEST_F(KrDisplayWndStatisticsTest, Counts_OfAClosedWindow_CallReplacedFramesDrop
 
   EXPECT_EQ(mWindow.GetStatistics().shown, 1u);
   EXPECT_EQ(mWindow.GetStatistics().dropped, 3u);
+}
+
+TEST_F(KrDisplayWndStatisticsTest, Counts_WhileCamerasGoAtFullRate_CallNoMoreFramesShownThanWerePainted) {
+  constexpr std::uint64_t kPaints = 300;
+  Open(300, 200);
+  const KrBuffer frame = MakeNoise(64, 48);
+  ASSERT_TRUE(mWindow.Display(frame, false).IsOK());
+  Grab();
+  PaintCounter counter(GetView());
+  mWindow.ResetStatistics();
+  {
+    const auto run = [&](const std::stop_token& aStop) {
+      while (!aStop.stop_requested())
+        EXPECT_TRUE(mWindow.Display(frame, false).IsOK());
+    };
+    const std::jthread cameras[] = {std::jthread(run), std::jthread(run), std::jthread(run)};
+    // Each paint has new frames before it, which may come during it too.
+    for (std::uint64_t received = 0; counter.paints < kPaints; received = mWindow.GetStatistics().received) {
+      while (mWindow.GetStatistics().received == received)
+        std::this_thread::yield();
+      GetView().repaint();
+    }
+  }
+
+  EXPECT_GT(mWindow.GetStatistics().shown, 0u);
+  EXPECT_LE(mWindow.GetStatistics().shown, counter.paints);
 }
 
 TEST_F(KrDisplayWndStatisticsTest, Reset_OfAll_BeginsAnew) {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <tuple>
 
 namespace krgui {
 
@@ -114,8 +115,20 @@ TEST_F(PictureSurfaceTest, PictureThatWasPresented_SaysWhatItStillHolds) {
   EXPECT_EQ(mSurface->Begin(90, 80, kGenerousLimit)->contentTag, 0U);
 }
 
-TEST_F(PictureSurfaceTest, SizeThatNoWindowHas_GivesNothing) {
-  for (const auto& [width, height] : {std::pair(0, 10), {10, 0}, {-1, 10}, {10, -1}, {32768, 1}, {1, INT_MAX}}) {
+TEST_F(PictureSurfaceTest, SizeAboveWhatAPictureCanHave_IsCut) {
+  for (const auto& [width, height, cutWidth, cutHeight] :
+       {std::tuple(32768, 2, 32767, 2), {2, INT_MAX, 2, 32767}, {32767, 1, 32767, 1}}) {
+    const auto target = mSurface->Begin(width, height, kGenerousLimit);
+
+    ASSERT_TRUE(target);
+    EXPECT_EQ(target->canvas.width, cutWidth);
+    EXPECT_EQ(target->canvas.height, cutHeight);
+    EXPECT_TRUE(mSurface->Present({0, 0, width, height}, 1));
+  }
+}
+
+TEST_F(PictureSurfaceTest, EmptySize_GivesNothing) {
+  for (const auto& [width, height] : {std::pair(0, 10), {10, 0}, {-1, 10}, {10, -1}}) {
     EXPECT_FALSE(mSurface->Begin(width, height, kGenerousLimit)) << width << "x" << height;
     EXPECT_FALSE(mSurface->Present({0, 0, 10, 10}, 1));
   }

@@ -1,5 +1,6 @@
 #include "display/displaypainter.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -9,8 +10,17 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// How long a frame waits for the screen; a camera is never held up for longer.
-constexpr std::chrono::milliseconds kScreenLimit{100};
+/// How long a call waits for the screen, counted from its begin. As the display lock is had in the order in which it
+/// was asked for, whoever was before has ended its wait by then too: this is all that a call waits for the screen,
+/// however many threads draw. A paint waits less, as it is repeated soon and holds up the user and cameras.
+constexpr std::chrono::milliseconds kFrameLimit{80};
+constexpr std::chrono::milliseconds kPaintLimit{20};
+
+/// What is left of a limit that counts from the call's begin.
+std::chrono::milliseconds FindRest(std::chrono::milliseconds aLimit, Clock::time_point aCallBegin) {
+  const auto rest = std::chrono::duration_cast<std::chrono::milliseconds>(aCallBegin + aLimit - Clock::now());
+  return std::clamp(rest, std::chrono::milliseconds(0), aLimit);
+}
 
 } // namespace
 
@@ -20,48 +30,56 @@ void DisplayPainter::SetSurface(DrawingSurface* aSurface) {
   mShown = {};
 }
 
-void DisplayPainter::BeginPaint(const ScreenLook& aScreen) {
-  mScreen = aScreen;
-  mIsPainting = true;
-  mIsWholeWanted = true;
-}
-
-QImage DisplayPainter::EndPaint() {
-  mIsPainting = false;
-  const QImage* picture = mSurface == nullptr ? nullptr : mSurface->GetPicture();
-  return picture == nullptr ? QImage() : *picture;
+bool DisplayPainter::IsDrawable(const Frame& aFrame) const {
+  return mSurface != nullptr && !aFrame.view.clientRect.IsEmpty();
 }
 
 FrameTarget::Outcome DisplayPainter::Draw(const Frame& aFrame, Times& aTimes) {
-  if (mSurface == nullptr || aFrame.view.clientRect.IsEmpty())
+  if (!IsDrawable(aFrame))
     return Outcome::Deferred;
-  const Clock::time_point begin = Clock::now();
-  Times times;
-  const Outcome outcome = mSurface->GetKind() == SurfaceKind::Invalidation ? DrawPicture(aFrame, times)
-                          : DrawToSurface(aFrame, times)                   ? Outcome::Shown
-                                                                           : Outcome::Dropped;
-  aTimes.conversion += times.conversion;
-  aTimes.drawing += Clock::now() - begin - times.conversion;
-  return outcome;
+  const bool isDrawn = DrawWithin(aFrame, kFrameLimit, aTimes);
+  if (IsPictureKind())
+    return Outcome::Deferred; // Whether there is a picture now or not, a paint is needed.
+  return isDrawn ? Outcome::Shown : Outcome::Dropped;
 }
 
-/// A picture that shows the frame already is painted as it is.
-FrameTarget::Outcome DisplayPainter::DrawPicture(const Frame& aFrame, Times& aTimes) {
-  const Outcome painted = mIsPainting ? Outcome::Shown : Outcome::Deferred;
+FrameTarget::Outcome DisplayPainter::Paint(const Frame& aFrame, Times& aTimes) {
+  mPicture = {};
+  if (!IsDrawable(aFrame))
+    return Outcome::Deferred;
+  mIsWholeWanted = true;
+  if (!DrawWithin(aFrame, kPaintLimit, aTimes))
+    return Outcome::Dropped;
+  if (const QImage* picture = mSurface->GetPicture())
+    mPicture = *picture;
+  return Outcome::Shown;
+}
+
+bool DisplayPainter::DrawWithin(const Frame& aFrame, std::chrono::milliseconds aLimit, Times& aTimes) {
+  const Clock::time_point begin = Clock::now();
+  Times times;
+  const bool isDrawn = IsPictureKind() ? DrawPicture(aFrame, times) : DrawToSurface(aFrame, aLimit, times);
+  aTimes.conversion += times.conversion;
+  aTimes.drawing += Clock::now() - begin - times.conversion;
+  return isDrawn;
+}
+
+/// A picture that shows the frame already stays as it is.
+bool DisplayPainter::DrawPicture(const Frame& aFrame, Times& aTimes) {
   Shown shown = {aFrame.number,      aFrame.image != nullptr, aFrame.view,      {mStyle, mScreen},
                  aFrame.overlayText, aFrame.refusalText,      aFrame.cursorText};
   if (aFrame.number != 0 && shown == mShown)
-    return painted;
+    return true;
   mShown = {};
-  if (!DrawToSurface(aFrame, aTimes))
-    return Outcome::Deferred;
+  if (!DrawToSurface(aFrame, {}, aTimes)) // A picture is never waited for.
+    return false;
   mShown = std::move(shown);
-  return painted;
+  return true;
 }
 
-bool DisplayPainter::DrawToSurface(const Frame& aFrame, Times& aTimes) {
+bool DisplayPainter::DrawToSurface(const Frame& aFrame, std::chrono::milliseconds aLimit, Times& aTimes) {
   const PixelRect& client = aFrame.view.clientRect;
-  const auto target = mSurface->Begin(client.GetWidth(), client.GetHeight(), kScreenLimit);
+  const auto target = mSurface->Begin(client.GetWidth(), client.GetHeight(), FindRest(aLimit, aFrame.callBegin));
   if (!target)
     return false;
   const DisplayLook look(mStyle, mScreen);

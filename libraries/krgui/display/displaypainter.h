@@ -7,7 +7,9 @@
 
 #include <QImage>
 
+#include <chrono>
 #include <cstdint>
+#include <utility>
 
 namespace krgui {
 
@@ -19,12 +21,15 @@ public:
 
   /// Where frames go from now on; null for nowhere. Not owned.
   void SetSurface(DrawingSurface* aSurface);
-  /// A paint of the window begins: its drawing is shown by it, and all of the window is sent to the screen.
-  void BeginPaint(const ScreenLook& aScreen);
-  /// The paint's drawing is done; gives the picture to be painted, which is null where the surface has sent it itself.
-  QImage EndPaint();
+  /// Frames look so from now on.
+  void SetScreen(const ScreenLook& aScreen) { mScreen = aScreen; }
 
   Outcome Draw(const Frame& aFrame, Times& aTimes) override;
+  /// Sends all of the window to the screen or, where the surface cannot, leaves the picture to be painted.
+  Outcome Paint(const Frame& aFrame, Times& aTimes) override;
+  /// What the last Paint left, once; null where nothing was drawn, or the surface has sent it itself. For the thread
+  /// that paints, without the lock.
+  QImage TakePicture() { return std::exchange(mPicture, {}); }
 
 private:
   struct Shown {
@@ -38,8 +43,11 @@ private:
     friend bool operator==(const Shown&, const Shown&) = default;
   };
 
-  Outcome DrawPicture(const Frame& aFrame, Times& aTimes);
-  bool DrawToSurface(const Frame& aFrame, Times& aTimes);
+  bool IsDrawable(const Frame& aFrame) const;
+  bool IsPictureKind() const { return mSurface->GetKind() == SurfaceKind::Invalidation; }
+  bool DrawWithin(const Frame& aFrame, std::chrono::milliseconds aLimit, Times& aTimes);
+  bool DrawPicture(const Frame& aFrame, Times& aTimes);
+  bool DrawToSurface(const Frame& aFrame, std::chrono::milliseconds aLimit, Times& aTimes);
   bool Present(const Frame& aFrame, bool aIsDecorated);
   std::uint64_t FindTag(const Frame& aFrame, const DisplayLook& aLook);
 
@@ -47,13 +55,13 @@ private:
   FramePainter mPainter;
   DrawingSurface* mSurface = nullptr;
   ScreenLook mScreen;
-  bool mIsPainting = false;
   bool mIsWholeWanted = true; ///< The screen may hold anything.
 
   FramePainter::Decoration mDecoration; ///< What mTag numbers.
   std::uint64_t mTag = 0;
   std::uint64_t mScreenTag = 0; ///< Of the decoration that is on the screen; 0 with texts in it.
-  Shown mShown;                 ///< What the picture holds; number 0 for nothing known.
+  Shown mShown;                 ///< What the surface's picture holds; number 0 for nothing known.
+  QImage mPicture;              ///< What a paint is to paint; not used but by the thread that paints.
 };
 
 } // namespace krgui

@@ -149,12 +149,12 @@ void DisplayView::paintEvent(QPaintEvent*) {
   if (paintedOnScreen != mPaintsOnScreen)
     return; // The toolkit's way begins with the paint that was asked for.
   const ScreenLook screen = TakeScreenLook();
-  mContent->ChangeView([&](ViewGeometry&) { mPainter.BeginPaint(screen); });
+  mContent->ChangeView([&](ViewGeometry&) { mPainter.SetScreen(screen); });
   const double ratio = screen.pixelRatio;
   const DisplayContent::Painted painted =
       mContent->PaintWindow(ToDevicePixels(width(), ratio), ToDevicePixels(height(), ratio),
                             ToDevicePixels(ViewGeometry::kBarThickness, ratio));
-  const QImage picture = mContent->ChangeView([&](ViewGeometry&) { return mPainter.EndPaint(); });
+  const QImage picture = mPainter.TakePicture();
   if (painted.outcome == FrameTarget::Outcome::Dropped)
     mRetryTimer.start();
   if (!picture.isNull())

@@ -42,8 +42,9 @@ public:
     /// owner gave it by Present; 0 for one with unknown content.
     std::uint64_t contentTag = 0;
   };
-  /// Memory of this size, waiting up to aLimit until the server has read one of the buffers; with 0 it looks only.
-  /// Nothing where none became free, no memory is to be had or the window is gone.
+  /// Memory of this size, waiting up to aLimit until the server has read one of the buffers; with 0 it looks only. Of a
+  /// size above what the screen can name (32767) the canvas is the upper left part. Nothing for an empty size, and
+  /// where none became free, no memory is to be had or the window is gone.
   virtual std::optional<Target> Begin(std::int32_t aWidth, std::int32_t aHeight, std::chrono::milliseconds aLimit) = 0;
   /// Sends a part of the memory last begun to the screen; the whole of it stays as drawn. aContentTag as above. False
   /// where it cannot get there.

@@ -14,16 +14,16 @@ PlainSurface::PlainSurface(std::unique_ptr<PlainPutWriter> aWriter) : mWriter(st
 
 std::optional<DrawingSurface::Target> PlainSurface::Begin(std::int32_t aWidth, std::int32_t aHeight,
                                                           std::chrono::milliseconds aLimit) {
-  const SurfaceExtent extent = {aWidth, aHeight};
+  const SurfaceExtent extent = SurfaceExtent::Cut(aWidth, aHeight);
   mHasBegun = false;
-  const auto free = extent.IsValid() ? mWriter->AwaitFree(mLatest, aLimit) : std::nullopt;
+  const auto free = extent.IsEmpty() ? std::nullopt : mWriter->AwaitFree(mLatest, aLimit);
   if (!free || !FitMemory(mBuffers[*free], extent)) {
     return std::nullopt;
   }
   mLatest = *free;
   mHasBegun = true;
   Buffer& buffer = mBuffers[mLatest];
-  const Canvas canvas = {{buffer.pixels.get(), extent.GetRowPixels()}, aWidth, aHeight};
+  const Canvas canvas = {{buffer.pixels.get(), extent.GetRowPixels()}, extent.width, extent.height};
   return Target{canvas, std::exchange(buffer.contentTag, 0)};
 }
 

@@ -92,15 +92,15 @@ bool SharedSurface::IsMemoryShared(WindowConnection::TimePoint aEnd) {
 
 std::optional<DrawingSurface::Target> SharedSurface::Begin(std::int32_t aWidth, std::int32_t aHeight,
                                                            std::chrono::milliseconds aLimit) {
-  const SurfaceExtent extent = {aWidth, aHeight};
+  const SurfaceExtent extent = SurfaceExtent::Cut(aWidth, aHeight);
   mBegun = nullptr;
-  Buffer* buffer = extent.IsValid() ? AwaitFree(aLimit) : nullptr;
+  Buffer* buffer = extent.IsEmpty() ? nullptr : AwaitFree(aLimit);
   if (buffer == nullptr || !FitMemory(*buffer, extent)) {
     return std::nullopt;
   }
   mBegun = buffer;
   mLatest = static_cast<std::size_t>(buffer - mBuffers.data());
-  const Canvas canvas = {{buffer->memory.GetPixels(), extent.GetRowPixels()}, aWidth, aHeight};
+  const Canvas canvas = {{buffer->memory.GetPixels(), extent.GetRowPixels()}, extent.width, extent.height};
   // Drawing begins now: what is there if it is never presented, nobody knows.
   return Target{canvas, std::exchange(buffer->contentTag, 0)};
 }

@@ -18,7 +18,11 @@ struct SurfaceExtent {
   /// The largest that an X server can name, and a picture of the toolkit can have.
   static constexpr std::int32_t kMostPixels = 32767;
 
-  constexpr bool IsValid() const { return width > 0 && height > 0 && width <= kMostPixels && height <= kMostPixels; }
+  /// What can be shown of a client area of this size: of a larger one the upper left part.
+  static constexpr SurfaceExtent Cut(std::int32_t aWidth, std::int32_t aHeight) {
+    return {std::min(aWidth, kMostPixels), std::min(aHeight, kMostPixels)};
+  }
+  constexpr bool IsEmpty() const { return width <= 0 || height <= 0; }
 
   /// From one row's begin to the next: whole cache lines, so that vectors of several rows are aligned alike.
   constexpr std::size_t GetRowPixels() const {

@@ -129,20 +129,31 @@ TEST(DisplayContent_Display, SecondImageOfTheSameSize_IsDrawnAtOnce) {
   EXPECT_EQ(display.target.GetLast().pixels, MakeGreyPixels(4, 4, 2));
 }
 
-TEST(DisplayContent_Display, ImageOfAnotherSize_MakesTheViewDirtyAndAsksForAPaint) {
+TEST(DisplayContent_Display, ImageOfAnotherSize_AsksForAPaint) {
   OpenDisplay display;
   display.Show(MakeImage(4, 4, KrPixel::Mono8, 1));
   display.Paint();
-  const auto isDirty = [&] { return display.content.ChangeView([](ViewGeometry& aView) { return aView.IsDirty(); }); };
-  ASSERT_FALSE(isDirty());
 
   const Paint paint = display.Show(MakeImage(8, 4, KrPixel::Mono8, 2));
 
   EXPECT_EQ(paint, Paint::Needed);
-  EXPECT_TRUE(isDirty());
   EXPECT_EQ(display.target.drawings.size(), 1u);
   EXPECT_EQ(display.Look().width, 8u);
   EXPECT_EQ(display.target.GetLast().view.imageWidth, 8u);
+}
+
+TEST(DisplayContent_Display, SizeThatComesAgainBeforeAPaint_PlacesTheBarsAnew) {
+  OpenDisplay display;
+  const KrBuffer image = MakeImage(400, 300, KrPixel::Mono8, 1);
+  display.Show(image);
+  display.content.ChangeView([](ViewGeometry& aView) { aView.ZoomOneToOne(); });
+  display.Paint();
+  ASSERT_EQ(display.Paint().bars.horizontal.kind, BarChange::Kind::None);
+
+  display.content.Clear();
+  display.Show(image);
+
+  EXPECT_EQ(display.Paint().bars.horizontal.kind, BarChange::Kind::Place);
 }
 
 TEST(DisplayContent_Overlay, TextSetAfterAnImage_IsShownFromTheNextImageOn) {

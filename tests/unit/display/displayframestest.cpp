@@ -120,6 +120,15 @@ TEST(DisplayFrames, PaintOfTheWindow_UpdatesTheGeometryAndTellsOfTheBars) {
   EXPECT_EQ(display.target.GetLast().view.viewRect, (PixelRect{0, 0, 82, 82}));
 }
 
+TEST(DisplayFrames, PaintOfTheWindow_IsAskedOfTheTargetAsOne) {
+  PaintedDisplay display;
+  EXPECT_TRUE(display.target.GetLast().isPaint);
+
+  display.Show(display.image);
+
+  EXPECT_FALSE(display.target.GetLast().isPaint);
+}
+
 TEST(DisplayFrames, PaintWithoutATarget_IsDeferred) {
   DisplayContent content;
 

@@ -1,11 +1,15 @@
 // The display's content used by several threads at once: for the thread sanitizer, and for what no order may break.
 
 #include "displayimages.h"
+#include "gatedmemory.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <barrier>
+#include <chrono>
+#include <functional>
+#include <future>
 #include <thread>
 
 using namespace krgui;
@@ -45,6 +49,23 @@ private:
   std::atomic<int> mDrawings = 0;
   std::vector<std::uint8_t> mPixels;
 };
+
+/// An image that tells when it is asked for the first time.
+class TellingImage : public ForeignImage {
+public:
+  explicit TellingImage(std::function<void()> aTell)
+      : ForeignImage(4, 4, KrPixel::Mono8, std::vector<std::uint8_t>(16)), mTell(std::move(aTell)) {}
+
+  std::uint32_t GetWidth() const override {
+    mTell();
+    return width;
+  }
+
+private:
+  std::function<void()> mTell;
+};
+
+constexpr std::chrono::seconds kGenerousLimit(60);
 
 } // namespace
 
@@ -151,4 +172,84 @@ TEST(DisplayThreads, TargetTaken_IsNotInUseAnyMore) {
     content.SetTarget(nullptr);
   }
   isDone = true;
+}
+
+TEST(DisplayThreads, CallThatWaitsForItsTurn_HasBegunBeforeTheWait) {
+  using Clock = std::chrono::steady_clock;
+  OpenDisplay display;
+  display.Show(MakeImage(4, 4, KrPixel::Mono8, 1));
+  display.Paint();
+  std::atomic<bool> isDrawing = false;
+  std::atomic<bool> hasBegun = false;
+  Clock::time_point firstEnd;
+  // The first drawing lasts until the second call is under way.
+  display.target.onDraw = [&] {
+    if (isDrawing.exchange(true))
+      return;
+    while (!hasBegun)
+      std::this_thread::yield();
+    firstEnd = Clock::now();
+  };
+  std::jthread second([&] {
+    const TellingImage image([&] { hasBegun = true; });
+    while (!isDrawing)
+      std::this_thread::yield();
+    display.Show(&image);
+  });
+
+  display.Show(MakeImage(4, 4, KrPixel::Mono8, 2));
+  second.join();
+
+  EXPECT_LT(display.target.GetLast().callBegin, firstEnd);
+}
+
+TEST(DisplayThreads, ClearDuringAConversion_DoesNotWaitAndDropsItsResult) {
+  constexpr std::uint32_t kSide = 64;
+  OpenDisplay display;
+  GatedMemory memory(kSide * kSide);
+  KrBuffer image;
+  ASSERT_TRUE(image.Attach(memory.Get(), memory.GetSize()).IsOK());
+  ASSERT_TRUE(image.DescribeImage(kSide, kSide, KrPixel::Mono8).IsOK());
+  auto paint = DisplayContent::Paint::NotNeeded;
+  std::atomic<bool> isReleased = false;
+  const std::shared_ptr<const KrBuffer> held(&image, [&](const KrBuffer*) { isReleased = true; });
+  ASSERT_TRUE(display.content.Display(std::shared_ptr<const KrBuffer>(held), paint).IsOK());
+  memory.Close();
+  auto conversion = std::async(std::launch::async, [&] { return display.content.GetInternalBuffer().GetSize(); });
+  memory.AwaitReader();
+
+  auto clearing = std::async(std::launch::async, [&] { display.content.Clear(); });
+  const bool isCleared = clearing.wait_for(kGenerousLimit) == std::future_status::ready;
+  const bool isPaintedEmpty = isCleared && !display.Look().hasImage;
+  memory.Open();
+
+  EXPECT_TRUE(isCleared);
+  EXPECT_TRUE(isPaintedEmpty);
+  EXPECT_EQ(conversion.get(), 0u);
+  EXPECT_EQ(display.content.GetInternalBuffer().GetSize(), 0u);
+}
+
+TEST(DisplayThreads, ImageAfterAClearDuringAConversion_IsWhatTheInternalBufferHasNext) {
+  constexpr std::uint32_t kSide = 64;
+  OpenDisplay display;
+  GatedMemory memory(kSide * kSide);
+  KrBuffer image;
+  ASSERT_TRUE(image.Attach(memory.Get(), memory.GetSize()).IsOK());
+  ASSERT_TRUE(image.DescribeImage(kSide, kSide, KrPixel::Mono8).IsOK());
+  auto paint = DisplayContent::Paint::NotNeeded;
+  ASSERT_TRUE(display.content.Display(std::shared_ptr<const KrBuffer>(&image, [](const KrBuffer*) {}), paint).IsOK());
+  memory.Close();
+  auto conversion = std::async(std::launch::async, [&] { return display.content.GetInternalBuffer().GetSize(); });
+  memory.AwaitReader();
+  auto clearing = std::async(std::launch::async, [&] { display.content.Clear(); });
+  const bool isCleared = clearing.wait_for(kGenerousLimit) == std::future_status::ready;
+
+  display.Show(MakeImage(4, 4, KrPixel::Mono8, 9));
+  memory.Open();
+
+  EXPECT_TRUE(isCleared);
+  EXPECT_EQ(conversion.get(), 0u);
+  const KrBuffer& internal = display.content.GetInternalBuffer();
+  EXPECT_EQ(std::vector<std::uint8_t>(internal.GetDataPointer(), internal.GetDataPointer() + internal.GetSize()),
+            MakeGreyPixels(4, 4, 9));
 }

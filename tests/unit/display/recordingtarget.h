@@ -3,6 +3,7 @@
 
 #include "logic/display/frametarget.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -20,12 +21,21 @@ public:
     KrString overlayText;
     KrString refusalText;
     KrString cursorText;
+    std::chrono::steady_clock::time_point callBegin;
+    bool isPaint = false;
   };
 
   Outcome Draw(const krgui::Frame& aFrame, Times& aTimes) override {
-    Drawing drawing{
-        aFrame.image != nullptr, 0, 0, {}, aFrame.number, aFrame.view, aFrame.overlayText, aFrame.refusalText,
-        aFrame.cursorText};
+    Drawing drawing{aFrame.image != nullptr,
+                    0,
+                    0,
+                    {},
+                    aFrame.number,
+                    aFrame.view,
+                    aFrame.overlayText,
+                    aFrame.refusalText,
+                    aFrame.cursorText,
+                    aFrame.callBegin};
     if (aFrame.image) {
       drawing.width = aFrame.image->GetWidth();
       drawing.height = aFrame.image->GetHeight();
@@ -40,6 +50,12 @@ public:
     aTimes.conversion += times.conversion;
     aTimes.drawing += times.drawing;
     return outcome;
+  }
+
+  Outcome Paint(const krgui::Frame& aFrame, Times& aTimes) override {
+    const Outcome painted = Draw(aFrame, aTimes);
+    drawings.back().isPaint = true;
+    return painted;
   }
 
   const Drawing& GetLast() const { return drawings.back(); }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstddef>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -46,4 +47,44 @@ TEST(KrTurnMutex, Lock_WhileAnotherThreadTakesItAgainAndAgain_IsHad) {
   }
 
   EXPECT_EQ(turns, 100) << "A lock that starves its waiters ends this test by its time limit.";
+}
+
+TEST(KrTurnMutex, Lock_AskedForBySeveralThreads_IsHadInTheirOrder) {
+  constexpr std::size_t kThreads = 6;
+  KrTurnMutex lock;
+  std::vector<std::size_t> order;
+  {
+    std::vector<std::jthread> threads;
+    const std::lock_guard holder(lock);
+    for (std::size_t i = 0; i < kThreads; ++i) {
+      threads.emplace_back([&, i] {
+        const std::lock_guard guard(lock);
+        order.push_back(i);
+      });
+      while (lock.CountWaiting() != i + 1)
+        std::this_thread::yield();
+    }
+  }
+
+  EXPECT_EQ(order, (std::vector<std::size_t>{0, 1, 2, 3, 4, 5}));
+}
+
+TEST(KrTurnMutex, Lock_TakenAgainByWhoGaveItUp_IsHadAfterAllWhoWait) {
+  constexpr std::size_t kThreads = 3;
+  KrTurnMutex lock;
+  std::vector<std::size_t> order;
+  std::vector<std::jthread> threads;
+  lock.lock();
+  for (std::size_t i = 0; i < kThreads; ++i)
+    threads.emplace_back([&, i] {
+      const std::lock_guard guard(lock);
+      order.push_back(i);
+    });
+  while (lock.CountWaiting() != kThreads)
+    std::this_thread::yield();
+
+  lock.unlock();
+  const std::lock_guard again(lock);
+
+  EXPECT_EQ(order.size(), kThreads);
 }

@@ -15,12 +15,18 @@ TEST(SurfaceExtent, Rows_AreWholeCacheLines) {
   EXPECT_EQ((SurfaceExtent{1920, 1080}).GetSize(), 1920U * 1080U * 4U);
 }
 
-TEST(SurfaceExtent, SizesThatNoWindowHas_AreInvalid) {
-  EXPECT_TRUE((SurfaceExtent{1, 1}).IsValid());
-  EXPECT_TRUE((SurfaceExtent{32767, 32767}).IsValid());
-  for (const SurfaceExtent& extent : {SurfaceExtent{0, 1}, {1, 0}, {-1, 1}, {1, -1}, {32768, 1}, {1, 32768}}) {
-    EXPECT_FALSE(extent.IsValid()) << extent.width << "x" << extent.height;
+TEST(SurfaceExtent, SizesWithoutPixels_AreEmpty) {
+  EXPECT_FALSE((SurfaceExtent{1, 1}).IsEmpty());
+  for (const SurfaceExtent& extent : {SurfaceExtent{0, 1}, {1, 0}, {-1, 1}, {1, -1}}) {
+    EXPECT_TRUE(extent.IsEmpty()) << extent.width << "x" << extent.height;
   }
+}
+
+TEST(SurfaceExtent, SizesAboveWhatTheScreenCanName_AreCut) {
+  EXPECT_EQ(SurfaceExtent::Cut(32767, 1), (SurfaceExtent{32767, 1}));
+  EXPECT_EQ(SurfaceExtent::Cut(32768, 10), (SurfaceExtent{32767, 10}));
+  EXPECT_EQ(SurfaceExtent::Cut(10, 2147483647), (SurfaceExtent{10, 32767}));
+  EXPECT_TRUE(SurfaceExtent::Cut(0, 40000).IsEmpty());
 }
 
 TEST(SurfaceExtent, LargestSize_IsCountedWithoutOverflow) {

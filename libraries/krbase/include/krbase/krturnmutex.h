@@ -1,19 +1,66 @@
 #pragma once
-// A mutex that is taken in turns: whoever waits for it gets it before a thread that gives it up takes it again. For what
-// one thread locks many times in a row, or nearly all the time, while others need it now and then.
+// A mutex that is had in the order in which it was asked for, by any number of threads: whoever waits for it gets it
+// before a thread that gives it up takes it again. For what one thread locks many times in a row, or nearly all the
+// time, while others need it now and then.
 
+#include <condition_variable>
+#include <cstddef>
 #include <mutex>
 
 /// Thread: any; not recursive. Used as std::mutex is, with std::lock_guard and std::unique_lock.
 class KrTurnMutex {
 public:
+  KrTurnMutex() = default;
+  KrTurnMutex(const KrTurnMutex&) = delete;
+  KrTurnMutex& operator=(const KrTurnMutex&) = delete;
+
   void lock() {
-    const std::lock_guard turn(mTurn);
-    mLock.lock();
+    std::unique_lock guard(mGuard);
+    if (!mIsHeld) {
+      mIsHeld = true;
+      return;
+    }
+    Waiter self;
+    (mLast == nullptr ? mFirst : mLast->next) = &self;
+    mLast = &self;
+    ++mWaiting;
+    self.turn.wait(guard, [&self] { return self.hasTurn; });
   }
-  void unlock() { mLock.unlock(); }
+
+  /// Hands it over to who has waited longest.
+  void unlock() {
+    const std::lock_guard guard(mGuard);
+    if (mFirst == nullptr) {
+      mIsHeld = false;
+      return;
+    }
+    Waiter& next = *mFirst;
+    mFirst = next.next;
+    if (mFirst == nullptr)
+      mLast = nullptr;
+    --mWaiting;
+    next.hasTurn = true;
+    // Under the guard, as the waiter is gone as soon as it goes on.
+    next.turn.notify_one();
+  }
+
+  /// How many threads wait for it at this moment.
+  std::size_t CountWaiting() const {
+    const std::lock_guard guard(mGuard);
+    return mWaiting;
+  }
 
 private:
-  std::mutex mTurn; // Held by the one who waits for the lock next.
-  std::mutex mLock; // Guards what the owner says.
+  /// A thread that waits, on its own stack.
+  struct Waiter {
+    std::condition_variable turn;
+    bool hasTurn = false;
+    Waiter* next = nullptr;
+  };
+
+  mutable std::mutex mGuard; ///< Guards what follows; held for moments.
+  bool mIsHeld = false;
+  Waiter* mFirst = nullptr; ///< Has waited longest.
+  Waiter* mLast = nullptr;
+  std::size_t mWaiting = 0;
 };

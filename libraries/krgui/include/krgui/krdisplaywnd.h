@@ -21,8 +21,9 @@ class DisplayWnd;
 /// Escape, Enter and the close box close a window that is no child.
 ///
 /// Thread: Display, Clear, SetTextOverlay, GetTextOverlay, GetConverter, GetInternalBuffer and the statistics from any
-/// thread; everything else on the user-interface thread. Display, Clear and painting are done one after the other. A
-/// screen that takes no pixels costs a frame, never more than a tenth of a second.
+/// thread; everything else on the user-interface thread. Display, Clear and painting are done one after the other, in
+/// the order of the calls. A screen that takes no pixels, or takes them slowly, costs frames: of a call of Display, the
+/// time spent waiting for it is never more than a tenth of a second, what other threads before it wait included.
 /// Ownership: the image given to Display may be freed when Display returns.
 ///
 ///     KrDisplayWnd window;
@@ -47,14 +48,16 @@ public:
   /// shown is neither copied nor converted. Results as above, InvalidInput for null. The last owner's deleter may run
   /// on any thread that calls Display, Clear or GetInternalBuffer, without a lock held.
   KrResult Display(std::shared_ptr<const KrBuffer> aBuffer, bool aFlag);
-  /// Drops image and overlay text: the window shows its background.
+  /// Drops image and overlay text: the window shows its background. It does not wait for a conversion that
+  /// GetInternalBuffer does on another thread.
   void Clear();
 
   /// The window's own converter, for settings of the conversion.
   KrBufferConverter& GetConverter();
   /// The whole image last accepted as BGRa8, converted with the settings that the converter had when it was displayed;
-  /// empty without one. The conversion is done by this call where it is not done yet. The buffer changes by this call
-  /// and by Clear alone, so that it may be read while another thread displays.
+  /// empty without one. The conversion is done by this call where it is not done yet; when Clear comes meanwhile, its
+  /// result is dropped and the buffer is empty. The buffer changes by this call and by Clear alone, so that it may be
+  /// read while another thread displays.
   KrBuffer& GetInternalBuffer();
 
   /// The colour around the image and of the empty window; each 0 to 255, mid grey until it is set. Shown at the next

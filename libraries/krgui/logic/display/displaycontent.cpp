@@ -86,8 +86,9 @@ KrResult DisplayContent::Display(std::shared_ptr<const KrBuffer> aBuffer, Paint&
 
 template <typename Ask>
 KrResult DisplayContent::DisplayWhat(const Ask& aAsk, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint) {
+  const TimePoint callBegin = Clock::now();
   try {
-    return DisplaySnapshot(aAsk(), aBuffer, aPaint);
+    return DisplaySnapshot(aAsk(), aBuffer, callBegin, aPaint);
   } catch (const std::exception& error) {
     return RefuseException(error.what(), aPaint);
   } catch (...) {
@@ -96,7 +97,7 @@ KrResult DisplayContent::DisplayWhat(const Ask& aAsk, const std::shared_ptr<cons
 }
 
 KrResult DisplayContent::DisplaySnapshot(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer,
-                                         Paint& aPaint) {
+                                         TimePoint aCallBegin, Paint& aPaint) {
   const auto width = static_cast<std::uint16_t>(aSource.GetWidth());
   const auto height = static_cast<std::uint16_t>(aSource.GetHeight());
   const auto size = static_cast<std::uint32_t>(aSource.GetImageSize());
@@ -111,15 +112,16 @@ KrResult DisplayContent::DisplaySnapshot(const ImageSnapshot& aSource, const std
                       "Cannot convert from pixel type " + std::to_string(type) + " to " +
                           std::to_string(kDisplayPixelType),
                       MakeFormatText(type), aPaint);
-  Accept(aSource, aBuffer, aPaint);
+  Accept(aSource, aBuffer, aCallBegin, aPaint);
   return {};
 }
 
 void DisplayContent::Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer,
-                            Paint& aPaint) {
+                            TimePoint aCallBegin, Paint& aPaint) {
   // Released when the lock is given up: the deleter of a buffer that was held is the application's code.
   std::shared_ptr<HeldImage> former;
   const std::lock_guard lock(mDisplayLock);
+  mCallBegin = aCallBegin;
   const bool isResized = aSource.GetWidth() != mLastWidth || aSource.GetHeight() != mLastHeight;
   mLastWidth = aSource.GetWidth();
   mLastHeight = aSource.GetHeight();
@@ -187,9 +189,8 @@ std::shared_ptr<HeldImage> DisplayContent::MakeBlack() const {
 }
 
 void DisplayContent::Clear() {
-  // Released when the locks are given up, as in Accept.
+  // Released when the lock is given up, as in Accept.
   std::shared_ptr<HeldImage> former;
-  const std::lock_guard internalLock(mInternalLock);
   const std::lock_guard lock(mDisplayLock);
   mPendingText.Clear();
   mDisplayedText.Clear();
@@ -200,7 +201,10 @@ void DisplayContent::Clear() {
     mCounts.Drop();
   }
   mSpare.reset();
-  mInternalBuffer.Clear();
+  if (mIsConverting)
+    mIsConversionVain = true;
+  else
+    mInternalBuffer.Clear();
 }
 
 void DisplayContent::SetPendingText(const KrString& aText) {
@@ -216,20 +220,24 @@ KrString DisplayContent::GetPendingText() const {
 KrBuffer& DisplayContent::GetInternalBuffer() {
   // Released when the locks are given up, as in Accept.
   std::shared_ptr<HeldImage> held;
-  const std::lock_guard internalLock(mInternalLock);
+  const std::lock_guard conversionLock(mConversionLock);
   std::uint64_t number = 0;
   {
     const std::lock_guard lock(mDisplayLock);
     held = mHeld;
     number = mNumber;
+    mIsConverting = held != nullptr;
+    if (!held)
+      mInternalBuffer.Clear();
   }
   if (held)
     mInternalBuffer.Convert(held->GetLines(), number, mConverter);
-  else
+  const std::lock_guard lock(mDisplayLock);
+  mIsConverting = false;
+  if (std::exchange(mIsConversionVain, false))
     mInternalBuffer.Clear();
   // Given back under the lock, so that who takes it next may write to the memory.
-  const std::lock_guard lock(mDisplayLock);
-  if (held == mHeld)
+  else if (held == mHeld)
     held.reset();
   else if (held && held->IsCopy())
     mSpare = std::move(held);
@@ -245,21 +253,23 @@ DisplayContent::Paint DisplayContent::DrawAtOnce(const Shown& aShown) {
   // Until the first paint for an image of this size the geometry is that of another one.
   if (!mTarget || !IsViewOf(aShown.lines))
     return Paint::Needed;
-  return DrawCounted(&aShown) == FrameTarget::Outcome::Shown ? Paint::NotNeeded : Paint::Needed;
+  return DrawCounted(&aShown, &FrameTarget::Draw) == FrameTarget::Outcome::Shown ? Paint::NotNeeded : Paint::Needed;
 }
 
-FrameTarget::Outcome DisplayContent::DrawCounted(const Shown* aShown) {
+FrameTarget::Outcome DisplayContent::DrawCounted(const Shown* aShown, DrawingWay aWay) {
   FrameTarget::Times times;
-  const FrameTarget::Outcome outcome = Draw(*mTarget, aShown, times);
+  const FrameTarget::Outcome outcome = Draw(*mTarget, aShown, aWay, times);
   mCounts.AddTimes(times);
   if (outcome == FrameTarget::Outcome::Shown)
     mCounts.Show();
   return outcome;
 }
 
-FrameTarget::Outcome DisplayContent::Draw(FrameTarget& aTarget, const Shown* aShown, FrameTarget::Times& aTimes) const {
+FrameTarget::Outcome DisplayContent::Draw(FrameTarget& aTarget, const Shown* aShown, DrawingWay aWay,
+                                          FrameTarget::Times& aTimes) const {
   try {
     Frame frame;
+    frame.callBegin = mCallBegin;
     frame.view = mGeometry.GetArea();
     frame.number = mNumber;
     if (aShown && IsViewOf(aShown->lines)) {
@@ -269,7 +279,7 @@ FrameTarget::Outcome DisplayContent::Draw(FrameTarget& aTarget, const Shown* aSh
     } else {
       frame.refusalText = aShown ? KrString() : mRefusalText;
     }
-    return aTarget.Draw(frame, aTimes);
+    return (aTarget.*aWay)(frame, aTimes);
   } catch (...) {
     // Mostly there is no memory for it now. What is held must be in order whatever the target does.
     return FrameTarget::Outcome::Dropped;
@@ -284,13 +294,15 @@ std::optional<DisplayContent::Shown> DisplayContent::GetHeld() const {
 
 DisplayContent::Painted DisplayContent::PaintWindow(std::int32_t aClientWidth, std::int32_t aClientHeight,
                                                     std::int32_t aBarThickness) {
+  const TimePoint callBegin = Clock::now();
   const std::lock_guard lock(mDisplayLock);
+  mCallBegin = callBegin;
   mGeometry.SetClient(aClientWidth, aClientHeight, aBarThickness);
   Painted painted;
   painted.bars = mGeometry.Update(mLastWidth, mLastHeight);
   const std::optional<Shown> held = GetHeld();
   if (mTarget)
-    painted.outcome = DrawCounted(held ? &*held : nullptr);
+    painted.outcome = DrawCounted(held ? &*held : nullptr, &FrameTarget::Paint);
   return painted;
 }
 
@@ -298,7 +310,7 @@ void DisplayContent::PaintTo(FrameTarget& aTarget) {
   const std::lock_guard lock(mDisplayLock);
   const std::optional<Shown> held = GetHeld();
   FrameTarget::Times times;
-  Draw(aTarget, held ? &*held : nullptr, times);
+  Draw(aTarget, held ? &*held : nullptr, &FrameTarget::Draw, times);
 }
 
 KrDisplayStatistics DisplayContent::GetStatistics() const {

@@ -16,6 +16,7 @@
 #include "logic/display/internalbuffer.h"
 #include "logic/display/viewgeometry.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -43,7 +44,8 @@ public:
   KrResult Display(std::shared_ptr<const KrBuffer> aBuffer, Paint& aPaint);
   /// Counts, remembers and logs what was refused before it came to Display; a window that shows no image says so.
   KrResult Refuse(KrResult::Code aCode, const KrLogSite& aSite, const KrString& aText, Paint& aPaint);
-  /// Drops the image and both texts.
+  /// Drops the image and both texts. Waits for no conversion of GetInternalBuffer: what one gives is dropped at its
+  /// end.
   void Clear();
 
   void SetPendingText(const KrString& aText);
@@ -51,7 +53,8 @@ public:
 
   KrBufferConverter& GetConverter() { return mConverter; }
   /// The whole image last accepted, converted with the settings of its Display; converted now where that is not done
-  /// yet. Without an image it is empty. It changes by this call and by Clear alone.
+  /// yet. Without an image it is empty, and where one was cleared during the call. It changes by this call and by Clear
+  /// alone.
   KrBuffer& GetInternalBuffer();
   DisplayStyle& GetStyle() { return mStyle; }
 
@@ -85,11 +88,16 @@ public:
   bool IsCursorLineEnabled() const;
 
 private:
+  using TimePoint = std::chrono::steady_clock::time_point;
+
   /// An image as it is drawn.
   struct Shown {
     const KrLineConversion& lines;
     const IKrImage& source;
   };
+
+  /// How a target is asked to draw.
+  using DrawingWay = FrameTarget::Outcome (FrameTarget::*)(const Frame&, FrameTarget::Times&);
 
   static KrDisplayPixel ReadDisplayPixel(const Shown& aShown, PixelPoint aPlace);
   /// aScreenText is what an empty window shows.
@@ -99,9 +107,11 @@ private:
   /// Displays what aAsk() gives, which may be foreign code and throw.
   template <typename Ask>
   KrResult DisplayWhat(const Ask& aAsk, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint);
-  KrResult DisplaySnapshot(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint);
+  KrResult DisplaySnapshot(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer,
+                           TimePoint aCallBegin, Paint& aPaint);
   /// Takes an image that can be converted by its format; the copy is kept or, where it is given, the buffer.
-  void Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint);
+  void Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer, TimePoint aCallBegin,
+              Paint& aPaint);
 
   // What follows is done under the display lock.
 
@@ -113,8 +123,9 @@ private:
   std::shared_ptr<HeldImage> MakeBlack() const;
   Paint DrawAtOnce(const Shown& aShown);
   /// Draws to the window's target, which there is, and counts; null draws no image.
-  FrameTarget::Outcome DrawCounted(const Shown* aShown);
-  FrameTarget::Outcome Draw(FrameTarget& aTarget, const Shown* aShown, FrameTarget::Times& aTimes) const;
+  FrameTarget::Outcome DrawCounted(const Shown* aShown, DrawingWay aWay);
+  FrameTarget::Outcome Draw(FrameTarget& aTarget, const Shown* aShown, DrawingWay aWay,
+                            FrameTarget::Times& aTimes) const;
   std::optional<Shown> GetHeld() const;
   /// True when the geometry was updated for images of this size.
   bool IsViewOf(const KrLineConversion& aLines) const;
@@ -124,9 +135,7 @@ private:
   DisplayStyle mStyle;
   KrBufferConverter mConverter{-1};
 
-  /// Guards the internal buffer, which is converted without the display lock; taken before that.
-  std::mutex mInternalLock;
-  InternalBuffer mInternalBuffer;
+  std::mutex mConversionLock; ///< One conversion into the internal buffer at a time; taken before the display lock.
 
   /// Guards everything below.
   mutable KrTurnMutex mDisplayLock; // Else a camera at full rate would keep the user interface from it.
@@ -144,6 +153,10 @@ private:
   FrameCounts mCounts;
   std::optional<PixelPoint> mCursor;
   bool mIsCursorLineEnabled = false;
+  TimePoint mCallBegin;           ///< Of the call that draws now.
+  bool mIsConverting = false;     ///< The internal buffer is written to without the lock, and left alone by others.
+  bool mIsConversionVain = false; ///< Clear has come meanwhile.
+  InternalBuffer mInternalBuffer;
 };
 
 } // namespace krgui

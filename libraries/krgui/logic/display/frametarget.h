@@ -19,6 +19,8 @@ struct Frame {
   KrString overlayText; ///< Empty when none is to be drawn.
   KrString refusalText; ///< Why nothing is shown; empty while an image is held or nothing was refused.
   KrString cursorText;  ///< The line about the pixel under the cursor; empty when none is to be drawn.
+  /// When the call that draws it began, before it waited for its turn: how long it may wait counts from here.
+  std::chrono::steady_clock::time_point callBegin;
 };
 
 /// Where a frame is drawn, as far as the content needs to know.
@@ -29,7 +31,7 @@ public:
   enum class Outcome {
     Shown,    ///< The frame is on its way to the screen.
     Deferred, ///< It will be shown by the next paint of the window, which the caller asks for.
-    Dropped,  ///< The screen did not take it in time; the caller asks for a paint.
+    Dropped,  ///< The screen did not take it in time, or there is no memory for it; the caller asks for a paint.
   };
   struct Times {
     std::chrono::nanoseconds conversion{0};
@@ -38,6 +40,8 @@ public:
 
   virtual ~FrameTarget() = default;
   virtual Outcome Draw(const Frame& aFrame, Times& aTimes) = 0;
+  /// The same for a paint of the window: what it draws is shown by it.
+  virtual Outcome Paint(const Frame& aFrame, Times& aTimes) { return Draw(aFrame, aTimes); }
 };
 
 } // namespace krgui

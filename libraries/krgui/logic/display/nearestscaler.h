@@ -3,7 +3,6 @@
 // that what is seen is what the sensor sent. Where the rows come from and go to is left to the caller.
 
 #include "logic/display/columnplan.h"
-#include "logic/pixelrect.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,11 +23,6 @@ struct PixelPlane {
 /// Thread: one at a time.
 class NearestScaler {
 public:
-  /// Fills aWidth x aHeight pixels of the destination from a part of the source. An empty part or destination does
-  /// nothing.
-  void Scale(const PixelPlane<const std::uint32_t>& aSource, const PixelRect& aSourceRect,
-             const PixelPlane<std::uint32_t>& aDestination, std::int32_t aWidth, std::int32_t aHeight);
-
   /// Gets ready to scale rows. Neither the source's part nor what is drawn is empty; what is drawn lies inside the
   /// destination.
   void PrepareColumns(const ColumnMapping& aMapping);

@@ -53,7 +53,6 @@ public:
   void SetClient(std::int32_t aWidth, std::int32_t aHeight, std::int32_t aBarThickness);
   /// An image of another size came, or the window another one.
   void MarkDirty() { mIsDirty = true; }
-  bool IsDirty() const { return mIsDirty; }
 
   /// The geometry update, run at the start of every paint, for the size of the image last accepted. With an image or a
   /// client area without size the source is empty, the bars are hidden and the factor stays.
