@@ -26,7 +26,7 @@ public:
       : mRing(aRing), mWindow(aWindow), mIsHeld(aIsHeld) {}
 
   void Show(std::size_t aFrame) override {
-    Require(mIsHeld ? mWindow.Display(mRing.Share(aFrame), false) : mWindow.Display(mRing.Get(aFrame), false));
+    Require(mIsHeld ? mWindow.DisplayHeld(mRing.Share(aFrame), false) : mWindow.Display(mRing.Get(aFrame), false));
   }
   std::uint64_t GetShown() const override { return mWindow.GetStatistics().shown; }
 

@@ -44,7 +44,7 @@ void RandomCamera::GiveLargest() {
   for (const KrPixelType type : kTypes) {
     const std::shared_ptr<const KrBuffer> frame = MakeFrame(kMostWidth, kMostHeight, type);
     mFailures += mWindow.Display(*frame, false).IsOK() ? 0 : 1;
-    mFailures += mWindow.Display(frame, false).IsOK() ? 0 : 1;
+    mFailures += mWindow.DisplayHeld(frame, false).IsOK() ? 0 : 1;
     mWindow.GetInternalBuffer();
   }
 }
@@ -78,7 +78,7 @@ void RandomCamera::GiveFrames() {
       MakeFrame(size >> 16, size & 0xFFFF, kTypes[Draw(0, std::size(kTypes) - 1)]);
   const bool isHeld = Draw(0, 1) != 0;
   for (std::uint32_t count = Draw(1, 8); count > 0; --count)
-    mFailures += (isHeld ? mWindow.Display(frame, false) : mWindow.Display(*frame, false)).IsOK() ? 0 : 1;
+    mFailures += (isHeld ? mWindow.DisplayHeld(frame, false) : mWindow.Display(*frame, false)).IsOK() ? 0 : 1;
 }
 
 void RandomCamera::GiveBadFrame() {

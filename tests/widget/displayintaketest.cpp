@@ -108,18 +108,27 @@ TEST_F(KrDisplayWndTest, HeldBuffer_OfAnImage_IsShownAndHeldUntilAnotherComes) {
   auto first = std::make_shared<const KrBuffer>(MakeGrey(100, 90, 41));
   const std::weak_ptr<const KrBuffer> held = first;
 
-  EXPECT_TRUE(mWindow.Display(std::exchange(first, nullptr), false).IsOK());
+  EXPECT_TRUE(mWindow.DisplayHeld(std::exchange(first, nullptr), false).IsOK());
 
   EXPECT_FALSE(held.expired());
   EXPECT_EQ(Grab().pixelColor(50, 50), QColor(41, 41, 41));
-  EXPECT_TRUE(mWindow.Display(std::make_shared<const KrBuffer>(MakeGrey(100, 90, 42)), false).IsOK());
+  EXPECT_TRUE(mWindow.DisplayHeld(std::make_shared<const KrBuffer>(MakeGrey(100, 90, 42)), false).IsOK());
   EXPECT_TRUE(held.expired());
   EXPECT_EQ(Grab().pixelColor(50, 50), QColor(42, 42, 42));
 }
 
+TEST_F(KrDisplayWndTest, NullImage_WrittenAsSuch_IsRefusedAndCounted) {
+  const KrResult result = mWindow.Display(nullptr, false);
+
+  EXPECT_EQ(result.GetCodeNumber(), 1281u);
+  EXPECT_FALSE(result.GetDescription().IsEmpty());
+  EXPECT_EQ(mWindow.GetStatistics().received, 1u);
+  EXPECT_EQ(mWindow.GetStatistics().refused, 1u);
+}
+
 TEST_F(KrDisplayWndTest, HeldBuffer_NullOrWithoutImage_IsRefusedAndCounted) {
-  const KrResult null = mWindow.Display(std::shared_ptr<const KrBuffer>(), false);
-  const KrResult chunks = mWindow.Display(std::make_shared<const KrBuffer>(KrPayloadType::ChunkData), false);
+  const KrResult null = mWindow.DisplayHeld(nullptr, false);
+  const KrResult chunks = mWindow.DisplayHeld(std::make_shared<const KrBuffer>(KrPayloadType::ChunkData), false);
 
   EXPECT_EQ(null.GetCodeNumber(), 1281u);
   EXPECT_FALSE(null.GetDescription().IsEmpty());

@@ -150,6 +150,19 @@ TEST_F(KrDisplayWndMenuTest, ByKeyboard_MenuOpensInTheMiddleAndTheContextPointSt
   EXPECT_EQ(mWindow.GetHScrollPos(), horizontal + int(std::floor(300 * GetRatio())) - GetDeviceSize().width() / 2);
 }
 
+TEST_F(KrDisplayWndMenuTest, CentreHere_BeforeAnyRightClick_BringsTheUpperLeftCornerIntoTheMiddle) {
+  mWindow.Zoom1_1();
+  Grab();
+  const int horizontal = mWindow.GetHScrollPos();
+  const int vertical = mWindow.GetVScrollPos();
+
+  OpenMenuByKeyboard();
+  Choose(kCentreHere);
+
+  EXPECT_EQ(mWindow.GetHScrollPos(), horizontal - GetDeviceSize().width() / 2);
+  EXPECT_EQ(mWindow.GetVScrollPos(), vertical - GetDeviceSize().height() / 2);
+}
+
 TEST_F(KrDisplayWndMenuTest, ShiftAndF10_OpenTheMenu) {
   QTest::keyClick(&GetView(), Qt::Key_F10, Qt::ShiftModifier);
 

@@ -2,6 +2,8 @@
 
 #include "displayfixture.h"
 
+#include <cmath>
+
 TEST_F(KrDisplayWndTest, Overlay_NothingSet_HasTheDefaults) {
   unsigned char red = 1, green = 1, blue = 1;
 
@@ -44,17 +46,39 @@ TEST_F(KrDisplayWndTest, Overlay_Text_StandsAtTheImagesCornerAndChangesNothingEl
       plainpicture::Count(picture, {text.left(), middle, text.width(), text.bottom() - middle}, QColor(0, 255, 0)), 0);
 }
 
-TEST_F(KrDisplayWndTest, Overlay_WindowsLineEnds_DrawAsPlainOnes) {
+TEST_F(KrDisplayWndTest, Overlay_LineEndsOfOtherSystems_DrawAsPlainOnes) {
   Open(300, 100);
   const KrBuffer buffer = MakeGrey(100, 100, 0);
-  mWindow.SetTextOverlay("one\r\ntwo");
+  mWindow.SetTextOverlay("one\n\ntwo");
   ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
-  const QImage windows = Grab();
+  const QImage plain = Grab();
+  for (const char* text : {"one\r\n\r\ntwo", "one\r\rtwo", "one\n\rtwo", "one\r\n\ntwo"}) {
+    mWindow.SetTextOverlay(text);
+    ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
 
-  mWindow.SetTextOverlay("one\ntwo");
-  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+    EXPECT_EQ(plainpicture::Compare(Grab(), plain), "") << QByteArray(text).toPercentEncoding().toStdString();
+  }
+}
 
-  EXPECT_EQ(plainpicture::Compare(Grab(), windows), "");
+TEST_F(KrDisplayWndTest, Overlay_AtEveryOffset_IsTheSamePixelsElsewhere) {
+  Open(300, 100);
+  const KrBuffer buffer = MakeGrey(300, 100, 0);
+  mWindow.SetTextOverlay("Wag");
+  const auto draw = [&](unsigned int aOffset) {
+    mWindow.SetTextOverlayOffsetX(aOffset);
+    mWindow.SetTextOverlayOffsetY(aOffset);
+    EXPECT_TRUE(mWindow.Display(buffer, false).IsOK());
+    return Grab();
+  };
+  const int origin = static_cast<int>(std::lround(4 * GetRatio()));
+  const QImage first = draw(4);
+  for (unsigned int offset : {5u, 6u, 7u, 10u}) {
+    const int shift = static_cast<int>(std::lround(offset * GetRatio())) - origin;
+
+    const QImage shifted = draw(offset);
+
+    EXPECT_EQ(plainpicture::Compare(shifted.copy(shift, shift, 200, 60), first.copy(0, 0, 200, 60)), "") << offset;
+  }
 }
 
 TEST_F(KrDisplayWndTest, Overlay_AmpersandsAndTags_ArePlainText) {

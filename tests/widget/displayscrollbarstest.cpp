@@ -145,6 +145,28 @@ TEST_F(KrDisplayWndScrollBarsTest, Bars_AfterAResize_LieAtTheNewEdgesAndGoWhenTh
   EXPECT_FALSE(GetVerticalBar().isVisible());
 }
 
+TEST_F(KrDisplayWndScrollBarsTest, Bars_OfAWindowOpenedAgain_AreWhereTheyWere) {
+  mWindow.Zoom1_1();
+  Grab();
+  ASSERT_TRUE(mWindow.SetHScrollPos(70).IsOK());
+  QTest::keyClick(&GetVerticalBar(), Qt::Key_End);
+  const int vertical = mWindow.GetVScrollPos();
+  Grab();
+  ASSERT_TRUE(mWindow.Close().IsOK());
+
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+  Grab();
+
+  EXPECT_TRUE(GetHorizontalBar().isVisible());
+  EXPECT_TRUE(GetVerticalBar().isVisible());
+  EXPECT_EQ(GetHorizontalBar().geometry(), QRect(0, 282, 382, 18));
+  EXPECT_EQ(GetVerticalBar().geometry(), QRect(382, 0, 18, 282));
+  EXPECT_EQ(mWindow.GetVScrollPos(), vertical);
+  EXPECT_EQ(GetVerticalBar().value(), vertical);
+  ExpectPicture(mWindow.GetHScrollPos(), vertical, "opened again");
+}
+
 TEST_F(KrDisplayWndScrollBarsTest, Bars_OfAnImageThatIsTooWideAlone_AreTheHorizontalOne) {
   ASSERT_TRUE(mWindow.Display(MakeNoise(2000, 100), false).IsOK());
   mWindow.Zoom1_1();

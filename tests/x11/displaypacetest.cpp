@@ -34,7 +34,7 @@ enum class Giving { Copied, Held };
 
 KrResult Give(KrDisplayWnd& aWindow, std::uint32_t aNumber, Giving aGiving) {
   const std::shared_ptr<const KrBuffer> frame = MakeFrame(kWidth, kHeight, aNumber);
-  return aGiving == Giving::Held ? aWindow.Display(frame, false) : aWindow.Display(*frame, false);
+  return aGiving == Giving::Held ? aWindow.DisplayHeld(frame, false) : aWindow.Display(*frame, false);
 }
 
 /// A camera that gives frames as fast as they are taken, until it ends.

@@ -176,6 +176,40 @@ TEST_F(DisplayOnScreen, CursorPixel_AndCentreHere_AgreeWithWhatIsSeen) {
   EXPECT_NEAR(mWindow.GetCursorPixel()->y, pixel.y, 1);
 }
 
+TEST_F(DisplayOnScreen, CursorPixel_OfACursorThatNeverMoves_IsKnownFromTheOpeningOnAndAfterTheMenu) {
+  Open(300, 240);
+  const QRect client = GetClient();
+  ASSERT_TRUE(mWindow.Close().IsOK());
+  const KrBuffer noise = MakeNoise(300, 240);
+  ASSERT_TRUE(mWindow.Display(noise, false).IsOK());
+  const QPoint point = client.center();
+  RunXdotool({"mousemove", QString::number(point.x()), QString::number(point.y())});
+  const auto isKnown = [&] {
+    const std::optional<KrDisplayPixel> pixel = mWindow.GetCursorPixel();
+    const QPoint place = point - GetClient().topLeft();
+    return pixel && QPoint(static_cast<int>(pixel->x), static_cast<int>(pixel->y)) == place;
+  };
+
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+
+  Await(isKnown, "the pixel where the window opened");
+  RunXdotool({"click", "3"});
+  Await([&] { return QApplication::activePopupWidget() != nullptr && !mWindow.GetCursorPixel(); }, "the menu");
+  RunXdotool({"key", "Escape"});
+  Await(isKnown, "the pixel after the menu");
+  // Another click would be a double one.
+  RunXdotool({"key", "Menu"});
+  Await([&] { return QApplication::activePopupWidget() != nullptr && !mWindow.GetCursorPixel(); }, "the menu again");
+  RunXdotool({"key", "Down", "Down", "Return"});
+  Await(isKnown, "the pixel after a command that changes nothing here");
+  RunXdotool({"mousemove", "5", "5"});
+  Await([&] { return !mWindow.GetCursorPixel(); }, "nothing when it leaves at once");
+  RunXdotool({"mousemove", QString::number(point.x()), QString::number(point.y())});
+  Await(isKnown, "the pixel when it comes back");
+  ASSERT_TRUE(mWindow.Close().IsOK());
+  EXPECT_FALSE(mWindow.GetCursorPixel().has_value());
+}
+
 TEST_F(DisplayOnScreen, RealKeysAndWheel_ZoomTheImage) {
   Open(300, 240);
   const KrBuffer noise = MakeNoise(900, 700);

@@ -11,7 +11,9 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace krgui {
 
@@ -19,16 +21,21 @@ class DisplayView : public QWidget {
   Q_OBJECT
 
 public:
+  using SurfaceMaker = std::function<std::unique_ptr<DrawingSurface>(QWidget&, SurfaceKind)>;
+
   /// aBest is the best way onto the screen that is tried.
   DisplayView(std::shared_ptr<DisplayContent> aContent, QWidget* aParent,
-              SurfaceKind aBest = SurfaceKind::SharedDescriptor);
+              SurfaceKind aBest = SurfaceKind::SharedDescriptor, SurfaceMaker aMaker = &MakeDrawingSurface);
   ~DisplayView() override;
 
   /// Gives the surface back for good: when this returns, no thread draws into the window any more.
   void Withdraw();
   /// Tells the geometry how large the client area is.
   void UpdateClient();
-  /// The right mouse button was pressed here last, in device pixels of the client area.
+  /// Asks where the mouse is, after what covered the view has gone.
+  void TakeCursor();
+  /// The right mouse button was pressed here last, in device pixels of the client area; the upper left corner before
+  /// the first time.
   PixelPoint GetContextPoint() const { return mContextPoint; }
 
   QPaintEngine* paintEngine() const override;
@@ -47,25 +54,35 @@ protected:
   void wheelEvent(QWheelEvent* aEvent) override;
   void mousePressEvent(QMouseEvent* aEvent) override;
   void mouseMoveEvent(QMouseEvent* aEvent) override;
+  void enterEvent(QEnterEvent* aEvent) override;
   void leaveEvent(QEvent* aEvent) override;
   void contextMenuEvent(QContextMenuEvent* aEvent) override;
 
 private:
   PixelPoint ToDevice(const QPointF& aPoint) const;
   ScreenLook TakeScreenLook() const;
+  QSize FindDeviceSize() const;
   void MakeSurface();
+  void UseSurface(std::unique_ptr<DrawingSurface> aSurface);
   void DropSurface();
+  void SetPaintsOnScreen(bool aPaintsOnScreen);
+  void ReturnToScreen();
   void PaintRedirected(const ScreenLook& aScreen);
   void Zoom(double aStep, int aCount);
+  std::optional<PixelPoint> FindCursor() const;
   void TrackCursor(const std::optional<PixelPoint>& aClientPoint);
 
   const std::shared_ptr<DisplayContent> mContent;
   const SurfaceKind mBest;
-  DisplayPainter mPainter; ///< Used under the display lock.
+  const SurfaceMaker mMakeSurface;
+  const bool mMayPaintOnScreen; ///< The platform lets us, and somebody wants it.
+  DisplayPainter mPainter;      ///< Used under the display lock.
   std::unique_ptr<DrawingSurface> mSurface;
-  bool mPaintsOnScreen = false; ///< By the surface; else by the toolkit.
+  bool mPaintsOnScreen; ///< By the surface; else by the toolkit.
+  bool mHasPainted = false;
   bool mIsWithdrawn = false;
-  QTimer mRetryTimer; ///< Until the screen takes a frame that it did not take.
+  QTimer mRetryTimer;  ///< Until the screen takes a frame that it did not take.
+  QTimer mScreenTimer; ///< Until the screen takes pixels from us again.
   WheelSteps mWheelSteps;
   PixelPoint mContextPoint;
 };

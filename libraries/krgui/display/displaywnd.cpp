@@ -3,6 +3,7 @@
 #include "display/displaybars.h"
 #include "display/displayview.h"
 #include "logic/display/viewcommand.h"
+#include "platform/applicationend.h"
 #include "res/menus.h"
 
 #include <QMenu>
@@ -43,9 +44,9 @@ KrResult DisplayWnd::Display(const IKrImage* aImage) {
   return Finish(result, paint);
 }
 
-KrResult DisplayWnd::Display(std::shared_ptr<const KrBuffer> aBuffer) {
+KrResult DisplayWnd::DisplayHeld(std::shared_ptr<const KrBuffer> aBuffer) {
   if (!aBuffer)
-    return Display(static_cast<const IKrImage*>(nullptr));
+    return Display(nullptr);
   if (aBuffer->GetPayloadType() != KrPayloadType::Image)
     return RefusePayload();
   auto paint = DisplayContent::Paint::NotNeeded;
@@ -144,9 +145,13 @@ bool DisplayWnd::OnInitDialog() {
       std::make_unique<DisplayBars>(mContent, qobject_cast<QScrollBar*>(GetControl(kHorizontalBarID)),
                                     qobject_cast<QScrollBar*>(GetControl(kVerticalBarID)), [this] { Invalidate(); });
   mView = new DisplayView(mContent, GetWidget());
-  QObject::connect(mView, &DisplayView::BarsFound, mView,
+  // The first size of an opening counts as another one even if it is the last one of the opening before.
+  mContent->ChangeView([](ViewGeometry& aView) { aView.MarkDirty(); });
+  mConnections = std::make_unique<QObject>();
+  QObject::connect(mView, &DisplayView::BarsFound, mConnections.get(),
                    [this](const BarChanges& aChanges) { OnBarsFound(aChanges); });
-  QObject::connect(mView, &DisplayView::MenuWanted, mView, [this](const QPoint& aPoint) { ShowMenu(aPoint); });
+  QObject::connect(mView, &DisplayView::MenuWanted, mConnections.get(),
+                   [this](const QPoint& aPoint) { ShowMenu(aPoint); });
   mView->setGeometry(GetWidget()->rect());
   // The template's scroll bars lie above the picture.
   mView->lower();
@@ -226,7 +231,7 @@ void DisplayWnd::PlaceBars() {
     mBars->Place(mView->devicePixelRatioF());
 }
 
-/// It does not wait for the user: when a command is chosen, the window may show something else, or be gone.
+/// It does not wait for the user: when a command is chosen, the window may show something else.
 void DisplayWnd::ShowMenu(const QPoint& aScreenPoint) {
   const MenuTemplate* menuTemplate = FindMenu(kDisplayMenuID);
   if (!menuTemplate)
@@ -238,12 +243,27 @@ void DisplayWnd::ShowMenu(const QPoint& aScreenPoint) {
   for (const MenuItemTemplate& item : main.items) {
     QAction* action = menu->addAction(ToText(item.text));
     action->setData(item.commandID);
-    QObject::connect(action, &QAction::triggered, mView, [this, commandID = item.commandID] { Perform(commandID); });
+    QObject::connect(action, &QAction::triggered, mConnections.get(),
+                     [this, commandID = item.commandID] { Perform(commandID); });
   }
+  // Nobody may tell the view that a menu came between it and the cursor, or went. Later, when that is so on the screen.
+  QObject::connect(menu, &QMenu::aboutToShow, mView, &DisplayView::TakeCursor, Qt::QueuedConnection);
+  QObject::connect(menu, &QMenu::aboutToHide, mView, &DisplayView::TakeCursor, Qt::QueuedConnection);
+  mMenu = menu;
   menu->popup(aScreenPoint);
 }
 
+void DisplayWnd::OnClose() {
+  if (GetShowMode() == Mode::Modal)
+    Wnd::OnClose();
+  else
+    DestroyWindow();
+}
+
 void DisplayWnd::OnDestroy() {
+  mConnections.reset();
+  if (mMenu && !ApplicationEnd::IsProcessEnding())
+    mMenu->close();
   mBars.reset();
   if (mView)
     mView->Withdraw();

@@ -6,8 +6,12 @@
 #include "logic/display/displaycontent.h"
 #include "res/templates.h"
 
+#include <QObject>
+#include <QPointer>
+
 #include <memory>
 
+class QMenu;
 class QPoint;
 
 namespace krgui {
@@ -37,7 +41,7 @@ public:
   /// Any thread.
   KrResult Display(const IKrImage* aImage);
   /// Any thread.
-  KrResult Display(std::shared_ptr<const KrBuffer> aBuffer);
+  KrResult DisplayHeld(std::shared_ptr<const KrBuffer> aBuffer);
   /// What every buffer gets that holds no image. Any thread.
   KrResult RefusePayload();
   /// Any thread.
@@ -61,6 +65,8 @@ protected:
   bool OnInitDialog() override;
   void OnSize(const QSize& aSize) override;
   bool OnMessage(const Message& aMessage) override;
+  /// A child closes with its widget too.
+  void OnClose() override;
   void OnDestroy() override;
 
 private:
@@ -77,6 +83,9 @@ private:
   const std::shared_ptr<DisplayContent> mContent;
   DisplayView* mView = nullptr;       ///< Owned by the dialog; null while the window is not open.
   std::unique_ptr<DisplayBars> mBars; ///< Null while the window is not open.
+  /// What view and menu call of this window ends with the opening: they may outlive it for a while.
+  std::unique_ptr<QObject> mConnections;
+  QPointer<QMenu> mMenu; ///< The context menu while it is open; owned by the dialog.
 };
 
 } // namespace krgui

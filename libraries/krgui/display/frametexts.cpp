@@ -25,6 +25,7 @@ QImage WrapCanvas(const Canvas& aCanvas) {
 QString ToText(const KrString& aText) {
   QString text = QString::fromUtf8(aText.CStr());
   text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+  text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
   return text;
 }
 
@@ -75,7 +76,9 @@ PixelRect FrameTexts::DrawOverlay(const Canvas& aCanvas, const Frame& aFrame, co
   const PixelRect& client = aFrame.view.clientRect;
   const PixelRect& image = aFrame.view.destinationRect;
   const double ratio = aLook.screen.pixelRatio;
-  const QRectF textRect(QPointF(image.left + aLook.overlayOffsetX * ratio, image.top + aLook.overlayOffsetY * ratio),
+  // By whole pixels, so that letters look the same wherever they are.
+  const QRectF textRect(QPointF(image.left + std::round(aLook.overlayOffsetX * ratio),
+                                image.top + std::round(aLook.overlayOffsetY * ratio)),
                         QPointF(client.GetWidth(), client.GetHeight()));
   if (textRect.width() <= 0 || textRect.height() <= 0)
     return {};

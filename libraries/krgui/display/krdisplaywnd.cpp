@@ -25,8 +25,8 @@ KrResult KrDisplayWnd::Display(const IKrImage* aImage, bool) {
   return GetWnd().Display(aImage);
 }
 
-KrResult KrDisplayWnd::Display(std::shared_ptr<const KrBuffer> aBuffer, bool) {
-  return GetWnd().Display(std::move(aBuffer));
+KrResult KrDisplayWnd::DisplayHeld(std::shared_ptr<const KrBuffer> aBuffer, bool) {
+  return GetWnd().DisplayHeld(std::move(aBuffer));
 }
 
 void KrDisplayWnd::Clear() {

@@ -154,6 +154,10 @@ void Wnd::OnCancel() {
   }
 }
 
+void Wnd::OnClose() {
+  OnCancel();
+}
+
 void Wnd::OnDestroy() {}
 
 QWidget* Wnd::GetControl(int aID) const {

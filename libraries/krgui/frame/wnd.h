@@ -66,9 +66,10 @@ protected:
   virtual bool OnMessage(const Message& aMessage);
   /// The Enter key in a window whose focused control does not take it. By default ends the dialog with OK.
   virtual void OnOK();
-  /// The Escape key or the caption's close box. By default ends a modal dialog with Cancelled and closes a modeless
-  /// one; a child stays.
+  /// The Escape key. By default ends a modal dialog with Cancelled and closes a modeless one; a child stays.
   virtual void OnCancel();
+  /// The caption's close box, or whatever else closes the widget. By default as OnCancel.
+  virtual void OnClose();
   /// The window is going away, by whatever way; its controls still exist. Workers are joined and drawing surfaces
   /// released here. Overrides call the base last.
   virtual void OnDestroy();

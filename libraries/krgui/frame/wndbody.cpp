@@ -339,6 +339,11 @@ void Wnd::Body::OnDialogCancel() {
   wnd.OnCancel();
 }
 
+void Wnd::Body::OnDialogClose() {
+  const DeferredDeletions::Hold hold(deletions);
+  wnd.OnClose();
+}
+
 void Wnd::Body::OnDialogResize(const QSize& aSize) {
   if (opening && opening->isReady && opening->laidOutSize != aSize) {
     opening->laidOutSize = aSize;

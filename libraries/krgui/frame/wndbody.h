@@ -64,6 +64,7 @@ struct Wnd::Body final : DialogOwner {
 
   void OnDialogAccept() override;
   void OnDialogCancel() override;
+  void OnDialogClose() override;
   void OnDialogResize(const QSize& aSize) override;
   void OnDialogExpose() override;
   void OnDialogDying() override;

@@ -166,7 +166,9 @@ void DialogWindow::reject() {
 void DialogWindow::closeEvent(QCloseEvent* aEvent) {
   const QPointer<DialogWindow> self(this);
   mIsClosing = true;
-  reject();
+  if (mOwner != nullptr) {
+    mOwner->OnDialogClose();
+  }
   if (!self.isNull()) {
     mIsClosing = false;
   }

@@ -17,8 +17,10 @@ class DialogOwner {
 public:
   /// The Enter key that no control took, or the button with id 1.
   virtual void OnDialogAccept() = 0;
-  /// The Escape key, the caption's close box, or the button with id 2.
+  /// The Escape key or the button with id 2.
   virtual void OnDialogCancel() = 0;
+  /// The caption's close box, or whatever else closes the widget.
+  virtual void OnDialogClose() = 0;
   virtual void OnDialogResize(const QSize& aSize) = 0;
   /// The window came onto the screen for the first time.
   virtual void OnDialogExpose() = 0;

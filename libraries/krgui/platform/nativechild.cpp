@@ -5,6 +5,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <cmath>
+
 namespace krgui {
 
 NativeChild::NativeChild(QWidget& aWidget) : QObject(&aWidget), mWidget(aWidget) {
@@ -62,6 +64,10 @@ void NativeChild::Follow() {
   }
   if (const QPoint position = mWidget.mapTo(nativeParent, QPoint()); window->position() != position) {
     window->setPosition(position);
+    // A fraction of a pixel is rounded by the place: the native window may have another size now.
+    if (const double ratio = mWidget.devicePixelRatioF(); ratio != std::floor(ratio)) {
+      mWidget.update();
+    }
   }
   Clip();
 }

@@ -48,6 +48,18 @@ std::uint32_t FindX11Atom(std::string_view aName) {
   return reply ? reply->atom : 0;
 }
 
+std::optional<QRect> FindX11WindowRect(WId aID) {
+  constexpr std::chrono::milliseconds kLimit(100);
+  xcb_connection_t* connection = GetX11Connection();
+  if (connection == nullptr) {
+    return std::nullopt;
+  }
+  const auto cookie = xcb_get_geometry(connection, static_cast<xcb_drawable_t>(aID));
+  const auto reply =
+      AwaitReply<xcb_get_geometry_reply_t>(connection, cookie, std::chrono::steady_clock::now() + kLimit);
+  return reply ? std::optional(QRect(reply->x, reply->y, reply->width, reply->height)) : std::nullopt;
+}
+
 void MakePlainX11Window(WId aID) {
   if (xcb_connection_t* connection = GetX11Connection()) {
     constexpr std::uint8_t kBits = 32;

@@ -2,12 +2,14 @@
 // The toolkit's connection to an X server, and how replies of the server are awaited and kept. What is asked is the
 // callers'.
 
+#include <QRect>
 #include <qwindowdefs.h>
 
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,6 +27,10 @@ std::string FindX11DisplayName();
 
 /// The server's number for a name; 0 when it gives none. On X11 alone.
 std::uint32_t FindX11Atom(std::string_view aName);
+
+/// Where a window lies in its parent in the server's pixels, which is what the toolkit's rounding made of it; nothing
+/// where there is no X11, or no answer within a tenth of a second.
+std::optional<QRect> FindX11WindowRect(WId aID);
 
 /// Gives a window that is not shown yet the frame of any window instead of a dialog's; without effect where there is no
 /// X11.

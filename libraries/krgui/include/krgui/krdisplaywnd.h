@@ -18,12 +18,13 @@ class DisplayWnd;
 /// whatever the user-interface thread does. The user zooms and pans by keys (+ and -), wheel, scroll bars and context
 /// menu.
 ///
-/// Escape, Enter and the close box close a window that is no child.
+/// Escape, Enter and the close box close a window that is no child; a child closes with its widget (QWidget::close).
 ///
-/// Thread: Display, Clear, SetTextOverlay, GetTextOverlay, GetConverter, GetInternalBuffer and the statistics from any
-/// thread; everything else on the user-interface thread. Display, Clear and painting are done one after the other, in
-/// the order of the calls. A screen that takes no pixels, or takes them slowly, costs frames: of a call of Display, the
-/// time spent waiting for it is never more than a tenth of a second, what other threads before it wait included.
+/// Thread: Display, DisplayHeld, Clear, SetTextOverlay, GetTextOverlay, GetConverter, GetInternalBuffer and the
+/// statistics from any thread; everything else on the user-interface thread. Display, Clear and painting are done one
+/// after the other, in the order of the calls. A screen that takes no pixels, or takes them slowly, costs frames: of a
+/// call of Display, the time spent waiting for it is never more than a tenth of a second, what other threads before it
+/// wait included.
 /// Ownership: the image given to Display may be freed when Display returns.
 ///
 ///     KrDisplayWnd window;
@@ -46,8 +47,8 @@ public:
   /// Shows a buffer's image without keeping a copy of it: the window holds the buffer until another image, Clear or its
   /// own end takes its place, and nobody changes its bytes meanwhile. The cheapest way for large images: what is not
   /// shown is neither copied nor converted. Results as above, InvalidInput for null. The last owner's deleter may run
-  /// on any thread that calls Display, Clear or GetInternalBuffer, without a lock held.
-  KrResult Display(std::shared_ptr<const KrBuffer> aBuffer, bool aFlag);
+  /// on any thread that calls Display, DisplayHeld, Clear or GetInternalBuffer, without a lock held.
+  KrResult DisplayHeld(std::shared_ptr<const KrBuffer> aBuffer, bool aFlag);
   /// Drops image and overlay text: the window shows its background. It does not wait for a conversion that
   /// GetInternalBuffer does on another thread.
   void Clear();
