@@ -41,6 +41,7 @@ constexpr std::int64_t kMostGrowthBytes =
     32 << 20; // Five of the largest pictures on the screen: the allocator keeps that much, or not.
 #endif
 constexpr std::int64_t kMostServerGrowthBytes = 32 << 20;
+constexpr std::ptrdiff_t kMostSegmentGrowth = 1; // The second of two buffers is made when it is first needed.
 
 /// The X server's process, by the connection to it.
 std::string FindServer() {
