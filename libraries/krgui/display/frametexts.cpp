@@ -1,6 +1,7 @@
 #include "display/frametexts.h"
 
 #include "display/overlayfont.h"
+#include "logic/display/displaytexts.h"
 
 #include <QImage>
 #include <QPainter>
@@ -22,11 +23,13 @@ QImage WrapCanvas(const Canvas& aCanvas) {
           static_cast<qsizetype>(aCanvas.plane.rowPixels * sizeof(std::uint32_t)), QImage::Format_RGB32};
 }
 
-QString ToText(const KrString& aText) {
-  QString text = QString::fromUtf8(aText.CStr());
-  text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-  text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
-  return text;
+/// As much of a text as a place has room for: the camera does not wait for what nobody sees. No letter is narrower than
+/// a fifth of its size, no line lower than that.
+QString ToText(const KrString& aText, const QSizeF& aRoom, int aPixelSize) {
+  constexpr double kNarrowest = 0.2;
+  const auto count = [](double aLength, double aUnit) { return static_cast<std::size_t>(aLength / aUnit) + 2; };
+  return QString::fromStdString(
+      CutText(aText.ToUtf8(), count(aRoom.height(), aPixelSize), count(aRoom.width(), kNarrowest * aPixelSize)));
 }
 
 PixelRect ToPixelRect(const QRectF& aRect) {
@@ -95,7 +98,8 @@ PixelRect FrameTexts::DrawOverlay(const Canvas& aCanvas, const Frame& aFrame, co
   painter.setPen(QColor(aLook.overlayColor));
   painter.setClipRect(textRect);
   QRectF bounds;
-  painter.drawText(textRect, Qt::AlignLeft | Qt::AlignTop, ToText(aFrame.overlayText), &bounds);
+  painter.drawText(textRect, Qt::AlignLeft | Qt::AlignTop, ToText(aFrame.overlayText, textRect.size(), mPixelSize),
+                   &bounds);
   // Letters may reach beyond what they advance by.
   const double overhang = mPixelSize;
   return ToPixelRect(bounds.adjusted(-overhang, -overhang, overhang, overhang) & textRect);
@@ -106,7 +110,7 @@ PixelRect FrameTexts::DrawCursorLine(const Canvas& aCanvas, const Frame& aFrame,
   QImage picture = WrapCanvas(aCanvas);
   QPainter painter(&picture);
   painter.setFont(MakeTextFont(aLook.screen));
-  const QString text = ToText(aFrame.cursorText);
+  const QString text = ToText(aFrame.cursorText, QSizeF(view.GetWidth(), view.GetHeight()), aLook.screen.textPixelSize);
   const double margin = std::round(kPlateMargin * aLook.screen.pixelRatio);
   const QRectF bounds = painter.boundingRect(QRectF(), Qt::AlignLeft | Qt::AlignTop, text);
   const double height = std::ceil(bounds.height()) + margin;
@@ -132,9 +136,12 @@ void FrameTexts::DrawRefusal(const Canvas& aCanvas, const Frame& aFrame, const D
   font.setPixelSize(aLook.screen.textPixelSize * 5 / 4); // It is all that the window has to say.
   painter.setFont(font);
   painter.setPen(FindReadableColor(aLook.backgroundColor));
-  painter.drawText(
-      QRectF(view.left, view.top, view.GetWidth(), view.GetHeight()).adjusted(margin, margin, -margin, -margin),
-      Qt::AlignCenter | Qt::TextWordWrap, ToText(aFrame.refusalText));
+  const QRectF room =
+      QRectF(view.left, view.top, view.GetWidth(), view.GetHeight()).adjusted(margin, margin, -margin, -margin);
+  // One line of the text takes several of the window.
+  constexpr double kMostWrappings = 8;
+  painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap,
+                   ToText(aFrame.refusalText, QSizeF(room.width() * kMostWrappings, room.height()), font.pixelSize()));
 }
 
 } // namespace krgui

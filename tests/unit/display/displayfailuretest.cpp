@@ -68,6 +68,23 @@ TEST(DisplayFailure, TruncatedImageOfTheSameSize_LeavesTheFormerOneWithTheNewTex
   EXPECT_EQ(display.target.GetLast().overlayText, KrString("text"));
 }
 
+TEST(DisplayFailure, TruncatedImages_AreToldOfOnceUntilOneIsShown) {
+  OpenDisplay display;
+  const StatedImage truncated(64, 32, 16);
+  const KrLogCapture log;
+
+  display.Show(&truncated);
+  display.Show(&truncated);
+  const std::size_t inARow = log.GetRecords().size();
+  display.Show(MakeImage(2, 2, KrPixel::Mono8, 7));
+  display.Show(&truncated);
+
+  ASSERT_EQ(inARow, 1u);
+  EXPECT_EQ(log.GetRecords().front().level, KrLogLevel::Warning);
+  EXPECT_NE(log.GetRecords().front().text.ToUtf8().find("only 16 bytes of it are there"), std::string::npos);
+  EXPECT_EQ(log.GetRecords().size(), 2u);
+}
+
 TEST(DisplayFailure, TruncatedImage_CountsAsDroppedAndLeavesTheFormerOneWaiting) {
   OpenDisplay display;
   display.Show(MakeImage(8, 8, KrPixel::Mono8, 7));

@@ -50,3 +50,23 @@ TEST(MakeFormatText, UnknownFormat_IsItsNumber) {
   EXPECT_EQ(MakeFormatText(0x81080123),
             KrString("Cannot show pixel format 0x81080123.\nSet the camera to a mono, Bayer, RGB or YUV format."));
 }
+
+TEST(CutText, LinesAndCharacters_AreKeptAsFarAsThereIsRoom) {
+  struct CutRow {
+    const char* name;
+    std::string text;
+    std::string cut;
+  };
+  const CutRow rows[] = {
+      {"nothing", "", ""},
+      {"as much as there is room for", "abcd\nefgh\nijkl", "abcd\nefgh\nijkl"},
+      {"a line too many", "a\nb\nc\nd", "a\nb\nc"},
+      {"long lines", "abcdefgh\nijklmnop", "abcd\nijkl"},
+      {"every line end", "a\r\nb\rc", "a\nb\nc"},
+      {"empty lines", "\n\n\n\n", "\n\n"},
+      {"letters of several bytes", "äöüß!", "äöüß"},
+      {"a cut between letters of several bytes", "€€€€€\n€", "€€€€\n€"},
+  };
+  for (const CutRow& row : rows)
+    EXPECT_EQ(CutText(row.text, 3, 4), row.cut) << row.name;
+}

@@ -15,8 +15,8 @@ class DisplayWnd;
 }
 
 /// Shows images live, at the camera's pace: on X11 each image of unchanged size is drawn by the thread that gives it,
-/// whatever the user-interface thread does. The user zooms and pans by keys (+ and -), wheel, scroll bars and context
-/// menu.
+/// whatever the user-interface thread does. The user zooms by the keys + and -, the wheel and the context menu, about
+/// the middle of the view, and pans by the scroll bars (Tab leads to them) and by "Center Here" in that menu.
 ///
 /// Escape, Enter and the close box close a window that is no child; a child closes with its widget (QWidget::close).
 ///
@@ -40,6 +40,8 @@ public:
 
   /// Shows a buffer's image. InvalidInput for a payload that is no image or an image without width, height or size,
   /// Failed for a pixel type that cannot be shown; what was shown before then stays. aFlag is accepted and not used.
+  /// An image with fewer bytes than it says, or that there is no memory for, gives OK: it counts as dropped, the first
+  /// of several is logged, and the image before stays or, where that had another size, a black one is shown.
   KrResult Display(const KrBuffer& aBuffer, bool aFlag);
   /// Shows an image; as above. Width and height are taken modulo 65536 when they are checked. The image's operations
   /// are called in this call alone, once each and without a lock held. What they throw becomes Failed.
@@ -55,17 +57,18 @@ public:
 
   /// The window's own converter, for settings of the conversion.
   KrBufferConverter& GetConverter();
-  /// The whole image last accepted as BGRa8, converted with the settings that the converter had when it was displayed;
-  /// empty without one. The conversion is done by this call where it is not done yet; when Clear comes meanwhile, its
-  /// result is dropped and the buffer is empty. The buffer changes by this call and by Clear alone, so that it may be
-  /// read while another thread displays.
+  /// The whole image that the window shows, or would if it were open, as BGRa8, converted with the settings that the
+  /// converter had when it was displayed; empty without one. The conversion is done by this call where it is not done
+  /// yet; when Clear comes meanwhile, its result is dropped and the buffer is empty. The buffer changes by this call
+  /// and by Clear alone, so that it may be read while another thread displays.
   KrBuffer& GetInternalBuffer();
 
   /// The colour around the image and of the empty window; each 0 to 255, mid grey until it is set. Shown at the next
   /// drawing. Always OK.
   KrResult SetBackgroundColor(unsigned char aRed, unsigned char aGreen, unsigned char aBlue);
 
-  /// Sets the text drawn over the images that come from now on; line breaks are honoured.
+  /// Sets the text drawn over the images that come from now on; line breaks are honoured. What there is no room for in
+  /// the window is not looked at.
   void SetTextOverlay(const KrString& aText);
   /// The text last set, whether or not an image has come since.
   KrString GetTextOverlay() const;
@@ -84,7 +87,8 @@ public:
 
   /// One pixel of the image on one pixel of the screen, scaled screens included.
   void Zoom1_1();
-  /// The whole image, as large as the window allows. So begins every window.
+  /// The whole image, as large as the window allows. So begins every window object; closing and reopening it changes no
+  /// zoom.
   void ZoomFit();
   /// Enlarges by 1.5.
   void ZoomIn();

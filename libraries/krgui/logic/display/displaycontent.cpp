@@ -35,6 +35,13 @@ KrPixelValue ReadRawPixel(const IKrImage& aSource, PixelPoint aPlace) {
   return value;
 }
 
+/// Why an image could not be kept; without a reason of the conversion there was no memory.
+KrResult DescribeLoss(const KrResult& aOpened) {
+  return aOpened.IsOK() ? KrResult(KrResult::Code::SystemError,
+                                   "An image was not displayed: there is too little memory for it. Free buffers.")
+                        : aOpened;
+}
+
 } // namespace
 
 KrDisplayPixel DisplayContent::ReadDisplayPixel(const Shown& aShown, PixelPoint aPlace) {
@@ -112,12 +119,15 @@ KrResult DisplayContent::DisplaySnapshot(const ImageSnapshot& aSource, const std
                       "Cannot convert from pixel type " + std::to_string(type) + " to " +
                           std::to_string(kDisplayPixelType),
                       MakeFormatText(type), aPaint);
-  Accept(aSource, aBuffer, aCallBegin, aPaint);
+  const KrResult kept = Accept(aSource, aBuffer, aCallBegin, aPaint);
+  // Display succeeds all the same; without a word nobody would know why nothing moves.
+  if (!kept.IsOK())
+    KrLogger("KrGUILib").Log(KrLogLevel::Warning, {kFunction, kFile}, kept.GetDescription());
   return {};
 }
 
-void DisplayContent::Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer,
-                            TimePoint aCallBegin, Paint& aPaint) {
+KrResult DisplayContent::Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer,
+                                TimePoint aCallBegin, Paint& aPaint) {
   // Released when the lock is given up: the deleter of a buffer that was held is the application's code.
   std::shared_ptr<HeldImage> former;
   const std::lock_guard lock(mDisplayLock);
@@ -134,12 +144,14 @@ void DisplayContent::Accept(const ImageSnapshot& aSource, const std::shared_ptr<
   const Clock::time_point openBegin = Clock::now();
   KrLineConversion lines;
   std::shared_ptr<HeldImage> next;
-  if (lines.Open(mConverter, aSource).IsOK())
+  const KrResult opened = lines.Open(mConverter, aSource);
+  if (opened.IsOK())
     next = FindRoom(aSource, aBuffer);
   if (!next) {
     former = Substitute(isResized, aPaint);
-    return;
+    return std::exchange(mHasLost, true) ? KrResult() : DescribeLoss(opened);
   }
+  mHasLost = false;
   std::chrono::nanoseconds conversion = Clock::now() - openBegin;
   mCounts.Accept();
   // The frame is drawn from the source itself and only then copied, so that it is seen as early as can be.
@@ -151,6 +163,7 @@ void DisplayContent::Accept(const ImageSnapshot& aSource, const std::shared_ptr<
   // The memory of the image before is mostly written again; it is then held by nobody else.
   if (next != mHeld)
     former = std::exchange(mHeld, std::move(next));
+  return {};
 }
 
 std::shared_ptr<HeldImage> DisplayContent::Substitute(bool aIsResized, Paint& aPaint) {

@@ -109,9 +109,10 @@ private:
   KrResult DisplayWhat(const Ask& aAsk, const std::shared_ptr<const KrBuffer>& aBuffer, Paint& aPaint);
   KrResult DisplaySnapshot(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer,
                            TimePoint aCallBegin, Paint& aPaint);
-  /// Takes an image that can be converted by its format; the copy is kept or, where it is given, the buffer.
-  void Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer, TimePoint aCallBegin,
-              Paint& aPaint);
+  /// Takes an image that can be converted by its format; the copy is kept or, where it is given, the buffer. Says why
+  /// not at the first of several in a row for which that could not be done.
+  KrResult Accept(const ImageSnapshot& aSource, const std::shared_ptr<const KrBuffer>& aBuffer, TimePoint aCallBegin,
+                  Paint& aPaint);
 
   // What follows is done under the display lock.
 
@@ -153,6 +154,7 @@ private:
   FrameCounts mCounts;
   std::optional<PixelPoint> mCursor;
   bool mIsCursorLineEnabled = false;
+  bool mHasLost = false;          ///< The image last accepted could not be converted or kept.
   TimePoint mCallBegin;           ///< Of the call that draws now.
   bool mIsConverting = false;     ///< The internal buffer is written to without the lock, and left alone by others.
   bool mIsConversionVain = false; ///< Clear has come meanwhile.

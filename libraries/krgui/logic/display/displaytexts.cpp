@@ -53,4 +53,27 @@ KrString MakePixelText(std::uint32_t aX, std::uint32_t aY, const KrPixelValue& a
   return text;
 }
 
+std::string CutText(std::string_view aText, std::size_t aMostLines, std::size_t aMostCharacters) {
+  constexpr unsigned kContinuationMask = 0xC0;
+  constexpr unsigned kContinuation = 0x80;
+  std::string cut;
+  std::size_t characters = 0;
+  for (std::size_t i = 0, lines = 1; i < aText.size(); ++i) {
+    const char byte = aText[i];
+    if (byte == '\n' || byte == '\r') {
+      if (++lines > aMostLines)
+        break;
+      i += byte == '\r' && i + 1 < aText.size() && aText[i + 1] == '\n' ? 1 : 0;
+      cut += '\n';
+      characters = 0;
+      continue;
+    }
+    const bool isContinued = (static_cast<unsigned char>(byte) & kContinuationMask) == kContinuation;
+    characters += isContinued ? 0 : 1;
+    if (characters <= aMostCharacters)
+      cut += byte;
+  }
+  return cut;
+}
+
 } // namespace krgui
