@@ -34,7 +34,7 @@ protected:
 
 std::vector<std::uint8_t> MakeForeignAcknowledge(std::span<const std::uint8_t> aCommand) {
   auto answer = MakeReadAcknowledge(aCommand, 1);
-  answer[7] ^= 0xFF;
+  answer[6] ^= 0x7F; // The high byte of the number: a change of the low one could give that of the next request.
   return answer;
 }
 
