@@ -10,6 +10,14 @@ KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem:
 
 KrDeviceGEV::~KrDeviceGEV() = default;
 
+KrResult KrDeviceGEV::GetLastingIPConfiguration(KrLastingIPConfiguration&) {
+  return KrResult::Code::NotSupported;
+}
+
+KrResult KrDeviceGEV::SetLastingIPConfiguration(const KrLastingIPConfiguration&) {
+  return KrResult::Code::NotSupported;
+}
+
 KrResult KrDeviceGEV::SetIPConfiguration(const KrString& aMAC, const KrString& aAddress, const KrString& aSubnetMask,
                                          const KrString& aGateway) {
   return krdevice::ConfigureIP(aMAC, aAddress, aSubnetMask, aGateway);

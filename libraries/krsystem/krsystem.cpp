@@ -155,6 +155,14 @@ void KrSystem::Cancel() {
   mBody->Cancel();
 }
 
+KrResult KrSystem::Diagnose(std::vector<KrFinding>&) {
+  return KrResult::Code::NotSupported;
+}
+
+KrResult KrSystem::FindFreeAddress(const KrNetworkAdapter&, std::size_t, const std::stop_token&, KrString&) {
+  return KrResult::Code::NotSupported;
+}
+
 std::size_t KrSystem::GetInterfaceCount() const {
   return mBody->interfaces.size();
 }

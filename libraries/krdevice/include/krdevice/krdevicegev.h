@@ -14,6 +14,19 @@ enum class KrAccessType : std::int32_t {
       4, ///< It can be read and never controlled. The register has no such state: no transport of today gives it.
 };
 
+/// The ways in which a GigE Vision device gets its address, and the address that it keeps for itself (GigE Vision 2.x,
+/// registers 0x0010, 0x0014 and 0x064C to 0x066C). It lasts over switching off; it counts from the next start on.
+struct KrLastingIPConfiguration {
+  bool persistent = false; ///< Its own address comes first.
+  bool dhcp = true;        ///< Else it asks a DHCP server.
+  bool linkLocal = true;   ///< Else it takes one of 169.254/16. The standard has it always on.
+  /// The address that it keeps, as texts "a.b.c.d".
+  KrString address = "0.0.0.0";
+  KrString subnetMask = "0.0.0.0";
+  KrString gateway = "0.0.0.0";
+  friend bool operator==(const KrLastingIPConfiguration&, const KrLastingIPConfiguration&) = default;
+};
+
 /// An open GigE Vision device. Threads and ownership as KrDevice.
 class KR_EXPORT KrDeviceGEV : public KrDevice {
 public:
@@ -21,10 +34,18 @@ public:
               KrDeviceAccess aAccess = KrDeviceAccess::Control);
   ~KrDeviceGEV() override;
 
+  /// Reads how the device gets its address at its next start.
+  KrResult GetLastingIPConfiguration(KrLastingIPConfiguration& aConfiguration);
+  /// Writes it; the device must be open with control. Ways that the device does not have are NotSupported and
+  /// texts that do not parse InvalidInput, before anything is written. Where writing fails midway, what was written
+  /// before is put back. Read back and compared: ProtocolError when the device keeps something else.
+  KrResult SetLastingIPConfiguration(const KrLastingIPConfiguration& aConfiguration);
+
   /// Gives the device of a MAC address ("aa:bb:cc:dd:ee:ff") another IP configuration (texts "a.b.c.d") until its next
-  /// start (GigE Vision 2.x, FORCEIP). InvalidInput for texts that do not parse, NotFound when no device confirms.
+  /// start (GigE Vision 2.x, FORCEIP), on the adapter where it answers. InvalidInput for texts that do not parse,
+  /// NotFound when no device confirms.
   static KrResult SetIPConfiguration(const KrString& aMAC, const KrString& aAddress, const KrString& aSubnetMask,
                                      const KrString& aGateway);
-  /// Asks the device of an address who controls it, without taking control. Waits up to a second.
+  /// Asks the device of an address who controls it, without taking control: one register is read, once, within 200 ms.
   static KrResult GetAccessType(const KrString& aAddress, KrAccessType& aType);
 };

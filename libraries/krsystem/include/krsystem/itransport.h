@@ -3,6 +3,7 @@
 // which answers count as one device, and how long objects live, is decided there.
 
 #include "krbase/krresult.h"
+#include "krsystem/hostreadings.h"
 #include "krsystem/idevicelink.h"
 #include "krsystem/krdeviceinfo.h"
 #include "krsystem/krinterface.h"
@@ -62,14 +63,23 @@ public:
   /// within the limit, NotSupported for a transport without network addresses.
   virtual KrResult FindAddress(std::uint32_t aAddress, std::uint32_t aTimeoutMs, InterfaceFields& aInterface,
                                AnyDeviceFields& aDevice) = 0;
-  /// Gives the device of a MAC address another IP configuration (texts "a.b.c.d").
+  /// Gives the device of a MAC address another IP configuration (texts "a.b.c.d"), on the interface where it answers.
   virtual KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
                                const KrString& aGateway) = 0;
-  /// Who controls the device, asked without opening it.
+  /// Who controls the device, asked without opening it: once, within 200 ms.
   virtual KrResult GetAccessType(const AnyDeviceFields& aDevice, AccessType& aType) = 0;
   /// Opens a device that this transport found on an interface.
   virtual KrResult Open(const InterfaceFields& aInterface, const AnyDeviceFields& aDevice, DeviceAccess aAccess,
                         std::unique_ptr<IDeviceLink>& aLink) = 0;
+
+  /// Adds what this transport can tell of the host to the readings; a transport without adapters of its own adds
+  /// nothing. Fast; asks no device.
+  virtual KrResult ReadHost(HostReadings& aReadings);
+  /// Which of these addresses somebody on an interface's network uses, whoever it is. Ends within the limit; an address
+  /// that keeps silent counts as free. NotSupported for an interface without addresses, Aborted when aCancel asks.
+  virtual KrResult FindUsedAddresses(const InterfaceFields& aInterface, const std::vector<std::uint32_t>& aAddresses,
+                                     std::uint32_t aTimeoutMs, const std::stop_token& aCancel,
+                                     std::vector<std::uint32_t>& aUsed);
 };
 
 } // namespace krsystem

@@ -21,7 +21,7 @@ enum class KrInterfaceType : std::int32_t { USBHostController = 0, NetworkAdapte
 /// One interface of the host and the devices last found behind it.
 ///
 /// Thread: any; an object never changes, but for its list of devices, which KrSystem::Find replaces and FindDevice adds
-/// to: read that list while neither is running, or from the sink's own call.
+/// to. While one of them runs a count may be out of date by the next call; an index beyond the list gives null.
 /// Ownership: belongs to its KrSystem and lives as long as that.
 class KR_EXPORT KrInterface {
 public:
@@ -67,7 +67,9 @@ struct NetworkAdapterFields {
   KrString macAddress;  ///< "aa:bb:cc:dd:ee:ff"; empty where the adapter has none.
   std::vector<AdapterAddress> addresses = {AdapterAddress{}}; ///< At least one; 0.0.0.0 where there is none.
   KrString defaultGateway = "0.0.0.0";
-  bool tolvanDriverInstalled = false;
+  bool tolvanDriverInstalled = false; ///< Packets can be taken past the kernel's stack.
+  /// A program of this host answers there, if anybody: KrSystem lists it once a device has answered on it.
+  bool isLoopback = false;
   friend bool operator==(const NetworkAdapterFields&, const NetworkAdapterFields&) = default;
 };
 

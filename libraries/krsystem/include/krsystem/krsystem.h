@@ -4,11 +4,14 @@
 
 #include "krbase/krresult.h"
 #include "krsystem/krdeviceinfo.h"
+#include "krsystem/krfinding.h"
 #include "krsystem/krinterface.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <stop_token>
+#include <vector>
 
 /// Hears of devices while KrSystem::Find runs.
 class KR_EXPORT KrSystemEventSink {
@@ -21,7 +24,8 @@ public:
 
 /// Finds devices and keeps what was found.
 ///
-/// Thread: Find and FindDevice one at a time; Cancel from any thread; the getters while neither runs.
+/// Thread: Find and FindDevice one at a time; everything else from any thread. The lists change while Find runs and
+/// by FindDevice: a count may be out of date by the next call, and an index beyond the list gives null.
 /// Ownership: owns every KrInterface and KrDeviceInfo that it ever handed out, until it is destroyed. There are 16,384
 /// different devices at most, counting what changed as another one; further ones are left out, and the log says so
 /// once.
@@ -59,6 +63,16 @@ public:
   KrResult FindDevice(const KrString& aAddress, const KrDeviceInfo** aDevice);
   /// Makes a Find that runs return soon.
   void Cancel();
+
+  /// Says why devices may be missing or unusable: what the transports read of the host now, and what answered in the
+  /// last round. The gravest reason comes first; none when all is well. A few milliseconds; asks no device.
+  KrResult Diagnose(std::vector<KrFinding>& aFindings);
+  /// Proposes an address for a device on an adapter, in the subnet of the adapter's address of an index, that neither
+  /// the adapter, a device found, nor anybody who answers there uses. Takes up to about two seconds. NotFound when none
+  /// is free, InvalidInput for an index without an address, NotSupported where nobody can be asked, Aborted when
+  /// aCancel asks.
+  KrResult FindFreeAddress(const KrNetworkAdapter& aAdapter, std::size_t aIndex, const std::stop_token& aCancel,
+                           KrString& aAddress);
 
   std::size_t GetInterfaceCount() const;
   /// Null at or beyond the count.

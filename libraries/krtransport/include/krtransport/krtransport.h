@@ -2,16 +2,19 @@
 // The one public call by which a program decides what its devices can be reached by.
 
 #include "krbase/krresult.h"
+#include "krbase/krstring.h"
 
 /// Which backends a program wants.
 struct KrTransportSelection {
   bool gigEVision = true;  ///< Real GigE Vision devices.
   bool usb3Vision = true;  ///< Real USB3 Vision devices.
-  bool simulation = false; ///< The built-in simulated lab.
+  bool simulation = false; ///< A simulated lab.
+  KrString labFile = {};   ///< The lab's description (docs/simulation.md); the built-in lab where it is empty.
 };
 
 /// Registers backends for the whole process; call it once, before devices are looked for. A backend that is registered
-/// already stays as it is. Any thread.
+/// already stays as it is. NotFound for a lab file that cannot be read and BadData, with line, column and reason, for
+/// one that is no good; then nothing is registered. Any thread.
 ///
 ///     int main() {
 ///       KrResult result = KrInstallTransports({.gigEVision = true, .simulation = true});

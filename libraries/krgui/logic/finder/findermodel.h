@@ -1,0 +1,99 @@
+#pragma once
+// The finder's two maps of nodes: what a report of discovery does to them, what a pass over the tree does to that, and
+// when a device has grown too old. The tree itself is the window's, who sends the messages is too.
+
+#include "krsystem/krsystem.h"
+#include "logic/finder/finderkinds.h"
+#include "logic/finder/treeiteminfo.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace krgui {
+
+/// The finder's tree, as far as the model works on it.
+///
+/// Thread: user interface. The handle of an item is the window's own; an item knows the node that it shows.
+class IFinderTree {
+public:
+  virtual ~IFinderTree() = default;
+  /// Appends an item; null for a root.
+  virtual TreeItem Append(TreeItem aParent, const KrString& aText, int aIcon, TreeItemInfo& aInfo) = 0;
+  virtual void Delete(TreeItem aItem) = 0;
+  virtual void DeleteAll() = 0;
+  /// Each does something only where the item shows something else.
+  virtual void SyncText(TreeItem aItem, const KrString& aText) = 0;
+  virtual void SyncIcon(TreeItem aItem, int aIcon) = 0;
+  virtual void ExpandRoots() = 0;
+  virtual void ClearSelection() = 0;
+  /// The node of the selected item, or null.
+  virtual TreeItemInfo* GetSelected() const = 0;
+  /// The selected node has changed: its lists are to be brought up to date.
+  virtual void UpdateLists(TreeItemInfo& aInfo) = 0;
+};
+
+/// The maps.
+///
+/// Thread: TakeReport on the discovery thread and, while a rebuild replays, on the window's; the rest on the window's.
+/// Every operation takes the data lock; a thread that holds it may take it again.
+/// Ownership: borrows the system and the kinds; owns the nodes.
+class FinderModel {
+public:
+  /// How old a device may grow without being reported.
+  static constexpr std::uint32_t kMaxAgeMs = 2000;
+
+  /// What the reporter does next.
+  enum class Next {
+    Nothing,
+    Refresh, ///< Post the refresh message.
+    Rebuild, ///< Send the rebuild message, without the lock, and wait.
+  };
+
+  /// aClock gives milliseconds that may wrap; any thread.
+  FinderModel(const KrSystem& aSystem, const FinderKinds& aKinds, std::function<std::uint32_t()> aClock);
+  ~FinderModel();
+
+  /// The lock that guards maps and nodes: held by the window while it works on a node, and through a replay.
+  std::recursive_mutex& GetDataLock() { return mDataLock; }
+
+  /// One report: an interface alone, or a device behind one. The application was asked about the device before.
+  Next TakeReport(const KrInterface* aInterface, const KrDeviceInfo* aDevice);
+  /// Whether an interface of the map is none of the system's any more, so that the tree has to be built anew.
+  bool HasLostInterface() const;
+
+  /// Clears the selection, destroys every node and empties the tree.
+  void Clear(IFinderTree& aTree);
+  /// Makes the tree's roots anew from the system's interfaces. The maps are empty.
+  void BuildInterfaces(IFinderTree& aTree);
+  /// One pass: synchronises the tree with the maps and drops what has grown too old.
+  void Refresh(IFinderTree& aTree, bool aShowUnreachable);
+
+  /// The node of the interface behind which a device was reported; null where there is none.
+  TreeItemInfoInterface* FindInterfaceOf(const TreeItemInfoDevice& aDevice) const;
+  /// Whether a node is still one of the maps'; it may have gone while a dialog was open.
+  bool Contains(const TreeItemInfo* aInfo) const;
+
+private:
+  std::vector<const KrInterface*> GetInterfaces() const;
+
+  const KrSystem& mSystem;
+  const FinderKinds& mKinds;
+  const std::function<std::uint32_t()> mClock;
+  mutable std::recursive_mutex mDataLock; // Guards both maps and their nodes.
+  std::map<std::string, std::unique_ptr<TreeItemInfoInterface>> mInterfaces;
+  std::map<std::string, std::unique_ptr<TreeItemInfoDevice>> mDevices;
+};
+
+/// What a selected node stands for in the system at this moment; both null when it is no more.
+struct FinderSelection {
+  const KrInterface* interface = nullptr;
+  const KrDeviceInfo* device = nullptr;
+};
+
+/// Finds interface and device by their unique IDs; for an interface the device stays null. The find lock is held.
+FinderSelection FindSelection(const KrSystem& aSystem, const FinderModel& aModel, const TreeItemInfo& aSelected);
+
+} // namespace krgui

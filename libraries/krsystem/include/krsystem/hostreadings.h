@@ -1,0 +1,45 @@
+#pragma once
+// What a transport reads of the host when somebody asks why a device is not found: plain values without judgement.
+// What they mean is left to the diagnosis.
+
+#include "krbase/krstring.h"
+#include "krsystem/krinterface.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace krsystem {
+
+/// A network adapter as the kernel has it, also where it is down and its addresses count for nothing.
+struct AdapterReading {
+  KrString uniqueID; ///< As NetworkAdapterFields' at the same moment.
+  KrString name;
+  bool isLoopback = false;
+  bool isUp = true;                      ///< Switched on by the system.
+  bool hasCarrier = true;                ///< A cable with somebody at its other end, or its like.
+  std::vector<AdapterAddress> addresses; ///< Empty where there is none.
+  /// How strictly the kernel drops what comes from addresses that it would not answer by this adapter: 0 not at all,
+  /// 1 strictly, 2 loosely (Linux, rp_filter; the stricter of the adapter's and everybody's).
+  std::int32_t reversePathFilter = 0;
+};
+
+/// A USB3 Vision device on the bus, whether or not it can be used.
+struct USBReading {
+  KrString uniqueID; ///< As USBFields' and U3VFields'.
+  KrString displayID;
+  bool mayOpen = true;    ///< Permission to read and write its device file.
+  std::int32_t speed = 0; ///< 1 low, 2 full, 3 high, 4 super, others unknown.
+};
+
+/// What all transports read together. A value that nobody could read stays empty.
+struct HostReadings {
+  std::vector<AdapterReading> adapters;
+  std::vector<USBReading> usbDevices;
+  std::optional<std::uint64_t> receiveBufferLimitBytes; ///< The largest buffer that a socket is given.
+  std::optional<std::uint64_t> usbMemoryMegabytes;      ///< What all USB transfers share; 0 for no limit.
+  bool hasNetworkTransport = false;                     ///< A transport that looks on network adapters is there.
+  bool hasUSBTransport = false;
+};
+
+} // namespace krsystem
