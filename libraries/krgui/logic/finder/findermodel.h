@@ -11,6 +11,8 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace krgui {
 
@@ -77,14 +79,41 @@ public:
   bool Contains(const TreeItemInfo* aInfo) const;
 
 private:
+  // What a tree item shows is remembered beside its node, so that a pass asks the tree only about what changed.
+  struct Shown {
+    KrString text;
+    int icon = 0;
+  };
+  struct InterfaceEntry {
+    std::unique_ptr<TreeItemInfoInterface> node;
+    Shown shown;
+  };
+  struct DeviceEntry {
+    std::unique_ptr<TreeItemInfoDevice> node;
+    Shown shown;
+    std::string shownUnder;            // The key of the interface whose item is the parent; empty without an item.
+    std::uint32_t lastReportThere = 0; // When the device was last reported on that interface.
+  };
+  // Devices of two kinds may state the same MAC address: each has a node of its own.
+  using DeviceKey = std::pair<std::string, KrDeviceInfoType>;
+
   std::vector<const KrInterface*> GetInterfaces() const;
+  // False for a kind without nodes.
+  bool TakeDevice(const KrInterface* aInterface, const std::string& aInterfaceKey, const KrDeviceInfo& aDevice);
+  void AddRoot(IFinderTree& aTree, InterfaceSpan aAll, const KrInterface& aInterface);
+  void SyncInterfaces(IFinderTree& aTree);
+  void DeleteMoved(IFinderTree& aTree, std::uint32_t aNowMs);
+  void ShowDevices(IFinderTree& aTree, bool aShowUnreachable);
+  void ShowDevice(IFinderTree& aTree, DeviceEntry& aEntry);
+  void DropDevices(IFinderTree& aTree, bool aShowUnreachable, std::uint32_t aNowMs);
+  static void DeleteItem(IFinderTree& aTree, DeviceEntry& aEntry);
 
   const KrSystem& mSystem;
   const FinderKinds& mKinds;
   const std::function<std::uint32_t()> mClock;
   mutable std::recursive_mutex mDataLock; // Guards both maps and their nodes.
-  std::map<std::string, std::unique_ptr<TreeItemInfoInterface>> mInterfaces;
-  std::map<std::string, std::unique_ptr<TreeItemInfoDevice>> mDevices;
+  std::map<std::string, InterfaceEntry> mInterfaces;
+  std::map<DeviceKey, DeviceEntry> mDevices;
 };
 
 /// What a selected node stands for in the system at this moment; both null when it is no more.
