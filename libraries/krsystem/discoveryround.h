@@ -18,6 +18,7 @@ namespace krsystem {
 struct DiscoveryPart {
   std::shared_ptr<ITransport> transport;
   std::vector<InterfaceFields> interfaces;
+  std::vector<KrInterface*> objects; ///< What stands for each; null for one that nothing stands for.
 };
 
 /// One answer.

@@ -9,10 +9,16 @@ constexpr const char* kNoAddress = "0.0.0.0";
 } // namespace
 
 KrInterface::KrInterface(const KrString& aUniqueID, const KrString& aDisplayID)
-    : mUniqueID(aUniqueID), mDisplayID(aDisplayID) {}
+    : mUniqueID(aUniqueID), mDisplayID(aDisplayID), mListMutex(std::make_shared<std::mutex>()) {}
 KrInterface::~KrInterface() = default;
 
+std::size_t KrInterface::GetDeviceCount() const {
+  const std::lock_guard lock(*mListMutex);
+  return mDevices.size();
+}
+
 const KrDeviceInfo* KrInterface::GetDeviceInfo(std::size_t aIndex) const {
+  const std::lock_guard lock(*mListMutex);
   return aIndex < mDevices.size() ? mDevices[aIndex] : nullptr;
 }
 

@@ -111,8 +111,7 @@ KrResult KrSystem::Find() {
   const std::stop_token cancel = mBody->BeginRound();
   const std::vector<krsystem::DiscoveryPart> parts = mBody->ListInterfaces();
   krsystem::DiscoveryRound round(parts, {mBody->detectionTimeoutMs, mBody->subnetBroadcast, cancel});
-  mBody->TakeAnswers(round, parts);
-  mBody->OrderDevices();
+  mBody->TakeAnswers(round, parts, cancel);
   if (cancel.stop_requested())
     return {KrResult::Code::Aborted, "Looking for devices was cancelled; what had answered until then is listed."};
   return SummariseRound(round, parts);
@@ -141,7 +140,7 @@ KrResult KrSystem::FindDevice(const KrString& aAddress, const KrDeviceInfo** aDe
               "The device at " + aAddress +
                   " is left out: too many different ones have answered before. Make a new KrSystem."};
     mBody->EnterInterface(interface);
-    mBody->EnterDevice(interface, found);
+    mBody->lists.Enter(interface, found);
   }
   if (!found)
     return {KrResult::Code::NotFound,
@@ -164,17 +163,17 @@ KrResult KrSystem::FindFreeAddress(const KrNetworkAdapter&, std::size_t, const s
 }
 
 std::size_t KrSystem::GetInterfaceCount() const {
-  return mBody->interfaces.size();
+  return mBody->lists.GetInterfaceCount();
 }
 
 const KrInterface* KrSystem::GetInterface(std::size_t aIndex) const {
-  return aIndex < mBody->interfaces.size() ? mBody->interfaces[aIndex] : nullptr;
+  return mBody->lists.GetInterface(aIndex);
 }
 
 std::size_t KrSystem::GetDeviceCount() const {
-  return mBody->devices.size();
+  return mBody->lists.GetDeviceCount();
 }
 
 const KrDeviceInfo* KrSystem::GetDeviceInfo(std::size_t aIndex) const {
-  return aIndex < mBody->devices.size() ? mBody->devices[aIndex] : nullptr;
+  return mBody->lists.GetDevice(aIndex);
 }

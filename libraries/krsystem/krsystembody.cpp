@@ -4,6 +4,7 @@
 #include "transportcall.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 #include <utility>
@@ -53,45 +54,58 @@ void KrSystem::Body::Cancel() {
 }
 
 std::vector<krsystem::DiscoveryPart> KrSystem::Body::ListInterfaces() {
-  for (const InterfaceRecord& record : mInterfaceRecords)
-    record.object->mDevices.clear();
-  interfaces.clear();
-  devices.clear();
+  mInterfaces.clear();
   std::vector<krsystem::DiscoveryPart> parts;
   for (const std::shared_ptr<krsystem::ITransport>& transport : krsystem::GetTransports()) {
-    krsystem::DiscoveryPart part{transport, {}};
+    krsystem::DiscoveryPart part{transport, {}, {}};
     const KrResult listed =
         krsystem::CallTransport("Listing the interfaces", [&] { return transport->ListInterfaces(part.interfaces); });
     if (!listed.IsOK()) {
       krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, *transport, listed);
       part.interfaces.clear();
     }
-    for (const krsystem::InterfaceFields& fields : part.interfaces)
-      EnterInterface(FindOrMake(transport, fields));
+    for (const krsystem::InterfaceFields& fields : part.interfaces) {
+      KrInterface* const interface = FindOrMake(transport, fields);
+      part.objects.push_back(interface);
+      if (interface && std::ranges::find(mInterfaces, interface) == mInterfaces.end())
+        mInterfaces.push_back(interface);
+    }
     parts.push_back(std::move(part));
   }
+  std::erase_if(mAnsweredLoopbacks, [this](const auto& aAnswered) {
+    return std::ranges::none_of(mInterfaces, [&aAnswered](const KrInterface* aInterface) {
+      return aInterface->mTransport == aAnswered.first && aInterface->GetUniqueID() == aAnswered.second;
+    });
+  });
+  ShowInterfaces();
   return parts;
 }
 
-void KrSystem::Body::TakeAnswers(krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts) {
+void KrSystem::Body::TakeAnswers(krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts,
+                                 const std::stop_token& aCancel) {
   // Discovery is sent more than once, so a device answers several times in a round; it is reported once.
   std::set<std::pair<const KrInterface*, KrString>> answered;
+  std::vector<krsystem::FoundLists::Entry> entered;
   while (std::optional<krsystem::DiscoveryAnswer> answer = aRound.WaitForAnswer()) {
     const krsystem::DiscoveryPart& part = aParts[answer->partIndex];
-    if (answer->interfaceIndex >= part.interfaces.size())
+    if (answer->interfaceIndex >= part.objects.size())
       continue;
-    KrInterface* const interface = FindOrMake(part.transport, part.interfaces[answer->interfaceIndex]);
+    KrInterface* const interface = part.objects[answer->interfaceIndex];
     const KrDeviceInfo* const device = FindOrMake(part.transport, interface, answer->device);
-    if (device && answered.emplace(interface, device->GetUniqueID()).second && !AskSinks(interface, device))
-      EnterDevice(interface, device);
+    if (!device || !answered.emplace(interface, device->GetUniqueID()).second)
+      continue;
+    EnterInterface(interface);
+    if (AskSinks(interface, device)) {
+      lists.Remove(interface, device->GetUniqueID());
+      continue;
+    }
+    lists.Enter(interface, device);
+    entered.emplace_back(interface, device);
   }
-}
-
-void KrSystem::Body::OrderDevices() {
-  const auto getPlace = [this](const KrDeviceInfo* aDevice) {
-    return std::ranges::find(interfaces, aDevice->GetInterface()) - interfaces.begin();
-  };
-  std::ranges::stable_sort(devices, {}, getPlace);
+  if (aCancel.stop_requested())
+    lists.Order();
+  else
+    lists.SetDevices(entered);
 }
 
 bool KrSystem::Body::AskSinks(const KrInterface* aInterface, const KrDeviceInfo* aDevice) const {
@@ -119,6 +133,8 @@ KrInterface* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::ITranspo
   if (known != mInterfaceRecords.end())
     return known->object.get();
   auto object = std::visit([](const auto& aKind) { return MakeInterface(aKind); }, aFields);
+  object->mTransport = aTransport;
+  lists.Adopt(*object);
   mInterfaceRecords.push_back({aTransport, aFields, std::move(object)});
   return mInterfaceRecords.back().object.get();
 }
@@ -154,22 +170,31 @@ void KrSystem::Body::LogFull() {
                "answers in this network, and make a new KrSystem.");
 }
 
-void KrSystem::Body::EnterInterface(KrInterface* aInterface) {
-  if (aInterface && std::ranges::find(interfaces, aInterface) == interfaces.end())
-    interfaces.push_back(aInterface);
+bool KrSystem::Body::IsAlwaysShown(const KrInterface& aInterface) {
+  const auto* const adapter = dynamic_cast<const KrNetworkAdapter*>(&aInterface);
+  return !adapter || !adapter->GetFields().isLoopback;
 }
 
-void KrSystem::Body::EnterDevice(KrInterface* aInterface, const KrDeviceInfo* aDevice) {
-  const auto enter = [aDevice](std::vector<const KrDeviceInfo*>& aList) {
-    const auto former = std::ranges::find_if(aList, [aDevice](const KrDeviceInfo* aOther) {
-      return aOther->GetInterface() == aDevice->GetInterface() && aOther->GetUniqueID() == aDevice->GetUniqueID();
-    });
-    if (former == aList.end())
-      aList.push_back(aDevice);
-    else
-      *former = aDevice;
-  };
-  enter(devices);
-  if (aInterface)
-    enter(aInterface->mDevices);
+bool KrSystem::Body::IsShown(const KrInterface& aInterface) const {
+  return IsAlwaysShown(aInterface) || mAnsweredLoopbacks.contains({aInterface.mTransport, aInterface.GetUniqueID()});
+}
+
+void KrSystem::Body::ShowInterfaces() {
+  std::vector<KrInterface*> shown;
+  std::ranges::copy_if(mInterfaces, std::back_inserter(shown),
+                       [this](const KrInterface* aInterface) { return IsShown(*aInterface); });
+  lists.SetInterfaces(std::move(shown));
+}
+
+void KrSystem::Body::EnterInterface(KrInterface* aInterface) {
+  if (!aInterface)
+    return;
+  const bool isNew = std::ranges::find(mInterfaces, aInterface) == mInterfaces.end();
+  const bool wasShown = !isNew && IsShown(*aInterface);
+  if (isNew)
+    mInterfaces.push_back(aInterface);
+  if (!IsAlwaysShown(*aInterface))
+    mAnsweredLoopbacks.emplace(aInterface->mTransport, aInterface->GetUniqueID());
+  if (!wasShown)
+    ShowInterfaces();
 }

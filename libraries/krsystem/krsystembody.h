@@ -4,6 +4,7 @@
 // again.
 
 #include "discoveryround.h"
+#include "foundlists.h"
 #include "krsystem/krsystem.h"
 
 #include <atomic>
@@ -11,7 +12,9 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <stop_token>
+#include <utility>
 #include <vector>
 
 struct KrSystem::Body {
@@ -19,22 +22,21 @@ struct KrSystem::Body {
   std::atomic<bool> subnetBroadcast = true;
   std::vector<KrSystemEventSink*> sinks;
 
-  /// The interfaces and devices of the last round, the devices in the order of their interfaces.
-  std::vector<const KrInterface*> interfaces;
-  std::vector<const KrDeviceInfo*> devices;
+  /// What is listed. Changed by Find and FindDevice alone.
+  krsystem::FoundLists lists;
 
   /// Begins an operation that Cancel can end.
   std::stop_token BeginRound();
   /// Ends the operation that runs, if any.
   void Cancel();
 
-  /// Lists the interfaces of every transport anew and forgets the devices. Gives the shares of a round.
+  /// Lists the interfaces of every transport anew; devices behind those that did not change stay listed. Gives the
+  /// shares of a round.
   std::vector<krsystem::DiscoveryPart> ListInterfaces();
-  /// Takes the answers of a round in until it is over.
-  void TakeAnswers(krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts);
-
-  /// Puts the devices in the order of their interfaces; behind one they stay in the order in which they answered.
-  void OrderDevices();
+  /// Takes the answers of a round in until it is over. Devices that did not answer leave the lists then, unless the
+  /// round was cancelled.
+  void TakeAnswers(krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts,
+                   const std::stop_token& aCancel);
 
   /// The object for an interface of a transport; a new one where none has these fields. Null for an interface without a
   /// unique ID, which stands for none.
@@ -44,11 +46,9 @@ struct KrSystem::Body {
   /// are kMostDeviceRecords already.
   const KrDeviceInfo* FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport, KrInterface* aInterface,
                                  const krsystem::AnyDeviceFields& aFields);
-  /// Enters an interface at the end of the list, unless it is null or there.
+  /// Lists an interface behind which a device answered, unless it is null: at the end, or in its place where it was not
+  /// shown before.
   void EnterInterface(KrInterface* aInterface);
-  /// Enters a device at the end of the lists, in the place of one with the same ID on the same interface if there is
-  /// one.
-  void EnterDevice(KrInterface* aInterface, const KrDeviceInfo* aDevice);
 
 private:
   /// As objects live as long as the system, answers under ever new names must not fill the memory.
@@ -66,11 +66,17 @@ private:
 
   /// Says once that there is no room for further devices.
   void LogFull();
+  /// Whether an interface is listed without a device having answered on it.
+  static bool IsAlwaysShown(const KrInterface& aInterface);
+  bool IsShown(const KrInterface& aInterface) const;
+  void ShowInterfaces();
   bool AskSinks(const KrInterface* aInterface, const KrDeviceInfo* aDevice) const;
 
   std::mutex mStopMutex; // Guards mStop.
   std::stop_source mStop;
   std::vector<InterfaceRecord> mInterfaceRecords;
-  std::multimap<KrString, DeviceRecord> mDeviceRecords; // By unique ID.
+  std::vector<KrInterface*> mInterfaces; // Of the last listing, with those that are not shown.
+  std::set<std::pair<std::shared_ptr<krsystem::ITransport>, KrString>> mAnsweredLoopbacks; // By unique ID.
+  std::multimap<KrString, DeviceRecord> mDeviceRecords;                                    // By unique ID.
   bool mIsFullLogged = false;
 };

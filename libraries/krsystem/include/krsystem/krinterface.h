@@ -7,21 +7,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 class KrDeviceInfo;
 class KrSystem;
 namespace krsystem {
+class FoundLists;
 class ITransport;
-}
+} // namespace krsystem
 
 /// The kinds of interface; the numbers are part of the interface.
 enum class KrInterfaceType : std::int32_t { USBHostController = 0, NetworkAdapter = 1 };
 
 /// One interface of the host and the devices last found behind it.
 ///
-/// Thread: any; an object never changes, but for its list of devices, which KrSystem::Find replaces and FindDevice adds
-/// to. While one of them runs a count may be out of date by the next call; an index beyond the list gives null.
+/// Thread: any; an object never changes, but for its list of devices, which KrSystem::Find and FindDevice change. While
+/// one of them runs a count may be out of date by the next call; an index beyond the list gives null.
 /// Ownership: belongs to its KrSystem and lives as long as that.
 class KR_EXPORT KrInterface {
 public:
@@ -34,8 +36,8 @@ public:
   const KrString& GetUniqueID() const { return mUniqueID; }
   /// The text for a list, for example "eth0 192.168.1.10".
   const KrString& GetDisplayID() const { return mDisplayID; }
-  /// The number of devices that the last Find found behind this interface.
-  std::size_t GetDeviceCount() const { return mDevices.size(); }
+  /// The number of devices listed behind this interface.
+  std::size_t GetDeviceCount() const;
   /// The device at an index; null at or beyond the count.
   const KrDeviceInfo* GetDeviceInfo(std::size_t aIndex) const;
 
@@ -44,8 +46,11 @@ protected:
 
 private:
   friend class KrSystem;
+  friend class krsystem::FoundLists;
   KrString mUniqueID;
   KrString mDisplayID;
+  std::shared_ptr<krsystem::ITransport> mTransport; // The one that listed it; null for one made elsewhere.
+  std::shared_ptr<std::mutex> mListMutex;           // Guards mDevices; that of the system's lists once it is listed.
   std::vector<const KrDeviceInfo*> mDevices;
 };
 

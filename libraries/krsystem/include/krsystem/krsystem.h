@@ -17,15 +17,16 @@
 class KR_EXPORT KrSystemEventSink {
 public:
   virtual ~KrSystemEventSink() = default;
-  /// A device answered. Called during Find, one call at a time, on a thread of Find or of a transport.
-  /// Setting aIgnore drops the device: it does not enter the lists.
+  /// A device answered. Called during Find, one call at a time, on the thread that called it; the interface is listed
+  /// by then. Setting aIgnore drops the device: it enters no list, and leaves those in which a former round entered it.
   virtual void OnDeviceFound(const KrInterface* aInterface, const KrDeviceInfo* aDevice, bool& aIgnore) = 0;
 };
 
 /// Finds devices and keeps what was found.
 ///
-/// Thread: Find and FindDevice one at a time; everything else from any thread. The lists change while Find runs and
-/// by FindDevice: a count may be out of date by the next call, and an index beyond the list gives null.
+/// Thread: Find and FindDevice one at a time; everything else from any thread, also while one of them runs. A count may
+/// be out of date by the next call; an index beyond the list gives null. The interfaces change all at once, the devices
+/// one by one as they answer. No lock is held while a sink or a transport runs.
 /// Ownership: owns every KrInterface and KrDeviceInfo that it ever handed out, until it is destroyed. There are 16,384
 /// different devices at most, counting what changed as another one; further ones are left out, and the log says so
 /// once.
@@ -55,13 +56,17 @@ public:
   void SetSubnetBroadcastEnabled(bool aEnabled);
   bool IsSubnetBroadcastEnabled() const;
 
-  /// Does one round of discovery on all interfaces at once; the lists afterwards hold what answered in this round.
-  /// An interface or device that did not change keeps its object. Aborted after Cancel.
+  /// Does one round of discovery on all interfaces at once; the lists afterwards hold what answered in this round. An
+  /// interface or device that did not change keeps its object. A loopback adapter is asked, too, but listed only once a
+  /// device has answered on it, and from then on as long as the host has it. Aborted after Cancel: then what was listed
+  /// before stays beside what has answered.
   KrResult Find();
   /// Asks one IPv4 address ("a.b.c.d"), whether or not broadcasts reach it. InvalidInput for a text that is no address,
   /// NotFound when nothing answers, SystemError for one too many.
   KrResult FindDevice(const KrString& aAddress, const KrDeviceInfo** aDevice);
-  /// Makes a Find that runs return soon.
+  /// Makes a Find that runs return soon: sinks that are being called are waited for, and nothing else. A Find that
+  /// begins later is not touched, even by a moment: who has to be sure that none runs repeats it until Find has
+  /// returned. FindDevice is not cancelled.
   void Cancel();
 
   /// Says why devices may be missing or unusable: what the transports read of the host now, and what answered in the
