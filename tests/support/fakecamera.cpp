@@ -39,8 +39,10 @@ pid_t Spawn(std::vector<std::string> aArguments) {
 
 // The kernel ends the camera should the test die first.
 std::vector<std::string> MakeCommandLine(const FakeCameraOptions& aOptions) {
-  std::vector<std::string> arguments = {"setpriv", "--pdeathsig",    "KILL", kProgram,
-                                        "-i",      aOptions.address, "-s",   aOptions.serialNumber};
+  std::vector<std::string> arguments = {"setpriv", "--pdeathsig", "KILL"};
+  if (!aOptions.namespaceFile.empty())
+    arguments.insert(arguments.end(), {"nsenter", "--net=" + aOptions.namespaceFile});
+  arguments.insert(arguments.end(), {kProgram, "-i", aOptions.address, "-s", aOptions.serialNumber});
   if (!aOptions.descriptionFile.empty())
     arguments.insert(arguments.end(), {"-g", aOptions.descriptionFile});
   if (aOptions.lostPacketsPerMille != 0)

@@ -1,6 +1,6 @@
 #pragma once
 // A GigE Vision camera for tests: the program arv-fake-gv-camera-0.8 as a child process. The network namespace around
-// it is made by scripts/with-network.sh.
+// it is made by scripts/with-network.sh, or is that of a host (networkhost.h).
 
 #include <sys/types.h>
 
@@ -10,8 +10,9 @@
 struct FakeCameraOptions {
   std::string serialNumber = "GV01";
   std::string address = "127.0.0.1";
-  std::string descriptionFile; ///< A description in place of the program's own; its registers stay.
-  int lostPacketsPerMille = 0; ///< Stream packets, at random, that are never sent.
+  std::string descriptionFile = {}; ///< A description in place of the program's own; its registers stay.
+  int lostPacketsPerMille = 0;      ///< Stream packets, at random, that are never sent.
+  std::string namespaceFile = {};   ///< Of the host where it runs (networkhost.h); the test's own when it is empty.
 };
 
 /// Runs one camera on an address from construction to destruction.
