@@ -23,7 +23,7 @@ public:
   void UnlockByWorker();
 
   /// Waits for the lock. aCancel ends the round that runs; it is called at once and again until the lock is free,
-  /// without a lock of ours, because a round may be about to begin.
+  /// without a lock of ours, because a round may be about to begin. It must not throw.
   void LockByWindow(const std::function<void()>& aCancel);
   void UnlockByWindow();
 
