@@ -236,6 +236,7 @@ const KrDeviceInfo* FindDevice(const KrInterface& aInterface, const TreeItemInfo
 } // namespace
 
 FinderSelection FindSelection(const KrSystem& aSystem, const FinderModel& aModel, const TreeItemInfo& aSelected) {
+  const std::lock_guard lock(aModel.GetDataLock());
   const auto* const device = dynamic_cast<const TreeItemInfoDevice*>(&aSelected);
   const TreeItemInfo* const owner = device ? aModel.FindInterfaceOf(*device) : &aSelected;
   for (std::size_t i = 0; owner && i < aSystem.GetInterfaceCount(); ++i) {

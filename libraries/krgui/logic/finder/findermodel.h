@@ -59,7 +59,7 @@ public:
   ~FinderModel();
 
   /// The lock that guards maps and nodes: held by the window while it works on a node, and through a replay.
-  std::recursive_mutex& GetDataLock() { return mDataLock; }
+  std::recursive_mutex& GetDataLock() const { return mDataLock; }
 
   /// One report: an interface alone, or a device behind one. The application was asked about the device before.
   Next TakeReport(const KrInterface* aInterface, const KrDeviceInfo* aDevice);
@@ -122,7 +122,8 @@ struct FinderSelection {
   const KrDeviceInfo* device = nullptr;
 };
 
-/// Finds interface and device by their unique IDs; for an interface the device stays null. The find lock is held.
+/// Finds interface and device by their unique IDs; for an interface the device stays null. The find lock is held, so that
+/// the lists stay as they are; the data lock is taken, because interfaces are reported without the find lock.
 FinderSelection FindSelection(const KrSystem& aSystem, const FinderModel& aModel, const TreeItemInfo& aSelected);
 
 } // namespace krgui
