@@ -1,8 +1,10 @@
 #include "discoveryround.h"
 
+#include "anydevicefields.h"
 #include "transportcall.h"
 
 #include <system_error>
+#include <utility>
 
 namespace krsystem {
 
@@ -24,13 +26,32 @@ void DiscoveryRound::Start(std::size_t aPartIndex) {
 
 void DiscoveryRound::Ask(std::size_t aPartIndex) {
   const auto report = [this, aPartIndex](std::size_t aInterfaceIndex, const AnyDeviceFields& aDevice) {
-    const std::lock_guard lock(mMutex);
-    mAnswers.push_back({aPartIndex, aInterfaceIndex, aDevice});
-    mChanged.notify_all();
+    Take(aPartIndex, aInterfaceIndex, aDevice);
   };
   const DiscoveryPart& part = mParts[aPartIndex];
   Finish(aPartIndex,
          CallTransport("Discovery", [&] { return part.transport->Discover(part.interfaces, mRequest, report); }));
+}
+
+void DiscoveryRound::Take(std::size_t aPartIndex, std::size_t aInterfaceIndex, const AnyDeviceFields& aDevice) {
+  if (aInterfaceIndex >= mParts[aPartIndex].interfaces.size() || mRequest.cancel.stop_requested())
+    return;
+  const std::lock_guard lock(mMutex);
+  Key key(aPartIndex, aInterfaceIndex, GetDeviceFields(aDevice).uniqueID);
+  const auto known = mAnswered.find(key);
+  if (known != mAnswered.end()) {
+    Answered& answered = known->second;
+    if (!answered.other && AreTwoDevices(answered.first.device, aDevice))
+      answered.other = aDevice;
+    return;
+  }
+  if (mAnswered.size() == kMostDevices) {
+    mHasLeftOut = true;
+    return;
+  }
+  const auto entry = mAnswered.emplace(std::move(key), Answered{{aPartIndex, aInterfaceIndex, aDevice}, {}}).first;
+  mQueue.push_back(&entry->second.first);
+  mChanged.notify_all();
 }
 
 void DiscoveryRound::Finish(std::size_t aPartIndex, const KrResult& aResult) {
@@ -40,14 +61,32 @@ void DiscoveryRound::Finish(std::size_t aPartIndex, const KrResult& aResult) {
   mChanged.notify_all();
 }
 
-std::optional<DiscoveryAnswer> DiscoveryRound::WaitForAnswer() {
+const DiscoveryAnswer* DiscoveryRound::WaitForAnswer() {
   std::unique_lock lock(mMutex);
-  mChanged.wait(lock, mRequest.cancel, [this] { return !mAnswers.empty() || mRunning == 0; });
-  if (mRequest.cancel.stop_requested() || mAnswers.empty())
-    return std::nullopt;
-  DiscoveryAnswer answer = std::move(mAnswers.front());
-  mAnswers.pop_front();
+  mChanged.wait(lock, mRequest.cancel, [this] { return !mQueue.empty() || mRunning == 0; });
+  if (mRequest.cancel.stop_requested() || mQueue.empty())
+    return nullptr;
+  const DiscoveryAnswer* const answer = mQueue.front();
+  mQueue.pop_front();
   return answer;
+}
+
+std::vector<AnsweredDevice> DiscoveryRound::GetAnswered() {
+  const std::lock_guard lock(mMutex);
+  std::vector<AnsweredDevice> devices;
+  for (const auto& [key, answered] : mAnswered) {
+    const InterfaceFields& interface = mParts[answered.first.partIndex].interfaces[answered.first.interfaceIndex];
+    const KrString& interfaceID = std::visit([](const auto& aKind) { return aKind.uniqueID; }, interface);
+    devices.push_back({interfaceID, answered.first.device});
+    if (answered.other)
+      devices.push_back({interfaceID, *answered.other});
+  }
+  return devices;
+}
+
+bool DiscoveryRound::HasLeftOut() {
+  const std::lock_guard lock(mMutex);
+  return mHasLeftOut;
 }
 
 } // namespace krsystem

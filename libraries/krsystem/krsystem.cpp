@@ -1,5 +1,7 @@
 #include "krsystem/krsystem.h"
 
+#include "freeaddress.h"
+#include "krsystem/discoverydiagnosis.h"
 #include "krsystem/ipv4address.h"
 #include "krsystem/transportregistry.h"
 #include "krsystembody.h"
@@ -7,7 +9,9 @@
 
 #include <algorithm>
 #include <future>
+#include <set>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -49,6 +53,54 @@ std::vector<AddressAnswer> AskAddress(const TransportList& aTransports, std::uin
   return answers;
 }
 
+// Joins what the transports read. One that fails adds nothing; when all do, the first failure is the result.
+KrResult ReadHost(const TransportList& aTransports, krsystem::HostReadings& aReadings) {
+  KrResult firstFailure;
+  std::size_t failures = 0;
+  for (const std::shared_ptr<krsystem::ITransport>& transport : aTransports) {
+    krsystem::HostReadings readings = aReadings;
+    const KrResult result = CallTransport("Reading the host", [&] { return transport->ReadHost(readings); });
+    if (result.IsOK()) {
+      aReadings = std::move(readings);
+      continue;
+    }
+    krsystem::LogTransportFailure({"KrSystem::Diagnose", "krsystem"}, "Reading the host", *transport, result);
+    if (failures++ == 0)
+      firstFailure = result;
+  }
+  // A transport may look for devices and have nothing to say of the host.
+  if (!aTransports.empty() && !aReadings.hasUSBTransport)
+    aReadings.hasNetworkTransport = true;
+  return failures > 0 && failures == aTransports.size() ? firstFailure : KrResult();
+}
+
+void TakeAddress(const KrString& aText, std::set<std::uint32_t>& aTaken) {
+  if (const std::optional<std::uint32_t> address = krsystem::ParseIPv4(aText))
+    aTaken.insert(*address);
+}
+
+// The addresses that nobody need be asked about.
+std::set<std::uint32_t> ListTaken(const KrNetworkAdapter& aAdapter, const krsystem::FoundLists& aLists) {
+  std::set<std::uint32_t> taken;
+  const auto takeAdapter = [&taken](const KrNetworkAdapter& aOne) {
+    for (std::size_t i = 0; i < aOne.GetIPAddressCount(); ++i)
+      TakeAddress(aOne.GetIPAddress(i), taken);
+    TakeAddress(aOne.GetDefaultGateway(), taken);
+  };
+  takeAdapter(aAdapter);
+  for (const KrInterface* interface : aLists.GetInterfaces()) {
+    if (const auto* const adapter = dynamic_cast<const KrNetworkAdapter*>(interface))
+      takeAdapter(*adapter);
+  }
+  for (const KrDeviceInfo* device : aLists.GetDevices()) {
+    if (const auto* const gev = dynamic_cast<const KrDeviceInfoGEV*>(device))
+      TakeAddress(gev->GetIPAddress(), taken);
+    else if (const auto* const tolvan = dynamic_cast<const KrDeviceInfoTolvanProtocol*>(device))
+      TakeAddress(tolvan->GetIPAddress(), taken);
+  }
+  return taken;
+}
+
 bool IsWorthARecord(const KrResult& aResult) {
   return !aResult.IsOK() && aResult != KrResult::Code::NotFound && aResult != KrResult::Code::NotSupported;
 }
@@ -61,7 +113,7 @@ KrResult SummariseRound(const krsystem::DiscoveryRound& aRound, const std::vecto
     const KrResult& result = aRound.GetResult(i);
     if (result.IsOK())
       continue;
-    krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, *aParts[i].transport, result);
+    krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, "Looking for devices", *aParts[i].transport, result);
     if (failures++ == 0)
       firstFailure = result;
   }
@@ -130,7 +182,8 @@ KrResult KrSystem::FindDevice(const KrString& aAddress, const KrDeviceInfo** aDe
   const KrDeviceInfo* found = nullptr;
   for (std::size_t i = 0; i < answers.size(); ++i) {
     if (IsWorthARecord(answers[i].result))
-      krsystem::LogTransportFailure({"KrSystem::FindDevice", "krsystem"}, *transports[i], answers[i].result);
+      krsystem::LogTransportFailure({"KrSystem::FindDevice", "krsystem"}, "Looking for devices", *transports[i],
+                                    answers[i].result);
     if (!answers[i].result.IsOK() || found)
       continue;
     KrInterface* const interface = mBody->FindOrMake(transports[i], answers[i].interface);
@@ -154,12 +207,31 @@ void KrSystem::Cancel() {
   mBody->Cancel();
 }
 
-KrResult KrSystem::Diagnose(std::vector<KrFinding>&) {
-  return KrResult::Code::NotSupported;
+KrResult KrSystem::Diagnose(std::vector<KrFinding>& aFindings) {
+  aFindings.clear();
+  krsystem::HostReadings readings;
+  KrResult result = ReadHost(krsystem::GetTransports(), readings);
+  if (result.IsOK())
+    aFindings = krsystem::FindCauses(readings, *mBody->GetAnswered());
+  return result;
 }
 
-KrResult KrSystem::FindFreeAddress(const KrNetworkAdapter&, std::size_t, const std::stop_token&, KrString&) {
-  return KrResult::Code::NotSupported;
+KrResult KrSystem::FindFreeAddress(const KrNetworkAdapter& aAdapter, std::size_t aIndex, const std::stop_token& aCancel,
+                                   KrString& aAddress) {
+  const std::optional<std::uint32_t> address = krsystem::ParseIPv4(aAdapter.GetIPAddress(aIndex));
+  const std::optional<std::uint32_t> mask = krsystem::ParseIPv4(aAdapter.GetSubnetMask(aIndex));
+  if (!address || !mask || *address == 0 || *mask == 0)
+    return {KrResult::Code::InvalidInput,
+            "Looking for a free address: " + aAdapter.GetName() + " has no address there; give it one first."};
+  if (!aAdapter.mTransport)
+    return {KrResult::Code::NotSupported,
+            "Looking for a free address: " + aAdapter.GetName() + " is no adapter that this system lists."};
+  std::uint32_t found = 0;
+  KrResult result = krsystem::FindFreeAddress(*aAdapter.mTransport, aAdapter.GetFields(), {*address, *mask},
+                                              ListTaken(aAdapter, mBody->lists), aCancel, found);
+  if (result.IsOK())
+    aAddress = krsystem::FormatIPv4(found);
+  return result;
 }
 
 std::size_t KrSystem::GetInterfaceCount() const {

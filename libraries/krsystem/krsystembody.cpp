@@ -61,7 +61,7 @@ std::vector<krsystem::DiscoveryPart> KrSystem::Body::ListInterfaces() {
     const KrResult listed =
         krsystem::CallTransport("Listing the interfaces", [&] { return transport->ListInterfaces(part.interfaces); });
     if (!listed.IsOK()) {
-      krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, *transport, listed);
+      krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, "Looking for devices", *transport, listed);
       part.interfaces.clear();
     }
     for (const krsystem::InterfaceFields& fields : part.interfaces) {
@@ -83,13 +83,11 @@ std::vector<krsystem::DiscoveryPart> KrSystem::Body::ListInterfaces() {
 
 void KrSystem::Body::TakeAnswers(krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts,
                                  const std::stop_token& aCancel) {
-  // Discovery is sent more than once, so a device answers several times in a round; it is reported once.
+  // A transport may list one interface twice.
   std::set<std::pair<const KrInterface*, KrString>> answered;
   std::vector<krsystem::FoundLists::Entry> entered;
-  while (std::optional<krsystem::DiscoveryAnswer> answer = aRound.WaitForAnswer()) {
+  while (const krsystem::DiscoveryAnswer* answer = aRound.WaitForAnswer()) {
     const krsystem::DiscoveryPart& part = aParts[answer->partIndex];
-    if (answer->interfaceIndex >= part.objects.size())
-      continue;
     KrInterface* const interface = part.objects[answer->interfaceIndex];
     const KrDeviceInfo* const device = FindOrMake(part.transport, interface, answer->device);
     if (!device || !answered.emplace(interface, device->GetUniqueID()).second)
@@ -102,10 +100,36 @@ void KrSystem::Body::TakeAnswers(krsystem::DiscoveryRound& aRound, const std::ve
     lists.Enter(interface, device);
     entered.emplace_back(interface, device);
   }
-  if (aCancel.stop_requested())
+  const bool wasCancelled = aCancel.stop_requested();
+  if (wasCancelled)
     lists.Order();
   else
     lists.SetDevices(entered);
+  if (aRound.HasLeftOut())
+    LogFull();
+  NoteAnswered(aRound.GetAnswered(), wasCancelled);
+}
+
+void KrSystem::Body::NoteAnswered(std::vector<krsystem::AnsweredDevice> aAnswered, bool aWasCancelled) {
+  const auto getID = [](const krsystem::AnsweredDevice& aDevice) {
+    return std::pair(aDevice.interfaceID, GetUniqueID(aDevice.fields));
+  };
+  if (aWasCancelled) {
+    std::set<std::pair<KrString, KrString>> isNew;
+    std::ranges::transform(aAnswered, std::inserter(isNew, isNew.end()), getID);
+    for (const krsystem::AnsweredDevice& former : *GetAnswered()) {
+      if (aAnswered.size() < krsystem::kMostDevices && !isNew.contains(getID(former)))
+        aAnswered.push_back(former);
+    }
+  }
+  auto answered = std::make_shared<const std::vector<krsystem::AnsweredDevice>>(std::move(aAnswered));
+  const std::lock_guard lock(mAnsweredMutex);
+  mAnswered.swap(answered);
+}
+
+std::shared_ptr<const std::vector<krsystem::AnsweredDevice>> KrSystem::Body::GetAnswered() const {
+  const std::lock_guard lock(mAnsweredMutex);
+  return mAnswered;
 }
 
 bool KrSystem::Body::AskSinks(const KrInterface* aInterface, const KrDeviceInfo* aDevice) const {
@@ -150,7 +174,7 @@ const KrDeviceInfo* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::I
   });
   if (known != end)
     return known->second.object.get();
-  if (mDeviceRecords.size() == kMostDeviceRecords) {
+  if (mDeviceRecords.size() == krsystem::kMostDevices) {
     LogFull();
     return nullptr;
   }
@@ -165,7 +189,7 @@ void KrSystem::Body::LogFull() {
     return;
   KrLogger("KrSystem")
       .Log(KrLogLevel::Warning, {"KrSystem::Find", "krsystem"},
-           std::to_string(kMostDeviceRecords) +
+           std::to_string(krsystem::kMostDevices) +
                " different devices have answered, and new ones are left out from now on. Look who "
                "answers in this network, and make a new KrSystem.");
 }

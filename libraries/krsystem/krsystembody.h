@@ -38,12 +38,15 @@ struct KrSystem::Body {
   void TakeAnswers(krsystem::DiscoveryRound& aRound, const std::vector<krsystem::DiscoveryPart>& aParts,
                    const std::stop_token& aCancel);
 
+  /// What answered in the last round, whether or not it was listed; never null. Any thread.
+  std::shared_ptr<const std::vector<krsystem::AnsweredDevice>> GetAnswered() const;
+
   /// The object for an interface of a transport; a new one where none has these fields. Null for an interface without a
   /// unique ID, which stands for none.
   KrInterface* FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport,
                           const krsystem::InterfaceFields& aFields);
   /// The object for a device behind an interface; a new one where none has these fields. Null for a new one when there
-  /// are kMostDeviceRecords already.
+  /// are kMostDevices already.
   const KrDeviceInfo* FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport, KrInterface* aInterface,
                                  const krsystem::AnyDeviceFields& aFields);
   /// Lists an interface behind which a device answered, unless it is null: at the end, or in its place where it was not
@@ -51,9 +54,6 @@ struct KrSystem::Body {
   void EnterInterface(KrInterface* aInterface);
 
 private:
-  /// As objects live as long as the system, answers under ever new names must not fill the memory.
-  static constexpr std::size_t kMostDeviceRecords = 16'384;
-
   struct InterfaceRecord {
     std::shared_ptr<krsystem::ITransport> transport;
     krsystem::InterfaceFields fields;
@@ -72,8 +72,14 @@ private:
   void ShowInterfaces();
   bool AskSinks(const KrInterface* aInterface, const KrDeviceInfo* aDevice) const;
 
+  /// Keeps what a round was answered for the diagnosis. What had answered before stays only beside a cancelled round.
+  void NoteAnswered(std::vector<krsystem::AnsweredDevice> aAnswered, bool aWasCancelled);
+
   std::mutex mStopMutex; // Guards mStop.
   std::stop_source mStop;
+  mutable std::mutex mAnsweredMutex; // Guards mAnswered.
+  std::shared_ptr<const std::vector<krsystem::AnsweredDevice>> mAnswered =
+      std::make_shared<std::vector<krsystem::AnsweredDevice>>();
   std::vector<InterfaceRecord> mInterfaceRecords;
   std::vector<KrInterface*> mInterfaces; // Of the last listing, with those that are not shown.
   std::set<std::pair<std::shared_ptr<krsystem::ITransport>, KrString>> mAnsweredLoopbacks; // By unique ID.

@@ -2,7 +2,8 @@
 
 namespace krsystem {
 
-void LogTransportFailure(const KrLogSite& aSite, ITransport& aTransport, const KrResult& aResult) {
+void LogTransportFailure(const KrLogSite& aSite, const char* aAttempt, ITransport& aTransport,
+                         const KrResult& aResult) {
   KrString name;
   const KrResult named = CallTransport("Asking a transport for its name", [&] {
     name = aTransport.GetName();
@@ -12,7 +13,8 @@ void LogTransportFailure(const KrLogSite& aSite, ITransport& aTransport, const K
     name = "a transport without a name";
   KrLogger("KrSystem")
       .Log(KrLogLevel::Warning, aSite,
-           "Looking for devices by " + name + " failed: " + aResult.GetCodeString() + ". " + aResult.GetDescription());
+           KrString(aAttempt) + " by " + name + " failed: " + aResult.GetCodeString() + ". " +
+               aResult.GetDescription());
 }
 
 } // namespace krsystem

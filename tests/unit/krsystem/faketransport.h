@@ -17,6 +17,8 @@ public:
   KrResult listResult;
   KrResult discoverResult;
   std::function<KrResult(const krsystem::DiscoveryRequest&)> afterAnswers;
+  /// What discovery does instead of reporting the answers.
+  std::function<KrResult(const krsystem::DiscoveryRequest&, const krsystem::DeviceReport&)> discover;
   KrResult findResult = KrResult::Code::NotFound;
   krsystem::InterfaceFields foundInterface;
   krsystem::AnyDeviceFields foundDevice;
@@ -24,6 +26,11 @@ public:
   KrResult accessResult = KrResult::Code::NotFound;
   krsystem::AccessType accessType = krsystem::AccessType::Unknown;
   std::function<KrResult(krsystem::DeviceAccess, std::unique_ptr<krsystem::IDeviceLink>&)> open;
+  std::function<KrResult(krsystem::HostReadings&)> readHost;
+  /// Which of the addresses are used; nobody can be asked where it is empty.
+  std::function<KrResult(const std::vector<std::uint32_t>&, const std::stop_token&, std::vector<std::uint32_t>&)>
+      findUsed;
+  std::vector<krsystem::InterfaceFields> askedInterfaces;
   std::vector<krsystem::DiscoveryRequest> requests;
   std::vector<KrString> configured;
   std::vector<krsystem::InterfaceFields> openedInterfaces;
@@ -40,6 +47,8 @@ public:
                     const krsystem::DeviceReport& aReport) override {
     ThrowIfAsked();
     requests.push_back(aRequest);
+    if (discover)
+      return discover(aRequest, aReport);
     for (const auto& [index, device] : answers)
       aReport(index, device);
     return afterAnswers ? afterAnswers(aRequest) : discoverResult;
@@ -68,6 +77,18 @@ public:
     openedInterfaces.push_back(aInterface);
     openedDevices.push_back(aDevice);
     return open ? open(aAccess, aLink) : KrResult(KrResult::Code::NotFound);
+  }
+  KrResult ReadHost(krsystem::HostReadings& aReadings) override {
+    ThrowIfAsked();
+    return readHost ? readHost(aReadings) : ITransport::ReadHost(aReadings);
+  }
+  KrResult FindUsedAddresses(const krsystem::InterfaceFields& aInterface, const std::vector<std::uint32_t>& aAddresses,
+                             std::uint32_t aTimeoutMs, const std::stop_token& aCancel,
+                             std::vector<std::uint32_t>& aUsed) override {
+    ThrowIfAsked();
+    askedInterfaces.push_back(aInterface);
+    return findUsed ? findUsed(aAddresses, aCancel, aUsed)
+                    : ITransport::FindUsedAddresses(aInterface, aAddresses, aTimeoutMs, aCancel, aUsed);
   }
 
 private:

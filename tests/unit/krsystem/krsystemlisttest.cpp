@@ -213,3 +213,22 @@ TEST(KrSystemLists, Loopback_AddressAnswersThere_IsListedFromThenOn) {
   EXPECT_TRUE(system.Find().IsOK());
   EXPECT_THAT(ListInterfaces(system), ElementsAre("lo", "eth0"));
 }
+
+TEST(KrSystemLists, Find_TextsAsForeignAsCanBe_AreKeptAsTheyAre) {
+  const KrString text = "\x01\x1B[31m<b>&amp;\n\xF0\x9F\x93\xB7 \xE2\x80\xAE";
+  const RegisteredTransport transport;
+  krsystem::GEVFields camera = MakeCamera("a");
+  camera.displayID = text;
+  camera.userDefinedName = text;
+  camera.modelName = text;
+  transport->interfaces = {MakeAdapter("eth0")};
+  transport->answers = {{0, camera}};
+  KrSystem system;
+
+  EXPECT_TRUE(system.Find().IsOK());
+
+  ASSERT_EQ(system.GetDeviceCount(), 1u);
+  EXPECT_EQ(system.GetDeviceInfo(0)->GetDisplayID(), text);
+  EXPECT_EQ(system.GetDeviceInfo(0)->GetUserDefinedName(), text);
+  EXPECT_EQ(system.GetDeviceInfo(0)->GetModelName(), text);
+}

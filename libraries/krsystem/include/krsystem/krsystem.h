@@ -70,11 +70,14 @@ public:
   void Cancel();
 
   /// Says why devices may be missing or unusable: what the transports read of the host now, and what answered in the
-  /// last round. The gravest reason comes first; none when all is well. A few milliseconds; asks no device.
+  /// last round, also where a sink ignored it; beside a cancelled round what had answered before counts, too. The
+  /// gravest reason comes first; none when all is well. A few milliseconds; asks no device. A transport that fails is
+  /// logged and adds nothing; when all fail, the first failure is returned, without findings.
   KrResult Diagnose(std::vector<KrFinding>& aFindings);
   /// Proposes an address for a device on an adapter, in the subnet of the adapter's address of an index, that neither
-  /// the adapter, a device found, nor anybody who answers there uses. Takes up to about two seconds. NotFound when none
-  /// is free, InvalidInput for an index without an address, NotSupported where nobody can be asked, Aborted when
+  /// an adapter, its gateway, a device found, nor anybody who answers there uses; the nearest one above the adapter's.
+  /// Takes a second as a rule, and four where many are used. NotFound when none is free, or too many one after the
+  /// other are not; InvalidInput for an index without an address, NotSupported where nobody can be asked, Aborted when
   /// aCancel asks.
   KrResult FindFreeAddress(const KrNetworkAdapter& aAdapter, std::size_t aIndex, const std::stop_token& aCancel,
                            KrString& aAddress);

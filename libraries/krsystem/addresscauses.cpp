@@ -1,0 +1,141 @@
+#include "addresscauses.h"
+
+#include "anydevicefields.h"
+#include "findingtext.h"
+
+#include <map>
+#include <set>
+#include <utility>
+
+namespace krsystem {
+
+namespace {
+
+constexpr const char* kNoAddress = "0.0.0.0";
+constexpr const char* kNoMAC = "00:00:00:00:00:00";
+
+// A device on the network, with what is known of its adapter.
+struct NetworkAnswer {
+  const AnsweredDevice* device;
+  const NetworkFields* fields;
+  const AdapterReading* adapter; // Null where nothing was read of it.
+
+  const KrString& GetDeviceName() const { return GetName(device->fields); }
+  const KrString& GetAdapterName() const { return adapter ? GetName(*adapter) : device->interfaceID; }
+  bool HasMAC() const { return !fields->macAddress.IsEmpty() && fields->macAddress != kNoMAC; }
+};
+
+using NetworkAnswers = std::vector<NetworkAnswer>;
+
+NetworkAnswers SelectNetwork(const HostReadings& aReadings, const std::vector<AnsweredDevice>& aAnswered) {
+  NetworkAnswers answers;
+  for (const AnsweredDevice& device : aAnswered) {
+    if (const NetworkFields* const fields = GetNetworkFields(device.fields))
+      answers.push_back({&device, fields, FindAdapter(aReadings, device.interfaceID)});
+  }
+  return answers;
+}
+
+// How the device is given another address, of the adapter's subnet where that has one.
+std::string DescribeRepair(const NetworkAnswer& aAnswer, const AdapterAddress* aAddress) {
+  const KrString& mac = aAnswer.fields->macAddress;
+  const std::string device = aAnswer.HasMAC() && IsPlainWord(mac) ? mac.ToUtf8() : "DEVICE";
+  const std::string mask = aAddress && IsPlainWord(aAddress->mask) ? aAddress->mask.ToUtf8() : "MASK";
+  return "by \"Set IP Address...\" in the device finder or by a command.\nkrtool ip " + device +
+         " --set ADDRESS --mask " + mask;
+}
+
+KrFinding MakeForeignSubnet(const NetworkAnswer& aAnswer) {
+  const AdapterAddress* const address = aAnswer.adapter ? FindAddress(*aAnswer.adapter) : nullptr;
+  const KrString& adapter = aAnswer.GetAdapterName();
+  const KrString answered = aAnswer.GetDeviceName() + " answered on " + adapter;
+  const KrString text = aAnswer.fields->ipAddress == kNoAddress
+                            ? answered + ", but has no IP address, so it cannot be opened."
+                            : answered + " with the address " + aAnswer.fields->ipAddress + " (mask " +
+                                  aAnswer.fields->subnetMask +
+                                  "), which is of another subnet than the adapter's, so it cannot be opened.";
+  const KrString where = address ? KrString(" (" + address->address + ", mask " + address->mask + ")") : KrString();
+  return {KrFindingKind::ForeignSubnet, aAnswer.GetDeviceName(), text,
+          "Give it a free address in the subnet of " + adapter + where + ", " + DescribeRepair(aAnswer, address)};
+}
+
+KrFinding MakeConflict(const NetworkAnswer& aAnswer, const KrString& aText) {
+  const AdapterAddress* const address = aAnswer.adapter ? FindAddress(*aAnswer.adapter) : nullptr;
+  return {KrFindingKind::AddressConflict, aAnswer.GetDeviceName(), aText,
+          "Give it another address, " + DescribeRepair(aAnswer, address)};
+}
+
+void FindForeignSubnets(const NetworkAnswers& aAnswers, std::vector<KrFinding>& aFindings) {
+  for (const NetworkAnswer& answer : aAnswers) {
+    if (!GetDeviceFields(answer.device->fields).configurationValid)
+      aFindings.push_back(MakeForeignSubnet(answer));
+  }
+}
+
+// A program of the host answers with an address of the host, as it must: on the loopback adapter, or without a MAC
+// address of its own.
+void FindConflictsWithHost(const HostReadings& aReadings, const NetworkAnswers& aAnswers,
+                           std::vector<KrFinding>& aFindings) {
+  std::map<KrString, const AdapterReading*> own;
+  for (const AdapterReading& adapter : aReadings.adapters) {
+    for (const AdapterAddress& address : adapter.addresses) {
+      if (adapter.isUp && address.address != kNoAddress)
+        own.emplace(address.address, &adapter);
+    }
+  }
+  for (const NetworkAnswer& answer : aAnswers) {
+    const auto adapter = own.find(answer.fields->ipAddress);
+    if (adapter != own.end() && answer.adapter && !answer.adapter->isLoopback && answer.HasMAC())
+      aFindings.push_back(MakeConflict(answer, answer.GetDeviceName() + " on " + answer.GetAdapterName() +
+                                                   " has the address " + answer.fields->ipAddress +
+                                                   ", which is this host's own on " + GetName(*adapter->second) + "."));
+  }
+}
+
+// Each device beyond the first one with an address is told of, not each pair.
+void FindConflictsOfDevices(const NetworkAnswers& aAnswers, std::vector<KrFinding>& aFindings) {
+  std::map<std::pair<KrString, KrString>, const NetworkAnswer*> first; // By interface and address.
+  for (const NetworkAnswer& answer : aAnswers) {
+    if (answer.fields->ipAddress == kNoAddress || !answer.HasMAC())
+      continue;
+    const auto [entry, isFirst] = first.try_emplace({answer.device->interfaceID, answer.fields->ipAddress}, &answer);
+    const NetworkAnswer& other = *entry->second;
+    if (!isFirst && other.fields->macAddress != answer.fields->macAddress)
+      aFindings.push_back(MakeConflict(answer, answer.GetDeviceName() + " (" + answer.fields->macAddress + ") and " +
+                                                   other.GetDeviceName() + " (" + other.fields->macAddress + ") on " +
+                                                   answer.GetAdapterName() + " have one address, " +
+                                                   answer.fields->ipAddress + "."));
+  }
+}
+
+void FindSharedMACs(const NetworkAnswers& aAnswers, std::vector<KrFinding>& aFindings) {
+  std::map<KrString, const NetworkAnswer*> first;
+  std::set<KrString> told;
+  for (const NetworkAnswer& answer : aAnswers) {
+    const KrString& mac = answer.fields->macAddress;
+    if (!answer.HasMAC())
+      continue;
+    const NetworkAnswer& other = *first.try_emplace(mac, &answer).first->second;
+    if (!AreTwoDevices(other.device->fields, answer.device->fields) || !told.insert(mac).second)
+      continue;
+    const KrString& where = other.GetAdapterName();
+    aFindings.push_back(
+        {KrFindingKind::SharedMAC, answer.GetDeviceName(),
+         other.GetDeviceName() + " on " + where + " and " + answer.GetDeviceName() + " on " + answer.GetAdapterName() +
+             " state one MAC address, " + mac + ", so they cannot be told apart.",
+         "Connect only one of them to this host, and ask its maker: no two devices may have one MAC address."});
+  }
+}
+
+} // namespace
+
+void FindAddressCauses(const HostReadings& aReadings, const std::vector<AnsweredDevice>& aAnswered,
+                       std::vector<KrFinding>& aFindings) {
+  const NetworkAnswers answers = SelectNetwork(aReadings, aAnswered);
+  FindForeignSubnets(answers, aFindings);
+  FindConflictsWithHost(aReadings, answers, aFindings);
+  FindConflictsOfDevices(answers, aFindings);
+  FindSharedMACs(answers, aFindings);
+}
+
+} // namespace krsystem
