@@ -1,6 +1,7 @@
 #include "krdevice/krdevicegev.h"
 
 #include "addressing.h"
+#include "lastingip.h"
 
 #include <utility>
 
@@ -10,12 +11,12 @@ KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem:
 
 KrDeviceGEV::~KrDeviceGEV() = default;
 
-KrResult KrDeviceGEV::GetLastingIPConfiguration(KrLastingIPConfiguration&) {
-  return KrResult::Code::NotSupported;
+KrResult KrDeviceGEV::GetLastingIPConfiguration(KrLastingIPConfiguration& aConfiguration) {
+  return krdevice::ReadLastingIP(GetRegisterPort(), aConfiguration);
 }
 
-KrResult KrDeviceGEV::SetLastingIPConfiguration(const KrLastingIPConfiguration&) {
-  return KrResult::Code::NotSupported;
+KrResult KrDeviceGEV::SetLastingIPConfiguration(const KrLastingIPConfiguration& aConfiguration) {
+  return krdevice::WriteLastingIP(GetRegisterPort(), aConfiguration);
 }
 
 KrResult KrDeviceGEV::SetIPConfiguration(const KrString& aMAC, const KrString& aAddress, const KrString& aSubnetMask,

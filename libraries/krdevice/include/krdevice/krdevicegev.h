@@ -38,7 +38,8 @@ public:
   KrResult GetLastingIPConfiguration(KrLastingIPConfiguration& aConfiguration);
   /// Writes it; the device must be open with control. Ways that the device does not have are NotSupported and
   /// texts that do not parse InvalidInput, before anything is written. Where writing fails midway, what was written
-  /// before is put back. Read back and compared: ProtocolError when the device keeps something else.
+  /// before is put back. Read back and compared: ProtocolError when the device keeps something else, and then, too,
+  /// what was there before is put back. An address that does not count yet (persistent is false) is kept all the same.
   KrResult SetLastingIPConfiguration(const KrLastingIPConfiguration& aConfiguration);
 
   /// Gives the device of a MAC address ("aa:bb:cc:dd:ee:ff") another IP configuration (texts "a.b.c.d") until its next
