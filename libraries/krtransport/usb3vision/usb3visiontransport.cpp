@@ -2,6 +2,7 @@
 
 #include "krbase/krlogger.h"
 #include "usb3vision/libusbaccess.h"
+#include "usb3vision/sysfsfolder.h"
 #include "usb3vision/usb3visionlink.h"
 #include "usb3vision/usbfields.h"
 #include "usb3vision/usbidentity.h"
@@ -138,6 +139,10 @@ KrResult Usb3VisionTransport::ConfigureIP(const KrString&, const KrString&, cons
 }
 
 KrResult Usb3VisionTransport::GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) {
+  // Who asks about an address asks every transport: that it is not ours is no fault of his.
+  if (std::holds_alternative<krsystem::GEVFields>(aDevice) ||
+      std::holds_alternative<krsystem::TolvanProtocolFields>(aDevice))
+    return RefuseAddress();
   UsbDevice device;
   if (KrResult result = FindDevice(aDevice, device); !result.IsOK())
     return result;
@@ -166,6 +171,25 @@ KrResult Usb3VisionTransport::Open(const krsystem::InterfaceFields&, const krsys
     return result;
   KrResult result = CheckUsable(device, name);
   return result.IsOK() ? opened : result;
+}
+
+KrResult Usb3VisionTransport::ReadHost(krsystem::HostReadings& aReadings) {
+  aReadings.hasUSBTransport = true;
+  if (const auto megabytes = SysfsFolder(mRoots.coreParameters).ReadNumber("usbfs_memory_mb", 10))
+    aReadings.usbMemoryMegabytes = megabytes;
+  const std::vector<UsbDevice> devices = ReadUsbDevices(mRoots);
+  const std::vector<std::string> ids = MakeUniqueIDs(devices);
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    if (GetUsbKind(devices[i]) == UsbKind::Other)
+      continue;
+    const KrResult permission = mAccess->CheckPermission(devices[i].bus, devices[i].address);
+    const krsystem::U3VFields fields = MakeCameraFields(devices[i], ids[i], permission, {});
+    aReadings.usbDevices.push_back({.uniqueID = fields.uniqueID,
+                                    .displayID = fields.displayID,
+                                    .mayOpen = permission != KrResult::Code::AccessDenied,
+                                    .speed = fields.speed});
+  }
+  return {};
 }
 
 KrResult Usb3VisionTransport::FindDevice(const krsystem::AnyDeviceFields& aFields, UsbDevice& aDevice) const {

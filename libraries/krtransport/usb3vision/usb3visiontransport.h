@@ -36,12 +36,15 @@ public:
   /// NotSupported, for the same reason.
   KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
                        const KrString& aGateway) override;
-  /// Exclusive for a device whose control interface a program has claimed, else Open. NotFound when the device is gone.
+  /// Exclusive for a device whose control interface a program has claimed, else Open. NotFound when the device is gone,
+  /// NotSupported for one of another kind.
   KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
   /// NotFound when the device is gone; AccessDenied, with different texts, when permission is missing and when another
   /// program has the device. Control and exclusive access are the same on USB.
   KrResult Open(const krsystem::InterfaceFields& aInterface, const krsystem::AnyDeviceFields& aDevice,
                 krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
+  /// The devices that Discover would report, whose names are those that the kernel has read of them.
+  KrResult ReadHost(krsystem::HostReadings& aReadings) override;
 
 private:
   KrResult FindDevice(const krsystem::AnyDeviceFields& aFields, UsbDevice& aDevice) const;

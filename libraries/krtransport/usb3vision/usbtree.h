@@ -17,6 +17,7 @@ namespace krtransport {
 struct UsbRoots {
   std::filesystem::path devices = "/sys/bus/usb/devices";
   std::filesystem::path deviceFiles = "/dev/bus/usb";
+  std::filesystem::path coreParameters = "/sys/module/usbcore/parameters";
 };
 
 /// An interface of the configuration in use.

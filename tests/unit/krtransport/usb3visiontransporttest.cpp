@@ -206,6 +206,8 @@ TEST(Usb3VisionTransport, Addresses_AreNotSupported) {
 
   EXPECT_EQ(transport.FindAddress(0x7F000001, 1, interface, device), KrResult::Code::NotSupported);
   EXPECT_EQ(transport.ConfigureIP("", "", "", ""), KrResult::Code::NotSupported);
+  auto type = krsystem::AccessType::Unknown;
+  EXPECT_EQ(transport.GetAccessType(krsystem::GEVFields{}, type), KrResult::Code::NotSupported);
 }
 
 TEST(Usb3VisionTransport, AccessType_ClaimedDevice_IsExclusive) {

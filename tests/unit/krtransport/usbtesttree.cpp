@@ -92,6 +92,10 @@ void UsbTestTree::PlugIn(const std::string& aPort, std::uint32_t aAddress) {
   Move(aPort, mFolder.GetPath() / "unplugged", GetRoots().devices);
 }
 
+void UsbTestTree::SetCoreParameter(const std::string& aName, const std::string& aText) {
+  WriteFile(GetRoots().coreParameters / aName, aText);
+}
+
 void UsbTestTree::SetAttribute(const std::string& aPort, const std::string& aName, const std::string& aText) {
   WriteFile(GetRoots().devices / aPort / aName, aText);
 }

@@ -19,12 +19,16 @@ public:
   UsbTestTree& operator=(const UsbTestTree&) = delete;
 
   UsbRoots GetRoots() const {
-    return {.devices = mFolder.GetPath() / "sys/bus/usb/devices", .deviceFiles = mFolder.GetPath() / "dev/bus/usb"};
+    return {.devices = mFolder.GetPath() / "sys/bus/usb/devices",
+            .deviceFiles = mFolder.GetPath() / "dev/bus/usb",
+            .coreParameters = mFolder.GetPath() / "sys/module/usbcore/parameters"};
   }
   /// Takes a device out, with its interfaces.
   void Unplug(const std::string& aPort);
   /// Puts a device back that was taken out; it gets another address.
   void PlugIn(const std::string& aPort, std::uint32_t aAddress);
+  /// Sets a parameter of the kernel's USB core.
+  void SetCoreParameter(const std::string& aName, const std::string& aText);
   /// Replaces an attribute of a device.
   void SetAttribute(const std::string& aPort, const std::string& aName, const std::string& aText);
 
