@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 namespace {
 
 using krsystem::AccessType;
@@ -80,5 +82,26 @@ TEST_P(GigEVisionAccess, DeviceHeld_IsOpenedOnlyAsItAllows) {
 
 INSTANTIATE_TEST_SUITE_P(Holders, GigEVisionAccess, testing::ValuesIn(kRows),
                          [](const auto& aInfo) { return std::string(aInfo.param.what); });
+
+TEST(GigEVisionAccessQuestion, DeviceThatKeepsSilent_IsAskedOnceAndNotWaitedForAgain) {
+  std::atomic<int> questions{0};
+  krtransport::GigEVisionTransport transport;
+  krsystem::GEVFields device;
+  device.ipAddress = "127.0.0.1";
+  AccessType type = AccessType::Unknown;
+  KrResult result;
+
+  {
+    const GvcpResponder responder([&](std::span<const std::uint8_t> aCommand) {
+      questions += IsReadRegister(aCommand) ? 1 : 100;
+      return Datagrams();
+    });
+    result = transport.GetAccessType(device, type);
+  }
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(type, AccessType::Unknown);
+  EXPECT_EQ(questions, 1);
+}
 
 } // namespace

@@ -16,7 +16,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds kForceIPTimeout{1000};
 // More cameras than any subnet has in practice; what claims to be more is a fault or an attack.
 constexpr std::size_t kMaxDevicesPerAdapter = 1024;
 
@@ -110,31 +109,6 @@ KrResult DiscoverAddress(const std::vector<krsystem::NetworkAdapterFields>& aAda
   // It answered to its own address, if need be through a router.
   aDevice.configurationValid = true;
   return {};
-}
-
-KrResult ForceIP(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, const MacBytes& aMac,
-                 std::uint32_t aAddress, std::uint32_t aMask, std::uint32_t aGateway) {
-  const std::uint16_t requestID = TakeRequestID();
-  KrResult result(KrResult::Code::NotFound, "No device acknowledged the new IP configuration for " +
-                                                KrString(FormatMac(aMac)) +
-                                                ". Check that it is connected and switched on.");
-  const auto take = [&](std::size_t aIndex, std::span<const std::uint8_t> aDatagram) {
-    const KrResult answer = ParseForceIPAcknowledge(aDatagram, requestID);
-    if (answer == KrResult::Code::BadData) {
-      LogRefused(aAdapters[aIndex], answer);
-      return true;
-    }
-    result = answer;
-    return false;
-  };
-  // A device on a foreign subnet does not hear a subnet's broadcast.
-  const KrResult round = RunBroadcastRound(aAdapters,
-                                           {.command = MakeForceIPCommand(requestID, aMac, aAddress, aMask, aGateway),
-                                            .subnetBroadcast = false,
-                                            .timeout = kForceIPTimeout,
-                                            .cancel = {}},
-                                           take);
-  return round.IsOK() ? result : round;
 }
 
 } // namespace krtransport

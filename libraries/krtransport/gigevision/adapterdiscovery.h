@@ -1,5 +1,5 @@
 #pragma once
-// Finding GigE Vision devices: by broadcast on each adapter, or by address; and giving one another IP configuration.
+// Finding GigE Vision devices: by broadcast on each adapter, or by address.
 // How long found devices live, and which answers count as one, is decided by KrSystem.
 
 #include "gigevision/gvcppacket.h"
@@ -26,11 +26,5 @@ KrResult DiscoverOnAdapters(const std::vector<krsystem::NetworkAdapterFields>& a
 KrResult DiscoverAddress(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std::uint32_t aAddress,
                          std::uint32_t aTimeoutMs, krsystem::NetworkAdapterFields& aAdapter,
                          krsystem::GEVFields& aDevice);
-
-/// Tells the device of a MAC address, on whichever adapter it is, which addresses to use from now on, until it is
-/// switched off. NotFound when no device acknowledges, AccessDenied or ProtocolError when it
-/// refuses.
-KrResult ForceIP(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, const MacBytes& aMac,
-                 std::uint32_t aAddress, std::uint32_t aMask, std::uint32_t aGateway);
 
 } // namespace krtransport

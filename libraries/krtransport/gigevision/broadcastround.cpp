@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace krtransport {
 namespace {
@@ -20,6 +21,7 @@ constexpr milliseconds kMaxResendDelay{250};
 struct OpenAdapter {
   std::size_t index;
   GvcpSocket socket;
+  bool isPassedOver = false; ///< Nothing could be sent; said once a round.
 };
 
 // A host has adapters on which nothing can be sent (no cable, no address): worth a note, no reason to stop.
@@ -29,11 +31,14 @@ void LogPassedOver(const krsystem::NetworkAdapterFields& aAdapter, const KrResul
            "The network adapter " + aAdapter.name + " is passed over. " + aResult.GetDescription());
 }
 
+// All sockets hear on one port if they can: with two adapters on one network, the answer to what went out on one may
+// come in on the other.
 std::vector<OpenAdapter> OpenAll(const std::vector<krsystem::NetworkAdapterFields>& aAdapters) {
   std::vector<OpenAdapter> opened;
   for (std::size_t i = 0; i < aAdapters.size(); ++i) {
+    const std::uint16_t port = opened.empty() ? std::uint16_t{0} : opened.front().socket.GetLocalPort();
     GvcpSocket socket;
-    if (KrResult result = GvcpSocket::OpenOnAdapter(aAdapters[i].name.ToUtf8(), socket); result.IsOK())
+    if (KrResult result = GvcpSocket::OpenOnAdapter(aAdapters[i].name.ToUtf8(), port, socket); result.IsOK())
       opened.push_back({i, std::move(socket)});
     else
       LogPassedOver(aAdapters[i], result);
@@ -41,19 +46,18 @@ std::vector<OpenAdapter> OpenAll(const std::vector<krsystem::NetworkAdapterField
   return opened;
 }
 
+// An adapter on which nothing can be sent now stays open: it may be ready for the second command, and hears what
+// comes.
 void SendOnAll(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std::vector<OpenAdapter>& aOpened,
                const BroadcastRound& aRound) {
-  std::erase_if(aOpened, [&](const OpenAdapter& aOpen) {
-    const auto& adapter = aAdapters[aOpen.index];
-    bool sent = false;
+  for (OpenAdapter& open : aOpened) {
+    const auto& adapter = aAdapters[open.index];
     for (const std::uint32_t address : GetBroadcastAddresses(adapter, aRound.subnetBroadcast)) {
-      if (KrResult result = aOpen.socket.Send(aRound.command, address); result.IsOK())
-        sent = true;
-      else
+      const KrResult result = open.socket.Send(aRound.command, address);
+      if (!result.IsOK() && !std::exchange(open.isPassedOver, true))
         LogPassedOver(adapter, result);
     }
-    return !sent;
-  });
+  }
 }
 
 // Hands over all that has come; false when the taker has enough.

@@ -4,7 +4,7 @@
 #include "aravis/aravislog.h"
 #include "gigevision/deviceprobe.h"
 #include "gigevision/gvcppacket.h"
-#include "gigevision/networkadapters.h"
+#include "gigevision/linkquery.h"
 #include "gigevision/receivelimit.h"
 #include "gigevision/testpackets.h"
 #include "krbase/krlogger.h"

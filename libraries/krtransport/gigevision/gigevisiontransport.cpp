@@ -1,9 +1,12 @@
 #include "gigevision/gigevisiontransport.h"
 
 #include "gigevision/adapterdiscovery.h"
+#include "gigevision/forceip.h"
 #include "gigevision/gigevisionlink.h"
 #include "gigevision/gvcpclient.h"
 #include "gigevision/networkadapters.h"
+#include "gigevision/receivelimit.h"
+#include "gigevision/usedaddresses.h"
 #include "krsystem/ipv4address.h"
 
 #include <optional>
@@ -15,6 +18,9 @@ namespace {
 using krsystem::AccessType;
 using krsystem::GEVFields;
 using krsystem::NetworkAdapterFields;
+
+// Who asks waits for it in a window: a device that keeps silent is not asked twice.
+constexpr GvcpPatience kAccessPatience{std::chrono::milliseconds(200), 1, std::chrono::milliseconds(200)};
 
 KrResult RefuseKind(const char* aAttempt) {
   return {KrResult::Code::InvalidInput, std::string(aAttempt) + " needs a GigE Vision device on a network adapter."};
@@ -92,7 +98,7 @@ KrResult GigEVisionTransport::ConfigureIP(const KrString& aMAC, const KrString& 
   std::vector<NetworkAdapterFields> adapters;
   if (KrResult result = ListNetworkAdapters(adapters); !result.IsOK())
     return result;
-  return ForceIP(adapters, mac, *address, *mask, *gateway);
+  return ForceIP(adapters, {.mac = mac, .address = *address, .mask = *mask, .gateway = *gateway});
 }
 
 KrResult GigEVisionTransport::GetAccessType(const krsystem::AnyDeviceFields& aDevice, AccessType& aType) {
@@ -104,7 +110,7 @@ KrResult GigEVisionTransport::GetAccessType(const krsystem::AnyDeviceFields& aDe
   if (KrResult result = GvcpClient::Connect(*address, std::nullopt, client); !result.IsOK())
     return result;
   std::uint32_t privilege = 0;
-  KrResult result = client.ReadRegister(kControlPrivilegeRegister, privilege, GvcpPatience{});
+  KrResult result = client.ReadRegister(kControlPrivilegeRegister, privilege, kAccessPatience);
   // Only a device that is held exclusively keeps others from reading this.
   if (result == KrResult::Code::AccessDenied)
     privilege = kExclusiveBit;
@@ -133,6 +139,26 @@ KrResult GigEVisionTransport::Open(const krsystem::InterfaceFields& aInterface,
                                .readLinkSpeed = mReadLinkSpeed,
                                .access = aAccess},
                               aLink);
+}
+
+KrResult GigEVisionTransport::ReadHost(krsystem::HostReadings& aReadings) {
+  aReadings.hasNetworkTransport = true;
+  if (const auto limit = ReadReceiveLimit())
+    aReadings.receiveBufferLimitBytes = limit;
+  std::vector<krsystem::AdapterReading> adapters;
+  if (KrResult result = ReadNetworkAdapters(adapters); !result.IsOK())
+    return result;
+  aReadings.adapters.insert(aReadings.adapters.end(), adapters.begin(), adapters.end());
+  return {};
+}
+
+KrResult GigEVisionTransport::FindUsedAddresses(const krsystem::InterfaceFields& aInterface,
+                                                const std::vector<std::uint32_t>& aAddresses, std::uint32_t aTimeoutMs,
+                                                const std::stop_token& aCancel, std::vector<std::uint32_t>& aUsed) {
+  const auto* adapter = std::get_if<NetworkAdapterFields>(&aInterface);
+  if (adapter == nullptr)
+    return RefuseKind("Looking for used addresses");
+  return krtransport::FindUsedAddresses(*adapter, aAddresses, std::chrono::milliseconds(aTimeoutMs), aCancel, aUsed);
 }
 
 } // namespace krtransport

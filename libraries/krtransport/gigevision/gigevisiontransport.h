@@ -2,7 +2,7 @@
 // The backend for GigE Vision devices on this host's network adapters. Discovery and addresses are done with datagrams
 // of our own, open devices stand on Aravis; none of that shows here.
 
-#include "gigevision/networkadapters.h"
+#include "gigevision/linkquery.h"
 #include "gigevision/packetpacing.h"
 #include "krsystem/itransport.h"
 
@@ -26,15 +26,21 @@ public:
                     const krsystem::DiscoveryRequest& aRequest, const krsystem::DeviceReport& aReport) override;
   KrResult FindAddress(std::uint32_t aAddress, std::uint32_t aTimeoutMs, krsystem::InterfaceFields& aInterface,
                        krsystem::AnyDeviceFields& aDevice) override;
-  /// Tells the device by ForceIP, on every adapter, and waits for its acknowledge, up to a second. The configuration
-  /// lasts until the device is switched off. InvalidInput for texts that are no addresses, NotFound when no device
-  /// acknowledges.
+  /// Looks where the device answers, for 300 ms at most, tells it there by ForceIP, and waits for its acknowledge, up
+  /// to a second. The configuration lasts until the device is switched off. InvalidInput for texts that are no
+  /// addresses, NotFound when no device acknowledges.
   KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
                        const KrString& aGateway) override;
-  /// Reads the device's control channel privilege. A device that lets nobody else read counts as held exclusively.
+  /// Reads the device's control channel privilege, by one datagram. A device that lets nobody else read counts as held
+  /// exclusively; TimeLimitExceeded when it keeps silent for 200 ms.
   KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
   KrResult Open(const krsystem::InterfaceFields& aInterface, const krsystem::AnyDeviceFields& aDevice,
                 krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
+  KrResult ReadHost(krsystem::HostReadings& aReadings) override;
+  /// As krtransport::FindUsedAddresses; InvalidInput for an interface that is no network adapter.
+  KrResult FindUsedAddresses(const krsystem::InterfaceFields& aInterface, const std::vector<std::uint32_t>& aAddresses,
+                             std::uint32_t aTimeoutMs, const std::stop_token& aCancel,
+                             std::vector<std::uint32_t>& aUsed) override;
 
 private:
   const LinkSpeedReader mReadLinkSpeed;

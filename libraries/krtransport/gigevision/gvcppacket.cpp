@@ -111,7 +111,8 @@ std::vector<std::uint8_t> MakeDiscoveryCommand(std::uint16_t aRequestID) {
 
 std::vector<std::uint8_t> MakeForceIPCommand(std::uint16_t aRequestID, const MacBytes& aMac, std::uint32_t aAddress,
                                              std::uint32_t aMask, std::uint32_t aGateway) {
-  auto datagram = MakeCommand(GvcpMessage::ForceIPCommand, kAcknowledgeRequired, aRequestID, kForceIPPayloadSize);
+  auto datagram = MakeCommand(GvcpMessage::ForceIPCommand, kAcknowledgeRequired | kBroadcastAcknowledgeAllowed,
+                              aRequestID, kForceIPPayloadSize);
   std::copy(aMac.begin(), aMac.end(), datagram.begin() + kHeaderSize + 2);
   Put32(datagram, kHeaderSize + 20, aAddress);
   Put32(datagram, kHeaderSize + 36, aMask);

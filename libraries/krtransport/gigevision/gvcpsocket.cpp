@@ -35,8 +35,8 @@ FileDescriptor MakeSocket() {
   return FileDescriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
-bool Bind(const FileDescriptor& aSocket, std::uint32_t aAddress) {
-  const sockaddr_in local = MakeAddress(aAddress, 0);
+bool Bind(const FileDescriptor& aSocket, std::uint32_t aAddress, std::uint16_t aPort = 0) {
+  const sockaddr_in local = MakeAddress(aAddress, aPort);
   return ::bind(aSocket.Get(), AsSockaddr(local), sizeof(local)) == 0;
 }
 
@@ -79,14 +79,14 @@ void WakeEvent::Take() {
   [[maybe_unused]] const int result = ::eventfd_read(mDescriptor.Get(), &count);
 }
 
-KrResult GvcpSocket::OpenOnAdapter(const std::string& aAdapterName, GvcpSocket& aSocket) {
+KrResult GvcpSocket::OpenOnAdapter(const std::string& aAdapterName, std::uint16_t aPort, GvcpSocket& aSocket) {
   const std::string attempt = "Opening a socket on the network adapter " + aAdapterName;
   FileDescriptor descriptor = MakeSocket();
   const int enable = 1;
   if (!descriptor.IsOpen() || ::setsockopt(descriptor.Get(), SOL_SOCKET, SO_BROADCAST, &enable, sizeof(enable)) != 0 ||
       ::setsockopt(descriptor.Get(), SOL_SOCKET, SO_BINDTODEVICE, aAdapterName.c_str(),
                    static_cast<socklen_t>(aAdapterName.size())) != 0 ||
-      !Bind(descriptor, INADDR_ANY))
+      (!Bind(descriptor, INADDR_ANY, aPort) && !Bind(descriptor, INADDR_ANY)))
     return MakeSystemError(attempt);
   aSocket.mDescriptor = std::move(descriptor);
   return {};

@@ -55,7 +55,9 @@ class GvcpSocket {
 public:
   /// For broadcasts on one adapter. It is bound to the adapter and to no address: a socket bound to the adapter's
   /// address would not hear answers that come by broadcast, as those of a device on a foreign subnet do.
-  static KrResult OpenOnAdapter(const std::string& aAdapterName, GvcpSocket& aSocket);
+  /// It hears on a port that the system chooses, or on aPort where that is not 0 and free: sockets on different
+  /// adapters may have the same.
+  static KrResult OpenOnAdapter(const std::string& aAdapterName, std::uint16_t aPort, GvcpSocket& aSocket);
   /// For one device; aLocalAddress chooses the way, or the routing table where there is none. Datagrams of others are
   /// not received.
   static KrResult OpenToDevice(std::uint32_t aAddress, std::optional<std::uint32_t> aLocalAddress, GvcpSocket& aSocket);

@@ -74,7 +74,7 @@ TEST(GvcpCommand, ReadMemory_HoldsAddressAndCount) {
 TEST(GvcpCommand, ForceIP_HoldsMacAndAddressesInTheirPlaces) {
   const Bytes command = MakeForceIPCommand(kRequestID, {1, 2, 3, 4, 5, 6}, 0x0A000007, 0xFF000000, 0x0A000001);
 
-  Bytes expected = {0x42, 0x01, 0x00, 0x04, 0x00, 0x38, 0x12, 0x34};
+  Bytes expected = {0x42, 0x11, 0x00, 0x04, 0x00, 0x38, 0x12, 0x34};
   expected.resize(64);
   PutBytes(expected, kPayload + 2, {1, 2, 3, 4, 5, 6});
   PutBytes(expected, kPayload + 20, {10, 0, 0, 7});

@@ -19,34 +19,6 @@ NetworkAdapterFields MakeAdapter(const char* aName, const char* aMac,
   return fields;
 }
 
-TEST(NetworkAdapters, AssignUniqueIDs_SharedAndMissingMacs_AreToldApartByName) {
-  std::vector<NetworkAdapterFields> adapters = {MakeAdapter("eth0", "00:11:22:33:44:55"),
-                                                MakeAdapter("bond0", "00:aa:bb:cc:dd:ee"),
-                                                MakeAdapter("eth1", "00:aa:bb:cc:dd:ee"), MakeAdapter("lo", "")};
-
-  AssignUniqueIDs(adapters);
-
-  EXPECT_EQ(adapters[0].uniqueID, KrString("00:11:22:33:44:55"));
-  EXPECT_EQ(adapters[1].uniqueID, KrString("00:aa:bb:cc:dd:ee/bond0"));
-  EXPECT_EQ(adapters[2].uniqueID, KrString("00:aa:bb:cc:dd:ee/eth1"));
-  EXPECT_EQ(adapters[3].uniqueID, KrString("/lo"));
-}
-
-TEST(NetworkAdapters, ParseDefaultGateways_RoutingTable_GivesTheFirstDefaultRouteOfEachAdapter) {
-  const std::string table = "Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT\n"
-                            "eth0\t00000000\t0101A8C0\t0003\t0\t0\t100\t00000000\t0\t0\t0\n"
-                            "eth0\t00000000\t0201A8C0\t0003\t0\t0\t200\t00000000\t0\t0\t0\n"
-                            "eth0\t0001A8C0\t00000000\t0001\t0\t0\t100\t00FFFFFF\t0\t0\t0\n"
-                            "eth1\t0000000A\t0100000A\t0003\t0\t0\t100\t000000FF\t0\t0\t0\n"
-                            "wlan0\tnonsense\n"
-                            "\n";
-
-  const auto gateways = ParseDefaultGateways(table);
-
-  ASSERT_EQ(gateways.size(), 1u);
-  EXPECT_EQ(krsystem::FormatIPv4(gateways.at("eth0")), KrString("192.168.1.1"));
-}
-
 struct ReachRow {
   const char* name;
   const char* device;
@@ -118,17 +90,6 @@ TEST(NetworkAdapters, ListNetworkAdapters_ThisHost_GivesEveryAdapterANameAnIDAnd
     EXPECT_FALSE(adapter.uniqueID.IsEmpty());
     EXPECT_FALSE(adapter.addresses.empty());
   }
-}
-
-TEST(NetworkAdapters, LinkSpeed_AdapterWithoutOneOrNone_IsUnknown) {
-  // The kernel refuses to be read for the first.
-  EXPECT_EQ(krtransport::GetLinkSpeed("lo"), 0u);
-  EXPECT_EQ(krtransport::GetLinkSpeed("no such adapter"), 0u);
-}
-
-TEST(NetworkAdapters, Mtu_NoSuchAdapter_IsEthernets) {
-  EXPECT_EQ(krtransport::GetMtu("no such adapter"), 1500u);
-  EXPECT_GE(krtransport::GetMtu("lo"), 1500u);
 }
 
 } // namespace

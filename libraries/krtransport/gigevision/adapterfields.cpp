@@ -1,0 +1,156 @@
+#include "gigevision/adapterfields.h"
+
+#include "krsystem/ipv4address.h"
+
+#include <algorithm>
+#include <linux/if.h>
+#include <linux/if_arp.h>
+#include <map>
+#include <optional>
+
+namespace krtransport {
+namespace {
+
+using krsystem::AdapterAddress;
+using krsystem::NetworkAdapterFields;
+
+// How people call the kinds of virtual links; others are called as the kernel calls them.
+struct KindRow {
+  const char* kind;
+  const char* description;
+};
+
+constexpr KindRow kKinds[] = {
+    {"bond", "Bond"},
+    {"bridge", "Bridge"},
+    {"dummy", "Dummy adapter"},
+    {"macvlan", "Virtual adapter (macvlan)"},
+    {"macvtap", "Virtual adapter (macvtap)"},
+    {"ipvlan", "Virtual adapter (ipvlan)"},
+    {"team", "Team"},
+    {"tun", "Tunnel of a program (tun)"},
+    {"veth", "Virtual cable (veth)"},
+    {"vlan", "VLAN"},
+    {"vxlan", "VXLAN"},
+    {"wireguard", "WireGuard tunnel"},
+};
+
+bool IsUp(const KernelLink& aLink) {
+  return (aLink.flags & IFF_UP) != 0;
+}
+
+bool IsLoopback(const KernelLink& aLink) {
+  return (aLink.flags & IFF_LOOPBACK) != 0;
+}
+
+bool IsListed(const KernelLink& aLink, const KernelTables& aTables) {
+  if (IsLoopback(aLink))
+    return IsUp(aLink);
+  return aLink.hardwareType == ARPHRD_ETHER ||
+         std::ranges::find(aTables.addresses, aLink.index, &KernelAddress::linkIndex) != aTables.addresses.end();
+}
+
+std::uint32_t MakeMask(std::uint32_t aPrefixLength) {
+  return aPrefixLength == 0 ? 0 : ~std::uint32_t{0} << (32 - std::min(aPrefixLength, 32u));
+}
+
+AdapterAddress MakeAddress(const KernelAddress& aAddress) {
+  std::uint32_t mask = MakeMask(aAddress.prefixLength);
+  // The prefix is that of the other end of a point-to-point line: an address outside it is alone in its subnet.
+  if (aAddress.peer != 0 && ((aAddress.peer ^ aAddress.address) & mask) != 0)
+    mask = ~std::uint32_t{0};
+  return {krsystem::FormatIPv4(aAddress.address), krsystem::FormatIPv4(mask)};
+}
+
+std::vector<AdapterAddress> GetAddresses(const KernelTables& aTables, int aLinkIndex) {
+  std::vector<AdapterAddress> addresses;
+  for (const KernelAddress& address : aTables.addresses)
+    if (address.linkIndex == aLinkIndex)
+      addresses.push_back(MakeAddress(address));
+  return addresses;
+}
+
+std::uint32_t GetGateway(const KernelTables& aTables, int aLinkIndex) {
+  const KernelRoute* best = nullptr;
+  for (const KernelRoute& route : aTables.defaultRoutes)
+    if (route.linkIndex == aLinkIndex && (best == nullptr || route.metric < best->metric))
+      best = &route;
+  return best != nullptr ? best->gateway : 0;
+}
+
+KrString Describe(const KernelLink& aLink, const DriverNameReader& aReadDriverName) {
+  if (IsLoopback(aLink))
+    return "Loopback";
+  const auto* row = std::ranges::find_if(kKinds, [&aLink](const KindRow& aRow) { return aLink.kind == aRow.kind; });
+  if (row != std::end(kKinds))
+    return row->description;
+  const std::string name = aLink.kind.empty() ? aReadDriverName(aLink.name) : aLink.kind;
+  return name.empty() ? KrString("Network adapter") : KrString(name);
+}
+
+NetworkAdapterFields MakeFields(const KernelLink& aLink, const KernelTables& aTables,
+                                const DriverNameReader& aReadDriverName) {
+  NetworkAdapterFields fields;
+  fields.name = aLink.name;
+  fields.description = Describe(aLink, aReadDriverName);
+  fields.isLoopback = IsLoopback(aLink);
+  if (aLink.mac != MacBytes{})
+    fields.macAddress = FormatMac(aLink.mac);
+  if (IsUp(aLink)) {
+    if (auto addresses = GetAddresses(aTables, aLink.index); !addresses.empty())
+      fields.addresses = std::move(addresses);
+    fields.defaultGateway = krsystem::FormatIPv4(GetGateway(aTables, aLink.index));
+  }
+  fields.displayID = fields.name + " " + fields.addresses.front().address;
+  return fields;
+}
+
+} // namespace
+
+std::vector<NetworkAdapterFields>
+MakeAdapterFields(const KernelTables& aTables, const DriverNameReader& aReadDriverName, bool aMayUsePacketSockets) {
+  std::vector<NetworkAdapterFields> adapters;
+  for (const KernelLink& link : aTables.links) {
+    if (!IsListed(link, aTables))
+      continue;
+    adapters.push_back(MakeFields(link, aTables, aReadDriverName));
+    adapters.back().tolvanDriverInstalled = aMayUsePacketSockets;
+  }
+  AssignUniqueIDs(adapters);
+  return adapters;
+}
+
+void AssignUniqueIDs(std::vector<NetworkAdapterFields>& aAdapters) {
+  std::map<KrString, int> uses;
+  for (const auto& adapter : aAdapters)
+    ++uses[adapter.macAddress];
+  for (auto& adapter : aAdapters) {
+    const bool isOwn = !adapter.macAddress.IsEmpty() && uses[adapter.macAddress] == 1;
+    adapter.uniqueID = isOwn ? adapter.macAddress : adapter.macAddress + "/" + adapter.name;
+  }
+}
+
+std::vector<krsystem::AdapterReading>
+MakeAdapterReadings(const KernelTables& aTables,
+                    const std::function<std::optional<std::int32_t>(const std::string& aName)>& aReadFilter) {
+  const std::int32_t filterOfAll = aReadFilter("all").value_or(0);
+  std::vector<krsystem::AdapterReading> readings;
+  // No driver is asked: the readings do not name it.
+  for (const auto& fields : MakeAdapterFields(
+           aTables, [](const std::string&) { return std::string(); }, false)) {
+    const auto link = std::ranges::find(aTables.links, fields.name.ToUtf8(), &KernelLink::name);
+    krsystem::AdapterReading reading;
+    reading.uniqueID = fields.uniqueID;
+    reading.name = fields.name;
+    reading.isLoopback = fields.isLoopback;
+    reading.isUp = IsUp(*link);
+    // Of one that is down nobody knows whether it has a cable.
+    reading.hasCarrier = !reading.isUp || (link->flags & IFF_LOWER_UP) != 0;
+    reading.addresses = GetAddresses(aTables, link->index);
+    reading.reversePathFilter = std::max(filterOfAll, aReadFilter(link->name).value_or(0));
+    readings.push_back(std::move(reading));
+  }
+  return readings;
+}
+
+} // namespace krtransport
