@@ -1,4 +1,5 @@
 #include "simulation/cameradescription.h"
+#include "labcameras.h"
 #include "labfixture.h"
 
 #include <gmock/gmock.h>
@@ -91,10 +92,6 @@ private:
   std::set<std::string> mNames;
 };
 
-std::vector<krtransport::LabCamera> ListCameras() {
-  return krtransport::GetBuiltInLab().adapters.front().cameras;
-}
-
 class DescriptionInRegistersTest : public LabTest {
 protected:
   // Follows the first URL as an application does.
@@ -115,7 +112,7 @@ protected:
 } // namespace
 
 TEST(CameraDescription, Make_EveryCamera_IsWellFormedAndComplete) {
-  for (const krtransport::LabCamera& camera : ListCameras()) {
+  for (const krtransport::LabGEVCamera& camera : ListLabCameras()) {
     SCOPED_TRACE(camera.serialNumber.CStr());
 
     const std::string text = krtransport::MakeCameraDescription(camera);
@@ -129,7 +126,7 @@ TEST(CameraDescription, Make_EveryCamera_IsWellFormedAndComplete) {
 }
 
 TEST(CameraDescription, Make_EveryReference_LeadsToANode) {
-  const Description description(krtransport::MakeCameraDescription(ListCameras().front()));
+  const Description description(krtransport::MakeCameraDescription(ListLabCameras().front()));
   int references = 0;
 
   for (const pugi::xml_node node : description.GetRoot().children()) {
@@ -146,7 +143,7 @@ TEST(CameraDescription, Make_EveryReference_LeadsToANode) {
 }
 
 TEST(CameraDescription, Make_EveryNode_HasItsChildrenInTheSchemasOrder) {
-  const Description description(krtransport::MakeCameraDescription(ListCameras().front()));
+  const Description description(krtransport::MakeCameraDescription(ListLabCameras().front()));
 
   for (const pugi::xml_node node : description.GetRoot().children()) {
     SCOPED_TRACE(node.attribute("Name").value());
@@ -161,7 +158,7 @@ TEST(CameraDescription, Make_EveryNode_HasItsChildrenInTheSchemasOrder) {
 }
 
 TEST(CameraDescription, Make_Selectors_NameWhatTheySelect) {
-  const Description description(krtransport::MakeCameraDescription(ListCameras().front()));
+  const Description description(krtransport::MakeCameraDescription(ListLabCameras().front()));
   std::vector<std::string> selected;
 
   for (const pugi::xml_node child : description.Find("TriggerSelector").children("pSelected"))
@@ -175,14 +172,14 @@ TEST(CameraDescription, Make_Selectors_NameWhatTheySelect) {
 }
 
 TEST(CameraDescription, Make_SizeFeatures_AreLockedWhileAStreamRuns) {
-  const Description description(krtransport::MakeCameraDescription(ListCameras().front()));
+  const Description description(krtransport::MakeCameraDescription(ListLabCameras().front()));
 
   for (const char* feature : {"Width", "Height", "PixelFormat"})
     EXPECT_STREQ(description.Find(feature).child("pIsLocked").text().get(), "TLParamsLocked") << feature;
 }
 
 TEST(CameraDescription, Make_PixelFormats_AreTheCamerasOwn) {
-  for (const krtransport::LabCamera& camera : ListCameras()) {
+  for (const krtransport::LabGEVCamera& camera : ListLabCameras()) {
     const Description description(krtransport::MakeCameraDescription(camera));
     std::vector<KrPixelType> formats;
 
@@ -199,7 +196,7 @@ TEST_F(DescriptionInRegistersTest, FirstURL_Followed_GivesTheDescription) {
   std::unique_ptr<KrDevice> device;
   ASSERT_TRUE(Open(kMonoMAC, device).IsOK());
 
-  EXPECT_EQ(ReadDescription(*device), krtransport::MakeCameraDescription(ListCameras().front()));
+  EXPECT_EQ(ReadDescription(*device), krtransport::MakeCameraDescription(ListLabCameras().front()));
 }
 
 TEST_F(DescriptionInRegistersTest, EveryAddress_Accessed_IsBackedByARegister) {

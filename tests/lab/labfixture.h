@@ -1,5 +1,5 @@
 #pragma once
-// The built-in lab behind the public classes, as an application meets it.
+// A lab, the built-in one where nothing else is said, behind the public classes, as an application meets it.
 
 #include "krdevice/krdevice.h"
 #include "krsystem/krsystem.h"
@@ -73,8 +73,9 @@ private:
 class LabTest : public testing::Test {
 protected:
   /// The cameras go by the clock given, or by the host's.
-  explicit LabTest(std::shared_ptr<krtransport::ICameraClock> aClock = nullptr)
-      : mLab(std::make_shared<krtransport::SimulationTransport>(krtransport::GetBuiltInLab(), std::move(aClock))) {
+  explicit LabTest(std::shared_ptr<krtransport::ICameraClock> aClock = nullptr,
+                   const krtransport::Lab& aLab = krtransport::GetBuiltInLab())
+      : mLab(std::make_shared<krtransport::SimulationTransport>(aLab, std::move(aClock))) {
     krsystem::RegisterTransport(mLab);
   }
   ~LabTest() override { krsystem::UnregisterTransport(mLab); }
@@ -84,17 +85,18 @@ protected:
     mSystem.SetSubnetBroadcastEnabled(false);
     ASSERT_TRUE(mSystem.Find().IsOK());
   }
-  const KrDeviceInfoGEV* FindInfo(const KrString& aUniqueID) {
+  template <typename Info = KrDeviceInfoGEV>
+  const Info* FindInfo(const KrString& aUniqueID) {
     for (std::size_t i = 0; i < mSystem.GetDeviceCount(); ++i) {
       if (mSystem.GetDeviceInfo(i)->GetUniqueID() == aUniqueID)
-        return dynamic_cast<const KrDeviceInfoGEV*>(mSystem.GetDeviceInfo(i));
+        return dynamic_cast<const Info*>(mSystem.GetDeviceInfo(i));
     }
     return nullptr;
   }
   KrResult Open(const KrString& aUniqueID, std::unique_ptr<KrDevice>& aDevice,
                 KrDeviceAccess aAccess = KrDeviceAccess::Control) {
     FindAll();
-    const KrDeviceInfo* const info = FindInfo(aUniqueID);
+    const KrDeviceInfo* const info = FindInfo<KrDeviceInfo>(aUniqueID);
     return info ? KrDevice::Open(*info, aAccess, aDevice) : KrResult(KrResult::Code::NotFound);
   }
   static KrResult ReadInteger(KrDevice& aDevice, std::uint64_t aAddress, std::uint32_t& aValue) {

@@ -1,3 +1,4 @@
+#include "labcameras.h"
 #include "labfixture.h"
 #include "testclocks.h"
 
@@ -169,8 +170,7 @@ constexpr SizeRow kSizes[] = {{kWidthMin, kHeightMin}, {76, 18}, {308, 22}};
 
 TEST(LabFormats, AllCamerasTogether_OfferEveryFormatThatCanBeShownAndNoneTwiceOnOneCamera) {
   std::set<std::string_view> offered;
-  const krtransport::Lab lab = krtransport::GetBuiltInLab();
-  for (const krtransport::LabCamera& camera : lab.adapters.front().cameras) {
+  for (const krtransport::LabGEVCamera& camera : ListLabCameras()) {
     std::set<KrPixelType> ofCamera;
     for (const KrPixelType type : camera.pixelFormats) {
       offered.insert(KrFindPixelType(type)->name);
@@ -188,10 +188,10 @@ TEST(LabFormats, AllCamerasTogether_OfferEveryFormatThatCanBeShownAndNoneTwiceOn
 }
 
 TEST_F(FormatsTest, EveryFormatOfEveryCamera_EverySize_ArrivesAsPaintedAndIsShownAsTheRamp) {
-  const krtransport::Lab lab = krtransport::GetBuiltInLab();
   int formats = 0;
-  for (const krtransport::LabCamera& camera : lab.adapters.front().cameras) {
-    if (camera.macAddress == kForeignMAC)
+  for (const krtransport::LabGEVCamera& camera : ListLabCameras()) {
+    const bool isForEverybody = camera.foreignControl == krsystem::AccessType::Open;
+    if (!isForEverybody || camera.macAddress == kForeignMAC || camera.ipAddress == "0.0.0.0")
       continue;
     for (const KrPixelType type : camera.pixelFormats) {
       const KrPixelTypeInfo info = *KrFindPixelType(type);

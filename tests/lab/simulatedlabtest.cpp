@@ -12,10 +12,10 @@ class SimulatedLabTest : public LabTest {};
 
 } // namespace
 
-TEST_F(SimulatedLabTest, Find_BuiltInLab_HasOneAdapterAndItsCameras) {
+TEST_F(SimulatedLabTest, Find_BuiltInLab_HasTheFirstCamerasOnItsFirstAdapter) {
   FindAll();
 
-  ASSERT_EQ(mSystem.GetInterfaceCount(), 1u);
+  ASSERT_EQ(mSystem.GetInterfaceCount(), 4u);
   const auto* const adapter = dynamic_cast<const KrNetworkAdapter*>(mSystem.GetInterface(0));
   ASSERT_NE(adapter, nullptr);
   EXPECT_EQ(adapter->GetName(), "sim0");
@@ -24,6 +24,8 @@ TEST_F(SimulatedLabTest, Find_BuiltInLab_HasOneAdapterAndItsCameras) {
   EXPECT_EQ(adapter->GetIPAddress(0), "192.168.77.1");
   EXPECT_EQ(adapter->GetSubnetMask(0), "255.255.255.0");
   EXPECT_EQ(adapter->GetDeviceCount(), 4u);
+  EXPECT_EQ(mSystem.GetDeviceCount(), 11u);
+  EXPECT_EQ(mSystem.GetDeviceInfo(0)->GetUniqueID(), kMonoMAC);
 }
 
 TEST_F(SimulatedLabTest, Find_MonoCamera_IsDescribedWhole) {
@@ -49,8 +51,9 @@ TEST_F(SimulatedLabTest, Find_SubnetBroadcast_DoesNotReachTheForeignCamera) {
 
   EXPECT_TRUE(mSystem.Find().IsOK());
 
-  EXPECT_EQ(mSystem.GetDeviceCount(), 3u);
+  EXPECT_EQ(mSystem.GetDeviceCount(), 9u);
   EXPECT_EQ(FindInfo(kForeignMAC), nullptr);
+  EXPECT_EQ(FindInfo("02:4b:52:00:78:11"), nullptr) << "the camera without an address";
 }
 
 TEST_F(SimulatedLabTest, Open_ForeignCamera_IsRefusedWithTheReason) {

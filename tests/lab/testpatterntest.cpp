@@ -1,6 +1,6 @@
 #include "simulation/testpattern.h"
 
-#include "simulation/lab.h"
+#include "labcameras.h"
 
 #include <gmock/gmock.h>
 
@@ -89,8 +89,7 @@ const KnownLine kKnownLines[] = {
 
 std::vector<KrPixelTypeInfo> ListLabFormats() {
   std::vector<KrPixelTypeInfo> formats;
-  const krtransport::Lab lab = krtransport::GetBuiltInLab();
-  for (const krtransport::LabCamera& camera : lab.adapters.front().cameras) {
+  for (const krtransport::LabGEVCamera& camera : ListLabCameras()) {
     for (const KrPixelType type : camera.pixelFormats)
       formats.push_back(*KrFindPixelType(type));
   }

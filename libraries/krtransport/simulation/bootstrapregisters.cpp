@@ -13,8 +13,8 @@ using namespace cameraregister;
 
 namespace {
 
-constexpr std::uint32_t kGEVVersion = 0x00020000;
-constexpr std::uint32_t kBigEndianUtf8Transmitter = 0x80000001;
+constexpr std::uint32_t kBigEndianUtf8 = 0x80000001;
+constexpr std::uint32_t kClassShift = 28;
 constexpr std::uint32_t kLinkSpeedMbit = 1000;
 // Writing of memory, serial number and user-defined name are offered (GigE Vision 2.x, GVCP capability register).
 constexpr std::uint32_t kCapabilities = 1u << 1 | 1u << 30 | 1u << 31;
@@ -54,9 +54,25 @@ void DefineDescription(RegisterMemory& aMemory, const LabCamera& aCamera) {
   aMemory.Define(kSecondURL, kURLLength, RegisterAccess::ReadOnly, "the second URL");
 }
 
+std::uint32_t ParseEither(const KrString& aText, const KrString& aOtherwise) {
+  return krsystem::ParseIPv4(aText.IsEmpty() ? aOtherwise : aText).value_or(0);
+}
+
+// What a camera keeps for its next start (GigE Vision 2.x, network interface configuration and persistent address).
+void DefineLastingConfiguration(RegisterMemory& aMemory, const LabGEVCamera& aCamera) {
+  const auto define = [&aMemory](std::uint64_t aAddress, const char* aName, std::uint32_t aValue) {
+    aMemory.Define(aAddress, sizeof(aValue), RegisterAccess::ReadWrite, aName);
+    aMemory.SetInteger(aAddress, aValue);
+  };
+  define(kIPConfigCurrent, "the current IP configuration", aCamera.ipConfigCurrent | kLinkLocal);
+  define(kPersistentAddress, "the persistent IP address", ParseEither(aCamera.persistentAddress, aCamera.ipAddress));
+  define(kPersistentMask, "the persistent subnet mask", ParseEither(aCamera.persistentMask, aCamera.subnetMask));
+  define(kPersistentGateway, "the persistent gateway", ParseEither(aCamera.persistentGateway, aCamera.defaultGateway));
+}
+
 } // namespace
 
-void DefineBootstrapRegisters(RegisterMemory& aMemory, const LabCamera& aCamera) {
+void DefineBootstrapRegisters(RegisterMemory& aMemory, const LabGEVCamera& aCamera) {
   const std::uint64_t mac = ParseMAC(aCamera.macAddress);
   const auto define = [&aMemory](std::uint64_t aAddress, const char* aName, std::uint32_t aValue) {
     aMemory.Define(aAddress, sizeof(aValue), RegisterAccess::ReadOnly, aName);
@@ -64,12 +80,11 @@ void DefineBootstrapRegisters(RegisterMemory& aMemory, const LabCamera& aCamera)
   };
   for (const ReservedRange& range : kReserved)
     aMemory.Define(range.address, range.length, RegisterAccess::ReadOnly, "a reserved range");
-  define(kVersion, "the version", kGEVVersion);
-  define(kDeviceMode, "the device mode", kBigEndianUtf8Transmitter);
+  define(kVersion, "the version", aCamera.gevVersion);
+  define(kDeviceMode, "the device mode", kBigEndianUtf8 | aCamera.deviceClass << kClassShift);
   define(kMACHigh, "the MAC address", static_cast<std::uint32_t>(mac >> 32));
   define(kMACLow, "the MAC address", static_cast<std::uint32_t>(mac));
   define(kIPConfigOptions, "the IP configuration options", aCamera.ipConfigOptions);
-  define(kIPConfigCurrent, "the current IP configuration", aCamera.ipConfigCurrent);
   define(kIPAddress, "the IP address", krsystem::ParseIPv4(aCamera.ipAddress).value_or(0));
   define(kSubnetMask, "the subnet mask", krsystem::ParseIPv4(aCamera.subnetMask).value_or(0));
   define(kDefaultGateway, "the default gateway", krsystem::ParseIPv4(aCamera.defaultGateway).value_or(0));
@@ -79,6 +94,7 @@ void DefineBootstrapRegisters(RegisterMemory& aMemory, const LabCamera& aCamera)
   define(kStreamChannelCount, "the number of stream channels", 1);
   define(kGVCPCapability, "the capabilities", kCapabilities);
   define(kControlPrivilege, "the control privilege", 0);
+  DefineLastingConfiguration(aMemory, aCamera);
   DefineDescription(aMemory, aCamera);
 }
 

@@ -7,6 +7,6 @@
 namespace krtransport {
 
 /// Defines the registers with the values of a camera. Those that are features are left out.
-void DefineBootstrapRegisters(RegisterMemory& aMemory, const LabCamera& aCamera);
+void DefineBootstrapRegisters(RegisterMemory& aMemory, const LabGEVCamera& aCamera);
 
 } // namespace krtransport

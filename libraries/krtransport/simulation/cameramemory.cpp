@@ -40,7 +40,7 @@ bool HoldsFloat(const Feature& aFeature) {
 
 } // namespace
 
-CameraMemory::CameraMemory(const LabCamera& aCamera) : mPixelFormats(aCamera.pixelFormats) {
+CameraMemory::CameraMemory(const LabGEVCamera& aCamera) : mPixelFormats(aCamera.pixelFormats) {
   DefineBootstrapRegisters(mMemory, aCamera);
   for (const Feature& feature : ListFeatures())
     DefineFeature(feature);
@@ -86,19 +86,34 @@ KrResult CameraMemory::Write(std::uint64_t aAddress, const void* aData, std::siz
     result = CheckValue(aAddress, static_cast<const std::uint8_t*>(aData), aLength);
   if (result.IsOK())
     result = mMemory.Write(aAddress, aData, aLength);
-  if (result.IsOK())
-    Apply(mFeatures.at(aAddress), aNowNs);
+  if (!result.IsOK())
+    return result;
+  if (aAddress == kIPConfigCurrent)
+    mMemory.SetInteger(kIPConfigCurrent, mMemory.GetInteger(kIPConfigCurrent) | kLinkLocal);
+  if (const auto feature = mFeatures.find(aAddress); feature != mFeatures.end())
+    Apply(feature->second, aNowNs);
   return result;
 }
 
 KrResult CameraMemory::CheckValue(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const {
-  // Every register that can be written is a feature's.
-  const Feature& feature = *mFeatures.at(aAddress).feature;
+  // Every register that can be written is a feature's, but for those of the lasting IP configuration.
+  const auto found = mFeatures.find(aAddress);
+  if (found == mFeatures.end())
+    return CheckLasting(aAddress, aData, aLength);
+  const Feature& feature = *found->second.feature;
   KrResult result = CheckAccess(feature, aAddress);
   if (!result.IsOK() || feature.kind == FeatureKind::Text)
     return result;
   return HoldsFloat(feature) ? CheckFloat(feature, aAddress, aData, aLength)
                              : CheckInteger(feature, aAddress, DecodeInteger(aData));
+}
+
+KrResult CameraMemory::CheckLasting(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const {
+  const std::uint32_t options = mMemory.GetInteger(kIPConfigOptions);
+  if (aAddress == kIPConfigCurrent && aLength == sizeof(options) && (DecodeInteger(aData) & ~options) != 0)
+    return MakeRefusal(RegisterRefusal::InvalidParameter, aAddress,
+                       "the camera does not have all of these ways to get its address");
+  return {};
 }
 
 KrResult CameraMemory::CheckFault(std::uint64_t aAddress, std::size_t aLength, std::uint32_t aFault) const {
@@ -254,6 +269,10 @@ KrString CameraMemory::GetUserDefinedName() const {
 
 IPConfiguration CameraMemory::GetIPConfiguration() const {
   return {mMemory.GetInteger(kIPAddress), mMemory.GetInteger(kSubnetMask), mMemory.GetInteger(kDefaultGateway)};
+}
+
+std::uint32_t CameraMemory::GetIPConfigCurrent() const {
+  return mMemory.GetInteger(kIPConfigCurrent);
 }
 
 void CameraMemory::BeginStream(std::uint64_t aNowNs) {

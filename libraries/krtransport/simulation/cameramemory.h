@@ -24,7 +24,7 @@ struct IPConfiguration {
 /// Thread: one at a time. Times are the camera's clock's.
 class CameraMemory {
 public:
-  explicit CameraMemory(const LabCamera& aCamera);
+  explicit CameraMemory(const LabGEVCamera& aCamera);
 
   /// An application's access; a value that the camera does not accept is refused and changes nothing.
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint64_t aNowNs);
@@ -33,6 +33,8 @@ public:
   std::uint64_t GetPayloadSize() const;
   KrString GetUserDefinedName() const;
   IPConfiguration GetIPConfiguration() const;
+  /// The ways of addressing that are switched on: bit 0 persistent, bit 1 DHCP, bit 2 link-local.
+  std::uint32_t GetIPConfigCurrent() const;
 
   /// A stream runs: frames are taken, and what their size depends on is locked.
   void BeginStream(std::uint64_t aNowNs);
@@ -57,6 +59,7 @@ private:
   void SetStart(const LabCamera& aCamera);
 
   KrResult CheckValue(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const;
+  KrResult CheckLasting(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const;
   KrResult CheckFault(std::uint64_t aAddress, std::size_t aLength, std::uint32_t aFault) const;
   KrResult CheckAccess(const Feature& aFeature, std::uint64_t aAddress) const;
   KrResult CheckInteger(const Feature& aFeature, std::uint64_t aAddress, std::uint32_t aValue) const;

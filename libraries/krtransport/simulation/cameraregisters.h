@@ -24,6 +24,9 @@ inline constexpr std::uint64_t kUserDefinedName = 0x00E8;
 inline constexpr std::uint64_t kFirstURL = 0x0200;
 inline constexpr std::uint64_t kSecondURL = 0x0400;
 inline constexpr std::uint64_t kInterfaceCount = 0x0600;
+inline constexpr std::uint64_t kPersistentAddress = 0x064C;
+inline constexpr std::uint64_t kPersistentMask = 0x065C;
+inline constexpr std::uint64_t kPersistentGateway = 0x066C;
 inline constexpr std::uint64_t kLinkSpeed = 0x0670;
 inline constexpr std::uint64_t kMessageChannelCount = 0x0900;
 inline constexpr std::uint64_t kStreamChannelCount = 0x0904;
@@ -31,6 +34,9 @@ inline constexpr std::uint64_t kGVCPCapability = 0x0934;
 inline constexpr std::uint64_t kHeartbeatTimeout = 0x0938;
 inline constexpr std::uint64_t kControlPrivilege = 0x0A00;
 inline constexpr std::uint64_t kPacketSize = 0x0D04;
+
+/// In kIPConfigCurrent: an address of 169.254/16, which is always on.
+inline constexpr std::uint32_t kLinkLocal = 0x4;
 
 // The camera's features.
 inline constexpr std::uint64_t kWidthMax = 0x00010000;

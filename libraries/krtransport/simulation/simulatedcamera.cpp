@@ -1,7 +1,5 @@
 #include "simulation/simulatedcamera.h"
 
-#include "krsystem/ipv4address.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -9,55 +7,58 @@ namespace krtransport {
 
 namespace {
 
-constexpr std::uint32_t kGEVVersion = 0x00020000;
 constexpr std::uint32_t kExclusivePrivilege = 1;
 constexpr std::uint32_t kControlPrivilege = 2;
 
-} // namespace
-
-SimulatedCamera::SimulatedCamera(LabCamera aCamera, const LabAdapter& aAdapter, std::shared_ptr<ICameraClock> aClock)
-    : mDescription(std::move(aCamera)), mAdapterText(aAdapter.ipAddress + " / " + aAdapter.subnetMask),
-      mAdapterAddress(krsystem::ParseIPv4(aAdapter.ipAddress).value_or(0)),
-      mAdapterMask(krsystem::ParseIPv4(aAdapter.subnetMask).value_or(0)), mClock(std::move(aClock)),
-      mMemory(mDescription) {}
-
-bool SimulatedCamera::IsConfigurationValid() const {
-  const std::uint32_t address = mMemory.GetIPConfiguration().address;
-  return (address & mAdapterMask) == (mAdapterAddress & mAdapterMask) && address != mAdapterAddress &&
-         (address & ~mAdapterMask) != 0 && (address | mAdapterMask) != 0xFFFFFFFF;
+void OrderFaults(const LabFaults& aOrders, OrderedFaults& aFaults) {
+  aFaults.RefuseOpening(aOrders.refusesOpening);
+  if (aOrders.isSilent)
+    aFaults.SilenceRegisters();
+  for (const LabSilentRegister& silent : aOrders.silentRegisters)
+    aFaults.SilenceRegister(silent.address, silent.times);
+  aFaults.SlowRegisters(aOrders.registerDelayMs);
+  aFaults.AddDrop(aOrders.droppedFrames);
+  if (const auto& lost = aOrders.lostPackets)
+    aFaults.AddPacketFault(lost->frames, {.firstPacket = lost->firstPacket, .packets = lost->packets});
 }
 
-krsystem::GEVFields SimulatedCamera::GetFields() const {
-  const std::lock_guard lock(mMutex);
-  const IPConfiguration ip = mMemory.GetIPConfiguration();
-  krsystem::GEVFields fields;
-  fields.uniqueID = mDescription.macAddress;
-  fields.ipAddress = krsystem::FormatIPv4(ip.address);
-  fields.subnetMask = krsystem::FormatIPv4(ip.mask);
-  fields.defaultGateway = krsystem::FormatIPv4(ip.gateway);
-  fields.displayID = mDescription.modelName + " (" + fields.ipAddress + ")";
-  fields.vendorName = mDescription.vendorName;
-  fields.modelName = mDescription.modelName;
-  fields.version = mDescription.version;
-  fields.manufacturerInfo = mDescription.manufacturerInfo;
-  fields.serialNumber = mDescription.serialNumber;
-  fields.userDefinedName = mMemory.GetUserDefinedName();
-  fields.configurationValid = IsConfigurationValid();
-  fields.macAddress = mDescription.macAddress;
-  fields.gevVersion = kGEVVersion;
-  fields.ipConfigOptions = mDescription.ipConfigOptions;
-  fields.ipConfigCurrent = mDescription.ipConfigCurrent;
-  return fields;
+// Its registers are those of a GigE Vision camera without an address.
+LabGEVCamera MakeRegisters(const LabU3VCamera& aCamera) {
+  LabGEVCamera registers;
+  static_cast<LabCamera&>(registers) = aCamera;
+  return registers;
+}
+
+} // namespace
+
+SimulatedCamera::SimulatedCamera(const LabU3VCamera& aCamera, std::shared_ptr<ICameraClock> aClock)
+    : SimulatedCamera(MakeRegisters(aCamera), std::move(aClock)) {}
+
+SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, std::shared_ptr<ICameraClock> aClock)
+    : mName(aCamera.modelName + " " + aCamera.serialNumber), mForeignControl(aCamera.foreignControl),
+      mClock(std::move(aClock)), mMemory(aCamera) {
+  OrderFaults(aCamera.faults, mFaults);
+  SetControlPrivilege(mForeignControl);
 }
 
 bool SimulatedCamera::IsPresent() const {
   const std::lock_guard lock(mMutex);
-  return mPresent;
+  return IsThere();
 }
 
-bool SimulatedCamera::HasAddress(std::uint32_t aAddress) const {
+IPConfiguration SimulatedCamera::GetIPConfiguration() const {
   const std::lock_guard lock(mMutex);
-  return mMemory.GetIPConfiguration().address == aAddress;
+  return mMemory.GetIPConfiguration();
+}
+
+std::uint32_t SimulatedCamera::GetIPConfigCurrent() const {
+  const std::lock_guard lock(mMutex);
+  return mMemory.GetIPConfigCurrent();
+}
+
+KrString SimulatedCamera::GetUserDefinedName() const {
+  const std::lock_guard lock(mMutex);
+  return mMemory.GetUserDefinedName();
 }
 
 krsystem::AccessType SimulatedCamera::GetAccessType() const {
@@ -72,11 +73,18 @@ krsystem::AccessType SimulatedCamera::GetControl() const {
     if (attached.access == krsystem::DeviceAccess::Control)
       return krsystem::AccessType::Control;
   }
-  return krsystem::AccessType::Open;
+  return mForeignControl;
+}
+
+void SimulatedCamera::SetControlPrivilege(krsystem::AccessType aControl) {
+  if (aControl == krsystem::AccessType::Exclusive)
+    mMemory.SetControlPrivilege(kExclusivePrivilege);
+  else
+    mMemory.SetControlPrivilege(aControl == krsystem::AccessType::Control ? kControlPrivilege : 0);
 }
 
 KrResult SimulatedCamera::Refuse(KrResult::Code aCode, const KrString& aReason) const {
-  return {aCode, mDescription.modelName + " " + mDescription.serialNumber + ": " + aReason};
+  return {aCode, mName + ": " + aReason};
 }
 
 KrResult SimulatedCamera::ConfigureIP(const IPConfiguration& aConfiguration) {
@@ -91,12 +99,8 @@ KrResult SimulatedCamera::ConfigureIP(const IPConfiguration& aConfiguration) {
 KrResult SimulatedCamera::Attach(krsystem::DeviceAccess aAccess, ICameraListener& aListener) {
   const std::lock_guard eventLock(mEventMutex);
   const std::lock_guard lock(mMutex);
-  if (!mPresent)
+  if (!IsThere())
     return Refuse(KrResult::Code::NotFound, "it does not answer; check its cable and its power.");
-  if (!IsConfigurationValid())
-    return Refuse(KrResult::Code::NotFound,
-                  "it cannot be reached at " + krsystem::FormatIPv4(mMemory.GetIPConfiguration().address) +
-                      " from the adapter's subnet " + mAdapterText + "; give it an address of that subnet.");
   if (mFaults.IsOpeningRefused())
     return Refuse(KrResult::Code::AccessDenied, "it was ordered to refuse being opened; end that order first.");
   const krsystem::AccessType control = GetControl();
@@ -106,19 +110,17 @@ KrResult SimulatedCamera::Attach(krsystem::DeviceAccess aAccess, ICameraListener
                                                 "monitor unless the control is exclusive.");
   mAttached.push_back({&aListener, aAccess});
   mListeners.push_back(&aListener);
-  if (aAccess != krsystem::DeviceAccess::Monitor)
-    mMemory.SetControlPrivilege(aAccess == krsystem::DeviceAccess::Exclusive ? kExclusivePrivilege : kControlPrivilege);
+  SetControlPrivilege(GetControl());
   return {};
 }
 
 void SimulatedCamera::Detach(ICameraListener& aListener) {
   const std::lock_guard eventLock(mEventMutex);
   const std::lock_guard lock(mMutex);
-  if (Controls(aListener)) {
+  if (Controls(aListener))
     mMemory.EndStream();
-    mMemory.SetControlPrivilege(0);
-  }
   std::erase_if(mAttached, [&](const Attached& aAttached) { return aAttached.listener == &aListener; });
+  SetControlPrivilege(GetControl());
   std::erase(mListeners, &aListener);
 }
 
@@ -199,31 +201,36 @@ std::optional<FrameSettings> SimulatedCamera::EndExposure(const ICameraListener&
 }
 
 void SimulatedCamera::Lose() {
-  const std::lock_guard eventLock(mEventMutex);
-  {
-    const std::lock_guard lock(mMutex);
-    if (!mPresent)
-      return;
-    mPresent = false;
-    mAttached.clear();
-    mMemory.EndStream();
-    mMemory.SetControlPrivilege(0);
-  }
-  const KrResult reason = Refuse(KrResult::Code::ConnectionLost, "it does not answer any more.");
-  for (ICameraListener* listener : mListeners)
-    listener->OnCameraLost(reason);
+  SetAbsence(mIsPulled, true);
 }
 
 void SimulatedCamera::Restore() {
+  SetAbsence(mIsPulled, false);
+}
+
+void SimulatedCamera::SetAway(bool aIsAway) {
+  SetAbsence(mIsAway, aIsAway);
+}
+
+void SimulatedCamera::SetAbsence(bool& aReason, bool aIsAbsent) {
   const std::lock_guard eventLock(mEventMutex);
+  bool isThere = false;
   {
     const std::lock_guard lock(mMutex);
-    if (mPresent)
+    const bool wasThere = IsThere();
+    aReason = aIsAbsent;
+    isThere = IsThere();
+    if (isThere == wasThere)
       return;
-    mPresent = true;
+    if (!isThere) {
+      mAttached.clear();
+      mMemory.EndStream();
+      SetControlPrivilege(mForeignControl);
+    }
   }
+  const KrResult reason = Refuse(KrResult::Code::ConnectionLost, "it does not answer any more.");
   for (ICameraListener* listener : mListeners)
-    listener->OnCameraBack();
+    isThere ? listener->OnCameraBack() : listener->OnCameraLost(reason);
 }
 
 } // namespace krtransport

@@ -1,6 +1,6 @@
 #pragma once
-// One camera of the lab: its registers, who controls it, and whether it is there at all.
-// Frames are made by the buffer source of the link that controls it.
+// One camera of the lab, of whatever kind: its registers, who controls it, and whether it is there at all. What
+// discovery sees of it is left to its device, frames to the buffer source of the link that controls it.
 
 #include "krsystem/itransport.h"
 #include "simulation/cameraclock.h"
@@ -26,19 +26,21 @@ public:
 /// Thread: any. Ownership: shared by the transport and the links to it.
 class SimulatedCamera {
 public:
-  SimulatedCamera(LabCamera aCamera, const LabAdapter& aAdapter, std::shared_ptr<ICameraClock> aClock);
+  SimulatedCamera(const LabGEVCamera& aCamera, std::shared_ptr<ICameraClock> aClock);
+  SimulatedCamera(const LabU3VCamera& aCamera, std::shared_ptr<ICameraClock> aClock);
 
-  /// As discovery sees the camera at this moment.
-  krsystem::GEVFields GetFields() const;
   /// Whether the camera answers.
   bool IsPresent() const;
-  bool HasAddress(std::uint32_t aAddress) const;
+  IPConfiguration GetIPConfiguration() const;
+  /// The ways of addressing that are switched on.
+  std::uint32_t GetIPConfigCurrent() const;
+  KrString GetUserDefinedName() const;
   krsystem::AccessType GetAccessType() const;
   /// Busy while an application controls the camera.
   KrResult ConfigureIP(const IPConfiguration& aConfiguration);
 
   /// Opens the camera for a listener, which hears of it from then on. AccessDenied while another link controls it
-  /// or openings are ordered to be refused, NotFound for a camera that is not there or not in the adapter's subnet.
+  /// or somebody else does, or openings are ordered to be refused, NotFound for a camera that is not there.
   KrResult Attach(krsystem::DeviceAccess aAccess, ICameraListener& aListener);
   /// Gives back what Attach gave; no call of the listener is running or comes afterwards.
   void Detach(ICameraListener& aListener);
@@ -64,6 +66,8 @@ public:
   /// Orders of a test: the camera vanishes, as when its cable is pulled, and comes back. Links to it stay lost.
   void Lose();
   void Restore();
+  /// The same as the lab's schedule has it; the camera answers when neither keeps it away.
+  void SetAway(bool aIsAway);
 
 private:
   struct Attached {
@@ -71,16 +75,16 @@ private:
     krsystem::DeviceAccess access;
   };
 
-  bool IsConfigurationValid() const;
+  void SetAbsence(bool& aReason, bool aIsAbsent);
+  bool IsThere() const { return !mIsPulled && !mIsAway; }
   const Attached* FindAttached(const ICameraListener& aListener) const;
   bool Controls(const ICameraListener& aListener) const;
   krsystem::AccessType GetControl() const;
+  void SetControlPrivilege(krsystem::AccessType aControl);
   KrResult Refuse(KrResult::Code aCode, const KrString& aReason) const;
 
-  const LabCamera mDescription;
-  const KrString mAdapterText;
-  const std::uint32_t mAdapterAddress;
-  const std::uint32_t mAdapterMask;
+  const KrString mName;                       // For messages.
+  const krsystem::AccessType mForeignControl; // What somebody has who is no link.
   const std::shared_ptr<ICameraClock> mClock;
   OrderedFaults mFaults;
 
@@ -89,7 +93,8 @@ private:
   CameraMemory mMemory;
   std::vector<Attached> mAttached;          // Links to the camera since it was there last.
   std::vector<ICameraListener*> mListeners; // All links, lost ones too.
-  bool mPresent = true;
+  bool mIsPulled = false;
+  bool mIsAway = false;
 };
 
 } // namespace krtransport

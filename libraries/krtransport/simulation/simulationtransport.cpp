@@ -3,8 +3,9 @@
 #include "krbase/krlogger.h"
 #include "krsystem/ipv4address.h"
 #include "simulation/faultorders.h"
+#include "simulation/simulatedadapter.h"
 #include "simulation/simulatedcamera.h"
-#include "simulation/simulatedlink.h"
+#include "simulation/simulatedcontroller.h"
 
 #include <algorithm>
 #include <cctype>
@@ -24,32 +25,35 @@ std::string ToLower(const KrString& aText) {
   return text;
 }
 
-krsystem::NetworkAdapterFields MakeFields(const LabAdapter& aAdapter) {
-  krsystem::NetworkAdapterFields fields;
-  fields.uniqueID = aAdapter.name;
-  fields.displayID = aAdapter.name + " " + aAdapter.ipAddress;
-  fields.name = aAdapter.name;
-  fields.description = aAdapter.description;
-  fields.macAddress = aAdapter.macAddress;
-  fields.addresses = {{aAdapter.ipAddress, aAdapter.subnetMask}};
-  return fields;
+template <typename Fields>
+const KrString& GetUniqueID(const Fields& aFields) {
+  return std::visit([](const auto& aKind) -> const KrString& { return aKind.uniqueID; }, aFields);
 }
 
 KrResult MakeUnknown(const KrString& aWhat) {
-  return {KrResult::Code::NotFound, "The simulated lab has no camera " + aWhat + "."};
+  return {KrResult::Code::NotFound, "The simulated lab has no device " + aWhat + "."};
+}
+
+// Of several devices with one ID the one that was seen as it is now; else the first.
+std::shared_ptr<SimulatedDevice> Choose(const SimulatedInterface::Devices& aDevices,
+                                        const krsystem::AnyDeviceFields& aSeen) {
+  const auto same = std::ranges::find_if(
+      aDevices, [&](const std::shared_ptr<SimulatedDevice>& aDevice) { return aDevice->GetFields() == aSeen; });
+  return same != aDevices.end() ? *same : aDevices.front();
 }
 
 } // namespace
 
-SimulationTransport::SimulationTransport(const Lab& aLab, std::shared_ptr<ICameraClock> aClock) {
-  if (!aClock)
-    aClock = std::make_shared<SteadyCameraClock>();
-  for (const LabAdapter& adapter : aLab.adapters) {
-    Adapter entry{MakeFields(adapter), {}};
-    for (const LabCamera& camera : adapter.cameras)
-      entry.cameras.push_back(std::make_shared<SimulatedCamera>(camera, adapter, aClock));
-    mAdapters.push_back(std::move(entry));
-  }
+SimulationTransport::SimulationTransport(const Lab& aLab, std::shared_ptr<ICameraClock> aClock)
+    : mClock(aClock ? std::move(aClock) : std::make_shared<SteadyCameraClock>()), mStartNs(mClock->GetNowNs()),
+      mReceiveBufferLimitBytes(aLab.receiveBufferLimitBytes), mUsbMemoryMegabytes(aLab.usbMemoryMegabytes) {
+  for (const LabAdapter& adapter : aLab.adapters)
+    mInterfaces.push_back(std::make_unique<SimulatedAdapter>(adapter, mClock));
+  for (const LabController& controller : aLab.controllers)
+    mInterfaces.push_back(std::make_unique<SimulatedController>(controller, mClock));
+  Update();
+  if (HasSchedules())
+    mScheduleThread = std::make_unique<ScheduleThread>(mClock, [this] { return UpdateAndFindNext(); });
 }
 
 SimulationTransport::~SimulationTransport() = default;
@@ -58,63 +62,99 @@ KrString SimulationTransport::GetName() const {
   return "Simulation";
 }
 
+std::uint64_t SimulationTransport::Update() const {
+  const std::lock_guard lock(mUpdateMutex);
+  const std::uint64_t nowNs = mClock->GetNowNs() - mStartNs;
+  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces)
+    interface->Update(nowNs);
+  return nowNs;
+}
+
+std::uint64_t SimulationTransport::UpdateAndFindNext() const {
+  const std::uint64_t nowNs = Update();
+  std::uint64_t next = LabSchedule::kNever;
+  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces)
+    next = std::min(next, interface->GetNextChangeNs(nowNs));
+  return next == LabSchedule::kNever ? next : mStartNs + next;
+}
+
+bool SimulationTransport::HasSchedules() const {
+  return std::ranges::any_of(mInterfaces, [](const std::unique_ptr<SimulatedInterface>& aInterface) {
+    return aInterface->GetNextChangeNs(0) != LabSchedule::kNever;
+  });
+}
+
 KrResult SimulationTransport::ListInterfaces(std::vector<krsystem::InterfaceFields>& aInterfaces) {
   aInterfaces.clear();
-  for (const Adapter& adapter : mAdapters)
-    aInterfaces.emplace_back(adapter.fields);
+  const std::uint64_t nowNs = Update();
+  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces) {
+    if (interface->IsThere(nowNs))
+      aInterfaces.push_back(interface->GetFields(nowNs));
+  }
   return {};
 }
 
 KrResult SimulationTransport::Discover(const std::vector<krsystem::InterfaceFields>& aInterfaces,
                                        const krsystem::DiscoveryRequest& aRequest,
                                        const krsystem::DeviceReport& aReport) {
+  Update();
   for (std::size_t i = 0; i < aInterfaces.size(); ++i) {
-    const auto adapter = std::ranges::find_if(mAdapters, [&](const Adapter& aAdapter) {
-      return krsystem::InterfaceFields(aAdapter.fields) == aInterfaces[i];
-    });
-    if (adapter != mAdapters.end())
-      Answer(*adapter, i, aRequest, aReport);
-    else
+    const SimulatedInterface* const interface = FindInterface(aInterfaces[i]);
+    if (!interface) {
       KrLogger("KrTransport")
           .Log(KrLogLevel::Warning, {"SimulationTransport::Discover", "simulationtransport"},
                "Looking for simulated devices: interface number " + std::to_string(i) + " is none of the lab's.");
+      continue;
+    }
+    for (const std::shared_ptr<SimulatedDevice>& device : interface->GetDevices()) {
+      if (aRequest.cancel.stop_requested())
+        return {KrResult::Code::Aborted, "Looking for simulated devices was cancelled."};
+      if (device->IsPresent() && interface->IsHeard(*device, aRequest.subnetBroadcast))
+        aReport(i, device->GetFields());
+    }
   }
   if (aRequest.cancel.stop_requested())
     return {KrResult::Code::Aborted, "Looking for simulated devices was cancelled."};
   return {};
 }
 
-void SimulationTransport::Answer(const Adapter& aAdapter, std::size_t aInterfaceIndex,
-                                 const krsystem::DiscoveryRequest& aRequest,
-                                 const krsystem::DeviceReport& aReport) const {
-  for (const std::shared_ptr<SimulatedCamera>& camera : aAdapter.cameras) {
-    if (aRequest.cancel.stop_requested())
-      return;
-    const krsystem::GEVFields fields = camera->GetFields();
-    if (camera->IsPresent() && (fields.configurationValid || !aRequest.subnetBroadcast))
-      aReport(aInterfaceIndex, fields);
-  }
+SimulatedInterface* SimulationTransport::FindInterface(const krsystem::InterfaceFields& aFields) const {
+  // Its addresses may have changed since it was listed; its ID does not.
+  const auto found = std::ranges::find_if(mInterfaces, [&](const std::unique_ptr<SimulatedInterface>& aInterface) {
+    return aInterface->GetUniqueID() == GetUniqueID(aFields);
+  });
+  return found == mInterfaces.end() ? nullptr : found->get();
 }
 
-std::shared_ptr<SimulatedCamera> SimulationTransport::FindByID(const KrString& aUniqueID) const {
-  for (const Adapter& adapter : mAdapters) {
-    for (const std::shared_ptr<SimulatedCamera>& camera : adapter.cameras) {
-      if (ToLower(camera->GetFields().uniqueID) == ToLower(aUniqueID))
-        return camera;
-    }
+SimulationTransport::Devices SimulationTransport::FindByID(const KrString& aUniqueID) const {
+  const std::string id = ToLower(aUniqueID);
+  Devices found;
+  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces) {
+    std::ranges::copy_if(
+        interface->GetDevices(), std::back_inserter(found),
+        [&](const std::shared_ptr<SimulatedDevice>& aDevice) { return ToLower(aDevice->GetUniqueID()) == id; });
+  }
+  return found;
+}
+
+std::shared_ptr<SimulatedCamera> SimulationTransport::FindCamera(const KrString& aUniqueID) const {
+  for (const std::shared_ptr<SimulatedDevice>& device : FindByID(aUniqueID)) {
+    if (std::shared_ptr<SimulatedCamera> camera = device->GetCamera())
+      return camera;
   }
   return nullptr;
 }
 
-std::shared_ptr<SimulatedCamera> SimulationTransport::FindReachable(std::uint32_t aAddress,
-                                                                    const Adapter** aAdapter) const {
-  for (const Adapter& adapter : mAdapters) {
-    for (const std::shared_ptr<SimulatedCamera>& camera : adapter.cameras) {
-      if (!camera->IsPresent() || !camera->HasAddress(aAddress) || !camera->GetFields().configurationValid)
+std::shared_ptr<SimulatedDevice> SimulationTransport::FindReachable(std::uint32_t aAddress,
+                                                                    const SimulatedInterface** aInterface) const {
+  Update();
+  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces) {
+    for (const std::shared_ptr<SimulatedDevice>& device : interface->GetDevices()) {
+      if (device->GetAddress() != aAddress || !device->IsPresent() || !device->IsReachable())
         continue;
-      if (aAdapter)
-        *aAdapter = &adapter;
-      return camera;
+      if (aInterface)
+        *aInterface = interface.get();
+      return device;
     }
   }
   return nullptr;
@@ -122,12 +162,12 @@ std::shared_ptr<SimulatedCamera> SimulationTransport::FindReachable(std::uint32_
 
 KrResult SimulationTransport::FindAddress(std::uint32_t aAddress, std::uint32_t, krsystem::InterfaceFields& aInterface,
                                           krsystem::AnyDeviceFields& aDevice) {
-  const Adapter* adapter = nullptr;
-  const std::shared_ptr<SimulatedCamera> camera = FindReachable(aAddress, &adapter);
-  if (!camera)
+  const SimulatedInterface* interface = nullptr;
+  const std::shared_ptr<SimulatedDevice> device = FindReachable(aAddress, &interface);
+  if (!device)
     return MakeUnknown("that answers at " + krsystem::FormatIPv4(aAddress));
-  aInterface = adapter->fields;
-  aDevice = camera->GetFields();
+  aInterface = interface->GetFields(mClock->GetNowNs() - mStartNs);
+  aDevice = device->GetFields();
   return {};
 }
 
@@ -139,41 +179,79 @@ KrResult SimulationTransport::ConfigureIP(const KrString& aMAC, const KrString& 
   if (!address || !mask || !gateway)
     return {KrResult::Code::InvalidInput,
             "Setting the IP configuration of " + aMAC + ": address, mask and gateway are written as in 192.168.1.20."};
-  const std::shared_ptr<SimulatedCamera> camera = FindByID(aMAC);
-  if (!camera || !camera->IsPresent())
-    return MakeUnknown("that answers with the MAC address " + aMAC);
-  return camera->ConfigureIP({*address, *mask, *gateway});
+  Update();
+  KrResult result = MakeUnknown("that answers with the MAC address " + aMAC);
+  bool isFirst = true;
+  for (const std::shared_ptr<SimulatedDevice>& device : FindByID(aMAC)) {
+    if (!device->IsPresent() || !device->GetAddress())
+      continue;
+    const KrResult configured = device->ConfigureIP({*address, *mask, *gateway});
+    if (std::exchange(isFirst, false) || !configured.IsOK())
+      result = configured;
+  }
+  return result;
 }
 
 KrResult SimulationTransport::GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) {
   const auto* fields = std::get_if<krsystem::GEVFields>(&aDevice);
   if (!fields)
-    return {KrResult::Code::NotSupported, "The simulated lab has GigE Vision cameras only."};
+    return {KrResult::Code::NotSupported, "Who controls a simulated device can be asked of GigE Vision cameras only."};
   const std::optional<std::uint32_t> address = krsystem::ParseIPv4(fields->ipAddress);
-  const std::shared_ptr<SimulatedCamera> camera = address ? FindReachable(*address, nullptr) : nullptr;
-  if (!camera)
-    return MakeUnknown("that answers at " + fields->ipAddress);
-  aType = camera->GetAccessType();
-  return {};
+  const std::shared_ptr<SimulatedDevice> device = address ? FindReachable(*address, nullptr) : nullptr;
+  return device ? device->GetAccessType(aType) : MakeUnknown("that answers at " + fields->ipAddress);
 }
 
 KrResult SimulationTransport::Open(const krsystem::InterfaceFields&, const krsystem::AnyDeviceFields& aDevice,
                                    krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) {
-  const auto* fields = std::get_if<krsystem::GEVFields>(&aDevice);
-  if (!fields)
-    return {KrResult::Code::NotSupported, "The simulated lab has GigE Vision cameras only."};
-  const std::shared_ptr<SimulatedCamera> camera = FindByID(fields->uniqueID);
-  if (!camera)
-    return MakeUnknown(fields->displayID);
+  Update();
+  const KrString displayID =
+      std::visit([](const krsystem::DeviceFields& aFields) { return aFields.displayID; }, aDevice);
+  const Devices devices = FindByID(GetUniqueID(aDevice));
+  if (devices.empty())
+    return MakeUnknown(displayID);
   try {
-    return SimulatedLink::Open(camera, aAccess, aLink);
+    return Choose(devices, aDevice)->Open(aAccess, aLink);
   } catch (const std::exception& error) {
-    return {KrResult::Code::SystemError, "Opening " + fields->displayID + " failed: " + KrString(error.what())};
+    return {KrResult::Code::SystemError, "Opening " + displayID + " failed: " + KrString(error.what())};
   }
 }
 
+KrResult SimulationTransport::ReadHost(krsystem::HostReadings& aReadings) {
+  const std::uint64_t nowNs = Update();
+  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces) {
+    if (interface->IsThere(nowNs))
+      interface->ReadHost(nowNs, aReadings);
+  }
+  if (mReceiveBufferLimitBytes)
+    aReadings.receiveBufferLimitBytes = mReceiveBufferLimitBytes;
+  if (mUsbMemoryMegabytes)
+    aReadings.usbMemoryMegabytes = mUsbMemoryMegabytes;
+  return {};
+}
+
+KrResult SimulationTransport::FindUsedAddresses(const krsystem::InterfaceFields& aInterface,
+                                                const std::vector<std::uint32_t>& aAddresses, std::uint32_t,
+                                                const std::stop_token& aCancel, std::vector<std::uint32_t>& aUsed) {
+  aUsed.clear();
+  const std::uint64_t nowNs = Update();
+  const SimulatedInterface* const interface = FindInterface(aInterface);
+  if (!interface || !interface->IsUsable(nowNs))
+    return {KrResult::Code::NotSupported, "Asking who uses an address: nobody can be asked on that interface."};
+  for (const std::uint32_t address : aAddresses) {
+    if (aCancel.stop_requested())
+      return {KrResult::Code::Aborted, "Asking who uses an address was cancelled."};
+    bool isUsed = false;
+    const KrResult asked = interface->IsAddressUsed(address, isUsed);
+    if (!asked.IsOK())
+      return asked;
+    if (isUsed)
+      aUsed.push_back(address);
+  }
+  return {};
+}
+
 KrResult SimulationTransport::Lose(const KrString& aUniqueID) {
-  const std::shared_ptr<SimulatedCamera> camera = FindByID(aUniqueID);
+  const std::shared_ptr<SimulatedCamera> camera = FindCamera(aUniqueID);
   if (!camera)
     return MakeUnknown(aUniqueID);
   camera->Lose();
@@ -181,7 +259,7 @@ KrResult SimulationTransport::Lose(const KrString& aUniqueID) {
 }
 
 KrResult SimulationTransport::Restore(const KrString& aUniqueID) {
-  const std::shared_ptr<SimulatedCamera> camera = FindByID(aUniqueID);
+  const std::shared_ptr<SimulatedCamera> camera = FindCamera(aUniqueID);
   if (!camera)
     return MakeUnknown(aUniqueID);
   camera->Restore();
@@ -189,7 +267,7 @@ KrResult SimulationTransport::Restore(const KrString& aUniqueID) {
 }
 
 std::shared_ptr<KrSimulatedFaults> SimulationTransport::GetFaults(const KrString& aUniqueID) const {
-  const std::shared_ptr<SimulatedCamera> camera = FindByID(aUniqueID);
+  const std::shared_ptr<SimulatedCamera> camera = FindCamera(aUniqueID);
   return camera ? std::make_shared<FaultOrders>(camera) : nullptr;
 }
 

@@ -5,54 +5,71 @@
 #include "krsystem/itransport.h"
 #include "simulation/cameraclock.h"
 #include "simulation/lab.h"
+#include "simulation/schedulethread.h"
+#include "simulation/simulatedinterface.h"
 
 #include <memory>
+#include <mutex>
 #include <vector>
 
 class KrSimulatedFaults;
 
 namespace krtransport {
 
-class SimulatedCamera;
-
-/// Threads and ownership as ITransport. Cameras answer at once.
+/// Threads and ownership as ITransport. Devices answer at once.
 class SimulationTransport final : public krsystem::ITransport {
 public:
-  /// The cameras go by the clock; null for the host's.
+  /// The lab goes by the clock; null for the host's. Its schedules begin now.
   explicit SimulationTransport(const Lab& aLab, std::shared_ptr<ICameraClock> aClock = nullptr);
   ~SimulationTransport() override;
 
   KrString GetName() const override;
   KrResult ListInterfaces(std::vector<krsystem::InterfaceFields>& aInterfaces) override;
-  /// A camera whose address is not in the adapter's subnet hears only a broadcast to 255.255.255.255.
+  /// A device whose address is not in the adapter's subnets hears only a broadcast to 255.255.255.255. An interface
+  /// that has gone since it was listed has no devices.
   KrResult Discover(const std::vector<krsystem::InterfaceFields>& aInterfaces,
                     const krsystem::DiscoveryRequest& aRequest, const krsystem::DeviceReport& aReport) override;
   KrResult FindAddress(std::uint32_t aAddress, std::uint32_t aTimeoutMs, krsystem::InterfaceFields& aInterface,
                        krsystem::AnyDeviceFields& aDevice) override;
+  /// Devices that share the MAC address all take it, as from a broadcast; one that is busy is told of.
   KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
                        const KrString& aGateway) override;
   KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
   KrResult Open(const krsystem::InterfaceFields& aInterface, const krsystem::AnyDeviceFields& aDevice,
                 krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
+  /// Limits of the host are added where the lab states some.
+  KrResult ReadHost(krsystem::HostReadings& aReadings) override;
+  /// Answers at once.
+  KrResult FindUsedAddresses(const krsystem::InterfaceFields& aInterface, const std::vector<std::uint32_t>& aAddresses,
+                             std::uint32_t aTimeoutMs, const std::stop_token& aCancel,
+                             std::vector<std::uint32_t>& aUsed) override;
 
-  /// Makes a camera vanish, as when its cable is pulled, and come back. NotFound for an ID that the lab does not have.
+  /// Makes a camera vanish, as when its cable is pulled, and come back. NotFound for an ID that no camera of the lab
+  /// has.
   KrResult Lose(const KrString& aUniqueID);
   KrResult Restore(const KrString& aUniqueID);
-  /// The orders to a camera, or null for an ID that the lab does not have.
+  /// The orders to a camera, or null for an ID that no camera of the lab has.
   std::shared_ptr<KrSimulatedFaults> GetFaults(const KrString& aUniqueID) const;
 
 private:
-  struct Adapter {
-    krsystem::NetworkAdapterFields fields;
-    std::vector<std::shared_ptr<SimulatedCamera>> cameras;
-  };
+  using Devices = SimulatedInterface::Devices;
 
-  void Answer(const Adapter& aAdapter, std::size_t aInterfaceIndex, const krsystem::DiscoveryRequest& aRequest,
-              const krsystem::DeviceReport& aReport) const;
-  std::shared_ptr<SimulatedCamera> FindByID(const KrString& aUniqueID) const;
-  std::shared_ptr<SimulatedCamera> FindReachable(std::uint32_t aAddress, const Adapter** aAdapter) const;
+  /// Lets everything come and go that is due; gives the time since the lab was made.
+  std::uint64_t Update() const;
+  std::uint64_t UpdateAndFindNext() const;
+  bool HasSchedules() const;
+  SimulatedInterface* FindInterface(const krsystem::InterfaceFields& aFields) const;
+  Devices FindByID(const KrString& aUniqueID) const;
+  std::shared_ptr<SimulatedCamera> FindCamera(const KrString& aUniqueID) const;
+  std::shared_ptr<SimulatedDevice> FindReachable(std::uint32_t aAddress, const SimulatedInterface** aInterface) const;
 
-  std::vector<Adapter> mAdapters; // Never changes, so that no lock is needed.
+  const std::shared_ptr<ICameraClock> mClock;
+  const std::uint64_t mStartNs;
+  std::vector<std::unique_ptr<SimulatedInterface>> mInterfaces; // Never changes, so that no lock is needed.
+  std::optional<std::uint64_t> mReceiveBufferLimitBytes;
+  std::optional<std::uint64_t> mUsbMemoryMegabytes;
+  mutable std::mutex mUpdateMutex;                 // Keeps updates in the order of their times.
+  std::unique_ptr<ScheduleThread> mScheduleThread; // Null in a lab without schedules. Ends before all else.
 };
 
 } // namespace krtransport

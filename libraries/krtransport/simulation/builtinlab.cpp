@@ -138,9 +138,9 @@ constexpr std::array kRangeFormats = {
 };
 
 // What all cameras of the built-in lab have in common.
-LabCamera MakeCamera(const KrString& aModelName, const KrString& aUserDefinedName, const KrString& aSerialNumber,
-                     const KrString& aMAC, const KrString& aIPAddress) {
-  LabCamera camera;
+LabGEVCamera MakeCamera(const KrString& aModelName, const KrString& aUserDefinedName, const KrString& aSerialNumber,
+                        const KrString& aMAC, const KrString& aIPAddress) {
+  LabGEVCamera camera;
   camera.vendorName = "KrGUI";
   camera.modelName = aModelName;
   camera.version = "1.0";
@@ -153,8 +153,9 @@ LabCamera MakeCamera(const KrString& aModelName, const KrString& aUserDefinedNam
   return camera;
 }
 
-LabCamera MakeMonoCamera() {
-  LabCamera camera = MakeCamera("Simulated Mono Camera", "sim-mono", "SIM-0001", "02:4b:52:00:77:10", "192.168.77.10");
+LabGEVCamera MakeMonoCamera() {
+  LabGEVCamera camera =
+      MakeCamera("Simulated Mono Camera", "sim-mono", "SIM-0001", "02:4b:52:00:77:10", "192.168.77.10");
   camera.sensorWidth = 1280;
   camera.sensorHeight = 960;
   camera.framesPerSecond = 30.0;
@@ -162,8 +163,8 @@ LabCamera MakeMonoCamera() {
   return camera;
 }
 
-LabCamera MakeColourCamera() {
-  LabCamera camera =
+LabGEVCamera MakeColourCamera() {
+  LabGEVCamera camera =
       MakeCamera("Simulated Colour Camera", "sim-colour", "SIM-0002", "02:4b:52:00:77:11", "192.168.77.11");
   camera.sensorWidth = 1920;
   camera.sensorHeight = 1200;
@@ -172,27 +173,88 @@ LabCamera MakeColourCamera() {
   return camera;
 }
 
-LabCamera MakeMisconfiguredCamera() {
+LabGEVCamera MakeMisconfiguredCamera() {
   return MakeCamera("Simulated Mono Camera", "sim-foreign", "SIM-0003", "02:4b:52:00:77:12", "10.20.30.40");
 }
 
-LabCamera MakeRangeCamera() {
-  LabCamera camera = MakeCamera("Simulated 3D Camera", "sim-3d", "SIM-0004", "02:4b:52:00:77:13", "192.168.77.12");
+LabGEVCamera MakeRangeCamera() {
+  LabGEVCamera camera = MakeCamera("Simulated 3D Camera", "sim-3d", "SIM-0004", "02:4b:52:00:77:13", "192.168.77.12");
   camera.pixelFormats.assign(kRangeFormats.begin(), kRangeFormats.end());
   return camera;
+}
+
+LabGEVCamera MakeBusyCamera() {
+  LabGEVCamera camera =
+      MakeCamera("Simulated Mono Camera", "sim-busy", "SIM-0005", "02:4b:52:00:78:10", "192.168.78.10");
+  camera.foreignControl = krsystem::AccessType::Control;
+  return camera;
+}
+
+LabGEVCamera MakeCameraWithoutAddress() {
+  LabGEVCamera camera = MakeCamera("Simulated Mono Camera", "sim-zero", "SIM-0006", "02:4b:52:00:78:11", "0.0.0.0");
+  camera.subnetMask = "0.0.0.0";
+  return camera;
+}
+
+LabTolvanDevice MakeTolvanDevice() {
+  LabTolvanDevice device;
+  device.modelName = "Simulated Tolvan Device";
+  device.macAddress = "02:4b:52:00:78:20";
+  device.ipAddress = "192.168.78.20";
+  device.subnetMask = "255.255.255.0";
+  return device;
+}
+
+LabU3VCamera MakeUSBCamera(const KrString& aUserDefinedName, const KrString& aNumber, std::int32_t aSpeed) {
+  LabU3VCamera camera;
+  camera.vendorName = "KrGUI";
+  camera.modelName = "Simulated USB3 Camera";
+  camera.version = "1.0";
+  camera.serialNumber = "SIM-" + aNumber;
+  camera.userDefinedName = aUserDefinedName;
+  camera.deviceGUID = "4B520000" + aNumber;
+  camera.speed = aSpeed;
+  return camera;
+}
+
+LabController MakeController() {
+  LabController controller;
+  controller.name = "simusb0";
+  controller.description = "Simulated USB 3 host controller";
+  controller.vendorID = 0x4B52;
+  controller.deviceID = 3;
+  LabU3VCamera locked = MakeUSBCamera("sim-usb-locked", "0103", 4);
+  locked.isDriverInstalled = false;
+  LabPlainUSBDevice plain;
+  plain.modelName = "Simulated USB device";
+  plain.id = "simusb0/4";
+  plain.status = 4;
+  controller.devices = {MakeUSBCamera("sim-usb", "0101", 4), MakeUSBCamera("sim-usb-high", "0102", 3), locked, plain};
+  return controller;
+}
+
+LabAdapter MakeAdapter(const KrString& aName, const KrString& aMAC) {
+  LabAdapter adapter;
+  adapter.name = aName;
+  adapter.description = "Simulated network adapter";
+  adapter.macAddress = aMAC;
+  return adapter;
 }
 
 } // namespace
 
 Lab GetBuiltInLab() {
-  LabAdapter adapter;
-  adapter.name = "sim0";
-  adapter.description = "Simulated network adapter";
-  adapter.macAddress = "02:4b:52:00:77:01";
-  adapter.ipAddress = "192.168.77.1";
-  adapter.subnetMask = "255.255.255.0";
-  adapter.cameras = {MakeMonoCamera(), MakeColourCamera(), MakeMisconfiguredCamera(), MakeRangeCamera()};
-  return {{adapter}};
+  LabAdapter first = MakeAdapter("sim0", "02:4b:52:00:77:01");
+  first.addresses = {{"192.168.77.1", "255.255.255.0"}};
+  first.devices = {MakeMonoCamera(), MakeColourCamera(), MakeMisconfiguredCamera(), MakeRangeCamera()};
+  LabAdapter second = MakeAdapter("sim1", "02:4b:52:00:78:01");
+  second.addresses = {{"192.168.78.1", "255.255.255.0"}};
+  second.isDriverInstalled = true;
+  second.devices = {MakeBusyCamera(), MakeCameraWithoutAddress(), MakeTolvanDevice()};
+  Lab lab;
+  lab.adapters = {first, second, MakeAdapter("sim2", "02:4b:52:00:79:01")};
+  lab.controllers = {MakeController()};
+  return lab;
 }
 
 } // namespace krtransport

@@ -1,0 +1,34 @@
+#pragma once
+// The subnets of a simulated adapter, and which addresses of devices this host reaches there.
+
+#include "krsystem/krinterface.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace krtransport {
+
+/// Thread: a value.
+class HostSubnets {
+public:
+  HostSubnets() = default;
+  explicit HostSubnets(const std::vector<krsystem::AdapterAddress>& aAddresses);
+
+  /// Whether a device of this address is reached: an address of one of the subnets that a device may have there.
+  bool Reaches(std::uint32_t aAddress) const;
+  /// Whether the address is one of the adapter's own.
+  bool IsOwn(std::uint32_t aAddress) const;
+  bool IsEmpty() const { return mSubnets.empty(); }
+  /// For messages: "192.168.77.1 / 255.255.255.0", several with commas between them.
+  KrString GetText() const;
+
+private:
+  struct Subnet {
+    std::uint32_t address;
+    std::uint32_t mask;
+  };
+
+  std::vector<Subnet> mSubnets;
+};
+
+} // namespace krtransport
