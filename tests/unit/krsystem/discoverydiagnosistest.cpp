@@ -1,7 +1,5 @@
 #include "krsystem/discoverydiagnosis.h"
 
-#include "faketransport.h"
-
 #include <gmock/gmock.h>
 
 using krsystem::AdapterReading;

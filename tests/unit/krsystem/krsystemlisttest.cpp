@@ -65,6 +65,32 @@ TEST(KrSystemLists, ReadWhileDiscoveryRuns_InterfacesAreThereAsAWhole) {
   EXPECT_THAT(ListDevices(system), ElementsAre("a", "b", "c", "d"));
 }
 
+TEST(KrSystemLists, AskWhileDiscoveryRuns_DiagnosisAndFreeAddressAreGiven) {
+  constexpr int kRounds = 200;
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0", "10.0.0.1"), MakeLoopback()};
+  transport->answers = {{0, MakeCamera("a")}, {1, MakeCamera("b")}};
+  transport->findUsed = [](const auto&, const auto&, auto&) { return KrResult(); };
+  KrSystem system;
+  std::atomic<int> failures = 0;
+  std::jthread asker([&](const std::stop_token& aStop) {
+    std::vector<KrFinding> findings;
+    KrString address;
+    while (!aStop.stop_requested()) {
+      const auto* const adapter = dynamic_cast<const KrNetworkAdapter*>(system.GetInterface(0));
+      const bool isFound = adapter && system.FindFreeAddress(*adapter, 0, aStop, address).IsOK();
+      failures += system.Diagnose(findings).IsOK() && (isFound || aStop.stop_requested()) ? 0 : 1;
+    }
+  });
+
+  for (int round = 0; round < kRounds; ++round)
+    ASSERT_TRUE(system.Find().IsOK());
+  asker.request_stop();
+  asker.join();
+
+  EXPECT_EQ(failures, 0);
+}
+
 TEST(KrSystemLists, Find_SinkIsCalled_ItsInterfaceIsListed) {
   const RegisteredTransport transport;
   transport->interfaces = {MakeAdapter("eth0"), MakeLoopback()};
