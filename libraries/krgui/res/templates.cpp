@@ -31,12 +31,25 @@ constexpr std::array kDeviceFinderControls = {
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {478, 342, 50, 16}, kMoveRight | kMoveDown},
 };
 
+constexpr std::array kForceIPControls = {
+    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {93, 196, 50, 16}},
+    ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {145, 196, 50, 16}},
+};
+
+constexpr std::array kSelectFromIPControls = {
+    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {94, 75, 50, 14}},
+    ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {148, 75, 50, 14}},
+};
+
 constexpr std::array kTemplates = {
     DialogTemplate{1021, "Display", DialogKind::SizingPopup, 332, 225, kDisplayPopupControls},
     DialogTemplate{1028, "", DialogKind::Child, 208, 102, kDisplayChildControls},
     DialogTemplate{1079, "GenICam Explorer", DialogKind::SizingPopup, 253, 330, {}},
     DialogTemplate{1081, "", DialogKind::Child, 260, 317, {}},
     DialogTemplate{1504, "Device Selection", DialogKind::FixedPopup, 535, 365, kDeviceFinderControls},
+    DialogTemplate{kForceIPTemplateID, "Set IP Address", DialogKind::FixedPopup, 202, 219, kForceIPControls},
+    DialogTemplate{kSelectFromIPTemplateID, "Select From IP Address", DialogKind::FixedPopup, 205, 96,
+                   kSelectFromIPControls},
     DialogTemplate{1512, "Device Serial Communication", DialogKind::SizingPopup, 393, 352, {}},
     DialogTemplate{1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255, {}},
     DialogTemplate{1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336, {}},

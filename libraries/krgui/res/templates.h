@@ -12,6 +12,10 @@ namespace krgui {
 const DialogTemplate* FindTemplate(int aID);
 std::span<const DialogTemplate> GetTemplates();
 
+/// Dialogs inside the device finder.
+inline constexpr int kForceIPTemplateID = 1505;
+inline constexpr int kSelectFromIPTemplateID = 1506;
+
 /// A window's templates and tracking limits in pixels.
 struct WindowTraits {
   const char* name; ///< The implementation class.

@@ -1,0 +1,144 @@
+#include "platform/messagebox.h"
+
+#include <QFontMetrics>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QShortcut>
+#include <QStyle>
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+
+namespace krgui {
+
+namespace {
+
+/// How wide a line of the text becomes before it is broken, in letters.
+constexpr int kLettersPerLine = 64;
+
+constexpr struct {
+  MessageIcon icon;
+  QStyle::StandardPixmap picture;
+  const char* name;
+} kIcons[] = {
+    {MessageIcon::Stop, QStyle::SP_MessageBoxCritical, "Error"},
+    {MessageIcon::Exclamation, QStyle::SP_MessageBoxWarning, "Warning"},
+    {MessageIcon::Information, QStyle::SP_MessageBoxInformation, "Information"},
+    {MessageIcon::Question, QStyle::SP_MessageBoxQuestion, "Question"},
+};
+
+struct ButtonRow {
+  ModalResult result;
+  const char* text;
+  Qt::Key key; ///< Presses it alone, as nothing in the box takes letters; Key_unknown for none.
+};
+
+constexpr ButtonRow kOKButtons[] = {{ModalResult::OK, "OK", Qt::Key_unknown}};
+constexpr ButtonRow kYesNoButtons[] = {{ModalResult::Yes, "&Yes", Qt::Key_Y}, {ModalResult::No, "&No", Qt::Key_N}};
+
+std::span<const ButtonRow> GetButtons(MessageButtons aButtons) {
+  if (aButtons == MessageButtons::YesNo) {
+    return kYesNoButtons;
+  }
+  return kOKButtons;
+}
+
+class MessageBox final : public ModalLoop {
+public:
+  MessageBox(QWidget* aOwner, const QString& aText, const QString& aCaption, MessageIcon aIcon,
+             MessageButtons aButtons);
+  ModalResult Run() { return RunLoop(); }
+
+private:
+  QLabel* MakePicture(MessageIcon aIcon);
+  QLabel* MakeText(const QString& aText);
+  QPushButton* MakeButton(const ButtonRow& aButton);
+
+  void OnAccept() override { EndLoop(mButtons.front().result); }
+  void OnCancel() override { EndLoop(mButtons.back().result); }
+
+  const std::span<const ButtonRow> mButtons;
+};
+
+MessageBox::MessageBox(QWidget* aOwner, const QString& aText, const QString& aCaption, MessageIcon aIcon,
+                       MessageButtons aButtons)
+    : ModalLoop(aOwner), mButtons(GetButtons(aButtons)) {
+  DialogWindow& dialog = *GetDialog();
+  auto* grid = new QGridLayout(&dialog);
+  grid->setSizeConstraint(QLayout::SetFixedSize);
+  grid->addWidget(MakePicture(aIcon), 0, 0, Qt::AlignTop);
+  grid->addWidget(MakeText(aText), 0, 1);
+  grid->setHorizontalSpacing(2 * grid->horizontalSpacing());
+  grid->setVerticalSpacing(2 * grid->verticalSpacing());
+  auto* row = new QHBoxLayout;
+  row->addStretch();
+  for (const ButtonRow& button : mButtons) {
+    row->addWidget(MakeButton(button));
+  }
+  grid->addLayout(row, 1, 0, 1, 2);
+  dialog.KeepDefaultButton();
+  dialog.SetCaption(aCaption);
+  dialog.setAccessibleDescription(aText);
+  dialog.findChild<QPushButton*>()->setDefault(true);
+  dialog.findChild<QPushButton*>()->setFocus();
+  // So that the size is known when the box is placed.
+  grid->activate();
+  dialog.adjustSize();
+}
+
+QLabel* MessageBox::MakePicture(MessageIcon aIcon) {
+  auto* picture = new QLabel(GetDialog());
+  const auto* row =
+      std::find_if(std::begin(kIcons), std::end(kIcons), [aIcon](const auto& aRow) { return aRow.icon == aIcon; });
+  const QStyle& style = *picture->style();
+  const int extent = style.pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, picture);
+  picture->setPixmap(
+      style.standardIcon(row->picture, nullptr, picture).pixmap(QSize(extent, extent), picture->devicePixelRatio()));
+  picture->setObjectName(QStringLiteral("picture"));
+  picture->setAccessibleName(QString::fromLatin1(row->name));
+  return picture;
+}
+
+/// No wider than a line that reads well; a long word without blanks is not broken, and makes it wider.
+QLabel* MessageBox::MakeText(const QString& aText) {
+  auto* label = new QLabel(GetDialog());
+  label->setObjectName(QStringLiteral("text"));
+  label->setTextFormat(Qt::PlainText);
+  label->setText(QString(aText).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  const QFontMetrics metrics = label->fontMetrics();
+  const int limit = kLettersPerLine * metrics.averageCharWidth();
+  if (label->sizeHint().width() > limit) {
+    label->setWordWrap(true);
+    label->setFixedWidth(limit);
+    label->setMinimumHeight(label->heightForWidth(limit));
+  }
+  return label;
+}
+
+QPushButton* MessageBox::MakeButton(const ButtonRow& aButton) {
+  DialogWindow* dialog = GetDialog();
+  auto* button = new QPushButton(QString::fromLatin1(aButton.text), dialog);
+  const auto choose = [this, result = aButton.result] { EndLoop(result); };
+  QObject::connect(button, &QPushButton::clicked, dialog, choose);
+  if (aButton.key != Qt::Key_unknown) {
+    auto* key = new QShortcut(QKeySequence(aButton.key), dialog);
+    QObject::connect(key, &QShortcut::activated, dialog, choose);
+  }
+  return button;
+}
+
+} // namespace
+
+ModalResult ShowMessage(QWidget* aOwner, const QString& aText, const QString& aCaption, MessageIcon aIcon,
+                        MessageButtons aButtons) {
+  MessageBox box(aOwner, aText, aCaption, aIcon, aButtons);
+  return box.Run();
+}
+
+} // namespace krgui

@@ -1,0 +1,150 @@
+// Message boxes: the answers of keys, buttons and close box, what is shown of a text, and boxes whose owner ends.
+
+#include "platform/messagebox.h"
+#include "duringmodalloop.h"
+#include "testwnd.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace krgui {
+
+namespace {
+
+QPushButton* FindButton(QWidget& aBox, const char* aText) {
+  for (QPushButton* button : aBox.findChildren<QPushButton*>()) {
+    if (button->text().remove(QLatin1Char('&')) == QLatin1String(aText)) {
+      return button;
+    }
+  }
+  return nullptr;
+}
+
+void Press(QWidget& aBox, Qt::Key aKey) {
+  QTest::keyClick(aBox.window()->focusWidget(), aKey);
+}
+
+struct AnswerCase {
+  const char* name;
+  MessageButtons buttons;
+  std::function<void(QWidget&)> act;
+  ModalResult answer;
+};
+
+class MessageBoxAnswer : public testing::TestWithParam<AnswerCase> {};
+
+TEST_P(MessageBoxAnswer, UsersAction_GivesItsAnswer) {
+  QWidget owner;
+  owner.show();
+  DuringNextModalLoop(GetParam().act);
+
+  const ModalResult answer = ShowMessage(&owner, QStringLiteral("Continue?"), QStringLiteral("Warning"),
+                                         MessageIcon::Exclamation, GetParam().buttons);
+
+  EXPECT_EQ(answer, GetParam().answer);
+  EXPECT_TRUE(owner.findChildren<QDialog*>().isEmpty());
+}
+
+constexpr auto kOK = MessageButtons::OK;
+constexpr auto kYesNo = MessageButtons::YesNo;
+
+INSTANTIATE_TEST_SUITE_P(
+    Actions, MessageBoxAnswer,
+    testing::Values(
+        AnswerCase{"EnterOnOK", kOK, [](QWidget& aBox) { Press(aBox, Qt::Key_Return); }, ModalResult::OK},
+        AnswerCase{"EscapeOnOK", kOK, [](QWidget& aBox) { Press(aBox, Qt::Key_Escape); }, ModalResult::OK},
+        AnswerCase{"SpaceOnOK", kOK, [](QWidget& aBox) { Press(aBox, Qt::Key_Space); }, ModalResult::OK},
+        AnswerCase{"CloseBoxOnOK", kOK, [](QWidget& aBox) { aBox.close(); }, ModalResult::OK},
+        AnswerCase{"ClickOnOK", kOK, [](QWidget& aBox) { QTest::mouseClick(FindButton(aBox, "OK"), Qt::LeftButton); },
+                   ModalResult::OK},
+        AnswerCase{"EnterOnYesNo", kYesNo, [](QWidget& aBox) { Press(aBox, Qt::Key_Return); }, ModalResult::Yes},
+        AnswerCase{"EscapeOnYesNo", kYesNo, [](QWidget& aBox) { Press(aBox, Qt::Key_Escape); }, ModalResult::No},
+        AnswerCase{"CloseBoxOnYesNo", kYesNo, [](QWidget& aBox) { aBox.close(); }, ModalResult::No},
+        AnswerCase{"LetterYes", kYesNo, [](QWidget& aBox) { Press(aBox, Qt::Key_Y); }, ModalResult::Yes},
+        AnswerCase{"LetterNo", kYesNo, [](QWidget& aBox) { Press(aBox, Qt::Key_N); }, ModalResult::No},
+        AnswerCase{"TabAndEnter", kYesNo,
+                   [](QWidget& aBox) {
+                     Press(aBox, Qt::Key_Tab);
+                     Press(aBox, Qt::Key_Return);
+                   },
+                   ModalResult::No},
+        AnswerCase{"ClickOnYes", kYesNo,
+                   [](QWidget& aBox) { QTest::mouseClick(FindButton(aBox, "Yes"), Qt::LeftButton); }, ModalResult::Yes},
+        AnswerCase{"ClickOnNo", kYesNo,
+                   [](QWidget& aBox) { QTest::mouseClick(FindButton(aBox, "No"), Qt::LeftButton); }, ModalResult::No}),
+    [](const auto& aInfo) { return aInfo.param.name; });
+
+/// Shows a box, looks at it and closes it.
+void LookAtBox(const QString& aText, std::function<void(QWidget&)> aLook) {
+  DuringNextModalLoop([look = std::move(aLook)](QWidget& aBox) {
+    look(aBox);
+    aBox.close();
+  });
+  (void)ShowMessage(nullptr, aText, QStringLiteral("Error"), MessageIcon::Stop);
+}
+
+QString GetShownText(const QWidget& aBox) {
+  const auto* label = aBox.findChild<QLabel*>(QStringLiteral("text"));
+  EXPECT_EQ(label->textFormat(), Qt::PlainText);
+  return label->text();
+}
+
+TEST(MessageBox, Markup_IsShownAsItIs) {
+  LookAtBox(QStringLiteral("<b>bold</b> &amp; [*]"), [](QWidget& aBox) {
+    EXPECT_EQ(GetShownText(aBox), QStringLiteral("<b>bold</b> &amp; [*]"));
+    EXPECT_EQ(aBox.windowTitle(), QStringLiteral("Error"));
+  });
+}
+
+TEST(MessageBox, CarriageReturnsAndLineFeeds_BreakTheLineOnce) {
+  LookAtBox(QStringLiteral("First.\r\n\r\nSecond?"), [](QWidget& aBox) {
+    const auto* label = aBox.findChild<QLabel*>(QStringLiteral("text"));
+    EXPECT_EQ(GetShownText(aBox), QStringLiteral("First.\n\nSecond?"));
+    EXPECT_GE(label->height(), 3 * label->fontMetrics().lineSpacing());
+  });
+}
+
+TEST(MessageBox, LongText_IsBrokenIntoLinesAndWholeOnTheScreen) {
+  LookAtBox(QStringLiteral("The device is on a subnet. ").repeated(12), [](QWidget& aBox) {
+    const auto* label = aBox.findChild<QLabel*>(QStringLiteral("text"));
+    EXPECT_TRUE(label->wordWrap());
+    EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+    EXPECT_TRUE(aBox.rect().contains(label->geometry()));
+    EXPECT_LT(aBox.width(), 700);
+  });
+}
+
+TEST(MessageBox, Reader_HearsTextAndKind) {
+  LookAtBox(QStringLiteral("Could not contact device. "), [](QWidget& aBox) {
+    EXPECT_EQ(aBox.accessibleDescription(), QStringLiteral("Could not contact device. "));
+    EXPECT_EQ(aBox.findChild<QLabel*>(QStringLiteral("picture"))->accessibleName(), QStringLiteral("Error"));
+    EXPECT_FALSE(aBox.findChild<QLabel*>(QStringLiteral("picture"))->pixmap().isNull());
+  });
+}
+
+TEST(MessageBox, OwnerDies_SaysThatItIsGone) {
+  auto owner = std::make_unique<QWidget>();
+  owner->show();
+  DuringNextModalLoop([&](QWidget&) { owner.reset(); });
+
+  EXPECT_EQ(ShowMessage(owner.get(), QStringLiteral("?"), {}, MessageIcon::Question, kYesNo), ModalResult::Gone);
+}
+
+TEST(MessageBox, OwnerWindowCloses_SaysThatItIsGone) {
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  DuringNextModalLoop([&](QWidget&) { EXPECT_TRUE(window.Close().IsOK()); });
+
+  const ModalResult answer = ShowMessage(window.GetWidget(), QStringLiteral("?"), {}, MessageIcon::Stop);
+
+  EXPECT_EQ(answer, ModalResult::Gone);
+  DeleteWhatIsLeft();
+}
+
+} // namespace
+
+} // namespace krgui
