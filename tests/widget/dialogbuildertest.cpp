@@ -1,4 +1,5 @@
 #include "platform/dialogbuilder.h"
+#include "platform/ipaddresscontrol.h"
 #include "res/templates.h"
 
 #include <QAccessible>
@@ -113,11 +114,22 @@ QString GetText(const QWidget& aWidget) {
   return title.isEmpty() ? aWidget.property("text").toString() : title;
 }
 
+/// The room that a widget's text takes; one that breaks its lines takes as many as its width makes.
+QSize MeasureText(const QWidget& aWidget) {
+  const auto* label = qobject_cast<const QLabel*>(&aWidget);
+  if (label != nullptr && label->wordWrap()) {
+    return {0, label->heightForWidth(label->width())};
+  }
+  const auto* address = qobject_cast<const IPAddressControl*>(&aWidget);
+  return address != nullptr ? address->minimumSizeHint()
+                            : aWidget.fontMetrics().size(Qt::TextShowMnemonic, GetText(aWidget));
+}
+
 /// The object names of the controls whose text does not fit into the place where it is drawn.
 std::vector<std::string> FindClipped(const QDialog& aDialog) {
   std::vector<std::string> clipped;
   for (const QWidget* widget : aDialog.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-    const QSize text = widget->fontMetrics().size(Qt::TextShowMnemonic, GetText(*widget));
+    const QSize text = MeasureText(*widget);
     const QSize place = GetTextRect(*widget).size();
     const bool isLine = qobject_cast<const QLineEdit*>(widget) != nullptr;
     if (text.height() > place.height() || (!isLine && text.width() > place.width())) {
@@ -183,6 +195,19 @@ TEST(DialogBuilder, EveryTemplateAtSmallAndLargeFont_StaysWithinItsWindowsMaximu
         EXPECT_GT(size.width(), FindTemplate(id)->width) << "a unit is more than a pixel at these fonts";
         EXPECT_GT(size.height(), FindTemplate(id)->height);
       }
+    }
+  }
+}
+
+TEST(DialogBuilder, EveryTemplateWithoutLimit_ClipsNoTextAndOverlapsNothing) {
+  for (const DialogTemplate& each : GetTemplates()) {
+    for (const int pointSize : kPointSizes) {
+      SCOPED_TRACE(testing::Message() << each.id << " at " << pointSize);
+
+      const Opening opening(each, pointSize);
+
+      EXPECT_THAT(FindClipped(*opening.dialog), testing::IsEmpty());
+      EXPECT_THAT(FindOverlaps(*opening.dialog), testing::IsEmpty());
     }
   }
 }

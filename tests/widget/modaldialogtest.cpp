@@ -238,14 +238,17 @@ TEST(ModalDialog, OwnerWindowClosesUnderADialogInADialog_BothLoopsEndInnerFirst)
   DeleteWhatIsLeft();
 }
 
-TEST(ModalDialog, ApplicationQuits_TheLoopEndsAndSaysSo) {
+TEST(ModalDialog, ApplicationsLoopEnds_TheLoopEndsAndSaysSo) {
   QWidget owner;
   owner.show();
   TestDialog dialog(&owner);
-  DuringNextModalLoop([](QWidget&) { QCoreApplication::quit(); });
+  ModalResult result = ModalResult::OK;
+  DuringNextModalLoop([](QWidget&) { QCoreApplication::exit(0); });
+  QTimer::singleShot(0, &owner, [&] { result = dialog.Run(); });
 
-  EXPECT_EQ(dialog.Run(), ModalResult::Gone);
+  QApplication::exec();
 
+  EXPECT_EQ(result, ModalResult::Gone);
   EXPECT_EQ(dialog.ends, 1);
 }
 

@@ -1,13 +1,249 @@
 #include "finder/forceipdlg.h"
 
+#include "finder/errorprovider.h"
+#include "krbase/krlogger.h"
+#include "krdevice/krdevicegev.h"
+#include "krdevice/krdevicetolvanprotocol.h"
+#include "krsystem/krsystem.h"
+#include "platform/ipaddresscontrol.h"
+#include "platform/messagebox.h"
 #include "res/templates.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <memory>
 
 namespace krgui {
 
+namespace {
+
+constexpr int kAdapterMACID = 1037;
+constexpr int kAdapterAddressID = 1123;
+constexpr int kAdapterMaskID = 1050;
+constexpr int kAdapterGatewayID = 1052;
+constexpr int kDeviceMACID = 1045;
+constexpr int kAddressID = 1038;
+constexpr int kAddressErrorID = 1003;
+constexpr int kMaskID = 1041;
+constexpr int kMaskErrorID = 1008;
+constexpr int kGatewayID = 1043;
+constexpr int kGatewayErrorID = 1013;
+constexpr int kProposeID = 1140;
+
+constexpr int kLastField = 3;
+
+QString ToQString(const KrString& aText) {
+  return QString::fromStdU16String(aText.ToWide());
+}
+
+KrString ToKrString(const QString& aText) {
+  return KrString(aText.toStdString());
+}
+
+/// What differs between the kinds of device that have an address.
+struct DeviceKind {
+  KrDeviceInfoType type;
+  KrString (*getMAC)(const KrDeviceInfo& aDevice);
+  KrResult (*send)(const KrString& aMAC, const KrString& aAddress, const KrString& aMask, const KrString& aGateway);
+};
+
+constexpr DeviceKind kKinds[] = {
+    {KrDeviceInfoType::GEV,
+     [](const KrDeviceInfo& aDevice) { return static_cast<const KrDeviceInfoGEV&>(aDevice).GetMACAddress(); },
+     KrDeviceGEV::SetIPConfiguration},
+    {KrDeviceInfoType::TolvanProtocol,
+     [](const KrDeviceInfo& aDevice) {
+       return static_cast<const KrDeviceInfoTolvanProtocol&>(aDevice).GetMACAddress();
+     },
+     KrDeviceTolvanProtocol::SetIPConfiguration},
+};
+
+const DeviceKind& GetKind(const KrDeviceInfo& aDevice) {
+  return aDevice.GetType() == KrDeviceInfoType::TolvanProtocol ? kKinds[1] : kKinds[0];
+}
+
+void LogFailure(const KrString& aMAC, const KrResult& aResult) {
+  KrLogger("KrGUILib")
+      .Log(KrLogLevel::Warning, {"ForceIPDlg::OnOK", "forceipdlg"},
+           KrString("The IP configuration could not be given to the device ") + aMAC + ": " + aResult.GetCodeString() +
+               ". " + aResult.GetDescription());
+}
+
+} // namespace
+
 ForceIPDlg::ForceIPDlg(KrSystem& aSystem, const KrNetworkAdapter& aAdapter, const KrDeviceInfo& aDevice,
                        QWidget* aOwner)
-    : ModalDialog(kForceIPTemplateID, aOwner), mSystem(aSystem), mAdapter(aAdapter), mDevice(aDevice) {}
+    : ModalDialog(kForceIPTemplateID, aOwner), mSystem(aSystem), mAdapter(aAdapter), mDevice(aDevice) {
+  for (const int id : {kAddressErrorID, kMaskErrorID, kGatewayErrorID}) {
+    new ErrorProvider(*GetControl<QWidget>(id));
+  }
+}
 
 ForceIPDlg::~ForceIPDlg() = default;
+
+bool ForceIPDlg::OnInitDialog() {
+  GetControl<QLineEdit>(kAdapterMACID)->setText(ToQString(mAdapter.GetMACAddress()));
+  auto* addresses = GetControl<QComboBox>(kAdapterAddressID);
+  for (std::size_t index = 0; index < mAdapter.GetIPAddressCount(); ++index) {
+    addresses->addItem(ToQString(mAdapter.GetIPAddress(index)));
+  }
+  GetControl<QLineEdit>(kAdapterGatewayID)->setText(ToQString(mAdapter.GetDefaultGateway()));
+  Connect();
+  addresses->setCurrentIndex(0);
+  ChooseAddress(0);
+  return false;
+}
+
+void ForceIPDlg::Connect() {
+  auto* addresses = GetControl<QComboBox>(kAdapterAddressID);
+  QObject::connect(addresses, &QComboBox::activated, addresses, [this](int aIndex) {
+    if (static_cast<std::size_t>(aIndex) != mChosen) {
+      ChooseAddress(static_cast<std::size_t>(aIndex));
+    }
+  });
+  for (const int id : {kAddressID, kMaskID, kGatewayID}) {
+    auto* control = GetControl<IPAddressControl>(id);
+    QObject::connect(control, &IPAddressControl::Changed, control, [this] { (void)Check(); });
+  }
+  auto* propose = GetControl<QPushButton>(kProposeID);
+  QObject::connect(propose, &QPushButton::clicked, propose, [this] { Propose(); });
+}
+
+void ForceIPDlg::ChooseAddress(std::size_t aIndex) {
+  EndProposing();
+  mChosen = aIndex;
+  const KrString mask = mAdapter.GetSubnetMask(aIndex);
+  const IPProposal proposal = ProposeIPAddress(mAdapter.GetIPAddress(aIndex), mask);
+  GetControl<QLineEdit>(kAdapterMaskID)->setText(ToQString(mask));
+  GetControl<QLineEdit>(kDeviceMACID)->setText(ToQString(GetKind(mDevice).getMAC(mDevice)));
+  auto* address = GetControl<IPAddressControl>(kAddressID);
+  address->SetAddress(proposal.network);
+  GetControl<IPAddressControl>(kMaskID)->SetAddress(ParseDotted(mask).value_or(0));
+  GetControl<IPAddressControl>(kGatewayID)->SetAddress(ParseDotted(mAdapter.GetDefaultGateway()).value_or(0));
+  address->FocusField(0);
+  for (int field = kLastField; field > kLastField - proposal.emptyFields; --field) {
+    address->FocusField(field);
+    address->ClearField(field);
+  }
+  (void)Check();
+}
+
+IPValues ForceIPDlg::ReadValues() const {
+  return {GetControl<IPAddressControl>(kAddressID)->GetAddress(), GetControl<IPAddressControl>(kMaskID)->GetAddress(),
+          GetControl<IPAddressControl>(kGatewayID)->GetAddress(),
+          ToKrString(GetControl<QComboBox>(kAdapterAddressID)->currentText()),
+          ToKrString(GetControl<QLineEdit>(kAdapterMaskID)->text())};
+}
+
+bool ForceIPDlg::Check() {
+  const IPIndicators indicators = CheckIPValues(ReadValues());
+  ShowError(kAddressID, kAddressErrorID, indicators.address);
+  ShowError(kMaskID, kMaskErrorID, indicators.mask);
+  ShowError(kGatewayID, kGatewayErrorID, indicators.gateway);
+  return indicators.IsAnySet();
+}
+
+/// Beside the control for the eye, with the control for screen readers.
+void ForceIPDlg::ShowError(int aControlID, int aIndicatorID, const KrString& aError) {
+  const QString text = ToQString(aError);
+  static_cast<ErrorProvider*>(GetControl<QWidget>(aIndicatorID)->children().constFirst())->SetText(text);
+  GetControl<IPAddressControl>(aControlID)->SetError(text);
+}
+
+void ForceIPDlg::OnOK() {
+  if (mSending.IsRunning()) {
+    return;
+  }
+  EndProposing();
+  const bool isDoubtful = Check();
+  const IPValues values = ReadValues();
+  if (const KrString error = FindHardIPError(values); !error.IsEmpty()) {
+    (void)ShowMessage(GetDialog(), ToQString(error), QStringLiteral("Error"), MessageIcon::Stop);
+    return;
+  }
+  if (isDoubtful) {
+    const ModalResult answer = ShowMessage(
+        GetDialog(),
+        QStringLiteral("This IP Configuration may be incompatible with your Interface settings or simply invalid."
+                       "\r\n\r\nAre you sure you want to continue?"),
+        QStringLiteral("Warning"), MessageIcon::Exclamation, MessageButtons::YesNo);
+    if (answer != ModalResult::Yes || HasEnded()) {
+      return;
+    }
+  }
+  Send(values);
+}
+
+void ForceIPDlg::Send(const IPValues& aValues) {
+  GetDialog()->setEnabled(false);
+  GetDialog()->setCursor(Qt::WaitCursor);
+  const auto result = std::make_shared<KrResult>();
+  const KrString mac = GetKind(mDevice).getMAC(mDevice);
+  const auto work = [result, mac, send = GetKind(mDevice).send, aValues](const std::stop_token&) {
+    *result = send(mac, FormatDotted(aValues.deviceAddress), FormatDotted(aValues.deviceMask),
+                   FormatDotted(aValues.deviceGateway));
+    if (!result->IsOK()) {
+      LogFailure(mac, *result);
+    }
+  };
+  // Whether it was heeded shows in the finder.
+  mSending.Start(work, [this] { EndDialog(ModalResult::OK); });
+}
+
+/// What is being sent cannot be taken back: the dialog ends when it has been.
+void ForceIPDlg::OnCancel() {
+  if (!mSending.IsRunning()) {
+    ModalDialog::OnCancel();
+  }
+}
+
+void ForceIPDlg::OnEnd() {
+  mProposing.Cancel();
+  mSending.Cancel();
+}
+
+// Proposing an address.
+
+void ForceIPDlg::Propose() {
+  struct Found {
+    KrResult result;
+    KrString address;
+  };
+  const auto found = std::make_shared<Found>();
+  auto* address = GetControl<IPAddressControl>(kAddressID);
+  auto* button = GetControl<QPushButton>(kProposeID);
+  address->FocusField(kLastField);
+  button->setEnabled(false);
+  button->setText(QStringLiteral("Looking…"));
+  const auto work = [found, &system = mSystem, &adapter = mAdapter, index = mChosen](const std::stop_token& aStop) {
+    found->result = system.FindFreeAddress(adapter, index, aStop, found->address);
+  };
+  mProposing.Start(work,
+                   [this, found, before = address->GetText()] { OnProposed(found->result, found->address, before); });
+}
+
+void ForceIPDlg::OnProposed(const KrResult& aResult, const KrString& aAddress, const QString& aTextBefore) {
+  EndProposing();
+  auto* address = GetControl<IPAddressControl>(kAddressID);
+  if (aResult.IsOK()) {
+    // What the user has typed meanwhile is what he wants.
+    if (address->GetText() == aTextBefore) {
+      address->SetAddress(ParseDotted(aAddress).value_or(0));
+    }
+    return;
+  }
+  const KrString reason = aResult.GetDescription().IsEmpty() ? aResult.GetCodeString() : aResult.GetDescription();
+  (void)ShowMessage(GetDialog(), ToQString(KrString("No free address can be proposed. ") + reason),
+                    QStringLiteral("Error"), MessageIcon::Exclamation);
+}
+
+void ForceIPDlg::EndProposing() {
+  mProposing.Cancel();
+  auto* button = GetControl<QPushButton>(kProposeID);
+  button->setText(QStringLiteral("Propose a free address"));
+  button->setEnabled(true);
+}
 
 } // namespace krgui

@@ -3,12 +3,20 @@
 // are doubtful and which are refused is decided by the rules of logic/finder/ipcheck.h, sending by KrDevice's classes.
 
 #include "frame/modaldialog.h"
+#include "krbase/krresult.h"
+#include "logic/finder/ipcheck.h"
+#include "platform/backgroundtask.h"
+
+#include <cstddef>
 
 class KrDeviceInfo;
 class KrNetworkAdapter;
 class KrSystem;
 
 namespace krgui {
+
+class ErrorProvider;
+class IPAddressControl;
 
 /// The dialog "Set IP Address". Run() gives OK only after a configuration was sent.
 ///
@@ -19,9 +27,31 @@ public:
   ~ForceIPDlg() override;
 
 private:
+  bool OnInitDialog() override;
+  void OnOK() override;
+  void OnCancel() override;
+  void OnEnd() override;
+
+  void Connect();
+  /// The user chose one of the adapter's addresses: the device gets a place in its subnet.
+  void ChooseAddress(std::size_t aIndex);
+  IPValues ReadValues() const;
+  /// The live check, with its marks; whether any value is doubtful.
+  bool Check();
+  void ShowError(int aControlID, int aIndicatorID, const KrString& aError);
+  /// Sends the configuration, which takes up to about two seconds, and ends the dialog then.
+  void Send(const IPValues& aValues);
+
+  void Propose();
+  void OnProposed(const KrResult& aResult, const KrString& aAddress, const QString& aTextBefore);
+  void EndProposing();
+
   KrSystem& mSystem;
   const KrNetworkAdapter& mAdapter;
   const KrDeviceInfo& mDevice;
+  std::size_t mChosen = 0; ///< Which of the adapter's addresses.
+  BackgroundTask mSending;
+  BackgroundTask mProposing;
 };
 
 } // namespace krgui

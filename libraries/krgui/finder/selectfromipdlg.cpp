@@ -1,11 +1,29 @@
 #include "finder/selectfromipdlg.h"
 
+#include "logic/finder/ipcheck.h"
+#include "platform/ipaddresscontrol.h"
 #include "res/templates.h"
 
 namespace krgui {
 
+namespace {
+
+constexpr int kAddressID = 1125;
+
+} // namespace
+
 SelectFromIPDlg::SelectFromIPDlg(QWidget* aOwner) : ModalDialog(kSelectFromIPTemplateID, aOwner) {}
 
 SelectFromIPDlg::~SelectFromIPDlg() = default;
+
+bool SelectFromIPDlg::OnInitDialog() {
+  GetControl<IPAddressControl>(kAddressID)->FocusField(0);
+  return false;
+}
+
+void SelectFromIPDlg::OnOK() {
+  mAddress = FormatDotted(GetControl<IPAddressControl>(kAddressID)->GetAddress());
+  EndDialog(ModalResult::OK);
+}
 
 } // namespace krgui

@@ -17,6 +17,9 @@ public:
   const KrString& GetAddress() const { return mAddress; }
 
 private:
+  bool OnInitDialog() override;
+  void OnOK() override;
+
   KrString mAddress;
 };
 

@@ -1,5 +1,7 @@
 #include "platform/dialogbuilder.h"
 
+#include "platform/ipaddresscontrol.h"
+
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -38,6 +40,12 @@ QWidget* MakeLabel(const ControlTemplate& aControl, QWidget& aDialog) {
   label->setTextFormat(Qt::PlainText);
   label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
   label->setText(ToText(aControl));
+  return label;
+}
+
+QWidget* MakeWrappedLabel(const ControlTemplate& aControl, QWidget& aDialog) {
+  auto* label = static_cast<QLabel*>(MakeLabel(aControl, aDialog));
+  label->setWordWrap(true);
   return label;
 }
 
@@ -94,6 +102,14 @@ QWidget* MakeScrollBar(const ControlTemplate& aControl, QWidget& aDialog) {
   bar->setAccessibleName(isHorizontal ? QStringLiteral("Horizontal scroll bar")
                                       : QStringLiteral("Vertical scroll bar"));
   return bar;
+}
+
+QWidget* MakeIPAddress(const ControlTemplate&, QWidget& aDialog) {
+  return new IPAddressControl(&aDialog);
+}
+
+QWidget* MakePlace(const ControlTemplate&, QWidget& aDialog) {
+  return new QWidget(&aDialog);
 }
 
 // What a widget's text needs so that nothing of it is clipped; it depends on the style.
@@ -161,6 +177,9 @@ constexpr ClassEntry kClasses[] = {
     {ControlClass::HorizontalScrollBar, MakeScrollBar, MeasureNothing, false},
     {ControlClass::VerticalScrollBar, MakeScrollBar, MeasureNothing, false},
     {ControlClass::Frame, MakeFrame, MeasureNothing, false},
+    {ControlClass::WrappedLabel, MakeWrappedLabel, MeasureNothing, false},
+    {ControlClass::IPAddress, MakeIPAddress, MeasureLine, true},
+    {ControlClass::ErrorIndicator, MakePlace, MeasureNothing, false},
 };
 
 constexpr bool IsClassTableInOrder() {
@@ -170,7 +189,7 @@ constexpr bool IsClassTableInOrder() {
       return false;
     }
   }
-  return index == static_cast<int>(ControlClass::Frame) + 1;
+  return index == static_cast<int>(ControlClass::ErrorIndicator) + 1;
 }
 static_assert(IsClassTableInOrder());
 

@@ -25,6 +25,9 @@ enum class ControlClass {
   HorizontalScrollBar,
   VerticalScrollBar,
   Frame,
+  WrappedLabel,   ///< A label of several lines.
+  IPAddress,      ///< Four fields for an IPv4 address.
+  ErrorIndicator, ///< A place for the mark of a doubtful value; its window draws it.
 };
 
 struct ControlTemplate {

@@ -32,11 +32,40 @@ constexpr std::array kDeviceFinderControls = {
 };
 
 constexpr std::array kForceIPControls = {
+    ControlTemplate{ControlClass::GroupBox, -1, "NIC Configuration", {7, 7, 188, 83}},
+    ControlTemplate{ControlClass::Label, -1, "MAC Address", {14, 23, 62, 8}},
+    ControlTemplate{ControlClass::ReadOnlyEdit, 1037, "", {78, 19, 99, 14}},
+    ControlTemplate{ControlClass::Label, -1, "IP Address", {14, 39, 62, 8}},
+    // Closed; the 30 units that it has open are its list's.
+    ControlTemplate{ControlClass::ComboBox, 1123, "", {78, 35, 99, 14}},
+    ControlTemplate{ControlClass::Label, -1, "Subnet Mask", {14, 55, 62, 8}},
+    ControlTemplate{ControlClass::ReadOnlyEdit, 1050, "", {78, 51, 99, 14}},
+    ControlTemplate{ControlClass::Label, -1, "Gateways", {14, 71, 62, 8}},
+    ControlTemplate{ControlClass::ReadOnlyEdit, 1052, "", {78, 68, 99, 14}},
+    ControlTemplate{ControlClass::GroupBox, -1, "GigE Vision Device IP Configuration", {7, 91, 188, 87}},
+    ControlTemplate{ControlClass::Label, -1, "MAC Address", {14, 110, 62, 8}},
+    ControlTemplate{ControlClass::ReadOnlyEdit, 1045, "", {78, 105, 99, 14}},
+    ControlTemplate{ControlClass::Label, -1, "IP Address", {14, 126, 62, 8}},
+    ControlTemplate{ControlClass::IPAddress, 1038, "", {78, 121, 99, 15}},
+    ControlTemplate{ControlClass::ErrorIndicator, 1003, "", {180, 122, 12, 12}},
+    ControlTemplate{ControlClass::Label, -1, "Subnet Mask", {14, 143, 62, 8}},
+    ControlTemplate{ControlClass::IPAddress, 1041, "", {78, 138, 99, 15}},
+    ControlTemplate{ControlClass::ErrorIndicator, 1008, "", {180, 138, 12, 12}},
+    ControlTemplate{ControlClass::Label, -1, "Default Gateway", {14, 159, 62, 8}},
+    ControlTemplate{ControlClass::IPAddress, 1043, "", {78, 155, 99, 15}},
+    ControlTemplate{ControlClass::ErrorIndicator, 1013, "", {180, 155, 12, 12}},
+    ControlTemplate{ControlClass::Button, 1140, "Propose a free address", {7, 196, 82, 16}},
     ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {93, 196, 50, 16}},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {145, 196, 50, 16}},
 };
 
 constexpr std::array kSelectFromIPControls = {
+    ControlTemplate{ControlClass::WrappedLabel,
+                    -1,
+                    "If a device cannot be detected, you can still attempt to select it from its IP address.",
+                    {7, 7, 191, 21}},
+    ControlTemplate{ControlClass::Label, -1, "IP Address", {7, 37, 45, 8}},
+    ControlTemplate{ControlClass::IPAddress, 1125, "", {71, 35, 99, 15}},
     ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {94, 75, 50, 14}},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {148, 75, 50, 14}},
 };

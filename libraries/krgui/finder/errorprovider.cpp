@@ -1,0 +1,70 @@
+#include "finder/errorprovider.h"
+
+#include "finder/finderpictures.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QTextDocument>
+#include <QToolTip>
+#include <QWidget>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kExtent = 16;
+
+} // namespace
+
+ErrorProvider::ErrorProvider(QWidget& aControl) : QObject(&aControl), mControl(aControl) {
+  aControl.installEventFilter(this);
+}
+
+void ErrorProvider::SetText(const QString& aText) {
+  if (aText != mText && mControl.underMouse()) {
+    // What it says is not so any more.
+    QToolTip::hideText();
+  }
+  mText = aText;
+  mControl.setAccessibleName(aText);
+  mControl.update();
+}
+
+std::optional<int> ErrorProvider::HitTest(const QPoint& aPoint) const {
+  if (!mControl.rect().contains(aPoint)) {
+    return std::nullopt;
+  }
+  return mText.isEmpty() ? kNoErrorTool : kErrorTool;
+}
+
+bool ErrorProvider::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (aWatched == &mControl && aEvent->type() == QEvent::Paint) {
+    Paint();
+    return true;
+  }
+  if (aWatched == &mControl && aEvent->type() == QEvent::ToolTip) {
+    const auto* help = static_cast<const QHelpEvent*>(aEvent);
+    ShowToolTip(help->pos(), help->globalPos());
+    return true;
+  }
+  return QObject::eventFilter(aWatched, aEvent);
+}
+
+void ErrorProvider::Paint() {
+  if (mText.isEmpty()) {
+    return;
+  }
+  QPainter painter(&mControl);
+  const QRect place(mControl.width() / 2 - kExtent / 2, mControl.height() / 2 - kExtent / 2, kExtent, kExtent);
+  GetErrorPicture().paint(&painter, place);
+}
+
+void ErrorProvider::ShowToolTip(const QPoint& aPoint, const QPoint& aGlobal) {
+  if (HitTest(aPoint) == kErrorTool) {
+    QToolTip::showText(aGlobal, Qt::convertFromPlainText(mText, Qt::WhiteSpaceNormal), &mControl, mControl.rect());
+  } else {
+    QToolTip::hideText();
+  }
+}
+
+} // namespace krgui
