@@ -45,17 +45,30 @@ std::string DescribeRepair(const NetworkAnswer& aAnswer, const AdapterAddress* a
          " --set ADDRESS --mask " + mask;
 }
 
+// Where the adapter is the one without an address, that is what has to be mended.
+KrFinding MakeAdapterWithoutAddress(const NetworkAnswer& aAnswer) {
+  const KrString& adapter = aAnswer.GetAdapterName();
+  const KrString has = aAnswer.fields->ipAddress + " (mask " + aAnswer.fields->subnetMask + ")";
+  return {KrFindingKind::ForeignSubnet, aAnswer.GetDeviceName(),
+          aAnswer.GetDeviceName() + " answered on " + adapter + " with the address " + has +
+              ", but the adapter has none, so it cannot be opened.",
+          "Give the network adapter " + adapter + " an address of that subnet, in the system's network settings."};
+}
+
 KrFinding MakeForeignSubnet(const NetworkAnswer& aAnswer) {
   const AdapterAddress* const address = aAnswer.adapter ? FindAddress(*aAnswer.adapter) : nullptr;
   const KrString& adapter = aAnswer.GetAdapterName();
-  const KrString answered = aAnswer.GetDeviceName() + " answered on " + adapter;
-  const KrString text = aAnswer.fields->ipAddress == kNoAddress
-                            ? answered + ", but has no IP address, so it cannot be opened."
-                            : answered + " with the address " + aAnswer.fields->ipAddress + " (mask " +
-                                  aAnswer.fields->subnetMask +
-                                  "), which is of another subnet than the adapter's, so it cannot be opened.";
-  const KrString where = address ? KrString(" (" + address->address + ", mask " + address->mask + ")") : KrString();
-  return {KrFindingKind::ForeignSubnet, aAnswer.GetDeviceName(), text,
+  const KrString& device = aAnswer.GetDeviceName();
+  const bool hasAddress = aAnswer.fields->ipAddress != kNoAddress;
+  if (hasAddress && aAnswer.adapter && !address)
+    return MakeAdapterWithoutAddress(aAnswer);
+  const KrString state = hasAddress
+                             ? " with the address " + aAnswer.fields->ipAddress + " (mask " +
+                                   aAnswer.fields->subnetMask + "), which is of another subnet than the adapter's"
+                             : KrString(", but has no IP address");
+  const KrString where = address ? " (" + address->address + ", mask " + address->mask + ")" : KrString();
+  return {KrFindingKind::ForeignSubnet, device,
+          device + " answered on " + adapter + state + ", so it cannot be opened.",
           "Give it a free address in the subnet of " + adapter + where + ", " + DescribeRepair(aAnswer, address)};
 }
 

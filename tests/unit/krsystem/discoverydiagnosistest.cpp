@@ -149,6 +149,19 @@ TEST(FindCauses, DeviceWithoutAddress_IsForeignSubnetInOtherWords) {
   EXPECT_EQ(findings[0].text, "Camera answered on eth0, but has no IP address, so it cannot be opened.");
 }
 
+TEST(FindCauses, DeviceBehindAnAdapterWithoutAddress_IsForeignSubnetMendedAtTheAdapter) {
+  HostReadings host = MakeHost();
+  GetEth0(host).addresses.clear();
+
+  const std::vector<KrFinding> findings = FindCauses(host, {{"id0", MakeForeign("172.16.0.5")}});
+
+  ASSERT_THAT(ListKinds(findings), ElementsAre(KrFindingKind::ForeignSubnet, KrFindingKind::NoAddress));
+  EXPECT_EQ(findings[0].text, "Camera answered on eth0 with the address 172.16.0.5 (mask 255.255.0.0), but the adapter "
+                              "has none, so it cannot be opened.");
+  EXPECT_EQ(findings[0].remedy,
+            "Give the network adapter eth0 an address of that subnet, in the system's network settings.");
+}
+
 TEST(FindCauses, TolvanDeviceOfAnotherSubnet_IsForeignSubnet) {
   krsystem::TolvanProtocolFields fields;
   fields.uniqueID = "t";
