@@ -32,12 +32,6 @@ std::string NormalizeMAC(const KrString& aText) {
   return text;
 }
 
-bool IsNamed(const KrDeviceInfo& aDevice, const KrString& aName) {
-  const KrString mac = GetMACAddress(aDevice);
-  return aDevice.GetUniqueID() == aName || aDevice.GetUserDefinedName() == aName || aDevice.GetSerialNumber() == aName ||
-         (!mac.IsEmpty() && NormalizeMAC(mac) == NormalizeMAC(aName));
-}
-
 // Leaves one answer of each device, the reachable one if there is any.
 Devices MergeAnswers(const Devices& aDevices) {
   Devices merged;
@@ -51,16 +45,6 @@ Devices MergeAnswers(const Devices& aDevices) {
       *known = device;
   }
   return merged;
-}
-
-std::string ListDevices(const Devices& aDevices) {
-  std::string text;
-  for (const KrDeviceInfo* device : aDevices) {
-    text += "\n  " + MakeCell(device->GetUniqueID()) + "  " + MakeCell(device->GetDisplayID());
-    if (!device->GetUserDefinedName().IsEmpty())
-      text += "  \"" + MakeCell(device->GetUserDefinedName()) + "\"";
-  }
-  return text;
 }
 
 // A USB device that is no camera can never be opened, whatever it says of its configuration.
@@ -105,6 +89,22 @@ KrResult SelectAddress(KrSystem& aSystem, const KrString& aAddress, const KrDevi
 }
 
 } // namespace
+
+bool IsNamed(const KrDeviceInfo& aDevice, const KrString& aName) {
+  const KrString mac = GetMACAddress(aDevice);
+  return aDevice.GetUniqueID() == aName || aDevice.GetUserDefinedName() == aName ||
+         aDevice.GetSerialNumber() == aName || (!mac.IsEmpty() && NormalizeMAC(mac) == NormalizeMAC(aName));
+}
+
+std::string ListDevices(const Devices& aDevices) {
+  std::string text;
+  for (const KrDeviceInfo* device : aDevices) {
+    text += "\n  " + MakeCell(device->GetUniqueID()) + "  " + MakeCell(device->GetDisplayID());
+    if (!device->GetUserDefinedName().IsEmpty())
+      text += "  \"" + MakeCell(device->GetUserDefinedName()) + "\"";
+  }
+  return text;
+}
 
 Selection ChooseDevice(const std::vector<const KrDeviceInfo*>& aDevices, const KrString& aName) {
   if (aName.IsEmpty())

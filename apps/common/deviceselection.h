@@ -5,6 +5,7 @@
 #include "krbase/krresult.h"
 #include "krsystem/krsystem.h"
 
+#include <string>
 #include <vector>
 
 namespace krapps {
@@ -16,9 +17,16 @@ struct Selection {
   KrString error = {};      ///< A text for the user; empty with a device.
 };
 
+/// Whether a device has a unique ID, MAC address (any case, ':' or '-'), serial number or user-defined name. Any
+/// thread.
+bool IsNamed(const KrDeviceInfo& aDevice, const KrString& aName);
+
+/// The devices, one each line behind a line's end: unique ID, text for lists and, where there is one, name. Any thread.
+std::string ListDevices(const std::vector<const KrDeviceInfo*>& aDevices);
+
 /// Chooses among devices by unique ID, MAC address (any case, ':' or '-'), serial number or user-defined name. Several
-/// answers of one device, by its unique ID, count once, the reachable one first; several devices are an error that lists them. The
-/// empty name chooses the first camera that can be reached. Any thread.
+/// answers of one device, by its unique ID, count once, the reachable one first; several devices are an error that
+/// lists them. The empty name chooses the first camera that can be reached. Any thread.
 Selection ChooseDevice(const std::vector<const KrDeviceInfo*>& aDevices, const KrString& aName);
 
 /// Looks for the device of a name. An IPv4 address is asked directly, without discovery; for every other name one round

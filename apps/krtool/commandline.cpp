@@ -117,6 +117,8 @@ private:
       Fail(command + " wants the NAME of a feature.");
     else if (IsValueNext())
       Fail(command + " wants a VALUE for \"" + line.names.back() + "\".");
+    else if (mCommand.check)
+      Fail(mCommand.check(line));
   }
 
   void CheckFrameFile(const std::string& aCommand) {
@@ -154,8 +156,10 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& aArguments) {
 }
 
 std::string GetHelpText() {
-  std::string text = "krtool lists machine-vision cameras, takes frames from them and reads and sets their features.\n"
-                     "\nCommands:\n";
+  std::string text =
+      "krtool lists machine-vision cameras, repairs their addresses, takes frames from them and reads and sets their\n"
+      "features.\n"
+      "\nCommands:\n";
   for (const CommandRow& row : GetCommands())
     text += "  krtool " + std::string(row.synopsis) + "\n      " + std::string(row.description) + "\n";
   text += "  krtool --help\n  krtool --version\n\nOptions:\n";
@@ -172,9 +176,12 @@ std::string GetHelpText() {
       "Tabs, line ends and other control characters in values and texts are shown as \"?\".\n"
       "The simulated cameras live as long as the one process that asked for them: what is set does not outlast it.\n"
       "features, entries, get and xml leave control of the device to whoever has it; set, execute, save and load take "
-      "it.\n"
-      "The exit code is 0, 1 when the command failed, 2 when it was not understood, or 128 and the number of the\n"
-      "signal that ended it early. Finding no device is no failure of list.\n";
+      "it,\n"
+      "and so does ip where it changes what lasts.\n"
+      "The exit code is 0, 1 when the command failed, 2 when it was not understood, 3 when list --diagnose has "
+      "something\n"
+      "to say, or 128 and the number of the signal that ended it early. Finding no device is no failure of list, and\n"
+      "Ctrl-C is the ordinary end of list --watch.\n";
   return text;
 }
 

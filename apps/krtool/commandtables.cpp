@@ -1,6 +1,7 @@
 #include "commandtables.h"
 
 #include "featurewords.h"
+#include "krsystem/ipv4address.h"
 
 #include <algorithm>
 #include <charconv>
@@ -11,12 +12,35 @@ namespace krtool {
 
 namespace {
 
+std::string CheckList(const CommandLine& aCommandLine) {
+  return aCommandLine.watch && aCommandLine.diagnose ? "--watch and --diagnose do not go together." : "";
+}
+
+std::string CheckIP(const CommandLine& aCommandLine) {
+  const IPWish& ip = aCommandLine.ip;
+  const bool givesAddress = ip.sets || ip.persistentAddress;
+  if (!givesAddress && (ip.mask || ip.gateway))
+    return "--mask and --gateway belong to an address: give --set or --persistent.";
+  return {};
+}
+
 constexpr CommandRow kCommands[] = {
     {.verb = Verb::List,
      .name = "list",
-     .synopsis = "list [--json] [--simulate] [--timeout MS]",
+     .synopsis = "list [--watch | --diagnose] [--json] [--simulate] [--timeout MS]",
      .description = "Lists every interface and the devices behind it, one line each below a line of headings.\n"
-                    "      Columns are parted by two or more blanks; an empty cell is \"-\"."},
+                    "      Columns are parted by two or more blanks; an empty cell is \"-\".",
+     .check = CheckList},
+    {.verb = Verb::IP,
+     .name = "ip",
+     .synopsis = "ip DEVICE [--set ADDRESS|auto] [--persistent ADDRESS|off] [--mask M] [--gateway G] [--dhcp on|off]\n"
+                 "            [--link-local on|off] [--adapter NAME] [--force] [--json] [--timeout MS] [--simulate]",
+     .description =
+         "Shows how a device on the network got its address and how it will get it at its next start. --set repairs a\n"
+         "      device that cannot be reached, until its next start; the others change what lasts, and want a device\n"
+         "      that can be reached.",
+     .takesDevice = true,
+     .check = CheckIP},
     {.verb = Verb::Stream,
      .name = "stream",
      .synopsis = "stream DEVICE --frames N [--timeout MS] [--simulate]",
@@ -128,32 +152,96 @@ bool TakeFlag(CommandLine& aCommandLine, std::string_view) {
   return aCommandLine.*kMember = true;
 }
 
+// For options whose value is an address.
+template <std::optional<std::uint32_t> IPWish::*kMember>
+bool TakeAddress(CommandLine& aCommandLine, std::string_view aValue) {
+  aCommandLine.ip.*kMember = krsystem::ParseIPv4(KrString(std::string(aValue)));
+  return (aCommandLine.ip.*kMember).has_value();
+}
+
+bool TakeNewAddress(CommandLine& aCommandLine, std::string_view aValue) {
+  aCommandLine.ip.sets = true;
+  aCommandLine.ip.address.reset();
+  return aValue == "auto" || TakeAddress<&IPWish::address>(aCommandLine, aValue);
+}
+
+bool TakePersistent(CommandLine& aCommandLine, std::string_view aValue) {
+  const bool isOff = aValue == "off";
+  aCommandLine.ip.persistent = !isOff;
+  aCommandLine.ip.persistentAddress.reset();
+  return isOff || TakeAddress<&IPWish::persistentAddress>(aCommandLine, aValue);
+}
+
+// For options whose value is on or off.
+template <std::optional<bool> IPWish::*kMember>
+bool TakeSwitch(CommandLine& aCommandLine, std::string_view aValue) {
+  aCommandLine.ip.*kMember = aValue == "on";
+  return aValue == "on" || aValue == "off";
+}
+
+constexpr std::string_view kWantsAddress = "an address as in 192.168.1.20";
+
 constexpr OptionRow kOptions[] = {
+    {"--adapter", "NAME", "ip", "The adapter on which the device is meant, where several hear it; for example eth0.",
+     [](CommandLine& aCommandLine, std::string_view aValue) {
+       aCommandLine.ip.adapter = aValue;
+       return !aValue.empty();
+     },
+     "the name of an adapter"},
     {"--category", "C", "features",
      "Lists the features of one category and of all below it: its name, or a path as features shows it.",
      TakeText<&CommandLine::category>, "the name of a category"},
+    {"--dhcp", "on|off", "ip", "Whether the device asks a DHCP server at its start.", TakeSwitch<&IPWish::dhcp>,
+     "on or off"},
+    {"--diagnose", "", "list",
+     "Says instead why devices may be missing or of no use, and what to do. The exit code is 3 where there is "
+     "anything\n"
+     "      to say, and 0 where there is nothing.",
+     TakeFlag<&CommandLine::diagnose>, ""},
     {"--faults", "", "features", "Lists what is wrong with the description, on standard error, not only how much is.",
      TakeFlag<&CommandLine::faults>, ""},
-    {"--force", "", "save-frame xml save", "Replaces a file that is there already.", TakeFlag<&CommandLine::force>, ""},
+    {"--force", "", "save-frame xml save ip", "Replaces a file that is there already. ip: takes doubtful values.",
+     TakeFlag<&CommandLine::force>, ""},
     {"--format", "FORMAT", "save-frame", "png, tiff or raw, where the name of FILE does not say so.", TakeFormat,
      "png, tiff or raw"},
     {"--frames", "N", "stream", "How many frames to take.",
      [](CommandLine& aCommandLine, std::string_view aValue) { return TakeNumber(aValue, aCommandLine.frames); },
      "a whole number of 1 or more"},
-    {"--json", "", "list", "Writes one JSON object instead of lines.", TakeFlag<&CommandLine::json>, ""},
+    {"--gateway", "G", "ip", "The gateway that goes with the address; none where it is not given.",
+     TakeAddress<&IPWish::gateway>, kWantsAddress},
+    {"--json", "", "list ip", "Writes one JSON object instead of lines; with --watch one in each line.",
+     TakeFlag<&CommandLine::json>, ""},
+    {"--link-local", "on|off", "ip",
+     "Whether the device takes an address of 169.254.*.* where it has no other. Most devices always do.",
+     TakeSwitch<&IPWish::linkLocal>, "on or off"},
+    {"--mask", "M", "ip", "The subnet mask that goes with the address; the adapter's where it is not given.",
+     TakeAddress<&IPWish::mask>, "a mask as in 255.255.255.0"},
+    {"--persistent", "ADDRESS", "ip", "The address that the device keeps and takes first at its start; off for none.",
+     TakePersistent, "an address as in 192.168.1.20, or off"},
     {"--pixel-format", "NAME", "save-frame", "Sets the camera's pixel format first, for example Mono12p; it stays set.",
      TakeText<&CommandLine::pixelFormat>, "the name of a pixel format"},
+    {"--set", "ADDRESS", "ip",
+     "The address that the device takes at once and has until its next start; auto for a free one of the adapter's\n"
+     "      subnet.",
+     TakeNewAddress, "an address as in 192.168.1.20, or auto"},
     {"--simulate", "", "", "Offers the built-in simulated lab beside the real devices.",
      TakeFlag<&CommandLine::simulate>, ""},
     {"--timeout", "MS", "",
      "stream: how long one frame is awaited (10000). save-frame: how long a whole frame is awaited (10000).\n"
-     "      execute: how long the end of the command is awaited (10000). Otherwise: how long answers are awaited when\n"
-     "      devices are looked for (1000).",
+     "      execute: how long the end of the command is awaited (10000). list --watch: how long it goes on (until "
+     "Ctrl-C).\n"
+     "      ip --set: how long the device is awaited at its new address (10000). Otherwise: how long answers are "
+     "awaited\n"
+     "      when devices are looked for (1000).",
      TakeTimeout, "milliseconds from 1 to 3600000"},
     {"--visibility", "V", "features",
      "For whom: Beginner, Expert, Guru or Invisible, each with those before it (Guru: all that is not for programs\n"
      "      alone). Counts for categories, too. All of them where it is not given.",
      TakeVisibility, "Beginner, Expert, Guru or Invisible"},
+    {"--watch", "", "list",
+     "Goes on looking, until Ctrl-C, and writes a line with the time for each interface and device that appears,\n"
+     "      changes or vanishes. A device that did not answer for two seconds has vanished.",
+     TakeFlag<&CommandLine::watch>, ""},
 };
 
 } // namespace

@@ -23,6 +23,8 @@ struct CommandRow {
   FileUse file = FileUse::None;
   NameUse names = NameUse::None;
   bool needsFrames = false;
+  /// Says what does not go together; empty where all is well. Null where nothing has to be checked.
+  std::string (*check)(const CommandLine& aCommandLine) = nullptr;
 };
 
 struct OptionRow {

@@ -1,19 +1,22 @@
 #pragma once
-// What discovery found, as lines for people and scripts or as JSON.
+// What discovery found, as lines for people and scripts.
 
+#include "accessquery.h"
 #include "krsystem/krsystem.h"
 
 #include <string>
+#include <vector>
 
 namespace krtool {
 
 /// A line of headings, then one line for each interface, followed by one for each device behind it; says so when there
 /// are none.
-/// Columns: "interface" or "device", kind, unique ID, IP address, MAC address, name, serial number, user-defined name,
-/// state.
-std::string FormatTable(const KrSystem& aSystem);
+/// Columns: "interface" or "device", kind, unique ID, IP address, MAC address, adapter, name, serial number,
+/// user-defined name, who controls it, state.
+std::string FormatTable(const KrSystem& aSystem, const AccessTypes& aAccess);
 
-/// One object {"interfaces":[…],"devices":[…]} and a line break; a device names its interface by its unique ID.
-std::string FormatJson(const KrSystem& aSystem);
+/// The cells of one line of that table.
+std::vector<std::string> MakeRow(const KrInterface& aInterface);
+std::vector<std::string> MakeRow(const KrDeviceInfo& aDevice, const AccessTypes& aAccess);
 
 } // namespace krtool

@@ -4,6 +4,7 @@
 #include "entriescommand.h"
 #include "executecommand.h"
 #include "featurescommand.h"
+#include "ipcommand.h"
 #include "krdevice/krdeviceend.h"
 #include "krtransport/krtransport.h"
 #include "listcommand.h"
@@ -29,17 +30,14 @@ struct CommandRow {
 };
 
 // The commands that need devices.
-constexpr CommandRow kCommands[] = {{krtool::Verb::List, krtool::RunList},
-                                    {krtool::Verb::Stream, krtool::RunStream},
-                                    {krtool::Verb::SaveFrame, krtool::RunSaveFrame},
-                                    {krtool::Verb::Features, krtool::RunFeatures},
-                                    {krtool::Verb::Entries, krtool::RunEntries},
-                                    {krtool::Verb::Get, krtool::RunGet},
-                                    {krtool::Verb::Set, krtool::RunSet},
-                                    {krtool::Verb::Execute, krtool::RunExecute},
-                                    {krtool::Verb::Xml, krtool::RunXml},
-                                    {krtool::Verb::Save, krtool::RunSave},
-                                    {krtool::Verb::Load, krtool::RunLoad}};
+constexpr CommandRow kCommands[] = {
+    {krtool::Verb::List, krtool::RunList},         {krtool::Verb::IP, krtool::RunIP},
+    {krtool::Verb::Stream, krtool::RunStream},     {krtool::Verb::SaveFrame, krtool::RunSaveFrame},
+    {krtool::Verb::Features, krtool::RunFeatures}, {krtool::Verb::Entries, krtool::RunEntries},
+    {krtool::Verb::Get, krtool::RunGet},           {krtool::Verb::Set, krtool::RunSet},
+    {krtool::Verb::Execute, krtool::RunExecute},   {krtool::Verb::Xml, krtool::RunXml},
+    {krtool::Verb::Save, krtool::RunSave},         {krtool::Verb::Load, krtool::RunLoad},
+};
 
 int RunWithDevices(const krtool::CommandLine& aCommandLine) {
   if (KrResult prepared = KrGiveBackDevicesAtEnd(); !prepared.IsOK())

@@ -1,4 +1,6 @@
 #include "listcommand.h"
+
+#include "krdevice/krdevice.h"
 #include "labfixture.h"
 
 #include <QJsonArray>
@@ -46,13 +48,15 @@ TEST_F(ListCommand, Lab_GivesHeadingsAndOneLineForEachInterfaceAndDevice) {
   const std::vector<std::string> lines = Split(mOut.str(), "\n");
   ASSERT_EQ(lines.size(), 1U + 4U + 11U) << mOut.str();
   for (const std::string& line : lines)
-    EXPECT_EQ(Split(line, "  ").size(), 9U) << line;
-  EXPECT_THAT(Split(lines[0], "  "), testing::ElementsAre("entry", "kind", "unique ID", "IP address", "MAC address",
-                                                          "name", "serial number", "user-defined name", "state"));
+    EXPECT_EQ(Split(line, "  ").size(), 11U) << line;
+  EXPECT_THAT(Split(lines[0], "  "),
+              testing::ElementsAre("entry", "kind", "unique ID", "IP address", "MAC address", "adapter", "name",
+                                   "serial number", "user-defined name", "control", "state"));
   EXPECT_EQ(Split(lines[1], "  ")[0], "interface");
   EXPECT_THAT(Split(lines[2], "  "),
-              testing::ElementsAre("device", "GEV", "02:4b:52:00:77:10", "192.168.77.10", "02:4b:52:00:77:10",
-                                   "KrGUI Simulated Mono Camera", "SIM-0001", "sim-mono", "reachable"));
+              testing::ElementsAre("device", "GEV", "02:4b:52:00:77:10", "192.168.77.10", "02:4b:52:00:77:10", "sim0",
+                                   "KrGUI Simulated Mono Camera", "SIM-0001", "sim-mono", "Open", "reachable"));
+  EXPECT_EQ(Split(lines[4], "  ")[9], "-");
   EXPECT_EQ(Split(lines[4], "  ").back(), "unreachable");
   EXPECT_EQ(mErrors.str(), "");
 }
@@ -71,6 +75,28 @@ TEST_F(ListCommand, LabAsJson_HoldsTheSameDevices) {
   EXPECT_EQ(camera["userDefinedName"].toString(), "sim-mono");
   EXPECT_TRUE(camera["reachable"].toBool());
   EXPECT_FALSE(object["devices"].toArray()[2].toObject()["reachable"].toBool());
+}
+
+TEST_F(ListCommand, CameraThatAnApplicationControls_IsListedAsSuch) {
+  ASSERT_TRUE(mSystem.Find().IsOK());
+  std::unique_ptr<KrDevice> device;
+  ASSERT_TRUE(KrDevice::Open(*mSystem.GetDeviceInfo(0), KrDeviceAccess::Control, device).IsOK());
+
+  Run(true);
+
+  const QJsonObject camera = ReadObject(mOut.str())["devices"].toArray()[0].toObject();
+  EXPECT_EQ(camera["access"].toString(), "Control");
+  EXPECT_EQ(camera["adapter"].toString(), "sim0");
+}
+
+TEST_F(ListCommand, UnreachableCameraAsJson_HasItsAddressesAndNobodyWasAsked) {
+  Run(true);
+
+  const QJsonObject camera = ReadObject(mOut.str())["devices"].toArray()[2].toObject();
+  EXPECT_EQ(camera["ipAddress"].toString(), "10.20.30.40");
+  EXPECT_FALSE(camera["subnetMask"].toString().isEmpty());
+  EXPECT_EQ(camera["ipConfigurationOffered"].toString(), "Persistent, DHCP, LLA");
+  EXPECT_FALSE(camera.contains("access"));
 }
 
 TEST_F(ListCommand, TimeoutOption_IsTheDetectionTimeout) {

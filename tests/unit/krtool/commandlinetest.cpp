@@ -27,6 +27,63 @@ TEST(CommandLine, ListAlone_LeavesEverythingAtItsDefault) {
   EXPECT_FALSE(parsed.commandLine.timeoutMs.has_value());
 }
 
+TEST(CommandLine, ListThatWatchesOrDiagnoses_TakesTheOptionForIt) {
+  const ParsedCommandLine watching = ParseCommandLine({"list", "--watch", "--json", "--timeout", "3000"});
+  const ParsedCommandLine diagnosing = ParseCommandLine({"list", "--diagnose"});
+
+  EXPECT_EQ(watching.error + diagnosing.error, "");
+  EXPECT_TRUE(watching.commandLine.watch && watching.commandLine.json && !watching.commandLine.diagnose);
+  EXPECT_TRUE(diagnosing.commandLine.diagnose && !diagnosing.commandLine.watch);
+}
+
+TEST(CommandLine, IPAlone_ChangesNothing) {
+  const ParsedCommandLine parsed = ParseCommandLine({"ip", "cam", "--json"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.verb, Verb::IP);
+  EXPECT_EQ(parsed.commandLine.device, "cam");
+  EXPECT_FALSE(parsed.commandLine.ip.sets);
+  EXPECT_FALSE(parsed.commandLine.ip.ChangesLasting());
+}
+
+TEST(CommandLine, IPThatSets_TakesAddressMaskAndGateway) {
+  const ParsedCommandLine parsed = ParseCommandLine({"ip", "cam", "--set", "192.168.1.20", "--mask", "255.255.255.0",
+                                                     "--gateway=192.168.1.1", "--adapter", "eth1", "--force"});
+
+  EXPECT_EQ(parsed.error, "");
+  const IPWish& ip = parsed.commandLine.ip;
+  EXPECT_TRUE(ip.sets);
+  EXPECT_EQ(ip.address, 0xC0A80114U);
+  EXPECT_EQ(ip.mask, 0xFFFFFF00U);
+  EXPECT_EQ(ip.gateway, 0xC0A80101U);
+  EXPECT_EQ(ip.adapter, "eth1");
+  EXPECT_FALSE(ip.ChangesLasting());
+  EXPECT_TRUE(parsed.commandLine.force);
+}
+
+TEST(CommandLine, IPThatSetsAutomatically_HasNoAddressOfTheUsers) {
+  const ParsedCommandLine parsed = ParseCommandLine({"ip", "cam", "--set", "auto"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_TRUE(parsed.commandLine.ip.sets);
+  EXPECT_FALSE(parsed.commandLine.ip.address);
+}
+
+TEST(CommandLine, IPForGood_TakesAddressAndWays) {
+  const ParsedCommandLine on = ParseCommandLine(
+      {"ip", "cam", "--persistent", "10.0.0.7", "--mask", "255.0.0.0", "--dhcp", "off", "--link-local", "on"});
+  const ParsedCommandLine off = ParseCommandLine({"ip", "cam", "--persistent", "off"});
+
+  EXPECT_EQ(on.error + off.error, "");
+  EXPECT_EQ(on.commandLine.ip.persistent, true);
+  EXPECT_EQ(on.commandLine.ip.persistentAddress, 0x0A000007U);
+  EXPECT_EQ(on.commandLine.ip.dhcp, false);
+  EXPECT_EQ(on.commandLine.ip.linkLocal, true);
+  EXPECT_EQ(off.commandLine.ip.persistent, false);
+  EXPECT_FALSE(off.commandLine.ip.persistentAddress);
+  EXPECT_TRUE(off.commandLine.ip.ChangesLasting());
+}
+
 TEST(CommandLine, Stream_TakesDeviceAndFramesInAnyOrder) {
   for (const Arguments& arguments :
        {Arguments{"stream", "cam", "--frames", "7"}, Arguments{"stream", "--frames=7", "cam"}}) {
@@ -154,6 +211,17 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Mistake{"NoCommand", {}, "command is missing"}, Mistake{"UnknownCommand", {"show"}, "\"show\""},
         Mistake{"UnknownOption", {"list", "--all"}, "--all"},
+        Mistake{"WatchAndDiagnose", {"list", "--watch", "--diagnose"}, "do not go together"},
+        Mistake{"IPWithoutDevice", {"ip"}, "DEVICE"},
+        Mistake{"IPWithTextForAnAddress", {"ip", "cam", "--set", "camera"}, "or auto, not \"camera\""},
+        Mistake{"IPWithShortMask", {"ip", "cam", "--set", "10.0.0.2", "--mask", "24"}, "--mask wants a mask as in"},
+        Mistake{"IPWithMaskAlone", {"ip", "cam", "--mask", "255.0.0.0"}, "belong to an address"},
+        Mistake{
+            "IPWithGatewayForNoAddress", {"ip", "cam", "--persistent", "off", "--gateway", "10.0.0.1"}, "belong to"},
+        Mistake{"IPWithUnknownSwitch", {"ip", "cam", "--dhcp", "yes"}, "--dhcp wants on or off, not \"yes\""},
+        Mistake{"IPWithEmptyAdapter", {"ip", "cam", "--adapter="}, "the name of an adapter"},
+        Mistake{"SetForList", {"list", "--set", "auto"}, "takes no --set"},
+        Mistake{"WatchForStream", {"stream", "cam", "--frames", "2", "--watch"}, "takes no --watch"},
         Mistake{"OptionOfAnotherCommand", {"list", "--frames", "3"}, "takes no --frames"},
         Mistake{"JsonForStream", {"stream", "cam", "--frames", "3", "--json"}, "takes no --json"},
         Mistake{"FlagWithValue", {"list", "--json=yes"}, "takes no value"},
@@ -200,6 +268,16 @@ TEST(CommandLine, Help_NamesEveryCommandAndOption) {
   const std::string help = GetHelpText();
 
   for (const char* word : {"krtool list",
+                           "krtool ip DEVICE",
+                           "--set ADDRESS",
+                           "--persistent ADDRESS",
+                           "--mask M",
+                           "--gateway G",
+                           "--dhcp on|off",
+                           "--link-local on|off",
+                           "--adapter NAME",
+                           "--watch",
+                           "--diagnose",
                            "krtool stream DEVICE",
                            "krtool save-frame DEVICE FILE",
                            "krtool features DEVICE|FILE.xml",

@@ -1,0 +1,105 @@
+#include "networkselection.h"
+
+#include "camerasession.h"
+#include "deviceselection.h"
+#include "devicewords.h"
+#include "krsystem/ipv4address.h"
+#include "plaintext.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace krtool {
+
+namespace {
+
+using Devices = std::vector<const KrDeviceInfo*>;
+
+bool IsMeant(const KrDeviceInfo& aDevice, const KrString& aName) {
+  const auto network = GetNetworkFields(aDevice);
+  const auto address = krsystem::ParseIPv4(aName);
+  return krapps::IsNamed(aDevice, aName) || (network && address && krsystem::ParseIPv4(network->ipAddress) == address);
+}
+
+bool IsOneDevice(const Devices& aDevices) {
+  return std::all_of(aDevices.begin(), aDevices.end(), [&](const KrDeviceInfo* aDevice) {
+    const KrDeviceInfo& first = *aDevices.front();
+    return aDevice->GetUniqueID() == first.GetUniqueID() && aDevice->GetModelName() == first.GetModelName() &&
+           aDevice->GetSerialNumber() == first.GetSerialNumber();
+  });
+}
+
+std::string ListAdapters(const Devices& aDevices) {
+  std::string text;
+  for (const KrDeviceInfo* device : aDevices)
+    text += (text.empty() ? "" : ", ") + krapps::MakeCell(GetShortName(device->GetInterface()));
+  return text;
+}
+
+KrResult ChooseAdapter(Devices& aDevices, const KrString& aName, const KrString& aAdapter) {
+  const std::string heardOn = ListAdapters(aDevices);
+  if (!aAdapter.IsEmpty()) {
+    std::erase_if(aDevices,
+                  [&](const KrDeviceInfo* aDevice) { return GetShortName(aDevice->GetInterface()) != aAdapter; });
+    if (aDevices.empty())
+      return {KrResult::Code::NotFound,
+              "\"" + aName + "\" is not heard on the adapter \"" + aAdapter + "\", but on: " + heardOn + "."};
+  }
+  if (aDevices.size() > 1)
+    return {KrResult::Code::InvalidInput, "\"" + aName + "\" is heard on several adapters: " + heardOn +
+                                              ". Say by --adapter NAME which one it is to be reached by."};
+  return {};
+}
+
+KrResult Take(const KrDeviceInfo& aDevice, NetworkDevice& aChosen) {
+  const auto network = GetNetworkFields(aDevice);
+  if (!network)
+    return {KrResult::Code::InvalidInput,
+            krapps::MakeCell(aDevice.GetDisplayID()) + " is on no network, and has no address."};
+  aChosen = {&aDevice, dynamic_cast<const KrNetworkAdapter*>(aDevice.GetInterface()), *network};
+  return {};
+}
+
+} // namespace
+
+Devices GetDevices(const KrSystem& aSystem) {
+  Devices devices;
+  for (std::size_t index = 0; const KrDeviceInfo* device = aSystem.GetDeviceInfo(index); ++index)
+    devices.push_back(device);
+  return devices;
+}
+
+KrResult ChooseNetworkDevice(const Devices& aDevices, const KrString& aName, const KrString& aAdapter,
+                             NetworkDevice& aChosen) {
+  Devices meant;
+  std::copy_if(aDevices.begin(), aDevices.end(), std::back_inserter(meant),
+               [&](const KrDeviceInfo* aDevice) { return IsMeant(*aDevice, aName); });
+  if (meant.empty() && aDevices.empty())
+    return {KrResult::Code::NotFound, "\"" + aName + "\" was not found: no device answered at all."};
+  if (meant.empty())
+    return {KrResult::Code::NotFound,
+            "No device has the unique ID, MAC address, IP address, serial number or user-defined name \"" + aName +
+                "\". Found were:" + krapps::ListDevices(aDevices)};
+  if (!IsOneDevice(meant))
+    return {KrResult::Code::InvalidInput,
+            "\"" + aName + "\" means several devices. Give the unique ID of one of them; where they share it, take " +
+                "all but one off the network:" + krapps::ListDevices(meant)};
+  if (KrResult chosen = ChooseAdapter(meant, aName, aAdapter); !chosen.IsOK())
+    return chosen;
+  return Take(*meant.front(), aChosen);
+}
+
+KrResult SelectNetworkDevice(KrSystem& aSystem, const KrString& aName, const KrString& aAdapter,
+                             NetworkDevice& aChosen) {
+  constexpr const char* kAttempt = "looking for the device failed";
+  if (KrResult found = aSystem.Find(); !found.IsOK())
+    return Explain(kAttempt, found);
+  const KrResult chosen = ChooseNetworkDevice(GetDevices(aSystem), aName, aAdapter, aChosen);
+  const KrDeviceInfo* asked = nullptr;
+  const bool asks = chosen == KrResult::Code::NotFound && aAdapter.IsEmpty() && krsystem::ParseIPv4(aName);
+  if (asks && aSystem.FindDevice(aName, &asked).IsOK())
+    return Take(*asked, aChosen);
+  return Explain(kAttempt, chosen);
+}
+
+} // namespace krtool

@@ -1,0 +1,78 @@
+#include "watchtext.h"
+
+#include "devicejson.h"
+#include "devicetable.h"
+#include "plaintext.h"
+
+#include <cstdio>
+#include <ctime>
+
+namespace krtool {
+
+namespace {
+
+std::string_view GetWord(NewsKind aKind) {
+  constexpr std::string_view kWords[] = {"appeared", "changed", "vanished"};
+  return kWords[static_cast<std::size_t>(aKind)];
+}
+
+// Date and time with milliseconds, in the form that a pattern of strftime gives them up to the seconds.
+std::string FormatTime(NewsTime aTime, const char* aPattern, std::tm* (*aConvert)(const std::time_t*, std::tm*)) {
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(aTime);
+  const std::time_t time = std::chrono::system_clock::to_time_t(seconds);
+  std::tm fields = {};
+  aConvert(&time, &fields);
+  char text[32];
+  std::strftime(text, sizeof text, aPattern, &fields);
+  char milliseconds[8];
+  std::snprintf(milliseconds, sizeof milliseconds, ".%03d",
+                static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(aTime - seconds).count()));
+  return std::string(text) + milliseconds;
+}
+
+std::string FormatChanges(const std::vector<Change>& aChanges) {
+  std::string text;
+  for (const Change& change : aChanges)
+    text +=
+        "  " + std::string(change.what) + " " + krapps::MakeCell(change.before) + " -> " + krapps::MakeCell(change.now);
+  return text;
+}
+
+} // namespace
+
+std::string FormatNews(const News& aNews, NewsTime aTime) {
+  std::string line = FormatTime(aTime, "%Y-%m-%d %H:%M:%S", localtime_r) + "  " + std::string(GetWord(aNews.kind));
+  for (const std::string& cell : aNews.device ? MakeRow(*aNews.device, {}) : MakeRow(*aNews.interface))
+    line += "  " + cell;
+  return line + FormatChanges(aNews.changes) + "\n";
+}
+
+std::string FormatNewsJson(const News& aNews, NewsTime aTime) {
+  JsonWriter writer;
+  writer.BeginObject();
+  writer.TextMember("time", FormatTime(aTime, "%Y-%m-%dT%H:%M:%S", gmtime_r) + "Z");
+  writer.TextMember("event", GetWord(aNews.kind));
+  if (aNews.device) {
+    writer.Key("device");
+    WriteDevice(writer, *aNews.device, {});
+  } else {
+    writer.Key("interface");
+    WriteInterface(writer, *aNews.interface);
+  }
+  if (aNews.kind == NewsKind::Changed) {
+    writer.Key("changes");
+    writer.BeginObject();
+    for (const Change& change : aNews.changes) {
+      writer.Key(change.what);
+      writer.BeginObject();
+      writer.TextMember("before", change.before);
+      writer.TextMember("now", change.now);
+      writer.EndObject();
+    }
+    writer.EndObject();
+  }
+  writer.EndObject();
+  return writer.GetText() + "\n";
+}
+
+} // namespace krtool

@@ -1,0 +1,123 @@
+#include "ipcommand.h"
+
+#include "labfixture.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <sstream>
+
+namespace krtool {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kForeign = "02:4b:52:00:77:12";
+constexpr std::uint32_t kFree = 0xC0A84D32;      // 192.168.77.50
+constexpr std::uint32_t kMonosOwn = 0xC0A84D0A;  // 192.168.77.10
+constexpr std::uint32_t kAdapters = 0xC0A84D01;  // 192.168.77.1
+constexpr std::uint32_t kElsewhere = 0x0A000005; // 10.0.0.5
+
+class IPCommand : public LabTest {
+protected:
+  int Run(const std::string& aDevice, const IPWish& aWish, bool aForce = false, bool aJson = false) {
+    const CommandLine line = {.verb = Verb::IP, .device = aDevice, .ip = aWish, .force = aForce, .json = aJson};
+    return RunIP(mSystem, line, mOut, mErrors);
+  }
+
+  KrString FindAddress(const KrString& aID) {
+    EXPECT_TRUE(mSystem.Find().IsOK());
+    for (std::size_t i = 0; i < mSystem.GetDeviceCount(); ++i)
+      if (mSystem.GetDeviceInfo(i)->GetUniqueID() == aID)
+        return dynamic_cast<const KrDeviceInfoGEV&>(*mSystem.GetDeviceInfo(i)).GetIPAddress();
+    return {};
+  }
+
+  std::ostringstream mOut;
+  std::ostringstream mErrors;
+};
+
+TEST_F(IPCommand, UnreachableCamera_IsShownWithWhatItOffers) {
+  const int exitCode = Run("sim-foreign", {});
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  EXPECT_THAT(mOut.str(), HasSubstr("IP address        10.20.30.40\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("state             unreachable\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("ways offered      Persistent, DHCP, LLA\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("own address       cannot be read: "));
+}
+
+TEST_F(IPCommand, LostCamera_IsGivenAnAddressByWhichItIsReached) {
+  const int exitCode = Run("10.20.30.40", {.sets = true, .address = kFree});
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  EXPECT_THAT(mOut.str(), HasSubstr("IP address        192.168.77.50\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("subnet mask       255.255.255.0\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("gateway           0.0.0.0\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("state             reachable\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("answered after"));
+  EXPECT_EQ(FindAddress(kForeign), "192.168.77.50");
+}
+
+TEST_F(IPCommand, LostCameraAsJson_HasTheNewAddress) {
+  const int exitCode = Run(kForeign, {.sets = true, .address = kFree}, false, true);
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(mOut.str())).object();
+  EXPECT_EQ(object["ipAddress"].toString(), "192.168.77.50");
+  EXPECT_EQ(object["adapter"].toString(), "sim0");
+  EXPECT_TRUE(object["reachable"].toBool());
+  EXPECT_TRUE(object.contains("answeredAfterMs"));
+}
+
+TEST_F(IPCommand, AdaptersOwnAddress_IsRefusedEvenByForce) {
+  const int exitCode = Run(kForeign, {.sets = true, .address = kAdapters}, true);
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_THAT(mErrors.str(), HasSubstr("the adapter's own address"));
+  EXPECT_EQ(mOut.str(), "");
+  EXPECT_EQ(FindAddress(kForeign), "10.20.30.40");
+}
+
+TEST_F(IPCommand, AddressOfAnotherCamera_WantsForce) {
+  const int exitCode = Run(kForeign, {.sets = true, .address = kMonosOwn});
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_THAT(mErrors.str(), HasSubstr("Another device has the address 192.168.77.10"));
+  EXPECT_THAT(mErrors.str(), HasSubstr("--force"));
+  EXPECT_EQ(FindAddress(kForeign), "10.20.30.40");
+}
+
+TEST_F(IPCommand, AddressOfAForeignSubnet_IsTakenByForceAndFoundThere) {
+  const int exitCode = Run("sim-mono", {.sets = true, .address = kElsewhere}, true);
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  EXPECT_THAT(mErrors.str(), HasSubstr("10.0.0.5 is in no subnet of the adapter"));
+  EXPECT_THAT(mOut.str(), HasSubstr("state             unreachable\n"));
+  EXPECT_EQ(FindAddress("02:4b:52:00:77:10"), "10.0.0.5");
+}
+
+TEST_F(IPCommand, WhatLasts_IsNotSetOnACameraThatCannotBeReached) {
+  const int exitCode = Run(kForeign, {.dhcp = false});
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_THAT(mErrors.str(), HasSubstr("--set auto"));
+}
+
+TEST_F(IPCommand, UnknownDevice_IsToldWithThoseFound) {
+  const int exitCode = Run("nobody", {});
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_THAT(mErrors.str(), HasSubstr("sim-mono"));
+}
+
+TEST_F(IPCommand, DetectionTimeout_IsAsBeforeAfterTheWait) {
+  mSystem.SetDetectionTimeout(123);
+
+  Run(kForeign, {.sets = true, .address = kFree});
+
+  EXPECT_EQ(mSystem.GetDetectionTimeout(), 123U);
+}
+
+} // namespace
+} // namespace krtool

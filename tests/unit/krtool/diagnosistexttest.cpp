@@ -1,0 +1,49 @@
+#include "diagnosistext.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <gmock/gmock.h>
+
+namespace krtool {
+namespace {
+
+const KrFinding kNoAddress = {KrFindingKind::NoAddress, "eth1", "It has no IPv4 address.", "First line.\nip addr add"};
+const KrFinding kNotUnique = {KrFindingKind::SubnetNotUnique, "", "Two adapters lie in one subnet.", "Change one."};
+
+TEST(DiagnosisText, Findings_AreTextsWithTheirRemediesIndented) {
+  EXPECT_EQ(FormatFindings({kNoAddress, kNotUnique}), "eth1: It has no IPv4 address.\n"
+                                                      "    First line.\n"
+                                                      "    ip addr add\n"
+                                                      "Two adapters lie in one subnet.\n"
+                                                      "    Change one.\n");
+}
+
+TEST(DiagnosisText, NoFinding_IsSaid) {
+  EXPECT_EQ(FormatFindings({}), "Nothing was found that would keep devices away.\n");
+}
+
+TEST(DiagnosisText, SubjectThatATerminalWouldObey_IsShownWithoutThat) {
+  const KrFinding finding = {KrFindingKind::AddressConflict, "cam\n\x1b[2J", "Text.", "a\x1b\nb"};
+
+  EXPECT_EQ(FormatFindings({finding}), "cam??[2J: Text.\n    a?\n    b\n");
+}
+
+TEST(DiagnosisText, Json_HoldsAllOfEachFinding) {
+  const std::string text = FormatFindingsJson({kNoAddress, kNotUnique});
+
+  const QJsonArray findings = QJsonDocument::fromJson(QByteArray::fromStdString(text)).object()["findings"].toArray();
+  ASSERT_EQ(findings.size(), 2) << text;
+  EXPECT_EQ(findings[0].toObject()["kind"].toString(), "NoAddress");
+  EXPECT_EQ(findings[0].toObject()["subject"].toString(), "eth1");
+  EXPECT_EQ(findings[0].toObject()["text"].toString(), "It has no IPv4 address.");
+  EXPECT_EQ(findings[0].toObject()["remedy"].toString(), "First line.\nip addr add");
+  EXPECT_EQ(findings[1].toObject()["kind"].toString(), "SubnetNotUnique");
+}
+
+TEST(DiagnosisText, JsonWithoutFinding_IsAnEmptyList) {
+  EXPECT_EQ(FormatFindingsJson({}), "{\"findings\":[]}\n");
+}
+
+} // namespace
+} // namespace krtool
