@@ -3,6 +3,7 @@
 #include "addressawaiter.h"
 #include "addresscheck.h"
 #include "camerasession.h"
+#include "deviceselection.h"
 #include "devicewords.h"
 #include "ipreport.h"
 #include "krdevice/krdevicegev.h"
@@ -11,6 +12,7 @@
 #include "networkselection.h"
 #include "plaintext.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -27,7 +29,7 @@ public:
       : mSystem(aSystem), mCommandLine(aCommandLine), mWish(aCommandLine.ip), mErrors(aErrors) {}
 
   KrResult Run() {
-    KrResult result = SelectNetworkDevice(mSystem, mCommandLine.device, mWish.adapter, mReport.device);
+    KrResult result = Select();
     if (result.IsOK())
       result = Plan();
     if (result.IsOK() && mNow)
@@ -41,16 +43,40 @@ public:
 
 private:
   const KrDeviceInfo& GetInfo() const { return *mReport.device.device; }
-  std::string GetName() const { return krapps::MakeCell(GetInfo().GetDisplayID()); }
+  bool IsHeard() const { return mReport.device.device != nullptr; }
+  std::string GetName() const {
+    return krapps::MakeCell(IsHeard() ? GetInfo().GetDisplayID() : mReport.device.fields.macAddress);
+  }
+
+  // The kernel may drop the answers of a device that lies in a foreign subnet. By its MAC address it is told none the
+  // less what it wants to have.
+  KrResult Select() {
+    const KrResult selected = SelectNetworkDevice(mSystem, mCommandLine.device, mWish.adapter, mReport.device);
+    const std::optional<KrString> mac = ParseMAC(mCommandLine.device);
+    if (selected != KrResult::Code::NotFound || !mac || !mWish.address || IsAnswering(*mac))
+      return selected;
+    const KrNetworkAdapter* const adapter = FindAdapter(mSystem, mWish.adapter, *mWish.address);
+    if (!adapter)
+      return selected;
+    mErrors << "krtool: " << mac->CStr() << " is not heard; it is told its address on the chance that it hears.\n";
+    mReport.device = {nullptr, adapter, {.macAddress = *mac}};
+    return {};
+  }
+
+  bool IsAnswering(const KrString& aMAC) const {
+    const std::vector<const KrDeviceInfo*> devices = GetDevices(mSystem);
+    return std::any_of(devices.begin(), devices.end(),
+                       [&](const KrDeviceInfo* aDevice) { return krapps::IsNamed(*aDevice, aMAC); });
+  }
 
   // What is wished, and whether it can be, before anything is changed.
   KrResult Plan() {
     if (mReport.device.adapter)
       mSubnets = GetSubnets(*mReport.device.adapter);
-    if (mWish.ChangesLasting() && GetInfo().GetType() != KrDeviceInfoType::GEV)
+    if (IsHeard() && mWish.ChangesLasting() && GetInfo().GetType() != KrDeviceInfoType::GEV)
       return {KrResult::Code::NotSupported, GetName() + " keeps no address that could be set: it is no GigE Vision "
                                                         "device."};
-    if (mWish.ChangesLasting() && !GetInfo().IsConfigurationValid() && !mWish.sets)
+    if (mWish.ChangesLasting() && !mWish.sets && !GetInfo().IsConfigurationValid())
       return {KrResult::Code::NotFound, GetName() + " cannot be reached as it is configured, so what lasts cannot be "
                                                     "set. Give it an address first: --set auto."};
     KrResult planned;
@@ -106,7 +132,7 @@ private:
     std::vector<std::uint32_t> addresses;
     for (const KrDeviceInfo* device : GetDevices(mSystem)) {
       const auto network = GetNetworkFields(*device);
-      if (network && device->GetUniqueID() != GetInfo().GetUniqueID())
+      if (network && network->macAddress != mReport.device.fields.macAddress)
         addresses.push_back(krsystem::ParseIPv4(network->ipAddress).value_or(0));
     }
     return addresses;
@@ -115,7 +141,7 @@ private:
   KrResult SetNow() {
     krsystem::NetworkFields wanted = {mReport.device.fields.macAddress, krsystem::FormatIPv4(mNow->address),
                                       krsystem::FormatIPv4(mNow->mask), krsystem::FormatIPv4(mNow->gateway)};
-    const bool isGigE = GetInfo().GetType() == KrDeviceInfoType::GEV;
+    const bool isGigE = !IsHeard() || GetInfo().GetType() == KrDeviceInfoType::GEV;
     const auto set = isGigE ? KrDeviceGEV::SetIPConfiguration : KrDeviceTolvanProtocol::SetIPConfiguration;
     const std::string attempt = "giving " + GetName() + " the address " + wanted.ipAddress.ToUtf8() + " failed";
     KrResult result = set(wanted.macAddress, wanted.ipAddress, wanted.subnetMask, wanted.defaultGateway);

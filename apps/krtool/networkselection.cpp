@@ -1,5 +1,6 @@
 #include "networkselection.h"
 
+#include "addresscheck.h"
 #include "camerasession.h"
 #include "deviceselection.h"
 #include "devicewords.h"
@@ -7,6 +8,8 @@
 #include "plaintext.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstddef>
 #include <iterator>
 
 namespace krtool {
@@ -60,7 +63,36 @@ KrResult Take(const KrDeviceInfo& aDevice, NetworkDevice& aChosen) {
   return {};
 }
 
+constexpr std::size_t kMACLength = 17; // "aa:bb:cc:dd:ee:ff".
+
 } // namespace
+
+std::optional<KrString> ParseMAC(const KrString& aText) {
+  std::string text = aText.ToUtf8();
+  if (text.size() != kMACLength)
+    return std::nullopt;
+  for (std::size_t place = 0; place < kMACLength; ++place) {
+    const auto character = static_cast<unsigned char>(text[place]);
+    const bool isBetween = place % 3 == 2;
+    if (isBetween ? character != ':' && character != '-' : std::isxdigit(character) == 0)
+      return std::nullopt;
+    text[place] = isBetween ? ':' : static_cast<char>(std::tolower(character));
+  }
+  return KrString(text);
+}
+
+const KrNetworkAdapter* FindAdapter(const KrSystem& aSystem, const KrString& aName, std::uint32_t aAddress) {
+  for (std::size_t index = 0; const KrInterface* interface = aSystem.GetInterface(index); ++index) {
+    const auto* adapter = dynamic_cast<const KrNetworkAdapter*>(interface);
+    if (!adapter)
+      continue;
+    const std::vector<AdapterSubnet> subnets = GetSubnets(*adapter);
+    const auto subnet = FindSubnet(subnets, aAddress);
+    if (aName.IsEmpty() ? subnet && subnet->Holds(aAddress) : adapter->GetName() == aName)
+      return adapter;
+  }
+  return nullptr;
+}
 
 Devices GetDevices(const KrSystem& aSystem) {
   Devices devices;

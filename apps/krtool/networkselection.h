@@ -4,14 +4,15 @@
 
 #include "krsystem/krsystem.h"
 
-#include <string>
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace krtool {
 
 /// A device and where it is. The pointers are the system's.
 struct NetworkDevice {
-  const KrDeviceInfo* device = nullptr;      ///< Of GigE Vision or the older protocol.
+  const KrDeviceInfo* device = nullptr;      ///< Of GigE Vision or the older protocol; null for one that nobody heard.
   const KrNetworkAdapter* adapter = nullptr; ///< Null for one that only its address reached.
   krsystem::NetworkFields fields;            ///< What it states of itself.
 };
@@ -26,6 +27,12 @@ KrResult ChooseNetworkDevice(const std::vector<const KrDeviceInfo*>& aDevices, c
 /// timeout, or twice that.
 KrResult SelectNetworkDevice(KrSystem& aSystem, const KrString& aName, const KrString& aAdapter,
                              NetworkDevice& aChosen);
+
+/// A text that is a MAC address (any case, ':' or '-') as devices state it, "aa:bb:cc:dd:ee:ff"; nothing for another.
+std::optional<KrString> ParseMAC(const KrString& aText);
+
+/// The adapter of a name or, for the empty name, the first in whose subnet an address lies; null where there is none.
+const KrNetworkAdapter* FindAdapter(const KrSystem& aSystem, const KrString& aName, std::uint32_t aAddress);
 
 /// The devices of the last round.
 std::vector<const KrDeviceInfo*> GetDevices(const KrSystem& aSystem);

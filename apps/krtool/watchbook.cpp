@@ -64,6 +64,9 @@ std::vector<Change> Compare(const Table& aTable, const Object& aBefore, const Ob
 
 void WatchBook::TakeDevice(const KrDeviceInfo& aDevice, std::uint64_t aNowMs) {
   const KrInterface* const interface = aDevice.GetInterface();
+  // Discovery may list an interface only after it was heard from.
+  if (interface && mInterfaces.try_emplace(interface->GetUniqueID(), interface).second)
+    mNews.push_back({.kind = NewsKind::Appeared, .interface = interface});
   const DeviceKey key = {interface ? interface->GetUniqueID() : KrString(), aDevice.GetUniqueID()};
   const auto [entry, isNew] = mDevices.try_emplace(key, Sighting{&aDevice, aNowMs});
   Sighting& sighting = entry->second;

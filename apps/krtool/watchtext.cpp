@@ -16,14 +16,18 @@ std::string_view GetWord(NewsKind aKind) {
   return kWords[static_cast<std::size_t>(aKind)];
 }
 
-// Date and time with milliseconds, in the form that a pattern of strftime gives them up to the seconds.
-std::string FormatTime(NewsTime aTime, const char* aPattern, std::tm* (*aConvert)(const std::time_t*, std::tm*)) {
+using Convert = std::tm* (*)(const std::time_t*, std::tm*);
+
+// Date and time with milliseconds.
+std::string FormatTime(NewsTime aTime, char aBetween, Convert aConvert) {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(aTime);
   const std::time_t time = std::chrono::system_clock::to_time_t(seconds);
   std::tm fields = {};
   aConvert(&time, &fields);
   char text[32];
-  std::strftime(text, sizeof text, aPattern, &fields);
+  const std::size_t dateLength = std::strftime(text, sizeof text, "%Y-%m-%d", &fields);
+  text[dateLength] = aBetween;
+  std::strftime(text + dateLength + 1, sizeof text - dateLength - 1, "%H:%M:%S", &fields);
   char milliseconds[8];
   std::snprintf(milliseconds, sizeof milliseconds, ".%03d",
                 static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(aTime - seconds).count()));
@@ -41,7 +45,7 @@ std::string FormatChanges(const std::vector<Change>& aChanges) {
 } // namespace
 
 std::string FormatNews(const News& aNews, NewsTime aTime) {
-  std::string line = FormatTime(aTime, "%Y-%m-%d %H:%M:%S", localtime_r) + "  " + std::string(GetWord(aNews.kind));
+  std::string line = FormatTime(aTime, ' ', localtime_r) + "  " + std::string(GetWord(aNews.kind));
   for (const std::string& cell : aNews.device ? MakeRow(*aNews.device, {}) : MakeRow(*aNews.interface))
     line += "  " + cell;
   return line + FormatChanges(aNews.changes) + "\n";
@@ -50,7 +54,7 @@ std::string FormatNews(const News& aNews, NewsTime aTime) {
 std::string FormatNewsJson(const News& aNews, NewsTime aTime) {
   JsonWriter writer;
   writer.BeginObject();
-  writer.TextMember("time", FormatTime(aTime, "%Y-%m-%dT%H:%M:%S", gmtime_r) + "Z");
+  writer.TextMember("time", FormatTime(aTime, 'T', gmtime_r) + "Z");
   writer.TextMember("event", GetWord(aNews.kind));
   if (aNews.device) {
     writer.Key("device");

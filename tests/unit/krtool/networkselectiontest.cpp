@@ -115,5 +115,26 @@ TEST_F(NetworkSelection, UnknownName_IsToldWithWhatWasFound) {
   EXPECT_THAT(result.GetDescription().CStr(), HasSubstr("02:00:00:00:00:01"));
 }
 
+TEST_F(NetworkSelection, AdapterForAnAddress_IsTheNamedOneOrTheOneWhoseSubnetHoldsIt) {
+  constexpr std::uint32_t kOnSecond = 0x0A000107; // 10.0.1.7
+  KrSystem system;
+
+  const KrNetworkAdapter* const named = FindAdapter(system, "eth0", kOnSecond);
+  const KrNetworkAdapter* const holding = FindAdapter(system, "", kOnSecond);
+
+  ASSERT_TRUE(named && holding);
+  EXPECT_EQ(named->GetName(), "eth0");
+  EXPECT_EQ(holding->GetName(), "eth1");
+  EXPECT_EQ(FindAdapter(system, "eth7", kOnSecond), nullptr);
+  EXPECT_EQ(FindAdapter(system, "", 0xAC100001), nullptr);
+}
+
+TEST(NetworkSelectionText, MACAddress_IsReadInEachWayOfWriting) {
+  EXPECT_EQ(ParseMAC("02:4B:52:00:77:1a"), KrString("02:4b:52:00:77:1a"));
+  EXPECT_EQ(ParseMAC("02-4b-52-00-77-1a"), KrString("02:4b:52:00:77:1a"));
+  for (const char* text : {"", "02:4b:52:00:77", "02:4b:52:00:77:1g", "024b52:00:77:1a:0", "192.168.100.200.1"})
+    EXPECT_FALSE(ParseMAC(text)) << text;
+}
+
 } // namespace
 } // namespace krtool

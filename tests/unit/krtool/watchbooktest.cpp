@@ -1,5 +1,7 @@
 #include "watchbook.h"
 
+#include "faketransport.h"
+
 #include <gmock/gmock.h>
 
 namespace krtool {
@@ -20,12 +22,8 @@ KrDeviceInfoGEV MakeDevice(const KrString& aID, const KrString& aAddress, bool a
   return KrDeviceInfoGEV(fields);
 }
 
-KrNetworkAdapter MakeAdapter(const KrString& aName, const KrString& aAddress) {
-  krsystem::NetworkAdapterFields fields;
-  fields.uniqueID = aName;
-  fields.name = aName;
-  fields.addresses = {{aAddress, "255.255.255.0"}};
-  return KrNetworkAdapter(fields);
+KrNetworkAdapter MakeInterface(const KrString& aName, const KrString& aAddress) {
+  return KrNetworkAdapter(MakeAdapter(aName, aAddress));
 }
 
 // What a piece of news says, in one text.
@@ -120,9 +118,9 @@ TEST(WatchBook, AnotherObjectWithTheSameValues_IsNoNews) {
 
 TEST(WatchBook, InterfacesOfARound_AppearChangeAndVanish) {
   WatchBook book;
-  const KrNetworkAdapter first = MakeAdapter("eth0", "10.0.0.1");
-  const KrNetworkAdapter second = MakeAdapter("eth1", "10.0.1.1");
-  const KrNetworkAdapter secondLater = MakeAdapter("eth1", "10.0.2.1");
+  const KrNetworkAdapter first = MakeInterface("eth0", "10.0.0.1");
+  const KrNetworkAdapter second = MakeInterface("eth1", "10.0.1.1");
+  const KrNetworkAdapter secondLater = MakeInterface("eth1", "10.0.2.1");
   book.TakeInterfaces({&first, &second});
   const std::vector<std::string> atFirst = TakeTexts(book);
 
@@ -132,9 +130,23 @@ TEST(WatchBook, InterfacesOfARound_AppearChangeAndVanish) {
   EXPECT_THAT(TakeTexts(book), ElementsAre("eth0 vanished", "eth1 changed ipAddress:10.0.1.1>10.0.2.1"));
 }
 
+TEST(WatchBook, DeviceOnAnInterfaceThatWasNotListed_BringsIt) {
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0")};
+  transport->answers = {{0, MakeCamera("a")}};
+  KrSystem system;
+  ASSERT_TRUE(system.Find().IsOK());
+  WatchBook book;
+
+  book.TakeDevice(*system.GetDeviceInfo(0), 0);
+  book.TakeInterfaces({system.GetInterface(0)});
+
+  EXPECT_THAT(TakeTexts(book), ElementsAre("eth0 appeared", "a appeared"));
+}
+
 TEST(WatchBook, SameInterfacesAgain_AreNoNews) {
   WatchBook book;
-  const KrNetworkAdapter adapter = MakeAdapter("eth0", "10.0.0.1");
+  const KrNetworkAdapter adapter = MakeInterface("eth0", "10.0.0.1");
   book.TakeInterfaces({&adapter});
   EXPECT_THAT(book.TakeNews(), SizeIs(1));
 
