@@ -79,7 +79,15 @@ bool ProgramRun::ReadSome() {
 }
 
 bool ProgramRun::AwaitError(const std::string& aText) {
-  while (mErrors.find(aText) == std::string::npos)
+  return Await(mErrors, aText);
+}
+
+bool ProgramRun::AwaitOutput(const std::string& aText) {
+  return Await(mOutput, aText);
+}
+
+bool ProgramRun::Await(const std::string& aWritten, const std::string& aText) {
+  while (aWritten.find(aText) == std::string::npos)
     if (!ReadSome())
       return false;
   return true;

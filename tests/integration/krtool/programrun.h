@@ -18,6 +18,8 @@ public:
 
   /// Reads until a text has been written to standard error; false when the program ends before, or after a minute.
   bool AwaitError(const std::string& aText);
+  /// The same of standard output.
+  bool AwaitOutput(const std::string& aText);
   void Signal(int aSignal) const;
   /// Closes the end that standard output is read from; what the program writes then finds no reader.
   void CloseOutput();
@@ -30,6 +32,7 @@ public:
   const std::string& GetErrors() const { return mErrors; }
 
 private:
+  bool Await(const std::string& aWritten, const std::string& aText);
   bool ReadSome();
 
   pid_t mProcess = -1;
