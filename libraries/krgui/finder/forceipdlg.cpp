@@ -234,8 +234,9 @@ void ForceIPDlg::OnProposed(const KrResult& aResult, const KrString& aAddress, c
     }
     return;
   }
-  const KrString reason = aResult.GetDescription().IsEmpty() ? aResult.GetCodeString() : aResult.GetDescription();
-  (void)ShowMessage(GetDialog(), ToQString(KrString("No free address can be proposed. ") + reason),
+  const KrString& reason = aResult.GetDescription();
+  (void)ShowMessage(GetDialog(),
+                    reason.IsEmpty() ? QStringLiteral("No free address can be proposed.") : ToQString(reason),
                     QStringLiteral("Error"), MessageIcon::Exclamation);
 }
 

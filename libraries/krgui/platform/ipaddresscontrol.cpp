@@ -139,6 +139,10 @@ void IPAddressControl::SetError(const QString& aError) {
 // Keys.
 
 bool IPAddressControl::eventFilter(QObject* aField, QEvent* aEvent) {
+  if (!isEnabled()) {
+    // A filter sees what a disabled field does not.
+    return false;
+  }
   switch (aEvent->type()) {
   case QEvent::KeyPress:
     return HandleKey(static_cast<const QKeyEvent&>(*aEvent));

@@ -1,0 +1,582 @@
+// The dialog that sets a device's IP address, used as a person does: what it starts with, its marks, what it refuses
+// and asks, what it sends, the address that it proposes, and closing it while it is busy.
+
+#include "finder/forceipdlg.h"
+
+#include "duringmodalloop.h"
+#include "faketransport.h"
+#include "finder/errorprovider.h"
+#include "krbase/krlogger.h"
+#include "krsystem/ipv4address.h"
+#include "krsystem/krsystem.h"
+#include "platform/ipaddresscontrol.h"
+#include "testwnd.h"
+
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <latch>
+
+namespace krgui {
+
+namespace {
+
+constexpr const char* kMAC = "00:11:22:33:44:55";
+
+/// Sending takes until the test lets it end.
+class SlowTransport : public FakeTransport {
+public:
+  KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
+                       const KrString& aGateway) override {
+    ++asked;
+    if (isSlow) {
+      mayEnd.wait();
+    }
+    return FakeTransport::ConfigureIP(aMAC, aAddress, aMask, aGateway);
+  }
+  std::atomic<int> asked = 0;
+  bool isSlow = false;
+  std::latch mayEnd{1};
+};
+
+class ForceIPDlgTest : public testing::Test {
+protected:
+  ForceIPDlgTest() {
+    krsystem::RegisterTransport(transport);
+    owner.resize(700, 600);
+    owner.show();
+  }
+  ~ForceIPDlgTest() override { krsystem::UnregisterTransport(transport); }
+
+  /// Makes the system with one adapter and one device.
+  void MakeSystem(std::vector<krsystem::AdapterAddress> aAddresses = {{"192.168.1.10", "255.255.255.0"}},
+                  const KrString& aGateway = "192.168.1.1") {
+    krsystem::NetworkAdapterFields fields = MakeAdapter("eth0");
+    fields.macAddress = "aa:bb:cc:dd:ee:ff";
+    fields.addresses = std::move(aAddresses);
+    fields.defaultGateway = aGateway;
+    transport->interfaces = {fields};
+    transport->answers = {{0, MakeDevice()}};
+    transport->configureResult = {};
+    system = std::make_unique<KrSystem>();
+    ASSERT_TRUE(system->Find().IsOK());
+    ASSERT_EQ(system->GetDeviceCount(), 1U);
+  }
+
+  virtual krsystem::AnyDeviceFields MakeDevice() const { return MakeCamera(kMAC, "10.9.8.7"); }
+
+  /// Runs the dialog and acts in it.
+  ModalResult Run(std::function<void(QWidget&)> aAct) {
+    ForceIPDlg dialog(*system, static_cast<const KrNetworkAdapter&>(*system->GetInterface(0)),
+                      *system->GetDeviceInfo(0), owner.isVisible() ? &owner : nullptr);
+    DuringNextModalLoop(std::move(aAct));
+    return dialog.Run();
+  }
+
+  std::shared_ptr<SlowTransport> transport = std::make_shared<SlowTransport>();
+  std::unique_ptr<KrSystem> system;
+  QWidget owner;
+};
+
+class ForceTolvanIPDlgTest : public ForceIPDlgTest {
+protected:
+  krsystem::AnyDeviceFields MakeDevice() const override {
+    krsystem::TolvanProtocolFields fields;
+    fields.uniqueID = kMAC;
+    fields.macAddress = "00:aa:00:aa:00:aa";
+    return fields;
+  }
+};
+
+template <typename Control = QWidget>
+Control* Get(QWidget& aDialog, int aID) {
+  return aDialog.findChild<Control*>(QStringLiteral("control%1").arg(aID));
+}
+
+std::string GetEdit(QWidget& aDialog, int aID) {
+  return Get<QLineEdit>(aDialog, aID)->text().toStdString();
+}
+
+std::string GetAddress(QWidget& aDialog, int aID) {
+  return Get<IPAddressControl>(aDialog, aID)->GetText().toStdString();
+}
+
+std::string GetError(QWidget& aDialog, int aIndicatorID) {
+  return static_cast<ErrorProvider*>(Get(aDialog, aIndicatorID)->children().constFirst())->GetText().toStdString();
+}
+
+/// By keys, into the control that has the focus.
+void Type(const char* aText) {
+  for (const char* character = aText; *character != '\0'; ++character) {
+    QTest::keyClick(QApplication::focusWidget(), *character);
+  }
+}
+
+void Enter(QWidget& aDialog, int aID, const char* aAddress) {
+  Get<IPAddressControl>(aDialog, aID)->FocusField(0);
+  for (int field = 0; field < 4; ++field) {
+    Get<IPAddressControl>(aDialog, aID)->ClearField(field);
+  }
+  Type(aAddress);
+}
+
+/// The press alone, as the dialog may not take the release any more.
+void Press(QWidget& aDialog, Qt::Key aKey) {
+  QKeyEvent press(QEvent::KeyPress, aKey, Qt::NoModifier);
+  QWidget* focused = aDialog.focusWidget();
+  QApplication::sendEvent(focused != nullptr ? focused : &aDialog, &press);
+}
+
+/// What the next message box said; closes it with a key.
+void AnswerBox(std::string& aText, Qt::Key aKey) {
+  DuringNextModalLoop([&aText, aKey](QWidget& aBox) {
+    aText =
+        aBox.windowTitle().toStdString() + ": " + aBox.findChild<QLabel*>(QStringLiteral("text"))->text().toStdString();
+    QTest::keyClick(aBox.focusWidget(), aKey);
+  });
+}
+
+int GetFocusedField(QWidget& aDialog) {
+  const auto fields = Get(aDialog, 1038)->findChildren<QLineEdit*>();
+  return static_cast<int>(fields.indexOf(qobject_cast<QLineEdit*>(QApplication::focusWidget())));
+}
+
+// What it starts with.
+
+TEST_F(ForceIPDlgTest, Opened_ShowsAdapterAndDeviceAndProposesTheNetwork) {
+  MakeSystem();
+
+  const ModalResult result = Run([](QWidget& aDialog) {
+    EXPECT_EQ(aDialog.windowTitle(), QStringLiteral("Set IP Address"));
+    EXPECT_EQ(GetEdit(aDialog, 1037), "aa:bb:cc:dd:ee:ff");
+    EXPECT_EQ(Get<QComboBox>(aDialog, 1123)->currentText(), QStringLiteral("192.168.1.10"));
+    EXPECT_EQ(GetEdit(aDialog, 1050), "255.255.255.0");
+    EXPECT_EQ(GetEdit(aDialog, 1052), "192.168.1.1");
+    EXPECT_EQ(GetEdit(aDialog, 1045), kMAC);
+    EXPECT_EQ(GetAddress(aDialog, 1038), "192.168.1.");
+    EXPECT_EQ(GetAddress(aDialog, 1041), "255.255.255.0");
+    EXPECT_EQ(GetAddress(aDialog, 1043), "192.168.1.1");
+    EXPECT_EQ(GetFocusedField(aDialog), 3);
+    EXPECT_EQ(GetError(aDialog, 1003), "IP addresses ending by 0 or 255 are invalid.") << "an empty field counts as 0";
+    EXPECT_EQ(GetError(aDialog, 1008), "");
+    EXPECT_EQ(GetError(aDialog, 1013), "");
+    Press(aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(result, ModalResult::Cancel);
+  EXPECT_EQ(transport->asked, 0);
+}
+
+struct StartCase {
+  const char* name;
+  krsystem::AdapterAddress adapter;
+  const char* address;
+  int field;
+};
+
+class ForceIPDlgStart : public ForceIPDlgTest, public testing::WithParamInterface<StartCase> {};
+
+TEST_P(ForceIPDlgStart, Adapter_LeavesItsHostFieldsEmptyAndFocusesTheFirst) {
+  MakeSystem({GetParam().adapter});
+
+  (void)Run([](QWidget& aDialog) {
+    EXPECT_EQ(GetAddress(aDialog, 1038), GetParam().address);
+    EXPECT_EQ(GetFocusedField(aDialog), GetParam().field);
+    Press(aDialog, Qt::Key_Escape);
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Masks, ForceIPDlgStart,
+                         testing::Values(StartCase{"TwoFields", {"172.16.5.10", "255.255.0.0"}, "172.16..", 2},
+                                         StartCase{"ThreeFields", {"10.1.2.3", "255.0.0.0"}, "10...", 1},
+                                         StartCase{"Tiny", {"192.168.1.10", "255.255.255.252"}, "192.168.1.8", 0},
+                                         StartCase{"NoAddress", {"0.0.0.0", "0.0.0.0"}, "...", 0}),
+                         [](const auto& aInfo) { return aInfo.param.name; });
+
+TEST_F(ForceIPDlgTest, AnotherAdapterAddressByKeyboard_MovesTheDeviceThere) {
+  MakeSystem({{"192.168.1.10", "255.255.255.0"}, {"172.16.5.10", "255.255.0.0"}});
+
+  (void)Run([](QWidget& aDialog) {
+    auto* addresses = Get<QComboBox>(aDialog, 1123);
+    EXPECT_EQ(addresses->count(), 2);
+    addresses->setFocus();
+    QTest::keyClick(addresses, Qt::Key_Down);
+
+    EXPECT_EQ(addresses->currentText(), QStringLiteral("172.16.5.10"));
+    EXPECT_EQ(GetEdit(aDialog, 1050), "255.255.0.0");
+    EXPECT_EQ(GetAddress(aDialog, 1038), "172.16..");
+    EXPECT_EQ(GetAddress(aDialog, 1041), "255.255.0.0");
+    EXPECT_EQ(GetFocusedField(aDialog), 2);
+    EXPECT_EQ(GetError(aDialog, 1013), "Device Gateway does not match Interface Subnet.");
+    Press(aDialog, Qt::Key_Escape);
+  });
+}
+
+// The marks.
+
+TEST_F(ForceIPDlgTest, EveryKey_ChecksAtOnce) {
+  MakeSystem();
+
+  (void)Run([](QWidget& aDialog) {
+    Type("1");
+    EXPECT_EQ(GetError(aDialog, 1003), "");
+    Type("0");
+    EXPECT_EQ(GetError(aDialog, 1003), "The IP Address cannot be the same as the Interface!");
+    Type("1");
+    EXPECT_EQ(GetError(aDialog, 1003), "");
+    Enter(aDialog, 1041, "255.0.255.0");
+    EXPECT_EQ(GetError(aDialog, 1008), "Device Subnet Mask should match Interface Subnet Mask.");
+    EXPECT_EQ(Get(aDialog, 1041)->accessibleDescription().toStdString(),
+              "Device Subnet Mask should match Interface Subnet Mask.");
+    Enter(aDialog, 1041, "0.0.0.0");
+    EXPECT_EQ(GetError(aDialog, 1008), "");
+    EXPECT_EQ(Get(aDialog, 1041)->accessibleDescription(), QString());
+    Enter(aDialog, 1043, "10.0.0.1");
+    EXPECT_EQ(GetError(aDialog, 1013), "Device Gateway does not match Interface Subnet.");
+    Enter(aDialog, 1043, "0.0.0.0");
+    EXPECT_EQ(GetError(aDialog, 1013), "");
+    Press(aDialog, Qt::Key_Escape);
+  });
+}
+
+// OK.
+
+TEST_F(ForceIPDlgTest, GoodAddressAndEnter_SendsItAndEndsWithOK) {
+  MakeSystem();
+
+  const ModalResult result = Run([](QWidget& aDialog) {
+    Type("20");
+    Press(aDialog, Qt::Key_Return);
+  });
+
+  EXPECT_EQ(result, ModalResult::OK);
+  EXPECT_THAT(transport->configured, testing::ElementsAre(kMAC, "192.168.1.20", "255.255.255.0", "192.168.1.1"));
+}
+
+TEST_F(ForceTolvanIPDlgTest, DeviceOfTheOlderProtocol_IsSentItsConfiguration) {
+  MakeSystem();
+
+  const ModalResult result = Run([](QWidget& aDialog) {
+    EXPECT_EQ(GetEdit(aDialog, 1045), "00:aa:00:aa:00:aa");
+    Type("21");
+    QTest::mouseClick(Get(aDialog, 1), Qt::LeftButton);
+  });
+
+  EXPECT_EQ(result, ModalResult::OK);
+  EXPECT_THAT(transport->configured,
+              testing::ElementsAre("00:aa:00:aa:00:aa", "192.168.1.21", "255.255.255.0", "192.168.1.1"));
+}
+
+TEST_F(ForceIPDlgTest, DeviceThatDoesNotConfirm_EndsWithOKAllTheSameAndIsLogged) {
+  MakeSystem();
+  transport->configureResult = {KrResult::Code::NotFound, "Nobody confirmed."};
+  const KrLogCapture log;
+
+  const ModalResult result = Run([](QWidget& aDialog) {
+    Type("20");
+    Press(aDialog, Qt::Key_Return);
+  });
+
+  EXPECT_EQ(result, ModalResult::OK);
+  ASSERT_FALSE(log.GetRecords().empty());
+  EXPECT_EQ(log.GetRecords().back().level, KrLogLevel::Warning);
+  EXPECT_THAT(log.GetRecords().back().text.ToUtf8(), testing::HasSubstr(kMAC));
+}
+
+struct HardErrorCase {
+  const char* name;
+  const char* address;
+  const char* text;
+};
+
+class ForceIPDlgHardError : public ForceIPDlgTest, public testing::WithParamInterface<HardErrorCase> {};
+
+TEST_P(ForceIPDlgHardError, OK_IsRefusedWithItsTextAndKeepsTheValues) {
+  MakeSystem();
+  std::string text;
+
+  const ModalResult result = Run([&](QWidget& aDialog) {
+    Enter(aDialog, 1038, GetParam().address);
+    AnswerBox(text, Qt::Key_Return);
+    Press(aDialog, Qt::Key_Return);
+
+    EXPECT_TRUE(aDialog.isVisible());
+    EXPECT_EQ(GetAddress(aDialog, 1038), GetParam().address);
+    Press(aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(text, GetParam().text);
+  EXPECT_EQ(result, ModalResult::Cancel);
+  EXPECT_EQ(transport->asked, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ForceIPDlgHardError,
+    testing::Values(
+        HardErrorCase{"SameAsInterface", "192.168.1.10", "Error: Cannot assign the same IP Address as the Interface!"},
+        HardErrorCase{"Multicast", "230.1.1.1",
+                      "Error: IP addresses in the 224.*.*.* to 255.*.*.* range cannot be assigned to a device."},
+        HardErrorCase{"Network", "192.168.1.0",
+                      "Error: Cannot assign the device IP Address to be the same as its subnet!"}),
+    [](const auto& aInfo) { return aInfo.param.name; });
+
+constexpr const char* kQuestion =
+    "Warning: This IP Configuration may be incompatible with your Interface settings or simply invalid.\n\nAre you "
+    "sure you want to continue?";
+
+TEST_F(ForceIPDlgTest, DoubtfulAddressAndYes_IsSent) {
+  MakeSystem();
+  std::string text;
+
+  const ModalResult result = Run([&](QWidget& aDialog) {
+    Enter(aDialog, 1038, "10.0.0.5");
+    EXPECT_EQ(GetError(aDialog, 1003), "Device IP Address does not match Interface Subnet.");
+    AnswerBox(text, Qt::Key_Y);
+    Press(aDialog, Qt::Key_Return);
+  });
+
+  EXPECT_EQ(text, kQuestion);
+  EXPECT_EQ(result, ModalResult::OK);
+  EXPECT_THAT(transport->configured, testing::ElementsAre(kMAC, "10.0.0.5", "255.255.255.0", "192.168.1.1"));
+}
+
+TEST_F(ForceIPDlgTest, DoubtfulAddressAndAnythingButYes_LeavesTheDialogOpen) {
+  MakeSystem();
+
+  for (const Qt::Key key : {Qt::Key_N, Qt::Key_Escape}) {
+    std::string text;
+    const ModalResult result = Run([&](QWidget& aDialog) {
+      Enter(aDialog, 1038, "10.0.0.5");
+      AnswerBox(text, key);
+      Press(aDialog, Qt::Key_Return);
+      EXPECT_TRUE(aDialog.isVisible());
+      Press(aDialog, Qt::Key_Escape);
+    });
+
+    EXPECT_EQ(text, kQuestion);
+    EXPECT_EQ(result, ModalResult::Cancel);
+  }
+  EXPECT_EQ(transport->asked, 0);
+}
+
+TEST_F(ForceIPDlgTest, NoMask_PassesTheSubnetRules) {
+  MakeSystem();
+
+  const ModalResult result = Run([](QWidget& aDialog) {
+    Enter(aDialog, 1041, "0.0.0.0");
+    Enter(aDialog, 1038, "192.168.1.20");
+    Press(aDialog, Qt::Key_Return);
+  });
+
+  EXPECT_EQ(result, ModalResult::OK);
+  EXPECT_THAT(transport->configured, testing::ElementsAre(kMAC, "192.168.1.20", "0.0.0.0", "192.168.1.1"));
+}
+
+// Closing while it is busy.
+
+TEST_F(ForceIPDlgTest, KeysAndCloseBoxWhileItSends_ChangeNothing) {
+  MakeSystem();
+  transport->isSlow = true;
+
+  const ModalResult result = Run([&](QWidget& aDialog) {
+    Type("20");
+    Press(aDialog, Qt::Key_Return);
+    EXPECT_FALSE(aDialog.isEnabled());
+    EXPECT_EQ(aDialog.cursor().shape(), Qt::WaitCursor);
+    aDialog.close();
+    Press(aDialog, Qt::Key_Escape);
+    Press(aDialog, Qt::Key_Return);
+    EXPECT_TRUE(aDialog.isVisible());
+    transport->mayEnd.count_down();
+  });
+
+  EXPECT_EQ(result, ModalResult::OK);
+  EXPECT_EQ(transport->asked, 1);
+}
+
+TEST_F(ForceIPDlgTest, OwnerClosesWhileItSends_WaitsForTheWorkerAndSaysGone) {
+  MakeSystem();
+  transport->isSlow = true;
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  ForceIPDlg dialog(*system, static_cast<const KrNetworkAdapter&>(*system->GetInterface(0)), *system->GetDeviceInfo(0),
+                    window.GetWidget());
+  DuringNextModalLoop([&](QWidget& aDialog) {
+    Type("20");
+    Press(aDialog, Qt::Key_Return);
+    transport->mayEnd.count_down();
+    EXPECT_TRUE(window.Close().IsOK());
+  });
+
+  const ModalResult result = dialog.Run();
+
+  EXPECT_EQ(result, ModalResult::Gone);
+  EXPECT_EQ(transport->configured.size(), 4U) << "the worker has ended";
+  DeleteWhatIsLeft();
+}
+
+TEST_F(ForceIPDlgTest, OwnerClosesUnderTheQuestion_SendsNothing) {
+  MakeSystem();
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  ForceIPDlg dialog(*system, static_cast<const KrNetworkAdapter&>(*system->GetInterface(0)), *system->GetDeviceInfo(0),
+                    window.GetWidget());
+  DuringNextModalLoop([&](QWidget& aDialog) {
+    Enter(aDialog, 1038, "10.0.0.5");
+    DuringNextModalLoop([&](QWidget&) { EXPECT_TRUE(window.Close().IsOK()); });
+    Press(aDialog, Qt::Key_Return);
+  });
+
+  EXPECT_EQ(dialog.Run(), ModalResult::Gone);
+
+  EXPECT_EQ(transport->asked, 0);
+  DeleteWhatIsLeft();
+}
+
+// Proposing an address.
+
+/// Answers that all asked addresses up to a last field are used.
+auto UseUpTo(std::uint32_t aLastField) {
+  return [aLastField](const std::vector<std::uint32_t>& aAddresses, const std::stop_token&,
+                      std::vector<std::uint32_t>& aUsed) {
+    for (const std::uint32_t address : aAddresses) {
+      if ((address & 0xFFU) <= aLastField) {
+        aUsed.push_back(address);
+      }
+    }
+    return KrResult();
+  };
+}
+
+/// Answers when it is cancelled.
+KrResult WaitForCancel(const std::vector<std::uint32_t>&, const std::stop_token& aCancel, std::vector<std::uint32_t>&) {
+  while (!aCancel.stop_requested()) {
+    std::this_thread::yield();
+  }
+  return KrResult::Code::Aborted;
+}
+
+TEST_F(ForceIPDlgTest, Propose_FillsInAFreeAddressWithoutComplaint) {
+  MakeSystem();
+  transport->findUsed = UseUpTo(11);
+
+  const ModalResult result = Run([](QWidget& aDialog) {
+    auto* propose = Get<QPushButton>(aDialog, 1140);
+    QTest::mouseClick(propose, Qt::LeftButton);
+    EXPECT_TRUE(WaitFor([&] { return propose->isEnabled(); }));
+
+    EXPECT_EQ(propose->text(), QStringLiteral("Propose a free address"));
+    const std::uint32_t address = Get<IPAddressControl>(aDialog, 1038)->GetAddress();
+    EXPECT_EQ(address >> 8U, 0xC0A801U);
+    EXPECT_GT(address & 0xFFU, 11U);
+    EXPECT_EQ(GetError(aDialog, 1003), "");
+    Press(aDialog, Qt::Key_Return);
+  });
+
+  EXPECT_EQ(result, ModalResult::OK);
+  EXPECT_EQ(transport->configured.size(), 4U);
+}
+
+TEST_F(ForceIPDlgTest, TypedWhileItLooks_KeepsWhatWasTyped) {
+  MakeSystem();
+  std::latch mayAnswer{1};
+  transport->findUsed = [&](const auto&, const std::stop_token&, auto&) {
+    mayAnswer.wait();
+    return KrResult();
+  };
+
+  (void)Run([&](QWidget& aDialog) {
+    auto* propose = Get<QPushButton>(aDialog, 1140);
+    QTest::mouseClick(propose, Qt::LeftButton);
+    EXPECT_FALSE(propose->isEnabled());
+    EXPECT_EQ(propose->text(), QStringLiteral("Looking…"));
+    EXPECT_EQ(GetFocusedField(aDialog), 3) << "the user can type at once";
+    Type("77");
+    mayAnswer.count_down();
+    EXPECT_TRUE(WaitFor([&] { return propose->isEnabled(); }));
+
+    EXPECT_EQ(GetAddress(aDialog, 1038), "192.168.1.77");
+    Press(aDialog, Qt::Key_Escape);
+  });
+}
+
+TEST_F(ForceIPDlgTest, NobodyCanBeAsked_SaysWhy) {
+  MakeSystem({{"0.0.0.0", "0.0.0.0"}});
+  std::string text;
+
+  (void)Run([&](QWidget& aDialog) {
+    AnswerBox(text, Qt::Key_Return);
+    QTest::mouseClick(Get(aDialog, 1140), Qt::LeftButton);
+    EXPECT_TRUE(WaitFor([&] { return !text.empty(); }));
+    EXPECT_TRUE(Get(aDialog, 1140)->isEnabled());
+    Press(aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_THAT(text, testing::StartsWith("Error: "));
+  EXPECT_THAT(text, testing::HasSubstr("no address"));
+}
+
+TEST_F(ForceIPDlgTest, ClosedWhileItLooks_CancelsAndJoins) {
+  MakeSystem();
+  transport->findUsed = WaitForCancel;
+
+  const ModalResult result = Run([](QWidget& aDialog) {
+    QTest::mouseClick(Get(aDialog, 1140), Qt::LeftButton);
+    Press(aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(result, ModalResult::Cancel);
+}
+
+TEST_F(ForceIPDlgTest, OKWhileItLooks_SendsWhatWasTyped) {
+  MakeSystem();
+  transport->findUsed = WaitForCancel;
+
+  const ModalResult result = Run([](QWidget& aDialog) {
+    QTest::mouseClick(Get(aDialog, 1140), Qt::LeftButton);
+    Type("33");
+    Press(aDialog, Qt::Key_Return);
+  });
+
+  EXPECT_EQ(result, ModalResult::OK);
+  EXPECT_THAT(transport->configured, testing::Contains(KrString("192.168.1.33")));
+}
+
+// Keys.
+
+TEST_F(ForceIPDlgTest, TabKey_StopsOnceAtEachAddress) {
+  MakeSystem();
+
+  (void)Run([](QWidget& aDialog) {
+    const auto find = [&] {
+      QWidget* focused = QApplication::focusWidget();
+      return qobject_cast<IPAddressControl*>(focused->parentWidget()) != nullptr
+                 ? focused->parentWidget()->property("controlID").toInt()
+                 : focused->property("controlID").toInt();
+    };
+    std::vector<int> forwards;
+    for (int step = 0; step < 7; ++step) {
+      forwards.push_back(find());
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_THAT(forwards, testing::ElementsAre(1038, 1041, 1043, 1140, 1, 2, 1037));
+    EXPECT_EQ(find(), 1123);
+    std::vector<int> backwards;
+    for (int step = 0; step < 7; ++step) {
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+      backwards.push_back(find());
+    }
+    EXPECT_THAT(backwards, testing::ElementsAre(1037, 2, 1, 1140, 1043, 1041, 1038));
+    Press(aDialog, Qt::Key_Escape);
+  });
+}
+
+} // namespace
+
+} // namespace krgui
