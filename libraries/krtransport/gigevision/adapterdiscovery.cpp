@@ -8,6 +8,7 @@
 #include "krsystem/ipv4address.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <utility>
 
@@ -66,6 +67,50 @@ KrResult MakeNotFound(std::uint32_t aAddress, const KrString& aReason) {
           "No GigE Vision device was found at " + krsystem::FormatIPv4(aAddress) + ". " + aReason};
 }
 
+// Asks on each of these adapters for itself; true with the first that answers.
+bool AskOnAdapters(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std::uint32_t aAddress,
+                   milliseconds aTimeout, krsystem::NetworkAdapterFields& aAdapter, krsystem::GEVFields& aDevice) {
+  const std::uint16_t requestID = TakeRequestID();
+  bool isFound = false;
+  const auto take = [&](std::size_t aIndex, std::span<const std::uint8_t> aDatagram) {
+    DiscoveryPayload payload;
+    if (KrResult result = ParseDiscoveryAcknowledge(aDatagram, requestID, payload); !result.IsOK()) {
+      LogRefused(aAdapters[aIndex], result);
+      return true;
+    }
+    aAdapter = aAdapters[aIndex];
+    aDevice = MakeDeviceFields(payload, aAdapter);
+    // It answered to its own address.
+    aDevice.configurationValid = true;
+    isFound = true;
+    return false;
+  };
+  const KrResult round = RunBroadcastRound(
+      aAdapters, {.command = MakeDiscoveryCommand(requestID), .target = aAddress, .timeout = aTimeout, .cancel = {}},
+      take);
+  return round.IsOK() && isFound;
+}
+
+// Asks by the way that the routing table names.
+KrResult AskByRoute(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std::uint32_t aAddress,
+                    milliseconds aTimeout, krsystem::NetworkAdapterFields& aAdapter, krsystem::GEVFields& aDevice) {
+  GvcpClient client;
+  if (KrResult result = GvcpClient::Connect(aAddress, std::nullopt, client); !result.IsOK())
+    return MakeNotFound(aAddress, result.GetDescription());
+  const auto* adapter = FindAdapter(aAdapters, client.GetLocalAddress());
+  if (adapter == nullptr)
+    return MakeNotFound(aAddress, "No network adapter of this host leads there.");
+  DiscoveryPayload payload;
+  const milliseconds perTry = aTimeout / 2;
+  if (KrResult result = client.Discover(payload, {.perTry = perTry, .tries = 2, .total = perTry * 2}); !result.IsOK())
+    return MakeNotFound(aAddress, result.GetDescription());
+  aAdapter = *adapter;
+  aDevice = MakeDeviceFields(payload, *adapter);
+  // It answered to its own address, if need be through a router.
+  aDevice.configurationValid = true;
+  return {};
+}
+
 } // namespace
 
 KrResult DiscoverOnAdapters(const std::vector<krsystem::NetworkAdapterFields>& aAdapters,
@@ -94,21 +139,18 @@ KrResult DiscoverOnAdapters(const std::vector<krsystem::NetworkAdapterFields>& a
 KrResult DiscoverAddress(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std::uint32_t aAddress,
                          std::uint32_t aTimeoutMs, krsystem::NetworkAdapterFields& aAdapter,
                          krsystem::GEVFields& aDevice) {
-  GvcpClient client;
-  if (KrResult result = GvcpClient::Connect(aAddress, std::nullopt, client); !result.IsOK())
-    return MakeNotFound(aAddress, result.GetDescription());
-  const auto* adapter = FindAdapter(aAdapters, client.GetLocalAddress());
-  if (adapter == nullptr)
-    return MakeNotFound(aAddress, "No network adapter of this host leads there.");
-  DiscoveryPayload payload;
-  const milliseconds perTry = milliseconds(std::max<std::uint32_t>(aTimeoutMs, 2)) / 2;
-  if (KrResult result = client.Discover(payload, {.perTry = perTry, .tries = 2, .total = perTry * 2}); !result.IsOK())
-    return MakeNotFound(aAddress, result.GetDescription());
-  aAdapter = *adapter;
-  aDevice = MakeDeviceFields(payload, *adapter);
-  // It answered to its own address, if need be through a router.
-  aDevice.configurationValid = true;
-  return {};
+  milliseconds timeout(std::max<std::uint32_t>(aTimeoutMs, 2));
+  std::vector<krsystem::NetworkAdapterFields> candidates;
+  std::copy_if(
+      aAdapters.begin(), aAdapters.end(), std::back_inserter(candidates),
+      [&](const krsystem::NetworkAdapterFields& aOne) { return FindLocalAddress(aOne, aAddress).has_value(); });
+  // The routing table names one way alone, where the address may be behind either of several adapters.
+  if (candidates.size() > 1) {
+    timeout /= 2;
+    if (AskOnAdapters(candidates, aAddress, timeout, aAdapter, aDevice))
+      return {};
+  }
+  return AskByRoute(aAdapters, aAddress, timeout, aAdapter, aDevice);
 }
 
 } // namespace krtransport

@@ -21,7 +21,8 @@ using TakeDevice = std::function<void(std::size_t aAdapterIndex, const krsystem:
 KrResult DiscoverOnAdapters(const std::vector<krsystem::NetworkAdapterFields>& aAdapters,
                             const krsystem::DiscoveryRequest& aRequest, const TakeDevice& aTake);
 
-/// Asks one address, by the way that the routing table names; ends at the first right answer.
+/// Asks one address, on each adapter in whose subnet it lies where there are several, else and afterwards by the way
+/// that the routing table names; ends at the first right answer.
 /// NotFound when nothing answers in time.
 KrResult DiscoverAddress(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std::uint32_t aAddress,
                          std::uint32_t aTimeoutMs, krsystem::NetworkAdapterFields& aAdapter,

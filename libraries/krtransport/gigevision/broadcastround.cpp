@@ -52,7 +52,9 @@ void SendOnAll(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std
                const BroadcastRound& aRound) {
   for (OpenAdapter& open : aOpened) {
     const auto& adapter = aAdapters[open.index];
-    for (const std::uint32_t address : GetBroadcastAddresses(adapter, aRound.subnetBroadcast)) {
+    const auto addresses = aRound.target ? std::vector<std::uint32_t>{*aRound.target}
+                                         : GetBroadcastAddresses(adapter, aRound.subnetBroadcast);
+    for (const std::uint32_t address : addresses) {
       const KrResult result = open.socket.Send(aRound.command, address);
       if (!result.IsOK() && !std::exchange(open.isPassedOver, true))
         LogPassedOver(adapter, result);

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <stop_token>
 #include <vector>
@@ -19,6 +20,8 @@ namespace krtransport {
 struct BroadcastRound {
   std::vector<std::uint8_t> command;
   bool subnetBroadcast = true; ///< To each subnet; otherwise to 255.255.255.255.
+  /// To this address alone instead, on each adapter.
+  std::optional<std::uint32_t> target = {};
   std::chrono::milliseconds timeout{1000};
   std::stop_token cancel;
 };

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -205,11 +206,16 @@ TEST_F(OnANetwork, Cancel_ManyTimesAtManyMoments_EndsEveryRoundAndTheNextOneFind
   system.SetSubnetBroadcastEnabled(false);
   std::vector<KrResult> results(50);
   for (KrResult& result : results) {
-    const std::uint32_t heardBefore = device.GetHeard(0x0002);
-    std::jthread finder([&] { result = system.Find(); });
-    while (device.GetHeard(0x0002) == heardBefore)
+    std::atomic<bool> isOver = false;
+    std::jthread finder([&] {
+      result = system.Find();
+      isOver = true;
+    });
+    // A cancellation that comes before the round begins is none.
+    while (!isOver) {
+      system.Cancel();
       std::this_thread::yield();
-    system.Cancel();
+    }
   }
 
   Find(system);

@@ -46,6 +46,7 @@ const DiscoveryCase kDiscoveryCases[] = {
     {"WithoutAddressBySubnet", "0.0.0.0", kAsCameras, true, 0, false, false, false},
     {"WithoutAddressByLimited", "0.0.0.0", kAsCameras, false, 0, false, true, false},
     {"WithoutAddressStrictlyFiltered", "0.0.0.0", kAsCameras, false, 1, false, true, false},
+    {"ThisHostsOwnAddress", "192.168.1.10", kAsCameras, false, 0, false, false, false},
     {"WithoutAddressLooselyFiltered", "0.0.0.0", kAsCameras, false, 2, false, true, false},
 };
 
