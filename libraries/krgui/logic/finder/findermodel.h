@@ -122,8 +122,8 @@ struct FinderSelection {
   const KrDeviceInfo* device = nullptr;
 };
 
-/// Finds interface and device by their unique IDs; for an interface the device stays null. The find lock is held, so that
-/// the lists stay as they are; the data lock is taken, because interfaces are reported without the find lock.
+/// Finds interface and device by their unique IDs; for an interface the device stays null. The find lock is held, so
+/// that the lists stay as they are; the data lock is taken, because interfaces are reported without the find lock.
 FinderSelection FindSelection(const KrSystem& aSystem, const FinderModel& aModel, const TreeItemInfo& aSelected);
 
 } // namespace krgui
