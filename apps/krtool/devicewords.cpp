@@ -47,7 +47,7 @@ KrString GetShortName(const KrInterface* aInterface) {
   const auto* adapter = dynamic_cast<const KrNetworkAdapter*>(aInterface);
   if (adapter && !adapter->GetName().IsEmpty())
     return adapter->GetName();
-  return aInterface ? aInterface->GetDisplayID() : KrString();
+  return aInterface ? aInterface->GetUniqueID() : KrString();
 }
 
 KrString JoinAddresses(const KrInterface& aInterface) {

@@ -22,7 +22,7 @@ std::string_view GetReachableWord(const KrDeviceInfo& aDevice);
 /// What a device on the network states of itself; nothing for any other device.
 std::optional<krsystem::NetworkFields> GetNetworkFields(const KrDeviceInfo& aDevice);
 
-/// The system's name of an adapter, the text for lists of any other interface; empty for null.
+/// The system's name of an adapter, the unique ID of any other interface; empty for null.
 KrString GetShortName(const KrInterface* aInterface);
 /// All addresses of an adapter, parted by commas; empty for any other interface.
 KrString JoinAddresses(const KrInterface& aInterface);

@@ -1,5 +1,5 @@
-// krtool on a network made for the test: it repairs the address of a device of our own, watches the
-// device go, and says why others are missing.
+// krtool on a network made for the test: it repairs the address of a device of our own, sets what lasts, watches the
+// device go and come, and says why others are missing.
 
 #include "networklab.h"
 #include "programrun.h"
@@ -78,16 +78,33 @@ TEST_F(KrToolOnANetwork, DeviceThatRefuses_FailsAndKeepsItsAddress) {
   EXPECT_EQ(device.GetAddresses().address, 0xC0A80163U);
 }
 
-TEST_F(KrToolOnANetwork, WatchedDevice_VanishesWhenItIsSilentAndCtrlCEndsWith0) {
+TEST_F(KrToolOnANetwork, DeviceThatIsReached_KeepsWhatLasts) {
+  const TestDevice device(mHost, "port0", {.mac = kMac, .address = "192.168.1.20"});
+
+  ProgramRun run(KRTOOL_PATH, {"ip", kMac, "--persistent", "192.168.1.50", "--dhcp", "off"});
+
+  EXPECT_EQ(run.Finish(), 0) << run.GetErrors();
+  EXPECT_EQ(device.Read(0x064C), kNewAddress);
+  EXPECT_EQ(device.Read(0x065C), kMask);
+  EXPECT_EQ(device.Read(0x0014) & 0x3U, 0x1U);
+  EXPECT_EQ(device.GetAddresses().address, 0xC0A80114U);
+  ProgramRun shown(KRTOOL_PATH, {"ip", kMac});
+  EXPECT_EQ(shown.Finish(), 0) << shown.GetErrors();
+  EXPECT_THAT(shown.GetOutput(), HasSubstr("on  192.168.1.50, mask 255.255.255.0, gateway 0.0.0.0\n"));
+}
+
+TEST_F(KrToolOnANetwork, WatchedDevice_VanishesAndReturnsAndCtrlCEndsWith0) {
   TestDevice device(mHost, "port0", {.mac = kMac, .address = "192.168.1.20"});
   ProgramRun run(KRTOOL_PATH, {"list", "--watch"});
   ASSERT_TRUE(run.AwaitOutput("appeared  device  GEV  02:00:00:00:00:42")) << run.GetOutput();
 
   device.SetSilent(true);
   const bool hasVanished = run.AwaitOutput("vanished  device  GEV  02:00:00:00:00:42");
+  mLab.SetDown("eth0");
+  const bool hasLostAddress = run.AwaitOutput("ipAddress 192.168.1.10 -> 0.0.0.0");
   run.Signal(SIGINT);
 
-  EXPECT_TRUE(hasVanished) << run.GetOutput();
+  EXPECT_TRUE(hasVanished && hasLostAddress) << run.GetOutput();
   EXPECT_EQ(run.Finish(), 0) << run.GetErrors();
 }
 
@@ -97,7 +114,8 @@ TEST_F(KrToolOnANetwork, AdapterWithoutAddress_IsDiagnosed) {
   ProgramRun run(KRTOOL_PATH, {"list", "--diagnose", "--timeout", "200"});
 
   EXPECT_EQ(run.Finish(), 3) << run.GetErrors();
-  EXPECT_THAT(run.GetOutput(), HasSubstr("eth1: "));
+  EXPECT_THAT(run.GetOutput(), HasSubstr("eth1"));
+  EXPECT_THAT(run.GetOutput(), HasSubstr("\n    "));
 }
 
 } // namespace

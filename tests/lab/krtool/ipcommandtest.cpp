@@ -104,6 +104,57 @@ TEST_F(IPCommand, WhatLasts_IsNotSetOnACameraThatCannotBeReached) {
   EXPECT_THAT(mErrors.str(), HasSubstr("--set auto"));
 }
 
+TEST_F(IPCommand, LostCamera_IsGivenAFreeAddressOfItsAdaptersSubnet) {
+  const int exitCode = Run(kForeign, {.sets = true});
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  EXPECT_THAT(FindAddress(kForeign).ToUtf8(), testing::StartsWith("192.168.77."));
+  EXPECT_THAT(mOut.str(), HasSubstr("state             reachable\n"));
+}
+
+TEST_F(IPCommand, CameraThatIsReached_KeepsWhatLasts) {
+  const int exitCode = Run("sim-mono", {.persistent = true, .persistentAddress = kFree, .dhcp = true});
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  EXPECT_THAT(mOut.str(), HasSubstr("IP address        192.168.77.10\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("own address       on  192.168.77.50, mask 255.255.255.0, gateway 0.0.0.0\n"));
+  EXPECT_THAT(mOut.str(), HasSubstr("DHCP              on\n"));
+  mOut.str("");
+  EXPECT_EQ(Run("sim-mono", {}), 0);
+  EXPECT_THAT(mOut.str(), HasSubstr("own address       on  192.168.77.50, mask 255.255.255.0, gateway 0.0.0.0\n"));
+}
+
+TEST_F(IPCommand, LostCamera_IsRepairedNowAndForGoodAtOnce) {
+  const int exitCode =
+      Run(kForeign, {.sets = true, .address = kFree, .persistent = true, .persistentAddress = kFree}, false, true);
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(mOut.str())).object();
+  EXPECT_EQ(object["ipAddress"].toString(), "192.168.77.50");
+  EXPECT_EQ(object["lasting"].toObject()["ipAddress"].toString(), "192.168.77.50");
+  EXPECT_TRUE(object["lasting"].toObject()["persistent"].toBool());
+}
+
+TEST_F(IPCommand, CameraThatAnApplicationControls_DoesNotTakeWhatLasts) {
+  const int exitCode = Run("sim-busy", {.dhcp = true});
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_EQ(mOut.str(), "");
+  EXPECT_THAT(mErrors.str(), HasSubstr("setting how"));
+}
+
+TEST_F(IPCommand, DeviceOfTheOlderProtocol_IsGivenAnAddressAndKeepsNone) {
+  constexpr const char* kTolvan = "02:4b:52:00:78:20";
+
+  const int set = Run(kTolvan, {.sets = true, .address = 0xC0A84E32}); // 192.168.78.50
+  const int lasting = Run(kTolvan, {.dhcp = true});
+
+  EXPECT_EQ(set, 0) << mErrors.str();
+  EXPECT_THAT(mOut.str(), HasSubstr("IP address      192.168.78.50\n"));
+  EXPECT_EQ(lasting, 1);
+  EXPECT_THAT(mErrors.str(), HasSubstr("no GigE Vision device"));
+}
+
 TEST_F(IPCommand, UnknownDevice_IsToldWithThoseFound) {
   const int exitCode = Run("nobody", {});
 

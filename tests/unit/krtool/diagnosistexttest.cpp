@@ -19,6 +19,12 @@ TEST(DiagnosisText, Findings_AreTextsWithTheirRemediesIndented) {
                                                       "    Change one.\n");
 }
 
+TEST(DiagnosisText, TextThatNamesItsSubject_StandsAlone) {
+  const KrFinding finding = {KrFindingKind::AdapterDown, "eth1", "The adapter eth1 is down.", ""};
+
+  EXPECT_EQ(FormatFindings({finding}), "The adapter eth1 is down.\n");
+}
+
 TEST(DiagnosisText, NoFinding_IsSaid) {
   EXPECT_EQ(FormatFindings({}), "Nothing was found that would keep devices away.\n");
 }
