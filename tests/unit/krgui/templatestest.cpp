@@ -67,6 +67,56 @@ TEST(Templates, UnknownNumber_GivesNull) {
   EXPECT_EQ(FindTemplate(1022), nullptr);
 }
 
+struct ControlRow {
+  int id;
+  ControlClass controlClass;
+  std::string_view text;
+  UnitRect rect;
+};
+
+/// By hand, as the dialogs are described; labels have no number.
+constexpr ControlRow kForceIPRows[] = {
+    {1037, ControlClass::ReadOnlyEdit, "", {78, 19, 99, 14}},
+    {1123, ControlClass::ComboBox, "", {78, 35, 99, 14}},
+    {1050, ControlClass::ReadOnlyEdit, "", {78, 51, 99, 14}},
+    {1052, ControlClass::ReadOnlyEdit, "", {78, 68, 99, 14}},
+    {1045, ControlClass::ReadOnlyEdit, "", {78, 105, 99, 14}},
+    {1038, ControlClass::IPAddress, "", {78, 121, 99, 15}},
+    {1003, ControlClass::ErrorIndicator, "", {180, 122, 12, 12}},
+    {1041, ControlClass::IPAddress, "", {78, 138, 99, 15}},
+    {1008, ControlClass::ErrorIndicator, "", {180, 138, 12, 12}},
+    {1043, ControlClass::IPAddress, "", {78, 155, 99, 15}},
+    {1013, ControlClass::ErrorIndicator, "", {180, 155, 12, 12}},
+    {1140, ControlClass::Button, "Propose a free address", {7, 196, 82, 16}},
+    {1, ControlClass::DefaultButton, "OK", {93, 196, 50, 16}},
+    {2, ControlClass::Button, "Cancel", {145, 196, 50, 16}},
+};
+constexpr ControlRow kSelectFromIPRows[] = {
+    {1125, ControlClass::IPAddress, "", {71, 35, 99, 15}},
+    {1, ControlClass::DefaultButton, "OK", {94, 75, 50, 14}},
+    {2, ControlClass::Button, "Cancel", {148, 75, 50, 14}},
+};
+
+TEST(Templates, DialogsOfTheFinder_HaveTheirControlsInTheirPlaces) {
+  const struct {
+    int id;
+    std::span<const ControlRow> rows;
+  } dialogs[] = {{kForceIPTemplateID, kForceIPRows}, {kSelectFromIPTemplateID, kSelectFromIPRows}};
+  for (const auto& dialog : dialogs) {
+    for (const ControlRow& row : dialog.rows) {
+      const ControlTemplate* control = FindControl(*FindTemplate(dialog.id), row.id);
+
+      ASSERT_NE(control, nullptr) << row.id;
+      EXPECT_EQ(control->controlClass, row.controlClass) << row.id;
+      EXPECT_EQ(control->text, row.text) << row.id;
+      EXPECT_EQ(control->rect.x, row.rect.x) << row.id;
+      EXPECT_EQ(control->rect.y, row.rect.y) << row.id;
+      EXPECT_EQ(control->rect.width, row.rect.width) << row.id;
+      EXPECT_EQ(control->rect.height, row.rect.height) << row.id;
+    }
+  }
+}
+
 TEST(Templates, BothDisplayTemplates_HaveTheTwoScrollBarsHiddenAtStart) {
   for (const int id : {1021, 1028}) {
     const ControlTemplate* horizontal = FindControl(*FindTemplate(id), 1044);
