@@ -2,6 +2,7 @@
 
 #include "display/displaybars.h"
 #include "display/displayview.h"
+#include "frame/contextmenu.h"
 #include "logic/display/viewcommand.h"
 #include "platform/applicationend.h"
 #include "res/menus.h"
@@ -21,10 +22,6 @@ constexpr std::uint32_t kPlaceBarsMessage = 0x0402;
 
 constexpr int kHorizontalBarID = 1044;
 constexpr int kVerticalBarID = 1046;
-
-QString ToText(std::string_view aText) {
-  return QString::fromUtf8(aText.data(), static_cast<qsizetype>(aText.size()));
-}
 
 const char* GetName(ViewAxis aAxis) {
   return aAxis == ViewAxis::Horizontal ? "horizontal" : "vertical";
@@ -231,21 +228,12 @@ void DisplayWnd::PlaceBars() {
     mBars->Place(mView->devicePixelRatioF());
 }
 
-/// It does not wait for the user: when a command is chosen, the window may show something else.
 void DisplayWnd::ShowMenu(const QPoint& aScreenPoint) {
   const MenuTemplate* menuTemplate = FindMenu(kDisplayMenuID);
   if (!menuTemplate)
     return;
-  const SubmenuTemplate& main = menuTemplate->submenus.front();
-  auto* menu = new QMenu(ToText(main.text), GetWidget());
-  menu->setObjectName(QStringLiteral("menu%1").arg(menuTemplate->id));
-  menu->setAttribute(Qt::WA_DeleteOnClose);
-  for (const MenuItemTemplate& item : main.items) {
-    QAction* action = menu->addAction(ToText(item.text));
-    action->setData(item.commandID);
-    QObject::connect(action, &QAction::triggered, mConnections.get(),
-                     [this, commandID = item.commandID] { Perform(commandID); });
-  }
+  QMenu* menu =
+      MakeContextMenu(*menuTemplate, GetWidget(), *mConnections, [this](int aCommandID) { Perform(aCommandID); });
   // Nobody may tell the view that a menu came between it and the cursor, or went. Later, when that is so on the screen.
   QObject::connect(menu, &QMenu::aboutToShow, mView, &DisplayView::TakeCursor, Qt::QueuedConnection);
   QObject::connect(menu, &QMenu::aboutToHide, mView, &DisplayView::TakeCursor, Qt::QueuedConnection);

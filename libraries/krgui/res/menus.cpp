@@ -20,7 +20,11 @@ constexpr std::array kDisplayMainItems = {
 };
 constexpr std::array kDisplaySubmenus = {SubmenuTemplate{"Main", kDisplayMainItems}};
 
-constexpr std::array kMenus = {MenuTemplate{kDisplayMenuID, kDisplaySubmenus}};
+constexpr std::array kDeviceFinderItems = {MenuItemTemplate{"Set IP Address...", kSetIPAddressCommandID}};
+constexpr std::array kDeviceFinderSubmenus = {SubmenuTemplate{"Device Finder", kDeviceFinderItems}};
+
+constexpr std::array kMenus = {MenuTemplate{kDisplayMenuID, kDisplaySubmenus},
+                               MenuTemplate{kDeviceFinderMenuID, kDeviceFinderSubmenus}};
 
 static_assert(std::none_of(kMenus.begin(), kMenus.end(),
                            [](const MenuTemplate& aMenu) { return aMenu.submenus.empty(); }));

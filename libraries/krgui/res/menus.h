@@ -26,5 +26,8 @@ struct MenuTemplate {
 const MenuTemplate* FindMenu(int aID);
 
 inline constexpr int kDisplayMenuID = 1511;
+inline constexpr int kDeviceFinderMenuID = 1505;
+
+inline constexpr int kSetIPAddressCommandID = 32771;
 
 } // namespace krgui

@@ -26,7 +26,23 @@ constexpr std::array kDisplayChildControls = {
         ControlClass::VerticalScrollBar, kVerticalBarID, "", {198, 0, 10, 92}, kMoveRight | kGrowDown, true},
 };
 
+constexpr int kTreeID = 1049;
+constexpr int kInterfaceListID = 1030;
+constexpr int kDeviceListID = 1033;
+
+/// The tree takes what a resize gives or takes away; in the order of the focus.
 constexpr std::array kDeviceFinderControls = {
+    ControlTemplate{ControlClass::Label, 1034, "Available Devices", {7, 7, 205, 8}},
+    ControlTemplate{ControlClass::Tree, kTreeID, "", {7, 19, 296, 302}, kGrowRight | kGrowDown},
+    ControlTemplate{ControlClass::Label, 1035, "Interface Information", {307, 7, 221, 8}, kMoveRight},
+    ControlTemplate{ControlClass::List, kInterfaceListID, "", {307, 19, 221, 80}, kMoveRight},
+    ControlTemplate{ControlClass::Label, 1036, "Device Information", {307, 100, 221, 8}, kMoveRight},
+    ControlTemplate{ControlClass::List, kDeviceListID, "", {307, 111, 221, 210}, kMoveRight | kGrowDown},
+    ControlTemplate{ControlClass::CheckBox, 1040, "Show unreachable Network Devices", {7, 324, 130, 10}, kMoveDown},
+    ControlTemplate{ControlClass::Button, 1002, "Set IP Address...", {7, 342, 104, 16}, kMoveDown, false, true},
+    ControlTemplate{ControlClass::Button, 1011, "Select from IP Address...", {115, 342, 104, 16}, kMoveDown},
+    ControlTemplate{
+        ControlClass::Button, 1139, "Why is my camera not here?", {223, 342, 134, 16}, kMoveDown | kGrowRight},
     ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {425, 342, 50, 16}, kMoveRight | kMoveDown},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {478, 342, 50, 16}, kMoveRight | kMoveDown},
 };

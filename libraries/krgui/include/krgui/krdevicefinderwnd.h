@@ -9,7 +9,8 @@ namespace krgui {
 class DeviceFinderWnd;
 }
 
-/// The device finder.
+/// The device finder. Embedded (CreateIn, Create) it neither hides nor closes on OK: the selected device is to be had by
+/// GetSelected at once, looking for devices goes on, and the user may choose another one.
 ///
 /// Thread: the user-interface thread alone; OnFound also comes on the discovery thread.
 /// Ownership: the application owns the object, which owns everything that it finds.
@@ -25,8 +26,8 @@ public:
   /// A derived class calls DeleteWnd() in its own destructor: until then its OnFound may be called.
   ~KrDeviceFinderWnd() override;
 
-  /// The device that the user accepted in the last showing; null when he cancelled or it was not shown yet. Lives as
-  /// long as this object.
+  /// The device that the user accepted in the last showing, which may still go on when it is embedded; null when he
+  /// cancelled or accepted none yet. Lives as long as this object.
   const KrDeviceInfo* GetSelected() const;
 
   /// Asked about every report of a device before it enters the tree; false drops the report, so that the device is

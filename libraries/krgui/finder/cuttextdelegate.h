@@ -1,0 +1,16 @@
+#pragma once
+// Shows the whole text of a cell as a tooltip where the cell is too narrow for it.
+
+#include <QStyledItemDelegate>
+
+namespace krgui {
+
+class CutTextDelegate : public QStyledItemDelegate {
+public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  bool helpEvent(QHelpEvent* aEvent, QAbstractItemView* aView, const QStyleOptionViewItem& aOption,
+                 const QModelIndex& aIndex) override;
+};
+
+} // namespace krgui

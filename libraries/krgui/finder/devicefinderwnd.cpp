@@ -1,0 +1,334 @@
+#include "finder/devicefinderwnd.h"
+
+#include "finder/devicelist.h"
+#include "finder/diagnosisdialog.h"
+#include "finder/finderdiscovery.h"
+#include "finder/findertree.h"
+#include "finder/forceipdlg.h"
+#include "finder/selectfromipdlg.h"
+#include "frame/contextmenu.h"
+#include "krdevice/krdevicegev.h"
+#include "krsystem/transportregistry.h"
+#include "logic/finder/finderhint.h"
+#include "platform/applicationend.h"
+#include "platform/messagebox.h"
+#include "res/menus.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QTreeWidget>
+
+#include <utility>
+
+namespace krgui {
+
+namespace {
+
+constexpr std::uint32_t kDetectionTimeoutMs = 1000;
+constexpr int kOKResult = 1;
+
+constexpr int kOKID = 1;
+constexpr int kSetIPAddressID = 1002;
+constexpr int kSelectFromIPID = 1011;
+constexpr int kInterfaceListID = 1030;
+constexpr int kDeviceListID = 1033;
+constexpr int kBoldLabelIDs[] = {1034, 1035, 1036};
+constexpr int kShowUnreachableID = 1040;
+constexpr int kTreeID = 1049;
+constexpr int kDiagnoseID = 1139;
+
+const QString kErrorCaption = QStringLiteral("Error");
+const QString kForeignSubnetText =
+    QStringLiteral("The device is on a subnet that is not compatible with your computer's network interface card "
+                   "(NIC). Configure the device to use dynamic addressing (LLA or DHCP) or a static IP address.");
+const QString kSlowPortText = QStringLiteral(" This device must be connected to a USB 3.0 (SuperSpeed) port.");
+
+bool IsOnNetwork(KrDeviceInfoType aType) {
+  return aType == KrDeviceInfoType::GEV || aType == KrDeviceInfoType::TolvanProtocol;
+}
+
+/// Whoever cannot be asked answers nothing, which is no known type.
+std::int32_t AskAccessType(const KrString& aAddress) {
+  KrAccessType type = KrAccessType::Unknown;
+  const KrResult asked = KrDeviceGEV::GetAccessType(aAddress, type);
+  return asked.IsOK() ? static_cast<std::int32_t>(type) : 0;
+}
+
+/// The cursor that asks for patience, over the whole application.
+class WaitCursor {
+public:
+  WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+} // namespace
+
+DeviceFinderWnd::DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter)
+    : Wnd(kDeviceFinderTraits.modalTemplate), mFilter(std::move(aFilter)) {}
+
+DeviceFinderWnd::~DeviceFinderWnd() {
+  Dispose();
+}
+
+bool DeviceFinderWnd::OnInitDialog() {
+  Wnd::OnInitDialog();
+  mSelected = nullptr;
+  // Not before there is a window, as the program may install its transports until then; and never another one, to which
+  // a device accepted before would not belong.
+  if (!mSystem)
+    mSystem = std::make_unique<KrSystem>();
+  mDiscovery = std::make_shared<FinderDiscovery>(*mSystem, mKinds, mFilter, GetQueue());
+  mDiscovery->SetShowUnreachable(mShowsUnreachable);
+  MakeControls();
+  WireControls();
+  StartDiscovery();
+  EnableActions();
+  ShowNetworkControls();
+  UpdateHint();
+  // A child takes the focus when it is clicked, not from what surrounds it.
+  if (GetShowMode() != Mode::Child)
+    GetControl(kTreeID)->setFocus();
+  return false;
+}
+
+void DeviceFinderWnd::MakeControls() {
+  for (const int id : kBoldLabelIDs) {
+    QFont font = GetControl(id)->font();
+    font.setWeight(QFont::Bold);
+    GetControl(id)->setFont(font);
+  }
+  auto& tree = *qobject_cast<QTreeWidget*>(GetControl(kTreeID));
+  mTree = std::make_unique<FinderTree>(tree, FinderTree::Callbacks{[this](TreeItemInfo& aInfo) { ShowNode(aInfo); },
+                                                                   [this](const QPoint& aPoint) { ShowMenu(aPoint); }});
+  auto& interfaceList = *qobject_cast<QTreeWidget*>(GetControl(kInterfaceListID));
+  auto& deviceList = *qobject_cast<QTreeWidget*>(GetControl(kDeviceListID));
+  const int width = interfaceList.contentsRect().width();
+  mInterfaceList = std::make_unique<DeviceList>(interfaceList, width);
+  mDeviceList = std::make_unique<DeviceList>(deviceList, width);
+  qobject_cast<QCheckBox*>(GetControl(kShowUnreachableID))->setChecked(mShowsUnreachable);
+}
+
+void DeviceFinderWnd::WireControls() {
+  mConnections = std::make_unique<QObject>();
+  const auto* tree = qobject_cast<QTreeWidget*>(GetControl(kTreeID));
+  QObject::connect(tree, &QTreeWidget::itemSelectionChanged, mConnections.get(), [this] { OnSelectionChanged(); });
+  QObject::connect(tree, &QTreeWidget::itemDoubleClicked, mConnections.get(), [this] { OnDoubleClick(); });
+  const auto onClick = [this](int aID, void (DeviceFinderWnd::*aAction)()) {
+    QObject::connect(qobject_cast<QPushButton*>(GetControl(aID)), &QPushButton::clicked, mConnections.get(),
+                     [this, aAction] { (this->*aAction)(); });
+  };
+  onClick(kSetIPAddressID, &DeviceFinderWnd::SetIPAddress);
+  onClick(kSelectFromIPID, &DeviceFinderWnd::SelectFromIP);
+  onClick(kDiagnoseID, &DeviceFinderWnd::Diagnose);
+  QObject::connect(qobject_cast<QCheckBox*>(GetControl(kShowUnreachableID)), &QCheckBox::toggled, mConnections.get(),
+                   [this](bool aIsChecked) { ShowUnreachable(aIsChecked); });
+}
+
+void DeviceFinderWnd::StartDiscovery() {
+  // Only one that is registered twice is refused, and every opening takes its own out.
+  (void)mSystem->RegisterEventSink(this);
+  mSystem->SetDetectionTimeout(kDetectionTimeoutMs);
+  mDiscovery->GetModel().BuildInterfaces(*mTree);
+  mIsLooking = mDiscovery->Start().IsOK();
+}
+
+void DeviceFinderWnd::ShowNetworkControls() {
+  const bool isListed = mKinds.IsNetworkListed();
+  GetControl(kSetIPAddressID)->setVisible(isListed);
+  GetControl(kShowUnreachableID)->setVisible(isListed);
+}
+
+void DeviceFinderWnd::OnDeviceFound(const KrInterface* aInterface, const KrDeviceInfo* aDevice, bool&) {
+  mDiscovery->Report(aInterface, aDevice);
+}
+
+bool DeviceFinderWnd::OnMessage(const Message& aMessage) {
+  switch (aMessage.number) {
+  case FinderDiscovery::kRefreshMessage:
+    Refresh();
+    return true;
+  case FinderDiscovery::kRebuildMessage:
+    Rebuild();
+    return true;
+  default:
+    return Wnd::OnMessage(aMessage);
+  }
+}
+
+void DeviceFinderWnd::Refresh() {
+  mDiscovery->GetModel().Refresh(*mTree, mShowsUnreachable);
+  UpdateHint();
+}
+
+/// The replay asks the application about every device: it may close or delete this window.
+void DeviceFinderWnd::Rebuild() {
+  const std::shared_ptr<FinderDiscovery> discovery = mDiscovery;
+  const FinderDiscovery::DataHold hold(discovery);
+  discovery->GetModel().Clear(*mTree);
+  discovery->GetModel().BuildInterfaces(*mTree);
+  discovery->Replay();
+  if (!discovery->IsOver())
+    UpdateHint();
+}
+
+void DeviceFinderWnd::UpdateHint() {
+  const KrString hint = FindFinderHint({.hasTransports = !krsystem::GetTransports().empty(),
+                                        .isLooking = mIsLooking,
+                                        .showsDevices = mTree->HasDevices(),
+                                        .roundCount = mDiscovery->GetRoundCount(),
+                                        .unreachableCount = CountUnreachable()});
+  mTree->ShowHint(QString::fromUtf8(hint.CStr()));
+}
+
+std::size_t DeviceFinderWnd::CountUnreachable() const {
+  std::size_t count = 0;
+  for (std::size_t i = 0; !mShowsUnreachable && i < mSystem->GetDeviceCount(); ++i) {
+    const KrDeviceInfo* device = mSystem->GetDeviceInfo(i);
+    if (device && IsOnNetwork(device->GetType()) && mKinds.IsListed(device->GetType()) &&
+        !device->IsConfigurationValid())
+      ++count;
+  }
+  return count;
+}
+
+void DeviceFinderWnd::OnSelectionChanged() {
+  const std::lock_guard lock(mDiscovery->GetModel().GetDataLock());
+  if (TreeItemInfo* selected = mTree->GetSelected()) {
+    ShowNode(*selected);
+  } else {
+    mInterfaceList->Clear();
+    mDeviceList->Clear();
+  }
+  EnableActions();
+}
+
+/// Under the data lock.
+void DeviceFinderWnd::ShowNode(TreeItemInfo& aInfo) {
+  if (!aInfo.IsDevice()) {
+    mDeviceList->Clear();
+    mInterfaceList->Show(aInfo.GetRows());
+    return;
+  }
+  auto& device = static_cast<TreeItemInfoDevice&>(aInfo);
+  device.RefreshInfo(AskAccessType);
+  mDeviceList->Show(device.GetRows());
+  const TreeItemInfoInterface* interface = mDiscovery->GetModel().FindInterfaceOf(device);
+  mInterfaceList->Show(interface ? interface->GetRows() : std::vector<InfoRow>());
+}
+
+void DeviceFinderWnd::EnableActions() {
+  const FinderActions actions = FindActions();
+  GetControl(kOKID)->setEnabled(actions.accept);
+  GetControl(kSetIPAddressID)->setEnabled(actions.setIPAddress);
+}
+
+FinderActions DeviceFinderWnd::FindActions() const {
+  const std::lock_guard lock(mDiscovery->GetModel().GetDataLock());
+  const TreeItemInfo* selected = mTree->GetSelected();
+  return selected && selected->IsDevice()
+             ? GetFinderActions(mKinds, static_cast<const TreeItemInfoDevice*>(selected)->GetType())
+             : FinderActions();
+}
+
+FinderSelection DeviceFinderWnd::FindSelected() const {
+  const TreeItemInfo* selected = mTree->GetSelected();
+  return selected ? FindSelection(*mSystem, mDiscovery->GetModel(), *selected) : FinderSelection();
+}
+
+void DeviceFinderWnd::OnDoubleClick() {
+  if (FindActions().accept)
+    OnOK();
+}
+
+void DeviceFinderWnd::ShowMenu(const QPoint& aScreenPoint) {
+  const MenuTemplate* menuTemplate = FindMenu(kDeviceFinderMenuID);
+  if (!menuTemplate || !FindActions().showMenu)
+    return;
+  mMenu = MakeContextMenu(*menuTemplate, GetWidget(), *mConnections, [this](int) { SetIPAddress(); });
+  mMenu->popup(aScreenPoint);
+}
+
+void DeviceFinderWnd::OnOK() {
+  const FinderDiscovery::FindHold hold(mDiscovery);
+  const KrDeviceInfo* device = FindSelected().device;
+  if (!device)
+    return;
+  if (device->IsConfigurationValid())
+    return Accept(*device);
+  (void)ShowMessage(GetWidget(), IsOnNetwork(device->GetType()) ? kForeignSubnetText : kSlowPortText, kErrorCaption,
+                    MessageIcon::Exclamation);
+}
+
+/// Embedded, the window goes on: there is nobody who waits for its end.
+void DeviceFinderWnd::Accept(const KrDeviceInfo& aDevice) {
+  mSelected = &aDevice;
+  if (GetShowMode() == Mode::Child)
+    return;
+  mDiscovery->Stop();
+  EndDialog(kOKResult);
+}
+
+void DeviceFinderWnd::SetIPAddress() {
+  const FinderDiscovery::FindHold hold(mDiscovery);
+  const FinderSelection selection = FindSelected();
+  if (!selection.interface) {
+    (void)ShowMessage(GetWidget(), QStringLiteral("The selected device is no longer available"), kErrorCaption,
+                      MessageIcon::Exclamation);
+    return;
+  }
+  const auto* adapter = dynamic_cast<const KrNetworkAdapter*>(selection.interface);
+  if (adapter && selection.device && IsOnNetwork(selection.device->GetType()))
+    (void)ForceIPDlg(*mSystem, *adapter, *selection.device, GetWidget()).Run();
+}
+
+void DeviceFinderWnd::SelectFromIP() {
+  const FinderDiscovery::FindHold hold(mDiscovery);
+  SelectFromIPDlg dialog(GetWidget());
+  if (dialog.Run() != ModalResult::OK)
+    return;
+  const KrDeviceInfo* device = nullptr;
+  KrResult found;
+  {
+    const WaitCursor cursor;
+    found = mSystem->FindDevice(dialog.GetAddress(), &device);
+  }
+  if (found.IsOK() && device)
+    return Accept(*device);
+  (void)ShowMessage(GetWidget(), QStringLiteral("Could not contact device. "), kErrorCaption, MessageIcon::Exclamation);
+}
+
+void DeviceFinderWnd::ShowUnreachable(bool aShow) {
+  mShowsUnreachable = aShow;
+  mDiscovery->SetShowUnreachable(aShow);
+  GetQueue()->PostOnce({FinderDiscovery::kRefreshMessage, 0, 0});
+}
+
+void DeviceFinderWnd::Diagnose() {
+  std::vector<KrFinding> findings;
+  const KrResult diagnosed = mSystem->Diagnose(findings);
+  (void)DiagnosisDialog(GetWidget(), diagnosed, findings).Run();
+}
+
+void DeviceFinderWnd::OnDestroy() {
+  mConnections.reset();
+  if (mMenu && !ApplicationEnd::IsProcessEnding())
+    mMenu->close();
+  if (mDiscovery) {
+    mDiscovery->End();
+    // Only one that is not registered is refused.
+    (void)mSystem->UnregisterEventSink(this);
+    if (!ApplicationEnd::IsProcessEnding())
+      mDiscovery->GetModel().Clear(*mTree);
+  }
+  mTree.reset();
+  mInterfaceList.reset();
+  mDeviceList.reset();
+  mDiscovery.reset();
+  Wnd::OnDestroy();
+}
+
+} // namespace krgui

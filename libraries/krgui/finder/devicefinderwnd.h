@@ -1,0 +1,94 @@
+#pragma once
+// The device finder's implementation window: ties what discovery finds to the tree, the information lists and the
+// buttons. What the nodes are is decided by the model, when discovery runs by FinderDiscovery.
+
+#include "frame/wnd.h"
+#include "krsystem/krsystem.h"
+#include "logic/finder/findermodel.h"
+#include "res/templates.h"
+
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+
+class QMenu;
+class QObject;
+class QPoint;
+
+namespace krgui {
+
+class DeviceList;
+class FinderDiscovery;
+class FinderTree;
+
+class DeviceFinderWnd : public Wnd, private KrSystemEventSink {
+public:
+  /// aFilter is asked about every report of a device, on any thread; it outlives the window.
+  explicit DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter);
+  ~DeviceFinderWnd() override;
+
+  int GetPopupTemplateID() const override { return kDeviceFinderTraits.popupTemplate; }
+  int GetChildTemplateID() const override { return kDeviceFinderTraits.childTemplate; }
+  int GetMinWidth() const override { return kDeviceFinderTraits.minWidth; }
+  int GetMaxWidth() const override { return kDeviceFinderTraits.maxWidth; }
+  int GetMinHeight() const override { return kDeviceFinderTraits.minHeight; }
+  int GetMaxHeight() const override { return kDeviceFinderTraits.maxHeight; }
+
+  const KrDeviceInfo* GetSelected() const { return mSelected; }
+  FinderKinds& GetKinds() { return mKinds; }
+  const FinderKinds& GetKinds() const { return mKinds; }
+
+protected:
+  bool OnInitDialog() override;
+  bool OnMessage(const Message& aMessage) override;
+  void OnOK() override;
+  void OnDestroy() override;
+
+private:
+  void OnDeviceFound(const KrInterface* aInterface, const KrDeviceInfo* aDevice, bool& aIgnore) override;
+
+  void MakeControls();
+  void WireControls();
+  void ShowNetworkControls();
+  void StartDiscovery();
+
+  void Refresh();
+  void Rebuild();
+  void UpdateHint();
+  std::size_t CountUnreachable() const;
+
+  void OnSelectionChanged();
+  void ShowNode(TreeItemInfo& aInfo);
+  void EnableActions();
+  /// What can be done with the selected node.
+  FinderActions FindActions() const;
+  /// What is selected, in the system; the find lock is held.
+  FinderSelection FindSelected() const;
+  void OnDoubleClick();
+  void ShowMenu(const QPoint& aScreenPoint);
+
+  void SetIPAddress();
+  void SelectFromIP();
+  void ShowUnreachable(bool aShow);
+  void Diagnose();
+  void Accept(const KrDeviceInfo& aDevice);
+
+  const std::function<bool(const KrDeviceInfo*)> mFilter;
+  std::unique_ptr<KrSystem> mSystem; ///< From the first opening on.
+  FinderKinds mKinds;
+  const KrDeviceInfo* mSelected = nullptr;
+  bool mShowsUnreachable = false;
+  bool mIsLooking = false; ///< The thread could be started.
+
+  // What follows is null while the window is not open.
+  std::shared_ptr<FinderDiscovery> mDiscovery;
+  std::unique_ptr<FinderTree> mTree;
+  std::unique_ptr<DeviceList> mInterfaceList;
+  std::unique_ptr<DeviceList> mDeviceList;
+  /// What the controls call of this window ends with the opening: they may outlive it for a while.
+  std::unique_ptr<QObject> mConnections;
+  QPointer<QMenu> mMenu; ///< The context menu while it is open; owned by the dialog.
+};
+
+} // namespace krgui

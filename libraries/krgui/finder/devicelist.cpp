@@ -1,0 +1,133 @@
+#include "finder/devicelist.h"
+
+#include "finder/cuttextdelegate.h"
+#include "finder/plainline.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QPainter>
+#include <QShortcut>
+#include <QTreeWidget>
+
+#include <algorithm>
+#include <cmath>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kNameColumn = 0;
+constexpr int kValueColumn = 1;
+constexpr int kColourRole = Qt::UserRole;
+
+QColor ToColour(RowColour aColour) {
+  const auto value = static_cast<std::uint32_t>(aColour);
+  return QColor(static_cast<int>(value & 0xFFU), static_cast<int>(value >> 8U & 0xFFU),
+                static_cast<int>(value >> 16U & 0xFFU));
+}
+
+/// Writes values on their row's colour and draws the grid.
+class RowDelegate : public CutTextDelegate {
+public:
+  using CutTextDelegate::CutTextDelegate;
+
+  void paint(QPainter* aPainter, const QStyleOptionViewItem& aOption, const QModelIndex& aIndex) const override {
+    CutTextDelegate::paint(aPainter, aOption, aIndex);
+    aPainter->setPen(aOption.palette.color(QPalette::Midlight));
+    aPainter->drawLine(aOption.rect.bottomLeft(), aOption.rect.bottomRight());
+    aPainter->drawLine(aOption.rect.topRight(), aOption.rect.bottomRight());
+  }
+
+protected:
+  void initStyleOption(QStyleOptionViewItem* aOption, const QModelIndex& aIndex) const override {
+    CutTextDelegate::initStyleOption(aOption, aIndex);
+    const QVariant data = aIndex.data(kColourRole);
+    const RowColour colour = data.isValid() ? data.toInt() : kNoRowColour;
+    if (aIndex.column() != kValueColumn || colour == kNoRowColour)
+      return;
+    aOption->backgroundBrush = ToColour(colour);
+    // The text of a dark theme cannot be read on the light colours.
+    QColor text = aOption->palette.color(QPalette::Text);
+    if (IsWrittenInWhite(colour))
+      text = Qt::white;
+    else if (text.lightness() > 127)
+      text = Qt::black;
+    aOption->palette.setColor(QPalette::Text, text);
+  }
+};
+
+/// True when the text was another one.
+bool SyncText(QTreeWidgetItem& aItem, int aColumn, const QString& aText) {
+  if (aItem.text(aColumn) == aText)
+    return false;
+  aItem.setText(aColumn, aText);
+  return true;
+}
+
+} // namespace
+
+DeviceList::DeviceList(QTreeWidget& aWidget, int aWidth) : mWidget(&aWidget) {
+  aWidget.setRootIsDecorated(false);
+  aWidget.setItemsExpandable(false);
+  aWidget.setAllColumnsShowFocus(true);
+  aWidget.setSelectionBehavior(QAbstractItemView::SelectRows);
+  aWidget.setEditTriggers(QAbstractItemView::NoEditTriggers);
+  aWidget.setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  aWidget.setAutoScroll(false);
+  aWidget.setItemDelegate(new RowDelegate(&aWidget));
+  aWidget.setHeaderLabels({QStringLiteral("Name"), QStringLiteral("Value")});
+  aWidget.header()->setStretchLastSection(false);
+  aWidget.header()->setSectionsMovable(false);
+  aWidget.header()->resizeSection(kNameColumn, static_cast<int>(std::lround(0.4 * aWidth)));
+  aWidget.header()->resizeSection(kValueColumn, static_cast<int>(std::lround(0.6 * aWidth)));
+  aWidget.clear();
+  auto* copy = new QShortcut(QKeySequence::Copy, &aWidget);
+  copy->setContext(Qt::WidgetShortcut);
+  QObject::connect(copy, &QShortcut::activated, copy, [this] { CopyRow(); });
+}
+
+DeviceList::~DeviceList() = default;
+
+void DeviceList::Show(const std::vector<InfoRow>& aRows) {
+  if (!mWidget)
+    return;
+  const int count = static_cast<int>(aRows.size());
+  bool hasChanged = mWidget->topLevelItemCount() != count;
+  for (int i = 0; i < count; ++i)
+    hasChanged = ShowRow(i, aRows[static_cast<std::size_t>(i)]) || hasChanged;
+  while (mWidget->topLevelItemCount() > count)
+    delete mWidget->takeTopLevelItem(mWidget->topLevelItemCount() - 1);
+  if (hasChanged && count > 0)
+    FitValues();
+}
+
+bool DeviceList::ShowRow(int aIndex, const InfoRow& aRow) {
+  if (aIndex >= mWidget->topLevelItemCount())
+    new QTreeWidgetItem(mWidget);
+  QTreeWidgetItem& item = *mWidget->topLevelItem(aIndex);
+  const bool isOtherName = SyncText(item, kNameColumn, ToPlainLine(aRow.caption));
+  const bool isOtherValue = SyncText(item, kValueColumn, ToPlainLine(aRow.value));
+  const QVariant data = item.data(kValueColumn, kColourRole);
+  if (!data.isValid() || data.toInt() != aRow.colour)
+    item.setData(kValueColumn, kColourRole, aRow.colour);
+  return isOtherName || isOtherValue;
+}
+
+/// As wide as the longest value needs; at least what the names leave, so that the colours make one column.
+void DeviceList::FitValues() {
+  QHeaderView& header = *mWidget->header();
+  const int needed = static_cast<QAbstractItemView*>(mWidget.data())->sizeHintForColumn(kValueColumn);
+  const int left = mWidget->viewport()->width() - header.sectionSize(kNameColumn);
+  const int width = std::max(needed, left);
+  if (width != header.sectionSize(kValueColumn))
+    header.resizeSection(kValueColumn, width);
+}
+
+void DeviceList::CopyRow() const {
+  const QTreeWidgetItem* item = mWidget ? mWidget->currentItem() : nullptr;
+  if (item)
+    QGuiApplication::clipboard()->setText(item->text(kNameColumn) + QLatin1Char('\t') + item->text(kValueColumn));
+}
+
+} // namespace krgui

@@ -1,0 +1,75 @@
+#include "finder/diagnosisdialog.h"
+
+#include "logic/finder/findingstext.h"
+
+#include <QClipboard>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kPreferredLetters = 80;
+constexpr int kPreferredLines = 18;
+
+QPushButton* MakeButton(const QString& aText, QWidget* aParent) {
+  auto* button = new QPushButton(aText, aParent);
+  button->setAutoDefault(false);
+  return button;
+}
+
+QString FindText(const KrResult& aResult, const std::vector<KrFinding>& aFindings) {
+  const KrString text = aResult.IsOK() ? FormatFindings(aFindings) : FormatDiagnosisFailure(aResult);
+  return QString::fromStdU16String(text.ToWide());
+}
+
+} // namespace
+
+DiagnosisDialog::DiagnosisDialog(QWidget* aOwner, const KrResult& aResult, const std::vector<KrFinding>& aFindings)
+    : ModalLoop(aOwner) {
+  DialogWindow& dialog = *GetDialog();
+  dialog.setObjectName(QStringLiteral("diagnosis"));
+  dialog.SetCaption(QStringLiteral("Why is my camera not here?"));
+
+  auto* text = new QPlainTextEdit(FindText(aResult, aFindings), &dialog);
+  text->setReadOnly(true);
+  text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  text->setTabChangesFocus(true);
+  text->setAccessibleName(QStringLiteral("Findings"));
+  auto* copy = MakeButton(QStringLiteral("Copy"), &dialog);
+  auto* close = MakeButton(QStringLiteral("Close"), &dialog);
+  close->setDefault(true);
+
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch();
+  buttons->addWidget(copy);
+  buttons->addWidget(close);
+  auto* content = new QVBoxLayout(&dialog);
+  content->addWidget(text);
+  content->addLayout(buttons);
+
+  QObject::connect(copy, &QPushButton::clicked, text,
+                   [text] { QGuiApplication::clipboard()->setText(text->toPlainText()); });
+  QObject::connect(close, &QPushButton::clicked, &dialog, &DialogWindow::reject);
+  const QFontMetrics metrics = text->fontMetrics();
+  dialog.resize(metrics.averageCharWidth() * kPreferredLetters, metrics.lineSpacing() * kPreferredLines);
+  dialog.SetPreferredSize(dialog.size());
+  close->setFocus();
+}
+
+DiagnosisDialog::~DiagnosisDialog() = default;
+
+void DiagnosisDialog::OnAccept() {
+  EndLoop(ModalResult::OK);
+}
+
+void DiagnosisDialog::OnCancel() {
+  EndLoop(ModalResult::Cancel);
+}
+
+} // namespace krgui

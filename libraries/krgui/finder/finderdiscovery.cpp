@@ -1,0 +1,194 @@
+#include "finder/finderdiscovery.h"
+
+#include "krbase/krlogger.h"
+#include "platform/tickcount.h"
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace krgui {
+
+namespace {
+
+constexpr KrLogSite kThreadSite = {"DeviceFinderWnd::DiscoveryThread", "devicefinderwnd"};
+constexpr KrLogSite kReportSite = {"DeviceFinderWnd::OnDeviceFound", "devicefinderwnd"};
+
+void Log(KrLogLevel aLevel, const KrLogSite& aSite, const KrString& aText) {
+  KrLogger("KrGUILib").Log(aLevel, aSite, aText);
+}
+
+std::uint32_t GetElapsedMs(std::chrono::steady_clock::time_point aBegin) {
+  return static_cast<std::uint32_t>(
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - aBegin).count());
+}
+
+} // namespace
+
+FinderDiscovery::FinderDiscovery(KrSystem& aSystem, const FinderKinds& aKinds, DeviceFilter aFilter,
+                                 std::shared_ptr<MessageQueue> aQueue)
+    : mSystem(aSystem), mFilter(std::move(aFilter)), mQueue(std::move(aQueue)),
+      mModel(aSystem, aKinds, [this] { return GetClock(); }) {}
+
+FinderDiscovery::~FinderDiscovery() = default;
+
+/// Stands still while the window keeps discovery from running: nobody could be reported meanwhile.
+std::uint32_t FinderDiscovery::GetClock() const {
+  return GetTickCount() - mHeldMs;
+}
+
+KrResult FinderDiscovery::Start() {
+  try {
+    mThread = std::thread([this, stop = mStop.get_token()] { Run(stop); });
+  } catch (const std::system_error& error) {
+    const KrResult result = {KrResult::Code::SystemError,
+                             KrString(std::string("Devices cannot be looked for: no thread could be started (") +
+                                      error.what() + "). Close other programs and open the window again.")};
+    Log(KrLogLevel::Error, kThreadSite, result.GetDescription());
+    return result;
+  }
+  return {};
+}
+
+void FinderDiscovery::Stop() {
+  ReleaseData();
+  if (!mThread.joinable())
+    return;
+  if (mThread.get_id() == std::this_thread::get_id()) {
+    // The application ends the process in OnFound: a thread cannot wait for itself.
+    mStop.request_stop();
+    mThread.detach();
+    return;
+  }
+  LockFind();
+  mStop.request_stop();
+  mQueue->CancelSends(mTicket);
+  UnlockFind();
+  mThread.join();
+}
+
+void FinderDiscovery::End() {
+  mIsOver = true;
+  Stop();
+}
+
+void FinderDiscovery::ReleaseData() {
+  for (DataHold* hold : mDataHolds)
+    hold->mLock.unlock();
+  mDataHolds.clear();
+}
+
+void FinderDiscovery::LockFind() {
+  // A round that runs may be waiting for the data lock.
+  ReleaseData();
+  mFindLock.LockByWindow([this] { mSystem.Cancel(); });
+  if (mFindHolds++ == 0)
+    mHeldSinceMs = GetTickCount();
+}
+
+void FinderDiscovery::UnlockFind() {
+  if (--mFindHolds == 0)
+    mHeldMs += GetTickCount() - mHeldSinceMs;
+  mFindLock.UnlockByWindow();
+}
+
+void FinderDiscovery::Report(const KrInterface* aInterface, const KrDeviceInfo* aDevice) {
+  if (aDevice && !AskApplication(aDevice))
+    return;
+  if (mIsOver)
+    return;
+  switch (mModel.TakeReport(aInterface, aDevice)) {
+  case FinderModel::Next::Nothing:
+    break;
+  case FinderModel::Next::Refresh:
+    mQueue->PostOnce({kRefreshMessage, 0, 0});
+    break;
+  case FinderModel::Next::Rebuild:
+    // Waits for the handler, unless the thread is being joined; what it answers does not matter.
+    (void)mQueue->Send(mTicket, {kRebuildMessage, 0, 0});
+    break;
+  }
+}
+
+bool FinderDiscovery::AskApplication(const KrDeviceInfo* aDevice) const {
+  try {
+    return mFilter(aDevice);
+  } catch (const std::exception& error) {
+    Log(KrLogLevel::Error, kReportSite,
+        KrString(std::string("OnFound threw an exception; the device is shown: ") + error.what()));
+  } catch (...) {
+    Log(KrLogLevel::Error, kReportSite, "OnFound threw an exception; the device is shown.");
+  }
+  return true;
+}
+
+void FinderDiscovery::Replay() {
+  for (std::size_t i = 0; !mIsOver && i < mSystem.GetDeviceCount(); ++i) {
+    if (const KrDeviceInfo* device = mSystem.GetDeviceInfo(i))
+      Report(device->GetInterface(), device);
+  }
+}
+
+void FinderDiscovery::Run(const std::stop_token& aStop) {
+  try {
+    Log(KrLogLevel::Info, kThreadSite, "Device finder window thread started");
+    do
+      DoRound(aStop);
+    while (!aStop.stop_requested());
+  } catch (const std::exception& error) {
+    Log(KrLogLevel::Error, kThreadSite, KrString(std::string("Devices are no longer looked for: ") + error.what()));
+  }
+}
+
+void FinderDiscovery::DoRound(const std::stop_token& aStop) {
+  if (!mFindLock.TryLock())
+    return;
+  const auto begin = std::chrono::steady_clock::now();
+  mSystem.SetSubnetBroadcastEnabled(!mShowsUnreachable);
+  const KrResult found = mSystem.Find();
+  mFindLock.UnlockByWorker();
+  ReportInterfaces(aStop);
+  ++mRoundCount;
+  // Devices age, and hints change, also where there is no interface to report.
+  mQueue->PostOnce({kRefreshMessage, 0, 0});
+  // Only a waiting window cancels a round; what else ends one early (nothing to ask, a failure) must not make this a
+  // loop without rest.
+  if (found != KrResult::Code::Aborted)
+    Rest(mSystem.GetDetectionTimeout() - std::min(GetElapsedMs(begin), mSystem.GetDetectionTimeout()), aStop);
+}
+
+void FinderDiscovery::ReportInterfaces(const std::stop_token& aStop) {
+  for (std::size_t i = 0; !aStop.stop_requested() && i < mSystem.GetInterfaceCount(); ++i) {
+    if (const KrInterface* interface = mSystem.GetInterface(i))
+      Report(interface, nullptr);
+  }
+  if (!aStop.stop_requested() && mModel.HasLostInterface())
+    (void)mQueue->Send(mTicket, {kRebuildMessage, 0, 0});
+}
+
+void FinderDiscovery::Rest(std::uint32_t aMs, const std::stop_token& aStop) {
+  std::unique_lock lock(mRestMutex);
+  (void)mRested.wait_for(lock, aStop, std::chrono::milliseconds(aMs), [] { return false; });
+}
+
+FinderDiscovery::FindHold::FindHold(std::shared_ptr<FinderDiscovery> aDiscovery) : mDiscovery(std::move(aDiscovery)) {
+  mDiscovery->LockFind();
+}
+
+FinderDiscovery::FindHold::~FindHold() {
+  mDiscovery->UnlockFind();
+}
+
+FinderDiscovery::DataHold::DataHold(std::shared_ptr<FinderDiscovery> aDiscovery)
+    : mDiscovery(std::move(aDiscovery)), mLock(mDiscovery->mModel.GetDataLock()) {
+  mDiscovery->mDataHolds.push_back(this);
+}
+
+FinderDiscovery::DataHold::~DataHold() {
+  std::erase(mDiscovery->mDataHolds, this);
+}
+
+} // namespace krgui

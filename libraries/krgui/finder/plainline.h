@@ -1,0 +1,16 @@
+#pragma once
+// Texts from devices as controls show them: one line, nothing in it is markup or moves what stands around it.
+
+#include "krbase/krstring.h"
+
+#include <QString>
+
+namespace krgui {
+
+/// The text with a blank in the place of every control character, line separator and change of writing direction.
+QString ToPlainLine(const KrString& aText);
+
+/// The text as a tooltip shows it letter by letter; tooltips take what looks like markup for it.
+QString ToPlainToolTip(const QString& aText);
+
+} // namespace krgui

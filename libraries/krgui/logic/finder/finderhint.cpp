@@ -1,0 +1,25 @@
+#include "logic/finder/finderhint.h"
+
+#include <string>
+
+namespace krgui {
+
+KrString FindFinderHint(const FinderHintFacts& aFacts) {
+  if (aFacts.showsDevices)
+    return {};
+  if (!aFacts.hasTransports)
+    return "No transports are installed, so that no device can be found. The program chooses them with "
+           "KrInstallTransports.";
+  if (!aFacts.isLooking)
+    return "Devices cannot be looked for at the moment. Close this window and open it again.";
+  if (aFacts.unreachableCount == 1)
+    return "One device answers that this computer cannot reach as it is configured. "
+           "\"Show unreachable Network Devices\" shows it.";
+  if (aFacts.unreachableCount > 1)
+    return KrString(std::to_string(aFacts.unreachableCount) +
+                    " devices answer that this computer cannot reach as they are configured. "
+                    "\"Show unreachable Network Devices\" shows them.");
+  return aFacts.roundCount == 0 ? "Looking for devices…" : "No device has answered yet. Still looking…";
+}
+
+} // namespace krgui
