@@ -1,0 +1,205 @@
+// The finder's ways to a device's address: the button and the menu that set it, the button that takes it instead of a
+// selection, and the diagnosis.
+
+#include "finderfixture.h"
+
+#include <QClipboard>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+namespace krgui {
+
+class DeviceAddressTest : public DeviceFinderTest {
+protected:
+  void SetUp() override {
+    mTransport->AddInterface(MakeFinderAdapter());
+    mTransport->AddDevice("eth0", MakeFinderCamera());
+    mTransport->AddDevice("eth0", MakeOldDevice());
+  }
+
+  QAction* FindMenuAction() const {
+    const QMenu* menu = FindMenu();
+    return menu && menu->actions().size() == 1 ? menu->actions().front() : nullptr;
+  }
+};
+
+TEST_F(DeviceAddressTest, RightButton_OnACameraSelectsItAndOffersToSetItsAddress) {
+  Open({"Camera A"});
+
+  AskForMenu("Camera A");
+
+  EXPECT_TRUE(mFinder.FindItem("Camera A")->isSelected());
+  ASSERT_NE(FindMenu(), nullptr);
+  EXPECT_EQ(FindMenu()->title(), "Device Finder");
+  ASSERT_NE(FindMenuAction(), nullptr);
+  EXPECT_EQ(FindMenuAction()->text(), "Set IP Address...");
+  EXPECT_EQ(FindMenuAction()->data().toInt(), 32771);
+}
+
+TEST_F(DeviceAddressTest, RightButton_OnOtherItemsSelectsThemAndOffersNothing) {
+  Open({"Camera A", "Old device"});
+  for (const char* item : {"Old device", "eth0 192.168.1.10"}) {
+    AskForMenu(item);
+
+    EXPECT_TRUE(mFinder.FindItem(item)->isSelected()) << item;
+    EXPECT_EQ(FindMenu(), nullptr) << item;
+  }
+}
+
+TEST_F(DeviceAddressTest, MenuKey_OpensTheMenuOfTheSelectedItem) {
+  Open({"Camera A"});
+  Select("Camera A");
+  QTreeWidget& tree = mFinder.GetTree();
+
+  QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, tree.mapToGlobal(QPoint()));
+  QCoreApplication::sendEvent(&tree, &event);
+
+  ASSERT_NE(FindMenu(), nullptr);
+  EXPECT_TRUE(QRect(tree.mapToGlobal(QPoint()), tree.size()).contains(FindMenu()->pos()));
+}
+
+TEST_F(DeviceAddressTest, MenuWhoseDeviceVanishes_SaysThatItIsNoLongerAvailable) {
+  Open({"Camera A"});
+  AskForMenu("Camera A");
+  QAction* action = FindMenuAction();
+  ASSERT_NE(action, nullptr);
+  mTransport->SetDevices({});
+  ASSERT_TRUE(AwaitRounds(1));
+  mNowMs += 2001;
+  ASSERT_TRUE(AwaitNoItem("Camera A"));
+  QString text;
+  OnNextDialog([&](QWidget& aDialog) {
+    text = GetTexts(aDialog);
+    aDialog.close();
+  });
+
+  action->trigger();
+
+  EXPECT_TRUE(text.contains("The selected device is no longer available")) << text.toStdString();
+}
+
+TEST_F(DeviceAddressTest, SetIPAddress_OpensTheDialogWithDiscoveryAtRest) {
+  Open({"Camera A"});
+  Select("Camera A");
+  std::size_t before = 0;
+  std::size_t after = 0;
+  OnNextDialog([&](QWidget& aDialog) {
+    EXPECT_EQ(aDialog.windowTitle(), "Set IP Address");
+    before = mTransport->GetRoundCount();
+    // Longer than a failed try of the thread takes.
+    QTest::qWait(100);
+    after = mTransport->GetRoundCount();
+    aDialog.close();
+  });
+
+  Click(kFinderSetIPID);
+
+  EXPECT_EQ(mDialogCount, 1);
+  EXPECT_EQ(before, after);
+  EXPECT_TRUE(AwaitRounds(0));
+  EXPECT_TRUE(mFinder.IsOpen());
+}
+
+TEST_F(DeviceAddressTest, LongDialog_DoesNotMakeDevicesVanishThatCouldNotBeHeardMeanwhile) {
+  Open({"Camera A", "Old device"});
+  Select("Camera A");
+  OnNextDialog([&](QWidget& aDialog) {
+    mNowMs += 60000;
+    mFinder.PostRefresh();
+    QTest::qWait(1);
+    aDialog.close();
+  });
+
+  Click(kFinderSetIPID);
+  mFinder.PostRefresh();
+  ASSERT_TRUE(mFinder.DoEvents().IsOK());
+
+  ASSERT_NE(mFinder.FindItem("Old device"), nullptr);
+  EXPECT_TRUE(mFinder.FindItem("Camera A")->isSelected());
+}
+
+TEST_F(DeviceAddressTest, SelectFromIP_GivesTheDeviceThatAnswersThere) {
+  mTransport->SetAtAddress(0x0A010203, 0, MakeFinderCamera("00:11:22:33:44:b1", "Far camera"));
+  Open({"Camera A"});
+  OnNextDialog([&](QWidget& aDialog) {
+    EXPECT_EQ(aDialog.windowTitle(), "Select From IP Address");
+    QTest::keyClicks(aDialog.focusWidget(), "10.1.2.3");
+    QTest::keyClick(&aDialog, Qt::Key_Return);
+  });
+
+  Click(kFinderSelectFromIPID);
+
+  ASSERT_NE(mFinder.GetSelected(), nullptr);
+  EXPECT_EQ(mFinder.GetSelected()->GetDisplayID(), KrString("Far camera"));
+  EXPECT_FALSE(mFinder.IsOpen());
+}
+
+TEST_F(DeviceAddressTest, SelectFromIP_WhereNobodyAnswersSaysSo) {
+  Open({"Camera A"});
+  QString text;
+  OnNextDialog([&](QWidget& aDialog) {
+    QTest::keyClicks(aDialog.focusWidget(), "10.1.2.4");
+    OnNextDialog([&](QWidget& aBox) {
+      text = GetTexts(aBox);
+      EXPECT_EQ(aBox.windowTitle(), "Error");
+      aBox.close();
+    });
+    QTest::keyClick(&aDialog, Qt::Key_Return);
+  });
+
+  Click(kFinderSelectFromIPID);
+
+  EXPECT_TRUE(text.contains("Could not contact device. ")) << text.toStdString();
+  EXPECT_TRUE(mFinder.IsOpen());
+  EXPECT_EQ(mFinder.GetSelected(), nullptr);
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(DeviceAddressTest, SelectFromIPCancelled_AsksNobody) {
+  Open({"Camera A"});
+  OnNextDialog([&](QWidget& aDialog) { QTest::keyClick(&aDialog, Qt::Key_Escape); });
+
+  Click(kFinderSelectFromIPID);
+
+  EXPECT_EQ(mDialogCount, 1);
+  EXPECT_TRUE(mFinder.IsOpen());
+  EXPECT_TRUE(AwaitRounds(0));
+}
+
+TEST_F(DeviceAddressTest, Diagnosis_IsTextToReadAndCopyAndClosesWithEscape) {
+  Open({"Camera A"});
+  OnNextDialog([&](QWidget& aDialog) {
+    EXPECT_EQ(aDialog.objectName(), "diagnosis");
+    auto* text = aDialog.findChild<QPlainTextEdit*>();
+    ASSERT_NE(text, nullptr);
+    EXPECT_FALSE(text->toPlainText().isEmpty());
+    EXPECT_TRUE(text->isReadOnly());
+    EXPECT_FALSE(text->accessibleName().isEmpty());
+    EXPECT_GT(aDialog.maximumWidth(), aDialog.width());
+    for (QAbstractButton* button : aDialog.findChildren<QAbstractButton*>())
+      if (button->text() == "Copy")
+        button->click();
+    EXPECT_EQ(QApplication::clipboard()->text(), text->toPlainText());
+    QTest::keyClick(text, Qt::Key_Escape);
+  });
+
+  Click(kFinderDiagnoseID);
+
+  EXPECT_EQ(mDialogCount, 1);
+  EXPECT_TRUE(mFinder.IsOpen());
+}
+
+TEST_F(DeviceAddressTest, DialogOnTopOfAFinderThatCloses_GoesWithIt) {
+  for (const int button : {kFinderSetIPID, kFinderSelectFromIPID, kFinderDiagnoseID}) {
+    Open({"Camera A"});
+    Select("Camera A");
+    OnNextDialog([&](QWidget&) { EXPECT_TRUE(mFinder.Close().IsOK()); });
+
+    Click(button);
+
+    EXPECT_FALSE(mFinder.IsOpen()) << button;
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << button;
+  }
+}
+
+} // namespace krgui
