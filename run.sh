@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Sets up, builds and starts the viewer with the simulated cameras beside whatever real ones are found.
+# Sets up, builds and starts the viewer, which lets its user pick a camera: a real one or a simulated one.
 # Without a display it runs the same headless and leaves pictures in pictures/. Arguments go to krviewer.
 set -euo pipefail
 root=$(cd "$(dirname "$0")" && pwd)

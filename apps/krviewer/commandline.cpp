@@ -16,7 +16,7 @@ CommandLineStatus Fail(const QString& aReason, QString& aText) {
 CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& aCommandLine, QString& aText) {
   const QCommandLineOption device("device",
                                   "Show this camera: an ID, a MAC or IP address, a serial number or a user-defined name. "
-                                  "Without it the first camera is shown.",
+                                  "Without it a list to pick from comes first; headless the first camera is shown.",
                                   "DEVICE");
   const QCommandLineOption simulate("simulate", "Offer the built-in simulated cameras beside the real ones.");
   const QCommandLineOption frames(

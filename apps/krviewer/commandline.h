@@ -9,7 +9,7 @@
 namespace krviewer {
 
 struct CommandLine {
-  QString device;           ///< ID, MAC, IP address, serial number or user-defined name; empty for the first camera.
+  QString device;           ///< ID, MAC, IP address, serial number or user-defined name; empty to pick one.
   bool simulate = false;    ///< The built-in simulated lab beside the real devices.
   bool headless = false;    ///< Without a display.
   std::uint64_t frames = 0; ///< Ends after so many frames; 0 never.

@@ -1,4 +1,5 @@
 #include "commandline.h"
+#include "devicepick.h"
 #include "deviceselection.h"
 #include "krdevice/krdeviceend.h"
 #include "krgui/krapplication.h"
@@ -15,6 +16,10 @@ namespace {
 
 constexpr std::uint64_t kHeadlessFrames = 100;
 const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
+
+bool IsHeadless() {
+  return QGuiApplication::platformName() == QStringLiteral("offscreen");
+}
 
 // Without a display there is nobody to close a window: the run is given an end and leaves pictures behind.
 void PrepareHeadless(krviewer::CommandLine& aCommandLine) {
@@ -36,9 +41,29 @@ bool PrepareWindows(krviewer::CommandLine& aCommandLine) {
   }
   if (!result.IsOK())
     std::fprintf(stderr, "%s\n", result.GetDescription().CStr());
-  else if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
+  else if (IsHeadless())
     PrepareHeadless(aCommandLine);
   return result.IsOK();
+}
+
+// The device that the command line names, or that is chosen without a user.
+KrResult SelectDevice(KrSystem& aSystem, const krviewer::CommandLine& aCommandLine, const KrDeviceInfo*& aDevice) {
+  // So that cameras of a foreign subnet answer too, and a user is told why one cannot be opened.
+  aSystem.SetSubnetBroadcastEnabled(false);
+  const KrResult selected = krapps::SelectDevice(aSystem, aCommandLine.device.toStdString(), aDevice);
+  if (!selected.IsOK()) {
+    std::fprintf(stderr, "%s\n", selected.GetDescription().CStr());
+    if (!aCommandLine.simulate)
+      std::fprintf(stderr, "With --simulate there are simulated cameras to try.\n");
+  }
+  return selected;
+}
+
+KrResult PickDevice(KrDeviceFinderWnd& aFinder, const KrDeviceInfo*& aDevice) {
+  const KrResult picked = krviewer::PickDevice(aFinder, aDevice);
+  if (!picked.IsOK() && picked != KrResult::Code::Cancelled)
+    std::fprintf(stderr, "%s\n", picked.GetDescription().CStr());
+  return picked;
 }
 
 int RunViewer(const krviewer::CommandLine& aCommandLine) {
@@ -47,17 +72,15 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
     std::fprintf(stderr, "%s\n", installed.GetDescription().CStr());
     return 1;
   }
+  // Whichever finds the device owns what is known of it.
   KrSystem system;
-  // So that cameras of a foreign subnet answer too, and a user is told why one cannot be opened.
-  system.SetSubnetBroadcastEnabled(false);
+  KrDeviceFinderWnd finder;
   const KrDeviceInfo* device = nullptr;
-  if (KrResult selected = krapps::SelectDevice(system, aCommandLine.device.toStdString(), device); !selected.IsOK()) {
-    std::fprintf(stderr, "%s\n", selected.GetDescription().CStr());
-    if (!aCommandLine.simulate)
-      std::fprintf(stderr, "With --simulate there are simulated cameras to try.\n");
-    return 1;
-  }
-  return krviewer::Viewer(*device, aCommandLine).Run();
+  const bool asksUser = aCommandLine.device.isEmpty() && !IsHeadless();
+  const KrResult found = asksUser ? PickDevice(finder, device) : SelectDevice(system, aCommandLine, device);
+  if (found == KrResult::Code::Cancelled)
+    return 0;
+  return found.IsOK() ? krviewer::Viewer(*device, aCommandLine).Run() : 1;
 }
 
 } // namespace

@@ -37,6 +37,19 @@ void ExpectFrameInWindow(const ViewerProcess& aViewer) {
   EXPECT_LE(std::abs(bands.top() - bands.bottom()), 1);
 }
 
+// A user's hands.
+void MoveHands(const QStringList& aMovement) {
+  QProcess hands;
+  hands.start("xdotool", aMovement);
+  ASSERT_TRUE(hands.waitForFinished(60000));
+  ASSERT_EQ(hands.exitCode(), 0) << hands.readAllStandardError().toStdString();
+}
+
+// Waits for a window and gives it the keyboard.
+void ActivateWindow(const QString& aTitle) {
+  MoveHands({"search", "--sync", "--onlyvisible", "--name", aTitle, "windowactivate", "--sync"});
+}
+
 void ExpectHundredWholeFrames(const ViewerProcess& aViewer) {
   EXPECT_EQ(aViewer.GetExitCode(), 0) << aViewer.GetErrors().toStdString();
   EXPECT_EQ(aViewer.GetFigure("frames"), 100) << aViewer.GetOutput().toStdString();
@@ -64,7 +77,7 @@ TEST(Krviewer, RealCameraByItsAddress_IsShownCentredWithBandsAndOverlay) {
 }
 
 TEST(Krviewer, SimulatedCamera_IsShownCentredWithBandsAndOverlay) {
-  const ViewerProcess viewer({"--simulate", "--frames", "100"});
+  const ViewerProcess viewer({"--simulate", "--device", "sim-mono", "--frames", "100"});
 
   ExpectHundredWholeFrames(viewer);
   ExpectFrameInWindow(viewer);
@@ -127,16 +140,53 @@ TEST(Krviewer, WindowClosedByItsUser_EndsTheProgram) {
   ASSERT_TRUE(process.waitForReadyRead(60000));
 
   // Typed at the server: a key that is sent to the window would find it gone when it is released.
-  for (const QStringList& movement :
-       {QStringList{"search", "--sync", "--onlyvisible", "--name", "Simulated Mono Camera", "windowactivate", "--sync"},
-        QStringList{"key", "Escape"}}) {
-    QProcess hands;
-    hands.start("xdotool", movement);
-    ASSERT_TRUE(hands.waitForFinished(60000));
-    ASSERT_EQ(hands.exitCode(), 0) << hands.readAllStandardError().toStdString();
-  }
+  ActivateWindow("Simulated Mono Camera");
+  MoveHands({"key", "Escape"});
 
   ASSERT_TRUE(process.waitForFinished(60000));
+  EXPECT_EQ(process.exitCode(), 0);
+}
+
+TEST(Krviewer, NoDeviceNamed_LetsTheUserPickOneAndShowsIt) {
+  QProcess process;
+  process.start(KRVIEWER_PATH, {"--simulate", "--frames", "20"});
+  ASSERT_TRUE(process.waitForStarted(60000));
+
+  // The tree finds its items by what is typed, as soon as they are there; nothing is accepted before one is selected.
+  ActivateWindow("Device Selection");
+  for (int i = 0; i < 200 && !process.waitForFinished(200); ++i)
+    MoveHands({"type", "Simulated Mono\n"});
+
+  EXPECT_EQ(process.state(), QProcess::NotRunning);
+  EXPECT_EQ(process.exitCode(), 0);
+  const QByteArray output = process.readAllStandardOutput();
+  EXPECT_TRUE(output.contains("camera=Simulated Mono Camera")) << output.toStdString();
+  EXPECT_TRUE(output.contains("frames=20")) << output.toStdString();
+}
+
+TEST(Krviewer, FinderCancelled_EndsTheProgram) {
+  QProcess process;
+  process.start(KRVIEWER_PATH, {"--simulate"});
+  ASSERT_TRUE(process.waitForStarted(60000));
+
+  ActivateWindow("Device Selection");
+  MoveHands({"key", "Escape"});
+
+  ASSERT_TRUE(process.waitForFinished(60000));
+  EXPECT_EQ(process.exitCode(), 0);
+  EXPECT_TRUE(process.readAllStandardOutput().isEmpty());
+}
+
+TEST(Krviewer, InterruptedWhileTheFinderIsOpen_Ends) {
+  QProcess process;
+  process.start(KRVIEWER_PATH, {"--simulate"});
+  ASSERT_TRUE(process.waitForStarted(60000));
+  ActivateWindow("Device Selection");
+
+  process.terminate();
+
+  ASSERT_TRUE(process.waitForFinished(60000));
+  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(process.exitCode(), 0);
 }
 

@@ -14,7 +14,7 @@ CommandLineStatus Parse(const QStringList& aArguments, CommandLine& aCommandLine
 
 } // namespace
 
-TEST(ParseCommandLine, NoArguments_ShowTheFirstCameraForEver) {
+TEST(ParseCommandLine, NoArguments_LetTheUserPickACameraAndShowItForEver) {
   CommandLine commandLine;
 
   EXPECT_EQ(Parse({}, commandLine), CommandLineStatus::Run);

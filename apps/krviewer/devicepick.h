@@ -1,0 +1,13 @@
+#pragma once
+// The viewer's first action when no camera was named: its user picks one.
+
+#include "krbase/krresult.h"
+#include "krgui/krdevicefinderwnd.h"
+
+namespace krviewer {
+
+/// Shows the finder until the user has picked a device; Cancelled when he did not want to, or when the program was
+/// interrupted meanwhile. The device lives as long as the finder.
+KrResult PickDevice(KrDeviceFinderWnd& aFinder, const KrDeviceInfo*& aDevice);
+
+} // namespace krviewer
