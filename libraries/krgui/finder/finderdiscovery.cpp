@@ -37,7 +37,8 @@ FinderDiscovery::~FinderDiscovery() = default;
 
 /// Stands still while the window keeps discovery from running: nobody could be reported meanwhile.
 std::uint32_t FinderDiscovery::GetClock() const {
-  return GetTickCount() - mHeldMs;
+  const std::lock_guard lock(mClockMutex);
+  return mHeldSinceMs.value_or(GetTickCount()) - mHeldMs;
 }
 
 KrResult FinderDiscovery::Start() {
@@ -85,13 +86,17 @@ void FinderDiscovery::LockFind() {
   // A round that runs may be waiting for the data lock.
   ReleaseData();
   mFindLock.LockByWindow([this] { mSystem.Cancel(); });
+  const std::lock_guard lock(mClockMutex);
   if (mFindHolds++ == 0)
     mHeldSinceMs = GetTickCount();
 }
 
 void FinderDiscovery::UnlockFind() {
-  if (--mFindHolds == 0)
-    mHeldMs += GetTickCount() - mHeldSinceMs;
+  {
+    const std::lock_guard lock(mClockMutex);
+    if (--mFindHolds == 0)
+      mHeldMs += GetTickCount() - *std::exchange(mHeldSinceMs, std::nullopt);
+  }
   mFindLock.UnlockByWindow();
 }
 

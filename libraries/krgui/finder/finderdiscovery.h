@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stop_token>
 #include <thread>
 #include <vector>
@@ -107,11 +108,12 @@ private:
   std::atomic<bool> mIsOver = false;
   std::atomic<bool> mShowsUnreachable = false;
   std::atomic<std::uint32_t> mRoundCount = 0;
-  std::atomic<std::uint32_t> mHeldMs = 0; ///< How long the window has kept discovery from running, in all.
 
   FindLock mFindLock;
   int mFindHolds = 0;
-  std::uint32_t mHeldSinceMs = 0;
+  mutable std::mutex mClockMutex;            ///< Guards the two that follow.
+  std::optional<std::uint32_t> mHeldSinceMs; ///< Since when the window keeps discovery from running.
+  std::uint32_t mHeldMs = 0;                 ///< How long it did so before, in all.
   FinderModel mModel;
   std::vector<DataHold*> mDataHolds;
 
