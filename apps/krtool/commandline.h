@@ -51,6 +51,7 @@ struct CommandLine {
   bool force = false; ///< Replaces a file that is there; for IP: takes doubtful values.
   bool json = false;
   bool simulate = false;
+  std::string labFile = {}; ///< The simulated lab's description; empty for the built-in one.
 };
 
 /// A command line, or why it cannot be understood.

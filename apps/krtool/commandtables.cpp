@@ -147,6 +147,12 @@ bool TakeText(CommandLine& aCommandLine, std::string_view aValue) {
   return !aValue.empty();
 }
 
+// A lab of one's own is offered as the built-in one is.
+bool TakeLab(CommandLine& aCommandLine, std::string_view aValue) {
+  aCommandLine.simulate = true;
+  return TakeText<&CommandLine::labFile>(aCommandLine, aValue);
+}
+
 template <bool CommandLine::*kMember>
 bool TakeFlag(CommandLine& aCommandLine, std::string_view) {
   return aCommandLine.*kMember = true;
@@ -211,6 +217,8 @@ constexpr OptionRow kOptions[] = {
      TakeAddress<&IPWish::gateway>, kWantsAddress},
     {"--json", "", "list ip", "Writes one JSON object instead of lines; with --watch one in each line.",
      TakeFlag<&CommandLine::json>, ""},
+    {"--lab", "FILE", "", "Offers the simulated lab that a file describes beside the real devices.", TakeLab,
+     "the name of a lab file"},
     {"--link-local", "on|off", "ip",
      "Whether the device takes an address of 169.254.*.* where it has no other. Most devices always do.",
      TakeSwitch<&IPWish::linkLocal>, "on or off"},

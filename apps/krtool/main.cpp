@@ -42,7 +42,8 @@ constexpr CommandRow kCommands[] = {
 int RunWithDevices(const krtool::CommandLine& aCommandLine) {
   if (KrResult prepared = KrGiveBackDevicesAtEnd(); !prepared.IsOK())
     std::cerr << "krtool: " << prepared.GetDescription().CStr() << '\n';
-  const KrTransportSelection selection = {.gigEVision = true, .simulation = aCommandLine.simulate};
+  const KrTransportSelection selection = {
+      .gigEVision = true, .simulation = aCommandLine.simulate, .labFile = aCommandLine.labFile};
   if (KrResult installed = KrInstallTransports(selection); !installed.IsOK()) {
     std::cerr << "krtool: " << installed.GetDescription().CStr() << '\n';
     return 1;

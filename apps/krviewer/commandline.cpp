@@ -19,6 +19,8 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
                                   "Without it a list to pick from comes first; headless the first camera is shown.",
                                   "DEVICE");
   const QCommandLineOption simulate("simulate", "Offer the built-in simulated cameras beside the real ones.");
+  const QCommandLineOption lab("lab", "Offer the simulated lab that this file describes beside the real cameras.",
+                               "FILE");
   const QCommandLineOption frames(
       "frames",
       "End after this number of frames; a camera that is lost before ends it too, instead of being waited for.", "N");
@@ -34,7 +36,7 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
   parser.setApplicationDescription(
       "Shows a machine-vision camera live. Escape, Enter or the close box end it.\n"
       "Without a display it ends after 100 frames and writes its pictures into the folder pictures.");
-  parser.addOptions({device, simulate, frames, screenshot, headless, help, version});
+  parser.addOptions({device, simulate, lab, frames, screenshot, headless, help, version});
 
   if (!parser.parse(QStringList{QStringLiteral("krviewer")} + aArguments))
     return Fail(parser.errorText(), aText);
@@ -48,9 +50,12 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
     return Fail(QStringLiteral("Unexpected argument \"%1\".").arg(parser.positionalArguments().constFirst()), aText);
 
   aCommandLine.device = parser.value(device);
-  aCommandLine.simulate = parser.isSet(simulate);
+  aCommandLine.simulate = parser.isSet(simulate) || parser.isSet(lab);
+  aCommandLine.labFile = parser.value(lab);
   aCommandLine.headless = parser.isSet(headless);
   aCommandLine.screenshotFolder = parser.value(screenshot);
+  if (parser.isSet(lab) && aCommandLine.labFile.isEmpty())
+    return Fail(QStringLiteral("--lab wants a lab file."), aText);
   if (parser.isSet(screenshot) && aCommandLine.screenshotFolder.isEmpty())
     return Fail(QStringLiteral("--screenshot wants a folder."), aText);
   if (parser.isSet(device) && aCommandLine.device.isEmpty())

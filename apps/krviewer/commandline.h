@@ -11,6 +11,7 @@ namespace krviewer {
 struct CommandLine {
   QString device;           ///< ID, MAC, IP address, serial number or user-defined name; empty to pick one.
   bool simulate = false;    ///< The built-in simulated lab beside the real devices.
+  QString labFile;          ///< The simulated lab's description; empty for the built-in one.
   bool headless = false;    ///< Without a display.
   std::uint64_t frames = 0; ///< Ends after so many frames; 0 never.
   QString screenshotFolder; ///< Where pictures go at the end; empty for none.

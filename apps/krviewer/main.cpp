@@ -25,7 +25,7 @@ bool IsHeadless() {
 void PrepareHeadless(krviewer::CommandLine& aCommandLine) {
   if (aCommandLine.frames == 0)
     aCommandLine.frames = kHeadlessFrames;
-  if (aCommandLine.simulate && aCommandLine.device.isEmpty())
+  if (aCommandLine.simulate && aCommandLine.labFile.isEmpty() && aCommandLine.device.isEmpty())
     aCommandLine.device = kFirstSimulatedCamera;
   if (aCommandLine.screenshotFolder.isEmpty())
     aCommandLine.screenshotFolder = QStringLiteral("pictures");
@@ -67,7 +67,8 @@ KrResult PickDevice(KrDeviceFinderWnd& aFinder, const KrDeviceInfo*& aDevice) {
 }
 
 int RunViewer(const krviewer::CommandLine& aCommandLine) {
-  if (KrResult installed = KrInstallTransports({.gigEVision = true, .simulation = aCommandLine.simulate});
+  if (KrResult installed = KrInstallTransports(
+          {.gigEVision = true, .simulation = aCommandLine.simulate, .labFile = aCommandLine.labFile.toStdString()});
       !installed.IsOK()) {
     std::fprintf(stderr, "%s\n", installed.GetDescription().CStr());
     return 1;

@@ -18,6 +18,14 @@ TEST(CommandLine, List_TakesItsOptions) {
   EXPECT_EQ(parsed.commandLine.timeoutMs, 250U);
 }
 
+TEST(CommandLine, Lab_ImpliesTheSimulation) {
+  const ParsedCommandLine parsed = ParseCommandLine({"list", "--lab", "lab.yaml"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.labFile, "lab.yaml");
+  EXPECT_TRUE(parsed.commandLine.simulate);
+}
+
 TEST(CommandLine, ListAlone_LeavesEverythingAtItsDefault) {
   const ParsedCommandLine parsed = ParseCommandLine({"list"});
 
@@ -299,6 +307,7 @@ TEST(CommandLine, Help_NamesEveryCommandAndOption) {
                            "--pixel-format NAME",
                            "--frames N",
                            "--json",
+                           "--lab FILE",
                            "--simulate",
                            "--timeout MS",
                            "--help",

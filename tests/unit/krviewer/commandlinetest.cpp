@@ -39,6 +39,15 @@ TEST(ParseCommandLine, EveryOption_IsTaken) {
   EXPECT_TRUE(commandLine.headless);
 }
 
+TEST(ParseCommandLine, Lab_ImpliesTheSimulation) {
+  CommandLine commandLine;
+
+  EXPECT_EQ(Parse({"--lab", "lab.yaml"}, commandLine), CommandLineStatus::Run);
+
+  EXPECT_EQ(commandLine.labFile, "lab.yaml");
+  EXPECT_TRUE(commandLine.simulate);
+}
+
 TEST(ParseCommandLine, WhatCannotBeUnderstood_IsNamed) {
   struct Row {
     QStringList arguments;
@@ -47,7 +56,7 @@ TEST(ParseCommandLine, WhatCannotBeUnderstood_IsNamed) {
   for (const Row& row :
        {Row{{"--frames", "0"}, "\"0\""}, Row{{"--frames", "-3"}, "\"-3\""}, Row{{"--frames", "many"}, "\"many\""},
         Row{{"--colour"}, "colour"}, Row{{"camera"}, "\"camera\""}, Row{{"--device"}, "device"},
-        Row{{"--device", ""}, "--device"}, Row{{"--screenshot", ""}, "--screenshot"}}) {
+        Row{{"--device", ""}, "--device"}, Row{{"--screenshot", ""}, "--screenshot"}, Row{{"--lab", ""}, "--lab"}}) {
     CommandLine commandLine;
     QString text;
 
@@ -66,7 +75,7 @@ TEST(ParseCommandLine, Help_NamesEveryOption) {
   EXPECT_EQ(krviewer::ParseCommandLine({"--help"}, commandLine, text), CommandLineStatus::Help);
 
   EXPECT_TRUE(text.contains("krviewer [options]")) << text.toStdString();
-  for (const char* option : {"--device", "--simulate", "--frames", "--screenshot", "--headless"})
+  for (const char* option : {"--device", "--simulate", "--lab", "--frames", "--screenshot", "--headless"})
     EXPECT_TRUE(text.contains(option)) << option;
 }
 

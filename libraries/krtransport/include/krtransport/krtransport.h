@@ -14,7 +14,8 @@ struct KrTransportSelection {
 
 /// Registers backends for the whole process; call it once, before devices are looked for. A backend that is registered
 /// already stays as it is. NotFound for a lab file that cannot be read and BadData, with line, column and reason, for
-/// one that is no good; then nothing is registered. Any thread.
+/// one that is no good, WrongState for a lab file when another lab was installed before; then nothing is registered.
+/// Any thread.
 ///
 ///     int main() {
 ///       KrResult result = KrInstallTransports({.gigEVision = true, .simulation = true});

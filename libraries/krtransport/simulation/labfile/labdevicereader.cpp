@@ -1,0 +1,273 @@
+#include "simulation/labfile/labdevicereader.h"
+
+#include "simulation/cameraregisters.h"
+#include "simulation/labfile/labnumbering.h"
+#include "simulation/labfile/labwords.h"
+#include "simulation/testpattern.h"
+
+#include <algorithm>
+#include <array>
+
+namespace krtransport {
+
+namespace {
+
+constexpr std::uint32_t kMostSensorPixels = 16384;
+constexpr std::size_t kMostPixelFormats = 256;
+constexpr std::size_t kMostSilentRegisters = 256;
+constexpr std::size_t kMostTextBytes = 64;
+constexpr std::uint64_t kMostDelayMs = 60000;
+constexpr std::uint32_t kMostVersion = 65535;
+constexpr std::uint32_t kMostSoftwareVersion = 255;
+
+// How long texts may be in bytes: as the registers that hold them.
+struct TextLimits {
+  std::size_t name;
+  std::size_t info;
+  std::size_t serial;
+  std::size_t userDefinedName;
+};
+constexpr TextLimits kGigELimits = {32, 48, 16, 16};
+constexpr TextLimits kOtherLimits = {kMostTextBytes, kMostTextBytes, kMostTextBytes, kMostTextBytes};
+
+void ReadIdentity(LabMap& aMap, const TextLimits& aLimits, LabIdentity& aIdentity) {
+  aMap.TakeText("vendor", aLimits.name, aIdentity.vendorName);
+  aMap.TakeText("model", aLimits.name, aIdentity.modelName);
+  aMap.TakeText("version", aLimits.name, aIdentity.version);
+  aMap.TakeText("info", aLimits.info, aIdentity.manufacturerInfo);
+  aMap.TakeText("serial", aLimits.serial, aIdentity.serialNumber);
+  aMap.TakeText("name", aLimits.userDefinedName, aIdentity.userDefinedName);
+  ReadSchedule(aMap, aIdentity.schedule);
+}
+
+void ReadNetwork(LabMap& aMap, LabNetworkSettings& aSettings) {
+  if (aMap.FindNeeded("mac"))
+    aMap.TakeMAC("mac", aSettings.macAddress);
+  aMap.TakeAddress("address", aSettings.ipAddress);
+  aMap.TakeMask("mask", aSettings.subnetMask);
+  aMap.TakeAddress("gateway", aSettings.defaultGateway);
+}
+
+// Whether frames of a format can be painted; the least picture tells.
+bool CanBePainted(KrPixelType aType) {
+  std::array<std::uint8_t, 1024> picture = {};
+  constexpr std::uint32_t kSide = 8; // All groups of pixels divide it, and 16 bytes a pixel are the most.
+  return FillPattern(aType, kSide, kSide, 0, picture.data());
+}
+
+void ReadPixelFormats(LabMap& aMap, std::vector<KrPixelType>& aFormats) {
+  const std::span<const YamlNode> items = aMap.TakeItems("pixelFormats", kMostPixelFormats);
+  std::vector<KrPixelType> formats;
+  for (const YamlNode& item : items) {
+    const std::optional<KrPixelType> type = KrFindPixelType(std::string_view(item.text));
+    if (!type || !CanBePainted(*type))
+      aMap.Report(item.place, "\"pixelFormats\" has to be names of formats that can be simulated, as Mono8");
+    else if (std::ranges::find(formats, *type) != formats.end())
+      aMap.Report(item.place, "the pixel format " + item.text + " is there twice");
+    else
+      formats.push_back(*type);
+  }
+  if (!formats.empty())
+    aFormats = formats;
+}
+
+void ReadSensor(LabMap& aMap, LabCamera& aCamera) {
+  const YamlNode* const node = aMap.Find("sensor");
+  if (!node)
+    return;
+  LabMap sensor(*node, "a sensor", aMap.GetProblem());
+  sensor.TakeNumber("width", aCamera.sensorWidth, cameraregister::kWidthMin, kMostSensorPixels);
+  sensor.TakeNumber("height", aCamera.sensorHeight, cameraregister::kHeightMin, kMostSensorPixels);
+  sensor.TakeReal("frameRate", cameraregister::kFrameRateMin, cameraregister::kFrameRateMax, aCamera.framesPerSecond);
+  ReadPixelFormats(sensor, aCamera.pixelFormats);
+  sensor.Finish();
+  if (aCamera.sensorWidth % cameraregister::kWidthIncrement != 0 ||
+      aCamera.sensorHeight % cameraregister::kHeightIncrement != 0)
+    aMap.Report(node->place, "a sensor's width has to be a multiple of 4, its height of 2");
+}
+
+void ReadSilentRegisters(LabMap& aMap, std::vector<LabSilentRegister>& aRegisters) {
+  for (const YamlNode& item : aMap.TakeItems("silentRegisters", kMostSilentRegisters)) {
+    LabMap map(item, "a silent register", aMap.GetProblem());
+    LabSilentRegister silent;
+    map.FindNeeded("address");
+    map.TakeNumber("address", silent.address);
+    map.TakeNumber("times", silent.times);
+    map.Finish();
+    aRegisters.push_back(silent);
+  }
+}
+
+void ReadFaults(LabMap& aMap, LabFaults& aFaults) {
+  const YamlNode* const node = aMap.Find("faults");
+  if (!node)
+    return;
+  LabMap map(*node, "a camera's faults", aMap.GetProblem());
+  map.TakeFlag("refusesOpening", aFaults.refusesOpening);
+  map.TakeFlag("silent", aFaults.isSilent);
+  ReadSilentRegisters(map, aFaults.silentRegisters);
+  map.TakeNumber("registerDelay", aFaults.registerDelayMs, 0, kMostDelayMs);
+  map.TakeNumber("droppedFrames", aFaults.droppedFrames);
+  if (const YamlNode* const lostNode = map.Find("lostPackets")) {
+    LabMap lostMap(*lostNode, "lost packets", aMap.GetProblem());
+    LabLostPackets lost;
+    lostMap.TakeNumber("frames", lost.frames, 1);
+    lostMap.TakeNumber("packets", lost.packets, 1);
+    lostMap.TakeNumber("first", lost.firstPacket);
+    lostMap.Finish();
+    aFaults.lostPackets = lost;
+  }
+  map.Finish();
+}
+
+void ReadAddressing(LabMap& aMap, std::string_view aKey, std::uint32_t& aBits) {
+  if (!aMap.Find(aKey))
+    return;
+  std::uint32_t bits = 0;
+  for (const YamlNode& item : aMap.TakeItems(aKey, kAddressingWords.size())) {
+    if (const LabWord* const word = aMap.ReadWord(item, aKey, kAddressingWords))
+      bits |= static_cast<std::uint32_t>(word->value);
+  }
+  aBits = bits;
+}
+
+void ReadPersistent(LabMap& aMap, LabGEVCamera& aCamera) {
+  const YamlNode* const node = aMap.Find("persistent");
+  if (!node)
+    return;
+  LabMap map(*node, "a persistent configuration", aMap.GetProblem());
+  map.TakeAddress("address", aCamera.persistentAddress);
+  map.TakeMask("mask", aCamera.persistentMask);
+  map.TakeAddress("gateway", aCamera.persistentGateway);
+  map.Finish();
+}
+
+LabGEVCamera ReadGEVCamera(LabMap& aMap) {
+  LabGEVCamera camera;
+  ReadIdentity(aMap, kGigELimits, camera);
+  ReadNetwork(aMap, camera);
+  ReadSensor(aMap, camera);
+  ReadFaults(aMap, camera.faults);
+  ReadAddressing(aMap, "addressing", camera.ipConfigOptions);
+  ReadAddressing(aMap, "addressingNow", camera.ipConfigCurrent);
+  ReadPersistent(aMap, camera);
+  aMap.TakeWord("class", kClassWords, camera.deviceClass);
+  aMap.TakeVersion("protocolVersion", kMostVersion, camera.gevVersion);
+  auto control = static_cast<std::int32_t>(krsystem::AccessType::Open);
+  aMap.TakeWord("control", kControlWords, control);
+  if (control == kSilentControl)
+    camera.faults.silentRegisters.push_back({cameraregister::kControlPrivilege, 0});
+  else
+    camera.foreignControl = static_cast<krsystem::AccessType>(control);
+  return camera;
+}
+
+LabTolvanDevice ReadTolvanDevice(LabMap& aMap) {
+  LabTolvanDevice device;
+  ReadIdentity(aMap, kOtherLimits, device);
+  ReadNetwork(aMap, device);
+  aMap.TakeNumber("deviceID", device.deviceID);
+  aMap.TakeNumber("moduleID", device.moduleID);
+  aMap.TakeNumber("subID", device.subID);
+  aMap.TakeNumber("vendorID", device.vendorID);
+  std::uint32_t version = std::uint32_t{device.softwareMajor} << 16 | device.softwareMinor;
+  aMap.TakeVersion("softwareVersion", kMostSoftwareVersion, version);
+  device.softwareMajor = static_cast<std::uint8_t>(version >> 16);
+  device.softwareMinor = static_cast<std::uint8_t>(version);
+  return device;
+}
+
+LabU3VCamera ReadU3VCamera(LabMap& aMap) {
+  LabU3VCamera camera;
+  ReadIdentity(aMap, kOtherLimits, camera);
+  ReadSensor(aMap, camera);
+  ReadFaults(aMap, camera.faults);
+  aMap.FindNeeded("guid");
+  aMap.TakeText("guid", kMostTextBytes, camera.deviceGUID);
+  aMap.TakeText("family", kMostTextBytes, camera.familyName);
+  aMap.TakeVersion("genCPVersion", kMostVersion, camera.genCPVersion);
+  aMap.TakeVersion("u3vVersion", kMostVersion, camera.u3vVersion);
+  aMap.TakeWord("speed", kSpeedWords, camera.speed);
+  if (aMap.Find("supportedSpeeds"))
+    camera.supportedSpeeds.clear();
+  for (const YamlNode& item : aMap.TakeItems("supportedSpeeds", kSpeedWords.size())) {
+    if (const LabWord* const word = aMap.ReadWord(item, "supportedSpeeds", kSpeedWords))
+      camera.supportedSpeeds.push_back(word->value);
+  }
+  aMap.TakeNumber("maxPower", camera.maxPowerMilliampere, 0, 100000);
+  aMap.TakeText("power", 2 * kMostTextBytes, camera.powerMessage);
+  aMap.TakeFlag("capabilities", camera.hasInitializedCapabilities);
+  aMap.TakeFlag("configured", camera.isConfigurationValid);
+  aMap.TakeFlag("driver", camera.isDriverInstalled);
+  return camera;
+}
+
+LabPlainUSBDevice ReadUSBDevice(LabMap& aMap) {
+  LabPlainUSBDevice device;
+  ReadIdentity(aMap, kOtherLimits, device);
+  aMap.FindNeeded("id");
+  aMap.TakeText("id", kMostTextBytes, device.id);
+  aMap.TakeWord("status", kStatusWords, device.status);
+  return device;
+}
+
+AnyLabDevice ReadDevice(LabMap& aMap, LabDeviceKind aKind) {
+  switch (aKind) {
+  case LabDeviceKind::GigEVision:
+    return ReadGEVCamera(aMap);
+  case LabDeviceKind::Tolvan:
+    return ReadTolvanDevice(aMap);
+  case LabDeviceKind::Usb3Vision:
+    return ReadU3VCamera(aMap);
+  default:
+    return ReadUSBDevice(aMap);
+  }
+}
+
+} // namespace
+
+void ReadSchedule(LabMap& aMap, LabSchedule& aSchedule) {
+  ReadSchedule(aMap, "appears", "vanishes", aSchedule);
+}
+
+void ReadSchedule(LabMap& aMap, std::string_view aBeginKey, std::string_view aEndKey, LabSchedule& aSchedule) {
+  const YamlNode* const begin = aMap.Find(aBeginKey);
+  const YamlNode* const end = aMap.Find(aEndKey);
+  std::uint64_t periodNs = 0;
+  aMap.TakeSeconds("every", periodNs);
+  if (!begin && !end)
+    return;
+  aSchedule.periodNs = periodNs;
+  aSchedule.beginNs = 0;
+  aMap.TakeSeconds(aBeginKey, aSchedule.beginNs);
+  aMap.TakeSeconds(aEndKey, aSchedule.endNs);
+  const TextPlace& place = (begin ? begin : end)->place;
+  const std::string keys = "\"" + std::string(aBeginKey) + "\" and \"" + std::string(aEndKey) + "\"";
+  if (aSchedule.beginNs == aSchedule.endNs)
+    aMap.Report(place, keys + " have to differ");
+  const auto isBeyond = [&](std::uint64_t aTimeNs) {
+    return aTimeNs != LabSchedule::kNever && aTimeNs > aSchedule.periodNs;
+  };
+  if (aSchedule.periodNs > 0 && (isBeyond(aSchedule.beginNs) || isBeyond(aSchedule.endNs)))
+    aMap.Report(place, keys + " have to be within the period that \"every\" says");
+}
+
+void ReadLabDevices(const YamlNode& aNode, LabDeviceList aList, LabProblem& aProblem,
+                    std::vector<ReadLabDevice>& aDevices) {
+  LabMap map(aNode, "a device", aProblem);
+  const std::span<const LabWord> kinds =
+      aList == LabDeviceList::OfAdapter ? std::span<const LabWord>(kNetworkKinds) : std::span<const LabWord>(kUsbKinds);
+  const YamlNode* const kindNode = map.FindNeeded("kind");
+  const LabWord* const kind = kindNode ? map.ReadWord(*kindNode, "kind", kinds) : nullptr;
+  if (!kind)
+    return;
+  ReadLabDevice read{.device = ReadDevice(map, static_cast<LabDeviceKind>(kind->value)), .place = aNode.place};
+  map.TakeFlag("duplicate", read.mayRepeat);
+  std::uint32_t count = 1;
+  map.TakeNumber("count", count, 1, kMostLabDevices);
+  map.Finish();
+  if (!aProblem.IsThere())
+    AddCounted(read, count, aProblem, aDevices);
+}
+
+} // namespace krtransport
