@@ -20,6 +20,7 @@ KrResult PickDevice(KrDeviceFinderWnd& aFinder, const KrDeviceInfo*& aDevice) {
       (void)aFinder.Close(); // It is open.
   });
   timer.start(kLookIntervalMs);
+  aFinder.SetTitle("Device Selection");
   const KrResult shown = aFinder.ShowModal(0);
   if (!shown.IsOK())
     return shown;

@@ -20,6 +20,7 @@ namespace {
 constexpr int kNameColumn = 0;
 constexpr int kValueColumn = 1;
 constexpr int kColourRole = Qt::UserRole;
+constexpr int kRowSpace = 3;
 
 QColor ToColour(RowColour aColour) {
   const auto value = static_cast<std::uint32_t>(aColour);
@@ -31,6 +32,11 @@ QColor ToColour(RowColour aColour) {
 class RowDelegate : public CutTextDelegate {
 public:
   using CutTextDelegate::CutTextDelegate;
+
+  /// Room for the grid below the letters.
+  QSize sizeHint(const QStyleOptionViewItem& aOption, const QModelIndex& aIndex) const override {
+    return CutTextDelegate::sizeHint(aOption, aIndex) + QSize(0, kRowSpace);
+  }
 
   void paint(QPainter* aPainter, const QStyleOptionViewItem& aOption, const QModelIndex& aIndex) const override {
     CutTextDelegate::paint(aPainter, aOption, aIndex);
@@ -67,7 +73,23 @@ bool SyncText(QTreeWidgetItem& aItem, int aColumn, const QString& aText) {
 
 } // namespace
 
-DeviceList::DeviceList(QTreeWidget& aWidget, int aWidth) : mWidget(&aWidget) {
+/// Hears when a scroll bar comes or goes beside the rows.
+class DeviceList::Watcher : public QObject {
+public:
+  explicit Watcher(DeviceList& aOwner) : mOwner(aOwner) {}
+
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    if (aEvent->type() == QEvent::Resize)
+      mOwner.FitValues();
+    return false;
+  }
+
+private:
+  DeviceList& mOwner;
+};
+
+DeviceList::DeviceList(QTreeWidget& aWidget, int aWidth)
+    : mWidget(&aWidget), mWatcher(std::make_unique<Watcher>(*this)) {
   aWidget.setRootIsDecorated(false);
   aWidget.setItemsExpandable(false);
   aWidget.setAllColumnsShowFocus(true);
@@ -82,9 +104,10 @@ DeviceList::DeviceList(QTreeWidget& aWidget, int aWidth) : mWidget(&aWidget) {
   aWidget.header()->resizeSection(kNameColumn, static_cast<int>(std::lround(0.4 * aWidth)));
   aWidget.header()->resizeSection(kValueColumn, static_cast<int>(std::lround(0.6 * aWidth)));
   aWidget.clear();
+  aWidget.viewport()->installEventFilter(mWatcher.get());
   auto* copy = new QShortcut(QKeySequence::Copy, &aWidget);
   copy->setContext(Qt::WidgetShortcut);
-  QObject::connect(copy, &QShortcut::activated, copy, [this] { CopyRow(); });
+  QObject::connect(copy, &QShortcut::activated, mWatcher.get(), [this] { CopyRow(); });
 }
 
 DeviceList::~DeviceList() = default;
@@ -98,7 +121,7 @@ void DeviceList::Show(const std::vector<InfoRow>& aRows) {
     hasChanged = ShowRow(i, aRows[static_cast<std::size_t>(i)]) || hasChanged;
   while (mWidget->topLevelItemCount() > count)
     delete mWidget->takeTopLevelItem(mWidget->topLevelItemCount() - 1);
-  if (hasChanged && count > 0)
+  if (hasChanged)
     FitValues();
 }
 
@@ -116,6 +139,8 @@ bool DeviceList::ShowRow(int aIndex, const InfoRow& aRow) {
 
 /// As wide as the longest value needs; at least what the names leave, so that the colours make one column.
 void DeviceList::FitValues() {
+  if (!mWidget || mWidget->topLevelItemCount() == 0)
+    return;
   QHeaderView& header = *mWidget->header();
   const int needed = static_cast<QAbstractItemView*>(mWidget.data())->sizeHintForColumn(kValueColumn);
   const int left = mWidget->viewport()->width() - header.sectionSize(kNameColumn);

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <memory>
 #include <vector>
 
 class QTreeWidget;
@@ -26,12 +27,15 @@ public:
   void Clear() { Show({}); }
 
 private:
+  class Watcher;
+
   /// True when a text was another one.
   bool ShowRow(int aIndex, const InfoRow& aRow);
   void FitValues();
   void CopyRow() const;
 
   const QPointer<QTreeWidget> mWidget;
+  const std::unique_ptr<Watcher> mWatcher;
 };
 
 } // namespace krgui

@@ -14,8 +14,8 @@ namespace krgui {
 
 namespace {
 
-constexpr int kPreferredLetters = 80;
-constexpr int kPreferredLines = 18;
+constexpr int kPreferredLetters = 100;
+constexpr int kPreferredLines = 24;
 
 QPushButton* MakeButton(const QString& aText, QWidget* aParent) {
   auto* button = new QPushButton(aText, aParent);

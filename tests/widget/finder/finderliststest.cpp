@@ -195,6 +195,18 @@ TEST_F(DeviceListsTest, LongValue_MakesTheValueColumnAsWideAsItNeeds) {
   EXPECT_TRUE(WaitFor([&] { return list.horizontalScrollBar()->maximum() > 0; }));
 }
 
+TEST_F(DeviceListsTest, MoreRowsThanRoom_MakeRoomForTheScrollBarBesideThem) {
+  mTransport->SetDevices({{"eth0", MakeFinderCamera()}});
+  Open({"Camera A"});
+  mFinder.SetPosition(0, 0, 800, 450);
+
+  Select("Camera A");
+
+  QTreeWidget& list = mFinder.GetDeviceList();
+  ASSERT_TRUE(WaitFor([&] { return list.verticalScrollBar()->isVisible(); }));
+  EXPECT_TRUE(WaitFor([&] { return list.horizontalScrollBar()->maximum() == 0; }));
+}
+
 TEST_F(DeviceListsTest, CopyKey_PutsNameAndValueOfTheSelectedRowOntoTheClipboard) {
   Open({"Camera A"});
   Select("Camera A");
