@@ -42,6 +42,7 @@ constexpr struct {
     {"apps/krtool/", false},
     {"examples/", true},
     {"benchmarks/display/", true},
+    {"benchmarks/finder/", true},
     {"tests/", true},
 };
 
