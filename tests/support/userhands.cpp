@@ -1,0 +1,256 @@
+#include "userhands.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QLabel>
+#include <QPixmap>
+#include <QProcess>
+#include <QScreen>
+#include <QTest>
+#include <QTreeView>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+namespace {
+
+// Looks; user-interface thread alone.
+
+QWidget* FindWindow(const QString& aTitle) {
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  const auto window = std::find_if(windows.begin(), windows.end(), [&](const QWidget* aWindow) {
+    return aWindow->isVisible() && aWindow->windowTitle() == aTitle;
+  });
+  return window == windows.end() ? nullptr : *window;
+}
+
+QWidget* FindControl(const QString& aTitle, int aControl) {
+  const QWidget* window = FindWindow(aTitle);
+  return window == nullptr ? nullptr : window->findChild<QWidget*>("control" + QString::number(aControl));
+}
+
+QTreeView* FindTree(const QString& aTitle, int aControl) {
+  return qobject_cast<QTreeView*>(FindControl(aTitle, aControl));
+}
+
+QString GetRowText(const QModelIndex& aFirstColumn) {
+  QStringList columns;
+  for (int column = 0; column < aFirstColumn.model()->columnCount(aFirstColumn.parent()); ++column)
+    columns.append(aFirstColumn.siblingAtColumn(column).data().toString());
+  return columns.join(" | ");
+}
+
+// Goes through all rows from the top until aTake returns true.
+bool ForEachRow(const QAbstractItemModel& aModel, const QModelIndex& aParent, int aLevel,
+                const std::function<bool(const QModelIndex&, int)>& aTake) {
+  for (int row = 0; row < aModel.rowCount(aParent); ++row) {
+    const QModelIndex index = aModel.index(row, 0, aParent);
+    if (aTake(index, aLevel) || ForEachRow(aModel, index, aLevel + 1, aTake))
+      return true;
+  }
+  return false;
+}
+
+QStringList ListRows(const QTreeView* aTree) {
+  QStringList rows;
+  if (aTree != nullptr)
+    ForEachRow(*aTree->model(), {}, 0, [&](const QModelIndex& aIndex, int aLevel) {
+      rows.append(QString(2 * aLevel, ' ') + GetRowText(aIndex));
+      return false;
+    });
+  return rows;
+}
+
+bool HasRow(const QString& aTitle, int aControl, const QString& aText) {
+  return !ListRows(FindTree(aTitle, aControl)).filter(aText).isEmpty();
+}
+
+// The middle of the first row that contains a text, on the screen; nothing where it is not to be seen.
+QPoint FindRow(const QString& aTitle, int aControl, const QString& aText) {
+  QPoint point;
+  QTreeView* tree = FindTree(aTitle, aControl);
+  if (tree != nullptr)
+    ForEachRow(*tree->model(), {}, 0, [&](const QModelIndex& aIndex, int) {
+      if (!GetRowText(aIndex).contains(aText))
+        return false;
+      tree->scrollTo(aIndex);
+      point = tree->viewport()->mapToGlobal(tree->visualRect(aIndex).center());
+      return true;
+    });
+  return point;
+}
+
+// The windows on the screen by their titles, the active one marked.
+QString ListWindows() {
+  QStringList titles;
+  for (const QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->isVisible())
+      titles.append('"' + window->windowTitle() + (window->isActiveWindow() ? "\" (active)" : "\""));
+  }
+  return titles.join(", ");
+}
+
+void RunXdotool(const QStringList& aArguments) {
+  QProcess process;
+  process.start("xdotool", aArguments);
+  EXPECT_TRUE(process.waitForFinished(UserHands::kLimitMs) && process.exitCode() == 0)
+      << "xdotool " << aArguments.join(' ').toStdString() << ": " << process.readAllStandardError().toStdString();
+}
+
+// What a script left open, from the top.
+void CloseTopWindow() {
+  QWidget* window = QApplication::activePopupWidget();
+  if (window == nullptr)
+    window = QApplication::activeModalWidget();
+  if (window != nullptr)
+    window->close();
+}
+
+} // namespace
+
+void UserHands::Glance(const std::function<void()>& aLook) const {
+  QMetaObject::invokeMethod(qApp, aLook, Qt::BlockingQueuedConnection);
+}
+
+bool UserHands::Await(const QString& aWhat, const std::function<bool()>& aCondition) const {
+  const bool isSo = QTest::qWaitFor(
+      [&] {
+        bool answer = false;
+        Glance([&] { answer = aCondition(); });
+        return answer;
+      },
+      kLimitMs);
+  EXPECT_TRUE(isSo) << "The user waited in vain: " << aWhat.toStdString() << "; open are " << DescribeWindows();
+  return isSo;
+}
+
+std::string UserHands::DescribeWindows() const {
+  QString windows;
+  Glance([&] { windows = ListWindows(); });
+  return windows.toStdString();
+}
+
+bool UserHands::AwaitWindow(const QString& aTitle) const {
+  return Await("the window " + aTitle, [&] {
+    const QWidget* window = FindWindow(aTitle);
+    return window != nullptr && window->isActiveWindow();
+  });
+}
+
+bool UserHands::AwaitNoWindow(const QString& aTitle) const {
+  return Await("the window " + aTitle + " gone", [&] { return FindWindow(aTitle) == nullptr; });
+}
+
+bool UserHands::AwaitMenu() const {
+  return Await("a menu", [] { return QApplication::activePopupWidget() != nullptr; });
+}
+
+bool UserHands::AwaitEnabled(const QString& aTitle, int aControl) const {
+  return Await("control " + QString::number(aControl) + " enabled", [&] {
+    const QWidget* control = FindControl(aTitle, aControl);
+    return control != nullptr && control->isEnabled();
+  });
+}
+
+bool UserHands::AwaitRow(const QString& aTitle, int aControl, const QString& aText) const {
+  const bool isSo = Await("the row " + aText, [&] { return HasRow(aTitle, aControl, aText); });
+  EXPECT_TRUE(isSo) << GetRows(aTitle, aControl).join('\n').toStdString();
+  return isSo;
+}
+
+bool UserHands::AwaitNoRow(const QString& aTitle, int aControl, const QString& aText) const {
+  return Await("the row " + aText + " gone",
+               [&] { return FindTree(aTitle, aControl) != nullptr && !HasRow(aTitle, aControl, aText); });
+}
+
+QStringList UserHands::GetRows(const QString& aTitle, int aControl) const {
+  QStringList rows;
+  Glance([&] { rows = ListRows(FindTree(aTitle, aControl)); });
+  return rows;
+}
+
+bool UserHands::IsEnabled(const QString& aTitle, int aControl) const {
+  bool isEnabled = false;
+  Glance([&] {
+    const QWidget* control = FindControl(aTitle, aControl);
+    isEnabled = control != nullptr && control->isEnabled();
+  });
+  return isEnabled;
+}
+
+QString UserHands::GetMessage(const QString& aTitle) const {
+  QString text;
+  Glance([&] {
+    const QWidget* window = FindWindow(aTitle);
+    const auto* label = window == nullptr ? nullptr : window->findChild<QLabel*>("text");
+    text = label == nullptr ? QString() : label->text();
+  });
+  return text;
+}
+
+void UserHands::Click(const QString& aTitle, int aControl) const {
+  QPoint point;
+  Glance([&] {
+    const QWidget* control = FindControl(aTitle, aControl);
+    if (control != nullptr)
+      point = control->mapToGlobal(control->rect().center());
+  });
+  EXPECT_FALSE(point.isNull()) << aTitle.toStdString() << " has no control " << aControl;
+  ClickAt(point, {"1"});
+}
+
+void UserHands::ClickRow(const QString& aTitle, int aControl, const QString& aText, const QStringList& aClicks) const {
+  QPoint point;
+  Glance([&] { point = FindRow(aTitle, aControl, aText); });
+  EXPECT_FALSE(point.isNull()) << aTitle.toStdString() << " has no row " << aText.toStdString();
+  ClickAt(point, aClicks);
+}
+
+void UserHands::DoubleClickRow(const QString& aTitle, int aControl, const QString& aText) const {
+  ClickRow(aTitle, aControl, aText, {"--repeat", "2", "--delay", "40", "1"});
+}
+
+void UserHands::RightClickRow(const QString& aTitle, int aControl, const QString& aText) const {
+  ClickRow(aTitle, aControl, aText, {"3"});
+}
+
+void UserHands::Press(const QString& aKey, int aTimes) const {
+  RunXdotool({"key", "--repeat", QString::number(aTimes), aKey});
+}
+
+void UserHands::Type(const QString& aText) const {
+  RunXdotool({"type", aText});
+}
+
+void UserHands::TakePicture(const QString& aPath) const {
+  Glance([&] { EXPECT_TRUE(QApplication::primaryScreen()->grabWindow().save(aPath)) << aPath.toStdString(); });
+}
+
+void UserHands::ClickAt(const QPoint& aScreenPoint, const QStringList& aClicks) const {
+  // Not with --sync, which waits in vain for a mouse that is there already.
+  RunXdotool(QStringList{"mousemove", QString::number(aScreenPoint.x()), QString::number(aScreenPoint.y()), "click"} +
+             aClicks);
+}
+
+void RunWithUser(const std::function<void()>& aShow, const std::function<void(UserHands&)>& aScript) {
+  std::atomic<bool> isClosed = false;
+  QEventLoop afterwards;
+  std::thread user([&] {
+    UserHands hands;
+    aScript(hands);
+    hands.Await("all windows closed", [&] {
+      if (!isClosed)
+        CloseTopWindow();
+      return isClosed.load();
+    });
+    QMetaObject::invokeMethod(&afterwards, &QEventLoop::quit, Qt::QueuedConnection);
+  });
+  aShow();
+  isClosed = true;
+  afterwards.exec();
+  user.join();
+}
