@@ -42,7 +42,7 @@ constexpr std::array kDeviceFinderControls = {
     ControlTemplate{ControlClass::Button, 1002, "Set IP Address...", {7, 342, 104, 16}, kMoveDown, false, true},
     ControlTemplate{ControlClass::Button, 1011, "Select from IP Address...", {115, 342, 104, 16}, kMoveDown},
     ControlTemplate{
-        ControlClass::Button, 1139, "Why is my camera not here?", {223, 342, 134, 16}, kMoveDown | kGrowRight},
+        ControlClass::Button, 1139, "Why is my camera not here?", {253, 342, 134, 16}, kMoveDown | kGrowRight},
     ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {425, 342, 50, 16}, kMoveRight | kMoveDown},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {478, 342, 50, 16}, kMoveRight | kMoveDown},
 };
