@@ -1,0 +1,60 @@
+#include "krsystem/krsystem.h"
+#include "krsystem/transportregistry.h"
+#include "krtransport/krtransport.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <unistd.h>
+
+using testing::HasSubstr;
+
+namespace {
+
+KrResult Install(const KrString& aLabFile) {
+  return KrInstallTransports({.gigEVision = false, .usb3Vision = false, .simulation = true, .labFile = aLabFile});
+}
+
+class InstalledLabTest : public testing::Test {
+protected:
+  ~InstalledLabTest() override { std::filesystem::remove_all(mFolder); }
+  KrString Write(const char* aName, const std::string& aText) {
+    const std::filesystem::path file = mFolder / aName;
+    std::ofstream(file) << aText;
+    return file.string();
+  }
+
+  const std::filesystem::path mFolder = [] {
+    std::string name = testing::TempDir() + "labXXXXXX";
+    EXPECT_NE(mkdtemp(name.data()), nullptr);
+    return std::filesystem::path(name);
+  }();
+};
+
+} // namespace
+
+// One test, as a process has one lab.
+TEST_F(InstalledLabTest, Install_LabFiles_TheFirstGoodOneIsTheProcessesLab) {
+  const KrString good =
+      Write("good.yaml", "adapters: [{name: lab7, addresses: [{address: 10.0.0.1, mask: 255.0.0.0}]}]");
+  const KrString bad = Write("bad.yaml", "adapters: []\ncontrolers: []\n");
+
+  const KrResult refused = Install(bad);
+  EXPECT_TRUE(refused == KrResult::Code::BadData);
+  EXPECT_THAT(refused.GetDescription().ToUtf8(), HasSubstr("bad.yaml:2:1: "));
+  EXPECT_TRUE(Install(good + ".none") == KrResult::Code::NotFound);
+  EXPECT_TRUE(krsystem::GetTransports().empty()) << "a lab that is no good registers nothing";
+
+  EXPECT_TRUE(Install(good).IsOK());
+  EXPECT_TRUE(Install(good).IsOK()) << "the same again";
+  EXPECT_TRUE(Install("").IsOK()) << "any lab will do";
+  EXPECT_TRUE(Install(bad) == KrResult::Code::WrongState) << "another lab";
+
+  EXPECT_EQ(krsystem::GetTransports().size(), 1u);
+  KrSystem system;
+  ASSERT_EQ(system.GetInterfaceCount(), 1u);
+  EXPECT_EQ(system.GetInterface(0)->GetUniqueID(), "lab7");
+}
