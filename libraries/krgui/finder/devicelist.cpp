@@ -28,6 +28,14 @@ QColor ToColour(RowColour aColour) {
                 static_cast<int>(value >> 16U & 0xFFU));
 }
 
+/// Between background and text, as far as themes set no more than those two.
+QColor MixGridColour(const QPalette& aPalette) {
+  const QColor base = aPalette.color(QPalette::Base);
+  const QColor text = aPalette.color(QPalette::Text);
+  const auto mix = [](int aMost, int aRest) { return (4 * aMost + aRest) / 5; };
+  return {mix(base.red(), text.red()), mix(base.green(), text.green()), mix(base.blue(), text.blue())};
+}
+
 /// Writes values on their row's colour and draws the grid.
 class RowDelegate : public CutTextDelegate {
 public:
@@ -40,7 +48,7 @@ public:
 
   void paint(QPainter* aPainter, const QStyleOptionViewItem& aOption, const QModelIndex& aIndex) const override {
     CutTextDelegate::paint(aPainter, aOption, aIndex);
-    aPainter->setPen(aOption.palette.color(QPalette::Midlight));
+    aPainter->setPen(MixGridColour(aOption.palette));
     aPainter->drawLine(aOption.rect.bottomLeft(), aOption.rect.bottomRight());
     aPainter->drawLine(aOption.rect.topRight(), aOption.rect.bottomRight());
   }
