@@ -8,14 +8,12 @@
 #include "krdevice/krdeviceend.h"
 #include "krtransport/krtransport.h"
 #include "listcommand.h"
+#include "outputreader.h"
 #include "saveframecommand.h"
 #include "settingscommands.h"
 #include "streamcommand.h"
 #include "valuecommands.h"
 #include "xmlcommand.h"
-
-#include <poll.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -69,12 +67,6 @@ int Run(const krtool::CommandLine& aCommandLine) {
 // As shells have it for what SIGPIPE ended; whoever talks to cameras has the process ignore that signal.
 constexpr int kEndedByPipe = 128 + SIGPIPE;
 
-// Whoever reads a listing may have seen enough, as head has: nothing to tell of. A stream's figures are its result.
-bool IsReaderGone() {
-  pollfd output = {.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
-  return poll(&output, 1, 0) > 0 && (output.revents & POLLERR) != 0;
-}
-
 } // namespace
 
 int main(int aCount, char** aArguments) {
@@ -85,7 +77,8 @@ int main(int aCount, char** aArguments) {
   }
   const int exitCode = Run(parsed.commandLine);
   if (!std::cout.flush()) {
-    if (parsed.commandLine.verb != krtool::Verb::Stream && IsReaderGone())
+    // Whoever reads a listing may have seen enough: nothing to tell of. A stream's figures are its result.
+    if (parsed.commandLine.verb != krtool::Verb::Stream && krtool::IsReaderGone())
       return kEndedByPipe;
     std::cerr << "krtool: the output could not be written.\n";
     return 1;

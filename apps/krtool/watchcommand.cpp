@@ -1,6 +1,7 @@
 #include "watchcommand.h"
 
 #include "camerasession.h"
+#include "outputreader.h"
 #include "stopsignal.h"
 #include "watchbook.h"
 #include "watchtext.h"
@@ -139,8 +140,9 @@ int WatchUntil(KrSystem& aSystem, const CommandLine& aCommandLine, const std::fu
 
 int RunWatch(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {
   const krapps::StopSignal stop;
-  return WatchUntil(
-      aSystem, aCommandLine, [&stop] { return stop.IsRaised(); }, aOut, aErrors);
+  // Without news nothing is written, so that the reader's end would show in nothing else.
+  const auto isStopped = [&stop] { return stop.IsRaised() || IsReaderGone(); };
+  return WatchUntil(aSystem, aCommandLine, isStopped, aOut, aErrors);
 }
 
 } // namespace krtool

@@ -45,8 +45,12 @@ std::string FormatChanges(const std::vector<Change>& aChanges) {
 } // namespace
 
 std::string FormatNews(const News& aNews, NewsTime aTime) {
+  std::vector<std::string> row = aNews.device ? MakeRow(*aNews.device, {}) : MakeRow(*aNews.interface);
+  // How many devices an interface has is no news of its own, and changes while rounds run.
+  if (!aNews.device)
+    row.back() = "-";
   std::string line = FormatTime(aTime, ' ', localtime_r) + "  " + std::string(GetWord(aNews.kind));
-  for (const std::string& cell : aNews.device ? MakeRow(*aNews.device, {}) : MakeRow(*aNews.interface))
+  for (const std::string& cell : row)
     line += "  " + cell;
   return line + FormatChanges(aNews.changes) + "\n";
 }

@@ -108,6 +108,15 @@ TEST_F(KrToolOnANetwork, WatchedDevice_VanishesAndReturnsAndCtrlCEndsWith0) {
   EXPECT_EQ(run.Finish(), 0) << run.GetErrors();
 }
 
+TEST_F(KrToolOnANetwork, WatchThatNobodyReads_Ends) {
+  ProgramRun run(KRTOOL_PATH, {"list", "--watch"});
+  ASSERT_TRUE(run.AwaitOutput("eth0"));
+
+  run.CloseOutput();
+
+  EXPECT_GE(run.Finish(), 0) << run.GetErrors();
+}
+
 TEST_F(KrToolOnANetwork, AdapterWithoutAddress_IsDiagnosed) {
   mLab.Connect("eth1", mHost, "port1");
 
