@@ -151,6 +151,11 @@ void FinderDiscovery::Run(const std::stop_token& aStop) {
 void FinderDiscovery::DoRound(const std::stop_token& aStop) {
   if (!mFindLock.TryLock())
     return;
+  // Under the lock, where the stop was asked for: a round that began behind it would be cancelled by nobody.
+  if (aStop.stop_requested()) {
+    mFindLock.UnlockByWorker();
+    return;
+  }
   const auto begin = std::chrono::steady_clock::now();
   mSystem.SetSubnetBroadcastEnabled(!mShowsUnreachable);
   const KrResult found = mSystem.Find();
