@@ -21,7 +21,11 @@ struct NetworkAnswer {
   const AdapterReading* adapter; // Null where nothing was read of it.
 
   const KrString& GetDeviceName() const { return GetName(device->fields); }
-  const KrString& GetAdapterName() const { return adapter ? GetName(*adapter) : device->interfaceID; }
+  const KrString& GetAdapterName() const {
+    if (adapter)
+      return GetName(*adapter);
+    return device->interfaceName.IsEmpty() ? device->interfaceID : device->interfaceName;
+  }
   bool HasMAC() const { return !fields->macAddress.IsEmpty() && fields->macAddress != kNoMAC; }
 };
 
@@ -31,7 +35,7 @@ NetworkAnswers SelectNetwork(const HostReadings& aReadings, const std::vector<An
   NetworkAnswers answers;
   for (const AnsweredDevice& device : aAnswered) {
     if (const NetworkFields* const fields = GetNetworkFields(device.fields))
-      answers.push_back({&device, fields, FindAdapter(aReadings, device.interfaceID)});
+      answers.push_back({&device, fields, FindAdapter(aReadings, device)});
   }
   return answers;
 }
@@ -78,15 +82,27 @@ KrFinding MakeConflict(const NetworkAnswer& aAnswer, const KrString& aText) {
           "Give it another address, " + DescribeRepair(aAnswer, address)};
 }
 
+// A device that several adapters hear is well when one of them reaches it.
 void FindForeignSubnets(const NetworkAnswers& aAnswers, std::vector<KrFinding>& aFindings) {
+  const auto isValid = [](const NetworkAnswer& aAnswer) {
+    return GetDeviceFields(aAnswer.device->fields).configurationValid;
+  };
+  std::map<KrString, const NetworkAnswer*> reached; // By MAC address.
   for (const NetworkAnswer& answer : aAnswers) {
-    if (!GetDeviceFields(answer.device->fields).configurationValid)
+    if (answer.HasMAC() && isValid(answer))
+      reached.emplace(answer.fields->macAddress, &answer);
+  }
+  for (const NetworkAnswer& answer : aAnswers) {
+    if (isValid(answer))
+      continue;
+    const auto same = reached.find(answer.fields->macAddress);
+    if (same == reached.end() || AreTwoDevices(same->second->device->fields, answer.device->fields))
       aFindings.push_back(MakeForeignSubnet(answer));
   }
 }
 
 // A program of the host answers with an address of the host, as it must: on the loopback adapter, or without a MAC
-// address of its own.
+// address of its own. What comes by the kernel's sockets is never such a conflict: it drops that.
 void FindConflictsWithHost(const HostReadings& aReadings, const NetworkAnswers& aAnswers,
                            std::vector<KrFinding>& aFindings) {
   std::map<KrString, const AdapterReading*> own;

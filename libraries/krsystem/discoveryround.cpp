@@ -76,10 +76,13 @@ std::vector<AnsweredDevice> DiscoveryRound::GetAnswered() {
   std::vector<AnsweredDevice> devices;
   for (const auto& [key, answered] : mAnswered) {
     const InterfaceFields& interface = mParts[answered.first.partIndex].interfaces[answered.first.interfaceIndex];
-    const KrString& interfaceID = std::visit([](const auto& aKind) { return aKind.uniqueID; }, interface);
-    devices.push_back({interfaceID, answered.first.device});
+    const KrString& interfaceID =
+        std::visit([](const auto& aKind) -> const KrString& { return aKind.uniqueID; }, interface);
+    const auto* const adapter = std::get_if<NetworkAdapterFields>(&interface);
+    const KrString name = adapter ? adapter->name : KrString();
+    devices.push_back({interfaceID, answered.first.device, name});
     if (answered.other)
-      devices.push_back({interfaceID, *answered.other});
+      devices.push_back({interfaceID, *answered.other, name});
   }
   return devices;
 }

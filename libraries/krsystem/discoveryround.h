@@ -20,6 +20,11 @@ namespace krsystem {
 /// As objects live as long as their system, answers under ever new names must not fill the memory: so many devices are
 /// kept, and so many are taken in one round.
 inline constexpr std::size_t kMostDevices = 16'384;
+/// From so many kept ones on, a round's answers become devices only where the same came in the round before, too: a
+/// flood under ever new names then takes no more room from those that stay.
+inline constexpr std::size_t kFreelyTakenDevices = kMostDevices / 2;
+/// Interfaces change with each address that they get, and those of containers come under ever new names.
+inline constexpr std::size_t kMostInterfaces = 16'384;
 
 /// One transport's share of a round.
 struct DiscoveryPart {

@@ -32,8 +32,11 @@ const KrString& GetName(const AnyDeviceFields& aDevice) {
   return fields.displayID.IsEmpty() ? fields.uniqueID : fields.displayID;
 }
 
-const AdapterReading* FindAdapter(const HostReadings& aReadings, const KrString& aUniqueID) {
-  const auto adapter = std::ranges::find(aReadings.adapters, aUniqueID, &AdapterReading::uniqueID);
+const AdapterReading* FindAdapter(const HostReadings& aReadings, const AnsweredDevice& aAnswered) {
+  auto adapter = std::ranges::find(aReadings.adapters, aAnswered.interfaceID, &AdapterReading::uniqueID);
+  // The unique ID changes when the adapter gets another MAC address, or another adapter has the same one.
+  if (adapter == aReadings.adapters.end() && !aAnswered.interfaceName.IsEmpty())
+    adapter = std::ranges::find(aReadings.adapters, aAnswered.interfaceName, &AdapterReading::name);
   return adapter != aReadings.adapters.end() ? &*adapter : nullptr;
 }
 

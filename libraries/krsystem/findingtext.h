@@ -15,8 +15,8 @@ std::string AppendCommand(const KrString& aName, const std::string& aCommand);
 const KrString& GetName(const AdapterReading& aAdapter);
 /// A device's text for lists, or its unique ID where it has none.
 const KrString& GetName(const AnyDeviceFields& aDevice);
-/// The adapter's reading by its unique ID, or null.
-const AdapterReading* FindAdapter(const HostReadings& aReadings, const KrString& aUniqueID);
+/// The reading of the adapter on which a device answered, by its unique ID or else by its name; or null.
+const AdapterReading* FindAdapter(const HostReadings& aReadings, const AnsweredDevice& aAnswered);
 /// The adapter's first address that is one, or null.
 const AdapterAddress* FindAddress(const AdapterReading& aAdapter);
 

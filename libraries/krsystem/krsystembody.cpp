@@ -89,6 +89,8 @@ void KrSystem::Body::TakeAnswers(krsystem::DiscoveryRound& aRound, const std::ve
   while (const krsystem::DiscoveryAnswer* answer = aRound.WaitForAnswer()) {
     const krsystem::DiscoveryPart& part = aParts[answer->partIndex];
     KrInterface* const interface = part.objects[answer->interfaceIndex];
+    if (!IsWelcome(*part.transport, interface, {GetUniqueID(part.interfaces[answer->interfaceIndex]), answer->device}))
+      continue;
     const KrDeviceInfo* const device = FindOrMake(part.transport, interface, answer->device);
     if (!device || !answered.emplace(interface, device->GetUniqueID()).second)
       continue;
@@ -122,6 +124,7 @@ void KrSystem::Body::NoteAnswered(std::vector<krsystem::AnsweredDevice> aAnswere
         aAnswered.push_back(former);
     }
   }
+  mAnsweredByID.clear();
   auto answered = std::make_shared<const std::vector<krsystem::AnsweredDevice>>(std::move(aAnswered));
   const std::lock_guard lock(mAnsweredMutex);
   mAnswered.swap(answered);
@@ -151,29 +154,57 @@ KrInterface* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::ITranspo
                                         const krsystem::InterfaceFields& aFields) {
   if (GetUniqueID(aFields).IsEmpty())
     return nullptr;
-  const auto known = std::ranges::find_if(mInterfaceRecords, [&](const InterfaceRecord& aRecord) {
-    return aRecord.transport == aTransport && aRecord.fields == aFields;
+  const auto [first, end] = mInterfaceRecords.equal_range(GetUniqueID(aFields));
+  const auto known = std::find_if(first, end, [&](const auto& aEntry) {
+    return aEntry.second.transport == aTransport && aEntry.second.fields == aFields;
   });
-  if (known != mInterfaceRecords.end())
-    return known->object.get();
+  if (known != end)
+    return known->second.object.get();
+  if (mInterfaceRecords.size() == krsystem::kMostInterfaces) {
+    LogOnce(mAreInterfacesFullLogged, std::to_string(krsystem::kMostInterfaces) +
+                                          " different interfaces were listed, counting what changed as another one, "
+                                          "and new ones are left out from now on. Make a new KrSystem.");
+    return nullptr;
+  }
   auto object = std::visit([](const auto& aKind) { return MakeInterface(aKind); }, aFields);
   object->mTransport = aTransport;
   lists.Adopt(*object);
-  mInterfaceRecords.push_back({aTransport, aFields, std::move(object)});
-  return mInterfaceRecords.back().object.get();
+  InterfaceRecord record{aTransport, aFields, std::move(object)};
+  return mInterfaceRecords.emplace(GetUniqueID(aFields), std::move(record))->second.object.get();
+}
+
+const KrDeviceInfo* KrSystem::Body::FindKnown(const krsystem::ITransport& aTransport, const KrInterface* aInterface,
+                                              const krsystem::AnyDeviceFields& aFields) const {
+  const auto [first, end] = mDeviceRecords.equal_range(GetUniqueID(aFields));
+  const auto known = std::find_if(first, end, [&](const auto& aEntry) {
+    const DeviceRecord& record = aEntry.second;
+    return record.object->mTransport.get() == &aTransport && record.object->mInterface == aInterface &&
+           record.fields == aFields;
+  });
+  return known != end ? known->second.object.get() : nullptr;
+}
+
+bool KrSystem::Body::IsWelcome(const krsystem::ITransport& aTransport, const KrInterface* aInterface,
+                               const krsystem::AnsweredDevice& aAnswer) {
+  if (mDeviceRecords.size() < krsystem::kFreelyTakenDevices || FindKnown(aTransport, aInterface, aAnswer.fields))
+    return true;
+  LogOnce(mIsFloodLogged, std::to_string(krsystem::kFreelyTakenDevices) +
+                              " different devices have answered; new ones are listed only when they answer in two "
+                              "rounds. Look who answers in this network.");
+  if (mAnsweredByID.empty()) {
+    for (const krsystem::AnsweredDevice& former : *GetAnswered())
+      mAnsweredByID.emplace(GetUniqueID(former.fields), &former);
+  }
+  const auto [first, end] = mAnsweredByID.equal_range(GetUniqueID(aAnswer.fields));
+  return std::any_of(first, end, [&aAnswer](const auto& aEntry) {
+    return aEntry.second->interfaceID == aAnswer.interfaceID && aEntry.second->fields == aAnswer.fields;
+  });
 }
 
 const KrDeviceInfo* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport,
                                                KrInterface* aInterface, const krsystem::AnyDeviceFields& aFields) {
-  const KrString& uniqueID = GetUniqueID(aFields);
-  const auto [first, end] = mDeviceRecords.equal_range(uniqueID);
-  const auto known = std::find_if(first, end, [&](const auto& aEntry) {
-    const DeviceRecord& record = aEntry.second;
-    return record.object->mTransport == aTransport && record.object->mInterface == aInterface &&
-           record.fields == aFields;
-  });
-  if (known != end)
-    return known->second.object.get();
+  if (const KrDeviceInfo* const known = FindKnown(*aTransport, aInterface, aFields))
+    return known;
   if (mDeviceRecords.size() == krsystem::kMostDevices) {
     LogFull();
     return nullptr;
@@ -181,17 +212,18 @@ const KrDeviceInfo* KrSystem::Body::FindOrMake(const std::shared_ptr<krsystem::I
   auto object = std::visit([](const auto& aKind) { return MakeDevice(aKind); }, aFields);
   object->mTransport = aTransport;
   object->mInterface = aInterface;
-  return mDeviceRecords.emplace(uniqueID, DeviceRecord{aFields, std::move(object)})->second.object.get();
+  return mDeviceRecords.emplace(GetUniqueID(aFields), DeviceRecord{aFields, std::move(object)})->second.object.get();
+}
+
+void KrSystem::Body::LogOnce(bool& aIsLogged, const KrString& aText) {
+  if (!std::exchange(aIsLogged, true))
+    KrLogger("KrSystem").Log(KrLogLevel::Warning, {"KrSystem::Find", "krsystem"}, aText);
 }
 
 void KrSystem::Body::LogFull() {
-  if (std::exchange(mIsFullLogged, true))
-    return;
-  KrLogger("KrSystem")
-      .Log(KrLogLevel::Warning, {"KrSystem::Find", "krsystem"},
-           std::to_string(krsystem::kMostDevices) +
-               " different devices have answered, and new ones are left out from now on. Look who "
-               "answers in this network, and make a new KrSystem.");
+  LogOnce(mIsFullLogged, std::to_string(krsystem::kMostDevices) +
+                             " different devices have answered, and new ones are left out from now on. Look who "
+                             "answers in this network, and make a new KrSystem.");
 }
 
 bool KrSystem::Body::IsAlwaysShown(const KrInterface& aInterface) {
@@ -215,8 +247,15 @@ void KrSystem::Body::EnterInterface(KrInterface* aInterface) {
     return;
   const bool isNew = std::ranges::find(mInterfaces, aInterface) == mInterfaces.end();
   const bool wasShown = !isNew && IsShown(*aInterface);
-  if (isNew)
-    mInterfaces.push_back(aInterface);
+  if (isNew) {
+    const auto former = std::ranges::find_if(mInterfaces, [aInterface](const KrInterface* aListed) {
+      return aListed->mTransport == aInterface->mTransport && aListed->GetUniqueID() == aInterface->GetUniqueID();
+    });
+    if (former != mInterfaces.end())
+      *former = aInterface;
+    else
+      mInterfaces.push_back(aInterface);
+  }
   if (!IsAlwaysShown(*aInterface))
     mAnsweredLoopbacks.emplace(aInterface->mTransport, aInterface->GetUniqueID());
   if (!wasShown)

@@ -42,15 +42,15 @@ struct KrSystem::Body {
   std::shared_ptr<const std::vector<krsystem::AnsweredDevice>> GetAnswered() const;
 
   /// The object for an interface of a transport; a new one where none has these fields. Null for an interface without a
-  /// unique ID, which stands for none.
+  /// unique ID, which stands for none, and for a new one when there are kMostInterfaces already.
   KrInterface* FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport,
                           const krsystem::InterfaceFields& aFields);
   /// The object for a device behind an interface; a new one where none has these fields. Null for a new one when there
   /// are kMostDevices already.
   const KrDeviceInfo* FindOrMake(const std::shared_ptr<krsystem::ITransport>& aTransport, KrInterface* aInterface,
                                  const krsystem::AnyDeviceFields& aFields);
-  /// Lists an interface behind which a device answered, unless it is null: at the end, or in its place where it was not
-  /// shown before.
+  /// Lists an interface behind which a device answered, unless it is null: in the place of the one with the same unique
+  /// ID, whose devices leave the lists then, else at the end.
   void EnterInterface(KrInterface* aInterface);
 
 private:
@@ -64,8 +64,16 @@ private:
     std::unique_ptr<KrDeviceInfo> object;
   };
 
+  /// Says something once: aIsLogged is whether it was said already.
+  static void LogOnce(bool& aIsLogged, const KrString& aText);
   /// Says once that there is no room for further devices.
   void LogFull();
+  /// The object for a device behind an interface; null where none has these fields.
+  const KrDeviceInfo* FindKnown(const krsystem::ITransport& aTransport, const KrInterface* aInterface,
+                                const krsystem::AnyDeviceFields& aFields) const;
+  /// Whether an answer of a round may become a device, so that a flood leaves room for others (kFreelyTakenDevices).
+  bool IsWelcome(const krsystem::ITransport& aTransport, const KrInterface* aInterface,
+                 const krsystem::AnsweredDevice& aAnswer);
   /// Whether an interface is listed without a device having answered on it.
   static bool IsAlwaysShown(const KrInterface& aInterface);
   bool IsShown(const KrInterface& aInterface) const;
@@ -80,9 +88,12 @@ private:
   mutable std::mutex mAnsweredMutex; // Guards mAnswered.
   std::shared_ptr<const std::vector<krsystem::AnsweredDevice>> mAnswered =
       std::make_shared<std::vector<krsystem::AnsweredDevice>>();
-  std::vector<InterfaceRecord> mInterfaceRecords;
+  std::multimap<KrString, const krsystem::AnsweredDevice*> mAnsweredByID; // Of mAnswered; filled once it is needed.
+  std::multimap<KrString, InterfaceRecord> mInterfaceRecords;             // By unique ID.
   std::vector<KrInterface*> mInterfaces; // Of the last listing, with those that are not shown.
   std::set<std::pair<std::shared_ptr<krsystem::ITransport>, KrString>> mAnsweredLoopbacks; // By unique ID.
   std::multimap<KrString, DeviceRecord> mDeviceRecords;                                    // By unique ID.
   bool mIsFullLogged = false;
+  bool mIsFloodLogged = false;
+  bool mAreInterfacesFullLogged = false;
 };

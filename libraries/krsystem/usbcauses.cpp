@@ -5,10 +5,15 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <string>
 
 namespace krsystem {
 
 namespace {
+
+// The line of scripts/70-krgui-usb3vision.rules, so that the remedy does not depend on where that is installed.
+constexpr const char* kRule =
+    R"(ACTION!="remove", SUBSYSTEM=="usb", ENV{DEVTYPE}=="usb_device", ENV{ID_USB_INTERFACES}=="*:ef0500:*", MODE="0660", GROUP="plugdev", TAG+="uaccess")";
 
 // The speeds that are too slow, by their number.
 constexpr std::array<const char*, 4> kSlowSpeeds = {nullptr, "Low Speed (1.5 Mbit/s)", "Full Speed (12 Mbit/s)",
@@ -37,9 +42,11 @@ std::vector<USBReading> JoinDevices(const HostReadings& aReadings, const std::ve
 KrFinding MakePermission(const KrString& aName) {
   return {KrFindingKind::USBPermission, aName,
           aName + " may not be opened: its device file may be read and written by others only.",
-          "Install the udev rule that comes with the library, then plug the camera in again.\n"
-          "sudo cp 70-krgui-usb3vision.rules /etc/udev/rules.d/\n"
-          "sudo udevadm control --reload"};
+          "Add the udev rule for USB3 Vision cameras, then plug the camera in again.\n"
+          "echo '" +
+              std::string(kRule) +
+              "' | sudo tee /etc/udev/rules.d/70-krgui-usb3vision.rules\n"
+              "sudo udevadm control --reload"};
 }
 
 KrFinding MakeSpeed(const KrString& aName, const char* aSpeed) {

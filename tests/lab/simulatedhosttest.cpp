@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <string>
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -97,6 +100,61 @@ TEST_F(SimulatedHostTest, Find_StrictFilter_DropsForeignAnswersButNotThoseFromNo
   EXPECT_EQ(mSystem.GetInterface(1)->GetDeviceCount(), 0u) << "no cable";
   EXPECT_EQ(mSystem.GetInterface(2)->GetDeviceCount(), 0u) << "down";
 }
+
+// What a device of a foreign subnet says comes through as it does on real networks.
+struct LabFilterCase {
+  const char* name;
+  std::int32_t filter;
+  const char* gateway;
+  const char* gatewayElsewhere;
+  bool isHeard;
+};
+
+constexpr LabFilterCase kLabFilters[] = {
+    {"Off", 0, "0.0.0.0", "0.0.0.0", true},
+    {"StrictWithoutRoute", 1, "0.0.0.0", "0.0.0.0", false},
+    {"StrictWithARouteElsewhere", 1, "0.0.0.0", "172.16.0.254", false},
+    {"StrictWithTheRoute", 1, "10.0.0.254", "0.0.0.0", true},
+    {"LooseWithoutRoute", 2, "0.0.0.0", "0.0.0.0", false},
+    {"LooseWithARouteElsewhere", 2, "0.0.0.0", "172.16.0.254", true},
+    {"LooseWithTheRoute", 2, "10.0.0.254", "0.0.0.0", true},
+};
+
+class SimulatedFilters : public testing::TestWithParam<LabFilterCase> {};
+
+TEST_P(SimulatedFilters, Filter_DropsForeignAnswersToWhichThereIsNoWayBack) {
+  krtransport::Lab lab = MakeLab();
+  lab.controllers.clear();
+  lab.adapters.resize(2);
+  lab.adapters[0].reversePathFilter = GetParam().filter;
+  lab.adapters[0].defaultGateway = GetParam().gateway;
+  lab.adapters[1].name = "elsewhere";
+  lab.adapters[1].hasCarrier = true;
+  lab.adapters[1].addresses = {{"172.16.0.1", "255.255.0.0"}};
+  lab.adapters[1].defaultGateway = GetParam().gatewayElsewhere;
+  lab.adapters[1].devices.clear();
+  krtransport::SimulationTransport transport(lab);
+  std::vector<krsystem::InterfaceFields> interfaces;
+  EXPECT_TRUE(transport.ListInterfaces(interfaces).IsOK());
+  std::vector<KrString> heard;
+
+  EXPECT_TRUE(transport
+                  .Discover(interfaces, {.timeoutMs = 100, .subnetBroadcast = false, .cancel = {}},
+                            [&heard](std::size_t, const krsystem::AnyDeviceFields& aDevice) {
+                              heard.push_back(std::get<krsystem::GEVFields>(aDevice).macAddress);
+                            })
+                  .IsOK());
+  krsystem::HostReadings readings;
+  EXPECT_TRUE(transport.ReadHost(readings).IsOK());
+
+  EXPECT_THAT(heard, testing::IsSupersetOf({KrString(kMonoMAC), KrString(kColourMAC)}));
+  EXPECT_EQ(std::ranges::find(heard, KrString(kForeignMAC)) != heard.end(), GetParam().isHeard);
+  ASSERT_EQ(readings.adapters.size(), 2u);
+  EXPECT_EQ(readings.adapters[0].hasDefaultRoute, GetParam().gateway != std::string("0.0.0.0"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Filters, SimulatedFilters, testing::ValuesIn(kLabFilters),
+                         [](const auto& aInfo) { return aInfo.param.name; });
 
 TEST_F(SimulatedHostTest, FindUsedAddresses_AdapterDevicesAndOthers_AreUsed) {
   std::vector<std::uint32_t> used;

@@ -14,26 +14,33 @@ namespace {
 using krsystem::AdapterAddress;
 using krsystem::NetworkAdapterFields;
 
-// How people call the kinds of virtual links; others are called as the kernel calls them.
+// How people call the kinds of virtual links; others are called as the kernel calls them. Some stand on another adapter
+// always, be it of another namespace.
 struct KindRow {
   const char* kind;
   const char* description;
+  bool isOnAnother = false;
 };
 
 constexpr KindRow kKinds[] = {
     {"bond", "Bond"},
     {"bridge", "Bridge"},
     {"dummy", "Dummy adapter"},
-    {"macvlan", "Virtual adapter (macvlan)"},
-    {"macvtap", "Virtual adapter (macvtap)"},
-    {"ipvlan", "Virtual adapter (ipvlan)"},
+    {"macvlan", "Virtual adapter (macvlan)", true},
+    {"macvtap", "Virtual adapter (macvtap)", true},
+    {"ipvlan", "Virtual adapter (ipvlan)", true},
     {"team", "Team"},
     {"tun", "Tunnel of a program (tun)"},
     {"veth", "Virtual cable (veth)"},
-    {"vlan", "VLAN"},
+    {"vlan", "VLAN", true},
     {"vxlan", "VXLAN"},
     {"wireguard", "WireGuard tunnel"},
 };
+
+const KindRow* FindKind(const KernelLink& aLink) {
+  const auto* row = std::ranges::find_if(kKinds, [&aLink](const KindRow& aRow) { return aLink.kind == aRow.kind; });
+  return row != std::end(kKinds) ? row : nullptr;
+}
 
 bool IsUp(const KernelLink& aLink) {
   return (aLink.flags & IFF_UP) != 0;
@@ -73,16 +80,41 @@ std::vector<AdapterAddress> GetAddresses(const KernelTables& aTables, int aLinkI
 std::uint32_t GetGateway(const KernelTables& aTables, int aLinkIndex) {
   const KernelRoute* best = nullptr;
   for (const KernelRoute& route : aTables.defaultRoutes)
-    if (route.linkIndex == aLinkIndex && (best == nullptr || route.metric < best->metric))
+    if (route.linkIndex == aLinkIndex && route.gateway != 0 && (best == nullptr || route.metric < best->metric))
       best = &route;
   return best != nullptr ? best->gateway : 0;
+}
+
+// What is for everywhere goes by the routes of the smallest metric alone.
+bool HasDefaultRoute(const KernelTables& aTables, int aLinkIndex) {
+  const auto best = std::ranges::min_element(aTables.defaultRoutes, {}, &KernelRoute::metric);
+  return std::ranges::any_of(aTables.defaultRoutes, [&](const KernelRoute& aRoute) {
+    return aRoute.linkIndex == aLinkIndex && aRoute.metric == best->metric;
+  });
+}
+
+// A router inside of the host has no addresses of its own: its members keep theirs, and hear what comes.
+bool IsPort(const KernelTables& aTables, const KernelLink& aLink) {
+  const auto master = std::ranges::find(aTables.links, aLink.master, &KernelLink::index);
+  return aLink.master != 0 && (master == aTables.links.end() || master->kind != "vrf");
+}
+
+krsystem::AdapterBasis FindBasis(const KernelTables& aTables, const KernelLink& aLink) {
+  using krsystem::AdapterBasis;
+  if (aLink.kind.empty())
+    return AdapterBasis::Plug;
+  if (aLink.kind == "veth")
+    return AdapterBasis::VirtualCable;
+  if (std::ranges::find(aTables.links, aLink.index, &KernelLink::master) != aTables.links.end())
+    return AdapterBasis::Ports;
+  const KindRow* const row = FindKind(aLink);
+  return aLink.lower != 0 || (row != nullptr && row->isOnAnother) ? AdapterBasis::Adapter : AdapterBasis::Nothing;
 }
 
 KrString Describe(const KernelLink& aLink, const DriverNameReader& aReadDriverName) {
   if (IsLoopback(aLink))
     return "Loopback";
-  const auto* row = std::ranges::find_if(kKinds, [&aLink](const KindRow& aRow) { return aLink.kind == aRow.kind; });
-  if (row != std::end(kKinds))
+  if (const KindRow* row = FindKind(aLink))
     return row->description;
   const std::string name = aLink.kind.empty() ? aReadDriverName(aLink.name) : aLink.kind;
   return name.empty() ? KrString("Network adapter") : KrString(name);
@@ -148,6 +180,10 @@ MakeAdapterReadings(const KernelTables& aTables,
     reading.hasCarrier = !reading.isUp || (link->flags & IFF_LOWER_UP) != 0;
     reading.addresses = GetAddresses(aTables, link->index);
     reading.reversePathFilter = std::max(filterOfAll, aReadFilter(link->name).value_or(0));
+    reading.hasDefaultRoute = reading.isUp && HasDefaultRoute(aTables, link->index);
+    reading.basis = FindBasis(aTables, *link);
+    reading.isPort = IsPort(aTables, *link);
+    reading.hasOthersOn = std::ranges::find(aTables.links, link->index, &KernelLink::lower) != aTables.links.end();
     readings.push_back(std::move(reading));
   }
   return readings;

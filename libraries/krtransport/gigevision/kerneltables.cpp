@@ -41,6 +41,11 @@ KernelLink ReadLink(rtnl_link* aLink) {
     link.name = name;
   if (const char* kind = rtnl_link_get_type(aLink))
     link.kind = kind;
+  link.master = rtnl_link_get_master(aLink);
+  // A virtual cable names its other end; a link in another namespace is none of the links here.
+  int otherNamespace = 0;
+  if (link.kind != "veth" && rtnl_link_get_link_netnsid(aLink, &otherNamespace) != 0)
+    link.lower = rtnl_link_get_link(aLink);
   if (const nl_addr* mac = rtnl_link_get_addr(aLink); mac != nullptr && nl_addr_get_len(mac) == link.mac.size())
     std::memcpy(link.mac.data(), nl_addr_get_binary_addr(mac), link.mac.size());
   return link;
@@ -65,8 +70,8 @@ void TakeRoute(rtnl_route* aRoute, std::vector<KernelRoute>& aRoutes) {
     return;
   for (int i = 0; i < rtnl_route_get_nnexthops(aRoute); ++i) {
     rtnl_nexthop* const hop = rtnl_route_nexthop_n(aRoute, i);
-    if (const std::uint32_t gateway = ReadIPv4(rtnl_route_nh_get_gateway(hop)); gateway != 0)
-      aRoutes.push_back({rtnl_route_nh_get_ifindex(hop), gateway, rtnl_route_get_priority(aRoute)});
+    aRoutes.push_back(
+        {rtnl_route_nh_get_ifindex(hop), ReadIPv4(rtnl_route_nh_get_gateway(hop)), rtnl_route_get_priority(aRoute)});
   }
 }
 

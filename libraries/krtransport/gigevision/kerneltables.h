@@ -18,6 +18,8 @@ struct KernelLink {
   std::uint32_t flags = 0;        ///< IFF_UP, IFF_LOOPBACK, IFF_LOWER_UP …
   std::uint32_t hardwareType = 0; ///< ARPHRD_ETHER …
   MacBytes mac{};                 ///< Zeros where it has none.
+  int master = 0;                 ///< The link whose port it is; 0 for none.
+  int lower = 0;                  ///< The link that it stands on, of this network namespace; 0 for none.
 };
 
 struct KernelAddress {
@@ -30,8 +32,8 @@ struct KernelAddress {
 /// A way to everywhere.
 struct KernelRoute {
   int linkIndex = 0;
-  std::uint32_t gateway = 0;
-  std::uint32_t metric = 0; ///< The smallest is used.
+  std::uint32_t gateway = 0; ///< 0 where what is for everywhere goes straight onto the link.
+  std::uint32_t metric = 0;  ///< The smallest is used.
 };
 
 /// What is known of an address on a link's network.

@@ -11,6 +11,7 @@ namespace krtransport {
 namespace {
 
 constexpr std::int32_t kStrictFilter = 1;
+constexpr std::int32_t kLooseFilter = 2;
 
 SimulatedInterface::Devices MakeDevices(const LabAdapter& aAdapter, const std::shared_ptr<ICameraClock>& aClock) {
   const HostSubnets subnets(aAdapter.addresses);
@@ -61,11 +62,18 @@ bool SimulatedAdapter::IsUsable(std::uint64_t aNowNs) const {
   return IsThere(aNowNs) && IsUp(aNowNs) && mDescription.hasCarrier && !mSubnets.IsEmpty();
 }
 
-bool SimulatedAdapter::IsHeard(const SimulatedDevice& aDevice, bool aSubnetBroadcast) const {
+bool SimulatedAdapter::HasGateway() const {
+  return krsystem::ParseIPv4(mDescription.defaultGateway).value_or(0) != 0;
+}
+
+bool SimulatedAdapter::IsHeard(const SimulatedDevice& aDevice, const SimulatedBroadcast& aBroadcast) const {
   if (aDevice.IsReachable())
     return true;
-  const bool isFiltered = mDescription.reversePathFilter == kStrictFilter && aDevice.GetAddress().value_or(0) != 0;
-  return !aSubnetBroadcast && !isFiltered;
+  if (aBroadcast.isForSubnet)
+    return false;
+  const bool isFiltered = (mDescription.reversePathFilter == kStrictFilter && !HasGateway()) ||
+                          (mDescription.reversePathFilter == kLooseFilter && !aBroadcast.hasDefaultRoute);
+  return !isFiltered || aDevice.GetAddress().value_or(0) == 0;
 }
 
 void SimulatedAdapter::ReadHost(std::uint64_t aNowNs, krsystem::HostReadings& aReadings) const {
@@ -76,7 +84,8 @@ void SimulatedAdapter::ReadHost(std::uint64_t aNowNs, krsystem::HostReadings& aR
                                 .isUp = IsUp(aNowNs),
                                 .hasCarrier = mDescription.hasCarrier,
                                 .addresses = mDescription.addresses,
-                                .reversePathFilter = mDescription.reversePathFilter});
+                                .reversePathFilter = mDescription.reversePathFilter,
+                                .hasDefaultRoute = IsUp(aNowNs) && HasGateway()});
 }
 
 KrResult SimulatedAdapter::IsAddressUsed(std::uint32_t aAddress, bool& aIsUsed) const {

@@ -19,8 +19,9 @@ public:
   krsystem::InterfaceFields GetFields(std::uint64_t aNowNs) const override;
   bool IsUsable(std::uint64_t aNowNs) const override;
   /// A subnet broadcast reaches the subnets' devices alone. What a device of a foreign subnet answers to
-  /// 255.255.255.255 is dropped by a strict reverse-path filter; an answer from 0.0.0.0 is not.
-  bool IsHeard(const SimulatedDevice& aDevice, bool aSubnetBroadcast) const override;
+  /// 255.255.255.255 is dropped by a strict reverse-path filter unless the adapter has the way to everywhere, and by a
+  /// loose one unless some adapter has; an answer from 0.0.0.0 is not.
+  bool IsHeard(const SimulatedDevice& aDevice, const SimulatedBroadcast& aBroadcast) const override;
   void ReadHost(std::uint64_t aNowNs, krsystem::HostReadings& aReadings) const override;
   KrResult IsAddressUsed(std::uint32_t aAddress, bool& aIsUsed) const override;
 
@@ -28,6 +29,7 @@ protected:
   std::uint64_t GetOwnNextChangeNs(std::uint64_t aNowNs) const override;
 
 private:
+  bool HasGateway() const;
   bool IsUp(std::uint64_t aNowNs) const { return mDescription.isUp && !mDescription.downSchedule.IsOn(aNowNs); }
 
   const LabAdapter mDescription; // Without its devices.

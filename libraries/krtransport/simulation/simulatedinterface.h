@@ -10,6 +10,12 @@
 
 namespace krtransport {
 
+/// One broadcast on an interface.
+struct SimulatedBroadcast {
+  bool isForSubnet = true;      ///< To the subnet's address, not to 255.255.255.255.
+  bool hasDefaultRoute = false; ///< Whether the lab's host knows a way to everywhere, on whatever adapter.
+};
+
 /// Thread: any; Update one at a time. Ownership: owns its devices.
 class SimulatedInterface {
 public:
@@ -26,7 +32,7 @@ public:
   /// Whether devices can be asked through it.
   virtual bool IsUsable(std::uint64_t aNowNs) const = 0;
   /// Whether a device that is present hears a broadcast and is heard itself.
-  virtual bool IsHeard(const SimulatedDevice& aDevice, bool aSubnetBroadcast) const = 0;
+  virtual bool IsHeard(const SimulatedDevice& aDevice, const SimulatedBroadcast& aBroadcast) const = 0;
   /// Adds what a diagnosis wants to know.
   virtual void ReadHost(std::uint64_t aNowNs, krsystem::HostReadings& aReadings) const = 0;
   /// Whether somebody on its network has an address; NotSupported where there is no network.

@@ -94,10 +94,19 @@ KrResult SimulationTransport::ListInterfaces(std::vector<krsystem::InterfaceFiel
   return {};
 }
 
+bool SimulationTransport::HasDefaultRoute(std::uint64_t aNowNs) const {
+  krsystem::HostReadings readings;
+  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces) {
+    if (interface->IsThere(aNowNs))
+      interface->ReadHost(aNowNs, readings);
+  }
+  return std::ranges::any_of(readings.adapters, &krsystem::AdapterReading::hasDefaultRoute);
+}
+
 KrResult SimulationTransport::Discover(const std::vector<krsystem::InterfaceFields>& aInterfaces,
                                        const krsystem::DiscoveryRequest& aRequest,
                                        const krsystem::DeviceReport& aReport) {
-  Update();
+  const SimulatedBroadcast broadcast{aRequest.subnetBroadcast, HasDefaultRoute(Update())};
   for (std::size_t i = 0; i < aInterfaces.size(); ++i) {
     const SimulatedInterface* const interface = FindInterface(aInterfaces[i]);
     if (!interface) {
@@ -109,7 +118,7 @@ KrResult SimulationTransport::Discover(const std::vector<krsystem::InterfaceFiel
     for (const std::shared_ptr<SimulatedDevice>& device : interface->GetDevices()) {
       if (aRequest.cancel.stop_requested())
         return {KrResult::Code::Aborted, "Looking for simulated devices was cancelled."};
-      if (device->IsPresent() && interface->IsHeard(*device, aRequest.subnetBroadcast))
+      if (device->IsPresent() && interface->IsHeard(*device, broadcast))
         aReport(i, device->GetFields());
     }
   }

@@ -58,6 +58,8 @@ private:
   std::uint64_t Update() const;
   std::uint64_t UpdateAndFindNext() const;
   bool HasSchedules() const;
+  /// Whether the lab's host knows a way to everywhere.
+  bool HasDefaultRoute(std::uint64_t aNowNs) const;
   SimulatedInterface* FindInterface(const krsystem::InterfaceFields& aFields) const;
   Devices FindByID(const KrString& aUniqueID) const;
   std::shared_ptr<SimulatedCamera> FindCamera(const KrString& aUniqueID) const;

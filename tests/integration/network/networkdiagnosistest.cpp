@@ -10,7 +10,11 @@
 
 namespace {
 
+using testing::AllOf;
+using testing::AnyOf;
 using testing::Contains;
+using testing::Field;
+using testing::HasSubstr;
 using testing::Not;
 
 /// A finding's kind and what it is about.
@@ -75,34 +79,157 @@ TEST_F(OnANetworkDiagnosis, Diagnose_AdapterWithoutAddress_IsNamed) {
 TEST_F(OnANetworkDiagnosis, Diagnose_DeviceOfAForeignSubnet_IsNamed) {
   const TestDevice device(mHost, "port0", {.address = "10.1.2.3"});
 
+  EXPECT_THAT(Diagnose(), Contains(AllOf(Field(&Cause::first, KrFindingKind::ForeignSubnet),
+                                         Field(&Cause::second, HasSubstr("(10.1.2.3)")))));
+}
+
+/// A second adapter "eth1" with 10.1.0.10/16 on the switch that eth0's cable leads to.
+class OnOneSwitch : public OnANetworkDiagnosis {
+protected:
+  OnOneSwitch() {
+    mLab.Connect("eth1", mHost, "port1");
+    mLab.SetAddress("eth1", "10.1.0.10/16");
+    mLab.SetReversePathFilter("eth1", 0);
+    mHost.RunIp({"link", "add", "switch", "type", "bridge"});
+    for (const char* port : {"port0", "port1"})
+      mHost.RunIp({"link", "set", port, "master", "switch"});
+    mHost.SetUp("switch");
+  }
+};
+
+TEST_F(OnOneSwitch, Diagnose_DeviceOfTheOtherAdaptersSubnet_IsWell) {
+  const TestDevice device(mHost, "switch", {.address = "10.1.2.3", .mask = "255.255.0.0", .serialNumber = "shared"});
+  FindUntil(
+      mSystem, [&] { return GetSerialNumbers(mSystem).size() == 2; }, "the device on both adapters");
+
+  const auto kinds = GetKinds(Diagnose());
+
+  EXPECT_THAT(kinds, Not(Contains(KrFindingKind::ForeignSubnet)));
+  EXPECT_THAT(kinds, Not(Contains(KrFindingKind::SharedMAC)));
+}
+
+TEST_F(OnOneSwitch, Diagnose_DeviceOfNeitherSubnet_IsNamed) {
+  const TestDevice device(mHost, "switch", {.address = "172.16.2.3", .serialNumber = "foreign"});
+  FindUntil(
+      mSystem, [&] { return GetSerialNumbers(mSystem).size() == 2; }, "the device on both adapters");
+
   EXPECT_THAT(GetKinds(Diagnose()), Contains(KrFindingKind::ForeignSubnet));
 }
 
-TEST_F(OnANetworkDiagnosis, Diagnose_StrictReversePathFilter_IsNamed) {
-  mLab.SetReversePathFilter("eth0", 1);
+TEST_F(OnANetworkDiagnosis, Diagnose_BridgeWithPorts_TellsOfTheBridgeAlone) {
+  mLab.Connect("eth1", mHost, "port1");
+  mLab.RemoveAddress("eth0", "192.168.1.10/24");
+  mLab.AddBridge("br0", {"eth0", "eth1"});
+  mLab.Unplug("eth1");
 
-  EXPECT_THAT(Diagnose(), Contains(Cause(KrFindingKind::ReversePathFilter, "eth0")));
+  const auto bare = Diagnose();
+  mLab.SetAddress("br0", "192.168.1.10/24");
+  const auto addressed = Diagnose();
+  mLab.Unplug("eth0");
+  const auto unplugged = Diagnose();
+
+  EXPECT_THAT(bare, Contains(Cause(KrFindingKind::NoAddress, "br0")));
+  for (const char* port : {"eth0", "eth1"}) {
+    EXPECT_THAT(bare, Not(Contains(Field(&Cause::second, std::string(port)))));
+    EXPECT_THAT(addressed, Not(Contains(Field(&Cause::second, std::string(port)))));
+    EXPECT_THAT(unplugged, Not(Contains(Field(&Cause::second, std::string(port)))));
+  }
+  EXPECT_THAT(addressed, Not(Contains(Field(&Cause::second, std::string("br0")))));
+  EXPECT_THAT(unplugged, Contains(Cause(KrFindingKind::NoCarrier, "br0")));
 }
 
-TEST_F(OnANetworkDiagnosis, Diagnose_TwoDevicesWithOneAddress_IsNamed) {
-  const TestDevice first(mHost, "port0", {.mac = "02:00:00:00:00:01", .serialNumber = "first"});
-  const TestDevice second(mHost, "port0", {.mac = "02:00:00:00:00:02", .serialNumber = "second"});
+TEST_F(OnANetworkDiagnosis, Diagnose_BridgeWithoutPorts_IsNotTalkedOf) {
+  mLab.AddBridge("docker0", {});
+  mLab.SetAddress("docker0", "172.17.0.1/16");
 
-  EXPECT_THAT(GetKinds(Diagnose()), Contains(KrFindingKind::AddressConflict));
+  EXPECT_THAT(Diagnose(), Not(Contains(Field(&Cause::second, std::string("docker0")))));
+}
+
+TEST_F(OnANetworkDiagnosis, Diagnose_AdapterUnderAMacvlan_NeedsNoAddress) {
+  mLab.RemoveAddress("eth0", "192.168.1.10/24");
+  mLab.AddMacvlan("mv0", "eth0", "bridge");
+
+  const auto bare = Diagnose();
+  mLab.SetAddress("mv0", "192.168.1.10/24");
+  const auto addressed = Diagnose();
+
+  EXPECT_THAT(bare, Contains(Cause(KrFindingKind::NoAddress, "mv0")));
+  EXPECT_THAT(bare, Not(Contains(Cause(KrFindingKind::NoAddress, "eth0"))));
+  EXPECT_THAT(GetKinds(addressed), Not(Contains(KrFindingKind::NoAddress)));
+}
+
+/// Whether a filter drops what a device of a foreign subnet says is the kernel's to decide, and the diagnosis says so.
+struct FilterCase {
+  const char* name;
+  int filter;
+  const char* routeBy; ///< The adapter of the default route; empty for none.
+  bool isHeard;
+};
+
+constexpr FilterCase kFilterCases[] = {
+    {"Off", 0, "", true},
+    {"StrictWithoutRoute", 1, "", false},
+    {"StrictWithARouteElsewhere", 1, "eth1", false},
+    {"StrictWithTheRoute", 1, "eth0", true},
+    {"LooseWithoutRoute", 2, "", false},
+    {"LooseWithARouteElsewhere", 2, "eth1", true},
+    {"LooseWithTheRoute", 2, "eth0", true},
+};
+
+class OnANetworkFilters : public OnANetworkDiagnosis, public testing::WithParamInterface<FilterCase> {};
+
+TEST_P(OnANetworkFilters, Diagnose_Filter_IsNamedWhereAForeignDeviceIsNotHeard) {
+  mLab.Connect("eth1", mHost, "port1");
+  mLab.SetAddress("eth1", "10.0.0.10/24");
+  mLab.SetReversePathFilter("eth1", 0);
+  mLab.SetReversePathFilter("eth0", GetParam().filter);
+  if (GetParam().routeBy == std::string("eth0"))
+    mLab.SetGateway("eth0", "192.168.1.1");
+  else if (GetParam().routeBy == std::string("eth1"))
+    mLab.SetGateway("eth1", "10.0.0.1");
+  const TestDevice foreign(mHost, "port0",
+                           {.mac = "02:00:00:00:00:02", .address = "172.16.2.3", .serialNumber = "foreign"});
+  const TestDevice near(mHost, "port0", {.serialNumber = "near"});
+  FindUntil(
+      mSystem, [&] { return GetBySerialNumber(mSystem, "near") != nullptr; }, "the device of the subnet");
+  if (GetParam().isHeard)
+    FindUntil(
+        mSystem, [&] { return GetBySerialNumber(mSystem, "foreign") != nullptr; }, "the foreign device");
+
+  const auto causes = Diagnose();
+
+  EXPECT_EQ(GetBySerialNumber(mSystem, "foreign") != nullptr, GetParam().isHeard);
+  const Cause filter(KrFindingKind::ReversePathFilter, "eth0");
+  if (GetParam().isHeard)
+    EXPECT_THAT(causes, Not(Contains(filter)));
+  else
+    EXPECT_THAT(causes, Contains(filter));
+}
+
+INSTANTIATE_TEST_SUITE_P(Filters, OnANetworkFilters, testing::ValuesIn(kFilterCases),
+                         [](const auto& aInfo) { return aInfo.param.name; });
+
+TEST_F(OnANetworkDiagnosis, Diagnose_TwoDevicesWithOneAddress_IsNamed) {
+  const TestDevice first(mHost, "port0", {.mac = "02:00:00:00:00:01", .model = "first"});
+  const TestDevice second(mHost, "port0", {.mac = "02:00:00:00:00:02", .model = "second"});
+
+  EXPECT_THAT(Diagnose(), Contains(AllOf(Field(&Cause::first, KrFindingKind::AddressConflict),
+                                         Field(&Cause::second, AnyOf(HasSubstr("first"), HasSubstr("second"))))));
 }
 
 TEST_F(OnANetworkDiagnosis, Diagnose_TwoDevicesWithOneMac_IsNamed) {
-  const TestDevice first(mHost, "port0", {.address = "192.168.1.20", .serialNumber = "first"});
-  const TestDevice second(mHost, "port0", {.address = "192.168.1.21", .serialNumber = "second"});
+  const TestDevice first(mHost, "port0", {.address = "192.168.1.20", .model = "first"});
+  const TestDevice second(mHost, "port0", {.address = "192.168.1.21", .model = "second"});
 
-  EXPECT_THAT(GetKinds(Diagnose()), Contains(KrFindingKind::SharedMAC));
+  EXPECT_THAT(Diagnose(), Contains(AllOf(Field(&Cause::first, KrFindingKind::SharedMAC),
+                                         Field(&Cause::second, AnyOf(HasSubstr("first"), HasSubstr("second"))))));
 }
 
 TEST_F(OnANetworkDiagnosis, Diagnose_TwoAdaptersInOneSubnet_IsNamed) {
   mLab.Connect("eth1", mHost, "port1");
   mLab.SetAddress("eth1", "192.168.1.11/24");
 
-  EXPECT_THAT(GetKinds(Diagnose()), Contains(KrFindingKind::SubnetNotUnique));
+  EXPECT_THAT(Diagnose(), Contains(Cause(KrFindingKind::SubnetNotUnique, "eth1")));
 }
 
 } // namespace

@@ -69,12 +69,12 @@ TEST(KrSystemDiagnosis, OneTransportFails_AddsNothingAndIsLogged) {
     return KrResult(KrResult::Code::SystemError, "no netlink");
   };
   working->readHost = [](krsystem::HostReadings& aReadings) {
-    aReadings.receiveBufferLimitBytes = 1;
+    aReadings.adapters.push_back({.uniqueID = "eth0", .name = "eth0", .isUp = false, .addresses = {}});
     return KrResult();
   };
   KrSystem system;
 
-  EXPECT_THAT(Diagnose(system), ElementsAre(KrFindingKind::ReceiveBufferLimit));
+  EXPECT_THAT(Diagnose(system), ElementsAre(KrFindingKind::AdapterDown));
 
   EXPECT_TRUE(log.Contains(KrLogLevel::Warning, "Reading the host by Fake failed: SystemError. no netlink"));
 }
@@ -108,6 +108,24 @@ TEST(KrSystemDiagnosis, DeviceOfTheLastRound_CountsAlsoWhereASinkIgnoredIt) {
   transport->answers.clear();
   EXPECT_TRUE(system.Find().IsOK());
   EXPECT_THAT(Diagnose(system), IsEmpty());
+}
+
+TEST(KrSystemDiagnosis, AdapterThatGotAnotherUniqueIDSinceTheRound_IsJoinedByItsName) {
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0")};
+  transport->answers = {{0, MakeForeign("a")}};
+  transport->readHost = [](krsystem::HostReadings& aReadings) {
+    aReadings.adapters.push_back({.uniqueID = "another", .name = "eth0", .addresses = {{"10.0.0.1", "255.0.0.0"}}});
+    return KrResult();
+  };
+  KrSystem system;
+  EXPECT_TRUE(system.Find().IsOK());
+  std::vector<KrFinding> findings;
+
+  EXPECT_TRUE(system.Diagnose(findings).IsOK());
+
+  ASSERT_EQ(findings.size(), 1u);
+  EXPECT_THAT(findings[0].remedy.ToUtf8(), testing::HasSubstr("eth0 (10.0.0.1, mask 255.0.0.0)"));
 }
 
 TEST(KrSystemDiagnosis, CancelledRound_KeepsWhatHadAnsweredBefore) {

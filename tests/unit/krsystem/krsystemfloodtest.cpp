@@ -6,7 +6,9 @@
 
 #include <future>
 
+using krsystem::kFreelyTakenDevices;
 using krsystem::kMostDevices;
+using krsystem::kMostInterfaces;
 using testing::ElementsAre;
 
 namespace {
@@ -71,7 +73,74 @@ TEST(KrSystemFlood, EverNewDevicesInOneRound_AreTakenUpToTheLimitAndThatIsLogged
 
   EXPECT_TRUE(system.Find().IsOK());
 
-  EXPECT_EQ(sink.GetIDs().size(), kMostDevices);
+  EXPECT_EQ(sink.GetIDs().size(), kFreelyTakenDevices);
+  EXPECT_EQ(log.GetRecords().size(), 2u) << "of the round's limit, and of the system's";
+}
+
+TEST(KrSystemFlood, EverNewDevicesInManyRounds_LeaveRoomForADeviceThatComesLate) {
+  constexpr std::size_t kInARound = 1024;
+  const KrLogCapture log;
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0")};
+  std::size_t number = 0;
+  bool isLateThere = false;
+  transport->discover = [&](const krsystem::DiscoveryRequest&, const krsystem::DeviceReport& aReport) {
+    for (std::size_t i = 0; i < kInARound; ++i)
+      aReport(0, MakeCamera(std::to_string(number++)));
+    if (isLateThere)
+      aReport(0, MakeCamera("late"));
+    aReport(0, MakeCamera("early"));
+    return KrResult();
+  };
+  KrSystem system;
+  for (std::size_t round = 0; round < 3 * kMostDevices / kInARound; ++round)
+    ASSERT_TRUE(system.Find().IsOK());
+  EXPECT_THAT(ListDevices(system), ElementsAre("early")) << "the flood is left out, who was there is not";
+  isLateThere = true;
+
+  EXPECT_TRUE(system.Find().IsOK());
+  EXPECT_THAT(ListDevices(system), ElementsAre("early")) << "once may be anybody";
+  EXPECT_TRUE(system.Find().IsOK());
+
+  EXPECT_THAT(ListDevices(system), ElementsAre("late", "early"));
+  EXPECT_EQ(log.GetRecords().size(), 1u);
+}
+
+TEST(KrSystemFlood, DeviceThatChangesWhenHalfIsFull_IsListedAnewInTheSecondRound) {
+  const KrLogCapture log;
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0")};
+  std::size_t number = 0;
+  KrString address = "10.0.0.2";
+  transport->discover = [&](const krsystem::DiscoveryRequest&, const krsystem::DeviceReport& aReport) {
+    aReport(0, MakeCamera("a", address));
+    while (number < kFreelyTakenDevices + 1)
+      aReport(0, MakeCamera(std::to_string(number++)));
+    return KrResult();
+  };
+  KrSystem system;
+  ASSERT_TRUE(system.Find().IsOK());
+  address = "10.0.0.3";
+
+  ASSERT_TRUE(system.Find().IsOK());
+  ASSERT_TRUE(system.Find().IsOK());
+
+  ASSERT_EQ(system.GetDeviceCount(), 1u);
+  EXPECT_EQ(dynamic_cast<const KrDeviceInfoGEV&>(*system.GetDeviceInfo(0)).GetIPAddress(), address);
+}
+
+TEST(KrSystemFlood, EverNewInterfaces_AreTakenUpToTheLimitAndThatIsLoggedOnce) {
+  const KrLogCapture log;
+  const RegisteredTransport transport;
+  for (std::size_t i = 0; i <= kMostInterfaces; ++i)
+    transport->interfaces.push_back(MakeAdapter("veth" + KrString(std::to_string(i))));
+  transport->answers = {{0, MakeCamera("a")}, {kMostInterfaces, MakeCamera("b")}};
+  KrSystem system;
+
+  EXPECT_TRUE(system.Find().IsOK());
+
+  EXPECT_EQ(system.GetInterfaceCount(), kMostInterfaces);
+  EXPECT_THAT(ListDevices(system), ElementsAre("a", "b")) << "one behind an interface that is not listed";
   EXPECT_EQ(log.GetRecords().size(), 1u);
 }
 

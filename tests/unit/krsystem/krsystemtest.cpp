@@ -374,6 +374,26 @@ TEST(KrSystem, FindDevice_DeviceChanged_ReplacesItInTheLists) {
   EXPECT_EQ(system.GetInterface(0)->GetDeviceInfo(0), device);
 }
 
+TEST(KrSystem, FindDevice_InterfaceChanged_ReplacesItInTheLists) {
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0", "10.0.0.1"), MakeAdapter("eth1")};
+  transport->answers = {{0, MakeCamera("a", "10.0.0.2")}};
+  transport->findResult = {};
+  transport->foundInterface = MakeAdapter("eth0", "10.0.0.9");
+  transport->foundDevice = MakeCamera("a", "10.0.0.2");
+  KrSystem system;
+  EXPECT_TRUE(system.Find().IsOK());
+  const KrDeviceInfo* device = nullptr;
+
+  EXPECT_TRUE(system.FindDevice("10.0.0.2", &device).IsOK());
+
+  EXPECT_THAT(ListInterfaces(system), ElementsAre("eth0", "eth1"));
+  ASSERT_EQ(system.GetDeviceCount(), 1u);
+  EXPECT_EQ(system.GetDeviceInfo(0), device);
+  EXPECT_EQ(device->GetInterface(), system.GetInterface(0));
+  EXPECT_EQ(system.GetInterface(0)->GetDisplayID(), "eth0 10.0.0.9");
+}
+
 TEST(KrSystem, FindDevice_NoAdapterCanBeTold_DeviceHasNoInterface) {
   const RegisteredTransport transport;
   transport->findResult = {};
@@ -427,14 +447,15 @@ TEST(KrSystem, MoreDevicesThanTheLimit_NewOnesAreLeftOutAndThatIsLoggedOnce) {
   KrSystem system;
   EXPECT_TRUE(system.RegisterEventSink(&ignoring).IsOK());
 
+  EXPECT_TRUE(system.Find().IsOK()) << "takes the first half";
   EXPECT_TRUE(system.Find().IsOK());
   const KrDeviceInfo* found = nullptr;
   const KrResult asked = system.FindDevice("10.0.0.2", &found);
 
-  EXPECT_EQ(ignoring.GetIDs().size(), kLimit);
+  EXPECT_EQ(ignoring.GetIDs().size(), kLimit / 2 + kLimit);
   EXPECT_EQ(asked.GetCode(), KrResult::Code::SystemError);
   EXPECT_EQ(found, nullptr);
-  EXPECT_EQ(log.GetRecords().size(), 1U);
+  EXPECT_EQ(log.GetRecords().size(), 2U) << "the other one is of the first half";
   EXPECT_TRUE(log.Contains(KrLogLevel::Warning,
                            "16384 different devices have answered, and new ones are left out from now on. Look who "
                            "answers in this network, and make a new KrSystem."));

@@ -11,6 +11,7 @@ namespace {
 
 using namespace krtransport;
 using krsystem::AdapterAddress;
+using krsystem::AdapterBasis;
 using krsystem::AdapterReading;
 using krsystem::NetworkAdapterFields;
 using testing::ElementsAre;
@@ -215,6 +216,104 @@ TEST(AdapterReadings, AdapterThatIsDown_IsReadWithTheAddressesThatTheKernelKeeps
   EXPECT_TRUE(readings[1].isUp);
   EXPECT_FALSE(readings[1].hasCarrier);
   EXPECT_TRUE(readings[1].addresses.empty());
+}
+
+// eth0 hangs on what a row says of it, besides a bridge (4), a VRF (5) and a macvlan (6).
+struct BasisRow {
+  const char* what;
+  const char* kind;
+  int master;
+  int lower;
+  AdapterBasis basis;
+  bool isPort;
+};
+
+const BasisRow kBases[] = {
+    {"Hardware", "", 0, 0, AdapterBasis::Plug, false},
+    {"PortOfABridge", "", 4, 0, AdapterBasis::Plug, true},
+    {"PortOfABridgeThatNobodyLists", "", 9, 0, AdapterBasis::Plug, true},
+    {"MemberOfAVrf", "", 5, 0, AdapterBasis::Plug, false},
+    {"VirtualCable", "veth", 4, 0, AdapterBasis::VirtualCable, true},
+    {"Vlan", "vlan", 0, 3, AdapterBasis::Adapter, false},
+    {"MacvlanOfAnotherNamespace", "macvlan", 0, 0, AdapterBasis::Adapter, false},
+    {"UnheardOfOnAnother", "warp", 0, 3, AdapterBasis::Adapter, false},
+    {"BridgeWithoutPorts", "bridge", 0, 0, AdapterBasis::Nothing, false},
+    {"Tunnel", "tun", 0, 0, AdapterBasis::Nothing, false},
+};
+
+class AdapterBases : public testing::TestWithParam<BasisRow> {};
+
+TEST_P(AdapterBases, Link_IsReadWithWhatItConsistsOf) {
+  KernelLink link = MakeLink(2, "eth0", 0x55);
+  link.kind = GetParam().kind;
+  link.master = GetParam().master;
+  link.lower = GetParam().lower;
+  KernelLink bridge = MakeLink(4, "br0", 0x66);
+  bridge.kind = "bridge";
+  KernelLink vrf = MakeLink(5, "vrf0", 0x77);
+  vrf.kind = "vrf";
+
+  const auto readings = MakeAdapterReadings(MakeTables({link, bridge, vrf}), ReadNoFilter);
+
+  ASSERT_EQ(readings.size(), 3u);
+  EXPECT_EQ(readings[0].basis, GetParam().basis);
+  EXPECT_EQ(readings[0].isPort, GetParam().isPort);
+  EXPECT_EQ(readings[1].basis, GetParam().master == 4 ? AdapterBasis::Ports : AdapterBasis::Nothing);
+}
+
+INSTANTIATE_TEST_SUITE_P(Bases, AdapterBases, testing::ValuesIn(kBases),
+                         [](const auto& aInfo) { return aInfo.param.what; });
+
+TEST(AdapterReadings, AdapterThatAnotherStandsOn_HasOthersOn) {
+  KernelLink macvlan = MakeLink(3, "mv0", 0x66);
+  macvlan.kind = "macvlan";
+  macvlan.lower = 2;
+
+  const auto readings = MakeAdapterReadings(MakeTables({MakeLink(2, "eth0", 0x55), macvlan}), ReadNoFilter);
+
+  ASSERT_EQ(readings.size(), 2u);
+  EXPECT_TRUE(readings[0].hasOthersOn);
+  EXPECT_FALSE(readings[1].hasOthersOn);
+}
+
+struct RouteRow {
+  const char* what;
+  std::vector<KernelRoute> routes;
+  std::uint32_t flagsOfEth0;
+  std::vector<bool> haveDefaultRoute; ///< eth0 and eth1.
+};
+
+const RouteRow kRoutes[] = {
+    {"None", {}, kUp, {false, false}},
+    {"ByAGateway", {{2, 0xC0A80101, 100}}, kUp, {true, false}},
+    {"StraightOntoTheLink", {{2, 0, 100}}, kUp, {true, false}},
+    {"SmallerMetricElsewhere", {{2, 0xC0A80101, 100}, {3, 0x0A000001, 50}}, kUp, {false, true}},
+    {"SeveralWays", {{2, 0xC0A80101, 100}, {3, 0x0A000001, 100}}, kUp, {true, true}},
+    {"OfAnAdapterThatIsDown", {{2, 0xC0A80101, 100}}, 0, {false, false}},
+};
+
+class AdapterRoutes : public testing::TestWithParam<RouteRow> {};
+
+TEST_P(AdapterRoutes, DefaultRoutes_CountForTheAdapterThatIsUsed) {
+  const auto tables =
+      MakeTables({MakeLink(2, "eth0", 0x55, GetParam().flagsOfEth0), MakeLink(3, "eth1", 0x66)}, {}, GetParam().routes);
+
+  const auto readings = MakeAdapterReadings(tables, ReadNoFilter);
+
+  std::vector<bool> have;
+  for (const AdapterReading& reading : readings)
+    have.push_back(reading.hasDefaultRoute);
+  EXPECT_EQ(have, GetParam().haveDefaultRoute);
+}
+
+INSTANTIATE_TEST_SUITE_P(Routes, AdapterRoutes, testing::ValuesIn(kRoutes),
+                         [](const auto& aInfo) { return aInfo.param.what; });
+
+TEST(AdapterFields, DefaultRouteWithoutGateway_IsNoGateway) {
+  const auto adapters = MakeFields(MakeTables({MakeLink(2, "eth0", 0x55)}, {}, {{2, 0, 50}, {2, 0xC0A80101, 100}}));
+
+  ASSERT_EQ(adapters.size(), 1u);
+  EXPECT_EQ(adapters[0].defaultGateway, "192.168.1.1");
 }
 
 struct FilterRow {

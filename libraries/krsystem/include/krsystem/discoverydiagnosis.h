@@ -14,6 +14,8 @@ namespace krsystem {
 struct AnsweredDevice {
   KrString interfaceID;
   AnyDeviceFields fields;
+  /// The system's name of a network adapter, by which it is known where its unique ID is another by now.
+  KrString interfaceName = {};
 };
 
 /// The findings, the gravest first, each said once. Any thread.

@@ -11,6 +11,15 @@
 
 namespace krsystem {
 
+/// What an adapter consists of.
+enum class AdapterBasis : std::int32_t {
+  Plug = 0,         ///< Hardware, or what cannot be told from it.
+  VirtualCable = 1, ///< One end of a cable that the kernel plays, as between containers and their host.
+  Ports = 2,        ///< Other adapters, its ports: a bridge or a bond.
+  Adapter = 3,      ///< Another adapter, on which it stands: a VLAN or a macvlan.
+  Nothing = 4,      ///< A program or nobody: a bridge without ports, a tunnel.
+};
+
 /// A network adapter as the kernel has it, also where it is down and its addresses count for nothing.
 struct AdapterReading {
   KrString uniqueID; ///< As NetworkAdapterFields' at the same moment.
@@ -22,6 +31,11 @@ struct AdapterReading {
   /// How strictly the kernel drops what comes from addresses that it would not answer by this adapter: 0 not at all,
   /// 1 strictly, 2 loosely (Linux, rp_filter; the stricter of the adapter's and everybody's).
   std::int32_t reversePathFilter = 0;
+  /// What is for everywhere goes out by this adapter (the default route of the smallest metric).
+  bool hasDefaultRoute = false;
+  AdapterBasis basis = AdapterBasis::Plug;
+  bool isPort = false;      ///< Of a bridge or a bond, which has the addresses and hears what comes.
+  bool hasOthersOn = false; ///< Other adapters stand on it, which may have the addresses.
 };
 
 /// A USB3 Vision device on the bus, whether or not it can be used.

@@ -12,14 +12,16 @@ enum class KrFindingKind : std::int32_t {
   NoCarrier = 2,          ///< No cable, or nobody at its other end.
   NoAddress = 3,          ///< The adapter has no IPv4 address.
   ForeignSubnet = 4,      ///< A device answered with an address of another subnet.
-  ReversePathFilter = 5,  ///< The kernel drops answers from foreign subnets.
-  ReceiveBufferLimit = 6, ///< Frames will be lost for want of a socket buffer.
+  ReversePathFilter = 5,  ///< The kernel drops answers from foreign subnets, to which it knows no way back.
+  ReceiveBufferLimit = 6, ///< Frames may be lost for want of a socket buffer.
   USBPermission = 7,      ///< A USB device may not be opened.
   USBMemory = 8,          ///< Large frames will not stream.
   USBSpeed = 9,           ///< A USB3 Vision device on a slow port.
-  AddressConflict = 10,   ///< Two devices, or a device and this host, have one address.
-  SharedMAC = 11,         ///< Two devices state one MAC address.
-  SubnetNotUnique = 12,   ///< Two adapters lie in one subnet.
+  /// Two devices, or a device and this host, have one address. The latter is known only of transports that hear such
+  /// a device: the Linux kernel drops what comes from an address of its own.
+  AddressConflict = 10,
+  SharedMAC = 11,       ///< Two devices state one MAC address.
+  SubnetNotUnique = 12, ///< Two adapters lie in one subnet, or the subnet of one lies within the other's.
 };
 
 /// A finding.

@@ -29,7 +29,8 @@ public:
 /// one by one as they answer. No lock is held while a sink or a transport runs.
 /// Ownership: owns every KrInterface and KrDeviceInfo that it ever handed out, until it is destroyed. There are 16,384
 /// different devices at most, counting what changed as another one; further ones are left out, and the log says so
-/// once.
+/// once. From 8,192 on, Find takes a new one only when it has answered in two rounds, the one after the other, so that
+/// a flood under ever new names cannot fill the rest. Interfaces are limited to 16,384 likewise.
 ///
 ///     KrSystem system;
 ///     KrResult found = system.Find();
