@@ -308,9 +308,7 @@ void DeviceFinderWnd::ShowUnreachable(bool aShow) {
 }
 
 void DeviceFinderWnd::Diagnose() {
-  std::vector<KrFinding> findings;
-  const KrResult diagnosed = mSystem->Diagnose(findings);
-  (void)DiagnosisDialog(GetWidget(), diagnosed, findings).Run();
+  (void)DiagnosisDialog(GetWidget()).Run();
 }
 
 void DeviceFinderWnd::OnDestroy() {

@@ -1,6 +1,7 @@
 #include "finder/diagnosisdialog.h"
 
 #include "logic/finder/findingstext.h"
+#include "logic/finder/hostdiagnosis.h"
 
 #include <QClipboard>
 #include <QFontMetrics>
@@ -9,6 +10,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <memory>
 
 namespace krgui {
 
@@ -23,25 +26,28 @@ QPushButton* MakeButton(const QString& aText, QWidget* aParent) {
   return button;
 }
 
-QString FindText(const KrResult& aResult, const std::vector<KrFinding>& aFindings) {
-  const KrString text = aResult.IsOK() ? FormatFindings(aFindings) : FormatDiagnosisFailure(aResult);
+QString FindText(const HostDiagnosis& aDiagnosis) {
+  const KrString text =
+      aDiagnosis.result.IsOK() ? FormatFindings(aDiagnosis.findings) : FormatDiagnosisFailure(aDiagnosis.result);
   return QString::fromStdU16String(text.ToWide());
 }
 
 } // namespace
 
-DiagnosisDialog::DiagnosisDialog(QWidget* aOwner, const KrResult& aResult, const std::vector<KrFinding>& aFindings)
-    : ModalLoop(aOwner) {
+DiagnosisDialog::DiagnosisDialog(QWidget* aOwner) : ModalLoop(aOwner) {
   DialogWindow& dialog = *GetDialog();
   dialog.setObjectName(QStringLiteral("diagnosis"));
   dialog.SetCaption(QStringLiteral("Why is my camera not here?"));
 
-  auto* text = new QPlainTextEdit(FindText(aResult, aFindings), &dialog);
+  auto* text = new QPlainTextEdit(QStringLiteral("Looking..."), &dialog);
+  mText = text;
   text->setReadOnly(true);
   text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   text->setTabChangesFocus(true);
   text->setAccessibleName(QStringLiteral("Findings"));
   auto* copy = MakeButton(QStringLiteral("Copy"), &dialog);
+  copy->setEnabled(false);
+  mCopy = copy;
   auto* close = MakeButton(QStringLiteral("Close"), &dialog);
   close->setDefault(true);
 
@@ -63,6 +69,24 @@ DiagnosisDialog::DiagnosisDialog(QWidget* aOwner, const KrResult& aResult, const
 }
 
 DiagnosisDialog::~DiagnosisDialog() = default;
+
+ModalResult DiagnosisDialog::Run() {
+  StartLooking();
+  return RunLoop();
+}
+
+void DiagnosisDialog::StartLooking() {
+  const auto diagnosis = std::make_shared<HostDiagnosis>();
+  mLooking.Start([diagnosis](const std::stop_token& aStop) { *diagnosis = DiagnoseHost(aStop); },
+                 [this, diagnosis] {
+                   mText->setPlainText(FindText(*diagnosis));
+                   mCopy->setEnabled(true);
+                 });
+}
+
+void DiagnosisDialog::OnEnd() {
+  mLooking.Cancel();
+}
 
 void DiagnosisDialog::OnAccept() {
   EndLoop(ModalResult::OK);

@@ -1,26 +1,32 @@
 #pragma once
-// The answer to "Why is my camera not here?": what a diagnosis found, as text to read, select and copy. What counts as
-// a reason is decided by discovery.
+// The answer to "Why is my camera not here?": looked for while the dialog is open, then text to read, select and copy.
+// What counts as a reason is decided by discovery.
 
-#include "krbase/krresult.h"
-#include "krsystem/krfinding.h"
+#include "platform/backgroundtask.h"
 #include "platform/modalloop.h"
 
-#include <vector>
+class QPlainTextEdit;
+class QPushButton;
 
 namespace krgui {
 
 class DiagnosisDialog final : public ModalLoop {
 public:
-  /// aResult: what the diagnosis ended with; its text is shown where it failed.
-  DiagnosisDialog(QWidget* aOwner, const KrResult& aResult, const std::vector<KrFinding>& aFindings);
+  explicit DiagnosisDialog(QWidget* aOwner);
   ~DiagnosisDialog();
 
-  ModalResult Run() { return RunLoop(); }
+  ModalResult Run();
 
 private:
+  void StartLooking();
   void OnAccept() override;
   void OnCancel() override;
+  void OnEnd() override;
+
+  // The dialog's controls, which exist for as long as it runs.
+  QPlainTextEdit* mText = nullptr;
+  QPushButton* mCopy = nullptr;
+  BackgroundTask mLooking;
 };
 
 } // namespace krgui

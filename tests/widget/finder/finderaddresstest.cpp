@@ -172,6 +172,7 @@ TEST_F(DeviceAddressTest, Diagnosis_IsTextToReadAndCopyAndClosesWithEscape) {
     EXPECT_EQ(aDialog.objectName(), "diagnosis");
     auto* text = aDialog.findChild<QPlainTextEdit*>();
     ASSERT_NE(text, nullptr);
+    EXPECT_TRUE(WaitFor([&] { return text->toPlainText() != "Looking..."; }));
     EXPECT_FALSE(text->toPlainText().isEmpty());
     EXPECT_TRUE(text->isReadOnly());
     EXPECT_FALSE(text->accessibleName().isEmpty());
@@ -187,6 +188,49 @@ TEST_F(DeviceAddressTest, Diagnosis_IsTextToReadAndCopyAndClosesWithEscape) {
 
   EXPECT_EQ(mDialogCount, 1);
   EXPECT_TRUE(mFinder.IsOpen());
+}
+
+TEST_F(DeviceAddressTest, Diagnosis_KnowsOfForeignSubnetsThoughTheFinderShowsNone) {
+  mTransport->AddDevice("eth0", MakeForeignCamera());
+  Open({"Camera A"});
+  QString found;
+  OnNextDialog([&](QWidget& aDialog) {
+    auto* text = aDialog.findChild<QPlainTextEdit*>();
+    ASSERT_NE(text, nullptr);
+    EXPECT_TRUE(WaitFor([&] { return text->toPlainText() != "Looking..."; }));
+    found = text->toPlainText();
+    QTest::keyClick(text, Qt::Key_Escape);
+  });
+
+  Click(kFinderDiagnoseID);
+
+  EXPECT_TRUE(found.startsWith("Foreign answered on eth0 with the address 10.9.8.7")) << found.toStdString();
+}
+
+TEST_F(DeviceAddressTest, DiagnosisClosedWhileItLooks_CancelsTheRound) {
+  Open({"Camera A"});
+  std::atomic<int> held = 0;
+  std::atomic<int> cancelled = 0;
+  mTransport->SetScript([&](ScriptedTransport::Point aPoint, const std::stop_token& aStop) {
+    if (aPoint != ScriptedTransport::Point::End)
+      return;
+    ++held;
+    Gate().Wait(aStop);
+    ++cancelled;
+  });
+  OnNextDialog([&](QWidget& aDialog) {
+    auto* text = aDialog.findChild<QPlainTextEdit*>();
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->toPlainText(), "Looking...");
+    EXPECT_TRUE(WaitFor([&] { return held == 2; })) << "the finder's round and the diagnosis'";
+    QTest::keyClick(text, Qt::Key_Escape);
+  });
+
+  Click(kFinderDiagnoseID);
+
+  EXPECT_EQ(cancelled, 1) << "the finder's own round goes on";
+  EXPECT_TRUE(mFinder.IsOpen());
+  EXPECT_TRUE(mFinder.Close().IsOK()) << "nobody may count any more when this test ends";
 }
 
 TEST_F(DeviceAddressTest, DialogOnTopOfAFinderThatCloses_GoesWithIt) {
