@@ -10,4 +10,8 @@ namespace krviewer {
 /// interrupted meanwhile. The device lives as long as the finder.
 KrResult PickDevice(KrDeviceFinderWnd& aFinder, const KrDeviceInfo*& aDevice);
 
+/// Says in a box why the device that the user has picked cannot be shown; returns when he has read it, or when the
+/// program was interrupted. Cancelled in the latter case.
+KrResult TellFailure(const KrDeviceInfo& aDevice, const KrResult& aFailure);
+
 } // namespace krviewer

@@ -66,6 +66,26 @@ KrResult PickDevice(KrDeviceFinderWnd& aFinder, const KrDeviceInfo*& aDevice) {
   return picked;
 }
 
+// Lets the user pick until there is a camera that can be shown, or he has had enough.
+int RunPickedDevice(const krviewer::CommandLine& aCommandLine) {
+  KrDeviceFinderWnd finder;
+  for (;;) {
+    const KrDeviceInfo* device = nullptr;
+    if (const KrResult picked = PickDevice(finder, device); !picked.IsOK())
+      return picked == KrResult::Code::Cancelled ? 0 : 1;
+    KrResult failure;
+    {
+      krviewer::Viewer viewer(*device, aCommandLine);
+      const int exitCode = viewer.Run();
+      failure = viewer.GetFailure();
+      if (failure.IsOK())
+        return exitCode;
+    }
+    if (!krviewer::TellFailure(*device, failure).IsOK())
+      return 1;
+  }
+}
+
 int RunViewer(const krviewer::CommandLine& aCommandLine) {
   if (KrResult installed = KrInstallTransports(
           {.gigEVision = true, .simulation = aCommandLine.simulate, .labFile = aCommandLine.labFile.toStdString()});
@@ -73,12 +93,11 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
     std::fprintf(stderr, "%s\n", installed.GetDescription().CStr());
     return 1;
   }
-  // Whichever finds the device owns what is known of it.
+  if (aCommandLine.device.isEmpty() && !IsHeadless())
+    return RunPickedDevice(aCommandLine);
   KrSystem system;
-  KrDeviceFinderWnd finder;
   const KrDeviceInfo* device = nullptr;
-  const bool asksUser = aCommandLine.device.isEmpty() && !IsHeadless();
-  const KrResult found = asksUser ? PickDevice(finder, device) : SelectDevice(system, aCommandLine, device);
+  const KrResult found = SelectDevice(system, aCommandLine, device);
   if (found == KrResult::Code::Cancelled)
     return 0;
   return found.IsOK() ? krviewer::Viewer(*device, aCommandLine).Run() : 1;

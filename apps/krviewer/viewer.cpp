@@ -86,6 +86,8 @@ void Viewer::Finish() {
   if (progress.state == AcquisitionState::Failed) {
     std::fprintf(stderr, "%s: %s\n", progress.result.GetCodeString().CStr(), progress.result.GetDescription().CStr());
     mExitCode = 1;
+    if (progress.figures.GetFrames() == 0)
+      mFailure = progress.result;
   }
   if (!mCommandLine.screenshotFolder.isEmpty() && progress.figures.GetFrames() > 0 && !SavePictures())
     mExitCode = 1;

@@ -24,6 +24,8 @@ public:
 
   /// Opens the window and runs the application's loop; gives the program's exit code.
   int Run();
+  /// Why no picture could be had at all, after Run; OK where there was one, or the user did not wait for it.
+  const KrResult& GetFailure() const { return mFailure; }
 
 private:
   void PlaceWindow();
@@ -39,6 +41,7 @@ private:
   std::unique_ptr<Acquisition> mAcquisition;
   QTimer mTimer;
   QString mTitle;
+  KrResult mFailure;
   int mExitCode = 0;
 };
 

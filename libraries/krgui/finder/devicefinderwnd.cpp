@@ -7,6 +7,7 @@
 #include "finder/forceipdlg.h"
 #include "finder/selectfromipdlg.h"
 #include "frame/contextmenu.h"
+#include "krbase/krlogger.h"
 #include "krdevice/krdevicegev.h"
 #include "krsystem/transportregistry.h"
 #include "logic/finder/finderhint.h"
@@ -20,6 +21,8 @@
 #include <QPushButton>
 #include <QTreeWidget>
 
+#include <exception>
+#include <string>
 #include <utility>
 
 namespace krgui {
@@ -56,6 +59,12 @@ std::int32_t AskAccessType(const KrString& aAddress) {
   return asked.IsOK() ? static_cast<std::int32_t>(type) : 0;
 }
 
+void LogAccepted(const char* aWhat) {
+  KrLogger("KrGUILib")
+      .Log(KrLogLevel::Error, {"DeviceFinderWnd::Accept", "devicefinderwnd"},
+           KrString(std::string("OnAccepted threw an exception: ") + aWhat));
+}
+
 /// The cursor that asks for patience, over the whole application.
 class WaitCursor {
 public:
@@ -67,8 +76,8 @@ public:
 
 } // namespace
 
-DeviceFinderWnd::DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter)
-    : Wnd(kDeviceFinderTraits.modalTemplate), mFilter(std::move(aFilter)) {}
+DeviceFinderWnd::DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter, std::function<void()> aAccepted)
+    : Wnd(kDeviceFinderTraits.modalTemplate), mFilter(std::move(aFilter)), mAccepted(std::move(aAccepted)) {}
 
 DeviceFinderWnd::~DeviceFinderWnd() {
   Dispose();
@@ -77,6 +86,7 @@ DeviceFinderWnd::~DeviceFinderWnd() {
 bool DeviceFinderWnd::OnInitDialog() {
   Wnd::OnInitDialog();
   mSelected = nullptr;
+  mView.reset();
   // Not before there is a window, as the program may install its transports until then; and never another one, to which
   // a device accepted before would not belong.
   if (!mSystem)
@@ -116,10 +126,11 @@ void DeviceFinderWnd::WireControls() {
   mConnections = std::make_unique<QObject>();
   const auto* tree = qobject_cast<QTreeWidget*>(GetControl(kTreeID));
   QObject::connect(tree, &QTreeWidget::itemSelectionChanged, mConnections.get(), [this] { OnSelectionChanged(); });
-  QObject::connect(tree, &QTreeWidget::itemDoubleClicked, mConnections.get(), [this] { OnDoubleClick(); });
+  QObject::connect(tree, &QTreeWidget::itemDoubleClicked, mConnections.get(),
+                   [this] { CallHandler([this] { OnDoubleClick(); }); });
   const auto onClick = [this](int aID, void (DeviceFinderWnd::*aAction)()) {
     QObject::connect(qobject_cast<QPushButton*>(GetControl(aID)), &QPushButton::clicked, mConnections.get(),
-                     [this, aAction] { (this->*aAction)(); });
+                     [this, aAction] { CallHandler([this, aAction] { (this->*aAction)(); }); });
   };
   onClick(kSetIPAddressID, &DeviceFinderWnd::SetIPAddress);
   onClick(kSelectFromIPID, &DeviceFinderWnd::SelectFromIP);
@@ -133,7 +144,7 @@ void DeviceFinderWnd::StartDiscovery() {
   (void)mSystem->RegisterEventSink(this);
   mSystem->SetDetectionTimeout(kDetectionTimeoutMs);
   mDiscovery->GetModel().BuildInterfaces(*mTree);
-  mIsLooking = mDiscovery->Start().IsOK();
+  mDiscovery->Start();
 }
 
 void DeviceFinderWnd::ShowNetworkControls() {
@@ -161,6 +172,7 @@ bool DeviceFinderWnd::OnMessage(const Message& aMessage) {
 
 void DeviceFinderWnd::Refresh() {
   mDiscovery->GetModel().Refresh(*mTree, mShowsUnreachable);
+  RestoreView();
   UpdateHint();
 }
 
@@ -168,31 +180,45 @@ void DeviceFinderWnd::Refresh() {
 void DeviceFinderWnd::Rebuild() {
   const std::shared_ptr<FinderDiscovery> discovery = mDiscovery;
   const FinderDiscovery::DataHold hold(discovery);
+  View view = TakeView();
   discovery->GetModel().Clear(*mTree);
   discovery->GetModel().BuildInterfaces(*mTree);
   discovery->Replay();
-  if (!discovery->IsOver())
-    UpdateHint();
+  if (discovery->IsOver())
+    return;
+  mView = std::move(view);
+  UpdateHint();
+}
+
+/// Before the refresh that would give it back another rebuild finds nothing selected: the view is still the former.
+DeviceFinderWnd::View DeviceFinderWnd::TakeView() {
+  const TreeItemInfo* selected = mTree->GetSelected();
+  if (!selected && mView)
+    return *mView;
+  return {mDiscovery->GetModel().FindKey(selected), mTree->GetScroll()};
+}
+
+/// Adapters come and go while the user reads or decides. What he has selected meanwhile stays.
+void DeviceFinderWnd::RestoreView() {
+  const std::optional<View> view = std::exchange(mView, std::nullopt);
+  if (!view)
+    return;
+  const std::lock_guard lock(mDiscovery->GetModel().GetDataLock());
+  const TreeItemInfo* node = view->selected ? mDiscovery->GetModel().FindNode(*view->selected) : nullptr;
+  if (node && node->GetTreeItem() && !mTree->GetSelected())
+    mTree->Select(node->GetTreeItem());
+  mTree->SetScroll(view->scroll);
 }
 
 void DeviceFinderWnd::UpdateHint() {
-  const KrString hint = FindFinderHint({.hasTransports = !krsystem::GetTransports().empty(),
-                                        .isLooking = mIsLooking,
-                                        .showsDevices = mTree->HasDevices(),
-                                        .roundCount = mDiscovery->GetRoundCount(),
-                                        .unreachableCount = CountUnreachable()});
+  const bool showsDevices = mTree->HasDevices();
+  const KrString hint = FindFinderHint(
+      {.hasTransports = !krsystem::GetTransports().empty(),
+       .failure = mDiscovery->GetFailure(),
+       .showsDevices = showsDevices,
+       .roundCount = mDiscovery->GetRoundCount(),
+       .unreachableCount = showsDevices || mShowsUnreachable ? 0 : mDiscovery->GetModel().CountHidden()});
   mTree->ShowHint(QString::fromUtf8(hint.CStr()));
-}
-
-std::size_t DeviceFinderWnd::CountUnreachable() const {
-  std::size_t count = 0;
-  for (std::size_t i = 0; !mShowsUnreachable && i < mSystem->GetDeviceCount(); ++i) {
-    const KrDeviceInfo* device = mSystem->GetDeviceInfo(i);
-    if (device && IsOnNetwork(device->GetType()) && mKinds.IsListed(device->GetType()) &&
-        !device->IsConfigurationValid())
-      ++count;
-  }
-  return count;
 }
 
 void DeviceFinderWnd::OnSelectionChanged() {
@@ -248,7 +274,8 @@ void DeviceFinderWnd::ShowMenu(const QPoint& aScreenPoint) {
   const MenuTemplate* menuTemplate = FindMenu(kDeviceFinderMenuID);
   if (!menuTemplate || !FindActions().showMenu)
     return;
-  mMenu = MakeContextMenu(*menuTemplate, GetWidget(), *mConnections, [this](int) { SetIPAddress(); });
+  mMenu = MakeContextMenu(*menuTemplate, GetWidget(), *mConnections,
+                          [this](int) { CallHandler([this] { SetIPAddress(); }); });
   mMenu->popup(aScreenPoint);
 }
 
@@ -265,11 +292,27 @@ void DeviceFinderWnd::OnOK() {
 
 /// Embedded, the window goes on: there is nobody who waits for its end.
 void DeviceFinderWnd::Accept(const KrDeviceInfo& aDevice) {
+  const std::shared_ptr<FinderDiscovery> discovery = mDiscovery;
   mSelected = &aDevice;
-  if (GetShowMode() == Mode::Child)
+  TellAccepted();
+  // The application may have closed or deleted the window.
+  if (discovery->IsOver() || GetShowMode() == Mode::Child)
     return;
-  mDiscovery->Stop();
+  discovery->Stop();
   EndDialog(kOKResult);
+}
+
+void DeviceFinderWnd::TellAccepted() const {
+  const std::function<void()> accepted = mAccepted;
+  if (!accepted)
+    return;
+  try {
+    accepted();
+  } catch (const std::exception& error) {
+    LogAccepted(error.what());
+  } catch (...) {
+    LogAccepted("an exception of an unknown kind");
+  }
 }
 
 void DeviceFinderWnd::SetIPAddress() {
@@ -286,9 +329,10 @@ void DeviceFinderWnd::SetIPAddress() {
 }
 
 void DeviceFinderWnd::SelectFromIP() {
-  const FinderDiscovery::FindHold hold(mDiscovery);
+  const std::shared_ptr<FinderDiscovery> discovery = mDiscovery;
+  const FinderDiscovery::FindHold hold(discovery);
   SelectFromIPDlg dialog(GetWidget());
-  if (dialog.Run() != ModalResult::OK)
+  if (dialog.Run() != ModalResult::OK || discovery->IsOver())
     return;
   const KrDeviceInfo* device = nullptr;
   KrResult found;

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QMenu;
 class QObject;
@@ -24,8 +25,9 @@ class FinderTree;
 
 class DeviceFinderWnd : public Wnd, private KrSystemEventSink {
 public:
-  /// aFilter is asked about every report of a device, on any thread; it outlives the window.
-  explicit DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter);
+  /// aFilter is asked about every report of a device, on any thread. aAccepted is told that a device was accepted, and
+  /// may delete this window.
+  explicit DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter, std::function<void()> aAccepted = {});
   ~DeviceFinderWnd() override;
 
   int GetPopupTemplateID() const override { return kDeviceFinderTraits.popupTemplate; }
@@ -56,7 +58,13 @@ private:
   void Refresh();
   void Rebuild();
   void UpdateHint();
-  std::size_t CountUnreachable() const;
+  /// What a rebuild takes away from the user and the next refresh gives back.
+  struct View {
+    std::optional<FinderModel::NodeKey> selected;
+    int scroll = 0;
+  };
+  View TakeView();
+  void RestoreView();
 
   void OnSelectionChanged();
   void ShowNode(TreeItemInfo& aInfo);
@@ -73,13 +81,15 @@ private:
   void ShowUnreachable(bool aShow);
   void Diagnose();
   void Accept(const KrDeviceInfo& aDevice);
+  void TellAccepted() const;
 
   const std::function<bool(const KrDeviceInfo*)> mFilter;
+  const std::function<void()> mAccepted;
   std::unique_ptr<KrSystem> mSystem; ///< From the first opening on.
   FinderKinds mKinds;
   const KrDeviceInfo* mSelected = nullptr;
   bool mShowsUnreachable = false;
-  bool mIsLooking = false; ///< The thread could be started.
+  std::optional<View> mView; ///< From a rebuild to the next refresh.
 
   // What follows is null while the window is not open.
   std::shared_ptr<FinderDiscovery> mDiscovery;

@@ -41,17 +41,27 @@ std::uint32_t FinderDiscovery::GetClock() const {
   return mHeldSinceMs.value_or(GetTickCount()) - mHeldMs;
 }
 
-KrResult FinderDiscovery::Start() {
+void FinderDiscovery::Start() {
   try {
     mThread = std::thread([this, stop = mStop.get_token()] { Run(stop); });
   } catch (const std::system_error& error) {
-    const KrResult result = {KrResult::Code::SystemError,
-                             KrString(std::string("Devices cannot be looked for: no thread could be started (") +
-                                      error.what() + "). Close other programs and open the window again.")};
-    Log(KrLogLevel::Error, kThreadSite, result.GetDescription());
-    return result;
+    Fail(std::string("Devices cannot be looked for: no thread could be started (") + error.what() +
+         "). Close other programs and open the window again.");
   }
-  return {};
+}
+
+void FinderDiscovery::Fail(const std::string& aText) {
+  {
+    const std::lock_guard lock(mFailureMutex);
+    mFailure = KrString(aText);
+  }
+  Log(KrLogLevel::Error, kThreadSite, KrString(aText));
+  mQueue->PostOnce({kRefreshMessage, 0, 0});
+}
+
+KrString FinderDiscovery::GetFailure() const {
+  const std::lock_guard lock(mFailureMutex);
+  return mFailure;
 }
 
 void FinderDiscovery::Stop() {
@@ -139,35 +149,49 @@ void FinderDiscovery::Replay() {
 
 void FinderDiscovery::Run(const std::stop_token& aStop) {
   try {
-    Log(KrLogLevel::Info, kThreadSite, "Device finder window thread started");
-    do
-      DoRound(aStop);
-    while (!aStop.stop_requested());
+    return DoRounds(aStop);
   } catch (const std::exception& error) {
-    Log(KrLogLevel::Error, kThreadSite, KrString(std::string("Devices are no longer looked for: ") + error.what()));
+    FailByFault(error.what());
+  } catch (...) {
+    FailByFault("an exception of an unknown kind");
   }
 }
 
+void FinderDiscovery::FailByFault(const char* aWhat) {
+  Fail(std::string("Devices are no longer looked for, because of a fault (") + aWhat +
+       "). Close this window and open it again.");
+}
+
+void FinderDiscovery::DoRounds(const std::stop_token& aStop) {
+  Log(KrLogLevel::Info, kThreadSite, "Device finder window thread started");
+  do
+    DoRound(aStop);
+  while (!aStop.stop_requested());
+}
+
 void FinderDiscovery::DoRound(const std::stop_token& aStop) {
-  if (!mFindLock.TryLock())
-    return;
-  // Under the lock, where the stop was asked for: a round that began behind it would be cancelled by nobody.
-  if (aStop.stop_requested()) {
-    mFindLock.UnlockByWorker();
-    return;
-  }
   const auto begin = std::chrono::steady_clock::now();
-  mSystem.SetSubnetBroadcastEnabled(!mShowsUnreachable);
-  const KrResult found = mSystem.Find();
-  mFindLock.UnlockByWorker();
+  const std::optional<KrResult> found = Find(aStop);
+  if (!found)
+    return;
   ReportInterfaces(aStop);
   ++mRoundCount;
   // Devices age, and hints change, also where there is no interface to report.
   mQueue->PostOnce({kRefreshMessage, 0, 0});
   // Only a waiting window cancels a round; what else ends one early (nothing to ask, a failure) must not make this a
   // loop without rest.
-  if (found != KrResult::Code::Aborted)
+  if (*found != KrResult::Code::Aborted)
     Rest(mSystem.GetDetectionTimeout() - std::min(GetElapsedMs(begin), mSystem.GetDetectionTimeout()), aStop);
+}
+
+/// Nothing where it is not the thread's turn.
+std::optional<KrResult> FinderDiscovery::Find(const std::stop_token& aStop) {
+  const FindLock::Try turn(mFindLock);
+  // Under the lock, where the stop was asked for: a round that began behind it would be cancelled by nobody.
+  if (!turn.IsLocked() || aStop.stop_requested())
+    return std::nullopt;
+  mSystem.SetSubnetBroadcastEnabled(!mShowsUnreachable);
+  return mSystem.Find();
 }
 
 void FinderDiscovery::ReportInterfaces(const std::stop_token& aStop) {

@@ -4,6 +4,7 @@
 // its showing and asks it afterwards whether the window is still there.
 
 #include "krbase/krresult.h"
+#include "krbase/krstring.h"
 #include "krsystem/krsystem.h"
 #include "logic/finder/findermodel.h"
 #include "logic/finder/findlock.h"
@@ -17,6 +18,7 @@
 #include <mutex>
 #include <optional>
 #include <stop_token>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -41,8 +43,8 @@ public:
 
   FinderModel& GetModel() { return mModel; }
 
-  /// Starts the thread. SystemError when the system gives none.
-  KrResult Start();
+  /// Starts the thread. Where the system gives none, that is the failure.
+  void Start();
   /// Ends the thread: at once but for what a round takes to be cancelled.
   void Stop();
   /// Stop, for good: the window is going.
@@ -52,9 +54,10 @@ public:
 
   /// Whether devices are looked for, and shown, that this host cannot reach.
   void SetShowUnreachable(bool aShow) { mShowsUnreachable = aShow; }
-  bool ShowsUnreachable() const { return mShowsUnreachable; }
   /// How many rounds have ended.
   std::uint32_t GetRoundCount() const { return mRoundCount; }
+  /// Why devices are not looked for, and what to do; empty as long as they are. The window is told by a refresh.
+  KrString GetFailure() const;
 
   /// One report: an interface alone, or a device behind one; asks the application, enters it and tells the window.
   void Report(const KrInterface* aInterface, const KrDeviceInfo* aDevice);
@@ -92,12 +95,16 @@ private:
   void ReleaseData();
   void LockFind();
   void UnlockFind();
+  void Fail(const std::string& aText);
+  void FailByFault(const char* aWhat);
   bool AskApplication(const KrDeviceInfo* aDevice) const;
   std::uint32_t GetClock() const;
 
   // On the discovery thread.
   void Run(const std::stop_token& aStop);
+  void DoRounds(const std::stop_token& aStop);
   void DoRound(const std::stop_token& aStop);
+  std::optional<KrResult> Find(const std::stop_token& aStop);
   void ReportInterfaces(const std::stop_token& aStop);
   void Rest(std::uint32_t aMs, const std::stop_token& aStop);
 
@@ -108,6 +115,9 @@ private:
   std::atomic<bool> mIsOver = false;
   std::atomic<bool> mShowsUnreachable = false;
   std::atomic<std::uint32_t> mRoundCount = 0;
+
+  mutable std::mutex mFailureMutex; ///< Guards the one that follows.
+  KrString mFailure;
 
   FindLock mFindLock;
   int mFindHolds = 0;

@@ -7,6 +7,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QLabel>
+#include <QScrollBar>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -44,13 +45,24 @@ public:
   void Place() {
     if (!mTree || !mHint)
       return;
-    QRect space = mTree->viewport()->rect();
-    if (const QTreeWidgetItem* last = mTree->topLevelItem(mTree->topLevelItemCount() - 1))
-      space.setTop(std::max(space.top(), mTree->visualItemRect(last).bottom() + 1));
-    space.adjust(kHintMargin, kHintMargin, -kHintMargin, -kHintMargin);
+    const QRect all = mTree->viewport()->rect();
+    QRect space = all.adjusted(kHintMargin, FindBottom() + kHintMargin, -kHintMargin, -kHintMargin);
+    const int height = mHint->heightForWidth(space.width());
+    // Where the items fill the control it covers the last of them, at the bottom edge.
+    const bool hasRoom = height <= space.height();
+    if (!hasRoom)
+      space = QRect(all.left(), all.bottom() + 1 - height - kHintMargin, all.width(), height + kHintMargin);
+    mHint->setAutoFillBackground(!hasRoom);
     mHint->setGeometry(space);
-    const bool hasRoom = space.width() > 0 && mHint->heightForWidth(space.width()) <= space.height();
-    mHint->setVisible(hasRoom && !mHint->text().isEmpty());
+    mHint->setVisible(!mHint->text().isEmpty());
+  }
+
+  /// Where the space below the last item begins.
+  int FindBottom() const {
+    const QTreeWidgetItem* last = mTree->topLevelItem(mTree->topLevelItemCount() - 1);
+    if (last && last->childCount() > 0)
+      last = last->child(last->childCount() - 1);
+    return last ? std::max(0, mTree->visualItemRect(last).bottom() + 1) : 0;
   }
 
   bool eventFilter(QObject*, QEvent* aEvent) override {
@@ -83,6 +95,7 @@ FinderTree::FinderTree(QTreeWidget& aWidget, Callbacks aCallbacks)
   mHint->setTextFormat(Qt::PlainText);
   mHint->setWordWrap(true);
   mHint->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+  mHint->setBackgroundRole(QPalette::Base);
   mHint->setForegroundRole(QPalette::PlaceholderText);
   mHint->setAttribute(Qt::WA_TransparentForMouseEvents);
   mHint->hide();
@@ -136,6 +149,20 @@ void FinderTree::ExpandRoots() {
 void FinderTree::ClearSelection() {
   mWidget->clearSelection();
   mWidget->setCurrentItem(nullptr);
+}
+
+void FinderTree::Select(TreeItem aItem) {
+  mWidget->setCurrentItem(ToRow(aItem));
+}
+
+int FinderTree::GetScroll() const {
+  return mWidget->verticalScrollBar()->value();
+}
+
+void FinderTree::SetScroll(int aScroll) {
+  // Else the scroll bar's range is still that of an empty control.
+  mWidget->doItemsLayout();
+  mWidget->verticalScrollBar()->setValue(aScroll);
 }
 
 TreeItemInfo* FinderTree::GetSelected() const {

@@ -39,9 +39,13 @@ public:
   TreeItemInfo* GetSelected() const override;
   void UpdateLists(TreeItemInfo& aInfo) override;
 
+  void Select(TreeItem aItem);
+  /// How far the items are scrolled, in units of the control's own.
+  int GetScroll() const;
+  void SetScroll(int aScroll);
   /// Whether there is an item for a device.
   bool HasDevices() const;
-  /// The word in the empty space; an empty text takes it away.
+  /// The word in the empty space, or over the last items where they fill the control; an empty text takes it away.
   void ShowHint(const QString& aText);
 
 private:

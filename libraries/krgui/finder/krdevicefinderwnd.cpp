@@ -17,7 +17,8 @@ void Get(const krgui::KindFlags& aFlags, bool& aSelectable, bool& aListed) {
 } // namespace
 
 KrDeviceFinderWnd::KrDeviceFinderWnd() {
-  mWnd = std::make_unique<krgui::DeviceFinderWnd>([this](const KrDeviceInfo* aDevice) { return OnFound(aDevice); });
+  mWnd = std::make_unique<krgui::DeviceFinderWnd>([this](const KrDeviceInfo* aDevice) { return OnFound(aDevice); },
+                                                  [this] { OnAccepted(); });
 }
 
 KrDeviceFinderWnd::~KrDeviceFinderWnd() {
@@ -35,6 +36,8 @@ const KrDeviceInfo* KrDeviceFinderWnd::GetSelected() const {
 bool KrDeviceFinderWnd::OnFound(const KrDeviceInfo*) {
   return true;
 }
+
+void KrDeviceFinderWnd::OnAccepted() {}
 
 void KrDeviceFinderWnd::SetGEVEnabled(bool aSelectable, bool aListed) {
   Set(GetWnd().GetKinds().gev, aSelectable, aListed);

@@ -7,7 +7,8 @@
 
 namespace krgui {
 
-/// The text with a blank in the place of every control character, line separator and change of writing direction.
+/// The text with a blank in the place of every control character, line or paragraph separator, and every embedding,
+/// override and isolate of a writing direction. Letters keep their own direction, and so do the marks (LRM, RLM).
 QString ToPlainLine(const KrString& aText);
 
 /// The text as a tooltip shows it letter by letter; tooltips take what looks like markup for it.

@@ -160,6 +160,11 @@ void Wnd::OnClose() {
 
 void Wnd::OnDestroy() {}
 
+void Wnd::CallHandler(const std::function<void()>& aHandler) {
+  const DeferredDeletions::Hold hold(mBody->deletions);
+  aHandler();
+}
+
 QWidget* Wnd::GetControl(int aID) const {
   return IsOpen() && mBody->opening->controls ? mBody->opening->controls->Get(aID) : nullptr;
 }

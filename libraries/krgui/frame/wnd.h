@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -74,6 +75,9 @@ protected:
   /// released here. Overrides call the base last.
   virtual void OnDestroy();
 
+  /// Calls the handler of a control's signal. Whatever of this window ends meanwhile stays until it has returned, as
+  /// its controls are on the stack; the handler may delete the window.
+  void CallHandler(const std::function<void()>& aHandler);
   /// A control of the open window by its template id; null when the template lacks it or the window is not open.
   QWidget* GetControl(int aID) const;
   /// Ends the opening: a modal one with this result (1 OK, 2 Cancel), any other is closed.

@@ -14,8 +14,9 @@ TEST(FindFinderHint, WhatStandsInTheWay_IsSaidByItsWeight) {
     const char* said;
   };
   for (const Row& row :
-       {Row{"no transports", {.hasTransports = false, .isLooking = false}, "No transports are installed"},
-        Row{"no thread", {.isLooking = false, .roundCount = 1, .unreachableCount = 1}, "cannot be looked for"},
+       {Row{"no transports", {.hasTransports = false, .failure = "Stopped."}, "No transports are installed"},
+        Row{"no thread", {.failure = "Stopped.", .roundCount = 1, .unreachableCount = 1}, "Stopped."},
+        Row{"no thread any more", {.failure = "Stopped.", .showsDevices = true}, "Stopped."},
         Row{"one that cannot be reached", {.roundCount = 1, .unreachableCount = 1}, "One device answers"},
         Row{"some that cannot be reached", {.roundCount = 1, .unreachableCount = 3}, "3 devices answer"},
         Row{"the first round", {}, "Looking for devices"}, Row{"later rounds", {.roundCount = 2}, "Still looking"}})

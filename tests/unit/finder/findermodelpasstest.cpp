@@ -86,7 +86,7 @@ TEST(FinderPass, DeviceThatGrewTooOld_LeavesTheMapAndComesBackAnew) {
   finder.nowMs += 2001;
 
   finder.Refresh();
-  EXPECT_FALSE(finder.model.Contains(node));
+  EXPECT_FALSE(finder.model.FindKey(node).has_value());
 
   finder.Round();
   EXPECT_NE(finder.tree.Find("Camera cam"), nullptr);
@@ -210,7 +210,7 @@ TEST(FinderPass, SelectedDeviceThatGrewTooOld_LivesWhileTheTreeTellsTheChange) {
   int changeCount = 0;
   finder.tree.onSelectionChange = [&] {
     ++changeCount;
-    EXPECT_TRUE(finder.model.Contains(node));
+    EXPECT_TRUE(finder.model.FindKey(node).has_value());
     EXPECT_EQ(finder.tree.GetSelected(), nullptr);
   };
   finder.nowMs += 2001;
@@ -218,7 +218,7 @@ TEST(FinderPass, SelectedDeviceThatGrewTooOld_LivesWhileTheTreeTellsTheChange) {
   finder.Refresh();
 
   EXPECT_EQ(changeCount, 1);
-  EXPECT_FALSE(finder.model.Contains(node));
+  EXPECT_FALSE(finder.model.FindKey(node).has_value());
 }
 
 TEST(FinderPass, DeviceCarriedToAnotherController_MovesOnceTheFormerIsSilent) {

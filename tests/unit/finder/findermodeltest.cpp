@@ -284,14 +284,14 @@ TEST(FinderModel, Clear_EmptiesMapsAndTreeAndEndsTheSelectionFirst) {
   bench.tree.Select(bench.tree.Find("Camera cam"));
   const krgui::TreeItemInfo* const node = bench.tree.GetSelected();
   bool isAliveAtTheChange = false;
-  bench.tree.onSelectionChange = [&] { isAliveAtTheChange = bench.model.Contains(node); };
+  bench.tree.onSelectionChange = [&] { isAliveAtTheChange = bench.model.FindKey(node).has_value(); };
 
   bench.model.Clear(bench.tree);
 
   EXPECT_TRUE(isAliveAtTheChange);
   EXPECT_EQ(bench.tree.GetSelected(), nullptr);
   EXPECT_THAT(bench.tree.Write(), IsEmpty());
-  EXPECT_FALSE(bench.model.Contains(node));
+  EXPECT_FALSE(bench.model.FindKey(node).has_value());
   EXPECT_FALSE(bench.model.HasLostInterface());
 }
 
@@ -329,7 +329,7 @@ TEST(FinderModel, InterfaceOfADevice_IsTheOneItWasLastReportedBehind) {
   EXPECT_EQ(bench.model.FindInterfaceOf(usbCamera), bench.tree.items[1]->info);
 }
 
-TEST(FinderModel, Contains_KnowsItsNodesAndNoOthers) {
+TEST(FinderModel, FindKey_KnowsItsNodesAndNoOthers) {
   FinderBench bench({MakeNumberedAdapter(0)});
   bench.SetAnswers({{0, MakeCamera("cam")}});
   bench.Build();
@@ -337,8 +337,43 @@ TEST(FinderModel, Contains_KnowsItsNodesAndNoOthers) {
   const KrDeviceInfoGEV stranger{krsystem::GEVFields()};
   const auto other = krgui::CreateDeviceInfo(stranger, true, true, true, 0);
 
-  EXPECT_TRUE(bench.model.Contains(bench.tree.items[0]->info));
-  EXPECT_TRUE(bench.model.Contains(bench.tree.items[1]->info));
-  EXPECT_FALSE(bench.model.Contains(other.get()));
-  EXPECT_FALSE(bench.model.Contains(nullptr));
+  EXPECT_TRUE(bench.model.FindKey(bench.tree.items[0]->info).has_value());
+  EXPECT_TRUE(bench.model.FindKey(bench.tree.items[1]->info).has_value());
+  EXPECT_FALSE(bench.model.FindKey(other.get()).has_value());
+  EXPECT_FALSE(bench.model.FindKey(nullptr).has_value());
+}
+
+TEST(FinderModel, KeysOfNodes_FindWhatStandsForTheSameAfterARebuild) {
+  FinderBench bench({MakeNumberedAdapter(0)});
+  bench.SetAnswers({{0, MakeCamera("cam")}});
+  bench.Build();
+  bench.Round();
+  const auto interfaceKey = bench.model.FindKey(bench.tree.items[0]->info);
+  const auto deviceKey = bench.model.FindKey(bench.tree.items[1]->info);
+  ASSERT_TRUE(interfaceKey && deviceKey);
+
+  bench.model.Clear(bench.tree);
+  EXPECT_EQ(bench.model.FindNode(*interfaceKey), nullptr);
+  EXPECT_EQ(bench.model.FindNode(*deviceKey), nullptr);
+
+  bench.Rebuild();
+  bench.Refresh();
+
+  EXPECT_EQ(bench.model.FindNode(*interfaceKey), bench.tree.items[0]->info);
+  EXPECT_EQ(bench.model.FindNode(*deviceKey), bench.tree.items[1]->info);
+}
+
+TEST(FinderModel, HiddenDevices_AreThoseWithoutAnItemThatCannotBeReached) {
+  FinderBench bench({MakeNumberedAdapter(0), MakeNumberedAdapter(1)});
+  bench.SetAnswers({{0, MakeCamera("cam")},
+                    {0, MakeUnreachableCamera("far")},
+                    {1, MakeUnreachableCamera("far")},
+                    {1, MakeUnreachableCamera("farther")}});
+  bench.Build();
+
+  bench.Round();
+  EXPECT_EQ(bench.model.CountHidden(), 2U);
+
+  bench.Refresh(true);
+  EXPECT_EQ(bench.model.CountHidden(), 0U);
 }

@@ -63,7 +63,7 @@ TEST(FinderModelThreads, ReportsDuringPasses_LeaveATreeThatFitsTheMaps) {
 
   EXPECT_EQ(bench.tree.items.size(), 8U) << "the adapter and the seven devices that were ever reported";
   for (const auto& item : bench.tree.items)
-    EXPECT_TRUE(bench.model.Contains(item->info));
+    EXPECT_TRUE(bench.model.FindKey(item->info).has_value());
 }
 
 TEST(FinderModelThreads, SelectionLookedUpDuringReports_IsTheAdapterInEveryState) {

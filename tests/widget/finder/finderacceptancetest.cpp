@@ -175,18 +175,15 @@ TEST_F(DeviceAcceptanceTest, UnreachableCamera_IsRefusedWithTheReasonAndTheFinde
   Click(kFinderUnreachableID);
   ASSERT_TRUE(AwaitItem("Foreign"));
   Select("Foreign");
-  QString text;
-  QString caption;
+  ShownMessage message;
   OnNextDialog([&](QWidget& aDialog) {
-    text = GetTexts(aDialog);
-    caption = aDialog.windowTitle();
+    message = ReadMessage(aDialog);
     aDialog.close();
   });
 
   Click(kFinderOKID);
 
-  EXPECT_TRUE(text.contains(kSubnetText)) << text.toStdString();
-  EXPECT_EQ(caption, "Error");
+  EXPECT_EQ(message, MakeErrorMessage(kSubnetText));
   EXPECT_TRUE(mFinder.IsOpen());
   EXPECT_EQ(mFinder.GetSelected(), nullptr);
   EXPECT_TRUE(AwaitRounds(0));
@@ -196,15 +193,16 @@ TEST_F(DeviceAcceptanceTest, USBCameraOnASlowPort_IsRefusedWithItsLeadingBlank) 
   mTransport->SetDevices({{"usb1", MakeUSBCamera(false)}});
   Open({"USB camera"});
   Select("USB camera");
-  QString text;
+  ShownMessage message;
   OnNextDialog([&](QWidget& aDialog) {
-    text = GetTexts(aDialog);
+    message = ReadMessage(aDialog);
     aDialog.close();
   });
 
   Click(kFinderOKID);
 
-  EXPECT_TRUE(text.contains(" This device must be connected to a USB 3.0 (SuperSpeed) port.")) << text.toStdString();
+  EXPECT_EQ(message, MakeErrorMessage(" This device must be connected to a USB 3.0 (SuperSpeed) port."));
+  EXPECT_TRUE(mFinder.IsOpen());
 }
 
 TEST_F(DeviceAcceptanceTest, RoundThatOKCutsShort_DoesNotHideTheSelectedDevice) {
@@ -241,6 +239,82 @@ TEST_F(DeviceAcceptanceTest, EmbeddedFinder_GivesTheDeviceAndGoesOn) {
   EXPECT_TRUE(AwaitRounds(0));
   EXPECT_TRUE(mFinder.Close().IsOK());
   EXPECT_NE(mFinder.GetSelected(), nullptr);
+}
+
+namespace {
+
+/// Does something when a device was accepted.
+class HearingFinder : public KrDeviceFinderWnd {
+public:
+  ~HearingFinder() override { DeleteWnd(); }
+  void OnAccepted() override {
+    ++acceptedCount;
+    acceptedName = GetSelected() ? GetSelected()->GetDisplayID() : KrString();
+    if (onAccepted)
+      onAccepted();
+  }
+  int acceptedCount = 0;
+  KrString acceptedName;
+  std::function<void()> onAccepted;
+};
+
+} // namespace
+
+class AcceptanceHeardTest : public DeviceFinderTest {
+protected:
+  void SetUp() override {
+    mTransport->AddInterface(MakeFinderAdapter());
+    mTransport->AddDevice("eth0", MakeFinderCamera());
+  }
+  void EmbedAndAcceptCameraA() {
+    mHost.resize(820, 640);
+    mHost.show();
+    ASSERT_TRUE(mHearing->CreateIn(&mHost).IsOK());
+    auto* tree = mHearing->GetWidget()->findChild<QTreeWidget*>("control1049");
+    auto* ok = mHearing->GetWidget()->findChild<QAbstractButton*>("control1");
+    const auto find = [tree] { return tree->findItems("Camera A", Qt::MatchExactly | Qt::MatchRecursive); };
+    ASSERT_TRUE(WaitFor([&] { return find().size() == 1; }));
+    tree->setCurrentItem(find().front());
+    QTest::mouseClick(ok, Qt::LeftButton);
+  }
+
+  QWidget mHost;
+  std::unique_ptr<HearingFinder> mHearing = std::make_unique<HearingFinder>();
+};
+
+TEST_F(AcceptanceHeardTest, EmbeddedFinder_TellsOfOKAndGoesOn) {
+  EmbedAndAcceptCameraA();
+
+  EXPECT_EQ(mHearing->acceptedCount, 1);
+  EXPECT_EQ(mHearing->acceptedName, KrString("Camera A"));
+  EXPECT_NE(mHearing->GetWidget(), nullptr);
+}
+
+TEST_F(AcceptanceHeardTest, ApplicationThatClosesTheFinderThen_KeepsTheDevice) {
+  mHearing->onAccepted = [&] { EXPECT_TRUE(mHearing->Close().IsOK()); };
+
+  EmbedAndAcceptCameraA();
+
+  EXPECT_EQ(mHearing->GetWidget(), nullptr);
+  ASSERT_NE(mHearing->GetSelected(), nullptr);
+}
+
+TEST_F(AcceptanceHeardTest, ApplicationThatDeletesTheFinderThen_IsLeftAlone) {
+  mHearing->onAccepted = [&] { mHearing.reset(); };
+
+  EmbedAndAcceptCameraA();
+
+  EXPECT_EQ(mHearing, nullptr);
+}
+
+TEST_F(AcceptanceHeardTest, OnAcceptedThatThrows_IsLogged) {
+  const KrLogCapture log;
+  mHearing->onAccepted = [] { throw std::runtime_error("a fault of the application"); };
+
+  EmbedAndAcceptCameraA();
+
+  EXPECT_TRUE(log.Contains(KrLogLevel::Error, "OnAccepted threw an exception: a fault of the application"));
+  EXPECT_NE(mHearing->GetSelected(), nullptr);
 }
 
 TEST(KrDeviceFinderWnd, Kinds_AreReadAsTheyWereSet) {

@@ -183,13 +183,25 @@ protected:
     });
     timer->start(1);
   }
-  /// All texts of labels in a dialog, which a message box may show in several.
-  static QString GetTexts(const QWidget& aDialog) {
-    QString texts;
-    for (const QLabel* label : aDialog.findChildren<QLabel*>())
-      texts += label->text();
-    return texts;
+
+  /// What a message box shows.
+  struct ShownMessage {
+    QString text;
+    QString caption;
+    QString picture; ///< As those hear it who do not see it.
+    friend bool operator==(const ShownMessage&, const ShownMessage&) = default;
+    friend std::ostream& operator<<(std::ostream& aStream, const ShownMessage& aMessage) {
+      return aStream << aMessage.caption.toStdString() << " (" << aMessage.picture.toStdString()
+                     << "): " << aMessage.text.toStdString();
+    }
+  };
+  /// The message of a box; empty texts where the dialog is none.
+  static ShownMessage ReadMessage(const QWidget& aBox) {
+    const auto* text = aBox.findChild<QLabel*>("text");
+    const auto* picture = aBox.findChild<QLabel*>("picture");
+    return {text ? text->text() : QString(), aBox.windowTitle(), picture ? picture->accessibleName() : QString()};
   }
+  static ShownMessage MakeErrorMessage(const char* aText) { return {aText, "Error", "Warning"}; }
 
   const std::shared_ptr<ScriptedTransport> mTransport = std::make_shared<ScriptedTransport>();
   QObject mHand;

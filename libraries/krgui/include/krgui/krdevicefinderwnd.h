@@ -9,8 +9,8 @@ namespace krgui {
 class DeviceFinderWnd;
 }
 
-/// The device finder. Embedded (CreateIn, Create) it neither hides nor closes on OK: the selected device is to be had by
-/// GetSelected at once, looking for devices goes on, and the user may choose another one.
+/// The device finder. Embedded (CreateIn, Create) it neither hides nor closes on OK: the selected device is to be had
+/// by GetSelected at once (OnAccepted tells), looking for devices goes on, and the user may choose another one.
 ///
 /// Thread: the user-interface thread alone; OnFound also comes on the discovery thread.
 /// Ownership: the application owns the object, which owns everything that it finds.
@@ -23,7 +23,7 @@ class DeviceFinderWnd;
 class KR_EXPORT KrDeviceFinderWnd : public KrWnd {
 public:
   KrDeviceFinderWnd();
-  /// A derived class calls DeleteWnd() in its own destructor: until then its OnFound may be called.
+  /// A derived class calls DeleteWnd() in its own destructor: until then its overrides may be called.
   ~KrDeviceFinderWnd() override;
 
   /// The device that the user accepted in the last showing, which may still go on when it is embedded; null when he
@@ -32,8 +32,14 @@ public:
 
   /// Asked about every report of a device before it enters the tree; false drops the report, so that the device is
   /// never shown. Called on the discovery thread, and on the user-interface thread while the tree is built anew; it
-  /// must not wait for the other. An exception counts as true and is logged.
+  /// must not wait for the other. It has to be short: closing, OK and the address dialogs wait for a call that runs. An
+  /// exception counts as true and is logged.
   virtual bool OnFound(const KrDeviceInfo* aDevice);
+
+  /// The user has accepted the device that GetSelected now gives. Called on the user-interface thread, while a window
+  /// of its own is still open; embedded, it is how the application hears of OK. Discovery rests meanwhile. It may close
+  /// or delete the finder. Does nothing by default; an exception is logged.
+  virtual void OnAccepted();
 
   /// Which kinds of device can be selected, and which are listed; set them before the window is shown. GigE Vision and
   /// USB3 Vision start with both, the older protocol starts listed and not selectable.

@@ -5,13 +5,14 @@
 namespace krgui {
 
 KrString FindFinderHint(const FinderHintFacts& aFacts) {
-  if (aFacts.showsDevices)
-    return {};
-  if (!aFacts.hasTransports)
+  if (!aFacts.hasTransports && !aFacts.showsDevices)
     return "No transports are installed, so that no device can be found. The program chooses them with "
            "KrInstallTransports.";
-  if (!aFacts.isLooking)
-    return "Devices cannot be looked for at the moment. Close this window and open it again.";
+  // Also beside devices, which will not vanish any more when they fall silent.
+  if (!aFacts.failure.IsEmpty())
+    return aFacts.failure;
+  if (aFacts.showsDevices)
+    return {};
   if (aFacts.unreachableCount == 1)
     return "One device answers that this computer cannot reach as it is configured. "
            "\"Show unreachable Network Devices\" shows it.";

@@ -10,7 +10,7 @@ namespace krgui {
 
 struct FinderHintFacts {
   bool hasTransports = true;        ///< The program can find anything at all.
-  bool isLooking = true;            ///< The discovery thread runs.
+  KrString failure = {};            ///< Why devices are not looked for at all, in words; empty when they are.
   bool showsDevices = false;        ///< The tree has an item for a device.
   std::uint32_t roundCount = 0;     ///< How many rounds of discovery have ended.
   std::size_t unreachableCount = 0; ///< The devices that are left out because this host cannot reach them.

@@ -207,10 +207,34 @@ TreeItemInfoInterface* FinderModel::FindInterfaceOf(const TreeItemInfoDevice& aD
   return place == mInterfaces.end() ? nullptr : place->second.node.get();
 }
 
-bool FinderModel::Contains(const TreeItemInfo* aInfo) const {
+std::size_t FinderModel::CountHidden() const {
+  const std::lock_guard lock(mDataLock);
+  std::set<std::pair<KrDeviceInfoType, KrString>> hidden;
+  for (const auto& [key, entry] : mDevices) {
+    if (!entry.node->GetTreeItem() && !entry.node->IsReachable())
+      hidden.emplace(entry.node->GetType(), entry.node->GetUniqueID());
+  }
+  return hidden.size();
+}
+
+std::optional<FinderModel::NodeKey> FinderModel::FindKey(const TreeItemInfo* aInfo) const {
   const std::lock_guard lock(mDataLock);
   const auto isIt = [aInfo](const auto& aEntry) { return aEntry.second.node.get() == aInfo; };
-  return aInfo && (std::ranges::any_of(mInterfaces, isIt) || std::ranges::any_of(mDevices, isIt));
+  if (const auto place = std::ranges::find_if(mInterfaces, isIt); place != mInterfaces.end())
+    return NodeKey{place->first};
+  if (const auto place = std::ranges::find_if(mDevices, isIt); place != mDevices.end())
+    return NodeKey{place->first.first, place->first.second};
+  return std::nullopt;
+}
+
+TreeItemInfo* FinderModel::FindNode(const NodeKey& aKey) const {
+  const std::lock_guard lock(mDataLock);
+  if (aKey.type) {
+    const auto place = mDevices.find({aKey.key, *aKey.type});
+    return place == mDevices.end() ? nullptr : place->second.node.get();
+  }
+  const auto place = mInterfaces.find(aKey.key);
+  return place == mInterfaces.end() ? nullptr : place->second.node.get();
 }
 
 std::vector<const KrInterface*> FinderModel::GetInterfaces() const {

@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -75,8 +76,18 @@ public:
 
   /// The node of the interface behind which a device was reported; null where there is none.
   TreeItemInfoInterface* FindInterfaceOf(const TreeItemInfoDevice& aDevice) const;
-  /// Whether a node is still one of the maps'; it may have gone while a dialog was open.
-  bool Contains(const TreeItemInfo* aInfo) const;
+  /// How many devices have no item because this host cannot reach them; one that answers on two adapters is one.
+  std::size_t CountHidden() const;
+
+  /// What tells a node from all others, also after the tree was built anew; without a kind of device for an interface.
+  struct NodeKey {
+    std::string key;
+    std::optional<KrDeviceInfoType> type = {};
+  };
+  /// The key of one of the maps' nodes; nothing when it is none of them, or is no more.
+  std::optional<NodeKey> FindKey(const TreeItemInfo* aInfo) const;
+  /// The node of a key; null when there is none.
+  TreeItemInfo* FindNode(const NodeKey& aKey) const;
 
 private:
   // What a tree item shows is remembered beside its node, so that a pass asks the tree only about what changed.

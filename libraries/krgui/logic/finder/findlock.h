@@ -27,6 +27,23 @@ public:
   void LockByWindow(const std::function<void()>& aCancel);
   void UnlockByWindow();
 
+  /// A try of the worker, which gives the lock back at its end, by whatever way.
+  class Try {
+  public:
+    explicit Try(FindLock& aLock) : mLock(aLock), mIsLocked(aLock.TryLock()) {}
+    ~Try() {
+      if (mIsLocked)
+        mLock.UnlockByWorker();
+    }
+    Try(const Try&) = delete;
+    Try& operator=(const Try&) = delete;
+    bool IsLocked() const { return mIsLocked; }
+
+  private:
+    FindLock& mLock;
+    const bool mIsLocked;
+  };
+
 private:
   std::mutex mMutex; // Guards the members below.
   std::condition_variable mChanged;
