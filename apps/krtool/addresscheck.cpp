@@ -29,6 +29,9 @@ std::string FindRefusal(const AddressPlan& aPlan, const std::vector<AdapterSubne
     return Format(aPlan.address) + " cannot be a device's: addresses from 224.0.0.0 on are for other purposes.";
   if ((aPlan.address & aPlan.mask) == aPlan.address)
     return Format(aPlan.address) + " with the mask " + Format(aPlan.mask) + " is the subnet itself, no device of it.";
+  if (!krsystem::IsForDevice(aPlan.address, aPlan.mask))
+    return Format(aPlan.address) + " with the mask " + Format(aPlan.mask) +
+           " is the subnet's broadcast address, no device's.";
   return {};
 }
 

@@ -24,15 +24,14 @@ KrResult Explain(const std::string& aAttempt, const KrResult& aResult) {
 }
 
 int Fail(std::ostream& aErrors, const KrResult& aResult) {
-  aErrors << "krtool: " << GetReason(aResult) << '\n';
+  aErrors << "krtool: " << krapps::MakeField(GetReason(aResult)) << '\n';
   return 1;
 }
 
 int FailForLoss(std::ostream& aErrors, const std::string& aDevice, const KrResult& aLoss) {
   if (aLoss.IsOK())
     return 0;
-  const KrResult explained = Explain(aDevice + " did not answer all along", aLoss);
-  return Fail(aErrors, {explained.GetCode(), krapps::MakeField(explained.GetDescription())});
+  return Fail(aErrors, Explain(aDevice + " did not answer all along", aLoss));
 }
 
 int FailToWrite(std::ostream& aErrors, const KrResult& aResult) {

@@ -21,8 +21,8 @@ inline constexpr std::uint32_t kDefaultFrameTimeoutMs = 10000;
 
 /// The result with a description that says what was attempted, too; success stays as it is.
 KrResult Explain(const std::string& aAttempt, const KrResult& aResult);
-/// Writes the result's description, or its code where it has none, in one line and gives the exit code of a command
-/// that failed.
+/// Writes the result's description, or its code where it has none, in one line, with nothing of a device's texts that a
+/// terminal would obey, and gives the exit code of a command that failed.
 int Fail(std::ostream& aErrors, const KrResult& aResult);
 /// The same, where aLoss is the first access that a device left without an answer while it was read; 0 where it is OK.
 int FailForLoss(std::ostream& aErrors, const std::string& aDevice, const KrResult& aLoss);

@@ -41,12 +41,8 @@ std::string FormatFindings(const std::vector<KrFinding>& aFindings) {
   if (aFindings.empty())
     return "Nothing was found that would keep devices away.\n";
   std::string text;
-  for (const KrFinding& finding : aFindings) {
-    // Most sentences name what they are about.
-    if (finding.text.ToUtf8().find(finding.subject.ToUtf8()) == std::string::npos)
-      text += krapps::MakeField(finding.subject) + ": ";
-    text += krapps::MakeField(finding.text) + "\n" + Indent(finding.remedy);
-  }
+  for (const KrFinding& finding : aFindings)
+    text += krapps::MakeField(KrGetFindingSentence(finding)) + "\n" + Indent(finding.remedy);
   return text;
 }
 

@@ -61,8 +61,7 @@ int ListEntries(const KrGenParameterArray& aArray, const std::string& aDevice,
   const KrResult written = WriteEntries(aArray, aName, aOut);
   if (written.IsOK())
     return FailForLoss(aErrors, aDevice, aGetLoss());
-  const KrResult explained = Explain("listing the entries of " + aName + " of " + aDevice + " failed", written);
-  return Fail(aErrors, {explained.GetCode(), krapps::MakeField(explained.GetDescription())});
+  return Fail(aErrors, Explain("listing the entries of " + aName + " of " + aDevice + " failed", written));
 }
 
 int RunEntries(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOut, std::ostream& aErrors) {

@@ -4,7 +4,6 @@
 #include "featurelookup.h"
 #include "featuresource.h"
 #include "featurewords.h"
-#include "plaintext.h"
 
 #include <chrono>
 #include <thread>
@@ -57,8 +56,7 @@ int RunExecute(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream&
       ExecuteCommand(source.GetArray(), name, stop, aCommandLine.timeoutMs.value_or(kDefaultExecuteTimeoutMs));
   if (executed.IsOK())
     return 0;
-  const KrResult explained = Explain("executing " + name + " of " + source.GetName() + " failed", executed);
-  const int exitCode = Fail(aErrors, {explained.GetCode(), krapps::MakeField(explained.GetDescription())});
+  const int exitCode = Fail(aErrors, Explain("executing " + name + " of " + source.GetName() + " failed", executed));
   return stop.IsRaised() ? GetExitCode(stop) : exitCode;
 }
 

@@ -3,18 +3,11 @@
 #include "camerasession.h"
 #include "featurelookup.h"
 #include "featuresource.h"
-#include "plaintext.h"
 #include "valuetext.h"
 
 namespace krtool {
 
 namespace {
-
-// A failure may quote texts of the device, and its message is one line.
-int FailFor(std::ostream& aErrors, const std::string& aAttempt, const KrResult& aResult) {
-  const KrResult explained = Explain(aAttempt, aResult);
-  return Fail(aErrors, {explained.GetCode(), krapps::MakeField(explained.GetDescription())});
-}
 
 // Reads a feature and writes its line.
 KrResult WriteValue(KrGenParameter& aFeature, const std::string& aName, bool aIsOneOfSeveral, std::ostream& aOut) {
@@ -43,7 +36,7 @@ int GetValues(const KrGenParameterArray& aArray, const std::string& aDevice, con
     if (result.IsOK())
       result = WriteValue(*feature, name, aNames.size() > 1, aOut);
     if (!result.IsOK())
-      exitCode = FailFor(aErrors, "reading " + name + " of " + aDevice + " failed", result);
+      exitCode = Fail(aErrors, Explain("reading " + name + " of " + aDevice + " failed", result));
   }
   return exitCode;
 }
@@ -56,17 +49,17 @@ int SetValues(const KrGenParameterArray& aArray, const std::string& aDevice, con
   };
   for (std::size_t i = 0; i < features.size(); ++i)
     if (KrResult found = FindValue(aArray, aPairs[2 * i], features[i]); !found.IsOK())
-      return FailFor(aErrors, attempt(i), found);
+      return Fail(aErrors, Explain(attempt(i), found));
 
   for (std::size_t i = 0; i < features.size(); ++i) {
     KrResult result = WriteValueText(*features[i], aPairs[2 * i + 1]);
     if (!result.IsOK())
-      return FailFor(aErrors, attempt(i), result);
+      return Fail(aErrors, Explain(attempt(i), result));
     if (features[i]->GetAccessMode() == KrGenAccessMode::WriteOnly)
       continue;
     result = WriteValue(*features[i], aPairs[2 * i], features.size() > 1, aOut);
     if (!result.IsOK())
-      return FailFor(aErrors, aPairs[2 * i] + " of " + aDevice + " was set, but reading it back failed", result);
+      return Fail(aErrors, Explain(aPairs[2 * i] + " of " + aDevice + " was set, but reading it back failed", result));
   }
   return 0;
 }

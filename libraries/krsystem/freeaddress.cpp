@@ -18,10 +18,8 @@ bool IsMask(std::uint32_t aMask) {
   return aMask != 0 && (hosts & (hosts + 1)) == 0;
 }
 
-bool IsForDevices(std::uint32_t aAddress, std::uint32_t aMask) {
-  const std::uint32_t host = aAddress & ~aMask;
-  const bool hasBroadcast = ~aMask > 1;
-  if (hasBroadcast && (host == 0 || host == ~aMask))
+bool IsProposed(std::uint32_t aAddress, std::uint32_t aMask) {
+  if (!IsForDevice(aAddress, aMask))
     return false;
   const std::uint32_t lastField = aAddress & kLastField;
   if (lastField == 0 || lastField == kLastField)
@@ -52,7 +50,7 @@ std::vector<std::uint32_t> ChooseCandidates(const SubnetAddress& aSubnet, const 
   const std::uint32_t own = aSubnet.address & last;
   for (std::uint32_t step = 1; step <= last && candidates.size() < aMost; ++step) {
     const std::uint32_t candidate = network | ((own + step) & last);
-    if (IsForDevices(candidate, aSubnet.mask) && !aTaken.contains(candidate))
+    if (IsProposed(candidate, aSubnet.mask) && !aTaken.contains(candidate))
       candidates.push_back(candidate);
   }
   return candidates;

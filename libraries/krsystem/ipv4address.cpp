@@ -42,4 +42,15 @@ KrString FormatIPv4(std::uint32_t aAddress) {
   return KrString(std::move(text));
 }
 
+bool IsForDevice(std::uint32_t aAddress, std::uint32_t aMask) {
+  const std::uint32_t host = aAddress & ~aMask;
+  const bool keepsAddresses = ~aMask > 1;
+  return !keepsAddresses || (host != 0 && host != ~aMask);
+}
+
+bool IsReachedFrom(std::uint32_t aHostAddress, std::uint32_t aHostMask, std::uint32_t aDevice) {
+  return aHostAddress != 0 && aHostMask != 0 && aDevice != 0 && ((aHostAddress ^ aDevice) & aHostMask) == 0 &&
+         IsForDevice(aDevice, aHostMask);
+}
+
 } // namespace krsystem

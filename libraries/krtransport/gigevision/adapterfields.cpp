@@ -1,11 +1,11 @@
 #include "gigevision/adapterfields.h"
 
+#include "krsystem/adapterids.h"
 #include "krsystem/ipv4address.h"
 
 #include <algorithm>
 #include <linux/if.h>
 #include <linux/if_arp.h>
-#include <map>
 #include <optional>
 
 namespace krtransport {
@@ -148,18 +148,8 @@ MakeAdapterFields(const KernelTables& aTables, const DriverNameReader& aReadDriv
     adapters.push_back(MakeFields(link, aTables, aReadDriverName));
     adapters.back().tolvanDriverInstalled = aMayUsePacketSockets;
   }
-  AssignUniqueIDs(adapters);
+  krsystem::AssignUniqueIDs(adapters);
   return adapters;
-}
-
-void AssignUniqueIDs(std::vector<NetworkAdapterFields>& aAdapters) {
-  std::map<KrString, int> uses;
-  for (const auto& adapter : aAdapters)
-    ++uses[adapter.macAddress];
-  for (auto& adapter : aAdapters) {
-    const bool isOwn = !adapter.macAddress.IsEmpty() && uses[adapter.macAddress] == 1;
-    adapter.uniqueID = isOwn ? adapter.macAddress : adapter.macAddress + "/" + adapter.name;
-  }
 }
 
 std::vector<krsystem::AdapterReading>

@@ -22,9 +22,6 @@ using DriverNameReader = std::function<std::string(const std::string& aAdapterNa
 std::vector<krsystem::NetworkAdapterFields>
 MakeAdapterFields(const KernelTables& aTables, const DriverNameReader& aReadDriverName, bool aMayUsePacketSockets);
 
-/// Gives every adapter its unique ID: the MAC, or MAC and "/name" where several share one or there is none.
-void AssignUniqueIDs(std::vector<krsystem::NetworkAdapterFields>& aAdapters);
-
 /// The same adapters as the kernel has them. aReadFilter gives the reverse-path filter of an adapter's name, "all" for
 /// everybody's, and nothing where it cannot be read.
 std::vector<krsystem::AdapterReading>

@@ -48,12 +48,10 @@ KrResult ReadNetworkAdapters(std::vector<krsystem::AdapterReading>& aReadings) {
 }
 
 std::optional<std::uint32_t> FindLocalAddress(const NetworkAdapterFields& aAdapter, std::uint32_t aDevice) {
-  if (aDevice == 0)
-    return std::nullopt;
   for (const AdapterAddress& row : aAdapter.addresses) {
     const std::uint32_t address = krsystem::ParseIPv4(row.address).value_or(0);
     const std::uint32_t mask = krsystem::ParseIPv4(row.mask).value_or(0);
-    if (address != 0 && mask != 0 && (address & mask) == (aDevice & mask))
+    if (krsystem::IsReachedFrom(address, mask, aDevice))
       return address;
   }
   return std::nullopt;

@@ -18,8 +18,8 @@ KrResult ListNetworkAdapters(std::vector<krsystem::NetworkAdapterFields>& aAdapt
 /// Reads the same adapters as the kernel has them. SystemError when it refuses. Any thread.
 KrResult ReadNetworkAdapters(std::vector<krsystem::AdapterReading>& aReadings);
 
-/// The adapter's address in whose subnet a device's address lies; nothing when there is none, or the device has
-/// 0.0.0.0.
+/// The adapter's address from which a device is reached, as krsystem::IsReachedFrom says; nothing when there is none.
+/// A device with the adapter's own address that answers is this host itself.
 std::optional<std::uint32_t> FindLocalAddress(const krsystem::NetworkAdapterFields& aAdapter, std::uint32_t aDevice);
 
 /// Where a broadcast goes on an adapter: to each subnet's broadcast address, once each, or to 255.255.255.255 where

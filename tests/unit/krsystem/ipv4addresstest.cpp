@@ -44,7 +44,39 @@ constexpr InvalidText kInvalid[] = {
     {"comma", "1,2,3,4"},
 };
 
+struct ReachRow {
+  const char* name;
+  const char* host;
+  const char* mask;
+  const char* device;
+  bool isReached;
+};
+
+constexpr ReachRow kReaches[] = {
+    {"device of the subnet", "192.168.1.10", "255.255.255.0", "192.168.1.20", true},
+    {"the host's own address", "192.168.1.10", "255.255.255.0", "192.168.1.10", true},
+    {"another subnet", "192.168.1.10", "255.255.255.0", "192.168.2.20", false},
+    {"the subnet itself", "192.168.1.10", "255.255.255.0", "192.168.1.0", false},
+    {"the subnet's broadcast address", "192.168.1.10", "255.255.255.192", "192.168.1.63", false},
+    {"an ordinary address that ends by 255", "10.0.0.1", "255.0.0.0", "10.0.1.255", true},
+    {"the other of two addresses", "10.0.0.1", "255.255.255.254", "10.0.0.0", true},
+    {"a neighbour of an address that is alone", "10.0.0.1", "255.255.255.255", "10.0.0.2", false},
+    {"no mask", "10.0.0.1", "0.0.0.0", "10.0.0.2", false},
+    {"a host without address", "0.0.0.0", "255.0.0.0", "0.0.0.2", false},
+    {"a device without address", "10.0.0.1", "255.0.0.0", "0.0.0.0", false},
+};
+
 } // namespace
+
+TEST(IPv4Address, IsReachedFrom_EachPair_IsAsStated) {
+  for (const ReachRow& row : kReaches) {
+    SCOPED_TRACE(row.name);
+
+    EXPECT_EQ(krsystem::IsReachedFrom(ParseIPv4(row.host).value(), ParseIPv4(row.mask).value(),
+                                      ParseIPv4(row.device).value()),
+              row.isReached);
+  }
+}
 
 TEST(IPv4Address, ParseIPv4_ValidText_GivesAddress) {
   for (const ValidText& row : kValid) {

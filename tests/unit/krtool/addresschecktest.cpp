@@ -53,6 +53,9 @@ INSTANTIATE_TEST_SUITE_P(
                     Plan{"Broadcast", "255.255.255.255", "0.0.0.0", "0.0.0.0", "224.0.0.0 on"},
                     Plan{"TheSubnet", "192.168.1.0", "255.255.255.0", "0.0.0.0", "the subnet itself"},
                     Plan{"NoHostBits", "192.168.1.20", "255.255.255.255", "0.0.0.0", "the subnet itself"},
+                    Plan{"SubnetBroadcast", "192.168.1.255", "255.255.255.0", "0.0.0.0", "the subnet's broadcast"},
+                    Plan{"SmallSubnetBroadcast", "192.168.1.63", "255.255.255.192", "0.0.0.0", "subnet's broadcast"},
+                    Plan{"LargeSubnetBroadcast", "10.255.255.255", "255.0.0.0", "0.0.0.0", "the subnet's broadcast"},
                     Plan{"None", "0.0.0.0", "0.0.0.0", "0.0.0.0", "the subnet itself"}),
     GetName);
 
@@ -73,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Plan{"NoMask", "192.168.1.20", "0.0.0.0", "0.0.0.0", "The mask 0.0.0.0 is not"},
                     Plan{"MaskWithAGap", "192.168.1.20", "255.0.255.0", "0.0.0.0", "has a gap"},
                     Plan{"LastFieldZero", "172.16.1.0", "255.255.0.0", "0.0.0.0", "end by 0 or 255"},
-                    Plan{"LastField255", "192.168.1.255", "255.255.255.0", "0.0.0.0", "end by 0 or 255"},
+                    Plan{"LastField255", "172.16.1.255", "255.255.0.0", "0.0.0.0", "end by 0 or 255"},
                     Plan{"ForeignGateway", "192.168.1.20", "255.255.255.0", "10.0.0.1", "The gateway 10.0.0.1 is in"},
                     Plan{"AnotherDevices", "192.168.1.30", "255.255.255.0", "0.0.0.0", "Another device has"}),
     GetName);

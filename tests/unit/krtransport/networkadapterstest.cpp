@@ -26,10 +26,10 @@ struct ReachRow {
 };
 
 const ReachRow kReaches[] = {
-    {"FirstSubnet", "192.168.1.20", "192.168.1.10"},
-    {"SecondSubnet", "10.1.2.3", "10.0.0.1"},
-    {"ForeignSubnet", "192.168.2.20", nullptr},
-    {"NoAddress", "0.0.0.0", nullptr},
+    {"FirstSubnet", "192.168.1.20", "192.168.1.10"},      {"SecondSubnet", "10.1.2.3", "10.0.0.1"},
+    {"ForeignSubnet", "192.168.2.20", nullptr},           {"NoAddress", "0.0.0.0", nullptr},
+    {"TheSubnetItself", "192.168.1.0", nullptr},          {"ItsBroadcastAddress", "10.255.255.255", nullptr},
+    {"OfThisHostItself", "192.168.1.10", "192.168.1.10"},
 };
 
 class NetworkAdapterReach : public testing::TestWithParam<ReachRow> {};

@@ -7,9 +7,7 @@ namespace krgui {
 namespace {
 
 std::string FormatFinding(const KrFinding& aFinding) {
-  const bool isNamed = aFinding.text.ToUtf8().find(aFinding.subject.ToUtf8()) != std::string::npos;
-  std::string text = isNamed ? std::string() : aFinding.subject.ToUtf8() + ": ";
-  text += aFinding.text.ToUtf8() + "\n";
+  std::string text = KrGetFindingSentence(aFinding).ToUtf8() + "\n";
   if (!aFinding.remedy.IsEmpty())
     text += aFinding.remedy.ToUtf8() + "\n";
   return text;

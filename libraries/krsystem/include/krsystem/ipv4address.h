@@ -13,4 +13,11 @@ KR_EXPORT std::optional<std::uint32_t> ParseIPv4(const KrString& aText);
 /// Writes an address as "a.b.c.d". Any thread.
 KR_EXPORT KrString FormatIPv4(std::uint32_t aAddress);
 
+/// Whether a device may have an address with a mask: not that of the subnet itself, not its broadcast address. A subnet
+/// of one or two addresses keeps none for itself (RFC 3021). Any thread.
+KR_EXPORT bool IsForDevice(std::uint32_t aAddress, std::uint32_t aMask);
+/// Whether a device is reached directly from one of this host's addresses: it has an address for devices in that
+/// subnet. 0.0.0.0, here or there, and a mask of 0 reach nothing. Any thread.
+KR_EXPORT bool IsReachedFrom(std::uint32_t aHostAddress, std::uint32_t aHostMask, std::uint32_t aDevice);
+
 } // namespace krsystem

@@ -32,3 +32,7 @@ struct KrFinding {
   KrString remedy;  ///< What to do about it, with the command where there is one; may have several lines.
   friend bool operator==(const KrFinding&, const KrFinding&) = default;
 };
+
+/// The text of a finding to be read alone: behind its subject and a colon where it does not name that itself. Any
+/// thread.
+KR_EXPORT KrString KrGetFindingSentence(const KrFinding& aFinding);
