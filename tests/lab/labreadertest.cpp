@@ -179,6 +179,16 @@ const BadRow kBadRows[] = {
     {"odd sensor", KR_DEVICE "    mac: 02:00:00:00:00:01\n    sensor: {width: 66}\n", "6:13", "multiple of 4"},
     {"schedule of no length", KR_DEVICE "    mac: 02:00:00:00:00:01\n    appears: 2\n    vanishes: 2\n", "6:14",
      "have to differ"},
+    {"schedule of hardly any length", KR_DEVICE "    mac: 02:00:00:00:00:01\n    appears: 2\n    vanishes: 2.009\n",
+     "6:14", "differ, by 0.01 s at least"},
+    {"period of hardly any length", KR_DEVICE "    mac: 02:00:00:00:00:01\n    appears: 0\n    every: 2e-9\n", "7:12",
+     "\"every\" has to be 0.01 s"},
+    {"period of no length", KR_DEVICE "    mac: 02:00:00:00:00:01\n    appears: 0\n    every: 0\n", "7:12",
+     "\"every\" has to be 0.01 s"},
+    {"period of nothing", KR_DEVICE "    mac: 02:00:00:00:00:01\n    every: 5\n", "6:12",
+     "it goes with \"appears\" or \"vanishes\""},
+    {"period of no adapter's times", "adapters:\n- name: a\n  every: 5\n", "3:10", "\"goesDown\" or \"comesUp\""},
+    {"period of no controller's times", "controllers:\n- name: a\n  every: 5\n", "3:10", "it goes with \"appears\""},
     {"schedule beyond its period", KR_DEVICE "    mac: 02:00:00:00:00:01\n    appears: 2\n    every: 1\n", "6:14",
      "within the period"},
     {"time that is no number", KR_DEVICE "    mac: 02:00:00:00:00:01\n    appears: nan\n", "6:14", "number from 0 to"},
@@ -365,7 +375,31 @@ TEST(LabReader, Parse_AliasesOfAliases_AreRefusedBeforeTheyFillTheMemory) {
     text += "]\n";
   }
 
-  EXPECT_THAT(GetProblem(text), HasSubstr("more than 100000 values, those of aliases included"));
+  EXPECT_THAT(GetProblem(text), HasSubstr("more than 100000 values, those of anchors and aliases included"));
+}
+
+TEST(LabReader, Parse_AnchorsWithinAnchors_AreCountedWithTheirCopies) {
+  std::string text = "a: ";
+  for (int depth = 0; depth < 10; ++depth)
+    text += "&a" + std::to_string(depth) + " [";
+  for (int i = 0; i < 10000; ++i)
+    text += "x, ";
+  text += "x]]]]]]]]]]\n";
+
+  EXPECT_THAT(GetProblem(text), HasSubstr("more than 100000 values, those of anchors"));
+}
+
+TEST(LabReader, Parse_NameOfTwoInterfaces_AdvisesNothingThatCannotBe) {
+  EXPECT_THAT(GetProblem("adapters: [{name: a}, {name: a}]\n"), testing::Not(HasSubstr("duplicate")));
+}
+
+TEST(LabReader, Parse_AdapterThatGoesDownInEachPeriod_IsTaken) {
+  Lab lab;
+
+  ASSERT_TRUE(Parse("adapters: [{name: a, goesDown: 1, comesUp: 1.01, every: 2}]\n", lab).IsOK());
+
+  EXPECT_EQ(lab.adapters[0].downSchedule, (krtransport::LabSchedule{kSecondNs, 1010000000, 2 * kSecondNs}));
+  EXPECT_EQ(lab.adapters[0].schedule, krtransport::LabSchedule());
 }
 
 TEST(LabReader, Parse_FileThatIsTooLarge_IsRefused) {

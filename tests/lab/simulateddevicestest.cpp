@@ -1,4 +1,5 @@
 #include "labfixture.h"
+#include "testclocks.h"
 
 #include "krdevice/krdevicegev.h"
 #include "krdevice/krdevicetolvanprotocol.h"
@@ -44,6 +45,14 @@ krtransport::Lab MakeCrowdedLab() {
   adapter.devices = {first, second, exclusive, silent};
   return {.adapters = {adapter}};
 }
+
+class TimedCrowdedLabTest : public LabTest {
+protected:
+  explicit TimedCrowdedLabTest(std::shared_ptr<JumpingClock> aClock = std::make_shared<JumpingClock>())
+      : LabTest(aClock, MakeCrowdedLab()), mClock(std::move(aClock)) {}
+
+  const std::shared_ptr<JumpingClock> mClock;
+};
 
 class CrowdedLabTest : public LabTest {
 protected:
@@ -250,4 +259,13 @@ TEST_F(CrowdedLabTest, GetAccessType_SilentCamera_ExceedsTheTimeLimit) {
   EXPECT_TRUE(KrDeviceGEV::GetAccessType("10.0.0.5", type) == KrResult::Code::TimeLimitExceeded);
 
   EXPECT_EQ(type, KrAccessType::Unknown);
+}
+
+TEST_F(TimedCrowdedLabTest, GetAccessType_SilentCamera_WaitsByTheLabsClock) {
+  const std::uint64_t startNs = mClock->GetNowNs();
+  KrAccessType type = KrAccessType::Unknown;
+
+  EXPECT_TRUE(KrDeviceGEV::GetAccessType("10.0.0.5", type) == KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_EQ(mClock->GetNowNs() - startNs, 200000000u);
 }

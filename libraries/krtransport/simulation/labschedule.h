@@ -10,6 +10,8 @@ namespace krtransport {
 /// Thread: a value.
 struct LabSchedule {
   static constexpr std::uint64_t kNever = UINT64_MAX;
+  /// Nobody sees what comes and goes faster, and carrying it out would keep a processor busy.
+  static constexpr std::uint64_t kLeastStepNs = 10000000;
 
   std::uint64_t beginNs = 0;
   std::uint64_t endNs = kNever;

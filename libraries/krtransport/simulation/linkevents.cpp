@@ -58,7 +58,11 @@ void LinkEvents::ReportBack() {
 
 void LinkEvents::Report(Event aEvent) {
   const std::lock_guard lock(mMutex);
-  mEvents.push_back(std::move(aEvent));
+  // A camera may come and go for hours while nobody listens.
+  if (!mEvents.empty() && mEvents.back().has_value() == aEvent.has_value())
+    mEvents.back() = std::move(aEvent);
+  else
+    mEvents.push_back(std::move(aEvent));
   mChanged.notify_all();
 }
 

@@ -20,7 +20,7 @@ public:
 
   /// Returns when no call of the former sink is running on another thread.
   void SetSink(krsystem::IDeviceLinkSink* aSink);
-  /// Events wait until there is a sink.
+  /// Events wait until there is a sink; of several of one kind in a row the last one alone.
   void ReportLost(const KrResult& aReason);
   void ReportBack();
 

@@ -6,8 +6,8 @@
 #include "simulation/simulatedlink.h"
 
 #include <algorithm>
-#include <chrono>
-#include <thread>
+#include <condition_variable>
+#include <mutex>
 #include <utility>
 
 namespace krtransport {
@@ -16,12 +16,13 @@ namespace {
 
 // How long a device is asked who controls it; the contract of ITransport.
 constexpr std::uint32_t kAccessLimitMs = 200;
+constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
 
 } // namespace
 
 SimulatedGEVDevice::SimulatedGEVDevice(LabGEVCamera aCamera, HostSubnets aSubnets, std::shared_ptr<ICameraClock> aClock)
-    : mDescription(std::move(aCamera)), mSubnets(std::move(aSubnets)),
-      mCamera([this, clock = std::move(aClock)] { return std::make_shared<SimulatedCamera>(mDescription, clock); }) {}
+    : mDescription(std::move(aCamera)), mSubnets(std::move(aSubnets)), mClock(std::move(aClock)),
+      mCamera([this] { return std::make_shared<SimulatedCamera>(mDescription, mClock); }) {}
 
 GEVState SimulatedGEVDevice::GetState() const {
   if (const std::shared_ptr<SimulatedCamera> camera = mCamera.Find())
@@ -38,13 +39,21 @@ KrResult SimulatedGEVDevice::ConfigureIP(const IPConfiguration& aConfiguration) 
   return mCamera.Get()->ConfigureIP(aConfiguration);
 }
 
+void SimulatedGEVDevice::Pause(std::uint32_t aDurationMs) {
+  std::mutex mutex; // The clock's way of waiting needs one; nobody wakes this wait.
+  std::condition_variable wake;
+  std::unique_lock lock(mutex);
+  mClock->WaitUntil(lock, wake, mClock->GetNowNs() + std::uint64_t{aDurationMs} * kNanosecondsPerMillisecond,
+                    [] { return false; });
+}
+
 KrResult SimulatedGEVDevice::GetAccessType(krsystem::AccessType& aType) {
   const std::shared_ptr<SimulatedCamera> camera = mCamera.Get();
   OrderedFaults& faults = camera->GetFaults();
   if (faults.HasRegisterFaults()) {
     const RegisterAnswer answer = faults.TakeAnswer(cameraregister::kControlPrivilege, sizeof(std::uint32_t));
     const bool isLate = answer.isSilent || answer.delayMs > kAccessLimitMs;
-    std::this_thread::sleep_for(std::chrono::milliseconds(isLate ? kAccessLimitMs : answer.delayMs));
+    Pause(isLate ? kAccessLimitMs : answer.delayMs);
     if (isLate)
       return Refuse(KrResult::Code::TimeLimitExceeded, "it did not say within 200 ms who controls it.");
   }

@@ -27,9 +27,12 @@ public:
 
 private:
   GEVState GetState() const;
+  /// Waits by the lab's clock.
+  void Pause(std::uint32_t aDurationMs);
 
   const LabGEVCamera mDescription;
   const HostSubnets mSubnets;
+  const std::shared_ptr<ICameraClock> mClock;
   CameraHolder mCamera;
 };
 

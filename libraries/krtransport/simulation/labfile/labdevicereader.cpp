@@ -19,6 +19,7 @@ constexpr std::size_t kMostTextBytes = 64;
 constexpr std::uint64_t kMostDelayMs = 60000;
 constexpr std::uint32_t kMostVersion = 65535;
 constexpr std::uint32_t kMostSoftwareVersion = 255;
+constexpr const char* kLeastStepText = "0.01 s"; // LabSchedule::kLeastStepNs.
 
 // How long texts may be in bytes: as the registers that hold them.
 struct TextLimits {
@@ -224,32 +225,56 @@ AnyLabDevice ReadDevice(LabMap& aMap, LabDeviceKind aKind) {
   }
 }
 
-} // namespace
-
-void ReadSchedule(LabMap& aMap, LabSchedule& aSchedule) {
-  ReadSchedule(aMap, "appears", "vanishes", aSchedule);
+// The moments of a schedule have to keep so far from each other.
+void CheckTimes(LabMap& aMap, const TextPlace& aPlace, const std::string& aKeys, const LabSchedule& aSchedule) {
+  const std::uint64_t first = std::min(aSchedule.beginNs, aSchedule.endNs);
+  const std::uint64_t last = std::max(aSchedule.beginNs, aSchedule.endNs);
+  if (last - first < LabSchedule::kLeastStepNs)
+    aMap.Report(aPlace, aKeys + " have to differ, by " + kLeastStepText + " at least");
+  const std::uint64_t latest = last == LabSchedule::kNever ? first : last;
+  if (aSchedule.periodNs > 0 && latest > aSchedule.periodNs)
+    aMap.Report(aPlace, aKeys + " have to be within the period that \"every\" says");
 }
 
-void ReadSchedule(LabMap& aMap, std::string_view aBeginKey, std::string_view aEndKey, LabSchedule& aSchedule) {
+// Two times and the period in which they come again; false where neither time is there.
+bool ReadTimes(LabMap& aMap, std::string_view aBeginKey, std::string_view aEndKey, LabSchedule& aSchedule) {
   const YamlNode* const begin = aMap.Find(aBeginKey);
   const YamlNode* const end = aMap.Find(aEndKey);
-  std::uint64_t periodNs = 0;
-  aMap.TakeSeconds("every", periodNs);
   if (!begin && !end)
-    return;
-  aSchedule.periodNs = periodNs;
+    return false;
+  aMap.TakeSeconds("every", aSchedule.periodNs);
   aSchedule.beginNs = 0;
   aMap.TakeSeconds(aBeginKey, aSchedule.beginNs);
   aMap.TakeSeconds(aEndKey, aSchedule.endNs);
-  const TextPlace& place = (begin ? begin : end)->place;
-  const std::string keys = "\"" + std::string(aBeginKey) + "\" and \"" + std::string(aEndKey) + "\"";
-  if (aSchedule.beginNs == aSchedule.endNs)
-    aMap.Report(place, keys + " have to differ");
-  const auto isBeyond = [&](std::uint64_t aTimeNs) {
-    return aTimeNs != LabSchedule::kNever && aTimeNs > aSchedule.periodNs;
-  };
-  if (aSchedule.periodNs > 0 && (isBeyond(aSchedule.beginNs) || isBeyond(aSchedule.endNs)))
-    aMap.Report(place, keys + " have to be within the period that \"every\" says");
+  CheckTimes(aMap, (begin ? begin : end)->place,
+             "\"" + std::string(aBeginKey) + "\" and \"" + std::string(aEndKey) + "\"", aSchedule);
+  return true;
+}
+
+// A period needs something that comes again, and time for it.
+void CheckPeriod(LabMap& aMap, bool aHasTimes, const std::string& aNeededKeys) {
+  const YamlNode* const every = aMap.Find("every");
+  if (!every)
+    return;
+  std::uint64_t periodNs = 0;
+  aMap.TakeSeconds("every", periodNs);
+  if (periodNs < LabSchedule::kLeastStepNs)
+    aMap.Report(every->place, "\"every\" has to be " + std::string(kLeastStepText) + " at least");
+  if (!aHasTimes)
+    aMap.Report(every->place, "\"every\" alone says nothing; it goes with " + aNeededKeys);
+}
+
+} // namespace
+
+void ReadSchedule(LabMap& aMap, LabSchedule& aSchedule) {
+  const bool isThere = ReadTimes(aMap, "appears", "vanishes", aSchedule);
+  CheckPeriod(aMap, isThere, "\"appears\" or \"vanishes\"");
+}
+
+void ReadSchedules(LabMap& aMap, LabSchedule& aSchedule, LabSchedule& aDownSchedule) {
+  const bool isThere = ReadTimes(aMap, "appears", "vanishes", aSchedule);
+  const bool isDownThere = ReadTimes(aMap, "goesDown", "comesUp", aDownSchedule);
+  CheckPeriod(aMap, isThere || isDownThere, "\"appears\", \"vanishes\", \"goesDown\" or \"comesUp\"");
 }
 
 void ReadLabDevices(const YamlNode& aNode, LabDeviceList aList, LabProblem& aProblem,

@@ -28,9 +28,9 @@ inline constexpr std::size_t kMostLabDevices = 4096;
 void ReadLabDevices(const YamlNode& aNode, LabDeviceList aList, LabProblem& aProblem,
                     std::vector<ReadLabDevice>& aDevices);
 
-/// The keys of a schedule. Any thread.
+/// The keys of a schedule: when something is there. Any thread.
 void ReadSchedule(LabMap& aMap, LabSchedule& aSchedule);
-/// The same for one with keys of other names.
-void ReadSchedule(LabMap& aMap, std::string_view aBeginKey, std::string_view aEndKey, LabSchedule& aSchedule);
+/// The same for an adapter, and when it is down, which goes by the same period.
+void ReadSchedules(LabMap& aMap, LabSchedule& aSchedule, LabSchedule& aDownSchedule);
 
 } // namespace krtransport

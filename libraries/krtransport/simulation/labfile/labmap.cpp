@@ -252,9 +252,11 @@ std::span<const YamlNode> LabMap::TakeItems(std::string_view aKey, std::size_t a
 
 void LabMap::Finish() {
   for (const auto& [key, place] : mNode.keys) {
-    if (std::ranges::find(mKnown, key) == mKnown.end())
-      Report(place, std::string(mWhat) + " has no key " + Quote(key) + "; is \"" +
-                        std::string(FindNearest(key, mKnown)) + "\" meant?");
+    if (std::ranges::find(mKnown, key) != mKnown.end())
+      continue;
+    Report(place, std::string(mWhat) + " has no key " + Quote(key) + "; is \"" + std::string(FindNearest(key, mKnown)) +
+                      "\" meant?");
+    return;
   }
 }
 

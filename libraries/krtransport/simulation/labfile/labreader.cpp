@@ -8,6 +8,7 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace krtransport {
 
@@ -22,19 +23,21 @@ constexpr std::size_t kMostDescriptionBytes = 256;
 // Which IDs are taken, over the whole lab.
 class TakenIDs {
 public:
-  explicit TakenIDs(LabProblem& aProblem) : mProblem(aProblem) {}
+  /// aAdvice says what else can be done about one that is taken.
+  TakenIDs(LabProblem& aProblem, std::string aAdvice) : mProblem(aProblem), mAdvice(std::move(aAdvice)) {}
 
   void Take(const std::string& aWhat, const KrString& aID, const TextPlace& aPlace, bool aMayRepeat = false) {
     if (!mTaken.insert(aID).second && !aMayRepeat)
-      mProblem.Report(aPlace, aWhat + " " + aID.ToUtf8() +
-                                  " is another's too; give it one of its own, or \"duplicate: true\" where a device is "
-                                  "meant to have it");
+      mProblem.Report(aPlace, aWhat + " " + aID.ToUtf8() + " is another's too; give it one of its own" + mAdvice);
   }
 
 private:
   std::set<KrString> mTaken;
   LabProblem& mProblem;
+  const std::string mAdvice;
 };
+
+constexpr const char* kDuplicateAdvice = ", or \"duplicate: true\" where a device is meant to have it";
 
 const KrString& GetID(const LabNetworkSettings& aDevice) {
   return aDevice.macAddress;
@@ -49,7 +52,8 @@ const KrString& GetID(const LabPlainUSBDevice& aDevice) {
 // Reads all parts of one file, which share its IDs and its number of devices.
 class Reader {
 public:
-  explicit Reader(LabProblem& aProblem) : mProblem(aProblem), mNames(aProblem), mMACs(aProblem), mIDs(aProblem) {}
+  explicit Reader(LabProblem& aProblem)
+      : mProblem(aProblem), mNames(aProblem, ""), mMACs(aProblem, kDuplicateAdvice), mIDs(aProblem, kDuplicateAdvice) {}
 
   Lab Read(const YamlNode& aRoot) {
     Lab lab;
@@ -96,8 +100,7 @@ private:
       if (map.IsAddress(item, "usedAddresses"))
         adapter.usedAddresses.push_back(item.text);
     }
-    ReadSchedule(map, adapter.schedule);
-    ReadSchedule(map, "goesDown", "comesUp", adapter.downSchedule);
+    ReadSchedules(map, adapter.schedule, adapter.downSchedule);
     for (ReadLabDevice& device : ReadDevices(map, LabDeviceList::OfAdapter)) {
       if (auto* const camera = std::get_if<LabGEVCamera>(&device.device))
         adapter.devices.emplace_back(std::move(*camera));

@@ -7,6 +7,7 @@
 #include <istream>
 #include <map>
 #include <optional>
+#include <set>
 #include <streambuf>
 
 #include <yaml-cpp/eventhandler.h>
@@ -83,7 +84,8 @@ private:
   struct OpenNode {
     YamlNode node;
     YAML::anchor_t anchor;
-    bool awaitsValue = false; // In a map: the key has come.
+    bool awaitsValue = false;   // In a map: the key has come.
+    std::set<std::string> keys; // Those of the map, to be found fast.
   };
 
   [[noreturn]] static void Refuse(const YAML::Mark& aMark, const std::string& aReason) {
@@ -92,28 +94,34 @@ private:
   void Count(const YAML::Mark& aMark, std::size_t aNodes) {
     mNodes += aNodes;
     if (mNodes > kMostYamlNodes)
-      Refuse(aMark, "more than " + std::to_string(kMostYamlNodes) + " values, those of aliases included");
+      Refuse(aMark, "more than " + std::to_string(kMostYamlNodes) + " values, those of anchors and aliases included");
+  }
+  // Copies a value for the aliases to come; the copy needs as much room as the value itself.
+  void Keep(const YAML::Mark& aMark, YAML::anchor_t aAnchor, const YamlNode& aNode) {
+    if (aAnchor == 0)
+      return;
+    Count(aMark, CountNodes(aNode));
+    mAnchored[aAnchor] = aNode;
   }
   void Add(const YAML::Mark& aMark, YAML::anchor_t aAnchor, YamlNode aNode) {
     Count(aMark, 1);
-    if (aAnchor != 0)
-      mAnchored[aAnchor] = aNode;
+    Keep(aMark, aAnchor, aNode);
     Place(aMark, std::move(aNode));
   }
   void Open(const YAML::Mark& aMark, YAML::anchor_t aAnchor, YamlKind aKind) {
     Count(aMark, 1);
     if (mOpen.size() >= kMostYamlDepth)
       Refuse(aMark, "nested more than " + std::to_string(kMostYamlDepth) + " deep");
-    mOpen.push_back({{.kind = aKind, .place = GetPlace(aMark), .text = {}, .items = {}, .keys = {}}, aAnchor});
+    mOpen.push_back(
+        {{.kind = aKind, .place = GetPlace(aMark), .text = {}, .items = {}, .keys = {}}, aAnchor, false, {}});
   }
   void Close() {
     OpenNode closed = std::move(mOpen.back());
     mOpen.pop_back();
-    if (closed.anchor != 0)
-      mAnchored[closed.anchor] = closed.node;
     YAML::Mark mark;
     mark.line = static_cast<int>(closed.node.place.line) - 1;
     mark.column = static_cast<int>(closed.node.place.column) - 1;
+    Keep(mark, closed.anchor, closed.node);
     Place(mark, std::move(closed.node));
   }
   // Puts a whole value where it belongs.
@@ -133,8 +141,7 @@ private:
   static void PlaceKey(const YAML::Mark& aMark, OpenNode& aParent, const YamlNode& aKey) {
     if (aKey.kind != YamlKind::Scalar)
       Refuse(aMark, "a key has to be a word");
-    if (std::ranges::find(aParent.node.keys, aKey.text, &std::pair<std::string, TextPlace>::first) !=
-        aParent.node.keys.end())
+    if (!aParent.keys.insert(aKey.text).second)
       Refuse(aMark, "the key \"" + aKey.text + "\" is there twice");
     aParent.node.keys.emplace_back(aKey.text, GetPlace(aMark));
     aParent.awaitsValue = true;

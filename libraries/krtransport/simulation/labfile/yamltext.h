@@ -1,6 +1,7 @@
 #pragma once
 // A YAML text as a tree of values with their places, whatever they mean. The text is never trusted: its size, nesting
-// and number of values are capped, aliases count as often as they are used, and foreign exceptions end here.
+// and number of values are capped, anchored values count twice, aliases as often as they are used, and foreign
+// exceptions end here.
 
 #include "simulation/labfile/labproblem.h"
 

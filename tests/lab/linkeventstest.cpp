@@ -1,0 +1,56 @@
+#include "simulation/linkevents.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+using krtransport::LinkEvents;
+
+namespace {
+
+/// Writes down what it hears and lets a test wait for it.
+class RecordingSink final : public krsystem::IDeviceLinkSink {
+public:
+  void OnLinkLost(const KrResult& aReason) override { Record("lost: " + aReason.GetDescription().ToUtf8()); }
+  void OnLinkBack() override { Record("back"); }
+
+  std::vector<std::string> WaitForLast(const std::string& aLast) {
+    std::unique_lock lock(mMutex);
+    mChanged.wait_for(lock, std::chrono::minutes(1), [&] { return !mHeard.empty() && mHeard.back() == aLast; });
+    return mHeard;
+  }
+
+private:
+  void Record(const std::string& aEvent) {
+    const std::lock_guard lock(mMutex);
+    mHeard.push_back(aEvent);
+    mChanged.notify_all();
+  }
+
+  std::mutex mMutex; // Guards mHeard.
+  std::condition_variable mChanged;
+  std::vector<std::string> mHeard;
+};
+
+KrResult MakeLoss(const char* aReason) {
+  return {KrResult::Code::ConnectionLost, aReason};
+}
+
+} // namespace
+
+TEST(LinkEvents, EventsWithoutASink_OfOneKindInARow_AreHeardOnce) {
+  LinkEvents events;
+  RecordingSink sink;
+  events.ReportLost(MakeLoss("first"));
+  for (int i = 0; i < 1000; ++i)
+    events.ReportBack();
+  events.ReportLost(MakeLoss("second"));
+  events.ReportLost(MakeLoss("third"));
+
+  events.SetSink(&sink);
+
+  EXPECT_THAT(sink.WaitForLast("lost: third"), testing::ElementsAre("lost: first", "back", "lost: third"));
+  events.SetSink(nullptr);
+}
