@@ -56,5 +56,5 @@ TEST_F(InstalledLabTest, Install_LabFiles_TheFirstGoodOneIsTheProcessesLab) {
   EXPECT_EQ(krsystem::GetTransports().size(), 1u);
   KrSystem system;
   ASSERT_EQ(system.GetInterfaceCount(), 1u);
-  EXPECT_EQ(system.GetInterface(0)->GetUniqueID(), "lab7");
+  EXPECT_EQ(system.GetInterface(0)->GetUniqueID(), "/lab7") << "an adapter without a MAC address";
 }

@@ -64,7 +64,7 @@ TEST_F(SimulatedHostTest, ReadHost_Readings_AreTheLabs) {
   EXPECT_TRUE(mLab->ReadHost(readings).IsOK());
 
   ASSERT_EQ(readings.adapters.size(), 3u);
-  EXPECT_EQ(readings.adapters[0].uniqueID, "strict");
+  EXPECT_EQ(readings.adapters[0].uniqueID, "/strict");
   EXPECT_EQ(readings.adapters[0].reversePathFilter, 1);
   EXPECT_FALSE(readings.adapters[1].hasCarrier);
   EXPECT_FALSE(readings.adapters[2].isUp);

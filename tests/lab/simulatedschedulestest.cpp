@@ -84,6 +84,18 @@ TEST_F(SimulatedSchedulesTest, Camera_GoesWhileOpen_TellsOfItsLossAndReturn) {
   EXPECT_TRUE(device->UnregisterEventSink(&sink).IsOK());
 }
 
+TEST(SimulatedScheduleThread, ScheduleOfNanoseconds_IsLookedAfterEveryHundredthOfASecond) {
+  krtransport::LabController controller;
+  controller.name = "usb0";
+  controller.schedule = {.beginNs = 0, .endNs = 1, .periodNs = 2};
+  const auto clock = std::make_shared<ManualClock>();
+  const krtransport::SimulationTransport lab({.controllers = {controller}}, clock);
+
+  ASSERT_TRUE(WaitUntil([&] { return clock->GetAwaitedNs() != 0; }));
+
+  EXPECT_EQ(clock->GetAwaitedNs(), clock->GetNowNs() + kSecondNs / 100);
+}
+
 TEST_F(SimulatedSchedulesTest, Camera_OrderedAway_StaysAwayWhenItsTimeComes) {
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
 

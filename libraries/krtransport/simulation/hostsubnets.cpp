@@ -15,12 +15,18 @@ HostSubnets::HostSubnets(const std::vector<krsystem::AdapterAddress>& aAddresses
 }
 
 bool HostSubnets::Reaches(std::uint32_t aAddress) const {
-  if (IsOwn(aAddress))
-    return false;
+  return !IsOwn(aAddress) && Holds(aAddress);
+}
+
+bool HostSubnets::Holds(std::uint32_t aAddress) const {
   return std::ranges::any_of(mSubnets, [aAddress](const Subnet& aSubnet) {
-    return (aAddress & aSubnet.mask) == (aSubnet.address & aSubnet.mask) && (aAddress & ~aSubnet.mask) != 0 &&
-           (aAddress | aSubnet.mask) != 0xFFFFFFFF;
+    return krsystem::IsReachedFrom(aSubnet.address, aSubnet.mask, aAddress);
   });
+}
+
+bool HostSubnets::HaveBroadcasts() const {
+  return !mSubnets.empty() &&
+         std::ranges::all_of(mSubnets, [](const Subnet& aSubnet) { return aSubnet.mask != 0 && ~aSubnet.mask > 1; });
 }
 
 bool HostSubnets::IsOwn(std::uint32_t aAddress) const {

@@ -115,11 +115,11 @@ using LabUSBDevice = std::variant<LabU3VCamera, LabPlainUSBDevice>;
 
 /// A network adapter of the simulated host.
 struct LabAdapter {
-  KrString name; ///< Also its unique ID.
+  KrString name;
   KrString description;
-  KrString macAddress;
+  KrString macAddress; ///< Its unique ID, with "/name" where it is empty or another adapter's too.
   std::vector<krsystem::AdapterAddress> addresses; ///< None for an adapter without one.
-  KrString defaultGateway = "0.0.0.0";
+  KrString defaultGateway = "0.0.0.0";             ///< Of its default route; 0.0.0.0 for none.
   bool isDriverInstalled = false;
   bool isUp = true;
   bool hasCarrier = true;

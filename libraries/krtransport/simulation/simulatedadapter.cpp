@@ -5,13 +5,14 @@
 #include "simulation/simulatedtolvandevice.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace krtransport {
 
 namespace {
 
+constexpr std::int32_t kNoFilter = 0;
 constexpr std::int32_t kStrictFilter = 1;
-constexpr std::int32_t kLooseFilter = 2;
 
 SimulatedInterface::Devices MakeDevices(const LabAdapter& aAdapter, const std::shared_ptr<ICameraClock>& aClock) {
   const HostSubnets subnets(aAdapter.addresses);
@@ -39,13 +40,15 @@ std::vector<std::uint32_t> ParseAddresses(const std::vector<KrString>& aTexts) {
 
 } // namespace
 
-SimulatedAdapter::SimulatedAdapter(const LabAdapter& aAdapter, const std::shared_ptr<ICameraClock>& aClock)
+SimulatedAdapter::SimulatedAdapter(const LabAdapter& aAdapter, KrString aUniqueID,
+                                   const std::shared_ptr<ICameraClock>& aClock)
     : SimulatedInterface(MakeDevices(aAdapter, aClock)), mDescription(TakeOutDevices(aAdapter)),
-      mSubnets(aAdapter.addresses), mUsedAddresses(ParseAddresses(aAdapter.usedAddresses)) {}
+      mUniqueID(std::move(aUniqueID)), mSubnets(aAdapter.addresses),
+      mUsedAddresses(ParseAddresses(aAdapter.usedAddresses)) {}
 
 krsystem::InterfaceFields SimulatedAdapter::GetFields(std::uint64_t aNowNs) const {
   krsystem::NetworkAdapterFields fields;
-  fields.uniqueID = mDescription.name;
+  fields.uniqueID = mUniqueID;
   fields.name = mDescription.name;
   fields.description = mDescription.description;
   fields.macAddress = mDescription.macAddress;
@@ -59,33 +62,37 @@ krsystem::InterfaceFields SimulatedAdapter::GetFields(std::uint64_t aNowNs) cons
 }
 
 bool SimulatedAdapter::IsUsable(std::uint64_t aNowNs) const {
-  return IsThere(aNowNs) && IsUp(aNowNs) && mDescription.hasCarrier && !mSubnets.IsEmpty();
+  return IsThere(aNowNs) && IsUp(aNowNs) && mDescription.hasCarrier;
 }
 
-bool SimulatedAdapter::HasGateway() const {
-  return krsystem::ParseIPv4(mDescription.defaultGateway).value_or(0) != 0;
-}
-
-bool SimulatedAdapter::IsHeard(const SimulatedDevice& aDevice, const SimulatedBroadcast& aBroadcast) const {
+bool SimulatedAdapter::IsHeard(const SimulatedDevice& aDevice, const Broadcast& aBroadcast) const {
   if (aDevice.IsReachable())
     return true;
-  if (aBroadcast.isForSubnet)
+  if (aBroadcast.isForSubnet && mSubnets.HaveBroadcasts())
     return false;
-  const bool isFiltered = (mDescription.reversePathFilter == kStrictFilter && !HasGateway()) ||
-                          (mDescription.reversePathFilter == kLooseFilter && !aBroadcast.hasDefaultRoute);
-  return !isFiltered || aDevice.GetAddress().value_or(0) == 0;
+  if (mDescription.reversePathFilter == kNoFilter || aDevice.GetAddress().value_or(0) == 0)
+    return true;
+  return mDescription.reversePathFilter == kStrictFilter ? aBroadcast.isRoutedHere : aBroadcast.isAnswerRoutable;
+}
+
+bool SimulatedAdapter::HasSubnetOf(std::uint32_t aAddress, std::uint64_t aNowNs) const {
+  return IsThere(aNowNs) && IsUp(aNowNs) && mSubnets.Holds(aAddress);
+}
+
+bool SimulatedAdapter::HasDefaultRoute(std::uint64_t aNowNs) const {
+  return IsThere(aNowNs) && IsUp(aNowNs) && krsystem::ParseIPv4(mDescription.defaultGateway).value_or(0) != 0;
 }
 
 void SimulatedAdapter::ReadHost(std::uint64_t aNowNs, krsystem::HostReadings& aReadings) const {
   aReadings.hasNetworkTransport = true;
-  aReadings.adapters.push_back({.uniqueID = mDescription.name,
+  aReadings.adapters.push_back({.uniqueID = mUniqueID,
                                 .name = mDescription.name,
                                 .isLoopback = false,
                                 .isUp = IsUp(aNowNs),
                                 .hasCarrier = mDescription.hasCarrier,
                                 .addresses = mDescription.addresses,
                                 .reversePathFilter = mDescription.reversePathFilter,
-                                .hasDefaultRoute = IsUp(aNowNs) && HasGateway()});
+                                .hasDefaultRoute = HasDefaultRoute(aNowNs)});
 }
 
 KrResult SimulatedAdapter::IsAddressUsed(std::uint32_t aAddress, bool& aIsUsed) const {

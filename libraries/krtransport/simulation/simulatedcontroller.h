@@ -16,7 +16,7 @@ public:
   bool IsThere(std::uint64_t aNowNs) const override { return mSchedule.IsOn(aNowNs); }
   krsystem::InterfaceFields GetFields(std::uint64_t) const override { return mFields; }
   bool IsUsable(std::uint64_t aNowNs) const override { return IsThere(aNowNs); }
-  bool IsHeard(const SimulatedDevice&, const SimulatedBroadcast&) const override { return true; }
+  bool IsHeard(const SimulatedDevice&, const Broadcast&) const override { return true; }
   void ReadHost(std::uint64_t aNowNs, krsystem::HostReadings& aReadings) const override;
   KrResult IsAddressUsed(std::uint32_t aAddress, bool& aIsUsed) const override;
 

@@ -9,6 +9,14 @@ SimulatedInterface::SimulatedInterface(Devices aDevices) : mDevices(std::move(aD
 
 SimulatedInterface::~SimulatedInterface() = default;
 
+bool SimulatedInterface::HasSubnetOf(std::uint32_t, std::uint64_t) const {
+  return false;
+}
+
+bool SimulatedInterface::HasDefaultRoute(std::uint64_t) const {
+  return false;
+}
+
 void SimulatedInterface::Update(std::uint64_t aNowNs) {
   const bool isUsable = IsUsable(aNowNs);
   for (const std::shared_ptr<SimulatedDevice>& device : mDevices)

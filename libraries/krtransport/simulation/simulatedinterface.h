@@ -10,16 +10,17 @@
 
 namespace krtransport {
 
-/// One broadcast on an interface.
-struct SimulatedBroadcast {
-  bool isForSubnet = true;      ///< To the subnet's address, not to 255.255.255.255.
-  bool hasDefaultRoute = false; ///< Whether the lab's host knows a way to everywhere, on whatever adapter.
-};
-
 /// Thread: any; Update one at a time. Ownership: owns its devices.
 class SimulatedInterface {
 public:
   using Devices = std::vector<std::shared_ptr<SimulatedDevice>>;
+
+  /// A broadcast as it meets one device.
+  struct Broadcast {
+    bool isForSubnet = false;      ///< Goes to the subnets' broadcast addresses, not to 255.255.255.255.
+    bool isAnswerRoutable = false; ///< The host knows a way to the device, through whatever interface.
+    bool isRoutedHere = false;     ///< A default route leads through this interface.
+  };
 
   explicit SimulatedInterface(Devices aDevices);
   virtual ~SimulatedInterface();
@@ -32,7 +33,11 @@ public:
   /// Whether devices can be asked through it.
   virtual bool IsUsable(std::uint64_t aNowNs) const = 0;
   /// Whether a device that is present hears a broadcast and is heard itself.
-  virtual bool IsHeard(const SimulatedDevice& aDevice, const SimulatedBroadcast& aBroadcast) const = 0;
+  virtual bool IsHeard(const SimulatedDevice& aDevice, const Broadcast& aBroadcast) const = 0;
+  /// Whether an address lies in one of its subnets; no USB host controller has any.
+  virtual bool HasSubnetOf(std::uint32_t aAddress, std::uint64_t aNowNs) const;
+  /// Whether the host sends through it what it knows no other way for.
+  virtual bool HasDefaultRoute(std::uint64_t aNowNs) const;
   /// Adds what a diagnosis wants to know.
   virtual void ReadHost(std::uint64_t aNowNs, krsystem::HostReadings& aReadings) const = 0;
   /// Whether somebody on its network has an address; NotSupported where there is no network.

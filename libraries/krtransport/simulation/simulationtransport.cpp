@@ -1,6 +1,7 @@
 #include "simulation/simulationtransport.h"
 
 #include "krbase/krlogger.h"
+#include "krsystem/adapterids.h"
 #include "krsystem/ipv4address.h"
 #include "simulation/faultorders.h"
 #include "simulation/simulatedadapter.h"
@@ -34,6 +35,21 @@ KrResult MakeUnknown(const KrString& aWhat) {
   return {KrResult::Code::NotFound, "The simulated lab has no device " + aWhat + "."};
 }
 
+// The IDs of the lab's adapters, in their order. They stay, whoever comes and goes.
+std::vector<KrString> MakeUniqueIDs(const std::vector<LabAdapter>& aAdapters) {
+  std::vector<krsystem::NetworkAdapterFields> adapters;
+  for (const LabAdapter& adapter : aAdapters) {
+    krsystem::NetworkAdapterFields& fields = adapters.emplace_back();
+    fields.name = adapter.name;
+    fields.macAddress = adapter.macAddress;
+  }
+  krsystem::AssignUniqueIDs(adapters);
+  std::vector<KrString> uniqueIDs;
+  for (const krsystem::NetworkAdapterFields& fields : adapters)
+    uniqueIDs.push_back(fields.uniqueID);
+  return uniqueIDs;
+}
+
 // Of several devices with one ID the one that was seen as it is now; else the first.
 std::shared_ptr<SimulatedDevice> Choose(const SimulatedInterface::Devices& aDevices,
                                         const krsystem::AnyDeviceFields& aSeen) {
@@ -47,8 +63,9 @@ std::shared_ptr<SimulatedDevice> Choose(const SimulatedInterface::Devices& aDevi
 SimulationTransport::SimulationTransport(const Lab& aLab, std::shared_ptr<ICameraClock> aClock)
     : mClock(aClock ? std::move(aClock) : std::make_shared<SteadyCameraClock>()), mStartNs(mClock->GetNowNs()),
       mReceiveBufferLimitBytes(aLab.receiveBufferLimitBytes), mUsbMemoryMegabytes(aLab.usbMemoryMegabytes) {
-  for (const LabAdapter& adapter : aLab.adapters)
-    mInterfaces.push_back(std::make_unique<SimulatedAdapter>(adapter, mClock));
+  const std::vector<KrString> uniqueIDs = MakeUniqueIDs(aLab.adapters);
+  for (std::size_t i = 0; i < uniqueIDs.size(); ++i)
+    mInterfaces.push_back(std::make_unique<SimulatedAdapter>(aLab.adapters[i], uniqueIDs[i], mClock));
   for (const LabController& controller : aLab.controllers)
     mInterfaces.push_back(std::make_unique<SimulatedController>(controller, mClock));
   Update();
@@ -75,7 +92,8 @@ std::uint64_t SimulationTransport::UpdateAndFindNext() const {
   std::uint64_t next = LabSchedule::kNever;
   for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces)
     next = std::min(next, interface->GetNextChangeNs(nowNs));
-  return next == LabSchedule::kNever ? next : mStartNs + next;
+  // However many devices have schedules, the thread that waits for them has nothing to do in between.
+  return next == LabSchedule::kNever ? next : mStartNs + std::max(next, nowNs + LabSchedule::kLeastStepNs);
 }
 
 bool SimulationTransport::HasSchedules() const {
@@ -94,19 +112,10 @@ KrResult SimulationTransport::ListInterfaces(std::vector<krsystem::InterfaceFiel
   return {};
 }
 
-bool SimulationTransport::HasDefaultRoute(std::uint64_t aNowNs) const {
-  krsystem::HostReadings readings;
-  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces) {
-    if (interface->IsThere(aNowNs))
-      interface->ReadHost(aNowNs, readings);
-  }
-  return std::ranges::any_of(readings.adapters, &krsystem::AdapterReading::hasDefaultRoute);
-}
-
 KrResult SimulationTransport::Discover(const std::vector<krsystem::InterfaceFields>& aInterfaces,
                                        const krsystem::DiscoveryRequest& aRequest,
                                        const krsystem::DeviceReport& aReport) {
-  const SimulatedBroadcast broadcast{aRequest.subnetBroadcast, HasDefaultRoute(Update())};
+  const std::uint64_t nowNs = Update();
   for (std::size_t i = 0; i < aInterfaces.size(); ++i) {
     const SimulatedInterface* const interface = FindInterface(aInterfaces[i]);
     if (!interface) {
@@ -118,13 +127,24 @@ KrResult SimulationTransport::Discover(const std::vector<krsystem::InterfaceFiel
     for (const std::shared_ptr<SimulatedDevice>& device : interface->GetDevices()) {
       if (aRequest.cancel.stop_requested())
         return {KrResult::Code::Aborted, "Looking for simulated devices was cancelled."};
-      if (device->IsPresent() && interface->IsHeard(*device, broadcast))
+      if (device->IsPresent() && IsHeard(*interface, *device, aRequest.subnetBroadcast, nowNs))
         aReport(i, device->GetFields());
     }
   }
   if (aRequest.cancel.stop_requested())
     return {KrResult::Code::Aborted, "Looking for simulated devices was cancelled."};
   return {};
+}
+
+bool SimulationTransport::IsHeard(const SimulatedInterface& aInterface, const SimulatedDevice& aDevice, bool aForSubnet,
+                                  std::uint64_t aNowNs) const {
+  const std::uint32_t address = aDevice.GetAddress().value_or(0);
+  const bool isRoutable = std::ranges::any_of(mInterfaces, [&](const std::unique_ptr<SimulatedInterface>& aOne) {
+    return aOne->HasDefaultRoute(aNowNs) || aOne->HasSubnetOf(address, aNowNs);
+  });
+  return aInterface.IsHeard(
+      aDevice,
+      {.isForSubnet = aForSubnet, .isAnswerRoutable = isRoutable, .isRoutedHere = aInterface.HasDefaultRoute(aNowNs)});
 }
 
 SimulatedInterface* SimulationTransport::FindInterface(const krsystem::InterfaceFields& aFields) const {
@@ -180,6 +200,35 @@ KrResult SimulationTransport::FindAddress(std::uint32_t aAddress, std::uint32_t,
   return {};
 }
 
+SimulationTransport::Devices SimulationTransport::FindAddressed(const SimulatedInterface& aInterface,
+                                                                const KrString& aMAC) {
+  const std::string mac = ToLower(aMAC);
+  Devices found;
+  std::ranges::copy_if(aInterface.GetDevices(), std::back_inserter(found),
+                       [&](const std::shared_ptr<SimulatedDevice>& aDevice) {
+                         return ToLower(aDevice->GetUniqueID()) == mac && aDevice->IsPresent() && aDevice->GetAddress();
+                       });
+  return found;
+}
+
+std::vector<const SimulatedInterface*>
+SimulationTransport::ChooseInterfaces(const KrString& aMAC, std::uint32_t aNewAddress, std::uint64_t aNowNs) const {
+  std::vector<const SimulatedInterface*> answering;
+  std::vector<const SimulatedInterface*> all;
+  for (const std::unique_ptr<SimulatedInterface>& interface : mInterfaces) {
+    all.push_back(interface.get());
+    if (std::ranges::any_of(FindAddressed(*interface, aMAC), [&](const std::shared_ptr<SimulatedDevice>& aDevice) {
+          return IsHeard(*interface, *aDevice, false, aNowNs);
+        }))
+      answering.push_back(interface.get());
+  }
+  if (answering.empty())
+    return all;
+  const auto preferred = std::ranges::find_if(
+      answering, [&](const SimulatedInterface* aInterface) { return aInterface->HasSubnetOf(aNewAddress, aNowNs); });
+  return {preferred != answering.end() ? *preferred : answering.front()};
+}
+
 KrResult SimulationTransport::ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
                                           const KrString& aGateway) {
   const std::optional<std::uint32_t> address = krsystem::ParseIPv4(aAddress);
@@ -188,15 +237,16 @@ KrResult SimulationTransport::ConfigureIP(const KrString& aMAC, const KrString& 
   if (!address || !mask || !gateway)
     return {KrResult::Code::InvalidInput,
             "Setting the IP configuration of " + aMAC + ": address, mask and gateway are written as in 192.168.1.20."};
-  Update();
+  const std::uint64_t nowNs = Update();
   KrResult result = MakeUnknown("that answers with the MAC address " + aMAC);
-  bool isFirst = true;
-  for (const std::shared_ptr<SimulatedDevice>& device : FindByID(aMAC)) {
-    if (!device->IsPresent() || !device->GetAddress())
-      continue;
-    const KrResult configured = device->ConfigureIP({*address, *mask, *gateway});
-    if (std::exchange(isFirst, false) || !configured.IsOK())
-      result = configured;
+  bool isTaken = false;
+  for (const SimulatedInterface* const interface : ChooseInterfaces(aMAC, *address, nowNs)) {
+    for (const std::shared_ptr<SimulatedDevice>& device : FindAddressed(*interface, aMAC)) {
+      const KrResult configured = device->ConfigureIP({*address, *mask, *gateway});
+      if (!isTaken)
+        result = configured;
+      isTaken = isTaken || configured.IsOK();
+    }
   }
   return result;
 }

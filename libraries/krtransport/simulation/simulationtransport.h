@@ -31,7 +31,8 @@ public:
                     const krsystem::DiscoveryRequest& aRequest, const krsystem::DeviceReport& aReport) override;
   KrResult FindAddress(std::uint32_t aAddress, std::uint32_t aTimeoutMs, krsystem::InterfaceFields& aInterface,
                        krsystem::AnyDeviceFields& aDevice) override;
-  /// Devices that share the MAC address all take it, as from a broadcast; one that is busy is told of.
+  /// On one of the adapters where a device answers, best one in whose subnet the new address lies; on all where none is
+  /// heard. Devices that share the MAC address there all take it, as from a broadcast; one of them that does is enough.
   KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
                        const KrString& aGateway) override;
   KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
@@ -58,11 +59,15 @@ private:
   std::uint64_t Update() const;
   std::uint64_t UpdateAndFindNext() const;
   bool HasSchedules() const;
-  /// Whether the lab's host knows a way to everywhere.
-  bool HasDefaultRoute(std::uint64_t aNowNs) const;
   SimulatedInterface* FindInterface(const krsystem::InterfaceFields& aFields) const;
   Devices FindByID(const KrString& aUniqueID) const;
+  static Devices FindAddressed(const SimulatedInterface& aInterface, const KrString& aMAC);
   std::shared_ptr<SimulatedCamera> FindCamera(const KrString& aUniqueID) const;
+  bool IsHeard(const SimulatedInterface& aInterface, const SimulatedDevice& aDevice, bool aForSubnet,
+               std::uint64_t aNowNs) const;
+  /// Where a device of the MAC address is told its new address.
+  std::vector<const SimulatedInterface*> ChooseInterfaces(const KrString& aMAC, std::uint32_t aNewAddress,
+                                                          std::uint64_t aNowNs) const;
   std::shared_ptr<SimulatedDevice> FindReachable(std::uint32_t aAddress, const SimulatedInterface** aInterface) const;
 
   const std::shared_ptr<ICameraClock> mClock;

@@ -70,7 +70,8 @@ TEST(KrTool, Simulation_IsOfferedBesideTheNetwork) {
   EXPECT_EQ(list.Finish(), 0);
   EXPECT_EQ(stream.Finish(), 0) << stream.GetErrors();
   const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(list.GetOutput())).object();
-  EXPECT_THAT(ListTexts(object["interfaces"], "uniqueID"), IsSupersetOf({"sim0", "sim1", "sim2", "simusb0"}));
+  EXPECT_THAT(ListTexts(object["interfaces"], "uniqueID"),
+              IsSupersetOf({"02:4b:52:00:77:01", "02:4b:52:00:78:01", "02:4b:52:00:79:01", "simusb0"}));
   EXPECT_THAT(ListTexts(object["devices"], "userDefinedName"),
               IsSupersetOf({"sim-mono", "sim-foreign", "sim-zero", "sim-busy", "sim-usb", "sim-usb-locked"}));
   EXPECT_THAT(stream.GetOutput(), MatchesRegex(kClosingLine));
