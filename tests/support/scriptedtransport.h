@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -39,7 +40,8 @@ public:
   void SetDevices(std::vector<std::pair<KrString, krsystem::AnyDeviceFields>> aDevices) {
     Change([&] { mDevices = std::move(aDevices); });
   }
-  void SetAccessType(krsystem::AccessType aType) {
+  /// What a device says when it is asked who controls it; nothing for one that does not answer.
+  void SetAccessType(std::optional<krsystem::AccessType> aType) {
     Change([&] { mAccessType = aType; });
   }
   /// What answers when an address is asked for.
@@ -101,7 +103,9 @@ public:
   KrResult GetAccessType(const krsystem::AnyDeviceFields&, krsystem::AccessType& aType) override {
     const std::lock_guard lock(mMutex);
     ++mAccessCount;
-    aType = mAccessType;
+    if (!mAccessType)
+      return {KrResult::Code::TimeLimitExceeded, "The device does not answer."};
+    aType = *mAccessType;
     return {};
   }
   KrResult Open(const krsystem::InterfaceFields&, const krsystem::AnyDeviceFields&, krsystem::DeviceAccess,
@@ -133,7 +137,7 @@ private:
   std::vector<std::pair<KrString, krsystem::AnyDeviceFields>> mDevices;
   std::map<std::uint32_t, std::pair<std::size_t, krsystem::AnyDeviceFields>> mAtAddress;
   Script mScript;
-  krsystem::AccessType mAccessType = krsystem::AccessType::Open;
+  std::optional<krsystem::AccessType> mAccessType = krsystem::AccessType::Open;
   std::size_t mRoundCount = 0;
   std::size_t mAccessCount = 0;
   std::uint32_t mTimeoutMs = 0;

@@ -22,6 +22,7 @@
 #include <QTreeWidget>
 
 #include <exception>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -52,11 +53,11 @@ bool IsOnNetwork(KrDeviceInfoType aType) {
   return aType == KrDeviceInfoType::GEV || aType == KrDeviceInfoType::TolvanProtocol;
 }
 
-/// Whoever cannot be asked answers nothing, which is no known type.
-std::int32_t AskAccessType(const KrString& aAddress) {
+/// Whoever cannot be asked answers nothing.
+std::optional<std::int32_t> AskAccessType(const KrString& aAddress) {
   KrAccessType type = KrAccessType::Unknown;
   const KrResult asked = KrDeviceGEV::GetAccessType(aAddress, type);
-  return asked.IsOK() ? static_cast<std::int32_t>(type) : 0;
+  return asked.IsOK() ? std::optional(static_cast<std::int32_t>(type)) : std::nullopt;
 }
 
 void LogAccepted(const char* aWhat) {
@@ -77,7 +78,8 @@ public:
 } // namespace
 
 DeviceFinderWnd::DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter, std::function<void()> aAccepted)
-    : Wnd(kDeviceFinderTraits.modalTemplate), mFilter(std::move(aFilter)), mAccepted(std::move(aAccepted)) {}
+    : Wnd(kDeviceFinderTraits.modalTemplate), mFilter(std::move(aFilter)), mAccepted(std::move(aAccepted)),
+      mAccess(AskAccessType, [] { return AccessMemory::Clock::now(); }) {}
 
 DeviceFinderWnd::~DeviceFinderWnd() {
   Dispose();
@@ -223,6 +225,7 @@ void DeviceFinderWnd::UpdateHint() {
 
 void DeviceFinderWnd::OnSelectionChanged() {
   const std::lock_guard lock(mDiscovery->GetModel().GetDataLock());
+  mAccess.Forget();
   if (TreeItemInfo* selected = mTree->GetSelected()) {
     ShowNode(*selected);
   } else {
@@ -240,7 +243,7 @@ void DeviceFinderWnd::ShowNode(TreeItemInfo& aInfo) {
     return;
   }
   auto& device = static_cast<TreeItemInfoDevice&>(aInfo);
-  device.RefreshInfo(AskAccessType);
+  device.RefreshInfo([this](const KrString& aAddress) { return mAccess.Query(aAddress); });
   mDeviceList->Show(device.GetRows());
   const TreeItemInfoInterface* interface = mDiscovery->GetModel().FindInterfaceOf(device);
   mInterfaceList->Show(interface ? interface->GetRows() : std::vector<InfoRow>());

@@ -4,6 +4,7 @@
 
 #include "frame/wnd.h"
 #include "krsystem/krsystem.h"
+#include "logic/finder/accessmemory.h"
 #include "logic/finder/findermodel.h"
 #include "res/templates.h"
 
@@ -85,6 +86,7 @@ private:
 
   const std::function<bool(const KrDeviceInfo*)> mFilter;
   const std::function<void()> mAccepted;
+  AccessMemory mAccess;
   std::unique_ptr<KrSystem> mSystem; ///< From the first opening on.
   FinderKinds mKinds;
   const KrDeviceInfo* mSelected = nullptr;

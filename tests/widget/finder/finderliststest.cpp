@@ -1,9 +1,13 @@
 // The finder's information lists: whose rows they show, in which colours, and what they leave alone.
 
 #include "finderfixture.h"
+#include "logic/finder/accessmemory.h"
 
 #include <QClipboard>
 #include <QScrollBar>
+
+#include <chrono>
+#include <optional>
 
 namespace krgui {
 
@@ -109,6 +113,38 @@ TEST_F(DeviceListsTest, AccessStatusThatChanges_IsShownAfterTheNextRound) {
 
   EXPECT_TRUE(
       WaitFor([&] { return TestFinderWnd::FindValue(mFinder.GetDeviceList(), "Access Status") == "Exclusive"; }));
+}
+
+TEST_F(DeviceListsTest, DeviceThatDoesNotSayWhoControlsIt_IsNotAskedAgainByEachRound) {
+  const auto begin = std::chrono::steady_clock::now();
+  mTransport->SetAccessType(std::nullopt);
+  krsystem::GEVFields camera = MakeFinderCamera();
+  Open({"Camera A"});
+  Select("Camera A");
+  EXPECT_EQ(TestFinderWnd::FindValue(mFinder.GetDeviceList(), "Access Status"), "Unknown");
+
+  for (const char* name : {"Left", "Right"}) {
+    camera.userDefinedName = name;
+    mTransport->SetDevices({{"eth0", camera}});
+    ASSERT_TRUE(
+        WaitFor([&] { return TestFinderWnd::FindValue(mFinder.GetDeviceList(), "User Defined Name") == name; }));
+  }
+
+  const auto silences = (std::chrono::steady_clock::now() - begin) / AccessMemory::kSilence;
+  EXPECT_LE(mTransport->GetAccessCount(), static_cast<std::size_t>(1 + silences));
+  EXPECT_EQ(TestFinderWnd::FindValue(mFinder.GetDeviceList(), "Access Status"), "Unknown");
+}
+
+TEST_F(DeviceListsTest, SilentDeviceSelectedAnew_IsAskedAgain) {
+  mTransport->SetAccessType(std::nullopt);
+  Open({"Camera A"});
+  Select("Camera A");
+  mTransport->SetAccessType(krsystem::AccessType::Control);
+
+  mFinder.GetTree().setCurrentItem(nullptr);
+  Select("Camera A");
+
+  EXPECT_TRUE(WaitFor([&] { return TestFinderWnd::FindValue(mFinder.GetDeviceList(), "Access Status") == "Control"; }));
 }
 
 TEST_F(DeviceListsTest, OneChangedValue_ChangesOneCellAndKeepsWhereTheListIsScrolledTo) {
