@@ -27,7 +27,11 @@ void ErrorProvider::SetText(const QString& aText) {
   }
   mText = aText;
   mControl.setAccessibleName(aText);
-  mControl.update();
+  // At once, as the values and what is said of them belong together; what is not on the screen is painted when it
+  // comes.
+  if (mControl.isVisible()) {
+    mControl.repaint();
+  }
 }
 
 std::optional<int> ErrorProvider::HitTest(const QPoint& aPoint) const {

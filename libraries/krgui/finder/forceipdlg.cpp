@@ -4,6 +4,7 @@
 #include "krbase/krlogger.h"
 #include "krdevice/krdevicegev.h"
 #include "krdevice/krdevicetolvanprotocol.h"
+#include "krsystem/ipv4address.h"
 #include "krsystem/krsystem.h"
 #include "platform/ipaddresscontrol.h"
 #include "platform/messagebox.h"
@@ -12,7 +13,10 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 namespace krgui {
@@ -42,28 +46,6 @@ KrString ToKrString(const QString& aText) {
   return KrString(aText.toStdString());
 }
 
-/// What differs between the kinds of device that have an address.
-struct DeviceKind {
-  KrDeviceInfoType type;
-  KrString (*getMAC)(const KrDeviceInfo& aDevice);
-  KrResult (*send)(const KrString& aMAC, const KrString& aAddress, const KrString& aMask, const KrString& aGateway);
-};
-
-constexpr DeviceKind kKinds[] = {
-    {KrDeviceInfoType::GEV,
-     [](const KrDeviceInfo& aDevice) { return static_cast<const KrDeviceInfoGEV&>(aDevice).GetMACAddress(); },
-     KrDeviceGEV::SetIPConfiguration},
-    {KrDeviceInfoType::TolvanProtocol,
-     [](const KrDeviceInfo& aDevice) {
-       return static_cast<const KrDeviceInfoTolvanProtocol&>(aDevice).GetMACAddress();
-     },
-     KrDeviceTolvanProtocol::SetIPConfiguration},
-};
-
-const DeviceKind& GetKind(const KrDeviceInfo& aDevice) {
-  return aDevice.GetType() == KrDeviceInfoType::TolvanProtocol ? kKinds[1] : kKinds[0];
-}
-
 void LogFailure(const KrString& aMAC, const KrResult& aResult) {
   KrLogger("KrGUILib")
       .Log(KrLogLevel::Warning, {"ForceIPDlg::OnOK", "forceipdlg"},
@@ -73,17 +55,43 @@ void LogFailure(const KrString& aMAC, const KrResult& aResult) {
 
 } // namespace
 
+/// What differs between the kinds of device that have an address.
+struct ForceIPDlg::DeviceKind {
+  KrDeviceInfoType type;
+  KrString (*getMAC)(const KrDeviceInfo& aDevice);
+  KrResult (*send)(const KrString& aMAC, const KrString& aAddress, const KrString& aMask, const KrString& aGateway);
+};
+
+const ForceIPDlg::DeviceKind* ForceIPDlg::FindKind(const KrDeviceInfo& aDevice) {
+  static constexpr DeviceKind kKinds[] = {
+      {KrDeviceInfoType::GEV,
+       [](const KrDeviceInfo& aGEV) { return static_cast<const KrDeviceInfoGEV&>(aGEV).GetMACAddress(); },
+       KrDeviceGEV::SetIPConfiguration},
+      {KrDeviceInfoType::TolvanProtocol,
+       [](const KrDeviceInfo& aTolvan) {
+         return static_cast<const KrDeviceInfoTolvanProtocol&>(aTolvan).GetMACAddress();
+       },
+       KrDeviceTolvanProtocol::SetIPConfiguration},
+  };
+  const auto* found = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                   [&](const DeviceKind& aKind) { return aKind.type == aDevice.GetType(); });
+  return found == std::end(kKinds) ? nullptr : found;
+}
+
 ForceIPDlg::ForceIPDlg(KrSystem& aSystem, const KrNetworkAdapter& aAdapter, const KrDeviceInfo& aDevice,
                        QWidget* aOwner)
-    : ModalDialog(kForceIPTemplateID, aOwner), mSystem(aSystem), mAdapter(aAdapter), mDevice(aDevice) {
-  for (const int id : {kAddressErrorID, kMaskErrorID, kGatewayErrorID}) {
-    new ErrorProvider(*GetControl<QWidget>(id));
-  }
-}
+    : ModalDialog(kForceIPTemplateID, aOwner), mSystem(aSystem), mAdapter(aAdapter), mDevice(aDevice),
+      mKind(FindKind(aDevice)), mAddressError(new ErrorProvider(*GetControl<QWidget>(kAddressErrorID))),
+      mMaskError(new ErrorProvider(*GetControl<QWidget>(kMaskErrorID))),
+      mGatewayError(new ErrorProvider(*GetControl<QWidget>(kGatewayErrorID))) {}
 
 ForceIPDlg::~ForceIPDlg() = default;
 
 bool ForceIPDlg::OnInitDialog() {
+  if (mKind == nullptr) {
+    EndDialog(ModalResult::Cancel);
+    return false;
+  }
   GetControl<QLineEdit>(kAdapterMACID)->setText(ToQString(mAdapter.GetMACAddress()));
   auto* addresses = GetControl<QComboBox>(kAdapterAddressID);
   for (std::size_t index = 0; index < mAdapter.GetIPAddressCount(); ++index) {
@@ -117,11 +125,15 @@ void ForceIPDlg::ChooseAddress(std::size_t aIndex) {
   const KrString mask = mAdapter.GetSubnetMask(aIndex);
   const IPProposal proposal = ProposeIPAddress(mAdapter.GetIPAddress(aIndex), mask);
   GetControl<QLineEdit>(kAdapterMaskID)->setText(ToQString(mask));
-  GetControl<QLineEdit>(kDeviceMACID)->setText(ToQString(GetKind(mDevice).getMAC(mDevice)));
+  GetControl<QLineEdit>(kDeviceMACID)->setText(ToQString(mKind->getMAC(mDevice)));
   auto* address = GetControl<IPAddressControl>(kAddressID);
+  auto* deviceMask = GetControl<IPAddressControl>(kMaskID);
+  auto* gateway = GetControl<IPAddressControl>(kGatewayID);
+  // Values that are set by halves are not worth a check.
+  const QSignalBlocker blocked[] = {QSignalBlocker(address), QSignalBlocker(deviceMask), QSignalBlocker(gateway)};
   address->SetAddress(proposal.network);
-  GetControl<IPAddressControl>(kMaskID)->SetAddress(ParseDotted(mask).value_or(0));
-  GetControl<IPAddressControl>(kGatewayID)->SetAddress(ParseDotted(mAdapter.GetDefaultGateway()).value_or(0));
+  deviceMask->SetAddress(ParseDotted(mask).value_or(0));
+  gateway->SetAddress(ParseDotted(mAdapter.GetDefaultGateway()).value_or(0));
   address->FocusField(0);
   for (int field = kLastField; field > kLastField - proposal.emptyFields; --field) {
     address->FocusField(field);
@@ -139,16 +151,16 @@ IPValues ForceIPDlg::ReadValues() const {
 
 bool ForceIPDlg::Check() {
   const IPIndicators indicators = CheckIPValues(ReadValues());
-  ShowError(kAddressID, kAddressErrorID, indicators.address);
-  ShowError(kMaskID, kMaskErrorID, indicators.mask);
-  ShowError(kGatewayID, kGatewayErrorID, indicators.gateway);
+  ShowError(kAddressID, *mAddressError, indicators.address);
+  ShowError(kMaskID, *mMaskError, indicators.mask);
+  ShowError(kGatewayID, *mGatewayError, indicators.gateway);
   return indicators.IsAnySet();
 }
 
 /// Beside the control for the eye, with the control for screen readers.
-void ForceIPDlg::ShowError(int aControlID, int aIndicatorID, const KrString& aError) {
+void ForceIPDlg::ShowError(int aControlID, ErrorProvider& aIndicator, const KrString& aError) {
   const QString text = ToQString(aError);
-  static_cast<ErrorProvider*>(GetControl<QWidget>(aIndicatorID)->children().constFirst())->SetText(text);
+  aIndicator.SetText(text);
   GetControl<IPAddressControl>(aControlID)->SetError(text);
 }
 
@@ -179,13 +191,13 @@ void ForceIPDlg::OnOK() {
 void ForceIPDlg::Send(const IPValues& aValues) {
   GetDialog()->setEnabled(false);
   GetDialog()->setCursor(Qt::WaitCursor);
-  const auto result = std::make_shared<KrResult>();
-  const KrString mac = GetKind(mDevice).getMAC(mDevice);
-  const auto work = [result, mac, send = GetKind(mDevice).send, aValues](const std::stop_token&) {
-    *result = send(mac, FormatDotted(aValues.deviceAddress), FormatDotted(aValues.deviceMask),
-                   FormatDotted(aValues.deviceGateway));
-    if (!result->IsOK()) {
-      LogFailure(mac, *result);
+  // All that it uses is its own: it goes on when the dialog and everything that was lent to it is gone.
+  const auto work = [mac = mKind->getMAC(mDevice), send = mKind->send, aValues](const std::stop_token&) {
+    using krsystem::FormatIPv4;
+    const KrResult result =
+        send(mac, FormatIPv4(aValues.deviceAddress), FormatIPv4(aValues.deviceMask), FormatIPv4(aValues.deviceGateway));
+    if (!result.IsOK()) {
+      LogFailure(mac, result);
     }
   };
   // Whether it was heeded shows in the finder.
@@ -208,7 +220,7 @@ void ForceIPDlg::OnEnd() {
 
 void ForceIPDlg::Propose() {
   struct Found {
-    KrResult result;
+    KrResult result = KrResult::Code::SystemError; // Until it is known.
     KrString address;
   };
   const auto found = std::make_shared<Found>();

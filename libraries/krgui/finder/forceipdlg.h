@@ -18,7 +18,8 @@ namespace krgui {
 class ErrorProvider;
 class IPAddressControl;
 
-/// The dialog "Set IP Address". Run() gives OK only after a configuration was sent.
+/// The dialog "Set IP Address". Run() gives OK only after a configuration was sent, and Cancel at once for a device
+/// that has no address.
 ///
 /// Ownership: borrows the system, one of its adapters, and one of its devices, of GigE Vision or of the older protocol.
 class ForceIPDlg final : public ModalDialog {
@@ -27,6 +28,11 @@ public:
   ~ForceIPDlg() override;
 
 private:
+  struct DeviceKind;
+
+  /// Null for devices that have no address.
+  static const DeviceKind* FindKind(const KrDeviceInfo& aDevice);
+
   bool OnInitDialog() override;
   void OnOK() override;
   void OnCancel() override;
@@ -38,8 +44,9 @@ private:
   IPValues ReadValues() const;
   /// The live check, with its marks; whether any value is doubtful.
   bool Check();
-  void ShowError(int aControlID, int aIndicatorID, const KrString& aError);
-  /// Sends the configuration, which takes up to about two seconds, and ends the dialog then.
+  void ShowError(int aControlID, ErrorProvider& aIndicator, const KrString& aError);
+  /// Sends the configuration, which takes up to about two seconds, and ends the dialog then. Is not waited for when the
+  /// owner window ends first.
   void Send(const IPValues& aValues);
 
   void Propose();
@@ -49,8 +56,13 @@ private:
   KrSystem& mSystem;
   const KrNetworkAdapter& mAdapter;
   const KrDeviceInfo& mDevice;
+  const DeviceKind* const mKind;
+  // They belong to their controls.
+  ErrorProvider* const mAddressError;
+  ErrorProvider* const mMaskError;
+  ErrorProvider* const mGatewayError;
   std::size_t mChosen = 0; ///< Which of the adapter's addresses.
-  BackgroundTask mSending;
+  BackgroundTask mSending{BackgroundTask::WhenCancelled::Abandon};
   BackgroundTask mProposing;
 };
 

@@ -1,6 +1,6 @@
 #include "finder/selectfromipdlg.h"
 
-#include "logic/finder/ipcheck.h"
+#include "krsystem/ipv4address.h"
 #include "platform/ipaddresscontrol.h"
 #include "res/templates.h"
 
@@ -22,7 +22,7 @@ bool SelectFromIPDlg::OnInitDialog() {
 }
 
 void SelectFromIPDlg::OnOK() {
-  mAddress = FormatDotted(GetControl<IPAddressControl>(kAddressID)->GetAddress());
+  mAddress = krsystem::FormatIPv4(GetControl<IPAddressControl>(kAddressID)->GetAddress());
   EndDialog(ModalResult::OK);
 }
 

@@ -9,27 +9,43 @@
 
 namespace krgui {
 
-/// Thread: user interface, but for the work. Ownership: the window; its end cancels the work and waits for it.
+/// Thread: user interface, but for the work. Ownership: the window; its end cancels the work.
 class BackgroundTask {
 public:
-  BackgroundTask() = default;
+  /// What becomes of work that still runs when nobody wants its end any more.
+  enum class WhenCancelled {
+    Wait,    ///< It heeds its stop token and is waited for: it may borrow what the window has.
+    Abandon, ///< It cannot be hurried and is left alone: all that it uses is its own. The process' end waits for it.
+  };
+
+  explicit BackgroundTask(WhenCancelled aWhenCancelled = WhenCancelled::Wait);
   ~BackgroundTask();
   BackgroundTask(const BackgroundTask&) = delete;
   BackgroundTask& operator=(const BackgroundTask&) = delete;
 
   /// Does aWork on a thread, then aThen on this one, from the toolkit's loop. aWork must not touch the window; aThen
-  /// may end it. What runs is cancelled first.
+  /// may end it. Work that throws is logged and continued all the same, with what it has got so far. What runs is
+  /// cancelled first.
   void Start(std::function<void(const std::stop_token&)> aWork, std::function<void()> aThen);
-  /// Asks the work to end, waits until it has, and drops what was to come then.
+  /// Asks the work to end, waits for it or abandons it, and drops what was to come then.
   void Cancel();
   bool IsRunning() const { return mRun != nullptr; }
 
+  /// Waits for all work that was abandoned. The process' end does so, before anything static that work may use is gone;
+  /// who unregisters a transport under a dialog that sends, too.
+  static void AwaitAbandoned();
+
 private:
+  class Run;
+  struct Abandoned;
+
+  static Abandoned& GetAbandoned();
   void Continue(const std::function<void()>& aThen);
 
+  const WhenCancelled mWhenCancelled;
   std::jthread mThread;
-  /// One run; what is posted by an earlier one finds that it has expired.
-  std::shared_ptr<const bool> mRun;
+  /// One run; what is posted by an earlier one finds that it has been dropped.
+  std::shared_ptr<Run> mRun;
 };
 
 } // namespace krgui

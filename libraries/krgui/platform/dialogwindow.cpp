@@ -37,6 +37,12 @@ bool TakesTabFocus(const QWidget& aControl) {
   return (aControl.focusPolicy() & Qt::TabFocus) != 0 && aControl.isEnabled() && !aControl.isHidden();
 }
 
+/// An Enter key that is held down presses a button once: what it pressed may have opened a question, which it is not to
+/// answer.
+bool IsRepeatedEnter(const QKeyEvent& aEvent) {
+  return aEvent.isAutoRepeat() && (aEvent.key() == Qt::Key_Return || aEvent.key() == Qt::Key_Enter);
+}
+
 bool CountsAsLast(const QWindow* aWindow) {
   return aWindow->isVisible() && aWindow->transientParent() == nullptr && aWindow->type() != Qt::ToolTip &&
          aWindow->type() != Qt::Popup;
@@ -135,6 +141,8 @@ void DialogWindow::SetButtons(QWidget* aAccept, QWidget* aCancel) {
 void DialogWindow::KeepDefaultButton() {
   for (QPushButton* button : findChildren<QPushButton*>()) {
     button->setAutoDefault(false);
+    // The default button takes Enter before the dialog does.
+    button->installEventFilter(this);
   }
 }
 
@@ -184,7 +192,7 @@ void DialogWindow::keyPressEvent(QKeyEvent* aEvent) {
     reject();
     aEvent->setAccepted(!isShared);
   } else if (isPlain && (aEvent->key() == Qt::Key_Return || aEvent->key() == Qt::Key_Enter)) {
-    aEvent->setAccepted(PressEnter() || !isShared);
+    aEvent->setAccepted((!IsRepeatedEnter(*aEvent) && PressEnter()) || !isShared);
   } else {
     QWidget::keyPressEvent(aEvent);
   }
@@ -217,6 +225,9 @@ void DialogWindow::resizeEvent(QResizeEvent* aEvent) {
 }
 
 bool DialogWindow::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (aEvent->type() == QEvent::KeyPress && IsRepeatedEnter(static_cast<const QKeyEvent&>(*aEvent))) {
+    return true;
+  }
   if (aEvent->type() == QEvent::Expose && aWatched == windowHandle() && windowHandle()->isExposed()) {
     aWatched->removeEventFilter(this);
     if (mOwner != nullptr) {

@@ -1,5 +1,7 @@
 #include "logic/finder/ipcheck.h"
 
+#include "krsystem/ipv4address.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -46,12 +48,6 @@ INSTANTIATE_TEST_SUITE_P(
         ParseCase{"EmptyField", "10..0.1", std::nullopt}, ParseCase{"LastEmpty", "10.0.0.", std::nullopt},
         ParseCase{"Empty", "", std::nullopt}, ParseCase{"Words", "none", std::nullopt}),
     [](const auto& aInfo) { return aInfo.param.name; });
-
-TEST(FormatDotted, Number_IsFourDecimalFields) {
-  EXPECT_EQ(FormatDotted(0), "0.0.0.0");
-  EXPECT_EQ(FormatDotted(0xC0A80114), "192.168.1.20");
-  EXPECT_EQ(FormatDotted(0xFFFFFFFF), "255.255.255.255");
-}
 
 // The live check.
 
@@ -195,7 +191,7 @@ TEST(CheckIPValues, EveryContiguousMaskThatTheAdapterHasToo_IsAccepted) {
   for (int bits = 0; bits <= 32; ++bits) {
     const std::uint32_t mask = bits == 0 ? 0 : 0xFFFFFFFFU << (32 - bits);
 
-    const IPIndicators indicators = CheckIPValues({0xC0A80114, mask, 0, "192.168.1.10", FormatDotted(mask)});
+    const IPIndicators indicators = CheckIPValues({0xC0A80114, mask, 0, "192.168.1.10", krsystem::FormatIPv4(mask)});
 
     EXPECT_EQ(indicators.mask, "") << bits;
   }
@@ -216,7 +212,7 @@ class ProposeIPAddressTest : public testing::TestWithParam<ProposalCase> {};
 TEST_P(ProposeIPAddressTest, Adapter_GivesItsNetworkAndTheFieldsLeftEmpty) {
   const IPProposal proposal = ProposeIPAddress(GetParam().address, GetParam().mask);
 
-  EXPECT_EQ(FormatDotted(proposal.network), GetParam().network);
+  EXPECT_EQ(krsystem::FormatIPv4(proposal.network), GetParam().network);
   EXPECT_EQ(proposal.emptyFields, GetParam().emptyFields);
 }
 

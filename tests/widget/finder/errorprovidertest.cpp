@@ -1,6 +1,7 @@
 // The mark of a doubtful value: when it is drawn and where, what it says, and what a hit test finds.
 
 #include "finder/errorprovider.h"
+#include "finder/finderpictures.h"
 
 #include <QApplication>
 #include <QHelpEvent>
@@ -64,6 +65,74 @@ TEST(ErrorProvider, Error_DrawsSixteenPixelsInTheMiddleAtEveryScale) {
     EXPECT_GT(mark.width(), kExtent * scale * 0.7) << scale;
     EXPECT_GT(mark.height(), kExtent * scale * 0.7) << scale;
   }
+}
+
+struct SizeCase {
+  const char* name;
+  QSize control;
+  QPoint place;
+};
+
+TEST(ErrorProvider, Error_IsThePictureBlendedIntoTheBackgroundInTheMiddleOfWholeHalves) {
+  const SizeCase rows[] = {{"even", {30, 24}, {7, 4}},
+                           {"odd", {31, 25}, {7, 4}},
+                           {"as large as the picture", {16, 16}, {0, 0}},
+                           {"smaller", {13, 11}, {-2, -3}}};
+  const QColor background(40, 120, 200);
+  for (const SizeCase& row : rows) {
+    Indicator indicator;
+    indicator.control.setPalette(background);
+    indicator.control.resize(row.control);
+    indicator.provider.SetText(QStringLiteral("wrong"));
+    QImage expected(row.control, QImage::Format_ARGB32_Premultiplied);
+    expected.fill(background);
+    {
+      QPainter painter(&expected);
+      GetErrorPicture().paint(&painter, QRect(row.place, QSize(kExtent, kExtent)));
+    }
+
+    QImage shown(row.control, QImage::Format_ARGB32_Premultiplied);
+    shown.fill(background);
+    indicator.control.render(&shown, {}, {}, QWidget::DrawChildren);
+
+    EXPECT_EQ(shown, expected) << row.name;
+  }
+}
+
+/// Counts the times that a control is painted.
+class PaintCounter : public QObject {
+public:
+  explicit PaintCounter(QWidget& aControl) { aControl.installEventFilter(this); }
+  int count = 0;
+
+private:
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    count += aEvent->type() == QEvent::Paint ? 1 : 0;
+    return false;
+  }
+};
+
+TEST(ErrorProvider, EveryText_IsPaintedBeforeSetTextReturns) {
+  Indicator indicator;
+  indicator.control.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&indicator.control));
+  const PaintCounter paints(indicator.control);
+
+  indicator.provider.SetText(QStringLiteral("wrong"));
+  EXPECT_EQ(paints.count, 1);
+  indicator.provider.SetText({});
+  EXPECT_EQ(paints.count, 2);
+}
+
+TEST(ErrorProvider, TextSetWhileHidden_IsPaintedWhenShown) {
+  Indicator indicator;
+  const PaintCounter paints(indicator.control);
+
+  indicator.provider.SetText(QStringLiteral("wrong"));
+  EXPECT_EQ(paints.count, 0);
+  indicator.control.show();
+
+  EXPECT_TRUE(QTest::qWaitFor([&] { return paints.count > 0; }));
 }
 
 TEST(ErrorProvider, ErrorThatIsCleared_DrawsNothingAgain) {

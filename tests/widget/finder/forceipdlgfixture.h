@@ -50,7 +50,10 @@ protected:
     owner.resize(700, 600);
     owner.show();
   }
-  ~ForceIPDlgTest() override { krsystem::UnregisterTransport(transport); }
+  ~ForceIPDlgTest() override {
+    BackgroundTask::AwaitAbandoned();
+    krsystem::UnregisterTransport(transport);
+  }
 
   /// Makes the system with one adapter and one device.
   void MakeSystem(std::vector<krsystem::AdapterAddress> aAddresses = {{"192.168.1.10", "255.255.255.0"}},
@@ -125,17 +128,23 @@ inline void Enter(QWidget& aDialog, int aID, const char* aAddress) {
 }
 
 /// The press alone, as the dialog may not take the release any more.
-inline void Press(QWidget& aDialog, Qt::Key aKey) {
-  QKeyEvent press(QEvent::KeyPress, aKey, Qt::NoModifier);
+inline void Press(QWidget& aDialog, Qt::Key aKey, bool aIsRepeated = false) {
+  QKeyEvent press(QEvent::KeyPress, aKey, Qt::NoModifier, QString(), aIsRepeated);
   QWidget* focused = aDialog.focusWidget();
   QApplication::sendEvent(focused != nullptr ? focused : &aDialog, &press);
+}
+
+/// What a message box says: "[its icon] its caption: its text".
+inline std::string ReadBox(QWidget& aBox) {
+  return '[' + aBox.findChild<QLabel*>(QStringLiteral("picture"))->accessibleName().toStdString() + "] " +
+         aBox.windowTitle().toStdString() + ": " +
+         aBox.findChild<QLabel*>(QStringLiteral("text"))->text().toStdString();
 }
 
 /// What the next message box said; closes it with a key.
 inline void AnswerBox(std::string& aText, Qt::Key aKey) {
   DuringNextModalLoop([&aText, aKey](QWidget& aBox) {
-    aText =
-        aBox.windowTitle().toStdString() + ": " + aBox.findChild<QLabel*>(QStringLiteral("text"))->text().toStdString();
+    aText = ReadBox(aBox);
     QTest::keyClick(aBox.focusWidget(), aKey);
   });
 }

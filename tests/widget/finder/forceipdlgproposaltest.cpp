@@ -84,7 +84,7 @@ TEST_F(ForceIPDlgTest, NobodyCanBeAsked_SaysWhy) {
     Press(aDialog, Qt::Key_Escape);
   });
 
-  EXPECT_THAT(text, testing::StartsWith("Error: "));
+  EXPECT_THAT(text, testing::StartsWith("[Warning] Error: "));
   EXPECT_THAT(text, testing::HasSubstr("no address"));
 }
 

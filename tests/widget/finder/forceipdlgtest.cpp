@@ -1,11 +1,34 @@
 // The dialog that sets a device's IP address, used as a person does: what it starts with, its marks, what it refuses
-// and asks, what it sends, and closing it while it is busy.
+// and asks, and what it sends.
 
 #include "forceipdlgfixture.h"
+
+#include <QAbstractItemView>
 
 namespace krgui {
 
 namespace {
+
+/// Looks at a mark each time that it is painted.
+class ErrorWatch : public QObject {
+public:
+  ErrorWatch(QWidget& aMark, std::function<void()> aLook) : mLook(std::move(aLook)) { aMark.installEventFilter(this); }
+
+private:
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    if (aEvent->type() == QEvent::Paint) {
+      mLook();
+    }
+    return false;
+  }
+
+  std::function<void()> mLook;
+};
+
+class ForceU3VIPDlgTest : public ForceIPDlgTest {
+protected:
+  krsystem::AnyDeviceFields MakeDevice() const override { return krsystem::U3VFields{}; }
+};
 
 // What it starts with.
 
@@ -78,6 +101,65 @@ TEST_F(ForceIPDlgTest, AnotherAdapterAddressByKeyboard_MovesTheDeviceThere) {
   });
 }
 
+/// As a person does: the list opens, the pointer goes to the item, the button is pressed and released there.
+void ChooseByMouse(QComboBox& aComboBox, int aItem) {
+  int chosen = -1;
+  const auto connection =
+      QObject::connect(&aComboBox, &QComboBox::activated, &aComboBox, [&](int aIndex) { chosen = aIndex; });
+  QTest::mouseClick(&aComboBox, Qt::LeftButton);
+  QWidget* list = aComboBox.view()->viewport();
+  // The toolkit ignores the mouse for as long as a double click takes.
+  EXPECT_TRUE(WaitFor([&] {
+    const QPoint place = aComboBox.view()->visualRect(aComboBox.model()->index(aItem, 0)).center();
+    QTest::mouseMove(list, place);
+    QTest::mouseClick(list, Qt::LeftButton, {}, place);
+    return chosen == aItem;
+  }));
+  QObject::disconnect(connection);
+}
+
+TEST_F(ForceIPDlgTest, AnotherAdapterAddressByMouse_MovesTheDeviceThere) {
+  MakeSystem({{"192.168.1.10", "255.255.255.0"}, {"172.16.5.10", "255.255.0.0"}});
+
+  (void)Run([](QWidget& aDialog) {
+    ChooseByMouse(*Get<QComboBox>(aDialog, 1123), 1);
+
+    EXPECT_EQ(GetEdit(aDialog, 1050), "255.255.0.0");
+    EXPECT_EQ(GetAddress(aDialog, 1038), "172.16..");
+    EXPECT_EQ(GetFocusedField(aDialog), 2);
+    Press(aDialog, Qt::Key_Escape);
+  });
+}
+
+TEST_F(ForceIPDlgTest, SameAdapterAddressAgain_KeepsWhatWasTyped) {
+  MakeSystem({{"192.168.1.10", "255.255.255.0"}, {"172.16.5.10", "255.255.0.0"}});
+
+  (void)Run([](QWidget& aDialog) {
+    Type("77");
+
+    ChooseByMouse(*Get<QComboBox>(aDialog, 1123), 0);
+
+    EXPECT_EQ(GetAddress(aDialog, 1038), "192.168.1.77");
+    Press(aDialog, Qt::Key_Escape);
+  });
+}
+
+TEST_F(ForceIPDlgTest, AnotherAdapterAddress_IsCheckedOnceWithAllItsValues) {
+  MakeSystem({{"192.168.1.10", "255.255.255.0"}, {"172.16.5.10", "255.255.0.0"}});
+
+  (void)Run([](QWidget& aDialog) {
+    std::vector<std::string> errors;
+    ErrorWatch watch(*Get(aDialog, 1008), [&] { errors.push_back(GetError(aDialog, 1008)); });
+    auto* addresses = Get<QComboBox>(aDialog, 1123);
+    addresses->setFocus();
+    QTest::keyClick(addresses, Qt::Key_Down);
+
+    EXPECT_THAT(errors, testing::Each("")) << "the masks are the same in the end";
+    EXPECT_FALSE(errors.empty());
+    Press(aDialog, Qt::Key_Escape);
+  });
+}
+
 // The marks.
 
 TEST_F(ForceIPDlgTest, EveryKey_ChecksAtOnce) {
@@ -133,6 +215,16 @@ TEST_F(ForceTolvanIPDlgTest, DeviceOfTheOlderProtocol_IsSentItsConfiguration) {
               testing::ElementsAre("00:aa:00:aa:00:aa", "192.168.1.21", "255.255.255.0", "192.168.1.1"));
 }
 
+TEST_F(ForceU3VIPDlgTest, DeviceWithoutAddress_IsRefusedAtOnce) {
+  MakeSystem();
+  ForceIPDlg dialog(*system, static_cast<const KrNetworkAdapter&>(*system->GetInterface(0)), *system->GetDeviceInfo(0),
+                    &owner);
+
+  EXPECT_EQ(dialog.Run(), ModalResult::Cancel);
+
+  EXPECT_EQ(transport->asked, 0);
+}
+
 TEST_F(ForceIPDlgTest, DeviceThatDoesNotConfirm_EndsWithOKAllTheSameAndIsLogged) {
   MakeSystem();
   transport->configureResult = {KrResult::Code::NotFound, "Nobody confirmed."};
@@ -179,16 +271,18 @@ TEST_P(ForceIPDlgHardError, OK_IsRefusedWithItsTextAndKeepsTheValues) {
 INSTANTIATE_TEST_SUITE_P(
     Rows, ForceIPDlgHardError,
     testing::Values(
-        HardErrorCase{"SameAsInterface", "192.168.1.10", "Error: Cannot assign the same IP Address as the Interface!"},
-        HardErrorCase{"Multicast", "230.1.1.1",
-                      "Error: IP addresses in the 224.*.*.* to 255.*.*.* range cannot be assigned to a device."},
+        HardErrorCase{"SameAsInterface", "192.168.1.10",
+                      "[Error] Error: Cannot assign the same IP Address as the Interface!"},
+        HardErrorCase{
+            "Multicast", "230.1.1.1",
+            "[Error] Error: IP addresses in the 224.*.*.* to 255.*.*.* range cannot be assigned to a device."},
         HardErrorCase{"Network", "192.168.1.0",
-                      "Error: Cannot assign the device IP Address to be the same as its subnet!"}),
+                      "[Error] Error: Cannot assign the device IP Address to be the same as its subnet!"}),
     [](const auto& aInfo) { return aInfo.param.name; });
 
-constexpr const char* kQuestion =
-    "Warning: This IP Configuration may be incompatible with your Interface settings or simply invalid.\n\nAre you "
-    "sure you want to continue?";
+constexpr const char* kQuestion = "[Warning] Warning: This IP Configuration may be incompatible with your Interface "
+                                  "settings or simply invalid.\n\nAre you "
+                                  "sure you want to continue?";
 
 TEST_F(ForceIPDlgTest, DoubtfulAddressAndYes_IsSent) {
   MakeSystem();
@@ -225,6 +319,48 @@ TEST_F(ForceIPDlgTest, DoubtfulAddressAndAnythingButYes_LeavesTheDialogOpen) {
   EXPECT_EQ(transport->asked, 0);
 }
 
+TEST_F(ForceIPDlgTest, DoubtfulAddressAndTheQuestionsCloseBox_LeavesTheDialogOpen) {
+  MakeSystem();
+  std::string text;
+
+  const ModalResult result = Run([&](QWidget& aDialog) {
+    Enter(aDialog, 1038, "10.0.0.5");
+    DuringNextModalLoop([&](QWidget& aBox) {
+      text = ReadBox(aBox);
+      aBox.close();
+    });
+    Press(aDialog, Qt::Key_Return);
+    EXPECT_TRUE(aDialog.isVisible());
+    Press(aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(text, kQuestion);
+  EXPECT_EQ(result, ModalResult::Cancel);
+  EXPECT_EQ(transport->asked, 0);
+}
+
+TEST_F(ForceIPDlgTest, EnterThatIsHeldDown_DoesNotAnswerTheQuestion) {
+  MakeSystem();
+
+  const ModalResult result = Run([&](QWidget& aDialog) {
+    Enter(aDialog, 1038, "10.0.0.5");
+    DuringNextModalLoop([&](QWidget& aBox) {
+      for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        Press(aBox, key, true);
+      }
+      EXPECT_TRUE(aBox.isVisible());
+      Press(aBox, Qt::Key_Escape);
+    });
+    Press(aDialog, Qt::Key_Return);
+    Press(aDialog, Qt::Key_Return, true);
+    EXPECT_EQ(QApplication::activeModalWidget(), &aDialog) << "it asks no second time";
+    Press(aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(result, ModalResult::Cancel);
+  EXPECT_EQ(transport->asked, 0);
+}
+
 TEST_F(ForceIPDlgTest, NoMask_PassesTheSubnetRules) {
   MakeSystem();
 
@@ -236,67 +372,6 @@ TEST_F(ForceIPDlgTest, NoMask_PassesTheSubnetRules) {
 
   EXPECT_EQ(result, ModalResult::OK);
   EXPECT_THAT(transport->configured, testing::ElementsAre(kMAC, "192.168.1.20", "0.0.0.0", "192.168.1.1"));
-}
-
-// Closing while it is busy.
-
-TEST_F(ForceIPDlgTest, KeysAndCloseBoxWhileItSends_ChangeNothing) {
-  MakeSystem();
-  transport->isSlow = true;
-
-  const ModalResult result = Run([&](QWidget& aDialog) {
-    Type("20");
-    Press(aDialog, Qt::Key_Return);
-    EXPECT_FALSE(aDialog.isEnabled());
-    EXPECT_EQ(aDialog.cursor().shape(), Qt::WaitCursor);
-    aDialog.close();
-    Press(aDialog, Qt::Key_Escape);
-    Press(aDialog, Qt::Key_Return);
-    EXPECT_TRUE(aDialog.isVisible());
-    transport->mayEnd.count_down();
-  });
-
-  EXPECT_EQ(result, ModalResult::OK);
-  EXPECT_EQ(transport->asked, 1);
-}
-
-TEST_F(ForceIPDlgTest, OwnerClosesWhileItSends_WaitsForTheWorkerAndSaysGone) {
-  MakeSystem();
-  transport->isSlow = true;
-  TestWnd window;
-  ASSERT_TRUE(window.ShowModeless(0).IsOK());
-  ForceIPDlg dialog(*system, static_cast<const KrNetworkAdapter&>(*system->GetInterface(0)), *system->GetDeviceInfo(0),
-                    window.GetWidget());
-  DuringNextModalLoop([&](QWidget& aDialog) {
-    Type("20");
-    Press(aDialog, Qt::Key_Return);
-    transport->mayEnd.count_down();
-    EXPECT_TRUE(window.Close().IsOK());
-  });
-
-  const ModalResult result = dialog.Run();
-
-  EXPECT_EQ(result, ModalResult::Gone);
-  EXPECT_EQ(transport->configured.size(), 4U) << "the worker has ended";
-  DeleteWhatIsLeft();
-}
-
-TEST_F(ForceIPDlgTest, OwnerClosesUnderTheQuestion_SendsNothing) {
-  MakeSystem();
-  TestWnd window;
-  ASSERT_TRUE(window.ShowModeless(0).IsOK());
-  ForceIPDlg dialog(*system, static_cast<const KrNetworkAdapter&>(*system->GetInterface(0)), *system->GetDeviceInfo(0),
-                    window.GetWidget());
-  DuringNextModalLoop([&](QWidget& aDialog) {
-    Enter(aDialog, 1038, "10.0.0.5");
-    DuringNextModalLoop([&](QWidget&) { EXPECT_TRUE(window.Close().IsOK()); });
-    Press(aDialog, Qt::Key_Return);
-  });
-
-  EXPECT_EQ(dialog.Run(), ModalResult::Gone);
-
-  EXPECT_EQ(transport->asked, 0);
-  DeleteWhatIsLeft();
 }
 
 // Keys.

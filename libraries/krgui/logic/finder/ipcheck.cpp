@@ -1,7 +1,8 @@
 #include "logic/finder/ipcheck.h"
 
+#include "krsystem/ipv4address.h"
+
 #include <cstdlib>
-#include <string>
 
 namespace krgui {
 
@@ -82,7 +83,7 @@ std::optional<std::uint32_t> ParseDotted(const KrString& aText) {
     if (field > 0 && *position++ != '.') {
       return std::nullopt;
     }
-    // With base 0 it reads what the pattern's fields read: blanks before, a sign, octal and hexadecimal numbers.
+    // With base 0 it reads as the pattern's fields do: blanks before, a sign, octal and hexadecimal numbers.
     char* end = nullptr;
     const long long value = std::strtoll(position, &end, 0);
     if (end == position) {
@@ -94,15 +95,6 @@ std::optional<std::uint32_t> ParseDotted(const KrString& aText) {
   return address;
 }
 
-KrString FormatDotted(std::uint32_t aAddress) {
-  std::string text;
-  for (int field = kFields - 1; field >= 0; --field) {
-    text += std::to_string((aAddress >> (static_cast<unsigned>(field) * kBitsPerField)) & kFieldMask);
-    text += field > 0 ? "." : "";
-  }
-  return text;
-}
-
 IPIndicators CheckIPValues(const IPValues& aValues) {
   const Adapter adapter = ParseAdapter(aValues);
   return {CheckAddress(aValues.deviceAddress, adapter), CheckMask(aValues.deviceMask, adapter),
@@ -110,7 +102,7 @@ IPIndicators CheckIPValues(const IPValues& aValues) {
 }
 
 KrString FindHardIPError(const IPValues& aValues) {
-  if (FormatDotted(aValues.deviceAddress) == aValues.adapterAddress) {
+  if (krsystem::FormatIPv4(aValues.deviceAddress) == aValues.adapterAddress) {
     return "Cannot assign the same IP Address as the Interface!";
   }
   if (GetFirstField(aValues.deviceAddress) >= kFirstMulticastField) {

@@ -8,11 +8,10 @@
 
 namespace krgui {
 
-/// Parses "a.b.c.d" as the C library's pattern "%i.%i.%i.%i" does: a parsed prefix suffices, 010 is octal, 0x10 is
-/// hexadecimal. Each field counts by its low byte. The first field is the most significant.
+/// Parses "a.b.c.d" after the manner of the C library's pattern "%i.%i.%i.%i": a parsed prefix suffices, 010 is octal,
+/// 0x10 is hexadecimal. Each field counts by its low byte. The first field is the most significant. Of texts that no
+/// address control and no adapter gives, such as "0x.1.1.1", some are read more or less strictly.
 std::optional<std::uint32_t> ParseDotted(const KrString& aText);
-/// Writes four decimal fields.
-KrString FormatDotted(std::uint32_t aAddress);
 
 /// The texts of the three indicators; empty where a value is not doubtful.
 struct IPIndicators {

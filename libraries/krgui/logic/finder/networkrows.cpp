@@ -6,8 +6,6 @@ namespace krgui {
 
 namespace {
 
-constexpr const char* kNoAddress = "0.0.0.0";
-
 bool IsMaskOf(const KrInterface* aOwner, const KrString& aMask) {
   const auto* const adapter = dynamic_cast<const KrNetworkAdapter*>(aOwner);
   for (std::size_t i = 0; adapter && i < adapter->GetIPAddressCount(); ++i) {

@@ -1,11 +1,14 @@
 #pragma once
-// Numbers as the finder's rows write them. Captions and colours are each kind's own.
+// Numbers as the finder's rows write them, and those that several kinds know. Captions and colours are each kind's own.
 
 #include "krbase/krstring.h"
 
 #include <cstdint>
 
 namespace krgui {
+
+/// The speed of a USB port or device that is good for a camera.
+inline constexpr std::int32_t kSuperSpeed = 4;
 
 /// "0x" and upper-case digits, filled with zeros on the left; a number that needs more digits has them.
 KrString WriteHex(std::uint32_t aNumber, int aFewestDigits);

@@ -9,8 +9,6 @@ namespace krgui {
 
 namespace {
 
-constexpr const char* kNoAddress = "0.0.0.0";
-
 constexpr std::array<const char*, 5> kClassTexts = {"Unknown", "Transmitter", "Receiver", "Transceiver", "Peripheral"};
 
 struct AccessStatus {

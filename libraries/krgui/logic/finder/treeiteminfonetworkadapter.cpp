@@ -1,5 +1,6 @@
 #include "logic/finder/treeiteminfonetworkadapter.h"
 
+#include "logic/finder/networkrows.h"
 #include "logic/finder/subnetrule.h"
 
 #include <string>
@@ -7,8 +8,6 @@
 namespace krgui {
 
 namespace {
-
-constexpr const char* kNoAddress = "0.0.0.0";
 
 enum class AddressState { Good, Missing, Doubtful };
 

@@ -6,8 +6,6 @@ namespace krgui {
 
 namespace {
 
-constexpr std::int32_t kSuperSpeed = 4;
-
 RowColour GetSpeedColour(const KrDeviceInfoU3V& aDevice) {
   if (!aDevice.IsCurrentSpeedSupported())
     return kWrongRowColour;

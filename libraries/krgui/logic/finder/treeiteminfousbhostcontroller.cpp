@@ -6,8 +6,6 @@ namespace krgui {
 
 namespace {
 
-constexpr std::int32_t kSuperSpeed = 4;
-
 const char* GetSpeedText(std::int32_t aSpeed) {
   constexpr const char* kTexts[] = {"Unknown", "Low", "Full", "High", "Super"};
   return aSpeed >= 1 && aSpeed <= kSuperSpeed ? kTexts[aSpeed] : kTexts[0];
