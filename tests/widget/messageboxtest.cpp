@@ -126,6 +126,11 @@ TEST(MessageBox, Reader_HearsTextAndKind) {
   });
 }
 
+TEST(MessageBox, Reader_HearsLinesWithoutCarriageReturns) {
+  LookAtBox(QStringLiteral("First.\r\n\r\nSecond?"),
+            [](QWidget& aBox) { EXPECT_EQ(aBox.accessibleDescription(), QStringLiteral("First.\n\nSecond?")); });
+}
+
 TEST(MessageBox, OwnerDies_SaysThatItIsGone) {
   auto owner = std::make_unique<QWidget>();
   owner->show();

@@ -10,6 +10,7 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QStandardItemModel>
 #include <QTest>
 #include <QToolTip>
 
@@ -115,6 +116,15 @@ TEST_F(TooltipListTest, MoreItemsThanFit_ShowsWholeItemsAndTheChosenOne) {
   EXPECT_TRUE(list.viewport()->rect().contains(list.visualRect(list.model()->index(73, 0))));
 }
 
+TEST_F(TooltipListTest, ChoiceThatIsInViewAnyway_DoesNotScroll) {
+  AddItems(100);
+  combo->setCurrentIndex(combo->maxVisibleItems() - 1);
+
+  CTooltipListCtrl& list = Open();
+
+  EXPECT_EQ(list.verticalScrollBar()->value(), 0);
+}
+
 TEST_F(TooltipListTest, NearTheScreensBottom_OpensAboveTheComboBox) {
   const QRect screen = window.screen()->availableGeometry();
   window.move(100, screen.bottom() - 60);
@@ -188,6 +198,54 @@ TEST_F(TooltipListTest, Escape_DropsTheChoice) {
   EXPECT_FALSE(combo->GetList().isVisible());
   EXPECT_EQ(combo->currentIndex(), 1);
   EXPECT_EQ(window.focusWidget(), combo);
+  EXPECT_EQ(CountNotifications(), 1);
+}
+
+TEST_F(TooltipListTest, EscapeWithThePointerOverTheComboBox_TellsNothing) {
+  QCursor::setPos(combo->mapToGlobal(combo->rect().center()));
+  Open();
+
+  Press(Qt::Key_Escape);
+
+  EXPECT_EQ(CountNotifications(), 0);
+}
+
+TEST_F(TooltipListTest, KeysThatOpenedIt_CloseItAndDropTheChoice) {
+  const struct {
+    Qt::Key key;
+    Qt::KeyboardModifiers modifiers;
+  } rows[] = {{Qt::Key_F4, {}}, {Qt::Key_Up, Qt::AltModifier}, {Qt::Key_Down, Qt::AltModifier}};
+  for (const auto& row : rows) {
+    CTooltipListCtrl& list = Open();
+    Press(Qt::Key_Down);
+
+    QTest::keyClick(&list, row.key, row.modifiers);
+
+    EXPECT_FALSE(list.isVisible()) << row.key;
+    EXPECT_EQ(combo->currentIndex(), 1) << row.key;
+  }
+}
+
+void Disable(QComboBox& aComboBox, int aItem) {
+  qobject_cast<QStandardItemModel*>(aComboBox.model())->item(aItem)->setEnabled(false);
+}
+
+TEST_F(TooltipListTest, DisabledItem_IsShownDisabledAndCannotBeChosen) {
+  Disable(*combo, 2);
+  CTooltipListCtrl& list = Open();
+
+  EXPECT_FALSE(list.model()->flags(list.model()->index(2, 0)) & Qt::ItemIsEnabled);
+  EXPECT_TRUE(list.model()->flags(list.model()->index(3, 0)) & Qt::ItemIsEnabled);
+  QTest::mouseMove(list.viewport(), GetCenter(2));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(list.currentIndex().row(), 1) << "the pointer does not select it";
+  PressOnItem(2);
+  EXPECT_TRUE(list.isVisible());
+  Press(Qt::Key_Down);
+  EXPECT_EQ(list.currentIndex().row(), 3) << "the keys pass it by";
+  Press(Qt::Key_Return);
+
+  EXPECT_EQ(combo->currentIndex(), 3);
 }
 
 TEST_F(TooltipListTest, LeftAndRight_ActAsUpAndDown) {
@@ -289,6 +347,16 @@ TEST_F(TooltipListTest, LongTooltip_IsCutTo1023CharactersAndToWholeOnes) {
     combo->GetList().SetItemTooltip(0, row.text);
 
     EXPECT_EQ(combo->GetList().GetToolText(1), row.text.left(row.length)) << row.name;
+  }
+}
+
+TEST_F(TooltipListTest, ScreenReader_FindsTheTooltipsOfTheItems) {
+  CTooltipListCtrl& list = Open();
+  list.SetItemTooltip(3, QStringLiteral("fast"));
+
+  for (const int role : {Qt::ToolTipRole, Qt::AccessibleDescriptionRole}) {
+    EXPECT_EQ(list.model()->index(3, 0).data(role).toString(), QStringLiteral("fast")) << role;
+    EXPECT_EQ(list.model()->index(2, 0).data(role).toString(), QString()) << role;
   }
 }
 

@@ -64,7 +64,7 @@ void ModalDialog::OnAccept() {
   OnOK();
 }
 
-/// Fonts and styles change while a dialog is open.
+/// The first layout, and whoever gives the dialog another size.
 void ModalDialog::OnSize(const QSize& aSize) {
   if (mControls) {
     mControls->Layout(aSize);

@@ -1,6 +1,7 @@
 #include "platform/ctooltiplistctrl.h"
 
 #include "logic/frame/dropdownplacement.h"
+#include "platform/topixelrect.h"
 
 #include <QAbstractListModel>
 #include <QComboBox>
@@ -29,8 +30,16 @@ constexpr struct {
   Qt::Key meaning;
 } kArrows[] = {{Qt::Key_Left, Qt::Key_Up}, {Qt::Key_Right, Qt::Key_Down}};
 
-PixelRect ToPixelRect(const QRect& aRect) {
-  return {aRect.left(), aRect.top(), aRect.left() + aRect.width(), aRect.top() + aRect.height()};
+/// The keys that close the list without choosing: those that opened it do so, too.
+bool IsCloseKey(const QKeyEvent& aEvent) {
+  const bool isVertical = aEvent.key() == Qt::Key_Up || aEvent.key() == Qt::Key_Down;
+  return aEvent.key() == Qt::Key_Escape || aEvent.key() == Qt::Key_F4 ||
+         (isVertical && (aEvent.modifiers() & Qt::AltModifier) != 0);
+}
+
+bool CanBeChosen(const QModelIndex& aIndex) {
+  constexpr Qt::ItemFlags kNeeded = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+  return aIndex.isValid() && (aIndex.flags() & kNeeded) == kNeeded;
 }
 
 /// The screen that a list of this combo box is seen on.
@@ -53,8 +62,26 @@ public:
   }
   int rowCount(const QModelIndex& aParent) const override { return aParent.isValid() ? 0 : mCount; }
   QVariant data(const QModelIndex& aIndex, int aRole) const override {
-    const bool isAsked = aRole == Qt::DisplayRole || aRole == Qt::DecorationRole;
-    return isAsked && mList.mComboBox ? mList.mComboBox->itemData(aIndex.row(), aRole) : QVariant();
+    switch (aRole) {
+    case Qt::DisplayRole:
+    case Qt::DecorationRole:
+      return mList.mComboBox ? mList.mComboBox->itemData(aIndex.row(), aRole) : QVariant();
+    case Qt::ToolTipRole:
+    case Qt::AccessibleDescriptionRole:
+      return mList.GetToolText(aIndex.row() + 1);
+    default:
+      return {};
+    }
+  }
+  /// What the combo box disables cannot be chosen here, either.
+  Qt::ItemFlags flags(const QModelIndex& aIndex) const override {
+    const QComboBox* comboBox = mList.mComboBox;
+    if (comboBox == nullptr || !aIndex.isValid()) {
+      return Qt::NoItemFlags;
+    }
+    const QModelIndex item =
+        comboBox->model()->index(aIndex.row(), comboBox->modelColumn(), comboBox->rootModelIndex());
+    return item.flags() & (Qt::ItemIsEnabled | Qt::ItemIsSelectable);
   }
 
 private:
@@ -99,10 +126,10 @@ void CTooltipListCtrl::ShowDropDown(const QRect& aOffered, const QRect& aComboBo
   setUpdatesEnabled(false);
   setAccessibleName(mComboBox->accessibleName());
   mChosen = mComboBox->currentIndex();
-  const int itemHeight = GetItemHeight();
+  const int itemHeight = PrepareItems();
   const DropDownPlacement placement =
       PlaceDropDown({ToPixelRect(aOffered), aComboBox.height(), std::max(itemHeight, 1), mComboBox->count(),
-                     verticalScrollBar()->sizeHint().width(), ToPixelRect(FindDesktop(aComboBox, *mComboBox))});
+                     ToPixelRect(FindDesktop(aComboBox, *mComboBox))});
   setVerticalScrollBarPolicy(placement.hasScrollBar ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
   setGeometry(placement.rect.left, placement.rect.top, placement.rect.GetWidth(), placement.rect.GetHeight());
   mIsOpen = true;
@@ -110,11 +137,11 @@ void CTooltipListCtrl::ShowDropDown(const QRect& aOffered, const QRect& aComboBo
   setFocus(Qt::PopupFocusReason);
   const QModelIndex chosen = model()->index(mChosen, 0);
   setCurrentIndex(chosen);
-  scrollTo(chosen, PositionAtCenter);
+  scrollTo(chosen, EnsureVisible);
   setUpdatesEnabled(true);
 }
 
-int CTooltipListCtrl::GetItemHeight() {
+int CTooltipListCtrl::PrepareItems() {
   if (!mComboBox) {
     return 0;
   }
@@ -175,8 +202,9 @@ bool CTooltipListCtrl::event(QEvent* aEvent) {
 }
 
 void CTooltipListCtrl::mousePressEvent(QMouseEvent* aEvent) {
-  if (aEvent->button() == Qt::LeftButton && indexAt(aEvent->position().toPoint()).isValid()) {
-    setCurrentIndex(indexAt(aEvent->position().toPoint()));
+  const QModelIndex pressed = indexAt(aEvent->position().toPoint());
+  if (aEvent->button() == Qt::LeftButton && CanBeChosen(pressed)) {
+    setCurrentIndex(pressed);
     TakeSelected();
     CloseList(true);
   }
@@ -187,13 +215,13 @@ void CTooltipListCtrl::mouseReleaseEvent(QMouseEvent*) {}
 
 void CTooltipListCtrl::mouseMoveEvent(QMouseEvent* aEvent) {
   const QModelIndex under = indexAt(aEvent->position().toPoint());
-  if (under.isValid() && under != currentIndex()) {
+  if (CanBeChosen(under) && under != currentIndex()) {
     setCurrentIndex(under);
   }
 }
 
 void CTooltipListCtrl::keyPressEvent(QKeyEvent* aEvent) {
-  if (aEvent->key() == Qt::Key_Escape) {
+  if (IsCloseKey(*aEvent)) {
     CloseList(!IsPointerOverComboBox());
     return;
   }
@@ -212,6 +240,10 @@ void CTooltipListCtrl::keyPressEvent(QKeyEvent* aEvent) {
   QListView::keyPressEvent(&meant);
 }
 
+// By Enter and by the mouse a choice is made, and always told of, wherever the pointer is. Closed in any other way, the
+// list says nothing while the pointer is over the combo box, as the click that closed it went there. Were a choice held
+// to that, too, one made by Enter would be told to nobody when the pointer happens to rest there.
+
 /// Also when somebody else hides it: another window came to the front, or the toolkit closes its popups.
 void CTooltipListCtrl::hideEvent(QHideEvent* aEvent) {
   QListView::hideEvent(aEvent);
@@ -219,7 +251,7 @@ void CTooltipListCtrl::hideEvent(QHideEvent* aEvent) {
 }
 
 void CTooltipListCtrl::TakeSelected() {
-  if (currentIndex().isValid()) {
+  if (CanBeChosen(currentIndex())) {
     mChosen = currentIndex().row();
   }
 }

@@ -36,8 +36,9 @@ public:
   /// screen, in device-independent pixels.
   void ShowDropDown(const QRect& aOffered, const QRect& aComboBox);
 
-  /// How high an item is, whether or not the list is open; 0 without items.
-  int GetItemHeight();
+  /// Takes over the font and the number of the combo box's items, before the list opens. Returns how high an item is; 0
+  /// without items.
+  int PrepareItems();
 
   /// The selected item, wherever the pointer is; nothing without one.
   std::optional<ToolHit> HitTest() const;

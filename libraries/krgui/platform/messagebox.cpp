@@ -67,11 +67,12 @@ private:
 MessageBox::MessageBox(QWidget* aOwner, const QString& aText, const QString& aCaption, MessageIcon aIcon,
                        MessageButtons aButtons)
     : ModalLoop(aOwner), mButtons(GetButtons(aButtons)) {
+  const QString text = QString(aText).replace(QLatin1String("\r\n"), QLatin1String("\n"));
   DialogWindow& dialog = *GetDialog();
   auto* grid = new QGridLayout(&dialog);
   grid->setSizeConstraint(QLayout::SetFixedSize);
   grid->addWidget(MakePicture(aIcon), 0, 0, Qt::AlignTop);
-  grid->addWidget(MakeText(aText), 0, 1);
+  grid->addWidget(MakeText(text), 0, 1);
   grid->setHorizontalSpacing(2 * grid->horizontalSpacing());
   grid->setVerticalSpacing(2 * grid->verticalSpacing());
   auto* row = new QHBoxLayout;
@@ -82,7 +83,7 @@ MessageBox::MessageBox(QWidget* aOwner, const QString& aText, const QString& aCa
   grid->addLayout(row, 1, 0, 1, 2);
   dialog.KeepDefaultButton();
   dialog.SetCaption(aCaption);
-  dialog.setAccessibleDescription(aText);
+  dialog.setAccessibleDescription(text);
   dialog.findChild<QPushButton*>()->setDefault(true);
   dialog.findChild<QPushButton*>()->setFocus();
   // So that the size is known when the box is placed.
@@ -108,7 +109,7 @@ QLabel* MessageBox::MakeText(const QString& aText) {
   auto* label = new QLabel(GetDialog());
   label->setObjectName(QStringLiteral("text"));
   label->setTextFormat(Qt::PlainText);
-  label->setText(QString(aText).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+  label->setText(aText);
   label->setTextInteractionFlags(Qt::TextSelectableByMouse);
   label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const QFontMetrics metrics = label->fontMetrics();

@@ -1,6 +1,7 @@
 #include "platform/modalloop.h"
 
 #include "logic/frame/dialogplacement.h"
+#include "platform/topixelrect.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -9,10 +10,6 @@
 namespace krgui {
 
 namespace {
-
-PixelRect ToPixelRect(const QRect& aRect) {
-  return {aRect.left(), aRect.top(), aRect.left() + aRect.width(), aRect.top() + aRect.height()};
-}
 
 /// Another window's, as that of a window that is not on the screen yet is not known: its owner's, which has the same
 /// window manager.

@@ -17,7 +17,7 @@ void TooltipComboBox::showPopup() {
     return;
   }
   const QRect place(mapToGlobal(QPoint()), size());
-  const QRect offered(place.topLeft(), QSize(place.width(), maxVisibleItems() * std::max(mList->GetItemHeight(), 1)));
+  const QRect offered(place.topLeft(), QSize(place.width(), maxVisibleItems() * std::max(mList->PrepareItems(), 1)));
   mList->ShowDropDown(offered, place);
 }
 

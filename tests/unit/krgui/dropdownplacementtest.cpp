@@ -9,7 +9,7 @@ namespace {
 /// A combo box at (100, 200), 20 high, whose list is offered 150 by 90 pixels; items of 18 pixels on a screen of
 /// 1000 by 800.
 DropDownRequest MakeRequest(int aItemCount) {
-  return {{100, 200, 250, 290}, 20, 18, aItemCount, 15, {0, 0, 1000, 800}};
+  return {{100, 200, 250, 290}, 20, 18, aItemCount, {0, 0, 1000, 800}};
 }
 
 TEST(PlaceDropDown, FewItems_OpensBelowAsHighAsTheyAreAndTheFrame) {
@@ -17,7 +17,6 @@ TEST(PlaceDropDown, FewItems_OpensBelowAsHighAsTheyAreAndTheFrame) {
 
   EXPECT_EQ(placement.rect, (PixelRect{100, 220, 250, 220 + 3 * 18 + 4}));
   EXPECT_FALSE(placement.hasScrollBar);
-  EXPECT_EQ(placement.columnWidth, 150);
 }
 
 TEST(PlaceDropDown, ItemsThatJustFit_NeedNoScrollBar) {
@@ -35,7 +34,6 @@ TEST(PlaceDropDown, MoreItemsThanFit_ShowsWholeItemsAndAScrollBar) {
 
   EXPECT_EQ(placement.rect.GetHeight(), 5 * 18 + 4) << "100 pixels hold five items of 18";
   EXPECT_TRUE(placement.hasScrollBar);
-  EXPECT_EQ(placement.columnWidth, 150 - 15);
 }
 
 TEST(PlaceDropDown, RoomForNoItem_ShowsOneAllTheSame) {
@@ -82,6 +80,14 @@ TEST(PlaceDropDown, EndingAtTheBottom_OpensAbove) {
   request.offered = {100, 800 - 58 - 20, 250, 900};
 
   EXPECT_EQ(PlaceDropDown(request).rect.bottom, 800 - 58 - 20);
+}
+
+TEST(PlaceDropDown, RoomNeitherBelowNorAbove_OpensAboveAllTheSame) {
+  DropDownRequest request = MakeRequest(3);
+  request.desktop = {0, 0, 1000, 60};
+  request.offered = {100, 20, 250, 110};
+
+  EXPECT_EQ(PlaceDropDown(request).rect, (PixelRect{100, 20 - 58, 250, 20})) << "and reaches out of the screen";
 }
 
 TEST(PlaceDropDown, ScreenThatDoesNotBeginAtZero_CountsFromItsEdges) {

@@ -117,6 +117,52 @@ TEST(Templates, DialogsOfTheFinder_HaveTheirControlsInTheirPlaces) {
   }
 }
 
+/// In their order, as they have no number.
+constexpr ControlRow kForceIPLabels[] = {
+    {-1, ControlClass::GroupBox, "NIC Configuration", {7, 7, 188, 83}},
+    {-1, ControlClass::Label, "MAC Address", {14, 23, 62, 8}},
+    {-1, ControlClass::Label, "IP Address", {14, 39, 62, 8}},
+    {-1, ControlClass::Label, "Subnet Mask", {14, 55, 62, 8}},
+    {-1, ControlClass::Label, "Gateways", {14, 71, 62, 8}},
+    {-1, ControlClass::GroupBox, "GigE Vision Device IP Configuration", {7, 91, 188, 87}},
+    {-1, ControlClass::Label, "MAC Address", {14, 110, 62, 8}},
+    {-1, ControlClass::Label, "IP Address", {14, 126, 62, 8}},
+    {-1, ControlClass::Label, "Subnet Mask", {14, 143, 62, 8}},
+    {-1, ControlClass::Label, "Default Gateway", {14, 159, 62, 8}},
+};
+constexpr ControlRow kSelectFromIPLabels[] = {
+    {-1,
+     ControlClass::WrappedLabel,
+     "If a device cannot be detected, you can still attempt to select it from its IP address.",
+     {7, 7, 191, 21}},
+    {-1, ControlClass::Label, "IP Address", {7, 37, 45, 8}},
+};
+
+TEST(Templates, DialogsOfTheFinder_HaveTheirLabelsAndGroupsInTheirPlaces) {
+  const struct {
+    int id;
+    std::span<const ControlRow> rows;
+  } dialogs[] = {{kForceIPTemplateID, kForceIPLabels}, {kSelectFromIPTemplateID, kSelectFromIPLabels}};
+  for (const auto& dialog : dialogs) {
+    std::size_t index = 0;
+    for (const ControlTemplate& control : FindTemplate(dialog.id)->controls) {
+      if (control.id != -1) {
+        continue;
+      }
+      ASSERT_LT(index, dialog.rows.size()) << control.text;
+      const ControlRow& row = dialog.rows[index++];
+
+      EXPECT_EQ(control.controlClass, row.controlClass) << row.text;
+      EXPECT_EQ(control.text, row.text);
+      EXPECT_EQ(control.rect.x, row.rect.x) << row.text;
+      EXPECT_EQ(control.rect.y, row.rect.y) << row.text;
+      EXPECT_EQ(control.rect.width, row.rect.width) << row.text;
+      EXPECT_EQ(control.rect.height, row.rect.height) << row.text;
+    }
+    EXPECT_EQ(index, dialog.rows.size()) << dialog.id;
+  }
+}
+
 TEST(Templates, BothDisplayTemplates_HaveTheTwoScrollBarsHiddenAtStart) {
   for (const int id : {1021, 1028}) {
     const ControlTemplate* horizontal = FindControl(*FindTemplate(id), 1044);

@@ -32,7 +32,6 @@ DropDownPlacement PlaceDropDown(const DropDownRequest& aRequest) {
     placement.rect.top -= aRequest.comboBoxHeight + height;
   }
   placement.rect.bottom = placement.rect.top + height;
-  placement.columnWidth = placement.rect.GetWidth() - (placement.hasScrollBar ? aRequest.scrollBarWidth : 0);
   return placement;
 }
 

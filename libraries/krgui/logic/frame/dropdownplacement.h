@@ -11,14 +11,12 @@ struct DropDownRequest {
   int comboBoxHeight = 0;
   int itemHeight = 0;
   int itemCount = 0;
-  int scrollBarWidth = 0;
   PixelRect desktop; ///< All that can be seen.
 };
 
 struct DropDownPlacement {
   PixelRect rect;
-  int columnWidth = 0;
-  bool hasScrollBar = false;
+  bool hasScrollBar = false; ///< Inside of the rectangle: it narrows the items.
 };
 
 DropDownPlacement PlaceDropDown(const DropDownRequest& aRequest);
