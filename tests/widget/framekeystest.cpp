@@ -18,6 +18,7 @@ namespace {
 using Code = KrResult::Code;
 
 constexpr int kOKButton = 1;
+constexpr int kFirstControl = 1049; ///< Of the device finder, which is the default one.
 constexpr int kCancelButton = 2;
 
 QPushButton& GetButton(TestWnd& aWindow, int aID) {
@@ -215,7 +216,7 @@ TEST(WndKeys, Opened_GivesTheFocusToTheDefaultControl) {
 
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
 
-  EXPECT_EQ(window.GetWidget()->focusWidget(), window.GetControl(kOKButton));
+  EXPECT_EQ(window.GetWidget()->focusWidget(), window.GetControl(kFirstControl));
 }
 
 TEST(WndKeys, OpenedAsAChild_DoesNotTakeTheFocusFromTheWindowAround) {
