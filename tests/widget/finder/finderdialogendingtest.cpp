@@ -4,6 +4,7 @@
 #include "finderfixture.h"
 #include "krgui/krdevicefinderwnd.h"
 
+#include <QKeyEvent>
 #include <QPointer>
 
 namespace krgui {
@@ -151,7 +152,8 @@ TEST_P(FinderDialogEndingTest, FinderShownAgain_LeavesTheControlsThatAreOnTheSta
 
   OpenAnd([&] {
     // Closed in the delivery of another event, further in than the one that shows it again.
-    QTest::keyClick(&mOther->GetTree(), Qt::Key_Escape);
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(mOther->GetWidget(), &escape);
     EXPECT_FALSE(mOther->IsOpen());
     EXPECT_TRUE(mOther->ShowModeless(0).IsOK());
     livedOn = !former.isNull();

@@ -38,7 +38,7 @@ TEST_F(DeviceFinderTest, RoundThatFailsByAnException_EndsDiscoveryAndSaysSoBesid
   EXPECT_NE(mFinder.FindItem("Camera A"), nullptr);
 }
 
-TEST_F(DeviceFinderTest, WindowWhoseDiscoveryFailed_StillAcceptsAndClosesAndLooksAgainInTheNextShowing) {
+TEST_F(DeviceFinderTest, WindowWhoseDiscoveryFailed_ClosesAndLooksAgainInTheNextShowing) {
   mTransport->AddInterface(MakeFinderAdapter());
   mTransport->AddDevice("eth0", MakeFinderCamera());
   Open({"Camera A"});
