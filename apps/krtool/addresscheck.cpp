@@ -15,12 +15,6 @@ std::string Format(std::uint32_t aAddress) {
   return krsystem::FormatIPv4(aAddress).ToUtf8();
 }
 
-// A number whose bits are ones, then zeros.
-bool IsContiguous(std::uint32_t aMask) {
-  const std::uint32_t hosts = ~aMask;
-  return (hosts & (hosts + 1)) == 0;
-}
-
 std::string FindRefusal(const AddressPlan& aPlan, const std::vector<AdapterSubnet>& aSubnets) {
   const auto isAdapters = [&](const AdapterSubnet& aSubnet) { return aSubnet.address == aPlan.address; };
   if (std::any_of(aSubnets.begin(), aSubnets.end(), isAdapters))
@@ -81,7 +75,7 @@ AddressVerdict CheckAddress(const AddressPlan& aPlan, const std::vector<AdapterS
                             const std::vector<std::uint32_t>& aOthers) {
   AddressVerdict verdict{FindRefusal(aPlan, aSubnets), {}};
   CheckAgainstAdapter(aPlan, aSubnets, verdict.doubts);
-  if (!IsContiguous(aPlan.mask))
+  if (!krsystem::IsContiguousMask(aPlan.mask))
     verdict.doubts.push_back("The mask " + Format(aPlan.mask) + " has a gap: ones come first, then zeros.");
   const std::uint32_t lastField = aPlan.address & kLastFieldMask;
   if (lastField == 0 || lastField == kLastFieldMask)

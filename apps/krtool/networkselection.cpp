@@ -5,10 +5,10 @@
 #include "deviceselection.h"
 #include "devicewords.h"
 #include "krsystem/ipv4address.h"
+#include "krsystem/macaddress.h"
 #include "plaintext.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <iterator>
 
@@ -63,22 +63,13 @@ KrResult Take(const KrDeviceInfo& aDevice, NetworkDevice& aChosen) {
   return {};
 }
 
-constexpr std::size_t kMACLength = 17; // "aa:bb:cc:dd:ee:ff".
-
 } // namespace
 
 std::optional<KrString> ParseMAC(const KrString& aText) {
   std::string text = aText.ToUtf8();
-  if (text.size() != kMACLength)
-    return std::nullopt;
-  for (std::size_t place = 0; place < kMACLength; ++place) {
-    const auto character = static_cast<unsigned char>(text[place]);
-    const bool isBetween = place % 3 == 2;
-    if (isBetween ? character != ':' && character != '-' : std::isxdigit(character) == 0)
-      return std::nullopt;
-    text[place] = isBetween ? ':' : static_cast<char>(std::tolower(character));
-  }
-  return KrString(text);
+  std::ranges::replace(text, '-', ':');
+  const auto address = krsystem::ParseMAC(text);
+  return address ? std::optional(krsystem::FormatMAC(*address)) : std::nullopt;
 }
 
 const KrNetworkAdapter* FindAdapter(const KrSystem& aSystem, const KrString& aName, std::uint32_t aAddress) {

@@ -1,7 +1,7 @@
 #include "discoveryround.h"
 
 #include "anydevicefields.h"
-#include "transportcall.h"
+#include "krsystem/transportcall.h"
 
 #include <system_error>
 #include <utility>

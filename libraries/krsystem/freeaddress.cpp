@@ -1,7 +1,7 @@
 #include "freeaddress.h"
 
 #include "krsystem/ipv4address.h"
-#include "transportcall.h"
+#include "krsystem/transportcall.h"
 
 #include <algorithm>
 
@@ -11,12 +11,6 @@ namespace {
 
 constexpr std::uint32_t kLastField = 0xFF;
 constexpr SubnetAddress kLinkLocal = {0xA9FE0000, 0xFFFF0000};
-
-// Whether ones come before zeros only, and there is one.
-bool IsMask(std::uint32_t aMask) {
-  const std::uint32_t hosts = ~aMask;
-  return aMask != 0 && (hosts & (hosts + 1)) == 0;
-}
 
 bool IsProposed(std::uint32_t aAddress, std::uint32_t aMask) {
   if (!IsForDevice(aAddress, aMask))
@@ -43,7 +37,7 @@ KrResult MakeNotFound(const SubnetAddress& aSubnet) {
 std::vector<std::uint32_t> ChooseCandidates(const SubnetAddress& aSubnet, const std::set<std::uint32_t>& aTaken,
                                             std::size_t aMost) {
   std::vector<std::uint32_t> candidates;
-  if (!IsMask(aSubnet.mask))
+  if (aSubnet.mask == 0 || !IsContiguousMask(aSubnet.mask))
     return candidates;
   const std::uint32_t network = aSubnet.address & aSubnet.mask;
   const std::uint32_t last = ~aSubnet.mask;

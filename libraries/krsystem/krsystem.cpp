@@ -3,9 +3,9 @@
 #include "freeaddress.h"
 #include "krsystem/discoverydiagnosis.h"
 #include "krsystem/ipv4address.h"
+#include "krsystem/transportcall.h"
 #include "krsystem/transportregistry.h"
 #include "krsystembody.h"
-#include "transportcall.h"
 
 #include <algorithm>
 #include <future>

@@ -1,4 +1,4 @@
-#include "transportcall.h"
+#include "krsystem/transportcall.h"
 
 namespace krsystem {
 

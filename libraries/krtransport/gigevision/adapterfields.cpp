@@ -126,8 +126,8 @@ NetworkAdapterFields MakeFields(const KernelLink& aLink, const KernelTables& aTa
   fields.name = aLink.name;
   fields.description = Describe(aLink, aReadDriverName);
   fields.isLoopback = IsLoopback(aLink);
-  if (aLink.mac != MacBytes{})
-    fields.macAddress = FormatMac(aLink.mac);
+  if (aLink.mac != krsystem::MACAddress{})
+    fields.macAddress = krsystem::FormatMAC(aLink.mac);
   if (IsUp(aLink)) {
     if (auto addresses = GetAddresses(aTables, aLink.index); !addresses.empty())
       fields.addresses = std::move(addresses);

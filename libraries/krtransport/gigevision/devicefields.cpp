@@ -18,11 +18,12 @@ std::string ChooseName(const DiscoveryPayload& aPayload) {
 
 krsystem::GEVFields MakeDeviceFields(const DiscoveryPayload& aPayload, const krsystem::NetworkAdapterFields& aAdapter) {
   krsystem::GEVFields fields;
-  fields.macAddress = FormatMac(aPayload.mac);
+  fields.macAddress = krsystem::FormatMAC(aPayload.mac);
   fields.ipAddress = krsystem::FormatIPv4(aPayload.address);
   fields.subnetMask = krsystem::FormatIPv4(aPayload.mask);
   fields.defaultGateway = krsystem::FormatIPv4(aPayload.gateway);
-  fields.uniqueID = aPayload.mac != MacBytes{} ? fields.macAddress : fields.ipAddress + "/" + aPayload.serialNumber;
+  fields.uniqueID =
+      aPayload.mac != krsystem::MACAddress{} ? fields.macAddress : fields.ipAddress + "/" + aPayload.serialNumber;
   fields.displayID = KrString(ChooseName(aPayload)) + " (" + fields.ipAddress + ")";
   fields.vendorName = aPayload.manufacturer;
   fields.modelName = aPayload.model;

@@ -2,9 +2,9 @@
 // Gives a device another IP configuration by its MAC address (GigE Vision 2.x, FORCEIP), on the network adapter where
 // it is. Whether the configuration makes sense is left to those who ask for it.
 
-#include "gigevision/gvcptext.h"
 #include "krbase/krresult.h"
 #include "krsystem/krinterface.h"
+#include "krsystem/macaddress.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@
 namespace krtransport {
 
 struct ForcedConfiguration {
-  MacBytes mac{};
+  krsystem::MACAddress mac{};
   std::uint32_t address = 0;
   std::uint32_t mask = 0;
   std::uint32_t gateway = 0;

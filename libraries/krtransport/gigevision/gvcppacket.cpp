@@ -1,5 +1,7 @@
 #include "gigevision/gvcppacket.h"
 
+#include "gigevision/gvcptext.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -109,8 +111,8 @@ std::vector<std::uint8_t> MakeDiscoveryCommand(std::uint16_t aRequestID) {
   return MakeCommand(GvcpMessage::DiscoveryCommand, kAcknowledgeRequired | kBroadcastAcknowledgeAllowed, aRequestID, 0);
 }
 
-std::vector<std::uint8_t> MakeForceIPCommand(std::uint16_t aRequestID, const MacBytes& aMac, std::uint32_t aAddress,
-                                             std::uint32_t aMask, std::uint32_t aGateway) {
+std::vector<std::uint8_t> MakeForceIPCommand(std::uint16_t aRequestID, const krsystem::MACAddress& aMac,
+                                             std::uint32_t aAddress, std::uint32_t aMask, std::uint32_t aGateway) {
   auto datagram = MakeCommand(GvcpMessage::ForceIPCommand, kAcknowledgeRequired | kBroadcastAcknowledgeAllowed,
                               aRequestID, kForceIPPayloadSize);
   std::copy(aMac.begin(), aMac.end(), datagram.begin() + kHeaderSize + 2);

@@ -3,8 +3,8 @@
 // from bytes that nobody vouches for. Sockets, retries and time limits are left to the clients.
 
 #include "aravis/registerchannel.h"
-#include "gigevision/gvcptext.h"
 #include "krbase/krresult.h"
+#include "krsystem/macaddress.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -49,7 +49,7 @@ enum class GvcpMessage : std::uint16_t {
 struct DiscoveryPayload {
   std::uint32_t version = 0;    ///< Major in the upper, minor in the lower 16 bits.
   std::uint32_t deviceMode = 0; ///< Bit 31 big-endian, bits 28 to 30 class, low byte character set.
-  MacBytes mac{};
+  krsystem::MACAddress mac{};
   std::uint32_t ipConfigOptions = 0; ///< Bit 0 persistent, bit 1 DHCP, bit 2 link-local; other bits are cut off.
   std::uint32_t ipConfigCurrent = 0; ///< The same bits.
   std::uint32_t address = 0;
@@ -66,8 +66,8 @@ struct DiscoveryPayload {
 /// Commands, ready to be sent. A request id of 0 is not allowed by the standard; the caller counts from 1.
 std::vector<std::uint8_t> MakeDiscoveryCommand(std::uint16_t aRequestID);
 /// Tells the device of a MAC address, wherever it is, which addresses to use.
-std::vector<std::uint8_t> MakeForceIPCommand(std::uint16_t aRequestID, const MacBytes& aMac, std::uint32_t aAddress,
-                                             std::uint32_t aMask, std::uint32_t aGateway);
+std::vector<std::uint8_t> MakeForceIPCommand(std::uint16_t aRequestID, const krsystem::MACAddress& aMac,
+                                             std::uint32_t aAddress, std::uint32_t aMask, std::uint32_t aGateway);
 std::vector<std::uint8_t> MakeReadRegisterCommand(std::uint16_t aRequestID, std::uint32_t aAddress);
 /// Address and count are multiples of 4, the count at most kMaxReadMemory.
 std::vector<std::uint8_t> MakeReadMemoryCommand(std::uint16_t aRequestID, std::uint32_t aAddress, std::uint16_t aCount);

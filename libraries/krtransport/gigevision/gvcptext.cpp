@@ -1,7 +1,8 @@
 #include "gigevision/gvcptext.h"
 
+#include "krsystem/formatmark.h"
+
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <string_view>
 
@@ -9,7 +10,6 @@ namespace krtransport {
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-constexpr std::size_t kMacTextLength = 17;
 
 // The form of one UTF-8 sequence by its first byte, and the range of its second byte, which excludes overlong forms,
 // surrogates and what is beyond U+10FFFF (Unicode, table 3-7).
@@ -47,33 +47,16 @@ std::size_t GetCharacterLength(std::span<const std::uint8_t> aBytes) {
   return std::all_of(rest.begin(), rest.end(), IsContinuation) ? form->length : 0;
 }
 
+// The number of a well-formed character.
+char32_t Decode(std::span<const std::uint8_t> aCharacter) {
+  constexpr std::uint8_t kFirstBits[] = {0x7F, 0x1F, 0x0F, 0x07};
+  char32_t number = aCharacter[0] & kFirstBits[aCharacter.size() - 1];
+  for (const std::uint8_t byte : aCharacter.subspan(1))
+    number = number << 6 | (byte & 0x3Fu);
+  return number;
+}
+
 } // namespace
-
-std::string FormatMac(const MacBytes& aMac) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string text;
-  for (const std::uint8_t byte : aMac) {
-    if (!text.empty())
-      text += ':';
-    text += kDigits[byte >> 4];
-    text += kDigits[byte & 0x0Fu];
-  }
-  return text;
-}
-
-bool ParseMac(const std::string& aText, MacBytes& aMac) {
-  if (aText.size() != kMacTextLength)
-    return false;
-  MacBytes mac{};
-  for (std::size_t i = 0; i < mac.size(); ++i) {
-    const char* pair = aText.data() + i * 3;
-    const auto [end, error] = std::from_chars(pair, pair + 2, mac[i], 16);
-    if (error != std::errc() || end != pair + 2 || (i + 1 < mac.size() && pair[2] != ':'))
-      return false;
-  }
-  aMac = mac;
-  return true;
-}
 
 std::string ReadText(std::span<const std::uint8_t> aField) {
   const auto end = std::find(aField.begin(), aField.end(), std::uint8_t{0});
@@ -81,7 +64,7 @@ std::string ReadText(std::span<const std::uint8_t> aField) {
   std::string text;
   while (!rest.empty()) {
     const std::size_t length = GetCharacterLength(rest);
-    if (length == 0)
+    if (length == 0 || krsystem::IsFormatMark(Decode(rest.first(length))))
       text += kReplacement;
     else
       text.append(rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(length));

@@ -2,8 +2,8 @@
 // What the kernel knows of this host's network: its links, their addresses, the ways out and the neighbours, as plain
 // values. What is made of them is decided elsewhere.
 
-#include "gigevision/gvcptext.h"
 #include "krbase/krresult.h"
+#include "krsystem/macaddress.h"
 
 #include <cstdint>
 #include <string>
@@ -17,7 +17,7 @@ struct KernelLink {
   std::string kind;               ///< Of a virtual one, for example "veth" or "vlan"; empty for hardware.
   std::uint32_t flags = 0;        ///< IFF_UP, IFF_LOOPBACK, IFF_LOWER_UP …
   std::uint32_t hardwareType = 0; ///< ARPHRD_ETHER …
-  MacBytes mac{};                 ///< Zeros where it has none.
+  krsystem::MACAddress mac{};     ///< Zeros where it has none.
   int master = 0;                 ///< The link whose port it is; 0 for none.
   int lower = 0;                  ///< The link that it stands on, of this network namespace; 0 for none.
 };

@@ -1,6 +1,7 @@
 #include "simulation/bootstrapregisters.h"
 
 #include "krsystem/ipv4address.h"
+#include "krsystem/macaddress.h"
 #include "simulation/cameradescription.h"
 #include "simulation/cameraregisters.h"
 
@@ -27,12 +28,9 @@ struct ReservedRange {
 };
 constexpr std::array<ReservedRange, 4> kReserved = {{{0x0018, 12}, {0x0028, 12}, {0x0038, 12}, {0x00F8, 264}}};
 
-std::uint64_t ParseMAC(const KrString& aText) {
-  std::array<unsigned, 6> bytes = {};
-  std::sscanf(aText.CStr(), "%2x:%2x:%2x:%2x:%2x:%2x", &bytes[0], &bytes[1], &bytes[2], &bytes[3], &bytes[4],
-              &bytes[5]);
+std::uint64_t ReadMAC(const KrString& aText) {
   std::uint64_t address = 0;
-  for (const unsigned byte : bytes)
+  for (const std::uint8_t byte : krsystem::ParseMAC(aText).value_or(krsystem::MACAddress{}))
     address = address << 8 | byte;
   return address;
 }
@@ -73,7 +71,7 @@ void DefineLastingConfiguration(RegisterMemory& aMemory, const LabGEVCamera& aCa
 } // namespace
 
 void DefineBootstrapRegisters(RegisterMemory& aMemory, const LabGEVCamera& aCamera) {
-  const std::uint64_t mac = ParseMAC(aCamera.macAddress);
+  const std::uint64_t mac = ReadMAC(aCamera.macAddress);
   const auto define = [&aMemory](std::uint64_t aAddress, const char* aName, std::uint32_t aValue) {
     aMemory.Define(aAddress, sizeof(aValue), RegisterAccess::ReadOnly, aName);
     aMemory.SetInteger(aAddress, aValue);

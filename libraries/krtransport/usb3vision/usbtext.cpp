@@ -1,6 +1,7 @@
 #include "usb3vision/usbtext.h"
 
 #include "krbase/krstring.h"
+#include "krsystem/formatmark.h"
 
 #include <algorithm>
 
@@ -11,12 +12,12 @@ constexpr std::uint8_t kStringDescriptor = 0x03;
 constexpr std::size_t kHeaderLength = 2;
 constexpr char16_t kReplacement = 0xFFFD;
 
-bool IsControl(char16_t aUnit) {
-  return aUnit < 0x20 || (aUnit >= 0x7F && aUnit < 0xA0);
+bool IsUnfit(char16_t aUnit) {
+  return aUnit < 0x20 || (aUnit >= 0x7F && aUnit < 0xA0) || krsystem::IsFormatMark(aUnit);
 }
 
 std::string Clean(std::u16string aText) {
-  std::ranges::replace_if(aText, IsControl, kReplacement);
+  std::ranges::replace_if(aText, IsUnfit, kReplacement);
   std::string text = KrString(std::u16string_view(aText)).ToUtf8();
   if (text.size() <= kMaxUsbText)
     return text;

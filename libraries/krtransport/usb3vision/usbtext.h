@@ -13,8 +13,8 @@ namespace krtransport {
 /// The most bytes that a text keeps. A string descriptor has at most 126 UTF-16 units, which are 378 bytes.
 inline constexpr std::size_t kMaxUsbText = 384;
 
-/// A text that can be shown as it is: at most kMaxUsbText bytes of valid UTF-8; control characters and bytes that are
-/// no UTF-8 become U+FFFD each.
+/// A text that can be shown as it is: at most kMaxUsbText bytes of valid UTF-8; control characters, marks that
+/// change how others are shown, and bytes that are no UTF-8 become U+FFFD each.
 std::string CleanUsbText(std::string_view aText);
 
 /// Reads a string descriptor (USB 2.0, 9.6.7), cleaned; empty for bytes that are none.

@@ -104,3 +104,10 @@ TEST(IPv4Address, FormatIPv4_Address_IsWhatParsesToIt) {
     EXPECT_EQ(FormatIPv4(row.address), row.text);
   }
 }
+
+TEST(IPv4Address, IsContiguousMask_OnesAndThenZeros_IsOne) {
+  for (const std::uint32_t mask : {0u, 0x80000000u, 0xFF000000u, 0xFFFFFE00u, 0xFFFFFFFEu, 0xFFFFFFFFu})
+    EXPECT_TRUE(krsystem::IsContiguousMask(mask)) << mask;
+  for (const std::uint32_t mask : {1u, 0x7FFFFFFFu, 0xFF00FF00u, 0xFFFFFFFDu, 0x00FFFFFFu})
+    EXPECT_FALSE(krsystem::IsContiguousMask(mask)) << mask;
+}

@@ -92,7 +92,7 @@ TEST(GvcpDiscovery, WholeAcknowledge_GivesEveryField) {
   EXPECT_EQ(payload.version, 0x00020001u);
   EXPECT_EQ(payload.deviceMode, 0xB0000001u);
   EXPECT_EQ(GetDeviceClass(payload.deviceMode), 3u);
-  EXPECT_EQ(FormatMac(payload.mac), "00:1a:2b:3c:4d:5e");
+  EXPECT_EQ(krsystem::FormatMAC(payload.mac), "00:1a:2b:3c:4d:5e");
   EXPECT_EQ(payload.ipConfigOptions, 7u);
   EXPECT_EQ(payload.ipConfigCurrent, 6u);
   EXPECT_EQ(payload.address, 0xC0A80114u);

@@ -23,6 +23,8 @@ const TextRow kTexts[] = {
     {"ControlCharacters", "a\x07\x1b[31m", "a\xEF\xBF\xBD\xEF\xBF\xBD[31m"},
     {"HighControlCharacter", "a\xC2\x85", "a\xEF\xBF\xBD"},
     {"NoUtf8", "a\xFFz", "a\xEF\xBF\xBDz"},
+    {"Directions", "a\u202Egnp.\u2069", "a\xEF\xBF\xBDgnp.\xEF\xBF\xBD"},
+    {"LinesAndNoWidth", "a\u2028\u200B\uFEFF", "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
 };
 
 class UsbText : public testing::TestWithParam<TextRow> {};

@@ -23,12 +23,6 @@ std::uint32_t GetLastField(std::uint32_t aAddress) {
   return aAddress & kFieldMask;
 }
 
-/// No 1 bit after a 0 bit: what is not set is all at the end.
-bool IsContiguous(std::uint32_t aMask) {
-  const std::uint32_t host = ~aMask;
-  return (host & (host + 1)) == 0;
-}
-
 /// The adapter's values as numbers; the device's gateway stands for a text that does not parse.
 struct Adapter {
   std::uint32_t address;
@@ -61,7 +55,7 @@ KrString CheckMask(std::uint32_t aMask, const Adapter& aAdapter) {
   if (aMask != 0 && aMask != aAdapter.mask) {
     return "Device Subnet Mask should match Interface Subnet Mask.";
   }
-  if (!IsContiguous(aMask)) {
+  if (!krsystem::IsContiguousMask(aMask)) {
     return "Invalid subnet mask.";
   }
   return {};

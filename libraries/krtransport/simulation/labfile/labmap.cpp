@@ -1,9 +1,9 @@
 #include "simulation/labfile/labmap.h"
 
 #include "krsystem/ipv4address.h"
+#include "krsystem/macaddress.h"
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <numeric>
@@ -15,7 +15,6 @@ namespace {
 
 constexpr double kMostSeconds = 1e9;
 constexpr double kNanosecondsPerSecond = 1e9;
-constexpr std::size_t kMACLength = 17; // "aa:bb:cc:dd:ee:ff".
 constexpr std::size_t kMostQuotedBytes = 64;
 
 // A value in a message, as short as can be told.
@@ -60,19 +59,6 @@ std::optional<std::uint64_t> ParseNumber(std::string_view aText) {
   if (error != std::errc() || end != digits.data() + digits.size())
     return std::nullopt;
   return number;
-}
-
-bool IsMAC(std::string_view aText) {
-  if (aText.size() != kMACLength)
-    return false;
-  for (std::size_t i = 0; i < kMACLength; ++i) {
-    const char character = aText[i];
-    const bool isHex = (character >= '0' && character <= '9') || (character >= 'a' && character <= 'f') ||
-                       (character >= 'A' && character <= 'F');
-    if (i % 3 == 2 ? character != ':' : !isHex)
-      return false;
-  }
-  return true;
 }
 
 } // namespace
@@ -185,7 +171,7 @@ void LabMap::TakeMask(std::string_view aKey, KrString& aMask) {
   if (!node || !IsAddress(*node, aKey))
     return;
   const std::uint32_t mask = krsystem::ParseIPv4(node->text).value_or(0);
-  if (std::countl_one(mask) + std::countr_zero(mask) < 32)
+  if (!krsystem::IsContiguousMask(mask))
     Report(node->place,
            "\"" + std::string(aKey) + "\" has to be a subnet mask, ones and then zeros, not " + Quote(node->text));
   else
@@ -195,16 +181,13 @@ void LabMap::TakeMask(std::string_view aKey, KrString& aMask) {
 void LabMap::TakeMAC(std::string_view aKey, KrString& aMAC) {
   const YamlNode* node = nullptr;
   const std::string* const text = FindScalar(aKey, node);
-  if (text && !IsMAC(*text)) {
+  if (!text)
+    return;
+  if (const auto address = krsystem::ParseMAC(*text))
+    aMAC = krsystem::FormatMAC(*address);
+  else
     Report(node->place,
            "\"" + std::string(aKey) + "\" has to be a MAC address as in 00:11:22:aa:bb:cc, not " + Quote(*text));
-  } else if (text) {
-    std::string lower = *text;
-    std::ranges::transform(lower, lower.begin(), [](char aCharacter) {
-      return aCharacter >= 'A' && aCharacter <= 'F' ? static_cast<char>(aCharacter - 'A' + 'a') : aCharacter;
-    });
-    aMAC = lower;
-  }
 }
 
 void LabMap::TakeVersion(std::string_view aKey, std::uint32_t aMost, std::uint32_t& aVersion) {

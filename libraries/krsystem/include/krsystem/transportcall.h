@@ -23,6 +23,7 @@ KrResult CallTransport(const char* aOperationName, Operation&& aOperation) {
 }
 
 /// Writes a warning that a transport failed in what it attempted, with its name and its result's text. Any thread.
-void LogTransportFailure(const KrLogSite& aSite, const char* aAttempt, ITransport& aTransport, const KrResult& aResult);
+KR_EXPORT void LogTransportFailure(const KrLogSite& aSite, const char* aAttempt, ITransport& aTransport,
+                                   const KrResult& aResult);
 
 } // namespace krsystem
