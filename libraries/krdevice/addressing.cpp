@@ -1,9 +1,10 @@
 #include "addressing.h"
 
 #include "krsystem/ipv4address.h"
+#include "krsystem/macaddress.h"
+#include "krsystem/transportcall.h"
 #include "krsystem/transportregistry.h"
 
-#include <exception>
 #include <future>
 #include <string>
 #include <system_error>
@@ -13,37 +14,9 @@ namespace krdevice {
 
 namespace {
 
-constexpr std::size_t kMACLength = 17; // "aa:bb:cc:dd:ee:ff".
-
-bool IsHexDigit(char aCharacter) {
-  return (aCharacter >= '0' && aCharacter <= '9') || (aCharacter >= 'a' && aCharacter <= 'f') ||
-         (aCharacter >= 'A' && aCharacter <= 'F');
-}
-
-bool IsMACAddress(const std::string& aText) {
-  if (aText.size() != kMACLength)
-    return false;
-  for (std::size_t i = 0; i < kMACLength; ++i) {
-    if (i % 3 == 2 ? aText[i] != ':' : !IsHexDigit(aText[i]))
-      return false;
-  }
-  return true;
-}
-
 KrResult RefuseIPv4(const char* aMeaning, const KrString& aText) {
   return {KrResult::Code::InvalidInput, "Setting a device's IP configuration: the " + KrString(aMeaning) + " \"" +
                                             aText + "\" is no IPv4 address; write four numbers, as in 192.168.1.20."};
-}
-
-template <typename Operation>
-KrResult CallTransport(Operation&& aOperation) {
-  try {
-    return aOperation();
-  } catch (const std::exception& error) {
-    return {KrResult::Code::SystemError, std::string("A transport was ended by an exception: ") + error.what()};
-  } catch (...) {
-    return {KrResult::Code::SystemError, "A transport was ended by an exception of unknown type."};
-  }
 }
 
 // A transport that does not know the device is no failure as long as another does.
@@ -61,7 +34,8 @@ std::vector<std::future<AccessAnswer>> AskAll(const krsystem::GEVFields& aFields
   for (const std::shared_ptr<krsystem::ITransport>& transport : krsystem::GetTransports()) {
     const auto ask = [transport, aFields] {
       AccessAnswer answer;
-      answer.result = CallTransport([&] { return transport->GetAccessType(aFields, answer.type); });
+      answer.result =
+          krsystem::CallTransport("A transport", [&] { return transport->GetAccessType(aFields, answer.type); });
       return answer;
     };
     try {
@@ -78,7 +52,7 @@ std::vector<std::future<AccessAnswer>> AskAll(const krsystem::GEVFields& aFields
 
 KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aSubnetMask,
                      const KrString& aGateway) {
-  if (!IsMACAddress(aMAC.ToUtf8()))
+  if (!krsystem::ParseMAC(aMAC))
     return {KrResult::Code::InvalidInput, "Setting a device's IP configuration: \"" + aMAC +
                                               "\" is no MAC address; write it as in 00:11:22:aa:bb:cc."};
   const std::pair<const char*, const KrString*> texts[] = {
@@ -87,17 +61,25 @@ KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrStr
     if (!krsystem::ParseIPv4(*text))
       return RefuseIPv4(meaning, *text);
   }
-  KrResult failure(KrResult::Code::NotFound, "Setting the IP configuration of " + aMAC +
-                                                 ": no device confirms it; check its cable and its power.");
+  KrResult silence = KrResult::Code::NotFound;
+  KrResult failure;
   for (const std::shared_ptr<krsystem::ITransport>& transport : krsystem::GetTransports()) {
-    const KrResult result =
-        CallTransport([&] { return transport->ConfigureIP(aMAC, aAddress, aSubnetMask, aGateway); });
+    const KrResult result = krsystem::CallTransport(
+        "A transport", [&] { return transport->ConfigureIP(aMAC, aAddress, aSubnetMask, aGateway); });
     if (result.IsOK())
       return result;
     if (!IsSilence(result))
       failure = result;
+    else if (result == KrResult::Code::NotFound && silence.GetDescription().IsEmpty())
+      silence = result;
   }
-  return failure;
+  if (!failure.IsOK())
+    return failure;
+  // What a transport tells of a device that confirms nothing says more than that nobody does.
+  if (!silence.GetDescription().IsEmpty())
+    return silence;
+  return {KrResult::Code::NotFound,
+          "Setting the IP configuration of " + aMAC + ": no device confirms it; check its cable and its power."};
 }
 
 KrResult AskAccessType(const KrString& aAddress, krsystem::AccessType& aType) {

@@ -67,6 +67,10 @@ struct RegisterValues {
   friend bool operator==(const RegisterValues&, const RegisterValues&) = default;
 };
 
+bool HasSameAddresses(const RegisterValues& aOne, const RegisterValues& aOther) {
+  return aOne.address == aOther.address && aOne.mask == aOther.mask && aOne.gateway == aOther.gateway;
+}
+
 // The addresses of a device that keeps none stay 0: their registers are not there.
 KrResult ReadAll(IKrRegisterPort& aPort, RegisterValues& aValues) {
   RegisterValues values;
@@ -117,19 +121,56 @@ KrResult CheckOptions(const RegisterValues& aWanted, std::uint32_t aOptions) {
   return {};
 }
 
+KrResult RefuseAddress(const char* aMeaning, std::uint32_t aAddress, const char* aReason) {
+  return {KrResult::Code::InvalidInput, "Setting how the device gets its address: the " + KrString(aMeaning) + " " +
+                                            krsystem::FormatIPv4(aAddress) + " " + aReason +
+                                            " The device's configuration stays as it is."};
+}
+
+// Whether no host at all can have the address: this network (0/8), this host (127/8), many hosts (224/4), none (240/4).
+bool IsNobodys(std::uint32_t aAddress) {
+  const std::uint32_t firstField = aAddress >> 24;
+  return firstField == 0 || firstField == 127 || firstField >= 224;
+}
+
+// Zeros stand for an address that is not kept, unless it counts.
+KrResult CheckAddresses(const RegisterValues& aWanted) {
+  if (!krsystem::IsContiguousMask(aWanted.mask))
+    return RefuseAddress("subnet mask", aWanted.mask, "has a gap: its ones come first, then its zeros.");
+  if (aWanted.gateway != 0 && IsNobodys(aWanted.gateway))
+    return RefuseAddress("gateway", aWanted.gateway, "cannot be the address of a router.");
+  const bool counts = (aWanted.current & kPersistentBit) != 0;
+  if (aWanted.address == 0 && !counts)
+    return {};
+  if (IsNobodys(aWanted.address))
+    return RefuseAddress("address", aWanted.address, "cannot be the address of a device.");
+  // A mask without ones says nothing of the subnet; a subnet of one or two addresses has none set apart (RFC 3021).
+  const std::uint32_t hosts = ~aWanted.mask;
+  const std::uint32_t host = aWanted.address & hosts;
+  if (aWanted.mask != 0 && hosts > 1 && (host == 0 || host == hosts))
+    return RefuseAddress("address", aWanted.address,
+                         host == 0 ? "is that of its subnet as a whole." : "is its subnet's broadcast address.");
+  return {};
+}
+
 struct RegisterChange {
   std::uint64_t address;
   std::uint32_t before;
   std::uint32_t after;
 };
 
-// Puts back, in the reverse order, what the first aCount changes may have written; the last of them may have reached
-// the device although it failed.
+// Puts back, in the reverse order, what the first aCount changes may have written; says nothing where that is nothing.
 KrString PutBack(IKrRegisterPort& aPort, std::span<const RegisterChange> aChanges, std::size_t aCount) {
+  bool isWritten = false;
   bool isBack = true;
-  for (std::size_t i = aCount; i-- > 0;)
-    if (aChanges[i].before != aChanges[i].after)
-      isBack = WriteRegister(aPort, aChanges[i].address, aChanges[i].before).IsOK() && isBack;
+  for (std::size_t i = aCount; i-- > 0;) {
+    if (aChanges[i].before == aChanges[i].after)
+      continue;
+    isWritten = true;
+    isBack = WriteRegister(aPort, aChanges[i].address, aChanges[i].before).IsOK() && isBack;
+  }
+  if (!isWritten)
+    return {};
   return isBack ? " What was written before was put back."
                 : " What was written before could not all be put back: look what the device holds now.";
 }
@@ -170,6 +211,10 @@ KrResult WriteLastingIP(IKrRegisterPort& aPort, const KrLastingIPConfiguration& 
   wanted.current = (before.current & ~kWayBits) | GetWays(aConfiguration);
   if (KrResult result = CheckOptions(wanted, before.options); !result.IsOK())
     return result;
+  // What the device holds already and does not use may be as it is.
+  if (aConfiguration.persistent || !HasSameAddresses(wanted, before))
+    if (KrResult result = CheckAddresses(wanted); !result.IsOK())
+      return result;
   // The ways come last: no way to an address that is not whole yet is ever switched on.
   const RegisterChange changes[] = {{kAddressRegister, before.address, wanted.address},
                                     {kMaskRegister, before.mask, wanted.mask},
@@ -179,9 +224,12 @@ KrResult WriteLastingIP(IKrRegisterPort& aPort, const KrLastingIPConfiguration& 
     if (changes[i].before == changes[i].after)
       continue;
     const KrResult written = WriteRegister(aPort, changes[i].address, changes[i].after);
-    if (!written.IsOK())
-      return {written.GetCode(), "Writing how the device gets its address failed. " + written.GetDescription() +
-                                     PutBack(aPort, changes, i + 1)};
+    if (written.IsOK())
+      continue;
+    // A write that failed otherwise than by refusal may have reached the device.
+    const std::size_t mayBeWritten = written == KrResult::Code::AccessDenied ? i : i + 1;
+    return {written.GetCode(), "Writing how the device gets its address failed. " + written.GetDescription() +
+                                   PutBack(aPort, changes, mayBeWritten)};
   }
   const KrResult compared = CompareReadBack(aPort, wanted);
   if (!compared.IsOK())

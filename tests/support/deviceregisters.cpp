@@ -187,6 +187,8 @@ Bytes DeviceRegisters::AnswerForceIP(std::span<const std::uint8_t> aCommand) {
   const MacAddress mac = GetMac();
   if (!std::equal(mac.begin(), mac.end(), payload.begin() + 2))
     return {};
+  if (mForceIPManner == ForceIPManner::Ignore)
+    return {};
   // The standard lets a device refuse while an application controls it.
   if (mForceIPManner == ForceIPManner::Refuse || Read(kTestDevicePrivilege) != 0)
     return MakeAcknowledge(aCommand, kAccessDenied);

@@ -33,6 +33,7 @@ enum class ForceIPManner {
   Obey,               ///< Done, and acknowledged from the new address.
   ObeyFromOldAddress, ///< Done, and acknowledged as if it were not yet.
   Refuse,             ///< Acknowledged with the status "access denied".
+  Ignore,             ///< Neither done nor acknowledged, as by some devices that an application controls.
 };
 
 /// Who sent a command.

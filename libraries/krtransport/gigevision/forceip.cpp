@@ -49,7 +49,8 @@ KrString DescribePlace(const std::vector<NetworkAdapterFields>& aTold, bool aWas
   if (!aWasHeard)
     return "It did not answer on any network adapter either. Check that it is connected and switched on.";
   return "It answers on the network adapter " + aTold.front().name +
-         ", so it may have taken the configuration and been heard no more: look for it again.";
+         ", but does not acknowledge. An application may control it, which keeps some devices from taking one: close "
+         "that application. Or it took the configuration and is heard no more: look for it again.";
 }
 
 } // namespace
@@ -72,7 +73,7 @@ KrResult ForceIP(const std::vector<NetworkAdapterFields>& aAdapters, const Force
   for (const std::size_t index : ChooseAdapters(aAdapters, answering, aConfiguration.address))
     told.push_back(aAdapters[index]);
   KrResult result(KrResult::Code::NotFound, "No device acknowledged the new IP configuration for " +
-                                                KrString(FormatMac(aConfiguration.mac)) + ". " +
+                                                krsystem::FormatMAC(aConfiguration.mac) + ". " +
                                                 DescribePlace(told, !answering.empty()));
   const std::uint16_t requestID = TakeRequestID();
   const auto take = [&](std::size_t, std::span<const std::uint8_t> aDatagram) {

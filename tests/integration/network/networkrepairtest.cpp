@@ -65,6 +65,7 @@ TEST_F(OnANetwork, SetIPConfiguration_MacThatNobodyHas_IsNotFoundAndChangesNothi
       KrDeviceGEV::SetIPConfiguration("02:00:00:00:00:43", "192.168.1.50", "255.255.255.0", "0.0.0.0");
 
   EXPECT_EQ(result, KrResult::Code::NotFound);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("did not answer on any network adapter"));
   EXPECT_GE(device.GetHeard(0x0004), 1u);
   EXPECT_EQ(device.GetAddresses(), (DeviceAddresses{0x0A010203, 0xFF000000, 0}));
 }
@@ -76,6 +77,18 @@ TEST_F(OnANetwork, SetIPConfiguration_DeviceThatRefuses_IsAccessDenied) {
   const KrResult result = KrDeviceGEV::SetIPConfiguration(kMac, "192.168.1.50", "255.255.255.0", "0.0.0.0");
 
   EXPECT_EQ(result, KrResult::Code::AccessDenied);
+  EXPECT_EQ(device.GetAddresses().address, 0xC0A80163u);
+}
+
+TEST_F(OnANetwork, SetIPConfiguration_DeviceThatAnswersAndIgnoresIt_IsNotFoundWithWhatToDo) {
+  TestDevice device(mHost, "port0", {.mac = kMac, .address = "192.168.1.99"});
+  device.SetForceIPManner(ForceIPManner::Ignore);
+
+  const KrResult result = KrDeviceGEV::SetIPConfiguration(kMac, "192.168.1.50", "255.255.255.0", "0.0.0.0");
+
+  EXPECT_EQ(result, KrResult::Code::NotFound);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("It answers on the network adapter eth0"));
+  EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("close that application"));
   EXPECT_EQ(device.GetAddresses().address, 0xC0A80163u);
 }
 

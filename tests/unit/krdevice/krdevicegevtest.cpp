@@ -65,6 +65,21 @@ TEST(KrDeviceGEV, SetIPConfiguration_NobodyConfirms_IsNotFound) {
   EXPECT_FALSE(result.GetDescription().IsEmpty());
 }
 
+TEST(KrDeviceGEV, SetIPConfiguration_TransportsThatTellOfTheSilence_GivesTheFirstText) {
+  const RegisteredTransport unable;
+  const RegisteredTransport mute;
+  const RegisteredTransport telling;
+  const RegisteredTransport tellingLater;
+  unable->configureResult = {KrResult::Code::NotSupported, "has no addresses"};
+  telling->configureResult = {KrResult::Code::NotFound, "it answers, but"};
+  tellingLater->configureResult = {KrResult::Code::NotFound, "not here"};
+
+  const KrResult result = KrDeviceGEV::SetIPConfiguration(kMAC, "10.0.0.2", "255.0.0.0", "0.0.0.0");
+
+  EXPECT_TRUE(result == KrResult::Code::NotFound);
+  EXPECT_EQ(result.GetDescription(), "it answers, but");
+}
+
 TEST(KrDeviceGEV, SetIPConfiguration_OneTransportKnowsWhyNot_GivesItsReason) {
   const RegisteredTransport refusing;
   const RegisteredTransport silent;

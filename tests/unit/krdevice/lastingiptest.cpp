@@ -49,7 +49,7 @@ public:
       value = value << 8 | static_cast<const std::uint8_t*>(aData)[i];
     writes.emplace_back(aAddress, value);
     if (refusedWrites.contains(aAddress) && refusedWrites[aAddress]-- > 0)
-      return {KrResult::Code::AccessDenied, "access denied"};
+      return refusal;
     registers[aAddress] = value | (aAddress == kCurrent ? stuckWays : 0);
     return {};
   }
@@ -60,7 +60,8 @@ public:
                          {kMask, 0xFF000000},
                          {kGateway, 0x0A000001}};
   Writes writes;
-  std::map<std::uint64_t, int> refusedWrites; ///< How many of the next writes fail, by register.
+  std::map<std::uint64_t, int> refusedWrites;                      ///< How many of the next writes fail, by register.
+  KrResult refusal{KrResult::Code::AccessDenied, "access denied"}; ///< What they fail with.
   std::uint32_t stuckWays = 0;
 };
 
@@ -145,6 +146,11 @@ struct RefusedRow {
   KrResult::Code code;
 };
 
+KrLastingIPConfiguration Keep(const char* aAddress, const char* aMask = "255.255.255.0",
+                              const char* aGateway = "0.0.0.0") {
+  return {.persistent = true, .address = aAddress, .subnetMask = aMask, .gateway = aGateway};
+}
+
 const RefusedRow kRefused[] = {
     {"AddressThatDoesNotParse", 7, {.address = "10.0.0"}, KrResult::Code::InvalidInput},
     {"MaskThatDoesNotParse", 7, {.subnetMask = ""}, KrResult::Code::InvalidInput},
@@ -153,6 +159,19 @@ const RefusedRow kRefused[] = {
     {"DhcpNotOffered", 5, {.dhcp = true}, KrResult::Code::NotSupported},
     {"LinkLocalNotOffered", 3, {.linkLocal = true}, KrResult::Code::NotSupported},
     {"AddressOfADeviceThatKeepsNone", 6, {.address = "10.0.0.2"}, KrResult::Code::NotSupported},
+    {"PersistentWithoutAddress", 7, Keep("0.0.0.0"), KrResult::Code::InvalidInput},
+    {"ThisNetwork", 7, Keep("0.0.0.5"), KrResult::Code::InvalidInput},
+    {"Loopback", 7, Keep("127.0.0.1"), KrResult::Code::InvalidInput},
+    {"Multicast", 7, Keep("224.0.0.5"), KrResult::Code::InvalidInput},
+    {"Reserved", 7, Keep("240.0.0.5"), KrResult::Code::InvalidInput},
+    {"LimitedBroadcast", 7, Keep("255.255.255.255"), KrResult::Code::InvalidInput},
+    {"SubnetItself", 7, Keep("192.168.1.0"), KrResult::Code::InvalidInput},
+    {"SubnetsBroadcast", 7, Keep("192.168.1.255"), KrResult::Code::InvalidInput},
+    {"SubnetItselfOfOddSize", 7, Keep("192.168.1.8", "255.255.255.248"), KrResult::Code::InvalidInput},
+    {"MaskWithAGap", 7, Keep("192.168.1.20", "255.255.0.255"), KrResult::Code::InvalidInput},
+    {"MulticastGateway", 7, Keep("192.168.1.20", "255.255.255.0", "224.0.0.1"), KrResult::Code::InvalidInput},
+    {"LoopbackGateway", 7, Keep("192.168.1.20", "255.255.255.0", "127.0.0.1"), KrResult::Code::InvalidInput},
+    {"MulticastThatDoesNotCountYet", 7, {.address = "224.0.0.5"}, KrResult::Code::InvalidInput},
 };
 
 class LastingIPRefused : public LastingIP, public testing::WithParamInterface<RefusedRow> {};
@@ -170,28 +189,101 @@ TEST_P(LastingIPRefused, Set_WhatCannotBe_IsRefusedBeforeAnythingIsWritten) {
 INSTANTIATE_TEST_SUITE_P(Configurations, LastingIPRefused, testing::ValuesIn(kRefused),
                          [](const auto& aInfo) { return aInfo.param.what; });
 
-class LastingIPBroken : public LastingIP, public testing::WithParamInterface<std::uint64_t> {};
+class LastingIPAccepted : public LastingIP, public testing::WithParamInterface<RefusedRow> {};
+
+const RefusedRow kAccepted[] = {
+    {"OrdinaryAddress", 7, Keep("192.168.1.20"), KrResult::Code::OK},
+    {"EndsByZeroInALargerSubnet", 7, Keep("10.0.1.0", "255.0.0.0"), KrResult::Code::OK},
+    {"FirstOfASubnetOfTwo", 7, Keep("192.168.1.20", "255.255.255.254"), KrResult::Code::OK},
+    {"LastOfASubnetOfTwo", 7, Keep("192.168.1.21", "255.255.255.254"), KrResult::Code::OK},
+    {"SubnetOfOne", 7, Keep("192.168.1.20", "255.255.255.255"), KrResult::Code::OK},
+    {"WithoutMask", 7, Keep("192.168.1.20", "0.0.0.0"), KrResult::Code::OK},
+    {"NoneThatCounts", 7, {.persistent = false}, KrResult::Code::OK},
+};
+
+TEST_P(LastingIPAccepted, Set_WhatCanBe_IsWritten) {
+  const KrResult result = mDevice->SetLastingIPConfiguration(GetParam().configuration);
+
+  ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  KrLastingIPConfiguration kept;
+  ASSERT_TRUE(mDevice->GetLastingIPConfiguration(kept).IsOK());
+  EXPECT_EQ(kept, GetParam().configuration);
+}
+
+INSTANTIATE_TEST_SUITE_P(Configurations, LastingIPAccepted, testing::ValuesIn(kAccepted),
+                         [](const auto& aInfo) { return aInfo.param.what; });
+
+TEST_F(LastingIP, Set_NonsenseThatTheDeviceHoldsAndDoesNotUse_StaysAsItIs) {
+  mLink->registers[kAddress] = mLink->registers[kMask] = mLink->registers[kGateway] = 0xFFFFFFFF;
+  KrLastingIPConfiguration configuration;
+  ASSERT_TRUE(mDevice->GetLastingIPConfiguration(configuration).IsOK());
+  configuration.dhcp = false;
+
+  const KrResult result = mDevice->SetLastingIPConfiguration(configuration);
+
+  ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_THAT(mLink->writes, ElementsAre(Pair(kCurrent, 4 | kFlowControl)));
+}
+
+struct BrokenRow {
+  const char* what;
+  KrResult::Code code;
+  std::uint64_t firstThatFails;
+};
+
+constexpr BrokenRow kBroken[] = {
+    {"MaskRefused", KrResult::Code::AccessDenied, kMask},
+    {"GatewayRefused", KrResult::Code::AccessDenied, kGateway},
+    {"WaysRefused", KrResult::Code::AccessDenied, kCurrent},
+    {"AddressUnanswered", KrResult::Code::TimeLimitExceeded, kAddress},
+    {"MaskUnanswered", KrResult::Code::TimeLimitExceeded, kMask},
+    {"WaysUnanswered", KrResult::Code::TimeLimitExceeded, kCurrent},
+};
+
+class LastingIPBroken : public LastingIP, public testing::WithParamInterface<BrokenRow> {};
 
 TEST_P(LastingIPBroken, Set_WriteThatFailsMidway_PutsBackWhatWasWritten) {
   const Registers before = mLink->registers;
-  mLink->refusedWrites[GetParam()] = 1;
+  mLink->refusal = {GetParam().code, "because"};
+  mLink->refusedWrites[GetParam().firstThatFails] = 1;
 
   const KrResult result = mDevice->SetLastingIPConfiguration(MakeConfiguration());
 
-  EXPECT_EQ(result, KrResult::Code::AccessDenied);
-  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("access denied"));
+  EXPECT_EQ(result, GetParam().code);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("because"));
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("was put back"));
   EXPECT_EQ(mLink->registers, before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Registers, LastingIPBroken, testing::Values(kAddress, kMask, kGateway, kCurrent));
+INSTANTIATE_TEST_SUITE_P(Registers, LastingIPBroken, testing::ValuesIn(kBroken),
+                         [](const auto& aInfo) { return aInfo.param.what; });
 
-TEST_F(LastingIP, Set_WhatCannotBePutBackEither_SaysSo) {
-  mLink->refusedWrites[kMask] = 2;
+TEST_F(LastingIP, Set_WriteThatIsRefused_IsNotWrittenAgain) {
+  mLink->refusedWrites[kMask] = 1;
+
+  EXPECT_EQ(mDevice->SetLastingIPConfiguration(MakeConfiguration()), KrResult::Code::AccessDenied);
+
+  EXPECT_THAT(mLink->writes,
+              ElementsAre(Pair(kAddress, 0xC0A80114), Pair(kMask, 0xFFFFFF00), Pair(kAddress, 0x0A000002)));
+}
+
+TEST_F(LastingIP, Set_FirstWriteIsRefused_SaysNothingOfPuttingBack) {
+  mLink->refusedWrites[kAddress] = 1;
 
   const KrResult result = mDevice->SetLastingIPConfiguration(MakeConfiguration());
 
   EXPECT_EQ(result, KrResult::Code::AccessDenied);
+  EXPECT_EQ(result.GetDescription(), "Writing how the device gets its address failed. access denied");
+  EXPECT_THAT(mLink->writes, ElementsAre(Pair(kAddress, 0xC0A80114)));
+}
+
+TEST_F(LastingIP, Set_WhatCannotBePutBackEither_SaysSo) {
+  mLink->refusal = {KrResult::Code::TimeLimitExceeded, "silence"};
+  mLink->refusedWrites[kMask] = 2;
+
+  const KrResult result = mDevice->SetLastingIPConfiguration(MakeConfiguration());
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("could not all be put back"));
 }
 

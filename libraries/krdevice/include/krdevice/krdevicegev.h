@@ -36,15 +36,18 @@ public:
 
   /// Reads how the device gets its address at its next start.
   KrResult GetLastingIPConfiguration(KrLastingIPConfiguration& aConfiguration);
-  /// Writes it; the device must be open with control. Ways that the device does not have are NotSupported and
-  /// texts that do not parse InvalidInput, before anything is written. Where writing fails midway, what was written
-  /// before is put back. Read back and compared: ProtocolError when the device keeps something else, and then, too,
-  /// what was there before is put back. An address that does not count yet (persistent is false) is kept all the same.
+  /// Writes it; the device must be open with control. Ways that the device does not have are NotSupported;
+  /// texts that do not parse and addresses that no device of the subnet can have (0.0.0.0 with persistent, multicast,
+  /// loopback, the subnet's own or its broadcast address, a mask with a gap) InvalidInput, before anything is written.
+  /// Where writing fails midway, what was written before is put back. Read back and compared: ProtocolError when the
+  /// device keeps something else, and then, too, what was there before is put back. An address that does not count yet
+  /// (persistent is false) is kept all the same.
   KrResult SetLastingIPConfiguration(const KrLastingIPConfiguration& aConfiguration);
 
   /// Gives the device of a MAC address ("aa:bb:cc:dd:ee:ff") another IP configuration (texts "a.b.c.d") until its next
   /// start (GigE Vision 2.x, FORCEIP), on the adapter where it answers. InvalidInput for texts that do not parse,
-  /// NotFound when no device confirms.
+  /// NotFound when no device confirms,
+  /// with a text that says whether it answers at all: some keep silent while an application controls them.
   static KrResult SetIPConfiguration(const KrString& aMAC, const KrString& aAddress, const KrString& aSubnetMask,
                                      const KrString& aGateway);
   /// Asks the device of an address who controls it, without taking control: one register is read, once, within 200 ms.
