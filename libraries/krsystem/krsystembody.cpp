@@ -1,7 +1,7 @@
 #include "krsystembody.h"
 
+#include "krsystem/transportcall.h"
 #include "krsystem/transportregistry.h"
-#include "transportcall.h"
 
 #include <algorithm>
 #include <iterator>
@@ -56,14 +56,17 @@ void KrSystem::Body::Cancel() {
 std::vector<krsystem::DiscoveryPart> KrSystem::Body::ListInterfaces() {
   mInterfaces.clear();
   std::vector<krsystem::DiscoveryPart> parts;
+  std::map<std::shared_ptr<krsystem::ITransport>, std::vector<krsystem::InterfaceFields>> listed;
   for (const std::shared_ptr<krsystem::ITransport>& transport : krsystem::GetTransports()) {
     krsystem::DiscoveryPart part{transport, {}, {}};
-    const KrResult listed =
+    const KrResult result =
         krsystem::CallTransport("Listing the interfaces", [&] { return transport->ListInterfaces(part.interfaces); });
-    if (!listed.IsOK()) {
-      krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, "Looking for devices", *transport, listed);
-      part.interfaces.clear();
+    if (!result.IsOK()) {
+      krsystem::LogTransportFailure({"KrSystem::Find", "krsystem"}, "Looking for devices", *transport, result);
+      // Reading the system's tables may fail for a moment, in which no adapter has gone.
+      part.interfaces = mListed[transport];
     }
+    listed.emplace(transport, part.interfaces);
     for (const krsystem::InterfaceFields& fields : part.interfaces) {
       KrInterface* const interface = FindOrMake(transport, fields);
       part.objects.push_back(interface);
@@ -72,6 +75,7 @@ std::vector<krsystem::DiscoveryPart> KrSystem::Body::ListInterfaces() {
     }
     parts.push_back(std::move(part));
   }
+  mListed = std::move(listed);
   std::erase_if(mAnsweredLoopbacks, [this](const auto& aAnswered) {
     return std::ranges::none_of(mInterfaces, [&aAnswered](const KrInterface* aInterface) {
       return aInterface->mTransport == aAnswered.first && aInterface->GetUniqueID() == aAnswered.second;

@@ -30,8 +30,8 @@ struct KrSystem::Body {
   /// Ends the operation that runs, if any.
   void Cancel();
 
-  /// Lists the interfaces of every transport anew; devices behind those that did not change stay listed. Gives the
-  /// shares of a round.
+  /// Lists the interfaces of every transport anew, those of one that fails as before; devices behind those that did not
+  /// change stay listed. Gives the shares of a round.
   std::vector<krsystem::DiscoveryPart> ListInterfaces();
   /// Takes the answers of a round in until it is over. Devices that did not answer leave the lists then, unless the
   /// round was cancelled.
@@ -90,6 +90,8 @@ private:
       std::make_shared<std::vector<krsystem::AnsweredDevice>>();
   std::multimap<KrString, const krsystem::AnsweredDevice*> mAnsweredByID; // Of mAnswered; filled once it is needed.
   std::multimap<KrString, InterfaceRecord> mInterfaceRecords;             // By unique ID.
+  /// What each transport listed when it last could.
+  std::map<std::shared_ptr<krsystem::ITransport>, std::vector<krsystem::InterfaceFields>> mListed;
   std::vector<KrInterface*> mInterfaces; // Of the last listing, with those that are not shown.
   std::set<std::pair<std::shared_ptr<krsystem::ITransport>, KrString>> mAnsweredLoopbacks; // By unique ID.
   std::multimap<KrString, DeviceRecord> mDeviceRecords;                                    // By unique ID.

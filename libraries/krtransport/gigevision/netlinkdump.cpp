@@ -1,13 +1,18 @@
 #include "gigevision/netlinkdump.h"
 
+#include "krbase/krlogger.h"
+
 #include <exception>
 #include <linux/netlink.h>
+#include <mutex>
 #include <netlink/errno.h>
 #include <netlink/msg.h>
 #include <netlink/netlink.h>
 #include <netlink/route/rtnl.h>
 #include <netlink/socket.h>
+#include <set>
 #include <string>
+#include <utility>
 
 namespace krtransport {
 namespace {
@@ -30,9 +35,25 @@ void TakeEntry(nl_object* aEntry, void* aTaker) {
   }
 }
 
+// Tables are read every second: what has been said of a kind of entry is not said again.
+void LogUnreadable(int aType, int aError) {
+  static std::mutex mutex; // Guards the set.
+  static std::set<std::pair<int, int>> said;
+  {
+    const std::lock_guard lock(mutex);
+    if (!said.emplace(aType, aError).second)
+      return;
+  }
+  KrLogger("GigEVision")
+      .Log(KrLogLevel::Warning, {"NetlinkDump::Read", "netlinkdump"},
+           "An entry of the system's network configuration (type " + std::to_string(aType) +
+               ") cannot be read and is left out: " + nl_geterror(aError) + ".");
+}
+
 int TakeMessage(nl_msg* aMessage, void* aTaker) {
   // An entry that the library cannot read is left out; the others are as good without it.
-  static_cast<void>(nl_msg_parse(aMessage, &TakeEntry, aTaker));
+  if (const int error = nl_msg_parse(aMessage, &TakeEntry, aTaker); error < 0)
+    LogUnreadable(nlmsg_hdr(aMessage)->nlmsg_type, error);
   return NL_OK;
 }
 
@@ -52,15 +73,14 @@ NetlinkDump::~NetlinkDump() = default;
 
 KrResult NetlinkDump::Read(int aRequest, int aFamily, const std::function<void()>& aBegin,
                            const TakeNetlinkEntry& aTake) {
-  constexpr int kMaxReadings = 5;
+  // A table in which entries may be missing is worth nothing: what it does not name would count as gone.
+  constexpr int kMaxReadings = 50;
   int error = mOpenError;
-  for (int reading = 0; error == 0 && reading < kMaxReadings; ++reading) {
+  bool isWhole = error != 0;
+  for (int reading = 0; !isWhole && reading < kMaxReadings; ++reading) {
     aBegin();
     error = ReadOnce(aRequest, aFamily, aTake);
-    if (error != -NLE_DUMP_INTR)
-      break;
-    // What changes again and again is taken as it is: entries may be missing until the next time.
-    error = 0;
+    isWhole = error != -NLE_DUMP_INTR;
   }
   if (error < 0)
     return {KrResult::Code::SystemError,

@@ -26,8 +26,8 @@ public:
   NetlinkDump& operator=(const NetlinkDump&) = delete;
 
   /// Reads a table (RTM_GETLINK, RTM_GETADDR, RTM_GETROUTE, RTM_GETNEIGH) of an address family. A table that changes
-  /// meanwhile is read again, a few times; each reading is begun by aBegin, which drops what was taken before.
-  /// SystemError when the kernel refuses. What the callers throw is thrown on.
+  /// meanwhile is read again, some dozens of times; each reading is begun by aBegin, which drops what was taken before.
+  /// SystemError when the kernel refuses, or never gives it whole. What the callers throw is thrown on.
   KrResult Read(int aRequest, int aFamily, const std::function<void()>& aBegin, const TakeNetlinkEntry& aTake);
 
 private:

@@ -1,5 +1,6 @@
 #include "krsystem/krsystem.h"
 
+#include "krbase/krlogger.h"
 #include "systemfixtures.h"
 
 #include <future>
@@ -163,6 +164,28 @@ TEST(KrSystemLists, Find_SinkIgnoresAListedDevice_LeavesTheLists) {
 
   EXPECT_THAT(ListDevices(system), IsEmpty());
   EXPECT_EQ(system.GetInterface(0)->GetDeviceCount(), 0u);
+}
+
+TEST(KrSystemLists, Find_TransportCannotListForAMoment_KeepsWhatItListedBefore) {
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0"), MakeAdapter("eth1")};
+  transport->answers = {{1, MakeCamera("a")}};
+  KrSystem system;
+  ASSERT_TRUE(system.Find().IsOK());
+  transport->interfaces = {MakeAdapter("eth0")};
+  transport->listResult = {KrResult::Code::SystemError, "interrupted"};
+  const KrLogCapture log;
+
+  EXPECT_TRUE(system.Find().IsOK());
+  const std::size_t interfacesThen = system.GetInterfaceCount();
+  const std::size_t devicesThen = system.GetDeviceCount();
+  transport->listResult = {};
+  transport->answers.clear();
+  EXPECT_TRUE(system.Find().IsOK());
+
+  EXPECT_EQ(interfacesThen, 2u);
+  EXPECT_EQ(devicesThen, 1u);
+  EXPECT_EQ(system.GetInterfaceCount(), 1u);
 }
 
 TEST(KrSystemLists, Loopback_WithoutAnAnswer_IsNotListed) {
