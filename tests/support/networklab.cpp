@@ -63,6 +63,10 @@ void NetworkLab::SetGateway(const std::string& aAdapter, const std::string& aGat
   RunIp({"route", "add", "default", "via", aGateway, "dev", aAdapter});
 }
 
+void NetworkLab::SetRoute(const std::string& aAdapter, const std::string& aAddress) const {
+  RunIp({"route", "add", aAddress + "/32", "dev", aAdapter});
+}
+
 void NetworkLab::SetMAC(const std::string& aAdapter, const std::string& aMAC) const {
   RunIp({"link", "set", aAdapter, "address", aMAC});
 }

@@ -43,6 +43,8 @@ public:
   void SetAddress(const std::string& aAdapter, const std::string& aAddressAndPrefix) const;
   void RemoveAddress(const std::string& aAdapter, const std::string& aAddressAndPrefix) const;
   void SetGateway(const std::string& aAdapter, const std::string& aGateway) const;
+  /// What goes to one address goes by this adapter, whatever subnets there are.
+  void SetRoute(const std::string& aAdapter, const std::string& aAddress) const;
   /// "aa:bb:cc:dd:ee:ff"
   void SetMAC(const std::string& aAdapter, const std::string& aMAC) const;
   void SetUp(const std::string& aAdapter) const;

@@ -8,7 +8,6 @@
 #include "krsystem/ipv4address.h"
 
 #include <algorithm>
-#include <iterator>
 #include <set>
 #include <utility>
 
@@ -78,6 +77,8 @@ bool AskOnAdapters(const std::vector<krsystem::NetworkAdapterFields>& aAdapters,
       LogRefused(aAdapters[aIndex], result);
       return true;
     }
+    if (payload.address != aAddress)
+      return true;
     aAdapter = aAdapters[aIndex];
     aDevice = MakeDeviceFields(payload, aAdapter);
     // It answered to its own address.
@@ -140,10 +141,7 @@ KrResult DiscoverAddress(const std::vector<krsystem::NetworkAdapterFields>& aAda
                          std::uint32_t aTimeoutMs, krsystem::NetworkAdapterFields& aAdapter,
                          krsystem::GEVFields& aDevice) {
   milliseconds timeout(std::max<std::uint32_t>(aTimeoutMs, 2));
-  std::vector<krsystem::NetworkAdapterFields> candidates;
-  std::copy_if(
-      aAdapters.begin(), aAdapters.end(), std::back_inserter(candidates),
-      [&](const krsystem::NetworkAdapterFields& aOne) { return FindLocalAddress(aOne, aAddress).has_value(); });
+  const std::vector<krsystem::NetworkAdapterFields> candidates = FindAdaptersOfSubnet(aAdapters, aAddress);
   // The routing table names one way alone, where the address may be behind either of several adapters.
   if (candidates.size() > 1) {
     timeout /= 2;

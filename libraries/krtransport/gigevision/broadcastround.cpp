@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
+#include <mutex>
 #include <utility>
 
 namespace krtransport {
@@ -21,11 +23,44 @@ constexpr milliseconds kMaxResendDelay{250};
 struct OpenAdapter {
   std::size_t index;
   GvcpSocket socket;
-  bool isPassedOver = false; ///< Nothing could be sent; said once a round.
+  bool isPassedOver = false; ///< Nothing could be sent.
 };
 
-// A host has adapters on which nothing can be sent (no cable, no address): worth a note, no reason to stop.
+// What was said last of the adapters that are passed over.
+class PassedOverAdapters {
+public:
+  /// Whether this is something else than was said last of the adapter.
+  bool IsNews(const KrString& aAdapter, const KrString& aReason) {
+    constexpr std::size_t kMostAdapters = 1024;
+    const std::lock_guard lock(mMutex);
+    // Names may come and go without end; those of so many cannot all be of today.
+    if (mReasons.size() > kMostAdapters)
+      mReasons.clear();
+    KrString& said = mReasons[aAdapter];
+    return std::exchange(said, aReason) != aReason;
+  }
+  /// The adapter is not passed over any more.
+  void Forget(const KrString& aAdapter) {
+    const std::lock_guard lock(mMutex);
+    mReasons.erase(aAdapter);
+  }
+
+private:
+  std::mutex mMutex;                     // Guards the reasons.
+  std::map<KrString, KrString> mReasons; // By the adapters' names.
+};
+
+PassedOverAdapters& GetPassedOver() {
+  // Never destroyed: a round may go on while static objects go.
+  static PassedOverAdapters* const adapters = new PassedOverAdapters;
+  return *adapters;
+}
+
+// A host has adapters on which nothing can be sent (no cable, no address): worth a note when it begins, no reason to
+// stop.
 void LogPassedOver(const krsystem::NetworkAdapterFields& aAdapter, const KrResult& aResult) {
+  if (!GetPassedOver().IsNews(aAdapter.name, aResult.GetDescription()))
+    return;
   KrLogger("GigEVision")
       .Log(KrLogLevel::Info, {"RunBroadcastRound", "broadcastround"},
            "The network adapter " + aAdapter.name + " is passed over. " + aResult.GetDescription());
@@ -59,11 +94,13 @@ void SendOnAll(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std
       if (!result.IsOK() && !std::exchange(open.isPassedOver, true))
         LogPassedOver(adapter, result);
     }
+    if (!open.isPassedOver)
+      GetPassedOver().Forget(adapter.name);
   }
 }
 
 // Hands over all that has come; false when the taker has enough.
-bool TakeAll(const std::vector<OpenAdapter>& aOpened, const TakeDatagram& aTake) {
+bool TakeAll(const std::vector<OpenAdapter>& aOpened, std::optional<std::uint32_t> aTarget, const TakeDatagram& aTake) {
   std::array<std::uint8_t, kMaxGvcpDatagram> buffer;
   for (const OpenAdapter& open : aOpened) {
     // A flood on one adapter must not keep the others from being heard.
@@ -71,6 +108,8 @@ bool TakeAll(const std::vector<OpenAdapter>& aOpened, const TakeDatagram& aTake)
       const auto received = open.socket.Receive(buffer);
       if (!received)
         break;
+      if (aTarget && received->sender != *aTarget)
+        continue;
       if (received->size <= buffer.size() && !aTake(open.index, std::span(buffer).first(received->size)))
         return false;
     }
@@ -89,7 +128,7 @@ KrResult RunBroadcastRound(const std::vector<krsystem::NetworkAdapterFields>& aA
   const auto resend = start + std::min(aRound.timeout / 2, kMaxResendDelay);
   std::vector<OpenAdapter> opened = OpenAll(aAdapters);
   SendOnAll(aAdapters, opened, aRound);
-  bool isResent = false;
+  bool isResent = !aRound.isSentTwice;
   while (steady_clock::now() < end) {
     if (aRound.cancel.stop_requested())
       return {KrResult::Code::Aborted, "Looking for devices was cancelled."};
@@ -100,7 +139,7 @@ KrResult RunBroadcastRound(const std::vector<krsystem::NetworkAdapterFields>& aA
     std::vector<int> descriptors = {wake.GetDescriptor()};
     for (const OpenAdapter& open : opened)
       descriptors.push_back(open.socket.GetDescriptor());
-    if (WaitReadable(descriptors, isResent ? end : resend) && !TakeAll(opened, aTake))
+    if (WaitReadable(descriptors, isResent ? end : resend) && !TakeAll(opened, aRound.target, aTake))
       break;
   }
   return {};

@@ -12,14 +12,19 @@ namespace {
 // With the half second in which a dead device is found, two seconds.
 constexpr std::uint32_t kGiveBackTimeoutMs = 1500;
 
+KrResult Connect(const LinkTarget& aTarget, GvcpClient& aClient) {
+  return aTarget.isOffRoute
+             ? GvcpClient::ConnectOnAdapter(aTarget.deviceAddress, aTarget.localAddress, aTarget.adapterName, aClient)
+             : GvcpClient::Connect(aTarget.deviceAddress, aTarget.localAddress, aClient);
+}
+
 } // namespace
 
 using krsystem::DeviceAccess;
 
 KrResult GigEVisionLink::Open(const LinkTarget& aTarget, std::unique_ptr<krsystem::IDeviceLink>& aLink) {
   Parts parts;
-  if (KrResult result = GvcpClient::Connect(aTarget.deviceAddress, aTarget.localAddress, parts.watchClient);
-      !result.IsOK())
+  if (KrResult result = Connect(aTarget, parts.watchClient); !result.IsOK())
     return result;
   if (KrResult result = CheckAccess(aTarget, parts.watchClient); !result.IsOK())
     return result;
@@ -54,7 +59,7 @@ KrResult GigEVisionLink::CheckAccess(const LinkTarget& aTarget, GvcpClient& aCli
 KrResult GigEVisionLink::OpenChannel(const LinkTarget& aTarget, Parts& aParts) {
   if (aTarget.access == DeviceAccess::Monitor) {
     GvcpClient client;
-    if (KrResult result = GvcpClient::Connect(aTarget.deviceAddress, aTarget.localAddress, client); !result.IsOK())
+    if (KrResult result = Connect(aTarget, client); !result.IsOK())
       return result;
     aParts.channel = std::make_shared<MonitorChannel>(std::move(client));
     return {};

@@ -1,13 +1,15 @@
 #include "gigevision/gigevisiontransport.h"
 
+#include "gigevision/accessquestion.h"
 #include "gigevision/adapterdiscovery.h"
+#include "gigevision/deviceway.h"
 #include "gigevision/forceip.h"
 #include "gigevision/gigevisionlink.h"
-#include "gigevision/gvcpclient.h"
 #include "gigevision/networkadapters.h"
 #include "gigevision/receivelimit.h"
 #include "gigevision/usedaddresses.h"
 #include "krsystem/ipv4address.h"
+#include "krsystem/macaddress.h"
 
 #include <optional>
 #include <utility>
@@ -19,29 +21,8 @@ using krsystem::AccessType;
 using krsystem::GEVFields;
 using krsystem::NetworkAdapterFields;
 
-// Who asks waits for it in a window: a device that keeps silent is not asked twice.
-constexpr GvcpPatience kAccessPatience{std::chrono::milliseconds(200), 1, std::chrono::milliseconds(200)};
-
 KrResult RefuseKind(const char* aAttempt) {
   return {KrResult::Code::InvalidInput, std::string(aAttempt) + " needs a GigE Vision device on a network adapter."};
-}
-
-// This host's address on the way to a device: in the device's subnet, or else what the routing table names.
-std::optional<std::uint32_t> ChooseLocalAddress(const NetworkAdapterFields& aAdapter, const GEVFields& aDevice,
-                                                std::uint32_t aDeviceAddress) {
-  if (const auto local = FindLocalAddress(aAdapter, aDeviceAddress))
-    return local;
-  GvcpClient client;
-  // A broadcast answer from a foreign subnet says nothing about the way back; an answer to its address does.
-  if (!aDevice.configurationValid || !GvcpClient::Connect(aDeviceAddress, std::nullopt, client).IsOK())
-    return std::nullopt;
-  return client.GetLocalAddress();
-}
-
-AccessType ToAccessType(std::uint32_t aPrivilege) {
-  if ((aPrivilege & kExclusiveBit) != 0)
-    return AccessType::Exclusive;
-  return (aPrivilege & kInUseBits) != 0 ? AccessType::Control : AccessType::Open;
 }
 
 } // namespace
@@ -88,17 +69,17 @@ KrResult GigEVisionTransport::FindAddress(std::uint32_t aAddress, std::uint32_t 
 
 KrResult GigEVisionTransport::ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
                                           const KrString& aGateway) {
-  MacBytes mac{};
+  const auto mac = krsystem::ParseMAC(aMAC);
   const auto address = krsystem::ParseIPv4(aAddress);
   const auto mask = krsystem::ParseIPv4(aMask);
   const auto gateway = krsystem::ParseIPv4(aGateway);
-  if (!ParseMac(aMAC.ToUtf8(), mac) || !address || !mask || !gateway)
+  if (!mac || !address || !mask || !gateway)
     return {KrResult::Code::InvalidInput, "The IP configuration " + aAddress + ", " + aMask + ", " + aGateway +
                                               " for " + aMAC + " holds a text that is no address."};
   std::vector<NetworkAdapterFields> adapters;
   if (KrResult result = ListNetworkAdapters(adapters); !result.IsOK())
     return result;
-  return ForceIP(adapters, {.mac = mac, .address = *address, .mask = *mask, .gateway = *gateway});
+  return ForceIP(adapters, {.mac = *mac, .address = *address, .mask = *mask, .gateway = *gateway});
 }
 
 KrResult GigEVisionTransport::GetAccessType(const krsystem::AnyDeviceFields& aDevice, AccessType& aType) {
@@ -106,18 +87,10 @@ KrResult GigEVisionTransport::GetAccessType(const krsystem::AnyDeviceFields& aDe
   const auto address = device != nullptr ? krsystem::ParseIPv4(device->ipAddress) : std::nullopt;
   if (!address)
     return RefuseKind("Asking who controls a device");
-  GvcpClient client;
-  if (KrResult result = GvcpClient::Connect(*address, std::nullopt, client); !result.IsOK())
+  std::vector<NetworkAdapterFields> adapters;
+  if (KrResult result = ListNetworkAdapters(adapters); !result.IsOK())
     return result;
-  std::uint32_t privilege = 0;
-  KrResult result = client.ReadRegister(kControlPrivilegeRegister, privilege, kAccessPatience);
-  // Only a device that is held exclusively keeps others from reading this.
-  if (result == KrResult::Code::AccessDenied)
-    privilege = kExclusiveBit;
-  else if (!result.IsOK())
-    return result;
-  aType = ToAccessType(privilege);
-  return {};
+  return AskAccessType(adapters, *address, aType);
 }
 
 KrResult GigEVisionTransport::Open(const krsystem::InterfaceFields& aInterface,
@@ -128,17 +101,13 @@ KrResult GigEVisionTransport::Open(const krsystem::InterfaceFields& aInterface,
   const auto address = device != nullptr ? krsystem::ParseIPv4(device->ipAddress) : std::nullopt;
   if (adapter == nullptr || !address)
     return RefuseKind("Opening");
-  const auto local = ChooseLocalAddress(*adapter, *device, *address);
-  if (!local)
-    return {KrResult::Code::NotFound, "The device " + device->displayID +
-                                          " cannot be reached from the network adapter " + adapter->displayID +
-                                          ". Give it an address of that adapter's subnet."};
-  return GigEVisionLink::Open({.deviceAddress = *address,
-                               .localAddress = *local,
-                               .adapterName = adapter->name.ToUtf8(),
-                               .readLinkSpeed = mReadLinkSpeed,
-                               .access = aAccess},
-                              aLink);
+  LinkTarget target = {.deviceAddress = *address,
+                       .adapterName = adapter->name.ToUtf8(),
+                       .readLinkSpeed = mReadLinkSpeed,
+                       .access = aAccess};
+  if (KrResult result = ChooseWay(*adapter, *device, target); !result.IsOK())
+    return result;
+  return GigEVisionLink::Open(target, aLink);
 }
 
 KrResult GigEVisionTransport::ReadHost(krsystem::HostReadings& aReadings) {

@@ -31,9 +31,9 @@ public:
   /// addresses, NotFound when no device acknowledges.
   KrResult ConfigureIP(const KrString& aMAC, const KrString& aAddress, const KrString& aMask,
                        const KrString& aGateway) override;
-  /// Reads the device's control channel privilege, by one datagram. A device that lets nobody else read counts as held
-  /// exclusively; TimeLimitExceeded when it keeps silent for 200 ms.
+  /// As AskAccessType.
   KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
+  /// Over the way that ChooseWay gives.
   KrResult Open(const krsystem::InterfaceFields& aInterface, const krsystem::AnyDeviceFields& aDevice,
                 krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
   KrResult ReadHost(krsystem::HostReadings& aReadings) override;

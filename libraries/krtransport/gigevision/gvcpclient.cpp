@@ -39,7 +39,12 @@ bool WaitReadable(std::span<const int> aDescriptors, steady_clock::time_point aU
 }
 
 KrResult GvcpClient::Connect(std::uint32_t aAddress, std::optional<std::uint32_t> aLocalAddress, GvcpClient& aClient) {
-  return GvcpSocket::OpenToDevice(aAddress, aLocalAddress, aClient.mSocket);
+  return GvcpSocket::OpenToDevice(aAddress, aLocalAddress, {}, aClient.mSocket);
+}
+
+KrResult GvcpClient::ConnectOnAdapter(std::uint32_t aAddress, std::uint32_t aLocalAddress,
+                                      const std::string& aAdapterName, GvcpClient& aClient) {
+  return GvcpSocket::OpenToDevice(aAddress, aLocalAddress, aAdapterName, aClient.mSocket);
 }
 
 KrResult GvcpClient::Discover(DiscoveryPayload& aPayload, const GvcpPatience& aPatience, std::stop_token aStop) {

@@ -12,6 +12,7 @@
 #include <optional>
 #include <span>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 namespace krtransport {
@@ -31,9 +32,11 @@ struct GvcpPatience {
 /// Thread: one at a time. Ownership: holds a socket.
 class GvcpClient {
 public:
-  /// Prepares for a device; nothing is sent. aLocalAddress chooses the adapter, or the routing table where there is
-  /// none.
+  /// Prepares for a device; nothing is sent. The routing table chooses the way, from aLocalAddress where there is one.
   static KrResult Connect(std::uint32_t aAddress, std::optional<std::uint32_t> aLocalAddress, GvcpClient& aClient);
+  /// The same on one adapter, whatever the routing table says.
+  static KrResult ConnectOnAdapter(std::uint32_t aAddress, std::uint32_t aLocalAddress, const std::string& aAdapterName,
+                                   GvcpClient& aClient);
 
   /// The address from which this host reaches the device.
   std::uint32_t GetLocalAddress() const { return mSocket.GetLocalAddress(); }

@@ -40,6 +40,11 @@ bool Bind(const FileDescriptor& aSocket, std::uint32_t aAddress, std::uint16_t a
   return ::bind(aSocket.Get(), AsSockaddr(local), sizeof(local)) == 0;
 }
 
+bool BindToAdapter(const FileDescriptor& aSocket, const std::string& aAdapterName) {
+  return ::setsockopt(aSocket.Get(), SOL_SOCKET, SO_BINDTODEVICE, aAdapterName.c_str(),
+                      static_cast<socklen_t>(aAdapterName.size())) == 0;
+}
+
 // Zeros where the kernel does not say.
 sockaddr_in GetLocalEnd(const FileDescriptor& aSocket) {
   sockaddr_in local{};
@@ -84,8 +89,7 @@ KrResult GvcpSocket::OpenOnAdapter(const std::string& aAdapterName, std::uint16_
   FileDescriptor descriptor = MakeSocket();
   const int enable = 1;
   if (!descriptor.IsOpen() || ::setsockopt(descriptor.Get(), SOL_SOCKET, SO_BROADCAST, &enable, sizeof(enable)) != 0 ||
-      ::setsockopt(descriptor.Get(), SOL_SOCKET, SO_BINDTODEVICE, aAdapterName.c_str(),
-                   static_cast<socklen_t>(aAdapterName.size())) != 0 ||
+      !BindToAdapter(descriptor, aAdapterName) ||
       (!Bind(descriptor, INADDR_ANY, aPort) && !Bind(descriptor, INADDR_ANY)))
     return MakeSystemError(attempt);
   aSocket.mDescriptor = std::move(descriptor);
@@ -93,11 +97,12 @@ KrResult GvcpSocket::OpenOnAdapter(const std::string& aAdapterName, std::uint16_
 }
 
 KrResult GvcpSocket::OpenToDevice(std::uint32_t aAddress, std::optional<std::uint32_t> aLocalAddress,
-                                  GvcpSocket& aSocket) {
+                                  const std::string& aAdapterName, GvcpSocket& aSocket) {
   const std::string attempt = "Opening a socket to the device at " + krsystem::FormatIPv4(aAddress).ToUtf8();
   FileDescriptor descriptor = MakeSocket();
   const sockaddr_in device = MakeAddress(aAddress, kGvcpPort);
-  if (!descriptor.IsOpen() || (aLocalAddress && !Bind(descriptor, *aLocalAddress)) ||
+  if (!descriptor.IsOpen() || (!aAdapterName.empty() && !BindToAdapter(descriptor, aAdapterName)) ||
+      (aLocalAddress && !Bind(descriptor, *aLocalAddress)) ||
       ::connect(descriptor.Get(), AsSockaddr(device), sizeof(device)) != 0)
     return MakeSystemError(attempt);
   aSocket.mDescriptor = std::move(descriptor);

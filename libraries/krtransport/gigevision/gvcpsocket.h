@@ -58,9 +58,10 @@ public:
   /// It hears on a port that the system chooses, or on aPort where that is not 0 and free: sockets on different
   /// adapters may have the same.
   static KrResult OpenOnAdapter(const std::string& aAdapterName, std::uint16_t aPort, GvcpSocket& aSocket);
-  /// For one device; aLocalAddress chooses the way, or the routing table where there is none. Datagrams of others are
-  /// not received.
-  static KrResult OpenToDevice(std::uint32_t aAddress, std::optional<std::uint32_t> aLocalAddress, GvcpSocket& aSocket);
+  /// For one device; the routing table chooses the way, from aLocalAddress where there is one, and on the adapter alone
+  /// where its name is not empty. Datagrams of others are not received.
+  static KrResult OpenToDevice(std::uint32_t aAddress, std::optional<std::uint32_t> aLocalAddress,
+                               const std::string& aAdapterName, GvcpSocket& aSocket);
   /// For what anybody sends to one of this host's addresses, on a port that the system chooses.
   static KrResult OpenOnAddress(std::uint32_t aLocalAddress, GvcpSocket& aSocket);
 

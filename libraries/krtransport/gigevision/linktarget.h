@@ -13,6 +13,9 @@ struct LinkTarget {
   std::uint32_t deviceAddress = 0;
   std::uint32_t localAddress = 0; ///< This host's address on the way to the device.
   std::string adapterName;
+  /// The routing table leads elsewhere than to the device: what is read is asked on the adapter itself, and nothing
+  /// else can be done.
+  bool isOffRoute = false;
   LinkSpeedReader readLinkSpeed; ///< Of the adapter.
   krsystem::DeviceAccess access = krsystem::DeviceAccess::Control;
 };

@@ -4,7 +4,9 @@
 #include "gigevision/linkquery.h"
 #include "krsystem/ipv4address.h"
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -55,6 +57,15 @@ std::optional<std::uint32_t> FindLocalAddress(const NetworkAdapterFields& aAdapt
       return address;
   }
   return std::nullopt;
+}
+
+std::vector<NetworkAdapterFields> FindAdaptersOfSubnet(const std::vector<NetworkAdapterFields>& aAdapters,
+                                                       std::uint32_t aDevice) {
+  std::vector<NetworkAdapterFields> found;
+  std::ranges::copy_if(aAdapters, std::back_inserter(found), [aDevice](const NetworkAdapterFields& aAdapter) {
+    return FindLocalAddress(aAdapter, aDevice).has_value();
+  });
+  return found;
 }
 
 std::vector<std::uint32_t> GetBroadcastAddresses(const NetworkAdapterFields& aAdapter, bool aSubnetBroadcast) {

@@ -22,6 +22,10 @@ KrResult ReadNetworkAdapters(std::vector<krsystem::AdapterReading>& aReadings);
 /// A device with the adapter's own address that answers is this host itself.
 std::optional<std::uint32_t> FindLocalAddress(const krsystem::NetworkAdapterFields& aAdapter, std::uint32_t aDevice);
 
+/// The adapters in whose subnets a device's address lies.
+std::vector<krsystem::NetworkAdapterFields>
+FindAdaptersOfSubnet(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std::uint32_t aDevice);
+
 /// Where a broadcast goes on an adapter: to each subnet's broadcast address, once each, or to 255.255.255.255 where
 /// aSubnetBroadcast is false or the adapter has no subnet to broadcast in. The loopback adapter has none: its devices
 /// listen to 255.255.255.255 alone.

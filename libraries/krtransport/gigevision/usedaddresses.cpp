@@ -17,23 +17,26 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 // The kernel sends a datagram once it has found who has the address, so that it looks for each of them now. A camera
-// answers the datagram besides.
-KrResult AskAll(const GvcpSocket& aSocket, const std::vector<std::uint32_t>& aAddresses) {
+// answers the datagram besides. An address to which nothing could be sent may be anybody's: it counts as used.
+KrResult AskAll(const GvcpSocket& aSocket, const std::vector<std::uint32_t>& aAddresses,
+                std::set<std::uint32_t>& aUnknown) {
   const std::vector<std::uint8_t> command = MakeDiscoveryCommand(TakeRequestID());
   KrResult failure;
   bool sent = aAddresses.empty();
   for (const std::uint32_t address : aAddresses) {
     KrResult result = aSocket.Send(command, address);
     sent = sent || result.IsOK();
-    if (!result.IsOK())
+    if (!result.IsOK()) {
+      aUnknown.insert(address);
       failure = std::move(result);
+    }
   }
   return sent ? KrResult() : failure;
 }
 
-// Whose datagrams came until the limit.
-KrResult HearSenders(const GvcpSocket& aSocket, steady_clock::time_point aEnd, const std::stop_token& aCancel,
-                     std::set<std::uint32_t>& aSenders) {
+// Which of the addresses sent datagrams until the limit.
+KrResult HearSenders(const GvcpSocket& aSocket, const std::vector<std::uint32_t>& aAddresses,
+                     steady_clock::time_point aEnd, const std::stop_token& aCancel, std::set<std::uint32_t>& aSenders) {
   constexpr int kDatagramsPerLook = 64;
   WakeEvent wake;
   const std::stop_callback wakeOnCancel(aCancel, [&wake] { wake.Signal(); });
@@ -46,7 +49,9 @@ KrResult HearSenders(const GvcpSocket& aSocket, steady_clock::time_point aEnd, c
       const auto received = aSocket.Receive(buffer);
       if (!received)
         break;
-      aSenders.insert(received->sender);
+      // Others may send in any number of names, which would fill the memory.
+      if (std::ranges::find(aAddresses, received->sender) != aAddresses.end())
+        aSenders.insert(received->sender);
     }
   } while (WaitReadable(descriptors, aEnd));
   return {};
@@ -87,11 +92,11 @@ KrResult FindUsedAddresses(const NetworkAdapterFields& aAdapter, const std::vect
   const auto end = steady_clock::now() + aTimeout;
   GvcpSocket socket;
   KrResult result = GvcpSocket::OpenOnAdapter(aAdapter.name.ToUtf8(), 0, socket);
-  if (result.IsOK())
-    result = AskAll(socket, aAddresses);
   std::set<std::uint32_t> known;
   if (result.IsOK())
-    result = HearSenders(socket, end, aCancel, known);
+    result = AskAll(socket, aAddresses, known);
+  if (result.IsOK())
+    result = HearSenders(socket, aAddresses, end, aCancel, known);
   if (result.IsOK())
     result = AddKnown(aAdapter.name.ToUtf8(), known);
   if (!result.IsOK())

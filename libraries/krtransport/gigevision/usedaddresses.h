@@ -19,8 +19,9 @@ namespace krtransport {
 bool IsUsed(const KernelNeighbour& aNeighbour);
 
 /// Which of these addresses somebody uses: this host, a camera that answers, or anybody who answers the kernel's
-/// address resolution. Takes all of the limit. NotSupported for an adapter without an address, SystemError for one on
-/// which nothing can be sent, Aborted when aCancel asks. Any thread.
+/// address resolution; one to which nothing could be sent counts as used, too. Takes all of the limit. NotSupported for
+/// an adapter without an address, SystemError for one on which nothing can be sent, Aborted when aCancel asks. Any
+/// thread.
 KrResult FindUsedAddresses(const krsystem::NetworkAdapterFields& aAdapter, const std::vector<std::uint32_t>& aAddresses,
                            std::chrono::milliseconds aTimeout, const std::stop_token& aCancel,
                            std::vector<std::uint32_t>& aUsed);

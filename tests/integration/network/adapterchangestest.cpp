@@ -99,6 +99,33 @@ TEST_F(OnANetwork, FindDevice_LinkLocalAddressesOnTwoAdapters_AsksOnBoth) {
   EXPECT_EQ(foundSecond->GetInterface(), GetAdapter(system, "eth1"));
 }
 
+TEST_F(OnANetwork, FindDevice_SomebodyAnswersForAnotherAddress_WaitsForTheRightDevice) {
+  constexpr std::size_t kLastAddressByte = 8 + 0x27;
+  mLab.SetAddress("eth0", "169.254.1.1/16");
+  mLab.Connect("eth1", mHost, "port1");
+  mLab.SetAddress("eth1", "169.254.1.2/16");
+  mLab.SetReversePathFilter("eth1", 0);
+  TestDevice liar(
+      mHost, "port0",
+      {.mac = "02:00:00:00:00:01", .address = "169.254.7.1", .mask = "255.255.0.0", .serialNumber = "liar"});
+  liar.ChangeDiscoveryAcknowledges([](const TestDevice::Bytes& aGood) {
+    TestDevice::Bytes other = aGood;
+    other[kLastAddressByte] = 9;
+    return std::vector<TestDevice::Bytes>{other};
+  });
+  const TestDevice honest(
+      mHost, "port1",
+      {.mac = "02:00:00:00:00:02", .address = "169.254.7.1", .mask = "255.255.0.0", .serialNumber = "honest"});
+  KrSystem system;
+  system.SetDetectionTimeout(5000);
+  const KrDeviceInfo* found = nullptr;
+
+  const KrResult result = system.FindDevice("169.254.7.1", &found);
+
+  ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(found->GetSerialNumber(), "honest");
+}
+
 TEST_F(OnANetwork, GetInterface_AdaptersThatShareAMac_HaveIDsOfTheirOwn) {
   mLab.Connect("eth1", mHost, "port1");
   mLab.SetMAC("eth0", "02:00:00:00:aa:01");

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <chrono>
 #include <memory>
 #include <string>
 #include <thread>
@@ -79,6 +78,8 @@ struct TextCase {
 
 const TextCase kTextCases[] = {
     {"ControlCharacters", "a\nb\tc\x1b[1m\x7f", "a\uFFFDb\uFFFDc\uFFFD[1m\uFFFD"},
+    {"Directions", "a\u202Egnp.\u2069", "a\uFFFDgnp.\uFFFD"},
+    {"LinesAndNoWidth", "a\u2028b\u200Bc", "a\uFFFDb\uFFFDc"},
     {"Markup", "<b>&amp;</b>", "<b>&amp;</b>"},
     {"FourByteCharacters", "\U0001F4F7 \U0001F600", "\U0001F4F7 \U0001F600"},
     {"WithoutTerminator", "0123456789abcdef", "0123456789abcdef"},
@@ -105,8 +106,6 @@ INSTANTIATE_TEST_SUITE_P(Names, OnANetworkTexts, testing::ValuesIn(kTextCases),
 class OnANetworkFlood : public OnANetwork {
 protected:
   static constexpr std::uint32_t kAnswersPerSecond = 10000;
-  // A round is given 400 ms; this is what a slow machine may take, and a round that does not end exceeds.
-  static constexpr std::chrono::seconds kGenerousRound{30};
 
   OnANetworkFlood() {
     mLab.Connect("eth1", mHost, "port1");
@@ -119,6 +118,17 @@ protected:
     mFlooding.Flood(kAnswersPerSecond);
   }
 
+  void AwaitFlood() const {
+    while (mFlooding.GetSent() < 1000)
+      std::this_thread::yield();
+  }
+  /// A round that begins the flood, and one in its midst.
+  void FindInTheFlood(KrSystem& aSystem) {
+    Find(aSystem);
+    AwaitFlood();
+    Find(aSystem);
+  }
+
   TestDevice mFlooding{mHost, "port0", {.mac = "02:00:00:00:00:01", .serialNumber = "flood"}};
   const TestDevice mNeighbour{
       mHost, "port0", {.mac = "02:00:00:00:00:02", .address = "192.168.1.21", .serialNumber = "neighbour"}};
@@ -127,12 +137,9 @@ protected:
 
 TEST_F(OnANetworkFlood, Find_TenThousandAnswersASecond_FindsEverybodyOnceAndEnds) {
   KrSystem system;
-  const auto start = std::chrono::steady_clock::now();
 
-  Find(system);
+  FindInTheFlood(system);
 
-  EXPECT_LT(std::chrono::steady_clock::now() - start, kGenerousRound);
-  EXPECT_GT(mFlooding.GetSent(), 1000u);
   EXPECT_THAT(GetSerialNumbers(system), ElementsAre("far", "flood", "neighbour"));
 }
 
@@ -146,11 +153,9 @@ TEST_F(OnANetworkFlood, Find_TenThousandDevicesASecond_StillFindsTheOthers) {
     return std::vector<Bytes>{other};
   });
   KrSystem system;
-  const auto start = std::chrono::steady_clock::now();
 
-  Find(system);
+  FindInTheFlood(system);
 
-  EXPECT_LT(std::chrono::steady_clock::now() - start, kGenerousRound);
   const auto found = GetSerialNumbers(system);
   EXPECT_THAT(found, Contains("neighbour"));
   EXPECT_THAT(found, Contains("far"));
@@ -163,9 +168,8 @@ TEST_F(OnANetworkFlood, Find_FloodOfNonsense_FindsTheOthers) {
       [](const Bytes& aGood) { return std::vector<Bytes>{Bytes(aGood.size(), 0xFF)}; });
   KrSystem system;
 
-  Find(system);
+  FindInTheFlood(system);
 
-  EXPECT_GT(mFlooding.GetSent(), 1000u);
   EXPECT_THAT(GetSerialNumbers(system), ElementsAre("far", "neighbour"));
 }
 
@@ -175,8 +179,7 @@ TEST_F(OnANetworkFlood, Cancel_InTheMiddleOfAFlood_EndsTheRound) {
   system.SetSubnetBroadcastEnabled(false);
   KrResult result;
   std::jthread finder([&] { result = system.Find(); });
-  while (mFlooding.GetSent() < 1000)
-    std::this_thread::yield();
+  AwaitFlood();
 
   system.Cancel();
   finder.join();

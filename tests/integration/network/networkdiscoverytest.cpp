@@ -107,6 +107,27 @@ TEST_F(OnANetwork, Find_DeviceThatTellsEverything_GivesAllOfIt) {
   EXPECT_EQ(found->GetFields().ipConfigCurrent, 6u);
 }
 
+// One without an address cannot be had: the program lives on its host's sockets, and wants an address of its host.
+TEST_F(OnANetwork, Find_IndependentCameraOfAForeignSubnet_IsFoundByLimitedBroadcastAndNotReachable) {
+  mHost.SetAddress("port0", "10.1.2.3/24");
+  mHost.RunIp({"route", "add", "default", "dev", "port0"});
+  // Whether the camera has started is asked from its own subnet, which this host then leaves.
+  mLab.SetAddress("eth0", "10.1.2.10/24");
+  const FakeCamera camera({.serialNumber = "GV31", .address = "10.1.2.3", .namespaceFile = mHost.GetNamespaceFile()});
+  mLab.RemoveAddress("eth0", "10.1.2.10/24");
+  KrSystem system;
+
+  Find(system, true);
+  const auto bySubnet = GetSerialNumbers(system);
+  Find(system, false);
+
+  EXPECT_THAT(bySubnet, IsEmpty());
+  const KrDeviceInfoGEV* found = GetBySerialNumber(system, "GV31");
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->GetIPAddress(), KrString("10.1.2.3"));
+  EXPECT_FALSE(found->IsConfigurationValid());
+}
+
 TEST_F(OnANetwork, Find_IndependentCameraOnAHost_IsFoundAndReachable) {
   mHost.SetAddress("port0", "192.168.1.30/24");
   const FakeCamera camera(
