@@ -144,12 +144,8 @@ KrResult CheckAddresses(const RegisterValues& aWanted) {
     return {};
   if (IsNobodys(aWanted.address))
     return RefuseAddress("address", aWanted.address, "cannot be the address of a device.");
-  // A mask without ones says nothing of the subnet; a subnet of one or two addresses has none set apart (RFC 3021).
-  const std::uint32_t hosts = ~aWanted.mask;
-  const std::uint32_t host = aWanted.address & hosts;
-  if (aWanted.mask != 0 && hosts > 1 && (host == 0 || host == hosts))
-    return RefuseAddress("address", aWanted.address,
-                         host == 0 ? "is that of its subnet as a whole." : "is its subnet's broadcast address.");
+  if (!krsystem::IsForDevice(aWanted.address, aWanted.mask))
+    return RefuseAddress("address", aWanted.address, "is that of its subnet itself or its broadcast address.");
   return {};
 }
 
