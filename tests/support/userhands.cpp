@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QEventLoop>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPixmap>
 #include <QProcess>
 #include <QScreen>
@@ -153,6 +154,15 @@ bool UserHands::AwaitEnabled(const QString& aTitle, int aControl) const {
   return Await("control " + QString::number(aControl) + " enabled", [&] {
     const QWidget* control = FindControl(aTitle, aControl);
     return control != nullptr && control->isEnabled();
+  });
+}
+
+bool UserHands::AwaitFields(const QString& aTitle, int aControl) const {
+  return Await("a whole address in the control " + QString::number(aControl), [&] {
+    const QWidget* control = FindControl(aTitle, aControl);
+    const auto fields = control == nullptr ? QList<QLineEdit*>() : control->findChildren<QLineEdit*>();
+    return !fields.isEmpty() && std::none_of(fields.cbegin(), fields.cend(),
+                                             [](const QLineEdit* aField) { return aField->text().isEmpty(); });
   });
 }
 

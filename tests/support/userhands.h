@@ -30,6 +30,8 @@ public:
   /// Waits for a menu to be open, for a control to be enabled.
   bool AwaitMenu() const;
   bool AwaitEnabled(const QString& aTitle, int aControl) const;
+  /// Waits for all fields of an address to be filled.
+  bool AwaitFields(const QString& aTitle, int aControl) const;
   /// Waits for a row of a tree, or of a list, whose text contains this; or for there to be none.
   bool AwaitRow(const QString& aTitle, int aControl, const QString& aText) const;
   bool AwaitNoRow(const QString& aTitle, int aControl, const QString& aText) const;

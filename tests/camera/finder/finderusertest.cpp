@@ -20,6 +20,7 @@ const QString kFinder = "Device Selection";
 const QString kIPDialog = "Set IP Address";
 const QString kSelectDialog = "Select From IP Address";
 const QString kError = "Error";
+const QString kWarning = "Warning";
 
 // Controls of the finder and its dialogs.
 constexpr int kOk = 1;
@@ -30,6 +31,10 @@ constexpr int kInterfaceList = 1030;
 constexpr int kDeviceList = 1033;
 constexpr int kShowUnreachable = 1040;
 constexpr int kTree = 1049;
+constexpr int kAddress = 1038;
+constexpr int kPropose = 1140;
+
+constexpr std::uint16_t kForceIP = 0x0004;
 
 constexpr const char* kReachable = "right";
 constexpr const char* kForeign = "foreign";
@@ -184,6 +189,72 @@ TEST_F(FinderUserRepairs, SetIPAddress_ByKeysAlone_RepairsTheDeviceAndOKTakesIt)
   EXPECT_EQ(GetSelected(), kForeign);
 }
 
+TEST_F(FinderUserRepairs, SetIPAddress_DoubtfulAddress_IsAskedAboutAndSentOnYesAlone) {
+  Run([this](UserHands& aUser) {
+    constexpr const char* kQuestion = "Are you sure you want to continue?";
+    ASSERT_TRUE(OpenIPDialog(aUser));
+    aUser.Press("BackSpace", 12); // From the last field into the first.
+    aUser.Type("10.0.0.50");
+    aUser.Press("Return");
+    Dismiss(aUser, kWarning, kQuestion, "n");
+    ASSERT_TRUE(aUser.AwaitWindow(kIPDialog));
+    EXPECT_EQ(mForeign.GetHeard(kForceIP), 0u);
+    aUser.Press("Return");
+    Dismiss(aUser, kWarning, kQuestion, "y");
+    ASSERT_TRUE(aUser.AwaitNoWindow(kIPDialog));
+    EXPECT_TRUE(aUser.AwaitRow(kFinder, kTree, "10.0.0.50"));
+    aUser.Press("Escape");
+  });
+
+  EXPECT_EQ(mForeign.GetAddresses(), (DeviceAddresses{0x0A000032, 0xFFFFFF00, 0}));
+}
+
+TEST_F(FinderUserRepairs, SetIPAddress_ProposedAddress_IsFreeAndRepairsTheDevice) {
+  Run([this](UserHands& aUser) {
+    ASSERT_TRUE(OpenIPDialog(aUser));
+    aUser.Click(kIPDialog, kPropose);
+    ASSERT_TRUE(aUser.AwaitFields(kIPDialog, kAddress));
+    aUser.Press("Return"); // Without a question: nothing is wrong with it.
+    ASSERT_TRUE(aUser.AwaitNoWindow(kIPDialog));
+    ASSERT_TRUE(aUser.AwaitRow(kFinder, kTree, "foreign (192.168.1."));
+    aUser.ClickRow(kFinder, kTree, "foreign (192.168.1.");
+    ASSERT_TRUE(aUser.AwaitRow(kFinder, kDeviceList, "IP Configuration | Valid"));
+    aUser.Click(kFinder, kOk);
+  });
+
+  const DeviceAddresses addresses = mForeign.GetAddresses();
+  EXPECT_EQ(addresses.address & 0xFFFFFF00, 0xC0A80100u);
+  EXPECT_NE(addresses.address, 0xC0A8010Au) << "this host's";
+  EXPECT_NE(addresses.address, 0xC0A80114u) << "the other device's";
+  EXPECT_EQ(GetSelected(), kForeign);
+}
+
+TEST_F(FinderUser, DeviceWithoutAddress_ByTheCheckBox_IsShownAndRepaired) {
+  const TestDevice fresh(
+      mHost, "port0",
+      {.mac = "02:00:00:00:00:04", .address = "0.0.0.0", .mask = "0.0.0.0", .model = "fresh", .serialNumber = "fresh"});
+
+  Run([](UserHands& aUser) {
+    aUser.Click(kFinder, kShowUnreachable);
+    ASSERT_TRUE(aUser.AwaitRow(kFinder, kTree, "0.0.0.0"));
+    aUser.ClickRow(kFinder, kTree, "fresh");
+    ASSERT_TRUE(aUser.AwaitRow(kFinder, kDeviceList, "IP Configuration | Invalid"));
+    ASSERT_TRUE(aUser.AwaitEnabled(kFinder, kSetIP));
+    aUser.Click(kFinder, kSetIP);
+    ASSERT_TRUE(aUser.AwaitWindow(kIPDialog));
+    aUser.Type("60");
+    aUser.Press("Return");
+    ASSERT_TRUE(aUser.AwaitNoWindow(kIPDialog));
+    ASSERT_TRUE(aUser.AwaitRow(kFinder, kTree, "192.168.1.60"));
+    aUser.ClickRow(kFinder, kTree, "192.168.1.60");
+    ASSERT_TRUE(aUser.AwaitRow(kFinder, kDeviceList, "IP Configuration | Valid"));
+    aUser.Click(kFinder, kOk);
+  });
+
+  EXPECT_EQ(fresh.GetAddresses(), (DeviceAddresses{0xC0A8013C, 0xFFFFFF00, 0}));
+  EXPECT_EQ(GetSelected(), "fresh");
+}
+
 TEST_F(FinderUserRepairs, SetIPAddress_FromTheContextMenu_OpensTheDialog) {
   Run([](UserHands& aUser) {
     aUser.Click(kFinder, kShowUnreachable);
@@ -198,7 +269,7 @@ TEST_F(FinderUserRepairs, SetIPAddress_FromTheContextMenu_OpensTheDialog) {
     aUser.Press("Escape");
   });
 
-  EXPECT_EQ(mForeign.GetHeard(0x0004), 0u);
+  EXPECT_EQ(mForeign.GetHeard(kForceIP), 0u);
 }
 
 /// An address that is typed over the proposed one, field by field, and what is said of it.
@@ -229,7 +300,7 @@ TEST_P(FinderUserRefusals, SetIPAddress_AddressThatCannotBe_IsRefusedAndTheDialo
     aUser.Press("Escape");
   });
 
-  EXPECT_EQ(mForeign.GetHeard(0x0004), 0u);
+  EXPECT_EQ(mForeign.GetHeard(kForceIP), 0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Addresses, FinderUserRefusals, testing::ValuesIn(kRefusedAddresses),
