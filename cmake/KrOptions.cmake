@@ -4,10 +4,12 @@ set(KRGUI_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undef
 
 find_program(KRGUI_CCACHE ccache)
 if(KRGUI_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  # A precompiled header is only cached with these relaxations.
+  # A precompiled header is only cached with these relaxations. The base folder lets several checked out trees share what
+  # was compiled, as long as each builds inside itself.
   set(CMAKE_CXX_COMPILER_LAUNCHER
     "${CMAKE_COMMAND}" -E env
-    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${KRGUI_CCACHE}")
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${KRGUI_CCACHE}")
 endif()
 find_program(KRGUI_MOLD mold)
 
