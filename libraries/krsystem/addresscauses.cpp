@@ -40,13 +40,12 @@ NetworkAnswers SelectNetwork(const HostReadings& aReadings, const std::vector<An
   return answers;
 }
 
-// How the device is given another address, of the adapter's subnet where that has one.
+// How the device is given another address: a free one of the adapter's subnet where that has one.
 std::string DescribeRepair(const NetworkAnswer& aAnswer, const AdapterAddress* aAddress) {
   const KrString& mac = aAnswer.fields->macAddress;
   const std::string device = aAnswer.HasMAC() && IsPlainWord(mac) ? mac.ToUtf8() : "DEVICE";
-  const std::string mask = aAddress && IsPlainWord(aAddress->mask) ? aAddress->mask.ToUtf8() : "MASK";
   return "by \"Set IP Address...\" in the device finder or by a command.\nkrtool ip " + device +
-         " --set ADDRESS --mask " + mask;
+         (aAddress ? " --set auto" : " --set ADDRESS --mask MASK");
 }
 
 // Where the adapter is the one without an address, that is what has to be mended.

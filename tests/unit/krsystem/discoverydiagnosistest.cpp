@@ -42,7 +42,7 @@ TEST(FindCauses, DeviceOfAnotherSubnet_IsForeignSubnet) {
                             "another subnet than the adapter's, so it cannot be opened.",
                             "Give it a free address in the subnet of eth0 (10.0.0.1, mask 255.255.255.0), by \"Set IP "
                             "Address...\" in the device finder or by a command.\n"
-                            "krtool ip 02:00:00:00:00:01 --set ADDRESS --mask 255.255.255.0"}));
+                            "krtool ip 02:00:00:00:00:01 --set auto"}));
 }
 
 TEST(FindCauses, DeviceWithoutAddress_IsForeignSubnetInOtherWords) {
@@ -186,7 +186,7 @@ TEST(FindCauses, TwoDevicesWithOneAddress_IsAddressConflict) {
                                     "Second (02:00:00:00:00:02) and First (02:00:00:00:00:01) on eth0 have one "
                                     "address, 10.0.0.2.",
                                     "Give it another address, by \"Set IP Address...\" in the device finder or by a "
-                                    "command.\nkrtool ip 02:00:00:00:00:02 --set ADDRESS --mask 255.255.255.0"}));
+                                    "command.\nkrtool ip 02:00:00:00:00:02 --set auto"}));
 }
 
 TEST(FindCauses, DeviceWithAnAddressOfTheHost_IsAddressConflict) {
