@@ -29,14 +29,24 @@ LabGEVCamera MakeRegisters(const LabU3VCamera& aCamera) {
   return registers;
 }
 
+// What messages call a camera, which may have no texts; its ID it always has.
+KrString MakeName(const LabCamera& aCamera, const KrString& aID) {
+  if (aCamera.modelName.IsEmpty())
+    return aID;
+  return aCamera.modelName + " " + (aCamera.serialNumber.IsEmpty() ? aID : aCamera.serialNumber);
+}
+
 } // namespace
 
 SimulatedCamera::SimulatedCamera(const LabU3VCamera& aCamera, std::shared_ptr<ICameraClock> aClock)
-    : SimulatedCamera(MakeRegisters(aCamera), std::move(aClock)) {}
+    : SimulatedCamera(MakeRegisters(aCamera), aCamera.deviceGUID, std::move(aClock)) {}
 
 SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, std::shared_ptr<ICameraClock> aClock)
-    : mName(aCamera.modelName + " " + aCamera.serialNumber), mForeignControl(aCamera.foreignControl),
-      mClock(std::move(aClock)), mMemory(aCamera) {
+    : SimulatedCamera(aCamera, aCamera.macAddress, std::move(aClock)) {}
+
+SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, const KrString& aID, std::shared_ptr<ICameraClock> aClock)
+    : mName(MakeName(aCamera, aID)), mForeignControl(aCamera.foreignControl), mClock(std::move(aClock)),
+      mMemory(aCamera) {
   OrderFaults(aCamera.faults, mFaults);
   SetControlPrivilege(mForeignControl);
 }
@@ -102,7 +112,7 @@ KrResult SimulatedCamera::Attach(krsystem::DeviceAccess aAccess, ICameraListener
   if (!IsThere())
     return Refuse(KrResult::Code::NotFound, "it does not answer; check its cable and its power.");
   if (mFaults.IsOpeningRefused())
-    return Refuse(KrResult::Code::AccessDenied, "it was ordered to refuse being opened; end that order first.");
+    return Refuse(KrResult::Code::AccessDenied, "it refuses to be opened, as a simulated fault; end that fault first.");
   const krsystem::AccessType control = GetControl();
   if (control == krsystem::AccessType::Exclusive ||
       (control == krsystem::AccessType::Control && aAccess != krsystem::DeviceAccess::Monitor))

@@ -81,6 +81,8 @@ private:
   bool Controls(const ICameraListener& aListener) const;
   krsystem::AccessType GetControl() const;
   void SetControlPrivilege(krsystem::AccessType aControl);
+  SimulatedCamera(const LabGEVCamera& aCamera, const KrString& aID, std::shared_ptr<ICameraClock> aClock);
+
   KrResult Refuse(KrResult::Code aCode, const KrString& aReason) const;
 
   const KrString mName;                       // For messages.
