@@ -122,8 +122,8 @@ Selection ChooseDevice(const std::vector<const KrDeviceInfo*>& aDevices, const K
                 "\"" + aName + "\" names several devices; give the unique ID of one of them:" + ListDevices(named)};
   if (aDevices.empty())
     return {.error = "\"" + aName + "\" was not found: no device answered at all."};
-  return {.error = "No device has the unique ID, MAC address, serial number or user-defined name \"" + aName +
-                   "\". Found were:" + ListDevices(MergeAnswers(aDevices))};
+  return {.error = "No device has the unique ID, MAC address, IP address, serial number or user-defined name \"" +
+                   aName + "\". Found were:" + ListDevices(MergeAnswers(aDevices))};
 }
 
 KrResult SelectDevice(KrSystem& aSystem, const KrString& aName, const KrDeviceInfo*& aDevice) {

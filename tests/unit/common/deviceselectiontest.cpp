@@ -70,6 +70,7 @@ TEST_F(DeviceChoice, UnknownName_IsAnErrorThatListsWhatWasFound) {
 
   EXPECT_EQ(selection.device, nullptr);
   EXPECT_FALSE(selection.isAmbiguous);
+  EXPECT_THAT(selection.error.ToUtf8(), HasSubstr("unique ID, MAC address, IP address, serial number or user-defined"));
   EXPECT_THAT(selection.error.ToUtf8(),
               testing::AllOf(HasSubstr("\"bottom\""), HasSubstr("id-left"), HasSubstr("id-top")));
 }
