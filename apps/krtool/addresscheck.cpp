@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::uint32_t kFirstMulticast = 0xE0000000; // 224.0.0.0; beyond multicast are reserved addresses.
 constexpr std::uint32_t kLastFieldMask = 0xFF;
+constexpr std::uint32_t kFirstFieldShift = 24;
+constexpr std::uint32_t kThisNetwork = 0; // 0.0.0.0/8, which stands for no address, RFC 1122 3.2.1.3.
+constexpr std::uint32_t kLoopback = 127;  // 127.0.0.0/8, each host itself.
 
 std::string Format(std::uint32_t aAddress) {
   return krsystem::FormatIPv4(aAddress).ToUtf8();
@@ -21,6 +24,9 @@ std::string FindRefusal(const AddressPlan& aPlan, const std::vector<AdapterSubne
     return Format(aPlan.address) + " is the adapter's own address.";
   if (aPlan.address >= kFirstMulticast)
     return Format(aPlan.address) + " cannot be a device's: addresses from 224.0.0.0 on are for other purposes.";
+  const std::uint32_t firstField = aPlan.address >> kFirstFieldShift;
+  if (firstField == kThisNetwork || firstField == kLoopback)
+    return Format(aPlan.address) + " cannot be a device's: 0.*.*.* and 127.*.*.* are for other purposes.";
   if ((aPlan.address & aPlan.mask) == aPlan.address)
     return Format(aPlan.address) + " with the mask " + Format(aPlan.mask) + " is the subnet itself, no device of it.";
   if (!krsystem::IsForDevice(aPlan.address, aPlan.mask))

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -71,6 +72,8 @@ private:
     if (equals == std::string::npos && mAt + 1 >= mArguments.size())
       return Fail(name + " wants " + std::string(row->wants) + ".");
     const std::string value = equals == std::string::npos ? mArguments[++mAt] : aArgument.substr(equals + 1);
+    if (row->isOnce && !mTakenOnce.insert(name).second)
+      return Fail(name + " is given twice.");
     if (!row->take(mResult.commandLine, value))
       Fail(name + " wants " + std::string(row->wants) + ", not \"" + value + "\".");
   }
@@ -135,6 +138,7 @@ private:
   const CommandRow& mCommand;
   const std::vector<std::string>& mArguments;
   std::size_t mAt = 0;
+  std::set<std::string> mTakenOnce; // The options that may not come again.
   ParsedCommandLine mResult;
 };
 

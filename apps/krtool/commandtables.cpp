@@ -27,14 +27,15 @@ std::string CheckIP(const CommandLine& aCommandLine) {
 constexpr CommandRow kCommands[] = {
     {.verb = Verb::List,
      .name = "list",
-     .synopsis = "list [--watch | --diagnose] [--json] [--simulate] [--timeout MS]",
+     .synopsis = "list [--watch | --diagnose] [--json] [--simulate | --lab FILE] [--timeout MS]",
      .description = "Lists every interface and the devices behind it, one line each below a line of headings.\n"
                     "      Columns are parted by two or more blanks; an empty cell is \"-\".",
      .check = CheckList},
     {.verb = Verb::IP,
      .name = "ip",
      .synopsis = "ip DEVICE [--set ADDRESS|auto] [--persistent ADDRESS|off] [--mask M] [--gateway G] [--dhcp on|off]\n"
-                 "            [--link-local on|off] [--adapter NAME] [--force] [--json] [--timeout MS] [--simulate]",
+                 "            [--link-local on|off] [--adapter NAME] [--force] [--json] [--timeout MS]\n"
+                 "            [--simulate | --lab FILE]",
      .description =
          "Shows how a device on the network got its address and how it will get it at its next start. --set repairs a\n"
          "      device that cannot be reached, until its next start; the others change what lasts, and want a device\n"
@@ -43,13 +44,14 @@ constexpr CommandRow kCommands[] = {
      .check = CheckIP},
     {.verb = Verb::Stream,
      .name = "stream",
-     .synopsis = "stream DEVICE --frames N [--timeout MS] [--simulate]",
+     .synopsis = "stream DEVICE --frames N [--timeout MS] [--simulate | --lab FILE]",
      .description = "Takes N frames and closes with one line of figures. Ctrl-C ends it earlier.",
      .takesDevice = true,
      .needsFrames = true},
     {.verb = Verb::SaveFrame,
      .name = "save-frame",
-     .synopsis = "save-frame DEVICE FILE [--format FORMAT] [--pixel-format NAME] [--force] [--timeout MS] [--simulate]",
+     .synopsis = "save-frame DEVICE FILE [--format FORMAT] [--pixel-format NAME] [--force] [--timeout MS]\n"
+                 "            [--simulate | --lab FILE]",
      .description =
          "Saves the first frame that comes whole: .png as it is shown, .tif or .tiff with all of the camera's bits,\n"
          "      .raw with the bytes as they came and a text FILE.txt that says what they are.",
@@ -57,14 +59,15 @@ constexpr CommandRow kCommands[] = {
      .file = FileUse::Frame},
     {.verb = Verb::Features,
      .name = "features",
-     .synopsis = "features DEVICE|FILE.xml [--category C] [--visibility V] [--faults] [--timeout MS] [--simulate]",
+     .synopsis = "features DEVICE|FILE.xml [--category C] [--visibility V] [--faults] [--timeout MS]\n"
+                 "            [--simulate | --lab FILE]",
      .description =
          "Lists the features with their values and ranges, one line for each place in the tree of categories below\n"
          "      a line of headings. Columns are parted by single tabs; a cell may be empty.",
      .takesDevice = true},
     {.verb = Verb::Entries,
      .name = "entries",
-     .synopsis = "entries DEVICE|FILE.xml NAME [--timeout MS] [--simulate]",
+     .synopsis = "entries DEVICE|FILE.xml NAME [--timeout MS] [--simulate | --lab FILE]",
      .description =
          "Lists all entries of an enumeration below a line of headings, parted by single tabs. Those with RO\n"
          "      can be chosen at the moment.",
@@ -72,32 +75,32 @@ constexpr CommandRow kCommands[] = {
      .names = NameUse::One},
     {.verb = Verb::Get,
      .name = "get",
-     .synopsis = "get DEVICE|FILE.xml NAME... [--timeout MS] [--simulate]",
+     .synopsis = "get DEVICE|FILE.xml NAME... [--timeout MS] [--simulate | --lab FILE]",
      .description = "Reads features: one value a line, behind its name and a tab where there are several.",
      .takesDevice = true,
      .names = NameUse::Several},
     {.verb = Verb::Set,
      .name = "set",
-     .synopsis = "set DEVICE NAME VALUE [NAME VALUE]... [--timeout MS] [--simulate]",
+     .synopsis = "set DEVICE NAME VALUE [NAME VALUE]... [--timeout MS] [--simulate | --lab FILE]",
      .description = "Sets features one after the other and writes what they are then, as get does. Stops at the first\n"
                     "      that cannot be set.",
      .takesDevice = true,
      .names = NameUse::NamesAndValues},
     {.verb = Verb::Execute,
      .name = "execute",
-     .synopsis = "execute DEVICE NAME [--timeout MS] [--simulate]",
+     .synopsis = "execute DEVICE NAME [--timeout MS] [--simulate | --lab FILE]",
      .description = "Executes a command of the device and waits for its end; Ctrl-C ends the waiting.",
      .takesDevice = true,
      .names = NameUse::One},
     {.verb = Verb::Xml,
      .name = "xml",
-     .synopsis = "xml DEVICE|FILE.zip [FILE] [--force] [--timeout MS] [--simulate]",
+     .synopsis = "xml DEVICE|FILE.zip [FILE] [--force] [--timeout MS] [--simulate | --lab FILE]",
      .description = "Writes the device's description of its features, unpacked, to standard output or into FILE.",
      .takesDevice = true,
      .file = FileUse::Optional},
     {.verb = Verb::Save,
      .name = "save",
-     .synopsis = "save DEVICE FILE [--force] [--timeout MS] [--simulate]",
+     .synopsis = "save DEVICE FILE [--force] [--timeout MS] [--simulate | --lab FILE]",
      .description =
          "Saves the device's settings. What it refuses to give is named, a line each, and left out. Nothing is\n"
          "      saved when it stops answering, or has no settings.",
@@ -105,7 +108,7 @@ constexpr CommandRow kCommands[] = {
      .file = FileUse::Other},
     {.verb = Verb::Load,
      .name = "load",
-     .synopsis = "load DEVICE FILE [--timeout MS] [--simulate]",
+     .synopsis = "load DEVICE FILE [--timeout MS] [--simulate | --lab FILE]",
      .description =
          "Gives the device the settings of a file and reads them back. What is not as in the file\n"
          "      afterwards is named, a line each, twenty at most. Closes with how many settings the file has.",
@@ -158,11 +161,21 @@ bool TakeFlag(CommandLine& aCommandLine, std::string_view) {
   return aCommandLine.*kMember = true;
 }
 
+// Some programs read a number that begins by 0 as octal, so what the user means by one is not known.
+bool HasLeadingZero(std::string_view aAddress) {
+  for (std::size_t at = 0; at + 1 < aAddress.size(); ++at) {
+    const bool isFirstDigit = at == 0 || aAddress[at - 1] == '.';
+    if (isFirstDigit && aAddress[at] == '0' && aAddress[at + 1] != '.')
+      return true;
+  }
+  return false;
+}
+
 // For options whose value is an address.
 template <std::optional<std::uint32_t> IPWish::*kMember>
 bool TakeAddress(CommandLine& aCommandLine, std::string_view aValue) {
   aCommandLine.ip.*kMember = krsystem::ParseIPv4(KrString(std::string(aValue)));
-  return (aCommandLine.ip.*kMember).has_value();
+  return (aCommandLine.ip.*kMember).has_value() && !HasLeadingZero(aValue);
 }
 
 bool TakeNewAddress(CommandLine& aCommandLine, std::string_view aValue) {
@@ -185,7 +198,7 @@ bool TakeSwitch(CommandLine& aCommandLine, std::string_view aValue) {
   return aValue == "on" || aValue == "off";
 }
 
-constexpr std::string_view kWantsAddress = "an address as in 192.168.1.20";
+constexpr std::string_view kWantsAddress = "an address as in 192.168.1.20, without leading zeros";
 
 constexpr OptionRow kOptions[] = {
     {"--adapter", "NAME", "ip", "The adapter on which the device is meant, where several hear it; for example eth0.",
@@ -217,21 +230,22 @@ constexpr OptionRow kOptions[] = {
      TakeAddress<&IPWish::gateway>, kWantsAddress},
     {"--json", "", "list ip", "Writes one JSON object instead of lines; with --watch one in each line.",
      TakeFlag<&CommandLine::json>, ""},
-    {"--lab", "FILE", "", "Offers the simulated lab that a file describes beside the real devices.", TakeLab,
-     "the name of a lab file"},
+    {"--lab", "FILE", "",
+     "Offers the simulated lab that a file describes beside the real devices, in place of the built-in one.", TakeLab,
+     "the name of a lab file", true},
     {"--link-local", "on|off", "ip",
      "Whether the device takes an address of 169.254.*.* where it has no other. Most devices always do.",
      TakeSwitch<&IPWish::linkLocal>, "on or off"},
     {"--mask", "M", "ip", "The subnet mask that goes with the address; the adapter's where it is not given.",
-     TakeAddress<&IPWish::mask>, "a mask as in 255.255.255.0"},
+     TakeAddress<&IPWish::mask>, "a mask as in 255.255.255.0, without leading zeros"},
     {"--persistent", "ADDRESS", "ip", "The address that the device keeps and takes first at its start; off for none.",
-     TakePersistent, "an address as in 192.168.1.20, or off"},
+     TakePersistent, "an address as in 192.168.1.20, without leading zeros, or off"},
     {"--pixel-format", "NAME", "save-frame", "Sets the camera's pixel format first, for example Mono12p; it stays set.",
      TakeText<&CommandLine::pixelFormat>, "the name of a pixel format"},
     {"--set", "ADDRESS", "ip",
      "The address that the device takes at once and has until its next start; auto for a free one of the adapter's\n"
      "      subnet.",
-     TakeNewAddress, "an address as in 192.168.1.20, or auto"},
+     TakeNewAddress, "an address as in 192.168.1.20, without leading zeros, or auto"},
     {"--simulate", "", "", "Offers the built-in simulated lab beside the real devices.",
      TakeFlag<&CommandLine::simulate>, ""},
     {"--timeout", "MS", "",

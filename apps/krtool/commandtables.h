@@ -34,6 +34,7 @@ struct OptionRow {
   std::string_view description;
   bool (*take)(CommandLine& aCommandLine, std::string_view aValue); ///< False for a value that cannot be accepted.
   std::string_view wants;                                           ///< The values that can be accepted.
+  bool isOnce = false; ///< A second one is a mistake; of others the last one counts.
 };
 
 std::span<const CommandRow> GetCommands();

@@ -53,8 +53,12 @@ private:
   KrResult Select() {
     const KrResult selected = SelectNetworkDevice(mSystem, mCommandLine.device, mWish.adapter, mReport.device);
     const std::optional<KrString> mac = ParseMAC(mCommandLine.device);
-    if (selected != KrResult::Code::NotFound || !mac || !mWish.address || IsAnswering(*mac))
+    if (selected != KrResult::Code::NotFound || !mac || !mWish.sets || IsAnswering(*mac))
       return selected;
+    if (!mWish.address)
+      return {selected.GetCode(), *mac +
+                                      " is not heard on any adapter, so no address can be proposed. It may hear what "
+                                      "it is told none the less, so give the address yourself: --set ADDRESS."};
     const KrNetworkAdapter* const adapter = FindAdapter(mSystem, mWish.adapter, *mWish.address);
     if (!adapter)
       return selected;

@@ -63,6 +63,20 @@ KrResult Take(const KrDeviceInfo& aDevice, NetworkDevice& aChosen) {
   return {};
 }
 
+// The lists hold one device of each unique ID and adapter. That another one has the same MAC address, and would take
+// the address, too, only the diagnosis of the round tells. Where it fails, nothing is known against the device.
+KrResult CheckMACIsItsOwn(KrSystem& aSystem, const NetworkDevice& aChosen) {
+  const std::string& mac = aChosen.fields.macAddress.ToUtf8();
+  std::vector<KrFinding> findings;
+  if (mac.empty() || !aSystem.Diagnose(findings).IsOK())
+    return {};
+  const auto shared = std::ranges::find_if(findings, [&](const KrFinding& aFinding) {
+    return aFinding.kind == KrFindingKind::SharedMAC && aFinding.text.ToUtf8().find(mac) != std::string::npos;
+  });
+  return shared == findings.end() ? KrResult()
+                                  : KrResult(KrResult::Code::InvalidInput, shared->text + " " + shared->remedy);
+}
+
 } // namespace
 
 std::optional<KrString> ParseMAC(const KrString& aText) {
@@ -117,11 +131,13 @@ KrResult SelectNetworkDevice(KrSystem& aSystem, const KrString& aName, const KrS
   constexpr const char* kAttempt = "looking for the device failed";
   if (KrResult found = aSystem.Find(); !found.IsOK())
     return Explain(kAttempt, found);
-  const KrResult chosen = ChooseNetworkDevice(GetDevices(aSystem), aName, aAdapter, aChosen);
+  KrResult chosen = ChooseNetworkDevice(GetDevices(aSystem), aName, aAdapter, aChosen);
   const KrDeviceInfo* asked = nullptr;
   const bool asks = chosen == KrResult::Code::NotFound && aAdapter.IsEmpty() && krsystem::ParseIPv4(aName);
   if (asks && aSystem.FindDevice(aName, &asked).IsOK())
-    return Take(*asked, aChosen);
+    chosen = Take(*asked, aChosen);
+  if (chosen.IsOK())
+    chosen = CheckMACIsItsOwn(aSystem, aChosen);
   return Explain(kAttempt, chosen);
 }
 

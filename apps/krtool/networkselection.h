@@ -23,8 +23,8 @@ struct NetworkDevice {
 KrResult ChooseNetworkDevice(const std::vector<const KrDeviceInfo*>& aDevices, const KrString& aName,
                              const KrString& aAdapter, NetworkDevice& aChosen);
 
-/// Looks for devices and chooses; an address that no adapter heard is asked directly. Blocks for the system's detection
-/// timeout, or twice that.
+/// Looks for devices and chooses; an address that no adapter heard is asked directly. InvalidInput also for a device
+/// whose MAC address another one of the round states. Blocks for the system's detection timeout, or twice that.
 KrResult SelectNetworkDevice(KrSystem& aSystem, const KrString& aName, const KrString& aAdapter,
                              NetworkDevice& aChosen);
 

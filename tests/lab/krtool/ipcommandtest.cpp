@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <initializer_list>
 #include <sstream>
 
 namespace krtool {
@@ -20,6 +21,8 @@ constexpr std::uint32_t kElsewhere = 0x0A000005; // 10.0.0.5
 
 class IPCommand : public LabTest {
 protected:
+  using LabTest::LabTest;
+
   int Run(const std::string& aDevice, const IPWish& aWish, bool aForce = false, bool aJson = false) {
     const CommandLine line = {.verb = Verb::IP, .device = aDevice, .ip = aWish, .force = aForce, .json = aJson};
     return RunIP(mSystem, line, mOut, mErrors);
@@ -168,6 +171,84 @@ TEST_F(IPCommand, DetectionTimeout_IsAsBeforeAfterTheWait) {
   Run(kForeign, {.sets = true, .address = kFree});
 
   EXPECT_EQ(mSystem.GetDetectionTimeout(), 123U);
+}
+
+TEST_F(IPCommand, MACAddressThatNobodyIsHeardBy_WantsAnAddressOfTheUsers) {
+  const int exitCode = Run("02:00:00:00:00:77", {.sets = true});
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_THAT(mErrors.str(), HasSubstr("give the address yourself: --set ADDRESS"));
+}
+
+TEST_F(IPCommand, HostsOwnLoopbackAddress_IsRefusedEvenByForce) {
+  const int exitCode = Run(kForeign, {.sets = true, .address = 0x7F000001}, true); // 127.0.0.1
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_THAT(mErrors.str(), HasSubstr("127.0.0.1 cannot be a device's"));
+  EXPECT_EQ(FindAddress(kForeign), "10.20.30.40");
+}
+
+constexpr const char* kShared = "02:00:00:00:00:01";
+
+krtransport::LabGEVCamera MakeUnnamedCamera(const char* aMAC, const char* aAddress) {
+  krtransport::LabGEVCamera camera;
+  camera.macAddress = aMAC;
+  camera.ipAddress = aAddress;
+  camera.subnetMask = "255.255.255.0";
+  return camera;
+}
+
+krtransport::Lab MakeLabOf(std::initializer_list<krtransport::LabGEVCamera> aCameras) {
+  krtransport::LabAdapter adapter;
+  adapter.name = "lab0";
+  adapter.macAddress = "02:00:00:00:01:00";
+  adapter.addresses = {{"10.0.0.1", "255.255.255.0"}};
+  adapter.devices.assign(aCameras.begin(), aCameras.end());
+  krtransport::Lab lab;
+  lab.adapters = {adapter};
+  return lab;
+}
+
+class IPCommandWithOneMACAddressOfTwo : public IPCommand {
+protected:
+  IPCommandWithOneMACAddressOfTwo()
+      : IPCommand(MakeLabOf({MakeUnnamedCamera(kShared, "10.0.0.7"), MakeUnnamedCamera(kShared, "10.0.0.8"),
+                             MakeUnnamedCamera("02:00:00:00:00:02", "10.0.0.9")})) {}
+};
+
+TEST_F(IPCommandWithOneMACAddressOfTwo, DeviceThatHasIt_IsRefusedWithBothAddressesKept) {
+  const int exitCode = Run(kShared, {.sets = true, .address = 0x0A000032}, true); // 10.0.0.50
+
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_EQ(mOut.str(), "");
+  EXPECT_THAT(mErrors.str(), HasSubstr("state one MAC address, 02:00:00:00:00:01"));
+  EXPECT_THAT(mErrors.str(), HasSubstr("Connect only one of them"));
+  EXPECT_THAT(FindAddress(kShared).ToUtf8(), testing::AnyOf("10.0.0.7", "10.0.0.8"));
+}
+
+TEST_F(IPCommandWithOneMACAddressOfTwo, AnotherDevice_IsGivenItsAddress) {
+  const int exitCode = Run("02:00:00:00:00:02", {.sets = true, .address = 0x0A000032});
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  EXPECT_EQ(FindAddress("02:00:00:00:00:02"), "10.0.0.50");
+}
+
+krtransport::LabGEVCamera MakeCameraThatRefuses() {
+  krtransport::LabGEVCamera camera = MakeUnnamedCamera(kShared, "10.0.0.7");
+  camera.faults.refusesOpening = true;
+  return camera;
+}
+
+class IPCommandOfACameraThatRefuses : public IPCommand {
+protected:
+  IPCommandOfACameraThatRefuses() : IPCommand(MakeLabOf({MakeCameraThatRefuses()})) {}
+};
+
+TEST_F(IPCommandOfACameraThatRefuses, CameraWithoutTexts_IsNamedByItsMACAddress) {
+  const int exitCode = Run(kShared, {});
+
+  EXPECT_EQ(exitCode, 0) << mErrors.str();
+  EXPECT_THAT(mOut.str(), HasSubstr("own address       cannot be read: 02:00:00:00:00:01: it refuses to be opened"));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
-// The built-in lab as the only transport of the process, for tests of the commands: no real network is touched.
+// A lab, the built-in one as a rule, as the only transport of the process, for tests of the commands: no real network
+// is touched.
 
 #include "commandline.h"
 #include "krsystem/krsystem.h"
@@ -9,20 +10,21 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <utility>
 
 namespace krtool {
 
 class LabTest : public testing::Test {
 protected:
-  LabTest() {
+  explicit LabTest(krtransport::Lab aLab = krtransport::GetBuiltInLab())
+      : mLab(std::make_shared<krtransport::SimulationTransport>(std::move(aLab))) {
     krsystem::RegisterTransport(mLab);
     mSystem.SetDetectionTimeout(100);
     mSystem.SetSubnetBroadcastEnabled(false);
   }
   ~LabTest() override { krsystem::UnregisterTransport(mLab); }
 
-  std::shared_ptr<krtransport::SimulationTransport> mLab =
-      std::make_shared<krtransport::SimulationTransport>(krtransport::GetBuiltInLab());
+  std::shared_ptr<krtransport::SimulationTransport> mLab;
   KrSystem mSystem;
 };
 

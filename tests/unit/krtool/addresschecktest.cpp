@@ -51,12 +51,15 @@ INSTANTIATE_TEST_SUITE_P(
                     Plan{"TheAdaptersSecond", "172.16.0.1", "255.255.0.0", "0.0.0.0", "the adapter's own"},
                     Plan{"FirstMulticast", "224.0.0.0", "255.255.255.0", "0.0.0.0", "224.0.0.0 on"},
                     Plan{"Broadcast", "255.255.255.255", "0.0.0.0", "0.0.0.0", "224.0.0.0 on"},
+                    Plan{"Loopback", "127.0.0.1", "255.255.255.0", "0.0.0.0", "127.0.0.1 cannot be a device's"},
+                    Plan{"LastLoopback", "127.255.255.254", "255.0.0.0", "0.0.0.0", "127.*.*.* are for other purposes"},
+                    Plan{"OfThisNetwork", "0.0.0.5", "255.255.255.0", "0.0.0.0", "0.*.*.* and 127.*.*.*"},
                     Plan{"TheSubnet", "192.168.1.0", "255.255.255.0", "0.0.0.0", "the subnet itself"},
                     Plan{"NoHostBits", "192.168.1.20", "255.255.255.255", "0.0.0.0", "the subnet itself"},
                     Plan{"SubnetBroadcast", "192.168.1.255", "255.255.255.0", "0.0.0.0", "the subnet's broadcast"},
                     Plan{"SmallSubnetBroadcast", "192.168.1.63", "255.255.255.192", "0.0.0.0", "subnet's broadcast"},
                     Plan{"LargeSubnetBroadcast", "10.255.255.255", "255.0.0.0", "0.0.0.0", "the subnet's broadcast"},
-                    Plan{"None", "0.0.0.0", "0.0.0.0", "0.0.0.0", "the subnet itself"}),
+                    Plan{"None", "0.0.0.0", "0.0.0.0", "0.0.0.0", "0.0.0.0 cannot be a device's"}),
     GetName);
 
 class DoubtfulAddress : public testing::TestWithParam<Plan> {};
@@ -82,7 +85,8 @@ INSTANTIATE_TEST_SUITE_P(
     GetName);
 
 TEST(AddressCheck, OrdinaryAddresses_HaveNoDoubts) {
-  for (const Plan& plan : {Plan{"First", "192.168.1.20", "255.255.255.0", "0.0.0.0", ""},
+  for (const Plan& plan : {Plan{"BesideLoopback", "192.168.1.127", "255.255.255.0", "0.0.0.0", ""},
+                           Plan{"First", "192.168.1.20", "255.255.255.0", "0.0.0.0", ""},
                            Plan{"FirstWithGateway", "192.168.1.20", "255.255.255.0", "192.168.1.1", ""},
                            Plan{"OfTheAdaptersSecond", "172.16.5.20", "255.255.0.0", "172.16.0.9", ""}}) {
     const AddressVerdict verdict = Check(plan);

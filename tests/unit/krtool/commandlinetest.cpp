@@ -26,6 +26,29 @@ TEST(CommandLine, Lab_ImpliesTheSimulation) {
   EXPECT_TRUE(parsed.commandLine.simulate);
 }
 
+TEST(CommandLine, LabBesideTheSimulation_TakesThePlaceOfTheBuiltInOne) {
+  const ParsedCommandLine parsed = ParseCommandLine({"list", "--simulate", "--lab", "lab.yaml"});
+
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.commandLine.labFile, "lab.yaml");
+  EXPECT_TRUE(parsed.commandLine.simulate);
+  EXPECT_THAT(GetHelpText(), HasSubstr("in place of the built-in one"));
+}
+
+TEST(CommandLine, Synopses_NameTheLabBesideTheSimulation) {
+  const std::string help = GetHelpText();
+  const std::string synopses = help.substr(0, help.find("Options:"));
+  std::size_t simulations = 0;
+
+  for (std::size_t at = synopses.find("--simulate"); at != std::string::npos;
+       at = synopses.find("--simulate", at + 1)) {
+    EXPECT_EQ(synopses.substr(at, 24), "--simulate | --lab FILE]") << at;
+    ++simulations;
+  }
+
+  EXPECT_EQ(simulations, 12U);
+}
+
 TEST(CommandLine, ListAlone_LeavesEverythingAtItsDefault) {
   const ParsedCommandLine parsed = ParseCommandLine({"list"});
 
@@ -222,6 +245,14 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"WatchAndDiagnose", {"list", "--watch", "--diagnose"}, "do not go together"},
         Mistake{"IPWithoutDevice", {"ip"}, "DEVICE"},
         Mistake{"IPWithTextForAnAddress", {"ip", "cam", "--set", "camera"}, "or auto, not \"camera\""},
+        Mistake{"IPWithLeadingZeros",
+                {"ip", "cam", "--set", "010.020.030.040"},
+                "without leading zeros, or auto, not \"010.020.030.040\""},
+        Mistake{"IPWithLeadingZeroInTheLastField", {"ip", "cam", "--persistent", "10.0.0.07"}, "leading zeros"},
+        Mistake{"IPWithLeadingZeroInTheMask",
+                {"ip", "cam", "--set", "10.0.0.7", "--mask", "255.00.0.0"},
+                "--mask wants a mask as in"},
+        Mistake{"TwoLabs", {"list", "--lab", "a.yaml", "--lab", "b.yaml"}, "--lab is given twice"},
         Mistake{"IPWithShortMask", {"ip", "cam", "--set", "10.0.0.2", "--mask", "24"}, "--mask wants a mask as in"},
         Mistake{"IPWithMaskAlone", {"ip", "cam", "--mask", "255.0.0.0"}, "belong to an address"},
         Mistake{

@@ -20,7 +20,7 @@ enum class KrFindingKind : std::int32_t {
   /// Two devices, or a device and this host, have one address. The latter is known only of transports that hear such
   /// a device: the Linux kernel drops what comes from an address of its own.
   AddressConflict = 10,
-  SharedMAC = 11,       ///< Two devices state one MAC address.
+  SharedMAC = 11,       ///< Two devices state one MAC address, which stands in the text.
   SubnetNotUnique = 12, ///< Two adapters lie in one subnet, or the subnet of one lies within the other's.
 };
 
