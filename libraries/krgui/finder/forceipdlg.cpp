@@ -59,6 +59,7 @@ void LogFailure(const KrString& aMAC, const KrResult& aResult) {
 struct ForceIPDlg::DeviceKind {
   KrDeviceInfoType type;
   KrString (*getMAC)(const KrDeviceInfo& aDevice);
+  KrString (*getAddress)(const KrDeviceInfo& aDevice);
   KrResult (*send)(const KrString& aMAC, const KrString& aAddress, const KrString& aMask, const KrString& aGateway);
 };
 
@@ -66,10 +67,14 @@ const ForceIPDlg::DeviceKind* ForceIPDlg::FindKind(const KrDeviceInfo& aDevice) 
   static constexpr DeviceKind kKinds[] = {
       {KrDeviceInfoType::GEV,
        [](const KrDeviceInfo& aGEV) { return static_cast<const KrDeviceInfoGEV&>(aGEV).GetMACAddress(); },
+       [](const KrDeviceInfo& aGEV) { return static_cast<const KrDeviceInfoGEV&>(aGEV).GetIPAddress(); },
        KrDeviceGEV::SetIPConfiguration},
       {KrDeviceInfoType::TolvanProtocol,
        [](const KrDeviceInfo& aTolvan) {
          return static_cast<const KrDeviceInfoTolvanProtocol&>(aTolvan).GetMACAddress();
+       },
+       [](const KrDeviceInfo& aTolvan) {
+         return static_cast<const KrDeviceInfoTolvanProtocol&>(aTolvan).GetIPAddress();
        },
        KrDeviceTolvanProtocol::SetIPConfiguration},
   };
@@ -143,10 +148,30 @@ void ForceIPDlg::ChooseAddress(std::size_t aIndex) {
 }
 
 IPValues ForceIPDlg::ReadValues() const {
-  return {GetControl<IPAddressControl>(kAddressID)->GetAddress(), GetControl<IPAddressControl>(kMaskID)->GetAddress(),
+  return {GetControl<IPAddressControl>(kAddressID)->GetAddress(),
+          GetControl<IPAddressControl>(kMaskID)->GetAddress(),
           GetControl<IPAddressControl>(kGatewayID)->GetAddress(),
           ToKrString(GetControl<QComboBox>(kAdapterAddressID)->currentText()),
-          ToKrString(GetControl<QLineEdit>(kAdapterMaskID)->text())};
+          ToKrString(GetControl<QLineEdit>(kAdapterMaskID)->text()),
+          ListTakenAddresses()};
+}
+
+std::vector<std::uint32_t> ForceIPDlg::ListTakenAddresses() const {
+  std::vector<std::uint32_t> taken;
+  const KrString mac = mKind->getMAC(mDevice);
+  for (std::size_t index = 0; index < mSystem.GetDeviceCount(); ++index) {
+    const KrDeviceInfo* device = mSystem.GetDeviceInfo(index);
+    const DeviceKind* kind = device == nullptr ? nullptr : FindKind(*device);
+    // The same device stands there once for each adapter that hears it.
+    if (kind == nullptr || kind->getMAC(*device) == mac) {
+      continue;
+    }
+    // Many devices may have none at the same time.
+    if (const std::uint32_t address = krsystem::ParseIPv4(kind->getAddress(*device)).value_or(0); address != 0) {
+      taken.push_back(address);
+    }
+  }
+  return taken;
 }
 
 bool ForceIPDlg::Check() {

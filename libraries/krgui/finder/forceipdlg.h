@@ -8,6 +8,8 @@
 #include "platform/backgroundtask.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
 class KrDeviceInfo;
 class KrNetworkAdapter;
@@ -42,6 +44,8 @@ private:
   /// The user chose one of the adapter's addresses: the device gets a place in its subnet.
   void ChooseAddress(std::size_t aIndex);
   IPValues ReadValues() const;
+  /// The addresses of the system's other devices, those with another MAC address.
+  std::vector<std::uint32_t> ListTakenAddresses() const;
   /// The live check, with its marks; whether any value is doubtful.
   bool Check();
   void ShowError(int aControlID, ErrorProvider& aIndicator, const KrString& aError);

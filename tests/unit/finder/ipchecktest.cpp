@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <ostream>
+#include <vector>
 
 namespace krgui {
 
@@ -15,6 +16,7 @@ constexpr const char* kMulticast = "IP addresses in the 224.*.*.* to 255.*.*.* r
 constexpr const char* kOtherSubnet = "Device IP Address does not match Interface Subnet.";
 constexpr const char* kEnding = "IP addresses ending by 0 or 255 are invalid.";
 constexpr const char* kSame = "The IP Address cannot be the same as the Interface!";
+constexpr const char* kTaken = "Another device has this IP Address.";
 constexpr const char* kOtherMask = "Device Subnet Mask should match Interface Subnet Mask.";
 constexpr const char* kBadMask = "Invalid subnet mask.";
 constexpr const char* kOtherGateway = "Device Gateway does not match Interface Subnet.";
@@ -60,14 +62,19 @@ struct CheckCase {
   const char* hardError = "";
   const char* adapterAddress = "192.168.1.10";
   const char* adapterMask = "255.255.255.0";
+  std::vector<std::uint32_t> taken = {};
 };
 
 constexpr const char* kHardSame = "Cannot assign the same IP Address as the Interface!";
 constexpr const char* kHardSubnet = "Cannot assign the device IP Address to be the same as its subnet!";
 
 IPValues MakeValues(const CheckCase& aCase) {
-  return {*ParseDotted(aCase.deviceAddress), *ParseDotted(aCase.deviceMask), *ParseDotted(aCase.deviceGateway),
-          aCase.adapterAddress, aCase.adapterMask};
+  return {*ParseDotted(aCase.deviceAddress),
+          *ParseDotted(aCase.deviceMask),
+          *ParseDotted(aCase.deviceGateway),
+          aCase.adapterAddress,
+          aCase.adapterMask,
+          aCase.taken};
 }
 
 class CheckIPValuesTest : public testing::TestWithParam<CheckCase> {};
@@ -178,6 +185,27 @@ const CheckCase kChecks[] = {
      .deviceAddress = "192.168.1.10",
      .expected = {kSame, "", ""},
      .adapterAddress = "192.168.001.10"},
+    {.name = "AddressOfAnotherDevice",
+     .deviceAddress = "192.168.1.20",
+     .expected = {kTaken, "", ""},
+     .taken = {0xC0A80115, 0xC0A80114}},
+    {.name = "AddressesOfOtherDevicesAside",
+     .deviceAddress = "192.168.1.20",
+     .expected = {},
+     .taken = {0xC0A80113, 0xC0A80115}},
+    {.name = "AnotherDeviceOfAForeignSubnetComesAfterTheSubnet",
+     .deviceAddress = "10.0.0.5",
+     .expected = {kOtherSubnet, "", ""},
+     .taken = {0x0A000005}},
+    {.name = "AnotherDeviceAtTheEndComesAfterTheEnding",
+     .deviceAddress = "192.168.1.255",
+     .expected = {kEnding, "", ""},
+     .taken = {0xC0A801FF}},
+    {.name = "AnotherDeviceWithTheInterfacesAddressComesAfterTheInterface",
+     .deviceAddress = "192.168.1.10",
+     .expected = {kSame, "", ""},
+     .hardError = kHardSame,
+     .taken = {0xC0A8010A}},
 };
 
 void PrintTo(const CheckCase& aCase, std::ostream* aStream) {

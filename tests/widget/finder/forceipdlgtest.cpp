@@ -374,6 +374,61 @@ TEST_F(ForceIPDlgTest, NoMask_PassesTheSubnetRules) {
   EXPECT_THAT(transport->configured, testing::ElementsAre(kMAC, "192.168.1.20", "0.0.0.0", "192.168.1.1"));
 }
 
+struct OtherDeviceCase {
+  const char* name;
+  krsystem::AnyDeviceFields device;
+  bool isTaken; ///< 192.168.1.20.
+};
+
+krsystem::AnyDeviceFields MakeOlderCamera(const char* aMAC, const char* aAddress) {
+  krsystem::TolvanProtocolFields fields;
+  fields.uniqueID = aMAC;
+  fields.macAddress = aMAC;
+  fields.ipAddress = aAddress;
+  return fields;
+}
+
+krsystem::AnyDeviceFields MakeCameraOnAnotherAdapter(const char* aAddress) {
+  krsystem::GEVFields fields = MakeCamera("another ID", aAddress);
+  fields.macAddress = kMAC;
+  return fields;
+}
+
+class ForceIPDlgOtherDevice : public ForceIPDlgTest, public testing::WithParamInterface<OtherDeviceCase> {};
+
+TEST_P(ForceIPDlgOtherDevice, AddressOfAnother_IsMarkedAndAskedFor) {
+  MakeSystem();
+  transport->answers.emplace_back(0, GetParam().device);
+  ASSERT_TRUE(system->Find().IsOK());
+  ASSERT_EQ(system->GetDeviceCount(), 2U);
+  std::string text;
+
+  const ModalResult result = Run([&](QWidget& aDialog) {
+    Type("20");
+    EXPECT_EQ(GetError(aDialog, 1003), GetParam().isTaken ? "Another device has this IP Address." : "");
+    Enter(aDialog, 1038, "192.168.1.21");
+    EXPECT_EQ(GetError(aDialog, 1003), "");
+    Enter(aDialog, 1038, "192.168.1.20");
+    if (GetParam().isTaken) {
+      AnswerBox(text, Qt::Key_Y);
+    }
+    Press(aDialog, Qt::Key_Return);
+  });
+
+  EXPECT_EQ(text, GetParam().isTaken ? kQuestion : "");
+  EXPECT_EQ(result, ModalResult::OK);
+  EXPECT_EQ(transport->asked, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ForceIPDlgOtherDevice,
+    testing::Values(OtherDeviceCase{"Camera", MakeCamera("00:aa:00:aa:00:aa", "192.168.1.20"), true},
+                    OtherDeviceCase{"OlderCamera", MakeOlderCamera("00:aa:00:aa:00:aa", "192.168.1.20"), true},
+                    OtherDeviceCase{"AnotherAddress", MakeCamera("00:aa:00:aa:00:aa", "192.168.1.19"), false},
+                    OtherDeviceCase{"ItselfOnAnotherAdapter", MakeCameraOnAnotherAdapter("192.168.1.20"), false},
+                    OtherDeviceCase{"USBCamera", krsystem::U3VFields{}, false}),
+    [](const auto& aInfo) { return aInfo.param.name; });
+
 // Keys.
 
 TEST_F(ForceIPDlgTest, TabKey_StopsOnceAtEachAddress) {

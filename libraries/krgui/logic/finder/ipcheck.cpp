@@ -2,6 +2,7 @@
 
 #include "krsystem/ipv4address.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace krgui {
@@ -35,7 +36,7 @@ Adapter ParseAdapter(const IPValues& aValues) {
           ParseDotted(aValues.adapterMask).value_or(aValues.deviceGateway)};
 }
 
-KrString CheckAddress(std::uint32_t aAddress, const Adapter& aAdapter) {
+KrString CheckAddress(std::uint32_t aAddress, const Adapter& aAdapter, const std::vector<std::uint32_t>& aTaken) {
   if (GetFirstField(aAddress) >= kFirstMulticastField) {
     return kMulticast;
   }
@@ -47,6 +48,9 @@ KrString CheckAddress(std::uint32_t aAddress, const Adapter& aAdapter) {
   }
   if (aAddress == aAdapter.address) {
     return "The IP Address cannot be the same as the Interface!";
+  }
+  if (std::find(aTaken.begin(), aTaken.end(), aAddress) != aTaken.end()) {
+    return "Another device has this IP Address.";
   }
   return {};
 }
@@ -91,7 +95,7 @@ std::optional<std::uint32_t> ParseDotted(const KrString& aText) {
 
 IPIndicators CheckIPValues(const IPValues& aValues) {
   const Adapter adapter = ParseAdapter(aValues);
-  return {CheckAddress(aValues.deviceAddress, adapter), CheckMask(aValues.deviceMask, adapter),
+  return {CheckAddress(aValues.deviceAddress, adapter, aValues.takenAddresses), CheckMask(aValues.deviceMask, adapter),
           CheckGateway(aValues.deviceGateway, adapter)};
 }
 

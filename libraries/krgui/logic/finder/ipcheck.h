@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace krgui {
 
@@ -22,13 +23,14 @@ struct IPIndicators {
   friend bool operator==(const IPIndicators&, const IPIndicators&) = default;
 };
 
-/// What the dialog holds: the device's values as numbers, the adapter's as texts.
+/// What the dialog holds: the device's values as numbers, the adapter's as texts; and what it knows of other devices.
 struct IPValues {
   std::uint32_t deviceAddress = 0;
   std::uint32_t deviceMask = 0;
   std::uint32_t deviceGateway = 0;
   KrString adapterAddress;
   KrString adapterMask;
+  std::vector<std::uint32_t> takenAddresses = {}; ///< Those of other devices.
 };
 
 /// The live check. An adapter's text that does not parse counts as the device's gateway.
