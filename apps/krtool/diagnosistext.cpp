@@ -13,10 +13,10 @@ namespace krtool {
 namespace {
 
 // By the number of their kind.
-constexpr std::string_view kKinds[] = {"NoTransport",    "AdapterDown",       "NoCarrier",          "NoAddress",
-                                       "ForeignSubnet",  "ReversePathFilter", "ReceiveBufferLimit", "USBPermission",
-                                       "USBMemory",      "USBSpeed",          "AddressConflict",    "SharedMAC",
-                                       "SubnetNotUnique"};
+constexpr std::string_view kKinds[] = {
+    "NoTransport",       "AdapterDown",        "NoCarrier",       "NoAddress", "ForeignSubnet",
+    "ReversePathFilter", "ReceiveBufferLimit", "USBPermission",   "USBMemory", "USBSpeed",
+    "AddressConflict",   "SharedMAC",          "SubnetNotUnique", "NoAdapter", "NoAnswer"};
 
 std::string_view GetKindWord(KrFindingKind aKind) {
   const auto place = static_cast<std::size_t>(aKind);

@@ -53,6 +53,14 @@ std::optional<Overlap> FindOverlap(const AdapterReading& aFirst, const AdapterRe
   return std::nullopt;
 }
 
+KrFinding MakeNoAdapter() {
+  return {KrFindingKind::NoAdapter,
+          {},
+          "This computer has no network adapter but the loopback one, so no camera on the network can be found.",
+          "Add an adapter, or its driver; give a container or a network namespace one of the host's, or start the "
+          "program outside of it.\nip link show"};
+}
+
 KrFinding MakeDown(const AdapterReading& aAdapter) {
   const KrString& name = GetName(aAdapter);
   return {KrFindingKind::AdapterDown, name, "The network adapter " + name + " is switched off.",
@@ -209,6 +217,8 @@ bool IsUsable(const AdapterReading& aAdapter) {
 void FindAdapterCauses(const HostReadings& aReadings, std::vector<KrFinding>& aFindings) {
   Host host;
   std::vector<const AdapterReading*> adapters;
+  if (aReadings.hasNetworkTransport && std::ranges::all_of(aReadings.adapters, &AdapterReading::isLoopback))
+    aFindings.push_back(MakeNoAdapter());
   for (const AdapterReading& adapter : aReadings.adapters) {
     host.hasDefaultRoute = host.hasDefaultRoute || adapter.hasDefaultRoute;
     if (adapter.isLoopback)

@@ -69,8 +69,7 @@ KrResult ReadHost(const TransportList& aTransports, krsystem::HostReadings& aRea
       firstFailure = result;
   }
   // A transport may look for devices and have nothing to say of the host.
-  if (!aTransports.empty() && !aReadings.hasUSBTransport)
-    aReadings.hasNetworkTransport = true;
+  aReadings.hasOtherTransport = !aTransports.empty() && !aReadings.hasNetworkTransport && !aReadings.hasUSBTransport;
   return failures > 0 && failures == aTransports.size() ? firstFailure : KrResult();
 }
 

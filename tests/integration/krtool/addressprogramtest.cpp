@@ -117,6 +117,13 @@ TEST_F(KrToolOnANetwork, WatchThatNobodyReads_Ends) {
   EXPECT_GE(run.Finish(), 0) << run.GetErrors();
 }
 
+TEST_F(KrToolOnANetwork, NoDevice_IsDiagnosed) {
+  ProgramRun run(KRTOOL_PATH, {"list", "--diagnose", "--timeout", "200"});
+
+  EXPECT_EQ(run.Finish(), 3) << run.GetErrors();
+  EXPECT_THAT(run.GetOutput(), HasSubstr("No device answered.\n    "));
+}
+
 TEST_F(KrToolOnANetwork, AdapterWithoutAddress_IsDiagnosed) {
   mLab.Connect("eth1", mHost, "port1");
 

@@ -54,8 +54,21 @@ TEST_F(OnANetworkDiagnosis, Diagnose_AllIsWell_NamesNoCauseOfTheNetwork) {
   for (const KrFindingKind kind :
        {KrFindingKind::NoTransport, KrFindingKind::AdapterDown, KrFindingKind::NoCarrier, KrFindingKind::NoAddress,
         KrFindingKind::ForeignSubnet, KrFindingKind::ReversePathFilter, KrFindingKind::AddressConflict,
-        KrFindingKind::SharedMAC, KrFindingKind::SubnetNotUnique})
+        KrFindingKind::SharedMAC, KrFindingKind::SubnetNotUnique, KrFindingKind::NoAdapter, KrFindingKind::NoAnswer})
     EXPECT_THAT(kinds, Not(Contains(kind)));
+}
+
+TEST_F(OnANetworkDiagnosis, Diagnose_NobodyAnswers_IsNamedAsTheLast) {
+  const auto kinds = GetKinds(Diagnose());
+
+  ASSERT_FALSE(kinds.empty());
+  EXPECT_EQ(kinds.back(), KrFindingKind::NoAnswer);
+}
+
+TEST_F(OnANetworkDiagnosis, Diagnose_NoAdapterButLoopback_IsNamedAndNothingElseOfTheNetwork) {
+  mLab.DeleteAdapter("eth0");
+
+  EXPECT_THAT(GetKinds(Diagnose()), testing::ElementsAre(KrFindingKind::NoAdapter));
 }
 
 TEST_F(OnANetworkDiagnosis, Diagnose_AdapterDown_IsNamed) {

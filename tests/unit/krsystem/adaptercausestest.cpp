@@ -157,6 +157,28 @@ TEST(FindCauses, NoCarrier_OfWhatHasNoPlug_SpeaksOfNoCableOfItsOwn) {
                     "power.\nip link show master eth1"}));
 }
 
+TEST(FindCauses, HostWithTheLoopbackAdapterAlone_IsNoAdapter) {
+  HostReadings host = MakeHost();
+  const KrFinding noAdapter = {
+      KrFindingKind::NoAdapter, "",
+      "This computer has no network adapter but the loopback one, so no camera on the network can be found.",
+      "Add an adapter, or its driver; give a container or a network namespace one of the host's, or start the program "
+      "outside of it.\nip link show"};
+
+  host.adapters.resize(1);
+  EXPECT_THAT(FindCauses(host, {}), ElementsAre(noAdapter));
+  host.adapters.clear();
+  EXPECT_THAT(FindCauses(host, {}), ElementsAre(noAdapter)) << "not even that";
+}
+
+TEST(FindCauses, HostWithoutAdapters_IsWellWhereNobodyLooksOnThem) {
+  HostReadings host = MakeHost();
+  host.adapters.clear();
+  host.hasNetworkTransport = false;
+
+  EXPECT_THAT(FindCauses(host, {}), IsEmpty());
+}
+
 TEST(FindCauses, LoopbackInAnyState_IsNotTalkedOf) {
   HostReadings host = MakeHost();
   host.adapters[0] = {.uniqueID = "lo", .name = "lo", .isLoopback = true, .addresses = {}, .reversePathFilter = 1};
@@ -247,7 +269,7 @@ TEST(FindCauses, ReceiveBufferLimit_WithoutAnAdapterForCameras_IsNotTalkedOf) {
   host.receiveBufferLimitBytes = 212'992;
   host.adapters.erase(host.adapters.begin() + 1, host.adapters.end());
 
-  EXPECT_THAT(FindCauses(host, {}), IsEmpty()) << "the loopback adapter alone";
+  EXPECT_THAT(ListKinds(FindCauses(host, {})), ElementsAre(KrFindingKind::NoAdapter)) << "the loopback adapter alone";
   host.adapters.push_back({.uniqueID = "id0",
                            .name = "docker0",
                            .addresses = {{"172.17.0.1", "255.255.0.0"}},

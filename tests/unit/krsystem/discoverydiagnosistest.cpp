@@ -34,6 +34,64 @@ TEST(FindCauses, NothingInstalled_IsNoTransport) {
                             "Its developer calls KrInstallTransports before devices are looked for."}));
 }
 
+TEST(FindCauses, NobodyAnswersOnAHostThatIsWell_IsNoAnswer) {
+  HostReadings host = MakeHost();
+  host.usbDevices.clear();
+
+  EXPECT_THAT(
+      FindCauses(host, {}),
+      ElementsAre(KrFinding{
+          KrFindingKind::NoAnswer, "", "No device answered.",
+          "Check that the camera has power and has ended its start. On the network: check that its cable is plugged in "
+          "at both ends with the lamps lit, that no router lies between it and this computer, and that no firewall or "
+          "switch drops UDP port 3956. On USB: check that its cable is one for USB 3.0 and plugged in at both ends, "
+          "and "
+          "try another port without a hub."}));
+}
+
+TEST(FindCauses, NoAnswer_SpeaksOfTheConnectionsThatAreLookedOn) {
+  const auto getRemedy = [](const HostReadings& aHost) {
+    const std::vector<KrFinding> findings = FindCauses(aHost, {});
+    EXPECT_THAT(ListKinds(findings), ElementsAre(KrFindingKind::NoAnswer));
+    return findings.empty() ? std::string() : findings[0].remedy.ToUtf8();
+  };
+  HostReadings network = MakeHost();
+  network.usbDevices.clear();
+  network.hasUSBTransport = false;
+  HostReadings usb;
+  usb.hasUSBTransport = true;
+  HostReadings other;
+  other.hasOtherTransport = true;
+
+  EXPECT_THAT(getRemedy(network), testing::Not(testing::HasSubstr("USB")));
+  EXPECT_THAT(getRemedy(usb), testing::Not(testing::HasSubstr("network")));
+  EXPECT_EQ(getRemedy(other), "Check that the camera has power and has ended its start.");
+}
+
+TEST(FindCauses, NobodyAnswersAndFramesWouldBeSpoiled_IsNoAnswerBesidesAsTheLast) {
+  HostReadings host = MakeHost();
+  host.usbDevices.clear();
+  host.receiveBufferLimitBytes = 1;
+
+  EXPECT_THAT(ListKinds(FindCauses(host, {})), ElementsAre(KrFindingKind::ReceiveBufferLimit, KrFindingKind::NoAnswer));
+}
+
+TEST(FindCauses, NobodyAnswersForAReasonThatIsFound_IsThatAlone) {
+  HostReadings host = MakeHost();
+  host.usbDevices.clear();
+  GetEth0(host).isUp = false;
+
+  EXPECT_THAT(ListKinds(FindCauses(host, {})), ElementsAre(KrFindingKind::AdapterDown));
+}
+
+TEST(FindCauses, AnyDeviceThatAnsweredOrIsOnTheBus_IsNoNoAnswer) {
+  HostReadings host = MakeHost();
+  EXPECT_THAT(FindCauses(host, {}), IsEmpty()) << "on the bus";
+  host.usbDevices.clear();
+
+  EXPECT_THAT(FindCauses(host, {{"id0", MakeGEV("Camera", kMAC, "10.0.0.2")}}), IsEmpty()) << "answered";
+}
+
 TEST(FindCauses, DeviceOfAnotherSubnet_IsForeignSubnet) {
   EXPECT_THAT(
       FindCauses(MakeHost(), {{"id0", MakeForeign("172.16.0.5")}}),
@@ -152,7 +210,7 @@ TEST(FindCauses, USBMemory_EnoughOrWithoutLimitOrNotNeeded_IsWell) {
   host.usbMemoryMegabytes = 16;
   host.usbDevices.clear();
 
-  EXPECT_THAT(FindCauses(host, {}), IsEmpty());
+  EXPECT_THAT(FindCauses(host, {{"id0", MakeGEV("Camera", kMAC, "10.0.0.2")}}), IsEmpty()) << "no USB device";
 }
 
 TEST(FindCauses, USBDeviceOnASlowPort_IsUSBSpeed) {

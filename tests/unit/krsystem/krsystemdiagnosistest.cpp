@@ -35,10 +35,14 @@ TEST(KrSystemDiagnosis, WithoutTransports_SaysSo) {
   EXPECT_THAT(Diagnose(system), ElementsAre(KrFindingKind::NoTransport));
 }
 
-TEST(KrSystemDiagnosis, TransportThatReadsNothing_FindsNothing) {
+TEST(KrSystemDiagnosis, TransportThatReadsNothing_IsAskedForDevicesAlone) {
   const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0")};
+  transport->answers = {{0, MakeCamera("a")}};
   KrSystem system;
 
+  EXPECT_THAT(Diagnose(system), ElementsAre(KrFindingKind::NoAnswer)) << "nobody has looked";
+  EXPECT_TRUE(system.Find().IsOK());
   EXPECT_THAT(Diagnose(system), IsEmpty());
 }
 
@@ -107,7 +111,7 @@ TEST(KrSystemDiagnosis, DeviceOfTheLastRound_CountsAlsoWhereASinkIgnoredIt) {
   EXPECT_THAT(Diagnose(system), ElementsAre(KrFindingKind::ForeignSubnet));
   transport->answers.clear();
   EXPECT_TRUE(system.Find().IsOK());
-  EXPECT_THAT(Diagnose(system), IsEmpty());
+  EXPECT_THAT(Diagnose(system), ElementsAre(KrFindingKind::NoAnswer));
 }
 
 TEST(KrSystemDiagnosis, AdapterThatGotAnotherUniqueIDSinceTheRound_IsJoinedByItsName) {

@@ -3,7 +3,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QString>
 #include <gmock/gmock.h>
+
+#include <cstdint>
+#include <set>
 
 namespace krtool {
 namespace {
@@ -45,6 +49,23 @@ TEST(DiagnosisText, Json_HoldsAllOfEachFinding) {
   EXPECT_EQ(findings[0].toObject()["text"].toString(), "It has no IPv4 address.");
   EXPECT_EQ(findings[0].toObject()["remedy"].toString(), "First line.\nip addr add");
   EXPECT_EQ(findings[1].toObject()["kind"].toString(), "SubnetNotUnique");
+}
+
+TEST(DiagnosisText, Json_HasAWordForEveryKind) {
+  std::set<QString> words;
+  for (std::int32_t kind = 0; kind <= static_cast<std::int32_t>(KrFindingKind::NoAnswer); ++kind) {
+    const KrFinding finding = {static_cast<KrFindingKind>(kind), "", "Text.", ""};
+
+    const QJsonObject document =
+        QJsonDocument::fromJson(QByteArray::fromStdString(FormatFindingsJson({finding}))).object();
+
+    words.insert(document["findings"].toArray()[0].toObject()["kind"].toString());
+  }
+
+  EXPECT_EQ(words.size(), 15U) << "one each";
+  EXPECT_FALSE(words.contains("Unknown"));
+  EXPECT_TRUE(words.contains("NoAdapter"));
+  EXPECT_TRUE(words.contains("NoAnswer"));
 }
 
 TEST(DiagnosisText, JsonWithoutFinding_IsAnEmptyList) {

@@ -54,6 +54,7 @@ struct HostReadings {
   std::optional<std::uint64_t> usbMemoryMegabytes;      ///< What all USB transfers share; 0 for no limit.
   bool hasNetworkTransport = false;                     ///< A transport that looks on network adapters is there.
   bool hasUSBTransport = false;
+  bool hasOtherTransport = false; ///< Transports are there, none of which says what it looks on.
 };
 
 } // namespace krsystem

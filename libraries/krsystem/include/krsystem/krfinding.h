@@ -22,6 +22,8 @@ enum class KrFindingKind : std::int32_t {
   AddressConflict = 10,
   SharedMAC = 11,       ///< Two devices state one MAC address, which stands in the text.
   SubnetNotUnique = 12, ///< Two adapters lie in one subnet, or the subnet of one lies within the other's.
+  NoAdapter = 13,       ///< The host has no network adapter but the loopback one.
+  NoAnswer = 14,        ///< No device answered, and nothing on the host tells why.
 };
 
 /// A finding.
