@@ -3,6 +3,7 @@
 // crash.
 
 #include "gigevision/gvcppacket.h"
+#include "gigevision/gvcptext.h"
 
 #include <array>
 #include <cstdlib>
