@@ -19,7 +19,7 @@ constexpr Room kRooms[] = {
     {"krserial", "Serial", "krbase krpersistence krbuffer krgenicam krsystem krdevice"},
     {"krcamerabridge", "CameraBridge", "krbase krpersistence krbuffer krgenicam krsystem krdevice krserial"},
     {"krtransport", "Transport", "krbase krpersistence krbuffer krgenicam krsystem krdevice krserial"},
-    {"krgui/logic", "GUILogic", "krbase krbuffer krsystem krgenicam"},
+    {"krgui/logic", "GUILogic", "krbase krpersistence krbuffer krsystem krgenicam"},
     {"krgui", "GUI",
      "krbase krpersistence krbuffer krgenicam krsystem krdevice krclserial krserial krcamerabridge krgui/logic"},
 };
@@ -41,13 +41,15 @@ constexpr struct {
     {"apps/common/", false},
     {"apps/krtool/", false},
     {"examples/", true},
+    {"benchmarks/browser/", true},
     {"benchmarks/display/", true},
     {"benchmarks/finder/", true},
     {"tests/", true},
 };
 
 // Public headers of the windows that hold plain values of the rules.
-constexpr std::string_view kValueHeaders[] = {"libraries/krgui/include/krgui/krdisplaystatistics.h"};
+constexpr std::string_view kValueHeaders[] = {"libraries/krgui/include/krgui/krdisplaystatistics.h",
+                                              "libraries/krgui/include/krgui/krgenrefresh.h"};
 
 constexpr std::string_view kStandardHeaders[] = {
     "algorithm",

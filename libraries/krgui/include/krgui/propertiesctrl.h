@@ -1,0 +1,69 @@
+#pragma once
+// The property grid of the feature browser as a widget of its own, for applications that build their own browser: rows
+// of features with their values, painted and edited. Which features are in it, and when they are read, is left to
+// whoever fills it.
+
+#include "krbase/krstring.h"
+#include "krgenicam/krgencategory.h"
+#include "krgenicam/krgenparameter.h"
+
+#include <QWidget>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace krgui {
+class PropertiesGrid;
+}
+
+/// A two-column grid. Rows follow their features by themselves once they were read: changes that the array tells of
+/// are shown. Nothing is read from a device while painting.
+///
+/// Thread: the user-interface thread alone.
+/// Ownership: a widget, which belongs to its parent; borrows features and categories, which must outlive its rows.
+///
+///     auto* grid = new PropertiesCtrl(this);
+///     for (std::size_t index = 0; index < array.GetCount(); ++index)
+///       grid->AppendFeature(0, array[index]->GetName(), *array[index]);
+///     grid->Refresh();
+class KR_EXPORT PropertiesCtrl : public QWidget {
+public:
+  explicit PropertiesCtrl(QWidget* aParent = nullptr);
+  ~PropertiesCtrl() override;
+
+  /// Appends a row under a category's row, or at the top level for 0. Gives the row, 0 where aParent is no category's
+  /// row. A row's number is never given again.
+  std::uint64_t AppendCategory(std::uint64_t aParent, const KrString& aName, KrGenCategory& aCategory);
+  std::uint64_t AppendFeature(std::uint64_t aParent, const KrString& aName, KrGenParameter& aParameter);
+  /// Takes all rows away; an edit that is under way is dropped.
+  void Clear();
+  /// Reads every feature; waits for the device.
+  void Refresh();
+
+  /// Display names instead of feature names; for rows that are appended afterwards.
+  void SetShowsDisplayNames(bool aShowsDisplayNames);
+  /// Up to which visibility the entries of enumerations are offered.
+  void SetVisibility(KrGenVisibility aVisibility);
+
+  /// The selected row, 0 for none.
+  std::uint64_t GetSelected() const;
+  /// Selects a row and brings it into view; 0 selects none.
+  void Select(std::uint64_t aRow);
+  /// The feature of a row; null for a category's and for one that is not there.
+  KrGenParameter* GetParameter(std::uint64_t aRow) const;
+  /// The text of the description pane for a row, with "\n" and <b>…</b>; asks the device for bounds.
+  KrString GetDescription(std::uint64_t aRow) const;
+  /// Called when another row, or none, has been selected. One at a time; null for none.
+  void SetSelectionHandler(std::function<void()> aHandler);
+
+  /// Whether the user has written a value.
+  bool HasChanged() const;
+  void ResetChanged();
+
+  /// For the library's own windows.
+  krgui::PropertiesGrid& GetGrid() const { return *mGrid; }
+
+private:
+  krgui::PropertiesGrid* mGrid; ///< A child widget.
+};

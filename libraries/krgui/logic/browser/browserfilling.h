@@ -1,0 +1,30 @@
+#pragma once
+// Fills the browser tree from a parameter array: which features are shown at a visibility, and under which categories.
+
+#include "krgenicam/krgenparameterarray.h"
+#include "logic/browser/browseroptions.h"
+
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace krgui {
+
+class BrowserTree;
+
+/// The application's own filter; true shows the feature.
+using FeatureFilter = std::function<bool(KrGenParameter*)>;
+
+/// The category by which a feature is filtered: the last component of its category path.
+std::string_view FindFilterCategory(std::string_view aPath);
+/// The components of a category path that make rows: all but those that say "root" in any case.
+std::vector<std::string_view> SplitCategoryPath(std::string_view aPath);
+/// Whether a feature is shown; may ask the device what is implemented.
+bool IsFeatureShown(KrGenParameterArray& aArray, KrGenParameter& aFeature, KrGenVisibility aVisibility,
+                    const FeatureFilter& aFilter);
+/// Appends all features that are shown, with their categories in tree view, sorted by name in the alphabetical list.
+/// The tree is empty before.
+void FillBrowserTree(KrGenParameterArray& aArray, const BrowserOptions& aOptions, const FeatureFilter& aFilter,
+                     BrowserTree& aTree);
+
+} // namespace krgui

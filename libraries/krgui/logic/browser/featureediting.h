@@ -1,0 +1,70 @@
+#pragma once
+// Editing a feature without the editors: which editor it gets, what that shows at first, and writing what the user made
+// of it. All of it may wait for the device.
+
+#include "krbase/krresult.h"
+#include "krgenicam/krgentypes.h"
+#include "logic/browser/valuestepping.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace krgui {
+
+class TreeItemData;
+
+enum class EditorKind {
+  None,
+  Choice,  ///< A combo box: booleans and enumerations.
+  Text,    ///< An edit box: strings and IP addresses.
+  Number,  ///< An edit box: floats, and integers with an up-down control beside it.
+  Command, ///< A button.
+};
+
+/// Which editor a node gets: refreshes it and looks at its type, access and, for a command, whether it still runs.
+EditorKind ChooseEditor(TreeItemData& aNode);
+/// Whether the number editor has an up-down control.
+bool HasUpDown(const TreeItemData& aNode);
+
+struct Choice {
+  KrString text;
+  std::int64_t value = 0;
+  KrString toolTip;
+};
+struct Choices {
+  std::vector<Choice> items;
+  int selected = -1; ///< The item of the current value.
+};
+/// The items of the combo box: False and True, or the entries that are available and visible.
+Choices ListChoices(TreeItemData& aNode, KrGenVisibility aVisibility);
+/// The text that an edit box begins with.
+KrString GetEditText(TreeItemData& aNode);
+
+/// What an editor held when it was closed.
+struct EditInput {
+  EditorKind kind = EditorKind::None;
+  KrString text;           ///< Of an edit box; of a choice the item's.
+  bool isDirty = false;    ///< The edit box was changed by the user.
+  std::int64_t choice = 0; ///< The chosen item's value.
+  bool hasChoice = false;  ///< An item is chosen.
+};
+
+enum class EditOutcome {
+  NothingWritten, ///< Not changed, not dirty, not writable or not a number.
+  Written,
+  InvalidIPAddress,
+  Failed,
+};
+/// Writes what an editor held. aFailure says why for Failed. After a write, whether or not it succeeded, the node is
+/// refreshed; after one that succeeded it shows the editor's text.
+EditOutcome WriteEdit(TreeItemData& aNode, const EditInput& aInput, KrResult& aFailure);
+/// Executes a command and refreshes the node.
+KrResult ExecuteCommand(TreeItemData& aNode);
+
+/// The text one step up or down from what the edit box holds; nothing where it holds no number or the node is no
+/// integer.
+std::optional<KrString> StepText(TreeItemData& aNode, const KrString& aText, StepAcceleration& aAcceleration,
+                                 bool aIsUp);
+
+} // namespace krgui

@@ -1,0 +1,147 @@
+#pragma once
+// The node behind a row of the feature browser: one feature or one category with everything that grid, tooltip and
+// description pane show of it. How a value becomes text is left to valuetext.h, the description to descriptiontext.h,
+// the rows to the browser tree.
+
+#include "krgenicam/krgencategory.h"
+#include "krgenicam/krgeneventsink.h"
+#include "krgenicam/krgenparameter.h"
+#include "logic/browser/accessflags.h"
+#include "logic/browser/gridmessages.h"
+
+#include <atomic>
+#include <mutex>
+#include <vector>
+
+namespace krgui {
+
+/// What a row is painted from: one consistent copy.
+struct RowSnapshot {
+  KrString value; ///< Empty until the value has been read once.
+  bool hasError = false;
+  bool isRead = false; ///< The value has been read once.
+  AccessFlags access;
+};
+
+/// A node. A feature's node is its event sink for its whole life.
+///
+/// Thread: construction and destruction on the user-interface thread; Refresh and OnParameterUpdate on any; the rest
+/// on any, each consistent in itself. No lock is held while the device is asked.
+/// Ownership: the browser tree's; borrows feature or category, which must outlive it.
+class TreeItemData final : public KrGenEventSink {
+public:
+  /// A category's node.
+  TreeItemData(const KrString& aName, RowNotifier aNotifier, GridItem aItem, KrGenCategory& aCategory,
+               bool aShowsDisplayNames);
+  /// A feature's node; registers as the feature's event sink.
+  TreeItemData(const KrString& aName, RowNotifier aNotifier, GridItem aItem, KrGenParameter& aParameter,
+               bool aShowsDisplayNames);
+  ~TreeItemData() override;
+  TreeItemData(const TreeItemData&) = delete;
+  TreeItemData& operator=(const TreeItemData&) = delete;
+
+  /// Reads access and value from the device; waits as long as the registers need. Every failure becomes the error.
+  void Refresh();
+  /// The value's text; empty until it has been read once, and then nothing is acknowledged either. With aAcknowledge
+  /// what is there now is what HasChanged compares with.
+  KrString GetValue(bool aAcknowledge);
+  /// Whether value, error state, access or the redraw mark differ from what was acknowledged last.
+  bool HasChanged() const;
+  /// The value's text after an edit; what was there before counts as acknowledged.
+  void SetValueText(const KrString& aText);
+  void SetError(const KrString& aText);
+  void ClearError();
+  bool HasError() const { return mHasError; }
+  KrString GetError() const;
+  /// An editor on the row was closed: the next HasChanged is true.
+  void MarkRedrawPending();
+
+  /// The value, error state and access as they are now, in one consistent copy; acknowledges nothing.
+  RowSnapshot GetSnapshot() const;
+  AccessFlags GetAccess() const;
+
+  const KrString& GetToolTip() const { return mToolTip; }
+  /// Why the feature is not what it might be: which node locks it or makes it not available. Empty where there is
+  /// nothing to say. As it was when it was read last.
+  KrString GetAccessReason() const;
+  /// What the description pane shows, with its mark-up; asks the device for bounds.
+  KrString GetDescription() const;
+  bool HasSelectors() const { return !mSelecting.empty(); }
+  bool IsSelector() const { return !mSelected.empty(); }
+  bool IsIPAddress() const { return mIsIPAddress; }
+  bool IsMACAddress() const { return mIsMACAddress; }
+  bool ShowsDisplayNames() const { return mShowsDisplayNames; }
+
+  const KrString& GetName() const { return mName; }
+  const KrString& GetDisplayName() const { return mDisplayName; }
+  /// The name that the row shows.
+  const KrString& GetShownName() const { return mShowsDisplayNames ? mDisplayName : mName; }
+  const KrString& GetNameSpaceText() const { return mNameSpaceText; }
+  const KrString& GetVisibilityText() const { return mVisibilityText; }
+  const KrString& GetTypeText() const { return mTypeText; }
+  const KrString& GetStreamableText() const { return mStreamableText; }
+  const std::vector<KrGenParameter*>& GetSelectingParameters() const { return mSelecting; }
+  const std::vector<KrGenParameter*>& GetSelectedParameters() const { return mSelected; }
+
+  /// Null for a category's node.
+  KrGenParameter* GetParameter() const { return mParameter; }
+  /// Null for a feature's node.
+  KrGenCategory* GetCategory() const { return mCategory; }
+  GridItem GetItem() const { return mItem; }
+
+  /// The depth of the row, from 0 on, as the grid found it.
+  int GetLevel() const { return mLevel; }
+  void SetLevel(int aLevel) { mLevel = aLevel; }
+  /// Whether the row is on the screen: written by the user interface, read by the refresh.
+  bool IsOnScreen() const { return mIsOnScreen; }
+  void SetOnScreen(bool aIsOnScreen) { mIsOnScreen = aIsOnScreen; }
+  /// Whether the value has been read once.
+  bool IsRead() const;
+
+  void OnParameterUpdate(KrGenParameter* aParameter) override;
+
+  /// Ascending by name, case-sensitive.
+  static bool IsNameLess(const TreeItemData& aLeft, const TreeItemData& aRight) { return aLeft.mName < aRight.mName; }
+
+private:
+  /// What can change, as it is or as it was acknowledged.
+  struct Content {
+    KrString value;
+    bool hasError = false;
+    KrString error;
+    AccessFlags access;
+  };
+  struct Reading;
+
+  void ReadTexts();
+  void Store(Reading& aReading);
+
+  const KrString mName;
+  const RowNotifier mNotifier;
+  const GridItem mItem;
+  KrGenParameter* const mParameter;
+  KrGenCategory* const mCategory;
+  const bool mShowsDisplayNames;
+  bool mIsIPAddress = false;
+  bool mIsMACAddress = false;
+  int mLevel = 0;
+  std::atomic<bool> mIsOnScreen = false;
+  std::atomic<bool> mHasError = false; ///< As in mNow, for those who ask without the lock.
+  KrString mToolTip;
+  KrString mNameSpaceText;
+  KrString mDisplayName;
+  KrString mVisibilityText;
+  KrString mTypeText;
+  KrString mStreamableText;
+  std::vector<KrGenParameter*> mSelecting;
+  std::vector<KrGenParameter*> mSelected;
+
+  mutable std::mutex mMutex; ///< Guards the members from here on; never held while the device is asked.
+  Content mNow;
+  Content mAcknowledged;
+  KrString mAccessReason;
+  bool mIsRedrawPending = false;
+  bool mIsRead = false;
+};
+
+} // namespace krgui

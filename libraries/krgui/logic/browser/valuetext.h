@@ -1,0 +1,30 @@
+#pragma once
+// Values of features as the grid shows them, and their bounds as the description pane does. Reading them is left to the
+// node.
+
+#include "krbase/krstring.h"
+
+#include <cstdint>
+
+namespace krgui {
+
+inline constexpr const char* kExecutingText = "{Executing}";
+inline constexpr const char* kCommandText = "{Command}";
+inline constexpr const char* kRegisterText = "{Register}";
+inline constexpr const char* kNotImplementedText = "{Not implemented}";
+inline constexpr const char* kNotAvailableText = "{Not available}";
+
+/// "%02X:…" of the six low bytes, the most significant first.
+KrString FormatMACAddress(std::int64_t aValue);
+/// "%i.%i.%i.%i" of the four low bytes, the most significant first.
+KrString FormatIPAddress(std::int64_t aValue);
+/// Decimal, or "0x" and upper-case hexadecimal digits of the two's complement.
+KrString FormatInteger(std::int64_t aValue, bool aIsHexadecimal);
+/// "%g", whatever the locale.
+KrString FormatFloat(double aValue);
+/// A number's text, a blank and the unit, which may be empty.
+KrString JoinUnit(const KrString& aNumber, const KrString& aUnit);
+/// The line of the description that tells an integer's bounds, with its line end.
+KrString FormatBounds(std::int64_t aMin, std::int64_t aMax, bool aIsHexadecimal);
+
+} // namespace krgui
