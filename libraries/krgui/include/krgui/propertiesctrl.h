@@ -14,6 +14,7 @@
 #include <memory>
 
 namespace krgui {
+class MessageQueue;
 class PropertiesGrid;
 }
 
@@ -30,6 +31,8 @@ class PropertiesGrid;
 class KR_EXPORT PropertiesCtrl : public QWidget {
 public:
   explicit PropertiesCtrl(QWidget* aParent = nullptr);
+  /// For the library's own windows: one whose messages come by a window's queue, which hands them to the grid.
+  PropertiesCtrl(QWidget* aParent, std::shared_ptr<krgui::MessageQueue> aQueue);
   ~PropertiesCtrl() override;
 
   /// Appends a row under a category's row, or at the top level for 0. Gives the row, 0 where aParent is no category's
