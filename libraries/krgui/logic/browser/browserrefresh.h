@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <thread>
 
@@ -29,11 +30,18 @@ public:
   /// runs.
   void Stop();
   bool IsRunning() const { return mThread.joinable(); }
+  /// Other rows came onto the screen: what of them was never read is read next, the rest of them soon. In polling mode
+  /// nothing, as values come by themselves there.
+  void WakeUp();
 
   /// A manual refresh: forgets what the array remembers, where it is open, and reads every feature, on this thread.
   void RefreshAll(KrGenParameterArray& aArray, const BrowserTree& aTree);
 
 private:
+  class AutomaticPass;
+
+  void RunThread(void (BrowserRefresh::*aRun)(KrGenParameterArray&, const BrowserTree&), KrGenParameterArray& aArray,
+                 const BrowserTree& aTree);
   void RunAutomatic(KrGenParameterArray& aArray, const BrowserTree& aTree);
   void RunPolling(KrGenParameterArray& aArray, const BrowserTree& aTree);
   void RefreshFeature(TreeItemData& aNode);
@@ -42,7 +50,8 @@ private:
 
   const RowNotifier mNotifier;
   std::atomic<bool> mIsStopping = false;
-  std::mutex mWakeMutex; ///< Guards mIsWoken.
+  std::atomic<std::uint32_t> mScreenChanges = 0; ///< How often other rows came onto the screen.
+  std::mutex mWakeMutex;                         ///< Guards mIsWoken.
   std::condition_variable mWake;
   bool mIsWoken = false;
   std::thread mThread;
