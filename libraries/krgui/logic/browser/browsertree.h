@@ -5,7 +5,11 @@
 #include "logic/browser/gridmessages.h"
 #include "logic/browser/treeitemdata.h"
 
+#include <cstddef>
 #include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace krgui {
@@ -34,13 +38,14 @@ public:
   /// that is not there or is a feature.
   GridItem AppendCategory(GridItem aParent, const KrString& aName, KrGenCategory& aCategory);
   GridItem AppendFeature(GridItem aParent, const KrString& aName, KrGenParameter& aParameter);
-  /// The child of aParent whose node has exactly this name; kNoItem where there is none.
+  /// The first category directly under aParent whose node has exactly this name; kNoItem where there is none.
   GridItem FindChild(GridItem aParent, const KrString& aName) const;
-  /// Sorts the top-level rows and the feature list by name, ascending, case-sensitive.
+  /// Sorts the top-level rows and the feature list by name, ascending, case-sensitive; equal names keep their order.
   void SortByName();
   void Clear();
 
-  /// The item of a handle; null for one that is not, or no longer, there.
+  /// The item of a handle, which stands where it is until a row is appended; null for one that is not, or no longer,
+  /// there.
   const Item* Find(GridItem aItem) const;
   /// The node of a feature's row; null for anything else.
   TreeItemData* FindFeature(GridItem aItem) const;
@@ -51,6 +56,16 @@ public:
   const std::vector<std::unique_ptr<TreeItemData>>& GetCategories() const { return mCategories; }
 
 private:
+  /// A category's name among the children of one parent; the text is the node's.
+  struct ChildName {
+    GridItem parent;
+    std::string_view name;
+    friend bool operator==(const ChildName&, const ChildName&) = default;
+  };
+  struct ChildNameHash {
+    std::size_t operator()(const ChildName& aName) const;
+  };
+
   GridItem AppendItem(GridItem aParent);
 
   RowNotifier mNotifier;
@@ -60,6 +75,8 @@ private:
   std::vector<GridItem> mTopLevel;
   std::vector<std::unique_ptr<TreeItemData>> mFeatures;
   std::vector<std::unique_ptr<TreeItemData>> mCategories;
+  /// Names whose texts belong to the nodes.
+  std::unordered_map<ChildName, GridItem, ChildNameHash> mCategoriesByName;
 };
 
 } // namespace krgui

@@ -111,10 +111,11 @@ private:
     KrString error;
     AccessFlags access;
   };
-  struct Reading;
 
+  /// Of a feature.
   void ReadTexts();
-  void Store(Reading& aReading);
+  /// With the lock held.
+  void PutError(bool aHasError, KrString aError);
 
   const KrString mName;
   const RowNotifier mNotifier;

@@ -18,6 +18,8 @@ inline constexpr const char* kNotAvailableText = "{Not available}";
 KrString FormatMACAddress(std::int64_t aValue);
 /// "%i.%i.%i.%i" of the four low bytes, the most significant first.
 KrString FormatIPAddress(std::int64_t aValue);
+/// Upper-case hexadecimal digits without prefix and padding.
+KrString FormatHexDigits(std::uint64_t aValue);
 /// Decimal, or "0x" and upper-case hexadecimal digits of the two's complement.
 KrString FormatInteger(std::int64_t aValue, bool aIsHexadecimal);
 /// "%g", whatever the locale.

@@ -1,0 +1,175 @@
+#include "logic/browser/treeitemdata.h"
+
+#include "krgenicam/krgenparameterlist.h"
+#include "logic/browser/browserwords.h"
+#include "logic/browser/descriptiontext.h"
+#include "logic/browser/featurereading.h"
+
+#include <utility>
+
+namespace krgui {
+
+namespace {
+
+using GetList = KrResult (KrGenParameter::*)(KrGenParameterList&);
+
+std::vector<KrGenParameter*> ReadList(KrGenParameter& aFeature, GetList aGetter) {
+  KrGenParameterList list;
+  if (!(aFeature.*aGetter)(list).IsOK())
+    return {};
+  return {list.begin(), list.end()};
+}
+
+} // namespace
+
+TreeItemData::TreeItemData(const KrString& aName, RowNotifier aNotifier, GridItem aItem, KrGenCategory& aCategory,
+                           bool aShowsDisplayNames)
+    : mName(aName), mNotifier(std::move(aNotifier)), mItem(aItem), mParameter(nullptr), mCategory(&aCategory),
+      mShowsDisplayNames(aShowsDisplayNames), mTypeText("Category") {
+  // A text that cannot be had stays empty.
+  (void)aCategory.GetToolTip(mToolTip);
+  (void)aCategory.GetDisplayName(mDisplayName);
+  KrGenNameSpace nameSpace{};
+  if (aCategory.GetNameSpace(nameSpace).IsOK())
+    mNameSpaceText = NameSpaceToText(nameSpace);
+}
+
+TreeItemData::TreeItemData(const KrString& aName, RowNotifier aNotifier, GridItem aItem, KrGenParameter& aParameter,
+                           bool aShowsDisplayNames)
+    : mName(aName), mNotifier(std::move(aNotifier)), mItem(aItem), mParameter(&aParameter), mCategory(nullptr),
+      mShowsDisplayNames(aShowsDisplayNames), mIsIPAddress(IsIPAddressName(aName)),
+      mIsMACAddress(IsMACAddressName(aName)) {
+  ReadTexts();
+  mSelected = ReadList(aParameter, &KrGenParameter::GetSelectedParameters);
+  mSelecting = ReadList(aParameter, &KrGenParameter::GetSelectingParameters);
+  // Comes last, as a notification may follow at once. It is refused only to a sink that is registered already.
+  (void)aParameter.RegisterEventSink(this);
+}
+
+TreeItemData::~TreeItemData() {
+  // Waits for a notification that is under way, while the node is still whole and none of its locks is held.
+  if (mParameter)
+    (void)mParameter->UnregisterEventSink(this);
+}
+
+void TreeItemData::ReadTexts() {
+  // A text that cannot be had stays empty.
+  (void)mParameter->GetToolTip(mToolTip);
+  (void)mParameter->GetDisplayName(mDisplayName);
+  KrGenNameSpace nameSpace{};
+  if (mParameter->GetNameSpace(nameSpace).IsOK())
+    mNameSpaceText = NameSpaceToText(nameSpace);
+  KrGenVisibility visibility{};
+  if (mParameter->GetVisibility(visibility).IsOK())
+    mVisibilityText = VisibilityToText(visibility);
+  bool isStreamable = false;
+  if (mParameter->IsStreamable(isStreamable).IsOK())
+    mStreamableText = isStreamable ? "True" : "False";
+  KrGenType type{};
+  if (mParameter->GetType(type).IsOK())
+    mTypeText = TypeToText(type);
+}
+
+void TreeItemData::Refresh() {
+  if (!mParameter) {
+    const std::lock_guard lock(mMutex);
+    mNow.access = {};
+    mNow.value.Clear();
+    mIsRead = true;
+    return;
+  }
+  FeatureReading reading = ReadFeature(
+      *mParameter,
+      {.isMACAddress = mIsMACAddress, .isIPAddress = mIsIPAddress, .showsDisplayNames = mShowsDisplayNames});
+
+  // Everything at once: whoever looks meanwhile sees value and error of one reading.
+  const std::lock_guard lock(mMutex);
+  mNow.access = reading.access;
+  if (!reading.keepsValue)
+    mNow.value = std::move(reading.value);
+  PutError(reading.hasError, std::move(reading.error));
+  mIsRead = true;
+}
+
+void TreeItemData::PutError(bool aHasError, KrString aError) {
+  mNow.hasError = aHasError;
+  mNow.error = std::move(aError);
+  mHasError = aHasError;
+}
+
+KrString TreeItemData::GetValue(bool aAcknowledge) {
+  const std::lock_guard lock(mMutex);
+  if (!mIsRead)
+    return {};
+  if (aAcknowledge) {
+    mAcknowledged = mNow;
+    mIsRedrawPending = false;
+  }
+  return mNow.value;
+}
+
+bool TreeItemData::HasChanged() const {
+  const std::lock_guard lock(mMutex);
+  // Another error's text alone is no change: the row shows the same.
+  return mNow.value != mAcknowledged.value || mNow.hasError != mAcknowledged.hasError ||
+         mNow.access != mAcknowledged.access || mIsRedrawPending;
+}
+
+void TreeItemData::SetValueText(const KrString& aText) {
+  const std::lock_guard lock(mMutex);
+  mAcknowledged.value = std::move(mNow.value);
+  mNow.value = aText;
+}
+
+void TreeItemData::SetError(const KrString& aText) {
+  const std::lock_guard lock(mMutex);
+  PutError(true, aText);
+}
+
+void TreeItemData::ClearError() {
+  const std::lock_guard lock(mMutex);
+  PutError(false, {});
+}
+
+KrString TreeItemData::GetError() const {
+  const std::lock_guard lock(mMutex);
+  return mNow.error;
+}
+
+void TreeItemData::MarkRedrawPending() {
+  const std::lock_guard lock(mMutex);
+  mIsRedrawPending = true;
+}
+
+RowSnapshot TreeItemData::GetSnapshot() const {
+  const std::lock_guard lock(mMutex);
+  return {
+      .value = mIsRead ? mNow.value : KrString(), .hasError = mNow.hasError, .isRead = mIsRead, .access = mNow.access};
+}
+
+AccessFlags TreeItemData::GetAccess() const {
+  const std::lock_guard lock(mMutex);
+  return mNow.access;
+}
+
+KrString TreeItemData::GetAccessReason() const {
+  const std::lock_guard lock(mMutex);
+  return mAccessReason;
+}
+
+KrString TreeItemData::GetDescription() const {
+  return FormatDescription(*this);
+}
+
+bool TreeItemData::IsRead() const {
+  const std::lock_guard lock(mMutex);
+  return mIsRead;
+}
+
+void TreeItemData::OnParameterUpdate(KrGenParameter* /*aParameter*/) {
+  Refresh();
+  if (HasChanged())
+    mNotifier.TellRowChanged(mItem);
+}
+
+} // namespace krgui
