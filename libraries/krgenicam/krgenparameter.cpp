@@ -2,6 +2,7 @@
 
 #include "description/lexical.h"
 #include "krgenicam/krgenparameterlist.h"
+#include "map/accessreason.h"
 #include "map/documentationurl.h"
 #include "map/nodemap.h"
 #include "map/parametertext.h"
@@ -132,11 +133,16 @@ namespace {
 
 // Whether a node's access is one of those that aMatches takes.
 template <typename Matches>
-KrResult AskAccess(krgenicam::NodeMap& aMap, Node& aNode, bool& aAnswer, Matches aMatches) {
-  return aMap.Run([&](Evaluation& aEvaluation) {
-    aAnswer = aMatches(aNode.GetAccess(aEvaluation));
-    return KrResult();
-  });
+KrResult AskAccess(krgenicam::NodeMap& aMap, const KrGenParameter& aParameter, bool& aAnswer, Matches aMatches) {
+  KrGenAccessMode mode = KrGenAccessMode::NotAvailable;
+  KrResult asked = aMap.FindAccess(aParameter, mode);
+  const bool isMatch = aMatches(mode);
+  // What could not be asked makes a parameter less than it is, and never not implemented: the other answers hold.
+  const bool holds = mode == KrGenAccessMode::NotImplemented || (isMatch && mode != KrGenAccessMode::NotAvailable);
+  if (!asked.IsOK() && !holds)
+    return asked;
+  aAnswer = isMatch;
+  return {};
 }
 
 bool IsImplementedMode(KrGenAccessMode aMode) {
@@ -150,7 +156,7 @@ bool IsAvailableMode(KrGenAccessMode aMode) {
 } // namespace
 
 KrResult KrGenParameter::IsImplemented(bool& aIsImplemented) {
-  return AskAccess(mMap, mNode, aIsImplemented, IsImplementedMode);
+  return AskAccess(mMap, *this, aIsImplemented, IsImplementedMode);
 }
 
 bool KrGenParameter::IsImplemented() {
@@ -159,7 +165,7 @@ bool KrGenParameter::IsImplemented() {
 }
 
 KrResult KrGenParameter::IsAvailable(bool& aIsAvailable) {
-  return AskAccess(mMap, mNode, aIsAvailable, IsAvailableMode);
+  return AskAccess(mMap, *this, aIsAvailable, IsAvailableMode);
 }
 
 bool KrGenParameter::IsAvailable() {
@@ -168,7 +174,7 @@ bool KrGenParameter::IsAvailable() {
 }
 
 KrResult KrGenParameter::IsReadable(bool& aIsReadable) {
-  return AskAccess(mMap, mNode, aIsReadable, krgenicam::IsReadable);
+  return AskAccess(mMap, *this, aIsReadable, krgenicam::IsReadable);
 }
 
 bool KrGenParameter::IsReadable() {
@@ -177,12 +183,19 @@ bool KrGenParameter::IsReadable() {
 }
 
 KrResult KrGenParameter::IsWritable(bool& aIsWritable) {
-  return AskAccess(mMap, mNode, aIsWritable, krgenicam::IsWritable);
+  return AskAccess(mMap, *this, aIsWritable, krgenicam::IsWritable);
 }
 
 bool KrGenParameter::IsWritable() {
   bool isWritable = false;
   return IsWritable(isWritable).IsOK() && isWritable;
+}
+
+KrResult KrGenParameter::GetAccessReason(KrString& aReason) {
+  return mMap.Run([&](Evaluation& aEvaluation) {
+    aReason = krgenicam::DescribeAccessReason(aEvaluation, mNode);
+    return KrResult();
+  });
 }
 
 KrResult KrGenParameter::GetSelectingParameters(KrGenParameterList& aParameters) {

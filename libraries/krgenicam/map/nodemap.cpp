@@ -140,13 +140,11 @@ KrResult NodeMap::FindAccess(const KrGenParameter& aParameter, KrGenAccessMode& 
   return Run([&](Evaluation& aEvaluation) {
     Node& node = aParameter.mNode;
     (void)mPort.TakeLastFailure(); // What failed before is of no interest.
-    const KrGenAccessMode mode = node.GetAccess(aEvaluation);
+    aMode = node.GetAccess(aEvaluation);
     const KrResult failure = mPort.TakeLastFailure();
-    if (failure.IsOK() || mode == KrGenAccessMode::ReadWrite) {
-      aMode = mode;
+    if (failure.IsOK() || aMode == KrGenAccessMode::ReadWrite)
       return KrResult();
-    }
-    const KrResult reason = node.ExplainAccess(aEvaluation, IsReadable(mode));
+    const KrResult reason = node.ExplainAccess(aEvaluation, IsReadable(aMode));
     if (reason == failure.GetCode())
       return reason;
     return KrResult(failure.GetCode(), "It cannot be found out what can be done with \"" + std::string(node.GetName()) +

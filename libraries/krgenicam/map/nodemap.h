@@ -69,7 +69,7 @@ public:
   }
 
   /// What can be done with a parameter. A failure of the port that may be why it is not more is one here: the mode is
-  /// not known then.
+  /// what it counts as then.
   KrResult FindAccess(const KrGenParameter& aParameter, KrGenAccessMode& aMode);
 
   // As the operations of KrGenParameterArray.

@@ -13,6 +13,7 @@
 namespace krgenicam {
 
 class Node;
+struct AccessCause;
 
 /// What nodes need of the map they belong to.
 ///
@@ -64,6 +65,7 @@ struct Evaluation {
   bool isFresh = false;         ///< What was read before the evaluation began is not used.
   bool isStable = true;         ///< All that the node under computation was computed from may be remembered.
   std::vector<Node*> reasons{}; ///< The nodes that are giving a reason, each because of the one before.
+  AccessCause* cause = nullptr; ///< Takes what stands in the way when a reason is found; null where nobody wants it.
   std::size_t visitCount = 0;   ///< Nodes that were walked to by descents (see Descent).
   std::vector<Node*> path{};    ///< The nodes under computation, from the outermost on.
 };

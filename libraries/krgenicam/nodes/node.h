@@ -4,6 +4,7 @@
 
 #include "description/description.h"
 #include "krgenicam/krgentypes.h"
+#include "nodes/accesscause.h"
 #include "nodes/evaluation.h"
 #include "nodes/memo.h"
 #include "number.h"
@@ -113,6 +114,10 @@ public:
   bool TryGetValue(Evaluation& aEvaluation, Number& aValue);
   /// Why the node cannot be read (or written) at the moment: AccessDenied, naming what stands in the way.
   KrResult ExplainAccess(Evaluation& aEvaluation, bool aForWriting);
+  /// The same with another beginning of the sentence, which ends with a colon and a blank.
+  KrResult ExplainAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
+    return Explain(aEvaluation, aForWriting, aAttempt);
+  }
 
   /// Sets a value: checks all of it before anything is written, writes, and asks the error nodes (pError) afterwards.
   KrResult SetValue(Evaluation& aEvaluation, const Number& aValue);
@@ -201,6 +206,9 @@ protected:
   /// The reason of another node that stands in the way, as the end of the sentence that aAttempt begins.
   KrResult ExplainBy(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt, Node& aObstacle);
 
+  /// AccessDenied with a reason that the description gives for all times.
+  static KrResult DenyForGood(Evaluation& aEvaluation, const std::string& aSentence);
+
   /// Asks the error nodes (pError), after the node was written: ProtocolError with the device's own words.
   KrResult CheckErrors(Evaluation& aEvaluation);
 
@@ -213,7 +221,8 @@ private:
   KrGenAccessMode CombineAccess(Evaluation& aEvaluation, Facet aFacet);
   KrResult Explain(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
   KrResult ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredicate, const std::string& aAttempt,
-                            const std::string& aVerdict);
+                            AccessCause::Verdict aVerdict);
+  void NoteWhyNotImplemented(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
 
   const Description& mDescription;
   const NodeDescription& mData;

@@ -23,6 +23,12 @@ private:
   Evaluation& mEvaluation;
 };
 
+std::string DescribeVerdict(AccessCause::Verdict aVerdict) {
+  if (aVerdict == AccessCause::Verdict::Locked)
+    return "it is locked";
+  return aVerdict == AccessCause::Verdict::NotImplemented ? "it is not implemented" : "it is not available";
+}
+
 } // namespace
 
 KrResult Node::ExplainAccess(Evaluation& aEvaluation, bool aForWriting) {
@@ -43,27 +49,29 @@ KrResult Node::Explain(Evaluation& aEvaluation, bool aForWriting, const std::str
   Number mode;
   if (KrResult result = Get(aEvaluation, Facet::Access, mode); !result.IsOK())
     return result;
-  if (static_cast<KrGenAccessMode>(mode.ToInteger()) == KrGenAccessMode::NotImplemented)
+  if (static_cast<KrGenAccessMode>(mode.ToInteger()) == KrGenAccessMode::NotImplemented) {
+    NoteWhyNotImplemented(aEvaluation, aForWriting, aAttempt);
     return deny("this camera does not have it.");
+  }
   Number value;
   const auto allows = [&](const NodeLink& aLink) {
     return !aLink.IsSet() || (aLink.node && aLink.node->TryGetValue(aEvaluation, value) && value.ToFloat() != 0.0);
   };
   if (!allows(mIsImplemented))
-    return ExplainPredicate(aEvaluation, mIsImplemented, aAttempt, "it is not implemented");
+    return ExplainPredicate(aEvaluation, mIsImplemented, aAttempt, AccessCause::Verdict::NotImplemented);
   if (!allows(mIsAvailable))
-    return ExplainPredicate(aEvaluation, mIsAvailable, aAttempt, "it is not available");
+    return ExplainPredicate(aEvaluation, mIsAvailable, aAttempt, AccessCause::Verdict::NotAvailable);
   const bool isUnlockedWritable = IsWritable(GetAccess(aEvaluation, Facet::AccessUnlocked));
   if (aForWriting && mIsLocked.IsSet() && isUnlockedWritable && allows(mIsLocked))
-    return ExplainPredicate(aEvaluation, mIsLocked, aAttempt, "it is locked");
+    return ExplainPredicate(aEvaluation, mIsLocked, aAttempt, AccessCause::Verdict::Locked);
   const bool isAllowed = aForWriting ? IsWritable(mImposedAccess) : IsReadable(mImposedAccess);
   if (!isAllowed)
-    return deny(aForWriting ? "it can only be read." : "it can only be written.");
+    return DenyForGood(aEvaluation, aAttempt + (aForWriting ? "it can only be read." : "it can only be written."));
   return ExplainOwnAccess(aEvaluation, aForWriting, aAttempt);
 }
 
 KrResult Node::ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredicate, const std::string& aAttempt,
-                                const std::string& aVerdict) {
+                                AccessCause::Verdict aVerdict) {
   Node* node = nullptr;
   if (KrResult result = Follow(aPredicate, node); !result.IsOK())
     return result;
@@ -71,8 +79,31 @@ KrResult Node::ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredic
   if (KrResult asked = node->GetValue(aEvaluation, value); !asked.IsOK())
     return {asked.GetCode(), aAttempt + QuoteName(aPredicate.name) + ", which says whether it can be, has no value. " +
                                  asked.GetDescription()};
-  return {KrResult::Code::AccessDenied, aAttempt + aVerdict + " as long as " + QuoteName(aPredicate.name) + " is " +
+  if (aEvaluation.cause)
+    *aEvaluation.cause = {.verdict = aVerdict, .node = this, .predicate = node, .value = value};
+  return {KrResult::Code::AccessDenied, aAttempt + DescribeVerdict(aVerdict) + " as long as " +
+                                            QuoteName(aPredicate.name) + " is " +
                                             (value.ToFloat() == 0.0 ? "0" : "not 0") + "."};
+}
+
+// The node, or one that it stands on, has a predicate that says so.
+void Node::NoteWhyNotImplemented(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
+  if (!aEvaluation.cause)
+    return;
+  Number value;
+  const bool isOwn =
+      mIsImplemented.node && mIsImplemented.node->TryGetValue(aEvaluation, value) && value.ToFloat() == 0.0;
+  // What they say is told by the cause alone.
+  if (isOwn)
+    (void)ExplainPredicate(aEvaluation, mIsImplemented, aAttempt, AccessCause::Verdict::NotImplemented);
+  else
+    (void)ExplainOwnAccess(aEvaluation, aForWriting, aAttempt);
+}
+
+KrResult Node::DenyForGood(Evaluation& aEvaluation, const std::string& aSentence) {
+  if (aEvaluation.cause)
+    *aEvaluation.cause = {.verdict = AccessCause::Verdict::ByDescription};
+  return {KrResult::Code::AccessDenied, aSentence};
 }
 
 KrResult Node::ExplainBy(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt, Node& aObstacle) {

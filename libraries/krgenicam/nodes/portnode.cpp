@@ -285,8 +285,8 @@ KrResult PortNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, c
   const char* const source = IsChunkPort() ? "frame" : "event";
   if (!mData)
     return {KrResult::Code::AccessDenied, aAttempt + "no " + source + " with its data has come."};
-  return {KrResult::Code::AccessDenied,
-          aAttempt + "what came with a" + (IsChunkPort() ? " " : "n ") + source + " cannot be changed."};
+  return DenyForGood(aEvaluation,
+                     aAttempt + "what came with a" + (IsChunkPort() ? " " : "n ") + source + " cannot be changed.");
 }
 
 } // namespace krgenicam

@@ -233,8 +233,7 @@ KrResult RegisterNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWritin
   if (!mFault.IsOK())
     return mFault;
   if (!(aForWriting ? IsWritable(mAccessMode) : IsReadable(mAccessMode)))
-    return {KrResult::Code::AccessDenied,
-            aAttempt + "the register can only be " + (aForWriting ? "read." : "written.")};
+    return DenyForGood(aEvaluation, aAttempt + "the register can only be " + (aForWriting ? "read." : "written."));
   const KrGenAccessMode port = mPort->GetAccess(aEvaluation, aForWriting ? Facet::Access : Facet::AccessUnlocked);
   if (!(aForWriting ? IsWritable(port) : IsReadable(port)))
     return ExplainBy(aEvaluation, aForWriting, aAttempt, *mPort);

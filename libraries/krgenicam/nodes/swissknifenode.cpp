@@ -33,7 +33,7 @@ KrResult SwissKnifeNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWrit
   if (KrResult result = ExplainVariables(aEvaluation, mFormula, aAttempt); !result.IsOK())
     return result;
   if (aForWriting)
-    return {KrResult::Code::AccessDenied, aAttempt + "it is computed from other values."};
+    return DenyForGood(aEvaluation, aAttempt + "it is computed from other values.");
   return FormulaNode::ExplainOwnAccess(aEvaluation, aForWriting, aAttempt);
 }
 

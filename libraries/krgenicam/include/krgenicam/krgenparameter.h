@@ -67,6 +67,9 @@ public:
   /// What can be done at the moment. What cannot be found out (a predicate that cannot be read) counts as not
   /// available.
   KrGenAccessMode GetAccessMode();
+  /// What can be done at the moment, as yes or no. The results with an argument are those of the register port where it
+  /// failed (TimeLimitExceeded, ConnectionLost, Aborted …), so that the answer is not known and the argument stays as it
+  /// was; the others say no then.
   KrResult IsImplemented(bool& aIsImplemented);
   bool IsImplemented();
   KrResult IsAvailable(bool& aIsAvailable);
@@ -75,6 +78,13 @@ public:
   bool IsReadable();
   KrResult IsWritable(bool& aIsWritable);
   bool IsWritable();
+  /// Why the parameter is not implemented, not available or not writable at the moment: plain text in a sentence or two
+  /// for people that names the node which says so and its value, for example "Locked by TLParamsLocked (1).", "Not
+  /// available: ChunkModeActive is 0." or "Not available, as GainReg is not: GainEnable is 0."; where the device did not
+  /// answer, what it was asked for. Empty where nothing limits the parameter, and where it can never be written, or
+  /// never be read, whatever the device says. Asks the device for what is not remembered; ConnectionLost once the array
+  /// is closed.
+  KrResult GetAccessReason(KrString& aReason);
 
   /// The parameters whose value says which of several this one stands for: its selectors.
   KrResult GetSelectingParameters(KrGenParameterList& aParameters);
