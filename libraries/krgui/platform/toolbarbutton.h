@@ -7,12 +7,17 @@
 
 namespace krgui {
 
+/// A button without relief: it is tinted under the mouse and framed while it is checked. Moves of the mouse do not
+/// redraw it: that is done when the mouse comes and goes, and whenever its owner asks. Its accessible name is its
+/// tooltip unless it is given one.
+///
 /// Thread: user interface. Ownership: a widget, which belongs to its parent.
 class ToolBarButton : public QAbstractButton {
 public:
   /// Pictures of res/bitmaps.h; a disabled one of 0 or less is none.
   ToolBarButton(std::uint16_t aBitmapID, std::int32_t aDisabledBitmapID, QWidget* aParent);
 
+  /// 1 is checked.
   virtual void SetChecked(std::uint32_t aIsChecked);
   virtual std::uint32_t GetChecked() const;
 
@@ -21,13 +26,24 @@ public:
   /// Draws the button on the screen now.
   void RedrawNow();
 
+  QSize sizeHint() const override;
+
 protected:
+  bool event(QEvent* aEvent) override;
+  void enterEvent(QEnterEvent* aEvent) override;
+  void leaveEvent(QEvent* aEvent) override;
+  void mouseMoveEvent(QMouseEvent* aEvent) override;
+  void focusInEvent(QFocusEvent* aEvent) override;
   void paintEvent(QPaintEvent* aEvent) override;
 
 private:
+  void DrawPicture(QPainter& aPainter, const QRect& aRect) const;
+  void DrawFocus(QPainter& aPainter) const;
+
   const std::uint16_t mBitmapID;
   const std::int32_t mDisabledBitmapID;
   std::uint32_t mIsChecked = 0;
+  bool mIsKeyboardFocus = false; ///< It was the keyboard that brought the focus.
 };
 
 } // namespace krgui

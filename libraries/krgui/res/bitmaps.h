@@ -2,6 +2,9 @@
 // The pictures of the browser's controls, drawn by code at the resolution of the screen.
 
 #include <QImage>
+#include <QRect>
+
+class QColor;
 
 namespace krgui {
 
@@ -20,9 +23,18 @@ inline constexpr int kGlyphsBitmapID = 1168;
 inline constexpr int kErrorBitmapID = 1169;
 /// A strip of the four tool pictures, 64 x 16.
 inline constexpr int kToolsBitmapID = 1170;
+/// 16 x 16: no feature is in error.
+inline constexpr int kNoErrorBitmapID = 1171;
 
-/// The picture of a number at a device pixel ratio, on white but where it has alpha; null for a number that is not
-/// there.
-QImage LoadBitmap(int aID, double aDevicePixelRatio = 1.0);
+/// What a picture is going to lie on.
+enum class BitmapGround { Light, Dark };
+
+/// The picture of a number at a device pixel ratio, with alpha, so that edges are smooth on any ground; null for a
+/// number that is not there. Where nothing is drawn, there is transparent white. Any thread.
+QImage LoadBitmap(int aID, double aDevicePixelRatio = 1.0, BitmapGround aGround = BitmapGround::Light);
+/// A part of a picture; aRect in device-independent pixels. Any thread.
+QImage CutBitmap(const QImage& aBitmap, const QRect& aRect);
+/// The picture without the pixels of a colour. Any thread.
+QImage MakeTransparent(const QImage& aBitmap, const QColor& aColour);
 
 } // namespace krgui
