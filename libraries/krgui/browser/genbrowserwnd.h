@@ -1,7 +1,7 @@
 #pragma once
 // The feature browser's implementation window: ties array, grid, search row, description, options and refresh together.
 // Which rows there are is left to logic/browser/browserfilling.h, how values are kept fresh to BrowserRefresh, rows and
-// editing to PropertiesGrid.
+// editing to PropertiesGrid, where the controls are to BrowserControls.
 
 #include "frame/wnd.h"
 #include "logic/browser/browserfilling.h"
@@ -10,11 +10,20 @@
 
 #include <memory>
 
+class QObject;
+
 namespace krgui {
+
+class BrowserControls;
 
 class GenBrowserWnd : public Wnd {
 public:
-  /// aFilter is asked about each feature when the window is filled.
+  /// How large a user can make a window of its own at the least, in pixels. The position's clamp is another one.
+  static constexpr int kLeastTrackedWidth = 390;
+  static constexpr int kLeastTrackedHeight = 550;
+
+  /// aFilter is asked about each feature when the window is filled. It may close or delete the window or give it
+  /// another array; the array that it is asked for must live until it returns.
   explicit GenBrowserWnd(FeatureFilter aFilter);
   ~GenBrowserWnd() override;
 
@@ -40,10 +49,49 @@ public:
   bool ShowsDisplayNames() const { return mOptions.showsDisplayNames; }
   void ShowSearchResult(const KrString& aText);
 
+protected:
+  bool OnInitDialog() override;
+  void OnSize(const QSize& aSize) override;
+  bool OnMessage(const Message& aMessage) override;
+  /// The Enter key does nothing here.
+  void OnOK() override;
+  void OnDestroy() override;
+
 private:
+  /// One filling of the rows. It is over, and its filter asks nobody any more, when the window was closed or deleted
+  /// meanwhile or is to be filled anew.
+  struct Filling {
+    bool isWindowGone = false;
+    bool isOutdated = false;
+    bool IsOver() const { return isWindowGone || isOutdated; }
+  };
+
+  void WireControls();
+  void WireKeys();
+  void Rebuild();
+  /// One rebuild; what the application does in its filter may make it in vain.
+  void Fill(Filling& aFilling);
+  void TakeRowsAway();
+  void StartRefresh();
+  void EnableActions();
+  void SelectVisibility();
+  void UpdateDescription();
+  void ShowAll(bool aIsOpen);
+  void ChooseOptions();
+  void SetOptions(const BrowserOptions& aOptions);
+
   KrGenParameterArray* mArray = nullptr;
   BrowserOptions mOptions;
   FeatureFilter mFilter;
+  bool mHasChanged = false; ///< While the window is not open; an open one's grid knows.
+  int mDescriptionHeight;
+  std::shared_ptr<Filling> mFilling; ///< Null unless the rows are being filled; shared with those who fill them.
+
+  // What follows is null while the window is not open.
+  std::unique_ptr<BrowserControls> mControls;
+  std::unique_ptr<BrowserRefresh> mRefresh;
+  /// What the controls call of this window ends with the opening: they may outlive it for a while.
+  std::unique_ptr<QObject> mConnections;
 };
 
 } // namespace krgui

@@ -13,6 +13,7 @@
 #include "logic/finder/finderhint.h"
 #include "platform/applicationend.h"
 #include "platform/messagebox.h"
+#include "platform/waitcursor.h"
 #include "res/menus.h"
 
 #include <QCheckBox>
@@ -65,15 +66,6 @@ void LogAccepted(const char* aWhat) {
       .Log(KrLogLevel::Error, {"DeviceFinderWnd::Accept", "devicefinderwnd"},
            KrString(std::string("OnAccepted threw an exception: ") + aWhat));
 }
-
-/// The cursor that asks for patience, over the whole application.
-class WaitCursor {
-public:
-  WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-  ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-  WaitCursor(const WaitCursor&) = delete;
-  WaitCursor& operator=(const WaitCursor&) = delete;
-};
 
 } // namespace
 

@@ -180,6 +180,7 @@ constexpr ClassEntry kClasses[] = {
     {ControlClass::WrappedLabel, MakeWrappedLabel, MeasureNothing, false},
     {ControlClass::IPAddress, MakeIPAddress, MeasureLine, true},
     {ControlClass::ErrorIndicator, MakePlace, MeasureNothing, false},
+    {ControlClass::Place, MakePlace, MeasureNothing, false},
 };
 
 constexpr bool IsClassTableInOrder() {
@@ -189,7 +190,7 @@ constexpr bool IsClassTableInOrder() {
       return false;
     }
   }
-  return index == static_cast<int>(ControlClass::ErrorIndicator) + 1;
+  return index == static_cast<int>(ControlClass::Place) + 1;
 }
 static_assert(IsClassTableInOrder());
 

@@ -28,6 +28,7 @@ enum class ControlClass {
   WrappedLabel,   ///< A label of several lines.
   IPAddress,      ///< Four fields for an IPv4 address.
   ErrorIndicator, ///< A place for the mark of a doubtful value; its window draws it.
+  Place,          ///< An empty place; its window puts a control of its own there.
 };
 
 struct ControlTemplate {

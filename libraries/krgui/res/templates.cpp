@@ -86,15 +86,53 @@ constexpr std::array kSelectFromIPControls = {
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {148, 75, 50, 14}},
 };
 
+/// Its window lays them out anew, by the sizes that they want; the grid takes what a resize gives. In the order of the
+/// focus.
+constexpr auto MakeBrowserControls(int aWidth, int aHeight) {
+  constexpr std::uint8_t kGrow = kGrowRight | kGrowDown;
+  return std::array{
+      ControlTemplate{ControlClass::Place, 1082, "", {4, 4, 16, 16}},
+      ControlTemplate{ControlClass::Place, 1083, "", {21, 4, 16, 16}},
+      ControlTemplate{ControlClass::Place, 1084, "", {38, 4, 16, 16}},
+      ControlTemplate{ControlClass::Place, 1085, "", {55, 4, 16, 16}},
+      ControlTemplate{ControlClass::Label, 1086, "Visibility", {80, 8, 38, 8}},
+      ControlTemplate{ControlClass::ComboBox, 1087, "", {120, 5, 80, 14}},
+      ControlTemplate{ControlClass::Place, 1088, "", {aWidth - 20, 4, 16, 16}, kMoveRight},
+      ControlTemplate{ControlClass::Label, 1089, "Search", {4, 28, 30, 8}, kStay, true},
+      ControlTemplate{ControlClass::Place, 1090, "", {36, 24, aWidth - 176, 16}, kGrowRight, true},
+      ControlTemplate{ControlClass::Button, 1091, "\u25C4", {aWidth - 138, 24, 16, 16}, kMoveRight, true},
+      ControlTemplate{ControlClass::Button, 1092, "\u25BA", {aWidth - 121, 24, 16, 16}, kMoveRight, true},
+      ControlTemplate{ControlClass::Button, 1093, "\u2715", {aWidth - 104, 24, 16, 16}, kMoveRight, true},
+      ControlTemplate{ControlClass::Label, 1094, "", {aWidth - 84, 28, 80, 8}, kMoveRight, true},
+      ControlTemplate{ControlClass::Place, 1095, "", {4, 44, aWidth - 8, aHeight - 118}, kGrow},
+      ControlTemplate{ControlClass::Place, 1096, "", {4, aHeight - 70, aWidth - 8, 66}, kGrowRight | kMoveDown},
+  };
+}
+constexpr auto kBrowserPopupControls = MakeBrowserControls(253, 330);
+constexpr auto kBrowserChildControls = MakeBrowserControls(260, 317);
+
+constexpr std::array kBrowserOptionsControls = {
+    ControlTemplate{ControlClass::Label, -1, "Names", {7, 10, 40, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1141, "", {54, 7, 105, 14}},
+    ControlTemplate{ControlClass::Label, 1142, "View", {7, 30, 40, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1143, "", {54, 27, 105, 14}},
+    ControlTemplate{ControlClass::Label, -1, "Refresh", {7, 50, 40, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1144, "", {54, 47, 105, 14}},
+    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {55, 73, 50, 14}},
+    ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {109, 73, 50, 14}},
+};
+
 constexpr std::array kTemplates = {
     DialogTemplate{1021, "Display", DialogKind::SizingPopup, 332, 225, kDisplayPopupControls},
     DialogTemplate{1028, "", DialogKind::Child, 208, 102, kDisplayChildControls},
-    DialogTemplate{1079, "GenICam Explorer", DialogKind::SizingPopup, 253, 330, {}},
-    DialogTemplate{1081, "", DialogKind::Child, 260, 317, {}},
+    DialogTemplate{1079, "GenICam Explorer", DialogKind::SizingPopup, 253, 330, kBrowserPopupControls},
+    DialogTemplate{1081, "", DialogKind::Child, 260, 317, kBrowserChildControls},
     DialogTemplate{1504, "Device Selection", DialogKind::FixedPopup, 535, 365, kDeviceFinderControls},
     DialogTemplate{kForceIPTemplateID, "Set IP Address", DialogKind::FixedPopup, 202, 219, kForceIPControls},
     DialogTemplate{kSelectFromIPTemplateID, "Select From IP Address", DialogKind::FixedPopup, 205, 96,
                    kSelectFromIPControls},
+    DialogTemplate{kBrowserOptionsTemplateID, "Browser Options", DialogKind::FixedPopup, 166, 94,
+                   kBrowserOptionsControls},
     DialogTemplate{1512, "Device Serial Communication", DialogKind::SizingPopup, 393, 352, {}},
     DialogTemplate{1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255, {}},
     DialogTemplate{1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336, {}},

@@ -15,6 +15,8 @@ std::span<const DialogTemplate> GetTemplates();
 /// Dialogs inside the device finder.
 inline constexpr int kForceIPTemplateID = 1505;
 inline constexpr int kSelectFromIPTemplateID = 1506;
+/// The options dialog of the feature browser.
+inline constexpr int kBrowserOptionsTemplateID = 1507;
 
 /// A window's templates and tracking limits in pixels.
 struct WindowTraits {

@@ -21,6 +21,7 @@ constexpr TemplateRow kRows[] = {
     {1504, "Device Selection", DialogKind::FixedPopup, 535, 365},
     {1505, "Set IP Address", DialogKind::FixedPopup, 202, 219},
     {1506, "Select From IP Address", DialogKind::FixedPopup, 205, 96},
+    {1507, "Browser Options", DialogKind::FixedPopup, 166, 94},
     {1512, "Device Serial Communication", DialogKind::SizingPopup, 393, 352},
     {1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255},
     {1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336},

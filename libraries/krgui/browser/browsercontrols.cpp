@@ -1,0 +1,267 @@
+#include "browser/browsercontrols.h"
+
+#include "browser/browsersplitter.h"
+#include "browser/descriptionctrl.h"
+#include "browser/errorbutton.h"
+#include "browser/propertiesgrid.h"
+#include "krgui/genbrowsersearchbar.h"
+#include "krgui/propertiesctrl.h"
+#include "platform/toolbarbutton.h"
+#include "res/bitmaps.h"
+
+#include <QComboBox>
+#include <QFontInfo>
+#include <QLabel>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kVisibilityLabelID = 1086;
+constexpr int kVisibilityListID = 1087;
+constexpr int kErrorPlaceID = 1088;
+constexpr int kSearchLabelID = 1089;
+constexpr int kSearchPlaceID = 1090;
+constexpr int kPreviousID = 1091;
+constexpr int kNextID = 1092;
+constexpr int kCloseSearchID = 1093;
+constexpr int kResultID = 1094;
+constexpr int kGridPlaceID = 1095;
+constexpr int kDescriptionPlaceID = 1096;
+
+struct ToolEntry {
+  int placeID;
+  int bitmapID;
+  int disabledBitmapID;
+  const char* toolTip;
+};
+constexpr ToolEntry kTools[] = {
+    {1082, kOptionsBitmapID, kDisabledOptionsBitmapID, "Properties"},
+    {1083, kExpandBitmapID, kDisabledExpandBitmapID, "Expand"},
+    {1084, kCollapseBitmapID, kDisabledCollapseBitmapID, "Collapse"},
+    {1085, kRefreshBitmapID, kDisabledRefreshBitmapID, "Refresh"},
+};
+
+constexpr int kMargin = 6;
+constexpr int kGap = 4;
+constexpr int kGroupGap = 12;
+constexpr int kToolButtonSide = 24;
+constexpr int kLeastListWidth = 40;
+constexpr int kFieldWidth = 120;
+constexpr int kLeastFieldWidth = 40;
+constexpr int kSymbolHeight = 14;
+/// What the result label has room for; more digits are cut.
+const QString kLongResult = QStringLiteral("Result 10000 of 10000");
+
+/// Fills a place of the template with a control.
+template <typename Control>
+Control* PutInto(QWidget& aPlace, Control* aControl) {
+  auto* layout = new QVBoxLayout(&aPlace);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(aControl);
+  return aControl;
+}
+
+void Explain(QWidget& aControl, const char* aText) {
+  aControl.setToolTip(QString::fromUtf8(aText));
+  aControl.setAccessibleName(QString::fromUtf8(aText));
+}
+
+void SetGeometry(QWidget& aWidget, const GridRect& aRect) {
+  aWidget.setGeometry(aRect.left, aRect.top, aRect.right - aRect.left, aRect.bottom - aRect.top);
+}
+
+BandItem MakeSquare(int aSide, int aGap) {
+  return {aSide, aSide, aSide, aGap};
+}
+
+/// A label gives way altogether.
+BandItem MakeLabelItem(const QLabel& aLabel, int aWidth, int aGap) {
+  return {aWidth, 0, aLabel.sizeHint().height(), aGap};
+}
+
+void Place(std::span<QWidget* const> aWidgets, const std::vector<GridRect>& aRects) {
+  for (std::size_t index = 0; index < aWidgets.size(); ++index) {
+    if (aWidgets[index])
+      SetGeometry(*aWidgets[index], aRects[index]);
+  }
+}
+
+} // namespace
+
+BrowserControls::BrowserControls(QWidget& aDialog, const Lookup& aLookup, GenBrowserWnd& aBrowser,
+                                 std::shared_ptr<MessageQueue> aQueue, int& aDescriptionHeight)
+    : mDialog(aDialog), mDescriptionHeight(aDescriptionHeight) {
+  MakeTools(aLookup);
+  mGridPlace = aLookup(kGridPlaceID);
+  mProperties = PutInto(*mGridPlace, new PropertiesCtrl(mGridPlace, std::move(aQueue)));
+  GetGrid().setAccessibleName(QStringLiteral("Features"));
+  MakeSearchRow(aLookup, aBrowser);
+  mDescriptionPlace = aLookup(kDescriptionPlaceID);
+  mDescription = PutInto(*mDescriptionPlace, new DescriptionCtrl(mDescriptionPlace));
+  mDescription->setAccessibleName(QStringLiteral("Description"));
+  mDescription->setTabChangesFocus(true);
+  mSplitter = new BrowserSplitter(&aDialog, {[this](int aY) { return IsInSplitterBand(aY, mRows); },
+                                             [this](int aY) { MoveBoundary(aY); }, [this] { GetGrid().setFocus(); }});
+  OrderTabs();
+}
+
+BrowserControls::~BrowserControls() {
+  mSplitter->Withdraw();
+}
+
+PropertiesGrid& BrowserControls::GetGrid() const {
+  return mProperties->GetGrid();
+}
+
+void BrowserControls::MakeTools(const Lookup& aLookup) {
+  for (std::size_t index = 0; index < mTools.size(); ++index) {
+    const ToolEntry& entry = kTools[index];
+    mToolPlaces[index] = aLookup(entry.placeID);
+    auto* button =
+        new ToolBarButton(static_cast<std::uint16_t>(entry.bitmapID), entry.disabledBitmapID, mToolPlaces[index]);
+    Explain(*button, entry.toolTip);
+    mTools[index] = PutInto(*mToolPlaces[index], button);
+  }
+  mVisibilityLabel = qobject_cast<QLabel*>(aLookup(kVisibilityLabelID));
+  mVisibilityList = qobject_cast<QComboBox*>(aLookup(kVisibilityListID));
+  mVisibilityList->addItems({QStringLiteral("Beginner"), QStringLiteral("Expert"), QStringLiteral("Guru")});
+  mErrorPlace = aLookup(kErrorPlaceID);
+  mErrorButton = PutInto(*mErrorPlace, new ErrorButton(mErrorPlace));
+}
+
+void BrowserControls::MakeSearchRow(const Lookup& aLookup, GenBrowserWnd& aBrowser) {
+  mSearchLabel = qobject_cast<QLabel*>(aLookup(kSearchLabelID));
+  mSearchPlace = aLookup(kSearchPlaceID);
+  mSearchBar = PutInto(*mSearchPlace, new GenBrowserSearchBar(&aBrowser, mProperties, mSearchPlace));
+  mSearchLabel->setBuddy(mSearchBar);
+  mPreviousButton = qobject_cast<QPushButton*>(aLookup(kPreviousID));
+  Explain(*mPreviousButton, "Move to previous occurence");
+  mNextButton = qobject_cast<QPushButton*>(aLookup(kNextID));
+  Explain(*mNextButton, "Move to next occurence");
+  mCloseSearchButton = qobject_cast<QPushButton*>(aLookup(kCloseSearchID));
+  Explain(*mCloseSearchButton, "Close search");
+  mResultLabel = qobject_cast<QLabel*>(aLookup(kResultID));
+  for (QWidget* widget : {mSearchPlace, static_cast<QWidget*>(mPreviousButton), static_cast<QWidget*>(mNextButton),
+                          static_cast<QWidget*>(mCloseSearchButton)}) {
+    QObject::connect(
+        new QShortcut(QKeySequence(Qt::Key_Escape), widget, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
+        &QShortcut::activated, mConnections.get(), [this] { ShowSearchRow(false); });
+  }
+}
+
+/// From the tools over the search row to grid and description.
+void BrowserControls::OrderTabs() {
+  std::vector<QWidget*> order(mTools.begin(), mTools.end());
+  order.insert(order.end(), {mVisibilityList, mSearchBar, mPreviousButton, mNextButton, mCloseSearchButton, &GetGrid(),
+                             mDescription});
+  for (std::size_t index = 1; index < order.size(); ++index)
+    QWidget::setTabOrder(order[index - 1], order[index]);
+}
+
+/// The font that texts are in, which finds the arrows and the cross in others where it lacks them.
+const QFont& BrowserControls::GetSymbolFont() {
+  if (!mSymbolFont) {
+    mSymbolFont = mDialog.font();
+    mSymbolFont->setPixelSize(std::max(kSymbolHeight, QFontInfo(mDialog.font()).pixelSize()));
+    mSymbolFont->setWeight(QFont::Normal);
+  }
+  return *mSymbolFont;
+}
+
+std::vector<QWidget*> BrowserControls::GetSearchRow() const {
+  return {mSearchLabel, mSearchPlace, mPreviousButton, mNextButton, mCloseSearchButton, mResultLabel};
+}
+
+BrowserMetrics BrowserControls::GetMetrics() const {
+  const int rowHeight =
+      std::max({kToolButtonSide, mVisibilityList->sizeHint().height(), mSearchBar->sizeHint().height()});
+  return {mSize.width(), mSize.height(), kMargin, rowHeight, mIsSearchRowShown, mDescriptionHeight};
+}
+
+void BrowserControls::LayOut(const QSize& aSize) {
+  mSize = aSize;
+  mRows = LayOutBrowser(GetMetrics());
+  LayOutTools(mRows.tools);
+  LayOutSearchRow(mRows.search);
+  SetGeometry(*mGridPlace, mRows.grid);
+  SetGeometry(*mDescriptionPlace, mRows.description);
+  mSplitter->Place(mRows.grid.left, mRows.grid.right - mRows.grid.left, mRows.grid.bottom);
+  mSplitter->raise();
+}
+
+void BrowserControls::LayOutTools(const GridRect& aBand) {
+  std::vector<BandItem> items(mTools.size(), MakeSquare(kToolButtonSide, 0));
+  items.push_back(MakeLabelItem(*mVisibilityLabel, mVisibilityLabel->sizeHint().width(), kGroupGap));
+  const QSize list = mVisibilityList->sizeHint();
+  items.push_back({list.width(), kLeastListWidth, list.height(), kGap});
+  items.push_back({.takesRest = true});
+  items.push_back(MakeSquare(kToolButtonSide, kGap));
+  std::vector<QWidget*> widgets(mToolPlaces.begin(), mToolPlaces.end());
+  widgets.insert(widgets.end(), {mVisibilityLabel, mVisibilityList, nullptr, mErrorPlace});
+  Place(widgets, LayOutBand(aBand, items));
+}
+
+void BrowserControls::LayOutSearchRow(const GridRect& aBand) {
+  const std::vector<QWidget*> row = GetSearchRow();
+  for (QWidget* widget : row)
+    widget->setVisible(mIsSearchRowShown);
+  if (!mIsSearchRowShown)
+    return;
+  const int side = std::max(kToolButtonSide, mSearchBar->sizeHint().height());
+  for (QPushButton* button : {mPreviousButton, mNextButton, mCloseSearchButton})
+    button->setFont(GetSymbolFont());
+  const int resultWidth = mResultLabel->fontMetrics().horizontalAdvance(kLongResult);
+  const BandItem items[] = {
+      MakeLabelItem(*mSearchLabel, mSearchLabel->sizeHint().width(), 0),
+      {kFieldWidth, kLeastFieldWidth, mSearchBar->sizeHint().height(), kGap, true},
+      MakeSquare(side, kGap),
+      MakeSquare(side, 0),
+      MakeSquare(side, 0),
+      MakeLabelItem(*mResultLabel, resultWidth, kGap),
+  };
+  Place(row, LayOutBand(aBand, items));
+}
+
+void BrowserControls::ShowSearchRow(bool aIsShown) {
+  const std::vector<QWidget*> row = GetSearchRow();
+  const QWidget* focus = mDialog.window()->focusWidget();
+  const bool hadFocus = focus && std::any_of(row.begin(), row.end(), [focus](const QWidget* aWidget) {
+                          return aWidget == focus || aWidget->isAncestorOf(focus);
+                        });
+  mIsSearchRowShown = aIsShown;
+  LayOut(mSize);
+  if (aIsShown) {
+    mSearchBar->setFocus(Qt::ShortcutFocusReason);
+    return;
+  }
+  mSearchBar->SetText({});
+  mSearchBar->Search(true);
+  if (hadFocus)
+    GetGrid().setFocus();
+}
+
+void BrowserControls::FocusNextPane() {
+  const QWidget* focus = mDialog.window()->focusWidget();
+  if (focus && mGridPlace->isAncestorOf(focus))
+    mDescription->setFocus(Qt::TabFocusReason);
+  else
+    GetGrid().setFocus(Qt::TabFocusReason);
+}
+
+void BrowserControls::FocusSplitter() {
+  mSplitter->setFocus(Qt::ShortcutFocusReason);
+}
+
+void BrowserControls::MoveBoundary(int aY) {
+  mDescriptionHeight = DragSplitter(aY, GetMetrics());
+  LayOut(mSize);
+}
+
+} // namespace krgui

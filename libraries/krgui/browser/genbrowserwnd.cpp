@@ -1,0 +1,332 @@
+#include "browser/genbrowserwnd.h"
+
+#include "browser/browsercontrols.h"
+#include "browser/descriptionctrl.h"
+#include "browser/errorbutton.h"
+#include "browser/genbrowseroptionsdlg.h"
+#include "browser/propertiesgrid.h"
+#include "krbase/krlogger.h"
+#include "krgui/genbrowsersearchbar.h"
+#include "platform/applicationend.h"
+#include "platform/toolbarbutton.h"
+#include "platform/waitcursor.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSignalBlocker>
+#include <QTimer>
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kInitialDescriptionHeight = 120;
+constexpr int kErrorIntervalMs = 1000;
+
+void LogFilter(const char* aWhat) {
+  KrLogger("KrGUILib")
+      .Log(KrLogLevel::Error, {"GenBrowserWnd::AskFilter", "genbrowserwnd"},
+           KrString(std::string("IsParameterDisplayed threw an exception; the feature is shown: ") + aWhat));
+}
+
+bool AskFilter(const FeatureFilter& aFilter, KrGenParameter* aParameter) {
+  try {
+    return !aFilter || aFilter(aParameter);
+  } catch (const std::exception& error) {
+    LogFilter(error.what());
+  } catch (...) {
+    LogFilter("an exception of an unknown kind");
+  }
+  return true;
+}
+
+} // namespace
+
+GenBrowserWnd::GenBrowserWnd(FeatureFilter aFilter)
+    : Wnd(kGenBrowserTraits.modalTemplate), mFilter(std::move(aFilter)), mDescriptionHeight(kInitialDescriptionHeight) {
+}
+
+GenBrowserWnd::~GenBrowserWnd() {
+  Dispose();
+}
+
+void GenBrowserWnd::SetGenParameterArray(KrGenParameterArray* aArray) {
+  if (aArray == mArray)
+    return;
+  mArray = aArray;
+  ResetChanged();
+  if (mControls)
+    Rebuild();
+}
+
+KrGenVisibility GenBrowserWnd::GetVisibility() {
+  if (mControls) {
+    const int selected = mControls->GetVisibilityList().currentIndex();
+    mOptions.visibility = selected < 0 ? KrGenVisibility::Beginner : static_cast<KrGenVisibility>(selected);
+  }
+  return mOptions.visibility;
+}
+
+void GenBrowserWnd::SetVisibility(KrGenVisibility aVisibility) {
+  mOptions.visibility = aVisibility;
+  if (mControls)
+    SelectVisibility();
+}
+
+/// Without telling anybody: nothing is filled anew by it.
+void GenBrowserWnd::SelectVisibility() {
+  QComboBox& list = mControls->GetVisibilityList();
+  const QSignalBlocker blocker(list);
+  const int position = static_cast<int>(mOptions.visibility);
+  list.setCurrentIndex(position < list.count() ? position : -1);
+}
+
+void GenBrowserWnd::SetRefreshMode(KrGenRefresh aMode) {
+  BrowserOptions options = mOptions;
+  options.refreshMode = aMode;
+  SetOptions(options);
+}
+
+void GenBrowserWnd::SetOptions(const BrowserOptions& aOptions) {
+  if (aOptions == mOptions)
+    return;
+  mOptions = aOptions;
+  if (mControls)
+    Rebuild();
+}
+
+bool GenBrowserWnd::HasChanged() const {
+  return mControls ? mControls->GetGrid().HasChanged() : mHasChanged;
+}
+
+void GenBrowserWnd::ResetChanged() {
+  mHasChanged = false;
+  if (mControls)
+    mControls->GetGrid().SetChanged(false);
+}
+
+void GenBrowserWnd::Refresh() {
+  if (!mArray || !mControls || mFilling)
+    return;
+  const WaitCursor cursor;
+  mRefresh->RefreshAll(*mArray, mControls->GetGrid().GetTree());
+}
+
+void GenBrowserWnd::LoadOptions(const KrPropertyList& aList) {
+  LoadBrowserOptions(aList, mOptions);
+  if (mControls) {
+    SelectVisibility();
+    Rebuild();
+  }
+}
+
+void GenBrowserWnd::SaveOptions(KrPropertyList& aList) {
+  SaveBrowserOptions(mOptions, aList);
+}
+
+void GenBrowserWnd::ShowSearchResult(const KrString& aText) {
+  if (mControls)
+    mControls->GetResultLabel().setText(QString::fromUtf8(aText.CStr()));
+}
+
+bool GenBrowserWnd::OnInitDialog() {
+  if (GetShowMode() == Mode::Child)
+    GetWidget()->setMinimumSize(0, 0);
+  else
+    GetWidget()->setMinimumSize(kLeastTrackedWidth, kLeastTrackedHeight);
+  Wnd::OnInitDialog();
+  mControls = std::make_unique<BrowserControls>(
+      *GetWidget(), [this](int aID) { return GetControl(aID); }, *this, GetQueue(), mDescriptionHeight);
+  mControls->GetGrid().SetChanged(mHasChanged);
+  mRefresh = std::make_unique<BrowserRefresh>(RowNotifier(GetQueue()));
+  mConnections = std::make_unique<QObject>();
+  SelectVisibility();
+  WireControls();
+  WireKeys();
+  mControls->LayOut(GetWidget()->size());
+  // A child takes the focus when it is clicked, not from what surrounds it.
+  if (GetShowMode() != Mode::Child)
+    mControls->GetGrid().setFocus();
+  Rebuild();
+  return false;
+}
+
+void GenBrowserWnd::WireControls() {
+  const auto onClick = [this](QAbstractButton& aButton, auto aAction) {
+    QObject::connect(&aButton, &QAbstractButton::clicked, mConnections.get(), aAction);
+  };
+  onClick(mControls->GetOptionsButton(), [this] { CallHandler([this] { ChooseOptions(); }); });
+  onClick(mControls->GetExpandButton(), [this] { ShowAll(true); });
+  onClick(mControls->GetCollapseButton(), [this] { ShowAll(false); });
+  onClick(mControls->GetRefreshButton(), [this] { Refresh(); });
+  onClick(mControls->GetPreviousButton(), [this] { mControls->GetSearchBar().MoveToPreviousOccurence(); });
+  onClick(mControls->GetNextButton(), [this] { mControls->GetSearchBar().MoveToNextOccurence(); });
+  onClick(mControls->GetCloseSearchButton(), [this] { mControls->ShowSearchRow(false); });
+  QObject::connect(&mControls->GetVisibilityList(), &QComboBox::currentIndexChanged, mConnections.get(), [this] {
+    (void)GetVisibility();
+    Rebuild();
+  });
+  mControls->GetGrid().SetSelectionHandler([this] {
+    if (!mFilling)
+      UpdateDescription();
+  });
+  auto* timer = new QTimer(mConnections.get());
+  QObject::connect(timer, &QTimer::timeout, mConnections.get(), [this] { mControls->GetErrorButton().LookAgain(); });
+  timer->start(kErrorIntervalMs);
+}
+
+void GenBrowserWnd::WireKeys() {
+  const auto onKey = [this](const QKeySequence& aKey, auto aAction) {
+    const auto* shortcut = new QShortcut(aKey, GetWidget(), nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+    QObject::connect(shortcut, &QShortcut::activated, mConnections.get(), aAction);
+    // The program that embeds the window may have given the key a meaning, too.
+    QObject::connect(shortcut, &QShortcut::activatedAmbiguously, mConnections.get(), aAction);
+  };
+  onKey(QKeySequence(Qt::CTRL | Qt::Key_F), [this] { mControls->ShowSearchRow(!mControls->IsSearchRowShown()); });
+  onKey(QKeySequence(Qt::Key_F5), [this] {
+    if (mOptions.refreshMode == KrGenRefresh::Manual)
+      Refresh();
+  });
+  onKey(QKeySequence(Qt::Key_F6), [this] { mControls->FocusNextPane(); });
+  onKey(QKeySequence(Qt::Key_F8), [this] { mControls->FocusSplitter(); });
+}
+
+void GenBrowserWnd::OnSize(const QSize& aSize) {
+  Wnd::OnSize(aSize);
+  if (mControls)
+    mControls->LayOut(aSize);
+}
+
+bool GenBrowserWnd::OnMessage(const Message& aMessage) {
+  // A message box of an editor may outlive this window.
+  return (mControls && mControls->GetGrid().HandleMessage(aMessage)) || Wnd::OnMessage(aMessage);
+}
+
+void GenBrowserWnd::OnOK() {}
+
+/// Once more whenever the application's filter had asked for it meanwhile.
+void GenBrowserWnd::Rebuild() {
+  if (mFilling) {
+    mFilling->isOutdated = true;
+    return;
+  }
+  const auto filling = std::make_shared<Filling>();
+  do {
+    filling->isOutdated = false;
+    mFilling = filling;
+    // The filter may close or delete this window.
+    CallHandler([this, &filling] { Fill(*filling); });
+  } while (filling->isOutdated && !filling->isWindowGone);
+}
+
+void GenBrowserWnd::Fill(Filling& aFilling) {
+  PropertiesGrid& grid = mControls->GetGrid();
+  grid.setUpdatesEnabled(false);
+  TakeRowsAway();
+  if (mArray) {
+    (void)GetVisibility();
+    grid.SetVisibility(mOptions.visibility);
+    const FeatureFilter filter = [ask = mFilter, &aFilling](KrGenParameter* aParameter) {
+      return !aFilling.IsOver() && AskFilter(ask, aParameter) && !aFilling.IsOver();
+    };
+    grid.Fill([&array = *mArray, options = mOptions, &filter](BrowserTree& aTree) {
+      aTree.SetShowsDisplayNames(options.showsDisplayNames);
+      FillBrowserTree(array, options, filter, aTree);
+    });
+  }
+  if (aFilling.isWindowGone)
+    return grid.Clear();
+  grid.setUpdatesEnabled(true);
+  if (aFilling.isOutdated)
+    return;
+  grid.scrollToTop();
+  if (mArray)
+    mControls->GetErrorButton().SetSource(ErrorSource{&grid.GetTree().GetFeatures(), {}});
+  grid.MarkOnScreen();
+  StartRefresh();
+  mControls->GetSearchBar().Search(true);
+  mFilling.reset();
+  UpdateDescription();
+  EnableActions();
+}
+
+void GenBrowserWnd::TakeRowsAway() {
+  mRefresh->Stop();
+  mControls->GetErrorButton().SetSource(std::nullopt);
+  mControls->GetGrid().Clear();
+}
+
+void GenBrowserWnd::StartRefresh() {
+  if (!mArray)
+    return;
+  // In manual mode everything is read here and now.
+  const bool waits = mOptions.refreshMode == KrGenRefresh::Manual;
+  const auto cursor = waits ? std::make_unique<WaitCursor>() : nullptr;
+  mRefresh->Start(mOptions.refreshMode, *mArray, mControls->GetGrid().GetTree());
+}
+
+void GenBrowserWnd::EnableActions() {
+  mControls->GetExpandButton().setEnabled(mOptions.isTree);
+  mControls->GetCollapseButton().setEnabled(mOptions.isTree);
+  mControls->GetRefreshButton().setEnabled(mOptions.refreshMode == KrGenRefresh::Manual);
+}
+
+void GenBrowserWnd::UpdateDescription() {
+  DescriptionCtrl& description = mControls->GetDescription();
+  const PropertiesGrid& grid = mControls->GetGrid();
+  const BrowserTree::Item* item = grid.GetTree().Find(grid.GetSelected());
+  description.setUpdatesEnabled(false);
+  description.Clear();
+  if (item && item->node) {
+    description.AddTitle(item->node->GetDisplayName() + "\n");
+    description.AddMarkup(item->node->GetDescription());
+  }
+  description.setUpdatesEnabled(true);
+}
+
+void GenBrowserWnd::ShowAll(bool aIsOpen) {
+  PropertiesGrid& grid = mControls->GetGrid();
+  grid.setUpdatesEnabled(false);
+  grid.Select(kNoItem);
+  if (aIsOpen)
+    grid.ExpandAll();
+  else
+    grid.CollapseAll();
+  grid.ShowFirst();
+  grid.setUpdatesEnabled(true);
+}
+
+void GenBrowserWnd::ChooseOptions() {
+  GenBrowserOptionsDlg dialog(mOptions, GetWidget());
+  if (dialog.Run() != ModalResult::OK)
+    return;
+  BrowserOptions options = dialog.GetOptions();
+  // What the program set while the dialog was open.
+  options.visibility = mOptions.visibility;
+  SetOptions(options);
+}
+
+void GenBrowserWnd::OnDestroy() {
+  mConnections.reset();
+  if (mControls && !ApplicationEnd::IsProcessEnding()) {
+    PropertiesGrid& grid = mControls->GetGrid();
+    mHasChanged = grid.HasChanged();
+    grid.SetSelectionHandler({});
+    // Who fills the rows takes them away himself.
+    if (!mFilling)
+      TakeRowsAway();
+  }
+  if (mFilling)
+    std::exchange(mFilling, nullptr)->isWindowGone = true;
+  mRefresh.reset();
+  mControls.reset();
+  Wnd::OnDestroy();
+}
+
+} // namespace krgui
