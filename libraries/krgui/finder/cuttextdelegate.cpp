@@ -1,6 +1,6 @@
 #include "finder/cuttextdelegate.h"
 
-#include "finder/plainline.h"
+#include "platform/plainline.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>

@@ -1,7 +1,7 @@
 #include "finder/devicelist.h"
 
 #include "finder/cuttextdelegate.h"
-#include "finder/plainline.h"
+#include "platform/plainline.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

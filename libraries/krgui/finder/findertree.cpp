@@ -2,7 +2,7 @@
 
 #include "finder/cuttextdelegate.h"
 #include "finder/finderpictures.h"
-#include "finder/plainline.h"
+#include "platform/plainline.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>

@@ -23,8 +23,17 @@ constexpr std::array kDisplaySubmenus = {SubmenuTemplate{"Main", kDisplayMainIte
 constexpr std::array kDeviceFinderItems = {MenuItemTemplate{"Set IP Address...", kSetIPAddressCommandID}};
 constexpr std::array kDeviceFinderSubmenus = {SubmenuTemplate{"Device Finder", kDeviceFinderItems}};
 
+constexpr std::array kPropertiesGridItems = {
+    MenuItemTemplate{"Copy \"Name = Value\"", kCopyNameAndValueCommandID},
+    MenuItemTemplate{"Copy Name", kCopyNameCommandID},
+    MenuItemTemplate{"Copy Value", kCopyValueCommandID},
+    MenuItemTemplate{"Copy Error Text", kCopyErrorCommandID},
+};
+constexpr std::array kPropertiesGridSubmenus = {SubmenuTemplate{"Feature", kPropertiesGridItems}};
+
 constexpr std::array kMenus = {MenuTemplate{kDisplayMenuID, kDisplaySubmenus},
-                               MenuTemplate{kDeviceFinderMenuID, kDeviceFinderSubmenus}};
+                               MenuTemplate{kDeviceFinderMenuID, kDeviceFinderSubmenus},
+                               MenuTemplate{kPropertiesGridMenuID, kPropertiesGridSubmenus}};
 
 static_assert(std::none_of(kMenus.begin(), kMenus.end(),
                            [](const MenuTemplate& aMenu) { return aMenu.submenus.empty(); }));

@@ -28,6 +28,15 @@ const MenuTemplate* FindMenu(int aID);
 inline constexpr int kDisplayMenuID = 1511;
 inline constexpr int kDeviceFinderMenuID = 1505;
 
+/// Of the property grid where no window gives it another one.
+inline constexpr int kPropertiesGridMenuID = 1508;
+
 inline constexpr int kSetIPAddressCommandID = 32771;
+
+// The commands that the property grid performs itself in whichever menu they are.
+inline constexpr int kCopyNameCommandID = 32801;
+inline constexpr int kCopyValueCommandID = 32802;
+inline constexpr int kCopyNameAndValueCommandID = 32803;
+inline constexpr int kCopyErrorCommandID = 32804;
 
 } // namespace krgui

@@ -16,6 +16,8 @@ inline constexpr std::uint32_t kRepositionEditorMessage = 0x1400;
 inline constexpr std::uint32_t kRowChangedMessage = 0x1401;
 /// The edit that ended by losing the focus is to be written.
 inline constexpr std::uint32_t kCommitMessage = 0x1402;
+/// Rows have moved: which of them are on the screen is to be noted anew.
+inline constexpr std::uint32_t kMarkOnScreenMessage = 0x1403;
 
 /// Where nodes and refreshes tell that a row has changed. Posts, never sends.
 ///

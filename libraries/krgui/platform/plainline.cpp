@@ -1,4 +1,4 @@
-#include "finder/plainline.h"
+#include "platform/plainline.h"
 
 #include <algorithm>
 

@@ -1,0 +1,56 @@
+#include "browser/columnboundary.h"
+
+#include "logic/browser/rowgeometry.h"
+
+#include <QMouseEvent>
+
+#include <utility>
+
+namespace krgui {
+
+ColumnBoundary::ColumnBoundary(QWidget& aViewport, std::function<void()> aOnMove)
+    : mViewport(&aViewport), mOnMove(std::move(aOnMove)), mWidth(kInitialNameColumnWidth) {}
+
+bool ColumnBoundary::TakePress(const QMouseEvent& aEvent, int aX) {
+  if (aEvent.button() != Qt::LeftButton || !IsInColumnBand(aX, mWidth))
+    return mIsDragging;
+  mIsDragging = true;
+  return true;
+}
+
+bool ColumnBoundary::TakeMove(const QMouseEvent& aEvent, int aX) {
+  if (mIsDragging && (aEvent.buttons() & Qt::LeftButton) == 0)
+    mIsDragging = false; // The release went to another window.
+  ShowCursor(mIsDragging || (aEvent.buttons() == Qt::NoButton && IsInColumnBand(aX, mWidth)));
+  if (!mIsDragging)
+    return false;
+  const int width = DragColumn(aX, mViewport->width());
+  if (width != mWidth) {
+    mWidth = width;
+    mOnMove();
+  }
+  return true;
+}
+
+bool ColumnBoundary::TakeRelease(const QMouseEvent& aEvent) {
+  if (aEvent.button() != Qt::LeftButton)
+    return mIsDragging;
+  return std::exchange(mIsDragging, false);
+}
+
+void ColumnBoundary::Stop() {
+  mIsDragging = false;
+  ShowCursor(false);
+}
+
+void ColumnBoundary::ShowCursor(bool aIsInBand) {
+  if (mShowsCursor == aIsInBand)
+    return;
+  mShowsCursor = aIsInBand;
+  if (aIsInBand)
+    mViewport->setCursor(Qt::SizeHorCursor);
+  else
+    mViewport->unsetCursor();
+}
+
+} // namespace krgui

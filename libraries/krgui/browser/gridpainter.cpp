@@ -1,0 +1,157 @@
+#include "browser/gridpainter.h"
+
+#include <QPainter>
+#include <QStyle>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace krgui {
+
+namespace {
+
+/// Between the name and an error icon that it would run into.
+constexpr int kIconGap = 2;
+/// Around the name of a selected category.
+constexpr int kSelectionMargin = 2;
+
+QRect ToQRect(const GridRect& aRect) {
+  return {QPoint(aRect.left, aRect.top), QPoint(aRect.right - 1, aRect.bottom - 1)};
+}
+
+QFont MakeBold(QFont aFont) {
+  aFont.setBold(true);
+  return aFont;
+}
+
+} // namespace
+
+GridPainter::GridPainter(GridLook aLook)
+    : mLook(std::move(aLook)), mBoldFont(MakeBold(mLook.font)), mMetrics(mLook.font), mBoldMetrics(mBoldFont) {}
+
+void GridPainter::Paint(QPainter& aPainter, const GridRow& aRow) const {
+  aPainter.save();
+  aPainter.setClipRect(ToQRect(aRow.geometry.row), Qt::IntersectClip);
+  if (aRow.isCategory)
+    PaintCategory(aPainter, aRow);
+  else
+    PaintFeature(aPainter, aRow);
+  aPainter.restore();
+}
+
+QRect GridPainter::Place(const GridRow& aRow, const GridRect& aRect) const {
+  return QStyle::visualRect(mLook.direction, ToQRect(aRow.geometry.row), ToQRect(aRect));
+}
+
+void GridPainter::PaintCategory(QPainter& aPainter, const GridRow& aRow) const {
+  const GridColours& colours = mLook.colours;
+  aPainter.fillRect(ToQRect(aRow.geometry.row), colours.face);
+  PaintGlyph(aPainter, Place(aRow, aRow.geometry.GetGlyph()), aRow.isOpen);
+  aPainter.setFont(mLook.font);
+  const QRect nameRect = Place(aRow, aRow.geometry.GetCategoryName());
+  const QString name = mMetrics.elidedText(aRow.name, Qt::ElideRight, nameRect.width());
+  if (aRow.isSelected) {
+    const QSize size(mMetrics.horizontalAdvance(name), nameRect.height());
+    const QRect ground = QStyle::alignedRect(mLook.direction, Qt::AlignLeft | Qt::AlignVCenter, size, nameRect)
+                             .adjusted(-kSelectionMargin, 0, kSelectionMargin, 0);
+    aPainter.fillRect(ground, colours.highlight);
+  }
+  aPainter.setPen(aRow.isSelected ? MakeReadable(colours.highlightText, colours.highlight)
+                                  : MakeReadable(colours.greyText, colours.face));
+  PaintText(aPainter, nameRect, name);
+}
+
+void GridPainter::PaintGlyph(QPainter& aPainter, const QRect& aGlyph, bool aIsOpen) const {
+  const GridColours& colours = mLook.colours;
+  const QColor line = MakeReadable(colours.greyText, colours.window);
+  aPainter.fillRect(aGlyph, line);
+  aPainter.fillRect(aGlyph.adjusted(1, 1, -1, -1), colours.window);
+  const QPoint centre = aGlyph.center();
+  aPainter.fillRect(QRect(aGlyph.left() + 2, centre.y(), aGlyph.width() - 4, 1), colours.text);
+  if (!aIsOpen)
+    aPainter.fillRect(QRect(centre.x(), aGlyph.top() + 2, 1, aGlyph.height() - 4), colours.text);
+}
+
+void GridPainter::PaintFeature(QPainter& aPainter, const GridRow& aRow) const {
+  const QColor ground = FindGround(aRow);
+  aPainter.fillRect(ToQRect(aRow.geometry.row), ground);
+  PaintLines(aPainter, aRow);
+  if (aRow.hasError)
+    aPainter.drawPixmap(Place(aRow, aRow.geometry.GetErrorIcon()), mLook.errorIcon);
+  PaintName(aPainter, aRow, ground);
+  const QRect valueRect = Place(aRow, aRow.geometry.GetValueText());
+  aPainter.setFont(mLook.font);
+  aPainter.setPen(MakeReadable(aRow.isEditable ? mLook.colours.text : mLook.colours.greyText, ground));
+  PaintText(aPainter, valueRect, mMetrics.elidedText(aRow.value, Qt::ElideRight, valueRect.width()));
+}
+
+QColor GridPainter::FindGround(const GridRow& aRow) const {
+  const GridColours& colours = mLook.colours;
+  if (aRow.isSelected)
+    return mLook.hasFocus ? colours.highlight : colours.face;
+  if (aRow.tint == RowTint::IsSelector)
+    return colours.isSelector;
+  return aRow.tint == RowTint::HasSelectors ? colours.hasSelectors : colours.window;
+}
+
+void GridPainter::PaintLines(QPainter& aPainter, const GridRow& aRow) const {
+  const GridRect& row = aRow.geometry.row;
+  const int boundary = row.left + aRow.geometry.columnWidth;
+  aPainter.fillRect(Place(aRow, {row.left, row.bottom - 1, row.right, row.bottom}), mLook.colours.face);
+  aPainter.fillRect(Place(aRow, {boundary, row.top, boundary + 1, row.bottom}), mLook.colours.face);
+}
+
+void GridPainter::PaintName(QPainter& aPainter, const GridRow& aRow, const QColor& aGround) const {
+  GridRect rect = aRow.geometry.GetNameText();
+  if (aRow.hasError)
+    rect.right = std::max(rect.left, std::min(rect.right, aRow.geometry.GetErrorIcon().left - kIconGap));
+  const QRect nameRect = Place(aRow, rect);
+  const bool isHighlighted = aRow.isSelected && mLook.hasFocus;
+  const QString name =
+      (aRow.isBold ? mBoldMetrics : mMetrics).elidedText(aRow.name, Qt::ElideRight, nameRect.width());
+  aPainter.setFont(aRow.isBold ? mBoldFont : mLook.font);
+  aPainter.setPen(MakeReadable(isHighlighted ? mLook.colours.highlightText : mLook.colours.text, aGround));
+  if (aRow.match)
+    PaintMatch(aPainter, nameRect, name, *aRow.match);
+  else
+    PaintText(aPainter, nameRect, name);
+}
+
+void GridPainter::PaintText(QPainter& aPainter, const QRect& aRect, const QString& aText) const {
+  if (aRect.width() <= 0 || aText.isEmpty())
+    return;
+  const Qt::Alignment side = mLook.direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft;
+  aPainter.save();
+  aPainter.setClipRect(aRect, Qt::IntersectClip);
+  aPainter.drawText(aRect, static_cast<int>(side | Qt::AlignAbsolute | Qt::AlignVCenter) | Qt::TextSingleLine, aText);
+  aPainter.restore();
+}
+
+/// The three runs are laid out as one text: a script that joins its letters or runs from right to left stays whole.
+void GridPainter::PaintMatch(QPainter& aPainter, const QRect& aRect, const QString& aText,
+                             const TextMatch& aMatch) const {
+  const QColor pen = aPainter.pen().color();
+  QTextLayout::FormatRange match;
+  match.start = static_cast<int>(std::min<std::size_t>(aMatch.position, static_cast<std::size_t>(aText.size())));
+  match.length = static_cast<int>(
+      std::min<std::size_t>(aMatch.length, static_cast<std::size_t>(aText.size() - match.start)));
+  match.format.setBackground(mLook.colours.match);
+  match.format.setForeground(MakeReadable(pen, mLook.colours.match));
+  QTextOption option(mLook.direction == Qt::RightToLeft ? Qt::AlignRight | Qt::AlignAbsolute
+                                                        : Qt::AlignLeft | Qt::AlignAbsolute);
+  option.setWrapMode(QTextOption::NoWrap);
+  option.setTextDirection(Qt::LayoutDirectionAuto);
+  QTextLayout layout(aText, aPainter.font());
+  layout.setTextOption(option);
+  layout.beginLayout();
+  QTextLine line = layout.createLine();
+  line.setLineWidth(aRect.width());
+  layout.endLayout();
+  aPainter.save();
+  aPainter.setClipRect(aRect, Qt::IntersectClip);
+  layout.draw(&aPainter, QPointF(aRect.left(), aRect.top() + (aRect.height() - line.height()) / 2), {match});
+  aPainter.restore();
+}
+
+} // namespace krgui

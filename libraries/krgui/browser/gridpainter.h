@@ -1,0 +1,75 @@
+#pragma once
+// Paints one row of the property grid from a plain description of it. Where things are is left to
+// logic/browser/rowgeometry.h, colours to gridcolours.h; nothing is asked of nodes or devices.
+
+#include "browser/gridcolours.h"
+#include "logic/browser/featuresearch.h"
+#include "logic/browser/rowgeometry.h"
+
+#include <QFont>
+#include <QFontMetrics>
+#include <QPixmap>
+#include <QString>
+
+#include <optional>
+
+class QPainter;
+class QPalette;
+class QRect;
+
+namespace krgui {
+
+enum class RowTint { None, HasSelectors, IsSelector };
+
+/// A row as it is to be painted.
+struct GridRow {
+  RowGeometry geometry;
+  QString name;  ///< One line.
+  QString value; ///< One line; empty for a category and where an editor covers it.
+  std::optional<TextMatch> match; ///< What of the name was searched for.
+  RowTint tint = RowTint::None;
+  bool isCategory = false;
+  bool isOpen = false; ///< A category's children are shown.
+  bool isSelected = false;
+  bool isEditable = false;
+  bool isBold = false;
+  bool hasError = false;
+};
+
+/// How all rows of a grid are painted.
+struct GridLook {
+  GridColours colours;
+  QFont font;
+  QPixmap errorIcon; ///< 16 x 16, in device-independent pixels.
+  Qt::LayoutDirection direction = Qt::LeftToRight;
+  bool hasFocus = false;
+};
+
+class GridPainter {
+public:
+  explicit GridPainter(GridLook aLook);
+
+  void SetFocused(bool aHasFocus) { mLook.hasFocus = aHasFocus; }
+  void Paint(QPainter& aPainter, const GridRow& aRow) const;
+  /// How many characters of a text can be seen in so many pixels: longer texts are cut before they are measured.
+  static int GetMostCharacters(int aWidth) { return aWidth > 0 ? aWidth + 1 : 1; }
+
+private:
+  void PaintCategory(QPainter& aPainter, const GridRow& aRow) const;
+  void PaintFeature(QPainter& aPainter, const GridRow& aRow) const;
+  void PaintGlyph(QPainter& aPainter, const QRect& aGlyph, bool aIsOpen) const;
+  void PaintLines(QPainter& aPainter, const GridRow& aRow) const;
+  void PaintName(QPainter& aPainter, const GridRow& aRow, const QColor& aGround) const;
+  void PaintText(QPainter& aPainter, const QRect& aRect, const QString& aText) const;
+  void PaintMatch(QPainter& aPainter, const QRect& aRect, const QString& aText, const TextMatch& aMatch) const;
+  QColor FindGround(const GridRow& aRow) const;
+  /// A rectangle of the row where it is on the screen, in either layout direction.
+  QRect Place(const GridRow& aRow, const GridRect& aRect) const;
+
+  GridLook mLook;
+  QFont mBoldFont;
+  QFontMetrics mMetrics;
+  QFontMetrics mBoldMetrics;
+};
+
+} // namespace krgui

@@ -1,0 +1,72 @@
+#include "logic/browser/gridtools.h"
+
+#include "logic/browser/rowgeometry.h"
+
+#include <algorithm>
+#include <string>
+
+namespace krgui {
+
+namespace {
+
+using Nodes = std::vector<std::unique_ptr<TreeItemData>>;
+
+constexpr int kIndexBits = 14;
+constexpr int kFlagBits = 2;
+static_assert(kCategoryToolBase == 1 << kIndexBits && kErrorToolFlag == 1 << (kIndexBits + 1));
+
+constexpr std::int32_t PackIndex(std::size_t aIndex) {
+  const auto index = static_cast<std::int32_t>(aIndex);
+  return (index & (kCategoryToolBase - 1)) | (index >> kIndexBits << (kIndexBits + kFlagBits));
+}
+
+constexpr std::size_t UnpackIndex(std::int32_t aTool) {
+  return static_cast<std::size_t>((aTool & (kCategoryToolBase - 1)) |
+                                  (aTool >> (kIndexBits + kFlagBits) << kIndexBits));
+}
+static_assert(UnpackIndex(PackIndex(123456) | kErrorToolFlag) == 123456);
+
+std::int32_t FindIndex(const Nodes& aNodes, const TreeItemData* aNode, std::int32_t aFlags) {
+  const auto found = std::find_if(aNodes.begin(), aNodes.end(), [aNode](const auto& aOne) { return aOne.get() == aNode; });
+  return found == aNodes.end() ? kNoTool : PackIndex(static_cast<std::size_t>(found - aNodes.begin())) | aFlags;
+}
+
+/// Not within a pair of surrogates.
+KrString Cut(const KrString& aText) {
+  std::u16string text = aText.ToWide();
+  if (text.size() <= kMostToolTipCharacters)
+    return aText;
+  const bool splitsPair = (text[kMostToolTipCharacters - 1] & 0xFC00) == 0xD800;
+  text.resize(splitsPair ? kMostToolTipCharacters - 1 : kMostToolTipCharacters);
+  return KrString(text);
+}
+
+} // namespace
+
+std::int32_t FindTool(const BrowserTree& aTree, GridItem aItem, bool aIsOnErrorIcon) {
+  if (const TreeItemData* feature = aTree.FindFeature(aItem))
+    return FindIndex(aTree.GetFeatures(), feature, aIsOnErrorIcon && feature->HasError() ? kErrorToolFlag : 0);
+  if (const TreeItemData* category = aTree.FindCategory(aItem))
+    return FindIndex(aTree.GetCategories(), category, kCategoryToolBase);
+  return kNoTool;
+}
+
+KrString GetToolText(const BrowserTree& aTree, std::int32_t aTool) {
+  if (aTool < 0)
+    return {};
+  const Nodes& nodes = (aTool & kCategoryToolBase) != 0 ? aTree.GetCategories() : aTree.GetFeatures();
+  const std::size_t index = UnpackIndex(aTool);
+  if (index >= nodes.size())
+    return {};
+  const TreeItemData& node = *nodes[index];
+  if ((aTool & kErrorToolFlag) != 0)
+    return Cut(node.GetError());
+  KrString text = node.GetToolTip();
+  const KrString reason = node.GetAccessReason();
+  if (!text.IsEmpty() && !reason.IsEmpty())
+    text += "\n\n";
+  text += reason;
+  return Cut(text);
+}
+
+} // namespace krgui

@@ -1,0 +1,18 @@
+#pragma once
+// What the user can copy of a row.
+
+#include "krbase/krstring.h"
+
+#include <optional>
+
+namespace krgui {
+
+class TreeItemData;
+
+enum class RowPart { Name, Value, NameAndValue, Error };
+
+/// The text of a part, the name as the row shows it; nothing where the row has no such part: a category has no value,
+/// and neither has a feature that was not read, is not implemented or not available.
+std::optional<KrString> GetRowPart(const TreeItemData& aNode, RowPart aPart);
+
+} // namespace krgui
