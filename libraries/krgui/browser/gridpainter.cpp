@@ -108,8 +108,7 @@ void GridPainter::PaintName(QPainter& aPainter, const GridRow& aRow, const QColo
     rect.right = std::max(rect.left, std::min(rect.right, aRow.geometry.GetErrorIcon().left - kIconGap));
   const QRect nameRect = Place(aRow, rect);
   const bool isHighlighted = aRow.isSelected && mLook.hasFocus;
-  const QString name =
-      (aRow.isBold ? mBoldMetrics : mMetrics).elidedText(aRow.name, Qt::ElideRight, nameRect.width());
+  const QString name = (aRow.isBold ? mBoldMetrics : mMetrics).elidedText(aRow.name, Qt::ElideRight, nameRect.width());
   aPainter.setFont(aRow.isBold ? mBoldFont : mLook.font);
   aPainter.setPen(MakeReadable(isHighlighted ? mLook.colours.highlightText : mLook.colours.text, aGround));
   if (aRow.match)
@@ -134,8 +133,8 @@ void GridPainter::PaintMatch(QPainter& aPainter, const QRect& aRect, const QStri
   const QColor pen = aPainter.pen().color();
   QTextLayout::FormatRange match;
   match.start = static_cast<int>(std::min<std::size_t>(aMatch.position, static_cast<std::size_t>(aText.size())));
-  match.length = static_cast<int>(
-      std::min<std::size_t>(aMatch.length, static_cast<std::size_t>(aText.size() - match.start)));
+  match.length =
+      static_cast<int>(std::min<std::size_t>(aMatch.length, static_cast<std::size_t>(aText.size() - match.start)));
   match.format.setBackground(mLook.colours.match);
   match.format.setForeground(MakeReadable(pen, mLook.colours.match));
   QTextOption option(mLook.direction == Qt::RightToLeft ? Qt::AlignRight | Qt::AlignAbsolute

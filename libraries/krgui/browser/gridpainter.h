@@ -24,8 +24,8 @@ enum class RowTint { None, HasSelectors, IsSelector };
 /// A row as it is to be painted.
 struct GridRow {
   RowGeometry geometry;
-  QString name;  ///< One line.
-  QString value; ///< One line; empty for a category and where an editor covers it.
+  QString name;                   ///< One line.
+  QString value;                  ///< One line; empty for a category and where an editor covers it.
   std::optional<TextMatch> match; ///< What of the name was searched for.
   RowTint tint = RowTint::None;
   bool isCategory = false;

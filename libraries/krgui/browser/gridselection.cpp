@@ -19,7 +19,8 @@ GridSelection::Action::~Action() {
 void GridSelection::NoteChange(QObject& aContext) {
   mHasChanged = true;
   if (mActions == 0)
-    QMetaObject::invokeMethod(&aContext, [this] { Tell(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        &aContext, [this] { Tell(); }, Qt::QueuedConnection);
 }
 
 void GridSelection::Tell() {

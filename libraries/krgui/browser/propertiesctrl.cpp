@@ -19,13 +19,13 @@ PropertiesCtrl::PropertiesCtrl(QWidget* aParent, std::shared_ptr<krgui::MessageQ
 PropertiesCtrl::~PropertiesCtrl() = default;
 
 std::uint64_t PropertiesCtrl::AppendCategory(std::uint64_t aParent, const KrString& aName, KrGenCategory& aCategory) {
-  return mGrid->Append(
-      aParent, [&](krgui::BrowserTree& aTree) { return aTree.AppendCategory(aParent, aName, aCategory); });
+  return mGrid->Append(aParent,
+                       [&](krgui::BrowserTree& aTree) { return aTree.AppendCategory(aParent, aName, aCategory); });
 }
 
 std::uint64_t PropertiesCtrl::AppendFeature(std::uint64_t aParent, const KrString& aName, KrGenParameter& aParameter) {
-  return mGrid->Append(
-      aParent, [&](krgui::BrowserTree& aTree) { return aTree.AppendFeature(aParent, aName, aParameter); });
+  return mGrid->Append(aParent,
+                       [&](krgui::BrowserTree& aTree) { return aTree.AppendFeature(aParent, aName, aParameter); });
 }
 
 void PropertiesCtrl::Clear() {

@@ -84,7 +84,7 @@ PropertiesGrid::PropertiesGrid(QWidget* aParent, std::shared_ptr<MessageQueue> a
   header()->setMinimumSectionSize(0);
   header()->setStretchLastSection(false);
   header()->setSectionResizeMode(QHeaderView::Fixed);
-  mEditors = std::make_unique<GridEditors>(*this);
+  mEditors = std::make_unique<GridEditors>(static_cast<IEditorHost&>(*this));
   FitColumns();
   if (!aQueue)
     WatchOwnQueue();

@@ -8,6 +8,7 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QTextDocument>
 #include <QToolTip>
 
 namespace krgui {

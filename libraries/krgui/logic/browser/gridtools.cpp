@@ -27,7 +27,8 @@ constexpr std::size_t UnpackIndex(std::int32_t aTool) {
 static_assert(UnpackIndex(PackIndex(123456) | kErrorToolFlag) == 123456);
 
 std::int32_t FindIndex(const Nodes& aNodes, const TreeItemData* aNode, std::int32_t aFlags) {
-  const auto found = std::find_if(aNodes.begin(), aNodes.end(), [aNode](const auto& aOne) { return aOne.get() == aNode; });
+  const auto found =
+      std::find_if(aNodes.begin(), aNodes.end(), [aNode](const auto& aOne) { return aOne.get() == aNode; });
   return found == aNodes.end() ? kNoTool : PackIndex(static_cast<std::size_t>(found - aNodes.begin())) | aFlags;
 }
 
