@@ -156,19 +156,35 @@ void ReadValue(KrGenParameter& aFeature, const ValueStyle& aStyle, FeatureReadin
     aReading.value = kRegisterText;
 }
 
+// What cannot be had is missing from the tooltip and says nothing about the value.
+KrString ReadAccessReason(KrGenParameter& aFeature) {
+  KrString reason;
+  try {
+    (void)aFeature.GetAccessReason(reason);
+  } catch (...) {
+    reason.Clear();
+  }
+  return reason;
+}
+
 } // namespace
 
 FeatureReading ReadFeature(KrGenParameter& aFeature, const ValueStyle& aStyle) {
   FeatureReading reading;
+  bool isLimited = false;
   // A register port is foreign code, whose exceptions belong to no step.
   try {
-    if (ReadAccess(aFeature, reading))
+    if (ReadAccess(aFeature, reading)) {
+      isLimited = !reading.access.isWritable;
       ReadValue(aFeature, aStyle, reading);
+    }
   } catch (const std::exception& exception) {
     Fail(reading, {}, exception.what());
   } catch (...) {
     Fail(reading, {}, "The access to the device failed for a reason that it did not name.");
   }
+  if (isLimited)
+    reading.accessReason = ReadAccessReason(aFeature);
   return reading;
 }
 

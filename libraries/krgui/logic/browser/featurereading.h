@@ -22,6 +22,8 @@ struct FeatureReading {
   bool keepsValue = false; ///< Not readable: what was read before still stands.
   bool hasError = false;   ///< A step failed, or the value lies outside the bounds, which leaves it its text.
   KrString error;
+  KrString
+      accessReason; ///< Why the feature is not writable, or less, though it might be; empty where nothing is known.
 };
 
 /// Reads a feature; waits as long as its registers need. What a register port throws becomes the error, too.

@@ -10,6 +10,7 @@
 #include "logic/browser/gridmessages.h"
 
 #include <atomic>
+#include <cstdint>
 #include <mutex>
 #include <vector>
 
@@ -137,7 +138,10 @@ private:
   std::vector<KrGenParameter*> mSelecting;
   std::vector<KrGenParameter*> mSelected;
 
-  mutable std::mutex mMutex; ///< Guards the members from here on; never held while the device is asked.
+  std::atomic<std::uint64_t> mBegunReadings = 0; ///< Numbers the readings in the order in which they begin.
+
+  mutable std::mutex mMutex;        ///< Guards the members from here on; never held while the device is asked.
+  std::uint64_t mStoredReading = 0; ///< The latest reading that was stored.
   Content mNow;
   Content mAcknowledged;
   KrString mAccessReason;
