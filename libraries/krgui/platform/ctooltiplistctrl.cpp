@@ -133,6 +133,7 @@ void CTooltipListCtrl::ShowDropDown(const QRect& aOffered, const QRect& aComboBo
   setVerticalScrollBarPolicy(placement.hasScrollBar ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
   setGeometry(placement.rect.left, placement.rect.top, placement.rect.GetWidth(), placement.rect.GetHeight());
   mIsOpen = true;
+  mWasChosen = false;
   show();
   setFocus(Qt::PopupFocusReason);
   const QModelIndex chosen = model()->index(mChosen, 0);
@@ -253,6 +254,7 @@ void CTooltipListCtrl::hideEvent(QHideEvent* aEvent) {
 void CTooltipListCtrl::TakeSelected() {
   if (CanBeChosen(currentIndex())) {
     mChosen = currentIndex().row();
+    mWasChosen = true;
   }
 }
 

@@ -40,6 +40,9 @@ public:
   /// without items.
   int PrepareItems();
 
+  /// The list was closed by choosing an item, be it the one that was chosen before.
+  bool WasChosen() const { return mWasChosen; }
+
   /// The selected item, wherever the pointer is; nothing without one.
   std::optional<ToolHit> HitTest() const;
   /// The tooltip of a tool by the id of a hit, cut to 1023 characters; empty for id 0 and an item without one.
@@ -71,6 +74,7 @@ private:
   Items* mItems; ///< Belongs to this object.
   int mChosen = -1;
   bool mIsOpen = false;
+  bool mWasChosen = false;
   std::unordered_map<std::int32_t, QString> mTooltips{17};
 };
 
