@@ -22,8 +22,11 @@ inline bool FindEditorKey(const QKeyEvent& aEvent, EditorKey& aKey) {
   constexpr struct {
     Qt::Key key;
     Qt::Key meaning;
-  } kKeys[] = {{Qt::Key_Return, Qt::Key_Return}, {Qt::Key_Enter, Qt::Key_Return},  {Qt::Key_Escape, Qt::Key_Escape},
-               {Qt::Key_Tab, Qt::Key_Tab},       {Qt::Key_Backtab, Qt::Key_Tab}};
+  } kKeys[] = {{Qt::Key_Return, Qt::Key_Return},
+               {Qt::Key_Enter, Qt::Key_Return},
+               {Qt::Key_Escape, Qt::Key_Escape},
+               {Qt::Key_Tab, Qt::Key_Tab},
+               {Qt::Key_Backtab, Qt::Key_Tab}};
   const auto* found = std::find_if(std::begin(kKeys), std::end(kKeys),
                                    [&aEvent](const auto& aRow) { return aRow.key == aEvent.key(); });
   // Ctrl+Tab turns the pages of the window around.

@@ -59,10 +59,9 @@ void GenBrowserComboBox::showPopup() {
     return;
   }
   const QRect place(mapToGlobal(QPoint()), size());
-  const PixelRect offered =
-      OfferChoiceList({ToPixelRect(place), ToPixelRect(FindDesktop(place, *this)), count(),
-                       std::max(list.PrepareItems(), 1), FindWidestItem(),
-                       style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &list), isRightToLeft()});
+  const PixelRect offered = OfferChoiceList(
+      {ToPixelRect(place), ToPixelRect(FindDesktop(place, *this)), count(), std::max(list.PrepareItems(), 1),
+       FindWidestItem(), style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &list), isRightToLeft()});
   list.ShowDropDown(QRect(offered.left, offered.top, offered.GetWidth(), offered.GetHeight()), place);
 }
 
