@@ -224,7 +224,8 @@ bool IsStandardHeader(std::string_view aInclude) {
 }
 
 bool IsPublicToolkitHeader(std::string_view aRoom, std::string_view aInclude) {
-  return aRoom == "krgui" && aInclude == "qwindowdefs.h";
+  // Windows take native handles; controls for an application's own layout are widgets.
+  return aRoom == "krgui" && (aInclude == "qwindowdefs.h" || aInclude == "QWidget");
 }
 
 bool IsLowerCaseName(std::string_view aFileName) {

@@ -1,0 +1,70 @@
+#include "browser/searchfield.h"
+
+#include <QKeyEvent>
+
+namespace krgui {
+
+namespace {
+
+bool IsEnter(const QKeyEvent& aEvent) {
+  return aEvent.key() == Qt::Key_Return || aEvent.key() == Qt::Key_Enter;
+}
+
+/// Opens and closes the search row, which is the window's.
+bool IsWindowsKey(const QKeyEvent& aEvent) {
+  return aEvent.key() == Qt::Key_F && (aEvent.modifiers() & Qt::ControlModifier) != 0;
+}
+
+/// A key that types a character; arrows, Home, Delete and the like type none.
+bool TypesCharacter(const QKeyEvent& aEvent) {
+  return aEvent.key() < Qt::Key_Escape || IsEnter(aEvent) || aEvent.key() == Qt::Key_Backspace;
+}
+
+} // namespace
+
+SearchField::SearchField(std::function<void()> aMoveToNext, std::function<void()> aMoveToPrevious, QWidget* aParent)
+    : QLineEdit(aParent), mMoveToNext(std::move(aMoveToNext)), mMoveToPrevious(std::move(aMoveToPrevious)) {}
+
+bool SearchField::event(QEvent* aEvent) {
+  if (aEvent->type() == QEvent::ShortcutOverride && IsWindowsKey(*static_cast<QKeyEvent*>(aEvent))) {
+    aEvent->ignore();
+    return true;
+  }
+  return QLineEdit::event(aEvent);
+}
+
+void SearchField::keyPressEvent(QKeyEvent* aEvent) {
+  if ((aEvent->modifiers() & Qt::ControlModifier) != 0 && TypesCharacter(*aEvent)) {
+    HandleControlKey(*aEvent);
+    return;
+  }
+  if (IsEnter(*aEvent)) {
+    // Taken before the handler, which may end the field; a dialog's default button must not hear of it.
+    aEvent->accept();
+    const auto move = (aEvent->modifiers() & Qt::ShiftModifier) != 0 ? mMoveToPrevious : mMoveToNext;
+    move();
+    return;
+  }
+  if (aEvent->key() == Qt::Key_Escape) {
+    // The field wants all keys: a window that Escape closes stays.
+    aEvent->accept();
+    return;
+  }
+  QLineEdit::keyPressEvent(aEvent);
+}
+
+void SearchField::HandleControlKey(QKeyEvent& aEvent) {
+  if (IsWindowsKey(aEvent)) {
+    aEvent.ignore();
+    return;
+  }
+  aEvent.accept();
+  if (aEvent.key() == Qt::Key_C)
+    copy();
+  else if (aEvent.key() == Qt::Key_V)
+    paste();
+  else if (aEvent.key() == Qt::Key_X)
+    cut();
+}
+
+} // namespace krgui
