@@ -64,6 +64,7 @@ public:
     if (mIsClosed)
       return GetClosing();
     mRunningCancel = cancel;
+    WelcomeSinks();
     Evaluation evaluation(*this);
     return aCall(evaluation);
   }
@@ -94,7 +95,7 @@ public:
   std::stop_token GetStopToken() const override { return mRunningCancel; }
   KrResult GetClosing() const override;
   std::uint64_t GetTimeMs() const override;
-  std::uint64_t TakeEpoch() override { return ++mEpoch; }
+  std::uint64_t TakeEpoch() override { return mEpoch.fetch_add(1) + 1; }
   void Invalidate(std::span<Node* const> aNodes) override { Invalidate(aNodes, true); }
 
   // INodeIndex
@@ -135,6 +136,8 @@ private:
   std::stop_source ExchangeCancel();
 
   ParameterWatch& FindWatch(Node& aNode);
+  void WelcomeSinks();
+  void Welcome(ParameterWatch& aWatch);
   void Look(ParameterWatch& aWatch);
 
   Description mDescription;
@@ -152,7 +155,7 @@ private:
 
   mutable KrTurnMutex mLock; // Guards the nodes and the members from here on.
   FailureCountingPort mPort;
-  std::uint64_t mEpoch = 0;
+  std::atomic<std::uint64_t> mEpoch = 0; // Also read without the lock, by who registers a sink.
   std::uint64_t mMark = 0;
   std::vector<WalkStep> mWalk; // What an invalidation has still to visit.
   std::vector<PolledNode> mPolledNodes;
@@ -167,8 +170,12 @@ private:
   KrResult mClosing;
   std::atomic<bool> mIsClosed = false; // Set last: where it is seen, mClosing is there.
 
-  std::mutex mWatchesMutex; // Guards mWatches. A node's own pointer to its watch is the map's lock's business.
+  std::mutex
+      mWatchesMutex; // Guards mWatches and mNewWatches. A node's own pointer to its watch is the map's lock's business.
   std::unordered_map<const Node*, std::unique_ptr<ParameterWatch>> mWatches;
+  // Have sinks that are yet to be told what their parameter is: before the next operation, which may change it.
+  std::vector<ParameterWatch*> mNewWatches;
+  std::atomic<bool> mHasNewWatches = false;
   NotificationThread mNotifications;
 };
 

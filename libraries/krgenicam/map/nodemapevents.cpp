@@ -5,6 +5,11 @@
 #include "nodes/portnode.h"
 #include "nodes/registernode.h"
 
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
 // What makes nodes be read anew beside writing, and how sinks hear of changes.
 
 namespace krgenicam {
@@ -105,21 +110,47 @@ ParameterWatch& NodeMap::FindWatch(Node& aNode) {
 
 KrResult NodeMap::RegisterEventSink(Node& aNode, KrGenEventSink* aSink) {
   ParameterWatch& watch = FindWatch(aNode);
-  const std::lock_guard lock(mLock);
-  aNode.watch = &watch;
-  Evaluation evaluation(*this);
-  evaluation.mayAskDevice = false;
-  ParameterWatch::Known known{.epoch = evaluation.epoch};
-  ParameterSnapshot snapshot = TakeSnapshot(aNode, evaluation, watch.GetWritesCount());
-  if (!evaluation.hasMissed)
-    known.snapshot = std::make_shared<const ParameterSnapshot>(std::move(snapshot));
-  KrResult result = watch.Register(aSink, known);
+  KrResult result = watch.Register(aSink, mEpoch);
   if (!result.IsOK())
     return result;
   mNotifications.Start();
-  if (!known.snapshot)
+  {
+    const std::lock_guard lock(mWatchesMutex);
+    mNewWatches.push_back(&watch);
+    mHasNewWatches = true;
+  }
+  // An access to the device may hold the lock for long. What the parameter is is found out before anybody can change
+  // it all the same: by whoever has the lock next, the notification thread if it is nobody else.
+  if (const std::unique_lock lock(mLock, std::try_to_lock); lock.owns_lock())
+    WelcomeSinks();
+  else
     mNotifications.Queue(watch);
   return result;
+}
+
+// Comes before every operation: to the sinks it is as if they had waited for their turn with the map.
+void NodeMap::WelcomeSinks() {
+  if (!mHasNewWatches)
+    return;
+  std::vector<ParameterWatch*> watches;
+  {
+    const std::lock_guard lock(mWatchesMutex);
+    watches.swap(mNewWatches);
+    mHasNewWatches = false;
+  }
+  for (ParameterWatch* watch : watches)
+    Welcome(*watch);
+}
+
+void NodeMap::Welcome(ParameterWatch& aWatch) {
+  aWatch.GetNode().watch = &aWatch;
+  Evaluation evaluation(*this);
+  evaluation.mayAskDevice = false;
+  ParameterSnapshot snapshot = TakeSnapshot(aWatch.GetNode(), evaluation, aWatch.GetWritesCount());
+  if (evaluation.hasMissed)
+    mNotifications.Queue(aWatch);
+  else
+    aWatch.TellNewSinks({std::make_shared<const ParameterSnapshot>(std::move(snapshot)), evaluation.epoch});
 }
 
 KrResult NodeMap::UnregisterEventSink(Node& aNode, KrGenEventSink* aSink) {

@@ -4,13 +4,21 @@
 
 namespace krgenicam {
 
-KrResult ParameterWatch::Register(KrGenEventSink* aSink, const Known& aKnown) {
+KrResult ParameterWatch::Register(KrGenEventSink* aSink, std::uint64_t aEpoch) {
   // The sink may be asked for at once, before it knows anything.
   const std::lock_guard lock(mMutex);
   KrResult result = mSinks.Register(aSink);
   if (result.IsOK())
-    mKnowledge[aSink] = {.known = aKnown};
+    mKnowledge[aSink] = {.known = {.epoch = aEpoch}};
   return result;
+}
+
+void ParameterWatch::TellNewSinks(const Known& aKnown) {
+  const std::lock_guard lock(mMutex);
+  for (auto& [sink, knowledge] : mKnowledge) {
+    if (!knowledge.known.snapshot && knowledge.firstChange == 0)
+      knowledge.known = aKnown;
+  }
 }
 
 KrResult ParameterWatch::Unregister(KrGenEventSink* aSink) {

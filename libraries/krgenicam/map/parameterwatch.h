@@ -27,8 +27,10 @@ public:
   Node& GetNode() const { return mNode; }
   bool HasSinks() const { return !mSinks.IsEmpty(); }
 
-  /// aKnown is what the parameter is at this moment.
-  KrResult Register(KrGenEventSink* aSink, const Known& aKnown);
+  /// aEpoch is the map's at this moment.
+  KrResult Register(KrGenEventSink* aSink, std::uint64_t aEpoch);
+  /// What the parameter is, for the sinks that know nothing of it yet; calls nobody.
+  void TellNewSinks(const Known& aKnown);
   KrResult Unregister(KrGenEventSink* aSink);
 
   /// The parameter was forgotten at an epoch. Where something was written it may have changed, and has for a sink that

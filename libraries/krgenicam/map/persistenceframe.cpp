@@ -65,7 +65,7 @@ KrResult PersistenceFrame::AwaitDone(KrGenCommand& aCommand) {
     bool isDone = false;
     if (KrResult asked = aCommand.IsDone(isDone); !asked.IsOK() || isDone)
       return asked;
-    if (mCancel.stop_requested())
+    if (mCancel.stop_requested() || !mGoesOn())
       return {KrResult::Code::Aborted, "it was cancelled while the device was at it."};
     const auto left = deadline - std::chrono::steady_clock::now();
     if (left <= left.zero())

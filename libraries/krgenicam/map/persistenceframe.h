@@ -19,8 +19,10 @@ public:
   /// How long the device may take for each of the two.
   static constexpr int kLimitMs = 2000;
 
-  /// aCancel ends the waiting for the device, which is Aborted then; that the settings end it is told in any case.
-  explicit PersistenceFrame(std::stop_token aCancel) : mCancel(std::move(aCancel)) {}
+  /// aCancel, and aGoesOn by giving false, end the waiting for the device, which is Aborted then; that the settings end
+  /// it is told in any case. aGoesOn is asked now and then.
+  PersistenceFrame(std::stop_token aCancel, std::function<bool()> aGoesOn)
+      : mCancel(std::move(aCancel)), mGoesOn(std::move(aGoesOn)) {}
 
   /// Begins where the device has the commands; OK where it has none.
   KrResult Begin(const Finder& aFind);
@@ -32,6 +34,7 @@ private:
   KrResult AwaitDone(KrGenCommand& aCommand);
 
   const std::stop_token mCancel;
+  const std::function<bool()> mGoesOn;
   KrGenCommand* mEnd = nullptr;
 };
 

@@ -34,6 +34,7 @@ KrResult SettingsRestore::Run(const KrGenSettings& aSettings) {
   for (const KrGenSetting& setting : aSettings.GetSettings())
     mSteps.push_back(MakeStep(setting));
   MarkSuperseded();
+  mProgress.SetTotal(2 * mSteps.size());
 
   // Devices check their settings, and may change some, at the end of a frame: what is read before is not what they
   // have.
@@ -44,6 +45,8 @@ KrResult SettingsRestore::Run(const KrGenSettings& aSettings) {
     VerifyAll();
   }
   PutSelectors();
+  if (mEnd.IsOK())
+    (void)mProgress.Tell(); // Everything is done: there is nothing left to end.
   Report();
   return mFirstProblem;
 }
@@ -94,7 +97,7 @@ void SettingsRestore::SetInFrame(void (SettingsRestore::*aSet)()) {
     if (!aResult.IsOK())
       mFrameProblems.push_back(aResult);
   };
-  PersistenceFrame frame(mCancel);
+  PersistenceFrame frame(mCancel, [this] { return mProgress.Tell(); });
   note(frame.Begin([this](const KrString& aName) { return mArray.Get(aName); }));
   (this->*aSet)();
   note(frame.End());
@@ -103,7 +106,7 @@ void SettingsRestore::SetInFrame(void (SettingsRestore::*aSet)()) {
 void SettingsRestore::SetAll() {
   const std::size_t most = std::min(kMaxPasses, mSteps.size());
   for (std::size_t pass = 0; pass < most && !IsEnded(); ++pass) {
-    if (!SetPass())
+    if (!SetPass(pass == 0))
       break;
   }
   for (Step& step : mSteps) {
@@ -113,9 +116,12 @@ void SettingsRestore::SetAll() {
 }
 
 // Sets what waits; whether there is more to set than before.
-bool SettingsRestore::SetPass() {
+bool SettingsRestore::SetPass(bool aIsFirst) {
   bool hasProgress = false;
+  std::size_t tried = 0;
   for (Step& step : mSteps) {
+    if (aIsFirst)
+      mProgress.SetDone(tried++);
     // A selector that goes on to another position is moved there when something is to be set under it.
     if (step.state != State::Waiting || (step.isSelector && step.isSuperseded))
       continue;
@@ -160,14 +166,17 @@ KrResult SettingsRestore::MoveTo(const std::vector<SelectorPosition>& aContext) 
 // Selectors are read back when they are put where they are to stay.
 void SettingsRestore::VerifyAll() {
   mArray.InvalidateCache(); // What the device has counts, not what was written to it.
+  std::size_t readBack = mSteps.size();
   for (Step& step : mSteps) {
-    if (IsEnded() || step.isSuperseded || step.isSelector)
+    mProgress.SetDone(readBack++);
+    if (step.isSuperseded || step.isSelector || IsEnded())
       continue;
     if (step.state == State::Set || step.state == State::Done)
       VerifyStep(step);
     else if (step.failure == KrResult::Code::AccessDenied)
       AcceptDenied(step);
   }
+  mProgress.SetDone(readBack);
 }
 
 void SettingsRestore::VerifyStep(Step& aStep) {
@@ -215,7 +224,7 @@ void SettingsRestore::SetAgain() {
 }
 
 // Where the settings leave the selectors, each under its own selectors' positions. Done in any case but for a device
-// that is gone.
+// that is gone, or does not answer while nobody wants to wait any more.
 void SettingsRestore::PutSelectors() {
   for (Step& step : mSteps) {
     if (!step.isSelector || step.isSuperseded || mEnd == KrResult::Code::ConnectionLost)
@@ -228,12 +237,14 @@ void SettingsRestore::PutSelectors() {
       VerifyStep(step);
     else if (step.failure == KrResult::Code::AccessDenied)
       AcceptDenied(step);
+    if (!mEnd.IsOK() && step.failure == KrResult::Code::TimeLimitExceeded)
+      break;
   }
 }
 
 // Accesses that are under way when it is cancelled fail by themselves; between two of them it shows here.
 bool SettingsRestore::IsEnded() {
-  if (mEnd.IsOK() && mCancel.stop_requested())
+  if (mEnd.IsOK() && (mCancel.stop_requested() || !mProgress.Tell()))
     mEnd = {KrResult::Code::Aborted, "It was cancelled."};
   return !mEnd.IsOK();
 }
@@ -276,7 +287,8 @@ void SettingsRestore::NoteUnfinished(State aState, const std::string& aWhat) {
 
 } // namespace krgenicam
 
-KrResult KrGenParameterArray::RestoreSettings(const KrGenSettings& aSettings, KrStringList& aProblems) {
+KrResult KrGenParameterArray::RestoreSettings(const KrGenSettings& aSettings, KrStringList& aProblems,
+                                              const KrGenProgress& aProgress) {
   aProblems.Clear();
-  return krgenicam::SettingsRestore(*this, mMap->GetCancelToken(), aProblems).Run(aSettings);
+  return krgenicam::SettingsRestore(*this, mMap->GetCancelToken(), aProblems, aProgress).Run(aSettings);
 }

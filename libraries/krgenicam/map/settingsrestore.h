@@ -4,6 +4,7 @@
 
 #include "krgenicam/krgenparameterarray.h"
 #include "map/selectorpath.h"
+#include "map/settingsprogress.h"
 
 #include <cstddef>
 #include <map>
@@ -18,16 +19,20 @@ namespace krgenicam {
 /// selectors stand meanwhile; at the end they stand where the settings leave them. All but these last positions is set
 /// while the device knows that settings are being written.
 ///
-/// Thread: one at a time. Ownership: borrows the array and the list of problems.
+/// Progress counts each step twice: when it was tried first, and when it was first read back.
+///
+/// Thread: one at a time. Ownership: borrows the array, the list of problems and the progress.
 class SettingsRestore {
 public:
   /// How often all that failed is tried at most.
   static constexpr std::size_t kMaxPasses = 8;
 
-  SettingsRestore(KrGenParameterArray& aArray, std::stop_token aCancel, KrStringList& aProblems)
-      : mArray(aArray), mCancel(std::move(aCancel)), mProblems(aProblems) {}
+  SettingsRestore(KrGenParameterArray& aArray, std::stop_token aCancel, KrStringList& aProblems,
+                  const KrGenProgress& aProgress)
+      : mArray(aArray), mCancel(std::move(aCancel)), mProblems(aProblems), mProgress(aProgress) {}
 
-  /// OK when all is as stored, otherwise the first problem; nothing more is tried once it was cancelled.
+  /// OK when all is as stored, otherwise the first problem; nothing more is tried once it was cancelled, or
+  /// the progress ended it.
   KrResult Run(const KrGenSettings& aSettings);
 
 private:
@@ -53,7 +58,7 @@ private:
 
   void SetInFrame(void (SettingsRestore::*aSet)());
   void SetAll();
-  bool SetPass();
+  bool SetPass(bool aIsFirst);
   void SetStep(Step& aStep);
   KrResult MoveTo(const std::vector<SelectorPosition>& aContext);
 
@@ -72,6 +77,7 @@ private:
   KrGenParameterArray& mArray;
   const std::stop_token mCancel;
   KrStringList& mProblems;
+  SettingsProgress mProgress;
   std::vector<Step> mSteps;
   std::vector<SelectorPosition> mPositions; // Where the steps made so far leave the selectors.
   std::map<KrGenParameter*, std::vector<KrGenParameter*>> mSelectors;

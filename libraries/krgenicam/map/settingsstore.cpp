@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 
 namespace krgenicam {
 
@@ -20,13 +21,22 @@ KrResult CheckName(const KrString& aName) {
 
 } // namespace
 
-SettingsStore::SettingsStore(NodeMap& aMap, KrStringList& aProblems)
-    : mMap(aMap), mCancel(aMap.GetCancelToken()), mProblems(aProblems) {}
+SettingsStore::SettingsStore(NodeMap& aMap, KrStringList& aProblems, const KrGenProgress& aProgress)
+    : mMap(aMap), mCancel(aMap.GetCancelToken()), mProblems(aProblems), mProgress(aProgress) {}
 
 KrResult SettingsStore::Run(const std::vector<KrGenParameter*>& aParameters, KrGenSettings& aSettings) {
   NoteStream();
-  for (const Group& group : MakeGroups(aParameters))
+  const std::vector<Group> groups = MakeGroups(aParameters);
+  mProgress.SetTotal(
+      std::accumulate(groups.begin(), groups.end(), std::size_t{0},
+                      [](std::size_t aSum, const Group& aGroup) { return aSum + aGroup.parameters.size(); }));
+  for (const Group& group : groups) {
     Walk(group, 0);
+    mGroupsDone += group.parameters.size();
+    mProgress.SetDone(mGroupsDone);
+  }
+  if (!mIsEnded)
+    (void)mProgress.Tell(); // Everything is done: there is nothing left to end.
   for (const KrGenSetting& setting : mSettings)
     aSettings.Add(setting.name, setting.value);
   return mFirstFailure;
@@ -111,7 +121,11 @@ void SettingsStore::WalkSelector(const Group& aGroup, std::size_t aDepth) {
 
 void SettingsStore::WalkPositions(const Group& aGroup, std::size_t aDepth, const KrStringList& aPositions) {
   KrGenParameter& selector = *aGroup.selectors[aDepth];
+  std::size_t positionsDone = 0;
   for (const KrString& position : aPositions) {
+    if (aDepth == 0)
+      mProgress.SetDone(mGroupsDone + aGroup.parameters.size() * positionsDone / aPositions.GetCount());
+    ++positionsDone;
     if (IsEnded())
       return;
     if (KrResult moved = selector.FromString(position); !moved.IsOK()) {
@@ -130,13 +144,18 @@ void SettingsStore::WalkPositions(const Group& aGroup, std::size_t aDepth, const
 }
 
 void SettingsStore::PutBack(KrGenParameter& aSelector, const KrString& aPosition) {
-  if (KrResult result = aSelector.FromString(aPosition); !result.IsOK())
+  if (mIsSilent)
+    return;
+  const KrResult result = aSelector.FromString(aPosition);
+  if (!result.IsOK())
     Note(aSelector.GetName(), "cannot be put back to " + aPosition.ToUtf8(), result);
+  mIsSilent = mIsEnded && result == KrResult::Code::TimeLimitExceeded;
 }
 
 void SettingsStore::StoreParameters(const Group& aGroup) {
   if (!aGroup.selectors.empty() && ++mCombinations > kMaxCombinations)
     return NoteLimit(aGroup.parameters.front()->GetName());
+  std::size_t taken = mGroupsDone;
   for (KrGenParameter* const parameter : aGroup.parameters) {
     if (IsEnded())
       return;
@@ -145,6 +164,8 @@ void SettingsStore::StoreParameters(const Group& aGroup) {
       Note(parameter->GetName(), "does not say whether it can be taken", asked);
     else if (access == KrGenAccessMode::ReadWrite)
       StoreParameter(*parameter);
+    if (aGroup.selectors.empty())
+      mProgress.SetDone(++taken);
   }
 }
 
@@ -162,7 +183,7 @@ void SettingsStore::StoreParameter(KrGenParameter& aParameter) {
 
 // Accesses that are under way when it is cancelled fail by themselves; between two of them it shows here.
 bool SettingsStore::IsEnded() {
-  if (!mIsEnded && mCancel.stop_requested()) {
+  if (!mIsEnded && (mCancel.stop_requested() || !mProgress.Tell())) {
     mIsEnded = true;
     Note("The settings", "are not all taken", {KrResult::Code::Aborted, "It was cancelled."});
   }
@@ -195,10 +216,11 @@ void SettingsStore::NoteCut(const KrString& aName) {
 
 } // namespace krgenicam
 
-KrResult KrGenParameterArray::StoreSettings(KrGenSettings& aSettings, KrStringList& aProblems) {
+KrResult KrGenParameterArray::StoreSettings(KrGenSettings& aSettings, KrStringList& aProblems,
+                                            const KrGenProgress& aProgress) {
   aSettings.Clear();
   aSettings.SetDevice(GetVendorName() + " " + GetModelName());
   aProblems.Clear();
   InvalidateCache(); // What the device has counts.
-  return krgenicam::SettingsStore(*mMap, aProblems).Run(krgenicam::ListSettingsOrder(*mMap), aSettings);
+  return krgenicam::SettingsStore(*mMap, aProblems, aProgress).Run(krgenicam::ListSettingsOrder(*mMap), aSettings);
 }

@@ -4,6 +4,7 @@
 
 #include "krgenicam/krgensettings.h"
 #include "map/selectorpath.h"
+#include "map/settingsprogress.h"
 
 #include <cstddef>
 #include <stop_token>
@@ -16,17 +17,19 @@ class NodeMap;
 
 /// Parameters that have the same selectors come under these together. First come those without selectors.
 ///
-/// Thread: one at a time. Ownership: borrows the map, the parameters and the list of problems.
+/// Progress counts parameters; those under positions of selectors by how many positions of the outermost are done.
+///
+/// Thread: one at a time. Ownership: borrows the map, the parameters, the list of problems and the progress.
 class SettingsStore {
 public:
   /// Combinations of positions that are visited, of all parameters together, and values that are taken.
   static constexpr std::size_t kMaxCombinations = 65536;
   static constexpr std::size_t kMaxSettings = 1'000'000;
 
-  SettingsStore(NodeMap& aMap, KrStringList& aProblems);
+  SettingsStore(NodeMap& aMap, KrStringList& aProblems, const KrGenProgress& aProgress);
 
   /// Adds the settings of the parameters. OK when all was read, and all selectors are where they were, otherwise the
-  /// first failure; Aborted when it was cancelled.
+  /// first failure; Aborted when it was cancelled, or the progress ended it.
   KrResult Run(const std::vector<KrGenParameter*>& aParameters, KrGenSettings& aSettings);
 
 private:
@@ -53,8 +56,11 @@ private:
   KrStringList& mProblems;
   std::vector<KrGenSetting> mSettings;
   std::vector<SelectorPosition> mPositions; // Where the selectors of the walk stand.
+  SettingsProgress mProgress;
+  std::size_t mGroupsDone = 0; // The parameters of the groups that are done.
   std::size_t mCombinations = 0;
-  bool mIsEnded = false; // A limit was reached, the device does not answer any more, or it was cancelled.
+  bool mIsEnded = false;  // A limit was reached, the device does not answer any more, or it was cancelled.
+  bool mIsSilent = false; // A selector was not put back in time after the end: no other is tried.
   KrResult mFirstFailure;
 };
 

@@ -88,3 +88,17 @@ TEST(KrTurnMutex, Lock_TakenAgainByWhoGaveItUp_IsHadAfterAllWhoWait) {
 
   EXPECT_EQ(order.size(), kThreads);
 }
+
+TEST(KrTurnMutex, TryLock_HeldOrFree_IsHadWithoutWaitingWhereItIsFree) {
+  KrTurnMutex lock;
+
+  const bool isHad = lock.try_lock();
+  const bool isHadTwice = lock.try_lock();
+  lock.unlock();
+  const bool isHadAgain = lock.try_lock();
+  lock.unlock();
+
+  EXPECT_TRUE(isHad);
+  EXPECT_FALSE(isHadTwice);
+  EXPECT_TRUE(isHadAgain);
+}

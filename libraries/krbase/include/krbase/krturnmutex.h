@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <mutex>
+#include <utility>
 
 /// Thread: any; not recursive. Used as std::mutex is, with std::lock_guard and std::unique_lock.
 class KrTurnMutex {
@@ -25,6 +26,12 @@ public:
     mLast = &self;
     ++mWaiting;
     self.turn.wait(guard, [&self] { return self.hasTurn; });
+  }
+
+  /// Takes it if nobody has it; does not wait.
+  bool try_lock() {
+    const std::lock_guard guard(mGuard);
+    return !std::exchange(mIsHeld, true);
   }
 
   /// Hands it over to who has waited longest.

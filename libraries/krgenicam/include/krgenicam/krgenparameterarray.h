@@ -90,11 +90,14 @@ public:
 
   /// Takes the values of all streamable parameters, under all positions of their selectors, which are put back
   /// afterwards. aProblems names what could not be read, and why; OK when everything could, else the first failure.
-  KrResult StoreSettings(KrGenSettings& aSettings, KrStringList& aProblems);
+  /// Aborted when aProgress ended it, with what had been taken; it is asked between two parameters.
+  KrResult StoreSettings(KrGenSettings& aSettings, KrStringList& aProblems, const KrGenProgress& aProgress = {});
   /// Sets values in their order, in several passes where one depends on another, then reads all of them back. aProblems
   /// names what could not be set, or is not what was set, and why; OK when all is as stored, else the first failure.
-  /// What can be set is set in any case.
-  KrResult RestoreSettings(const KrGenSettings& aSettings, KrStringList& aProblems);
+  /// What can be set is set in any case. Aborted when aProgress ended it, which is asked between two settings: what was
+  /// set stays set, and the selectors are put where the settings leave them if the device still answers.
+  KrResult RestoreSettings(const KrGenSettings& aSettings, KrStringList& aProblems,
+                           const KrGenProgress& aProgress = {});
 
   /// Ends the accesses that are under way with Aborted, at once; later ones are not touched.
   void Cancel();

@@ -5,9 +5,15 @@
 #include "krbase/krresult.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+/// Hears how far the storing or restoring of settings has come, in units of its own: aDone never falls, aTotal stays.
+/// False ends the work. Called on the thread that stores or restores, with no lock held; it may use the array. What it
+/// throws is logged and counts as false.
+using KrGenProgress = std::function<bool(std::size_t aDone, std::size_t aTotal)>;
 
 /// One step: a parameter and its value as text (KrGenParameter::ToString). Selectors are steps too, and come before
 /// what they select.

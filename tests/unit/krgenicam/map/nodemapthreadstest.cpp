@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -80,4 +81,76 @@ TEST(NodeMapThreads, RegisteringAndUnregistering_WhileValuesChange_CallsNobodyWh
     ASSERT_TRUE(camera.Integer("Sum").UnregisterEventSink(&sink).IsOK());
     isThere = false;
   }
+}
+
+namespace {
+
+// A read of a register that lasts until it is let go.
+class LastingRead {
+public:
+  LastingRead(ChangingCamera& aCamera, const char* aName, std::uint64_t aAddress) {
+    aCamera.port.SetFault([this, aAddress](const RegisterAccessRecord& aRecord) {
+      if (aRecord.address == aAddress) {
+        mHasBegun.set_value();
+        mMayEnd.get_future().wait();
+      }
+      return KrResult();
+    });
+    mThread = std::jthread([this, &aCamera, aName] {
+      std::int64_t value = 0;
+      EXPECT_TRUE(aCamera.Integer(aName).GetValue(value).IsOK());
+    });
+    EXPECT_EQ(mHasBegun.get_future().wait_for(kPatience), std::future_status::ready);
+    // The accesses that come later are as ever; the port's lock is held by the one that lasts.
+    mLift = std::jthread([&aCamera] { aCamera.port.SetFault({}); });
+  }
+  void End() {
+    mMayEnd.set_value();
+    mThread.join();
+    mLift.join();
+  }
+
+private:
+  std::promise<void> mHasBegun;
+  std::promise<void> mMayEnd;
+  std::jthread mThread;
+  std::jthread mLift;
+};
+
+} // namespace
+
+TEST(NodeMapThreads, RegisteringAndAskingForTexts_WhileARegisterIsRead_DoesNotWaitForIt) {
+  ChangingCamera camera(kNodes);
+  RecordingSink sink;
+  LastingRead read(camera, "A", 0x100);
+
+  sink.Listen(camera.Integer("B")); // One that waits would wait for ever.
+  KrString name;
+  KrGenVisibility visibility = KrGenVisibility::Invisible;
+  KrGenParameterList selectors;
+  EXPECT_TRUE(camera.Integer("B").GetDisplayName(name).IsOK());
+  EXPECT_TRUE(camera.Integer("B").GetVisibility(visibility).IsOK());
+  EXPECT_TRUE(camera.Integer("Selected").GetSelectingParameters(selectors).IsOK());
+  EXPECT_TRUE(camera.Integer("B").IsVisible(KrGenVisibility::Guru));
+  EXPECT_TRUE(camera.Integer("B").UnregisterEventSink(&sink).IsOK());
+  EXPECT_TRUE(camera.Integer("B").RegisterEventSink(&sink).IsOK());
+  read.End();
+
+  EXPECT_EQ(name, "B");
+  EXPECT_EQ(selectors.GetCount(), 1u);
+}
+
+TEST(NodeMapThreads, SinkRegisteredWhileARegisterIsRead_KnowsWhatWasRememberedThen) {
+  ChangingCamera camera(kNodes);
+  EXPECT_EQ(Read(camera.Integer("B"), &KrGenInteger::GetValue), 0);
+  RecordingSink sink;
+  LastingRead read(camera, "A", 0x100);
+
+  sink.Listen(camera.Integer("B"));
+  read.End();
+  camera.Poke(0x104, {7});
+  camera.array->InvalidateCache();
+
+  sink.WaitForCalls(1);
+  EXPECT_EQ(Read(camera.Integer("B"), &KrGenInteger::GetValue), 7);
 }
