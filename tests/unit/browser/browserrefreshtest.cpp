@@ -1,0 +1,351 @@
+#include "logic/browser/browserrefresh.h"
+
+#include "browsedcamera.h"
+#include "krbase/krlogger.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace krgui {
+
+namespace {
+
+constexpr std::size_t kFeatures = 40;
+constexpr int kPolled = 0x1000;
+
+std::string GetFeatureName(std::size_t aIndex) {
+  return "F" + std::to_string(aIndex);
+}
+
+constexpr std::uint64_t GetAddress(std::size_t aIndex) {
+  return aIndex * 8;
+}
+
+// As many plain registers, and one that the device is to be polled for.
+std::string MakeNodes() {
+  std::string nodes;
+  for (std::size_t i = 0; i < kFeatures; ++i) {
+    nodes += MakeInteger(GetFeatureName(i), static_cast<int>(GetAddress(i)));
+  }
+  return nodes + "<IntReg Name=\"Polled\"><Address>" + std::to_string(kPolled) +
+         "</Address><Length>8</Length><AccessMode>RO</AccessMode><pPort>Device</pPort><PollingTime>1</PollingTime>"
+         "<Endianess>LittleEndian</Endianess></IntReg>\n";
+}
+
+// Lets the device answer for one address only when it is opened. Whoever waits at it holds the array.
+class Gate {
+public:
+  explicit Gate(std::uint64_t aAddress) : mAddress(aAddress) {}
+
+  KrResult Pass(const RegisterAccessRecord& aAccess) {
+    std::unique_lock lock(mMutex);
+    mChanged.wait(lock, [&] { return mIsOpen || aAccess.address != mAddress; });
+    return {};
+  }
+  void Open() {
+    const std::lock_guard lock(mMutex);
+    mIsOpen = true;
+    mChanged.notify_all();
+  }
+
+private:
+  const std::uint64_t mAddress;
+  std::mutex mMutex; // Guards mIsOpen.
+  std::condition_variable mChanged;
+  bool mIsOpen = false;
+};
+
+// A refresh of a camera whose features are all in the tree, in their order.
+class BrowserRefreshTest : public testing::Test {
+protected:
+  void AddRows(std::size_t aCount = kFeatures) {
+    for (std::size_t i = 0; i < aCount; ++i) {
+      (void)mCamera.Node(GetFeatureName(i).c_str());
+    }
+  }
+  TreeItemData& Row(std::size_t aIndex) { return *mCamera.tree.GetFeatures()[aIndex]; }
+  GridItem Item(std::size_t aIndex) { return Row(aIndex).GetItem(); }
+  std::vector<GridItem> AllItems() {
+    std::vector<GridItem> items;
+    for (const auto& feature : mCamera.tree.GetFeatures()) {
+      items.push_back(feature->GetItem());
+    }
+    return items;
+  }
+  void Start(KrGenRefresh aMode) { mRefresh.Start(aMode, *mCamera.array, mCamera.tree); }
+  std::vector<GridItem> TakeAll() {
+    std::vector<GridItem> items;
+    while (const std::optional<MessageQueue::Taken> message = mCamera.queue->Take()) {
+      items.push_back(message->Get().first);
+    }
+    return items;
+  }
+  /// Takes messages until a row has changed to a value; its text in the end.
+  std::string WaitForValue(TreeItemData& aRow, const std::string& aValue) {
+    while (aRow.GetValue(false) != KrString(aValue)) {
+      if (!mCamera.TakeChangedRow()) {
+        break;
+      }
+    }
+    return aRow.GetValue(false).ToUtf8();
+  }
+  void Close(Gate& aGate) {
+    mCamera.port.SetFault([&aGate](const RegisterAccessRecord& access) { return aGate.Pass(access); });
+  }
+
+  BrowsedCamera mCamera{MakeNodes()};
+  BrowserRefresh mRefresh{mCamera.notifier};
+};
+
+} // namespace
+
+TEST_F(BrowserRefreshTest, Manual_Start_ReadsEverythingHereAndNow) {
+  AddRows();
+
+  Start(KrGenRefresh::Manual);
+
+  EXPECT_FALSE(mRefresh.IsRunning());
+  EXPECT_TRUE(std::all_of(mCamera.tree.GetFeatures().begin(), mCamera.tree.GetFeatures().end(),
+                          [](const auto& feature) { return feature->IsRead(); }));
+  EXPECT_EQ(TakeAll(), AllItems());
+}
+
+TEST_F(BrowserRefreshTest, RefreshAll_ValueThatTheArrayRemembers_IsForgotten) {
+  TreeItemData& polled = mCamera.Node("Polled");
+  Start(KrGenRefresh::Manual);
+  mCamera.Poke(kPolled, {7});
+
+  mRefresh.RefreshAll(*mCamera.array, mCamera.tree);
+
+  EXPECT_STREQ(polled.GetValue(false).CStr(), "7 ");
+}
+
+TEST_F(BrowserRefreshTest, RefreshAll_AfterAStop_TellsOfEveryRow) {
+  AddRows();
+  Start(KrGenRefresh::Automatic);
+  mRefresh.Stop();
+  (void)TakeAll();
+
+  mRefresh.RefreshAll(*mCamera.array, mCamera.tree);
+
+  EXPECT_EQ(TakeAll(), AllItems());
+}
+
+TEST_F(BrowserRefreshTest, RefreshAll_ClosedArray_ShowsErrorsAndEnds) {
+  AddRows(3);
+  mCamera.array->Close();
+
+  mRefresh.RefreshAll(*mCamera.array, mCamera.tree);
+
+  EXPECT_TRUE(Row(0).HasError());
+  EXPECT_EQ(TakeAll(), AllItems());
+}
+
+TEST_F(BrowserRefreshTest, Threads_Begin_AreLogged) {
+  const KrLogCapture capture;
+  AddRows(1);
+
+  Start(KrGenRefresh::Automatic);
+  mRefresh.Stop();
+  Start(KrGenRefresh::Polling);
+  mRefresh.Stop();
+
+  EXPECT_TRUE(capture.Contains(KrLogLevel::Info, "GenICam browser thread (auto) started"));
+  EXPECT_TRUE(capture.Contains(KrLogLevel::Info, "GenICam browser thread (polling) started"));
+}
+
+TEST_F(BrowserRefreshTest, Automatic_NothingOnTheScreen_ReadsEveryRowOnceInItsOrder) {
+  AddRows();
+
+  Start(KrGenRefresh::Automatic);
+
+  EXPECT_EQ(mCamera.TakeChangedRows(kFeatures), AllItems());
+  EXPECT_TRUE(mRefresh.IsRunning());
+}
+
+TEST_F(BrowserRefreshTest, Automatic_RowsOnTheScreen_AreReadFirst) {
+  AddRows();
+  Row(20).SetOnScreen(true);
+  Row(30).SetOnScreen(true);
+  std::vector<GridItem> expected = {Item(20), Item(30)};
+  for (std::size_t i = 0; i < kFeatures; ++i) {
+    if (i != 20 && i != 30) {
+      expected.push_back(Item(i));
+    }
+  }
+
+  Start(KrGenRefresh::Automatic);
+
+  EXPECT_EQ(mCamera.TakeChangedRows(kFeatures), expected);
+}
+
+TEST_F(BrowserRefreshTest, Automatic_RowsThatComeOntoTheScreenMeanwhile_AreReadNext) {
+  AddRows();
+  Gate gate(GetAddress(5));
+  Close(gate);
+  Start(KrGenRefresh::Automatic);
+
+  // Whichever rows were read before the gate, row 5 is not among them, so at most that one comes before.
+  Row(35).SetOnScreen(true);
+  mRefresh.WakeUp();
+  gate.Open();
+
+  const std::vector<GridItem> order = mCamera.TakeChangedRows(kFeatures);
+  const auto placeOf = [&](std::size_t aRow) { return std::find(order.begin(), order.end(), Item(aRow)); };
+  EXPECT_LT(placeOf(35), placeOf(6));
+  EXPECT_NE(placeOf(6), order.end());
+}
+
+TEST_F(BrowserRefreshTest, Automatic_RowOnTheScreen_IsReadAgainAfterAWakeUpAndOthersAreNot) {
+  AddRows();
+  Row(3).SetOnScreen(true);
+  Start(KrGenRefresh::Automatic);
+  (void)mCamera.TakeChangedRows(kFeatures);
+  mCamera.Poke(GetAddress(2), {9});
+  mCamera.Poke(GetAddress(3), {9});
+
+  mRefresh.WakeUp();
+
+  EXPECT_EQ(WaitForValue(Row(3), "9 "), "9 ");
+  mRefresh.Stop();
+  EXPECT_STREQ(Row(2).GetValue(false).CStr(), "0 ");
+}
+
+TEST_F(BrowserRefreshTest, Automatic_RowOnTheScreen_IsReadAgainWithoutAWakeUp) {
+  AddRows(2);
+  Row(1).SetOnScreen(true);
+  Start(KrGenRefresh::Automatic);
+  (void)mCamera.TakeChangedRows(2);
+
+  mCamera.Poke(GetAddress(1), {4});
+
+  EXPECT_EQ(WaitForValue(Row(1), "4 "), "4 ");
+}
+
+TEST_F(BrowserRefreshTest, Automatic_ManyWakeUps_StillReadEveryRowOnceAPass) {
+  AddRows();
+  Start(KrGenRefresh::Automatic);
+
+  for (int i = 0; i < 10000; ++i) {
+    mRefresh.WakeUp();
+  }
+
+  const std::vector<GridItem> rows = mCamera.TakeChangedRows(kFeatures);
+  EXPECT_THAT(rows, testing::UnorderedElementsAreArray(AllItems()));
+  mRefresh.Stop();
+  EXPECT_TRUE(TakeAll().empty());
+}
+
+TEST_F(BrowserRefreshTest, Automatic_EmptyTree_RunsUntilItIsStopped) {
+  Start(KrGenRefresh::Automatic);
+  EXPECT_TRUE(mRefresh.IsRunning());
+
+  mRefresh.Stop();
+
+  EXPECT_FALSE(mRefresh.IsRunning());
+}
+
+TEST_F(BrowserRefreshTest, Automatic_DeviceThatDoesNotAnswer_ShowsTheErrorInEachRow) {
+  mCamera.port.SetFault(
+      [](const RegisterAccessRecord&) { return KrResult(KrResult::Code::TimeLimitExceeded, "late"); });
+  AddRows(4);
+
+  Start(KrGenRefresh::Automatic);
+
+  (void)mCamera.TakeChangedRows(4);
+  EXPECT_TRUE(Row(3).HasError());
+}
+
+TEST_F(BrowserRefreshTest, Polling_Start_ReadsEveryRowOnceInItsOrder) {
+  AddRows();
+
+  Start(KrGenRefresh::Polling);
+
+  EXPECT_EQ(mCamera.TakeChangedRows(kFeatures), AllItems());
+}
+
+TEST_F(BrowserRefreshTest, Polling_ValuesThatChangeInTheDevice_ReachOnlyThoseThatArePolled) {
+  AddRows(2);
+  TreeItemData& polled = mCamera.Node("Polled");
+  Row(0).SetOnScreen(true);
+  Start(KrGenRefresh::Polling);
+  (void)mCamera.TakeChangedRows(3);
+  mCamera.Poke(GetAddress(0), {5});
+
+  mCamera.Poke(kPolled, {1});
+  EXPECT_EQ(WaitForValue(polled, "1 "), "1 ");
+  mCamera.Poke(kPolled, {2});
+  EXPECT_EQ(WaitForValue(polled, "2 "), "2 ");
+
+  mRefresh.Stop();
+  EXPECT_STREQ(Row(0).GetValue(false).CStr(), "0 ");
+}
+
+TEST_F(BrowserRefreshTest, Stop_WithoutAThread_DoesNothing) {
+  mRefresh.Stop();
+
+  EXPECT_FALSE(mRefresh.IsRunning());
+}
+
+TEST_F(BrowserRefreshTest, Stop_WhileTheDeviceIsWaitedFor_EndsAfterThatReading) {
+  AddRows();
+  Gate gate(GetAddress(5));
+  Close(gate);
+  Start(KrGenRefresh::Automatic);
+  std::thread opener([&] { gate.Open(); });
+
+  mRefresh.Stop();
+
+  opener.join();
+  EXPECT_FALSE(mRefresh.IsRunning());
+}
+
+TEST_F(BrowserRefreshTest, StartAndStop_AgainAndAgainInEveryMode_LeavesNothingRunning) {
+  AddRows();
+  Row(1).SetOnScreen(true);
+
+  for (int i = 0; i < 200; ++i) {
+    Start(i % 2 == 0 ? KrGenRefresh::Automatic : KrGenRefresh::Polling);
+    mRefresh.WakeUp();
+    mRefresh.Stop();
+    ASSERT_FALSE(mRefresh.IsRunning());
+  }
+  Start(KrGenRefresh::Manual);
+
+  EXPECT_TRUE(Row(kFeatures - 1).IsRead());
+}
+
+TEST_F(BrowserRefreshTest, Destruction_WhileItRuns_EndsTheThread) {
+  AddRows();
+  {
+    BrowserRefresh refresh(mCamera.notifier);
+    refresh.Start(KrGenRefresh::Automatic, *mCamera.array, mCamera.tree);
+  }
+  (void)TakeAll();
+
+  mCamera.tree.Clear();
+
+  EXPECT_TRUE(TakeAll().empty());
+}
+
+TEST_F(BrowserRefreshTest, Automatic_RowsComingAndGoingFast_ShowTheLastValueInTheEnd) {
+  AddRows();
+  Start(KrGenRefresh::Automatic);
+
+  for (std::size_t i = 0; i < 2000; ++i) {
+    Row(i % kFeatures).SetOnScreen(i % 3 == 0);
+    mRefresh.WakeUp();
+    mCamera.Poke(GetAddress(i % kFeatures), {static_cast<std::uint8_t>(i)});
+  }
+  Row(7).SetOnScreen(true);
+  mCamera.Poke(GetAddress(7), {99});
+  mRefresh.WakeUp();
+
+  EXPECT_EQ(WaitForValue(Row(7), "99 "), "99 ");
+}
+
+} // namespace krgui
