@@ -1,8 +1,12 @@
 #include "browser/gridpainter.h"
 
+#include "platform/systemcolours.h"
+#include "res/bitmaps.h"
+
 #include <QPainter>
 #include <QStyle>
 #include <QTextLayout>
+#include <QWidget>
 
 #include <algorithm>
 #include <utility>
@@ -15,6 +19,7 @@ namespace {
 constexpr int kIconGap = 2;
 /// Around the name of a selected category.
 constexpr int kSelectionMargin = 2;
+constexpr int kGlyphSize = 9;
 
 QRect ToQRect(const GridRect& aRect) {
   return {QPoint(aRect.left, aRect.top), QPoint(aRect.right - 1, aRect.bottom - 1)};
@@ -25,7 +30,28 @@ QFont MakeBold(QFont aFont) {
   return aFont;
 }
 
+/// A glyph that points at the name points the other way where the name is on the other side.
+QPixmap CutGlyph(const QImage& aGlyphs, int aIndex, Qt::LayoutDirection aDirection) {
+  const QImage glyph = CutBitmap(aGlyphs, QRect(aIndex * kGlyphSize, 0, kGlyphSize, kGlyphSize));
+  return QPixmap::fromImage(glyph.mirrored(aDirection == Qt::RightToLeft, false));
+}
+
 } // namespace
+
+GridLook MakeGridLook(const QWidget& aWidget, bool aHasFocus) {
+  GridLook look;
+  look.colours = MakeGridColours(aWidget.palette());
+  look.font = aWidget.font();
+  look.direction = aWidget.layoutDirection();
+  look.hasFocus = aHasFocus;
+  const double ratio = aWidget.devicePixelRatioF();
+  const BitmapGround ground = IsDarkPalette(aWidget.palette()) ? BitmapGround::Dark : BitmapGround::Light;
+  look.errorIcon = QPixmap::fromImage(LoadBitmap(kErrorBitmapID, ratio, ground));
+  const QImage glyphs = LoadBitmap(kGlyphsBitmapID, ratio, ground);
+  look.closedGlyph = CutGlyph(glyphs, 0, look.direction);
+  look.openGlyph = CutGlyph(glyphs, 1, look.direction);
+  return look;
+}
 
 GridPainter::GridPainter(GridLook aLook)
     : mLook(std::move(aLook)), mBoldFont(MakeBold(mLook.font)), mMetrics(mLook.font), mBoldMetrics(mBoldFont) {}
@@ -47,7 +73,7 @@ QRect GridPainter::Place(const GridRow& aRow, const GridRect& aRect) const {
 void GridPainter::PaintCategory(QPainter& aPainter, const GridRow& aRow) const {
   const GridColours& colours = mLook.colours;
   aPainter.fillRect(ToQRect(aRow.geometry.row), colours.face);
-  PaintGlyph(aPainter, Place(aRow, aRow.geometry.GetGlyph()), aRow.isOpen);
+  aPainter.drawPixmap(Place(aRow, aRow.geometry.GetGlyph()), aRow.isOpen ? mLook.openGlyph : mLook.closedGlyph);
   aPainter.setFont(mLook.font);
   const QRect nameRect = Place(aRow, aRow.geometry.GetCategoryName());
   const QString name = mMetrics.elidedText(aRow.name, Qt::ElideRight, nameRect.width());
@@ -60,17 +86,6 @@ void GridPainter::PaintCategory(QPainter& aPainter, const GridRow& aRow) const {
   aPainter.setPen(aRow.isSelected ? MakeReadable(colours.highlightText, colours.highlight)
                                   : MakeReadable(colours.greyText, colours.face));
   PaintText(aPainter, nameRect, name);
-}
-
-void GridPainter::PaintGlyph(QPainter& aPainter, const QRect& aGlyph, bool aIsOpen) const {
-  const GridColours& colours = mLook.colours;
-  const QColor line = MakeReadable(colours.greyText, colours.window);
-  aPainter.fillRect(aGlyph, line);
-  aPainter.fillRect(aGlyph.adjusted(1, 1, -1, -1), colours.window);
-  const QPoint centre = aGlyph.center();
-  aPainter.fillRect(QRect(aGlyph.left() + 2, centre.y(), aGlyph.width() - 4, 1), colours.text);
-  if (!aIsOpen)
-    aPainter.fillRect(QRect(centre.x(), aGlyph.top() + 2, 1, aGlyph.height() - 4), colours.text);
 }
 
 void GridPainter::PaintFeature(QPainter& aPainter, const GridRow& aRow) const {

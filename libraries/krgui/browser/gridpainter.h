@@ -14,8 +14,8 @@
 #include <optional>
 
 class QPainter;
-class QPalette;
 class QRect;
+class QWidget;
 
 namespace krgui {
 
@@ -40,16 +40,20 @@ struct GridRow {
 struct GridLook {
   GridColours colours;
   QFont font;
-  QPixmap errorIcon; ///< 16 x 16, in device-independent pixels.
+  QPixmap errorIcon;   ///< 16 x 16, in device-independent pixels.
+  QPixmap closedGlyph; ///< 9 x 9.
+  QPixmap openGlyph;
   Qt::LayoutDirection direction = Qt::LeftToRight;
   bool hasFocus = false;
 };
+
+/// As a widget's palette, font, direction and screen want it.
+GridLook MakeGridLook(const QWidget& aWidget, bool aHasFocus);
 
 class GridPainter {
 public:
   explicit GridPainter(GridLook aLook);
 
-  void SetFocused(bool aHasFocus) { mLook.hasFocus = aHasFocus; }
   void Paint(QPainter& aPainter, const GridRow& aRow) const;
   /// How many characters of a text can be seen in so many pixels: longer texts are cut before they are measured.
   static int GetMostCharacters(int aWidth) { return aWidth > 0 ? aWidth + 1 : 1; }
@@ -57,7 +61,6 @@ public:
 private:
   void PaintCategory(QPainter& aPainter, const GridRow& aRow) const;
   void PaintFeature(QPainter& aPainter, const GridRow& aRow) const;
-  void PaintGlyph(QPainter& aPainter, const QRect& aGlyph, bool aIsOpen) const;
   void PaintLines(QPainter& aPainter, const GridRow& aRow) const;
   void PaintName(QPainter& aPainter, const GridRow& aRow, const QColor& aGround) const;
   void PaintText(QPainter& aPainter, const QRect& aRect, const QString& aText) const;

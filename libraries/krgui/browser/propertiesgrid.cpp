@@ -1,5 +1,6 @@
 #include "browser/propertiesgrid.h"
 
+#include "browser/gridaccessible.h"
 #include "browser/gridmodel.h"
 #include "logic/browser/shownvalue.h"
 #include "platform/plainline.h"
@@ -67,6 +68,7 @@ PropertiesGrid::PropertiesGrid(QWidget* aParent, std::shared_ptr<MessageQueue> a
     : QTreeView(aParent), mQueue(aQueue ? aQueue : std::make_shared<MessageQueue>()),
       mTree(std::make_unique<BrowserTree>(RowNotifier(mQueue))), mModel(new GridModel(*mTree, this)), mMenu(*mTree),
       mBoundary(*viewport(), [this] { MoveBoundary(); }) {
+  GridAccessible::Install();
   setObjectName(QStringLiteral("propertiesGrid"));
   setAccessibleName(QStringLiteral("Features"));
   setModel(mModel);
@@ -182,8 +184,10 @@ void PropertiesGrid::HandleRowChanged(GridItem aItem) {
     if (!living)
       return;
   }
-  if (isOnScreen)
+  if (isOnScreen) {
     RepaintRow(aItem);
+    GridAccessible::TellValueChanged(*this, aItem);
+  }
 }
 
 void PropertiesGrid::RepaintRow(GridItem aItem) {
@@ -325,8 +329,11 @@ QRect PropertiesGrid::GetEditorRect(GridItem aItem) const {
 }
 
 const GridPainter& PropertiesGrid::GetPainter() const {
-  if (!mPainter)
-    mPainter.emplace(GridLook{MakeGridColours(palette()), font(), QPixmap(), layoutDirection(), hasFocus()});
+  const double ratio = devicePixelRatioF();
+  if (!mPainter || mPainterRatio != ratio) {
+    mPainter.emplace(MakeGridLook(*this, hasFocus()));
+    mPainterRatio = ratio;
+  }
   return *mPainter;
 }
 
@@ -345,7 +352,7 @@ GridRow PropertiesGrid::MakeRow(GridItem aItem, const QRect& aRow) const {
     return row;
   }
   const RowSnapshot snapshot = node.GetSnapshot();
-  if (mEditors->GetEdited() != aItem)
+  if (GetEdited() != aItem)
     row.value = ToShortLine(GetShownValue(snapshot), aRow.width());
   row.tint = FindTint(node);
   row.isBold = node.IsSelector();

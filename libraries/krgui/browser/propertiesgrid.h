@@ -53,6 +53,8 @@ public:
   /// Lower case; empty for none. Does not repaint.
   void SetSearchText(const KrString& aText) { mSearchText = aText; }
   GridItem GetSelected() const { return GetSelectedItem(); }
+  /// The row that an editor is open on; kNoItem for none.
+  GridItem GetEdited() const { return mEditors->GetEdited(); }
   /// Selects a row, opens its parents and brings it into view; kNoItem selects none.
   void Select(GridItem aItem);
   void ExpandAll() { SetAllOpen(true); }
@@ -147,6 +149,7 @@ private:
   std::shared_ptr<GridSelection> mSelection = std::make_shared<GridSelection>();
   std::function<void()> mScreenHandler;
   mutable std::optional<GridPainter> mPainter; ///< None after a change of the look.
+  mutable double mPainterRatio = 0;            ///< Of the screen that it paints for.
   QSocketNotifier* mNotifier = nullptr;        ///< A child; null where a window hands over messages.
   KrGenVisibility mVisibility = KrGenVisibility::Beginner;
   KrString mSearchText;
