@@ -1,6 +1,7 @@
 #include "browser/gridmenu.h"
 
 #include "frame/contextmenu.h"
+#include "platform/toqstring.h"
 #include "res/menus.h"
 
 #include <QClipboard>
@@ -44,7 +45,7 @@ std::optional<KrString> FindPart(const BrowserTree& aTree, GridItem aItem, RowPa
 bool CopyRowPart(const BrowserTree& aTree, GridItem aItem, RowPart aPart) {
   const std::optional<KrString> text = FindPart(aTree, aItem, aPart);
   if (text)
-    QGuiApplication::clipboard()->setText(QString::fromStdU16String(text->ToWide()));
+    QGuiApplication::clipboard()->setText(ToQString(*text));
   return text.has_value();
 }
 

@@ -203,8 +203,15 @@ void PropertiesGrid::PostRowOfSelected() {
     mQueue->PostOnce({kRowChangedMessage, item, 1});
 }
 
+/// An editor that is not open would be opened first, for which the device is asked.
 void PropertiesGrid::PostReposition() {
-  mQueue->PostOnce({kRepositionEditorMessage, 0, 0});
+  if (GetEdited() != kNoItem)
+    mQueue->PostOnce({kRepositionEditorMessage, 0, 0});
+}
+
+void PropertiesGrid::RepositionEditor() {
+  if (GetEdited() != kNoItem)
+    mEditors->Reposition(false);
 }
 
 GridItem PropertiesGrid::GetSelectedItem() const {
@@ -392,7 +399,7 @@ void PropertiesGrid::scrollContentsBy(int aX, int aY) {
     return;
   }
   MarkOnScreen();
-  mEditors->Reposition(false);
+  RepositionEditor();
 }
 
 void PropertiesGrid::resizeEvent(QResizeEvent* aEvent) {
@@ -428,7 +435,7 @@ void PropertiesGrid::FitColumns() {
 
 void PropertiesGrid::MoveBoundary() {
   FitColumns();
-  mEditors->Reposition(false);
+  RepositionEditor();
   Repaint();
   PostReposition();
 }

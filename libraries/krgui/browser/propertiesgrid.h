@@ -121,6 +121,7 @@ private:
   void HandleRowChanged(GridItem aItem);
   void PostRowOfSelected();
   void PostReposition();
+  void RepositionEditor();
   void SelectItem(GridItem aItem);
   void SetAllOpen(bool aIsOpen);
   void TellRowsMoved();

@@ -3,6 +3,7 @@
 #include "browser/gridmodel.h"
 #include "browser/propertiesgrid.h"
 #include "logic/browser/gridtools.h"
+#include "platform/toqstring.h"
 
 #include <QContextMenuEvent>
 #include <QHelpEvent>
@@ -48,7 +49,7 @@ void PropertiesGrid::ShowToolTip(const QPoint& aPoint, const QPoint& aScreenPoin
     area = QStyle::visualRect(layoutDirection(), row,
                               QRect(QPoint(icon.left, icon.top), QPoint(icon.right - 1, icon.bottom - 1)));
   // Tooltips take what looks like markup for it: every letter is to be seen as it is.
-  const QString plain = QString::fromStdU16String(text.ToWide());
+  const QString plain = ToQString(text);
   QToolTip::showText(aScreenPoint, Qt::convertFromPlainText(plain, Qt::WhiteSpaceNormal), viewport(), area);
 }
 
