@@ -93,10 +93,11 @@ protected:
     }
     return aRow.GetValue(false).ToUtf8();
   }
-  void Close(Gate& aGate) {
-    mCamera.port.SetFault([&aGate](const RegisterAccessRecord& access) { return aGate.Pass(access); });
+  void CloseGate() {
+    mCamera.port.SetFault([this](const RegisterAccessRecord& access) { return mGate.Pass(access); });
   }
 
+  Gate mGate{GetAddress(5)}; // Outlives the camera, whose threads may be in it.
   BrowsedCamera mCamera{MakeNodes()};
   BrowserRefresh mRefresh{mCamera.notifier};
 };
@@ -185,14 +186,13 @@ TEST_F(BrowserRefreshTest, Automatic_RowsOnTheScreen_AreReadFirst) {
 
 TEST_F(BrowserRefreshTest, Automatic_RowsThatComeOntoTheScreenMeanwhile_AreReadNext) {
   AddRows();
-  Gate gate(GetAddress(5));
-  Close(gate);
+  CloseGate();
   Start(KrGenRefresh::Automatic);
 
   // Whichever rows were read before the gate, row 5 is not among them, so at most that one comes before.
   Row(35).SetOnScreen(true);
   mRefresh.WakeUp();
-  gate.Open();
+  mGate.Open();
 
   const std::vector<GridItem> order = mCamera.TakeChangedRows(kFeatures);
   const auto placeOf = [&](std::size_t aRow) { return std::find(order.begin(), order.end(), Item(aRow)); };
@@ -293,10 +293,9 @@ TEST_F(BrowserRefreshTest, Stop_WithoutAThread_DoesNothing) {
 
 TEST_F(BrowserRefreshTest, Stop_WhileTheDeviceIsWaitedFor_EndsAfterThatReading) {
   AddRows();
-  Gate gate(GetAddress(5));
-  Close(gate);
+  CloseGate();
   Start(KrGenRefresh::Automatic);
-  std::thread opener([&] { gate.Open(); });
+  std::thread opener([this] { mGate.Open(); });
 
   mRefresh.Stop();
 
