@@ -69,6 +69,7 @@ PropertiesGrid::PropertiesGrid(QWidget* aParent, std::shared_ptr<MessageQueue> a
       mTree(std::make_unique<BrowserTree>(RowNotifier(mQueue))), mModel(new GridModel(*mTree, this)), mMenu(*mTree),
       mBoundary(*viewport(), [this] { MoveBoundary(); }) {
   GridAccessible::Install();
+  mEditors = std::make_unique<GridEditors>(static_cast<IEditorHost&>(*this));
   setObjectName(QStringLiteral("propertiesGrid"));
   setAccessibleName(QStringLiteral("Features"));
   setModel(mModel);
@@ -86,7 +87,6 @@ PropertiesGrid::PropertiesGrid(QWidget* aParent, std::shared_ptr<MessageQueue> a
   header()->setMinimumSectionSize(0);
   header()->setStretchLastSection(false);
   header()->setSectionResizeMode(QHeaderView::Fixed);
-  mEditors = std::make_unique<GridEditors>(static_cast<IEditorHost&>(*this));
   FitColumns();
   if (!aQueue)
     WatchOwnQueue();
@@ -99,7 +99,8 @@ PropertiesGrid::~PropertiesGrid() {
     mNotifier->setEnabled(false);
     mQueue->Close();
   }
-  mEditors.reset();
+  mEditors->Abandon();
+  // The selection goes while there is somebody to be told.
   setModel(nullptr);
 }
 
