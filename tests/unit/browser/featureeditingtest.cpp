@@ -1,108 +1,15 @@
 #include "logic/browser/featureediting.h"
-
-#include "browsedcamera.h"
+#include "editedcamera.h"
 
 #include <gmock/gmock.h>
 
-#include <cstring>
-
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 namespace krgui {
 
 namespace {
 
-// Registers of 8 bytes, each with the feature on it.
-constexpr int kWidth = 0x00;
-constexpr int kMask = 0x08;
-constexpr int kAddress = 0x10;
-constexpr int kMAC = 0x18;
-constexpr int kMode = 0x20;
-constexpr int kFlip = 0x28;
-constexpr int kStart = 0x30;
-constexpr int kKey = 0x38;
-constexpr int kFixed = 0x40;
-constexpr int kGain = 0x48;
-constexpr int kUserID = 0x50;
-constexpr int kLock = 0x60;
-constexpr int kHas = 0x68;
-
-std::string OnRegister(const std::string& aName, const std::string& aMore = {}) {
-  return "<Integer Name=\"" + aName + "\"><pValue>" + aName + "Raw</pValue>" + aMore + "</Integer>\n";
-}
-
-// A feature of every type over registers that are read anew each time.
-const std::string kCamera =
-    MakeInteger("WidthRaw", kWidth) + OnRegister("Width", "<Min>0</Min><Max>1000</Max><Unit>px</Unit>") +
-    MakeInteger("MaskRaw", kMask) + OnRegister("Mask", "<Representation>HexNumber</Representation>") +
-    MakeInteger("GevPersistentIPAddressRaw", kAddress) + OnRegister("GevPersistentIPAddress") +
-    MakeInteger("GevMACAddressRaw", kMAC) + OnRegister("GevMACAddress") + MakeInteger("ModeRaw", kMode) + R"(
-<Integer Name="No"><Value>0</Value></Integer>
-<Enumeration Name="Mode">
-  <EnumEntry Name="Off"><ToolTip>Does nothing</ToolTip><DisplayName>Switched off</DisplayName><Value>0</Value></EnumEntry>
-  <EnumEntry Name="Old"><pIsAvailable>No</pIsAvailable><Value>1</Value></EnumEntry>
-  <EnumEntry Name="Slow"><Visibility>Expert</Visibility><Value>10</Value></EnumEntry>
-  <EnumEntry Name="Fast"><Value>-3</Value></EnumEntry>
-  <pValue>ModeRaw</pValue>
-</Enumeration>
-)" + MakeInteger("FlipRaw", kFlip) +
-    "<Boolean Name=\"Flip\"><pValue>FlipRaw</pValue></Boolean>\n" + MakeInteger("StartRaw", kStart) +
-    "<Command Name=\"Start\"><pValue>StartRaw</pValue><CommandValue>5</CommandValue></Command>\n" +
-    MakeInteger("Has", kHas) +
-    "<Command Name=\"Stop\"><pIsAvailable>Has</pIsAvailable><pValue>StartRaw</pValue><CommandValue>6</CommandValue>"
-    "</Command>\n" +
-    MakeInteger("Key", kKey, "WO") + MakeInteger("Fixed", kFixed, "RO") + R"(
-<FloatReg Name="GainRaw"><Address>0x48</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
-  <Cachable>NoCache</Cachable><Endianess>LittleEndian</Endianess></FloatReg>
-<Float Name="Gain"><pValue>GainRaw</pValue><Unit>dB</Unit></Float>
-<StringReg Name="UserID"><Address>0x50</Address><Length>16</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
-  <Cachable>NoCache</Cachable></StringReg>
-<Register Name="Table"><Address>0x80</Address><Length>16</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>
-)" + MakeInteger("Lock", kLock) +
-    OnRegister("Stepped", "<Min>0</Min><Max>10</Max><Inc>3</Inc>") + MakeInteger("SteppedRaw", 0x70) +
-    OnRegister("Bounded", "<pMax>WidthRaw</pMax>") + MakeInteger("BoundedRaw", 0x78) +
-    "<Integer Name=\"Locked\"><pIsLocked>Lock</pIsLocked><pValue>WidthRaw</pValue></Integer>\n" +
-    MakeCategory("Root", {"Width", "Mask", "GevPersistentIPAddress", "GevMACAddress", "Mode", "Flip", "Start", "Stop",
-                          "Key", "Fixed", "Gain", "UserID", "Table", "Stepped", "Bounded", "Locked"});
-
-class FeatureEditing : public testing::Test {
-protected:
-  void SetInteger(int aAddress, std::int64_t aValue) {
-    ASSERT_TRUE(mCamera.memory.Write(static_cast<std::uint64_t>(aAddress), &aValue, sizeof aValue, 1000).IsOK());
-  }
-  void SetFloat(double aValue) { ASSERT_TRUE(mCamera.memory.Write(kGain, &aValue, sizeof aValue, 1000).IsOK()); }
-  void SetText(const char* aText) {
-    ASSERT_TRUE(mCamera.memory.Write(kUserID, aText, std::strlen(aText) + 1, 1000).IsOK());
-  }
-  std::int64_t GetInteger(int aAddress) {
-    std::int64_t value = 0;
-    EXPECT_TRUE(mCamera.memory.Read(static_cast<std::uint64_t>(aAddress), &value, sizeof value, 1000).IsOK());
-    return value;
-  }
-  void RefuseWrites() {
-    mCamera.port.SetFault([](const RegisterAccessRecord& access) {
-      return access.isWrite ? KrResult(KrResult::Code::AccessDenied, "The device refuses.") : KrResult();
-    });
-  }
-  /// Opens the editor, as a user does, then writes.
-  EditOutcome Edit(const char* aFeature, const EditInput& aInput) {
-    TreeItemData& node = mCamera.Node(aFeature);
-    (void)ChooseEditor(node);
-    return WriteEdit(node, aInput, mFailure);
-  }
-
-  BrowsedCamera mCamera{kCamera};
-  KrResult mFailure;
-};
-
-EditInput Typed(EditorKind aKind, const char* aText) {
-  return {.kind = aKind, .text = aText, .isDirty = true};
-}
-
-EditInput Chosen(const char* aText, std::int64_t aValue) {
-  return {.kind = EditorKind::Choice, .text = aText, .choice = aValue, .hasChoice = true};
-}
+using FeatureEditing = EditedCameraTest;
 
 struct EditorRow {
   const char* feature;
@@ -123,74 +30,6 @@ constexpr EditorRow kEditorRows[] = {
     {"Gain", EditorKind::Number, false},
     {"UserID", EditorKind::Text, false},
     {"Table", EditorKind::None, false},
-};
-
-struct WriteRow {
-  const char* name;
-  const char* feature;
-  EditInput input;
-  EditOutcome outcome;
-  const char* shown; ///< The node's value afterwards.
-};
-
-// Width is 640, Mask 255, the address 192.168.0.1, Mode Off, Flip true, Gain a third, UserID "Cam".
-const std::vector<WriteRow> kWriteRows = {
-    {"an integer", "Width", Typed(EditorKind::Number, "800"), EditOutcome::Written, "800"},
-    {"an integer with a unit behind it", "Width", Typed(EditorKind::Number, "800 px"), EditOutcome::Written, "800 px"},
-    {"the integer that is there", "Width", Typed(EditorKind::Number, "640"), EditOutcome::NothingWritten, "640 px"},
-    {"no integer", "Width", Typed(EditorKind::Number, "wide"), EditOutcome::NothingWritten, "640 px"},
-    {"an empty number", "Width", Typed(EditorKind::Number, ""), EditOutcome::NothingWritten, "640 px"},
-    {"an edit box that the user did not change",
-     "Width",
-     {.kind = EditorKind::Number, .text = "800"},
-     EditOutcome::NothingWritten,
-     "640 px"},
-    {"an integer that is too large", "Width", Typed(EditorKind::Number, "1001"), EditOutcome::Failed, "640 px"},
-    {"hexadecimal with a prefix", "Mask", Typed(EditorKind::Number, "0x1f"), EditOutcome::Written, "0x1f"},
-    {"hexadecimal without a prefix", "Mask", Typed(EditorKind::Number, "1f"), EditOutcome::Written, "1f"},
-    {"no hexadecimal number", "Mask", Typed(EditorKind::Number, "zz"), EditOutcome::NothingWritten, "0xFF "},
-    {"the hexadecimal number that is there", "Mask", Typed(EditorKind::Number, "ff"), EditOutcome::NothingWritten,
-     "0xFF "},
-    {"an address", "GevPersistentIPAddress", Typed(EditorKind::Text, "10.0.0.7"), EditOutcome::Written, "10.0.0.7"},
-    {"an address with a part that is too large", "GevPersistentIPAddress", Typed(EditorKind::Text, "192.168.1.300"),
-     EditOutcome::InvalidIPAddress, "192.168.0.1"},
-    {"an address of three parts", "GevPersistentIPAddress", Typed(EditorKind::Text, "192.168.1"),
-     EditOutcome::InvalidIPAddress, "192.168.0.1"},
-    {"the address that is there", "GevPersistentIPAddress", Typed(EditorKind::Text, "192.168.0.1"),
-     EditOutcome::NothingWritten, "192.168.0.1"},
-    {"an address that the user did not change",
-     "GevPersistentIPAddress",
-     {.kind = EditorKind::Text, .text = "bad"},
-     EditOutcome::NothingWritten,
-     "192.168.0.1"},
-    {"a MAC address as a number", "GevMACAddress", Typed(EditorKind::Number, "258"), EditOutcome::Written, "258"},
-    {"an entry", "Mode", Chosen("Fast", -3), EditOutcome::Written, "Fast"},
-    {"the entry that is there", "Mode", Chosen("Off", 0), EditOutcome::NothingWritten, "Off"},
-    {"no entry chosen", "Mode", {.kind = EditorKind::Choice, .text = {}}, EditOutcome::NothingWritten, "Off"},
-    {"an entry that is not available", "Mode", Chosen("Old", 1), EditOutcome::Failed, "Off"},
-    {"a truth value", "Flip", Chosen("False", 0), EditOutcome::Written, "False"},
-    {"the truth value that is there", "Flip", Chosen("True", 1), EditOutcome::NothingWritten, "True"},
-    {"a float", "Gain", Typed(EditorKind::Number, "2.5"), EditOutcome::Written, "2.5"},
-    {"no float is 0", "Gain", Typed(EditorKind::Number, "loud"), EditOutcome::Written, "loud"},
-    {"the float that is there", "Gain", Typed(EditorKind::Number, "0.3333333333333333"), EditOutcome::NothingWritten,
-     "0.333333 dB"},
-    {"a text", "UserID", Typed(EditorKind::Text, "Other"), EditOutcome::Written, "Other"},
-    {"an empty text", "UserID", Typed(EditorKind::Text, ""), EditOutcome::Written, ""},
-    {"the text that is there", "UserID", Typed(EditorKind::Text, "Cam"), EditOutcome::NothingWritten, "Cam"},
-    {"the text that is there in other letters", "UserID", Typed(EditorKind::Text, "cam"), EditOutcome::Written, "cam"},
-    {"a text that the user did not change",
-     "UserID",
-     {.kind = EditorKind::Text, .text = "Other"},
-     EditOutcome::NothingWritten,
-     "Cam"},
-    {"a text that is too long", "UserID", Typed(EditorKind::Text, "A name that has more than 16 bytes"),
-     EditOutcome::Failed, "Cam"},
-    {"a number that cannot be written", "Fixed", Typed(EditorKind::Number, "1"), EditOutcome::NothingWritten, "77 "},
-    {"a number into a text", "UserID", Typed(EditorKind::Number, "1"), EditOutcome::NothingWritten, "Cam"},
-    {"a text into a number", "Width", Typed(EditorKind::Text, "1"), EditOutcome::NothingWritten, "640 px"},
-    {"a choice into a number", "Width", Chosen("True", 1), EditOutcome::NothingWritten, "640 px"},
-    {"a button", "Width", Typed(EditorKind::Command, "1"), EditOutcome::NothingWritten, "640 px"},
-    {"no editor", "Width", Typed(EditorKind::None, "1"), EditOutcome::NothingWritten, "640 px"},
 };
 
 struct TextRow {
@@ -358,90 +197,6 @@ TEST_F(FeatureEditing, GetEditText_OtherTypes_IsTheValueWithoutItsUnit) {
 TEST_F(FeatureEditing, GetEditText_FeatureThatCannotBeRead_IsEmpty) {
   EXPECT_STREQ(GetEditText(mCamera.Node("Key")).CStr(), "");
   EXPECT_STREQ(GetEditText(mCamera.Node("Table")).CStr(), "");
-}
-
-TEST_F(FeatureEditing, WriteEdit_RowsOfInputs_WriteOnlyWhatIsNewAndFits) {
-  for (const WriteRow& row : kWriteRows) {
-    SetInteger(kWidth, 640);
-    SetInteger(kMask, 255);
-    SetInteger(kAddress, 0xC0A80001);
-    SetInteger(kMAC, 1);
-    SetInteger(kMode, 0);
-    SetInteger(kFlip, 1);
-    SetInteger(kFixed, 77);
-    SetFloat(1.0 / 3);
-    SetText("Cam");
-    (void)mCamera.port.TakeRecords();
-
-    const EditOutcome outcome = Edit(row.feature, row.input);
-
-    EXPECT_EQ(outcome, row.outcome) << row.name;
-    EXPECT_EQ(mCamera.port.CountWrites(), row.outcome == EditOutcome::Written ? 1U : 0U) << row.name;
-    EXPECT_STREQ(mCamera.Node(row.feature).GetValue(false).CStr(), row.shown) << row.name;
-  }
-}
-
-TEST_F(FeatureEditing, WriteEdit_ValuesOfAllTypes_ReachTheDevice) {
-  EXPECT_EQ(Edit("Mask", Typed(EditorKind::Number, "1f")), EditOutcome::Written);
-  EXPECT_EQ(GetInteger(kMask), 31);
-  EXPECT_EQ(Edit("GevPersistentIPAddress", Typed(EditorKind::Text, "255.168.0.1")), EditOutcome::Written);
-  EXPECT_EQ(GetInteger(kAddress), 0xFFA80001);
-  EXPECT_EQ(Edit("Mode", Chosen("Fast", -3)), EditOutcome::Written);
-  EXPECT_EQ(GetInteger(kMode), -3);
-  EXPECT_EQ(Edit("Flip", Chosen("True", 1)), EditOutcome::Written);
-  EXPECT_EQ(GetInteger(kFlip), 1);
-  EXPECT_EQ(Edit("Key", Typed(EditorKind::Number, "9")), EditOutcome::Written);
-  EXPECT_EQ(GetInteger(kKey), 9);
-  EXPECT_EQ(Edit("UserID", Typed(EditorKind::Text, "Top")), EditOutcome::Written);
-  EXPECT_EQ(mCamera.Peek(kUserID, 4), (std::vector<std::uint8_t>{'T', 'o', 'p', 0}));
-}
-
-TEST_F(FeatureEditing, WriteEdit_FeatureThatCannotBeRead_IsWrittenWithoutComparing) {
-  SetInteger(kKey, 9);
-
-  EXPECT_EQ(Edit("Key", Typed(EditorKind::Number, "9")), EditOutcome::Written);
-  EXPECT_EQ(mCamera.port.CountWrites(), 1U);
-}
-
-TEST_F(FeatureEditing, WriteEdit_Success_ShowsTheTextUntilItIsReadAgain) {
-  EXPECT_EQ(Edit("Width", Typed(EditorKind::Number, "800")), EditOutcome::Written);
-  EXPECT_STREQ(mCamera.Node("Width").GetValue(false).CStr(), "800");
-  EXPECT_TRUE(mCamera.Node("Width").HasChanged());
-
-  mCamera.Node("Width").Refresh();
-
-  EXPECT_STREQ(mCamera.Node("Width").GetValue(false).CStr(), "800 px");
-}
-
-TEST_F(FeatureEditing, WriteEdit_DeviceThatRefuses_SaysWhyAndShowsWhatTheDeviceHas) {
-  SetInteger(kWidth, 640);
-  RefuseWrites();
-
-  EXPECT_EQ(Edit("Width", Typed(EditorKind::Number, "800")), EditOutcome::Failed);
-
-  EXPECT_THAT(mFailure.GetDescription().CStr(), HasSubstr("The device refuses."));
-  EXPECT_STREQ(mCamera.Node("Width").GetValue(false).CStr(), "640 px");
-}
-
-TEST_F(FeatureEditing, ExecuteCommand_Success_WritesItsValueAndShowsThatItRuns) {
-  ASSERT_TRUE(ExecuteCommand(mCamera.Node("Start")).IsOK());
-
-  EXPECT_EQ(GetInteger(kStart), 5);
-  EXPECT_STREQ(mCamera.Node("Start").GetValue(false).CStr(), "{Executing}");
-  EXPECT_FALSE(mCamera.Node("Start").GetAccess().isWritable);
-}
-
-TEST_F(FeatureEditing, ExecuteCommand_DeviceThatRefuses_SaysWhyAndRefreshes) {
-  RefuseWrites();
-
-  const KrResult result = ExecuteCommand(mCamera.Node("Start"));
-
-  EXPECT_THAT(result.GetDescription().CStr(), HasSubstr("The device refuses."));
-  EXPECT_TRUE(mCamera.Node("Start").IsRead());
-}
-
-TEST_F(FeatureEditing, ExecuteCommand_NoCommand_IsRefused) {
-  EXPECT_EQ(ExecuteCommand(mCamera.Node("Width")), KrResult::Code::InvalidInput);
 }
 
 TEST_F(FeatureEditing, StepText_RowsOfTexts_GiveTheTextExpected) {

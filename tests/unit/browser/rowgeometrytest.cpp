@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace krgui {
 
 namespace {
@@ -99,8 +101,13 @@ struct ListRow {
 };
 
 constexpr ListRow kListRows[] = {
-    {"no item", 0, 16, 28},          {"one item", 1, 16, 46},        {"one fewer than fit", 23, 16, 442},
-    {"as many as fit", 24, 16, 460}, {"more than fit", 25, 16, 460}, {"far more than fit", 1000, 20, 560},
+    {"no item", 0, 16, 28},
+    {"one item", 1, 16, 46},
+    {"one fewer than fit", 23, 16, 442},
+    {"as many as fit", 24, 16, 460},
+    {"more than fit", 25, 16, 460},
+    {"far more than fit", 1000, 20, 560},
+    {"as many as can be counted", std::numeric_limits<int>::max(), 16, 460},
 };
 
 } // namespace

@@ -84,7 +84,7 @@ int DragColumn(int aX, int aWindowWidth) {
 }
 
 int GetChoiceListHeight(int aItemCount, int aItemHeight) {
-  return kListFrame + std::min(aItemCount + 1, kMostListItems) * (aItemHeight + kItemGap);
+  return kListFrame + (std::min(aItemCount, kMostListItems - 1) + 1) * (aItemHeight + kItemGap);
 }
 
 } // namespace krgui

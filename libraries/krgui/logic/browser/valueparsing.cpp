@@ -1,6 +1,5 @@
 #include "logic/browser/valueparsing.h"
 
-#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <locale.h>
