@@ -78,16 +78,15 @@ void TreeItemData::Refresh() {
     mIsRead = true;
     return;
   }
-  const std::uint64_t number = ++mBegunReadings;
+  const std::uint64_t number = mReadings.Begin();
   FeatureReading reading = ReadFeature(
       *mParameter,
       {.isMACAddress = mIsMACAddress, .isIPAddress = mIsIPAddress, .showsDisplayNames = mShowsDisplayNames});
 
   // Everything at once: whoever looks meanwhile sees value and error of one reading.
   const std::lock_guard lock(mMutex);
-  if (number < mStoredReading)
-    return; // A reading that began later is here already; this one may have seen what is no more.
-  mStoredReading = number;
+  if (!mReadings.Accept(number))
+    return;
   mNow.access = reading.access;
   if (!reading.keepsValue)
     mNow.value = std::move(reading.value);

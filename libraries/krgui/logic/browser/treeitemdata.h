@@ -8,9 +8,9 @@
 #include "krgenicam/krgenparameter.h"
 #include "logic/browser/accessflags.h"
 #include "logic/browser/gridmessages.h"
+#include "logic/browser/readingorder.h"
 
 #include <atomic>
-#include <cstdint>
 #include <mutex>
 #include <vector>
 
@@ -138,10 +138,9 @@ private:
   std::vector<KrGenParameter*> mSelecting;
   std::vector<KrGenParameter*> mSelected;
 
-  std::atomic<std::uint64_t> mBegunReadings = 0; ///< Numbers the readings in the order in which they begin.
+  ReadingOrder mReadings; ///< Accepts with the lock held.
 
   mutable std::mutex mMutex;        ///< Guards the members from here on; never held while the device is asked.
-  std::uint64_t mStoredReading = 0; ///< The latest reading that was stored.
   Content mNow;
   Content mAcknowledged;
   KrString mAccessReason;

@@ -1,0 +1,155 @@
+#include "logic/browser/treeitemdata.h"
+
+#include "nodebench.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace krgui;
+
+namespace {
+
+const std::string kNodes = "<Integer Name=\"Width\"><pValue>Raw</pValue><Max>100</Max></Integer>"
+                           "<Integer Name=\"Gain\"><Value>0</Value></Integer>" +
+                           MakeUncachedRegister("Raw", 0);
+
+constexpr int kReadings = 5000;
+
+// Holds reads of the value's register up until it is opened.
+class Gate {
+public:
+  void CloseOn(NodeBench& aCamera) {
+    aCamera.port.SetFault([this](const RegisterAccessRecord& aRecord) {
+      if (aRecord.address == 0) {
+        mReached.Happen();
+        mOpened.Await();
+      }
+      return KrResult();
+    });
+  }
+  void AwaitRead() { mReached.Await(); }
+  void Open() { mOpened.Happen(); }
+
+private:
+  Occasion mReached;
+  Occasion mOpened;
+};
+
+} // namespace
+
+TEST(NodeThreads, Snapshots_AreEachOfOneReading) {
+  NodeBench camera(kNodes);
+  const auto node = camera.MakeReadNode("Width");
+  std::atomic<int> running = 2;
+  const auto refresh = [&] {
+    for (int count = 0; count < kReadings; ++count) {
+      camera.Poke(0, {static_cast<std::uint8_t>(count % 2 == 0 ? 50 : 200), 0, 0, 0});
+      node->Refresh();
+    }
+    --running;
+  };
+  int mixed = 0;
+
+  {
+    std::jthread automatic(refresh);
+    std::jthread polling(refresh);
+    while (running > 0) {
+      const RowSnapshot snapshot = node->GetSnapshot();
+      mixed += snapshot.hasError == (snapshot.value == KrString("200 ")) ? 0 : 1;
+      if (node->HasChanged())
+        (void)node->GetValue(true);
+    }
+  }
+
+  EXPECT_EQ(mixed, 0);
+}
+
+TEST(NodeThreads, ReadingThatBeganEarlier_DoesNotReplaceALaterOne) {
+  NodeBench camera(kNodes);
+  const auto node = camera.MakeReadNode("Gain");
+  std::atomic<int> others = 0;
+  std::atomic<bool> isOver = false;
+  int stale = 0;
+
+  {
+    std::jthread automatic([&] {
+      for (; !isOver; ++others)
+        node->Refresh();
+    });
+    for (int value = 1; others < kReadings || value < kReadings; ++value) {
+      EXPECT_TRUE(camera.Integer("Gain").SetValue(value).IsOK());
+      node->Refresh();
+      stale += GetText(*node) == std::to_string(value) + " " ? 0 : 1;
+    }
+    isOver = true;
+  }
+
+  EXPECT_EQ(stale, 0);
+}
+
+TEST(NodeThreads, WhileTheDeviceIsAsked_TheNodeCanBeLookedAtAndChanged) {
+  NodeBench camera(kNodes);
+  const auto node = camera.MakeReadNode("Width");
+  camera.AwaitNotifications();
+  Gate gate;
+  gate.CloseOn(camera);
+  std::jthread reader([&] { node->Refresh(); });
+  gate.AwaitRead();
+
+  node->SetValueText("7");
+  node->SetError("No.");
+  node->MarkRedrawPending();
+  EXPECT_TRUE(node->HasChanged());
+  EXPECT_EQ(node->GetValue(true), KrString("7"));
+  EXPECT_FALSE(node->HasChanged());
+  EXPECT_EQ(node->GetError(), KrString("No."));
+  EXPECT_TRUE(node->GetSnapshot().hasError);
+  EXPECT_TRUE(node->HasError());
+  EXPECT_TRUE(node->GetAccess().isReadable);
+  EXPECT_TRUE(node->GetAccessReason().IsEmpty());
+  node->ClearError();
+
+  gate.Open();
+  reader.join();
+  EXPECT_EQ(GetText(*node), "0 ");
+}
+
+TEST(NodeThreads, DestructionDuringANotification_WaitsForItsEnd) {
+  NodeBench camera(kNodes);
+  auto node = camera.MakeReadNode("Width");
+  camera.AwaitNotifications();
+  Gate gate;
+  gate.CloseOn(camera);
+  ASSERT_TRUE(camera.array->Invalidate("Raw").IsOK());
+  gate.AwaitRead();
+
+  std::jthread destroyer([&] { node.reset(); });
+  gate.Open();
+  destroyer.join();
+
+  EXPECT_EQ(node, nullptr);
+  camera.port.SetFault({});
+  camera.AwaitNotifications();
+}
+
+TEST(NodeThreads, NodesThatComeAndGo_WhileTheFeatureChanges_AreNeverToldAfterTheirEnd) {
+  NodeBench camera(kNodes);
+  std::atomic<bool> isOver = false;
+  std::atomic<int> writes = 0;
+  std::jthread writer([&] {
+    for (; !isOver; ++writes)
+      EXPECT_TRUE(camera.Integer("Gain").SetValue(writes % 100).IsOK());
+  });
+
+  for (int round = 0; round < 500 || writes < 500; ++round) {
+    const auto node = camera.MakeReadNode("Gain");
+    EXPECT_FALSE(node->HasError());
+  }
+
+  isOver = true;
+  writer.join();
+  for (const Message& message : camera.TakeMessages())
+    EXPECT_EQ(message, (Message{kRowChangedMessage, NodeBench::kItem, 0}));
+}
