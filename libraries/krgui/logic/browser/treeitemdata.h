@@ -140,7 +140,7 @@ private:
 
   ReadingOrder mReadings; ///< Accepts with the lock held.
 
-  mutable std::mutex mMutex;        ///< Guards the members from here on; never held while the device is asked.
+  mutable std::mutex mMutex; ///< Guards the members from here on; never held while the device is asked.
   Content mNow;
   Content mAcknowledged;
   KrString mAccessReason;
