@@ -1,5 +1,6 @@
 #include "browser/errorbutton.h"
 
+#include "platform/focusframe.h"
 #include "platform/systemcolours.h"
 #include "platform/toqstring.h"
 #include "res/bitmaps.h"
@@ -78,10 +79,8 @@ void ErrorButton::paintEvent(QPaintEvent*) {
   const QImage bitmap = LoadBitmap(mShowsErrors ? kErrorBitmapID : kNoErrorBitmapID, devicePixelRatioF(),
                                    IsDarkPalette(palette()) ? BitmapGround::Dark : BitmapGround::Light);
   painter.drawImage(QPoint(width() / 2 - kPictureSide / 2, height() / 2 - kPictureSide / 2), bitmap);
-  if (hasFocus()) {
-    painter.setPen(QPen(GetSystemColour(palette(), SystemColour::WindowText), 1, Qt::DotLine));
-    painter.drawRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5));
-  }
+  if (hasFocus())
+    DrawFocusFrame(painter, rect(), palette());
 }
 
 } // namespace krgui

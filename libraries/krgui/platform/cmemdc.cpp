@@ -21,6 +21,12 @@ QRect GetDeviceRect(const QPaintDevice& aDevice) {
                   : QRect(0, 0, aDevice.width(), aDevice.height());
 }
 
+/// From logical units to device-independent pixels of the target's device; the toolkit's own goes on to its pixels.
+QTransform GetTransform(const QPainter& aTarget) {
+  const qreal ratio = aTarget.device()->devicePixelRatioF();
+  return aTarget.combinedTransform() * QTransform::fromScale(1 / ratio, 1 / ratio);
+}
+
 /// The clip box in logical units; the whole device where nothing clips.
 QRect GetClipBox(const QPainter& aTarget) {
   if (aTarget.hasClipping())
@@ -28,7 +34,7 @@ QRect GetClipBox(const QPainter& aTarget) {
   const qreal ratio = aTarget.device()->devicePixelRatioF();
   const QRect pixels = GetDeviceRect(*aTarget.device());
   const QRectF points(0, 0, pixels.width() / ratio, pixels.height() / ratio);
-  return aTarget.combinedTransform().inverted().mapRect(points).toAlignedRect();
+  return GetTransform(aTarget).inverted().mapRect(points).toAlignedRect();
 }
 
 } // namespace
@@ -60,7 +66,7 @@ QPainter& CMemDC::GetPainter() {
 void CMemDC::Begin() {
   const QPaintDevice& device = *mTarget.device();
   const qreal ratio = device.devicePixelRatioF();
-  const QTransform transform = mTarget.combinedTransform();
+  const QTransform transform = GetTransform(mTarget);
   const QRectF points = transform.mapRect(QRectF(mRect));
   const QRect pixels = QRectF(points.topLeft() * ratio, points.size() * ratio).toAlignedRect() & GetDeviceRect(device);
   mOrigin = QPointF(pixels.topLeft()) / ratio;

@@ -1,6 +1,7 @@
 #include "platform/toolbarbutton.h"
 
 #include "platform/cmemdc.h"
+#include "platform/focusframe.h"
 #include "platform/systemcolours.h"
 #include "res/bitmaps.h"
 
@@ -58,12 +59,6 @@ void ToolBarButton::DrawPicture(QPainter& aPainter, const QRect& aRect) const {
   aPainter.drawImage(place, MakeTransparent(CutBitmap(bitmap, {0, 0, kPictureSide, kPictureSide}), Qt::white));
 }
 
-void ToolBarButton::DrawFocus(QPainter& aPainter) const {
-  aPainter.setPen(QPen(GetSystemColour(palette(), SystemColour::WindowText), 1, Qt::DotLine));
-  aPainter.setBrush(Qt::NoBrush);
-  aPainter.drawRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5));
-}
-
 void ToolBarButton::RedrawNow() {
   repaint();
 }
@@ -104,7 +99,7 @@ void ToolBarButton::paintEvent(QPaintEvent*) {
   CMemDC surface(painter, rect());
   Draw(surface.GetPainter(), {0, 0});
   if (hasFocus() && mIsKeyboardFocus)
-    DrawFocus(surface.GetPainter());
+    DrawFocusFrame(surface.GetPainter(), rect(), palette());
 }
 
 } // namespace krgui

@@ -38,7 +38,6 @@ protected:
 
 private:
   void DrawPicture(QPainter& aPainter, const QRect& aRect) const;
-  void DrawFocus(QPainter& aPainter) const;
 
   const std::uint16_t mBitmapID;
   const std::int32_t mDisabledBitmapID;
