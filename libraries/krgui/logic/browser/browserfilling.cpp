@@ -52,11 +52,11 @@ bool HasVisibleEntry(const KrGenEnum& aEnumeration, KrGenVisibility aVisibility)
   return false;
 }
 
-/// The tests that decide whether a feature is shown. Remembers what it found out about categories, as thousands of
+/// The checks that decide whether a feature is shown. Remembers what it found out about categories, as thousands of
 /// features may be in one, of which each may have to ask the device.
-class FeatureTests {
+class FeatureChecks {
 public:
-  FeatureTests(KrGenParameterArray& aArray, KrGenVisibility aVisibility, const FeatureFilter& aFilter)
+  FeatureChecks(KrGenParameterArray& aArray, KrGenVisibility aVisibility, const FeatureFilter& aFilter)
       : mArray(aArray), mVisibility(aVisibility), mFilter(aFilter) {}
 
   bool IsShown(KrGenParameter& aFeature, const std::string& aPath) {
@@ -141,19 +141,19 @@ std::vector<std::string_view> SplitCategoryPath(std::string_view aPath) {
 
 bool IsFeatureShown(KrGenParameterArray& aArray, KrGenParameter& aFeature, KrGenVisibility aVisibility,
                     const FeatureFilter& aFilter) {
-  return FeatureTests(aArray, aVisibility, aFilter).IsShown(aFeature, aFeature.GetCategory().ToUtf8());
+  return FeatureChecks(aArray, aVisibility, aFilter).IsShown(aFeature, aFeature.GetCategory().ToUtf8());
 }
 
 void FillBrowserTree(KrGenParameterArray& aArray, const BrowserOptions& aOptions, const FeatureFilter& aFilter,
                      BrowserTree& aTree) {
   aTree.SetShowsDisplayNames(aOptions.showsDisplayNames);
-  FeatureTests tests(aArray, aOptions.visibility, aFilter);
+  FeatureChecks checks(aArray, aOptions.visibility, aFilter);
   CategoryRows rows(aArray, aTree);
   const std::size_t count = aArray.GetCount();
   for (std::size_t i = 0; i < count; ++i) {
     KrGenParameter& feature = *aArray[i];
     const KrString path = feature.GetCategory();
-    if (tests.IsShown(feature, path.ToUtf8())) {
+    if (checks.IsShown(feature, path.ToUtf8())) {
       const GridItem parent = aOptions.isTree ? rows.FindOrMake(path.ToUtf8()) : kNoItem;
       aTree.AppendFeature(parent, feature.GetName(), feature);
     }
