@@ -5,13 +5,21 @@
 
 #include "krgenicam/krgenparameterarray.h"
 
+#include <stop_token>
+
 class QWidget;
 
 namespace krgui {
 
-/// Asks for a file and stores the streamable features in it. Runs modal loops; returns whether aOwner still lives.
-bool SaveSettings(QWidget* aOwner, KrGenParameterArray& aArray);
-/// Asks for a file, shows what would change, and on OK restores it. aHasWritten tells whether anything was written.
-bool RestoreSettings(QWidget* aOwner, KrGenParameterArray& aArray, bool& aHasWritten);
+// Both run modal loops and return whether aOwner still lives and aEnd was not requested: false says that nothing of the
+// window or the array may be touched. aEnd, requested on the user-interface thread, closes whatever is open as the end
+// of aOwner does: before the array is taken away. What is done in the background has ended then; that may take as long
+// as one access to a register.
+
+/// "Save features...": asks for a file and stores the streamable features in it.
+bool SaveSettings(QWidget* aOwner, KrGenParameterArray& aArray, const std::stop_token& aEnd = {});
+/// "Restore features...": asks for a file, shows what would change, and on OK restores it. aHasWritten tells, also
+/// where false is returned, whether anything may have been written.
+bool RestoreSettings(QWidget* aOwner, KrGenParameterArray& aArray, bool& aHasWritten, const std::stop_token& aEnd = {});
 
 } // namespace krgui

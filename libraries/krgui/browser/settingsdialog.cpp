@@ -1,0 +1,70 @@
+#include "browser/settingsdialog.h"
+
+#include <QFontMetrics>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kPreferredLetters = 130;
+constexpr int kPreferredLines = 26;
+
+} // namespace
+
+SettingsDialog::SettingsDialog(QWidget* aOwner, const SettingsDialogTexts& aTexts, const QString& aTableName,
+                               const std::vector<int>& aShares)
+    : ModalLoop(aOwner), mHasChoice(!aTexts.accept.isEmpty()) {
+  DialogWindow& dialog = *GetDialog();
+  dialog.setObjectName(aTexts.objectName);
+  dialog.SetCaption(aTexts.caption);
+  auto* heading = new QLabel(&dialog);
+  heading->setObjectName(QStringLiteral("heading"));
+  heading->setTextFormat(Qt::PlainText);
+  heading->setText(aTexts.heading);
+  heading->setWordWrap(true);
+  heading->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  // A long name must not make the dialog wider than the screen.
+  heading->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  mTable = new SettingsTable(aTableName, aShares, &dialog);
+
+  mButtonRow = new QHBoxLayout;
+  mButtonRow->addStretch();
+  QPushButton* const copy = AddButton(QStringLiteral("Copy All"));
+  QPushButton* const accept = mHasChoice ? AddButton(aTexts.accept) : nullptr;
+  QPushButton* const cancel = AddButton(aTexts.cancel);
+  auto* content = new QVBoxLayout(&dialog);
+  content->addWidget(heading);
+  content->addWidget(mTable, 1);
+  content->addLayout(mButtonRow);
+
+  QObject::connect(copy, &QPushButton::clicked, mTable, [this] { mTable->CopyAll(); });
+  dialog.SetButtons(accept, cancel);
+  dialog.KeepDefaultButton();
+  (accept ? accept : cancel)->setDefault(true);
+  const QFontMetrics metrics = mTable->fontMetrics();
+  dialog.resize(metrics.averageCharWidth() * kPreferredLetters, metrics.lineSpacing() * kPreferredLines);
+  dialog.SetPreferredSize(dialog.size());
+  mTable->setFocus();
+}
+
+SettingsDialog::~SettingsDialog() = default;
+
+QPushButton* SettingsDialog::AddButton(const QString& aText) {
+  auto* button = new QPushButton(aText, GetDialog());
+  mButtonRow->addWidget(button);
+  return button;
+}
+
+void SettingsDialog::OnAccept() {
+  EndLoop(mHasChoice ? ModalResult::OK : ModalResult::Cancel);
+}
+
+void SettingsDialog::OnCancel() {
+  EndLoop(ModalResult::Cancel);
+}
+
+} // namespace krgui

@@ -1,0 +1,205 @@
+#include "logic/browser/settingsdifference.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace krgui {
+
+namespace {
+
+using Kind = ComparedSetting::Kind;
+
+// As restoring takes them: devices keep floating-point numbers in fewer bits.
+constexpr double kFloatTolerance = 1e-6;
+
+// What the last setting for a feature and its positions says.
+struct Place {
+  const KrGenSetting* setting = nullptr;
+  std::string positions = {};
+  std::size_t number = 0; // In the order of the settings.
+};
+
+using Places = std::unordered_map<std::string, Place>;
+
+char ToLower(char aLetter) {
+  return aLetter >= 'A' && aLetter <= 'Z' ? static_cast<char>(aLetter - 'A' + 'a') : aLetter;
+}
+
+bool EqualsIgnoringCase(std::string_view aLeft, std::string_view aRight) {
+  return std::equal(aLeft.begin(), aLeft.end(), aRight.begin(), aRight.end(),
+                    [](char aOne, char aOther) { return ToLower(aOne) == ToLower(aOther); });
+}
+
+std::string_view CutPrefix(std::string_view aText, std::string_view aPrefix) {
+  const bool hasPrefix = EqualsIgnoringCase(aText.substr(0, aPrefix.size()), aPrefix);
+  return hasPrefix ? aText.substr(aPrefix.size()) : aText;
+}
+
+template <typename Number, typename... Base>
+std::optional<Number> ReadNumber(std::string_view aText, Base... aBase) {
+  Number number = 0;
+  const auto [end, error] = std::from_chars(aText.data(), aText.data() + aText.size(), number, aBase...);
+  return error == std::errc() && end == aText.data() + aText.size() ? std::optional<Number>(number) : std::nullopt;
+}
+
+std::optional<std::int64_t> ReadInteger(std::string_view aText) {
+  const std::string_view digits = CutPrefix(aText, "0x");
+  if (digits.size() == aText.size())
+    return ReadNumber<std::int64_t>(CutPrefix(aText, "+"));
+  const std::optional<std::uint64_t> bits = ReadNumber<std::uint64_t>(digits, 16);
+  return bits ? std::optional<std::int64_t>(static_cast<std::int64_t>(*bits)) : std::nullopt;
+}
+
+std::optional<bool> ReadBoolean(std::string_view aText) {
+  constexpr std::array<std::string_view, 4> kWords = {"0", "1", "false", "true"};
+  const auto word = std::find_if(kWords.begin(), kWords.end(),
+                                 [aText](std::string_view aWord) { return EqualsIgnoringCase(aText, aWord); });
+  return word == kWords.end() ? std::nullopt : std::optional<bool>((word - kWords.begin()) % 2 == 1);
+}
+
+bool IsSameFloat(std::string_view aLeft, std::string_view aRight) {
+  const std::optional<double> left = ReadNumber<double>(CutPrefix(aLeft, "+"));
+  const std::optional<double> right = ReadNumber<double>(CutPrefix(aRight, "+"));
+  if (!left || !right)
+    return false;
+  return *left == *right || std::abs(*left - *right) <= kFloatTolerance * std::max(std::abs(*left), std::abs(*right));
+}
+
+template <typename Value>
+bool AreBoth(const std::optional<Value>& aLeft, const std::optional<Value>& aRight) {
+  return aLeft && aLeft == aRight;
+}
+
+bool IsSame(KrGenType aType, const std::string& aLeft, const std::string& aRight) {
+  if (aLeft == aRight)
+    return true;
+  switch (aType) {
+  case KrGenType::Integer:
+    return AreBoth(ReadInteger(aLeft), ReadInteger(aRight));
+  case KrGenType::Boolean:
+    return AreBoth(ReadBoolean(aLeft), ReadBoolean(aRight));
+  case KrGenType::Float:
+    return IsSameFloat(aLeft, aRight);
+  case KrGenType::Register:
+    return EqualsIgnoringCase(CutPrefix(aLeft, "0x"), CutPrefix(aRight, "0x"));
+  default:
+    return false;
+  }
+}
+
+// The places of settings, which move the selectors among them as they go.
+class PlaceFinder {
+public:
+  explicit PlaceFinder(const ComparedFeatures& aFeatures) : mFeatures(aFeatures) {
+    for (const auto& [name, feature] : aFeatures)
+      for (const std::string& selector : feature.selectors)
+        mPositions[selector];
+  }
+
+  Places Find(const KrGenSettings& aSettings) {
+    Places places;
+    for (auto& [selector, position] : mPositions)
+      position = nullptr;
+    std::size_t number = 0;
+    for (const KrGenSetting& setting : aSettings.GetSettings()) {
+      Place place = {.setting = &setting, .positions = DescribePositions(setting.name.ToUtf8()), .number = number++};
+      // A name has no line end, so that nothing else has this key.
+      std::string key = setting.name.ToUtf8() + '\n' + place.positions;
+      places[std::move(key)] = std::move(place);
+      if (const auto selector = mPositions.find(setting.name.ToUtf8()); selector != mPositions.end())
+        selector->second = &setting.value;
+    }
+    return places;
+  }
+
+private:
+  std::string DescribePositions(const std::string& aName) const {
+    std::string text;
+    const auto feature = mFeatures.find(aName);
+    if (feature == mFeatures.end())
+      return text;
+    for (const std::string& selector : feature->second.selectors) {
+      if (const KrString* const position = mPositions.at(selector))
+        text += (text.empty() ? "" : ", ") + selector + "=" + position->ToUtf8();
+    }
+    return text;
+  }
+
+  const ComparedFeatures& mFeatures;
+  std::unordered_map<std::string, const KrString*> mPositions; // Of each selector; null where no setting moved it yet.
+};
+
+ComparedSetting Compare(const Place& aPlace, const KrString* aPresent, const ComparedFeature* aFeature) {
+  ComparedSetting setting = {.kind = Kind::NoFeature,
+                             .name = aPlace.setting->name,
+                             .positions = aPlace.positions,
+                             .present = aPresent ? *aPresent : KrString(),
+                             .wanted = aPlace.setting->value,
+                             .note = {}};
+  if (!aFeature) {
+    setting.note = "This device has no such feature.";
+    return setting;
+  }
+  if (!aPresent)
+    setting.kind = Kind::NoPresentValue;
+  else
+    setting.kind = IsSame(aFeature->type, aPresent->ToUtf8(), setting.wanted.ToUtf8()) ? Kind::Same : Kind::Different;
+  if (setting.kind != Kind::Same)
+    setting.note = aFeature->limit;
+  return setting;
+}
+
+std::string CountOf(std::size_t aCount, std::string_view aOne, std::string_view aMany) {
+  return std::to_string(aCount) + " " + std::string(aCount == 1 ? aOne : aMany);
+}
+
+} // namespace
+
+std::size_t SettingsDifference::Count(Kind aKind) const {
+  return static_cast<std::size_t>(std::count_if(
+      settings.begin(), settings.end(), [aKind](const ComparedSetting& aSetting) { return aSetting.kind == aKind; }));
+}
+
+std::size_t SettingsDifference::CountChanges() const {
+  return Count(Kind::Different) + Count(Kind::NoPresentValue);
+}
+
+std::string SettingsDifference::Summarize() const {
+  std::string text = std::to_string(Count(Kind::Different)) + " of " +
+                     CountOf(settings.size(), "setting differs", "settings differ") + " from the file.";
+  if (const std::size_t count = Count(Kind::NoPresentValue); count > 0)
+    text += " " + CountOf(count, "has", "have") + " no value on the device now.";
+  if (const std::size_t count = Count(Kind::NoFeature); count > 0)
+    text += " " + CountOf(count, "is of a feature", "are of features") + " that this device does not have.";
+  return text;
+}
+
+SettingsDifference CompareSettings(const KrGenSettings& aFile, const KrGenSettings& aPresent,
+                                   const ComparedFeatures& aFeatures) {
+  PlaceFinder finder(aFeatures);
+  const Places present = finder.Find(aPresent);
+  const Places wanted = finder.Find(aFile);
+  std::vector<const Places::value_type*> order;
+  for (const Places::value_type& place : wanted)
+    order.push_back(&place);
+  std::sort(order.begin(), order.end(), [](const Places::value_type* aLeft, const Places::value_type* aRight) {
+    return aLeft->second.number < aRight->second.number;
+  });
+  SettingsDifference difference;
+  difference.settings.reserve(order.size());
+  for (const Places::value_type* const place : order) {
+    const auto feature = aFeatures.find(place->second.setting->name.ToUtf8());
+    const auto value = present.find(place->first);
+    difference.settings.push_back(Compare(place->second,
+                                          value == present.end() ? nullptr : &value->second.setting->value,
+                                          feature == aFeatures.end() ? nullptr : &feature->second));
+  }
+  return difference;
+}
+
+} // namespace krgui
