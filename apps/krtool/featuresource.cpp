@@ -1,13 +1,9 @@
 #include "featuresource.h"
 
 #include "camerasession.h"
+#include "descriptionfile.h"
 #include "featurewords.h"
 #include "plaintext.h"
-
-#include <array>
-#include <filesystem>
-#include <string_view>
-#include <system_error>
 
 namespace krtool {
 
@@ -28,18 +24,8 @@ KrResult ReadDescriptionOf(KrDevice& aDevice, KrGenDescription& aDescription) {
 
 } // namespace
 
-bool IsDescriptionFile(const std::string& aName) {
-  constexpr std::array<std::string_view, 2> kExtensions = {".xml", ".zip"};
-  const std::string extension = aName.size() > 4 ? aName.substr(aName.size() - 4) : std::string();
-  for (const std::string_view known : kExtensions)
-    if (IsSameWord(extension, known))
-      return true;
-  std::error_code error;
-  return std::filesystem::is_regular_file(aName, error);
-}
-
 KrResult ReadDescription(KrSystem& aSystem, const CommandLine& aCommandLine, KrGenDescription& aDescription) {
-  if (IsDescriptionFile(aCommandLine.device))
+  if (krapps::IsDescriptionFile(aCommandLine.device))
     return KrGenDescription::ReadFromFile(aCommandLine.device, aDescription);
   ApplyTimeout(aSystem, aCommandLine);
   std::unique_ptr<KrDevice> device;
@@ -49,7 +35,7 @@ KrResult ReadDescription(KrSystem& aSystem, const CommandLine& aCommandLine, KrG
 }
 
 KrResult FeatureSource::OpenToRead(KrSystem& aSystem, const CommandLine& aCommandLine) {
-  if (IsDescriptionFile(aCommandLine.device)) {
+  if (krapps::IsDescriptionFile(aCommandLine.device)) {
     mName = krapps::MakeCell(aCommandLine.device);
     KrGenDescription description;
     KrResult read = KrGenDescription::ReadFromFile(aCommandLine.device, description);
@@ -72,7 +58,7 @@ KrResult FeatureSource::OpenToStore(KrSystem& aSystem, const CommandLine& aComma
 }
 
 KrResult FeatureSource::OpenDeviceToWrite(KrSystem& aSystem, const CommandLine& aCommandLine) {
-  if (IsDescriptionFile(aCommandLine.device))
+  if (krapps::IsDescriptionFile(aCommandLine.device))
     return {KrResult::Code::InvalidInput,
             "\"" + aCommandLine.device + "\" is a file; a device is wanted, whose features can be changed."};
   return OpenDevice(aSystem, aCommandLine, KrDeviceAccess::Control);

@@ -14,9 +14,6 @@
 
 namespace krtool {
 
-/// Whether an argument means a file: it ends in .xml or .zip in any case, or a file of the name is there.
-bool IsDescriptionFile(const std::string& aName);
-
 /// Finds what the command line names and reads its description. A file's path and a device are looked at only.
 KrResult ReadDescription(KrSystem& aSystem, const CommandLine& aCommandLine, KrGenDescription& aDescription);
 

@@ -58,6 +58,7 @@ void Acquisition::Stop() {
   mThread.request_stop();
   if (mThread.joinable())
     mThread.join();
+  CloseDevice();
 }
 
 AcquisitionProgress Acquisition::GetProgress() const {
@@ -105,13 +106,18 @@ void Acquisition::Run(std::stop_token aStop) {
     if (!aStop.stop_requested())
       result = ConnectAndStream(aStop);
   }
-  mDevice.reset();
+  // The device stays until Stop, so that what shows its parameters may do so to the end.
   const bool isFinished = result.IsOK() || aStop.stop_requested();
   SetState(isFinished ? AcquisitionState::Finished : AcquisitionState::Failed, result);
 }
 
-KrResult Acquisition::ConnectAndStream(std::stop_token aStop) {
+void Acquisition::CloseDevice() {
+  mParameters.TakeBack();
   mDevice.reset();
+}
+
+KrResult Acquisition::ConnectAndStream(std::stop_token aStop) {
+  CloseDevice();
   {
     const std::lock_guard lock(mMutex);
     mIsBack = false;
@@ -123,6 +129,16 @@ KrResult Acquisition::ConnectAndStream(std::stop_token aStop) {
   return StreamOnce(aStop, *mDevice);
 }
 
+// The stream has read the description already.
+void Acquisition::LendParameters(KrDevice& aDevice) {
+  KrGenParameterArray* parameters = nullptr;
+  const KrResult got = aDevice.GetParameters(parameters);
+  if (got.IsOK())
+    mParameters.Lend(*parameters);
+  const std::lock_guard lock(mMutex);
+  mProgress.parameters = got;
+}
+
 KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
   KrStream stream(aDevice);
   if (KrResult started = stream.Start(); !started.IsOK())
@@ -130,6 +146,7 @@ KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
   SetState(AcquisitionState::Streaming, {});
   mHasStreamed = true;
   mMeter.Reset();
+  LendParameters(aDevice);
 
   // The frame on the screen stays lent, so that it can be shown again with the reason when the camera is lost.
   KrBuffer* shown = nullptr;

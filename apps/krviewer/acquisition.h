@@ -6,6 +6,7 @@
 #include "krdevice/krdevice.h"
 #include "krdevice/krstream.h"
 #include "krgui/krdisplaywnd.h"
+#include "lentparameters.h"
 #include "streamfigures.h"
 
 #include <condition_variable>
@@ -28,6 +29,7 @@ enum class AcquisitionState {
 struct AcquisitionProgress {
   AcquisitionState state = AcquisitionState::Connecting;
   KrResult result;               ///< Why it was lost or failed.
+  KrResult parameters;           ///< Why the camera's parameters cannot be had; OK while that is not known.
   std::uint64_t lastFrameID = 0; ///< Of the frame displayed last.
   krapps::StreamFigures figures;
   KrStreamStatistics statistics; ///< Of all connections together.
@@ -39,9 +41,10 @@ KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStat
 /// A text with each sentence in a line of its own, as the window does not wrap lines.
 KrString BreakIntoSentences(const KrString& aText);
 
-/// Streams one camera into one window.
+/// Streams one camera into one window, and lends its parameters. A lost camera's are lent until it is back, when they
+/// are taken back and those of the new connection lent.
 ///
-/// Thread: construction, destruction and Stop on one thread; GetProgress from any.
+/// Thread: construction, destruction and Stop on one thread, with no parameters borrowed there; GetProgress from any.
 /// Ownership: borrows window and device information, which must outlive it.
 class Acquisition : private KrDeviceEventSink {
 public:
@@ -50,6 +53,7 @@ public:
   ~Acquisition() override;
 
   AcquisitionProgress GetProgress() const;
+  LentParameters& GetParameters() { return mParameters; }
   /// Ends the thread and gives the camera back.
   void Stop();
 
@@ -59,7 +63,9 @@ private:
 
   void Run(std::stop_token aStop);
   KrResult ConnectAndStream(std::stop_token aStop);
+  void CloseDevice();
   KrResult StreamOnce(std::stop_token aStop, KrDevice& aDevice);
+  void LendParameters(KrDevice& aDevice);
   void ShowReason(const KrBuffer* aBuffer, const KrResult& aReason);
   bool ShowFrame(KrStream& aStream, const KrBuffer& aBuffer);
   void AwaitReturn(std::stop_token aStop);
@@ -69,8 +75,9 @@ private:
   KrDisplayWnd& mWindow;
   const KrDeviceInfo& mDeviceInfo;
   const std::uint64_t mFrameLimit;
+  LentParameters mParameters;
 
-  // The thread's own.
+  // The thread's own while it runs.
   std::unique_ptr<KrDevice> mDevice;
   bool mHasStreamed = false;
   KrStreamStatistics mEndedStreams; ///< The counters of the connections that are over.

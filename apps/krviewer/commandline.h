@@ -10,6 +10,7 @@ namespace krviewer {
 
 struct CommandLine {
   QString device;           ///< ID, MAC, IP address, serial number or user-defined name; empty to pick one.
+  QString descriptionFile;  ///< A description to be shown without a camera; empty for a camera.
   bool simulate = false;    ///< The built-in simulated lab beside the real devices.
   QString labFile;          ///< The simulated lab's description; empty for the built-in one.
   bool headless = false;    ///< Without a display.

@@ -1,13 +1,13 @@
 #include "commandline.h"
+#include "descriptionviewer.h"
 #include "devicepick.h"
 #include "deviceselection.h"
 #include "krdevice/krdeviceend.h"
 #include "krgui/krapplication.h"
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
+#include "pictures.h"
 #include "viewer.h"
-
-#include <QGuiApplication>
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,13 +17,9 @@ namespace {
 constexpr std::uint64_t kHeadlessFrames = 100;
 const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
 
-bool IsHeadless() {
-  return QGuiApplication::platformName() == QStringLiteral("offscreen");
-}
-
 // Without a display there is nobody to close a window: the run is given an end and leaves pictures behind.
 void PrepareHeadless(krviewer::CommandLine& aCommandLine) {
-  if (aCommandLine.frames == 0)
+  if (aCommandLine.frames == 0 && aCommandLine.descriptionFile.isEmpty())
     aCommandLine.frames = kHeadlessFrames;
   if (aCommandLine.simulate && aCommandLine.labFile.isEmpty() && aCommandLine.device.isEmpty())
     aCommandLine.device = kFirstSimulatedCamera;
@@ -41,7 +37,7 @@ bool PrepareWindows(krviewer::CommandLine& aCommandLine) {
   }
   if (!result.IsOK())
     std::fprintf(stderr, "%s\n", result.GetDescription().CStr());
-  else if (IsHeadless())
+  else if (krviewer::IsWithoutDisplay())
     PrepareHeadless(aCommandLine);
   return result.IsOK();
 }
@@ -93,7 +89,7 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
     std::fprintf(stderr, "%s\n", installed.GetDescription().CStr());
     return 1;
   }
-  if (aCommandLine.device.isEmpty() && !IsHeadless())
+  if (aCommandLine.device.isEmpty() && !krviewer::IsWithoutDisplay())
     return RunPickedDevice(aCommandLine);
   KrSystem system;
   const KrDeviceInfo* device = nullptr;
@@ -126,6 +122,8 @@ int main(int aArgumentCount, char** aArguments) {
   case krviewer::CommandLineStatus::Run:
     break;
   }
+  if (!commandLine.descriptionFile.isEmpty())
+    return PrepareWindows(commandLine) ? krviewer::DescriptionViewer(commandLine).Run() : 1;
   // Before there are windows, whose toolkit may start threads.
   if (KrResult prepared = KrGiveBackDevicesAtEnd(); !prepared.IsOK())
     std::fprintf(stderr, "%s\n", prepared.GetDescription().CStr());

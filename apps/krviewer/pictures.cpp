@@ -38,6 +38,22 @@ KrResult SaveText(const QString& aText, const QString& aPath) {
 
 } // namespace
 
+bool IsWithoutDisplay() {
+  return QGuiApplication::platformName() == QStringLiteral("offscreen");
+}
+
+KrResult WriteBrowserPicture(KrGenBrowserWnd& aWindow, const QString& aFolder) {
+  // What was read is painted first; where values change all the time that never ends, and what is there does.
+  const KrResult handled = aWindow.DoEvents();
+  const bool isOpen = handled.IsOK() || handled == KrResult::Code::TimeLimitExceeded;
+  QWidget* const widget = aWindow.GetWidget();
+  if (!isOpen || !widget)
+    return {KrResult::Code::WrongState, "There is no feature browser to take a picture of: its window is closed"};
+  if (!QDir().mkpath(aFolder))
+    return FailToWrite(aFolder, QStringLiteral("the folder cannot be made"));
+  return SaveImage(widget->grab().toImage(), QDir(aFolder).filePath(QStringLiteral("browser.png")));
+}
+
 KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder) {
   QWidget* widget = aWindow.GetWidget();
   const IKrImage* image = aWindow.GetInternalBuffer().GetImage();

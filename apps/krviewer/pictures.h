@@ -2,6 +2,7 @@
 // Pictures of the viewer's windows in a folder: for people who report a fault, and for tests that compare pixels.
 
 #include "krgui/krdisplaywnd.h"
+#include "krgui/krgenbrowserwnd.h"
 
 #include <QString>
 
@@ -14,5 +15,12 @@ namespace krviewer {
 /// Needs an open window that has been painted since its last image. SystemError with the file's name when one cannot be
 /// written, WrongState when the window is not open or shows no image.
 KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder);
+
+/// Writes browser.png into aFolder, likewise: the feature browser with what it has read so far. WrongState when the
+/// window is not open.
+KrResult WriteBrowserPicture(KrGenBrowserWnd& aWindow, const QString& aFolder);
+
+/// Whether windows are on no screen.
+bool IsWithoutDisplay();
 
 } // namespace krviewer

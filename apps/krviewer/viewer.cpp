@@ -3,7 +3,6 @@
 #include "pictures.h"
 
 #include <QApplication>
-#include <QScreen>
 
 #include <cinttypes>
 #include <cstdio>
@@ -12,7 +11,9 @@ namespace krviewer {
 
 namespace {
 
-constexpr QSize kPreferredSize(1000, 700);
+constexpr QSize kPreferredSize(1200, 750);
+constexpr int kDisplayShare = 6; // The browser's is the rest of ten.
+constexpr int kBrowserShare = 4;
 constexpr int kLookIntervalMs = 50;
 
 QString ToText(const KrString& aText) {
@@ -39,18 +40,22 @@ Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
 
 Viewer::~Viewer() = default;
 
-void Viewer::PlaceWindow() {
-  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-  const QSize size = kPreferredSize.boundedTo(screen.size() * 9 / 10);
-  mWindow.SetPosition(screen.x() + (screen.width() - size.width()) / 2,
-                      screen.y() + (screen.height() - size.height()) / 2, size.width(), size.height());
+KrResult Viewer::OpenWindow() {
+  UpdateTitle({});
+  KrResult result = mMainWindow.Embed(mWindow, kDisplayShare);
+  if (result.IsOK())
+    result = mMainWindow.Embed(mBrowser.GetWindow(), kBrowserShare);
+  if (!result.IsOK())
+    return result;
+  mMainWindow.SetEndingWindow(mWindow);
+  mMainWindow.ShowOnScreen(kPreferredSize);
+  mWindow.GetWidget()->setFocus();
+  return {};
 }
 
 int Viewer::Run() {
-  PlaceWindow();
-  UpdateTitle({});
-  if (KrResult shown = mWindow.ShowModeless(0); !shown.IsOK()) {
-    std::fprintf(stderr, "The window cannot be opened: %s\n", shown.GetDescription().CStr());
+  if (KrResult opened = OpenWindow(); !opened.IsOK()) {
+    std::fprintf(stderr, "The window cannot be opened: %s\n", opened.GetDescription().CStr());
     return 1;
   }
   std::printf("camera=%s\n", mDeviceInfo.GetDisplayID().CStr());
@@ -66,21 +71,38 @@ void Viewer::UpdateTitle(const AcquisitionProgress& aProgress) {
   const QString title = ToText(mDeviceInfo.GetDisplayID()) + (state.isEmpty() ? state : QStringLiteral(" - ") + state);
   if (title != mTitle) {
     mTitle = title;
-    mWindow.SetTitle(title.toStdString());
+    mMainWindow.setWindowTitle(title);
   }
 }
 
 void Viewer::LookAgain() {
   const AcquisitionProgress progress = mAcquisition->GetProgress();
-  const bool isClosed = mWindow.GetHandle() == 0;
   const bool isOver = progress.state == AcquisitionState::Finished || progress.state == AcquisitionState::Failed;
-  if (isClosed || isOver || mStopSignal.IsRaised())
+  if (isOver || mStopSignal.IsRaised())
     return Finish();
   UpdateTitle(progress);
+  TellMissingFeatures(progress);
+  mBrowser.Follow(mAcquisition->GetParameters());
+}
+
+void Viewer::TellMissingFeatures(const AcquisitionProgress& aProgress) {
+  if (aProgress.parameters.IsOK() || mHasToldMissing)
+    return;
+  mHasToldMissing = true;
+  std::fprintf(stderr, "The camera's features cannot be shown: %s\n", aProgress.parameters.GetDescription().CStr());
 }
 
 void Viewer::Finish() {
+  if (mIsOver)
+    return;
+  mIsOver = true;
   mTimer.stop();
+  const bool hasFrames = mAcquisition->GetProgress().figures.GetFrames() > 0;
+  const bool wantsPictures = !mCommandLine.screenshotFolder.isEmpty() && hasFrames;
+  // Before the camera is given back, as the browser is empty then.
+  if (wantsPictures && !SaveBrowserPicture())
+    mExitCode = 1;
+  mBrowser.GiveBack(mAcquisition->GetParameters());
   mAcquisition->Stop();
   const AcquisitionProgress progress = mAcquisition->GetProgress();
   if (progress.state == AcquisitionState::Failed) {
@@ -89,10 +111,17 @@ void Viewer::Finish() {
     if (progress.figures.GetFrames() == 0)
       mFailure = progress.result;
   }
-  if (!mCommandLine.screenshotFolder.isEmpty() && progress.figures.GetFrames() > 0 && !SavePictures())
+  if (wantsPictures && !SavePictures())
     mExitCode = 1;
   std::printf("%s\n", krapps::FormatClosingLine(progress.figures, progress.statistics).c_str());
-  QApplication::quit();
+  QCoreApplication::exit();
+}
+
+bool Viewer::SaveBrowserPicture() {
+  const KrResult result = WriteBrowserPicture(mBrowser.GetWindow(), mCommandLine.screenshotFolder);
+  if (!result.IsOK())
+    std::fprintf(stderr, "No picture of the features was written: %s\n", result.GetDescription().CStr());
+  return result.IsOK();
 }
 
 bool Viewer::SavePictures() {

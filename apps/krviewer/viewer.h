@@ -1,8 +1,11 @@
 #pragma once
-// The viewer from the chosen camera to its end: one display window, its title, pictures and figures at the end.
+// The viewer from the chosen camera to its end: a window with the picture and the camera's features beside it, its
+// title, pictures and figures at the end.
 
 #include "acquisition.h"
 #include "commandline.h"
+#include "featurebrowser.h"
+#include "mainwindow.h"
 #include "stopsignal.h"
 
 #include <QObject>
@@ -28,21 +31,27 @@ public:
   const KrResult& GetFailure() const { return mFailure; }
 
 private:
-  void PlaceWindow();
+  KrResult OpenWindow();
   void LookAgain();
   void UpdateTitle(const AcquisitionProgress& aProgress);
+  void TellMissingFeatures(const AcquisitionProgress& aProgress);
   void Finish();
+  bool SaveBrowserPicture();
   bool SavePictures();
 
   const KrDeviceInfo& mDeviceInfo;
   const CommandLine mCommandLine;
   const krapps::StopSignal mStopSignal;
+  MainWindow mMainWindow;
   KrDisplayWnd mWindow;
+  FeatureBrowser mBrowser;
   std::unique_ptr<Acquisition> mAcquisition;
   QTimer mTimer;
   QString mTitle;
   KrResult mFailure;
   int mExitCode = 0;
+  bool mHasToldMissing = false;
+  bool mIsOver = false;
 };
 
 } // namespace krviewer

@@ -33,6 +33,16 @@ protected:
     return Await(aAcquisition, [aState](const AcquisitionProgress& aProgress) { return aProgress.state == aState; });
   }
 
+  // Borrowed as soon as they are lent.
+  static KrGenParameterArray* AwaitParameters(Acquisition& aAcquisition) {
+    KrGenParameterArray* parameters = nullptr;
+    Await(aAcquisition, [&](const AcquisitionProgress&) {
+      parameters = aAcquisition.GetParameters().Borrow();
+      return parameters != nullptr;
+    });
+    return parameters;
+  }
+
   KrDisplayWnd mWindow;
 };
 
@@ -106,6 +116,54 @@ TEST_F(AcquisitionTest, CameraThatIsGoneBeforeItsFirstFrame_FailsInsteadOfWaitin
   Acquisition acquisition(mWindow, camera, 0);
 
   EXPECT_EQ(Await(acquisition, AcquisitionState::Failed).state, AcquisitionState::Failed);
+}
+
+TEST_F(AcquisitionTest, ParametersOfTheCamera_AreLentWhileItStreams) {
+  Acquisition acquisition(mWindow, GetCamera(), 0);
+  KrGenParameterArray* const parameters = AwaitParameters(acquisition);
+  ASSERT_NE(parameters, nullptr);
+
+  std::int64_t width = 0;
+
+  EXPECT_TRUE(parameters->GetInteger("Width")->GetValue(width).IsOK());
+  EXPECT_EQ(width, 1280);
+  EXPECT_TRUE(acquisition.GetProgress().parameters.IsOK());
+  acquisition.GetParameters().GiveBack();
+}
+
+TEST_F(AcquisitionTest, ParametersOfALostCamera_AreLentUntilItIsBackAndThenThoseOfTheNewConnection) {
+  Acquisition acquisition(mWindow, GetCamera(), 0);
+  KrGenParameterArray* const parameters = AwaitParameters(acquisition);
+  ASSERT_NE(parameters, nullptr);
+
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  Await(acquisition, AcquisitionState::Lost);
+  EXPECT_FALSE(acquisition.GetParameters().IsWantedBack());
+  std::int64_t width = 0;
+  parameters->InvalidateCache();
+  EXPECT_TRUE(parameters->GetInteger("Width")->GetValue(width) == KrResult::Code::ConnectionLost);
+  ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+  Await(acquisition, [&](const AcquisitionProgress&) { return acquisition.GetParameters().IsWantedBack(); });
+  EXPECT_EQ(acquisition.GetProgress().state, AcquisitionState::Lost) << "It waits for the parameters.";
+  acquisition.GetParameters().GiveBack();
+
+  KrGenParameterArray* const renewed = AwaitParameters(acquisition);
+  ASSERT_NE(renewed, nullptr);
+  EXPECT_TRUE(renewed->GetInteger("Width")->GetValue(width).IsOK());
+  acquisition.GetParameters().GiveBack();
+}
+
+TEST_F(AcquisitionTest, ParametersThatAreBorrowedAtTheEnd_LastUntilStop) {
+  Acquisition acquisition(mWindow, GetCamera(), 3);
+  KrGenParameterArray* const parameters = AwaitParameters(acquisition);
+  ASSERT_NE(parameters, nullptr);
+
+  EXPECT_EQ(Await(acquisition, AcquisitionState::Finished).state, AcquisitionState::Finished);
+
+  std::int64_t width = 0;
+  EXPECT_FALSE(acquisition.GetParameters().IsWantedBack());
+  EXPECT_TRUE(parameters->GetInteger("Width")->GetValue(width).IsOK());
+  acquisition.GetParameters().GiveBack();
 }
 
 TEST_F(AcquisitionTest, StoppedWhileTheCameraIsLost_Ends) {

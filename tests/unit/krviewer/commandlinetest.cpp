@@ -39,6 +39,27 @@ TEST(ParseCommandLine, EveryOption_IsTaken) {
   EXPECT_TRUE(commandLine.headless);
 }
 
+TEST(ParseCommandLine, ArgumentThatIsAFile_IsADescriptionAndOtherwiseADevice) {
+  struct Row {
+    const char* name;
+    QString argument;
+    bool isFile;
+  };
+  for (const Row& row : {Row{"a description", "camera.xml", true}, Row{"a zipped one", "folder/camera.zip", true},
+                         Row{"capitals", "CAMERA.XML", true}, Row{"a file that is there", "/proc/self/status", true},
+                         Row{"a folder", "/proc/self", false}, Row{"a name", "sim-mono", false},
+                         Row{"an address", "192.168.1.20", false}, Row{"nothing before the point", ".xml", false}}) {
+    SCOPED_TRACE(row.name);
+    CommandLine commandLine;
+
+    EXPECT_EQ(Parse({row.argument, "--headless", "--screenshot", "out"}, commandLine), CommandLineStatus::Run);
+
+    EXPECT_EQ(commandLine.descriptionFile, row.isFile ? row.argument : QString());
+    EXPECT_EQ(commandLine.device, row.isFile ? QString() : row.argument);
+    EXPECT_EQ(commandLine.screenshotFolder, "out");
+  }
+}
+
 TEST(ParseCommandLine, Lab_ImpliesTheSimulation) {
   CommandLine commandLine;
 
@@ -55,8 +76,11 @@ TEST(ParseCommandLine, WhatCannotBeUnderstood_IsNamed) {
   };
   for (const Row& row :
        {Row{{"--frames", "0"}, "\"0\""}, Row{{"--frames", "-3"}, "\"-3\""}, Row{{"--frames", "many"}, "\"many\""},
-        Row{{"--colour"}, "colour"}, Row{{"camera"}, "\"camera\""}, Row{{"--device"}, "device"},
-        Row{{"--device", ""}, "--device"}, Row{{"--screenshot", ""}, "--screenshot"}, Row{{"--lab", ""}, "--lab"}}) {
+        Row{{"--colour"}, "colour"}, Row{{"camera", "another"}, "\"another\""},
+        Row{{"--device", "camera", "another"}, "\"another\""}, Row{{"--device", "camera", "c.xml"}, "\"c.xml\""},
+        Row{{"--simulate", "c.xml"}, "\"c.xml\""}, Row{{"--frames", "3", "c.xml"}, "\"c.xml\""},
+        Row{{"--device"}, "device"}, Row{{"--device", ""}, "--device"}, Row{{"--screenshot", ""}, "--screenshot"},
+        Row{{"--lab", ""}, "--lab"}}) {
     CommandLine commandLine;
     QString text;
 
@@ -74,7 +98,7 @@ TEST(ParseCommandLine, Help_NamesEveryOption) {
 
   EXPECT_EQ(krviewer::ParseCommandLine({"--help"}, commandLine, text), CommandLineStatus::Help);
 
-  EXPECT_TRUE(text.contains("krviewer [options]")) << text.toStdString();
+  EXPECT_TRUE(text.contains("krviewer [options] [DEVICE|FILE.xml]")) << text.toStdString();
   for (const char* option : {"--device", "--simulate", "--lab", "--frames", "--screenshot", "--headless"})
     EXPECT_TRUE(text.contains(option)) << option;
 }

@@ -1,0 +1,86 @@
+#include "descriptionviewer.h"
+
+#include "pictures.h"
+
+#include <QApplication>
+#include <QFileInfo>
+
+#include <cstdio>
+
+namespace krviewer {
+
+namespace {
+
+constexpr QSize kPreferredSize(600, 800);
+constexpr int kLookIntervalMs = 50;
+
+} // namespace
+
+DescriptionViewer::DescriptionViewer(const CommandLine& aCommandLine) : mCommandLine(aCommandLine) {
+  connect(&mTimer, &QTimer::timeout, this, &DescriptionViewer::LookAgain);
+  connect(&mMainWindow, &MainWindow::EndWanted, this, &DescriptionViewer::Finish);
+}
+
+KrResult DescriptionViewer::OpenArray() {
+  KrGenDescription description;
+  KrResult result = KrGenDescription::ReadFromFile(mCommandLine.descriptionFile.toStdString(), description);
+  if (result.IsOK())
+    result = KrGenParameterArray::Open(description, mMemory, {}, mArray);
+  return result;
+}
+
+KrResult DescriptionViewer::OpenWindow() {
+  const QString name = QFileInfo(mCommandLine.descriptionFile).fileName();
+  mMainWindow.setWindowTitle(name + QStringLiteral(" - description without a camera"));
+  KrResult result = mMainWindow.Embed(mBrowser, 1);
+  if (!result.IsOK())
+    return result;
+  mBrowser.SetGenParameterArray(mArray.get());
+  mMainWindow.ShowOnScreen(kPreferredSize);
+  return {};
+}
+
+int DescriptionViewer::Run() {
+  KrResult result = OpenArray();
+  if (result.IsOK())
+    result = OpenWindow();
+  if (!result.IsOK()) {
+    std::fprintf(stderr, "%s cannot be shown: %s\n", mCommandLine.descriptionFile.toLocal8Bit().constData(),
+                 result.GetDescription().CStr());
+    return 1;
+  }
+  std::printf("description=%s features=%zu\n", mCommandLine.descriptionFile.toLocal8Bit().constData(),
+              mArray->GetCount());
+  mTimer.start(kLookIntervalMs);
+  QApplication::exec();
+  mBrowser.SetGenParameterArray(nullptr);
+  return mExitCode;
+}
+
+void DescriptionViewer::LookAgain() {
+  // Headless nobody else would end it.
+  if (mStopSignal.IsRaised() || IsWithoutDisplay())
+    Finish();
+}
+
+void DescriptionViewer::Finish() {
+  if (mIsOver)
+    return;
+  mIsOver = true;
+  mTimer.stop();
+  if (!mCommandLine.screenshotFolder.isEmpty() && !SavePicture())
+    mExitCode = 1;
+  QCoreApplication::exit();
+}
+
+bool DescriptionViewer::SavePicture() {
+  mBrowser.Refresh();
+  const KrResult result = WriteBrowserPicture(mBrowser, mCommandLine.screenshotFolder);
+  if (result.IsOK())
+    std::printf("pictures=%s\n", mCommandLine.screenshotFolder.toLocal8Bit().constData());
+  else
+    std::fprintf(stderr, "No picture was written: %s\n", result.GetDescription().CStr());
+  return result.IsOK();
+}
+
+} // namespace krviewer

@@ -1,0 +1,72 @@
+#include "mainwindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace krviewer {
+
+namespace {
+
+// The part of the screen that a window never exceeds at first.
+constexpr double kLargestShareOfScreen = 0.9;
+
+bool IsEndingKey(const QKeyEvent& aEvent) {
+  const bool isPlain = (aEvent.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  const bool isKey = aEvent.key() == Qt::Key_Escape || aEvent.key() == Qt::Key_Return || aEvent.key() == Qt::Key_Enter;
+  return isPlain && isKey && !aEvent.isAutoRepeat();
+}
+
+} // namespace
+
+MainWindow::MainWindow() {
+  setChildrenCollapsible(false);
+}
+
+KrResult MainWindow::Embed(KrWnd& aWindow, int aShare) {
+  auto* const place = new QWidget;
+  auto* const layout = new QVBoxLayout(place);
+  layout->setContentsMargins(0, 0, 0, 0);
+  addWidget(place);
+  setStretchFactor(count() - 1, aShare);
+  mShares += aShare;
+  KrResult result = aWindow.CreateIn(place);
+  if (result.IsOK())
+    layout->addWidget(aWindow.GetWidget());
+  return result;
+}
+
+void MainWindow::ShowOnScreen(QSize aPreferredSize) {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  QRect place(QPoint(), aPreferredSize.boundedTo(screen.size() * kLargestShareOfScreen));
+  place.moveCenter(screen.center());
+  setGeometry(place);
+  // In proportion: the splitter makes of them what there is.
+  QList<int> widths;
+  for (const int share : mShares)
+    widths += share * place.width();
+  setSizes(widths);
+  show();
+}
+
+bool MainWindow::IsInEndingWindow() const {
+  const QWidget* const focused = QApplication::focusWidget();
+  const QWidget* const ending = mEndingWindow ? mEndingWindow->GetWidget() : nullptr;
+  return ending && (!focused || focused == this || focused == ending || ending->isAncestorOf(focused));
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* aEvent) {
+  if (IsEndingKey(*aEvent) && IsInEndingWindow())
+    close();
+  else
+    QSplitter::keyPressEvent(aEvent);
+}
+
+void MainWindow::closeEvent(QCloseEvent* aEvent) {
+  emit EndWanted();
+  aEvent->accept();
+}
+
+} // namespace krviewer
