@@ -1,5 +1,7 @@
 #include "mainwindow.h"
 
+#include "krgui/krwnd.h"
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>

@@ -2,9 +2,10 @@
 // The viewer's window: library windows side by side, each as wide as the user wants it. What they show is left to
 // whoever embeds them.
 
-#include "krgui/krwnd.h"
-
 #include <QSplitter>
+
+class KrResult;
+class KrWnd;
 
 namespace krviewer {
 
