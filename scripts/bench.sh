@@ -21,7 +21,7 @@ for program in build/release/benchmarks/bench_*; do
   found=1
   echo "# $name"
   case $name in
-    display) scripts/with-display.sh "$program" ;;
+    browser | display) scripts/with-display.sh "$program" ;;
     finder) scripts/with-network.sh scripts/with-display.sh "$program" ;;
     stream) scripts/with-network.sh "$program" ;;
     *) "$program" ;;

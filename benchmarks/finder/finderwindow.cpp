@@ -2,19 +2,15 @@
 
 #include "figure.h"
 #include "finderdevices.h"
+#include "heartbeat.h"
 #include "krgui/krdevicefinderwnd.h"
 
 #include <QCoreApplication>
 #include <QDialog>
-#include <QElapsedTimer>
-#include <QTimer>
 #include <QTreeWidget>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <ctime>
-#include <functional>
 
 namespace benchmarks {
 
@@ -26,21 +22,6 @@ constexpr qint64 kLimitMs = 30'000;
 constexpr int kClosings = 40;
 constexpr int kRoundMs = 1000; // The finder's.
 
-double GetMs(const QElapsedTimer& aTimer) {
-  return static_cast<double>(aTimer.nsecsElapsed()) / 1e6;
-}
-
-/// Runs the loop until a condition holds; false after the limit.
-bool RunUntil(const std::function<bool()>& aCondition, qint64 aLimitMs = kLimitMs) {
-  QElapsedTimer passed;
-  passed.start();
-  QTimer wake; // The loop must not wait for events beyond the limit.
-  wake.start(1);
-  while (!aCondition() && passed.elapsed() < aLimitMs)
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  return aCondition();
-}
-
 int CountDevices(const QTreeWidget& aTree) {
   int count = 0;
   for (int root = 0; root < aTree.topLevelItemCount(); ++root)
@@ -50,49 +31,6 @@ int CountDevices(const QTreeWidget& aTree) {
 
 QTreeWidget* FindTree(const KrWnd& aWindow) {
   return aWindow.GetWidget() ? aWindow.GetWidget()->findChild<QTreeWidget*>() : nullptr;
-}
-
-double GetThreadMs() {
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-/// The largest difference between two readings.
-class LargestStep {
-public:
-  explicit LargestStep(double aFirst) : mLast(aFirst) {}
-  void Take(double aReading) {
-    mLargest = std::max(mLargest, aReading - mLast);
-    mLast = aReading;
-  }
-  double Get() const { return mLargest; }
-
-private:
-  double mLast;
-  double mLargest = 0;
-};
-
-struct Gaps {
-  double wallMs = 0;
-  double busyMs = 0;
-};
-
-Gaps MeasureLargestGaps() {
-  QElapsedTimer clock;
-  clock.start();
-  LargestStep wall(0);
-  LargestStep busy(GetThreadMs());
-  QTimer heartbeat;
-  heartbeat.setTimerType(Qt::PreciseTimer);
-  QObject::connect(&heartbeat, &QTimer::timeout, [&] {
-    wall.Take(GetMs(clock));
-    busy.Take(GetThreadMs());
-  });
-  heartbeat.start(1);
-  while (clock.elapsed() < kHeartbeatMs)
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  return {wall.Get(), busy.Get()};
 }
 
 double MeasurePlainClosing() {
@@ -112,19 +50,19 @@ bool MeasureHeartbeat() {
   {
     QDialog empty;
     empty.show();
-    idle = MeasureLargestGaps();
+    idle = MeasureLargestGaps(kHeartbeatMs);
   }
   const RegisteredDevices devices(kDevices);
   KrDeviceFinderWnd finder;
   const bool isOpen = finder.ShowModeless(0).IsOK();
   QTreeWidget* const tree = isOpen ? FindTree(finder) : nullptr;
-  if (!tree || !RunUntil([&] { return CountDevices(*tree) == static_cast<int>(kDevices); })) {
+  if (!tree || !RunUntil([&] { return CountDevices(*tree) == static_cast<int>(kDevices); }, kLimitMs)) {
     std::fprintf(stderr, "The finder does not show all devices.\n");
     return false;
   }
   // The selected node's lists are brought up to date in every pass.
   tree->setCurrentItem(tree->topLevelItem(0)->child(0));
-  const Gaps gaps = MeasureLargestGaps();
+  const Gaps gaps = MeasureLargestGaps(kHeartbeatMs);
   PrintFigure("finder_100_largest_gap", gaps.wallMs, "ms", "empty_dialog", idle.wallMs);
   PrintFigure("finder_100_largest_gap_wish", gaps.wallMs, "ms", "wish", 16);
   PrintFigure("finder_100_largest_busy", gaps.busyMs, "ms", "empty_dialog", idle.busyMs);
