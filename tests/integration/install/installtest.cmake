@@ -44,7 +44,7 @@ foreach(description IN LISTS descriptions)
   endforeach()
 endforeach()
 
-foreach(example IN ITEMS list_devices pick_camera set_parameters show_camera)
+foreach(example IN ITEMS feature_browser list_devices own_browser pick_camera set_parameters show_camera)
   set(folder "${WORK_FOLDER}/${example}")
   run_or_fail("Configuring ${example}" "${CMAKE_COMMAND}" -G "${GENERATOR}" -S "${EXAMPLES_FOLDER}/${example}" -B "${folder}"
     "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_FLAGS=${sanitizeFlag}")
