@@ -45,8 +45,7 @@ public:
   }
 
 private:
-  // Every feature for experts under its first category, in the order of the camera. Rows follow their features by
-  // themselves once they were read.
+  // Every feature for experts under its first category. Rows follow their features by themselves once they were read.
   void Fill(KrGenParameterArray& aArray) {
     std::uint64_t categoryRow = 0;
     KrString last;
