@@ -241,6 +241,9 @@ void PropertiesGrid::SelectItem(GridItem aItem) {
 /// The edit whose editor is still open is dropped; one that lost the focus before has been posted.
 void PropertiesGrid::selectionChanged(const QItemSelection& aSelected, const QItemSelection& aDeselected) {
   QTreeView::selectionChanged(aSelected, aDeselected);
+  // The view tells it of a new model, too: at the begin and at the end of the grid.
+  if (mEditors == nullptr)
+    return;
   mEditors->CloseWithoutWriting();
   PostRowOfSelected();
   mSelection->NoteChange(*this);
