@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "krgui/krwnd.h"
+#include "pictures.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -12,7 +13,7 @@ namespace krviewer {
 
 namespace {
 
-// The part of the screen that a window never exceeds at first.
+// The part of the screen that a window never exceeds at first, where there is a screen.
 constexpr double kLargestShareOfScreen = 0.9;
 
 bool IsEndingKey(const QKeyEvent& aEvent) {
@@ -42,7 +43,8 @@ KrResult MainWindow::Embed(KrWnd& aWindow, int aShare) {
 
 void MainWindow::ShowOnScreen(QSize aPreferredSize) {
   const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-  QRect place(QPoint(), aPreferredSize.boundedTo(screen.size() * kLargestShareOfScreen));
+  const QSize largest = IsWithoutDisplay() ? aPreferredSize : screen.size() * kLargestShareOfScreen;
+  QRect place(QPoint(), aPreferredSize.boundedTo(largest));
   place.moveCenter(screen.center());
   setGeometry(place);
   // In proportion: the splitter makes of them what there is.

@@ -36,6 +36,7 @@ QString GetStateText(const AcquisitionProgress& aProgress) {
 Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
     : mDeviceInfo(aDevice), mCommandLine(aCommandLine) {
   connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
+  connect(&mMainWindow, &MainWindow::EndWanted, this, &Viewer::Finish);
 }
 
 Viewer::~Viewer() = default;
@@ -93,7 +94,7 @@ void Viewer::TellMissingFeatures(const AcquisitionProgress& aProgress) {
 }
 
 void Viewer::Finish() {
-  if (mIsOver)
+  if (mIsOver || !mAcquisition)
     return;
   mIsOver = true;
   mTimer.stop();
