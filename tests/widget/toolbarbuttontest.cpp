@@ -1,5 +1,6 @@
 #include "platform/toolbarbutton.h"
 
+#include "paintcounter.h"
 #include "platform/systemcolours.h"
 #include "res/bitmaps.h"
 
@@ -21,20 +22,6 @@ using krgui::ToolBarButton;
 
 constexpr int kSide = 24;
 constexpr int kNone = 0;
-
-/// Counts how often a widget is painted.
-class PaintCounter : public QObject {
-public:
-  explicit PaintCounter(QWidget& aWidget) : QObject(&aWidget) { aWidget.installEventFilter(this); }
-
-  int mCount = 0;
-
-private:
-  bool eventFilter(QObject* aWatched, QEvent* aEvent) override {
-    mCount += aEvent->type() == QEvent::Paint ? 1 : 0;
-    return QObject::eventFilter(aWatched, aEvent);
-  }
-};
 
 class ToolBarButtons : public testing::Test {
 protected:
