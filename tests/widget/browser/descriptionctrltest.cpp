@@ -21,20 +21,20 @@ using krgui::DescriptionCtrl;
 using testing::ElementsAre;
 
 /// A piece of the pane's text with one format.
-struct Run {
+struct TextRun {
   std::string text;
   bool isBold = false;
   int pixelHeight = 0; ///< 0 for the default height.
 
-  friend bool operator==(const Run&, const Run&) = default;
-  friend void PrintTo(const Run& aRun, std::ostream* aStream) {
+  friend bool operator==(const TextRun&, const TextRun&) = default;
+  friend void PrintTo(const TextRun& aRun, std::ostream* aStream) {
     *aStream << '"' << aRun.text << "\" " << (aRun.isBold ? "bold " : "") << aRun.pixelHeight;
   }
 };
 
 /// Each line's runs, line after line.
-std::vector<Run> GetRuns(const DescriptionCtrl& aPane) {
-  std::vector<Run> runs;
+std::vector<TextRun> GetRuns(const DescriptionCtrl& aPane) {
+  std::vector<TextRun> runs;
   for (QTextBlock block = aPane.document()->begin(); block.isValid(); block = block.next()) {
     for (auto part = block.begin(); !part.atEnd(); ++part) {
       const QTextCharFormat format = part.fragment().charFormat();
@@ -75,7 +75,7 @@ TEST_F(DescriptionCtrls, Markup_ShowsItsRuns) {
   struct Row {
     const char* name;
     const char* text;
-    std::vector<Run> expected;
+    std::vector<TextRun> expected;
   };
   const Row rows[] = {
       {"plain", "text", {{"text"}}},
@@ -102,7 +102,8 @@ TEST_F(DescriptionCtrls, EachWayToAppend_HasItsFormat) {
   mPane.AddText("dB");
   mPane.AddMarkup(" <b>x</b>");
 
-  EXPECT_THAT(GetRuns(mPane), ElementsAre(Run{"Gain", true, 13}, Run{"Unit: ", true}, Run{"dB "}, Run{"x", true}));
+  EXPECT_THAT(GetRuns(mPane),
+              ElementsAre(TextRun{"Gain", true, 13}, TextRun{"Unit: ", true}, TextRun{"dB "}, TextRun{"x", true}));
   EXPECT_EQ(mPane.toPlainText(), "Gain\nUnit: dB x");
 }
 
@@ -117,7 +118,7 @@ TEST_F(DescriptionCtrls, Title_IsOnePointThreeTimesAsHighRounded) {
 
     mPane.AddTitle("Gain");
 
-    EXPECT_THAT(GetRuns(mPane), ElementsAre(Run{"Gain", true, row.title})) << row.height;
+    EXPECT_THAT(GetRuns(mPane), ElementsAre(TextRun{"Gain", true, row.title})) << row.height;
   }
 }
 
@@ -127,7 +128,7 @@ TEST_F(DescriptionCtrls, ChangedFont_ScalesTitlesAgainAndNothingElse) {
 
   mWindow.setFont(MakeFont(20));
 
-  EXPECT_THAT(GetRuns(mPane), ElementsAre(Run{"Gain", true, 26}, Run{"text"}));
+  EXPECT_THAT(GetRuns(mPane), ElementsAre(TextRun{"Gain", true, 26}, TextRun{"text"}));
   EXPECT_EQ(QFontInfo(mPane.document()->defaultFont()).pixelSize(), 20);
 }
 
@@ -153,7 +154,7 @@ TEST_F(DescriptionCtrls, Clear_EmptiesItAndBeginsAnew) {
 
   mPane.AddText("text");
 
-  EXPECT_THAT(GetRuns(mPane), ElementsAre(Run{"text"}));
+  EXPECT_THAT(GetRuns(mPane), ElementsAre(TextRun{"text"}));
 }
 
 TEST_F(DescriptionCtrls, DevicesText_IsNoMarkup) {
