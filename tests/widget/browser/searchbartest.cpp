@@ -1,5 +1,6 @@
 #include "krgui/genbrowsersearchbar.h"
 
+#include "browser/genbrowserwnd.h"
 #include "browser/gridcolours.h"
 #include "describedcamera.h"
 #include "krgui/propertiesctrl.h"
@@ -214,6 +215,22 @@ TEST_F(SearchBars, DisplayNames_AreNotSearchedWithoutABrowser) {
   mBar->SetText("Shown");
 
   EXPECT_EQ(GetResult(), "No result found");
+}
+
+TEST_F(SearchBars, BrowserThatShowsDisplayNames_HasThemSearched) {
+  krgui::GenBrowserWnd browser([](KrGenParameter*) { return true; });
+  KrPropertyList options;
+  options.Add({"Names", "DisplayNames"});
+  browser.LoadOptions(options);
+  const GenBrowserSearchBar bar(&browser, mGrid, &mWindow);
+  auto* const field = bar.findChild<QLineEdit*>();
+
+  field->setText("otua");
+  EXPECT_EQ(bar.GetResultText(), "Result 1 of 1");
+  EXPECT_EQ(GetSelected(), "GainAuto");
+
+  field->setText("gainauto");
+  EXPECT_EQ(bar.GetResultText(), "No result found");
 }
 
 TEST_F(SearchBars, Categories_AreNotSearched) {
