@@ -42,7 +42,7 @@ private:
   const std::uint16_t mBitmapID;
   const std::int32_t mDisabledBitmapID;
   std::uint32_t mIsChecked = 0;
-  bool mIsKeyboardFocus = false; ///< It was the keyboard that brought the focus.
+  bool mIsKeyboardFocus = true; ///< The mouse did not bring the focus.
 };
 
 } // namespace krgui
