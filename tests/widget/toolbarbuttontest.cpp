@@ -225,12 +225,12 @@ TEST_F(ToolBarButtons, MouseThatComesAndGoes_ChangesTheTint) {
 
   QTest::mouseMove(&button, {10, 10});
   EXPECT_TRUE(QTest::qWaitFor([&counter] { return counter.mCount == 1; }));
-  EXPECT_EQ(button.grab().toImage().pixelColor(1, 1), GetColour(SystemColour::GradientActiveCaption));
+  EXPECT_EQ(button.grab().toImage().pixelColor(0, 0), GetColour(SystemColour::GradientActiveCaption));
 
   counter.mCount = 0;
   QTest::mouseMove(&mWindow, {150, 80});
   EXPECT_TRUE(QTest::qWaitFor([&counter] { return counter.mCount == 1; }));
-  EXPECT_EQ(button.grab().toImage().pixelColor(1, 1), GetColour(SystemColour::ButtonFace));
+  EXPECT_EQ(button.grab().toImage().pixelColor(0, 0), GetColour(SystemColour::ButtonFace));
 }
 
 TEST_F(ToolBarButtons, MouseAndSpace_PressIt) {
