@@ -170,8 +170,9 @@ std::size_t SettingsDifference::CountChanges() const {
 }
 
 std::string SettingsDifference::Summarize() const {
-  std::string text = std::to_string(Count(Kind::Different)) + " of " +
-                     CountOf(settings.size(), "setting differs", "settings differ") + " from the file.";
+  const std::size_t different = Count(Kind::Different);
+  std::string text = std::to_string(different) + " of " + CountOf(settings.size(), "setting", "settings") +
+                     (different == 1 ? " differs" : " differ") + " from the file.";
   if (const std::size_t count = Count(Kind::NoPresentValue); count > 0)
     text += " " + CountOf(count, "has", "have") + " no value on the device now.";
   if (const std::size_t count = Count(Kind::NoFeature); count > 0)

@@ -53,11 +53,4 @@ std::vector<SettingsProblem> PartSettingsProblems(const KrStringList& aProblems)
   return problems;
 }
 
-std::string FormatSettingsProblems(const std::vector<SettingsProblem>& aProblems) {
-  std::string text;
-  for (const SettingsProblem& problem : aProblems)
-    text += problem.feature + "\t" + problem.reason + "\n";
-  return text;
-}
-
 } // namespace krgui

@@ -19,7 +19,4 @@ struct SettingsProblem {
 /// Parts the problems of KrGenParameterArray::StoreSettings and RestoreSettings.
 std::vector<SettingsProblem> PartSettingsProblems(const KrStringList& aProblems);
 
-/// One line for each: feature, tab, reason.
-std::string FormatSettingsProblems(const std::vector<SettingsProblem>& aProblems);
-
 } // namespace krgui

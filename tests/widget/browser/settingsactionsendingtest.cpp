@@ -1,0 +1,178 @@
+// Saving and restoring features that end before their end: by the user, or with the window or the device.
+
+#include "settingsactionsfixture.h"
+
+namespace krgui {
+namespace {
+
+using testing::HasSubstr;
+
+TEST_F(SettingsActions, Save_CancelledWhileReading_WritesNothing) {
+  HeldDevice device(camera);
+  Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))},
+                   {"settingsprogress", [&](QWidget& aDialog) {
+                      device.Await();
+                      Click("Cancel")(aDialog);
+                      EXPECT_TRUE(aDialog.isVisible()) << "the work is still under way";
+                      device.LetGo();
+                    }}});
+
+  EXPECT_TRUE(Save());
+
+  EXPECT_TRUE(folder.GetNames().empty());
+}
+
+TEST_F(SettingsActions, Restore_CancelledAtAStepBeforeOK_WritesNothing) {
+  const std::string file = WriteFile("Width\t5\n");
+  const std::vector<Answers::Answer> steps = {{"settingsfile", ChooseFile(file)}, {"settingscomparison", {}}};
+
+  for (std::size_t last = 0; last < steps.size(); ++last) {
+    std::vector<Answers::Answer> answers(steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(last) + 1);
+    answers.back().step = PressEscape();
+    Answers user(answers);
+
+    EXPECT_TRUE(Restore()) << last;
+
+    EXPECT_EQ(GetByte(0), 0) << last;
+    EXPECT_FALSE(hasWritten) << last;
+  }
+}
+
+TEST_F(SettingsActions, Restore_CancelledWhileComparing_ShowsNothingMore) {
+  const std::string file = WriteFile("Width\t5\n");
+  HeldDevice device(camera);
+  QPointer<QWidget> first;
+  Answers answers({{"settingsfile", ChooseFile(file)}, {"settingsprogress", [&](QWidget& aDialog) {
+                                                          device.Await();
+                                                          QTest::keyClick(QApplication::activeModalWidget(),
+                                                                          Qt::Key_Escape);
+                                                          EXPECT_NE(aDialog.objectName(), QString());
+                                                          device.LetGo();
+                                                        }}});
+
+  EXPECT_TRUE(Restore());
+
+  EXPECT_FALSE(hasWritten);
+}
+
+TEST_F(SettingsActions, Restore_CancelledWhileWriting_LeavesWhatWasSetAndSaysHowMuchIsLeft) {
+  const std::string file = WriteFile("Width\t5\nHeight\t6\n");
+  std::atomic<bool> isHeld = false;
+  std::atomic<bool> isLetGo = false;
+  std::vector<std::string> rows;
+  camera.port.SetFault([&](const RegisterAccessRecord& aRecord) {
+    isHeld = isHeld || aRecord.isWrite;
+    while (aRecord.isWrite && !isLetGo)
+      std::this_thread::yield();
+    return KrResult();
+  });
+  Answers answers({{"settingsfile", ChooseFile(file)},
+                   {"settingscomparison", Click("Restore")},
+                   {"settingsprogress",
+                    [&](QWidget& aDialog) {
+                      EXPECT_TRUE(QTest::qWaitFor([&] { return isHeld.load(); }, 60'000));
+                      Click("Cancel")(aDialog);
+                      isLetGo = true;
+                    }},
+                   {"settingsproblems", [&](QWidget& aDialog) {
+                      rows = GetRows(aDialog);
+                      PressEscape()(aDialog);
+                    }}});
+
+  EXPECT_TRUE(Restore());
+
+  EXPECT_EQ(GetByte(0), 5);
+  EXPECT_EQ(GetByte(4), 0);
+  EXPECT_THAT(rows, testing::Contains(HasSubstr("1 further settings were not tried")));
+  EXPECT_TRUE(hasWritten);
+}
+
+class SettingsActionsEnding : public SettingsActions, public testing::WithParamInterface<const char*> {
+protected:
+  void End() {
+    if (std::string(GetParam()) == "OwnerDeleted")
+      owner.reset();
+    else
+      mEnd.request_stop();
+  }
+  Step EndAtOnce() {
+    return [this](QWidget&) { End(); };
+  }
+
+  std::stop_source mEnd;
+};
+
+TEST_P(SettingsActionsEnding, SaveAtEachDialog_EndsWithoutAFile) {
+  FailAtHeight(camera);
+  const std::string file = folder.GetFile("old.txt");
+  TemporaryFolder::WriteFile(file, "mine");
+  const std::vector<Answers::Answer> steps = {
+      {"settingsfile", ChooseFile(file)}, {"message", Click("Yes")}, {"settingsproblems", {}}};
+
+  for (std::size_t last = 0; last < steps.size(); ++last) {
+    SCOPED_TRACE(steps[last].dialog);
+    owner = std::make_unique<QWidget>();
+    owner->show();
+    mEnd = {};
+    std::vector<Answers::Answer> answers(steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(last) + 1);
+    answers.back().step = EndAtOnce();
+    Answers user(answers);
+
+    EXPECT_FALSE(Save(mEnd.get_token()));
+
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_EQ(TemporaryFolder::ReadFile(file), "mine");
+  }
+}
+
+TEST_P(SettingsActionsEnding, RestoreAtEachDialog_EndsWithoutWritingBeforeOK) {
+  const std::string file = WriteFile("Width\tabc\n");
+  const std::vector<Answers::Answer> steps = {
+      {"settingsfile", ChooseFile(file)}, {"settingscomparison", Click("Restore")}, {"settingsproblems", {}}};
+
+  for (std::size_t last = 0; last < steps.size(); ++last) {
+    SCOPED_TRACE(steps[last].dialog);
+    owner = std::make_unique<QWidget>();
+    owner->show();
+    mEnd = {};
+    std::vector<Answers::Answer> answers(steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(last) + 1);
+    answers.back().step = EndAtOnce();
+    Answers user(answers);
+
+    EXPECT_FALSE(Restore(mEnd.get_token()));
+
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_EQ(hasWritten, last == 2);
+  }
+}
+
+TEST_P(SettingsActionsEnding, WhileTheDeviceIsAsked_IsWaitedForAndEndsEverything) {
+  HeldDevice device(camera);
+  std::jthread release;
+  Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))}, {"settingsprogress", [&](QWidget&) {
+                                                                                device.Await();
+                                                                                // The access comes to its end while the
+                                                                                // window waits for it.
+                                                                                release = std::jthread(
+                                                                                    [&] { device.LetGo(); });
+                                                                                End();
+                                                                              }}});
+
+  EXPECT_FALSE(Save(mEnd.get_token()));
+
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_TRUE(folder.GetNames().empty());
+}
+
+TEST_P(SettingsActionsEnding, BeforeItBegins_ShowsNothing) {
+  mEnd.request_stop();
+
+  EXPECT_FALSE(Save(mEnd.get_token()));
+  EXPECT_FALSE(Restore(mEnd.get_token()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, SettingsActionsEnding, testing::Values("OwnerDeleted", "EndRequested"),
+                         [](const auto& aInfo) { return std::string(aInfo.param); });
+
+} // namespace
+} // namespace krgui
