@@ -66,7 +66,7 @@ protected:
                            .heading = aHeading,
                            .accept = aAccept,
                            .cancel = aAccept.isEmpty() ? QStringLiteral("Close") : QStringLiteral("Cancel")},
-                          QStringLiteral("Problems"), {35, 65});
+                          QStringLiteral("Problems"), {25, 75});
     dialog.SetRows({.count = static_cast<int>(problems.size()),
                     .headings = {QStringLiteral("Feature"), QStringLiteral("Reason")},
                     .getText = [&problems](int aRow, int aColumn) {

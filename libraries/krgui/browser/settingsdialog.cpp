@@ -3,7 +3,10 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTextDocument>
+#include <QTextOption>
 #include <QVBoxLayout>
 
 namespace krgui {
@@ -11,7 +14,8 @@ namespace krgui {
 namespace {
 
 constexpr int kPreferredLetters = 130;
-constexpr int kPreferredLines = 26;
+constexpr int kPreferredLines = 32;
+constexpr int kDetailLines = 5;
 
 } // namespace
 
@@ -28,7 +32,9 @@ SettingsDialog::SettingsDialog(QWidget* aOwner, const SettingsDialogTexts& aText
   heading->setWordWrap(true);
   heading->setTextInteractionFlags(Qt::TextSelectableByMouse);
   // A long name must not make the dialog wider than the screen.
-  heading->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  policy.setHeightForWidth(true);
+  heading->setSizePolicy(policy);
   mTable = new SettingsTable(aTableName, aShares, &dialog);
 
   mButtonRow = new QHBoxLayout;
@@ -39,6 +45,7 @@ SettingsDialog::SettingsDialog(QWidget* aOwner, const SettingsDialogTexts& aText
   auto* content = new QVBoxLayout(&dialog);
   content->addWidget(heading);
   content->addWidget(mTable, 1);
+  content->addWidget(MakeDetails());
   content->addLayout(mButtonRow);
 
   QObject::connect(copy, &QPushButton::clicked, mTable, [this] { mTable->CopyAll(); });
@@ -52,6 +59,22 @@ SettingsDialog::SettingsDialog(QWidget* aOwner, const SettingsDialogTexts& aText
 }
 
 SettingsDialog::~SettingsDialog() = default;
+
+/// What cells are too narrow for, also for those who have no mouse to see it as a tooltip.
+QWidget* SettingsDialog::MakeDetails() {
+  auto* details = new QPlainTextEdit(GetDialog());
+  details->setObjectName(QStringLiteral("details"));
+  details->setAccessibleName(QStringLiteral("Selected row"));
+  details->setReadOnly(true);
+  details->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  details->setTabChangesFocus(true);
+  details->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  details->setFixedHeight(kDetailLines * details->fontMetrics().lineSpacing() + 2 * details->frameWidth() +
+                          static_cast<int>(2 * details->document()->documentMargin()));
+  QObject::connect(mTable, &SettingsTable::CurrentChanged, details,
+                   [this, details] { details->setPlainText(mTable->DescribeCurrent()); });
+  return details;
+}
 
 QPushButton* SettingsDialog::AddButton(const QString& aText) {
   auto* button = new QPushButton(aText, GetDialog());

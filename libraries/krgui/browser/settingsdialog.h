@@ -38,6 +38,7 @@ protected:
 
 private:
   QPushButton* AddButton(const QString& aText);
+  QWidget* MakeDetails();
   void OnAccept() override;
   void OnCancel() override;
 

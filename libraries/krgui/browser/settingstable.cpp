@@ -2,7 +2,9 @@
 
 #include "platform/plainline.h"
 
+#include <QBrush>
 #include <QClipboard>
+#include <QColor>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -44,6 +46,14 @@ QString BreakWords(const QString& aText) {
   return text;
 }
 
+/// Readable in any theme, which what is disabled is not.
+QColor MakeFaint(const QPalette& aPalette) {
+  const QColor text = aPalette.color(QPalette::Text);
+  const QColor base = aPalette.color(QPalette::Base);
+  const auto blend = [](int aText, int aBase) { return (3 * aText + 2 * aBase) / 5; };
+  return {blend(text.red(), base.red()), blend(text.green(), base.green()), blend(text.blue(), base.blue())};
+}
+
 QString ToCopied(const KrString& aText) {
   return QString::fromStdU16String(aText.ToWide());
 }
@@ -74,7 +84,7 @@ QVariant SettingsModel::data(const QModelIndex& aIndex, int aRole) const {
     return text.isEmpty() ? QVariant() : QVariant(ToPlainToolTip(BreakWords(text)));
   }
   if (aRole == Qt::ForegroundRole && mRows.isFaint && mRows.isFaint(aIndex.row()))
-    return QGuiApplication::palette().brush(QPalette::Disabled, QPalette::Text);
+    return QBrush(MakeFaint(QGuiApplication::palette()));
   return {};
 }
 
@@ -122,6 +132,22 @@ void SettingsTable::resizeEvent(QResizeEvent* aEvent) {
   mIsShared = true;
   for (std::size_t i = 0; i + 1 < mShares.size(); ++i)
     setColumnWidth(static_cast<int>(i), viewport()->width() * mShares[i] / 100);
+}
+
+QString SettingsTable::DescribeCurrent() const {
+  QStringList parts;
+  const SettingsRows& rows = mModel->GetRows();
+  for (int column = 0; currentIndex().isValid() && column < mModel->columnCount(); ++column) {
+    const QString text = ToShown(rows.getText(currentIndex().row(), column));
+    if (!text.isEmpty())
+      parts.append(rows.headings.value(column) + QStringLiteral(": ") + text);
+  }
+  return parts.join(QLatin1Char('\n'));
+}
+
+void SettingsTable::currentChanged(const QModelIndex& aCurrent, const QModelIndex& aPrevious) {
+  QTreeView::currentChanged(aCurrent, aPrevious);
+  Q_EMIT CurrentChanged();
 }
 
 QString SettingsTable::FormatRow(int aRow) const {

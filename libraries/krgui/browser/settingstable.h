@@ -54,8 +54,14 @@ public:
   void SetRows(SettingsRows aRows);
   /// All rows, with the headings.
   void CopyAll() const;
+  /// The current row on lines of their own, with more of long texts than a cell shows; empty without one.
+  QString DescribeCurrent() const;
+
+Q_SIGNALS:
+  void CurrentChanged();
 
 protected:
+  void currentChanged(const QModelIndex& aCurrent, const QModelIndex& aPrevious) override;
   void keyPressEvent(QKeyEvent* aEvent) override;
   void resizeEvent(QResizeEvent* aEvent) override;
 
