@@ -209,8 +209,12 @@ private:
       ComparedFeature feature = {.type = parameter->GetType()};
       std::unordered_set<KrGenParameter*> seen{parameter};
       AddSelectors(*parameter, feature.selectors, seen);
-      if (!known.contains(setting.name.ToUtf8()))
+      if (!known.contains(setting.name.ToUtf8())) {
         feature.limit = DescribeLimit(*parameter);
+        KrString current;
+        if (feature.selectors.empty() && parameter->ToString(current).IsOK())
+          feature.current = current;
+      }
       features.emplace(setting.name.ToUtf8(), std::move(feature));
     }
     return features;

@@ -126,6 +126,17 @@ TEST(SettingsDifference, FeatureWithoutAPresentValue_HasItsLimitAsNote) {
   EXPECT_EQ(difference.CountChanges(), 1U);
 }
 
+TEST(SettingsDifference, LockedFeatureWhoseValueIsKnown_IsComparedWithIt) {
+  const ComparedFeatures features = {
+      {"Clock", {.type = KrGenType::Integer, .current = "4", .limit = "Locked by TLParamsLocked (1)."}}};
+  KrGenSettings same = MakeSettings({{"Clock", "0x4"}});
+  KrGenSettings other = MakeSettings({{"Clock", "5"}});
+
+  EXPECT_THAT(Describe(CompareSettings(same, {}, features)), ElementsAre("Clock[] 4->0x4 same"));
+  EXPECT_THAT(Describe(CompareSettings(other, {}, features)), ElementsAre("Clock[] 4->5 different"));
+  EXPECT_EQ(CompareSettings(other, {}, features).settings[0].note, "Locked by TLParamsLocked (1).");
+}
+
 TEST(SettingsDifference, OnlyTheDeviceHas_IsLeftOut) {
   EXPECT_THAT(Compare({}, {{"Width", "1"}}).settings, IsEmpty());
 }

@@ -196,9 +196,10 @@ SettingsDifference CompareSettings(const KrGenSettings& aFile, const KrGenSettin
   for (const Places::value_type* const place : order) {
     const auto feature = aFeatures.find(place->second.setting->name.ToUtf8());
     const auto value = present.find(place->first);
-    difference.settings.push_back(Compare(place->second,
-                                          value == present.end() ? nullptr : &value->second.setting->value,
-                                          feature == aFeatures.end() ? nullptr : &feature->second));
+    const KrString* now = value == present.end() ? nullptr : &value->second.setting->value;
+    if (!now && feature != aFeatures.end() && feature->second.current && feature->second.selectors.empty())
+      now = &*feature->second.current;
+    difference.settings.push_back(Compare(place->second, now, feature == aFeatures.end() ? nullptr : &feature->second));
   }
   return difference;
 }

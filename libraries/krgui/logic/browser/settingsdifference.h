@@ -6,6 +6,7 @@
 #include "krgenicam/krgentypes.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -16,7 +17,9 @@ namespace krgui {
 struct ComparedFeature {
   KrGenType type = KrGenType::Other;
   std::vector<std::string> selectors = {}; ///< Names, those of its selectors' selectors among them, these first.
-  std::string limit = {};                  ///< Why it cannot be set at the moment; empty where it can.
+  /// Its value where nothing selects it, though it is not among the settings that are saved: it is locked, for example.
+  std::optional<KrString> current = {};
+  std::string limit = {}; ///< Why it cannot be set at the moment; empty where it can.
 };
 
 /// The features of a device by name; what is not here the device does not have.
