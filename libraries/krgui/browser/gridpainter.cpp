@@ -73,7 +73,8 @@ QRect GridPainter::Place(const GridRow& aRow, const GridRect& aRect) const {
 void GridPainter::PaintCategory(QPainter& aPainter, const GridRow& aRow) const {
   const GridColours& colours = mLook.colours;
   aPainter.fillRect(ToQRect(aRow.geometry.row), colours.face);
-  aPainter.drawPixmap(Place(aRow, aRow.geometry.GetGlyph()), aRow.isOpen ? mLook.openGlyph : mLook.closedGlyph);
+  if (aRow.hasGlyph)
+    aPainter.drawPixmap(Place(aRow, aRow.geometry.GetGlyph()), aRow.isOpen ? mLook.openGlyph : mLook.closedGlyph);
   aPainter.setFont(mLook.font);
   const QRect nameRect = Place(aRow, aRow.geometry.GetCategoryName());
   const QString name = mMetrics.elidedText(aRow.name, Qt::ElideRight, nameRect.width());
@@ -83,8 +84,7 @@ void GridPainter::PaintCategory(QPainter& aPainter, const GridRow& aRow) const {
                              .adjusted(-kSelectionMargin, 0, kSelectionMargin, 0);
     aPainter.fillRect(ground, colours.highlight);
   }
-  aPainter.setPen(aRow.isSelected ? MakeReadable(colours.highlightText, colours.highlight)
-                                  : MakeReadable(colours.greyText, colours.face));
+  aPainter.setPen(aRow.isSelected ? colours.highlightText : MakeReadable(colours.greyText, colours.face));
   PaintText(aPainter, nameRect, name);
 }
 
@@ -97,7 +97,7 @@ void GridPainter::PaintFeature(QPainter& aPainter, const GridRow& aRow) const {
   PaintName(aPainter, aRow, ground);
   const QRect valueRect = Place(aRow, aRow.geometry.GetValueText());
   aPainter.setFont(mLook.font);
-  aPainter.setPen(MakeReadable(aRow.isEditable ? mLook.colours.text : mLook.colours.greyText, ground));
+  aPainter.setPen(ChooseValueColour(aRow, ground));
   PaintText(aPainter, valueRect, mMetrics.elidedText(aRow.value, Qt::ElideRight, valueRect.width()));
 }
 
@@ -108,6 +108,14 @@ QColor GridPainter::FindGround(const GridRow& aRow) const {
   if (aRow.tint == RowTint::IsSelector)
     return colours.isSelector;
   return aRow.tint == RowTint::HasSelectors ? colours.hasSelectors : colours.window;
+}
+
+/// On the highlight the theme's own text is what can be read where the usual one cannot.
+QColor GridPainter::ChooseValueColour(const GridRow& aRow, const QColor& aGround) const {
+  const QColor& colour = aRow.isEditable ? mLook.colours.text : mLook.colours.greyText;
+  if (aRow.isSelected && mLook.hasFocus && GetContrast(colour, aGround) < kLeastContrast)
+    return mLook.colours.highlightText;
+  return MakeReadable(colour, aGround);
 }
 
 void GridPainter::PaintLines(QPainter& aPainter, const GridRow& aRow) const {
@@ -125,7 +133,7 @@ void GridPainter::PaintName(QPainter& aPainter, const GridRow& aRow, const QColo
   const bool isHighlighted = aRow.isSelected && mLook.hasFocus;
   const QString name = (aRow.isBold ? mBoldMetrics : mMetrics).elidedText(aRow.name, Qt::ElideRight, nameRect.width());
   aPainter.setFont(aRow.isBold ? mBoldFont : mLook.font);
-  aPainter.setPen(MakeReadable(isHighlighted ? mLook.colours.highlightText : mLook.colours.text, aGround));
+  aPainter.setPen(isHighlighted ? mLook.colours.highlightText : MakeReadable(mLook.colours.text, aGround));
   if (aRow.match)
     PaintMatch(aPainter, nameRect, name, *aRow.match);
   else

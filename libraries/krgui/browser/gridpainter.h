@@ -29,7 +29,8 @@ struct GridRow {
   std::optional<TextMatch> match; ///< What of the name was searched for.
   RowTint tint = RowTint::None;
   bool isCategory = false;
-  bool isOpen = false; ///< A category's children are shown.
+  bool hasGlyph = false; ///< A category has children.
+  bool isOpen = false;   ///< They are shown.
   bool isSelected = false;
   bool isEditable = false;
   bool isBold = false;
@@ -65,6 +66,7 @@ private:
   void PaintName(QPainter& aPainter, const GridRow& aRow, const QColor& aGround) const;
   void PaintText(QPainter& aPainter, const QRect& aRect, const QString& aText) const;
   void PaintMatch(QPainter& aPainter, const QRect& aRect, const QString& aText, const TextMatch& aMatch) const;
+  QColor ChooseValueColour(const GridRow& aRow, const QColor& aGround) const;
   QColor FindGround(const GridRow& aRow) const;
   /// A rectangle of the row where it is on the screen, in either layout direction.
   QRect Place(const GridRow& aRow, const GridRect& aRect) const;

@@ -359,6 +359,7 @@ GridRow PropertiesGrid::MakeRow(GridItem aItem, const QRect& aRow) const {
   row.name = ToShortLine(node.GetShownName(), aRow.width());
   if (node.GetCategory() != nullptr) {
     row.isCategory = true;
+    row.hasGlyph = !item->children.empty();
     row.isOpen = isExpanded(mModel->ToIndex(aItem));
     return row;
   }
@@ -389,6 +390,15 @@ void PropertiesGrid::paintEvent(QPaintEvent* aEvent) {
 void PropertiesGrid::doItemsLayout() {
   QTreeView::doItemsLayout();
   mQueue->PostOnce({kMarkOnScreenMessage, 0, 0});
+}
+
+/// The view's own leaves out the last pixel, where the row's line is.
+void PropertiesGrid::scrollTo(const QModelIndex& aIndex, ScrollHint aHint) {
+  QTreeView::scrollTo(aIndex, aHint);
+  const QRect row = visualRect(aIndex);
+  const int hidden = row.bottom() - viewport()->rect().bottom();
+  if (hidden > 0 && row.top() >= hidden)
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + hidden);
 }
 
 void PropertiesGrid::scrollContentsBy(int aX, int aY) {

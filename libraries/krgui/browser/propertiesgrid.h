@@ -83,6 +83,7 @@ public:
   void SetContextMenu(int aMenuID, std::function<void(int)> aPerform) { mMenu.SetTable(aMenuID, std::move(aPerform)); }
 
   void doItemsLayout() override;
+  void scrollTo(const QModelIndex& aIndex, ScrollHint aHint = EnsureVisible) override;
 
 protected:
   void drawRow(QPainter* aPainter, const QStyleOptionViewItem& aOption, const QModelIndex& aIndex) const override;
