@@ -1,0 +1,153 @@
+// The property grid as an application uses it.
+
+#include "krgui/propertiesctrl.h"
+
+#include "gridfixture.h"
+
+namespace krgui {
+
+namespace {
+
+class PropertiesCtrlTest : public testing::Test {
+protected:
+  std::uint64_t AppendCategory(std::uint64_t aParent, const char* aName) {
+    return mGrid.AppendCategory(aParent, aName, *mCamera.array->GetCategory(aName));
+  }
+  std::uint64_t AppendFeature(std::uint64_t aParent, const char* aName) {
+    return mGrid.AppendFeature(aParent, aName, *mCamera.array->Get(aName));
+  }
+  void Show() {
+    mGrid.resize(500, 300);
+    mGrid.show();
+    mGrid.activateWindow();
+    Settle();
+  }
+  void Settle() {
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] {
+          QApplication::processEvents();
+          return mGrid.GetGrid().GetQueue()->IsEmpty();
+        },
+        30000));
+  }
+
+  DescribedCamera mCamera{MakeGridCamera()};
+  PropertiesCtrl mGrid;
+};
+
+} // namespace
+
+TEST_F(PropertiesCtrlTest, AppendedRows_AreShownWithTheirCategoriesOpen) {
+  const std::uint64_t analog = AppendCategory(0, "Analog");
+  const std::uint64_t gain = AppendFeature(analog, "Gain");
+  const std::uint64_t plain = AppendFeature(0, "Plain");
+  Show();
+
+  EXPECT_NE(gain, 0U);
+  EXPECT_FALSE(mGrid.GetGrid().FindRow(gain).isEmpty());
+  EXPECT_LT(mGrid.GetGrid().FindRow(gain).top(), mGrid.GetGrid().FindRow(plain).top());
+  EXPECT_EQ(mGrid.GetParameter(gain), mCamera.array->Get("Gain"));
+  EXPECT_EQ(mGrid.GetParameter(analog), nullptr);
+}
+
+TEST_F(PropertiesCtrlTest, RowsUnderWhatIsNoCategory_AreRefused) {
+  const std::uint64_t gain = AppendFeature(0, "Gain");
+
+  EXPECT_EQ(AppendFeature(gain, "Plain"), 0U);
+  EXPECT_EQ(AppendFeature(4711, "Plain"), 0U);
+  EXPECT_EQ(AppendCategory(gain, "Analog"), 0U);
+  EXPECT_EQ(mGrid.GetGrid().GetTree().GetFeatures().size(), 1U);
+}
+
+TEST_F(PropertiesCtrlTest, AppendingARow_LeavesTheSelection) {
+  const std::uint64_t gain = AppendFeature(0, "Gain");
+  Show();
+  mGrid.Select(gain);
+
+  AppendFeature(0, "Plain");
+  Settle();
+
+  EXPECT_EQ(mGrid.GetSelected(), gain);
+}
+
+TEST_F(PropertiesCtrlTest, RowAppendedOnTheScreen_IsMarkedThere) {
+  Show();
+
+  const std::uint64_t gain = AppendFeature(0, "Gain");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return mGrid.GetGrid().GetTree().FindFeature(gain)->IsOnScreen(); }, 30000));
+}
+
+TEST_F(PropertiesCtrlTest, Refresh_ReadsAndShowsEveryFeature) {
+  const std::uint64_t gain = AppendFeature(0, "Gain");
+  Show();
+
+  mGrid.Refresh();
+  Settle();
+
+  EXPECT_EQ(mGrid.GetGrid().GetTree().FindFeature(gain)->GetSnapshot().value, KrString("0 dB"));
+  EXPECT_FALSE(mGrid.GetGrid().GetTree().FindFeature(gain)->HasChanged());
+}
+
+TEST_F(PropertiesCtrlTest, DisplayNames_AreThoseOfRowsAppendedAfterwards) {
+  const std::uint64_t first = AppendFeature(0, "Gain");
+  mGrid.SetShowsDisplayNames(true);
+  const std::uint64_t second = AppendFeature(0, "Gain");
+
+  const BrowserTree& tree = mGrid.GetGrid().GetTree();
+  EXPECT_EQ(tree.FindFeature(first)->GetShownName(), KrString("Gain"));
+  EXPECT_EQ(tree.FindFeature(second)->GetShownName(), KrString("Gain Display"));
+}
+
+TEST_F(PropertiesCtrlTest, Selection_IsToldAndDescribed) {
+  const std::uint64_t gain = AppendFeature(0, "Gain");
+  Show();
+  int told = 0;
+  mGrid.SetSelectionHandler([&] { ++told; });
+
+  mGrid.Select(gain);
+
+  EXPECT_EQ(told, 1);
+  EXPECT_EQ(mGrid.GetSelected(), gain);
+  EXPECT_NE(mGrid.GetDescription(gain).ToUtf8().find("Feature Name: <b>Gain</b>"), std::string::npos);
+  EXPECT_TRUE(mGrid.GetDescription(4711).IsEmpty());
+  mGrid.Select(0);
+  EXPECT_EQ(mGrid.GetSelected(), 0U);
+}
+
+TEST_F(PropertiesCtrlTest, WrittenValue_IsAChangeUntilItIsReset) {
+  const std::uint64_t plain = AppendFeature(0, "Plain");
+  Show();
+  mGrid.Refresh();
+  Settle();
+  EXPECT_FALSE(mGrid.HasChanged());
+  mGrid.setFocus();
+  mGrid.Select(plain);
+  Settle();
+  QTest::keyPress(&mGrid.GetGrid(), Qt::Key_Return);
+  Settle();
+  ASSERT_NE(QApplication::focusWidget(), nullptr);
+
+  QTest::keyClicks(QApplication::focusWidget(), "42");
+  QTest::keyPress(QApplication::focusWidget(), Qt::Key_Return);
+  Settle();
+
+  EXPECT_TRUE(mGrid.HasChanged());
+  EXPECT_EQ(mCamera.Peek(0x20, 1), (std::vector<std::uint8_t>{42}));
+  mGrid.ResetChanged();
+  EXPECT_FALSE(mGrid.HasChanged());
+}
+
+TEST_F(PropertiesCtrlTest, Cleared_HasNoRowsAndGivesNewNumbers) {
+  const std::uint64_t gain = AppendFeature(0, "Gain");
+  Show();
+  mGrid.Select(gain);
+
+  mGrid.Clear();
+  const std::uint64_t again = AppendFeature(0, "Gain");
+
+  EXPECT_NE(again, gain);
+  EXPECT_EQ(mGrid.GetParameter(gain), nullptr);
+  EXPECT_EQ(mGrid.GetSelected(), 0U);
+}
+
+} // namespace krgui
