@@ -44,6 +44,7 @@ constexpr struct {
     {"benchmarks/browser/", true},
     {"benchmarks/display/", true},
     {"benchmarks/finder/", true},
+    {"benchmarks/heartbeat.h", true},
     {"tests/", true},
 };
 
