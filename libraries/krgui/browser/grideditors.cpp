@@ -52,6 +52,11 @@ EditorContent MakeContent(TreeItemData& aNode, EditorKind aKind, KrGenVisibility
   return content;
 }
 
+bool IsEditable(const TreeItemData& aNode) {
+  const AccessFlags access = aNode.GetAccess();
+  return access.isWritable && access.isAvailable;
+}
+
 } // namespace
 
 /// One that outlives a message box is found by its pointer, which is null once it has gone.
@@ -97,6 +102,7 @@ private:
   IEditorHost& mHost;
   EditorWidgets mWidgets{*this};
   GridItem mEdited = kNoItem;
+  GridItem mWithoutEditor = kNoItem; ///< A row whose type has no editor, so that the device is not asked again.
   KrString mShownValue; ///< The row's value that the open editor was filled with.
   /// Nobody was sent back to the grid from this row's editor since it was selected.
   bool mMayTakeFocus = true;
@@ -112,12 +118,12 @@ void GridEditors::Body::UpdateRow(GridItem aItem) {
     return;
   }
   TreeItemData* node = mHost.FindFeatureNode(aItem);
-  const AccessFlags access = node != nullptr ? node->GetAccess() : AccessFlags();
-  if (!access.isWritable || !access.isAvailable) {
+  if (node == nullptr || !IsEditable(*node)) {
     Close();
   } else if (mEdited == aItem) {
     RefillWithNewValue(*node);
-  } else if (mEdited == kNoItem && !IsPending(aItem)) {
+  } else if (mEdited == kNoItem && !IsPending(aItem) && mWithoutEditor != aItem &&
+             !mHost.GetEditorRect(aItem).isEmpty()) {
     Open(aItem);
   }
 }
@@ -126,6 +132,8 @@ bool GridEditors::Body::Open(GridItem aItem) {
   TreeItemData* node = mHost.FindFeatureNode(aItem);
   const EditorKind kind = node != nullptr ? ChooseEditor(*node) : EditorKind::None;
   if (kind == EditorKind::None) {
+    // A type without an editor stays so; what cannot be written at the moment may be later.
+    mWithoutEditor = node != nullptr && IsEditable(*node) ? aItem : kNoItem;
     return false;
   }
   mEdited = aItem;
@@ -161,7 +169,7 @@ void GridEditors::Body::Reposition(bool aTakesFocus) {
     mWantsFocus = mWantsFocus || aTakesFocus;
     return;
   }
-  if (mEdited == kNoItem && !Open(selected)) {
+  if (mEdited == kNoItem && !(aTakesFocus && Open(selected))) {
     return;
   }
   mWidgets.Place(mHost.GetEditorRect(mEdited));
@@ -336,6 +344,7 @@ void GridEditors::Body::ShowAgain(GridItem aItem) {
     mHost.RepaintRow(aItem);
     TellRowChanged(aItem);
   }
+  UpdateRow(mHost.GetSelectedItem());
   Reposition(std::exchange(mWantsFocus, false));
 }
 

@@ -49,10 +49,10 @@ public:
   GridEditors& operator=(const GridEditors&) = delete;
 
   /// The selected row has changed or is to be shown: opens, keeps or closes the editor on it. Reads the device when it
-  /// opens one. Not from a paint event.
+  /// opens one, which it does on the screen only, or fills it with another value. Not from a paint event.
   void UpdateRow(GridItem aItem);
-  /// Moves the open editor to its row and shows it; with aTakesFocus it gets the focus. Where none is open, opens one
-  /// on the selected row first.
+  /// Moves the open editor to its row and shows it; with aTakesFocus it gets the focus, and where none is open, one is
+  /// opened on the selected row first. Without aTakesFocus the device is not asked.
   void Reposition(bool aTakesFocus);
   /// The item being edited; kNoItem for none.
   GridItem GetEdited() const;

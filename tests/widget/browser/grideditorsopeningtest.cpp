@@ -1,0 +1,305 @@
+// Which editor a row gets, what it begins with, where it stands, and who has the focus.
+
+#include "editorsfixture.h"
+
+namespace krgui {
+
+namespace {
+
+TEST_F(EditorsTest, SelectedInteger_HasEditBoxAndUpDownControlWithoutFocus) {
+  camera.Poke(0x100, {9});
+  Select("BinningHorizontal");
+
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->text(), "9");
+  EXPECT_NE(UpDown(), nullptr);
+  EXPECT_FALSE(NumberBox()->hasFocus());
+  EXPECT_TRUE(grid->hasFocus());
+}
+
+TEST_F(EditorsTest, SelectedFloat_HasEditBoxWithoutUpDownControl) {
+  Select("ExposureTime");
+
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->text(), "0");
+  EXPECT_EQ(UpDown(), nullptr);
+}
+
+TEST_F(EditorsTest, FloatAfterInteger_HidesUpDownControl) {
+  Select("OffsetX");
+  ASSERT_NE(UpDown(), nullptr);
+
+  Select("ExposureTime");
+
+  EXPECT_EQ(UpDown(), nullptr);
+}
+
+TEST_F(EditorsTest, SelectedHexadecimal_ShowsPrefixAndDigits) {
+  camera.Poke(0x104, {0xAB});
+  Select("LineMask");
+
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->text(), "0xAB");
+}
+
+TEST_F(EditorsTest, SelectedMACAddress_IsEditedAsNumber) {
+  camera.Poke(0x110, {0x10, 0x27});
+  Select("GevMACAddress");
+
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->text(), "10000");
+}
+
+TEST_F(EditorsTest, SelectedIPAddress_IsEditedAsDottedText) {
+  camera.Poke(0x10C, {1, 0, 168, 192});
+  Select("GevCurrentIPAddress");
+
+  ASSERT_NE(TextBox(), nullptr);
+  EXPECT_EQ(TextBox()->text(), "192.168.0.1");
+}
+
+TEST_F(EditorsTest, SelectedString_IsSelectedWholeWithoutFocus) {
+  camera.Poke(0x140, {'a', 'b'});
+  Select("DeviceUserID");
+
+  ASSERT_NE(TextBox(), nullptr);
+  EXPECT_EQ(TextBox()->selectedText(), "ab");
+  EXPECT_FALSE(TextBox()->hasFocus());
+}
+
+TEST_F(EditorsTest, ClickInValueCell_FocusesEditBox) {
+  ClickValue("DeviceUserID");
+
+  ASSERT_NE(TextBox(), nullptr);
+  EXPECT_TRUE(TextBox()->hasFocus());
+}
+
+TEST_F(EditorsTest, ClickOnName_LeavesFocusInGrid) {
+  ClickName("DeviceUserID");
+
+  ASSERT_NE(TextBox(), nullptr);
+  EXPECT_TRUE(grid->hasFocus());
+}
+
+TEST_F(EditorsTest, EnterOnGrid_FocusesEditorAndSelectsItsText) {
+  camera.Poke(0x108, {42});
+  Enter("OffsetX");
+
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_TRUE(NumberBox()->hasFocus());
+  EXPECT_EQ(NumberBox()->selectedText(), "42");
+}
+
+TEST_F(EditorsTest, SelectedBoolean_OffersFalseAndTrueAndShowsItsValue) {
+  camera.Poke(0x11C, {1});
+  Select("ReverseX");
+
+  ASSERT_NE(Combo(), nullptr);
+  ASSERT_EQ(Combo()->count(), 2);
+  EXPECT_EQ(Combo()->itemText(0), "False");
+  EXPECT_EQ(Combo()->currentText(), "True");
+}
+
+TEST_F(EditorsTest, SelectedEnumeration_OffersAvailableAndVisibleEntriesWithTooltips) {
+  grid->SetVisibility(KrGenVisibility::Guru);
+  Select("PixelFormat");
+
+  ASSERT_NE(Combo(), nullptr);
+  ASSERT_EQ(Combo()->count(), 3);
+  EXPECT_EQ(Combo()->itemText(0), "Mono8");
+  EXPECT_EQ(Combo()->itemText(2), "RGB8");
+  EXPECT_EQ(Combo()->currentIndex(), 0);
+  EXPECT_EQ(Combo()->GetList().GetToolText(1), "Eight bits");
+  EXPECT_EQ(Combo()->GetList().GetToolText(2), "Twelve <b>bits</b>");
+}
+
+TEST_F(EditorsTest, EnumerationAtInvisible_OffersInvisibleEntries) {
+  grid->SetVisibility(KrGenVisibility::Invisible);
+  Select("PixelFormat");
+
+  ASSERT_NE(Combo(), nullptr);
+  EXPECT_EQ(Combo()->count(), 4);
+}
+
+TEST_F(EditorsTest, DisplayNames_AreThoseOfEntriesAndOfEditors) {
+  showsDisplayNames = true;
+  Fill();
+
+  Select("PixelFormat");
+  ASSERT_NE(Combo(), nullptr);
+  EXPECT_EQ(Combo()->itemText(0), "Mono 8");
+  Select("DeviceUserID");
+  ASSERT_NE(TextBox(), nullptr);
+  EXPECT_EQ(TextBox()->accessibleName(), "Device User ID");
+}
+
+TEST_F(EditorsTest, SelectedCommand_HasButtonWithItsName) {
+  Select("DeviceReset");
+
+  ASSERT_NE(Button(), nullptr);
+  EXPECT_EQ(Button()->text(), "DeviceReset");
+  EXPECT_FALSE(Button()->hasFocus());
+}
+
+TEST_F(EditorsTest, RegisterAndReadOnlyFeature_HaveNoEditor) {
+  for (const char* name : {"FileAccessBuffer", "SensorWidth"}) {
+    Enter(name);
+
+    EXPECT_EQ(NumberBox(), nullptr) << name;
+    EXPECT_EQ(TextBox(), nullptr) << name;
+    EXPECT_EQ(Button(), nullptr) << name;
+    EXPECT_EQ(Combo(), nullptr) << name;
+  }
+}
+
+TEST_F(EditorsTest, Register_IsNotReadAgainWheneverItsRowIsShown) {
+  Select("FileAccessBuffer");
+  (void)camera.port.TakeRecords();
+
+  grid->HandleMessage({kRowChangedMessage, Item("FileAccessBuffer"), 1});
+  grid->HandleMessage({kRepositionEditorMessage, 0, 0});
+
+  EXPECT_TRUE(camera.port.TakeRecords().empty());
+}
+
+TEST_F(EditorsTest, Editors_AreNamedAfterTheirFeature) {
+  Select("OffsetX");
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->accessibleName(), "OffsetX");
+  EXPECT_EQ(Arrow("up")->accessibleName(), "Increase OffsetX");
+  EXPECT_EQ(Arrow("down")->accessibleName(), "Decrease OffsetX");
+  Select("PixelFormat");
+  ASSERT_NE(Combo(), nullptr);
+  EXPECT_EQ(Combo()->accessibleName(), "PixelFormat");
+  Select("DeviceReset");
+  ASSERT_NE(Button(), nullptr);
+  EXPECT_EQ(Button()->accessibleName(), "DeviceReset");
+}
+
+TEST_F(EditorsTest, OpenEditor_CoversItsValueCell) {
+  Select("DeviceUserID");
+
+  const QRect row = grid->FindRow(Item("DeviceUserID"));
+  ASSERT_NE(TextBox(), nullptr);
+  EXPECT_EQ(TextBox()->geometry().left(), kInitialNameColumnWidth);
+  EXPECT_TRUE(TextBox()->geometry().adjusted(0, 1, 0, -1).intersects(row));
+  EXPECT_LE(TextBox()->height(), row.height() + 2);
+}
+
+TEST_F(EditorsTest, UpDownControl_StandsBesideEditBoxInTheCell) {
+  Select("DeviceUserID");
+  ASSERT_NE(TextBox(), nullptr);
+  const int cellRight = TextBox()->geometry().right();
+
+  Select("OffsetX");
+
+  ASSERT_NE(UpDown(), nullptr);
+  EXPECT_EQ(NumberBox()->geometry().right() + 1, UpDown()->geometry().left());
+  EXPECT_EQ(UpDown()->geometry().right(), cellRight);
+  EXPECT_EQ(UpDown()->height(), NumberBox()->height());
+}
+
+TEST_F(EditorsTest, RightToLeft_UpDownControlStandsOnTheLeft) {
+  window->setLayoutDirection(Qt::RightToLeft);
+  Pump();
+  Select("OffsetX");
+
+  ASSERT_NE(UpDown(), nullptr);
+  EXPECT_EQ(UpDown()->geometry().right() + 1, NumberBox()->geometry().left());
+}
+
+TEST_F(EditorsTest, OnlyOneEditor_IsOpenAtATime) {
+  Select("DeviceUserID");
+  ASSERT_NE(TextBox(), nullptr);
+
+  Select("PixelFormat");
+
+  EXPECT_NE(Combo(), nullptr);
+  EXPECT_EQ(TextBox(), nullptr);
+}
+
+TEST_F(EditorsTest, SelectionOfCategoryOrNone_ClosesEditor) {
+  Select("DeviceUserID");
+  ASSERT_NE(TextBox(), nullptr);
+
+  grid->Select(kNoItem);
+  Pump();
+
+  EXPECT_EQ(TextBox(), nullptr);
+}
+
+TEST_F(EditorsTest, FeatureThatBecomesLocked_LosesEditorAndGridGetsFocus) {
+  Enter("LineMask");
+  ASSERT_NE(NumberBox(), nullptr);
+  camera.Poke(0x180, {1});
+
+  camera.array->InvalidateCache();
+
+  EXPECT_TRUE(PumpUntil([this] { return NumberBox() == nullptr; }));
+  EXPECT_TRUE(grid->hasFocus());
+  EXPECT_EQ(camera.port.CountWrites(), 0U);
+}
+
+TEST_F(EditorsTest, FeatureThatBecomesUnlocked_GetsEditor) {
+  camera.Poke(0x180, {1});
+  camera.array->InvalidateCache();
+  Node("LineMask").Refresh();
+  Select("LineMask");
+  ASSERT_EQ(NumberBox(), nullptr);
+
+  camera.Poke(0x180, {0});
+  camera.array->InvalidateCache();
+
+  EXPECT_TRUE(PumpUntil([this] { return NumberBox() != nullptr; }));
+}
+
+TEST_F(EditorsTest, NewValue_IsShownInEditorThatNobodyUses) {
+  Select("OffsetX");
+  ASSERT_NE(NumberBox(), nullptr);
+  camera.Poke(0x108, {77});
+
+  camera.array->InvalidateCache();
+
+  EXPECT_TRUE(PumpUntil([this] { return NumberBox() != nullptr && NumberBox()->text() == "77"; }));
+}
+
+TEST_F(EditorsTest, NewValue_LeavesWhatTheUserTypes) {
+  Enter("OffsetX");
+  ASSERT_NE(NumberBox(), nullptr);
+  QTest::keyClicks(NumberBox(), "5");
+  camera.Poke(0x108, {77});
+
+  camera.array->InvalidateCache();
+
+  EXPECT_TRUE(PumpUntil([this] { return Value("OffsetX") == "77 "; }));
+  Pump();
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->text(), "5");
+  EXPECT_TRUE(NumberBox()->hasFocus());
+}
+
+TEST_F(EditorsTest, RowScrolledAway_KeepsFocusAndTypedTextAndComesBack) {
+  window->resize(560, 180);
+  Pump();
+  Enter("BinningHorizontal");
+  ASSERT_NE(NumberBox(), nullptr);
+  QTest::keyClicks(NumberBox(), "6");
+
+  grid->scrollToBottom();
+  Pump();
+  const bool hadFocus = NumberBox() != nullptr && NumberBox()->hasFocus();
+  const bool wasInSight = NumberBox() != nullptr && NumberBox()->geometry().intersects(grid->viewport()->rect());
+  grid->scrollToTop();
+  Pump();
+
+  EXPECT_TRUE(hadFocus);
+  EXPECT_FALSE(wasInSight);
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->text(), "6");
+  EXPECT_TRUE(NumberBox()->geometry().intersects(grid->viewport()->rect()));
+  EXPECT_EQ(camera.port.CountWrites(), 0U);
+}
+
+} // namespace
+
+} // namespace krgui
