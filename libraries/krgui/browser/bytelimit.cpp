@@ -10,20 +10,25 @@ namespace {
 /// What one typed character adds at most: two halves of a surrogate pair.
 constexpr qsizetype kTypedUnits = 2;
 
+/// Knows how long the text was, as the edit box has the new one already when it asks.
 class ByteLimit final : public QValidator {
 public:
   ByteLimit(QLineEdit& aEditBox, std::int64_t aMostBytes)
-      : QValidator(&aEditBox), mEditBox(aEditBox), mMostBytes(aMostBytes) {}
+      : QValidator(&aEditBox), mMostBytes(aMostBytes), mLength(aEditBox.text().size()) {}
 
   State validate(QString& aText, int&) const override {
-    const qsizetype added = aText.size() - mEditBox.text().size();
+    const qsizetype added = aText.size() - mLength;
     const bool isTyped = added > 0 && added <= kTypedUnits;
-    return isTyped && aText.toUtf8().size() > mMostBytes ? Invalid : Acceptable;
+    if (isTyped && aText.toUtf8().size() > mMostBytes) {
+      return Invalid;
+    }
+    mLength = aText.size();
+    return Acceptable;
   }
 
 private:
-  const QLineEdit& mEditBox;
   const std::int64_t mMostBytes;
+  mutable qsizetype mLength;
 };
 
 } // namespace

@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QWheelEvent>
+#include <QWindow>
 
 #include <algorithm>
 #include <cstdlib>
@@ -39,6 +40,7 @@ void EditorWidgets::Open(QWidget& aParent, EditorContent aContent) {
   mIsUsed = false;
   if (HasUpDown()) {
     MakeUpDown(aParent);
+    mUpDown->SetEditBox(*mOpen);
   }
   Fill();
 }
@@ -214,8 +216,9 @@ void EditorWidgets::Fill() {
   mIsFilling = true;
   mOpen->setAccessibleName(ToQString(mContent.name));
   if (QLineEdit* editBox = GetOpenEditBox()) {
-    SetByteLimit(*editBox, mContent.mostBytes);
+    SetByteLimit(*editBox, 0);
     editBox->setText(ToQString(mContent.text));
+    SetByteLimit(*editBox, mContent.mostBytes);
     editBox->setCursorPosition(0);
     if (mContent.kind == EditorKind::Text) {
       editBox->selectAll();
@@ -282,9 +285,11 @@ bool EditorWidgets::EndsEdit(const QFocusEvent& aEvent) const {
   case Qt::MenuBarFocusReason:
     return false;
   case Qt::ActiveWindowFocusReason: {
-    // Behind a dialog of this application the edit goes on when that is over; another window ends it.
+    // Behind a menu or dialog of this application the edit goes on when that is over; another window ends it.
     const QWidget* modal = QApplication::activeModalWidget();
-    return modal == nullptr || modal == mOpen->window();
+    const QWindow* active = QGuiApplication::focusWindow();
+    const bool isMenu = active != nullptr && active->type() == Qt::Popup;
+    return !isMenu && (modal == nullptr || modal == mOpen->window());
   }
   default:
     return true;

@@ -66,7 +66,7 @@ private:
 } // namespace
 
 UpDownControl::UpDownControl(QWidget* aParent) : QWidget(aParent), mUp(MakeButton(true)), mDown(MakeButton(false)) {
-  setFocusPolicy(Qt::NoFocus);
+  setFocusPolicy(Qt::ClickFocus);
   setCursor(Qt::ArrowCursor);
 }
 

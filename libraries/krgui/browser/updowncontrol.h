@@ -17,6 +17,9 @@ class UpDownControl : public QWidget {
 public:
   explicit UpDownControl(QWidget* aParent);
 
+  /// The edit box that has the focus in this control's stead: clicked, nothing else would keep the grid behind from
+  /// taking it.
+  void SetEditBox(QWidget& aEditBox) { setFocusProxy(&aEditBox); }
   /// Names the buttons for assistive technology, after the feature that they step.
   void SetFeatureName(const QString& aName);
   /// How wide it wants to be.

@@ -21,6 +21,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -128,16 +129,6 @@ protected:
     } while (grid && !queue->IsEmpty());
     QCoreApplication::processEvents();
   }
-  /// Waits for what another thread reports.
-  bool PumpUntil(const std::function<bool()>& aCondition) {
-    return QTest::qWaitFor(
-        [&] {
-          Pump();
-          return aCondition();
-        },
-        30000);
-  }
-
   TreeItemData& Node(const char* aName) {
     for (const auto& node : grid->GetTree().GetFeatures()) {
       if (node->GetName() == KrString(aName)) {
@@ -150,6 +141,29 @@ protected:
   GridItem Item(const char* aName) { return Node(aName).GetItem(); }
   std::string Value(const char* aName) { return Node(aName).GetSnapshot().value.ToUtf8(); }
 
+  /// Bytes of a register, as the device has them from now on; the rows know.
+  void SetRegister(std::uint64_t aAddress, std::initializer_list<std::uint8_t> aBytes) {
+    camera.Poke(aAddress, aBytes);
+    camera.array->InvalidateCache();
+    for (const auto& node : grid->GetTree().GetFeatures()) {
+      node->Refresh();
+    }
+    Pump();
+    (void)camera.port.TakeRecords();
+  }
+  /// The device changes a register by itself, and its feature's node hears of it.
+  void ChangeRegister(std::uint64_t aAddress, std::initializer_list<std::uint8_t> aBytes, const char* aName) {
+    camera.Poke(aAddress, aBytes);
+    camera.array->InvalidateCache();
+    Node(aName).OnParameterUpdate(Node(aName).GetParameter());
+    Pump();
+  }
+  /// What a window manager does after a popup or dialog; the platform without a screen has none.
+  void ActivateAgain() {
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    Pump();
+  }
   /// Selects a row by the keyboard's way: the grid keeps the focus.
   void Select(const char* aName) {
     grid->setFocus();

@@ -54,7 +54,7 @@ TEST_F(EditorsTest, EscapeInTheList_ClosesTheListFirstAndThenTheEdit) {
   QTest::keyClick(Combo(), Qt::Key_F4);
   QTest::keyClick(&Combo()->GetList(), Qt::Key_Down);
   QTest::keyClick(&Combo()->GetList(), Qt::Key_Escape);
-  Pump();
+  ActivateAgain();
   ASSERT_NE(Combo(), nullptr);
   EXPECT_TRUE(Combo()->hasFocus());
   EXPECT_FALSE(Combo()->IsListOpen());
@@ -74,15 +74,14 @@ TEST_F(EditorsTest, ChoiceOfThePresentItem_WritesNothing) {
   Enter("PixelFormat");
   QTest::keyClick(Combo(), Qt::Key_F4);
   QTest::keyClick(&Combo()->GetList(), Qt::Key_Return);
-  Pump();
+  ActivateAgain();
 
   EXPECT_EQ(camera.port.CountWrites(), 0U);
   EXPECT_TRUE(grid->hasFocus());
 }
 
 TEST_F(EditorsTest, ValueOfNoEntry_ShowsNoChoiceAndWritesNothing) {
-  camera.Poke(0x118, {99});
-  camera.array->InvalidateCache();
+  SetRegister(0x118, {99});
   Enter("PixelFormat");
   ASSERT_NE(Combo(), nullptr);
   EXPECT_EQ(Combo()->currentIndex(), -1);
@@ -107,9 +106,9 @@ TEST_F(EditorsTest, DeviceThatRefusesAChoice_ShowsMessageAndItsOwnValue) {
 
 TEST_F(EditorsTest, NewValueOfTheDevice_IsNotOverwrittenByAnUntouchedCombo) {
   Enter("PixelFormat");
-  camera.Poke(0x118, {5});
-  camera.array->InvalidateCache();
-  ASSERT_TRUE(PumpUntil([this] { return Combo() != nullptr && Combo()->currentText() == "RGB8"; }));
+  ChangeRegister(0x118, {5}, "PixelFormat");
+  ASSERT_NE(Combo(), nullptr);
+  EXPECT_EQ(Combo()->currentText(), "RGB8");
 
   elsewhere->setFocus();
   Pump();
@@ -160,9 +159,7 @@ TEST_F(EditorsTest, ExecutingCommand_HasNoButtonUntilItIsDone) {
   EXPECT_TRUE(grid->hasFocus());
   EXPECT_EQ(Value("DeviceRun"), "{Executing}");
 
-  camera.Poke(0x174, {0});
-  camera.array->InvalidateCache();
-  Node("DeviceRun").Refresh();
+  SetRegister(0x174, {0});
   grid->HandleMessage({kRowChangedMessage, Item("DeviceRun"), 0});
   Pump();
 

@@ -69,8 +69,7 @@ TEST_F(EditorsTest, DialogOfTheApplication_LeavesTheEditOpen) {
   Pump();
   const bool wasOpen = NumberBox() != nullptr;
   dialog.close();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-  Pump();
+  ActivateAgain();
 
   EXPECT_TRUE(wasOpen);
   ASSERT_NE(NumberBox(), nullptr);
@@ -84,13 +83,13 @@ TEST_F(EditorsTest, ContextMenuOfEditBox_LeavesTheEditOpen) {
   QTest::keyClicks(TextBox(), "x");
   QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), TextBox()->mapToGlobal(QPoint(5, 5)));
   QApplication::sendEvent(TextBox(), &event);
-  ASSERT_NE(QApplication::activePopupWidget(), nullptr);
-  QApplication::activePopupWidget()->close();
   Pump();
 
+  EXPECT_NE(QApplication::activePopupWidget(), nullptr);
   ASSERT_NE(TextBox(), nullptr);
   EXPECT_EQ(TextBox()->text(), "x");
   EXPECT_EQ(camera.port.CountWrites(), 0U);
+  QApplication::activePopupWidget()->close();
 }
 
 TEST_F(EditorsTest, ClickOnAnotherRow_WritesToTheRowThatWasEdited) {
@@ -185,7 +184,7 @@ TEST_F(EditorsTest, TextThatIsNoNumber_IsDroppedWithoutMessage) {
 }
 
 TEST_F(EditorsTest, PresentValue_IsNotWrittenAndEditorCloses) {
-  camera.Poke(0x108, {42});
+  SetRegister(0x108, {42});
   Enter("OffsetX");
   const QPointer<QLineEdit> editBox(NumberBox());
   Type(editBox, "42", Qt::Key_Return);
@@ -206,7 +205,7 @@ TEST_F(EditorsTest, UntouchedEditBox_WritesNothing) {
 }
 
 TEST_F(EditorsTest, ValueOutOfRange_ShowsWhyAndTheDevicesValueAgain) {
-  camera.Poke(0x108, {42});
+  SetRegister(0x108, {42});
   Enter("OffsetX");
   ExpectMessage();
   Type(NumberBox(), "1001", Qt::Key_Return);
@@ -297,7 +296,7 @@ TEST_F(EditorsTest, PastedTextThatIsTooLong_IsRefusedByTheDeviceNotCut) {
 }
 
 TEST_F(EditorsTest, Undo_CountsAsTyping) {
-  camera.Poke(0x140, {'a'});
+  SetRegister(0x140, {'a'});
   Enter("DeviceUserID");
   QTest::keyClicks(TextBox(), "b");
   TextBox()->undo();

@@ -7,7 +7,7 @@ namespace krgui {
 namespace {
 
 TEST_F(EditorsTest, SelectedInteger_HasEditBoxAndUpDownControlWithoutFocus) {
-  camera.Poke(0x100, {9});
+  SetRegister(0x100, {9});
   Select("BinningHorizontal");
 
   ASSERT_NE(NumberBox(), nullptr);
@@ -35,7 +35,7 @@ TEST_F(EditorsTest, FloatAfterInteger_HidesUpDownControl) {
 }
 
 TEST_F(EditorsTest, SelectedHexadecimal_ShowsPrefixAndDigits) {
-  camera.Poke(0x104, {0xAB});
+  SetRegister(0x104, {0xAB});
   Select("LineMask");
 
   ASSERT_NE(NumberBox(), nullptr);
@@ -43,7 +43,7 @@ TEST_F(EditorsTest, SelectedHexadecimal_ShowsPrefixAndDigits) {
 }
 
 TEST_F(EditorsTest, SelectedMACAddress_IsEditedAsNumber) {
-  camera.Poke(0x110, {0x10, 0x27});
+  SetRegister(0x110, {0x10, 0x27});
   Select("GevMACAddress");
 
   ASSERT_NE(NumberBox(), nullptr);
@@ -51,7 +51,7 @@ TEST_F(EditorsTest, SelectedMACAddress_IsEditedAsNumber) {
 }
 
 TEST_F(EditorsTest, SelectedIPAddress_IsEditedAsDottedText) {
-  camera.Poke(0x10C, {1, 0, 168, 192});
+  SetRegister(0x10C, {1, 0, 168, 192});
   Select("GevCurrentIPAddress");
 
   ASSERT_NE(TextBox(), nullptr);
@@ -59,7 +59,7 @@ TEST_F(EditorsTest, SelectedIPAddress_IsEditedAsDottedText) {
 }
 
 TEST_F(EditorsTest, SelectedString_IsSelectedWholeWithoutFocus) {
-  camera.Poke(0x140, {'a', 'b'});
+  SetRegister(0x140, {'a', 'b'});
   Select("DeviceUserID");
 
   ASSERT_NE(TextBox(), nullptr);
@@ -82,7 +82,7 @@ TEST_F(EditorsTest, ClickOnName_LeavesFocusInGrid) {
 }
 
 TEST_F(EditorsTest, EnterOnGrid_FocusesEditorAndSelectsItsText) {
-  camera.Poke(0x108, {42});
+  SetRegister(0x108, {42});
   Enter("OffsetX");
 
   ASSERT_NE(NumberBox(), nullptr);
@@ -91,7 +91,7 @@ TEST_F(EditorsTest, EnterOnGrid_FocusesEditorAndSelectsItsText) {
 }
 
 TEST_F(EditorsTest, SelectedBoolean_OffersFalseAndTrueAndShowsItsValue) {
-  camera.Poke(0x11C, {1});
+  SetRegister(0x11C, {1});
   Select("ReverseX");
 
   ASSERT_NE(Combo(), nullptr);
@@ -231,48 +231,39 @@ TEST_F(EditorsTest, SelectionOfCategoryOrNone_ClosesEditor) {
 TEST_F(EditorsTest, FeatureThatBecomesLocked_LosesEditorAndGridGetsFocus) {
   Enter("LineMask");
   ASSERT_NE(NumberBox(), nullptr);
-  camera.Poke(0x180, {1});
+  ChangeRegister(0x180, {1}, "LineMask");
 
-  camera.array->InvalidateCache();
-
-  EXPECT_TRUE(PumpUntil([this] { return NumberBox() == nullptr; }));
+  EXPECT_EQ(NumberBox(), nullptr);
   EXPECT_TRUE(grid->hasFocus());
   EXPECT_EQ(camera.port.CountWrites(), 0U);
 }
 
 TEST_F(EditorsTest, FeatureThatBecomesUnlocked_GetsEditor) {
-  camera.Poke(0x180, {1});
-  camera.array->InvalidateCache();
-  Node("LineMask").Refresh();
+  SetRegister(0x180, {1});
   Select("LineMask");
   ASSERT_EQ(NumberBox(), nullptr);
 
-  camera.Poke(0x180, {0});
-  camera.array->InvalidateCache();
+  ChangeRegister(0x180, {0}, "LineMask");
 
-  EXPECT_TRUE(PumpUntil([this] { return NumberBox() != nullptr; }));
+  EXPECT_NE(NumberBox(), nullptr);
 }
 
 TEST_F(EditorsTest, NewValue_IsShownInEditorThatNobodyUses) {
   Select("OffsetX");
   ASSERT_NE(NumberBox(), nullptr);
-  camera.Poke(0x108, {77});
+  ChangeRegister(0x108, {77}, "OffsetX");
 
-  camera.array->InvalidateCache();
-
-  EXPECT_TRUE(PumpUntil([this] { return NumberBox() != nullptr && NumberBox()->text() == "77"; }));
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->text(), "77");
 }
 
 TEST_F(EditorsTest, NewValue_LeavesWhatTheUserTypes) {
   Enter("OffsetX");
   ASSERT_NE(NumberBox(), nullptr);
   QTest::keyClicks(NumberBox(), "5");
-  camera.Poke(0x108, {77});
+  ChangeRegister(0x108, {77}, "OffsetX");
 
-  camera.array->InvalidateCache();
-
-  EXPECT_TRUE(PumpUntil([this] { return Value("OffsetX") == "77 "; }));
-  Pump();
+  EXPECT_EQ(Value("OffsetX"), "77 ");
   ASSERT_NE(NumberBox(), nullptr);
   EXPECT_EQ(NumberBox()->text(), "5");
   EXPECT_TRUE(NumberBox()->hasFocus());

@@ -46,7 +46,7 @@ TEST_F(SteppingTest, ArrowClicked_LeavesTheFocusInTheEditBox) {
 }
 
 TEST_F(SteppingTest, StepsAtTheEnd_AreClampedToTheIncrement) {
-  camera.Poke(0x100, {9});
+  SetRegister(0x100, {9});
   Select("BinningHorizontal");
   ClickArrow("up");
   EXPECT_EQ(NumberBox()->text(), "9");
@@ -134,7 +134,7 @@ TEST_F(SteppingTest, TextThatIsNoNumber_IsNotStepped) {
 }
 
 TEST_F(SteppingTest, Hexadecimal_IsSteppedAsHexadecimal) {
-  camera.Poke(0x104, {0x0F});
+  SetRegister(0x104, {0x0F});
   Select("LineMask");
   ClickArrow("up");
 
