@@ -103,7 +103,7 @@ private:
   EditorWidgets mWidgets{*this};
   GridItem mEdited = kNoItem;
   GridItem mWithoutEditor = kNoItem; ///< A row whose type has no editor, so that the device is not asked again.
-  KrString mShownValue; ///< The row's value that the open editor was filled with.
+  KrString mShownValue;              ///< The row's value that the open editor was filled with.
   /// Nobody was sent back to the grid from this row's editor since it was selected.
   bool mMayTakeFocus = true;
   bool mWantsFocus = false; ///< The focus was asked for while the row's last edit still was to be written.

@@ -50,8 +50,11 @@ TEST_F(DynControlTest, EndingKeys_AreHandedOverDownAndUp) {
   constexpr struct {
     Qt::Key key;
     Qt::Key meaning;
-  } kRows[] = {{Qt::Key_Return, Qt::Key_Return}, {Qt::Key_Enter, Qt::Key_Return},  {Qt::Key_Escape, Qt::Key_Escape},
-               {Qt::Key_Tab, Qt::Key_Tab},       {Qt::Key_Backtab, Qt::Key_Tab}};
+  } kRows[] = {{Qt::Key_Return, Qt::Key_Return},
+               {Qt::Key_Enter, Qt::Key_Return},
+               {Qt::Key_Escape, Qt::Key_Escape},
+               {Qt::Key_Tab, Qt::Key_Tab},
+               {Qt::Key_Backtab, Qt::Key_Tab}};
   for (const auto& row : kRows) {
     receiver->keys.clear();
     QTest::keyClick(editBox, row.key);

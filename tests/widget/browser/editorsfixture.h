@@ -183,8 +183,7 @@ protected:
     const QRect row = grid->FindRow(Item(aName));
     QWidget* under = grid->viewport()->childAt(aX, row.center().y());
     QWidget* clicked = under != nullptr ? under : grid->viewport();
-    QTest::mouseClick(clicked, Qt::LeftButton, {},
-                      clicked->mapFrom(grid->viewport(), QPoint(aX, row.center().y())));
+    QTest::mouseClick(clicked, Qt::LeftButton, {}, clicked->mapFrom(grid->viewport(), QPoint(aX, row.center().y())));
     Pump();
   }
 
