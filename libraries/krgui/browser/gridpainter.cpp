@@ -5,7 +5,6 @@
 
 #include <QPainter>
 #include <QStyle>
-#include <QTextLayout>
 #include <QWidget>
 
 #include <algorithm>
@@ -28,6 +27,14 @@ QRect ToQRect(const GridRect& aRect) {
 QFont MakeBold(QFont aFont) {
   aFont.setBold(true);
   return aFont;
+}
+
+QTextLine LayOutLine(QTextLayout& aLayout, int aWidth) {
+  aLayout.beginLayout();
+  QTextLine line = aLayout.createLine();
+  line.setLineWidth(aWidth);
+  aLayout.endLayout();
+  return line;
 }
 
 /// A glyph that points at the name points the other way where the name is on the other side.
@@ -53,8 +60,7 @@ GridLook MakeGridLook(const QWidget& aWidget, bool aHasFocus) {
   return look;
 }
 
-GridPainter::GridPainter(GridLook aLook)
-    : mLook(std::move(aLook)), mBoldFont(MakeBold(mLook.font)), mMetrics(mLook.font), mBoldMetrics(mBoldFont) {}
+GridPainter::GridPainter(GridLook aLook) : mLook(std::move(aLook)), mBoldFont(MakeBold(mLook.font)) {}
 
 void GridPainter::Paint(QPainter& aPainter, const GridRow& aRow) const {
   aPainter.save();
@@ -77,15 +83,15 @@ void GridPainter::PaintCategory(QPainter& aPainter, const GridRow& aRow) const {
     aPainter.drawPixmap(Place(aRow, aRow.geometry.GetGlyph()), aRow.isOpen ? mLook.openGlyph : mLook.closedGlyph);
   aPainter.setFont(mLook.font);
   const QRect nameRect = Place(aRow, aRow.geometry.GetCategoryName());
-  const QString name = mMetrics.elidedText(aRow.name, Qt::ElideRight, nameRect.width());
   if (aRow.isSelected) {
-    const QSize size(mMetrics.horizontalAdvance(name), nameRect.height());
+    const int width = std::min(QFontMetrics(mLook.font).horizontalAdvance(aRow.name), nameRect.width());
+    const QSize size(width, nameRect.height());
     const QRect ground = QStyle::alignedRect(mLook.direction, Qt::AlignLeft | Qt::AlignVCenter, size, nameRect)
                              .adjusted(-kSelectionMargin, 0, kSelectionMargin, 0);
     aPainter.fillRect(ground, colours.highlight);
   }
   aPainter.setPen(aRow.isSelected ? colours.highlightText : MakeReadable(colours.greyText, colours.face));
-  PaintText(aPainter, nameRect, name);
+  PaintText(aPainter, nameRect, aRow.name);
 }
 
 void GridPainter::PaintFeature(QPainter& aPainter, const GridRow& aRow) const {
@@ -95,10 +101,9 @@ void GridPainter::PaintFeature(QPainter& aPainter, const GridRow& aRow) const {
   if (aRow.hasError)
     aPainter.drawPixmap(Place(aRow, aRow.geometry.GetErrorIcon()), mLook.errorIcon);
   PaintName(aPainter, aRow, ground);
-  const QRect valueRect = Place(aRow, aRow.geometry.GetValueText());
   aPainter.setFont(mLook.font);
   aPainter.setPen(ChooseValueColour(aRow, ground));
-  PaintText(aPainter, valueRect, mMetrics.elidedText(aRow.value, Qt::ElideRight, valueRect.width()));
+  PaintText(aPainter, Place(aRow, aRow.geometry.GetValueText()), aRow.value);
 }
 
 QColor GridPainter::FindGround(const GridRow& aRow) const {
@@ -129,51 +134,47 @@ void GridPainter::PaintName(QPainter& aPainter, const GridRow& aRow, const QColo
   GridRect rect = aRow.geometry.GetNameText();
   if (aRow.hasError)
     rect.right = std::max(rect.left, std::min(rect.right, aRow.geometry.GetErrorIcon().left - kIconGap));
-  const QRect nameRect = Place(aRow, rect);
   const bool isHighlighted = aRow.isSelected && mLook.hasFocus;
-  const QString name = (aRow.isBold ? mBoldMetrics : mMetrics).elidedText(aRow.name, Qt::ElideRight, nameRect.width());
   aPainter.setFont(aRow.isBold ? mBoldFont : mLook.font);
   aPainter.setPen(isHighlighted ? mLook.colours.highlightText : MakeReadable(mLook.colours.text, aGround));
-  if (aRow.match)
-    PaintMatch(aPainter, nameRect, name, *aRow.match);
-  else
-    PaintText(aPainter, nameRect, name);
+  PaintText(aPainter, Place(aRow, rect), aRow.name, aRow.match);
 }
 
-void GridPainter::PaintText(QPainter& aPainter, const QRect& aRect, const QString& aText) const {
+/// Each text is shaped once, unless it has to be shortened. The three runs of a match are laid out as one text: a
+/// script that joins its letters or runs from right to left stays whole.
+void GridPainter::PaintText(QPainter& aPainter, const QRect& aRect, const QString& aText,
+                            const std::optional<TextMatch>& aMatch) const {
   if (aRect.width() <= 0 || aText.isEmpty())
     return;
-  const Qt::Alignment side = mLook.direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft;
+  QTextLayout layout(aText, aPainter.font());
+  QTextOption option((mLook.direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute);
+  option.setWrapMode(QTextOption::NoWrap);
+  option.setTextDirection(Qt::LayoutDirectionAuto);
+  layout.setTextOption(option);
+  QTextLine line = LayOutLine(layout, aRect.width());
+  if (line.naturalTextWidth() > aRect.width()) {
+    layout.setText(QFontMetrics(aPainter.font()).elidedText(aText, Qt::ElideRight, aRect.width()));
+    line = LayOutLine(layout, aRect.width());
+  }
+  QList<QTextLayout::FormatRange> formats;
+  if (aMatch)
+    formats.push_back(MakeMatchFormat(*aMatch, layout.text(), aPainter.pen().color()));
   aPainter.save();
   aPainter.setClipRect(aRect, Qt::IntersectClip);
-  aPainter.drawText(aRect, static_cast<int>(side | Qt::AlignAbsolute | Qt::AlignVCenter) | Qt::TextSingleLine, aText);
+  layout.draw(&aPainter, QPointF(aRect.left(), aRect.top() + (aRect.height() - line.height()) / 2), formats);
   aPainter.restore();
 }
 
-/// The three runs are laid out as one text: a script that joins its letters or runs from right to left stays whole.
-void GridPainter::PaintMatch(QPainter& aPainter, const QRect& aRect, const QString& aText,
-                             const TextMatch& aMatch) const {
-  const QColor pen = aPainter.pen().color();
+QTextLayout::FormatRange GridPainter::MakeMatchFormat(const TextMatch& aMatch, const QString& aText,
+                                                      const QColor& aPen) const {
+  const auto size = static_cast<std::size_t>(aText.size());
+  const std::size_t start = std::min(aMatch.position, size);
   QTextLayout::FormatRange match;
-  match.start = static_cast<int>(std::min<std::size_t>(aMatch.position, static_cast<std::size_t>(aText.size())));
-  match.length =
-      static_cast<int>(std::min<std::size_t>(aMatch.length, static_cast<std::size_t>(aText.size() - match.start)));
+  match.start = static_cast<int>(start);
+  match.length = static_cast<int>(std::min(aMatch.length, size - start));
   match.format.setBackground(mLook.colours.match);
-  match.format.setForeground(MakeReadable(pen, mLook.colours.match));
-  QTextOption option(mLook.direction == Qt::RightToLeft ? Qt::AlignRight | Qt::AlignAbsolute
-                                                        : Qt::AlignLeft | Qt::AlignAbsolute);
-  option.setWrapMode(QTextOption::NoWrap);
-  option.setTextDirection(Qt::LayoutDirectionAuto);
-  QTextLayout layout(aText, aPainter.font());
-  layout.setTextOption(option);
-  layout.beginLayout();
-  QTextLine line = layout.createLine();
-  line.setLineWidth(aRect.width());
-  layout.endLayout();
-  aPainter.save();
-  aPainter.setClipRect(aRect, Qt::IntersectClip);
-  layout.draw(&aPainter, QPointF(aRect.left(), aRect.top() + (aRect.height() - line.height()) / 2), {match});
-  aPainter.restore();
+  match.format.setForeground(MakeReadable(aPen, mLook.colours.match));
+  return match;
 }
 
 } // namespace krgui

@@ -7,9 +7,9 @@
 #include "logic/browser/rowgeometry.h"
 
 #include <QFont>
-#include <QFontMetrics>
 #include <QPixmap>
 #include <QString>
+#include <QTextLayout>
 
 #include <optional>
 
@@ -64,8 +64,9 @@ private:
   void PaintFeature(QPainter& aPainter, const GridRow& aRow) const;
   void PaintLines(QPainter& aPainter, const GridRow& aRow) const;
   void PaintName(QPainter& aPainter, const GridRow& aRow, const QColor& aGround) const;
-  void PaintText(QPainter& aPainter, const QRect& aRect, const QString& aText) const;
-  void PaintMatch(QPainter& aPainter, const QRect& aRect, const QString& aText, const TextMatch& aMatch) const;
+  void PaintText(QPainter& aPainter, const QRect& aRect, const QString& aText,
+                 const std::optional<TextMatch>& aMatch = std::nullopt) const;
+  QTextLayout::FormatRange MakeMatchFormat(const TextMatch& aMatch, const QString& aText, const QColor& aPen) const;
   QColor ChooseValueColour(const GridRow& aRow, const QColor& aGround) const;
   QColor FindGround(const GridRow& aRow) const;
   /// A rectangle of the row where it is on the screen, in either layout direction.
@@ -73,8 +74,6 @@ private:
 
   GridLook mLook;
   QFont mBoldFont;
-  QFontMetrics mMetrics;
-  QFontMetrics mBoldMetrics;
 };
 
 } // namespace krgui

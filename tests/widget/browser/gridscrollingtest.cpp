@@ -2,8 +2,9 @@
 
 #include "gridfixture.h"
 
-#include <QPainter>
 #include <QScrollBar>
+
+#include <thread>
 
 namespace krgui {
 
@@ -31,6 +32,12 @@ std::string MakeManyFeatures() {
 class GridScrollingTest : public testing::Test {
 protected:
   void SetUp() override {
+    mCamera.port.SetFault([this, here = std::this_thread::get_id()](const RegisterAccessRecord&) {
+      // What the array looks at by itself, on a thread of its own, holds nobody up.
+      if (std::this_thread::get_id() == here)
+        ++mAccesses;
+      return KrResult();
+    });
     mGrid.Fill([this](BrowserTree& aTree) {
       for (int category = 0; category < kCategories; ++category) {
         const std::string name = "Category" + std::to_string(category);
@@ -70,6 +77,7 @@ protected:
     return mGrid.viewport()->height() / height + 2;
   }
 
+  int mAccesses = 0; ///< Of the device, on the user-interface thread.
   DescribedCamera mCamera{MakeManyFeatures()};
   PropertiesGrid mGrid{nullptr, nullptr};
 };
@@ -98,7 +106,7 @@ TEST_F(GridScrollingTest, EveryRow_IsReachedByScrolling) {
 TEST_F(GridScrollingTest, PaintingAndScrolling_AskNoDevice) {
   ReadAll();
   Settle();
-  (void)mCamera.port.TakeRecords();
+  mAccesses = 0;
 
   QScrollBar& bar = *mGrid.verticalScrollBar();
   for (int step = 0; step <= 50; ++step) {
@@ -107,31 +115,31 @@ TEST_F(GridScrollingTest, PaintingAndScrolling_AskNoDevice) {
     Settle();
   }
 
-  EXPECT_EQ(mCamera.port.TakeRecords().size(), 0U);
+  EXPECT_EQ(mAccesses, 0);
 }
 
 TEST_F(GridScrollingTest, PaintingWhatWasNeverRead_AsksNoDevice) {
-  (void)mCamera.port.TakeRecords();
+  mAccesses = 0;
 
   (void)mGrid.grab();
   mGrid.verticalScrollBar()->setValue(5000);
   (void)mGrid.grab();
 
-  EXPECT_EQ(mCamera.port.TakeRecords().size(), 0U);
+  EXPECT_EQ(mAccesses, 0);
 }
 
 TEST_F(GridScrollingTest, ScrollingWithASelectedRowThatCannotBeWritten_AsksNoDevice) {
   ReadAll();
   mGrid.Select(mGrid.GetTree().GetTopLevel().front());
   Settle();
-  (void)mCamera.port.TakeRecords();
+  mAccesses = 0;
 
   for (int position = 0; position < 2000; position += 100) {
     mGrid.verticalScrollBar()->setValue(position);
     Settle();
   }
 
-  EXPECT_EQ(mCamera.port.TakeRecords().size(), 0U);
+  EXPECT_EQ(mAccesses, 0);
 }
 
 TEST_F(GridScrollingTest, ScrolledEditor_StaysWithItsRowAndAsksNoDevice) {
@@ -140,7 +148,7 @@ TEST_F(GridScrollingTest, ScrolledEditor_StaysWithItsRowAndAsksNoDevice) {
   mGrid.Select(item);
   Settle();
   ASSERT_EQ(mGrid.GetEdited(), item);
-  (void)mCamera.port.TakeRecords();
+  mAccesses = 0;
 
   mGrid.verticalScrollBar()->setValue(40);
   Settle();
@@ -150,7 +158,7 @@ TEST_F(GridScrollingTest, ScrolledEditor_StaysWithItsRowAndAsksNoDevice) {
     isInPlace = isInPlace || (editor->isVisible() && editor->y() == mGrid.FindRow(item).top() - 1);
   EXPECT_TRUE(isInPlace);
   EXPECT_EQ(mGrid.GetEdited(), item);
-  EXPECT_EQ(mCamera.port.TakeRecords().size(), 0U);
+  EXPECT_EQ(mAccesses, 0);
 }
 
 TEST_F(GridScrollingTest, MessagesOfAllRows_AreHandled) {

@@ -51,6 +51,54 @@ TEST_F(GridTest, RowsWithALargerFont_AreHigher) {
   EXPECT_GT(Row("Gain").height(), height);
 }
 
+TEST_F(GridTest, PaletteThatChanges_ChangesTheColours) {
+  Fill();
+  Show();
+  EXPECT_EQ(PixelOf(Grab(), "GainSelector", 2), QColor(0x99, 0xB4, 0xD1));
+  EXPECT_EQ(PixelOf(Grab(), "Gain", 2), QColor(0xCE, 0xDB, 0xEA));
+
+  QApplication::setPalette(MakeDarkPalette());
+  QApplication::processEvents();
+
+  const GridColours dark = MakeGridColours(MakeDarkPalette());
+  EXPECT_EQ(PixelOf(Grab(), "GainSelector", 2), dark.isSelector);
+  EXPECT_EQ(PixelOf(Grab(), "Gain", 2), dark.hasSelectors);
+  EXPECT_EQ(PixelOf(Grab(), "Plain", 2), dark.window);
+  EXPECT_EQ(PixelOf(Grab(), "Empty", 200), dark.face);
+}
+
+TEST_F(GridTest, SelectedRow_IsOnTheHighlightWhileTheGridHasTheFocus) {
+  Fill();
+  Show();
+  mGrid->Select(Item("Fixed"));
+  Settle();
+  const GridColours colours = MakeGridColours(mGrid->palette());
+  EXPECT_EQ(PixelOf(Grab(), "Fixed", 2), colours.highlight);
+
+  mGrid->clearFocus();
+  Settle();
+
+  EXPECT_EQ(PixelOf(Grab(), "Fixed", 2), colours.face);
+}
+
+TEST_F(GridTest, SearchText_IsOnYellowOnceItIsRepainted) {
+  Fill();
+  Show();
+  const auto countYellow = [this] {
+    const QImage picture = Grab();
+    int count = 0;
+    for (int x = 0; x < 220; ++x)
+      count += PixelOf(picture, "Plain", x, Row("Plain").height() / 2) == QColor(Qt::yellow) ? 1 : 0;
+    return count;
+  };
+  EXPECT_EQ(countYellow(), 0);
+
+  mGrid->SetSearchText("lai");
+  mGrid->Repaint();
+
+  EXPECT_GT(countYellow(), 0);
+}
+
 TEST_F(GridTest, Selecting_TellsOnceAfterwards) {
   Fill();
   Show();
@@ -188,14 +236,15 @@ TEST_F(GridTest, RowMessage_AcknowledgesAndRepaintsThatRow) {
   ReadAll();
   EXPECT_FALSE(Node("Plain").HasChanged());
   ASSERT_TRUE(mCamera.memory.Write(0x20, "\x07", 1, 1000).IsOK());
-  const QImage before = Grab().copy(Row("Plain"));
+  const auto grabRow = [this] { return mGrid->viewport()->grab(Row("Plain")).toImage(); };
+  const QImage before = grabRow();
 
   Node("Plain").Refresh();
   ASSERT_TRUE(Node("Plain").HasChanged());
   EXPECT_TRUE(mGrid->HandleMessage({kRowChangedMessage, Item("Plain"), 0}));
 
   EXPECT_FALSE(Node("Plain").HasChanged());
-  EXPECT_NE(Grab().copy(Row("Plain")), before);
+  EXPECT_NE(grabRow(), before);
 }
 
 TEST_F(GridTest, RowMessages_OfRowsThatAreNotThere_DoNothing) {
