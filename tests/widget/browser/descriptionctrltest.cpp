@@ -158,12 +158,21 @@ TEST_F(DescriptionCtrls, Clear_EmptiesItAndBeginsAnew) {
 }
 
 TEST_F(DescriptionCtrls, DevicesText_IsNoMarkup) {
-  for (const auto add : {&DescriptionCtrl::AddTitle, &DescriptionCtrl::AddBold, &DescriptionCtrl::AddText}) {
+  struct Row {
+    const char* name;
+    void (*add)(DescriptionCtrl& aPane, const KrString& aText);
+  };
+  const Row rows[] = {
+      {"title", [](DescriptionCtrl& aPane, const KrString& aText) { aPane.AddTitle(aText); }},
+      {"bold", [](DescriptionCtrl& aPane, const KrString& aText) { aPane.AddBold(aText); }},
+      {"text", [](DescriptionCtrl& aPane, const KrString& aText) { aPane.AddText(aText); }},
+  };
+  for (const Row& row : rows) {
     mPane.Clear();
 
-    (mPane.*add)("<b>x</b><a href=\"http://h\">y</a>&amp;<img src=\"f\">");
+    row.add(mPane, "<b>x</b><a href=\"http://h\">y</a>&amp;<img src=\"f\">");
 
-    EXPECT_EQ(mPane.toPlainText(), "<b>x</b><a href=\"http://h\">y</a>&amp;<img src=\"f\">");
+    EXPECT_EQ(mPane.toPlainText(), "<b>x</b><a href=\"http://h\">y</a>&amp;<img src=\"f\">") << row.name;
   }
 }
 
