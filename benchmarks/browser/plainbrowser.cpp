@@ -63,6 +63,12 @@ QVariant PlainFeatureModel::data(const QModelIndex& aIndex, int aRole) const {
   return aIndex.column() == 0 ? ToText(feature.GetName()) : ReadValue(feature);
 }
 
+// Else the view remembers each feature as open, too, and takes minutes to forget thousands of them.
+Qt::ItemFlags PlainFeatureModel::flags(const QModelIndex& aIndex) const {
+  const Qt::ItemFlags flags = QAbstractItemModel::flags(aIndex);
+  return aIndex.internalId() == 0 ? flags : flags | Qt::ItemNeverHasChildren;
+}
+
 PlainBrowser::PlainBrowser(QSize aSize) {
   mView.setHeaderHidden(true);
   mView.setUniformRowHeights(true);

@@ -22,6 +22,7 @@ public:
   int rowCount(const QModelIndex& aParent = {}) const override;
   int columnCount(const QModelIndex& aParent = {}) const override;
   QVariant data(const QModelIndex& aIndex, int aRole) const override;
+  Qt::ItemFlags flags(const QModelIndex& aIndex) const override;
 
 private:
   struct Group {
