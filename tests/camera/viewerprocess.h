@@ -36,6 +36,8 @@ public:
   }
   /// The window's client area as it was on the screen.
   QImage GetDisplayPicture() const { return Load("display.png"); }
+  /// The feature browser.
+  QImage GetBrowserPicture() const { return Load("browser.png"); }
   /// The image shown, at the camera's resolution.
   QImage GetFramePicture() const { return Load("frame.png"); }
 

@@ -121,6 +121,62 @@ TEST(Krviewer, DisplayThatCannotBeOpened_SaysSoAndRunsHeadlessWithPictures) {
   }
 }
 
+TEST(Krviewer, FeaturesOfTheCamera_StandBesideThePicture) {
+  const ViewerProcess viewer({"--simulate", "--device", "sim-mono", "--frames", "60"});
+
+  EXPECT_EQ(viewer.GetExitCode(), 0) << viewer.GetErrors().toStdString();
+  const QImage browser = viewer.GetBrowserPicture();
+  const QImage display = viewer.GetDisplayPicture();
+  ASSERT_FALSE(browser.isNull());
+  EXPECT_EQ(browser.height(), display.height());
+  EXPECT_NEAR(static_cast<double>(display.width()) / (display.width() + browser.width()), 0.6, 0.02);
+  // Rows with their texts, which an empty browser has not.
+  const QRect rows(10, 60, browser.width() - 40, browser.height() / 2);
+  EXPECT_GT(plainpicture::Count(browser, rows, Qt::black), 200);
+}
+
+TEST(Krviewer, DescriptionWithoutACamera_IsShownAlone) {
+  const ViewerProcess viewer({"--headless", KR_DESCRIPTION_PATH});
+
+  EXPECT_EQ(viewer.GetExitCode(), 0) << viewer.GetErrors().toStdString();
+  EXPECT_GT(viewer.GetFigure("features"), 10) << viewer.GetOutput().toStdString();
+  const QImage browser = viewer.GetBrowserPicture();
+  ASSERT_FALSE(browser.isNull());
+  EXPECT_GT(plainpicture::Count(browser, browser.rect(), Qt::black), 500);
+  EXPECT_TRUE(viewer.GetDisplayPicture().isNull());
+}
+
+TEST(Krviewer, DescriptionOnTheScreen_SaysThatThereIsNoCameraAndEndsWithItsWindow) {
+  QProcess process;
+  process.start(KRVIEWER_PATH, {KR_DESCRIPTION_PATH});
+  ASSERT_TRUE(process.waitForStarted(60000));
+
+  ActivateWindow("everynode.xml - description without a camera");
+  MoveHands({"key", "alt+F4"});
+
+  ASSERT_TRUE(process.waitForFinished(60000));
+  EXPECT_EQ(process.exitCode(), 0);
+}
+
+TEST(Krviewer, FileThatIsNoDescription_IsNamedWithTheReason) {
+  struct Row {
+    const char* name;
+    QString file;
+    const char* reason;
+  };
+  for (const Row& row :
+       {Row{"missing", "/nowhere/camera.xml", "No such file"}, Row{"another kind of file", "/etc/passwd", "no XML"}}) {
+    SCOPED_TRACE(row.name);
+
+    const ViewerProcess viewer({"--headless", row.file});
+
+    EXPECT_EQ(viewer.GetExitCode(), 1);
+    EXPECT_TRUE(viewer.GetErrors().contains(row.file)) << viewer.GetErrors().toStdString();
+    EXPECT_TRUE(viewer.GetErrors().contains(row.reason)) << viewer.GetErrors().toStdString();
+    EXPECT_TRUE(viewer.GetBrowserPicture().isNull());
+  }
+}
+
 TEST(Krviewer, Interrupted_GivesTheCameraBackAndPrintsItsFigures) {
   QProcess process;
   process.start(KRVIEWER_PATH, {"--simulate", "--device", "sim-mono"});

@@ -35,7 +35,9 @@ QWidget* FindControl(const QString& aTitle, int aControl) {
 }
 
 QTreeView* FindTree(const QString& aTitle, int aControl) {
-  return qobject_cast<QTreeView*>(FindControl(aTitle, aControl));
+  QWidget* control = FindControl(aTitle, aControl);
+  auto* tree = qobject_cast<QTreeView*>(control);
+  return tree != nullptr || control == nullptr ? tree : control->findChild<QTreeView*>();
 }
 
 QString GetRowText(const QModelIndex& aFirstColumn) {
