@@ -216,6 +216,9 @@ void EditorWidgets::Fill() {
   mIsFilling = true;
   mOpen->setAccessibleName(ToQString(mContent.name));
   if (QLineEdit* editBox = GetOpenEditBox()) {
+    // Where the row's value stands, whichever way the text itself is written.
+    editBox->setAlignment((editBox->isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute |
+                          Qt::AlignVCenter);
     SetByteLimit(*editBox, 0);
     editBox->setText(ToQString(mContent.text));
     SetByteLimit(*editBox, mContent.mostBytes);
