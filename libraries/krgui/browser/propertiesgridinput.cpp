@@ -122,7 +122,8 @@ void PropertiesGrid::keyPressEvent(QKeyEvent* aEvent) {
   const GridSelection::Action action(mSelection);
   mWasValueCellClicked = false;
   if (aEvent->key() == Qt::Key_Escape) {
-    aEvent->ignore(); // The window's.
+    // The window's, unless it is still held from an editor, where it ended the edit.
+    aEvent->setAccepted(aEvent->isAutoRepeat());
     return;
   }
   if (aEvent->matches(QKeySequence::Copy)) {

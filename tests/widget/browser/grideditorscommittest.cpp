@@ -162,6 +162,28 @@ TEST_F(EditorsTest, HeldEnterAndEscape_EndNoEdit) {
   }
 }
 
+TEST_F(EditorsTest, EscapeHeldPastTheEndOfTheEdit_ClosesNothingAround) {
+  QDialog dialog;
+  bool wasRejected = false;
+  QObject::connect(&dialog, &QDialog::rejected, [&] { wasRejected = true; });
+  window->setParent(&dialog);
+  window->show();
+  dialog.show();
+  dialog.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  Enter("OffsetX");
+  QTest::keyPress(NumberBox(), Qt::Key_Escape);
+  QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, QString(), true);
+  QApplication::sendEvent(grid, &repeated);
+  QTest::keyRelease(grid.data(), Qt::Key_Escape);
+
+  EXPECT_FALSE(wasRejected);
+  EXPECT_TRUE(grid->hasFocus());
+  QTest::keyClick(grid.data(), Qt::Key_Escape);
+  EXPECT_TRUE(wasRejected) << "A press of its own is the window's.";
+  window->setParent(nullptr);
+}
+
 TEST_F(EditorsTest, TypedHexadecimal_IsWrittenWithAndWithoutPrefix) {
   for (const char* text : {"0x1f", "1f", "1F"}) {
     camera.Integer("LineMask").SetValue(0).IsOK();
