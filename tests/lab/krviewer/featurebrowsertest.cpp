@@ -1,0 +1,94 @@
+#include "featurebrowser.h"
+
+#include "acquisition.h"
+#include "krgui/krapplication.h"
+#include "labfixture.h"
+
+#include <QCoreApplication>
+#include <QTreeView>
+
+#include <cstdlib>
+#include <functional>
+
+using krviewer::Acquisition;
+using krviewer::AcquisitionState;
+using krviewer::FeatureBrowser;
+
+namespace {
+
+/// The browser of the viewer on a camera of the lab, and the viewer's loop.
+class FeatureBrowserTest : public LabTest {
+protected:
+  static void SetUpTestSuite() {
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ASSERT_TRUE(KrEnsureApplication().IsOK());
+  }
+
+  void Open() {
+    FindAll();
+    ASSERT_TRUE(mBrowser.GetWindow().ShowModeless(0).IsOK());
+    mAcquisition.emplace(mWindow, *FindInfo(kMonoMAC), 0);
+  }
+  void Close() {
+    mBrowser.GiveBack(mAcquisition->GetParameters());
+    mAcquisition->Stop();
+  }
+  // Looks again as the viewer does; false when a condition does not come true within a generous limit.
+  bool Await(const std::function<bool()>& aCondition) {
+    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
+    while (!aCondition() && std::chrono::steady_clock::now() < until) {
+      QCoreApplication::processEvents();
+      mBrowser.Follow(mAcquisition->GetParameters());
+    }
+    return aCondition();
+  }
+  bool IsIn(AcquisitionState aState) const { return mAcquisition->GetProgress().state == aState; }
+  /// The value in the row of a feature; empty while there is none.
+  QString GetValue(const QString& aName) {
+    const auto* const grid = mBrowser.GetWindow().GetWidget()->findChild<QTreeView*>("propertiesGrid");
+    const QModelIndexList rows = grid->model()->match(grid->model()->index(0, 0), Qt::DisplayRole, aName, 1,
+                                                      Qt::MatchExactly | Qt::MatchRecursive);
+    return rows.isEmpty() ? QString() : rows.constFirst().siblingAtColumn(1).data().toString();
+  }
+
+  KrDisplayWnd mWindow;
+  FeatureBrowser mBrowser;
+  std::optional<Acquisition> mAcquisition;
+};
+
+} // namespace
+
+TEST_F(FeatureBrowserTest, FeaturesOfTheCamera_AreShownAndGivenBackAtTheEnd) {
+  Open();
+
+  EXPECT_TRUE(Await([this] { return GetValue("DeviceUserID") == "sim-mono"; }));
+
+  Close();
+  EXPECT_EQ(GetValue("DeviceUserID"), "");
+}
+
+TEST_F(FeatureBrowserTest, CameraLostAndBack_ShowsTheFeaturesOfEachConnectionAndHoldsUpNone) {
+  Open();
+  for (int round = 0; round < 5; ++round) {
+    ASSERT_TRUE(Await([this] { return IsIn(AcquisitionState::Streaming) && GetValue("Width") == "1280 "; })) << round;
+
+    ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+    ASSERT_TRUE(Await([this] { return IsIn(AcquisitionState::Lost); })) << round;
+    ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+  }
+
+  EXPECT_TRUE(Await([this] { return IsIn(AcquisitionState::Streaming) && GetValue("Width") == "1280 "; }));
+
+  Close();
+}
+
+TEST_F(FeatureBrowserTest, StoppedWhileTheCameraIsLost_Ends) {
+  Open();
+  ASSERT_TRUE(Await([this] { return GetValue("Width") == "1280 "; }));
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  ASSERT_TRUE(Await([this] { return IsIn(AcquisitionState::Lost); }));
+
+  Close();
+
+  EXPECT_TRUE(IsIn(AcquisitionState::Finished));
+}
