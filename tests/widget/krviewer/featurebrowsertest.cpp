@@ -1,14 +1,13 @@
 #include "featurebrowser.h"
 
 #include "acquisition.h"
-#include "krgui/krapplication.h"
 #include "labfixture.h"
 
 #include <QCoreApplication>
 #include <QTreeView>
 
-#include <cstdlib>
 #include <functional>
+#include <optional>
 
 using krviewer::Acquisition;
 using krviewer::AcquisitionState;
@@ -19,11 +18,6 @@ namespace {
 /// The browser of the viewer on a camera of the lab, and the viewer's loop.
 class FeatureBrowserTest : public LabTest {
 protected:
-  static void SetUpTestSuite() {
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    ASSERT_TRUE(KrEnsureApplication().IsOK());
-  }
-
   void Open() {
     FindAll();
     ASSERT_TRUE(mBrowser.GetWindow().ShowModeless(0).IsOK());
