@@ -5,7 +5,6 @@
 #include "browser/errorbutton.h"
 #include "browser/genbrowseroptionsdlg.h"
 #include "browser/propertiesgrid.h"
-#include "krbase/krlogger.h"
 #include "krgui/genbrowsersearchbar.h"
 #include "platform/applicationend.h"
 #include "platform/toolbarbutton.h"
@@ -18,8 +17,6 @@
 #include <QSignalBlocker>
 #include <QTimer>
 
-#include <exception>
-#include <string>
 #include <utility>
 
 namespace krgui {
@@ -28,23 +25,6 @@ namespace {
 
 constexpr int kInitialDescriptionHeight = 120;
 constexpr int kErrorIntervalMs = 1000;
-
-void LogFilter(const char* aWhat) {
-  KrLogger("KrGUILib")
-      .Log(KrLogLevel::Error, {"GenBrowserWnd::AskFilter", "genbrowserwnd"},
-           KrString(std::string("IsParameterDisplayed threw an exception; the feature is shown: ") + aWhat));
-}
-
-bool AskFilter(const FeatureFilter& aFilter, KrGenParameter* aParameter) {
-  try {
-    return !aFilter || aFilter(aParameter);
-  } catch (const std::exception& error) {
-    LogFilter(error.what());
-  } catch (...) {
-    LogFilter("an exception of an unknown kind");
-  }
-  return true;
-}
 
 } // namespace
 
@@ -233,10 +213,9 @@ void GenBrowserWnd::Fill(Filling& aFilling) {
     (void)GetVisibility();
     grid.SetVisibility(mOptions.visibility);
     const FeatureFilter filter = [ask = mFilter, &aFilling](KrGenParameter* aParameter) {
-      return !aFilling.IsOver() && AskFilter(ask, aParameter) && !aFilling.IsOver();
+      return !aFilling.IsOver() && (!ask || ask(aParameter)) && !aFilling.IsOver();
     };
     grid.Fill([&array = *mArray, options = mOptions, &filter](BrowserTree& aTree) {
-      aTree.SetShowsDisplayNames(options.showsDisplayNames);
       FillBrowserTree(array, options, filter, aTree);
     });
   }
