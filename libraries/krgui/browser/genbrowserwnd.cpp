@@ -156,6 +156,7 @@ void GenBrowserWnd::WireControls() {
     if (!mFilling)
       UpdateDescription();
   });
+  mControls->GetGrid().SetScreenHandler([this] { mRefresh->WakeUp(); });
   auto* timer = new QTimer(mConnections.get());
   QObject::connect(timer, &QTimer::timeout, mConnections.get(), [this] { mControls->GetErrorButton().LookAgain(); });
   timer->start(kErrorIntervalMs);
@@ -297,6 +298,7 @@ void GenBrowserWnd::OnDestroy() {
     PropertiesGrid& grid = mControls->GetGrid();
     mHasChanged = grid.HasChanged();
     grid.SetSelectionHandler({});
+    grid.SetScreenHandler({});
     // Who fills the rows takes them away himself.
     if (!mFilling)
       TakeRowsAway();

@@ -1,6 +1,6 @@
 #pragma once
-// What tests of the feature browser's window share: a camera of memory with features of every visibility, a window whose
-// controls and rows can be had, and a user's hands.
+// What tests of the feature browser's window share: a camera of memory with features of every visibility, a window
+// whose controls and rows can be had, and a user's hands.
 
 #include "browser/browsercontrols.h"
 #include "browser/descriptionctrl.h"

@@ -48,9 +48,9 @@ TEST_F(SearchRow, CtrlF_ShowsItAboveTheGridWithTheFocusInTheFieldAndAgainHidesIt
 
 TEST_F(SearchRow, CtrlFInEveryControlThatTakesTheFocus_ShowsIt) {
   Open();
-  for (QWidget* control : {static_cast<QWidget*>(&mWindow.GetGrid()), static_cast<QWidget*>(&mWindow.GetDescription()),
-                           static_cast<QWidget*>(&mWindow.GetVisibilityList()),
-                           static_cast<QWidget*>(&mWindow.GetButton("Properties"))}) {
+  for (QWidget* control :
+       {static_cast<QWidget*>(&mWindow.GetGrid()), static_cast<QWidget*>(&mWindow.GetDescription()),
+        static_cast<QWidget*>(&mWindow.GetVisibilityList()), static_cast<QWidget*>(&mWindow.GetButton("Properties"))}) {
     control->setFocus();
 
     Press(Qt::Key_F, Qt::ControlModifier);
