@@ -3,6 +3,7 @@
 #include "browserfixture.h"
 
 #include <QLineEdit>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace krgui {

@@ -170,8 +170,9 @@ TEST(FillingWithAFilter, FilterThatClosesTheWindowInALaterFilling_LeavesNoRowAnd
   bool closes = false;
   TestBrowserWnd* window = nullptr;
   TestBrowserWnd closing([&](KrGenParameter*) {
-    if (closes && window->IsOpen())
+    if (closes && window->IsOpen()) {
       EXPECT_TRUE(window->Close().IsOK());
+    }
     return true;
   });
   window = &closing;
