@@ -99,13 +99,12 @@ BrowserControls::BrowserControls(QWidget& aDialog, const Lookup& aLookup, GenBro
                                  std::shared_ptr<MessageQueue> aQueue, int& aDescriptionHeight)
     : mDialog(aDialog), mDescriptionHeight(aDescriptionHeight) {
   MakeTools(aLookup);
+  MakeSearchRow(aLookup, aBrowser);
   mGridPlace = aLookup(kGridPlaceID);
   mProperties = PutInto(*mGridPlace, new PropertiesCtrl(mGridPlace, std::move(aQueue)));
-  GetGrid().setAccessibleName(QStringLiteral("Features"));
-  MakeSearchRow(aLookup, aBrowser);
+  mSearchBar->SetProperties(mProperties);
   mDescriptionPlace = aLookup(kDescriptionPlaceID);
   mDescription = PutInto(*mDescriptionPlace, new DescriptionCtrl(mDescriptionPlace));
-  mDescription->setAccessibleName(QStringLiteral("Description"));
   mDescription->setTabChangesFocus(true);
   mSplitter = new BrowserSplitter(&aDialog, {[this](int aY) { return IsInSplitterBand(aY, mRows); },
                                              [this](int aY) { MoveBoundary(aY); }, [this] { GetGrid().setFocus(); }});
@@ -139,7 +138,7 @@ void BrowserControls::MakeTools(const Lookup& aLookup) {
 void BrowserControls::MakeSearchRow(const Lookup& aLookup, GenBrowserWnd& aBrowser) {
   mSearchLabel = qobject_cast<QLabel*>(aLookup(kSearchLabelID));
   mSearchPlace = aLookup(kSearchPlaceID);
-  mSearchBar = PutInto(*mSearchPlace, new GenBrowserSearchBar(&aBrowser, mProperties, mSearchPlace));
+  mSearchBar = PutInto(*mSearchPlace, new GenBrowserSearchBar(&aBrowser, nullptr, mSearchPlace));
   mSearchLabel->setBuddy(mSearchBar);
   mPreviousButton = qobject_cast<QPushButton*>(aLookup(kPreviousID));
   Explain(*mPreviousButton, "Move to previous occurence");
@@ -156,13 +155,16 @@ void BrowserControls::MakeSearchRow(const Lookup& aLookup, GenBrowserWnd& aBrows
   }
 }
 
-/// From the tools over the search row to grid and description.
+/// From the tools over the search row to grid and description: controls come in the order in which they are made, which
+/// for those of the template is too early. The toolkit confuses the order of those that hand the focus on, so they stay
+/// where they are.
 void BrowserControls::OrderTabs() {
-  std::vector<QWidget*> order(mTools.begin(), mTools.end());
-  order.insert(order.end(), {mVisibilityList, mSearchBar, mPreviousButton, mNextButton, mCloseSearchButton, &GetGrid(),
-                             mDescription});
-  for (std::size_t index = 1; index < order.size(); ++index)
-    QWidget::setTabOrder(order[index - 1], order[index]);
+  QWidget::setTabOrder(mTools.back(), mVisibilityList);
+  QWidget* last = mSearchBar->focusProxy();
+  for (QPushButton* button : {mPreviousButton, mNextButton, mCloseSearchButton}) {
+    QWidget::setTabOrder(last, button);
+    last = button;
+  }
 }
 
 /// The font that texts are in, which finds the arrows and the cross in others where it lacks them.

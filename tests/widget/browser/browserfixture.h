@@ -21,6 +21,7 @@
 
 #include <gmock/gmock.h>
 
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -75,9 +76,19 @@ public:
   using Wnd::EndDialog;
   using Wnd::GetControl;
 
+  /// The controls of a class, which need not be one of the toolkit's own kind.
+  template <typename Control>
+  std::vector<Control*> FindAll() const {
+    std::vector<Control*> controls;
+    for (QWidget* widget : GetWidget()->findChildren<QWidget*>()) {
+      if (auto* control = dynamic_cast<Control*>(widget))
+        controls.push_back(control);
+    }
+    return controls;
+  }
   template <typename Control>
   Control& Find() const {
-    return *GetWidget()->findChild<Control*>();
+    return *FindAll<Control>().at(0);
   }
   PropertiesGrid& GetGrid() const { return Find<PropertiesCtrl>().GetGrid(); }
   GenBrowserSearchBar& GetSearchBar() const { return Find<GenBrowserSearchBar>(); }
@@ -110,9 +121,13 @@ public:
     }
     return kNoItem;
   }
+  /// Without the blank before the unit, as nothing here has one.
   std::string GetValue(const char* aName) const {
     const TreeItemData* node = GetGrid().GetTree().FindFeature(FindRow(aName));
-    return node ? node->GetSnapshot().value.ToUtf8() : std::string("-");
+    if (!node)
+      return "-";
+    const std::string value = node->GetSnapshot().value.ToUtf8();
+    return value.substr(0, value.find_last_not_of(' ') + 1);
   }
   std::string GetSelectedName() const {
     const BrowserTree::Item* item = GetGrid().GetTree().Find(GetGrid().GetSelected());

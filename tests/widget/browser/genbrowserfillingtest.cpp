@@ -237,7 +237,7 @@ TEST(PublicBrowser, OverrideOfIsParameterDisplayed_HidesFeatures) {
 
   ASSERT_TRUE(browser.ShowModeless(0).IsOK());
 
-  const auto& features = browser.GetWidget()->findChild<PropertiesCtrl*>()->GetGrid().GetTree().GetFeatures();
+  const auto& features = browser.GetWidget()->findChild<PropertiesGrid*>()->GetTree().GetFeatures();
   ASSERT_EQ(features.size(), 1u);
   EXPECT_EQ(features[0]->GetName(), "Width");
 }

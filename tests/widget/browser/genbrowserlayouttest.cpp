@@ -210,9 +210,9 @@ TEST_F(Layout, TabKey_GoesFromTheToolsOverTheSearchRowToGridAndDescription) {
     Press(Qt::Key_Tab);
   }
 
-  EXPECT_THAT(order, testing::ElementsAre("Properties", "Expand", "Collapse", "Refresh", "Visibility", "Search",
-                                          "Move to previous occurence", "Move to next occurence", "Close search",
-                                          "Features", "Description"));
+  EXPECT_THAT(order, testing::ElementsAre("Properties", "Expand", "Collapse", "Refresh", "Visibility", "Errors",
+                                          "Search", "Move to previous occurence", "Move to next occurence",
+                                          "Close search", "Features", "Description"));
 }
 
 TEST_F(Layout, EveryControlThatTakesTheFocus_HasANameForAssistiveTechnology) {
@@ -235,7 +235,7 @@ TEST_F(Layout, ToolButtons_HaveTheirToolTips) {
   Open();
 
   std::vector<std::string> toolTips;
-  for (const ToolBarButton* button : mWindow.GetWidget()->findChildren<ToolBarButton*>())
+  for (const ToolBarButton* button : mWindow.FindAll<ToolBarButton>())
     toolTips.push_back(button->toolTip().toStdString());
 
   EXPECT_THAT(toolTips, testing::ElementsAre("Properties", "Expand", "Collapse", "Refresh"));

@@ -200,9 +200,13 @@ TEST_F(RefreshModes, DeviceThatDoesNotAnswer_LeavesTheWindowAlive) {
   gate.AwaitSomebody();
 
   Press(Qt::Key_F, Qt::ControlModifier);
-  QTest::keyClicks(mWindow.GetWidget()->window()->focusWidget(), "gain");
+  QTest::keyClicks(mWindow.GetWidget()->window()->focusWidget(), "nowhere");
+  mWindow.Click("Collapse");
+  mWindow.GetWidget()->resize(600, 700);
 
-  EXPECT_EQ(mWindow.GetResult(), "Result 1 of 2");
+  EXPECT_EQ(mWindow.GetResult(), "No result found");
+  EXPECT_FALSE(mWindow.GetGrid().FindRow(mWindow.FindRow("Width")).isValid());
+  EXPECT_EQ(mWindow.GetControl(1095)->geometry().right(), 600 - 1 - 6);
   gate.Open();
 }
 
@@ -240,7 +244,7 @@ TEST_F(RefreshModes, RebuildingAndChangingWithoutPause_IsSafeInEveryMode) {
   for (int round = 0; round < 200; ++round) {
     mWindow.SetRefreshMode(static_cast<KrGenRefresh>(round % 2));
     mWindow.GetVisibilityList().setCurrentIndex(round % 3);
-    (void)mWindow.DoEvents();
+    QCoreApplication::processEvents();
   }
   isOver = true;
   program.join();
