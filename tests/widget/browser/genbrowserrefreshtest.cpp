@@ -200,7 +200,7 @@ TEST_F(RefreshModes, DeviceThatDoesNotAnswer_LeavesTheWindowAlive) {
   gate.AwaitSomebody();
 
   Press(Qt::Key_F, Qt::ControlModifier);
-  QTest::keyClicks(mWindow.GetWidget()->window()->focusWidget(), "nowhere");
+  QTest::keyClicks(mWindow.GetWidget()->window()->focusWidget(), "?");
   mWindow.Click("Collapse");
   mWindow.GetWidget()->resize(600, 700);
 
