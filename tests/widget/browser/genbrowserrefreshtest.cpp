@@ -193,10 +193,10 @@ TEST_F(RefreshModes, ReadThatFails_MakesTheIndicatorShowAnErrorAndItsEndTakesItA
 
 TEST_F(RefreshModes, DeviceThatDoesNotAnswer_LeavesTheWindowAlive) {
   Gate gate;
+  Open(KrGenRefresh::Automatic);
   mCamera.port.SetFault([&](const RegisterAccessRecord& aRecord) {
     return aRecord.address == kHeightAddress ? gate.Pass() : KrResult();
   });
-  Open(KrGenRefresh::Automatic);
   gate.AwaitSomebody();
 
   Press(Qt::Key_F, Qt::ControlModifier);
@@ -212,10 +212,10 @@ TEST_F(RefreshModes, DeviceThatDoesNotAnswer_LeavesTheWindowAlive) {
 
 TEST_F(RefreshModes, ClosingWhileAReadHangs_WaitsForThatReadAlone) {
   Gate gate;
+  Open(KrGenRefresh::Automatic);
   mCamera.port.SetFault([&](const RegisterAccessRecord& aRecord) {
     return aRecord.address == kHeightAddress ? gate.Pass() : KrResult();
   });
-  Open(KrGenRefresh::Automatic);
   gate.AwaitSomebody();
   const auto queue = mWindow.GetQueue();
   std::thread device([&] {
