@@ -5,10 +5,12 @@
 #include "browser/errorbutton.h"
 #include "browser/genbrowseroptionsdlg.h"
 #include "browser/propertiesgrid.h"
+#include "browser/settingsactions.h"
 #include "krgui/genbrowsersearchbar.h"
 #include "platform/applicationend.h"
 #include "platform/toolbarbutton.h"
 #include "platform/waitcursor.h"
+#include "res/menus.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -23,7 +25,7 @@ namespace krgui {
 
 namespace {
 
-constexpr int kInitialDescriptionHeight = 120;
+constexpr int kInitialDescriptionHeight = 150;
 constexpr int kErrorIntervalMs = 1000;
 
 } // namespace
@@ -39,6 +41,7 @@ GenBrowserWnd::~GenBrowserWnd() {
 void GenBrowserWnd::SetGenParameterArray(KrGenParameterArray* aArray) {
   if (aArray == mArray)
     return;
+  EndSettings();
   mArray = aArray;
   ResetChanged();
   if (mControls)
@@ -157,6 +160,8 @@ void GenBrowserWnd::WireControls() {
       UpdateDescription();
   });
   mControls->GetGrid().SetScreenHandler([this] { mRefresh->WakeUp(); });
+  mControls->GetGrid().SetContextMenu(
+      kGenBrowserMenuID, [this](int aCommandID) { CallHandler([this, aCommandID] { PerformMenu(aCommandID); }); });
   auto* timer = new QTimer(mConnections.get());
   QObject::connect(timer, &QTimer::timeout, mConnections.get(), [this] { mControls->GetErrorButton().LookAgain(); });
   timer->start(kErrorIntervalMs);
@@ -292,7 +297,46 @@ void GenBrowserWnd::ChooseOptions() {
   SetOptions(options);
 }
 
+void GenBrowserWnd::PerformMenu(int aCommandID) {
+  if (!mArray)
+    return;
+  if (aCommandID == kSaveFeaturesCommandID)
+    SaveFeatures();
+  else if (aCommandID == kRestoreFeaturesCommandID)
+    RestoreFeatures();
+}
+
+void GenBrowserWnd::SaveFeatures() {
+  // Nothing is done afterwards, whether or not this window still is.
+  (void)SaveSettings(GetWidget(), *mArray, mSettingsEnd.get_token());
+}
+
+/// What was written counts as changed although the window was closed meanwhile, but not for another array.
+void GenBrowserWnd::RestoreFeatures() {
+  const std::weak_ptr<const bool> living = mAlive;
+  const KrGenParameterArray* array = mArray;
+  bool hasWritten = false;
+  const bool goesOn = RestoreSettings(GetWidget(), *mArray, hasWritten, mSettingsEnd.get_token());
+  if (!hasWritten || living.expired() || mArray != array)
+    return;
+  mHasChanged = true;
+  if (!goesOn || !mControls)
+    return;
+  mControls->GetGrid().SetChanged(true);
+  // The nodes hear of what was written; whatever else became different is read now.
+  if (mOptions.refreshMode == KrGenRefresh::Manual)
+    Refresh();
+  else
+    mRefresh->WakeUp();
+}
+
+void GenBrowserWnd::EndSettings() {
+  mSettingsEnd.request_stop();
+  mSettingsEnd = std::stop_source();
+}
+
 void GenBrowserWnd::OnDestroy() {
+  EndSettings();
   mConnections.reset();
   if (mControls && !ApplicationEnd::IsProcessEnding()) {
     PropertiesGrid& grid = mControls->GetGrid();

@@ -9,6 +9,7 @@
 #include "res/templates.h"
 
 #include <memory>
+#include <stop_token>
 
 class QObject;
 
@@ -79,10 +80,18 @@ private:
   void ShowAll(bool aIsOpen);
   void ChooseOptions();
   void SetOptions(const BrowserOptions& aOptions);
+  void PerformMenu(int aCommandID);
+  void SaveFeatures();
+  void RestoreFeatures();
+  /// Ends the dialogs of saving and restoring, which borrow the array.
+  void EndSettings();
 
   KrGenParameterArray* mArray = nullptr;
   BrowserOptions mOptions;
   FeatureFilter mFilter;
+  std::stop_source mSettingsEnd; ///< Ends what saves or restores features at the moment.
+  /// Expires with the window, which may end while features are restored.
+  const std::shared_ptr<const bool> mAlive = std::make_shared<const bool>(true);
   bool mHasChanged = false; ///< While the window is not open; an open one's grid knows.
   int mDescriptionHeight;
   std::shared_ptr<Filling> mFilling; ///< Null unless the rows are being filled; shared with those who fill them.

@@ -31,9 +31,20 @@ constexpr std::array kPropertiesGridItems = {
 };
 constexpr std::array kPropertiesGridSubmenus = {SubmenuTemplate{"Feature", kPropertiesGridItems}};
 
-constexpr std::array kMenus = {MenuTemplate{kDisplayMenuID, kDisplaySubmenus},
-                               MenuTemplate{kDeviceFinderMenuID, kDeviceFinderSubmenus},
-                               MenuTemplate{kPropertiesGridMenuID, kPropertiesGridSubmenus}};
+constexpr std::array kGenBrowserItems = {
+    kPropertiesGridItems[0],
+    kPropertiesGridItems[1],
+    kPropertiesGridItems[2],
+    kPropertiesGridItems[3],
+    MenuItemTemplate{"Save features...", kSaveFeaturesCommandID},
+    MenuItemTemplate{"Restore features...", kRestoreFeaturesCommandID},
+};
+static_assert(kGenBrowserItems.size() == kPropertiesGridItems.size() + 2);
+constexpr std::array kGenBrowserSubmenus = {SubmenuTemplate{"Feature Browser", kGenBrowserItems}};
+
+constexpr std::array kMenus = {
+    MenuTemplate{kDisplayMenuID, kDisplaySubmenus}, MenuTemplate{kDeviceFinderMenuID, kDeviceFinderSubmenus},
+    MenuTemplate{kPropertiesGridMenuID, kPropertiesGridSubmenus}, MenuTemplate{kGenBrowserMenuID, kGenBrowserSubmenus}};
 
 static_assert(std::none_of(kMenus.begin(), kMenus.end(),
                            [](const MenuTemplate& aMenu) { return aMenu.submenus.empty(); }));

@@ -30,6 +30,8 @@ inline constexpr int kDeviceFinderMenuID = 1505;
 
 /// Of the property grid where no window gives it another one.
 inline constexpr int kPropertiesGridMenuID = 1508;
+/// Of the property grid in the feature browser.
+inline constexpr int kGenBrowserMenuID = 1509;
 
 inline constexpr int kSetIPAddressCommandID = 32771;
 
@@ -38,5 +40,8 @@ inline constexpr int kCopyNameCommandID = 32801;
 inline constexpr int kCopyValueCommandID = 32802;
 inline constexpr int kCopyNameAndValueCommandID = 32803;
 inline constexpr int kCopyErrorCommandID = 32804;
+
+inline constexpr int kSaveFeaturesCommandID = 32805;
+inline constexpr int kRestoreFeaturesCommandID = 32806;
 
 } // namespace krgui
