@@ -218,11 +218,8 @@ void GenBrowserWnd::Fill(Filling& aFilling) {
   if (mArray) {
     (void)GetVisibility();
     grid.SetVisibility(mOptions.visibility);
-    const FeatureFilter filter = [ask = mFilter, &aFilling](KrGenParameter* aParameter) {
-      return !aFilling.IsOver() && (!ask || ask(aParameter)) && !aFilling.IsOver();
-    };
-    grid.Fill([&array = *mArray, options = mOptions, &filter](BrowserTree& aTree) {
-      FillBrowserTree(array, options, filter, aTree);
+    grid.Fill([&array = *mArray, options = mOptions, filter = mFilter, &aFilling](BrowserTree& aTree) {
+      FillBrowserTree(array, options, filter, aTree, [&aFilling] { return !aFilling.IsOver(); });
     });
   }
   if (aFilling.isWindowGone)

@@ -8,6 +8,7 @@
 
 #include <poll.h>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,6 +58,11 @@ public:
       }
     } while (poll(&waking, 1, kLimitMs) > 0);
     return std::nullopt;
+  }
+  /// Whether a row changes, which a test does not expect.
+  bool IsARowChangedWithin(std::chrono::milliseconds aTime) {
+    pollfd waking = {.fd = queue->GetWakeDescriptor(), .events = POLLIN, .revents = 0};
+    return queue->Take() || (poll(&waking, 1, static_cast<int>(aTime.count())) > 0 && queue->Take());
   }
   std::vector<GridItem> TakeChangedRows(std::size_t aCount) {
     std::vector<GridItem> rows;

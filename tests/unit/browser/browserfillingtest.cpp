@@ -233,6 +233,21 @@ TEST_F(FillingTest, Tree_DisplayNamesChosen_AreThoseThatRowsShow) {
   EXPECT_STREQ(mCamera->tree.GetFeatures()[0]->GetName().CStr(), "Width");
 }
 
+// A path is parted at backslashes, and a description may have them in names.
+TEST_F(FillingTest, Tree_ComponentThatNamesNoCategory_MakesNoRow) {
+  Fill(MakeFeature("X") + MakeCategory("Root", {"Outer"}) + MakeCategory("Outer", {"No\\Such"}) +
+       MakeCategory("No\\Such", {"Inner"}) + MakeCategory("Inner", {"X"}));
+
+  EXPECT_THAT(GetRows(), ElementsAre("Outer/", " Inner/", "  X"));
+}
+
+TEST_F(FillingTest, Tree_ComponentThatNamesAFeature_MakesNoRowAndLeavesTheFeatureWithoutChildren) {
+  Fill(MakeFeature("X") + MakeFeature("Same") + MakeCategory("Root", {"Same", "No\\Same"}) +
+       MakeCategory("No\\Same", {"Inner"}) + MakeCategory("Inner", {"X"}));
+
+  EXPECT_THAT(GetRows(), ElementsAre("Same", "Inner/", " X"));
+}
+
 TEST_F(FillingTest, List_FeaturesInCategories_AreSortedByNameWithoutCategories) {
   Fill(MakeFeature("width") + MakeFeature("Gain") + MakeFeature("Offset") + MakeCategory("Root", {"width", "A"}) +
            MakeCategory("A", {"Offset", "Gain"}),
@@ -276,6 +291,54 @@ TEST_F(FillingTest, Filter_ThatThrows_ShowsTheFeatureAndIsLogged) {
   EXPECT_EQ(records[0].level, KrLogLevel::Error);
   EXPECT_THAT(records[0].text.CStr(), testing::AllOf(HasSubstr("Width"), HasSubstr("out of order")));
   EXPECT_THAT(records[1].text.CStr(), HasSubstr("Gain"));
+}
+
+TEST_F(FillingTest, Filter_ThatEndsTheFilling_IsFollowedByNothing) {
+  for (const bool isTree : {true, false}) {
+    SCOPED_TRACE(isTree ? "tree" : "list");
+    std::string nodes = MakeInteger("Has", 0);
+    std::vector<std::string> names;
+    for (int i = 0; i < 10; ++i) {
+      names.push_back("F" + std::to_string(9 - i));
+      nodes += MakeFeature(names.back(), "<pIsImplemented>Has</pIsImplemented>");
+    }
+    mCamera = std::make_unique<BrowsedCamera>(nodes + MakeCategory("Root", names));
+    mCamera->Poke(0, {1});
+    std::vector<std::string> asked;
+    std::size_t readsAtTheEnd = 0;
+    const FeatureFilter filter = [&](KrGenParameter* parameter) {
+      asked.push_back(parameter->GetName().ToUtf8());
+      readsAtTheEnd = mCamera->port.CountReads();
+      return true;
+    };
+    BrowserOptions options;
+    options.isTree = isTree;
+
+    FillBrowserTree(*mCamera->array, options, filter, mCamera->tree, [&] { return asked.size() < 3; });
+
+    EXPECT_THAT(asked, ElementsAre("F9", "F8", "F7"));
+    EXPECT_EQ(mCamera->port.CountReads(), readsAtTheEnd) << "nothing was asked of the device after the filter";
+    EXPECT_EQ(mCamera->tree.GetFeatures().size(), 2U);
+  }
+}
+
+TEST_F(FillingTest, Filter_ThatThrowsAfterItTookTheArrayAway_IsLoggedByTheFeaturesName) {
+  const KrLogCapture capture;
+  mCamera = std::make_unique<BrowsedCamera>(MakeFeature("Width") + MakeCategory("Root", {"Width"}));
+  bool goesOn = true;
+
+  FillBrowserTree(
+      *mCamera->array, {},
+      [&](KrGenParameter*) -> bool {
+        mCamera->array.reset();
+        goesOn = false;
+        throw std::runtime_error("out of order");
+      },
+      mCamera->tree, [&] { return goesOn; });
+
+  ASSERT_EQ(capture.GetRecords().size(), 1U);
+  EXPECT_THAT(capture.GetRecords()[0].text.CStr(), HasSubstr("Width"));
+  EXPECT_THAT(GetRows(), IsEmpty());
 }
 
 TEST_F(FillingTest, CategoriesInACycle_GiveEachFeatureOnce) {

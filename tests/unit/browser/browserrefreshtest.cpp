@@ -2,13 +2,17 @@
 
 #include "browsedcamera.h"
 #include "krbase/krlogger.h"
+#include "notificationwait.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
+#include <future>
+#include <limits>
 #include <mutex>
-#include <thread>
 
 namespace krgui {
 
@@ -16,6 +20,8 @@ namespace {
 
 constexpr std::size_t kFeatures = 40;
 constexpr int kPolled = 0x1000;
+/// For what must not happen: a longer time would find no more faults, and no time lets a test fail without one.
+constexpr std::chrono::milliseconds kUnlikelyToTakeLonger{300};
 
 std::string GetFeatureName(std::size_t aIndex) {
   return "F" + std::to_string(aIndex);
@@ -27,7 +33,7 @@ constexpr std::uint64_t GetAddress(std::size_t aIndex) {
 
 // As many plain registers, and one that the device is to be polled for.
 std::string MakeNodes() {
-  std::string nodes;
+  std::string nodes = kWaitNode;
   for (std::size_t i = 0; i < kFeatures; ++i) {
     nodes += MakeInteger(GetFeatureName(i), static_cast<int>(GetAddress(i)));
   }
@@ -43,8 +49,16 @@ public:
 
   KrResult Pass(const RegisterAccessRecord& aAccess) {
     std::unique_lock lock(mMutex);
-    mChanged.wait(lock, [&] { return mIsOpen || aAccess.address != mAddress; });
+    if (aAccess.address == mAddress) {
+      mIsReached = true;
+      mChanged.notify_all();
+      mChanged.wait(lock, [this] { return mIsOpen; });
+    }
     return {};
+  }
+  void AwaitReading() {
+    std::unique_lock lock(mMutex);
+    EXPECT_TRUE(mChanged.wait_for(lock, kPatience, [this] { return mIsReached; }));
   }
   void Open() {
     const std::lock_guard lock(mMutex);
@@ -54,8 +68,9 @@ public:
 
 private:
   const std::uint64_t mAddress;
-  std::mutex mMutex; // Guards mIsOpen.
+  std::mutex mMutex; // Guards the members from here on.
   std::condition_variable mChanged;
+  bool mIsReached = false;
   bool mIsOpen = false;
 };
 
@@ -93,12 +108,15 @@ protected:
     }
     return aRow.GetValue(false).ToUtf8();
   }
+  /// From now on only the refresh's own readings come to the gate.
   void CloseGate() {
+    mNotifications.Await();
     mCamera.port.SetFault([this](const RegisterAccessRecord& access) { return mGate.Pass(access); });
   }
 
   Gate mGate{GetAddress(5)}; // Outlives the camera, whose threads may be in it.
   BrowsedCamera mCamera{MakeNodes()};
+  NotificationWait mNotifications{mCamera.Integer("Wait")};
   BrowserRefresh mRefresh{mCamera.notifier};
 };
 
@@ -188,8 +206,8 @@ TEST_F(BrowserRefreshTest, Automatic_RowsThatComeOntoTheScreenMeanwhile_AreReadN
   AddRows();
   CloseGate();
   Start(KrGenRefresh::Automatic);
+  mGate.AwaitReading();
 
-  // Whichever rows were read before the gate, row 5 is not among them, so at most that one comes before.
   Row(35).SetOnScreen(true);
   mRefresh.WakeUp();
   mGate.Open();
@@ -200,7 +218,7 @@ TEST_F(BrowserRefreshTest, Automatic_RowsThatComeOntoTheScreenMeanwhile_AreReadN
   EXPECT_NE(placeOf(6), order.end());
 }
 
-TEST_F(BrowserRefreshTest, Automatic_RowOnTheScreen_IsReadAgainAfterAWakeUpAndOthersAreNot) {
+TEST_F(BrowserRefreshTest, Automatic_RowOnTheScreen_IsReadInEveryPassAndOthersAreNot) {
   AddRows();
   Row(3).SetOnScreen(true);
   Start(KrGenRefresh::Automatic);
@@ -208,22 +226,26 @@ TEST_F(BrowserRefreshTest, Automatic_RowOnTheScreen_IsReadAgainAfterAWakeUpAndOt
   mCamera.Poke(GetAddress(2), {9});
   mCamera.Poke(GetAddress(3), {9});
 
-  mRefresh.WakeUp();
-
   EXPECT_EQ(WaitForValue(Row(3), "9 "), "9 ");
   mRefresh.Stop();
   EXPECT_STREQ(Row(2).GetValue(false).CStr(), "0 ");
 }
 
-TEST_F(BrowserRefreshTest, Automatic_RowOnTheScreen_IsReadAgainWithoutAWakeUp) {
-  AddRows(2);
-  Row(1).SetOnScreen(true);
-  Start(KrGenRefresh::Automatic);
-  (void)mCamera.TakeChangedRows(2);
+TEST_F(BrowserRefreshTest, Automatic_ScrollingBetweenTwoPasses_ReadsNothingAgain) {
+  AddRows();
+  BrowserRefresh refresh(mCamera.notifier, {.automaticMs = std::numeric_limits<std::int32_t>::max()});
+  refresh.Start(KrGenRefresh::Automatic, *mCamera.array, mCamera.tree);
+  (void)mCamera.TakeChangedRows(kFeatures);
+  const std::size_t reads = mCamera.port.CountReads();
 
-  mCamera.Poke(GetAddress(1), {4});
+  for (std::size_t i = 0; i < kFeatures; ++i) {
+    Row(i).SetOnScreen(true);
+    refresh.WakeUp();
+  }
 
-  EXPECT_EQ(WaitForValue(Row(1), "4 "), "4 ");
+  EXPECT_FALSE(mCamera.IsARowChangedWithin(kUnlikelyToTakeLonger));
+  refresh.Stop();
+  EXPECT_EQ(mCamera.port.CountReads(), reads);
 }
 
 TEST_F(BrowserRefreshTest, Automatic_ManyWakeUps_StillReadEveryRowOnceAPass) {
@@ -285,6 +307,43 @@ TEST_F(BrowserRefreshTest, Polling_ValuesThatChangeInTheDevice_ReachOnlyThoseTha
   EXPECT_STREQ(Row(0).GetValue(false).CStr(), "0 ");
 }
 
+TEST_F(BrowserRefreshTest, Polling_ThatFails_IsLoggedOnceUntilItWorksAgain) {
+  const KrLogCapture capture;
+  (void)mCamera.Node("Polled");
+  std::atomic<int> failures = 0;
+  const auto failPolling = [&](const RegisterAccessRecord& access) {
+    failures += access.address == kPolled ? 1 : 0;
+    return access.address == kPolled ? KrResult(KrResult::Code::TimeLimitExceeded, "Too late.") : KrResult();
+  };
+  const auto isLogged = [&](KrLogLevel aLevel, const char* aBegin, int aTimes) {
+    const std::vector<KrLogRecord> records = capture.GetRecords();
+    return aTimes <= std::count_if(records.begin(), records.end(), [&](const KrLogRecord& record) {
+             return record.level == aLevel && record.text.ToUtf8().starts_with(aBegin);
+           });
+  };
+  Start(KrGenRefresh::Polling);
+  (void)mCamera.TakeChangedRow();
+
+  for (const int round : {1, 2}) {
+    failures = 0;
+    mCamera.port.SetFault(failPolling);
+    AwaitTrue([&] { return failures >= 8 && isLogged(KrLogLevel::Warning, "Polling", round); });
+    mCamera.port.SetFault({});
+    AwaitTrue([&] { return isLogged(KrLogLevel::Info, "Polling", round); });
+  }
+  mRefresh.Stop();
+
+  std::vector<std::string> told;
+  for (const KrLogRecord& record : capture.GetRecords()) {
+    const bool isWarning = record.level == KrLogLevel::Warning;
+    told.push_back((isWarning ? "warning: " : "") + record.text.ToUtf8());
+  }
+  const std::string works = "Polling the device works again.";
+  const auto failed =
+      testing::AllOf(testing::StartsWith("warning: Polling the device failed"), testing::HasSubstr("Too late."));
+  EXPECT_THAT(told, testing::ElementsAre(testing::HasSubstr("started"), failed, works, failed, works));
+}
+
 TEST_F(BrowserRefreshTest, Stop_WithoutAThread_DoesNothing) {
   mRefresh.Stop();
 
@@ -295,12 +354,16 @@ TEST_F(BrowserRefreshTest, Stop_WhileTheDeviceIsWaitedFor_EndsAfterThatReading) 
   AddRows();
   CloseGate();
   Start(KrGenRefresh::Automatic);
-  std::thread opener([this] { mGate.Open(); });
+  mGate.AwaitReading();
 
-  mRefresh.Stop();
+  std::future<void> stop = std::async(std::launch::async, [this] { mRefresh.Stop(); });
 
-  opener.join();
+  EXPECT_EQ(stop.wait_for(kUnlikelyToTakeLonger), std::future_status::timeout) << "the reading has not ended";
+  mGate.Open();
+  stop.get();
   EXPECT_FALSE(mRefresh.IsRunning());
+  EXPECT_TRUE(Row(5).IsRead());
+  EXPECT_FALSE(Row(6).IsRead());
 }
 
 TEST_F(BrowserRefreshTest, StartAndStop_AgainAndAgainInEveryMode_LeavesNothingRunning) {

@@ -133,6 +133,17 @@ TEST_F(Tree, FindChild_ComparesCategoriesUnderOneParentByTheirExactText) {
     EXPECT_EQ(tree.FindChild(row.parent, row.name), row.found) << row.description;
 }
 
+TEST_F(Tree, FeatureOfACategorysName_IsNotTakenForIt) {
+  const GridItem feature = AddFeature(kNoItem, "Same");
+  EXPECT_EQ(tree.FindChild(kNoItem, "Same"), kNoItem);
+
+  const GridItem category = AddCategory(kNoItem, "Same");
+  AddFeature(kNoItem, "Same");
+
+  EXPECT_NE(category, feature);
+  EXPECT_EQ(tree.FindChild(kNoItem, "Same"), category);
+}
+
 TEST_F(Tree, NamesOfAllKinds_AreKeptAndFound) {
   const std::string kNames[] = {"", std::string(10000, 'n'), "\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D", "<b>bold</b>",
                                 std::string("a\0b", 3)};

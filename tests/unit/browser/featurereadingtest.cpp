@@ -470,6 +470,6 @@ TEST(FeatureReading, AccessReason_IsThereForWhatMightBeMore) {
   for (const auto& row : kRows) {
     NodeBench camera(kPredicates + MakeInteger("X", std::string(row.content) + "<Value>1</Value>"));
 
-    EXPECT_EQ(ReadFeature(camera.Integer("X"), {}).accessReason.ToUtf8(), row.reason) << row.description;
+    EXPECT_EQ(ReadFeature(camera.Integer("X"), {}).accessReason.text.ToUtf8(), row.reason) << row.description;
   }
 }

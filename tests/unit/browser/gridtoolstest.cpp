@@ -63,6 +63,17 @@ TEST_F(GridTools, Category_IsItsIndexAboveTheFeatures) {
   EXPECT_EQ(GetToolText(mCamera.tree, 0x4001), KrString("Of the image"));
 }
 
+TEST_F(GridTools, FeaturesThatWereSorted_AreAtTheirNewPlaces) {
+  const GridItem width = mCamera.Node("Width").GetItem();
+  const GridItem away = mCamera.Node("Away").GetItem();
+
+  mCamera.tree.SortByName();
+
+  EXPECT_EQ(FindTool(mCamera.tree, away, false), 0);
+  EXPECT_EQ(FindTool(mCamera.tree, width, false), 1);
+  EXPECT_EQ(GetToolText(mCamera.tree, 1), KrString("Columns"));
+}
+
 TEST_F(GridTools, ItemsAndNumbersThatAreNotThere_HaveNoTool) {
   (void)mCamera.Node("Width");
 

@@ -337,17 +337,6 @@ TEST_F(Node, FeatureThatBecomesUnreadable_KeepsItsTextAndChangesOnce) {
   EXPECT_FALSE(node->HasChanged());
 }
 
-TEST_F(Node, AccessReason_GoesWithItsCause) {
-  ASSERT_TRUE(camera.Integer("On").SetValue(0).IsOK());
-  const auto node = camera.MakeReadNode("Width");
-  EXPECT_FALSE(node->GetAccessReason().IsEmpty());
-
-  ASSERT_TRUE(camera.Integer("On").SetValue(1).IsOK());
-  node->Refresh();
-
-  EXPECT_TRUE(node->GetAccessReason().IsEmpty());
-}
-
 TEST_F(Node, CommandThatRuns_ChangesWhenItIsDone) {
   const auto node = MakeAcknowledgedNode("Run");
   EXPECT_EQ(GetText(*node), "{Command}");

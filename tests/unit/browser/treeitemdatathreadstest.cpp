@@ -2,9 +2,12 @@
 
 #include "nodebench.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <thread>
 
 using namespace krgui;
@@ -118,18 +121,24 @@ TEST(NodeThreads, WhileTheDeviceIsAsked_TheNodeCanBeLookedAtAndChanged) {
 
 TEST(NodeThreads, DestructionDuringANotification_WaitsForItsEnd) {
   NodeBench camera(kNodes);
+  Gate gate;
+  // Is called before the node, so that nothing but the node's own reading comes to the gate.
+  RecordingSink first([&](KrGenParameter&) { gate.CloseOn(camera); });
+  first.Listen(*camera.array->Get("Width"));
   auto node = camera.MakeReadNode("Width");
   camera.AwaitNotifications();
-  Gate gate;
-  gate.CloseOn(camera);
+  camera.Poke(0, {7, 0, 0, 0});
   ASSERT_TRUE(camera.array->Invalidate("Raw").IsOK());
   gate.AwaitRead();
 
-  std::jthread destroyer([&] { node.reset(); });
-  gate.Open();
-  destroyer.join();
+  std::future<void> destruction = std::async(std::launch::async, [&] { node.reset(); });
 
-  EXPECT_EQ(node, nullptr);
+  EXPECT_EQ(destruction.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout)
+      << "the node reads at this moment";
+  gate.Open();
+  destruction.get();
+  EXPECT_THAT(camera.TakeMessages(), testing::ElementsAre(Message{kRowChangedMessage, NodeBench::kItem, 0}))
+      << "the notification came to its end";
   camera.port.SetFault({});
   camera.AwaitNotifications();
 }

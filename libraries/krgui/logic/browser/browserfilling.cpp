@@ -31,12 +31,14 @@ void LogFilterFailure(const KrString& aFeature, const std::string& aReason) {
 
 /// An exception of the application's code must not leave the tree half filled: the feature is shown.
 bool AskFilter(const FeatureFilter& aFilter, KrGenParameter& aFeature) {
+  // Taken before, as the filter may have had the feature's array taken away.
+  const KrString name = aFeature.GetName();
   try {
     return aFilter(&aFeature);
   } catch (const std::exception& error) {
-    LogFilterFailure(aFeature.GetName(), error.what());
+    LogFilterFailure(name, error.what());
   } catch (...) {
-    LogFilterFailure(aFeature.GetName(), "an exception without a text");
+    LogFilterFailure(name, "an exception without a text");
   }
   return true;
 }
@@ -56,14 +58,18 @@ bool HasVisibleEntry(const KrGenEnum& aEnumeration, KrGenVisibility aVisibility)
 /// features may be in one, of which each may have to ask the device.
 class FeatureChecks {
 public:
-  FeatureChecks(KrGenParameterArray& aArray, KrGenVisibility aVisibility, const FeatureFilter& aFilter)
-      : mArray(aArray), mVisibility(aVisibility), mFilter(aFilter) {}
+  FeatureChecks(KrGenParameterArray& aArray, KrGenVisibility aVisibility, const FeatureFilter& aFilter,
+                const std::function<bool()>& aGoesOn)
+      : mArray(aArray), mVisibility(aVisibility), mFilter(aFilter), mGoesOn(aGoesOn) {}
+
+  /// The filter has ended the filling: neither the array nor its features are touched any more.
+  bool IsOver() const { return mIsOver; }
 
   bool IsShown(KrGenParameter& aFeature, const std::string& aPath) {
     if (!aFeature.IsVisible(mVisibility) || !aFeature.IsImplemented() || !IsCategoryShown(FindFilterCategory(aPath))) {
       return false;
     }
-    if (mFilter && !AskFilter(mFilter, aFeature)) {
+    if (mFilter && !IsWanted(aFeature)) {
       return false;
     }
     const auto* enumeration = dynamic_cast<const KrGenEnum*>(&aFeature);
@@ -71,6 +77,11 @@ public:
   }
 
 private:
+  bool IsWanted(KrGenParameter& aFeature) {
+    const bool isWanted = AskFilter(mFilter, aFeature);
+    mIsOver = mGoesOn && !mGoesOn();
+    return isWanted && !mIsOver;
+  }
   bool IsCategoryShown(std::string_view aName) {
     const auto [entry, isNew] = mCategories.try_emplace(std::string(aName), false);
     if (isNew) {
@@ -83,6 +94,8 @@ private:
   KrGenParameterArray& mArray;
   const KrGenVisibility mVisibility;
   const FeatureFilter& mFilter;
+  const std::function<bool()>& mGoesOn;
+  bool mIsOver = false;
   std::unordered_map<std::string, bool> mCategories;
 };
 
@@ -141,16 +154,16 @@ std::vector<std::string_view> SplitCategoryPath(std::string_view aPath) {
 
 bool IsFeatureShown(KrGenParameterArray& aArray, KrGenParameter& aFeature, KrGenVisibility aVisibility,
                     const FeatureFilter& aFilter) {
-  return FeatureChecks(aArray, aVisibility, aFilter).IsShown(aFeature, aFeature.GetCategory().ToUtf8());
+  return FeatureChecks(aArray, aVisibility, aFilter, {}).IsShown(aFeature, aFeature.GetCategory().ToUtf8());
 }
 
 void FillBrowserTree(KrGenParameterArray& aArray, const BrowserOptions& aOptions, const FeatureFilter& aFilter,
-                     BrowserTree& aTree) {
+                     BrowserTree& aTree, const std::function<bool()>& aGoesOn) {
   aTree.SetShowsDisplayNames(aOptions.showsDisplayNames);
-  FeatureChecks checks(aArray, aOptions.visibility, aFilter);
+  FeatureChecks checks(aArray, aOptions.visibility, aFilter, aGoesOn);
   CategoryRows rows(aArray, aTree);
   const std::size_t count = aArray.GetCount();
-  for (std::size_t i = 0; i < count; ++i) {
+  for (std::size_t i = 0; i < count && !checks.IsOver(); ++i) {
     KrGenParameter& feature = *aArray[i];
     const KrString path = feature.GetCategory();
     if (checks.IsShown(feature, path.ToUtf8())) {

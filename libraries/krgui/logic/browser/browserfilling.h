@@ -23,8 +23,9 @@ std::vector<std::string_view> SplitCategoryPath(std::string_view aPath);
 bool IsFeatureShown(KrGenParameterArray& aArray, KrGenParameter& aFeature, KrGenVisibility aVisibility,
                     const FeatureFilter& aFilter);
 /// Appends all features that are shown, with their categories in tree view, sorted by name in the alphabetical list.
-/// The tree is empty before.
+/// The tree is empty before. aGoesOn is asked after each call of the filter, which is the application's code and may
+/// have made the filling needless: with false nothing more is asked or appended. Without it everything is appended.
 void FillBrowserTree(KrGenParameterArray& aArray, const BrowserOptions& aOptions, const FeatureFilter& aFilter,
-                     BrowserTree& aTree);
+                     BrowserTree& aTree, const std::function<bool()>& aGoesOn = {});
 
 } // namespace krgui

@@ -2,7 +2,6 @@
 
 #include "krbase/krlogger.h"
 
-#include <algorithm>
 #include <chrono>
 #include <string>
 #include <system_error>
@@ -12,12 +11,6 @@ namespace krgui {
 namespace {
 
 using Features = std::vector<std::unique_ptr<TreeItemData>>;
-using std::chrono::milliseconds;
-
-constexpr std::uint32_t kAutomaticWaitMs = 2000;
-constexpr std::uint32_t kPollingWaitMs = 100;
-/// Between two passes in any case: scrolling wakes many times a second, and a device has other things to do.
-constexpr std::uint32_t kLeastPauseMs = 100;
 
 constexpr KrLogSite kStartSite = {"GenBrowserWnd::StartRefresh", "genbrowserwnd"};
 constexpr KrLogSite kAutomaticSite = {"GenBrowserWnd::AutoRefreshThread", "genbrowserwnd"};
@@ -26,6 +19,26 @@ constexpr KrLogSite kPollingSite = {"GenBrowserWnd::PollingThread", "genbrowserw
 void Log(KrLogLevel aLevel, const KrLogSite& aSite, const KrString& aText) {
   KrLogger("KrGUILib").Log(aLevel, aSite, aText);
 }
+
+/// Tells of polling that fails: of the first failure in a row, and of its end.
+class PollingReport {
+public:
+  void Note(const KrResult& aResult) {
+    if (aResult.IsOK() == !mIsFailing) {
+      return;
+    }
+    mIsFailing = !mIsFailing;
+    if (mIsFailing) {
+      Log(KrLogLevel::Warning, kPollingSite,
+          "Polling the device failed and is tried again; values may be old meanwhile. " + aResult.GetDescription());
+    } else {
+      Log(KrLogLevel::Info, kPollingSite, "Polling the device works again.");
+    }
+  }
+
+private:
+  bool mIsFailing = false;
+};
 
 } // namespace
 
@@ -71,17 +84,14 @@ private:
   std::uint32_t mScreenChanges = 0;
 };
 
-BrowserRefresh::BrowserRefresh(RowNotifier aNotifier) : mNotifier(std::move(aNotifier)) {}
+BrowserRefresh::BrowserRefresh(RowNotifier aNotifier, const RefreshRhythm& aRhythm)
+    : mNotifier(std::move(aNotifier)), mRhythm(aRhythm) {}
 
 BrowserRefresh::~BrowserRefresh() {
   Stop();
 }
 
 void BrowserRefresh::Start(KrGenRefresh aMode, KrGenParameterArray& aArray, const BrowserTree& aTree) {
-  {
-    const std::lock_guard lock(mWakeMutex);
-    mIsWoken = false;
-  }
   mIsStopping = false;
   if (aMode == KrGenRefresh::Automatic) {
     RunThread(&BrowserRefresh::RunAutomatic, aArray, aTree);
@@ -115,15 +125,6 @@ void BrowserRefresh::Stop() {
   mThread.join();
 }
 
-void BrowserRefresh::WakeUp() {
-  ++mScreenChanges;
-  {
-    const std::lock_guard lock(mWakeMutex);
-    mIsWoken = true;
-  }
-  mWake.notify_all();
-}
-
 void BrowserRefresh::RefreshAll(KrGenParameterArray& aArray, const BrowserTree& aTree) {
   if (aArray.GetAccessMode() == KrGenArrayAccess::Open) {
     aArray.InvalidateCache();
@@ -138,7 +139,7 @@ void BrowserRefresh::RunAutomatic(KrGenParameterArray&, const BrowserTree& aTree
   Log(KrLogLevel::Info, kAutomaticSite, "GenICam browser thread (auto) started");
   while (!mIsStopping) {
     AutomaticPass(*this, aTree.GetFeatures()).Run();
-    Wait(kAutomaticWaitMs);
+    Wait(mRhythm.automaticMs);
   }
 }
 
@@ -150,10 +151,10 @@ void BrowserRefresh::RunPolling(KrGenParameterArray& aArray, const BrowserTree& 
     }
     RefreshFeature(*feature);
   }
+  PollingReport report;
   while (!mIsStopping) {
-    // What cannot be polled is tried again the next time, and its rows show their own errors.
-    (void)aArray.Poll();
-    Wait(kPollingWaitMs);
+    report.Note(aArray.Poll());
+    Wait(mRhythm.pollingMs);
   }
 }
 
@@ -165,11 +166,8 @@ void BrowserRefresh::RefreshFeature(TreeItemData& aNode) {
 }
 
 void BrowserRefresh::Wait(std::uint32_t aTimeMs) {
-  const std::uint32_t pauseMs = std::min(aTimeMs, kLeastPauseMs);
   std::unique_lock lock(mWakeMutex);
-  mWake.wait_for(lock, milliseconds(pauseMs), [this] { return mIsStopping.load(); });
-  mWake.wait_for(lock, milliseconds(aTimeMs - pauseMs), [this] { return mIsWoken || mIsStopping; });
-  mIsWoken = false;
+  mWake.wait_for(lock, std::chrono::milliseconds(aTimeMs), [this] { return mIsStopping.load(); });
 }
 
 } // namespace krgui

@@ -14,25 +14,33 @@
 
 namespace krgui {
 
+/// How long the threads wait between two passes.
+struct RefreshRhythm {
+  std::uint32_t automaticMs = 2000;
+  std::uint32_t pollingMs = 100;
+};
+
 /// At most one thread at a time.
 ///
 /// Thread: the user interface's. Ownership: borrows array and tree, neither of which may end or change while it runs.
 class BrowserRefresh {
 public:
-  explicit BrowserRefresh(RowNotifier aNotifier);
+  explicit BrowserRefresh(RowNotifier aNotifier, const RefreshRhythm& aRhythm = {});
   ~BrowserRefresh();
   BrowserRefresh(const BrowserRefresh&) = delete;
   BrowserRefresh& operator=(const BrowserRefresh&) = delete;
 
   /// Starts the thread of a mode; in manual mode reads everything here and now. Nothing may run.
   void Start(KrGenRefresh aMode, KrGenParameterArray& aArray, const BrowserTree& aTree);
-  /// Asks the thread to end, wakes it and waits for its end, which may take as long as one reading. Nothing when none
-  /// runs.
+  /// Asks the thread to end, wakes it and waits for its end. It ends after what it does at the moment: the reading of
+  /// one feature (its access, its value, its bounds and, where the access has changed, the reason for it, each of which
+  /// asks for the registers that it stands on), in polling mode also one KrGenParameterArray::Poll, which asks for all
+  /// registers whose polling time has passed. Each register takes its time-out at most. Nothing when none runs.
   void Stop();
   bool IsRunning() const { return mThread.joinable(); }
-  /// Other rows came onto the screen: what of them was never read is read next, the rest of them soon. In polling mode
-  /// nothing, as values come by themselves there.
-  void WakeUp();
+  /// Other rows came onto the screen: what of them was never read is read next. What was read before is read again in
+  /// the next pass. In polling mode nothing, as values come by themselves there.
+  void WakeUp() { ++mScreenChanges; }
 
   /// A manual refresh: forgets what the array remembers, where it is open, and reads every feature, on this thread.
   void RefreshAll(KrGenParameterArray& aArray, const BrowserTree& aTree);
@@ -45,15 +53,15 @@ private:
   void RunAutomatic(KrGenParameterArray& aArray, const BrowserTree& aTree);
   void RunPolling(KrGenParameterArray& aArray, const BrowserTree& aTree);
   void RefreshFeature(TreeItemData& aNode);
-  /// Waits until it is woken or the time has passed.
+  /// Waits until it is to end or the time has passed. Rows that come onto the screen meanwhile have been read before.
   void Wait(std::uint32_t aTimeMs);
 
   const RowNotifier mNotifier;
+  const RefreshRhythm mRhythm;
   std::atomic<bool> mIsStopping = false;
   std::atomic<std::uint32_t> mScreenChanges = 0; ///< How often other rows came onto the screen.
-  std::mutex mWakeMutex;                         ///< Guards mIsWoken.
+  std::mutex mWakeMutex;                         ///< Held while mIsStopping is set, so that no wait misses it.
   std::condition_variable mWake;
-  bool mIsWoken = false;
   std::thread mThread;
 };
 

@@ -6,48 +6,59 @@
 
 namespace krgui {
 
+namespace {
+
+/// For one more, so that appending it cannot fail.
+template <typename Element>
+void MakeRoom(std::vector<Element>& aList) {
+  if (aList.size() == aList.capacity())
+    aList.reserve(std::max<std::size_t>(4, 2 * aList.size()));
+}
+
+} // namespace
+
 std::size_t BrowserTree::ChildNameHash::operator()(const ChildName& aName) const {
   const std::size_t nameHash = std::hash<std::string_view>()(aName.name);
   return nameHash ^ (std::hash<GridItem>()(aName.parent) + 0x9E3779B97F4A7C15U + (nameHash << 6) + (nameHash >> 2));
 }
 
-GridItem BrowserTree::AppendItem(GridItem aParent) {
+template <typename Content>
+GridItem BrowserTree::AppendNode(GridItem aParent, const KrString& aName, Content& aContent,
+                                 std::vector<std::unique_ptr<TreeItemData>>& aNodes) {
+  if (aParent != kNoItem && !FindCategory(aParent))
+    return kNoItem;
+  MakeRoom(mItems);
+  Item* const parent = aParent == kNoItem ? nullptr : &mItems[aParent - mFirstID];
+  std::vector<GridItem>& siblings = parent ? parent->children : mTopLevel;
+  MakeRoom(siblings);
+  MakeRoom(aNodes);
   const GridItem id = mFirstID + mItems.size();
+  auto node = std::make_unique<TreeItemData>(aName, mNotifier, id, aContent, mShowsDisplayNames);
+
+  // From here on nothing can fail: no row is ever without its node.
   Item item;
   item.id = id;
   item.parent = aParent;
-  if (aParent == kNoItem) {
-    item.row = static_cast<int>(mTopLevel.size());
-    mTopLevel.push_back(id);
-  } else {
-    Item& parent = mItems[aParent - mFirstID];
-    item.row = static_cast<int>(parent.children.size());
-    item.level = parent.level + 1;
-    parent.children.push_back(id);
-  }
+  item.row = static_cast<int>(siblings.size());
+  item.level = parent ? parent->level + 1 : 0;
+  item.node = node.get();
+  item.index = aNodes.size();
   mItems.push_back(std::move(item));
+  siblings.push_back(id);
+  aNodes.push_back(std::move(node));
   return id;
 }
 
 GridItem BrowserTree::AppendCategory(GridItem aParent, const KrString& aName, KrGenCategory& aCategory) {
-  if (aParent != kNoItem && !FindCategory(aParent))
-    return kNoItem;
-  const GridItem id = AppendItem(aParent);
-  mCategories.push_back(std::make_unique<TreeItemData>(aName, mNotifier, id, aCategory, mShowsDisplayNames));
-  TreeItemData& node = *mCategories.back();
-  mItems.back().node = &node;
+  const GridItem id = AppendNode(aParent, aName, aCategory, mCategories);
   // The node keeps the name in its place; of several children of one name the first is found.
-  mCategoriesByName.try_emplace({aParent, node.GetName().ToUtf8()}, id);
+  if (id != kNoItem)
+    mCategoriesByName.try_emplace({aParent, mCategories.back()->GetName().ToUtf8()}, id);
   return id;
 }
 
 GridItem BrowserTree::AppendFeature(GridItem aParent, const KrString& aName, KrGenParameter& aParameter) {
-  if (aParent != kNoItem && !FindCategory(aParent))
-    return kNoItem;
-  const GridItem id = AppendItem(aParent);
-  mFeatures.push_back(std::make_unique<TreeItemData>(aName, mNotifier, id, aParameter, mShowsDisplayNames));
-  mItems.back().node = mFeatures.back().get();
-  return id;
+  return AppendNode(aParent, aName, aParameter, mFeatures);
 }
 
 GridItem BrowserTree::FindChild(GridItem aParent, const KrString& aName) const {
@@ -63,6 +74,8 @@ void BrowserTree::SortByName() {
     mItems[mTopLevel[row] - mFirstID].row = static_cast<int>(row);
   std::stable_sort(mFeatures.begin(), mFeatures.end(),
                    [](const auto& aLeft, const auto& aRight) { return TreeItemData::IsNameLess(*aLeft, *aRight); });
+  for (std::size_t index = 0; index < mFeatures.size(); ++index)
+    mItems[mFeatures[index]->GetItem() - mFirstID].index = index;
 }
 
 void BrowserTree::Clear() {

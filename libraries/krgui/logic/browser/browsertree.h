@@ -26,6 +26,7 @@ public:
     int level = 0; ///< 0 at the top level.
     std::vector<GridItem> children;
     TreeItemData* node = nullptr;
+    std::size_t index = 0; ///< The node's place in the list of its kind.
   };
 
   explicit BrowserTree(RowNotifier aNotifier) : mNotifier(std::move(aNotifier)) {}
@@ -66,7 +67,9 @@ private:
     std::size_t operator()(const ChildName& aName) const;
   };
 
-  GridItem AppendItem(GridItem aParent);
+  template <typename Content>
+  GridItem AppendNode(GridItem aParent, const KrString& aName, Content& aContent,
+                      std::vector<std::unique_ptr<TreeItemData>>& aNodes);
 
   RowNotifier mNotifier;
   bool mShowsDisplayNames = false;

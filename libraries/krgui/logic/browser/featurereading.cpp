@@ -156,26 +156,28 @@ void ReadValue(KrGenParameter& aFeature, const ValueStyle& aStyle, FeatureReadin
     aReading.value = kRegisterText;
 }
 
-// What cannot be had is missing from the tooltip and says nothing about the value.
-KrString ReadAccessReason(KrGenParameter& aFeature) {
-  KrString reason;
+// What cannot be had is missing from the tooltip and says nothing about the value; it is asked for again.
+AccessReason ReadAccessReason(KrGenParameter& aFeature, const AccessFlags& aAccess) {
+  AccessReason reason;
   try {
-    (void)aFeature.GetAccessReason(reason);
+    if (aFeature.GetAccessReason(reason.text).IsOK())
+      reason.access = aAccess;
   } catch (...) {
-    reason.Clear();
+    reason = {};
   }
   return reason;
 }
 
 } // namespace
 
-FeatureReading ReadFeature(KrGenParameter& aFeature, const ValueStyle& aStyle) {
+FeatureReading ReadFeature(KrGenParameter& aFeature, const ValueStyle& aStyle, const AccessReason& aKnown) {
   FeatureReading reading;
-  bool isLimited = false;
+  std::optional<AccessFlags> limited;
   // A register port is foreign code, whose exceptions belong to no step.
   try {
     if (ReadAccess(aFeature, reading)) {
-      isLimited = !reading.access.isWritable;
+      if (!reading.access.isWritable)
+        limited = reading.access;
       ReadValue(aFeature, aStyle, reading);
     }
   } catch (const std::exception& exception) {
@@ -183,8 +185,8 @@ FeatureReading ReadFeature(KrGenParameter& aFeature, const ValueStyle& aStyle) {
   } catch (...) {
     Fail(reading, {}, "The access to the device failed for a reason that it did not name.");
   }
-  if (isLimited)
-    reading.accessReason = ReadAccessReason(aFeature);
+  if (limited)
+    reading.accessReason = aKnown.access == limited ? aKnown : ReadAccessReason(aFeature, *limited);
   return reading;
 }
 

@@ -5,6 +5,8 @@
 #include "krbase/krstring.h"
 #include "logic/browser/accessflags.h"
 
+#include <optional>
+
 class KrGenParameter;
 
 namespace krgui {
@@ -16,19 +18,26 @@ struct ValueStyle {
   bool showsDisplayNames = false; ///< Of the entries of an enumeration.
 };
 
+/// Why a feature is not writable, or less, though it might be. Costs the device as much as the access itself, so it is
+/// asked for once for each change of the access.
+struct AccessReason {
+  std::optional<AccessFlags> access; ///< What it explains; nothing where nothing was explained.
+  KrString text;                     ///< Empty where nothing is known.
+};
+
 struct FeatureReading {
   AccessFlags access; ///< What was not found out is false.
   KrString value;
   bool keepsValue = false; ///< Not readable: what was read before still stands.
   bool hasError = false;   ///< A step failed, or the value lies outside the bounds, which leaves it its text.
   KrString error;
-  KrString
-      accessReason; ///< Why the feature is not writable, or less, though it might be; empty where nothing is known.
+  AccessReason accessReason;
 };
 
-/// Reads a feature; waits as long as its registers need. What a register port throws becomes the error, too.
+/// Reads a feature; waits as long as its registers need. What a register port throws becomes the error, too. aKnown is
+/// the reason that the last reading gave, which still stands where the access is what it was then.
 ///
 /// Thread: any.
-FeatureReading ReadFeature(KrGenParameter& aFeature, const ValueStyle& aStyle);
+FeatureReading ReadFeature(KrGenParameter& aFeature, const ValueStyle& aStyle, const AccessReason& aKnown = {});
 
 } // namespace krgui

@@ -2,7 +2,6 @@
 
 #include "logic/browser/rowgeometry.h"
 
-#include <algorithm>
 #include <string>
 
 namespace krgui {
@@ -26,12 +25,6 @@ constexpr std::size_t UnpackIndex(std::int32_t aTool) {
 }
 static_assert(UnpackIndex(PackIndex(123456) | kErrorToolFlag) == 123456);
 
-std::int32_t FindIndex(const Nodes& aNodes, const TreeItemData* aNode, std::int32_t aFlags) {
-  const auto found =
-      std::find_if(aNodes.begin(), aNodes.end(), [aNode](const auto& aOne) { return aOne.get() == aNode; });
-  return found == aNodes.end() ? kNoTool : PackIndex(static_cast<std::size_t>(found - aNodes.begin())) | aFlags;
-}
-
 /// Not within a pair of surrogates.
 KrString Cut(const KrString& aText) {
   std::u16string text = aText.ToWide();
@@ -45,11 +38,13 @@ KrString Cut(const KrString& aText) {
 } // namespace
 
 std::int32_t FindTool(const BrowserTree& aTree, GridItem aItem, bool aIsOnErrorIcon) {
-  if (const TreeItemData* feature = aTree.FindFeature(aItem))
-    return FindIndex(aTree.GetFeatures(), feature, aIsOnErrorIcon && feature->HasError() ? kErrorToolFlag : 0);
-  if (const TreeItemData* category = aTree.FindCategory(aItem))
-    return FindIndex(aTree.GetCategories(), category, kCategoryToolBase);
-  return kNoTool;
+  const BrowserTree::Item* const item = aTree.Find(aItem);
+  if (!item)
+    return kNoTool;
+  const std::int32_t index = PackIndex(item->index);
+  if (item->node->GetCategory())
+    return index | kCategoryToolBase;
+  return aIsOnErrorIcon && item->node->HasError() ? index | kErrorToolFlag : index;
 }
 
 KrString GetToolText(const BrowserTree& aTree, std::int32_t aTool) {

@@ -3,7 +3,6 @@
 #include "krgenicam/krgenparameterlist.h"
 #include "logic/browser/browserwords.h"
 #include "logic/browser/descriptiontext.h"
-#include "logic/browser/featurereading.h"
 
 #include <utility>
 
@@ -79,9 +78,10 @@ void TreeItemData::Refresh() {
     return;
   }
   const std::uint64_t number = mReadings.Begin();
-  FeatureReading reading = ReadFeature(
-      *mParameter,
-      {.isMACAddress = mIsMACAddress, .isIPAddress = mIsIPAddress, .showsDisplayNames = mShowsDisplayNames});
+  FeatureReading reading =
+      ReadFeature(*mParameter,
+                  {.isMACAddress = mIsMACAddress, .isIPAddress = mIsIPAddress, .showsDisplayNames = mShowsDisplayNames},
+                  GetKnownReason());
 
   // Everything at once: whoever looks meanwhile sees value and error of one reading.
   const std::lock_guard lock(mMutex);
@@ -157,6 +157,10 @@ AccessFlags TreeItemData::GetAccess() const {
 }
 
 KrString TreeItemData::GetAccessReason() const {
+  return GetKnownReason().text;
+}
+
+AccessReason TreeItemData::GetKnownReason() const {
   const std::lock_guard lock(mMutex);
   return mAccessReason;
 }

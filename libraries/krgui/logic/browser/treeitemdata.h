@@ -7,6 +7,7 @@
 #include "krgenicam/krgeneventsink.h"
 #include "krgenicam/krgenparameter.h"
 #include "logic/browser/accessflags.h"
+#include "logic/browser/featurereading.h"
 #include "logic/browser/gridmessages.h"
 #include "logic/browser/readingorder.h"
 
@@ -63,7 +64,7 @@ public:
 
   const KrString& GetToolTip() const { return mToolTip; }
   /// Why the feature is not what it might be: which node locks it or makes it not available. Empty where there is
-  /// nothing to say. As it was when it was read last.
+  /// nothing to say. Found out when the access changes, so of two nodes that lock it one may still name the first.
   KrString GetAccessReason() const;
   /// What the description pane shows, with its mark-up; asks the device for bounds.
   KrString GetDescription() const;
@@ -115,6 +116,7 @@ private:
 
   /// Of a feature.
   void ReadTexts();
+  AccessReason GetKnownReason() const;
   /// With the lock held.
   void PutError(bool aHasError, KrString aError);
 
@@ -143,7 +145,7 @@ private:
   mutable std::mutex mMutex; ///< Guards the members from here on; never held while the device is asked.
   Content mNow;
   Content mAcknowledged;
-  KrString mAccessReason;
+  AccessReason mAccessReason;
   bool mIsRedrawPending = false;
   bool mIsRead = false;
 };
