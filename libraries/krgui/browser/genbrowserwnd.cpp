@@ -159,7 +159,7 @@ void GenBrowserWnd::WireControls() {
     if (!mFilling)
       UpdateDescription();
   });
-  mControls->GetGrid().SetScreenHandler([this] { mRefresh->WakeUp(); });
+  mControls->GetGrid().SetScreenHandler([this] { mRefresh->NoteScreenChange(); });
   mControls->GetGrid().SetContextMenu(
       kGenBrowserMenuID, [this](int aCommandID) { CallHandler([this, aCommandID] { PerformMenu(aCommandID); }); });
   auto* timer = new QTimer(mConnections.get());

@@ -20,6 +20,8 @@ namespace {
 
 constexpr std::size_t kFeatures = 40;
 constexpr int kPolled = 0x1000;
+/// One pass and no further.
+constexpr RefreshRhythm kNeverAgain{.automaticMs = std::numeric_limits<std::int32_t>::max()};
 /// For what must not happen: a longer time would find no more faults, and no time lets a test fail without one.
 constexpr std::chrono::milliseconds kUnlikelyToTakeLonger{300};
 
@@ -209,7 +211,7 @@ TEST_F(BrowserRefreshTest, Automatic_RowsThatComeOntoTheScreenMeanwhile_AreReadN
   mGate.AwaitReading();
 
   Row(35).SetOnScreen(true);
-  mRefresh.WakeUp();
+  mRefresh.NoteScreenChange();
   mGate.Open();
 
   const std::vector<GridItem> order = mCamera.TakeChangedRows(kFeatures);
@@ -233,14 +235,14 @@ TEST_F(BrowserRefreshTest, Automatic_RowOnTheScreen_IsReadInEveryPassAndOthersAr
 
 TEST_F(BrowserRefreshTest, Automatic_ScrollingBetweenTwoPasses_ReadsNothingAgain) {
   AddRows();
-  BrowserRefresh refresh(mCamera.notifier, {.automaticMs = std::numeric_limits<std::int32_t>::max()});
+  BrowserRefresh refresh(mCamera.notifier, kNeverAgain);
   refresh.Start(KrGenRefresh::Automatic, *mCamera.array, mCamera.tree);
   (void)mCamera.TakeChangedRows(kFeatures);
   const std::size_t reads = mCamera.port.CountReads();
 
   for (std::size_t i = 0; i < kFeatures; ++i) {
     Row(i).SetOnScreen(true);
-    refresh.WakeUp();
+    refresh.NoteScreenChange();
   }
 
   EXPECT_FALSE(mCamera.IsARowChangedWithin(kUnlikelyToTakeLonger));
@@ -248,18 +250,34 @@ TEST_F(BrowserRefreshTest, Automatic_ScrollingBetweenTwoPasses_ReadsNothingAgain
   EXPECT_EQ(mCamera.port.CountReads(), reads);
 }
 
-TEST_F(BrowserRefreshTest, Automatic_ManyWakeUps_StillReadEveryRowOnceAPass) {
+TEST_F(BrowserRefreshTest, Automatic_ScreenThatChangesAllTheTime_StillReadsEveryRowOnceAPass) {
   AddRows();
   Start(KrGenRefresh::Automatic);
 
   for (int i = 0; i < 10000; ++i) {
-    mRefresh.WakeUp();
+    mRefresh.NoteScreenChange();
   }
 
   const std::vector<GridItem> rows = mCamera.TakeChangedRows(kFeatures);
   EXPECT_THAT(rows, testing::UnorderedElementsAreArray(AllItems()));
   mRefresh.Stop();
   EXPECT_TRUE(TakeAll().empty());
+}
+
+TEST_F(BrowserRefreshTest, Automatic_WakeUpBetweenTwoPasses_ReadsWhatIsOnTheScreenAgain) {
+  AddRows();
+  BrowserRefresh refresh(mCamera.notifier, kNeverAgain);
+  Row(3).SetOnScreen(true);
+  refresh.Start(KrGenRefresh::Automatic, *mCamera.array, mCamera.tree);
+  (void)mCamera.TakeChangedRows(kFeatures);
+  mCamera.Poke(GetAddress(2), {9});
+  mCamera.Poke(GetAddress(3), {9});
+
+  refresh.WakeUp();
+
+  EXPECT_EQ(WaitForValue(Row(3), "9 "), "9 ");
+  refresh.Stop();
+  EXPECT_STREQ(Row(2).GetValue(false).CStr(), "0 ");
 }
 
 TEST_F(BrowserRefreshTest, Automatic_EmptyTree_RunsUntilItIsStopped) {
@@ -372,7 +390,7 @@ TEST_F(BrowserRefreshTest, StartAndStop_AgainAndAgainInEveryMode_LeavesNothingRu
 
   for (int i = 0; i < 200; ++i) {
     Start(i % 2 == 0 ? KrGenRefresh::Automatic : KrGenRefresh::Polling);
-    mRefresh.WakeUp();
+    mRefresh.NoteScreenChange();
     mRefresh.Stop();
     ASSERT_FALSE(mRefresh.IsRunning());
   }
@@ -400,12 +418,12 @@ TEST_F(BrowserRefreshTest, Automatic_RowsComingAndGoingFast_ShowTheLastValueInTh
 
   for (std::size_t i = 0; i < 2000; ++i) {
     Row(i % kFeatures).SetOnScreen(i % 3 == 0);
-    mRefresh.WakeUp();
+    mRefresh.NoteScreenChange();
     mCamera.Poke(GetAddress(i % kFeatures), {static_cast<std::uint8_t>(i)});
   }
   Row(7).SetOnScreen(true);
   mCamera.Poke(GetAddress(7), {99});
-  mRefresh.WakeUp();
+  mRefresh.NoteScreenChange();
 
   EXPECT_EQ(WaitForValue(Row(7), "99 "), "99 ");
 }

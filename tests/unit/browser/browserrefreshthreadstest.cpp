@@ -93,7 +93,7 @@ protected:
     for (std::size_t i = 0; i < features.size(); ++i) {
       features[i]->SetOnScreen(i >= aFirst && i < aFirst + aCount);
     }
-    mRefresh.WakeUp();
+    mRefresh.NoteScreenChange();
   }
   void SetRegisters(std::uint8_t aValue) {
     for (int i = 0; i < kRegisters; ++i) {

@@ -92,6 +92,10 @@ BrowserRefresh::~BrowserRefresh() {
 }
 
 void BrowserRefresh::Start(KrGenRefresh aMode, KrGenParameterArray& aArray, const BrowserTree& aTree) {
+  {
+    const std::lock_guard lock(mWakeMutex);
+    mIsWoken = false;
+  }
   mIsStopping = false;
   if (aMode == KrGenRefresh::Automatic) {
     RunThread(&BrowserRefresh::RunAutomatic, aArray, aTree);
@@ -123,6 +127,14 @@ void BrowserRefresh::Stop() {
   }
   mWake.notify_all();
   mThread.join();
+}
+
+void BrowserRefresh::WakeUp() {
+  {
+    const std::lock_guard lock(mWakeMutex);
+    mIsWoken = true;
+  }
+  mWake.notify_all();
 }
 
 void BrowserRefresh::RefreshAll(KrGenParameterArray& aArray, const BrowserTree& aTree) {
@@ -167,7 +179,8 @@ void BrowserRefresh::RefreshFeature(TreeItemData& aNode) {
 
 void BrowserRefresh::Wait(std::uint32_t aTimeMs) {
   std::unique_lock lock(mWakeMutex);
-  mWake.wait_for(lock, std::chrono::milliseconds(aTimeMs), [this] { return mIsStopping.load(); });
+  mWake.wait_for(lock, std::chrono::milliseconds(aTimeMs), [this] { return mIsWoken || mIsStopping; });
+  mIsWoken = false;
 }
 
 } // namespace krgui

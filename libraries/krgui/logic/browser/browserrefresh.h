@@ -39,8 +39,10 @@ public:
   void Stop();
   bool IsRunning() const { return mThread.joinable(); }
   /// Other rows came onto the screen: what of them was never read is read next. What was read before is read again in
-  /// the next pass. In polling mode nothing, as values come by themselves there.
-  void WakeUp() { ++mScreenChanges; }
+  /// the next pass, however much the user scrolls. In polling mode nothing, as values come by themselves there.
+  void NoteScreenChange() { ++mScreenChanges; }
+  /// Much has changed in the device: the next pass begins as soon as the present one has ended.
+  void WakeUp();
 
   /// A manual refresh: forgets what the array remembers, where it is open, and reads every feature, on this thread.
   void RefreshAll(KrGenParameterArray& aArray, const BrowserTree& aTree);
@@ -53,15 +55,17 @@ private:
   void RunAutomatic(KrGenParameterArray& aArray, const BrowserTree& aTree);
   void RunPolling(KrGenParameterArray& aArray, const BrowserTree& aTree);
   void RefreshFeature(TreeItemData& aNode);
-  /// Waits until it is to end or the time has passed. Rows that come onto the screen meanwhile have been read before.
+  /// Waits until it is woken, is to end or the time has passed. Rows that come onto the screen meanwhile have all been
+  /// read before.
   void Wait(std::uint32_t aTimeMs);
 
   const RowNotifier mNotifier;
   const RefreshRhythm mRhythm;
   std::atomic<bool> mIsStopping = false;
   std::atomic<std::uint32_t> mScreenChanges = 0; ///< How often other rows came onto the screen.
-  std::mutex mWakeMutex;                         ///< Held while mIsStopping is set, so that no wait misses it.
+  std::mutex mWakeMutex; ///< Guards mIsWoken; held while mIsStopping is set, too, so that no wait misses it.
   std::condition_variable mWake;
+  bool mIsWoken = false;
   std::thread mThread;
 };
 
