@@ -32,6 +32,10 @@ void* operator new(std::size_t aSize) {
 void* operator new[](std::size_t aSize) {
   return Allocate(aSize);
 }
+// Sorting asks in this way.
+void* operator new(std::size_t aSize, const std::nothrow_t& /*aTag*/) noexcept {
+  return std::malloc(aSize);
+}
 void operator delete(void* aMemory) noexcept {
   std::free(aMemory);
 }
