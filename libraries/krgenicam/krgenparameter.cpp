@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+using krgenicam::AccessQuestion;
 using krgenicam::Evaluation;
 using krgenicam::Node;
 using krgenicam::NodeKind;
@@ -129,34 +130,8 @@ KrGenAccessMode KrGenParameter::GetAccessMode() {
   return mode;
 }
 
-namespace {
-
-// Whether a node's access is one of those that aMatches takes.
-template <typename Matches>
-KrResult AskAccess(krgenicam::NodeMap& aMap, const KrGenParameter& aParameter, bool& aAnswer, Matches aMatches) {
-  KrGenAccessMode mode = KrGenAccessMode::NotAvailable;
-  KrResult asked = aMap.FindAccess(aParameter, mode);
-  const bool isMatch = aMatches(mode);
-  // What could not be asked makes a parameter less than it is, and never not implemented: the other answers hold.
-  const bool holds = mode == KrGenAccessMode::NotImplemented || (isMatch && mode != KrGenAccessMode::NotAvailable);
-  if (!asked.IsOK() && !holds)
-    return asked;
-  aAnswer = isMatch;
-  return {};
-}
-
-bool IsImplementedMode(KrGenAccessMode aMode) {
-  return aMode != KrGenAccessMode::NotImplemented;
-}
-
-bool IsAvailableMode(KrGenAccessMode aMode) {
-  return krgenicam::IsReadable(aMode) || krgenicam::IsWritable(aMode);
-}
-
-} // namespace
-
 KrResult KrGenParameter::IsImplemented(bool& aIsImplemented) {
-  return AskAccess(mMap, *this, aIsImplemented, IsImplementedMode);
+  return mMap.AskAccess(*this, AccessQuestion::IsImplemented, aIsImplemented);
 }
 
 bool KrGenParameter::IsImplemented() {
@@ -165,7 +140,7 @@ bool KrGenParameter::IsImplemented() {
 }
 
 KrResult KrGenParameter::IsAvailable(bool& aIsAvailable) {
-  return AskAccess(mMap, *this, aIsAvailable, IsAvailableMode);
+  return mMap.AskAccess(*this, AccessQuestion::IsAvailable, aIsAvailable);
 }
 
 bool KrGenParameter::IsAvailable() {
@@ -174,7 +149,7 @@ bool KrGenParameter::IsAvailable() {
 }
 
 KrResult KrGenParameter::IsReadable(bool& aIsReadable) {
-  return AskAccess(mMap, *this, aIsReadable, krgenicam::IsReadable);
+  return mMap.AskAccess(*this, AccessQuestion::IsReadable, aIsReadable);
 }
 
 bool KrGenParameter::IsReadable() {
@@ -183,12 +158,12 @@ bool KrGenParameter::IsReadable() {
 }
 
 KrResult KrGenParameter::IsWritable(bool& aIsWritable) {
-  return AskAccess(mMap, *this, aIsWritable, krgenicam::IsWritable);
+  return mMap.AskAccess(*this, AccessQuestion::IsWritable, aIsWritable);
 }
 
 bool KrGenParameter::IsWritable() {
-  bool isWritable = false;
-  return IsWritable(isWritable).IsOK() && isWritable;
+  // As for writing itself, a lock that cannot be read counts as open.
+  return krgenicam::IsWritable(GetAccessMode());
 }
 
 KrResult KrGenParameter::GetAccessReason(KrString& aReason) {

@@ -1,12 +1,15 @@
 #pragma once
 // A register port that knows of the failures of the one behind it: how often it failed for a reason that may pass, as
-// what was found meanwhile is not the last word, and how it failed last.
+// what was found meanwhile is not the last word, and how it failed last. What that one throws is a failure, too: the
+// port is foreign code, and the threads that call it have nobody to catch it.
 
 #include "krgenicam/ikrregisterport.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <exception>
 #include <iterator>
+#include <string>
 #include <utility>
 
 namespace krgenicam {
@@ -22,14 +25,26 @@ public:
 
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel = {}) override {
-    return Count(mPort.Read(aAddress, aData, aLength, aTimeoutMs, aCancel));
+    return Count(Try([&] { return mPort.Read(aAddress, aData, aLength, aTimeoutMs, aCancel); }));
   }
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                  const std::stop_token& aCancel = {}) override {
-    return Count(mPort.Write(aAddress, aData, aLength, aTimeoutMs, aCancel));
+    return Count(Try([&] { return mPort.Write(aAddress, aData, aLength, aTimeoutMs, aCancel); }));
   }
 
 private:
+  template <typename Access>
+  static KrResult Try(Access aAccess) {
+    try {
+      return aAccess();
+    } catch (const std::exception& exception) {
+      return {KrResult::Code::SystemError,
+              std::string("The access to the device's registers failed with an exception: ") + exception.what()};
+    } catch (...) {
+      return {KrResult::Code::SystemError,
+              "The access to the device's registers failed with an exception that does not say why."};
+    }
+  }
   KrResult Count(KrResult aResult) {
     constexpr KrResult::Code kPassing[] = {KrResult::Code::TimeLimitExceeded, KrResult::Code::ConnectionLost,
                                            KrResult::Code::Busy, KrResult::Code::Aborted};

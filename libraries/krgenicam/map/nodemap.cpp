@@ -78,7 +78,7 @@ void NodeMap::VisitOrigins(const Node& aNode) {
   }
 }
 
-void NodeMap::Invalidate(std::span<Node* const> aNodes, bool aIsWrite, bool aWithOrigins) {
+void NodeMap::Invalidate(std::span<Node* const> aNodes, Invalidation aCause, bool aWithOrigins) {
   ++mMark;
   mWalkOutside += mIsLooking ? 0 : 1;
   std::vector<Node*> affected;
@@ -91,8 +91,8 @@ void NodeMap::Invalidate(std::span<Node* const> aNodes, bool aIsWrite, bool aWit
       VisitOrigins(*step.node);
     if (!step.isNew)
       continue;
+    OnInvalidated(*step.node, aCause);
     step.node->Forget(affected);
-    OnInvalidated(*step.node, aIsWrite);
     for (Node* dependent : step.node->GetDependents())
       Visit(*dependent, false);
     for (Node* other : affected)
@@ -101,10 +101,10 @@ void NodeMap::Invalidate(std::span<Node* const> aNodes, bool aIsWrite, bool aWit
   }
 }
 
-void NodeMap::OnInvalidated(Node& aNode, bool aIsWrite) {
-  if (!aNode.watch || !aNode.watch->HasSinks())
+// Comes before the node forgets: whether anybody has asked for it is part of what it remembers.
+void NodeMap::OnInvalidated(Node& aNode, Invalidation aCause) {
+  if (!aNode.watch || !aNode.watch->HasSinks() || !aNode.watch->OnInvalidated(mEpoch, aCause))
     return;
-  aNode.watch->OnInvalidated(mEpoch, aIsWrite);
   // Registers whose bytes change all the time may find one another mistaken, look after look: once is enough.
   if (mIsLooking && std::exchange(aNode.watch->lastLook, mWalkOutside) == mWalkOutside) {
     mWatchesOfNextPoll.insert(aNode.watch);
@@ -118,9 +118,9 @@ void NodeMap::InvalidateCache() {
     ++mWalkOutside;
     std::vector<Node*> affected;
     for (const std::unique_ptr<Node>& node : mNodes) {
+      OnInvalidated(*node, Invalidation::Forgetting);
       node->Forget(affected);
       affected.clear();
-      OnInvalidated(*node, false);
     }
     return KrResult();
   });
@@ -131,7 +131,7 @@ KrResult NodeMap::InvalidateByName(std::string_view aName) {
   if (!node)
     return {KrResult::Code::NotFound, "The camera's description has no node \"" + std::string(aName) + "\"."};
   return Run([this, node](Evaluation&) {
-    Invalidate(std::span(&node, 1), true, true);
+    Invalidate(std::span(&node, 1), Invalidation::Write, true);
     return KrResult();
   });
 }
@@ -144,11 +144,13 @@ KrResult NodeMap::FindAccess(const KrGenParameter& aParameter, KrGenAccessMode& 
     const KrResult failure = mPort.TakeLastFailure();
     if (failure.IsOK() || aMode == KrGenAccessMode::ReadWrite)
       return KrResult();
-    const KrResult reason = node.ExplainAccess(aEvaluation, IsReadable(aMode));
-    if (reason == failure.GetCode())
-      return reason;
-    return KrResult(failure.GetCode(), "It cannot be found out what can be done with \"" + std::string(node.GetName()) +
-                                           "\" at the moment. " + failure.GetDescription());
+    return DescribeOpenAccess(aEvaluation, node, IsReadable(aMode), failure);
+  });
+}
+
+KrResult NodeMap::AskAccess(const KrGenParameter& aParameter, AccessQuestion aQuestion, bool& aAnswer) {
+  return Run([&](Evaluation& aEvaluation) {
+    return AnswerAccessQuestion(aEvaluation, aParameter.mNode, aQuestion, mPort, aAnswer);
   });
 }
 

@@ -5,8 +5,10 @@
 #include "description/description.h"
 #include "krbase/krturnmutex.h"
 #include "krgenicam/krgenparameterarray.h"
+#include "map/accessquestion.h"
 #include "map/failurecountingport.h"
 #include "map/featuretree.h"
+#include "map/invalidation.h"
 #include "map/notificationthread.h"
 #include "map/pollingschedule.h"
 #include "nodes/evaluation.h"
@@ -72,6 +74,8 @@ public:
   /// What can be done with a parameter. A failure of the port that may be why it is not more is one here: the mode is
   /// what it counts as then.
   KrResult FindAccess(const KrGenParameter& aParameter, KrGenAccessMode& aMode);
+  /// As AnswerAccessQuestion.
+  KrResult AskAccess(const KrGenParameter& aParameter, AccessQuestion aQuestion, bool& aAnswer);
 
   // As the operations of KrGenParameterArray.
   void InvalidateCache();
@@ -96,7 +100,7 @@ public:
   KrResult GetClosing() const override;
   std::uint64_t GetTimeMs() const override;
   std::uint64_t TakeEpoch() override { return mEpoch.fetch_add(1) + 1; }
-  void Invalidate(std::span<Node* const> aNodes) override { Invalidate(aNodes, true); }
+  void Invalidate(std::span<Node* const> aNodes) override { Invalidate(aNodes, Invalidation::Write); }
 
   // INodeIndex
   Node* GetNode(NodeIndex aIndex) const override;
@@ -127,10 +131,10 @@ private:
     bool goesOn; // The nodes that its value is in are to be visited, too.
   };
 
-  void Invalidate(std::span<Node* const> aNodes, bool aIsWrite, bool aWithOrigins = false);
+  void Invalidate(std::span<Node* const> aNodes, Invalidation aCause, bool aWithOrigins = false);
   void Visit(Node& aNode, bool aWithOrigins);
   void VisitOrigins(const Node& aNode);
-  void OnInvalidated(Node& aNode, bool aIsWrite);
+  void OnInvalidated(Node& aNode, Invalidation aCause);
   KrResult PollNode(Evaluation& aEvaluation, PolledNode& aPolled, std::uint64_t aNowMs);
   KrResult ReadPolled(Evaluation& aEvaluation, Node& aNode);
   std::stop_source ExchangeCancel();

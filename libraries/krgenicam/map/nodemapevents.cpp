@@ -52,7 +52,7 @@ KrResult NodeMap::PollNode(Evaluation& aEvaluation, PolledNode& aPolled, std::ui
     bool isDone = false;
     return static_cast<CommandNode&>(node).IsDone(aEvaluation, isDone);
   }
-  Invalidate(std::span(&seed, 1), false);
+  Invalidate(std::span(&seed, 1), Invalidation::Poll);
   aEvaluation.epoch = TakeEpoch();
   return ReadPolled(aEvaluation, node);
 }
@@ -83,7 +83,7 @@ void NodeMap::DeliverEvent(std::uint64_t aEventID, std::span<const std::uint8_t>
       if (node->GetKind() == NodeKind::Port)
         static_cast<PortNode&>(*node).SetEventData(aData);
     }
-    Invalidate(found->second, true);
+    Invalidate(found->second, Invalidation::Write);
     return KrResult();
   });
 }
@@ -119,12 +119,10 @@ KrResult NodeMap::RegisterEventSink(Node& aNode, KrGenEventSink* aSink) {
     mNewWatches.push_back(&watch);
     mHasNewWatches = true;
   }
-  // An access to the device may hold the lock for long. What the parameter is is found out before anybody can change
-  // it all the same: by whoever has the lock next, the notification thread if it is nobody else.
+  // An access to the device may hold the lock for long. What the parameter is known to be is found before anybody can
+  // change it all the same: by whoever has the lock next.
   if (const std::unique_lock lock(mLock, std::try_to_lock); lock.owns_lock())
     WelcomeSinks();
-  else
-    mNotifications.Queue(watch);
   return result;
 }
 
@@ -142,14 +140,15 @@ void NodeMap::WelcomeSinks() {
     Welcome(*watch);
 }
 
+// The device is not asked: a window registers with thousands of parameters, of which it wants those first that it
+// shows.
 void NodeMap::Welcome(ParameterWatch& aWatch) {
   aWatch.GetNode().watch = &aWatch;
   Evaluation evaluation(*this);
   evaluation.mayAskDevice = false;
+  aWatch.OnWelcome(evaluation.epoch);
   ParameterSnapshot snapshot = TakeSnapshot(aWatch.GetNode(), evaluation, aWatch.GetWritesCount());
-  if (evaluation.hasMissed)
-    mNotifications.Queue(aWatch);
-  else
+  if (!evaluation.hasMissed)
     aWatch.TellNewSinks({std::make_shared<const ParameterSnapshot>(std::move(snapshot)), evaluation.epoch});
 }
 

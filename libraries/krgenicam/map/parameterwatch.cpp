@@ -29,16 +29,23 @@ KrResult ParameterWatch::Unregister(KrGenEventSink* aSink) {
   return mSinks.Unregister(aSink);
 }
 
-void ParameterWatch::OnInvalidated(std::uint64_t aEpoch, bool aIsWrite) {
+void ParameterWatch::OnWelcome(std::uint64_t aEpoch) {
+  mWasAsked = WasAsked();
+  mWelcomeEpoch = aEpoch;
+}
+
+bool ParameterWatch::OnInvalidated(std::uint64_t aEpoch, Invalidation aCause) {
   const std::lock_guard lock(mMutex);
-  // What is only to be read anew is no change of what nobody has read.
-  if (!aIsWrite)
-    return;
-  ++mWritesCount;
+  mWritesCount += aCause == Invalidation::Write ? 1 : 0;
+  // Who has read the parameter may know a value that is not the device's any more.
+  const bool isChange = aCause == Invalidation::Write || WasAsked();
+  bool isWanted = aCause == Invalidation::Poll;
   for (auto& [sink, knowledge] : mKnowledge) {
-    if (!knowledge.known.snapshot && knowledge.firstChange == 0)
+    if (isChange && !knowledge.known.snapshot && knowledge.firstChange == 0)
       knowledge.firstChange = aEpoch;
+    isWanted = isWanted || knowledge.known.snapshot || knowledge.firstChange != 0;
   }
+  return isWanted;
 }
 
 std::uint64_t ParameterWatch::GetWritesCount() const {

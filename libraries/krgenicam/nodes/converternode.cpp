@@ -51,6 +51,10 @@ KrGenAccessMode ConverterNode::ComputeAccess(Evaluation& aEvaluation, Facet aFac
   return isComputable ? mode : CombineAccessModes(mode, KrGenAccessMode::NotAvailable);
 }
 
+KrResult ConverterNode::ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) {
+  return GetImplementation(aEvaluation, mTarget, aImplemented);
+}
+
 KrResult ConverterNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
   Node* target = nullptr;
   if (KrResult result = Follow(mTarget, target); !result.IsOK())

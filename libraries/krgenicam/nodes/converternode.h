@@ -23,6 +23,7 @@ public:
 protected:
   KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) override;
   KrGenAccessMode ComputeAccess(Evaluation& aEvaluation, Facet aFacet) override;
+  KrResult ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) override;
   KrResult ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) override;
 
 private:

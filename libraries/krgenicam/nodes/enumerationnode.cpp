@@ -148,6 +148,21 @@ KrGenAccessMode EnumerationNode::ComputeAccess(Evaluation& aEvaluation, Facet aF
   return isAvailable ? mode : CombineAccessModes(mode, KrGenAccessMode::ReadOnly);
 }
 
+// One entry is enough; where none is known to be implemented, one that is not known leaves it open.
+KrResult EnumerationNode::ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) {
+  KrResult open;
+  for (EnumEntryNode* const entry : mEntries) {
+    Number implemented;
+    KrResult result = entry->Get(aEvaluation, Facet::Implementation, implemented);
+    if (result.IsOK() && implemented.ToInteger() != 0)
+      return ValueNode::ComputeImplementation(aEvaluation, aImplemented);
+    if (open.IsOK())
+      open = std::move(result);
+  }
+  aImplemented = Number(0);
+  return open;
+}
+
 KrResult EnumerationNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
   bool isImplemented = false;
   bool isAvailable = false;

@@ -62,6 +62,7 @@ struct Evaluation {
   std::uint64_t epoch;          ///< What was computed under it holds until the evaluation's end, stable or not.
   bool mayAskDevice = true;     ///< Otherwise a register that is not cached gives Busy.
   bool hasMissed = false;       ///< A register gave Busy for that reason: what was found is not the whole truth.
+  bool hasUnknownLock = false;  ///< A pIsLocked could not be read, and counted as open.
   bool isFresh = false;         ///< What was read before the evaluation began is not used.
   bool isStable = true;         ///< All that the node under computation was computed from may be remembered.
   std::vector<Node*> reasons{}; ///< The nodes that are giving a reason, each because of the one before.

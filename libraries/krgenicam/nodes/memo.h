@@ -18,6 +18,8 @@ public:
     return mEpoch == aEvaluation.epoch || (mIsStable && !aEvaluation.isFresh);
   }
   bool IsStable() const { return mIsStable; }
+  /// Of the evaluation that found it; 0 where nothing is remembered.
+  std::uint64_t GetEpoch() const { return mEpoch; }
   const Number& GetValue() const { return mValue; }
   /// Null for success.
   const KrResult* GetError() const { return mError.get(); }

@@ -227,6 +227,8 @@ KrResult Node::Find(Evaluation& aEvaluation, Facet aFacet, Number& aValue, Memo&
     const Step step(aEvaluation, *this, aMemo);
     if (IsAccessFacet(aFacet))
       value = FromAccess(CombineAccess(aEvaluation, aFacet));
+    else if (aFacet == Facet::Implementation)
+      result = CombineImplementation(aEvaluation, value);
     else
       result = Compute(aEvaluation, aFacet, value);
     // A failure may pass: what others made of it is not to be remembered either.
@@ -283,10 +285,26 @@ KrGenAccessMode Node::CombineAccess(Evaluation& aEvaluation, Facet aFacet) {
   return asksLock && IsLocked(aEvaluation) ? StripWriting(mode) : mode;
 }
 
+KrResult Node::CombineImplementation(Evaluation& aEvaluation, Number& aImplemented) {
+  if (mIsImplemented.IsSet()) {
+    Node* predicate = nullptr;
+    Number implemented;
+    if (KrResult result = Follow(mIsImplemented, predicate); !result.IsOK())
+      return result;
+    if (KrResult result = predicate->GetValue(aEvaluation, implemented); !result.IsOK())
+      return result;
+    aImplemented = Number(implemented.ToFloat() == 0.0 ? 0 : 1);
+    if (aImplemented.ToInteger() == 0)
+      return {};
+  }
+  return ComputeImplementation(aEvaluation, aImplemented);
+}
+
 bool Node::IsLocked(Evaluation& aEvaluation) {
   Number locked;
   if (mIsLocked.node && mIsLocked.node->TryGetValue(aEvaluation, locked))
     return locked.ToFloat() != 0.0;
+  aEvaluation.hasUnknownLock = true;
   // What was not asked for the device's sake is not unknown for long.
   if (!aEvaluation.hasMissed && !std::exchange(mHasToldOfLock, true))
     KrLogger("KrGenICam")
@@ -380,6 +398,16 @@ KrGenAccessMode Node::ComputeAccess(Evaluation&, Facet) {
   return KrGenAccessMode::ReadOnly;
 }
 
+KrResult Node::ComputeImplementation(Evaluation&, Number& aImplemented) {
+  aImplemented = Number(1);
+  return {};
+}
+
+KrResult Node::GetImplementation(Evaluation& aEvaluation, const NodeLink& aLink, Number& aImplemented) {
+  aImplemented = Number(1);
+  return aLink.node ? aLink.node->Get(aEvaluation, Facet::Implementation, aImplemented) : KrResult();
+}
+
 KrResult Node::CheckWrite(Evaluation& aEvaluation, const Number&) {
   if (KrResult result = CheckWritable(aEvaluation); !result.IsOK())
     return result;
@@ -431,6 +459,10 @@ bool Node::HasLimit(Evaluation& aEvaluation, Facet aFacet) {
 
 bool Node::HasIncrement(Evaluation&) {
   return GetType() != KrGenType::Float;
+}
+
+std::uint64_t Node::GetLastAsked() const {
+  return std::ranges::max_element(mMemos, {}, &Memo::GetEpoch)->GetEpoch();
 }
 
 void Node::Forget(std::vector<Node*>&) {

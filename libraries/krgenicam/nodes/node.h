@@ -32,8 +32,9 @@ enum class Facet : std::uint8_t {
   Increment,      ///< InvalidInput where there is none.
   Access,         ///< A KrGenAccessMode as a number.
   AccessUnlocked, ///< The same without pIsLocked, which is all that reading depends on.
+  Implementation, ///< 1 for what is implemented, 0 for what is not; asks for pIsImplemented alone.
 };
-inline constexpr std::size_t kFacetCount = 6;
+inline constexpr std::size_t kFacetCount = 7;
 
 /// A node that another one names.
 struct NodeLink {
@@ -156,6 +157,9 @@ public:
   /// Forgets what was computed and read; nodes that lose something they share with this one are added to aAffected.
   virtual void Forget(std::vector<Node*>& aAffected);
 
+  /// The epoch of the last evaluation that came to the node, since it was forgotten; 0 for none.
+  std::uint64_t GetLastAsked() const;
+
   /// aDependent's value, range or access stands on this node.
   void AddDependent(Node& aDependent);
 
@@ -200,6 +204,11 @@ protected:
   /// with the same facet; without the predicates and ImposedAccessMode, which GetAccess adds.
   virtual KrGenAccessMode ComputeAccess(Evaluation& aEvaluation, Facet aFacet);
 
+  /// Whether what the node stands on is implemented, as 1 or 0; without its own pIsImplemented, which Get adds.
+  virtual KrResult ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented);
+  /// The same of the node behind a link. What leads nowhere is no more than not available.
+  static KrResult GetImplementation(Evaluation& aEvaluation, const NodeLink& aLink, Number& aImplemented);
+
   /// Why the node cannot be read (or written) by what it stands on, after its own predicates were found to allow it.
   /// aAttempt begins the sentence. Overridings name the node that stands in the way.
   virtual KrResult ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
@@ -219,6 +228,7 @@ private:
   /// Whether pIsLocked locks the node; what cannot be found out does not.
   bool IsLocked(Evaluation& aEvaluation);
   KrGenAccessMode CombineAccess(Evaluation& aEvaluation, Facet aFacet);
+  KrResult CombineImplementation(Evaluation& aEvaluation, Number& aImplemented);
   KrResult Explain(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt);
   KrResult ExplainPredicate(Evaluation& aEvaluation, const NodeLink& aPredicate, const std::string& aAttempt,
                             AccessCause::Verdict aVerdict);

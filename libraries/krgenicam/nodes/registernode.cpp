@@ -229,6 +229,12 @@ KrGenAccessMode RegisterNode::ComputeAccess(Evaluation& aEvaluation, Facet aFace
   return KrGenAccessMode::NotAvailable;
 }
 
+KrResult RegisterNode::ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) {
+  if (mFault.IsOK())
+    return mPort->Get(aEvaluation, Facet::Implementation, aImplemented);
+  return Node::ComputeImplementation(aEvaluation, aImplemented);
+}
+
 KrResult RegisterNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
   if (!mFault.IsOK())
     return mFault;

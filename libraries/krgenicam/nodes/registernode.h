@@ -74,6 +74,7 @@ protected:
   const KrResult& GetFault() const { return mFault; }
 
   KrGenAccessMode ComputeAccess(Evaluation& aEvaluation, Facet aFacet) override;
+  KrResult ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) override;
   KrResult ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) override;
 
 private:

@@ -68,6 +68,10 @@ KrGenAccessMode StringNode::ComputeAccess(Evaluation& aEvaluation, Facet aFacet)
   return mTarget.node ? mTarget.node->GetAccess(aEvaluation, aFacet) : KrGenAccessMode::NotAvailable;
 }
 
+KrResult StringNode::ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) {
+  return GetImplementation(aEvaluation, mTarget, aImplemented);
+}
+
 KrResult StringNode::ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) {
   if (!mTarget.IsSet())
     return Node::ExplainOwnAccess(aEvaluation, aForWriting, aAttempt);

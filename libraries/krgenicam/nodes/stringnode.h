@@ -25,6 +25,7 @@ public:
 
 protected:
   KrGenAccessMode ComputeAccess(Evaluation& aEvaluation, Facet aFacet) override;
+  KrResult ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) override;
   KrResult ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) override;
 
 private:

@@ -191,6 +191,18 @@ KrGenAccessMode ValueNode::ComputeAccess(Evaluation& aEvaluation, Facet aFacet) 
   return AreCopiesWritable(aEvaluation, aFacet) && AreTargetsAlike(aEvaluation) ? mode : WithoutWriting(mode);
 }
 
+KrResult ValueNode::ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) {
+  if (mTarget.IsSet())
+    return GetImplementation(aEvaluation, mTarget, aImplemented);
+  // Without links there is nothing that could lack, whatever the index picks.
+  const bool hasLinks = mDefault.link.IsSet() || std::ranges::any_of(mChoices, &NodeLink::IsSet, &Choice::link);
+  Choice* choice = nullptr;
+  if (!mIndex.IsSet() || !hasLinks)
+    return Node::ComputeImplementation(aEvaluation, aImplemented);
+  KrResult result = PickChoice(aEvaluation, choice);
+  return result.IsOK() ? GetImplementation(aEvaluation, choice->link, aImplemented) : result;
+}
+
 bool ValueNode::AreCopiesWritable(Evaluation& aEvaluation, Facet aFacet) {
   return std::ranges::all_of(mTargets, [&](const NodeLink& aLink) {
     return aLink.node && IsWritable(aLink.node->GetAccess(aEvaluation, aFacet));

@@ -42,6 +42,7 @@ protected:
   const NodeLink& GetTarget() const { return mTarget; }
 
   KrGenAccessMode ComputeAccess(Evaluation& aEvaluation, Facet aFacet) override;
+  KrResult ComputeImplementation(Evaluation& aEvaluation, Number& aImplemented) override;
   KrResult ExplainOwnAccess(Evaluation& aEvaluation, bool aForWriting, const std::string& aAttempt) override;
 
   /// The value that a text of the description stands for; nothing where it is none, with a fault noted.

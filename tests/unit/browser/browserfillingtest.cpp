@@ -191,6 +191,14 @@ TEST(IsFeatureShown, DeviceThatDoesNotAnswer_LeavesTheFeatureOut) {
   EXPECT_FALSE(IsFeatureShown(*camera.array, *camera.array->Get("X"), KrGenVisibility::Guru, {}));
 }
 
+TEST(IsFeatureShown, FeatureWhoseAvailabilityAloneCannotBeRead_IsShown) {
+  DescribedCamera camera(MakeInteger("Has", 0) + MakeFeature("X", "<pIsAvailable>Has</pIsAvailable>") +
+                         MakeCategory("Root", {"X"}));
+  camera.port.SetFault([](const RegisterAccessRecord&) { return KrResult(KrResult::Code::TimeLimitExceeded); });
+
+  EXPECT_TRUE(IsFeatureShown(*camera.array, *camera.array->Get("X"), KrGenVisibility::Guru, {}));
+}
+
 TEST_F(FillingTest, Tree_FeaturesInCategories_ComesInTheOrderOfTheDescription) {
   Fill(MakeFeature("Width") + MakeFeature("Gain") + MakeFeature("Top") + MakeFeature("Black") +
        MakeCategory("Root", {"ImageFormatControl", "Top", "Analog"}) + MakeCategory("ImageFormatControl", {"Width"}) +

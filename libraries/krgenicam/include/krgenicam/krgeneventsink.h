@@ -15,7 +15,10 @@ class KrGenParameter;
 class KR_EXPORT KrGenEventSink {
 public:
   /// The parameter's value, range, access or entries have changed since the last call, or, before the first one, since
-  /// the sink was registered. Changes that come quickly are told as one.
+  /// the sink was registered. Changes that come quickly are told as one. Registering asks the device for nothing: where
+  /// the parameter was not remembered then, the first word comes with the first occasion for a change (a write of what
+  /// the parameter stands on, a selector, a command, an event, and, once anybody has asked for the parameter, Poll and
+  /// InvalidateCache), without a difference, too.
   virtual void OnParameterUpdate(KrGenParameter* aParameter) = 0;
   virtual ~KrGenEventSink() = default;
 };

@@ -69,7 +69,9 @@ public:
   KrGenAccessMode GetAccessMode();
   /// What can be done at the moment, as yes or no. The results with an argument are those of the register port where it
   /// failed (TimeLimitExceeded, ConnectionLost, Aborted …), so that the answer is not known and the argument stays as it
-  /// was; the others say no then.
+  /// was; the others say no then, but for IsWritable of what nothing but an unknown lock could keep from being written.
+  /// Each question asks the device for what it needs: IsImplemented for pIsImplemented alone, IsAvailable besides for
+  /// availability, IsReadable for no lock, IsWritable for all of it.
   KrResult IsImplemented(bool& aIsImplemented);
   bool IsImplemented();
   KrResult IsAvailable(bool& aIsAvailable);

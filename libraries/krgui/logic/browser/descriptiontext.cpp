@@ -20,14 +20,11 @@ KrString Bold(const KrString& aText) {
   return "<b>" + aText + "</b>";
 }
 
-// What a getter gives. Where it fails, or a register port throws, the value stays what it is without one.
+// What a getter gives. Where it fails the value stays what it is without one: the row tells of failures, the
+// description shows what there is.
 template <typename Value, typename Feature, typename Getter>
 Value ReadOr(Feature& aFeature, Getter aGetter, Value aValue) {
-  try {
-    (void)(aFeature.*aGetter)(aValue);
-  } catch (...) {
-    // The row tells of failures; the description shows what there is.
-  }
+  (void)(aFeature.*aGetter)(aValue);
   return aValue;
 }
 

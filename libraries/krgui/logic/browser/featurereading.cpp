@@ -159,12 +159,8 @@ void ReadValue(KrGenParameter& aFeature, const ValueStyle& aStyle, FeatureReadin
 // What cannot be had is missing from the tooltip and says nothing about the value; it is asked for again.
 AccessReason ReadAccessReason(KrGenParameter& aFeature, const AccessFlags& aAccess) {
   AccessReason reason;
-  try {
-    if (aFeature.GetAccessReason(reason.text).IsOK())
-      reason.access = aAccess;
-  } catch (...) {
-    reason = {};
-  }
+  if (aFeature.GetAccessReason(reason.text).IsOK())
+    reason.access = aAccess;
   return reason;
 }
 
@@ -172,21 +168,17 @@ AccessReason ReadAccessReason(KrGenParameter& aFeature, const AccessFlags& aAcce
 
 FeatureReading ReadFeature(KrGenParameter& aFeature, const ValueStyle& aStyle, const AccessReason& aKnown) {
   FeatureReading reading;
-  std::optional<AccessFlags> limited;
-  // A register port is foreign code, whose exceptions belong to no step.
+  // A register port's exceptions are results. What is raised all the same, when memory runs out, belongs to no step.
   try {
     if (ReadAccess(aFeature, reading)) {
-      if (!reading.access.isWritable)
-        limited = reading.access;
+      const AccessFlags access = reading.access;
       ReadValue(aFeature, aStyle, reading);
+      if (!access.isWritable)
+        reading.accessReason = aKnown.access == access ? aKnown : ReadAccessReason(aFeature, access);
     }
   } catch (const std::exception& exception) {
     Fail(reading, {}, exception.what());
-  } catch (...) {
-    Fail(reading, {}, "The access to the device failed for a reason that it did not name.");
   }
-  if (limited)
-    reading.accessReason = aKnown.access == limited ? aKnown : ReadAccessReason(aFeature, *limited);
   return reading;
 }
 

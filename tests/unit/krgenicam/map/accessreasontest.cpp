@@ -5,13 +5,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <stdexcept>
+
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
 
-const std::string kNodes = R"(
+const std::string kNodes =
+    R"(
 <Integer Name="No"><Value>0</Value></Integer>
 <Integer Name="TLParamsLocked"><Value>1</Value></Integer>
 <Enumeration Name="Mode"><EnumEntry Name="Off"><Value>0</Value></EnumEntry><EnumEntry Name="On"><Value>1</Value>
@@ -39,12 +43,25 @@ const std::string kNodes = R"(
   <Value>1</Value></Enumeration>
 <Integer Name="Astray"><pIsAvailable>Nowhere</pIsAvailable><Value>1</Value></Integer>
 <Integer Name="Circle"><pIsAvailable>Circle</pIsAvailable><Value>1</Value></Integer>
-)" + MakeRegister("Gate", 0x100) + MakeRegister("GateReg", 0x200, "<pIsAvailable>Gate</pIsAvailable>") +
-                           MakeRegister("Plain", 0x300) + MakeRegister("ByPlace", 0x400, "<pIsLocked>Gate</pIsLocked>") +
-                           "<Integer Name=\"Gated\"><pIsAvailable>Gate</pIsAvailable><Value>1</Value></Integer>"
-                           "<Integer Name=\"Implemented\"><pIsImplemented>Gate</pIsImplemented><Value>1</Value></Integer>"
-                           "<Integer Name=\"Imposed\"><ImposedAccessMode>RO</ImposedAccessMode>"
-                           "<pIsAvailable>Gate</pIsAvailable><Value>1</Value></Integer>";
+)" + MakeRegister("Gate", 0x100) +
+    MakeRegister("GateReg", 0x200, "<pIsAvailable>Gate</pIsAvailable>") + MakeRegister("Plain", 0x300) +
+    MakeRegister("ByPlace", 0x400, "<pIsLocked>Gate</pIsLocked>") +
+    "<Integer Name=\"Gated\"><pIsAvailable>Gate</pIsAvailable><Value>1</Value></Integer>"
+    "<Integer Name=\"Implemented\"><pIsImplemented>Gate</pIsImplemented><Value>1</Value></Integer>"
+    "<Integer Name=\"GatedBehind\"><pValue>Gated</pValue></Integer>"
+    "<Integer Name=\"ImplementedBehind\"><pValue>Implemented</pValue></Integer>"
+    "<Integer Name=\"ByPlaceWriteOnly\"><ImposedAccessMode>WO</ImposedAccessMode>"
+    "<pValue>ByPlace</pValue></Integer>"
+    "<Enumeration Name=\"Either\"><EnumEntry Name=\"A\"><pIsImplemented>Gate</pIsImplemented>"
+    "<Value>1</Value></EnumEntry><EnumEntry Name=\"B\"><Value>2</Value></EnumEntry>"
+    "<Value>2</Value></Enumeration>"
+    "<Enumeration Name=\"Neither\"><EnumEntry Name=\"A\"><pIsImplemented>Gate</pIsImplemented>"
+    "<Value>1</Value></EnumEntry><EnumEntry Name=\"B\"><pIsImplemented>No</pIsImplemented>"
+    "<Value>2</Value></EnumEntry><Value>2</Value></Enumeration>"
+    "<Integer Name=\"Picked\"><pIndex>Gate</pIndex><ValueIndexed Index=\"1\">5</ValueIndexed>"
+    "<ValueDefault>6</ValueDefault></Integer>"
+    "<Integer Name=\"Imposed\"><ImposedAccessMode>RO</ImposedAccessMode>"
+    "<pIsAvailable>Gate</pIsAvailable><Value>1</Value></Integer>";
 
 std::string GetReason(DescribedCamera& aCamera, const char* aName) {
   KrString reason = "untouched";
@@ -135,10 +152,17 @@ TEST(AccessAnswers, WhereTheDeviceIsSilent_FailUnlessTheyAreKnownAllTheSame) {
     Answer readable;
     Answer writable;
   } constexpr kRows[] = {
-      {"a predicate that cannot be read", "Gated", kUnknown, kUnknown, kUnknown, kUnknown},
+      {"whether it is available cannot be read", "Gated", kYes, kUnknown, kUnknown, kUnknown},
       {"whether it is implemented cannot be read", "Implemented", kUnknown, kUnknown, kUnknown, kUnknown},
       {"what asks the device for nothing", "Locked", kYes, kYes, kYes, kNo},
-      {"a lock that cannot be read counts as open", "ByPlace", kYes, kYes, kYes, kYes},
+      {"a lock that cannot be read", "ByPlace", kYes, kYes, kYes, kUnknown},
+      {"the lock of what can only be written cannot be read", "ByPlaceWriteOnly", kYes, kYes, kNo, kUnknown},
+      {"what stands on an available one cannot be read", "GatedBehind", kYes, kUnknown, kUnknown, kUnknown},
+      {"what stands on an implemented one cannot be read", "ImplementedBehind", kUnknown, kUnknown, kUnknown, kUnknown},
+      {"an entry that is implemented beside one that is unknown", "Either", kYes, kYes, kYes, kYes},
+      {"an entry that is unknown beside one that is not implemented", "Neither", kUnknown, kUnknown, kUnknown,
+       kUnknown},
+      {"one of two values is picked by what cannot be read", "Picked", kYes, kUnknown, kUnknown, kUnknown},
       {"not implemented without the device", "Unimplemented", kNo, kNo, kNo, kNo},
       {"not available without the device", "Unavailable", kYes, kNo, kNo, kNo},
   };
@@ -158,6 +182,48 @@ TEST(AccessAnswers, WhereTheDeviceIsSilent_FailUnlessTheyAreKnownAllTheSame) {
     EXPECT_EQ(ask(parameter, &KrGenParameter::IsReadable), row.readable) << row.what;
     EXPECT_EQ(ask(parameter, &KrGenParameter::IsWritable), row.writable) << row.what;
   }
+  EXPECT_TRUE(camera.Integer("Gated").IsImplemented());
+  EXPECT_FALSE(camera.Integer("Implemented").IsImplemented());
   EXPECT_FALSE(camera.Integer("Gated").IsAvailable());
   EXPECT_FALSE(camera.Integer("Gated").IsReadable());
+  EXPECT_TRUE(camera.Integer("ByPlace").IsWritable());
+}
+
+TEST(AccessAnswers, WhetherItIsImplementedOrReadable_AskTheDeviceForNoMoreThanThat) {
+  DescribedCamera camera(kNodes);
+  bool answer = false;
+
+  EXPECT_TRUE(camera.Integer("Gated").IsImplemented(answer).IsOK());
+  EXPECT_TRUE(camera.Integer("ByPlace").IsReadable(answer).IsOK());
+  EXPECT_TRUE(camera.Integer("ByPlace").IsAvailable(answer).IsOK());
+
+  EXPECT_EQ(camera.port.CountReads(), 0u);
+}
+
+TEST(AccessAnswers, WherePortThrows_FailWithItsWords) {
+  DescribedCamera camera(kNodes);
+  struct {
+    const char* what;
+    std::function<KrResult(const RegisterAccessRecord&)> raise;
+    const char* words;
+  } const kRows[] = {
+      {"with words", [](const RegisterAccessRecord&) -> KrResult { throw std::runtime_error("The cable burns."); },
+       "The cable burns."},
+      {"without words", [](const RegisterAccessRecord&) -> KrResult { throw 5; }, "an exception that does not say why"},
+  };
+
+  for (const auto& row : kRows) {
+    camera.port.SetFault(row.raise);
+    std::int64_t value = 0;
+
+    const KrResult read = camera.Integer("Plain").GetValue(value);
+    const KrResult written = camera.Integer("Plain").SetValue(1);
+
+    EXPECT_TRUE(read == KrResult::Code::SystemError) << row.what;
+    EXPECT_TRUE(written == KrResult::Code::SystemError) << row.what;
+    EXPECT_THAT(read.GetDescription().ToUtf8(), HasSubstr(row.words));
+    EXPECT_THAT(written.GetDescription().ToUtf8(), HasSubstr(row.words));
+  }
+  camera.port.SetFault({});
+  EXPECT_EQ(Read(camera.Integer("Plain"), &KrGenInteger::GetValue), 0) << "the array goes on";
 }

@@ -58,6 +58,15 @@ protected:
                     .IsOK());
     EXPECT_TRUE(KrGenParameterArray::Open(description, mPort, {}, mArray).IsOK());
   }
+  // Has the notification thread look at the slow register for a sink that knows its value, and waits for the reading.
+  void LookFor(RecordingSink& aSink) {
+    mPort.SetSlow(false);
+    EXPECT_TRUE(ReadSlow().IsOK());
+    EXPECT_TRUE(mArray->GetInteger("Slow")->RegisterEventSink(&aSink).IsOK());
+    mPort.SetSlow(true);
+    EXPECT_TRUE(mArray->Invalidate("Slow").IsOK());
+    mPort.AwaitAccess();
+  }
   KrResult ReadSlow() {
     std::int64_t value = 0;
     return mArray->GetInteger("Slow")->GetValue(value);
@@ -105,8 +114,7 @@ TEST_F(Cancelling, Close_DuringAnAccess_EndsItAndAllLaterOnes) {
 
 TEST_F(Cancelling, Cancel_OfALookForASink_TellsTheSinkNothingAndHasItLookAgain) {
   RecordingSink sink;
-  ASSERT_TRUE(mArray->GetInteger("Slow")->RegisterEventSink(&sink).IsOK());
-  mPort.AwaitAccess();
+  LookFor(sink);
   mPort.SetSlow(false);
 
   mArray->Cancel();
@@ -119,8 +127,7 @@ TEST_F(Cancelling, Cancel_OfALookForASink_TellsTheSinkNothingAndHasItLookAgain) 
 
 TEST_F(Cancelling, Destruction_DuringALookForASink_EndsIt) {
   RecordingSink sink;
-  ASSERT_TRUE(mArray->GetInteger("Slow")->RegisterEventSink(&sink).IsOK());
-  mPort.AwaitAccess();
+  LookFor(sink);
 
   mArray.reset();
 
@@ -129,8 +136,7 @@ TEST_F(Cancelling, Destruction_DuringALookForASink_EndsIt) {
 
 TEST_F(Cancelling, UnregisterEventSink_DuringAnAccess_DoesNotWaitForIt) {
   RecordingSink sink;
-  ASSERT_TRUE(mArray->GetInteger("Slow")->RegisterEventSink(&sink).IsOK());
-  mPort.AwaitAccess();
+  LookFor(sink);
 
   EXPECT_TRUE(mArray->GetInteger("Slow")->UnregisterEventSink(&sink).IsOK());
 }

@@ -108,10 +108,15 @@ public:
     EXPECT_TRUE(Integer("Last").SetValue(++mLastValue).IsOK());
     mLast.WaitForCalls(static_cast<std::size_t>(mLastValue));
   }
-  /// Has a sink listen to a parameter, and returns when nothing about the parameter is unknown.
+  /// Has a sink listen to a parameter of which all is known that is remembered at all.
   void Watch(const char* aName, RecordingSink& aSink) {
+    {
+      RecordingSink first;
+      first.Listen(*array->Get(aName));
+      EXPECT_TRUE(array->Invalidate(aName).IsOK());
+      AwaitNotifications();
+    }
     aSink.Listen(*array->Get(aName));
-    AwaitNotifications();
   }
 
 private:

@@ -9,6 +9,7 @@
 #include <thread>
 
 using testing::Contains;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -75,19 +76,16 @@ TEST_F(Events, Registration_Alone_TellsNobodyWhetherCachedOrNot) {
   EXPECT_THAT(uncached.TakeNames(), IsEmpty());
 }
 
-TEST_F(Events, Registration_OfWhatIsNotCached_AsksTheDeviceOnTheNotificationThreadAlone) {
+TEST_F(Events, Registration_OfWhatIsNotCached_AsksTheDeviceForNothing) {
   RecordingSink sink;
-  const std::thread::id here = std::this_thread::get_id();
-  bool hasReadHere = false;
-  mCamera.port.SetFault([&](const RegisterAccessRecord&) {
-    hasReadHere = hasReadHere || std::this_thread::get_id() == here;
-    return KrResult();
-  });
+  (void)mCamera.port.TakeRecords();
 
-  sink.Listen(mCamera.Integer("Selected"));
+  for (const char* const name : {"Width", "Format", "Selected", "Start", "Bytes"})
+    sink.Listen(*mCamera.array->Get(name));
+  mCamera.AwaitNotifications();
 
-  mCamera.port.SetFault({});
-  EXPECT_FALSE(hasReadHere);
+  EXPECT_THAT(mCamera.port.TakeRecords(), Each(testing::Field(&RegisterAccessRecord::address, 0xF000)));
+  EXPECT_THAT(sink.TakeNames(), IsEmpty());
 }
 
 TEST_F(Events, SetValue_OfWhatTheParameterStandsOn_TellsItsSink) {
@@ -268,42 +266,69 @@ TEST_F(Events, SetValue_ThereAndBackWhileTheSinkIsAtWork_IsNoChange) {
   EXPECT_THAT(sink.TakeNames(), SizeIs(1));
 }
 
-TEST_F(Events, SetValue_BeforeAnythingIsKnown_CountsAsAChange) {
-  Occasion isAtWork, mayGoOn;
-  RecordingSink blocker([&](KrGenParameter&) {
-    isAtWork.Happen();
-    mayGoOn.Await();
-  });
-  RecordingSink sink;
-  mCamera.Watch("Text", blocker);
-  ASSERT_TRUE(mCamera.String("Text").SetValue("x").IsOK());
-  isAtWork.Await();
+TEST_F(Events, WhatMayHaveChangedSomethingUnknown_CountsAsAChangeOnce) {
+  struct {
+    const char* what;
+    const char* watched;
+    std::function<void()> happen;
+  } const rows[] = {
+      {"write", "Width", [this] { EXPECT_TRUE(mCamera.Integer("WidthReg").SetValue(0).IsOK()); }},
+      {"selector", "Selected", [this] { EXPECT_TRUE(mCamera.Integer("Selector").SetValue(0).IsOK()); }},
+      {"command", "Start", [this] { EXPECT_TRUE(mCamera.Command("Start").Execute().IsOK()); }},
+      {"by name", "GateReg", [this] { EXPECT_TRUE(mCamera.array->Invalidate("GateReg").IsOK()); }},
+  };
 
-  sink.Listen(mCamera.Integer("Width"));
-  ASSERT_TRUE(mCamera.Integer("WidthReg").SetValue(3).IsOK());
-  mayGoOn.Happen();
-  mCamera.AwaitNotifications();
+  for (const auto& row : rows) {
+    RecordingSink sink;
+    sink.Listen(*mCamera.array->Get(row.watched));
 
-  EXPECT_THAT(sink.TakeNames(), ElementsAre("Width"));
+    row.happen();
+    mCamera.AwaitNotifications();
+    EXPECT_THAT(sink.TakeNames(), ElementsAre(row.watched)) << row.what;
+    row.happen();
+    mCamera.AwaitNotifications();
+
+    EXPECT_THAT(sink.TakeNames(), IsEmpty()) << row.what << ", for the second time";
+  }
 }
 
-TEST_F(Events, InvalidateCache_BeforeAnythingIsKnown_CountsAsNoChange) {
-  Occasion isAtWork, mayGoOn;
-  RecordingSink blocker([&](KrGenParameter&) {
-    isAtWork.Happen();
-    mayGoOn.Await();
-  });
+TEST_F(Events, InvalidateCache_OfWhatNobodyHasAskedFor_IsNoChangeAndAsksTheDeviceForNothing) {
   RecordingSink sink;
-  mCamera.Watch("Text", blocker);
-  ASSERT_TRUE(mCamera.String("Text").SetValue("x").IsOK());
-  isAtWork.Await();
-
   sink.Listen(mCamera.Integer("Width"));
+  sink.Listen(mCamera.Integer("StartReg"));
+  (void)mCamera.port.TakeRecords();
+
   mCamera.array->InvalidateCache();
-  mayGoOn.Happen();
   mCamera.AwaitNotifications();
 
   EXPECT_THAT(sink.TakeNames(), IsEmpty());
+  EXPECT_THAT(mCamera.port.TakeRecords(), Each(testing::Field(&RegisterAccessRecord::address, 0xF000)));
+}
+
+TEST_F(Events, InvalidateCache_OfWhatWasReadButNotKnownToTheSink_CountsAsAChange) {
+  struct {
+    const char* what;
+    const char* name;
+    bool isReadFirst;
+  } constexpr kRows[] = {
+      {"read after the registration", "Width", false},
+      {"asked each time, and read before the registration", "StartReg", true},
+  };
+
+  for (const auto& row : kRows) {
+    RecordingSink sink;
+    const auto read = [&] { (void)Read(mCamera.Integer(row.name), &KrGenInteger::GetValue); };
+    if (row.isReadFirst)
+      read();
+    sink.Listen(mCamera.Integer(row.name));
+    if (!row.isReadFirst)
+      read();
+
+    mCamera.array->InvalidateCache();
+    mCamera.AwaitNotifications();
+
+    EXPECT_THAT(sink.TakeNames(), ElementsAre(row.name)) << row.what;
+  }
 }
 
 TEST_F(Events, Registration_AfterAChangeThatIsStillToBeTold_IsNotToldOfIt) {

@@ -112,6 +112,22 @@ TEST_F(Polling, Poll_BeforeASinkKnowsAnything_CountsAsNoChange) {
   EXPECT_THAT(sink.TakeNames(), IsEmpty());
 }
 
+TEST_F(Polling, Poll_OfWhatWasReadButIsUnknownToASink_TellsItOnceWhetherItHasChangedOrNot) {
+  RecordingSink sink;
+  sink.Listen(mCamera.Integer("Temperature"));
+  EXPECT_EQ(Get("Temperature"), 0);
+
+  mNowMs += 1000;
+  ASSERT_TRUE(mCamera.array->Poll().IsOK());
+  mCamera.AwaitNotifications();
+  EXPECT_THAT(sink.TakeNames(), ElementsAre("Temperature"));
+  mNowMs += 1000;
+  ASSERT_TRUE(mCamera.array->Poll().IsOK());
+  mCamera.AwaitNotifications();
+
+  EXPECT_THAT(sink.TakeNames(), IsEmpty());
+}
+
 TEST_F(Polling, Poll_OfWhatHasNotChanged_TellsNobody) {
   RecordingSink sink;
   mCamera.Watch("Temperature", sink);
