@@ -5,6 +5,7 @@
 #include "logic/browser/gridtools.h"
 #include "platform/toqstring.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -45,7 +46,8 @@ void PropertiesGrid::ShowToolTip(const QPoint& aPoint, const QPoint& aScreenPoin
     return;
   }
   QRect area = row;
-  if (isOnIcon && mTree->FindFeature(item)->HasError())
+  const TreeItemData* const feature = mTree->FindFeature(item);
+  if (isOnIcon && feature && feature->HasError())
     area = QStyle::visualRect(layoutDirection(), row,
                               QRect(QPoint(icon.left, icon.top), QPoint(icon.right - 1, icon.bottom - 1)));
   // Tooltips take what looks like markup for it: every letter is to be seen as it is.
@@ -225,6 +227,12 @@ void PropertiesGrid::focusInEvent(QFocusEvent* aEvent) {
 
 void PropertiesGrid::focusOutEvent(QFocusEvent* aEvent) {
   QTreeView::focusOutEvent(aEvent);
+  // The release of an Enter that moved the focus goes to whoever has it now.
+  mIsEnterHandled = false;
+  // What was clicked is over once the user works elsewhere: an editor that opens later does not take the keyboard away.
+  const QWidget* const next = QApplication::focusWidget();
+  if (next && !isAncestorOf(next))
+    mWasValueCellClicked = false;
   mPainter.reset();
   PostRowOfSelected();
   RepaintRow(GetSelectedItem());

@@ -90,6 +90,33 @@ TEST_F(EditorsTest, EnterOnGrid_FocusesEditorAndSelectsItsText) {
   EXPECT_EQ(NumberBox()->selectedText(), "42");
 }
 
+TEST_F(EditorsTest, EnterOnGrid_FocusesEditorAlsoAfterAnEnterThatWasReleasedInAnEditor) {
+  Select("OffsetX");
+  QTest::keyPress(grid, Qt::Key_Return);
+  Pump();
+  ASSERT_TRUE(NumberBox() != nullptr && NumberBox()->hasFocus());
+  QTest::keyRelease(NumberBox(), Qt::Key_Return);
+  ClickName("BinningHorizontal");
+  ASSERT_TRUE(grid->hasFocus());
+
+  QTest::keyPress(grid, Qt::Key_Return);
+  Pump();
+
+  EXPECT_TRUE(NumberBox()->hasFocus());
+}
+
+TEST_F(EditorsTest, FeatureThatBecomesUnlockedAfterAClick_LeavesTheFocusWhereTheUserWorks) {
+  SetRegister(0x180, {1});
+  ClickValue("LineMask");
+  elsewhere->setFocus();
+  Pump();
+
+  ChangeRegister(0x180, {0}, "LineMask");
+
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_TRUE(elsewhere->hasFocus());
+}
+
 TEST_F(EditorsTest, SelectedBoolean_OffersFalseAndTrueAndShowsItsValue) {
   SetRegister(0x11C, {1});
   Select("ReverseX");

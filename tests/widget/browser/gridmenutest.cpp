@@ -162,6 +162,8 @@ TEST_F(GridMenuTest, ToolTip_OverTheErrorIconIsTheError) {
 
 TEST_F(GridMenuTest, ToolTip_OfACategoryIsItsOwn) {
   EXPECT_TRUE(AskToolTip(PointIn("Analog", 60)).contains("All that is analog"));
+  // Where features have their error icon, too.
+  EXPECT_TRUE(AskToolTip(PointIn("Analog", 210)).contains("All that is analog"));
 }
 
 TEST_F(GridMenuTest, ToolTip_OfWhatIsNotAvailableSaysWhy) {
