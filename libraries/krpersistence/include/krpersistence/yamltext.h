@@ -1,0 +1,35 @@
+#pragma once
+// A YAML text as a tree of values with their places, whatever they mean. The text is never trusted: its size, nesting
+// and number of values are capped, anchored values count twice, aliases as often as they are used, and foreign
+// exceptions end here.
+
+#include "krbase/krexport.h"
+#include "krpersistence/textproblems.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace krpersistence {
+
+enum class YamlKind { Null, Scalar, Sequence, Map };
+
+/// One value.
+struct YamlNode {
+  YamlKind kind = YamlKind::Null;
+  TextPlace place;
+  std::string text;                                    ///< Of a scalar: valid UTF-8 without zeros.
+  std::vector<YamlNode> items;                         ///< Of a sequence, and the values of a map.
+  std::vector<std::pair<std::string, TextPlace>> keys; ///< Of a map, one for each of its items, none twice.
+};
+
+inline constexpr std::size_t kMostYamlBytes = std::size_t{1} << 20;
+inline constexpr std::size_t kMostYamlDepth = 16;
+inline constexpr std::size_t kMostYamlNodes = 100000;
+
+/// Parses a text of one document; an empty one is Null. Any thread.
+KR_EXPORT YamlNode ParseYaml(std::string_view aText, TextProblems& aProblems);
+
+} // namespace krpersistence
