@@ -3,6 +3,7 @@
 #include "deviceparameters.h"
 #include "krbase/kreventsinks.h"
 #include "krdevice/krdevicegev.h"
+#include "krdevice/krdevicelifetime.h"
 #include "krdevice/krdevicetolvanprotocol.h"
 #include "krdevice/krdeviceu3v.h"
 #include "krsystem/itransport.h"
@@ -28,6 +29,7 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
   void Close();
   void Leave();
   void OnLinkLost(const KrResult& aReason) override {
+    lifetime->OnLost();
     sinks.Notify([&](KrDeviceEventSink& aSink) { aSink.OnDeviceLost(&device, aReason); });
   }
   void OnLinkBack() override {
@@ -50,6 +52,7 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
   std::unique_ptr<krsystem::IDeviceLink> link; // Null once it is closed.
   std::unique_ptr<Parameters> parameters;      // The same; they stand on the link.
   const krdevice::OpenDevices::Place place;
+  const std::shared_ptr<KrDeviceLifetime> lifetime = std::make_shared<KrDeviceLifetime>();
 };
 
 void KrDevice::Body::Close() {
@@ -61,10 +64,12 @@ void KrDevice::Body::Close() {
     Leave();
     return;
   }
+  lifetime->Refuse();
   // Whoever waits for an access, a sink for example, need not wait any more.
   parameters->array.Close();
   // No event may reach the application while its device goes.
   link->SetSink(nullptr);
+  lifetime->WaitForUses();
   if (devices.BeginClosing(place)) {
     parameters.reset();
     link.reset();
@@ -260,8 +265,12 @@ krdevice::ParameterLock& KrDevice::GetParameterLock() {
   return mBody->parameters->lock;
 }
 
-krsystem::IByteChannel* KrDevice::GetByteChannel(std::uint32_t aNumber) {
+std::shared_ptr<krsystem::IByteChannel> KrDevice::GetByteChannel(std::uint32_t aNumber) {
   return mBody->link->GetByteChannel(aNumber);
+}
+
+std::shared_ptr<KrDeviceLifetime> KrDevice::GetLifetime() const {
+  return mBody->lifetime;
 }
 
 bool KrDevice::IsConnected() const {

@@ -91,6 +91,6 @@ KrString KrDeviceAdapter::GetDeviceText() const {
   return model.IsEmpty() ? mDevice.GetUniqueID() : model + " " + mDevice.GetUniqueID();
 }
 
-krsystem::IByteChannel* KrDeviceAdapter::GetByteChannel(std::uint32_t aNumber) {
+std::shared_ptr<krsystem::IByteChannel> KrDeviceAdapter::GetByteChannel(std::uint32_t aNumber) {
   return mDevice.GetByteChannel(aNumber);
 }

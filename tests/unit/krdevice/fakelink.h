@@ -131,7 +131,7 @@ public:
     return aChannel == 0 ? mSource : nullptr;
   }
   KrGenBootstrap GetBootstrap() const override { return KrGenBootstrap::GigEVision; }
-  krsystem::IByteChannel* GetByteChannel(std::uint32_t aNumber) override {
+  std::shared_ptr<krsystem::IByteChannel> GetByteChannel(std::uint32_t aNumber) override {
     const auto channel = byteChannels.find(aNumber);
     return channel == byteChannels.end() ? nullptr : channel->second;
   }
@@ -154,7 +154,7 @@ public:
 
   krsystem::IDeviceLinkSink* sink = nullptr;
   bool connected = true;
-  std::map<std::uint32_t, krsystem::IByteChannel*> byteChannels;
+  std::map<std::uint32_t, std::shared_ptr<krsystem::IByteChannel>> byteChannels;
   std::function<void()> onGiveBack;
   std::function<void(krsystem::IDeviceLinkSink*)> onSetSink; // Called while the former sink is still there.
 

@@ -31,11 +31,11 @@ protected:
     mLink->Poke(kRate, 1);
     mLink->Poke(kLoopback, 1);
     mLink->Poke(kIsThere, 1);
-    mLink->byteChannels = {{0, &mUart}, {2, &mBulk}};
+    mLink->byteChannels = {{0, mUart}, {2, mBulk}};
   }
 
-  FakeByteChannel mUart;
-  FakeByteChannel mBulk;
+  std::shared_ptr<FakeByteChannel> mUart = std::make_shared<FakeByteChannel>();
+  std::shared_ptr<FakeByteChannel> mBulk = std::make_shared<FakeByteChannel>();
   DescribedLink* mLink = new DescribedLink(MakeNodes()); // The device's from here on.
   KrDeviceGEV mDevice{std::unique_ptr<FakeLink>(mLink), MakeDeviceFields()};
   KrDeviceAdapter mAdapter{mDevice};
@@ -195,7 +195,7 @@ TEST(KrDeviceAdapter, GetDeviceText_ModelUnknown_IsTheUniqueIDAlone) {
 }
 
 TEST_F(KrDeviceAdapterTest, GetByteChannel_NumberOfADevicesLine_GivesThatLineAndNullForOthers) {
-  EXPECT_EQ(mAdapter.GetByteChannel(0), &mUart);
-  EXPECT_EQ(mAdapter.GetByteChannel(2), &mBulk);
+  EXPECT_EQ(mAdapter.GetByteChannel(0), mUart);
+  EXPECT_EQ(mAdapter.GetByteChannel(2), mBulk);
   EXPECT_EQ(mAdapter.GetByteChannel(1), nullptr);
 }

@@ -7,6 +7,9 @@
 #include "krsystem/ibytechannel.h"
 
 #include <cstdint>
+#include <memory>
+
+class KrDevice;
 
 /// A device as windows see it that need not know its kind.
 ///
@@ -36,7 +39,10 @@ public:
   /// A text for people that no other device has, the same each time the device is opened: the model's name and what
   /// tells one device of that model from another, for example "Model X 00:11:22:33:44:55".
   virtual KrString GetDeviceText() const = 0;
-  /// The serial line of a number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the device has none
-  /// of that number. It belongs to the open device and ends with it.
-  virtual krsystem::IByteChannel* GetByteChannel(std::uint32_t aNumber) = 0;
+  /// The serial line of a number (0 and 1 for the UARTs, 2 to 9 for the bulk ports) that the device's transport carries,
+  /// or null where it has none of that number. The end of the device ends what is done with it.
+  virtual std::shared_ptr<krsystem::IByteChannel> GetByteChannel(std::uint32_t aNumber) = 0;
+  /// The open device behind the adapter, or null for an adapter of another make: what serial lines behind features
+  /// stand on.
+  virtual KrDevice* GetDevice() { return nullptr; }
 };

@@ -12,6 +12,7 @@
 #include <memory>
 
 class KrDevice;
+class KrDeviceLifetime;
 
 namespace krdevice {
 class ParameterLock;
@@ -41,7 +42,7 @@ public:
 ///
 /// Thread: any, but for construction and destruction.
 /// Ownership: the application's. Streams must be closed before their device is destroyed; destruction gives control
-/// back. In a forked child destruction leaves the device, which is the parent's, as it is.
+/// back, having waited for the uses of its lifetime. In a forked child destruction leaves the device, which is the parent's, as it is.
 ///
 ///     std::unique_ptr<KrDevice> device;
 ///     KrResult result = KrDevice::Open(*info, KrDeviceAccess::Control, device);
@@ -85,9 +86,11 @@ public:
   KrResult SetDescription(const KrGenDescription& aDescription);
   /// The serial line of a number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the device has none
   /// of that number.
-  krsystem::IByteChannel* GetByteChannel(std::uint32_t aNumber);
+  std::shared_ptr<krsystem::IByteChannel> GetByteChannel(std::uint32_t aNumber);
   /// False once the device is lost.
   bool IsConnected() const;
+  /// Says when the device ends, and keeps it from ending while it is used: for what may outlive it.
+  std::shared_ptr<KrDeviceLifetime> GetLifetime() const;
 
   /// Registers a sink; null or one that is registered already is InvalidInput. A loss before that is not told again:
   /// IsConnected() says it.

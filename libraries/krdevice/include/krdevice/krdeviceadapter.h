@@ -4,8 +4,6 @@
 
 #include "krdevice/ikrdeviceadapter.h"
 
-class KrDevice;
-
 /// The adapter of a KrDevice.
 ///
 /// Thread: any.
@@ -29,7 +27,8 @@ public:
   KrResult SetBooleanValue(const KrString& aName, bool aValue) override;
   /// The model's name and the device's unique ID, which is a GigE Vision device's MAC address.
   KrString GetDeviceText() const override;
-  krsystem::IByteChannel* GetByteChannel(std::uint32_t aNumber) override;
+  std::shared_ptr<krsystem::IByteChannel> GetByteChannel(std::uint32_t aNumber) override;
+  KrDevice* GetDevice() override { return &mDevice; }
 
 private:
   KrDevice& mDevice;

@@ -13,7 +13,8 @@ namespace krsystem {
 /// A byte channel of an open device.
 ///
 /// Thread: any; Read and Write may run at the same time.
-/// Ownership: belongs to its link and ends with it.
+/// Ownership: shared; it may outlive its link, whose end makes its operations fail with ConnectionLost, waiting ones at
+/// once.
 class KR_EXPORT IByteChannel {
 public:
   virtual ~IByteChannel() = default;

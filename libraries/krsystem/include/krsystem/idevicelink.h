@@ -9,6 +9,7 @@
 #include "krsystem/ibytechannel.h"
 
 #include <cstdint>
+#include <memory>
 #include <stop_token>
 
 namespace krsystem {
@@ -79,7 +80,7 @@ public:
   virtual KrGenBootstrap GetBootstrap() const = 0;
   /// The byte channel of a serial port's number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the
   /// device has none of that number.
-  virtual IByteChannel* GetByteChannel([[maybe_unused]] std::uint32_t aNumber) { return nullptr; }
+  virtual std::shared_ptr<IByteChannel> GetByteChannel([[maybe_unused]] std::uint32_t aNumber) { return nullptr; }
   /// Stops streams and gives control of the device back at once, as when the process is about to end: others can take
   /// it without waiting for a heartbeat to run out. Afterwards the device counts as lost for this link, without word of
   /// it. Ends within the transport's own time limits; does nothing for a link without control. It comes while the
