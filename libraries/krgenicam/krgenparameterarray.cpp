@@ -67,8 +67,8 @@ KrResult KrGenParameterArray::Invalidate(const KrString& aName) {
   return mMap->InvalidateByName(aName.ToUtf8());
 }
 
-KrResult KrGenParameterArray::Poll() {
-  return mMap->Poll();
+KrResult KrGenParameterArray::Poll(const std::stop_token& aStop) {
+  return mMap->Poll(aStop);
 }
 
 void KrGenParameterArray::DeliverEvent(std::uint64_t aEventID, const void* aData, std::size_t aLength) {

@@ -1,6 +1,7 @@
 #include "description/descriptionlocator.h"
 
 #include "description/gencpmanifest.h"
+#include "portaccess.h"
 
 #include <algorithm>
 #include <array>
@@ -55,7 +56,9 @@ bool DescriptionLocator::Note(const std::string& aName, const KrResult& aResult)
                         aName + ": " +
                             (aResult.GetDescription().IsEmpty() ? aResult.GetCodeString().ToUtf8() + "."
                                                                 : aResult.GetDescription().ToUtf8())};
-  if (result == KrResult::Code::Aborted || result == KrResult::Code::ConnectionLost)
+  // A device that has not answered anything is not waited for again at every place.
+  const bool isSilent = result == KrResult::Code::TimeLimitExceeded && !mHasAnswered;
+  if (result == KrResult::Code::Aborted || result == KrResult::Code::ConnectionLost || isSilent)
     mEnd = {result.GetCode(), "The description could not be read from the device. " + result.GetDescription()};
   if (mFirst.IsOK())
     mFirst = result;
@@ -74,9 +77,11 @@ KrResult DescriptionLocator::ReadBytes(const RegisterRange& aRange, Bytes& aByte
     bytes.resize(done + piece);
     if (mCancel.stop_requested())
       return {KrResult::Code::Aborted, "it was cancelled."};
-    if (KrResult result = mPort.Read(aRange.address + done, bytes.data() + done, piece, mTimeoutMs, mCancel);
-        !result.IsOK())
+    KrResult result =
+        CallPort([&] { return mPort.Read(aRange.address + done, bytes.data() + done, piece, mTimeoutMs, mCancel); });
+    if (!result.IsOK())
       return result;
+    mHasAnswered = true;
   }
   bytes.resize(aRange.length);
   aBytes = std::move(bytes);
@@ -148,8 +153,11 @@ void DescriptionLocator::TryGigEManifest(const Take& aTake) {
 // A device's registers have the byte order in which its GenCP version makes sense.
 bool DescriptionLocator::IsGenCPBigEndian() {
   Bytes bytes;
-  if (!ReadBytes({kGenCPVersion, 4}, bytes).IsOK())
+  if (const KrResult read = ReadBytes({kGenCPVersion, 4}, bytes); !read.IsOK()) {
+    if (read == KrResult::Code::TimeLimitExceeded)
+      Note("GenCP version", read);
     return false;
+  }
   const auto isVersion = [&](bool aIsBigEndian) {
     const std::uint64_t major = ReadRegisterNumber(bytes, aIsBigEndian) >> 16;
     return major >= 1 && major < 256;
@@ -160,7 +168,7 @@ bool DescriptionLocator::IsGenCPBigEndian() {
 void DescriptionLocator::TryGenCP(const Take& aTake) {
   const bool isBigEndian = IsGenCPBigEndian();
   std::uint64_t address = 0;
-  if (!ReadNumber("Address of the manifest table", kGenCPManifest, 8, isBigEndian, address))
+  if (IsOver() || !ReadNumber("Address of the manifest table", kGenCPManifest, 8, isBigEndian, address))
     return;
   const std::string name = "Manifest table at " + ToHex(address);
   std::uint64_t count = 0;

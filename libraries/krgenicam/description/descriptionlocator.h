@@ -48,6 +48,7 @@ private:
   IKrRegisterPort& mPort;
   const std::uint32_t mTimeoutMs;
   const std::stop_token mCancel;
+  bool mHasAnswered = false;  // Any register was read.
   KrResult mFirst;            // The first failure.
   KrResult mEnd;              // A failure that ends the search.
   std::string mReasons;       // Of all places.

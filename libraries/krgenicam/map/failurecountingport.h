@@ -1,15 +1,13 @@
 #pragma once
 // A register port that knows of the failures of the one behind it: how often it failed for a reason that may pass, as
-// what was found meanwhile is not the last word, and how it failed last. What that one throws is a failure, too: the
-// port is foreign code, and the threads that call it have nobody to catch it.
+// what was found meanwhile is not the last word, and how it failed last. What that one throws is a failure, too.
 
 #include "krgenicam/ikrregisterport.h"
+#include "portaccess.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <exception>
 #include <iterator>
-#include <string>
 #include <utility>
 
 namespace krgenicam {
@@ -25,26 +23,14 @@ public:
 
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel = {}) override {
-    return Count(Try([&] { return mPort.Read(aAddress, aData, aLength, aTimeoutMs, aCancel); }));
+    return Count(CallPort([&] { return mPort.Read(aAddress, aData, aLength, aTimeoutMs, aCancel); }));
   }
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                  const std::stop_token& aCancel = {}) override {
-    return Count(Try([&] { return mPort.Write(aAddress, aData, aLength, aTimeoutMs, aCancel); }));
+    return Count(CallPort([&] { return mPort.Write(aAddress, aData, aLength, aTimeoutMs, aCancel); }));
   }
 
 private:
-  template <typename Access>
-  static KrResult Try(Access aAccess) {
-    try {
-      return aAccess();
-    } catch (const std::exception& exception) {
-      return {KrResult::Code::SystemError,
-              std::string("The access to the device's registers failed with an exception: ") + exception.what()};
-    } catch (...) {
-      return {KrResult::Code::SystemError,
-              "The access to the device's registers failed with an exception that does not say why."};
-    }
-  }
   KrResult Count(KrResult aResult) {
     constexpr KrResult::Code kPassing[] = {KrResult::Code::TimeLimitExceeded, KrResult::Code::ConnectionLost,
                                            KrResult::Code::Busy, KrResult::Code::Aborted};

@@ -24,6 +24,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace krgenicam {
@@ -61,11 +62,15 @@ public:
   /// once the map is closed.
   template <typename Call>
   KrResult Run(Call&& aCall) {
-    const std::stop_token cancel = GetCancelToken();
+    return Run(GetCancelToken(), std::forward<Call>(aCall));
+  }
+  /// The same with what cancels its accesses.
+  template <typename Call>
+  KrResult Run(const std::stop_token& aCancel, Call&& aCall) {
     const std::lock_guard lock(mLock);
     if (mIsClosed)
       return GetClosing();
-    mRunningCancel = cancel;
+    mRunningCancel = aCancel;
     WelcomeSinks();
     Evaluation evaluation(*this);
     return aCall(evaluation);
@@ -80,7 +85,7 @@ public:
   // As the operations of KrGenParameterArray.
   void InvalidateCache();
   KrResult InvalidateByName(std::string_view aName);
-  KrResult Poll();
+  KrResult Poll(const std::stop_token& aStop);
   void DeliverEvent(std::uint64_t aEventID, std::span<const std::uint8_t> aData);
   void SetChunkData(std::uint64_t aChunkID, std::optional<std::span<const std::uint8_t>> aData);
   void Cancel();

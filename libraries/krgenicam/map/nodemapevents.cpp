@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <mutex>
+#include <stop_token>
 #include <utility>
 #include <vector>
 
@@ -14,13 +15,40 @@
 
 namespace krgenicam {
 
-KrResult NodeMap::Poll() {
+namespace {
+
+// One stop of two, for as long as it lives.
+class EitherStop {
+public:
+  EitherStop(const std::stop_token& aOne, const std::stop_token& aOther)
+      : mOfOne(aOne, Request{mStop}), mOfOther(aOther, Request{mStop}) {}
+
+  std::stop_token GetToken() const { return mStop.get_token(); }
+
+private:
+  struct Request {
+    void operator()() const { stop.request_stop(); }
+    // Shares the state, as the array's other threads may stop it.
+    mutable std::stop_source stop;
+  };
+
+  const std::stop_source mStop;
+  const std::stop_callback<Request> mOfOne;
+  const std::stop_callback<Request> mOfOther;
+};
+
+} // namespace
+
+KrResult NodeMap::Poll(const std::stop_token& aStop) {
   const std::uint64_t now = GetTimeMs();
-  const std::stop_token cancel = GetCancelToken();
+  const EitherStop stop(GetCancelToken(), aStop);
+  const std::stop_token cancel = stop.GetToken();
   KrResult first;
   // Others get their turn between two nodes.
   for (PolledNode& polled : mPolledNodes) {
-    const KrResult result = Run([&](Evaluation& aEvaluation) { return PollNode(aEvaluation, polled, now); });
+    const KrResult result = Run(cancel, [&](Evaluation& aEvaluation) {
+      return cancel.stop_requested() ? KrResult() : PollNode(aEvaluation, polled, now);
+    });
     if (first.IsOK() && !result.IsOK())
       first = result;
     if (mIsClosed || cancel.stop_requested())

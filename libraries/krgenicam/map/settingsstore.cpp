@@ -25,7 +25,7 @@ SettingsStore::SettingsStore(NodeMap& aMap, KrStringList& aProblems, const KrGen
     : mMap(aMap), mCancel(aMap.GetCancelToken()), mProblems(aProblems), mProgress(aProgress) {}
 
 KrResult SettingsStore::Run(const std::vector<KrGenParameter*>& aParameters, KrGenSettings& aSettings) {
-  NoteStream();
+  FindStreamLocked();
   const std::vector<Group> groups = MakeGroups(aParameters);
   mProgress.SetTotal(
       std::accumulate(groups.begin(), groups.end(), std::size_t{0},
@@ -35,6 +35,9 @@ KrResult SettingsStore::Run(const std::vector<KrGenParameter*>& aParameters, KrG
     mGroupsDone += group.parameters.size();
     mProgress.SetDone(mGroupsDone);
   }
+  if (mHasLeftLocked)
+    Note("The settings", "are not all taken",
+         {KrResult::Code::WrongState, "A stream runs and locks some of them. Stop it, then take them again."});
   if (!mIsEnded)
     (void)mProgress.Tell(); // Everything is done: there is nothing left to end.
   for (const KrGenSetting& setting : mSettings)
@@ -42,13 +45,32 @@ KrResult SettingsStore::Run(const std::vector<KrGenParameter*>& aParameters, KrG
   return mFirstFailure;
 }
 
-// Sizes and formats are locked meanwhile, and thus left out: nobody should find that out when they are needed.
-void SettingsStore::NoteStream() {
+// While a stream runs sizes and formats are locked, and thus left out: nobody should find that out when they are
+// needed. What stands on the word that a stream runs may be.
+void SettingsStore::FindStreamLocked() {
+  constexpr const char* kLock = "TLParamsLocked";
   std::int64_t isLocked = 0;
-  auto* const lock = dynamic_cast<KrGenInteger*>(mMap.FindParameter("TLParamsLocked"));
-  if (lock && lock->GetValue(isLocked).IsOK() && isLocked != 0)
-    Note("The settings", "are not all taken",
-         {KrResult::Code::WrongState, "A stream runs and locks some of them. Stop it, then take them again."});
+  auto* const lock = dynamic_cast<KrGenInteger*>(mMap.FindParameter(kLock));
+  const Node* const first = mMap.FindNode(kLock);
+  if (!lock || !first || !lock->GetValue(isLocked).IsOK() || isLocked == 0)
+    return;
+  std::unordered_set<const Node*> seen = {first};
+  std::vector<const Node*> walk = {first};
+  for (std::size_t at = 0; at < walk.size(); ++at) {
+    for (const Node* const dependent : walk[at]->GetDependents()) {
+      if (!seen.insert(dependent).second)
+        continue;
+      walk.push_back(dependent);
+      mStreamLocked.insert(mMap.GetParameter(*dependent));
+    }
+  }
+}
+
+// Whether the parameter, which cannot be set, could be if no stream ran.
+bool SettingsStore::IsStreamLocked(KrGenParameter& aParameter) const {
+  KrString reason;
+  return mStreamLocked.contains(&aParameter) && aParameter.GetAccessReason(reason).IsOK() &&
+         reason.ToUtf8().starts_with("Locked by ");
 }
 
 // A selector under whose positions others are taken is not taken for itself: its own position ends their group. Of
@@ -164,6 +186,8 @@ void SettingsStore::StoreParameters(const Group& aGroup) {
       Note(parameter->GetName(), "does not say whether it can be taken", asked);
     else if (access == KrGenAccessMode::ReadWrite)
       StoreParameter(*parameter);
+    else
+      mHasLeftLocked = mHasLeftLocked || IsStreamLocked(*parameter);
     if (aGroup.selectors.empty())
       mProgress.SetDone(++taken);
   }

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <stop_token>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace krgenicam {
@@ -46,7 +47,8 @@ private:
   void StoreParameters(const Group& aGroup);
   void StoreParameter(KrGenParameter& aParameter);
   bool IsEnded();
-  void NoteStream();
+  void FindStreamLocked();
+  bool IsStreamLocked(KrGenParameter& aParameter) const;
   void Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure);
   void NoteLimit(const KrString& aName);
   void NoteCut(const KrString& aName);
@@ -59,6 +61,8 @@ private:
   SettingsProgress mProgress;
   std::size_t mGroupsDone = 0; // The parameters of the groups that are done.
   std::size_t mCombinations = 0;
+  std::unordered_set<const KrGenParameter*> mStreamLocked; // What the stream that runs may lock; none without one.
+  bool mHasLeftLocked = false;                             // Such a one was locked.
   bool mIsEnded = false;  // A limit was reached, the device does not answer any more, or it was cancelled.
   bool mIsSilent = false; // A selector was not put back in time after the end: no other is tried.
   KrResult mFirstFailure;

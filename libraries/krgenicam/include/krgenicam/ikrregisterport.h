@@ -13,8 +13,8 @@
 /// After an access that timed out the device counts as silent: further accesses fail at once with TimeLimitExceeded,
 /// until the port, which asks the device in the background, had an answer. So nobody waits for a dead device twice.
 ///
-/// A port should throw nothing. What it throws all the same when a parameter array calls it is caught there, and is a
-/// failure of that access: SystemError, with the words of the exception.
+/// A port should throw nothing. What it throws all the same when a parameter array calls it, or the description is
+/// read, is caught there, and is a failure of that access: SystemError, with the words of the exception.
 ///
 /// Thread: any; accesses of several threads are done one after the other.
 /// Ownership: belongs to the open device and ends with it.

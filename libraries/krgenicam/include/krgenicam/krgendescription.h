@@ -31,7 +31,8 @@ public:
   KrGenDescription() = default;
 
   /// Reads the description that a device names. Tries all places that the device names, one after the other; on failure
-  /// the result says of each why it did not do. Blocks as long as the registers need; Aborted at once when aCancel is
+  /// the result says of each why it did not do. A device that does not answer the first question is not asked another.
+  /// Blocks as long as the registers need; Aborted at once when aCancel is
   /// stopped.
   static KrResult ReadFromDevice(IKrRegisterPort& aPort, KrGenBootstrap aBootstrap, KrGenDescription& aDescription,
                                  std::uint32_t aTimeoutMs = 1000, const std::stop_token& aCancel = {});

@@ -20,6 +20,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <vector>
 
 /// How an array is opened.
@@ -80,8 +81,9 @@ public:
   /// that is not there.
   KrResult Invalidate(const KrString& aName);
   /// Reads again what has a polling time that has passed, commands that are under way among it; sinks hear of what has
-  /// changed. Returns the first failure, having tried all.
-  KrResult Poll();
+  /// changed. Returns the first failure, having tried all; Aborted when aStop ended it, which ends the access that is
+  /// under way, as Cancel does, and is asked between two parameters.
+  KrResult Poll(const std::stop_token& aStop = {});
 
   /// An event of the device (EventID): its data, which may be empty, are what the nodes of the event's port read.
   void DeliverEvent(std::uint64_t aEventID, const void* aData, std::size_t aLength);

@@ -11,8 +11,12 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <stdexcept>
+#include <stop_token>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -326,6 +330,16 @@ TEST(KrGenDescription_, Device_ThatIsGone_IsAskedOnce) {
   }
 }
 
+TEST(KrGenDescription_, Device_ThatAnswersNothing_IsAskedOnce) {
+  for (const KrGenBootstrap bootstrap : {KrGenBootstrap::GigEVision, KrGenBootstrap::GenCP}) {
+    Device device;
+    device.port.SetFault([](const RegisterAccessRecord&) { return KrResult(KrResult::Code::TimeLimitExceeded); });
+
+    EXPECT_EQ(device.Read(bootstrap), KrResult::Code::TimeLimitExceeded);
+    EXPECT_EQ(device.port.TakeRecords().size(), 1U);
+  }
+}
+
 TEST(KrGenDescription_, StoppedToken_EndsReadingBeforeAnyAccess) {
   for (const KrGenBootstrap bootstrap : {KrGenBootstrap::GigEVision, KrGenBootstrap::GenCP}) {
     Device device;
@@ -351,6 +365,46 @@ TEST(KrGenDescription_, TokenStoppedMeanwhile_EndsReading) {
   EXPECT_EQ(device.Read(KrGenBootstrap::GigEVision, source.get_token()), KrResult::Code::Aborted);
 
   EXPECT_LE(device.port.TakeRecords().size(), 4U);
+}
+
+/// A port that throws instead of failing.
+class ThrowingPort final : public IKrRegisterPort {
+public:
+  explicit ThrowingPort(std::function<void()> aThrow) : mThrow(std::move(aThrow)) {}
+  KrResult Read(std::uint64_t, void*, std::size_t, std::uint32_t, const std::stop_token&) override {
+    mThrow();
+    return {};
+  }
+  KrResult Write(std::uint64_t, const void*, std::size_t, std::uint32_t, const std::stop_token&) override { return {}; }
+
+private:
+  const std::function<void()> mThrow;
+};
+
+TEST(KrGenDescription_, Device_WhosePortThrows_FailsWithTheWordsOfTheException) {
+  const struct {
+    const char* name;
+    std::function<void()> action;
+    const char* expected;
+  } rows[] = {
+      {"an exception", [] { throw std::runtime_error("The cable is loose."); }, "The cable is loose."},
+      {"something else", [] { throw 4711; }, "does not say why"},
+  };
+  for (const auto& row : rows) {
+    for (const KrGenBootstrap bootstrap : {KrGenBootstrap::GigEVision, KrGenBootstrap::GenCP}) {
+      SCOPED_TRACE(row.name);
+      ThrowingPort port(row.action);
+      KrGenDescription description;
+      ASSERT_TRUE(KrGenDescription::ReadFromMemory(kText, "before", description).IsOK());
+      KrResult result;
+
+      ASSERT_NO_THROW(result = KrGenDescription::ReadFromDevice(port, bootstrap, description, kTimeoutMs));
+
+      EXPECT_EQ(result, KrResult::Code::SystemError);
+      EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr(row.expected));
+      EXPECT_EQ(description.GetOrigin(), "before");
+    }
+  }
 }
 
 } // namespace

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 namespace {
@@ -54,9 +56,12 @@ protected:
   Cancelling() {
     KrGenDescription description;
     EXPECT_TRUE(KrGenDescription::ReadFromMemory(
-                    MakeDescription(MakeRegister("Slow", 0x100) + MakeRegister("Quick", 0x200)), "test", description)
+                    MakeDescription(MakeRegister("Slow", 0x100, "<PollingTime>1000</PollingTime>") +
+                                    MakeRegister("Quick", 0x200)),
+                    "test", description)
                     .IsOK());
-    EXPECT_TRUE(KrGenParameterArray::Open(description, mPort, {}, mArray).IsOK());
+    EXPECT_TRUE(
+        KrGenParameterArray::Open(description, mPort, {.getTimeMs = [this] { return mNowMs.load(); }}, mArray).IsOK());
   }
   // Has the notification thread look at the slow register for a sink that knows its value, and waits for the reading.
   void LookFor(RecordingSink& aSink) {
@@ -72,6 +77,7 @@ protected:
     return mArray->GetInteger("Slow")->GetValue(value);
   }
 
+  std::atomic<std::uint64_t> mNowMs = 50000;
   WaitingPort mPort;
   std::unique_ptr<KrGenParameterArray> mArray;
 };
@@ -91,6 +97,35 @@ TEST_F(Cancelling, Cancel_DuringAnAccess_EndsItWithAbortedAndLeavesLaterOnes) {
   EXPECT_TRUE(result == KrResult::Code::Aborted);
   EXPECT_TRUE(ReadSlow().IsOK());
   EXPECT_TRUE(mArray->GetInteger("Quick")->SetValue(1).IsOK());
+}
+
+TEST_F(Cancelling, StopOfAPoll_DuringAnAccess_EndsItAndLeavesLaterOnes) {
+  mNowMs += 1000;
+  KrResult result;
+  {
+    std::stop_source stop;
+    std::jthread poller([&] { result = mArray->Poll(stop.get_token()); });
+    mPort.AwaitAccess();
+    stop.request_stop();
+  }
+
+  mPort.SetSlow(false);
+
+  EXPECT_TRUE(result == KrResult::Code::Aborted);
+  EXPECT_TRUE(ReadSlow().IsOK());
+}
+
+TEST_F(Cancelling, Cancel_OfAPollThatCouldBeStopped_EndsItsAccess) {
+  mNowMs += 1000;
+  KrResult result;
+  {
+    const std::stop_source stop;
+    std::jthread poller([&] { result = mArray->Poll(stop.get_token()); });
+    mPort.AwaitAccess();
+    mArray->Cancel();
+  }
+
+  EXPECT_TRUE(result == KrResult::Code::Aborted);
 }
 
 TEST_F(Cancelling, Cancel_WithoutAnAccess_LeavesLaterOnes) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <stop_token>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -192,4 +193,32 @@ TEST_F(Polling, Poll_WithAFailure_TriesAllAndReturnsTheFirst) {
   mCamera.port.SetFault({});
   EXPECT_TRUE(result == KrResult::Code::TimeLimitExceeded);
   EXPECT_THAT(mCamera.port.TakeRecords(), testing::Contains(RegisterAccessRecord{false, 0x104, 4}));
+}
+
+TEST_F(Polling, Poll_ThatIsStopped_AsksForNoFurtherParameterAndTheNextDoes) {
+  mNowMs += 5000;
+  std::stop_source stop;
+  mCamera.port.SetFault([&](const RegisterAccessRecord&) {
+    stop.request_stop();
+    return KrResult();
+  });
+  (void)mCamera.port.TakeRecords(); // What came before is of no interest.
+
+  const KrResult result = mCamera.array->Poll(stop.get_token());
+
+  mCamera.port.SetFault({});
+  EXPECT_TRUE(result == KrResult::Code::Aborted);
+  EXPECT_THAT(mCamera.port.TakeRecords(), ElementsAre(RegisterAccessRecord{false, 0x100, 4}));
+  EXPECT_THAT(PollAndTakeAddresses(), testing::Contains(0x104));
+}
+
+TEST_F(Polling, Poll_ThatWasStoppedBefore_AsksForNothing) {
+  mNowMs += 5000;
+  std::stop_source stop;
+  stop.request_stop();
+  (void)mCamera.port.TakeRecords(); // What came before is of no interest.
+
+  EXPECT_TRUE(mCamera.array->Poll(stop.get_token()) == KrResult::Code::Aborted);
+
+  EXPECT_THAT(mCamera.port.TakeRecords(), IsEmpty());
 }

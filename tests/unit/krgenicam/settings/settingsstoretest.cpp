@@ -331,5 +331,41 @@ TEST(StoreSettings, WhileAStreamRuns_WhatItLocksIsLeftOutAndThatIsTold) {
   EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("A stream runs")));
 }
 
+TEST(StoreSettings, WhileAStreamRuns_WhatItLocksByAFormulaIsToldToo) {
+  SettingsCamera camera(MakeInteger("Width", 4, "<pIsLocked>Lock</pIsLocked>") +
+                        "<IntSwissKnife Name=\"Lock\"><pVariable Name=\"L\">TLParamsLocked</pVariable>"
+                        "<Formula>L=1</Formula></IntSwissKnife>"
+                        "<Integer Name=\"TLParamsLocked\"><Value>1</Value></Integer>");
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::WrongState);
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("A stream runs")));
+}
+
+TEST(StoreSettings, WhileAStreamRuns_IsNotBlamedForWhatItDoesNotLock) {
+  constexpr const char* kLock = "<Integer Name=\"TLParamsLocked\"><Value>1</Value></Integer>";
+  struct {
+    const char* what;
+    std::string nodes;
+  } const kRows[] = {
+      {"nothing is streamable",
+       "<Integer Name=\"Width\"><pIsLocked>TLParamsLocked</pIsLocked><Value>1</Value></Integer>"},
+      {"nothing is locked", MakeInteger("Gain", 0)},
+      {"another lock", MakeInteger("Gain", 0, "<pIsLocked>GainAuto</pIsLocked>") +
+                           "<Integer Name=\"GainAuto\"><Value>1</Value></Integer>"},
+      {"not available",
+       MakeInteger("Gain", 0, "<pIsAvailable>Off</pIsAvailable><pIsLocked>TLParamsLocked</pIsLocked>") +
+           "<Integer Name=\"Off\"><Value>0</Value></Integer>"},
+  };
+
+  for (const auto& row : kRows) {
+    SettingsCamera camera(row.nodes + kLock);
+
+    EXPECT_TRUE(camera.Store().IsOK()) << row.what;
+
+    EXPECT_THAT(camera.GetProblems(), testing::IsEmpty()) << row.what;
+  }
+}
+
 } // namespace
 } // namespace krgenicam
