@@ -1,0 +1,264 @@
+// What the channel of a line behind features asks of it, and when.
+
+#include "featurechannel.h"
+
+#include "krbase/krlogger.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace krserial {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::uint32_t kGenerousMs = 60000;
+
+/// A line that does as the test says, and counts what it is asked.
+class ScriptedLine : public IFeatureLine {
+public:
+  KrResult Open() override { return {}; }
+  KrResult Close() override {
+    ++closings;
+    return {};
+  }
+  KrResult Receive(std::vector<std::uint8_t>& aBytes) override {
+    ++receives;
+    isAtRest = false;
+    clock += receiveTime;
+    if (next < script.size())
+      Append(aBytes, script[next++]);
+    else
+      Append(aBytes, always);
+    return failure;
+  }
+  KrResult GetLoss() const override { return loss; }
+  KrResult Transmit(const std::uint8_t*, std::size_t aSize, std::size_t& aTaken) override {
+    isAtRest = false;
+    aTaken = std::min<std::size_t>(aSize, 2);
+    transmits += 1;
+    return {};
+  }
+  void Rest() override { isAtRest = true; }
+
+  std::vector<std::string> script; ///< What comes, by question; then always.
+  std::string always;
+  KrResult failure;
+  KrResult loss;
+  milliseconds receiveTime{0};
+  FeatureChannel::Clock::time_point clock;
+  std::size_t next = 0;
+  int receives = 0;
+  int transmits = 0;
+  int closings = 0;
+  bool isAtRest = true;
+
+private:
+  static void Append(std::vector<std::uint8_t>& aBytes, const std::string& aText) {
+    aBytes.insert(aBytes.end(), aText.begin(), aText.end());
+  }
+};
+
+class FeatureChannelTest : public testing::Test {
+protected:
+  void MakeChannel() {
+    auto made = std::make_unique<ScriptedLine>();
+    line = made.get();
+    channel = std::make_unique<FeatureChannel>(lifetime, turn, std::move(made), [this] { return line->clock; });
+  }
+  void SetUp() override { MakeChannel(); }
+  void OpenChannel() {
+    ASSERT_TRUE(channel->Open().IsOK());
+    line->receives = 0;
+  }
+  KrResult Read(std::uint32_t aTimeoutMs) {
+    text.assign(64, '\0');
+    std::size_t read = 0;
+    KrResult result = channel->Read(reinterpret_cast<std::uint8_t*>(text.data()), text.size(), read, aTimeoutMs);
+    text.resize(read);
+    return result;
+  }
+
+  std::shared_ptr<KrDeviceLifetime> lifetime = std::make_shared<KrDeviceLifetime>();
+  std::shared_ptr<FeatureTurn> turn = std::make_shared<FeatureTurn>();
+  std::unique_ptr<krsystem::IByteChannel> channel;
+  ScriptedLine* line = nullptr;
+  std::string text;
+};
+
+} // namespace
+
+TEST_F(FeatureChannelTest, OpeningADeviceThatTalksWithoutEnd_EndsWithItsTime) {
+  line->always = "x";
+  line->receiveTime = milliseconds(60);
+
+  ASSERT_TRUE(channel->Open().IsOK());
+
+  EXPECT_EQ(line->receives, 4);
+  EXPECT_TRUE(line->isAtRest);
+}
+
+TEST_F(FeatureChannelTest, Opening_DropsAllThatCameBefore) {
+  line->script = std::vector<std::string>(100, "old");
+
+  ASSERT_TRUE(channel->Open().IsOK());
+
+  EXPECT_EQ(line->receives, 101);
+}
+
+TEST_F(FeatureChannelTest, AnIdlePort_IsAskedRarely) {
+  OpenChannel();
+
+  for (int i = 0; i < 4; ++i)
+    EXPECT_EQ(Read(250), KrResult::Code::TimeLimitExceeded);
+
+  // At 0, 20, 60, 140, 300 ms, then every 200 ms; fewer where the host is slow.
+  EXPECT_LE(line->receives, 9);
+  EXPECT_TRUE(line->isAtRest);
+}
+
+TEST_F(FeatureChannelTest, ReadsShorterThanAPause_AskNoMoreOften) {
+  OpenChannel();
+  const auto end = FeatureChannel::Clock::now() + milliseconds(500);
+
+  while (FeatureChannel::Clock::now() < end)
+    EXPECT_EQ(Read(1), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_LE(line->receives, 8);
+}
+
+TEST_F(FeatureChannelTest, AReadThatDoesNotWait_AsksAtOnce) {
+  OpenChannel();
+  line->script = {"", "", "now"};
+
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+  EXPECT_TRUE(Read(0).IsOK());
+
+  EXPECT_EQ(text, "now");
+}
+
+TEST_F(FeatureChannelTest, ADeviceThatHasMore_IsAskedWithoutAPause) {
+  OpenChannel();
+  line->script = std::vector<std::string>(200, "a piece");
+
+  // Calls that end before the shortest of pauses has.
+  for (int i = 0; i < 200; ++i)
+    ASSERT_TRUE(Read(1).IsOK()) << i;
+
+  EXPECT_EQ(line->receives, 200);
+}
+
+TEST_F(FeatureChannelTest, Selectors_StayInABurstAndArePutBackAtItsEnd) {
+  OpenChannel();
+  line->script = {"first", "second"};
+
+  ASSERT_TRUE(Read(kGenerousMs).IsOK());
+  EXPECT_FALSE(line->isAtRest);
+  ASSERT_TRUE(Read(kGenerousMs).IsOK());
+  EXPECT_FALSE(line->isAtRest);
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_TRUE(line->isAtRest);
+}
+
+TEST_F(FeatureChannelTest, Selectors_ArePutBackAfterAMessage) {
+  OpenChannel();
+  std::size_t written = 0;
+
+  ASSERT_TRUE(channel->Write(reinterpret_cast<const std::uint8_t*>("message"), 7, written, kGenerousMs).IsOK());
+
+  EXPECT_EQ(line->transmits, 4);
+  EXPECT_TRUE(line->isAtRest);
+}
+
+TEST_F(FeatureChannelTest, AnotherLineOfTheDevice_FindsSelectorsPutBack) {
+  OpenChannel();
+  ScriptedLine& first = *line;
+  const std::unique_ptr<krsystem::IByteChannel> firstChannel = std::move(channel);
+  first.script = {"more to come"};
+  std::uint8_t byte = 0;
+  std::size_t read = 0;
+  ASSERT_TRUE(firstChannel->Read(&byte, 1, read, kGenerousMs).IsOK());
+  ASSERT_FALSE(first.isAtRest);
+  MakeChannel();
+
+  OpenChannel();
+
+  EXPECT_TRUE(first.isAtRest);
+}
+
+TEST_F(FeatureChannelTest, AChannelThatEnds_IsNotTouchedByTheNext) {
+  OpenChannel();
+  line->script = {"more to come"};
+  ASSERT_TRUE(Read(kGenerousMs).IsOK());
+
+  MakeChannel();
+
+  EXPECT_TRUE(channel->Open().IsOK());
+}
+
+TEST_F(FeatureChannelTest, ADeviceThatIsSilent_IsNotAskedToClose) {
+  OpenChannel();
+  line->failure = KrResult::Code::TimeLimitExceeded;
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+
+  channel->Close();
+
+  EXPECT_EQ(line->closings, 0);
+}
+
+TEST_F(FeatureChannelTest, ADeviceThatAnswersAgain_IsAskedToClose) {
+  OpenChannel();
+  line->failure = KrResult::Code::TimeLimitExceeded;
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+  line->failure = {};
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+
+  channel->Close();
+
+  EXPECT_EQ(line->closings, 1);
+}
+
+TEST_F(FeatureChannelTest, BytesOfAStepThatFailed_AreNotGiven) {
+  OpenChannel();
+  line->script = {"twice", "twice"};
+  line->failure = KrResult::Code::ProtocolError;
+  EXPECT_EQ(Read(0), KrResult::Code::ProtocolError);
+  EXPECT_TRUE(line->isAtRest);
+  line->failure = {};
+
+  EXPECT_TRUE(Read(0).IsOK());
+
+  EXPECT_EQ(text, "twice");
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+}
+
+TEST_F(FeatureChannelTest, BytesThatAreLost_AreToldOnceAfterThoseBefore) {
+  const KrLogCapture log;
+  OpenChannel();
+  line->script = {"before"};
+  line->loss = KrResult(KrResult::Code::ProtocolError, "One byte is lost.");
+  ASSERT_TRUE(Read(0).IsOK());
+  EXPECT_EQ(text, "before");
+  line->loss = {};
+
+  EXPECT_EQ(Read(0), KrResult::Code::ProtocolError);
+
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+}
+
+TEST_F(FeatureChannelTest, BytesLostBeforeTheOpening_AreNotTold) {
+  line->loss = KrResult(KrResult::Code::ProtocolError, "One byte is lost.");
+  line->script = {"old"};
+  ASSERT_TRUE(channel->Open().IsOK());
+  line->loss = {};
+
+  EXPECT_EQ(Read(0), KrResult::Code::TimeLimitExceeded);
+}
+
+} // namespace krserial
