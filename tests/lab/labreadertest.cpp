@@ -1,8 +1,8 @@
 #include "simulation/labfile/labreader.h"
 
+#include "krpersistence/yamltext.h"
 #include "simulation/builtinlabtext.h"
 #include "simulation/labfile/labnumbering.h"
-#include "simulation/labfile/yamltext.h"
 
 #include <gmock/gmock.h>
 
@@ -403,7 +403,7 @@ TEST(LabReader, Parse_AdapterThatGoesDownInEachPeriod_IsTaken) {
 }
 
 TEST(LabReader, Parse_FileThatIsTooLarge_IsRefused) {
-  EXPECT_THAT(GetProblem(std::string(krtransport::kMostYamlBytes + 1, '#')), HasSubstr("more than 1048576 bytes"));
+  EXPECT_THAT(GetProblem(std::string(krpersistence::kMostYamlBytes + 1, '#')), HasSubstr("more than 1048576 bytes"));
 }
 
 TEST(LabReader, BuiltInLab_IsAGoodLabFile) {

@@ -27,7 +27,7 @@ constexpr RefusedInteger kRefusedIntegers[] = {
     {"height between two steps", kHeight, 481},
     {"pixel format that the camera lacks", kPixelFormat, KrPixel::RGB8},
     {"pixel format that is none", kPixelFormat, 0},
-    {"test pattern", kTestPattern, 3},
+    {"test pattern", kTestPattern, 4},
     {"acquisition mode", kAcquisitionMode, 3},
     {"start with another value", kAcquisitionStart, 0},
     {"largest number as width", kWidth, 0xFFFFFFFF},

@@ -130,6 +130,23 @@ TEST_F(SimulatedStreamTest, TestPattern_WrittenWhileStreaming_ShowsInLaterFrames
   }
 }
 
+TEST_F(SimulatedStreamTest, ExposureAndGain_WithoutATestPattern_MultiplyTheScene) {
+  OpenFast(kMonoMAC);
+  ASSERT_TRUE(WriteInteger(*mDevice, kTestPattern, static_cast<std::uint32_t>(TestPattern::Off)).IsOK());
+  ASSERT_TRUE(WriteFloat(*mDevice, kExposureTime, 500).IsOK());
+  ASSERT_TRUE(WriteFloat(*mDevice, kGain, 20).IsOK());
+  KrStream stream(*mDevice, 2);
+  ASSERT_TRUE(stream.Start().IsOK());
+
+  KrBuffer* buffer = nullptr;
+  ASSERT_TRUE(stream.Retrieve(buffer, kGenerousLimitMs).IsOK());
+
+  // Half as long, and ten times as much.
+  const std::uint8_t* const line = buffer->GetImage()->GetDataPointer();
+  for (std::size_t x = 0; x < 256; ++x)
+    ASSERT_EQ(line[x], std::min<std::size_t>(255, 5 * x)) << x;
+}
+
 TEST_F(SimulatedStreamTest, SizeRegisters_WhileStreaming_AreLockedAndFreeAfterwards) {
   OpenFast(kMonoMAC);
   KrStream stream(*mDevice, 4);

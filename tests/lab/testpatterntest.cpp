@@ -216,6 +216,30 @@ TEST(TestPattern, StaticRamp_AnyFrame_IsTheMovingRampsFirst) {
   EXPECT_NE(Paint(KrPixel::BayerRG8, kWidth, kHeight, 77), first);
 }
 
+TEST(TestPattern, Off_Scene_IsTheStandingRampAsBrightAsTheSensorMakesIt) {
+  struct Row {
+    const char* name;
+    double brightness;
+  };
+  PatternPainter painter; // One for all, which must not keep the brightness of the picture before.
+  for (const Row& row : {Row{"plain", 1}, Row{"darker", 0.3}, Row{"brighter and clipped", 2.5}, Row{"black", 0}}) {
+    SCOPED_TRACE(row.name);
+    std::vector<std::uint8_t> image(kWidth * 2 * 3);
+
+    ASSERT_TRUE(painter.Paint({.pattern = TestPattern::Off,
+                               .type = KrPixel::RGB8,
+                               .width = kWidth,
+                               .height = 2,
+                               .brightness = row.brightness},
+                              77, image.data()));
+
+    for (std::size_t i = 0; i < image.size(); ++i) {
+      const std::size_t plain = (i / 3 % kWidth + i / 3 / kWidth + i % 3 * 85) % 256;
+      ASSERT_EQ(image[i], std::min<std::size_t>(255, static_cast<std::size_t>(plain * row.brightness))) << i;
+    }
+  }
+}
+
 TEST(TestPattern, FrameCounter_FrameNumber_IsReadableInTheFirstLines) {
   const std::uint64_t frameID = 0x80C0FFEE;
 

@@ -1,6 +1,6 @@
 #include "simulation/cameradescription.h"
 
-#include "simulation/featuretable.h"
+#include "simulation/camerafeatures.h"
 #include "simulation/framelayout.h"
 
 #include <algorithm>
@@ -36,6 +36,7 @@ constexpr std::array<CategoryRow, 6> kCategories = {{
     {"ChunkDataControl", "What frames carry behind the image."},
     {"TransportLayerControl", "How frames travel."},
 }};
+constexpr CategoryRow kSerialCategory = {"SerialPortControl", "The camera's serial ports."};
 
 struct AccessRow {
   RegisterAccess access;
@@ -94,11 +95,12 @@ std::string GetChunkFeature(const FeatureEntry& aChunk) {
 // Nodes as text, in the order in which GenApi's schema 1.1 wants their children.
 class DescriptionWriter {
 public:
+  explicit DescriptionWriter(const CameraFeatures& aFeatures) : mFeatures(aFeatures) {}
   std::string TakeText() { return std::move(mText); }
 
   void AddRoot();
-  void AddCategory(const CategoryRow& aCategory);
-  void AddFeature(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats);
+  void AddCategory(const CategoryRow& aCategory, bool aIsStandard);
+  void AddFeature(const Feature& aFeature);
   void AddChunk(const FeatureEntry& aChunk);
 
 private:
@@ -108,13 +110,16 @@ private:
   void AddCommonChildren(const Feature& aFeature);
   void AddRange(const Feature& aFeature);
   void AddCommandChildren(const Feature& aFeature);
-  void AddEntries(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats);
+  void AddEntries(const Feature& aFeature);
+  void AddEntryConditions(const Feature& aFeature);
+  bool IsConditional(const Feature& aFeature, const FeatureEntry& aEntry) const;
   void AddSelected(const Feature& aFeature);
   void AddRegisterChildren(const Feature& aFeature);
   void AddRegister(const Feature& aFeature);
   void AddKnife(const std::string& aName, std::string_view aFirst, std::string_view aSecond,
                 const std::string& aFormula);
 
+  const CameraFeatures& mFeatures;
   std::string mText;
 };
 
@@ -132,15 +137,17 @@ void DescriptionWriter::AddRoot() {
   Open("Category", "Root", true);
   for (const CategoryRow& category : kCategories)
     AddChild("pFeature", category.name);
+  if (mFeatures.HasSerialPorts())
+    AddChild("pFeature", kSerialCategory.name);
   Close("Category");
   mText += "  <Port Name=\"Device\" NameSpace=\"Standard\"/>\n";
 }
 
-void DescriptionWriter::AddCategory(const CategoryRow& aCategory) {
-  Open("Category", aCategory.name, true);
+void DescriptionWriter::AddCategory(const CategoryRow& aCategory, bool aIsStandard) {
+  Open("Category", aCategory.name, aIsStandard);
   AddChild("ToolTip", aCategory.tip);
   AddChild("DisplayName", MakeDisplayName(aCategory.name));
-  for (const Feature& feature : ListFeatures()) {
+  for (const Feature& feature : mFeatures.List()) {
     if (feature.category == aCategory.name)
       AddChild("pFeature", feature.name);
     for (const FeatureEntry& chunk : feature.entries) {
@@ -189,18 +196,39 @@ void DescriptionWriter::AddCommandChildren(const Feature& aFeature) {
     AddChild("PollingTime", kCommandPollingTimeMs);
 }
 
-void DescriptionWriter::AddEntries(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats) {
-  for (const FeatureEntry& entry : ListEntries(aFeature, aPixelFormats)) {
-    mText += "    <EnumEntry Name=\"" + std::string(entry.name) + "\" NameSpace=\"Standard\">\n";
+std::string GetAvailability(const Feature& aFeature, const FeatureEntry& aEntry) {
+  return std::string(aFeature.name) + std::string(aEntry.name) + "Available";
+}
+
+// Whether the entry is missing in some position of the feature's selector.
+bool DescriptionWriter::IsConditional(const Feature& aFeature, const FeatureEntry& aEntry) const {
+  return std::ranges::any_of(mFeatures.ListPositions(aFeature),
+                             [&](std::uint32_t aPosition) { return (aEntry.positions >> aPosition & 1U) == 0; });
+}
+
+void DescriptionWriter::AddEntries(const Feature& aFeature) {
+  for (const FeatureEntry& entry : mFeatures.ListEntries(aFeature)) {
+    mText += "    <EnumEntry Name=\"" + std::string(entry.name) + "\"" +
+             (aFeature.category == kSerialCategory.name ? "" : " NameSpace=\"Standard\"") + ">\n";
     if (!entry.tip.empty())
       AddChild("ToolTip", entry.tip);
+    if (IsConditional(aFeature, entry))
+      AddChild("pIsAvailable", GetAvailability(aFeature, entry));
     AddChild("Value", FormatHex(entry.value));
     mText += "    </EnumEntry>\n";
   }
 }
 
+void DescriptionWriter::AddEntryConditions(const Feature& aFeature) {
+  for (const FeatureEntry& entry : mFeatures.ListEntries(aFeature)) {
+    if (IsConditional(aFeature, entry))
+      AddKnife(GetAvailability(aFeature, entry), aFeature.selector, {},
+               "(" + std::to_string(entry.positions) + " >> A) % 2");
+  }
+}
+
 void DescriptionWriter::AddSelected(const Feature& aFeature) {
-  for (const Feature& feature : ListFeatures()) {
+  for (const Feature& feature : mFeatures.List()) {
     if (feature.selector == aFeature.name)
       AddChild("pSelected", feature.name);
   }
@@ -242,7 +270,7 @@ void DescriptionWriter::AddKnife(const std::string& aName, std::string_view aFir
   Close("IntSwissKnife");
 }
 
-void DescriptionWriter::AddFeature(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats) {
+void DescriptionWriter::AddFeature(const Feature& aFeature) {
   static constexpr std::array<std::pair<FeatureKind, std::string_view>, 6> kNodes = {{
       {FeatureKind::Text, "StringReg"},
       {FeatureKind::Integer, "Integer"},
@@ -260,7 +288,7 @@ void DescriptionWriter::AddFeature(const Feature& aFeature, std::span<const KrPi
     Close(node);
     return;
   }
-  AddEntries(aFeature, aPixelFormats);
+  AddEntries(aFeature);
   AddChild("pValue", GetRegisterName(aFeature.name));
   if (aFeature.kind == FeatureKind::Integer || aFeature.kind == FeatureKind::Float)
     AddRange(aFeature);
@@ -269,6 +297,7 @@ void DescriptionWriter::AddFeature(const Feature& aFeature, std::span<const KrPi
   AddSelected(aFeature);
   Close(node);
   AddRegister(aFeature);
+  AddEntryConditions(aFeature);
   if (!aFeature.prerequisite.empty())
     AddKnife(std::string(aFeature.name) + "Available", aFeature.prerequisite, {},
              "A = " + std::to_string(aFeature.requiredValue));
@@ -313,12 +342,15 @@ std::string MakeHead(const LabCamera& aCamera) {
 } // namespace
 
 std::string MakeCameraDescription(const LabCamera& aCamera) {
-  DescriptionWriter writer;
+  const CameraFeatures features(aCamera);
+  DescriptionWriter writer(features);
   writer.AddRoot();
   for (const CategoryRow& category : kCategories)
-    writer.AddCategory(category);
-  for (const Feature& feature : ListFeatures())
-    writer.AddFeature(feature, aCamera.pixelFormats);
+    writer.AddCategory(category, true);
+  if (features.HasSerialPorts())
+    writer.AddCategory(kSerialCategory, false);
+  for (const Feature& feature : features.List())
+    writer.AddFeature(feature);
   for (const FeatureEntry& chunk : FindFeature(kChunkSelectorName)->entries)
     writer.AddChunk(chunk);
   std::string text = MakeHead(aCamera) + writer.TakeText() + std::string(kTail);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 namespace krtransport {
@@ -16,6 +17,7 @@ namespace {
 constexpr std::uint32_t kLeastHeartbeatMs = 500;
 constexpr double kNanosecondsPerMicrosecond = 1000.0;
 constexpr double kNanosecondsPerSecond = 1e9;
+constexpr double kPlainExposureUs = 1000.0; ///< With this and no gain a scene is shown as it is.
 
 struct TextRow {
   std::uint64_t address;
@@ -34,15 +36,20 @@ std::uint64_t ToNanoseconds(double aMicroseconds) {
   return static_cast<std::uint64_t>(aMicroseconds * kNanosecondsPerMicrosecond);
 }
 
+// What a scene is multiplied by; a factor of ten in amplitude for each 20 dB.
+double GetBrightness(double aExposureTimeUs, double aGainDb) {
+  return aExposureTimeUs / kPlainExposureUs * std::pow(10.0, aGainDb / 20.0);
+}
+
 bool HoldsFloat(const Feature& aFeature) {
   return aFeature.kind == FeatureKind::Float;
 }
 
 } // namespace
 
-CameraMemory::CameraMemory(const LabGEVCamera& aCamera) : mPixelFormats(aCamera.pixelFormats) {
+CameraMemory::CameraMemory(const LabGEVCamera& aCamera) : mCameraFeatures(aCamera), mBulkClock(aCamera.bulkClock) {
   DefineBootstrapRegisters(mMemory, aCamera);
-  for (const Feature& feature : ListFeatures())
+  for (const Feature& feature : mCameraFeatures.List())
     DefineFeature(feature);
   SetStart(aCamera);
   UpdateDependents();
@@ -50,14 +57,14 @@ CameraMemory::CameraMemory(const LabGEVCamera& aCamera) : mPixelFormats(aCamera.
 }
 
 void CameraMemory::DefineFeature(const Feature& aFeature) {
-  for (std::size_t i = 0; i < CountRegisters(aFeature); ++i) {
-    const std::uint64_t address = aFeature.address + i * aFeature.stride;
+  for (const std::uint32_t position : mCameraFeatures.ListPositions(aFeature)) {
+    const std::uint64_t address = aFeature.address + std::uint64_t{position} * aFeature.stride;
     mMemory.Define(address, aFeature.length, aFeature.access, aFeature.name);
     if (HoldsFloat(aFeature))
       mMemory.SetFloat(address, aFeature.start);
     else if (aFeature.kind != FeatureKind::Text)
       mMemory.SetInteger(address, static_cast<std::uint32_t>(aFeature.start));
-    mFeatures[address] = {&aFeature, i};
+    mFeatures[address] = {&aFeature, position};
   }
 }
 
@@ -68,8 +75,29 @@ void CameraMemory::SetStart(const LabCamera& aCamera) {
   mMemory.SetInteger(kHeightMax, aCamera.sensorHeight);
   mMemory.SetInteger(kWidth, aCamera.sensorWidth);
   mMemory.SetInteger(kHeight, aCamera.sensorHeight);
-  mMemory.SetInteger(kPixelFormat, mPixelFormats.front());
+  mMemory.SetInteger(kPixelFormat, aCamera.pixelFormats.front());
   mMemory.SetFloat(kAcquisitionFrameRate, std::clamp(aCamera.framesPerSecond, kFrameRateMin, kFrameRateMax));
+  for (const LabSerialPort& port : aCamera.serialPorts) {
+    if (port.number >= kFirstBulkPort)
+      mMemory.SetInteger(GetBulkRateAddress(port.number), mBulkClock > 0 ? mBulkClock / port.rate : port.rate);
+  }
+}
+
+std::uint64_t CameraMemory::GetBulkRateAddress(std::uint32_t aNumber) const {
+  return (mBulkClock > 0 ? kBulkSystemClockDivider : kBulkBaudRate) +
+         std::uint64_t{aNumber - kFirstBulkPort} * kBulkStride;
+}
+
+SerialSettings CameraMemory::GetSerialSettings(std::uint32_t aNumber) const {
+  if (aNumber < kFirstBulkPort) {
+    const std::uint64_t offset = std::uint64_t{aNumber - kFirstUart} * kUartStride;
+    return {.rate = mMemory.GetInteger(kUartBaudRate + offset),
+            .isLoopedBack = mMemory.GetInteger(kUartLoopback + offset) != 0};
+  }
+  const std::uint32_t value = mMemory.GetInteger(GetBulkRateAddress(aNumber));
+  const std::uint64_t offset = std::uint64_t{aNumber - kFirstBulkPort} * kBulkStride;
+  return {.rate = mBulkClock > 0 ? mBulkClock / value : value,
+          .isLoopedBack = mMemory.GetInteger(kBulkLoopback + offset) != 0};
 }
 
 KrResult CameraMemory::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint64_t aNowNs) {
@@ -105,7 +133,7 @@ KrResult CameraMemory::CheckValue(std::uint64_t aAddress, const std::uint8_t* aD
   if (!result.IsOK() || feature.kind == FeatureKind::Text)
     return result;
   return HoldsFloat(feature) ? CheckFloat(feature, aAddress, aData, aLength)
-                             : CheckInteger(feature, aAddress, DecodeInteger(aData));
+                             : CheckInteger(found->second, aAddress, DecodeInteger(aData));
 }
 
 KrResult CameraMemory::CheckLasting(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const {
@@ -128,7 +156,7 @@ KrResult CameraMemory::CheckAccess(const Feature& aFeature, std::uint64_t aAddre
   if (aFeature.isLocked && mMemory.GetInteger(kTLParamsLocked) != 0)
     return MakeRefusal(RegisterRefusal::WriteProtect, aAddress, name + " is locked while a stream runs");
   if (aFeature.prerequisite.empty() ||
-      mMemory.GetInteger(FindFeature(aFeature.prerequisite)->address) == aFeature.requiredValue)
+      mMemory.GetInteger(mCameraFeatures.Find(aFeature.prerequisite)->address) == aFeature.requiredValue)
     return {};
   return MakeRefusal(RegisterRefusal::AccessDenied, aAddress,
                      name + " is not available as " + std::string(aFeature.prerequisite) + " is set");
@@ -137,29 +165,33 @@ KrResult CameraMemory::CheckAccess(const Feature& aFeature, std::uint64_t aAddre
 std::uint32_t CameraMemory::GetMaximum(const Feature& aFeature) const {
   if (aFeature.limit.empty())
     return static_cast<std::uint32_t>(aFeature.maximum);
-  return mMemory.GetInteger(FindFeature(aFeature.limit)->address) -
-         mMemory.GetInteger(FindFeature(aFeature.limitLess)->address);
+  return mMemory.GetInteger(mCameraFeatures.Find(aFeature.limit)->address) -
+         mMemory.GetInteger(mCameraFeatures.Find(aFeature.limitLess)->address);
 }
 
-KrResult CameraMemory::CheckInteger(const Feature& aFeature, std::uint64_t aAddress, std::uint32_t aValue) const {
-  const std::string name(aFeature.name);
+KrResult CameraMemory::CheckInteger(const FeatureRegister& aRegister, std::uint64_t aAddress,
+                                    std::uint32_t aValue) const {
+  const Feature& feature = *aRegister.feature;
+  const std::string name(feature.name);
   const auto refuse = [aAddress](const std::string& aReason) {
     return MakeRefusal(RegisterRefusal::InvalidParameter, aAddress, aReason);
   };
-  if (aFeature.kind == FeatureKind::Enumeration) {
-    const std::vector<FeatureEntry> entries = ListEntries(aFeature, mPixelFormats);
-    const bool isThere = std::ranges::find(entries, aValue, &FeatureEntry::value) != entries.end();
+  if (feature.kind == FeatureKind::Enumeration) {
+    const std::vector<FeatureEntry> entries = mCameraFeatures.ListEntries(feature);
+    const bool isThere = std::ranges::any_of(entries, [&](const FeatureEntry& aEntry) {
+      return aEntry.value == aValue && (aEntry.positions >> aRegister.position & 1U) != 0;
+    });
     return isThere ? KrResult() : refuse("the camera does not have this value of " + name);
   }
-  if (aFeature.kind == FeatureKind::Boolean)
+  if (feature.kind == FeatureKind::Boolean)
     return aValue <= 1 ? KrResult() : refuse(name + " has to be 0 or 1");
-  if (aFeature.kind == FeatureKind::Command)
+  if (feature.kind == FeatureKind::Command)
     return aValue == 1 ? KrResult() : refuse(name + " is executed by writing 1");
-  const auto minimum = static_cast<std::uint32_t>(aFeature.minimum);
-  const std::uint32_t maximum = GetMaximum(aFeature);
-  if (aValue < minimum || aValue > maximum || (aValue - minimum) % aFeature.increment != 0)
+  const auto minimum = static_cast<std::uint32_t>(feature.minimum);
+  const std::uint32_t maximum = GetMaximum(feature);
+  if (aValue < minimum || aValue > maximum || (aValue - minimum) % feature.increment != 0)
     return refuse(name + " has to be from " + std::to_string(minimum) + " to " + std::to_string(maximum) +
-                  " in steps of " + std::to_string(aFeature.increment));
+                  " in steps of " + std::to_string(feature.increment));
   if (aAddress == kTLParamsLocked && aValue == 0 && mStreaming)
     return MakeRefusal(RegisterRefusal::WriteProtect, aAddress, name + " stays 1 while a stream runs");
   return {};
@@ -190,7 +222,7 @@ void CameraMemory::Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs) 
     mTimer.Stop();
     break;
   case kTriggerSoftware:
-    mTimer.TriggerBySoftware(static_cast<TriggerKind>(aWritten.index), aNowNs, timing);
+    mTimer.TriggerBySoftware(static_cast<TriggerKind>(aWritten.position), aNowNs, timing);
     break;
   case kTimestampLatch:
     mMemory.SetLong(kTimestampLatchValue, aNowNs);
@@ -229,7 +261,8 @@ FrameSettings CameraMemory::GetFrameSettings() const {
                       .height = mMemory.GetInteger(kHeight),
                       .offsetX = mMemory.GetInteger(kOffsetX),
                       .offsetY = mMemory.GetInteger(kOffsetY),
-                      .reverseX = mMemory.GetInteger(kReverseX) != 0};
+                      .reverseX = mMemory.GetInteger(kReverseX) != 0,
+                      .brightness = GetBrightness(mMemory.GetFloat(kExposureTime), mMemory.GetFloat(kGain))};
   settings.packetBytes = mMemory.GetInteger(kPacketSize);
   settings.exposureTimeUs = mMemory.GetFloat(kExposureTime);
   settings.hasChunks = mMemory.GetInteger(kChunkModeActive) != 0;

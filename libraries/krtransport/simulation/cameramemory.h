@@ -3,10 +3,11 @@
 // Who may access them at the moment is left to SimulatedCamera, waiting and making frames to the buffer source.
 
 #include "simulation/acquisitiontimer.h"
-#include "simulation/featuretable.h"
+#include "simulation/camerafeatures.h"
 #include "simulation/framelayout.h"
 #include "simulation/lab.h"
 #include "simulation/registermemory.h"
+#include "simulation/serial/serialsettings.h"
 
 #include <map>
 #include <optional>
@@ -36,6 +37,9 @@ public:
   /// The ways of addressing that are switched on: bit 0 persistent, bit 1 DHCP, bit 2 link-local.
   std::uint32_t GetIPConfigCurrent() const;
 
+  /// What the serial port of a number, which the camera has, is set to.
+  SerialSettings GetSerialSettings(std::uint32_t aNumber) const;
+
   /// A stream runs: frames are taken, and what their size depends on is locked.
   void BeginStream(std::uint64_t aNowNs);
   /// Ends what BeginStream began; without it nothing.
@@ -49,20 +53,21 @@ public:
   void SetControlPrivilege(std::uint32_t aPrivilege);
 
 private:
-  /// The feature behind a register, and which of its selector's entries the register belongs to.
+  /// The feature behind a register, and the position of its selector that the register belongs to.
   struct FeatureRegister {
     const Feature* feature;
-    std::size_t index;
+    std::uint32_t position;
   };
 
   void DefineFeature(const Feature& aFeature);
   void SetStart(const LabCamera& aCamera);
+  std::uint64_t GetBulkRateAddress(std::uint32_t aNumber) const;
 
   KrResult CheckValue(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const;
   KrResult CheckLasting(std::uint64_t aAddress, const std::uint8_t* aData, std::size_t aLength) const;
   KrResult CheckFault(std::uint64_t aAddress, std::size_t aLength, std::uint32_t aFault) const;
   KrResult CheckAccess(const Feature& aFeature, std::uint64_t aAddress) const;
-  KrResult CheckInteger(const Feature& aFeature, std::uint64_t aAddress, std::uint32_t aValue) const;
+  KrResult CheckInteger(const FeatureRegister& aRegister, std::uint64_t aAddress, std::uint32_t aValue) const;
   KrResult CheckFloat(const Feature& aFeature, std::uint64_t aAddress, const std::uint8_t* aData,
                       std::size_t aLength) const;
   std::uint32_t GetMaximum(const Feature& aFeature) const;
@@ -74,7 +79,8 @@ private:
   TimingSettings GetTimingSettings() const;
 
   RegisterMemory mMemory;
-  std::vector<KrPixelType> mPixelFormats;
+  const CameraFeatures mCameraFeatures;
+  const std::uint32_t mBulkClock;                     // 0 where bulk ports are set to rates.
   std::map<std::uint64_t, FeatureRegister> mFeatures; // By address.
   AcquisitionTimer mTimer;
   std::uint64_t mCalibrationEndNs = 0; // Of the calibration that was executed last.

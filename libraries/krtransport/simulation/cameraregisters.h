@@ -74,13 +74,21 @@ inline constexpr std::uint64_t kTriggerSource = 0x00010124;
 inline constexpr std::uint64_t kTriggerActivation = 0x00010128;
 inline constexpr std::uint64_t kTriggerSoftware = 0x0001012C;
 inline constexpr std::uint64_t kTriggerDelay = 0x00010130;
+inline constexpr std::uint64_t kUartBaudRate = 0x00010300;
+inline constexpr std::uint64_t kUartLoopback = 0x00010304;
+inline constexpr std::uint64_t kBulkSelector = 0x00010310;
+inline constexpr std::uint64_t kBulkLoopback = 0x00010320;
+inline constexpr std::uint64_t kBulkBaudRate = 0x00010340;
+inline constexpr std::uint64_t kBulkSystemClockDivider = 0x00010360;
 inline constexpr std::uint64_t kChunkModeActive = 0x00010200;
 inline constexpr std::uint64_t kChunkSelector = 0x00010204;
 inline constexpr std::uint64_t kChunkEnable = 0x00010208;
 
-/// From a trigger's registers to the next trigger's, and from one chunk's to the next chunk's.
+/// From a trigger's registers to the next trigger's, and so with chunks, UARTs and bulk ports.
 inline constexpr std::uint32_t kTriggerStride = 0x20;
 inline constexpr std::uint32_t kChunkStride = 4;
+inline constexpr std::uint32_t kUartStride = 8;
+inline constexpr std::uint32_t kBulkStride = 4;
 
 // Values of enumerations that the camera acts on.
 inline constexpr std::uint32_t kContinuous = 0;

@@ -4,9 +4,19 @@
 #include "simulation/simulatedcamera.h"
 #include "simulation/simulationtransport.h"
 
+#include <string>
 #include <utility>
 
 namespace krtransport {
+
+namespace {
+
+KrResult MakeNoPort(std::uint32_t aPort) {
+  return {KrResult::Code::NotFound,
+          "The camera has no serial port of the number " + std::to_string(aPort) + "; its lab says which it has."};
+}
+
+} // namespace
 
 FaultOrders::FaultOrders(std::shared_ptr<SimulatedCamera> aCamera) : mCamera(std::move(aCamera)) {}
 
@@ -41,6 +51,34 @@ void FaultOrders::SlowRegisters(std::uint32_t aDelayMs) {
 
 void FaultOrders::EndRegisterFaults() {
   mCamera->GetFaults().EndRegisterFaults();
+}
+
+KrResult FaultOrders::LoseSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) {
+  const std::shared_ptr<SerialLine> line = mCamera->GetSerialPorts().Find(aPort);
+  if (!line)
+    return MakeNoPort(aPort);
+  line->LoseEvery(aDirection, aEvery);
+  return {};
+}
+
+KrResult FaultOrders::LoseNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) {
+  const std::shared_ptr<SerialLine> line = mCamera->GetSerialPorts().Find(aPort);
+  if (!line)
+    return MakeNoPort(aPort);
+  line->LoseNext(aDirection, aBytes);
+  return {};
+}
+
+void FaultOrders::EndSerialFaults() {
+  mCamera->GetSerialPorts().EndLoss();
+}
+
+KrResult FaultOrders::GetSerialCounts(std::uint32_t aPort, KrSimulatedSerialCounts& aCounts) const {
+  const std::shared_ptr<SerialLine> line = mCamera->GetSerialPorts().Find(aPort);
+  if (!line)
+    return MakeNoPort(aPort);
+  aCounts = line->GetCounts();
+  return {};
 }
 
 void FaultOrders::RefuseOpening(bool aRefused) {

@@ -23,6 +23,10 @@ public:
   void SilenceRegisters() override;
   void SlowRegisters(std::uint32_t aDelayMs) override;
   void EndRegisterFaults() override;
+  KrResult LoseSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) override;
+  KrResult LoseNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) override;
+  void EndSerialFaults() override;
+  KrResult GetSerialCounts(std::uint32_t aPort, KrSimulatedSerialCounts& aCounts) const override;
   void RefuseOpening(bool aRefused) override;
   void Disappear() override;
   void Return() override;

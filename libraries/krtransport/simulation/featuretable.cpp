@@ -22,10 +22,11 @@ constexpr std::string_view kTransportLayer = "TransportLayerControl";
 constexpr auto kReadOnly = RegisterAccess::ReadOnly;
 constexpr auto kWriteOnly = RegisterAccess::WriteOnly;
 
-constexpr std::array<FeatureEntry, 3> kTestPatterns = {{
+constexpr std::array<FeatureEntry, 4> kTestPatterns = {{
     {"GreyDiagonalRampMoving", "A diagonal ramp that moves by one pixel with each frame.", 0},
     {"GreyDiagonalRamp", "A diagonal ramp that stands still.", 1},
     {"FrameCounter", "The frame's number as black and white blocks over a diagonal ramp.", 2},
+    {"Off", "A scene that the sensor sees: a diagonal ramp, as bright as ExposureTime and Gain make it.", 3},
 }};
 
 constexpr std::array<FeatureEntry, 3> kAcquisitionModes = {{
@@ -158,7 +159,7 @@ constexpr std::array kFeatures = {
     Feature{.name = "ExposureMode", .category = kAcquisition, .kind = FeatureKind::Enumeration,
             .address = kExposureMode, .tip = "What ends an exposure.", .start = 1, .entries = kExposureModes},
     Feature{.name = "ExposureTime", .category = kAcquisition, .kind = FeatureKind::Float, .address = kExposureTime,
-            .tip = "The exposure time; frames come no faster than it allows. The picture does not change.",
+            .tip = "The exposure time; frames come no faster than it allows. Test patterns do not change.",
             .length = 8, .minimum = kExposureTimeMinUs, .maximum = kExposureTimeMaxUs, .start = 1000.0, .unit = "us",
             .representation = "Logarithmic"},
     Feature{.name = "TriggerSelector", .category = kAcquisition, .kind = FeatureKind::Enumeration,
@@ -224,10 +225,6 @@ std::span<const Feature> ListFeatures() {
 const Feature* FindFeature(std::string_view aName) {
   const auto found = std::ranges::find(kFeatures, aName, &Feature::name);
   return found == kFeatures.end() ? nullptr : &*found;
-}
-
-std::size_t CountRegisters(const Feature& aFeature) {
-  return aFeature.selector.empty() ? 1 : FindFeature(aFeature.selector)->entries.size();
 }
 
 std::vector<FeatureEntry> ListEntries(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats) {

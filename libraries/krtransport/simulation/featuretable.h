@@ -1,6 +1,6 @@
 #pragma once
-// The features of the simulated cameras in one table, from which registers, their rules and the description are all
-// made. What a value leads to is left to CameraMemory.
+// The features that all simulated cameras have, in one table, from which registers, their rules and the description are
+// all made. Those that a camera has besides are left to CameraFeatures, what a value leads to to CameraMemory.
 
 #include "krbuffer/krpixeltype.h"
 #include "simulation/registermemory.h"
@@ -19,10 +19,11 @@ struct FeatureEntry {
   std::string_view name;
   std::string_view tip;
   std::uint32_t value = 0;
+  std::uint32_t positions = ~0U; ///< The positions of the feature's selector in which it is there, a bit for each.
 };
 
-/// One feature. Where a selector is named, each of the selector's entries has a register of its own: that of entry i
-/// lies i times the stride behind the address.
+/// One feature. Where a selector is named, each of the selector's entries has a register of its own: that of the entry
+/// of value i lies i times the stride behind the address.
 struct Feature {
   std::string_view name;
   std::string_view category;
@@ -55,8 +56,6 @@ struct Feature {
 std::span<const Feature> ListFeatures();
 /// The feature of a name, or null. Any thread.
 const Feature* FindFeature(std::string_view aName);
-/// How many registers a feature has: one, or one for each entry of its selector. Any thread.
-std::size_t CountRegisters(const Feature& aFeature);
 /// The entries of an enumeration of a camera with these pixel formats. Any thread.
 std::vector<FeatureEntry> ListEntries(const Feature& aFeature, std::span<const KrPixelType> aPixelFormats);
 

@@ -6,6 +6,7 @@
 #include "krbuffer/krpixeltype.h"
 #include "krsystem/itransport.h"
 #include "simulation/labschedule.h"
+#include "simulation/labserialport.h"
 
 #include <cstdint>
 #include <optional>
@@ -62,6 +63,9 @@ struct LabCamera : LabIdentity {
   std::uint32_t sensorHeight = 480;                         ///< Lines, a multiple of 2 and at least 16.
   double framesPerSecond = 30.0;                            ///< Between 1 and 1000.
   std::vector<KrPixelType> pixelFormats = {KrPixel::Mono8}; ///< At least one; the first is set at the start.
+  std::vector<LabSerialPort> serialPorts;                   ///< By rising number.
+  std::uint32_t bulkClock =
+      0; ///< Hz, which the bulk ports divide for their rates; 0 where rates are set by themselves.
   LabFaults faults;
 };
 

@@ -46,7 +46,7 @@ SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, std::shared_ptr<IC
 
 SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, const KrString& aID, std::shared_ptr<ICameraClock> aClock)
     : mName(MakeName(aCamera, aID)), mForeignControl(aCamera.foreignControl), mClock(std::move(aClock)),
-      mMemory(aCamera) {
+      mSerialPorts(aCamera, mName, mClock), mMemory(aCamera) {
   OrderFaults(aCamera.faults, mFaults);
   SetControlPrivilege(mForeignControl);
 }
@@ -127,8 +127,10 @@ KrResult SimulatedCamera::Attach(krsystem::DeviceAccess aAccess, ICameraListener
 void SimulatedCamera::Detach(ICameraListener& aListener) {
   const std::lock_guard eventLock(mEventMutex);
   const std::lock_guard lock(mMutex);
-  if (Controls(aListener))
+  if (Controls(aListener)) {
     mMemory.EndStream();
+    mSerialPorts.End(Refuse(KrResult::Code::ConnectionLost, "it was closed; open it anew."));
+  }
   std::erase_if(mAttached, [&](const Attached& aAttached) { return aAttached.listener == &aListener; });
   SetControlPrivilege(GetControl());
   std::erase(mListeners, &aListener);
@@ -173,6 +175,7 @@ KrResult SimulatedCamera::Write(const ICameraListener& aListener, std::uint64_t 
     const KrResult result = mMemory.Write(aAddress, aData, aLength, mClock->GetNowNs());
     if (!result.IsOK())
       return result;
+    mSerialPorts.Update([this](std::uint32_t aNumber) { return mMemory.GetSerialSettings(aNumber); });
   }
   for (ICameraListener* listener : mListeners)
     listener->OnCameraChanged();
@@ -241,6 +244,9 @@ void SimulatedCamera::SetAbsence(bool& aReason, bool aIsAbsent) {
   const KrResult reason = Refuse(KrResult::Code::ConnectionLost, "it does not answer any more.");
   for (ICameraListener* listener : mListeners)
     isThere ? listener->OnCameraBack() : listener->OnCameraLost(reason);
+  // After the links know of it, so that none opens a port that this would miss.
+  if (!isThere)
+    mSerialPorts.End(reason);
 }
 
 } // namespace krtransport

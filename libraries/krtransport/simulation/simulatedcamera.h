@@ -6,6 +6,7 @@
 #include "simulation/cameraclock.h"
 #include "simulation/cameramemory.h"
 #include "simulation/orderedfaults.h"
+#include "simulation/serial/serialports.h"
 
 #include <memory>
 #include <mutex>
@@ -52,6 +53,7 @@ public:
   bool IsControlledBy(const ICameraListener& aListener) const;
   ICameraClock& GetClock() { return *mClock; }
   OrderedFaults& GetFaults() { return mFaults; }
+  SerialPorts& GetSerialPorts() { return mSerialPorts; }
 
   std::uint64_t GetPayloadSize() const;
   /// Starts the controlling link's stream; AccessDenied for any other.
@@ -89,6 +91,7 @@ private:
   const krsystem::AccessType mForeignControl; // What somebody has who is no link.
   const std::shared_ptr<ICameraClock> mClock;
   OrderedFaults mFaults;
+  SerialPorts mSerialPorts;
 
   std::mutex mEventMutex;    // Keeps losses, returns, attaching and detaching in one order; taken before mMutex.
   mutable std::mutex mMutex; // Guards the members from here on.

@@ -23,21 +23,29 @@ KrResult CheckArguments(const void* aData, std::size_t aLength, std::uint32_t aT
 
 KrResult SimulatedLink::Open(std::shared_ptr<SimulatedCamera> aCamera, krsystem::DeviceAccess aAccess,
                              std::unique_ptr<krsystem::IDeviceLink>& aLink) {
-  std::unique_ptr<SimulatedLink> link(new SimulatedLink(std::move(aCamera)));
+  std::unique_ptr<SimulatedLink> link(new SimulatedLink(std::move(aCamera), aAccess));
   const KrResult attached = link->mCamera->Attach(aAccess, *link);
   if (attached.IsOK())
     aLink = std::move(link);
   return attached;
 }
 
-SimulatedLink::SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera)
-    : mCamera(std::move(aCamera)), mGate(mCamera->GetFaults()), mSource(*mCamera, *this) {}
+SimulatedLink::SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera, krsystem::DeviceAccess aAccess)
+    : mCamera(std::move(aCamera)),
+      mChannelAccess(std::make_shared<ChannelAccess>(aAccess != krsystem::DeviceAccess::Monitor)),
+      mGate(mCamera->GetFaults()), mSource(*mCamera, *this) {}
 
 SimulatedLink::~SimulatedLink() {
   // A sink that is being called may use the link until it returns.
   mEvents.SetSink(nullptr);
   mSource.Stop();
+  mChannelAccess->End({KrResult::Code::ConnectionLost, "The camera was closed."});
   mCamera->Detach(*this);
+}
+
+std::shared_ptr<krsystem::IByteChannel> SimulatedLink::GetByteChannel(std::uint32_t aNumber) {
+  std::shared_ptr<SerialLine> line = mCamera->GetSerialPorts().Find(aNumber);
+  return line ? std::make_shared<SerialChannel>(std::move(line), mChannelAccess) : nullptr;
 }
 
 krsystem::IBufferSource* SimulatedLink::GetBufferSource(std::uint32_t aChannel) {
@@ -48,7 +56,9 @@ void SimulatedLink::GiveBackControl() {
   if (!mCamera->IsControlledBy(*this))
     return;
   mLost = true;
-  mGate.End({KrResult::Code::ConnectionLost, "Control of the camera was given back; open it anew."});
+  const KrResult reason(KrResult::Code::ConnectionLost, "Control of the camera was given back; open it anew.");
+  mGate.End(reason);
+  mChannelAccess->End(reason);
   mSource.SetLost();
   mSource.Stop();
   mCamera->Detach(*this);
@@ -78,6 +88,7 @@ void SimulatedLink::OnCameraLost(const KrResult& aReason) {
   if (mLost.exchange(true))
     return;
   mGate.End(aReason);
+  mChannelAccess->End(aReason);
   mSource.SetLost();
   mEvents.ReportLost(aReason);
 }

@@ -1,8 +1,9 @@
 #pragma once
-// An opening of a simulated camera: its registers, its stream channel, and word of its loss.
+// An opening of a simulated camera: its registers, its stream channel, its serial ports, and word of its loss.
 
 #include "simulation/linkevents.h"
 #include "simulation/registergate.h"
+#include "simulation/serial/serialchannel.h"
 #include "simulation/simulatedbuffersource.h"
 #include "simulation/simulatedcamera.h"
 
@@ -21,13 +22,14 @@ public:
 
   IKrRegisterPort& GetRegisterPort() override { return *this; }
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
+  std::shared_ptr<krsystem::IByteChannel> GetByteChannel(std::uint32_t aNumber) override;
   KrGenBootstrap GetBootstrap() const override { return KrGenBootstrap::GigEVision; }
   void GiveBackControl() override;
   bool IsConnected() const override { return !mLost; }
   void SetSink(krsystem::IDeviceLinkSink* aSink) override;
 
 private:
-  explicit SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera);
+  SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera, krsystem::DeviceAccess aAccess);
 
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel) override;
@@ -39,6 +41,7 @@ private:
   void OnCameraChanged() override;
 
   const std::shared_ptr<SimulatedCamera> mCamera;
+  const std::shared_ptr<ChannelAccess> mChannelAccess;
   std::atomic<bool> mLost = false;
   LinkEvents mEvents;
   RegisterGate mGate;

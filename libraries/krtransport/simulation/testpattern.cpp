@@ -13,19 +13,27 @@ constexpr std::uint32_t kCounterLines = 8;
 constexpr std::uint32_t kCounterBits = 32;
 constexpr std::uint32_t kGreenLead = 85;
 constexpr std::uint32_t kBlueLead = 170;
+constexpr double kLargest = 255;
 constexpr PatternColour kWhite = {255, 255, 255, 255};
 constexpr PatternColour kBlack = {0, 0, 0, 0};
 
-PatternColour GetColour(std::size_t aStep) {
-  return {static_cast<std::uint8_t>(aStep), static_cast<std::uint8_t>(aStep),
-          static_cast<std::uint8_t>(aStep + kGreenLead), static_cast<std::uint8_t>(aStep + kBlueLead)};
+// A test pattern is made behind the sensor.
+double GetBrightness(const Picture& aPicture) {
+  return aPicture.pattern == TestPattern::Off ? aPicture.brightness : 1;
 }
 
 } // namespace
 
+PatternColour PatternPainter::GetColour(std::size_t aStep) const {
+  const auto expose = [this](std::size_t aComponent) {
+    return static_cast<std::uint8_t>(std::min(mBrightness * static_cast<double>(aComponent % kSteps), kLargest));
+  };
+  return {expose(aStep), expose(aStep), expose(aStep + kGreenLead), expose(aStep + kBlueLead)};
+}
+
 bool PatternPainter::Prepare(const Picture& aPicture) {
   const bool fits = mPicture.type == aPicture.type && mPicture.width == aPicture.width &&
-                    mPicture.reverseX == aPicture.reverseX && !mRamps.empty();
+                    mPicture.reverseX == aPicture.reverseX && mBrightness == GetBrightness(aPicture) && !mRamps.empty();
   if (!fits) {
     const std::optional<KrPixelTypeInfo> info = KrFindPixelType(aPicture.type);
     if (!info || !LineEncoder::CanEncode(*info) || aPicture.width == 0)
@@ -33,6 +41,7 @@ bool PatternPainter::Prepare(const Picture& aPicture) {
     mEncoder = LineEncoder(*info);
   }
   mPicture = aPicture;
+  mBrightness = GetBrightness(aPicture);
   if (fits)
     return true;
   mLineBytes = mEncoder.GetLineBytes(aPicture.width);

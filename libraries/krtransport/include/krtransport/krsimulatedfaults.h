@@ -14,6 +14,21 @@ enum class KrPacketGap {
   Kept,   ///< What it held before.
 };
 
+/// A direction of a serial port, as the camera sees it.
+enum class KrSerialDirection {
+  Received, ///< From what is attached behind the port to whoever reads it.
+  Sent,     ///< From whoever writes it.
+};
+
+/// What a serial port has done since the lab was made.
+struct KrSimulatedSerialCounts {
+  std::uint64_t sent = 0;         ///< Bytes that went onto the line, those that were lost there included.
+  std::uint64_t received = 0;     ///< Bytes that came to be read.
+  std::uint64_t lostSent = 0;     ///< Bytes that were lost on order.
+  std::uint64_t lostReceived = 0; ///< The same.
+  std::uint64_t overflowed = 0;   ///< Bytes lost for want of room, on a line without flow control.
+};
+
 /// The orders to one simulated camera. Orders on frames wait in a queue: each takes the next frames that are due after
 /// those of the orders before it. Frames for which no buffer is free use up no order of lost or late packets. A frame's
 /// packets are those that carry its bytes, of the size that the feature GevSCPSPacketSize has less 36 bytes of headers.
@@ -49,6 +64,17 @@ public:
   virtual void SlowRegisters(std::uint32_t aDelayMs) = 0;
   /// Answers all accesses at once again.
   virtual void EndRegisterFaults() = 0;
+
+  /// Loses every aEvery-th byte of a direction of a serial port, the first one after aEvery - 1 others, until another
+  /// such order or EndSerialFaults; 0 for none. Ports are numbered as IDeviceLink's: 0 and 1 are the UARTs, 2 to 9 the
+  /// bulk ports. In loopback a byte passes both directions. NotFound for a port that the camera does not have.
+  virtual KrResult LoseSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) = 0;
+  /// Loses the next aBytes bytes, besides those of former such orders that are left. Results as LoseSerialBytes.
+  virtual KrResult LoseNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) = 0;
+  /// Loses no further bytes of any port.
+  virtual void EndSerialFaults() = 0;
+  /// What a serial port has done. Results as LoseSerialBytes.
+  virtual KrResult GetSerialCounts(std::uint32_t aPort, KrSimulatedSerialCounts& aCounts) const = 0;
 
   /// Whether the camera refuses to be opened (AccessDenied). Who has it open keeps it.
   virtual void RefuseOpening(bool aRefused) = 0;

@@ -2,6 +2,7 @@
 
 #include "simulation/cameraregisters.h"
 #include "simulation/labfile/labnumbering.h"
+#include "simulation/labfile/labserialreader.h"
 #include "simulation/labfile/labwords.h"
 #include "simulation/testpattern.h"
 
@@ -149,6 +150,7 @@ LabGEVCamera ReadGEVCamera(LabMap& aMap) {
   ReadNetwork(aMap, camera);
   ReadSensor(aMap, camera);
   ReadFaults(aMap, camera.faults);
+  ReadSerialPorts(aMap, camera);
   ReadAddressing(aMap, "addressing", camera.ipConfigOptions);
   ReadAddressing(aMap, "addressingNow", camera.ipConfigCurrent);
   ReadPersistent(aMap, camera);
@@ -183,6 +185,7 @@ LabU3VCamera ReadU3VCamera(LabMap& aMap) {
   ReadIdentity(aMap, kOtherLimits, camera);
   ReadSensor(aMap, camera);
   ReadFaults(aMap, camera.faults);
+  ReadSerialPorts(aMap, camera);
   aMap.FindNeeded("guid");
   aMap.TakeText("guid", kMostTextBytes, camera.deviceGUID);
   aMap.TakeText("family", kMostTextBytes, camera.familyName);

@@ -52,8 +52,15 @@ void CountUpNetwork(LabNetworkSettings& aSettings, Counting& aCounting) {
   aSettings.ipAddress = CountUpAddress(aSettings.ipAddress, aCounting);
 }
 
+// Each camera has a tty of its own.
+void CountUpTtys(LabCamera& aCamera, const Counting& aCounting) {
+  for (LabSerialPort& port : aCamera.serialPorts)
+    port.path = CountUp(port.path, aCounting.steps);
+}
+
 void CountUpKind(LabGEVCamera& aCamera, Counting& aCounting) {
   CountUpNetwork(aCamera, aCounting);
+  CountUpTtys(aCamera, aCounting);
   aCamera.persistentAddress = CountUpAddress(aCamera.persistentAddress, aCounting);
   aCounting.isWhole = aCounting.isWhole && aCamera.serialNumber.GetLength() <= kGigESerialBytes &&
                       aCamera.userDefinedName.GetLength() <= kGigESerialBytes;
@@ -64,6 +71,7 @@ void CountUpKind(LabTolvanDevice& aDevice, Counting& aCounting) {
 }
 
 void CountUpKind(LabU3VCamera& aCamera, Counting& aCounting) {
+  CountUpTtys(aCamera, aCounting);
   aCamera.deviceGUID = CountUp(aCamera.deviceGUID, aCounting.steps);
   aCounting.isWhole = aCounting.isWhole && aCamera.deviceGUID.GetLength() <= kOtherTextBytes;
 }

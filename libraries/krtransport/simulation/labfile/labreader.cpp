@@ -198,7 +198,7 @@ KrResult ReadText(const KrString& aFile, std::string& aText) {
     return fail("it is no file.");
   std::ifstream stream(path, std::ios::binary);
   // One byte more than is taken shows that there are too many.
-  aText.resize(kMostYamlBytes + 1);
+  aText.resize(krpersistence::kMostYamlBytes + 1);
   stream.read(aText.data(), static_cast<std::streamsize>(aText.size()));
   if (stream.bad() || (stream.fail() && !stream.eof()))
     return fail("it cannot be read; look at its permissions.");
@@ -210,7 +210,7 @@ KrResult ReadText(const KrString& aFile, std::string& aText) {
 
 KrResult ParseLab(std::string_view aText, const KrString& aName, Lab& aLab) {
   LabProblem problem;
-  const YamlNode root = ParseYaml(aText, problem);
+  const YamlNode root = krpersistence::ParseYaml(aText, problem);
   Lab lab;
   if (!problem.IsThere())
     lab = Reader(problem).Read(root);

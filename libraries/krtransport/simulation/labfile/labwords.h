@@ -2,6 +2,7 @@
 // The words of a lab file, and the numbers that they stand for.
 
 #include "krsystem/itransport.h"
+#include "simulation/lab.h"
 #include "simulation/labfile/labmap.h"
 
 #include <array>
@@ -40,6 +41,21 @@ inline constexpr std::array<LabWord, 4> kControlWords = {
      {"control", static_cast<std::int32_t>(krsystem::AccessType::Control)},
      {"exclusive", static_cast<std::int32_t>(krsystem::AccessType::Exclusive)},
      {"silent", kSilentControl}}};
+inline constexpr std::array<LabWord, 10> kSerialPortWords = {{{kSerialPortNames[0], 0},
+                                                              {kSerialPortNames[1], 1},
+                                                              {kSerialPortNames[2], 2},
+                                                              {kSerialPortNames[3], 3},
+                                                              {kSerialPortNames[4], 4},
+                                                              {kSerialPortNames[5], 5},
+                                                              {kSerialPortNames[6], 6},
+                                                              {kSerialPortNames[7], 7},
+                                                              {kSerialPortNames[8], 8},
+                                                              {kSerialPortNames[9], 9}}};
+inline constexpr std::array<LabWord, 4> kLineEndWords = {
+    {{"nothing", static_cast<std::int32_t>(LabLineEnd::Nothing)},
+     {"echo", static_cast<std::int32_t>(LabLineEnd::Echo)},
+     {"instrument", static_cast<std::int32_t>(LabLineEnd::Instrument)},
+     {"tty", static_cast<std::int32_t>(LabLineEnd::Tty)}}};
 inline constexpr std::array<LabWord, 3> kFilterWords = {{{"off", 0}, {"strict", 1}, {"loose", 2}}};
 
 } // namespace krtransport

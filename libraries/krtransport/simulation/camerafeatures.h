@@ -1,0 +1,46 @@
+#pragma once
+// The features of one simulated camera: those that all have, and those of its serial ports.
+
+#include "simulation/featuretable.h"
+#include "simulation/lab.h"
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace krtransport {
+
+/// Thread: any. Ownership: owns the texts that its features point to.
+class CameraFeatures {
+public:
+  explicit CameraFeatures(const LabCamera& aCamera);
+  CameraFeatures(const CameraFeatures&) = delete;
+  CameraFeatures& operator=(const CameraFeatures&) = delete;
+
+  /// In the order of the description.
+  const std::vector<Feature>& List() const { return mFeatures; }
+  /// The feature of a name, or null.
+  const Feature* Find(std::string_view aName) const;
+  /// The positions of a feature's selector; without a selector, 0 alone.
+  std::vector<std::uint32_t> ListPositions(const Feature& aFeature) const;
+  /// The entries of an enumeration.
+  std::vector<FeatureEntry> ListEntries(const Feature& aFeature) const;
+  bool HasSerialPorts() const { return mHasSerialPorts; }
+
+private:
+  using Entries = std::vector<FeatureEntry>;
+
+  std::string_view Keep(std::string aText);
+  std::span<const FeatureEntry> Keep(Entries aEntries);
+  Entries MakeRates(const LabSerialPort& aPort, std::uint32_t aClock);
+  void AddUart(const LabSerialPort& aPort);
+  void AddBulkPorts(const LabCamera& aCamera);
+
+  std::vector<Feature> mFeatures;
+  const std::vector<KrPixelType> mPixelFormats;
+  const bool mHasSerialPorts;
+  std::deque<std::string> mTexts; // Never moved, as features point to them.
+  std::deque<Entries> mEntries;   // The same.
+};
+
+} // namespace krtransport
