@@ -10,10 +10,9 @@
 #include "res/bitmaps.h"
 
 #include <QComboBox>
-#include <QFontInfo>
+#include <QEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -56,6 +55,7 @@ constexpr int kLeastListWidth = 40;
 constexpr int kFieldWidth = 120;
 constexpr int kLeastFieldWidth = 40;
 constexpr int kSymbolHeight = 14;
+const QString kSymbolFamily = QStringLiteral("Segoe UI Symbol");
 /// What the result label has room for; more digits are cut.
 const QString kLongResult = QStringLiteral("Result 10000 of 10000");
 
@@ -73,6 +73,16 @@ void Explain(QWidget& aControl, const char* aText) {
   aControl.setAccessibleName(QString::fromUtf8(aText));
 }
 
+/// A tool button's tint changes only when its owner redraws it: when the mouse comes and goes.
+class HoverWatch : public QObject {
+private:
+  bool eventFilter(QObject* aWatched, QEvent* aEvent) override {
+    if (aEvent->type() == QEvent::Enter || aEvent->type() == QEvent::Leave)
+      static_cast<QWidget*>(aWatched)->update();
+    return false;
+  }
+};
+
 void SetGeometry(QWidget& aWidget, const GridRect& aRect) {
   aWidget.setGeometry(aRect.left, aRect.top, aRect.right - aRect.left, aRect.bottom - aRect.top);
 }
@@ -81,9 +91,10 @@ BandItem MakeSquare(int aSide, int aGap) {
   return {aSide, aSide, aSide, aGap};
 }
 
-/// A label gives way altogether.
-BandItem MakeLabelItem(const QLabel& aLabel, int aWidth, int aGap) {
-  return {aWidth, 0, aLabel.sizeHint().height(), aGap};
+/// A label that tells what stands behind it is of no use in part.
+BandItem MakeLabelItem(const QLabel& aLabel, int aGap) {
+  const QSize size = aLabel.sizeHint();
+  return {size.width(), 0, size.height(), aGap, false, true};
 }
 
 void Place(std::span<QWidget* const> aWidgets, const std::vector<GridRect>& aRects) {
@@ -97,7 +108,7 @@ void Place(std::span<QWidget* const> aWidgets, const std::vector<GridRect>& aRec
 
 BrowserControls::BrowserControls(QWidget& aDialog, const Lookup& aLookup, GenBrowserWnd& aBrowser,
                                  std::shared_ptr<MessageQueue> aQueue, int& aDescriptionHeight)
-    : mDialog(aDialog), mDescriptionHeight(aDescriptionHeight) {
+    : mDialog(aDialog), mDescriptionHeight(aDescriptionHeight), mHoverWatch(std::make_unique<HoverWatch>()) {
   MakeTools(aLookup);
   MakeSearchRow(aLookup, aBrowser);
   mGridPlace = aLookup(kGridPlaceID);
@@ -126,6 +137,7 @@ void BrowserControls::MakeTools(const Lookup& aLookup) {
     auto* button =
         new ToolBarButton(static_cast<std::uint16_t>(entry.bitmapID), entry.disabledBitmapID, mToolPlaces[index]);
     Explain(*button, entry.toolTip);
+    button->installEventFilter(mHoverWatch.get());
     mTools[index] = PutInto(*mToolPlaces[index], button);
   }
   mVisibilityLabel = qobject_cast<QLabel*>(aLookup(kVisibilityLabelID));
@@ -147,12 +159,6 @@ void BrowserControls::MakeSearchRow(const Lookup& aLookup, GenBrowserWnd& aBrows
   mCloseSearchButton = qobject_cast<QPushButton*>(aLookup(kCloseSearchID));
   Explain(*mCloseSearchButton, "Close search");
   mResultLabel = qobject_cast<QLabel*>(aLookup(kResultID));
-  for (QWidget* widget : {mSearchPlace, static_cast<QWidget*>(mPreviousButton), static_cast<QWidget*>(mNextButton),
-                          static_cast<QWidget*>(mCloseSearchButton)}) {
-    QObject::connect(
-        new QShortcut(QKeySequence(Qt::Key_Escape), widget, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
-        &QShortcut::activated, mConnections.get(), [this] { ShowSearchRow(false); });
-  }
 }
 
 /// From the tools over the search row to grid and description: controls come in the order in which they are made, which
@@ -167,14 +173,19 @@ void BrowserControls::OrderTabs() {
   }
 }
 
-/// The font that texts are in, which finds the arrows and the cross in others where it lacks them.
+/// Where that font is not installed, the one that texts are in, which finds the arrows and the cross in others.
 const QFont& BrowserControls::GetSymbolFont() {
   if (!mSymbolFont) {
     mSymbolFont = mDialog.font();
-    mSymbolFont->setPixelSize(std::max(kSymbolHeight, QFontInfo(mDialog.font()).pixelSize()));
+    mSymbolFont->setFamilies(QStringList(kSymbolFamily) + mDialog.font().families());
+    mSymbolFont->setPixelSize(kSymbolHeight);
     mSymbolFont->setWeight(QFont::Normal);
   }
   return *mSymbolFont;
+}
+
+std::vector<QWidget*> BrowserControls::GetSearchControls() const {
+  return {mSearchPlace, mPreviousButton, mNextButton, mCloseSearchButton};
 }
 
 std::vector<QWidget*> BrowserControls::GetSearchRow() const {
@@ -200,7 +211,7 @@ void BrowserControls::LayOut(const QSize& aSize) {
 
 void BrowserControls::LayOutTools(const GridRect& aBand) {
   std::vector<BandItem> items(mTools.size(), MakeSquare(kToolButtonSide, 0));
-  items.push_back(MakeLabelItem(*mVisibilityLabel, mVisibilityLabel->sizeHint().width(), kGroupGap));
+  items.push_back(MakeLabelItem(*mVisibilityLabel, kGroupGap));
   const QSize list = mVisibilityList->sizeHint();
   items.push_back({list.width(), kLeastListWidth, list.height(), kGap});
   items.push_back({.takesRest = true});
@@ -221,12 +232,12 @@ void BrowserControls::LayOutSearchRow(const GridRect& aBand) {
     button->setFont(GetSymbolFont());
   const int resultWidth = mResultLabel->fontMetrics().horizontalAdvance(kLongResult);
   const BandItem items[] = {
-      MakeLabelItem(*mSearchLabel, mSearchLabel->sizeHint().width(), 0),
+      MakeLabelItem(*mSearchLabel, 0),
       {kFieldWidth, kLeastFieldWidth, mSearchBar->sizeHint().height(), kGap, true},
       MakeSquare(side, kGap),
       MakeSquare(side, 0),
       MakeSquare(side, 0),
-      MakeLabelItem(*mResultLabel, resultWidth, kGap),
+      {resultWidth, 0, mResultLabel->sizeHint().height(), kGap},
   };
   Place(row, LayOutBand(aBand, items));
 }

@@ -55,6 +55,8 @@ public:
   QPushButton& GetNextButton() const { return *mNextButton; }
   QPushButton& GetCloseSearchButton() const { return *mCloseSearchButton; }
   QLabel& GetResultLabel() const { return *mResultLabel; }
+  /// What of the search row takes the focus.
+  std::vector<QWidget*> GetSearchControls() const;
   PropertiesGrid& GetGrid() const;
   DescriptionCtrl& GetDescription() const { return *mDescription; }
 
@@ -103,8 +105,7 @@ private:
   QWidget* mDescriptionPlace;
   DescriptionCtrl* mDescription;
   BrowserSplitter* mSplitter;
-  /// What the controls call of this object ends with it: they may outlive it for a while.
-  const std::unique_ptr<QObject> mConnections = std::make_unique<QObject>();
+  const std::unique_ptr<QObject> mHoverWatch; ///< Redraws tool buttons.
 };
 
 } // namespace krgui

@@ -2,11 +2,19 @@
 
 #include "logic/browser/rowgeometry.h"
 
+#include <QEvent>
+#include <QGuiApplication>
 #include <QMouseEvent>
 
 #include <utility>
 
 namespace krgui {
+
+namespace {
+
+constexpr int kKeyStep = 10;
+
+} // namespace
 
 ColumnBoundary::ColumnBoundary(QWidget& aViewport, std::function<void()> aOnMove)
     : mViewport(&aViewport), mOnMove(std::move(aOnMove)), mWidth(kInitialNameColumnWidth) {}
@@ -24,12 +32,37 @@ bool ColumnBoundary::TakeMove(const QMouseEvent& aEvent, int aX) {
   ShowCursor(mIsDragging || (aEvent.buttons() == Qt::NoButton && IsInColumnBand(aX, mWidth)));
   if (!mIsDragging)
     return false;
-  const int width = DragColumn(aX, mViewport->width());
-  if (width != mWidth) {
-    mWidth = width;
-    mOnMove();
-  }
+  Move(aX);
   return true;
+}
+
+void ColumnBoundary::Step(bool aIsOutward) {
+  Move(aIsOutward ? mWidth + kKeyStep : mWidth - kKeyStep);
+}
+
+void ColumnBoundary::Move(int aX) {
+  const int width = DragColumn(aX, mViewport->width());
+  if (width == mWidth)
+    return;
+  mWidth = width;
+  mOnMove();
+}
+
+/// With its button held the pointer may leave: the drag has the mouse wherever it is.
+void ColumnBoundary::NoteEvent(const QEvent& aEvent) {
+  switch (aEvent.type()) {
+  case QEvent::Leave:
+    if (!mIsDragging || (QGuiApplication::mouseButtons() & Qt::LeftButton) == 0)
+      Stop();
+    break;
+  case QEvent::UngrabMouse:
+  case QEvent::WindowDeactivate:
+  case QEvent::EnabledChange:
+    Stop();
+    break;
+  default:
+    break;
+  }
 }
 
 bool ColumnBoundary::TakeRelease(const QMouseEvent& aEvent) {

@@ -1,5 +1,5 @@
 #pragma once
-// The boundary between the grid's two columns: where it is, and moving it with the mouse. What is to be done when it
+// The boundary between the grid's two columns: where it is, and moving it by mouse and keyboard. What is to be done when it
 // has moved is left to the grid.
 
 #include <QPointer>
@@ -7,6 +7,7 @@
 
 #include <functional>
 
+class QEvent;
 class QMouseEvent;
 
 namespace krgui {
@@ -23,10 +24,14 @@ public:
   bool TakePress(const QMouseEvent& aEvent, int aX);
   bool TakeMove(const QMouseEvent& aEvent, int aX);
   bool TakeRelease(const QMouseEvent& aEvent);
-  /// The mouse was taken away, or has left.
+  /// Moves it by one step of the keyboard, from the row's leading edge or to it.
+  void Step(bool aIsOutward);
+  /// An event of the viewport or the grid after which the mouse may be another's ends a drag.
+  void NoteEvent(const QEvent& aEvent);
   void Stop();
 
 private:
+  void Move(int aX);
   void ShowCursor(bool aIsInBand);
 
   const QPointer<QWidget> mViewport;

@@ -45,8 +45,12 @@ void EditorWidgets::Open(QWidget& aParent, EditorContent aContent) {
   Fill();
 }
 
-void EditorWidgets::Refill(EditorContent aContent) {
-  mContent = std::move(aContent);
+void EditorWidgets::Refill(const KrString& aText, int aSelected) {
+  if (aText == mContent.text && aSelected == mContent.choices.selected) {
+    return;
+  }
+  mContent.text = aText;
+  mContent.choices.selected = aSelected;
   Fill();
 }
 
@@ -182,7 +186,8 @@ QWidget* EditorWidgets::MakeComboBox(QWidget& aParent) {
   mComboBox->setFocusPolicy(Qt::ClickFocus);
   mComboBox->installEventFilter(this);
   connect(mComboBox, &QComboBox::currentIndexChanged, this, &EditorWidgets::Touch);
-  const CTooltipListCtrl& list = mComboBox->GetList();
+  CTooltipListCtrl& list = mComboBox->GetList();
+  list.installEventFilter(this);
   connect(&list, &CTooltipListCtrl::SelectionChanged, this, [this] {
     if (mOpen && mOpen == mComboBox && mComboBox->GetList().WasChosen()) {
       mWatcher.OnChoiceMade();
@@ -256,13 +261,18 @@ void EditorWidgets::OnEditorKey(const EditorKey& aKey) {
 }
 
 bool EditorWidgets::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (mOpen && mOpen == mComboBox && aWatched == &mComboBox->GetList() && aEvent->type() == QEvent::Hide) {
+    HandleListEnd();
+  }
   if (!mOpen || aWatched != mOpen) {
     return false;
   }
   switch (aEvent->type()) {
   case QEvent::FocusOut:
+    // The keys and buttons that step may be let go elsewhere.
+    mWatcher.OnStepsEnd();
     if (EndsEdit(static_cast<const QFocusEvent&>(*aEvent))) {
-      mWatcher.OnFocusLost();
+      mWatcher.OnFocusLost(static_cast<const QFocusEvent&>(*aEvent).reason());
     }
     return false;
   case QEvent::Wheel:
@@ -271,11 +281,22 @@ bool EditorWidgets::eventFilter(QObject* aWatched, QEvent* aEvent) {
     mIsUsed = true;
     return false;
   case QEvent::KeyPress:
+    // What only goes on in it was pressed elsewhere.
+    mIsUsed = mIsUsed || !static_cast<const QKeyEvent&>(*aEvent).isAutoRepeat();
+    return HandleStepKey(*aEvent);
   case QEvent::KeyRelease:
-    mIsUsed = true;
     return HandleStepKey(*aEvent);
   default:
     return false;
+  }
+}
+
+/// An item that was chosen counts as changed, be it the one that was shown: the device may have another meanwhile.
+void EditorWidgets::HandleListEnd() {
+  if (mComboBox->GetList().WasChosen()) {
+    Touch();
+  } else {
+    mWatcher.OnListLeft();
   }
 }
 

@@ -24,9 +24,10 @@ public:
   /// A key that ends the edit went down.
   virtual void OnKeyDown(Qt::Key aKey) = 0;
   /// The editor has lost the focus to something that ends the edit.
-  virtual void OnFocusLost() = 0;
-  /// An item was chosen in the combo box's open list.
+  virtual void OnFocusLost(Qt::FocusReason aReason) = 0;
+  /// An item was chosen in the combo box's open list; the list was closed without a choice.
   virtual void OnChoiceMade() = 0;
+  virtual void OnListLeft() = 0;
   virtual void OnCommandClicked() = 0;
   /// The up-down control, its keys or the wheel step once; and none of them is held any more.
   virtual void OnStep(bool aIsUp) = 0;
@@ -43,6 +44,7 @@ struct EditorContent {
   /// Of an edit box; of a button its caption.
   KrString text;
   Choices choices;
+  bool isHexadecimal = false;
   bool hasUpDown = false;
   std::int64_t mostBytes = 0; ///< How long the text may become; 0 for as long as the user likes.
 };
@@ -54,8 +56,10 @@ public:
 
   /// Fills the editor of a kind, which is shown when it is placed. Another one that is open is hidden.
   void Open(QWidget& aParent, EditorContent aContent);
-  /// Fills the open editor anew, as the device has another value.
-  void Refill(EditorContent aContent);
+  /// What the open editor was filled with.
+  const EditorContent& GetContent() const { return mContent; }
+  /// Shows another value of the device in the open editor: the edit box's text, or the combo box's item.
+  void Refill(const KrString& aText, int aSelected);
   /// Shows the open editor in a cell; where the cell is empty, out of sight.
   void Place(const QRect& aCell);
   void Hide();
@@ -88,6 +92,7 @@ private:
   QLineEdit* GetOpenEditBox() const;
   bool HasUpDown() const { return mContent.hasUpDown && mContent.kind == EditorKind::Number; }
   void Touch();
+  void HandleListEnd();
   bool EndsEdit(const QFocusEvent& aEvent) const;
   bool HandleWheel(QEvent& aEvent);
   bool HandleStepKey(QEvent& aEvent);
@@ -99,7 +104,7 @@ private:
   QPointer<UpDownControl> mUpDown;
   QPointer<QPushButton> mButton;
   QPointer<QWidget> mOpen; ///< The editor that is open; null for none.
-  EditorContent mContent;  ///< What it was filled with.
+  EditorContent mContent;
   bool mIsTouched = false;
   bool mIsFilling = false;
   bool mIsUsed = false; ///< The user pressed a key or a mouse button in it.

@@ -1,6 +1,7 @@
 #include "browser/errorbutton.h"
 
 #include "platform/focusframe.h"
+#include "platform/plainline.h"
 #include "platform/systemcolours.h"
 #include "platform/toqstring.h"
 #include "res/bitmaps.h"
@@ -16,16 +17,15 @@ namespace {
 constexpr int kPictureSide = 16;
 constexpr int kMargin = 4;
 
-/// As plain text whatever is in it; a device may have sent it. Lines are cut where a tooltip would outgrow the screen.
-QString FormatToolTip(const QString& aErrors) {
+/// Lines are cut where a tooltip would outgrow the screen.
+QString FormatToolTip(QString aErrors) {
   constexpr qsizetype kLongestLine = 300;
-  QStringList lines = aErrors.split(QStringLiteral("\r\n"));
+  QStringList lines = aErrors.replace(QLatin1String("\r\n"), QLatin1String("\n")).split(QLatin1Char('\n'));
   for (QString& line : lines) {
     if (line.size() > kLongestLine)
       line = line.left(kLongestLine) + QChar(0x2026);
-    line = line.toHtmlEscaped();
   }
-  return QStringLiteral("<qt>") + lines.join(QStringLiteral("<br>")) + QStringLiteral("</qt>");
+  return ToPlainToolTip(lines.join(QLatin1Char('\n')));
 }
 
 } // namespace
@@ -42,8 +42,9 @@ void ErrorButton::SetSource(std::optional<ErrorSource> aSource) {
 }
 
 void ErrorButton::LookAgain() {
-  const bool showsErrors = mSource && HasErrors(*mSource);
-  setAccessibleDescription(showsErrors ? ToQString(GetErrors()) : QString());
+  const KrString errors = GetErrors();
+  const bool showsErrors = !errors.IsEmpty();
+  setAccessibleDescription(ToQString(errors));
   if (showsErrors == mShowsErrors)
     return;
   mShowsErrors = showsErrors;

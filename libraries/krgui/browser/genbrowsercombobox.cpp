@@ -5,10 +5,12 @@
 #include "platform/topixelrect.h"
 #include "platform/toqstring.h"
 
-#include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QScreen>
 #include <QStyle>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -18,6 +20,11 @@ namespace {
 
 /// What the list's frame takes at both sides together.
 constexpr int kFrameWidth = 4;
+
+bool OpensList(const QKeyEvent& aEvent) {
+  return aEvent.key() == Qt::Key_F4 || aEvent.key() == Qt::Key_Space ||
+         (aEvent.key() == Qt::Key_Down && (aEvent.modifiers() & Qt::AltModifier) != 0);
+}
 
 QRect FindDesktop(const QRect& aComboBox, const QWidget& aFallback) {
   const QScreen* screen = QGuiApplication::screenAt(aComboBox.center());
@@ -65,14 +72,22 @@ void GenBrowserComboBox::showPopup() {
   list.ShowDropDown(QRect(offered.left, offered.top, offered.GetWidth(), offered.GetHeight()), place);
 }
 
+/// A key that is held opens no list: it may be the one that has just closed it.
+void GenBrowserComboBox::keyPressEvent(QKeyEvent* aEvent) {
+  if (!aEvent->isAutoRepeat() || !OpensList(*aEvent)) {
+    TooltipComboBox::keyPressEvent(aEvent);
+  }
+}
+
 int GenBrowserComboBox::FindWidestItem() const {
-  const QFontMetrics metrics = fontMetrics();
-  int widest = 0;
+  // Letters need not be whole pixels wide; an item that lacks a part of one is cut.
+  const QFontMetricsF metrics(font());
+  double widest = 0;
   for (int i = 0; i < count(); ++i) {
     widest = std::max(widest, metrics.horizontalAdvance(itemText(i)));
   }
   const int textMargin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
-  return widest + 2 * textMargin + kFrameWidth;
+  return qCeil(widest) + 2 * textMargin + kFrameWidth;
 }
 
 } // namespace krgui

@@ -22,6 +22,9 @@ public:
   /// Opens the list, or hides it where it is open.
   void showPopup() override;
 
+protected:
+  void keyPressEvent(QKeyEvent* aEvent) override;
+
 private:
   int FindWidestItem() const;
 };

@@ -26,10 +26,14 @@ class GenBrowserSearchBar::Body {
 public:
   Body(GenBrowserSearchBar& aBar, krgui::GenBrowserWnd* aBrowser, PropertiesCtrl* aProperties)
       : mBar(aBar), mBrowser(aBrowser), mProperties(aProperties),
-        mField(new krgui::SearchField([&aBar] { aBar.MoveToNextOccurence(); },
-                                      [&aBar] { aBar.MoveToPreviousOccurence(); }, &aBar)) {}
+        mField(new krgui::SearchField([&aBar] { aBar.MoveToNextOccurence(); }, [this] { SearchEdited(); }, &aBar)) {}
 
   void Search(bool aForces);
+  /// Unless somebody has searched for the text already.
+  void SearchEdited() {
+    if (mIsModified)
+      Search(false);
+  }
   void MoveToNext();
   void MoveToPrevious();
   void Repaint();
@@ -124,7 +128,7 @@ void GenBrowserSearchBar::Body::SetGridSearchText(const KrString& aText) {
 
 void GenBrowserSearchBar::Body::Repaint() {
   if (mProperties)
-    mProperties->GetGrid().Repaint();
+    mProperties->GetGrid().viewport()->repaint();
 }
 
 GenBrowserSearchBar::GenBrowserSearchBar(krgui::GenBrowserWnd* aBrowser, PropertiesCtrl* aProperties, QWidget* aParent)
@@ -134,15 +138,12 @@ GenBrowserSearchBar::GenBrowserSearchBar(krgui::GenBrowserWnd* aBrowser, Propert
   layout->addWidget(mBody->mField);
   mBody->mField->setAccessibleName(QStringLiteral("Search"));
   setFocusProxy(mBody->mField);
-  connect(mBody->mField, &QLineEdit::textChanged, this, [this] {
-    mBody->mIsModified = true;
-    Search(false);
-  });
+  connect(mBody->mField, &QLineEdit::textChanged, this, [this] { mBody->mIsModified = true; });
 }
 
 GenBrowserSearchBar::~GenBrowserSearchBar() {
-  // A field that ends must not search any more.
-  mBody->mField->disconnect(this);
+  // A field that ends must not search any more, so it ends first.
+  delete mBody->mField;
 }
 
 void GenBrowserSearchBar::SetProperties(PropertiesCtrl* aProperties) {
@@ -171,6 +172,7 @@ KrString GenBrowserSearchBar::GetText() const {
 
 void GenBrowserSearchBar::SetText(const KrString& aText) {
   mBody->mField->setText(krgui::ToQString(aText));
+  mBody->mField->TellEdit();
 }
 
 KrString GenBrowserSearchBar::GetResultText() const {

@@ -6,6 +6,8 @@
 #include "browser/genbrowseroptionsdlg.h"
 #include "browser/propertiesgrid.h"
 #include "browser/settingsactions.h"
+#include "browser/windowkeys.h"
+#include "krbase/krlogger.h"
 #include "krgui/genbrowsersearchbar.h"
 #include "platform/applicationend.h"
 #include "platform/toolbarbutton.h"
@@ -14,8 +16,8 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
-#include <QShortcut>
 #include <QSignalBlocker>
 #include <QTimer>
 
@@ -26,13 +28,35 @@ namespace krgui {
 namespace {
 
 constexpr int kInitialDescriptionHeight = 150;
-constexpr int kErrorIntervalMs = 1000;
+constexpr KrLogSite kFillSite = {"GenBrowserWnd::Fill", "genbrowserwnd"};
+
+void LogFillingFailure(const char* aReason) {
+  KrLogger("KrGUILib")
+      .Log(KrLogLevel::Error, kFillSite,
+           KrString("The features could not be listed (") + aReason +
+               "). The window stays empty; choose the visibility or the options again.");
+}
+
+/// Paints nothing as long as it lives, whatever is thrown meanwhile.
+class PaintingPause {
+public:
+  explicit PaintingPause(QWidget& aWidget) : mWidget(&aWidget) { aWidget.setUpdatesEnabled(false); }
+  ~PaintingPause() {
+    if (mWidget)
+      mWidget->setUpdatesEnabled(true);
+  }
+  PaintingPause(const PaintingPause&) = delete;
+  PaintingPause& operator=(const PaintingPause&) = delete;
+
+private:
+  const QPointer<QWidget> mWidget;
+};
 
 } // namespace
 
-GenBrowserWnd::GenBrowserWnd(FeatureFilter aFilter)
-    : Wnd(kGenBrowserTraits.modalTemplate), mFilter(std::move(aFilter)), mDescriptionHeight(kInitialDescriptionHeight) {
-}
+GenBrowserWnd::GenBrowserWnd(FeatureFilter aFilter, const RefreshRhythm& aRhythm, int aErrorIntervalMs)
+    : Wnd(kGenBrowserTraits.modalTemplate), mFilter(std::move(aFilter)), mRhythm(aRhythm),
+      mErrorIntervalMs(aErrorIntervalMs), mDescriptionHeight(kInitialDescriptionHeight) {}
 
 GenBrowserWnd::~GenBrowserWnd() {
   Dispose();
@@ -95,9 +119,15 @@ void GenBrowserWnd::ResetChanged() {
 }
 
 void GenBrowserWnd::Refresh() {
-  if (!mArray || !mControls || mFilling)
+  if (!mArray)
     return;
   const WaitCursor cursor;
+  if (!mControls || mFilling) {
+    // There are no rows to be read yet; whatever comes to read them has it from the device.
+    if (mArray->GetAccessMode() == KrGenArrayAccess::Open)
+      mArray->InvalidateCache();
+    return;
+  }
   mRefresh->RefreshAll(*mArray, mControls->GetGrid().GetTree());
 }
 
@@ -127,7 +157,7 @@ bool GenBrowserWnd::OnInitDialog() {
   mControls = std::make_unique<BrowserControls>(
       *GetWidget(), [this](int aID) { return GetControl(aID); }, *this, GetQueue(), mDescriptionHeight);
   mControls->GetGrid().SetChanged(mHasChanged);
-  mRefresh = std::make_unique<BrowserRefresh>(RowNotifier(GetQueue()));
+  mRefresh = std::make_unique<BrowserRefresh>(RowNotifier(GetQueue()), mRhythm);
   mConnections = std::make_unique<QObject>();
   SelectVisibility();
   WireControls();
@@ -155,32 +185,38 @@ void GenBrowserWnd::WireControls() {
     (void)GetVisibility();
     Rebuild();
   });
+  WireDescription();
   mControls->GetGrid().SetSelectionHandler([this] {
     if (!mFilling)
-      UpdateDescription();
+      mDescriptionTimer->start();
   });
   mControls->GetGrid().SetScreenHandler([this] { mRefresh->NoteScreenChange(); });
   mControls->GetGrid().SetContextMenu(
       kGenBrowserMenuID, [this](int aCommandID) { CallHandler([this, aCommandID] { PerformMenu(aCommandID); }); });
   auto* timer = new QTimer(mConnections.get());
   QObject::connect(timer, &QTimer::timeout, mConnections.get(), [this] { mControls->GetErrorButton().LookAgain(); });
-  timer->start(kErrorIntervalMs);
+  timer->start(mErrorIntervalMs);
+}
+
+/// When the input that has come until then is done: its last selection alone asks a device for limits that may be slow,
+/// however long a key is held.
+void GenBrowserWnd::WireDescription() {
+  mDescriptionTimer = new QTimer(mConnections.get());
+  mDescriptionTimer->setSingleShot(true);
+  QObject::connect(mDescriptionTimer, &QTimer::timeout, mConnections.get(), [this] { UpdateDescription(); });
 }
 
 void GenBrowserWnd::WireKeys() {
-  const auto onKey = [this](const QKeySequence& aKey, auto aAction) {
-    const auto* shortcut = new QShortcut(aKey, GetWidget(), nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
-    QObject::connect(shortcut, &QShortcut::activated, mConnections.get(), aAction);
-    // The program that embeds the window may have given the key a meaning, too.
-    QObject::connect(shortcut, &QShortcut::activatedAmbiguously, mConnections.get(), aAction);
-  };
-  onKey(QKeySequence(Qt::CTRL | Qt::Key_F), [this] { mControls->ShowSearchRow(!mControls->IsSearchRowShown()); });
-  onKey(QKeySequence(Qt::Key_F5), [this] {
-    if (mOptions.refreshMode == KrGenRefresh::Manual)
-      Refresh();
-  });
-  onKey(QKeySequence(Qt::Key_F6), [this] { mControls->FocusNextPane(); });
-  onKey(QKeySequence(Qt::Key_F8), [this] { mControls->FocusSplitter(); });
+  mKeys = std::make_unique<WindowKeys>();
+  const auto onKey = [this](QKeyCombination aKey, auto aAction) { mKeys->Add({GetWidget(), aKey, aAction}); };
+  onKey(Qt::CTRL | Qt::Key_F, [this] { mControls->ShowSearchRow(!mControls->IsSearchRowShown()); });
+  onKey(Qt::Key_F6, [this] { mControls->FocusNextPane(); });
+  onKey(Qt::Key_F8, [this] { mControls->FocusSplitter(); });
+  // Where there is nothing to refresh, the key is the program's.
+  mKeys->Add({GetWidget(), Qt::Key_F5, [this] { Refresh(); },
+              [this] { return mOptions.refreshMode == KrGenRefresh::Manual; }});
+  for (QWidget* control : mControls->GetSearchControls())
+    mKeys->Add({control, Qt::Key_Escape, [this] { mControls->ShowSearchRow(false); }});
 }
 
 void GenBrowserWnd::OnSize(const QSize& aSize) {
@@ -203,28 +239,31 @@ void GenBrowserWnd::Rebuild() {
     return;
   }
   const auto filling = std::make_shared<Filling>();
-  do {
-    filling->isOutdated = false;
-    mFilling = filling;
-    // The filter may close or delete this window.
-    CallHandler([this, &filling] { Fill(*filling); });
-  } while (filling->isOutdated && !filling->isWindowGone);
+  try {
+    do {
+      filling->isOutdated = false;
+      mFilling = filling;
+      // The filter may close or delete this window.
+      CallHandler([this, &filling] { Fill(*filling); });
+    } while (filling->isOutdated && !filling->isWindowGone);
+  } catch (...) {
+    // What the toolkit throws leaves a window that can be filled again.
+    if (!filling->isWindowGone)
+      mFilling.reset();
+    throw;
+  }
 }
 
 void GenBrowserWnd::Fill(Filling& aFilling) {
   PropertiesGrid& grid = mControls->GetGrid();
-  grid.setUpdatesEnabled(false);
-  TakeRowsAway();
-  if (mArray) {
-    (void)GetVisibility();
-    grid.SetVisibility(mOptions.visibility);
-    grid.Fill([&array = *mArray, options = mOptions, filter = mFilter, &aFilling](BrowserTree& aTree) {
-      FillBrowserTree(array, options, filter, aTree, [&aFilling] { return !aFilling.IsOver(); });
-    });
+  {
+    const PaintingPause pause(grid);
+    TakeRowsAway();
+    if (mArray)
+      FillGrid(aFilling);
+    if (aFilling.isWindowGone)
+      return grid.Clear();
   }
-  if (aFilling.isWindowGone)
-    return grid.Clear();
-  grid.setUpdatesEnabled(true);
   if (aFilling.isOutdated)
     return;
   grid.scrollToTop();
@@ -236,6 +275,28 @@ void GenBrowserWnd::Fill(Filling& aFilling) {
   mFilling.reset();
   UpdateDescription();
   EnableActions();
+}
+
+/// Without any row where something is thrown, for want of memory. It is caught inside, as the grid must
+/// come to an end of its own.
+void GenBrowserWnd::FillGrid(Filling& aFilling) {
+  PropertiesGrid& grid = mControls->GetGrid();
+  (void)GetVisibility();
+  grid.SetVisibility(mOptions.visibility);
+  grid.Fill([this, &array = *mArray, &aFilling](BrowserTree& aTree) {
+    try {
+      // Copies: the filter may delete this window.
+      const BrowserOptions options = mOptions;
+      const FeatureFilter filter = mFilter;
+      FillBrowserTree(array, options, filter, aTree, [&aFilling] { return !aFilling.IsOver(); });
+    } catch (const std::exception& error) {
+      aTree.Clear();
+      LogFillingFailure(error.what());
+    } catch (...) {
+      aTree.Clear();
+      LogFillingFailure("an exception without a text");
+    }
+  });
 }
 
 void GenBrowserWnd::TakeRowsAway() {
@@ -260,6 +321,7 @@ void GenBrowserWnd::EnableActions() {
 }
 
 void GenBrowserWnd::UpdateDescription() {
+  mDescriptionTimer->stop();
   DescriptionCtrl& description = mControls->GetDescription();
   const PropertiesGrid& grid = mControls->GetGrid();
   const BrowserTree::Item* item = grid.GetTree().Find(grid.GetSelected());
@@ -335,6 +397,7 @@ void GenBrowserWnd::EndSettings() {
 void GenBrowserWnd::OnDestroy() {
   EndSettings();
   mConnections.reset();
+  mKeys.reset();
   if (mControls && !ApplicationEnd::IsProcessEnding()) {
     PropertiesGrid& grid = mControls->GetGrid();
     mHasChanged = grid.HasChanged();

@@ -12,20 +12,25 @@
 #include <stop_token>
 
 class QObject;
+class QTimer;
 
 namespace krgui {
 
 class BrowserControls;
+class WindowKeys;
 
 class GenBrowserWnd : public Wnd {
 public:
   /// How large a user can make a window of its own at the least, in pixels. The position's clamp is another one.
   static constexpr int kLeastTrackedWidth = 390;
   static constexpr int kLeastTrackedHeight = 550;
+  static constexpr int kErrorIntervalMs = 1000;
 
   /// aFilter is asked about each feature when the window is filled. It may close or delete the window or give it
   /// another array; the array that it is asked for must live until it returns.
-  explicit GenBrowserWnd(FeatureFilter aFilter);
+  /// Errors are looked for again and again, after as many milliseconds.
+  explicit GenBrowserWnd(FeatureFilter aFilter, const RefreshRhythm& aRhythm = {},
+                         int aErrorIntervalMs = kErrorIntervalMs);
   ~GenBrowserWnd() override;
 
   int GetPopupTemplateID() const override { return kGenBrowserTraits.popupTemplate; }
@@ -43,6 +48,8 @@ public:
   bool HasChanged() const;
   void ResetChanged();
   void Refresh();
+  /// Whether a thread of the window's own keeps values fresh.
+  bool IsRefreshThreadRunning() const { return mRefresh && mRefresh->IsRunning(); }
   void LoadOptions(const KrPropertyList& aList);
   void SaveOptions(KrPropertyList& aList);
 
@@ -68,10 +75,12 @@ private:
   };
 
   void WireControls();
+  void WireDescription();
   void WireKeys();
   void Rebuild();
   /// One rebuild; what the application does in its filter may make it in vain.
   void Fill(Filling& aFilling);
+  void FillGrid(Filling& aFilling);
   void TakeRowsAway();
   void StartRefresh();
   void EnableActions();
@@ -89,6 +98,8 @@ private:
   KrGenParameterArray* mArray = nullptr;
   BrowserOptions mOptions;
   FeatureFilter mFilter;
+  const RefreshRhythm mRhythm;
+  const int mErrorIntervalMs;
   std::stop_source mSettingsEnd; ///< Ends what saves or restores features at the moment.
   /// Expires with the window, which may end while features are restored.
   const std::shared_ptr<const bool> mAlive = std::make_shared<const bool>(true);
@@ -101,6 +112,8 @@ private:
   std::unique_ptr<BrowserRefresh> mRefresh;
   /// What the controls call of this window ends with the opening: they may outlive it for a while.
   std::unique_ptr<QObject> mConnections;
+  QTimer* mDescriptionTimer = nullptr; ///< Belongs to the connections.
+  std::unique_ptr<WindowKeys> mKeys;
 };
 
 } // namespace krgui

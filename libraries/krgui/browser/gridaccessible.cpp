@@ -1,12 +1,14 @@
 #include "browser/gridaccessible.h"
 
+#include "browser/celleditoraccessible.h"
 #include "browser/gridcellaccessible.h"
 #include "browser/gridmodel.h"
 #include "browser/propertiesgrid.h"
 
 #include <QScrollBar>
 
-#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace krgui {
 
@@ -16,7 +18,7 @@ constexpr int kColumnCount = GridModel::kValueColumn + 1;
 
 QAccessibleInterface* Make(const QString& aClassName, QObject* aObject) {
   auto* grid = aClassName == QLatin1String("krgui::PropertiesGrid") ? qobject_cast<PropertiesGrid*>(aObject) : nullptr;
-  return grid != nullptr ? new GridAccessible(*grid) : nullptr;
+  return grid != nullptr ? new GridAccessible(*grid) : CellEditorAccessible::Make(aObject);
 }
 
 bool IsShown(const PropertiesGrid& aGrid, GridItem aItem) {
@@ -45,16 +47,95 @@ void GridAccessible::Install() {
   (void)isInstalled;
 }
 
-void GridAccessible::TellValueChanged(PropertiesGrid& aGrid, std::uint64_t aItem) {
-  if (!QAccessible::isActive())
+/// Null while nobody listens.
+GridAccessible* GridAccessible::FindListened(PropertiesGrid& aGrid) {
+  return QAccessible::isActive() ? dynamic_cast<GridAccessible*>(QAccessible::queryAccessibleInterface(&aGrid))
+                                 : nullptr;
+}
+
+void GridAccessible::TellRowChanged(PropertiesGrid& aGrid, std::uint64_t aItem, bool aIsOnScreen) {
+  GridAccessible* accessible = FindListened(aGrid);
+  if (accessible == nullptr)
     return;
-  const auto* accessible = dynamic_cast<const GridAccessible*>(QAccessible::queryAccessibleInterface(&aGrid));
+  // Nobody knows of a value that was not asked for, but that it can be seen.
+  if (aIsOnScreen && accessible->mCells.count({aItem, GridModel::kValueColumn}) == 0)
+    accessible->TellText(QAccessible::NameChanged, accessible->FindChild(aItem, GridModel::kValueColumn));
+  for (const int column : {GridModel::kNameColumn, GridModel::kValueColumn})
+    accessible->TellCell(aItem, column);
+}
+
+void GridAccessible::TellOpened(PropertiesGrid& aGrid, std::uint64_t aItem, bool aIsOpen) {
+  GridAccessible* accessible = FindListened(aGrid);
   const int row = accessible != nullptr ? accessible->FindRow(aItem) : -1;
   if (row < 0)
     return;
-  QAccessibleEvent event(&aGrid, QAccessible::NameChanged);
-  event.setChild((row + 1) * kColumnCount + GridModel::kValueColumn);
+  QAccessible::State changed;
+  changed.expanded = true;
+  changed.collapsed = true;
+  QAccessibleStateChangeEvent event(&aGrid, changed);
+  event.setChild(accessible->FindChild(aItem, GridModel::kNameColumn));
   QAccessible::updateAccessibility(&event);
+  const int count = accessible->CountShownBelow(aItem);
+  if (count > 0)
+    accessible->TellRows(aIsOpen ? QAccessibleTableModelChangeEvent::RowsInserted
+                                 : QAccessibleTableModelChangeEvent::RowsRemoved,
+                         row + 1, row + count);
+}
+
+void GridAccessible::TellAllRowsChanged(PropertiesGrid& aGrid) {
+  if (GridAccessible* accessible = FindListened(aGrid))
+    accessible->TellRows(QAccessibleTableModelChangeEvent::ModelReset, -1, -1);
+}
+
+void GridAccessible::TellFocus(PropertiesGrid& aGrid) {
+  GridAccessible* accessible = FindListened(aGrid);
+  const int child = accessible != nullptr ? accessible->FindChild(aGrid.GetSelected(), GridModel::kNameColumn) : -1;
+  if (child >= 0)
+    accessible->TellText(QAccessible::Focus, child);
+}
+
+/// What a cell says now that it did not say before.
+void GridAccessible::TellCell(std::uint64_t aItem, int aColumn) {
+  const auto found = mCells.find({aItem, aColumn});
+  const QAccessibleInterface* cell =
+      found != mCells.end() ? QAccessible::accessibleInterface(found->second.id) : nullptr;
+  const int child = cell != nullptr ? FindChild(aItem, aColumn) : -1;
+  if (child < 0)
+    return;
+  const Said now = Ask(*cell);
+  const Said before = std::exchange(found->second.said, now);
+  if (now.name != before.name)
+    TellText(QAccessible::NameChanged, child);
+  if (now.description != before.description)
+    TellText(QAccessible::DescriptionChanged, child);
+  QAccessible::State changed;
+  changed.disabled = now.state.disabled != before.state.disabled;
+  changed.readOnly = now.state.readOnly != before.state.readOnly;
+  changed.editable = now.state.editable != before.state.editable;
+  if (changed.disabled || changed.readOnly || changed.editable) {
+    QAccessibleStateChangeEvent event(&GetGrid(), changed);
+    event.setChild(child);
+    QAccessible::updateAccessibility(&event);
+  }
+}
+
+void GridAccessible::TellText(QAccessible::Event aEvent, int aChild) {
+  if (aChild < 0)
+    return;
+  QAccessibleEvent event(&GetGrid(), aEvent);
+  event.setChild(aChild);
+  QAccessible::updateAccessibility(&event);
+}
+
+void GridAccessible::TellRows(QAccessibleTableModelChangeEvent::ModelChangeType aChange, int aFirst, int aLast) {
+  QAccessibleTableModelChangeEvent event(&GetGrid(), aChange);
+  event.setFirstRow(aFirst);
+  event.setLastRow(aLast);
+  QAccessible::updateAccessibility(&event);
+}
+
+GridAccessible::Said GridAccessible::Ask(const QAccessibleInterface& aCell) {
+  return {aCell.text(QAccessible::Name), aCell.text(QAccessible::Description), aCell.state()};
 }
 
 PropertiesGrid& GridAccessible::GetGrid() const {
@@ -89,8 +170,12 @@ int GridAccessible::indexOfChild(const QAccessibleInterface* aChild) const {
     return -1;
   if (cell->GetItem() == kNoItem)
     return cell->columnIndex();
-  const int row = FindRow(cell->GetItem());
-  return row < 0 ? -1 : (row + 1) * kColumnCount + cell->columnIndex();
+  return FindChild(cell->GetItem(), cell->columnIndex());
+}
+
+int GridAccessible::FindChild(std::uint64_t aItem, int aColumn) const {
+  const int row = FindRow(aItem);
+  return row < 0 ? -1 : (row + 1) * kColumnCount + aColumn;
 }
 
 QAccessibleInterface* GridAccessible::focusChild() const {
@@ -108,14 +193,14 @@ QAccessibleInterface* GridAccessible::cellAt(int aRow, int aColumn) const {
 QAccessibleInterface* GridAccessible::GetCell(std::uint64_t aItem, int aColumn) const {
   const CellKey key(aItem, aColumn);
   if (const auto found = mCells.find(key); found != mCells.end())
-    return QAccessible::accessibleInterface(found->second);
+    return QAccessible::accessibleInterface(found->second.id);
   auto* cell = new GridCellAccessible(GetGrid(), aItem, aColumn);
-  mCells.emplace(key, QAccessible::registerAccessibleInterface(cell));
+  mCells[key] = {QAccessible::registerAccessibleInterface(cell), Ask(*cell)};
   return cell;
 }
 
 int GridAccessible::FindRow(std::uint64_t aItem) const {
-  if (GetGrid().GetTree().Find(aItem) == nullptr || !IsShown(GetGrid(), aItem))
+  if (GetGrid().model() == nullptr || GetGrid().GetTree().Find(aItem) == nullptr || !IsShown(GetGrid(), aItem))
     return -1;
   const QRect row = GetGrid().FindRow(aItem);
   return row.height() > 0 ? (row.top() + GetGrid().verticalScrollBar()->value()) / row.height() : -1;
@@ -123,7 +208,7 @@ int GridAccessible::FindRow(std::uint64_t aItem) const {
 
 std::uint64_t GridAccessible::FindItem(int aRow) const {
   const std::vector<GridItem>& top = GetGrid().GetTree().GetTopLevel();
-  if (aRow < 0 || top.empty())
+  if (aRow < 0 || top.empty() || GetGrid().model() == nullptr)
     return kNoItem;
   const int height = GetGrid().FindRow(top.front()).height();
   const QModelIndex index = GetGrid().indexAt({0, aRow * height - GetGrid().verticalScrollBar()->value()});
@@ -134,7 +219,28 @@ int GridAccessible::columnCount() const {
   return kColumnCount;
 }
 
+/// How many rows are to be seen below a category while it is open.
+int GridAccessible::CountShownBelow(std::uint64_t aItem) const {
+  const BrowserTree& tree = GetGrid().GetTree();
+  const auto& model = *static_cast<const GridModel*>(GetGrid().model());
+  std::size_t count = 0;
+  std::vector<GridItem> open = {aItem};
+  while (!open.empty()) {
+    const BrowserTree::Item& item = *tree.Find(open.back());
+    open.pop_back();
+    count += item.children.size();
+    for (const GridItem child : item.children) {
+      if (GetGrid().isExpanded(model.ToIndex(child)))
+        open.push_back(child);
+    }
+  }
+  return static_cast<int>(count);
+}
+
 int GridAccessible::rowCount() const {
+  // At the end of the grid.
+  if (GetGrid().model() == nullptr)
+    return 0;
   const BrowserTree& tree = GetGrid().GetTree();
   const auto& model = *static_cast<const GridModel*>(GetGrid().model());
   std::size_t count = tree.GetTopLevel().size();
@@ -158,7 +264,8 @@ QList<QAccessibleInterface*> GridAccessible::selectedCells() const {
 }
 
 QString GridAccessible::columnDescription(int aColumn) const {
-  return GetGrid().model()->headerData(aColumn, Qt::Horizontal, Qt::DisplayRole).toString();
+  const QAbstractItemModel* model = GetGrid().model();
+  return model == nullptr ? QString() : model->headerData(aColumn, Qt::Horizontal, Qt::DisplayRole).toString();
 }
 
 QString GridAccessible::rowDescription(int aRow) const {
@@ -201,8 +308,8 @@ void GridAccessible::modelChange(QAccessibleTableModelChangeEvent* aEvent) {
 }
 
 void GridAccessible::ForgetCells() {
-  for (const auto& [key, id] : mCells)
-    QAccessible::deleteAccessibleInterface(id);
+  for (const auto& [key, cell] : mCells)
+    QAccessible::deleteAccessibleInterface(cell.id);
   mCells.clear();
 }
 

@@ -24,8 +24,17 @@ public:
 
   /// Lets the toolkit find this for every property grid; once is enough.
   static void Install();
-  /// Tells those who listen that a row's value is another one.
-  static void TellValueChanged(PropertiesGrid& aGrid, std::uint64_t aItem);
+  // What those who listen are told; nothing is done while nobody does.
+
+  /// A row's value, state or what is wrong with it may be another one. Off the screen only cells that somebody asked
+  /// for are looked at.
+  static void TellRowChanged(PropertiesGrid& aGrid, std::uint64_t aItem, bool aIsOnScreen);
+  /// A category was opened or closed, and its rows came or went.
+  static void TellOpened(PropertiesGrid& aGrid, std::uint64_t aItem, bool aIsOpen);
+  /// Other rows than before are to be seen, too many to tell of each.
+  static void TellAllRowsChanged(PropertiesGrid& aGrid);
+  /// The grid has got the focus: which row has it.
+  static void TellFocus(PropertiesGrid& aGrid);
 
   void* interface_cast(QAccessible::InterfaceType aType) override;
   int childCount() const override;
@@ -64,8 +73,27 @@ private:
   std::uint64_t FindItem(int aRow) const;
   void ForgetCells();
 
+  /// What a cell said when somebody looked at it last.
+  struct Said {
+    QString name;
+    QString description;
+    QAccessible::State state;
+  };
+  struct Cell {
+    QAccessible::Id id = 0;
+    Said said;
+  };
+
+  static Said Ask(const QAccessibleInterface& aCell);
+  static GridAccessible* FindListened(PropertiesGrid& aGrid);
+  int FindChild(std::uint64_t aItem, int aColumn) const;
+  int CountShownBelow(std::uint64_t aItem) const;
+  void TellCell(std::uint64_t aItem, int aColumn);
+  void TellText(QAccessible::Event aEvent, int aChild);
+  void TellRows(QAccessibleTableModelChangeEvent::ModelChangeType aChange, int aFirst, int aLast);
+
   using CellKey = std::pair<std::uint64_t, int>;
-  mutable std::map<CellKey, QAccessible::Id> mCells; ///< Those that somebody asked for.
+  mutable std::map<CellKey, Cell> mCells; ///< Those that somebody asked for.
 };
 
 } // namespace krgui

@@ -3,6 +3,9 @@
 #include "browser/gridaccessible.h"
 #include "browser/gridmodel.h"
 #include "browser/propertiesgrid.h"
+#include "browser/updowncontrol.h"
+#include "logic/browser/gridtools.h"
+#include "platform/toqstring.h"
 
 #include <algorithm>
 
@@ -26,11 +29,12 @@ const GridModel& GridCellAccessible::GetModel() const {
 }
 
 const BrowserTree::Item* GridCellAccessible::FindItem() const {
-  return mGrid ? mGrid->GetTree().Find(mItem) : nullptr;
+  return mGrid && mGrid->model() != nullptr ? mGrid->GetTree().Find(mItem) : nullptr;
 }
 
 bool GridCellAccessible::isValid() const {
-  return mGrid && (mItem == kNoItem || FindItem() != nullptr);
+  // A grid that is about to end has no model any more.
+  return mGrid && mGrid->model() != nullptr && (mItem == kNoItem || FindItem() != nullptr);
 }
 
 QWindow* GridCellAccessible::window() const {
@@ -49,6 +53,9 @@ QList<QWidget*> GridCellAccessible::FindEditors() const {
     if (editor->isVisible())
       editors.push_back(editor);
   }
+  // What is edited in comes first, whatever was made or raised when.
+  std::stable_partition(editors.begin(), editors.end(),
+                        [](const QWidget* aEditor) { return qobject_cast<const UpDownControl*>(aEditor) == nullptr; });
   return editors;
 }
 
@@ -69,7 +76,7 @@ QAccessibleInterface* GridCellAccessible::childAt(int aX, int aY) const {
 }
 
 int GridCellAccessible::indexOfChild(const QAccessibleInterface* aChild) const {
-  return static_cast<int>(FindEditors().indexOf(qobject_cast<QWidget*>(aChild->object())));
+  return aChild != nullptr ? static_cast<int>(FindEditors().indexOf(qobject_cast<QWidget*>(aChild->object()))) : -1;
 }
 
 QString GridCellAccessible::text(QAccessible::Text aText) const {
@@ -81,6 +88,8 @@ QString GridCellAccessible::text(QAccessible::Text aText) const {
   const QModelIndex index = GetModel().ToIndex(mItem, mColumn);
   if (aText == QAccessible::Description)
     return index.data(Qt::AccessibleDescriptionRole).toString();
+  if (aText == QAccessible::Help)
+    return ToQString(GetHelpText(mGrid->GetTree(), mItem));
   const bool isAsked =
       aText == QAccessible::Name || (aText == QAccessible::Value && mColumn == GridModel::kValueColumn);
   return isAsked ? index.data(Qt::DisplayRole).toString() : QString();

@@ -3,6 +3,7 @@
 #include "browser/editorwidgets.h"
 #include "krgenicam/krgenstring.h"
 #include "logic/browser/gridmessages.h"
+#include "logic/browser/shownvalue.h"
 #include "logic/browser/treeitemdata.h"
 #include "platform/messagebox.h"
 #include "platform/toqstring.h"
@@ -27,7 +28,7 @@ std::int64_t FindMostBytes(const TreeItemData& aNode) {
   return string != nullptr && string->GetMaxLength(length).IsOK() ? length : 0;
 }
 
-EditorContent MakeContent(TreeItemData& aNode, EditorKind aKind, KrGenVisibility aVisibility) {
+EditorContent MakeContent(const TreeItemData& aNode, EditorKind aKind, KrGenVisibility aVisibility) {
   EditorContent content;
   content.kind = aKind;
   content.name = aNode.GetShownName();
@@ -37,11 +38,12 @@ EditorContent MakeContent(TreeItemData& aNode, EditorKind aKind, KrGenVisibility
     break;
   case EditorKind::Text:
     content.mostBytes = FindMostBytes(aNode);
-    content.text = GetEditText(aNode);
+    content.text = GetEditText(aNode, false);
     break;
   case EditorKind::Number:
     content.hasUpDown = HasUpDown(aNode);
-    content.text = GetEditText(aNode);
+    content.isHexadecimal = IsEditedInHexadecimal(aNode);
+    content.text = GetEditText(aNode, content.isHexadecimal);
     break;
   case EditorKind::Command:
     content.text = aNode.GetName();
@@ -50,11 +52,6 @@ EditorContent MakeContent(TreeItemData& aNode, EditorKind aKind, KrGenVisibility
     break;
   }
   return content;
-}
-
-bool IsEditable(const TreeItemData& aNode) {
-  const AccessFlags access = aNode.GetAccess();
-  return access.isWritable && access.isAvailable;
 }
 
 } // namespace
@@ -68,6 +65,8 @@ public:
   void Reposition(bool aTakesFocus);
   GridItem GetEdited() const { return mEdited; }
   void CloseWithoutWriting();
+  void CloseByCategoryPress();
+  void NotePressHandled();
   void HandleCommit();
   void Abandon();
   bool HasFocus() const { return mWidgets.HasFocus(); }
@@ -77,12 +76,13 @@ private:
   struct PendingEdit {
     GridItem item = kNoItem;
     EditInput input;
+    bool isEndedByPress = false; ///< By the press on the grid that is being handled.
   };
 
   bool Open(GridItem aItem);
-  void RefillWithNewValue(TreeItemData& aNode);
+  void RefillWithNewValue(const TreeItemData& aNode);
   void Close();
-  void CloseAndCommit();
+  void CloseAndCommit(Qt::FocusReason aReason);
   void PostCommit(PendingEdit aEdit);
   bool IsPending(GridItem aItem) const;
   void FinishWriting(TreeItemData& aNode, const EditInput& aInput);
@@ -92,8 +92,9 @@ private:
   void TellRowChanged(GridItem aItem) { mHost.GetMessages().PostOnce({kRowChangedMessage, aItem, 1}); }
 
   void OnKeyDown(Qt::Key aKey) override;
-  void OnFocusLost() override;
+  void OnFocusLost(Qt::FocusReason aReason) override;
   void OnChoiceMade() override { EndByFocus(); }
+  void OnListLeft() override;
   void OnCommandClicked() override;
   void OnStep(bool aIsUp) override;
   void OnStepsEnd() override { mAcceleration.Reset(); }
@@ -103,7 +104,6 @@ private:
   EditorWidgets mWidgets{*this};
   GridItem mEdited = kNoItem;
   GridItem mWithoutEditor = kNoItem; ///< A row whose type has no editor, so that the device is not asked again.
-  KrString mShownValue;              ///< The row's value that the open editor was filled with.
   /// Nobody was sent back to the grid from this row's editor since it was selected.
   bool mMayTakeFocus = true;
   bool mWantsFocus = false; ///< The focus was asked for while the row's last edit still was to be written.
@@ -118,7 +118,7 @@ void GridEditors::Body::UpdateRow(GridItem aItem) {
     return;
   }
   TreeItemData* node = mHost.FindFeatureNode(aItem);
-  if (node == nullptr || !IsEditable(*node)) {
+  if (node == nullptr || !IsEditable(node->GetSnapshot())) {
     Close();
   } else if (mEdited == aItem) {
     RefillWithNewValue(*node);
@@ -133,34 +133,26 @@ bool GridEditors::Body::Open(GridItem aItem) {
   const EditorKind kind = node != nullptr ? ChooseEditor(*node) : EditorKind::None;
   if (kind == EditorKind::None) {
     // A type without an editor stays so; what cannot be written at the moment may be later.
-    mWithoutEditor = node != nullptr && IsEditable(*node) ? aItem : kNoItem;
+    mWithoutEditor = node != nullptr && IsEditable(node->GetSnapshot()) ? aItem : kNoItem;
     return false;
   }
   mEdited = aItem;
-  mShownValue = node->GetSnapshot().value;
   mAcceleration.Reset();
   mWidgets.Open(mHost.GetEditorParent(), MakeContent(*node, kind, mHost.GetEntryVisibility()));
   mWidgets.Place(mHost.GetEditorRect(aItem));
-  const bool isEditBox = kind == EditorKind::Text || kind == EditorKind::Number;
-  if (isEditBox && mMayTakeFocus && mHost.WasValueCellClicked()) {
+  // Whoever clicks a value works with its editor: its keys, Escape among them, are the editor's.
+  if (mMayTakeFocus && mHost.WasValueCellClicked()) {
     mWidgets.TakeFocus();
   }
   return true;
 }
 
-/// What the user typed stays; an editor that shows what the device has goes on to do so.
-void GridEditors::Body::RefillWithNewValue(TreeItemData& aNode) {
-  const KrString value = aNode.GetSnapshot().value;
-  if (value == mShownValue || mWidgets.IsInUse()) {
-    return;
+/// What the user typed or chose stays; an editor that shows what the device has goes on to do so.
+void GridEditors::Body::RefillWithNewValue(const TreeItemData& aNode) {
+  const EditorContent& content = mWidgets.GetContent();
+  if (content.kind != EditorKind::Command && !mWidgets.IsInUse()) {
+    mWidgets.Refill(GetEditText(aNode, content.isHexadecimal), FindChoice(aNode, content.choices));
   }
-  const EditorKind kind = ChooseEditor(aNode);
-  if (kind == EditorKind::None) {
-    Close();
-    return;
-  }
-  mShownValue = aNode.GetSnapshot().value;
-  mWidgets.Refill(MakeContent(aNode, kind, mHost.GetEntryVisibility()));
 }
 
 void GridEditors::Body::Reposition(bool aTakesFocus) {
@@ -169,11 +161,16 @@ void GridEditors::Body::Reposition(bool aTakesFocus) {
     mWantsFocus = mWantsFocus || aTakesFocus;
     return;
   }
-  if (mEdited == kNoItem && !(aTakesFocus && Open(selected))) {
+  if (aTakesFocus && mHost.FindFeatureNode(selected) != nullptr) {
+    mHost.BringIntoView(selected);
+  }
+  // An editor that nobody sees is not to take the keys.
+  const bool canTakeFocus = aTakesFocus && !mHost.GetEditorRect(selected).isEmpty();
+  if (mEdited == kNoItem && !(canTakeFocus && Open(selected))) {
     return;
   }
   mWidgets.Place(mHost.GetEditorRect(mEdited));
-  if (aTakesFocus) {
+  if (canTakeFocus) {
     mWidgets.TakeFocus();
   }
 }
@@ -198,6 +195,19 @@ void GridEditors::Body::Close() {
 void GridEditors::Body::CloseWithoutWriting() {
   Close();
   mMayTakeFocus = true;
+  mWantsFocus = false;
+}
+
+void GridEditors::Body::CloseByCategoryPress() {
+  CloseWithoutWriting();
+  std::erase_if(mPending, [](const PendingEdit& aEdit) { return aEdit.isEndedByPress; });
+}
+
+/// What an earlier press has ended is written, whatever is pressed next.
+void GridEditors::Body::NotePressHandled() {
+  for (PendingEdit& edit : mPending) {
+    edit.isEndedByPress = false;
+  }
 }
 
 void GridEditors::Body::Abandon() {
@@ -230,28 +240,36 @@ void GridEditors::Body::OnKeyDown(Qt::Key aKey) {
 void GridEditors::Body::EndByFocus() {
   mHost.FocusGrid();
   // Where the grid cannot have it, the edit ends all the same.
-  OnFocusLost();
+  OnFocusLost(Qt::OtherFocusReason);
 }
 
-void GridEditors::Body::OnFocusLost() {
+void GridEditors::Body::OnFocusLost(Qt::FocusReason aReason) {
   if (mEdited != kNoItem) {
     mMayTakeFocus = false;
-    CloseAndCommit();
+    CloseAndCommit(aReason);
   }
 }
 
-/// The device is not asked inside of the event by which the focus went.
-void GridEditors::Body::CloseAndCommit() {
-  PendingEdit edit{mEdited, mWidgets.TakeInput()};
+/// The device is not asked inside of the event by which the focus went. A press gives the focus first and is handled by
+/// the grid then, before anything else is.
+void GridEditors::Body::CloseAndCommit(Qt::FocusReason aReason) {
+  PendingEdit edit{mEdited, mWidgets.TakeInput(), aReason == Qt::MouseFocusReason && mHost.HasGridFocus()};
   if (edit.input.kind != EditorKind::Command) {
     PostCommit(std::move(edit));
   }
   Close();
 }
 
+/// What came while the list was open was kept from it.
+void GridEditors::Body::OnListLeft() {
+  if (mEdited != kNoItem) {
+    TellRowChanged(mEdited);
+  }
+}
+
 void GridEditors::Body::OnCommandClicked() {
   if (mEdited != kNoItem) {
-    PostCommit({mEdited, mWidgets.TakeInput()});
+    PostCommit({mEdited, mWidgets.TakeInput(), false});
   }
 }
 
@@ -323,7 +341,10 @@ void GridEditors::Body::FinishCommand(TreeItemData& aNode) {
       !ShowFailure(QLatin1String(kCommandFailure) + ToQString(result.GetDescription()), MessageIcon::Stop)) {
     return;
   }
-  const TreeItemData* node = mHost.FindFeatureNode(item);
+  TreeItemData* node = mHost.FindFeatureNode(item);
+  if (node != nullptr) {
+    node->Refresh();
+  }
   if (mEdited == item && (node == nullptr || !node->GetAccess().isWritable)) {
     Close();
   }
@@ -368,6 +389,14 @@ GridItem GridEditors::GetEdited() const {
 
 void GridEditors::CloseWithoutWriting() {
   mBody->CloseWithoutWriting();
+}
+
+void GridEditors::CloseByCategoryPress() {
+  mBody->CloseByCategoryPress();
+}
+
+void GridEditors::NotePressHandled() {
+  mBody->NotePressHandled();
 }
 
 void GridEditors::HandleCommit() {

@@ -26,14 +26,17 @@ public:
   virtual TreeItemData* FindFeatureNode(GridItem aItem) const = 0;
   /// The cell that an editor covers in the parent's coordinates; empty when the row is not on the screen.
   virtual QRect GetEditorRect(GridItem aItem) const = 0;
+  /// Scrolls a row to where all of it can be seen.
+  virtual void BringIntoView(GridItem aItem) = 0;
   virtual KrGenVisibility GetEntryVisibility() const = 0;
-  /// The selected row was clicked in its value cell: an edit box that opens on it takes the focus at once.
+  /// The selected row was clicked in its value cell: the editor that opens on it takes the focus at once.
   virtual bool WasValueCellClicked() const = 0;
   virtual void RepaintRow(GridItem aItem) = 0;
   /// The user has written a value.
   virtual void NoteWritten() = 0;
   virtual void FocusGrid() = 0;
-  /// The window that message boxes belong to.
+  virtual bool HasGridFocus() const = 0;
+  /// The widget that message boxes belong to, and end with.
   virtual QWidget* GetMessageOwner() = 0;
 
 protected:
@@ -49,16 +52,23 @@ public:
   GridEditors& operator=(const GridEditors&) = delete;
 
   /// The selected row has changed or is to be shown: opens, keeps or closes the editor on it. Reads the device when it
-  /// opens one, which it does on the screen only, or fills it with another value. Not from a paint event.
+  /// opens one, which it does on the screen only; another value for an open one comes from the node's snapshot. Not
+  /// from a paint event.
   void UpdateRow(GridItem aItem);
-  /// Moves the open editor to its row and shows it; with aTakesFocus it gets the focus, and where none is open, one is
-  /// opened on the selected row first. Without aTakesFocus the device is not asked.
+  /// Moves the open editor to its row and shows it; with aTakesFocus the row is brought into view and the editor gets
+  /// the focus, and where none is open, one is opened on the selected row first. Without aTakesFocus the device is not
+  /// asked.
   void Reposition(bool aTakesFocus);
   /// The item being edited; kNoItem for none.
   GridItem GetEdited() const;
   /// Hides the editor; what the user typed is dropped, but for an edit that has already lost the focus, which is
   /// written.
   void CloseWithoutWriting();
+  /// The press that is being handled goes to a category: nothing is written, not even the edit that this press has
+  /// ended by taking the focus.
+  void CloseByCategoryPress();
+  /// A press of the mouse on the grid has been handled.
+  void NotePressHandled();
   /// The posted writing of an edit that lost the focus.
   void HandleCommit();
   /// The rows are about to go: drops the edit and what was posted for it.

@@ -6,6 +6,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QKeySequence>
 #include <QMenu>
 
 #include <algorithm>
@@ -22,9 +23,8 @@ struct CopyCommand {
 };
 
 constexpr std::array kCopyCommands = {
-    CopyCommand{kCopyNameCommandID, RowPart::Name},
-    CopyCommand{kCopyValueCommandID, RowPart::Value},
-    CopyCommand{kCopyNameAndValueCommandID, RowPart::NameAndValue},
+    CopyCommand{kCopyRowCommandID, RowPart::Row},     CopyCommand{kCopyNameCommandID, RowPart::Name},
+    CopyCommand{kCopyValueCommandID, RowPart::Value}, CopyCommand{kCopyNameAndValueCommandID, RowPart::NameAndValue},
     CopyCommand{kCopyErrorCommandID, RowPart::Error},
 };
 
@@ -38,6 +38,13 @@ const CopyCommand* FindCopyCommand(int aID) {
 std::optional<KrString> FindPart(const BrowserTree& aTree, GridItem aItem, RowPart aPart) {
   const BrowserTree::Item* item = aTree.Find(aItem);
   return item != nullptr && item->node != nullptr ? GetRowPart(*item->node, aPart) : std::nullopt;
+}
+
+/// Beside the text, also where the platform's menus show none; what the key does is the grid's.
+void ShowKey(QAction& aAction, QKeySequence::StandardKey aKey) {
+  aAction.setShortcut(aKey);
+  aAction.setShortcutContext(Qt::WidgetShortcut);
+  aAction.setShortcutVisibleInContextMenu(true);
 }
 
 } // namespace
@@ -69,10 +76,12 @@ void GridMenu::Show(QWidget& aOwner, GridItem aItem, const QPoint& aPoint) {
   menu->popup(aPoint);
 }
 
-/// Whether anything is left that can be chosen.
+/// Whether anything is left that can be chosen. What there is a key for says which.
 bool GridMenu::DisableWhatMakesNoSense(const QMenu& aMenu, GridItem aItem) const {
   bool isAnyEnabled = false;
   for (QAction* action : aMenu.actions()) {
+    if (action->data().toInt() == kCopyRowCommandID)
+      ShowKey(*action, QKeySequence::Copy);
     if (const CopyCommand* command = FindCopyCommand(action->data().toInt()))
       action->setEnabled(FindPart(mTree, aItem, command->part).has_value());
     isAnyEnabled = isAnyEnabled || action->isEnabled();

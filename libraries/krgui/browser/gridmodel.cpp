@@ -1,5 +1,6 @@
 #include "browser/gridmodel.h"
 
+#include "logic/browser/gridtools.h"
 #include "logic/browser/shownvalue.h"
 #include "platform/plainline.h"
 
@@ -50,7 +51,7 @@ QVariant GridModel::data(const QModelIndex& aIndex, int aRole) const {
     return {};
   const TreeItemData& node = *item->node;
   if (aRole == Qt::AccessibleDescriptionRole)
-    return node.HasError() ? ToPlainLine(node.GetError()) : QString();
+    return ToPlainLine(GetTroubleText(node));
   if (aRole != Qt::DisplayRole)
     return {};
   if (aIndex.column() == kNameColumn)

@@ -72,6 +72,12 @@ void GridPainter::Paint(QPainter& aPainter, const GridRow& aRow) const {
   aPainter.restore();
 }
 
+void GridPainter::PaintEmpty(QPainter& aPainter, const QRect& aGrid) const {
+  aPainter.setFont(mLook.font);
+  aPainter.setPen(MakeReadable(mLook.colours.greyText, mLook.colours.window));
+  aPainter.drawText(aGrid, Qt::AlignCenter | Qt::TextWordWrap, QStringLiteral("No features to show"));
+}
+
 QRect GridPainter::Place(const GridRow& aRow, const GridRect& aRect) const {
   return QStyle::visualRect(mLook.direction, ToQRect(aRow.geometry.row), ToQRect(aRect));
 }

@@ -56,6 +56,8 @@ public:
   explicit GridPainter(GridLook aLook);
 
   void Paint(QPainter& aPainter, const GridRow& aRow) const;
+  /// What stands in a grid of this size that has no rows.
+  void PaintEmpty(QPainter& aPainter, const QRect& aGrid) const;
   /// How many characters of a text can be seen in so many pixels: longer texts are cut before they are measured.
   static int GetMostCharacters(int aWidth) { return aWidth > 0 ? aWidth + 1 : 1; }
 

@@ -1,6 +1,7 @@
 #include "krgui/propertiesctrl.h"
 
 #include "browser/propertiesgrid.h"
+#include "logic/browser/featuresearch.h"
 
 #include <QVBoxLayout>
 
@@ -41,6 +42,11 @@ void PropertiesCtrl::Refresh() {
 
 void PropertiesCtrl::SetShowsDisplayNames(bool aShowsDisplayNames) {
   mGrid->SetShowsDisplayNames(aShowsDisplayNames);
+}
+
+void PropertiesCtrl::SetSearchText(const KrString& aText) {
+  mGrid->SetSearchText(krgui::ToLowerCase(aText));
+  mGrid->Repaint();
 }
 
 void PropertiesCtrl::SetVisibility(KrGenVisibility aVisibility) {

@@ -44,12 +44,7 @@ public:
 
 /// As much of a text as can be seen in so many pixels, and a little more: nothing longer is ever measured.
 QString ToShortLine(const KrString& aText, int aWidth) {
-  constexpr std::size_t kMostBytesOfACharacter = 4;
-  const int characters = GridPainter::GetMostCharacters(aWidth);
-  const std::size_t bytes = kMostBytesOfACharacter * static_cast<std::size_t>(characters);
-  if (aText.GetLength() <= bytes)
-    return ToPlainLine(aText).left(characters);
-  return ToPlainLine(aText.ToUtf8().substr(0, bytes)).left(characters);
+  return ToPlainLine(aText, GridPainter::GetMostCharacters(aWidth));
 }
 
 RowTint FindTint(const TreeItemData& aNode) {
@@ -67,7 +62,7 @@ GridRect ToGridRect(const QRect& aRect) {
 PropertiesGrid::PropertiesGrid(QWidget* aParent, std::shared_ptr<MessageQueue> aQueue)
     : QTreeView(aParent), mQueue(aQueue ? aQueue : std::make_shared<MessageQueue>()),
       mTree(std::make_unique<BrowserTree>(RowNotifier(mQueue))), mModel(new GridModel(*mTree, this)), mMenu(*mTree),
-      mBoundary(*viewport(), [this] { MoveBoundary(); }) {
+      mBoundary(*viewport(), [this] { MoveBoundary(); }), mHelp(*this, [this] { ShowHelpOfSelected(); }) {
   GridAccessible::Install();
   mEditors = std::make_unique<GridEditors>(static_cast<IEditorHost&>(*this));
   setObjectName(QStringLiteral("propertiesGrid"));
@@ -88,6 +83,10 @@ PropertiesGrid::PropertiesGrid(QWidget* aParent, std::shared_ptr<MessageQueue> a
   header()->setStretchLastSection(false);
   header()->setSectionResizeMode(QHeaderView::Fixed);
   FitColumns();
+  connect(this, &QTreeView::expanded, this,
+          [this](const QModelIndex& aIndex) { GridAccessible::TellOpened(*this, mModel->ToItem(aIndex), true); });
+  connect(this, &QTreeView::collapsed, this,
+          [this](const QModelIndex& aIndex) { GridAccessible::TellOpened(*this, mModel->ToItem(aIndex), false); });
   if (!aQueue)
     WatchOwnQueue();
 }
@@ -135,6 +134,11 @@ GridItem PropertiesGrid::Append(GridItem aParent, const std::function<GridItem(B
 
 void PropertiesGrid::Clear() {
   Fill([](BrowserTree& aTree) { aTree.Clear(); });
+}
+
+void PropertiesGrid::SetShowsDisplayNames(bool aShowsDisplayNames) {
+  mTree->SetShowsDisplayNames(aShowsDisplayNames);
+  Repaint();
 }
 
 void PropertiesGrid::WatchOwnQueue() {
@@ -185,10 +189,9 @@ void PropertiesGrid::HandleRowChanged(GridItem aItem) {
     if (!living)
       return;
   }
-  if (isOnScreen) {
+  if (isOnScreen)
     RepaintRow(aItem);
-    GridAccessible::TellValueChanged(*this, aItem);
-  }
+  GridAccessible::TellRowChanged(*this, aItem, isOnScreen);
 }
 
 void PropertiesGrid::RepaintRow(GridItem aItem) {
@@ -285,6 +288,8 @@ void PropertiesGrid::SetAllOpen(bool aIsOpen) {
     if (top != selected)
       SelectItem(top);
   }
+  // Told once, not for each.
+  QSignalBlocker blocker(this);
   if (aIsOpen) {
     scheduleDelayedItemsLayout();
     for (const auto& category : mTree->GetCategories())
@@ -293,6 +298,8 @@ void PropertiesGrid::SetAllOpen(bool aIsOpen) {
   } else {
     collapseAll();
   }
+  blocker.unblock();
+  GridAccessible::TellAllRowsChanged(*this);
   TellRowsMoved();
 }
 
@@ -337,6 +344,11 @@ QRect PropertiesGrid::GetEditorRect(GridItem aItem) const {
   const GridRect editor = GetGeometry(aItem, row).GetEditor();
   return QStyle::visualRect(layoutDirection(), row,
                             QRect(editor.left, editor.top, editor.right - editor.left, editor.bottom - editor.top));
+}
+
+void PropertiesGrid::BringIntoView(GridItem aItem) {
+  executeDelayedItemsLayout();
+  scrollTo(mModel->ToIndex(aItem));
 }
 
 const GridPainter& PropertiesGrid::GetPainter() const {
@@ -385,6 +397,10 @@ void PropertiesGrid::paintEvent(QPaintEvent* aEvent) {
   mIsPainting = true;
   QTreeView::paintEvent(aEvent);
   mIsPainting = false;
+  if (mModel->rowCount({}) == 0) {
+    QPainter painter(viewport());
+    GetPainter().PaintEmpty(painter, viewport()->rect());
+  }
 }
 
 void PropertiesGrid::doItemsLayout() {
@@ -434,6 +450,7 @@ void PropertiesGrid::hideEvent(QHideEvent* aEvent) {
 }
 
 void PropertiesGrid::changeEvent(QEvent* aEvent) {
+  mBoundary.NoteEvent(*aEvent);
   mPainter.reset();
   QTreeView::changeEvent(aEvent);
   PostReposition();

@@ -8,6 +8,7 @@
 #include "browser/gridmenu.h"
 #include "browser/gridpainter.h"
 #include "browser/gridselection.h"
+#include "browser/rowhelp.h"
 #include "browser/screenrows.h"
 #include "logic/browser/browsertree.h"
 #include "logic/frame/messagequeue.h"
@@ -43,8 +44,8 @@ public:
   GridItem Append(GridItem aParent, const std::function<GridItem(BrowserTree&)>& aAppend);
   void Clear();
   const BrowserTree& GetTree() const { return *mTree; }
-  /// Which name the rows show that are appended from now on.
-  void SetShowsDisplayNames(bool aShowsDisplayNames) { mTree->SetShowsDisplayNames(aShowsDisplayNames); }
+  /// Which name the rows show, those that are there and those to come; repaints. Reads nothing from the device.
+  void SetShowsDisplayNames(bool aShowsDisplayNames);
   /// True when the message was the grid's. May end the grid.
   bool HandleMessage(const Message& aMessage);
   const std::shared_ptr<MessageQueue>& GetQueue() const { return mQueue; }
@@ -111,12 +112,15 @@ private:
   GridItem GetSelectedItem() const override;
   TreeItemData* FindFeatureNode(GridItem aItem) const override { return mTree->FindFeature(aItem); }
   QRect GetEditorRect(GridItem aItem) const override;
+  void BringIntoView(GridItem aItem) override;
   KrGenVisibility GetEntryVisibility() const override { return mVisibility; }
   bool WasValueCellClicked() const override { return mWasValueCellClicked; }
   void RepaintRow(GridItem aItem) override;
   void NoteWritten() override { mHasChanged = true; }
   void FocusGrid() override { setFocus(Qt::OtherFocusReason); }
-  QWidget* GetMessageOwner() override { return window(); }
+  bool HasGridFocus() const override { return hasFocus(); }
+  /// Not the window around, in which the grid may be embedded: boxes end with the grid.
+  QWidget* GetMessageOwner() override { return this; }
 
   void WatchOwnQueue();
   void HandleRowChanged(GridItem aItem);
@@ -133,10 +137,13 @@ private:
   GridItem FindItemAt(const QPoint& aPoint) const;
   /// The distance from the rows' leading edge.
   int GetRowX(const QPoint& aPoint) const;
+  void TakePress(QMouseEvent& aEvent);
   void PressRow(const QPoint& aPoint);
   void ShowToolTip(const QPoint& aPoint, const QPoint& aScreenPoint);
   void ShowMenuAtSelected();
+  void ShowHelpOfSelected();
   bool HandleEnter(const QKeyEvent& aEvent);
+  bool HandleBoundary(const QKeyEvent& aEvent);
   bool HandleOpening(const QKeyEvent& aEvent);
   void StepOut(GridItem aItem);
   void StepInto(GridItem aItem);
@@ -148,6 +155,7 @@ private:
   GridMenu mMenu;
   ColumnBoundary mBoundary;
   ScreenRows mScreenRows;
+  RowHelp mHelp;
   std::shared_ptr<GridSelection> mSelection = std::make_shared<GridSelection>();
   std::function<void()> mScreenHandler;
   mutable std::optional<GridPainter> mPainter; ///< None after a change of the look.

@@ -1,8 +1,10 @@
 // The property grid's mouse, keys, tooltips and context menu.
 
+#include "browser/gridaccessible.h"
 #include "browser/gridmodel.h"
 #include "browser/propertiesgrid.h"
 #include "logic/browser/gridtools.h"
+#include "platform/plainline.h"
 #include "platform/toqstring.h"
 
 #include <QApplication>
@@ -10,7 +12,6 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QTextDocument>
 #include <QToolTip>
 
 namespace krgui {
@@ -29,8 +30,7 @@ bool PropertiesGrid::viewportEvent(QEvent* aEvent) {
     ShowToolTip(help.pos(), help.globalPos());
     return true;
   }
-  if (aEvent->type() == QEvent::Leave || aEvent->type() == QEvent::UngrabMouse)
-    mBoundary.Stop();
+  mBoundary.NoteEvent(*aEvent);
   return QTreeView::viewportEvent(aEvent);
 }
 
@@ -50,22 +50,37 @@ void PropertiesGrid::ShowToolTip(const QPoint& aPoint, const QPoint& aScreenPoin
   if (isOnIcon && feature && feature->HasError())
     area = QStyle::visualRect(layoutDirection(), row,
                               QRect(QPoint(icon.left, icon.top), QPoint(icon.right - 1, icon.bottom - 1)));
-  // Tooltips take what looks like markup for it: every letter is to be seen as it is.
-  const QString plain = ToQString(text);
-  QToolTip::showText(aScreenPoint, Qt::convertFromPlainText(plain, Qt::WhiteSpaceNormal), viewport(), area);
+  QToolTip::showText(aScreenPoint, ToPlainToolTip(ToQString(text)), viewport(), area);
+}
+
+/// Also of a row that was scrolled away: the user asks for what is selected.
+void PropertiesGrid::ShowHelpOfSelected() {
+  const GridItem item = GetSelectedItem();
+  const QString text = ToQString(GetHelpText(*mTree, item));
+  if (text.isEmpty())
+    return;
+  scrollTo(mModel->ToIndex(item));
+  const QRect row = FindRow(item);
+  const QPoint corner = layoutDirection() == Qt::RightToLeft ? row.bottomRight() : row.bottomLeft();
+  mHelp.Show(text, viewport()->mapToGlobal(corner), *viewport());
 }
 
 void PropertiesGrid::mousePressEvent(QMouseEvent* aEvent) {
   const GridSelection::Action action(mSelection);
-  if (mBoundary.TakePress(*aEvent, GetRowX(aEvent->pos())) || aEvent->button() != Qt::LeftButton)
+  TakePress(*aEvent);
+  mEditors->NotePressHandled();
+}
+
+void PropertiesGrid::TakePress(QMouseEvent& aEvent) {
+  if (mBoundary.TakePress(aEvent, GetRowX(aEvent.pos())) || aEvent.button() != Qt::LeftButton)
     return;
-  const GridItem item = FindItemAt(aEvent->pos());
+  const GridItem item = FindItemAt(aEvent.pos());
   if (mTree->FindCategory(item) != nullptr) {
     const RowGeometry geometry = GetGeometry(item, FindRow(item));
-    if (geometry.IsInGlyphBox(GetRowX(aEvent->pos()), aEvent->pos().y()))
+    if (geometry.IsInGlyphBox(GetRowX(aEvent.pos()), aEvent.pos().y()))
       SetOpen(item, !isExpanded(mModel->ToIndex(item)));
   }
-  PressRow(aEvent->pos());
+  PressRow(aEvent.pos());
 }
 
 /// A press beside all rows leaves the selection as it is.
@@ -77,7 +92,7 @@ void PropertiesGrid::PressRow(const QPoint& aPoint) {
   mWasValueCellClicked = isFeature && GetGeometry(item, FindRow(item)).IsInValueCell(GetRowX(aPoint));
   SelectItem(item);
   if (!isFeature)
-    mEditors->CloseWithoutWriting();
+    mEditors->CloseByCategoryPress();
 }
 
 void PropertiesGrid::mouseMoveEvent(QMouseEvent* aEvent) {
@@ -113,8 +128,10 @@ void PropertiesGrid::contextMenuEvent(QContextMenuEvent* aEvent) {
     mMenu.Show(*this, item, aEvent->globalPos());
 }
 
+/// The row comes into view, so that the user sees what the menu is of.
 void PropertiesGrid::ShowMenuAtSelected() {
   const GridItem item = GetSelectedItem();
+  scrollTo(mModel->ToIndex(item));
   const QRect visible = FindRow(item).intersected(viewport()->rect());
   const QPoint point = visible.isEmpty() ? viewport()->rect().center() : visible.center();
   mMenu.Show(*this, item, viewport()->mapToGlobal(point));
@@ -129,16 +146,14 @@ void PropertiesGrid::keyPressEvent(QKeyEvent* aEvent) {
     return;
   }
   if (aEvent->matches(QKeySequence::Copy)) {
-    // A category has no value.
-    if (!CopyRowPart(*mTree, GetSelectedItem(), RowPart::NameAndValue))
-      CopyRowPart(*mTree, GetSelectedItem(), RowPart::Name);
+    CopyRowPart(*mTree, GetSelectedItem(), RowPart::Row);
     return;
   }
   if (aEvent->key() == Qt::Key_F10 && aEvent->modifiers() == Qt::ShiftModifier) {
     ShowMenuAtSelected();
     return;
   }
-  if (!HandleEnter(*aEvent) && !HandleOpening(*aEvent))
+  if (!HandleEnter(*aEvent) && !HandleBoundary(*aEvent) && !HandleOpening(*aEvent))
     QTreeView::keyPressEvent(aEvent);
 }
 
@@ -157,6 +172,15 @@ bool PropertiesGrid::HandleEnter(const QKeyEvent& aEvent) {
     mIsEnterHandled = true;
     mQueue->PostOnce({kRepositionEditorMessage, 1, 0});
   }
+  return true;
+}
+
+/// The boundary goes where the arrow points.
+bool PropertiesGrid::HandleBoundary(const QKeyEvent& aEvent) {
+  const bool isRight = aEvent.key() == Qt::Key_Right;
+  if ((!isRight && aEvent.key() != Qt::Key_Left) || (aEvent.modifiers() & ~Qt::KeypadModifier) != Qt::ControlModifier)
+    return false;
+  mBoundary.Step(isRight == (layoutDirection() == Qt::LeftToRight));
   return true;
 }
 
@@ -206,6 +230,7 @@ void PropertiesGrid::StepOut(GridItem aItem) {
 }
 
 void PropertiesGrid::OpenBranch(GridItem aItem) {
+  const QSignalBlocker blocker(this);
   scheduleDelayedItemsLayout();
   std::vector<GridItem> open = {aItem};
   while (!open.empty()) {
@@ -214,6 +239,8 @@ void PropertiesGrid::OpenBranch(GridItem aItem) {
     expand(mModel->ToIndex(item->id));
     open.insert(open.end(), item->children.begin(), item->children.end());
   }
+  executeDelayedItemsLayout();
+  GridAccessible::TellAllRowsChanged(*this);
   TellRowsMoved();
 }
 
@@ -223,6 +250,7 @@ void PropertiesGrid::focusInEvent(QFocusEvent* aEvent) {
   mPainter.reset();
   PostRowOfSelected();
   RepaintRow(GetSelectedItem());
+  GridAccessible::TellFocus(*this);
 }
 
 void PropertiesGrid::focusOutEvent(QFocusEvent* aEvent) {

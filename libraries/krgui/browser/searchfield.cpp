@@ -1,6 +1,7 @@
 #include "browser/searchfield.h"
 
 #include <QKeyEvent>
+#include <QPointer>
 
 namespace krgui {
 
@@ -22,15 +23,35 @@ bool TypesCharacter(const QKeyEvent& aEvent) {
 
 } // namespace
 
-SearchField::SearchField(std::function<void()> aMoveToNext, std::function<void()> aMoveToPrevious, QWidget* aParent)
-    : QLineEdit(aParent), mMoveToNext(std::move(aMoveToNext)), mMoveToPrevious(std::move(aMoveToPrevious)) {}
+SearchField::SearchField(std::function<void()> aMoveToNext, std::function<void()> aOnEdited, QWidget* aParent)
+    : QLineEdit(aParent), mMoveToNext(std::move(aMoveToNext)), mOnEdited(std::move(aOnEdited)) {
+  connect(this, &QLineEdit::textChanged, this, [this] {
+    mIsEdited = true;
+    // From a menu of the field's, say, which does not come as an event of its own.
+    if (mEvents == 0)
+      QMetaObject::invokeMethod(this, &SearchField::TellEdit, Qt::QueuedConnection);
+  });
+}
+
+void SearchField::TellEdit() {
+  if (!mIsEdited)
+    return;
+  mIsEdited = false;
+  const std::function<void()> onEdited = mOnEdited;
+  onEdited();
+}
 
 bool SearchField::event(QEvent* aEvent) {
   if (aEvent->type() == QEvent::ShortcutOverride && IsWindowsKey(*static_cast<QKeyEvent*>(aEvent))) {
     aEvent->ignore();
     return true;
   }
-  return QLineEdit::event(aEvent);
+  const QPointer<SearchField> living(this);
+  ++mEvents;
+  const bool isHandled = QLineEdit::event(aEvent);
+  if (living && --mEvents == 0)
+    TellEdit();
+  return isHandled;
 }
 
 void SearchField::keyPressEvent(QKeyEvent* aEvent) {
@@ -41,7 +62,7 @@ void SearchField::keyPressEvent(QKeyEvent* aEvent) {
   if (IsEnter(*aEvent)) {
     // Taken before the handler, which may end the field; a dialog's default button must not hear of it.
     aEvent->accept();
-    const auto move = (aEvent->modifiers() & Qt::ShiftModifier) != 0 ? mMoveToPrevious : mMoveToNext;
+    const std::function<void()> move = mMoveToNext;
     move();
     return;
   }

@@ -3,9 +3,10 @@
 #include "browser/settingscomparisondialog.h"
 #include "browser/settingsdialog.h"
 #include "browser/settingsfilequestion.h"
-#include "browser/settingsowner.h"
 #include "browser/settingsprogressdialog.h"
+#include "frame/questionowner.h"
 #include "krgenicam/krgenparameterlist.h"
+#include "logic/browser/settingsobstacle.h"
 #include "logic/browser/settingsproblem.h"
 #include "platform/messagebox.h"
 #include "platform/plainline.h"
@@ -76,7 +77,7 @@ protected:
     return dialog.Run() == ModalResult::OK && IsAlive();
   }
 
-  SettingsOwner mOwner;
+  QuestionOwner mOwner;
   KrGenParameterArray& mArray;
   bool mIsCancelled = false; ///< The last work in the background, by the user.
 
@@ -104,7 +105,10 @@ private:
   bool Store() {
     // What could not be read is among the problems.
     const auto store = [this](const KrGenProgress& aProgress) {
-      (void)mArray.StoreSettings(mSettings, mProblems, aProgress);
+      (void)mArray.StoreSettings(mSettings, mProblems, [&](std::size_t aDone, std::size_t aTotal) {
+        mStreamable = aTotal;
+        return aProgress(aDone, aTotal);
+      });
     };
     return DoInBackground(QStringLiteral("Reading the features of the device..."), store) && !mIsCancelled;
   }
@@ -113,19 +117,25 @@ private:
   bool MayWrite() {
     const std::size_t count = mSettings.GetCount();
     if (mProblems.IsEmpty() && count == 0) {
-      Tell(QStringLiteral("This device has no features that can be saved."), MessageIcon::Information);
+      Tell(mStreamable > 0
+               ? QStringLiteral("No file was written: none of the features that this device marks as "
+                                "streamable can be both read and set at the moment.")
+               : QStringLiteral("No file was written: this device marks none of its features as streamable, "
+                                "and only such are saved."),
+           MessageIcon::Information);
       return false;
     }
     if (mProblems.IsEmpty())
       return true;
     if (count == 0)
-      return ListProblems(QStringLiteral("No file was written, as no feature could be read."), mProblems);
+      return ListProblems(QStringLiteral("No file was written, as no feature could be taken."), mProblems);
     return ListProblems(QStringLiteral("%1 values were read. What follows will be missing in the file.").arg(count),
                         mProblems, QStringLiteral("Save Anyway"));
   }
 
   KrGenSettings mSettings;
   KrStringList mProblems;
+  std::size_t mStreamable = 0; ///< How many parameters there were to take, in a category or not.
 };
 
 /// The selectors of a parameter, those of its selectors first; of a circle each once.
@@ -184,7 +194,7 @@ private:
       KrStringList problems; // Of what cannot be read the comparison has no value.
       stored = mArray.StoreSettings(present, problems, aProgress);
       if (!(stored == KrResult::Code::Aborted) && !(stored == KrResult::Code::ConnectionLost))
-        mDifference = CompareSettings(mFile, present, DescribeFeatures(present, aProgress));
+        mDifference = FindDifference(present, aProgress);
     };
     if (!DoInBackground(QStringLiteral("Comparing the device with \"%1\"...").arg(GetName(mFileName)), compare) ||
         mIsCancelled)
@@ -194,6 +204,13 @@ private:
       Tell(QStringLiteral("The device could not be compared with the file. %1").arg(ToText(stored.GetDescription())),
            MessageIcon::Stop);
     return !isLost && IsAlive();
+  }
+
+  SettingsDifference FindDifference(const KrGenSettings& aPresent, const KrGenProgress& aProgress) {
+    const ComparedFeatures features = DescribeFeatures(aPresent, aProgress);
+    SettingsDifference difference = CompareSettings(mFile, aPresent, features);
+    NoteObstacles(difference, mFile, mArray, features, aProgress);
+    return difference;
   }
 
   /// Of what the device gave no value for it is asked why; the others are not asked once more.
@@ -229,21 +246,21 @@ private:
   }
 
   bool IsWanted() {
-    if (mDifference.CountChanges() == 0) {
-      TellSame();
+    const bool hasChanges = mDifference.CountChanges() > 0;
+    if (!hasChanges && mDifference.Count(ComparedSetting::Kind::NoFeature) == 0) {
+      Tell(QStringLiteral("Nothing differs: the device is as \"%1\" has it.").arg(GetName(mFileName)),
+           MessageIcon::Information);
       return false;
     }
-    SettingsComparisonDialog dialog(GetOwner(), DescribeFile(), mDifference);
-    return dialog.Run() == ModalResult::OK && IsAlive();
+    SettingsComparisonDialog dialog(GetOwner(), hasChanges ? DescribeFile() : DescribeMissing(), mDifference);
+    return dialog.Run() == ModalResult::OK && hasChanges && IsAlive();
   }
 
-  void TellSame() {
-    QString text = QStringLiteral("Nothing differs: the device is as \"%1\" has it.").arg(GetName(mFileName));
-    if (const std::size_t count = mDifference.Count(ComparedSetting::Kind::NoFeature); count > 0)
-      text += QStringLiteral("\n%1 of %2 settings in the file are of features that this device does not have.")
-                  .arg(count)
-                  .arg(mDifference.settings.size());
-    Tell(text, MessageIcon::Information);
+  QString DescribeMissing() const {
+    const bool hasAny = mDifference.Count(ComparedSetting::Kind::Same) > 0;
+    return (hasAny ? QStringLiteral("There is nothing to restore: what this device has of \"%1\" is as in the file.")
+                   : QStringLiteral("There is nothing to restore: this device has none of the features in \"%1\"."))
+        .arg(GetName(mFileName));
   }
 
   QString DescribeFile() const {

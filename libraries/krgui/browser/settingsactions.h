@@ -16,9 +16,9 @@ namespace krgui {
 // of aOwner does: before the array is taken away. What is done in the background has ended then; that may take as long
 // as one access to a register.
 
-/// "Save features...": asks for a file and stores the streamable features in it.
+/// "Save Features...": asks for a file and stores the streamable features in it.
 bool SaveSettings(QWidget* aOwner, KrGenParameterArray& aArray, const std::stop_token& aEnd = {});
-/// "Restore features...": asks for a file, shows what would change, and on OK restores it. aHasWritten tells, also
+/// "Restore Features...": asks for a file, shows what would change, and on OK restores it. aHasWritten tells, also
 /// where false is returned, whether anything may have been written.
 bool RestoreSettings(QWidget* aOwner, KrGenParameterArray& aArray, bool& aHasWritten, const std::stop_token& aEnd = {});
 

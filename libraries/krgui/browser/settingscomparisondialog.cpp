@@ -37,12 +37,14 @@ QStringList GetHeadings() {
   return headings;
 }
 
+// Without changes there is nothing to go on with.
 SettingsDialogTexts MakeTexts(const QString& aHeading, const SettingsDifference& aDifference) {
+  const bool hasChanges = aDifference.CountChanges() > 0;
   return {.objectName = QStringLiteral("settingscomparison"),
           .caption = QStringLiteral("Restore Features"),
           .heading = aHeading + QLatin1Char('\n') + QString::fromStdString(aDifference.Summarize()),
-          .accept = QStringLiteral("Restore"),
-          .cancel = QStringLiteral("Cancel")};
+          .accept = hasChanges ? QStringLiteral("Restore") : QString(),
+          .cancel = hasChanges ? QStringLiteral("Cancel") : QStringLiteral("Close")};
 }
 
 } // namespace

@@ -15,6 +15,9 @@ namespace {
 
 constexpr int kPreferredLetters = 130;
 constexpr int kPreferredLines = 32;
+/// Below them a heading that wraps would push table, details and buttons over each other.
+constexpr int kLeastLetters = 65;
+constexpr int kLeastLines = 22;
 constexpr int kDetailLines = 5;
 
 } // namespace
@@ -53,6 +56,7 @@ SettingsDialog::SettingsDialog(QWidget* aOwner, const SettingsDialogTexts& aText
   dialog.KeepDefaultButton();
   (accept ? accept : cancel)->setDefault(true);
   const QFontMetrics metrics = mTable->fontMetrics();
+  dialog.setMinimumSize(metrics.averageCharWidth() * kLeastLetters, metrics.lineSpacing() * kLeastLines);
   dialog.resize(metrics.averageCharWidth() * kPreferredLetters, metrics.lineSpacing() * kPreferredLines);
   dialog.SetPreferredSize(dialog.size());
   mTable->setFocus();

@@ -14,6 +14,8 @@ namespace {
 
 constexpr int kPreferredLetters = 56;
 constexpr int kPeriodMs = 50;
+/// What takes less is not worth a dialog.
+constexpr int kPatienceMs = 300;
 /// A bar counts in 32 bits, what is done need not.
 constexpr int kSteps = 1000;
 
@@ -55,7 +57,7 @@ ModalResult SettingsProgressDialog::Run(const Work& aWork) {
   };
   mTimer.start(kPeriodMs);
   mTask.Start(work, [this] { EndLoop(mProgress->isCancelled ? ModalResult::Cancel : ModalResult::OK); });
-  return RunLoop();
+  return RunLoopWhenSlow(kPatienceMs);
 }
 
 void SettingsProgressDialog::ShowProgress() {

@@ -26,8 +26,8 @@ public:
 
   SettingsProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText);
 
-  /// OK when the work is done, Cancel when the user ended it: both after its end. Gone when the owner went; the work
-  /// has ended then, too.
+  /// Shown once the work takes longer than a moment. OK when the work is done, Cancel when the user ended it: both
+  /// after its end. Gone when the owner went; the work has ended then, too.
   ModalResult Run(const Work& aWork);
 
 private:

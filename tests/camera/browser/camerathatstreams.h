@@ -28,6 +28,8 @@ public:
       mThread = std::jthread([this](std::stop_token aStop) { Stream(aStop); });
   }
 
+  /// Only where the camera could be opened.
+  KrDevice& GetDevice() { return *mDevice; }
   /// Null when the camera could not be opened.
   KrGenParameterArray* GetParameters() { return mDevice ? mDevice->GetParameters() : nullptr; }
   /// The mean of the bytes of the last frame; negative before the first.

@@ -40,6 +40,13 @@ TEST(BandLayout, MuchLessRoom_IsTakenFromTheOnesBeforeItToo) {
               ElementsAre(GridRect{10, 100, 30, 120}, GridRect{35, 105, 75, 115}, GridRect{80, 100, 80, 120}));
 }
 
+TEST(BandLayout, LabelThatWouldBeCut_GoesWithItsGapAndLeavesItsRoomToTheOthers) {
+  constexpr BandItem kLabelled[] = {{40, 0, 20, 5, false, true}, {50, 30, 20, 5}};
+
+  EXPECT_THAT(LayOutBand(MakeBand(80), kLabelled), ElementsAre(GridRect{15, 100, 55, 120}, GridRect{60, 100, 90, 120}));
+  EXPECT_THAT(LayOutBand(MakeBand(79), kLabelled), ElementsAre(GridRect{10, 100, 10, 120}, GridRect{15, 100, 65, 120}));
+}
+
 TEST(BandLayout, LessRoomThanAnybodyCanGive_CutsTheLastOnes) {
   EXPECT_THAT(LayOutBand(MakeBand(40), kItems),
               ElementsAre(GridRect{10, 100, 30, 120}, GridRect{35, 105, 50, 115}, GridRect{50, 100, 50, 120}));

@@ -3,16 +3,17 @@
 #include "browsedcamera.h"
 #include "krbase/krlogger.h"
 #include "notificationwait.h"
+#include "portgate.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <future>
 #include <limits>
-#include <mutex>
+#include <map>
+#include <thread>
 
 namespace krgui {
 
@@ -22,6 +23,8 @@ constexpr std::size_t kFeatures = 40;
 constexpr int kPolled = 0x1000;
 /// One pass and no further.
 constexpr RefreshRhythm kNeverAgain{.automaticMs = std::numeric_limits<std::int32_t>::max()};
+/// One pass after the other.
+constexpr RefreshRhythm kAtOnce{.automaticMs = 1};
 /// For what must not happen: a longer time would find no more faults, and no time lets a test fail without one.
 constexpr std::chrono::milliseconds kUnlikelyToTakeLonger{300};
 
@@ -43,38 +46,6 @@ std::string MakeNodes() {
          "</Address><Length>8</Length><AccessMode>RO</AccessMode><pPort>Device</pPort><PollingTime>1</PollingTime>"
          "<Endianess>LittleEndian</Endianess></IntReg>\n";
 }
-
-// Lets the device answer for one address only when it is opened. Whoever waits at it holds the array.
-class Gate {
-public:
-  explicit Gate(std::uint64_t aAddress) : mAddress(aAddress) {}
-
-  KrResult Pass(const RegisterAccessRecord& aAccess) {
-    std::unique_lock lock(mMutex);
-    if (aAccess.address == mAddress) {
-      mIsReached = true;
-      mChanged.notify_all();
-      mChanged.wait(lock, [this] { return mIsOpen; });
-    }
-    return {};
-  }
-  void AwaitReading() {
-    std::unique_lock lock(mMutex);
-    EXPECT_TRUE(mChanged.wait_for(lock, kPatience, [this] { return mIsReached; }));
-  }
-  void Open() {
-    const std::lock_guard lock(mMutex);
-    mIsOpen = true;
-    mChanged.notify_all();
-  }
-
-private:
-  const std::uint64_t mAddress;
-  std::mutex mMutex; // Guards the members from here on.
-  std::condition_variable mChanged;
-  bool mIsReached = false;
-  bool mIsOpen = false;
-};
 
 // A refresh of a camera whose features are all in the tree, in their order.
 class BrowserRefreshTest : public testing::Test {
@@ -110,13 +81,25 @@ protected:
     }
     return aRow.GetValue(false).ToUtf8();
   }
+  /// How many registers were read once, twice and so on since the port was asked last.
+  std::map<std::size_t, std::size_t> CountReadsOfEach() {
+    std::map<std::uint64_t, std::size_t> reads;
+    for (const RegisterAccessRecord& record : mCamera.port.TakeRecords()) {
+      ++reads[record.address];
+    }
+    std::map<std::size_t, std::size_t> registers;
+    for (const auto& [address, count] : reads) {
+      ++registers[count];
+    }
+    return registers;
+  }
   /// From now on only the refresh's own readings come to the gate.
   void CloseGate() {
     mNotifications.Await();
-    mCamera.port.SetFault([this](const RegisterAccessRecord& access) { return mGate.Pass(access); });
+    mGate.CloseAt(mCamera.port, GetAddress(5));
   }
 
-  Gate mGate{GetAddress(5)}; // Outlives the camera, whose threads may be in it.
+  PortGate mGate; // Outlives the camera, whose threads may be in it.
   BrowsedCamera mCamera{MakeNodes()};
   NotificationWait mNotifications{mCamera.Integer("Wait")};
   BrowserRefresh mRefresh{mCamera.notifier};
@@ -143,6 +126,56 @@ TEST_F(BrowserRefreshTest, RefreshAll_ValueThatTheArrayRemembers_IsForgotten) {
   mRefresh.RefreshAll(*mCamera.array, mCamera.tree);
 
   EXPECT_STREQ(polled.GetValue(false).CStr(), "7 ");
+}
+
+TEST_F(BrowserRefreshTest, RefreshAll_AgainAndAgain_ReadsEachRegisterOnce) {
+  AddRows();
+  (void)mCamera.Node("Polled");
+  Start(KrGenRefresh::Manual);
+
+  for (int round = 0; round < 3; ++round) {
+    mNotifications.Await();
+    (void)mCamera.port.TakeRecords();
+
+    mRefresh.RefreshAll(*mCamera.array, mCamera.tree);
+
+    mNotifications.Await();
+    EXPECT_THAT(CountReadsOfEach(), testing::ElementsAre(testing::Pair(1, kFeatures + 1))) << round;
+  }
+}
+
+TEST_F(BrowserRefreshTest, RefreshAll_OtherListenerToAFeature_HearsOfWhatTheDeviceChanged) {
+  AddRows();
+  Start(KrGenRefresh::Manual);
+  RecordingSink other;
+  other.Listen(mCamera.Integer("F7"));
+  mCamera.Poke(GetAddress(7), {9});
+
+  mRefresh.RefreshAll(*mCamera.array, mCamera.tree);
+
+  other.WaitForCalls(1);
+  EXPECT_STREQ(Row(7).GetValue(false).CStr(), "9 ");
+}
+
+TEST_F(BrowserRefreshTest, RefreshAll_WhileTheProgramWrites_LosesNoChange) {
+  AddRows();
+  Start(KrGenRefresh::Manual);
+  std::atomic<bool> isOver = false;
+  std::int64_t written = 0;
+  std::thread program([&] {
+    while (!isOver) {
+      EXPECT_TRUE(mCamera.Integer("F7").SetValue(++written).IsOK());
+    }
+  });
+
+  for (int round = 0; round < 100; ++round) {
+    mRefresh.RefreshAll(*mCamera.array, mCamera.tree);
+  }
+  isOver = true;
+  program.join();
+
+  mNotifications.Await();
+  EXPECT_EQ(Row(7).GetValue(false), KrString(std::to_string(written) + " "));
 }
 
 TEST_F(BrowserRefreshTest, RefreshAll_AfterAStop_TellsOfEveryRow) {
@@ -208,7 +241,7 @@ TEST_F(BrowserRefreshTest, Automatic_RowsThatComeOntoTheScreenMeanwhile_AreReadN
   AddRows();
   CloseGate();
   Start(KrGenRefresh::Automatic);
-  mGate.AwaitReading();
+  ASSERT_TRUE(mGate.AwaitReached());
 
   Row(35).SetOnScreen(true);
   mRefresh.NoteScreenChange();
@@ -223,13 +256,14 @@ TEST_F(BrowserRefreshTest, Automatic_RowsThatComeOntoTheScreenMeanwhile_AreReadN
 TEST_F(BrowserRefreshTest, Automatic_RowOnTheScreen_IsReadInEveryPassAndOthersAreNot) {
   AddRows();
   Row(3).SetOnScreen(true);
-  Start(KrGenRefresh::Automatic);
+  BrowserRefresh refresh(mCamera.notifier, kAtOnce);
+  refresh.Start(KrGenRefresh::Automatic, *mCamera.array, mCamera.tree);
   (void)mCamera.TakeChangedRows(kFeatures);
   mCamera.Poke(GetAddress(2), {9});
   mCamera.Poke(GetAddress(3), {9});
 
   EXPECT_EQ(WaitForValue(Row(3), "9 "), "9 ");
-  mRefresh.Stop();
+  refresh.Stop();
   EXPECT_STREQ(Row(2).GetValue(false).CStr(), "0 ");
 }
 
@@ -372,7 +406,7 @@ TEST_F(BrowserRefreshTest, Stop_WhileTheDeviceIsWaitedFor_EndsAfterThatReading) 
   AddRows();
   CloseGate();
   Start(KrGenRefresh::Automatic);
-  mGate.AwaitReading();
+  ASSERT_TRUE(mGate.AwaitReached());
 
   std::future<void> stop = std::async(std::launch::async, [this] { mRefresh.Stop(); });
 
@@ -414,16 +448,17 @@ TEST_F(BrowserRefreshTest, Destruction_WhileItRuns_EndsTheThread) {
 
 TEST_F(BrowserRefreshTest, Automatic_RowsComingAndGoingFast_ShowTheLastValueInTheEnd) {
   AddRows();
-  Start(KrGenRefresh::Automatic);
+  BrowserRefresh refresh(mCamera.notifier, kAtOnce);
+  refresh.Start(KrGenRefresh::Automatic, *mCamera.array, mCamera.tree);
 
   for (std::size_t i = 0; i < 2000; ++i) {
     Row(i % kFeatures).SetOnScreen(i % 3 == 0);
-    mRefresh.NoteScreenChange();
+    refresh.NoteScreenChange();
     mCamera.Poke(GetAddress(i % kFeatures), {static_cast<std::uint8_t>(i)});
   }
   Row(7).SetOnScreen(true);
   mCamera.Poke(GetAddress(7), {99});
-  mRefresh.NoteScreenChange();
+  refresh.NoteScreenChange();
 
   EXPECT_EQ(WaitForValue(Row(7), "99 "), "99 ");
 }

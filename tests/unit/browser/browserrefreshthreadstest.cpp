@@ -5,14 +5,13 @@
 
 #include "browsedcamera.h"
 #include "notificationwait.h"
+#include "portgate.h"
 
 #include <gmock/gmock.h>
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <future>
-#include <mutex>
 #include <set>
 #include <thread>
 
@@ -51,38 +50,6 @@ std::string MakeNodes() {
          MakeCategory("Settings", settings);
 }
 
-/// A device that stops answering at one address: whoever asks for it waits, until the wait is over and fails.
-class Silence {
-public:
-  explicit Silence(std::uint64_t aAddress) : mAddress(aAddress) {}
-
-  KrResult Pass(const RegisterAccessRecord& aAccess) {
-    std::unique_lock lock(mMutex);
-    if (aAccess.address == mAddress) {
-      mIsReached = true;
-      mChanged.notify_all();
-      mChanged.wait(lock, [this] { return mIsOver; });
-    }
-    return {KrResult::Code::TimeLimitExceeded, kTooLate};
-  }
-  void AwaitReading() {
-    std::unique_lock lock(mMutex);
-    EXPECT_TRUE(mChanged.wait_for(lock, kPatience, [this] { return mIsReached; }));
-  }
-  void End() {
-    const std::lock_guard lock(mMutex);
-    mIsOver = true;
-    mChanged.notify_all();
-  }
-
-private:
-  const std::uint64_t mAddress;
-  std::mutex mMutex; // Guards the members from here on.
-  std::condition_variable mChanged;
-  bool mIsReached = false;
-  bool mIsOver = false;
-};
-
 class RefreshThreads : public testing::Test {
 protected:
   void Fill(const BrowserOptions& aOptions = {}) { FillBrowserTree(*mCamera.array, aOptions, {}, mCamera.tree); }
@@ -117,12 +84,13 @@ protected:
     }
     return count;
   }
+  /// The device answers nobody any more; whoever asks for one address waits, until the wait is over and fails.
   void GoSilent() {
     mNotifications.Await();
-    mCamera.port.SetFault([this](const RegisterAccessRecord& access) { return mSilence.Pass(access); });
+    mSilence.CloseAt(mCamera.port, GetAddress(5), {KrResult::Code::TimeLimitExceeded, kTooLate});
   }
 
-  Silence mSilence{GetAddress(5)}; // Outlives the camera, whose threads may be in it.
+  PortGate mSilence; // Outlives the camera, whose threads may be in it.
   BrowsedCamera mCamera{MakeNodes()};
   NotificationWait mNotifications{mCamera.Integer("Wait")};
   BrowserRefresh mRefresh{mCamera.notifier, {.automaticMs = 1, .pollingMs = 1}};
@@ -150,7 +118,7 @@ TEST_F(RefreshThreads, TimeOutOfTheRefreshThread_WhileRowsAreFilledAnew_EndsTher
   Fill();
   GoSilent();
   Start(KrGenRefresh::Automatic);
-  mSilence.AwaitReading();
+  ASSERT_TRUE(mSilence.AwaitReached());
   std::future<void> rebuilding = std::async(std::launch::async, [this] {
     mRefresh.Stop();
     mCamera.tree.Clear();
@@ -158,7 +126,7 @@ TEST_F(RefreshThreads, TimeOutOfTheRefreshThread_WhileRowsAreFilledAnew_EndsTher
   });
 
   EXPECT_EQ(rebuilding.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
-  mSilence.End();
+  mSilence.Open();
   rebuilding.get();
 
   RefreshAll();
@@ -174,12 +142,12 @@ TEST_F(RefreshThreads, TimeOutOfTheNotificationThread_WhileRowsAreFilledAnew_Lea
   ASSERT_TRUE(mCamera.Integer("R5").SetValue(9).IsOK());
   GoSilent();
   mCamera.array->InvalidateCache();
-  mSilence.AwaitReading();
+  ASSERT_TRUE(mSilence.AwaitReached());
   std::future<void> rebuilding = std::async(std::launch::async, [this] {
     mCamera.tree.Clear();
     Fill();
   });
-  mSilence.End();
+  mSilence.Open();
   rebuilding.get();
   mCamera.port.SetFault({});
 

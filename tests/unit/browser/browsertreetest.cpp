@@ -196,14 +196,16 @@ TEST_F(Tree, ClearOfAnEmptyTree_ChangesNothing) {
   EXPECT_NE(AddFeature(kNoItem, "F"), kNoItem);
 }
 
-TEST_F(Tree, Nodes_ShowDisplayNamesFromTheSettingOn) {
+TEST_F(Tree, Nodes_ShowDisplayNamesWhetherMadeBeforeOrAfterTheSetting) {
   const GridItem before = AddFeature(kNoItem, "X");
   tree.SetShowsDisplayNames(true);
   const GridItem after = AddFeature(kNoItem, "X");
 
-  EXPECT_EQ(tree.Find(before)->node->GetShownName(), KrString("X"));
+  EXPECT_EQ(tree.Find(before)->node->GetShownName(), KrString("The X"));
   EXPECT_EQ(tree.Find(after)->node->GetShownName(), KrString("The X"));
   EXPECT_TRUE(tree.ShowsDisplayNames());
+  tree.SetShowsDisplayNames(false);
+  EXPECT_EQ(tree.Find(before)->node->GetShownName(), KrString("X"));
 }
 
 TEST_F(Tree, Features_TellTheirOwnRows) {

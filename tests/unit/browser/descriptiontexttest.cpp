@@ -107,6 +107,20 @@ TEST(DescriptionText, DescriptionOfTheFeature_FollowsTheSelectors) {
   EXPECT_EQ(DescribeFeature(selector + plain), "Selector: <b>A</b>\n\nWhat it is.\n" + MakeFeatureBlock("Boolean"));
 }
 
+TEST(DescriptionText, BoldRunWithoutAnEnd_EndsWithTheCamerasText) {
+  const std::string open = "<Description>All &lt;b&gt;bold</Description>";
+  NodeBench camera("<Category Name=\"Root\"><pFeature>A</pFeature></Category><Category Name=\"A\">" + open +
+                   "</Category><Enumeration Name=\"X\">" + open + "<EnumEntry Name=\"E\">" + open +
+                   "<Value>0</Value></EnumEntry><Value>0</Value></Enumeration>");
+
+  EXPECT_EQ(Describe(*camera.MakeCategoryNode("A")),
+            "All <b>bold</b>\n\nCategory Name: <b>A</b>\nType: <b>Category</b>\nName Space: <b>Custom</b>\n");
+  EXPECT_EQ(Describe(*camera.MakeNode("X")),
+            "All <b>bold</b>\n" + MakeFeatureBlock("Enumeration") +
+                "\n<b>E</b>\nAll <b>bold</b>\n\nEnum Entry Name: <b>E</b>\nEnum Entry Value: <b>0 (0x0)</b>\n"
+                "Name Space: <b>Custom</b>\nVisibility:<b>Beginner</b>\n\n");
+}
+
 TEST(DescriptionText, FeatureBlock_HasTheNodesWords) {
   EXPECT_EQ(DescribeFeature("<Boolean Name=\"X\" NameSpace=\"Standard\"><Visibility>Guru</Visibility>"
                             "<Streamable>Yes</Streamable><Value>true</Value></Boolean>"),

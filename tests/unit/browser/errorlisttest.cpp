@@ -38,12 +38,10 @@ protected:
 } // namespace
 
 TEST_F(Errors, WithoutAny_ListIsEmpty) {
-  EXPECT_FALSE(HasErrors(Source()));
   EXPECT_EQ(Format("P"), "");
 
   AppendFeatures(3);
 
-  EXPECT_FALSE(HasErrors(Source()));
   EXPECT_EQ(Format("P"), "");
 }
 
@@ -52,7 +50,6 @@ TEST_F(Errors, OfSomeFeatures_AreLinesInTheirOrder) {
   Feature(3).SetError("Parameter out of range");
   Feature(1).SetError("Error reading value, <b>none</b>");
 
-  EXPECT_TRUE(HasErrors(Source()));
   EXPECT_EQ(Format(), "[F1] Error reading value, <b>none</b>\r\n[F3] Parameter out of range");
 }
 
@@ -69,7 +66,6 @@ TEST_F(Errors, ThatWereCleared_AreGone) {
 
   Feature(1).ClearError();
 
-  EXPECT_FALSE(HasErrors(Source()));
   EXPECT_EQ(Format(), "");
 }
 

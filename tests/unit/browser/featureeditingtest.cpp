@@ -72,6 +72,12 @@ const StepRow kStepRows[] = {
     {"a float", "Gain", "1", true, std::nullopt},
 };
 
+/// The text of an editor that opens now.
+KrString GetFreshText(TreeItemData& aNode) {
+  aNode.Refresh();
+  return GetEditText(aNode, IsEditedInHexadecimal(aNode));
+}
+
 std::vector<std::string> GetTexts(const Choices& aChoices) {
   std::vector<std::string> texts;
   for (const Choice& choice : aChoices.items) {
@@ -143,6 +149,7 @@ TEST_F(FeatureEditing, ListChoices_BooleanThatWasNeverRead_HasNoneSelected) {
 
 TEST_F(FeatureEditing, ListChoices_Enumeration_HasWhatIsAvailableAndVisibleInItsOrder) {
   SetInteger(kMode, -3);
+  mCamera.Node("Mode").Refresh();
 
   const Choices forBeginners = ListChoices(mCamera.Node("Mode"), KrGenVisibility::Beginner);
   const Choices forExperts = ListChoices(mCamera.Node("Mode"), KrGenVisibility::Expert);
@@ -164,6 +171,7 @@ TEST_F(FeatureEditing, ListChoices_DisplayNamesShown_HasTheseAndNamesWhereThereA
 
 TEST_F(FeatureEditing, ListChoices_CurrentEntryNotInTheList_HasNoneSelected) {
   SetInteger(kMode, 10);
+  mCamera.Node("Mode").Refresh();
 
   EXPECT_EQ(ListChoices(mCamera.Node("Mode"), KrGenVisibility::Beginner).selected, -1);
 }
@@ -176,7 +184,7 @@ TEST_F(FeatureEditing, GetEditText_RowsOfFloats_ReadBackAsTheSameNumber) {
   for (const TextRow& row : kFloatRows) {
     SetFloat(row.value);
 
-    EXPECT_STREQ(GetEditText(mCamera.Node("Gain")).CStr(), row.expected) << row.name;
+    EXPECT_STREQ(GetFreshText(mCamera.Node("Gain")).CStr(), row.expected) << row.name;
   }
 }
 
@@ -187,16 +195,33 @@ TEST_F(FeatureEditing, GetEditText_OtherTypes_IsTheValueWithoutItsUnit) {
   SetInteger(kMAC, 0x001122334455);
   SetText("Camera 1");
 
-  EXPECT_STREQ(GetEditText(mCamera.Node("Width")).CStr(), "640");
-  EXPECT_STREQ(GetEditText(mCamera.Node("Mask")).CStr(), "0x1F");
-  EXPECT_STREQ(GetEditText(mCamera.Node("GevPersistentIPAddress")).CStr(), "192.168.0.1");
-  EXPECT_STREQ(GetEditText(mCamera.Node("GevMACAddress")).CStr(), "73588229205");
-  EXPECT_STREQ(GetEditText(mCamera.Node("UserID")).CStr(), "Camera 1");
+  EXPECT_STREQ(GetFreshText(mCamera.Node("Width")).CStr(), "640");
+  EXPECT_STREQ(GetFreshText(mCamera.Node("Mask")).CStr(), "0x1F");
+  EXPECT_STREQ(GetFreshText(mCamera.Node("GevPersistentIPAddress")).CStr(), "192.168.0.1");
+  EXPECT_STREQ(GetFreshText(mCamera.Node("GevMACAddress")).CStr(), "73588229205");
+  EXPECT_STREQ(GetFreshText(mCamera.Node("UserID")).CStr(), "Camera 1");
 }
 
 TEST_F(FeatureEditing, GetEditText_FeatureThatCannotBeRead_IsEmpty) {
-  EXPECT_STREQ(GetEditText(mCamera.Node("Key")).CStr(), "");
-  EXPECT_STREQ(GetEditText(mCamera.Node("Table")).CStr(), "");
+  EXPECT_STREQ(GetFreshText(mCamera.Node("Key")).CStr(), "");
+  EXPECT_STREQ(GetFreshText(mCamera.Node("Table")).CStr(), "");
+}
+
+TEST_F(FeatureEditing, ShownValue_NodeThatWasRead_AsksNoDevice) {
+  SetInteger(kWidth, 640);
+  SetInteger(kMode, -3);
+  TreeItemData& width = mCamera.Node("Width");
+  TreeItemData& mode = mCamera.Node("Mode");
+  width.Refresh();
+  const Choices choices = ListChoices(mode, KrGenVisibility::Beginner);
+  mode.Refresh();
+  (void)mCamera.port.TakeRecords();
+
+  EXPECT_STREQ(GetEditText(width, false).CStr(), "640");
+  EXPECT_STREQ(GetEditText(width, true).CStr(), "0x280");
+  EXPECT_EQ(choices.selected, -1);
+  EXPECT_EQ(FindChoice(mode, choices), 1);
+  EXPECT_TRUE(mCamera.port.TakeRecords().empty());
 }
 
 TEST_F(FeatureEditing, StepText_RowsOfTexts_GiveTheTextExpected) {

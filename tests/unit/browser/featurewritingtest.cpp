@@ -28,7 +28,7 @@ EditInput Typed(EditorKind aKind, const char* aText) {
 }
 
 EditInput Chosen(const char* aText, std::int64_t aValue) {
-  return {.kind = EditorKind::Choice, .text = aText, .choice = aValue, .hasChoice = true};
+  return {.kind = EditorKind::Choice, .text = aText, .isDirty = true, .choice = aValue, .hasChoice = true};
 }
 
 struct WriteRow {
@@ -51,6 +51,11 @@ const std::vector<WriteRow> kWriteRows = {
      {.kind = EditorKind::Number, .text = "800"},
      EditOutcome::NothingWritten,
      "640 px"},
+    {"a choice that nobody made",
+     "Mode",
+     {.kind = EditorKind::Choice, .text = "Fast", .choice = -3, .hasChoice = true},
+     EditOutcome::NothingWritten,
+     "Off"},
     {"an integer that is too large", "Width", Typed(EditorKind::Number, "1001"), EditOutcome::Failed, "640 px"},
     {"hexadecimal with a prefix", "Mask", Typed(EditorKind::Number, "0x1f"), EditOutcome::Written, "0x1f"},
     {"hexadecimal without a prefix", "Mask", Typed(EditorKind::Number, "1f"), EditOutcome::Written, "1f"},
@@ -164,21 +169,22 @@ TEST_F(FeatureWriting, WriteEdit_DeviceThatRefuses_SaysWhyAndShowsWhatTheDeviceH
   EXPECT_STREQ(mCamera.Node("Width").GetValue(false).CStr(), "640 px");
 }
 
-TEST_F(FeatureWriting, ExecuteCommand_Success_WritesItsValueAndShowsThatItRuns) {
+TEST_F(FeatureWriting, ExecuteCommand_Success_WritesItsValueAndIsShownToRunOnceRefreshed) {
   ASSERT_TRUE(ExecuteCommand(mCamera.Node("Start")).IsOK());
+  mCamera.Node("Start").Refresh();
 
   EXPECT_EQ(GetInteger(kStart), 5);
   EXPECT_STREQ(mCamera.Node("Start").GetValue(false).CStr(), "{Executing}");
   EXPECT_FALSE(mCamera.Node("Start").GetAccess().isWritable);
 }
 
-TEST_F(FeatureWriting, ExecuteCommand_DeviceThatRefuses_SaysWhyAndRefreshes) {
+TEST_F(FeatureWriting, ExecuteCommand_DeviceThatRefuses_SaysWhyAndLeavesTheRefreshToTheCaller) {
   RefuseWrites();
 
   const KrResult result = ExecuteCommand(mCamera.Node("Start"));
 
   EXPECT_THAT(result.GetDescription().CStr(), HasSubstr("The device refuses."));
-  EXPECT_TRUE(mCamera.Node("Start").IsRead());
+  EXPECT_FALSE(mCamera.Node("Start").IsRead());
 }
 
 TEST_F(FeatureWriting, ExecuteCommand_NoCommand_IsRefused) {

@@ -106,6 +106,34 @@ TEST_F(GridTools, Text_IsTheToolTipAndWhyTheFeatureIsLimited) {
   EXPECT_EQ(GetToolText(mCamera.tree, 2), mCamera.Node("Silent").GetAccessReason());
 }
 
+TEST_F(GridTools, Trouble_IsTheErrorAndWhyTheFeatureIsLimited) {
+  for (const char* name : {"Width", "Away"})
+    mCamera.Node(name).Refresh();
+  const KrString reason = mCamera.Node("Away").GetAccessReason();
+
+  EXPECT_EQ(GetTroubleText(mCamera.Node("Width")), KrString());
+  EXPECT_EQ(GetTroubleText(mCamera.Node("Away")), reason);
+  mCamera.Node("Away").SetError("Wrong");
+  EXPECT_EQ(GetTroubleText(mCamera.Node("Away")), KrString("Wrong\n") + reason);
+}
+
+TEST_F(GridTools, Help_IsErrorToolTipAndReasonInOne) {
+  for (const char* name : {"Width", "Away"})
+    mCamera.Node(name).Refresh();
+  const GridItem width = mCamera.Node("Width").GetItem();
+  const GridItem away = mCamera.Node("Away").GetItem();
+  const KrString reason = mCamera.Node("Away").GetAccessReason();
+  const GridItem image = mCamera.tree.AppendCategory(kNoItem, "Image", *mCamera.array->GetCategory("Image"));
+
+  EXPECT_EQ(GetHelpText(mCamera.tree, width), KrString("Columns"));
+  EXPECT_EQ(GetHelpText(mCamera.tree, image), KrString("Of the image"));
+  EXPECT_EQ(GetHelpText(mCamera.tree, 4711), KrString());
+  mCamera.Node("Away").SetError("Wrong");
+  EXPECT_EQ(GetHelpText(mCamera.tree, away), KrString("Wrong\n\nFar\n\n") + reason);
+  mCamera.Node("Width").SetError(KrString(std::string(2000, 'x')));
+  EXPECT_EQ(GetHelpText(mCamera.tree, width).GetLength(), 1023U);
+}
+
 TEST_F(GridTools, Text_EndsAfter1023CharactersAndSplitsNone) {
   mCamera.Node("Width").SetError(KrString(std::string(2000, 'x')));
   EXPECT_EQ(GetToolText(mCamera.tree, 0x8000).GetLength(), 1023U);
@@ -159,6 +187,19 @@ TEST_F(GridTools, CopiedParts_AreThoseTheRowHas) {
   EXPECT_EQ(GetRowPart(width, RowPart::Error), std::nullopt);
   width.SetError("Wrong");
   EXPECT_EQ(GetRowPart(width, RowPart::Error), KrString("Wrong"));
+}
+
+TEST_F(GridTools, CopiedRow_HasWhatThereIsOfNameValueAndError) {
+  TreeItemData& width = mCamera.Node("Width");
+  EXPECT_EQ(GetRowPart(width, RowPart::Row), KrString("Width"));
+
+  width.SetError("Wrong");
+  EXPECT_EQ(GetRowPart(width, RowPart::Row), KrString("Width\nWrong"));
+  width.Refresh();
+  EXPECT_EQ(GetRowPart(width, RowPart::Row), KrString("Width = 0"));
+  width.SetError("Wrong");
+  EXPECT_EQ(GetRowPart(width, RowPart::Row), KrString("Width = 0\nWrong"));
+  EXPECT_EQ(GetRowPart(width, RowPart::NameAndValue), KrString("Width = 0"));
 }
 
 TEST_F(GridTools, CopiedText_KeepsItsOwnBlanks) {

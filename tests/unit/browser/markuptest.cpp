@@ -68,6 +68,20 @@ TEST(SplitMarkup, TextOfAHundredThousandTags_GivesAllRuns) {
   EXPECT_EQ(runs.back(), (MarkupRun{"b", true}));
 }
 
+TEST(LeavesBold, RowsOfTexts_SayWhetherARunHasNoEnd) {
+  struct {
+    const char* text;
+    bool isOpen;
+  } constexpr kRows[] = {
+      {"", false},        {"plain", false},   {"<b>a</b>", false},        {"<b>a", true},  {"a<b>", true},
+      {"a</b>", false},   {"</b><b>", true},  {"<b>a<b>b</b>c", false},   {"<B>a", false}, {"<b>a</b><b>b", true},
+      {"<b>a</B>", true}, {"<b></b>", false}, {"<b>a</b>b</b><b", false},
+  };
+
+  for (const auto& row : kRows)
+    EXPECT_EQ(LeavesBold(row.text), row.isOpen) << row.text;
+}
+
 TEST(ScaleTitleHeight, RowsOfHeights_AreScaledAndRounded) {
   for (const TitleRow& row : kTitleRows) {
     EXPECT_EQ(ScaleTitleHeight(row.height), row.expected) << row.name;

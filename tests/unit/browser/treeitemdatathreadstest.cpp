@@ -1,6 +1,7 @@
 #include "logic/browser/treeitemdata.h"
 
 #include "nodebench.h"
+#include "portgate.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,26 +20,6 @@ const std::string kNodes = "<Integer Name=\"Width\"><pValue>Raw</pValue><Max>100
                            MakeUncachedRegister("Raw", 0);
 
 constexpr int kReadings = 5000;
-
-// Holds reads of the value's register up until it is opened.
-class Gate {
-public:
-  void CloseOn(NodeBench& aCamera) {
-    aCamera.port.SetFault([this](const RegisterAccessRecord& aRecord) {
-      if (aRecord.address == 0) {
-        mReached.Happen();
-        mOpened.Await();
-      }
-      return KrResult();
-    });
-  }
-  void AwaitRead() { mReached.Await(); }
-  void Open() { mOpened.Happen(); }
-
-private:
-  Occasion mReached;
-  Occasion mOpened;
-};
 
 } // namespace
 
@@ -96,10 +77,10 @@ TEST(NodeThreads, WhileTheDeviceIsAsked_TheNodeCanBeLookedAtAndChanged) {
   NodeBench camera(kNodes);
   const auto node = camera.MakeReadNode("Width");
   camera.AwaitNotifications();
-  Gate gate;
-  gate.CloseOn(camera);
+  PortGate gate;
+  gate.CloseAt(camera.port, 0);
   std::jthread reader([&] { node->Refresh(); });
-  gate.AwaitRead();
+  ASSERT_TRUE(gate.AwaitReached());
 
   node->SetValueText("7");
   node->SetError("No.");
@@ -121,15 +102,15 @@ TEST(NodeThreads, WhileTheDeviceIsAsked_TheNodeCanBeLookedAtAndChanged) {
 
 TEST(NodeThreads, DestructionDuringANotification_WaitsForItsEnd) {
   NodeBench camera(kNodes);
-  Gate gate;
+  PortGate gate;
   // Is called before the node, so that nothing but the node's own reading comes to the gate.
-  RecordingSink first([&](KrGenParameter&) { gate.CloseOn(camera); });
+  RecordingSink first([&](KrGenParameter&) { gate.CloseAt(camera.port, 0); });
   first.Listen(*camera.array->Get("Width"));
   auto node = camera.MakeReadNode("Width");
   camera.AwaitNotifications();
   camera.Poke(0, {7, 0, 0, 0});
   ASSERT_TRUE(camera.array->Invalidate("Raw").IsOK());
-  gate.AwaitRead();
+  ASSERT_TRUE(gate.AwaitReached());
 
   std::future<void> destruction = std::async(std::launch::async, [&] { node.reset(); });
 

@@ -70,7 +70,9 @@ inline std::string MakeBrowserNodes() {
 
 class TestBrowserWnd : public GenBrowserWnd {
 public:
-  explicit TestBrowserWnd(FeatureFilter aFilter = {}) : GenBrowserWnd(std::move(aFilter)) {}
+  explicit TestBrowserWnd(FeatureFilter aFilter = {}, const RefreshRhythm& aRhythm = {},
+                          int aErrorIntervalMs = kErrorIntervalMs)
+      : GenBrowserWnd(std::move(aFilter), aRhythm, aErrorIntervalMs) {}
   ~TestBrowserWnd() override { Dispose(); }
 
   using Wnd::EndDialog;

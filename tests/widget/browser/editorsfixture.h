@@ -79,7 +79,7 @@ inline std::string MakeEditorNodes() {
 
 class EditorsTest : public testing::Test {
 protected:
-  EditorsTest() {
+  explicit EditorsTest(const std::string& aNodes = MakeEditorNodes()) : camera(aNodes) {
     queue->Open();
     camera.Poke(0x118, {1});
     auto* layout = new QVBoxLayout(window.get());
@@ -226,7 +226,7 @@ protected:
   }
 
   bool showsDisplayNames = false;
-  DescribedCamera camera{MakeEditorNodes()};
+  DescribedCamera camera;
   std::shared_ptr<MessageQueue> queue = std::make_shared<MessageQueue>();
   std::unique_ptr<QWidget> window = std::make_unique<QWidget>();
   QLineEdit* elsewhere = new QLineEdit;

@@ -165,6 +165,13 @@ TEST_F(ErrorButtons, MarkupInAnError_IsText) {
   EXPECT_EQ(RestOnButton(), "[Gain] <b>bold</b> & <img src=\"f\">");
 }
 
+TEST_F(ErrorButtons, BlanksAndLineEndsInAnError_AreKept) {
+  mGain.SetError("No  answer:\n  three   times.\r\nGave up.");
+  mButton.SetSource(GetSource());
+
+  EXPECT_EQ(RestOnButton(), "[Gain] No  answer:\n  three   times.\nGave up.");
+}
+
 TEST_F(ErrorButtons, EndlessError_DoesNotOutgrowTheScreen) {
   mGain.SetError(KrString(std::string(10000, 'x')));
   mButton.SetSource(GetSource());

@@ -84,6 +84,24 @@ TEST_F(GenBrowserComboBoxTest, LongestItem_IsAsWideAsTheList) {
   EXPECT_GE(list.viewport()->width(), list.fontMetrics().horizontalAdvance(combo->itemText(0)));
 }
 
+TEST_F(GenBrowserComboBoxTest, LongItems_AreNotCutWhateverTheFont) {
+  for (const double size : {7.3, 8.7, 9.1, 10.3, 11.9, 13.7}) {
+    SCOPED_TRACE(size);
+    QFont font = combo->font();
+    font.setPointSizeF(size);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    combo->setFont(font);
+    for (const char* text : {"A long name of an entry that needs room ", "ffififfiTaVoWAjjilli", "BayerRG12Packed"}) {
+      SetChoices(11, text);
+      combo->showPopup();
+
+      const CTooltipListCtrl& list = combo->GetList();
+      EXPECT_GE(list.viewport()->width(), list.sizeHintForColumn(0)) << text;
+      combo->hidePopup();
+    }
+  }
+}
+
 TEST_F(GenBrowserComboBoxTest, ShortItems_LeaveTheListAsWideAsTheComboBox) {
   SetChoices(2, "A");
   combo->showPopup();

@@ -1,16 +1,61 @@
 // The feature browser's window at its end: keys, close box, the program, a parent, deletion, and what is left of it.
 
 #include "browserfixture.h"
+#include "duringmodalloop.h"
 
 #include <QLineEdit>
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <functional>
+
 namespace krgui {
 
 namespace {
 
-class Ending : public GenBrowserTest {};
+class Ending : public GenBrowserTest {
+protected:
+  /// Types a value that the device refuses, ends the window while the message box says so, and finds out whether that
+  /// ended the box.
+  [[nodiscard]] bool EndsItsMessageBox(const std::function<void()>& aEnd) {
+    mCamera.port.SetFault([](const RegisterAccessRecord& aRecord) {
+      return aRecord.isWrite ? KrResult(KrResult::Code::TimeLimitExceeded, "The device did not answer.") : KrResult();
+    });
+    bool hasEnded = false;
+    DuringNextModalLoop([&](QWidget& aBox) {
+      const QPointer<QWidget> box(&aBox);
+      aEnd();
+      hasEnded = box.isNull() || !box->isVisible();
+      if (!hasEnded)
+        QTest::keyClick(box, Qt::Key_Escape);
+    });
+    QLineEdit* editor = OpenEditor("Width");
+    if (editor == nullptr)
+      return false;
+    QTest::keyClicks(editor, "3");
+    QTest::keyClick(editor, Qt::Key_Return);
+    return WaitFor([&] { return hasEnded; });
+  }
+  /// The edit box of a row, with the focus and all of its text selected; null where none comes.
+  QLineEdit* OpenEditor(const char* aName) {
+    if (!WaitFor([&] { return mWindow.GetValue(aName) == "0"; }))
+      return nullptr;
+    mWindow.GetGrid().Select(mWindow.FindRow(aName));
+    QLineEdit* editor = nullptr;
+    (void)WaitFor([&] {
+      for (QLineEdit* each : mWindow.GetGrid().viewport()->findChildren<QLineEdit*>()) {
+        if (each->isVisible())
+          editor = each;
+      }
+      return editor != nullptr;
+    });
+    if (editor != nullptr) {
+      editor->setFocus();
+      editor->selectAll();
+    }
+    return editor;
+  }
+};
 
 struct Host {
   Host() : widget(std::make_unique<QWidget>()) {
@@ -37,6 +82,21 @@ TEST_F(Ending, EnterKey_OfAModelessWindow_ClosesNothing) {
   QTest::keyClick(mWindow.GetWidget(), Qt::Key_Return);
 
   EXPECT_TRUE(mWindow.IsOpen());
+}
+
+TEST_F(Ending, EnterKey_OfAModalWindow_ClosesNothing) {
+  mWindow.SetGenParameterArray(mCamera.array.get());
+  bool isStillOpen = false;
+  DuringNextModalLoop([&](QWidget& aDialog) {
+    QTest::keyClick(&aDialog, Qt::Key_Return);
+    Press(Qt::Key_Enter);
+    isStillOpen = mWindow.IsOpen() && aDialog.isVisible();
+    QTest::keyClick(&aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(mWindow.ShowModal(0).GetCode(), KrResult::Code::Cancelled);
+
+  EXPECT_TRUE(isStillOpen);
 }
 
 TEST_F(Ending, EscapeKey_OfAModelessWindow_ClosesIt) {
@@ -92,19 +152,9 @@ TEST_F(Ending, ChangedFlag_SurvivesClosingAndReopeningUntilItIsReset) {
 
 TEST_F(Ending, ValueThatTheUserWrites_SetsTheChangedFlag) {
   Open();
-  ASSERT_TRUE(AwaitValue("DigitalGainSelector", "0"));
-  mWindow.GetGrid().Select(mWindow.FindRow("DigitalGainSelector"));
-  QLineEdit* editor = nullptr;
-  ASSERT_TRUE(WaitFor([&] {
-    for (QLineEdit* each : mWindow.GetGrid().viewport()->findChildren<QLineEdit*>()) {
-      if (each->isVisible())
-        editor = each;
-    }
-    return editor != nullptr;
-  }));
+  QLineEdit* editor = OpenEditor("DigitalGainSelector");
+  ASSERT_NE(editor, nullptr);
 
-  editor->setFocus();
-  editor->selectAll();
   QTest::keyClicks(editor, "3");
   QTest::keyClick(editor, Qt::Key_Return);
 
@@ -112,6 +162,35 @@ TEST_F(Ending, ValueThatTheUserWrites_SetsTheChangedFlag) {
   std::int64_t value = 0;
   EXPECT_TRUE(mCamera.Integer("DigitalGainSelector").GetValue(value).IsOK());
   EXPECT_EQ(value, 3);
+}
+
+TEST_F(Ending, MessageBoxOfAnEmbeddedWindow_EndsWithIt) {
+  const Host host;
+  mWindow.SetGenParameterArray(mCamera.array.get());
+  host.Take(mWindow);
+
+  EXPECT_TRUE(EndsItsMessageBox([this] { (void)mWindow.Close(); }));
+
+  EXPECT_TRUE(host.widget->isVisible());
+  EXPECT_FALSE(mWindow.IsOpen());
+}
+
+TEST_F(Ending, MessageBoxOfAnEmbeddedWindow_EndsWithTheHost) {
+  Host host;
+  mWindow.SetGenParameterArray(mCamera.array.get());
+  host.Take(mWindow);
+
+  EXPECT_TRUE(EndsItsMessageBox([&] { host.widget.reset(); }));
+
+  EXPECT_FALSE(mWindow.IsOpen());
+}
+
+TEST_F(Ending, MessageBoxOfAWindow_EndsWithIt) {
+  Open();
+
+  EXPECT_TRUE(EndsItsMessageBox([this] { (void)mWindow.Close(); }));
+
+  EXPECT_FALSE(mWindow.IsOpen());
 }
 
 TEST_F(Ending, AnotherArrayWhileClosed_ClearsTheChangedFlag) {

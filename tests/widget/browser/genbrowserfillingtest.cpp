@@ -2,7 +2,11 @@
 
 #include "browserfixture.h"
 
+#include "krbase/krlogger.h"
 #include "krgui/krgenbrowserwnd.h"
+
+#include <algorithm>
+#include <new>
 
 namespace krgui {
 
@@ -126,7 +130,91 @@ TEST_F(Filling, CollapseAndExpand_CloseAndOpenAllCategoriesAndSelectNothing) {
   EXPECT_EQ(mWindow.GetGrid().GetSelected(), kNoItem);
 }
 
+TEST(FillingOfManyRows, ExpandAndCollapse_PutTheFirstCategoryOnTop) {
+  std::string nodes = "<Category Name=\"Root\"><pFeature>Loose</pFeature><pFeature>One</pFeature>"
+                      "<pFeature>Two</pFeature></Category><Integer Name=\"Loose\"><Value>1</Value></Integer>";
+  for (const std::string category : {"One", "Two"}) {
+    std::string features;
+    for (int i = 0; i < 100; ++i) {
+      const std::string name = category + std::to_string(i);
+      features += "<pFeature>" + name + "</pFeature>";
+      nodes += "<Integer Name=\"" + name + "\"><Value>1</Value></Integer>";
+    }
+    nodes += "<Category Name=\"" + category + "\">" + features + "</Category>";
+  }
+  DescribedCamera camera(nodes);
+  TestBrowserWnd window;
+  window.SetGenParameterArray(camera.array.get());
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+
+  for (const char* row : {"Two99", "Two50"}) {
+    window.GetGrid().Select(window.FindRow(row));
+    ASSERT_LT(window.GetGrid().FindRow(window.FindRow("One")).top(), 0);
+    window.Click("Expand");
+    EXPECT_EQ(window.GetGrid().FindRow(window.FindRow("One")).top(), 0) << row;
+  }
+  window.GetGrid().Select(window.FindRow("Two99"));
+  window.Click("Collapse");
+  EXPECT_TRUE(window.GetGrid().viewport()->rect().contains(window.GetGrid().FindRow(window.FindRow("One"))));
+  EXPECT_TRUE(window.GetGrid().viewport()->rect().contains(window.GetGrid().FindRow(window.FindRow("Two"))));
+}
+
 // The application's filter.
+
+TEST(FillingWithAFilter, SelectionThatGoesWithTheRows_IsIgnoredUntilTheNewOnesAreThere) {
+  DescribedCamera camera(MakeBrowserNodes());
+  TestBrowserWnd* window = nullptr;
+  QString description;
+  TestBrowserWnd filling([&](KrGenParameter*) {
+    EXPECT_EQ(window->GetGrid().GetSelected(), kNoItem);
+    description = window->GetDescription().toPlainText();
+    return true;
+  });
+  window = &filling;
+  filling.SetGenParameterArray(camera.array.get());
+  ASSERT_TRUE(filling.ShowModeless(0).IsOK());
+  filling.GetGrid().Select(filling.FindRow("Width"));
+  ASSERT_TRUE(WaitFor([&] { return filling.GetDescription().toPlainText().startsWith("Columns\n"); }));
+
+  filling.GetVisibilityList().setCurrentIndex(1);
+
+  EXPECT_TRUE(description.startsWith("Columns\n")) << "what was selected before";
+  EXPECT_EQ(filling.GetDescription().toPlainText(), "");
+}
+
+/// Shows everything, but copies of it cannot be made while memory is short.
+struct FilterForWantOfMemory {
+  explicit FilterForWantOfMemory(const bool& aIsMemoryShort) : isMemoryShort(&aIsMemoryShort) {}
+  FilterForWantOfMemory(const FilterForWantOfMemory& aOther) : isMemoryShort(aOther.isMemoryShort) {
+    if (*isMemoryShort)
+      throw std::bad_alloc();
+  }
+  bool operator()(KrGenParameter*) const { return true; }
+
+  const bool* isMemoryShort;
+};
+
+TEST(FillingWithAFilter, MemoryThatIsShort_LeavesAnEmptyWindowThatCanBeFilledAgain) {
+  DescribedCamera camera(MakeBrowserNodes());
+  bool isMemoryShort = false;
+  TestBrowserWnd window{FilterForWantOfMemory(isMemoryShort)};
+  window.SetGenParameterArray(camera.array.get());
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  const KrLogCapture capture;
+
+  isMemoryShort = true;
+  window.GetVisibilityList().setCurrentIndex(1);
+
+  EXPECT_EQ(window.GetRows(), "");
+  EXPECT_TRUE(window.GetGrid().updatesEnabled());
+  const std::vector<KrLogRecord> records = capture.GetRecords();
+  EXPECT_TRUE(std::any_of(records.begin(), records.end(),
+                          [](const KrLogRecord& aRecord) { return aRecord.level == KrLogLevel::Error; }));
+  isMemoryShort = false;
+  window.GetVisibilityList().setCurrentIndex(0);
+  EXPECT_EQ(window.GetRows(), kBeginnerRows);
+}
 
 TEST(FillingWithAFilter, HiddenFeature_IsNotShown) {
   DescribedCamera camera(MakeBrowserNodes());

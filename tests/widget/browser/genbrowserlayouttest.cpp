@@ -3,6 +3,7 @@
 
 #include "browser/browsersplitter.h"
 #include "browserfixture.h"
+#include "paintcounter.h"
 
 #include <QAccessible>
 
@@ -70,7 +71,14 @@ TEST_F(Layout, SetPosition_ClampsTo300AndTheWindowIsStillItsLeastSize) {
   EXPECT_EQ(mWindow.GetWidget()->size(), QSize(390, 550));
 }
 
-TEST_F(Layout, Caption_IsTheTemplatesTitleWhenSet) {
+TEST_F(Layout, CaptionOfAWindowWithoutTitle_IsEmptyInPlaceOfTheTemplates) {
+  Open();
+
+  ASSERT_EQ(FindTemplate(mWindow.GetPopupTemplateID())->caption, "GenICam Explorer");
+  EXPECT_EQ(mWindow.GetWidget()->windowTitle(), "");
+}
+
+TEST_F(Layout, Caption_IsTheTitleWhenOneIsSet) {
   mWindow.SetTitle("Camera 1");
   Open();
 
@@ -134,17 +142,108 @@ TEST_F(Layout, BoundaryPressedThreePixelsBesideIt_IsDragged) {
 
     Drag(beside, -40);
 
-    EXPECT_EQ(GetBoundary(), boundary - 40 + beside) << "it lies where the pointer is";
-    EXPECT_EQ(GetDescriptionHeight(), height + 40 - beside);
+    EXPECT_EQ(GetBoundary(), boundary - 40) << "it keeps its distance from the pointer";
+    EXPECT_EQ(GetDescriptionHeight(), height + 40);
+  }
+}
+
+TEST_F(Layout, BoundaryPressedBesideIt_StaysUntilThePointerMoves) {
+  Open();
+  for (const int beside : {-3, 3}) {
+    const int boundary = GetBoundary();
+
+    Drag(beside, 0);
+
+    EXPECT_EQ(GetBoundary(), boundary);
   }
 }
 
 TEST_F(Layout, PressFurtherAway_IsNoneOfTheBoundarys) {
   Open();
+  const int boundary = GetBoundary();
+  for (const int beside : {-4, 4}) {
+    const QPoint point(100, boundary + beside);
+    QWidget* pressed = mWindow.GetWidget()->childAt(point);
+    pressed = pressed != nullptr ? pressed : mWindow.GetWidget();
+    EXPECT_NE(pressed, &GetSplitter());
 
-  EXPECT_EQ(GetSplitter().geometry().top(), GetBoundary() - 3);
-  EXPECT_EQ(GetSplitter().geometry().bottom(), GetBoundary() + 3);
+    QTest::mousePress(pressed, Qt::LeftButton, Qt::NoModifier, pressed->mapFrom(mWindow.GetWidget(), point));
+    QTest::mouseMove(pressed, pressed->mapFrom(mWindow.GetWidget(), point - QPoint(0, 40)));
+    QTest::mouseRelease(pressed, Qt::LeftButton);
+
+    EXPECT_EQ(GetBoundary(), boundary) << beside;
+  }
+  EXPECT_EQ(mWindow.GetWidget()->childAt(100, boundary - kSplitterReach), &GetSplitter());
+  EXPECT_EQ(mWindow.GetWidget()->childAt(100, boundary + kSplitterReach), &GetSplitter());
   EXPECT_EQ(GetSplitter().cursor().shape(), Qt::SizeVerCursor);
+}
+
+/// Notes what comes to a widget, and keeps it from it.
+class EventNotes : public QObject {
+public:
+  explicit EventNotes(QWidget& aWidget) : QObject(&aWidget) { aWidget.installEventFilter(this); }
+  std::vector<QEvent::Type> mTypes;
+  std::vector<QPoint> mPoints;
+
+private:
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    const bool isContextMenu = aEvent->type() == QEvent::ContextMenu;
+    const bool isMouse = aEvent->type() == QEvent::MouseButtonPress || aEvent->type() == QEvent::MouseButtonRelease;
+    if (!isContextMenu && !isMouse && aEvent->type() != QEvent::Wheel)
+      return false;
+    mTypes.push_back(aEvent->type());
+    if (isMouse)
+      mPoints.push_back(static_cast<const QMouseEvent*>(aEvent)->pos());
+    return true;
+  }
+};
+
+TEST_F(Layout, RightButtonAndWheelOverTheBoundary_AreThoseOfWhatLiesBeneath) {
+  Open();
+  BrowserSplitter& splitter = GetSplitter();
+  const int boundary = GetBoundary();
+  QWidget& viewport = *mWindow.GetGrid().viewport();
+  EventNotes notes(viewport);
+  const QPoint point(100, boundary - kSplitterReach - splitter.y());
+  const QPoint global = splitter.mapToGlobal(point);
+
+  QTest::mouseClick(&splitter, Qt::RightButton, Qt::NoModifier, point);
+  QContextMenuEvent menu(QContextMenuEvent::Mouse, point, global);
+  QApplication::sendEvent(&splitter, &menu);
+  QWheelEvent wheel(point, global, {}, {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(&splitter, &wheel);
+
+  EXPECT_THAT(notes.mTypes, testing::ElementsAre(QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
+                                                 QEvent::ContextMenu, QEvent::Wheel));
+  EXPECT_THAT(notes.mPoints, testing::Each(viewport.mapFromGlobal(global)));
+  EXPECT_EQ(GetBoundary(), boundary);
+}
+
+TEST_F(Layout, ToolButtonUnderTheMouse_IsRedrawn) {
+  Open();
+  QAbstractButton& button = mWindow.GetButton("Properties");
+  QTest::mouseMove(mWindow.GetWidget(), {200, 300});
+  QApplication::processEvents();
+  PaintCounter counter(button);
+
+  QTest::mouseMove(&button, {10, 10});
+  EXPECT_TRUE(WaitFor([&] { return counter.mCount > 0; }));
+  counter.mCount = 0;
+  QTest::mouseMove(mWindow.GetWidget(), {200, 300});
+  EXPECT_TRUE(WaitFor([&] { return counter.mCount > 0; }));
+}
+
+TEST_F(Layout, SymbolFont_IsAskedForByItsNameAndHeight) {
+  Open();
+  Press(Qt::Key_F, Qt::ControlModifier);
+  for (const char* button : {"Move to previous occurence", "Move to next occurence", "Close search"}) {
+    const QFont font = mWindow.GetButton(button).font();
+
+    EXPECT_EQ(font.families().value(0), "Segoe UI Symbol") << button;
+    EXPECT_GT(font.families().size(), 1) << button << ": the texts' font comes after it";
+    EXPECT_EQ(font.pixelSize(), 14) << button;
+    EXPECT_EQ(font.weight(), QFont::Normal) << button;
+  }
 }
 
 TEST_F(Layout, BoundaryDraggedOutOfTheWindow_LeavesGridAndDescriptionTheirLeast) {

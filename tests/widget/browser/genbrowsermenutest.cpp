@@ -35,7 +35,7 @@ protected:
     auto* menu = window->GetWidget()->findChild<QMenu*>("menu1509");
     ASSERT_NE(menu, nullptr);
     for (QAction* action : menu->actions()) {
-      if (action->text() == QLatin1String(aText))
+      if (action->text().remove(QLatin1Char('&')) == QLatin1String(aText))
         return action->trigger();
     }
     ADD_FAILURE() << "There is no item " << aText;
@@ -59,7 +59,7 @@ TEST_F(BrowserMenu, SaveFeatures_WritesTheChosenFile) {
   const std::string file = folder.GetFile("new.txt");
   Answers answers({{"settingsfile", ChooseFile(file)}});
 
-  Choose("Save features...");
+  Choose("Save Features...");
 
   EXPECT_THAT(TemporaryFolder::ReadFile(file), HasSubstr("Width\t0\n"));
   EXPECT_FALSE(window->HasChanged());
@@ -69,7 +69,7 @@ TEST_F(BrowserMenu, RestoreFeatures_ShowsWhatIsNewAndCountsAsChanged) {
   const std::string file = WriteFile("Width\t7\n");
   Answers answers({{"settingsfile", ChooseFile(file)}, {"settingscomparison", Click("Restore")}});
 
-  Choose("Restore features...");
+  Choose("Restore Features...");
 
   EXPECT_TRUE(window->HasChanged());
   EXPECT_EQ(GetWidth(), "7 ");
@@ -79,7 +79,7 @@ TEST_F(BrowserMenu, RestoreFeatures_CancelledBeforeAnythingIsWritten_CountsAsUnc
   const std::string file = WriteFile("Width\t7\n");
   Answers answers({{"settingsfile", ChooseFile(file)}, {"settingscomparison", PressEscape()}});
 
-  Choose("Restore features...");
+  Choose("Restore Features...");
 
   EXPECT_FALSE(window->HasChanged());
   EXPECT_EQ(GetWidth(), "0 ");
@@ -91,7 +91,7 @@ TEST_F(BrowserMenu, ArrayTakenAwayWhileADialogIsOpen_EndsTheDialog) {
                       camera.array.reset();
                     }}});
 
-  Choose("Restore features...");
+  Choose("Restore Features...");
 
   EXPECT_TRUE(window->IsOpen());
   EXPECT_FALSE(window->HasChanged());
@@ -100,7 +100,7 @@ TEST_F(BrowserMenu, ArrayTakenAwayWhileADialogIsOpen_EndsTheDialog) {
 TEST_F(BrowserMenu, WindowClosedWhileADialogIsOpen_EndsTheDialog) {
   Answers answers({{"settingsfile", [this](QWidget&) { EXPECT_TRUE(window->Close().IsOK()); }}});
 
-  Choose("Save features...");
+  Choose("Save Features...");
 
   EXPECT_FALSE(window->IsOpen());
 }
@@ -108,7 +108,7 @@ TEST_F(BrowserMenu, WindowClosedWhileADialogIsOpen_EndsTheDialog) {
 TEST_F(BrowserMenu, WindowDeletedWhileADialogIsOpen_EndsTheDialog) {
   Answers answers({{"settingsfile", [this](QWidget&) { window.reset(); }}});
 
-  Choose("Restore features...");
+  Choose("Restore Features...");
 
   EXPECT_EQ(window, nullptr);
 }

@@ -163,6 +163,57 @@ TEST_F(Options, OKWithoutAnyChange_FillsNothingAnew) {
   EXPECT_EQ(mWindow.FindRow("Width"), row);
 }
 
+TEST_F(Options, DisplayNamesAndListByLoad_AreShownInADisabledViewAndKeptByOK) {
+  KrPropertyList list;
+  list.Add({"View", "AlphabeticalList"});
+  mWindow.LoadOptions(list);
+  list.Clear();
+  list.Add({"Names", "DisplayNames"});
+  mWindow.LoadOptions(list);
+  Open();
+  const GridItem row = mWindow.FindRow("Width");
+
+  InDialog([](const OptionsDialog& aDialog) {
+    EXPECT_EQ(aDialog.Names().currentText(), "Display names");
+    EXPECT_FALSE(aDialog.View().isEnabled());
+    EXPECT_EQ(aDialog.View().currentText(), "Alphabetical list");
+    aDialog.Press("OK");
+  });
+
+  EXPECT_EQ(mWindow.FindRow("Width"), row) << "a filling would have made another row";
+  mWindow.SaveOptions(list);
+  EXPECT_THAT(GetContent(list), testing::Contains(Pair("View", "AlphabeticalList")));
+}
+
+TEST(OptionsOfAWindow, NamesViewAndRefreshTogether_FillOnce) {
+  DescribedCamera camera(MakeBrowserNodes());
+  int fillings = 0;
+  TestBrowserWnd window([&](KrGenParameter* aParameter) {
+    fillings += aParameter->GetName() == "Width" ? 1 : 0;
+    return true;
+  });
+  KrPropertyList list;
+  list.Add({"Names", "DisplayNames"});
+  window.LoadOptions(list);
+  window.SetGenParameterArray(camera.array.get());
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  fillings = 0;
+  DuringNextModalLoop([](QWidget& aDialog) {
+    const OptionsDialog dialog(aDialog);
+    dialog.Names().setCurrentIndex(0);
+    dialog.View().setCurrentIndex(1);
+    dialog.Mode().setCurrentIndex(2);
+    dialog.Press("OK");
+  });
+
+  window.Click("Properties");
+
+  EXPECT_EQ(fillings, 1);
+  EXPECT_EQ(window.GetRefreshMode(), KrGenRefresh::Manual);
+  EXPECT_FALSE(window.ShowsDisplayNames());
+  EXPECT_EQ(window.GetRows(), "DigitalGainSelector Gain Height Loose PixelFormat Width");
+}
+
 TEST_F(Options, WindowClosedWhileTheDialogIsOpen_TakesTheDialogAlong) {
   Open();
 

@@ -18,7 +18,13 @@ protected:
   void Type(const char* aText) { QTest::keyClicks(mWindow.GetWidget()->window()->focusWidget(), aText); }
 };
 
-class Description : public GenBrowserTest {};
+class Description : public GenBrowserTest {
+protected:
+  /// It follows when the input that has come is done.
+  [[nodiscard]] bool AwaitDescription(const QString& aBegin) {
+    return WaitFor([&] { return mWindow.GetDescription().toPlainText().startsWith(aBegin); });
+  }
+};
 
 } // namespace
 
@@ -151,8 +157,7 @@ TEST_F(Description, SelectedFeature_ShowsItsDisplayNameAsTitleAndItsText) {
 
   mWindow.GetGrid().Select(mWindow.FindRow("Width"));
 
-  EXPECT_TRUE(mWindow.GetDescription().toPlainText().startsWith("Columns\n"))
-      << mWindow.GetDescription().toPlainText().toStdString();
+  EXPECT_TRUE(AwaitDescription("Columns\n")) << mWindow.GetDescription().toPlainText().toStdString();
   EXPECT_TRUE(mWindow.GetDescription().toPlainText().contains("How wide pictures are."));
 }
 
@@ -161,22 +166,24 @@ TEST_F(Description, SelectedCategory_ShowsItsText) {
 
   mWindow.GetGrid().Select(mWindow.FindRow("ImageFormatControl"));
 
-  EXPECT_TRUE(mWindow.GetDescription().toPlainText().startsWith("Image Format Control\n"));
+  EXPECT_TRUE(AwaitDescription("Image Format Control\n"));
   EXPECT_TRUE(mWindow.GetDescription().toPlainText().contains("How pictures are made."));
 }
 
 TEST_F(Description, NoSelection_ShowsNothing) {
   Open();
   mWindow.GetGrid().Select(mWindow.FindRow("Width"));
+  ASSERT_TRUE(AwaitDescription("Columns\n"));
 
   mWindow.GetGrid().Select(kNoItem);
 
-  EXPECT_EQ(mWindow.GetDescription().toPlainText(), "");
+  EXPECT_TRUE(WaitFor([this] { return mWindow.GetDescription().toPlainText().isEmpty(); }));
 }
 
 TEST_F(Description, Rebuild_EmptiesIt) {
   Open();
   mWindow.GetGrid().Select(mWindow.FindRow("Width"));
+  ASSERT_TRUE(AwaitDescription("Columns\n"));
 
   mWindow.GetVisibilityList().setCurrentIndex(1);
 
@@ -190,7 +197,7 @@ TEST_F(Description, SelectionByTheArrowKeys_IsFollowed) {
   Press(Qt::Key_Down);
 
   EXPECT_EQ(mWindow.GetSelectedName(), "Height");
-  EXPECT_TRUE(mWindow.GetDescription().toPlainText().startsWith("Rows\n"));
+  EXPECT_TRUE(AwaitDescription("Rows\n"));
 }
 
 } // namespace krgui

@@ -104,6 +104,20 @@ TEST_F(GridAccessibilityTest, Errors_AreInTheDescription) {
   EXPECT_EQ(Text("Plain", kValueColumn, QAccessible::Description), "");
 }
 
+TEST_F(GridAccessibilityTest, WhyAFeatureIsLimited_IsInDescriptionAndHelpOfBothCells) {
+  const std::string reason = Node("Missing").GetAccessReason().ToUtf8();
+  ASSERT_FALSE(reason.empty());
+  (void)CountReads(mCamera.port);
+
+  for (const int column : {kNameColumn, kValueColumn}) {
+    EXPECT_EQ(Text("Missing", column, QAccessible::Description), reason);
+    EXPECT_EQ(Text("Missing", column, QAccessible::Help), "Not here\n\n" + reason);
+    EXPECT_EQ(Text("Gain", column, QAccessible::Help), "How much <b>light</b>");
+    EXPECT_EQ(Text("Analog", column, QAccessible::Help), "All that is analog");
+  }
+  EXPECT_EQ(CountReads(mCamera.port), 0U);
+}
+
 TEST_F(GridAccessibilityTest, Selection_IsSaidByCellAndTable) {
   EXPECT_EQ(mTable->selectedRowCount(), 0);
 

@@ -2,6 +2,9 @@
 
 #include "editorsfixture.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace krgui {
 
 namespace {
@@ -177,6 +180,44 @@ TEST_F(EditorsTest, CommandThatFails_ShowsWhy) {
   EXPECT_TRUE(message.contains("The device did not answer."));
   EXPECT_EQ(caption, "Error");
   EXPECT_NE(Button(), nullptr);
+}
+
+TEST_F(EditorsTest, CommandThatFails_IsReadAgainAfterItsMessageBox) {
+  const auto hasRead = [this] {
+    const std::vector<RegisterAccessRecord> records = camera.port.TakeRecords();
+    return std::any_of(records.begin(), records.end(),
+                       [](const RegisterAccessRecord& aRecord) { return !aRecord.isWrite; });
+  };
+  Select("DeviceRun");
+  FailWrites();
+  bool hadReadBefore = true;
+  DuringNextModalLoop([&](QWidget& aBox) {
+    hadReadBefore = hasRead();
+    QTest::keyClick(&aBox, Qt::Key_Escape);
+  });
+  (void)camera.port.TakeRecords();
+  QTest::mouseClick(Button(), Qt::LeftButton);
+  Pump();
+
+  EXPECT_FALSE(hadReadBefore);
+  EXPECT_TRUE(hasRead());
+}
+
+TEST_F(EditorsTest, RowsThatGoDuringTheMessageBoxOfACommand_AreNotReadAgain) {
+  Select("DeviceRun");
+  FailWrites();
+  bool wasShown = false;
+  DuringNextModalLoop([&](QWidget& aBox) {
+    wasShown = true;
+    grid->Clear();
+    QTest::keyClick(&aBox, Qt::Key_Escape);
+  });
+  QTest::mouseClick(Button(), Qt::LeftButton);
+  Pump();
+
+  EXPECT_TRUE(wasShown);
+  EXPECT_EQ(Button(), nullptr);
+  EXPECT_EQ(grid->GetEdited(), kNoItem);
 }
 
 TEST_F(EditorsTest, EscapeOnButton_GivesTheGridTheFocus) {

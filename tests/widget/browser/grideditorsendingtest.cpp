@@ -66,15 +66,44 @@ TEST_F(EditorsTest, SelectionDuringTheMessageBox_KeepsItsEditor) {
   EXPECT_EQ(NumberBox(), nullptr);
 }
 
-TEST_F(EditorsTest, GridDeletedDuringTheMessageBoxOfAWrite_IsNotTouched) {
+TEST_F(EditorsTest, GridDeletedInAWindowThatStays_EndsTheMessageBoxOfAWrite) {
   Enter("OffsetX");
+  bool wasShown = false;
+  bool hasEnded = false;
   DuringNextModalLoop([&](QWidget& aBox) {
+    wasShown = true;
+    const QPointer<QWidget> box(&aBox);
     delete grid;
-    QTest::keyClick(&aBox, Qt::Key_Escape);
+    hasEnded = box.isNull() || !box->isVisible();
+    if (!hasEnded) {
+      QTest::keyClick(box, Qt::Key_Escape);
+    }
   });
   Type(NumberBox(), "5000", Qt::Key_Return);
   Pump();
 
+  EXPECT_TRUE(wasShown);
+  EXPECT_TRUE(hasEnded);
+  EXPECT_FALSE(grid);
+  EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(EditorsTest, GridDeletedInAWindowThatStays_EndsTheMessageBoxOfACommand) {
+  Select("DeviceReset");
+  FailWrites();
+  bool hasEnded = false;
+  DuringNextModalLoop([&](QWidget& aBox) {
+    const QPointer<QWidget> box(&aBox);
+    delete grid;
+    hasEnded = box.isNull() || !box->isVisible();
+    if (!hasEnded) {
+      QTest::keyClick(box, Qt::Key_Escape);
+    }
+  });
+  QTest::mouseClick(Button(), Qt::LeftButton);
+  Pump();
+
+  EXPECT_TRUE(hasEnded);
   EXPECT_FALSE(grid);
 }
 

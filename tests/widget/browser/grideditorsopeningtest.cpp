@@ -2,9 +2,23 @@
 
 #include "editorsfixture.h"
 
+#include <QScrollBar>
+
 namespace krgui {
 
 namespace {
+
+/// Counts the Escape keys that come through to a window, which would close by them.
+class KeyWatch final : public QObject {
+public:
+  int escapes = 0;
+
+protected:
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    escapes += aEvent->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(aEvent)->key() == Qt::Key_Escape ? 1 : 0;
+    return false;
+  }
+};
 
 TEST_F(EditorsTest, SelectedInteger_HasEditBoxAndUpDownControlWithoutFocus) {
   SetRegister(0x100, {9});
@@ -67,11 +81,33 @@ TEST_F(EditorsTest, SelectedString_IsSelectedWholeWithoutFocus) {
   EXPECT_FALSE(TextBox()->hasFocus());
 }
 
-TEST_F(EditorsTest, ClickInValueCell_FocusesEditBox) {
-  ClickValue("DeviceUserID");
+TEST_F(EditorsTest, ClickInValueCell_FocusesTheEditorWhichEscapeLeavesAlone) {
+  struct {
+    const char* kind;
+    const char* feature;
+    const char* editor;
+  } constexpr kRows[] = {
+      {"text", "DeviceUserID", "textEditor"},         {"address", "GevCurrentIPAddress", "textEditor"},
+      {"integer", "OffsetX", "numberEditor"},         {"number", "ExposureTime", "numberEditor"},
+      {"enumeration", "PixelFormat", "choiceEditor"}, {"boolean", "ReverseX", "choiceEditor"},
+      {"command", "DeviceReset", "commandEditor"},
+  };
+  KeyWatch watch;
+  window->installEventFilter(&watch);
 
-  ASSERT_NE(TextBox(), nullptr);
-  EXPECT_TRUE(TextBox()->hasFocus());
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.kind);
+    elsewhere->setFocus();
+    ClickValue(row.feature);
+    ASSERT_NE(Find<QWidget>(row.editor), nullptr);
+    EXPECT_TRUE(Find<QWidget>(row.editor)->hasFocus());
+
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    Pump();
+
+    EXPECT_TRUE(grid->hasFocus());
+    EXPECT_EQ(watch.escapes, 0);
+  }
 }
 
 TEST_F(EditorsTest, ClickOnName_LeavesFocusInGrid) {
@@ -206,11 +242,10 @@ TEST_F(EditorsTest, Editors_AreNamedAfterTheirFeature) {
 TEST_F(EditorsTest, OpenEditor_CoversItsValueCell) {
   Select("DeviceUserID");
 
-  const QRect row = grid->FindRow(Item("DeviceUserID"));
+  // From the boundary to the row's end, and one pixel above and below the row.
+  ASSERT_EQ(grid->FindRow(Item("DeviceUserID")), QRect(QPoint(0, 54), QPoint(535, 71)));
   ASSERT_NE(TextBox(), nullptr);
-  EXPECT_EQ(TextBox()->geometry().left(), kInitialNameColumnWidth);
-  EXPECT_TRUE(TextBox()->geometry().adjusted(0, 1, 0, -1).intersects(row));
-  EXPECT_LE(TextBox()->height(), row.height() + 2);
+  EXPECT_EQ(TextBox()->geometry(), QRect(QPoint(220, 53), QPoint(535, 72)));
 }
 
 TEST_F(EditorsTest, UpDownControl_StandsBesideEditBoxInTheCell) {
@@ -316,6 +351,66 @@ TEST_F(EditorsTest, RowScrolledAway_KeepsFocusAndTypedTextAndComesBack) {
   EXPECT_EQ(NumberBox()->text(), "6");
   EXPECT_TRUE(NumberBox()->geometry().intersects(grid->viewport()->rect()));
   EXPECT_EQ(camera.port.CountWrites(), 0U);
+}
+
+TEST_F(EditorsTest, EnterOnARowScrolledAway_BringsItBackWithItsEditor) {
+  window->resize(560, 180);
+  Pump();
+  Select("BinningHorizontal");
+  grid->scrollToBottom();
+  Pump();
+  ASSERT_FALSE(grid->FindRow(Item("BinningHorizontal")).intersects(grid->viewport()->rect()));
+
+  QTest::keyClick(grid, Qt::Key_Return);
+  Pump();
+
+  EXPECT_TRUE(grid->viewport()->rect().contains(grid->FindRow(Item("BinningHorizontal"))));
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_TRUE(NumberBox()->hasFocus());
+  EXPECT_TRUE(NumberBox()->geometry().contains(QPoint(300, grid->FindRow(Item("BinningHorizontal")).center().y())));
+}
+
+TEST_F(EditorsTest, EnterOnARowScrolledAwayByHalf_ShowsItWhole) {
+  window->resize(560, 180);
+  Pump();
+  Select("BinningHorizontal");
+  grid->verticalScrollBar()->setValue(5);
+  Pump();
+  ASSERT_LT(grid->FindRow(Item("BinningHorizontal")).top(), 0);
+
+  QTest::keyClick(grid, Qt::Key_Return);
+  Pump();
+
+  EXPECT_EQ(grid->FindRow(Item("BinningHorizontal")).top(), 0);
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_TRUE(NumberBox()->hasFocus());
+}
+
+TEST_F(EditorsTest, EnterInAGridWithoutRoomForARow_LeavesTheFocusInTheGrid) {
+  Select("BinningHorizontal");
+  grid->setFixedHeight(2 * grid->frameWidth());
+  Pump();
+
+  QTest::keyClick(grid, Qt::Key_Return);
+  Pump();
+  EXPECT_TRUE(grid->hasFocus());
+  grid->setFixedHeight(300);
+  Pump();
+
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_TRUE(grid->hasFocus());
+}
+
+TEST_F(EditorsTest, FocusWantedForAnEditorThatIsStillToBeWritten_IsForgottenWithItsRow) {
+  Enter("OffsetX");
+  Type(NumberBox(), "7", Qt::Key_Return);
+  grid->HandleMessage({kRepositionEditorMessage, 1, 0});
+
+  Select("BinningHorizontal");
+
+  EXPECT_EQ(Integer("OffsetX"), 7);
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_TRUE(grid->hasFocus());
 }
 
 } // namespace

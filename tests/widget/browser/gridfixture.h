@@ -4,6 +4,7 @@
 #include "browsedcamera.h"
 #include "browser/gridmodel.h"
 #include "browser/propertiesgrid.h"
+#include "darkpalette.h"
 #include "platform/toqstring.h"
 
 #include <QApplication>
@@ -35,10 +36,14 @@ inline std::string MakeGridCamera() {
          "<pPort>Device</pPort><Cachable>NoCache</Cachable></StringReg>\n"
          "<StringReg Name=\"Hebrew\"><Address>0x80</Address><Length>32</Length><AccessMode>RO</AccessMode>"
          "<pPort>Device</pPort><Cachable>NoCache</Cachable></StringReg>\n" +
+         "<Enumeration Name=\"Choice\"><EnumEntry Name=\"Low\"><DisplayName>The "
+         "Low</DisplayName><Value>0</Value></EnumEntry>"
+         "<Value>0</Value></Enumeration>\n" +
+         MakeCategory("Named", {}, "<DisplayName>The Name</DisplayName>") +
          MakeCategory("Analog", {"Gain", "GainSelector", "Fixed"}, "<ToolTip>All that is analog</ToolTip>") +
          MakeCategory("Inner", {"Long", "Hebrew"}) +
          MakeCategory("DeviceControl", {"Inner", "Plain", "Missing", "Absent", "Broken"}) + MakeCategory("Empty", {}) +
-         MakeCategory("Root", {"Analog", "DeviceControl", "Empty"});
+         MakeCategory("Root", {"Analog", "DeviceControl", "Empty", "Named", "Choice"});
 }
 
 class GridTest : public testing::Test {
@@ -131,6 +136,16 @@ protected:
   void Click(QPoint aPoint) { QTest::mouseClick(mGrid->viewport(), Qt::LeftButton, {}, aPoint); }
   void Press(Qt::Key aKey, Qt::KeyboardModifiers aModifiers = {}) { QTest::keyClick(mGrid.get(), aKey, aModifiers); }
   QImage Grab() { return mGrid->viewport()->grab().toImage(); }
+  /// Where the boundary is, by its line in a row that was not selected.
+  int FindBoundary() {
+    const QImage picture = Grab();
+    const QColor line = PixelOf(picture, "Fixed", 40, Row("Fixed").height() - 1);
+    for (int x = 0; x < mGrid->viewport()->width(); ++x) {
+      if (PixelOf(picture, "Fixed", x, 0) == line)
+        return x;
+    }
+    return -1;
+  }
   /// A pixel of a row, at a distance from its left edge and from its top.
   QColor PixelOf(const QImage& aPicture, const std::string& aName, int aX, int aY = 1) const {
     const QPoint point = QPoint(aX, Row(aName).top() + aY) * aPicture.devicePixelRatio();
@@ -149,18 +164,6 @@ inline std::size_t CountReads(RecordingPort& aPort) {
   for (const RegisterAccessRecord& record : aPort.TakeRecords())
     reads += record.isWrite ? 0 : 1;
   return reads;
-}
-
-/// A palette as dark desktops have it.
-inline QPalette MakeDarkPalette() {
-  QPalette palette(QColor(0x31, 0x36, 0x3B), QColor(0x31, 0x36, 0x3B));
-  palette.setColor(QPalette::Base, QColor(0x23, 0x26, 0x29));
-  palette.setColor(QPalette::Text, QColor(0xEF, 0xF0, 0xF1));
-  palette.setColor(QPalette::WindowText, QColor(0xEF, 0xF0, 0xF1));
-  palette.setColor(QPalette::Highlight, QColor(0x3D, 0xAE, 0xE9));
-  palette.setColor(QPalette::HighlightedText, QColor(0xFC, 0xFC, 0xFC));
-  palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0x65, 0x68, 0x6A));
-  return palette;
 }
 
 } // namespace krgui

@@ -6,7 +6,12 @@
 #include <QClipboard>
 #include <QHelpEvent>
 #include <QMenu>
+#include <QScrollBar>
+#include <QTextDocument>
 #include <QToolTip>
+
+#include <set>
+#include <string>
 
 namespace krgui {
 
@@ -43,11 +48,18 @@ protected:
   }
   std::string EnabledCommands() const {
     std::string enabled;
-    for (const int command : {kCopyNameCommandID, kCopyValueCommandID, kCopyNameAndValueCommandID, kCopyErrorCommandID})
+    for (const int command :
+         {kCopyRowCommandID, kCopyNameCommandID, kCopyValueCommandID, kCopyNameAndValueCommandID, kCopyErrorCommandID})
       enabled += FindAction(command)->isEnabled() ? '1' : '0';
     return enabled;
   }
 
+  /// What a tooltip shows of a text that may be markup.
+  static QString ToShownText(const QString& aToolTip) {
+    QTextDocument document;
+    document.setHtml(aToolTip);
+    return document.toPlainText();
+  }
   QString AskToolTip(QPoint aPoint) {
     QToolTip::hideText();
     EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, kLimitMs));
@@ -62,9 +74,9 @@ protected:
 TEST_F(GridMenuTest, Menu_AtARow_SelectsItAndOffersWhatMakesSense) {
   const struct {
     const char* name;
-    const char* enabled; // Name, value, both, error.
-  } rows[] = {{"Gain", "1110"},   {"Analog", "1000"}, {"Missing", "1000"},
-              {"Absent", "1000"}, {"Broken", "1001"}, {"Fixed", "1110"}};
+    const char* enabled; // The row, name, value, both, error.
+  } rows[] = {{"Gain", "11110"},   {"Analog", "11000"}, {"Missing", "11000"},
+              {"Absent", "11000"}, {"Broken", "11001"}, {"Fixed", "11110"}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     OpenMenuAt(row.name);
@@ -81,7 +93,9 @@ TEST_F(GridMenuTest, Menu_CopiesWhatIsChosen) {
     const char* name;
     int command;
     std::string expected;
-  } rows[] = {{"Gain", kCopyNameCommandID, "Gain"},
+  } rows[] = {{"Gain", kCopyRowCommandID, "Gain = 0 dB"},
+              {"Broken", kCopyRowCommandID, "Broken\n" + Node("Broken").GetError().ToUtf8()},
+              {"Gain", kCopyNameCommandID, "Gain"},
               {"Gain", kCopyValueCommandID, "0 dB"},
               {"Gain", kCopyNameAndValueCommandID, "Gain = 0 dB"},
               {"Fixed", kCopyValueCommandID, "0"},
@@ -93,6 +107,51 @@ TEST_F(GridMenuTest, Menu_CopiesWhatIsChosen) {
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(), row.expected);
     CloseMenu();
   }
+}
+
+TEST_F(GridMenuTest, EachEntry_HasAMnemonicOfItsOwn) {
+  for (const int number : {kPropertiesGridMenuID, kGenBrowserMenuID}) {
+    std::set<QString> keys;
+    for (const MenuItemTemplate& item : FindMenu(number)->submenus.front().items) {
+      const QKeySequence key = QKeySequence::mnemonic(ToQString(KrString(std::string(item.text))));
+      EXPECT_FALSE(key.isEmpty()) << item.text;
+      EXPECT_TRUE(keys.insert(key.toString()).second) << item.text;
+    }
+  }
+}
+
+TEST_F(GridMenuTest, Mnemonic_ChoosesItsEntry) {
+  OpenMenuAt("Fixed");
+
+  QTest::keyClick(FindOpenMenu(), Qt::Key_V);
+
+  EXPECT_EQ(QApplication::clipboard()->text(), "0");
+  CloseMenu();
+}
+
+TEST_F(GridMenuTest, CopyEntry_ShowsTheKeyThatDoesTheSame) {
+  OpenMenuAt("Gain");
+
+  EXPECT_EQ(FindAction(kCopyRowCommandID)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_C));
+  EXPECT_TRUE(FindAction(kCopyRowCommandID)->isShortcutVisibleInContextMenu());
+  EXPECT_TRUE(FindAction(kCopyNameAndValueCommandID)->shortcut().isEmpty());
+  CloseMenu();
+  Press(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(), "Gain = 0 dB");
+}
+
+TEST_F(GridMenuTest, MenuKeyOnARowOffTheScreen_BringsItIntoView) {
+  mGrid->resize(500, 60);
+  mGrid->Select(Item("Empty"));
+  mGrid->verticalScrollBar()->setValue(0);
+  ASSERT_FALSE(Row("Empty").intersects(mGrid->viewport()->rect()));
+
+  Press(Qt::Key_F10, Qt::ShiftModifier);
+
+  ASSERT_NE(FindOpenMenu(), nullptr);
+  EXPECT_TRUE(mGrid->viewport()->rect().contains(Row("Empty")));
+  EXPECT_EQ(FindOpenMenu()->pos(), mGrid->viewport()->mapToGlobal(Row("Empty").center()));
+  CloseMenu();
 }
 
 TEST_F(GridMenuTest, RowThatGoesUnderTheMenu_IsNotCopied) {
@@ -150,12 +209,42 @@ TEST_F(GridMenuTest, ToolTip_ShowsTheTextLetterByLetter) {
   EXPECT_TRUE(text.contains("How much &lt;b&gt;light&lt;/b&gt;")) << text.toStdString();
 }
 
+TEST_F(GridMenuTest, ToolTip_OfWhateverADeviceSends_IsPlainText) {
+  const struct {
+    const char* name;
+    std::u16string text;
+    std::u16string expected;
+  } rows[] = {
+      {"a picture", u"<img src=\"file:///x.png\">", u"<img src=\"file:///x.png\">"},
+      {"an entity", u"1 &lt; 2 & 3", u"1 &lt; 2 & 3"},
+      {"a tag that closes the text's", u"a</qt></p><b>b", u"a</qt></p><b>b"},
+      {"an override", u"a\u202Etxt.exe\u202Cb", u"a txt.exe b"},
+      {"isolates and embeddings", u"a\u2066b\u2069c\u202Ad", u"a b c d"},
+      {"control characters", u"a\u0001b\u0007c\u009Bd", u"a b c d"},
+      {"lines of either kind", u"one\r\ntwo\nthree", u"one\ntwo\nthree"},
+      {"an empty line", u"one\n\ntwo", u"one\n\ntwo"},
+      {"a separator of lines", u"one\u2028two", u"one two"},
+      {"right to left", u"\u05E9\u05DC\u05D5\u05DD", u"\u05E9\u05DC\u05D5\u05DD"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    Node("Broken").SetError(KrString(row.text));
+
+    const QString shown = AskToolTip(PointIn("Broken", 210));
+
+    EXPECT_TRUE(Qt::mightBeRichText(shown)) << "else it would be taken letter by letter only where it looks so";
+    EXPECT_EQ(ToShownText(shown).toStdU16String(), row.expected);
+    for (const char16_t unwanted : {u'\u202E', u'\u202C', u'\u2066', u'\u2069', u'\u202A', u'\u0007'})
+      EXPECT_FALSE(shown.contains(QChar(unwanted))) << static_cast<int>(unwanted);
+  }
+}
+
 TEST_F(GridMenuTest, ToolTip_OverTheErrorIconIsTheError) {
   const QString overIcon = AskToolTip(PointIn("Broken", 210));
   const QString beside = AskToolTip(PointIn("Broken", 100));
 
   EXPECT_TRUE(overIcon.contains("The register is gone")) << overIcon.toStdString();
-  EXPECT_TRUE(overIcon.contains(ToQString(Node("Broken").GetError())));
+  EXPECT_EQ(ToShownText(overIcon), ToQString(Node("Broken").GetError()));
   EXPECT_FALSE(beside.contains(ToQString(Node("Broken").GetError()))) << beside.toStdString();
   EXPECT_FALSE(AskToolTip(PointIn("Gain", 210)).contains("The register is gone"));
 }

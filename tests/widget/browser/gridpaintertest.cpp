@@ -124,6 +124,32 @@ bool IsNear(const QColor& aInk, const QColor& aExpected) {
 
 } // namespace
 
+TEST(GridPainter, GridWithoutRows_SaysSoInReadableGreyInItsMiddle) {
+  QImage picture(kWidth, 5 * kHeight, QImage::Format_RGB32);
+  picture.fill(Qt::white);
+  QPainter painter(&picture);
+
+  GridPainter(MakeLook()).PaintEmpty(painter, picture.rect());
+  painter.end();
+
+  QRect text;
+  double contrast = 1;
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      const QColor pixel = picture.pixelColor(x, y);
+      if (pixel == Qt::white)
+        continue;
+      text |= QRect(x, y, 1, 1);
+      contrast = std::max(contrast, GetContrast(pixel, Qt::white));
+    }
+  }
+  ASSERT_FALSE(text.isEmpty());
+  EXPECT_NEAR(text.center().x(), kWidth / 2, 4);
+  EXPECT_NEAR(text.center().y(), 5 * kHeight / 2, 6);
+  EXPECT_GE(contrast, kLeastContrast - 0.5) << "smoothed letters have few whole pixels";
+  EXPECT_LT(contrast, 10) << "not as dark as a row's text";
+}
+
 TEST(GridPainter, Category_FillsItsWholeRowWithTheFace) {
   const QImage picture = Paint(MakeLook(), MakeCategoryRow());
 

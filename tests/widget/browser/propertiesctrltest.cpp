@@ -88,14 +88,99 @@ TEST_F(PropertiesCtrlTest, Refresh_ReadsAndShowsEveryFeature) {
   EXPECT_FALSE(mGrid.GetGrid().GetTree().FindFeature(gain)->HasChanged());
 }
 
-TEST_F(PropertiesCtrlTest, DisplayNames_AreThoseOfRowsAppendedAfterwards) {
+TEST_F(PropertiesCtrlTest, DisplayNames_AreShownByAllRowsAtOnceAndByLaterOnes) {
   const std::uint64_t first = AppendFeature(0, "Gain");
+  Show();
+  const auto paint = [this] { return mGrid.GetGrid().viewport()->grab().toImage(); };
+  const QImage before = paint();
+
   mGrid.SetShowsDisplayNames(true);
+  Settle();
+  const QImage after = paint();
   const std::uint64_t second = AppendFeature(0, "Gain");
 
   const BrowserTree& tree = mGrid.GetGrid().GetTree();
-  EXPECT_EQ(tree.FindFeature(first)->GetShownName(), KrString("Gain"));
+  EXPECT_EQ(tree.FindFeature(first)->GetShownName(), KrString("Gain Display"));
   EXPECT_EQ(tree.FindFeature(second)->GetShownName(), KrString("Gain Display"));
+  EXPECT_NE(after, before);
+  mGrid.Clear();
+  mGrid.SetShowsDisplayNames(false);
+  AppendFeature(0, "Gain");
+  EXPECT_EQ(paint(), before);
+}
+
+TEST_F(PropertiesCtrlTest, DisplayNamesOfCategories_AreShownAtOnceToo) {
+  const std::uint64_t analog = AppendCategory(0, "Named");
+
+  mGrid.SetShowsDisplayNames(true);
+
+  EXPECT_EQ(mGrid.GetGrid().GetTree().FindCategory(analog)->GetShownName(), KrString("The Name"));
+}
+
+TEST_F(PropertiesCtrlTest, ChangeOfTheNames_RepaintsWhatIsOnTheScreen) {
+  AppendFeature(0, "Gain");
+  Show();
+  struct Watch : QObject {
+    bool eventFilter(QObject*, QEvent* aEvent) override {
+      hasPainted = hasPainted || aEvent->type() == QEvent::Paint;
+      return false;
+    }
+    bool hasPainted = false;
+  } watch;
+  mGrid.GetGrid().viewport()->installEventFilter(&watch);
+
+  mGrid.SetShowsDisplayNames(true);
+
+  EXPECT_TRUE(QTest::qWaitFor([&] { return watch.hasPainted; }, 30000));
+}
+
+TEST_F(PropertiesCtrlTest, NamesOfEntries_FollowTheirFeaturesWithTheNextReading) {
+  const std::uint64_t choice = AppendFeature(0, "Choice");
+  Show();
+  mGrid.Refresh();
+  EXPECT_EQ(mGrid.GetGrid().GetTree().FindFeature(choice)->GetSnapshot().value, KrString("Low"));
+
+  mGrid.SetShowsDisplayNames(true);
+  mGrid.Refresh();
+
+  EXPECT_EQ(mGrid.GetGrid().GetTree().FindFeature(choice)->GetSnapshot().value, KrString("The Low"));
+}
+
+TEST_F(PropertiesCtrlTest, SearchText_IsMarkedWhateverItsCaseAndSelectsNothing) {
+  const std::uint64_t gain = AppendFeature(0, "Gain");
+  const std::uint64_t plain = AppendFeature(0, "Plain");
+  Show();
+  const auto hasMark = [this](std::uint64_t aRow) {
+    const QImage picture = mGrid.GetGrid().viewport()->grab(mGrid.GetGrid().FindRow(aRow)).toImage();
+    for (int y = 0; y < picture.height(); ++y) {
+      for (int x = 0; x < picture.width(); ++x) {
+        if (picture.pixelColor(x, y) == QColor(0xFF, 0xFF, 0x00))
+          return true;
+      }
+    }
+    return false;
+  };
+  ASSERT_FALSE(hasMark(gain));
+
+  mGrid.SetSearchText("GA");
+
+  EXPECT_TRUE(hasMark(gain));
+  EXPECT_FALSE(hasMark(plain));
+  EXPECT_EQ(mGrid.GetSelected(), 0U);
+  mGrid.SetSearchText({});
+  EXPECT_FALSE(hasMark(gain));
+}
+
+TEST_F(PropertiesCtrlTest, SearchText_FollowsTheNamesThatAreShown) {
+  AppendFeature(0, "Gain");
+  Show();
+  const auto paint = [this] { return mGrid.GetGrid().viewport()->grab().toImage(); };
+  mGrid.SetShowsDisplayNames(true);
+  const QImage before = paint();
+
+  mGrid.SetSearchText("display");
+
+  EXPECT_NE(paint(), before);
 }
 
 TEST_F(PropertiesCtrlTest, Selection_IsToldAndDescribed) {

@@ -97,6 +97,53 @@ TEST_F(GridKeysTest, Letters_SelectTheRowWhoseNameBeginsWithThem) {
   EXPECT_EQ(GetSelectedName(), "Broken");
 }
 
+TEST_F(GridKeysTest, ControlWithLeftAndRight_MovesTheBoundaryWithinItsLimits) {
+  mGrid->Select(Item("Analog"));
+  Press(Qt::Key_Right, Qt::ControlModifier);
+  EXPECT_EQ(FindBoundary(), 230);
+  Press(Qt::Key_Left, Qt::ControlModifier);
+  Press(Qt::Key_Left, Qt::ControlModifier | Qt::KeypadModifier);
+  EXPECT_EQ(FindBoundary(), 210);
+
+  for (int press = 0; press < 60; ++press)
+    Press(Qt::Key_Left, Qt::ControlModifier);
+  EXPECT_EQ(FindBoundary(), 100);
+  for (int press = 0; press < 60; ++press)
+    Press(Qt::Key_Right, Qt::ControlModifier);
+  EXPECT_EQ(FindBoundary(), mGrid->viewport()->width() - 50);
+
+  EXPECT_EQ(GetSelectedName(), "Analog");
+  EXPECT_TRUE(IsOpen("Analog"));
+}
+
+TEST_F(GridKeysTest, BoundaryWithoutASelection_MovesToo) {
+  Press(Qt::Key_Left, Qt::ControlModifier);
+
+  EXPECT_EQ(FindBoundary(), 210);
+  EXPECT_EQ(mGrid->GetSelected(), kNoItem);
+}
+
+TEST_F(GridKeysTest, MirroredBoundary_GoesWhereTheArrowPoints) {
+  mGrid->setLayoutDirection(Qt::RightToLeft);
+
+  Press(Qt::Key_Left, Qt::ControlModifier);
+
+  EXPECT_EQ(FindBoundary(), mGrid->viewport()->width() - 1 - 230);
+}
+
+TEST_F(GridKeysTest, BoundaryMovedByKey_TakesTheEditorAlong) {
+  mGrid->Select(Item("Plain"));
+  Settle();
+  ASSERT_EQ(mGrid->GetEdited(), Item("Plain"));
+
+  Press(Qt::Key_Left, Qt::ControlModifier);
+
+  bool hasEditor = false;
+  for (const QWidget* editor : mGrid->viewport()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+    hasEditor = hasEditor || (editor->isVisible() && editor->x() == 210);
+  EXPECT_TRUE(hasEditor);
+}
+
 TEST_F(GridKeysTest, Enter_GivesTheFocusToTheEditor) {
   mGrid->Select(Item("Plain"));
   Settle();
@@ -173,6 +220,19 @@ TEST_F(GridKeysTest, Copy_PutsNameAndValueIntoTheClipboard) {
     Press(Qt::Key_C, Qt::ControlModifier);
 
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(), row.expected);
+  }
+}
+
+TEST_F(GridKeysTest, CopyOfARowInError_HasItsTextInALineOfItsOwn) {
+  Node("Plain").SetError("Parameter out of range");
+  const std::map<std::string, std::string> rows = {{"Plain", "Plain = 0\nParameter out of range"},
+                                                   {"Broken", "Broken\n" + Node("Broken").GetError().ToUtf8()}};
+  for (const auto& [name, expected] : rows) {
+    mGrid->Select(Item(name));
+
+    Press(Qt::Key_C, Qt::ControlModifier);
+
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), expected);
   }
 }
 

@@ -2,6 +2,10 @@
 
 #include "gridfixture.h"
 
+#include <QLineEdit>
+
+#include <functional>
+
 namespace krgui {
 
 namespace {
@@ -15,16 +19,6 @@ protected:
   }
   QWidget* Viewport() const { return mGrid->viewport(); }
   bool ShowsSizingCursor() const { return Viewport()->cursor().shape() == Qt::SizeHorCursor; }
-  /// Where the boundary is, by its line in a row that was not selected.
-  int FindBoundary() {
-    const QImage picture = Grab();
-    const QColor line = PixelOf(picture, "Fixed", 40, Row("Fixed").height() - 1);
-    for (int x = 0; x < Viewport()->width(); ++x) {
-      if (PixelOf(picture, "Fixed", x, 0) == line)
-        return x;
-    }
-    return -1;
-  }
   void Drag(int aFrom, int aTo) {
     QTest::mousePress(Viewport(), Qt::LeftButton, {}, PointIn("Fixed", aFrom));
     QTest::mouseMove(Viewport(), PointIn("Fixed", aTo));
@@ -38,6 +32,26 @@ protected:
     Click(aPoint);
     QTest::mouseDClick(Viewport(), Qt::LeftButton, {}, aPoint);
     QTest::mouseRelease(Viewport(), Qt::LeftButton, {}, aPoint);
+  }
+  /// The user goes into the value of Plain and types there.
+  void TypeIntoPlain(const char* aText) {
+    Click(PointIn("Plain", 300));
+    Settle();
+    auto* const editBox = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_NE(editBox, nullptr);
+    editBox->selectAll();
+    QTest::keyClicks(editBox, QLatin1String(aText));
+    (void)mCamera.port.TakeRecords();
+  }
+  static void Send(QObject& aReceiver, QEvent::Type aType) {
+    QEvent event(aType);
+    QCoreApplication::sendEvent(&aReceiver, &event);
+  }
+  void MoveHeld(int aX) {
+    QMouseEvent move(QEvent::MouseMove, PointIn("Fixed", aX), Viewport()->mapToGlobal(PointIn("Fixed", aX)),
+                     Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(Viewport(), &move);
+    Settle();
   }
   void Hover(int aX) {
     QMouseEvent move(QEvent::MouseMove, PointIn("Fixed", aX), Viewport()->mapToGlobal(PointIn("Fixed", aX)),
@@ -103,14 +117,65 @@ TEST_F(GridMouseTest, CategoryWithoutRows_CannotBeToggled) {
 }
 
 TEST_F(GridMouseTest, ClickOnACategory_ClosesTheEditorWithoutWriting) {
-  mGrid->Select(Item("Plain"));
-  Settle();
-  ASSERT_EQ(mGrid->GetEdited(), Item("Plain"));
-  (void)mCamera.port.TakeRecords();
+  for (const QPoint point : {PointIn("Analog", 60), GlyphOf("Analog")}) {
+    TypeIntoPlain("77");
 
+    Click(point);
+    Settle();
+
+    EXPECT_EQ(GetSelectedName(), "Analog");
+    EXPECT_EQ(mGrid->GetEdited(), kNoItem);
+    EXPECT_TRUE(mGrid->hasFocus());
+    EXPECT_EQ(mCamera.port.CountWrites(), 0U);
+  }
+}
+
+TEST_F(GridMouseTest, ClickElsewhereBeforeACategory_WritesWhatWasTyped) {
+  TypeIntoPlain("77");
+
+  Click(PointIn("Gain", 60));
   Click(PointIn("Analog", 60));
   Settle();
 
+  EXPECT_EQ(mCamera.port.CountWrites(), 1U);
+}
+
+TEST_F(GridMouseTest, PressOfAnotherButton_WritesWhatWasTyped) {
+  TypeIntoPlain("77");
+
+  QTest::mouseClick(Viewport(), Qt::RightButton, {}, PointIn("Analog", 60));
+  Click(PointIn("Analog", 60));
+  Settle();
+
+  EXPECT_EQ(mCamera.port.CountWrites(), 1U);
+}
+
+TEST_F(GridMouseTest, CategoryClosedWhileEditing_ClosesTheEditorWithoutWriting) {
+  TypeIntoPlain("77");
+
+  mGrid->SetOpen(Item("DeviceControl"), false);
+  Settle();
+
+  EXPECT_EQ(GetSelectedName(), "DeviceControl");
+  EXPECT_EQ(mGrid->GetEdited(), kNoItem);
+  EXPECT_TRUE(mGrid->hasFocus());
+  EXPECT_EQ(mCamera.port.CountWrites(), 0U);
+}
+
+TEST_F(GridMouseTest, KeysThatCloseCategories_TypeWhileEditing) {
+  TypeIntoPlain("77");
+
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Left);
+  QTest::keyClicks(QApplication::focusWidget(), "-");
+  Settle();
+  const QString typed = static_cast<QLineEdit*>(QApplication::focusWidget())->text();
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+  Press(Qt::Key_Left);
+  Settle();
+
+  EXPECT_EQ(typed, "7-7");
+  EXPECT_EQ(GetSelectedName(), "DeviceControl");
+  EXPECT_TRUE(IsOpen("DeviceControl"));
   EXPECT_EQ(mGrid->GetEdited(), kNoItem);
   EXPECT_EQ(mCamera.port.CountWrites(), 0U);
 }
@@ -209,6 +274,57 @@ TEST_F(GridMouseTest, ReleaseElsewhere_EndsTheDrag) {
   Hover(150);
 
   EXPECT_EQ(FindBoundary(), 220);
+}
+
+TEST_F(GridMouseTest, DragWhosePointerIsLost_Ends) {
+  const struct {
+    const char* name;
+    std::function<void()> action;
+  } rows[] = {
+      {"it left and its button was released elsewhere",
+       [this] {
+         QWidget elsewhere;
+         QTest::mouseRelease(&elsewhere, Qt::LeftButton);
+         Send(*Viewport(), QEvent::Leave);
+       }},
+      {"another took it", [this] { Send(*Viewport(), QEvent::UngrabMouse); }},
+      {"another window became the active one", [this] { Send(*mGrid, QEvent::WindowDeactivate); }},
+      {"the grid was disabled",
+       [this] {
+         mGrid->setEnabled(false);
+         mGrid->setEnabled(true);
+       }},
+      {"the grid was hidden",
+       [this] {
+         mGrid->hide();
+         mGrid->show();
+       }},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    QTest::mousePress(Viewport(), Qt::LeftButton, {}, PointIn("Fixed", 220));
+
+    row.action();
+    MoveHeld(150);
+
+    EXPECT_EQ(FindBoundary(), 220);
+    QTest::mouseRelease(Viewport(), Qt::LeftButton, {}, PointIn("Fixed", 220));
+  }
+}
+
+TEST_F(GridMouseTest, DragThatLeavesTheGridWithItsButtonHeld_GoesOn) {
+  const QPoint point = Viewport()->mapTo(mGrid->window(), PointIn("Fixed", 220));
+  QTest::mousePress(mGrid->window()->windowHandle(), Qt::LeftButton, {}, point);
+  ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::mouseButtons() == Qt::LeftButton; }, kLimitMs));
+
+  Send(*Viewport(), QEvent::Leave);
+  MoveHeld(150);
+  EXPECT_EQ(FindBoundary(), 150);
+
+  QTest::mouseRelease(mGrid->window()->windowHandle(), Qt::LeftButton, {}, QPoint(-50, -50));
+  EXPECT_EQ(FindBoundary(), 100) << "It followed the pointer to where the button was released.";
+  MoveHeld(170);
+  EXPECT_EQ(FindBoundary(), 100) << "The release outside has ended it.";
 }
 
 TEST_F(GridMouseTest, MirroredGrid_TakesGlyphsAndBoundaryFromTheOtherSide) {

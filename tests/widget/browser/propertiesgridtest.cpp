@@ -247,6 +247,33 @@ TEST_F(GridTest, RowMessage_AcknowledgesAndRepaintsThatRow) {
   EXPECT_NE(grabRow(), before);
 }
 
+TEST_F(GridTest, GridWithoutRows_SaysSoUntilThereAreSome) {
+  Fill();
+  Show();
+  const auto isPlain = [this] {
+    const QImage picture = Grab();
+    // The last row ends above the middle of a grid that is as high.
+    const QRect middle(picture.width() / 4, picture.height() / 2 - 30, picture.width() / 2, 60);
+    const QColor ground = picture.pixelColor(middle.topLeft());
+    for (int y = middle.top(); y <= middle.bottom(); ++y)
+      for (int x = middle.left(); x <= middle.right(); ++x)
+        if (picture.pixelColor(x, y) != ground)
+          return false;
+    return true;
+  };
+  mGrid->resize(400, 1600);
+  Settle();
+  ASSERT_TRUE(isPlain());
+
+  mGrid->Clear();
+  Settle();
+  EXPECT_FALSE(isPlain());
+
+  Fill();
+  Settle();
+  EXPECT_TRUE(isPlain());
+}
+
 TEST_F(GridTest, RowMessages_OfRowsThatAreNotThere_DoNothing) {
   Fill();
   Show();

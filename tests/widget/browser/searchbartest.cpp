@@ -2,8 +2,10 @@
 
 #include "browser/genbrowserwnd.h"
 #include "browser/gridcolours.h"
+#include "browser/propertiesgrid.h"
 #include "describedcamera.h"
 #include "krgui/propertiesctrl.h"
+#include "paintcounter.h"
 
 #include <QAccessible>
 #include <QClipboard>
@@ -121,16 +123,8 @@ TEST_F(SearchBars, Enter_GoesThroughTheMatchesInListOrderAndRound) {
   }
   Press(Qt::Key_Enter, Qt::KeypadModifier);
   EXPECT_EQ(GetSelected(), "GainAuto") << "Enter of the keypad";
-}
-
-TEST_F(SearchBars, ShiftEnter_GoesBack) {
-  Show();
-  Type("gain");
-
   Press(Qt::Key_Return, Qt::ShiftModifier);
-  EXPECT_EQ(GetSelected(), "DigitalGainSelector");
-  Press(Qt::Key_Return, Qt::ShiftModifier);
-  EXPECT_EQ(GetSelected(), "GainAuto");
+  EXPECT_EQ(GetSelected(), "DigitalGainSelector") << "whatever is held but Control";
 }
 
 TEST_F(SearchBars, PreviousOfTheFirst_IsTheLast) {
@@ -222,14 +216,13 @@ TEST_F(SearchBars, BrowserThatShowsDisplayNames_HasThemSearched) {
   KrPropertyList options;
   options.Add({"Names", "DisplayNames"});
   browser.LoadOptions(options);
-  const GenBrowserSearchBar bar(&browser, mGrid, &mWindow);
-  auto* const field = bar.findChild<QLineEdit*>();
+  GenBrowserSearchBar bar(&browser, mGrid, &mWindow);
 
-  field->setText("otua");
+  bar.SetText("otua");
   EXPECT_EQ(bar.GetResultText(), "Result 1 of 1");
   EXPECT_EQ(GetSelected(), "GainAuto");
 
-  field->setText("gainauto");
+  bar.SetText("gainauto");
   EXPECT_EQ(bar.GetResultText(), "No result found");
 }
 
@@ -415,18 +408,62 @@ TEST_F(SearchBars, RowsThatHaveGone_AreNotSelected) {
 }
 
 TEST_F(SearchBars, SelectionHandler_MayEndBarAndGrid) {
-  mBar->SetText("gain");
-  mGrid->SetSelectionHandler([this] {
-    delete mBar;
-    mBar = nullptr;
-    delete mGrid;
-    mGrid = nullptr;
-  });
+  const QStringList ways = {"move", "typed", "pasted by a key", "composed", "set", "pasted by the menu"};
+  for (const QString& way : ways) {
+    mGrid = new PropertiesCtrl(&mWindow);
+    mBar = new GenBrowserSearchBar(nullptr, mGrid, &mWindow);
+    mField = mBar->findChild<QLineEdit*>();
+    FillGrid();
+    if (way == "move")
+      mBar->SetText("gain");
+    mGrid->SetSelectionHandler([this] {
+      delete mBar;
+      mBar = nullptr;
+      delete mGrid;
+      mGrid = nullptr;
+    });
+    QGuiApplication::clipboard()->setText("gain");
 
-  mBar->MoveToNextOccurence();
+    if (way == "move") {
+      mBar->MoveToNextOccurence();
+    } else if (way == "typed") {
+      QTest::keyClick(mField, Qt::Key_G);
+    } else if (way == "pasted by a key") {
+      QTest::keyClick(mField, Qt::Key_V, Qt::ControlModifier);
+    } else if (way == "composed") {
+      QInputMethodEvent committing;
+      committing.setCommitString(QStringLiteral("gain"));
+      QGuiApplication::sendEvent(mField, &committing);
+    } else if (way == "set") {
+      mBar->SetText("gain");
+    } else {
+      mField->paste();
+      EXPECT_NE(mBar, nullptr) << "it is searched afterwards";
+    }
 
-  EXPECT_EQ(mBar, nullptr);
-  EXPECT_EQ(mGrid, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return mBar == nullptr; })) << way.toStdString();
+    EXPECT_EQ(mGrid, nullptr) << way.toStdString();
+  }
+}
+
+TEST_F(SearchBars, TextThatNoEventBrings_IsSearchedOnceAfterwards) {
+  mField->setText("gain");
+  EXPECT_EQ(GetResult(), "");
+
+  EXPECT_TRUE(QTest::qWaitFor([this] { return GetResult() == "Result 1 of 3"; }));
+  mField->setText("gai");
+  mBar->Search(false);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(GetResult(), "Result 1 of 3") << "searching again would move on";
+}
+
+TEST_F(SearchBars, Update_RepaintsTheGridAtOnce) {
+  Show();
+  PaintCounter counter(*mGrid->GetGrid().viewport());
+
+  mBar->Update();
+
+  EXPECT_EQ(counter.mCount, 1);
 }
 
 TEST_F(SearchBars, AssistiveTechnology_HearsNameAndText) {

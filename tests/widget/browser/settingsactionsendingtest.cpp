@@ -42,13 +42,15 @@ TEST_F(SettingsActions, Restore_CancelledWhileComparing_ShowsNothingMore) {
   const std::string file = WriteFile("Width\t5\n");
   HeldDevice device(camera);
   QPointer<QWidget> first;
-  Answers answers({{"settingsfile", ChooseFile(file)}, {"settingsprogress", [&](QWidget& aDialog) {
-                                                          device.Await();
-                                                          QTest::keyClick(QApplication::activeModalWidget(),
-                                                                          Qt::Key_Escape);
-                                                          EXPECT_NE(aDialog.objectName(), QString());
-                                                          device.LetGo();
-                                                        }}});
+  Answers answers({{"settingsfile", ChooseFile(file)},
+                   {"settingsprogress",
+                    [&](QWidget& aDialog) {
+                      device.Await();
+                      QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+                      EXPECT_NE(aDialog.objectName(), QString());
+                      device.LetGo();
+                    },
+                    "Comparing"}});
 
   EXPECT_TRUE(Restore());
 
@@ -57,22 +59,15 @@ TEST_F(SettingsActions, Restore_CancelledWhileComparing_ShowsNothingMore) {
 
 TEST_F(SettingsActions, Restore_CancelledWhileWriting_LeavesWhatWasSetAndSaysHowMuchIsLeft) {
   const std::string file = WriteFile("Width\t5\nHeight\t6\n");
-  std::atomic<bool> isHeld = false;
-  std::atomic<bool> isLetGo = false;
+  HeldDevice device(camera, [](const RegisterAccessRecord& aRecord) { return aRecord.isWrite; });
   std::vector<std::string> rows;
-  camera.port.SetFault([&](const RegisterAccessRecord& aRecord) {
-    isHeld = isHeld || aRecord.isWrite;
-    while (aRecord.isWrite && !isLetGo)
-      std::this_thread::yield();
-    return KrResult();
-  });
   Answers answers({{"settingsfile", ChooseFile(file)},
                    {"settingscomparison", Click("Restore")},
                    {"settingsprogress",
                     [&](QWidget& aDialog) {
-                      EXPECT_TRUE(QTest::qWaitFor([&] { return isHeld.load(); }, 60'000));
+                      device.Await();
                       Click("Cancel")(aDialog);
-                      isLetGo = true;
+                      device.LetGo();
                     }},
                    {"settingsproblems", [&](QWidget& aDialog) {
                       rows = GetRows(aDialog);
@@ -98,6 +93,22 @@ protected:
   Step EndAtOnce() {
     return [this](QWidget&) { End(); };
   }
+  /// Begins anew for each of the dialogs, at which everything ends; what comes before it is answered as its steps say.
+  void EndAtEach(const std::vector<Answers::Answer>& aSteps, const std::function<void(std::size_t aLast)>& aAct) {
+    for (std::size_t last = 0; last < aSteps.size(); ++last) {
+      SCOPED_TRACE(aSteps[last].dialog);
+      owner = std::make_unique<QWidget>();
+      owner->show();
+      mEnd = {};
+      std::vector<Answers::Answer> answers(aSteps.begin(), aSteps.begin() + static_cast<std::ptrdiff_t>(last) + 1);
+      answers.back().step = EndAtOnce();
+      Answers user(answers);
+
+      aAct(last);
+
+      EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    }
+  }
 
   std::stop_source mEnd;
 };
@@ -109,20 +120,11 @@ TEST_P(SettingsActionsEnding, SaveAtEachDialog_EndsWithoutAFile) {
   const std::vector<Answers::Answer> steps = {
       {"settingsfile", ChooseFile(file)}, {"message", Click("Yes")}, {"settingsproblems", {}}};
 
-  for (std::size_t last = 0; last < steps.size(); ++last) {
-    SCOPED_TRACE(steps[last].dialog);
-    owner = std::make_unique<QWidget>();
-    owner->show();
-    mEnd = {};
-    std::vector<Answers::Answer> answers(steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(last) + 1);
-    answers.back().step = EndAtOnce();
-    Answers user(answers);
-
+  EndAtEach(steps, [&](std::size_t) {
     EXPECT_FALSE(Save(mEnd.get_token()));
 
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     EXPECT_EQ(TemporaryFolder::ReadFile(file), "mine");
-  }
+  });
 }
 
 TEST_P(SettingsActionsEnding, RestoreAtEachDialog_EndsWithoutWritingBeforeOK) {
@@ -130,20 +132,11 @@ TEST_P(SettingsActionsEnding, RestoreAtEachDialog_EndsWithoutWritingBeforeOK) {
   const std::vector<Answers::Answer> steps = {
       {"settingsfile", ChooseFile(file)}, {"settingscomparison", Click("Restore")}, {"settingsproblems", {}}};
 
-  for (std::size_t last = 0; last < steps.size(); ++last) {
-    SCOPED_TRACE(steps[last].dialog);
-    owner = std::make_unique<QWidget>();
-    owner->show();
-    mEnd = {};
-    std::vector<Answers::Answer> answers(steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(last) + 1);
-    answers.back().step = EndAtOnce();
-    Answers user(answers);
-
+  EndAtEach(steps, [&](std::size_t aLast) {
     EXPECT_FALSE(Restore(mEnd.get_token()));
 
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-    EXPECT_EQ(hasWritten, last == 2);
-  }
+    EXPECT_EQ(hasWritten, aLast == 2);
+  });
 }
 
 TEST_P(SettingsActionsEnding, WhileTheDeviceIsAsked_IsWaitedForAndEndsEverything) {

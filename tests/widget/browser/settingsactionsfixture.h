@@ -4,6 +4,7 @@
 #include "browser/settingsactions.h"
 #include "describedcamera.h"
 #include "duringmodalloop.h"
+#include "portgate.h"
 #include "temporaryfolder.h"
 
 #include <QAbstractItemView>
@@ -13,6 +14,7 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 
 #include <gmock/gmock.h>
@@ -102,6 +104,7 @@ public:
   struct Answer {
     const char* dialog; ///< Its object name; "message" for a message box.
     Step step;
+    const char* work = ""; ///< How what is under way begins, where several dialogs of progress come in turn.
   };
 
   explicit Answers(std::vector<Answer> aAnswers) : mAnswers(std::move(aAnswers)) {
@@ -115,12 +118,17 @@ private:
   static QString GetName(const QWidget& aDialog) {
     return aDialog.objectName().isEmpty() ? QStringLiteral("message") : aDialog.objectName();
   }
+  static QString GetWork(const QWidget& aDialog) {
+    const auto* const bar = aDialog.findChild<QProgressBar*>();
+    return bar ? bar->accessibleName() : QStringLiteral("");
+  }
 
   void Look() {
     QWidget* const dialog = QApplication::activeModalWidget();
     if (!dialog || !dialog->isActiveWindow() || dialog == mAnswered)
       return;
-    const bool isMeant = !AreDone() && GetName(*dialog) == QLatin1String(mAnswers[mNext].dialog);
+    const bool isMeant = !AreDone() && GetName(*dialog) == QLatin1String(mAnswers[mNext].dialog) &&
+                         GetWork(*dialog).startsWith(QLatin1String(mAnswers[mNext].work));
     if (!isMeant && GetName(*dialog) == QLatin1String("settingsprogress"))
       return;
     mAnswered = dialog;
@@ -169,25 +177,19 @@ inline void FailAtHeight(DescribedCamera& aCamera) {
 /// Holds the first access up until it is let go.
 class HeldDevice {
 public:
-  explicit HeldDevice(DescribedCamera& aCamera) : mCamera(aCamera) {
-    mCamera.port.SetFault([this](const RegisterAccessRecord&) {
-      mIsHeld = true;
-      while (!mIsLetGo)
-        std::this_thread::yield();
-      return KrResult();
-    });
+  explicit HeldDevice(
+      DescribedCamera& aCamera, const PortGate::Choice& aChoice = [](const auto&) { return true; }) {
+    mGate.CloseFor(aCamera.port, aChoice);
   }
   ~HeldDevice() { LetGo(); }
   /// Inside a loop of the user interface: returns when the device is being asked.
   void Await() const {
-    EXPECT_TRUE(QTest::qWaitFor([this] { return mIsHeld.load(); }, 60'000));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return mGate.IsReached(); }, 60'000));
   }
-  void LetGo() { mIsLetGo = true; }
+  void LetGo() { mGate.Open(); }
 
 private:
-  DescribedCamera& mCamera;
-  std::atomic<bool> mIsHeld = false;
-  std::atomic<bool> mIsLetGo = false;
+  PortGate mGate;
 };
 
 } // namespace krgui

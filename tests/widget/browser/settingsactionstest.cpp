@@ -119,6 +119,37 @@ TEST_F(SettingsActions, Save_OfAClosedArray_ListsTheProblemAndWritesNothing) {
   EXPECT_TRUE(folder.GetNames().empty());
 }
 
+TEST_F(SettingsActions, Save_OfNothing_SaysWhy) {
+  constexpr const char* kStream = "<Integer Name=\"TLParamsLocked\"><Value>1</Value></Integer>";
+  struct {
+    const char* what;
+    std::string nodes;
+    const char* text;
+  } const rows[] = {
+      {"nothing is streamable while a stream runs",
+       std::string(kStream) + "<Integer Name=\"Width\"><pIsLocked>TLParamsLocked</pIsLocked><Value>1</Value></Integer>",
+       "marks none of its features as streamable"},
+      {"nothing can be set",
+       MakeInteger("Width", 0, "<pIsLocked>One</pIsLocked>") + "<Integer Name=\"One\"><Value>1</Value></Integer>",
+       "can be both read and set"},
+  };
+
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    DescribedCamera device(row.nodes);
+    std::string text;
+    Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))}, {"message", [&](QWidget& aDialog) {
+                                                                                  text = GetText(aDialog, "text");
+                                                                                  Click("OK")(aDialog);
+                                                                                }}});
+
+    EXPECT_TRUE(SaveSettings(owner.get(), *device.array));
+
+    EXPECT_THAT(text, AllOf(HasSubstr(row.text), Not(HasSubstr("stream runs"))));
+    EXPECT_TRUE(folder.GetNames().empty());
+  }
+}
+
 TEST_F(SettingsActions, Restore_OfADifferentFile_ShowsWhatDiffersAndSetsItOnOK) {
   const std::string file = WriteFile("Width\t0\nHeight\t9\nMissing\t1\nSmall\t0x5\n");
   std::vector<std::string> differing;
@@ -187,7 +218,7 @@ TEST_F(SettingsActions, Restore_OfALockedFeature_SaysWhoLocksIt) {
 }
 
 TEST_F(SettingsActions, Restore_OfWhatTheDeviceHas_SaysThatNothingDiffers) {
-  const std::string file = WriteFile("Width\t0x0\nMissing\t1\n");
+  const std::string file = WriteFile("Width\t0x0\n");
   std::string text;
   Answers answers({{"settingsfile", ChooseFile(file)}, {"message", [&](QWidget& aDialog) {
                                                           text = GetText(aDialog, "text");
@@ -196,7 +227,50 @@ TEST_F(SettingsActions, Restore_OfWhatTheDeviceHas_SaysThatNothingDiffers) {
 
   EXPECT_TRUE(Restore());
 
-  EXPECT_THAT(text, AllOf(HasSubstr("Nothing differs"), HasSubstr("1 of 2 settings")));
+  EXPECT_THAT(text, HasSubstr("Nothing differs"));
+  EXPECT_FALSE(hasWritten);
+}
+
+TEST_F(SettingsActions, Restore_OfNothingThatCanDiffer_ListsWhatTheDeviceDoesNotHave) {
+  struct {
+    const char* what;
+    const char* lines;
+    const char* heading;
+  } constexpr kRows[] = {
+      {"all are missing", "Missing\t1\n", "this device has none of the features in \"settings.txt\""},
+      {"the rest is the same", "Width\t0\nMissing\t1\n", "what this device has of \"settings.txt\" is as in the file"},
+  };
+
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.what);
+    std::string heading;
+    std::vector<std::string> rows;
+    Answers answers({{"settingsfile", ChooseFile(WriteFile(row.lines))}, {"settingscomparison", [&](QWidget& aDialog) {
+                                                                            heading = GetText(aDialog, "heading");
+                                                                            rows = GetRows(aDialog);
+                                                                            Click("Close")(aDialog);
+                                                                          }}});
+
+    EXPECT_TRUE(Restore());
+
+    EXPECT_THAT(heading, AllOf(HasSubstr(row.heading), Not(HasSubstr("Nothing differs"))));
+    EXPECT_THAT(rows, testing::ElementsAre("Missing|||1|This device has no such feature."));
+    EXPECT_FALSE(hasWritten);
+  }
+}
+
+TEST_F(SettingsActions, Restore_OfValuesThatCannotBeSet_SaysSoBeforeAnythingIsWritten) {
+  const std::string file = WriteFile("Width\tabc\nSmall\t99\n");
+  std::vector<std::string> rows;
+  Answers answers({{"settingsfile", ChooseFile(file)}, {"settingscomparison", [&](QWidget& aDialog) {
+                                                          rows = GetRows(aDialog);
+                                                          Click("Cancel")(aDialog);
+                                                        }}});
+
+  EXPECT_TRUE(Restore());
+
+  EXPECT_THAT(rows, testing::ElementsAre("Width||0|abc|The value is no whole number of 64 bits.",
+                                         "Small||0|99|It is above the maximum of the moment."));
   EXPECT_FALSE(hasWritten);
 }
 
@@ -253,6 +327,30 @@ TEST_F(SettingsActions, Restore_OfALostDevice_SaysSoAndWritesNothing) {
 
   EXPECT_THAT(text, HasSubstr("could not be compared"));
   EXPECT_FALSE(hasWritten);
+}
+
+TEST_F(SettingsActions, Restore_WindowAsSmallAsItGoes_LaysNoControlOverAnother) {
+  const std::string file = WriteFile("Width\t0\nHeight\t9\nMissing\t1\nSmall\t0x5\n");
+  int controls = 0;
+  std::vector<std::string> overlaps;
+  Answers answers({{"settingsfile", ChooseFile(file)},
+                   {"settingscomparison", [&](QWidget& aDialog) {
+                      aDialog.resize(1, 1);
+                      QTest::qWait(0);
+                      const auto children = aDialog.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+                      for (const QWidget* child : children) {
+                        controls += child->isVisible();
+                        for (const QWidget* other : children)
+                          if (child < other && child->geometry().intersects(other->geometry()))
+                            overlaps.push_back((child->objectName() + " and " + other->objectName()).toStdString());
+                      }
+                      PressEscape()(aDialog);
+                    }}});
+
+  EXPECT_TRUE(Restore());
+
+  EXPECT_GT(controls, 5);
+  EXPECT_THAT(overlaps, testing::IsEmpty());
 }
 
 TEST_F(SettingsActions, Restore_OfManyLongNamesAndValues_IsShownWithinTheScreen) {

@@ -39,7 +39,7 @@ public:
   void MoveToNextOccurence();
   /// The previous match, before the first the last.
   void MoveToPreviousOccurence();
-  /// Repaints the grid.
+  /// Repaints the grid at once.
   void Update();
 
   KrString GetText() const;

@@ -39,7 +39,8 @@ public:
   /// write.
   bool HasChanged() const;
   void ResetChanged();
-  /// Reads every feature of an open window anew; waits for the device.
+  /// Forgets what the array remembers, then reads every feature of an open window anew; waits for the device. Nothing
+  /// without an array.
   void Refresh();
 
   /// Asked about each feature when the window is filled; false leaves it out. Called on the user-interface thread; an

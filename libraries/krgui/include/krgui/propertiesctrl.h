@@ -16,7 +16,7 @@
 namespace krgui {
 class MessageQueue;
 class PropertiesGrid;
-}
+} // namespace krgui
 
 /// A two-column grid. Rows follow their features by themselves once they were read: changes that the array tells of
 /// are shown. Nothing is read from a device while painting.
@@ -44,8 +44,12 @@ public:
   /// Reads every feature; waits for the device.
   void Refresh();
 
-  /// Display names instead of feature names; for rows that are appended afterwards.
+  /// Display names instead of feature names, in the rows that are there and in those to come. Values of enumerations,
+  /// which are names of entries, follow when they are read the next time.
   void SetShowsDisplayNames(bool aShowsDisplayNames);
+  /// Marks in every row the first place where its name contains a text, whatever the case; empty for none. For an
+  /// application's own search: GenBrowserSearchBar does it by itself. Selects nothing.
+  void SetSearchText(const KrString& aText);
   /// Up to which visibility the entries of enumerations are offered.
   void SetVisibility(KrGenVisibility aVisibility);
 

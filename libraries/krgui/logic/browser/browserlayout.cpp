@@ -7,8 +7,6 @@ namespace krgui {
 
 namespace {
 
-constexpr int kSplitterReach = 3;
-
 /// Hands out bands from top to bottom, none of them beyond the window's inside.
 class BandStack {
 public:

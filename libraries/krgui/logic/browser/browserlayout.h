@@ -26,9 +26,12 @@ struct BrowserRows {
 inline constexpr int kLeastGridHeight = 60;
 inline constexpr int kLeastDescriptionHeight = 40;
 
+/// How far beside the boundary a press still takes it.
+inline constexpr int kSplitterReach = 3;
+
 /// The four bands from top to bottom; the description gives way before the grid does.
 BrowserRows LayOutBrowser(const BrowserMetrics& aMetrics);
-/// Whether a press takes the boundary: 3 pixels above or below the grid's bottom edge.
+/// Whether a press takes the boundary: within reach above or below the grid's bottom edge.
 bool IsInSplitterBand(int aY, const BrowserRows& aRows);
 /// The description's height while the pointer drags the boundary.
 int DragSplitter(int aY, const BrowserMetrics& aMetrics);

@@ -20,6 +20,18 @@ void Log(KrLogLevel aLevel, const KrLogSite& aSite, const KrString& aText) {
   KrLogger("KrGUILib").Log(aLevel, aSite, aText);
 }
 
+/// Makes the array forget what it remembers without a word to the nodes, each of which is read next: they would have
+/// the notification thread read all of them, too, beside this thread and in its way. Others who listen hear of it.
+void ForgetUnheard(KrGenParameterArray& aArray, const Features& aFeatures) {
+  for (const std::unique_ptr<TreeItemData>& feature : aFeatures) {
+    feature->StopListening();
+  }
+  aArray.InvalidateCache();
+  for (const std::unique_ptr<TreeItemData>& feature : aFeatures) {
+    feature->ListenAgain();
+  }
+}
+
 /// Tells of polling that fails: of the first failure in a row, and of its end.
 class PollingReport {
 public:
@@ -97,6 +109,7 @@ void BrowserRefresh::Start(KrGenRefresh aMode, KrGenParameterArray& aArray, cons
     mIsWoken = false;
   }
   mIsStopping = false;
+  mPollingStop = std::stop_source();
   if (aMode == KrGenRefresh::Automatic) {
     RunThread(&BrowserRefresh::RunAutomatic, aArray, aTree);
   } else if (aMode == KrGenRefresh::Polling) {
@@ -126,6 +139,7 @@ void BrowserRefresh::Stop() {
     mIsStopping = true;
   }
   mWake.notify_all();
+  mPollingStop.request_stop();
   mThread.join();
 }
 
@@ -139,7 +153,7 @@ void BrowserRefresh::WakeUp() {
 
 void BrowserRefresh::RefreshAll(KrGenParameterArray& aArray, const BrowserTree& aTree) {
   if (aArray.GetAccessMode() == KrGenArrayAccess::Open) {
-    aArray.InvalidateCache();
+    ForgetUnheard(aArray, aTree.GetFeatures());
   }
   for (const std::unique_ptr<TreeItemData>& feature : aTree.GetFeatures()) {
     feature->Refresh();
@@ -165,7 +179,11 @@ void BrowserRefresh::RunPolling(KrGenParameterArray& aArray, const BrowserTree& 
   }
   PollingReport report;
   while (!mIsStopping) {
-    report.Note(aArray.Poll());
+    const KrResult result = aArray.Poll(mPollingStop.get_token());
+    // What was stopped is no failure of the device.
+    if (!mIsStopping) {
+      report.Note(result);
+    }
     Wait(mRhythm.pollingMs);
   }
 }

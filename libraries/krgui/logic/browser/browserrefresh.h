@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 namespace krgui {
@@ -34,8 +35,8 @@ public:
   void Start(KrGenRefresh aMode, KrGenParameterArray& aArray, const BrowserTree& aTree);
   /// Asks the thread to end, wakes it and waits for its end. It ends after what it does at the moment: the reading of
   /// one feature (its access, its value, its bounds and, where the access has changed, the reason for it, each of which
-  /// asks for the registers that it stands on), in polling mode also one KrGenParameterArray::Poll, which asks for all
-  /// registers whose polling time has passed. Each register takes its time-out at most. Nothing when none runs.
+  /// asks for the registers that it stands on), or one register that is polled, whose access is cancelled. Each
+  /// register takes its time-out at most. Nothing when none runs.
   void Stop();
   bool IsRunning() const { return mThread.joinable(); }
   /// Other rows came onto the screen: what of them was never read is read next. What was read before is read again in
@@ -44,7 +45,8 @@ public:
   /// Much has changed in the device: the next pass begins as soon as the present one has ended.
   void WakeUp();
 
-  /// A manual refresh: forgets what the array remembers, where it is open, and reads every feature, on this thread.
+  /// A manual refresh: forgets what the array remembers, where it is open, and reads every feature, on this thread
+  /// and on no other. What changes meanwhile is heard of as ever.
   void RefreshAll(KrGenParameterArray& aArray, const BrowserTree& aTree);
 
 private:
@@ -66,6 +68,7 @@ private:
   std::mutex mWakeMutex; ///< Guards mIsWoken; held while mIsStopping is set, too, so that no wait misses it.
   std::condition_variable mWake;
   bool mIsWoken = false;
+  std::stop_source mPollingStop; ///< Set before the thread begins. Ends its KrGenParameterArray::Poll.
   std::thread mThread;
 };
 

@@ -22,6 +22,12 @@ std::size_t BrowserTree::ChildNameHash::operator()(const ChildName& aName) const
   return nameHash ^ (std::hash<GridItem>()(aName.parent) + 0x9E3779B97F4A7C15U + (nameHash << 6) + (nameHash >> 2));
 }
 
+void BrowserTree::SetShowsDisplayNames(bool aShowsDisplayNames) {
+  mShowsDisplayNames = aShowsDisplayNames;
+  for (const Item& item : mItems)
+    item.node->SetShowsDisplayNames(aShowsDisplayNames);
+}
+
 template <typename Content>
 GridItem BrowserTree::AppendNode(GridItem aParent, const KrString& aName, Content& aContent,
                                  std::vector<std::unique_ptr<TreeItemData>>& aNodes) {

@@ -31,8 +31,9 @@ public:
 
   explicit BrowserTree(RowNotifier aNotifier) : mNotifier(std::move(aNotifier)) {}
 
-  /// Which name rows show and nodes made from now on use.
-  void SetShowsDisplayNames(bool aShowsDisplayNames) { mShowsDisplayNames = aShowsDisplayNames; }
+  /// Which name rows show, those that are there and those to come. Values that are entries' names follow with the next
+  /// reading.
+  void SetShowsDisplayNames(bool aShowsDisplayNames);
   bool ShowsDisplayNames() const { return mShowsDisplayNames; }
 
   /// Appends a row under aParent (kNoItem: at the top level) and its node to the list of its kind. kNoItem for a parent

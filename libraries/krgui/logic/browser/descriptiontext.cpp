@@ -6,6 +6,7 @@
 #include "krgenicam/krgenregister.h"
 #include "krgenicam/krgenstring.h"
 #include "logic/browser/browserwords.h"
+#include "logic/browser/markup.h"
 #include "logic/browser/treeitemdata.h"
 #include "logic/browser/valuetext.h"
 
@@ -20,6 +21,11 @@ KrString Bold(const KrString& aText) {
   return "<b>" + aText + "</b>";
 }
 
+// A text of the camera's, with an end for a bold run that lacks one: it is not to reach over what follows.
+KrString Enclose(const KrString& aText) {
+  return LeavesBold(aText.ToUtf8()) ? aText + "</b>" : aText;
+}
+
 // What a getter gives. Where it fails the value stays what it is without one: the row tells of failures, the
 // description shows what there is.
 template <typename Value, typename Feature, typename Getter>
@@ -27,6 +33,21 @@ Value ReadOr(Feature& aFeature, Getter aGetter, Value aValue) {
   (void)(aFeature.*aGetter)(aValue);
   return aValue;
 }
+
+// Asks for the limits of one description. A device that did not answer one question in time is not asked the others:
+// the user waits for them.
+class LimitReader {
+public:
+  template <typename Value, typename Feature, typename Getter>
+  Value ReadOr(Feature& aFeature, Getter aGetter, Value aValue) {
+    if (!mIsSilent)
+      mIsSilent = (aFeature.*aGetter)(aValue).GetCode() == KrResult::Code::TimeLimitExceeded;
+    return aValue;
+  }
+
+private:
+  bool mIsSilent = false;
+};
 
 using GetText = KrResult (KrGenParameter::*)(KrString&) const;
 
@@ -44,24 +65,27 @@ KrString FormatSelectors(const TreeItemData& aNode) {
 }
 
 KrString FormatIntegerPart(KrGenInteger& aInteger) {
+  LimitReader limits;
   const auto representation = ReadOr(aInteger, &KrGenInteger::GetRepresentation, KrGenRepresentation::PureNumber);
-  const auto min = ReadOr(aInteger, &KrGenInteger::GetMin, std::int64_t{0});
-  const auto max = ReadOr(aInteger, &KrGenInteger::GetMax, std::int64_t{0});
-  const auto increment = ReadOr(aInteger, &KrGenInteger::GetIncrement, std::int64_t{0});
+  const auto min = limits.ReadOr(aInteger, &KrGenInteger::GetMin, std::int64_t{0});
+  const auto max = limits.ReadOr(aInteger, &KrGenInteger::GetMax, std::int64_t{0});
+  const auto increment = limits.ReadOr(aInteger, &KrGenInteger::GetIncrement, std::int64_t{0});
   return "\n" + FormatBounds(min, max, representation == KrGenRepresentation::HexNumber) +
          "Increment: " + Bold(FormatInteger(increment, false)) + "\n";
 }
 
 KrString FormatFloatPart(KrGenFloat& aFloat) {
-  const auto min = ReadOr(aFloat, &KrGenFloat::GetMin, 0.0);
-  const auto max = ReadOr(aFloat, &KrGenFloat::GetMax, 0.0);
+  LimitReader limits;
+  const auto min = limits.ReadOr(aFloat, &KrGenFloat::GetMin, 0.0);
+  const auto max = limits.ReadOr(aFloat, &KrGenFloat::GetMax, 0.0);
   return "\nMin: " + Bold(FormatFloat(min)) + " Max: " + Bold(FormatFloat(max)) + "\n";
 }
 
 KrString FormatStringPart(KrGenString& aString) {
+  LimitReader limits;
   using Ask = KrResult (KrGenParameter::*)(bool&);
-  const bool isAvailable = ReadOr(aString, static_cast<Ask>(&KrGenParameter::IsAvailable), false);
-  const auto length = isAvailable ? ReadOr(aString, &KrGenString::GetMaxLength, std::int64_t{0}) : 0;
+  const bool isAvailable = limits.ReadOr(aString, static_cast<Ask>(&KrGenParameter::IsAvailable), false);
+  const auto length = isAvailable ? limits.ReadOr(aString, &KrGenString::GetMaxLength, std::int64_t{0}) : 0;
   return "\nMax Length: " + Bold(FormatInteger(length, false)) + " bytes\n";
 }
 
@@ -98,7 +122,7 @@ KrString FormatEntry(const KrGenEnumEntry& aEntry) {
   const auto visibility = ReadOr(aEntry, &KrGenParameter::GetVisibility, KrGenVisibility::Beginner);
   KrString text = Bold(displayName) + "\n";
   if (!description.IsEmpty())
-    text += description + "\n";
+    text += Enclose(description) + "\n";
   text += "\nEnum Entry Name: " + Bold(name) + "\n";
   text += "Enum Entry Value: " + Bold(FormatInteger(value, false) + " (0x" + FormatEntryDigits(value) + ")") + "\n";
   text += "Name Space: " + Bold(NameSpaceToText(nameSpace)) + "\n";
@@ -120,7 +144,7 @@ KrString FormatEntries(const KrGenEnum& aEnumeration) {
 
 KrString FormatFeature(const TreeItemData& aNode, KrGenParameter& aFeature) {
   KrString text = FormatSelectors(aNode);
-  text += ReadOr(aFeature, &KrGenParameter::GetDescription, KrString());
+  text += Enclose(ReadOr(aFeature, &KrGenParameter::GetDescription, KrString()));
   if (!text.IsEmpty())
     text += "\n";
   text += FormatTypePart(aFeature);
@@ -139,6 +163,7 @@ KrString FormatFeature(const TreeItemData& aNode, KrGenParameter& aFeature) {
 KrString FormatCategory(const TreeItemData& aNode, const KrGenCategory& aCategory) {
   KrString text;
   (void)aCategory.GetDescription(text); // Without one there is none to show.
+  text = Enclose(text);
   if (!text.IsEmpty())
     text += "\n";
   text += "\nCategory Name: " + Bold(aNode.GetName()) + "\n";

@@ -1,5 +1,5 @@
 #pragma once
-// What the error indicator says: whether any feature is in error, and a list of those that are.
+// What the error indicator says: a list of the features that are in error.
 
 #include "krbase/krstring.h"
 
@@ -16,8 +16,7 @@ struct ErrorSource {
   KrString prefix;
 };
 
-bool HasErrors(const ErrorSource& aSource);
-/// One line for each feature in error, parted by "\r\n", at most sixteen, then "...".
+/// Empty without errors; else one line for each feature in error, parted by "\r\n", at most sixteen, then "...".
 KrString FormatErrors(const ErrorSource& aSource);
 
 } // namespace krgui

@@ -10,6 +10,7 @@
 #include "logic/browser/valueparsing.h"
 #include "logic/browser/valuetext.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 
@@ -76,18 +77,6 @@ bool IsExecuting(KrGenCommand& aCommand) {
   return aCommand.IsDone(isDone).IsOK() && !isDone;
 }
 
-Choices ListTruthValues(TreeItemData& aNode) {
-  Choices choices;
-  choices.items = {{kFalse, 0, {}}, {kTrue, 1, {}}};
-  const KrString current = aNode.GetValue(false);
-  for (std::size_t i = 0; i < choices.items.size(); ++i) {
-    if (choices.items[i].text == current) {
-      choices.selected = static_cast<int>(i);
-    }
-  }
-  return choices;
-}
-
 /// What cannot be read of an entry stays empty; only one without a value cannot be chosen.
 std::optional<Choice> MakeChoice(KrGenEnumEntry& aEntry, bool aShowsDisplayNames) {
   Choice choice;
@@ -101,8 +90,6 @@ std::optional<Choice> MakeChoice(KrGenEnumEntry& aEntry, bool aShowsDisplayNames
 
 Choices ListEntries(KrGenEnum& aEnumeration, bool aShowsDisplayNames, KrGenVisibility aVisibility) {
   Choices choices;
-  std::int64_t current = 0;
-  const bool hasCurrent = aEnumeration.GetValue(current).IsOK();
   const std::size_t count = aEnumeration.GetEntriesCount();
   for (std::size_t i = 0; i < count; ++i) {
     KrGenEnumEntry* entry = nullptr;
@@ -110,8 +97,6 @@ Choices ListEntries(KrGenEnum& aEnumeration, bool aShowsDisplayNames, KrGenVisib
       continue;
     }
     if (std::optional<Choice> choice = MakeChoice(*entry, aShowsDisplayNames)) {
-      choices.selected =
-          hasCurrent && choice->value == current ? static_cast<int>(choices.items.size()) : choices.selected;
       choices.items.push_back(*std::move(choice));
     }
   }
@@ -137,7 +122,8 @@ Writing WriteIfDifferent(const TreeItemData& aNode, View& aView, const Value& aV
 }
 
 Writing WriteChoice(const TreeItemData& aNode, const EditInput& aInput) {
-  if (!aInput.hasChoice) {
+  // What nobody chose may be older than what the device has.
+  if (!aInput.isDirty || !aInput.hasChoice) {
     return {};
   }
   if (auto* enumeration = GetView<KrGenEnum>(aNode)) {
@@ -222,28 +208,44 @@ bool HasUpDown(const TreeItemData& aNode) {
   return GetView<KrGenInteger>(aNode) && !aNode.IsIPAddress();
 }
 
-Choices ListChoices(TreeItemData& aNode, KrGenVisibility aVisibility) {
+Choices ListChoices(const TreeItemData& aNode, KrGenVisibility aVisibility) {
+  Choices choices;
   if (auto* enumeration = GetView<KrGenEnum>(aNode)) {
-    return ListEntries(*enumeration, aNode.ShowsDisplayNames(), aVisibility);
+    choices = ListEntries(*enumeration, aNode.ShowsDisplayNames(), aVisibility);
+  } else if (GetView<KrGenBoolean>(aNode)) {
+    choices.items = {{kFalse, 0, {}}, {kTrue, 1, {}}};
   }
-  return GetView<KrGenBoolean>(aNode) ? ListTruthValues(aNode) : Choices();
+  choices.selected = FindChoice(aNode, choices);
+  return choices;
 }
 
-KrString GetEditText(TreeItemData& aNode) {
-  if (auto* integer = GetView<KrGenInteger>(aNode)) {
-    std::int64_t value = 0;
-    if (!integer->GetValue(value).IsOK()) {
-      return {};
-    }
-    return aNode.IsIPAddress() ? FormatIPAddress(value) : FormatInteger(value, IsHexadecimal(*integer));
+bool IsEditedInHexadecimal(const TreeItemData& aNode) {
+  auto* integer = GetView<KrGenInteger>(aNode);
+  return integer && !aNode.IsIPAddress() && IsHexadecimal(*integer);
+}
+
+KrString GetEditText(const TreeItemData& aNode, bool aIsHexadecimal) {
+  const RowSnapshot row = aNode.GetSnapshot();
+  if (!row.access.isReadable) {
+    return {};
   }
-  if (auto* number = GetView<KrGenFloat>(aNode)) {
-    double value = 0;
-    return number->GetValue(value).IsOK() ? FormatExactly(value) : KrString();
+  if (const auto* integer = std::get_if<std::int64_t>(&row.number)) {
+    return aNode.IsIPAddress() ? FormatIPAddress(*integer) : FormatInteger(*integer, aIsHexadecimal);
   }
-  KrString text;
-  auto* string = GetView<KrGenString>(aNode);
-  return string && string->GetValue(text).IsOK() ? text : KrString();
+  if (const auto* number = std::get_if<double>(&row.number)) {
+    return FormatExactly(*number);
+  }
+  return GetView<KrGenString>(aNode) ? row.value : KrString();
+}
+
+int FindChoice(const TreeItemData& aNode, const Choices& aChoices) {
+  const RowSnapshot row = aNode.GetSnapshot();
+  const auto* current = row.access.isReadable ? std::get_if<std::int64_t>(&row.number) : nullptr;
+  const bool isBoolean = GetView<KrGenBoolean>(aNode) != nullptr;
+  const auto found = std::find_if(aChoices.items.begin(), aChoices.items.end(), [&](const Choice& aChoice) {
+    return isBoolean ? aChoice.text == row.value : current && aChoice.value == *current;
+  });
+  return found == aChoices.items.end() ? -1 : static_cast<int>(found - aChoices.items.begin());
 }
 
 EditOutcome WriteEdit(TreeItemData& aNode, const EditInput& aInput, KrResult& aFailure) {
@@ -265,9 +267,7 @@ KrResult ExecuteCommand(TreeItemData& aNode) {
   if (!command) {
     return {KrResult::Code::InvalidInput, "\"" + aNode.GetName() + "\" cannot be executed: it is no command."};
   }
-  KrResult result = command->Execute();
-  aNode.Refresh();
-  return result;
+  return command->Execute();
 }
 
 std::optional<KrString> StepText(TreeItemData& aNode, const KrString& aText, StepAcceleration& aAcceleration,
@@ -283,6 +283,22 @@ std::optional<KrString> StepText(TreeItemData& aNode, const KrString& aText, Ste
     return std::nullopt;
   }
   return FormatInteger(StepInteger(*value, range, aAcceleration.TakeStep(), aIsUp), isHexadecimal);
+}
+
+std::optional<std::int64_t> ParseEdited(const TreeItemData& aNode, const KrString& aText) {
+  auto* integer = GetView<KrGenInteger>(aNode);
+  return integer ? ParseInteger(aText, IsHexadecimal(*integer)) : std::nullopt;
+}
+
+std::optional<KrString> FormatEdited(const TreeItemData& aNode, std::int64_t aValue) {
+  auto* integer = GetView<KrGenInteger>(aNode);
+  return integer ? std::optional(FormatInteger(aValue, IsHexadecimal(*integer))) : std::nullopt;
+}
+
+std::optional<IntegerRange> ReadStepRange(const TreeItemData& aNode) {
+  auto* integer = GetView<KrGenInteger>(aNode);
+  IntegerRange range;
+  return integer && ReadRange(*integer, range) ? std::optional(range) : std::nullopt;
 }
 
 } // namespace krgui

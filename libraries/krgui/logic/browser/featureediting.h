@@ -1,6 +1,6 @@
 #pragma once
 // Editing a feature without the editors: which editor it gets, what that shows at first, and writing what the user made
-// of it. All of it may wait for the device.
+// of it. What may wait for the device says so.
 
 #include "krbase/krresult.h"
 #include "krgenicam/krgentypes.h"
@@ -22,7 +22,8 @@ enum class EditorKind {
   Command, ///< A button.
 };
 
-/// Which editor a node gets: refreshes it and looks at its type, access and, for a command, whether it still runs.
+/// Which editor a node gets: refreshes it and looks at its type, access and, for a command, whether it still runs. May
+/// wait for the device.
 EditorKind ChooseEditor(TreeItemData& aNode);
 /// Whether the number editor has an up-down control.
 bool HasUpDown(const TreeItemData& aNode);
@@ -36,16 +37,20 @@ struct Choices {
   std::vector<Choice> items;
   int selected = -1; ///< The item of the current value.
 };
-/// The items of the combo box: False and True, or the entries that are available and visible.
-Choices ListChoices(TreeItemData& aNode, KrGenVisibility aVisibility);
-/// The text that an edit box begins with.
-KrString GetEditText(TreeItemData& aNode);
+/// The items of the combo box: False and True, or the entries that are available and visible. May wait for the device.
+Choices ListChoices(const TreeItemData& aNode, KrGenVisibility aVisibility);
+/// Whether an integer is edited in hexadecimal digits. May wait for the device.
+bool IsEditedInHexadecimal(const TreeItemData& aNode);
+/// What an editor shows of the value that was read last: an edit box's text, and the combo box's item, -1 for none.
+/// Both are made from the node's snapshot; the device is not asked.
+KrString GetEditText(const TreeItemData& aNode, bool aIsHexadecimal);
+int FindChoice(const TreeItemData& aNode, const Choices& aChoices);
 
 /// What an editor held when it was closed.
 struct EditInput {
   EditorKind kind = EditorKind::None;
   KrString text;           ///< Of an edit box; of a choice the item's.
-  bool isDirty = false;    ///< The edit box was changed by the user.
+  bool isDirty = false;    ///< The user changed or chose it.
   std::int64_t choice = 0; ///< The chosen item's value.
   bool hasChoice = false;  ///< An item is chosen.
 };
@@ -57,14 +62,21 @@ enum class EditOutcome {
   Failed,
 };
 /// Writes what an editor held. aFailure says why for Failed. After a write, whether or not it succeeded, the node is
-/// refreshed; after one that succeeded it shows the editor's text.
+/// refreshed; after one that succeeded it shows the editor's text. May wait for the device, as may what follows.
 EditOutcome WriteEdit(TreeItemData& aNode, const EditInput& aInput, KrResult& aFailure);
-/// Executes a command and refreshes the node.
+/// Executes a command. The node is refreshed by the caller, after the user has heard of a failure.
 KrResult ExecuteCommand(TreeItemData& aNode);
 
 /// The text one step up or down from what the edit box holds; nothing where it holds no number or the node is no
 /// integer.
 std::optional<KrString> StepText(TreeItemData& aNode, const KrString& aText, StepAcceleration& aAcceleration,
                                  bool aIsUp);
+
+/// The number that an integer's edit box holds; nothing where it holds none or the node is no integer.
+std::optional<std::int64_t> ParseEdited(const TreeItemData& aNode, const KrString& aText);
+/// A number as an integer's edit box shows it; nothing where the node is no integer.
+std::optional<KrString> FormatEdited(const TreeItemData& aNode, std::int64_t aValue);
+/// What an integer is stepped within; nothing where that cannot be read or the node is no integer.
+std::optional<IntegerRange> ReadStepRange(const TreeItemData& aNode);
 
 } // namespace krgui

@@ -90,8 +90,10 @@ void ReadBoolean(KrGenBoolean& aBoolean, FeatureReading& aReading) {
 void ReadEnumeration(KrGenEnum& aEnumeration, const ValueStyle& aStyle, FeatureReading& aReading) {
   std::int64_t value = 0;
   KrGenEnumEntry* entry = nullptr;
-  if (!Succeeds(aEnumeration.GetValue(value), kReadingValue, aReading) ||
-      !Succeeds(aEnumeration.GetEntryByValue(value, entry), kFindingEntry, aReading))
+  if (!Succeeds(aEnumeration.GetValue(value), kReadingValue, aReading))
+    return;
+  aReading.number = value;
+  if (!Succeeds(aEnumeration.GetEntryByValue(value, entry), kFindingEntry, aReading))
     return;
   // A text that cannot be had stays empty.
   (void)(aStyle.showsDisplayNames ? entry->GetDisplayName(aReading.value) : entry->GetName(aReading.value));
@@ -100,8 +102,10 @@ void ReadEnumeration(KrGenEnum& aEnumeration, const ValueStyle& aStyle, FeatureR
 void ReadFloat(KrGenFloat& aFloat, FeatureReading& aReading) {
   double value = 0;
   KrString unit;
-  if (!Succeeds(aFloat.GetValue(value), kReadingValue, aReading) ||
-      !Succeeds(aFloat.GetUnit(unit), kReadingUnit, aReading))
+  if (!Succeeds(aFloat.GetValue(value), kReadingValue, aReading))
+    return;
+  aReading.number = value;
+  if (!Succeeds(aFloat.GetUnit(unit), kReadingUnit, aReading))
     return;
   aReading.value = JoinUnit(FormatFloat(value), unit);
   CheckRange(aFloat, value, aReading);
@@ -122,6 +126,7 @@ void ReadInteger(KrGenInteger& aInteger, const ValueStyle& aStyle, FeatureReadin
   std::int64_t value = 0;
   if (!Succeeds(aInteger.GetValue(value), kReadingValue, aReading))
     return;
+  aReading.number = value;
   if (aStyle.isMACAddress)
     aReading.value = FormatMACAddress(value);
   else if (aStyle.isIPAddress)

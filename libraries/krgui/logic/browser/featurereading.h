@@ -5,7 +5,9 @@
 #include "krbase/krstring.h"
 #include "logic/browser/accessflags.h"
 
+#include <cstdint>
 #include <optional>
+#include <variant>
 
 class KrGenParameter;
 
@@ -25,9 +27,13 @@ struct AccessReason {
   KrString text;                     ///< Empty where nothing is known.
 };
 
+/// The number behind a value's text, whole: of an integer, an enumeration or a float; nothing where it was not read.
+using FeatureNumber = std::variant<std::monostate, std::int64_t, double>;
+
 struct FeatureReading {
   AccessFlags access; ///< What was not found out is false.
   KrString value;
+  FeatureNumber number;
   bool keepsValue = false; ///< Not readable: what was read before still stands.
   bool hasError = false;   ///< A step failed, or the value lies outside the bounds, which leaves it its text.
   KrString error;

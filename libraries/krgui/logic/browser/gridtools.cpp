@@ -35,6 +35,17 @@ KrString Cut(const KrString& aText) {
   return KrString(text);
 }
 
+/// Parts that say nothing leave nothing behind.
+KrString Join(const KrString& aFirst, const KrString& aSecond, const char* aBetween) {
+  return aFirst.IsEmpty() || aSecond.IsEmpty() ? aFirst + aSecond : aFirst + aBetween + aSecond;
+}
+
+KrString FindError(const TreeItemData& aNode) {
+  return aNode.HasError() ? aNode.GetError() : KrString();
+}
+
+constexpr const char* kEmptyLine = "\n\n";
+
 } // namespace
 
 std::int32_t FindTool(const BrowserTree& aTree, GridItem aItem, bool aIsOnErrorIcon) {
@@ -57,12 +68,19 @@ KrString GetToolText(const BrowserTree& aTree, std::int32_t aTool) {
   const TreeItemData& node = *nodes[index];
   if ((aTool & kErrorToolFlag) != 0)
     return Cut(node.GetError());
-  KrString text = node.GetToolTip();
-  const KrString reason = node.GetAccessReason();
-  if (!text.IsEmpty() && !reason.IsEmpty())
-    text += "\n\n";
-  text += reason;
-  return Cut(text);
+  return Cut(Join(node.GetToolTip(), node.GetAccessReason(), kEmptyLine));
+}
+
+KrString GetTroubleText(const TreeItemData& aNode) {
+  return Join(FindError(aNode), aNode.GetAccessReason(), "\n");
+}
+
+KrString GetHelpText(const BrowserTree& aTree, GridItem aItem) {
+  const BrowserTree::Item* const item = aTree.Find(aItem);
+  if (!item)
+    return {};
+  const KrString rest = Join(item->node->GetToolTip(), item->node->GetAccessReason(), kEmptyLine);
+  return Cut(Join(FindError(*item->node), rest, kEmptyLine));
 }
 
 } // namespace krgui

@@ -1,5 +1,5 @@
 #pragma once
-// Which tooltip a point of the grid asks for, as a number, and its text.
+// Which tooltip a point of the grid asks for, as a number, and its text; and the same for those who have no pointer.
 
 #include "logic/browser/browsertree.h"
 
@@ -16,5 +16,11 @@ std::int32_t FindTool(const BrowserTree& aTree, GridItem aItem, bool aIsOnErrorI
 /// The error's text, or the tooltip with, after an empty line, why the feature is not what it might be; at most
 /// kMostToolTipCharacters UTF-16 units. Empty where there is nothing to say.
 KrString GetToolText(const BrowserTree& aTree, std::int32_t aTool);
+
+/// What is wrong with a feature and why it is not what it might be, for those who see neither icon nor tooltip; empty
+/// where all is well.
+KrString GetTroubleText(const TreeItemData& aNode);
+/// All that the tooltips of a row say, what is wrong with it first, cut like them. Empty where they say nothing.
+KrString GetHelpText(const BrowserTree& aTree, GridItem aItem);
 
 } // namespace krgui

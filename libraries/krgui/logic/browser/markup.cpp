@@ -27,6 +27,15 @@ std::vector<MarkupRun> SplitMarkup(std::string_view aText) {
   return runs;
 }
 
+bool LeavesBold(std::string_view aText) {
+  bool isBold = false;
+  for (std::size_t at = aText.find(kBoldBegin); at != aText.npos; at = aText.find(isBold ? kBoldEnd : kBoldBegin, at)) {
+    at += (isBold ? kBoldEnd : kBoldBegin).size();
+    isBold = !isBold;
+  }
+  return isBold;
+}
+
 int ScaleTitleHeight(int aDefaultHeight) {
   return static_cast<int>(aDefaultHeight * kTitleScale + 0.5);
 }

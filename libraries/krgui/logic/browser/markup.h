@@ -16,6 +16,9 @@ struct MarkupRun {
 /// without text are left out. The runs point into the text.
 std::vector<MarkupRun> SplitMarkup(std::string_view aText);
 
+/// Whether what follows the text would be bold by it: a bold run in it has no end.
+bool LeavesBold(std::string_view aText);
+
 /// The height of a title: 1.3 times the default height, rounded.
 int ScaleTitleHeight(int aDefaultHeight);
 

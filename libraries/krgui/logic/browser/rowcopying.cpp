@@ -26,17 +26,38 @@ std::optional<KrString> GetValuePart(const TreeItemData& aNode) {
   return KrString(std::move(text));
 }
 
+std::optional<KrString> GetError(const TreeItemData& aNode) {
+  return aNode.HasError() ? std::optional(aNode.GetError()) : std::nullopt;
+}
+
+std::optional<KrString> GetNameAndValue(const TreeItemData& aNode) {
+  const std::optional<KrString> value = GetValuePart(aNode);
+  return value ? std::optional(aNode.GetShownName() + " = " + *value) : std::nullopt;
+}
+
+KrString GetRow(const TreeItemData& aNode) {
+  KrString text = GetNameAndValue(aNode).value_or(aNode.GetShownName());
+  if (const std::optional<KrString> error = GetError(aNode))
+    text += "\n" + *error;
+  return text;
+}
+
 } // namespace
 
 std::optional<KrString> GetRowPart(const TreeItemData& aNode, RowPart aPart) {
-  if (aPart == RowPart::Name)
+  switch (aPart) {
+  case RowPart::Row:
+    return GetRow(aNode);
+  case RowPart::Name:
     return aNode.GetShownName();
-  if (aPart == RowPart::Error)
-    return aNode.HasError() ? std::optional(aNode.GetError()) : std::nullopt;
-  std::optional<KrString> value = GetValuePart(aNode);
-  if (!value || aPart == RowPart::Value)
-    return value;
-  return aNode.GetShownName() + " = " + *value;
+  case RowPart::Value:
+    return GetValuePart(aNode);
+  case RowPart::NameAndValue:
+    return GetNameAndValue(aNode);
+  case RowPart::Error:
+    return GetError(aNode);
+  }
+  return std::nullopt;
 }
 
 } // namespace krgui

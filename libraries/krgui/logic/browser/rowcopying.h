@@ -9,7 +9,14 @@ namespace krgui {
 
 class TreeItemData;
 
-enum class RowPart { Name, Value, NameAndValue, Error };
+enum class RowPart {
+  Row, ///< Name and value, or the name where there is no value; in a line of its own the error's text where there is
+       ///< one.
+  Name,
+  Value,
+  NameAndValue, ///< As "name = value".
+  Error,
+};
 
 /// The text of a part, the name as the row shows it; nothing where the row has no such part: a category has no value,
 /// and neither has a feature that was not read, is not implemented or not available.

@@ -1,10 +1,9 @@
 #include "logic/browser/settingsdifference.h"
 
+#include "logic/browser/settingsvalue.h"
+
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -26,45 +25,9 @@ struct Place {
 
 using Places = std::unordered_map<std::string, Place>;
 
-char ToLower(char aLetter) {
-  return aLetter >= 'A' && aLetter <= 'Z' ? static_cast<char>(aLetter - 'A' + 'a') : aLetter;
-}
-
-bool EqualsIgnoringCase(std::string_view aLeft, std::string_view aRight) {
-  return std::equal(aLeft.begin(), aLeft.end(), aRight.begin(), aRight.end(),
-                    [](char aOne, char aOther) { return ToLower(aOne) == ToLower(aOther); });
-}
-
-std::string_view CutPrefix(std::string_view aText, std::string_view aPrefix) {
-  const bool hasPrefix = EqualsIgnoringCase(aText.substr(0, aPrefix.size()), aPrefix);
-  return hasPrefix ? aText.substr(aPrefix.size()) : aText;
-}
-
-template <typename Number, typename... Base>
-std::optional<Number> ReadNumber(std::string_view aText, Base... aBase) {
-  Number number = 0;
-  const auto [end, error] = std::from_chars(aText.data(), aText.data() + aText.size(), number, aBase...);
-  return error == std::errc() && end == aText.data() + aText.size() ? std::optional<Number>(number) : std::nullopt;
-}
-
-std::optional<std::int64_t> ReadInteger(std::string_view aText) {
-  const std::string_view digits = CutPrefix(aText, "0x");
-  if (digits.size() == aText.size())
-    return ReadNumber<std::int64_t>(CutPrefix(aText, "+"));
-  const std::optional<std::uint64_t> bits = ReadNumber<std::uint64_t>(digits, 16);
-  return bits ? std::optional<std::int64_t>(static_cast<std::int64_t>(*bits)) : std::nullopt;
-}
-
-std::optional<bool> ReadBoolean(std::string_view aText) {
-  constexpr std::array<std::string_view, 4> kWords = {"0", "1", "false", "true"};
-  const auto word = std::find_if(kWords.begin(), kWords.end(),
-                                 [aText](std::string_view aWord) { return EqualsIgnoringCase(aText, aWord); });
-  return word == kWords.end() ? std::nullopt : std::optional<bool>((word - kWords.begin()) % 2 == 1);
-}
-
 bool IsSameFloat(std::string_view aLeft, std::string_view aRight) {
-  const std::optional<double> left = ReadNumber<double>(CutPrefix(aLeft, "+"));
-  const std::optional<double> right = ReadNumber<double>(CutPrefix(aRight, "+"));
+  const std::optional<double> left = ReadSettingFloat(aLeft);
+  const std::optional<double> right = ReadSettingFloat(aRight);
   if (!left || !right)
     return false;
   return *left == *right || std::abs(*left - *right) <= kFloatTolerance * std::max(std::abs(*left), std::abs(*right));
@@ -80,13 +43,13 @@ bool IsSame(KrGenType aType, const std::string& aLeft, const std::string& aRight
     return true;
   switch (aType) {
   case KrGenType::Integer:
-    return AreBoth(ReadInteger(aLeft), ReadInteger(aRight));
+    return AreBoth(ReadSettingInteger(aLeft), ReadSettingInteger(aRight));
   case KrGenType::Boolean:
-    return AreBoth(ReadBoolean(aLeft), ReadBoolean(aRight));
+    return AreBoth(ReadSettingBoolean(aLeft), ReadSettingBoolean(aRight));
   case KrGenType::Float:
     return IsSameFloat(aLeft, aRight);
   case KrGenType::Register:
-    return EqualsIgnoringCase(CutPrefix(aLeft, "0x"), CutPrefix(aRight, "0x"));
+    return EqualsIgnoringCase(ReadSettingDigits(aLeft), ReadSettingDigits(aRight));
   default:
     return false;
   }

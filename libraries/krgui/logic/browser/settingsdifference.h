@@ -39,7 +39,7 @@ struct ComparedSetting {
   KrString positions; ///< "GainSelector=Red, …"; empty where nothing selects the feature.
   KrString present;   ///< Empty without a present value.
   KrString wanted;    ///< In the file.
-  KrString note;      ///< Why it may not become what the file has.
+  KrString note;      ///< Why it may not become what the file has: a lock, or an obstacle of another kind.
 };
 
 /// Thread: a value.

@@ -1,6 +1,7 @@
 #include "logic/browser/settingsproblem.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 namespace krgui {
@@ -34,13 +35,21 @@ std::string Capitalize(std::string_view aText) {
   return text;
 }
 
+// Those of restoring begin with the file's value, of which no letter is another than in the file.
+bool BeginsWithValue(std::string_view aReason) {
+  constexpr std::string_view kBehindValue[] = {" is wanted, but was not set: ", " was set, but "};
+  return std::any_of(std::begin(kBehindValue), std::end(kBehindValue),
+                     [aReason](std::string_view aWords) { return aReason.find(aWords) != aReason.npos; });
+}
+
 SettingsProblem PartProblem(std::string_view aText) {
   const std::size_t end = IsOfNoFeature(aText) ? aText.npos : FindPlaceEnd(aText);
   if (end == aText.npos)
     return {.feature = {}, .reason = Capitalize(aText)};
   std::string_view reason = aText.substr(end);
   reason.remove_prefix(std::min(reason.find_first_not_of(": "), reason.size()));
-  return {.feature = std::string(aText.substr(0, end)), .reason = Capitalize(reason)};
+  const bool isKept = aText[end] == ':' && BeginsWithValue(reason);
+  return {.feature = std::string(aText.substr(0, end)), .reason = isKept ? std::string(reason) : Capitalize(reason)};
 }
 
 } // namespace

@@ -11,7 +11,7 @@ namespace krgui {
 
 struct SettingsProblem {
   std::string feature; ///< With its selectors' positions: "Gain [GainSelector=Red]"; empty for one of no feature.
-  std::string reason;  ///< Begins with a capital letter or a digit.
+  std::string reason;  ///< Begins with a capital letter, or with the file's value as it is.
 
   friend bool operator==(const SettingsProblem&, const SettingsProblem&) = default;
 };

@@ -41,14 +41,23 @@ TreeItemData::TreeItemData(const KrString& aName, RowNotifier aNotifier, GridIte
   ReadTexts();
   mSelected = ReadList(aParameter, &KrGenParameter::GetSelectedParameters);
   mSelecting = ReadList(aParameter, &KrGenParameter::GetSelectingParameters);
-  // Comes last, as a notification may follow at once. It is refused only to a sink that is registered already.
-  (void)aParameter.RegisterEventSink(this);
+  // Comes last, as a notification may follow at once.
+  ListenAgain();
 }
 
 TreeItemData::~TreeItemData() {
-  // Waits for a notification that is under way, while the node is still whole and none of its locks is held.
+  // While the node is still whole and none of its locks is held.
+  StopListening();
+}
+
+void TreeItemData::StopListening() {
   if (mParameter)
-    (void)mParameter->UnregisterEventSink(this);
+    (void)mParameter->UnregisterEventSink(this); // Refused only to a sink that is not registered.
+}
+
+void TreeItemData::ListenAgain() {
+  if (mParameter)
+    (void)mParameter->RegisterEventSink(this); // Refused only to a sink that is registered already.
 }
 
 void TreeItemData::ReadTexts() {
@@ -88,8 +97,10 @@ void TreeItemData::Refresh() {
   if (!mReadings.Accept(number))
     return;
   mNow.access = reading.access;
-  if (!reading.keepsValue)
+  if (!reading.keepsValue) {
     mNow.value = std::move(reading.value);
+    mNow.number = reading.number;
+  }
   PutError(reading.hasError, std::move(reading.error));
   mAccessReason = std::move(reading.accessReason);
   mIsRead = true;
@@ -140,6 +151,14 @@ KrString TreeItemData::GetError() const {
   return mNow.error;
 }
 
+std::optional<KrString> TreeItemData::FindError() const {
+  // Most features have none, and thousands are asked once a second.
+  if (!mHasError)
+    return std::nullopt;
+  const std::lock_guard lock(mMutex);
+  return mNow.hasError ? std::optional(mNow.error) : std::nullopt;
+}
+
 void TreeItemData::MarkRedrawPending() {
   const std::lock_guard lock(mMutex);
   mIsRedrawPending = true;
@@ -147,8 +166,11 @@ void TreeItemData::MarkRedrawPending() {
 
 RowSnapshot TreeItemData::GetSnapshot() const {
   const std::lock_guard lock(mMutex);
-  return {
-      .value = mIsRead ? mNow.value : KrString(), .hasError = mNow.hasError, .isRead = mIsRead, .access = mNow.access};
+  return {.value = mIsRead ? mNow.value : KrString(),
+          .number = mNow.number,
+          .hasError = mNow.hasError,
+          .isRead = mIsRead,
+          .access = mNow.access};
 }
 
 AccessFlags TreeItemData::GetAccess() const {

@@ -13,19 +13,22 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace krgui {
 
 /// What a row is painted from: one consistent copy.
 struct RowSnapshot {
-  KrString value; ///< Empty until the value has been read once.
+  KrString value;       ///< Empty until the value has been read once.
+  FeatureNumber number; ///< What the value's text was made from.
   bool hasError = false;
   bool isRead = false; ///< The value has been read once.
   AccessFlags access;
 };
 
-/// A node. A feature's node is its event sink for its whole life.
+/// A node. A feature's node is its event sink for its whole life, but for the moments in which who reads it next makes
+/// the array forget it.
 ///
 /// Thread: construction and destruction on the user-interface thread; Refresh and OnParameterUpdate on any; the rest
 /// on any, each consistent in itself. No lock is held while the device is asked.
@@ -55,6 +58,8 @@ public:
   void ClearError();
   bool HasError() const { return mHasError; }
   KrString GetError() const;
+  /// The error's text, or nothing without one: of one moment, whoever sets and clears it meanwhile.
+  std::optional<KrString> FindError() const;
   /// An editor on the row was closed: the next HasChanged is true.
   void MarkRedrawPending();
 
@@ -73,6 +78,8 @@ public:
   bool IsIPAddress() const { return mIsIPAddress; }
   bool IsMACAddress() const { return mIsMACAddress; }
   bool ShowsDisplayNames() const { return mShowsDisplayNames; }
+  /// From the next reading on the value, where it is an entry's name, follows.
+  void SetShowsDisplayNames(bool aShowsDisplayNames) { mShowsDisplayNames = aShowsDisplayNames; }
 
   const KrString& GetName() const { return mName; }
   const KrString& GetDisplayName() const { return mDisplayName; }
@@ -101,6 +108,10 @@ public:
   bool IsRead() const;
 
   void OnParameterUpdate(KrGenParameter* aParameter) override;
+  /// Hears of no change until ListenAgain, and waits for the call that is under way. For who reads the node after that:
+  /// what has changed meanwhile is found by that reading. Nothing for a category's node.
+  void StopListening();
+  void ListenAgain();
 
   /// Ascending by name, case-sensitive.
   static bool IsNameLess(const TreeItemData& aLeft, const TreeItemData& aRight) { return aLeft.mName < aRight.mName; }
@@ -109,6 +120,7 @@ private:
   /// What can change, as it is or as it was acknowledged.
   struct Content {
     KrString value;
+    FeatureNumber number;
     bool hasError = false;
     KrString error;
     AccessFlags access;
@@ -125,7 +137,7 @@ private:
   const GridItem mItem;
   KrGenParameter* const mParameter;
   KrGenCategory* const mCategory;
-  const bool mShowsDisplayNames;
+  std::atomic<bool> mShowsDisplayNames;
   bool mIsIPAddress = false;
   bool mIsMACAddress = false;
   int mLevel = 0;
