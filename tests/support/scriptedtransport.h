@@ -2,10 +2,9 @@
 // A transport for tests of windows that look for devices: what is connected changes whenever the test says so, and a
 // round tells the test where it is and may be held there.
 
+#include "gate.h"
 #include "krsystem/transportregistry.h"
 
-#include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <map>
 #include <memory>
@@ -142,42 +141,4 @@ private:
   std::size_t mAccessCount = 0;
   std::uint32_t mTimeoutMs = 0;
   bool mWasSubnetBroadcast = true;
-};
-
-/// A gate that one thread reaches and another opens.
-class Gate {
-public:
-  /// Tells that the gate was reached and waits until it is opened or the token asks.
-  void Wait(const std::stop_token& aStop) {
-    std::unique_lock lock(mMutex);
-    mIsReached = true;
-    mChanged.notify_all();
-    (void)mChanged.wait(lock, aStop, [this] { return mIsOpen; });
-  }
-  /// Tells that the gate was reached and goes on.
-  void Pass() {
-    const std::lock_guard lock(mMutex);
-    mIsReached = true;
-    mChanged.notify_all();
-  }
-  void Open() {
-    const std::lock_guard lock(mMutex);
-    mIsOpen = true;
-    mChanged.notify_all();
-  }
-  /// False when nobody comes within a limit that only a fault can reach.
-  [[nodiscard]] bool AwaitReached() {
-    std::unique_lock lock(mMutex);
-    return mChanged.wait_for(lock, std::chrono::seconds(30), [this] { return mIsReached; });
-  }
-  bool IsReached() const {
-    const std::lock_guard lock(mMutex);
-    return mIsReached;
-  }
-
-private:
-  mutable std::mutex mMutex; // Guards both flags.
-  std::condition_variable_any mChanged;
-  bool mIsReached = false;
-  bool mIsOpen = false;
 };

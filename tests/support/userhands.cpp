@@ -109,6 +109,12 @@ void CloseTopWindow() {
   QWidget* window = QApplication::activePopupWidget();
   if (window == nullptr)
     window = QApplication::activeModalWidget();
+  if (window == nullptr)
+    window = QApplication::activeWindow();
+  // Also without the keyboard, so that a test ends that failed by losing it.
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  for (auto open = windows.begin(); window == nullptr && open != windows.end(); ++open)
+    window = (*open)->isVisible() ? *open : nullptr;
   if (window != nullptr)
     window->close();
 }
@@ -236,6 +242,14 @@ void UserHands::Press(const QString& aKey, int aTimes) const {
 
 void UserHands::Type(const QString& aText) const {
   RunXdotool({"type", aText});
+}
+
+void UserHands::Hold(const QString& aKey) const {
+  RunXdotool({"keydown", aKey});
+}
+
+void UserHands::Release(const QString& aKey) const {
+  RunXdotool({"keyup", aKey});
 }
 
 void UserHands::TakePicture(const QString& aPath) const {

@@ -51,6 +51,9 @@ public:
   /// Keys by the names that the X server has for them ("Return", "Tab", "ctrl+c"), and plain text.
   void Press(const QString& aKey, int aTimes = 1) const;
   void Type(const QString& aText) const;
+  /// Holds a key down, which repeats until it is released.
+  void Hold(const QString& aKey) const;
+  void Release(const QString& aKey) const;
   /// Writes the whole screen to a file, to be looked at.
   void TakePicture(const QString& aPath) const;
 
@@ -60,6 +63,6 @@ private:
   void ClickAt(const QPoint& aScreenPoint, const QStringList& aClicks) const;
 };
 
-/// Shows a modal window, which blocks, and runs the script meanwhile. Returns when both have ended; windows that the
-/// script leaves open are closed.
+/// Shows a window in a loop of its own, which blocks, and runs the script meanwhile. Returns when both have ended;
+/// windows that the script leaves open are closed.
 void RunWithUser(const std::function<void()>& aShow, const std::function<void(UserHands&)>& aScript);

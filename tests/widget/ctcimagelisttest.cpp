@@ -8,6 +8,9 @@
 
 namespace {
 
+using krgui::MaskColour;
+using krgui::PictureSide;
+
 constexpr QSize kTool(16, 16);
 
 /// How many pixels are of a colour and not transparent.
@@ -45,21 +48,26 @@ TEST(CTCImageList, EveryWayToCreate_PartsTheStrip) {
   };
   const Row rows[] = {
       {"number alone", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kGlyphsBitmapID); }, 2, {9, 9}},
-      {"one size", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 16); }, 4, {16, 16}},
+      {"one size",
+       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, PictureSide(16)); },
+       4,
+       {16, 16}},
       {"width and height",
-       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 32, 16); },
+       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, QSize(32, 16)); },
        2,
        {32, 16}},
       {"one size and mask",
-       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 16, QColor(Qt::red)); },
+       [](krgui::CTCImageList& aList) {
+         return aList.Create(krgui::kToolsBitmapID, PictureSide(16), MaskColour(Qt::red));
+       },
        4,
        {16, 16}},
       {"mask",
-       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kGlyphsBitmapID, QColor(Qt::red)); },
+       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kGlyphsBitmapID, MaskColour(Qt::red)); },
        2,
        {9, 9}},
       {"one picture",
-       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 64, 16); },
+       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, QSize(64, 16)); },
        1,
        {64, 16}},
   };
@@ -91,7 +99,7 @@ TEST(CTCImageList, White_IsTransparentUnlessAnotherColourIsTheMask) {
   krgui::CTCImageList byDefault;
   krgui::CTCImageList byRed;
   ASSERT_TRUE(byDefault.Create(krgui::kErrorBitmapID));
-  ASSERT_TRUE(byRed.Create(krgui::kErrorBitmapID, QColor(Qt::red)));
+  ASSERT_TRUE(byRed.Create(krgui::kErrorBitmapID, MaskColour(Qt::red)));
 
   for (const double ratio : {1.0, 1.5, 2.0}) {
     EXPECT_EQ(CountOpaque(byDefault.GetPicture(0, ratio), Qt::white), 0) << ratio;
@@ -99,10 +107,28 @@ TEST(CTCImageList, White_IsTransparentUnlessAnotherColourIsTheMask) {
   }
 }
 
+TEST(CTCImageList, NumberOrNameOfAColour_IsNoSize) {
+  constexpr auto isTaken = []<typename... Values>(krgui::CTCImageList& aList, Values... aValues) {
+    return requires {
+      aList.Create(krgui::kToolsBitmapID, aValues...);
+    };
+  };
+  krgui::CTCImageList list;
+
+  EXPECT_FALSE(isTaken(list, Qt::white));
+  EXPECT_FALSE(isTaken(list, 0xFFFFFF));
+  EXPECT_FALSE(isTaken(list, 16, Qt::white));
+  EXPECT_FALSE(isTaken(list, 16, 0xFFFFFF));
+  EXPECT_TRUE(list.Create(krgui::kToolsBitmapID, MaskColour(Qt::white)));
+  EXPECT_EQ(list.GetCount(), 4);
+  EXPECT_TRUE(list.Create(krgui::kErrorBitmapID, MaskColour::FromRgb(0xFFFFFF)));
+  EXPECT_EQ(CountOpaque(list.GetPicture(0, 1.0), Qt::white), 0);
+}
+
 TEST(CTCImageList, MaskColour_IsTransparentAtAnyRatio) {
   const QColor red = krgui::LoadBitmap(krgui::kErrorBitmapID).pixelColor(3, 8);
   krgui::CTCImageList list;
-  ASSERT_TRUE(list.Create(krgui::kErrorBitmapID, 16, red));
+  ASSERT_TRUE(list.Create(krgui::kErrorBitmapID, PictureSide(16), MaskColour(red)));
 
   for (const double ratio : {1.0, 1.5, 2.0}) {
     EXPECT_EQ(CountOpaque(list.GetPicture(0, ratio), red), 0) << ratio;
@@ -117,15 +143,17 @@ TEST(CTCImageList, WhatDoesNotFit_IsRefusedAndLeavesNothing) {
   };
   const Row rows[] = {
       {"unknown bitmap", [](krgui::CTCImageList& aList) { return aList.Create(1); }},
-      {"unknown bitmap with a size", [](krgui::CTCImageList& aList) { return aList.Create(1, 16); }},
-      {"unknown bitmap with a mask", [](krgui::CTCImageList& aList) { return aList.Create(1, QColor(Qt::red)); }},
-      {"size 0", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 0); }},
-      {"negative size", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, -16); }},
-      {"too high", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 32); }},
-      {"not as high", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 8); }},
+      {"unknown bitmap with a size", [](krgui::CTCImageList& aList) { return aList.Create(1, PictureSide(16)); }},
+      {"unknown bitmap with a mask", [](krgui::CTCImageList& aList) { return aList.Create(1, MaskColour(Qt::red)); }},
+      {"size 0", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, PictureSide(0)); }},
+      {"negative size",
+       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, PictureSide(-16)); }},
+      {"too high", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, PictureSide(32)); }},
+      {"not as high", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, PictureSide(8)); }},
       {"width that leaves a rest",
-       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 24, 16); }},
-      {"wider than the strip", [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, 128, 16); }},
+       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, QSize(24, 16)); }},
+      {"wider than the strip",
+       [](krgui::CTCImageList& aList) { return aList.Create(krgui::kToolsBitmapID, QSize(128, 16)); }},
   };
   for (const Row& row : rows) {
     krgui::CTCImageList list;

@@ -40,6 +40,36 @@ TEST(WndKeys, EnterInAModalWindow_Accepts) {
   EXPECT_EQ(window.record->accepts, 1);
 }
 
+TEST(WndKeys, LetterWithAltThatIsNobodysMnemonic_IsNotTyped) {
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  auto* field = new QLineEdit(window.GetWidget());
+  auto* text = new QPlainTextEdit(window.GetWidget());
+  field->show();
+  text->show();
+
+  for (QWidget* control : {static_cast<QWidget*>(field), static_cast<QWidget*>(text)}) {
+    QTest::keyClick(control, Qt::Key_T, Qt::AltModifier);
+    QTest::keyClick(control, Qt::Key_T, Qt::AltModifier | Qt::ShiftModifier);
+    QTest::keyClicks(control, "A");
+    QTest::keyClick(control, Qt::Key_At, Qt::GroupSwitchModifier);
+  }
+
+  EXPECT_EQ(field->text(), "A@");
+  EXPECT_EQ(text->toPlainText(), "A@");
+}
+
+TEST(WndKeys, LetterWithAltInAnotherWindow_IsItsOwnBusiness) {
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+  QLineEdit field;
+  field.show();
+
+  QTest::keyClick(&field, Qt::Key_T, Qt::AltModifier);
+
+  EXPECT_EQ(field.text().toLower(), "t");
+}
+
 TEST(WndKeys, CloseBoxOfAModalWindow_Cancels) {
   TestWnd window;
   QTimer::singleShot(0, qApp, [&] { window.GetWidget()->windowHandle()->close(); });
@@ -194,6 +224,34 @@ TEST(WndKeys, OnlyTheButtonWithID1_IsDefault) {
   EXPECT_FALSE(GetButton(window, kCancelButton).isDefault());
   EXPECT_FALSE(other->isDefault());
   EXPECT_FALSE(other->autoDefault());
+}
+
+TEST(WndKeys, EnterHeldOnAButton_PressesItOnceWhetherOrNotItsRepeatsAreMarked) {
+  for (const bool isMarked : {true, false}) {
+    TestWnd window(kDeviceFinderTraits);
+    window.onOK = window.onCancel = [] {};
+    ASSERT_TRUE(window.ShowModeless(0).IsOK());
+    window.GetWidget()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.GetWidget()));
+    GetButton(window, kCancelButton).setFocus();
+    const auto giveKey = [&](QEvent::Type aType, bool aIsRepeat, quint64 aTimeMs) {
+      QKeyEvent event(aType, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"), aIsRepeat && isMarked);
+      event.setTimestamp(aTimeMs);
+      QCoreApplication::sendEvent(&GetButton(window, kCancelButton), &event);
+    };
+
+    giveKey(QEvent::KeyPress, false, 1000);
+    for (quint64 time = 1500; time < 1700; time += 40) {
+      giveKey(QEvent::KeyRelease, true, time);
+      giveKey(QEvent::KeyPress, true, time);
+    }
+    EXPECT_EQ(window.record->cancels, 1) << isMarked;
+    giveKey(QEvent::KeyRelease, false, 1800);
+    giveKey(QEvent::KeyPress, false, 2000);
+
+    EXPECT_EQ(window.record->cancels, 2) << isMarked;
+    EXPECT_EQ(window.record->accepts, 0) << isMarked;
+  }
 }
 
 TEST(WndKeys, RepeatedRelease_IsNoRelease) {

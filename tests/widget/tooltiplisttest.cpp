@@ -369,7 +369,8 @@ TEST_F(TooltipListTest, PointerRestsOnAnItem_ShowsItsTooltipAsPlainText) {
   QHelpEvent help(QEvent::ToolTip, GetCenter(3), list.viewport()->mapToGlobal(GetCenter(3)));
   QApplication::sendEvent(list.viewport(), &help);
 
-  EXPECT_EQ(QToolTip::text(), QStringLiteral("<p>&lt;i&gt;fast&lt;/i&gt;</p>"));
+  EXPECT_EQ(QToolTip::text(),
+            QStringLiteral("<qt><div style=\"white-space:pre-wrap\">&lt;i&gt;fast&lt;/i&gt;</div></qt>"));
   QToolTip::hideText();
 }
 

@@ -1,10 +1,10 @@
 #include "finder/errorprovider.h"
 
 #include "finder/finderpictures.h"
+#include "platform/plainline.h"
 
 #include <QHelpEvent>
 #include <QPainter>
-#include <QTextDocument>
 #include <QToolTip>
 #include <QWidget>
 
@@ -65,7 +65,7 @@ void ErrorProvider::Paint() {
 
 void ErrorProvider::ShowToolTip(const QPoint& aPoint, const QPoint& aGlobal) {
   if (HitTest(aPoint) == kErrorTool) {
-    QToolTip::showText(aGlobal, Qt::convertFromPlainText(mText, Qt::WhiteSpaceNormal), &mControl, mControl.rect());
+    QToolTip::showText(aGlobal, ToPlainToolTip(mText), &mControl, mControl.rect());
   } else {
     QToolTip::hideText();
   }

@@ -8,6 +8,7 @@
 #include "krsystem/krsystem.h"
 #include "platform/ipaddresscontrol.h"
 #include "platform/messagebox.h"
+#include "platform/toqstring.h"
 #include "res/templates.h"
 
 #include <QComboBox>
@@ -37,14 +38,6 @@ constexpr int kGatewayErrorID = 1013;
 constexpr int kProposeID = 1140;
 
 constexpr int kLastField = 3;
-
-QString ToQString(const KrString& aText) {
-  return QString::fromStdU16String(aText.ToWide());
-}
-
-KrString ToKrString(const QString& aText) {
-  return KrString(aText.toStdString());
-}
 
 void LogFailure(const KrString& aMAC, const KrResult& aResult) {
   KrLogger("KrGUILib")

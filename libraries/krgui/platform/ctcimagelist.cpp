@@ -20,20 +20,20 @@ bool CTCImageList::Create(int aBitmapID) {
   return Fill(aBitmapID, GetSquare(aBitmapID), Qt::white);
 }
 
-bool CTCImageList::Create(int aBitmapID, int aSize) {
-  return Fill(aBitmapID, {aSize, aSize}, Qt::white);
+bool CTCImageList::Create(int aBitmapID, PictureSide aSide) {
+  return Fill(aBitmapID, {aSide.pixels, aSide.pixels}, Qt::white);
 }
 
-bool CTCImageList::Create(int aBitmapID, int aWidth, int aHeight) {
-  return Fill(aBitmapID, {aWidth, aHeight}, Qt::white);
+bool CTCImageList::Create(int aBitmapID, const QSize& aSize) {
+  return Fill(aBitmapID, aSize, Qt::white);
 }
 
-bool CTCImageList::Create(int aBitmapID, int aSize, const QColor& aMask) {
-  return Fill(aBitmapID, {aSize, aSize}, aMask);
+bool CTCImageList::Create(int aBitmapID, PictureSide aSide, const MaskColour& aMask) {
+  return Fill(aBitmapID, {aSide.pixels, aSide.pixels}, aMask.colour);
 }
 
-bool CTCImageList::Create(int aBitmapID, const QColor& aMask) {
-  return Fill(aBitmapID, GetSquare(aBitmapID), aMask);
+bool CTCImageList::Create(int aBitmapID, const MaskColour& aMask) {
+  return Fill(aBitmapID, GetSquare(aBitmapID), aMask.colour);
 }
 
 bool CTCImageList::Fill(int aBitmapID, const QSize& aPictureSize, const QColor& aMask) {

@@ -7,6 +7,21 @@
 
 namespace krgui {
 
+/// The side of square pictures, in pixels. A type of its own, like the mask's colour: a bare number or a colour's name
+/// could be either.
+struct PictureSide {
+  explicit constexpr PictureSide(int aPixels) : pixels(aPixels) {}
+  int pixels;
+};
+
+/// The colour whose pixels are transparent.
+struct MaskColour {
+  explicit MaskColour(const QColor& aColour) : colour(aColour) {}
+  /// Red, green and blue as in 0xFFFFFF, white; without transparency.
+  static MaskColour FromRgb(QRgb aRgb) { return MaskColour(QColor(aRgb)); }
+  QColor colour;
+};
+
 /// Thread: user interface. Ownership: a value; pictures are drawn when they are asked for.
 class CTCImageList {
 public:
@@ -14,10 +29,10 @@ public:
   /// large as the strip is high where no size is given; pixels of the mask colour, white unless it is given, are
   /// transparent. False for a strip that is not there and for a size that does not part it without a rest.
   bool Create(int aBitmapID);
-  bool Create(int aBitmapID, int aSize);
-  bool Create(int aBitmapID, int aWidth, int aHeight);
-  bool Create(int aBitmapID, int aSize, const QColor& aMask);
-  bool Create(int aBitmapID, const QColor& aMask);
+  bool Create(int aBitmapID, PictureSide aSide);
+  bool Create(int aBitmapID, const QSize& aSize);
+  bool Create(int aBitmapID, PictureSide aSide, const MaskColour& aMask);
+  bool Create(int aBitmapID, const MaskColour& aMask);
 
   int GetCount() const { return mCount; }
   /// In device-independent pixels.

@@ -1,6 +1,7 @@
 #include "platform/ctooltiplistctrl.h"
 
 #include "logic/frame/dropdownplacement.h"
+#include "platform/plainline.h"
 #include "platform/topixelrect.h"
 
 #include <QAbstractListModel>
@@ -12,7 +13,6 @@
 #include <QMouseEvent>
 #include <QScreen>
 #include <QScrollBar>
-#include <QTextDocument>
 #include <QToolTip>
 
 #include <algorithm>
@@ -184,9 +184,8 @@ bool CTooltipListCtrl::viewportEvent(QEvent* aEvent) {
   if (text.isEmpty() || !hit->rect.contains(static_cast<const QHelpEvent*>(aEvent)->pos())) {
     QToolTip::hideText();
   } else {
-    // As plain text: a description comes from a device.
-    QToolTip::showText(static_cast<const QHelpEvent*>(aEvent)->globalPos(),
-                       Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal), viewport(), hit->rect);
+    QToolTip::showText(static_cast<const QHelpEvent*>(aEvent)->globalPos(), ToPlainToolTip(text), viewport(),
+                       hit->rect);
   }
   return true;
 }
@@ -223,6 +222,10 @@ void CTooltipListCtrl::mouseMoveEvent(QMouseEvent* aEvent) {
 
 void CTooltipListCtrl::keyPressEvent(QKeyEvent* aEvent) {
   if (IsCloseKey(*aEvent)) {
+    // A key that is held may be the one that has just opened the list.
+    if (aEvent->isAutoRepeat()) {
+      return;
+    }
     CloseList(!IsPointerOverComboBox());
     return;
   }

@@ -1,5 +1,7 @@
 #include "platform/dialogwindow.h"
 
+#include "platform/altletters.h"
+#include "platform/enterrepeat.h"
 #include "platform/nativecaption.h"
 #include "platform/x11connection.h"
 
@@ -37,12 +39,6 @@ bool TakesTabFocus(const QWidget& aControl) {
   return (aControl.focusPolicy() & Qt::TabFocus) != 0 && aControl.isEnabled() && !aControl.isHidden();
 }
 
-/// An Enter key that is held down presses a button once: what it pressed may have opened a question, which it is not to
-/// answer.
-bool IsRepeatedEnter(const QKeyEvent& aEvent) {
-  return aEvent.isAutoRepeat() && (aEvent.key() == Qt::Key_Return || aEvent.key() == Qt::Key_Enter);
-}
-
 bool CountsAsLast(const QWindow* aWindow) {
   return aWindow->isVisible() && aWindow->transientParent() == nullptr && aWindow->type() != Qt::ToolTip &&
          aWindow->type() != Qt::Popup;
@@ -67,6 +63,8 @@ DialogWindow::DialogWindow(DialogOwner& aOwner, Style aStyle, QWidget* aParent)
     : QDialog(aParent), mOwner(&aOwner), mStyle(aStyle) {
   // The base class makes a window of every dialog; a child is turned back.
   setWindowFlags(GetFlags(aStyle));
+  WatchEnter();
+  new AltLetters(*this);
 }
 
 DialogWindow::~DialogWindow() {
@@ -191,7 +189,7 @@ void DialogWindow::keyPressEvent(QKeyEvent* aEvent) {
   if (isPlain && aEvent->key() == Qt::Key_Escape) {
     reject();
     aEvent->setAccepted(!isShared);
-  } else if (isPlain && (aEvent->key() == Qt::Key_Return || aEvent->key() == Qt::Key_Enter)) {
+  } else if (isPlain && IsEnter(*aEvent)) {
     aEvent->setAccepted((!IsRepeatedEnter(*aEvent) && PressEnter()) || !isShared);
   } else {
     QWidget::keyPressEvent(aEvent);

@@ -5,6 +5,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QTimer>
 #include <QWindow>
 
 namespace krgui {
@@ -24,6 +25,8 @@ ModalLoop::ModalLoop(QWidget* aOwner)
     : mOwner(aOwner), mDialog(new DialogWindow(*this, DialogWindow::Style::Popup, aOwner)) {}
 
 ModalLoop::~ModalLoop() {
+  if (mUnseen)
+    mUnseen->quit();
   if (DialogWindow* dialog = mDialog; dialog != nullptr && !mIsDying) {
     // Its handlers may be on the stack.
     dialog->Detach();
@@ -51,6 +54,18 @@ ModalResult ModalLoop::RunLoop() {
   return *result;
 }
 
+ModalResult ModalLoop::RunLoopWhenSlow(int aPatienceMs) {
+  const std::shared_ptr<ModalResult> result = mResult;
+  const std::weak_ptr<ModalResult> living = mResult;
+  QEventLoop unseen;
+  mUnseen = &unseen;
+  QTimer::singleShot(aPatienceMs, &unseen, &QEventLoop::quit);
+  if (!mHasEnded)
+    unseen.exec(QEventLoop::ExcludeUserInputEvents);
+  const bool isDeleted = living.use_count() == 1; // The loop's own share.
+  return isDeleted ? *result : RunLoop();
+}
+
 /// Over its owner, on the owner's screen.
 void ModalLoop::Place() {
   const QScreen* screen = mOwner ? mOwner->screen() : QGuiApplication::primaryScreen();
@@ -70,6 +85,8 @@ void ModalLoop::EndLoop(ModalResult aResult) {
   }
   mHasEnded = true;
   *mResult = aResult;
+  if (mUnseen)
+    mUnseen->quit();
   OnEnd();
   if (DialogWindow* dialog = mDialog) {
     dialog->Detach();

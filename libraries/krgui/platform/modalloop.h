@@ -4,6 +4,7 @@
 
 #include "platform/dialogwindow.h"
 
+#include <QEventLoop>
 #include <QPointer>
 
 #include <memory>
@@ -39,6 +40,10 @@ protected:
   DialogWindow* GetDialog() const { return mDialog; }
   /// Shows the dialog, whose content is complete, and returns when it has ended. Once.
   ModalResult RunLoop();
+  /// The same, but the dialog is shown only when it has not ended within a time of some tenths of a second. Until then
+  /// the user's input waits. For work that is mostly short: a dialog that comes and goes at once would be a flicker,
+  /// and the keyboard's way back to the owner, which the window manager has begun, would end in a window that is gone.
+  ModalResult RunLoopWhenSlow(int aPatienceMs);
   /// Ends the run; a second end changes nothing. Code after it may use the dialog's controls until it returns to the
   /// loop, unless the result is Gone.
   void EndLoop(ModalResult aResult);
@@ -66,6 +71,7 @@ private:
 
   QPointer<QWidget> mOwner;
   QPointer<DialogWindow> mDialog;
+  QPointer<QEventLoop> mUnseen; ///< Runs before the dialog is shown.
   bool mHasEnded = false;
   bool mIsDying = false; ///< The dialog window is in its destructor.
   /// Shared with the loop, which finds out by it that this object was deleted.

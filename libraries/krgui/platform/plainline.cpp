@@ -1,5 +1,7 @@
 #include "platform/plainline.h"
 
+#include <QStringList>
+
 #include <algorithm>
 
 namespace krgui {
@@ -31,16 +33,37 @@ bool BreaksTheLine(QChar aCharacter) {
   }
 }
 
+QString MakePlain(QString aLine) {
+  std::replace_if(aLine.begin(), aLine.end(), BreaksTheLine, QLatin1Char(' '));
+  return aLine;
+}
+
 } // namespace
 
 QString ToPlainLine(const KrString& aText) {
-  QString text = QString::fromStdU16String(aText.ToWide());
-  std::replace_if(text.begin(), text.end(), BreaksTheLine, QLatin1Char(' '));
-  return text;
+  return MakePlain(QString::fromStdU16String(aText.ToWide()));
+}
+
+QString ToPlainLine(const KrString& aText, int aMostUnits) {
+  constexpr std::size_t kMostBytesOfAUnit = 4;
+  const std::size_t bytes = kMostBytesOfAUnit * static_cast<std::size_t>(std::max(aMostUnits, 0));
+  QString line = ToPlainLine(aText.GetLength() <= bytes ? aText : KrString(aText.ToUtf8().substr(0, bytes)));
+  if (line.size() > aMostUnits) {
+    line.truncate(std::max(aMostUnits, 0));
+    if (!line.isEmpty() && line.back().isHighSurrogate()) {
+      line.chop(1);
+    }
+  }
+  return line;
 }
 
 QString ToPlainToolTip(const QString& aText) {
-  return QStringLiteral("<qt>") + aText.toHtmlEscaped() + QStringLiteral("</qt>");
+  QStringList lines = QString(aText).replace(QLatin1String("\r\n"), QLatin1String("\n")).split(QLatin1Char('\n'));
+  for (QString& line : lines)
+    line = MakePlain(line).toHtmlEscaped();
+  // Markup takes blanks in a row for one.
+  return QStringLiteral("<qt><div style=\"white-space:pre-wrap\">") + lines.join(QStringLiteral("<br>")) +
+         QStringLiteral("</div></qt>");
 }
 
 } // namespace krgui

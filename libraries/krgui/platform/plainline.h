@@ -11,7 +11,12 @@ namespace krgui {
 /// override and isolate of a writing direction. Letters keep their own direction, and so do the marks (LRM, RLM).
 QString ToPlainLine(const KrString& aText);
 
-/// The text as a tooltip shows it letter by letter; tooltips take what looks like markup for it.
+/// The same of a text's beginning, in no more than so many UTF-16 units: nothing behind them is looked at, and no
+/// character is cut in two.
+QString ToPlainLine(const KrString& aText, int aMostUnits);
+
+/// The text as a tooltip shows it letter by letter, blank by blank, line by line; tooltips take what looks like markup
+/// for it. Each line is as ToPlainLine gives it; "\r\n" and "\n" begin a new one.
 QString ToPlainToolTip(const QString& aText);
 
 } // namespace krgui

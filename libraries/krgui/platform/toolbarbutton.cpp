@@ -70,17 +70,11 @@ QSize ToolBarButton::sizeHint() const {
 bool ToolBarButton::event(QEvent* aEvent) {
   if (aEvent->type() == QEvent::ToolTipChange && accessibleName().isEmpty())
     setAccessibleName(toolTip());
-  return QAbstractButton::event(aEvent);
-}
-
-void ToolBarButton::enterEvent(QEnterEvent* aEvent) {
-  QAbstractButton::enterEvent(aEvent);
-  update();
-}
-
-void ToolBarButton::leaveEvent(QEvent* aEvent) {
-  QAbstractButton::leaveEvent(aEvent);
-  update();
+  const bool isHandled = QAbstractButton::event(aEvent);
+  // Styles have every button redrawn under the mouse.
+  if (aEvent->type() == QEvent::Polish)
+    setAttribute(Qt::WA_Hover, false);
+  return isHandled;
 }
 
 void ToolBarButton::mouseMoveEvent(QMouseEvent* aEvent) {

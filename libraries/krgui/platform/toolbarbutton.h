@@ -7,8 +7,8 @@
 
 namespace krgui {
 
-/// A button without relief: it is tinted under the mouse and framed while it is checked. Moves of the mouse do not
-/// redraw it: that is done when the mouse comes and goes, and whenever its owner asks. Its accessible name is its
+/// A button without relief: it is tinted under the mouse and framed while it is checked. The mouse
+/// does not redraw it, wherever it goes: the tint follows when the owner redraws the button. Its accessible name is its
 /// tooltip unless it is given one.
 ///
 /// Thread: user interface. Ownership: a widget, which belongs to its parent.
@@ -30,8 +30,6 @@ public:
 
 protected:
   bool event(QEvent* aEvent) override;
-  void enterEvent(QEnterEvent* aEvent) override;
-  void leaveEvent(QEvent* aEvent) override;
   void mouseMoveEvent(QMouseEvent* aEvent) override;
   void focusInEvent(QFocusEvent* aEvent) override;
   void paintEvent(QPaintEvent* aEvent) override;

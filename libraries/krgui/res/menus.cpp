@@ -24,10 +24,11 @@ constexpr std::array kDeviceFinderItems = {MenuItemTemplate{"Set IP Address...",
 constexpr std::array kDeviceFinderSubmenus = {SubmenuTemplate{"Device Finder", kDeviceFinderItems}};
 
 constexpr std::array kPropertiesGridItems = {
-    MenuItemTemplate{"Copy \"Name = Value\"", kCopyNameAndValueCommandID},
-    MenuItemTemplate{"Copy Name", kCopyNameCommandID},
-    MenuItemTemplate{"Copy Value", kCopyValueCommandID},
-    MenuItemTemplate{"Copy Error Text", kCopyErrorCommandID},
+    MenuItemTemplate{"&Copy", kCopyRowCommandID},
+    MenuItemTemplate{"Copy \"N&ame = Value\"", kCopyNameAndValueCommandID},
+    MenuItemTemplate{"Copy &Name", kCopyNameCommandID},
+    MenuItemTemplate{"Copy &Value", kCopyValueCommandID},
+    MenuItemTemplate{"Copy &Error Text", kCopyErrorCommandID},
 };
 constexpr std::array kPropertiesGridSubmenus = {SubmenuTemplate{"Feature", kPropertiesGridItems}};
 
@@ -36,15 +37,26 @@ constexpr std::array kGenBrowserItems = {
     kPropertiesGridItems[1],
     kPropertiesGridItems[2],
     kPropertiesGridItems[3],
-    MenuItemTemplate{"Save features...", kSaveFeaturesCommandID},
-    MenuItemTemplate{"Restore features...", kRestoreFeaturesCommandID},
+    kPropertiesGridItems[4],
+    MenuItemTemplate{"&Save Features...", kSaveFeaturesCommandID},
+    MenuItemTemplate{"&Restore Features...", kRestoreFeaturesCommandID},
 };
 static_assert(kGenBrowserItems.size() == kPropertiesGridItems.size() + 2);
 constexpr std::array kGenBrowserSubmenus = {SubmenuTemplate{"Feature Browser", kGenBrowserItems}};
 
+constexpr std::array kTranscriptItems = {
+    MenuItemTemplate{"Copy", kCopyTextCommandID},
+    MenuItemTemplate{"Select All", kSelectAllCommandID},
+};
+constexpr std::array kTranscriptSubmenus = {SubmenuTemplate{"Transcript", kTranscriptItems}};
+
 constexpr std::array kMenus = {
-    MenuTemplate{kDisplayMenuID, kDisplaySubmenus}, MenuTemplate{kDeviceFinderMenuID, kDeviceFinderSubmenus},
-    MenuTemplate{kPropertiesGridMenuID, kPropertiesGridSubmenus}, MenuTemplate{kGenBrowserMenuID, kGenBrowserSubmenus}};
+    MenuTemplate{kDisplayMenuID, kDisplaySubmenus},
+    MenuTemplate{kDeviceFinderMenuID, kDeviceFinderSubmenus},
+    MenuTemplate{kPropertiesGridMenuID, kPropertiesGridSubmenus},
+    MenuTemplate{kGenBrowserMenuID, kGenBrowserSubmenus},
+    MenuTemplate{kTranscriptMenuID, kTranscriptSubmenus},
+};
 
 static_assert(std::none_of(kMenus.begin(), kMenus.end(),
                            [](const MenuTemplate& aMenu) { return aMenu.submenus.empty(); }));

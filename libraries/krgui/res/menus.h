@@ -33,6 +33,9 @@ inline constexpr int kPropertiesGridMenuID = 1508;
 /// Of the property grid in the feature browser.
 inline constexpr int kGenBrowserMenuID = 1509;
 
+/// Of the serial terminal's transcript.
+inline constexpr int kTranscriptMenuID = 1513;
+
 inline constexpr int kSetIPAddressCommandID = 32771;
 
 // The commands that the property grid performs itself in whichever menu they are.
@@ -40,8 +43,12 @@ inline constexpr int kCopyNameCommandID = 32801;
 inline constexpr int kCopyValueCommandID = 32802;
 inline constexpr int kCopyNameAndValueCommandID = 32803;
 inline constexpr int kCopyErrorCommandID = 32804;
+inline constexpr int kCopyRowCommandID = 32807;
 
 inline constexpr int kSaveFeaturesCommandID = 32805;
 inline constexpr int kRestoreFeaturesCommandID = 32806;
+
+inline constexpr int kCopyTextCommandID = 32807;
+inline constexpr int kSelectAllCommandID = 32808;
 
 } // namespace krgui

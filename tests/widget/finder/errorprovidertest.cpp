@@ -169,7 +169,7 @@ TEST(ErrorProvider, PointerRests_ShowsTheErrorAsPlainText) {
 
   Hover(indicator.control);
 
-  EXPECT_EQ(QToolTip::text(), QStringLiteral("<p>a &lt;b&gt; &amp; c</p>"));
+  EXPECT_EQ(QToolTip::text(), QStringLiteral("<qt><div style=\"white-space:pre-wrap\">a &lt;b&gt; &amp; c</div></qt>"));
   QToolTip::hideText();
 }
 

@@ -1,42 +1,26 @@
 #include "featurebrowser.h"
 
-#include "acquisition.h"
-#include "labfixture.h"
+#include "viewerlab.h"
 
-#include <QCoreApplication>
 #include <QTreeView>
 
-#include <functional>
-#include <optional>
-
-using krviewer::Acquisition;
 using krviewer::AcquisitionState;
 using krviewer::FeatureBrowser;
 
 namespace {
 
-/// The browser of the viewer on a camera of the lab, and the viewer's loop.
-class FeatureBrowserTest : public LabTest {
+/// The browser of the viewer on a camera of the lab.
+class FeatureBrowserTest : public ViewerLabTest {
 protected:
   void Open() {
-    FindAll();
     ASSERT_TRUE(mBrowser.GetWindow().ShowModeless(0).IsOK());
-    mAcquisition.emplace(mWindow, *FindInfo(kMonoMAC), 0);
+    ViewerLabTest::Open();
   }
+  void LookAgain() override { mBrowser.Follow(mAcquisition->GetParameters()); }
   void Close() {
     mBrowser.GiveBack(mAcquisition->GetParameters());
     mAcquisition->Stop();
   }
-  // Looks again as the viewer does; false when a condition does not come true within a generous limit.
-  bool Await(const std::function<bool()>& aCondition) {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
-    while (!aCondition() && std::chrono::steady_clock::now() < until) {
-      QCoreApplication::processEvents();
-      mBrowser.Follow(mAcquisition->GetParameters());
-    }
-    return aCondition();
-  }
-  bool IsIn(AcquisitionState aState) const { return mAcquisition->GetProgress().state == aState; }
   /// The value in the row of a feature; empty while there is none.
   QString GetValue(const QString& aName) {
     const auto* const grid = mBrowser.GetWindow().GetWidget()->findChild<QTreeView*>("propertiesGrid");
@@ -45,9 +29,7 @@ protected:
     return rows.isEmpty() ? QString() : rows.constFirst().siblingAtColumn(1).data().toString();
   }
 
-  KrDisplayWnd mWindow;
   FeatureBrowser mBrowser;
-  std::optional<Acquisition> mAcquisition;
 };
 
 } // namespace

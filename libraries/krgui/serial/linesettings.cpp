@@ -1,0 +1,91 @@
+#include "serial/linesettings.h"
+
+#include "krdevice/ikrdeviceadapter.h"
+#include "logic/serial/terminalparameters.h"
+#include "platform/toqstring.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QSignalBlocker>
+
+namespace krgui {
+
+namespace {
+
+using FindName = KrString (*)(KrDeviceSerial, const HasParameter&);
+
+/// The parameter of a port, in a device that has it; otherwise an empty name, as without a device.
+KrString FindIn(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort, FindName aFind) {
+  if (!aDevice)
+    return {};
+  const HasParameter hasParameter = [aDevice](const KrString& aName) { return aDevice->HasParameter(aName); };
+  const KrString name = aFind(aPort, hasParameter);
+  return !name.IsEmpty() && hasParameter(name) ? name : KrString();
+}
+
+/// The parameters of all bulk ports have one name each: whoever else uses the device may have chosen another port.
+void KeepSelected(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) {
+  KrString selected;
+  if (!IsBulkPort(aPort) || (aDevice.GetEnumValue(kBulkSelector, selected).IsOK() && selected == GetPortName(aPort)))
+    return;
+  LineSettings::Select(aDevice, aPort);
+}
+
+} // namespace
+
+void LineSettings::Select(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) {
+  // A device that refuses it is talked to all the same.
+  if (IsBulkPort(aPort) && aDevice.IsParameterAvailable(kBulkSelector))
+    (void)aDevice.SetEnumValue(kBulkSelector, GetPortName(aPort));
+}
+
+std::optional<bool> LineSettings::Refresh(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
+  if (aDevice)
+    KeepSelected(*aDevice, aPort);
+  RefreshSpeed(aDevice, aPort);
+  return RefreshLoopback(aDevice, aPort);
+}
+
+void LineSettings::RefreshSpeed(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
+  const QSignalBlocker blocker(mSpeed);
+  mSpeed.clear();
+  const KrString name = FindIn(aDevice, aPort, FindBaudRateParameter);
+  mSpeed.setEnabled(!name.IsEmpty());
+  if (name.IsEmpty())
+    return;
+  KrStringList entries;
+  if (aDevice->GetEnumEntries(name, entries).IsOK()) {
+    for (std::size_t index = 0; index < entries.GetCount(); ++index)
+      mSpeed.addItem(ToQString(entries[index]));
+  }
+  KrString value;
+  mSpeed.setCurrentIndex(aDevice->GetEnumValue(name, value).IsOK()
+                             ? mSpeed.findText(ToQString(value), Qt::MatchFixedString | Qt::MatchCaseSensitive)
+                             : -1);
+}
+
+std::optional<bool> LineSettings::RefreshLoopback(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
+  const KrString name = FindIn(aDevice, aPort, FindLoopbackParameter);
+  mLoopback.setEnabled(!name.IsEmpty());
+  // Not what the last port had.
+  if (aDevice && name.IsEmpty())
+    mLoopback.setChecked(false);
+  bool isOn = false;
+  if (name.IsEmpty() || !aDevice->GetBooleanValue(name, isOn).IsOK())
+    return std::nullopt;
+  const QSignalBlocker blocker(mLoopback);
+  mLoopback.setChecked(isOn);
+  return isOn;
+}
+
+KrResult LineSettings::WriteSpeed(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {
+  KeepSelected(aDevice, aPort);
+  return aDevice.SetEnumValue(FindIn(&aDevice, aPort, FindBaudRateParameter), ToKrString(mSpeed.currentText()));
+}
+
+KrResult LineSettings::WriteLoopback(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {
+  KeepSelected(aDevice, aPort);
+  return aDevice.SetBooleanValue(FindIn(&aDevice, aPort, FindLoopbackParameter), mLoopback.isChecked());
+}
+
+} // namespace krgui

@@ -1,0 +1,144 @@
+// Programs with a serial terminal: the viewer, whose camera comes and goes, and the example.
+
+#include "socatline.h"
+#include "terminaluser.h"
+#include "viewer.h"
+
+#include <QAction>
+#include <QMainWindow>
+#include <QProcess>
+
+namespace {
+
+using krtest::SocatLine;
+
+constexpr int kProgramLimitMs = 60'000;
+
+QMainWindow* FindViewer() {
+  for (QWidget* const window : QApplication::topLevelWidgets())
+    if (auto* const viewer = qobject_cast<QMainWindow*>(window); viewer && viewer->isVisible())
+      return viewer;
+  return nullptr;
+}
+
+bool IsTerminalOffered() {
+  const QMainWindow* const viewer = FindViewer();
+  if (!viewer)
+    return false;
+  for (const QAction* const action : viewer->findChildren<QAction*>())
+    if (action->shortcut() == QKeySequence(Qt::CTRL | Qt::Key_T))
+      return action->isEnabled();
+  return false;
+}
+
+bool IsEnabled(int aControl) {
+  const auto* const control = FindTerminalControl<QWidget>(aControl);
+  return control && control->isEnabled();
+}
+
+// Hands at the window of another process.
+void RunXdotool(const QStringList& aArguments) {
+  QProcess hands;
+  hands.start("xdotool", aArguments);
+  ASSERT_TRUE(hands.waitForFinished(kProgramLimitMs));
+  EXPECT_EQ(hands.exitCode(), 0) << hands.readAllStandardError().toStdString();
+}
+
+class ViewerUser : public TerminalUser {
+protected:
+  /// Runs the viewer on the camera and lets the user do this once the terminal is offered; he ends the viewer.
+  void RunViewer(const std::function<void(UserHands&, const TerminalHands&)>& aScript) {
+    krviewer::Viewer viewer(*mSystem.GetDeviceInfo(0), {});
+    RunWithUser([&] { EXPECT_EQ(viewer.Run(), 0); },
+                [&](UserHands& aUser) {
+                  if (aUser.Await("the viewer", [] { return IsTerminalOffered() && FindViewer()->isActiveWindow(); }))
+                    aScript(aUser, TerminalHands(aUser));
+                  EndViewer(aUser);
+                });
+  }
+
+private:
+  static void EndViewer(UserHands& aUser) {
+    aUser.Await("the viewer's end", [] {
+      if (QMainWindow* const viewer = FindViewer())
+        viewer->close();
+      return FindViewer() == nullptr;
+    });
+  }
+};
+
+} // namespace
+
+TEST_F(ViewerUser, TerminalOpenedByItsKey_TalksToTheCamera) {
+  SocatLine line(TerminalLab::Get().GetFastLine());
+
+  RunViewer([&](UserHands& aUser, const TerminalHands& aHands) {
+    aUser.Press("ctrl+t");
+    ASSERT_TRUE(aHands.AwaitOpen());
+    aHands.SendTyped("from the viewer");
+    EXPECT_EQ(line.Await(16), "from the viewer\r");
+    line.Send("to the viewer\r\n");
+    aHands.AwaitShown("to the viewer");
+  });
+}
+
+TEST_F(ViewerUser, CameraLostAndBackWhileAFileIsSent_IsTakenUpAgain) {
+  const QString path = WriteFile("lost.txt", krtest::MakeNumberedLines(1'000'000));
+  SocatLine fast(TerminalLab::Get().GetFastLine());
+  SocatLine slow(TerminalLab::Get().GetSlowLine());
+
+  RunViewer([&](UserHands& aUser, const TerminalHands& aHands) {
+    aUser.Press("ctrl+t");
+    ASSERT_TRUE(aHands.AwaitOpen());
+    aHands.SendFile(path);
+    EXPECT_GE(fast.Await(1000).size(), 1000u);
+
+    mFaults->Disappear();
+    EXPECT_TRUE(
+        aUser.Await("the terminal without a camera", [] { return !IsTerminalOffered() && !IsEnabled(id::kSend); }));
+    mFaults->Return();
+    EXPECT_TRUE(
+        aUser.Await("the terminal on the camera again", [] { return IsTerminalOffered() && IsEnabled(id::kSend); }));
+
+    const std::size_t before = fast.Await(0).size();
+    aHands.SendTyped("here again");
+    const std::string& received = fast.Await(before + 11);
+    EXPECT_EQ(received.substr(received.size() - 11), "here again\r");
+  });
+}
+
+TEST_F(ViewerUser, EndedWhileAFileIsSent_ClosesTheTerminal) {
+  const QString path = WriteFile("ended.txt", krtest::MakeNumberedLines(1'000'000));
+  SocatLine line(TerminalLab::Get().GetFastLine());
+
+  RunViewer([&](UserHands& aUser, const TerminalHands& aHands) {
+    aUser.Press("ctrl+t");
+    ASSERT_TRUE(aHands.AwaitOpen());
+    aHands.SendFile(path);
+    EXPECT_GE(line.Await(1000).size(), 1000u);
+  });
+
+  EXPECT_EQ(FindTerminalControl<QWidget>(id::kSend), nullptr);
+}
+
+TEST_F(TerminalUser, Example_ShowsTheTerminalUntilItIsClosed) {
+  QProcess process;
+  process.start(KR_EXAMPLE_PATH, {"--simulate", "Bulk0"});
+  ASSERT_TRUE(process.waitForStarted());
+
+  RunXdotool({"search", "--sync", "--onlyvisible", "--name", kTerminal, "windowactivate", "--sync"});
+  RunXdotool({"key", "alt+F4"}); // To the screen: the window has gone before the keys are released.
+
+  ASSERT_TRUE(process.waitForFinished(kProgramLimitMs));
+  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+  EXPECT_TRUE(process.readAllStandardOutput().contains("Bulk0"));
+}
+
+TEST_F(TerminalUser, ExampleAskedForAPortThatIsNotThere_SaysSo) {
+  QProcess process;
+  process.start(KR_EXAMPLE_PATH, {"--simulate", "Bulk7"});
+  ASSERT_TRUE(process.waitForFinished(kProgramLimitMs));
+
+  EXPECT_EQ(process.exitCode(), 1);
+  EXPECT_TRUE(process.readAllStandardError().contains("Bulk7"));
+}

@@ -1,0 +1,117 @@
+#include "socatline.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace krtest {
+
+namespace {
+
+constexpr std::chrono::seconds kLimit{120};
+constexpr int kLookMs = 100;
+
+using Clock = std::chrono::steady_clock;
+
+void Check(bool aIsOK, const char* aWhat) {
+  if (!aIsOK)
+    throw std::system_error(errno, std::generic_category(), aWhat);
+}
+
+std::array<int, 2> MakePipe() {
+  std::array<int, 2> ends{};
+  Check(pipe2(ends.data(), O_CLOEXEC) == 0, "A pipe cannot be made");
+  return ends;
+}
+
+// Waits until a descriptor can be used; false when it cannot for a while.
+bool Poll(int aDescriptor, short aEvents) {
+  pollfd waited{.fd = aDescriptor, .events = aEvents, .revents = 0};
+  return poll(&waited, 1, kLookMs) > 0;
+}
+
+void WriteAll(int aDescriptor, std::string_view aBytes, const std::stop_token& aStop) {
+  while (!aBytes.empty() && !aStop.stop_requested()) {
+    const ssize_t written = Poll(aDescriptor, POLLOUT) ? write(aDescriptor, aBytes.data(), aBytes.size()) : 0;
+    if (written < 0 && errno != EAGAIN)
+      return; // Who misses it says so.
+    aBytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
+  }
+}
+
+} // namespace
+
+SocatLine::SocatLine(const std::string& aPath) {
+  Start(aPath);
+  Hold(aPath);
+}
+
+void SocatLine::Start(const std::string& aPath) {
+  const std::array<int, 2> input = MakePipe();
+  const std::array<int, 2> output = MakePipe();
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+  std::string terminal = "PTY,rawer,link=" + aPath;
+  std::string program = "socat";
+  std::string here = "STDIO";
+  std::array<char*, 4> arguments = {program.data(), here.data(), terminal.data(), nullptr};
+  const int failure = posix_spawnp(&mProcess, program.c_str(), &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  close(input[0]);
+  close(output[1]);
+  mInput = input[1];
+  mOutput = output[0];
+  errno = failure;
+  Check(failure == 0, "socat cannot be started");
+  fcntl(mInput, F_SETFL, O_NONBLOCK);
+}
+
+void SocatLine::Hold(const std::string& aPath) {
+  const auto limit = Clock::now() + kLimit;
+  while (mHolder < 0 && Clock::now() < limit) {
+    mHolder = open(aPath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    std::this_thread::yield();
+  }
+  Check(mHolder >= 0, "socat has made no pseudo-terminal");
+}
+
+SocatLine::~SocatLine() {
+  mSender = {};
+  close(mInput);
+  close(mOutput);
+  kill(mProcess, SIGTERM);
+  waitpid(mProcess, nullptr, 0);
+  close(mHolder);
+}
+
+void SocatLine::Send(std::string aBytes) {
+  if (mSender.joinable())
+    mSender.join();
+  mSender = std::jthread(
+      [this, bytes = std::move(aBytes)](const std::stop_token& aStop) { WriteAll(mInput, bytes, aStop); });
+}
+
+const std::string& SocatLine::Await(std::size_t aSize) {
+  std::array<char, 65536> bytes;
+  const auto limit = Clock::now() + kLimit;
+  while (mReceived.size() < aSize && Clock::now() < limit) {
+    const ssize_t read = Poll(mOutput, POLLIN) ? ::read(mOutput, bytes.data(), bytes.size()) : 0;
+    Check(read >= 0, "socat cannot be heard");
+    mReceived.append(bytes.data(), static_cast<std::size_t>(read));
+  }
+  return mReceived;
+}
+
+} // namespace krtest

@@ -1,0 +1,43 @@
+#pragma once
+// What tests of the serial terminal's file transfers share: files to send, and waiting for the end of one.
+
+#include "temporaryfolder.h"
+#include "terminalfixture.h"
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+namespace krgui {
+
+class TerminalFileTest : public TerminalTest {
+protected:
+  std::string MakeFile(const std::string& aBytes, const std::string& aName = "data.bin") {
+    const std::string file = mFolder.GetFile(aName);
+    TemporaryFolder::WriteFile(file, aBytes);
+    return file;
+  }
+  void SendFile(const std::string& aPath) {
+    Type(id::kFile, QString::fromStdString(aPath));
+    Click(id::kSendFile);
+  }
+  [[nodiscard]] bool AwaitEnd() const {
+    return WaitFor([&] { return Get(id::kSendFile).isEnabled() && Get(id::kSend).isEnabled(); });
+  }
+  /// Waits for what other threads do; the window takes no message meanwhile.
+  template <typename Condition>
+  [[nodiscard]] static bool AwaitOutsideTheWindow(Condition aCondition) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!aCondition()) {
+      if (std::chrono::steady_clock::now() > limit)
+        return false;
+      std::this_thread::yield();
+    }
+    return true;
+  }
+  std::string GetUtf8() const { return QString::fromStdU16String(GetText()).toStdString(); }
+
+  TemporaryFolder mFolder;
+};
+
+} // namespace krgui
