@@ -12,7 +12,23 @@
 
 namespace krtool {
 
-enum class Verb { Help, Version, List, IP, Stream, SaveFrame, Features, Entries, Get, Set, Execute, Xml, Save, Load };
+enum class Verb {
+  Help,
+  Version,
+  List,
+  IP,
+  Stream,
+  SaveFrame,
+  Features,
+  Entries,
+  Get,
+  Set,
+  Execute,
+  Xml,
+  Save,
+  Load,
+  Ports
+};
 
 /// What the command ip is to change; nothing of it where it only shows. Addresses have their first dotted field in the
 /// most significant byte.

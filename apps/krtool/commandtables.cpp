@@ -73,6 +73,14 @@ constexpr CommandRow kCommands[] = {
          "      can be chosen at the moment.",
      .takesDevice = true,
      .names = NameUse::One},
+    {.verb = Verb::Ports,
+     .name = "ports",
+     .synopsis = "ports DEVICE [--timeout MS] [--simulate | --lab FILE]",
+     .description =
+         "Lists the device's serial ports below a line of headings, parted by single tabs: what stands behind each,\n"
+         "      its transport or the map of a name; besides, the maps that do not fit, and what the device lacks of "
+         "them.",
+     .takesDevice = true},
     {.verb = Verb::Get,
      .name = "get",
      .synopsis = "get DEVICE|FILE.xml NAME... [--timeout MS] [--simulate | --lab FILE]",

@@ -9,6 +9,7 @@
 #include "krtransport/krtransport.h"
 #include "listcommand.h"
 #include "outputreader.h"
+#include "portscommand.h"
 #include "saveframecommand.h"
 #include "settingscommands.h"
 #include "streamcommand.h"
@@ -35,6 +36,7 @@ constexpr CommandRow kCommands[] = {
     {krtool::Verb::Get, krtool::RunGet},           {krtool::Verb::Set, krtool::RunSet},
     {krtool::Verb::Execute, krtool::RunExecute},   {krtool::Verb::Xml, krtool::RunXml},
     {krtool::Verb::Save, krtool::RunSave},         {krtool::Verb::Load, krtool::RunLoad},
+    {krtool::Verb::Ports, krtool::RunPorts},
 };
 
 int RunWithDevices(const krtool::CommandLine& aCommandLine) {

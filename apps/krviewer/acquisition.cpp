@@ -97,11 +97,16 @@ void Acquisition::AwaitReturn(std::stop_token aStop) {
     mReturned.wait_for(lock, aStop, kRetryPause, [] { return false; });
 }
 
+// Only a camera that has streamed before is worth waiting for; otherwise its refusal is the answer.
+bool Acquisition::IsAwaited(const std::stop_token& aStop) const {
+  return mHasStreamed && mFrameLimit == 0 && !aStop.stop_requested();
+}
+
 void Acquisition::Run(std::stop_token aStop) {
   KrResult result = ConnectAndStream(aStop);
-  // Only a camera that has streamed before is worth waiting for; otherwise its refusal is the answer.
-  while (!result.IsOK() && mHasStreamed && mFrameLimit == 0 && !aStop.stop_requested()) {
+  while (!result.IsOK() && IsAwaited(aStop)) {
     SetState(AcquisitionState::Lost, result);
+    mLentAdapter.TakeBack();
     AwaitReturn(aStop);
     if (!aStop.stop_requested())
       result = ConnectAndStream(aStop);
@@ -113,6 +118,8 @@ void Acquisition::Run(std::stop_token aStop) {
 
 void Acquisition::CloseDevice() {
   mParameters.TakeBack();
+  mLentAdapter.TakeBack();
+  mAdapter.reset();
   mDevice.reset();
 }
 
@@ -129,8 +136,9 @@ KrResult Acquisition::ConnectAndStream(std::stop_token aStop) {
   return StreamOnce(aStop, *mDevice);
 }
 
-// The stream has read the description already.
-void Acquisition::LendParameters(KrDevice& aDevice) {
+// The stream has read the description already. A device whose description is no good may still have ports.
+void Acquisition::LendDevice(KrDevice& aDevice) {
+  mLentAdapter.Lend(mAdapter.emplace(aDevice));
   KrGenParameterArray* parameters = nullptr;
   const KrResult got = aDevice.GetParameters(parameters);
   if (got.IsOK())
@@ -146,7 +154,7 @@ KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
   SetState(AcquisitionState::Streaming, {});
   mHasStreamed = true;
   mMeter.Reset();
-  LendParameters(aDevice);
+  LendDevice(aDevice);
 
   // The frame on the screen stays lent, so that it can be shown again with the reason when the camera is lost.
   KrBuffer* shown = nullptr;
@@ -163,8 +171,12 @@ KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
     if (surplus)
       result = stream.Release(surplus);
   }
-  if (!result.IsOK())
+  if (!result.IsOK()) {
     ShowReason(shown, result);
+    // Now, as the stream ends only when a camera that is gone has had its time to answer.
+    if (IsAwaited(aStop))
+      SetState(AcquisitionState::Lost, result);
+  }
   mEndedStreams = Add(mEndedStreams, stream.GetStatistics());
   return result;
 }

@@ -4,15 +4,17 @@
 
 #include "framemeter.h"
 #include "krdevice/krdevice.h"
+#include "krdevice/krdeviceadapter.h"
 #include "krdevice/krstream.h"
 #include "krgui/krdisplaywnd.h"
-#include "lentparameters.h"
+#include "loan.h"
 #include "streamfigures.h"
 
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace krviewer {
@@ -41,10 +43,11 @@ KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStat
 /// A text with each sentence in a line of its own, as the window does not wrap lines.
 KrString BreakIntoSentences(const KrString& aText);
 
-/// Streams one camera into one window, and lends its parameters. A lost camera's are lent until it is back, when they
-/// are taken back and those of the new connection lent.
+/// Streams one camera into one window, and lends its parameters and the device itself. A lost camera's parameters are
+/// lent until it is back, when they are taken back and those of the new connection lent; the device is taken back when
+/// it is lost.
 ///
-/// Thread: construction, destruction and Stop on one thread, with no parameters borrowed there; GetProgress from any.
+/// Thread: construction, destruction and Stop on one thread, with nothing borrowed there; GetProgress from any.
 /// Ownership: borrows window and device information, which must outlive it.
 class Acquisition : private KrDeviceEventSink {
 public:
@@ -53,7 +56,8 @@ public:
   ~Acquisition() override;
 
   AcquisitionProgress GetProgress() const;
-  LentParameters& GetParameters() { return mParameters; }
+  Loan<KrGenParameterArray>& GetParameters() { return mParameters; }
+  Loan<IKrDeviceAdapter>& GetAdapter() { return mLentAdapter; }
   /// Ends the thread and gives the camera back.
   void Stop();
 
@@ -61,11 +65,12 @@ private:
   void OnDeviceLost(KrDevice* aDevice, const KrResult& aReason) override;
   void OnDeviceBack(KrDevice* aDevice) override;
 
+  bool IsAwaited(const std::stop_token& aStop) const;
   void Run(std::stop_token aStop);
   KrResult ConnectAndStream(std::stop_token aStop);
   void CloseDevice();
   KrResult StreamOnce(std::stop_token aStop, KrDevice& aDevice);
-  void LendParameters(KrDevice& aDevice);
+  void LendDevice(KrDevice& aDevice);
   void ShowReason(const KrBuffer* aBuffer, const KrResult& aReason);
   bool ShowFrame(KrStream& aStream, const KrBuffer& aBuffer);
   void AwaitReturn(std::stop_token aStop);
@@ -75,10 +80,12 @@ private:
   KrDisplayWnd& mWindow;
   const KrDeviceInfo& mDeviceInfo;
   const std::uint64_t mFrameLimit;
-  LentParameters mParameters;
+  Loan<KrGenParameterArray> mParameters;
+  Loan<IKrDeviceAdapter> mLentAdapter;
 
   // The thread's own while it runs.
   std::unique_ptr<KrDevice> mDevice;
+  std::optional<KrDeviceAdapter> mAdapter; ///< Of mDevice.
   bool mHasStreamed = false;
   KrStreamStatistics mEndedStreams; ///< The counters of the connections that are over.
   FrameMeter mMeter;

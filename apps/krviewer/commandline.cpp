@@ -49,9 +49,8 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
   const QCommandLineOption version({"v", "version"}, "Print the version.");
   QCommandLineParser parser;
   parser.setApplicationDescription(
-      "Shows a machine-vision camera live, with its features beside the picture. Escape or Enter in the picture, or "
-      "the "
-      "close box, end it.\n"
+      "Shows a machine-vision camera live, with its features beside the picture; Ctrl+T opens a terminal on its\n"
+      "serial ports. Escape or Enter in the picture, or the close box, end it.\n"
       "Without a display it ends after 100 frames and writes its pictures into the folder pictures.");
   parser.addPositionalArgument(
       "FILE.xml",

@@ -51,6 +51,9 @@ int DescriptionViewer::Run() {
   }
   std::printf("description=%s features=%zu\n", mCommandLine.descriptionFile.toLocal8Bit().constData(),
               mArray->GetCount());
+  if (mArray->GetCount() == 0)
+    std::fprintf(stderr, "%s has no features to show: none stands in a category that its \"Root\" leads to.\n",
+                 mCommandLine.descriptionFile.toLocal8Bit().constData());
   mTimer.start(kLookIntervalMs);
   QApplication::exec();
   mBrowser.SetGenParameterArray(nullptr);

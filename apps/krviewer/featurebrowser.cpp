@@ -2,14 +2,14 @@
 
 namespace krviewer {
 
-void FeatureBrowser::Follow(LentParameters& aParameters) {
+void FeatureBrowser::Follow(Loan<KrGenParameterArray>& aParameters) {
   if (aParameters.IsWantedBack())
     GiveBack(aParameters);
   if (KrGenParameterArray* const parameters = aParameters.Borrow())
     mWindow.SetGenParameterArray(parameters);
 }
 
-void FeatureBrowser::GiveBack(LentParameters& aParameters) {
+void FeatureBrowser::GiveBack(Loan<KrGenParameterArray>& aParameters) {
   // It returns when nothing of the window reads the parameters any more.
   mWindow.SetGenParameterArray(nullptr);
   aParameters.GiveBack();

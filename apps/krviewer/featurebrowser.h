@@ -2,8 +2,9 @@
 // The feature browser beside the picture: shows the parameters that the camera's thread lends, and gives them back when
 // they are wanted. The picture is left to the viewer.
 
+#include "krgenicam/krgenparameterarray.h"
 #include "krgui/krgenbrowserwnd.h"
-#include "lentparameters.h"
+#include "loan.h"
 
 namespace krviewer {
 
@@ -13,9 +14,9 @@ class FeatureBrowser {
 public:
   KrGenBrowserWnd& GetWindow() { return mWindow; }
   /// Shows what is lent, and gives back what is wanted back; to be called often.
-  void Follow(LentParameters& aParameters);
+  void Follow(Loan<KrGenParameterArray>& aParameters);
   /// Shows nothing any more and gives back what was borrowed.
-  void GiveBack(LentParameters& aParameters);
+  void GiveBack(Loan<KrGenParameterArray>& aParameters);
 
 private:
   KrGenBrowserWnd mWindow;

@@ -3,10 +3,14 @@
 #include "krgui/krwnd.h"
 #include "pictures.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QScreen>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 namespace krviewer {
@@ -24,16 +28,17 @@ bool IsEndingKey(const QKeyEvent& aEvent) {
 
 } // namespace
 
-MainWindow::MainWindow() {
-  setChildrenCollapsible(false);
+MainWindow::MainWindow() : mSplitter(new QSplitter) {
+  mSplitter->setChildrenCollapsible(false);
+  setCentralWidget(mSplitter);
 }
 
 KrResult MainWindow::Embed(KrWnd& aWindow, int aShare) {
   auto* const place = new QWidget;
   auto* const layout = new QVBoxLayout(place);
   layout->setContentsMargins(0, 0, 0, 0);
-  addWidget(place);
-  setStretchFactor(count() - 1, aShare);
+  mSplitter->addWidget(place);
+  mSplitter->setStretchFactor(mSplitter->count() - 1, aShare);
   mShares += aShare;
   KrResult result = aWindow.CreateIn(place);
   if (result.IsOK())
@@ -41,17 +46,25 @@ KrResult MainWindow::Embed(KrWnd& aWindow, int aShare) {
   return result;
 }
 
+QAction* MainWindow::AddTool(const QString& aText, const QKeySequence& aShortcut) {
+  if (!mTools)
+    mTools = menuBar()->addMenu(QStringLiteral("&Tools"));
+  return mTools->addAction(aText, aShortcut);
+}
+
 void MainWindow::ShowOnScreen(QSize aPreferredSize) {
   const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-  const QSize largest = IsWithoutDisplay() ? aPreferredSize : screen.size() * kLargestShareOfScreen;
-  QRect place(QPoint(), aPreferredSize.boundedTo(largest));
+  const int menuHeight = mTools ? menuBar()->sizeHint().height() : 0;
+  const QSize preferred = aPreferredSize + QSize(0, menuHeight);
+  const QSize largest = IsWithoutDisplay() ? preferred : screen.size() * kLargestShareOfScreen;
+  QRect place(QPoint(), preferred.boundedTo(largest));
   place.moveCenter(screen.center());
   setGeometry(place);
   // In proportion: the splitter makes of them what there is.
   QList<int> widths;
   for (const int share : mShares)
     widths += share * place.width();
-  setSizes(widths);
+  mSplitter->setSizes(widths);
   show();
 }
 
@@ -65,7 +78,7 @@ void MainWindow::keyPressEvent(QKeyEvent* aEvent) {
   if (IsEndingKey(*aEvent) && IsInEndingWindow())
     close();
   else
-    QSplitter::keyPressEvent(aEvent);
+    QMainWindow::keyPressEvent(aEvent);
 }
 
 void MainWindow::closeEvent(QCloseEvent* aEvent) {

@@ -1,16 +1,21 @@
 #pragma once
-// The viewer's window: library windows side by side, each as wide as the user wants it. What they show is left to
-// whoever embeds them.
+// The viewer's window: library windows side by side, each as wide as the user wants it, under a menu of further ones.
+// What they show is left to whoever embeds them.
 
-#include <QSplitter>
+#include <QKeySequence>
+#include <QList>
+#include <QMainWindow>
 
 class KrResult;
 class KrWnd;
+class QAction;
+class QMenu;
+class QSplitter;
 
 namespace krviewer {
 
 /// Thread: user interface. Ownership: a window of its own; what is embedded in it is borrowed.
-class MainWindow : public QSplitter {
+class MainWindow : public QMainWindow {
   Q_OBJECT
 
 public:
@@ -18,9 +23,11 @@ public:
 
   /// Embeds a window at the right of those that are there. aShare is its share of the width, in parts of those of all.
   KrResult Embed(KrWnd& aWindow, int aShare);
+  /// Adds an entry to the menu "Tools", which a window without entries does not have. Belongs to this window.
+  QAction* AddTool(const QString& aText, const QKeySequence& aShortcut);
   /// The embedded window whose keys Escape and Enter end the viewer, as they close one that stands alone.
   void SetEndingWindow(const KrWnd& aWindow) { mEndingWindow = &aWindow; }
-  /// Opens it in the middle of the screen, in its preferred size where that fits.
+  /// Opens it in the middle of the screen, with the preferred size under the menu where that fits.
   void ShowOnScreen(QSize aPreferredSize);
 
 signals:
@@ -34,6 +41,8 @@ protected:
 private:
   bool IsInEndingWindow() const;
 
+  QSplitter* const mSplitter;
+  QMenu* mTools = nullptr;
   const KrWnd* mEndingWindow = nullptr;
   QList<int> mShares;
 };

@@ -2,6 +2,7 @@
 
 #include "pictures.h"
 
+#include <QAction>
 #include <QApplication>
 
 #include <cinttypes>
@@ -34,7 +35,10 @@ QString GetStateText(const AcquisitionProgress& aProgress) {
 } // namespace
 
 Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
-    : mDeviceInfo(aDevice), mCommandLine(aCommandLine) {
+    : mDeviceInfo(aDevice), mCommandLine(aCommandLine),
+      mTerminalAction(mMainWindow.AddTool(QStringLiteral("&Serial Terminal"), Qt::CTRL | Qt::Key_T)) {
+  mTerminalAction->setEnabled(false); // Until there is a device.
+  connect(mTerminalAction, &QAction::triggered, this, &Viewer::ShowTerminal);
   connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
   connect(&mMainWindow, &MainWindow::EndWanted, this, &Viewer::Finish);
 }
@@ -84,6 +88,15 @@ void Viewer::LookAgain() {
   UpdateTitle(progress);
   TellMissingFeatures(progress);
   mBrowser.Follow(mAcquisition->GetParameters());
+  mTerminalAction->setEnabled(mTerminal.HasDevice());
+  // Last: the terminal may show a message box here, and looks go on while it is open.
+  mTerminal.Follow(mAcquisition->GetAdapter());
+}
+
+void Viewer::ShowTerminal() {
+  const KrResult shown = mTerminal.Show(mMainWindow.winId());
+  if (!shown.IsOK())
+    std::fprintf(stderr, "The serial terminal cannot be opened: %s\n", shown.GetDescription().CStr());
 }
 
 void Viewer::TellMissingFeatures(const AcquisitionProgress& aProgress) {
@@ -104,6 +117,8 @@ void Viewer::Finish() {
   if (wantsPictures && !SaveBrowserPicture())
     mExitCode = 1;
   mBrowser.GiveBack(mAcquisition->GetParameters());
+  mTerminal.GiveBack(mAcquisition->GetAdapter());
+  mTerminal.Close();
   mAcquisition->Stop();
   const AcquisitionProgress progress = mAcquisition->GetProgress();
   if (progress.state == AcquisitionState::Failed) {

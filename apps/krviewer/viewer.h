@@ -6,6 +6,7 @@
 #include "commandline.h"
 #include "featurebrowser.h"
 #include "mainwindow.h"
+#include "serialterminal.h"
 #include "stopsignal.h"
 
 #include <QObject>
@@ -34,6 +35,7 @@ private:
   KrResult OpenWindow();
   void LookAgain();
   void UpdateTitle(const AcquisitionProgress& aProgress);
+  void ShowTerminal();
   void TellMissingFeatures(const AcquisitionProgress& aProgress);
   void Finish();
   bool SaveBrowserPicture();
@@ -45,6 +47,8 @@ private:
   MainWindow mMainWindow;
   KrDisplayWnd mWindow;
   FeatureBrowser mBrowser;
+  SerialTerminal mTerminal;
+  QAction* const mTerminalAction;
   std::unique_ptr<Acquisition> mAcquisition;
   QTimer mTimer;
   QString mTitle;

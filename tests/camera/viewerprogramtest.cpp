@@ -5,6 +5,8 @@
 #include "simulation/testpattern.h"
 #include "viewerprocess.h"
 
+#include <QTemporaryFile>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -144,6 +146,23 @@ TEST(Krviewer, DescriptionWithoutACamera_IsShownAlone) {
   ASSERT_FALSE(browser.isNull());
   EXPECT_GT(plainpicture::Count(browser, browser.rect(), Qt::black), 500);
   EXPECT_TRUE(viewer.GetDisplayPicture().isNull());
+}
+
+TEST(Krviewer, DescriptionWithoutRoot_SaysThatItHasNoFeatures) {
+  QTemporaryFile file;
+  ASSERT_TRUE(file.open());
+  file.write("<RegisterDescription xmlns=\"http://www.genicam.org/GenApi/Version_1_1\" ModelName=\"Bare\" "
+             "VendorName=\"None\" ToolTip=\"\" StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" "
+             "SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" MajorVersion=\"1\" MinorVersion=\"0\" "
+             "SubMinorVersion=\"0\" ProductGuid=\"0\" VersionGuid=\"0\">"
+             "<Integer Name=\"Width\"><Value>1</Value></Integer></RegisterDescription>");
+  file.close();
+
+  const ViewerProcess viewer({"--headless", file.fileName()});
+
+  EXPECT_EQ(viewer.GetExitCode(), 0) << viewer.GetErrors().toStdString();
+  EXPECT_EQ(viewer.GetFigure("features"), 0);
+  EXPECT_TRUE(viewer.GetErrors().contains("no features to show")) << viewer.GetErrors().toStdString();
 }
 
 TEST(Krviewer, DescriptionOnTheScreen_SaysThatThereIsNoCameraAndEndsWithItsWindow) {

@@ -30,7 +30,7 @@ file(RENAME "${WORK_FOLDER}/prefix" "${prefix}")
 
 foreach(room IN ITEMS krbase/krresult.h krpersistence/krconfigurationwriter.h krbuffer/krbuffer.h
     krgenicam/ikrregisterport.h krsystem/krsystem.h
-    krdevice/krdevice.h krtransport/krtransport.h krgui/krdisplaywnd.h)
+    krdevice/krdevice.h krserial/krdeviceserialport.h krtransport/krtransport.h krgui/krdisplaywnd.h)
   require_file("${prefix}/include/${room}")
 endforeach()
 file(GLOB_RECURSE descriptions "${prefix}/*.cmake" "${prefix}/*.pc")
@@ -44,7 +44,7 @@ foreach(description IN LISTS descriptions)
   endforeach()
 endforeach()
 
-foreach(example IN ITEMS feature_browser list_devices own_browser pick_camera set_parameters show_camera)
+foreach(example IN ITEMS feature_browser list_devices own_browser pick_camera serial_terminal set_parameters show_camera)
   set(folder "${WORK_FOLDER}/${example}")
   run_or_fail("Configuring ${example}" "${CMAKE_COMMAND}" -G "${GENERATOR}" -S "${EXAMPLES_FOLDER}/${example}" -B "${folder}"
     "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_FLAGS=${sanitizeFlag}")

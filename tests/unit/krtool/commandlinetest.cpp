@@ -46,7 +46,7 @@ TEST(CommandLine, Synopses_NameTheLabBesideTheSimulation) {
     ++simulations;
   }
 
-  EXPECT_EQ(simulations, 12U);
+  EXPECT_EQ(simulations, 13U);
 }
 
 TEST(CommandLine, ListAlone_LeavesEverythingAtItsDefault) {
@@ -324,6 +324,7 @@ TEST(CommandLine, Help_NamesEveryCommandAndOption) {
                            "All of them where it is not given",
                            "are shown as \"?\"",
                            "does not outlast it",
+                           "krtool ports DEVICE",
                            "krtool get DEVICE|FILE.xml NAME",
                            "krtool set DEVICE NAME VALUE",
                            "krtool execute DEVICE NAME",
