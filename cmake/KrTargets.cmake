@@ -35,18 +35,20 @@ function(kr_add_executable aName)
   target_include_directories(${aName} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
 endfunction()
 
-# kr_add_test(krresulttest KIND unit SOURCES krresulttest.cpp DEPENDS krbase [INCLUDES dir …] [TIMEOUT seconds])
+# kr_add_test(krresulttest KIND unit SOURCES krresulttest.cpp DEPENDS krbase [INCLUDES dir …] [TIMEOUT seconds]
+#   [WRAPPER program])
 # KIND: unit (no toolkit, no display), lab (the simulated lab), widget (Qt, offscreen), x11 (Xvfb and a window manager),
 # integration (independent programs in a network namespace), camera (both of the last two).
+# WRAPPER starts the test, inside of what the kind needs.
 # The kinds that load GLib, Aravis or X11 run the sanitizers with suppressions for those libraries; the others with none.
 # Qt's threads synchronise in code that is not instrumented, so the thread sanitizer is told in tests with windows to judge
 # only what happens in ours.
 function(kr_add_test aName)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "KIND;TIMEOUT" "SOURCES;DEPENDS;INCLUDES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "KIND;TIMEOUT;WRAPPER" "SOURCES;DEPENDS;INCLUDES")
   kr_add_executable(${aName} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gmock)
   target_include_directories(${aName} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
 
-  set(command "$<TARGET_FILE:${aName}>")
+  set(command ${arg_WRAPPER} "$<TARGET_FILE:${aName}>")
   set(environment "")
   if(arg_KIND MATCHES "^(x11|camera)$")
     list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-display.sh")

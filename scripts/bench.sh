@@ -24,6 +24,7 @@ for program in build/release/benchmarks/bench_*; do
     browser | display) scripts/with-display.sh "$program" ;;
     finder) scripts/with-network.sh scripts/with-display.sh "$program" ;;
     stream) scripts/with-network.sh "$program" ;;
+    terminal) QT_QPA_PLATFORM=offscreen "$program" ;;
     *) "$program" ;;
   esac
 done

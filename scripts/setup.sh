@@ -11,8 +11,9 @@ packages=(
   libzip-dev libxcb1-dev libxcb-shm0-dev libhwy-dev
   # What the programs stand on besides
   libpng-dev libtiff-dev
-  # Tests: frameworks, an independent camera, USB devices, a display with a window manager and hands, network namespaces
-  libgtest-dev libgmock-dev aravis-tools umockdev xvfb xauth openbox xdotool fonts-dejavu-core iproute2 util-linux
+  # Tests: frameworks, an independent camera, USB devices, serial lines, a display with a window manager and hands, an
+  # accessibility bus, network namespaces
+  libgtest-dev libgmock-dev aravis-tools umockdev socat xvfb xauth openbox xdotool fonts-dejavu-core at-spi2-core dbus-bin dbus-daemon iproute2 util-linux
   "$@"
 )
 missing=()

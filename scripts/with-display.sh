@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs a program under an X server and a window manager of its own and passes its exit code through:
 #   scripts/with-display.sh [--without-window-manager] program [argument …]
-# Several may run at once; nothing that this script has not started is touched.
+# Several may run at once, also in network namespaces of their own (scripts/with-network.sh): each has a display number that
+# no other has. Nothing that this script has not started is touched.
 set -euo pipefail
 
 has_manager=yes
@@ -56,10 +57,25 @@ mkfifo "$runtime/server" "$runtime/manager"
 # Opened for both directions, so that opening does not wait for the other side.
 exec 8<>"$runtime/server" 9<>"$runtime/manager"
 
-# The server chooses a free display number and says which.
-Xvfb -displayfd 8 -screen 0 2400x1600x24 -nolisten tcp -noreset >"$runtime/Xvfb.log" 2>&1 9>&- &
+# Left to itself a server takes the first number whose abstract socket is free, which in another network namespace is one
+# that is taken here; its socket file then takes the place of the other's, and programs reach the wrong server. So the
+# number is chosen here, by the files, which all namespaces share, one script at a time. Who starts servers without this
+# script begins at 0.
+sockets=/tmp/.X11-unix
+mkdir -m 1777 "$sockets" 2>/dev/null || true
+exec 7<"$sockets"
+if ! flock -w 120 7; then
+  echo "$0: others have been choosing a display number for too long." >&2
+  exit 70
+fi
+number=1000
+while [ -e "$sockets/X$number" ]; do
+  number=$((number + 1))
+done
+Xvfb ":$number" -displayfd 8 -screen 0 2400x1600x24 -nolisten tcp -noreset >"$runtime/Xvfb.log" 2>&1 7<&- 9>&- &
 server=$!
-number=$(await 8 Xvfb Xvfb)
+await 8 Xvfb Xvfb >/dev/null
+exec 7<&- # The number is taken: its socket file exists.
 export DISPLAY=":$number"
 export XDG_RUNTIME_DIR="$runtime"
 export QT_QPA_PLATFORM=xcb

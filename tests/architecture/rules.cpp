@@ -19,7 +19,7 @@ constexpr Room kRooms[] = {
     {"krserial", "Serial", "krbase krpersistence krbuffer krgenicam krsystem krdevice"},
     {"krcamerabridge", "CameraBridge", "krbase krpersistence krbuffer krgenicam krsystem krdevice krserial"},
     {"krtransport", "Transport", "krbase krpersistence krbuffer krgenicam krsystem krdevice krserial"},
-    {"krgui/logic", "GUILogic", "krbase krpersistence krbuffer krsystem krgenicam"},
+    {"krgui/logic", "GUILogic", "krbase krpersistence krbuffer krsystem krgenicam krserial"},
     {"krgui", "GUI",
      "krbase krpersistence krbuffer krgenicam krsystem krdevice krclserial krserial krcamerabridge krgui/logic"},
 };
@@ -44,6 +44,7 @@ constexpr struct {
     {"benchmarks/browser/", true},
     {"benchmarks/display/", true},
     {"benchmarks/finder/", true},
+    {"benchmarks/terminal/", true},
     {"benchmarks/heartbeat.h", true},
     {"tests/", true},
 };
