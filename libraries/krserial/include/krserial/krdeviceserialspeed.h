@@ -1,0 +1,44 @@
+#pragma once
+// The speed of a device's serial port, as the device's own parameters give and take it. Bytes are left to
+// KrDeviceSerialPort.
+
+#include "krbase/krresult.h"
+#include "krserial/krdeviceserial.h"
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+class IKrDeviceAdapter;
+
+/// Whether a device has a parameter of a name.
+using KrHasParameter = std::function<bool(const KrString&)>;
+
+/// The boolean that switches the loopback of a port on; an empty name where there is none. Only for bulk ports is the
+/// device asked: a serial port always has its own. Thread: any.
+KR_EXPORT KrString FindLoopbackParameter(KrDeviceSerial aPort, const KrHasParameter& aHasParameter);
+/// The enumeration of a port's speeds; likewise. Thread: any.
+KR_EXPORT KrString FindBaudRateParameter(KrDeviceSerial aPort, const KrHasParameter& aHasParameter);
+
+/// The speed of one serial port of a device. Of a bulk port, the device's selector is set to it before each access, and
+/// put back afterwards where it stood on another; turns of one process are taken one after the other. Entries that tell
+/// no speed (clock dividers) count as none.
+///
+/// Thread: any; a call may wait as long as a few register accesses take.
+/// Ownership: borrows the adapter.
+class KR_EXPORT KrDeviceSerialSpeed {
+public:
+  KrDeviceSerialSpeed(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort);
+
+  /// The rates that the port can be set to now, in baud, in the device's order; none where the device has no such
+  /// parameter. Results as of IKrDeviceAdapter.
+  KrResult GetSupported(std::vector<std::uint32_t>& aBaudRates) const;
+  /// The rate that is set. NotFound where the device has no such parameter, NotSupported for an entry that tells none.
+  KrResult Get(std::uint32_t& aBaudRate) const;
+  /// Sets a rate. NotFound as of Get, NotSupported for a rate that the port does not have.
+  KrResult Set(std::uint32_t aBaudRate) const;
+
+private:
+  IKrDeviceAdapter& mAdapter;
+  KrDeviceSerial mPort;
+};
