@@ -20,10 +20,10 @@ class KrStream;
 /// A bridge to one camera, by one of three ways: a GenICam CL Protocol driver, GenCP, or a Tolvan camera file, which
 /// describes a camera with commands of its own.
 ///
-/// Thread: any, one call at a time; the calls that ask the camera wait as long as it takes, and Cancel, from any thread,
-/// ends them. Counters may be read at any time.
-/// Ownership: the holder's. Device and stream are borrowed and must outlive it. The parameters belong to the bridge and
-/// end with the connection: a window that shows them must be told first.
+/// Thread: any, one call at a time; the calls that ask the camera wait as long as it takes, and Cancel, from any
+/// thread, ends them. Counters may be read at any time. Ownership: the holder's. Device and stream are borrowed and
+/// must outlive it. The parameters belong to the bridge and end with the connection: a window that shows them must be
+/// told first.
 ///
 ///     KrCameraBridge bridge(device, KrDeviceSerial::Serial0, nullptr);
 ///     KrStringList xmlIDs;
