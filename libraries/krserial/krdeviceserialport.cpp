@@ -4,6 +4,8 @@
 #include "serialchannels.h"
 #include "writeturns.h"
 
+#include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <exception>
@@ -18,6 +20,11 @@ using ChannelPointer = std::shared_ptr<krsystem::IByteChannel>;
 
 // Long enough for any line; what a device gives before that is said of the device.
 constexpr std::uint32_t kNoLimitMs = std::numeric_limits<std::uint32_t>::max();
+
+std::uint32_t GetLeftMs(std::chrono::steady_clock::time_point aUntil) {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(aUntil - std::chrono::steady_clock::now()).count();
+  return static_cast<std::uint32_t>(std::clamp<std::int64_t>(left, 0, kNoLimitMs));
+}
 
 KrResult RefuseClosed(const char* aAttempt) {
   return {KrResult::Code::WrongState, std::string(aAttempt) + ": no serial port is open; open one first."};
@@ -87,7 +94,7 @@ struct KrDeviceSerialPort::Body {
 
   KrResult Close();
   static KrResult WriteAll(krsystem::IByteChannel& aChannel, const std::uint8_t* aData, std::uint32_t aSize,
-                           std::uint32_t& aBytesWritten, const std::stop_token& aCancel);
+                           std::uint32_t& aBytesWritten, std::uint32_t aTimeoutMs, const std::stop_token& aCancel);
 
   krserial::WriteTurns turns;
 
@@ -121,14 +128,15 @@ KrResult KrDeviceSerialPort::Body::Close() {
 }
 
 KrResult KrDeviceSerialPort::Body::WriteAll(krsystem::IByteChannel& aChannel, const std::uint8_t* aData,
-                                            std::uint32_t aSize, std::uint32_t& aBytesWritten,
+                                            std::uint32_t aSize, std::uint32_t& aBytesWritten, std::uint32_t aTimeoutMs,
                                             const std::stop_token& aCancel) {
+  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
   while (aBytesWritten < aSize) {
     if (aCancel.stop_requested())
       return RefuseCancelled("Writing to the serial port");
     const std::size_t left = aSize - aBytesWritten;
     std::size_t written = 0;
-    KrResult result = aChannel.Write(aData + aBytesWritten, left, written, kNoLimitMs, aCancel);
+    KrResult result = aChannel.Write(aData + aBytesWritten, left, written, GetLeftMs(until), aCancel);
     if (written > left || (result.IsOK() && written == 0))
       return {KrResult::Code::ProtocolError, "Writing to the serial port: of " + std::to_string(left) +
                                                  " bytes its line says to have taken " + std::to_string(written) + "."};
@@ -192,6 +200,11 @@ KrResult KrDeviceSerialPort::Close() {
 
 KrResult KrDeviceSerialPort::Read(std::uint8_t* aBuffer, std::uint32_t aBufferSize, std::uint32_t& aBytesRead,
                                   std::uint32_t aTimeoutMs) {
+  return Read(aBuffer, aBufferSize, aBytesRead, aTimeoutMs, {});
+}
+
+KrResult KrDeviceSerialPort::Read(std::uint8_t* aBuffer, std::uint32_t aBufferSize, std::uint32_t& aBytesRead,
+                                  std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   constexpr const char* kAttempt = "Reading from the serial port";
   aBytesRead = 0;
   if (!aBuffer || aBufferSize == 0)
@@ -199,11 +212,12 @@ KrResult KrDeviceSerialPort::Read(std::uint8_t* aBuffer, std::uint32_t aBufferSi
   const Body::Call call(*mBody);
   if (!call.channel)
     return RefuseClosed(kAttempt);
-  if (call.token.stop_requested())
+  const EitherStop stop(call.token, aCancel);
+  if (stop.GetToken().stop_requested())
     return RefuseCancelled(kAttempt);
   std::size_t read = 0;
   KrResult result =
-      Guard(kAttempt, [&] { return call.channel->Read(aBuffer, aBufferSize, read, aTimeoutMs, call.token); });
+      Guard(kAttempt, [&] { return call.channel->Read(aBuffer, aBufferSize, read, aTimeoutMs, stop.GetToken()); });
   if (read > aBufferSize)
     return {KrResult::Code::ProtocolError, "Reading from the serial port: its line says to have given " +
                                                std::to_string(read) + " bytes where " + std::to_string(aBufferSize) +
@@ -218,6 +232,11 @@ KrResult KrDeviceSerialPort::Write(const std::uint8_t* aData, std::uint32_t aSiz
 
 KrResult KrDeviceSerialPort::Write(const std::uint8_t* aData, std::uint32_t aSize, std::uint32_t& aBytesWritten,
                                    const std::stop_token& aCancel) {
+  return Write(aData, aSize, aBytesWritten, kNoLimitMs, aCancel);
+}
+
+KrResult KrDeviceSerialPort::Write(const std::uint8_t* aData, std::uint32_t aSize, std::uint32_t& aBytesWritten,
+                                   std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   constexpr const char* kAttempt = "Writing to the serial port";
   aBytesWritten = 0;
   if (!aData && aSize > 0)
@@ -229,7 +248,8 @@ KrResult KrDeviceSerialPort::Write(const std::uint8_t* aData, std::uint32_t aSiz
   const krserial::WriteTurns::Turn turn(mBody->turns, stop.GetToken());
   if (!turn.IsMine() || stop.GetToken().stop_requested())
     return RefuseCancelled(kAttempt);
-  return Guard(kAttempt, [&] { return Body::WriteAll(*call.channel, aData, aSize, aBytesWritten, stop.GetToken()); });
+  return Guard(kAttempt,
+               [&] { return Body::WriteAll(*call.channel, aData, aSize, aBytesWritten, aTimeoutMs, stop.GetToken()); });
 }
 
 void KrDeviceSerialPort::Cancel() {

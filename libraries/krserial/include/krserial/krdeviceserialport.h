@@ -48,6 +48,9 @@ public:
   /// the device could not give (once, after those that it gave before) and for nonsense that it says. What a line of
   /// the application's throws is SystemError here and in Open and Write.
   KrResult Read(std::uint8_t* aBuffer, std::uint32_t aBufferSize, std::uint32_t& aBytesRead, std::uint32_t aTimeoutMs);
+  /// The same, ended with Aborted when aCancel is stopped as well; other calls and later ones go on.
+  KrResult Read(std::uint8_t* aBuffer, std::uint32_t aBufferSize, std::uint32_t& aBytesRead, std::uint32_t aTimeoutMs,
+                const std::stop_token& aCancel);
   /// Sends bytes, waiting until the line has taken them all, however long that takes. aBytesWritten says how many were
   /// taken, also on failure. Results as of Read, but for TimeLimitExceeded, which comes only from a device that does
   /// not answer, and InvalidInput for a zero byte on a line of texts: what stands before it was taken then. Nothing
@@ -55,6 +58,10 @@ public:
   KrResult Write(const std::uint8_t* aData, std::uint32_t aSize, std::uint32_t& aBytesWritten);
   /// The same, ended with Aborted when aCancel is stopped as well; other calls and later ones go on.
   KrResult Write(const std::uint8_t* aData, std::uint32_t aSize, std::uint32_t& aBytesWritten,
+                 const std::stop_token& aCancel);
+  /// The same, ended with TimeLimitExceeded when the line has not taken all bytes within aTimeoutMs milliseconds from
+  /// its turn on.
+  KrResult Write(const std::uint8_t* aData, std::uint32_t aSize, std::uint32_t& aBytesWritten, std::uint32_t aTimeoutMs,
                  const std::stop_token& aCancel);
   /// Ends the calls that run, and all later ones until the next Open, with Aborted: to be called before the threads
   /// that read and write are joined.
