@@ -1,0 +1,192 @@
+#include "gencp/gencpsession.h"
+
+#include "gencp/bootstrapmap.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace krcamerabridge {
+
+namespace {
+
+// What a camera says of times is believed within these.
+constexpr std::uint64_t kShortestResponseMs = 50;
+constexpr std::uint64_t kLongestResponseMs = 10000;
+constexpr std::uint64_t kLongestHeartbeatMs = 30000;
+
+KrResult TellCancelled() {
+  return {KrResult::Code::Aborted, "Talking to the camera was cancelled."};
+}
+
+} // namespace
+
+GenCPSession::GenCPSession(ICameraLine& aLine, const CycleTimes& aTimes)
+    : mLine(aLine), mCycle(aLine, aTimes), mMemory(mCycle), mRate(aLine, mCycle, mMemory) {}
+
+GenCPSession::~GenCPSession() {
+  Close();
+}
+
+KrResult GenCPSession::Open(const std::stop_token& aStop) {
+  mIsOpen = true;
+  if (KrResult result = mRate.FindCamera(aStop); !result.IsOK())
+    return result;
+  if (KrResult result = CheckVersion(aStop); !result.IsOK())
+    return result;
+  const auto read = [&](const BootstrapRegister& aRegister, std::uint64_t& aValue) {
+    return mMemory.ReadValue(aRegister.address, aRegister.bytes, aValue, aStop);
+  };
+  std::uint64_t responseMs = 0;
+  if (KrResult result = read(kResponseTimeRegister, responseMs); !result.IsOK())
+    return result;
+  mCycle.SetResponseTime(static_cast<std::uint32_t>(std::clamp(responseMs, kShortestResponseMs, kLongestResponseMs)));
+  if (KrResult result = read(kCapabilityRegister, mCapabilities); !result.IsOK())
+    return result;
+  return (mCapabilities & kHasSerialMap) != 0 ? read(kSerialMapAddressRegister, mSerialMap) : KrResult();
+}
+
+KrResult GenCPSession::CheckVersion(const std::stop_token& aStop) {
+  constexpr std::uint64_t kKnownMajor = 1;
+  std::uint64_t version = 0;
+  KrResult result = mMemory.ReadValue(kVersionRegister.address, kVersionRegister.bytes, version, aStop);
+  if (!result.IsOK() || version >> 16 == kKnownMajor)
+    return result;
+  return {KrResult::Code::NotSupported, "The camera speaks GenCP " + std::to_string(version >> 16) + "." +
+                                            std::to_string(version & 0xFFFF) + "; only 1.x is known."};
+}
+
+KrResult GenCPSession::TakeControl(const std::stop_token& aStop) {
+  if ((mCapabilities & kHasAccessPrivilege) != 0) {
+    if (KrResult result = StartHeartbeat(aStop); !result.IsOK())
+      return result;
+    if (KrResult result = SetPrivilege(aStop); !result.IsOK())
+      return result;
+    mIsControlled = true;
+    // Some take no such order from who has no control yet.
+    if (mKeepAliveMs == 0) {
+      if (KrResult result = StartHeartbeat(aStop); !result.IsOK())
+        return result;
+    }
+  }
+  return mSerialMap != 0 ? mRate.Raise(mSerialMap, aStop) : KrResult();
+}
+
+// A camera whose user has gone without a word is free again when its heartbeat has run out, and at its default rate.
+KrResult GenCPSession::SetPrivilege(const std::stop_token& aStop) {
+  constexpr std::uint32_t kMarginMs = 200;
+  const auto set = [&] {
+    return mMemory.WriteValue(kAccessPrivilegeRegister.address, kAccessPrivilegeRegister.bytes, kOpenExclusive, aStop);
+  };
+  KrResult result = set();
+  if (result == KrResult::Code::ProtocolError && mHeartbeatMs > 0) {
+    if (!Rest(mHeartbeatMs + kMarginMs, aStop))
+      return TellCancelled();
+    result = mRate.FindCamera(aStop);
+    if (result.IsOK())
+      result = set();
+  }
+  if (result == KrResult::Code::ProtocolError)
+    return {KrResult::Code::AccessDenied, "The camera does not give control. " + result.GetDescription()};
+  return result;
+}
+
+// A camera that refuses it has none, and stays controlled until it is told.
+KrResult GenCPSession::StartHeartbeat(const std::stop_token& aStop) {
+  mHeartbeatMs = 0;
+  mKeepAliveMs = 0;
+  std::uint64_t timeoutMs = 0;
+  std::uint64_t configuration = 0;
+  KrResult result =
+      mMemory.ReadValue(kHeartbeatTimeoutRegister.address, kHeartbeatTimeoutRegister.bytes, timeoutMs, aStop);
+  if (result.IsOK()) {
+    mHeartbeatMs = static_cast<std::uint32_t>(std::min(timeoutMs, kLongestHeartbeatMs));
+    result = mMemory.ReadValue(kConfigurationRegister.address, kConfigurationRegister.bytes, configuration, aStop);
+  }
+  if (result.IsOK() && (configuration & kIsHeartbeatOn) == 0)
+    result = mMemory.WriteValue(kConfigurationRegister.address, kConfigurationRegister.bytes,
+                                configuration | kIsHeartbeatOn, aStop);
+  if (!result.IsOK())
+    return result == KrResult::Code::ProtocolError ? KrResult() : result;
+  mKeepAliveMs = std::max<std::uint32_t>(mHeartbeatMs / 3, 1);
+  return {};
+}
+
+KrResult GenCPSession::ReadManifest(std::vector<ManifestEntry>& aEntries, const std::stop_token& aStop) {
+  std::uint64_t address = 0;
+  std::uint64_t count = 0;
+  KrResult result = mMemory.ReadValue(kManifestAddressRegister.address, kManifestAddressRegister.bytes, address, aStop);
+  if (result.IsOK())
+    result = mMemory.ReadValue(address, sizeof(count), count, aStop);
+  if (!result.IsOK())
+    return result;
+  std::vector<std::uint8_t> table(std::min(count, kMostManifestEntries) * kManifestEntryBytes);
+  if (!table.empty())
+    result = mMemory.Read(address + sizeof(count), table, aStop);
+  if (!result.IsOK())
+    return result;
+  aEntries = krcamerabridge::ReadManifest(table);
+  if (aEntries.empty())
+    return {KrResult::Code::NotFound, "The camera's manifest table has " + std::to_string(count) +
+                                          " entries; none is a description of schema 1.1 or older."};
+  return {};
+}
+
+KrResult GenCPSession::ReadDescription(const ManifestEntry& aEntry, KrGenDescription& aDescription,
+                                       const std::stop_token& aStop) {
+  constexpr std::size_t kPiece = 65536;
+  std::string bytes;
+  while (bytes.size() < aEntry.size) {
+    // Memory grows with what the camera has really given.
+    const std::size_t done = bytes.size();
+    bytes.resize(done + std::min<std::uint64_t>(kPiece, aEntry.size - done));
+    const std::span piece(reinterpret_cast<std::uint8_t*>(bytes.data()) + done, bytes.size() - done);
+    if (KrResult result = mMemory.Read(aEntry.address + done, piece, aStop); !result.IsOK())
+      return result;
+  }
+  return KrGenDescription::ReadFromMemory(bytes, aEntry.xmlID, aDescription);
+}
+
+void GenCPSession::Close() {
+  if (!std::exchange(mIsOpen, false))
+    return;
+  if (std::exchange(mIsControlled, false)) {
+    // With that it goes back to its default rate by itself.
+    constexpr int kTries = 2; // A camera that has fallen silent notices by itself that it is free.
+    std::vector<std::uint8_t> available;
+    AppendNumber(available, kAvailable, kAccessPrivilegeRegister.bytes);
+    Answer answer;
+    mCycle.ForgetAbandoned();
+    if (mCycle
+            .Run({kWriteMemoryCommand, BuildWriteMemory(kAccessPrivilegeRegister.address, available), 4, kTries},
+                 answer, {})
+            .IsOK())
+      mRate.FollowToDefault();
+  } else if (mSerialMap != 0) {
+    static_cast<void>(mRate.Lower(mSerialMap, {})); // It is given up as it is when it does not answer.
+  }
+  mKeepAliveMs = 0;
+  mRate.RestoreLine();
+}
+
+KrResult GenCPSession::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) {
+  return mMemory.Read(aAddress, aData, aStop);
+}
+
+KrResult GenCPSession::Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData,
+                             const std::stop_token& aStop) {
+  return mMemory.Write(aAddress, aData, aStop);
+}
+
+KrResult GenCPSession::Probe(const std::stop_token& aStop) {
+  if (KrResult result = mRate.FindCameraAgain(aStop); !result.IsOK() || !mIsControlled)
+    return result;
+  std::uint64_t privilege = 0;
+  KrResult result =
+      mMemory.ReadValue(kAccessPrivilegeRegister.address, kAccessPrivilegeRegister.bytes, privilege, aStop);
+  if (result.IsOK() && (privilege & kPrivilegeMask) != kOpenExclusive)
+    result = TakeControl(aStop);
+  return result;
+}
+
+} // namespace krcamerabridge

@@ -1,0 +1,241 @@
+#include "gencp/commandcycle.h"
+
+#include "gencp/devicememory.h"
+#include "gencpfixture.h"
+
+#include <future>
+#include <set>
+
+namespace krcamerabridge {
+namespace {
+
+using krtest::CameraFaults;
+using krtest::HeardCommand;
+
+class CommandCycleOnLine : public GenCPOnLine {
+protected:
+  KrResult Read(std::uint64_t aAddress, std::size_t aSize, const std::stop_token& aStop = {}) {
+    bytes.assign(aSize, 0);
+    return memory.Read(aAddress, bytes, aStop);
+  }
+  // Reads 16 bytes and finds them right.
+  void ExpectRightRead() {
+    const KrResult result = Read(kFeatures + 5, 16);
+    EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    EXPECT_EQ(bytes, camera.Peek(kFeatures + 5, 16));
+  }
+
+  CommandCycle cycle{line, kQuickTimes};
+  DeviceMemory memory{cycle};
+  std::vector<std::uint8_t> bytes;
+};
+
+TEST_F(CommandCycleOnLine, Requests_CountFromOneAfterAProbeByZero) {
+  Answer answer;
+
+  ASSERT_TRUE(cycle.Probe(1, answer, {}).IsOK());
+  ASSERT_TRUE(Read(kFeatures, 4).IsOK());
+  ASSERT_TRUE(Read(kFeatures, 4).IsOK());
+
+  std::vector<std::uint16_t> requests;
+  for (const HeardCommand& heard : camera.TakeHeard())
+    requests.push_back(heard.request);
+  EXPECT_EQ(requests, (std::vector<std::uint16_t>{0, 1, 2}));
+  EXPECT_EQ(answer.specific, (std::vector<std::uint8_t>{0, 1, 0, 3}));
+}
+
+TEST_F(CommandCycleOnLine, Requests_AreNeverZeroAgain) {
+  for (int i = 0; i < 0xFFFF; ++i) {
+    Answer answer;
+    ASSERT_TRUE(cycle.Run({kReadMemoryCommand, BuildReadMemory(0, 4), 4}, answer, {}).IsOK());
+    if (i % 4096 == 0)
+      camera.TakeHeard();
+  }
+  camera.TakeHeard();
+
+  ASSERT_TRUE(Read(kFeatures, 4).IsOK());
+
+  EXPECT_EQ(camera.TakeHeard().at(0).request, 1);
+}
+
+TEST_F(CommandCycleOnLine, LostAnswer_IsAskedForAgainByTheSameRequest) {
+  camera.SetFaults({.lostAnswers = 3});
+
+  ExpectRightRead();
+
+  const std::vector<HeardCommand> heard = camera.TakeHeard();
+  ASSERT_GE(heard.size(), 2u);
+  EXPECT_EQ(heard[0].flags, kRequestAcknowledge);
+  EXPECT_EQ(heard[1].flags, kRequestAcknowledge | kCommandResend);
+  EXPECT_EQ(heard[1].request, heard[0].request);
+}
+
+TEST_F(CommandCycleOnLine, SilentCamera_IsAskedFourTimes) {
+  camera.SetFaults({.isSilent = true});
+
+  const KrResult result = Read(kFeatures, 4);
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(camera.TakeHeard().size(), 4u);
+}
+
+TEST_F(CommandCycleOnLine, AnswersToOthers_AreForNobody) {
+  camera.SetFaults({.hasForeignAnswers = true});
+
+  for (int i = 0; i < 20; ++i)
+    ExpectRightRead();
+}
+
+TEST_F(CommandCycleOnLine, RubbishBetweenPackets_IsSkipped) {
+  camera.SetFaults({.hasRubbish = true});
+
+  for (int i = 0; i < 20; ++i)
+    ExpectRightRead();
+}
+
+TEST_F(CommandCycleOnLine, AnswerOfWrongLength_IsAProtocolError) {
+  camera.SetFaults({.wrongLengths = 1});
+
+  EXPECT_EQ(Read(kFeatures, 16), KrResult::Code::ProtocolError);
+
+  ExpectRightRead();
+}
+
+TEST_F(CommandCycleOnLine, Refusal_IsInTheCamerasWords) {
+  const KrResult result = Read(0x12345678, 4);
+
+  EXPECT_EQ(result, KrResult::Code::ProtocolError);
+  EXPECT_NE(result.GetDescription().ToUtf8().find("0x12345678"), std::string::npos);
+  EXPECT_NE(result.GetDescription().ToUtf8().find("0x8003"), std::string::npos);
+}
+
+TEST_F(CommandCycleOnLine, BusyCamera_IsAskedUntilItHasTime) {
+  camera.SetFaults({.busyAnswers = 5});
+
+  ExpectRightRead();
+
+  std::set<std::uint16_t> requests;
+  for (const HeardCommand& heard : camera.TakeHeard())
+    requests.insert(heard.request);
+  EXPECT_EQ(requests.size(), 6u);
+}
+
+TEST_F(CommandCycleOnLine, CameraThatAsksForTime_IsAwaitedLongerThanOneThatIsSilent) {
+  // It works for nearly two seconds, and one that says nothing is given up after some hundred milliseconds.
+  camera.SetFaults({.pendingAnswers = 3, .pendingMs = 600});
+
+  ExpectRightRead();
+
+  EXPECT_EQ(camera.GetFaults().pendingAnswers, 0);
+}
+
+TEST_F(CommandCycleOnLine, Stop_EndsTheWaitForAPendingCamera) {
+  camera.SetFaults({.pendingAnswers = 1, .pendingMs = 2000});
+  std::stop_source stop;
+  auto reading = std::async(std::launch::async, [&] { return Read(kFeatures, 16, stop.get_token()); });
+  ASSERT_TRUE(camera.AwaitHeard(1));
+
+  stop.request_stop();
+
+  EXPECT_EQ(reading.get(), KrResult::Code::Aborted);
+  // The answer that nobody wanted is out of the way before the next command.
+  ExpectRightRead();
+  const std::vector<HeardCommand> heard = camera.TakeHeard();
+  ASSERT_EQ(heard.size(), 2u);
+  EXPECT_NE(heard[0].request, heard[1].request);
+}
+
+class DeviceMemoryOnLine : public CommandCycleOnLine {};
+
+// What is lost is missed soon, as much is lost.
+class DeviceMemoryOnABadLine : public CommandCycleOnLine {
+protected:
+  DeviceMemoryOnABadLine() {
+    hasty.SetBaudRate(921600);
+    hasty.SetResponseTime(20);
+  }
+
+  CommandCycle hasty{line, {20, 30, 1, kGenerousMs, kGenerousMs}};
+  DeviceMemory hastyMemory{hasty};
+};
+
+TEST_F(DeviceMemoryOnLine, LongRead_IsCutIntoTheLargestPackets) {
+  ASSERT_TRUE(Read(kFeatures + 1, 2500).IsOK());
+
+  EXPECT_EQ(bytes, camera.Peek(kFeatures + 1, 2500));
+  std::vector<std::size_t> sizes;
+  for (const HeardCommand& heard : camera.TakeHeard())
+    sizes.push_back(heard.bytes);
+  EXPECT_EQ(sizes, (std::vector<std::size_t>{1008, 1008, 484}));
+}
+
+TEST_F(DeviceMemoryOnLine, LongWrite_IsCutIntoTheLargestPackets) {
+  const std::vector<std::uint8_t> written = MakeBytes(2001, 7);
+
+  ASSERT_TRUE(memory.Write(kFeatures + 3, written, {}).IsOK());
+
+  EXPECT_EQ(camera.Peek(kFeatures + 3, 2001), written);
+  std::vector<std::size_t> sizes;
+  for (const HeardCommand& heard : camera.TakeHeard())
+    sizes.push_back(heard.bytes);
+  EXPECT_EQ(sizes, (std::vector<std::size_t>{1000, 1000, 1}));
+}
+
+TEST_F(DeviceMemoryOnLine, CameraThatTakesLess_IsAskedForLess) {
+  camera.SetMost(100, 70);
+  const std::vector<std::uint8_t> written = MakeBytes(3000, 9);
+
+  ASSERT_TRUE(memory.Write(kFeatures, written, {}).IsOK());
+  ASSERT_TRUE(Read(kFeatures, 3000).IsOK());
+
+  EXPECT_EQ(bytes, written);
+}
+
+TEST_F(DeviceMemoryOnLine, CameraThatAnswersLess_IsAskedForLess) {
+  camera.SetFaults({.wrongLengths = 2});
+
+  ASSERT_TRUE(Read(kFeatures, 1000).IsOK());
+
+  EXPECT_EQ(bytes, camera.Peek(kFeatures, 1000));
+}
+
+TEST_F(DeviceMemoryOnLine, CameraThatTakesFewerThanEveryCameraDoes_RefusesClearly) {
+  camera.SetMost(8, 8);
+
+  EXPECT_EQ(Read(kFeatures, 1000), KrResult::Code::ProtocolError);
+}
+
+// Each access is right, or says that it failed, on a line that loses, doubles and changes one byte of a thousand each.
+TEST_F(DeviceMemoryOnABadLine, Accesses_AreRightOrFailClearly) {
+  constexpr double kEach = 0.001;
+  camera.SetFaults({.lost = kEach, .doubled = kEach, .changed = kEach});
+  int right = 0;
+  std::uint32_t size = 1;
+  for (std::uint32_t i = 0; i < 50; ++i) {
+    size = size * 7 % 1499 + 1;
+    const std::vector<std::uint8_t> written = MakeBytes(size, i);
+    const KrResult writing = hastyMemory.Write(kFeatures, written, {});
+    bytes.assign(size, 0);
+    const KrResult reading = hastyMemory.Read(kFeatures, bytes, {});
+    for (const KrResult& result : {writing, reading}) {
+      EXPECT_TRUE(result.IsOK() || result == KrResult::Code::TimeLimitExceeded ||
+                  result == KrResult::Code::ProtocolError)
+          << result.GetDescription().CStr();
+    }
+    if (writing.IsOK()) {
+      ASSERT_EQ(camera.Peek(kFeatures, size), written) << i;
+    }
+    if (reading.IsOK()) {
+      ASSERT_EQ(bytes, camera.Peek(kFeatures, size)) << i;
+    }
+    right += writing.IsOK() && reading.IsOK() ? 1 : 0;
+  }
+
+  EXPECT_GT(camera.CountFaults(), 50);
+  EXPECT_GT(right, 20);
+  camera.SetFaults({});
+  ExpectRightRead();
+}
+
+} // namespace
+} // namespace krcamerabridge
