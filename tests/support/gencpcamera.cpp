@@ -131,7 +131,7 @@ GenCPCamera::GenCPCamera() {
   PokeNumber(0x01D0, 8, kManifest);
   PokeNumber(0x01D8, 8, kSerialMap);
   PokeNumber(0x01E0, 8, 0);
-  PokeNumber(0x01E8, 4, 60000); // Heartbeat.
+  PokeNumber(0x01E8, 4, 30000); // Heartbeat.
   PokeNumber(kPrivilege, 4, 0);
   PokeNumber(kSerialMap, 4, 0x01);
   PokeNumber(kSerialMap + 4, 4, 0x01);
@@ -313,6 +313,10 @@ void GenCPCamera::Handle(const Bytes& aPacket) {
   if (Delay(heard))
     return;
   lock.lock();
+  if (isConfirmation && mFaults.lostConfirmationAnswers > 0) {
+    --mFaults.lostConfirmationAnswers;
+    ++mFaults.lostAnswers;
+  }
   std::uint16_t status = 0;
   const Bytes data = Execute(heard, specific, status);
   Acknowledge(status, static_cast<std::uint16_t>(heard.command + 1), heard.request, data);

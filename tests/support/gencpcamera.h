@@ -31,13 +31,14 @@ struct CameraFaults {
   double doubled = 0; ///< Likewise.
   double changed = 0; ///< Likewise.
   bool isSilent = false;
-  bool hasRubbish = false;        ///< Bytes that belong to nothing stand before each answer, also halves of packets.
-  bool hasForeignAnswers = false; ///< Before each answer come those to another request and on another channel.
-  int wrongLengths = 0;           ///< So many answers to reads lack their last byte, with checksums that fit.
-  int lostConfirmations = 0;      ///< So many second orders of a rate are not heard.
-  int lostAnswers = 0;            ///< So many answers are not sent.
-  int busyAnswers = 0;            ///< So many commands get the status that it is busy.
-  int pendingAnswers = 0;         ///< So many times it asks for time, pendingMs each, before it carries out a command.
+  bool hasRubbish = false;         ///< Bytes that belong to nothing stand before each answer, also halves of packets.
+  bool hasForeignAnswers = false;  ///< Before each answer come those to another request and on another channel.
+  int wrongLengths = 0;            ///< So many answers to reads lack their last byte, with checksums that fit.
+  int lostConfirmations = 0;       ///< So many second orders of a rate are not heard.
+  int lostConfirmationAnswers = 0; ///< So many of them are heard, but not answered.
+  int lostAnswers = 0;             ///< So many answers are not sent.
+  int busyAnswers = 0;             ///< So many commands get the status that it is busy.
+  int pendingAnswers = 0;          ///< So many times it asks for time, pendingMs each, before it carries out a command.
   std::uint16_t pendingMs = 0;
 };
 

@@ -18,6 +18,8 @@ public:
   bool Take(Packet& aPacket);
   /// Whether the beginning of what may be a packet waits for its rest.
   bool HasPart() const { return !mBytes.empty(); }
+  /// How many bytes it has of that; after all packets were taken always less than the largest packet's.
+  std::size_t CountWaiting() const { return mBytes.size(); }
   /// Whether something was dropped that looked like a packet and was none, since the last Clear.
   bool IsDamaged() const { return mIsDamaged; }
   void Clear();
