@@ -1,0 +1,71 @@
+#pragma once
+// A command or an answer of a camera with places for what differs: "GAIN={value:d3}*{check}\r". Which placeholders fit
+// where is checked when a file is read; values are put in when a command is sent.
+
+#include "camerafile/checksum.h"
+#include "camerafile/wireformat.h"
+
+#include "krbase/krexport.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace krcamerabridge {
+
+struct TemplatePart {
+  enum class Kind : std::uint8_t {
+    Literal,
+    Value,
+    Feature, ///< The value of another feature, which the program knows without asking.
+    Check,
+    Length, ///< The number of bytes behind it, and what is added.
+    Skip,
+    Text, ///< The camera's words.
+    Code, ///< The number of an error.
+  };
+
+  Kind kind = Kind::Literal;
+  std::string text = {}; ///< The bytes of Literal, the name of Feature.
+  WireFormat format = {};
+  std::int64_t added = 0;      ///< Of Length.
+  std::size_t featureIndex = 0; ///< Of Feature, in the file's list of features.
+};
+
+using CommandTemplate = std::vector<TemplatePart>;
+
+inline constexpr std::size_t kMostTemplateBytes = 1024;
+inline constexpr std::size_t kMostTemplateParts = 64;
+
+/// How a checksum is made: from the byte `from` of a message on.
+struct ChecksumRule {
+  ChecksumKind kind = ChecksumKind::None;
+  WireFormat format = {};
+  std::size_t from = 0;
+};
+
+/// Texts are characters with placeholders in braces; bytes are pairs of hexadecimal digits, placeholders, and texts
+/// between quotes. Whatever is wrong is appended to aProblems, each with the word that it is about.
+KR_EXPORT CommandTemplate ParseCommandTemplate(std::string_view aText, bool aIsBinary,
+                                               std::vector<std::string>& aProblems);
+
+KR_EXPORT const TemplatePart* FindPart(const CommandTemplate& aTemplate, TemplatePart::Kind aKind);
+/// The bytes of the literal at the end; empty where the last part is another.
+KR_EXPORT std::string_view GetEnding(const CommandTemplate& aTemplate);
+/// How many bytes a part always takes; 0 where that differs.
+KR_EXPORT std::size_t GetFixedPartSize(const TemplatePart& aPart);
+/// Why bytes cannot be read by it: something of any length has to end at a literal. Empty where they can.
+KR_EXPORT std::string FindAnswerProblem(const CommandTemplate& aTemplate);
+/// One behind the other.
+KR_EXPORT CommandTemplate Join(const CommandTemplate& aFirst, const CommandTemplate& aSecond);
+
+/// The bytes of a message with a value in it; nothing where a value does not fit its format. Features must have become
+/// literals.
+KR_EXPORT std::optional<std::string> BuildCommand(const CommandTemplate& aTemplate, const WireValue& aValue,
+                                                  const ChecksumRule& aRule);
+
+} // namespace krcamerabridge
