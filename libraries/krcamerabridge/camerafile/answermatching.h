@@ -30,8 +30,8 @@ struct MessageSize {
   std::size_t size = 0;
 };
 
-/// Never where the bytes at the beginning are not those of the template, More where its length cannot be told yet, or it
-/// is not whole. Any thread.
+/// Never where the bytes at the beginning are not those of the template, More where its length cannot be told yet, or
+/// it is not whole. Any thread.
 KR_EXPORT MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aReceived);
 
 } // namespace krcamerabridge

@@ -1,6 +1,6 @@
 #pragma once
-// The checksums that serial protocols of cameras guard their messages with. Where one stands in a message, and how it is
-// written, is left to the templates.
+// The checksums that serial protocols of cameras guard their messages with. Where one stands in a message, and how it
+// is written, is left to the templates.
 
 #include "krbase/krexport.h"
 

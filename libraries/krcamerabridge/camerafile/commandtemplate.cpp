@@ -10,12 +10,10 @@ namespace krcamerabridge {
 namespace {
 
 // The bytes of a part before the sums and lengths are known, which get zeros.
-std::optional<std::string> BuildPart(const TemplatePart& aPart, const WireValue& aValue) {
+std::optional<std::string> BuildPart(const TemplatePart& aPart) {
   switch (aPart.kind) {
   case TemplatePart::Kind::Literal:
     return aPart.text;
-  case TemplatePart::Kind::Value:
-    return EncodeWire(aPart.format, aValue);
   case TemplatePart::Kind::Check:
   case TemplatePart::Kind::Length:
     return EncodeWire(aPart.format, std::int64_t{0});
@@ -80,13 +78,12 @@ CommandTemplate Join(const CommandTemplate& aFirst, const CommandTemplate& aSeco
   return joined;
 }
 
-std::optional<std::string> BuildCommand(const CommandTemplate& aTemplate, const WireValue& aValue,
-                                        const ChecksumRule& aRule) {
+std::optional<std::string> BuildCommand(const CommandTemplate& aTemplate, const ChecksumRule& aRule) {
   std::string bytes;
   std::vector<std::size_t> places;
   for (const TemplatePart& part : aTemplate) {
     places.push_back(bytes.size());
-    const std::optional<std::string> built = BuildPart(part, aValue);
+    const std::optional<std::string> built = BuildPart(part);
     if (!built)
       return std::nullopt;
     bytes += *built;

@@ -9,7 +9,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,7 +31,7 @@ struct TemplatePart {
   Kind kind = Kind::Literal;
   std::string text = {}; ///< The bytes of Literal, the name of Feature.
   WireFormat format = {};
-  std::int64_t added = 0;      ///< Of Length.
+  std::int64_t added = 0;       ///< Of Length.
   std::size_t featureIndex = 0; ///< Of Feature, in the file's list of features.
 };
 
@@ -63,9 +62,8 @@ KR_EXPORT std::string FindAnswerProblem(const CommandTemplate& aTemplate);
 /// One behind the other.
 KR_EXPORT CommandTemplate Join(const CommandTemplate& aFirst, const CommandTemplate& aSecond);
 
-/// The bytes of a message with a value in it; nothing where a value does not fit its format. Features must have become
-/// literals.
-KR_EXPORT std::optional<std::string> BuildCommand(const CommandTemplate& aTemplate, const WireValue& aValue,
-                                                  const ChecksumRule& aRule);
+/// The bytes of a message, its length and checksum among them; nothing where one does not fit its format. All other
+/// placeholders must have become literals.
+KR_EXPORT std::optional<std::string> BuildCommand(const CommandTemplate& aTemplate, const ChecksumRule& aRule);
 
 } // namespace krcamerabridge

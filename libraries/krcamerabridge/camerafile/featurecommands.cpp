@@ -56,7 +56,8 @@ private:
       if (part.format.kind == WireKind::Automatic)
         part.format = GetDefaultFormat(mFeature.type, IsBinaryData());
       if (part.format.kind == WireKind::Automatic) {
-        mMap.Report(aPlace, "\"" + std::string(aKey) + "\": in binary data {value} needs a format, for example {value:u8}");
+        mMap.Report(aPlace,
+                    "\"" + std::string(aKey) + "\": in binary data {value} needs a format, for example {value:u8}");
         return false;
       }
       if (!Fits(mFeature.type, part.format)) {

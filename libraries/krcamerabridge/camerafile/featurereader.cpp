@@ -103,8 +103,8 @@ private:
     for (const KeyRow& row : kKeys) {
       const YamlNode* const node = mMap.Find(row.key);
       if (node && !aType.empty() && (row.types & Bit(mFeature.type)) == 0)
-        mMap.Report(node->place, "a feature of the type " + std::string(aType) + " has no key \"" +
-                                     std::string(row.key) + "\"");
+        mMap.Report(node->place,
+                    "a feature of the type " + std::string(aType) + " has no key \"" + std::string(row.key) + "\"");
     }
   }
 
@@ -144,9 +144,8 @@ private:
     }
     for (std::size_t i = 0; i < node->items.size(); ++i)
       if (mMap.IsScalar(node->items[i], node->keys[i].first))
-        mRead.references.conditions.push_back({aMember,
-                                               {node->keys[i].first, node->keys[i].second},
-                                               {node->items[i].text, node->items[i].place}});
+        mRead.references.conditions.push_back(
+            {aMember, {node->keys[i].first, node->keys[i].second}, {node->items[i].text, node->items[i].place}});
   }
 
   void SetDefaults() {

@@ -45,5 +45,4 @@ struct ReadFeature {
 
 ReadFeature ReadFileFeature(const YamlNode& aNode, const ReadProtocol& aProtocol, TextProblems& aProblems);
 
-
 } // namespace krcamerabridge

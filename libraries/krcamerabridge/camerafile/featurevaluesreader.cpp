@@ -121,8 +121,8 @@ private:
     if (std::max(std::abs(least), std::abs(most)) > 9e15)
       return;
     const auto isNamed = [this](std::optional<FileBound> FileFeature::*aMember) {
-      return std::ranges::any_of(mReferences.bounds,
-                                 [aMember](const FeatureReferences::Bound& aBound) { return aBound.member == aMember; });
+      return std::ranges::any_of(
+          mReferences.bounds, [aMember](const FeatureReferences::Bound& aBound) { return aBound.member == aMember; });
     };
     if (!mFeature.minimum && !isNamed(&FileFeature::minimum))
       mFeature.minimum = FileBound{.number = least, .whole = static_cast<std::int64_t>(std::ceil(least))};
@@ -134,7 +134,8 @@ private:
     if (!mMap.IsScalar(aNode, aKey))
       return;
     if (aNode.text.size() > kMostWireBytes)
-      mMap.Report(aNode.place, "\"" + std::string(aKey) + "\" has more than " + std::to_string(kMostWireBytes) + " bytes");
+      mMap.Report(aNode.place,
+                  "\"" + std::string(aKey) + "\" has more than " + std::to_string(kMostWireBytes) + " bytes");
     aEntry.wire = aNode.text;
     aEntry.wireNumber = ParseWhole(aNode.text);
   }
@@ -193,8 +194,8 @@ private:
   }
 
   bool HasNumberFormat() const {
-    for (const CommandTemplate* const commands :
-         {mFeature.set ? &*mFeature.set : nullptr, &mFeature.getAnswer, mFeature.setAnswer ? &*mFeature.setAnswer : nullptr})
+    for (const CommandTemplate* const commands : {mFeature.set ? &*mFeature.set : nullptr, &mFeature.getAnswer,
+                                                  mFeature.setAnswer ? &*mFeature.setAnswer : nullptr})
       if (commands)
         for (const TemplatePart& part : *commands)
           if (part.kind == Kind::Value && IsWholeNumber(part.format))

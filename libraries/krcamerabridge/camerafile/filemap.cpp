@@ -60,8 +60,9 @@ void FileMap::TakeLine(std::string_view aKey, std::string& aText) {
 
 bool FileMap::CheckName(const TextPlace& aPlace, std::string_view aName) {
   if (!IsNameText(aName)) {
-    Report(aPlace, Quote(aName) + " is no name; names have letters, digits and single underscores, begin with a "
-                                  "letter, and have " +
+    Report(aPlace, Quote(aName) +
+                       " is no name; names have letters, digits and single underscores, begin with a "
+                       "letter, and have " +
                        std::to_string(kMostNameBytes) + " characters at most");
     return false;
   }

@@ -81,7 +81,7 @@ struct FileFeature {
   std::size_t maxLength = 64;
   std::optional<CommandTemplate> get; ///< Templates are whole messages.
   CommandTemplate getAnswer;
-  std::optional<CommandTemplate> set; ///< Of a command what executes it.
+  std::optional<CommandTemplate> set;       ///< Of a command what executes it.
   std::optional<CommandTemplate> setAnswer; ///< None where the camera says nothing.
   std::optional<WireValue> start; ///< What the program remembers itself, as the user sees it; of entries the index.
   bool isConstant = false;
@@ -90,7 +90,7 @@ struct FileFeature {
   bool isStreamable = false;
   std::uint32_t answerMs = 0;
   std::uint32_t pauseMs = 0;
-  std::vector<std::size_t> changes; ///< Features that may be others when it is set.
+  std::vector<std::size_t> changes;       ///< Features that may be others when it is set.
   std::vector<FileCondition> availableIf; ///< All have to hold.
   std::vector<FileCondition> lockedIf;    ///< One is enough.
 

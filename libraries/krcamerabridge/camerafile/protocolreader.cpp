@@ -70,8 +70,7 @@ private:
     if (const YamlNode* const write = map.Find("write"); write && map.IsScalar(*write, "write")) {
       const std::optional<WireFormat> format = ParseWireFormat(write->text);
       if (!format || !IsWholeNumber(*format) || GetFixedSize(*format) == 0 ||
-          GetWireRange(*format).most < (isWide ? 0xFFFF : 0xFF) ||
-          (IsBinary(*format) && !mRead.protocol.isBinary))
+          GetWireRange(*format).most < (isWide ? 0xFFFF : 0xFF) || (IsBinary(*format) && !mRead.protocol.isBinary))
         map.Report(write->place, "\"write\" has to be a format of fixed size that holds the checksum, for example "
                                  "hex2, hex4, or, of binary data, u8 and u16be; not " +
                                      FileMap::Quote(write->text));
@@ -84,8 +83,7 @@ private:
   // A template that is a part of every message.
   void ReadPart(std::string_view aKey, CommandTemplate& aPart) {
     const YamlNode* const node = mMap.Find(aKey);
-    std::optional<CommandTemplate> read =
-        mMap.TakeTemplate(aKey, mRead.protocol.isBinary, {Kind::Check, Kind::Length});
+    std::optional<CommandTemplate> read = mMap.TakeTemplate(aKey, mRead.protocol.isBinary, {Kind::Check, Kind::Length});
     if (node && read)
       aPart = std::move(*read);
   }
@@ -103,8 +101,9 @@ private:
     ReadPart("answerStart", protocol.answerStart);
     ReadPart("answerEnd", protocol.answerEnd);
     if (!protocol.isBinary && GetEnding(protocol.answerEnd).empty())
-      mMap.Report(mMap.GetPlace(), "the protocol needs the key \"answerEnd\" with the characters that end every answer, "
-                                   "for example \"\\r\\n\"");
+      mMap.Report(mMap.GetPlace(),
+                  "the protocol needs the key \"answerEnd\" with the characters that end every answer, "
+                  "for example \"\\r\\n\"");
     mMap.TakeFlag("echo", protocol.hasEcho);
     protocol.echoEnd = GetEnding(protocol.commandEnd);
     ReadLiteral("echoEnd", protocol.echoEnd);
@@ -113,13 +112,11 @@ private:
 
   void ReadAnswers() {
     const bool isBinary = mRead.protocol.isBinary;
-    mRead.getAnswer =
-        mMap.TakeTemplate("getAnswer", isBinary, {Kind::Value, Kind::Check, Kind::Length, Kind::Skip});
+    mRead.getAnswer = mMap.TakeTemplate("getAnswer", isBinary, {Kind::Value, Kind::Check, Kind::Length, Kind::Skip});
     const YamlNode* const setAnswer = mMap.Find("setAnswer");
     mRead.hasSetAnswer = setAnswer != nullptr;
     if (setAnswer && setAnswer->kind != YamlKind::Null)
-      mRead.setAnswer =
-          mMap.TakeTemplate("setAnswer", isBinary, {Kind::Value, Kind::Check, Kind::Length, Kind::Skip});
+      mRead.setAnswer = mMap.TakeTemplate("setAnswer", isBinary, {Kind::Value, Kind::Check, Kind::Length, Kind::Skip});
   }
 
   void ReadError(const YamlNode& aNode) {
@@ -161,8 +158,8 @@ private:
 
   static void ReadCodes(const YamlNode& aNode, FileMap& aMap, FileError& aError) {
     if (aNode.kind != YamlKind::Map || aNode.items.size() > kMostCodes) {
-      aMap.Report(aNode.place, "\"codes\" has to be at most " + std::to_string(kMostCodes) +
-                                   " numbers, each with its text");
+      aMap.Report(aNode.place,
+                  "\"codes\" has to be at most " + std::to_string(kMostCodes) + " numbers, each with its text");
       return;
     }
     for (std::size_t i = 0; i < aNode.items.size(); ++i) {
@@ -227,7 +224,8 @@ std::optional<CommandTemplate> CompleteAnswer(const FileProtocol& aProtocol, Com
   if (!SetFrameFormats(aProtocol, whole, aMap, aPlace, aKey))
     return std::nullopt;
   std::string problem = FindAnswerProblem(whole);
-  const bool isFree = std::ranges::any_of(whole, [](const TemplatePart& aPart) { return GetFixedPartSize(aPart) == 0; });
+  const bool isFree =
+      std::ranges::any_of(whole, [](const TemplatePart& aPart) { return GetFixedPartSize(aPart) == 0; });
   if (problem.empty() && whole.empty())
     problem = "an answer has to have bytes; ~ says that there is none";
   if (problem.empty() && aProtocol.isBinary && isFree && !FindPart(whole, Kind::Length) && GetEnding(whole).empty())

@@ -15,9 +15,8 @@ struct NameRow {
 };
 
 constexpr NameRow kNames[] = {
-    {"value", TemplatePart::Kind::Value},   {"check", TemplatePart::Kind::Check},
-    {"length", TemplatePart::Kind::Length}, {"skip", TemplatePart::Kind::Skip},
-    {"text", TemplatePart::Kind::Text},     {"code", TemplatePart::Kind::Code},
+    {"value", TemplatePart::Kind::Value}, {"check", TemplatePart::Kind::Check}, {"length", TemplatePart::Kind::Length},
+    {"skip", TemplatePart::Kind::Skip},   {"text", TemplatePart::Kind::Text},   {"code", TemplatePart::Kind::Code},
 };
 
 struct EscapeRow {
@@ -177,10 +176,13 @@ TemplatePart TemplateReader::ParsePlaceholder(std::string_view aInside) {
   part.kind = row == std::end(kNames) ? TemplatePart::Kind::Feature : row->kind;
   if (part.kind == TemplatePart::Kind::Feature)
     part.text = name;
-  const auto report = [&](const std::string& aReason) { Report("the placeholder {" + std::string(aInside) + "}" + aReason); };
+  const auto report = [&](const std::string& aReason) {
+    Report("the placeholder {" + std::string(aInside) + "}" + aReason);
+  };
   if (part.kind == TemplatePart::Kind::Feature && name.empty())
     report(" has no name");
-  if (const std::size_t sign = word.find_first_of("+-"); part.kind == TemplatePart::Kind::Length && sign != std::string_view::npos) {
+  if (const std::size_t sign = word.find_first_of("+-");
+      part.kind == TemplatePart::Kind::Length && sign != std::string_view::npos) {
     const std::string_view added = word.substr(sign + (word[sign] == '+' ? 1 : 0));
     const auto [end, error] = std::from_chars(added.data(), added.data() + added.size(), part.added);
     if (error != std::errc() || end != added.data() + added.size() || part.added < -255 || part.added > 255)

@@ -17,15 +17,15 @@ struct WordRow {
 };
 
 constexpr WordRow kBinaryWords[] = {
-    {"u8", {WireKind::Unsigned, 1, true}},       {"u16be", {WireKind::Unsigned, 2, true}},
-    {"u16le", {WireKind::Unsigned, 2, false}},   {"u24be", {WireKind::Unsigned, 3, true}},
-    {"u24le", {WireKind::Unsigned, 3, false}},   {"u32be", {WireKind::Unsigned, 4, true}},
-    {"u32le", {WireKind::Unsigned, 4, false}},   {"i8", {WireKind::Signed, 1, true}},
-    {"i16be", {WireKind::Signed, 2, true}},      {"i16le", {WireKind::Signed, 2, false}},
-    {"i32be", {WireKind::Signed, 4, true}},      {"i32le", {WireKind::Signed, 4, false}},
-    {"i64be", {WireKind::Signed, 8, true}},      {"i64le", {WireKind::Signed, 8, false}},
-    {"f32be", {WireKind::BinaryReal, 4, true}},  {"f32le", {WireKind::BinaryReal, 4, false}},
-    {"f64be", {WireKind::BinaryReal, 8, true}},  {"f64le", {WireKind::BinaryReal, 8, false}},
+    {"u8", {WireKind::Unsigned, 1, true}},      {"u16be", {WireKind::Unsigned, 2, true}},
+    {"u16le", {WireKind::Unsigned, 2, false}},  {"u24be", {WireKind::Unsigned, 3, true}},
+    {"u24le", {WireKind::Unsigned, 3, false}},  {"u32be", {WireKind::Unsigned, 4, true}},
+    {"u32le", {WireKind::Unsigned, 4, false}},  {"i8", {WireKind::Signed, 1, true}},
+    {"i16be", {WireKind::Signed, 2, true}},     {"i16le", {WireKind::Signed, 2, false}},
+    {"i32be", {WireKind::Signed, 4, true}},     {"i32le", {WireKind::Signed, 4, false}},
+    {"i64be", {WireKind::Signed, 8, true}},     {"i64le", {WireKind::Signed, 8, false}},
+    {"f32be", {WireKind::BinaryReal, 4, true}}, {"f32le", {WireKind::BinaryReal, 4, false}},
+    {"f64be", {WireKind::BinaryReal, 8, true}}, {"f64le", {WireKind::BinaryReal, 8, false}},
 };
 
 // A word and, behind it, a size up to aMost.
@@ -89,9 +89,8 @@ std::string WriteHex(std::int64_t aNumber, const WireFormat& aFormat) {
       std::to_chars(place.data(), place.data() + place.size(), static_cast<std::uint64_t>(aNumber), 16).ptr;
   std::string digits(place.data(), end);
   if (aFormat.kind == WireKind::Hex)
-    std::ranges::transform(digits, digits.begin(), [](char aDigit) {
-      return aDigit >= 'a' ? static_cast<char>(aDigit - 'a' + 'A') : aDigit;
-    });
+    std::ranges::transform(digits, digits.begin(),
+                           [](char aDigit) { return aDigit >= 'a' ? static_cast<char>(aDigit - 'a' + 'A') : aDigit; });
   return digits.size() < aFormat.size ? std::string(aFormat.size - digits.size(), '0') + digits : digits;
 }
 
@@ -108,9 +107,9 @@ std::string WriteReal(double aNumber, std::size_t aDecimals) {
   std::array<char, 400> place{};
   char* const begin = place.data();
   char* const end = begin + place.size();
-  const auto written = aDecimals > 0 ? std::to_chars(begin, end, aNumber, std::chars_format::fixed,
-                                                     static_cast<int>(aDecimals))
-                                     : std::to_chars(begin, end, aNumber, std::chars_format::fixed);
+  const auto written = aDecimals > 0
+                           ? std::to_chars(begin, end, aNumber, std::chars_format::fixed, static_cast<int>(aDecimals))
+                           : std::to_chars(begin, end, aNumber, std::chars_format::fixed);
   return {begin, written.ptr};
 }
 
@@ -170,8 +169,9 @@ std::optional<WireValue> ReadBinary(const WireFormat& aFormat, std::string_view 
     return std::nullopt;
   const std::uint64_t number = FromBytes(aBytes, aFormat.isBigEndian);
   if (aFormat.kind == WireKind::BinaryReal) {
-    const double real = aFormat.size == 4 ? static_cast<double>(std::bit_cast<float>(static_cast<std::uint32_t>(number)))
-                                          : std::bit_cast<double>(number);
+    const double real = aFormat.size == 4
+                            ? static_cast<double>(std::bit_cast<float>(static_cast<std::uint32_t>(number)))
+                            : std::bit_cast<double>(number);
     return std::isfinite(real) ? std::optional<WireValue>(real) : std::nullopt;
   }
   const unsigned unused = aFormat.kind == WireKind::Signed ? 64 - 8 * static_cast<unsigned>(aFormat.size) : 0;
@@ -183,9 +183,8 @@ std::optional<WireValue> ReadBinary(const WireFormat& aFormat, std::string_view 
 std::optional<WireFormat> ParseWireFormat(std::string_view aWord) {
   if (const auto row = std::ranges::find(kBinaryWords, aWord, &WordRow::word); row != std::end(kBinaryWords))
     return row->format;
-  const auto row = std::ranges::find_if(kSizedWords, [aWord](const SizedRow& aRow) {
-    return aWord.starts_with(aRow.word);
-  });
+  const auto row =
+      std::ranges::find_if(kSizedWords, [aWord](const SizedRow& aRow) { return aWord.starts_with(aRow.word); });
   if (row == std::end(kSizedWords))
     return std::nullopt;
   const std::string_view digits = aWord.substr(row->word.size());
@@ -271,8 +270,7 @@ WireRange GetWireRange(const WireFormat& aFormat) {
   case WireKind::Unsigned:
     return {0, power(256, aFormat.size) - 1};
   case WireKind::Signed:
-    return aFormat.size >= 8 ? kWhole
-                             : WireRange{-(power(256, aFormat.size) / 2), power(256, aFormat.size) / 2 - 1};
+    return aFormat.size >= 8 ? kWhole : WireRange{-(power(256, aFormat.size) / 2), power(256, aFormat.size) / 2 - 1};
   default:
     return kWhole;
   }

@@ -1,6 +1,6 @@
 #pragma once
-// How a value is written in a command and read from an answer: "hex4", "u16be". What the value means for the user is left
-// to its feature.
+// How a value is written in a command and read from an answer: "hex4", "u16be". What the value means for the user is
+// left to its feature.
 
 #include "krbase/krexport.h"
 
