@@ -125,8 +125,8 @@ private:
         feature.changes.push_back(*index);
     mChanges += feature.changes.size();
     if (mChanges > kMostChanges && mChanges - feature.changes.size() <= kMostChanges)
-      mMap.Report(references.namePlace, "the features up to this one change more than " + std::to_string(kMostChanges) +
-                                            " others in all");
+      mMap.Report(references.namePlace,
+                  "the features up to this one change more than " + std::to_string(kMostChanges) + " others in all");
     if (mChanges > kMostChanges)
       feature.changes.clear();
     for (const FeatureReferences::Bound& bound : references.bounds)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <vector>
 
 namespace krcamerabridge {
 
@@ -208,29 +209,45 @@ CommandExchange::Finding CommandExchange::SearchMessages(const CommandTemplate* 
   return Finding::Nothing;
 }
 
-// Binary answers are as long as they say: what begins none is dropped byte by byte.
+// Binary answers are as long as they say: what begins none is dropped. What may still become one may be rubbish, too,
+// so that an answer whose checksum shows it to be one is taken from behind it.
 CommandExchange::Finding CommandExchange::SearchBytes(const CommandTemplate* aAnswer, AnswerContent& aContent) {
-  while (!mReceived.empty()) {
-    bool mayBecomeOne = false;
-    const auto judge = [&](const CommandTemplate& aTemplate) {
-      const MessageSize size = MeasureMessage(aTemplate, mReceived);
-      mayBecomeOne = mayBecomeOne || size.state == MessageSize::State::More;
-      if (size.state != MessageSize::State::Known)
-        return Finding::Nothing;
-      const Finding finding = Judge(aAnswer, std::string_view(mReceived).substr(0, size.size), aContent);
-      if (finding != Finding::Nothing)
-        mReceived.erase(0, size.size);
+  bool mayBecomeOne = false;
+  std::size_t kept = mReceived.size(); // Where the first that may become one begins.
+  for (std::size_t place = 0; place < mReceived.size(); ++place) {
+    const std::string_view rest = std::string_view(mReceived).substr(place);
+    std::size_t size = 0;
+    const bool needsCheck = mayBecomeOne;
+    const Finding finding = FindMessage(aAnswer, rest, needsCheck, size, mayBecomeOne, aContent);
+    if (finding != Finding::Nothing) {
+      mReceived.erase(0, place + size);
       return finding;
-    };
-    for (const FileError& error : mProtocol.errors)
-      if (const Finding finding = judge(error.answer); finding != Finding::Nothing)
-        return finding;
-    if (const Finding finding = aAnswer ? judge(*aAnswer) : Finding::Nothing; finding != Finding::Nothing)
-      return finding;
+    }
     if (mayBecomeOne)
-      return Finding::Nothing;
-    mUnexpected += mReceived.front();
-    mReceived.erase(0, 1);
+      kept = std::min(kept, place);
+  }
+  mUnexpected += mReceived.substr(0, kept);
+  mReceived.erase(0, kept);
+  return Finding::Nothing;
+}
+
+CommandExchange::Finding CommandExchange::FindMessage(const CommandTemplate* aAnswer, std::string_view aReceived,
+                                                      bool aNeedsCheck, std::size_t& aSize, bool& aMayBecomeOne,
+                                                      AnswerContent& aContent) {
+  std::vector<const CommandTemplate*> templates;
+  for (const FileError& error : mProtocol.errors)
+    templates.push_back(&error.answer);
+  if (aAnswer)
+    templates.push_back(aAnswer);
+  for (const CommandTemplate* const candidate : templates) {
+    const MessageSize size = MeasureMessage(*candidate, aReceived);
+    aMayBecomeOne = aMayBecomeOne || size.state == MessageSize::State::More;
+    if (size.state != MessageSize::State::Known || (aNeedsCheck && !FindPart(*candidate, TemplatePart::Kind::Check)))
+      continue;
+    aSize = size.size;
+    const Finding finding = Judge(aAnswer, aReceived.substr(0, size.size), aContent);
+    if (finding != Finding::Nothing)
+      return finding;
   }
   return Finding::Nothing;
 }

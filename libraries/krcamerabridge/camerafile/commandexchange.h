@@ -19,8 +19,8 @@ namespace krcamerabridge {
 
 /// A command that is to be sent.
 struct CommandOrder {
-  std::string command;                   ///< All its bytes.
-  std::optional<CommandTemplate> answer; ///< None where the camera says nothing.
+  std::string command;                        ///< All its bytes.
+  std::optional<CommandTemplate> answer = {}; ///< None where the camera says nothing.
   std::uint32_t answerMs = 500;
   std::uint32_t pauseMs = 0;
   bool mayRepeat = true; ///< Doing it twice is the same as once.
@@ -53,6 +53,8 @@ private:
   Finding Search(const CommandTemplate* aAnswer, AnswerContent& aContent);
   Finding SearchMessages(const CommandTemplate* aAnswer, AnswerContent& aContent);
   Finding SearchBytes(const CommandTemplate* aAnswer, AnswerContent& aContent);
+  Finding FindMessage(const CommandTemplate* aAnswer, std::string_view aReceived, bool aNeedsCheck, std::size_t& aSize,
+                      bool& aMayBecomeOne, AnswerContent& aContent);
   Finding Judge(const CommandTemplate* aAnswer, std::string_view aMessage, AnswerContent& aContent);
 
   std::string Show(std::string_view aBytes) const;

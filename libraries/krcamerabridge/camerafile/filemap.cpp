@@ -28,7 +28,7 @@ std::string List(std::initializer_list<TemplatePart::Kind> aAllowed) {
                                            "{length}", "{skip}",  "{text}",           "{code}"};
     list += (list.empty() ? "" : ", ") + std::string(kWords[static_cast<std::size_t>(kind)]);
   }
-  return list.empty() ? "no placeholders" : "of placeholders only " + list;
+  return list.empty() ? "none" : list;
 }
 
 } // namespace
@@ -98,7 +98,8 @@ std::optional<CommandTemplate> FileMap::TakeTemplate(std::string_view aKey, bool
   for (const TemplatePart& part : read)
     if (part.kind != TemplatePart::Kind::Literal && std::ranges::find(aAllowed, part.kind) == aAllowed.end()) {
       const std::string name = part.kind == TemplatePart::Kind::Feature ? "{" + part.text + "} " : std::string();
-      problems.push_back("the placeholder " + name + "cannot stand here; there can be " + List(aAllowed));
+      problems.push_back("the placeholder " + name + "cannot stand here; of placeholders there can be " +
+                         List(aAllowed));
     } else if (!aIsBinary && IsBinary(part.format)) {
       problems.push_back("binary formats need the protocol's key \"data\" to be binary");
     }
