@@ -9,7 +9,6 @@
 #include "bridge/stopsignal.h"
 #include "krbase/krstring.h"
 
-#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -40,9 +39,13 @@ public:
 private:
   ClientEnd(std::unique_ptr<ClientTerminal> aTerminal, std::unique_ptr<PortLink> aLink);
 
-  bool GiveWaiting();
-  void FollowSpeed(bool aWasSet);
-  void OfferSpeed(std::uint32_t aBaudRate);
+  std::size_t Give(const std::uint8_t* aBytes, std::size_t aSize);
+  void GiveWaiting();
+  bool IsWaiting();
+  void WaitForNews(bool aHasClient, const std::stop_token& aStop);
+  void FollowSpeed(bool aIsSet);
+  void Offer(std::uint32_t aBaudRate);
+  void PrepareForNext();
 
   std::unique_ptr<ClientTerminal> mTerminal;
   std::unique_ptr<PortLink> mLink; // Ends before what it leads to.
@@ -50,10 +53,10 @@ private:
   StopSignal mReadStop;
   StopSignal mWriteStop;
 
-  std::mutex mMutex;  // Guards the members from here on, and the order of what goes to the client.
-  DropQueue mWaiting; // For a client that is not there yet.
-  std::uint32_t mDeviceSpeed = 0;
-  std::uint32_t mSeenSpeed = 0;
+  std::mutex mMutex;               // Guards the members from here on, and the order of what goes to the client.
+  DropQueue mWaiting;              // For a client that is not there yet.
+  std::uint32_t mOfferedSpeed = 0; // The device's; 0 where it is not known.
+  std::uint32_t mSeenSpeed = 0;    // The port's, as it was noticed or made.
 };
 
 } // namespace krserial

@@ -11,11 +11,13 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 
 namespace krserial {
 
-/// Thread: any, Configure and NoticeSpeed one at a time. Ownership: the descriptor.
+/// Thread: any. Ownership: the descriptor.
 class OpenTty {
 public:
   /// Opens a port, never waiting and never as the controlling terminal, and sets it so. Results as of TtyEnd::Open.
@@ -44,14 +46,17 @@ private:
   OpenTty(krbase::FileDescriptor aDescriptor, bool aIsPseudoTerminal, std::string aText);
 
   KrResult Hold() const;
+  KrResult Apply(const TtySettings& aSettings, const KrSerialPortConfiguration& aConfiguration);
+  KrResult MakeFailure(const std::string& aWhat);
 
   krbase::FileDescriptor mDescriptor;
   const bool mIsPseudoTerminal;
   const std::string mText;
-  TtySettings mFormer;
-  bool mHasFormer = false;
-  std::atomic<std::uint32_t> mSpeed = 0;
   std::atomic<bool> mIsLost = false;
+
+  std::mutex mMutex; // Guards how it is set, and the members from here on.
+  std::optional<TtySettings> mFormer;
+  std::uint32_t mSpeed = 0;
 };
 
 } // namespace krserial

@@ -8,7 +8,6 @@
 #include "bridge/stopsignal.h"
 #include "krbase/krstring.h"
 
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 
@@ -40,18 +39,18 @@ private:
   TtyEnd(const KrString& aName, const KrSerialPortConfiguration& aConfiguration, std::shared_ptr<OpenTty> aTty);
 
   std::shared_ptr<OpenTty> GetTty() const;
-  bool TakeAgain();
+  KrResult TakeAgain();
+  KrResult MakeLost() const;
   void FollowSpeed(OpenTty& aTty);
 
   const KrString mName;
   SpeedRequest mSpeedRequest;
   StopSignal mReadStop;
   StopSignal mWriteStop;
-  std::condition_variable_any mNever; // What Recover waits for between two looks, so that a stop ends it.
 
   mutable std::mutex mMutex; // Guards the members from here on.
   KrSerialPortConfiguration mConfiguration;
-  std::shared_ptr<OpenTty> mTty; // Shared with calls that run, which may outlast it.
+  std::shared_ptr<OpenTty> mTty; // Shared with calls that run, which may outlast it; null while it is looked for.
 };
 
 } // namespace krserial
