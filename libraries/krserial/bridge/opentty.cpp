@@ -137,6 +137,11 @@ bool OpenTty::NoticeSpeed(std::uint32_t& aBaudRate) {
   return true;
 }
 
+void OpenTty::DropReceived() {
+  // What cannot be dropped is received like anything else.
+  ::ioctl(GetDescriptor(), TCFLSH, TCIFLUSH);
+}
+
 KrResult OpenTty::MakeFailure(const std::string& aWhat) {
   const int error = errno;
   if (error == EIO || error == ENXIO || error == ENODEV)

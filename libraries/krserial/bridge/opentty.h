@@ -38,6 +38,9 @@ public:
   /// Whether the speed is another than it was set to or noticed last; then aBaudRate is it.
   bool NoticeSpeed(std::uint32_t& aBaudRate);
 
+  /// Drops what came and was not read.
+  void DropReceived();
+
   bool IsLost() const { return mIsLost; }
   /// Marks it as one that has gone, and makes the result that says so.
   KrResult Lose();

@@ -40,6 +40,7 @@ KrResult TtyEnd::Open(const KrString& aName, const KrSerialPortConfiguration& aC
   std::shared_ptr<OpenTty> tty;
   if (KrResult opened = OpenTty::Open(port, aConfiguration, tty); !opened.IsOK())
     return opened;
+  tty->DropReceived(); // Meant for whoever had the port before.
   std::unique_ptr<TtyEnd> end(new TtyEnd(port.name, aConfiguration, std::move(tty)));
   if (!end->mReadStop.IsOpen() || !end->mWriteStop.IsOpen())
     return {KrResult::Code::SystemError, "Opening " + aName.ToUtf8() + ": the system has no descriptor left."};
