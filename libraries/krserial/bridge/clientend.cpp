@@ -160,6 +160,7 @@ void ClientEnd::PrepareForNext() {
 void ClientEnd::FollowSpeed(bool aIsSet) {
   const std::optional<TtySettings> settings = mTerminal->GetSettings();
   const std::uint32_t speed = settings ? settings->GetSpeed() : 0;
+  std::uint32_t former = 0;
   {
     const std::lock_guard lock(mMutex);
     const bool isAsked = speed != mSeenSpeed || (aIsSet && speed != mOfferedSpeed);
@@ -168,12 +169,15 @@ void ClientEnd::FollowSpeed(bool aIsSet) {
     mSeenSpeed = speed;
     if (speed == mOfferedSpeed || !mSpeedRequest)
       return;
+    former = std::exchange(mOfferedSpeed, speed);
   }
   const KrResult followed = mSpeedRequest(speed);
-  if (followed.IsOK()) {
-    const std::lock_guard lock(mMutex);
-    mOfferedSpeed = speed;
+  if (followed.IsOK())
     return;
+  {
+    const std::lock_guard lock(mMutex);
+    if (mOfferedSpeed == speed) // Else the device has told another meanwhile.
+      mOfferedSpeed = former;
   }
   KrLogger("KrSerial")
       .Log(KrLogLevel::Info, {"ClientEnd::FollowSpeed", "clientend"},

@@ -321,7 +321,7 @@ TEST_F(ClientEndTest, Speed_ThatTheDeviceRefused_IsNotLeftToTheNextClient) {
   ASSERT_THAT(reader.AwaitEvents(2), ElementsAre("57600 baud", "x"));
 
   client.reset();
-  reader.Stop();
+  EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
   end->TellSpeed({.supported = {}, .current = 9600});
 
   EXPECT_EQ(Client(mPath).GetSettings().GetSpeed(), 9600U);
