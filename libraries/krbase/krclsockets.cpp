@@ -23,7 +23,7 @@ using namespace krbase;
 constexpr mode_t kOwnerOnly = 0600;
 constexpr int kBacklog = 16;
 constexpr std::uint32_t kMostPorts = 1000; // More are a fault of somebody's.
-constexpr std::chrono::seconds kDirectoryLimit{5};
+constexpr std::chrono::seconds kDirectoryLimit{2};
 constexpr const char* kPublish = "Publishing a Camera Link port";
 constexpr const char* kConnect = "Opening a Camera Link port";
 

@@ -116,9 +116,12 @@ void CameraServer::OpenSession(krbase::FileDescriptor aSocket) {
   mSession = std::make_unique<CameraSession>(std::move(aSocket));
   (void)SetSpeed(kDefaultBaudRate); // A port without that speed, or that refuses it, stays as it is.
   mSession->Answer(KrCLMessageKind::Welcome, static_cast<std::uint32_t>(KrCLAnswer::Taken), GetName().ToUtf8());
+  {
+    const std::lock_guard lock(mMutex);
+    mHasNewSpeed = false;
+    mHasProgram = true;
+  }
   mSession->Answer(KrCLMessageKind::Speeds, GetSpeedBits());
-  const std::lock_guard lock(mMutex);
-  mHasProgram = true;
 }
 
 void CameraServer::EndSession() {
