@@ -105,6 +105,9 @@ KrResult KrSerialBridge::Start(const KrString& aCOMPort, KrSerialPortConfigurati
     return check;
   if (!aConfiguration.IsValid())
     return {KrResult::Code::InvalidInput, std::string(kStarting) + ": no serial port can be set so."};
+  if (aPort == kNoDeviceSerial)
+    return {KrResult::Code::NotSupported,
+            std::string(kStarting) + ": a port of the host is linked with one of a device."};
   return krserial::Guard(kStarting, [&]() -> KrResult {
     KrString name = aCOMPort;
     std::unique_ptr<IHostEnd> end;

@@ -35,17 +35,6 @@ inline bool IsReached(const std::function<bool()>& aCondition) {
   return true;
 }
 
-/// Bytes without a pattern that a lost or doubled block would keep.
-inline std::string MakeBytes(std::size_t aSize, std::uint32_t aSeed = 1) {
-  std::string bytes(aSize, '\0');
-  std::uint32_t state = aSeed;
-  for (char& byte : bytes) {
-    state = state * 1664525 + 1013904223;
-    byte = static_cast<char>(state >> 24);
-  }
-  return bytes;
-}
-
 /// A host's end whose far end is the test's: Send and Receive. Its socket's buffers are as small as the system has
 /// them.
 class SocketEnd : public krserial::IHostEnd {

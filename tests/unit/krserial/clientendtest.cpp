@@ -5,7 +5,7 @@
 #include "bridge/ttysettings.h"
 #include "hostendreader.h"
 #include "hostfolders.h"
-#include "krbase/filedescriptor.h"
+#include "portclient.h"
 
 #include <gmock/gmock.h>
 
@@ -31,42 +31,6 @@ using testing::HasSubstr;
 namespace {
 
 constexpr std::size_t kMostWaiting = 65536;
-
-// A program that has opened the port.
-class Client {
-public:
-  explicit Client(const std::string& aPath) : mTty(open(aPath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-    EXPECT_TRUE(mTty.IsOpen()) << aPath;
-  }
-
-  void Write(const std::string& aBytes) const {
-    ASSERT_EQ(write(mTty.Get(), aBytes.data(), aBytes.size()), static_cast<ssize_t>(aBytes.size()));
-  }
-  /// Exactly so many bytes; less when they do not come within a generous limit.
-  std::string Read(std::size_t aSize) const {
-    std::string text;
-    std::string part(4096, '\0');
-    while (text.size() < aSize) {
-      pollfd waited = {.fd = mTty.Get(), .events = POLLIN, .revents = 0};
-      const bool isReady = poll(&waited, 1, 60000) > 0;
-      const ssize_t size = isReady ? read(mTty.Get(), part.data(), std::min(part.size(), aSize - text.size())) : 0;
-      if (size <= 0)
-        break;
-      text.append(part, 0, static_cast<std::size_t>(size));
-    }
-    return text;
-  }
-  TtySettings GetSettings() const { return TtySettings::Read(mTty.Get()).value_or(TtySettings()); }
-  void Set(const TtySettings& aSettings) const { ASSERT_TRUE(aSettings.Apply(mTty.Get())); }
-  void SetSpeed(std::uint32_t aBaudRate) const {
-    TtySettings settings = GetSettings();
-    settings.PutSpeed(aBaudRate);
-    Set(settings);
-  }
-
-private:
-  krbase::FileDescriptor mTty;
-};
 
 class ClientEndTest : public testing::Test {
 protected:
@@ -104,7 +68,7 @@ TEST_F(ClientEndTest, Port_IsAmongTheHostsForAsLongAsTheEndLives) {
 TEST_F(ClientEndTest, Client_SendsAndReceivesBytesOfEveryValue) {
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
-  const Client client(mPath);
+  const PortClient client(mPath);
   const std::string toHost = MakeMixedBytes(300000, 1);
   const std::string toDevice = MakeMixedBytes(300000, 2);
 
@@ -138,7 +102,7 @@ TEST_F(ClientEndTest, Bytes_WithoutAClient_WaitForIt) {
   ASSERT_TRUE(WriteText(*end, "first ").IsOK());
   ASSERT_TRUE(WriteText(*end, "second").IsOK());
 
-  const Client client(mPath);
+  const PortClient client(mPath);
 
   EXPECT_EQ(client.Read(12), "first second");
 }
@@ -151,7 +115,7 @@ TEST_F(ClientEndTest, BytesBeyondTheLimit_WithoutAClient_DropTheOldest) {
   ASSERT_TRUE(WriteText(*end, bytes.substr(kMostWaiting)).IsOK());
   ASSERT_TRUE(WriteText(*end, "end").IsOK());
 
-  const Client client(mPath);
+  const PortClient client(mPath);
 
   const std::string all = bytes + "end";
   EXPECT_TRUE(client.Read(kMostWaiting) == all.substr(all.size() - kMostWaiting));
@@ -174,7 +138,7 @@ TEST_F(ClientEndTest, Client_ThatDiesBetweenTwoBytes_LeavesWhatItSentAndMayComeA
   waitpid(process, nullptr, 0);
   ASSERT_TRUE(WriteText(*end, "later").IsOK()) << "nobody is there now";
 
-  const Client client(mPath);
+  const PortClient client(mPath);
   client.Write("whole");
 
   EXPECT_EQ(client.Read(5), "later");
@@ -186,7 +150,7 @@ TEST_F(ClientEndTest, Clients_OneAfterTheOther_AreAllHeard) {
   HostEndReader reader(*end);
 
   for (std::size_t count = 1; count <= 50; ++count) {
-    const Client client(mPath);
+    const PortClient client(mPath);
     client.Write("q");
     ASSERT_EQ(reader.Await(count).size(), count);
     ASSERT_TRUE(WriteText(*end, "a").IsOK());
@@ -197,7 +161,7 @@ TEST_F(ClientEndTest, Clients_OneAfterTheOther_AreAllHeard) {
 TEST_F(ClientEndTest, ClientThatDoesNotRead_HoldsUpWritingUntilStopped) {
   const std::unique_ptr<IHostEnd> end = Open();
   const HostEndReader reader(*end);
-  const Client client(mPath);
+  const PortClient client(mPath);
   const std::string bytes = MakeMixedBytes(1 << 20, 4);
   std::stop_source stop;
   std::size_t written = 0;
@@ -216,7 +180,7 @@ TEST_F(ClientEndTest, ClientThatDoesNotRead_HoldsUpWritingUntilStopped) {
 TEST_F(ClientEndTest, ClientThatDoesNotReadAndGoes_LetsWritingEnd) {
   const std::unique_ptr<IHostEnd> end = Open();
   const HostEndReader reader(*end);
-  auto client = std::make_unique<Client>(mPath);
+  auto client = std::make_unique<PortClient>(mPath);
   auto writing = std::async(std::launch::async, [&] { return WriteText(*end, std::string(1 << 20, 'x')); });
   ASSERT_EQ(client->Read(1), "x");
 
@@ -229,7 +193,7 @@ TEST_F(ClientEndTest, Stop_EndsReadWithAndWithoutAClient) {
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
   EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
-  const Client client(mPath);
+  const PortClient client(mPath);
   reader.Start();
   client.Write("x");
   ASSERT_EQ(reader.Await(1), "x");
@@ -240,7 +204,7 @@ TEST_F(ClientEndTest, Stop_EndsReadWithAndWithoutAClient) {
 TEST_F(ClientEndTest, Speed_ThatTheClientSets_IsAskedForBeforeTheBytesThatFollow) {
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
-  const Client client(mPath);
+  const PortClient client(mPath);
 
   client.SetSpeed(57600);
   client.Write("x");
@@ -251,7 +215,7 @@ TEST_F(ClientEndTest, Speed_ThatTheClientSets_IsAskedForBeforeTheBytesThatFollow
 TEST_F(ClientEndTest, FreeSpeed_ThatTheClientSetsWithoutSending_IsAskedFor) {
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
-  const Client client(mPath);
+  const PortClient client(mPath);
 
   client.SetSpeed(31250);
 
@@ -261,7 +225,7 @@ TEST_F(ClientEndTest, FreeSpeed_ThatTheClientSetsWithoutSending_IsAskedFor) {
 TEST_F(ClientEndTest, SpeedsOfAClientThatPutsAllSettingsAnew_AreAllAskedFor) {
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
-  const Client client(mPath);
+  const PortClient client(mPath);
   TtySettings settings = client.GetSettings();
   settings.MakeRaw(); // The telling of changes goes with it.
   ASSERT_FALSE(settings.AreChangesTold());
@@ -287,7 +251,7 @@ TEST_F(ClientEndTest, Speed_SetByAProgramThatOnlySetsIt_IsAskedFor) {
 TEST_F(ClientEndTest, SpeedOfThePort_SetAgainByAClientOfADeviceOfAnotherSpeed_IsAskedFor) {
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
-  const Client client(mPath);
+  const PortClient client(mPath);
   client.SetSpeed(57600);
   ASSERT_THAT(reader.AwaitEvents(1), ElementsAre("57600 baud"));
   end->TellSpeed({.supported = {}, .current = 9600});
@@ -301,7 +265,7 @@ TEST_F(ClientEndTest, Speed_ThatTheDeviceHas_IsThePortsForAClientAndNotAskedFor)
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
   end->TellSpeed({.supported = {}, .current = 19200});
-  const Client client(mPath);
+  const PortClient client(mPath);
 
   EXPECT_EQ(client.GetSettings().GetSpeed(), 19200U);
   client.SetSpeed(19200);
@@ -315,7 +279,7 @@ TEST_F(ClientEndTest, Speed_ThatTheDeviceRefused_IsNotLeftToTheNextClient) {
   HostEndReader reader(*end);
   reader.Answer({KrResult::Code::NotSupported, "No such speed."});
   ASSERT_TRUE(end->Configure({.baudRate = 9600}).IsOK());
-  auto client = std::make_unique<Client>(mPath);
+  auto client = std::make_unique<PortClient>(mPath);
   client->SetSpeed(57600);
   client->Write("x");
   ASSERT_THAT(reader.AwaitEvents(2), ElementsAre("57600 baud", "x"));
@@ -324,7 +288,7 @@ TEST_F(ClientEndTest, Speed_ThatTheDeviceRefused_IsNotLeftToTheNextClient) {
   EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
   end->TellSpeed({.supported = {}, .current = 9600});
 
-  EXPECT_EQ(Client(mPath).GetSettings().GetSpeed(), 9600U);
+  EXPECT_EQ(PortClient(mPath).GetSettings().GetSpeed(), 9600U);
 }
 
 TEST_F(ClientEndTest, Configure_WithWhatNoPortCanTake_IsInvalidInput) {
@@ -374,7 +338,7 @@ TEST_F(ClientEndTest, LinkOfAKilledProcess_IsReplaced) {
 
   std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
-  Client(mPath).Write("x");
+  PortClient(mPath).Write("x");
 
   EXPECT_EQ(reader.Await(1), "x");
 }

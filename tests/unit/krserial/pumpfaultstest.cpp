@@ -1,5 +1,6 @@
 // What a bridge does when one of its sides fails, and when it comes back.
 
+#include "hostendreader.h"
 #include "krbase/krlogger.h"
 #include "pumpfixture.h"
 
@@ -10,7 +11,6 @@
 #include <utility>
 
 using krtest::IsReached;
-using krtest::MakeBytes;
 using krtest::PumpTest;
 using testing::HasSubstr;
 
@@ -138,7 +138,7 @@ TEST_F(PumpTest, AHostsPortThatIsLost_IsTakenAgain) {
 }
 
 TEST_F(PumpTest, WhileTheHostsPortIsLost_TheNewestOfTheDeviceWait) {
-  const std::string bytes = MakeBytes(kBlock + 36000);
+  const std::string bytes = MakeMixedBytes(kBlock + 36000, 1);
   end.Lose();
   ASSERT_TRUE(IsReached([&] { return status.IsPortLost(); }));
 

@@ -1,5 +1,6 @@
 // What a bridge moves while all is well: order, completeness, bounds, counters, the end.
 
+#include "hostendreader.h"
 #include "pumpfixture.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 
 using krserial::Pump;
 using krtest::IsReached;
-using krtest::MakeBytes;
 using krtest::PumpTest;
 
 namespace {
@@ -19,8 +19,8 @@ constexpr std::size_t kSocketRoom = std::size_t{64} * 1024;
 } // namespace
 
 TEST_F(PumpTest, AMegabyteEachWayAtOnce_ComesWholeAndInOrder) {
-  const std::string toDevice = MakeBytes(kMegabyte, 1);
-  const std::string toHost = MakeBytes(kMegabyte, 2);
+  const std::string toDevice = MakeMixedBytes(kMegabyte, 1);
+  const std::string toHost = MakeMixedBytes(kMegabyte, 2);
   line->Receive(toHost);
 
   const std::future<void> sending = std::async(std::launch::async, [&] { end.Send(toDevice); });
@@ -35,8 +35,8 @@ TEST_F(PumpTest, AMegabyteEachWayAtOnce_ComesWholeAndInOrder) {
 }
 
 TEST_F(PumpTest, AHostThatDoesNotRead_StopsItsDirectionAlone) {
-  const std::string toHost = MakeBytes(4 * kMegabyte, 2);
-  const std::string toDevice = MakeBytes(kMegabyte, 1);
+  const std::string toHost = MakeMixedBytes(4 * kMegabyte, 2);
+  const std::string toDevice = MakeMixedBytes(kMegabyte, 1);
   line->Receive(toHost);
   ASSERT_TRUE(IsReached([&] { return end.HasBytes(); }));
 
@@ -50,8 +50,8 @@ TEST_F(PumpTest, AHostThatDoesNotRead_StopsItsDirectionAlone) {
 
 TEST_F(PumpTest, ADeviceThatTakesNothing_StopsItsDirectionAlone) {
   line->SetRoom(100);
-  const std::string toHost = MakeBytes(kMegabyte, 2);
-  const std::string chunk = MakeBytes(kMegabyte, 1);
+  const std::string toHost = MakeMixedBytes(kMegabyte, 2);
+  const std::string chunk = MakeMixedBytes(kMegabyte, 1);
   line->Receive(toHost);
 
   const bool isHostServed = end.Receive(kMegabyte) == toHost;
@@ -80,7 +80,7 @@ TEST_F(PumpTest, SingleBytes_GoEachWayWithoutWaitingForMore) {
 TEST_F(PumpTest, APortOfAKnownSpeed_GetsPiecesOfAQuarterOfASecond) {
   speed.AskSupported();
   speed.Start([](const krserial::DevicePortSpeed&) {});
-  const std::string bytes = MakeBytes(10000);
+  const std::string bytes = MakeMixedBytes(10000, 1);
 
   end.Send(bytes);
 
@@ -102,7 +102,7 @@ TEST_F(PumpTest, Reset_OfTheCounters_CountsFromThere) {
 
 TEST_F(PumpTest, Destruction_WhileBothDirectionsAreBlocked_Ends) {
   line->SetRoom(0);
-  line->Receive(MakeBytes(kMegabyte));
+  line->Receive(MakeMixedBytes(kMegabyte, 1));
   end.SendSome("for the device");
   ASSERT_TRUE(IsReached([&] { return !line->GetWrites().empty() && end.HasBytes(); }));
 
