@@ -8,10 +8,16 @@ set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
 #   HEADERS krbase/krresult.h …      public headers, relative to include/
 #   SOURCES krresult.cpp …
 #   DEPENDS krbuffer …               rooms whose headers appear in ours
-#   FOREIGN pugixml::pugixml …       libraries that only our sources see)
+#   FOREIGN pugixml::pugixml …       libraries that only our sources see
+#   SHARED                           shared in a static build, too
+#   PLUGIN)                          is loaded, not linked: no part of the package's targets, and installed by its own list
 function(kr_add_library aName)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "ALIAS" "HEADERS;SOURCES;DEPENDS;FOREIGN")
-  add_library(${aName} ${arg_SOURCES})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "SHARED;PLUGIN" "ALIAS" "HEADERS;SOURCES;DEPENDS;FOREIGN")
+  set(kind "")
+  if(arg_SHARED)
+    set(kind SHARED)
+  endif()
+  add_library(${aName} ${kind} ${arg_SOURCES})
   add_library(Kr::${arg_ALIAS} ALIAS ${aName})
   list(TRANSFORM arg_HEADERS PREPEND include/)
   target_sources(${aName} PUBLIC FILE_SET HEADERS BASE_DIRS include FILES ${arg_HEADERS})
@@ -21,11 +27,13 @@ function(kr_add_library aName)
   set_target_properties(${aName} PROPERTIES
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
     POSITION_INDEPENDENT_CODE ON
-    EXPORT_NAME ${arg_ALIAS}
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    EXPORT_NAME ${arg_ALIAS})
   add_custom_target(${aName}_headers_alone ALL)
   add_dependencies(${aName}_headers_alone ${aName}_verify_interface_header_sets)
-  set_property(GLOBAL APPEND PROPERTY KR_LIBRARIES ${aName})
+  if(NOT arg_PLUGIN)
+    set_target_properties(${aName} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    set_property(GLOBAL APPEND PROPERTY KR_LIBRARIES ${aName})
+  endif()
 endfunction()
 
 function(kr_add_executable aName)

@@ -1,6 +1,6 @@
 #include "krbase/kratomicfile.h"
 
-#include "filedescriptor.h"
+#include "krbase/filedescriptor.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "krbase/krwholefile.h"
 
-#include "filedescriptor.h"
+#include "krbase/filedescriptor.h"
 
 #include <array>
 #include <cerrno>

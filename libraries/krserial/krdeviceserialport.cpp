@@ -1,5 +1,6 @@
 #include "krserial/krdeviceserialport.h"
 
+#include "guarded.h"
 #include "krbase/krlogger.h"
 #include "serialchannels.h"
 #include "writeturns.h"
@@ -8,7 +9,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
-#include <exception>
 #include <limits>
 #include <mutex>
 #include <string>
@@ -16,6 +16,7 @@
 
 namespace {
 
+using krserial::Guard;
 using ChannelPointer = std::shared_ptr<krsystem::IByteChannel>;
 
 // Long enough for any line; what a device gives before that is said of the device.
@@ -32,18 +33,6 @@ KrResult RefuseClosed(const char* aAttempt) {
 
 KrResult RefuseCancelled(const char* aAttempt) {
   return {KrResult::Code::Aborted, std::string(aAttempt) + " was cancelled."};
-}
-
-// What a channel throws is a result, too: adapters may be the application's.
-template <typename Operation>
-KrResult Guard(const char* aAttempt, Operation&& aOperation) {
-  try {
-    return aOperation();
-  } catch (const std::exception& error) {
-    return {KrResult::Code::SystemError, std::string(aAttempt) + " was ended by an exception: " + error.what()};
-  } catch (...) {
-    return {KrResult::Code::SystemError, std::string(aAttempt) + " was ended by an exception of unknown type."};
-  }
 }
 
 // Passes the stop of either of two tokens on to a third.

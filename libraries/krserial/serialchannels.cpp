@@ -1,11 +1,10 @@
 #include "serialchannels.h"
 
 #include "devicefeatures.h"
+#include "guarded.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <exception>
-#include <string>
 
 namespace krserial {
 
@@ -13,7 +12,7 @@ KrResult FindSerialChannel(IKrDeviceAdapter* aAdapter, KrDeviceSerial aPort,
                            std::shared_ptr<krsystem::IByteChannel>& aChannel) {
   const KrString attempt = "Looking for the serial port " + GetPortName(aPort);
   const bool isPort = std::ranges::find(kDeviceSerialPorts, aPort) != kDeviceSerialPorts.end();
-  try {
+  return Guard(attempt.ToUtf8(), [&]() -> KrResult {
     std::shared_ptr<krsystem::IByteChannel> channel;
     if (aAdapter && isPort)
       channel = aAdapter->GetByteChannel(static_cast<std::uint32_t>(aPort));
@@ -26,11 +25,7 @@ KrResult FindSerialChannel(IKrDeviceAdapter* aAdapter, KrDeviceSerial aPort,
       return {KrResult::Code::NotSupported, attempt + ": the device has no such port."};
     aChannel = channel;
     return {};
-  } catch (const std::exception& error) {
-    return {KrResult::Code::SystemError, attempt + " was ended by an exception: " + error.what()};
-  } catch (...) {
-    return {KrResult::Code::SystemError, attempt + " was ended by an exception of unknown type."};
-  }
+  });
 }
 
 } // namespace krserial

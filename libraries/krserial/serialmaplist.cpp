@@ -1,11 +1,11 @@
 #include "serialmaplist.h"
 
+#include "configurationdirectory.h"
 #include "krbase/krlogger.h"
 #include "serialfeaturestext.h"
 #include "serialmapreader.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -16,14 +16,6 @@ namespace krserial {
 namespace {
 
 constexpr std::size_t kMostUserFiles = 64;
-
-std::filesystem::path GetConfigurationDirectory() {
-  const char* const configured = std::getenv("XDG_CONFIG_HOME");
-  if (configured && std::filesystem::path(configured).is_absolute())
-    return configured;
-  const char* const home = std::getenv("HOME");
-  return home && *home ? std::filesystem::path(home) / ".config" : std::filesystem::path();
-}
 
 // The names of the user's files, in order.
 std::vector<std::string> ListUserFiles() {

@@ -3,12 +3,12 @@
 #include "seriallinefixture.h"
 
 #include "krbase/krlogger.h"
+#include "pseudoterminal.h"
 #include "simulation/serial/hosttty.h"
 
 #include <gmock/gmock.h>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -16,58 +16,17 @@
 #include <filesystem>
 #include <future>
 
+using krtest::PseudoTerminal;
 using testing::HasSubstr;
 
 namespace {
 
-/// The end of a pseudo-terminal that a program would have.
-class PseudoTerminal {
-public:
-  PseudoTerminal() : mMaster(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-    EXPECT_GE(mMaster, 0);
-    EXPECT_EQ(grantpt(mMaster), 0);
-    EXPECT_EQ(unlockpt(mMaster), 0);
-  }
-  ~PseudoTerminal() { close(mMaster); }
-  PseudoTerminal(const PseudoTerminal&) = delete;
-  PseudoTerminal& operator=(const PseudoTerminal&) = delete;
-
-  std::string GetPath() const { return ptsname(mMaster); }
-  /// Waits until all is written.
-  void Write(const std::string& aBytes) const {
-    std::size_t sum = 0;
-    while (sum < aBytes.size()) {
-      const ssize_t size = write(mMaster, aBytes.data() + sum, aBytes.size() - sum);
-      ASSERT_GT(size, 0);
-      sum += static_cast<std::size_t>(size);
-    }
-  }
-  /// Exactly so many bytes; less when they do not come.
-  std::string Read(std::size_t aSize) const {
-    std::string text(aSize, '\0');
-    std::size_t sum = 0;
-    while (sum < aSize) {
-      pollfd descriptor = {.fd = mMaster, .events = POLLIN, .revents = 0};
-      if (poll(&descriptor, 1, kGenerousLimitMs) <= 0)
-        break;
-      const ssize_t size = read(mMaster, text.data() + sum, aSize - sum);
-      if (size <= 0)
-        break;
-      sum += static_cast<std::size_t>(size);
-    }
-    text.resize(sum);
-    return text;
-  }
-  /// How the other end has set up the line.
-  termios GetSettings() const {
-    termios settings = {};
-    EXPECT_EQ(tcgetattr(mMaster, &settings), 0);
-    return settings;
-  }
-
-private:
-  const int mMaster;
-};
+/// How the other end has set up the line.
+termios GetSettings(const PseudoTerminal& aTerminal) {
+  termios settings = {};
+  EXPECT_EQ(tcgetattr(aTerminal.GetDescriptor(), &settings), 0);
+  return settings;
+}
 
 // A path in a folder of the test's own, which leads to one pseudo-terminal after the other.
 class TtyPath {
@@ -161,14 +120,14 @@ TEST_F(SerialTtyTest, Megabytes_InBothDirectionsAtOnce_AreWholeAndInOrder) {
 TEST_F(SerialTtyTest, Tty_OnceOpened_IsRawAndHasThePortsRate) {
   const Channel channel = OpenPort(0);
 
-  const termios opened = mTerminal->GetSettings();
+  const termios opened = GetSettings(*mTerminal);
   EXPECT_EQ(cfgetospeed(&opened), static_cast<speed_t>(B115200));
   EXPECT_EQ(opened.c_lflag & (ICANON | ECHO | ISIG), 0u);
   EXPECT_EQ(opened.c_oflag & OPOST, 0u);
   ASSERT_TRUE(GetArray().GetEnum("Uart0BaudRate")->SetEntry("Baud9600").IsOK());
 
   EXPECT_TRUE(WaitUntil([&] {
-    const termios changed = mTerminal->GetSettings();
+    const termios changed = GetSettings(*mTerminal);
     return cfgetospeed(&changed) == static_cast<speed_t>(B9600);
   }));
 }

@@ -71,9 +71,12 @@ KrResult SerialLine::Write(const std::uint8_t* aBytes, std::size_t aSize, std::s
     return result;
   const int opening = mOpenings;
   while (aWritten < aSize) {
-    const bool isInTime = Wait(lock, aTimeoutMs, aCancel, [&] { return mRoom > 0 || !Check(aCancel, opening).IsOK(); });
+    const bool isInTime = Wait(lock, aTimeoutMs, aCancel,
+                               [&] { return mRoom > 0 || !mWriteFailure.IsOK() || !Check(aCancel, opening).IsOK(); });
     if (KrResult result = Check(aCancel, opening); !result.IsOK())
       return result;
+    if (!mWriteFailure.IsOK())
+      return mWriteFailure;
     if (!isInTime)
       return KrResult(KrResult::Code::TimeLimitExceeded, "The line is full.");
     const std::size_t count = std::min(mRoom, aSize - aWritten);
@@ -118,6 +121,18 @@ void SerialLine::SetRoom(std::size_t aBytes) {
 void SerialLine::Lose() {
   const std::scoped_lock lock(mMutex);
   mIsLost = true;
+  mChanged.notify_all();
+}
+
+void SerialLine::Restore() {
+  const std::scoped_lock lock(mMutex);
+  mIsLost = false;
+  mIsOpen = false;
+}
+
+void SerialLine::FailWriting(const KrResult& aResult) {
+  const std::scoped_lock lock(mMutex);
+  mWriteFailure = aResult;
   mChanged.notify_all();
 }
 

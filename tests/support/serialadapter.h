@@ -36,6 +36,10 @@ public:
   void SetRoom(std::size_t aBytes);
   /// The device has gone: everything fails with ConnectionLost.
   void Lose();
+  /// It is back, and the line closed.
+  void Restore();
+  /// Writing fails with this at once, until it is OK again.
+  void FailWriting(const KrResult& aResult);
   /// Every opening fails with this.
   void FailOpening(const KrResult& aResult);
   /// Reading fails with this at once, until it is OK again.
@@ -59,6 +63,7 @@ private:
   std::size_t mRoom = SIZE_MAX;
   KrResult mOpenFailure;
   KrResult mReadFailure;
+  KrResult mWriteFailure;
   bool mLoopsBack = false;
   bool mIsOpen = false;
   bool mIsLost = false;

@@ -1,7 +1,8 @@
 #include "serial/linesettings.h"
 
 #include "krdevice/ikrdeviceadapter.h"
-#include "logic/serial/terminalparameters.h"
+#include "krserial/krbulkselectorturn.h"
+#include "krserial/krdeviceserialspeed.h"
 #include "platform/toqstring.h"
 
 #include <QCheckBox>
@@ -12,15 +13,21 @@ namespace krgui {
 
 namespace {
 
-using FindName = KrString (*)(KrDeviceSerial, const HasParameter&);
+using FindName = KrString (*)(KrDeviceSerial, const KrHasParameter&);
 
 /// The parameter of a port, in a device that has it; otherwise an empty name, as without a device.
 KrString FindIn(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort, FindName aFind) {
   if (!aDevice)
     return {};
-  const HasParameter hasParameter = [aDevice](const KrString& aName) { return aDevice->HasParameter(aName); };
+  const KrHasParameter hasParameter = [aDevice](const KrString& aName) { return aDevice->HasParameter(aName); };
   const KrString name = aFind(aPort, hasParameter);
   return !name.IsEmpty() && hasParameter(name) ? name : KrString();
+}
+
+/// A device that refuses it is talked to all the same.
+void SelectPort(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) {
+  if (IsBulkPort(aPort) && aDevice.IsParameterAvailable(kBulkSelector))
+    (void)aDevice.SetEnumValue(kBulkSelector, GetPortName(aPort));
 }
 
 /// The parameters of all bulk ports have one name each: whoever else uses the device may have chosen another port.
@@ -28,20 +35,22 @@ void KeepSelected(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) {
   KrString selected;
   if (!IsBulkPort(aPort) || (aDevice.GetEnumValue(kBulkSelector, selected).IsOK() && selected == GetPortName(aPort)))
     return;
-  LineSettings::Select(aDevice, aPort);
+  SelectPort(aDevice, aPort);
 }
 
 } // namespace
 
 void LineSettings::Select(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) {
-  // A device that refuses it is talked to all the same.
-  if (IsBulkPort(aPort) && aDevice.IsParameterAvailable(kBulkSelector))
-    (void)aDevice.SetEnumValue(kBulkSelector, GetPortName(aPort));
+  const KrBulkSelectorTurn turn(aDevice, aPort);
+  SelectPort(aDevice, aPort);
 }
 
 std::optional<bool> LineSettings::Refresh(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
-  if (aDevice)
+  std::optional<KrBulkSelectorTurn> turn;
+  if (aDevice) {
+    turn.emplace(*aDevice, aPort);
     KeepSelected(*aDevice, aPort);
+  }
   RefreshSpeed(aDevice, aPort);
   return RefreshLoopback(aDevice, aPort);
 }
@@ -79,11 +88,13 @@ std::optional<bool> LineSettings::RefreshLoopback(IKrDeviceAdapter* aDevice, KrD
 }
 
 KrResult LineSettings::WriteSpeed(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {
+  const KrBulkSelectorTurn turn(aDevice, aPort);
   KeepSelected(aDevice, aPort);
   return aDevice.SetEnumValue(FindIn(&aDevice, aPort, FindBaudRateParameter), ToKrString(mSpeed.currentText()));
 }
 
 KrResult LineSettings::WriteLoopback(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {
+  const KrBulkSelectorTurn turn(aDevice, aPort);
   KeepSelected(aDevice, aPort);
   return aDevice.SetBooleanValue(FindIn(&aDevice, aPort, FindLoopbackParameter), mLoopback.isChecked());
 }

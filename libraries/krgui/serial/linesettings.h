@@ -1,6 +1,6 @@
 #pragma once
 // "Speed" and "Loopback": the two controls that stand for parameters of the device. Which parameters those are is left
-// to logic/serial/terminalparameters.
+// to krserial/krdeviceserialspeed.h.
 
 #include "krbase/krresult.h"
 #include "krserial/krdeviceserial.h"

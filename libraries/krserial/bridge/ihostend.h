@@ -34,7 +34,7 @@ public:
   virtual KrResult Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, const std::stop_token& aStop) = 0;
   /// Gives all bytes, waiting for room. aWritten says how many were taken, also on failure. Results as of Read. While
   /// nobody is at the other end the bytes wait, 64 KiB at most, and the oldest are dropped; without a far end that
-  /// could come they are dropped at once.
+  /// could come, and where one is to start empty, they are dropped at once.
   virtual KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                          const std::stop_token& aStop) = 0;
   /// Waits until the end that was lost can be had again, and takes it. OK, or Aborted.

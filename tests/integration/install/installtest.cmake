@@ -30,13 +30,17 @@ file(RENAME "${WORK_FOLDER}/prefix" "${prefix}")
 
 foreach(room IN ITEMS krbase/krresult.h krpersistence/krconfigurationwriter.h krbuffer/krbuffer.h
     krgenicam/ikrregisterport.h krsystem/krsystem.h
-    krdevice/krdevice.h krserial/krdeviceserialport.h krtransport/krtransport.h krgui/krdisplaywnd.h)
+    krdevice/krdevice.h krserial/krdeviceserialport.h krclserial/clserkrg.h krtransport/krtransport.h krgui/krdisplaywnd.h)
   require_file("${prefix}/include/${room}")
+endforeach()
+# What programs load by its name, and by the link that managers look for.
+foreach(library IN ITEMS libclserkrg.so clserkrg.so)
+  require_file("${prefix}/${LIBRARY_FOLDER}/${library}")
 endforeach()
 file(GLOB_RECURSE descriptions "${prefix}/*.cmake" "${prefix}/*.pc")
 foreach(description IN LISTS descriptions)
   file(READ "${description}" text)
-  foreach(internal IN ITEMS kr_options krguilogic GUILogic "${BUILD_FOLDER}" "${EXAMPLES_FOLDER}")
+  foreach(internal IN ITEMS kr_options krguilogic GUILogic krclserial clserkrg "${BUILD_FOLDER}" "${EXAMPLES_FOLDER}")
     string(FIND "${text}" "${internal}" found)
     if(NOT found EQUAL -1)
       message(FATAL_ERROR "${description} shows ${internal}.")

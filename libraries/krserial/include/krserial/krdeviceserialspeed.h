@@ -19,10 +19,12 @@ using KrHasParameter = std::function<bool(const KrString&)>;
 KR_EXPORT KrString FindLoopbackParameter(KrDeviceSerial aPort, const KrHasParameter& aHasParameter);
 /// The enumeration of a port's speeds; likewise. Thread: any.
 KR_EXPORT KrString FindBaudRateParameter(KrDeviceSerial aPort, const KrHasParameter& aHasParameter);
+/// The enumeration that chooses which bulk port those two are of.
+inline constexpr const char* kBulkSelector = "BulkSelector";
 
 /// The speed of one serial port of a device. Of a bulk port, the device's selector is set to it before each access, and
-/// put back afterwards where it stood on another; turns of one process are taken one after the other. Entries that tell
-/// no speed (clock dividers) count as none.
+/// put back afterwards where it stood on another, in a turn of its own (KrBulkSelectorTurn). Entries that tell no speed
+/// (clock dividers) count as none.
 ///
 /// Thread: any; a call may wait as long as a few register accesses take.
 /// Ownership: borrows the adapter.
@@ -31,7 +33,7 @@ public:
   KrDeviceSerialSpeed(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort);
 
   /// The rates that the port can be set to now, in baud, in the device's order; none where the device has no such
-  /// parameter. Results as of IKrDeviceAdapter.
+  /// parameter. Results as of IKrDeviceAdapter; aBaudRates is set on success only, and so is what Get gives.
   KrResult GetSupported(std::vector<std::uint32_t>& aBaudRates) const;
   /// The rate that is set. NotFound where the device has no such parameter, NotSupported for an entry that tells none.
   KrResult Get(std::uint32_t& aBaudRate) const;

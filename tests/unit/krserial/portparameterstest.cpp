@@ -1,11 +1,9 @@
-#include "logic/serial/terminalparameters.h"
+#include "krserial/krdeviceserialspeed.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <vector>
-
-namespace krgui {
 
 namespace {
 
@@ -43,13 +41,13 @@ const ParameterRow kParameterRows[] = {
     {"no port", KrDeviceSerial::Invalid, kAllBulk, "", ""},
 };
 
-HasParameter Has(const Names& aNames) {
+KrHasParameter Has(const Names& aNames) {
   return [&aNames](const KrString& aName) { return std::find(aNames.begin(), aNames.end(), aName) != aNames.end(); };
 }
 
 } // namespace
 
-TEST(TerminalParameters, EveryPort_HasThoseOfTheTable) {
+TEST(PortParameters, EveryPort_HasThoseOfTheTable) {
   for (const ParameterRow& row : kParameterRows) {
     SCOPED_TRACE(row.name);
 
@@ -58,7 +56,7 @@ TEST(TerminalParameters, EveryPort_HasThoseOfTheTable) {
   }
 }
 
-TEST(TerminalParameters, EveryBulkPort_SharesThem) {
+TEST(PortParameters, EveryBulkPort_SharesThem) {
   for (const KrDeviceSerial port : kDeviceSerialPorts) {
     if (!IsBulkPort(port))
       continue;
@@ -69,8 +67,6 @@ TEST(TerminalParameters, EveryBulkPort_SharesThem) {
   }
 }
 
-TEST(TerminalParameters, TheSelectorOfBulkPorts_HasItsName) {
+TEST(PortParameters, TheSelectorOfBulkPorts_HasItsName) {
   EXPECT_STREQ(kBulkSelector, "BulkSelector");
 }
-
-} // namespace krgui

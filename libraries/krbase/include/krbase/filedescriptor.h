@@ -1,13 +1,13 @@
 #pragma once
 // Owns a file descriptor of the system. What it refers to is the user's business.
 
-#include <unistd.h>
+#include "krbase/krexport.h"
 
 #include <utility>
 
 namespace krbase {
 
-class FileDescriptor {
+class KR_EXPORT FileDescriptor {
 public:
   FileDescriptor() = default;
   explicit FileDescriptor(int aDescriptor) : mDescriptor(aDescriptor) {}
@@ -21,10 +21,7 @@ public:
   bool IsOpen() const { return mDescriptor >= 0; }
   int Get() const { return mDescriptor; }
   /// Closes; false, with errno set, where the system has an error left to report.
-  bool Close() {
-    const int descriptor = std::exchange(mDescriptor, -1);
-    return descriptor < 0 || ::close(descriptor) == 0;
-  }
+  bool Close();
 
 private:
   int mDescriptor = -1;

@@ -1,0 +1,26 @@
+// Any packet may come from either end of a Camera Link socket: it is taken for what its side may say, and made again
+// the same, or refused.
+
+#include "krbase/krclwire.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
+  for (const KrCLSide side : {KrCLSide::Program, KrCLSide::Bridge}) {
+    const std::optional<KrCLMessage> message = KrParseCLMessage({aData, aSize}, side);
+    if (!message)
+      continue;
+    const std::vector<std::uint8_t> again = KrMakeCLMessage(*message);
+    if (aSize > kKrCLMostMessage || !std::equal(again.begin(), again.end(), aData, aData + aSize))
+      std::abort();
+    const bool isBridges = message->kind != KrCLMessageKind::Data && message->kind != KrCLMessageKind::SetSpeed;
+    if (message->kind != KrCLMessageKind::Data && isBridges != (side == KrCLSide::Bridge))
+      std::abort(); // It is the other side's.
+  }
+  return 0;
+}

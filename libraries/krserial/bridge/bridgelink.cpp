@@ -1,0 +1,45 @@
+#include "bridge/bridgelink.h"
+
+#include <utility>
+
+namespace krserial {
+
+BridgeLink::BridgeLink(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, BridgeCounters& aCounters)
+    : mHasPort(aPort != kNoDeviceSerial), mSpeed(aAdapter, aPort, mStatus),
+      mLine(aAdapter, aPort, mSpeed, aCounters, mStatus) {}
+
+BridgeLink::~BridgeLink() {
+  // It tells the end, so it ends before that.
+  mSpeed.Stop();
+}
+
+KrResult BridgeLink::Run(std::unique_ptr<IHostEnd> aEnd, const std::optional<std::uint32_t>& aBaudRate) {
+  if (mHasPort) {
+    if (KrResult opened = mLine.Open(); !opened.IsOK())
+      return opened;
+  }
+  mEnd = std::move(aEnd);
+  mSpeed.AskSupported();
+  if (aBaudRate)
+    mSpeed.Prefer(*aBaudRate);
+  mEnd->SetSpeedRequest([this](std::uint32_t aRequested) { return mSpeed.Request(aRequested); });
+  mSpeed.Start([this](const DevicePortSpeed& aSpeed) { mEnd->TellSpeed(aSpeed); });
+  if (mHasPort)
+    mPump = std::make_unique<Pump>(*mEnd, mLine, mStatus);
+  return {};
+}
+
+KrResult BridgeLink::Configure(const KrSerialPortConfiguration& aConfiguration) {
+  KrResult configured = mEnd->Configure(aConfiguration);
+  if (configured.IsOK())
+    mSpeed.Prefer(aConfiguration.baudRate);
+  return configured;
+}
+
+KrSerialBridgeState BridgeLink::GetState() const {
+  if (mStatus.HasDeviceFailed())
+    return KrSerialBridgeState::WaitingForDevice;
+  return mStatus.IsPortLost() ? KrSerialBridgeState::WaitingForPort : KrSerialBridgeState::Running;
+}
+
+} // namespace krserial

@@ -1,0 +1,48 @@
+#pragma once
+// All that runs while a serial bridge is started: both sides, what moves bytes between them, and the speed.
+
+#include "bridge/bridgecounters.h"
+#include "bridge/bridgestatus.h"
+#include "bridge/deviceline.h"
+#include "bridge/ihostend.h"
+#include "bridge/portspeed.h"
+#include "bridge/pump.h"
+#include "krserial/krserialbridge.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace krserial {
+
+/// Thread: construction, Run and destruction on one at a time, and one that may wait; the rest from any.
+/// Ownership: the end; borrows the adapter and the counters.
+class BridgeLink {
+public:
+  BridgeLink(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, BridgeCounters& aCounters);
+  /// Ends everything: the adapter is used no longer.
+  ~BridgeLink();
+  BridgeLink(const BridgeLink&) = delete;
+  BridgeLink& operator=(const BridgeLink&) = delete;
+
+  /// Opens the device's port, results as of KrDeviceSerialPort, asks for its speeds, prefers aBaudRate where there is
+  /// one, and starts. Once. Of kNoDeviceSerial nothing is opened, and no bytes are moved.
+  KrResult Run(std::unique_ptr<IHostEnd> aEnd, const std::optional<std::uint32_t>& aBaudRate);
+
+  /// Sets the host's port, and the device's port to its speed if it has that.
+  KrResult Configure(const KrSerialPortConfiguration& aConfiguration);
+  PortSpeed& GetSpeed() { return mSpeed; }
+  const PortSpeed& GetSpeed() const { return mSpeed; }
+  KrSerialBridgeState GetState() const;
+  KrString GetStateText() const { return mStatus.GetText(); }
+
+private:
+  const bool mHasPort;
+  BridgeStatus mStatus;
+  PortSpeed mSpeed;
+  DeviceLine mLine;
+  std::unique_ptr<IHostEnd> mEnd; // Until its destruction it may ask mSpeed for one.
+  std::unique_ptr<Pump> mPump;
+};
+
+} // namespace krserial

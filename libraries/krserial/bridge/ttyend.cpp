@@ -1,0 +1,167 @@
+#include "bridge/ttyend.h"
+
+#include "krbase/krlogger.h"
+#include "krserial/krhostserialports.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <utility>
+
+namespace krserial {
+
+namespace {
+
+constexpr int kLookMs = 250;
+
+bool CanBeTriedAgain() {
+  return errno == EAGAIN || errno == EINTR;
+}
+
+// What happens at the other end of a pseudo-terminal is not always told to ours.
+int GetLimitMs(const OpenTty& aTty) {
+  return aTty.IsPseudoTerminal() ? kLookMs : -1;
+}
+
+} // namespace
+
+TtyEnd::TtyEnd(const KrString& aName, const KrSerialPortConfiguration& aConfiguration, std::shared_ptr<OpenTty> aTty)
+    : mName(aName), mConfiguration(aConfiguration), mTty(std::move(aTty)) {}
+
+KrResult TtyEnd::Open(const KrString& aName, const KrSerialPortConfiguration& aConfiguration,
+                      std::unique_ptr<IHostEnd>& aEnd) {
+  if (!aConfiguration.IsValid())
+    return {KrResult::Code::InvalidInput, "No serial port can be set so."};
+  KrHostSerialPort port;
+  if (KrResult found = KrHostSerialPorts::Find(aName, port); !found.IsOK())
+    return found;
+  std::shared_ptr<OpenTty> tty;
+  if (KrResult opened = OpenTty::Open(port, aConfiguration, tty); !opened.IsOK())
+    return opened;
+  tty->DropReceived(); // Meant for whoever had the port before.
+  std::unique_ptr<TtyEnd> end(new TtyEnd(port.name, aConfiguration, std::move(tty)));
+  if (!end->mReadStop.IsOpen() || !end->mWriteStop.IsOpen())
+    return {KrResult::Code::SystemError, "Opening " + aName.ToUtf8() + ": the system has no descriptor left."};
+  aEnd = std::move(end);
+  return {};
+}
+
+std::shared_ptr<OpenTty> TtyEnd::GetTty() const {
+  const std::lock_guard lock(mMutex);
+  return mTty;
+}
+
+KrResult TtyEnd::MakeLost() const {
+  return {KrResult::Code::ConnectionLost, mName.ToUtf8() + " has gone."};
+}
+
+KrResult TtyEnd::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, const std::stop_token& aStop) {
+  aRead = 0;
+  const std::shared_ptr<OpenTty> tty = GetTty();
+  if (!tty)
+    return MakeLost();
+  while (!aStop.stop_requested() && aSize > 0) {
+    const ssize_t size = ::read(tty->GetDescriptor(), aBytes, aSize);
+    if (tty->IsLost() || size == 0 || (size < 0 && !CanBeTriedAgain()))
+      return tty->Lose();
+    // What came after the change of speed is given after the asking for it.
+    FollowSpeed(*tty);
+    aRead = size > 0 ? static_cast<std::size_t>(size) : 0;
+    if (aRead > 0)
+      return {};
+    mReadStop.Wait(tty->GetDescriptor(), POLLIN, GetLimitMs(*tty), aStop);
+  }
+  return aStop.stop_requested() ? KrResult(KrResult::Code::Aborted) : KrResult();
+}
+
+void TtyEnd::FollowSpeed(OpenTty& aTty) {
+  std::uint32_t baudRate = 0;
+  if (!aTty.IsPseudoTerminal() || !mSpeedRequest || !aTty.NoticeSpeed(baudRate))
+    return;
+  if (const KrResult followed = mSpeedRequest(baudRate); !followed.IsOK())
+    KrLogger("KrSerial")
+        .Log(KrLogLevel::Info, {"TtyEnd::FollowSpeed", "ttyend"},
+             mName + " was set to " + std::to_string(baudRate) +
+                 " baud, which the device does not follow: " + followed.GetDescription());
+}
+
+KrResult TtyEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
+                       const std::stop_token& aStop) {
+  aWritten = 0;
+  const std::shared_ptr<OpenTty> tty = GetTty();
+  if (!tty)
+    return MakeLost();
+  while (!aStop.stop_requested() && aWritten < aSize) {
+    const ssize_t size = ::write(tty->GetDescriptor(), aBytes + aWritten, aSize - aWritten);
+    if (tty->IsLost() || (size < 0 && !CanBeTriedAgain()))
+      return tty->Lose();
+    if (size > 0)
+      aWritten += static_cast<std::size_t>(size);
+    else
+      mWriteStop.Wait(tty->GetDescriptor(), POLLOUT, GetLimitMs(*tty), aStop);
+  }
+  return aWritten < aSize ? KrResult(KrResult::Code::Aborted) : KrResult();
+}
+
+KrResult TtyEnd::Recover(const std::stop_token& aStop) {
+  std::mutex mutex;
+  std::unique_lock lock(mutex);
+  std::condition_variable_any never; // Nobody wakes it but the stop.
+  KrString said;
+  while (!aStop.stop_requested()) {
+    const KrResult taken = TakeAgain();
+    if (taken.IsOK())
+      return {};
+    if (taken.GetDescription() != said)
+      KrLogger("KrSerial").Log(KrLogLevel::Info, {"TtyEnd::Recover", "ttyend"}, taken.GetDescription());
+    said = taken.GetDescription();
+    never.wait_for(lock, aStop, std::chrono::milliseconds(kLookMs), [] { return false; });
+  }
+  return KrResult::Code::Aborted;
+}
+
+KrResult TtyEnd::TakeAgain() {
+  KrSerialPortConfiguration configuration;
+  {
+    const std::lock_guard lock(mMutex);
+    if (mTty && !mTty->IsLost())
+      return {};
+    // The system gives a USB adapter that comes back another name while its former tty is open.
+    mTty.reset();
+    configuration = mConfiguration;
+  }
+  KrHostSerialPort port;
+  if (KrResult found = KrHostSerialPorts::Find(mName, port); !found.IsOK())
+    return found;
+  std::shared_ptr<OpenTty> tty;
+  if (KrResult opened = OpenTty::Open(port, configuration, tty); !opened.IsOK())
+    return opened;
+  const std::lock_guard lock(mMutex);
+  if (configuration != mConfiguration)
+    return {KrResult::Code::Busy, mName + " was given other settings while it was opened."};
+  mTty = std::move(tty);
+  return {};
+}
+
+KrResult TtyEnd::Configure(const KrSerialPortConfiguration& aConfiguration) {
+  if (!aConfiguration.IsValid())
+    return {KrResult::Code::InvalidInput, mName.ToUtf8() + " cannot be set so, nor can any serial port."};
+  const std::lock_guard lock(mMutex);
+  if (mTty && !mTty->IsLost()) {
+    KrResult configured = mTty->Configure(aConfiguration);
+    if (!configured.IsOK() && !mTty->IsLost())
+      return configured;
+  }
+  mConfiguration = aConfiguration;
+  return {};
+}
+
+void TtyEnd::SetSpeedRequest(SpeedRequest aRequest) {
+  mSpeedRequest = std::move(aRequest);
+}
+
+void TtyEnd::TellSpeed(const DevicePortSpeed&) {}
+
+} // namespace krserial

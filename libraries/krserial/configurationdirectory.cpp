@@ -1,0 +1,15 @@
+#include "configurationdirectory.h"
+
+#include <cstdlib>
+
+namespace krserial {
+
+std::filesystem::path GetConfigurationDirectory() {
+  const char* const configured = std::getenv("XDG_CONFIG_HOME");
+  if (configured && std::filesystem::path(configured).is_absolute())
+    return configured;
+  const char* const home = std::getenv("HOME");
+  return home && *home ? std::filesystem::path(home) / ".config" : std::filesystem::path();
+}
+
+} // namespace krserial

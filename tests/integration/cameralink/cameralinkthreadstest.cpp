@@ -1,0 +1,170 @@
+#include "krclserial/clserkrg.h"
+#include "publishedline.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <thread>
+#include <vector>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr CLUINT32 kForEverMs = 4'000'000'000;
+
+/// The library, loaded as a program loads it.
+class Library {
+public:
+  Library() : mLibrary(::dlopen(KR_CL_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
+    EXPECT_NE(mLibrary, nullptr) << ::dlerror();
+    Load("clSerialInit", init);
+    Load("clSerialClose", close);
+    Load("clSerialRead", read);
+    Load("clSerialWrite", write);
+    Load("clGetNumBytesAvail", countAvailable);
+  }
+  ~Library() { ::dlclose(mLibrary); }
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+
+  hSerRef Open(CLUINT32 aIndex) const {
+    hSerRef reference = nullptr;
+    EXPECT_EQ(init(aIndex, &reference), CL_ERR_NO_ERR);
+    return reference;
+  }
+  CLINT32 Read(hSerRef aReference, CLUINT32 aCount, CLUINT32 aLimitMs) const {
+    std::vector<char> bytes(aCount + 1);
+    return read(aReference, bytes.data(), &aCount, aLimitMs);
+  }
+  CLINT32 Write(hSerRef aReference, std::vector<std::uint8_t> aBytes) const {
+    auto count = static_cast<CLUINT32>(aBytes.size());
+    return write(aReference, reinterpret_cast<char*>(aBytes.data()), &count, kForEverMs);
+  }
+
+  decltype(&clSerialInit) init = nullptr;
+  decltype(&clSerialClose) close = nullptr;
+  decltype(&clSerialRead) read = nullptr;
+  decltype(&clSerialWrite) write = nullptr;
+  decltype(&clGetNumBytesAvail) countAvailable = nullptr;
+
+private:
+  template <typename Function>
+  void Load(const char* aName, Function& aFunction) {
+    aFunction = reinterpret_cast<Function>(::dlsym(mLibrary, aName));
+    EXPECT_NE(aFunction, nullptr) << aName;
+  }
+
+  void* mLibrary;
+};
+
+class CameraLinkThreads : public testing::Test {
+protected:
+  SocketFolder mFolder;
+  PublishedLine mFirst{"First"};
+  PublishedLine mSecond{"Second"};
+  Library mLibrary;
+};
+
+TEST_F(CameraLinkThreads, Close_EndsAReadThatWaitsAndReturnsAfterIt) {
+  const hSerRef reference = mLibrary.Open(0);
+  std::atomic<bool> hasStarted = false;
+  CLINT32 result = CL_ERR_NO_ERR;
+  std::jthread reader([&] {
+    hasStarted = true;
+    hasStarted.notify_all();
+    result = mLibrary.Read(reference, 1, kForEverMs);
+  });
+  hasStarted.wait(false);
+
+  mLibrary.close(reference);
+  reader.join();
+
+  EXPECT_EQ(result, CL_ERR_INVALID_REFERENCE);
+  EXPECT_EQ(mLibrary.Read(reference, 1, 0), CL_ERR_INVALID_REFERENCE);
+  EXPECT_NE(mLibrary.Open(0), reference) << "A reference is never given again.";
+}
+
+TEST_F(CameraLinkThreads, ReadThatWaits_StopsNeitherItsOwnWriterNorOtherPorts) {
+  const hSerRef first = mLibrary.Open(0);
+  const hSerRef second = mLibrary.Open(1);
+  CLINT32 result = CL_ERR_INVALID_REFERENCE;
+  std::jthread reader([&] { result = mLibrary.Read(first, 1000, kForEverMs); });
+
+  EXPECT_EQ(mLibrary.Write(first, MakeLineBytes(500'000)), CL_ERR_NO_ERR);
+  EXPECT_EQ(mFirst.AwaitTaken(500'000), MakeLineBytes(500'000));
+  mSecond.Give(MakeLineBytes(10));
+  EXPECT_EQ(mLibrary.Read(second, 10, kForEverMs), CL_ERR_NO_ERR);
+  mFirst.Give(MakeLineBytes(1000));
+  reader.join();
+
+  EXPECT_EQ(result, CL_ERR_NO_ERR);
+}
+
+TEST_F(CameraLinkThreads, ManyThreadsAtOnePort_LoseNoByte) {
+  constexpr std::size_t kThreads = 4;
+  constexpr std::size_t kBytes = 100'000;
+  const hSerRef reference = mLibrary.Open(0);
+  std::array<CLINT32, kThreads> results{};
+  {
+    std::vector<std::jthread> threads;
+    for (std::size_t i = 0; i < kThreads; ++i)
+      threads.emplace_back([&, i] {
+        for (std::size_t taken = 0; taken < kBytes && results[i] == CL_ERR_NO_ERR; taken += 1000) {
+          CLUINT32 ignored = 0;
+          (void)mLibrary.countAvailable(reference, &ignored); // Takes in what others wait for.
+          results[i] = mLibrary.Read(reference, 1000, kForEverMs);
+        }
+      });
+    mFirst.Give(MakeLineBytes(kThreads * kBytes));
+  }
+
+  EXPECT_THAT(results, testing::Each(static_cast<CLINT32>(CL_ERR_NO_ERR)));
+  CLUINT32 left = 1;
+  EXPECT_EQ(mLibrary.countAvailable(reference, &left), CL_ERR_NO_ERR);
+  EXPECT_EQ(left, 0U);
+}
+
+TEST_F(CameraLinkThreads, ForkedProcess_HasNoSessionAndDoesNotHoldItsParents) {
+  const hSerRef reference = mLibrary.Open(0);
+  std::array<int, 2> pipe{};
+  ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+
+  const pid_t child = ::fork();
+  if (child == 0) {
+    char byte = 0;
+    CLUINT32 count = 1;
+    const bool isNone = mLibrary.read(reference, &byte, &count, kForEverMs) == CL_ERR_INVALID_REFERENCE;
+    mLibrary.close(reference);
+    ::close(pipe[1]);
+    (void)!::read(pipe[0], &byte, 1); // Lives until the parent has seen what it wants to.
+    ::_exit(isNone ? 0 : 1);
+  }
+  EXPECT_EQ(mLibrary.Write(reference, MakeLineBytes(3)), CL_ERR_NO_ERR) << "The parent keeps its session.";
+  EXPECT_EQ(mFirst.AwaitTaken(3), MakeLineBytes(3));
+  mLibrary.close(reference);
+  EXPECT_NE(mLibrary.Open(0), nullptr) << "The port is free while the child lives.";
+  ::close(pipe[1]);
+
+  int status = -1;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  ::close(pipe[0]);
+}
+
+TEST(CameraLinkLibrary, Unloaded_ClosesWhatItsProgramLeftOpen) {
+  const SocketFolder folder;
+  PublishedLine line("Camera");
+  for (int i = 0; i < 3; ++i) {
+    const Library library;
+    hSerRef reference = nullptr;
+    EXPECT_EQ(library.init(0, &reference), CL_ERR_NO_ERR);
+  }
+}
+
+} // namespace

@@ -1,0 +1,163 @@
+// What a serial bridge refuses, and what it outlasts.
+
+#include "bridgefixture.h"
+#include "hostendreader.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <future>
+
+using krtest::BridgeTest;
+using krtest::IsReached;
+using testing::HasSubstr;
+
+TEST_F(BridgeTest, Start_RefusesWhatCannotBeBridged) {
+  LinkPort();
+  struct Row {
+    const char* name;
+    const char* port;
+    KrSerialPortConfiguration configuration;
+    IKrDeviceAdapter* adapter;
+    KrDeviceSerial devicePort;
+    KrResult::Code code;
+  };
+  const Row kRows[] = {
+      {"no port's name", "LPT1", {}, &adapter, KrDeviceSerial::Serial0, KrResult::Code::InvalidInput},
+      {"an empty name", "", {}, &adapter, KrDeviceSerial::Serial0, KrResult::Code::InvalidInput},
+      {"a port that the host lacks", "COM4", {}, &adapter, KrDeviceSerial::Serial0, KrResult::Code::NotFound},
+      {"no device", "COM3", {}, nullptr, KrDeviceSerial::Serial0, KrResult::Code::InvalidInput},
+      {"a parity that is none", "COM3", {.parity = 3}, &adapter, KrDeviceSerial::Serial0, KrResult::Code::InvalidInput},
+      {"a speed of nothing", "COM3", {.baudRate = 0}, &adapter, KrDeviceSerial::Serial0, KrResult::Code::InvalidInput},
+      {"a port that the device lacks", "COM3", {}, &adapter, KrDeviceSerial::Serial1, KrResult::Code::NotSupported},
+      {"no port of the device", "COM3", {}, &adapter, kNoDeviceSerial, KrResult::Code::NotSupported},
+  };
+
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.name);
+
+    const KrResult result = bridge.Start(row.port, row.configuration, row.adapter, row.devicePort);
+
+    EXPECT_EQ(result, row.code);
+    EXPECT_FALSE(result.GetDescription().IsEmpty());
+    EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::Stopped);
+    EXPECT_EQ(bridge.GetSerialPort(), KrString());
+    EXPECT_FALSE(line->IsOpen());
+  }
+}
+
+TEST_F(BridgeTest, Start_OfAStartedBridge_IsTheWrongState) {
+  LinkPort();
+  ASSERT_TRUE(Start().IsOK());
+
+  EXPECT_EQ(Start(), KrResult::Code::WrongState);
+  EXPECT_EQ(bridge.Start("Camera", &adapter, KrDeviceSerial::Serial0), KrResult::Code::WrongState);
+
+  EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::Running);
+  EXPECT_EQ(bridge.GetSerialPort(), KrString("COM3"));
+}
+
+TEST_F(BridgeTest, Start_OfADevicePortThatAnotherBridgeHas_IsBusy) {
+  LinkPort();
+  ASSERT_TRUE(Start().IsOK());
+  KrSerialBridge second;
+  second.SetCreatingPort(true);
+
+  EXPECT_EQ(second.Start("COM4", {}, &adapter, KrDeviceSerial::Serial0), KrResult::Code::Busy);
+
+  EXPECT_FALSE(std::filesystem::is_symlink(host.GetLink("com4"))) << "what was made for it has gone again";
+}
+
+TEST_F(BridgeTest, Start_OfAHostsPortThatAnotherBridgeHas_IsBusy) {
+  LinkPort();
+  adapter.AddLine(1);
+  ASSERT_TRUE(Start().IsOK());
+  KrSerialBridge second;
+
+  EXPECT_EQ(second.Start("COM3", {}, &adapter, KrDeviceSerial::Serial1), KrResult::Code::Busy);
+
+  EXPECT_FALSE(adapter.lines[1]->IsOpen());
+}
+
+TEST_F(BridgeTest, ADeviceThatIsLost_IsSaidToBe_AndStopEndsAtOnce) {
+  LinkPort();
+  ASSERT_TRUE(Start().IsOK());
+
+  line->Lose();
+
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForDevice; }));
+  EXPECT_THAT(bridge.GetStateText().ToUtf8(), HasSubstr("Serial0"));
+  std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
+  EXPECT_EQ(stopping.wait_for(krtest::kGenerous), std::future_status::ready);
+}
+
+TEST_F(BridgeTest, ADevicePortThatFails_IsOpenedAgain) {
+  LinkPort();
+  ASSERT_TRUE(Start().IsOK());
+
+  line->FailReading({KrResult::Code::SystemError, "The line is cut."});
+  ASSERT_TRUE(IsReached([&] { return line->CountOpenings() > 1; }));
+  line->FailReading({});
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running && line->IsOpen(); }));
+  terminal.Write("again");
+
+  EXPECT_TRUE(IsReached([&] { return line->GetSent() == "again"; }));
+}
+
+TEST_F(BridgeTest, AHostsPortThatGoes_IsTakenAgainWhenItIsBack) {
+  auto first = std::make_unique<krtest::PseudoTerminal>();
+  host.Link("com3", first->GetPath());
+  ASSERT_TRUE(Start({.baudRate = 19200}).IsOK());
+
+  first.reset();
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
+  EXPECT_THAT(bridge.GetStateText().ToUtf8(), HasSubstr("COM3"));
+  line->Receive("meanwhile");
+  ASSERT_TRUE(IsReached([&] { return bridge.GetBytesReceivedFromDevice() == 9; }));
+  LinkPort();
+
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
+  EXPECT_EQ(terminal.Read(9), "meanwhile");
+  terminal.Write("back");
+  EXPECT_TRUE(IsReached([&] { return line->GetSent() == "back"; }));
+}
+
+TEST_F(BridgeTest, Stop_WhileTheHostsPortIsLost_Ends) {
+  auto first = std::make_unique<krtest::PseudoTerminal>();
+  host.Link("com3", first->GetPath());
+  ASSERT_TRUE(Start().IsOK());
+  first.reset();
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
+
+  std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
+
+  EXPECT_EQ(stopping.wait_for(krtest::kGenerous), std::future_status::ready);
+  EXPECT_FALSE(line->IsOpen());
+}
+
+TEST_F(BridgeTest, Stop_WhileBothDirectionsAreBlocked_Ends) {
+  LinkPort();
+  line->SetRoom(0);
+  ASSERT_TRUE(Start().IsOK());
+  line->Receive(MakeMixedBytes(1 << 20, 1));
+  terminal.Write("for the device");
+  ASSERT_TRUE(IsReached([&] { return !line->GetWrites().empty() && bridge.GetBytesReceivedFromDevice() > 0; }));
+
+  std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
+
+  EXPECT_EQ(stopping.wait_for(krtest::kGenerous), std::future_status::ready);
+}
+
+TEST_F(BridgeTest, AClientThatDoesNotRead_StopsTheOtherDirectionNot) {
+  ASSERT_TRUE(StartCreating().IsOK());
+  const PortClient client(GetPath());
+  const std::string toHost = MakeMixedBytes(1 << 20, 1);
+  const std::string toDevice = MakeMixedBytes(100000, 2);
+  line->Receive(toHost);
+
+  client.Write(toDevice);
+
+  EXPECT_TRUE(IsReached([&] { return line->GetSent().size() >= toDevice.size(); }));
+  EXPECT_TRUE(line->GetSent() == toDevice);
+  EXPECT_LT(bridge.GetBytesReceivedFromDevice(), toHost.size() / 2) << "most of it waits in the device";
+}
