@@ -1,7 +1,7 @@
-// What a simulated serial line is made of: its queue, its pace, its loss.
+// What a simulated serial line is made of: its queue, its pace, its order.
 
 #include "simulation/serial/bytequeue.h"
-#include "simulation/serial/lineloss.h"
+#include "simulation/serial/linefaults.h"
 #include "simulation/serial/linepace.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@
 #include <vector>
 
 using krtransport::ByteQueue;
-using krtransport::LineLoss;
+using krtransport::ByteOrder;
 using krtransport::LinePace;
 using testing::ElementsAre;
 
@@ -30,10 +30,10 @@ std::string Pop(ByteQueue& aQueue, std::size_t aSize) {
 }
 
 // The places, from 1, of the bytes that are lost among so many.
-std::vector<int> ListLost(LineLoss& aLoss, int aBytes) {
+std::vector<int> ListTaken(ByteOrder& aOrder, int aBytes) {
   std::vector<int> lost;
   for (int place = 1; place <= aBytes; ++place) {
-    if (aLoss.TakeByte())
+    if (aOrder.TakeByte())
       lost.push_back(place);
   }
   return lost;
@@ -153,41 +153,31 @@ TEST(LinePace, Due_AfterAYear_IsAllThatWaits) {
   EXPECT_EQ(pace.GetDue(365 * 86400 * kSecondNs, 4096), 4096u);
 }
 
-TEST(LineLoss, Orders_LoseTheBytesThatTheySay) {
-  LineLoss none;
-  LineLoss every;
-  every.LoseEvery(3);
-  LineLoss next;
-  next.LoseNext(2);
-  next.LoseNext(1);
-  LineLoss both;
-  both.LoseNext(1);
-  both.LoseEvery(4);
+TEST(ByteOrder, Orders_TakeTheBytesThatTheySay) {
+  ByteOrder none;
+  ByteOrder every;
+  every.SetEvery(3);
+  ByteOrder next;
+  next.AddNext(2);
+  next.AddNext(1);
+  ByteOrder both;
+  both.AddNext(1);
+  both.SetEvery(4);
 
-  EXPECT_THAT(ListLost(none, 10), ElementsAre());
-  EXPECT_THAT(ListLost(every, 10), ElementsAre(3, 6, 9));
-  EXPECT_THAT(ListLost(next, 10), ElementsAre(1, 2, 3));
-  EXPECT_THAT(ListLost(both, 10), ElementsAre(1, 4, 8));
+  EXPECT_THAT(ListTaken(none, 10), ElementsAre());
+  EXPECT_THAT(ListTaken(every, 10), ElementsAre(3, 6, 9));
+  EXPECT_THAT(ListTaken(next, 10), ElementsAre(1, 2, 3));
+  EXPECT_THAT(ListTaken(both, 10), ElementsAre(1, 4, 8));
 }
 
-TEST(LineLoss, LoseEvery_OrderedAnew_CountsFromThere) {
-  LineLoss loss;
-  loss.LoseEvery(3);
-  ASSERT_THAT(ListLost(loss, 2), ElementsAre());
+TEST(ByteOrder, SetEvery_OrderedAnew_CountsFromThere) {
+  ByteOrder order;
+  order.SetEvery(3);
+  ASSERT_THAT(ListTaken(order, 2), ElementsAre());
 
-  loss.LoseEvery(2);
-  EXPECT_THAT(ListLost(loss, 4), ElementsAre(2, 4));
-  loss.LoseEvery(0);
+  order.SetEvery(2);
+  EXPECT_THAT(ListTaken(order, 4), ElementsAre(2, 4));
+  order.SetEvery(0);
 
-  EXPECT_THAT(ListLost(loss, 4), ElementsAre());
-}
-
-TEST(LineLoss, End_OfAllOrders_LosesNoMore) {
-  LineLoss loss;
-  loss.LoseEvery(1);
-  loss.LoseNext(5);
-
-  loss.End();
-
-  EXPECT_THAT(ListLost(loss, 10), ElementsAre());
+  EXPECT_THAT(ListTaken(order, 4), ElementsAre());
 }

@@ -3,7 +3,6 @@
 
 #include "simulation/cameraclock.h"
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 
@@ -35,9 +34,12 @@ public:
                  const std::function<bool()>& aIsWoken) override {
     if (aIsWoken())
       return true;
-    mNowNs = std::max<std::uint64_t>(mNowNs, aTimeNs);
+    std::uint64_t nowNs = mNowNs;
+    while (nowNs < aTimeNs && !mNowNs.compare_exchange_weak(nowNs, aTimeNs)) {
+    }
     return false;
   }
+  void Advance(std::uint64_t aNanoseconds) { mNowNs += aNanoseconds; }
 
 private:
   std::atomic<std::uint64_t> mNowNs{1000000000};

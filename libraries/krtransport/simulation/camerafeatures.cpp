@@ -3,6 +3,7 @@
 #include "simulation/cameraregisters.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace krtransport {
@@ -18,6 +19,11 @@ bool IsBulkPort(const LabSerialPort& aPort) {
   return aPort.number >= kFirstBulkPort;
 }
 
+// What belongs to the selected source of a frame grabber, and what follows from it.
+constexpr std::string_view kSourceSelectorName = "SourceSelector";
+constexpr std::array<std::string_view, 5> kOfSource = {"Width", "Height", "OffsetX", "OffsetY", "PixelFormat"};
+constexpr std::string_view kPayloadSizeName = "PayloadSize";
+
 } // namespace
 
 CameraFeatures::CameraFeatures(const LabCamera& aCamera)
@@ -29,7 +35,11 @@ CameraFeatures::CameraFeatures(const LabCamera& aCamera)
   }
   if (std::ranges::any_of(aCamera.serialPorts, IsBulkPort))
     AddBulkPorts(aCamera);
+  AddFrameGrabber(aCamera.frameGrabber);
 }
+
+CameraFeatures::CameraFeatures(std::span<const Feature> aFeatures, std::vector<KrPixelType> aPixelFormats)
+    : mFeatures(aFeatures.begin(), aFeatures.end()), mPixelFormats(std::move(aPixelFormats)), mHasSerialPorts(false) {}
 
 const Feature* CameraFeatures::Find(std::string_view aName) const {
   const auto found = std::ranges::find(mFeatures, aName, &Feature::name);
@@ -131,6 +141,44 @@ void CameraFeatures::AddBulkPorts(const LabCamera& aCamera) {
                        .entries = Keep(std::move(rates)),
                        .selector = kSelector,
                        .stride = kBulkStride});
+}
+
+void CameraFeatures::AddFrameGrabber(const LabFrameGrabber& aGrabber) {
+  if (aGrabber.sources > 0)
+    AddSources(aGrabber.sources);
+  if (aGrabber.pocl != LabPocl::None)
+    mFeatures.push_back({.name = "PoclEnable",
+                         .category = "DeviceControl",
+                         .kind = FeatureKind::Boolean,
+                         .address = kPoclEnable,
+                         .tip = "Whether the cables to the cameras carry power (Power over Camera Link).",
+                         .isStandard = false,
+                         .start = aGrabber.pocl == LabPocl::On ? 1.0 : 0.0});
+}
+
+// All sources share the registers of what belongs to them, which change with the selector.
+void CameraFeatures::AddSources(std::uint32_t aSources) {
+  Entries sources;
+  for (std::uint32_t i = 0; i < aSources; ++i)
+    sources.push_back({.name = Keep("Source" + std::to_string(i)), .tip = {}, .value = i});
+  for (Feature& feature : mFeatures) {
+    const bool isOfSource = std::ranges::find(kOfSource, feature.name) != kOfSource.end();
+    if (isOfSource)
+      feature.selector = kSourceSelectorName;
+    if (!isOfSource && feature.name != kPayloadSizeName)
+      continue;
+    std::vector<std::string_view>& names = mDependencies.emplace_back(feature.dependsOn.begin(), feature.dependsOn.end());
+    names.push_back(kSourceSelectorName);
+    feature.dependsOn = names;
+  }
+  const auto first = std::ranges::find(mFeatures, kOfSource.front(), &Feature::name);
+  mFeatures.insert(first, {.name = kSourceSelectorName,
+                           .category = "ImageFormatControl",
+                           .kind = FeatureKind::Enumeration,
+                           .address = kSourceSelector,
+                           .tip = "The input whose size and pixel format the other features are.",
+                           .isLocked = true,
+                           .entries = Keep(std::move(sources))});
 }
 
 } // namespace krtransport

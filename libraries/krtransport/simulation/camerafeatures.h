@@ -4,8 +4,11 @@
 #include "simulation/featuretable.h"
 #include "simulation/lab.h"
 
+#include <cstdint>
 #include <deque>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace krtransport {
@@ -14,6 +17,8 @@ namespace krtransport {
 class CameraFeatures {
 public:
   explicit CameraFeatures(const LabCamera& aCamera);
+  /// Those of a table alone, which has to stay.
+  CameraFeatures(std::span<const Feature> aFeatures, std::vector<KrPixelType> aPixelFormats);
   CameraFeatures(const CameraFeatures&) = delete;
   CameraFeatures& operator=(const CameraFeatures&) = delete;
 
@@ -35,12 +40,15 @@ private:
   Entries MakeRates(const LabSerialPort& aPort, std::uint32_t aClock);
   void AddUart(const LabSerialPort& aPort);
   void AddBulkPorts(const LabCamera& aCamera);
+  void AddFrameGrabber(const LabFrameGrabber& aGrabber);
+  void AddSources(std::uint32_t aSources);
 
   std::vector<Feature> mFeatures;
   const std::vector<KrPixelType> mPixelFormats;
   const bool mHasSerialPorts;
   std::deque<std::string> mTexts; // Never moved, as features point to them.
   std::deque<Entries> mEntries;   // The same.
+  std::deque<std::vector<std::string_view>> mDependencies;
 };
 
 } // namespace krtransport

@@ -17,6 +17,7 @@ namespace {
 constexpr std::uint32_t kLeastHeartbeatMs = 500;
 constexpr double kNanosecondsPerMicrosecond = 1000.0;
 constexpr double kNanosecondsPerSecond = 1e9;
+constexpr std::array kSourceRegisters = {kWidth, kHeight, kOffsetX, kOffsetY, kPixelFormat};
 constexpr double kPlainExposureUs = 1000.0; ///< With this and no gain a scene is shown as it is.
 
 struct TextRow {
@@ -47,11 +48,13 @@ bool HoldsFloat(const Feature& aFeature) {
 
 } // namespace
 
-CameraMemory::CameraMemory(const LabGEVCamera& aCamera) : mCameraFeatures(aCamera), mBulkClock(aCamera.bulkClock) {
+CameraMemory::CameraMemory(const LabGEVCamera& aCamera) : mCameraFeatures(aCamera), mBulkClock(aCamera.bulkClock),
+      mHasPocl(aCamera.frameGrabber.pocl != LabPocl::None) {
   DefineBootstrapRegisters(mMemory, aCamera);
   for (const Feature& feature : mCameraFeatures.List())
     DefineFeature(feature);
   SetStart(aCamera);
+  mSources.assign(aCamera.frameGrabber.sources, ReadSource());
   UpdateDependents();
   UpdateTimed(0);
 }
@@ -89,15 +92,18 @@ std::uint64_t CameraMemory::GetBulkRateAddress(std::uint32_t aNumber) const {
 }
 
 SerialSettings CameraMemory::GetSerialSettings(std::uint32_t aNumber) const {
+  const bool isPowered = !mHasPocl || mMemory.GetInteger(kPoclEnable) != 0;
   if (aNumber < kFirstBulkPort) {
     const std::uint64_t offset = std::uint64_t{aNumber - kFirstUart} * kUartStride;
     return {.rate = mMemory.GetInteger(kUartBaudRate + offset),
-            .isLoopedBack = mMemory.GetInteger(kUartLoopback + offset) != 0};
+            .isLoopedBack = mMemory.GetInteger(kUartLoopback + offset) != 0,
+            .isPowered = isPowered};
   }
   const std::uint32_t value = mMemory.GetInteger(GetBulkRateAddress(aNumber));
   const std::uint64_t offset = std::uint64_t{aNumber - kFirstBulkPort} * kBulkStride;
   return {.rate = mBulkClock > 0 ? mBulkClock / value : value,
-          .isLoopedBack = mMemory.GetInteger(kBulkLoopback + offset) != 0};
+          .isLoopedBack = mMemory.GetInteger(kBulkLoopback + offset) != 0,
+          .isPowered = isPowered};
 }
 
 KrResult CameraMemory::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint64_t aNowNs) {
@@ -227,6 +233,9 @@ void CameraMemory::Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs) 
   case kTimestampLatch:
     mMemory.SetLong(kTimestampLatchValue, aNowNs);
     break;
+  case kSourceSelector:
+    SelectSource(mMemory.GetInteger(kSourceSelector));
+    break;
   case kCalibration:
     mCalibrationEndNs = aNowNs + kCalibrationNs;
     break;
@@ -239,6 +248,21 @@ void CameraMemory::Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs) 
   UpdateDependents();
 }
 
+CameraMemory::SourceValues CameraMemory::ReadSource() const {
+  SourceValues values;
+  std::ranges::transform(kSourceRegisters, values.begin(), [this](std::uint64_t aAddress) {
+    return mMemory.GetInteger(aAddress);
+  });
+  return values;
+}
+
+void CameraMemory::SelectSource(std::uint32_t aSource) {
+  mSources[mSource] = ReadSource();
+  mSource = aSource;
+  for (std::size_t i = 0; i < kSourceValues; ++i)
+    mMemory.SetInteger(kSourceRegisters[i], mSources[aSource][i]);
+}
+
 void CameraMemory::UpdateDependents() {
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
   mMemory.SetInteger(kPayloadSize, static_cast<std::uint32_t>(std::min(GetPayloadBytes(GetFrameSettings()), kMost)));
@@ -247,8 +271,7 @@ void CameraMemory::UpdateDependents() {
 }
 
 void CameraMemory::UpdateTimed(std::uint64_t aNowNs) {
-  const double place = static_cast<double>(aNowNs % (2 * kWarmingNs)) / static_cast<double>(kWarmingNs);
-  mMemory.SetFloat(kTemperature, kLowestTemperature + kTemperatureRise * (place < 1 ? place : 2 - place));
+  mMemory.SetFloat(kTemperature, GetTemperature(aNowNs));
   if (aNowNs >= mCalibrationEndNs)
     mMemory.SetInteger(kCalibration, 0);
 }

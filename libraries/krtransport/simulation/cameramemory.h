@@ -9,6 +9,7 @@
 #include "simulation/registermemory.h"
 #include "simulation/serial/serialsettings.h"
 
+#include <array>
 #include <map>
 #include <optional>
 #include <vector>
@@ -59,6 +60,9 @@ private:
     std::uint32_t position;
   };
 
+  static constexpr std::size_t kSourceValues = 5;
+  using SourceValues = std::array<std::uint32_t, kSourceValues>;
+
   void DefineFeature(const Feature& aFeature);
   void SetStart(const LabCamera& aCamera);
   std::uint64_t GetBulkRateAddress(std::uint32_t aNumber) const;
@@ -72,6 +76,8 @@ private:
                       std::size_t aLength) const;
   std::uint32_t GetMaximum(const Feature& aFeature) const;
   void Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs);
+  SourceValues ReadSource() const;
+  void SelectSource(std::uint32_t aSource);
   void UpdateDependents();
   void UpdateTimed(std::uint64_t aNowNs);
 
@@ -85,6 +91,9 @@ private:
   AcquisitionTimer mTimer;
   std::uint64_t mCalibrationEndNs = 0; // Of the calibration that was executed last.
   bool mStreaming = false;
+  const bool mHasPocl;
+  std::vector<SourceValues> mSources; // What was set for each source of a frame grabber; …
+  std::uint32_t mSource = 0;          // … that of the selected one is in the registers.
 };
 
 } // namespace krtransport

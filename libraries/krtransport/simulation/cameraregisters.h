@@ -80,6 +80,8 @@ inline constexpr std::uint64_t kBulkSelector = 0x00010310;
 inline constexpr std::uint64_t kBulkLoopback = 0x00010320;
 inline constexpr std::uint64_t kBulkBaudRate = 0x00010340;
 inline constexpr std::uint64_t kBulkSystemClockDivider = 0x00010360;
+inline constexpr std::uint64_t kSourceSelector = 0x00010380;
+inline constexpr std::uint64_t kPoclEnable = 0x00010384;
 inline constexpr std::uint64_t kChunkModeActive = 0x00010200;
 inline constexpr std::uint64_t kChunkSelector = 0x00010204;
 inline constexpr std::uint64_t kChunkEnable = 0x00010208;
@@ -133,10 +135,19 @@ inline constexpr std::uint32_t kPacketSizeMin = 576;
 inline constexpr std::uint32_t kPacketSizeMax = 16000;
 inline constexpr std::uint32_t kFaultyValueMax = 100;
 
+/// The entries that SourceSelector may have.
+inline constexpr std::uint32_t kMostSources = 8;
+
 // What changes as time passes on the camera's clock.
 inline constexpr std::uint64_t kCalibrationNs = 500000000;
 inline constexpr double kLowestTemperature = 40.0;      ///< Degrees Celsius; …
 inline constexpr double kTemperatureRise = 5.0;         ///< … as much warmer …
 inline constexpr std::uint64_t kWarmingNs = 5000000000; ///< … after this time, and as cold again after the same.
+
+/// The temperature at a time of the clock.
+inline double GetTemperature(std::uint64_t aNowNs) {
+  const double place = static_cast<double>(aNowNs % (2 * kWarmingNs)) / static_cast<double>(kWarmingNs);
+  return kLowestTemperature + kTemperatureRise * (place < 1 ? place : 2 - place);
+}
 
 } // namespace krtransport::cameraregister

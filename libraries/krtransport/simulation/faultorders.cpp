@@ -53,24 +53,58 @@ void FaultOrders::EndRegisterFaults() {
   mCamera->GetFaults().EndRegisterFaults();
 }
 
-KrResult FaultOrders::LoseSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) {
+KrResult FaultOrders::OrderEvery(std::uint32_t aPort, KrSerialDirection aDirection, ByteOrder LineFaults::*aFault,
+                                 std::uint32_t aEvery) {
   const std::shared_ptr<SerialLine> line = mCamera->GetSerialPorts().Find(aPort);
   if (!line)
     return MakeNoPort(aPort);
-  line->LoseEvery(aDirection, aEvery);
+  line->OrderEvery(aDirection, aFault, aEvery);
   return {};
 }
 
-KrResult FaultOrders::LoseNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) {
+KrResult FaultOrders::OrderNext(std::uint32_t aPort, KrSerialDirection aDirection, ByteOrder LineFaults::*aFault,
+                                std::uint32_t aBytes) {
   const std::shared_ptr<SerialLine> line = mCamera->GetSerialPorts().Find(aPort);
   if (!line)
     return MakeNoPort(aPort);
-  line->LoseNext(aDirection, aBytes);
+  line->OrderNext(aDirection, aFault, aBytes);
+  return {};
+}
+
+KrResult FaultOrders::LoseSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) {
+  return OrderEvery(aPort, aDirection, &LineFaults::lost, aEvery);
+}
+
+KrResult FaultOrders::LoseNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) {
+  return OrderNext(aPort, aDirection, &LineFaults::lost, aBytes);
+}
+
+KrResult FaultOrders::RepeatSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) {
+  return OrderEvery(aPort, aDirection, &LineFaults::repeated, aEvery);
+}
+
+KrResult FaultOrders::RepeatNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) {
+  return OrderNext(aPort, aDirection, &LineFaults::repeated, aBytes);
+}
+
+KrResult FaultOrders::CorruptSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) {
+  return OrderEvery(aPort, aDirection, &LineFaults::corrupted, aEvery);
+}
+
+KrResult FaultOrders::CorruptNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) {
+  return OrderNext(aPort, aDirection, &LineFaults::corrupted, aBytes);
+}
+
+KrResult FaultOrders::SilenceSerialPort(std::uint32_t aPort, bool aIsSilent) {
+  const std::shared_ptr<SerialLine> line = mCamera->GetSerialPorts().Find(aPort);
+  if (!line)
+    return MakeNoPort(aPort);
+  line->Silence(aIsSilent);
   return {};
 }
 
 void FaultOrders::EndSerialFaults() {
-  mCamera->GetSerialPorts().EndLoss();
+  mCamera->GetSerialPorts().EndFaults();
 }
 
 KrResult FaultOrders::GetSerialCounts(std::uint32_t aPort, KrSimulatedSerialCounts& aCounts) const {

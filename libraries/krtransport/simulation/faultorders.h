@@ -2,6 +2,7 @@
 // Hands the orders that come from outside on to one simulated camera.
 
 #include "krtransport/krsimulatedfaults.h"
+#include "simulation/serial/linefaults.h"
 
 #include <memory>
 
@@ -25,6 +26,11 @@ public:
   void EndRegisterFaults() override;
   KrResult LoseSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) override;
   KrResult LoseNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) override;
+  KrResult RepeatSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) override;
+  KrResult RepeatNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) override;
+  KrResult CorruptSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) override;
+  KrResult CorruptNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) override;
+  KrResult SilenceSerialPort(std::uint32_t aPort, bool aIsSilent) override;
   void EndSerialFaults() override;
   KrResult GetSerialCounts(std::uint32_t aPort, KrSimulatedSerialCounts& aCounts) const override;
   void RefuseOpening(bool aRefused) override;
@@ -32,6 +38,11 @@ public:
   void Return() override;
 
 private:
+  KrResult OrderEvery(std::uint32_t aPort, KrSerialDirection aDirection, ByteOrder LineFaults::*aFault,
+                      std::uint32_t aEvery);
+  KrResult OrderNext(std::uint32_t aPort, KrSerialDirection aDirection, ByteOrder LineFaults::*aFault,
+                     std::uint32_t aBytes);
+
   const std::shared_ptr<SimulatedCamera> mCamera;
 };
 

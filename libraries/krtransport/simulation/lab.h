@@ -3,9 +3,10 @@
 // them. How a camera behaves is left to SimulatedCamera, what discovery sees to the simulated devices.
 
 #include "krbase/krstring.h"
-#include "krbuffer/krpixeltype.h"
 #include "krsystem/itransport.h"
+#include "simulation/labframegrabber.h"
 #include "simulation/labschedule.h"
+#include "simulation/labsensor.h"
 #include "simulation/labserialport.h"
 
 #include <cstdint>
@@ -58,14 +59,11 @@ struct LabFaults {
 };
 
 /// A camera as it is when the lab starts.
-struct LabCamera : LabIdentity {
-  std::uint32_t sensorWidth = 640;                          ///< Pixels, a multiple of 4 and at least 64.
-  std::uint32_t sensorHeight = 480;                         ///< Lines, a multiple of 2 and at least 16.
-  double framesPerSecond = 30.0;                            ///< Between 1 and 1000.
-  std::vector<KrPixelType> pixelFormats = {KrPixel::Mono8}; ///< At least one; the first is set at the start.
-  std::vector<LabSerialPort> serialPorts;                   ///< By rising number.
+struct LabCamera : LabIdentity, LabSensor {
+  std::vector<LabSerialPort> serialPorts; ///< By rising number.
   std::uint32_t bulkClock =
       0; ///< Hz, which the bulk ports divide for their rates; 0 where rates are set by themselves.
+  LabFrameGrabber frameGrabber;
   LabFaults faults;
 };
 

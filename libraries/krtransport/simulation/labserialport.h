@@ -2,6 +2,7 @@
 // A serial port of a camera as a lab describes it. How bytes travel is left to SerialLine.
 
 #include "krbase/krstring.h"
+#include "simulation/labclcamera.h"
 
 #include <array>
 #include <cstdint>
@@ -17,12 +18,19 @@ inline constexpr std::uint32_t kFirstUart = 0;
 inline constexpr std::uint32_t kFirstBulkPort = 2;
 
 /// What is attached behind a port.
-enum class LabLineEnd { Nothing, Echo, Instrument, Tty };
+enum class LabLineEnd { Nothing, Echo, Instrument, Tty, Camera };
 
-/// Bytes of one direction that are lost, as KrSimulatedFaults orders it.
-struct LabLineLoss {
+/// Bytes of one direction that something happens to, as KrSimulatedFaults orders it.
+struct LabByteOrder {
   std::uint32_t every = 0; ///< Each byte of this many; 0 for none.
   std::uint32_t next = 0;  ///< The first so many.
+};
+
+/// What happens to the bytes of one direction.
+struct LabLineFaults {
+  LabByteOrder lost = {};
+  LabByteOrder repeated = {};
+  LabByteOrder corrupted = {};
 };
 
 /// A port as it is when the lab starts.
@@ -32,10 +40,12 @@ struct LabSerialPort {
   std::uint32_t rate = 9600;                                              ///< That is set, one of them.
   LabLineEnd behind = LabLineEnd::Nothing;
   KrString path = {};         ///< Of a tty.
+  LabCLCamera camera = {};    ///< Behind a frame grabber's port.
   bool isPaced = true;        ///< A byte takes the time of its ten bits.
   bool hasFlowControl = true; ///< Bytes wait while the receive queue is full; else they are lost.
-  LabLineLoss lostReceived = {};
-  LabLineLoss lostSent = {};
+  bool isSilent = false;      ///< What is behind is not heard.
+  LabLineFaults received = {};
+  LabLineFaults sent = {};
 };
 
 } // namespace krtransport

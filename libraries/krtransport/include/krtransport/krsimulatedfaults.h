@@ -27,6 +27,10 @@ struct KrSimulatedSerialCounts {
   std::uint64_t lostSent = 0;     ///< Bytes that were lost on order.
   std::uint64_t lostReceived = 0; ///< The same.
   std::uint64_t overflowed = 0;   ///< Bytes lost for want of room, on a line without flow control.
+  std::uint64_t repeatedSent = 0;      ///< Bytes that came twice on order; received counts both.
+  std::uint64_t repeatedReceived = 0;  ///< The same.
+  std::uint64_t corruptedSent = 0;     ///< Bytes that were changed on order.
+  std::uint64_t corruptedReceived = 0; ///< The same.
 };
 
 /// The orders to one simulated camera. Orders on frames wait in a queue: each takes the next frames that are due after
@@ -71,7 +75,18 @@ public:
   virtual KrResult LoseSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) = 0;
   /// Loses the next aBytes bytes, besides those of former such orders that are left. Results as LoseSerialBytes.
   virtual KrResult LoseNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) = 0;
-  /// Loses no further bytes of any port.
+  /// Lets every aEvery-th byte of a direction come twice. Order and results as LoseSerialBytes.
+  virtual KrResult RepeatSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) = 0;
+  /// The same of the next aBytes bytes; as LoseNextSerialBytes.
+  virtual KrResult RepeatNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) = 0;
+  /// Changes a bit of every aEvery-th byte of a direction. Order and results as LoseSerialBytes.
+  virtual KrResult CorruptSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aEvery) = 0;
+  /// The same of the next aBytes bytes; as LoseNextSerialBytes.
+  virtual KrResult CorruptNextSerialBytes(std::uint32_t aPort, KrSerialDirection aDirection, std::uint32_t aBytes) = 0;
+  /// Whether nothing is heard of what is attached behind a port, a camera for example, which hears and does what it is
+  /// told all the same; until another such order or EndSerialFaults. Results as LoseSerialBytes.
+  virtual KrResult SilenceSerialPort(std::uint32_t aPort, bool aIsSilent) = 0;
+  /// Leaves bytes of all ports alone again.
   virtual void EndSerialFaults() = 0;
   /// What a serial port has done. Results as LoseSerialBytes.
   virtual KrResult GetSerialCounts(std::uint32_t aPort, KrSimulatedSerialCounts& aCounts) const = 0;

@@ -1,20 +1,18 @@
 #include "simulation/labfile/labdevicereader.h"
 
 #include "simulation/cameraregisters.h"
+#include "simulation/labfile/labclcamerareader.h"
 #include "simulation/labfile/labnumbering.h"
+#include "simulation/labfile/labsensorreader.h"
 #include "simulation/labfile/labserialreader.h"
 #include "simulation/labfile/labwords.h"
-#include "simulation/testpattern.h"
 
 #include <algorithm>
-#include <array>
 
 namespace krtransport {
 
 namespace {
 
-constexpr std::uint32_t kMostSensorPixels = 16384;
-constexpr std::size_t kMostPixelFormats = 256;
 constexpr std::size_t kMostSilentRegisters = 256;
 constexpr std::size_t kMostTextBytes = 64;
 constexpr std::uint64_t kMostDelayMs = 60000;
@@ -48,44 +46,6 @@ void ReadNetwork(LabMap& aMap, LabNetworkSettings& aSettings) {
   aMap.TakeAddress("address", aSettings.ipAddress);
   aMap.TakeMask("mask", aSettings.subnetMask);
   aMap.TakeAddress("gateway", aSettings.defaultGateway);
-}
-
-// Whether frames of a format can be painted; the least picture tells.
-bool CanBePainted(KrPixelType aType) {
-  std::array<std::uint8_t, 1024> picture = {};
-  constexpr std::uint32_t kSide = 8; // All groups of pixels divide it, and 16 bytes a pixel are the most.
-  return FillPattern(aType, kSide, kSide, 0, picture.data());
-}
-
-void ReadPixelFormats(LabMap& aMap, std::vector<KrPixelType>& aFormats) {
-  const std::span<const YamlNode> items = aMap.TakeItems("pixelFormats", kMostPixelFormats);
-  std::vector<KrPixelType> formats;
-  for (const YamlNode& item : items) {
-    const std::optional<KrPixelType> type = KrFindPixelType(std::string_view(item.text));
-    if (!type || !CanBePainted(*type))
-      aMap.Report(item.place, "\"pixelFormats\" has to be names of formats that can be simulated, as Mono8");
-    else if (std::ranges::find(formats, *type) != formats.end())
-      aMap.Report(item.place, "the pixel format " + item.text + " is there twice");
-    else
-      formats.push_back(*type);
-  }
-  if (!formats.empty())
-    aFormats = formats;
-}
-
-void ReadSensor(LabMap& aMap, LabCamera& aCamera) {
-  const YamlNode* const node = aMap.Find("sensor");
-  if (!node)
-    return;
-  LabMap sensor(*node, "a sensor", aMap.GetProblem());
-  sensor.TakeNumber("width", aCamera.sensorWidth, cameraregister::kWidthMin, kMostSensorPixels);
-  sensor.TakeNumber("height", aCamera.sensorHeight, cameraregister::kHeightMin, kMostSensorPixels);
-  sensor.TakeReal("frameRate", cameraregister::kFrameRateMin, cameraregister::kFrameRateMax, aCamera.framesPerSecond);
-  ReadPixelFormats(sensor, aCamera.pixelFormats);
-  sensor.Finish();
-  if (aCamera.sensorWidth % cameraregister::kWidthIncrement != 0 ||
-      aCamera.sensorHeight % cameraregister::kHeightIncrement != 0)
-    aMap.Report(node->place, "a sensor's width has to be a multiple of 4, its height of 2");
 }
 
 void ReadSilentRegisters(LabMap& aMap, std::vector<LabSilentRegister>& aRegisters) {
@@ -150,6 +110,7 @@ LabGEVCamera ReadGEVCamera(LabMap& aMap) {
   ReadNetwork(aMap, camera);
   ReadSensor(aMap, camera);
   ReadFaults(aMap, camera.faults);
+  ReadFrameGrabber(aMap, camera.frameGrabber);
   ReadSerialPorts(aMap, camera);
   ReadAddressing(aMap, "addressing", camera.ipConfigOptions);
   ReadAddressing(aMap, "addressingNow", camera.ipConfigCurrent);
@@ -185,6 +146,7 @@ LabU3VCamera ReadU3VCamera(LabMap& aMap) {
   ReadIdentity(aMap, kOtherLimits, camera);
   ReadSensor(aMap, camera);
   ReadFaults(aMap, camera.faults);
+  ReadFrameGrabber(aMap, camera.frameGrabber);
   ReadSerialPorts(aMap, camera);
   aMap.FindNeeded("guid");
   aMap.TakeText("guid", kMostTextBytes, camera.deviceGUID);

@@ -52,15 +52,20 @@ void CountUpNetwork(LabNetworkSettings& aSettings, Counting& aCounting) {
   aSettings.ipAddress = CountUpAddress(aSettings.ipAddress, aCounting);
 }
 
-// Each camera has a tty of its own.
-void CountUpTtys(LabCamera& aCamera, const Counting& aCounting) {
-  for (LabSerialPort& port : aCamera.serialPorts)
+// Each device has ttys and Camera Link cameras of its own.
+void CountUpPorts(LabCamera& aCamera, Counting& aCounting) {
+  for (LabSerialPort& port : aCamera.serialPorts) {
     port.path = CountUp(port.path, aCounting.steps);
+    for (KrString LabCLCamera::*text : {&LabCLCamera::serialNumber, &LabCLCamera::userDefinedName}) {
+      port.camera.*text = CountUp(port.camera.*text, aCounting.steps);
+      aCounting.isWhole = aCounting.isWhole && (port.camera.*text).GetLength() <= kOtherTextBytes;
+    }
+  }
 }
 
 void CountUpKind(LabGEVCamera& aCamera, Counting& aCounting) {
   CountUpNetwork(aCamera, aCounting);
-  CountUpTtys(aCamera, aCounting);
+  CountUpPorts(aCamera, aCounting);
   aCamera.persistentAddress = CountUpAddress(aCamera.persistentAddress, aCounting);
   aCounting.isWhole = aCounting.isWhole && aCamera.serialNumber.GetLength() <= kGigESerialBytes &&
                       aCamera.userDefinedName.GetLength() <= kGigESerialBytes;
@@ -71,7 +76,7 @@ void CountUpKind(LabTolvanDevice& aDevice, Counting& aCounting) {
 }
 
 void CountUpKind(LabU3VCamera& aCamera, Counting& aCounting) {
-  CountUpTtys(aCamera, aCounting);
+  CountUpPorts(aCamera, aCounting);
   aCamera.deviceGUID = CountUp(aCamera.deviceGUID, aCounting.steps);
   aCounting.isWhole = aCounting.isWhole && aCamera.deviceGUID.GetLength() <= kOtherTextBytes;
 }

@@ -1,5 +1,6 @@
 #include "simulation/labfile/labserialreader.h"
 
+#include "simulation/labfile/labclcamerareader.h"
 #include "simulation/labfile/labwords.h"
 
 #include <algorithm>
@@ -16,36 +17,23 @@ constexpr std::size_t kMostPathBytes = 255;
 constexpr std::uint64_t kLeastClock = 1000;
 constexpr std::uint64_t kMostClock = 1000000000;
 
-void ReadLoss(LabMap& aMap, std::string_view aKey, LabLineLoss& aLoss) {
+void ReadOrder(LabMap& aMap, const std::string& aKey, LabByteOrder& aOrder) {
   const YamlNode* const node = aMap.Find(aKey);
   if (!node)
     return;
-  LabMap map(*node, "lost bytes", aMap.GetProblem());
-  map.TakeNumber("every", aLoss.every, 1);
-  map.TakeNumber("next", aLoss.next, 1);
+  LabMap map(*node, aKey.starts_with("lost") ? "lost bytes" : "disturbed bytes", aMap.GetProblem());
+  map.TakeNumber("every", aOrder.every, 1);
+  map.TakeNumber("next", aOrder.next, 1);
   map.Finish();
 }
 
 void ReadRates(LabMap& aMap, LabSerialPort& aPort) {
-  const YamlNode* const list = aMap.Find("rates");
-  if (list && list->kind == YamlKind::Sequence && list->items.empty())
-    aMap.Report(list->place, "\"rates\" has to have a rate");
-  std::vector<std::uint32_t> rates;
-  const YamlNode* const chosen = aMap.Find("rate");
-  for (const YamlNode& item : aMap.TakeItems("rates", kMostRates)) {
-    std::uint64_t rate = 0;
-    if (!aMap.ReadNumber(item, "rates", kLeastRate, kMostRate, rate))
-      return; // Which of the others is chosen does not count then.
-    if (std::ranges::find(rates, rate) != rates.end())
-      aMap.Report(item.place, "the rate " + std::to_string(rate) + " is there twice");
-    rates.push_back(static_cast<std::uint32_t>(rate));
-  }
-  if (!rates.empty())
-    aPort.rates = rates;
+  if (!ReadRateList(aMap, aPort.rates))
+    return; // Which of the others is chosen does not count then.
   aPort.rate = aPort.rates.front();
   aMap.TakeNumber("rate", aPort.rate);
   if (std::ranges::find(aPort.rates, aPort.rate) == aPort.rates.end())
-    aMap.Report(chosen->place, "\"rate\" has to be one of \"rates\"");
+    aMap.Report(aMap.Find("rate")->place, "\"rate\" has to be one of \"rates\"");
 }
 
 void ReadPath(LabMap& aMap, LabSerialPort& aPort) {
@@ -62,7 +50,16 @@ void ReadPath(LabMap& aMap, LabSerialPort& aPort) {
     aMap.Report(path->place, "\"path\" has to be a whole path as in /dev/ttyUSB0");
 }
 
-LabSerialPort ReadPort(const YamlNode& aNode, LabProblem& aProblem) {
+void ReadFaults(LabMap& aMap, LabSerialPort& aPort) {
+  ReadOrder(aMap, "lostReceived", aPort.received.lost);
+  ReadOrder(aMap, "lostSent", aPort.sent.lost);
+  ReadOrder(aMap, "repeatedReceived", aPort.received.repeated);
+  ReadOrder(aMap, "repeatedSent", aPort.sent.repeated);
+  ReadOrder(aMap, "corruptedReceived", aPort.received.corrupted);
+  ReadOrder(aMap, "corruptedSent", aPort.sent.corrupted);
+}
+
+LabSerialPort ReadPort(const YamlNode& aNode, const LabFrameGrabber& aGrabber, LabProblem& aProblem) {
   LabMap map(aNode, "a serial port", aProblem);
   LabSerialPort port;
   map.FindNeeded("port");
@@ -72,10 +69,11 @@ LabSerialPort ReadPort(const YamlNode& aNode, LabProblem& aProblem) {
   map.TakeWord("behind", kLineEndWords, behind);
   port.behind = static_cast<LabLineEnd>(behind);
   ReadPath(map, port);
+  ReadCLCamera(map, aGrabber, port);
   map.TakeFlag("paced", port.isPaced);
   map.TakeFlag("flowControl", port.hasFlowControl);
-  ReadLoss(map, "lostReceived", port.lostReceived);
-  ReadLoss(map, "lostSent", port.lostSent);
+  map.TakeFlag("silent", port.isSilent);
+  ReadFaults(map, port);
   map.Finish();
   return port;
 }
@@ -99,9 +97,27 @@ void CheckClock(LabMap& aMap, const TextPlace& aPlace, const LabCamera& aCamera)
 
 } // namespace
 
+bool ReadRateList(LabMap& aMap, std::vector<std::uint32_t>& aRates) {
+  const YamlNode* const list = aMap.Find("rates");
+  if (list && list->kind == YamlKind::Sequence && list->items.empty())
+    aMap.Report(list->place, "\"rates\" has to have a rate");
+  std::vector<std::uint32_t> rates;
+  for (const YamlNode& item : aMap.TakeItems("rates", kMostRates)) {
+    std::uint64_t rate = 0;
+    if (!aMap.ReadNumber(item, "rates", kLeastRate, kMostRate, rate))
+      return false;
+    if (std::ranges::find(rates, rate) != rates.end())
+      aMap.Report(item.place, "the rate " + std::to_string(rate) + " is there twice");
+    rates.push_back(static_cast<std::uint32_t>(rate));
+  }
+  if (!rates.empty())
+    aRates = rates;
+  return true;
+}
+
 void ReadSerialPorts(LabMap& aMap, LabCamera& aCamera) {
   for (const YamlNode& item : aMap.TakeItems("serialPorts", kSerialPortNames.size())) {
-    const LabSerialPort port = ReadPort(item, aMap.GetProblem());
+    const LabSerialPort port = ReadPort(item, aCamera.frameGrabber, aMap.GetProblem());
     if (std::ranges::find(aCamera.serialPorts, port.number, &LabSerialPort::number) != aCamera.serialPorts.end())
       aMap.Report(item.place, std::string("the port ") + kSerialPortNames[port.number] + " is there twice");
     aCamera.serialPorts.push_back(port);

@@ -51,11 +51,22 @@ inline constexpr std::array<LabWord, 10> kSerialPortWords = {{{kSerialPortNames[
                                                               {kSerialPortNames[7], 7},
                                                               {kSerialPortNames[8], 8},
                                                               {kSerialPortNames[9], 9}}};
-inline constexpr std::array<LabWord, 4> kLineEndWords = {
+inline constexpr std::array<LabWord, 5> kLineEndWords = {
     {{"nothing", static_cast<std::int32_t>(LabLineEnd::Nothing)},
      {"echo", static_cast<std::int32_t>(LabLineEnd::Echo)},
      {"instrument", static_cast<std::int32_t>(LabLineEnd::Instrument)},
-     {"tty", static_cast<std::int32_t>(LabLineEnd::Tty)}}};
+     {"tty", static_cast<std::int32_t>(LabLineEnd::Tty)},
+     {"camera", static_cast<std::int32_t>(LabLineEnd::Camera)}}};
+inline constexpr std::array<LabWord, 3> kProtocolWords = {
+    {{"GenCP", static_cast<std::int32_t>(CLCameraProtocol::GenCP)},
+     {"CLProtocol", static_cast<std::int32_t>(CLCameraProtocol::CLProtocol)},
+     {"text", static_cast<std::int32_t>(CLCameraProtocol::Text)}}};
+inline constexpr std::array<LabWord, 2> kDescriptionWords = {
+    {{"plain", static_cast<std::int32_t>(DescriptionFormat::Plain)},
+     {"zipped", static_cast<std::int32_t>(DescriptionFormat::Zipped)}}};
+inline constexpr std::array<LabWord, 3> kPoclWords = {{{"none", static_cast<std::int32_t>(LabPocl::None)},
+                                                       {"off", static_cast<std::int32_t>(LabPocl::Off)},
+                                                       {"on", static_cast<std::int32_t>(LabPocl::On)}}};
 inline constexpr std::array<LabWord, 3> kFilterWords = {{{"off", 0}, {"strict", 1}, {"loose", 2}}};
 
 } // namespace krtransport

@@ -29,6 +29,8 @@ public:
   /// The port was closed; the waker may not be called any more.
   virtual void Close() = 0;
   virtual void SetRate(std::uint32_t aRate) = 0;
+  /// The cable carries power, as it does at first, or not. What went and came back meanwhile is told as both.
+  virtual void SetPower(bool) {}
   /// Bytes that the port has sent; gives how many of them are taken. The others come again when the line is woken.
   virtual std::size_t Take(const std::uint8_t* aBytes, std::size_t aSize, std::uint64_t aNowNs) = 0;
   /// Puts up to aSize bytes for the port into aBytes; gives how many.

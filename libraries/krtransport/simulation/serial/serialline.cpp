@@ -20,7 +20,7 @@ constexpr std::uint64_t kLeastSleepNs = 1000000;
 SerialLine::SerialLine(SerialLineTraits aTraits, const SerialSettings& aSettings, std::unique_ptr<ILineEnd> aFarEnd,
                        std::shared_ptr<ICameraClock> aClock)
     : mTraits(std::move(aTraits)), mClock(std::move(aClock)), mFarEnd(std::move(aFarEnd)), mSettings(aSettings),
-      mOutgoing(kChunkBytes), mIncoming(kChunkBytes) {}
+      mOutgoing(2 * kChunkBytes), mIncoming(kChunkBytes) {}
 
 SerialLine::~SerialLine() {
   const std::lock_guard openLock(mOpenMutex);
@@ -180,27 +180,36 @@ void SerialLine::SetSettings(const SerialSettings& aSettings) {
   if (aSettings == mSettings)
     return;
   mSettings = aSettings;
+  mHasLostPower = mHasLostPower || !aSettings.isPowered;
   Wake();
 }
 
-LineLoss& SerialLine::GetLoss(KrSerialDirection aDirection) {
-  return aDirection == KrSerialDirection::Received ? mReceivedLoss : mSentLoss;
+LineFaults& SerialLine::GetFaults(KrSerialDirection aDirection) {
+  return aDirection == KrSerialDirection::Received ? mReceivedFaults : mSentFaults;
 }
 
-void SerialLine::LoseEvery(KrSerialDirection aDirection, std::uint32_t aEvery) {
+void SerialLine::OrderEvery(KrSerialDirection aDirection, ByteOrder LineFaults::*aFault, std::uint32_t aEvery) {
   const std::lock_guard lock(mMutex);
-  GetLoss(aDirection).LoseEvery(aEvery);
+  (GetFaults(aDirection).*aFault).SetEvery(aEvery);
 }
 
-void SerialLine::LoseNext(KrSerialDirection aDirection, std::uint32_t aBytes) {
+void SerialLine::OrderNext(KrSerialDirection aDirection, ByteOrder LineFaults::*aFault, std::uint32_t aBytes) {
   const std::lock_guard lock(mMutex);
-  GetLoss(aDirection).LoseNext(aBytes);
+  (GetFaults(aDirection).*aFault).AddNext(aBytes);
 }
 
-void SerialLine::EndLoss() {
+void SerialLine::Silence(bool aIsSilent) {
   const std::lock_guard lock(mMutex);
-  mReceivedLoss.End();
-  mSentLoss.End();
+  mIsSilenced = aIsSilent;
+  Wake();
+}
+
+void SerialLine::EndFaults() {
+  const std::lock_guard lock(mMutex);
+  mReceivedFaults = {};
+  mSentFaults = {};
+  mIsSilenced = false;
+  Wake();
 }
 
 KrSimulatedSerialCounts SerialLine::GetCounts() const {
@@ -223,6 +232,7 @@ void SerialLine::Run() {
 }
 
 void SerialLine::ApplySettings(Lock& aLock) {
+  ApplyPower(aLock);
   const std::uint32_t rate = mSettings.rate;
   for (LinePace* pace : {&mOutPace, &mInPace})
     pace->SetRate(mTraits.isPaced ? rate : 0);
@@ -231,6 +241,22 @@ void SerialLine::ApplySettings(Lock& aLock) {
   mAppliedRate = rate;
   aLock.unlock();
   mFarEnd->SetRate(rate);
+  aLock.lock();
+}
+
+void SerialLine::ApplyPower(Lock& aLock) {
+  const bool isPowered = mSettings.isPowered;
+  const bool hasLostPower = mHasLostPower;
+  mHasLostPower = !isPowered;
+  if (isPowered == mIsPowerApplied && !hasLostPower)
+    return;
+  const bool wasPowered = mIsPowerApplied;
+  mIsPowerApplied = isPowered;
+  aLock.unlock();
+  if (wasPowered)
+    mFarEnd->SetPower(false);
+  if (isPowered)
+    mFarEnd->SetPower(true);
   aLock.lock();
 }
 
@@ -266,12 +292,8 @@ bool SerialLine::Send(std::uint64_t aNowNs) {
   const std::size_t due = mOutPace.GetDue(aNowNs, mTransmit.GetSize());
   const std::size_t size = mTransmit.Pop(bytes.data(), std::min(due, bytes.size()));
   mOutPace.Advance(size);
-  for (std::size_t i = 0; i < size; ++i) {
-    if (mSentLoss.TakeByte())
-      ++mCounts.lostSent;
-    else
-      mOutgoing.Push(&bytes[i], 1);
-  }
+  for (std::size_t i = 0; i < size; ++i)
+    PutOnLine(bytes[i]);
   mCounts.sent += size;
   if (mTransmit.IsEmpty())
     mOutPace.Pause();
@@ -280,9 +302,26 @@ bool SerialLine::Send(std::uint64_t aNowNs) {
   return size > 0;
 }
 
+// A byte as it comes out at the far end.
+void SerialLine::PutOnLine(std::uint8_t aByte) {
+  if (mSentFaults.lost.TakeByte()) {
+    ++mCounts.lostSent;
+    return;
+  }
+  if (mSentFaults.corrupted.TakeByte()) {
+    ++mCounts.corruptedSent;
+    aByte ^= LineFaults::kCorruption;
+  }
+  mOutgoing.Push(&aByte, 1);
+  if (mSentFaults.repeated.TakeByte()) {
+    ++mCounts.repeatedSent;
+    mOutgoing.Push(&aByte, 1);
+  }
+}
+
 // From the far end over the line to the receive queue; false when nothing moved.
 bool SerialLine::MoveIn(Lock& aLock) {
-  if (mSettings.isLoopedBack)
+  if (mSettings.isLoopedBack || mIsSilenced)
     return Discard(aLock);
   const std::uint64_t nowNs = mClock->GetNowNs();
   const std::size_t fetched = Fetch(aLock);
@@ -301,7 +340,7 @@ bool SerialLine::MoveIn(Lock& aLock) {
   return moved > 0 || fetched > 0;
 }
 
-// A port in loopback does not listen to the line.
+// A port in loopback does not listen to the line, and what was silenced is not heard.
 bool SerialLine::Discard(Lock& aLock) {
   mIncoming.Clear();
   mInPace.Pause();
@@ -327,18 +366,33 @@ std::size_t SerialLine::Deliver(ByteQueue& aFrom, std::size_t aBytes) {
   std::uint8_t byte = 0;
   while (moved < aBytes && CanDeliver()) {
     moved += aFrom.Pop(&byte, 1);
-    if (mReceivedLoss.TakeByte())
-      ++mCounts.lostReceived;
-    else if (mReceive.Push(&byte, 1) == 0)
-      ++mCounts.overflowed;
-    else
-      ++mCounts.received;
+    Receive(byte);
   }
   if (moved < aBytes)
     mIsStalled = true;
   if (moved > 0)
     mChanged.notify_all();
   return moved;
+}
+
+// A byte that has come to the receive queue. One that comes twice needs no room for its second time.
+void SerialLine::Receive(std::uint8_t aByte) {
+  if (mReceivedFaults.lost.TakeByte()) {
+    ++mCounts.lostReceived;
+    return;
+  }
+  if (mReceivedFaults.corrupted.TakeByte()) {
+    ++mCounts.corruptedReceived;
+    aByte ^= LineFaults::kCorruption;
+  }
+  if (mReceive.Push(&aByte, 1) == 0)
+    ++mCounts.overflowed;
+  else
+    ++mCounts.received;
+  if (mReceivedFaults.repeated.TakeByte() && mReceive.Push(&aByte, 1) > 0) {
+    ++mCounts.repeatedReceived;
+    ++mCounts.received;
+  }
 }
 
 std::uint64_t SerialLine::GetNextByteNs() const {

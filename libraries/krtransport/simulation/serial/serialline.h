@@ -7,7 +7,7 @@
 #include "simulation/cameraclock.h"
 #include "simulation/serial/bytequeue.h"
 #include "simulation/serial/ilineend.h"
-#include "simulation/serial/lineloss.h"
+#include "simulation/serial/linefaults.h"
 #include "simulation/serial/linepace.h"
 #include "simulation/serial/serialsettings.h"
 
@@ -51,15 +51,19 @@ public:
   void End(const KrResult& aReason);
 
   void SetSettings(const SerialSettings& aSettings);
-  void LoseEvery(KrSerialDirection aDirection, std::uint32_t aEvery);
-  void LoseNext(KrSerialDirection aDirection, std::uint32_t aBytes);
-  void EndLoss();
+  /// What happens to every so many-th byte of a direction; 0 for none.
+  void OrderEvery(KrSerialDirection aDirection, ByteOrder LineFaults::*aFault, std::uint32_t aEvery);
+  /// What happens to the next bytes.
+  void OrderNext(KrSerialDirection aDirection, ByteOrder LineFaults::*aFault, std::uint32_t aBytes);
+  /// Whether what is behind is not heard.
+  void Silence(bool aIsSilent);
+  void EndFaults();
   KrSimulatedSerialCounts GetCounts() const;
 
 private:
   using Lock = std::unique_lock<std::mutex>;
 
-  LineLoss& GetLoss(KrSerialDirection aDirection);
+  LineFaults& GetFaults(KrSerialDirection aDirection);
   KrResult Check(const void* aHolder, std::uint64_t aOpening) const;
   KrResult MakeUnfinished(const char* aWhat, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) const;
   template <typename Condition>
@@ -76,7 +80,10 @@ private:
   bool Discard(Lock& aLock);
   std::size_t Fetch(Lock& aLock);
   bool Send(std::uint64_t aNowNs);
+  void PutOnLine(std::uint8_t aByte);
   std::size_t Deliver(ByteQueue& aFrom, std::size_t aBytes);
+  void Receive(std::uint8_t aByte);
+  void ApplyPower(Lock& aLock);
   bool CanDeliver() const { return !mTraits.hasFlowControl || mReceive.GetRoom() > 0; }
   std::uint64_t GetNextByteNs() const;
   bool IsOnTime() const;
@@ -98,14 +105,17 @@ private:
   bool mIsStalled = false; // Bytes wait for room in the receive queue.
   SerialSettings mSettings;
   std::uint32_t mAppliedRate = 0;
+  bool mIsPowerApplied = true;
+  bool mHasLostPower = false; // Since it was applied last, also where it is back.
   ByteQueue mTransmit{kTransmitBytes};
   ByteQueue mReceive{kReceiveBytes};
-  ByteQueue mOutgoing; // Has passed the line, and is to be taken by the far end.
+  ByteQueue mOutgoing; // Has passed the line, and is to be taken by the far end; each byte may be there twice.
   ByteQueue mIncoming; // Was given by the far end, and has not passed the line.
   LinePace mOutPace;
   LinePace mInPace;
-  LineLoss mSentLoss;
-  LineLoss mReceivedLoss;
+  LineFaults mSentFaults;
+  LineFaults mReceivedFaults;
+  bool mIsSilenced = false;
   KrSimulatedSerialCounts mCounts;
   std::uint64_t mFarEndNextNs = ILineEnd::kNever;
 

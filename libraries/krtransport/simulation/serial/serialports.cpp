@@ -1,5 +1,6 @@
 #include "simulation/serial/serialports.h"
 
+#include "simulation/clcamera/clcameraend.h"
 #include "simulation/serial/echolineend.h"
 #include "simulation/serial/openlineend.h"
 #include "simulation/serial/talkinginstrument.h"
@@ -16,6 +17,8 @@ std::unique_ptr<ILineEnd> MakeFarEnd(const LabSerialPort& aPort, const KrString&
     return std::make_unique<EchoLineEnd>();
   case LabLineEnd::Instrument:
     return std::make_unique<TalkingInstrument>(aSerialNumber.ToUtf8() + "-" + kSerialPortNames[aPort.number]);
+  case LabLineEnd::Camera:
+    return std::make_unique<CLCameraEnd>(aPort.camera, aPort.isPaced);
   case LabLineEnd::Tty:
     return std::make_unique<TtyLineEnd>(aLineName.ToUtf8(), aPort.path.ToUtf8());
   default:
@@ -23,9 +26,14 @@ std::unique_ptr<ILineEnd> MakeFarEnd(const LabSerialPort& aPort, const KrString&
   }
 }
 
-void OrderLoss(const LabLineLoss& aLoss, KrSerialDirection aDirection, SerialLine& aLine) {
-  aLine.LoseEvery(aDirection, aLoss.every);
-  aLine.LoseNext(aDirection, aLoss.next);
+void OrderFaults(const LabLineFaults& aFaults, KrSerialDirection aDirection, SerialLine& aLine) {
+  const auto order = [&](const LabByteOrder& aOrder, ByteOrder LineFaults::*aFault) {
+    aLine.OrderEvery(aDirection, aFault, aOrder.every);
+    aLine.OrderNext(aDirection, aFault, aOrder.next);
+  };
+  order(aFaults.lost, &LineFaults::lost);
+  order(aFaults.repeated, &LineFaults::repeated);
+  order(aFaults.corrupted, &LineFaults::corrupted);
 }
 
 } // namespace
@@ -36,9 +44,10 @@ SerialPorts::SerialPorts(const LabCamera& aCamera, const KrString& aCameraName,
     const KrString name = aCameraName + ": " + kSerialPortNames[port.number];
     const auto line = std::make_shared<SerialLine>(
         SerialLineTraits{.name = name, .isPaced = port.isPaced, .hasFlowControl = port.hasFlowControl},
-        SerialSettings{.rate = port.rate}, MakeFarEnd(port, name, aCamera.serialNumber), aClock);
-    OrderLoss(port.lostReceived, KrSerialDirection::Received, *line);
-    OrderLoss(port.lostSent, KrSerialDirection::Sent, *line);
+        SerialSettings{.rate = port.rate, .isPowered = aCamera.frameGrabber.pocl != LabPocl::Off}, MakeFarEnd(port, name, aCamera.serialNumber), aClock);
+    OrderFaults(port.received, KrSerialDirection::Received, *line);
+    OrderFaults(port.sent, KrSerialDirection::Sent, *line);
+    line->Silence(port.isSilent);
     mLines[port.number] = line;
   }
 }
@@ -58,9 +67,9 @@ void SerialPorts::End(const KrResult& aReason) {
     line->End(aReason);
 }
 
-void SerialPorts::EndLoss() {
+void SerialPorts::EndFaults() {
   for (const auto& [number, line] : mLines)
-    line->EndLoss();
+    line->EndFaults();
 }
 
 } // namespace krtransport

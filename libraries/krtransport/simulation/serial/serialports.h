@@ -23,7 +23,7 @@ public:
   void Update(const std::function<SerialSettings(std::uint32_t aNumber)>& aGetSettings);
   /// Ends what whoever controls the camera has open.
   void End(const KrResult& aReason);
-  void EndLoss();
+  void EndFaults();
 
 private:
   std::map<std::uint32_t, std::shared_ptr<SerialLine>> mLines; // By number; never changes, so that no lock is needed.

@@ -9,6 +9,7 @@ namespace krtransport {
 struct SerialSettings {
   std::uint32_t rate = 0; ///< Bits a second.
   bool isLoopedBack = false;
+  bool isPowered = true; ///< Whether the port's cable carries power.
   friend bool operator==(const SerialSettings&, const SerialSettings&) = default;
 };
 
