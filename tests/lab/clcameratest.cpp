@@ -87,7 +87,7 @@ TEST(GenCPListener, Commands_AmongOtherBytes_AreFound) {
 }
 
 TEST(CLCameraMemory, Reading_SpansRegistersAndStopsAtGaps) {
-  CLCameraMemory memory({});
+  CLCameraMemory memory{krtransport::LabCLCamera()};
   memory.Define(0x30000, krtransport::RegisterAccess::ReadOnly, {1, 2});
   memory.Define(0x30002, krtransport::RegisterAccess::ReadOnly, {3, 4});
   std::array<std::uint8_t, 3> bytes = {};
@@ -100,7 +100,7 @@ TEST(CLCameraMemory, Reading_SpansRegistersAndStopsAtGaps) {
 }
 
 TEST(CLCameraMemory, Restart_ForgetsFeaturesAndKeepsNameAndSets) {
-  CLCameraMemory memory({});
+  CLCameraMemory memory{krtransport::LabCLCamera()};
   const std::vector<std::uint8_t> width = ToBytes("0000 0140");
   const std::vector<std::uint8_t> one = ToBytes("0000 0001");
   ASSERT_EQ(memory.Write(0x10008, width), CLAccess::Done);

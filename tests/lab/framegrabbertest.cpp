@@ -56,7 +56,7 @@ TEST_F(FrameGrabberTest, Sources_EachHaveTheirOwnSizeAndFormat) {
   KrStringList sources;
   ASSERT_TRUE(GetArray().GetEnum("SourceSelector")->GetAvailableEntries(sources).IsOK());
   EXPECT_EQ(sources.GetCount(), 3u);
-  ASSERT_TRUE(GetArray().GetInteger("Width")->SetValue(1024).IsOK());
+  ASSERT_TRUE(GetArray().GetInteger("Width")->SetValue(512).IsOK());
   ASSERT_TRUE(GetArray().GetInteger("OffsetX")->SetValue(64).IsOK());
   ASSERT_TRUE(GetArray().GetEnum("PixelFormat")->SetEntry("Mono12").IsOK());
   const std::int64_t payload = GetInteger("PayloadSize");
@@ -71,7 +71,7 @@ TEST_F(FrameGrabberTest, Sources_EachHaveTheirOwnSizeAndFormat) {
   EXPECT_NE(GetInteger("PayloadSize"), payload);
   ASSERT_TRUE(GetArray().GetInteger("Height")->SetValue(100).IsOK());
   ASSERT_TRUE(SelectSource("Source0").IsOK());
-  EXPECT_EQ(GetInteger("Width"), 1024);
+  EXPECT_EQ(GetInteger("Width"), 512);
   EXPECT_EQ(GetInteger("Height"), 2048);
   EXPECT_EQ(GetInteger("OffsetX"), 64);
   EXPECT_EQ(GetInteger("PayloadSize"), payload);
@@ -79,7 +79,7 @@ TEST_F(FrameGrabberTest, Sources_EachHaveTheirOwnSizeAndFormat) {
 
 TEST_F(FrameGrabberTest, SourceSelector_SelectsWhatBelongsToTheSource) {
   KrGenParameterList selected;
-  ASSERT_TRUE(GetArray().GetEnum("SourceSelector")->GetSelected(selected).IsOK());
+  ASSERT_TRUE(GetArray().GetEnum("SourceSelector")->GetSelectedParameters(selected).IsOK());
 
   std::vector<std::string> names;
   for (const KrGenParameter* const parameter : selected)
@@ -96,7 +96,7 @@ TEST_F(FrameGrabberTest, Stream_GivesFramesOfTheSelectedSource) {
 
   ASSERT_TRUE(stream.Retrieve(buffer, kGenerousLimitMs).IsOK());
 
-  EXPECT_EQ(buffer->GetWidth(), 128u);
+  EXPECT_EQ(buffer->GetImage()->GetWidth(), 128u);
   EXPECT_FALSE(SelectSource("Source0").IsOK()) << "locked while a stream runs";
 }
 

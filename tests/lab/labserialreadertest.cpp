@@ -50,7 +50,7 @@ const BadRow kBadRows[] = {
      "is \"paced\" meant?"},
     {"serial ports that are no list", KR_CAMERA "    serialPorts: Bulk0\n", "6:18", "has to be a list"},
     {"unknown end of a line", KR_CAMERA "    serialPorts: [{port: Bulk0, behind: wall}]\n", "6:41",
-     "one of nothing, echo, instrument, tty"},
+     "one of nothing, echo, instrument, tty, camera"},
     {"tty without a path", KR_CAMERA "    serialPorts: [{port: Bulk0, behind: tty}]\n", "6:19",
      "needs the key \"path\""},
     {"path from nowhere", KR_CAMERA "    serialPorts: [{port: Bulk0, behind: tty, path: ttyUSB0}]\n", "6:52",
@@ -108,8 +108,8 @@ TEST(LabSerialReader, Parse_EveryKey_TakesPortsByTheirNumbers) {
   EXPECT_EQ(tty.path, "/dev/ttyUSB7");
   EXPECT_TRUE(tty.isPaced);
   EXPECT_TRUE(tty.hasFlowControl);
-  EXPECT_EQ(tty.lostReceived.every, 2u);
-  EXPECT_EQ(tty.lostSent.next, 3u);
+  EXPECT_EQ(tty.received.lost.every, 2u);
+  EXPECT_EQ(tty.sent.lost.next, 3u);
   const krtransport::LabSerialPort& echo = camera.serialPorts[1];
   EXPECT_EQ(echo.number, 9u);
   EXPECT_THAT(echo.rates, ElementsAre(3000000, 9600));
@@ -117,7 +117,7 @@ TEST(LabSerialReader, Parse_EveryKey_TakesPortsByTheirNumbers) {
   EXPECT_EQ(echo.behind, krtransport::LabLineEnd::Echo);
   EXPECT_FALSE(echo.isPaced);
   EXPECT_FALSE(echo.hasFlowControl);
-  EXPECT_EQ(echo.lostReceived.every, 0u);
+  EXPECT_EQ(echo.received.lost.every, 0u);
 }
 
 TEST(LabSerialReader, Parse_RatesWithoutARate_BeginAtTheFirst) {

@@ -51,7 +51,8 @@ TEST_F(SerialLineTest, BuiltInLab_EachCamera_HasItsPorts) {
     const char* id;
     std::vector<std::uint32_t> ports;
   };
-  const Row kRows[] = {{kMonoMAC, {0, 1, 2}}, {kColourMAC, {}}, {"4B5200000101", {0, 2, 3}}, {"4B5200000102", {}}};
+  const Row kRows[] = {{kMonoMAC, {0, 1, 2}}, {kColourMAC, {}}, {"4B5200000101", {0, 2, 3}}, {"4B5200000102", {}},
+                        {"02:4b:52:00:78:12", {0, 1, 2}}};
 
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.id);
@@ -316,11 +317,54 @@ TEST_F(EchoTest, LoseNextSerialBytes_OfWhatIsSent_NeverReachTheEcho) {
   EXPECT_EQ(GetCounts(0).lostReceived, 0u);
 }
 
+TEST_F(EchoTest, RepeatSerialBytes_InBothDirections_LetsThemComeTwice) {
+  const Channel channel = OpenPort(0);
+  ASSERT_TRUE(mLab->GetFaults(kMonoMAC)->RepeatSerialBytes(0, KrSerialDirection::Sent, 3).IsOK());
+  ASSERT_TRUE(mLab->GetFaults(kMonoMAC)->RepeatNextSerialBytes(0, KrSerialDirection::Received, 1).IsOK());
+
+  ASSERT_TRUE(Write(*channel, "abcd").IsOK());
+
+  EXPECT_EQ(ReadBytes(*channel, 6), "aabccd");
+  EXPECT_EQ(GetCounts(0).sent, 4u);
+  EXPECT_EQ(GetCounts(0).repeatedSent, 1u);
+  EXPECT_EQ(GetCounts(0).repeatedReceived, 1u);
+  EXPECT_EQ(GetCounts(0).received, 6u);
+}
+
+TEST_F(EchoTest, RepeatSerialBytes_OfEveryByteOfAMegabyte_LosesNone) {
+  const Channel channel = OpenPort(0);
+  ASSERT_TRUE(mLab->GetFaults(kMonoMAC)->RepeatSerialBytes(0, KrSerialDirection::Sent, 1).IsOK());
+  const std::string bytes = MakeBytes(1 << 20);
+  std::string expected;
+  for (const char byte : bytes)
+    expected.append(2, byte);
+
+  auto writing = std::async(std::launch::async, [&] { return Write(*channel, bytes); });
+
+  EXPECT_TRUE(ReadBytes(*channel, expected.size()) == expected) << "the bytes differ";
+  EXPECT_TRUE(writing.get().IsOK());
+}
+
+TEST_F(EchoTest, CorruptSerialBytes_InBothDirections_ChangesOneBit) {
+  const Channel channel = OpenPort(0);
+  ASSERT_TRUE(mLab->GetFaults(kMonoMAC)->CorruptSerialBytes(0, KrSerialDirection::Received, 2).IsOK());
+  ASSERT_TRUE(mLab->GetFaults(kMonoMAC)->CorruptNextSerialBytes(0, KrSerialDirection::Sent, 1).IsOK());
+
+  ASSERT_TRUE(Write(*channel, "abcd").IsOK());
+
+  EXPECT_EQ(ReadBytes(*channel, 4), "qrct");
+  EXPECT_EQ(GetCounts(0).corruptedReceived, 2u);
+  EXPECT_EQ(GetCounts(0).corruptedSent, 1u);
+}
+
 TEST_F(EchoTest, EndSerialFaults_AfterOrders_LosesNoMore) {
   const Channel channel = OpenPort(0);
   const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
   ASSERT_TRUE(faults->LoseSerialBytes(0, KrSerialDirection::Sent, 2).IsOK());
   ASSERT_TRUE(faults->LoseNextSerialBytes(0, KrSerialDirection::Received, 5).IsOK());
+  ASSERT_TRUE(faults->RepeatSerialBytes(0, KrSerialDirection::Sent, 1).IsOK());
+  ASSERT_TRUE(faults->CorruptNextSerialBytes(0, KrSerialDirection::Received, 5).IsOK());
+  ASSERT_TRUE(faults->SilenceSerialPort(0, true).IsOK());
 
   faults->EndSerialFaults();
   ASSERT_TRUE(Write(*channel, "abcd").IsOK());
@@ -334,6 +378,9 @@ TEST_F(EchoTest, SerialOrders_ForAPortThatIsNotThere_AreNotFound) {
 
   EXPECT_EQ(faults->LoseSerialBytes(1, KrSerialDirection::Sent, 1), KrResult::Code::NotFound);
   EXPECT_EQ(faults->LoseNextSerialBytes(10, KrSerialDirection::Sent, 1), KrResult::Code::NotFound);
+  EXPECT_EQ(faults->RepeatSerialBytes(1, KrSerialDirection::Sent, 1), KrResult::Code::NotFound);
+  EXPECT_EQ(faults->CorruptNextSerialBytes(1, KrSerialDirection::Sent, 1), KrResult::Code::NotFound);
+  EXPECT_EQ(faults->SilenceSerialPort(1, true), KrResult::Code::NotFound);
   EXPECT_EQ(faults->GetSerialCounts(2, counts), KrResult::Code::NotFound);
 }
 

@@ -46,7 +46,7 @@ TEST_F(ListCommand, Lab_GivesHeadingsAndOneLineForEachInterfaceAndDevice) {
 
   EXPECT_EQ(exitCode, 0);
   const std::vector<std::string> lines = Split(mOut.str(), "\n");
-  ASSERT_EQ(lines.size(), 1U + 4U + 11U) << mOut.str();
+  ASSERT_EQ(lines.size(), 1U + 4U + 12U) << mOut.str();
   for (const std::string& line : lines)
     EXPECT_EQ(Split(line, "  ").size(), 11U) << line;
   EXPECT_THAT(Split(lines[0], "  "),
@@ -67,7 +67,7 @@ TEST_F(ListCommand, LabAsJson_HoldsTheSameDevices) {
   const QJsonObject object = ReadObject(mOut.str());
   EXPECT_EQ(exitCode, 0);
   ASSERT_EQ(object["interfaces"].toArray().size(), 4);
-  ASSERT_EQ(object["devices"].toArray().size(), 11);
+  ASSERT_EQ(object["devices"].toArray().size(), 12);
   const QJsonObject interface = object["interfaces"].toArray()[0].toObject();
   const QJsonObject camera = object["devices"].toArray()[0].toObject();
   EXPECT_EQ(interface["deviceCount"].toInt(), 4);

@@ -17,7 +17,7 @@ constexpr std::size_t kMostPathBytes = 255;
 constexpr std::uint64_t kLeastClock = 1000;
 constexpr std::uint64_t kMostClock = 1000000000;
 
-void ReadOrder(LabMap& aMap, const std::string& aKey, LabByteOrder& aOrder) {
+void ReadOrder(LabMap& aMap, std::string_view aKey, LabByteOrder& aOrder) {
   const YamlNode* const node = aMap.Find(aKey);
   if (!node)
     return;
