@@ -61,7 +61,8 @@ inline std::string Hex(std::string_view aHex) {
 /// The clock moves on by itself to whatever a line or a camera waits for.
 class CLCameraTest : public LabTest {
 protected:
-  explicit CLCameraTest(const krtransport::Lab& aLab, std::shared_ptr<JumpingClock> aClock = std::make_shared<JumpingClock>())
+  explicit CLCameraTest(const krtransport::Lab& aLab,
+                        std::shared_ptr<JumpingClock> aClock = std::make_shared<JumpingClock>())
       : LabTest(aClock, aLab), mClock(std::move(aClock)) {}
   void SetUp() override { OpenGrabber(kMonoMAC); }
 
@@ -76,8 +77,9 @@ protected:
   }
   void Send(std::string_view aBytes) {
     std::uint32_t written = 0;
-    ASSERT_TRUE(mPort.Write(reinterpret_cast<const std::uint8_t*>(aBytes.data()),
-                            static_cast<std::uint32_t>(aBytes.size()), written)
+    ASSERT_TRUE(mPort
+                    .Write(reinterpret_cast<const std::uint8_t*>(aBytes.data()),
+                           static_cast<std::uint32_t>(aBytes.size()), written)
                     .IsOK());
     ASSERT_EQ(written, aBytes.size());
   }
@@ -101,9 +103,7 @@ protected:
   void SetRate(const char* aEntry) {
     ASSERT_TRUE(mDevice->GetParameters()->GetEnum("Uart0BaudRate")->SetEntry(aEntry).IsOK());
   }
-  void SetPower(bool aIsOn) {
-    ASSERT_TRUE(mDevice->GetParameters()->GetBoolean("PoclEnable")->SetValue(aIsOn).IsOK());
-  }
+  void SetPower(bool aIsOn) { ASSERT_TRUE(mDevice->GetParameters()->GetBoolean("PoclEnable")->SetValue(aIsOn).IsOK()); }
   void AdvanceMs(std::uint64_t aMs) { mClock->Advance(aMs * 1000000); }
   /// Waits until so many bytes have gone to the camera in all.
   void AwaitSent(std::size_t aBytes) {

@@ -1,10 +1,10 @@
 // What the Camera Link cameras of the lab are made of: checksums, archives, registers.
 
+#include "clcamerafixture.h"
 #include "simulation/clcamera/clcameramemory.h"
 #include "simulation/clcamera/gencpframes.h"
 #include "simulation/clcamera/sha1.h"
 #include "simulation/clcamera/zipping.h"
-#include "clcamerafixture.h"
 
 #include "krgenicam/krgendescription.h"
 

@@ -144,8 +144,9 @@ TEST_F(CLProtocolTest, Descriptions_ReadPieceByPiece_AreWhole) {
     SCOPED_TRACE(i);
     const std::uint32_t size = GetNumber(list.substr(4 + 7 * i, 4));
     std::string stored;
-    while (stored.size() < size && Ask('D', MakeNumber(i, 1) + MakeNumber(static_cast<std::uint32_t>(stored.size()), 4) +
-                                                MakeNumber(256, 2)) == 0)
+    while (stored.size() < size &&
+           Ask('D', MakeNumber(i, 1) + MakeNumber(static_cast<std::uint32_t>(stored.size()), 4) + MakeNumber(256, 2)) ==
+               0)
       stored += mData;
     EXPECT_EQ(stored.size(), size);
     KrGenDescription description;

@@ -94,7 +94,11 @@ TEST_F(PacedLineTest, Instrument_WithItsReportOn_SpeaksByTheCamerasClock) {
 TEST(SerialSettings, OfPortsWithAClock_AreWhatTheDividersMake) {
   krtransport::LabGEVCamera camera;
   camera.bulkClock = 72000000;
-  camera.serialPorts = {{.number = 4, .rates = {9600, 3000000}, .rate = 9600}};
+  krtransport::LabSerialPort port;
+  port.number = 4;
+  port.rates = {9600, 3000000};
+  port.rate = 9600;
+  camera.serialPorts = {port};
   krtransport::CameraMemory memory(camera);
   EXPECT_EQ(memory.GetSerialSettings(4).rate, 9600u);
   std::array<std::uint8_t, 4> divider = {0, 0, 0, 24};

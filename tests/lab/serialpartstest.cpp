@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-using krtransport::ByteQueue;
 using krtransport::ByteOrder;
+using krtransport::ByteQueue;
 using krtransport::LinePace;
 using testing::ElementsAre;
 

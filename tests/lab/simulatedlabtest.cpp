@@ -24,7 +24,7 @@ TEST_F(SimulatedLabTest, Find_BuiltInLab_HasTheFirstCamerasOnItsFirstAdapter) {
   EXPECT_EQ(adapter->GetIPAddress(0), "192.168.77.1");
   EXPECT_EQ(adapter->GetSubnetMask(0), "255.255.255.0");
   EXPECT_EQ(adapter->GetDeviceCount(), 4u);
-  EXPECT_EQ(mSystem.GetDeviceCount(), 11u);
+  EXPECT_EQ(mSystem.GetDeviceCount(), 12u);
   EXPECT_EQ(mSystem.GetDeviceInfo(0)->GetUniqueID(), kMonoMAC);
 }
 
@@ -51,7 +51,7 @@ TEST_F(SimulatedLabTest, Find_SubnetBroadcast_DoesNotReachTheForeignCamera) {
 
   EXPECT_TRUE(mSystem.Find().IsOK());
 
-  EXPECT_EQ(mSystem.GetDeviceCount(), 9u);
+  EXPECT_EQ(mSystem.GetDeviceCount(), 10u);
   EXPECT_EQ(FindInfo(kForeignMAC), nullptr);
   EXPECT_EQ(FindInfo("02:4b:52:00:78:11"), nullptr) << "the camera without an address";
 }

@@ -51,8 +51,11 @@ TEST_F(SerialLineTest, BuiltInLab_EachCamera_HasItsPorts) {
     const char* id;
     std::vector<std::uint32_t> ports;
   };
-  const Row kRows[] = {{kMonoMAC, {0, 1, 2}}, {kColourMAC, {}}, {"4B5200000101", {0, 2, 3}}, {"4B5200000102", {}},
-                        {"02:4b:52:00:78:12", {0, 1, 2}}};
+  const Row kRows[] = {{kMonoMAC, {0, 1, 2}},
+                       {kColourMAC, {}},
+                       {"4B5200000101", {0, 2, 3}},
+                       {"4B5200000102", {}},
+                       {"02:4b:52:00:78:12", {0, 1, 2}}};
 
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.id);

@@ -74,11 +74,11 @@ TEST_F(TextTest, Commands_ThatCannotBeDone_GetAnError) {
     const char* answer;
   };
   const Row kRows[] = {
-      {"nosuch?", "ERR 2"},       {"nosuch=1", "ERR 2"},     {"gain=99", "ERR 3"},
-      {"gain=loud", "ERR 3"},     {"gain=", "ERR 3"},        {"gain=nan", "ERR 3"},
-      {"width=513", "ERR 3"},     {"width=-4", "ERR 3"},     {"pixelformat=Mono9", "ERR 3"},
-      {"widthmax=640", "ERR 4"},  {"usersetload?", "ERR 5"}, {"gain", "ERR 6"},
-      {"baud=1200", "ERR 3"},     {"usersetload=2", "ERR 3"},
+      {"nosuch?", "ERR 2"},      {"nosuch=1", "ERR 2"},      {"gain=99", "ERR 3"},
+      {"gain=loud", "ERR 3"},    {"gain=", "ERR 3"},         {"gain=nan", "ERR 3"},
+      {"width=513", "ERR 3"},    {"width=-4", "ERR 3"},      {"pixelformat=Mono9", "ERR 3"},
+      {"widthmax=640", "ERR 4"}, {"usersetload?", "ERR 5"},  {"gain", "ERR 6"},
+      {"baud=1200", "ERR 3"},    {"usersetload=2", "ERR 3"},
   };
 
   for (const Row& row : kRows)

@@ -167,7 +167,8 @@ void CameraFeatures::AddSources(std::uint32_t aSources) {
       feature.selector = kSourceSelectorName;
     if (!isOfSource && feature.name != kPayloadSizeName)
       continue;
-    std::vector<std::string_view>& names = mDependencies.emplace_back(feature.dependsOn.begin(), feature.dependsOn.end());
+    std::vector<std::string_view>& names =
+        mDependencies.emplace_back(feature.dependsOn.begin(), feature.dependsOn.end());
     names.push_back(kSourceSelectorName);
     feature.dependsOn = names;
   }

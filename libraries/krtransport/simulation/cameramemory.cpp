@@ -48,8 +48,8 @@ bool HoldsFloat(const Feature& aFeature) {
 
 } // namespace
 
-CameraMemory::CameraMemory(const LabGEVCamera& aCamera) : mCameraFeatures(aCamera), mBulkClock(aCamera.bulkClock),
-      mHasPocl(aCamera.frameGrabber.pocl != LabPocl::None) {
+CameraMemory::CameraMemory(const LabGEVCamera& aCamera)
+    : mCameraFeatures(aCamera), mBulkClock(aCamera.bulkClock), mHasPocl(aCamera.frameGrabber.pocl != LabPocl::None) {
   DefineBootstrapRegisters(mMemory, aCamera);
   for (const Feature& feature : mCameraFeatures.List())
     DefineFeature(feature);
@@ -250,9 +250,8 @@ void CameraMemory::Apply(const FeatureRegister& aWritten, std::uint64_t aNowNs) 
 
 CameraMemory::SourceValues CameraMemory::ReadSource() const {
   SourceValues values;
-  std::ranges::transform(kSourceRegisters, values.begin(), [this](std::uint64_t aAddress) {
-    return mMemory.GetInteger(aAddress);
-  });
+  std::ranges::transform(kSourceRegisters, values.begin(),
+                         [this](std::uint64_t aAddress) { return mMemory.GetInteger(aAddress); });
   return values;
 }
 

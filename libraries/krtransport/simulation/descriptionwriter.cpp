@@ -159,8 +159,8 @@ void DescriptionWriter::AddEntries(const Feature& aFeature) {
   const auto category = std::ranges::find(mCategories, aFeature.category, &DescriptionCategory::name);
   const bool isStandard = category == mCategories.end() || category->isStandard;
   for (const FeatureEntry& entry : mFeatures.ListEntries(aFeature)) {
-    mText += "    <EnumEntry Name=\"" + std::string(entry.name) + "\"" +
-             (isStandard ? " NameSpace=\"Standard\"" : "") + ">\n";
+    mText += "    <EnumEntry Name=\"" + std::string(entry.name) + "\"" + (isStandard ? " NameSpace=\"Standard\"" : "") +
+             ">\n";
     if (!entry.tip.empty())
       AddChild("ToolTip", entry.tip);
     if (IsConditional(aFeature, entry))
@@ -290,8 +290,7 @@ void DescriptionWriter::AddHead(const DescriptionHead& aHead) {
            "\" SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\"\n    MajorVersion=\"1\" "
            "MinorVersion=\"" +
            minor + "\" SubMinorVersion=\"0\"\n    ProductGuid=\"" + std::string(kProductGuid) + "\" VersionGuid=\"" +
-           std::string(kVersionGuid) + minor +
-           "\"\n    xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">\n";
+           std::string(kVersionGuid) + minor + "\"\n    xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">\n";
 }
 
 std::string DescriptionWriter::Write(const DescriptionHead& aHead) {

@@ -21,8 +21,8 @@ struct DescriptionCategory {
 struct DescriptionHead {
   KrString modelName;
   KrString vendorName;
-  std::string_view nameSpace;        ///< Of the technology, as GenApi writes it.
-  std::uint32_t minorVersion = 1;    ///< Of major version 1; one digit.
+  std::string_view nameSpace;     ///< Of the technology, as GenApi writes it.
+  std::uint32_t minorVersion = 1; ///< Of major version 1; one digit.
 };
 
 /// The text of a description: nodes in the order in which GenApi's schema 1.1 wants their children.

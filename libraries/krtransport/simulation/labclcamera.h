@@ -29,10 +29,10 @@ struct LabCLCamera : LabSensor {
   std::vector<DescriptionFormat> descriptions = {DescriptionFormat::Plain, DescriptionFormat::Zipped};
   std::vector<std::uint32_t> rates = {9600,   19200,  38400,  57600,
                                       115200, 230400, 460800, 921600}; ///< Bits a second; 9600 is one of them.
-  std::uint32_t pendingMs = 0;           ///< How long writing a feature takes.
-  std::uint32_t packetBytes = 1024;      ///< The largest GenCP packet, 64 to 1024.
-  std::uint32_t confirmationMs = 250;    ///< How long a GenCP camera waits for a new speed to be confirmed.
-  bool isPoweredByCable = false;         ///< Power over Camera Link; without it the camera is silent.
+  std::uint32_t pendingMs = 0;                                         ///< How long writing a feature takes.
+  std::uint32_t packetBytes = 1024;                                    ///< The largest GenCP packet, 64 to 1024.
+  std::uint32_t confirmationMs = 250; ///< How long a GenCP camera waits for a new speed to be confirmed.
+  bool isPoweredByCable = false;      ///< Power over Camera Link; without it the camera is silent.
 };
 
 } // namespace krtransport

@@ -22,11 +22,11 @@ enum class KrSerialDirection {
 
 /// What a serial port has done since the lab was made.
 struct KrSimulatedSerialCounts {
-  std::uint64_t sent = 0;         ///< Bytes that went onto the line, those that were lost there included.
-  std::uint64_t received = 0;     ///< Bytes that came to be read.
-  std::uint64_t lostSent = 0;     ///< Bytes that were lost on order.
-  std::uint64_t lostReceived = 0; ///< The same.
-  std::uint64_t overflowed = 0;   ///< Bytes lost for want of room, on a line without flow control.
+  std::uint64_t sent = 0;              ///< Bytes that went onto the line, those that were lost there included.
+  std::uint64_t received = 0;          ///< Bytes that came to be read.
+  std::uint64_t lostSent = 0;          ///< Bytes that were lost on order.
+  std::uint64_t lostReceived = 0;      ///< The same.
+  std::uint64_t overflowed = 0;        ///< Bytes lost for want of room, on a line without flow control.
   std::uint64_t repeatedSent = 0;      ///< Bytes that came twice on order; received counts both.
   std::uint64_t repeatedReceived = 0;  ///< The same.
   std::uint64_t corruptedSent = 0;     ///< Bytes that were changed on order.

@@ -10,10 +10,8 @@ namespace krtransport {
 namespace {
 
 constexpr DescriptionCategory kCategories[] = {
-    {"DeviceControl", "What the camera is."},
-    {"ImageFormatControl", "Size and format of the image."},
-    {"AcquisitionControl", "When frames are taken."},
-    {"AnalogControl", "The sensor's amplifier."},
+    {"DeviceControl", "What the camera is."},         {"ImageFormatControl", "Size and format of the image."},
+    {"AcquisitionControl", "When frames are taken."}, {"AnalogControl", "The sensor's amplifier."},
     {"UserSetControl", "Values that are kept."},
 };
 constexpr const char* kFileName = "camera.xml";

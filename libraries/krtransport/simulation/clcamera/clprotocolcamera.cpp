@@ -92,9 +92,8 @@ std::uint16_t MakeCLProtocolCRC(std::span<const std::uint8_t> aBytes) {
 }
 
 const CLProtocolCamera::Command CLProtocolCamera::kCommands[] = {
-    {'I', &CLProtocolCamera::Identify}, {'R', &CLProtocolCamera::Read},
-    {kWriteLetter, &CLProtocolCamera::Write}, {'L', &CLProtocolCamera::List},
-    {'D', &CLProtocolCamera::Describe}, {'B', &CLProtocolCamera::ChangeRate},
+    {'I', &CLProtocolCamera::Identify}, {'R', &CLProtocolCamera::Read},     {kWriteLetter, &CLProtocolCamera::Write},
+    {'L', &CLProtocolCamera::List},     {'D', &CLProtocolCamera::Describe}, {'B', &CLProtocolCamera::ChangeRate},
 };
 
 CLProtocolCamera::CLProtocolCamera(const LabCLCamera& aCamera) : mCamera(aCamera), mMemory(aCamera) {

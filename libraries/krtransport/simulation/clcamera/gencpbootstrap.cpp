@@ -35,8 +35,8 @@ constexpr std::size_t kEntryBytes = 64;
 
 // User-defined name, access privilege with heartbeat, timestamp, UTF-8, family name, serial port registers,
 // endianness, written length in acknowledges, interface version.
-constexpr std::uint64_t kCapabilities = 1u << 0 | 1u << 1 | 1u << 3 | 1u << 4 | 1u << 8 | 1u << 9 | 1u << 10 |
-                                        1u << 11 | 1u << 14;
+constexpr std::uint64_t kCapabilities =
+    1u << 0 | 1u << 1 | 1u << 3 | 1u << 4 | 1u << 8 | 1u << 9 | 1u << 10 | 1u << 11 | 1u << 14;
 
 constexpr std::array<GenCPRate, 8> kRates = {{{9600, 0x01},
                                               {19200, 0x02},
@@ -85,7 +85,8 @@ void DefineManifest(CLCameraMemory& aMemory, const LabCLCamera& aCamera) {
     const std::string stored = MakeStoredDescription(aCamera, i);
     const Bytes entry = MakeEntry(aCamera.descriptions[i], i, stored);
     table.insert(table.end(), entry.begin(), entry.end());
-    aMemory.Define(kFirstDescription + i * kDescriptionStride, RegisterAccess::ReadOnly, {stored.begin(), stored.end()});
+    aMemory.Define(kFirstDescription + i * kDescriptionStride, RegisterAccess::ReadOnly,
+                   {stored.begin(), stored.end()});
   }
   aMemory.Define(kManifest, RegisterAccess::ReadOnly, std::move(table));
 }

@@ -120,8 +120,7 @@ void GenCPCamera::Obey(const GenCPCommand& aCommand, std::uint64_t aNowNs, const
       aSpeak(std::move(aAnswer));
   };
   const bool isBusy = mDone && aNowNs < mDone->readyNs;
-  const bool isSame =
-      mDone && aCommand.request != 0 && mDone->request == aCommand.request && mDone->id == aCommand.id;
+  const bool isSame = mDone && aCommand.request != 0 && mDone->request == aCommand.request && mDone->id == aCommand.id;
   mHeardNs = aNowNs;
   if (isSame)
     return speak(isBusy ? MakePending(aCommand, mDone->readyNs, aNowNs) : CameraAnswer{mDone->answer, aNowNs});

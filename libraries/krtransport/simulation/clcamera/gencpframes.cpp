@@ -27,8 +27,8 @@ void SetWord(std::vector<std::uint8_t>& aBytes, std::size_t aAt, std::uint16_t a
 
 // 0 and 0xFFFF are the same sum.
 bool IsRight(std::span<const std::uint8_t> aPacket, std::size_t aChecksumAt) {
-  const std::uint16_t difference = static_cast<std::uint16_t>(MakeGenCPChecksum(aPacket.subspan(kChannelAt)) ^
-                                                              GetWord(aPacket, aChecksumAt));
+  const std::uint16_t difference =
+      static_cast<std::uint16_t>(MakeGenCPChecksum(aPacket.subspan(kChannelAt)) ^ GetWord(aPacket, aChecksumAt));
   const bool isZero = GetWord(aPacket, aChecksumAt) == 0 || GetWord(aPacket, aChecksumAt) == 0xFFFF;
   return difference == 0 || (difference == 0xFFFF && isZero);
 }

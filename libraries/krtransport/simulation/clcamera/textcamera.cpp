@@ -98,7 +98,8 @@ std::string TextCamera::Answer(std::string_view aLine, std::uint64_t aNowNs) {
 
 const Feature* TextCamera::Find(std::string_view aName) const {
   const std::vector<Feature>& features = mMemory.GetFeatures().List();
-  const auto found = std::ranges::find_if(features, [&](const Feature& aFeature) { return IsSame(aFeature.name, aName); });
+  const auto found =
+      std::ranges::find_if(features, [&](const Feature& aFeature) { return IsSame(aFeature.name, aName); });
   return found == features.end() ? nullptr : &*found;
 }
 
@@ -168,7 +169,8 @@ std::optional<CLCameraMemory::Bytes> TextCamera::Parse(const Feature& aFeature, 
   std::optional<std::uint32_t> value = ParseNumber<std::uint32_t>(aValue);
   if (aFeature.kind == FeatureKind::Enumeration) {
     const std::vector<FeatureEntry> entries = mMemory.GetFeatures().ListEntries(aFeature);
-    const auto entry = std::ranges::find_if(entries, [&](const FeatureEntry& aEntry) { return IsSame(aEntry.name, aValue); });
+    const auto entry =
+        std::ranges::find_if(entries, [&](const FeatureEntry& aEntry) { return IsSame(aEntry.name, aValue); });
     value = entry == entries.end() ? std::nullopt : std::optional(entry->value);
   }
   EncodeInteger(value.value_or(0), bytes.data());

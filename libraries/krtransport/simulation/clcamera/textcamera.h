@@ -36,7 +36,7 @@ private:
   CLCameraMemory mMemory;
   std::uint32_t mRate = kFirstRate;
   std::uint64_t mReadyNs = 0; // Until then it is busy with what it was told last, and answers come later.
-  std::string mLine; // Of the command that is coming in.
+  std::string mLine;          // Of the command that is coming in.
 };
 
 } // namespace krtransport

@@ -9,7 +9,8 @@
 
 namespace krtransport {
 
-/// Takes the key "rates"; without it the rates stay as they are. False, and a problem, for one that is none. Any thread.
+/// Takes the key "rates"; without it the rates stay as they are. False, and a problem, for one that is none. Any
+/// thread.
 bool ReadRateList(LabMap& aMap, std::vector<std::uint32_t>& aRates);
 /// Takes the keys "serialPorts" and "bulkClock" of a camera, whose frame grabber was taken. Any
 /// thread.

@@ -44,7 +44,8 @@ SerialPorts::SerialPorts(const LabCamera& aCamera, const KrString& aCameraName,
     const KrString name = aCameraName + ": " + kSerialPortNames[port.number];
     const auto line = std::make_shared<SerialLine>(
         SerialLineTraits{.name = name, .isPaced = port.isPaced, .hasFlowControl = port.hasFlowControl},
-        SerialSettings{.rate = port.rate, .isPowered = aCamera.frameGrabber.pocl != LabPocl::Off}, MakeFarEnd(port, name, aCamera.serialNumber), aClock);
+        SerialSettings{.rate = port.rate, .isPowered = aCamera.frameGrabber.pocl != LabPocl::Off},
+        MakeFarEnd(port, name, aCamera.serialNumber), aClock);
     OrderFaults(port.received, KrSerialDirection::Received, *line);
     OrderFaults(port.sent, KrSerialDirection::Sent, *line);
     line->Silence(port.isSilent);

@@ -1,0 +1,66 @@
+// Any bytes may come over the line to the Camera Link cameras of the lab: nothing breaks, and what a camera says is
+// whole.
+
+#include "simulation/clcamera/clcameraend.h"
+#include "simulation/clcamera/clprotocolcamera.h"
+#include "simulation/clcamera/gencpframes.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <span>
+
+namespace {
+
+constexpr std::size_t kProtocols = 3;
+constexpr std::uint64_t kByteNs = 1000000;
+
+std::size_t GetWord(std::span<const std::uint8_t> aBytes, std::size_t aAt) {
+  return static_cast<std::size_t>(aBytes[aAt]) << 8 | aBytes[aAt + 1];
+}
+
+bool IsGenCPPacket(std::span<const std::uint8_t> aBytes) {
+  return aBytes.size() >= krtransport::kGenCPHeaderBytes && aBytes.size() <= krtransport::kGenCPPacketBytes &&
+         aBytes.size() == krtransport::kGenCPHeaderBytes + GetWord(aBytes, 12) &&
+         krtransport::MakeGenCPChecksum(aBytes.subspan(6)) == GetWord(aBytes, 4);
+}
+
+bool IsCLProtocolPacket(std::span<const std::uint8_t> aBytes) {
+  return aBytes.size() >= 9 && aBytes.size() <= 273 && aBytes.size() == 9 + GetWord(aBytes, 4) &&
+         krtransport::MakeCLProtocolCRC(aBytes.first(aBytes.size() - 2)) == GetWord(aBytes, aBytes.size() - 2);
+}
+
+bool IsWhole(krtransport::CLCameraProtocol aProtocol, std::span<const std::uint8_t> aBytes) {
+  switch (aProtocol) {
+  case krtransport::CLCameraProtocol::GenCP:
+    return IsGenCPPacket(aBytes);
+  case krtransport::CLCameraProtocol::CLProtocol:
+    return IsCLProtocolPacket(aBytes);
+  default:
+    return !aBytes.empty() && aBytes.back() == '\r';
+  }
+}
+
+} // namespace
+
+// The first byte says what the camera speaks, and whether it is slow.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
+  if (aSize == 0)
+    return 0;
+  krtransport::LabCLCamera camera;
+  camera.protocol = static_cast<krtransport::CLCameraProtocol>(aData[0] % kProtocols);
+  camera.pendingMs = aData[0] >= 128 ? 100 : 0;
+  const std::unique_ptr<krtransport::ICameraTalk> talk = krtransport::MakeCameraTalk(camera);
+  std::uint64_t nowNs = 0;
+  for (const std::uint8_t byte : std::span(aData, aSize).subspan(1)) {
+    nowNs += kByteNs;
+    if (talk->GetRate(nowNs) == 0)
+      std::abort(); // A camera always has a speed.
+    talk->Hear(byte, nowNs, [&](const krtransport::CameraAnswer& aAnswer) {
+      if (!IsWhole(camera.protocol, aAnswer.bytes) || aAnswer.dueNs < nowNs)
+        std::abort();
+    });
+  }
+  return 0;
+}
