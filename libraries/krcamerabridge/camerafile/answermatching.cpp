@@ -131,7 +131,7 @@ std::optional<AnswerContent> MatchAnswer(const CommandTemplate& aTemplate, const
 }
 
 MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aReceived) {
-  constexpr std::size_t kMostMessageBytes = 4096;
+  constexpr std::size_t kMostMessageBytes = 2560; // A template and the longest text in it.
   const Beginning beginning = FindBeginning(aTemplate, aReceived);
   if (beginning.isDenied)
     return {MessageSize::State::Never};

@@ -12,7 +12,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr std::size_t kMostReceivedBytes = 8192;
+constexpr std::size_t kMostReceivedBytes = 4096;
 constexpr std::size_t kMostShownBytes = 80;
 
 // How long bytes are on the line, with a start bit, a parity bit and a stop bit each.

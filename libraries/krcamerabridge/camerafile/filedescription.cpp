@@ -231,8 +231,10 @@ private:
     Begin("IntSwissKnife", aFeature.name + std::string(aSuffix));
     std::string formula;
     for (std::size_t i = 0; i < aConditions.size(); ++i) {
+      // By its register, which is there while the feature is not available, too.
       const std::string variable = "V" + std::to_string(i);
-      mText += "    <pVariable Name=\"" + variable + "\">" + NameAt(aConditions[i].featureIndex) + "</pVariable>\n";
+      mText += "    <pVariable Name=\"" + variable + "\">" + NameAt(aConditions[i].featureIndex) +
+               std::string(kRegisterSuffix) + "</pVariable>\n";
       formula += (formula.empty() ? "" : std::string(aOperator)) + "(" + variable + " = " +
                  std::to_string(aConditions[i].value) + ")";
     }

@@ -307,6 +307,68 @@ TEST_F(BinaryCameraFile, WhatIsNotRemembered_IsAskedEachTime) {
   EXPECT_EQ(rig.GetText("DeviceStatus"), "7");
 }
 
+// A camera that is not there: what the program remembers itself.
+constexpr const char* kRemembered =
+    "cameraFile: 1\ncamera: {vendor: V & W, model: '<M>'}\nprotocol: {answerEnd: \"\\r\", setAnswer: ~}\n"
+    "categories:\n"
+    "  - name: Outer\n"
+    "    categories:\n"
+    "      - name: Inner\n"
+    "        displayName: In & out\n"
+    "        features:\n"
+    "          - {name: Mode, type: enumeration, start: Manual, entries: {Manual: 0, Automatic: 1}}\n"
+    "          - {name: Level, type: integer, start: 5, min: LevelMin, availableIf: {Mode: Manual, Enabled: true}}\n"
+    "          - {name: LevelMin, type: integer, start: -7}\n"
+    "          - {name: Enabled, type: boolean, start: true, lockedIf: {Level: 9, Mode: Automatic}}\n"
+    "          - {name: Blind, type: float, set: 'B={value}', offset: 1.5}\n";
+
+class RememberedFeatures : public testing::Test {
+protected:
+  Rig<TextCamera> rig{kRemembered};
+};
+
+TEST_F(RememberedFeatures, AreThereWhileAllTheirConditionsHold) {
+  EXPECT_EQ(rig.GetText("Level"), "5");
+  EXPECT_TRUE(rig.Set("Mode", "Automatic").IsOK());
+  EXPECT_FALSE(rig.array->Get("Level")->IsReadable());
+  EXPECT_TRUE(rig.Set("Mode", "Manual").IsOK());
+  EXPECT_TRUE(rig.Set("Enabled", "false").IsOK());
+  EXPECT_FALSE(rig.array->Get("Level")->IsReadable());
+}
+
+TEST_F(RememberedFeatures, AreLockedWhileOneConditionHolds) {
+  EXPECT_TRUE(rig.array->Get("Enabled")->IsWritable());
+  EXPECT_TRUE(rig.Set("Level", "9").IsOK());
+  EXPECT_FALSE(rig.array->Get("Enabled")->IsWritable());
+  EXPECT_TRUE(rig.Set("Level", "8").IsOK());
+  EXPECT_TRUE(rig.array->Get("Enabled")->IsWritable());
+  EXPECT_TRUE(rig.Set("Mode", "Automatic").IsOK());
+  EXPECT_FALSE(rig.array->Get("Enabled")->IsWritable());
+}
+
+TEST_F(RememberedFeatures, HaveTheBoundsOfOthers) {
+  EXPECT_EQ(rig.Set("Level", "-8"), KrResult::Code::OutOfRange);
+  EXPECT_TRUE(rig.Set("LevelMin", "-8").IsOK());
+  EXPECT_TRUE(rig.Set("Level", "-8").IsOK());
+}
+
+TEST_F(RememberedFeatures, CategoriesHoldCategories) {
+  EXPECT_EQ(rig.array->Get("Mode")->GetCategory(), KrString("Root\\Outer\\Inner"));
+  EXPECT_EQ(rig.array->GetVendorName(), KrString("V & W"));
+  EXPECT_EQ(rig.array->GetModelName(), KrString("<M>"));
+}
+
+TEST_F(RememberedFeatures, WhatCanOnlyBeSet_CannotBeRead) {
+  EXPECT_EQ(rig.array->Get("Blind")->GetAccessMode(), KrGenAccessMode::WriteOnly);
+  EXPECT_TRUE(rig.Set("Blind", "2").IsOK()); // Its answer is nothing, and there is nothing to wait for.
+}
+
+TEST_F(TextCameraFile, TheLongestAccess_HoldsAllTries) {
+  // Three tries of SAVE with 3000 ms each, and the quiet between them.
+  EXPECT_GE(rig.port->GetLongestAccessMs(), 3U * 3000 + 2 * 3000);
+  EXPECT_LE(rig.port->GetLongestAccessMs(), 120000U);
+}
+
 // What a damaged line does to a value that is set, then read.
 struct Tally {
   int right = 0;
