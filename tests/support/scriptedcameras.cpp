@@ -7,6 +7,8 @@ namespace krtest {
 
 namespace {
 
+constexpr unsigned kMostBodyBytes = 16;
+
 std::string GetSum(const std::string& aText) {
   unsigned sum = 0;
   for (const char character : aText)
@@ -133,7 +135,8 @@ std::string BinaryCamera::Take(std::string_view aBytes) {
   mRest += aBytes;
   std::string answers;
   while (!mRest.empty()) {
-    if (mRest[0] != '\x02') {
+    // No command is longer than a name, so that a damaged length does not keep it waiting.
+    if (mRest[0] != '\x02' || (mRest.size() > 1 && static_cast<unsigned char>(mRest[1]) > kMostBodyBytes)) {
       mRest.erase(0, 1);
       continue;
     }
