@@ -4,8 +4,12 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
+#include <fstream>
+#include <iterator>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 using krtransport::Lab;
 using krtransport::LabGEVCamera;
@@ -170,4 +174,20 @@ TEST(LabCLCameraReader, Parse_CountedDevices_HaveACameraEach) {
                   .IsOK());
 
   EXPECT_EQ(std::get<LabGEVCamera>(lab.adapters[0].devices[1]).serialPorts[0].camera.serialNumber, "C10");
+}
+
+TEST(LabCLCameraReader, Parse_TheExamplesOfTheDocumentation_AreLabs) {
+  std::ifstream file(KR_LAB_DOCUMENTATION);
+  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  constexpr std::string_view kFence = "```yaml\n";
+  int examples = 0;
+  for (std::size_t begin = text.find(kFence); begin != std::string::npos; begin = text.find(kFence, begin + 1)) {
+    const std::size_t first = begin + kFence.size();
+    Lab lab;
+    const KrResult result = Parse(text.substr(first, text.find("```", first) - first), lab);
+    EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    ++examples;
+  }
+
+  EXPECT_EQ(examples, 2);
 }
