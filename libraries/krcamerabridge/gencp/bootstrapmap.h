@@ -12,8 +12,6 @@ struct BootstrapRegister {
 };
 
 constexpr BootstrapRegister kVersionRegister{0x0000, 4}; // Major number in the upper half.
-constexpr BootstrapRegister kManufacturerRegister{0x0004, 64};
-constexpr BootstrapRegister kModelRegister{0x0044, 64};
 constexpr BootstrapRegister kCapabilityRegister{0x01C4, 8};
 constexpr BootstrapRegister kResponseTimeRegister{0x01CC, 4}; // Milliseconds.
 constexpr BootstrapRegister kManifestAddressRegister{0x01D0, 8};

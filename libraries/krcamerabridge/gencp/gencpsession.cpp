@@ -14,6 +14,7 @@ namespace {
 constexpr std::uint64_t kShortestResponseMs = 50;
 constexpr std::uint64_t kLongestResponseMs = 10000;
 constexpr std::uint64_t kLongestHeartbeatMs = 30000;
+constexpr std::uint32_t kShortestKeepAliveMs = 10;
 
 KrResult TellCancelled() {
   return {KrResult::Code::Aborted, "Talking to the camera was cancelled."};
@@ -108,7 +109,8 @@ KrResult GenCPSession::StartHeartbeat(const std::stop_token& aStop) {
                                 configuration | kIsHeartbeatOn, aStop);
   if (!result.IsOK())
     return result == KrResult::Code::ProtocolError ? KrResult() : result;
-  mKeepAliveMs = std::max<std::uint32_t>(mHeartbeatMs / 3, 1);
+  // Three questions fit into it; none is needed where it never runs out.
+  mKeepAliveMs = mHeartbeatMs == 0 ? 0 : std::max(mHeartbeatMs / 3, kShortestKeepAliveMs);
   return {};
 }
 

@@ -255,6 +255,34 @@ TEST_F(OpenPort, CancelOfAWrite_EndsItAlone) {
   EXPECT_EQ(line->GetSent(), "f!");
 }
 
+TEST_F(OpenPort, Write_WithALimit_EndsWithCode30AndSaysWhatWasTaken) {
+  line->SetRoom(2);
+  std::uint32_t written = 0;
+
+  const KrResult result = port.Write(Bytes("abc"), 3, written, 1, {});
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(written, 2u);
+}
+
+TEST_F(OpenPort, CancelOfARead_EndsItAlone) {
+  std::stop_source stop;
+  auto reading = std::async(std::launch::async, [&] {
+    std::uint8_t byte = 0;
+    std::uint32_t read = 0;
+    return port.Read(&byte, 1, read, kGenerousMs, stop.get_token());
+  });
+  WaitUntil([&] { return line->CountReads() == 1; });
+
+  stop.request_stop();
+
+  EXPECT_EQ(reading.get(), KrResult::Code::Aborted);
+  line->Receive("a");
+  std::string text;
+  EXPECT_TRUE(Read(text, kGenerousMs).IsOK());
+  EXPECT_EQ(text, "a");
+}
+
 TEST_F(OpenPort, CancelOfAWrite_EndsItsWaitForTheOneBeforeIt) {
   line->SetRoom(0);
   std::uint32_t firstWritten = 0;
