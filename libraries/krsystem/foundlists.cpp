@@ -22,7 +22,7 @@ void FoundLists::Enter(KrInterface* aInterface, const KrDeviceInfo* aDevice) {
   const std::lock_guard lock(*mMutex);
   const auto [entry, isNew] = mByID.try_emplace({aInterface, aDevice->GetUniqueID()}, aDevice);
   const KrDeviceInfo* const former = std::exchange(entry->second, aDevice);
-  const auto enter = [&](std::vector<const KrDeviceInfo*>& aList) {
+  const auto enter = [former, aDevice, isNew = isNew](std::vector<const KrDeviceInfo*>& aList) {
     if (isNew)
       aList.push_back(aDevice);
     else if (former != aDevice)
