@@ -82,7 +82,12 @@ KrResult CLDriver::Start(const std::stop_token& aStop) {
   if (KrResult result = HostProcess::Start(mFile.fileName, mProcess); !result.IsOK())
     return result;
   Said said;
-  return Call({.kind = WireKind::Load, .bytes = ToBytes(mFile.GetPath())}, mTimes.loadLimitMs, said, aStop);
+  KrResult result = Call({.kind = WireKind::Load, .bytes = ToBytes(mFile.GetPath())}, mTimes.loadLimitMs, said, aStop);
+  if (!result.IsOK()) {
+    mProcess.reset();
+    mEnd = result;
+  }
+  return result;
 }
 
 void CLDriver::Close() {
@@ -277,31 +282,37 @@ void CLDriver::Cancel(const WireFrame& aCall, Limits& aLimits) {
 
 // Does what a driver asks of the line, or logs; false when the driver is not there to be answered.
 bool CLDriver::Serve(const WireFrame& aUse, Limits& aLimits, const std::stop_token& aStop) {
+  constexpr int kMostLogged = 1000;
   if (aUse.kind == WireKind::Log) {
+    if (++mLogged > kMostLogged)
+      return true;
     KrLogger("KrCameraBridge")
         .Log(GetLogLevel(aUse.code), {"CLDriver::Serve", "cldriver"},
              "The CL Protocol driver " + mFile.fileName + " says: " + MakeCLWords(ToText(aUse.bytes)));
     return true;
   }
-  WireFrame answer{.kind = WireKind::LineAnswer, .code = CL_ERR_INVALID_REFERENCE};
   const auto rest = std::chrono::ceil<milliseconds>(aLimits.until - Clock::now()).count();
   const auto timeoutMs =
       static_cast<std::uint32_t>(std::clamp<std::int64_t>(rest, 0, static_cast<std::int64_t>(aUse.timeoutMs)));
-  if (!mSerial)
-    answer.code = CL_ERR_INVALID_REFERENCE;
-  else if (aUse.kind == WireKind::LineRead)
-    answer.code = mSerial->Read(aUse.length, timeoutMs, aStop, answer.bytes);
-  else if (aUse.kind == WireKind::LineWrite)
-    answer.code = mSerial->Write(aUse.bytes, timeoutMs, aStop);
-  else if (aUse.kind == WireKind::LineSetRate)
-    answer.code = mSerial->SetRate(aUse.cookie);
-  else {
-    answer.code = CL_ERR_NO_ERR;
-    answer.cookie = mSerial->GetSupportedRates();
-  }
+  const WireFrame answer = UseLine(aUse, timeoutMs, aStop);
   aLimits.quietUntil = Clock::now() + milliseconds(mTimes.quietLimitMs);
   // A call that is over before its answer comes shows what became of it.
   return mProcess->Send(answer, aLimits.until) != HostProcess::Event::Ended;
+}
+
+WireFrame CLDriver::UseLine(const WireFrame& aUse, std::uint32_t aTimeoutMs, const std::stop_token& aStop) {
+  WireFrame answer{.kind = WireKind::LineAnswer};
+  if (!mSerial)
+    answer.code = CL_ERR_INVALID_REFERENCE;
+  else if (aUse.kind == WireKind::LineRead)
+    answer.code = mSerial->Read(aUse.length, aTimeoutMs, aStop, answer.bytes);
+  else if (aUse.kind == WireKind::LineWrite)
+    answer.code = mSerial->Write(aUse.bytes, aTimeoutMs, aStop);
+  else if (aUse.kind == WireKind::LineSetRate)
+    answer.code = mSerial->SetRate(aUse.cookie);
+  else
+    answer.cookie = mSerial->GetSupportedRates();
+  return answer;
 }
 
 KrResult CLDriver::Fail(KrResult::Code aCode, const std::string& aWords) {

@@ -80,12 +80,14 @@ private:
   KrResult Miss(HostProcess::Event aEvent, const WireFrame& aCall, const Limits& aLimits);
   void Cancel(const WireFrame& aCall, Limits& aLimits);
   bool Serve(const WireFrame& aUse, Limits& aLimits, const std::stop_token& aStop);
+  WireFrame UseLine(const WireFrame& aUse, std::uint32_t aTimeoutMs, const std::stop_token& aStop);
   KrResult Fail(KrResult::Code aCode, const std::string& aWords);
 
   const CLDriverFile mFile;
   const CLDriverTimes mTimes;
   std::optional<CLSerial> mSerial;
-  std::unique_ptr<HostProcess> mProcess;                                                 // Null while none runs.
+  std::unique_ptr<HostProcess> mProcess; // Null while none runs.
+  int mLogged = 0;                       // Of what the driver wants to have logged.
   KrResult mEnd{KrResult::Code::SystemError, "The CL Protocol driver was not started."}; // Why none runs.
 };
 

@@ -25,16 +25,6 @@ constexpr std::string_view kLibraryEnd = ".so";
 constexpr std::string_view kDebugEnd = ".debug.so";
 constexpr std::string_view kXMLEnd = ".xml";
 
-#if defined(__x86_64__)
-constexpr const char* kSystem = "Linux64_x64";
-#elif defined(__i386__)
-constexpr const char* kSystem = "Linux32_i86";
-#elif defined(__aarch64__)
-constexpr const char* kSystem = "Linux64_ARM";
-#else
-constexpr const char* kSystem = "Linux32_ARM";
-#endif
-
 struct Setting {
   std::mutex mutex; // Guards what follows.
   std::optional<std::vector<std::string>> directories;
@@ -109,7 +99,7 @@ void SetCLDriverDirectories(const std::vector<std::string>& aDirectories) {
 std::vector<CLDriverFile> ListCLDrivers() {
   std::vector<CLDriverFile> drivers;
   for (const std::string& root : GetDirectories()) {
-    const std::string directory = root + '/' + kSystem;
+    const std::string directory = root + "/" KR_CLPROTOCOL_SYSTEM;
     const std::vector<std::string> names = ListFiles(directory, "lib", kLibraryEnd, kMostDrivers);
     for (const std::string& name : names) {
       if (!IsDebugTwin(name, names))

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cstddef>
 #include <functional>
-#include <iterator>
 #include <tuple>
 
 namespace krcamerabridge {
@@ -95,23 +94,20 @@ std::optional<CLXMLID> ParseCLXMLID(std::string_view aText) {
 }
 
 std::vector<std::string> SelectCLXMLIDs(const std::vector<std::string>& aXMLIDs, std::string_view aShortID) {
-  struct Row {
-    std::tuple<std::uint32_t, std::size_t, std::uint32_t, std::uint32_t, std::uint32_t> rank;
-    std::string text;
-    auto operator<=>(const Row&) const = default;
-  };
+  using Row = std::tuple<std::uint32_t, std::size_t, std::uint32_t, std::uint32_t, std::uint32_t, std::string>;
   std::vector<Row> rows;
   for (const std::string& text : aXMLIDs) {
     const std::optional<CLXMLID> id = ParseCLXMLID(text);
     if (!id || id->schemaMajor != kSchemaMajor || id->schemaMinor > kMostSchemaMinor ||
         !MatchesCLTemplate(aShortID, id->device))
       continue;
-    rows.push_back({{id->schemaMinor, id->device.size(), id->versions[0], id->versions[1], id->versions[2]}, text});
+    rows.emplace_back(id->schemaMinor, id->device.size(), id->versions[0], id->versions[1], id->versions[2], text);
   }
-  std::ranges::sort(rows, std::greater());
+  std::sort(rows.begin(), rows.end(), std::greater<Row>());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
   std::vector<std::string> selected;
-  std::ranges::transform(rows, std::back_inserter(selected), &Row::text);
-  selected.erase(std::unique(selected.begin(), selected.end()), selected.end());
+  for (const Row& row : rows)
+    selected.push_back(std::get<std::string>(row));
   return selected;
 }
 

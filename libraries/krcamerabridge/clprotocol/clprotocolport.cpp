@@ -116,6 +116,7 @@ KrResult CLProtocolPort::Connect(const KrString& aTemplate, const KrString& aXML
     return result;
   if (KrResult result = session->ReadDescription(aXMLID.ToUtf8(), aDescription, aStop); !result.IsOK())
     return result;
+  mCameraID = session->GetCameraID();
   mSession = std::move(session);
   mWorker = std::make_unique<PortWorker>(*mSession);
   return {};
@@ -124,10 +125,7 @@ KrResult CLProtocolPort::Connect(const KrString& aTemplate, const KrString& aXML
 void CLProtocolPort::Disconnect() {
   mWorker.reset();
   mSession.reset();
-}
-
-KrString CLProtocolPort::GetCameraID() const {
-  return mSession ? mSession->GetCameraID() : KrString();
+  mCameraID.Clear();
 }
 
 void CLProtocolPort::End() {

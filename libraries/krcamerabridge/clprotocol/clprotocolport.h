@@ -57,11 +57,12 @@ public:
   /// needs. Results as of Probe; NotFound also for a description that there is not, BadData for one that is none.
   KrResult Connect(const KrString& aTemplate, const KrString& aXMLID, KrGenDescription& aDescription,
                    const std::stop_token& aStop);
-  /// Gives the camera free, puts camera and line back to 9600 baud and ends the driver. What is not connected stays so.
+  /// Gives the camera free, puts camera and line back to their rates and ends the driver. What is not connected stays
+  /// so.
   void Disconnect();
   bool IsConnected() const { return mWorker != nullptr; }
   /// The full identifier of the camera that is connected, "Directory#FileName#Manufacturer…"; empty for none.
-  KrString GetCameraID() const;
+  KrString GetCameraID() const { return mCameraID; }
   /// Ends the accesses that wait, and all later ones until the next Connect, with Aborted: to be called before an array
   /// that may wait is destroyed.
   void End();
@@ -77,6 +78,7 @@ private:
   const CLDriverTimes mTimes;
   std::unique_ptr<CLSession> mSession; // Outlives the worker.
   std::unique_ptr<PortWorker> mWorker; // Null while not connected.
+  KrString mCameraID;
 };
 
 } // namespace krcamerabridge

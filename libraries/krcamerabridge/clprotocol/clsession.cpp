@@ -33,6 +33,17 @@ std::vector<CLDriverFile> ListCandidates(const CLFullID& aTemplate) {
   return drivers;
 }
 
+// A text ends at its zero. An archive, which ends with zeros of its own, may have one behind it or none.
+KrResult TakeDescription(const std::string& aBytes, const std::string& aXMLID, KrGenDescription& aDescription) {
+  if (!aBytes.starts_with("PK"))
+    return KrGenDescription::ReadFromMemory(aBytes.c_str(), aXMLID, aDescription);
+  const std::string_view archive = aBytes;
+  KrResult result = KrGenDescription::ReadFromMemory(archive.substr(0, archive.size() - 1), aXMLID, aDescription);
+  if (!result.IsOK())
+    result = KrGenDescription::ReadFromMemory(archive, aXMLID, aDescription);
+  return result;
+}
+
 void LogInfo(const std::string& aText) {
   KrLogger("KrCameraBridge").Log(KrLogLevel::Info, {"CLSession", "clsession"}, aText);
 }
@@ -94,7 +105,7 @@ KrResult CLSession::FindCamera(const std::string& aTemplate, std::uint32_t aBaud
   mCookie = said.code >= 0 ? said.cookie : 0; // Of a probe that was cancelled, too.
   if (KrResult result = Judge(asked, said, "Looking for the camera"); !result.IsOK())
     return result;
-  const std::string shortID = ToText(said.bytes).substr(0, std::string_view(ToText(said.bytes)).find('\0'));
+  const std::string shortID = ToText(said.bytes).c_str(); // Up to its zero.
   if (mCookie == 0 || !IsCLShortID(shortID))
     return {KrResult::Code::SystemError, "The CL Protocol driver " + mDriver->GetFile().fileName +
                                              " found a camera whose identifier is none: \"" + MakeCLWords(shortID) +
@@ -160,12 +171,7 @@ KrResult CLSession::ReadDescription(const std::string& aXMLID, KrGenDescription&
   const KrResult asked = mDriver->GetXMLDescription(mCookie, aXMLID, said, aStop);
   if (KrResult result = Judge(asked, said, "Reading a description"); !result.IsOK())
     return result;
-  // A text has its zero behind it; an archive may have none.
-  while (!said.bytes.empty() && said.bytes.back() == 0)
-    said.bytes.pop_back();
-  const std::string origin = "the CL Protocol camera's description " + aXMLID;
-  const KrResult read = KrGenDescription::ReadFromMemory(ToText(said.bytes), origin, aDescription);
-  return read;
+  return TakeDescription(ToText(said.bytes), aXMLID, aDescription);
 }
 
 void CLSession::Close() {
@@ -181,14 +187,17 @@ void CLSession::Close() {
   }
 }
 
-// What cannot be done any more is left: the camera may be gone.
+// What the camera does not do any more is left: it may be gone.
 void CLSession::ReleaseCamera() {
   CLDriver::Said said;
+  KrResult result;
   if (mCookie != 0 && mFastBit != 0)
-    static_cast<void>(
-        mDriver->SetParam(mCookie, CLP_DEVICE_BAUDERATE, KrGetCLSpeedBit(kFirstRate), said, std::stop_token()));
-  if (mCookie != 0)
-    static_cast<void>(mDriver->Disconnect(mCookie, said));
+    result = mDriver->SetParam(mCookie, CLP_DEVICE_BAUDERATE, KrGetCLSpeedBit(kFirstRate), said, {});
+  if (mCookie != 0 && mDriver->IsRunning())
+    result = mDriver->Disconnect(mCookie, said);
+  if (!result.IsOK())
+    KrLogger("KrCameraBridge")
+        .Log(KrLogLevel::Warning, {"CLSession::ReleaseCamera", "clsession"}, result.GetDescription());
   mCookie = 0;
 }
 

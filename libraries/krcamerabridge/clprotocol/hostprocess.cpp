@@ -8,8 +8,8 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/eventfd.h>
-#include <sys/pidfd.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -257,7 +257,7 @@ void HostProcess::Kill() {
 
 std::string HostProcess::Bury() {
   if (mID >= 0) {
-    const FileDescriptor process(pidfd_open(mID, 0));
+    const FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, mID, 0)));
     pollfd ended{.fd = process.Get(), .events = POLLIN, .revents = 0};
     if (process.IsOpen())
       static_cast<void>(poll(&ended, 1, kBurialMs));

@@ -25,10 +25,8 @@ constexpr int kSocket = 3;
 std::atomic<HostChannel*> theChannel{nullptr};
 
 void LogForDriver(CLUINT32 aLevel, const char* aFormat, va_list aValues) {
-  constexpr int kMostLogged = 1000;
-  static std::atomic<int> logged{0};
   HostChannel* const channel = theChannel;
-  if (channel == nullptr || aFormat == nullptr || ++logged > kMostLogged)
+  if (channel == nullptr || aFormat == nullptr)
     return;
   char text[1000];
   const int size = std::vsnprintf(text, sizeof text, aFormat, aValues);

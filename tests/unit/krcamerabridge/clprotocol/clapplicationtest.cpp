@@ -1,0 +1,82 @@
+// When the application dies, the processes of its drivers end, whatever they do.
+
+#include "driverfolder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// A started program with its output.
+class Program {
+public:
+  explicit Program(const krtest::DriverFolder& aFolder, const std::string& aDriver) {
+    int pipes[2];
+    EXPECT_EQ(pipe(pipes), 0);
+    const std::string root = aFolder.GetRoot();
+    const std::string clTemplate = aFolder.GetTemplate(aDriver);
+    mID = fork();
+    if (mID == 0) {
+      dup2(pipes[1], STDOUT_FILENO);
+      execl(KR_TEST_APPLICATION, KR_TEST_APPLICATION, root.c_str(), clTemplate.c_str(),
+            "SchemaVersion.1.1@Maker#Family@XMLVersion.1.2.0", nullptr);
+      _exit(127);
+    }
+    close(pipes[1]);
+    mOutput = fdopen(pipes[0], "r");
+  }
+  ~Program() {
+    std::fclose(mOutput);
+    Kill();
+  }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  int ReadNumber() {
+    char text[32] = {};
+    return std::fgets(text, sizeof text, mOutput) != nullptr ? std::atoi(text) : 0;
+  }
+  void Kill() {
+    if (mID > 0) {
+      kill(mID, SIGKILL);
+      waitpid(mID, nullptr, 0);
+    }
+    mID = -1;
+  }
+
+private:
+  pid_t mID = -1;
+  std::FILE* mOutput = nullptr;
+};
+
+class ApplicationTest : public testing::TestWithParam<const char*> {};
+
+} // namespace
+
+TEST_P(ApplicationTest, Killed_TakesTheDriversProcessAlong) {
+  // The process becomes this one's child, so that its end can be waited for.
+  ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+  krtest::DriverFolder folder;
+  folder.Install(GetParam());
+  Program application(folder, GetParam());
+  const pid_t driver = application.ReadNumber();
+  ASSERT_GT(driver, 0);
+
+  application.Kill();
+
+  int status = 0;
+  ASSERT_EQ(waitpid(driver, &status, 0), driver);
+  EXPECT_TRUE(WIFSIGNALED(status));
+}
+
+INSTANTIATE_TEST_SUITE_P(Drivers, ApplicationTest, testing::Values("libgood.so", "libhang-clpWriteRegister.so"),
+                         [](const auto& aInfo) {
+                           return std::string(aInfo.param) == "libgood.so" ? "idle" : "hanging";
+                         });

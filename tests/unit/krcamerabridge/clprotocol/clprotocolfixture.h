@@ -1,0 +1,85 @@
+#pragma once
+// A test's camera and the driver for it, connected through CLProtocolPort.
+
+#include "clprotocol/clprotocolport.h"
+#include "describedcamera.h"
+#include "driverfolder.h"
+#include "testcamera.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <thread>
+
+namespace krcamerabridge {
+
+constexpr std::uint32_t kGenerousMs = 60000;
+/// A driver that hangs is found out soon, all else has the time that it needs.
+constexpr CLDriverTimes kHangTimes{200, 3000, 3000, 3000, 3000, 3000, 1000};
+constexpr CLDriverTimes kGenerousTimes{200, 60000, 60000, 60000, 60000, 60000, 60000};
+
+constexpr std::uint64_t kProcessID = 0xFFFF0000; // Registers of the test's driver.
+constexpr std::uint64_t kRefused = 0xFFFF0010;
+constexpr std::uint64_t kForgetful = 0xFFFF0020;
+constexpr std::uint64_t kSlow = 0xFFFF0030;
+constexpr std::uint64_t kCancelled = 0xFFFF0040;
+
+class CLProtocolTest : public testing::Test {
+protected:
+  static constexpr const char* kNodes = R"(
+<Category Name="Root" NameSpace="Standard"><pFeature>Gain</pFeature></Category>
+<IntReg Name="Gain"><Address>0x100</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+  <Endianess>BigEndian</Endianess></IntReg>)";
+  static constexpr const char* kBestXMLID = "SchemaVersion.1.1@Maker#Family@XMLVersion.1.2.0";
+
+  KrResult Connect(CLProtocolPort& aPort, const std::string& aDriver, const std::stop_token& aStop = {}) {
+    return aPort.Connect(folder.GetTemplate(aDriver), kBestXMLID, description, aStop);
+  }
+  void ConnectGood() {
+    folder.Install("libgood.so");
+    const KrResult result = Connect(port, "libgood.so");
+    ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  }
+  KrResult Read(std::uint64_t aAddress, std::uint32_t& aValue) {
+    return port.Read(aAddress, &aValue, sizeof aValue, kGenerousMs);
+  }
+  KrResult WriteByte(std::uint64_t aAddress, std::uint8_t aValue, const std::stop_token& aCancel = {}) {
+    return port.Write(aAddress, &aValue, 1, kGenerousMs, aCancel);
+  }
+  // Whether something comes to be within a generous time.
+  template <typename Condition>
+  static bool Await(Condition aCondition) {
+    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousMs);
+    while (!aCondition() && std::chrono::steady_clock::now() < until)
+      std::this_thread::yield();
+    return aCondition();
+  }
+  // Waits for a driver whose camera is not done to ask it again and again.
+  void AwaitPending() {
+    constexpr int kSome = 3;
+    const int reads = line.CountReads();
+    EXPECT_TRUE(Await([&] { return line.CountReads() >= reads + kSome; }));
+  }
+  // Reads until the camera answers again.
+  KrResult ReadUntilAnswered() {
+    std::uint32_t value = 0;
+    KrResult result;
+    static_cast<void>(Await([&] {
+      result = Read(0x100, value);
+      return result != KrResult::Code::TimeLimitExceeded;
+    }));
+    return result;
+  }
+
+  krtest::DriverFolder folder;
+  krtest::CameraEnd camera{krtest::TestCamera(MakeDescription(kNodes))};
+  krtest::RatedLine line{camera.GetLine()};
+  CLProtocolPort port{line, kGenerousTimes};
+  KrGenDescription description;
+};
+
+} // namespace krcamerabridge

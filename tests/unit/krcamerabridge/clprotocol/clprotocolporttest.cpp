@@ -1,0 +1,370 @@
+#include "clprotocolfixture.h"
+
+#include "krbase/krlogger.h"
+#include "krgenicam/krgenparameterarray.h"
+
+#include <csignal>
+#include <future>
+
+namespace krcamerabridge {
+namespace {
+
+using testing::HasSubstr;
+
+std::vector<std::string> ToVector(const KrStringList& aTexts) {
+  std::vector<std::string> texts;
+  for (const KrString& text : aTexts)
+    texts.push_back(text.ToUtf8());
+  return texts;
+}
+
+TEST_F(CLProtocolTest, Templates_AreThoseOfAllDriversThatWork) {
+  folder.Install("libgood.so");
+  folder.InstallOldDriver("libold.so");
+  folder.InstallNoDriver("libnone.so");
+  folder.Write(KR_CLPROTOCOL_SYSTEM "/libtext.so", "no library");
+  KrLogCapture log;
+  KrStringList templates;
+
+  const KrResult result = CLProtocolPort::GetTemplates(templates, kGenerousTimes);
+
+  ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_THAT(ToVector(templates),
+              testing::ElementsAre(folder.GetTemplate("libgood.so"), folder.GetTemplate("libgood.so", "Maker#Other"),
+                                   folder.GetTemplate("libold.so"), folder.GetTemplate("libold.so", "Maker#Other")));
+  EXPECT_EQ(log.GetRecords().size(), 2u);
+}
+
+TEST_F(CLProtocolTest, Templates_OfDriversOfWhichNoneWorks_SayWhatIsWrongWithThem) {
+  folder.InstallNoDriver("libnone.so");
+  folder.Install("libcrash-clpInitLib.so");
+  folder.Install("libnew-clpGetCLProtocolVersion.so");
+  const KrLogCapture log;
+  KrStringList templates;
+
+  const KrResult result = CLProtocolPort::GetTemplates(templates, kGenerousTimes);
+
+  EXPECT_EQ(result, KrResult::Code::SystemError);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("libnone.so cannot be used in being loaded: it is no CL "
+                                                          "Protocol driver: it lacks clpGetCLProtocolVersion"));
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("libcrash-clpInitLib.so was ended by signal 6"));
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("version 2.2"));
+}
+
+TEST_F(CLProtocolTest, Templates_WithoutDrivers_AreNone) {
+  KrStringList templates;
+
+  EXPECT_TRUE(CLProtocolPort::GetTemplates(templates).IsOK());
+  EXPECT_TRUE(templates.IsEmpty());
+}
+
+TEST_F(CLProtocolTest, WithoutTheProgramForDrivers_TheMessageSaysHowItIsFound) {
+  folder.Install("libgood.so");
+  setenv("KRGUI_CLPROTOCOL_HOST", "/nowhere/host", 1);
+  const KrLogCapture log;
+  KrStringList templates;
+
+  const KrResult result = CLProtocolPort::GetTemplates(templates);
+
+  EXPECT_EQ(result, KrResult::Code::SystemError);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("/nowhere/host"));
+}
+
+TEST_F(CLProtocolTest, Probe_GivesTheCameraAndItsDescriptionsAndPutsTheLineBack) {
+  folder.Install("libgood.so");
+  folder.Write("SchemaVersion.1.1@Maker#Family#Model@XMLVersion.1.0.0.xml", MakeDescription(kNodes));
+  KrString cameraID;
+  KrStringList ids;
+
+  const KrResult result = port.Probe(folder.GetTemplate("libgood.so"), cameraID, ids, {});
+
+  ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(cameraID.ToUtf8(), folder.GetTemplate("libgood.so", "Maker#Family#Model#_1_0#SN7"));
+  EXPECT_THAT(ToVector(ids), testing::ElementsAre("SchemaVersion.1.1@Maker#Family#Model@XMLVersion.1.0.0", kBestXMLID,
+                                                  "SchemaVersion.1.1@Maker#Family@XMLVersion.1.0.0"));
+  EXPECT_EQ(line.GetBaudRate(), 57600u);
+  EXPECT_FALSE(port.IsConnected());
+}
+
+TEST_F(CLProtocolTest, Probe_WithACamerasIdentifier_FindsIt) {
+  folder.Install("libgood.so");
+  KrString cameraID;
+  KrStringList ids;
+
+  EXPECT_TRUE(port.Probe(folder.GetTemplate("libgood.so", "Maker#Family#Model#_1_0#SN7"), cameraID, ids, {}).IsOK());
+  EXPECT_EQ(port.Probe(folder.GetTemplate("libgood.so", "Maker#Family#Model#_1_0#SN8"), cameraID, ids, {}),
+            KrResult::Code::NotFound);
+}
+
+TEST_F(CLProtocolTest, Probe_WithTheTemplateOfAnotherDirectory_TakesTheDriverOfThatName) {
+  folder.Install("libgood.so");
+  KrString cameraID;
+  KrStringList ids;
+
+  EXPECT_TRUE(port.Probe("/elsewhere#libgood.so#Maker#Family", cameraID, ids, {}).IsOK());
+  EXPECT_EQ(cameraID.ToUtf8(), folder.GetTemplate("libgood.so", "Maker#Family#Model#_1_0#SN7"));
+}
+
+TEST_F(CLProtocolTest, Probe_WithATemplateThatNoDriverHas_IsInvalidInput) {
+  folder.Install("libgood.so");
+  KrString cameraID;
+  KrStringList ids;
+
+  for (const std::string& text : {folder.GetTemplate("libgood.so", "Nobody"), folder.GetTemplate("libother.so"),
+                                  folder.GetTemplate("libgood.so", "Maker"), std::string("nonsense")})
+    EXPECT_EQ(port.Probe(text, cameraID, ids, {}), KrResult::Code::InvalidInput) << text;
+}
+
+TEST_F(CLProtocolTest, Probe_WithoutACamera_IsNotFoundInTheStandardsWords) {
+  folder.Install("libgood.so");
+  camera.SetSilent(true);
+  KrString cameraID;
+  KrStringList ids;
+
+  const KrResult result = port.Probe(folder.GetTemplate("libgood.so"), cameraID, ids, {});
+
+  EXPECT_EQ(result, KrResult::Code::NotFound);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("libgood.so: no camera was found (error -20101)"));
+}
+
+TEST_F(CLProtocolTest, Probe_OverALostLine_SaysThat) {
+  folder.Install("libgood.so");
+  camera.HangUp();
+  KrString cameraID;
+  KrStringList ids;
+
+  const KrResult result = port.Probe(folder.GetTemplate("libgood.so"), cameraID, ids, {});
+
+  EXPECT_EQ(result, KrResult::Code::ConnectionLost);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("The camera's end of the line is closed"));
+}
+
+TEST_F(CLProtocolTest, Probe_Cancelled_IsStoppedByTheDriverItself) {
+  folder.Install("libloop-clpProbeDevice.so");
+  KrLogCapture log;
+  std::stop_source stop;
+  auto probing = std::async(std::launch::async, [&] {
+    KrString cameraID;
+    KrStringList ids;
+    return port.Probe(folder.GetTemplate("libloop-clpProbeDevice.so"), cameraID, ids, stop.get_token());
+  });
+  AwaitPending();
+
+  stop.request_stop();
+
+  EXPECT_EQ(probing.get(), KrResult::Code::Aborted);
+  EXPECT_EQ(line.GetBaudRate(), 57600u);
+}
+
+TEST_F(CLProtocolTest, Parameters_AreReadAndWrittenThroughTheDriverAtTheBestRate) {
+  ConnectGood();
+  EXPECT_EQ(line.GetBaudRate(), 115200u);
+  EXPECT_EQ(port.GetCameraID().ToUtf8(), folder.GetTemplate("libgood.so", "Maker#Family#Model#_1_0#SN7"));
+  std::unique_ptr<KrGenParameterArray> array;
+  ASSERT_TRUE(KrGenParameterArray::Open(description, port, {CLProtocolPort::kAccessTimeoutMs}, array).IsOK());
+
+  ASSERT_TRUE(array->GetInteger("Gain")->SetValue(0x01020304).IsOK());
+
+  std::uint32_t value = 0;
+  ASSERT_TRUE(Read(0x100, value).IsOK());
+  EXPECT_EQ(value, 0x04030201u);
+  array.reset();
+  port.Disconnect();
+  EXPECT_EQ(line.GetBaudRate(), 57600u);
+  EXPECT_EQ(Read(0x100, value), KrResult::Code::WrongState);
+  EXPECT_TRUE(port.GetCameraID().IsEmpty());
+}
+
+TEST_F(CLProtocolTest, ADriverOf1_0_IsUsedWithoutWhatItLacks) {
+  folder.InstallOldDriver("libold.so");
+
+  const KrResult result = Connect(port, "libold.so");
+
+  ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(line.GetBaudRate(), 9600u);
+  std::uint32_t value = 0;
+  EXPECT_TRUE(Read(0x100, value).IsOK());
+}
+
+TEST_F(CLProtocolTest, Description_OfAFile_IsReadFromThere) {
+  folder.Install("libgood.so");
+  folder.Write(KR_CLPROTOCOL_SYSTEM "/" + std::string(kBestXMLID) + ".xml", MakeDescription("<!-- of the file -->"));
+
+  ASSERT_TRUE(Connect(port, "libgood.so").IsOK());
+
+  EXPECT_THAT(std::string(description.GetText()), HasSubstr("of the file"));
+}
+
+TEST_F(CLProtocolTest, Connect_ToADescriptionThatThereIsNot_IsNotFound) {
+  folder.Install("libgood.so");
+
+  EXPECT_EQ(port.Connect(folder.GetTemplate("libgood.so"), "SchemaVersion.1.1@Maker@XMLVersion.9.0.0", description, {}),
+            KrResult::Code::NotFound);
+  EXPECT_FALSE(port.IsConnected());
+}
+
+TEST_F(CLProtocolTest, Connect_Twice_IsAWrongState) {
+  ConnectGood();
+  KrString cameraID;
+  KrStringList ids;
+
+  EXPECT_EQ(Connect(port, "libgood.so"), KrResult::Code::WrongState);
+  EXPECT_EQ(port.Probe(folder.GetTemplate("libgood.so"), cameraID, ids, {}), KrResult::Code::WrongState);
+}
+
+TEST_F(CLProtocolTest, RefusedAccess_IsToldInTheDriversWordsAndLeavesTheCameraUsable) {
+  ConnectGood();
+  std::uint32_t value = 0;
+
+  const KrResult result = Read(kRefused, value);
+
+  EXPECT_EQ(result, KrResult::Code::ProtocolError);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("libgood.so: The lens cap is on (error -30001)."));
+  EXPECT_TRUE(Read(0x100, value).IsOK());
+}
+
+TEST_F(CLProtocolTest, LargeAccesses_AreWhole) {
+  ConnectGood();
+  std::vector<std::uint8_t> bytes(60000);
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<std::uint8_t>(i * 7 + i / 256);
+  std::vector<std::uint8_t> read(bytes.size());
+
+  ASSERT_TRUE(port.Write(0, bytes.data(), bytes.size(), kGenerousMs).IsOK());
+  ASSERT_TRUE(port.Read(0, read.data(), read.size(), kGenerousMs).IsOK());
+
+  EXPECT_EQ(read, bytes);
+}
+
+TEST_F(CLProtocolTest, PendingWrite_IsContinuedUntilItIsDone) {
+  ConnectGood();
+
+  EXPECT_TRUE(WriteByte(kSlow, 20).IsOK());
+
+  std::uint8_t cancelled = 1;
+  ASSERT_TRUE(port.Read(kCancelled, &cancelled, 1, kGenerousMs).IsOK());
+  EXPECT_EQ(cancelled, 0);
+}
+
+TEST_F(CLProtocolTest, PendingWrite_ThatIsCancelled_IsCancelledInTheDriver) {
+  ConnectGood();
+  std::stop_source stop;
+  auto writing = std::async(std::launch::async, [&] { return WriteByte(kSlow, 127, stop.get_token()); });
+  AwaitPending();
+
+  stop.request_stop();
+
+  EXPECT_EQ(writing.get(), KrResult::Code::Aborted);
+  std::uint8_t cancelled = 0;
+  const KrResult result = port.Read(kCancelled, &cancelled, 1, kGenerousMs);
+  ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(cancelled, 1);
+}
+
+TEST_F(CLProtocolTest, PendingWrite_BeyondTheCallersLimit_LeavesTheCameraUsable) {
+  ConnectGood();
+  const std::uint8_t forever = 127;
+
+  EXPECT_EQ(port.Write(kSlow, &forever, 1, 100), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_TRUE(ReadUntilAnswered().IsOK());
+}
+
+TEST_F(CLProtocolTest, SilentCamera_IsUsableAgainWhenItAnswers) {
+  ConnectGood();
+  std::uint32_t value = 0;
+  ASSERT_TRUE(Read(0x100, value).IsOK());
+  camera.SetSilent(true);
+  EXPECT_EQ(Read(0x100, value), KrResult::Code::TimeLimitExceeded);
+
+  camera.SetSilent(false);
+
+  EXPECT_TRUE(ReadUntilAnswered().IsOK());
+}
+
+TEST_F(CLProtocolTest, CameraThatTheDriverHasForgotten_IsFoundAgainAtItsRate) {
+  ConnectGood();
+  std::uint32_t value = 0;
+  EXPECT_EQ(Read(kForgetful, value), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_TRUE(ReadUntilAnswered().IsOK());
+  EXPECT_EQ(line.GetBaudRate(), 115200u);
+}
+
+TEST_F(CLProtocolTest, KilledProcess_IsAConnectionLostAndTheNextConnectionWorks) {
+  ConnectGood();
+  std::uint32_t process = 0;
+  ASSERT_TRUE(Read(kProcessID, process).IsOK());
+  ASSERT_NE(process, 0u);
+
+  ASSERT_EQ(kill(static_cast<pid_t>(process), SIGKILL), 0);
+
+  std::uint32_t value = 0;
+  const KrResult result = Read(0x100, value);
+  EXPECT_EQ(result, KrResult::Code::ConnectionLost);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("libgood.so was ended by signal 9 (Killed)"));
+  EXPECT_EQ(Read(0x100, value), KrResult::Code::ConnectionLost);
+  port.Disconnect();
+  EXPECT_TRUE(Connect(port, "libgood.so").IsOK());
+  EXPECT_TRUE(Read(0x100, value).IsOK());
+}
+
+TEST_F(CLProtocolTest, Disconnect_EndsTheProcess) {
+  ConnectGood();
+  std::uint32_t process = 0;
+  ASSERT_TRUE(Read(kProcessID, process).IsOK());
+
+  port.Disconnect();
+
+  EXPECT_EQ(kill(static_cast<pid_t>(process), 0), -1);
+}
+
+TEST_F(CLProtocolTest, End_EndsWhoWaits) {
+  ConnectGood();
+  auto writing = std::async(std::launch::async, [&] { return WriteByte(kSlow, 127); });
+  AwaitPending();
+
+  port.End();
+
+  EXPECT_EQ(writing.get(), KrResult::Code::Aborted);
+}
+
+TEST_F(CLProtocolTest, AccessesOfManyThreads_AreAllRight) {
+  ConnectGood();
+  std::vector<std::future<bool>> threads;
+  for (std::uint64_t i = 0; i < 8; ++i)
+    threads.push_back(std::async(std::launch::async, [this, i] {
+      for (std::uint32_t round = 0; round < 50; ++round) {
+        const std::uint32_t own = static_cast<std::uint32_t>(i) << 24 | round;
+        std::uint32_t read = 0;
+        if (!port.Write(0x200 + 4 * i, &own, sizeof own, kGenerousMs).IsOK() || !Read(0x200 + 4 * i, read).IsOK() ||
+            read != own)
+          return false;
+      }
+      return true;
+    }));
+
+  for (auto& thread : threads)
+    EXPECT_TRUE(thread.get());
+}
+
+TEST_F(CLProtocolTest, WhatADriverLogs_IsLogged) {
+  KrLogCapture log;
+  ConnectGood();
+
+  EXPECT_TRUE(log.Contains(KrLogLevel::Info, "The CL Protocol driver libgood.so says: found a camera at 42"));
+}
+
+TEST_F(CLProtocolTest, WhatADriverPrints_IsLoggedUpToALimit) {
+  folder.Install("libloud-clpInitLib.so");
+  KrLogCapture log;
+
+  EXPECT_TRUE(Connect(port, "libloud-clpInitLib.so").IsOK());
+
+  EXPECT_TRUE(log.Contains(KrLogLevel::Warning, "The CL Protocol driver libloud-clpInitLib.so prints: the driver "
+                                                "prints line 0 of what nobody wants to read"));
+  EXPECT_LT(log.GetRecords().size(), 5000u);
+}
+
+} // namespace
+} // namespace krcamerabridge
