@@ -11,10 +11,11 @@ namespace krcamerabridge {
 DeviceLine::DeviceLine(std::unique_ptr<ILineSpeed> aSpeed) : mSpeed(std::move(aSpeed)) {}
 
 KrResult DeviceLine::Open(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort) {
-  KrResult result = mPort.Open(&aAdapter, aPort);
-  if (result.IsOK())
-    ResetStatistics();
-  return result;
+  return mPort.Open(&aAdapter, aPort);
+}
+
+void DeviceLine::Close() {
+  (void)mPort.Close(); // It is always OK.
 }
 
 KrResult DeviceLine::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, std::uint32_t aTimeoutMs,

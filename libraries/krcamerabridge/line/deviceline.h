@@ -20,6 +20,8 @@ public:
 
   /// Opens the port; results as of KrDeviceSerialPort::Open. Destruction closes it.
   KrResult Open(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort);
+  /// Closes the port, which may be opened again. Closing what is closed does nothing.
+  void Close();
 
   KrResult Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel) override;
@@ -30,7 +32,7 @@ public:
   std::uint32_t GetBaudRate() override;
   KrResult SetBaudRate(std::uint32_t aBaudRate) override;
 
-  /// Bytes that the port took, and gave, since it was opened or the last reset; those that were dropped, too.
+  /// Bytes that the port took, and gave, since the line was made or the last reset; those that were dropped, too.
   std::uint64_t GetBytesSent() const { return mSent; }
   std::uint64_t GetBytesReceived() const { return mReceived; }
   void ResetStatistics();

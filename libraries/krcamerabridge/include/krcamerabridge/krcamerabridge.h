@@ -21,9 +21,15 @@ class KrStream;
 /// describes a camera with commands of its own.
 ///
 /// Thread: any, one call at a time; the calls that ask the camera wait as long as it takes, and Cancel, from any
-/// thread, ends them. Counters may be read at any time. Ownership: the holder's. Device and stream are borrowed and
-/// must outlive it. The parameters belong to the bridge and end with the connection: a window that shows them must be
-/// told first.
+/// thread, ends them. IsConnected, counters, source and synchronisation may be used at any time. None may be called
+/// from an event sink of the camera's parameters. Ownership: the holder's. The stream is borrowed and must outlive the
+/// bridge; so should the device, without which everything fails with ConnectionLost. The parameters belong to the
+/// bridge and end with the connection: a window that shows them must be told first.
+///
+/// While it is connected it holds the device's port: nobody else of this process can open it. With a device that is
+/// lost it stays connected, and everything that needs the camera fails with ConnectionLost, until Disconnect. Results
+/// of the calls that open the port are besides their own those of KrDeviceSerialPort::Open; InvalidInput without a
+/// device.
 ///
 ///     KrCameraBridge bridge(device, KrDeviceSerial::Serial0, nullptr);
 ///     KrStringList xmlIDs;
@@ -46,38 +52,57 @@ public:
   /// OK with an empty list where no driver is installed.
   static KrResult GetCLProtocolTemplates(KrStringList& aTemplates);
   /// Asks the driver of a template for a camera on the port, and for the XML identifiers of what it finds, the best
-  /// first. NotFound when no camera answers, InvalidInput for a template that no driver has.
+  /// first. NotFound when no camera answers, InvalidInput for a template that no driver has, WrongState while it is
+  /// connected.
   KrResult ProbeCLProtocol(const KrString& aTemplate, KrString& aCameraID, KrStringList& aXMLIDs);
-  /// Connects by the driver of a template, with one of the identifiers that probing gave.
+  /// Connects by the driver of a template, with one of the identifiers that probing gave. This and the other ways
+  /// disconnect first; a failed one leaves the bridge disconnected. Results as of probing; NotFound also for an
+  /// identifier that the camera does not have, BadData for a description that is none.
   KrResult ConnectCLProtocol(const KrString& aTemplate, const KrString& aXMLID);
-  /// The identifiers of the descriptions that a GenCP camera offers, the best first. NotFound when no camera answers.
+  /// The identifiers of the descriptions that a GenCP camera offers, the best first. NotFound when no camera answers,
+  /// WrongState while it is connected.
   KrResult GetGenCPXMLIDs(KrStringList& aXMLIDs);
-  /// Connects by GenCP with one of these identifiers.
+  /// Connects by GenCP with one of these identifiers. NotFound when no camera answers or it has no such description,
+  /// AccessDenied when it gives nobody control, BadData for a description that is none.
   KrResult ConnectGenCP(const KrString& aXMLID);
   /// Connects by a camera file. BadData for a file with mistakes, which GetTolvanCameraFileParserErrors lists; NotFound
-  /// and AccessDenied for one that cannot be read; TimeLimitExceeded for a camera that does not answer.
+  /// and AccessDenied for one that cannot be read; NotSupported for a speed that the port does not have;
+  /// TimeLimitExceeded for a camera that does not answer.
   KrResult ConnectTolvanCameraFile(const KrString& aPath);
   /// All mistakes of the file that was to be loaded last, "line:column: reason" each; empty where it had none.
   KrStringList GetTolvanCameraFileParserErrors() const;
-  /// Ends the connection; the parameters end with it. Disconnecting what is not connected does nothing.
+  /// Ends the parameters, with the accesses that wait, gives the camera free, and then the port; a camera that does not
+  /// answer any more may take a few seconds. Disconnecting what is not connected does nothing.
   void Disconnect();
   /// True from a successful connection to Disconnect, also while the camera does not answer.
   bool IsConnected() const;
-  /// Ends the calls that wait, with Aborted. Thread: any.
+  /// Ends the call that runs, with Aborted; one that begins later is not touched. Parameters that somebody waits for
+  /// are not ended by it (KrGenParameterArray::Cancel). Thread: any.
   void Cancel();
 
-  /// The camera's parameters; null while it is not connected.
+  /// The camera's parameters, until the connection ends; null while it is not connected.
   KrGenParameterArray* GetParameters();
 
   /// The entry of the device's SourceSelector that the camera feeds; empty at first.
   KrString GetSource() const;
-  /// InvalidInput for an entry that the device lacks.
+  /// InvalidInput for an entry that the device lacks; the empty text is always taken. Failures of a device that does
+  /// not answer.
   KrResult SetSource(const KrString& aSource);
-  /// Whether the camera's size, offsets and pixel format are carried to the device when they change. Off at first.
+  /// Whether the camera's Width, Height, OffsetX, OffsetY and PixelFormat, as far as it has them, are carried to the
+  /// features of the same names of the device, of the bridge's source, or, where that is empty, of the one that is
+  /// selected. Off at first.
   bool GetParametersSyncEnabled() const;
+  /// While it is connected they are carried when it is switched on, when the connection begins, with another source,
+  /// and whenever the parameters tell of a change (what the camera changes by itself is found out by those that poll
+  /// it); while the stream runs, when it has stopped. That is done by a thread of the bridge's own: what could not be
+  /// done is said by GetParametersSyncText, logged, and tried again with the next change. Always OK.
   KrResult SetParametersSyncEnabled(bool aIsOn);
+  /// What could not be carried last time, or that the stream's end is waited for, in sentences for people; empty where
+  /// all is well. Thread: any.
+  KrString GetParametersSyncText() const;
 
-  /// Bytes that the device's port took and gave since the connection or the last reset.
+  /// Bytes that the device's port took from this bridge and gave it, in all its connections and questions since it was
+  /// made or the last reset. Thread: any.
   std::uint64_t GetBytesSentToCamera() const;
   std::uint64_t GetBytesReceivedFromCamera() const;
   void ResetStatistics();
@@ -89,16 +114,21 @@ public:
   KrResult GetCLProtocolXMLID(KrString& aXMLID) const;
   KrResult GetGenCPXMLID(KrString& aXMLID) const;
 
-  /// Stores under a name how it is connected, source, synchronisation and the camera's streamable features. WrongState
-  /// where it is not connected.
+  /// Stores under a name how it is connected, source, synchronisation and the camera's streamable features; those that
+  /// the camera refuses to tell are logged and left out. WrongState where it is not connected; nothing is stored when
+  /// the camera does not answer (TimeLimitExceeded, ConnectionLost) and after Cancel.
   KrResult Save(const KrString& aName, KrConfigurationWriter& aWriter);
-  /// Connects as it was saved and sets the features. aErrors gets a line for everything that could not be done; the
-  /// first failure is returned. NotFound where nothing is stored under the name.
+  /// Disconnects, connects as it was saved, sets the features, and then source and synchronisation. Of what is stored
+  /// all is used that can be. aErrors gets a further line for everything that could not be done; the first failure is
+  /// returned, BadData for what is stored wrongly. NotFound where nothing is stored under the name: the bridge stays as
+  /// it was then.
   KrResult Load(const KrString& aName, const KrConfigurationReader& aReader, KrStringList& aErrors);
 
-  /// Power over Camera Link of a device.
+  /// Power over Camera Link of a device, by the feature that it has for it. False without a device, for one that has
+  /// none and one that does not answer.
   static bool IsPoCLSupported(KrDevice* aDevice);
   static bool IsPoCLEnabled(KrDevice* aDevice);
+  /// InvalidInput without a device, NotSupported for one that has none; else results as of a parameter.
   static KrResult SetPoCLEnabled(KrDevice* aDevice, bool aIsOn);
 
 private:

@@ -1,0 +1,198 @@
+#include "connection/bridgebody.h"
+
+#include "connection/grabberfeatures.h"
+#include "krbase/krlogger.h"
+#include "krdevice/krdeviceadapter.h"
+#include "krpersistence/krconfigurationreader.h"
+#include "krpersistence/krconfigurationwriter.h"
+#include "line/devicelinespeed.h"
+#include "saved/savedbridge.h"
+
+#include <algorithm>
+#include <array>
+
+namespace krcamerabridge {
+
+namespace {
+
+constexpr std::array kUnreachable = {KrResult::Code::Aborted, KrResult::Code::ConnectionLost,
+                                     KrResult::Code::TimeLimitExceeded};
+
+/// Ends what the parameters wait for when a call is ended.
+class ParameterCall {
+public:
+  ParameterCall(KrGenParameterArray& aParameters, const std::stop_token& aStop)
+      : mStop(aStop), mOnStop(aStop, [&aParameters] { aParameters.Cancel(); }) {}
+
+  KrGenProgress GetProgress() const {
+    return [this](std::size_t, std::size_t) { return !mStop.stop_requested(); };
+  }
+
+private:
+  const std::stop_token mStop;
+  const std::stop_callback<std::function<void()>> mOnStop;
+};
+
+/// The lines of what could not be loaded, and the first failure.
+class LoadErrors {
+public:
+  LoadErrors(const KrString& aName, KrStringList& aLines) : mPrefix("Camera bridge " + aName + ": "), mLines(aLines) {}
+
+  void Add(const KrResult& aResult, const KrStringList& aLines) {
+    for (const KrString& line : aLines)
+      mLines.Add(mPrefix + line);
+    if (mFirst.IsOK() && !aResult.IsOK())
+      mFirst = KrResult(aResult.GetCode(), mPrefix + aResult.GetDescription());
+  }
+  void Add(const KrResult& aResult, const KrString& aAttempt = {}) {
+    if (aResult.IsOK())
+      return;
+    KrStringList lines;
+    lines.Add(aAttempt + aResult.GetDescription());
+    Add(aResult, lines);
+  }
+  const KrResult& GetFirst() const { return mFirst; }
+
+private:
+  const KrString mPrefix;
+  KrStringList& mLines;
+  KrResult mFirst;
+};
+
+KrResult TellUnconnected(const KrString& aAttempt) {
+  return {KrResult::Code::WrongState, aAttempt + ": the camera bridge is not connected."};
+}
+
+} // namespace
+
+BridgeBody::BridgeBody(KrDevice* aDevice, KrDeviceSerial aPort, KrStream* aStream)
+    : mDevice(aDevice), mPort(aPort), mLine(std::make_unique<DeviceLineSpeed>(mDevice, aPort)),
+      mSync(mDevice, aStream) {}
+
+BridgeBody::~BridgeBody() {
+  Disconnect();
+}
+
+KrResult BridgeBody::OpenLine() {
+  return mDevice.Use([this](KrDevice& aDevice) {
+    KrDeviceAdapter adapter(aDevice);
+    return mLine.Open(adapter, mPort);
+  });
+}
+
+KrResult BridgeBody::AskUnconnected(const Question& aQuestion) {
+  const std::stop_token stop = mCall.Begin();
+  if (mConnection)
+    return {KrResult::Code::WrongState, "The camera bridge is connected; disconnect it before asking for cameras."};
+  if (KrResult result = OpenLine(); !result.IsOK())
+    return result;
+  KrResult result = aQuestion(mLine, stop);
+  mLine.Close();
+  return result;
+}
+
+KrResult BridgeBody::Connect(const CameraChoice& aChoice) {
+  return Connect(aChoice, mCall.Begin());
+}
+
+KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token& aStop) {
+  Disconnect();
+  const auto openLine = [this](ICameraLine*& aLine) {
+    aLine = &mLine;
+    return OpenLine();
+  };
+  KrStringList mistakes;
+  KrResult result = CameraConnection::Open(aChoice, {openLine, aStop, mistakes}, mConnection);
+  if (aChoice.way == &kCameraFileWay)
+    mMistakes = mistakes;
+  if (!result.IsOK()) {
+    mLine.Close();
+    return result;
+  }
+  mSync.Attach(mConnection->GetParameters());
+  mIsConnected = true;
+  return {};
+}
+
+void BridgeBody::Disconnect() {
+  mIsConnected = false;
+  mSync.Detach();
+  mConnection.reset();
+  mLine.Close();
+}
+
+KrResult BridgeBody::CheckWay(const CameraWay& aWay) const {
+  if (mConnection && mConnection->GetChoice().way == &aWay)
+    return {};
+  return {KrResult::Code::WrongState, KrString("The camera bridge is not connected by ") + aWay.name + "."};
+}
+
+KrResult BridgeBody::SetSource(const KrString& aSource) {
+  if (!aSource.IsEmpty()) {
+    KrResult result = mDevice.Use([&](KrDevice& aDevice) {
+      KrDeviceAdapter adapter(aDevice);
+      return CheckSource(adapter, aSource);
+    });
+    if (!result.IsOK())
+      return result;
+  }
+  mSync.SetSource(aSource);
+  return {};
+}
+
+KrResult BridgeBody::Save(const KrString& aName, KrConfigurationWriter& aWriter) {
+  const KrString attempt = "Saving the camera bridge " + aName;
+  const std::stop_token stop = mCall.Begin();
+  if (!mConnection)
+    return TellUnconnected(attempt);
+  SavedBridge saved{.choice = mConnection->GetChoice(), .source = mSync.GetSource(), .isSyncOn = mSync.IsOn()};
+  KrStringList problems;
+  KrGenParameterArray& parameters = mConnection->GetParameters();
+  const ParameterCall call(parameters, stop);
+  const KrResult stored = parameters.StoreSettings(saved.settings, problems, call.GetProgress());
+  if (std::ranges::find(kUnreachable, stored.GetCode()) != kUnreachable.end())
+    return {stored.GetCode(), attempt + ": " + stored.GetDescription()};
+  for (const KrString& problem : problems)
+    KrLogger("KrCameraBridge")
+        .Log(KrLogLevel::Warning, {"KrCameraBridge::Save", "bridgebody"}, attempt + ": " + problem);
+  return aWriter.Store(aName, StoreBridge(saved));
+}
+
+KrResult BridgeBody::Load(const KrString& aName, const KrConfigurationReader& aReader, KrStringList& aErrors) {
+  const std::stop_token stop = mCall.Begin();
+  LoadErrors errors(aName, aErrors);
+  KrPropertyList properties;
+  if (const KrResult result = aReader.Restore(aName, properties); !result.IsOK()) {
+    errors.Add(result);
+    return errors.GetFirst();
+  }
+  Disconnect();
+  SavedBridge saved;
+  KrStringList lines;
+  const KrResult read = RestoreBridge(properties, saved, lines);
+  errors.Add(read, lines);
+  // The device is set once, when the camera has its values back.
+  mSync.SetOn(false);
+  errors.Add(SetSource(saved.source));
+  if (saved.choice.way) {
+    const KrResult connected = Connect(saved.choice, stop);
+    errors.Add(connected, KrString("Connecting by ") + saved.choice.way->name + ": ");
+    KrStringList problems;
+    if (connected.IsOK())
+      errors.Add(RestoreSettings(saved.settings, stop, problems), problems);
+  }
+  mSync.SetOn(saved.isSyncOn.value_or(false));
+  return errors.GetFirst();
+}
+
+KrResult BridgeBody::RestoreSettings(const KrGenSettings& aSettings, const std::stop_token& aStop,
+                                     KrStringList& aProblems) {
+  KrGenParameterArray& parameters = mConnection->GetParameters();
+  const ParameterCall call(parameters, aStop);
+  KrResult result = parameters.RestoreSettings(aSettings, aProblems, call.GetProgress());
+  if (result == KrResult::Code::Aborted)
+    aProblems.Add("The camera's features were not all set, as loading was ended.");
+  return result;
+}
+
+} // namespace krcamerabridge

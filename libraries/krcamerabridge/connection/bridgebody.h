@@ -1,0 +1,70 @@
+#pragma once
+// The state of a camera bridge, and the order in which its parts begin and end. What each way does is left to its row
+// of the table, what is asked to the public class.
+
+#include "connection/callstop.h"
+#include "connection/cameraconnection.h"
+#include "krbase/krstringlist.h"
+#include "krserial/krdeviceserial.h"
+#include "line/borroweddevice.h"
+#include "line/deviceline.h"
+#include "sync/parametersync.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+class KrConfigurationReader;
+class KrConfigurationWriter;
+class KrStream;
+
+namespace krcamerabridge {
+
+/// Thread: as KrCameraBridge. Ownership: borrows device and stream.
+class BridgeBody {
+public:
+  using Question = std::function<KrResult(ICameraLine& aLine, const std::stop_token& aStop)>;
+
+  BridgeBody(KrDevice* aDevice, KrDeviceSerial aPort, KrStream* aStream);
+  /// Disconnects.
+  ~BridgeBody();
+  BridgeBody(const BridgeBody&) = delete;
+  BridgeBody& operator=(const BridgeBody&) = delete;
+
+  /// Asks something of the camera for which it need not be connected; the port is open as long as that takes.
+  /// WrongState while it is connected.
+  KrResult AskUnconnected(const Question& aQuestion);
+  KrResult Connect(const CameraChoice& aChoice);
+  void Disconnect();
+  void Cancel() { mCall.Stop(); }
+
+  bool IsConnected() const { return mIsConnected; }
+  /// Null while it is not connected.
+  CameraConnection* GetConnection() const { return mConnection.get(); }
+  /// WrongState where it is not connected in that way.
+  KrResult CheckWay(const CameraWay& aWay) const;
+  const KrStringList& GetMistakes() const { return mMistakes; }
+
+  KrResult SetSource(const KrString& aSource);
+  KrResult Save(const KrString& aName, KrConfigurationWriter& aWriter);
+  KrResult Load(const KrString& aName, const KrConfigurationReader& aReader, KrStringList& aErrors);
+
+  DeviceLine& GetLine() { return mLine; }
+  ParameterSync& GetSync() { return mSync; }
+
+private:
+  KrResult OpenLine();
+  KrResult Connect(const CameraChoice& aChoice, const std::stop_token& aStop);
+  KrResult RestoreSettings(const KrGenSettings& aSettings, const std::stop_token& aStop, KrStringList& aProblems);
+
+  const BorrowedDevice mDevice;
+  const KrDeviceSerial mPort;
+  CallStop mCall;
+  DeviceLine mLine;
+  std::unique_ptr<CameraConnection> mConnection; // Ends before the line, and after what stands on its parameters.
+  ParameterSync mSync;
+  std::atomic<bool> mIsConnected{false};
+  KrStringList mMistakes;
+};
+
+} // namespace krcamerabridge

@@ -1,0 +1,33 @@
+#include "connection/grabberfeatures.h"
+
+#include <algorithm>
+#include <array>
+
+namespace krcamerabridge {
+
+namespace {
+
+constexpr std::array<const char*, 2> kPoCLSwitches = {"PoclEnable", "PoCLEnable"};
+
+} // namespace
+
+KrResult CheckSource(IKrDeviceAdapter& aAdapter, const KrString& aSource) {
+  const KrString attempt = "Choosing the source \"" + aSource + "\": ";
+  KrStringList entries;
+  const KrResult result = aAdapter.GetEnumEntries(kSourceSelector, entries);
+  if (result == KrResult::Code::NotFound || result == KrResult::Code::NotSupported)
+    return {KrResult::Code::InvalidInput, attempt + "the device has no sources to choose from."};
+  if (!result.IsOK())
+    return {result.GetCode(), attempt + result.GetDescription()};
+  if (std::find(entries.begin(), entries.end(), aSource) == entries.end())
+    return {KrResult::Code::InvalidInput, attempt + "the device has no source of that name."};
+  return {};
+}
+
+KrString FindPoCLSwitch(IKrDeviceAdapter& aAdapter) {
+  const auto* const found =
+      std::ranges::find_if(kPoCLSwitches, [&](const char* aName) { return aAdapter.HasParameter(aName); });
+  return found == kPoCLSwitches.end() ? KrString() : KrString(*found);
+}
+
+} // namespace krcamerabridge
