@@ -9,6 +9,7 @@
 
 namespace {
 
+using krcamerabridge::BorrowedDevice;
 using krcamerabridge::DeviceLine;
 using krcamerabridge::DeviceLineSpeed;
 using krcamerabridge::GenCPPort;
@@ -20,7 +21,7 @@ protected:
   void SetUp() override {
     ASSERT_TRUE(Open(kMonoMAC, mDevice).IsOK());
     mAdapter.emplace(*mDevice);
-    mLine.emplace(std::make_unique<DeviceLineSpeed>(*mAdapter, KrDeviceSerial::Serial0));
+    mLine.emplace(std::make_unique<DeviceLineSpeed>(BorrowedDevice(mDevice.get()), KrDeviceSerial::Serial0));
     ASSERT_TRUE(mLine->Open(*mAdapter, KrDeviceSerial::Serial0).IsOK());
     mCamera.emplace(*mLine);
   }

@@ -1,6 +1,5 @@
 #include "camerafile/answermatching.h"
 
-#include <algorithm>
 #include <span>
 
 namespace krcamerabridge {
@@ -60,11 +59,8 @@ private:
     case Kind::Value:
       mContent.value = DecodeWire(aPart.format, aBytes);
       return mContent.value.has_value();
-    case Kind::Check: {
-      const std::size_t from = std::min(mRule.from, mPlace);
-      return TakeNumber(aPart, aBytes, number) &&
-             number == ComputeChecksum(mRule.kind, mMessage.substr(from, mPlace - from));
-    }
+    case Kind::Check:
+      return TakeNumber(aPart, aBytes, number) && number == mRule.Compute(mMessage.substr(0, mPlace));
     case Kind::Length:
       return TakeNumber(aPart, aBytes, number) &&
              number == static_cast<std::int64_t>(mMessage.size() - mPlace - aBytes.size()) + aPart.added;

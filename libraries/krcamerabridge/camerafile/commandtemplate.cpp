@@ -94,11 +94,9 @@ std::optional<std::string> BuildCommand(const CommandTemplate& aTemplate, const 
       if (aTemplate[i].kind != kind)
         continue;
       const std::size_t behind = bytes.size() - places[i] - GetFixedSize(aTemplate[i].format);
-      const std::size_t from = std::min(aRule.from, places[i]);
-      const std::int64_t number =
-          kind == TemplatePart::Kind::Length
-              ? static_cast<std::int64_t>(behind) + aTemplate[i].added
-              : ComputeChecksum(aRule.kind, std::string_view(bytes).substr(from, places[i] - from));
+      const std::int64_t number = kind == TemplatePart::Kind::Length
+                                      ? static_cast<std::int64_t>(behind) + aTemplate[i].added
+                                      : aRule.Compute(std::string_view(bytes).substr(0, places[i]));
       if (!Patch(bytes, places[i], aTemplate[i], number))
         return std::nullopt;
     }

@@ -7,6 +7,7 @@
 
 #include "krbase/krexport.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -40,11 +41,19 @@ using CommandTemplate = std::vector<TemplatePart>;
 inline constexpr std::size_t kMostTemplateBytes = 1024;
 inline constexpr std::size_t kMostTemplateParts = 64;
 
-/// How a checksum is made: from the byte `from` of a message on.
+/// How a checksum is made: of the bytes of a message before it, but for the first `from` and the last `gap`.
 struct ChecksumRule {
   ChecksumKind kind = ChecksumKind::None;
   WireFormat format = {};
   std::size_t from = 0;
+  std::size_t gap = 0;
+
+  /// What it is of all bytes that stand before it.
+  std::uint16_t Compute(std::string_view aBefore) const {
+    const std::size_t end = aBefore.size() - std::min(gap, aBefore.size());
+    const std::size_t begin = std::min(from, end);
+    return ComputeChecksum(kind, aBefore.substr(begin, end - begin));
+  }
 };
 
 /// Texts are characters with placeholders in braces; bytes are pairs of hexadecimal digits, placeholders, and texts

@@ -65,6 +65,7 @@ private:
       if (const YamlWord* const row = map.ReadWord(*kind, "kind", kCheckWords))
         rule.kind = static_cast<ChecksumKind>(row->value);
     map.TakeNumber("from", rule.from, 0, 255);
+    map.TakeNumber("gap", rule.gap, 0, 255);
     const bool isWide = IsWideChecksum(rule.kind);
     rule.format = GetDefaultCheckFormat(mRead.protocol.isBinary, isWide);
     if (const YamlNode* const write = map.Find("write"); write && map.IsScalar(*write, "write")) {

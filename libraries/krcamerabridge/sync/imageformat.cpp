@@ -49,7 +49,8 @@ private:
         continue;
       KrGenInteger* const offset = mDevice.GetInteger(aName);
       std::int64_t least = 0;
-      if (offset && offset->GetMin(least).IsOK())
+      std::int64_t present = 0;
+      if (offset && offset->GetMin(least).IsOK() && offset->GetValue(present).IsOK() && present != least)
         (void)offset->SetValue(least);
     }
   }

@@ -41,6 +41,7 @@ void ParameterSync::Attach(KrGenParameterArray& aCamera) {
   mCamera = &aCamera;
   {
     const std::lock_guard lock(mMutex);
+    mIsAttached = true;
     mIsDue = true;
     mText = {};
   }
@@ -61,6 +62,7 @@ void ParameterSync::Detach() {
   mThread.join();
   mCamera = nullptr;
   const std::lock_guard lock(mMutex);
+  mIsAttached = false;
   mText = {};
 }
 
@@ -92,7 +94,8 @@ void ParameterSync::SetSource(const KrString& aSource) {
 
 KrString ParameterSync::GetText() const {
   const std::lock_guard lock(mMutex);
-  return mText;
+  const bool isUnderWay = mIsAttached && mIsOn && (mIsDue || mIsAtWork);
+  return isUnderWay && mText.IsEmpty() ? "The camera's size and pixel format are being set on the device." : mText;
 }
 
 void ParameterSync::OnParameterUpdate(KrGenParameter*) {
@@ -112,6 +115,7 @@ void ParameterSync::Work(const std::stop_token& aStop) {
     if (aStop.stop_requested() || !mIsOn)
       continue;
     mIsDue = false;
+    mIsAtWork = true;
     const KrString source = mSource;
     lock.unlock();
     const KrString text = Carry(source, aStop);
@@ -120,6 +124,7 @@ void ParameterSync::Work(const std::stop_token& aStop) {
     if (!text.IsEmpty())
       KrLogger("KrCameraBridge").Log(KrLogLevel::Warning, {"ParameterSync::Work", "parametersync"}, text);
     lock.lock();
+    mIsAtWork = false;
     mIsDue = mIsDue || isLocked;
     mText = mIsOn ? text : KrString();
   }

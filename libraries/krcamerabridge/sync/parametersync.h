@@ -41,7 +41,7 @@ public:
   /// The source of the device that the camera feeds; empty for the selected one.
   KrString GetSource() const;
   void SetSource(const KrString& aSource);
-  /// What could not be carried last time, or what is waited for; empty where all is well.
+  /// What is being done or waited for, or could not be carried last time; empty where all is well.
   KrString GetText() const;
 
   void OnParameterUpdate(KrGenParameter* aParameter) override;
@@ -58,8 +58,10 @@ private:
 
   mutable std::mutex mMutex; // Guards the members from here to the thread.
   std::condition_variable_any mChanged;
+  bool mIsAttached = false;
   bool mIsOn = false;
   bool mIsDue = false;
+  bool mIsAtWork = false;
   KrString mSource;
   KrString mText;
 

@@ -97,8 +97,8 @@ public:
   /// it); while the stream runs, when it has stopped. That is done by a thread of the bridge's own: what could not be
   /// done is said by GetParametersSyncText, logged, and tried again with the next change. Always OK.
   KrResult SetParametersSyncEnabled(bool aIsOn);
-  /// What could not be carried last time, or that the stream's end is waited for, in sentences for people; empty where
-  /// all is well. Thread: any.
+  /// That it is under way or waits for the stream's end, or what could not be carried last time, in sentences for
+  /// people; empty where all is well. Thread: any.
   KrString GetParametersSyncText() const;
 
   /// Bytes that the device's port took from this bridge and gave it, in all its connections and questions since it was

@@ -1,4 +1,5 @@
 #include "camerafile/commandtemplate.h"
+#include "camerafile/answermatching.h"
 
 #include <gmock/gmock.h>
 
@@ -84,6 +85,18 @@ TEST(CommandTemplate, Built_HasItsLengthAndItsSum) {
                                                                                     "AB\x86\x03");
   // 0x49 + 0x44 + 0x3F + 0x2A is 0xF6.
   EXPECT_EQ(BuildCommand(Parse("ID?*{check:hex2}\\r"), {.kind = ChecksumKind::Sum8}), "ID?*F6\r");
+}
+
+TEST(CommandTemplate, SumWithAGap_LeavesOutWhatStandsRightBeforeIt) {
+  const ChecksumRule rule{.kind = ChecksumKind::Xor8, .from = 1, .gap = 1};
+  const CommandTemplate sentence = Parse("$ID?*{check:hex2}\\r");
+
+  // 0x49 ^ 0x44 ^ 0x3F is 0x32.
+  EXPECT_EQ(BuildCommand(sentence, rule), "$ID?*32\r");
+  EXPECT_TRUE(MatchAnswer(sentence, rule, "$ID?*32\r"));
+  EXPECT_FALSE(MatchAnswer(sentence, rule, "$ID?*18\r"));
+  // One that is left with nothing is that of nothing.
+  EXPECT_EQ(BuildCommand(Parse("*{check:hex2}"), {.kind = ChecksumKind::Sum8, .from = 2, .gap = 2}), "*00");
 }
 
 TEST(CommandTemplate, BuiltBeyondWhatItsLengthCanSay_IsNothing) {

@@ -1,0 +1,124 @@
+#include "krcamerabridge/krcamerabridge.h"
+
+#include "bridgedevicefixture.h"
+#include "krgenicam/krgenparameterarray.h"
+#include "krpersistence/krconfigurationwriter.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+namespace krcamerabridge {
+namespace {
+
+constexpr const char* kXMLID = "SchemaVersion.1.1@XMLVersion.1.2.3";
+constexpr std::uint64_t kPrivilege = 0x204;
+constexpr std::uint64_t kHeartbeatMs = 0x1E8;
+constexpr std::uint64_t kGain = krtest::GenCPCamera::kFeatures;
+
+class Bridge : public testing::Test {
+protected:
+  Bridge() {
+    grabber.camera.Poke(kGain, std::vector<std::uint8_t>(64));
+    grabber.camera.AddFile(0x01020003, 0x01010000,
+                           MakeDescription("<Category Name=\"Root\"><pFeature>Gain</pFeature></Category>\n" +
+                                           MakeIntReg("Gain", "0x80000000")));
+  }
+  void Connect() {
+    const KrResult result = bridge.ConnectGenCP(kXMLID);
+    ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  }
+  KrGenInteger& GetGain() { return *bridge.GetParameters()->GetInteger("Gain"); }
+
+  GrabberDevice grabber;
+  KrCameraBridge bridge{grabber.device.get(), KrDeviceSerial::Serial0, nullptr};
+};
+
+TEST_F(Bridge, Connected_SetsTheCameraAndGivesItFreeAgain) {
+  Connect();
+
+  ASSERT_TRUE(GetGain().SetValue(77).IsOK());
+
+  EXPECT_EQ(grabber.camera.PeekNumber(kGain, 4), 77u);
+  EXPECT_EQ(grabber.camera.PeekNumber(kPrivilege, 4), 1u);
+  bridge.Disconnect();
+  EXPECT_EQ(grabber.camera.PeekNumber(kPrivilege, 4), 0u);
+}
+
+TEST_F(Bridge, Destroyed_GivesTheCameraFree) {
+  {
+    KrCameraBridge other(grabber.device.get(), KrDeviceSerial::Serial0, nullptr);
+    ASSERT_TRUE(other.ConnectGenCP(kXMLID).IsOK());
+  }
+
+  EXPECT_EQ(grabber.camera.PeekNumber(kPrivilege, 4), 0u);
+}
+
+TEST_F(Bridge, CameraThatGivesNobodyControl_IsAccessDenied) {
+  grabber.camera.RefuseControl(true);
+  grabber.camera.PokeNumber(kHeartbeatMs, 4, 500); // After which a user who has gone would have lost it.
+
+  EXPECT_EQ(bridge.ConnectGenCP(kXMLID), KrResult::Code::AccessDenied);
+
+  EXPECT_FALSE(bridge.IsConnected());
+}
+
+TEST_F(Bridge, DescriptionThatIsNone_IsBadData) {
+  grabber.camera.AddFile(0x01030000, 0x01010000, "no description");
+
+  EXPECT_EQ(bridge.ConnectGenCP("SchemaVersion.1.1@XMLVersion.1.3.0"), KrResult::Code::BadData);
+
+  EXPECT_FALSE(bridge.IsConnected());
+  Connect();
+}
+
+TEST_F(Bridge, LineThatLosesDoublesAndChangesBytes_CarriesRightValues) {
+  Connect();
+  grabber.camera.SetFaults({.lost = 0.001, .doubled = 0.001, .changed = 0.001});
+
+  for (std::int64_t i = 0; i < 60; ++i) {
+    const KrResult result = GetGain().SetValue(i);
+    ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    ASSERT_EQ(grabber.camera.PeekNumber(kGain, 4), static_cast<std::uint64_t>(i));
+  }
+}
+
+TEST_F(Bridge, CameraThatAsksForSeconds_IsGivenThem) {
+  Connect();
+  grabber.camera.SetFaults({.pendingAnswers = 2, .pendingMs = 1000});
+
+  EXPECT_TRUE(GetGain().SetValue(5).IsOK());
+
+  EXPECT_EQ(grabber.camera.PeekNumber(kGain, 4), 5u);
+}
+
+TEST_F(Bridge, Cancel_EndsACallThatWaitsForTheCamera) {
+  grabber.camera.SetFaults({.isSilent = true});
+  KrStringList ids;
+  std::future<KrResult> asking = std::async(std::launch::async, [&] { return bridge.GetGenCPXMLIDs(ids); });
+  ASSERT_TRUE(grabber.camera.AwaitHeard(1));
+
+  bridge.Cancel();
+
+  EXPECT_EQ(asking.get(), KrResult::Code::Aborted);
+}
+
+TEST_F(Bridge, Save_WithoutAName_IsInvalidInput) {
+  Connect();
+  KrConfigurationWriter writer;
+
+  EXPECT_EQ(bridge.Save("", writer), KrResult::Code::InvalidInput);
+}
+
+TEST_F(Bridge, PoCL_IsSwitchedByTheFeatureThatTheDeviceHas) {
+  ASSERT_TRUE(KrCameraBridge::IsPoCLSupported(grabber.device.get()));
+  EXPECT_FALSE(KrCameraBridge::IsPoCLEnabled(grabber.device.get()));
+
+  EXPECT_TRUE(KrCameraBridge::SetPoCLEnabled(grabber.device.get(), true).IsOK());
+
+  EXPECT_TRUE(KrCameraBridge::IsPoCLEnabled(grabber.device.get()));
+  EXPECT_EQ(grabber.link->Peek(kPoCLRegister), 1u);
+}
+
+} // namespace
+} // namespace krcamerabridge
