@@ -1,0 +1,137 @@
+// Camera bridges by CL Protocol: the driver that comes with the library, and the lab's camera on a bulk port.
+
+#include "camerabridgefixture.h"
+
+#include "clprotocol/cldriverlist.h"
+#include "krpersistence/krconfigurationreader.h"
+#include "krpersistence/krconfigurationwriter.h"
+#include "temporaryfolder.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+
+using testing::HasSubstr;
+
+namespace {
+
+class CameraBridgeCLProtocolTest : public testing::Test {
+protected:
+  CameraBridgeCLProtocolTest() {
+    setenv("KRGUI_CLPROTOCOL_HOST", KR_TEST_HOST, 1);
+    unsetenv("GENICAM_CLPROTOCOL");
+    krcamerabridge::SetCLDriverDirectories({KR_TEST_DRIVERS});
+  }
+  void SetUp() override {
+    KrStringList templates;
+    ASSERT_TRUE(IsFine(KrCameraBridge::GetCLProtocolTemplates(templates)));
+    ASSERT_EQ(templates.GetCount(), 1u);
+    mTemplate = templates[0];
+  }
+  KrResult Connect(KrCameraBridge& aBridge) {
+    KrStringList ids;
+    KrResult result = aBridge.ProbeCLProtocol(mTemplate, mCameraID, ids);
+    if (!result.IsOK())
+      return result;
+    mXMLID = ids[0];
+    return aBridge.ConnectCLProtocol(mTemplate, mXMLID);
+  }
+
+  KrString mTemplate;
+  KrString mCameraID;
+  KrString mXMLID;
+};
+
+} // namespace
+
+TEST_F(CameraBridgeCLProtocolTest, Connected_ReadsAndSetsTheCameraAndSaysWhatWith) {
+  BridgeLab lab;
+  KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Bulk0, nullptr);
+
+  ASSERT_TRUE(IsFine(Connect(bridge)));
+
+  EXPECT_THAT(mCameraID.ToUtf8(), HasSubstr("SIM-CL-03"));
+  KrString text;
+  EXPECT_TRUE(bridge.GetCLProtocolCameraID(text).IsOK());
+  EXPECT_EQ(text, mCameraID);
+  EXPECT_TRUE(bridge.GetCLProtocolTemplate(text).IsOK());
+  EXPECT_EQ(text, mTemplate);
+  EXPECT_TRUE(bridge.GetCLProtocolXMLID(text).IsOK());
+  EXPECT_EQ(text, mXMLID);
+  EXPECT_EQ(bridge.GetGenCPXMLID(text), KrResult::Code::WrongState);
+  EXPECT_EQ(GetText(*bridge.GetParameters(), "DeviceModelName"), "Simulated CLProtocol Camera");
+  ASSERT_TRUE(IsFine(SetText(*bridge.GetParameters(), "Gain", "4.5")));
+  bridge.Disconnect();
+  ASSERT_TRUE(IsFine(bridge.ConnectCLProtocol(mTemplate, mXMLID)));
+  EXPECT_EQ(GetText(*bridge.GetParameters(), "Gain"), "4.5");
+}
+
+TEST_F(CameraBridgeCLProtocolTest, SavedInOneProgram_IsAsItWasInTheNext) {
+  const TemporaryFolder folder;
+  const std::string path = folder.GetFile("settings.xml");
+  {
+    BridgeLab lab;
+    KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Bulk0, nullptr);
+    ASSERT_TRUE(IsFine(Connect(bridge)));
+    ASSERT_TRUE(IsFine(SetText(*bridge.GetParameters(), "Width", "320")));
+    KrConfigurationWriter writer;
+    ASSERT_TRUE(IsFine(bridge.Save("Bulk0", writer)));
+    ASSERT_TRUE(IsFine(writer.Save(path)));
+  }
+  BridgeLab lab;
+  KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Bulk0, nullptr);
+  KrConfigurationReader reader;
+  ASSERT_TRUE(IsFine(reader.Load(path)));
+  KrStringList errors;
+
+  ASSERT_TRUE(IsFine(bridge.Load("Bulk0", reader, errors)));
+
+  EXPECT_TRUE(errors.IsEmpty());
+  KrString id;
+  EXPECT_TRUE(bridge.GetCLProtocolXMLID(id).IsOK());
+  EXPECT_EQ(id, mXMLID);
+  EXPECT_EQ(GetText(*bridge.GetParameters(), "Width"), "320");
+}
+
+TEST_F(CameraBridgeCLProtocolTest, Synchronisation_SetsTheDevice) {
+  BridgeLab lab;
+  KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Bulk0, nullptr);
+  ASSERT_TRUE(IsFine(bridge.SetParametersSyncEnabled(true)));
+  ASSERT_TRUE(IsFine(Connect(bridge)));
+
+  ASSERT_TRUE(IsFine(SetText(*bridge.GetParameters(), "Height", "512")));
+
+  EXPECT_TRUE(WaitUntil(
+      [&] { return GetText(lab.GetArray(), "Height") == "512" && GetText(lab.GetArray(), "Width") == "1280"; }));
+}
+
+TEST_F(CameraBridgeCLProtocolTest, Template_ThatNoDriverHas_IsInvalidInput) {
+  BridgeLab lab;
+  KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Bulk0, nullptr);
+  KrString id;
+  KrStringList ids;
+
+  EXPECT_EQ(bridge.ProbeCLProtocol("Nowhere#driver#Maker", id, ids), KrResult::Code::InvalidInput);
+  EXPECT_EQ(bridge.ConnectCLProtocol("Nowhere#driver#Maker", "any"), KrResult::Code::InvalidInput);
+  EXPECT_FALSE(bridge.IsConnected());
+}
+
+TEST_F(CameraBridgeCLProtocolTest, CameraOfAnotherProtocol_IsNotFound) {
+  BridgeLab lab;
+  KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Serial1, nullptr);
+
+  EXPECT_EQ(Connect(bridge), KrResult::Code::NotFound);
+}
+
+TEST_F(CameraBridgeCLProtocolTest, LostDevice_IsConnectionLostUntilItIsDisconnected) {
+  BridgeLab lab;
+  KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Bulk0, nullptr);
+  ASSERT_TRUE(IsFine(Connect(bridge)));
+  ASSERT_TRUE(lab.Lose().IsOK());
+
+  EXPECT_EQ(GetText(*bridge.GetParameters(), "Width"), "ConnectionLost");
+
+  EXPECT_TRUE(bridge.IsConnected());
+  bridge.Disconnect();
+  EXPECT_EQ(Connect(bridge), KrResult::Code::ConnectionLost);
+}
