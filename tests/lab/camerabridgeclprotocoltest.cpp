@@ -50,7 +50,7 @@ TEST_F(CameraBridgeCLProtocolTest, Connected_ReadsAndSetsTheCameraAndSaysWhatWit
 
   ASSERT_TRUE(IsFine(Connect(bridge)));
 
-  EXPECT_THAT(mCameraID.ToUtf8(), HasSubstr("SIM-CL-03"));
+  EXPECT_THAT(mCameraID.ToUtf8(), HasSubstr("SIM_CL_03"));
   KrString text;
   EXPECT_TRUE(bridge.GetCLProtocolCameraID(text).IsOK());
   EXPECT_EQ(text, mCameraID);

@@ -17,6 +17,7 @@ using testing::HasSubstr;
 
 namespace {
 
+using krcamerabridge::BorrowedDevice;
 using krcamerabridge::CLProtocolPort;
 using krcamerabridge::DeviceLine;
 using krcamerabridge::DeviceLineSpeed;
@@ -32,7 +33,7 @@ protected:
   void SetUp() override {
     ASSERT_TRUE(Open(kMonoMAC, mDevice).IsOK());
     mAdapter.emplace(*mDevice);
-    mLine.emplace(std::make_unique<DeviceLineSpeed>(*mAdapter, KrDeviceSerial::Serial0));
+    mLine.emplace(std::make_unique<DeviceLineSpeed>(BorrowedDevice(mDevice.get()), KrDeviceSerial::Serial0));
     ASSERT_TRUE(mLine->Open(*mAdapter, KrDeviceSerial::Serial0).IsOK());
     mCamera.emplace(*mLine);
     ASSERT_TRUE(CLProtocolPort::GetTemplates(mTemplates).IsOK());
