@@ -11,13 +11,16 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <string>
 
 namespace {
 
 // A started program with its output.
 class Program {
 public:
-  explicit Program(const krtest::DriverFolder& aFolder, const std::string& aDriver) {
+  Program(const krtest::DriverFolder& aFolder, const std::string& aDriver,
+          const std::string& aPath = KR_TEST_APPLICATION) {
     int pipes[2];
     EXPECT_EQ(pipe(pipes), 0);
     const std::string root = aFolder.GetRoot();
@@ -25,7 +28,7 @@ public:
     mID = fork();
     if (mID == 0) {
       dup2(pipes[1], STDOUT_FILENO);
-      execl(KR_TEST_APPLICATION, KR_TEST_APPLICATION, root.c_str(), clTemplate.c_str(),
+      execl(aPath.c_str(), aPath.c_str(), root.c_str(), clTemplate.c_str(),
             "SchemaVersion.1.1@Maker#Family@XMLVersion.1.2.0", nullptr);
       _exit(127);
     }
@@ -74,6 +77,24 @@ TEST_P(ApplicationTest, Killed_TakesTheDriversProcessAlong) {
   int status = 0;
   ASSERT_EQ(waitpid(driver, &status, 0), driver);
   EXPECT_TRUE(WIFSIGNALED(status));
+}
+
+TEST(InstalledApplication, FindsTheProgramForDriversFromItsOwnPlace) {
+  krtest::DriverFolder folder;
+  folder.Install("libgood.so");
+  const TemporaryFolder prefix;
+  const std::filesystem::path host = prefix.GetPath() / KR_TEST_HOST_FROM_PREFIX;
+  std::filesystem::create_directories(host.parent_path());
+  std::filesystem::create_directories(prefix.GetPath() / "bin");
+  std::filesystem::copy_file(KR_TEST_HOST, host);
+  std::filesystem::copy_file(KR_TEST_APPLICATION, prefix.GetPath() / "bin/application");
+  unsetenv("KRGUI_CLPROTOCOL_HOST");
+
+  Program application(folder, "libgood.so", prefix.GetFile("bin/application"));
+
+  const pid_t driver = application.ReadNumber();
+  ASSERT_GT(driver, 0);
+  EXPECT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(driver) + "/exe"), host);
 }
 
 INSTANTIATE_TEST_SUITE_P(Drivers, ApplicationTest, testing::Values("libgood.so", "libhang-clpWriteRegister.so"),

@@ -26,6 +26,7 @@ public:
   void Install(const std::string& aName) { Link(KR_TEST_DRIVER, aName); }
   void InstallOldDriver(const std::string& aName) { Link(KR_TEST_DRIVER_1_0, aName); }
   void InstallNoDriver(const std::string& aName) { Link(KR_TEST_NO_DRIVER, aName); }
+  void InstallDocumentedDriver(const std::string& aName) { Link(KR_TEST_DOCUMENTED_DRIVER, aName); }
   void Write(const std::string& aName, const std::string& aBytes) {
     TemporaryFolder::WriteFile(mFolder.GetFile(aName), aBytes);
   }
