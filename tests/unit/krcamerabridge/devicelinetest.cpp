@@ -77,6 +77,18 @@ TEST_F(OpenLine, Counters_TellWhatThePortTookAndGave) {
   EXPECT_EQ(line.GetBytesReceived(), 0u);
 }
 
+TEST_F(OpenLine, Closed_CanBeOpenedAgainAndGoesOnCounting) {
+  ASSERT_TRUE(Write("12345").IsOK());
+
+  line.Close();
+
+  EXPECT_FALSE(far->IsOpen());
+  EXPECT_EQ(Write("x"), KrResult::Code::WrongState);
+  ASSERT_TRUE(line.Open(adapter, KrDeviceSerial::Serial0).IsOK());
+  ASSERT_TRUE(Write("678").IsOK());
+  EXPECT_EQ(line.GetBytesSent(), 8u);
+}
+
 TEST_F(OpenLine, Write_ToALineThatTakesNoMore_EndsInTimeAndCountsWhatItTook) {
   far->SetRoom(4);
 

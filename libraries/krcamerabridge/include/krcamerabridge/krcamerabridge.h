@@ -9,7 +9,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <stop_token>
 
 class KrConfigurationReader;
 class KrConfigurationWriter;
