@@ -41,8 +41,6 @@ public:
   /// Waits a moment for a process that has closed its socket, ends it, and says in words how it came to its end.
   std::string Bury();
 
-  pid_t GetID() const { return mID; }
-
 private:
   HostProcess(const std::string& aName, krbase::FileDescriptor aSocket, krbase::FileDescriptor aPrinted,
               krbase::FileDescriptor aStop);
