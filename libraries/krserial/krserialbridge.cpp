@@ -194,9 +194,9 @@ std::uint32_t KrSerialBridge::GetHardCodedBaudRate() const {
 }
 
 KrResult KrSerialBridge::SetHardCodedBaudRate(std::uint32_t aBaudRate) {
-  if (aBaudRate == 0 || aBaudRate > kFastestBaudRate)
-    return {KrResult::Code::OutOfRange, "A hard-coded speed of " + std::to_string(aBaudRate) +
-                                            " baud: it can be 1 to " + std::to_string(kFastestBaudRate) + "."};
+  if (aBaudRate > kFastestBaudRate)
+    return {KrResult::Code::OutOfRange, "A hard-coded speed of " + std::to_string(aBaudRate) + " baud: it can be " +
+                                            std::to_string(kFastestBaudRate) + " at most."};
   const std::lock_guard lock(mBody->mutex);
   mBody->hardCodedBaudRate = aBaudRate;
   if (mBody->link)

@@ -84,7 +84,7 @@ public:
   std::uint32_t GetSupportedBaudRate(std::size_t aIndex) const;
   /// The speed that is taken for the device's port where the device cannot say it; 0 at first.
   std::uint32_t GetHardCodedBaudRate() const;
-  /// OutOfRange for 0 and for more than 4,000,000.
+  /// 0 for none, so that what GetHardCodedBaudRate gives is always taken. OutOfRange for more than 4,000,000.
   KrResult SetHardCodedBaudRate(std::uint32_t aBaudRate);
 
   /// Bytes that the device's port has taken, and has given, since the start or the last reset. Do not wait.
