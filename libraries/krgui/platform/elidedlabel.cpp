@@ -1,6 +1,7 @@
 #include "platform/elidedlabel.h"
 
 #include "platform/plainline.h"
+#include "platform/systemcolours.h"
 
 #include <QHelpEvent>
 #include <QPaintEvent>
@@ -9,6 +10,13 @@
 #include <QToolTip>
 
 namespace krgui {
+
+namespace {
+
+/// How much of the text's colour a disabled one has.
+constexpr int kDisabledPercent = 55;
+
+} // namespace
 
 ElidedLabel::ElidedLabel(QWidget* aParent) : QLabel(aParent) {
   setTextFormat(Qt::PlainText);
@@ -19,8 +27,12 @@ QSize ElidedLabel::minimumSizeHint() const {
   return {0, QLabel::minimumSizeHint().height()};
 }
 
+int ElidedLabel::GetTextFlags() const {
+  return buddy() != nullptr ? Qt::TextShowMnemonic : 0;
+}
+
 QString ElidedLabel::GetShownText() const {
-  return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+  return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width(), GetTextFlags());
 }
 
 bool ElidedLabel::event(QEvent* aEvent) {
@@ -33,8 +45,11 @@ bool ElidedLabel::event(QEvent* aEvent) {
 
 void ElidedLabel::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(), GetShownText(),
-                        foregroundRole());
+  const QPalette colours = palette();
+  const QColor text = colours.color(QPalette::Active, QPalette::WindowText);
+  painter.setPen(isEnabled() ? text
+                             : BlendColours(text, colours.color(QPalette::Active, QPalette::Window), kDisabledPercent));
+  painter.drawText(contentsRect(), static_cast<int>(alignment()) | Qt::TextSingleLine | GetTextFlags(), GetShownText());
 }
 
 } // namespace krgui

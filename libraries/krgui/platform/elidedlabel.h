@@ -6,7 +6,8 @@
 
 namespace krgui {
 
-/// Its text is plain. Thread: user interface. Ownership: belongs to its parent widget.
+/// Its text is plain; the letter of a shortcut is marked where it has a buddy. Thread: user interface. Ownership:
+/// belongs to its parent widget.
 class ElidedLabel : public QLabel {
 public:
   explicit ElidedLabel(QWidget* aParent);
@@ -18,6 +19,7 @@ protected:
   void paintEvent(QPaintEvent* aEvent) override;
 
 private:
+  int GetTextFlags() const;
   QString GetShownText() const;
 };
 

@@ -20,8 +20,9 @@ namespace {
 namespace id = bridgeid;
 
 /// Characters for which the lists have room.
-constexpr int kPortListLetters = 13;
-constexpr int kCOMPortListLetters = 7;
+constexpr int kPortListLetters = 8;
+constexpr int kCOMPortListLetters = 6;
+constexpr int kButtonMargins = 24;
 
 constexpr struct {
   int id;
@@ -60,6 +61,11 @@ void Move(QWidget& aWidget, const PixelRect& aRect) {
   aWidget.setGeometry(aRect.left, aRect.top, aRect.GetWidth(), aRect.GetHeight());
 }
 
+/// Not the size hint: styles make that as wide as a button looks good, where there is room.
+int FindButtonWidth(const QPushButton& aButton) {
+  return aButton.fontMetrics().size(Qt::TextShowMnemonic, aButton.text()).width() + kButtonMargins;
+}
+
 void ReserveLetters(QComboBox& aList, int aLetters) {
   aList.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   aList.setMinimumContentsLength(aLetters);
@@ -73,7 +79,7 @@ BridgeControls::BridgeControls(const QWidget& aDialog, Lookup aLookup)
   mBoldFont.setWeight(QFont::Bold);
   NameControls();
   ReserveLetters(GetPortList(), kPortListLetters);
-  GetPortList().setPlaceholderText(QStringLiteral("Choose a port"));
+  GetPortList().setPlaceholderText(QStringLiteral("Choose..."));
   ReserveLetters(GetCOMPortControl(), kCOMPortListLetters);
   CheckKind(BridgeKind::None);
 }
@@ -180,8 +186,8 @@ BridgeMetrics BridgeControls::GetMetrics(const QSize& aSize) const {
   metrics.portListWidth = GetPortList().sizeHint().width();
   metrics.labelWidth = Get<QLabel>(id::kCOMPortLabel).sizeHint().width();
   metrics.listWidth = GetCOMPortControl().sizeHint().width();
-  metrics.configureWidth = GetConfigureButton().sizeHint().width();
-  metrics.resetWidth = GetResetButton().sizeHint().width();
+  metrics.configureWidth = FindButtonWidth(GetConfigureButton());
+  metrics.resetWidth = FindButtonWidth(GetResetButton());
   for (const int rate : id::kRates)
     metrics.rateWidth = std::max(metrics.rateWidth, bold.horizontalAdvance(Get<QLabel>(rate).text()));
   return metrics;

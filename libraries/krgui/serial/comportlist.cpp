@@ -94,7 +94,8 @@ bool COMPortList::eventFilter(QObject* aWatched, QEvent* aEvent) {
     aEvent->ignore();
     return true;
   }
-  if (mList.isEnabled() && !mList.view()->isVisible() && OpensList(*aEvent))
+  // The list's view is made when it is first asked for, which other events come in the midst of.
+  if (OpensList(*aEvent) && mList.isEnabled() && !mList.view()->isVisible())
     Refresh();
   return QObject::eventFilter(aWatched, aEvent);
 }

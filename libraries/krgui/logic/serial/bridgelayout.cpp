@@ -7,10 +7,11 @@ namespace krgui {
 
 namespace {
 
-constexpr int kGap = 6;    ///< Between controls of one row.
-constexpr int kInset = 8;  ///< From a group's sides to what is in it.
-constexpr int kBottom = 3; ///< From its last row to its frame, besides the space.
-constexpr int kSide = 6;   ///< From the window's sides to the groups.
+constexpr int kGap = 6;     ///< Between controls of one row.
+constexpr int kRateGap = 2; ///< Between two rates, at least.
+constexpr int kInset = 6;   ///< From a group's sides to what is in it.
+constexpr int kBottom = 3;  ///< From its last row to its frame, besides the space.
+constexpr int kSide = 4;    ///< From the window's sides to the groups.
 /// Between two rows there is one space, between two groups, and at the window's top and bottom, there are two: so many
 /// at least, and so many for the groups to stand below each other.
 constexpr int kLeastSpace = 0;
@@ -23,7 +24,7 @@ constexpr int kSetupRows = 5;
 
 int CountColumns(const BridgeMetrics& aMetrics) {
   const int inside = aMetrics.width - 2 * (kSide + kInset);
-  return std::clamp((inside + kGap) / std::max(1, aMetrics.rateWidth + kGap), 1, kMostColumns);
+  return std::clamp((inside + kRateGap) / std::max(1, aMetrics.rateWidth + kRateGap), 1, kMostColumns);
 }
 
 int CountRateRows(const BridgeMetrics& aMetrics) {
