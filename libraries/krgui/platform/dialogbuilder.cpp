@@ -153,7 +153,7 @@ PixelSize MeasureButton(const QWidget& aWidget) {
   return ToPixelSize(text + QSize(margin, margin));
 }
 
-/// The text of an edit scrolls; only its line must fit.
+/// The text of an edit scrolls, or an ellipsis stands for its end; only its line must fit.
 PixelSize MeasureLine(const QWidget& aWidget) {
   return {0, aWidget.minimumSizeHint().height()};
 }
@@ -188,7 +188,7 @@ constexpr ClassEntry kClasses[] = {
     {ControlClass::IPAddress, MakeIPAddress, MeasureLine, true},
     {ControlClass::ErrorIndicator, MakePlace, MeasureNothing, false},
     {ControlClass::Place, MakePlace, MeasureNothing, false},
-    {ControlClass::ElidedLabel, MakeElidedLabel, MeasureNothing, false},
+    {ControlClass::ElidedLabel, MakeElidedLabel, MeasureLine, false},
 };
 
 constexpr bool IsClassTableInOrder() {

@@ -3,9 +3,6 @@
 #include "logic/serial/bridgedisplay.h"
 #include "serialbridgefixture.h"
 
-#include <chrono>
-#include <thread>
-
 namespace krgui {
 
 namespace {
@@ -44,7 +41,8 @@ TEST_F(BridgeDisplay, RatesOfTheDevice_AreEnabledAndItsOwnIsBold) {
   Link();
   ASSERT_TRUE(mBridge.SetConfiguration({115200, 0, 8, 1}).IsOK());
 
-  EXPECT_EQ(Draw(GetBaudRateLabels(&mBridge)), "e-----B--e");
+  EXPECT_TRUE(Await([&] { return Draw(GetBaudRateLabels(&mBridge)) == "e-----B--e"; }))
+      << Draw(GetBaudRateLabels(&mBridge));
 }
 
 TEST_F(BridgeDisplay, HardCodedRate_IsEnabledAndBoldThoughNoneIsTold) {
@@ -108,10 +106,7 @@ TEST_F(BridgeDisplay, DeviceThatIsLost_IsToldAsTheBridgeSaysIt) {
 
   mLine->Lose();
 
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (GetState().empty() && std::chrono::steady_clock::now() < limit)
-    std::this_thread::yield();
-  EXPECT_NE(GetState(), "");
+  EXPECT_TRUE(Await([&] { return !GetState().empty(); }));
   EXPECT_EQ(GetState(), mBridge.GetBridge()->GetStateText().ToUtf8());
 }
 

@@ -3,9 +3,6 @@
 #include "logic/serial/serialbridge.h"
 #include "serialbridgefixture.h"
 
-#include <chrono>
-#include <thread>
-
 namespace krgui {
 
 namespace {
@@ -230,10 +227,7 @@ TEST_F(Bridge, Statistics_BeginAnewWhenTheyAreReset) {
   mBridge.ResetStatistics();
   Link("COM3");
   mHost.Send(3, "hello");
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (mBridge.GetBridge()->GetBytesSentToDevice() < 5 && std::chrono::steady_clock::now() < limit)
-    std::this_thread::yield();
-  ASSERT_EQ(mBridge.GetBridge()->GetBytesSentToDevice(), 5U);
+  ASSERT_TRUE(Await([&] { return mBridge.GetBridge()->GetBytesSentToDevice() == 5; }));
 
   mBridge.ResetStatistics();
 

@@ -58,7 +58,7 @@ TEST_F(COMPorts, ChosenPortOfUnknownRates_IsToldOnce) {
 }
 
 TEST_F(COMPorts, PortThatCannotBeOpened_IsToldAndNotSelected) {
-  mHost.AddLink("com2", "/nonexistent");
+  mHost.AddLink("com2", "/dev/null");
   OpenOnSerial1();
   AnswerBoxes(1);
 
@@ -74,7 +74,7 @@ TEST_F(COMPorts, PortThatCannotBeOpened_IsToldAndNotSelected) {
 }
 
 TEST_F(COMPorts, AnotherPortThatCannotBeOpened_EndsTheLinkAndLeavesTheDescription) {
-  mHost.AddLink("com2", "/nonexistent");
+  mHost.AddLink("com2", "/dev/null");
   SetRates({"9600"});
   OpenOnSerial1();
   Link(COM1);
