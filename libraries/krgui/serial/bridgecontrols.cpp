@@ -112,7 +112,12 @@ KrDeviceSerial BridgeControls::GetSelectedPort() const {
 
 void BridgeControls::CheckKind(BridgeKind aKind) {
   mKind = aKind;
-  GetKindButtons().at(static_cast<std::size_t>(aKind))->setChecked(true);
+  const QRadioButton* const checked = GetKindButtons().at(static_cast<std::size_t>(aKind));
+  for (QRadioButton* button : GetKindButtons()) {
+    button->setChecked(button == checked);
+    // The tabulator leads to what is checked, also before one of them had the focus.
+    button->setFocusPolicy(button == checked ? Qt::StrongFocus : Qt::ClickFocus);
+  }
 }
 
 void BridgeControls::ShowDescription(const KrString& aText) const {
