@@ -1,5 +1,6 @@
 #include "krserial/krhostserialports.h"
 
+#include "bridge/portlink.h"
 #include "comname.h"
 #include "configurationdirectory.h"
 #include "portnumbers.h"
@@ -64,11 +65,12 @@ std::string GetTarget(const fs::path& aLink) {
   return fs::read_symlink(aLink, error).string();
 }
 
-// Links that lead nowhere keep their numbers all the same.
+// Links that lead nowhere, or that a killed bridge left behind, keep their numbers all the same. The latter may lead to
+// anything by now, as the system gives the number of a pseudo-terminal that has gone to the next.
 void AddLinked(const Links& aLinks, std::map<std::uint32_t, KrHostSerialPort>& aPorts) {
   for (const auto& [number, link] : aLinks) {
     std::error_code error;
-    if (fs::exists(link, error))
+    if (fs::exists(link, error) && PortLink::FindMaker(link) != PortLink::Maker::Killed)
       aPorts.emplace(number, MakePort(number, link.string(), "Link to " + GetTarget(link)));
   }
 }
@@ -89,9 +91,12 @@ void AddSystem(const std::vector<SystemTty>& aTtys, const Links& aLinks, const s
 
 KrResult MakeNotFound(std::uint32_t aNumber, const Links& aLinks, const KrHostSerialFolders& aFolders) {
   const std::string name = "COM" + std::to_string(aNumber);
-  if (const auto link = aLinks.find(aNumber); link != aLinks.end())
-    return {KrResult::Code::NotFound, name + " is the link " + link->second.string() + " to " +
-                                          GetTarget(link->second) + ", where nothing is now."};
+  if (const auto link = aLinks.find(aNumber); link != aLinks.end()) {
+    const bool isStale = PortLink::FindMaker(link->second) == PortLink::Maker::Killed;
+    return {KrResult::Code::NotFound,
+            name + " is the link " + link->second.string() + " to " + GetTarget(link->second) +
+                (isStale ? ", which a bridge left behind when it was killed." : ", where nothing is now.")};
+  }
   return {KrResult::Code::NotFound, "The host has no " + name + " now: neither a link com" + std::to_string(aNumber) +
                                         " in " + aFolders.links.ToUtf8() + ", nor a serial port in " +
                                         aFolders.sysfs.ToUtf8() + " with that number in " + aFolders.numbers.ToUtf8() +

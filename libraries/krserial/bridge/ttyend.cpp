@@ -1,5 +1,6 @@
 #include "bridge/ttyend.h"
 
+#include "bridge/portlink.h"
 #include "krbase/krlogger.h"
 #include "krserial/krhostserialports.h"
 
@@ -25,6 +26,16 @@ int GetLimitMs(const OpenTty& aTty) {
   return aTty.IsPseudoTerminal() ? kLookMs : -1;
 }
 
+// A port that another bridge makes is for a program, of which that bridge would not hear that it has come second.
+KrResult FindFree(const KrString& aName, KrHostSerialPort& aPort) {
+  if (KrResult found = KrHostSerialPorts::Find(aName, aPort); !found.IsOK())
+    return found;
+  if (PortLink::FindMaker(aPort.path.ToUtf8()) == PortLink::Maker::Bridge)
+    return {KrResult::Code::Busy,
+            aPort.name + " (" + aPort.path + ") is a port that another bridge makes, for a program to open."};
+  return {};
+}
+
 } // namespace
 
 TtyEnd::TtyEnd(const KrString& aName, const KrSerialPortConfiguration& aConfiguration, std::shared_ptr<OpenTty> aTty)
@@ -35,7 +46,7 @@ KrResult TtyEnd::Open(const KrString& aName, const KrSerialPortConfiguration& aC
   if (!aConfiguration.IsValid())
     return {KrResult::Code::InvalidInput, "No serial port can be set so."};
   KrHostSerialPort port;
-  if (KrResult found = KrHostSerialPorts::Find(aName, port); !found.IsOK())
+  if (KrResult found = FindFree(aName, port); !found.IsOK())
     return found;
   std::shared_ptr<OpenTty> tty;
   if (KrResult opened = OpenTty::Open(port, aConfiguration, tty); !opened.IsOK())
@@ -133,7 +144,7 @@ KrResult TtyEnd::TakeAgain() {
     configuration = mConfiguration;
   }
   KrHostSerialPort port;
-  if (KrResult found = KrHostSerialPorts::Find(mName, port); !found.IsOK())
+  if (KrResult found = FindFree(mName, port); !found.IsOK())
     return found;
   std::shared_ptr<OpenTty> tty;
   if (KrResult opened = OpenTty::Open(port, configuration, tty); !opened.IsOK())

@@ -1,10 +1,14 @@
 // What a serial bridge refuses, and what it outlasts.
 
+#include "bridge/portlink.h"
 #include "bridgefixture.h"
 #include "hostendreader.h"
 
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
+#include <csignal>
 #include <filesystem>
 #include <future>
 
@@ -77,6 +81,45 @@ TEST_F(BridgeTest, Start_OfAHostsPortThatAnotherBridgeHas_IsBusy) {
   EXPECT_EQ(second.Start("COM3", {}, &adapter, KrDeviceSerial::Serial1), KrResult::Code::Busy);
 
   EXPECT_FALSE(adapter.lines[1]->IsOpen());
+}
+
+TEST_F(BridgeTest, Start_OnAPortThatAnotherBridgeMakes_IsBusy) {
+  adapter.AddLine(1);
+  ASSERT_TRUE(StartCreating().IsOK());
+  KrSerialBridge second;
+
+  for (const bool isCreating : {false, true}) {
+    second.SetCreatingPort(isCreating);
+    const KrResult started = second.Start("COM3", {}, &adapter, KrDeviceSerial::Serial1);
+
+    EXPECT_EQ(started, KrResult::Code::Busy);
+    EXPECT_THAT(started.GetDescription().ToUtf8(), HasSubstr("another bridge"));
+  }
+  EXPECT_FALSE(adapter.lines[1]->IsOpen());
+}
+
+TEST_F(BridgeTest, LinkOfAKilledBridge_ThatLeadsToAStrangersTerminalByNow_LeavesItAlone) {
+  EXPECT_EXIT(
+      {
+        std::unique_ptr<krserial::PortLink> link;
+        if (!krserial::PortLink::Make(host.GetFile("links"), 3, terminal.GetPath(), link).IsOK())
+          _exit(1);
+        kill(getpid(), SIGKILL);
+      },
+      testing::KilledBySignal(SIGKILL), "");
+  ASSERT_TRUE(std::filesystem::exists(GetPath()));
+  const KrSerialPortConfiguration strangers = PortClient(terminal.GetPath()).GetSettings().Get();
+  KrStringList names;
+
+  EXPECT_TRUE(KrHostSerialPorts::GetNames(names).IsOK());
+  EXPECT_EQ(names.GetCount(), 0U);
+  const KrResult started = Start({.baudRate = 115200});
+  EXPECT_EQ(started, KrResult::Code::NotFound);
+  EXPECT_THAT(started.GetDescription().ToUtf8(), HasSubstr("killed"));
+  EXPECT_TRUE(StartCreating({.baudRate = 115200}).IsOK());
+
+  EXPECT_NE(std::filesystem::read_symlink(GetPath()), terminal.GetPath()) << "it is the bridge's own now";
+  EXPECT_EQ(PortClient(terminal.GetPath()).GetSettings().Get(), strangers);
 }
 
 TEST_F(BridgeTest, ADeviceThatIsLost_IsSaidToBe_AndStopEndsAtOnce) {

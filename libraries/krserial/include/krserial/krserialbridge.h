@@ -48,7 +48,7 @@ public:
 
   /// Links a port of the host (KrHostSerialPorts) with one of the device. InvalidInput for a name that is no port's,
   /// for a configuration that is not valid and without an adapter; NotFound for a port that the host lacks; Busy for
-  /// one that another program holds; AccessDenied, SystemError as the system says; NotSupported for a port that the
+  /// one that another program holds or another bridge makes; AccessDenied, SystemError as the system says; NotSupported for a port that the
   /// device lacks and for a configuration that the host's port cannot take; WrongState when it is started already. The
   /// device's port is set to the configuration's speed if it has it, which is not a failure if it does not.
   KrResult Start(const KrString& aCOMPort, KrSerialPortConfiguration aConfiguration, IKrDeviceAdapter* aAdapter,
