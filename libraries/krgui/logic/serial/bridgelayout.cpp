@@ -60,14 +60,14 @@ PixelRect Place(const PixelRect& aRow, int aLeft, int aRight, int aHeight) {
 class BridgeArrangement {
 public:
   explicit BridgeArrangement(const BridgeMetrics& aMetrics)
-      : m(aMetrics), mRateRows(CountRateRows(aMetrics)), mLeft(kSide), mRight(aMetrics.width - kSide) {
+      : mMetrics(aMetrics), mRateRows(CountRateRows(aMetrics)), mLeft(kSide), mRight(aMetrics.width - kSide) {
     mIsCompact = ComputeSpace(false) < kComfortableSpace;
     mSpace = std::clamp(ComputeSpace(mIsCompact), kLeastSpace, kMostSpace);
   }
 
   BridgeLayout Arrange() {
     int y = 2 * mSpace + GetTopMargin();
-    const int portWidth = 2 * kInset + m.portListWidth;
+    const int portWidth = 2 * kInset + mMetrics.portListWidth;
     const int portRight = mIsCompact ? mLeft + portWidth : mRight;
     const int portBottom = ArrangePort(y, portRight);
     if (mIsCompact) {
@@ -85,15 +85,15 @@ public:
 private:
   /// What is left above and below everything in a window that is higher than its rows can be apart.
   int GetTopMargin() const {
-    return std::max(0, (m.height - GetFixedHeight(mIsCompact) - CountSpaces(mIsCompact) * mSpace) / 2);
+    return std::max(0, (mMetrics.height - GetFixedHeight(mIsCompact) - CountSpaces(mIsCompact) * mSpace) / 2);
   }
   /// What is needed without any space.
   int GetFixedHeight(bool aIsCompact) const {
-    const int port = m.fieldHeight;
-    const int statistics = aIsCompact ? std::max(2 * m.lineHeight, m.fieldHeight) : m.fieldHeight;
+    const int port = mMetrics.fieldHeight;
+    const int statistics = aIsCompact ? std::max(2 * mMetrics.lineHeight, mMetrics.fieldHeight) : mMetrics.fieldHeight;
     const int top = aIsCompact ? std::max(port, statistics) : port + statistics;
-    const int setup = 2 * m.radioHeight + m.fieldHeight + 2 * m.lineHeight;
-    return CountGroups(aIsCompact) * (m.titleHeight + kBottom) + top + setup + mRateRows * m.lineHeight;
+    const int setup = 2 * mMetrics.radioHeight + mMetrics.fieldHeight + 2 * mMetrics.lineHeight;
+    return CountGroups(aIsCompact) * (mMetrics.titleHeight + kBottom) + top + setup + mRateRows * mMetrics.lineHeight;
   }
   /// One below the other.
   static int CountGroups(bool aIsCompact) { return aIsCompact ? 3 : 4; }
@@ -103,11 +103,14 @@ private:
     // A row has one above it, a group one more below its last row.
     return rows + groups + 2 * (groups + 1);
   }
-  int ComputeSpace(bool aIsCompact) const { return (m.height - GetFixedHeight(aIsCompact)) / CountSpaces(aIsCompact); }
+  int ComputeSpace(bool aIsCompact) const {
+    return (mMetrics.height - GetFixedHeight(aIsCompact)) / CountSpaces(aIsCompact);
+  }
 
   int ArrangePort(int aTop, int aRight) {
-    RowStack rows(aTop + m.titleHeight, mSpace);
-    mLayout.portList = Place(rows.Take(m.fieldHeight), mLeft + kInset, mLeft + kInset + m.portListWidth, m.fieldHeight);
+    RowStack rows(aTop + mMetrics.titleHeight, mSpace);
+    mLayout.portList = Place(rows.Take(mMetrics.fieldHeight), mLeft + kInset, mLeft + kInset + mMetrics.portListWidth,
+                             mMetrics.fieldHeight);
     rows.Skip(mSpace + kBottom);
     mLayout.portBox = {mLeft, aTop, aRight, rows.GetY()};
     return rows.GetY();
@@ -116,28 +119,29 @@ private:
   /// In a row that is as high as the counters beside it.
   void CentrePortList() {
     PixelRect& list = mLayout.portList;
-    list = Place({0, mLayout.portBox.top + m.titleHeight, 0, mLayout.portBox.bottom - kBottom}, list.left, list.right,
-                 m.fieldHeight);
+    list = Place({0, mLayout.portBox.top + mMetrics.titleHeight, 0, mLayout.portBox.bottom - kBottom}, list.left,
+                 list.right, mMetrics.fieldHeight);
   }
 
   int ArrangeSetup(int aTop) {
     const int left = mLeft + kInset;
     const int right = mRight - kInset;
-    const int column = left + m.radioWidth + 2 * kGap;
-    RowStack rows(aTop + m.titleHeight, mSpace);
-    mLayout.none = Place(rows.Take(m.radioHeight), left, left + m.radioWidth, m.radioHeight);
-    const PixelRect link = rows.Take(m.fieldHeight);
-    mLayout.comPortLink = Place(link, left, left + m.radioWidth, m.radioHeight);
-    const int list = column + m.labelWidth + kGap;
-    mLayout.comPortLabel = Place(link, column, column + m.labelWidth, m.lineHeight);
-    mLayout.comPortList = Place(link, list, list + m.listWidth, m.fieldHeight);
-    const int configure = list + m.listWidth + kGap;
-    mLayout.configure = Place(link, configure, std::min(right, configure + m.configureWidth), m.fieldHeight);
-    mLayout.description = Place(rows.Take(m.lineHeight), left + m.indent, right, m.lineHeight);
-    const PixelRect cameraLink = rows.Take(m.radioHeight);
-    mLayout.cameraLink = Place(cameraLink, left, left + m.radioWidth, m.radioHeight);
-    mLayout.cameraLinkName = Place(cameraLink, column, right, m.lineHeight);
-    mLayout.state = Place(rows.Take(m.lineHeight), left, right, m.lineHeight);
+    const int column = left + mMetrics.radioWidth + 2 * kGap;
+    RowStack rows(aTop + mMetrics.titleHeight, mSpace);
+    mLayout.none = Place(rows.Take(mMetrics.radioHeight), left, left + mMetrics.radioWidth, mMetrics.radioHeight);
+    const PixelRect link = rows.Take(mMetrics.fieldHeight);
+    mLayout.comPortLink = Place(link, left, left + mMetrics.radioWidth, mMetrics.radioHeight);
+    const int list = column + mMetrics.labelWidth + kGap;
+    mLayout.comPortLabel = Place(link, column, column + mMetrics.labelWidth, mMetrics.lineHeight);
+    mLayout.comPortList = Place(link, list, list + mMetrics.listWidth, mMetrics.fieldHeight);
+    const int configure = list + mMetrics.listWidth + kGap;
+    mLayout.configure =
+        Place(link, configure, std::min(right, configure + mMetrics.configureWidth), mMetrics.fieldHeight);
+    mLayout.description = Place(rows.Take(mMetrics.lineHeight), left + mMetrics.indent, right, mMetrics.lineHeight);
+    const PixelRect cameraLink = rows.Take(mMetrics.radioHeight);
+    mLayout.cameraLink = Place(cameraLink, left, left + mMetrics.radioWidth, mMetrics.radioHeight);
+    mLayout.cameraLinkName = Place(cameraLink, column, right, mMetrics.lineHeight);
+    mLayout.state = Place(rows.Take(mMetrics.lineHeight), left, right, mMetrics.lineHeight);
     rows.Skip(mSpace + kBottom);
     mLayout.setupBox = {mLeft, aTop, mRight, rows.GetY()};
     return rows.GetY();
@@ -145,16 +149,16 @@ private:
 
   int ArrangeRates(int aTop) {
     const int left = mLeft + kInset;
-    const int columns = CountColumns(m);
+    const int columns = CountColumns(mMetrics);
     const int width = mRight - kInset - left;
-    RowStack rows(aTop + m.titleHeight, mSpace);
+    RowStack rows(aTop + mMetrics.titleHeight, mSpace);
     PixelRect row;
     for (std::size_t index = 0; index < kBaudRates.size(); ++index) {
       const int column = static_cast<int>(index) % columns;
       if (column == 0)
-        row = rows.Take(m.lineHeight);
+        row = rows.Take(mMetrics.lineHeight);
       const int x = left + column * width / columns;
-      mLayout.rates[index] = Place(row, x, left + (column + 1) * width / columns, m.lineHeight);
+      mLayout.rates[index] = Place(row, x, left + (column + 1) * width / columns, mMetrics.lineHeight);
     }
     rows.Skip(mSpace + kBottom);
     mLayout.ratesBox = {mLeft, aTop, mRight, rows.GetY()};
@@ -164,27 +168,27 @@ private:
   /// The counters beside each other, in a low window below each other; gives the bottom.
   int ArrangeStatistics(int aTop, int aLeft) {
     const int left = aLeft + kInset;
-    const int right = mRight - kInset - m.resetWidth - kGap;
-    RowStack rows(aTop + m.titleHeight, mSpace);
+    const int right = mRight - kInset - mMetrics.resetWidth - kGap;
+    RowStack rows(aTop + mMetrics.titleHeight, mSpace);
     PixelRect all;
     if (mIsCompact) {
-      all = rows.Take(std::max(2 * m.lineHeight, m.fieldHeight));
+      all = rows.Take(std::max(2 * mMetrics.lineHeight, mMetrics.fieldHeight));
       const int middle = (all.top + all.bottom) / 2;
-      mLayout.sent = Place({0, middle - m.lineHeight, 0, middle}, left, right, m.lineHeight);
-      mLayout.received = Place({0, middle, 0, middle + m.lineHeight}, left, right, m.lineHeight);
+      mLayout.sent = Place({0, middle - mMetrics.lineHeight, 0, middle}, left, right, mMetrics.lineHeight);
+      mLayout.received = Place({0, middle, 0, middle + mMetrics.lineHeight}, left, right, mMetrics.lineHeight);
     } else {
-      all = rows.Take(m.fieldHeight);
+      all = rows.Take(mMetrics.fieldHeight);
       const int middle = (left + right) / 2;
-      mLayout.sent = Place(all, left, middle - kGap, m.lineHeight);
-      mLayout.received = Place(all, middle, right, m.lineHeight);
+      mLayout.sent = Place(all, left, middle - kGap, mMetrics.lineHeight);
+      mLayout.received = Place(all, middle, right, mMetrics.lineHeight);
     }
-    mLayout.reset = Place(all, right + kGap, mRight - kInset, m.fieldHeight);
+    mLayout.reset = Place(all, right + kGap, mRight - kInset, mMetrics.fieldHeight);
     rows.Skip(mSpace + kBottom);
     mLayout.statisticsBox = {aLeft, aTop, mRight, rows.GetY()};
     return rows.GetY();
   }
 
-  const BridgeMetrics& m;
+  const BridgeMetrics& mMetrics;
   const int mRateRows;
   const int mLeft;
   const int mRight;
