@@ -50,7 +50,7 @@ enum { CL_DLL_VERSION_1_1 = 3 };
 // All functions may be called from any thread. Of one session, what receives (clSerialRead, clGetNumBytesAvail,
 // clFlushPort, clGetSupportedBaudRates, clSetBaudRate) is done one after the other, and so is what sends
 // (clSerialWrite, clSetBaudRate); both go on at the same time, and sessions do not wait for one another. Time limits
-// are milliseconds. Each function answers CL_ERR_INVALID_PTR to a null pointer, where nothing else is said,
+// are milliseconds, and count from the call, the wait for its turn included. Each function answers CL_ERR_INVALID_PTR to a null pointer, where nothing else is said,
 // CL_ERR_OUT_OF_MEMORY when there is no memory, and those with a session CL_ERR_INVALID_REFERENCE to one that is
 // closed, not of this process, or whose bridge has ended.
 //
