@@ -1,6 +1,7 @@
 #include "bridge/opentty.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -130,11 +131,23 @@ KrResult OpenTty::Apply(const TtySettings& aSettings, const KrSerialPortConfigur
 
 bool OpenTty::NoticeSpeed(std::uint32_t& aBaudRate) {
   const std::lock_guard lock(mMutex);
-  const std::optional<TtySettings> settings = TtySettings::Read(GetDescriptor());
-  if (!settings || settings->GetSpeed() == 0 || settings->GetSpeed() == mSpeed)
+  std::optional<TtySettings> settings = TtySettings::Read(GetDescriptor());
+  if (!settings)
+    return false;
+  if (!settings->ArePassingBytes()) {
+    settings->PassBytes();
+    // One that has gone is lost at the next reading.
+    static_cast<void>(settings->Apply(GetDescriptor()));
+  }
+  if (settings->GetSpeed() == 0 || settings->GetSpeed() == mSpeed)
     return false;
   mSpeed = aBaudRate = settings->GetSpeed();
   return true;
+}
+
+bool OpenTty::IsHungUp() const {
+  pollfd asked = {.fd = GetDescriptor(), .events = 0, .revents = 0};
+  return ::poll(&asked, 1, 0) > 0 && (asked.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
 }
 
 void OpenTty::DropReceived() {

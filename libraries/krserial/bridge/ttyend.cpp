@@ -75,7 +75,7 @@ KrResult TtyEnd::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRea
     return MakeLost();
   while (!aStop.stop_requested() && aSize > 0) {
     const ssize_t size = ::read(tty->GetDescriptor(), aBytes, aSize);
-    if (tty->IsLost() || size == 0 || (size < 0 && !CanBeTriedAgain()))
+    if (tty->IsLost() || (size == 0 && tty->IsHungUp()) || (size < 0 && !CanBeTriedAgain()))
       return tty->Lose();
     // What came after the change of speed is given after the asking for it.
     FollowSpeed(*tty);
@@ -89,7 +89,7 @@ KrResult TtyEnd::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRea
 
 void TtyEnd::FollowSpeed(OpenTty& aTty) {
   std::uint32_t baudRate = 0;
-  if (!aTty.IsPseudoTerminal() || !mSpeedRequest || !aTty.NoticeSpeed(baudRate))
+  if (!aTty.IsPseudoTerminal() || !aTty.NoticeSpeed(baudRate) || !mSpeedRequest)
     return;
   if (const KrResult followed = mSpeedRequest(baudRate); !followed.IsOK())
     KrLogger("KrSerial")

@@ -19,8 +19,8 @@ class TtyEnd final : public IHostEnd {
 public:
   /// Opens a port of KrHostSerialPorts for itself alone and sets it so. InvalidInput for a name that is no port's and
   /// for a configuration that is not valid, NotFound for a port that the host does not have now, Busy for one that
-  /// another program holds or another bridge makes, AccessDenied, NotSupported for a configuration that the port cannot take, otherwise
-  /// SystemError. aEnd is set on success only. The port's former settings come back when it is closed.
+  /// another program holds or another bridge makes, AccessDenied, NotSupported for a configuration that the port cannot
+  /// take, otherwise SystemError. aEnd is set on success only. The port's former settings come back when it is closed.
   static KrResult Open(const KrString& aName, const KrSerialPortConfiguration& aConfiguration,
                        std::unique_ptr<IHostEnd>& aEnd);
 

@@ -2,6 +2,7 @@
 
 #include "bridge/ttyend.h"
 #include "bridge/ttysettings.h"
+#include "bridgeends.h"
 #include "hostendreader.h"
 #include "hostfolders.h"
 #include "krbase/filedescriptor.h"
@@ -19,6 +20,7 @@
 
 #include <array>
 #include <csignal>
+#include <functional>
 #include <future>
 #include <memory>
 #include <optional>
@@ -43,6 +45,14 @@ void SetSpeed(const PseudoTerminal& aTerminal, std::uint32_t aBaudRate) {
   ASSERT_TRUE(settings);
   settings->PutSpeed(aBaudRate);
   ASSERT_TRUE(settings->Apply(aTerminal.GetDescriptor()));
+}
+
+// What else a program sets there.
+void Change(const PseudoTerminal& aTerminal, const std::function<void(termios2&)>& aChange) {
+  termios2 settings = {};
+  ASSERT_EQ(ioctl(aTerminal.GetDescriptor(), TCGETS2, &settings), 0);
+  aChange(settings);
+  ASSERT_EQ(ioctl(aTerminal.GetDescriptor(), TCSETS2, &settings), 0);
 }
 
 TtySettings GetSettings(const PseudoTerminal& aTerminal) {
@@ -398,6 +408,43 @@ TEST_F(TtyEndTest, Speed_SetAtTheOtherEndWithoutBytes_IsAskedForOnce) {
   mTerminal->Write("x");
 
   EXPECT_THAT(reader.AwaitEvents(2), ElementsAre("31250 baud", "x"));
+}
+
+TEST_F(TtyEndTest, Speed_SetAtTheOtherEndWithReadingThatDoesNotWait_IsAskedForAndNothingIsLost) {
+  UseNewTerminal();
+  const std::unique_ptr<IHostEnd> end = Open({.baudRate = 9600, .stopBits = 2});
+  HostEndReader reader(*end);
+
+  Change(*mTerminal, [](termios2& aSettings) {
+    aSettings.c_cflag = (aSettings.c_cflag & ~static_cast<tcflag_t>(CBAUD | CIBAUD)) | B57600;
+    aSettings.c_cc[VMIN] = 0;
+    aSettings.c_cc[VTIME] = 0;
+  });
+  EXPECT_THAT(reader.AwaitEvents(1), ElementsAre("57600 baud"));
+  mTerminal->Write("x");
+
+  EXPECT_THAT(reader.AwaitEvents(2), ElementsAre("57600 baud", "x"));
+  EXPECT_TRUE(GetSettings(*mTerminal).ArePassingBytes());
+  EXPECT_EQ(GetSettings(*mTerminal).Get().stopBits, 2U) << "what belongs to the line stays";
+  EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
+}
+
+TEST_F(TtyEndTest, LinesAndEcho_SetAtTheOtherEnd_EndNothingAndAreUndone) {
+  UseNewTerminal();
+  const std::unique_ptr<IHostEnd> end = Open();
+  HostEndReader reader(*end);
+  constexpr char kEndOfFile = 4;
+
+  Change(*mTerminal, [](termios2& aSettings) {
+    aSettings.c_lflag |= ICANON | ECHO;
+    aSettings.c_cc[VEOF] = kEndOfFile;
+  });
+  mTerminal->Write({kEndOfFile});
+  ASSERT_TRUE(krtest::IsReached([&] { return GetSettings(*mTerminal).ArePassingBytes(); }));
+  mTerminal->Write({'x', kEndOfFile});
+
+  EXPECT_TRUE(krtest::IsReached([&] { return reader.Await(0).ends_with(std::string{'x', kEndOfFile}); }));
+  EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
 }
 
 TEST_F(TtyEndTest, Speed_ThatConfigureSets_IsNotAskedFor) {
