@@ -9,6 +9,7 @@
 #include "bridge/pump.h"
 #include "krserial/krserialbridge.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -26,7 +27,8 @@ public:
   BridgeLink& operator=(const BridgeLink&) = delete;
 
   /// Opens the device's port, results as of KrDeviceSerialPort, asks for its speeds, prefers aBaudRate where there is
-  /// one, and starts. Once. Of kNoDeviceSerial nothing is opened, and no bytes are moved.
+  /// one, also whenever the host's port is back, and starts. Once. Of kNoDeviceSerial nothing is opened, and no bytes
+  /// are moved.
   KrResult Run(std::unique_ptr<IHostEnd> aEnd, const std::optional<std::uint32_t>& aBaudRate);
 
   /// Sets the host's port, and the device's port to its speed if it has that.
@@ -37,7 +39,10 @@ public:
   KrString GetStateText() const { return mStatus.GetText(); }
 
 private:
+  void PreferSpeed();
+
   const bool mHasPort;
+  std::atomic<std::uint32_t> mBaudRate = 0; // The host's port's, as it was configured; 0 where it has none.
   BridgeStatus mStatus;
   PortSpeed mSpeed;
   DeviceLine mLine;

@@ -56,7 +56,7 @@ KrResult CameraLinkEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std
   return mBody->server.Give(aBytes, aSize, aWritten, aStop);
 }
 
-KrResult CameraLinkEnd::Recover(const std::stop_token& aStop) {
+KrResult CameraLinkEnd::Recover(const std::stop_token& aStop, const TellHindrance&) {
   return aStop.stop_requested() ? KrResult::Code::Aborted : KrResult::Code::OK;
 }
 

@@ -36,7 +36,7 @@ public:
   KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                  const std::stop_token& aStop) override;
   /// The end is never lost: programs come and go.
-  KrResult Recover(const std::stop_token& aStop) override;
+  KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) override;
   KrResult Configure(const KrSerialPortConfiguration& aConfiguration) override;
   void SetSpeedRequest(SpeedRequest aRequest) override;
   void TellSpeed(const DevicePortSpeed& aSpeed) override;

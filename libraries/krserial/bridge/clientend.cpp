@@ -113,7 +113,7 @@ KrResult ClientEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std::si
   return aWritten < aSize ? KrResult(KrResult::Code::Aborted) : KrResult();
 }
 
-KrResult ClientEnd::Recover(const std::stop_token&) {
+KrResult ClientEnd::Recover(const std::stop_token&, const TellHindrance&) {
   return {};
 }
 

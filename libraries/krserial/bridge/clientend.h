@@ -28,7 +28,7 @@ public:
   KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                  const std::stop_token& aStop) override;
   /// OK at once: it cannot be lost.
-  KrResult Recover(const std::stop_token& aStop) override;
+  KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) override;
   /// The speed becomes the port's while no client is there, which sets its own; the rest a pseudo-terminal lacks.
   /// InvalidInput for a configuration that is not valid.
   KrResult Configure(const KrSerialPortConfiguration& aConfiguration) override;

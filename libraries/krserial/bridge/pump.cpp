@@ -1,6 +1,7 @@
 #include "bridge/pump.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace krserial {
 
@@ -13,7 +14,8 @@ constexpr std::uint32_t kLookMs = 100;
 
 } // namespace
 
-Pump::Pump(IHostEnd& aEnd, DeviceLine& aLine, BridgeStatus& aStatus) : mEnd(aEnd), mLine(aLine), mStatus(aStatus) {
+Pump::Pump(IHostEnd& aEnd, DeviceLine& aLine, BridgeStatus& aStatus, std::function<void()> aPrepare)
+    : mEnd(aEnd), mLine(aLine), mStatus(aStatus), mPrepare(std::move(aPrepare)) {
   try {
     mToDevice = std::jthread([this](const std::stop_token& aStop) { MoveToDevice(aStop); });
     mToHost = std::jthread([this](const std::stop_token& aStop) { MoveToHost(aStop); });
@@ -122,8 +124,12 @@ void Pump::EndRound(const std::stop_token& aRound, const KrResult& aLoss) {
 
 void Pump::RecoverPort(const std::stop_token& aStop) {
   mBackoff.Wait(aStop);
-  // Aborted by a stop; what else fails is lost again at the first use.
-  (void)mEnd.Recover(aStop);
+  const auto tell = [this](const KrResult& aHindrance) {
+    mStatus.SetPort("The host's port is waited for: " + aHindrance.GetDescription());
+  };
+  // Not OK only where it is aborted by a stop.
+  if (mEnd.Recover(aStop, tell).IsOK())
+    mPrepare();
   const std::lock_guard lock(mMutex);
   if (mIsOver)
     return;

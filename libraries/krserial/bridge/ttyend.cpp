@@ -116,7 +116,7 @@ KrResult TtyEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_
   return aWritten < aSize ? KrResult(KrResult::Code::Aborted) : KrResult();
 }
 
-KrResult TtyEnd::Recover(const std::stop_token& aStop) {
+KrResult TtyEnd::Recover(const std::stop_token& aStop, const TellHindrance& aTell) {
   std::mutex mutex;
   std::unique_lock lock(mutex);
   std::condition_variable_any never; // Nobody wakes it but the stop.
@@ -125,8 +125,10 @@ KrResult TtyEnd::Recover(const std::stop_token& aStop) {
     const KrResult taken = TakeAgain();
     if (taken.IsOK())
       return {};
-    if (taken.GetDescription() != said)
+    if (taken.GetDescription() != said) {
       KrLogger("KrSerial").Log(KrLogLevel::Info, {"TtyEnd::Recover", "ttyend"}, taken.GetDescription());
+      aTell(taken);
+    }
     said = taken.GetDescription();
     never.wait_for(lock, aStop, std::chrono::milliseconds(kLookMs), [] { return false; });
   }

@@ -28,7 +28,7 @@ public:
   KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                  const std::stop_token& aStop) override;
   /// Looks four times a second. A port that is not lost is had at once.
-  KrResult Recover(const std::stop_token& aStop) override;
+  KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) override;
   /// While the port is lost the settings are kept for when it is back. InvalidInput for ones that are not valid.
   KrResult Configure(const KrSerialPortConfiguration& aConfiguration) override;
   void SetSpeedRequest(SpeedRequest aRequest) override;

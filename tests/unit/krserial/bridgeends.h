@@ -139,7 +139,8 @@ public:
     }
     return {};
   }
-  KrResult Recover(const std::stop_token& aStop) override {
+  KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) override {
+    aTell({KrResult::Code::NotFound, "Nobody has restored it."});
     std::unique_lock lock(mMutex);
     if (!mChanged.wait(lock, aStop, [this] { return mMayRecover; }))
       return KrResult::Code::Aborted;

@@ -16,6 +16,14 @@ using krtest::BridgeTest;
 using krtest::IsReached;
 using testing::HasSubstr;
 
+namespace {
+
+bool Contains(const KrString& aText, const char* aPart) {
+  return aText.ToUtf8().find(aPart) != std::string::npos;
+}
+
+} // namespace
+
 TEST_F(BridgeTest, Start_RefusesWhatCannotBeBridged) {
   LinkPort();
   struct Row {
@@ -163,6 +171,40 @@ TEST_F(BridgeTest, AHostsPortThatGoes_IsTakenAgainWhenItIsBack) {
   EXPECT_EQ(terminal.Read(9), "meanwhile");
   terminal.Write("back");
   EXPECT_TRUE(IsReached([&] { return line->GetSent() == "back"; }));
+}
+
+TEST_F(BridgeTest, AHostsPortThatIsBack_HasTheDeviceAtItsSpeedAgain) {
+  auto first = std::make_unique<krtest::PseudoTerminal>();
+  host.Link("com3", first->GetPath());
+  ASSERT_TRUE(Start({.baudRate = 19200}).IsOK());
+  krtest::SetSpeed(*first, 115200);
+  ASSERT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
+
+  first.reset();
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
+  LinkPort();
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
+
+  EXPECT_EQ(adapter.GetSpeed(), "Baud19200");
+  EXPECT_EQ(PortClient(terminal.GetPath()).GetSettings().GetSpeed(), 19200U);
+  krtest::SetSpeed(terminal, 115200);
+  EXPECT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
+}
+
+TEST_F(BridgeTest, AHostsPortThatIsBackAndCannotBeTaken_IsSaidWhy) {
+  auto first = std::make_unique<krtest::PseudoTerminal>();
+  host.Link("com3", first->GetPath());
+  ASSERT_TRUE(Start().IsOK());
+
+  first.reset();
+  EXPECT_TRUE(IsReached([&] { return Contains(bridge.GetStateText(), "where nothing is now"); }));
+  host.Link("com3", "/dev/null");
+  EXPECT_TRUE(IsReached([&] { return Contains(bridge.GetStateText(), "no serial port"); }));
+
+  EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::WaitingForPort);
+  LinkPort();
+  EXPECT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
+  EXPECT_EQ(bridge.GetStateText(), KrString());
 }
 
 TEST_F(BridgeTest, Stop_WhileTheHostsPortIsLost_Ends) {
