@@ -293,6 +293,29 @@ TEST_F(ClientEndTest, Speed_ThatTheDeviceRefused_IsNotLeftToTheNextClient) {
   EXPECT_EQ(PortClient(mPath).GetSettings().GetSpeed(), 9600U);
 }
 
+TEST_F(ClientEndTest, ConfiguredSpeed_ThatTheDeviceHasNotTaken_IsNotLeftToAClientAndAskedFor) {
+  const std::unique_ptr<IHostEnd> end = Open();
+  HostEndReader reader(*end);
+  end->TellSpeed({.supported = {9600}, .current = 9600});
+  ASSERT_TRUE(end->Configure({.baudRate = 19200}).IsOK());
+  const PortClient client(mPath);
+
+  EXPECT_EQ(client.GetSettings().GetSpeed(), 9600U);
+  client.SetSpeed(19200);
+
+  EXPECT_THAT(reader.AwaitEvents(1), ElementsAre("19200 baud"));
+}
+
+TEST_F(ClientEndTest, ConfiguredSpeed_OfADeviceThatCannotSay_IsThePortsForAClient) {
+  const std::unique_ptr<IHostEnd> end = Open();
+  const HostEndReader reader(*end);
+  end->TellSpeed({.supported = {}, .current = 0});
+
+  ASSERT_TRUE(end->Configure({.baudRate = 19200}).IsOK());
+
+  EXPECT_EQ(PortClient(mPath).GetSettings().GetSpeed(), 19200U);
+}
+
 TEST_F(ClientEndTest, Configure_WithWhatNoPortCanTake_IsInvalidInput) {
   const std::unique_ptr<IHostEnd> end = Open();
 
