@@ -53,7 +53,8 @@ public:
     std::string name = (std::filesystem::temp_directory_path() / "bench-XXXXXX").string();
     CheckSystem(mkdtemp(name.data()) != nullptr, "mkdtemp");
     mFolder = name;
-    KrHostSerialPorts::SetFolders({.links = name, .sysfs = name, .devices = name, .numbers = name + "/numbers"});
+    KrHostSerialPorts::SetFolders(
+        {.links = name, .sysfs = name, .devices = name, .numbers = name + "/numbers", .locks = name});
   }
   ~Links() {
     std::error_code ignored; // Nobody can do anything about it.

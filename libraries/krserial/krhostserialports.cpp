@@ -177,5 +177,7 @@ KrHostSerialFolders KrHostSerialPorts::GetFolders() {
     folders.devices = "/dev";
   if (folders.numbers.IsEmpty())
     folders.numbers = krserial::GetOwnPlace("com-port-numbers");
+  if (folders.locks.IsEmpty())
+    folders.locks = "/var/lock";
   return folders;
 }

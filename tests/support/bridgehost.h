@@ -28,7 +28,8 @@ public:
     KrHostSerialPorts::SetFolders({.links = GetLinkFolder(),
                                    .sysfs = mFolder.GetFile("sysfs"),
                                    .devices = mFolder.GetFile("devices"),
-                                   .numbers = mFolder.GetFile("numbers")});
+                                   .numbers = mFolder.GetFile("numbers"),
+                                   .locks = mFolder.GetFile("locks")});
     ::setenv(kSocketVariable, GetSocketFolder().c_str(), 1);
   }
   ~BridgeHost() {

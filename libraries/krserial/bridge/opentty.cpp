@@ -1,5 +1,7 @@
 #include "bridge/opentty.h"
 
+#include "bridge/ttylocks.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
@@ -58,6 +60,9 @@ KrResult OpenTty::Open(const KrHostSerialPort& aPort, const KrSerialPortConfigur
   // Opening something else might do more than to open it.
   if (!S_ISCHR(status.st_mode))
     return {KrResult::Code::SystemError, "Opening " + text + ": it is no serial port."};
+  if (const std::optional<TtyLock> lock = FindTtyLock(aPort.path.ToUtf8(), KrHostSerialPorts::GetFolders()))
+    return {KrResult::Code::Busy, "Opening " + text + ": the process " + std::to_string(lock->process) +
+                                      " holds it, by the lock file " + lock->path + "."};
   krbase::FileDescriptor descriptor(::open(aPort.path.CStr(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &status) != 0)
     return MakeOpeningFailure(text, errno);
@@ -75,8 +80,9 @@ KrResult OpenTty::Open(const KrHostSerialPort& aPort, const KrSerialPortConfigur
   return result;
 }
 
-// Two locks, as programs use the one or the other: a lock of the file, and the tty's own, which keeps out those that
-// ask for no lock. The latter would outlast a killed process on a pseudo-terminal, for as long as the other end lives.
+// Two locks, as programs use the one or the other (and lock files, which were looked for before): a lock of the file,
+// and the tty's own, which keeps out those that ask for no lock. The latter would outlast a killed process on a
+// pseudo-terminal, for as long as the other end lives.
 KrResult OpenTty::Hold() const {
   int isExclusive = 0;
   const bool isHeld = ::ioctl(GetDescriptor(), TIOCGEXCL, &isExclusive) == 0 && isExclusive != 0;

@@ -24,8 +24,11 @@ inline void UseHostPortsOfTheTest() {
   for (const char* const folder : {"links", "none"})
     QDir().mkpath(lab.GetPath(folder));
   const auto getPath = [&lab](const char* aName) { return KrString(lab.GetPath(aName).toStdString()); };
-  KrHostSerialPorts::SetFolders(
-      {.links = getPath("links"), .sysfs = getPath("none"), .devices = getPath("none"), .numbers = getPath("numbers")});
+  KrHostSerialPorts::SetFolders({.links = getPath("links"),
+                                 .sysfs = getPath("none"),
+                                 .devices = getPath("none"),
+                                 .numbers = getPath("numbers"),
+                                 .locks = getPath("none")});
 }
 
 /// What a program opens for a port of the host.

@@ -44,7 +44,8 @@ private:
     KrHostSerialPorts::SetFolders({.links = GetFile("links"),
                                    .sysfs = GetFile("sysfs"),
                                    .devices = GetFile("devices"),
-                                   .numbers = GetFile("numbers")});
+                                   .numbers = GetFile("numbers"),
+                                   .locks = GetFile("locks")});
     TemporaryFolder::WriteFile(
         GetFile("lab.yaml"),
         krtest::MakeSerialLabFile(

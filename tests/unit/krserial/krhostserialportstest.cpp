@@ -289,6 +289,7 @@ TEST_F(KrHostSerialPortsTest, GetFolders_WhenNoneIsSet_NamesTheSystemsAndTheUser
 
   EXPECT_EQ(folders.sysfs.ToUtf8(), "/sys/class/tty");
   EXPECT_EQ(folders.devices.ToUtf8(), "/dev");
+  EXPECT_EQ(folders.locks.ToUtf8(), "/var/lock");
   EXPECT_THAT(folders.links.ToUtf8(), testing::EndsWith("/krgui/com-ports"));
   EXPECT_THAT(folders.numbers.ToUtf8(), testing::EndsWith("/krgui/com-port-numbers"));
 }
