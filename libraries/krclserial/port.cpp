@@ -113,9 +113,31 @@ CLINT32 Port::CountAvailable(CLUINT32& aCount) {
 
 CLINT32 Port::Flush() {
   const std::lock_guard receiving(mReceiving);
+  const Clock::time_point end = Clock::now() + kAnswerLimit;
   Receive(kMostBeforeAnswer);
   mReceived.clear();
-  return mIsLost ? CL_ERR_INVALID_REFERENCE : CL_ERR_NO_ERR;
+  const std::unique_lock sending(mSending, end);
+  const Sent sent = sending ? Send({KrCLMessageKind::Flush}, end) : Sent::Late;
+  if (sent != Sent::All)
+    return sent == Sent::Lost ? CL_ERR_INVALID_REFERENCE : CL_ERR_TIMEOUT;
+  ++mFlushesAsked;
+  mIsFlushing = true;
+  const CLINT32 result = AwaitFlushed(end);
+  mIsFlushing = false;
+  return result;
+}
+
+CLINT32 Port::AwaitFlushed(Clock::time_point aEnd) {
+  while (true) {
+    Receive(kMostAhead);
+    if (mFlushesAnswered == mFlushesAsked)
+      return CL_ERR_NO_ERR;
+    mReceived.clear();
+    if (mIsLost)
+      return CL_ERR_INVALID_REFERENCE;
+    if (Clock::now() > aEnd || !Wait(POLLIN, aEnd))
+      return CL_ERR_TIMEOUT;
+  }
 }
 
 CLINT32 Port::GetSpeeds(CLUINT32& aBits) {
@@ -207,7 +229,13 @@ void Port::Understand(const KrCLMessage& aMessage) {
     mSpeeds = aMessage.value;
     mHasSpeeds = mIsWelcome;
     break;
+  case KrCLMessageKind::Flushed:
+    ++mFlushesAnswered;
+    if (mIsFlushing)
+      mReceived.clear();
+    break;
   case KrCLMessageKind::SetSpeed:
+  case KrCLMessageKind::Flush:
     break; // Never a bridge's.
   }
 }

@@ -37,6 +37,9 @@ public:
   /// could come, and where one is to start empty, they are dropped at once.
   virtual KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                          const std::stop_token& aStop) = 0;
+  /// Whether the end wants to know when the device has nothing more to read, and learns it.
+  virtual bool AsksForEmptiness() const { return false; }
+  virtual void TellEmpty() {}
   /// Called in Recover with what keeps the end from being had, whenever that is something else.
   using TellHindrance = std::function<void(const KrResult& aHindrance)>;
   /// Waits until the end that was lost can be had again, and takes it. OK, or Aborted.

@@ -79,9 +79,13 @@ void Pump::MoveToHost(const std::stop_token& aStop) {
     const std::stop_token round = GetRound();
     GiveWaiting(buffer, round);
     std::size_t read = 0;
+    const bool isAsking = mEnd.AsksForEmptiness();
     const std::uint32_t waitMs = round.stop_requested() ? kLookMs : kWaitMs;
-    if (!mLine.Read(buffer.data(), buffer.size(), read, waitMs, aStop).IsOK())
+    if (!mLine.Read(buffer.data(), buffer.size(), read, isAsking ? 0 : waitMs, aStop).IsOK()) {
+      if (isAsking)
+        mEnd.TellEmpty();
       continue;
+    }
     const std::size_t given = Give(buffer.data(), read, round);
     mWaiting.Push(buffer.data() + given, read - given);
   }
