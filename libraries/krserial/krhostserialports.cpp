@@ -80,13 +80,13 @@ void AddSystem(const std::vector<SystemTty>& aTtys, const Links& aLinks, const s
   std::set<std::uint32_t> taken;
   for (const auto& [number, link] : aLinks)
     taken.insert(number);
-  std::vector<std::string> identities;
+  std::vector<TtyIdentity> identities;
   for (const SystemTty& tty : aTtys)
     identities.push_back(tty.identity);
-  const PortNumbers numbers = AssignPortNumbers(aNumbersFile, identities, taken);
-  for (const SystemTty& tty : aTtys)
-    if (const auto number = numbers.find(tty.identity); number != numbers.end() && !taken.contains(number->second))
-      aPorts.emplace(number->second, MakePort(number->second, tty.path, tty.text));
+  const std::vector<std::uint32_t> numbers = AssignPortNumbers(aNumbersFile, identities, taken);
+  for (std::size_t index = 0; index < aTtys.size(); ++index)
+    if (const std::uint32_t number = numbers[index]; number != 0 && !taken.contains(number))
+      aPorts.emplace(number, MakePort(number, aTtys[index].path, aTtys[index].text));
 }
 
 KrResult MakeNotFound(std::uint32_t aNumber, const Links& aLinks, const KrHostSerialFolders& aFolders) {
