@@ -29,7 +29,7 @@ enum class KrSerialBridgeState : std::int32_t {
 ///
 /// On a host's port, what a program at the other end sends goes to the device, and the other way round. When that
 /// program changes its speed (the other end of a pseudo-terminal), the device's port follows if it has that speed. Each
-/// direction holds 64 KiB at most: one that stalls does not stop the other.
+/// direction holds a bounded number of bytes, a few times 64 KiB: one that stalls does not stop the other.
 ///
 /// Thread: any; bytes are moved on threads of the bridge's own. Destruction and Stop end them at once.
 /// Ownership: the holder's. The adapter is borrowed until the bridge is stopped, and must outlive that.
