@@ -3,51 +3,54 @@
 #include "guarded.h"
 #include "krdevice/ikrdeviceadapter.h"
 
+#include <condition_variable>
 #include <iterator>
 #include <map>
+#include <mutex>
 #include <string>
 
-namespace {
-
-// The mutexes of the devices at whose selectors somebody has a turn, or waits for one.
-class Mutexes {
-public:
-  std::shared_ptr<std::mutex> Of(const std::string& aDevice) {
-    const std::lock_guard lock(mMutex);
-    for (auto entry = mEntries.begin(); entry != mEntries.end();)
-      entry = entry->second.expired() ? mEntries.erase(entry) : std::next(entry);
-    std::weak_ptr<std::mutex>& entry = mEntries[aDevice];
-    std::shared_ptr<std::mutex> mutex = entry.lock();
-    if (!mutex)
-      entry = mutex = std::make_shared<std::mutex>();
-    return mutex;
-  }
-
-private:
-  std::mutex mMutex; // Guards the entries.
-  std::map<std::string, std::weak_ptr<std::mutex>> mEntries;
+// What is had by one at a time.
+struct KrBulkSelectorTurn::Selector {
+  std::mutex mutex; // Guards isHad.
+  std::condition_variable_any given;
+  bool isHad = false;
 };
 
-std::shared_ptr<std::mutex> FindMutex(const IKrDeviceAdapter& aAdapter) {
-  static Mutexes mutexes;
-  std::string text;
+std::shared_ptr<KrBulkSelectorTurn::Selector> KrBulkSelectorTurn::FindSelector(const IKrDeviceAdapter& aAdapter) {
+  // Those at which somebody has a turn, or waits for one.
+  static std::mutex mutex;
+  static std::map<std::string, std::weak_ptr<Selector>> selectors;
+  std::string device;
   // Devices that cannot say what they are share one.
   (void)krserial::Guard("Asking for a device's text", [&]() -> KrResult {
-    text = aAdapter.GetDeviceText().ToUtf8();
+    device = aAdapter.GetDeviceText().ToUtf8();
     return {};
   });
-  return mutexes.Of(text);
+  const std::lock_guard lock(mutex);
+  for (auto entry = selectors.begin(); entry != selectors.end();)
+    entry = entry->second.expired() ? selectors.erase(entry) : std::next(entry);
+  std::weak_ptr<Selector>& entry = selectors[device];
+  std::shared_ptr<Selector> selector = entry.lock();
+  if (!selector)
+    entry = selector = std::make_shared<Selector>();
+  return selector;
 }
 
-} // namespace
-
-KrBulkSelectorTurn::KrBulkSelectorTurn(const IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort)
-    : mMutex(IsBulkPort(aPort) ? FindMutex(aAdapter) : nullptr) {
-  if (mMutex)
-    mMutex->lock();
+KrBulkSelectorTurn::KrBulkSelectorTurn(const IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort,
+                                       const std::stop_token& aStop)
+    : mSelector(IsBulkPort(aPort) ? FindSelector(aAdapter) : nullptr) {
+  if (!mSelector)
+    return;
+  std::unique_lock lock(mSelector->mutex);
+  mIsMine = mSelector->given.wait(lock, aStop, [this] { return !mSelector->isHad; });
+  if (mIsMine)
+    mSelector->isHad = true;
 }
 
 KrBulkSelectorTurn::~KrBulkSelectorTurn() {
-  if (mMutex)
-    mMutex->unlock();
+  if (!mSelector || !mIsMine)
+    return;
+  const std::lock_guard lock(mSelector->mutex);
+  mSelector->isHad = false;
+  mSelector->given.notify_one();
 }

@@ -9,6 +9,9 @@ BridgeLink::BridgeLink(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, BridgeC
       mLine(aAdapter, aPort, mSpeed, aCounters, mStatus) {}
 
 BridgeLink::~BridgeLink() {
+  mStop.request_stop();
+  mEndBytes.reset();
+  mPump.reset();
   // It tells the end, so it ends before that.
   mSpeed.Stop();
 }
@@ -24,9 +27,12 @@ KrResult BridgeLink::Run(std::unique_ptr<IHostEnd> aEnd, const std::optional<std
   PreferSpeed();
   mEnd->SetSpeedRequest([this](std::uint32_t aRequested) { return mSpeed.Request(aRequested); });
   mSpeed.Start([this](const DevicePortSpeed& aSpeed) { mEnd->TellSpeed(aSpeed); });
-  if (mHasPort)
+  if (mHasPort) {
     mPump = std::make_unique<Pump>(*mEnd, mLine, mStatus, [this] { PreferSpeed(); });
-  return {};
+    mEndBytes.emplace(mStop.get_token(), [this] { mPump->RequestStop(); });
+  }
+  return mStop.stop_requested() ? KrResult(KrResult::Code::Aborted, "The bridge was stopped while it was started.")
+                                : KrResult();
 }
 
 KrResult BridgeLink::Configure(const KrSerialPortConfiguration& aConfiguration) {

@@ -29,7 +29,7 @@ Pump::~Pump() {
   Stop();
 }
 
-void Pump::Stop() {
+void Pump::RequestStop() {
   mToDevice.request_stop();
   mToHost.request_stop();
   std::stop_source round(std::nostopstate);
@@ -40,6 +40,10 @@ void Pump::Stop() {
   }
   round.request_stop();
   mLine.Cancel();
+}
+
+void Pump::Stop() {
+  RequestStop();
   mToDevice = std::jthread();
   mToHost = std::jthread();
 }

@@ -31,6 +31,8 @@ public:
   Pump(IHostEnd& aEnd, DeviceLine& aLine, BridgeStatus& aStatus, std::function<void()> aPrepare);
   /// Ends them at once: what they hold is dropped.
   ~Pump();
+  /// Begins that, and does not wait. Thread: any.
+  void RequestStop();
   Pump(const Pump&) = delete;
   Pump& operator=(const Pump&) = delete;
 

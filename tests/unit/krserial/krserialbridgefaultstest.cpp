@@ -142,6 +142,23 @@ TEST_F(BridgeTest, ADeviceThatIsLost_IsSaidToBe_AndStopEndsAtOnce) {
   EXPECT_EQ(stopping.wait_for(krtest::kGenerous), std::future_status::ready);
 }
 
+TEST_F(BridgeTest, Stop_WhileTheDeviceIsAsked_MovesNoMoreBytesAndAsksNoMore) {
+  LinkPort();
+  ASSERT_TRUE(Start({.baudRate = 9600}).IsOK());
+  adapter.Hold();
+  ASSERT_TRUE(IsReached([&] { return adapter.CountHeld() == 1; }));
+  std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
+  ASSERT_TRUE(IsReached([&] { return line->CountCalls() == 0; }));
+
+  const int questions = adapter.CountQuestions();
+  adapter.Release();
+  stopping.get();
+
+  EXPECT_EQ(adapter.CountQuestions(), questions) << "No question behind the one that ran.";
+  EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::Stopped);
+  EXPECT_FALSE(line->IsOpen());
+}
+
 TEST_F(BridgeTest, ADevicePortThatFails_IsOpenedAgain) {
   LinkPort();
   ASSERT_TRUE(Start().IsOK());
