@@ -18,8 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
     const std::vector<std::uint8_t> again = KrMakeCLMessage(*message);
     if (aSize > kKrCLMostMessage || !std::equal(again.begin(), again.end(), aData, aData + aSize))
       std::abort();
-    const bool isBridges = message->kind != KrCLMessageKind::Data && message->kind != KrCLMessageKind::SetSpeed;
-    if (message->kind != KrCLMessageKind::Data && isBridges != (side == KrCLSide::Bridge))
+    const bool isPrograms = message->kind == KrCLMessageKind::SetSpeed || message->kind == KrCLMessageKind::Flush;
+    if (message->kind != KrCLMessageKind::Data && isPrograms != (side == KrCLSide::Program))
       std::abort(); // It is the other side's.
   }
   return 0;

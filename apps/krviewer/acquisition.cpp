@@ -106,7 +106,7 @@ void Acquisition::Run(std::stop_token aStop) {
   KrResult result = ConnectAndStream(aStop);
   while (!result.IsOK() && IsAwaited(aStop)) {
     SetState(AcquisitionState::Lost, result);
-    mLentAdapter.TakeBack();
+    TakeBackDevice();
     AwaitReturn(aStop);
     if (!aStop.stop_requested())
       result = ConnectAndStream(aStop);
@@ -118,7 +118,7 @@ void Acquisition::Run(std::stop_token aStop) {
 
 void Acquisition::CloseDevice() {
   mParameters.TakeBack();
-  mLentAdapter.TakeBack();
+  TakeBackDevice();
   mAdapter.reset();
   mDevice.reset();
 }
@@ -138,13 +138,20 @@ KrResult Acquisition::ConnectAndStream(std::stop_token aStop) {
 
 // The stream has read the description already. A device whose description is no good may still have ports.
 void Acquisition::LendDevice(KrDevice& aDevice) {
-  mLentAdapter.Lend(mAdapter.emplace(aDevice));
+  mAdapter.emplace(aDevice);
+  for (Loan<IKrDeviceAdapter>& loan : mLentAdapters)
+    loan.Lend(*mAdapter);
   KrGenParameterArray* parameters = nullptr;
   const KrResult got = aDevice.GetParameters(parameters);
   if (got.IsOK())
     mParameters.Lend(*parameters);
   const std::lock_guard lock(mMutex);
   mProgress.parameters = got;
+}
+
+void Acquisition::TakeBackDevice() {
+  for (Loan<IKrDeviceAdapter>& loan : mLentAdapters)
+    loan.TakeBack();
 }
 
 KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {

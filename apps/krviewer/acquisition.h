@@ -10,7 +10,9 @@
 #include "loan.h"
 #include "streamfigures.h"
 
+#include <array>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -26,6 +28,9 @@ enum class AcquisitionState {
   Finished, ///< The number of frames asked for came, or it was stopped.
   Failed,   ///< It could not be opened or started, or was lost while a number of frames was asked for.
 };
+
+/// Who borrows the device.
+enum class DeviceBorrower { Terminal, Bridges };
 
 /// A copy of what the thread has come to.
 struct AcquisitionProgress {
@@ -57,7 +62,10 @@ public:
 
   AcquisitionProgress GetProgress() const;
   Loan<KrGenParameterArray>& GetParameters() { return mParameters; }
-  Loan<IKrDeviceAdapter>& GetAdapter() { return mLentAdapter; }
+  /// The device is lent to each borrower apart.
+  Loan<IKrDeviceAdapter>& GetAdapter(DeviceBorrower aBorrower) {
+    return mLentAdapters[static_cast<std::size_t>(aBorrower)];
+  }
   /// Ends the thread and gives the camera back.
   void Stop();
 
@@ -71,6 +79,7 @@ private:
   void CloseDevice();
   KrResult StreamOnce(std::stop_token aStop, KrDevice& aDevice);
   void LendDevice(KrDevice& aDevice);
+  void TakeBackDevice();
   void ShowReason(const KrBuffer* aBuffer, const KrResult& aReason);
   bool ShowFrame(KrStream& aStream, const KrBuffer& aBuffer);
   void AwaitReturn(std::stop_token aStop);
@@ -81,7 +90,7 @@ private:
   const KrDeviceInfo& mDeviceInfo;
   const std::uint64_t mFrameLimit;
   Loan<KrGenParameterArray> mParameters;
-  Loan<IKrDeviceAdapter> mLentAdapter;
+  std::array<Loan<IKrDeviceAdapter>, 2> mLentAdapters;
 
   // The thread's own while it runs.
   std::unique_ptr<KrDevice> mDevice;

@@ -50,7 +50,8 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
   QCommandLineParser parser;
   parser.setApplicationDescription(
       "Shows a machine-vision camera live, with its features beside the picture; Ctrl+T opens a terminal on its\n"
-      "serial ports. Escape or Enter in the picture, or the close box, end it.\n"
+      "serial ports, Ctrl+B the bridges between them and COM ports. Escape or Enter in the picture, or the close box, "
+      "end it.\n"
       "Without a display it ends after 100 frames and writes its pictures into the folder pictures.");
   parser.addPositionalArgument(
       "FILE.xml",

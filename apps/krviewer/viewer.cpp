@@ -36,7 +36,8 @@ QString GetStateText(const AcquisitionProgress& aProgress) {
 
 Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
     : mDeviceInfo(aDevice), mCommandLine(aCommandLine),
-      mTerminalAction(mMainWindow.AddTool(QStringLiteral("&Serial Terminal"), Qt::CTRL | Qt::Key_T)) {
+      mTerminalAction(mMainWindow.AddTool(QStringLiteral("&Serial Terminal"), Qt::CTRL | Qt::Key_T)),
+      mBridgeMenu(mMainWindow, mBridges) {
   mTerminalAction->setEnabled(false); // Until there is a device.
   connect(mTerminalAction, &QAction::triggered, this, &Viewer::ShowTerminal);
   connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
@@ -89,8 +90,10 @@ void Viewer::LookAgain() {
   TellMissingFeatures(progress);
   mBrowser.Follow(mAcquisition->GetParameters());
   mTerminalAction->setEnabled(mTerminal.HasDevice());
+  mBridges.Follow(mAcquisition->GetAdapter(DeviceBorrower::Bridges));
+  mBridgeMenu.LookAgain();
   // Last: the terminal may show a message box here, and looks go on while it is open.
-  mTerminal.Follow(mAcquisition->GetAdapter());
+  mTerminal.Follow(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
 }
 
 void Viewer::ShowTerminal() {
@@ -117,8 +120,10 @@ void Viewer::Finish() {
   if (wantsPictures && !SaveBrowserPicture())
     mExitCode = 1;
   mBrowser.GiveBack(mAcquisition->GetParameters());
-  mTerminal.GiveBack(mAcquisition->GetAdapter());
+  mTerminal.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
   mTerminal.Close();
+  mBridges.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Bridges));
+  mBridges.Close();
   mAcquisition->Stop();
   const AcquisitionProgress progress = mAcquisition->GetProgress();
   if (progress.state == AcquisitionState::Failed) {

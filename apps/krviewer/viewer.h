@@ -3,9 +3,11 @@
 // title, pictures and figures at the end.
 
 #include "acquisition.h"
+#include "bridgemenu.h"
 #include "commandline.h"
 #include "featurebrowser.h"
 #include "mainwindow.h"
+#include "serialbridges.h"
 #include "serialterminal.h"
 #include "stopsignal.h"
 
@@ -49,6 +51,8 @@ private:
   FeatureBrowser mBrowser;
   SerialTerminal mTerminal;
   QAction* const mTerminalAction;
+  SerialBridges mBridges;
+  BridgeMenu mBridgeMenu;
   std::unique_ptr<Acquisition> mAcquisition;
   QTimer mTimer;
   QString mTitle;

@@ -24,6 +24,8 @@ constexpr KindRow kKinds[] = {
     {KrCLMessageKind::SetSpeed, KrCLSide::Program, kAllSpeeds, 0, 0},
     {KrCLMessageKind::SpeedSet, KrCLSide::Bridge, kMostAnswer, 0, 0},
     {KrCLMessageKind::Speeds, KrCLSide::Bridge, kAllSpeeds, 0, 0},
+    {KrCLMessageKind::Flush, KrCLSide::Program, kNoValue, 0, 0},
+    {KrCLMessageKind::Flushed, KrCLSide::Bridge, kNoValue, 0, 0},
 };
 
 std::uint32_t ReadValue(const std::uint8_t* aBytes) {

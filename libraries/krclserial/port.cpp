@@ -62,7 +62,9 @@ CLINT32 Port::AwaitWelcome(const std::string& aName) {
 
 CLINT32 Port::Read(char* aBytes, std::size_t aSize, std::chrono::milliseconds aLimit) {
   const Clock::time_point end = Clock::now() + aLimit;
-  const std::lock_guard receiving(mReceiving);
+  const std::unique_lock receiving(mReceiving, end);
+  if (!receiving)
+    return CL_ERR_TIMEOUT;
   while (true) {
     Receive(std::max(aSize, kMostAhead));
     if (mReceived.size() >= aSize)
@@ -80,7 +82,11 @@ CLINT32 Port::Read(char* aBytes, std::size_t aSize, std::chrono::milliseconds aL
 
 CLINT32 Port::Write(const char* aBytes, CLUINT32& aSize, std::chrono::milliseconds aLimit) {
   const Clock::time_point end = Clock::now() + aLimit;
-  const std::lock_guard sending(mSending);
+  const std::unique_lock sending(mSending, end);
+  if (!sending) {
+    aSize = 0;
+    return CL_ERR_TIMEOUT;
+  }
   std::string_view rest(aBytes, aSize);
   Sent sent = Sent::All;
   while (!rest.empty()) {
@@ -107,9 +113,31 @@ CLINT32 Port::CountAvailable(CLUINT32& aCount) {
 
 CLINT32 Port::Flush() {
   const std::lock_guard receiving(mReceiving);
+  const Clock::time_point end = Clock::now() + kAnswerLimit;
   Receive(kMostBeforeAnswer);
   mReceived.clear();
-  return mIsLost ? CL_ERR_INVALID_REFERENCE : CL_ERR_NO_ERR;
+  const std::unique_lock sending(mSending, end);
+  const Sent sent = sending ? Send({KrCLMessageKind::Flush}, end) : Sent::Late;
+  if (sent != Sent::All)
+    return sent == Sent::Lost ? CL_ERR_INVALID_REFERENCE : CL_ERR_TIMEOUT;
+  ++mFlushesAsked;
+  mIsFlushing = true;
+  const CLINT32 result = AwaitFlushed(end);
+  mIsFlushing = false;
+  return result;
+}
+
+CLINT32 Port::AwaitFlushed(Clock::time_point aEnd) {
+  while (true) {
+    Receive(kMostAhead);
+    if (mFlushesAnswered == mFlushesAsked)
+      return CL_ERR_NO_ERR;
+    mReceived.clear();
+    if (mIsLost)
+      return CL_ERR_INVALID_REFERENCE;
+    if (Clock::now() > aEnd || !Wait(POLLIN, aEnd))
+      return CL_ERR_TIMEOUT;
+  }
 }
 
 CLINT32 Port::GetSpeeds(CLUINT32& aBits) {
@@ -168,7 +196,8 @@ void Port::Close() {
 void Port::Receive(std::size_t aMost) {
   while (!mIsLost && mReceived.size() < aMost) {
     const ssize_t length = ::recv(mSocket.Get(), mPacket.data(), mPacket.size(), MSG_DONTWAIT | MSG_TRUNC);
-    if (length < 0 && errno == EINTR)
+    // A bridge that ends without having read all is told once; what it sent before is behind that.
+    if (length < 0 && (errno == EINTR || errno == ECONNRESET))
       continue;
     if (length < 0 && errno == EAGAIN)
       return;
@@ -200,7 +229,13 @@ void Port::Understand(const KrCLMessage& aMessage) {
     mSpeeds = aMessage.value;
     mHasSpeeds = mIsWelcome;
     break;
+  case KrCLMessageKind::Flushed:
+    ++mFlushesAnswered;
+    if (mIsFlushing)
+      mReceived.clear();
+    break;
   case KrCLMessageKind::SetSpeed:
+  case KrCLMessageKind::Flush:
     break; // Never a bridge's.
   }
 }

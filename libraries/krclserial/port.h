@@ -47,6 +47,7 @@ private:
   void Understand(const KrCLMessage& aMessage);
   CLINT32 AwaitWelcome(const std::string& aName);
   CLINT32 AwaitSpeedSet(Clock::time_point aEnd);
+  CLINT32 AwaitFlushed(Clock::time_point aEnd);
 
   enum class Sent { All, Late, Lost };
   Sent Send(const KrCLMessage& aMessage, Clock::time_point aEnd);
@@ -67,6 +68,9 @@ private:
   KrCLAnswer mSpeedSet = KrCLAnswer::Failed;
   std::uint64_t mSpeedsAsked = 0;
   std::uint64_t mSpeedsAnswered = 0;
+  std::uint64_t mFlushesAsked = 0;
+  std::uint64_t mFlushesAnswered = 0;
+  bool mIsFlushing = false; ///< What comes before the answer is thrown away.
 
   KrTurnMutex mSending; ///< Had by who sends.
 };

@@ -4,30 +4,43 @@
 #include "krbase/krnamedmutexes.h"
 #include "krdevice/ikrdeviceadapter.h"
 
+#include <condition_variable>
+#include <mutex>
 #include <string>
 
-namespace {
+// What is had by one at a time.
+struct KrBulkSelectorTurn::Selector {
+  std::mutex mutex; // Guards isHad.
+  std::condition_variable_any given;
+  bool isHad = false;
+};
 
-std::shared_ptr<std::mutex> FindMutex(const IKrDeviceAdapter& aAdapter) {
-  static KrNamedMutexes mutexes; // Of the devices at whose selectors somebody has a turn, or waits for one.
-  std::string text;
+std::shared_ptr<KrBulkSelectorTurn::Selector> KrBulkSelectorTurn::FindSelector(const IKrDeviceAdapter& aAdapter) {
+  static KrNamed<Selector> selectors; // Those at which somebody has a turn, or waits for one.
+  std::string device;
   // Devices that cannot say what they are share one.
   (void)krserial::Guard("Asking for a device's text", [&]() -> KrResult {
-    text = aAdapter.GetDeviceText().ToUtf8();
+    device = aAdapter.GetDeviceText().ToUtf8();
     return {};
   });
-  return mutexes.Of(text);
+  return selectors.Of(device);
 }
 
-} // namespace
-
-KrBulkSelectorTurn::KrBulkSelectorTurn(const IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort)
-    : mMutex(IsBulkPort(aPort) ? FindMutex(aAdapter) : nullptr) {
-  if (mMutex)
-    mMutex->lock();
+KrBulkSelectorTurn::KrBulkSelectorTurn(const IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort,
+                                       const std::stop_token& aStop)
+    : mSelector(IsBulkPort(aPort) ? FindSelector(aAdapter) : nullptr) {
+  if (!mSelector)
+    return;
+  std::unique_lock lock(mSelector->mutex);
+  mIsMine = mSelector->given.wait(lock, aStop, [this] { return !mSelector->isHad; });
+  if (mIsMine)
+    mSelector->isHad = true;
 }
 
 KrBulkSelectorTurn::~KrBulkSelectorTurn() {
-  if (mMutex)
-    mMutex->unlock();
+  if (!mSelector || !mIsMine)
+    return;
+  const std::lock_guard lock(mSelector->mutex);
+  mSelector->isHad = false;
+  mSelector->given.notify_one();
 }

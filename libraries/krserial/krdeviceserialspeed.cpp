@@ -64,14 +64,25 @@ std::uint32_t FindRate(const std::string& aEntry) {
   return parsed.ec == std::errc() && rate >= kLowestRate ? rate : 0;
 }
 
+KrResult RefuseStopped(KrDeviceSerial aPort) {
+  return {KrResult::Code::Aborted, "The question for the speed of the port " + GetPortName(aPort) + " was stopped."};
+}
+
 /// The bulk port's turn at the device's selector: set to the port, and put back in the end.
 class SelectedPort {
 public:
-  SelectedPort(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort) : mAdapter(aAdapter), mTurn(aAdapter, aPort) {
+  SelectedPort(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, const std::stop_token& aStop)
+      : mAdapter(aAdapter), mTurn(aAdapter, aPort, aStop) {
+    if (aStop.stop_requested()) {
+      mResult = RefuseStopped(aPort);
+      return;
+    }
     if (!IsBulkPort(aPort) || !mAdapter.IsParameterAvailable(kBulkSelector))
       return;
     const KrString name = GetPortName(aPort);
     mResult = mAdapter.GetEnumValue(kBulkSelector, mBefore);
+    if (mResult.IsOK() && aStop.stop_requested())
+      mResult = RefuseStopped(aPort);
     if (!mResult.IsOK() || mBefore == name)
       return;
     mResult = mAdapter.SetEnumValue(kBulkSelector, name);
@@ -99,16 +110,21 @@ private:
 
 /// Does something with the parameter of a port's speed, the port being selected.
 template <typename Operation>
-KrResult WithParameter(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, Operation&& aOperation) {
+KrResult WithParameter(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, const std::stop_token& aStop,
+                       Operation&& aOperation) {
   return krserial::Guard("Asking for the speed of a port", [&]() -> KrResult {
+    if (aStop.stop_requested())
+      return RefuseStopped(aPort);
     const KrHasParameter hasParameter = [&](const KrString& aName) { return aAdapter.HasParameter(aName); };
     const KrString name = FindBaudRateParameter(aPort, hasParameter);
     if (name.IsEmpty() || !hasParameter(name))
       return RefuseMissing(aPort);
     if (name == kClockDivider)
       return {KrResult::Code::NotSupported, name + " divides the device's clock, and tells no rate."};
-    const SelectedPort selected(aAdapter, aPort);
-    return selected.GetResult().IsOK() ? aOperation(name) : selected.GetResult();
+    const SelectedPort selected(aAdapter, aPort, aStop);
+    if (!selected.GetResult().IsOK())
+      return selected.GetResult();
+    return aStop.stop_requested() ? RefuseStopped(aPort) : aOperation(name);
   });
 }
 
@@ -125,10 +141,10 @@ KrString FindBaudRateParameter(KrDeviceSerial aPort, const KrHasParameter& aHasP
 KrDeviceSerialSpeed::KrDeviceSerialSpeed(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort)
     : mAdapter(aAdapter), mPort(aPort) {}
 
-KrResult KrDeviceSerialSpeed::GetSupported(std::vector<std::uint32_t>& aBaudRates) const {
+KrResult KrDeviceSerialSpeed::GetSupported(std::vector<std::uint32_t>& aBaudRates, const std::stop_token& aStop) const {
   KrStringList entries;
-  const KrResult asked =
-      WithParameter(mAdapter, mPort, [&](const KrString& aName) { return mAdapter.GetEnumEntries(aName, entries); });
+  const KrResult asked = WithParameter(mAdapter, mPort, aStop,
+                                       [&](const KrString& aName) { return mAdapter.GetEnumEntries(aName, entries); });
   // A port without a speed can be set to none, which is an answer.
   if (!asked.IsOK() && asked != KrResult::Code::NotFound && asked != KrResult::Code::NotSupported)
     return asked;
@@ -140,8 +156,8 @@ KrResult KrDeviceSerialSpeed::GetSupported(std::vector<std::uint32_t>& aBaudRate
   return {};
 }
 
-KrResult KrDeviceSerialSpeed::Get(std::uint32_t& aBaudRate) const {
-  return WithParameter(mAdapter, mPort, [&](const KrString& aName) -> KrResult {
+KrResult KrDeviceSerialSpeed::Get(std::uint32_t& aBaudRate, const std::stop_token& aStop) const {
+  return WithParameter(mAdapter, mPort, aStop, [&](const KrString& aName) -> KrResult {
     KrString entry;
     if (KrResult read = mAdapter.GetEnumValue(aName, entry); !read.IsOK())
       return read;
@@ -153,11 +169,13 @@ KrResult KrDeviceSerialSpeed::Get(std::uint32_t& aBaudRate) const {
   });
 }
 
-KrResult KrDeviceSerialSpeed::Set(std::uint32_t aBaudRate) const {
-  return WithParameter(mAdapter, mPort, [&](const KrString& aName) -> KrResult {
+KrResult KrDeviceSerialSpeed::Set(std::uint32_t aBaudRate, const std::stop_token& aStop) const {
+  return WithParameter(mAdapter, mPort, aStop, [&](const KrString& aName) -> KrResult {
     KrStringList entries;
     if (KrResult asked = mAdapter.GetEnumEntries(aName, entries); !asked.IsOK())
       return asked;
+    if (aStop.stop_requested())
+      return RefuseStopped(mPort);
     for (std::size_t index = 0; index < entries.GetCount(); ++index) {
       // A rate of 0 is that of all entries without one.
       if (aBaudRate > 0 && FindRate(entries[index].ToUtf8()) == aBaudRate)

@@ -1,5 +1,6 @@
 #include "krserial/krhostserialports.h"
 
+#include "bridge/portlink.h"
 #include "comname.h"
 #include "configurationdirectory.h"
 #include "portnumbers.h"
@@ -64,11 +65,12 @@ std::string GetTarget(const fs::path& aLink) {
   return fs::read_symlink(aLink, error).string();
 }
 
-// Links that lead nowhere keep their numbers all the same.
+// Links that lead nowhere, or that a killed bridge left behind, keep their numbers all the same. The latter may lead to
+// anything by now, as the system gives the number of a pseudo-terminal that has gone to the next.
 void AddLinked(const Links& aLinks, std::map<std::uint32_t, KrHostSerialPort>& aPorts) {
   for (const auto& [number, link] : aLinks) {
     std::error_code error;
-    if (fs::exists(link, error))
+    if (fs::exists(link, error) && PortLink::FindMaker(link) != PortLink::Maker::Killed)
       aPorts.emplace(number, MakePort(number, link.string(), "Link to " + GetTarget(link)));
   }
 }
@@ -78,20 +80,23 @@ void AddSystem(const std::vector<SystemTty>& aTtys, const Links& aLinks, const s
   std::set<std::uint32_t> taken;
   for (const auto& [number, link] : aLinks)
     taken.insert(number);
-  std::vector<std::string> identities;
+  std::vector<TtyIdentity> identities;
   for (const SystemTty& tty : aTtys)
     identities.push_back(tty.identity);
-  const PortNumbers numbers = AssignPortNumbers(aNumbersFile, identities, taken);
-  for (const SystemTty& tty : aTtys)
-    if (const auto number = numbers.find(tty.identity); number != numbers.end() && !taken.contains(number->second))
-      aPorts.emplace(number->second, MakePort(number->second, tty.path, tty.text));
+  const std::vector<std::uint32_t> numbers = AssignPortNumbers(aNumbersFile, identities, taken);
+  for (std::size_t index = 0; index < aTtys.size(); ++index)
+    if (const std::uint32_t number = numbers[index]; number != 0 && !taken.contains(number))
+      aPorts.emplace(number, MakePort(number, aTtys[index].path, aTtys[index].text));
 }
 
 KrResult MakeNotFound(std::uint32_t aNumber, const Links& aLinks, const KrHostSerialFolders& aFolders) {
   const std::string name = "COM" + std::to_string(aNumber);
-  if (const auto link = aLinks.find(aNumber); link != aLinks.end())
-    return {KrResult::Code::NotFound, name + " is the link " + link->second.string() + " to " +
-                                          GetTarget(link->second) + ", where nothing is now."};
+  if (const auto link = aLinks.find(aNumber); link != aLinks.end()) {
+    const bool isStale = PortLink::FindMaker(link->second) == PortLink::Maker::Killed;
+    return {KrResult::Code::NotFound,
+            name + " is the link " + link->second.string() + " to " + GetTarget(link->second) +
+                (isStale ? ", which a bridge left behind when it was killed." : ", where nothing is now.")};
+  }
   return {KrResult::Code::NotFound, "The host has no " + name + " now: neither a link com" + std::to_string(aNumber) +
                                         " in " + aFolders.links.ToUtf8() + ", nor a serial port in " +
                                         aFolders.sysfs.ToUtf8() + " with that number in " + aFolders.numbers.ToUtf8() +
@@ -172,5 +177,7 @@ KrHostSerialFolders KrHostSerialPorts::GetFolders() {
     folders.devices = "/dev";
   if (folders.numbers.IsEmpty())
     folders.numbers = krserial::GetOwnPlace("com-port-numbers");
+  if (folders.locks.IsEmpty())
+    folders.locks = "/var/lock";
   return folders;
 }

@@ -11,6 +11,7 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <utility>
 #include <vector>
@@ -65,7 +66,8 @@ struct KrSerialBridge::Body {
 
   mutable std::mutex mutex; // Guards the members from here on, which are changed by who holds both. Held for moments.
   Identity identity;
-  std::unique_ptr<BridgeLink> link; // Null while stopped.
+  std::unique_ptr<BridgeLink> link;        // Null while stopped.
+  std::stop_source stop{std::nostopstate}; // Of the link that runs or is started.
 };
 
 KrResult KrSerialBridge::Body::CheckStart(IKrDeviceAdapter* aAdapter) const {
@@ -79,6 +81,10 @@ KrResult KrSerialBridge::Body::CheckStart(IKrDeviceAdapter* aAdapter) const {
 KrResult KrSerialBridge::Body::Run(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, std::unique_ptr<IHostEnd> aEnd,
                                    const Identity& aIdentity) {
   auto starting = std::make_unique<BridgeLink>(aAdapter, aPort, counters);
+  {
+    const std::lock_guard lock(mutex);
+    stop = starting->GetStop();
+  }
   counters.Reset();
   starting->GetSpeed().SetHardCoded(hardCodedBaudRate);
   std::optional<std::uint32_t> baudRate;
@@ -131,6 +137,12 @@ KrResult KrSerialBridge::Start(const KrString& aName, IKrDeviceAdapter* aAdapter
 }
 
 void KrSerialBridge::Stop() {
+  std::stop_source stop(std::nostopstate);
+  {
+    const std::lock_guard lock(mBody->mutex);
+    stop = mBody->stop;
+  }
+  stop.request_stop(); // A start or a configuration that runs does not go on to ask the device.
   const std::lock_guard operation(mBody->operation);
   std::unique_ptr<BridgeLink> ending;
   const std::lock_guard lock(mBody->mutex);
@@ -194,9 +206,9 @@ std::uint32_t KrSerialBridge::GetHardCodedBaudRate() const {
 }
 
 KrResult KrSerialBridge::SetHardCodedBaudRate(std::uint32_t aBaudRate) {
-  if (aBaudRate == 0 || aBaudRate > kFastestBaudRate)
-    return {KrResult::Code::OutOfRange, "A hard-coded speed of " + std::to_string(aBaudRate) +
-                                            " baud: it can be 1 to " + std::to_string(kFastestBaudRate) + "."};
+  if (aBaudRate > kFastestBaudRate)
+    return {KrResult::Code::OutOfRange, "A hard-coded speed of " + std::to_string(aBaudRate) + " baud: it can be " +
+                                            std::to_string(kFastestBaudRate) + " at most."};
   const std::lock_guard lock(mBody->mutex);
   mBody->hardCodedBaudRate = aBaudRate;
   if (mBody->link)

@@ -39,13 +39,13 @@ bool ParseLine(std::string_view aLine, PortNumbers& aNumbers, std::set<std::uint
          aGiven.insert(number).second && aNumbers.emplace(identity, number).second;
 }
 
-// Held by one process at a time, and by one thread of it. A process that was stopped while it had it is not waited for
-// without end.
+// Held by one process at a time, and by one thread of it, for moments. A process that was stopped while it had it is
+// not waited for: a bridge that looks for its port must end soon.
 class NumbersLock {
 public:
   explicit NumbersLock(const std::string& aFile)
       : mDescriptor(::open((aFile + ".lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600)) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
     while (mDescriptor.IsOpen() && ::flock(mDescriptor.Get(), LOCK_EX | LOCK_NB) != 0) {
       if (std::chrono::steady_clock::now() > limit)
         mDescriptor.Close();
@@ -72,11 +72,22 @@ bool IsDamaged(const KrResult& aRead) {
   return aRead == KrResult::Code::BadData || aRead == KrResult::Code::OutOfRange;
 }
 
-bool PutAside(const std::string& aFile, const KrResult& aRead) {
-  Warn("The numbers of the serial ports are given anew, as " + aFile +
-       " is damaged: " + aRead.GetDescription().ToUtf8() + " It is kept as " + aFile + ".damaged.");
+// The file that was put aside before may be the only one that says whose a number was.
+std::string FindNameAside(const std::string& aFile) {
+  constexpr int kMostAside = 100;
+  std::string name = aFile + ".damaged";
   std::error_code error;
-  std::filesystem::rename(aFile, aFile + ".damaged", error);
+  for (int count = 2; count <= kMostAside && std::filesystem::exists(name, error); ++count)
+    name = aFile + ".damaged." + std::to_string(count);
+  return name;
+}
+
+bool PutAside(const std::string& aFile, const KrResult& aRead) {
+  const std::string aside = FindNameAside(aFile);
+  Warn("The numbers of the serial ports are given anew, as " + aFile +
+       " is damaged: " + aRead.GetDescription().ToUtf8() + " It is kept as " + aside + ".");
+  std::error_code error;
+  std::filesystem::rename(aFile, aside, error);
   return !error;
 }
 
@@ -89,44 +100,80 @@ KrResult WriteNumbers(const std::string& aFile, const PortNumbers& aNumbers) {
   return result.IsOK() ? file.Commit() : result;
 }
 
-bool HasAll(const PortNumbers& aNumbers, const std::vector<std::string>& aIdentities) {
-  return std::ranges::all_of(aIdentities,
-                             [&aNumbers](const std::string& aIdentity) { return aNumbers.contains(aIdentity); });
+// The first identity that begins so; the end where there is none.
+PortNumbers::iterator FindStart(PortNumbers& aNumbers, const std::string& aStart) {
+  const auto found = aNumbers.lower_bound(aStart);
+  return found != aNumbers.end() && found->first.starts_with(aStart) ? found : aNumbers.end();
 }
 
-// Whether there was a number to give.
-bool GiveNew(PortNumbers& aNumbers, const std::vector<std::string>& aIdentities, std::set<std::uint32_t> aTaken) {
+bool HasTwin(const TtyIdentity& aTty, const std::vector<TtyIdentity>& aTtys) {
+  return std::ranges::any_of(
+      aTtys, [&aTty](const TtyIdentity& aOther) { return aOther.text == aTty.text && aOther.place != aTty.place; });
+}
+
+// The identity that a tty's number is kept under. Makers that give all their adapters one serial number leave only the
+// place to tell them apart; which of them came first keeps the number that it had alone.
+std::string PutInPlace(PortNumbers& aNumbers, const TtyIdentity& aTty, const std::vector<TtyIdentity>& aTtys,
+                       bool& aIsChanged) {
+  if (aTty.place.empty())
+    return aTty.text;
+  const std::string start = aTty.text + " last @";
+  const std::string movable = aTty.text + " last " + aTty.place;
+  const std::string fixed = aTty.text + " " + aTty.place;
+  if (aNumbers.contains(fixed))
+    return fixed;
+  if (aNumbers.contains(movable))
+    return movable;
+  if (HasTwin(aTty, aTtys) || FindStart(aNumbers, aTty.text + " @") != aNumbers.end())
+    return fixed;
+  if (const auto moved = FindStart(aNumbers, start); moved != aNumbers.end()) {
+    auto node = aNumbers.extract(moved);
+    node.key() = movable;
+    aNumbers.insert(std::move(node));
+    aIsChanged = true;
+  }
+  return movable;
+}
+
+// The numbers of the ttys; aIsChanged says whether the file has others, or lacks some.
+std::vector<std::uint32_t> Give(PortNumbers& aNumbers, const std::vector<TtyIdentity>& aTtys,
+                                std::set<std::uint32_t> aTaken, bool& aIsChanged) {
   for (const auto& [identity, number] : aNumbers)
     aTaken.insert(number);
-  bool isAnyNew = false;
+  std::vector<std::uint32_t> given;
   std::uint32_t next = 1;
-  for (const std::string& identity : aIdentities) {
-    if (aNumbers.contains(identity))
-      continue;
-    while (aTaken.contains(next))
-      ++next;
-    if (next > kMostComNumber) {
-      Warn("No number is left for the serial port \"" + identity + "\".");
-      break;
+  for (const TtyIdentity& tty : aTtys) {
+    const std::string identity = PutInPlace(aNumbers, tty, aTtys, aIsChanged);
+    if (!aNumbers.contains(identity)) {
+      while (aTaken.contains(next))
+        ++next;
+      if (next <= kMostComNumber) {
+        aNumbers.emplace(identity, next++);
+        aIsChanged = true;
+      }
     }
-    aNumbers.emplace(identity, next++);
-    isAnyNew = true;
+    const auto number = aNumbers.find(identity);
+    given.push_back(number == aNumbers.end() ? 0 : number->second);
+    if (given.back() == 0)
+      Warn("No number is left for the serial port \"" + identity + "\".");
   }
-  return isAnyNew;
+  return given;
 }
 
 // The file is there to be kept from here on, or the result says why it is not.
-KrResult UpdateFile(const std::string& aFile, const std::vector<std::string>& aIdentities,
-                    const std::set<std::uint32_t>& aTaken, PortNumbers& aNumbers) {
+KrResult UpdateFile(const std::string& aFile, const std::vector<TtyIdentity>& aTtys,
+                    const std::set<std::uint32_t>& aTaken, std::vector<std::uint32_t>& aGiven) {
   std::error_code error;
   std::filesystem::create_directories(std::filesystem::path(aFile).parent_path(), error);
   const NumbersLock lock(aFile);
-  KrResult read = lock.IsHeld() ? ReadNumbers(aFile, aNumbers)
+  PortNumbers numbers;
+  KrResult read = lock.IsHeld() ? ReadNumbers(aFile, numbers)
                                 : KrResult(KrResult::Code::Busy, "they cannot be locked: " + aFile + ".lock.");
   if (IsDamaged(read) && PutAside(aFile, read))
     read = {};
-  const bool isAnyNew = GiveNew(aNumbers, aIdentities, aTaken);
-  return read.IsOK() && isAnyNew ? WriteNumbers(aFile, aNumbers) : read;
+  bool isChanged = false;
+  aGiven = Give(numbers, aTtys, aTaken, isChanged);
+  return read.IsOK() && isChanged ? WriteNumbers(aFile, numbers) : read;
 }
 
 } // namespace
@@ -158,14 +205,18 @@ std::string FormatPortNumbers(const PortNumbers& aNumbers) {
   return text;
 }
 
-PortNumbers AssignPortNumbers(const std::string& aFile, const std::vector<std::string>& aIdentities,
-                              const std::set<std::uint32_t>& aTaken) {
+std::vector<std::uint32_t> AssignPortNumbers(const std::string& aFile, const std::vector<TtyIdentity>& aTtys,
+                                             const std::set<std::uint32_t>& aTaken) {
   PortNumbers numbers;
-  if (ReadNumbers(aFile, numbers).IsOK() && HasAll(numbers, aIdentities))
-    return numbers;
-  if (const KrResult kept = UpdateFile(aFile, aIdentities, aTaken, numbers); !kept.IsOK())
+  bool isChanged = false;
+  std::vector<std::uint32_t> given;
+  if (ReadNumbers(aFile, numbers).IsOK())
+    given = Give(numbers, aTtys, aTaken, isChanged);
+  if (given.size() == aTtys.size() && !isChanged)
+    return given;
+  if (const KrResult kept = UpdateFile(aFile, aTtys, aTaken, given); !kept.IsOK())
     Warn("The numbers of new serial ports are not kept in " + aFile + ": " + kept.GetDescription().ToUtf8());
-  return numbers;
+  return given;
 }
 
 } // namespace krserial

@@ -13,7 +13,14 @@
 
 namespace krserial {
 
-/// Numbers by identity.
+/// What a tty is known by.
+struct TtyIdentity {
+  std::string text;
+  /// For one that may be plugged in elsewhere, which others may have the same text as: "@" and where it is now.
+  std::string place = {};
+};
+
+/// Numbers by identity, which says where a tty was last, or where alone it has the number.
 using PortNumbers = std::map<std::string, std::uint32_t>;
 
 /// The longest file of numbers.
@@ -24,11 +31,13 @@ constexpr std::size_t kMostNumbersBytes = 1U << 20U;
 KrResult ParsePortNumbers(std::string_view aText, PortNumbers& aNumbers);
 std::string FormatPortNumbers(const PortNumbers& aNumbers);
 
-/// The numbers of the identities, of which new ones get the lowest that were never given and are not in aTaken. The
-/// file is read, and written where there are new ones, so that processes that do so at once agree; one that is damaged
-/// is put aside as ".damaged". What keeps the file from being kept is logged as a warning, and the numbers are given
-/// nevertheless. An identity for which no number is left gets none. Thread: any.
-PortNumbers AssignPortNumbers(const std::string& aFile, const std::vector<std::string>& aIdentities,
-                              const std::set<std::uint32_t>& aTaken);
+/// The numbers of the ttys, in their order, of which new ones get the lowest that were never given and are not in
+/// aTaken. A tty keeps its number in another place unless another with the same text was there at the same time, now or
+/// before: then it is another tty. The file is read, and written where there are new ones, so that processes that do so
+/// at once agree; one that is damaged is put aside as ".damaged", or ".damaged.2" and so on. What keeps the file from
+/// being kept is logged as a warning, and the numbers are given nevertheless. A tty for which no number is left gets 0.
+/// Thread: any.
+std::vector<std::uint32_t> AssignPortNumbers(const std::string& aFile, const std::vector<TtyIdentity>& aTtys,
+                                             const std::set<std::uint32_t>& aTaken);
 
 } // namespace krserial

@@ -6,7 +6,6 @@
 #include <charconv>
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -113,13 +112,7 @@ fs::path SkipSerialBase(fs::path aFolder) {
   return aFolder;
 }
 
-struct Identity {
-  std::string text;
-  std::string place; // Where it is plugged in.
-  bool hasPlace = true;
-};
-
-Identity MakeUsbIdentity(const fs::path& aTty, const fs::path& aUsbDevice) {
+TtyIdentity MakeUsbIdentity(const fs::path& aTty, const fs::path& aUsbDevice) {
   const std::string serial = Escape(ReadText(aUsbDevice / "serial"));
   const std::string place = "@" + Escape(aUsbDevice.filename().string());
   const fs::path interface = FindParentWith(aTty, "bInterfaceNumber");
@@ -130,14 +123,14 @@ Identity MakeUsbIdentity(const fs::path& aTty, const fs::path& aUsbDevice) {
   // Of several ttys of one interface.
   if (const std::string port = ReadText(aTty / "port_number"); !port.empty())
     text += " port " + Escape(port);
-  return {.text = text, .place = place, .hasPlace = serial.empty()};
+  return {.text = text, .place = serial.empty() ? std::string() : place};
 }
 
-Identity MakeIdentity(const FoundTty& aTty) {
+TtyIdentity MakeIdentity(const FoundTty& aTty) {
   const fs::path usbDevice = kKinds[aTty.kind].isUsb ? FindParentWith(aTty.device, "idVendor") : fs::path();
   if (!usbDevice.empty())
     return MakeUsbIdentity(aTty.device, usbDevice);
-  return {.text = "path " + Escape(SkipSerialBase(aTty.device).string() + "/" + aTty.name), .place = {}};
+  return {.text = "path " + Escape(SkipSerialBase(aTty.device).string() + "/" + aTty.name)};
 }
 
 KrResult FindNames(const fs::path& aSysfs, std::vector<FoundTty>& aTtys) {
@@ -164,19 +157,11 @@ KrResult FindSystemTtys(const std::string& aSysfs, const std::string& aDevices, 
     return !fs::exists(fs::path(aDevices) / aTty.name, error);
   });
   std::ranges::sort(found, {}, [](const FoundTty& aTty) { return std::pair(aTty.kind, aTty.number); });
-  std::vector<Identity> identities;
-  std::map<std::string, int> counts;
-  for (const FoundTty& tty : found)
-    ++counts[identities.emplace_back(MakeIdentity(tty)).text];
   aTtys.clear();
-  for (std::size_t index = 0; index < found.size(); ++index) {
-    // Makers that give all their adapters one serial number leave only the place to tell them apart.
-    const Identity& identity = identities[index];
-    const bool isAmbiguous = !identity.hasPlace && counts[identity.text] > 1;
-    aTtys.push_back({.path = (fs::path(aDevices) / found[index].name).string(),
-                     .identity = identity.text + (isAmbiguous ? " " + identity.place : std::string()),
-                     .text = std::string(kKinds[found[index].kind].text) + found[index].name});
-  }
+  for (const FoundTty& tty : found)
+    aTtys.push_back({.path = (fs::path(aDevices) / tty.name).string(),
+                     .identity = MakeIdentity(tty),
+                     .text = std::string(kKinds[tty.kind].text) + tty.name});
   return {};
 }
 

@@ -3,6 +3,7 @@
 // number each has is left to PortNumbers.
 
 #include "krbase/krresult.h"
+#include "portnumbers.h"
 
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@ namespace krserial {
 
 struct SystemTty {
   std::string path;     ///< The device file.
-  std::string identity; ///< The same for the same tty, whatever the system calls it now.
+  TtyIdentity identity; ///< The same for the same tty, whatever the system calls it now.
   std::string text;     ///< For people.
 };
 

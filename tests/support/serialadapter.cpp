@@ -5,6 +5,18 @@
 
 namespace krtest {
 
+// Counts a call while it lives; the mutex is held at both ends.
+class SerialLine::Call {
+public:
+  explicit Call(int& aCalls) : mCalls(aCalls) { ++mCalls; }
+  ~Call() { --mCalls; }
+  Call(const Call&) = delete;
+  Call& operator=(const Call&) = delete;
+
+private:
+  int& mCalls;
+};
+
 KrResult SerialLine::Open() {
   const std::scoped_lock lock(mMutex);
   if (!mOpenFailure.IsOK())
@@ -43,6 +55,7 @@ KrResult SerialLine::Check(const std::stop_token& aCancel, int aOpening) const {
 KrResult SerialLine::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, std::uint32_t aTimeoutMs,
                           const std::stop_token& aCancel) {
   std::unique_lock lock(mMutex);
+  const Call call(mCalls);
   ++mReads;
   aRead = 0;
   if (KrResult result = Check(aCancel, 0); !result.IsOK())
@@ -65,6 +78,7 @@ KrResult SerialLine::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& 
 KrResult SerialLine::Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                            std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   std::unique_lock lock(mMutex);
+  const Call call(mCalls);
   mWrites.push_back(aSize);
   aWritten = 0;
   if (KrResult result = Check(aCancel, 0); !result.IsOK())
@@ -155,6 +169,11 @@ bool SerialLine::IsOpen() const {
 int SerialLine::CountOpenings() const {
   const std::scoped_lock lock(mMutex);
   return mOpenings;
+}
+
+int SerialLine::CountCalls() const {
+  const std::scoped_lock lock(mMutex);
+  return mCalls;
 }
 
 int SerialLine::CountReads() const {

@@ -47,10 +47,14 @@ public:
   bool IsOpen() const;
   int CountOpenings() const;
   int CountReads() const;
+  /// Calls of Read and Write that run.
+  int CountCalls() const;
   /// Bytes that came and were not read yet.
   std::size_t CountWaiting() const;
 
 private:
+  class Call;
+
   bool Wait(std::unique_lock<std::mutex>& aLock, std::uint32_t aTimeoutMs, const std::stop_token& aCancel,
             const std::function<bool()>& aIsOver);
   KrResult Check(const std::stop_token& aCancel, int aOpening) const;
@@ -69,6 +73,7 @@ private:
   bool mIsLost = false;
   int mOpenings = 0;
   int mReads = 0;
+  int mCalls = 0;
 };
 
 /// Lines by number, and parameters by name, which a test may change at any time.

@@ -41,6 +41,11 @@ bool Poll(int aDescriptor, short aEvents) {
 }
 
 void WriteAll(int aDescriptor, std::string_view aBytes, const std::stop_token& aStop) {
+  // A socat that has ended, as its line has, is no reason for the test to end.
+  sigset_t pipe;
+  sigemptyset(&pipe);
+  sigaddset(&pipe, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
   while (!aBytes.empty() && !aStop.stop_requested()) {
     const ssize_t written = Poll(aDescriptor, POLLOUT) ? write(aDescriptor, aBytes.data(), aBytes.size()) : 0;
     if (written < 0 && errno != EAGAIN)
@@ -51,22 +56,16 @@ void WriteAll(int aDescriptor, std::string_view aBytes, const std::stop_token& a
 
 } // namespace
 
-SocatLine::SocatLine(const std::string& aPath) {
-  Start(aPath);
-  Hold(aPath);
-}
-
-void SocatLine::Start(const std::string& aPath) {
+SocatProcess::SocatProcess(std::string aAddress) {
   const std::array<int, 2> input = MakePipe();
   const std::array<int, 2> output = MakePipe();
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-  std::string terminal = "PTY,rawer,link=" + aPath;
   std::string program = "socat";
   std::string here = "STDIO";
-  std::array<char*, 4> arguments = {program.data(), here.data(), terminal.data(), nullptr};
+  std::array<char*, 4> arguments = {program.data(), here.data(), aAddress.data(), nullptr};
   const int failure = posix_spawnp(&mProcess, program.c_str(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   close(input[0]);
@@ -78,7 +77,45 @@ void SocatLine::Start(const std::string& aPath) {
   fcntl(mInput, F_SETFL, O_NONBLOCK);
 }
 
-void SocatLine::Hold(const std::string& aPath) {
+SocatProcess::~SocatProcess() {
+  mSender = {};
+  close(mInput);
+  close(mOutput);
+  End(SIGTERM);
+}
+
+void SocatProcess::End(int aSignal) {
+  if (mProcess < 0)
+    return;
+  kill(mProcess, aSignal);
+  waitpid(mProcess, nullptr, 0);
+  mProcess = -1;
+}
+
+void SocatProcess::Kill() {
+  mSender = {};
+  End(SIGKILL);
+}
+
+void SocatProcess::Send(std::string aBytes) {
+  if (mSender.joinable())
+    mSender.join();
+  mSender =
+      std::jthread([this, bytes = std::move(aBytes)](const std::stop_token& aStop) { WriteAll(mInput, bytes, aStop); });
+}
+
+const std::string& SocatProcess::Await(std::size_t aSize) {
+  std::array<char, 65536> bytes;
+  const auto limit = Clock::now() + kLimit;
+  while (mReceived.size() < aSize && Clock::now() < limit) {
+    const ssize_t read = Poll(mOutput, POLLIN) ? ::read(mOutput, bytes.data(), bytes.size()) : 0;
+    Check(read >= 0, "socat cannot be heard");
+    mReceived.append(bytes.data(), static_cast<std::size_t>(read));
+  }
+  return mReceived;
+}
+
+SocatLine::SocatLine(const std::string& aPath) : mProcess("PTY,rawer,link=" + aPath) {
   const auto limit = Clock::now() + kLimit;
   while (mHolder < 0 && Clock::now() < limit) {
     mHolder = open(aPath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
@@ -88,30 +125,7 @@ void SocatLine::Hold(const std::string& aPath) {
 }
 
 SocatLine::~SocatLine() {
-  mSender = {};
-  close(mInput);
-  close(mOutput);
-  kill(mProcess, SIGTERM);
-  waitpid(mProcess, nullptr, 0);
   close(mHolder);
-}
-
-void SocatLine::Send(std::string aBytes) {
-  if (mSender.joinable())
-    mSender.join();
-  mSender = std::jthread(
-      [this, bytes = std::move(aBytes)](const std::stop_token& aStop) { WriteAll(mInput, bytes, aStop); });
-}
-
-const std::string& SocatLine::Await(std::size_t aSize) {
-  std::array<char, 65536> bytes;
-  const auto limit = Clock::now() + kLimit;
-  while (mReceived.size() < aSize && Clock::now() < limit) {
-    const ssize_t read = Poll(mOutput, POLLIN) ? ::read(mOutput, bytes.data(), bytes.size()) : 0;
-    Check(read >= 0, "socat cannot be heard");
-    mReceived.append(bytes.data(), static_cast<std::size_t>(read));
-  }
-  return mReceived;
 }
 
 } // namespace krtest

@@ -1,5 +1,6 @@
 #include "platform/dialogbuilder.h"
 
+#include "platform/elidedlabel.h"
 #include "platform/ipaddresscontrol.h"
 
 #include <QButtonGroup>
@@ -108,6 +109,12 @@ QWidget* MakeIPAddress(const ControlTemplate&, QWidget& aDialog) {
   return new IPAddressControl(&aDialog);
 }
 
+QWidget* MakeElidedLabel(const ControlTemplate& aControl, QWidget& aDialog) {
+  auto* label = new ElidedLabel(&aDialog);
+  label->setText(ToText(aControl));
+  return label;
+}
+
 QWidget* MakePlace(const ControlTemplate&, QWidget& aDialog) {
   return new QWidget(&aDialog);
 }
@@ -146,7 +153,7 @@ PixelSize MeasureButton(const QWidget& aWidget) {
   return ToPixelSize(text + QSize(margin, margin));
 }
 
-/// The text of an edit scrolls; only its line must fit.
+/// The text of an edit scrolls, or an ellipsis stands for its end; only its line must fit.
 PixelSize MeasureLine(const QWidget& aWidget) {
   return {0, aWidget.minimumSizeHint().height()};
 }
@@ -181,6 +188,7 @@ constexpr ClassEntry kClasses[] = {
     {ControlClass::IPAddress, MakeIPAddress, MeasureLine, true},
     {ControlClass::ErrorIndicator, MakePlace, MeasureNothing, false},
     {ControlClass::Place, MakePlace, MeasureNothing, false},
+    {ControlClass::ElidedLabel, MakeElidedLabel, MeasureLine, false},
 };
 
 constexpr bool IsClassTableInOrder() {
@@ -190,7 +198,7 @@ constexpr bool IsClassTableInOrder() {
       return false;
     }
   }
-  return index == static_cast<int>(ControlClass::Place) + 1;
+  return index == static_cast<int>(ControlClass::ElidedLabel) + 1;
 }
 static_assert(IsClassTableInOrder());
 

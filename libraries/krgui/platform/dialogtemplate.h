@@ -29,6 +29,7 @@ enum class ControlClass {
   IPAddress,      ///< Four fields for an IPv4 address.
   ErrorIndicator, ///< A place for the mark of a doubtful value; its window draws it.
   Place,          ///< An empty place; its window puts a control of its own there.
+  ElidedLabel,    ///< A label of one line whose end gives way to an ellipsis where it has no room.
 };
 
 struct ControlTemplate {

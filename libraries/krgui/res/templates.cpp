@@ -167,6 +167,61 @@ constexpr std::array kSerialTerminalControls = {
     ControlTemplate{ControlClass::Place, 1058, "", {14, 166, 365, 179}, kGrowRight | kGrowDown},
 };
 
+/// Its window lays them out anew, by the sizes that they want. In the order of the focus.
+constexpr std::array kSerialBridgeControls = {
+    ControlTemplate{ControlClass::GroupBox, 1200, "Port Selection", {7, 4, 297, 36}},
+    ControlTemplate{ControlClass::ComboBox, 1049, "", {14, 18, 84, 14}},
+    ControlTemplate{ControlClass::GroupBox, 1201, "Bridge Setup", {7, 46, 297, 116}},
+    ControlTemplate{ControlClass::RadioButton, 1071, "&None", {14, 60, 84, 10}},
+    ControlTemplate{ControlClass::RadioButton, 1073, "&Serial COM Port Link", {14, 78, 100, 10}},
+    ControlTemplate{ControlClass::ElidedLabel, 1087, "&Port", {122, 79, 22, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1048, "", {146, 76, 60, 14}},
+    ControlTemplate{ControlClass::Button, 1017, "C&onfigure...", {212, 76, 60, 14}},
+    ControlTemplate{ControlClass::ElidedLabel, 1101, "No parity, 8 bits, 1 stop bit", {24, 98, 276, 8}},
+    ControlTemplate{ControlClass::RadioButton, 1075, "&Camera Link DLL", {14, 116, 100, 10}},
+    ControlTemplate{ControlClass::ElidedLabel, 1099, "Inactive", {122, 117, 178, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1196, "", {14, 144, 286, 8}},
+    ControlTemplate{ControlClass::GroupBox, 1202, "Available/Selected Baud Rates", {7, 168, 297, 41}},
+    ControlTemplate{ControlClass::ElidedLabel, 1210, "9600 baud", {14, 183, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1211, "14400 baud", {72, 183, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1212, "19200 baud", {130, 183, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1213, "28800 baud", {188, 183, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1214, "38400 baud", {246, 183, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1215, "57600 baud", {14, 199, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1216, "115200 baud", {72, 199, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1217, "230400 baud", {130, 199, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1218, "460800 baud", {188, 199, 56, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1219, "921600 baud", {246, 199, 56, 8}},
+    ControlTemplate{ControlClass::GroupBox, 1203, "Statistics", {7, 215, 297, 36}},
+    ControlTemplate{ControlClass::ElidedLabel, 1097, "Bytes sent: 0", {14, 232, 100, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1098, "Bytes received: 0", {122, 232, 110, 8}},
+    ControlTemplate{ControlClass::Button, 1010, "&Reset", {240, 230, 57, 14}},
+};
+
+constexpr std::array kCOMPortConfigControls = {
+    ControlTemplate{ControlClass::Label, -1, "&Baud Rate", {7, 10, 50, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1220, "", {64, 7, 95, 14}},
+    ControlTemplate{ControlClass::Label, -1, "&Parity", {7, 30, 50, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1221, "", {64, 27, 95, 14}},
+    ControlTemplate{ControlClass::Label, -1, "Byte si&ze", {7, 50, 50, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1222, "", {64, 47, 95, 14}},
+    ControlTemplate{ControlClass::Label, -1, "&Stop bits", {7, 70, 50, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1223, "", {64, 67, 95, 14}},
+    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {55, 93, 50, 14}},
+    ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {109, 93, 50, 14}},
+};
+
+constexpr std::array kBaudRateSelectionControls = {
+    ControlTemplate{ControlClass::WrappedLabel,
+                    1225,
+                    "The baud rate of the device serial port cannot be accessed through its GenICam "
+                    "interface.\n\nSelect the baud rate of the device serial port:",
+                    {7, 7, 206, 42}},
+    ControlTemplate{ControlClass::ComboBox, 1224, "", {7, 52, 95, 14}},
+    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {109, 78, 50, 14}},
+    ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {163, 78, 50, 14}},
+};
+
 constexpr std::array kTemplates = {
     DialogTemplate{1021, "Display", DialogKind::SizingPopup, 332, 225, kDisplayPopupControls},
     DialogTemplate{1028, "", DialogKind::Child, 208, 102, kDisplayChildControls},
@@ -179,7 +234,11 @@ constexpr std::array kTemplates = {
     DialogTemplate{kBrowserOptionsTemplateID, "Browser Options", DialogKind::FixedPopup, 166, 94,
                    kBrowserOptionsControls},
     DialogTemplate{1512, "Device Serial Communication", DialogKind::SizingPopup, 393, 352, kSerialTerminalControls},
-    DialogTemplate{1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255, {}},
+    DialogTemplate{1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255, kSerialBridgeControls},
+    DialogTemplate{kCOMPortConfigTemplateID, "Serial COM Port Configuration", DialogKind::FixedPopup, 166, 114,
+                   kCOMPortConfigControls},
+    DialogTemplate{kBaudRateSelectionTemplateID, "Device Serial Port Baud Rate", DialogKind::FixedPopup, 220, 99,
+                   kBaudRateSelectionControls},
     DialogTemplate{1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336, {}},
 };
 

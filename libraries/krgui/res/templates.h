@@ -17,6 +17,9 @@ inline constexpr int kForceIPTemplateID = 1505;
 inline constexpr int kSelectFromIPTemplateID = 1506;
 /// The options dialog of the feature browser.
 inline constexpr int kBrowserOptionsTemplateID = 1507;
+/// Dialogs inside the serial bridge manager.
+inline constexpr int kCOMPortConfigTemplateID = 1519;
+inline constexpr int kBaudRateSelectionTemplateID = 1520;
 
 /// A window's templates and tracking limits in pixels.
 struct WindowTraits {

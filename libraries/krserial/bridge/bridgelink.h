@@ -9,9 +9,12 @@
 #include "bridge/pump.h"
 #include "krserial/krserialbridge.h"
 
+#include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 namespace krserial {
 
@@ -20,13 +23,18 @@ namespace krserial {
 class BridgeLink {
 public:
   BridgeLink(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, BridgeCounters& aCounters);
-  /// Ends everything: the adapter is used no longer.
+  /// Ends everything: bytes at once, and then what waits for an access to the device that runs. The adapter is used no
+  /// longer.
   ~BridgeLink();
   BridgeLink(const BridgeLink&) = delete;
   BridgeLink& operator=(const BridgeLink&) = delete;
 
+  /// Begins to end everything, also a Run, which gives Aborted, and a Configure; does not wait. May outlive the link.
+  std::stop_source GetStop() const { return mStop; }
+
   /// Opens the device's port, results as of KrDeviceSerialPort, asks for its speeds, prefers aBaudRate where there is
-  /// one, and starts. Once. Of kNoDeviceSerial nothing is opened, and no bytes are moved.
+  /// one, also whenever the host's port is back, and starts. Once. Of kNoDeviceSerial nothing is opened, and no bytes
+  /// are moved.
   KrResult Run(std::unique_ptr<IHostEnd> aEnd, const std::optional<std::uint32_t>& aBaudRate);
 
   /// Sets the host's port, and the device's port to its speed if it has that.
@@ -37,12 +45,19 @@ public:
   KrString GetStateText() const { return mStatus.GetText(); }
 
 private:
+  void PreferSpeed();
+
   const bool mHasPort;
+  std::atomic<std::uint32_t> mBaudRate = 0; // The host's port's, as it was configured; 0 where it has none.
   BridgeStatus mStatus;
   PortSpeed mSpeed;
+  std::stop_source mStop;
+  using OnStop = std::stop_callback<std::function<void()>>;
+  OnStop mEndQuestions{mStop.get_token(), [this] { mSpeed.RequestStop(); }};
   DeviceLine mLine;
   std::unique_ptr<IHostEnd> mEnd; // Until its destruction it may ask mSpeed for one.
   std::unique_ptr<Pump> mPump;
+  std::optional<OnStop> mEndBytes;
 };
 
 } // namespace krserial

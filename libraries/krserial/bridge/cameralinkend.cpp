@@ -56,7 +56,15 @@ KrResult CameraLinkEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std
   return mBody->server.Give(aBytes, aSize, aWritten, aStop);
 }
 
-KrResult CameraLinkEnd::Recover(const std::stop_token& aStop) {
+bool CameraLinkEnd::AsksForEmptiness() const {
+  return mBody->server.AsksForEmptiness();
+}
+
+void CameraLinkEnd::TellEmpty() {
+  mBody->server.TellEmpty();
+}
+
+KrResult CameraLinkEnd::Recover(const std::stop_token& aStop, const TellHindrance&) {
   return aStop.stop_requested() ? KrResult::Code::Aborted : KrResult::Code::OK;
 }
 

@@ -14,7 +14,8 @@ namespace krserial {
 /// A program that opens it starts with nothing to read: what the device sends while no program is there is dropped at
 /// once. At the opening the device's port is asked for 9600 baud, the standard's default, if it has that rate. What a
 /// program has sent before it closed or died still goes to the device. A program that does not read stops Write after
-/// 64 KiB and what the system's socket holds.
+/// 64 KiB and what the system's socket holds. A speed is asked for when the device has what was sent before; a program
+/// that opens or sets it waits for that, for five seconds at most, and is then refused.
 ///
 /// Thread: as of IHostEnd. One thread of its own serves the socket; it is where the request for a speed is made.
 /// Ownership: the bridge's. The name is free again when it is destroyed.
@@ -35,8 +36,11 @@ public:
   KrResult Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, const std::stop_token& aStop) override;
   KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                  const std::stop_token& aStop) override;
+  /// What is older than a program or its flush is dropped up to there.
+  bool AsksForEmptiness() const override;
+  void TellEmpty() override;
   /// The end is never lost: programs come and go.
-  KrResult Recover(const std::stop_token& aStop) override;
+  KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) override;
   KrResult Configure(const KrSerialPortConfiguration& aConfiguration) override;
   void SetSpeedRequest(SpeedRequest aRequest) override;
   void TellSpeed(const DevicePortSpeed& aSpeed) override;

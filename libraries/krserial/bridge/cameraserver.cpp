@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t kMostWaiting = 64 * 1024;  // Bytes of one direction.
 constexpr std::uint32_t kDefaultBaudRate = 9600; // What a program finds after an opening, by the standard.
 constexpr int kDescriptorWaitMs = 200;
+constexpr std::chrono::seconds kLongestAwaited(5); // Well before the program gives up.
 constexpr short kGone = POLLHUP | POLLERR;
 
 bool Has(const std::vector<std::uint32_t>& aBaudRates, std::uint32_t aBaudRate) {
@@ -53,8 +54,7 @@ bool CameraServer::Wait() {
       {.fd = AcceptsPrograms() ? mPublication->GetSocket() : -1, .events = POLLIN, .revents = 0},
       {.fd = mSession ? mSession->GetSocket() : -1, .events = GetSessionEvents(), .revents = 0},
   }};
-  const int limitMs = std::exchange(mHasNoDescriptors, false) ? kDescriptorWaitMs : -1;
-  if (::poll(waited.data(), waited.size(), limitMs) < 0)
+  if (::poll(waited.data(), waited.size(), GetWaitMs()) < 0)
     return errno == EINTR;
   if (waited[0].revents != 0) {
     eventfd_t ignored = 0; // How often it was set does not matter.
@@ -65,8 +65,20 @@ bool CameraServer::Wait() {
   if (waited[1].revents != 0)
     Accept();
   if (mSession)
+    Continue();
+  if (mSession)
     SendTo();
   return true;
+}
+
+int CameraServer::GetWaitMs() {
+  if (std::exchange(mHasNoDescriptors, false))
+    return kDescriptorWaitMs;
+  const std::lock_guard lock(mMutex);
+  if (mAwaited == Awaited::Nothing)
+    return -1;
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(mAwaitedUntil - Clock::now());
+  return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
 }
 
 bool CameraServer::AcceptsPrograms() {
@@ -79,7 +91,9 @@ short CameraServer::GetSessionEvents() {
     return 0;
   const bool hasAnswers = mSession->HasAnswers();
   const std::lock_guard lock(mMutex);
-  const bool receives = !hasAnswers && mFromProgram.size() < kMostWaiting;
+  if (mAwaited == Awaited::Opening)
+    return 0;
+  const bool receives = !hasAnswers && mAwaited == Awaited::Nothing && mFromProgram.size() < kMostWaiting;
   const bool sends = hasAnswers || mHasNewSpeed || !mToProgram.empty();
   return static_cast<short>((receives ? POLLIN : 0) | (sends ? POLLOUT : 0));
 }
@@ -114,6 +128,16 @@ bool CameraServer::IsRefused() {
 
 void CameraServer::OpenSession(krbase::FileDescriptor aSocket) {
   mSession = std::make_unique<CameraSession>(std::move(aSocket));
+  Await(Awaited::Opening, kDefaultBaudRate);
+}
+
+void CameraServer::FinishOpening(bool aIsReady) {
+  if (!aIsReady) {
+    mSession->Answer(KrCLMessageKind::Welcome, static_cast<std::uint32_t>(KrCLAnswer::InUse));
+    (void)mSession->SendAnswers(); // A new socket takes it, or nobody is there.
+    EndSession();
+    return;
+  }
   (void)SetSpeed(kDefaultBaudRate); // A port without that speed, or that refuses it, stays as it is.
   mSession->Answer(KrCLMessageKind::Welcome, static_cast<std::uint32_t>(KrCLAnswer::Taken), GetName().ToUtf8());
   {
@@ -129,13 +153,32 @@ void CameraServer::EndSession() {
     (void)ReceiveFrom(Amount::All); // As much as the socket held when the program went.
   mSession.reset();
   const std::lock_guard lock(mMutex);
+  mAwaited = Awaited::Nothing;
   mHasProgram = false;
+  DropOld();
+}
+
+// The mutex is held.
+void CameraServer::DropOld() {
   mToProgram.clear();
+  mIsDropping = !mIsEmpty;
   mChanged.notify_all();
 }
 
+bool CameraServer::AsksForEmptiness() const {
+  const std::lock_guard lock(mMutex);
+  return !mIsEmpty;
+}
+
+void CameraServer::TellEmpty() {
+  const std::lock_guard lock(mMutex);
+  mIsEmpty = true;
+  if (std::exchange(mIsDropping, false))
+    Wake();
+}
+
 bool CameraServer::ReceiveFrom(Amount aAmount) {
-  while (aAmount == Amount::All || (HasRoom() && !mSession->HasAnswers())) {
+  while (aAmount == Amount::All || (TakesMore() && !mSession->HasAnswers())) {
     KrCLMessage message;
     switch (mSession->Receive(message)) {
     case CameraSession::Received::Message:
@@ -150,17 +193,17 @@ bool CameraServer::ReceiveFrom(Amount aAmount) {
   return true;
 }
 
-bool CameraServer::HasRoom() {
+bool CameraServer::TakesMore() {
   const std::lock_guard lock(mMutex);
-  return mFromProgram.size() < kMostWaiting;
+  return mAwaited == Awaited::Nothing && mFromProgram.size() < kMostWaiting;
 }
 
 void CameraServer::Understand(const KrCLMessage& aMessage) {
-  if (aMessage.kind == KrCLMessageKind::SetSpeed) {
+  if (aMessage.kind != KrCLMessageKind::Data) {
     if (mSession->HasHungUp())
       return; // Nobody waits for it any more.
-    const KrCLAnswer answer = SetSpeed(KrGetCLSpeed(aMessage.value));
-    mSession->Answer(KrCLMessageKind::SpeedSet, static_cast<std::uint32_t>(answer));
+    const bool isSpeed = aMessage.kind == KrCLMessageKind::SetSpeed;
+    Await(isSpeed ? Awaited::Speed : Awaited::Flush, KrGetCLSpeed(aMessage.value));
     return;
   }
   const std::lock_guard lock(mMutex);
@@ -168,11 +211,51 @@ void CameraServer::Understand(const KrCLMessage& aMessage) {
   mChanged.notify_all();
 }
 
+void CameraServer::Await(Awaited aAwaited, std::uint32_t aBaudRate) {
+  mAwaitedBaudRate = aBaudRate;
+  mAwaitedUntil = Clock::now() + kLongestAwaited;
+  const std::lock_guard lock(mMutex);
+  mAwaited = aAwaited;
+  if (aAwaited == Awaited::Flush)
+    DropOld();
+}
+
+// A speed is for what comes after it: the device has all from before, or it is one that the device has not. The mutex
+// is held.
+bool CameraServer::IsReadyForSpeed() const {
+  return (mFromProgram.empty() && mIsTaking) || !Has(mSpeed.supported, mAwaitedBaudRate);
+}
+
+void CameraServer::Continue() {
+  Awaited awaited = Awaited::Nothing;
+  bool isReady = false;
+  {
+    const std::lock_guard lock(mMutex);
+    if (mAwaited == Awaited::Nothing)
+      return;
+    isReady = mAwaited == Awaited::Flush || IsReadyForSpeed();
+    const bool isDropping = mAwaited != Awaited::Speed && mIsDropping;
+    if ((!isReady || isDropping) && Clock::now() < mAwaitedUntil)
+      return;
+    awaited = std::exchange(mAwaited, Awaited::Nothing);
+    // A device that always has something to read is not waited for any longer.
+    mIsDropping = mIsDropping && !isDropping;
+  }
+  if (awaited == Awaited::Opening)
+    FinishOpening(isReady);
+  if (awaited == Awaited::Flush)
+    mSession->Answer(KrCLMessageKind::Flushed, 0);
+  if (awaited == Awaited::Speed) {
+    const KrCLAnswer answer = isReady ? SetSpeed(mAwaitedBaudRate) : KrCLAnswer::Failed;
+    mSession->Answer(KrCLMessageKind::SpeedSet, static_cast<std::uint32_t>(answer));
+  }
+}
+
 void CameraServer::SendTo() {
   bool isTold = false;
   {
     const std::lock_guard lock(mMutex);
-    isTold = mHasNewSpeed && !mSession->HasAnswers();
+    isTold = mHasNewSpeed && mAwaited != Awaited::Opening && !mSession->HasAnswers();
     mHasNewSpeed = mHasNewSpeed && !isTold;
   }
   if (isTold)
@@ -227,9 +310,12 @@ KrResult CameraServer::Take(std::uint8_t* aBytes, std::size_t aSize, std::size_t
                             const std::stop_token& aStop) {
   aTaken = 0;
   std::unique_lock lock(mMutex);
-  if (!std::exchange(mIsTaken, true))
+  if (!std::exchange(mIsTaken, true) || mAwaited != Awaited::Nothing)
     Wake();
-  if (!mChanged.wait(lock, aStop, [this] { return !mFromProgram.empty() || !mFailure.IsOK(); }))
+  mIsTaking = true;
+  const bool hasNews = mChanged.wait(lock, aStop, [this] { return !mFromProgram.empty() || !mFailure.IsOK(); });
+  mIsTaking = false;
+  if (!hasNews)
     return KrResult::Code::Aborted;
   if (mFromProgram.empty())
     return mFailure;
@@ -247,15 +333,17 @@ KrResult CameraServer::Give(const std::uint8_t* aBytes, std::size_t aSize, std::
                             const std::stop_token& aStop) {
   aGiven = 0;
   std::unique_lock lock(mMutex);
+  const auto isWanted = [this] { return mHasProgram && !mIsDropping; };
+  const auto goesOn = [&] { return !isWanted() || mToProgram.size() < kMostWaiting || !mFailure.IsOK(); };
+  mIsEmpty = mIsEmpty && aSize == 0;
   while (aGiven < aSize) {
-    const auto goesOn = [this] { return !mHasProgram || mToProgram.size() < kMostWaiting || !mFailure.IsOK(); };
     if (!mChanged.wait(lock, aStop, goesOn))
       return KrResult::Code::Aborted;
     if (!mFailure.IsOK())
       return mFailure;
-    // Without a program nobody will ever want them.
-    const std::size_t size = mHasProgram ? std::min(aSize - aGiven, kMostWaiting - mToProgram.size()) : aSize - aGiven;
-    if (mHasProgram) {
+    // Otherwise nobody will ever want them.
+    const std::size_t size = isWanted() ? std::min(aSize - aGiven, kMostWaiting - mToProgram.size()) : aSize - aGiven;
+    if (isWanted()) {
       mToProgram.insert(mToProgram.end(), aBytes + aGiven, aBytes + aGiven + size);
       Wake();
     }

@@ -6,6 +6,7 @@
 #include "bridge/ihostend.h"
 #include "krbase/krclsockets.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -31,13 +32,21 @@ public:
   KrResult Take(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aTaken, const std::stop_token& aStop);
   KrResult Give(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aGiven, const std::stop_token& aStop);
 
+  /// As of IHostEnd.
+  bool AsksForEmptiness() const;
+  void TellEmpty();
   void SetSpeedRequest(IHostEnd::SpeedRequest aRequest);
   void TellSpeed(const DevicePortSpeed& aSpeed);
 
 private:
+  using Clock = std::chrono::steady_clock;
+  /// What a program waits for until the line is ready for it; nothing else is done for it before.
+  enum class Awaited { Nothing, Opening, Speed, Flush };
+
   void Wake() const;
   /// Waits for something to do; false when the system does not let it wait.
   bool Wait();
+  int GetWaitMs();
   short GetSessionEvents();
   bool AcceptsPrograms();
 
@@ -50,8 +59,14 @@ private:
   enum class Amount { WhileThereIsRoom, All };
   /// Takes what the program has sent; false when it has gone.
   bool ReceiveFrom(Amount aAmount);
-  bool HasRoom();
+  bool TakesMore();
   void Understand(const KrCLMessage& aMessage);
+  void Await(Awaited aAwaited, std::uint32_t aBaudRate);
+  /// Does what the program waits for, if the line is ready or it has waited long enough.
+  void Continue();
+  bool IsReadyForSpeed() const;
+  void FinishOpening(bool aIsReady);
+  void DropOld();
   void SendTo();
   bool SendBytes();
   KrCLAnswer SetSpeed(std::uint32_t aBaudRate);
@@ -63,11 +78,17 @@ private:
 
   std::unique_ptr<CameraSession> mSession; ///< Serve's alone, as what follows.
   bool mHasNoDescriptors = false;          ///< Accepting would fail at once, again and again.
+  std::uint32_t mAwaitedBaudRate = 0;
+  Clock::time_point mAwaitedUntil;
 
-  std::mutex mMutex; ///< Guards what follows; not held while the request for a speed runs.
+  mutable std::mutex mMutex; ///< Guards what follows; not held while the request for a speed runs.
   std::condition_variable_any mChanged;
-  bool mIsTaken = false;    ///< Somebody takes what programs send.
-  bool mHasProgram = false; ///< Bytes of the device have somewhere to go.
+  Awaited mAwaited = Awaited::Nothing; ///< Changed by Serve alone.
+  bool mIsTaken = false;               ///< Somebody takes what programs send,
+  bool mIsTaking = false;              ///< and waits for it, having brought the device what was taken.
+  bool mIsEmpty = true;                ///< The device has sent nothing that was not given.
+  bool mIsDropping = false;            ///< What the device has sent until now is for nobody.
+  bool mHasProgram = false;            ///< Bytes of the device have somewhere to go.
   std::deque<std::uint8_t> mFromProgram;
   std::deque<std::uint8_t> mToProgram;
   IHostEnd::SpeedRequest mRequest;

@@ -113,14 +113,14 @@ KrResult ClientEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std::si
   return aWritten < aSize ? KrResult(KrResult::Code::Aborted) : KrResult();
 }
 
-KrResult ClientEnd::Recover(const std::stop_token&) {
+KrResult ClientEnd::Recover(const std::stop_token&, const TellHindrance&) {
   return {};
 }
 
 KrResult ClientEnd::Configure(const KrSerialPortConfiguration& aConfiguration) {
   if (!aConfiguration.IsValid())
     return {KrResult::Code::InvalidInput, "No serial port can be set so."};
-  Offer(aConfiguration.baudRate);
+  Offer(mConfiguredSpeed, aConfiguration.baudRate);
   return {};
 }
 
@@ -129,26 +129,27 @@ void ClientEnd::SetSpeedRequest(SpeedRequest aRequest) {
 }
 
 void ClientEnd::TellSpeed(const DevicePortSpeed& aSpeed) {
-  Offer(aSpeed.current);
+  Offer(mDeviceSpeed, aSpeed.current);
 }
 
-void ClientEnd::Offer(std::uint32_t aBaudRate) {
+void ClientEnd::Offer(std::uint32_t& aSpeed, std::uint32_t aBaudRate) {
   {
     const std::lock_guard lock(mMutex);
-    mOfferedSpeed = aBaudRate;
+    aSpeed = aBaudRate;
   }
   if (!mTerminal->HasClient())
     PrepareForNext();
 }
 
-// A client that sets no speed finds the device's. One that was set and not noticed yet is not undone: programs open a
-// port for no more than to set it.
+// A client that sets no speed finds the device's; where that is not known, the configured one. One that was set and not
+// noticed yet is not undone: programs open a port for no more than to set it.
 void ClientEnd::PrepareForNext() {
   const std::lock_guard lock(mMutex);
   const std::optional<TtySettings> settings = mTerminal->GetSettings();
   if (!settings || settings->GetSpeed() != mSeenSpeed)
     return;
-  const std::uint32_t speed = mOfferedSpeed != 0 ? mOfferedSpeed : mSeenSpeed;
+  const std::uint32_t offered = mDeviceSpeed != 0 ? mDeviceSpeed : mConfiguredSpeed;
+  const std::uint32_t speed = offered != 0 ? offered : mSeenSpeed;
   if (settings->AreChangesTold() && speed == mSeenSpeed)
     return;
   mTerminal->Prepare(speed);
@@ -163,21 +164,21 @@ void ClientEnd::FollowSpeed(bool aIsSet) {
   std::uint32_t former = 0;
   {
     const std::lock_guard lock(mMutex);
-    const bool isAsked = speed != mSeenSpeed || (aIsSet && speed != mOfferedSpeed);
+    const bool isAsked = speed != mSeenSpeed || (aIsSet && speed != mDeviceSpeed);
     if (speed == 0 || !isAsked)
       return;
     mSeenSpeed = speed;
-    if (speed == mOfferedSpeed || !mSpeedRequest)
+    if (speed == mDeviceSpeed || !mSpeedRequest)
       return;
-    former = std::exchange(mOfferedSpeed, speed);
+    former = std::exchange(mDeviceSpeed, speed);
   }
   const KrResult followed = mSpeedRequest(speed);
   if (followed.IsOK())
     return;
   {
     const std::lock_guard lock(mMutex);
-    if (mOfferedSpeed == speed) // Else the device has told another meanwhile.
-      mOfferedSpeed = former;
+    if (mDeviceSpeed == speed) // Else the device has told another meanwhile.
+      mDeviceSpeed = former;
   }
   KrLogger("KrSerial")
       .Log(KrLogLevel::Info, {"ClientEnd::FollowSpeed", "clientend"},

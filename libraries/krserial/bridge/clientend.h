@@ -28,9 +28,9 @@ public:
   KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                  const std::stop_token& aStop) override;
   /// OK at once: it cannot be lost.
-  KrResult Recover(const std::stop_token& aStop) override;
-  /// The speed becomes the port's while no client is there, which sets its own; the rest a pseudo-terminal lacks.
-  /// InvalidInput for a configuration that is not valid.
+  KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) override;
+  /// The speed becomes the port's while no client is there, which sets its own, and the device's speed is not known;
+  /// the rest a pseudo-terminal lacks. InvalidInput for a configuration that is not valid.
   KrResult Configure(const KrSerialPortConfiguration& aConfiguration) override;
   void SetSpeedRequest(SpeedRequest aRequest) override;
   /// The speed becomes the port's while no client is there.
@@ -44,7 +44,7 @@ private:
   bool IsWaiting();
   void WaitForNews(bool aHasClient, const std::stop_token& aStop);
   void FollowSpeed(bool aIsSet);
-  void Offer(std::uint32_t aBaudRate);
+  void Offer(std::uint32_t& aSpeed, std::uint32_t aBaudRate);
   void PrepareForNext();
 
   std::unique_ptr<ClientTerminal> mTerminal;
@@ -53,10 +53,11 @@ private:
   StopSignal mReadStop;
   StopSignal mWriteStop;
 
-  std::mutex mMutex;               // Guards the members from here on, and the order of what goes to the client.
-  DropQueue mWaiting;              // For a client that is not there yet.
-  std::uint32_t mOfferedSpeed = 0; // The device's; 0 where it is not known.
-  std::uint32_t mSeenSpeed = 0;    // The port's, as it was noticed or made.
+  std::mutex mMutex;                  // Guards the members from here on, and the order of what goes to the client.
+  DropQueue mWaiting;                 // For a client that is not there yet.
+  std::uint32_t mDeviceSpeed = 0;     // As it was told; 0 where it is not known.
+  std::uint32_t mConfiguredSpeed = 0; // 0 before one is.
+  std::uint32_t mSeenSpeed = 0;       // The port's, as it was noticed or made.
 };
 
 } // namespace krserial

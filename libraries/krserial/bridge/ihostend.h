@@ -37,8 +37,13 @@ public:
   /// could come, and where one is to start empty, they are dropped at once.
   virtual KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                          const std::stop_token& aStop) = 0;
+  /// Whether the end wants to know when the device has nothing more to read, and learns it.
+  virtual bool AsksForEmptiness() const { return false; }
+  virtual void TellEmpty() {}
+  /// Called in Recover with what keeps the end from being had, whenever that is something else.
+  using TellHindrance = std::function<void(const KrResult& aHindrance)>;
   /// Waits until the end that was lost can be had again, and takes it. OK, or Aborted.
-  virtual KrResult Recover(const std::stop_token& aStop) = 0;
+  virtual KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) = 0;
 
   /// Sets how the host's port is set; NotSupported where it cannot be set so, and nothing changes. OK for an end that
   /// has no such settings.

@@ -1,6 +1,9 @@
 #include "bridge/opentty.h"
 
+#include "bridge/ttylocks.h"
+
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -57,6 +60,9 @@ KrResult OpenTty::Open(const KrHostSerialPort& aPort, const KrSerialPortConfigur
   // Opening something else might do more than to open it.
   if (!S_ISCHR(status.st_mode))
     return {KrResult::Code::SystemError, "Opening " + text + ": it is no serial port."};
+  if (const std::optional<TtyLock> lock = FindTtyLock(aPort.path.ToUtf8(), KrHostSerialPorts::GetFolders()))
+    return {KrResult::Code::Busy, "Opening " + text + ": the process " + std::to_string(lock->process) +
+                                      " holds it, by the lock file " + lock->path + "."};
   krbase::FileDescriptor descriptor(::open(aPort.path.CStr(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &status) != 0)
     return MakeOpeningFailure(text, errno);
@@ -74,8 +80,9 @@ KrResult OpenTty::Open(const KrHostSerialPort& aPort, const KrSerialPortConfigur
   return result;
 }
 
-// Two locks, as programs use the one or the other: a lock of the file, and the tty's own, which keeps out those that
-// ask for no lock. The latter would outlast a killed process on a pseudo-terminal, for as long as the other end lives.
+// Two locks, as programs use the one or the other (and lock files, which were looked for before): a lock of the file,
+// and the tty's own, which keeps out those that ask for no lock. The latter would outlast a killed process on a
+// pseudo-terminal, for as long as the other end lives.
 KrResult OpenTty::Hold() const {
   int isExclusive = 0;
   const bool isHeld = ::ioctl(GetDescriptor(), TIOCGEXCL, &isExclusive) == 0 && isExclusive != 0;
@@ -130,11 +137,23 @@ KrResult OpenTty::Apply(const TtySettings& aSettings, const KrSerialPortConfigur
 
 bool OpenTty::NoticeSpeed(std::uint32_t& aBaudRate) {
   const std::lock_guard lock(mMutex);
-  const std::optional<TtySettings> settings = TtySettings::Read(GetDescriptor());
-  if (!settings || settings->GetSpeed() == 0 || settings->GetSpeed() == mSpeed)
+  std::optional<TtySettings> settings = TtySettings::Read(GetDescriptor());
+  if (!settings)
+    return false;
+  if (!settings->ArePassingBytes()) {
+    settings->PassBytes();
+    // One that has gone is lost at the next reading.
+    static_cast<void>(settings->Apply(GetDescriptor()));
+  }
+  if (settings->GetSpeed() == 0 || settings->GetSpeed() == mSpeed)
     return false;
   mSpeed = aBaudRate = settings->GetSpeed();
   return true;
+}
+
+bool OpenTty::IsHungUp() const {
+  pollfd asked = {.fd = GetDescriptor(), .events = 0, .revents = 0};
+  return ::poll(&asked, 1, 0) > 0 && (asked.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
 }
 
 void OpenTty::DropReceived() {

@@ -35,8 +35,12 @@ public:
 
   /// Sets it; on failure it is as it was.
   KrResult Configure(const KrSerialPortConfiguration& aConfiguration);
-  /// Whether the speed is another than it was set to or noticed last; then aBaudRate is it.
+  /// Of a pseudo-terminal, whose other end has the same settings. Whether the speed is another than it was set to or
+  /// noticed last; then aBaudRate is it. What else was set there is undone where bytes would not come as they are.
   bool NoticeSpeed(std::uint32_t& aBaudRate);
+  /// Whether nobody can be at the other end any more. Reading nothing alone does not tell: the other end of a
+  /// pseudo-terminal can set ours so that it gives nothing instead of waiting, or ends a line that is empty.
+  bool IsHungUp() const;
 
   /// Drops what came and was not read.
   void DropReceived();

@@ -15,9 +15,18 @@ namespace krserial {
 /// Thread: one at a time. Ownership: the link and the lock, which are removed at the end.
 class PortLink {
 public:
+  /// Whose a link is.
+  enum class Maker {
+    Nobody, ///< A link that no bridge made.
+    Bridge, ///< Of a bridge that runs, in whatever process.
+    Killed, ///< Of a bridge whose process was killed: where it leads to may be anybody's now.
+  };
+
   /// Makes the folder where it is missing, and the link. Results as of ClientEnd::Open.
   static KrResult Make(const std::string& aFolder, std::uint32_t aNumber, const std::string& aTarget,
                        std::unique_ptr<PortLink>& aLink);
+  /// Whose the link is, by its path. Nothing is changed, nor is a bridge kept from making it meanwhile. Thread: any.
+  static Maker FindMaker(const std::filesystem::path& aLink);
   ~PortLink();
   PortLink(const PortLink&) = delete;
   PortLink& operator=(const PortLink&) = delete;
@@ -30,6 +39,7 @@ private:
   const std::filesystem::path mLockPath;
   const std::string mTarget;
   krbase::FileDescriptor mLock;
+  bool mIsLinked = false; // A link with the same target may be somebody else's.
 };
 
 } // namespace krserial

@@ -15,7 +15,7 @@ constexpr std::chrono::seconds kBetweenLooks(1);
 
 void PortSpeed::AskSupported() {
   // A device that does not answer is one that cannot say.
-  if (!mSpeed.GetSupported(mSupported).IsOK())
+  if (!mSpeed.GetSupported(mSupported, mStop.get_token()).IsOK())
     mSupported.clear();
 }
 
@@ -24,10 +24,11 @@ void PortSpeed::Start(std::function<void(const DevicePortSpeed&)> aTell) {
   Look();
   mTold = Get();
   mTell({mSupported, mTold});
-  mThread = std::jthread([this](const std::stop_token& aStop) { Run(aStop); });
+  mThread = std::jthread([this] { Run(); });
 }
 
 void PortSpeed::Stop() {
+  RequestStop();
   mThread = std::jthread();
 }
 
@@ -44,7 +45,9 @@ void PortSpeed::SetHardCoded(std::uint32_t aBaudRate) {
 KrResult PortSpeed::Request(std::uint32_t aBaudRate) {
   if (mSupported.empty() && aBaudRate == Get())
     return {};
-  KrResult set = mSpeed.Set(aBaudRate);
+  KrResult set = mSpeed.Set(aBaudRate, mStop.get_token());
+  if (set == KrResult::Code::Aborted)
+    return set;
   const std::string text = "Its program has asked the port " + GetPortName(mPort).ToUtf8() + " of the device for " +
                            std::to_string(aBaudRate) + " baud: " + set.GetDescription().ToUtf8();
   if (set.IsOK())
@@ -58,16 +61,17 @@ KrResult PortSpeed::Request(std::uint32_t aBaudRate) {
 void PortSpeed::Prefer(std::uint32_t aBaudRate) {
   // The speeds of the two ports may differ; that the device's has another one shows in Get.
   if (std::ranges::find(mSupported, aBaudRate) != mSupported.end())
-    (void)mSpeed.Set(aBaudRate);
+    (void)mSpeed.Set(aBaudRate, mStop.get_token());
   LookSoon();
 }
 
-void PortSpeed::Run(const std::stop_token& aStop) {
+void PortSpeed::Run() {
+  const std::stop_token stop = mStop.get_token();
   while (true) {
     {
       std::unique_lock lock(mMutex);
-      mChanged.wait_for(lock, aStop, kBetweenLooks, [this] { return mIsWanted; });
-      if (aStop.stop_requested())
+      mChanged.wait_for(lock, stop, kBetweenLooks, [this] { return mIsWanted; });
+      if (stop.stop_requested())
         return;
       mIsWanted = false;
     }
@@ -79,7 +83,7 @@ void PortSpeed::Run(const std::stop_token& aStop) {
 
 void PortSpeed::Look() {
   std::uint32_t speed = 0;
-  const KrResult read = mSpeed.Get(speed);
+  const KrResult read = mSpeed.Get(speed, mStop.get_token());
   if (read.IsOK())
     mOfDevice = speed;
   else if (read == KrResult::Code::NotFound || read == KrResult::Code::NotSupported)

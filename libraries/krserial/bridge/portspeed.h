@@ -17,7 +17,7 @@
 
 namespace krserial {
 
-/// Thread: any, but for Start and Stop, which come one at a time.
+/// Thread: any, but for AskSupported, Start and Stop, which come one at a time.
 /// Ownership: borrows the adapter and the status.
 class PortSpeed {
 public:
@@ -31,7 +31,10 @@ public:
   void AskSupported();
   /// Looks at the speed, at once and every second, and tells of each change; on a thread of its own but for the first.
   void Start(std::function<void(const DevicePortSpeed&)> aTell);
-  /// Ends that, and waits for a question that runs.
+  /// No question to the device begins from now on, and none goes on behind the access that runs; Request gives Aborted.
+  /// Does not wait.
+  void RequestStop() { mStop.request_stop(); }
+  /// Ends all, and waits for an access that runs.
   void Stop();
 
   const std::vector<std::uint32_t>& GetSupported() const { return mSupported; }
@@ -46,13 +49,14 @@ public:
   void Prefer(std::uint32_t aBaudRate);
 
 private:
-  void Run(const std::stop_token& aStop);
+  void Run();
   void Look();
   void LookSoon();
 
   const KrDeviceSerialSpeed mSpeed;
   const KrDeviceSerial mPort;
   BridgeStatus& mStatus;
+  std::stop_source mStop;
   std::vector<std::uint32_t> mSupported; // Constant once the thread runs.
   std::function<void(const DevicePortSpeed&)> mTell;
   std::atomic<std::uint32_t> mOfDevice = 0; // 0 where it cannot say.

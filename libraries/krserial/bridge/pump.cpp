@@ -1,6 +1,7 @@
 #include "bridge/pump.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace krserial {
 
@@ -13,7 +14,8 @@ constexpr std::uint32_t kLookMs = 100;
 
 } // namespace
 
-Pump::Pump(IHostEnd& aEnd, DeviceLine& aLine, BridgeStatus& aStatus) : mEnd(aEnd), mLine(aLine), mStatus(aStatus) {
+Pump::Pump(IHostEnd& aEnd, DeviceLine& aLine, BridgeStatus& aStatus, std::function<void()> aPrepare)
+    : mEnd(aEnd), mLine(aLine), mStatus(aStatus), mPrepare(std::move(aPrepare)) {
   try {
     mToDevice = std::jthread([this](const std::stop_token& aStop) { MoveToDevice(aStop); });
     mToHost = std::jthread([this](const std::stop_token& aStop) { MoveToHost(aStop); });
@@ -27,7 +29,7 @@ Pump::~Pump() {
   Stop();
 }
 
-void Pump::Stop() {
+void Pump::RequestStop() {
   mToDevice.request_stop();
   mToHost.request_stop();
   std::stop_source round(std::nostopstate);
@@ -38,6 +40,10 @@ void Pump::Stop() {
   }
   round.request_stop();
   mLine.Cancel();
+}
+
+void Pump::Stop() {
+  RequestStop();
   mToDevice = std::jthread();
   mToHost = std::jthread();
 }
@@ -77,9 +83,13 @@ void Pump::MoveToHost(const std::stop_token& aStop) {
     const std::stop_token round = GetRound();
     GiveWaiting(buffer, round);
     std::size_t read = 0;
+    const bool isAsking = mEnd.AsksForEmptiness();
     const std::uint32_t waitMs = round.stop_requested() ? kLookMs : kWaitMs;
-    if (!mLine.Read(buffer.data(), buffer.size(), read, waitMs, aStop).IsOK())
+    if (!mLine.Read(buffer.data(), buffer.size(), read, isAsking ? 0 : waitMs, aStop).IsOK()) {
+      if (isAsking)
+        mEnd.TellEmpty();
       continue;
+    }
     const std::size_t given = Give(buffer.data(), read, round);
     mWaiting.Push(buffer.data() + given, read - given);
   }
@@ -122,8 +132,12 @@ void Pump::EndRound(const std::stop_token& aRound, const KrResult& aLoss) {
 
 void Pump::RecoverPort(const std::stop_token& aStop) {
   mBackoff.Wait(aStop);
-  // Aborted by a stop; what else fails is lost again at the first use.
-  (void)mEnd.Recover(aStop);
+  const auto tell = [this](const KrResult& aHindrance) {
+    mStatus.SetPort("The host's port is waited for: " + aHindrance.GetDescription());
+  };
+  // Not OK only where it is aborted by a stop.
+  if (mEnd.Recover(aStop, tell).IsOK())
+    mPrepare();
   const std::lock_guard lock(mMutex);
   if (mIsOver)
     return;

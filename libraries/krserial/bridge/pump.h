@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <stop_token>
 #include <thread>
@@ -25,10 +26,13 @@ class Pump {
 public:
   static constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
 
-  /// Starts the threads; std::system_error where the system has none.
-  Pump(IHostEnd& aEnd, DeviceLine& aLine, BridgeStatus& aStatus);
+  /// Starts the threads; std::system_error where the system has none. When the host's port is back, aPrepare is called
+  /// on one of them before anything is moved.
+  Pump(IHostEnd& aEnd, DeviceLine& aLine, BridgeStatus& aStatus, std::function<void()> aPrepare);
   /// Ends them at once: what they hold is dropped.
   ~Pump();
+  /// Begins that, and does not wait. Thread: any.
+  void RequestStop();
   Pump(const Pump&) = delete;
   Pump& operator=(const Pump&) = delete;
 
@@ -54,6 +58,7 @@ private:
   IHostEnd& mEnd;
   DeviceLine& mLine;
   BridgeStatus& mStatus;
+  const std::function<void()> mPrepare;
   Backoff mBackoff;
   DropQueue mWaiting{kBlockSize}; // From the device, for a port that is lost. Of the thread to the host.
 

@@ -1,5 +1,6 @@
 #include "bridge/ttyend.h"
 
+#include "bridge/portlink.h"
 #include "krbase/krlogger.h"
 #include "krserial/krhostserialports.h"
 
@@ -25,6 +26,16 @@ int GetLimitMs(const OpenTty& aTty) {
   return aTty.IsPseudoTerminal() ? kLookMs : -1;
 }
 
+// A port that another bridge makes is for a program, of which that bridge would not hear that it has come second.
+KrResult FindFree(const KrString& aName, KrHostSerialPort& aPort) {
+  if (KrResult found = KrHostSerialPorts::Find(aName, aPort); !found.IsOK())
+    return found;
+  if (PortLink::FindMaker(aPort.path.ToUtf8()) == PortLink::Maker::Bridge)
+    return {KrResult::Code::Busy,
+            aPort.name + " (" + aPort.path + ") is a port that another bridge makes, for a program to open."};
+  return {};
+}
+
 } // namespace
 
 TtyEnd::TtyEnd(const KrString& aName, const KrSerialPortConfiguration& aConfiguration, std::shared_ptr<OpenTty> aTty)
@@ -35,7 +46,7 @@ KrResult TtyEnd::Open(const KrString& aName, const KrSerialPortConfiguration& aC
   if (!aConfiguration.IsValid())
     return {KrResult::Code::InvalidInput, "No serial port can be set so."};
   KrHostSerialPort port;
-  if (KrResult found = KrHostSerialPorts::Find(aName, port); !found.IsOK())
+  if (KrResult found = FindFree(aName, port); !found.IsOK())
     return found;
   std::shared_ptr<OpenTty> tty;
   if (KrResult opened = OpenTty::Open(port, aConfiguration, tty); !opened.IsOK())
@@ -64,7 +75,7 @@ KrResult TtyEnd::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRea
     return MakeLost();
   while (!aStop.stop_requested() && aSize > 0) {
     const ssize_t size = ::read(tty->GetDescriptor(), aBytes, aSize);
-    if (tty->IsLost() || size == 0 || (size < 0 && !CanBeTriedAgain()))
+    if (tty->IsLost() || (size == 0 && tty->IsHungUp()) || (size < 0 && !CanBeTriedAgain()))
       return tty->Lose();
     // What came after the change of speed is given after the asking for it.
     FollowSpeed(*tty);
@@ -78,7 +89,7 @@ KrResult TtyEnd::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRea
 
 void TtyEnd::FollowSpeed(OpenTty& aTty) {
   std::uint32_t baudRate = 0;
-  if (!aTty.IsPseudoTerminal() || !mSpeedRequest || !aTty.NoticeSpeed(baudRate))
+  if (!aTty.IsPseudoTerminal() || !aTty.NoticeSpeed(baudRate) || !mSpeedRequest)
     return;
   if (const KrResult followed = mSpeedRequest(baudRate); !followed.IsOK())
     KrLogger("KrSerial")
@@ -105,7 +116,7 @@ KrResult TtyEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_
   return aWritten < aSize ? KrResult(KrResult::Code::Aborted) : KrResult();
 }
 
-KrResult TtyEnd::Recover(const std::stop_token& aStop) {
+KrResult TtyEnd::Recover(const std::stop_token& aStop, const TellHindrance& aTell) {
   std::mutex mutex;
   std::unique_lock lock(mutex);
   std::condition_variable_any never; // Nobody wakes it but the stop.
@@ -114,8 +125,10 @@ KrResult TtyEnd::Recover(const std::stop_token& aStop) {
     const KrResult taken = TakeAgain();
     if (taken.IsOK())
       return {};
-    if (taken.GetDescription() != said)
+    if (taken.GetDescription() != said) {
       KrLogger("KrSerial").Log(KrLogLevel::Info, {"TtyEnd::Recover", "ttyend"}, taken.GetDescription());
+      aTell(taken);
+    }
     said = taken.GetDescription();
     never.wait_for(lock, aStop, std::chrono::milliseconds(kLookMs), [] { return false; });
   }
@@ -133,7 +146,7 @@ KrResult TtyEnd::TakeAgain() {
     configuration = mConfiguration;
   }
   KrHostSerialPort port;
-  if (KrResult found = KrHostSerialPorts::Find(mName, port); !found.IsOK())
+  if (KrResult found = FindFree(mName, port); !found.IsOK())
     return found;
   std::shared_ptr<OpenTty> tty;
   if (KrResult opened = OpenTty::Open(port, configuration, tty); !opened.IsOK())

@@ -19,8 +19,8 @@ class TtyEnd final : public IHostEnd {
 public:
   /// Opens a port of KrHostSerialPorts for itself alone and sets it so. InvalidInput for a name that is no port's and
   /// for a configuration that is not valid, NotFound for a port that the host does not have now, Busy for one that
-  /// another program holds, AccessDenied, NotSupported for a configuration that the port cannot take, otherwise
-  /// SystemError. aEnd is set on success only. The port's former settings come back when it is closed.
+  /// another program holds or another bridge makes, AccessDenied, NotSupported for a configuration that the port cannot
+  /// take, otherwise SystemError. aEnd is set on success only. The port's former settings come back when it is closed.
   static KrResult Open(const KrString& aName, const KrSerialPortConfiguration& aConfiguration,
                        std::unique_ptr<IHostEnd>& aEnd);
 
@@ -28,7 +28,7 @@ public:
   KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                  const std::stop_token& aStop) override;
   /// Looks four times a second. A port that is not lost is had at once.
-  KrResult Recover(const std::stop_token& aStop) override;
+  KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) override;
   /// While the port is lost the settings are kept for when it is back. InvalidInput for ones that are not valid.
   KrResult Configure(const KrSerialPortConfiguration& aConfiguration) override;
   void SetSpeedRequest(SpeedRequest aRequest) override;

@@ -44,13 +44,22 @@ bool TtySettings::Apply(int aDescriptor) const {
 }
 
 void TtySettings::MakeRaw() {
+  PassBytes();
+  // Whether modem lines fall when the port is closed stays as the system has it.
+  mSettings.c_cflag = CREAD | CLOCAL | (mSettings.c_cflag & (HUPCL | CBAUD | CIBAUD | CSIZE));
+}
+
+void TtySettings::PassBytes() {
   mSettings.c_iflag = 0;
   mSettings.c_oflag = 0;
   mSettings.c_lflag = 0;
-  // Whether modem lines fall when the port is closed stays as the system has it.
-  mSettings.c_cflag = CREAD | CLOCAL | (mSettings.c_cflag & (HUPCL | CBAUD | CIBAUD | CSIZE));
   mSettings.c_cc[VMIN] = 1;
   mSettings.c_cc[VTIME] = 0;
+}
+
+bool TtySettings::ArePassingBytes() const {
+  return mSettings.c_iflag == 0 && mSettings.c_oflag == 0 && mSettings.c_lflag == 0 && mSettings.c_cc[VMIN] == 1 &&
+         mSettings.c_cc[VTIME] == 0;
 }
 
 void TtySettings::Put(const KrSerialPortConfiguration& aConfiguration) {

@@ -21,6 +21,9 @@ public:
 
   /// Bytes as they are, without lines, signals, echo or flow control, whatever modem lines say.
   void MakeRaw();
+  /// The part of it that is not the line's: bytes come at once and as they are.
+  void PassBytes();
+  bool ArePassingBytes() const;
   /// A configuration that is valid.
   void Put(const KrSerialPortConfiguration& aConfiguration);
   /// Any number of bits a second above 0.

@@ -1,11 +1,8 @@
 // Programs with a serial terminal: the viewer, whose camera comes and goes, and the example.
 
 #include "socatline.h"
-#include "terminaluser.h"
-#include "viewer.h"
+#include "viewerwithports.h"
 
-#include <QAction>
-#include <QMainWindow>
 #include <QProcess>
 
 namespace {
@@ -13,23 +10,6 @@ namespace {
 using krtest::SocatLine;
 
 constexpr int kProgramLimitMs = 60'000;
-
-QMainWindow* FindViewer() {
-  for (QWidget* const window : QApplication::topLevelWidgets())
-    if (auto* const viewer = qobject_cast<QMainWindow*>(window); viewer && viewer->isVisible())
-      return viewer;
-  return nullptr;
-}
-
-bool IsTerminalOffered() {
-  const QMainWindow* const viewer = FindViewer();
-  if (!viewer)
-    return false;
-  for (const QAction* const action : viewer->findChildren<QAction*>())
-    if (action->shortcut() == QKeySequence(Qt::CTRL | Qt::Key_T))
-      return action->isEnabled();
-  return false;
-}
 
 bool IsEnabled(int aControl) {
   const auto* const control = FindTerminalControl<QWidget>(aControl);
@@ -43,29 +23,6 @@ void RunXdotool(const QStringList& aArguments) {
   ASSERT_TRUE(hands.waitForFinished(kProgramLimitMs));
   EXPECT_EQ(hands.exitCode(), 0) << hands.readAllStandardError().toStdString();
 }
-
-class ViewerUser : public TerminalUser {
-protected:
-  /// Runs the viewer on the camera and lets the user do this once the terminal is offered; he ends the viewer.
-  void RunViewer(const std::function<void(UserHands&, const TerminalHands&)>& aScript) {
-    krviewer::Viewer viewer(*mSystem.GetDeviceInfo(0), {});
-    RunWithUser([&] { EXPECT_EQ(viewer.Run(), 0); },
-                [&](UserHands& aUser) {
-                  if (aUser.Await("the viewer", [] { return IsTerminalOffered() && FindViewer()->isActiveWindow(); }))
-                    aScript(aUser, TerminalHands(aUser));
-                  EndViewer(aUser);
-                });
-  }
-
-private:
-  static void EndViewer(UserHands& aUser) {
-    aUser.Await("the viewer's end", [] {
-      if (QMainWindow* const viewer = FindViewer())
-        viewer->close();
-      return FindViewer() == nullptr;
-    });
-  }
-};
 
 } // namespace
 
@@ -94,11 +51,11 @@ TEST_F(ViewerUser, CameraLostAndBackWhileAFileIsSent_IsTakenUpAgain) {
     EXPECT_GE(fast.Await(1000).size(), 1000u);
 
     mFaults->Disappear();
-    EXPECT_TRUE(
-        aUser.Await("the terminal without a camera", [] { return !IsTerminalOffered() && !IsEnabled(id::kSend); }));
+    EXPECT_TRUE(aUser.Await("the terminal without a camera",
+                            [] { return !IsToolOffered(kTerminalKey) && !IsEnabled(id::kSend); }));
     mFaults->Return();
-    EXPECT_TRUE(
-        aUser.Await("the terminal on the camera again", [] { return IsTerminalOffered() && IsEnabled(id::kSend); }));
+    EXPECT_TRUE(aUser.Await("the terminal on the camera again",
+                            [] { return IsToolOffered(kTerminalKey) && IsEnabled(id::kSend); }));
 
     const std::size_t before = fast.Await(0).size();
     aHands.SendTyped("here again");

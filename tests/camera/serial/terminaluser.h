@@ -60,12 +60,16 @@ private:
 
 /// Looks; user-interface thread alone.
 template <typename Control>
-Control* FindTerminalControl(int aControl) {
+Control* FindControlOf(const QString& aTitle, int aControl) {
   for (QWidget* const window : QApplication::topLevelWidgets())
-    if (window->windowTitle() == kTerminal)
+    if (window->windowTitle() == aTitle)
       if (auto* const control = window->findChild<Control*>("control" + QString::number(aControl)))
         return control;
   return nullptr;
+}
+template <typename Control>
+Control* FindTerminalControl(int aControl) {
+  return FindControlOf<Control>(kTerminal, aControl);
 }
 
 inline QString GetTranscript() {

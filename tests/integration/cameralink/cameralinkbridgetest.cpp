@@ -1,29 +1,18 @@
 // A serial bridge that Camera Link programs use: the program, its library, the bridge, the device's line.
 
+#include "bridgeends.h"
 #include "clprogram.h"
 #include "krserial/krgenparameterarraycl.h"
 #include "krserial/krserialbridge.h"
 #include "publishedline.h"
-#include "serialadapter.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
 #include <string>
-#include <thread>
 
 namespace {
 
-bool IsReached(const std::function<bool()>& aCondition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (!aCondition()) {
-    if (std::chrono::steady_clock::now() > limit)
-      return false;
-    std::this_thread::yield();
-  }
-  return true;
-}
+using krtest::IsReached;
 
 std::string MakeLineText(std::size_t aCount) {
   const std::vector<std::uint8_t> bytes = MakeLineBytes(aCount);
@@ -61,6 +50,85 @@ TEST_F(CameraLinkBridge, AProgram_TalksToTheDevice) {
   EXPECT_TRUE(IsReached([&] { return bridge.GetBytesReceivedFromDevice() == 2000; }));
   EXPECT_TRUE(IsReached([&] { return bridge.GetBytesSentToDevice() == 1000; }));
   EXPECT_EQ(program.Ask("read 0 2000 60000"), "0 2000 right");
+}
+
+TEST_F(CameraLinkBridge, NextProgram_GetsNothingThatTheOneBeforeDidNotRead) {
+  ASSERT_TRUE(Start().IsOK());
+  ClProgram program;
+
+  for (int round = 0; round < 20; ++round) {
+    ASSERT_EQ(program.Ask("init 0 0"), "0 0");
+    line->Receive(MakeLineText(2'000'000)); // More than waits anywhere on the way.
+    ASSERT_EQ(program.Ask("read 0 1000 60000"), "0 1000 right");
+    ASSERT_EQ(program.Ask("close 0"), "0 0");
+    ASSERT_EQ(program.Ask("init 0 0"), "0 0");
+
+    ASSERT_EQ(line->CountWaiting(), 0U);
+    line->Receive(MakeLineText(50));
+    ASSERT_EQ(program.Ask("read 0 50 60000"), "0 50 right");
+    ASSERT_EQ(program.Ask("close 0"), "0 0");
+  }
+}
+
+TEST_F(CameraLinkBridge, Flush_TakesWhatWaitsInTheBridgeAndInTheDevice) {
+  ASSERT_TRUE(Start().IsOK());
+  ClProgram program;
+  ASSERT_EQ(program.Ask("init 0 0"), "0 0");
+
+  for (int round = 0; round < 20; ++round) {
+    line->Receive(MakeLineText(2'000'000));
+    ASSERT_TRUE(IsReached([&] { return bridge.GetBytesReceivedFromDevice() > 100000; }));
+    ASSERT_EQ(program.Ask("flush 0"), "0 0");
+
+    ASSERT_EQ(line->CountWaiting(), 0U);
+    line->Receive(MakeLineText(50));
+    ASSERT_EQ(program.Ask("read 0 50 60000"), "0 50 right");
+    bridge.ResetStatistics();
+  }
+}
+
+TEST_F(CameraLinkBridge, Speed_IsSetBehindTheBytesThatWereWrittenBefore) {
+  krtest::LockedAdapter device;
+  const std::shared_ptr<krtest::SerialLine> port = device.AddLine(0);
+  ASSERT_TRUE(bridge.Start("Camera-Serial0", &device, KrDeviceSerial::Serial0).IsOK());
+  ClProgram program;
+  ASSERT_EQ(program.Ask("init 0 0"), "0 0");
+  port->SetRoom(0);
+  ASSERT_EQ(program.Ask("write 0 10 60000"), "0 10");
+
+  program.Send("speed 0 16");
+  ASSERT_TRUE(IsReached([&] { return !port->GetWrites().empty(); })) << "The device does not take them yet.";
+  EXPECT_EQ(device.GetSpeed(), "Baud9600");
+  port->SetRoom(10);
+
+  EXPECT_EQ(program.Await(), "0 0");
+  EXPECT_EQ(device.GetSpeed(), "Baud115200");
+  port->SetRoom(0);
+  ASSERT_EQ(program.Ask("write 0 10 60000"), "0 10");
+  EXPECT_EQ(program.Ask("speed 0 1"), "-10004 0") << "They do not go.";
+  EXPECT_EQ(device.GetSpeed(), "Baud115200");
+  bridge.Stop();
+}
+
+TEST_F(CameraLinkBridge, NextProgram_IsServedWhenTheBytesOfTheOneBeforeAreSent) {
+  krtest::LockedAdapter device;
+  const std::shared_ptr<krtest::SerialLine> port = device.AddLine(0);
+  ASSERT_TRUE(bridge.Start("Camera-Serial0", &device, KrDeviceSerial::Serial0).IsOK());
+  ClProgram program;
+  ASSERT_EQ(program.Ask("init 0 0"), "0 0");
+  ASSERT_EQ(program.Ask("speed 0 16"), "0 0");
+  port->SetRoom(0);
+  ASSERT_EQ(program.Ask("write 0 10 60000"), "0 10");
+  ASSERT_EQ(program.Ask("close 0"), "0 0");
+
+  EXPECT_EQ(program.Ask("init 0 0"), "-10003 0");
+  EXPECT_EQ(device.GetSpeed(), "Baud115200") << "The speed of the bytes that have not gone.";
+  program.Send("init 0 0");
+  port->SetRoom(10);
+
+  EXPECT_EQ(program.Await(), "0 0");
+  EXPECT_EQ(device.GetSpeed(), "Baud9600");
+  bridge.Stop();
 }
 
 TEST_F(CameraLinkBridge, Name_IsTheOneOfTheListAndGoesWithTheBridge) {

@@ -325,6 +325,19 @@ TEST_F(CameraLink, BridgeThatEnds_EndsEveryCallOfItsProgram) {
   EXPECT_EQ(program.Ask("count"), "0 0");
 }
 
+TEST_F(CameraLink, BridgeThatEndsWithoutHavingTakenAll_LeavesWhatItGaveBefore) {
+  auto line = std::make_unique<PublishedLine>("Camera", PublishedLine::Taking::Later);
+  ClProgram program;
+  ASSERT_EQ(program.Ask("init 0 0"), "0 0");
+  ASSERT_TRUE(program.Ask("write 0 4194304 500").starts_with("-10004 ")) << "More waits than the bridge takes.";
+  line->Give(MakeLineBytes(64 * 1024 + 3000)); // As many wait in the bridge, so that the rest is on its way.
+
+  line.reset();
+
+  EXPECT_EQ(program.Ask("read 0 3000 100000"), "0 3000 right");
+  EXPECT_EQ(program.Ask("flush 0"), "-10006 0");
+}
+
 TEST_F(CameraLink, BridgeWhoseProcessIsKilled_IsTakenFromTheList) {
   const pid_t bridge = fork();
   if (bridge == 0) {

@@ -106,6 +106,32 @@ TEST_F(CameraLinkThreads, ReadThatWaits_StopsNeitherItsOwnWriterNorOtherPorts) {
   EXPECT_EQ(result, CL_ERR_NO_ERR);
 }
 
+TEST_F(CameraLinkThreads, TimeLimit_CountsBehindAnotherThreadsCall) {
+  const hSerRef reference = mLibrary.Open(0);
+  std::jthread reader([&] { (void)mLibrary.Read(reference, 1, kForEverMs); });
+  // Until the other thread has its turn, which this one's calls then never get.
+  while (mLibrary.Read(reference, 0, 1) == CL_ERR_NO_ERR) {
+  }
+
+  EXPECT_EQ(mLibrary.Read(reference, 1, 1), CL_ERR_TIMEOUT);
+  mFirst.Give(MakeLineBytes(1));
+}
+
+TEST_F(CameraLinkThreads, TimeLimitOfAWrite_CountsBehindAnotherThreadsCall) {
+  const PublishedLine stalled("Third", PublishedLine::Taking::Later);
+  const hSerRef reference = mLibrary.Open(2);
+  std::jthread writer([&] { (void)mLibrary.Write(reference, MakeLineBytes(4'000'000)); });
+  char byte = 0;
+  CLUINT32 count = 0;
+  while (mLibrary.write(reference, &byte, &count, 1) == CL_ERR_NO_ERR) {
+  }
+
+  count = 1;
+  EXPECT_EQ(mLibrary.write(reference, &byte, &count, 1), CL_ERR_TIMEOUT);
+  EXPECT_EQ(count, 0U);
+  mLibrary.close(reference);
+}
+
 TEST_F(CameraLinkThreads, ManyThreadsAtOnePort_LoseNoByte) {
   constexpr std::size_t kThreads = 4;
   constexpr std::size_t kBytes = 100'000;

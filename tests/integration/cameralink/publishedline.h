@@ -91,6 +91,7 @@ public:
     const KrResult result = mEnd->Write(aBytes.data(), aBytes.size(), written, {});
     EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
     EXPECT_EQ(written, aBytes.size());
+    mEnd->TellEmpty();
   }
 
   /// What the device does with a speed from now on.

@@ -49,7 +49,12 @@ TEST(CLWire, EachSide_MaySayItsOwnMessagesWithinTheirLimits) {
       {"speeds", {5, 0xFF, 0, 0, 0}, false, true},
       {"speeds beyond those known", {5, 0, 0, 0, 0x40}, false, false},
       {"the kind below the first", {0, 0, 0, 0, 0}, false, false},
-      {"the kind beyond the last", {6, 0, 0, 0, 0}, false, false},
+      {"a flush", {6, 0, 0, 0, 0}, true, false},
+      {"a flush with a value", {6, 1, 0, 0, 0}, false, false},
+      {"a flush with bytes behind", {6, 0, 0, 0, 0, 'x'}, false, false},
+      {"a flush that was done", {7, 0, 0, 0, 0}, false, true},
+      {"a flush that was done with bytes behind", {7, 0, 0, 0, 0, 'x'}, false, false},
+      {"the kind beyond the last", {8, 0, 0, 0, 0}, false, false},
   };
 
   for (const Row& row : rows) {

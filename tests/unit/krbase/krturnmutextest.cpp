@@ -3,10 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <mutex>
 #include <thread>
 #include <vector>
+
+namespace {
+
+constexpr std::chrono::milliseconds kShortWait{200};
+
+} // namespace
 
 TEST(KrTurnMutex, Lock_BySeveralThreads_IsHeldByOneAtATime) {
   constexpr int kThreads = 4;
@@ -101,4 +108,57 @@ TEST(KrTurnMutex, TryLock_HeldOrFree_IsHadWithoutWaitingWhereItIsFree) {
   EXPECT_TRUE(isHad);
   EXPECT_FALSE(isHadTwice);
   EXPECT_TRUE(isHadAgain);
+}
+
+TEST(KrTurnMutex, TryLockUntil_BehindAHolder_GivesUpAndLeavesTheOthersTheirTurns) {
+  KrTurnMutex lock;
+  std::vector<int> order;
+  std::vector<std::jthread> threads;
+  lock.lock();
+  const auto wait = [&](int aName) {
+    const std::lock_guard guard(lock);
+    order.push_back(aName);
+  };
+  threads.emplace_back(wait, 1);
+  while (lock.CountWaiting() != 1)
+    std::this_thread::yield();
+
+  EXPECT_FALSE(lock.try_lock_until(std::chrono::steady_clock::now())) << "Last of those who wait.";
+  std::atomic<bool> isLate = false;
+  std::jthread late([&] {
+    EXPECT_FALSE(lock.try_lock_until(std::chrono::steady_clock::now() + kShortWait));
+    isLate = true;
+  });
+  while (lock.CountWaiting() != 2 && !isLate)
+    std::this_thread::yield();
+  threads.emplace_back(wait, 2); // Behind one that gives up.
+  late.join();
+  while (lock.CountWaiting() != 2)
+    std::this_thread::yield();
+  threads.emplace_back(wait, 3);
+  while (lock.CountWaiting() != 3)
+    std::this_thread::yield();
+  lock.unlock();
+  threads.clear();
+
+  EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(lock.CountWaiting(), 0U);
+}
+
+TEST(KrTurnMutex, TryLockUntil_OfALockThatIsGivenUp_IsHad) {
+  KrTurnMutex lock;
+  lock.lock();
+  bool isHad = false;
+  std::jthread waiting([&] { isHad = lock.try_lock_until(std::chrono::steady_clock::now() + std::chrono::hours(1)); });
+  while (lock.CountWaiting() != 1)
+    std::this_thread::yield();
+
+  lock.unlock();
+  waiting.join();
+
+  EXPECT_TRUE(isHad);
+  EXPECT_FALSE(lock.try_lock());
+  lock.unlock();
+  EXPECT_TRUE(lock.try_lock_until(std::chrono::steady_clock::now())) << "A free one is had even when it is late.";
+  lock.unlock();
 }

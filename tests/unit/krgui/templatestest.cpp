@@ -24,6 +24,8 @@ constexpr TemplateRow kRows[] = {
     {1507, "Browser Options", DialogKind::FixedPopup, 166, 94},
     {1512, "Device Serial Communication", DialogKind::SizingPopup, 393, 352},
     {1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255},
+    {1519, "Serial COM Port Configuration", DialogKind::FixedPopup, 166, 114},
+    {1520, "Device Serial Port Baud Rate", DialogKind::FixedPopup, 220, 99},
     {1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336},
 };
 

@@ -139,7 +139,8 @@ public:
     }
     return {};
   }
-  KrResult Recover(const std::stop_token& aStop) override {
+  KrResult Recover(const std::stop_token& aStop, const TellHindrance& aTell) override {
+    aTell({KrResult::Code::NotFound, "Nobody has restored it."});
     std::unique_lock lock(mMutex);
     if (!mChanged.wait(lock, aStop, [this] { return mMayRecover; }))
       return KrResult::Code::Aborted;
@@ -222,8 +223,10 @@ public:
     return SerialAdapter::GetEnumEntries(aName, aEntries);
   }
   KrResult GetEnumValue(const KrString& aName, KrString& aValue) override {
-    const std::scoped_lock lock(mMutex);
+    std::unique_lock lock(mMutex);
     ++mQuestions;
+    mHeld += mIsHolding ? 1 : 0;
+    mReleased.wait(lock, [this] { return !mIsHolding; });
     return SerialAdapter::GetEnumValue(aName, aValue);
   }
   KrResult SetEnumValue(const KrString& aName, const KrString& aValue) override {
@@ -249,6 +252,22 @@ public:
     const std::scoped_lock lock(mMutex);
     return mQuestions;
   }
+  /// Does not answer the questions for a value that come from now on, until Release.
+  void Hold() {
+    const std::scoped_lock lock(mMutex);
+    mIsHolding = true;
+  }
+  void Release() {
+    const std::scoped_lock lock(mMutex);
+    mIsHolding = false;
+    mHeld = 0;
+    mReleased.notify_all();
+  }
+  /// How many questions wait for an answer.
+  int CountHeld() {
+    const std::scoped_lock lock(mMutex);
+    return mHeld;
+  }
   /// A device that cannot say the speed; before it is used.
   void HideSpeed() { enumerations.clear(); }
 
@@ -257,6 +276,9 @@ private:
 
   std::mutex mMutex; // Guards values, from the first use on.
   int mQuestions = 0;
+  std::condition_variable mReleased;
+  bool mIsHolding = false;
+  int mHeld = 0;
 };
 
 } // namespace krtest

@@ -2,7 +2,12 @@
 
 #include "bridgeends.h"
 
+#include "krserial/krbulkselectorturn.h"
+
 #include <gmock/gmock.h>
+
+#include <future>
+#include <memory>
 
 using krserial::BridgeCounters;
 using krserial::BridgeLink;
@@ -105,6 +110,38 @@ TEST_F(BridgeLinkTest, OfAPortThatTheDeviceLacksOrAnotherHas_DoesNotRun) {
 
   EXPECT_EQ(lacking.Run(std::make_unique<SocketEnd>(), {}), KrResult::Code::NotSupported);
   EXPECT_EQ(second.Run(std::make_unique<SocketEnd>(), {}), KrResult::Code::Busy);
+}
+
+TEST_F(BridgeLinkTest, AnEndWhileTheDeviceIsAsked_StopsTheBytesFirstAndAsksNothingMore) {
+  auto link = std::make_unique<BridgeLink>(adapter, KrDeviceSerial::Serial0, counters);
+  SocketEnd& end = Run(*link);
+  adapter.Hold();
+  ASSERT_TRUE(IsReached([&] { return adapter.CountHeld() == 1; }));
+  ASSERT_TRUE(IsReached([&] { return line->CountCalls() == 1; })) << "The line is read.";
+
+  std::future<void> ending = std::async(std::launch::async, [&] { link.reset(); });
+
+  EXPECT_TRUE(IsReached([&] { return line->CountCalls() == 0; })) << "While the device does not answer.";
+  EXPECT_EQ(end.Ask(19200), KrResult::Code::Aborted);
+  const int questions = adapter.CountQuestions();
+  adapter.Release();
+  ending.get();
+  EXPECT_EQ(adapter.CountQuestions(), questions);
+  EXPECT_EQ(adapter.GetSpeed(), "Baud9600");
+}
+
+TEST_F(BridgeLinkTest, AStop_EndsARunThatWaitsForTheDevicesSelector) {
+  adapter.AddLine(static_cast<std::uint32_t>(KrDeviceSerial::Bulk0));
+  adapter.enumerations["BulkSelector"] = {{"Bulk0", "Bulk1"}, "Bulk0"};
+  adapter.enumerations["BulkBaudRate"] = {{"Baud9600"}, "Baud9600"};
+  const KrBulkSelectorTurn turn(adapter, KrDeviceSerial::Bulk1);
+  BridgeLink link(adapter, KrDeviceSerial::Bulk0, counters);
+  std::future<KrResult> running =
+      std::async(std::launch::async, [&] { return link.Run(std::make_unique<SocketEnd>(), 9600); });
+
+  link.GetStop().request_stop();
+
+  EXPECT_EQ(running.get(), KrResult::Code::Aborted);
 }
 
 TEST_F(BridgeLinkTest, AHundredInARow_GiveThePortFreeEachTime) {

@@ -6,6 +6,7 @@
 #include "hostendreader.h"
 #include "hostfolders.h"
 #include "portclient.h"
+#include "pseudoterminal.h"
 
 #include <gmock/gmock.h>
 
@@ -85,8 +86,9 @@ TEST_F(ClientEndTest, Client_SendsAndReceivesBytesOfEveryValue) {
 TEST_F(ClientEndTest, ClientThatIsABridgesEndItself_SendsAndReceives) {
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
+  mHost.Link("com5", std::filesystem::read_symlink(mPath));
   std::unique_ptr<IHostEnd> client;
-  ASSERT_TRUE(krserial::TtyEnd::Open("COM9", {}, client).IsOK());
+  ASSERT_TRUE(krserial::TtyEnd::Open("COM5", {}, client).IsOK());
   HostEndReader clientReader(*client);
 
   EXPECT_TRUE(WriteText(*client, "question").IsOK());
@@ -291,6 +293,29 @@ TEST_F(ClientEndTest, Speed_ThatTheDeviceRefused_IsNotLeftToTheNextClient) {
   EXPECT_EQ(PortClient(mPath).GetSettings().GetSpeed(), 9600U);
 }
 
+TEST_F(ClientEndTest, ConfiguredSpeed_ThatTheDeviceHasNotTaken_IsNotLeftToAClientAndAskedFor) {
+  const std::unique_ptr<IHostEnd> end = Open();
+  HostEndReader reader(*end);
+  end->TellSpeed({.supported = {9600}, .current = 9600});
+  ASSERT_TRUE(end->Configure({.baudRate = 19200}).IsOK());
+  const PortClient client(mPath);
+
+  EXPECT_EQ(client.GetSettings().GetSpeed(), 9600U);
+  client.SetSpeed(19200);
+
+  EXPECT_THAT(reader.AwaitEvents(1), ElementsAre("19200 baud"));
+}
+
+TEST_F(ClientEndTest, ConfiguredSpeed_OfADeviceThatCannotSay_IsThePortsForAClient) {
+  const std::unique_ptr<IHostEnd> end = Open();
+  const HostEndReader reader(*end);
+  end->TellSpeed({.supported = {}, .current = 0});
+
+  ASSERT_TRUE(end->Configure({.baudRate = 19200}).IsOK());
+
+  EXPECT_EQ(PortClient(mPath).GetSettings().GetSpeed(), 19200U);
+}
+
 TEST_F(ClientEndTest, Configure_WithWhatNoPortCanTake_IsInvalidInput) {
   const std::unique_ptr<IHostEnd> end = Open();
 
@@ -315,6 +340,53 @@ TEST_F(ClientEndTest, Open_OfANameThatIsTaken_LeavesWhatIsThere) {
   EXPECT_EQ(std::filesystem::read_symlink(mHost.GetLink("com2")), "/dev/null");
   EXPECT_EQ(std::filesystem::read_symlink(mHost.GetLink("COM3")), "/dev/null");
   EXPECT_EQ(std::filesystem::read_symlink(mHost.GetLink("com4")), "/nothing/here");
+}
+
+TEST_F(ClientEndTest, Open_OfALinkToThePseudoTerminalThatWouldBeMade_LeavesIt) {
+  const std::string next = krtest::PseudoTerminal().GetPath(); // The system gives the lowest that is free.
+  mHost.Link("com9", next);
+
+  EXPECT_EQ(TryToOpen("COM9"), KrResult::Code::WrongState);
+
+  EXPECT_EQ(std::filesystem::read_symlink(mPath), next);
+}
+
+TEST_F(ClientEndTest, Open_WhereALocksFileIsNoBridges_LeavesIt) {
+  const std::string lock = mHost.GetLink(".com9.lock");
+  for (const char* text : {"a user's own", "/dev/pts/0", "krgui"}) {
+    TemporaryFolder::WriteFile(lock, std::string(text) + "\n");
+
+    const KrResult opened = TryToOpen("COM9");
+
+    EXPECT_EQ(opened, KrResult::Code::WrongState) << text;
+    EXPECT_THAT(opened.GetDescription().ToUtf8(), HasSubstr(lock));
+    EXPECT_EQ(TemporaryFolder::ReadFile(lock), std::string(text) + "\n");
+  }
+}
+
+TEST_F(ClientEndTest, Open_WhereALocksFileHasAnotherName_LeavesIt) {
+  const std::unique_ptr<IHostEnd> other = Open();
+  const std::string lock = mHost.GetLink(".com9.lock");
+  std::filesystem::copy_file(lock, mHost.GetFile("kept"));
+  const std::string text = TemporaryFolder::ReadFile(lock);
+  std::filesystem::create_hard_link(mHost.GetFile("kept"), mHost.GetLink(".com8.lock"));
+
+  EXPECT_EQ(TryToOpen("COM8"), KrResult::Code::WrongState);
+
+  EXPECT_EQ(TemporaryFolder::ReadFile(mHost.GetFile("kept")), text);
+}
+
+TEST_F(ClientEndTest, End_OfWhichTheFilesWereRemoved_LeavesThoseOfTheNext) {
+  std::unique_ptr<IHostEnd> first = Open();
+  std::filesystem::remove(mPath);
+  std::filesystem::remove(mHost.GetLink(".com9.lock"));
+  const std::unique_ptr<IHostEnd> second = Open();
+
+  first.reset();
+
+  EXPECT_TRUE(IsLinked());
+  EXPECT_TRUE(std::filesystem::exists(mHost.GetLink(".com9.lock")));
+  EXPECT_EQ(TryToOpen("COM9"), KrResult::Code::Busy);
 }
 
 TEST_F(ClientEndTest, Open_OfAPortThatAnotherBridgeMakes_IsBusy) {

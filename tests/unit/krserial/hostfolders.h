@@ -19,12 +19,13 @@ public:
   };
 
   HostFolders() {
-    for (const char* folder : {"links", "class", "dev", "devices"})
+    for (const char* folder : {"links", "class", "dev", "devices", "locks"})
       std::filesystem::create_directory(mFolder.GetPath() / folder);
     KrHostSerialPorts::SetFolders({.links = GetFile("links"),
                                    .sysfs = GetFile("class"),
                                    .devices = GetFile("dev"),
-                                   .numbers = GetFile("own/numbers")});
+                                   .numbers = GetFile("own/numbers"),
+                                   .locks = GetFile("locks")});
   }
   ~HostFolders() { KrHostSerialPorts::SetFolders({}); }
   HostFolders(const HostFolders&) = delete;

@@ -259,6 +259,21 @@ TEST_F(BulkSpeed, WhileAnotherHasTheTurn_Waits) {
   EXPECT_FALSE(adapter.written.empty());
 }
 
+TEST_F(BulkSpeed, StoppedWhileAnotherHasTheTurn_IsAbortedAndAsksNothing) {
+  const KrBulkSelectorTurn turn(adapter, KrDeviceSerial::Bulk1);
+  std::stop_source stop;
+  std::future<KrResult> setting = std::async(std::launch::async, [&] { return speed.Set(19200, stop.get_token()); });
+
+  stop.request_stop();
+
+  EXPECT_EQ(setting.get(), KrResult::Code::Aborted);
+  EXPECT_THAT(adapter.written, IsEmpty());
+  std::vector<std::uint32_t> rates;
+  std::uint32_t rate = 0;
+  EXPECT_EQ(speed.GetSupported(rates, stop.get_token()), KrResult::Code::Aborted);
+  EXPECT_EQ(speed.Get(rate, stop.get_token()), KrResult::Code::Aborted);
+}
+
 TEST(KrBulkSelectorTurn, OfOtherPortsAndDevices_IsHadAtOnce) {
   class OtherAdapter : public SerialAdapter {
     KrString GetDeviceText() const override { return "Model X 00:11:22:33:44:66"; }

@@ -221,6 +221,18 @@ TEST_F(KrHostSerialPortsTest, AdaptersWithOneSerialNumber_HaveNumbersOfTheirOwn)
   EXPECT_EQ(Find("COM2").path.ToUtf8(), mHost.GetFile("dev/ttyUSB0"));
 }
 
+TEST_F(KrHostSerialPortsTest, AdapterWithTheSerialNumberOfOneThatRuns_TakesNoNumberOfIt) {
+  mHost.AddUsb("ttyUSB0", {.serial = "0001", .place = "1-1"});
+  ASSERT_THAT(List(), ElementsAre("COM1"));
+
+  mHost.AddUsb("ttyUSB1", {.serial = "0001", .place = "1-2"});
+  EXPECT_THAT(List(), ElementsAre("COM1", "COM2"));
+  EXPECT_EQ(Find("COM1").path.ToUtf8(), mHost.GetFile("dev/ttyUSB0"));
+  mHost.RemoveUsb("ttyUSB0", "1-1");
+
+  EXPECT_THAT(List(), ElementsAre("COM2"));
+}
+
 TEST_F(KrHostSerialPortsTest, TextOfAnAdapterThatIsNoWord_DoesNotDamageTheNumbers) {
   mHost.AddUsb("ttyUSB0", {.serial = "a b\t\x01\xff%"});
   mHost.AddUsb("ttyUSB1", {.serial = std::string(100000, 'x'), .place = "1-2"});
@@ -289,6 +301,7 @@ TEST_F(KrHostSerialPortsTest, GetFolders_WhenNoneIsSet_NamesTheSystemsAndTheUser
 
   EXPECT_EQ(folders.sysfs.ToUtf8(), "/sys/class/tty");
   EXPECT_EQ(folders.devices.ToUtf8(), "/dev");
+  EXPECT_EQ(folders.locks.ToUtf8(), "/var/lock");
   EXPECT_THAT(folders.links.ToUtf8(), testing::EndsWith("/krgui/com-ports"));
   EXPECT_THAT(folders.numbers.ToUtf8(), testing::EndsWith("/krgui/com-port-numbers"));
 }

@@ -1,16 +1,28 @@
 // What a serial bridge refuses, and what it outlasts.
 
+#include "bridge/portlink.h"
 #include "bridgefixture.h"
 #include "hostendreader.h"
 
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
+#include <csignal>
 #include <filesystem>
 #include <future>
 
 using krtest::BridgeTest;
 using krtest::IsReached;
 using testing::HasSubstr;
+
+namespace {
+
+bool Contains(const KrString& aText, const char* aPart) {
+  return aText.ToUtf8().find(aPart) != std::string::npos;
+}
+
+} // namespace
 
 TEST_F(BridgeTest, Start_RefusesWhatCannotBeBridged) {
   LinkPort();
@@ -79,6 +91,45 @@ TEST_F(BridgeTest, Start_OfAHostsPortThatAnotherBridgeHas_IsBusy) {
   EXPECT_FALSE(adapter.lines[1]->IsOpen());
 }
 
+TEST_F(BridgeTest, Start_OnAPortThatAnotherBridgeMakes_IsBusy) {
+  adapter.AddLine(1);
+  ASSERT_TRUE(StartCreating().IsOK());
+  KrSerialBridge second;
+
+  for (const bool isCreating : {false, true}) {
+    second.SetCreatingPort(isCreating);
+    const KrResult started = second.Start("COM3", {}, &adapter, KrDeviceSerial::Serial1);
+
+    EXPECT_EQ(started, KrResult::Code::Busy);
+    EXPECT_THAT(started.GetDescription().ToUtf8(), HasSubstr("another bridge"));
+  }
+  EXPECT_FALSE(adapter.lines[1]->IsOpen());
+}
+
+TEST_F(BridgeTest, LinkOfAKilledBridge_ThatLeadsToAStrangersTerminalByNow_LeavesItAlone) {
+  EXPECT_EXIT(
+      {
+        std::unique_ptr<krserial::PortLink> link;
+        if (!krserial::PortLink::Make(host.GetFile("links"), 3, terminal.GetPath(), link).IsOK())
+          _exit(1);
+        kill(getpid(), SIGKILL);
+      },
+      testing::KilledBySignal(SIGKILL), "");
+  ASSERT_TRUE(std::filesystem::exists(GetPath()));
+  const KrSerialPortConfiguration strangers = PortClient(terminal.GetPath()).GetSettings().Get();
+  KrStringList names;
+
+  EXPECT_TRUE(KrHostSerialPorts::GetNames(names).IsOK());
+  EXPECT_EQ(names.GetCount(), 0U);
+  const KrResult started = Start({.baudRate = 115200});
+  EXPECT_EQ(started, KrResult::Code::NotFound);
+  EXPECT_THAT(started.GetDescription().ToUtf8(), HasSubstr("killed"));
+  EXPECT_TRUE(StartCreating({.baudRate = 115200}).IsOK());
+
+  EXPECT_NE(std::filesystem::read_symlink(GetPath()), terminal.GetPath()) << "it is the bridge's own now";
+  EXPECT_EQ(PortClient(terminal.GetPath()).GetSettings().Get(), strangers);
+}
+
 TEST_F(BridgeTest, ADeviceThatIsLost_IsSaidToBe_AndStopEndsAtOnce) {
   LinkPort();
   ASSERT_TRUE(Start().IsOK());
@@ -89,6 +140,23 @@ TEST_F(BridgeTest, ADeviceThatIsLost_IsSaidToBe_AndStopEndsAtOnce) {
   EXPECT_THAT(bridge.GetStateText().ToUtf8(), HasSubstr("Serial0"));
   std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
   EXPECT_EQ(stopping.wait_for(krtest::kGenerous), std::future_status::ready);
+}
+
+TEST_F(BridgeTest, Stop_WhileTheDeviceIsAsked_MovesNoMoreBytesAndAsksNoMore) {
+  LinkPort();
+  ASSERT_TRUE(Start({.baudRate = 9600}).IsOK());
+  adapter.Hold();
+  ASSERT_TRUE(IsReached([&] { return adapter.CountHeld() == 1; }));
+  std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
+  ASSERT_TRUE(IsReached([&] { return line->CountCalls() == 0; }));
+
+  const int questions = adapter.CountQuestions();
+  adapter.Release();
+  stopping.get();
+
+  EXPECT_EQ(adapter.CountQuestions(), questions) << "No question behind the one that ran.";
+  EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::Stopped);
+  EXPECT_FALSE(line->IsOpen());
 }
 
 TEST_F(BridgeTest, ADevicePortThatFails_IsOpenedAgain) {
@@ -120,6 +188,40 @@ TEST_F(BridgeTest, AHostsPortThatGoes_IsTakenAgainWhenItIsBack) {
   EXPECT_EQ(terminal.Read(9), "meanwhile");
   terminal.Write("back");
   EXPECT_TRUE(IsReached([&] { return line->GetSent() == "back"; }));
+}
+
+TEST_F(BridgeTest, AHostsPortThatIsBack_HasTheDeviceAtItsSpeedAgain) {
+  auto first = std::make_unique<krtest::PseudoTerminal>();
+  host.Link("com3", first->GetPath());
+  ASSERT_TRUE(Start({.baudRate = 19200}).IsOK());
+  krtest::SetSpeed(*first, 115200);
+  ASSERT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
+
+  first.reset();
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
+  LinkPort();
+  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
+
+  EXPECT_EQ(adapter.GetSpeed(), "Baud19200");
+  EXPECT_EQ(PortClient(terminal.GetPath()).GetSettings().GetSpeed(), 19200U);
+  krtest::SetSpeed(terminal, 115200);
+  EXPECT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
+}
+
+TEST_F(BridgeTest, AHostsPortThatIsBackAndCannotBeTaken_IsSaidWhy) {
+  auto first = std::make_unique<krtest::PseudoTerminal>();
+  host.Link("com3", first->GetPath());
+  ASSERT_TRUE(Start().IsOK());
+
+  first.reset();
+  EXPECT_TRUE(IsReached([&] { return Contains(bridge.GetStateText(), "where nothing is now"); }));
+  host.Link("com3", "/dev/null");
+  EXPECT_TRUE(IsReached([&] { return Contains(bridge.GetStateText(), "no serial port"); }));
+
+  EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::WaitingForPort);
+  LinkPort();
+  EXPECT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
+  EXPECT_EQ(bridge.GetStateText(), KrString());
 }
 
 TEST_F(BridgeTest, Stop_WhileTheHostsPortIsLost_Ends) {

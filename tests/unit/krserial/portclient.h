@@ -3,6 +3,7 @@
 
 #include "bridge/ttysettings.h"
 #include "krbase/filedescriptor.h"
+#include "pseudoterminal.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 /// Has opened the port as long as it lives.
@@ -51,3 +53,15 @@ public:
 private:
   krbase::FileDescriptor mTty;
 };
+
+namespace krtest {
+
+/// A pseudo-terminal's speed, as a program at its far end sets it.
+inline void SetSpeed(const PseudoTerminal& aTerminal, std::uint32_t aBaudRate) {
+  std::optional<krserial::TtySettings> settings = krserial::TtySettings::Read(aTerminal.GetDescriptor());
+  ASSERT_TRUE(settings);
+  settings->PutSpeed(aBaudRate);
+  ASSERT_TRUE(settings->Apply(aTerminal.GetDescriptor()));
+}
+
+} // namespace krtest

@@ -14,6 +14,8 @@
 
 using krserial::AssignPortNumbers;
 using krserial::PortNumbers;
+using krserial::TtyIdentity;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
 
@@ -31,6 +33,10 @@ PortNumbers Parse(const std::string& aText) {
 
 class PortNumbersTest : public testing::Test {
 protected:
+  std::vector<std::uint32_t> Assign(const std::vector<TtyIdentity>& aTtys) const {
+    return AssignPortNumbers(mFile, aTtys, {});
+  }
+
   const TemporaryFolder mFolder;
   const std::string mFile = mFolder.GetFile("numbers");
   KrLogCapture mLog;
@@ -73,26 +79,21 @@ TEST_F(PortNumbersTest, Parse_OfDamagedTexts_SaysInWhichLine) {
 }
 
 TEST_F(PortNumbersTest, Assign_OfAnotherPortAfterOneHasGone_GivesANumberThatNoneHad) {
-  EXPECT_EQ(AssignPortNumbers(mFile, {"a", "b"}, {})["b"], 2U);
+  EXPECT_THAT(Assign({{"a"}, {"b"}}), ElementsAre(1, 2));
 
-  const PortNumbers later = AssignPortNumbers(mFile, {"c"}, {});
-
-  EXPECT_EQ(later.at("c"), 3U);
-  EXPECT_EQ(later.at("a"), 1U);
+  EXPECT_THAT(Assign({{"c"}}), ElementsAre(3));
+  EXPECT_THAT(Assign({{"b"}, {"a"}}), ElementsAre(2, 1));
   EXPECT_THAT(mLog.GetRecords(), SizeIs(0));
 }
 
 TEST_F(PortNumbersTest, Assign_WithNumbersTakenByLinks_PassesThemOver) {
-  const PortNumbers numbers = AssignPortNumbers(mFile, {"a", "b"}, {1, 3});
-
-  EXPECT_EQ(numbers.at("a"), 2U);
-  EXPECT_EQ(numbers.at("b"), 4U);
+  EXPECT_THAT(AssignPortNumbers(mFile, {{"a"}, {"b"}}, {1, 3}), ElementsAre(2, 4));
 }
 
 TEST_F(PortNumbersTest, Assign_OverADamagedFile_KeepsItAsideAndSaysSo) {
   TemporaryFolder::WriteFile(mFile, "1 a\n");
 
-  EXPECT_EQ(AssignPortNumbers(mFile, {"b"}, {}).at("b"), 1U);
+  EXPECT_THAT(Assign({{"b"}}), ElementsAre(1));
 
   EXPECT_EQ(TemporaryFolder::ReadFile(mFile + ".damaged"), "1 a\n");
   EXPECT_EQ(Parse(TemporaryFolder::ReadFile(mFile)).at("b"), 1U);
@@ -101,10 +102,46 @@ TEST_F(PortNumbersTest, Assign_OverADamagedFile_KeepsItAsideAndSaysSo) {
   EXPECT_THAT(mLog.GetRecords().front().text.ToUtf8(), HasSubstr(mFile + ".damaged"));
 }
 
+TEST_F(PortNumbersTest, Assign_OverAnotherDamagedFile_KeepsBoth) {
+  for (const char* text : {"1 first\n", "1 second\n"}) {
+    TemporaryFolder::WriteFile(mFile, text);
+    Assign({{"b"}});
+  }
+
+  EXPECT_EQ(TemporaryFolder::ReadFile(mFile + ".damaged"), "1 first\n");
+  EXPECT_EQ(TemporaryFolder::ReadFile(mFile + ".damaged.2"), "1 second\n");
+}
+
+TEST_F(PortNumbersTest, Assign_OfOneThatIsMoved_KeepsItsNumber) {
+  EXPECT_THAT(Assign({{"a", "@1-1"}}), ElementsAre(1));
+
+  EXPECT_THAT(Assign({{"a", "@1-2"}}), ElementsAre(1));
+  EXPECT_THAT(Assign({{"a", "@1-1"}}), ElementsAre(1));
+
+  EXPECT_THAT(Parse(TemporaryFolder::ReadFile(mFile)), SizeIs(1));
+}
+
+TEST_F(PortNumbersTest, Assign_OfATwinOfOneThatIsThere_LeavesTheFirstItsNumber) {
+  EXPECT_THAT(Assign({{"a", "@1-1"}}), ElementsAre(1));
+
+  EXPECT_THAT(Assign({{"a", "@1-2"}, {"a", "@1-1"}}), ElementsAre(2, 1));
+  EXPECT_THAT(Assign({{"a", "@1-2"}}), ElementsAre(2)) << "the first has gone";
+  EXPECT_THAT(Assign({{"a", "@1-3"}}), ElementsAre(3)) << "which of the two, nobody can tell";
+
+  EXPECT_THAT(Assign({{"a", "@1-1"}}), ElementsAre(1));
+}
+
+TEST_F(PortNumbersTest, Assign_OfTwinsThatComeTogether_KnowsThemByTheirPlaces) {
+  EXPECT_THAT(Assign({{"a", "@1-1"}, {"a", "@1-2"}}), ElementsAre(1, 2));
+
+  EXPECT_THAT(Assign({{"a", "@1-2"}}), ElementsAre(2));
+  EXPECT_THAT(Assign({{"a", "@1-3"}}), ElementsAre(3));
+}
+
 TEST_F(PortNumbersTest, Assign_OverAFileOfEndlessLength_KeepsItAside) {
   TemporaryFolder::WriteFile(mFile, std::string(krserial::kMostNumbersBytes + 1, 'x'));
 
-  EXPECT_EQ(AssignPortNumbers(mFile, {"b"}, {}).at("b"), 1U);
+  EXPECT_THAT(Assign({{"b"}}), ElementsAre(1));
 
   EXPECT_EQ(TemporaryFolder::ReadFile(mFile + ".damaged").size(), krserial::kMostNumbersBytes + 1);
 }
@@ -112,7 +149,7 @@ TEST_F(PortNumbersTest, Assign_OverAFileOfEndlessLength_KeepsItAside) {
 TEST_F(PortNumbersTest, Assign_WhereNoFileCanBe_GivesNumbersAndWarns) {
   TemporaryFolder::WriteFile(mFile, "no folder");
 
-  EXPECT_EQ(AssignPortNumbers(mFile + "/numbers", {"a"}, {}).at("a"), 1U);
+  EXPECT_THAT(AssignPortNumbers(mFile + "/numbers", {{"a"}}, {}), ElementsAre(1));
 
   ASSERT_THAT(mLog.GetRecords(), SizeIs(1));
   EXPECT_THAT(mLog.GetRecords().front().text.ToUtf8(), HasSubstr("are not kept"));
@@ -124,7 +161,7 @@ TEST_F(PortNumbersTest, Assign_WhenAllNumbersAreGiven_LeavesTheNewPortWithoutOne
     all.emplace("port" + std::to_string(number), number);
   TemporaryFolder::WriteFile(mFile, krserial::FormatPortNumbers(all));
 
-  EXPECT_EQ(AssignPortNumbers(mFile, {"new"}, {}).count("new"), 0U);
+  EXPECT_THAT(Assign({{"new"}, {"port7"}}), ElementsAre(0, 7));
 }
 
 TEST_F(PortNumbersTest, Assign_ByProcessesAtOnce_GivesEveryPortANumberOfItsOwn) {
@@ -136,8 +173,7 @@ TEST_F(PortNumbersTest, Assign_ByProcessesAtOnce_GivesEveryPortANumberOfItsOwn) 
     ASSERT_GE(child, 0);
     if (child == 0) {
       for (int port = 0; port < kPorts; ++port)
-        AssignPortNumbers(mFile,
-                          {"shared" + std::to_string(port), std::to_string(process) + "-" + std::to_string(port)}, {});
+        Assign({{"shared" + std::to_string(port)}, {std::to_string(process) + "-" + std::to_string(port)}});
       _exit(0);
     }
     processes.push_back(child);

@@ -17,7 +17,7 @@ protected:
   void SetUp() override {
     const KrResult opened = deviceLine.Open();
     ASSERT_TRUE(opened.IsOK()) << opened.GetDescription().CStr();
-    pump.emplace(end, deviceLine, status);
+    pump.emplace(end, deviceLine, status, [] {});
   }
   void TearDown() override { pump.reset(); }
 

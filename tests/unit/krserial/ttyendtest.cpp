@@ -2,9 +2,11 @@
 
 #include "bridge/ttyend.h"
 #include "bridge/ttysettings.h"
+#include "bridgeends.h"
 #include "hostendreader.h"
 #include "hostfolders.h"
 #include "krbase/filedescriptor.h"
+#include "portclient.h"
 #include "pseudoterminal.h"
 #include "socatline.h"
 
@@ -19,15 +21,19 @@
 
 #include <array>
 #include <csignal>
+#include <functional>
 #include <future>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 using krserial::IHostEnd;
 using krserial::TtyEnd;
 using krserial::TtySettings;
 using krtest::PseudoTerminal;
+using krtest::SetSpeed;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -37,12 +43,12 @@ KrSerialPortConfiguration MakeSpeed(std::uint32_t aBaudRate) {
   return {.baudRate = aBaudRate};
 }
 
-// Sets the speed from a pseudo-terminal's other end, or reads it there.
-void SetSpeed(const PseudoTerminal& aTerminal, std::uint32_t aBaudRate) {
-  std::optional<TtySettings> settings = TtySettings::Read(aTerminal.GetDescriptor());
-  ASSERT_TRUE(settings);
-  settings->PutSpeed(aBaudRate);
-  ASSERT_TRUE(settings->Apply(aTerminal.GetDescriptor()));
+// What a program sets at a pseudo-terminal's other end.
+void Change(const PseudoTerminal& aTerminal, const std::function<void(termios2&)>& aChange) {
+  termios2 settings = {};
+  ASSERT_EQ(ioctl(aTerminal.GetDescriptor(), TCGETS2, &settings), 0);
+  aChange(settings);
+  ASSERT_EQ(ioctl(aTerminal.GetDescriptor(), TCSETS2, &settings), 0);
 }
 
 TtySettings GetSettings(const PseudoTerminal& aTerminal) {
@@ -107,8 +113,22 @@ protected:
     return opened;
   }
 
+  // What is told of it is the test's mHindrances.
+  KrResult Recover(IHostEnd& aEnd, const std::stop_token& aStop = {}) {
+    return aEnd.Recover(aStop, [this](const KrResult& aHindrance) {
+      const std::lock_guard lock(mMutex);
+      mHindrances.push_back(aHindrance);
+    });
+  }
+  KrResult GetLastHindrance() {
+    const std::lock_guard lock(mMutex);
+    return mHindrances.empty() ? KrResult() : mHindrances.back();
+  }
+
   HostFolders mHost;
   std::unique_ptr<PseudoTerminal> mTerminal;
+  std::mutex mMutex; // Guards the hindrances.
+  std::vector<KrResult> mHindrances;
 };
 
 } // namespace
@@ -272,7 +292,7 @@ TEST_F(TtyEndTest, OtherEnd_ClosedAndOpenedAgain_IsLostAndRecovered) {
   mTerminal.reset();
   EXPECT_EQ(reader.AwaitFailure(), KrResult::Code::ConnectionLost);
   EXPECT_EQ(WriteText(*end, "to nobody"), KrResult::Code::ConnectionLost);
-  auto recovering = std::async(std::launch::async, [&] { return end->Recover({}); });
+  auto recovering = std::async(std::launch::async, [&] { return Recover(*end); });
   UseNewTerminal();
   EXPECT_TRUE(recovering.get().IsOK());
   reader.Start();
@@ -292,7 +312,7 @@ TEST_F(TtyEndTest, Socat_EndedAndStartedAgain_IsRecovered) {
   line.reset();
   EXPECT_EQ(reader.AwaitFailure(), KrResult::Code::ConnectionLost);
   line = std::make_unique<krtest::SocatLine>(mHost.GetLink("com5"));
-  ASSERT_TRUE(end->Recover({}).IsOK());
+  ASSERT_TRUE(Recover(*end).IsOK());
   reader.Start();
   line->Send("back");
 
@@ -312,7 +332,7 @@ TEST_F(TtyEndTest, Adapter_PulledAndBackAsAnotherTty_IsRecoveredByItsNumber) {
   mHost.AddUsb("ttyUSB0", {.serial = "B", .place = "1-1"}, other.GetPath());
   const PseudoTerminal after;
   mHost.AddUsb("ttyUSB1", {.serial = "A", .place = "1-2"}, after.GetPath());
-  ASSERT_TRUE(end->Recover({}).IsOK());
+  ASSERT_TRUE(Recover(*end).IsOK());
   EXPECT_TRUE(WriteText(*end, "found").IsOK());
 
   EXPECT_EQ(after.Read(5), "found");
@@ -328,7 +348,9 @@ TEST_F(TtyEndTest, Recover_WhileAnotherProgramHoldsThePort_WaitsForIt) {
   auto holder = std::make_unique<Holder>(mTerminal->GetPath(), Holder::Way::Lock);
   mHost.Link("com1", mTerminal->GetPath());
 
-  auto recovering = std::async(std::launch::async, [&] { return end->Recover({}); });
+  auto recovering = std::async(std::launch::async, [&] { return Recover(*end); });
+  EXPECT_TRUE(krtest::IsReached([&] { return GetLastHindrance() == KrResult::Code::Busy; }));
+  EXPECT_THAT(GetLastHindrance().GetDescription().ToUtf8(), HasSubstr("Another program holds it"));
   holder.reset();
 
   EXPECT_TRUE(recovering.get().IsOK());
@@ -338,7 +360,7 @@ TEST_F(TtyEndTest, Recover_OfAPortThatIsNotLost_IsOkAtOnce) {
   UseNewTerminal();
   const std::unique_ptr<IHostEnd> end = Open();
 
-  EXPECT_TRUE(end->Recover({}).IsOK());
+  EXPECT_TRUE(Recover(*end).IsOK());
 }
 
 TEST_F(TtyEndTest, Configure_WhileThePortIsLost_CountsWhenItIsBack) {
@@ -348,7 +370,7 @@ TEST_F(TtyEndTest, Configure_WhileThePortIsLost_CountsWhenItIsBack) {
 
   EXPECT_TRUE(end->Configure(MakeSpeed(38400)).IsOK());
   UseNewTerminal();
-  ASSERT_TRUE(end->Recover({}).IsOK());
+  ASSERT_TRUE(Recover(*end).IsOK());
 
   EXPECT_EQ(GetSettings(*mTerminal).GetSpeed(), 38400U);
 }
@@ -371,7 +393,7 @@ TEST_F(TtyEndTest, Stop_EndsWaitingReadWriteAndRecover) {
   reader.Start();
   ASSERT_EQ(reader.AwaitFailure(), KrResult::Code::ConnectionLost);
   std::stop_source recoverStop;
-  auto recovering = std::async(std::launch::async, [&] { return end->Recover(recoverStop.get_token()); });
+  auto recovering = std::async(std::launch::async, [&] { return Recover(*end, recoverStop.get_token()); });
   recoverStop.request_stop();
   EXPECT_EQ(recovering.get(), KrResult::Code::Aborted);
 }
@@ -398,6 +420,43 @@ TEST_F(TtyEndTest, Speed_SetAtTheOtherEndWithoutBytes_IsAskedForOnce) {
   mTerminal->Write("x");
 
   EXPECT_THAT(reader.AwaitEvents(2), ElementsAre("31250 baud", "x"));
+}
+
+TEST_F(TtyEndTest, Speed_SetAtTheOtherEndWithReadingThatDoesNotWait_IsAskedForAndNothingIsLost) {
+  UseNewTerminal();
+  const std::unique_ptr<IHostEnd> end = Open({.baudRate = 9600, .stopBits = 2});
+  HostEndReader reader(*end);
+
+  Change(*mTerminal, [](termios2& aSettings) {
+    aSettings.c_cflag = (aSettings.c_cflag & ~static_cast<tcflag_t>(CBAUD | CIBAUD)) | B57600;
+    aSettings.c_cc[VMIN] = 0;
+    aSettings.c_cc[VTIME] = 0;
+  });
+  EXPECT_THAT(reader.AwaitEvents(1), ElementsAre("57600 baud"));
+  mTerminal->Write("x");
+
+  EXPECT_THAT(reader.AwaitEvents(2), ElementsAre("57600 baud", "x"));
+  EXPECT_TRUE(GetSettings(*mTerminal).ArePassingBytes());
+  EXPECT_EQ(GetSettings(*mTerminal).Get().stopBits, 2U) << "what belongs to the line stays";
+  EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
+}
+
+TEST_F(TtyEndTest, LinesAndEcho_SetAtTheOtherEnd_EndNothingAndAreUndone) {
+  UseNewTerminal();
+  const std::unique_ptr<IHostEnd> end = Open();
+  HostEndReader reader(*end);
+  constexpr char kEndOfFile = 4;
+
+  Change(*mTerminal, [](termios2& aSettings) {
+    aSettings.c_lflag |= ICANON | ECHO;
+    aSettings.c_cc[VEOF] = kEndOfFile;
+  });
+  mTerminal->Write({kEndOfFile});
+  ASSERT_TRUE(krtest::IsReached([&] { return GetSettings(*mTerminal).ArePassingBytes(); }));
+  mTerminal->Write({'x', kEndOfFile});
+
+  EXPECT_TRUE(krtest::IsReached([&] { return reader.Await(0).ends_with(std::string{'x', kEndOfFile}); }));
+  EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
 }
 
 TEST_F(TtyEndTest, Speed_ThatConfigureSets_IsNotAskedFor) {

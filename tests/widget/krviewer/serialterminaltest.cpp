@@ -11,6 +11,7 @@
 #include <QPushButton>
 
 using krviewer::AcquisitionState;
+using krviewer::DeviceBorrower;
 using krviewer::SerialTerminal;
 
 namespace {
@@ -22,9 +23,9 @@ constexpr int kData = 1057;
 /// The terminal of the viewer on a camera of the lab.
 class SerialTerminalTest : public ViewerLabTest {
 protected:
-  void LookAgain() override { mTerminal.Follow(mAcquisition->GetAdapter()); }
+  void LookAgain() override { mTerminal.Follow(mAcquisition->GetAdapter(DeviceBorrower::Terminal)); }
   void Close() {
-    mTerminal.GiveBack(mAcquisition->GetAdapter());
+    mTerminal.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
     mAcquisition->Stop();
   }
   template <typename Control>
@@ -125,16 +126,16 @@ TEST_F(SerialTerminalTest, GivenBack_HasThePortFreeForOthers) {
   ASSERT_TRUE(mTerminal.Show(0).IsOK());
   Open();
   ASSERT_TRUE(Await([this] { return CanSend(); }));
-  mTerminal.GiveBack(mAcquisition->GetAdapter());
+  mTerminal.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
 
-  IKrDeviceAdapter* const adapter = mAcquisition->GetAdapter().Borrow();
+  IKrDeviceAdapter* const adapter = mAcquisition->GetAdapter(DeviceBorrower::Terminal).Borrow();
   ASSERT_NE(adapter, nullptr);
   {
     KrDeviceSerialPort port;
     EXPECT_TRUE(port.Open(adapter, KrDeviceSerial::Serial0).IsOK());
   }
 
-  mAcquisition->GetAdapter().GiveBack();
+  mAcquisition->GetAdapter(DeviceBorrower::Terminal).GiveBack();
   mAcquisition->Stop();
 }
 

@@ -2,12 +2,12 @@
 // What tests of the serial terminal share: a device with two lines, a window on it whose controls can be had, and a
 // user's hands.
 
-#include "duringmodalloop.h"
 #include "krgui/krserialterminalwnd.h"
 #include "serial/rollingedit.h"
 #include "serial/terminalids.h"
 #include "serialadapter.h"
 #include "testwnd.h"
+#include "windowhands.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -32,7 +32,7 @@ using namespace std::string_literals;
 /// The controls by their ids.
 namespace id = terminalid;
 
-class TerminalTest : public testing::Test {
+class TerminalTest : public testing::Test, protected WindowHands {
 protected:
   TerminalTest() : mLine(mDevice.AddLine(0)), mBulk(mDevice.AddLine(2)) {
     mDevice.enumerations["Uart0BaudRate"] = {{"9600", "115200", "921600"}, "115200"};
@@ -75,41 +75,15 @@ protected:
       Click(aID);
   }
   void Type(int aID, const QString& aText) const { Get<QLineEdit>(aID).setText(aText); }
-  /// Picks an entry as the user does.
-  static void Pick(QComboBox& aList, int aIndex) {
-    aList.setCurrentIndex(aIndex);
-    Q_EMIT aList.activated(aIndex);
-  }
   [[nodiscard]] bool AwaitSent(const std::string& aBytes) const {
     return WaitFor([&] { return mLine->GetSent() == aBytes; });
   }
-  std::vector<std::string> GetEntries(int aID) const {
-    std::vector<std::string> entries;
-    const auto& list = Get<QComboBox>(aID);
-    for (int index = 0; index < list.count(); ++index)
-      entries.push_back(list.itemText(index).toStdString());
-    return entries;
-  }
-
-  /// Message boxes that were answered with OK, each its caption and its text.
-  using Boxes = std::vector<std::string>;
-  /// Answers the next message boxes, so many.
-  void AnswerBoxes(int aCount) {
-    if (aCount == 0)
-      return;
-    DuringNextModalLoop([this, aCount](QWidget& aBox) {
-      const auto* text = aBox.findChild<QLabel*>(QStringLiteral("text"));
-      mBoxes.push_back((aBox.windowTitle() + ": " + (text ? text->text() : QString())).toStdString());
-      AnswerBoxes(aCount - 1);
-      QTest::keyClick(&aBox, Qt::Key_Escape);
-    });
-  }
+  std::vector<std::string> GetEntries(int aID) const { return WindowHands::GetEntries(Get<QComboBox>(aID)); }
 
   krtest::SerialAdapter mDevice;
   std::shared_ptr<krtest::SerialLine> mLine;
   std::shared_ptr<krtest::SerialLine> mBulk;
   std::unique_ptr<KrSerialTerminalWnd> mWindow = std::make_unique<KrSerialTerminalWnd>();
-  Boxes mBoxes;
 };
 
 } // namespace krgui

@@ -1,5 +1,6 @@
 // The serial terminal's looks: title, limits, fonts, and which controls follow a resize.
 
+#include "contrast.h"
 #include "terminalfixture.h"
 
 #include <QFontInfo>
@@ -9,21 +10,11 @@
 #include <QStyleOptionComboBox>
 #include <QTextBlock>
 
-#include <algorithm>
-#include <cmath>
 #include <map>
 
 namespace krgui {
 
 namespace {
-
-/// As web pages count the contrast of colours.
-double GetLuminance(const QColor& aColor) {
-  const auto linear = [](double aPart) {
-    return aPart <= 0.04045 ? aPart / 12.92 : std::pow((aPart + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(aColor.redF()) + 0.7152 * linear(aColor.greenF()) + 0.0722 * linear(aColor.blueF());
-}
 
 class Looks : public TerminalTest {
 protected:
@@ -165,15 +156,7 @@ TEST_F(Looks, WhatIsSaidInPlaceOfTheTranscript_CanBeReadInLightAndDark) {
 
     const QImage image = GetTranscript().viewport()->grab().toImage();
 
-    const double ground = GetLuminance(image.pixelColor(2, 2));
-    double contrast = 1;
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) {
-        const double luminance = GetLuminance(image.pixelColor(x, y));
-        contrast = std::max(contrast, (std::max(ground, luminance) + 0.05) / (std::min(ground, luminance) + 0.05));
-      }
-    }
-    EXPECT_GE(contrast, 4.5) << window.name().toStdString();
+    EXPECT_GE(GetContrast(image), 4.5) << window.name().toStdString();
   }
   QApplication::setPalette(before);
 }

@@ -3,7 +3,8 @@
 // is one packet of a SOCK_SEQPACKET socket; the socket is left to others.
 //
 // The bridge speaks first: Welcome, with its name if the session is opened. Then either side sends Data, the program
-// may send SetSpeed, which is answered by one SpeedSet, and the bridge tells its Speeds whenever they change.
+// may send SetSpeed, which is answered by one SpeedSet, and Flush, which is answered by one Flushed, and the bridge
+// tells its Speeds whenever they change.
 
 #include "krbase/krexport.h"
 
@@ -21,7 +22,9 @@ enum class KrCLMessageKind : std::uint8_t {
   Data = 2,     ///< bytes: 1 to kKrCLMostBytes of the line.
   SetSpeed = 3, ///< value: one speed's bit.
   SpeedSet = 4, ///< value: a KrCLAnswer.
-  Speeds = 5    ///< value: the bits of the speeds that the port has.
+  Speeds = 5,   ///< value: the bits of the speeds that the port has.
+  Flush = 6,    ///< The program wants nothing of what was received before.
+  Flushed = 7   ///< Behind it are bytes that came after the Flush.
 };
 
 /// What became of an opening or a speed.

@@ -3,12 +3,14 @@
 // before a thread that gives it up takes it again. For what one thread locks many times in a row, or nearly all the
 // time, while others need it now and then.
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <mutex>
 #include <utility>
 
-/// Thread: any; not recursive. Used as std::mutex is, with std::lock_guard and std::unique_lock.
+/// Thread: any; not recursive. Used as std::timed_mutex is, with std::lock_guard and
+/// std::unique_lock.
 class KrTurnMutex {
 public:
   KrTurnMutex() = default;
@@ -17,15 +19,25 @@ public:
 
   void lock() {
     std::unique_lock guard(mGuard);
-    if (!mIsHeld) {
-      mIsHeld = true;
+    if (!std::exchange(mIsHeld, true))
       return;
-    }
     Waiter self;
-    (mLast == nullptr ? mFirst : mLast->next) = &self;
-    mLast = &self;
-    ++mWaiting;
+    Append(self);
     self.turn.wait(guard, [&self] { return self.hasTurn; });
+  }
+
+  /// Waits for it until a time at most; false when it was not had by then.
+  template <typename Clock, typename Duration>
+  bool try_lock_until(const std::chrono::time_point<Clock, Duration>& aEnd) {
+    std::unique_lock guard(mGuard);
+    if (!std::exchange(mIsHeld, true))
+      return true;
+    Waiter self;
+    Append(self);
+    if (self.turn.wait_until(guard, aEnd, [&self] { return self.hasTurn; }))
+      return true;
+    Remove(self);
+    return false;
   }
 
   /// Takes it if nobody has it; does not wait.
@@ -64,6 +76,24 @@ private:
     bool hasTurn = false;
     Waiter* next = nullptr;
   };
+
+  void Append(Waiter& aWaiter) {
+    (mLast == nullptr ? mFirst : mLast->next) = &aWaiter;
+    mLast = &aWaiter;
+    ++mWaiting;
+  }
+  void Remove(Waiter& aWaiter) {
+    Waiter* before = nullptr;
+    Waiter** place = &mFirst;
+    while (*place != &aWaiter) {
+      before = *place;
+      place = &before->next;
+    }
+    *place = aWaiter.next;
+    if (mLast == &aWaiter)
+      mLast = before;
+    --mWaiting;
+  }
 
   mutable std::mutex mGuard; ///< Guards what follows; held for moments.
   bool mIsHeld = false;

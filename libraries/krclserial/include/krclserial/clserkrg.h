@@ -50,7 +50,7 @@ enum { CL_DLL_VERSION_1_1 = 3 };
 // All functions may be called from any thread. Of one session, what receives (clSerialRead, clGetNumBytesAvail,
 // clFlushPort, clGetSupportedBaudRates, clSetBaudRate) is done one after the other, and so is what sends
 // (clSerialWrite, clSetBaudRate); both go on at the same time, and sessions do not wait for one another. Time limits
-// are milliseconds. Each function answers CL_ERR_INVALID_PTR to a null pointer, where nothing else is said,
+// are milliseconds, and count from the call, the wait for its turn included. Each function answers CL_ERR_INVALID_PTR to a null pointer, where nothing else is said,
 // CL_ERR_OUT_OF_MEMORY when there is no memory, and those with a session CL_ERR_INVALID_REFERENCE to one that is
 // closed, not of this process, or whose bridge has ended.
 //
@@ -62,7 +62,7 @@ CLINT32 clGetNumSerialPorts(CLUINT32* count);
 /// The name of a port, by which the same port is found again. CL_ERR_INVALID_INDEX for an index beyond the count.
 CLINT32 clGetSerialPortIdentifier(CLUINT32 index, CLINT8* identifier, CLUINT32* size);
 /// Opens a port, at 9600 baud if it has that speed. CL_ERR_INVALID_INDEX also for a port that has gone since the count,
-/// CL_ERR_PORT_IN_USE for one that is open already, or does not answer.
+/// CL_ERR_PORT_IN_USE for one that is open already, does not answer, or has not sent what the last program wrote.
 CLINT32 clSerialInit(CLUINT32 index, hSerRef* reference);
 /// Closes a port. Calls that wait return CL_ERR_INVALID_REFERENCE at once, and this one returns after them. What was
 /// written still goes to the device.
@@ -75,12 +75,14 @@ CLINT32 clSerialRead(hSerRef reference, CLINT8* buffer, CLUINT32* size, CLUINT32
 CLINT32 clSerialWrite(hSerRef reference, CLINT8* buffer, CLUINT32* size, CLUINT32 timeout);
 /// Counts the bytes that can be read without waiting. What was received before a bridge ended counts, too.
 CLINT32 clGetNumBytesAvail(hSerRef reference, CLUINT32* count);
-/// Throws away what was received and not read.
+/// Throws away what was received and not read, also what waits in the bridge and in the device. It is behind what was
+/// written: CL_ERR_TIMEOUT when the device takes none of that, or the bridge does not answer; what waited here is thrown
+/// away all the same.
 CLINT32 clFlushPort(hSerRef reference);
 /// The bits of the speeds that the port can be set to; 0 where the device's speed is not known.
 CLINT32 clGetSupportedBaudRates(hSerRef reference, CLUINT32* baudRates);
-/// Sets the speed, by one bit. CL_ERR_BAUD_RATE_NOT_SUPPORTED for one that the port does not have or take,
-/// CL_ERR_TIMEOUT when the device or its bridge does not answer.
+/// Sets the speed, by one bit, once the device has what was written before. CL_ERR_BAUD_RATE_NOT_SUPPORTED for one that the port does not have or take,
+/// CL_ERR_TIMEOUT when the device does not take that or answer, or its bridge does not.
 CLINT32 clSetBaudRate(hSerRef reference, CLUINT32 baudRate);
 
 /// The name of this library's maker, and CL_DLL_VERSION_1_1.

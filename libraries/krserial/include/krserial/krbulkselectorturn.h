@@ -6,7 +6,7 @@
 #include "krserial/krdeviceserial.h"
 
 #include <memory>
-#include <mutex>
+#include <stop_token>
 
 class IKrDeviceAdapter;
 
@@ -18,11 +18,19 @@ class IKrDeviceAdapter;
 /// Ownership: the adapter is used by the constructor alone.
 class KR_EXPORT KrBulkSelectorTurn {
 public:
-  KrBulkSelectorTurn(const IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort);
+  /// A wait ends without the turn when aStop is stopped.
+  KrBulkSelectorTurn(const IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort, const std::stop_token& aStop = {});
   ~KrBulkSelectorTurn();
   KrBulkSelectorTurn(const KrBulkSelectorTurn&) = delete;
   KrBulkSelectorTurn& operator=(const KrBulkSelectorTurn&) = delete;
 
+  /// Whether the turn is had; always without a stop.
+  bool IsMine() const { return mIsMine; }
+
 private:
-  std::shared_ptr<std::mutex> mMutex; // Null for a port that is no bulk port.
+  struct Selector;
+  static std::shared_ptr<Selector> FindSelector(const IKrDeviceAdapter& aAdapter);
+
+  std::shared_ptr<Selector> mSelector; // Null for a port that is no bulk port.
+  bool mIsMine = true;
 };

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <stop_token>
 #include <vector>
 
 class IKrDeviceAdapter;
@@ -26,19 +27,19 @@ inline constexpr const char* kBulkSelector = "BulkSelector";
 /// put back afterwards where it stood on another, in a turn of its own (KrBulkSelectorTurn). Entries that tell no speed
 /// (clock dividers) count as none.
 ///
-/// Thread: any; a call may wait as long as a few register accesses take.
-/// Ownership: borrows the adapter.
+/// Thread: any; a call may wait as long as a few register accesses take. One whose token is stopped waits for the
+/// access that runs and for the selector to be put back, and gives Aborted. Ownership: borrows the adapter.
 class KR_EXPORT KrDeviceSerialSpeed {
 public:
   KrDeviceSerialSpeed(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort);
 
   /// The rates that the port can be set to now, in baud, in the device's order; none where the device has no such
   /// parameter. Results as of IKrDeviceAdapter; aBaudRates is set on success only, and so is what Get gives.
-  KrResult GetSupported(std::vector<std::uint32_t>& aBaudRates) const;
+  KrResult GetSupported(std::vector<std::uint32_t>& aBaudRates, const std::stop_token& aStop = {}) const;
   /// The rate that is set. NotFound where the device has no such parameter, NotSupported for an entry that tells none.
-  KrResult Get(std::uint32_t& aBaudRate) const;
+  KrResult Get(std::uint32_t& aBaudRate, const std::stop_token& aStop = {}) const;
   /// Sets a rate. NotFound as of Get, NotSupported for a rate that the port does not have.
-  KrResult Set(std::uint32_t aBaudRate) const;
+  KrResult Set(std::uint32_t aBaudRate, const std::stop_token& aStop = {}) const;
 
 private:
   IKrDeviceAdapter& mAdapter;

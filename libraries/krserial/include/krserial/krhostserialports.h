@@ -14,6 +14,7 @@ struct KrHostSerialFolders {
   KrString sysfs = {};   ///< One folder for each tty of the system; /sys/class/tty.
   KrString devices = {}; ///< The device files of those; /dev.
   KrString numbers = {}; ///< The file that remembers which tty has which number; in the user's configuration directory.
+  KrString locks = {};   ///< Lock files "LCK..ttyUSB0" of programs that hold a port; /var/lock. They are read alone.
 };
 
 /// A serial port of the host.

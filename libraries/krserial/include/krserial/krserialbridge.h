@@ -29,9 +29,11 @@ enum class KrSerialBridgeState : std::int32_t {
 ///
 /// On a host's port, what a program at the other end sends goes to the device, and the other way round. When that
 /// program changes its speed (the other end of a pseudo-terminal), the device's port follows if it has that speed. Each
-/// direction holds 64 KiB at most: one that stalls does not stop the other.
+/// direction holds a bounded number of bytes, a few times 64 KiB: one that stalls does not stop the other.
 ///
-/// Thread: any; bytes are moved on threads of the bridge's own. Destruction and Stop end them at once.
+/// Thread: any; bytes are moved on threads of the bridge's own. Destruction and Stop end at once what waits; an access
+/// to the device that runs (of a register, or to open its port) cannot be ended, and is waited for: of a device that
+/// does not answer, as long as its time limit. No other access begins, but to put back a selector of the device's.
 /// Ownership: the holder's. The adapter is borrowed until the bridge is stopped, and must outlive that.
 ///
 ///     KrSerialBridge bridge;
@@ -48,9 +50,10 @@ public:
 
   /// Links a port of the host (KrHostSerialPorts) with one of the device. InvalidInput for a name that is no port's,
   /// for a configuration that is not valid and without an adapter; NotFound for a port that the host lacks; Busy for
-  /// one that another program holds; AccessDenied, SystemError as the system says; NotSupported for a port that the
-  /// device lacks and for a configuration that the host's port cannot take; WrongState when it is started already. The
-  /// device's port is set to the configuration's speed if it has it, which is not a failure if it does not.
+  /// one that another program holds or another bridge makes; AccessDenied, SystemError as the system says; NotSupported
+  /// for a port that the device lacks and for a configuration that the host's port cannot take; WrongState when it is
+  /// started already. The device's port is set to the configuration's speed if it has it, which is not a failure if it
+  /// does not.
   KrResult Start(const KrString& aCOMPort, KrSerialPortConfiguration aConfiguration, IKrDeviceAdapter* aAdapter,
                  KrDeviceSerial aPort);
   /// Publishes a port of the device under a name for programs of the same user that use the Camera Link serial
@@ -59,7 +62,8 @@ public:
   /// AccessDenied when others could enter the directory of sockets, SystemError as the system says, WrongState when it
   /// is started already. A name that is published already gets " (2)" and so on behind it (GetName).
   KrResult Start(const KrString& aName, IKrDeviceAdapter* aAdapter, KrDeviceSerial aPort);
-  /// Ends the threads and gives both ports free. Stopping what is stopped does nothing.
+  /// Ends the threads and gives both ports free. Stopping what is stopped does nothing. A start on another thread that
+  /// asks the device gives Aborted.
   void Stop();
 
   /// The port of the host that it was started with, for example "COM3"; empty without one.
@@ -84,7 +88,7 @@ public:
   std::uint32_t GetSupportedBaudRate(std::size_t aIndex) const;
   /// The speed that is taken for the device's port where the device cannot say it; 0 at first.
   std::uint32_t GetHardCodedBaudRate() const;
-  /// OutOfRange for 0 and for more than 4,000,000.
+  /// 0 for none, so that what GetHardCodedBaudRate gives is always taken. OutOfRange for more than 4,000,000.
   KrResult SetHardCodedBaudRate(std::uint32_t aBaudRate);
 
   /// Bytes that the device's port has taken, and has given, since the start or the last reset. Do not wait.

@@ -1,5 +1,5 @@
 #pragma once
-// For what a benchmark of the terminal cannot go on without.
+// For what a benchmark cannot go on without.
 
 #include "krbase/krresult.h"
 
@@ -12,7 +12,7 @@ namespace benchmarks {
 inline void Check(const KrResult& aResult) {
   if (aResult.IsOK())
     return;
-  std::fprintf(stderr, "The terminal cannot be measured: %s\n", aResult.GetDescription().CStr());
+  std::fprintf(stderr, "It cannot be measured: %s\n", aResult.GetDescription().CStr());
   std::exit(1);
 }
 

@@ -1,0 +1,104 @@
+#include "bridgemenu.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QMessageBox>
+
+#include <cstdio>
+
+namespace krviewer {
+
+namespace {
+
+const QString kTitle = QStringLiteral("Serial Bridges");
+
+QString ToText(const KrString& aText) {
+  return QString::fromUtf8(aText.CStr());
+}
+
+KrStringList MakeLines(const KrResult& aResult) {
+  KrStringList lines;
+  lines.Add(aResult.GetCodeString() + ": " + aResult.GetDescription());
+  return lines;
+}
+
+} // namespace
+
+BridgeMenu::BridgeMenu(MainWindow& aWindow, SerialBridges& aBridges)
+    : mWindow(aWindow), mBridges(aBridges),
+      mShow(aWindow.AddTool(QStringLiteral("Serial &Bridges…"), Qt::CTRL | Qt::Key_B)) {
+  connect(mShow, &QAction::triggered, this, &BridgeMenu::ShowManager);
+  connect(aWindow.AddTool(QStringLiteral("&Load Bridge Setup…"), {}), &QAction::triggered, this,
+          [this] { AskForFile(false); });
+  connect(aWindow.AddTool(QStringLiteral("Sa&ve Bridge Setup…"), {}), &QAction::triggered, this,
+          [this] { AskForFile(true); });
+  QAction* const creating = aWindow.AddTool(QStringLiteral("&Create COM Ports"), {});
+  creating->setCheckable(true);
+  connect(creating, &QAction::toggled, this, [this](bool aIsOn) { mBridges.GetWindow().SetCreatingPorts(aIsOn); });
+  mBridges.SetTellFailures([this](const KrStringList& aLines) {
+    Tell(QStringLiteral("These serial bridges did not start. They are tried again the next time that the "
+                        "camera is back:"),
+         aLines);
+  });
+}
+
+BridgeMenu::~BridgeMenu() {
+  mBridges.SetTellFailures(nullptr);
+}
+
+void BridgeMenu::LookAgain() {
+  mShow->setEnabled(mBridges.HasDevice());
+  mBridges.LookAgain();
+}
+
+void BridgeMenu::ShowManager() {
+  if (const KrResult shown = mBridges.Show(mWindow.winId()); !shown.IsOK())
+    Tell(QStringLiteral("The window of serial bridges cannot be opened:"), MakeLines(shown));
+}
+
+void BridgeMenu::AskForFile(bool aIsToSave) {
+  auto* const dialog = new QFileDialog(&mWindow);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setWindowTitle(aIsToSave ? QStringLiteral("Save Bridge Setup") : QStringLiteral("Load Bridge Setup"));
+  dialog->setAcceptMode(aIsToSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog->setFileMode(aIsToSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  dialog->setNameFilters({QStringLiteral("Bridge setups (*.xml)"), QStringLiteral("All files (*)")});
+  if (aIsToSave)
+    dialog->setDefaultSuffix(QStringLiteral("xml"));
+  connect(dialog, &QFileDialog::fileSelected, this, aIsToSave ? &BridgeMenu::Save : &BridgeMenu::Load);
+  dialog->open();
+}
+
+void BridgeMenu::Load(const QString& aFileName) {
+  KrStringList errors;
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  const KrResult loaded = mBridges.LoadSetup(aFileName.toUtf8().constData(), errors);
+  QGuiApplication::restoreOverrideCursor();
+  if (!loaded.IsOK())
+    Tell(QStringLiteral("No bridges were loaded:"), MakeLines(loaded));
+  else if (!errors.IsEmpty())
+    Tell(QStringLiteral("Not all bridges were started:"), errors);
+}
+
+void BridgeMenu::Save(const QString& aFileName) {
+  if (const KrResult saved = mBridges.SaveSetup(aFileName.toUtf8().constData()); !saved.IsOK())
+    Tell(QStringLiteral("The bridges were not saved:"), MakeLines(saved));
+}
+
+// One box at a time, which waits for nobody: the camera may come and go while it is open.
+void BridgeMenu::Tell(const QString& aWhat, const KrStringList& aLines) {
+  QStringList lines{aWhat};
+  for (const KrString& line : aLines)
+    lines += ToText(line);
+  std::fprintf(stderr, "%s\n", lines.join('\n').toUtf8().constData());
+  delete mMessage;
+  mMessage =
+      new QMessageBox(QMessageBox::Warning, kTitle, lines.join(QStringLiteral("\n\n")), QMessageBox::Ok, &mWindow);
+  mMessage->setAttribute(Qt::WA_DeleteOnClose);
+  mMessage->setTextFormat(Qt::PlainText);
+  mMessage->setModal(false);
+  mMessage->show();
+}
+
+} // namespace krviewer

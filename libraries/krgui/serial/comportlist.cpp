@@ -1,0 +1,103 @@
+#include "serial/comportlist.h"
+
+#include "krserial/krhostserialports.h"
+#include "logic/serial/hostportlist.h"
+#include "platform/plainline.h"
+#include "platform/toqstring.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QSignalBlocker>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <vector>
+
+namespace krgui {
+
+namespace {
+
+/// A list that is closed opens by it.
+bool OpensList(const QEvent& aEvent) {
+  if (aEvent.type() == QEvent::MouseButtonPress)
+    return true;
+  if (aEvent.type() != QEvent::KeyPress)
+    return false;
+  const auto& key = static_cast<const QKeyEvent&>(aEvent);
+  const bool isArrow = key.key() == Qt::Key_Down || key.key() == Qt::Key_Up;
+  return key.key() == Qt::Key_F4 || key.key() == Qt::Key_Space || (isArrow && key.modifiers() == Qt::AltModifier);
+}
+
+/// What a port is, for people.
+QString FindText(const std::vector<KrHostSerialPort>& aPorts, std::uint32_t aNumber) {
+  const auto found = std::find_if(aPorts.begin(), aPorts.end(),
+                                  [aNumber](const KrHostSerialPort& aPort) { return aPort.number == aNumber; });
+  return found == aPorts.end() ? QStringLiteral("Is made when it is chosen") : ToQString(found->text);
+}
+
+} // namespace
+
+COMPortList::COMPortList(QComboBox& aList) : mList(aList) {
+  mList.installEventFilter(this);
+}
+
+void COMPortList::Refresh() {
+  const std::optional<std::uint32_t> selected = GetSelected();
+  const QSignalBlocker blocker(mList);
+  // What the user would choose from is no more.
+  mList.hidePopup();
+  Fill();
+  mList.setCurrentIndex(selected ? mList.findData(*selected) : -1);
+}
+
+void COMPortList::Fill() {
+  mList.clear();
+  std::vector<KrHostSerialPort> ports;
+  // A host that cannot be asked has none.
+  (void)KrHostSerialPorts::List(ports);
+  KrStringList names;
+  for (const KrHostSerialPort& port : ports)
+    names.Add(port.name);
+  std::vector<std::uint32_t> numbers = GetCOMPortNumbers(names);
+  if (const std::uint32_t free = FindFreeCOMPortNumber(numbers); mIsOfferingNewPort && free > 0)
+    numbers.insert(std::lower_bound(numbers.begin(), numbers.end(), free), free);
+  for (const std::uint32_t number : numbers) {
+    mList.addItem(ToQString(FormatCOMPort(number)), number);
+    mList.setItemData(mList.count() - 1, ToPlainToolTip(FindText(ports, number)), Qt::ToolTipRole);
+  }
+}
+
+bool COMPortList::IsEmpty() const {
+  return mList.count() == 0;
+}
+
+void COMPortList::Select(const KrString& aName) {
+  const QSignalBlocker blocker(mList);
+  mList.setCurrentIndex(aName.IsEmpty() ? -1 : mList.findText(ToQString(aName)));
+  mShown = GetSelected();
+}
+
+void COMPortList::Restore() {
+  const QSignalBlocker blocker(mList);
+  mList.setCurrentIndex(mShown ? mList.findData(*mShown) : -1);
+}
+
+std::optional<std::uint32_t> COMPortList::GetSelected() const {
+  const QVariant data = mList.currentData();
+  return data.isValid() ? std::optional<std::uint32_t>(data.toUInt()) : std::nullopt;
+}
+
+bool COMPortList::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  // Not the list that is open: that is a window of its own.
+  if (aEvent->type() == QEvent::Wheel) {
+    aEvent->ignore();
+    return true;
+  }
+  // The list's view is made when it is first asked for, which other events come in the midst of.
+  if (OpensList(*aEvent) && mList.isEnabled() && !mList.view()->isVisible())
+    Refresh();
+  return QObject::eventFilter(aWatched, aEvent);
+}
+
+} // namespace krgui

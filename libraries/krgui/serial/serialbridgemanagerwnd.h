@@ -1,0 +1,88 @@
+#pragma once
+// The serial bridge manager's implementation window: which port of a device is bridged, and how. The bridges and their
+// settings are SerialBridgeList's, the controls are found, filled and laid out by BridgeControls.
+
+#include "frame/wnd.h"
+#include "krserial/krdeviceserial.h"
+#include "logic/serial/serialbridgelist.h"
+#include "res/templates.h"
+
+#include <cstdint>
+#include <memory>
+
+class IKrDeviceAdapter;
+class QObject;
+
+namespace krgui {
+
+class BridgeControls;
+
+class SerialBridgeManagerWnd : public Wnd {
+public:
+  SerialBridgeManagerWnd();
+  ~SerialBridgeManagerWnd() override;
+
+  int GetPopupTemplateID() const override { return kSerialBridgeManagerTraits.popupTemplate; }
+  int GetChildTemplateID() const override { return kSerialBridgeManagerTraits.childTemplate; }
+  int GetMinWidth() const override { return kSerialBridgeManagerTraits.minWidth; }
+  int GetMaxWidth() const override { return kSerialBridgeManagerTraits.maxWidth; }
+  int GetMinHeight() const override { return kSerialBridgeManagerTraits.minHeight; }
+  int GetMaxHeight() const override { return kSerialBridgeManagerTraits.maxHeight; }
+
+  KrResult SetDevice(IKrDeviceAdapter* aAdapter);
+  void SetCreatingPorts(bool aIsOn);
+  KrResult Load(const KrPropertyList& aProperties, KrStringList& aErrors);
+  KrResult Save(KrPropertyList& aProperties) const;
+  static KrResult Recover();
+
+protected:
+  bool OnInitDialog() override;
+  void OnSize(const QSize& aSize) override;
+  /// The Enter key does nothing.
+  void OnOK() override;
+  void OnDestroy() override;
+
+private:
+  /// What a message box or dialog is about. While it is open the window may be closed or deleted, and the bridges made
+  /// anew.
+  struct Moment {
+    std::weak_ptr<const bool> opening;
+    std::weak_ptr<SerialBridgeList> bridges; ///< Ends with this object.
+    std::uint64_t generation = 0;
+    KrDeviceSerial port = KrDeviceSerial::Invalid;
+
+    /// The bridge, where it is still the same one; null otherwise.
+    SerialBridge* FindBridge() const;
+    /// The same, of a window that is still open.
+    SerialBridge* FindShownBridge() const;
+  };
+
+  Moment GetMoment(const SerialBridge& aBridge) const;
+  SerialBridge* GetSelectedBridge() const;
+
+  void WireControls();
+  void Refresh();
+  void Tick();
+  void ShowSelectedPort();
+  void ShowCOMPort(const SerialBridge& aBridge);
+  void ShowKind(const SerialBridge& aBridge);
+  void ShowState();
+
+  void ChooseKind(BridgeKind aKind);
+  bool StartCameraLink(SerialBridge& aBridge);
+  static void AskForBaudRate(const Moment& aMoment, QWidget* aOwner);
+  void ChooseCOMPort();
+  bool StartCOMPort(SerialBridge& aBridge, const KrString& aName);
+  void Configure();
+
+  /// Shared with nobody; a weak pointer to it tells of this object's end.
+  const std::shared_ptr<SerialBridgeList> mBridges = std::make_shared<SerialBridgeList>();
+
+  // What follows is null while the window is not open.
+  std::unique_ptr<BridgeControls> mControls;
+  /// What the controls and the timer call of this window ends with the opening: they may outlive it for a while.
+  std::unique_ptr<QObject> mConnections;
+  std::shared_ptr<const bool> mOpening; ///< Expires with the opening.
+};
+
+} // namespace krgui
