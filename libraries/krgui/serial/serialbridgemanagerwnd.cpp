@@ -62,7 +62,6 @@ void SerialBridgeManagerWnd::SetCreatingPorts(bool aIsOn) {
   if (mControls) {
     mControls->GetCOMPortList().SetOfferingNewPort(aIsOn);
     mControls->GetCOMPortList().Refresh();
-    ShowState();
   }
 }
 
@@ -88,7 +87,13 @@ bool SerialBridgeManagerWnd::OnInitDialog() {
   Wnd::OnInitDialog();
   mOpening = std::make_shared<const bool>(true);
   mControls = std::make_unique<BridgeControls>(*GetWidget(), [this](int aID) { return GetControl(aID); });
-  mControls->GetCOMPortList().SetOfferingNewPort(mBridges->IsCreatingPorts());
+  COMPortList& ports = mControls->GetCOMPortList();
+  ports.SetOfferingNewPort(mBridges->IsCreatingPorts());
+  ports.SetFindBridged([this] { return FindBridgedPorts(); });
+  ports.SetOnRefreshed([this] {
+    mControls->Enable();
+    ShowState();
+  });
   mConnections = std::make_unique<QObject>();
   WireControls();
   Refresh();
@@ -144,6 +149,13 @@ SerialBridge* SerialBridgeManagerWnd::GetSelectedBridge() const {
   return mBridges->Find(mControls->GetSelectedPort());
 }
 
+std::vector<std::uint32_t> SerialBridgeManagerWnd::FindBridgedPorts() const {
+  KrStringList names;
+  for (const auto& bridge : mBridges->GetBridges())
+    names.Add(bridge->GetCOMPort());
+  return GetCOMPortNumbers(names);
+}
+
 /// Shows the bridges as they are now. Without a selected port, what depends on one stays.
 void SerialBridgeManagerWnd::Refresh() {
   if (!mControls)
@@ -151,7 +163,6 @@ void SerialBridgeManagerWnd::Refresh() {
   mControls->ListPorts(mBridges->GetBridges());
   mControls->GetCOMPortList().Refresh();
   ShowSelectedPort();
-  mControls->Enable();
   Tick();
 }
 

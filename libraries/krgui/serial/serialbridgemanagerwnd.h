@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 class IKrDeviceAdapter;
 class QObject;
@@ -59,6 +60,8 @@ private:
 
   Moment GetMoment(const SerialBridge& aBridge) const;
   SerialBridge* GetSelectedBridge() const;
+  /// The numbers of the host's ports that bridges have, also of those that are away.
+  std::vector<std::uint32_t> FindBridgedPorts() const;
 
   void WireControls();
   void Refresh();
