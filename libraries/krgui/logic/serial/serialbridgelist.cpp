@@ -108,7 +108,7 @@ void SerialBridgeList::SetType(SerialBridge& aBridge, const KrString& aType, KrS
 void SerialBridgeList::Save(KrPropertyList& aProperties) const {
   aProperties.Clear();
   for (const auto& bridge : mBridges) {
-    if (bridge->GetKind() == BridgeKind::None)
+    if (bridge->GetKind() == BridgeKind::None || bridge->IsAskingForBaudRate())
       continue;
     aProperties.Add({bridge->GetPortName(), bridge->GetKind() == BridgeKind::COMPort ? kCOMPortType : kCLDLLType});
     bridge->Save(aProperties);
