@@ -5,6 +5,7 @@
 #include "krbase/kratomicfile.h"
 #include "krbase/krlogger.h"
 #include "krbase/krwholefile.h"
+#include "krbase/lockpatience.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -45,12 +46,14 @@ class NumbersLock {
 public:
   explicit NumbersLock(const std::string& aFile)
       : mDescriptor(::open((aFile + ".lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600)) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
+    static krbase::LockPatience patience(std::chrono::milliseconds(500));
+    const auto limit = std::chrono::steady_clock::now() + patience.GetLimit();
     while (mDescriptor.IsOpen() && ::flock(mDescriptor.Get(), LOCK_EX | LOCK_NB) != 0) {
       if (std::chrono::steady_clock::now() > limit)
         mDescriptor.Close();
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
+    patience.Note(mDescriptor.IsOpen());
   }
   bool IsHeld() const { return mDescriptor.IsOpen(); }
 
@@ -156,9 +159,11 @@ KrResult UpdateFile(const std::string& aFile, const std::vector<TtyIdentity>& aT
   std::error_code error;
   std::filesystem::create_directories(std::filesystem::path(aFile).parent_path(), error);
   const NumbersLock lock(aFile);
+  // What has a number keeps it, also where nothing new can be kept.
   PortNumbers numbers;
-  KrResult read = lock.IsHeld() ? ReadPortNumbers(aFile, numbers)
-                                : KrResult(KrResult::Code::Busy, "they cannot be locked: " + aFile + ".lock.");
+  KrResult read = ReadPortNumbers(aFile, numbers);
+  if (!lock.IsHeld())
+    read = {KrResult::Code::Busy, "they cannot be locked: " + aFile + ".lock."};
   if (IsDamaged(read) && PutAside(aFile, read))
     read = {};
   bool isChanged = false;
