@@ -157,6 +157,59 @@ TEST_F(BridgingViewer, SetupWithBridgesThatDoNotStart_IsToldInOneMessage) {
   });
 }
 
+TEST_F(BridgingViewer, SetupWithALongText_IsToldInALineThatTheScreenHasRoomFor) {
+  KrPropertyList bridges;
+  for (const char* const port : {"Serial0", "Serial1", "Bulk0", "Bulk1", "Bulk2", "Bulk3"})
+    bridges.Add({port, "bad\x01\ntype" + std::string(100'000, 'x')});
+  const QString path = WriteSetup(bridges);
+  RunViewer([&](UserHands& aUser, const TerminalHands&) {
+    LoadSetup(aUser, path);
+
+    const QString text = AwaitMessage(aUser);
+    EXPECT_THAT(text.toStdString(), AllOf(HasSubstr("…"), HasSubstr("And 1 more: see the details.")));
+    EXPECT_LT(text.size(), 2'000);
+    EXPECT_EQ(text.count('\n'), 2 * 6) << "six lines, with an empty one between";
+    EXPECT_FALSE(text.contains(QChar(1)));
+    CloseMessage(aUser);
+  });
+}
+
+TEST_F(BridgingViewer, SetupThatDidNotStart_IsSavedWhole) {
+  const QString path = WriteSetup("COM77");
+  const QString saved = TerminalLab::Get().GetPath("whole.xml");
+  RunViewer([&](UserHands& aUser, const TerminalHands&) {
+    LoadSetup(aUser, path);
+    CloseMessage(aUser);
+    UseFile(aUser, "v", "Save Bridge Setup", saved);
+  });
+
+  KrConfigurationReader reader;
+  KrPropertyList bridges;
+  ASSERT_TRUE(reader.Load(saved.toStdString()).IsOK());
+  ASSERT_TRUE(reader.Restore("SerialBridges", bridges).IsOK());
+  ASSERT_NE(bridges.GetProperty("Bulk0Port"), nullptr);
+  EXPECT_EQ(bridges.GetProperty("Bulk0Port")->GetValue(), "COM77");
+  EXPECT_EQ(bridges.GetProperty("Bulk0COMPortBaudRate")->GetValue(), "115200");
+}
+
+TEST_F(BridgingViewer, MistakeInASetupLoadedWhileTheCameraIsAway_IsToldOnceWhenItIsBack) {
+  KrPropertyList bridges;
+  bridges.Add({"Bulk0", "COMPort"});
+  const QString path = WriteSetup(bridges);
+  RunViewer([&](UserHands& aUser, const TerminalHands&) {
+    LoseCamera(aUser);
+    LoadSetup(aUser, path);
+    ReturnCamera(aUser);
+    EXPECT_THAT(AwaitMessage(aUser).toStdString(), HasSubstr("Serial bridge on Bulk0: Port parameter missing."));
+    CloseMessage(aUser);
+
+    LoseCamera(aUser);
+    ReturnCamera(aUser);
+
+    EXPECT_EQ(FindMessage(aUser), "");
+  });
+}
+
 TEST_F(BridgingViewer, FileThatIsNoSetup_IsTold) {
   const QString path = WriteFile("damaged.xml", "<no setup>");
   RunViewer([&](UserHands& aUser, const TerminalHands&) {
