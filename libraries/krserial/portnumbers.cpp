@@ -5,7 +5,6 @@
 #include "krbase/kratomicfile.h"
 #include "krbase/krlogger.h"
 #include "krbase/krwholefile.h"
-#include "krbase/lockpatience.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -46,14 +45,12 @@ class NumbersLock {
 public:
   explicit NumbersLock(const std::string& aFile)
       : mDescriptor(::open((aFile + ".lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600)) {
-    static krbase::LockPatience patience(std::chrono::milliseconds(500));
-    const auto limit = std::chrono::steady_clock::now() + patience.GetLimit();
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
     while (mDescriptor.IsOpen() && ::flock(mDescriptor.Get(), LOCK_EX | LOCK_NB) != 0) {
       if (std::chrono::steady_clock::now() > limit)
         mDescriptor.Close();
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    patience.Note(mDescriptor.IsOpen());
   }
   bool IsHeld() const { return mDescriptor.IsOpen(); }
 
