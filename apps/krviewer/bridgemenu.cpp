@@ -41,6 +41,7 @@ KrStringList MakeLines(const KrResult& aResult) {
 BridgeMenu::BridgeMenu(MainWindow& aWindow, SerialBridges& aBridges)
     : mWindow(aWindow), mBridges(aBridges),
       mShow(aWindow.AddTool(QStringLiteral("Serial &Bridges…"), Qt::CTRL | Qt::Key_B)) {
+  mShow->setEnabled(false); // Until there is a device.
   connect(mShow, &QAction::triggered, this, &BridgeMenu::ShowManager);
   connect(aWindow.AddTool(QStringLiteral("&Load Bridge Setup…"), {}), &QAction::triggered, this,
           [this] { AskForFile(false); });

@@ -236,6 +236,30 @@ TEST_F(BridgingViewer, CameraLostAndBack_HasItsBridgesAgain) {
   });
 }
 
+TEST_F(BridgingViewer, CameraLostAndBackWhileItsBridgeIsConfigured_TakesTheAnswer) {
+  const SocatLine line(GetHostPortPath("com3"));
+  RunViewer([&](UserHands& aUser, const TerminalHands&) {
+    aUser.Press("ctrl+b");
+    const BridgeHands hands(aUser);
+    ASSERT_TRUE(hands.AwaitOpen());
+    hands.Link("Bulk0", "COM3");
+    const QString dialog = "Serial COM Port Configuration";
+    aUser.Click(kManager, bridge::kConfigure);
+    ASSERT_TRUE(aUser.AwaitWindow(dialog));
+
+    LoseCamera(aUser);
+    ReturnCamera(aUser);
+    hands.Pick(dialog, bridge::kBaudRate, "115200 baud");
+    aUser.Click(dialog, 1);
+    aUser.AwaitNoWindow(dialog);
+
+    hands.PickPort("Bulk0");
+    hands.AwaitText(bridge::kDescription, "115200 baud, no parity, 8 bits, 1 stop bit");
+    aUser.Press("Escape");
+    aUser.AwaitNoWindow(kManager);
+  });
+}
+
 TEST_F(BridgingViewer, BridgeThatDoesNotStartWhenTheCameraIsBack_IsToldAndStartsTheNextTime) {
   auto client = std::make_optional<SocatLine>(GetHostPortPath("com3"));
   const QString path = WriteSetup("COM3");
@@ -345,4 +369,15 @@ TEST(BridgeExample, PortThatTheHostLacks_IsSaid) {
 
   EXPECT_EQ(example.exitCode(), 1);
   EXPECT_THAT(example.readAllStandardError().toStdString(), HasSubstr("COM999"));
+}
+
+TEST(BridgeExample, SpeedThatIsNoNumber_ShowsTheUsage) {
+  for (const char* const speed : {"fast", "115200x", "4294976896", "", "-9600"}) {
+    QProcess example;
+    example.start(KR_EXAMPLE_PATH, {"--simulate", "sim-mono", "Serial0", "COM999", speed});
+    ASSERT_TRUE(example.waitForFinished(kProgramLimitMs));
+
+    EXPECT_EQ(example.exitCode(), 64) << speed;
+    EXPECT_THAT(example.readAllStandardError().toStdString(), HasSubstr("usage: ")) << speed;
+  }
 }
