@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QMessageBox>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace krviewer {
@@ -13,8 +14,20 @@ namespace {
 
 const QString kTitle = QStringLiteral("Serial Bridges");
 
+/// A file may hold anything: neither is a message to grow beyond the screen, nor its lines to be taken for the
+/// program's.
+constexpr int kMostLetters = 300;
+constexpr int kMostLines = 5;
+
+/// One line that can be read, cut where it is too long.
 QString ToText(const KrString& aText) {
-  return QString::fromUtf8(aText.CStr());
+  QString text = QString::fromUtf8(aText.CStr()).simplified();
+  for (QChar& letter : text)
+    if (!letter.isPrint())
+      letter = QChar::ReplacementCharacter;
+  if (text.size() > kMostLetters)
+    text = text.first(kMostLetters) + QStringLiteral("…");
+  return text;
 }
 
 KrStringList MakeLines(const KrResult& aResult) {
@@ -28,6 +41,7 @@ KrStringList MakeLines(const KrResult& aResult) {
 BridgeMenu::BridgeMenu(MainWindow& aWindow, SerialBridges& aBridges)
     : mWindow(aWindow), mBridges(aBridges),
       mShow(aWindow.AddTool(QStringLiteral("Serial &Bridges…"), Qt::CTRL | Qt::Key_B)) {
+  mShow->setEnabled(false); // Until there is a device.
   connect(mShow, &QAction::triggered, this, &BridgeMenu::ShowManager);
   connect(aWindow.AddTool(QStringLiteral("&Load Bridge Setup…"), {}), &QAction::triggered, this,
           [this] { AskForFile(false); });
@@ -37,7 +51,7 @@ BridgeMenu::BridgeMenu(MainWindow& aWindow, SerialBridges& aBridges)
   creating->setCheckable(true);
   connect(creating, &QAction::toggled, this, [this](bool aIsOn) { mBridges.GetWindow().SetCreatingPorts(aIsOn); });
   mBridges.SetTellFailures([this](const KrStringList& aLines) {
-    Tell(QStringLiteral("These serial bridges did not start. They are tried again the next time that the "
+    Tell(QStringLiteral("These serial bridges did not start. What can start is tried again the next time that the "
                         "camera is back:"),
          aLines);
   });
@@ -88,13 +102,18 @@ void BridgeMenu::Save(const QString& aFileName) {
 
 // One box at a time, which waits for nobody: the camera may come and go while it is open.
 void BridgeMenu::Tell(const QString& aWhat, const KrStringList& aLines) {
-  QStringList lines{aWhat};
+  QStringList lines;
   for (const KrString& line : aLines)
     lines += ToText(line);
-  std::fprintf(stderr, "%s\n", lines.join('\n').toUtf8().constData());
+  std::fprintf(stderr, "%s\n%s\n", aWhat.toUtf8().constData(), lines.join('\n').toUtf8().constData());
+  QStringList shown = QStringList(aWhat) + lines.first(std::min<qsizetype>(lines.size(), kMostLines));
+  if (lines.size() > kMostLines)
+    shown += QStringLiteral("And %1 more: see the details.").arg(lines.size() - kMostLines);
   delete mMessage;
   mMessage =
-      new QMessageBox(QMessageBox::Warning, kTitle, lines.join(QStringLiteral("\n\n")), QMessageBox::Ok, &mWindow);
+      new QMessageBox(QMessageBox::Warning, kTitle, shown.join(QStringLiteral("\n\n")), QMessageBox::Ok, &mWindow);
+  if (lines.size() > kMostLines)
+    mMessage->setDetailedText(lines.join('\n'));
   mMessage->setAttribute(Qt::WA_DeleteOnClose);
   mMessage->setTextFormat(Qt::PlainText);
   mMessage->setModal(false);

@@ -8,12 +8,11 @@
 #include <QObject>
 #include <QPointer>
 
-class QFileDialog;
 class QMessageBox;
 
 namespace krviewer {
 
-/// Thread: user interface. Ownership: borrows the window and the bridges. No entry runs a loop of its own.
+/// Thread: user interface. Ownership: borrows the window and the bridges. No entry waits for the user.
 class BridgeMenu : public QObject {
   Q_OBJECT
 

@@ -1,7 +1,7 @@
 #include "keptbridges.h"
 
+#include <iterator>
 #include <string>
-#include <utility>
 
 namespace krviewer {
 
@@ -17,6 +17,12 @@ bool IsWithoutHostPort(const KrPropertyList& aBridges, KrDeviceSerial aPort) {
   return kind && kind->GetValue() == "COMPort" && !aBridges.GetProperty(name + "Port");
 }
 
+bool CanStart(const KrPropertyList& aBridges, KrDeviceSerial aPort) {
+  const KrProperty* const kind = aBridges.GetProperty(GetPortName(aPort));
+  return kind &&
+         (kind->GetValue() == "CLDLL" || (kind->GetValue() == "COMPort" && !IsWithoutHostPort(aBridges, aPort)));
+}
+
 // No port's name begins with another one's, and every property of a port's bridge begins with its name.
 void AddBridge(KrPropertyList& aTo, const KrPropertyList& aFrom, KrDeviceSerial aPort) {
   const std::string name = GetPortName(aPort).ToUtf8();
@@ -27,37 +33,44 @@ void AddBridge(KrPropertyList& aTo, const KrPropertyList& aFrom, KrDeviceSerial 
 
 } // namespace
 
-KrPropertyList KeptBridges::GetWanted() const {
-  KrPropertyList wanted;
-  for (const KrDeviceSerial port : kDeviceSerialPorts)
-    if (!IsWithoutHostPort(mWanted, port))
-      AddBridge(wanted, mWanted, port);
-  return wanted;
-}
-
 void KeptBridges::Want(const KrPropertyList& aBridges) {
   mWanted = aBridges;
   mFailed.clear();
 }
 
+KrPropertyList KeptBridges::GetSetup(const KrPropertyList& aNow) const {
+  KrPropertyList setup;
+  for (const KrDeviceSerial port : kDeviceSerialPorts)
+    AddBridge(setup, mFailed.contains(port) ? mWanted : aNow, port);
+  return setup;
+}
+
 void KeptBridges::Keep(const KrPropertyList& aNow) {
   NoteChange(aNow);
+  const KrPropertyList setup = GetSetup(aNow);
   KrPropertyList kept;
   for (const KrDeviceSerial port : kDeviceSerialPorts)
-    AddBridge(kept, mFailed.contains(port) ? mWanted : aNow, port);
+    if (!IsWithoutHostPort(setup, port))
+      AddBridge(kept, setup, port);
   Want(kept);
 }
 
-void KeptBridges::NoteStart(const KrPropertyList& aNow) {
-  const KrPropertyList wanted = GetWanted();
+void KeptBridges::NoteStart(const KrPropertyList& aNow, const Ports& aPorts) {
   mFailed.clear();
   for (const KrDeviceSerial port : kDeviceSerialPorts)
-    if (HasBridge(wanted, port) && !HasBridge(aNow, port))
-      mFailed.insert(port);
+    if (CanStart(mWanted, port) && (aPorts.empty() || aPorts.contains(port)) && !HasBridge(aNow, port))
+      mFailed.emplace(port, Trial::None);
 }
 
 void KeptBridges::NoteChange(const KrPropertyList& aNow) {
-  std::erase_if(mFailed, [&aNow](KrDeviceSerial aPort) { return HasBridge(aNow, aPort); });
+  for (auto failed = mFailed.begin(); failed != mFailed.end();) {
+    auto& [port, trial] = *failed;
+    const bool isSetUp = HasBridge(aNow, port);
+    const bool isUsers = isSetUp ? !IsWithoutHostPort(aNow, port) : trial == Trial::Begun;
+    if (isSetUp)
+      trial = Trial::Begun;
+    failed = isUsers ? mFailed.erase(failed) : std::next(failed);
+  }
 }
 
 } // namespace krviewer

@@ -5,6 +5,7 @@
 #include "krpersistence/krpropertylist.h"
 #include "krserial/krdeviceserial.h"
 
+#include <map>
 #include <set>
 
 namespace krviewer {
@@ -12,21 +13,31 @@ namespace krviewer {
 /// Lists of bridges as the bridge manager saves and loads them. Thread: one.
 class KeptBridges {
 public:
-  /// What is to be taken up when the device comes; empty when nothing is. Of a link for which no port of the host was
-  /// chosen there is nothing to take up.
-  KrPropertyList GetWanted() const;
-  /// Wants these and no others.
+  using Ports = std::set<KrDeviceSerial>;
+
+  /// What is to be taken up when the device comes; empty when nothing is.
+  KrPropertyList GetWanted() const { return mWanted; }
+  /// Wants these and no others, whatever is wrong with them.
   void Want(const KrPropertyList& aBridges);
-  /// Wants what is set up now, and the ports that have failed.
+  /// What is set up now, and of the ports that have failed, what is wanted.
+  KrPropertyList GetSetup(const KrPropertyList& aNow) const;
+  /// Wants the setup of now. Of a link for which no port of the host was chosen there is nothing to take up.
   void Keep(const KrPropertyList& aNow);
-  /// The wanted ones were started, which has led to what is set up now: the ports without a bridge have failed.
-  void NoteStart(const KrPropertyList& aNow);
-  /// A port that has failed and is set up now is the user's again, whatever becomes of it.
+  /// The wanted ones were started on a device with these ports, which has led to what is set up now: the ports without
+  /// a bridge have failed. Those that can never start, as the device lacks the port or the bridge is none, are wanted
+  /// no longer. A device without any port is one that did not answer.
+  void NoteStart(const KrPropertyList& aNow, const Ports& aPorts);
+  /// A port that has failed and is set up now is the user's again, whatever becomes of it. A link is not set up before
+  /// its port of the host is chosen; one that the user gives up before that is not wanted any more.
   void NoteChange(const KrPropertyList& aNow);
+  /// Whether there is any change to note.
+  bool HasFailed() const { return !mFailed.empty(); }
 
 private:
+  enum class Trial { None, Begun }; ///< Whether the user is about to set the port up.
+
   KrPropertyList mWanted;
-  std::set<KrDeviceSerial> mFailed; ///< Of mWanted.
+  std::map<KrDeviceSerial, Trial> mFailed; ///< Of mWanted.
 };
 
 } // namespace krviewer

@@ -2,6 +2,7 @@
 
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
+#include "krserial/krdeviceserialport.h"
 
 namespace krviewer {
 
@@ -13,10 +14,10 @@ constexpr const char* kListName = "SerialBridges";
 
 void SerialBridges::TakeDevice(IKrDeviceAdapter& aDevice) {
   KrStringList errors;
-  if (const KrResult set = mWindow.SetDevice(&aDevice); set.IsOK())
-    Start(errors);
-  else
+  if (const KrResult set = mWindow.SetDevice(&aDevice); !set.IsOK())
     errors.Add(set.GetDescription());
+  else if (!mKept.GetWanted().IsEmpty())
+    Start(aDevice, errors);
   if (!errors.IsEmpty() && mTellFailures)
     mTellFailures(errors);
 }
@@ -28,7 +29,7 @@ void SerialBridges::DropDevice() {
 }
 
 void SerialBridges::LookAgain() {
-  if (HasDevice())
+  if (HasDevice() && mKept.HasFailed())
     mKept.NoteChange(GetNow());
 }
 
@@ -38,11 +39,14 @@ KrPropertyList SerialBridges::GetNow() {
   return now;
 }
 
-void SerialBridges::Start(KrStringList& aErrors) {
-  if (KrPropertyList wanted = mKept.GetWanted(); !wanted.IsEmpty()) {
-    [[maybe_unused]] const KrResult loaded = mWindow.Load(wanted, aErrors); // What fails is in the list, line by line.
-  }
-  mKept.NoteStart(GetNow());
+void SerialBridges::Start(IKrDeviceAdapter& aDevice, KrStringList& aErrors) {
+  KrPropertyList wanted = mKept.GetWanted();
+  [[maybe_unused]] const KrResult loaded = mWindow.Load(wanted, aErrors); // What fails is in the list, line by line.
+  KeptBridges::Ports ports;
+  for (const KrDeviceSerial port : kDeviceSerialPorts)
+    if (KrDeviceSerialPort::IsSupported(&aDevice, port))
+      ports.insert(port);
+  mKept.NoteStart(GetNow(), ports);
 }
 
 KrResult SerialBridges::LoadSetup(const KrString& aFileName, KrStringList& aErrors) {
@@ -54,17 +58,14 @@ KrResult SerialBridges::LoadSetup(const KrString& aFileName, KrStringList& aErro
   if (!result.IsOK())
     return result;
   mKept.Want(bridges);
-  if (HasDevice()) {
-    // The list as it is, so that what is wrong with it is told.
-    [[maybe_unused]] const KrResult loaded = mWindow.Load(bridges, aErrors);
-    mKept.NoteStart(GetNow());
-  }
+  if (HasDevice())
+    Start(*GetDevice(), aErrors);
   return {};
 }
 
 KrResult SerialBridges::SaveSetup(const KrString& aFileName) {
   KrConfigurationWriter writer;
-  KrResult result = writer.Store(kListName, HasDevice() ? GetNow() : mKept.GetWanted());
+  KrResult result = writer.Store(kListName, HasDevice() ? mKept.GetSetup(GetNow()) : mKept.GetWanted());
   if (result.IsOK())
     result = writer.Save(aFileName);
   return result;

@@ -25,14 +25,15 @@ public:
   /// when it comes. What does not start is told in aErrors, one line each. Fails for a file that cannot be read, and
   /// nothing changes then.
   KrResult LoadSetup(const KrString& aFileName, KrStringList& aErrors);
-  /// Writes the setup to a file: what is set up now, or what starts when the device comes.
+  /// Writes the setup to a file: what is set up now, with the bridges that have not started,
+  /// or what starts when the device comes.
   KrResult SaveSetup(const KrString& aFileName);
 
 private:
   void TakeDevice(IKrDeviceAdapter& aDevice) override;
   void DropDevice() override;
   KrPropertyList GetNow();
-  void Start(KrStringList& aErrors);
+  void Start(IKrDeviceAdapter& aDevice, KrStringList& aErrors);
 
   KrSerialBridgeManagerWnd mWindow;
   KeptBridges mKept;

@@ -8,10 +8,13 @@
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
 
+#include <charconv>
 #include <csignal>
-#include <cstdlib>
+#include <cstdint>
 #include <iostream>
+#include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -37,6 +40,13 @@ int Fail(const KrResult& aResult) {
   return 1;
 }
 
+// Whether it is a number and nothing else.
+bool ParseSpeed(const std::string& aText, std::uint32_t& aSpeed) {
+  const char* const end = aText.data() + aText.size();
+  const auto [rest, error] = std::from_chars(aText.data(), end, aSpeed);
+  return error == std::errc() && rest == end;
+}
+
 KrResult OpenCamera(const KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice) {
   for (std::size_t index = 0; index < aSystem.GetDeviceCount(); ++index) {
     const KrDeviceInfo* const info = aSystem.GetDeviceInfo(index);
@@ -60,7 +70,10 @@ int main(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   const bool isSimulating = std::erase(arguments, "--simulate") > 0;
   const bool isCreating = std::erase(arguments, "--create") > 0;
-  if (arguments.size() < 3 || arguments.size() > 4) {
+  KrSerialPortConfiguration configuration;
+  configuration.baudRate = 115200;
+  if (arguments.size() < 3 || arguments.size() > 4 ||
+      (arguments.size() == 4 && !ParseSpeed(arguments[3], configuration.baudRate))) {
     std::cerr << kUsage;
     return 64;
   }
@@ -83,9 +96,6 @@ int main(int argc, char** argv) {
 
   KrSerialBridge bridge;
   bridge.SetCreatingPort(isCreating);
-  KrSerialPortConfiguration configuration;
-  configuration.baudRate =
-      arguments.size() == 4 ? static_cast<std::uint32_t>(std::strtoul(arguments[3].c_str(), nullptr, 10)) : 115200;
   result = bridge.Start(arguments[2], configuration, &adapter, FindPort(arguments[1]));
   KrHostSerialPort port;
   if (result.IsOK())

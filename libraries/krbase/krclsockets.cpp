@@ -3,6 +3,7 @@
 #include "cldirectory.h"
 #include "clname.h"
 #include "clportfiles.h"
+#include "krbase/lockpatience.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -23,7 +24,6 @@ using namespace krbase;
 constexpr mode_t kOwnerOnly = 0600;
 constexpr int kBacklog = 16;
 constexpr std::uint32_t kMostPorts = 1000; // More are a fault of somebody's.
-constexpr std::chrono::seconds kDirectoryLimit{2};
 constexpr const char* kPublish = "Publishing a Camera Link port";
 constexpr const char* kConnect = "Opening a Camera Link port";
 
@@ -109,7 +109,9 @@ KrResult KrCLPublication::Make(const KrString& aName, std::unique_ptr<KrCLPublic
   if (KrResult opened = OpenCLDirectory(true, body->directory); !opened.IsOK())
     return opened;
   const int directory = body->directory.Get();
-  const FileDescriptor directoryLock = LockCLDirectory(directory, kDirectoryLimit);
+  static LockPatience patience(std::chrono::milliseconds(1000));
+  const FileDescriptor directoryLock = LockCLDirectory(directory, patience.GetLimit());
+  patience.Note(directoryLock.IsOpen());
   if (!directoryLock.IsOpen())
     return {KrResult::Code::Busy, std::string(kPublish) + " failed: another process keeps the directory locked."};
   CLPortFiles files;

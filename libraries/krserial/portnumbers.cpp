@@ -58,16 +58,6 @@ private:
   krbase::FileDescriptor mDescriptor;
 };
 
-// OK with no numbers where there is no file.
-KrResult ReadNumbers(const std::string& aFile, PortNumbers& aNumbers) {
-  aNumbers.clear();
-  std::string text;
-  KrResult read = KrReadWholeFile(aFile, kMostNumbersBytes, text);
-  if (read == KrResult::Code::NotFound)
-    return {};
-  return read.IsOK() ? ParsePortNumbers(text, aNumbers) : read;
-}
-
 bool IsDamaged(const KrResult& aRead) {
   return aRead == KrResult::Code::BadData || aRead == KrResult::Code::OutOfRange;
 }
@@ -166,9 +156,11 @@ KrResult UpdateFile(const std::string& aFile, const std::vector<TtyIdentity>& aT
   std::error_code error;
   std::filesystem::create_directories(std::filesystem::path(aFile).parent_path(), error);
   const NumbersLock lock(aFile);
+  // What has a number keeps it, also where nothing new can be kept.
   PortNumbers numbers;
-  KrResult read = lock.IsHeld() ? ReadNumbers(aFile, numbers)
-                                : KrResult(KrResult::Code::Busy, "they cannot be locked: " + aFile + ".lock.");
+  KrResult read = ReadPortNumbers(aFile, numbers);
+  if (!lock.IsHeld())
+    read = {KrResult::Code::Busy, "they cannot be locked: " + aFile + ".lock."};
   if (IsDamaged(read) && PutAside(aFile, read))
     read = {};
   bool isChanged = false;
@@ -195,6 +187,16 @@ KrResult ParsePortNumbers(std::string_view aText, PortNumbers& aNumbers) {
   return {};
 }
 
+KrResult ReadPortNumbers(const std::string& aFile, PortNumbers& aNumbers) {
+  std::string text;
+  KrResult read = KrReadWholeFile(aFile, kMostNumbersBytes, text);
+  if (read == KrResult::Code::NotFound) {
+    aNumbers.clear();
+    return {};
+  }
+  return read.IsOK() ? ParsePortNumbers(text, aNumbers) : read;
+}
+
 std::string FormatPortNumbers(const PortNumbers& aNumbers) {
   std::map<std::uint32_t, std::string_view> ordered;
   for (const auto& [identity, number] : aNumbers)
@@ -210,7 +212,7 @@ std::vector<std::uint32_t> AssignPortNumbers(const std::string& aFile, const std
   PortNumbers numbers;
   bool isChanged = false;
   std::vector<std::uint32_t> given;
-  if (ReadNumbers(aFile, numbers).IsOK())
+  if (ReadPortNumbers(aFile, numbers).IsOK())
     given = Give(numbers, aTtys, aTaken, isChanged);
   if (given.size() == aTtys.size() && !isChanged)
     return given;

@@ -29,6 +29,9 @@ constexpr std::size_t kMostNumbersBytes = 1U << 20U;
 /// Reads the text of a file of numbers. BadData, with the line, for anything that FormatPortNumbers does not write: a
 /// number out of range or given twice, an identity twice or of more than one line. aNumbers is set on success only.
 KrResult ParsePortNumbers(std::string_view aText, PortNumbers& aNumbers);
+/// The numbers in a file, none where there is no file. BadData and OutOfRange for one that is damaged; a file that
+/// cannot be read as KrReadWholeFile says. aNumbers is set on success only. Thread: any.
+KrResult ReadPortNumbers(const std::string& aFile, PortNumbers& aNumbers);
 std::string FormatPortNumbers(const PortNumbers& aNumbers);
 
 /// The numbers of the ttys, in their order, of which new ones get the lowest that were never given and are not in

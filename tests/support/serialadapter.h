@@ -95,6 +95,8 @@ public:
   KrResult writeFailure;
   /// "name=value" for each value that was to be set, in order.
   std::vector<std::string> written;
+  /// What the device is called by.
+  std::string text = "Model X 00:11:22:33:44:55";
 
   /// Adds a line, and gives it.
   std::shared_ptr<SerialLine> AddLine(std::uint32_t aNumber);
@@ -106,7 +108,7 @@ public:
   KrResult SetEnumValue(const KrString& aName, const KrString& aValue) override;
   KrResult GetBooleanValue(const KrString& aName, bool& aValue) override;
   KrResult SetBooleanValue(const KrString& aName, bool aValue) override;
-  KrString GetDeviceText() const override { return "Model X 00:11:22:33:44:55"; }
+  KrString GetDeviceText() const override { return text; }
   std::shared_ptr<krsystem::IByteChannel> GetByteChannel(std::uint32_t aNumber) override;
 };
 

@@ -1,6 +1,7 @@
 #include "serial/comportlist.h"
 
 #include "krserial/krhostserialports.h"
+#include "krserial/krtakencomports.h"
 #include "logic/serial/hostportlist.h"
 #include "platform/plainline.h"
 #include "platform/toqstring.h"
@@ -12,7 +13,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <vector>
+#include <set>
 
 namespace krgui {
 
@@ -43,12 +44,27 @@ COMPortList::COMPortList(QComboBox& aList) : mList(aList) {
 }
 
 void COMPortList::Refresh() {
-  const std::optional<std::uint32_t> selected = GetSelected();
-  const QSignalBlocker blocker(mList);
   // What the user would choose from is no more.
   mList.hidePopup();
-  Fill();
-  mList.setCurrentIndex(selected ? mList.findData(*selected) : -1);
+  {
+    const QSignalBlocker blocker(mList);
+    Fill();
+  }
+  Restore();
+  if (mOnRefreshed)
+    mOnRefreshed();
+}
+
+std::uint32_t COMPortList::FindNewPort(const std::vector<std::uint32_t>& aListed) const {
+  std::set<std::uint32_t> taken;
+  // Where it is not known what is taken, nothing is offered.
+  if (!mIsOfferingNewPort || !KrTakenCOMPorts::GetNumbers(taken).IsOK())
+    return 0;
+  taken.insert(aListed.begin(), aListed.end());
+  if (mFindBridged)
+    for (const std::uint32_t number : mFindBridged())
+      taken.insert(number);
+  return FindFreeCOMPortNumber(taken);
 }
 
 void COMPortList::Fill() {
@@ -60,7 +76,7 @@ void COMPortList::Fill() {
   for (const KrHostSerialPort& port : ports)
     names.Add(port.name);
   std::vector<std::uint32_t> numbers = GetCOMPortNumbers(names);
-  if (const std::uint32_t free = FindFreeCOMPortNumber(numbers); mIsOfferingNewPort && free > 0)
+  if (const std::uint32_t free = FindNewPort(numbers); free > 0)
     numbers.insert(std::lower_bound(numbers.begin(), numbers.end(), free), free);
   for (const std::uint32_t number : numbers) {
     mList.addItem(ToQString(FormatCOMPort(number)), number);
@@ -73,14 +89,13 @@ bool COMPortList::IsEmpty() const {
 }
 
 void COMPortList::Select(const KrString& aName) {
-  const QSignalBlocker blocker(mList);
-  mList.setCurrentIndex(aName.IsEmpty() ? -1 : mList.findText(ToQString(aName)));
-  mShown = GetSelected();
+  mShown = ToQString(aName);
+  Restore();
 }
 
 void COMPortList::Restore() {
   const QSignalBlocker blocker(mList);
-  mList.setCurrentIndex(mShown ? mList.findData(*mShown) : -1);
+  mList.setCurrentIndex(mShown.isEmpty() ? -1 : mList.findText(mShown));
 }
 
 std::optional<std::uint32_t> COMPortList::GetSelected() const {

@@ -24,6 +24,8 @@ namespace {
 
 constexpr int kRefreshPeriodMs = 250;
 
+constexpr const char* kNotPublished = "Unable to start Camera Link DLL bridge.";
+constexpr const char* kNotConfigured = "Unable to change serial COM port configuration.";
 constexpr const char* kNoBaudRateTitle = "Device Serial Port Baud Rate";
 constexpr const char* kNoBaudRateText =
     "The baud rate of the device serial port cannot be accessed through its GenICam interface.\r\n\r\n"
@@ -33,11 +35,13 @@ constexpr const char* kNoBaudRateText =
 
 SerialBridge* SerialBridgeManagerWnd::Moment::FindBridge() const {
   const std::shared_ptr<SerialBridgeList> list = bridges.lock();
-  return list && list->GetGeneration() == generation ? list->Find(port) : nullptr;
+  SerialBridge* const bridge = list && list->GetDeviceText() == deviceText ? list->Find(port) : nullptr;
+  return bridge != nullptr && bridge->GetKind() == kind && bridge->GetCOMPort() == comPort ? bridge : nullptr;
 }
 
 SerialBridge* SerialBridgeManagerWnd::Moment::FindShownBridge() const {
-  return opening.expired() ? nullptr : FindBridge();
+  const std::shared_ptr<SerialBridgeList> list = bridges.lock();
+  return !opening.expired() && list && list->GetGeneration() == generation ? list->Find(port) : nullptr;
 }
 
 SerialBridgeManagerWnd::SerialBridgeManagerWnd() : Wnd(kSerialBridgeManagerTraits.modalTemplate) {
@@ -62,7 +66,6 @@ void SerialBridgeManagerWnd::SetCreatingPorts(bool aIsOn) {
   if (mControls) {
     mControls->GetCOMPortList().SetOfferingNewPort(aIsOn);
     mControls->GetCOMPortList().Refresh();
-    ShowState();
   }
 }
 
@@ -88,7 +91,13 @@ bool SerialBridgeManagerWnd::OnInitDialog() {
   Wnd::OnInitDialog();
   mOpening = std::make_shared<const bool>(true);
   mControls = std::make_unique<BridgeControls>(*GetWidget(), [this](int aID) { return GetControl(aID); });
-  mControls->GetCOMPortList().SetOfferingNewPort(mBridges->IsCreatingPorts());
+  COMPortList& ports = mControls->GetCOMPortList();
+  ports.SetOfferingNewPort(mBridges->IsCreatingPorts());
+  ports.SetFindBridged([this] { return FindBridgedPorts(); });
+  ports.SetOnRefreshed([this] {
+    mControls->Enable();
+    ShowState();
+  });
   mConnections = std::make_unique<QObject>();
   WireControls();
   Refresh();
@@ -137,11 +146,24 @@ void SerialBridgeManagerWnd::WireControls() {
 }
 
 SerialBridgeManagerWnd::Moment SerialBridgeManagerWnd::GetMoment(const SerialBridge& aBridge) const {
-  return {mOpening, mBridges, mBridges->GetGeneration(), aBridge.GetPort()};
+  return {.opening = mOpening,
+          .bridges = mBridges,
+          .generation = mBridges->GetGeneration(),
+          .deviceText = mBridges->GetDeviceText(),
+          .port = aBridge.GetPort(),
+          .kind = aBridge.GetKind(),
+          .comPort = aBridge.GetCOMPort()};
 }
 
 SerialBridge* SerialBridgeManagerWnd::GetSelectedBridge() const {
   return mBridges->Find(mControls->GetSelectedPort());
+}
+
+std::vector<std::uint32_t> SerialBridgeManagerWnd::FindBridgedPorts() const {
+  KrStringList names;
+  for (const auto& bridge : mBridges->GetBridges())
+    names.Add(bridge->GetCOMPort());
+  return GetCOMPortNumbers(names);
 }
 
 /// Shows the bridges as they are now. Without a selected port, what depends on one stays.
@@ -151,7 +173,6 @@ void SerialBridgeManagerWnd::Refresh() {
   mControls->ListPorts(mBridges->GetBridges());
   mControls->GetCOMPortList().Refresh();
   ShowSelectedPort();
-  mControls->Enable();
   Tick();
 }
 
@@ -246,25 +267,36 @@ bool SerialBridgeManagerWnd::StartCameraLink(SerialBridge& aBridge) {
       aBridge.SetKind(BridgeKind::None);
   }
   if (!result.IsOK())
-    ShowResultError(*this, "Unable to start Camera Link DLL bridge.", result);
+    ShowResultError(*this, kNotPublished, result);
   else if (!aBridge.AreBaudRatesKnown())
-    AskForBaudRate(moment, GetWidget());
+    AskForBaudRate(aBridge);
   return moment.FindShownBridge() != nullptr;
 }
 
-/// A bridge of which nobody says the rate ends.
-void SerialBridgeManagerWnd::AskForBaudRate(const Moment& aMoment, QWidget* aOwner) {
-  BaudRateSelectionDlg dialog(aOwner);
+/// A bridge of which nobody says the rate ends. One that was made anew while the dialog was open had its rate said.
+void SerialBridgeManagerWnd::AskForBaudRate(SerialBridge& aBridge) {
+  aBridge.SetAskingForBaudRate(true);
+  const Moment moment = GetMoment(aBridge);
+  BaudRateSelectionDlg dialog(GetWidget());
   const ModalResult answer = dialog.Run();
-  SerialBridge* const bridge = aMoment.FindBridge();
-  if (bridge == nullptr)
-    return;
-  if (answer == ModalResult::OK) {
+  SerialBridge* const bridge = moment.FindBridge();
+  if (bridge == nullptr || !bridge->IsAskingForBaudRate()) {
+    if (answer == ModalResult::OK && !moment.opening.expired())
+      TellEnd(moment.port, kNotPublished);
+  } else if (answer == ModalResult::OK) {
+    bridge->SetAskingForBaudRate(false);
     // Every rate of the list is taken.
     (void)bridge->SetHardCodedBaudRate(dialog.GetBaudRate());
   } else {
     bridge->SetKind(BridgeKind::None);
   }
+}
+
+/// An answer of the user's came too late.
+void SerialBridgeManagerWnd::TellEnd(KrDeviceSerial aPort, const KrString& aWhat) {
+  ShowResultError(*this, aWhat,
+                  {KrResult::Code::ConnectionLost,
+                   "The bridge on " + ::GetPortName(aPort) + " was ended while the dialog was open."});
 }
 
 void SerialBridgeManagerWnd::ChooseCOMPort() {
@@ -309,15 +341,28 @@ void SerialBridgeManagerWnd::Configure() {
   const Moment moment = GetMoment(*bridge);
   SerialCOMPortConfigDlg dialog(bridge->GetConfiguration(), *bridge->GetBridge(), GetWidget());
   const ModalResult answer = dialog.Run();
-  bridge = moment.FindShownBridge();
-  if (bridge == nullptr)
+  if (moment.opening.expired())
     return;
-  if (answer == ModalResult::OK) {
-    const KrResult result = bridge->SetConfiguration(dialog.GetConfiguration());
+  bridge = moment.FindBridge();
+  if (answer == ModalResult::OK && bridge == nullptr) {
+    TellEnd(moment.port, kNotConfigured);
+  } else if (answer == ModalResult::OK) {
+    KrResult result;
+    {
+      const WaitCursor cursor;
+      result = bridge->SetConfiguration(dialog.GetConfiguration());
+    }
     if (!result.IsOK())
-      ShowResultError(*this, "Unable to change serial COM port configuration.", result);
+      ShowResultError(*this, kNotConfigured, result);
   }
-  if (bridge = moment.FindShownBridge(); bridge != nullptr)
+  if (!moment.opening.expired())
+    ShowSelectedCOMPort();
+}
+
+/// The description changes by a configuration, or by another bridge that has been set up meanwhile.
+void SerialBridgeManagerWnd::ShowSelectedCOMPort() {
+  const SerialBridge* const bridge = GetSelectedBridge();
+  if (bridge != nullptr && bridge->GetKind() == BridgeKind::COMPort)
     ShowCOMPort(*bridge);
 }
 

@@ -3,12 +3,14 @@
 // settings are SerialBridgeList's, the controls are found, filled and laid out by BridgeControls.
 
 #include "frame/wnd.h"
+#include "krbase/krstring.h"
 #include "krserial/krdeviceserial.h"
 #include "logic/serial/serialbridgelist.h"
 #include "res/templates.h"
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 class IKrDeviceAdapter;
 class QObject;
@@ -44,33 +46,41 @@ protected:
 
 private:
   /// What a message box or dialog is about. While it is open the window may be closed or deleted, and the bridges made
-  /// anew.
+  /// anew, for this device or another one.
   struct Moment {
     std::weak_ptr<const bool> opening;
     std::weak_ptr<SerialBridgeList> bridges; ///< Ends with this object.
     std::uint64_t generation = 0;
+    KrString deviceText;
     KrDeviceSerial port = KrDeviceSerial::Invalid;
+    BridgeKind kind = BridgeKind::None;
+    KrString comPort;
 
-    /// The bridge, where it is still the same one; null otherwise.
+    /// The bridge of the same port of the same device, if it is set up in the same way; it may have been made anew.
+    /// Null otherwise.
     SerialBridge* FindBridge() const;
-    /// The same, of a window that is still open.
+    /// The bridge that it was, of a window that is still open; null otherwise.
     SerialBridge* FindShownBridge() const;
   };
 
   Moment GetMoment(const SerialBridge& aBridge) const;
   SerialBridge* GetSelectedBridge() const;
+  /// The numbers of the host's ports that bridges have, also of those that are away.
+  std::vector<std::uint32_t> FindBridgedPorts() const;
 
   void WireControls();
   void Refresh();
   void Tick();
   void ShowSelectedPort();
   void ShowCOMPort(const SerialBridge& aBridge);
+  void ShowSelectedCOMPort();
   void ShowKind(const SerialBridge& aBridge);
   void ShowState();
 
   void ChooseKind(BridgeKind aKind);
   bool StartCameraLink(SerialBridge& aBridge);
-  static void AskForBaudRate(const Moment& aMoment, QWidget* aOwner);
+  void AskForBaudRate(SerialBridge& aBridge);
+  void TellEnd(KrDeviceSerial aPort, const KrString& aWhat);
   void ChooseCOMPort();
   bool StartCOMPort(SerialBridge& aBridge, const KrString& aName);
   void Configure();

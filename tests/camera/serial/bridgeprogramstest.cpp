@@ -157,6 +157,59 @@ TEST_F(BridgingViewer, SetupWithBridgesThatDoNotStart_IsToldInOneMessage) {
   });
 }
 
+TEST_F(BridgingViewer, SetupWithALongText_IsToldInALineThatTheScreenHasRoomFor) {
+  KrPropertyList bridges;
+  for (const char* const port : {"Serial0", "Serial1", "Bulk0", "Bulk1", "Bulk2", "Bulk3"})
+    bridges.Add({port, "bad\x01\ntype" + std::string(100'000, 'x')});
+  const QString path = WriteSetup(bridges);
+  RunViewer([&](UserHands& aUser, const TerminalHands&) {
+    LoadSetup(aUser, path);
+
+    const QString text = AwaitMessage(aUser);
+    EXPECT_THAT(text.toStdString(), AllOf(HasSubstr("…"), HasSubstr("And 1 more: see the details.")));
+    EXPECT_LT(text.size(), 2'000);
+    EXPECT_EQ(text.count('\n'), 2 * 6) << "six lines, with an empty one between";
+    EXPECT_FALSE(text.contains(QChar(1)));
+    CloseMessage(aUser);
+  });
+}
+
+TEST_F(BridgingViewer, SetupThatDidNotStart_IsSavedWhole) {
+  const QString path = WriteSetup("COM77");
+  const QString saved = TerminalLab::Get().GetPath("whole.xml");
+  RunViewer([&](UserHands& aUser, const TerminalHands&) {
+    LoadSetup(aUser, path);
+    CloseMessage(aUser);
+    UseFile(aUser, "v", "Save Bridge Setup", saved);
+  });
+
+  KrConfigurationReader reader;
+  KrPropertyList bridges;
+  ASSERT_TRUE(reader.Load(saved.toStdString()).IsOK());
+  ASSERT_TRUE(reader.Restore("SerialBridges", bridges).IsOK());
+  ASSERT_NE(bridges.GetProperty("Bulk0Port"), nullptr);
+  EXPECT_EQ(bridges.GetProperty("Bulk0Port")->GetValue(), "COM77");
+  EXPECT_EQ(bridges.GetProperty("Bulk0COMPortBaudRate")->GetValue(), "115200");
+}
+
+TEST_F(BridgingViewer, MistakeInASetupLoadedWhileTheCameraIsAway_IsToldOnceWhenItIsBack) {
+  KrPropertyList bridges;
+  bridges.Add({"Bulk0", "COMPort"});
+  const QString path = WriteSetup(bridges);
+  RunViewer([&](UserHands& aUser, const TerminalHands&) {
+    LoseCamera(aUser);
+    LoadSetup(aUser, path);
+    ReturnCamera(aUser);
+    EXPECT_THAT(AwaitMessage(aUser).toStdString(), HasSubstr("Serial bridge on Bulk0: Port parameter missing."));
+    CloseMessage(aUser);
+
+    LoseCamera(aUser);
+    ReturnCamera(aUser);
+
+    EXPECT_EQ(FindMessage(aUser), "");
+  });
+}
+
 TEST_F(BridgingViewer, FileThatIsNoSetup_IsTold) {
   const QString path = WriteFile("damaged.xml", "<no setup>");
   RunViewer([&](UserHands& aUser, const TerminalHands&) {
@@ -180,6 +233,30 @@ TEST_F(BridgingViewer, CameraLostAndBack_HasItsBridgesAgain) {
       client.Send(kQuestion);
       EXPECT_EQ(client.Await(round * kAnswer.size()).size(), round * kAnswer.size());
     }
+  });
+}
+
+TEST_F(BridgingViewer, CameraLostAndBackWhileItsBridgeIsConfigured_TakesTheAnswer) {
+  const SocatLine line(GetHostPortPath("com3"));
+  RunViewer([&](UserHands& aUser, const TerminalHands&) {
+    aUser.Press("ctrl+b");
+    const BridgeHands hands(aUser);
+    ASSERT_TRUE(hands.AwaitOpen());
+    hands.Link("Bulk0", "COM3");
+    const QString dialog = "Serial COM Port Configuration";
+    aUser.Click(kManager, bridge::kConfigure);
+    ASSERT_TRUE(aUser.AwaitWindow(dialog));
+
+    LoseCamera(aUser);
+    ReturnCamera(aUser);
+    hands.Pick(dialog, bridge::kBaudRate, "115200 baud");
+    aUser.Click(dialog, 1);
+    aUser.AwaitNoWindow(dialog);
+
+    hands.PickPort("Bulk0");
+    hands.AwaitText(bridge::kDescription, "115200 baud, no parity, 8 bits, 1 stop bit");
+    aUser.Press("Escape");
+    aUser.AwaitNoWindow(kManager);
   });
 }
 
@@ -292,4 +369,15 @@ TEST(BridgeExample, PortThatTheHostLacks_IsSaid) {
 
   EXPECT_EQ(example.exitCode(), 1);
   EXPECT_THAT(example.readAllStandardError().toStdString(), HasSubstr("COM999"));
+}
+
+TEST(BridgeExample, SpeedThatIsNoNumber_ShowsTheUsage) {
+  for (const char* const speed : {"fast", "115200x", "4294976896", "", "-9600"}) {
+    QProcess example;
+    example.start(KR_EXAMPLE_PATH, {"--simulate", "sim-mono", "Serial0", "COM999", speed});
+    ASSERT_TRUE(example.waitForFinished(kProgramLimitMs));
+
+    EXPECT_EQ(example.exitCode(), 64) << speed;
+    EXPECT_THAT(example.readAllStandardError().toStdString(), HasSubstr("usage: ")) << speed;
+  }
 }

@@ -17,6 +17,12 @@ class BridgeTest : public testing::Test {
 protected:
   /// A link named comN to a pseudo-terminal whose far end is the test's.
   void LinkPort(const std::string& aLink = "com3") { host.Link(aLink, terminal.GetPath()); }
+  /// Ends a terminal behind com3. The link leads nowhere first: the system may give the terminal's number to another
+  /// program's at once.
+  void EndPort(std::unique_ptr<PseudoTerminal>& aTerminal) {
+    host.Link("com3", host.GetFile("gone"));
+    aTerminal.reset();
+  }
   KrResult Start(const KrSerialPortConfiguration& aConfiguration = {}) {
     return bridge.Start("COM3", aConfiguration, &adapter, KrDeviceSerial::Serial0);
   }

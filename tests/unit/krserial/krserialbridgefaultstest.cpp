@@ -177,7 +177,7 @@ TEST_F(BridgeTest, AHostsPortThatGoes_IsTakenAgainWhenItIsBack) {
   host.Link("com3", first->GetPath());
   ASSERT_TRUE(Start({.baudRate = 19200}).IsOK());
 
-  first.reset();
+  EndPort(first);
   ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
   EXPECT_THAT(bridge.GetStateText().ToUtf8(), HasSubstr("COM3"));
   line->Receive("meanwhile");
@@ -197,7 +197,7 @@ TEST_F(BridgeTest, AHostsPortThatIsBack_HasTheDeviceAtItsSpeedAgain) {
   krtest::SetSpeed(*first, 115200);
   ASSERT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
 
-  first.reset();
+  EndPort(first);
   ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
   LinkPort();
   ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
@@ -213,7 +213,7 @@ TEST_F(BridgeTest, AHostsPortThatIsBackAndCannotBeTaken_IsSaidWhy) {
   host.Link("com3", first->GetPath());
   ASSERT_TRUE(Start().IsOK());
 
-  first.reset();
+  EndPort(first);
   EXPECT_TRUE(IsReached([&] { return Contains(bridge.GetStateText(), "where nothing is now"); }));
   host.Link("com3", "/dev/null");
   EXPECT_TRUE(IsReached([&] { return Contains(bridge.GetStateText(), "no serial port"); }));
@@ -228,7 +228,7 @@ TEST_F(BridgeTest, Stop_WhileTheHostsPortIsLost_Ends) {
   auto first = std::make_unique<krtest::PseudoTerminal>();
   host.Link("com3", first->GetPath());
   ASSERT_TRUE(Start().IsOK());
-  first.reset();
+  EndPort(first);
   ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
 
   std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });

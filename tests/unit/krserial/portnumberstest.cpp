@@ -1,11 +1,14 @@
 // The file that remembers which serial port has which number.
 
 #include "portnumbers.h"
+#include "krbase/filedescriptor.h"
 #include "krbase/krlogger.h"
 #include "temporaryfolder.h"
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,6 +18,7 @@
 using krserial::AssignPortNumbers;
 using krserial::PortNumbers;
 using krserial::TtyIdentity;
+using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
@@ -153,6 +157,18 @@ TEST_F(PortNumbersTest, Assign_WhereNoFileCanBe_GivesNumbersAndWarns) {
 
   ASSERT_THAT(mLog.GetRecords(), SizeIs(1));
   EXPECT_THAT(mLog.GetRecords().front().text.ToUtf8(), HasSubstr("are not kept"));
+}
+
+TEST_F(PortNumbersTest, Assign_WhileAnotherKeepsTheLock_LeavesWhatHasANumberThat) {
+  TemporaryFolder::WriteFile(mFile, kHeader + "5 known\n"s);
+  const krbase::FileDescriptor lock(::open((mFile + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  ASSERT_EQ(::flock(lock.Get(), LOCK_EX), 0);
+
+  for (int round = 0; round < 2; ++round)
+    EXPECT_THAT(Assign({{"new"}, {"known"}}), ElementsAre(1U, 5U));
+
+  EXPECT_EQ(TemporaryFolder::ReadFile(mFile), kHeader + "5 known\n"s);
+  EXPECT_THAT(mLog.GetRecords(), SizeIs(2));
 }
 
 TEST_F(PortNumbersTest, Assign_WhenAllNumbersAreGiven_LeavesTheNewPortWithoutOne) {

@@ -100,6 +100,11 @@ protected:
     mTerminal = std::make_unique<PseudoTerminal>();
     mHost.Link("com1", mTerminal->GetPath());
   }
+  // The link leads nowhere first: the system may give the terminal's number to another program's at once.
+  void EndTerminal() {
+    mHost.Link("com1", mHost.GetFile("gone"));
+    mTerminal.reset();
+  }
   std::unique_ptr<IHostEnd> Open(const KrSerialPortConfiguration& aConfiguration = {}, const char* aName = "COM1") {
     std::unique_ptr<IHostEnd> end;
     const KrResult opened = TtyEnd::Open(aName, aConfiguration, end);
@@ -289,7 +294,7 @@ TEST_F(TtyEndTest, OtherEnd_ClosedAndOpenedAgain_IsLostAndRecovered) {
   const std::unique_ptr<IHostEnd> end = Open(MakeSpeed(57600));
   HostEndReader reader(*end);
 
-  mTerminal.reset();
+  EndTerminal();
   EXPECT_EQ(reader.AwaitFailure(), KrResult::Code::ConnectionLost);
   EXPECT_EQ(WriteText(*end, "to nobody"), KrResult::Code::ConnectionLost);
   auto recovering = std::async(std::launch::async, [&] { return Recover(*end); });
@@ -342,7 +347,7 @@ TEST_F(TtyEndTest, Recover_WhileAnotherProgramHoldsThePort_WaitsForIt) {
   UseNewTerminal();
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);
-  mTerminal.reset();
+  EndTerminal();
   ASSERT_EQ(reader.AwaitFailure(), KrResult::Code::ConnectionLost);
   mTerminal = std::make_unique<PseudoTerminal>();
   auto holder = std::make_unique<Holder>(mTerminal->GetPath(), Holder::Way::Lock);
@@ -366,7 +371,7 @@ TEST_F(TtyEndTest, Recover_OfAPortThatIsNotLost_IsOkAtOnce) {
 TEST_F(TtyEndTest, Configure_WhileThePortIsLost_CountsWhenItIsBack) {
   UseNewTerminal();
   const std::unique_ptr<IHostEnd> end = Open();
-  mTerminal.reset();
+  EndTerminal();
 
   EXPECT_TRUE(end->Configure(MakeSpeed(38400)).IsOK());
   UseNewTerminal();
@@ -389,7 +394,7 @@ TEST_F(TtyEndTest, Stop_EndsWaitingReadWriteAndRecover) {
   EXPECT_EQ(writing.get(), KrResult::Code::Aborted);
   EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
 
-  mTerminal.reset();
+  EndTerminal();
   reader.Start();
   ASSERT_EQ(reader.AwaitFailure(), KrResult::Code::ConnectionLost);
   std::stop_source recoverStop;

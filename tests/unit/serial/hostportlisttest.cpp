@@ -49,9 +49,9 @@ TEST(HostPortList, Number_IsNamedWithoutBlanks) {
 TEST(HostPortList, FreeNumber_IsTheLowestThatIsNotTaken) {
   EXPECT_EQ(FindFreeCOMPortNumber({}), 1U);
   EXPECT_EQ(FindFreeCOMPortNumber({1, 2, 4}), 3U);
-  std::vector<std::uint32_t> all;
+  std::set<std::uint32_t> all;
   for (std::uint32_t number = 1; number <= 99; ++number)
-    all.push_back(number);
+    all.insert(number);
   EXPECT_EQ(FindFreeCOMPortNumber(all), 0U);
 }
 

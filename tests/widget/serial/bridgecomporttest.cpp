@@ -1,6 +1,7 @@
 // The serial bridge manager's COM ports: choosing one, configuring it, and what the list does by itself.
 
 #include "bridgefixture.h"
+#include "temporaryfolder.h"
 
 #include <QAbstractItemView>
 #include <QWheelEvent>
@@ -205,6 +206,53 @@ TEST_F(COMPorts, Creating_OffersThePortThatTheHostLacks) {
   EXPECT_TRUE(KrHostSerialPorts::Find("COM2", port).IsOK());
   mWindow->SetCreatingPorts(false);
   EXPECT_EQ(GetSelected(id::kCOMPort), "COM2") << "it is there now";
+}
+
+TEST_F(COMPorts, Creating_OffersNoNumberOfAPortThatIsAway) {
+  mWindow->SetCreatingPorts(true);
+  mHost.AddLink("com2", "/nowhere/an-adapter");
+  TemporaryFolder::WriteFile(KrHostSerialPorts::GetFolders().numbers.ToUtf8(),
+                             "krgui serial port numbers 1\n4 usb-an-adapter-that-was-pulled\n");
+  OpenOnSerial1();
+
+  Click(id::kCOMPortLink);
+
+  EXPECT_THAT(GetEntries(GetList()), ElementsAre("COM1", "COM3", "COM5", "COM12"));
+}
+
+TEST_F(COMPorts, Creating_OffersNoNumberForWhichABridgeWaits) {
+  mWindow->SetCreatingPorts(true);
+  SetRates({"9600"});
+  OpenOnSerial1();
+  Click(id::kCOMPortLink);
+  Pick(GetList(), COM1);
+  ASSERT_EQ(GetSelected(id::kCOMPort), "COM1");
+  mHost.RemovePort(1);
+
+  PickPort(Bulk0);
+  Click(id::kCOMPortLink);
+
+  EXPECT_THAT(GetEntries(GetList()), ElementsAre("COM2", "COM3", "COM12"));
+}
+
+TEST_F(COMPorts, PortThatHasGone_IsNotSelectedUntilItIsBack) {
+  SetRates({"9600"});
+  OpenOnSerial1();
+  Link(COM3);
+  ASSERT_TRUE(IsEnabled(id::kConfigure));
+  mHost.RemovePort(3);
+  GetList().setFocus();
+
+  QTest::keyClick(&GetList(), Qt::Key_F4);
+  ASSERT_TRUE(WaitFor([&] { return GetList().view()->isVisible(); }));
+  GetList().hidePopup();
+  EXPECT_EQ(GetList().currentIndex(), -1);
+  EXPECT_FALSE(IsEnabled(id::kConfigure));
+
+  mHost.AddPort(3);
+  mWindow->SetCreatingPorts(true);
+  EXPECT_EQ(GetSelected(id::kCOMPort), "COM3");
+  EXPECT_TRUE(IsEnabled(id::kConfigure));
 }
 
 TEST_F(COMPorts, CreatingSetWhileTheWindowIsOpen_ChangesTheList) {

@@ -11,22 +11,44 @@ namespace krgui {
 namespace {
 
 using krtest::BridgeHost;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
+
+const std::string kEnded = "ConnectionLost: The bridge on Serial1 was ended while the dialog was open.";
 
 class Endings : public BridgeTest {
 protected:
   /// What is done while the next box or dialog is open; it has then gone, or is answered by Escape.
   template <typename Action>
-  void During(Action aAction) {
-    DuringNextModalLoop([this, aAction](QWidget& aBox) {
+  void During(Action aAction, Qt::Key aAnswer = Qt::Key_Escape) {
+    DuringNextModalLoop([this, aAction, aAnswer](QWidget& aBox) {
       const QPointer<QWidget> box(&aBox);
       mHasActed = true;
       aAction();
       if (box && box->isVisible())
-        QTest::keyClick(box, Qt::Key_Escape);
+        QTest::keyClick(box, aAnswer);
     });
+  }
+  /// Links Serial1, which can have two rates, to COM3.
+  void OpenLinked() {
+    SetRates({"9600", "115200"});
+    OpenOnSerial1();
+    Link(COM3);
+  }
+  /// Chooses the second rate in the configuration dialog, does something, and answers the dialog with OK and so many
+  /// boxes.
+  template <typename Action>
+  void ConfigureDuring(int aBoxes, Action aAction) {
+    DuringNextModalLoop([this, aBoxes, aAction](QWidget& aDialog) {
+      mHasActed = true;
+      aDialog.findChild<QComboBox*>(QStringLiteral("control%1").arg(id::kBaudRate))->setCurrentIndex(1);
+      aAction();
+      AnswerBoxes(aBoxes);
+      QTest::keyClick(&aDialog, Qt::Key_Return);
+    });
+    Click(id::kConfigure);
   }
   void ExpectActed() const {
     EXPECT_TRUE(mHasActed);
@@ -178,20 +200,74 @@ TEST_F(Endings, WindowReopenedFromTheBoxOfUnknownRates_IsAnotherOne) {
   EXPECT_TRUE(mLines[1]->IsOpen()) << "the link goes on";
 }
 
-TEST_F(Endings, DeviceTakenOutWhileAPortIsConfigured_NothingIsApplied) {
-  SetRates({"9600", "115200"});
-  OpenOnSerial1();
-  Link(COM3);
-  DuringNextModalLoop([this](QWidget& aDialog) {
-    mHasActed = true;
-    ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK());
-    QTest::keyClick(&aDialog, Qt::Key_Return);
-  });
-
-  Click(id::kConfigure);
+TEST_F(Endings, DeviceTakenOutWhileAPortIsConfigured_IsToldAndNothingIsApplied) {
+  OpenLinked();
+  ConfigureDuring(1, [this] { ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK()); });
 
   ExpectActed();
+  EXPECT_THAT(mBoxes,
+              ElementsAre("Serial Communication Bridge: Unable to change serial COM port configuration.\n" + kEnded));
   EXPECT_EQ(GetText(id::kState), "There is no device.");
+}
+
+TEST_F(Endings, DeviceLostAndBackWhileAPortIsConfigured_IsApplied) {
+  OpenLinked();
+  ConfigureDuring(0, [this] {
+    ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK());
+    ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
+    ASSERT_THAT(Load({{"Serial1", "COMPort"}, {"Serial1Port", "COM3"}}), IsEmpty());
+  });
+
+  ExpectActed();
+  EXPECT_THAT(mBoxes, IsEmpty());
+  EXPECT_THAT(Save(), Contains(Pair("Serial1COMPortBaudRate", "115200")));
+}
+
+TEST_F(Endings, OtherSettingsLoadedWhileAPortIsConfigured_AreNotTouched) {
+  OpenLinked();
+  ConfigureDuring(1, [this] { ASSERT_THAT(Load({{"Serial1", "COMPort"}, {"Serial1Port", "COM1"}}), IsEmpty()); });
+
+  ExpectActed();
+  EXPECT_EQ(mBoxes.size(), 1U);
+  EXPECT_THAT(Save(), Contains(Pair("Serial1COMPortBaudRate", "9600")));
+  EXPECT_EQ(GetSelected(id::kCOMPort), "COM1");
+}
+
+TEST_F(Endings, AnotherDeviceWhileAPortIsConfigured_IsNotTouched) {
+  krtest::SerialAdapter other;
+  other.text = "Another one";
+  other.enumerations = mDevice.enumerations;
+  other.AddLine(1);
+  OpenLinked();
+  ConfigureDuring(1, [&] {
+    ASSERT_TRUE(mWindow->SetDevice(&other).IsOK());
+    ASSERT_THAT(Load({{"Serial1", "COMPort"}, {"Serial1Port", "COM3"}}), IsEmpty());
+  });
+
+  ExpectActed();
+  EXPECT_EQ(mBoxes.size(), 1U);
+  EXPECT_THAT(Save(), Contains(Pair("Serial1COMPortBaudRate", "9600")));
+  mWindow.reset();
+}
+
+TEST_F(Endings, DeviceLostAndBackWhileTheRateIsAskedFor_IsToldAndNothingIsPublished) {
+  OpenOnSerial1();
+  During(
+      [this] {
+        const Settings kept = Save();
+        EXPECT_THAT(kept, IsEmpty()) << "nobody has said the rate yet";
+        ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK());
+        ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
+        ASSERT_THAT(Load(kept), IsEmpty());
+        AnswerBoxes(1);
+      },
+      Qt::Key_Return);
+
+  Click(id::kCameraLink);
+
+  ExpectActed();
+  EXPECT_THAT(mBoxes, ElementsAre("Serial Communication Bridge: Unable to start Camera Link DLL bridge.\n" + kEnded));
+  EXPECT_THAT(BridgeHost::GetPublished(), IsEmpty());
 }
 
 TEST_F(Endings, WindowDeletedWhileAPortIsConfigured_TouchesNothing) {

@@ -21,9 +21,9 @@ class SerialBridgeManagerWnd;
 ///
 ///     KrDeviceAdapter adapter(*device);
 ///     KrSerialBridgeManagerWnd manager;
-///     manager.SetDevice(&adapter);
-///     manager.Load(properties, errors);
-///     KrResult result = manager.ShowModeless(0);
+///     KrResult result = manager.SetDevice(&adapter);
+///     result = manager.Load(properties, errors);
+///     result = manager.ShowModeless(0);
 class KR_EXPORT KrSerialBridgeManagerWnd : public KrWnd {
 public:
   KrSerialBridgeManagerWnd();
@@ -39,7 +39,8 @@ public:
   /// be set up, which then has no bridge; the others are not affected. An open window shows what has come of it. Always
   /// OK.
   KrResult Load(KrPropertyList& aPropertyList, KrStringList& aErrorList);
-  /// Replaces the list's content by the bridges and their settings; by nothing when there is no bridge. Always OK.
+  /// Replaces the list's content by the bridges and their settings; by nothing when there is no bridge. One of which
+  /// the user is still asked for the baud rate is not saved. Always OK.
   KrResult Save(KrPropertyList& aPropertyList);
   /// Not offered by this window: does nothing, and always returns NotOffered (1540).
   KrResult Recover();

@@ -34,9 +34,9 @@ std::vector<std::uint32_t> GetCOMPortNumbers(const KrStringList& aNames) {
   return numbers;
 }
 
-std::uint32_t FindFreeCOMPortNumber(const std::vector<std::uint32_t>& aNumbers) {
+std::uint32_t FindFreeCOMPortNumber(const std::set<std::uint32_t>& aTaken) {
   for (std::uint32_t number = 1; number <= kMostNumber; ++number) {
-    if (std::find(aNumbers.begin(), aNumbers.end(), number) == aNumbers.end())
+    if (!aTaken.contains(number))
       return number;
   }
   return 0;

@@ -6,6 +6,7 @@
 #include "krbase/krstringlist.h"
 
 #include <cstdint>
+#include <set>
 #include <vector>
 
 namespace krgui {
@@ -13,9 +14,8 @@ namespace krgui {
 /// The numbers of those names that begin with "COM", whatever their case, and have four or five characters; in rising
 /// order. Thread: any.
 std::vector<std::uint32_t> GetCOMPortNumbers(const KrStringList& aNames);
-/// The lowest number that none of these ports has, among those that are offered; 0 when all of them are taken. Thread:
-/// any.
-std::uint32_t FindFreeCOMPortNumber(const std::vector<std::uint32_t>& aNumbers);
+/// The lowest number that is not taken, among those that are offered; 0 when all of them are. Thread: any.
+std::uint32_t FindFreeCOMPortNumber(const std::set<std::uint32_t>& aTaken);
 /// For example "COM3". Thread: any.
 KrString FormatCOMPort(std::uint32_t aNumber);
 

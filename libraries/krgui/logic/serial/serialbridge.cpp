@@ -75,6 +75,7 @@ void SerialBridge::SetKind(BridgeKind aKind) {
     return;
   mBridge.reset();
   mAreBaudRatesKnown = false;
+  mIsAskingForBaudRate = false;
   mSupportedBaudRates.fill(false);
   mKind = aKind;
   if (mKind != BridgeKind::None)

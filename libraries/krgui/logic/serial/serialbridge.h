@@ -64,6 +64,10 @@ public:
   /// WrongState without a bridge.
   KrResult SetHardCodedBaudRate(std::uint32_t aBaudRate);
   void ResetStatistics();
+  /// The user is being asked for the baud rate that the device cannot say: until he has said it, the bridge is none to
+  /// be saved. Ends with the kind.
+  void SetAskingForBaudRate(bool aIsAsking) { mIsAskingForBaudRate = aIsAsking; }
+  bool IsAskingForBaudRate() const { return mIsAskingForBaudRate; }
 
   /// Whether the device's port has told at least one rate that it can have.
   bool AreBaudRatesKnown() const { return mAreBaudRatesKnown; }
@@ -93,6 +97,7 @@ private:
   KrDeviceSerial mPort = KrDeviceSerial::Invalid;
   bool mIsCreatingPorts = false;
   bool mAreBaudRatesKnown = false;
+  bool mIsAskingForBaudRate = false;
   std::array<bool, kBaudRates.size()> mSupportedBaudRates = {};
 };
 

@@ -30,8 +30,9 @@ void SerialBridgeList::SetDevice(IKrDeviceAdapter* aAdapter, const KrString& aDe
   Build();
   for (const auto& bridge : mBridges) {
     bridge->SetKind(BridgeKind::CameraLinkDLL);
-    // A name that cannot be published now is told of when it is to be used.
-    (void)bridge->StartCLDLL(MakeCLDLLName(*bridge), true);
+    // A name that cannot be published now is told of when it is to be used. The others wait for the same process.
+    if (bridge->StartCLDLL(MakeCLDLLName(*bridge), true) == KrResult::Code::Busy)
+      break;
   }
   KrStringList names;
   // Asked for so that names of processes that have died are gone before these ports are published.
@@ -108,7 +109,7 @@ void SerialBridgeList::SetType(SerialBridge& aBridge, const KrString& aType, KrS
 void SerialBridgeList::Save(KrPropertyList& aProperties) const {
   aProperties.Clear();
   for (const auto& bridge : mBridges) {
-    if (bridge->GetKind() == BridgeKind::None)
+    if (bridge->GetKind() == BridgeKind::None || bridge->IsAskingForBaudRate())
       continue;
     aProperties.Add({bridge->GetPortName(), bridge->GetKind() == BridgeKind::COMPort ? kCOMPortType : kCLDLLType});
     bridge->Save(aProperties);

@@ -31,6 +31,7 @@ public:
   /// name is published for a moment, and the names that are published then asked for.
   void SetDevice(IKrDeviceAdapter* aAdapter, const KrString& aDeviceText);
   bool HasDevice() const { return mAdapter != nullptr; }
+  const KrString& GetDeviceText() const { return mDeviceText; }
   /// Whether COM ports that the host lacks are made, of all bridges from their next start on.
   void SetCreatingPorts(bool aIsOn);
   bool IsCreatingPorts() const { return mIsCreatingPorts; }

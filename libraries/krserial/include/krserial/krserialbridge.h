@@ -33,7 +33,7 @@ enum class KrSerialBridgeState : std::int32_t {
 ///
 /// Thread: any; bytes are moved on threads of the bridge's own. Destruction and Stop end at once what waits; an access
 /// to the device that runs (of a register, or to open its port) cannot be ended, and is waited for: of a device that
-/// does not answer, as long as its time limit. No other access begins, but to put back a selector of the device's.
+/// does not answer, as long as its time limit. No other begins, but to close the port and to put back a selector.
 /// Ownership: the holder's. The adapter is borrowed until the bridge is stopped, and must outlive that.
 ///
 ///     KrSerialBridge bridge;
