@@ -3,7 +3,7 @@
 #include "browser/settingscomparisondialog.h"
 #include "browser/settingsdialog.h"
 #include "browser/settingsfilequestion.h"
-#include "browser/settingsprogressdialog.h"
+#include "frame/progressdialog.h"
 #include "frame/questionowner.h"
 #include "krgenicam/krgenparameterlist.h"
 #include "logic/browser/settingsobstacle.h"
@@ -51,8 +51,8 @@ public:
 protected:
   QWidget* GetOwner() const { return mOwner.GetWidget(); }
   /// Whether the work came to its end, and neither user nor owner want to end here.
-  bool DoInBackground(const QString& aText, const SettingsProgressDialog::Work& aWork) {
-    SettingsProgressDialog dialog(GetOwner(), mCaption, aText);
+  bool DoInBackground(const QString& aText, const ProgressDialog::Work& aWork) {
+    ProgressDialog dialog(GetOwner(), mCaption, aText);
     const ModalResult result = dialog.Run(aWork);
     mIsCancelled = result == ModalResult::Cancel;
     return result != ModalResult::Gone && IsAlive();

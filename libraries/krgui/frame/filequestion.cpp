@@ -20,6 +20,7 @@ public:
       : QFileDialog(aOwner, aQuestion.caption, aFolder), mNeedsFile(aNeedsFile) {
     setObjectName(aQuestion.objectName);
     setOptions(DontUseNativeDialog | DontConfirmOverwrite);
+    setOption(HideNameFilterDetails, aQuestion.hidesPatterns);
     setFileMode(AnyFile);
     setNameFilters(aQuestion.filters.isEmpty() ? QStringList(QStringLiteral("All files (*)")) : aQuestion.filters);
   }

@@ -14,6 +14,7 @@ struct FileQuestion {
   QString objectName;      ///< The dialog's, to be found by.
   QString caption;         ///< Plain text.
   QStringList filters = {};///< As the toolkit writes them; none for all files.
+  bool hidesPatterns = false; ///< Filters are shown without the patterns in the last brackets of each.
   QString suffix = {};     ///< Appended to a name without one, of a file to be written.
   QString name = {};       ///< What is proposed.
 };

@@ -222,6 +222,43 @@ constexpr std::array kBaudRateSelectionControls = {
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {163, 78, 50, 14}},
 };
 
+/// Its window lays them out anew, by the sizes that they want. In the order of the focus; the feature browser's place is
+/// the last.
+constexpr std::array kCameraBridgeControls = {
+    ControlTemplate{ControlClass::GroupBox, 1159, "Bridge Setup", {7, 4, 196, 236}},
+    ControlTemplate{ControlClass::ComboBox, 1048, "", {14, 16, 182, 14}},
+    ControlTemplate{ControlClass::RadioButton, 1145, "&None", {14, 33, 140, 10}},
+    ControlTemplate{ControlClass::RadioButton, 1146, "GenICam &CL Protocol", {14, 46, 140, 10}},
+    ControlTemplate{ControlClass::ElidedLabel, 1155, "&Template", {24, 61, 36, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1127, "", {62, 58, 86, 14}},
+    ControlTemplate{ControlClass::Button, 1141, "&Probe", {152, 58, 44, 14}},
+    ControlTemplate{ControlClass::ElidedLabel, 1154, "Not found", {24, 75, 172, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1156, "&XML", {24, 89, 36, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1129, "", {62, 86, 86, 14}},
+    ControlTemplate{ControlClass::Button, 1140, "C&onnect", {152, 86, 44, 14}},
+    ControlTemplate{ControlClass::ElidedLabel, 1151, "Not initialized", {24, 103, 172, 8}},
+    ControlTemplate{ControlClass::RadioButton, 1147, "&GenCP", {14, 115, 140, 10}},
+    ControlTemplate{ControlClass::ElidedLabel, 1157, "X&ML", {24, 131, 36, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1134, "", {62, 128, 86, 14}},
+    ControlTemplate{ControlClass::Button, 1142, "Conn&ect", {152, 128, 44, 14}},
+    ControlTemplate{ControlClass::ElidedLabel, 1153, "Not initialized", {24, 145, 172, 8}},
+    ControlTemplate{ControlClass::RadioButton, 1148, "Tolvan Camera &File", {14, 157, 140, 10}},
+    ControlTemplate{ControlClass::ElidedLabel, 1150, "P&ath", {24, 173, 36, 8}},
+    ControlTemplate{ControlClass::ReadOnlyEdit, 1131, "", {62, 170, 66, 14}},
+    ControlTemplate{ControlClass::Button, 1136, "...", {131, 170, 17, 14}},
+    ControlTemplate{ControlClass::Button, 1138, "&Load", {152, 170, 44, 14}},
+    ControlTemplate{ControlClass::ElidedLabel, 1152, "Not initialized", {24, 187, 172, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1099, "&Source", {14, 207, 46, 8}},
+    ControlTemplate{ControlClass::ComboBox, 1126, "", {62, 204, 134, 14}},
+    ControlTemplate{ControlClass::CheckBox, 1160, "Frame Grabber Parameters S&ynchronization", {14, 222, 186, 10}},
+    ControlTemplate{ControlClass::GroupBox, 1158, "Statistics", {7, 244, 196, 38}},
+    ControlTemplate{ControlClass::ElidedLabel, 1097, "Bytes sent: 0", {14, 257, 130, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1098, "Bytes received: 0", {14, 268, 130, 8}},
+    ControlTemplate{ControlClass::Button, 1010, "&Reset", {152, 260, 44, 14}},
+    ControlTemplate{ControlClass::CheckBox, 1161, "Po&wer Over Camera Link (PoCL)", {14, 288, 186, 10}},
+    ControlTemplate{ControlClass::Frame, 1144, "", {208, 4, 320, 328}, kGrowRight | kGrowDown},
+};
+
 constexpr std::array kTemplates = {
     DialogTemplate{1021, "Display", DialogKind::SizingPopup, 332, 225, kDisplayPopupControls},
     DialogTemplate{1028, "", DialogKind::Child, 208, 102, kDisplayChildControls},
@@ -239,7 +276,7 @@ constexpr std::array kTemplates = {
                    kCOMPortConfigControls},
     DialogTemplate{kBaudRateSelectionTemplateID, "Device Serial Port Baud Rate", DialogKind::FixedPopup, 220, 99,
                    kBaudRateSelectionControls},
-    DialogTemplate{1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336, {}},
+    DialogTemplate{1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336, kCameraBridgeControls},
 };
 
 constexpr const DialogTemplate* FindInTable(int aID) {

@@ -4,7 +4,7 @@
 #include "browserfixture.h"
 
 #include "browser/settingscomparisondialog.h"
-#include "browser/settingsprogressdialog.h"
+#include "frame/progressdialog.h"
 #include "duringmodalloop.h"
 
 #include <QAccessible>
@@ -122,7 +122,7 @@ TEST_F(BrowserAccessibility, DialogsOfSettings_HaveANameAndARoleForAllThatTakesT
   EXPECT_EQ(names.size(), 7) << names.join(',').toStdString();
 
   DuringNextModalLoop(look);
-  (void)SettingsProgressDialog(nullptr, "Save Features", "Reading the features")
+  (void)ProgressDialog(nullptr, "Save Features", "Reading the features")
       .Run([](const KrGenProgress& aProgress) {
         while (aProgress(0, 1))
           std::this_thread::yield();

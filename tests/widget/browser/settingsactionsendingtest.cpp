@@ -10,7 +10,7 @@ using testing::HasSubstr;
 TEST_F(SettingsActions, Save_CancelledWhileReading_WritesNothing) {
   HeldDevice device(camera);
   Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))},
-                   {"settingsprogress", [&](QWidget& aDialog) {
+                   {"progress", [&](QWidget& aDialog) {
                       device.Await();
                       Click("Cancel")(aDialog);
                       EXPECT_TRUE(aDialog.isVisible()) << "the work is still under way";
@@ -43,7 +43,7 @@ TEST_F(SettingsActions, Restore_CancelledWhileComparing_ShowsNothingMore) {
   HeldDevice device(camera);
   QPointer<QWidget> first;
   Answers answers({{"settingsfile", ChooseFile(file)},
-                   {"settingsprogress",
+                   {"progress",
                     [&](QWidget& aDialog) {
                       device.Await();
                       QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
@@ -63,7 +63,7 @@ TEST_F(SettingsActions, Restore_CancelledWhileWriting_LeavesWhatWasSetAndSaysHow
   std::vector<std::string> rows;
   Answers answers({{"settingsfile", ChooseFile(file)},
                    {"settingscomparison", Click("Restore")},
-                   {"settingsprogress",
+                   {"progress",
                     [&](QWidget& aDialog) {
                       device.Await();
                       Click("Cancel")(aDialog);
@@ -142,7 +142,7 @@ TEST_P(SettingsActionsEnding, RestoreAtEachDialog_EndsWithoutWritingBeforeOK) {
 TEST_P(SettingsActionsEnding, WhileTheDeviceIsAsked_IsWaitedForAndEndsEverything) {
   HeldDevice device(camera);
   std::jthread release;
-  Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))}, {"settingsprogress", [&](QWidget&) {
+  Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))}, {"progress", [&](QWidget&) {
                                                                                 device.Await();
                                                                                 // The access comes to its end while the
                                                                                 // window waits for it.

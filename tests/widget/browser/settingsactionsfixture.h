@@ -129,7 +129,7 @@ private:
       return;
     const bool isMeant = !AreDone() && GetName(*dialog) == QLatin1String(mAnswers[mNext].dialog) &&
                          GetWork(*dialog).startsWith(QLatin1String(mAnswers[mNext].work));
-    if (!isMeant && GetName(*dialog) == QLatin1String("settingsprogress"))
+    if (!isMeant && GetName(*dialog) == QLatin1String("progress"))
       return;
     mAnswered = dialog;
     if (isMeant)

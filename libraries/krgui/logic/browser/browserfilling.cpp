@@ -176,4 +176,10 @@ void FillBrowserTree(KrGenParameterArray& aArray, const BrowserOptions& aOptions
   }
 }
 
+void ReadBeforeFilling(KrGenParameterArray& aArray, const std::function<bool()>& aGoesOn) {
+  const std::size_t count = aArray.GetCount();
+  for (std::size_t i = 0; i < count && aGoesOn(); ++i)
+    (void)IsFeatureShown(aArray, *aArray[i], KrGenVisibility::Guru, {});
+}
+
 } // namespace krgui

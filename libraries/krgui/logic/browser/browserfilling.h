@@ -27,5 +27,8 @@ bool IsFeatureShown(KrGenParameterArray& aArray, KrGenParameter& aFeature, KrGen
 /// have made the filling needless: with false nothing more is asked or appended. Without it everything is appended.
 void FillBrowserTree(KrGenParameterArray& aArray, const BrowserOptions& aOptions, const FeatureFilter& aFilter,
                      BrowserTree& aTree, const std::function<bool()>& aGoesOn = {});
+/// Asks the device what FillBrowserTree will ask it, so that the array remembers it by then: where asking takes long,
+/// another thread does so before the window is filled. False of aGoesOn, which is asked before each feature, ends it.
+void ReadBeforeFilling(KrGenParameterArray& aArray, const std::function<bool()>& aGoesOn);
 
 } // namespace krgui

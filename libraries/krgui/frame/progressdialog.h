@@ -1,6 +1,6 @@
 #pragma once
-// Waits for settings that are read or written in the background: how far it has come, and a button that ends it. What
-// is done is left to who shows it.
+// Waits for work in the background that may take long: how far it has come, and a button that ends it. What is done is
+// left to who shows it.
 
 #include "krgenicam/krgensettings.h"
 #include "platform/backgroundtask.h"
@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <future>
 #include <memory>
 
 class QProgressBar;
@@ -19,15 +20,24 @@ class QPushButton;
 namespace krgui {
 
 /// Thread: user interface, but for the work. Ownership: a local object of who shows it.
-class SettingsProgressDialog final : public ModalLoop {
+class ProgressDialog final : public ModalLoop {
 public:
   /// Done on a thread, told by the progress' result when it is to end.
   using Work = std::function<void(const KrGenProgress& aProgress)>;
 
-  SettingsProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText);
+  /// How work that is to end before its time comes to its end.
+  struct Ending {
+    /// Ends what the work waits for; called again and again until the work has ended. None where nothing can be ended.
+    std::function<void()> hurry = {};
+    /// What cannot be hurried is abandoned: all that it uses is its own.
+    BackgroundTask::WhenCancelled whenCancelled = BackgroundTask::WhenCancelled::Wait;
+  };
+
+  ProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText);
+  ProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText, Ending aEnding);
 
   /// Shown once the work takes longer than a moment. OK when the work is done, Cancel when the user ended it: both
-  /// after its end. Gone when the owner went; the work has ended then, too.
+  /// after its end, unless it was abandoned. Gone when the owner went; the same is true of the work then.
   ModalResult Run(const Work& aWork);
 
 private:
@@ -36,13 +46,17 @@ private:
     std::atomic<std::size_t> done = 0;
     std::atomic<std::size_t> total = 0;
     std::atomic<bool> isCancelled = false;
+    std::promise<void> end;
   };
 
+  void Tick();
   void ShowProgress();
+  void Hurry() const;
   void OnAccept() override;
   void OnCancel() override;
   void OnEnd() override;
 
+  const Ending mEnding;
   // The dialog's controls, which exist for as long as it runs.
   QProgressBar* mBar = nullptr;
   QPushButton* mCancel = nullptr;

@@ -1,4 +1,4 @@
-#include "browser/settingsprogressdialog.h"
+#include "frame/progressdialog.h"
 
 #include <QFontMetrics>
 #include <QLabel>
@@ -6,7 +6,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <chrono>
 #include <stop_token>
+#include <utility>
 
 namespace krgui {
 
@@ -18,13 +20,18 @@ constexpr int kPeriodMs = 50;
 constexpr int kPatienceMs = 300;
 /// A bar counts in 32 bits, what is done need not.
 constexpr int kSteps = 1000;
+/// A hurry that comes just before the work waits ends nothing.
+constexpr std::chrono::milliseconds kHurryPeriod{10};
 
 } // namespace
 
-SettingsProgressDialog::SettingsProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText)
-    : ModalLoop(aOwner) {
+ProgressDialog::ProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText)
+    : ProgressDialog(aOwner, aCaption, aText, Ending{}) {}
+
+ProgressDialog::ProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText, Ending aEnding)
+    : ModalLoop(aOwner), mEnding(std::move(aEnding)), mTask(mEnding.whenCancelled) {
   DialogWindow& dialog = *GetDialog();
-  dialog.setObjectName(QStringLiteral("settingsprogress"));
+  dialog.setObjectName(QStringLiteral("progress"));
   dialog.SetCaption(aCaption);
   auto* text = new QLabel(&dialog);
   text->setTextFormat(Qt::PlainText);
@@ -40,27 +47,39 @@ SettingsProgressDialog::SettingsProgressDialog(QWidget* aOwner, const QString& a
   content->addSpacing(content->spacing());
   content->addWidget(mCancel, 0, Qt::AlignRight);
   QObject::connect(mCancel, &QPushButton::clicked, &dialog, &DialogWindow::reject);
-  QObject::connect(&mTimer, &QTimer::timeout, &dialog, [this] { ShowProgress(); });
+  QObject::connect(&mTimer, &QTimer::timeout, &dialog, [this] { Tick(); });
   dialog.KeepDefaultButton();
   dialog.resize(text->fontMetrics().averageCharWidth() * kPreferredLetters, dialog.sizeHint().height());
   dialog.SetPreferredSize(dialog.size());
   mCancel->setFocus();
 }
 
-ModalResult SettingsProgressDialog::Run(const Work& aWork) {
+ModalResult ProgressDialog::Run(const Work& aWork) {
   const auto work = [aWork, progress = mProgress](const std::stop_token& aStop) {
-    aWork([&](std::size_t aDone, std::size_t aTotal) {
-      progress->done = aDone;
-      progress->total = aTotal;
-      return !aStop.stop_requested() && !progress->isCancelled;
-    });
+    try {
+      aWork([&](std::size_t aDone, std::size_t aTotal) {
+        progress->done = aDone;
+        progress->total = aTotal;
+        return !aStop.stop_requested() && !progress->isCancelled;
+      });
+    } catch (...) {
+      progress->end.set_value();
+      throw; // To be logged.
+    }
+    progress->end.set_value();
   };
   mTimer.start(kPeriodMs);
   mTask.Start(work, [this] { EndLoop(mProgress->isCancelled ? ModalResult::Cancel : ModalResult::OK); });
   return RunLoopWhenSlow(kPatienceMs);
 }
 
-void SettingsProgressDialog::ShowProgress() {
+void ProgressDialog::Tick() {
+  ShowProgress();
+  if (mProgress->isCancelled)
+    Hurry();
+}
+
+void ProgressDialog::ShowProgress() {
   const std::size_t total = mProgress->total;
   if (total == 0)
     return;
@@ -68,17 +87,32 @@ void SettingsProgressDialog::ShowProgress() {
   mBar->setValue(static_cast<int>(mProgress->done * kSteps / total));
 }
 
-void SettingsProgressDialog::OnAccept() {}
-
-// What is under way comes to its end first: selectors are put back where they were.
-void SettingsProgressDialog::OnCancel() {
-  mProgress->isCancelled = true;
-  mCancel->setText(QStringLiteral("Cancelling..."));
-  mCancel->setEnabled(false);
+void ProgressDialog::Hurry() const {
+  if (mEnding.hurry)
+    mEnding.hurry();
 }
 
-void SettingsProgressDialog::OnEnd() {
+void ProgressDialog::OnAccept() {}
+
+// What is under way comes to its end first: selectors are put back where they were.
+void ProgressDialog::OnCancel() {
+  mProgress->isCancelled = true;
+  if (mEnding.whenCancelled == BackgroundTask::WhenCancelled::Abandon)
+    return EndLoop(ModalResult::Cancel);
+  mCancel->setText(QStringLiteral("Cancelling..."));
+  mCancel->setEnabled(false);
+  Hurry();
+}
+
+void ProgressDialog::OnEnd() {
   mTimer.stop();
+  mProgress->isCancelled = true;
+  if (mTask.IsRunning() && mEnding.hurry) {
+    const std::future<void> end = mProgress->end.get_future();
+    do
+      Hurry();
+    while (end.wait_for(kHurryPeriod) != std::future_status::ready);
+  }
   mTask.Cancel();
 }
 

@@ -1,0 +1,322 @@
+// What the user does in the camera bridge manager.
+
+#include "camerabridge/camerabridgemanagerwnd.h"
+#include "camerabridge/cameracontrols.h"
+#include "frame/filequestion.h"
+#include "krcamerabridge/krcamerabridge.h"
+#include "krgenicam/krgenparameterarray.h"
+#include "logic/browser/browserfilling.h"
+#include "logic/camerabridge/cameratexts.h"
+#include "platform/plainline.h"
+#include "platform/toqstring.h"
+#include "serial/showresulterror.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
+
+namespace krgui {
+
+namespace {
+
+namespace id = cameraid;
+
+constexpr int kTickPeriodMs = 500;
+
+/// The text of an item; nothing for the place of no item.
+std::optional<KrString> FindText(const KrStringList& aTexts, int aIndex) {
+  const auto index = static_cast<std::size_t>(aIndex);
+  return aIndex >= 0 && index < aTexts.GetCount() ? std::optional(aTexts[index]) : std::nullopt;
+}
+
+QStringList ToItems(const KrStringList& aTexts, KrString (*aShorten)(const KrString&)) {
+  QStringList items;
+  for (const KrString& text : aTexts)
+    items.append(ToPlainLine(aShorten ? aShorten(text) : text));
+  return items;
+}
+
+} // namespace
+
+void CameraBridgeManagerWnd::WireControls() {
+  QObject* const context = mConnections.get();
+  const auto onClick = [this, context](int aButton, void (CameraBridgeManagerWnd::*aHandler)()) {
+    if (const auto* const button = mControls->Find<QAbstractButton>(aButton))
+      QObject::connect(button, &QAbstractButton::clicked, context,
+                       [this, aHandler] { CallHandler([this, aHandler] { (this->*aHandler)(); }); });
+  };
+  for (const CameraBridgeKind kind : CameraControls::kKinds) {
+    if (const auto* const button = mControls->Find<QRadioButton>(CameraControls::GetKindButton(kind)))
+      QObject::connect(button, &QRadioButton::clicked, context,
+                       [this, kind] { CallHandler([this, kind] { ChooseKind(kind); }); });
+  }
+  onClick(id::kProbe, &CameraBridgeManagerWnd::Probe);
+  onClick(id::kCLProtocolConnect, &CameraBridgeManagerWnd::ConnectCLProtocol);
+  onClick(id::kGenCPConnect, &CameraBridgeManagerWnd::ConnectGenCP);
+  onClick(id::kBrowse, &CameraBridgeManagerWnd::ChooseCameraFile);
+  onClick(id::kLoad, &CameraBridgeManagerWnd::LoadCameraFile);
+  onClick(id::kSynchronization, &CameraBridgeManagerWnd::SwitchSynchronization);
+  onClick(id::kPoCL, &CameraBridgeManagerWnd::SwitchPoCL);
+  onClick(id::kReset, &CameraBridgeManagerWnd::ResetStatistics);
+  WireLists();
+  auto* const timer = new QTimer(context);
+  QObject::connect(timer, &QTimer::timeout, context, [this] { Tick(); });
+  timer->start(kTickPeriodMs);
+}
+
+void CameraBridgeManagerWnd::WireLists() {
+  const auto onChoice = [this](int aList, void (CameraBridgeManagerWnd::*aHandler)()) {
+    if (const auto* const list = mControls->Find<QComboBox>(aList))
+      QObject::connect(list, &QComboBox::activated, mConnections.get(),
+                       [this, aHandler] { CallHandler([this, aHandler] { (this->*aHandler)(); }); });
+  };
+  onChoice(id::kDevicePort, &CameraBridgeManagerWnd::ShowEntry);
+  for (const int list : {id::kTemplate, id::kCLProtocolXML, id::kGenCPXML})
+    onChoice(list, &CameraBridgeManagerWnd::ApplyStates);
+  onChoice(id::kSource, &CameraBridgeManagerWnd::ChooseSource);
+}
+
+void CameraBridgeManagerWnd::ChooseKind(CameraBridgeKind aKind) {
+  CameraBridgeEntry* entry = GetSelectedEntry();
+  if (!entry)
+    return mControls->RestoreKind();
+  if (entry->kind == aKind)
+    return;
+  const Moment moment = GetMoment(entry->port);
+  mBrowser.SetGenParameterArray(nullptr);
+  // It comes to its end also where the user does not want to wait.
+  if (entry->bridge->IsConnected())
+    (void)Ask(*entry, "Disconnecting the camera...", Cursor::Usual,
+              [](KrCameraBridge& aBridge) { aBridge.Disconnect(); });
+  entry = moment.FindEntry();
+  if (!entry)
+    return;
+  entry->Reset(aKind);
+  if (!moment.IsShown())
+    return;
+  // The templates are fetched by what shows a bridge of CL Protocol.
+  ShowEntry();
+  if (aKind == CameraBridgeKind::GenCP)
+    FetchGenCPXMLIDs();
+}
+
+void CameraBridgeManagerWnd::FetchTemplates() {
+  CameraBridgeEntry* entry = GetSelectedEntry();
+  if (!entry || IsBusy() || entry->kind != CameraBridgeKind::CLProtocol || entry->bridge->IsConnected())
+    return;
+  const Moment moment = GetMoment(entry->port);
+  mControls->Clear(id::kTemplate);
+  mControls->Clear(id::kCLProtocolXML);
+  entry->templates.Clear();
+  entry->xmlIDs.Clear();
+  struct Answer {
+    KrResult result;
+    KrStringList templates;
+  };
+  const auto answer = std::make_shared<Answer>();
+  const bool isDone =
+      Await({.text = QStringLiteral("Looking for CL Protocol drivers..."), .work = [answer](const KrGenProgress&) {
+               answer->result = KrCameraBridge::GetCLProtocolTemplates(answer->templates);
+             }});
+  entry = moment.FindShownEntry();
+  if (!entry || !isDone)
+    return;
+  if (!answer->result.IsOK())
+    return ShowResultError(*this, "Error retrieving CL Protocol options.", answer->result);
+  entry->templates = answer->templates;
+  mControls->Fill(id::kTemplate, ToItems(entry->templates, ShortenTemplate));
+  ApplyStates();
+}
+
+void CameraBridgeManagerWnd::FetchGenCPXMLIDs() {
+  CameraBridgeEntry* entry = GetSelectedEntry();
+  const Moment moment = GetMoment(entry->port);
+  KrResult result;
+  KrStringList xmlIDs;
+  const bool isDone = Ask(*entry, "Looking for a GenCP camera...", Cursor::Wait,
+                          [&](KrCameraBridge& aBridge) { result = aBridge.GetGenCPXMLIDs(xmlIDs); });
+  entry = moment.FindShownEntry();
+  if (!entry || (!isDone && !result.IsOK()))
+    return;
+  if (!result.IsOK())
+    return ShowResultError(*this, "Error retrieving GenCP XML IDs.", result);
+  entry->xmlIDs = xmlIDs;
+  mControls->Fill(id::kGenCPXML, ToItems(xmlIDs, nullptr));
+  ApplyStates();
+}
+
+void CameraBridgeManagerWnd::Probe() {
+  CameraBridgeEntry* entry = GetSelectedEntry();
+  const std::optional<KrString> driverTemplate =
+      entry ? FindText(entry->templates, mControls->GetSelected(id::kTemplate)) : std::nullopt;
+  if (!driverTemplate)
+    return;
+  const Moment moment = GetMoment(entry->port);
+  mControls->Clear(id::kCLProtocolXML);
+  entry->xmlIDs.Clear();
+  KrResult result;
+  KrString cameraID;
+  KrStringList xmlIDs;
+  const bool isDone = Ask(*entry, "Looking for a CL Protocol camera...", Cursor::Wait, [&](KrCameraBridge& aBridge) {
+    result = aBridge.ProbeCLProtocol(*driverTemplate, cameraID, xmlIDs);
+  });
+  entry = moment.FindShownEntry();
+  if (!entry || (!isDone && !result.IsOK()))
+    return;
+  if (!result.IsOK())
+    return ShowResultError(*this, "Error retrieving CL Protocol XML IDs.", result);
+  mControls->SetText(id::kProbeStatus, ToPlainLine(ShortenCameraID(cameraID)));
+  entry->xmlIDs = xmlIDs;
+  mControls->Fill(id::kCLProtocolXML, ToItems(xmlIDs, ShortenXMLID));
+  ApplyStates();
+}
+
+void CameraBridgeManagerWnd::ConnectCLProtocol() {
+  CameraBridgeEntry* const entry = GetSelectedEntry();
+  if (!entry)
+    return;
+  const std::optional<KrString> driverTemplate = FindText(entry->templates, mControls->GetSelected(id::kTemplate));
+  const std::optional<KrString> xmlID = FindText(entry->xmlIDs, mControls->GetSelected(id::kCLProtocolXML));
+  if (!driverTemplate || !xmlID)
+    return;
+  CameraBridgeTexts texts;
+  texts.driverTemplate = ShortenTemplate(*driverTemplate);
+  texts.probeStatus = ToKrString(mControls->GetText(id::kProbeStatus));
+  texts.xmlID = ShortenXMLID(*xmlID);
+  Connect(*entry,
+          {.cursor = Cursor::Wait,
+           .texts = texts,
+           .status = id::kCLProtocolStatus,
+           .connect = [&](KrCameraBridge& aBridge) { return aBridge.ConnectCLProtocol(*driverTemplate, *xmlID); },
+           .failure = [](KrCameraBridge&) { return KrString("Error connecting CL Protocol camera."); }});
+}
+
+void CameraBridgeManagerWnd::ConnectGenCP() {
+  CameraBridgeEntry* const entry = GetSelectedEntry();
+  const std::optional<KrString> xmlID =
+      entry ? FindText(entry->xmlIDs, mControls->GetSelected(id::kGenCPXML)) : std::nullopt;
+  if (!xmlID)
+    return;
+  CameraBridgeTexts texts;
+  texts.xmlID = *xmlID;
+  Connect(*entry, {.cursor = Cursor::Usual,
+                   .texts = texts,
+                   .status = id::kGenCPStatus,
+                   .connect = [&](KrCameraBridge& aBridge) { return aBridge.ConnectGenCP(*xmlID); },
+                   .failure = [](KrCameraBridge&) { return KrString("Error connecting GenCP camera."); }});
+}
+
+void CameraBridgeManagerWnd::LoadCameraFile() {
+  CameraBridgeEntry* const entry = GetSelectedEntry();
+  if (!entry)
+    return;
+  CameraBridgeTexts texts;
+  texts.path = ToKrString(mControls->GetText(id::kPath));
+  Connect(*entry, {.cursor = Cursor::Wait,
+                   .texts = texts,
+                   .status = id::kCameraFileStatus,
+                   .connect =
+                       [&](KrCameraBridge& aBridge) {
+                         aBridge.Disconnect();
+                         return aBridge.ConnectTolvanCameraFile(texts.path);
+                       },
+                   .failure =
+                       [](KrCameraBridge& aBridge) {
+                         return FormatCameraFileError(aBridge.GetTolvanCameraFileParserErrors());
+                       }});
+}
+
+void CameraBridgeManagerWnd::Connect(CameraBridgeEntry& aEntry, const Connection& aConnection) {
+  const Moment moment = GetMoment(aEntry.port);
+  mBrowser.SetGenParameterArray(nullptr);
+  KrResult result;
+  KrCameraBridge& bridge = *aEntry.bridge;
+  const auto work = [&](const KrGenProgress& aProgress) {
+    result = aConnection.connect(bridge);
+    // Here the window does not wait for it.
+    if (KrGenParameterArray* const parameters = result.IsOK() ? bridge.GetParameters() : nullptr)
+      ReadBeforeFilling(*parameters, [&aProgress] { return aProgress(0, 0); });
+  };
+  const bool isDone = Await({.text = QStringLiteral("Connecting the camera..."),
+                             .cursor = aConnection.cursor,
+                             .work = work,
+                             .hurry = [&bridge] { bridge.Cancel(); }});
+  CameraBridgeEntry* const entry = moment.FindShownEntry();
+  if (!entry)
+    return;
+  if (result.IsOK())
+    entry->texts = aConnection.texts;
+  // A status that was shown before may have become wrong.
+  const bool hasStatus = result.IsOK() || !entry->texts.status.IsEmpty();
+  ShowParameters(*entry);
+  ApplyStates();
+  if (hasStatus) {
+    entry->UpdateStatus();
+    mControls->SetText(aConnection.status, ToQString(entry->texts.status));
+  }
+  if (isDone && !result.IsOK())
+    ShowResultError(*this, aConnection.failure(*entry->bridge), result);
+}
+
+void CameraBridgeManagerWnd::ChooseCameraFile() {
+  const Moment moment = GetMoment(mControls->GetSelectedPort());
+  QString folder = mFolder;
+  const QString file = AskForExistingFile(
+      GetWidget(),
+      {.objectName = QStringLiteral("camerafile"),
+       .caption = QStringLiteral("Select Tolvan Camera File"),
+       .filters = {QStringLiteral("Tolvan Camera Files (*.yml)(*.yml)"), QStringLiteral("All files (*.*)(*)")},
+       .hidesPatterns = true},
+      folder);
+  if (file.isEmpty() || !moment.FindShownEntry())
+    return;
+  mFolder = folder;
+  mControls->SetText(id::kPath, file);
+}
+
+void CameraBridgeManagerWnd::ChooseSource() {
+  const KrString source = ToKrString(mControls->GetSelectedText(id::kSource));
+  Switch("Error selecting the source.", [&source](KrCameraBridge& aBridge) { return aBridge.SetSource(source); });
+}
+
+void CameraBridgeManagerWnd::SwitchSynchronization() {
+  const bool isOn = mControls->IsChecked(id::kSynchronization);
+  Switch("Error switching the synchronization of parameters.",
+         [isOn](KrCameraBridge& aBridge) { return aBridge.SetParametersSyncEnabled(isOn); });
+}
+
+/// What the bridge then has is shown, whether or not it is what was wanted.
+void CameraBridgeManagerWnd::Switch(const char* aFailure,
+                                    const std::function<KrResult(KrCameraBridge& aBridge)>& aSwitch) {
+  CameraBridgeEntry* entry = GetSelectedEntry();
+  if (!entry)
+    return;
+  const Moment moment = GetMoment(entry->port);
+  KrResult result;
+  const bool isDone = Ask(*entry, "Setting the camera bridge...", Cursor::Usual,
+                          [&](KrCameraBridge& aBridge) { result = aSwitch(aBridge); });
+  entry = moment.FindShownEntry();
+  if (!entry)
+    return;
+  ShowSwitches(*entry);
+  if (isDone && !result.IsOK())
+    ShowResultError(*this, aFailure, result);
+}
+
+void CameraBridgeManagerWnd::SwitchPoCL() {
+  KrDevice* const device = mBridges->GetDevice();
+  const KrResult result = KrCameraBridge::SetPoCLEnabled(device, mControls->IsChecked(id::kPoCL));
+  mControls->Check(id::kPoCL, KrCameraBridge::IsPoCLEnabled(device));
+  ApplyStates();
+  if (!result.IsOK())
+    ShowResultError(*this, "Error switching Power over Camera Link.", result);
+}
+
+void CameraBridgeManagerWnd::ResetStatistics() {
+  if (const CameraBridgeEntry* const entry = GetSelectedEntry())
+    entry->bridge->ResetStatistics();
+}
+
+} // namespace krgui

@@ -1,0 +1,82 @@
+#pragma once
+// The camera bridges of a device, one for each of its serial ports, with what the window shows of each: made, saved,
+// loaded and read back. What the user does with one is left to the window.
+
+#include "krbase/krresult.h"
+#include "krbase/krstringlist.h"
+#include "krcamerabridge/krcamerabridge.h"
+#include "krgenicam/krgensettings.h"
+#include "krserial/krdeviceserial.h"
+#include "logic/camerabridge/camerabridgestate.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class KrConfigurationReader;
+class KrConfigurationWriter;
+class KrDevice;
+class KrStream;
+
+namespace krgui {
+
+/// What the window shows of a bridge besides its lists; nothing at first.
+struct CameraBridgeTexts {
+  KrString driverTemplate;
+  KrString xmlID;
+  KrString path; ///< Of the camera file.
+  KrString probeStatus;
+  KrString status;
+};
+
+/// A port's bridge.
+struct CameraBridgeEntry {
+  KrDeviceSerial port = KrDeviceSerial::Invalid;
+  std::unique_ptr<KrCameraBridge> bridge;
+  CameraBridgeKind kind = CameraBridgeKind::None;
+  KrStringList templates = {}; ///< Whole, in the order of the window's list.
+  KrStringList xmlIDs = {};    ///< The same, of CL Protocol after a probe, or of GenCP.
+  CameraBridgeTexts texts = {};
+
+  /// Of another kind, with nothing to show yet. The bridge is to be disconnected before.
+  void Reset(CameraBridgeKind aKind);
+  void UpdateStatus();
+  /// What the bridge is connected with, whoever connected it; the kind stays where it is not connected.
+  void ReadBack();
+};
+
+/// Thread: user interface; Load and Save any other, while nobody else uses the bridges. Ownership: owns the bridges;
+/// device and stream are borrowed.
+class CameraBridgeList {
+public:
+  using Entries = std::vector<CameraBridgeEntry>;
+
+  void SetStream(KrStream* aStream) { mStream = aStream; }
+  /// Ends all bridges and makes those of a device; none for null.
+  void SetDevice(KrDevice* aDevice);
+  KrDevice* GetDevice() const { return mDevice; }
+
+  Entries& GetEntries() { return mEntries; }
+  /// Null where the device has no such port.
+  CameraBridgeEntry* Find(KrDeviceSerial aPort);
+  /// Another one each time that the entries are made anew.
+  std::uint64_t GetGeneration() const { return mGeneration; }
+
+  /// Stores all bridges that are connected, and their index. The first failure of one of them, or of the index. Aborted
+  /// where aProgress ends it.
+  KrResult Save(KrConfigurationWriter& aWriter, const KrGenProgress& aProgress);
+  /// Loads the bridges of the index; the entries are to be read back afterwards. The first failure; NotFound also for a
+  /// port that the device lacks. Aborted where aProgress ends it.
+  KrResult Load(const KrConfigurationReader& aReader, KrStringList& aErrors, const KrGenProgress& aProgress);
+  void ReadBack();
+  /// Ends the calls of all bridges that wait. Thread: any, while no entries are made.
+  void Cancel();
+
+private:
+  KrDevice* mDevice = nullptr;
+  KrStream* mStream = nullptr;
+  Entries mEntries;
+  std::uint64_t mGeneration = 0;
+};
+
+} // namespace krgui

@@ -1,0 +1,328 @@
+#include "camerabridge/camerabridgemanagerwnd.h"
+
+#include "camerabridge/cameracontrols.h"
+#include "frame/progressdialog.h"
+#include "frame/questionowner.h"
+#include "krcamerabridge/krcamerabridge.h"
+#include "krdevice/krdevice.h"
+#include "krgenicam/krgenparameterarray.h"
+#include "platform/plainline.h"
+#include "platform/toqstring.h"
+#include "platform/waitcursor.h"
+
+#include <QSize>
+#include <QTimer>
+
+#include <optional>
+#include <vector>
+
+namespace krgui {
+
+namespace {
+
+namespace id = cameraid;
+
+constexpr const char* kTitle = "Frame Grabber Camera Bridge";
+constexpr const char* kSourceSelector = "SourceSelector";
+
+} // namespace
+
+bool CameraBridgeManagerWnd::Moment::IsShown() const {
+  const std::shared_ptr<CameraBridgeList> list = bridges.lock();
+  return !opening.expired() && list && list->GetGeneration() == generation;
+}
+
+CameraBridgeEntry* CameraBridgeManagerWnd::Moment::FindEntry() const {
+  const std::shared_ptr<CameraBridgeList> list = bridges.lock();
+  return list && list->GetGeneration() == generation ? list->Find(port) : nullptr;
+}
+
+CameraBridgeEntry* CameraBridgeManagerWnd::Moment::FindShownEntry() const {
+  return opening.expired() ? nullptr : FindEntry();
+}
+
+CameraBridgeManagerWnd::CameraBridgeManagerWnd() : Wnd(kCameraBridgeManagerTraits.modalTemplate) {}
+
+CameraBridgeManagerWnd::~CameraBridgeManagerWnd() {
+  Dispose();
+}
+
+KrResult CameraBridgeManagerWnd::SetDevice(KrDevice* aDevice) {
+  EndWork();
+  // The browser's thread asks the cameras that end here.
+  mBrowser.SetGenParameterArray(nullptr);
+  mBridges->SetDevice(aDevice);
+  if (mControls)
+    ShowDevice();
+  return {};
+}
+
+KrResult CameraBridgeManagerWnd::SetStream(KrStream* aStream) {
+  mBridges->SetStream(aStream);
+  return {};
+}
+
+KrResult CameraBridgeManagerWnd::Load(const KrConfigurationReader& aReader, KrStringList& aErrors) {
+  EndWork();
+  mBrowser.SetGenParameterArray(nullptr);
+  const Moment moment = GetMoment(KrDeviceSerial::Invalid);
+  const KrResult result =
+      AskAll("Connecting the cameras...", [&bridges = *mBridges, &aReader, &aErrors](const KrGenProgress& aProgress) {
+        return bridges.Load(aReader, aErrors, aProgress);
+      });
+  if (const std::shared_ptr<CameraBridgeList> list = moment.bridges.lock();
+      list && list->GetGeneration() == moment.generation)
+    list->ReadBack();
+  if (moment.IsShown())
+    ShowEntry();
+  return result;
+}
+
+KrResult CameraBridgeManagerWnd::Save(KrConfigurationWriter& aWriter) {
+  if (IsBusy())
+    return {KrResult::Code::Busy, "The camera bridges cannot be saved while a camera is asked for something else."};
+  return AskAll("Reading the cameras...", [&bridges = *mBridges, &aWriter](const KrGenProgress& aProgress) {
+    return bridges.Save(aWriter, aProgress);
+  });
+}
+
+KrResult CameraBridgeManagerWnd::Recover() {
+  return KrResult::Code::NotOffered;
+}
+
+int CameraBridgeManagerWnd::GetBridgeCount() const {
+  return static_cast<int>(mBridges->GetEntries().size());
+}
+
+KrCameraBridge* CameraBridgeManagerWnd::GetBridge(int aIndex) const {
+  return aIndex >= 0 && aIndex < GetBridgeCount()
+             ? mBridges->GetEntries().at(static_cast<std::size_t>(aIndex)).bridge.get()
+             : nullptr;
+}
+
+KrDeviceSerial CameraBridgeManagerWnd::GetBridgePort(int aIndex) const {
+  return aIndex >= 0 && aIndex < GetBridgeCount() ? mBridges->GetEntries().at(static_cast<std::size_t>(aIndex)).port
+                                                  : KrDeviceSerial::Invalid;
+}
+
+void CameraBridgeManagerWnd::SetPCFVisible(bool aIsVisible) {
+  mIsPCFVisible = aIsVisible;
+  // What is under way applies the states at its end.
+  if (mControls && !IsBusy())
+    ApplyStates();
+}
+
+bool CameraBridgeManagerWnd::OnInitDialog() {
+  Wnd::OnInitDialog();
+  SetTitle(kTitle);
+  mOpening = std::make_shared<Opening>();
+  mControls = std::make_unique<CameraControls>([this](int aID) { return GetControl(aID); });
+  mConnections = std::make_unique<QObject>();
+  CreateBrowser();
+  mBridges->ReadBack();
+  WireControls();
+  ShowDevice();
+  // A child takes the focus when it is clicked, not from what surrounds it.
+  return GetShowMode() != Mode::Child;
+}
+
+void CameraBridgeManagerWnd::OnSize(const QSize& aSize) {
+  Wnd::OnSize(aSize);
+  if (!mControls)
+    return;
+  mControls->LayOut(aSize);
+  PlaceBrowser();
+}
+
+void CameraBridgeManagerWnd::OnOK() {}
+
+void CameraBridgeManagerWnd::OnDestroy() {
+  EndWork();
+  mOpening.reset();
+  mConnections.reset();
+  mBrowser.SetGenParameterArray(nullptr);
+  // A template without a place for it has none.
+  [[maybe_unused]] const KrResult closed = mBrowser.Close();
+  mControls.reset();
+  Wnd::OnDestroy();
+}
+
+CameraBridgeManagerWnd::Moment CameraBridgeManagerWnd::GetMoment(KrDeviceSerial aPort) const {
+  return {mOpening, mBridges, mBridges->GetGeneration(), aPort};
+}
+
+CameraBridgeEntry* CameraBridgeManagerWnd::GetSelectedEntry() const {
+  return mBridges->Find(mControls->GetSelectedPort());
+}
+
+bool CameraBridgeManagerWnd::Await(const Order& aOrder) {
+  const std::weak_ptr<Opening> opening = mOpening;
+  mOpening->isBusy = true;
+  std::optional<WaitCursor> cursor;
+  if (aOrder.cursor == Cursor::Wait)
+    cursor.emplace();
+  ModalResult result = ModalResult::Gone;
+  {
+    const QuestionOwner owner(GetWidget(), mWorkEnd.get_token());
+    ProgressDialog dialog(
+        owner.GetWidget(), ToQString(GetTitle()), aOrder.text,
+        {.hurry = aOrder.hurry,
+         .whenCancelled = aOrder.hurry ? BackgroundTask::WhenCancelled::Wait : BackgroundTask::WhenCancelled::Abandon});
+    result = dialog.Run(aOrder.work);
+  }
+  if (const std::shared_ptr<Opening> open = opening.lock()) {
+    open->isBusy = false;
+    ApplyStates();
+  }
+  return result == ModalResult::OK;
+}
+
+bool CameraBridgeManagerWnd::Ask(CameraBridgeEntry& aEntry, const char* aText, Cursor aCursor,
+                                 const std::function<void(KrCameraBridge& aBridge)>& aWork) {
+  KrCameraBridge& bridge = *aEntry.bridge;
+  return Await({.text = QString::fromLatin1(aText),
+                .cursor = aCursor,
+                .work = [&](const KrGenProgress&) { aWork(bridge); },
+                .hurry = [&bridge] { bridge.Cancel(); }});
+}
+
+KrResult CameraBridgeManagerWnd::AskAll(const char* aText,
+                                        const std::function<KrResult(const KrGenProgress& aProgress)>& aWork) {
+  // Nobody is there to wait, or to cancel.
+  if (!mControls)
+    return aWork([](std::size_t, std::size_t) { return true; });
+  KrResult result;
+  const bool isDone = Await({.text = QString::fromLatin1(aText),
+                             .cursor = Cursor::Usual,
+                             .work = [&](const KrGenProgress& aProgress) { result = aWork(aProgress); },
+                             .hurry = [&bridges = *mBridges] { bridges.Cancel(); }});
+  if (isDone)
+    return result;
+  return {KrResult::Code::Cancelled, "The camera bridges were cancelled before all of them were done."};
+}
+
+/// What is under way has ended afterwards.
+void CameraBridgeManagerWnd::EndWork() {
+  mWorkEnd.request_stop();
+  mWorkEnd = std::stop_source();
+  if (mOpening)
+    mOpening->isBusy = false;
+}
+
+void CameraBridgeManagerWnd::CreateBrowser() {
+  // Always OK.
+  [[maybe_unused]] const KrResult set = mBrowser.SetRefreshMode(KrGenRefresh::Polling);
+  if (!mControls->GetBrowserPlace())
+    return;
+  // A child of a widget that exists.
+  [[maybe_unused]] const KrResult created = mBrowser.CreateIn(GetWidget());
+  PlaceBrowser();
+}
+
+void CameraBridgeManagerWnd::PlaceBrowser() {
+  if (QWidget* const browser = mBrowser.GetWidget())
+    browser->setGeometry(*mControls->GetBrowserPlace());
+}
+
+/// The device's ports and sources, and the first port.
+void CameraBridgeManagerWnd::ShowDevice() {
+  std::vector<KrDeviceSerial> ports;
+  for (const CameraBridgeEntry& entry : mBridges->GetEntries())
+    ports.push_back(entry.port);
+  mControls->ListPorts(ports);
+  ListSources();
+  ShowEntry();
+}
+
+void CameraBridgeManagerWnd::ListSources() const {
+  QStringList names;
+  KrDevice* const device = mBridges->GetDevice();
+  KrGenParameterArray* const parameters = device ? device->GetParameters() : nullptr;
+  KrGenEnum* const sources = parameters ? parameters->GetEnum(kSourceSelector) : nullptr;
+  std::size_t count = 0;
+  if (sources && sources->GetEntriesCount(count).IsOK()) {
+    for (std::size_t index = 0; index < count; ++index) {
+      KrGenEnumEntry* entry = nullptr;
+      if (sources->GetEntryByIndex(index, entry).IsOK() && entry->IsAvailable())
+        names.append(ToQString(entry->GetName()));
+    }
+  }
+  mControls->Fill(id::kSource, names);
+}
+
+/// What the selected port's bridge is now. Templates that are to be chosen from are fetched soon.
+void CameraBridgeManagerWnd::ShowEntry() {
+  mControls->ShowNothing();
+  mBrowser.SetGenParameterArray(nullptr);
+  CameraBridgeEntry* const entry = GetSelectedEntry();
+  mControls->CheckKind(entry ? entry->kind : CameraBridgeKind::None);
+  if (entry)
+    ShowKind(*entry);
+  ApplyStates();
+  Tick();
+}
+
+void CameraBridgeManagerWnd::ShowKind(CameraBridgeEntry& aEntry) {
+  const CameraBridgeTexts& texts = aEntry.texts;
+  const bool isConnected = aEntry.bridge->IsConnected();
+  if (aEntry.kind == CameraBridgeKind::CameraFile) {
+    ShowParameters(aEntry);
+    mControls->SetText(id::kPath, ToQString(texts.path));
+    mControls->SetText(id::kCameraFileStatus, ToQString(texts.status));
+  } else if (aEntry.kind == CameraBridgeKind::CLProtocol && isConnected) {
+    mControls->Fill(id::kTemplate, {ToPlainLine(texts.driverTemplate)});
+    mControls->Fill(id::kCLProtocolXML, {ToPlainLine(texts.xmlID)});
+    mControls->SetText(id::kProbeStatus, ToPlainLine(texts.probeStatus));
+    mControls->SetText(id::kCLProtocolStatus, ToQString(texts.status));
+    ShowParameters(aEntry);
+  } else if (aEntry.kind == CameraBridgeKind::CLProtocol) {
+    // Not here: a window that is about to open cannot wait.
+    QTimer::singleShot(0, mConnections.get(), [this] { CallHandler([this] { FetchTemplates(); }); });
+  } else if (aEntry.kind == CameraBridgeKind::GenCP) {
+    ShowParameters(aEntry);
+    if (isConnected) {
+      aEntry.xmlIDs.Clear();
+      aEntry.xmlIDs.Add(texts.xmlID);
+      mControls->Fill(id::kGenCPXML, {ToPlainLine(texts.xmlID)});
+      mControls->SetText(id::kGenCPStatus, ToQString(texts.status));
+    }
+  }
+  ShowSwitches(aEntry);
+}
+
+void CameraBridgeManagerWnd::ShowSwitches(const CameraBridgeEntry& aEntry) const {
+  mControls->Check(id::kSynchronization, aEntry.bridge->GetParametersSyncEnabled());
+  mControls->Check(id::kPoCL, KrCameraBridge::IsPoCLEnabled(mBridges->GetDevice()));
+  mControls->Select(id::kSource, ToQString(aEntry.bridge->GetSource()));
+}
+
+void CameraBridgeManagerWnd::ShowParameters(const CameraBridgeEntry& aEntry) {
+  mBrowser.SetGenParameterArray(aEntry.bridge->GetParameters());
+}
+
+void CameraBridgeManagerWnd::ApplyStates() {
+  const CameraBridgeEntry* const entry = GetSelectedEntry();
+  KrDevice* const device = mBridges->GetDevice();
+  const bool isNewLayout =
+      mControls->Enable(GetCameraBridgeEnabling({.hasPort = entry != nullptr,
+                                                 .kind = entry ? entry->kind : CameraBridgeKind::None,
+                                                 .isConnected = entry && entry->bridge->IsConnected(),
+                                                 .hasTemplates = mControls->HasItems(id::kTemplate),
+                                                 .hasCLProtocolXMLs = mControls->HasItems(id::kCLProtocolXML),
+                                                 .hasGenCPXMLs = mControls->HasItems(id::kGenCPXML),
+                                                 .hasSources = mControls->HasItems(id::kSource),
+                                                 .isPoCLSupported = device && KrCameraBridge::IsPoCLSupported(device),
+                                                 .isCameraFileVisible = mIsPCFVisible}));
+  if (!isNewLayout)
+    return;
+  mControls->LayOut(GetWidget()->size());
+  PlaceBrowser();
+}
+
+void CameraBridgeManagerWnd::Tick() const {
+  const CameraBridgeEntry* const entry = GetSelectedEntry();
+  mControls->ShowStatistics(entry ? entry->bridge->GetBytesSentToCamera() : 0,
+                            entry ? entry->bridge->GetBytesReceivedFromCamera() : 0);
+}
+
+} // namespace krgui

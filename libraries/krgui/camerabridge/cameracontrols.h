@@ -1,0 +1,88 @@
+#pragma once
+// The controls of one opening of the camera bridge manager: finds, names and lays them out, and shows in them what it
+// is told. A control that the template lacks is left out. What they do is left to the window.
+
+#include "camerabridge/camerabridgeids.h"
+#include "krserial/krdeviceserial.h"
+#include "logic/camerabridge/camerabridgestate.h"
+#include "logic/camerabridge/cameralayout.h"
+
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+class QComboBox;
+class QPushButton;
+class QRect;
+class QSize;
+
+namespace krgui {
+
+/// Thread: user interface. Ownership: the widgets belong to the dialog, which must outlive this object.
+class CameraControls {
+public:
+  using Lookup = std::function<QWidget*(int aID)>;
+
+  explicit CameraControls(Lookup aLookup);
+  CameraControls(const CameraControls&) = delete;
+  CameraControls& operator=(const CameraControls&) = delete;
+
+  /// Null where the template has none of this class.
+  template <typename Control>
+  Control* Find(int aID) const {
+    return qobject_cast<Control*>(mLookup(aID));
+  }
+  static constexpr std::array kKinds = {CameraBridgeKind::None, CameraBridgeKind::CLProtocol, CameraBridgeKind::GenCP,
+                                        CameraBridgeKind::CameraFile};
+  /// The id of a kind's radio button.
+  static int GetKindButton(CameraBridgeKind aKind);
+
+  /// Lists ports and selects the first one.
+  void ListPorts(const std::vector<KrDeviceSerial>& aPorts) const;
+  /// Invalid without a selection.
+  KrDeviceSerial GetSelectedPort() const;
+  void CheckKind(CameraBridgeKind aKind);
+  /// Checks again what was checked by CheckKind.
+  void RestoreKind() { CheckKind(mKind); }
+
+  /// Fills a list and selects its first item.
+  void Fill(int aList, const QStringList& aItems) const;
+  void Clear(int aList) const { Fill(aList, {}); }
+  bool HasItems(int aList) const;
+  /// -1 without a selection.
+  int GetSelected(int aList) const;
+  QString GetSelectedText(int aList) const;
+  /// The item with exactly this text; none where there is no such item.
+  void Select(int aList, const QString& aText) const;
+
+  /// Of a label or an edit; one line, whatever a camera says.
+  void SetText(int aID, const QString& aText) const;
+  QString GetText(int aID) const;
+  void Check(int aID, bool aIsOn) const;
+  bool IsChecked(int aID) const;
+  void ShowStatistics(std::uint64_t aSent, std::uint64_t aReceived) const;
+  /// As at the beginning of a port's showing.
+  void ShowNothing() const;
+
+  /// Shows, hides, enables and disables. True where the layout becomes another one.
+  bool Enable(const CameraBridgeEnabling& aEnabling);
+  void LayOut(const QSize& aSize) const;
+  /// Where the feature browser goes; nothing where the template has no place for it.
+  std::optional<QRect> GetBrowserPlace() const;
+
+private:
+  CameraMetrics GetMetrics(const QSize& aSize) const;
+  int GetWidth(int aID) const;
+
+  Lookup mLookup;
+  CameraBridgeKind mKind = CameraBridgeKind::None;
+  bool mHasCameraFile = true;
+};
+
+} // namespace krgui

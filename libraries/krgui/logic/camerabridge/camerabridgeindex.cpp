@@ -1,0 +1,18 @@
+#include "logic/camerabridge/camerabridgeindex.h"
+
+#include <string>
+
+namespace krgui {
+
+KrPropertyList MakeCameraBridgeIndex(std::span<const KrDeviceSerial> aPorts) {
+  KrPropertyList index;
+  for (const KrDeviceSerial port : aPorts)
+    index.Add({KrString("CameraBridge" + std::to_string(index.GetCount())), GetPortName(port)});
+  return index;
+}
+
+KrString FormatMissingPort(const KrString& aName) {
+  return "Could not load camera bridge for port " + aName + " as the serial port does not exist for the device.";
+}
+
+} // namespace krgui

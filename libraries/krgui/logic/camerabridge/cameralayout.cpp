@@ -1,0 +1,159 @@
+#include "logic/camerabridge/cameralayout.h"
+
+#include <algorithm>
+
+namespace krgui {
+
+namespace {
+
+constexpr int kGap = 6;    ///< Between controls of one row, and between the column and the browser.
+constexpr int kInset = 6;  ///< From a group's sides to what is in it.
+constexpr int kBottom = 4; ///< From its last row to its frame.
+constexpr int kSide = 6;   ///< From the window's sides to what is in it.
+/// Between two rows, as the height allows; rows farther apart would not be read as one group.
+constexpr int kLeastSpace = 0;
+constexpr int kMostSpace = 6;
+/// A list is never narrower, so that some letters of what is chosen can be read.
+constexpr int kLeastList = 72;
+/// The browser is never narrower.
+constexpr int kLeastBrowser = 300;
+
+/// So high, in the middle of a row.
+PixelRect Place(const PixelRect& aRow, int aLeft, int aRight, int aHeight) {
+  const int top = aRow.top + (aRow.bottom - aRow.top - aHeight) / 2;
+  return {aLeft, top, std::max(aLeft, aRight), top + aHeight};
+}
+
+class CameraArrangement {
+public:
+  explicit CameraArrangement(const CameraMetrics& aMetrics) : m(aMetrics), mRight(kSide + ComputeColumn()) {
+    const int left = m.height - Arrange(0);
+    mSpace = std::clamp(left / mSpaces, kLeastSpace, kMostSpace);
+  }
+
+  CameraLayout Arrange() {
+    (void)Arrange(mSpace);
+    mLayout.browser = {mRight + kGap, kSide, std::max(mRight + kGap, m.width - kSide),
+                       std::max(kSide, m.height - kSide)};
+    return mLayout;
+  }
+
+private:
+  /// As wide as its controls need, and as a status is to be read, as long as the browser has room.
+  int ComputeColumn() const {
+    const int row = m.indent + m.labelWidth + kLeastList + m.browseWidth + m.buttonWidth + 3 * kGap;
+    const int needed = 2 * kInset + std::max({m.switchWidth, row, 2 * m.buttonWidth});
+    const int wanted = std::max(needed, 2 * kInset + m.indent + m.statusWidth);
+    return std::max(needed, std::min(wanted, m.width - 2 * kSide - kGap - kLeastBrowser));
+  }
+
+  /// The column with rows so far apart; gives its bottom.
+  int Arrange(int aSpace) {
+    mSpace = aSpace;
+    mSpaces = 0;
+    mY = kSide;
+    ArrangeSetup();
+    Skip(1);
+    ArrangeStatistics();
+    mLayout.poCL = TakeSwitch(kSide + kInset);
+    return mY + kSide;
+  }
+
+  void ArrangeSetup() {
+    const int top = Open();
+    mLayout.ports = Place(Take(m.fieldHeight), kSide + kInset, GetInnerRight(), m.fieldHeight);
+    mLayout.none = TakeKind();
+    mLayout.clProtocol = TakeKind();
+    TakeChoice(mLayout.templateLabel, mLayout.templates, mLayout.probe);
+    mLayout.probeStatus = TakeStatus();
+    TakeChoice(mLayout.clXMLLabel, mLayout.clXMLs, mLayout.clConnect);
+    mLayout.clStatus = TakeStatus();
+    mLayout.genCP = TakeKind();
+    TakeChoice(mLayout.genCPXMLLabel, mLayout.genCPXMLs, mLayout.genCPConnect);
+    mLayout.genCPStatus = TakeStatus();
+    if (m.hasCameraFile)
+      ArrangeCameraFile();
+    Skip(1);
+    const PixelRect row = Take(m.fieldHeight);
+    const int left = kSide + kInset;
+    mLayout.sourceLabel = Place(row, left, left + m.labelWidth, m.lineHeight);
+    mLayout.sources = Place(row, GetListLeft(), GetInnerRight(), m.fieldHeight);
+    mLayout.synchronization = TakeSwitch(left);
+    mLayout.setupBox = Close(top);
+  }
+
+  void ArrangeCameraFile() {
+    mLayout.cameraFile = TakeKind();
+    TakeChoice(mLayout.pathLabel, mLayout.path, mLayout.load);
+    mLayout.browse = mLayout.path;
+    mLayout.browse.left = mLayout.path.right - m.browseWidth;
+    mLayout.path.right = mLayout.browse.left - kGap;
+    mLayout.fileStatus = TakeStatus();
+  }
+
+  void ArrangeStatistics() {
+    const int top = Open();
+    const PixelRect row = Take(std::max(2 * m.lineHeight, m.fieldHeight));
+    const int middle = (row.top + row.bottom) / 2;
+    const int left = kSide + kInset;
+    const int button = GetInnerRight() - m.buttonWidth;
+    mLayout.sent = {left, middle - m.lineHeight, button - kGap, middle};
+    mLayout.received = {left, middle, button - kGap, middle + m.lineHeight};
+    mLayout.reset = Place(row, button, GetInnerRight(), m.fieldHeight);
+    mLayout.statisticsBox = Close(top);
+  }
+
+  int GetInnerRight() const { return mRight - kInset; }
+  int GetListLeft() const { return kSide + kInset + m.indent + m.labelWidth + kGap; }
+
+  void Skip(int aSpaces) {
+    mSpaces += aSpaces;
+    mY += aSpaces * mSpace;
+  }
+  /// A row of a height, a space before it.
+  PixelRect Take(int aHeight) {
+    Skip(1);
+    const int top = mY;
+    mY += aHeight;
+    return {0, top, 0, mY};
+  }
+  PixelRect TakeSwitch(int aLeft) { return Place(Take(m.radioHeight), aLeft, GetInnerRight(), m.radioHeight); }
+  /// A kind stands off from what belongs to the one before.
+  PixelRect TakeKind() {
+    Skip(1);
+    return TakeSwitch(kSide + kInset);
+  }
+  void TakeChoice(PixelRect& aLabel, PixelRect& aList, PixelRect& aButton) {
+    const PixelRect row = Take(m.fieldHeight);
+    const int left = kSide + kInset + m.indent;
+    aLabel = Place(row, left, left + m.labelWidth, m.lineHeight);
+    aButton = Place(row, GetInnerRight() - m.buttonWidth, GetInnerRight(), m.fieldHeight);
+    aList = Place(row, GetListLeft(), aButton.left - kGap, m.fieldHeight);
+  }
+  PixelRect TakeStatus() { return Place(Take(m.lineHeight), kSide + kInset + m.indent, GetInnerRight(), m.lineHeight); }
+  /// The inside of a group begins; gives its top.
+  int Open() {
+    const int top = mY;
+    mY += m.titleHeight;
+    return top;
+  }
+  PixelRect Close(int aTop) {
+    mY += kBottom;
+    return {kSide, aTop, mRight, mY};
+  }
+
+  const CameraMetrics& m;
+  const int mRight; ///< Of the column.
+  int mSpace = 0;
+  int mSpaces = 0; ///< How many there are from top to bottom.
+  int mY = 0;
+  CameraLayout mLayout;
+};
+
+} // namespace
+
+CameraLayout LayOutCameraBridge(const CameraMetrics& aMetrics) {
+  return CameraArrangement(aMetrics).Arrange();
+}
+
+} // namespace krgui
