@@ -1,0 +1,111 @@
+// Source, synchronisation, Power over Camera Link and statistics in the camera bridge manager.
+
+#include "camerafixture.h"
+
+namespace krgui {
+
+namespace {
+
+class Switches : public CameraTest {
+protected:
+  bool IsPoCLOn() {
+    bool isOn = false;
+    EXPECT_TRUE(mDevice->GetParameters()->GetBoolean("PoclEnable")->GetValue(isOn).IsOK());
+    return isOn;
+  }
+};
+
+} // namespace
+
+TEST_F(Switches, Source_IsThePortsOwn) {
+  Open();
+
+  Pick(id::kSource, "Source1");
+  EXPECT_STREQ(GetBridge(0).GetSource().CStr(), "Source1");
+  EXPECT_EQ(GetText(id::kSource), "Source1");
+
+  Pick(id::kDevicePort, "Serial1");
+  EXPECT_EQ(Get<QComboBox>(id::kSource).currentIndex(), -1);
+
+  Pick(id::kDevicePort, "Serial0");
+  EXPECT_EQ(GetText(id::kSource), "Source1");
+}
+
+TEST_F(Switches, Synchronization_IsThePortsOwn) {
+  Open();
+
+  Click(id::kSynchronization);
+  EXPECT_TRUE(GetBridge(0).GetParametersSyncEnabled());
+  EXPECT_TRUE(IsChecked(id::kSynchronization));
+
+  Pick(id::kDevicePort, "Serial1");
+  EXPECT_FALSE(IsChecked(id::kSynchronization));
+
+  Pick(id::kDevicePort, "Serial0");
+  EXPECT_TRUE(IsChecked(id::kSynchronization));
+  Click(id::kSynchronization);
+  EXPECT_FALSE(GetBridge(0).GetParametersSyncEnabled());
+}
+
+TEST_F(Switches, PoCL_IsTheDevices) {
+  Open();
+  ASSERT_TRUE(IsPoCLOn());
+  EXPECT_TRUE(IsChecked(id::kPoCL));
+
+  Click(id::kPoCL);
+  EXPECT_FALSE(IsPoCLOn());
+  EXPECT_FALSE(IsChecked(id::kPoCL));
+  Pick(id::kDevicePort, "Bulk0");
+  EXPECT_FALSE(IsChecked(id::kPoCL));
+
+  Click(id::kPoCL);
+  EXPECT_TRUE(IsPoCLOn());
+}
+
+TEST_F(Switches, DeviceWithoutPoCL_CannotSwitchIt) {
+  std::unique_ptr<KrDevice> camera;
+  ASSERT_TRUE(LabTest::Open(kMonoMAC, camera).IsOK());
+  ASSERT_TRUE(mWindow->SetDevice(camera.get()).IsOK());
+  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+
+  EXPECT_FALSE(IsEnabled(id::kPoCL));
+  EXPECT_FALSE(IsChecked(id::kPoCL));
+  EXPECT_THAT(GetEntries(id::kSource), testing::IsEmpty());
+  EXPECT_FALSE(IsEnabled(id::kSource));
+  EXPECT_GT(mWindow->GetBridgeCount(), 0);
+  mWindow.reset();
+}
+
+TEST_F(Switches, DeviceThatDoesNotAnswer_IsToldOfAndTheBoxTellsTheTruth) {
+  Open();
+  ASSERT_TRUE(mLab->Lose(kGrabberMAC).IsOK());
+
+  ExpectBoxes(1);
+  Click(id::kPoCL);
+
+  ASSERT_EQ(mBoxes.size(), 1u);
+  EXPECT_THAT(mBoxes[0], testing::StartsWith("Frame Grabber Camera Bridge: Error switching Power over Camera Link.\n"));
+}
+
+TEST_F(Switches, Statistics_FollowTheTrafficAndCanBeReset) {
+  Open();
+  ConnectGenCP();
+  const auto isShown = [this] {
+    return GetText(id::kBytesSent) == "Bytes sent: " + std::to_string(GetBridge(0).GetBytesSentToCamera()) &&
+           GetText(id::kBytesReceived) ==
+               "Bytes received: " + std::to_string(GetBridge(0).GetBytesReceivedFromCamera());
+  };
+  EXPECT_GT(GetBridge(0).GetBytesSentToCamera(), 0u);
+  EXPECT_TRUE(WaitFor(isShown));
+  const std::uint64_t before = GetBridge(0).GetBytesReceivedFromCamera();
+
+  Click(id::kReset);
+
+  EXPECT_LT(GetBridge(0).GetBytesReceivedFromCamera(), before);
+  EXPECT_TRUE(WaitFor(isShown));
+
+  Pick(id::kDevicePort, "Serial1");
+  EXPECT_TRUE(WaitFor([this] { return GetText(id::kBytesSent) == "Bytes sent: 0"; }));
+}
+
+} // namespace krgui
