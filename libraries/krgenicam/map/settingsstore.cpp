@@ -19,6 +19,12 @@ KrResult CheckName(const KrString& aName) {
   return {KrResult::Code::BadData, "No line of a settings file can begin with the name."};
 }
 
+// The device did not answer, or was not to be asked any more: what is missing is more than the parameter.
+bool IsUnanswered(const KrResult& aResult) {
+  return aResult == KrResult::Code::Aborted || aResult == KrResult::Code::ConnectionLost ||
+         aResult == KrResult::Code::TimeLimitExceeded;
+}
+
 } // namespace
 
 SettingsStore::SettingsStore(NodeMap& aMap, KrStringList& aProblems, const KrGenProgress& aProgress)
@@ -42,7 +48,7 @@ KrResult SettingsStore::Run(const std::vector<KrGenParameter*>& aParameters, KrG
     (void)mProgress.Tell(); // Everything is done: there is nothing left to end.
   for (const KrGenSetting& setting : mSettings)
     aSettings.Add(setting.name, setting.value);
-  return mFirstFailure;
+  return mFailure;
 }
 
 // While a stream runs sizes and formats are locked, and thus left out: nobody should find that out when they are
@@ -217,8 +223,8 @@ bool SettingsStore::IsEnded() {
 void SettingsStore::Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure) {
   const std::string text = DescribePlace(aName, mPositions) + " " + aAttempt + ": " + GetReason(aFailure);
   mProblems.Add(text);
-  if (mFirstFailure.IsOK())
-    mFirstFailure = {aFailure.GetCode(), text};
+  if (mFailure.IsOK() || (IsUnanswered(aFailure) && !IsUnanswered(mFailure)))
+    mFailure = {aFailure.GetCode(), text};
   if (aFailure == KrResult::Code::ConnectionLost || aFailure == KrResult::Code::Aborted)
     mIsEnded = true;
 }

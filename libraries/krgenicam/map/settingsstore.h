@@ -65,7 +65,7 @@ private:
   bool mHasLeftLocked = false;                             // Such a one was locked.
   bool mIsEnded = false;  // A limit was reached, the device does not answer any more, or it was cancelled.
   bool mIsSilent = false; // A selector was not put back in time after the end: no other is tried.
-  KrResult mFirstFailure;
+  KrResult mFailure;      // The first, but for those that say that the device was not heard.
 };
 
 } // namespace krgenicam

@@ -91,8 +91,8 @@ public:
   void SetChunkData(std::uint64_t aChunkID, const void* aData, std::size_t aLength);
 
   /// Takes the values of all streamable parameters, under all positions of their selectors, which are put back
-  /// afterwards. aProblems names what could not be read, and why; OK when everything could, else the first failure.
-  /// Aborted when aProgress ended it, with what had been taken; it is asked between two parameters.
+  /// afterwards. aProblems names what could not be read, and why; OK when everything could, else the first Aborted
+  /// (also when aProgress ended it, asked between two), ConnectionLost or TimeLimitExceeded, or else the first failure.
   KrResult StoreSettings(KrGenSettings& aSettings, KrStringList& aProblems, const KrGenProgress& aProgress = {});
   /// Sets values in their order, in several passes where one depends on another, then reads all of them back. aProblems
   /// names what could not be set, or is not what was set, and why; OK when all is as stored, else the first failure.

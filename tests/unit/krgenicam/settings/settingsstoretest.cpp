@@ -183,6 +183,22 @@ TEST(StoreSettings, ConnectionThatIsLost_EndsItAtOnce) {
   EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("B cannot be read: ")));
 }
 
+TEST(StoreSettings, DeviceThatFallsAwayAfterARefusal_IsWhatIsReturned) {
+  for (const KrResult::Code code :
+       {KrResult::Code::ConnectionLost, KrResult::Code::TimeLimitExceeded, KrResult::Code::Aborted}) {
+    SettingsCamera camera(MakeInteger("A", 0) + MakeInteger("B", 4) + MakeInteger("C", 8));
+    camera.port.SetFault([code](const RegisterAccessRecord& aRecord) {
+      if (aRecord.address == 0)
+        return KrResult(KrResult::Code::ProtocolError, "Refused.");
+      return aRecord.address == 4 ? KrResult(code, "Gone.") : KrResult();
+    });
+
+    EXPECT_EQ(camera.Store(), code);
+
+    EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("A cannot be read: "), HasSubstr("B cannot be read: ")));
+  }
+}
+
 TEST(StoreSettings, Cancelled_EndsWithTheSelectorsPutBack) {
   SettingsCamera camera(MakeEnum("Sel", 0, {"A", "B", "C"}, "<pSelected>F</pSelected>") + MakeBank("F", 16, "Sel"));
   camera.SetText("Sel", "C");
