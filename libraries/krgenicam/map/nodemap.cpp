@@ -28,6 +28,10 @@ NodeMap::NodeMap(IKrRegisterPort& aPort, const KrGenArrayOptions& aOptions)
 
 NodeMap::~NodeMap() {
   Close();
+  {
+    // Those that wait leave in the order in which they came.
+    const std::lock_guard last(mLock);
+  }
   mNotifications.Stop();
 }
 

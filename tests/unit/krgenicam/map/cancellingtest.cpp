@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <stop_token>
@@ -23,6 +24,7 @@ public:
         mIsWaiting = true;
         mChanged.notify_all();
         mChanged.wait(lock, aCancel, [] { return false; });
+        mChanged.wait_for(lock, mFarewell, [] { return false; });
         mIsWaiting = false;
         return {KrResult::Code::Aborted, "The access was cancelled."};
       }
@@ -43,12 +45,23 @@ public:
     EXPECT_TRUE(mChanged.wait_for(lock, kPatience, [this] { return mIsWaiting; }));
   }
 
+  /// How long an access goes on after it was cancelled.
+  void SetFarewell(std::chrono::milliseconds aFarewell) {
+    const std::lock_guard lock(mMutex);
+    mFarewell = aFarewell;
+  }
+  bool IsWaiting() {
+    const std::lock_guard lock(mMutex);
+    return mIsWaiting;
+  }
+
 private:
   KrGenMemoryPort mMemory;
   std::mutex mMutex; // Guards the members from here on.
   std::condition_variable_any mChanged;
   bool mIsSlow = true;
   bool mIsWaiting = false;
+  std::chrono::milliseconds mFarewell{0};
 };
 
 class Cancelling : public testing::Test {
@@ -174,4 +187,17 @@ TEST_F(Cancelling, UnregisterEventSink_DuringAnAccess_DoesNotWaitForIt) {
   LookFor(sink);
 
   EXPECT_TRUE(mArray->GetInteger("Slow")->UnregisterEventSink(&sink).IsOK());
+}
+
+TEST_F(Cancelling, Destruction_DuringAnAccess_WaitsForItsEnd) {
+  KrResult result;
+  std::jthread reader([&] { result = ReadSlow(); });
+  mPort.AwaitAccess();
+  mPort.SetFarewell(std::chrono::milliseconds(300));
+
+  mArray.reset();
+
+  EXPECT_FALSE(mPort.IsWaiting());
+  reader.join();
+  EXPECT_FALSE(result.IsOK());
 }
