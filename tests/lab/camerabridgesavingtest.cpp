@@ -194,6 +194,22 @@ TEST_F(CameraBridgeSavingTest, Load_OfDamagedLists_TellsEachDamageAndUsesTheRest
   }
 }
 
+TEST_F(CameraBridgeSavingTest, Load_OfASourceThatTheDeviceLacks_LeavesTheFormerOneAlone) {
+  BridgeLab lab;
+  KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Serial1, nullptr);
+  ASSERT_TRUE(IsFine(bridge.SetSource("Source1")));
+  KrPropertyList list = MakeGoodList();
+  list.GetProperty("Source")->SetValue("Source9");
+  list.GetProperty("ParametersSync")->SetValue("1");
+  KrStringList errors;
+
+  EXPECT_EQ(bridge.Load(kName, ReadBack(list), errors), KrResult::Code::InvalidInput);
+
+  EXPECT_EQ(bridge.GetSource(), "");
+  EXPECT_FALSE(bridge.GetParametersSyncEnabled());
+  EXPECT_TRUE(bridge.IsConnected());
+}
+
 TEST_F(CameraBridgeSavingTest, Load_OfSeveralDamages_TellsThemAll) {
   BridgeLab lab;
   KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Serial1, nullptr);

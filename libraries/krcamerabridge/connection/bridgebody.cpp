@@ -152,6 +152,8 @@ KrResult BridgeBody::Save(const KrString& aName, KrConfigurationWriter& aWriter)
   const KrResult stored = parameters.StoreSettings(saved.settings, problems, call.GetProgress());
   if (std::ranges::find(kUnreachable, stored.GetCode()) != kUnreachable.end())
     return {stored.GetCode(), attempt + ": " + stored.GetDescription()};
+  if (stop.stop_requested())
+    return {KrResult::Code::Aborted, attempt + " was cancelled."};
   for (const KrString& problem : problems)
     KrLogger("KrCameraBridge")
         .Log(KrLogLevel::Warning, {"KrCameraBridge::Save", "bridgebody"}, attempt + ": " + problem);
@@ -173,7 +175,9 @@ KrResult BridgeBody::Load(const KrString& aName, const KrConfigurationReader& aR
   errors.Add(read, lines);
   // The device is set once, when the camera has its values back.
   mSync.SetOn(false);
-  errors.Add(SetSource(saved.source));
+  mSync.SetSource({}); // Another camera's source is none for this one.
+  const KrResult chosen = SetSource(saved.source);
+  errors.Add(chosen);
   if (saved.choice.way) {
     const KrResult connected = Connect(saved.choice, stop);
     errors.Add(connected, KrString("Connecting by ") + saved.choice.way->name + ": ");
@@ -181,7 +185,8 @@ KrResult BridgeBody::Load(const KrString& aName, const KrConfigurationReader& aR
     if (connected.IsOK())
       errors.Add(RestoreSettings(saved.settings, stop, problems), problems);
   }
-  mSync.SetOn(saved.isSyncOn.value_or(false));
+  // Without its source the camera's size would be carried to whichever source is selected.
+  mSync.SetOn(chosen.IsOK() && saved.isSyncOn.value_or(false));
   return errors.GetFirst();
 }
 

@@ -103,11 +103,49 @@ TEST_F(Bridge, Cancel_EndsACallThatWaitsForTheCamera) {
   EXPECT_EQ(asking.get(), KrResult::Code::Aborted);
 }
 
+TEST_F(Bridge, Disconnect_WithAnAccessThatWaits_EndsIt) {
+  Connect();
+  grabber.camera.TakeHeard();
+  grabber.camera.SetFaults({.isSilent = true});
+  std::future<KrResult> setting = std::async(std::launch::async, [&] { return GetGain().SetValue(5); });
+  ASSERT_TRUE(grabber.camera.AwaitHeard(1));
+
+  bridge.Disconnect();
+
+  EXPECT_FALSE(setting.get().IsOK());
+  EXPECT_FALSE(bridge.IsConnected());
+}
+
 TEST_F(Bridge, Save_WithoutAName_IsInvalidInput) {
   Connect();
   KrConfigurationWriter writer;
 
   EXPECT_EQ(bridge.Save("", writer), KrResult::Code::InvalidInput);
+}
+
+// The first feature fails without the camera, the second as the camera does not answer.
+TEST_F(Bridge, Save_OfASilentCameraWithAFeatureThatFailsBefore_StoresNothing) {
+  const auto makeFeature = [](const std::string& aName) {
+    return "<Integer Name=\"" + aName + "\"><Streamable>Yes</Streamable><pValue>" + aName + "Reg</pValue></Integer>\n";
+  };
+  grabber.camera.AddFile(
+      0x01040000, 0x01010000,
+      MakeDescription("<Category Name=\"Root\"><pFeature>Lost</pFeature><pFeature>Gain</pFeature></Category>\n" +
+                      makeFeature("Lost") +
+                      "<IntSwissKnife Name=\"Nowhere\"><Formula>1 / 0</Formula></IntSwissKnife>\n"
+                      "<IntReg Name=\"LostReg\"><pAddress>Nowhere</pAddress><Length>4</Length>"
+                      "<AccessMode>RW</AccessMode><pPort>Device</pPort></IntReg>\n" +
+                      makeFeature("Gain") + MakeIntReg("GainReg", "0x80000000")));
+  const KrResult connected = bridge.ConnectGenCP("SchemaVersion.1.1@XMLVersion.1.4.0");
+  ASSERT_TRUE(connected.IsOK()) << connected.GetDescription().CStr();
+  std::int64_t value = 0;
+  const KrResult lost = bridge.GetParameters()->GetInteger("Lost")->GetValue(value);
+  ASSERT_FALSE(lost.IsOK());
+  ASSERT_NE(lost, KrResult::Code::TimeLimitExceeded);
+  grabber.camera.SetFaults({.isSilent = true});
+  KrConfigurationWriter writer;
+
+  EXPECT_EQ(bridge.Save("Serial0", writer), KrResult::Code::TimeLimitExceeded);
 }
 
 TEST_F(Bridge, PoCL_IsSwitchedByTheFeatureThatTheDeviceHas) {

@@ -23,7 +23,8 @@ class KrStream;
 /// thread, ends them. IsConnected, counters, source and synchronisation may be used at any time. None may be called
 /// from an event sink of the camera's parameters. Ownership: the holder's. The stream is borrowed and must outlive the
 /// bridge; so should the device, without which everything fails with ConnectionLost. The parameters belong to the
-/// bridge and end with the connection: a window that shows them must be told first.
+/// bridge and end with the connection: a window that shows them must be told first. The end waits for accesses of other
+/// threads that have begun; none may begin any more, and what consists of several (Poll, settings) must have ended.
 ///
 /// While it is connected it holds the device's port: nobody else of this process can open it. With a device that is
 /// lost it stays connected, and everything that needs the camera fails with ConnectionLost, until Disconnect. Results
@@ -117,10 +118,10 @@ public:
   /// the camera refuses to tell are logged and left out. WrongState where it is not connected; nothing is stored when
   /// the camera does not answer (TimeLimitExceeded, ConnectionLost) and after Cancel.
   KrResult Save(const KrString& aName, KrConfigurationWriter& aWriter);
-  /// Disconnects, connects as it was saved, sets the features, and then source and synchronisation. Of what is stored
-  /// all is used that can be. aErrors gets a further line for everything that could not be done; the first failure is
-  /// returned, BadData for what is stored wrongly. NotFound where nothing is stored under the name: the bridge stays as
-  /// it was then.
+  /// Disconnects, chooses the source, connects as it was saved, sets the features, and then the synchronisation, which
+  /// stays off where the device lacks the source. Of what is stored all is used that can be. aErrors gets a further
+  /// line for everything that could not be done; the first failure is returned, BadData for what is stored wrongly.
+  /// NotFound where nothing is stored under the name: the bridge stays as it was then.
   KrResult Load(const KrString& aName, const KrConfigurationReader& aReader, KrStringList& aErrors);
 
   /// Power over Camera Link of a device, by the feature that it has for it. False without a device, for one that has
