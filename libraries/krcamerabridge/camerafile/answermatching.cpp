@@ -1,5 +1,6 @@
 #include "camerafile/answermatching.h"
 
+#include <algorithm>
 #include <span>
 
 namespace krcamerabridge {
@@ -115,7 +116,9 @@ Beginning FindBeginning(const CommandTemplate& aTemplate, std::string_view aRece
   return beginning;
 }
 
-MessageSize Need(std::size_t aSize, std::string_view aReceived) {
+MessageSize Need(std::size_t aSize, std::string_view aReceived, std::size_t aLeast) {
+  if (aSize < aLeast)
+    return {MessageSize::State::Never};
   return {aReceived.size() < aSize ? MessageSize::State::More : MessageSize::State::Known, aSize};
 }
 
@@ -126,13 +129,13 @@ std::optional<AnswerContent> MatchAnswer(const CommandTemplate& aTemplate, const
   return Matcher(aTemplate, aRule, aMessage).Match();
 }
 
-MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aReceived) {
+MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aReceived, std::size_t aLeast) {
   constexpr std::size_t kMostMessageBytes = 2560; // A template and the longest text in it.
   const Beginning beginning = FindBeginning(aTemplate, aReceived);
   if (beginning.isDenied)
     return {MessageSize::State::Never};
   if (!beginning.hasLength && beginning.count == aTemplate.size())
-    return Need(beginning.size, aReceived);
+    return Need(beginning.size, aReceived, aLeast);
   if (aReceived.size() < beginning.size)
     return {MessageSize::State::More};
   if (beginning.hasLength) {
@@ -142,13 +145,16 @@ MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aR
     const auto* const number = value ? std::get_if<std::int64_t>(&*value) : nullptr;
     if (!number || *number < part.added || *number - part.added > static_cast<std::int64_t>(kMostMessageBytes))
       return {MessageSize::State::Never};
-    return Need(beginning.size + static_cast<std::size_t>(*number - part.added), aReceived);
+    return Need(beginning.size + static_cast<std::size_t>(*number - part.added), aReceived, aLeast);
   }
-  // It ends with its last literal, behind the part that has no length.
+  // It ends with its last literal, behind the part that has no length and all that have one.
   const std::string_view ending = GetEnding(aTemplate);
-  const std::size_t end = aReceived.find(ending, beginning.size);
+  std::size_t fixed = 0;
+  for (const TemplatePart& part : aTemplate)
+    fixed += GetFixedPartSize(part);
+  const std::size_t end = aReceived.find(ending, std::max(fixed, aLeast) - ending.size());
   if (end != std::string_view::npos)
-    return Need(end + ending.size(), aReceived);
+    return Need(end + ending.size(), aReceived, aLeast);
   return {aReceived.size() > kMostMessageBytes ? MessageSize::State::Never : MessageSize::State::More};
 }
 

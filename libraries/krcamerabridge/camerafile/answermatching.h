@@ -31,7 +31,9 @@ struct MessageSize {
 };
 
 /// Never where the bytes at the beginning are not those of the template, More where its length cannot be told yet, or
-/// it is not whole. Any thread.
-KR_EXPORT MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aReceived);
+/// it is not whole. One that ends with fixed bytes is measured up to their first occurrence from which it has aLeast
+/// bytes; one whose length is otherwise known is Never that long where it is shorter. Any thread.
+KR_EXPORT MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aReceived,
+                                     std::size_t aLeast = 0);
 
 } // namespace krcamerabridge

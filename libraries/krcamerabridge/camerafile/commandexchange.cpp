@@ -14,6 +14,7 @@ using std::chrono::steady_clock;
 
 constexpr std::size_t kMostReceivedBytes = 4096;
 constexpr std::size_t kMostShownBytes = 80;
+constexpr int kMostEndings = 8; // At which a message is tried to end.
 
 // How long bytes are on the line, with a start bit, a parity bit and a stop bit each.
 milliseconds GetLineTime(std::size_t aBytes, std::uint32_t aBaudRate) {
@@ -200,11 +201,16 @@ CommandExchange::Finding CommandExchange::SearchMessages(const CommandTemplate* 
     mReceived.erase(0, message.size());
     if (!mProtocol.prompt.empty() && message.starts_with(mProtocol.prompt))
       message.erase(0, mProtocol.prompt.size());
-    if (const std::size_t place = start.empty() ? std::string::npos : message.rfind(start); place != std::string::npos)
-      message.erase(0, place);
-    if (const Finding finding = Judge(aAnswer, message, aContent); finding != Finding::Nothing)
-      return finding;
+    // What stands before the start is rubbish, which may have one, too, as may the value.
+    std::size_t place = start.empty() ? std::string::npos : message.find(start);
+    message.erase(0, place == std::string::npos ? 0 : place);
     mUnexpected = message;
+    do {
+      if (const Finding finding = Judge(aAnswer, message, aContent); finding != Finding::Nothing)
+        return finding;
+      place = start.empty() ? std::string::npos : message.find(start, 1);
+      message.erase(0, place);
+    } while (!message.empty());
   }
   return Finding::Nothing;
 }
@@ -240,14 +246,17 @@ CommandExchange::Finding CommandExchange::FindMessage(const CommandTemplate* aAn
   if (aAnswer)
     templates.push_back(aAnswer);
   for (const CommandTemplate* const candidate : templates) {
-    const MessageSize size = MeasureMessage(*candidate, aReceived);
+    const bool hasCheck = FindPart(*candidate, TemplatePart::Kind::Check) != nullptr;
+    MessageSize size = MeasureMessage(*candidate, aReceived);
+    // A checksum tells that what looked like the end was part of a value.
+    for (int i = 0; i < kMostEndings && size.state == MessageSize::State::Known && (hasCheck || !aNeedsCheck); ++i) {
+      aSize = size.size;
+      const Finding finding = Judge(aAnswer, aReceived.substr(0, size.size), aContent);
+      if (finding != Finding::Nothing)
+        return finding;
+      size = hasCheck ? MeasureMessage(*candidate, aReceived, aSize + 1) : MessageSize{MessageSize::State::Never};
+    }
     aMayBecomeOne = aMayBecomeOne || size.state == MessageSize::State::More;
-    if (size.state != MessageSize::State::Known || (aNeedsCheck && !FindPart(*candidate, TemplatePart::Kind::Check)))
-      continue;
-    aSize = size.size;
-    const Finding finding = Judge(aAnswer, aReceived.substr(0, size.size), aContent);
-    if (finding != Finding::Nothing)
-      return finding;
   }
   return Finding::Nothing;
 }

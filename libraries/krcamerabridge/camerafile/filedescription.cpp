@@ -87,8 +87,16 @@ private:
         if (parts)
           for (const TemplatePart& part : *parts)
             if (part.kind == TemplatePart::Kind::Feature && !mModel.features[part.featureIndex].isConstant)
-              mSelected[part.featureIndex].insert(i);
+              Relate(part.featureIndex, i);
     }
+  }
+
+  // Texts have no positions that could be walked: what they select is only read again.
+  void Relate(std::size_t aSelector, std::size_t aSelected) {
+    if (mModel.features[aSelector].type == FileType::String)
+      mInvalidators[aSelected].insert(aSelector);
+    else
+      mSelected[aSelector].insert(aSelected);
   }
 
   void WriteRoot() {

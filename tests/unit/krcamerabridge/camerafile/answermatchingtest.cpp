@@ -91,9 +91,22 @@ const MeasureRow kMeasured[] = {
     {"LengthBelowNothing", "02 {length:u8+5} {value}", "\x02\x04"s, State::Never, 0},
     {"LengthBeyondAllLimits", "02 {length:u16be} {value}", "\x02\xFF\xFF"s, State::Never, 0},
     {"Ended", "02 {value} 03", "\x02xyz\x03zz"s, State::Known, 5},
+    {"EndInAChecksum", "02 {value} {check:u8} 03", "\x02\x03"s, State::More, 0},
+    {"EndBehindAChecksum", "02 {value} {check:u8} 03", "\x02x\x03\x03"s, State::Known, 3},
     {"NotEnded", "02 {value} 03", "\x02xyz"s, State::More, 0},
     {"NeverEnded", "02 {value} 03", "\x02"s + std::string(5000, 'x'), State::Never, 0},
 };
+
+TEST(AnswerMatching, MessagesOfAtLeastALength_EndAtALaterEnding) {
+  const CommandTemplate answer = Parse("02 {value} 03", true);
+
+  const MessageSize size = MeasureMessage(answer, "\x02x\x03y\x03z", 4);
+
+  ASSERT_EQ(size.state, State::Known);
+  EXPECT_EQ(size.size, 5U);
+  EXPECT_EQ(MeasureMessage(answer, "\x02x\x03y\x03z", 6).state, State::More);
+  EXPECT_EQ(MeasureMessage(Parse("06 {value:u8}", true), "\x06\x01", 3).state, State::Never);
+}
 
 class MessageMeasuring : public testing::TestWithParam<MeasureRow> {};
 

@@ -157,6 +157,18 @@ TEST_F(TextCameraFile, Selectors_GoIntoTheCommands) {
   EXPECT_EQ(rig.camera.Get("GAIN E"), "30");
 }
 
+TEST(CameraFileTextSelector, WhatItSelects_IsReadAgain) {
+  std::string text = ReadExample("text-camera.yml");
+  Replace(text, "        type: enumeration\n        entries: {Even: E, Odd: O}\n        start: Even\n",
+          "        type: string\n        maxLength: 1\n        start: E\n");
+  Rig<TextCamera> rig(text);
+  ASSERT_EQ(rig.GetText("Gain"), "3");
+
+  ASSERT_TRUE(rig.Set("GainSelector", "O").IsOK());
+
+  EXPECT_EQ(rig.GetText("Gain"), "3.1");
+}
+
 TEST_F(TextCameraFile, WhatChanges_IsReadAgain) {
   EXPECT_EQ(rig.GetText("ExposureTime"), "100.5");
   EXPECT_TRUE(rig.array->Get("ExposureTime")->IsWritable());

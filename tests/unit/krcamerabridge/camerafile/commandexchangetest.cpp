@@ -82,6 +82,54 @@ TEST(CommandExchange, Rubbish_IsPassedOver) {
   EXPECT_EQ(GetWhole(content), 12);
 }
 
+TEST(CommandExchange, StartsInsideAnswers_BelongToThem) {
+  struct Row {
+    const char* sent;
+    const char* answer;
+    const char* value;
+  };
+  const Row rows[] = {
+      {":12:30\r", ":{value:text}\\r", "12:30"},
+      {":T=12:30\r", ":T={value:text}\\r", "12:30"},
+      {"?:?:T=12:30\r", ":T={value:text}\\r", "12:30"},
+      {"noise:T=12\r", ":T={value:text}\\r", "12"},
+  };
+  const FileProtocol protocol = MakeProtocol(
+      "commandEnd: \"\\r\", answerStart: ':', answerEnd: \"\\r\", repeats: 0, errors: [{answer: 'ERR {text}'}]");
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.sent);
+    CameraEnd camera(Answering(row.sent));
+    CommandExchange exchange(camera.GetLine(), protocol);
+    AnswerContent content;
+
+    const KrResult result = exchange.Run(MakeOrder("T?\r", row.answer), {}, content);
+
+    EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    EXPECT_EQ(content.value, WireValue(std::string(row.value)));
+  }
+  CameraEnd camera(Answering(":ERR lens: off\r"));
+  CommandExchange exchange(camera.GetLine(), protocol);
+  AnswerContent content;
+  EXPECT_THAT(exchange.Run(MakeOrder("T?\r", ":T={value:text}\\r"), {}, content).GetDescription().ToUtf8(),
+              HasSubstr("refused \"T?\\r\": lens: off."));
+}
+
+// Of the first the sum is what ends it, of the second a byte of the value.
+TEST(CommandExchange, EndingsInsideBinaryAnswers_BelongToThem) {
+  const FileProtocol protocol = MakeProtocol("data: binary, repeats: 0, check: {kind: sum8, write: u8}");
+  for (const auto& [sent, value] :
+       {std::pair("\x02\x01\x03\x03"s, "\x01"s), std::pair("\x02\x61\x03\x9A\x00\x03"s, "\x61\x03\x9A"s)}) {
+    CameraEnd camera([answer = sent](std::string_view) { return answer; });
+    CommandExchange exchange(camera.GetLine(), protocol);
+    AnswerContent content;
+
+    const KrResult result = exchange.Run(MakeOrder("?", "02 {value:text} {check:u8} 03", true), {}, content);
+
+    EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    EXPECT_EQ(content.value, WireValue(value));
+  }
+}
+
 TEST(CommandExchange, AnError_HasTheCamerasWords) {
   const FileProtocol protocol = MakeProtocol(kPlain);
   CameraEnd camera(Answering("ERR lens cap is on\r"));
