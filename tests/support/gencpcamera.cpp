@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 namespace krtest {
@@ -222,6 +224,16 @@ void GenCPCamera::RefuseControl(bool aRefuses) {
 std::vector<HeardCommand> GenCPCamera::TakeHeard() {
   const std::scoped_lock lock(mMutex);
   return std::exchange(mHeard, {});
+}
+
+bool WireEnds::AwaitCameraRate(std::uint32_t aRate) const {
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (cameraRate != aRate) {
+    if (std::chrono::steady_clock::now() > limit)
+      return false;
+    std::this_thread::yield();
+  }
+  return true;
 }
 
 bool GenCPCamera::AwaitHeard(std::size_t aCount) {

@@ -23,6 +23,9 @@ namespace krtest {
 struct WireEnds {
   std::atomic<std::uint32_t> hostRate{9600};
   std::atomic<std::uint32_t> cameraRate{9600};
+
+  /// The camera changes its rate behind its acknowledge: false when it has not within a generous limit.
+  bool AwaitCameraRate(std::uint32_t aRate) const;
 };
 
 /// What the camera and its line do wrong; all of it may be changed at any time.

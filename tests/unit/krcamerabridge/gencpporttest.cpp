@@ -117,12 +117,12 @@ TEST_F(PortOnLine, Access_WithoutAConnection_IsAWrongState) {
 TEST_F(PortOnLine, Disconnect_GivesTheCameraFreeAndItCanBeConnectedAgain) {
   camera.PokeNumber(GenCPCamera::kSerialMap, 4, 0xFF);
   Connect();
-  EXPECT_EQ(camera.GetWire()->cameraRate, 115200u);
+  EXPECT_TRUE(camera.GetWire()->AwaitCameraRate(115200u));
   EXPECT_EQ(camera.PeekNumber(kPrivilege, 4), 1u);
 
   port.Disconnect();
 
-  EXPECT_EQ(camera.GetWire()->cameraRate, 9600u);
+  EXPECT_TRUE(camera.GetWire()->AwaitCameraRate(9600u));
   EXPECT_EQ(camera.GetWire()->hostRate, 9600u);
   EXPECT_EQ(camera.PeekNumber(kPrivilege, 4), 0u);
   Connect();
@@ -194,7 +194,7 @@ TEST_F(PortOnLine, CameraThatWasSwitchedOffAndOn_IsControlledAgainAtItsRate) {
   EXPECT_TRUE(ReadUntilAnswered().IsOK());
 
   EXPECT_EQ(camera.PeekNumber(kPrivilege, 4), 1u);
-  EXPECT_EQ(camera.GetWire()->cameraRate, 115200u);
+  EXPECT_TRUE(camera.GetWire()->AwaitCameraRate(115200u));
 }
 
 TEST_F(PortOnLine, LimitOfTheCaller_CountsForAPendingCameraToo) {

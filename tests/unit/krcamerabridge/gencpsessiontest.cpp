@@ -27,7 +27,7 @@ protected:
     EXPECT_EQ(bytes, camera.Peek(kFeatures, 100));
   }
   void ExpectRates(std::uint32_t aRate) {
-    EXPECT_EQ(wire.cameraRate, aRate);
+    EXPECT_TRUE(wire.AwaitCameraRate(aRate));
     EXPECT_EQ(wire.hostRate, aRate);
   }
 
@@ -244,7 +244,7 @@ TEST(GenCPSessionOnAFixedLine, Rate_StaysAsItIs) {
   ASSERT_TRUE(session.Open({}).IsOK());
   ASSERT_TRUE(session.TakeControl({}).IsOK());
 
-  EXPECT_EQ(camera.GetWire()->cameraRate, 9600u);
+  EXPECT_TRUE(camera.GetWire()->AwaitCameraRate(9600));
 }
 
 } // namespace
