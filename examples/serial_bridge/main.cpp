@@ -3,6 +3,7 @@
 
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceadapter.h"
+#include "krserial/krdeviceserialport.h"
 #include "krserial/krhostserialports.h"
 #include "krserial/krserialbridge.h"
 #include "krsystem/krsystem.h"
@@ -23,7 +24,7 @@ constexpr const char* kUsage = R"(usage: serial_bridge [--simulate] [--create] C
   --simulate  simulated cameras can be used as well
   --create    makes COMPORT, for programs of this computer, as long as this program runs
   CAMERA      the camera's MAC address, or the name that it was given
-  PORT        the camera's serial port: Serial0, Serial1, Bulk0 to Bulk7
+  PORT        the camera's serial port: Serial0, Serial1, Bulk0 to Bulk7, in just these letters
   COMPORT     the serial port of this computer, COM1 and up: what the link com1 and so on leads to in
               ~/.config/krgui/com-ports, or else one of the serial ports that the computer has
   BAUD        the speed of COMPORT, 115200 without it
@@ -38,6 +39,19 @@ Ctrl-C ends the bridge.
 int Fail(const KrResult& aResult) {
   std::cerr << aResult.GetCodeString().CStr() << ": " << aResult.GetDescription().CStr() << '\n';
   return 1;
+}
+
+int FailUsage(const std::string& aWhat) {
+  std::cerr << aWhat << "\n\n" << kUsage;
+  return 64;
+}
+
+std::string ListPorts(IKrDeviceAdapter& aAdapter) {
+  std::string names;
+  for (const KrDeviceSerial port : kDeviceSerialPorts)
+    if (KrDeviceSerialPort::IsSupported(&aAdapter, port))
+      names += (names.empty() ? "" : ", ") + GetPortName(port).ToUtf8();
+  return names.empty() ? "none" : names;
 }
 
 // Whether it is a number and nothing else.
@@ -70,13 +84,19 @@ int main(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   const bool isSimulating = std::erase(arguments, "--simulate") > 0;
   const bool isCreating = std::erase(arguments, "--create") > 0;
+  if (std::erase(arguments, "--help") + std::erase(arguments, "-h") > 0) {
+    std::cout << kUsage;
+    return 0;
+  }
+  for (const std::string& argument : arguments)
+    if (argument.starts_with('-'))
+      return FailUsage("There is no option " + argument + ".");
+  if (arguments.size() < 3 || arguments.size() > 4)
+    return FailUsage("It takes CAMERA, PORT, COMPORT and perhaps BAUD.");
   KrSerialPortConfiguration configuration;
   configuration.baudRate = 115200;
-  if (arguments.size() < 3 || arguments.size() > 4 ||
-      (arguments.size() == 4 && !ParseSpeed(arguments[3], configuration.baudRate))) {
-    std::cerr << kUsage;
-    return 64;
-  }
+  if (arguments.size() == 4 && !ParseSpeed(arguments[3], configuration.baudRate))
+    return FailUsage("The speed " + arguments[3] + " is no number.");
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
@@ -93,10 +113,14 @@ int main(int argc, char** argv) {
   if (!result.IsOK())
     return Fail(result);
   KrDeviceAdapter adapter(*device);
+  const KrDeviceSerial devicePort = FindPort(arguments[1]);
+  if (devicePort == KrDeviceSerial::Invalid || !KrDeviceSerialPort::IsSupported(&adapter, devicePort))
+    return Fail({KrResult::Code::NotFound,
+                 "The camera has no serial port " + arguments[1] + ". It has: " + ListPorts(adapter) + "."});
 
   KrSerialBridge bridge;
   bridge.SetCreatingPort(isCreating);
-  result = bridge.Start(arguments[2], configuration, &adapter, FindPort(arguments[1]));
+  result = bridge.Start(arguments[2], configuration, &adapter, devicePort);
   KrHostSerialPort port;
   if (result.IsOK())
     result = KrHostSerialPorts::Find(bridge.GetSerialPort(), port);

@@ -39,13 +39,14 @@ bool ParseLine(std::string_view aLine, PortNumbers& aNumbers, std::set<std::uint
          aGiven.insert(number).second && aNumbers.emplace(identity, number).second;
 }
 
-// Held by one process at a time, and by one thread of it, for moments. A process that was stopped while it had it is
-// not waited for: a bridge that looks for its port must end soon.
+// Held by one process at a time, and by one thread of it, for moments. The wait is no queue: where many want it on a
+// slow disk, one of them may be passed over for most of it. A process that was stopped while it had the lock is not
+// waited for: a bridge that looks for its port must end soon.
 class NumbersLock {
 public:
   explicit NumbersLock(const std::string& aFile)
       : mDescriptor(::open((aFile + ".lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600)) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(2);
     while (mDescriptor.IsOpen() && ::flock(mDescriptor.Get(), LOCK_EX | LOCK_NB) != 0) {
       if (std::chrono::steady_clock::now() > limit)
         mDescriptor.Close();

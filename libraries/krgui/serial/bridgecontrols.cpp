@@ -2,6 +2,7 @@
 
 #include "platform/plainline.h"
 #include "platform/toqstring.h"
+#include "serial/choicelist.h"
 
 #include <QFontMetrics>
 #include <QGroupBox>
@@ -78,6 +79,8 @@ BridgeControls::BridgeControls(const QWidget& aDialog, Lookup aLookup)
       mBoldFont(aDialog.font()) {
   mBoldFont.setWeight(QFont::Bold);
   NameControls();
+  for (QComboBox* list : {&GetPortList(), &GetCOMPortControl()})
+    new ChoiceList(*list);
   ReserveLetters(GetPortList(), kPortListLetters);
   GetPortList().setPlaceholderText(QStringLiteral("Choose..."));
   ReserveLetters(GetCOMPortControl(), kCOMPortListLetters);
@@ -118,6 +121,16 @@ void BridgeControls::CheckKind(BridgeKind aKind) {
     // The tabulator leads to what is checked, also before one of them had the focus.
     button->setFocusPolicy(button == checked ? Qt::StrongFocus : Qt::ClickFocus);
   }
+}
+
+void BridgeControls::ShowNoBridge() {
+  CheckKind(BridgeKind::None);
+  mCOMPorts.Select({});
+  ShowDescription("Not selected");
+  ShowCameraLinkName("Inactive");
+  ShowStatistics(nullptr);
+  ShowBaudRates(nullptr);
+  Enable();
 }
 
 void BridgeControls::ShowDescription(const KrString& aText) const {

@@ -10,7 +10,6 @@
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QSignalBlocker>
-#include <QWheelEvent>
 
 #include <algorithm>
 #include <set>
@@ -19,15 +18,27 @@ namespace krgui {
 
 namespace {
 
-/// A list that is closed opens by it.
-bool OpensList(const QEvent& aEvent) {
-  if (aEvent.type() == QEvent::MouseButtonPress)
+bool HasModifier(const QKeyEvent& aKey) {
+  return (aKey.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) != Qt::NoModifier;
+}
+
+/// A closed list of the toolkit's takes another entry by it, or opens.
+bool IsKeyOfList(const QKeyEvent& aKey) {
+  switch (aKey.key()) {
+  case Qt::Key_F4:
     return true;
-  if (aEvent.type() != QEvent::KeyPress)
-    return false;
-  const auto& key = static_cast<const QKeyEvent&>(aEvent);
-  const bool isArrow = key.key() == Qt::Key_Down || key.key() == Qt::Key_Up;
-  return key.key() == Qt::Key_F4 || key.key() == Qt::Key_Space || (isArrow && key.modifiers() == Qt::AltModifier);
+  case Qt::Key_Up:
+  case Qt::Key_Down:
+    return !HasModifier(aKey) || aKey.modifiers().testFlag(Qt::AltModifier);
+  case Qt::Key_Home:
+  case Qt::Key_End:
+  case Qt::Key_PageUp:
+  case Qt::Key_PageDown:
+    return !HasModifier(aKey);
+  default:
+    // A text is looked for among the entries. Enter and the like are none.
+    return !HasModifier(aKey) && !aKey.text().isEmpty() && aKey.text().front().isPrint();
+  }
 }
 
 /// What a port is, for people.
@@ -104,14 +115,15 @@ std::optional<std::uint32_t> COMPortList::GetSelected() const {
 }
 
 bool COMPortList::eventFilter(QObject* aWatched, QEvent* aEvent) {
-  // Not the list that is open: that is a window of its own.
-  if (aEvent->type() == QEvent::Wheel) {
-    aEvent->ignore();
-    return true;
-  }
+  const bool isPress = aEvent->type() == QEvent::MouseButtonPress;
+  const bool isKey = aEvent->type() == QEvent::KeyPress && IsKeyOfList(static_cast<const QKeyEvent&>(*aEvent));
   // The list's view is made when it is first asked for, which other events come in the midst of.
-  if (OpensList(*aEvent) && mList.isEnabled() && !mList.view()->isVisible())
+  if ((isPress || isKey) && mList.isEnabled() && !mList.view()->isVisible()) {
     Refresh();
+    if (isKey)
+      mList.showPopup();
+    return isKey;
+  }
   return QObject::eventFilter(aWatched, aEvent);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
-// The list of the host's COM ports: filled anew whenever the user opens it, and left alone by the mouse wheel, as every
-// choice starts a link. What a choice does is left to the window.
+// The list of the host's COM ports: filled anew whenever the user opens it. As every choice ends a link and starts
+// another one, there is none while it is closed: keys open it. What a choice does is left to the window.
 
 #include <QObject>
 #include <QString>

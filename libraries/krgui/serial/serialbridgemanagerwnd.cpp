@@ -57,7 +57,7 @@ KrResult SerialBridgeManagerWnd::SetDevice(IKrDeviceAdapter* aAdapter) {
   if (mControls)
     cursor.emplace();
   mBridges->SetDevice(aAdapter, aAdapter != nullptr ? aAdapter->GetDeviceText() : KrString());
-  Refresh();
+  ShowOtherBridges();
   return {};
 }
 
@@ -74,7 +74,7 @@ KrResult SerialBridgeManagerWnd::Load(const KrPropertyList& aProperties, KrStrin
   if (mControls)
     cursor.emplace();
   mBridges->Load(aProperties, aErrors);
-  Refresh();
+  ShowOtherBridges();
   return {};
 }
 
@@ -176,6 +176,13 @@ void SerialBridgeManagerWnd::Refresh() {
   Tick();
 }
 
+/// What was shown of a port that is not selected any more was of a bridge that is no more.
+void SerialBridgeManagerWnd::ShowOtherBridges() {
+  Refresh();
+  if (mControls && GetSelectedBridge() == nullptr)
+    mControls->ShowNoBridge();
+}
+
 void SerialBridgeManagerWnd::Tick() {
   const SerialBridge* const bridge = GetSelectedBridge();
   mControls->ShowStatistics(bridge);
@@ -228,6 +235,11 @@ void SerialBridgeManagerWnd::ChooseKind(BridgeKind aKind) {
   SerialBridge* bridge = GetSelectedBridge();
   if (bridge == nullptr) {
     mControls->RestoreKind();
+    return;
+  }
+  if (aKind == BridgeKind::COMPort && !bridge->GetCOMPort().IsEmpty()) {
+    // The button of a link that there is already: its port stays the one that is shown.
+    mControls->GetCOMPortList().Refresh();
     return;
   }
   const Moment moment = GetMoment(*bridge);

@@ -70,6 +70,7 @@ private:
 
   void WireControls();
   void Refresh();
+  void ShowOtherBridges();
   void Tick();
   void ShowSelectedPort();
   void ShowCOMPort(const SerialBridge& aBridge);

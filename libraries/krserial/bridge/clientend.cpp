@@ -51,10 +51,12 @@ KrResult ClientEnd::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& a
       GiveWaiting();
     }
     const ClientTerminal::Taken taken = mTerminal->Read(aBytes, aSize);
-    if (taken.hasClient)
+    if (taken.hasClient) {
       FollowSpeed(taken.isSet);
-    else
+    } else {
+      ForgetRefusal();
       PrepareForNext();
+    }
     aRead = taken.size;
     if (aRead > 0)
       return {};
@@ -156,6 +158,12 @@ void ClientEnd::PrepareForNext() {
   mSeenSpeed = speed;
 }
 
+void ClientEnd::ForgetRefusal() {
+  if (mIsRefused && mSpeedRequest)
+    (void)mSpeedRequest(0);
+  mIsRefused = false;
+}
+
 // A client that has set its port asks for that speed even where it is the one that the port had, if the device has
 // another.
 void ClientEnd::FollowSpeed(bool aIsSet) {
@@ -168,12 +176,14 @@ void ClientEnd::FollowSpeed(bool aIsSet) {
     if (speed == 0 || !isAsked)
       return;
     mSeenSpeed = speed;
-    if (speed == mDeviceSpeed || !mSpeedRequest)
+    // The speed that the device has is asked for where that takes a refused wish back.
+    if ((speed == mDeviceSpeed && !mIsRefused) || !mSpeedRequest)
       return;
     former = std::exchange(mDeviceSpeed, speed);
   }
   const KrResult followed = mSpeedRequest(speed);
-  if (followed.IsOK())
+  mIsRefused = !followed.IsOK();
+  if (!mIsRefused)
     return;
   {
     const std::lock_guard lock(mMutex);

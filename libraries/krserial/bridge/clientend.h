@@ -44,12 +44,14 @@ private:
   bool IsWaiting();
   void WaitForNews(bool aHasClient, const std::stop_token& aStop);
   void FollowSpeed(bool aIsSet);
+  void ForgetRefusal();
   void Offer(std::uint32_t& aSpeed, std::uint32_t aBaudRate);
   void PrepareForNext();
 
   std::unique_ptr<ClientTerminal> mTerminal;
   std::unique_ptr<PortLink> mLink; // Ends before what it leads to.
   SpeedRequest mSpeedRequest;
+  bool mIsRefused = false; // Of the thread that reads: the client's speed is one that the device has not.
   StopSignal mReadStop;
   StopSignal mWriteStop;
 

@@ -50,7 +50,8 @@ public:
   virtual KrResult Configure(const KrSerialPortConfiguration& aConfiguration) = 0;
 
   /// Called, on a thread of the end's or in Read, when the other end asks for a speed; it answers what became of it and
-  /// must not call back. Set before the first Read.
+  /// must not call back. 0, which is always OK, says that who has asked is gone, and a refusal with him. Set before the
+  /// first Read.
   using SpeedRequest = std::function<KrResult(std::uint32_t aBaudRate)>;
   virtual void SetSpeedRequest(SpeedRequest aRequest) = 0;
   /// Tells the end what the device's port can do and is set to. May come at any time.

@@ -43,6 +43,10 @@ void PortSpeed::SetHardCoded(std::uint32_t aBaudRate) {
 }
 
 KrResult PortSpeed::Request(std::uint32_t aBaudRate) {
+  if (aBaudRate == 0) {
+    mStatus.SetNote({});
+    return {};
+  }
   if (mSupported.empty() && aBaudRate == Get())
     return {};
   KrResult set = mSpeed.Set(aBaudRate, mStop.get_token());

@@ -43,7 +43,8 @@ public:
   void SetHardCoded(std::uint32_t aBaudRate);
 
   /// Sets the device's port. NotSupported for a speed that it does not have, which the status then notes; where the
-  /// device cannot be set at all, the hard-coded speed is had already, and nothing is noted.
+  /// device cannot be set at all, the hard-coded speed is had already, and nothing is noted. With 0 nothing is set, and
+  /// the note ends.
   KrResult Request(std::uint32_t aBaudRate);
   /// The same, where it does not matter whether the port has the speed.
   void Prefer(std::uint32_t aBaudRate);

@@ -75,8 +75,10 @@ KrResult TtyEnd::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRea
     return MakeLost();
   while (!aStop.stop_requested() && aSize > 0) {
     const ssize_t size = ::read(tty->GetDescriptor(), aBytes, aSize);
-    if (tty->IsLost() || (size == 0 && tty->IsHungUp()) || (size < 0 && !CanBeTriedAgain()))
+    if (tty->IsLost() || (size == 0 && tty->IsHungUp()) || (size < 0 && !CanBeTriedAgain())) {
+      ForgetRefusal();
       return tty->Lose();
+    }
     // What came after the change of speed is given after the asking for it.
     FollowSpeed(*tty);
     aRead = size > 0 ? static_cast<std::size_t>(size) : 0;
@@ -91,11 +93,19 @@ void TtyEnd::FollowSpeed(OpenTty& aTty) {
   std::uint32_t baudRate = 0;
   if (!aTty.IsPseudoTerminal() || !aTty.NoticeSpeed(baudRate) || !mSpeedRequest)
     return;
-  if (const KrResult followed = mSpeedRequest(baudRate); !followed.IsOK())
+  const KrResult followed = mSpeedRequest(baudRate);
+  mIsRefused = !followed.IsOK();
+  if (mIsRefused)
     KrLogger("KrSerial")
         .Log(KrLogLevel::Info, {"TtyEnd::FollowSpeed", "ttyend"},
              mName + " was set to " + std::to_string(baudRate) +
                  " baud, which the device does not follow: " + followed.GetDescription());
+}
+
+void TtyEnd::ForgetRefusal() {
+  if (mIsRefused && mSpeedRequest)
+    (void)mSpeedRequest(0);
+  mIsRefused = false;
 }
 
 KrResult TtyEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,

@@ -42,9 +42,11 @@ private:
   KrResult TakeAgain();
   KrResult MakeLost() const;
   void FollowSpeed(OpenTty& aTty);
+  void ForgetRefusal();
 
   const KrString mName;
   SpeedRequest mSpeedRequest;
+  bool mIsRefused = false; // Of the thread that reads: the other end's speed is one that the device has not.
   StopSignal mReadStop;
   StopSignal mWriteStop;
 

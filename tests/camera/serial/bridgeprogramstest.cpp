@@ -14,6 +14,7 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <string>
 
 namespace {
 
@@ -369,6 +370,40 @@ TEST(BridgeExample, PortThatTheHostLacks_IsSaid) {
 
   EXPECT_EQ(example.exitCode(), 1);
   EXPECT_THAT(example.readAllStandardError().toStdString(), HasSubstr("COM999"));
+}
+
+TEST(BridgeExample, Help_IsShownAndNoError) {
+  for (const char* option : {"--help", "-h"}) {
+    QProcess example;
+    example.start(KR_EXAMPLE_PATH, {option});
+
+    ASSERT_TRUE(example.waitForFinished(kProgramLimitMs));
+    EXPECT_EQ(example.exitCode(), 0) << option;
+    EXPECT_THAT(example.readAllStandardOutput().toStdString(), HasSubstr("usage: ")) << option;
+    EXPECT_EQ(example.readAllStandardError(), "") << option;
+  }
+}
+
+TEST(BridgeExample, UnknownOption_IsSaid) {
+  QProcess example;
+  example.start(KR_EXAMPLE_PATH, {"--simulated", "sim-mono", "Serial0", "COM999"});
+
+  ASSERT_TRUE(example.waitForFinished(kProgramLimitMs));
+  EXPECT_EQ(example.exitCode(), 64);
+  EXPECT_THAT(example.readAllStandardError().toStdString(),
+              AllOf(HasSubstr("There is no option --simulated."), HasSubstr("usage: ")));
+}
+
+TEST(BridgeExample, PortThatTheCameraLacks_IsSaidWithThoseThatItHas) {
+  for (const char* port : {"serial0", "Serial7", "CLDLL"}) {
+    QProcess example;
+    example.start(KR_EXAMPLE_PATH, {"--simulate", "sim-mono", port, "COM999"});
+
+    ASSERT_TRUE(example.waitForFinished(kProgramLimitMs));
+    EXPECT_EQ(example.exitCode(), 1) << port;
+    EXPECT_THAT(example.readAllStandardError().toStdString(),
+                AllOf(HasSubstr("no serial port " + std::string(port) + ". It has: Serial0, "), HasSubstr("Bulk0")));
+  }
 }
 
 TEST(BridgeExample, SpeedThatIsNoNumber_ShowsTheUsage) {

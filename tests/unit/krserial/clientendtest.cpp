@@ -293,6 +293,37 @@ TEST_F(ClientEndTest, Speed_ThatTheDeviceRefused_IsNotLeftToTheNextClient) {
   EXPECT_EQ(PortClient(mPath).GetSettings().GetSpeed(), 9600U);
 }
 
+TEST_F(ClientEndTest, RefusedSpeed_IsTakenBackByAskingForTheDevices) {
+  const std::unique_ptr<IHostEnd> end = Open();
+  HostEndReader reader(*end);
+  end->TellSpeed({.supported = {9600}, .current = 9600});
+  const PortClient client(mPath);
+  reader.Answer({KrResult::Code::NotSupported, "No such speed."});
+  client.SetSpeed(57600);
+  ASSERT_THAT(reader.AwaitEvents(1), ElementsAre("57600 baud"));
+  reader.Answer({});
+
+  client.SetSpeed(9600);
+  ASSERT_THAT(reader.AwaitEvents(2), ElementsAre("57600 baud", "9600 baud"));
+  client.SetSpeed(9600);
+  client.Write("x");
+
+  EXPECT_THAT(reader.AwaitEvents(3), ElementsAre("57600 baud", "9600 baud", "x")) << "once";
+}
+
+TEST_F(ClientEndTest, RefusedSpeed_IsTakenBackWhenTheClientLeaves) {
+  const std::unique_ptr<IHostEnd> end = Open();
+  HostEndReader reader(*end);
+  reader.Answer({KrResult::Code::NotSupported, "No such speed."});
+  auto client = std::make_unique<PortClient>(mPath);
+  client->SetSpeed(57600);
+  ASSERT_THAT(reader.AwaitEvents(1), ElementsAre("57600 baud"));
+
+  client.reset();
+
+  EXPECT_THAT(reader.AwaitEvents(2), ElementsAre("57600 baud", "0 baud"));
+}
+
 TEST_F(ClientEndTest, ConfiguredSpeed_ThatTheDeviceHasNotTaken_IsNotLeftToAClientAndAskedFor) {
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);

@@ -74,6 +74,16 @@ TEST_F(PortSpeedTest, Request_OfAnotherSpeed_IsRefusedAndNotedUntilTheNextThatIs
   EXPECT_EQ(status.GetText(), KrString());
 }
 
+TEST_F(PortSpeedTest, Refusal_IsForgottenWithWhoeverHasAsked) {
+  Start();
+  ASSERT_EQ(speed.Request(57600), KrResult::Code::NotSupported);
+
+  EXPECT_TRUE(speed.Request(0).IsOK());
+
+  EXPECT_EQ(status.GetText(), KrString());
+  EXPECT_EQ(adapter.GetSpeed(), "Baud9600");
+}
+
 TEST_F(PortSpeedTest, Prefer_OfAnotherSpeed_IsNoFault) {
   Start();
 

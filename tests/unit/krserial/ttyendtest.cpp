@@ -427,6 +427,19 @@ TEST_F(TtyEndTest, Speed_SetAtTheOtherEndWithoutBytes_IsAskedForOnce) {
   EXPECT_THAT(reader.AwaitEvents(2), ElementsAre("31250 baud", "x"));
 }
 
+TEST_F(TtyEndTest, RefusedSpeed_IsTakenBackWhenThePortHasGone) {
+  UseNewTerminal();
+  const std::unique_ptr<IHostEnd> end = Open(MakeSpeed(9600));
+  HostEndReader reader(*end);
+  reader.Answer({KrResult::Code::NotSupported, "No such speed."});
+  SetSpeed(*mTerminal, 31250);
+  ASSERT_THAT(reader.AwaitEvents(1), ElementsAre("31250 baud"));
+
+  mTerminal.reset();
+
+  EXPECT_THAT(reader.AwaitEvents(2), ElementsAre("31250 baud", "0 baud"));
+}
+
 TEST_F(TtyEndTest, Speed_SetAtTheOtherEndWithReadingThatDoesNotWait_IsAskedForAndNothingIsLost) {
   UseNewTerminal();
   const std::unique_ptr<IHostEnd> end = Open({.baudRate = 9600, .stopBits = 2});

@@ -9,6 +9,7 @@ namespace {
 
 using krtest::BridgeHost;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::StartsWith;
@@ -126,6 +127,18 @@ TEST_F(BridgeList, Loading_EndsWhatRan) {
 
   EXPECT_EQ(GetKind(kSerial0), BridgeKind::None);
   EXPECT_FALSE(mLine->IsOpen());
+}
+
+TEST_F(BridgeList, TwoPortsOnOneThatIsMade_AreTheFirstOnesAndBusy) {
+  mBridges.SetCreatingPorts(true);
+
+  const std::vector<std::string> errors =
+      Load({{"Serial0", "COMPort"}, {"Serial0Port", "COM42"}, {"Bulk0", "COMPort"}, {"Bulk0Port", "COM42"}});
+
+  EXPECT_THAT(errors, ElementsAre(HasSubstr("Busy")));
+  EXPECT_TRUE(mLine->IsOpen());
+  EXPECT_FALSE(mBulk->IsOpen());
+  EXPECT_EQ(GetKind(kBulk0), BridgeKind::None);
 }
 
 TEST_F(BridgeList, PortThatTheDeviceLacks_IsToldAndTheOthersAreLoaded) {

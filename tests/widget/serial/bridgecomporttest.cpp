@@ -147,19 +147,80 @@ TEST_F(COMPorts, HostWithoutPorts_IsSaid) {
   EXPECT_EQ(GetText(id::kState), "The host has no COM port.");
 }
 
-TEST_F(COMPorts, Wheel_ChoosesNothing) {
+TEST_F(COMPorts, Wheel_ChoosesNothingInEitherList) {
   OpenOnSerial1();
   Click(id::kCOMPortLink);
-  GetList().setFocus();
 
-  for (const int angle : {-120, 120}) {
-    QWheelEvent wheel(QPointF(5, 5), GetList().mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&GetList(), &wheel);
-    EXPECT_FALSE(wheel.isAccepted());
+  for (QComboBox* list : {&GetList(), &Get<QComboBox>(id::kDevicePort)}) {
+    list->setFocus();
+    for (const int angle : {-120, 120}) {
+      QWheelEvent wheel(QPointF(5, 5), list->mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton, Qt::NoModifier,
+                        Qt::NoScrollPhase, false);
+      QCoreApplication::sendEvent(list, &wheel);
+      EXPECT_FALSE(wheel.isAccepted());
+    }
   }
 
   EXPECT_EQ(GetList().currentIndex(), -1);
+  EXPECT_EQ(mLines[1]->CountOpenings(), 0);
+  EXPECT_EQ(GetSelected(id::kDevicePort), "Serial1");
+}
+
+TEST_F(COMPorts, KeysInTheClosedList_OpenItAndLeaveTheLink) {
+  SetRates({"9600"});
+  OpenOnSerial1();
+  Link(COM3);
+  GetList().setFocus();
+
+  for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown,
+                            Qt::Key_C, Qt::Key_Space}) {
+    QTest::keyClick(&GetList(), key);
+
+    ASSERT_TRUE(WaitFor([&] { return GetList().view()->isVisible(); })) << key;
+    EXPECT_EQ(GetList().view()->currentIndex().row(), COM3) << key;
+    QTest::keyClick(GetList().view(), Qt::Key_Up);
+    QTest::keyClick(GetList().view(), Qt::Key_Escape);
+    ASSERT_TRUE(WaitFor([&] { return !GetList().view()->isVisible(); })) << key;
+    EXPECT_EQ(GetSelected(id::kCOMPort), "COM3") << key;
+  }
+
+  EXPECT_EQ(mLines[1]->CountOpenings(), 1);
+  EXPECT_TRUE(mLines[1]->IsOpen());
+}
+
+TEST_F(COMPorts, EnterInTheOpenList_TakesTheMarkedPort) {
+  SetRates({"9600"});
+  OpenOnSerial1();
+  Link(COM3);
+  GetList().setFocus();
+  QTest::keyClick(&GetList(), Qt::Key_Up);
+  ASSERT_TRUE(WaitFor([&] { return GetList().view()->isVisible(); }));
+
+  QTest::keyClick(GetList().view(), Qt::Key_Up);
+  EXPECT_EQ(mLines[1]->CountOpenings(), 1);
+  QTest::keyClick(GetList().view(), Qt::Key_Return);
+
+  EXPECT_EQ(GetSelected(id::kCOMPort), "COM1");
+  EXPECT_EQ(mLines[1]->CountOpenings(), 2);
+}
+
+TEST_F(COMPorts, ListsOpenedWithoutASelection_MarkTheirFirstEntry) {
+  Open();
+  auto& ports = Get<QComboBox>(id::kDevicePort);
+  ports.setFocus();
+  QTest::keyClick(&ports, Qt::Key_Space);
+  ASSERT_TRUE(WaitFor([&] { return ports.view()->isVisible(); }));
+  EXPECT_EQ(ports.view()->selectionModel()->selectedIndexes().value(0).row(), Serial0);
+  QTest::keyClick(ports.view(), Qt::Key_Down);
+  QTest::keyClick(ports.view(), Qt::Key_Return);
+  EXPECT_EQ(GetSelected(id::kDevicePort), "Serial1");
+
+  Click(id::kCOMPortLink);
+  GetList().setFocus();
+  QTest::keyClick(&GetList(), Qt::Key_Down);
+  ASSERT_TRUE(WaitFor([&] { return GetList().view()->isVisible(); }));
+  EXPECT_EQ(GetList().view()->currentIndex().row(), COM1);
+  QTest::keyClick(GetList().view(), Qt::Key_Escape);
   EXPECT_EQ(mLines[1]->CountOpenings(), 0);
 }
 

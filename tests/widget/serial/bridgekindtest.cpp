@@ -101,20 +101,23 @@ TEST_F(Kinds, COMPortLink_ListsTheHostsPortsAnewAndSelectsNone) {
   EXPECT_EQ(GetText(id::kState), "Choose a COM port.");
 }
 
-TEST_F(Kinds, COMPortLinkOfALinkThatRuns_ShowsNoPortAndTheLinkGoesOn) {
+TEST_F(Kinds, COMPortLinkOfALinkThatRuns_ListsThePortsAnewAndLeavesTheRest) {
   OpenOnSerial1();
   AnswerBoxes(1);
   Link(COM3);
+  const std::string description = GetText(id::kDescription);
+  mHost.AddPort(2);
 
   Click(id::kCOMPortLink);
 
-  EXPECT_EQ(Get<QComboBox>(id::kCOMPort).currentIndex(), -1);
-  EXPECT_EQ(GetText(id::kDescription), "Not selected");
-  EXPECT_FALSE(IsEnabled(id::kConfigure));
+  EXPECT_EQ(GetKind(), "Serial COM Port Link");
+  EXPECT_EQ(GetSelected(id::kCOMPort), "COM3");
+  EXPECT_THAT(GetEntries(Get<QComboBox>(id::kCOMPort)), ElementsAre("COM1", "COM2", "COM3", "COM12"));
+  EXPECT_EQ(GetText(id::kDescription), description);
+  EXPECT_NE(description, "Not selected");
+  EXPECT_TRUE(IsEnabled(id::kConfigure));
   EXPECT_TRUE(mLines[1]->IsOpen());
   EXPECT_EQ(mLines[1]->CountOpenings(), 1);
-  PickPort(Serial1);
-  EXPECT_EQ(GetSelected(id::kCOMPort), "COM3");
 }
 
 TEST_F(Kinds, None_EndsTheLink) {

@@ -4,7 +4,9 @@
 
 #include <QEvent>
 
+#include <functional>
 #include <map>
+#include <vector>
 
 namespace krgui {
 
@@ -186,18 +188,35 @@ TEST_F(State, AnotherDevice_EndsTheBridgesAndShowsItsPorts) {
   mWindow.reset();
 }
 
-TEST_F(State, DeviceSetAnewWithTheFirstPortSelected_LeavesWhatIsShown) {
-  SetRates({"9600"});
+TEST_F(State, BridgesMadeAnewWithNothingSelected_LeaveNothingOfTheFormerOnes) {
+  const std::vector<std::function<void()>> ways = {[this] { EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK()); },
+                                                   [this] { EXPECT_TRUE(mWindow->SetDevice(&mDevice).IsOK()); },
+                                                   [this] { EXPECT_THAT(Load({}), IsEmpty()); }};
   mDevice.lines.erase(0);
-  OpenOnSerial1();
-  ASSERT_EQ(GetSelected(id::kDevicePort), "Bulk0");
-  PickPort(Serial0);
-  ASSERT_EQ(GetSelected(id::kDevicePort), "Serial1");
+  SetRates({"9600"});
+  Open();
+  for (const auto& makeAnew : ways) {
+    ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
+    ASSERT_THAT(Load({{"Serial1", "COMPort"}, {"Serial1Port", "COM3"}}), IsEmpty());
+    PickPort(Serial0);
+    ASSERT_EQ(GetSelected(id::kDevicePort), "Serial1") << "the first one of this device";
+    ASSERT_EQ(GetKind(), "Serial COM Port Link");
+    mHost.Send(3, "abc");
+    ASSERT_TRUE(WaitFor([&] { return GetText(id::kBytesSent) == "Bytes sent: 3"; }));
 
-  EXPECT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
+    makeAnew();
 
-  EXPECT_EQ(Get<QComboBox>(id::kDevicePort).currentIndex(), -1);
-  EXPECT_EQ(GetText(id::kDescription), "Not selected");
+    EXPECT_EQ(Get<QComboBox>(id::kDevicePort).currentIndex(), -1);
+    EXPECT_EQ(GetKind(), "None");
+    EXPECT_EQ(Get<QComboBox>(id::kCOMPort).currentIndex(), -1);
+    EXPECT_FALSE(IsEnabled(id::kCOMPort));
+    EXPECT_FALSE(IsEnabled(id::kConfigure));
+    EXPECT_FALSE(IsEnabled(id::kReset));
+    EXPECT_EQ(GetText(id::kDescription), "Not selected");
+    EXPECT_EQ(GetText(id::kCameraLinkName), "Inactive");
+    EXPECT_EQ(GetText(id::kBytesSent), "Bytes sent: 0");
+    EXPECT_EQ(GetRates(), "----------");
+  }
 }
 
 TEST_F(State, DeviceTakenOut_EndsAllBridgesAtOnce) {
