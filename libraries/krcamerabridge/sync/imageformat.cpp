@@ -15,17 +15,26 @@ KrString Describe(const KrResult& aResult) {
 /// The source's features, with a sentence for everything that goes wrong.
 class Carrier {
 public:
-  Carrier(const ImageFormat& aFormat, KrGenParameterArray& aDevice, KrStringList& aProblems)
-      : mFormat(aFormat), mDevice(aDevice), mProblems(aProblems) {}
+  Carrier(const ImageFormat& aFormat, KrGenParameterArray& aDevice, const std::function<bool()>& aMayGoOn,
+          KrStringList& aProblems)
+      : mFormat(aFormat), mDevice(aDevice), mMayGoOn(aMayGoOn), mProblems(aProblems) {}
 
-  void Run() {
+  bool Run() {
     if (IsDone())
-      return;
-    for (const char* const name : {"OffsetX", "OffsetY"})
+      return true;
+    for (const char* const name : {"OffsetX", "OffsetY"}) {
+      if (!mMayGoOn())
+        return false;
       ResetOffset(name);
-    for (std::size_t i = 0; i < mFormat.size(); ++i)
-      if (mFormat[i])
-        Set(kCarriedFeatures[i], *mFormat[i]);
+    }
+    for (std::size_t i = 0; i < mFormat.size(); ++i) {
+      if (!mFormat[i])
+        continue;
+      if (!mMayGoOn())
+        return false;
+      Set(kCarriedFeatures[i], *mFormat[i]);
+    }
+    return true;
   }
 
 private:
@@ -68,6 +77,7 @@ private:
 
   const ImageFormat& mFormat;
   KrGenParameterArray& mDevice;
+  const std::function<bool()>& mMayGoOn;
   KrStringList& mProblems;
 };
 
@@ -89,13 +99,13 @@ KrResult ReadImageFormat(KrGenParameterArray& aCamera, ImageFormat& aFormat) {
   return {};
 }
 
-void CarryImageFormat(const ImageFormat& aFormat, KrGenParameterArray& aDevice, const KrString& aSource,
-                      KrStringList& aProblems) {
-  Carrier carrier(aFormat, aDevice, aProblems);
-  if (aSource.IsEmpty()) {
-    carrier.Run();
-    return;
-  }
+bool CarryImageFormat(const ImageFormat& aFormat, KrGenParameterArray& aDevice, const KrString& aSource,
+                      const std::function<bool()>& aMayGoOn, KrStringList& aProblems) {
+  if (!aMayGoOn())
+    return false;
+  Carrier carrier(aFormat, aDevice, aMayGoOn, aProblems);
+  if (aSource.IsEmpty())
+    return carrier.Run();
   KrGenEnum* const selector = aDevice.GetEnum(kSourceSelector);
   KrString former;
   KrResult result = selector ? selector->GetEntry(former)
@@ -104,13 +114,14 @@ void CarryImageFormat(const ImageFormat& aFormat, KrGenParameterArray& aDevice, 
     result = selector->SetEntry(aSource);
   if (!result.IsOK()) {
     aProblems.Add("The device's source \"" + aSource + "\" could not be selected: " + Describe(result));
-    return;
+    return true;
   }
-  carrier.Run();
+  const bool isDone = carrier.Run();
   if (former != aSource)
     result = selector->SetEntry(former);
   if (!result.IsOK())
     aProblems.Add("The device's source \"" + former + "\" could not be selected again: " + Describe(result));
+  return isDone;
 }
 
 } // namespace krcamerabridge

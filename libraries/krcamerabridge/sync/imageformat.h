@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <optional>
 
 namespace krcamerabridge {
@@ -23,8 +24,9 @@ KrResult ReadImageFormat(KrGenParameterArray& aCamera, ImageFormat& aFormat);
 
 /// Sets the features of the device's source (of the selected one where it is empty) that are others, the offsets to
 /// their least value first, so that any size fits that the device can have. The selector is put back. aProblems gets a
-/// sentence for everything that could not be done; what can be done is.
-void CarryImageFormat(const ImageFormat& aFormat, KrGenParameterArray& aDevice, const KrString& aSource,
-                      KrStringList& aProblems);
+/// sentence for everything that could not be done; what can be done is. False when aMayGoOn, which is asked before each
+/// setting, ended it.
+bool CarryImageFormat(const ImageFormat& aFormat, KrGenParameterArray& aDevice, const KrString& aSource,
+                      const std::function<bool()>& aMayGoOn, KrStringList& aProblems);
 
 } // namespace krcamerabridge

@@ -118,9 +118,10 @@ void ParameterSync::Work(const std::stop_token& aStop) {
     mIsAtWork = true;
     const KrString source = mSource;
     lock.unlock();
-    const KrString text = Carry(source, aStop);
-    // What a stream has locked in between is done when it stops.
-    const bool isLocked = !text.IsEmpty() && IsStreaming();
+    bool isDone = true;
+    const KrString text = Carry(source, aStop, isDone);
+    // What a stream has locked in between, or was left alone for it, is done when it stops.
+    const bool isLocked = !isDone || (!text.IsEmpty() && IsStreaming());
     if (!text.IsEmpty())
       KrLogger("KrCameraBridge").Log(KrLogLevel::Warning, {"ParameterSync::Work", "parametersync"}, text);
     lock.lock();
@@ -143,7 +144,7 @@ void ParameterSync::AwaitStreamEnd(std::unique_lock<std::mutex>& aLock, const st
   }
 }
 
-KrString ParameterSync::Carry(const KrString& aSource, const std::stop_token& aStop) {
+KrString ParameterSync::Carry(const KrString& aSource, const std::stop_token& aStop, bool& aIsDone) {
   ImageFormat format;
   const KrResult read = ReadImageFormat(*mCamera, format);
   if (aStop.stop_requested())
@@ -157,7 +158,9 @@ KrString ParameterSync::Carry(const KrString& aSource, const std::stop_token& aS
       return got;
     const std::shared_ptr<std::mutex> turn = FindSelectorTurn(aDevice);
     const std::lock_guard lock(*turn);
-    CarryImageFormat(format, *parameters, aSource, problems);
+    // A stream may have been started while the camera was asked.
+    aIsDone = CarryImageFormat(
+        format, *parameters, aSource, [this] { return !IsStreaming(); }, problems);
     return {};
   });
   if (!result.IsOK())

@@ -50,7 +50,8 @@ private:
   bool IsStreaming() const;
   void Work(const std::stop_token& aStop);
   void AwaitStreamEnd(std::unique_lock<std::mutex>& aLock, const std::stop_token& aStop);
-  KrString Carry(const KrString& aSource, const std::stop_token& aStop);
+  /// aIsDone is false where a stream came between.
+  KrString Carry(const KrString& aSource, const std::stop_token& aStop, bool& aIsDone);
 
   const BorrowedDevice mDevice;
   KrStream* const mStream;

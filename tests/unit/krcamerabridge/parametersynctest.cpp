@@ -3,6 +3,7 @@
 #include "bridgedevicefixture.h"
 #include "describedcamera.h"
 #include "krbase/krlogger.h"
+#include "sync/imageformat.h"
 
 #include <gmock/gmock.h>
 
@@ -126,6 +127,30 @@ TEST(ParameterSync, DeviceWithoutSources_IsToldWhenOneIsChosen) {
     return camera.sync.GetText() ==
            "The device's source \"Source1\" could not be selected: The device has no sources to choose from.";
   }));
+}
+
+TEST(CarryImageFormat, StreamThatComesBetween_IsLeftAloneFromThenOn) {
+  GrabberDevice grabber;
+  KrGenParameterArray* parameters = nullptr;
+  ASSERT_TRUE(grabber.device->GetParameters(parameters).IsOK());
+  const ImageFormat format = {"Mono16", "200", "100", "8", "4"};
+  KrStringList problems;
+
+  EXPECT_FALSE(CarryImageFormat(
+      format, *parameters, "Source1", [] { return false; }, problems));
+  for (const char* const name : kSizeFeatures)
+    EXPECT_EQ(grabber.Peek(1, name), 0u) << name;
+
+  const auto isUnset = [&] { return grabber.Peek(1, "Width") == 0; };
+  EXPECT_FALSE(CarryImageFormat(format, *parameters, "Source1", isUnset, problems));
+  EXPECT_EQ(grabber.Peek(1, "Width"), 200u);
+  EXPECT_EQ(grabber.Peek(1, "Height"), 0u);
+  EXPECT_EQ(grabber.link->Peek(kSelectorRegister), 0u);
+
+  EXPECT_TRUE(CarryImageFormat(
+      format, *parameters, "Source1", [] { return true; }, problems));
+  EXPECT_EQ(grabber.Peek(1, "Height"), 100u);
+  EXPECT_TRUE(problems.IsEmpty());
 }
 
 TEST(ParameterSync, Detached_HearsOfNothing) {
