@@ -353,7 +353,8 @@ bool GenCPCamera::Delay(const HeardCommand& aHeard) {
     Put(time, milliseconds, 2);
     Send(MakeAnswer(0, 0, 0x0805, aHeard.request, time));
     // It really works so long; what it says is no more than it needs.
-    mChanged.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return mIsEnding.load(); });
+    mChanged.wait_for(lock, std::chrono::milliseconds(milliseconds + mFaults.lateMs),
+                      [this] { return mIsEnding.load(); });
   }
   return true;
 }
@@ -449,6 +450,10 @@ void GenCPCamera::Acknowledge(std::uint16_t aStatus, std::uint16_t aCommand, std
 
 void GenCPCamera::Send(const Bytes& aBytes) {
   Bytes bytes = Spoil(aBytes);
+  if (mFaults.damagedAnswers > 0 && !bytes.empty()) {
+    --mFaults.damagedAnswers;
+    bytes.back() ^= 0x55;
+  }
   if (mWire->hostRate != mWire->cameraRate)
     std::ranges::transform(bytes, bytes.begin(), [](std::uint8_t aByte) { return aByte ^ 0xB5; });
   for (std::size_t sent = 0; sent < bytes.size();) {

@@ -43,6 +43,8 @@ struct CameraFaults {
   int busyAnswers = 0;             ///< So many commands get the status that it is busy.
   int pendingAnswers = 0;          ///< So many times it asks for time, pendingMs each, before it carries out a command.
   std::uint16_t pendingMs = 0;
+  std::uint16_t lateMs = 0; ///< So much longer it takes then.
+  int damagedAnswers = 0;   ///< So many answers have a wrong last byte.
 };
 
 /// What it has heard.

@@ -89,7 +89,7 @@ KrResult CommandCycle::SendUntilAnswered(Packet aPacket, std::size_t aAnswerByte
       return result;
     const auto sent = Clock::now();
     Pending pending{aPacket.requestID, GetAcknowledge(aPacket.commandID),
-                    sent + transfer + milliseconds(mResponseMs + mTimes.marginMs), sent};
+                    sent + transfer + milliseconds(mResponseMs + mTimes.marginMs), sent, transfer};
     KrResult failure;
     const Ending ending = Await(pending, limit, aAnswer, failure, aStop);
     if (ending == Ending::Answered)
@@ -149,7 +149,8 @@ bool CommandCycle::TakeAnswer(Pending& aPending, Clock::time_point aLimit, Answe
     if (packet.commandID != kPendingAcknowledge || packet.specific.size() < kPendingBytes)
       continue;
     const auto asked = milliseconds(ReadNumber(std::span(packet.specific).subspan(2, 2)));
-    aPending.until = std::min(Clock::now() + asked + milliseconds(mTimes.marginMs), aLimit);
+    // By then it begins to answer.
+    aPending.until = std::min(Clock::now() + asked + aPending.transfer + milliseconds(mTimes.marginMs), aLimit);
     aPending.hasAsked = true;
   }
   return false;

@@ -70,9 +70,10 @@ private:
   struct Pending {
     std::uint16_t requestID;
     std::uint16_t acknowledgeID;
-    Clock::time_point until;    // Without an answer by then there is none.
-    Clock::time_point lastByte; // Of what came.
-    bool hasAsked = false;      // For more time.
+    Clock::time_point until;            // Without an answer by then there is none.
+    Clock::time_point lastByte;         // Of what came.
+    std::chrono::milliseconds transfer; // On the line.
+    bool hasAsked = false;              // For more time.
   };
   enum class Ending { Answered, Silent, Damaged, Failed };
 

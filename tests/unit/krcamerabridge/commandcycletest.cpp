@@ -129,6 +129,15 @@ TEST_F(CommandCycleOnLine, CameraThatAsksForTime_IsAwaitedLongerThanOneThatIsSil
   EXPECT_EQ(camera.GetFaults().pendingAnswers, 0);
 }
 
+TEST_F(CommandCycleOnLine, AnswerBehindThePendingTime_HasItsTimeOnTheLine) {
+  cycle.SetBaudRate(100); // On which an answer takes seconds.
+  camera.SetFaults({.pendingAnswers = 1, .pendingMs = 10, .lateMs = 600});
+
+  ExpectRightRead();
+
+  EXPECT_EQ(camera.TakeHeard().size(), 1u);
+}
+
 TEST_F(CommandCycleOnLine, Stop_EndsTheWaitForAPendingCamera) {
   camera.SetFaults({.pendingAnswers = 1, .pendingMs = 2000});
   std::stop_source stop;
