@@ -78,7 +78,8 @@ KrResult DeviceMemory::ReadPiece(std::uint64_t aAddress, std::span<std::uint8_t>
   Answer answer;
   KrResult result =
       mCycle.Run({kReadMemoryCommand, BuildReadMemory(aAddress, aData.size()), aData.size()}, answer, aStop);
-  if (!result.IsOK())
+  mHasAnswered = result.IsOK();
+  if (!mHasAnswered)
     return {result.GetCode(), attempt + ": " + result.GetDescription()};
   aStatus = answer.status;
   if (KrResult refusal = CheckStatus(attempt, answer.status); !refusal.IsOK())
@@ -95,7 +96,8 @@ KrResult DeviceMemory::WritePiece(std::uint64_t aAddress, std::span<const std::u
   const std::string attempt = TellRange("Writing", aData.size(), aAddress);
   Answer answer;
   KrResult result = mCycle.Run({kWriteMemoryCommand, BuildWriteMemory(aAddress, aData), kWrittenBytes}, answer, aStop);
-  if (!result.IsOK())
+  mHasAnswered = result.IsOK();
+  if (!mHasAnswered)
     return {result.GetCode(), attempt + ": " + result.GetDescription()};
   aStatus = answer.status;
   if (KrResult refusal = CheckStatus(attempt, answer.status); !refusal.IsOK())

@@ -28,6 +28,8 @@ public:
   /// Numbers of 4 or 8 bytes, as the registers of the standard have them.
   KrResult ReadValue(std::uint64_t aAddress, std::size_t aBytes, std::uint64_t& aValue, const std::stop_token& aStop);
   KrResult WriteValue(std::uint64_t aAddress, std::size_t aBytes, std::uint64_t aValue, const std::stop_token& aStop);
+  /// Whether the camera answered the last command, if only with a refusal: a ProtocolError is of damage else.
+  bool HasAnswered() const { return mHasAnswered; }
 
 private:
   KrResult ReadPiece(std::uint64_t aAddress, std::span<std::uint8_t> aData, std::uint16_t& aStatus,
@@ -38,6 +40,7 @@ private:
   CommandCycle& mCycle;
   std::size_t mMostRead = kMaxReadBytes;
   std::size_t mMostWritten = kMaxWriteBytes;
+  bool mHasAnswered = false;
 };
 
 } // namespace krcamerabridge

@@ -80,16 +80,23 @@ KrResult GenCPSession::SetPrivilege(const std::stop_token& aStop) {
     return mMemory.WriteValue(kAccessPrivilegeRegister.address, kAccessPrivilegeRegister.bytes, kOpenExclusive, aStop);
   };
   KrResult result = set();
-  if (result == KrResult::Code::ProtocolError && mHeartbeatMs > 0) {
+  bool isRefused = IsRefusal(result);
+  if (isRefused && mHeartbeatMs > 0) {
     if (!Rest(mHeartbeatMs + kMarginMs, aStop))
       return TellCancelled();
     result = mRate.FindCamera(aStop);
     if (result.IsOK())
       result = set();
+    isRefused = IsRefusal(result);
   }
-  if (result == KrResult::Code::ProtocolError)
+  if (isRefused)
     return {KrResult::Code::AccessDenied, "The camera does not give control. " + result.GetDescription()};
   return result;
+}
+
+// Answers that arrive damaged say nothing of what the camera does.
+bool GenCPSession::IsRefusal(const KrResult& aResult) const {
+  return aResult == KrResult::Code::ProtocolError && mMemory.HasAnswered();
 }
 
 // A camera that refuses it has none, and stays controlled until it is told.
@@ -108,7 +115,7 @@ KrResult GenCPSession::StartHeartbeat(const std::stop_token& aStop) {
     result = mMemory.WriteValue(kConfigurationRegister.address, kConfigurationRegister.bytes,
                                 configuration | kIsHeartbeatOn, aStop);
   if (!result.IsOK())
-    return result == KrResult::Code::ProtocolError ? KrResult() : result;
+    return IsRefusal(result) ? KrResult() : result;
   // Three questions fit into it; none is needed where it never runs out.
   mKeepAliveMs = mHeartbeatMs == 0 ? 0 : std::max(mHeartbeatMs / 3, kShortestKeepAliveMs);
   return {};

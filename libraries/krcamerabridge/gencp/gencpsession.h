@@ -54,6 +54,7 @@ public:
 private:
   KrResult CheckVersion(const std::stop_token& aStop);
   KrResult SetPrivilege(const std::stop_token& aStop);
+  bool IsRefusal(const KrResult& aResult) const;
   KrResult StartHeartbeat(const std::stop_token& aStop);
 
   ICameraLine& mLine;

@@ -94,7 +94,7 @@ KrResult LineRate::Raise(std::uint64_t aSerialMap, const std::stop_token& aStop)
   std::uint64_t supported = 0;
   KrResult read = mMemory.ReadValue(aSerialMap + kSupportedRatesOffset, 4, supported, aStop);
   if (!read.IsOK())
-    return read == KrResult::Code::ProtocolError ? KrResult() : read; // Such a camera keeps its rate.
+    return read == KrResult::Code::ProtocolError && mMemory.HasAnswered() ? KrResult() : read; // It keeps its rate.
   for (auto rate = kBaudRates.rbegin(); rate != kBaudRates.rend() && *rate > Get(); ++rate) {
     if ((supported & GetBaudRateBit(*rate)) == 0 || !IsSettable(*rate))
       continue;

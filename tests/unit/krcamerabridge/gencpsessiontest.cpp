@@ -95,6 +95,17 @@ TEST_F(SessionOnLine, Control_ThatTheCameraDoesNotGive_IsAccessDenied) {
   EXPECT_EQ(session.TakeControl({}), KrResult::Code::AccessDenied);
 }
 
+TEST_F(SessionOnLine, Control_WhileAllAnswersAreDamaged_IsNeitherTakenNorDenied) {
+  ExpectOK(session.Open({}));
+  camera.SetFaults({.damagedAnswers = 4}); // As often as a command is sent.
+
+  EXPECT_EQ(session.TakeControl({}), KrResult::Code::ProtocolError);
+
+  EXPECT_EQ(camera.GetFaults().damagedAnswers, 0);
+  ExpectOK(session.TakeControl({}));
+  EXPECT_EQ(session.GetKeepAliveMs(), 10000u);
+}
+
 TEST_F(SessionOnLine, Rate_GoesUpToTheFastestThatBothHaveAndBackAtTheEnd) {
   camera.PokeNumber(GenCPCamera::kSerialMap, 4, kAllRates);
 
