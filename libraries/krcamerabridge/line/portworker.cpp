@@ -90,7 +90,8 @@ KrResult PortWorker::Run(const std::shared_ptr<Access>& aAccess, std::uint32_t a
     return {KrResult::Code::Aborted, "The access to the camera was cancelled."};
   mWaiting.push_back(aAccess);
   mWork.notify_all();
-  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
+  const std::chrono::milliseconds limit(aTimeoutMs);
+  const auto until = std::chrono::steady_clock::now() + limit;
   mDone.wait_until(lock, leaving.get_token(), until, [&] { return aAccess->isDone; });
   if (aAccess->isDone)
     return aAccess->result;
@@ -101,7 +102,7 @@ KrResult PortWorker::Run(const std::shared_ptr<Access>& aAccess, std::uint32_t a
   if (!hasLeft) {
     result = {KrResult::Code::TimeLimitExceeded,
               "The camera did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
-    if (aAccess->hasBegun)
+    if (aAccess->begun && *aAccess->begun <= until - limit / 2)
       Note(result);
   }
   lock.unlock();
@@ -174,7 +175,7 @@ void PortWorker::Probe(std::unique_lock<std::mutex>& aLock) {
 void PortWorker::DoNext(std::unique_lock<std::mutex>& aLock) {
   const std::shared_ptr<Access> access = std::move(mWaiting.front());
   mWaiting.pop_front();
-  access->hasBegun = true;
+  access->begun = std::chrono::steady_clock::now();
   aLock.unlock();
   KrResult result = Guard([&] {
     const std::stop_token stop = access->stop.get_token();

@@ -6,12 +6,14 @@
 #include "krbase/krresult.h"
 #include "krgenicam/ikrregisterport.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <stop_token>
 #include <thread>
@@ -52,8 +54,8 @@ public:
   PortWorker(const PortWorker&) = delete;
   PortWorker& operator=(const PortWorker&) = delete;
 
-  /// The camera counts as silent when an access that had begun was not done in time; one that only waited for those
-  /// before it fails alone.
+  /// The camera counts as silent when an access was not done in time that had at least half of its time for itself; one
+  /// that waited longer for those before it fails alone.
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel = {}) override;
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
@@ -68,7 +70,7 @@ private:
     std::uint64_t address;
     std::vector<std::uint8_t> bytes;
     std::stop_source stop = {};
-    bool hasBegun = false;
+    std::optional<std::chrono::steady_clock::time_point> begun = {};
     bool isDone = false;
     KrResult result = {};
   };

@@ -206,6 +206,31 @@ TEST(PortWorker, AccessThatNeverBegan_FailsAlone) {
   EXPECT_EQ(device.probes, 0);
 }
 
+// The first has the camera for most of the second's time.
+TEST(PortWorker, AccessThatBeganLate_FailsAlone) {
+  OrderedDevice device;
+  device.OrderSilence();
+  PortWorker port(device);
+  std::stop_source stop;
+  auto first = std::async(std::launch::async, [&] { return Read(port, kGenerousMs, stop.get_token()); });
+  ASSERT_TRUE(device.AwaitCalls(1));
+  std::promise<void> asks;
+  auto second = std::async(std::launch::async, [&] {
+    asks.set_value();
+    return Read(port, 2000);
+  });
+  asks.get_future().wait();
+  second.wait_for(1600ms);
+
+  stop.request_stop();
+
+  EXPECT_EQ(first.get(), KrResult::Code::Aborted);
+  EXPECT_EQ(second.get(), KrResult::Code::TimeLimitExceeded);
+  device.Order({});
+  EXPECT_TRUE(Read(port).IsOK());
+  EXPECT_EQ(device.probes, 0);
+}
+
 TEST(PortWorker, Cancel_EndsTheAccessAtOnceAndStopsTheCallOfTheDevice) {
   OrderedDevice device;
   device.OrderSilence();
