@@ -30,7 +30,8 @@ enum class AcquisitionState {
 };
 
 /// Who borrows the device.
-enum class DeviceBorrower { Terminal, Bridges };
+enum class DeviceBorrower { Terminal, Bridges, CameraBridges };
+inline constexpr std::size_t kDeviceBorrowers = 3;
 
 /// A copy of what the thread has come to.
 struct AcquisitionProgress {
@@ -90,7 +91,7 @@ private:
   const KrDeviceInfo& mDeviceInfo;
   const std::uint64_t mFrameLimit;
   Loan<KrGenParameterArray> mParameters;
-  std::array<Loan<IKrDeviceAdapter>, 2> mLentAdapters;
+  std::array<Loan<IKrDeviceAdapter>, kDeviceBorrowers> mLentAdapters;
 
   // The thread's own while it runs.
   std::unique_ptr<KrDevice> mDevice;

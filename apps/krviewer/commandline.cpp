@@ -50,8 +50,9 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
   QCommandLineParser parser;
   parser.setApplicationDescription(
       "Shows a machine-vision camera live, with its features beside the picture; Ctrl+T opens a terminal on its\n"
-      "serial ports, Ctrl+B the bridges between them and COM ports. Escape or Enter in the picture, or the close box, "
-      "end it.\n"
+      "serial ports, Ctrl+B the bridges between them and COM ports, Ctrl+K the cameras behind those of a frame "
+      "grabber.\n"
+      "Escape or Enter in the picture, or the close box, end it.\n"
       "Without a display it ends after 100 frames and writes its pictures into the folder pictures.");
   parser.addPositionalArgument(
       "FILE.xml",

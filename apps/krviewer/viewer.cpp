@@ -37,9 +37,12 @@ QString GetStateText(const AcquisitionProgress& aProgress) {
 Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
     : mDeviceInfo(aDevice), mCommandLine(aCommandLine),
       mTerminalAction(mMainWindow.AddTool(QStringLiteral("&Serial Terminal"), Qt::CTRL | Qt::Key_T)),
-      mBridgeMenu(mMainWindow, mBridges) {
+      mBridgeMenu(mMainWindow, mBridges),
+      mCameraBridgesAction(mMainWindow.AddTool(QStringLiteral("Camera B&ridges…"), Qt::CTRL | Qt::Key_K)) {
   mTerminalAction->setEnabled(false); // Until there is a device.
   connect(mTerminalAction, &QAction::triggered, this, &Viewer::ShowTerminal);
+  mCameraBridgesAction->setEnabled(false);
+  connect(mCameraBridgesAction, &QAction::triggered, this, &Viewer::ShowCameraBridges);
   connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
   connect(&mMainWindow, &MainWindow::EndWanted, this, &Viewer::Finish);
 }
@@ -92,6 +95,8 @@ void Viewer::LookAgain() {
   mTerminalAction->setEnabled(mTerminal.HasDevice());
   mBridges.Follow(mAcquisition->GetAdapter(DeviceBorrower::Bridges));
   mBridgeMenu.LookAgain();
+  mCameraBridges.Follow(mAcquisition->GetAdapter(DeviceBorrower::CameraBridges));
+  mCameraBridgesAction->setEnabled(mCameraBridges.HasPorts());
   // Last: the terminal may show a message box here, and looks go on while it is open.
   mTerminal.Follow(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
 }
@@ -100,6 +105,12 @@ void Viewer::ShowTerminal() {
   const KrResult shown = mTerminal.Show(mMainWindow.winId());
   if (!shown.IsOK())
     std::fprintf(stderr, "The serial terminal cannot be opened: %s\n", shown.GetDescription().CStr());
+}
+
+void Viewer::ShowCameraBridges() {
+  const KrResult shown = mCameraBridges.Show(mMainWindow.winId());
+  if (!shown.IsOK())
+    std::fprintf(stderr, "The camera bridges cannot be opened: %s\n", shown.GetDescription().CStr());
 }
 
 void Viewer::TellMissingFeatures(const AcquisitionProgress& aProgress) {
@@ -124,6 +135,8 @@ void Viewer::Finish() {
   mTerminal.Close();
   mBridges.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Bridges));
   mBridges.Close();
+  mCameraBridges.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::CameraBridges));
+  mCameraBridges.Close();
   mAcquisition->Stop();
   const AcquisitionProgress progress = mAcquisition->GetProgress();
   if (progress.state == AcquisitionState::Failed) {

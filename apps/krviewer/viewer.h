@@ -4,6 +4,7 @@
 
 #include "acquisition.h"
 #include "bridgemenu.h"
+#include "camerabridges.h"
 #include "commandline.h"
 #include "featurebrowser.h"
 #include "mainwindow.h"
@@ -38,6 +39,7 @@ private:
   void LookAgain();
   void UpdateTitle(const AcquisitionProgress& aProgress);
   void ShowTerminal();
+  void ShowCameraBridges();
   void TellMissingFeatures(const AcquisitionProgress& aProgress);
   void Finish();
   bool SaveBrowserPicture();
@@ -53,6 +55,8 @@ private:
   QAction* const mTerminalAction;
   SerialBridges mBridges;
   BridgeMenu mBridgeMenu;
+  CameraBridges mCameraBridges;
+  QAction* const mCameraBridgesAction;
   std::unique_ptr<Acquisition> mAcquisition;
   QTimer mTimer;
   QString mTitle;

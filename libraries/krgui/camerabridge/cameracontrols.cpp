@@ -4,6 +4,7 @@
 #include "platform/toqstring.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFontMetrics>
@@ -26,8 +27,14 @@ namespace {
 namespace id = cameraid;
 
 constexpr int kButtonMargins = 24;
+constexpr int kListMargin = 24;
 constexpr int kBrowserInset = 2;
 constexpr int kBrowserShift = 1;
+/// Beside a label's text, as styles draw letters a little beyond it.
+constexpr int kLabelMargin = 4;
+/// In the feature browser's widest row, and what else is in it.
+constexpr const char* kBrowserTexts = "VisibilityBeginner";
+constexpr int kBrowserButtons = 190;
 /// A status as long as it is of most cameras.
 constexpr const char* kUsualStatus = "GenApi interface containing 999 parameters available";
 
@@ -142,6 +149,8 @@ CameraControls::CameraControls(Lookup aLookup) : mLookup(std::move(aLookup)) {
     if (auto* const control = Find<QComboBox>(list)) {
       control->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
       control->setMinimumContentsLength(1);
+      QObject::connect(control, &QComboBox::currentTextChanged, control,
+                       [control](const QString& aText) { control->setToolTip(ToPlainToolTip(aText)); });
     }
   }
 }
@@ -193,6 +202,12 @@ void CameraControls::Fill(int aList, const QStringList& aItems) const {
   list->clear();
   list->addItems(aItems);
   list->setCurrentIndex(aItems.isEmpty() ? -1 : 0);
+  // Identifiers are long: the drop-down list has room for them, and the tooltip tells the selected one.
+  int widest = 0;
+  for (const QString& item : aItems)
+    widest = std::max(widest, list->fontMetrics().horizontalAdvance(item));
+  list->view()->setMinimumWidth(widest + kListMargin);
+  list->setToolTip(ToPlainToolTip(list->currentText()));
 }
 
 bool CameraControls::HasItems(int aList) const {
@@ -305,7 +320,7 @@ CameraMetrics CameraControls::GetMetrics(const QSize& aSize) const {
   metrics.indent = style.pixelMetric(QStyle::PM_ExclusiveIndicatorWidth, nullptr, &button) +
                    style.pixelMetric(QStyle::PM_RadioButtonLabelSpacing, nullptr, &button);
   for (const int label : kLabels)
-    metrics.labelWidth = std::max(metrics.labelWidth, GetWidth(label));
+    metrics.labelWidth = std::max(metrics.labelWidth, GetWidth(label) + kLabelMargin);
   // Not the size hint: styles make that as wide as a button looks good, where there is room.
   for (const int control : kButtons) {
     const QString text = Find<QPushButton>(control)->text();
@@ -314,6 +329,7 @@ CameraMetrics CameraControls::GetMetrics(const QSize& aSize) const {
   metrics.browseWidth = font.horizontalAdvance(Find<QPushButton>(id::kBrowse)->text()) + kButtonMargins / 2;
   for (const int control : kSwitches)
     metrics.switchWidth = std::max(metrics.switchWidth, GetWidth(control));
+  metrics.browserWidth = font.horizontalAdvance(QString::fromLatin1(kBrowserTexts)) + kBrowserButtons;
   metrics.statusWidth = font.horizontalAdvance(QString::fromLatin1(kUsualStatus));
   return metrics;
 }

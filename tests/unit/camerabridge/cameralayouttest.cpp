@@ -23,7 +23,8 @@ constexpr CameraMetrics kSmallFont = {.width = 775,
                                       .buttonWidth = 74,
                                       .browseWidth = 24,
                                       .switchWidth = 290,
-                                      .statusWidth = 320};
+                                      .statusWidth = 320,
+                                      .browserWidth = 290};
 constexpr CameraMetrics kLargeFont = {.width = 775,
                                       .height = 582,
                                       .titleHeight = 24,
@@ -35,7 +36,8 @@ constexpr CameraMetrics kLargeFont = {.width = 775,
                                       .buttonWidth = 92,
                                       .browseWidth = 27,
                                       .switchWidth = 385,
-                                      .statusWidth = 440};
+                                      .statusWidth = 440,
+                                      .browserWidth = 330};
 
 struct Named {
   const char* name;
@@ -143,7 +145,7 @@ TEST_P(CameraLayouts, SmallestWindow_HasTheTextsWhole) {
   EXPECT_GE(layout.synchronization.GetWidth(), metrics.switchWidth);
   EXPECT_GE(layout.poCL.GetWidth(), metrics.switchWidth);
   EXPECT_GE(layout.probe.GetWidth(), metrics.buttonWidth);
-  EXPECT_GE(layout.browser.GetWidth(), 300);
+  EXPECT_GE(layout.browser.GetWidth(), metrics.browserWidth);
 }
 
 TEST_P(CameraLayouts, WithoutCameraFile_ClosesTheGap) {

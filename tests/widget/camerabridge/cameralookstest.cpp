@@ -2,6 +2,7 @@
 
 #include "camerafixture.h"
 
+#include <QAbstractItemView>
 #include <QFontMetrics>
 
 namespace krgui {
@@ -77,7 +78,8 @@ TEST_F(Looks, SmallestWindowAtAnyFont_CutsNothing) {
     const QRect window = mWindow->GetWidget()->rect();
     for (const int control : {id::kPoCL, id::kReset, id::kSynchronization})
       EXPECT_TRUE(window.contains(Get(control).geometry())) << control << " at " << points;
-    EXPECT_GE(GetBrowser().width(), 290);
+    const auto* const visibility = GetBrowser().findChild<QComboBox*>();
+    EXPECT_GE(visibility->width(), visibility->sizeHint().width()) << points;
   }
   QApplication::setFont(before);
 }
@@ -90,6 +92,16 @@ TEST_F(Looks, StatusOfAConnectedCamera_CanBeReadWhole) {
 
   const QWidget& status = Get(id::kGenCPStatus);
   EXPECT_GE(status.width(), status.sizeHint().width());
+}
+
+TEST_F(Looks, LongIdentifier_IsToldByTheTooltipAndHasRoomInTheDropDownList) {
+  Open();
+
+  Click(id::kGenCP);
+
+  const auto& list = Get<QComboBox>(id::kGenCPXML);
+  EXPECT_TRUE(list.toolTip().contains(list.currentText().toHtmlEscaped()));
+  EXPECT_GE(list.view()->minimumWidth(), list.fontMetrics().horizontalAdvance(list.currentText()));
 }
 
 TEST_F(Looks, HiddenCameraFile_LeavesNoHole) {

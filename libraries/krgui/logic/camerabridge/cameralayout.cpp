@@ -15,8 +15,6 @@ constexpr int kLeastSpace = 0;
 constexpr int kMostSpace = 6;
 /// A list is never narrower, so that some letters of what is chosen can be read.
 constexpr int kLeastList = 72;
-/// The browser is never narrower.
-constexpr int kLeastBrowser = 300;
 
 /// So high, in the middle of a row.
 PixelRect Place(const PixelRect& aRow, int aLeft, int aRight, int aHeight) {
@@ -44,7 +42,7 @@ private:
     const int row = m.indent + m.labelWidth + kLeastList + m.browseWidth + m.buttonWidth + 3 * kGap;
     const int needed = 2 * kInset + std::max({m.switchWidth, row, 2 * m.buttonWidth});
     const int wanted = std::max(needed, 2 * kInset + m.indent + m.statusWidth);
-    return std::max(needed, std::min(wanted, m.width - 2 * kSide - kGap - kLeastBrowser));
+    return std::max(needed, std::min(wanted, m.width - 2 * kSide - kGap - m.browserWidth));
   }
 
   /// The column with rows so far apart; gives its bottom.

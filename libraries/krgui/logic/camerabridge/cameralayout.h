@@ -18,8 +18,9 @@ struct CameraMetrics {
   int labelWidth = 0;  ///< Of the widest label before a list.
   int buttonWidth = 0; ///< Of the widest button that has words.
   int browseWidth = 0;
-  int switchWidth = 0; ///< Of the widest radio button or check box.
-  int statusWidth = 0; ///< Of a status that is worth being read at once.
+  int switchWidth = 0;  ///< Of the widest radio button or check box.
+  int statusWidth = 0;  ///< Of a status that is worth being read at once.
+  int browserWidth = 0; ///< So much at least, so that the feature browser's own controls are whole.
   bool hasCameraFile = true;
 };
 
