@@ -323,6 +323,8 @@ void CameraBridgeManagerWnd::Tick() const {
   const CameraBridgeEntry* const entry = GetSelectedEntry();
   mControls->ShowStatistics(entry ? entry->bridge->GetBytesSentToCamera() : 0,
                             entry ? entry->bridge->GetBytesReceivedFromCamera() : 0);
+  // What could not be carried to the device, and why.
+  mControls->Explain(id::kSynchronization, entry ? ToQString(entry->bridge->GetParametersSyncText()) : QString());
 }
 
 } // namespace krgui

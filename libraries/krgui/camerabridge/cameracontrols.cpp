@@ -254,6 +254,12 @@ bool CameraControls::IsChecked(int aID) const {
   return button && button->isChecked();
 }
 
+void CameraControls::Explain(int aID, const QString& aText) const {
+  const QString text = aText.isEmpty() ? QString() : ToPlainToolTip(aText);
+  if (auto* const control = Find<QWidget>(aID); control && control->toolTip() != text)
+    control->setToolTip(text);
+}
+
 void CameraControls::ShowStatistics(std::uint64_t aSent, std::uint64_t aReceived) const {
   SetText(id::kBytesSent, QStringLiteral("Bytes sent: %1").arg(aSent));
   SetText(id::kBytesReceived, QStringLiteral("Bytes received: %1").arg(aReceived));

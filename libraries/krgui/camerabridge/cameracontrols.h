@@ -66,6 +66,8 @@ public:
   QString GetText(int aID) const;
   void Check(int aID, bool aIsOn) const;
   bool IsChecked(int aID) const;
+  /// What a control's tooltip says; nothing for the empty text.
+  void Explain(int aID, const QString& aText) const;
   void ShowStatistics(std::uint64_t aSent, std::uint64_t aReceived) const;
   /// As at the beginning of a port's showing.
   void ShowNothing() const;

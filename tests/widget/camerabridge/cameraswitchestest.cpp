@@ -47,6 +47,17 @@ TEST_F(Switches, Synchronization_IsThePortsOwn) {
   EXPECT_FALSE(GetBridge(0).GetParametersSyncEnabled());
 }
 
+TEST_F(Switches, SynchronizationThatFails_IsToldByTheTooltip) {
+  Open();
+  ConnectGenCP();
+  Pick(id::kSource, "Source0");
+  ASSERT_TRUE(mLab->Lose(kGrabberMAC).IsOK());
+
+  Click(id::kSynchronization);
+
+  EXPECT_TRUE(WaitFor([this] { return !Get(id::kSynchronization).toolTip().isEmpty(); }));
+}
+
 TEST_F(Switches, PoCL_IsTheDevices) {
   Open();
   ASSERT_TRUE(IsPoCLOn());
