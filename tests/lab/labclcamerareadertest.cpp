@@ -1,20 +1,18 @@
 // Frame grabbers and Camera Link cameras in lab files.
 
-#include "simulation/labfile/labreader.h"
+#include "badlabfiles.h"
 
 #include <gmock/gmock.h>
 
 #include <cstddef>
 #include <fstream>
 #include <iterator>
-#include <ostream>
 #include <string>
 #include <string_view>
 
 using krtransport::Lab;
 using krtransport::LabGEVCamera;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 namespace {
 
@@ -52,22 +50,7 @@ constexpr const char* kEveryKey = KR_DEVICE R"(
           pocl: true
 )";
 
-KrResult Parse(const std::string& aText, Lab& aLab) {
-  return krtransport::ParseLab(aText, "lab.yaml", aLab);
-}
-
-struct BadRow {
-  const char* name;
-  const char* text;
-  const char* place;
-  const char* reason;
-};
-
-void PrintTo(const BadRow& aRow, std::ostream* aStream) {
-  *aStream << aRow.name;
-}
-
-const BadRow kBadRows[] = {
+const BadLabFile kBadRows[] = {
     {"camera without its keys", KR_DEVICE "    serialPorts: [{port: Bulk0, behind: camera}]\n", "6:19",
      "a serial port with a camera behind it needs the key \"camera\""},
     {"camera behind something else", KR_DEVICE "    serialPorts: [{port: Bulk0, camera: {protocol: text}}]\n", "6:41",
@@ -113,18 +96,12 @@ const BadRow kBadRows[] = {
     {"silence that is no flag", KR_DEVICE "    serialPorts: [{port: Bulk0, silent: 3}]\n", "6:41", "true or false"},
 };
 
-class LabCLCameraRefusals : public testing::TestWithParam<BadRow> {};
+class LabCLCameraRefusals : public BadLabFiles {};
 
 } // namespace
 
 TEST_P(LabCLCameraRefusals, Parse_BadCamera_SaysWhereAndWhy) {
-  Lab lab;
-
-  const KrResult result = Parse(GetParam().text, lab);
-
-  EXPECT_EQ(result, KrResult::Code::BadData);
-  EXPECT_THAT(result.GetDescription().ToUtf8(), testing::StartsWith(std::string("lab.yaml:") + GetParam().place + ":"));
-  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr(GetParam().reason));
+  ExpectPlaceAndReason();
 }
 
 INSTANTIATE_TEST_SUITE_P(Cameras, LabCLCameraRefusals, testing::ValuesIn(kBadRows));

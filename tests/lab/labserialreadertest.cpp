@@ -1,16 +1,14 @@
 // The serial ports of cameras in lab files.
 
-#include "simulation/labfile/labreader.h"
+#include "badlabfiles.h"
 
 #include <gmock/gmock.h>
 
-#include <ostream>
 #include <string>
 
 using krtransport::Lab;
 using krtransport::LabGEVCamera;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 namespace {
 
@@ -25,22 +23,7 @@ constexpr const char* kEveryKey = KR_CAMERA R"(
       - {port: Serial1, behind: tty, path: /dev/ttyUSB7, lostReceived: {every: 2}, lostSent: {next: 3}}
 )";
 
-KrResult Parse(const std::string& aText, Lab& aLab) {
-  return krtransport::ParseLab(aText, "lab.yaml", aLab);
-}
-
-struct BadRow {
-  const char* name;
-  const char* text;
-  const char* place;
-  const char* reason;
-};
-
-void PrintTo(const BadRow& aRow, std::ostream* aStream) {
-  *aStream << aRow.name;
-}
-
-const BadRow kBadRows[] = {
+const BadLabFile kBadRows[] = {
     {"serial port without a name", KR_CAMERA "    serialPorts: [{behind: echo}]\n", "6:19", "needs the key \"port\""},
     {"unknown serial port", KR_CAMERA "    serialPorts: [{port: COM1}]\n", "6:26",
      "one of Serial0, Serial1, Bulk0, Bulk1"},
@@ -76,18 +59,12 @@ const BadRow kBadRows[] = {
      "without bulk ports"},
 };
 
-class LabSerialReaderRefusals : public testing::TestWithParam<BadRow> {};
+class LabSerialReaderRefusals : public BadLabFiles {};
 
 } // namespace
 
 TEST_P(LabSerialReaderRefusals, Parse_BadPort_SaysWhereAndWhy) {
-  Lab lab;
-
-  const KrResult result = Parse(GetParam().text, lab);
-
-  EXPECT_EQ(result, KrResult::Code::BadData);
-  EXPECT_THAT(result.GetDescription().ToUtf8(), testing::StartsWith(std::string("lab.yaml:") + GetParam().place + ":"));
-  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr(GetParam().reason));
+  ExpectPlaceAndReason();
 }
 
 INSTANTIATE_TEST_SUITE_P(Ports, LabSerialReaderRefusals, testing::ValuesIn(kBadRows));
