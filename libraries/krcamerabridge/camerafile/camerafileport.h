@@ -4,9 +4,8 @@
 #include "camerafile/camerafile.h"
 #include "camerafile/commandexchange.h"
 #include "line/icameraline.h"
+#include "line/icameraport.h"
 #include "line/portworker.h"
-
-#include "krgenicam/ikrregisterport.h"
 
 #include <cstdint>
 #include <memory>
@@ -49,7 +48,7 @@ private:
 
 /// Thread: any, but for destruction, which ends the accesses first. Ownership: shares the file's model; borrows the
 /// line.
-class KR_EXPORT CameraFilePort final : public IKrRegisterPort {
+class KR_EXPORT CameraFilePort final : public ICameraPort {
 public:
   CameraFilePort(const CameraFile& aFile, ICameraLine& aLine);
 
@@ -58,6 +57,8 @@ public:
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                  const std::stop_token& aCancel = {}) override;
 
+  /// Ends the accesses; a camera is not told.
+  void Disconnect(const std::stop_token& /*aStop*/) override { End(); }
   /// Ends the accesses that wait, and all later ones, with Aborted.
   void End() { mWorker.End(); }
   /// Asks the camera whether it is there, with a time limit in milliseconds: any answer but silence says so.

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <string>
 #include <thread>
 #include <utility>
@@ -16,14 +17,6 @@
 namespace krcamerabridge {
 
 namespace {
-
-KrResult TellConnected() {
-  return {KrResult::Code::WrongState, "A CL Protocol camera is connected already; disconnect it first."};
-}
-
-KrResult TellDisconnected() {
-  return {KrResult::Code::WrongState, "No CL Protocol camera is connected."};
-}
 
 struct DriverTemplates {
   std::vector<std::string> templates = {};
@@ -57,11 +50,8 @@ std::vector<DriverTemplates> AskAllTemplates(const std::vector<CLDriverFile>& aF
 
 } // namespace
 
-CLProtocolPort::CLProtocolPort(ICameraLine& aLine, const CLDriverTimes& aTimes) : mLine(aLine), mTimes(aTimes) {}
-
-CLProtocolPort::~CLProtocolPort() {
-  Disconnect();
-}
+CLProtocolPort::CLProtocolPort(ICameraLine& aLine, const CLDriverTimes& aTimes)
+    : SessionPort("CL Protocol"), mLine(aLine), mTimes(aTimes) {}
 
 KrResult CLProtocolPort::GetTemplates(KrStringList& aTemplates, const CLDriverTimes& aTimes) {
   const std::vector<CLDriverFile> files = ListCLDrivers();
@@ -84,8 +74,8 @@ KrResult CLProtocolPort::GetTemplates(KrStringList& aTemplates, const CLDriverTi
 
 KrResult CLProtocolPort::Probe(const KrString& aTemplate, KrString& aCameraID, KrStringList& aXMLIDs,
                                const std::stop_token& aStop) {
-  if (mWorker)
-    return TellConnected();
+  if (KrResult result = CheckUnconnected(); !result.IsOK())
+    return result;
   CLSession session(mLine, mTimes);
   std::vector<std::string> xmlIDs;
   if (KrResult result = session.Open(aTemplate.ToUtf8(), aStop); !result.IsOK())
@@ -101,8 +91,8 @@ KrResult CLProtocolPort::Probe(const KrString& aTemplate, KrString& aCameraID, K
 
 KrResult CLProtocolPort::Connect(const KrString& aTemplate, const KrString& aXMLID, KrGenDescription& aDescription,
                                  const std::stop_token& aStop) {
-  if (mWorker)
-    return TellConnected();
+  if (KrResult result = CheckUnconnected(); !result.IsOK())
+    return result;
   auto session = std::make_unique<CLSession>(mLine, mTimes);
   std::vector<std::string> xmlIDs;
   if (KrResult result = session->Open(aTemplate.ToUtf8(), aStop); !result.IsOK())
@@ -117,30 +107,8 @@ KrResult CLProtocolPort::Connect(const KrString& aTemplate, const KrString& aXML
   if (KrResult result = session->ReadDescription(aXMLID.ToUtf8(), aDescription, aStop); !result.IsOK())
     return result;
   mCameraID = session->GetCameraID();
-  mSession = std::move(session);
-  mWorker = std::make_unique<PortWorker>(*mSession);
+  Begin(std::move(session));
   return {};
-}
-
-void CLProtocolPort::Disconnect() {
-  mWorker.reset();
-  mSession.reset();
-  mCameraID.Clear();
-}
-
-void CLProtocolPort::End() {
-  if (mWorker)
-    mWorker->End();
-}
-
-KrResult CLProtocolPort::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
-                              const std::stop_token& aCancel) {
-  return mWorker ? mWorker->Read(aAddress, aData, aLength, aTimeoutMs, aCancel) : TellDisconnected();
-}
-
-KrResult CLProtocolPort::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
-                               const std::stop_token& aCancel) {
-  return mWorker ? mWorker->Write(aAddress, aData, aLength, aTimeoutMs, aCancel) : TellDisconnected();
 }
 
 } // namespace krcamerabridge

@@ -6,43 +6,33 @@
 #include "krbase/krresult.h"
 #include "krbase/krstring.h"
 #include "krbase/krstringlist.h"
-#include "krgenicam/ikrregisterport.h"
 #include "krgenicam/krgendescription.h"
 #include "line/icameraline.h"
-#include "line/portworker.h"
+#include "line/sessionport.h"
 
-#include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <stop_token>
 
 namespace krcamerabridge {
-
-class CLSession;
 
 /// Drivers run in processes of their own. One that keeps silent is ended past its limit, with TimeLimitExceeded; one
 /// that ends by itself is told of with SystemError. Both name the driver. In accesses to a connected camera they are
 /// ConnectionLost.
 ///
-/// Thread: Probe, Connect and Disconnect one at a time, Disconnect never while an access runs that an array has not
-/// cancelled; Read, Write and End any, while it is connected; GetTemplates any. Ownership: borrows the line, of which
-/// it is the only user.
+/// Thread: Probe, Connect and Disconnect one at a time; GetTemplates any; others as of SessionPort. Ownership: borrows
+/// the line, of which it is the only user.
 ///
 ///     CLProtocolPort port(line);
 ///     KrGenDescription description;
 ///     KrResult result = port.Connect(clTemplate, xmlID, description, stop);
 ///     if (result.IsOK())
 ///       result = KrGenParameterArray::Open(description, port, {CLProtocolPort::kAccessTimeoutMs}, array);
-class CLProtocolPort final : public IKrRegisterPort {
+class CLProtocolPort final : public SessionPort {
 public:
   /// How long an array should wait for an access: longer than a driver's limit for a call.
   static constexpr std::uint32_t kAccessTimeoutMs = 15000;
 
   explicit CLProtocolPort(ICameraLine& aLine, const CLDriverTimes& aTimes = {});
-  /// Disconnects.
-  ~CLProtocolPort() override;
-  CLProtocolPort(const CLProtocolPort&) = delete;
-  CLProtocolPort& operator=(const CLProtocolPort&) = delete;
 
   /// The templates of all drivers that are installed, "Directory#FileName#Manufacturer…" each, in the order of the
   /// directories. Drivers that do not work are left out, with a warning in the log; SystemError with what is wrong with
@@ -57,27 +47,12 @@ public:
   /// needs. Results as of Probe; NotFound also for a description that there is not, BadData for one that is none.
   KrResult Connect(const KrString& aTemplate, const KrString& aXMLID, KrGenDescription& aDescription,
                    const std::stop_token& aStop);
-  /// Gives the camera free, puts camera and line back to their rates and ends the driver. What is not connected stays
-  /// so.
-  void Disconnect();
-  bool IsConnected() const { return mWorker != nullptr; }
   /// The full identifier of the camera that is connected, "Directory#FileName#Manufacturer…"; empty for none.
-  KrString GetCameraID() const { return mCameraID; }
-  /// Ends the accesses that wait, and all later ones until the next Connect, with Aborted: to be called before an array
-  /// that may wait is destroyed.
-  void End();
-
-  /// WrongState while not connected; otherwise as the contract says.
-  KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
-                const std::stop_token& aCancel = {}) override;
-  KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
-                 const std::stop_token& aCancel = {}) override;
+  KrString GetCameraID() const { return IsConnected() ? mCameraID : KrString(); }
 
 private:
   ICameraLine& mLine;
   const CLDriverTimes mTimes;
-  std::unique_ptr<CLSession> mSession; // Outlives the worker.
-  std::unique_ptr<PortWorker> mWorker; // Null while not connected.
   KrString mCameraID;
 };
 

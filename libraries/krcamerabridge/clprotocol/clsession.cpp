@@ -51,7 +51,7 @@ void LogInfo(const std::string& aText) {
 } // namespace
 
 CLSession::~CLSession() {
-  Close();
+  CLSession::Close({});
 }
 
 KrResult CLSession::Open(const std::string& aTemplate, const std::stop_token& aStop) {
@@ -64,7 +64,7 @@ KrResult CLSession::Open(const std::string& aTemplate, const std::stop_token& aS
   mFormerRate = mLine.GetBaudRate();
   KrResult result = FindCamera(clTemplate->shortID, kFirstRate, aStop);
   if (!result.IsOK())
-    Close();
+    Close({});
   return result;
 }
 
@@ -174,7 +174,7 @@ KrResult CLSession::ReadDescription(const std::string& aXMLID, KrGenDescription&
   return TakeDescription(ToText(said.bytes), aXMLID, aDescription);
 }
 
-void CLSession::Close() {
+void CLSession::Close(const std::stop_token& /*aStop*/) {
   if (!mDriver)
     return;
   ReleaseCamera();

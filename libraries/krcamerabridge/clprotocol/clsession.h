@@ -8,7 +8,7 @@
 #include "clprotocol/clidentifiers.h"
 #include "krgenicam/krgendescription.h"
 #include "line/icameraline.h"
-#include "line/portworker.h"
+#include "line/sessionport.h"
 
 #include <cstdint>
 #include <memory>
@@ -20,7 +20,7 @@
 namespace krcamerabridge {
 
 /// Results as of CLProtocolPort. Thread: one at a time. Ownership: borrows the line.
-class CLSession final : public ILineDevice {
+class CLSession final : public ILineSession {
 public:
   CLSession(ICameraLine& aLine, const CLDriverTimes& aTimes) : mLine(aLine), mTimes(aTimes) {}
   /// Closes.
@@ -40,7 +40,7 @@ public:
   KrResult ReadDescription(const std::string& aXMLID, KrGenDescription& aDescription, const std::stop_token& aStop);
   /// Gives the camera free, puts camera and line back to their rates, as far as driver and camera answer, and ends the
   /// driver.
-  void Close();
+  void Close(const std::stop_token& aStop) override;
 
   KrResult Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) override;
   KrResult Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData, const std::stop_token& aStop) override;

@@ -96,7 +96,7 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice) {
 }
 
 KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token& aStop) {
-  Disconnect();
+  Disconnect(aStop);
   const auto openLine = [this](ICameraLine*& aLine) {
     aLine = &mLine;
     return OpenLine();
@@ -114,9 +114,11 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token&
   return {};
 }
 
-void BridgeBody::Disconnect() {
+void BridgeBody::Disconnect(const std::stop_token& aStop) {
   mIsConnected = false;
   mSync.Detach();
+  if (mConnection)
+    mConnection->Close(aStop);
   mConnection.reset();
   mLine.Close();
 }
@@ -168,7 +170,7 @@ KrResult BridgeBody::Load(const KrString& aName, const KrConfigurationReader& aR
     errors.Add(result);
     return errors.GetFirst();
   }
-  Disconnect();
+  Disconnect(stop);
   SavedBridge saved;
   KrStringList lines;
   const KrResult read = RestoreBridge(properties, saved, lines);

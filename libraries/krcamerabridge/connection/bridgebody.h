@@ -35,7 +35,7 @@ public:
   /// WrongState while it is connected.
   KrResult AskUnconnected(const Question& aQuestion);
   KrResult Connect(const CameraChoice& aChoice);
-  void Disconnect();
+  void Disconnect() { Disconnect(mCall.Begin()); }
   void Cancel() { mCall.Stop(); }
 
   bool IsConnected() const { return mIsConnected; }
@@ -55,6 +55,7 @@ public:
 private:
   KrResult OpenLine();
   KrResult Connect(const CameraChoice& aChoice, const std::stop_token& aStop);
+  void Disconnect(const std::stop_token& aStop);
   KrResult RestoreSettings(const KrGenSettings& aSettings, const std::stop_token& aStop, KrStringList& aProblems);
 
   const BorrowedDevice mDevice;

@@ -12,14 +12,22 @@ KrResult CameraConnection::Open(const CameraChoice& aChoice, const ConnectionOrd
     return result;
   KrResult result = KrGenParameterArray::Open(camera.description, *camera.port, {.timeoutMs = camera.accessMs},
                                               connection->mParameters);
-  if (result.IsOK())
+  if (!result.IsOK())
+    connection->Close(aOrder.stop);
+  else
     aConnection = std::move(connection);
   return result;
 }
 
 CameraConnection::~CameraConnection() {
+  Close({});
+}
+
+void CameraConnection::Close(const std::stop_token& aStop) {
   if (mParameters)
     mParameters->Close();
+  if (mCamera.port)
+    mCamera.port->Disconnect(aStop);
 }
 
 } // namespace krcamerabridge

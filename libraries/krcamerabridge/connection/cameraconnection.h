@@ -5,6 +5,7 @@
 #include "krgenicam/krgenparameterarray.h"
 
 #include <memory>
+#include <stop_token>
 
 namespace krcamerabridge {
 
@@ -14,10 +15,13 @@ public:
   /// Connects as chosen. Results as of the way; BadData for a description that is none.
   static KrResult Open(const CameraChoice& aChoice, const ConnectionOrder& aOrder,
                        std::unique_ptr<CameraConnection>& aConnection);
-  /// Ends the parameters, with the accesses that wait, and then gives the camera free.
+  /// Closes.
   ~CameraConnection();
   CameraConnection(const CameraConnection&) = delete;
   CameraConnection& operator=(const CameraConnection&) = delete;
+
+  /// Ends the parameters, with the accesses that wait, and then gives the camera free, as ICameraPort::Disconnect.
+  void Close(const std::stop_token& aStop);
 
   const CameraChoice& GetChoice() const { return mChoice; }
   const KrString& GetCameraID() const { return mCamera.cameraID; }

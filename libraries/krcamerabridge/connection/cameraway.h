@@ -4,9 +4,9 @@
 #include "krbase/krresult.h"
 #include "krbase/krstring.h"
 #include "krbase/krstringlist.h"
-#include "krgenicam/ikrregisterport.h"
 #include "krgenicam/krgendescription.h"
 #include "line/icameraline.h"
+#include "line/icameraport.h"
 
 #include <cstdint>
 #include <functional>
@@ -29,7 +29,7 @@ struct CameraChoice {
 
 /// A camera that answers.
 struct ConnectedCamera {
-  std::unique_ptr<IKrRegisterPort> port; ///< Its destruction gives the camera free.
+  std::unique_ptr<ICameraPort> port;
   KrGenDescription description;
   std::uint32_t accessMs = 1000; ///< How long an access may take, in milliseconds.
   KrString cameraID;             ///< Where the way has one.

@@ -1,32 +1,20 @@
 #include "gencp/gencpport.h"
 
+#include "gencp/gencpsession.h"
+
 #include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
 namespace krcamerabridge {
 
-namespace {
-
-KrResult TellConnected() {
-  return {KrResult::Code::WrongState, "A GenCP camera is connected already; disconnect it first."};
-}
-
-KrResult TellDisconnected() {
-  return {KrResult::Code::WrongState, "No GenCP camera is connected."};
-}
-
-} // namespace
-
-GenCPPort::GenCPPort(ICameraLine& aLine, const CycleTimes& aTimes) : mLine(aLine), mTimes(aTimes) {}
-
-GenCPPort::~GenCPPort() {
-  Disconnect();
-}
+GenCPPort::GenCPPort(ICameraLine& aLine, const CycleTimes& aTimes)
+    : SessionPort("GenCP"), mLine(aLine), mTimes(aTimes) {}
 
 KrResult GenCPPort::GetXMLIDs(KrStringList& aXMLIDs, const std::stop_token& aStop) {
-  if (mWorker)
-    return TellConnected();
+  if (KrResult result = CheckUnconnected(); !result.IsOK())
+    return result;
   GenCPSession session(mLine, mTimes);
   std::vector<ManifestEntry> entries;
   if (KrResult result = session.Open(aStop); !result.IsOK())
@@ -40,8 +28,8 @@ KrResult GenCPPort::GetXMLIDs(KrStringList& aXMLIDs, const std::stop_token& aSto
 }
 
 KrResult GenCPPort::Connect(const KrString& aXMLID, KrGenDescription& aDescription, const std::stop_token& aStop) {
-  if (mWorker)
-    return TellConnected();
+  if (KrResult result = CheckUnconnected(); !result.IsOK())
+    return result;
   auto session = std::make_unique<GenCPSession>(mLine, mTimes);
   std::vector<ManifestEntry> entries;
   if (KrResult result = session->Open(aStop); !result.IsOK())
@@ -55,29 +43,9 @@ KrResult GenCPPort::Connect(const KrString& aXMLID, KrGenDescription& aDescripti
     return result;
   if (KrResult result = session->ReadDescription(*entry, aDescription, aStop); !result.IsOK())
     return result;
-  mSession = std::move(session);
-  mWorker = std::make_unique<PortWorker>(*mSession, PortWorkerTimes{mSession->GetKeepAliveMs()});
+  const PortWorkerTimes times{session->GetKeepAliveMs()};
+  Begin(std::move(session), times);
   return {};
-}
-
-void GenCPPort::Disconnect() {
-  mWorker.reset();
-  mSession.reset();
-}
-
-void GenCPPort::End() {
-  if (mWorker)
-    mWorker->End();
-}
-
-KrResult GenCPPort::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
-                         const std::stop_token& aCancel) {
-  return mWorker ? mWorker->Read(aAddress, aData, aLength, aTimeoutMs, aCancel) : TellDisconnected();
-}
-
-KrResult GenCPPort::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
-                          const std::stop_token& aCancel) {
-  return mWorker ? mWorker->Write(aAddress, aData, aLength, aTimeoutMs, aCancel) : TellDisconnected();
 }
 
 } // namespace krcamerabridge

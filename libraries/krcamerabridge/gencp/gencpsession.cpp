@@ -26,7 +26,7 @@ GenCPSession::GenCPSession(ICameraLine& aLine, const CycleTimes& aTimes)
     : mLine(aLine), mCycle(aLine, aTimes), mMemory(mCycle), mRate(aLine, mCycle, mMemory) {}
 
 GenCPSession::~GenCPSession() {
-  Close();
+  GenCPSession::Close({});
 }
 
 KrResult GenCPSession::Open(const std::stop_token& aStop) {
@@ -156,7 +156,7 @@ KrResult GenCPSession::ReadDescription(const ManifestEntry& aEntry, KrGenDescrip
   return KrGenDescription::ReadFromMemory(bytes, aEntry.xmlID, aDescription);
 }
 
-void GenCPSession::Close() {
+void GenCPSession::Close(const std::stop_token& /*aStop*/) {
   if (!std::exchange(mIsOpen, false))
     return;
   if (std::exchange(mIsControlled, false)) {

@@ -8,7 +8,7 @@
 #include "gencp/manifest.h"
 #include "krbase/krstringlist.h"
 #include "krgenicam/krgendescription.h"
-#include "line/portworker.h"
+#include "line/sessionport.h"
 
 #include <cstdint>
 #include <stop_token>
@@ -20,7 +20,7 @@ namespace krcamerabridge {
 /// refuses or is not understood, Aborted by aStop, ConnectionLost.
 ///
 /// Thread: one at a time. Ownership: borrows the line.
-class GenCPSession final : public ILineDevice {
+class GenCPSession final : public ILineSession {
 public:
   GenCPSession(ICameraLine& aLine, const CycleTimes& aTimes);
   /// Gives the camera free, as Close.
@@ -38,9 +38,8 @@ public:
   KrResult ReadManifest(std::vector<ManifestEntry>& aEntries, const std::stop_token& aStop);
   /// Reads one. BadData for what is none.
   KrResult ReadDescription(const ManifestEntry& aEntry, KrGenDescription& aDescription, const std::stop_token& aStop);
-  /// Gives up control and goes back to the rate of before, as far as the camera answers. What is closed already stays
-  /// so.
-  void Close();
+  /// Gives up control and goes back to the rate of before, as far as the camera answers.
+  void Close(const std::stop_token& aStop) override;
 
   /// How often the camera wants to be asked something, in milliseconds; 0 for never.
   std::uint32_t GetKeepAliveMs() const { return mKeepAliveMs; }

@@ -73,7 +73,7 @@ TEST_F(SessionOnLine, Control_IsTakenAndGivenBack) {
   EXPECT_EQ(camera.PeekNumber(0x1E0, 8), 1u);
   EXPECT_EQ(session.GetKeepAliveMs(), 10000u);
 
-  session.Close();
+  session.Close({});
 
   EXPECT_EQ(camera.PeekNumber(kPrivilege, 4), 0u);
 }
@@ -115,7 +115,7 @@ TEST_F(SessionOnLine, Rate_GoesUpToTheFastestThatBothHaveAndBackAtTheEnd) {
   ExpectRates(115200);
   ExpectRightRead();
 
-  session.Close();
+  session.Close({});
 
   ExpectRates(9600);
 }
@@ -136,7 +136,7 @@ TEST_F(SessionOnLine, Rate_OfACameraWithoutPrivilege_GoesBackAtTheEndToo) {
   OpenAndControl();
   ExpectRates(115200);
 
-  session.Close();
+  session.Close({});
 
   ExpectRates(9600);
 }
