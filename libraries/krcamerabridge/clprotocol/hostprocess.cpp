@@ -30,7 +30,7 @@ using krbase::FileDescriptor;
 
 constexpr int kFirstFree = 10; // Above those that the process gets.
 constexpr int kChildsSocket = 3;
-constexpr int kBurialMs = 2000;
+constexpr int kEndMs = 2000;
 constexpr std::size_t kMostLoggedBytes = std::size_t{64} << 10;
 constexpr std::size_t kMostLine = 1000;
 
@@ -130,8 +130,10 @@ KrResult HostProcess::Spawn(int aSocket, int aPrinted) {
   std::array<char*, 2> arguments = {argument.data(), nullptr};
   const int error =
       posix_spawn(&mID, program.c_str(), rules.GetActions(), rules.GetAttributes(), arguments.data(), environ);
-  if (error == 0)
+  if (error == 0) {
+    mProcess = FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, mID, 0)));
     return {};
+  }
   mID = -1;
   return TellSystem("Starting " + program + " for the CL Protocol driver " + mName, error);
 }
@@ -224,27 +226,37 @@ void HostProcess::LogPrinted(std::string_view aLine) {
                (isLast ? " - What it prints from now on is left out." : ""));
 }
 
-bool HostProcess::Reap(int aOptions) {
+void HostProcess::Reap() {
   pid_t reaped = 0;
   do {
-    reaped = waitpid(mID, &mStatus, aOptions);
+    reaped = waitpid(mID, &mStatus, 0);
   } while (reaped < 0 && errno == EINTR);
-  if (reaped == 0)
-    return false;
   // Who ignores the ends of children is not told how they came.
   if (reaped < 0)
     mStatus = -1;
   mID = -1;
-  return true;
 }
 
+// Waits a moment for the end.
+void HostProcess::AwaitEnd() const {
+  const auto until = Clock::now() + std::chrono::milliseconds(kEndMs);
+  pollfd ended{.fd = mProcess.Get(), .events = POLLIN, .revents = 0};
+  while (mProcess.IsOpen() && poll(&ended, 1, GetRest(until)) < 0 && errno == EINTR) {
+  }
+}
+
+// Once the socket is shut down the process ends what the driver has started, and then itself.
 void HostProcess::Kill() {
   if (mID < 0)
     return;
-  // The group may not be there yet, or have gone.
-  static_cast<void>(kill(-mID, SIGKILL));
-  static_cast<void>(kill(mID, SIGKILL));
-  static_cast<void>(Reap(0));
+  static_cast<void>(shutdown(mSocket.Get(), SHUT_RDWR));
+  AwaitEnd();
+  // Its number may be another's already where the ends of children are ignored.
+  if (mProcess.IsOpen())
+    static_cast<void>(syscall(SYS_pidfd_send_signal, mProcess.Get(), SIGKILL, nullptr, 0));
+  else
+    static_cast<void>(kill(mID, SIGKILL));
+  Reap();
   // All that could print is gone: what is left ends.
   for (int i = 0; i < 64 && mPrinted.IsOpen(); ++i) {
     pollfd ready{.fd = mPrinted.Get(), .events = POLLIN, .revents = 0};
@@ -256,13 +268,7 @@ void HostProcess::Kill() {
 }
 
 std::string HostProcess::Bury() {
-  if (mID >= 0) {
-    const FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, mID, 0)));
-    pollfd ended{.fd = process.Get(), .events = POLLIN, .revents = 0};
-    if (process.IsOpen())
-      static_cast<void>(poll(&ended, 1, kBurialMs));
-    Kill();
-  }
+  Kill();
   if (mStatus >= 0 && WIFSIGNALED(mStatus))
     return "was ended by signal " + std::to_string(WTERMSIG(mStatus)) + " (" + strsignal(WTERMSIG(mStatus)) + ")";
   if (mStatus >= 0 && WIFEXITED(mStatus))

@@ -17,7 +17,7 @@
 
 namespace krcamerabridge {
 
-/// Thread: one at a time. Ownership: owns the process and all that it has started, as far as that stays in its group.
+/// Thread: one at a time. Ownership: owns the process and all that the driver has started, whatever session that is in.
 class HostProcess {
 public:
   using Clock = std::chrono::steady_clock;
@@ -38,7 +38,7 @@ public:
 
   /// Ends it and waits for that.
   void Kill();
-  /// Waits a moment for a process that has closed its socket, ends it, and says in words how it came to its end.
+  /// Ends a process that has closed its socket, and says in words how it came to its end.
   std::string Bury();
 
 private:
@@ -50,12 +50,14 @@ private:
   Event TakeReceived();
   void TakePrinted();
   void LogPrinted(std::string_view aLine);
-  bool Reap(int aOptions);
+  void AwaitEnd() const;
+  void Reap();
 
   const std::string mName;
   krbase::FileDescriptor mSocket;
   krbase::FileDescriptor mPrinted; // What the driver prints.
   krbase::FileDescriptor mStop;    // Made ready by a stop.
+  krbase::FileDescriptor mProcess; // Made ready by the end of the process.
   WireReader mReader{WireSide::Driver};
   std::string mLine; // Printed, and not ended yet.
   std::size_t mLoggedBytes = 0;

@@ -2,7 +2,9 @@
 
 #include "clprotocol/host/drivercalls.h"
 #include "clprotocol/host/hostchannel.h"
+#include "clprotocol/host/keeper.h"
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 
@@ -46,6 +48,9 @@ int main() {
   // Drivers that crash are told of; their memory is nobody's business.
   const rlimit none{0, 0};
   static_cast<void>(setrlimit(RLIMIT_CORE, &none));
+  // Programs that the driver starts do not hold the socket.
+  static_cast<void>(fcntl(kSocket, F_SETFD, FD_CLOEXEC));
+  RunKept(kSocket);
 
   HostChannel channel(kSocket);
   theChannel = &channel;

@@ -27,6 +27,7 @@ constexpr std::uint64_t kRefused = 0xFFFF0010;
 constexpr std::uint64_t kForgetful = 0xFFFF0020;
 constexpr std::uint64_t kSlow = 0xFFFF0030;
 constexpr std::uint64_t kCancelled = 0xFFFF0040;
+constexpr std::uint64_t kChildID = 0xFFFF0050;
 
 class CLProtocolTest : public testing::Test {
 protected:

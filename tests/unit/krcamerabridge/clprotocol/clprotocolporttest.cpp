@@ -319,6 +319,36 @@ TEST_F(CLProtocolTest, Disconnect_EndsTheProcess) {
   EXPECT_EQ(kill(static_cast<pid_t>(process), 0), -1);
 }
 
+class ChildProcessTest : public CLProtocolTest {
+protected:
+  void SetUp() override {
+    folder.Install("libspawn-clpInitLib.so");
+    const KrResult result = Connect(port, "libspawn-clpInitLib.so");
+    ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    ASSERT_TRUE(Read(kChildID, mChild).IsOK());
+    ASSERT_EQ(kill(static_cast<pid_t>(mChild), 0), 0);
+  }
+
+  std::uint32_t mChild = 0;
+};
+
+TEST_F(ChildProcessTest, OfASessionOfItsOwn_IsEndedByDisconnect) {
+  port.Disconnect();
+
+  EXPECT_EQ(kill(static_cast<pid_t>(mChild), 0), -1);
+}
+
+TEST_F(ChildProcessTest, OfASessionOfItsOwn_IsEndedWhenTheDriverDies) {
+  std::uint32_t process = 0;
+  ASSERT_TRUE(Read(kProcessID, process).IsOK());
+
+  ASSERT_EQ(kill(static_cast<pid_t>(process), SIGKILL), 0);
+
+  std::uint32_t value = 0;
+  EXPECT_EQ(Read(0x100, value), KrResult::Code::ConnectionLost);
+  EXPECT_EQ(kill(static_cast<pid_t>(mChild), 0), -1);
+}
+
 TEST_F(CLProtocolTest, End_EndsWhoWaits) {
   ConnectGood();
   auto writing = std::async(std::launch::async, [&] { return WriteByte(kSlow, 127); });

@@ -1,10 +1,11 @@
 // A CL Protocol driver for the test's camera (testcamera.h), which misbehaves as its file's name says:
-// lib<what>-<function>.so, where what is hang, crash, exit, throw, lie or greedy; any other name behaves well. Compiled
-// with KR_TEST_DRIVER_1_0 it has none of the functions that came later.
+// lib<what>-<function>.so, where what is hang, crash, exit, throw, spawn, lie or greedy; any other name behaves well.
+// Compiled with KR_TEST_DRIVER_1_0 it has none of the functions that came later.
 
 #include "clprotocol/clprotocolapi.h"
 
 #include <dlfcn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -28,10 +29,12 @@ constexpr CLINT64 kRefused = 0xFFFF0010;
 constexpr CLINT64 kForgetful = 0xFFFF0020;
 constexpr CLINT64 kSlow = 0xFFFF0030;      // Is pending as often as is written to it.
 constexpr CLINT64 kCancelled = 0xFFFF0040; // How often a pending write was cancelled.
+constexpr CLINT64 kChildID = 0xFFFF0050;   // The number of the process that the driver has started.
 
 char thePending = 0;
 char theCancelled = 0;
 bool theKnowsCamera = false;
+pid_t theChild = 0;
 CLLogger theLogger = nullptr;
 std::atomic<bool> theIsStopped{false};
 
@@ -54,6 +57,26 @@ bool Does(std::string_view aWhat, std::string_view aFunction) {
   return GetBehaviour() == std::string(aWhat) + '-' + std::string(aFunction) + ".so";
 }
 
+// Starts a process that stays, in a session of its own, and with another parent.
+void Spawn() {
+  int pipes[2];
+  if (pipe(pipes) != 0)
+    std::abort();
+  const pid_t between = fork();
+  if (between == 0) {
+    setsid();
+    if (fork() != 0)
+      _exit(0);
+    const pid_t own = getpid();
+    static_cast<void>(write(pipes[1], &own, sizeof own));
+    for (;;)
+      pause();
+  }
+  waitpid(between, nullptr, 0);
+  if (read(pipes[0], &theChild, sizeof theChild) != sizeof theChild)
+    std::abort();
+}
+
 void Misbehave(std::string_view aFunction) {
   if (Does("hang", aFunction)) {
     Log("hangs");
@@ -66,6 +89,8 @@ void Misbehave(std::string_view aFunction) {
     _exit(7);
   if (Does("throw", aFunction))
     throw std::runtime_error("thrown by the driver");
+  if (Does("spawn", aFunction))
+    Spawn();
 }
 
 CLINT32 GiveText(std::string_view aFunction, const std::string& aText, CLINT8* aBuffer, CLUINT32* aSize) {
@@ -168,8 +193,8 @@ KR_CLP_FUNCTION clpReadRegister(ISerial* aSerial, CLUINT32 aCookie, CLINT64 aAdd
   Misbehave("clpReadRegister");
   if (const CLINT32 code = CheckCookie(aCookie); code < 0)
     return code;
-  if (aAddress == kProcessID) {
-    const int id = getpid();
+  if (aAddress == kProcessID || aAddress == kChildID) {
+    const int id = aAddress == kChildID ? theChild : getpid();
     std::memcpy(aBytes, &id, std::min<std::size_t>(sizeof id, static_cast<std::size_t>(aSize)));
     return CL_ERR_NO_ERR;
   }
