@@ -42,6 +42,7 @@ public:
   /// driver.
   void Close(const std::stop_token& aStop) override;
 
+  std::uint64_t GetLineMs(std::size_t /*aBytes*/) const override { return 0; }
   KrResult Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) override;
   KrResult Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData, const std::stop_token& aStop) override;
   /// Reads again what was read last, and else finds the camera again.

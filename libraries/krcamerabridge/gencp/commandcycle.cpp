@@ -49,7 +49,6 @@ std::uint16_t CommandCycle::TakeRequestID() {
 }
 
 milliseconds CommandCycle::GetTransferTime(std::size_t aBytes) const {
-  constexpr std::size_t kBitsPerByte = 10; // With start and stop bit.
   return milliseconds(aBytes * kBitsPerByte * 1000 / std::max<std::uint32_t>(mBaudRate, 1) + 1);
 }
 

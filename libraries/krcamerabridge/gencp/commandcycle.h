@@ -7,6 +7,7 @@
 #include "krbase/krresult.h"
 #include "line/icameraline.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -43,7 +44,7 @@ struct Answer {
 /// Waits, unless aStop is stopped, in which case it is false.
 bool Rest(std::uint32_t aMilliseconds, const std::stop_token& aStop);
 
-/// Thread: one at a time. Ownership: borrows the line.
+/// Thread: one at a time; rate and response time can be asked for at any. Ownership: borrows the line.
 class CommandCycle {
 public:
   CommandCycle(ICameraLine& aLine, const CycleTimes& aTimes);
@@ -53,6 +54,7 @@ public:
   std::uint32_t GetBaudRate() const { return mBaudRate; }
   /// How long the camera takes for an answer, or to say that it takes longer; 300 milliseconds at first.
   void SetResponseTime(std::uint32_t aMilliseconds) { mResponseMs = aMilliseconds; }
+  std::uint32_t GetResponseTime() const { return mResponseMs; }
 
   /// Carries a command out. OK for any answer to it, whatever its status; TimeLimitExceeded when none came,
   /// ProtocolError when all that came was damaged, Aborted by aStop. When one was given up its answer is
@@ -91,8 +93,8 @@ private:
   ICameraLine& mLine;
   const CycleTimes mTimes;
   PacketReceiver mReceiver;
-  std::uint32_t mBaudRate = 9600;
-  std::uint32_t mResponseMs = 300;
+  std::atomic<std::uint32_t> mBaudRate{9600};
+  std::atomic<std::uint32_t> mResponseMs{300};
   std::uint16_t mLastRequestID = 0;
   std::optional<Pending> mAbandoned; // The command that nobody waits for any more.
 };

@@ -13,9 +13,6 @@ namespace krcamerabridge {
 
 namespace {
 
-// Every camera is known to take so many.
-constexpr std::size_t kSafeBytes = 64;
-
 std::string TellRange(const char* aAttempt, std::size_t aBytes, std::uint64_t aAddress) {
   std::array<char, 96> text{};
   std::snprintf(text.data(), text.size(), "%s %zu bytes at 0x%" PRIX64, aAttempt, aBytes, aAddress);

@@ -22,7 +22,7 @@ namespace krcamerabridge {
 ///       result = KrGenParameterArray::Open(description, port, {GenCPPort::kAccessTimeoutMs}, array);
 class GenCPPort final : public SessionPort {
 public:
-  /// How long an array should wait for an access: the longest packets, lost three times at the slowest rate.
+  /// How long an array should wait for a camera: the longest packets, lost three times at the slowest rate.
   static constexpr std::uint32_t kAccessTimeoutMs = 15000;
 
   explicit GenCPPort(ICameraLine& aLine, const CycleTimes& aTimes = {});

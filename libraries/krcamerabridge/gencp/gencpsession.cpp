@@ -1,5 +1,6 @@
 #include "gencp/gencpsession.h"
 
+#include "gencp/accesstime.h"
 #include "gencp/bootstrapmap.h"
 
 #include <algorithm>
@@ -176,6 +177,10 @@ void GenCPSession::Close(const std::stop_token& /*aStop*/) {
   }
   mKeepAliveMs = 0;
   mRate.RestoreLine();
+}
+
+std::uint64_t GenCPSession::GetLineMs(std::size_t aBytes) const {
+  return GetAccessLineMs(aBytes, mRate.Get(), mCycle.GetResponseTime());
 }
 
 KrResult GenCPSession::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) {

@@ -45,6 +45,7 @@ public:
   std::uint32_t GetKeepAliveMs() const { return mKeepAliveMs; }
   std::uint32_t GetBaudRate() const { return mRate.Get(); }
 
+  std::uint64_t GetLineMs(std::size_t aBytes) const override;
   KrResult Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) override;
   KrResult Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData, const std::stop_token& aStop) override;
   /// Takes control again when the camera has forgotten who has it.

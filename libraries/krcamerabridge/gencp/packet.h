@@ -14,6 +14,9 @@ constexpr std::size_t kPacketHeaderBytes = 16; ///< Prefix and common command da
 constexpr std::size_t kMaxSpecificBytes = kMaxPacketBytes - kPacketHeaderBytes;
 constexpr std::size_t kMaxReadBytes = kMaxSpecificBytes;
 constexpr std::size_t kMaxWriteBytes = kMaxSpecificBytes - 8;
+constexpr std::size_t kReadMemoryBytes = 12; ///< Specific data of a command that reads.
+constexpr std::size_t kSafeBytes = 64;       ///< Every camera is known to read and to write so many.
+constexpr std::size_t kBitsPerByte = 10;     ///< With start and stop bit.
 
 /// Only the control channel is used.
 constexpr std::uint16_t kControlChannel = 0;

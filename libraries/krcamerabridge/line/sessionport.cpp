@@ -1,5 +1,6 @@
 #include "line/sessionport.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace krcamerabridge {
@@ -16,6 +17,12 @@ KrResult SessionPort::CheckUnconnected() const {
 
 KrResult SessionPort::TellDisconnected() const {
   return {KrResult::Code::WrongState, "No " + mName + " camera is connected."};
+}
+
+// A limit of 0 stays one, and is refused.
+std::uint32_t SessionPort::GetLimitMs(std::size_t aLength, std::uint32_t aTimeoutMs) const {
+  const std::uint64_t lineMs = aTimeoutMs == 0 ? 0 : mSession->GetLineMs(aLength);
+  return static_cast<std::uint32_t>(std::min<std::uint64_t>(aTimeoutMs + lineMs, UINT32_MAX));
 }
 
 void SessionPort::Begin(std::unique_ptr<ILineSession> aSession, const PortWorkerTimes& aTimes) {
@@ -37,12 +44,14 @@ void SessionPort::End() {
 
 KrResult SessionPort::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                            const std::stop_token& aCancel) {
-  return mWorker ? mWorker->Read(aAddress, aData, aLength, aTimeoutMs, aCancel) : TellDisconnected();
+  return mWorker ? mWorker->Read(aAddress, aData, aLength, GetLimitMs(aLength, aTimeoutMs), aCancel)
+                 : TellDisconnected();
 }
 
 KrResult SessionPort::Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                             const std::stop_token& aCancel) {
-  return mWorker ? mWorker->Write(aAddress, aData, aLength, aTimeoutMs, aCancel) : TellDisconnected();
+  return mWorker ? mWorker->Write(aAddress, aData, aLength, GetLimitMs(aLength, aTimeoutMs), aCancel)
+                 : TellDisconnected();
 }
 
 } // namespace krcamerabridge

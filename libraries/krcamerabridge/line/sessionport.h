@@ -19,6 +19,8 @@ class ILineSession : public ILineDevice {
 public:
   /// Results as of ICameraPort::Disconnect. What is closed already stays so.
   virtual void Close(const std::stop_token& aStop) = 0;
+  /// How long an access to so many bytes may take on the line beside a caller's limit, in milliseconds. Thread: any.
+  virtual std::uint64_t GetLineMs(std::size_t aBytes) const = 0;
 };
 
 /// Thread: connecting and Disconnect one at a time; Read, Write and End any, while it is connected.
@@ -35,7 +37,8 @@ public:
   /// array that may wait is destroyed.
   void End();
 
-  /// WrongState while not connected; otherwise as the contract says.
+  /// WrongState while not connected; otherwise as the contract says. aTimeoutMs is for the camera: it grows by the time
+  /// that many bytes need on the line.
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel = {}) override;
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
@@ -52,6 +55,7 @@ protected:
 
 private:
   KrResult TellDisconnected() const;
+  std::uint32_t GetLimitMs(std::size_t aLength, std::uint32_t aTimeoutMs) const;
 
   const std::string mName;
   std::unique_ptr<ILineSession> mSession; // Outlives the worker.
