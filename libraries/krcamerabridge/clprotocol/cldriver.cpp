@@ -68,12 +68,14 @@ struct CLDriver::Limits {
   Clock::time_point until;
   Clock::time_point quietUntil;
   bool isCancelled = false;
+  bool isClosing = false;
 
   Clock::time_point GetNext() const { return std::min(until, quietUntil); }
 };
 
-CLDriver::CLDriver(const CLDriverFile& aFile, const CLDriverTimes& aTimes, ICameraLine* aLine)
-    : mFile(aFile), mTimes(aTimes) {
+CLDriver::CLDriver(const CLDriverFile& aFile, const CLDriverTimes& aTimes, ICameraLine* aLine,
+                   const std::stop_token& aAbandoned)
+    : mFile(aFile), mTimes(aTimes), mAbandoned(aAbandoned) {
   if (aLine != nullptr)
     mSerial.emplace(*aLine);
 }
@@ -106,8 +108,8 @@ KrResult CLDriver::GetTemplates(std::vector<std::string>& aTemplates, const std:
   if (KrResult result = Call({.kind = WireKind::GetTemplates}, mTimes.loadLimitMs, said, aStop); !result.IsOK())
     return result;
   if (said.code < 0)
-    return {KrResult::Code::SystemError, "The CL Protocol driver " + mFile.fileName +
-                                             " does not say its templates: " + GetErrorWords(said.code, 0) + '.'};
+    return {KrResult::Code::SystemError, "The CL Protocol driver " + mFile.fileName + " does not say its templates: " +
+                                             GetErrorWords(said.code, 0, aStop) + '.'};
   aTemplates = SplitCLList(ToText(said.bytes));
   std::erase_if(aTemplates, [](const std::string& aText) { return !IsCLShortID(aText); });
   return {};
@@ -137,7 +139,7 @@ KrResult CLDriver::ReadRegister(std::uint32_t aCookie, std::uint64_t aAddress, s
                           .length = static_cast<std::uint32_t>(aSize),
                           .timeoutMs = mTimes.accessMs,
                           .address = aAddress},
-                         mTimes.callLimitMs, aSaid, aStop);
+                         GetRegisterLimit(aSize), aSaid, aStop);
   if (result.IsOK() && aSaid.code >= 0 && aSaid.bytes.size() != aSize)
     return Fail(KrResult::Code::SystemError, "answered a read of registers with another number of bytes");
   return result;
@@ -146,23 +148,43 @@ KrResult CLDriver::ReadRegister(std::uint32_t aCookie, std::uint64_t aAddress, s
 KrResult CLDriver::WriteRegister(std::uint32_t aCookie, std::uint64_t aAddress, std::span<const std::uint8_t> aBytes,
                                  Said& aSaid, const std::stop_token& aStop) {
   // A stop is waited for between the calls; a driver whose camera is not done is told at once.
-  KrResult result = Call({.kind = WireKind::WriteRegister,
-                          .cookie = aCookie,
-                          .timeoutMs = mTimes.accessMs,
-                          .address = aAddress,
-                          .bytes = {aBytes.begin(), aBytes.end()}},
-                         mTimes.callLimitMs, aSaid, aStop);
-  WireFrame next{.kind = WireKind::ContinueWrite, .cookie = aCookie, .timeoutMs = mTimes.accessMs};
-  while (mProcess && aSaid.code == CL_ERR_PENDING_WRITE) {
-    const bool isStopped = aStop.stop_requested();
-    next.length = isStopped ? 0 : 1;
-    const std::uint32_t limitMs = isStopped ? mTimes.cancelLimitMs : mTimes.callLimitMs;
+  const KrResult result = Call({.kind = WireKind::WriteRegister,
+                                .cookie = aCookie,
+                                .timeoutMs = mTimes.accessMs,
+                                .address = aAddress,
+                                .bytes = {aBytes.begin(), aBytes.end()}},
+                               GetRegisterLimit(aBytes.size()), aSaid, aStop);
+  return mProcess && aSaid.code == CL_ERR_PENDING_WRITE ? ContinueWrite(aCookie, aSaid, aStop) : result;
+}
+
+KrResult CLDriver::ContinueWrite(std::uint32_t aCookie, Said& aSaid, const std::stop_token& aStop) {
+  const auto until = Clock::now() + milliseconds(mTimes.pendingLimitMs);
+  const WireFrame next{.kind = WireKind::ContinueWrite, .cookie = aCookie, .length = 1, .timeoutMs = mTimes.accessMs};
+  KrResult result;
+  do {
+    if (aStop.stop_requested())
+      return CancelWrite(aCookie, KrResult::Code::Aborted);
+    if (Clock::now() >= until)
+      return CancelWrite(aCookie, KrResult::Code::TimeLimitExceeded);
     aSaid = {};
-    result = Call(next, limitMs, aSaid, isStopped ? std::stop_token() : aStop);
-    if (isStopped)
-      return result.IsOK() ? KrResult(KrResult::Code::Aborted, "Writing to the camera was cancelled.") : result;
-  }
+    result = Call(next, mTimes.callLimitMs, aSaid, aStop);
+  } while (mProcess && aSaid.code == CL_ERR_PENDING_WRITE);
   return result;
+}
+
+KrResult CLDriver::CancelWrite(std::uint32_t aCookie, KrResult::Code aWhy) {
+  Said said;
+  const WireFrame call{.kind = WireKind::ContinueWrite, .cookie = aCookie, .timeoutMs = mTimes.accessMs};
+  if (KrResult result = Call(call, mTimes.cancelLimitMs, said, {}); !result.IsOK())
+    return result;
+  if (aWhy == KrResult::Code::Aborted)
+    return {aWhy, "Writing to the camera was cancelled."};
+  return {aWhy, "The camera was not done with a write within " + std::to_string(mTimes.pendingLimitMs) +
+                    " milliseconds; it was cancelled."};
+}
+
+std::uint32_t CLDriver::GetRegisterLimit(std::size_t aBytes) const {
+  return GetRegisterLimitMs(mTimes, aBytes, mSerial ? mSerial->GetRate() : kCLFirstRate);
 }
 
 KrResult CLDriver::GetParam(std::uint32_t aCookie, std::int32_t aParam, std::uint32_t& aValue, Said& aSaid,
@@ -192,15 +214,15 @@ KrResult CLDriver::SetParam(std::uint32_t aCookie, std::int32_t aParam, std::uin
               mTimes.callLimitMs, aSaid, aStop);
 }
 
-KrResult CLDriver::Disconnect(std::uint32_t aCookie, Said& aSaid) {
-  return Call({.kind = WireKind::Disconnect, .cookie = aCookie}, mTimes.callLimitMs, aSaid, {});
+KrResult CLDriver::Disconnect(std::uint32_t aCookie, Said& aSaid, const std::stop_token& aStop) {
+  return Call({.kind = WireKind::Disconnect, .cookie = aCookie}, mTimes.callLimitMs, aSaid, aStop);
 }
 
-std::string CLDriver::GetErrorWords(std::int32_t aCode, std::uint32_t aCookie) {
+std::string CLDriver::GetErrorWords(std::int32_t aCode, std::uint32_t aCookie, const std::stop_token& aStop) {
   Said said;
   std::string words;
   const WireFrame call{.kind = WireKind::GetErrorText, .code = aCode, .cookie = aCookie};
-  if (mProcess && Call(call, mTimes.callLimitMs, said, {}).IsOK() && said.code >= 0)
+  if (mProcess && Call(call, mTimes.callLimitMs, said, aStop).IsOK() && said.code >= 0)
     words = MakeCLWords(ToText(said.bytes));
   if (words.empty() && mSerial)
     words = MakeCLWords(mSerial->GetFailure().GetDescription().ToUtf8());
@@ -211,18 +233,33 @@ std::string CLDriver::GetErrorWords(std::int32_t aCode, std::uint32_t aCookie) {
   return words + (words.empty() ? "error " : " (error ") + std::to_string(aCode) + (words.empty() ? "" : ")");
 }
 
+CLDriver::Limits CLDriver::MakeLimits(std::uint32_t aLimitMs) const {
+  const Clock::time_point now = Clock::now();
+  Limits limits{aLimitMs, now + milliseconds(aLimitMs), now + milliseconds(mTimes.quietLimitMs)};
+  limits.isClosing = mClosedUntil && *mClosedUntil < limits.until;
+  if (limits.isClosing) {
+    limits.limitMs = mTimes.closeLimitMs;
+    limits.until = *mClosedUntil;
+  }
+  return limits;
+}
+
 // Code, cookie and bytes of the answer go to aSaid, also where a cancelled call came to its end.
 KrResult CLDriver::Call(const WireFrame& aCall, std::uint32_t aLimitMs, Said& aSaid, const std::stop_token& aStop) {
   if (!mProcess)
     return mEnd;
   if (aStop.stop_requested())
     return {KrResult::Code::Aborted, "Asking the CL Protocol driver was cancelled."};
-  const Clock::time_point now = Clock::now();
-  Limits limits{aLimitMs, now + milliseconds(aLimitMs), now + milliseconds(mTimes.quietLimitMs)};
-  if (const HostProcess::Event event = mProcess->Send(aCall, limits.GetNext()); event != HostProcess::Event::Frame)
-    return Miss(event, aCall, limits);
+  std::stop_source ending;
+  const auto end = [&ending] { ending.request_stop(); };
+  const std::stop_callback onStop(aStop, end);
+  const std::stop_callback onAbandoned(mAbandoned, end);
+  Limits limits = MakeLimits(aLimitMs);
+  const HostProcess::Event sent = mProcess->Send(aCall, limits.GetNext(), mAbandoned);
+  if (sent != HostProcess::Event::Frame)
+    return Miss(sent, aCall, limits);
   WireFrame answer{.kind = WireKind::Answer};
-  if (KrResult result = Await(aCall, limits, answer, aStop); !result.IsOK())
+  if (KrResult result = Await(aCall, limits, answer, ending.get_token()); !result.IsOK())
     return result;
   if (answer.kind == WireKind::Refusal)
     return {KrResult::Code::SystemError, "The CL Protocol driver " + mFile.fileName + " cannot be used in " +
@@ -237,8 +274,8 @@ KrResult CLDriver::Call(const WireFrame& aCall, std::uint32_t aLimitMs, Said& aS
 KrResult CLDriver::Await(const WireFrame& aCall, Limits& aLimits, WireFrame& aAnswer, const std::stop_token& aStop) {
   using Event = HostProcess::Event;
   for (;;) {
-    const Event event = mProcess->Receive(aAnswer, aLimits.GetNext(), aLimits.isCancelled ? std::stop_token() : aStop);
-    if (event == Event::Stopped) {
+    const Event event = mProcess->Receive(aAnswer, aLimits.GetNext(), aLimits.isCancelled ? mAbandoned : aStop);
+    if (event == Event::Stopped && !mAbandoned.stop_requested()) {
       Cancel(aCall, aLimits);
       continue;
     }
@@ -249,12 +286,14 @@ KrResult CLDriver::Await(const WireFrame& aCall, Limits& aLimits, WireFrame& aAn
     if (!Serve(aAnswer, aLimits, aStop))
       return Miss(Event::Ended, aCall, aLimits);
     // Who only logs, or reads a silent line for ever, meets the limit as well.
-    if (Clock::now() >= aLimits.until)
+    if (Clock::now() >= aLimits.until || mAbandoned.stop_requested())
       return Miss(Event::TimeOver, aCall, aLimits);
   }
 }
 
 KrResult CLDriver::Miss(HostProcess::Event aEvent, const WireFrame& aCall, const Limits& aLimits) {
+  if (mAbandoned.stop_requested())
+    return Fail(KrResult::Code::Aborted, "was ended, as nobody waits for it any more");
   if (aEvent == HostProcess::Event::Broken)
     return Fail(KrResult::Code::SystemError, "has damaged its process: it said what is no message");
   if (aEvent == HostProcess::Event::Ended)
@@ -266,10 +305,10 @@ KrResult CLDriver::Miss(HostProcess::Event aEvent, const WireFrame& aCall, const
     return {KrResult::Code::Aborted, ended.GetDescription()};
   }
   const bool isQuiet = aLimits.quietUntil < aLimits.until;
+  const char* const what = isQuiet ? " without a use of the line" : aLimits.isClosing ? " of being closed" : "";
   return Fail(KrResult::Code::TimeLimitExceeded, "did not come back from " + GetName(aCall) + " within " +
                                                      std::to_string(isQuiet ? mTimes.quietLimitMs : aLimits.limitMs) +
-                                                     " milliseconds" + (isQuiet ? " without a use of the line" : "") +
-                                                     ", and was ended");
+                                                     " milliseconds" + what + ", and was ended");
 }
 
 // From here on the line fails at once, so a driver that is well comes back soon.
@@ -277,7 +316,7 @@ void CLDriver::Cancel(const WireFrame& aCall, Limits& aLimits) {
   aLimits.isCancelled = true;
   aLimits.until = std::min(aLimits.until, Clock::now() + milliseconds(mTimes.cancelLimitMs));
   if (aCall.kind == WireKind::Probe)
-    static_cast<void>(mProcess->Send({.kind = WireKind::StopProbe}, aLimits.until));
+    static_cast<void>(mProcess->Send({.kind = WireKind::StopProbe}, aLimits.until, mAbandoned));
 }
 
 // Does what a driver asks of the line, or logs; false when the driver is not there to be answered.
@@ -297,7 +336,7 @@ bool CLDriver::Serve(const WireFrame& aUse, Limits& aLimits, const std::stop_tok
   const WireFrame answer = UseLine(aUse, timeoutMs, aStop);
   aLimits.quietUntil = Clock::now() + milliseconds(mTimes.quietLimitMs);
   // A call that is over before its answer comes shows what became of it.
-  return mProcess->Send(answer, aLimits.until) != HostProcess::Event::Ended;
+  return mProcess->Send(answer, aLimits.GetNext(), mAbandoned) != HostProcess::Event::Ended;
 }
 
 WireFrame CLDriver::UseLine(const WireFrame& aUse, std::uint32_t aTimeoutMs, const std::stop_token& aStop) {

@@ -9,6 +9,8 @@
 #include "clprotocol/hostprocess.h"
 #include "krbase/krresult.h"
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -33,8 +35,10 @@ public:
     std::vector<std::uint8_t> bytes = {};
   };
 
-  /// aLine is null for what needs no camera.
-  CLDriver(const CLDriverFile& aFile, const CLDriverTimes& aTimes, ICameraLine* aLine);
+  /// aLine is null for what needs no camera. Once aAbandoned is stopped nobody waits for the driver any more: the call
+  /// that runs, and every later one, ends the process at once, with Aborted.
+  CLDriver(const CLDriverFile& aFile, const CLDriverTimes& aTimes, ICameraLine* aLine,
+           const std::stop_token& aAbandoned = {});
   /// Ends the process; Close comes before where the driver is to know of it.
   ~CLDriver() = default;
   CLDriver(const CLDriver&) = delete;
@@ -44,6 +48,8 @@ public:
   KrResult Start(const std::stop_token& aStop);
   /// False before Start, and after the process has ended, for whatever reason.
   bool IsRunning() const { return mProcess != nullptr; }
+  /// From now on all calls together, Close included, have the time for closing alone.
+  void BeginClosing() { mClosedUntil = Clock::now() + std::chrono::milliseconds(mTimes.closeLimitMs); }
   /// Has the driver end what it does, as far as it runs, and ends the process.
   void Close();
   const CLDriverFile& GetFile() const { return mFile; }
@@ -58,7 +64,8 @@ public:
   /// Where the code is no error the bytes are as many as were asked for.
   KrResult ReadRegister(std::uint32_t aCookie, std::uint64_t aAddress, std::size_t aSize, Said& aSaid,
                         const std::stop_token& aStop);
-  /// Continues as long as the driver says that the camera is not done; cancels by aStop.
+  /// Continues as long as the driver says that the camera is not done, up to the limit for that, which is a
+  /// TimeLimitExceeded; then, and by aStop, cancels.
   KrResult WriteRegister(std::uint32_t aCookie, std::uint64_t aAddress, std::span<const std::uint8_t> aBytes,
                          Said& aSaid, const std::stop_token& aStop);
   /// Parameters of four bytes.
@@ -66,15 +73,19 @@ public:
                     const std::stop_token& aStop);
   KrResult SetParam(std::uint32_t aCookie, std::int32_t aParam, std::uint32_t aValue, Said& aSaid,
                     const std::stop_token& aStop);
-  KrResult Disconnect(std::uint32_t aCookie, Said& aSaid);
+  KrResult Disconnect(std::uint32_t aCookie, Said& aSaid, const std::stop_token& aStop);
 
   /// What an error number means: in the driver's words, else the line's, else the standard's.
-  std::string GetErrorWords(std::int32_t aCode, std::uint32_t aCookie);
+  std::string GetErrorWords(std::int32_t aCode, std::uint32_t aCookie, const std::stop_token& aStop);
 
 private:
   struct Limits;
   using Clock = HostProcess::Clock;
 
+  std::uint32_t GetRegisterLimit(std::size_t aBytes) const;
+  KrResult ContinueWrite(std::uint32_t aCookie, Said& aSaid, const std::stop_token& aStop);
+  KrResult CancelWrite(std::uint32_t aCookie, KrResult::Code aWhy);
+  Limits MakeLimits(std::uint32_t aLimitMs) const;
   KrResult Call(const WireFrame& aCall, std::uint32_t aLimitMs, Said& aSaid, const std::stop_token& aStop);
   KrResult Await(const WireFrame& aCall, Limits& aLimits, WireFrame& aAnswer, const std::stop_token& aStop);
   KrResult Miss(HostProcess::Event aEvent, const WireFrame& aCall, const Limits& aLimits);
@@ -85,6 +96,8 @@ private:
 
   const CLDriverFile mFile;
   const CLDriverTimes mTimes;
+  const std::stop_token mAbandoned;
+  std::optional<Clock::time_point> mClosedUntil;
   std::optional<CLSerial> mSerial;
   std::unique_ptr<HostProcess> mProcess; // Null while none runs.
   int mLogged = 0;                       // Of what the driver wants to have logged.

@@ -29,8 +29,9 @@ namespace krcamerabridge {
 ///       result = KrGenParameterArray::Open(description, port, {CLProtocolPort::kAccessTimeoutMs}, array);
 class CLProtocolPort final : public SessionPort {
 public:
-  /// How long an array should wait for an access: longer than a driver's limit for a call.
-  static constexpr std::uint32_t kAccessTimeoutMs = 15000;
+  /// How long an array should wait for a camera: longer than a driver may take that the camera keeps waiting with a
+  /// write. One that does not come back from a call, or a camera that keeps silent, is found out long before.
+  static constexpr std::uint32_t kAccessTimeoutMs = 330000;
 
   explicit CLProtocolPort(ICameraLine& aLine, const CLDriverTimes& aTimes = {});
 

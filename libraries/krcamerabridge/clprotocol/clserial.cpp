@@ -13,8 +13,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::uint32_t kFirstRate = 9600;
-
 std::uint32_t GetRest(Clock::time_point aUntil) {
   const auto rest = std::chrono::ceil<std::chrono::milliseconds>(aUntil - Clock::now()).count();
   return static_cast<std::uint32_t>(std::max<std::int64_t>(rest, 0));
@@ -49,7 +47,7 @@ std::uint32_t CLSerial::GetSupportedRates() {
     bits |= KrGetCLSpeedBit(rate);
   if (bits == 0)
     bits = KrGetCLSpeedBit(mLine.GetBaudRate());
-  return bits != 0 ? bits : KrGetCLSpeedBit(kFirstRate);
+  return bits != 0 ? bits : KrGetCLSpeedBit(kCLFirstRate);
 }
 
 std::int32_t CLSerial::SetRate(std::uint32_t aBit) {
@@ -57,9 +55,14 @@ std::int32_t CLSerial::SetRate(std::uint32_t aBit) {
   if (rate == 0)
     return CL_ERR_BAUD_RATE_NOT_SUPPORTED;
   const std::uint32_t current = mLine.GetBaudRate();
-  if (rate == current || (current == 0 && aBit == GetSupportedRates()))
+  mRate = current != 0 ? current : kCLFirstRate;
+  if (rate == current || (current == 0 && aBit == GetSupportedRates())) {
+    mRate = rate;
     return CL_ERR_NO_ERR;
+  }
   const KrResult result = mLine.SetBaudRate(rate);
+  if (result.IsOK())
+    mRate = rate;
   return result == KrResult::Code::NotSupported ? CL_ERR_BAUD_RATE_NOT_SUPPORTED : Note(result);
 }
 

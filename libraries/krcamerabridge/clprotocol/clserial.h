@@ -4,12 +4,16 @@
 
 #include "line/icameraline.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <stop_token>
 #include <vector>
 
 namespace krcamerabridge {
+
+/// The rate with which every line to a camera begins, in baud.
+constexpr std::uint32_t kCLFirstRate = 9600;
 
 /// Thread: one at a time. Ownership: borrows the line.
 class CLSerial {
@@ -23,6 +27,9 @@ public:
   /// The bits of the rates that the line can have; that of the one that it has where it cannot change it.
   std::uint32_t GetSupportedRates();
   std::int32_t SetRate(std::uint32_t aBit);
+  /// In baud, as it was last set; the first one, which is the slowest, where that failed. Does not ask the line.
+  /// Thread: any.
+  std::uint32_t GetRate() const { return mRate; }
 
   /// Drops what was received and not read.
   void Drop();
@@ -35,6 +42,7 @@ private:
 
   ICameraLine& mLine;
   std::vector<std::uint8_t> mReceived;
+  std::atomic<std::uint32_t> mRate{kCLFirstRate};
   KrResult mFailure;
 };
 

@@ -14,8 +14,6 @@ namespace krcamerabridge {
 
 namespace {
 
-constexpr std::uint32_t kFirstRate = 9600;
-
 std::string ToText(const std::vector<std::uint8_t>& aBytes) {
   return {aBytes.begin(), aBytes.end()};
 }
@@ -62,7 +60,7 @@ KrResult CLSession::Open(const std::string& aTemplate, const std::stop_token& aS
   if (KrResult result = StartDriver(*clTemplate, aStop); !result.IsOK())
     return result;
   mFormerRate = mLine.GetBaudRate();
-  KrResult result = FindCamera(clTemplate->shortID, kFirstRate, aStop);
+  KrResult result = FindCamera(clTemplate->shortID, kCLFirstRate, aStop);
   if (!result.IsOK())
     Close({});
   return result;
@@ -73,7 +71,7 @@ KrResult CLSession::StartDriver(const CLFullID& aTemplate, const std::stop_token
   KrResult failure{KrResult::Code::InvalidInput, "No CL Protocol driver " + aTemplate.fileName + " with the template " +
                                                      aTemplate.shortID + " is installed."};
   for (const CLDriverFile& file : ListCandidates(aTemplate)) {
-    auto driver = std::make_unique<CLDriver>(file, mTimes, &mLine);
+    auto driver = std::make_unique<CLDriver>(file, mTimes, &mLine, mAbandoned.get_token());
     std::vector<std::string> templates;
     KrResult result = driver->Start(aStop);
     if (result.IsOK())
@@ -88,6 +86,7 @@ KrResult CLSession::StartDriver(const CLFullID& aTemplate, const std::stop_token
     }
     if (!result.IsOK())
       failure = result;
+    driver->BeginClosing();
     driver->Close();
   }
   return failure;
@@ -103,7 +102,7 @@ KrResult CLSession::FindCamera(const std::string& aTemplate, std::uint32_t aBaud
   CLDriver::Said said;
   const KrResult asked = mDriver->Probe(aTemplate, said, aStop);
   mCookie = said.code >= 0 ? said.cookie : 0; // Of a probe that was cancelled, too.
-  if (KrResult result = Judge(asked, said, "Looking for the camera"); !result.IsOK())
+  if (KrResult result = Judge(asked, said, "Looking for the camera", aStop); !result.IsOK())
     return result;
   const std::string shortID = ToText(said.bytes).c_str(); // Up to its zero.
   if (mCookie == 0 || !IsCLShortID(shortID))
@@ -125,7 +124,7 @@ KrResult CLSession::GetXMLIDs(std::vector<std::string>& aXMLIDs, const std::stop
   const KrResult asked = mDriver->GetXMLIDs(mCookie, said, aStop);
   std::vector<std::string> all;
   if (!asked.IsOK() || said.code != CL_ERR_NO_XMLDESCRIPTION_FOUND) {
-    if (KrResult result = Judge(asked, said, "Asking for its descriptions"); !result.IsOK())
+    if (KrResult result = Judge(asked, said, "Asking for its descriptions", aStop); !result.IsOK())
       return result;
     all = SplitCLList(ToText(said.bytes));
   }
@@ -144,7 +143,7 @@ KrResult CLSession::GoFast(const std::stop_token& aStop) {
       !result.IsOK() || said.code < 0)
     return result;
   const std::uint32_t best = std::bit_floor(rates & mDriver->GetSerial()->GetSupportedRates());
-  if (best <= KrGetCLSpeedBit(kFirstRate))
+  if (best <= KrGetCLSpeedBit(kCLFirstRate))
     return {};
   return SetRate(best, aStop);
 }
@@ -157,7 +156,7 @@ KrResult CLSession::SetRate(std::uint32_t aBit, const std::stop_token& aStop) {
   if (said.code >= 0)
     return {};
   LogInfo("The CL Protocol camera " + mShortID +
-          " stays at its baud rate: " + mDriver->GetErrorWords(said.code, mCookie) + '.');
+          " stays at its baud rate: " + mDriver->GetErrorWords(said.code, mCookie, aStop) + '.');
   mFastBit = 0;
   return {};
 }
@@ -169,14 +168,16 @@ KrResult CLSession::ReadDescription(const std::string& aXMLID, KrGenDescription&
     return KrGenDescription::ReadFromFile(file->path, aDescription);
   CLDriver::Said said;
   const KrResult asked = mDriver->GetXMLDescription(mCookie, aXMLID, said, aStop);
-  if (KrResult result = Judge(asked, said, "Reading a description"); !result.IsOK())
+  if (KrResult result = Judge(asked, said, "Reading a description", aStop); !result.IsOK())
     return result;
   return TakeDescription(ToText(said.bytes), aXMLID, aDescription);
 }
 
-void CLSession::Close(const std::stop_token& /*aStop*/) {
+void CLSession::Close(const std::stop_token& aStop) {
   if (!mDriver)
     return;
+  const std::stop_callback onStop(aStop, [this] { Abandon(); });
+  mDriver->BeginClosing();
   ReleaseCamera();
   mDriver->Close();
   mDriver.reset();
@@ -192,19 +193,23 @@ void CLSession::ReleaseCamera() {
   CLDriver::Said said;
   KrResult result;
   if (mCookie != 0 && mFastBit != 0)
-    result = mDriver->SetParam(mCookie, CLP_DEVICE_BAUDERATE, KrGetCLSpeedBit(kFirstRate), said, {});
+    result = mDriver->SetParam(mCookie, CLP_DEVICE_BAUDERATE, KrGetCLSpeedBit(kCLFirstRate), said, {});
   if (mCookie != 0 && mDriver->IsRunning())
-    result = mDriver->Disconnect(mCookie, said);
+    result = mDriver->Disconnect(mCookie, said, {});
   if (!result.IsOK())
     KrLogger("KrCameraBridge")
         .Log(KrLogLevel::Warning, {"CLSession::ReleaseCamera", "clsession"}, result.GetDescription());
   mCookie = 0;
 }
 
+std::uint64_t CLSession::GetLineMs(std::size_t aBytes) const {
+  return GetRegisterLineMs(aBytes, mDriver->GetSerial()->GetRate());
+}
+
 KrResult CLSession::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) {
   CLDriver::Said said;
   const KrResult asked = mDriver->ReadRegister(mCookie, aAddress, aData.size(), said, aStop);
-  KrResult result = JudgeAccess(asked, said, "Reading registers");
+  KrResult result = JudgeAccess(asked, said, "Reading registers", aStop);
   if (result.IsOK()) {
     std::ranges::copy(said.bytes, aData.begin());
     mLastAddress = aAddress;
@@ -216,7 +221,7 @@ KrResult CLSession::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, 
 KrResult CLSession::Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData, const std::stop_token& aStop) {
   CLDriver::Said said;
   const KrResult asked = mDriver->WriteRegister(mCookie, aAddress, aData, said, aStop);
-  return JudgeAccess(asked, said, "Writing registers");
+  return JudgeAccess(asked, said, "Writing registers", aStop);
 }
 
 KrResult CLSession::Probe(const std::stop_token& aStop) {
@@ -230,10 +235,10 @@ KrResult CLSession::Probe(const std::stop_token& aStop) {
 
   CLDriver::Said said;
   if (mCookie != 0)
-    static_cast<void>(mDriver->Disconnect(std::exchange(mCookie, 0), said));
+    static_cast<void>(mDriver->Disconnect(std::exchange(mCookie, 0), said, aStop));
   const std::uint32_t fastBit = mFastBit;
   const std::string shortID = mShortID;
-  result = FindCamera(shortID, kFirstRate, aStop);
+  result = FindCamera(shortID, kCLFirstRate, aStop);
   // It may have kept its rate where only the line was cut.
   if (result == KrResult::Code::NotFound && fastBit != 0)
     result = FindCamera(shortID, KrGetCLSpeed(fastBit), aStop);
@@ -246,12 +251,13 @@ KrResult CLSession::Probe(const std::stop_token& aStop) {
 }
 
 // What a call comes to while a camera is being found and described.
-KrResult CLSession::Judge(const KrResult& aResult, const CLDriver::Said& aSaid, const char* aAttempt) {
+KrResult CLSession::Judge(const KrResult& aResult, const CLDriver::Said& aSaid, const char* aAttempt,
+                          const std::stop_token& aStop) {
   if (!aResult.IsOK() || aSaid.code >= 0)
     return aResult;
   const bool isLineLost = mDriver->GetSerial()->GetFailure() == KrResult::Code::ConnectionLost;
   const std::string words = std::string(aAttempt) + " by the CL Protocol driver " + mDriver->GetFile().fileName + ": " +
-                            mDriver->GetErrorWords(aSaid.code, mCookie) + '.';
+                            mDriver->GetErrorWords(aSaid.code, mCookie, aStop) + '.';
   if (isLineLost)
     return {KrResult::Code::ConnectionLost, words};
   const bool isMissing = TellsOfNoCamera(aSaid.code) || aSaid.code == CL_ERR_NO_XMLDESCRIPTION_FOUND;
@@ -259,10 +265,11 @@ KrResult CLSession::Judge(const KrResult& aResult, const CLDriver::Said& aSaid, 
 }
 
 // What an access to a connected camera comes to.
-KrResult CLSession::JudgeAccess(const KrResult& aResult, const CLDriver::Said& aSaid, const char* aAttempt) {
+KrResult CLSession::JudgeAccess(const KrResult& aResult, const CLDriver::Said& aSaid, const char* aAttempt,
+                                const std::stop_token& aStop) {
   if (!mDriver->IsRunning() && aResult != KrResult::Code::Aborted)
     return {KrResult::Code::ConnectionLost, aResult.GetDescription()};
-  const KrResult result = Judge(aResult, aSaid, aAttempt);
+  const KrResult result = Judge(aResult, aSaid, aAttempt, aStop);
   if (!aResult.IsOK() || aSaid.code >= 0 || result == KrResult::Code::ConnectionLost)
     return result;
   // A driver that has forgotten the camera is asked to find it again, as for one that is silent.

@@ -38,11 +38,13 @@ public:
   KrResult GoFast(const std::stop_token& aStop);
   /// One that GetXMLIDs gave: from a file, else from the driver.
   KrResult ReadDescription(const std::string& aXMLID, KrGenDescription& aDescription, const std::stop_token& aStop);
-  /// Gives the camera free, puts camera and line back to their rates, as far as driver and camera answer, and ends the
-  /// driver.
+  /// Gives the camera free, puts camera and line back to their rates, as far as driver and camera answer soon, and ends
+  /// the driver.
   void Close(const std::stop_token& aStop) override;
+  /// Ends the driver.
+  void Abandon() override { mAbandoned.request_stop(); }
 
-  std::uint64_t GetLineMs(std::size_t /*aBytes*/) const override { return 0; }
+  std::uint64_t GetLineMs(std::size_t aBytes) const override;
   KrResult Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) override;
   KrResult Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData, const std::stop_token& aStop) override;
   /// Reads again what was read last, and else finds the camera again.
@@ -53,11 +55,14 @@ private:
   KrResult FindCamera(const std::string& aTemplate, std::uint32_t aBaudRate, const std::stop_token& aStop);
   KrResult SetRate(std::uint32_t aBit, const std::stop_token& aStop);
   void ReleaseCamera();
-  KrResult Judge(const KrResult& aResult, const CLDriver::Said& aSaid, const char* aAttempt);
-  KrResult JudgeAccess(const KrResult& aResult, const CLDriver::Said& aSaid, const char* aAttempt);
+  KrResult Judge(const KrResult& aResult, const CLDriver::Said& aSaid, const char* aAttempt,
+                 const std::stop_token& aStop);
+  KrResult JudgeAccess(const KrResult& aResult, const CLDriver::Said& aSaid, const char* aAttempt,
+                       const std::stop_token& aStop);
 
   ICameraLine& mLine;
   const CLDriverTimes mTimes;
+  std::stop_source mAbandoned;
   std::unique_ptr<CLDriver> mDriver;
   std::uint32_t mFormerRate = 0; // Of the line, before it was used; 0 where it is not known.
   std::uint32_t mFastBit = 0;    // The rate that was gone up to; 0 for none.

@@ -138,7 +138,7 @@ KrResult HostProcess::Spawn(int aSocket, int aPrinted) {
   return TellSystem("Starting " + program + " for the CL Protocol driver " + mName, error);
 }
 
-HostProcess::Event HostProcess::Send(const WireFrame& aFrame, Clock::time_point aUntil) {
+HostProcess::Event HostProcess::Send(const WireFrame& aFrame, Clock::time_point aUntil, const std::stop_token& aStop) {
   const std::vector<std::uint8_t> bytes = MakeWireBytes(aFrame);
   for (std::size_t sent = 0; sent < bytes.size();) {
     const ssize_t count = send(mSocket.Get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
@@ -148,7 +148,7 @@ HostProcess::Event HostProcess::Send(const WireFrame& aFrame, Clock::time_point 
     }
     if (errno != EAGAIN && errno != EINTR)
       return Event::Ended;
-    if (const Event event = Await(POLLOUT, aUntil, {}); event != Event::Frame)
+    if (const Event event = Await(POLLOUT, aUntil, aStop); event != Event::Frame)
       return event;
   }
   return Event::Frame;

@@ -31,8 +31,8 @@ public:
   HostProcess(const HostProcess&) = delete;
   HostProcess& operator=(const HostProcess&) = delete;
 
-  /// Sends a frame: Frame when it was, TimeOver or Ended.
-  Event Send(const WireFrame& aFrame, Clock::time_point aUntil);
+  /// Sends a frame: Frame when it was, TimeOver, Stopped or Ended.
+  Event Send(const WireFrame& aFrame, Clock::time_point aUntil, const std::stop_token& aStop);
   /// Waits for a frame of the process.
   Event Receive(WireFrame& aFrame, Clock::time_point aUntil, const std::stop_token& aStop);
 

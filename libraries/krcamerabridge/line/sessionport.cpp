@@ -31,9 +31,11 @@ void SessionPort::Begin(std::unique_ptr<ILineSession> aSession, const PortWorker
 }
 
 void SessionPort::Disconnect(const std::stop_token& aStop) {
-  mWorker.reset();
-  if (mSession)
+  if (mSession) {
+    const std::stop_callback onStop(aStop, [this] { mSession->Abandon(); });
+    mWorker.reset();
     mSession->Close(aStop);
+  }
   mSession.reset();
 }
 

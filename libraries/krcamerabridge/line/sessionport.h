@@ -21,6 +21,9 @@ public:
   virtual void Close(const std::stop_token& aStop) = 0;
   /// How long an access to so many bytes may take on the line beside a caller's limit, in milliseconds. Thread: any.
   virtual std::uint64_t GetLineMs(std::size_t aBytes) const = 0;
+  /// Nobody waits any more, not even for what is to be put back: for sessions whose calls outlast a stop, which then
+  /// end at once. Thread: any.
+  virtual void Abandon() {}
 };
 
 /// Thread: connecting and Disconnect one at a time; Read, Write and End any, while it is connected.

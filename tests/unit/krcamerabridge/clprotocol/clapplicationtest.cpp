@@ -99,7 +99,8 @@ TEST(InstalledApplication, FindsTheProgramForDriversFromItsOwnPlace) {
   EXPECT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(driver) + "/exe"), host);
 }
 
-INSTANTIATE_TEST_SUITE_P(Drivers, ApplicationTest, testing::Values("libgood.so", "libhang-clpWriteRegister.so", "libspawn-clpInitLib.so"),
+INSTANTIATE_TEST_SUITE_P(Drivers, ApplicationTest,
+                         testing::Values("libgood.so", "libhang-clpWriteRegister.so", "libspawn-clpInitLib.so"),
                          [](const auto& aInfo) {
                            const std::string name = aInfo.param;
                            return name.substr(3, name.find_first_of("-.") - 3);

@@ -78,6 +78,18 @@ protected:
   const KrLogCapture log;
 };
 
+// Waits longer than any test for a driver that hangs, unless it is told not to.
+constexpr CLDriverTimes kPatientTimes = [] {
+  constexpr std::uint32_t kDayMs = 86400000;
+  return CLDriverTimes{200, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs};
+}();
+
+bool Contains(const KrLogCapture& aLog, const std::string& aWords) {
+  const std::vector<KrLogRecord> records = aLog.GetRecords();
+  return std::ranges::any_of(
+      records, [&](const KrLogRecord& aRecord) { return aRecord.text.ToUtf8().find(aWords) != std::string::npos; });
+}
+
 class DriverFaultsTest : public FaultyDriverTest, public testing::WithParamInterface<Function> {};
 
 TEST_F(FaultyDriverTest, Hang_InAnyFunction_EndsTheDriverAtItsLimit) {
@@ -177,6 +189,54 @@ TEST_F(CLProtocolTest, Hang_CancelledByTheUser_IsEndedSoon) {
   const KrResult result = connecting.get();
   EXPECT_EQ(result, KrResult::Code::Aborted);
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("within 500 milliseconds of being cancelled, and was ended"));
+}
+
+TEST_F(CLProtocolTest, Closing_HasOneLimitForAllOfItsCalls) {
+  const KrLogCapture log;
+  folder.Install("libslow-closing.so");
+  CLDriverTimes times = kGenerousTimes;
+  times.closeLimitMs = 1000;
+  CLProtocolPort slow(line, times);
+  ASSERT_TRUE(Connect(slow, "libslow-closing.so").IsOK());
+
+  slow.Disconnect();
+
+  EXPECT_TRUE(Contains(log, "within 1000 milliseconds of being closed, and was ended"));
+}
+
+TEST_F(CLProtocolTest, HangWhileItIsClosed_IsEndedByAStopAtOnce) {
+  const KrLogCapture log;
+  folder.Install("libhang-clpDisconnect.so");
+  CLProtocolPort hanging(line, kPatientTimes);
+  ASSERT_TRUE(Connect(hanging, "libhang-clpDisconnect.so").IsOK());
+  std::stop_source stop;
+  auto disconnecting = std::async(std::launch::async, [&] { hanging.Disconnect(stop.get_token()); });
+  ASSERT_TRUE(Await([&] { return Contains(log, "libhang-clpDisconnect.so says: hangs"); }));
+
+  stop.request_stop();
+
+  ASSERT_EQ(disconnecting.wait_for(std::chrono::milliseconds(kGenerousMs)), std::future_status::ready);
+  EXPECT_TRUE(Contains(log, "libhang-clpDisconnect.so was ended, as nobody waits for it any more"));
+  EXPECT_FALSE(hanging.IsConnected());
+}
+
+TEST_F(CLProtocolTest, HangInAnAccess_IsEndedByAStopOfDisconnectAtOnce) {
+  const KrLogCapture log;
+  folder.Install("libhang-clpReadRegister.so");
+  CLProtocolPort hanging(line, kPatientTimes);
+  ASSERT_TRUE(Connect(hanging, "libhang-clpReadRegister.so").IsOK());
+  std::uint8_t byte = 0;
+  auto reading = std::async(std::launch::async, [&] { return hanging.Read(0x100, &byte, 1, kGenerousMs); });
+  ASSERT_TRUE(Await([&] { return Contains(log, "libhang-clpReadRegister.so says: hangs"); }));
+  std::stop_source stop;
+  hanging.End();
+  EXPECT_EQ(reading.get(), KrResult::Code::Aborted);
+  auto disconnecting = std::async(std::launch::async, [&] { hanging.Disconnect(stop.get_token()); });
+
+  stop.request_stop();
+
+  ASSERT_EQ(disconnecting.wait_for(std::chrono::milliseconds(kGenerousMs)), std::future_status::ready);
+  EXPECT_FALSE(hanging.IsConnected());
 }
 
 TEST_F(CLProtocolTest, HangInErrorText_LeavesTheStandardsWords) {

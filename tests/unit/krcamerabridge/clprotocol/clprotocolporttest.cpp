@@ -270,6 +270,40 @@ TEST_F(CLProtocolTest, PendingWrite_BeyondTheCallersLimit_LeavesTheCameraUsable)
   EXPECT_TRUE(ReadUntilAnswered().IsOK());
 }
 
+TEST_F(CLProtocolTest, PendingWrite_BeyondItsLimit_IsCancelledInTheDriver) {
+  folder.Install("libgood.so");
+  CLDriverTimes times = kGenerousTimes;
+  times.pendingLimitMs = 200;
+  CLProtocolPort impatient(line, times);
+  ASSERT_TRUE(Connect(impatient, "libgood.so").IsOK());
+  const std::uint8_t forever = 127;
+
+  const KrResult result = impatient.Write(kSlow, &forever, 1, kGenerousMs);
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("not done with a write within 200 milliseconds"));
+  std::uint8_t cancelled = 0;
+  EXPECT_TRUE(Await([&] { return impatient.Read(kCancelled, &cancelled, 1, kGenerousMs).IsOK(); }));
+  EXPECT_EQ(cancelled, 1);
+}
+
+TEST_F(CLProtocolTest, LongRegister_IsGivenTheTimeThatItNeedsOnTheLine) {
+  folder.Install("libslow-clpReadRegister.so");
+  CLDriverTimes times = kGenerousTimes;
+  times.registerLimitMs = 200;
+  CLProtocolPort slow(line, times);
+  ASSERT_TRUE(Connect(slow, "libslow-clpReadRegister.so").IsOK());
+  std::vector<std::uint8_t> bytes(60000, 1);
+
+  const KrResult longRead = slow.Read(0, bytes.data(), bytes.size(), kGenerousMs);
+
+  EXPECT_TRUE(longRead.IsOK()) << longRead.GetDescription().CStr();
+  EXPECT_EQ(bytes, std::vector<std::uint8_t>(60000, 0));
+  const KrResult shortRead = slow.Read(0, bytes.data(), 4, kGenerousMs);
+  EXPECT_EQ(shortRead, KrResult::Code::ConnectionLost);
+  EXPECT_THAT(shortRead.GetDescription().ToUtf8(), HasSubstr("from clpReadRegister within 211 milliseconds"));
+}
+
 TEST_F(CLProtocolTest, SilentCamera_IsUsableAgainWhenItAnswers) {
   ConnectGood();
   std::uint32_t value = 0;

@@ -1,6 +1,6 @@
 // A CL Protocol driver for the test's camera (testcamera.h), which misbehaves as its file's name says:
-// lib<what>-<function>.so, where what is hang, crash, exit, throw, spawn, lie or greedy; any other name behaves well.
-// Compiled with KR_TEST_DRIVER_1_0 it has none of the functions that came later.
+// lib<what>-<function>.so, where what is hang, crash, exit, throw, spawn, slow, lie or greedy; any other name behaves
+// well. Compiled with KR_TEST_DRIVER_1_0 it has none of the functions that came later.
 
 #include "clprotocol/clprotocolapi.h"
 
@@ -29,7 +29,8 @@ constexpr CLINT64 kRefused = 0xFFFF0010;
 constexpr CLINT64 kForgetful = 0xFFFF0020;
 constexpr CLINT64 kSlow = 0xFFFF0030;      // Is pending as often as is written to it.
 constexpr CLINT64 kCancelled = 0xFFFF0040; // How often a pending write was cancelled.
-constexpr CLINT64 kChildID = 0xFFFF0050;   // The number of the process that the driver has started.
+constexpr unsigned kSlowUs = 700000;
+constexpr CLINT64 kChildID = 0xFFFF0050; // The number of the process that the driver has started.
 
 char thePending = 0;
 char theCancelled = 0;
@@ -91,6 +92,8 @@ void Misbehave(std::string_view aFunction) {
     throw std::runtime_error("thrown by the driver");
   if (Does("spawn", aFunction))
     Spawn();
+  if (Does("slow", aFunction))
+    usleep(kSlowUs);
 }
 
 CLINT32 GiveText(std::string_view aFunction, const std::string& aText, CLINT8* aBuffer, CLUINT32* aSize) {
@@ -250,6 +253,7 @@ KR_CLP_FUNCTION clpGetErrorText(CLINT32 aCode, CLINT8* aText, CLUINT32* aSize, C
 
 KR_CLP_FUNCTION clpDisconnect(CLUINT32 aCookie) {
   Misbehave("clpDisconnect");
+  Misbehave("closing");
   const CLINT32 code = CheckCookie(aCookie);
   theKnowsCamera = false;
   return code;
@@ -268,6 +272,7 @@ KR_CLP_FUNCTION clpInitLib(CLLogger aLogger, CLUINT32) {
 
 KR_CLP_FUNCTION clpCloseLib() {
   Misbehave("clpCloseLib");
+  Misbehave("closing");
   return CL_ERR_NO_ERR;
 }
 
