@@ -1,5 +1,6 @@
 # The functions by which every room of the project declares its targets.
 include(GNUInstallDirs)
+include(KrSharedTargets)
 
 # The public headers of every library are compiled alone, as part of the build.
 set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
@@ -7,22 +8,26 @@ set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
 # kr_add_library(krbase ALIAS Base
 #   HEADERS krbase/krresult.h …      public headers, relative to include/
 #   SOURCES krresult.cpp …
+#   OBJECTS krguilogic …             object libraries whose objects become part of it
 #   DEPENDS krbuffer …               rooms whose headers appear in ours
 #   FOREIGN pugixml::pugixml …       libraries that only our sources see
-#   SHARED                           shared in a static build, too
-#   PLUGIN)                          is loaded, not linked: no part of the package's targets, and installed by its own list
+#   SHOWN Qt6::Widgets …             foreign libraries that appear in our headers
+#   PLUGIN)                          shared, and loaded instead of linked: no part of the package's targets, and installed
+#                                    by its own list
+# Gives the static library, which the tests see whole, and, of the same objects, the shared one (krbase_shared).
 function(kr_add_library aName)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "SHARED;PLUGIN" "ALIAS" "HEADERS;SOURCES;DEPENDS;FOREIGN")
-  set(kind "")
-  if(arg_SHARED)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "PLUGIN" "ALIAS" "HEADERS;SOURCES;OBJECTS;DEPENDS;FOREIGN;SHOWN")
+  list(TRANSFORM arg_HEADERS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/include/")
+  list(TRANSFORM arg_OBJECTS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>")
+  set(kind STATIC)
+  if(arg_PLUGIN)
     set(kind SHARED)
   endif()
-  add_library(${aName} ${kind} ${arg_SOURCES})
-  add_library(Kr::${arg_ALIAS} ALIAS ${aName})
-  list(TRANSFORM arg_HEADERS PREPEND include/)
+  add_library(${aName} ${kind} ${arg_SOURCES} ${arg_OBJECTS})
   target_sources(${aName} PUBLIC FILE_SET HEADERS BASE_DIRS include FILES ${arg_HEADERS})
   target_include_directories(${aName} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
-  target_link_libraries(${aName} PUBLIC ${arg_DEPENDS} PRIVATE ${arg_FOREIGN} $<BUILD_INTERFACE:kr_options>)
+  target_link_libraries(${aName}
+    PUBLIC ${arg_DEPENDS} ${arg_SHOWN} PRIVATE ${arg_FOREIGN} $<BUILD_INTERFACE:kr_options>)
   target_compile_features(${aName} PUBLIC cxx_std_20)
   set_target_properties(${aName} PROPERTIES
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
@@ -30,9 +35,17 @@ function(kr_add_library aName)
     EXPORT_NAME ${arg_ALIAS})
   add_custom_target(${aName}_headers_alone ALL)
   add_dependencies(${aName}_headers_alone ${aName}_verify_interface_header_sets)
-  if(NOT arg_PLUGIN)
-    set_target_properties(${aName} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-    set_property(GLOBAL APPEND PROPERTY KR_LIBRARIES ${aName})
+  if(arg_PLUGIN)
+    return()
+  endif()
+
+  set_property(GLOBAL APPEND PROPERTY KR_LIBRARIES ${aName})
+  kr_add_shared_library(${aName} ALIAS ${arg_ALIAS} HEADERS ${arg_HEADERS} OBJECTS ${arg_OBJECTS}
+    DEPENDS ${arg_DEPENDS} FOREIGN ${arg_FOREIGN} SHOWN ${arg_SHOWN})
+  if(BUILD_SHARED_LIBS)
+    add_library(Kr::${arg_ALIAS} ALIAS ${aName}_shared)
+  else()
+    add_library(Kr::${arg_ALIAS} ALIAS ${aName})
   endif()
 endfunction()
 

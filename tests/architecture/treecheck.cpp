@@ -211,9 +211,11 @@ private:
       return {aCall.arguments.begin() + 1, aCall.arguments.end()};
     if (!aCall.name.starts_with("kr_add_"))
       return {};
-    std::vector<CMakeWord> words = GetWordsAfter(aCall, "DEPENDS");
-    const std::vector<CMakeWord> foreign = GetWordsAfter(aCall, "FOREIGN");
-    words.insert(words.end(), foreign.begin(), foreign.end());
+    std::vector<CMakeWord> words;
+    for (const char* const keyword : {"DEPENDS", "FOREIGN", "SHOWN", "OBJECTS"}) {
+      const std::vector<CMakeWord> named = GetWordsAfter(aCall, keyword);
+      words.insert(words.end(), named.begin(), named.end());
+    }
     return words;
   }
 

@@ -28,7 +28,7 @@ protected:
           "#pragma once\n// A buffer.\n#include \"krbase/krstring.h\"\n");
     Write("libraries/krgui/CMakeLists.txt",
           "add_library(krguilogic logic/a.cpp)\ntarget_link_libraries(krguilogic PUBLIC krbase)\n"
-          "kr_add_library(krgui ALIAS GUI\n  HEADERS krgui/krwnd.h\n  FOREIGN krguilogic Qt6::Widgets)\n");
+          "kr_add_library(krgui ALIAS GUI\n  HEADERS krgui/krwnd.h\n  OBJECTS krguilogic SHOWN Qt6::Widgets)\n");
     Write("libraries/krgui/include/krgui/krwnd.h",
           "#pragma once\n// A window.\n#include <QWidget>\n#include <qwindowdefs.h>\n");
     Write("libraries/krgui/frame/wnd.h", "#pragma once\n#include <QWidget>\n#include \"logic/a.h\"\n");
@@ -142,6 +142,13 @@ constexpr Breach kBreaches[] = {
      "kr_add_library(krsystem ALIAS System\n  FOREIGN Qt6::Core)\n",
      "libraries/krsystem/CMakeLists.txt:2: The toolkit is linked by krgui outside logic/ and by programs alone, not "
      "Qt6::Core."},
+    {"RoomShowsToolkit", "libraries/krsystem/CMakeLists.txt",
+     "kr_add_library(krsystem ALIAS System\n  SHOWN Qt6::Core)\n",
+     "libraries/krsystem/CMakeLists.txt:2: The toolkit is linked by krgui outside logic/ and by programs alone, not "
+     "Qt6::Core."},
+    {"RoomTakesObjectsOfAHigherOne", "libraries/krsystem/CMakeLists.txt",
+     "kr_add_library(krsystem ALIAS System\n  OBJECTS krguilogic)\n",
+     "libraries/krsystem/CMakeLists.txt:2: krsystem may not link krgui/logic."},
     {"BackendLinksToolkit", "libraries/krtransport/simulation/CMakeLists.txt",
      "kr_add_backend(simulation FOREIGN Qt6::Core)\n",
      "libraries/krtransport/simulation/CMakeLists.txt:1: The toolkit is linked by krgui outside logic/ and by programs "

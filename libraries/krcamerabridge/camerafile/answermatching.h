@@ -20,8 +20,8 @@ struct AnswerContent {
 
 /// What is in a whole message; nothing where it is not what the template describes, its checksum among it. Features
 /// must have become literals. Any thread.
-KR_EXPORT std::optional<AnswerContent> MatchAnswer(const CommandTemplate& aTemplate, const ChecksumRule& aRule,
-                                                   std::string_view aMessage);
+std::optional<AnswerContent> MatchAnswer(const CommandTemplate& aTemplate, const ChecksumRule& aRule,
+                                         std::string_view aMessage);
 
 /// How much of what was received would be a message of a template.
 struct MessageSize {
@@ -33,7 +33,6 @@ struct MessageSize {
 /// Never where the bytes at the beginning are not those of the template, More where its length cannot be told yet, or
 /// it is not whole. One that ends with fixed bytes is measured up to their first occurrence from which it has aLeast
 /// bytes; one whose length is otherwise known is Never that long where it is shorter. Any thread.
-KR_EXPORT MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aReceived,
-                                     std::size_t aLeast = 0);
+MessageSize MeasureMessage(const CommandTemplate& aTemplate, std::string_view aReceived, std::size_t aLeast = 0);
 
 } // namespace krcamerabridge

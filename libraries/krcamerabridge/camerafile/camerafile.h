@@ -23,7 +23,7 @@ namespace krcamerabridge {
 ///     if (result.IsOK())
 ///       result = file.GetDescription(description);
 ///     CameraFilePort port(file, line);
-class KR_EXPORT CameraFile {
+class CameraFile {
 public:
   /// A file without features.
   CameraFile();

@@ -17,7 +17,7 @@
 namespace krcamerabridge {
 
 /// Takes the accesses, each as long as the camera needs. Thread: the worker's alone. Ownership: borrows the line.
-class KR_EXPORT CameraFileDevice final : public ILineDevice {
+class CameraFileDevice final : public ILineDevice {
 public:
   CameraFileDevice(std::shared_ptr<const FileModel> aModel, ICameraLine& aLine);
 
@@ -48,7 +48,7 @@ private:
 
 /// Thread: any, but for destruction, which ends the accesses first. Ownership: shares the file's model; borrows the
 /// line.
-class KR_EXPORT CameraFilePort final : public ICameraPort {
+class CameraFilePort final : public ICameraPort {
 public:
   CameraFilePort(const CameraFile& aFile, ICameraLine& aLine);
 

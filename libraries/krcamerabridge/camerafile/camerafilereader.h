@@ -3,8 +3,6 @@
 
 #include "camerafile/filemodel.h"
 
-#include "krbase/krexport.h"
-
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +12,6 @@ namespace krcamerabridge {
 
 /// The model of a text; nothing where there is a mistake. aErrors gets a line for each, "line:column: reason", in the
 /// order in which they stand in the text. Any thread.
-KR_EXPORT std::optional<FileModel> ReadCameraFileText(std::string_view aText, std::vector<std::string>& aErrors);
+std::optional<FileModel> ReadCameraFileText(std::string_view aText, std::vector<std::string>& aErrors);
 
 } // namespace krcamerabridge

@@ -2,8 +2,6 @@
 // The checksums that serial protocols of cameras guard their messages with. Where one stands in a message, and how it
 // is written, is left to the templates.
 
-#include "krbase/krexport.h"
-
 #include <cstdint>
 #include <string_view>
 
@@ -23,8 +21,8 @@ enum class ChecksumKind : std::uint8_t {
 };
 
 /// Any thread.
-KR_EXPORT std::uint16_t ComputeChecksum(ChecksumKind aKind, std::string_view aBytes);
+std::uint16_t ComputeChecksum(ChecksumKind aKind, std::string_view aBytes);
 /// Whether it has 16 bits; the others have 8.
-KR_EXPORT bool IsWideChecksum(ChecksumKind aKind);
+bool IsWideChecksum(ChecksumKind aKind);
 
 } // namespace krcamerabridge

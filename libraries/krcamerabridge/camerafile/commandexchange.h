@@ -6,8 +6,6 @@
 #include "camerafile/filemodel.h"
 #include "line/icameraline.h"
 
-#include "krbase/krexport.h"
-
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -27,7 +25,7 @@ struct CommandOrder {
 };
 
 /// Thread: one. Ownership: borrows the line and the protocol.
-class KR_EXPORT CommandExchange {
+class CommandExchange {
 public:
   CommandExchange(ICameraLine& aLine, const FileProtocol& aProtocol) : mLine(aLine), mProtocol(aProtocol) {}
 

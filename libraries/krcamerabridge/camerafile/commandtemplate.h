@@ -5,8 +5,6 @@
 #include "camerafile/checksum.h"
 #include "camerafile/wireformat.h"
 
-#include "krbase/krexport.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -58,21 +56,20 @@ struct ChecksumRule {
 
 /// Texts are characters with placeholders in braces; bytes are pairs of hexadecimal digits, placeholders, and texts
 /// between quotes. Whatever is wrong is appended to aProblems, each with the word that it is about.
-KR_EXPORT CommandTemplate ParseCommandTemplate(std::string_view aText, bool aIsBinary,
-                                               std::vector<std::string>& aProblems);
+CommandTemplate ParseCommandTemplate(std::string_view aText, bool aIsBinary, std::vector<std::string>& aProblems);
 
-KR_EXPORT const TemplatePart* FindPart(const CommandTemplate& aTemplate, TemplatePart::Kind aKind);
+const TemplatePart* FindPart(const CommandTemplate& aTemplate, TemplatePart::Kind aKind);
 /// The bytes of the literal at the end; empty where the last part is another.
-KR_EXPORT std::string_view GetEnding(const CommandTemplate& aTemplate);
+std::string_view GetEnding(const CommandTemplate& aTemplate);
 /// How many bytes a part always takes; 0 where that differs.
-KR_EXPORT std::size_t GetFixedPartSize(const TemplatePart& aPart);
+std::size_t GetFixedPartSize(const TemplatePart& aPart);
 /// Why bytes cannot be read by it: something of any length has to end at a literal. Empty where they can.
-KR_EXPORT std::string FindAnswerProblem(const CommandTemplate& aTemplate);
+std::string FindAnswerProblem(const CommandTemplate& aTemplate);
 /// One behind the other.
-KR_EXPORT CommandTemplate Join(const CommandTemplate& aFirst, const CommandTemplate& aSecond);
+CommandTemplate Join(const CommandTemplate& aFirst, const CommandTemplate& aSecond);
 
 /// The bytes of a message, its length and checksum among them; nothing where one does not fit its format. All other
 /// placeholders must have become literals.
-KR_EXPORT std::optional<std::string> BuildCommand(const CommandTemplate& aTemplate, const ChecksumRule& aRule);
+std::optional<std::string> BuildCommand(const CommandTemplate& aTemplate, const ChecksumRule& aRule);
 
 } // namespace krcamerabridge

@@ -4,8 +4,6 @@
 
 #include "camerafile/filemodel.h"
 
-#include "krbase/krexport.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -17,17 +15,16 @@ namespace krcamerabridge {
 inline constexpr std::uint64_t kRegisterStride = 0x1000;
 
 /// Any thread, as all functions here.
-KR_EXPORT std::uint64_t GetRegisterAddress(std::size_t aFeatureIndex);
-KR_EXPORT std::size_t GetRegisterLength(const FileFeature& aFeature);
+std::uint64_t GetRegisterAddress(std::size_t aFeatureIndex);
+std::size_t GetRegisterLength(const FileFeature& aFeature);
 
 /// Writes a value as the user sees it into a register of the feature's length, in the order of little-endian machines.
-KR_EXPORT void ToRegister(const FileFeature& aFeature, const WireValue& aShown, std::span<std::uint8_t> aBytes);
-KR_EXPORT WireValue FromRegister(const FileFeature& aFeature, std::span<const std::uint8_t> aBytes);
+void ToRegister(const FileFeature& aFeature, const WireValue& aShown, std::span<std::uint8_t> aBytes);
+WireValue FromRegister(const FileFeature& aFeature, std::span<const std::uint8_t> aBytes);
 
 /// The camera's value for one that the user sees, in a format; nothing where there is none.
-KR_EXPORT std::optional<WireValue> ToWire(const FileFeature& aFeature, const WireValue& aShown,
-                                          const WireFormat& aFormat);
+std::optional<WireValue> ToWire(const FileFeature& aFeature, const WireValue& aShown, const WireFormat& aFormat);
 /// What the user sees for the camera's value; nothing where it is none of the feature's.
-KR_EXPORT std::optional<WireValue> FromWire(const FileFeature& aFeature, const WireValue& aWire);
+std::optional<WireValue> FromWire(const FileFeature& aFeature, const WireValue& aWire);
 
 } // namespace krcamerabridge

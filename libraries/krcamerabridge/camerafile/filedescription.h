@@ -3,13 +3,11 @@
 
 #include "camerafile/filemodel.h"
 
-#include "krbase/krexport.h"
-
 #include <string>
 
 namespace krcamerabridge {
 
 /// XML after schema 1.1, over the registers of a CameraFilePort. Any thread.
-KR_EXPORT std::string DescribeCameraFile(const FileModel& aModel);
+std::string DescribeCameraFile(const FileModel& aModel);
 
 } // namespace krcamerabridge

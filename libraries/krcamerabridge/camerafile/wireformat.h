@@ -2,8 +2,6 @@
 // How a value is written in a command and read from an answer: "hex4", "u16be". What the value means for the user is
 // left to its feature.
 
-#include "krbase/krexport.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -40,21 +38,21 @@ struct WireFormat {
 inline constexpr std::size_t kMostFormatSize = 64;
 
 /// The format of a word; nothing for a word that is none. Any thread, as all functions here.
-KR_EXPORT std::optional<WireFormat> ParseWireFormat(std::string_view aWord);
+std::optional<WireFormat> ParseWireFormat(std::string_view aWord);
 /// How many bytes it always takes; 0 where that differs.
-KR_EXPORT std::size_t GetFixedSize(const WireFormat& aFormat);
-KR_EXPORT bool IsWholeNumber(const WireFormat& aFormat);
-KR_EXPORT bool IsNumber(const WireFormat& aFormat);
-KR_EXPORT bool IsBinary(const WireFormat& aFormat);
+std::size_t GetFixedSize(const WireFormat& aFormat);
+bool IsWholeNumber(const WireFormat& aFormat);
+bool IsNumber(const WireFormat& aFormat);
+bool IsBinary(const WireFormat& aFormat);
 /// The bytes of a value; nothing where it does not fit. A real number for a whole format is rounded.
-KR_EXPORT std::optional<std::string> EncodeWire(const WireFormat& aFormat, const WireValue& aValue);
+std::optional<std::string> EncodeWire(const WireFormat& aFormat, const WireValue& aValue);
 /// The value of bytes; nothing where they are none. Blanks around numbers are passed over.
-KR_EXPORT std::optional<WireValue> DecodeWire(const WireFormat& aFormat, std::string_view aBytes);
+std::optional<WireValue> DecodeWire(const WireFormat& aFormat, std::string_view aBytes);
 /// The least and the largest whole number that it can write.
 struct WireRange {
   std::int64_t least;
   std::int64_t most;
 };
-KR_EXPORT WireRange GetWireRange(const WireFormat& aFormat);
+WireRange GetWireRange(const WireFormat& aFormat);
 
 } // namespace krcamerabridge
