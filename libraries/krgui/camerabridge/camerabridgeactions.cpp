@@ -3,6 +3,7 @@
 #include "camerabridge/camerabridgemanagerwnd.h"
 #include "camerabridge/cameracontrols.h"
 #include "frame/filequestion.h"
+#include "frame/questionowner.h"
 #include "krcamerabridge/krcamerabridge.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "logic/browser/browserfilling.h"
@@ -86,14 +87,12 @@ void CameraBridgeManagerWnd::ChooseKind(CameraBridgeKind aKind) {
     return;
   const Moment moment = GetMoment(entry->port);
   mBrowser.SetGenParameterArray(nullptr);
+  // Before the wait, in which it may be loaded or opened anew.
+  entry->Reset(aKind);
   // It comes to its end also where the user does not want to wait.
   if (entry->bridge->IsConnected())
     (void)Ask(*entry, "Disconnecting the camera...", Cursor::Usual,
               [](KrCameraBridge& aBridge) { aBridge.Disconnect(); });
-  entry = moment.FindEntry();
-  if (!entry)
-    return;
-  entry->Reset(aKind);
   if (!moment.IsShown())
     return;
   // The templates are fetched by what shows a bridge of CL Protocol.
@@ -263,13 +262,17 @@ void CameraBridgeManagerWnd::Connect(CameraBridgeEntry& aEntry, const Connection
 void CameraBridgeManagerWnd::ChooseCameraFile() {
   const Moment moment = GetMoment(mControls->GetSelectedPort());
   QString folder = mFolder;
-  const QString file = AskForExistingFile(
-      GetWidget(),
-      {.objectName = QStringLiteral("camerafile"),
-       .caption = QStringLiteral("Select Tolvan Camera File"),
-       .filters = {QStringLiteral("Tolvan Camera Files (*.yml)(*.yml)"), QStringLiteral("All files (*.*)(*)")},
-       .hidesPatterns = true},
-      folder);
+  QString file;
+  {
+    const QuestionOwner owner(GetWidget(), mWorkEnd.get_token());
+    file = AskForExistingFile(
+        owner.GetWidget(),
+        {.objectName = QStringLiteral("camerafile"),
+         .caption = QStringLiteral("Select Tolvan Camera File"),
+         .filters = {QStringLiteral("Tolvan Camera Files (*.yml)(*.yml)"), QStringLiteral("All files (*.*)(*)")},
+         .hidesPatterns = true},
+        folder);
+  }
   if (file.isEmpty() || !moment.FindShownEntry())
     return;
   mFolder = folder;

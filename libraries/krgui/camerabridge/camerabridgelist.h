@@ -59,8 +59,10 @@ public:
   Entries& GetEntries() { return mEntries; }
   /// Null where the device has no such port.
   CameraBridgeEntry* Find(KrDeviceSerial aPort);
-  /// Another one each time that the entries are made anew.
+  /// Another one each time that the entries are made anew, or begin anew.
   std::uint64_t GetGeneration() const { return mGeneration; }
+  /// What was under way with the entries is about something else from now on.
+  void BeginAnew() { ++mGeneration; }
 
   /// Stores all bridges that are connected, and their index. The first failure of one of them, or of the index. Aborted
   /// where aProgress ends it.

@@ -65,6 +65,7 @@ KrResult CameraBridgeManagerWnd::SetStream(KrStream* aStream) {
 KrResult CameraBridgeManagerWnd::Load(const KrConfigurationReader& aReader, KrStringList& aErrors) {
   EndWork();
   mBrowser.SetGenParameterArray(nullptr);
+  mBridges->BeginAnew();
   const Moment moment = GetMoment(KrDeviceSerial::Invalid);
   const KrResult result =
       AskAll("Connecting the cameras...", [&bridges = *mBridges, &aReader, &aErrors](const KrGenProgress& aProgress) {

@@ -1,56 +1,15 @@
 // What happens to the camera bridge manager while a camera is asked, which takes as long as the test wants, or while a
 // message box is open.
 
-#include "camerafixture.h"
+#include "camerawaitingfixture.h"
 
 #include "krpersistence/krconfigurationwriter.h"
 
-#include <QProgressBar>
-
-#include <functional>
+#include <QPointer>
 
 namespace krgui {
 
-namespace {
-
-/// Moves on by itself until it is stopped.
-class StoppableClock final : public krtransport::ICameraClock {
-public:
-  std::uint64_t GetNowNs() const override { return mRunning.GetNowNs(); }
-  bool WaitUntil(std::unique_lock<std::mutex>& aLock, std::condition_variable& aWake, std::uint64_t aTimeNs,
-                 const std::function<bool()>& aIsWoken) override {
-    while (mIsStopped && !aIsWoken())
-      aWake.wait_for(aLock, std::chrono::milliseconds(1));
-    return mRunning.WaitUntil(aLock, aWake, aTimeNs, aIsWoken);
-  }
-  void SetStopped(bool aIsStopped) { mIsStopped = aIsStopped; }
-
-private:
-  JumpingClock mRunning;
-  std::atomic<bool> mIsStopped{false};
-};
-
-class Endings : public CameraTest {
-protected:
-  explicit Endings(std::shared_ptr<StoppableClock> aClock = std::make_shared<StoppableClock>())
-      : CameraTest(aClock), mClock(std::move(aClock)) {}
-  ~Endings() override { mClock->SetStopped(false); }
-
-  /// Lets the camera take all the time that it wants, and does this once the window waits for it.
-  void WhileItWaits(const std::function<void(QWidget& aDialog)>& aAction) {
-    mClock->SetStopped(true);
-    OnNextDialog("progress", [this, aAction](QWidget& aDialog) {
-      ++mWaits;
-      EXPECT_NE(aDialog.findChild<QProgressBar*>(), nullptr);
-      aAction(aDialog);
-    });
-  }
-
-  const std::shared_ptr<StoppableClock> mClock;
-  int mWaits = 0;
-};
-
-} // namespace
+using Endings = WaitingTest;
 
 TEST_F(Endings, SlowCamera_LeavesTheWindowPaintingAndCanBeCancelled) {
   Open();
@@ -214,17 +173,39 @@ TEST_F(Endings, WindowDeletedUnderAMessageBox_EndsIt) {
   EXPECT_EQ(mWindow, nullptr);
 }
 
-TEST_F(Endings, DeviceTakenOutUnderTheFileDialog_LeavesItsAnswerAlone) {
+TEST_F(Endings, DeviceTakenOutUnderTheFileDialog_EndsIt) {
   Open();
   Click(id::kCameraFile);
-  OnNextDialog("camerafile", [this](QWidget& aDialog) {
-    EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK());
-    EnterFile(aDialog, kTextCameraFile);
-  });
+  QPointer<QWidget> dialog;
 
+  OnNextDialog("camerafile", [&](QWidget& aDialog) {
+    dialog = &aDialog;
+    EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK());
+  });
   Click(id::kBrowse);
 
+  EXPECT_TRUE(dialog.isNull());
   EXPECT_EQ(GetText(id::kPath), "");
+}
+
+TEST_F(Endings, ClosedUnderTheFileDialog_EndsIt) {
+  Open();
+  Click(id::kCameraFile);
+
+  OnNextDialog("camerafile", [this](QWidget&) { EXPECT_TRUE(mWindow->Close().IsOK()); });
+  Click(id::kBrowse);
+
+  EXPECT_EQ(mWindow->GetWidget(), nullptr);
+}
+
+TEST_F(Endings, DeletedUnderTheFileDialog_EndsIt) {
+  Open();
+  Click(id::kCameraFile);
+
+  OnNextDialog("camerafile", [this](QWidget&) { mWindow.reset(); });
+  Click(id::kBrowse);
+
+  EXPECT_EQ(mWindow, nullptr);
 }
 
 } // namespace krgui
