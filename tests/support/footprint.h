@@ -1,14 +1,18 @@
 #pragma once
 // What a process holds of the system's means, as the kernel counts it: for tests that let nothing grow.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <sys/types.h>
 #include <unistd.h>
+#include <vector>
 
 struct Footprint {
   std::int64_t residentBytes = 0;
@@ -43,4 +47,22 @@ inline Footprint MeasureFootprint() {
           .threads = CountEntries("/proc/self/task"),
           .descriptors = CountEntries("/proc/self/fd"),
           .sharedSegments = CountSharedSegments()};
+}
+
+/// The processes of which one is the parent, those that have ended and were not waited for included.
+inline std::vector<pid_t> ListChildren(pid_t aProcess) {
+  std::vector<pid_t> children;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+    const pid_t id = std::atoi(entry.path().filename().c_str());
+    std::string text;
+    if (id <= 0 || !std::getline(std::ifstream(entry.path() / "stat"), text))
+      continue;
+    // "number (name) state parent": a name may have brackets, too.
+    std::istringstream rest(text.substr(std::min(text.rfind(')') + 1, text.size())));
+    char state = 0;
+    pid_t parent = 0;
+    if (rest >> state >> parent && parent == aProcess)
+      children.push_back(id);
+  }
+  return children;
 }

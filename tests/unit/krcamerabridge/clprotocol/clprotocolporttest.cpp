@@ -51,6 +51,21 @@ TEST_F(CLProtocolTest, Templates_OfDriversOfWhichNoneWorks_SayWhatIsWrongWithThe
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("version 2.2"));
 }
 
+TEST_F(CLProtocolTest, Connect_WithALibraryThatIsNoDriver_SaysWhatItLacks) {
+  folder.InstallNoDriver("libnone.so");
+  folder.Write(KR_CLPROTOCOL_SYSTEM "/libtext.so", "no library");
+
+  const KrResult none = Connect(port, "libnone.so");
+  const KrResult text = Connect(port, "libtext.so");
+
+  EXPECT_EQ(none, KrResult::Code::SystemError);
+  EXPECT_THAT(none.GetDescription().ToUtf8(), HasSubstr("libnone.so cannot be used in being loaded: it is no CL "
+                                                        "Protocol driver: it lacks clpGetCLProtocolVersion"));
+  EXPECT_EQ(text, KrResult::Code::SystemError);
+  EXPECT_THAT(text.GetDescription().ToUtf8(), HasSubstr("libtext.so cannot be used in being loaded"));
+  EXPECT_FALSE(port.IsConnected());
+}
+
 TEST_F(CLProtocolTest, Templates_WithoutDrivers_AreNone) {
   KrStringList templates;
 
@@ -233,6 +248,35 @@ TEST_F(CLProtocolTest, LargeAccesses_AreWhole) {
   ASSERT_TRUE(port.Write(0, bytes.data(), bytes.size(), kGenerousMs).IsOK());
   ASSERT_TRUE(port.Read(0, read.data(), read.size(), kGenerousMs).IsOK());
 
+  EXPECT_EQ(read, bytes);
+}
+
+TEST_F(CLProtocolTest, LongRegister_OfAnArray_IsWhole) {
+  const std::string table = R"(
+<Category Name="Root" NameSpace="Standard"><pFeature>Table</pFeature></Category>
+<Register Name="Table"><Address>0x10</Address><Length>60000</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+</Register>)";
+  folder.Install("libgood.so");
+  krtest::CameraEnd tableCamera{krtest::TestCamera(MakeDescription(table))};
+  krtest::RatedLine tableLine{tableCamera.GetLine()};
+  CLProtocolPort tablePort(tableLine);
+  ASSERT_TRUE(Connect(tablePort, "libgood.so").IsOK());
+  std::unique_ptr<KrGenParameterArray> array;
+  ASSERT_TRUE(KrGenParameterArray::Open(description, tablePort, {CLProtocolPort::kAccessTimeoutMs}, array).IsOK());
+  std::vector<std::uint8_t> bytes(60000);
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<std::uint8_t>(i * 11 + i / 256);
+
+  auto* const parameter = dynamic_cast<KrGenRegister*>(array->Get("Table"));
+  ASSERT_NE(parameter, nullptr);
+
+  const KrResult written = parameter->SetValue(bytes);
+  array->InvalidateCache();
+  std::vector<std::uint8_t> read;
+  const KrResult result = parameter->GetValue(read);
+
+  EXPECT_TRUE(written.IsOK()) << written.GetDescription().CStr();
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
   EXPECT_EQ(read, bytes);
 }
 
