@@ -42,7 +42,7 @@ endfunction()
 #   PARTS krtool_parts …             our archives that it is made of
 #   DEPENDS krtransport …            rooms
 #   FOREIGN PNG::PNG …)              other libraries that the parts need
-# Gives the program that the tests start, on the static libraries, and, of the same objects, the one on the shared libraries.
+# Installs the manual page NAME.1 of the folder. Gives the program that the tests start, on the static libraries, and, of the same objects, the one on the shared libraries.
 function(kr_add_program aName)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PARTS;DEPENDS;FOREIGN")
   kr_add_executable(${aName} SOURCES ${arg_SOURCES} DEPENDS ${arg_PARTS} ${arg_DEPENDS} ${arg_FOREIGN})
@@ -58,4 +58,11 @@ function(kr_add_program aName)
     RUNTIME_OUTPUT_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/shared"
     INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
   set_property(GLOBAL APPEND PROPERTY KR_PROGRAMS ${aName})
+
+  # Without name and time, so that the same page gives the same file.
+  set(page "${CMAKE_CURRENT_BINARY_DIR}/${aName}.1.gz")
+  add_custom_command(OUTPUT "${page}" COMMAND gzip -9nc "${CMAKE_CURRENT_SOURCE_DIR}/${aName}.1" > "${page}"
+    DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${aName}.1" VERBATIM)
+  add_custom_target(${aName}_page ALL DEPENDS "${page}")
+  install(FILES "${page}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
 endfunction()

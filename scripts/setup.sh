@@ -12,8 +12,9 @@ packages=(
   # What the programs stand on besides
   libpng-dev libtiff-dev
   # Tests: frameworks, an independent camera, USB devices, serial lines, a display with a window manager and hands, an
-  # accessibility bus, network namespaces
+  # accessibility bus, network namespaces, packages and what is in them
   libgtest-dev libgmock-dev aravis-tools umockdev socat xvfb xauth openbox xdotool fonts-dejavu-core at-spi2-core dbus-bin dbus-daemon iproute2 util-linux
+  dpkg-dev desktop-file-utils mandoc
   "$@"
 )
 missing=()
