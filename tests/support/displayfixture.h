@@ -5,6 +5,7 @@
 
 #include "displaypictures.h"
 #include "plainpicture.h"
+#include "windowwait.h"
 
 #include <QScrollBar>
 #include <QTest>
@@ -26,7 +27,7 @@ protected:
   void Open(int aWidth, int aHeight) {
     mWindow.SetPosition(50, 50, aWidth, aHeight);
     ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
   }
 
   /// The client area in device pixels, painted after all that was asked for.

@@ -14,13 +14,13 @@
 inline void RunXdotool(const QStringList& aArguments) {
   QProcess process;
   process.start("xdotool", aArguments);
-  ASSERT_TRUE(process.waitForFinished(20000));
+  ASSERT_TRUE(process.waitForFinished(krtest::kGenerousMs));
   ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
 }
 
 class DisplayOnScreen : public KrDisplayWndTest {
 protected:
-  static constexpr int kLimitMs = 20000;
+  static constexpr int kLimitMs = 60000;
 
   /// Where the client area is on the screen.
   QRect GetClient() const { return {mWindow.GetWidget()->mapToGlobal(QPoint(0, 0)), mWindow.GetWidget()->size()}; }

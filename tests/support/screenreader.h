@@ -54,7 +54,7 @@ public:
   }
   /// Waits until a pixel has a colour; false when it does not within a limit that only a fault can reach.
   bool AwaitColor(const QPoint& aPoint, std::uint32_t aColor) const {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     bool isSeen = false;
     while (!isSeen && std::chrono::steady_clock::now() < end)
       isSeen = Read(aPoint) == aColor;

@@ -94,7 +94,7 @@ private:
 /// Handles events until a condition holds; false when it does not within a limit that only a fault can reach.
 template <typename Condition>
 [[nodiscard]] bool WaitFor(Condition aCondition) {
-  constexpr int kLimitMs = 30000;
+  constexpr int kLimitMs = 60000;
   return QTest::qWaitFor(aCondition, kLimitMs);
 }
 

@@ -20,7 +20,7 @@
 class UserHands {
 public:
   /// How long anything is waited for; what takes longer fails the test.
-  static constexpr int kLimitMs = 30000;
+  static constexpr int kLimitMs = 60000;
 
   /// Waits for a condition, which is looked at on the user-interface thread. False, and a failed test, past the limit.
   bool Await(const QString& aWhat, const std::function<bool()>& aCondition) const;

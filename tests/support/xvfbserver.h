@@ -70,7 +70,7 @@ private:
   }
   /// What the server writes when it is ready: the number of its display.
   static std::string ReadLine(int aEnd) {
-    constexpr int kLimitMs = 30000;
+    constexpr int kLimitMs = 60000;
     std::string line;
     pollfd descriptor = {aEnd, POLLIN, 0};
     char character = 0;

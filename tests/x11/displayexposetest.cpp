@@ -1,6 +1,7 @@
 // The display on a screen where windows cover each other, change their size, vanish and move to other windows.
 
 #include "displayscreen.h"
+#include "windowwait.h"
 
 #include <QHBoxLayout>
 #include <QMenu>
@@ -53,7 +54,7 @@ TEST_F(DisplayExposed, Menu_AboveFramesThatCome_IsNotDrawnOver) {
   RunXdotool({"click", "3"});
   Await([] { return QApplication::activePopupWidget() != nullptr; }, "the menu");
   QWidget* menu = QApplication::activePopupWidget();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(menu));
+  ASSERT_TRUE(krtest::AwaitExposed(menu));
 
   for (int i = 0; i < 20; ++i)
     ASSERT_TRUE(mWindow.Display(MakeGrey(320, 240, 77), false).IsOK());
@@ -118,7 +119,7 @@ TEST_F(DisplayExposed, Embedded_InALayoutThatMoves_ShowsTheImageWhereItIsAndLeav
   ASSERT_TRUE(mWindow.CreateIn(box).IsOK());
   mWindow.SetPosition(0, 0, 320, 240);
   window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  ASSERT_TRUE(krtest::AwaitExposed(&window));
   const KrBuffer image = MakeNoise(320, 240);
   ASSERT_TRUE(mWindow.Display(image, false).IsOK());
   ExpectFitted(image, kGrey, "embedded");
@@ -165,8 +166,8 @@ TEST_F(DisplayExposed, Reparented_WhileFramesCome_GoesOnInTheNewWindow) {
   mWindow.SetPosition(0, 0, 320, 240);
   first.show();
   second->show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&first));
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(second.get()));
+  ASSERT_TRUE(krtest::AwaitExposed(&first));
+  ASSERT_TRUE(krtest::AwaitExposed(second.get()));
   ASSERT_TRUE(mWindow.Display(MakeGrey(320, 240, 10), false).IsOK());
   ExpectFitted(MakeGrey(320, 240, 10), kGrey, "in the first window");
   std::jthread camera([&](std::stop_token aStop) {

@@ -1,6 +1,7 @@
 // The display inside windows that are not the toolkit's, as an application of another one embeds it.
 
 #include "displayscreen.h"
+#include "windowwait.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -74,11 +75,11 @@ TEST(DisplayInForeignWindow, Image_IsShownAndKeysAreTakenThere) {
   ASSERT_TRUE(window.Display(buffer, false).IsOK());
 
   const QRect client(320, 230, 320, 240);
-  EXPECT_TRUE(
-      QTest::qWaitFor([&] { return plainpicture::Compare(GrabScreen(client), ToQImage(buffer)).empty(); }, 20000))
-      << plainpicture::Compare(GrabScreen(client), ToQImage(buffer));
+  EXPECT_TRUE(krtest::AwaitCondition([&] {
+    return plainpicture::Compare(GrabScreen(client), ToQImage(buffer)).empty();
+  })) << plainpicture::Compare(GrabScreen(client), ToQImage(buffer));
   RunXdotool({"mousemove", "400", "300", "click", "1", "key", "plus"});
-  EXPECT_TRUE(QTest::qWaitFor([&] { return recorder.keys.contains(Qt::Key_Plus); }, 20000));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return recorder.keys.contains(Qt::Key_Plus); }));
   int x = 0, y = 0, width = 0, height = 0;
   window.GetPosition(x, y, width, height);
   EXPECT_EQ(QRect(x, y, width, height), QRect(20, 30, 320, 240));
@@ -92,7 +93,7 @@ TEST(DisplayInForeignWindow, ForeignWindow_ThatEnds_EndsTheDisplay) {
 
   parent.Destroy();
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window.GetHandle() == 0; }, 20000));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return window.GetHandle() == 0; }));
   EXPECT_TRUE(window.Display(MakeNoise(8, 8), false).IsOK());
   EXPECT_EQ(window.Close().GetCodeNumber(), 28u);
 }
@@ -113,9 +114,9 @@ TEST(DisplayInForeignWindow, EscapeKey_ClosesAModelessWindow) {
   KrDisplayWnd window;
   window.SetPosition(200, 150, 300, 200);
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitActive(window.GetWidget()));
 
   RunXdotool({"key", "Escape"});
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window.GetHandle() == 0; }, 20000));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return window.GetHandle() == 0; }));
 }

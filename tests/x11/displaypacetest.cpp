@@ -6,6 +6,7 @@
 #include "plainframes.h"
 #include "screenreader.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QLayout>
 #include <QTimer>
@@ -95,7 +96,7 @@ protected:
   void SetUp() override {
     window.SetPosition(200, 150, kWidth, kHeight);
     ASSERT_TRUE(window.ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
     ASSERT_TRUE(Give(window, 0, Giving::Copied).IsOK());
     // The window manager may still move it.
     ASSERT_TRUE(WaitFor([&] { return screen.IsUniform(FindClient(window), GetFrameColor(0)); }));
@@ -131,12 +132,15 @@ TEST_P(DisplayPace, WhileTheUserInterfaceThreadIsBlocked_FramesAreOnTheScreen) {
 
 TEST_P(DisplayPace, AtFullRate_EveryGrabOfTheScreenIsOfOneFrame) {
   constexpr int kGrabs = 500;
+  constexpr std::size_t kColors = 100;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(krtest::kGenerousMs);
   std::set<std::uint32_t> colors;
   int torn = 0;
 
   {
     const FastCamera camera(window, 1, GetParam().giving);
-    for (int grab = 0; grab < kGrabs; ++grab) {
+    // Of a camera that has no processor for itself, more grabs show the same frame.
+    for (int grab = 0; grab < kGrabs || (colors.size() < kColors && std::chrono::steady_clock::now() < end); ++grab) {
       const std::vector<std::uint32_t> pixels = screen.Read(client);
       ASSERT_EQ(pixels.size(), std::size_t(kWidth) * kHeight);
       torn += std::count(pixels.begin(), pixels.end(), pixels.front()) == std::ssize(pixels) ? 0 : 1;
@@ -146,7 +150,7 @@ TEST_P(DisplayPace, AtFullRate_EveryGrabOfTheScreenIsOfOneFrame) {
   }
 
   EXPECT_EQ(torn, 0);
-  EXPECT_GE(colors.size(), 100u);
+  EXPECT_GE(colors.size(), kColors);
 }
 
 TEST_P(DisplayPace, ClosedAndReopenedUnderTwoCameras_ShowsFramesEachTime) {
@@ -174,7 +178,7 @@ TEST_P(DisplayPace, ReparentedUnderTwoCameras_ShowsFramesInEachParent) {
   for (int i = 0; i < 2; ++i) {
     hosts[i].setGeometry(150 + i * 500, 200, 400, 300);
     hosts[i].show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&hosts[i]));
+    ASSERT_TRUE(krtest::AwaitExposed(&hosts[i]));
   }
   ASSERT_TRUE(window.CreateIn(&hosts[0]).IsOK());
 

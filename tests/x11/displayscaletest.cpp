@@ -2,6 +2,7 @@
 // them. The scale comes from the environment.
 
 #include "displayscreen.h"
+#include "windowwait.h"
 
 #include <xcb/xcb.h>
 
@@ -46,14 +47,15 @@ protected:
   QRect FindNativeView() const {
     return FindNative(GetView().internalWinId()) & FindNative(GetView().window()->internalWinId());
   }
-  // Qt tells the new size as soon as it has asked for it; the server's windows follow.
+  // Qt tells the new size as soon as it has asked for it; the server's windows follow. Besides rounding to whole
+  // pixels, the window manager may take one off, as Qt asks it to size by steps of a scaled pixel: of two.
   void Resize(const QSize& aSize) {
+    constexpr double kMostOff = 1.5;
     mWindow.SetPosition(50, 50, aSize.width(), aSize.height());
-    Await([&] { return GetView().size() == aSize; }, "the size");
     const auto isSizedNatively = [&] {
       const QSize native = FindNativeView().size();
-      return std::abs(native.width() - aSize.width() * GetRatio()) <= 1.0 &&
-             std::abs(native.height() - aSize.height() * GetRatio()) <= 1.0;
+      return std::abs(native.width() - aSize.width() * GetRatio()) <= kMostOff &&
+             std::abs(native.height() - aSize.height() * GetRatio()) <= kMostOff;
     };
     EXPECT_TRUE(QTest::qWaitFor(isSizedNatively, kLimitMs)) << Describe(FindNativeView());
   }
@@ -161,7 +163,7 @@ TEST_F(DisplayAtAScale, Window_OpenedAgainAtOneToOne_HasItsBars) {
 
   ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
 
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
   ExpectOneToOneNatively(image, "opened again");
   ExpectBarsNatively(image, "opened again");
 }
@@ -174,7 +176,7 @@ TEST_F(DisplayAtAScale, Embedded_AtEveryPlace_FillsEachPixel) {
   ASSERT_TRUE(mWindow.CreateIn(box).IsOK());
   mWindow.SetPosition(0, 0, 301, 201);
   window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  ASSERT_TRUE(krtest::AwaitExposed(&window));
   const KrBuffer image = MakeNoise(320, 200);
   ASSERT_TRUE(mWindow.Display(image, false).IsOK());
   for (const QPoint place : {QPoint(0, 0), QPoint(1, 1), QPoint(2, 3), QPoint(3, 2), QPoint(5, 5), QPoint(10, 20)}) {

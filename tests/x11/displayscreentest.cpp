@@ -2,6 +2,7 @@
 
 #include "displayscreen.h"
 #include "display/displayview.h"
+#include "windowwait.h"
 
 #include <QMenu>
 
@@ -216,7 +217,7 @@ TEST_F(DisplayOnScreen, RealKeysAndWheel_ZoomTheImage) {
   ASSERT_TRUE(mWindow.Display(noise, false).IsOK());
   mWindow.Zoom1_1();
   ExpectScrolled(noise, 1.0);
-  ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitActive(mWindow.GetWidget()));
   const auto awaitFactor = [&](double aFactor, const char* aWhat) {
     const plainpicture::ScrolledView view({300, 240}, {900, 700}, aFactor, 18);
     Await([&] { return GetHorizontalBar().maximum() == view.GetHorizontalExtent(); }, aWhat);
@@ -236,7 +237,7 @@ TEST_F(DisplayOnScreen, RealKeysAndWheel_ZoomTheImage) {
 
 TEST_F(DisplayOnScreen, MenuKey_OpensTheMenuInTheMiddle) {
   Open(300, 240);
-  ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitActive(mWindow.GetWidget()));
 
   RunXdotool({"key", "Menu"});
 
@@ -264,7 +265,7 @@ TEST(DisplayViewOnScreen, EveryWayToTheScreen_ShowsTheSame) {
     krgui::DisplayView view(content, &window, kind);
     view.setGeometry(0, 0, 320, 240);
     window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(krtest::AwaitExposed(&window));
     const QRect client(window.mapToGlobal(QPoint(0, 0)), window.size());
     // The second one is drawn at once.
     for (const KrBuffer& image : {MakeNoise(200, 200), MakeGrey(200, 200, 7)}) {
@@ -275,7 +276,7 @@ TEST(DisplayViewOnScreen, EveryWayToTheScreen_ShowsTheSame) {
         view.update();
 
       const QImage expected = plainpicture::Compute({320, 240}, ToQImage(image), QColor(0x80, 0x80, 0x80));
-      EXPECT_TRUE(QTest::qWaitFor([&] { return plainpicture::Compare(GrabScreen(client), expected).empty(); }, 20000))
+      EXPECT_TRUE(krtest::AwaitCondition([&] { return plainpicture::Compare(GrabScreen(client), expected).empty(); }))
           << "kind " << static_cast<int>(kind) << ": " << plainpicture::Compare(GrabScreen(client), expected);
     }
     view.Withdraw();

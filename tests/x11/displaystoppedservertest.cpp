@@ -5,6 +5,7 @@
 
 #include "plainframes.h"
 #include "screenreader.h"
+#include "windowwait.h"
 #include "xvfbserver.h"
 
 #include <QApplication>
@@ -99,7 +100,7 @@ int RunWindow(const Channel& aChannel) {
   const QApplication application(argumentCount, arguments);
   KrDisplayWnd window;
   window.SetPosition(100, 100, 320, 240);
-  if (!window.ShowModeless(0).IsOK() || !QTest::qWaitForWindowExposed(window.GetWidget()) ||
+  if (!window.ShowModeless(0).IsOK() || !krtest::AwaitExposed(window.GetWidget()) ||
       !window.Display(*MakeFrame(320, 240, 0), false).IsOK())
     return 2;
   const QPoint middle = window.GetWidget()->mapToGlobal(window.GetWidget()->rect().center());

@@ -2,6 +2,7 @@
 
 #include "display/displayview.h"
 #include "displayscreen.h"
+#include "windowwait.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,7 @@ using krgui::DisplayContent;
 using krgui::DrawingSurface;
 using krgui::SurfaceKind;
 
-constexpr int kLimitMs = 20000;
+constexpr int kLimitMs = 60000;
 
 // A real surface, until it is lost.
 class LosableSurface : public DrawingSurface {
@@ -48,7 +49,7 @@ protected:
         [this](QWidget& aWidget, SurfaceKind aBest) { return Make(aWidget, aBest); });
     mView->setGeometry(0, 0, 320, 240);
     mWindow->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.get()));
+    ASSERT_TRUE(krtest::AwaitExposed(mWindow.get()));
   }
   ~DisplaySurfaces() override { mView.reset(); }
 
@@ -123,7 +124,7 @@ TEST_F(DisplaySurfaces, Surface_ThatFailed_IsTriedAgainInAnotherWindow) {
   auto second = std::make_unique<QWidget>();
   second->setGeometry(700, 300, 320, 240);
   second->show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(second.get()));
+  ASSERT_TRUE(krtest::AwaitExposed(second.get()));
 
   mView->setParent(second.get());
   mView->setGeometry(0, 0, 320, 240);

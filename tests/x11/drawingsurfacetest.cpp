@@ -5,6 +5,7 @@
 
 #include "displaypictures.h"
 #include "surfacedrawing.h"
+#include "windowwait.h"
 #include "xvfbserver.h"
 
 #include <QApplication>
@@ -42,7 +43,7 @@ protected:
     mWidget = std::make_unique<DrawnWidget>(&mDialog);
     mWidget->setGeometry(30, 40, 320, 240);
     mDialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&mDialog));
+    ASSERT_TRUE(krtest::AwaitExposed(&mDialog));
   }
   bool IsSoonShown(const Grab& aPicture) const {
     const QRect place(mWidget->mapToGlobal(QPoint(0, 0)), QSize(aPicture.width, aPicture.height));
@@ -89,7 +90,7 @@ TEST_P(WidgetSurface, ControlsOfTheToolkitInside_KeepTheirPixels) {
   DrawnWidget inside(mWidget.get());
   inside.setGeometry(50, 60, 70, 80);
   inside.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(inside.windowHandle()));
+  ASSERT_TRUE(krtest::AwaitExposed(inside.windowHandle()));
   const auto own = MakeDrawingSurface(inside, GetParam());
   const auto surface = MakeDrawingSurface(*mWidget, GetParam());
   ASSERT_TRUE(Show(*own, MakeUniform(70, 80, 0xabcdef)));
@@ -110,7 +111,7 @@ TEST_P(WidgetSurface, WidgetEnds_SurfaceIsLost) {
   mWidget.reset();
 
   // The toolkit tells the server some time later.
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !Show(*surface, MakePicture(320, 240, 2)); }, 20000));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return !Show(*surface, MakePicture(320, 240, 2)); }));
   EXPECT_TRUE(surface->IsLost());
 }
 

@@ -3,6 +3,7 @@
 #include "krgui/krdisplaywnd.h"
 #include "nativewindow.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <gtest/gtest.h>
 
@@ -42,7 +43,7 @@ void OpenUnderAnApplication(Window& aWindow, Way aWay) {
   const QApplication application(argumentCount, arguments);
   const NativeWindow native(100, 100, 600, 400);
   Require(Show(aWindow, aWay, native).IsOK(), 2);
-  Require(QTest::qWaitForWindowExposed(aWindow.GetWidget()), 3);
+  Require(krtest::AwaitExposed(aWindow.GetWidget()), 3);
 }
 
 struct WayCase {

@@ -5,6 +5,7 @@
 
 #include "platform/foreignwindow.h"
 #include "platform/x11connection.h"
+#include "windowwait.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QLineEdit>
@@ -48,7 +49,7 @@ protected:
       mLine->setFocus();
     };
     ASSERT_TRUE(mWindow.Create(mParent.GetID(), 5).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
   }
 
   /// Where the line is on the screen; the window manager may have moved the parent.
@@ -133,7 +134,7 @@ TEST_F(ForeignParent, NativeWindowDestroyed_ChildCanBeShownAgain) {
 
   ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
 
-  EXPECT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+  EXPECT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
   DeleteWhatIsLeft();
 }
 
@@ -177,7 +178,7 @@ TEST_F(ForeignParent, TenReopenings_NeitherMoveNorResize) {
     ASSERT_TRUE(mWindow.Close().IsOK());
     ASSERT_EQ(GetPosition(mWindow), (Position{20, 30, 400, 300}));
     ASSERT_TRUE(mWindow.Create(mParent.GetID(), 5).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
     DeleteWhatIsLeft();
   }
 
@@ -212,7 +213,7 @@ TEST(ForeignWindows, ModelessAboveANativeWindow_IsOwnedByIt) {
 
   ASSERT_TRUE(window.ShowModeless(owner.GetID()).IsOK());
 
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
   EXPECT_EQ(owner.FindOwner(GetXID(window)), owner.GetID());
   EXPECT_NE(owner.Find(GetXID(window)).parent, owner.GetID());
 }
@@ -221,7 +222,7 @@ TEST(ForeignWindows, OwnerDestroyed_ClosesTheModelessWindow) {
   NativeWindow owner(100, 100, 300, 200);
   TestWnd window;
   ASSERT_TRUE(window.ShowModeless(owner.GetID()).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
 
   owner.Destroy();
 
@@ -246,7 +247,7 @@ TEST(ForeignWindows, WindowObjectDeletedWhileInside_LeavesTheNativeWindow) {
   {
     TestWnd window;
     ASSERT_TRUE(window.Create(parent.GetID(), 0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
   }
   DeleteWhatIsLeft();
   QTest::qWait(0);
@@ -258,7 +259,7 @@ TEST(ForeignWindows, WidgetDeletedByTheApplicationWhileInside_IsOrderly) {
   NativeWindow parent(100, 100, 600, 400);
   TestWnd window;
   ASSERT_TRUE(window.Create(parent.GetID(), 0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
 
   delete window.GetWidget();
 
@@ -378,7 +379,7 @@ TEST(ForeignWindows, ErrorsAfterAnEndedChild_AreExpectedNoLonger) {
   NativeWindow parent(100, 100, 600, 400);
   TestWnd window;
   ASSERT_TRUE(window.Create(parent.GetID(), 0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
   const xcb_window_t ended = GetXID(window);
   parent.Destroy();
   ASSERT_TRUE(WaitFor([&] { return window.GetHandle() == 0; }));

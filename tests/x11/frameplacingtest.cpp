@@ -4,6 +4,7 @@
 #include "nativewindow.h"
 #include "platform/x11connection.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QProcess>
 #include <QScreen>
@@ -44,18 +45,36 @@ bool AwaitPlaced(const Window& aWindow) {
   });
 }
 
-bool AwaitActive(TestWnd& aWindow) {
-  return AwaitPlaced(aWindow) && WaitFor([&] { return aWindow.GetWidget()->isActiveWindow(); });
+/// The window that the window manager takes its own keys for; it may learn of the keyboard's way later than the
+/// toolkit.
+bool IsActiveForTheManager(const TestWnd& aWindow) {
+  xcb_connection_t* connection = GetX11Connection();
+  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+  const std::string name = "_NET_ACTIVE_WINDOW";
+  const auto atom = KeepReply(xcb_intern_atom_reply(
+      connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()), nullptr));
+  const auto active = KeepReply(xcb_get_property_reply(
+      connection, xcb_get_property(connection, 0, root, atom ? atom->atom : 0, XCB_ATOM_WINDOW, 0, 1), nullptr));
+  return active && xcb_get_property_value_length(active.get()) == static_cast<int>(sizeof(xcb_window_t)) &&
+         *static_cast<const xcb_window_t*>(xcb_get_property_value(active.get())) == GetXID(aWindow);
 }
 
-/// Types into a modal dialog as soon as it has the keyboard; one that does not get it is closed, so that its loop ends.
+bool AwaitActive(TestWnd& aWindow) {
+  return AwaitPlaced(aWindow) &&
+         WaitFor([&] { return aWindow.GetWidget()->isActiveWindow() && IsActiveForTheManager(aWindow); });
+}
+
+/// Types into a modal dialog as soon as it has the keyboard; one that does not end by it is closed, so that its loop
+/// ends.
 void TypeIntoModal(TestWnd& aWindow, const char* aKey) {
   QTimer::singleShot(0, qApp, [&aWindow, aKey] {
     const bool isActive = AwaitActive(aWindow);
     EXPECT_TRUE(isActive);
     if (isActive) {
       XDoTool({QStringLiteral("key"), QString::fromLatin1(aKey)});
-    } else {
+    }
+    if (!isActive || !WaitFor([&] { return aWindow.record->accepts + aWindow.record->cancels > 0; })) {
+      ADD_FAILURE() << "No key reached it.";
       EXPECT_TRUE(aWindow.Close().IsOK());
     }
   });
@@ -141,7 +160,7 @@ TEST(Placing, TenReopeningsOfADisplayAsChild_NeitherMoveNorResize) {
   QWidget parent;
   parent.resize(700, 600);
   parent.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&parent));
+  ASSERT_TRUE(krtest::AwaitExposed(&parent));
   KrDisplayWnd window;
 
   ExpectNoCreep(window, {30, 40, 500, 400}, [&] { return window.Create(parent.winId(), 0); });
@@ -263,6 +282,7 @@ TEST(Placing, MovedByTheUser_IsRememberedAndReopenedThere) {
   window.SetPosition(300, 250, 500, 400);
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
   ASSERT_TRUE(AwaitPlaced(window));
+  ASSERT_TRUE(WaitFor([&] { return IsWhereTheToolkitBelieves(window); }));
   const QRect frame = GetFrame(window);
   const QPoint grip(frame.center().x(), frame.top() + 8);
   XDoTool({QStringLiteral("mousemove"), QString::number(grip.x()), QString::number(grip.y())});

@@ -2,6 +2,7 @@
 // any field.
 
 #include "platform/ipaddresscontrol.h"
+#include "windowwait.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -30,7 +31,7 @@ TEST_P(IPAddressSelection, MiddleButton_PastesTheWholeAddressOrNothing) {
   control.setGeometry(10, 10, 200, 26);
   control.SetAddress(0x0A010203);
   window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  ASSERT_TRUE(krtest::AwaitExposed(&window));
   QGuiApplication::clipboard()->setText(QString::fromLatin1(GetParam().selected), QClipboard::Selection);
 
   QTest::mouseClick(control.findChildren<QLineEdit*>().at(2), Qt::MiddleButton);

@@ -38,7 +38,11 @@ struct Belongings {
   std::ptrdiff_t threads = 0;
   std::ptrdiff_t mappings = 0;
   std::ptrdiff_t segments = 0;
-  friend bool operator==(const Belongings&, const Belongings&) = default;
+  /// Nothing is left behind of what came after the other count.
+  bool IsWithin(const Belongings& aOther) const {
+    return descriptors <= aOther.descriptors && threads <= aOther.threads && mappings <= aOther.mappings &&
+           segments <= aOther.segments;
+  }
   friend std::ostream& operator<<(std::ostream& aStream, const Belongings& aHas) {
     return aStream << aHas.descriptors << " descriptors, " << aHas.threads << " threads, " << aHas.mappings
                    << " mappings, " << aHas.segments << " segments";
@@ -298,9 +302,12 @@ TEST_P(WindowSurface, FramesAtFullRate_AreNeverSeenInParts) {
   });
   EXPECT_TRUE(Await([&] { return shown >= 3; }));
 
+  constexpr std::size_t kColors = 20;
+  const auto end = GetFarLimit();
   std::set<std::uint32_t> colors;
   int torn = 0;
-  for (int grabs = 0; grabs < 300; ++grabs) {
+  // Where the drawing thread waits for a processor, more grabs show the same frame.
+  for (int grabs = 0; grabs < 300 || (colors.size() < kColors && std::chrono::steady_clock::now() < end); ++grabs) {
     const Grab grab = window.Take(kWidth, kHeight);
     torn += grab == MakeUniform(kWidth, kHeight, grab.At(0, 0)) ? 0 : 1;
     colors.insert(grab.At(0, 0));
@@ -309,7 +316,7 @@ TEST_P(WindowSurface, FramesAtFullRate_AreNeverSeenInParts) {
   drawing.join();
 
   EXPECT_EQ(torn, 0);
-  EXPECT_GE(colors.size(), 20U);
+  EXPECT_GE(colors.size(), kColors);
 }
 
 TEST_P(WindowSurface, ManySurfaces_LeaveNothingBehind) {
@@ -324,7 +331,7 @@ TEST_P(WindowSurface, ManySurfaces_LeaveNothingBehind) {
   }
 
   // The server gives up what it was lent when it hears of the end.
-  EXPECT_TRUE(Await([&] { return CountBelongings() == before; })) << CountBelongings() << " instead of " << before;
+  EXPECT_TRUE(Await([&] { return CountBelongings().IsWithin(before); })) << CountBelongings() << " after " << before;
 }
 
 TEST_P(WindowSurface, WindowsInsideAndAbove_KeepTheirPixels) {
