@@ -55,8 +55,8 @@ private:
 } // namespace
 
 GenBrowserWnd::GenBrowserWnd(FeatureFilter aFilter, const RefreshRhythm& aRhythm, int aErrorIntervalMs)
-    : Wnd(kGenBrowserTraits.modalTemplate), mFilter(std::move(aFilter)), mRhythm(aRhythm),
-      mErrorIntervalMs(aErrorIntervalMs), mDescriptionHeight(kInitialDescriptionHeight) {}
+    : TabledWnd(kGenBrowserTraits), mFilter(std::move(aFilter)), mRhythm(aRhythm), mErrorIntervalMs(aErrorIntervalMs),
+      mDescriptionHeight(kInitialDescriptionHeight) {}
 
 GenBrowserWnd::~GenBrowserWnd() {
   Dispose();

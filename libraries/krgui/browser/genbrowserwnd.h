@@ -3,10 +3,9 @@
 // Which rows there are is left to logic/browser/browserfilling.h, how values are kept fresh to BrowserRefresh, rows and
 // editing to PropertiesGrid, where the controls are to BrowserControls.
 
-#include "frame/wnd.h"
+#include "frame/tabledwnd.h"
 #include "logic/browser/browserfilling.h"
 #include "logic/browser/browserrefresh.h"
-#include "res/templates.h"
 
 #include <memory>
 #include <stop_token>
@@ -19,7 +18,7 @@ namespace krgui {
 class BrowserControls;
 class WindowKeys;
 
-class GenBrowserWnd : public Wnd {
+class GenBrowserWnd : public TabledWnd {
 public:
   /// How large a user can make a window of its own at the least, in pixels. The position's clamp is another one.
   static constexpr int kLeastTrackedWidth = 390;
@@ -32,13 +31,6 @@ public:
   explicit GenBrowserWnd(FeatureFilter aFilter, const RefreshRhythm& aRhythm = {},
                          int aErrorIntervalMs = kErrorIntervalMs);
   ~GenBrowserWnd() override;
-
-  int GetPopupTemplateID() const override { return kGenBrowserTraits.popupTemplate; }
-  int GetChildTemplateID() const override { return kGenBrowserTraits.childTemplate; }
-  int GetMinWidth() const override { return kGenBrowserTraits.minWidth; }
-  int GetMaxWidth() const override { return kGenBrowserTraits.maxWidth; }
-  int GetMinHeight() const override { return kGenBrowserTraits.minHeight; }
-  int GetMaxHeight() const override { return kGenBrowserTraits.maxHeight; }
 
   void SetGenParameterArray(KrGenParameterArray* aArray);
   KrGenVisibility GetVisibility();

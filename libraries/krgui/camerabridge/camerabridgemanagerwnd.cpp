@@ -41,7 +41,7 @@ CameraBridgeEntry* CameraBridgeManagerWnd::Moment::FindShownEntry() const {
   return opening.expired() ? nullptr : FindEntry();
 }
 
-CameraBridgeManagerWnd::CameraBridgeManagerWnd() : Wnd(kCameraBridgeManagerTraits.modalTemplate) {}
+CameraBridgeManagerWnd::CameraBridgeManagerWnd() : TabledWnd(kCameraBridgeManagerTraits) {}
 
 CameraBridgeManagerWnd::~CameraBridgeManagerWnd() {
   Dispose();

@@ -4,9 +4,8 @@
 // shown by a feature browser.
 
 #include "camerabridge/camerabridgelist.h"
-#include "frame/wnd.h"
+#include "frame/tabledwnd.h"
 #include "krgui/krgenbrowserwnd.h"
-#include "res/templates.h"
 
 #include <QString>
 
@@ -21,17 +20,10 @@ namespace krgui {
 
 class CameraControls;
 
-class CameraBridgeManagerWnd : public Wnd {
+class CameraBridgeManagerWnd : public TabledWnd {
 public:
   CameraBridgeManagerWnd();
   ~CameraBridgeManagerWnd() override;
-
-  int GetPopupTemplateID() const override { return kCameraBridgeManagerTraits.popupTemplate; }
-  int GetChildTemplateID() const override { return kCameraBridgeManagerTraits.childTemplate; }
-  int GetMinWidth() const override { return kCameraBridgeManagerTraits.minWidth; }
-  int GetMaxWidth() const override { return kCameraBridgeManagerTraits.maxWidth; }
-  int GetMinHeight() const override { return kCameraBridgeManagerTraits.minHeight; }
-  int GetMaxHeight() const override { return kCameraBridgeManagerTraits.maxHeight; }
 
   KrResult SetDevice(KrDevice* aDevice);
   KrResult SetStream(KrStream* aStream);

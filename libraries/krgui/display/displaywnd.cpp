@@ -29,7 +29,7 @@ const char* GetName(ViewAxis aAxis) {
 
 } // namespace
 
-DisplayWnd::DisplayWnd() : Wnd(kDisplayTraits.modalTemplate), mContent(std::make_shared<DisplayContent>()) {}
+DisplayWnd::DisplayWnd() : TabledWnd(kDisplayTraits), mContent(std::make_shared<DisplayContent>()) {}
 
 DisplayWnd::~DisplayWnd() {
   Dispose();

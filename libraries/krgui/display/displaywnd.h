@@ -2,9 +2,8 @@
 // The display's implementation window: ties the content to the widget that paints it, the scroll bars and the context
 // menu, and brings what any thread asks for to the user-interface thread.
 
-#include "frame/wnd.h"
+#include "frame/tabledwnd.h"
 #include "logic/display/displaycontent.h"
-#include "res/templates.h"
 
 #include <QObject>
 #include <QPointer>
@@ -19,7 +18,7 @@ namespace krgui {
 class DisplayBars;
 class DisplayView;
 
-class DisplayWnd : public Wnd {
+class DisplayWnd : public TabledWnd {
 public:
   /// Hides or shows a scroll bar; posted by paints, which must not do so themselves.
   static constexpr std::uint32_t kHideScrollBarMessage = 2082;
@@ -30,13 +29,6 @@ public:
 
   DisplayWnd();
   ~DisplayWnd() override;
-
-  int GetPopupTemplateID() const override { return kDisplayTraits.popupTemplate; }
-  int GetChildTemplateID() const override { return kDisplayTraits.childTemplate; }
-  int GetMinWidth() const override { return kDisplayTraits.minWidth; }
-  int GetMaxWidth() const override { return kDisplayTraits.maxWidth; }
-  int GetMinHeight() const override { return kDisplayTraits.minHeight; }
-  int GetMaxHeight() const override { return kDisplayTraits.maxHeight; }
 
   /// Any thread.
   KrResult Display(const IKrImage* aImage);

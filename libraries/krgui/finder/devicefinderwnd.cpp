@@ -70,7 +70,7 @@ void LogAccepted(const char* aWhat) {
 } // namespace
 
 DeviceFinderWnd::DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter, std::function<void()> aAccepted)
-    : Wnd(kDeviceFinderTraits.modalTemplate), mFilter(std::move(aFilter)), mAccepted(std::move(aAccepted)),
+    : TabledWnd(kDeviceFinderTraits), mFilter(std::move(aFilter)), mAccepted(std::move(aAccepted)),
       mAccess(AskAccessType, [] { return AccessMemory::Clock::now(); }) {}
 
 DeviceFinderWnd::~DeviceFinderWnd() {

@@ -2,11 +2,10 @@
 // The device finder's implementation window: ties what discovery finds to the tree, the information lists and the
 // buttons. What the nodes are is decided by the model, when discovery runs by FinderDiscovery.
 
-#include "frame/wnd.h"
+#include "frame/tabledwnd.h"
 #include "krsystem/krsystem.h"
 #include "logic/finder/accessmemory.h"
 #include "logic/finder/findermodel.h"
-#include "res/templates.h"
 
 #include <QPointer>
 
@@ -24,19 +23,12 @@ class DeviceList;
 class FinderDiscovery;
 class FinderTree;
 
-class DeviceFinderWnd : public Wnd, private KrSystemEventSink {
+class DeviceFinderWnd : public TabledWnd, private KrSystemEventSink {
 public:
   /// aFilter is asked about every report of a device, on any thread. aAccepted is told that a device was accepted, and
   /// may delete this window.
   explicit DeviceFinderWnd(std::function<bool(const KrDeviceInfo*)> aFilter, std::function<void()> aAccepted = {});
   ~DeviceFinderWnd() override;
-
-  int GetPopupTemplateID() const override { return kDeviceFinderTraits.popupTemplate; }
-  int GetChildTemplateID() const override { return kDeviceFinderTraits.childTemplate; }
-  int GetMinWidth() const override { return kDeviceFinderTraits.minWidth; }
-  int GetMaxWidth() const override { return kDeviceFinderTraits.maxWidth; }
-  int GetMinHeight() const override { return kDeviceFinderTraits.minHeight; }
-  int GetMaxHeight() const override { return kDeviceFinderTraits.maxHeight; }
 
   const KrDeviceInfo* GetSelected() const { return mSelected; }
   FinderKinds& GetKinds() { return mKinds; }

@@ -44,7 +44,7 @@ SerialBridge* SerialBridgeManagerWnd::Moment::FindShownBridge() const {
   return !opening.expired() && list && list->GetGeneration() == generation ? list->Find(port) : nullptr;
 }
 
-SerialBridgeManagerWnd::SerialBridgeManagerWnd() : Wnd(kSerialBridgeManagerTraits.modalTemplate) {
+SerialBridgeManagerWnd::SerialBridgeManagerWnd() : TabledWnd(kSerialBridgeManagerTraits) {
   SetTitle("Serial Communication Bridge");
 }
 

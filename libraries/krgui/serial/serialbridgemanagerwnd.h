@@ -2,11 +2,10 @@
 // The serial bridge manager's implementation window: which port of a device is bridged, and how. The bridges and their
 // settings are SerialBridgeList's, the controls are found, filled and laid out by BridgeControls.
 
-#include "frame/wnd.h"
+#include "frame/tabledwnd.h"
 #include "krbase/krstring.h"
 #include "krserial/krdeviceserial.h"
 #include "logic/serial/serialbridgelist.h"
-#include "res/templates.h"
 
 #include <cstdint>
 #include <memory>
@@ -19,17 +18,10 @@ namespace krgui {
 
 class BridgeControls;
 
-class SerialBridgeManagerWnd : public Wnd {
+class SerialBridgeManagerWnd : public TabledWnd {
 public:
   SerialBridgeManagerWnd();
   ~SerialBridgeManagerWnd() override;
-
-  int GetPopupTemplateID() const override { return kSerialBridgeManagerTraits.popupTemplate; }
-  int GetChildTemplateID() const override { return kSerialBridgeManagerTraits.childTemplate; }
-  int GetMinWidth() const override { return kSerialBridgeManagerTraits.minWidth; }
-  int GetMaxWidth() const override { return kSerialBridgeManagerTraits.maxWidth; }
-  int GetMinHeight() const override { return kSerialBridgeManagerTraits.minHeight; }
-  int GetMaxHeight() const override { return kSerialBridgeManagerTraits.maxHeight; }
 
   KrResult SetDevice(IKrDeviceAdapter* aAdapter);
   void SetCreatingPorts(bool aIsOn);

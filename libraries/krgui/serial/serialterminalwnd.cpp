@@ -34,7 +34,7 @@ constexpr std::uint32_t kMostEchoedBytes = 2'048;
 
 } // namespace
 
-SerialTerminalWnd::SerialTerminalWnd() : Wnd(kSerialTerminalTraits.modalTemplate) {
+SerialTerminalWnd::SerialTerminalWnd() : TabledWnd(kSerialTerminalTraits) {
   SetTitle("Device Serial Communication");
 }
 

@@ -2,10 +2,9 @@
 // The serial terminal's implementation window: ports, sending, files and the transcript. What bytes look like is
 // decided in logic/serial, threads belong to the session, controls are found and enabled by TerminalControls.
 
-#include "frame/wnd.h"
+#include "frame/tabledwnd.h"
 #include "krserial/krdeviceserial.h"
 #include "logic/serial/transcriptencoder.h"
-#include "res/templates.h"
 
 #include <QString>
 
@@ -26,17 +25,10 @@ class LineSettings;
 class TerminalControls;
 class TerminalSession;
 
-class SerialTerminalWnd : public Wnd {
+class SerialTerminalWnd : public TabledWnd {
 public:
   SerialTerminalWnd();
   ~SerialTerminalWnd() override;
-
-  int GetPopupTemplateID() const override { return kSerialTerminalTraits.popupTemplate; }
-  int GetChildTemplateID() const override { return kSerialTerminalTraits.childTemplate; }
-  int GetMinWidth() const override { return kSerialTerminalTraits.minWidth; }
-  int GetMaxWidth() const override { return kSerialTerminalTraits.maxWidth; }
-  int GetMinHeight() const override { return kSerialTerminalTraits.minHeight; }
-  int GetMaxHeight() const override { return kSerialTerminalTraits.maxHeight; }
 
   /// Of an open window it may show a message box, after which the window may have gone.
   KrResult SetDevice(IKrDeviceAdapter* aAdapter);

@@ -1,5 +1,7 @@
 #include "logic/camerabridge/cameralayout.h"
 
+#include "logic/frame/rowstack.h"
+
 #include <algorithm>
 
 namespace krgui {
@@ -16,17 +18,11 @@ constexpr int kMostSpace = 6;
 /// A list is never narrower, so that some letters of what is chosen can be read.
 constexpr int kLeastList = 72;
 
-/// So high, in the middle of a row.
-PixelRect Place(const PixelRect& aRow, int aLeft, int aRight, int aHeight) {
-  const int top = aRow.top + (aRow.bottom - aRow.top - aHeight) / 2;
-  return {aLeft, top, std::max(aLeft, aRight), top + aHeight};
-}
-
 class CameraArrangement {
 public:
   explicit CameraArrangement(const CameraMetrics& aMetrics) : m(aMetrics), mRight(kSide + ComputeColumn()) {
     const int left = m.height - Arrange(0);
-    mSpace = std::clamp(left / mSpaces, kLeastSpace, kMostSpace);
+    mSpace = std::clamp(left / mRows.CountSpaces(), kLeastSpace, kMostSpace);
   }
 
   CameraLayout Arrange() {
@@ -47,19 +43,17 @@ private:
 
   /// The column with rows so far apart; gives its bottom.
   int Arrange(int aSpace) {
-    mSpace = aSpace;
-    mSpaces = 0;
-    mY = kSide;
+    mRows = RowStack(kSide, aSpace);
     ArrangeSetup();
-    Skip(1);
+    mRows.Leave(1);
     ArrangeStatistics();
     mLayout.poCL = TakeSwitch(kSide + kInset);
-    return mY + kSide;
+    return mRows.GetY() + kSide;
   }
 
   void ArrangeSetup() {
     const int top = Open();
-    mLayout.ports = Place(Take(m.fieldHeight), kSide + kInset, GetInnerRight(), m.fieldHeight);
+    mLayout.ports = PlaceInRow(mRows.Take(m.fieldHeight), kSide + kInset, GetInnerRight(), m.fieldHeight);
     mLayout.none = TakeKind();
     mLayout.clProtocol = TakeKind();
     TakeChoice(mLayout.templateLabel, mLayout.templates, mLayout.probe);
@@ -71,11 +65,11 @@ private:
     mLayout.genCPStatus = TakeStatus();
     if (m.hasCameraFile)
       ArrangeCameraFile();
-    Skip(1);
-    const PixelRect row = Take(m.fieldHeight);
+    mRows.Leave(1);
+    const PixelRect row = mRows.Take(m.fieldHeight);
     const int left = kSide + kInset;
-    mLayout.sourceLabel = Place(row, left, left + m.labelWidth, m.lineHeight);
-    mLayout.sources = Place(row, GetListLeft(), GetInnerRight(), m.fieldHeight);
+    mLayout.sourceLabel = PlaceInRow(row, left, left + m.labelWidth, m.lineHeight);
+    mLayout.sources = PlaceInRow(row, GetListLeft(), GetInnerRight(), m.fieldHeight);
     mLayout.synchronization = TakeSwitch(left);
     mLayout.setupBox = Close(top);
   }
@@ -91,60 +85,52 @@ private:
 
   void ArrangeStatistics() {
     const int top = Open();
-    const PixelRect row = Take(std::max(2 * m.lineHeight, m.fieldHeight));
+    const PixelRect row = mRows.Take(std::max(2 * m.lineHeight, m.fieldHeight));
     const int middle = (row.top + row.bottom) / 2;
     const int left = kSide + kInset;
     const int button = GetInnerRight() - m.buttonWidth;
     mLayout.sent = {left, middle - m.lineHeight, button - kGap, middle};
     mLayout.received = {left, middle, button - kGap, middle + m.lineHeight};
-    mLayout.reset = Place(row, button, GetInnerRight(), m.fieldHeight);
+    mLayout.reset = PlaceInRow(row, button, GetInnerRight(), m.fieldHeight);
     mLayout.statisticsBox = Close(top);
   }
 
   int GetInnerRight() const { return mRight - kInset; }
   int GetListLeft() const { return kSide + kInset + m.indent + m.labelWidth + kGap; }
 
-  void Skip(int aSpaces) {
-    mSpaces += aSpaces;
-    mY += aSpaces * mSpace;
+  PixelRect TakeSwitch(int aLeft) {
+    return PlaceInRow(mRows.Take(m.radioHeight), aLeft, GetInnerRight(), m.radioHeight);
   }
-  /// A row of a height, a space before it.
-  PixelRect Take(int aHeight) {
-    Skip(1);
-    const int top = mY;
-    mY += aHeight;
-    return {0, top, 0, mY};
-  }
-  PixelRect TakeSwitch(int aLeft) { return Place(Take(m.radioHeight), aLeft, GetInnerRight(), m.radioHeight); }
   /// A kind stands off from what belongs to the one before.
   PixelRect TakeKind() {
-    Skip(1);
+    mRows.Leave(1);
     return TakeSwitch(kSide + kInset);
   }
   void TakeChoice(PixelRect& aLabel, PixelRect& aList, PixelRect& aButton) {
-    const PixelRect row = Take(m.fieldHeight);
+    const PixelRect row = mRows.Take(m.fieldHeight);
     const int left = kSide + kInset + m.indent;
-    aLabel = Place(row, left, left + m.labelWidth, m.lineHeight);
-    aButton = Place(row, GetInnerRight() - m.buttonWidth, GetInnerRight(), m.fieldHeight);
-    aList = Place(row, GetListLeft(), aButton.left - kGap, m.fieldHeight);
+    aLabel = PlaceInRow(row, left, left + m.labelWidth, m.lineHeight);
+    aButton = PlaceInRow(row, GetInnerRight() - m.buttonWidth, GetInnerRight(), m.fieldHeight);
+    aList = PlaceInRow(row, GetListLeft(), aButton.left - kGap, m.fieldHeight);
   }
-  PixelRect TakeStatus() { return Place(Take(m.lineHeight), kSide + kInset + m.indent, GetInnerRight(), m.lineHeight); }
+  PixelRect TakeStatus() {
+    return PlaceInRow(mRows.Take(m.lineHeight), kSide + kInset + m.indent, GetInnerRight(), m.lineHeight);
+  }
   /// The inside of a group begins; gives its top.
   int Open() {
-    const int top = mY;
-    mY += m.titleHeight;
+    const int top = mRows.GetY();
+    mRows.Skip(m.titleHeight);
     return top;
   }
   PixelRect Close(int aTop) {
-    mY += kBottom;
-    return {kSide, aTop, mRight, mY};
+    mRows.Skip(kBottom);
+    return {kSide, aTop, mRight, mRows.GetY()};
   }
 
   const CameraMetrics& m;
   const int mRight; ///< Of the column.
   int mSpace = 0;
-  int mSpaces = 0; ///< How many there are from top to bottom.
-  int mY = 0;
+  RowStack mRows{0, 0};
   CameraLayout mLayout;
 };
 

@@ -1,5 +1,7 @@
 #include "logic/serial/bridgelayout.h"
 
+#include "logic/frame/rowstack.h"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -30,31 +32,6 @@ int CountColumns(const BridgeMetrics& aMetrics) {
 int CountRateRows(const BridgeMetrics& aMetrics) {
   const int columns = CountColumns(aMetrics);
   return (static_cast<int>(kBaudRates.size()) + columns - 1) / columns;
-}
-
-/// Rows from top to bottom, a space before each.
-class RowStack {
-public:
-  RowStack(int aTop, int aSpace) : mY(aTop), mSpace(aSpace) {}
-
-  /// A row of a height.
-  PixelRect Take(int aHeight) {
-    const int top = mY + mSpace;
-    mY = top + aHeight;
-    return {0, top, 0, mY};
-  }
-  void Skip(int aHeight) { mY += aHeight; }
-  int GetY() const { return mY; }
-
-private:
-  int mY;
-  const int mSpace;
-};
-
-/// So high, in the middle of a row.
-PixelRect Place(const PixelRect& aRow, int aLeft, int aRight, int aHeight) {
-  const int top = aRow.top + (aRow.bottom - aRow.top - aHeight) / 2;
-  return {aLeft, top, std::max(aLeft, aRight), top + aHeight};
 }
 
 class BridgeArrangement {
@@ -109,9 +86,10 @@ private:
 
   int ArrangePort(int aTop, int aRight) {
     RowStack rows(aTop + mMetrics.titleHeight, mSpace);
-    mLayout.portList = Place(rows.Take(mMetrics.fieldHeight), mLeft + kInset, mLeft + kInset + mMetrics.portListWidth,
-                             mMetrics.fieldHeight);
-    rows.Skip(mSpace + kBottom);
+    mLayout.portList = PlaceInRow(rows.Take(mMetrics.fieldHeight), mLeft + kInset,
+                                  mLeft + kInset + mMetrics.portListWidth, mMetrics.fieldHeight);
+    rows.Leave(1);
+    rows.Skip(kBottom);
     mLayout.portBox = {mLeft, aTop, aRight, rows.GetY()};
     return rows.GetY();
   }
@@ -119,8 +97,8 @@ private:
   /// In a row that is as high as the counters beside it.
   void CentrePortList() {
     PixelRect& list = mLayout.portList;
-    list = Place({0, mLayout.portBox.top + mMetrics.titleHeight, 0, mLayout.portBox.bottom - kBottom}, list.left,
-                 list.right, mMetrics.fieldHeight);
+    list = PlaceInRow({0, mLayout.portBox.top + mMetrics.titleHeight, 0, mLayout.portBox.bottom - kBottom}, list.left,
+                      list.right, mMetrics.fieldHeight);
   }
 
   int ArrangeSetup(int aTop) {
@@ -128,21 +106,23 @@ private:
     const int right = mRight - kInset;
     const int column = left + mMetrics.radioWidth + 2 * kGap;
     RowStack rows(aTop + mMetrics.titleHeight, mSpace);
-    mLayout.none = Place(rows.Take(mMetrics.radioHeight), left, left + mMetrics.radioWidth, mMetrics.radioHeight);
+    mLayout.none = PlaceInRow(rows.Take(mMetrics.radioHeight), left, left + mMetrics.radioWidth, mMetrics.radioHeight);
     const PixelRect link = rows.Take(mMetrics.fieldHeight);
-    mLayout.comPortLink = Place(link, left, left + mMetrics.radioWidth, mMetrics.radioHeight);
+    mLayout.comPortLink = PlaceInRow(link, left, left + mMetrics.radioWidth, mMetrics.radioHeight);
     const int list = column + mMetrics.labelWidth + kGap;
-    mLayout.comPortLabel = Place(link, column, column + mMetrics.labelWidth, mMetrics.lineHeight);
-    mLayout.comPortList = Place(link, list, list + mMetrics.listWidth, mMetrics.fieldHeight);
+    mLayout.comPortLabel = PlaceInRow(link, column, column + mMetrics.labelWidth, mMetrics.lineHeight);
+    mLayout.comPortList = PlaceInRow(link, list, list + mMetrics.listWidth, mMetrics.fieldHeight);
     const int configure = list + mMetrics.listWidth + kGap;
     mLayout.configure =
-        Place(link, configure, std::min(right, configure + mMetrics.configureWidth), mMetrics.fieldHeight);
-    mLayout.description = Place(rows.Take(mMetrics.lineHeight), left + mMetrics.indent, right, mMetrics.lineHeight);
+        PlaceInRow(link, configure, std::min(right, configure + mMetrics.configureWidth), mMetrics.fieldHeight);
+    mLayout.description =
+        PlaceInRow(rows.Take(mMetrics.lineHeight), left + mMetrics.indent, right, mMetrics.lineHeight);
     const PixelRect cameraLink = rows.Take(mMetrics.radioHeight);
-    mLayout.cameraLink = Place(cameraLink, left, left + mMetrics.radioWidth, mMetrics.radioHeight);
-    mLayout.cameraLinkName = Place(cameraLink, column, right, mMetrics.lineHeight);
-    mLayout.state = Place(rows.Take(mMetrics.lineHeight), left, right, mMetrics.lineHeight);
-    rows.Skip(mSpace + kBottom);
+    mLayout.cameraLink = PlaceInRow(cameraLink, left, left + mMetrics.radioWidth, mMetrics.radioHeight);
+    mLayout.cameraLinkName = PlaceInRow(cameraLink, column, right, mMetrics.lineHeight);
+    mLayout.state = PlaceInRow(rows.Take(mMetrics.lineHeight), left, right, mMetrics.lineHeight);
+    rows.Leave(1);
+    rows.Skip(kBottom);
     mLayout.setupBox = {mLeft, aTop, mRight, rows.GetY()};
     return rows.GetY();
   }
@@ -158,9 +138,10 @@ private:
       if (column == 0)
         row = rows.Take(mMetrics.lineHeight);
       const int x = left + column * width / columns;
-      mLayout.rates[index] = Place(row, x, left + (column + 1) * width / columns, mMetrics.lineHeight);
+      mLayout.rates[index] = PlaceInRow(row, x, left + (column + 1) * width / columns, mMetrics.lineHeight);
     }
-    rows.Skip(mSpace + kBottom);
+    rows.Leave(1);
+    rows.Skip(kBottom);
     mLayout.ratesBox = {mLeft, aTop, mRight, rows.GetY()};
     return rows.GetY();
   }
@@ -174,16 +155,17 @@ private:
     if (mIsCompact) {
       all = rows.Take(std::max(2 * mMetrics.lineHeight, mMetrics.fieldHeight));
       const int middle = (all.top + all.bottom) / 2;
-      mLayout.sent = Place({0, middle - mMetrics.lineHeight, 0, middle}, left, right, mMetrics.lineHeight);
-      mLayout.received = Place({0, middle, 0, middle + mMetrics.lineHeight}, left, right, mMetrics.lineHeight);
+      mLayout.sent = PlaceInRow({0, middle - mMetrics.lineHeight, 0, middle}, left, right, mMetrics.lineHeight);
+      mLayout.received = PlaceInRow({0, middle, 0, middle + mMetrics.lineHeight}, left, right, mMetrics.lineHeight);
     } else {
       all = rows.Take(mMetrics.fieldHeight);
       const int middle = (left + right) / 2;
-      mLayout.sent = Place(all, left, middle - kGap, mMetrics.lineHeight);
-      mLayout.received = Place(all, middle, right, mMetrics.lineHeight);
+      mLayout.sent = PlaceInRow(all, left, middle - kGap, mMetrics.lineHeight);
+      mLayout.received = PlaceInRow(all, middle, right, mMetrics.lineHeight);
     }
-    mLayout.reset = Place(all, right + kGap, mRight - kInset, mMetrics.fieldHeight);
-    rows.Skip(mSpace + kBottom);
+    mLayout.reset = PlaceInRow(all, right + kGap, mRight - kInset, mMetrics.fieldHeight);
+    rows.Leave(1);
+    rows.Skip(kBottom);
     mLayout.statisticsBox = {aLeft, aTop, mRight, rows.GetY()};
     return rows.GetY();
   }
