@@ -2,8 +2,11 @@
 
 #include "configurationparser.h"
 #include "krbase/krwholefile.h"
+#include "krpersistence/krconfigurationwriter.h"
 
 #include <string>
+
+KrConfigurationReader::KrConfigurationReader(const KrConfigurationWriter& aWriter) : mLists(aWriter.mLists) {}
 
 KrResult KrConfigurationReader::Load(const KrString& aFileName) {
   const KrString file = "The configuration file \"" + aFileName + "\"";

@@ -115,10 +115,12 @@ void CameraBridgeManagerWnd::FetchTemplates() {
     KrStringList templates;
   };
   const auto answer = std::make_shared<Answer>();
-  const bool isDone =
-      Await({.text = QStringLiteral("Looking for CL Protocol drivers..."), .work = [answer](const KrGenProgress&) {
-               answer->result = KrCameraBridge::GetCLProtocolTemplates(answer->templates);
-             }});
+  const bool isDone = Await({.text = QStringLiteral("Looking for CL Protocol drivers..."),
+                             .work =
+                                 [answer](const KrGenProgress&) {
+                                   answer->result = KrCameraBridge::GetCLProtocolTemplates(answer->templates);
+                                 },
+                             .whenCancelled = BackgroundTask::WhenCancelled::Abandon});
   entry = moment.FindShownEntry();
   if (!entry || !isDone)
     return;
@@ -279,42 +281,28 @@ void CameraBridgeManagerWnd::ChooseCameraFile() {
   mControls->SetText(id::kPath, file);
 }
 
+/// What the bridge then has is shown, whether or not it is what was wanted.
 void CameraBridgeManagerWnd::ChooseSource() {
+  CameraBridgeEntry* entry = GetSelectedEntry();
+  if (!entry)
+    return;
   const KrString source = ToKrString(mControls->GetSelectedText(id::kSource));
-  Switch("Error selecting the source.", [&source](KrCameraBridge& aBridge) { return aBridge.SetSource(source); });
+  const Moment moment = GetMoment(entry->port);
+  KrResult result;
+  const bool isDone = Ask(*entry, "Setting the camera bridge...", Cursor::Usual,
+                          [&](KrCameraBridge& aBridge) { result = aBridge.SetSource(source); });
+  entry = moment.FindShownEntry();
+  if (!entry)
+    return;
+  ShowSwitches();
+  if (isDone && !result.IsOK())
+    ShowResultError(*this, "Error selecting the source.", result);
 }
 
 void CameraBridgeManagerWnd::SwitchSynchronization() {
   const bool isOn = mControls->IsChecked(id::kSynchronization);
-  Switch("Error switching the synchronization of parameters.",
-         [isOn](KrCameraBridge& aBridge) { return aBridge.SetParametersSyncEnabled(isOn); });
-}
-
-/// What the bridge then has is shown, whether or not it is what was wanted.
-void CameraBridgeManagerWnd::Switch(const char* aFailure,
-                                    const std::function<KrResult(KrCameraBridge& aBridge)>& aSwitch) {
-  CameraBridgeEntry* entry = GetSelectedEntry();
-  if (!entry)
-    return;
-  const Moment moment = GetMoment(entry->port);
-  KrResult result;
-  const bool isDone = Ask(*entry, "Setting the camera bridge...", Cursor::Usual,
-                          [&](KrCameraBridge& aBridge) { result = aSwitch(aBridge); });
-  entry = moment.FindShownEntry();
-  if (!entry)
-    return;
-  ShowSwitches(*entry);
-  if (isDone && !result.IsOK())
-    ShowResultError(*this, aFailure, result);
-}
-
-void CameraBridgeManagerWnd::SwitchPoCL() {
-  KrDevice* const device = mBridges->GetDevice();
-  const KrResult result = KrCameraBridge::SetPoCLEnabled(device, mControls->IsChecked(id::kPoCL));
-  mControls->Check(id::kPoCL, KrCameraBridge::IsPoCLEnabled(device));
-  ApplyStates();
-  if (!result.IsOK())
-    ShowResultError(*this, "Error switching Power over Camera Link.", result);
+  if (const CameraBridgeEntry* const entry = GetSelectedEntry())
+    (void)entry->bridge->SetParametersSyncEnabled(isOn); // Always OK; what cannot be carried then is told by Tick.
 }
 
 void CameraBridgeManagerWnd::ResetStatistics() {

@@ -1,15 +1,14 @@
 #include "camerabridge/camerabridgelist.h"
 
-#include "krdevice/krdeviceadapter.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
-#include "krserial/krdeviceserialport.h"
 #include "logic/camerabridge/camerabridgeindex.h"
 #include "logic/camerabridge/cameratexts.h"
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace krgui {
 
@@ -59,17 +58,17 @@ void CameraBridgeEntry::ReadBack() {
   UpdateStatus();
 }
 
-void CameraBridgeList::SetDevice(KrDevice* aDevice) {
+CameraBridgeList::Entries CameraBridgeList::SetDevice(KrDevice* aDevice) {
   ++mGeneration;
-  mEntries.clear();
   mDevice = aDevice;
-  if (!mDevice)
-    return;
-  KrDeviceAdapter adapter(*mDevice);
-  for (const KrDeviceSerial port : kDeviceSerialPorts) {
-    if (KrDeviceSerialPort::IsSupported(&adapter, port))
-      mEntries.push_back({.port = port, .bridge = std::make_unique<KrCameraBridge>(mDevice, port, mStream)});
-  }
+  mHasPorts = false;
+  return std::exchange(mEntries, {});
+}
+
+void CameraBridgeList::MakeEntries(const std::vector<KrDeviceSerial>& aPorts) {
+  mHasPorts = true;
+  for (const KrDeviceSerial port : aPorts)
+    mEntries.push_back({.port = port, .bridge = std::make_unique<KrCameraBridge>(mDevice, port, mStream)});
 }
 
 CameraBridgeEntry* CameraBridgeList::Find(KrDeviceSerial aPort) {

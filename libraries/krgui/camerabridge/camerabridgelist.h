@@ -52,14 +52,18 @@ public:
   using Entries = std::vector<CameraBridgeEntry>;
 
   void SetStream(KrStream* aStream) { mStream = aStream; }
-  /// Ends all bridges and makes those of a device; none for null.
-  void SetDevice(KrDevice* aDevice);
+  /// Another device, whose bridges are to be made; null for none. Gives those of the one before, which are to be ended.
+  [[nodiscard]] Entries SetDevice(KrDevice* aDevice);
   KrDevice* GetDevice() const { return mDevice; }
+  /// Makes the bridges of the device's ports.
+  void MakeEntries(const std::vector<KrDeviceSerial>& aPorts);
+  /// Whether there is a device whose bridges have not been made.
+  bool IsWithoutPorts() const { return mDevice && !mHasPorts; }
 
   Entries& GetEntries() { return mEntries; }
   /// Null where the device has no such port.
   CameraBridgeEntry* Find(KrDeviceSerial aPort);
-  /// Another one each time that the entries are made anew, or begin anew.
+  /// Another one each time that there is another device, or that the entries begin anew.
   std::uint64_t GetGeneration() const { return mGeneration; }
   /// What was under way with the entries is about something else from now on.
   void BeginAnew() { ++mGeneration; }
@@ -78,6 +82,7 @@ private:
   KrDevice* mDevice = nullptr;
   KrStream* mStream = nullptr;
   Entries mEntries;
+  bool mHasPorts = false; ///< The device's are known.
   std::uint64_t mGeneration = 0;
 };
 

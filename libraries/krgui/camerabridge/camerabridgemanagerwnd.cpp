@@ -4,14 +4,12 @@
 #include "frame/progressdialog.h"
 #include "frame/questionowner.h"
 #include "krcamerabridge/krcamerabridge.h"
-#include "krdevice/krdevice.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "platform/plainline.h"
 #include "platform/toqstring.h"
 #include "platform/waitcursor.h"
 
 #include <QSize>
-#include <QTimer>
 
 #include <optional>
 #include <vector>
@@ -23,18 +21,24 @@ namespace {
 namespace id = cameraid;
 
 constexpr const char* kTitle = "Frame Grabber Camera Bridge";
-constexpr const char* kSourceSelector = "SourceSelector";
+
+KrResult ReportCancelled() {
+  return {KrResult::Code::Cancelled, "The camera bridges were cancelled before all of them were done."};
+}
 
 } // namespace
 
-bool CameraBridgeManagerWnd::Moment::IsShown() const {
+bool CameraBridgeManagerWnd::Moment::IsOfPresentBridges() const {
   const std::shared_ptr<CameraBridgeList> list = bridges.lock();
-  return !opening.expired() && list && list->GetGeneration() == generation;
+  return list && list->GetGeneration() == generation;
+}
+
+bool CameraBridgeManagerWnd::Moment::IsShown() const {
+  return !opening.expired() && IsOfPresentBridges();
 }
 
 CameraBridgeEntry* CameraBridgeManagerWnd::Moment::FindEntry() const {
-  const std::shared_ptr<CameraBridgeList> list = bridges.lock();
-  return list && list->GetGeneration() == generation ? list->Find(port) : nullptr;
+  return IsOfPresentBridges() ? bridges.lock()->Find(port) : nullptr;
 }
 
 CameraBridgeEntry* CameraBridgeManagerWnd::Moment::FindShownEntry() const {
@@ -47,16 +51,6 @@ CameraBridgeManagerWnd::~CameraBridgeManagerWnd() {
   Dispose();
 }
 
-KrResult CameraBridgeManagerWnd::SetDevice(KrDevice* aDevice) {
-  EndWork();
-  // The browser's thread asks the cameras that end here.
-  mBrowser.SetGenParameterArray(nullptr);
-  mBridges->SetDevice(aDevice);
-  if (mControls)
-    ShowDevice();
-  return {};
-}
-
 KrResult CameraBridgeManagerWnd::SetStream(KrStream* aStream) {
   mBridges->SetStream(aStream);
   return {};
@@ -67,13 +61,16 @@ KrResult CameraBridgeManagerWnd::Load(const KrConfigurationReader& aReader, KrSt
   mBrowser.SetGenParameterArray(nullptr);
   mBridges->BeginAnew();
   const Moment moment = GetMoment(KrDeviceSerial::Invalid);
+  if (mBridges->IsWithoutPorts())
+    FindPorts();
+  if (!moment.IsOfPresentBridges() || mBridges->IsWithoutPorts())
+    return ReportCancelled();
   const KrResult result =
       AskAll("Connecting the cameras...", [&bridges = *mBridges, &aReader, &aErrors](const KrGenProgress& aProgress) {
         return bridges.Load(aReader, aErrors, aProgress);
       });
-  if (const std::shared_ptr<CameraBridgeList> list = moment.bridges.lock();
-      list && list->GetGeneration() == moment.generation)
-    list->ReadBack();
+  if (moment.IsOfPresentBridges())
+    mBridges->ReadBack();
   if (moment.IsShown())
     ShowEntry();
   return result;
@@ -122,6 +119,7 @@ bool CameraBridgeManagerWnd::OnInitDialog() {
   CreateBrowser();
   mBridges->ReadBack();
   WireControls();
+  mOpening->mustFindPorts = mBridges->IsWithoutPorts();
   ShowDevice();
   // A child takes the focus when it is clicked, not from what surrounds it.
   return GetShowMode() != Mode::Child;
@@ -158,22 +156,23 @@ CameraBridgeEntry* CameraBridgeManagerWnd::GetSelectedEntry() const {
 
 bool CameraBridgeManagerWnd::Await(const Order& aOrder) {
   const std::weak_ptr<Opening> opening = mOpening;
-  mOpening->isBusy = true;
+  bool Opening::*const flag = aOrder.isOfDevice ? &Opening::isDeviceAsked : &Opening::isBusy;
+  (*mOpening).*flag = true;
   std::optional<WaitCursor> cursor;
   if (aOrder.cursor == Cursor::Wait)
     cursor.emplace();
   ModalResult result = ModalResult::Gone;
   {
     const QuestionOwner owner(GetWidget(), mWorkEnd.get_token());
-    ProgressDialog dialog(
-        owner.GetWidget(), ToQString(GetTitle()), aOrder.text,
-        {.hurry = aOrder.hurry,
-         .whenCancelled = aOrder.hurry ? BackgroundTask::WhenCancelled::Wait : BackgroundTask::WhenCancelled::Abandon});
+    ProgressDialog dialog(owner.GetWidget(), ToQString(GetTitle()), aOrder.text,
+                          {.hurry = aOrder.hurry, .whenCancelled = aOrder.whenCancelled});
     result = dialog.Run(aOrder.work);
   }
   if (const std::shared_ptr<Opening> open = opening.lock()) {
-    open->isBusy = false;
+    (*open).*flag = false;
     ApplyStates();
+    if (open->IsBehind())
+      CatchUpSoon();
   }
   return result == ModalResult::OK;
 }
@@ -199,7 +198,7 @@ KrResult CameraBridgeManagerWnd::AskAll(const char* aText,
                              .hurry = [&bridges = *mBridges] { bridges.Cancel(); }});
   if (isDone)
     return result;
-  return {KrResult::Code::Cancelled, "The camera bridges were cancelled before all of them were done."};
+  return ReportCancelled();
 }
 
 /// What is under way has ended afterwards.
@@ -207,7 +206,7 @@ void CameraBridgeManagerWnd::EndWork() {
   mWorkEnd.request_stop();
   mWorkEnd = std::stop_source();
   if (mOpening)
-    mOpening->isBusy = false;
+    mOpening->isBusy = mOpening->isDeviceAsked = false;
 }
 
 void CameraBridgeManagerWnd::CreateBrowser() {
@@ -225,33 +224,17 @@ void CameraBridgeManagerWnd::PlaceBrowser() {
     browser->setGeometry(*mControls->GetBrowserPlace());
 }
 
-/// The device's ports and sources, and the first port.
+/// The device's ports, and the first of them.
 void CameraBridgeManagerWnd::ShowDevice() {
   std::vector<KrDeviceSerial> ports;
   for (const CameraBridgeEntry& entry : mBridges->GetEntries())
     ports.push_back(entry.port);
   mControls->ListPorts(ports);
-  ListSources();
   ShowEntry();
 }
 
-void CameraBridgeManagerWnd::ListSources() const {
-  QStringList names;
-  KrDevice* const device = mBridges->GetDevice();
-  KrGenParameterArray* const parameters = device ? device->GetParameters() : nullptr;
-  KrGenEnum* const sources = parameters ? parameters->GetEnum(kSourceSelector) : nullptr;
-  std::size_t count = 0;
-  if (sources && sources->GetEntriesCount(count).IsOK()) {
-    for (std::size_t index = 0; index < count; ++index) {
-      KrGenEnumEntry* entry = nullptr;
-      if (sources->GetEntryByIndex(index, entry).IsOK() && entry->IsAvailable())
-        names.append(ToQString(entry->GetName()));
-    }
-  }
-  mControls->Fill(id::kSource, names);
-}
-
-/// What the selected port's bridge is now. Templates that are to be chosen from are fetched soon.
+/// What the selected port's bridge is now. What takes longer follows soon: templates that are to
+/// be chosen from, and what the device says.
 void CameraBridgeManagerWnd::ShowEntry() {
   mControls->ShowNothing();
   mBrowser.SetGenParameterArray(nullptr);
@@ -259,8 +242,10 @@ void CameraBridgeManagerWnd::ShowEntry() {
   mControls->CheckKind(entry ? entry->kind : CameraBridgeKind::None);
   if (entry)
     ShowKind(*entry);
+  ShowSwitches();
   ApplyStates();
   Tick();
+  ShowFactsSoon();
 }
 
 void CameraBridgeManagerWnd::ShowKind(CameraBridgeEntry& aEntry) {
@@ -277,8 +262,7 @@ void CameraBridgeManagerWnd::ShowKind(CameraBridgeEntry& aEntry) {
     mControls->SetText(id::kCLProtocolStatus, ToQString(texts.status));
     ShowParameters(aEntry);
   } else if (aEntry.kind == CameraBridgeKind::CLProtocol) {
-    // Not here: a window that is about to open cannot wait.
-    QTimer::singleShot(0, mConnections.get(), [this] { CallHandler([this] { FetchTemplates(); }); });
+    mOpening->mustFetchTemplates = true;
   } else if (aEntry.kind == CameraBridgeKind::GenCP) {
     ShowParameters(aEntry);
     if (isConnected) {
@@ -288,13 +272,14 @@ void CameraBridgeManagerWnd::ShowKind(CameraBridgeEntry& aEntry) {
       mControls->SetText(id::kGenCPStatus, ToQString(texts.status));
     }
   }
-  ShowSwitches(aEntry);
 }
 
-void CameraBridgeManagerWnd::ShowSwitches(const CameraBridgeEntry& aEntry) const {
-  mControls->Check(id::kSynchronization, aEntry.bridge->GetParametersSyncEnabled());
-  mControls->Check(id::kPoCL, KrCameraBridge::IsPoCLEnabled(mBridges->GetDevice()));
-  mControls->Select(id::kSource, ToQString(aEntry.bridge->GetSource()));
+/// What the selected port's bridge has, and the device; without a port, nothing of one that was there before.
+void CameraBridgeManagerWnd::ShowSwitches() const {
+  const CameraBridgeEntry* const entry = GetSelectedEntry();
+  mControls->Check(id::kSynchronization, entry && entry->bridge->GetParametersSyncEnabled());
+  mControls->Check(id::kPoCL, mOpening->poCL.isOn);
+  mControls->Select(id::kSource, entry ? ToQString(entry->bridge->GetSource()) : QString());
 }
 
 void CameraBridgeManagerWnd::ShowParameters(const CameraBridgeEntry& aEntry) {
@@ -303,7 +288,6 @@ void CameraBridgeManagerWnd::ShowParameters(const CameraBridgeEntry& aEntry) {
 
 void CameraBridgeManagerWnd::ApplyStates() {
   const CameraBridgeEntry* const entry = GetSelectedEntry();
-  KrDevice* const device = mBridges->GetDevice();
   const bool isNewLayout =
       mControls->Enable(GetCameraBridgeEnabling({.hasPort = entry != nullptr,
                                                  .kind = entry ? entry->kind : CameraBridgeKind::None,
@@ -312,7 +296,7 @@ void CameraBridgeManagerWnd::ApplyStates() {
                                                  .hasCLProtocolXMLs = mControls->HasItems(id::kCLProtocolXML),
                                                  .hasGenCPXMLs = mControls->HasItems(id::kGenCPXML),
                                                  .hasSources = mControls->HasItems(id::kSource),
-                                                 .isPoCLSupported = device && KrCameraBridge::IsPoCLSupported(device),
+                                                 .isPoCLSupported = mOpening->poCL.isSupported,
                                                  .isCameraFileVisible = mIsPCFVisible}));
   if (!isNewLayout)
     return;

@@ -4,8 +4,10 @@
 // shown by a feature browser.
 
 #include "camerabridge/camerabridgelist.h"
+#include "camerabridge/grabberquestions.h"
 #include "frame/tabledwnd.h"
 #include "krgui/krgenbrowserwnd.h"
+#include "platform/backgroundtask.h"
 
 #include <QString>
 
@@ -46,7 +48,21 @@ protected:
 private:
   /// One opening of the window.
   struct Opening {
-    bool isBusy = false; ///< A camera is asked, on another thread.
+    bool isBusy = false;        ///< A camera is asked, on another thread.
+    bool isDeviceAsked = false; ///< The device itself.
+    // What is to be done as soon as nothing is under way.
+    bool mustFindPorts = false;
+    bool mustShowFacts = false;
+    bool mustFetchTemplates = false;
+    // What is known of the device.
+    bool hasSources = false; ///< They are listed.
+    PoCLState poCL;
+
+    void ForgetDevice() {
+      hasSources = false;
+      poCL = {};
+    }
+    bool IsBehind() const { return mustFindPorts || mustShowFacts || mustFetchTemplates; }
   };
   /// What a wait, a message box or a dialog is about. Meanwhile the window may be closed or deleted, and the bridges
   /// made anew.
@@ -56,7 +72,9 @@ private:
     std::uint64_t generation = 0;
     KrDeviceSerial port = KrDeviceSerial::Invalid;
 
-    /// Whether the window is still open, with the same bridges.
+    /// Whether this object is still there, with the same bridges.
+    bool IsOfPresentBridges() const;
+    /// The same of a window that is still open.
     bool IsShown() const;
     /// The port's bridge, where it is still the same one; null otherwise.
     CameraBridgeEntry* FindEntry() const;
@@ -69,7 +87,9 @@ private:
     QString text; ///< What is under way.
     Cursor cursor = Cursor::Usual;
     std::function<void(const KrGenProgress& aProgress)> work; ///< On another thread.
-    std::function<void()> hurry = {};                         ///< None for work that is abandoned when it is to end.
+    std::function<void()> hurry = {};                         ///< Ends it before its time, where that can be done.
+    BackgroundTask::WhenCancelled whenCancelled = BackgroundTask::WhenCancelled::Wait;
+    bool isOfDevice = false; ///< No camera is asked, so that the bridges may be used meanwhile.
   };
   /// One of the ways to a camera.
   struct Connection {
@@ -92,16 +112,24 @@ private:
   /// The same of all cameras; without a window, here and now.
   KrResult AskAll(const char* aText, const std::function<KrResult(const KrGenProgress& aProgress)>& aWork);
   void EndWork();
+  /// The same of the device itself; the question is to borrow nothing of this window.
+  bool AskDevice(const char* aText, std::function<void(const KrGenProgress& aProgress)> aQuestion);
+
+  void EndBridges(const std::shared_ptr<CameraBridgeList::Entries>& aEntries);
+  void FindPorts();
+  void ShowFacts();
+  void ShowFactsSoon();
+  void CatchUpSoon();
+  void CatchUp();
 
   void CreateBrowser();
   void PlaceBrowser();
   void WireControls();
   void WireLists();
   void ShowDevice();
-  void ListSources() const;
   void ShowEntry();
   void ShowKind(CameraBridgeEntry& aEntry);
-  void ShowSwitches(const CameraBridgeEntry& aEntry) const;
+  void ShowSwitches() const;
   void ShowParameters(const CameraBridgeEntry& aEntry);
   void ApplyStates();
   void Tick() const;
@@ -117,7 +145,6 @@ private:
   void ChooseCameraFile();
   void ChooseSource();
   void SwitchSynchronization();
-  void Switch(const char* aFailure, const std::function<KrResult(KrCameraBridge& aBridge)>& aSwitch);
   void SwitchPoCL();
   void ResetStatistics();
 

@@ -1,5 +1,6 @@
 #include "krpersistence/krconfigurationreader.h"
 
+#include "krpersistence/krconfigurationwriter.h"
 #include "temporaryfolder.h"
 
 #include <gmock/gmock.h>
@@ -52,6 +53,21 @@ TEST_F(ConfigurationReader, Restoring_ReplacesWhatTheListHeld) {
   ASSERT_TRUE(mReader.Restore("Bridge", list).IsOK());
 
   EXPECT_TRUE(list.IsEmpty());
+}
+
+TEST_F(ConfigurationReader, MadeFromAWriter_HasWhatThatHasCollected) {
+  KrConfigurationWriter writer;
+  KrPropertyList stored;
+  stored.Add({"Way", "GenCP"});
+  ASSERT_TRUE(writer.Store("Serial0", stored).IsOK());
+
+  const KrConfigurationReader reader(writer);
+  ASSERT_TRUE(writer.Store("Serial1", stored).IsOK());
+
+  KrPropertyList restored;
+  ASSERT_TRUE(reader.Restore("Serial0", restored).IsOK());
+  EXPECT_EQ(restored.GetProperty("Way")->GetValue(), "GenCP");
+  EXPECT_FALSE(reader.Contains("Serial1"));
 }
 
 TEST_F(ConfigurationReader, MissingList_IsNamedAndChangesNothing) {

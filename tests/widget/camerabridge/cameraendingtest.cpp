@@ -130,6 +130,23 @@ TEST_F(Endings, DeviceTakenOutWhileConnected_EmptiesTheWindow) {
   EXPECT_EQ(mWindow->GetBridgeCount(), 0);
 }
 
+TEST_F(Endings, DeviceTakenOutOfASlowCamera_LeavesTheWindowPaintingUntilNobodyUsesIt) {
+  Open();
+  ConnectGenCP();
+  bool isPainted = false;
+
+  WhileItWaits([&](QWidget&) {
+    isPainted = !mWindow->GetWidget()->grab().isNull();
+    mClock->SetStopped(false);
+  });
+  ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK());
+  mDevice.reset();
+
+  EXPECT_EQ(mWaits, 1);
+  EXPECT_TRUE(isPainted);
+  EXPECT_EQ(mWindow->GetBridgeCount(), 0);
+}
+
 TEST_F(Endings, DeviceLostWhileConnected_CanBeTakenOut) {
   Open();
   ConnectGenCP();

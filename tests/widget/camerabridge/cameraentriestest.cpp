@@ -98,6 +98,7 @@ TEST_F(Entries, TitleOfTheApplication_IsReplaced) {
 TEST_F(Entries, Sources_AreThoseOfTheDevice) {
   Open();
 
+  EXPECT_TRUE(WaitFor([this] { return IsEnabled(id::kSource); }));
   EXPECT_THAT(GetEntries(id::kSource), testing::ElementsAre("Source0", "Source1", "Source2"));
   EXPECT_TRUE(IsEnabled(id::kSource));
   // The bridge has none yet.

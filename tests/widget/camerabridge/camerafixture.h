@@ -57,6 +57,11 @@ protected:
     ASSERT_TRUE(mWindow->SetDevice(mDevice.get()).IsOK());
     ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
     ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow->GetWidget()));
+    AwaitAnswers();
+  }
+  /// The window has asked the device, which has Power over Camera Link, what it shows of it.
+  void AwaitAnswers() const {
+    ASSERT_TRUE(WaitFor([this] { return IsEnabled(id::kPoCL); }));
   }
   template <typename Control = QWidget>
   Control& Get(int aID) const {

@@ -76,8 +76,8 @@ TEST_F(Switches, PoCL_IsTheDevices) {
 TEST_F(Switches, DeviceWithoutPoCL_CannotSwitchIt) {
   std::unique_ptr<KrDevice> camera;
   ASSERT_TRUE(LabTest::Open(kMonoMAC, camera).IsOK());
+  Open();
   ASSERT_TRUE(mWindow->SetDevice(camera.get()).IsOK());
-  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
 
   EXPECT_FALSE(IsEnabled(id::kPoCL));
   EXPECT_FALSE(IsChecked(id::kPoCL));
@@ -85,6 +85,20 @@ TEST_F(Switches, DeviceWithoutPoCL_CannotSwitchIt) {
   EXPECT_FALSE(IsEnabled(id::kSource));
   EXPECT_GT(mWindow->GetBridgeCount(), 0);
   mWindow.reset();
+}
+
+TEST_F(Switches, DeviceTakenOut_LeavesNothingChecked) {
+  Open();
+  Click(id::kSynchronization);
+  Pick(id::kSource, "Source1");
+  ASSERT_TRUE(IsChecked(id::kPoCL));
+
+  ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK());
+
+  EXPECT_FALSE(IsChecked(id::kSynchronization));
+  EXPECT_FALSE(IsChecked(id::kPoCL));
+  EXPECT_FALSE(IsEnabled(id::kPoCL));
+  EXPECT_THAT(GetEntries(id::kSource), testing::IsEmpty());
 }
 
 TEST_F(Switches, DeviceThatDoesNotAnswer_IsToldOfAndTheBoxTellsTheTruth) {

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+class KrConfigurationWriter;
+
 /// Reads what a KrConfigurationWriter saved.
 ///
 /// Thread: a value; different objects may be used from different threads. A file may be saved while it is loaded: what
@@ -20,6 +22,10 @@
 ///       result = window.Load(browser);
 class KR_EXPORT KrConfigurationReader {
 public:
+  KrConfigurationReader() = default;
+  /// What a writer has collected, as if it had been saved and loaded.
+  explicit KrConfigurationReader(const KrConfigurationWriter& aWriter);
+
   /// Reads a file, all or nothing: on any error what was loaded before stays. BadData for a damaged file, with line,
   /// column and reason; NotSupported for a file of another major format version, with the version that it needs;
   /// OutOfRange for one beyond the limits; NotFound, InvalidInput, AccessDenied and SystemError where it cannot be

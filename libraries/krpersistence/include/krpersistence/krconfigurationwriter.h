@@ -31,5 +31,7 @@ public:
   KrResult Save(const KrString& aFileName) const;
 
 private:
+  friend class KrConfigurationReader;
+
   std::vector<std::pair<KrString, KrPropertyList>> mLists;
 };
