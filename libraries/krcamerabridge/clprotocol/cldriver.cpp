@@ -95,8 +95,10 @@ KrResult CLDriver::Start(const std::stop_token& aStop) {
 void CLDriver::Close() {
   if (!mProcess)
     return;
+  if (!mClosedUntil)
+    BeginClosing();
   Said said;
-  const KrResult result = Call({.kind = WireKind::Close}, mTimes.loadLimitMs, said, {});
+  const KrResult result = Call({.kind = WireKind::Close}, mTimes.closeLimitMs, said, {});
   if (!result.IsOK())
     KrLogger("KrCameraBridge").Log(KrLogLevel::Warning, {"CLDriver::Close", "cldriver"}, result.GetDescription());
   mProcess.reset();
@@ -294,21 +296,23 @@ KrResult CLDriver::Await(const WireFrame& aCall, Limits& aLimits, WireFrame& aAn
 KrResult CLDriver::Miss(HostProcess::Event aEvent, const WireFrame& aCall, const Limits& aLimits) {
   if (mAbandoned.stop_requested())
     return Fail(KrResult::Code::Aborted, "was ended, as nobody waits for it any more");
-  if (aEvent == HostProcess::Event::Broken)
-    return Fail(KrResult::Code::SystemError, "has damaged its process: it said what is no message");
+  const bool isOver = aEvent != HostProcess::Event::Broken && aEvent != HostProcess::Event::Ended;
+  std::string words = "has damaged its process: it said what is no message";
   if (aEvent == HostProcess::Event::Ended)
-    return Fail(KrResult::Code::SystemError, mProcess->Bury() + " in " + GetName(aCall));
-  if (aLimits.isCancelled) {
-    const KrResult ended = Fail(KrResult::Code::SystemError, "did not come back from " + GetName(aCall) + " within " +
-                                                                 std::to_string(mTimes.cancelLimitMs) +
-                                                                 " milliseconds of being cancelled, and was ended");
-    return {KrResult::Code::Aborted, ended.GetDescription()};
-  }
-  const bool isQuiet = aLimits.quietUntil < aLimits.until;
-  const char* const what = isQuiet ? " without a use of the line" : aLimits.isClosing ? " of being closed" : "";
-  return Fail(KrResult::Code::TimeLimitExceeded, "did not come back from " + GetName(aCall) + " within " +
-                                                     std::to_string(isQuiet ? mTimes.quietLimitMs : aLimits.limitMs) +
-                                                     " milliseconds" + what + ", and was ended");
+    words = mProcess->Bury() + " in " + GetName(aCall);
+  else if (isOver)
+    words = "did not come back from " + GetName(aCall) + " within " + DescribeLimit(aLimits) + ", and was ended";
+  const bool isLate = isOver && !aLimits.isCancelled;
+  const KrResult ended = Fail(isLate ? KrResult::Code::TimeLimitExceeded : KrResult::Code::SystemError, words);
+  return aLimits.isCancelled ? KrResult(KrResult::Code::Aborted, ended.GetDescription()) : ended;
+}
+
+std::string CLDriver::DescribeLimit(const Limits& aLimits) const {
+  if (aLimits.isCancelled)
+    return std::to_string(mTimes.cancelLimitMs) + " milliseconds of being cancelled";
+  if (aLimits.quietUntil < aLimits.until)
+    return std::to_string(mTimes.quietLimitMs) + " milliseconds without a use of the line";
+  return std::to_string(aLimits.limitMs) + (aLimits.isClosing ? " milliseconds of being closed" : " milliseconds");
 }
 
 // From here on the line fails at once, so a driver that is well comes back soon.

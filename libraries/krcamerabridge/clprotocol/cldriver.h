@@ -48,7 +48,7 @@ public:
   KrResult Start(const std::stop_token& aStop);
   /// False before Start, and after the process has ended, for whatever reason.
   bool IsRunning() const { return mProcess != nullptr; }
-  /// From now on all calls together, Close included, have the time for closing alone.
+  /// From now on all calls together, Close included, have the time for closing. Close begins it where nobody has.
   void BeginClosing() { mClosedUntil = Clock::now() + std::chrono::milliseconds(mTimes.closeLimitMs); }
   /// Has the driver end what it does, as far as it runs, and ends the process.
   void Close();
@@ -89,6 +89,7 @@ private:
   KrResult Call(const WireFrame& aCall, std::uint32_t aLimitMs, Said& aSaid, const std::stop_token& aStop);
   KrResult Await(const WireFrame& aCall, Limits& aLimits, WireFrame& aAnswer, const std::stop_token& aStop);
   KrResult Miss(HostProcess::Event aEvent, const WireFrame& aCall, const Limits& aLimits);
+  std::string DescribeLimit(const Limits& aLimits) const;
   void Cancel(const WireFrame& aCall, Limits& aLimits);
   bool Serve(const WireFrame& aUse, Limits& aLimits, const std::stop_token& aStop);
   WireFrame UseLine(const WireFrame& aUse, std::uint32_t aTimeoutMs, const std::stop_token& aStop);

@@ -10,7 +10,7 @@ namespace krcamerabridge {
 struct CLDriverTimes {
   std::uint32_t accessMs = 500; ///< What a driver is told: how long the camera may take for one answer.
 
-  std::uint32_t loadLimitMs = 10000;         ///< Loading the driver, each call that needs no camera, and closing it.
+  std::uint32_t loadLimitMs = 10000;         ///< Loading the driver, and asking for its templates.
   std::uint32_t probeLimitMs = 60000;        ///< A probe.
   std::uint32_t descriptionLimitMs = 900000; ///< Reading a description at the lowest speed.
   std::uint32_t registerLimitMs = 10000;     ///< Reading or writing registers, beside what their bytes take.

@@ -86,7 +86,6 @@ KrResult CLSession::StartDriver(const CLFullID& aTemplate, const std::stop_token
     }
     if (!result.IsOK())
       failure = result;
-    driver->BeginClosing();
     driver->Close();
   }
   return failure;

@@ -250,6 +250,35 @@ TEST_F(CLProtocolTest, HangInErrorText_LeavesTheStandardsWords) {
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("no camera was found (error -20101)"));
 }
 
+TEST_F(CLProtocolTest, EndInErrorText_LeavesTheStandardsWords) {
+  camera.SetSilent(true);
+  const KrLogCapture log;
+  for (const std::string what : {"crash", "exit", "throw"}) {
+    const std::string driver = "lib" + what + "-clpGetErrorText.so";
+    folder.Install(driver);
+
+    const KrResult result = Connect(port, driver);
+
+    EXPECT_EQ(result, KrResult::Code::NotFound);
+    EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr(driver + ": no camera was found (error -20101)"));
+  }
+}
+
+TEST_F(CLProtocolTest, CrashWhileAProbeIsStopped_IsTheEndOfACancelledProbe) {
+  folder.Install("libcrash-stopping.so");
+  std::stop_source stop;
+  const int reads = line.CountReads();
+  auto connecting =
+      std::async(std::launch::async, [&] { return Connect(port, "libcrash-stopping.so", stop.get_token()); });
+  ASSERT_TRUE(Await([&] { return line.CountReads() > reads + 2; }));
+
+  stop.request_stop();
+
+  const KrResult result = connecting.get();
+  EXPECT_EQ(result, KrResult::Code::Aborted);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("was ended by signal 6 (Aborted) in clpProbeDevice"));
+}
+
 TEST_F(CLProtocolTest, Templates_OfSeveralDriversThatHang_AreWaitedForTogether) {
   for (int i = 0; i < 4; ++i)
     folder.Install("libgood" + std::to_string(i) + ".so");

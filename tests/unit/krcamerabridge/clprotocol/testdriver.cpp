@@ -151,7 +151,7 @@ KR_CLP_FUNCTION clpGetShortDeviceIDTemplates(CLINT8* aTemplates, CLUINT32* aSize
 KR_CLP_FUNCTION clpProbeDevice(ISerial* aSerial, const CLINT8*, CLINT8* aDeviceID, CLUINT32* aSize, CLUINT32* aCookie,
                                CLUINT32 aTimeoutMs) {
   Misbehave("clpProbeDevice");
-  if (Does("loop", "clpProbeDevice")) {
+  if (Does("loop", "clpProbeDevice") || Does("crash", "stopping")) {
     char byte = 0;
     for (CLUINT32 one = 1; !theIsStopped; one = 1)
       static_cast<void>(aSerial->clSerialRead(&byte, &one, 10));
@@ -289,6 +289,7 @@ KR_CLP_FUNCTION clpGetParam(ISerial*, CLINT32, CLUINT32, CLINT8* aBuffer, CLINT6
 
 KR_CLP_FUNCTION clpSetParam(ISerial* aSerial, CLINT32 aParam, CLUINT32, const CLINT8* aBuffer, CLINT64, CLUINT32) {
   if (aParam == CLP_STOP_PROBE_DEVICE) {
+    Misbehave("stopping");
     theIsStopped = true;
     return CL_ERR_NO_ERR;
   }
