@@ -8,7 +8,7 @@ packages=(
   g++ cmake ninja-build pkg-config ccache mold
   # What the libraries stand on
   qt6-base-dev qt6-qpa-plugins libaravis-dev libnl-3-dev libnl-route-3-dev libusb-1.0-0-dev libspdlog-dev libpugixml-dev libyaml-cpp-dev
-  libzip-dev libxcb1-dev libxcb-shm0-dev libhwy-dev
+  libglib2.0-dev libzip-dev libxcb1-dev libxcb-shm0-dev libhwy-dev
   # What the programs stand on besides
   libpng-dev libtiff-dev
   # Tests: frameworks, an independent camera, USB devices, serial lines, a display with a window manager and hands, an

@@ -1,5 +1,7 @@
 #include "gencpcamera.h"
 
+#include "wirechannel.h"
+
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -61,69 +63,13 @@ Bytes MakeAnswer(std::uint16_t aChannel, std::uint16_t aStatus, std::uint16_t aC
   return packet;
 }
 
-// The host's end as a byte channel.
-class SocketChannel final : public krsystem::IByteChannel {
-public:
-  SocketChannel(int aSocket, std::shared_ptr<WireEnds> aWire) : mSocket(aSocket), mWire(std::move(aWire)) {}
-  ~SocketChannel() override { ::close(mSocket); }
-
-  KrResult Open() override { return {}; }
-  void Close() override {}
-  KrResult Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, std::uint32_t aTimeoutMs,
-                const std::stop_token& aCancel) override {
-    aRead = 0;
-    if (KrResult result = Await(POLLIN, aTimeoutMs, aCancel); !result.IsOK())
-      return result;
-    const ssize_t read = ::recv(mSocket, aBytes, aSize, MSG_DONTWAIT);
-    if (read <= 0)
-      return {KrResult::Code::ConnectionLost, "The line is gone."};
-    aRead = static_cast<std::size_t>(read);
-    return {};
-  }
-  KrResult Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten, std::uint32_t aTimeoutMs,
-                 const std::stop_token& aCancel) override {
-    aWritten = 0;
-    if (KrResult result = Await(POLLOUT, aTimeoutMs, aCancel); !result.IsOK())
-      return result;
-    Bytes bytes(aBytes, aBytes + aSize);
-    if (mWire->hostRate != mWire->cameraRate)
-      std::ranges::transform(bytes, bytes.begin(), [](std::uint8_t aByte) { return aByte ^ 0xB5; });
-    const ssize_t written = ::send(mSocket, bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-    if (written < 0)
-      return {KrResult::Code::ConnectionLost, "The line is gone."};
-    aWritten = static_cast<std::size_t>(written);
-    return {};
-  }
-
-private:
-  KrResult Await(short aEvents, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) const {
-    int ends[2];
-    if (::pipe(ends) != 0)
-      throw std::runtime_error("There is no pipe.");
-    int ready = 0;
-    pollfd polled[2] = {{mSocket, aEvents, 0}, {ends[0], POLLIN, 0}};
-    {
-      const std::stop_callback wake(aCancel, [&] { static_cast<void>(!::write(ends[1], "", 1)); });
-      ready = ::poll(polled, 2, static_cast<int>(std::min<std::uint32_t>(aTimeoutMs, 1u << 30)));
-    }
-    ::close(ends[0]);
-    ::close(ends[1]);
-    if (aCancel.stop_requested())
-      return {KrResult::Code::Aborted, "The call was ended."};
-    return ready > 0 ? KrResult() : KrResult(KrResult::Code::TimeLimitExceeded, "Nothing came.");
-  }
-
-  const int mSocket;
-  const std::shared_ptr<WireEnds> mWire;
-};
-
 } // namespace
 
 GenCPCamera::GenCPCamera() {
   int ends[2];
   if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0)
     throw std::runtime_error("There is no pair of sockets.");
-  mChannel = std::make_shared<SocketChannel>(ends[0], mWire);
+  mChannel = MakeWireChannel(ends[0], mWire);
   mCameraEnd = ends[1];
   PokeNumber(0x0000, 4, 0x00010003);
   Poke(0x0004, Bytes(64, 'm'));
@@ -176,7 +122,8 @@ std::uint64_t GenCPCamera::PeekNumber(std::uint64_t aAddress, std::size_t aSize)
   return Number(Peek(aAddress, aSize), 0, aSize);
 }
 
-void GenCPCamera::AddFile(std::uint32_t aVersion, std::uint32_t aKind, const std::string& aContent) {
+void GenCPCamera::AddFile(std::uint32_t aVersion, std::uint32_t aKind, const std::string& aContent,
+                          const Bytes& aSha1) {
   const std::uint64_t address = mFileEnd;
   Poke(address, Bytes(aContent.begin(), aContent.end()));
   mFileEnd += aContent.size() + 3; // Files need not be aligned.
@@ -186,6 +133,7 @@ void GenCPCamera::AddFile(std::uint32_t aVersion, std::uint32_t aKind, const std
   PokeNumber(entry + 4, 4, aKind);
   PokeNumber(entry + 8, 8, address);
   PokeNumber(entry + 16, 8, aContent.size());
+  Poke(entry + 24, aSha1);
   PokeNumber(kManifest, 8, ++mFileCount);
 }
 
@@ -221,6 +169,11 @@ void GenCPCamera::RefuseControl(bool aRefuses) {
   mRefusesControl = aRefuses;
 }
 
+std::vector<HeardCommand> GenCPCamera::TakeWrites() {
+  const std::scoped_lock lock(mMutex);
+  return std::exchange(mWrites, {});
+}
+
 std::vector<HeardCommand> GenCPCamera::TakeHeard() {
   const std::scoped_lock lock(mMutex);
   return std::exchange(mHeard, {});
@@ -242,10 +195,18 @@ bool GenCPCamera::AwaitHeard(std::size_t aCount) {
 }
 
 bool GenCPCamera::AwaitReadsOf(std::uint64_t aAddress, int aCount) {
+  return AwaitCommands(0x0800, aAddress, aCount);
+}
+
+bool GenCPCamera::AwaitWritesTo(std::uint64_t aAddress, int aCount) {
+  return AwaitCommands(0x0802, aAddress, aCount);
+}
+
+bool GenCPCamera::AwaitCommands(std::uint16_t aCommand, std::uint64_t aAddress, int aCount) {
   std::unique_lock lock(mMutex);
   return mChanged.wait_for(lock, std::chrono::seconds(30), [&] {
     return std::ranges::count_if(mHeard, [&](const HeardCommand& aHeard) {
-             return aHeard.command == 0x0800 && aHeard.address == aAddress;
+             return aHeard.command == aCommand && aHeard.address == aAddress;
            }) >= aCount;
   });
 }
@@ -309,18 +270,17 @@ void GenCPCamera::Handle(const Bytes& aPacket) {
                     : specific.size() - std::min<std::size_t>(8, specific.size());
   std::unique_lock lock(mMutex);
   mHeard.push_back(heard);
+  mAddress = heard.address;
   mChanged.notify_all();
-  if (mFaults.isSilent)
+  if (Ignores(heard))
     return;
   const bool isConfirmation = heard.command == 0x0802 && heard.address == kSerialMap + 4 && mFallBackAt;
   if (isConfirmation && mFaults.lostConfirmations > 0) {
     --mFaults.lostConfirmations;
     return;
   }
-  if (heard.request != 0 && mLastRequest == heard.request) {
-    Send(mLastAnswer);
+  if (Repeat(heard))
     return;
-  }
   lock.unlock();
   if (Delay(heard))
     return;
@@ -336,6 +296,28 @@ void GenCPCamera::Handle(const Bytes& aPacket) {
     SetRate(std::exchange(mNextRate, 0));
 }
 
+bool GenCPCamera::Ignores(const HeardCommand& aHeard) {
+  if (mFaults.isSilent && mFaults.hasNoise)
+    Send({0x01, 0x00, 0x55, 0xAA, 0x01, 0x17, 0x00, 0x00, 0x01});
+  return mFaults.isSilent || (mFaults.mostHeard > 0 && aHeard.bytes > mFaults.mostHeard);
+}
+
+// Answers a command that comes again.
+bool GenCPCamera::Repeat(const HeardCommand& aHeard) {
+  if ((aHeard.flags & 0x8000) != 0 && mFaults.refusedRepeats > 0) {
+    --mFaults.refusedRepeats;
+    Send(MakeAnswer(0, mFaults.refusal, static_cast<std::uint16_t>(aHeard.command + 1), aHeard.request, {}));
+    return true;
+  }
+  if (aHeard.request == 0 || mLastRequest != aHeard.request)
+    return false;
+  if (mFaults.lostAnswers > 0)
+    --mFaults.lostAnswers;
+  else
+    Send(mLastAnswer);
+  return true;
+}
+
 // Asks for time, or to come back later, as ordered. True when the command is not carried out.
 bool GenCPCamera::Delay(const HeardCommand& aHeard) {
   while (!mIsEnding) {
@@ -345,7 +327,7 @@ bool GenCPCamera::Delay(const HeardCommand& aHeard) {
       Send(MakeAnswer(0, 0x8007, static_cast<std::uint16_t>(aHeard.command + 1), aHeard.request, {}));
       return true;
     }
-    if (mFaults.pendingAnswers == 0)
+    if (mFaults.pendingAnswers == 0 || aHeard.address < mFaults.pendingFrom || aHeard.address > mFaults.pendingTo)
       return false;
     --mFaults.pendingAnswers;
     const std::uint16_t milliseconds = mFaults.pendingMs;
@@ -378,10 +360,8 @@ Bytes GenCPCamera::Execute(const HeardCommand& aHeard, const Bytes& aSpecific, s
     aStatus = 0x8003;
   if (aStatus != 0)
     return {};
-  if (!isRead) {
-    aStatus = Write(aHeard.address, Bytes(aSpecific.begin() + 8, aSpecific.end()));
-    return {};
-  }
+  if (!isRead)
+    return ExecuteWrite(aHeard, Bytes(aSpecific.begin() + 8, aSpecific.end()), aStatus);
   Bytes data;
   for (std::size_t i = 0; i < aHeard.bytes; ++i)
     data.push_back(mRegisters[aHeard.address + i]);
@@ -390,6 +370,18 @@ Bytes GenCPCamera::Execute(const HeardCommand& aHeard, const Bytes& aSpecific, s
     data.pop_back();
   }
   return data;
+}
+
+Bytes GenCPCamera::ExecuteWrite(const HeardCommand& aHeard, Bytes aData, std::uint16_t& aStatus) {
+  mWrites.push_back(aHeard);
+  Bytes written;
+  if (mFaults.halfWrites > 0) {
+    --mFaults.halfWrites;
+    aData.resize(aData.size() / 2);
+    Put(written, aData.size(), 4);
+  }
+  aStatus = Write(aHeard.address, aData);
+  return written;
 }
 
 std::uint16_t GenCPCamera::Write(std::uint64_t aAddress, const Bytes& aData) {
@@ -450,7 +442,7 @@ void GenCPCamera::Acknowledge(std::uint16_t aStatus, std::uint16_t aCommand, std
 
 void GenCPCamera::Send(const Bytes& aBytes) {
   Bytes bytes = Spoil(aBytes);
-  if (mFaults.damagedAnswers > 0 && !bytes.empty()) {
+  if (mFaults.damagedAnswers > 0 && mAddress >= mFaults.damagedFrom && !bytes.empty()) {
     --mFaults.damagedAnswers;
     bytes.back() ^= 0x55;
   }

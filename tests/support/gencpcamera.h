@@ -34,17 +34,25 @@ struct CameraFaults {
   double doubled = 0; ///< Likewise.
   double changed = 0; ///< Likewise.
   bool isSilent = false;
+  bool hasNoise = false;           ///< Instead of an answer of a silent camera come bytes that are none.
+  std::size_t mostHeard = 0;       ///< Commands to more bytes are not heard; 0 for no limit.
   bool hasRubbish = false;         ///< Bytes that belong to nothing stand before each answer, also halves of packets.
   bool hasForeignAnswers = false;  ///< Before each answer come those to another request and on another channel.
   int wrongLengths = 0;            ///< So many answers to reads lack their last byte, with checksums that fit.
   int lostConfirmations = 0;       ///< So many second orders of a rate are not heard.
   int lostConfirmationAnswers = 0; ///< So many of them are heard, but not answered.
-  int lostAnswers = 0;             ///< So many answers are not sent.
-  int busyAnswers = 0;             ///< So many commands get the status that it is busy.
-  int pendingAnswers = 0;          ///< So many times it asks for time, pendingMs each, before it carries out a command.
+  int lostAnswers = 0;             ///< So many answers are not sent, repeated ones among them.
+  int refusedRepeats = 0;          ///< So many commands that come again are answered by refusal alone.
+  std::uint16_t refusal = 0;
+  int halfWrites = 0;     ///< So many writes are done by half, as their answers say.
+  int busyAnswers = 0;    ///< So many commands get the status that it is busy.
+  int pendingAnswers = 0; ///< So many times it asks for time, pendingMs each, before it carries out a command.
   std::uint16_t pendingMs = 0;
-  std::uint16_t lateMs = 0; ///< So much longer it takes then.
-  int damagedAnswers = 0;   ///< So many answers have a wrong last byte.
+  std::uint64_t pendingFrom = 0;        ///< Only for addresses from here on,
+  std::uint64_t pendingTo = UINT64_MAX; ///< up to here.
+  std::uint16_t lateMs = 0;             ///< So much longer it takes then.
+  int damagedAnswers = 0;               ///< So many answers have a wrong last byte.
+  std::uint64_t damagedFrom = 0;        ///< Only to commands for addresses from here on.
 };
 
 /// What it has heard.
@@ -81,7 +89,8 @@ public:
   std::vector<std::uint8_t> Peek(std::uint64_t aAddress, std::size_t aSize);
   std::uint64_t PeekNumber(std::uint64_t aAddress, std::size_t aSize);
   /// Adds a file and its entry of the manifest table; aKind is the second word of the entry.
-  void AddFile(std::uint32_t aVersion, std::uint32_t aKind, const std::string& aContent);
+  void AddFile(std::uint32_t aVersion, std::uint32_t aKind, const std::string& aContent,
+               const std::vector<std::uint8_t>& aSha1 = {});
 
   void SetFaults(const CameraFaults& aFaults);
   /// What is left of those that were counted.
@@ -98,19 +107,26 @@ public:
   void RefuseControl(bool aRefuses);
 
   std::vector<HeardCommand> TakeHeard();
+  /// The writes that it has carried out.
+  std::vector<HeardCommand> TakeWrites();
   /// False when there are not so many within a generous limit.
   bool AwaitHeard(std::size_t aCount);
   bool AwaitReadsOf(std::uint64_t aAddress, int aCount);
+  bool AwaitWritesTo(std::uint64_t aAddress, int aCount);
 
 private:
   using Bytes = std::vector<std::uint8_t>;
 
+  bool AwaitCommands(std::uint16_t aCommand, std::uint64_t aAddress, int aCount);
   void Work();
   void Hear(const Bytes& aBytes);
   void OnQuiet();
   void Handle(const Bytes& aPacket);
+  bool Ignores(const HeardCommand& aHeard);
+  bool Repeat(const HeardCommand& aHeard);
   bool Delay(const HeardCommand& aHeard);
   Bytes Execute(const HeardCommand& aHeard, const Bytes& aData, std::uint16_t& aStatus);
+  Bytes ExecuteWrite(const HeardCommand& aHeard, Bytes aData, std::uint16_t& aStatus);
   std::uint16_t Write(std::uint64_t aAddress, const Bytes& aData);
   bool Has(std::uint64_t aAddress, std::size_t aSize) const;
   void Acknowledge(std::uint16_t aStatus, std::uint16_t aCommand, std::uint16_t aRequest, const Bytes& aData);
@@ -129,6 +145,7 @@ private:
   std::map<std::uint64_t, std::uint8_t> mRegisters;
   CameraFaults mFaults;
   std::vector<HeardCommand> mHeard;
+  std::vector<HeardCommand> mWrites;
   std::size_t mMostRead = 0;
   std::size_t mMostWritten = 0;
   bool mRefusesControl = false;
@@ -141,6 +158,7 @@ private:
   std::mt19937 mRandom{20260101};
   Bytes mBuffer;
   bool mIsFlushing = false;
+  std::uint64_t mAddress = 0; // Of the command that is heard now.
   std::optional<std::uint16_t> mLastRequest;
   Bytes mLastAnswer;
 

@@ -48,16 +48,23 @@ std::uint16_t CommandCycle::TakeRequestID() {
   return mLastRequestID;
 }
 
+void CommandCycle::SetEnd(std::uint32_t aMilliseconds) {
+  mEnd = Clock::now() + milliseconds(aMilliseconds);
+}
+
+CommandCycle::Clock::time_point CommandCycle::GetLimit(std::uint32_t aMilliseconds) const {
+  return std::min(Clock::now() + milliseconds(aMilliseconds), mEnd);
+}
+
 milliseconds CommandCycle::GetTransferTime(std::size_t aBytes) const {
   return milliseconds(aBytes * kBitsPerByte * 1000 / std::max<std::uint32_t>(mBaudRate, 1) + 1);
 }
 
 KrResult CommandCycle::Run(const Command& aCommand, Answer& aAnswer, const std::stop_token& aStop) {
-  const auto busyLimit = Clock::now() + milliseconds(mTimes.busyLimitMs);
+  const auto busyLimit = GetLimit(mTimes.busyLimitMs);
+  Packet packet{kControlChannel, kRequestAcknowledge, aCommand.commandID, TakeRequestID(), aCommand.specific};
   int faults = 0;
   while (true) {
-    // What was refused is asked with a number of its own: the same would only be refused again.
-    const Packet packet{kControlChannel, kRequestAcknowledge, aCommand.commandID, TakeRequestID(), aCommand.specific};
     KrResult result = SendUntilAnswered(packet, aCommand.answerBytes, aCommand.tries, aAnswer, aStop);
     if (!result.IsOK())
       return result;
@@ -67,28 +74,36 @@ KrResult CommandCycle::Run(const Command& aCommand, Answer& aAnswer, const std::
       return {};
     if (!Rest(mTimes.busyPauseMs, aStop))
       return {KrResult::Code::Aborted, "The access to the camera was cancelled."};
+    // What was refused is asked with a number of its own: the same would only be refused again. But a write of which an
+    // answer was lost may have been done, and would be done twice.
+    const bool mayBeDone = (packet.code & kCommandResend) != 0 && aCommand.commandID != kReadMemoryCommand;
+    if (!mayBeDone) {
+      packet.code = kRequestAcknowledge;
+      packet.requestID = TakeRequestID();
+    }
   }
 }
 
 KrResult CommandCycle::Probe(int aTries, Answer& aAnswer, const std::stop_token& aStop) {
-  const Packet packet{kControlChannel, kRequestAcknowledge, kReadMemoryCommand, 0, BuildReadMemory(0, kVersionBytes)};
+  Packet packet{kControlChannel, kRequestAcknowledge, kReadMemoryCommand, 0, BuildReadMemory(0, kVersionBytes)};
   return SendUntilAnswered(packet, kVersionBytes, aTries, aAnswer, aStop);
 }
 
-KrResult CommandCycle::SendUntilAnswered(Packet aPacket, std::size_t aAnswerBytes, int aTries, Answer& aAnswer,
+// A packet that was sent again says so from then on.
+KrResult CommandCycle::SendUntilAnswered(Packet& aPacket, std::size_t aAnswerBytes, int aTries, Answer& aAnswer,
                                          const std::stop_token& aStop) {
   if (KrResult result = AwaitAbandoned(aStop); !result.IsOK())
     return result;
-  const auto limit = Clock::now() + milliseconds(mTimes.pendingLimitMs);
+  const auto limit = GetLimit(mTimes.pendingLimitMs);
   const auto transfer = GetTransferTime(2 * kPacketHeaderBytes + aPacket.specific.size() + aAnswerBytes);
   bool isDamaged = false;
   mReceiver.Clear();
-  for (int tries = 0; tries < aTries && !aStop.stop_requested(); ++tries) {
+  for (int tries = 0; tries < aTries && !aStop.stop_requested() && !IsOver(); ++tries) {
     if (KrResult result = Send(aPacket); !result.IsOK())
       return result;
     const auto sent = Clock::now();
     Pending pending{aPacket.requestID, GetAcknowledge(aPacket.commandID),
-                    sent + transfer + milliseconds(mResponseMs + mTimes.marginMs), sent, transfer};
+                    std::min(sent + transfer + milliseconds(mResponseMs + mTimes.marginMs), mEnd), sent, transfer};
     KrResult failure;
     const Ending ending = Await(pending, limit, aAnswer, failure, aStop);
     if (ending == Ending::Answered)
@@ -179,7 +194,7 @@ KrResult CommandCycle::AwaitAbandoned(const std::stop_token& aStop) {
     return {};
   Answer unwanted;
   KrResult failure;
-  const auto limit = Clock::now() + milliseconds(mTimes.pendingLimitMs);
+  const auto limit = GetLimit(mTimes.pendingLimitMs);
   if (Await(*mAbandoned, limit, unwanted, failure, aStop) == Ending::Failed)
     return failure;
   mAbandoned.reset();

@@ -25,6 +25,8 @@ struct CycleTimes {
   std::uint32_t busyPauseMs = 50;       ///< Between two tries with a camera that says to be busy.
   std::uint32_t busyLimitMs = 5000;     ///< For all these tries.
   std::uint32_t pendingLimitMs = 60000; ///< For a camera that asks for more time again and again.
+  std::uint32_t closeLimitMs = 5000;    ///< For all that is said at the end.
+  std::uint32_t hurriedCloseMs = 1000;  ///< The same, when who asked has left.
 };
 
 /// A command, by what it carries and what answers it.
@@ -63,6 +65,9 @@ public:
   /// Reads the version register by a request that a camera never answers from memory; aTries limits how often it is
   /// sent. Results as of Run.
   KrResult Probe(int aTries, Answer& aAnswer, const std::stop_token& aStop);
+  /// All that follows has to be done within so many milliseconds from now; later the camera counts as silent.
+  void SetEnd(std::uint32_t aMilliseconds);
+  bool IsOver() const { return Clock::now() >= mEnd; }
   /// Does not wait for the answer to what was given up.
   void ForgetAbandoned() { mAbandoned.reset(); }
 
@@ -80,8 +85,9 @@ private:
   enum class Ending { Answered, Silent, Damaged, Failed };
 
   std::uint16_t TakeRequestID();
+  Clock::time_point GetLimit(std::uint32_t aMilliseconds) const;
   std::chrono::milliseconds GetTransferTime(std::size_t aBytes) const;
-  KrResult SendUntilAnswered(Packet aPacket, std::size_t aAnswerBytes, int aTries, Answer& aAnswer,
+  KrResult SendUntilAnswered(Packet& aPacket, std::size_t aAnswerBytes, int aTries, Answer& aAnswer,
                              const std::stop_token& aStop);
   KrResult Send(const Packet& aPacket);
   Ending Await(Pending& aPending, Clock::time_point aLimit, Answer& aAnswer, KrResult& aFailure,
@@ -96,6 +102,7 @@ private:
   std::atomic<std::uint32_t> mBaudRate{9600};
   std::atomic<std::uint32_t> mResponseMs{300};
   std::uint16_t mLastRequestID = 0;
+  Clock::time_point mEnd = Clock::time_point::max();
   std::optional<Pending> mAbandoned; // The command that nobody waits for any more.
 };
 

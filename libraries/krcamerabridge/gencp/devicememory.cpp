@@ -24,57 +24,65 @@ KrResult TellWrongLength(const std::string& aAttempt, std::size_t aBytes) {
           aAttempt + " was answered by the camera with " + std::to_string(aBytes) + " bytes."};
 }
 
-// Whether a piece may have failed for its size; aMost is then what is tried from now on.
-bool Reduce(const KrResult& aResult, std::uint16_t aStatus, std::size_t aSize, std::size_t& aMost) {
-  if (aSize <= kSafeBytes)
-    return false;
-  const bool isSilent = aResult == KrResult::Code::TimeLimitExceeded;
-  const bool isRefused = aStatus == kStatusInvalidParameter;
+// A read that fails does no harm, and is asked for again in any size.
+PieceSize::Failure JudgeRead(const KrResult& aResult, std::uint16_t aStatus) {
+  if (aResult == KrResult::Code::TimeLimitExceeded)
+    return PieceSize::Failure::Silent;
   const bool isDamaged = aResult == KrResult::Code::ProtocolError && aStatus == 0;
-  if (!isSilent && !isRefused && !isDamaged)
-    return false;
-  aMost = isSilent ? kSafeBytes : std::max(kSafeBytes, aSize / 2);
-  return true;
+  return isDamaged || aStatus == kStatusInvalidParameter ? PieceSize::Failure::TooLarge : PieceSize::Failure::Unrelated;
 }
 
-// Calls aAccess for one piece after the other.
-template <typename Byte, typename Access>
-KrResult ForEachPiece(std::uint64_t aAddress, std::span<Byte> aData, std::size_t& aMost, Access aAccess) {
+// The camera may have done a write that it did not answer: only its word that it has not lets it be sent anew.
+PieceSize::Failure JudgeWrite(std::uint16_t aStatus) {
+  return aStatus == kStatusInvalidParameter ? PieceSize::Failure::TooLarge : PieceSize::Failure::Unrelated;
+}
+
+} // namespace
+
+KrResult DeviceMemory::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) {
   while (!aData.empty()) {
-    const auto piece = aData.first(std::min(aData.size(), aMost));
+    const auto piece = aData.first(std::min(aData.size(), mReadSize.Get()));
     std::uint16_t status = 0;
-    KrResult result = aAccess(aAddress, piece, status);
+    KrResult result = ReadPiece(aAddress, piece, status, aStop);
     if (result.IsOK()) {
+      mReadSize.Succeed(piece.size());
       aAddress += piece.size();
       aData = aData.subspan(piece.size());
-    } else if (!Reduce(result, status, piece.size(), aMost)) {
+    } else if (!mReadSize.Fail(piece.size(), JudgeRead(result, status))) {
       return result;
     }
   }
   return {};
 }
 
-} // namespace
-
-KrResult DeviceMemory::Read(std::uint64_t aAddress, std::span<std::uint8_t> aData, const std::stop_token& aStop) {
-  return ForEachPiece(aAddress, aData, mMostRead, [&](std::uint64_t aFrom, auto aPiece, std::uint16_t& aStatus) {
-    return ReadPiece(aFrom, aPiece, aStatus, aStop);
-  });
-}
-
 KrResult DeviceMemory::Write(std::uint64_t aAddress, std::span<const std::uint8_t> aData,
                              const std::stop_token& aStop) {
-  return ForEachPiece(aAddress, aData, mMostWritten, [&](std::uint64_t aFrom, auto aPiece, std::uint16_t& aStatus) {
-    return WritePiece(aFrom, aPiece, aStatus, aStop);
-  });
+  while (!aData.empty()) {
+    // A camera that is silent at long reads would be at long writes, too.
+    const std::size_t most = mReadSize.IsLimit() ? mReadSize.Get() : kMaxWriteBytes;
+    const auto piece = aData.first(std::min({aData.size(), mWriteSize.Get(), most}));
+    std::uint16_t status = 0;
+    std::size_t written = 0;
+    KrResult result = WritePiece(aAddress, piece, written, status, aStop);
+    if (result.IsOK()) {
+      mWriteSize.Succeed(written);
+      aAddress += written;
+      aData = aData.subspan(written);
+    } else if (!mWriteSize.Fail(piece.size(), JudgeWrite(status))) {
+      return result;
+    }
+  }
+  return {};
 }
 
 KrResult DeviceMemory::ReadPiece(std::uint64_t aAddress, std::span<std::uint8_t> aData, std::uint16_t& aStatus,
                                  const std::stop_token& aStop) {
   const std::string attempt = TellRange("Reading", aData.size(), aAddress);
   Answer answer;
-  KrResult result =
-      mCycle.Run({kReadMemoryCommand, BuildReadMemory(aAddress, aData.size()), aData.size()}, answer, aStop);
+  Command command{kReadMemoryCommand, BuildReadMemory(aAddress, aData.size()), aData.size()};
+  if (mReadSize.IsTrial(aData.size()))
+    command.tries = 1;
+  KrResult result = mCycle.Run(command, answer, aStop);
   mHasAnswered = result.IsOK();
   if (!mHasAnswered)
     return {result.GetCode(), attempt + ": " + result.GetDescription()};
@@ -87,8 +95,8 @@ KrResult DeviceMemory::ReadPiece(std::uint64_t aAddress, std::span<std::uint8_t>
   return {};
 }
 
-KrResult DeviceMemory::WritePiece(std::uint64_t aAddress, std::span<const std::uint8_t> aData, std::uint16_t& aStatus,
-                                  const std::stop_token& aStop) {
+KrResult DeviceMemory::WritePiece(std::uint64_t aAddress, std::span<const std::uint8_t> aData, std::size_t& aWritten,
+                                  std::uint16_t& aStatus, const std::stop_token& aStop) {
   constexpr std::size_t kWrittenBytes = 4; // Reserved, then how many were written; only from some cameras.
   const std::string attempt = TellRange("Writing", aData.size(), aAddress);
   Answer answer;
@@ -99,13 +107,16 @@ KrResult DeviceMemory::WritePiece(std::uint64_t aAddress, std::span<const std::u
   aStatus = answer.status;
   if (KrResult refusal = CheckStatus(attempt, answer.status); !refusal.IsOK())
     return refusal;
+  aWritten = aData.size();
   if (answer.specific.empty())
     return {};
   if (answer.specific.size() != kWrittenBytes)
     return TellWrongLength(attempt, answer.specific.size());
-  if (const std::uint64_t written = ReadNumber(std::span(answer.specific).last(2)); written != aData.size())
+  // The rest of what it did not write all of is the next piece.
+  aWritten = ReadNumber(std::span(answer.specific).last(2));
+  if (aWritten == 0 || aWritten > aData.size())
     return {KrResult::Code::ProtocolError,
-            attempt + ": the camera says that it has written " + std::to_string(written) + "."};
+            attempt + ": the camera says that it has written " + std::to_string(aWritten) + "."};
   return {};
 }
 

@@ -9,6 +9,25 @@
 
 namespace krcamerabridge {
 
+namespace {
+
+KrResult OpenDescribed(GenCPSession& aSession, const KrString& aXMLID, KrGenDescription& aDescription,
+                       const std::stop_token& aStop) {
+  std::vector<ManifestEntry> entries;
+  if (KrResult result = aSession.Open(aStop); !result.IsOK())
+    return result;
+  if (KrResult result = aSession.ReadManifest(entries, aStop); !result.IsOK())
+    return result;
+  const auto entry = std::ranges::find(entries, aXMLID, &ManifestEntry::xmlID);
+  if (entry == entries.end())
+    return {KrResult::Code::NotFound, "The camera has no description " + aXMLID + "; ask it for those that it has."};
+  if (KrResult result = aSession.TakeControl(aStop); !result.IsOK())
+    return result;
+  return aSession.ReadDescription(*entry, aDescription, aStop);
+}
+
+} // namespace
+
 GenCPPort::GenCPPort(ICameraLine& aLine, const CycleTimes& aTimes)
     : SessionPort("GenCP"), mLine(aLine), mTimes(aTimes) {}
 
@@ -17,9 +36,11 @@ KrResult GenCPPort::GetXMLIDs(KrStringList& aXMLIDs, const std::stop_token& aSto
     return result;
   GenCPSession session(mLine, mTimes);
   std::vector<ManifestEntry> entries;
-  if (KrResult result = session.Open(aStop); !result.IsOK())
-    return result;
-  if (KrResult result = session.ReadManifest(entries, aStop); !result.IsOK())
+  KrResult result = session.Open(aStop);
+  if (result.IsOK())
+    result = session.ReadManifest(entries, aStop);
+  session.Close(aStop);
+  if (!result.IsOK())
     return result;
   aXMLIDs.Clear();
   for (const ManifestEntry& entry : entries)
@@ -31,18 +52,10 @@ KrResult GenCPPort::Connect(const KrString& aXMLID, KrGenDescription& aDescripti
   if (KrResult result = CheckUnconnected(); !result.IsOK())
     return result;
   auto session = std::make_unique<GenCPSession>(mLine, mTimes);
-  std::vector<ManifestEntry> entries;
-  if (KrResult result = session->Open(aStop); !result.IsOK())
+  if (KrResult result = OpenDescribed(*session, aXMLID, aDescription, aStop); !result.IsOK()) {
+    session->Close(aStop);
     return result;
-  if (KrResult result = session->ReadManifest(entries, aStop); !result.IsOK())
-    return result;
-  const auto entry = std::ranges::find(entries, aXMLID, &ManifestEntry::xmlID);
-  if (entry == entries.end())
-    return {KrResult::Code::NotFound, "The camera has no description " + aXMLID + "; ask it for those that it has."};
-  if (KrResult result = session->TakeControl(aStop); !result.IsOK())
-    return result;
-  if (KrResult result = session->ReadDescription(*entry, aDescription, aStop); !result.IsOK())
-    return result;
+  }
   const PortWorkerTimes times{session->GetKeepAliveMs()};
   Begin(std::move(session), times);
   return {};

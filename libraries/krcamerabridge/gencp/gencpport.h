@@ -32,7 +32,8 @@ public:
   KrResult GetXMLIDs(KrStringList& aXMLIDs, const std::stop_token& aStop);
   /// Finds the camera, takes control of it, goes up to the best baud rate and reads one of its descriptions; it takes
   /// as long as the line needs. WrongState while connected, NotFound when no camera answers or it has no such
-  /// description, AccessDenied when it does not give control, BadData for a description that is none.
+  /// description, AccessDenied when it does not give control, BadData for a description that is none, or not the one
+  /// whose hash the manifest has.
   KrResult Connect(const KrString& aXMLID, KrGenDescription& aDescription, const std::stop_token& aStop);
 
 private:

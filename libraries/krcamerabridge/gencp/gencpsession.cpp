@@ -2,6 +2,7 @@
 
 #include "gencp/accesstime.h"
 #include "gencp/bootstrapmap.h"
+#include "gencp/sha1.h"
 
 #include <algorithm>
 #include <string>
@@ -24,7 +25,7 @@ KrResult TellCancelled() {
 } // namespace
 
 GenCPSession::GenCPSession(ICameraLine& aLine, const CycleTimes& aTimes)
-    : mLine(aLine), mCycle(aLine, aTimes), mMemory(mCycle), mRate(aLine, mCycle, mMemory) {}
+    : mTimes(aTimes), mCycle(aLine, aTimes), mMemory(mCycle), mRate(aLine, mCycle, mMemory) {}
 
 GenCPSession::~GenCPSession() {
   GenCPSession::Close({});
@@ -64,7 +65,6 @@ KrResult GenCPSession::TakeControl(const std::stop_token& aStop) {
       return result;
     if (KrResult result = SetPrivilege(aStop); !result.IsOK())
       return result;
-    mIsControlled = true;
     // Some take no such order from who has no control yet.
     if (mKeepAliveMs == 0) {
       if (KrResult result = StartHeartbeat(aStop); !result.IsOK())
@@ -78,7 +78,11 @@ KrResult GenCPSession::TakeControl(const std::stop_token& aStop) {
 KrResult GenCPSession::SetPrivilege(const std::stop_token& aStop) {
   constexpr std::uint32_t kMarginMs = 200;
   const auto set = [&] {
-    return mMemory.WriteValue(kAccessPrivilegeRegister.address, kAccessPrivilegeRegister.bytes, kOpenExclusive, aStop);
+    KrResult result =
+        mMemory.WriteValue(kAccessPrivilegeRegister.address, kAccessPrivilegeRegister.bytes, kOpenExclusive, aStop);
+    // Without an answer control may have been given.
+    mIsControlled = mIsControlled || !IsRefusal(result);
+    return result;
   };
   KrResult result = set();
   bool isRefused = IsRefusal(result);
@@ -154,29 +158,40 @@ KrResult GenCPSession::ReadDescription(const ManifestEntry& aEntry, KrGenDescrip
     if (KrResult result = mMemory.Read(aEntry.address + done, piece, aStop); !result.IsOK())
       return result;
   }
+  if (aEntry.sha1 != Sha1() && MakeSha1(bytes) != aEntry.sha1)
+    return {KrResult::Code::BadData, "The camera's description " + aEntry.xmlID +
+                                         " is not the one whose SHA-1 its manifest table has; it was damaged on its "
+                                         "way, or stored wrongly in the camera."};
   return KrGenDescription::ReadFromMemory(bytes, aEntry.xmlID, aDescription);
 }
 
-void GenCPSession::Close(const std::stop_token& /*aStop*/) {
+void GenCPSession::Close(const std::stop_token& aStop) {
   if (!std::exchange(mIsOpen, false))
     return;
+  // Who has left already does not want to wait, but the camera is told all the same.
+  const bool isHurried = aStop.stop_requested();
+  mCycle.SetEnd(isHurried ? mTimes.hurriedCloseMs : mTimes.closeLimitMs);
+  mCycle.ForgetAbandoned();
+  SayGoodbye(isHurried ? std::stop_token() : aStop);
+  mKeepAliveMs = 0;
+  mRate.RestoreLine();
+}
+
+// The camera is given up as it is when it does not answer.
+void GenCPSession::SayGoodbye(const std::stop_token& aStop) {
   if (std::exchange(mIsControlled, false)) {
     // With that it goes back to its default rate by itself.
     constexpr int kTries = 2; // A camera that has fallen silent notices by itself that it is free.
     std::vector<std::uint8_t> available;
     AppendNumber(available, kAvailable, kAccessPrivilegeRegister.bytes);
+    const Command command{kWriteMemoryCommand, BuildWriteMemory(kAccessPrivilegeRegister.address, available), 4,
+                          kTries};
     Answer answer;
-    mCycle.ForgetAbandoned();
-    if (mCycle
-            .Run({kWriteMemoryCommand, BuildWriteMemory(kAccessPrivilegeRegister.address, available), 4, kTries},
-                 answer, {})
-            .IsOK())
+    if (mCycle.Run(command, answer, aStop).IsOK())
       mRate.FollowToDefault();
   } else if (mSerialMap != 0) {
-    static_cast<void>(mRate.Lower(mSerialMap, {})); // It is given up as it is when it does not answer.
+    static_cast<void>(mRate.Lower(mSerialMap, aStop));
   }
-  mKeepAliveMs = 0;
-  mRate.RestoreLine();
 }
 
 std::uint64_t GenCPSession::GetLineMs(std::size_t aBytes) const {
@@ -200,7 +215,9 @@ KrResult GenCPSession::Probe(const std::stop_token& aStop) {
       mMemory.ReadValue(kAccessPrivilegeRegister.address, kAccessPrivilegeRegister.bytes, privilege, aStop);
   if (result.IsOK() && (privilege & kPrivilegeMask) != kOpenExclusive)
     result = TakeControl(aStop);
-  return result;
+  // Whose camera it is has to be known.
+  const bool isDamaged = result == KrResult::Code::ProtocolError && !mMemory.HasAnswered();
+  return isDamaged ? KrResult(KrResult::Code::TimeLimitExceeded, result.GetDescription()) : result;
 }
 
 } // namespace krcamerabridge

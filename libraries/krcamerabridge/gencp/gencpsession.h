@@ -56,8 +56,9 @@ private:
   KrResult SetPrivilege(const std::stop_token& aStop);
   bool IsRefusal(const KrResult& aResult) const;
   KrResult StartHeartbeat(const std::stop_token& aStop);
+  void SayGoodbye(const std::stop_token& aStop);
 
-  ICameraLine& mLine;
+  const CycleTimes mTimes;
   CommandCycle mCycle;
   DeviceMemory mMemory;
   LineRate mRate;

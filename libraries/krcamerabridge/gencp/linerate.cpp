@@ -80,14 +80,21 @@ KrResult LineRate::FindCameraAgain(const std::stop_token& aStop) {
   const std::uint32_t before = Get();
   Answer answer;
   KrResult result = mCycle.Probe(kTries, answer, aStop);
-  if (result.IsOK() || IsFinal(result) || mSupported.empty() || before == kDefaultBaudRate)
-    return result;
-  result = ProbeAt(kDefaultBaudRate, kTries, aStop);
+  // Where something comes the camera may be there, on a bad line.
+  if (result == KrResult::Code::ProtocolError)
+    result = mCycle.Probe(kTries, answer, aStop);
   if (result.IsOK() || IsFinal(result))
     return result;
-  // The next search begins where the camera was.
-  const KrResult back = SetLine(before);
-  return back.IsOK() ? result : back;
+  if (!mSupported.empty() && before != kDefaultBaudRate) {
+    result = ProbeAt(kDefaultBaudRate, kTries, aStop);
+    if (result.IsOK() || IsFinal(result))
+      return result;
+    // The next search begins where the camera was.
+    if (KrResult back = SetLine(before); !back.IsOK())
+      return back;
+  }
+  // What a line makes up by itself is no answer.
+  return {KrResult::Code::TimeLimitExceeded, result.GetDescription()};
 }
 
 KrResult LineRate::Raise(std::uint64_t aSerialMap, const std::stop_token& aStop) {
@@ -128,7 +135,7 @@ KrResult LineRate::Change(std::uint64_t aSerialMap, std::uint32_t aBaudRate, con
     if (result.IsOK() && !IsFailure(answer.status))
       return {};
   }
-  return IsFinal(result) ? result : Settle(before, aBaudRate, aStop);
+  return IsFinal(result) || mCycle.IsOver() ? result : Settle(before, aBaudRate, aStop);
 }
 
 // Camera and line parted: it has fallen back, unless it was only the answer to the confirmation that was lost.

@@ -39,7 +39,8 @@ std::vector<RatedEntry> ReadEntries(std::span<const std::uint8_t> aTable) {
   for (; aTable.size() >= kManifestEntryBytes; aTable = aTable.subspan(kManifestEntryBytes)) {
     const std::uint64_t version = ReadNumber(aTable.subspan(0, 4));
     const std::uint64_t kind = ReadNumber(aTable.subspan(4, 4));
-    const ManifestEntry entry{ReadNumber(aTable.subspan(8, 8)), ReadNumber(aTable.subspan(16, 8))};
+    ManifestEntry entry{ReadNumber(aTable.subspan(8, 8)), ReadNumber(aTable.subspan(16, 8))};
+    std::ranges::copy(aTable.subspan(24, entry.sha1.size()), entry.sha1.begin());
     if (IsReadable(kind, entry))
       rated.push_back({kind >> 16, version, entry});
   }

@@ -1,6 +1,7 @@
 #pragma once
 // The descriptions that a camera has, by its manifest table (GenCP 1.3.1, manifest table), and what they are called.
 
+#include "gencp/sha1.h"
 #include "krbase/krstring.h"
 
 #include <cstddef>
@@ -20,6 +21,7 @@ struct ManifestEntry {
   std::uint64_t size = 0; ///< In bytes, at least 1 and at most KrGenDescription::kMaxBytes.
   /// "SchemaVersion.1.1@XMLVersion.1.0.12"; "@2" and so on behind it where one before has the same.
   KrString xmlID = {};
+  Sha1 sha1 = {}; ///< Of the file as it is stored; all zero where the camera does not say.
 
   friend bool operator==(const ManifestEntry&, const ManifestEntry&) = default;
 };

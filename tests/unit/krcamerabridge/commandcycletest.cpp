@@ -1,7 +1,6 @@
 #include "gencp/commandcycle.h"
 
-#include "gencp/devicememory.h"
-#include "gencpfixture.h"
+#include "memoryfixture.h"
 
 #include <future>
 #include <set>
@@ -9,26 +8,7 @@
 namespace krcamerabridge {
 namespace {
 
-using krtest::CameraFaults;
 using krtest::HeardCommand;
-
-class CommandCycleOnLine : public GenCPOnLine {
-protected:
-  KrResult Read(std::uint64_t aAddress, std::size_t aSize, const std::stop_token& aStop = {}) {
-    bytes.assign(aSize, 0);
-    return memory.Read(aAddress, bytes, aStop);
-  }
-  // Reads 16 bytes and finds them right.
-  void ExpectRightRead() {
-    const KrResult result = Read(kFeatures + 5, 16);
-    EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
-    EXPECT_EQ(bytes, camera.Peek(kFeatures + 5, 16));
-  }
-
-  CommandCycle cycle{line, kQuickTimes};
-  DeviceMemory memory{cycle};
-  std::vector<std::uint8_t> bytes;
-};
 
 TEST_F(CommandCycleOnLine, Requests_CountFromOneAfterAProbeByZero) {
   Answer answer;
@@ -152,98 +132,6 @@ TEST_F(CommandCycleOnLine, Stop_EndsTheWaitForAPendingCamera) {
   const std::vector<HeardCommand> heard = camera.TakeHeard();
   ASSERT_EQ(heard.size(), 2u);
   EXPECT_NE(heard[0].request, heard[1].request);
-}
-
-class DeviceMemoryOnLine : public CommandCycleOnLine {};
-
-// What is lost is missed soon, as much is lost.
-class DeviceMemoryOnABadLine : public CommandCycleOnLine {
-protected:
-  DeviceMemoryOnABadLine() {
-    hasty.SetBaudRate(921600);
-    hasty.SetResponseTime(20);
-  }
-
-  CommandCycle hasty{line, {20, 30, 1, kGenerousMs, kGenerousMs}};
-  DeviceMemory hastyMemory{hasty};
-};
-
-TEST_F(DeviceMemoryOnLine, LongRead_IsCutIntoTheLargestPackets) {
-  ASSERT_TRUE(Read(kFeatures + 1, 2500).IsOK());
-
-  EXPECT_EQ(bytes, camera.Peek(kFeatures + 1, 2500));
-  std::vector<std::size_t> sizes;
-  for (const HeardCommand& heard : camera.TakeHeard())
-    sizes.push_back(heard.bytes);
-  EXPECT_EQ(sizes, (std::vector<std::size_t>{1008, 1008, 484}));
-}
-
-TEST_F(DeviceMemoryOnLine, LongWrite_IsCutIntoTheLargestPackets) {
-  const std::vector<std::uint8_t> written = MakeBytes(2001, 7);
-
-  ASSERT_TRUE(memory.Write(kFeatures + 3, written, {}).IsOK());
-
-  EXPECT_EQ(camera.Peek(kFeatures + 3, 2001), written);
-  std::vector<std::size_t> sizes;
-  for (const HeardCommand& heard : camera.TakeHeard())
-    sizes.push_back(heard.bytes);
-  EXPECT_EQ(sizes, (std::vector<std::size_t>{1000, 1000, 1}));
-}
-
-TEST_F(DeviceMemoryOnLine, CameraThatTakesLess_IsAskedForLess) {
-  camera.SetMost(100, 70);
-  const std::vector<std::uint8_t> written = MakeBytes(3000, 9);
-
-  ASSERT_TRUE(memory.Write(kFeatures, written, {}).IsOK());
-  ASSERT_TRUE(Read(kFeatures, 3000).IsOK());
-
-  EXPECT_EQ(bytes, written);
-}
-
-TEST_F(DeviceMemoryOnLine, CameraThatAnswersLess_IsAskedForLess) {
-  camera.SetFaults({.wrongLengths = 2});
-
-  ASSERT_TRUE(Read(kFeatures, 1000).IsOK());
-
-  EXPECT_EQ(bytes, camera.Peek(kFeatures, 1000));
-}
-
-TEST_F(DeviceMemoryOnLine, CameraThatTakesFewerThanEveryCameraDoes_RefusesClearly) {
-  camera.SetMost(8, 8);
-
-  EXPECT_EQ(Read(kFeatures, 1000), KrResult::Code::ProtocolError);
-}
-
-// Each access is right, or says that it failed, on a line that loses, doubles and changes one byte of a thousand each.
-TEST_F(DeviceMemoryOnABadLine, Accesses_AreRightOrFailClearly) {
-  constexpr double kEach = 0.001;
-  camera.SetFaults({.lost = kEach, .doubled = kEach, .changed = kEach});
-  int right = 0;
-  std::uint32_t size = 1;
-  for (std::uint32_t i = 0; i < 50; ++i) {
-    size = size * 7 % 1499 + 1;
-    const std::vector<std::uint8_t> written = MakeBytes(size, i);
-    const KrResult writing = hastyMemory.Write(kFeatures, written, {});
-    bytes.assign(size, 0);
-    const KrResult reading = hastyMemory.Read(kFeatures, bytes, {});
-    for (const KrResult& result : {writing, reading}) {
-      EXPECT_TRUE(result.IsOK() || result == KrResult::Code::TimeLimitExceeded ||
-                  result == KrResult::Code::ProtocolError)
-          << result.GetDescription().CStr();
-    }
-    if (writing.IsOK()) {
-      ASSERT_EQ(camera.Peek(kFeatures, size), written) << i;
-    }
-    if (reading.IsOK()) {
-      ASSERT_EQ(bytes, camera.Peek(kFeatures, size)) << i;
-    }
-    right += writing.IsOK() && reading.IsOK() ? 1 : 0;
-  }
-
-  EXPECT_GT(camera.CountFaults(), 50);
-  EXPECT_GT(right, 20);
-  camera.SetFaults({});
-  ExpectRightRead();
 }
 
 } // namespace

@@ -105,6 +105,18 @@ TEST_F(PortOnLine, Connect_Cancelled_EndsAndGivesTheCameraFree) {
   EXPECT_FALSE(port.IsConnected());
 }
 
+TEST_F(PortOnLine, Connect_CancelledWhileControlIsGiven_GivesItBack) {
+  camera.SetFaults({.pendingAnswers = 4, .pendingMs = 50, .pendingFrom = kPrivilege, .pendingTo = kPrivilege});
+  std::stop_source stop;
+  auto connecting = std::async(std::launch::async, [&] { return port.Connect(kXMLID, description, stop.get_token()); });
+  ASSERT_TRUE(camera.AwaitWritesTo(kPrivilege, 1));
+
+  stop.request_stop();
+
+  EXPECT_EQ(connecting.get(), KrResult::Code::Aborted);
+  EXPECT_EQ(camera.PeekNumber(kPrivilege, 4), 0u);
+}
+
 TEST_F(PortOnLine, Access_WithoutAConnection_IsAWrongState) {
   EXPECT_EQ(Read(), KrResult::Code::WrongState);
 
@@ -127,6 +139,83 @@ TEST_F(PortOnLine, Disconnect_GivesTheCameraFreeAndItCanBeConnectedAgain) {
   EXPECT_EQ(camera.PeekNumber(kPrivilege, 4), 0u);
   Connect();
   EXPECT_TRUE(Read().IsOK());
+}
+
+// For longer than anybody waits: what is left of it shows who has not.
+constexpr krtest::CameraFaults kEndlesslyPending{.pendingAnswers = 1000, .pendingMs = 50};
+
+TEST_F(PortOnLine, Disconnect_OfACameraThatAsksForTimeAgainAndAgain_EndsAtItsLimit) {
+  CycleTimes times = kQuickTimes;
+  times.closeLimitMs = 300;
+  GenCPPort impatient(line, times);
+  ASSERT_TRUE(impatient.Connect(kXMLID, description, {}).IsOK());
+  camera.SetFaults(kEndlesslyPending);
+
+  impatient.Disconnect();
+
+  EXPECT_GT(camera.GetFaults().pendingAnswers, 0);
+  camera.SetFaults({});
+}
+
+TEST_F(PortOnLine, Disconnect_OfACameraThatIsBusyAgainAndAgain_EndsAtItsLimit) {
+  CycleTimes times = kQuickTimes;
+  times.closeLimitMs = 300;
+  GenCPPort impatient(line, times);
+  ASSERT_TRUE(impatient.Connect(kXMLID, description, {}).IsOK());
+  camera.SetFaults({.busyAnswers = 1000000});
+
+  impatient.Disconnect();
+
+  EXPECT_GT(camera.GetFaults().busyAnswers, 0);
+}
+
+TEST_F(PortOnLine, Disconnect_OfWhoLeaves_EndsAtOnce) {
+  CycleTimes times = kQuickTimes;
+  times.closeLimitMs = kGenerousMs;
+  GenCPPort patient(line, times);
+  ASSERT_TRUE(patient.Connect(kXMLID, description, {}).IsOK());
+  camera.TakeHeard();
+  camera.SetFaults(kEndlesslyPending);
+  std::stop_source stop;
+  auto disconnecting = std::async(std::launch::async, [&] { patient.Disconnect(stop.get_token()); });
+  ASSERT_TRUE(camera.AwaitHeard(1));
+
+  stop.request_stop();
+  disconnecting.get();
+
+  EXPECT_GT(camera.GetFaults().pendingAnswers, 0);
+  EXPECT_FALSE(patient.IsConnected());
+  camera.SetFaults({});
+}
+
+TEST_F(PortOnLine, Disconnect_OfWhoHasLeft_GivesTheCameraFreeAllTheSame) {
+  Connect();
+  std::stop_source stop;
+  stop.request_stop();
+
+  port.Disconnect(stop.get_token());
+
+  EXPECT_EQ(camera.PeekNumber(kPrivilege, 4), 0u);
+}
+
+TEST_F(PortOnLine, XMLIDs_Cancelled_DoNotWaitForTheWayBackToTheCamerasRate) {
+  camera.PokeNumber(GenCPCamera::kSerialMap, 4, 0xFF);
+  camera.GetWire()->cameraRate = 57600;
+  krtest::CameraFaults ofTheManifest = kEndlesslyPending;
+  ofTheManifest.pendingFrom = GenCPCamera::kManifest;
+  camera.SetFaults(ofTheManifest);
+  std::stop_source stop;
+  KrStringList ids;
+  auto asking = std::async(std::launch::async, [&] { return port.GetXMLIDs(ids, stop.get_token()); });
+  ASSERT_TRUE(camera.AwaitReadsOf(GenCPCamera::kManifest, 1));
+  camera.SetFaults(kEndlesslyPending);
+
+  stop.request_stop();
+
+  EXPECT_EQ(asking.get(), KrResult::Code::Aborted);
+  EXPECT_GT(camera.GetFaults().pendingAnswers, 0);
+  EXPECT_EQ(camera.GetWire()->hostRate, 9600u);
+  camera.SetFaults({});
 }
 
 TEST_F(PortOnLine, Parameters_AreThoseOfTheCamera) {

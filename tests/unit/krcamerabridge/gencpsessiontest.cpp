@@ -189,6 +189,32 @@ TEST_F(SessionOnLine, Probe_OfASilentCamera_FindsItAgainLater) {
   ExpectRates(115200);
 }
 
+TEST_F(SessionOnLine, Probe_OfADeadCameraOnANoisyLine_IsSilence) {
+  camera.PokeNumber(GenCPCamera::kSerialMap, 4, kAllRates);
+  OpenAndControl();
+  camera.SetFaults({.isSilent = true, .hasNoise = true});
+  camera.TakeHeard();
+
+  EXPECT_EQ(session.Probe({}), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_FALSE(camera.TakeHeard().empty());
+  EXPECT_EQ(session.GetBaudRate(), 115200u);
+  camera.SetFaults({});
+  ExpectOK(session.Probe({}));
+}
+
+TEST_F(SessionOnLine, Probe_WhoseControlIsNotKnownForDamage_IsSilence) {
+  OpenAndControl();
+  camera.SetFaults({.damagedAnswers = 1}); // The first, of the search, which is repeated.
+  ExpectOK(session.Probe({}));
+
+  camera.TakeHeard();
+  camera.SetFaults({.damagedAnswers = 4, .damagedFrom = kPrivilege});
+  EXPECT_EQ(session.Probe({}), KrResult::Code::TimeLimitExceeded);
+
+  ExpectOK(session.Probe({}));
+}
+
 TEST_F(SessionOnLine, Manifest_IsReadBestFirst) {
   camera.AddFile(0x01000000, 0x01000000, "older");
   camera.AddFile(0x01000000, 0x01010001, "chunks");
@@ -230,6 +256,28 @@ TEST_F(SessionOnLine, Description_IsReadWhole) {
 
   ExpectOK(session.ReadDescription(entries[0], description, {}));
 
+  EXPECT_EQ(description.GetText(), text);
+}
+
+TEST_F(SessionOnLine, Description_IsHeldAgainstItsHash) {
+  const std::string text = "<a>camera</a>";
+  std::vector<std::uint8_t> sha1{0x3b, 0x33, 0xe1, 0xde, 0x10, 0x81, 0x19, 0xb8, 0xf4, 0x76,
+                                 0x3e, 0xd0, 0xa8, 0xfe, 0xd4, 0x9e, 0x5b, 0x0a, 0xaf, 0x27};
+  camera.AddFile(0x01000000, 0x01010000, text, sha1);
+  sha1.back() ^= 1;
+  camera.AddFile(0x02000000, 0x01010000, text, sha1);
+  ExpectOK(session.Open({}));
+  std::vector<ManifestEntry> entries;
+  ExpectOK(session.ReadManifest(entries, {}));
+  ASSERT_EQ(entries.size(), 2u);
+  KrGenDescription description;
+
+  const KrResult result = session.ReadDescription(entries[0], description, {});
+  EXPECT_EQ(result, KrResult::Code::BadData);
+  EXPECT_NE(result.GetDescription().ToUtf8().find("XMLVersion.2.0.0"), std::string::npos) << "it is named";
+  EXPECT_NE(result.GetDescription().ToUtf8().find("SHA-1"), std::string::npos);
+
+  ExpectOK(session.ReadDescription(entries[1], description, {}));
   EXPECT_EQ(description.GetText(), text);
 }
 

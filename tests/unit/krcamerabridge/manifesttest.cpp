@@ -43,6 +43,24 @@ TEST(GenCPManifest, Entry_IsReadAsTheStandardHasIt) {
   EXPECT_EQ(entries[0], (ManifestEntry{0x80001000, 0x12345, "SchemaVersion.1.1@XMLVersion.2.3.516"}));
 }
 
+TEST(GenCPManifest, Hash_IsReadAsItStands) {
+  Bytes entry = MakeEntry();
+  Sha1 expected;
+  for (std::size_t i = 0; i < expected.size(); ++i)
+    expected[i] = entry[24 + i] = static_cast<std::uint8_t>(0xA0 + i);
+  entry[44] = 0xFF; // What follows is reserved.
+
+  const std::vector<ManifestEntry> entries = ReadManifest(entry);
+
+  ASSERT_EQ(entries.size(), 1u);
+  EXPECT_EQ(entries[0].sha1, expected);
+}
+
+TEST(GenCPManifest, Sha1_IsThatOfTheStandard) {
+  EXPECT_EQ(MakeSha1("abc"), (Sha1{0xA9, 0x99, 0x3E, 0x36, 0x47, 0x06, 0x81, 0x6A, 0xBA, 0x3E,
+                                   0x25, 0x71, 0x78, 0x50, 0xC2, 0x6C, 0x9C, 0xD0, 0xD8, 0x9D}));
+}
+
 TEST(GenCPManifest, Entries_HaveTheBestFirst) {
   const Bytes older = MakeEntry({{0, 1}});
   const Bytes newest = MakeEntry({{3, 5}});

@@ -63,7 +63,8 @@ public:
   /// WrongState while it is connected.
   KrResult GetGenCPXMLIDs(KrStringList& aXMLIDs);
   /// Connects by GenCP with one of these identifiers. NotFound when no camera answers or it has no such description,
-  /// AccessDenied when it gives nobody control, BadData for a description that is none.
+  /// AccessDenied when it gives nobody control, BadData for a description that is none, or not the one whose hash the
+  /// camera has.
   KrResult ConnectGenCP(const KrString& aXMLID);
   /// Connects by a camera file. BadData for a file with mistakes, which GetTolvanCameraFileParserErrors lists; NotFound
   /// and AccessDenied for one that cannot be read; NotSupported for a speed that the port does not have;
@@ -72,7 +73,8 @@ public:
   /// All mistakes of the file that was to be loaded last, "line:column: reason" each; empty where it had none.
   KrStringList GetTolvanCameraFileParserErrors() const;
   /// Ends the parameters, with the accesses that wait, gives the camera free, and then the port; a camera that does not
-  /// answer any more may take a few seconds. Disconnecting what is not connected does nothing.
+  /// answer any more may take a few seconds, the waiting for which Cancel ends. Disconnecting what is not connected
+  /// does nothing.
   void Disconnect();
   /// True from a successful connection to Disconnect, also while the camera does not answer.
   bool IsConnected() const;
