@@ -72,6 +72,10 @@ function(kr_install_kind aKind aRuntime aDevelopment)
     list(TRANSFORM programs APPEND _shared)
   endif()
   kr_collect_package("${libraries}")
+  if(aDevelopment STREQUAL "development")
+    string(REPLACE " " ";" modules "${KR_MODULES}")
+    set_property(GLOBAL PROPERTY KR_PACKAGE_MODULES ${modules})
+  endif()
 
   # A linker reads static libraries from left to right, so the ones that need others come first.
   list(REVERSE names)
