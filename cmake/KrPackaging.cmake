@@ -18,7 +18,8 @@ add_dependencies(install_files ${sharedLibraries} ${sharedPrograms} ${pages})
 set(developmentPackages
   "Qt6Widgets|qt6-base-dev" "spdlog|libspdlog-dev" "pugixml|libpugixml-dev" "yaml-cpp|libyaml-cpp-dev" "libhwy|libhwy-dev"
   "libzip|libzip-dev" "aravis-0.8|libaravis-dev" "libnl-3.0|libnl-3-dev" "libnl-route-3.0|libnl-route-3-dev"
-  "libusb-1.0|libusb-1.0-0-dev" "xcb|libxcb1-dev" "xcb-shm|libxcb-shm0-dev")
+  "libusb-1.0|libusb-1.0-0-dev" "glib-2.0|libglib2.0-dev"
+  "xcb|libxcb1-dev" "xcb-shm|libxcb-shm0-dev")
 get_property(modules GLOBAL PROPERTY KR_PACKAGE_MODULES)
 set(developmentDepends "krgui (= ${PROJECT_VERSION}), pkg-config")
 foreach(module IN LISTS modules)
