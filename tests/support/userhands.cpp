@@ -125,14 +125,14 @@ void UserHands::Glance(const std::function<void()>& aLook) const {
   QMetaObject::invokeMethod(qApp, aLook, Qt::BlockingQueuedConnection);
 }
 
-bool UserHands::Await(const QString& aWhat, const std::function<bool()>& aCondition) const {
+bool UserHands::Await(const QString& aWhat, const std::function<bool()>& aCondition, int aLimitMs) const {
   const bool isSo = QTest::qWaitFor(
       [&] {
         bool answer = false;
         Glance([&] { answer = aCondition(); });
         return answer;
       },
-      kLimitMs);
+      aLimitMs);
   EXPECT_TRUE(isSo) << "The user waited in vain: " << aWhat.toStdString() << "; open are " << DescribeWindows();
   return isSo;
 }
@@ -210,15 +210,24 @@ QString UserHands::GetMessage(const QString& aTitle) const {
   return text;
 }
 
-void UserHands::Click(const QString& aTitle, int aControl) const {
+QPoint UserHands::FindPoint(const QString& aTitle, int aControl,
+                            const std::function<QPoint(const QWidget& aControl)>& aChoose) const {
   QPoint point;
   Glance([&] {
-    const QWidget* control = FindControl(aTitle, aControl);
-    if (control != nullptr)
-      point = control->mapToGlobal(control->rect().center());
+    if (const QWidget* const control = FindControl(aTitle, aControl))
+      point = control->mapToGlobal(aChoose(*control));
   });
   EXPECT_FALSE(point.isNull()) << aTitle.toStdString() << " has no control " << aControl;
-  ClickAt(point, {"1"});
+  return point;
+}
+
+void UserHands::Click(const QString& aTitle, int aControl) const {
+  ClickAt(FindPoint(aTitle, aControl, [](const QWidget& aWidget) { return aWidget.rect().center(); }), {"1"});
+}
+
+void UserHands::ClickMark(const QString& aTitle, int aControl) const {
+  const auto choose = [](const QWidget& aWidget) { return QPoint(aWidget.height() / 2, aWidget.height() / 2); };
+  ClickAt(FindPoint(aTitle, aControl, choose), {"1"});
 }
 
 void UserHands::ClickRow(const QString& aTitle, int aControl, const QString& aText, const QStringList& aClicks) const {
@@ -257,9 +266,10 @@ void UserHands::TakePicture(const QString& aPath) const {
 }
 
 void UserHands::ClickAt(const QPoint& aScreenPoint, const QStringList& aClicks) const {
+  // The server counts in its own pixels, whatever the toolkit's scale.
+  const QPoint point = aScreenPoint * qApp->devicePixelRatio();
   // Not with --sync, which waits in vain for a mouse that is there already.
-  RunXdotool(QStringList{"mousemove", QString::number(aScreenPoint.x()), QString::number(aScreenPoint.y()), "click"} +
-             aClicks);
+  RunXdotool(QStringList{"mousemove", QString::number(point.x()), QString::number(point.y()), "click"} + aClicks);
 }
 
 void RunWithUser(const std::function<void()>& aShow, const std::function<void(UserHands&)>& aScript) {

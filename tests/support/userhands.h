@@ -9,6 +9,8 @@
 #include <functional>
 #include <string>
 
+class QWidget;
+
 /// Thread: the script's, which is not the user interface's; looks at widgets on that, one glance at a time.
 ///
 ///     RunWithUser([&] { result = finder.ShowModal(0); },
@@ -23,7 +25,7 @@ public:
   static constexpr int kLimitMs = 60000;
 
   /// Waits for a condition, which is looked at on the user-interface thread. False, and a failed test, past the limit.
-  bool Await(const QString& aWhat, const std::function<bool()>& aCondition) const;
+  bool Await(const QString& aWhat, const std::function<bool()>& aCondition, int aLimitMs = kLimitMs) const;
   /// Waits for a window with a title to be the active one, or for it to be gone.
   bool AwaitWindow(const QString& aTitle) const;
   bool AwaitNoWindow(const QString& aTitle) const;
@@ -42,6 +44,8 @@ public:
   /// The text of a message box; "\n" begins a line.
   QString GetMessage(const QString& aTitle) const;
 
+  /// Clicks the mark of a radio button or check box, whose text may be shorter than its place.
+  void ClickMark(const QString& aTitle, int aControl) const;
   /// Clicks the middle of a control, or of the first row that contains a text.
   void Click(const QString& aTitle, int aControl) const;
   void ClickRow(const QString& aTitle, int aControl, const QString& aText, const QStringList& aClicks = {"1"}) const;
@@ -60,6 +64,9 @@ public:
 private:
   std::string DescribeWindows() const;
   void Glance(const std::function<void()>& aLook) const;
+  /// A point of a control on the screen.
+  QPoint FindPoint(const QString& aTitle, int aControl,
+                   const std::function<QPoint(const QWidget& aControl)>& aChoose) const;
   void ClickAt(const QPoint& aScreenPoint, const QStringList& aClicks) const;
 };
 

@@ -30,7 +30,11 @@ inline constexpr int kOk = 1;
 
 // Looks; user-interface thread alone.
 
+/// The one of the active window, where there are several.
 inline QTreeView* FindGrid() {
+  if (const QWidget* const active = QApplication::activeWindow())
+    if (auto* const grid = active->findChild<QTreeView*>("propertiesGrid"))
+      return grid;
   for (QWidget* const window : QApplication::topLevelWidgets())
     if (auto* const grid = window->findChild<QTreeView*>("propertiesGrid"))
       return grid;

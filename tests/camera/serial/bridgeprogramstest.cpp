@@ -250,7 +250,7 @@ TEST_F(BridgingViewer, CameraLostAndBackWhileItsBridgeIsConfigured_TakesTheAnswe
 
     LoseCamera(aUser);
     ReturnCamera(aUser);
-    hands.Pick(dialog, bridge::kBaudRate, "115200 baud");
+    Pick(aUser, dialog, bridge::kBaudRate, "115200 baud");
     aUser.Click(dialog, 1);
     aUser.AwaitNoWindow(dialog);
 

@@ -7,9 +7,7 @@
 #include "socatline.h"
 #include "terminaluser.h"
 
-#include <QComboBox>
 #include <QDir>
-#include <QLabel>
 
 namespace bridge = krgui::bridgeid;
 
@@ -36,68 +34,23 @@ inline std::string GetHostPortPath(const std::string& aName) {
   return TerminalLab::Get().GetPath("links/" + QString::fromStdString(aName)).toStdString();
 }
 
-/// The text of the library's message box that is open; empty where there is none. Looks.
-inline QString GetBoxText() {
-  for (const QWidget* const window : QApplication::topLevelWidgets())
-    if (const auto* const text = window->findChild<QLabel*>("text"); text && text->isVisible())
-      return text->text();
-  return {};
-}
-/// Waits for a message box, which has its window's title, and closes it; gives what it said.
-inline std::string ReadBox(UserHands& aUser) {
-  QString text;
-  aUser.Await("a message", [&] {
-    text = GetBoxText();
-    return !text.isEmpty() && QApplication::activeModalWidget() && QApplication::activeModalWidget()->isActiveWindow();
-  });
-  aUser.Press("Return");
-  aUser.Await("the message closed", [] { return GetBoxText().isEmpty(); });
-  return text.toStdString();
-}
-
 /// What a user does at the manager again and again.
 class BridgeHands {
 public:
   explicit BridgeHands(UserHands& aUser) : mUser(aUser) {}
 
   bool AwaitOpen() const { return mUser.AwaitWindow(kManager) && mUser.AwaitEnabled(kManager, bridge::kDevicePort); }
-  /// Picks an entry of a list of a window with the mouse and, in the list that opens, the keys.
-  void Pick(const QString& aTitle, int aList, const QString& aEntry) const {
-    mUser.Click(aTitle, aList);
-    if (!mUser.AwaitMenu())
-      return;
-    mUser.Press("Home");
-    const QComboBox* list = nullptr;
-    int place = -1;
-    mUser.Await("the entry " + aEntry, [&] {
-      list = FindControlOf<QComboBox>(aTitle, aList);
-      place = list ? list->findText(aEntry) : -1;
-      return place >= 0;
-    });
-    if (place > 0)
-      mUser.Press("Down", place);
-    mUser.Press("Return");
-    mUser.Await(aEntry + " chosen", [=] {
-      const auto* const chosen = FindControlOf<QComboBox>(aTitle, aList);
-      return !QApplication::activePopupWidget() && chosen && chosen->currentText() == aEntry;
-    });
-  }
-  void PickPort(const QString& aPort) const { Pick(kManager, bridge::kDevicePort, aPort); }
+  void PickPort(const QString& aPort) const { Pick(mUser, kManager, bridge::kDevicePort, aPort); }
   void ChooseKind(int aButton) const {
     mUser.Click(kManager, aButton);
     AwaitKind(aButton);
   }
-  void AwaitKind(int aButton) const {
-    mUser.Await("the kind " + QString::number(aButton), [=] {
-      const auto* const button = FindControlOf<QAbstractButton>(kManager, aButton);
-      return button && button->isChecked();
-    });
-  }
+  void AwaitKind(int aButton) const { AwaitChecked(mUser, kManager, aButton); }
   /// Links a port that is not the first one, whose choice the list would forget, to one of the host.
   void Link(const QString& aPort, const QString& aHostPort) const {
     PickPort(aPort);
     ChooseKind(bridge::kCOMPortLink);
-    Pick(kManager, bridge::kCOMPort, aHostPort);
+    Pick(mUser, kManager, bridge::kCOMPort, aHostPort);
     mUser.AwaitEnabled(kManager, bridge::kConfigure);
   }
   bool AwaitText(int aLabel, const QString& aText) const {

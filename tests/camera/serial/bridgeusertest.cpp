@@ -77,7 +77,7 @@ TEST_F(BridgeUser, PortLinkedToAPseudoTerminal_IsConfiguredInItsDialog) {
     const QString dialog = "Serial COM Port Configuration";
     aUser.Click(kManager, bridge::kConfigure);
     ASSERT_TRUE(aUser.AwaitWindow(dialog));
-    aHands.Pick(dialog, bridge::kBaudRate, "115200 baud");
+    Pick(aUser, dialog, bridge::kBaudRate, "115200 baud");
     aUser.Click(dialog, 1);
     aUser.AwaitNoWindow(dialog);
 

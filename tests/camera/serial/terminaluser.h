@@ -10,11 +10,8 @@
 #include "numberedlines.h"
 #include "serial/terminalids.h"
 #include "seriallabfile.h"
-#include "userhands.h"
+#include "windowhands.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QComboBox>
 #include <QFile>
 #include <QPlainTextEdit>
 #include <QTemporaryDir>
@@ -59,14 +56,6 @@ private:
 };
 
 /// Looks; user-interface thread alone.
-template <typename Control>
-Control* FindControlOf(const QString& aTitle, int aControl) {
-  for (QWidget* const window : QApplication::topLevelWidgets())
-    if (window->windowTitle() == aTitle)
-      if (auto* const control = window->findChild<Control*>("control" + QString::number(aControl)))
-        return control;
-  return nullptr;
-}
 template <typename Control>
 Control* FindTerminalControl(int aControl) {
   return FindControlOf<Control>(kTerminal, aControl);
