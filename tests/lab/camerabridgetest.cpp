@@ -69,6 +69,15 @@ TEST_F(CameraBridgeTest, CameraFile_Connected_ReadsAndSetsTheCamera) {
   EXPECT_EQ(GetText(*mText.GetParameters(), "Width"), "512");
 }
 
+TEST_F(CameraBridgeTest, CameraFile_SaysTheGainThatTheCameraTakes) {
+  ASSERT_TRUE(IsFine(mText.ConnectTolvanCameraFile(kTextCameraFile)));
+  KrGenFloat& gain = *mText.GetParameters()->GetFloat("Gain");
+  double most = 0;
+  ASSERT_TRUE(IsFine(gain.GetMax(most)));
+
+  EXPECT_TRUE(IsFine(gain.SetValue(most)));
+}
+
 TEST_F(CameraBridgeTest, ConnectedBridge_ThatIsAskedForCameras_StaysConnected) {
   ASSERT_TRUE(IsFine(ConnectGenCP(mGenCP)));
   KrStringList ids;
