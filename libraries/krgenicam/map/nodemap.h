@@ -6,6 +6,7 @@
 #include "krbase/krturnmutex.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "map/accessquestion.h"
+#include "map/accessstop.h"
 #include "map/failurecountingport.h"
 #include "map/featuretree.h"
 #include "map/invalidation.h"
@@ -64,13 +65,14 @@ public:
   KrResult Run(Call&& aCall) {
     return Run(GetCancelToken(), std::forward<Call>(aCall));
   }
-  /// The same with what cancels its accesses.
+  /// The same with what cancels its accesses, besides the thread's own stop.
   template <typename Call>
   KrResult Run(const std::stop_token& aCancel, Call&& aCall) {
     const std::lock_guard lock(mLock);
     if (mIsClosed)
       return GetClosing();
-    mRunningCancel = aCancel;
+    const EitherStop stop(aCancel, GetThreadsStop());
+    mRunningCancel = stop.GetToken();
     WelcomeSinks();
     Evaluation evaluation(*this);
     return aCall(evaluation);

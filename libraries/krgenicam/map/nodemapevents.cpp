@@ -15,30 +15,6 @@
 
 namespace krgenicam {
 
-namespace {
-
-// One stop of two, for as long as it lives.
-class EitherStop {
-public:
-  EitherStop(const std::stop_token& aOne, const std::stop_token& aOther)
-      : mOfOne(aOne, Request{mStop}), mOfOther(aOther, Request{mStop}) {}
-
-  std::stop_token GetToken() const { return mStop.get_token(); }
-
-private:
-  struct Request {
-    void operator()() const { stop.request_stop(); }
-    // Shares the state, as the array's other threads may stop it.
-    mutable std::stop_source stop;
-  };
-
-  const std::stop_source mStop;
-  const std::stop_callback<Request> mOfOne;
-  const std::stop_callback<Request> mOfOther;
-};
-
-} // namespace
-
 KrResult NodeMap::Poll(const std::stop_token& aStop) {
   const std::uint64_t now = GetTimeMs();
   const EitherStop stop(GetCancelToken(), aStop);

@@ -1,4 +1,4 @@
-// The end of a refresh that polls a device with many registers, which keeps silent.
+// The end of a refresh that reads or polls a device with many registers, which keeps silent.
 
 #include "logic/browser/browserrefresh.h"
 
@@ -37,46 +37,76 @@ public:
     ++mReadings;
     mChanged.notify_all();
     (void)mChanged.wait_for(lock, aCancel, kPatience, [] { return false; }); // What the time-out is for.
+    mHasTimedOut |= !aCancel.stop_requested();
     return {KrResult::Code::TimeLimitExceeded, "The device did not answer in time."};
   }
   KrResult Write(std::uint64_t, const void*, std::size_t, std::uint32_t, const std::stop_token&) override { return {}; }
 
-  void AwaitReading() {
+  /// One more than there have been before.
+  void AwaitReading(int aBefore = 0) {
     std::unique_lock lock(mMutex);
-    EXPECT_TRUE(mChanged.wait_for(lock, kPatience, [this] { return mReadings > 0; }));
+    EXPECT_TRUE(mChanged.wait_for(lock, kPatience, [&] { return mReadings > aBefore; }));
   }
   int CountReadings() {
     const std::lock_guard lock(mMutex);
     return mReadings;
   }
+  bool HasTimedOut() {
+    const std::lock_guard lock(mMutex);
+    return mHasTimedOut;
+  }
 
 private:
-  std::mutex mMutex; // Guards the count.
+  std::mutex mMutex; // Guards the members from here on.
   std::condition_variable_any mChanged;
   int mReadings = 0;
+  bool mHasTimedOut = false;
+};
+
+class PollingStop : public testing::Test {
+protected:
+  PollingStop() {
+    KrGenDescription description;
+    EXPECT_TRUE(KrGenDescription::ReadFromMemory(MakeDescription(MakePolledNodes()), "test", description).IsOK());
+    EXPECT_TRUE(KrGenParameterArray::Open(description, mPort, {}, mArray).IsOK());
+  }
+
+  SilentPort mPort;
+  std::unique_ptr<KrGenParameterArray> mArray;
+  const RowNotifier mNotifier{std::make_shared<MessageQueue>()};
+  BrowserTree mTree{mNotifier};
+  BrowserRefresh mRefresh{mNotifier, {.automaticMs = 1, .pollingMs = 1}};
 };
 
 } // namespace
 
-TEST(PollingStop, Stop_WhileASilentDeviceIsPolled_EndsTheOneReadingAndSaysNothingOfIt) {
-  SilentPort port;
-  KrGenDescription description;
-  std::unique_ptr<KrGenParameterArray> array;
-  ASSERT_TRUE(KrGenDescription::ReadFromMemory(MakeDescription(MakePolledNodes()), "test", description).IsOK());
-  ASSERT_TRUE(KrGenParameterArray::Open(description, port, {}, array).IsOK());
-  const RowNotifier notifier(std::make_shared<MessageQueue>());
-  const BrowserTree tree(notifier);
-  BrowserRefresh refresh(notifier, {.automaticMs = 1, .pollingMs = 1});
+TEST_F(PollingStop, Stop_WhileASilentDeviceIsPolled_EndsTheOneReadingAndSaysNothingOfIt) {
   const KrLogCapture capture;
-  refresh.Start(KrGenRefresh::Polling, *array, tree);
-  port.AwaitReading();
+  mRefresh.Start(KrGenRefresh::Polling, *mArray, mTree);
+  mPort.AwaitReading();
 
-  refresh.Stop();
+  mRefresh.Stop();
 
-  EXPECT_EQ(port.CountReadings(), 1);
+  EXPECT_EQ(mPort.CountReadings(), 1);
   const std::vector<KrLogRecord> records = capture.GetRecords();
   EXPECT_TRUE(std::none_of(records.begin(), records.end(),
                            [](const KrLogRecord& record) { return record.level == KrLogLevel::Warning; }));
+}
+
+TEST_F(PollingStop, Stop_WhileTheFirstValuesAreReadInAnyMode_WaitsForNoTimeOut) {
+  for (int i = 0; i < kRegisters; ++i) {
+    const KrString name("P" + std::to_string(i));
+    mTree.AppendFeature(kNoItem, name, *mArray->Get(name));
+  }
+  for (const KrGenRefresh mode : {KrGenRefresh::Automatic, KrGenRefresh::Polling}) {
+    const int before = mPort.CountReadings();
+    mRefresh.Start(mode, *mArray, mTree);
+    mPort.AwaitReading(before);
+
+    mRefresh.Stop();
+
+    EXPECT_FALSE(mPort.HasTimedOut()) << static_cast<int>(mode);
+  }
 }
 
 } // namespace krgui

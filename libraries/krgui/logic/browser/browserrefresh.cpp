@@ -1,6 +1,7 @@
 #include "logic/browser/browserrefresh.h"
 
 #include "krbase/krlogger.h"
+#include "krgenicam/krgenaccessstop.h"
 
 #include <chrono>
 #include <string>
@@ -109,7 +110,7 @@ void BrowserRefresh::Start(KrGenRefresh aMode, KrGenParameterArray& aArray, cons
     mIsWoken = false;
   }
   mIsStopping = false;
-  mPollingStop = std::stop_source();
+  mAccessStop = std::stop_source();
   if (aMode == KrGenRefresh::Automatic) {
     RunThread(&BrowserRefresh::RunAutomatic, aArray, aTree);
   } else if (aMode == KrGenRefresh::Polling) {
@@ -122,7 +123,10 @@ void BrowserRefresh::Start(KrGenRefresh aMode, KrGenParameterArray& aArray, cons
 void BrowserRefresh::RunThread(void (BrowserRefresh::*aRun)(KrGenParameterArray&, const BrowserTree&),
                                KrGenParameterArray& aArray, const BrowserTree& aTree) {
   try {
-    mThread = std::thread([this, aRun, &aArray, &aTree] { (this->*aRun)(aArray, aTree); });
+    mThread = std::thread([this, aRun, &aArray, &aTree] {
+      const KrGenAccessStop end(mAccessStop.get_token());
+      (this->*aRun)(aArray, aTree);
+    });
   } catch (const std::system_error& error) {
     Log(KrLogLevel::Error, kStartSite,
         KrString(std::string("Values cannot be kept fresh: no thread could be started (") + error.what() +
@@ -139,7 +143,7 @@ void BrowserRefresh::Stop() {
     mIsStopping = true;
   }
   mWake.notify_all();
-  mPollingStop.request_stop();
+  mAccessStop.request_stop();
   mThread.join();
 }
 
@@ -179,7 +183,7 @@ void BrowserRefresh::RunPolling(KrGenParameterArray& aArray, const BrowserTree& 
   }
   PollingReport report;
   while (!mIsStopping) {
-    const KrResult result = aArray.Poll(mPollingStop.get_token());
+    const KrResult result = aArray.Poll(mAccessStop.get_token());
     // What was stopped is no failure of the device.
     if (!mIsStopping) {
       report.Note(result);

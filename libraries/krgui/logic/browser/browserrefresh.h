@@ -33,10 +33,8 @@ public:
 
   /// Starts the thread of a mode; in manual mode reads everything here and now. Nothing may run.
   void Start(KrGenRefresh aMode, KrGenParameterArray& aArray, const BrowserTree& aTree);
-  /// Asks the thread to end, wakes it and waits for its end. It ends after what it does at the moment: the reading of
-  /// one feature (its access, its value, its bounds and, where the access has changed, the reason for it, each of which
-  /// asks for the registers that it stands on), or one register that is polled, whose access is cancelled. Each
-  /// register takes its time-out at most. Nothing when none runs.
+  /// Asks the thread to end, wakes it, ends the access to the device that it waits for, and waits for its end. Accesses
+  /// of others are let alone: where it waits for its turn, that takes as long as theirs. Nothing when none runs.
   void Stop();
   bool IsRunning() const { return mThread.joinable(); }
   /// Other rows came onto the screen: what of them was never read is read next. What was read before is read again in
@@ -68,7 +66,7 @@ private:
   std::mutex mWakeMutex; ///< Guards mIsWoken; held while mIsStopping is set, too, so that no wait misses it.
   std::condition_variable mWake;
   bool mIsWoken = false;
-  std::stop_source mPollingStop; ///< Set before the thread begins. Ends its KrGenParameterArray::Poll.
+  std::stop_source mAccessStop; ///< Set before the thread begins. Ends its accesses.
   std::thread mThread;
 };
 

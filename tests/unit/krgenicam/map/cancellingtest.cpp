@@ -1,4 +1,5 @@
 #include "changingcamera.h"
+#include "krgenicam/krgenaccessstop.h"
 
 #include <gtest/gtest.h>
 
@@ -110,6 +111,60 @@ TEST_F(Cancelling, Cancel_DuringAnAccess_EndsItWithAbortedAndLeavesLaterOnes) {
   EXPECT_TRUE(result == KrResult::Code::Aborted);
   EXPECT_TRUE(ReadSlow().IsOK());
   EXPECT_TRUE(mArray->GetInteger("Quick")->SetValue(1).IsOK());
+}
+
+TEST_F(Cancelling, StopOfAThread_DuringItsAccess_EndsItAndLeavesLaterOnes) {
+  KrResult result;
+  {
+    std::stop_source stop;
+    std::jthread reader([&] {
+      const KrGenAccessStop end(stop.get_token());
+      result = ReadSlow();
+    });
+    mPort.AwaitAccess();
+    stop.request_stop();
+  }
+
+  mPort.SetSlow(false);
+
+  EXPECT_TRUE(result == KrResult::Code::Aborted);
+  EXPECT_TRUE(ReadSlow().IsOK());
+}
+
+TEST_F(Cancelling, StopOfAThread_DuringAnotherThreadsAccess_EndsItsOwnAlone) {
+  KrResult result;
+  KrResult quickResult;
+  std::jthread reader([&] { result = ReadSlow(); });
+  mPort.AwaitAccess();
+  {
+    std::stop_source stop;
+    const KrGenAccessStop end(stop.get_token());
+    stop.request_stop();
+    EXPECT_TRUE(mPort.IsWaiting());
+    mArray->Cancel();
+    std::int64_t value = 0;
+    quickResult = mArray->GetInteger("Quick")->GetValue(value);
+  }
+  reader.join();
+
+  EXPECT_TRUE(result == KrResult::Code::Aborted);
+  EXPECT_TRUE(quickResult == KrResult::Code::Aborted);
+  EXPECT_TRUE(mArray->GetInteger("Quick")->SetValue(1).IsOK());
+}
+
+TEST_F(Cancelling, CancelOfTheArray_EndsTheAccessOfAThreadWithAStopOfItsOwn) {
+  KrResult result;
+  {
+    std::stop_source stop;
+    std::jthread reader([&] {
+      const KrGenAccessStop end(stop.get_token());
+      result = ReadSlow();
+    });
+    mPort.AwaitAccess();
+    mArray->Cancel();
+  }
+
+  EXPECT_TRUE(result == KrResult::Code::Aborted);
 }
 
 TEST_F(Cancelling, StopOfAPoll_DuringAnAccess_EndsItAndLeavesLaterOnes) {
