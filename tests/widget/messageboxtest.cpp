@@ -6,6 +6,9 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 
 #include <gtest/gtest.h>
 
@@ -116,6 +119,33 @@ TEST(MessageBox, LongText_IsBrokenIntoLinesAndWholeOnTheScreen) {
     EXPECT_TRUE(aBox.rect().contains(label->geometry()));
     EXPECT_LT(aBox.width(), 700);
   });
+}
+
+TEST(MessageBox, ManyLines_AreScrolledAndTheAnswerStaysOnTheScreen) {
+  for (const QString& line : {QStringLiteral("12:3: a short one"),
+                              QStringLiteral("12:3: one that takes two lines of the box. ").repeated(2)}) {
+    const QString text = (line + QLatin1String("\n")).repeated(120) + QLatin1String("<b>the last</b>");
+    LookAtBox(text, [&](QWidget& aBox) {
+      EXPECT_EQ(GetShownText(aBox), text);
+      EXPECT_TRUE(aBox.screen()->availableGeometry().contains(aBox.frameGeometry()));
+      EXPECT_TRUE(aBox.rect().contains(FindButton(aBox, "OK")->geometry()));
+      EXPECT_TRUE(FindButton(aBox, "OK")->hasFocus());
+      auto* const view = aBox.findChild<QScrollArea*>();
+      ASSERT_NE(view, nullptr);
+      const auto* label = aBox.findChild<QLabel*>(QStringLiteral("text"));
+      EXPECT_GE(label->height(), 121 * label->fontMetrics().lineSpacing());
+      EXPECT_GE(view->viewport()->width(), label->width());
+      EXPECT_TRUE(label->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
+
+      // Without a mouse, too.
+      Press(aBox, Qt::Key_Tab);
+      EXPECT_TRUE(view->hasFocus());
+      for (int page = 0; page < 60; ++page)
+        Press(aBox, Qt::Key_PageDown);
+      EXPECT_EQ(view->verticalScrollBar()->value(), view->verticalScrollBar()->maximum());
+      EXPECT_GT(view->verticalScrollBar()->maximum(), 0);
+    });
+  }
 }
 
 TEST(MessageBox, Reader_HearsTextAndKind) {

@@ -6,7 +6,6 @@
 #include "frame/questionowner.h"
 #include "krcamerabridge/krcamerabridge.h"
 #include "krgenicam/krgenparameterarray.h"
-#include "logic/browser/browserfilling.h"
 #include "logic/camerabridge/cameratexts.h"
 #include "platform/plainline.h"
 #include "platform/toqstring.h"
@@ -234,26 +233,30 @@ void CameraBridgeManagerWnd::Connect(CameraBridgeEntry& aEntry, const Connection
   mBrowser.SetGenParameterArray(nullptr);
   KrResult result;
   KrCameraBridge& bridge = *aEntry.bridge;
+  const bool wasConnected = bridge.IsConnected();
+  std::stop_source stop;
   const auto work = [&](const KrGenProgress& aProgress) {
     result = aConnection.connect(bridge);
-    // Here the window does not wait for it.
-    if (KrGenParameterArray* const parameters = result.IsOK() ? bridge.GetParameters() : nullptr)
-      ReadBeforeFilling(*parameters, [&aProgress] { return aProgress(0, 0); });
+    if (!result.IsOK() || ReadParameters(*bridge.GetParameters(), aProgress, stop.get_token()))
+      return;
+    bridge.Disconnect();
+    result = {KrResult::Code::Aborted, "Reading the camera's parameters was cancelled."};
   };
-  const bool isDone = Await({.text = QStringLiteral("Connecting the camera..."),
-                             .cursor = aConnection.cursor,
-                             .work = work,
-                             .hurry = [&bridge] { bridge.Cancel(); }});
+  const auto hurry = [&bridge, &stop] {
+    bridge.Cancel();
+    stop.request_stop();
+  };
+  const bool isDone = Await(
+      {.text = QStringLiteral("Connecting the camera..."), .cursor = aConnection.cursor, .work = work, .hurry = hurry});
   CameraBridgeEntry* const entry = moment.FindShownEntry();
   if (!entry)
     return;
   if (result.IsOK())
     entry->texts = aConnection.texts;
-  // A status that was shown before may have become wrong.
-  const bool hasStatus = result.IsOK() || !entry->texts.status.IsEmpty();
   ShowParameters(*entry);
   ApplyStates();
-  if (hasStatus) {
+  // That of a connection before has become wrong.
+  if (result.IsOK() || wasConnected) {
     entry->UpdateStatus();
     mControls->SetText(aConnection.status, ToQString(entry->texts.status));
   }

@@ -1,8 +1,10 @@
 #include "camerabridge/camerabridgelist.h"
 
+#include "krgenicam/krgenaccessstop.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
+#include "logic/browser/browserfilling.h"
 #include "logic/camerabridge/camerabridgeindex.h"
 #include "logic/camerabridge/cameratexts.h"
 
@@ -24,6 +26,13 @@ void NoteFirst(KrResult& aFirst, const KrResult& aResult) {
 }
 
 } // namespace
+
+bool ReadParameters(KrGenParameterArray& aParameters, const KrGenProgress& aProgress, const std::stop_token& aStop) {
+  const auto goesOn = [&] { return !aStop.stop_requested() && aProgress(0, 0); };
+  const KrGenAccessStop end(aStop);
+  ReadBeforeFilling(aParameters, goesOn);
+  return goesOn();
+}
 
 void CameraBridgeEntry::Reset(CameraBridgeKind aKind) {
   kind = aKind;

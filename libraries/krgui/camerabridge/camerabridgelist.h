@@ -11,14 +11,20 @@
 
 #include <cstdint>
 #include <memory>
+#include <stop_token>
 #include <vector>
 
 class KrConfigurationReader;
 class KrConfigurationWriter;
 class KrDevice;
+class KrGenParameterArray;
 class KrStream;
 
 namespace krgui {
+
+/// Asks a camera what the browser will ask it, so that the browser need not wait for it. False where aProgress or
+/// aStop, which also ends the access that is under way, ended it. Thread: any but the user interface's.
+bool ReadParameters(KrGenParameterArray& aParameters, const KrGenProgress& aProgress, const std::stop_token& aStop);
 
 /// What the window shows of a bridge besides its lists; nothing at first.
 struct CameraBridgeTexts {

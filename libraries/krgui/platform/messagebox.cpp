@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QShortcut>
 #include <QStyle>
 
@@ -19,6 +20,7 @@ namespace {
 
 /// How wide a line of the text becomes before it is broken, in letters.
 constexpr int kLettersPerLine = 64;
+constexpr int kMostLines = 20;
 
 constexpr struct {
   MessageIcon icon;
@@ -55,7 +57,8 @@ public:
 
 private:
   QLabel* MakePicture(MessageIcon aIcon);
-  QLabel* MakeText(const QString& aText);
+  QWidget* MakeText(const QString& aText);
+  QWidget* MakeView(QLabel& aText);
   QPushButton* MakeButton(const ButtonRow& aButton);
 
   void OnAccept() override { EndLoop(mButtons.front().result); }
@@ -105,7 +108,7 @@ QLabel* MessageBox::MakePicture(MessageIcon aIcon) {
 }
 
 /// No wider than a line that reads well; a long word without blanks is not broken, and makes it wider.
-QLabel* MessageBox::MakeText(const QString& aText) {
+QWidget* MessageBox::MakeText(const QString& aText) {
   auto* label = new QLabel(GetDialog());
   label->setObjectName(QStringLiteral("text"));
   label->setTextFormat(Qt::PlainText);
@@ -119,7 +122,26 @@ QLabel* MessageBox::MakeText(const QString& aText) {
     label->setFixedWidth(limit);
     label->setMinimumHeight(label->heightForWidth(limit));
   }
+  const int height = label->wordWrap() ? label->heightForWidth(limit) : label->sizeHint().height();
+  if (height > kMostLines * metrics.lineSpacing())
+    return MakeView(*label);
   return label;
+}
+
+/// So that the answer stays on the screen, however many lines there are.
+QWidget* MessageBox::MakeView(QLabel& aText) {
+  aText.adjustSize();
+  aText.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  auto* view = new QScrollArea(GetDialog());
+  view->setObjectName(QStringLiteral("lines"));
+  view->setAccessibleName(QStringLiteral("Message"));
+  // Without a mouse it is scrolled by its keys.
+  view->setFocusPolicy(Qt::StrongFocus);
+  view->setWidget(&aText);
+  const int frame = 2 * view->frameWidth();
+  const int bar = view->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view);
+  view->setFixedSize(aText.width() + bar + frame, kMostLines * aText.fontMetrics().lineSpacing() + frame);
+  return view;
 }
 
 QPushButton* MessageBox::MakeButton(const ButtonRow& aButton) {

@@ -115,6 +115,8 @@ void DescriptionWriter::AddCommonChildren(const Feature& aFeature) {
   AddChild("ToolTip", aFeature.tip);
   AddChild("DisplayName", MakeDisplayName(aFeature.name));
   AddChild("Visibility", aFeature.visibility);
+  if (!aFeature.inquiry.empty())
+    AddChild("pIsImplemented", aFeature.inquiry);
   if (!aFeature.prerequisite.empty())
     AddChild("pIsAvailable", std::string(aFeature.name) + "Available");
   if (aFeature.isLocked)

@@ -47,6 +47,7 @@ struct Feature {
   std::span<const FeatureEntry> entries{}; ///< Of an enumeration; those of PixelFormat are the camera's.
   std::string_view selector = {};
   std::uint32_t stride = 0;
+  std::string_view inquiry = {};      ///< The feature whose value, where it is 0, tells that the camera lacks this one.
   std::string_view prerequisite = {}; ///< The feature that has to have a value for this one to be available …
   std::uint32_t requiredValue = 1;    ///< … and the value.
   std::span<const std::string_view> dependsOn{}; ///< Features whose writing changes the value.

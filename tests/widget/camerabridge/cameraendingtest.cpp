@@ -44,6 +44,34 @@ TEST_F(Endings, SlowCamera_CanBeCancelledByTheButton) {
   EXPECT_THAT(GetEntries(id::kGenCPXML), testing::IsEmpty());
 }
 
+TEST_F(Endings, CancelledWhileTheParametersAreRead_IsNotConnected) {
+  Open();
+  Click(id::kGenCP);
+
+  WhileItReads(0, [this](QWidget& aDialog) {
+    EXPECT_TRUE(GetBridge(0).IsConnected());
+    QTest::keyClick(&aDialog, Qt::Key_Escape);
+  });
+  Click(id::kGenCPConnect);
+
+  EXPECT_EQ(mWaits, 1);
+  EXPECT_FALSE(GetBridge(0).IsConnected());
+  EXPECT_FALSE(HasParameters());
+  EXPECT_EQ(GetText(id::kGenCPStatus), "Not initialized");
+}
+
+TEST_F(Endings, ClosedWhileTheParametersAreRead_IsNotConnected) {
+  Open();
+  Click(id::kGenCP);
+
+  WhileItReads(0, [this](QWidget&) { EXPECT_TRUE(mWindow->Close().IsOK()); });
+  Click(id::kGenCPConnect);
+
+  EXPECT_EQ(mWaits, 1);
+  EXPECT_EQ(mWindow->GetWidget(), nullptr);
+  EXPECT_FALSE(GetBridge(0).IsConnected());
+}
+
 TEST_F(Endings, ClosedWhileItConnects_EndsThat) {
   Open();
   Click(id::kGenCP);

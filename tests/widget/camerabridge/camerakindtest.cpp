@@ -143,6 +143,19 @@ TEST_F(Kinds, CameraThatFallsSilentBeforeItIsConnected_IsToldOf) {
   EXPECT_TRUE(IsEnabled(id::kGenCPConnect));
 }
 
+TEST_F(Kinds, ConnectionThatFailsInASecondOpening_LeavesItsStatusAlone) {
+  Open();
+  ASSERT_TRUE(mWindow->Close().IsOK());
+  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+  Click(id::kGenCP);
+  ASSERT_TRUE(mLab->Lose(kGrabberMAC).IsOK());
+
+  ExpectBoxes(1);
+  Click(id::kGenCPConnect);
+
+  EXPECT_EQ(GetText(id::kGenCPStatus), "Not initialized");
+}
+
 TEST_F(Kinds, ConnectedCameraThatCannotBeConnectedAnew_HasNoStatusOfBefore) {
   Open();
   ConnectGenCP();
