@@ -45,43 +45,73 @@ void CameraBridgeManagerWnd::WireControls() {
   const auto onClick = [this, context](int aButton, void (CameraBridgeManagerWnd::*aHandler)()) {
     if (const auto* const button = mControls->Find<QAbstractButton>(aButton))
       QObject::connect(button, &QAbstractButton::clicked, context,
-                       [this, aHandler] { CallHandler([this, aHandler] { (this->*aHandler)(); }); });
+                       [this, aHandler] { Perform([this, aHandler] { (this->*aHandler)(); }); });
   };
-  for (const CameraBridgeKind kind : CameraControls::kKinds) {
-    if (const auto* const button = mControls->Find<QRadioButton>(CameraControls::GetKindButton(kind)))
-      QObject::connect(button, &QRadioButton::clicked, context,
-                       [this, kind] { CallHandler([this, kind] { ChooseKind(kind); }); });
-  }
   onClick(id::kProbe, &CameraBridgeManagerWnd::Probe);
   onClick(id::kCLProtocolConnect, &CameraBridgeManagerWnd::ConnectCLProtocol);
   onClick(id::kGenCPConnect, &CameraBridgeManagerWnd::ConnectGenCP);
   onClick(id::kBrowse, &CameraBridgeManagerWnd::ChooseCameraFile);
   onClick(id::kLoad, &CameraBridgeManagerWnd::LoadCameraFile);
-  onClick(id::kSynchronization, &CameraBridgeManagerWnd::SwitchSynchronization);
-  onClick(id::kPoCL, &CameraBridgeManagerWnd::SwitchPoCL);
   onClick(id::kReset, &CameraBridgeManagerWnd::ResetStatistics);
+  WireMarks();
   WireLists();
   auto* const timer = new QTimer(context);
   QObject::connect(timer, &QTimer::timeout, context, [this] { Tick(); });
   timer->start(kTickPeriodMs);
 }
 
+/// Assistive technology changes marks without a click.
+void CameraBridgeManagerWnd::WireMarks() {
+  const auto onToggle = [this](int aButton, const std::function<void(bool aIsOn)>& aAction) {
+    if (auto* const button = mControls->Find<QAbstractButton>(aButton))
+      QObject::connect(button, &QAbstractButton::toggled, mConnections.get(), [this, button, aAction](bool aIsOn) {
+        // A button that is clicked paints itself afterwards, and a camera may be asked until then.
+        button->update();
+        Perform([aAction, aIsOn] { aAction(aIsOn); });
+      });
+  };
+  for (const CameraBridgeKind kind : CameraControls::kKinds) {
+    onToggle(CameraControls::GetKindButton(kind), [this, kind](bool aIsOn) {
+      if (aIsOn)
+        ChooseKind(kind);
+    });
+  }
+  onToggle(id::kSynchronization, [this](bool) { SwitchSynchronization(); });
+  onToggle(id::kPoCL, [this](bool) { mOpening->isDeviceAsked ? ShowSwitches() : SwitchPoCL(); });
+}
+
 void CameraBridgeManagerWnd::WireLists() {
   const auto onChoice = [this](int aList, void (CameraBridgeManagerWnd::*aHandler)()) {
     if (const auto* const list = mControls->Find<QComboBox>(aList))
       QObject::connect(list, &QComboBox::activated, mConnections.get(),
-                       [this, aHandler] { CallHandler([this, aHandler] { (this->*aHandler)(); }); });
+                       [this, aHandler] { Perform([this, aHandler] { (this->*aHandler)(); }); });
   };
-  onChoice(id::kDevicePort, &CameraBridgeManagerWnd::ShowEntry);
+  onChoice(id::kDevicePort, &CameraBridgeManagerWnd::ChoosePort);
   for (const int list : {id::kTemplate, id::kCLProtocolXML, id::kGenCPXML})
     onChoice(list, &CameraBridgeManagerWnd::ApplyStates);
   onChoice(id::kSource, &CameraBridgeManagerWnd::ChooseSource);
 }
 
+/// Dialogs keep the user's hands off a window that waits, but not those of assistive technology. A bridge takes one
+/// call at a time.
+void CameraBridgeManagerWnd::Perform(const std::function<void()>& aAction) {
+  if (!IsBusy())
+    return CallHandler(aAction);
+  mControls->RestoreChoices();
+  ShowSwitches();
+}
+
+void CameraBridgeManagerWnd::ChoosePort() {
+  if (!mControls->TakePort() && !mOpening->isBrowserLeftEmpty)
+    return;
+  ShowEntry();
+  FillBrowser();
+}
+
 void CameraBridgeManagerWnd::ChooseKind(CameraBridgeKind aKind) {
   CameraBridgeEntry* entry = GetSelectedEntry();
   if (!entry)
-    return mControls->RestoreKind();
+    return mControls->RestoreChoices();
   if (entry->kind == aKind)
     return;
   const Moment moment = GetMoment(entry->port);
@@ -265,7 +295,7 @@ void CameraBridgeManagerWnd::Connect(CameraBridgeEntry& aEntry, const Connection
 }
 
 void CameraBridgeManagerWnd::ChooseCameraFile() {
-  const Moment moment = GetMoment(mControls->GetSelectedPort());
+  const Moment moment = GetMoment(mControls->GetPort());
   QString folder = mFolder;
   QString file;
   {

@@ -154,6 +154,8 @@ void CameraBridgeManagerWnd::CatchUp() {
     return;
   if (std::exchange(mOpening->mustFindPorts, false))
     FindPorts();
+  else if (mOpening->mustFillBrowser)
+    FillBrowser();
   else if (mOpening->mustShowFacts)
     ShowFacts();
   else if (std::exchange(mOpening->mustFetchTemplates, false))

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <utility>
 
 namespace krgui {
@@ -110,12 +111,16 @@ KrResult CameraBridgeList::Load(const KrConfigurationReader& aReader, KrStringLi
   if (!result.IsOK())
     return result;
   std::size_t done = 0;
+  std::set<KrDeviceSerial> loaded;
   for (const KrProperty& property : index) {
     if (!aProgress(done++, index.GetCount()))
       return ReportEnd();
     const KrString& name = property.GetValue();
-    if (const CameraBridgeEntry* const entry = Find(FindPort(name))) {
-      NoteFirst(result, entry->bridge->Load(name, aReader, aErrors));
+    const KrDeviceSerial port = FindPort(name);
+    if (const CameraBridgeEntry* const entry = Find(port)) {
+      // Loaded again it would be the same.
+      if (loaded.insert(port).second)
+        NoteFirst(result, entry->bridge->Load(name, aReader, aErrors));
     } else {
       aErrors.Add(FormatMissingPort(name));
       NoteFirst(result, {KrResult::Code::NotFound, FormatMissingPort(name)});

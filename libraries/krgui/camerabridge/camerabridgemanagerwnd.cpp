@@ -45,6 +45,24 @@ CameraBridgeEntry* CameraBridgeManagerWnd::Moment::FindShownEntry() const {
   return opening.expired() ? nullptr : FindEntry();
 }
 
+/// That something is asked, whatever is thrown meanwhile.
+class CameraBridgeManagerWnd::Asking {
+public:
+  Asking(const std::shared_ptr<Opening>& aOpening, bool Opening::*aFlag) : mOpening(aOpening), mFlag(aFlag) {
+    (*aOpening).*mFlag = true;
+  }
+  ~Asking() {
+    if (const std::shared_ptr<Opening> opening = mOpening.lock())
+      (*opening).*mFlag = false;
+  }
+  Asking(const Asking&) = delete;
+  Asking& operator=(const Asking&) = delete;
+
+private:
+  const std::weak_ptr<Opening> mOpening;
+  bool Opening::*const mFlag;
+};
+
 CameraBridgeManagerWnd::CameraBridgeManagerWnd() : TabledWnd(kCameraBridgeManagerTraits) {}
 
 CameraBridgeManagerWnd::~CameraBridgeManagerWnd() {
@@ -71,8 +89,10 @@ KrResult CameraBridgeManagerWnd::Load(const KrConfigurationReader& aReader, KrSt
       });
   if (moment.IsOfPresentBridges())
     mBridges->ReadBack();
-  if (moment.IsShown())
+  if (moment.IsShown()) {
     ShowEntry();
+    FillBrowser();
+  }
   return result;
 }
 
@@ -118,6 +138,8 @@ bool CameraBridgeManagerWnd::OnInitDialog() {
   mConnections = std::make_unique<QObject>();
   CreateBrowser();
   mBridges->ReadBack();
+  if (!mControls->GetBrowserPlace())
+    mControls->DisableForeign(*GetWidget());
   WireControls();
   mOpening->mustFindPorts = mBridges->IsWithoutPorts();
   ShowDevice();
@@ -151,13 +173,12 @@ CameraBridgeManagerWnd::Moment CameraBridgeManagerWnd::GetMoment(KrDeviceSerial 
 }
 
 CameraBridgeEntry* CameraBridgeManagerWnd::GetSelectedEntry() const {
-  return mBridges->Find(mControls->GetSelectedPort());
+  return mBridges->Find(mControls->GetPort());
 }
 
 bool CameraBridgeManagerWnd::Await(const Order& aOrder) {
   const std::weak_ptr<Opening> opening = mOpening;
-  bool Opening::*const flag = aOrder.isOfDevice ? &Opening::isDeviceAsked : &Opening::isBusy;
-  (*mOpening).*flag = true;
+  std::optional<Asking> asking(std::in_place, mOpening, aOrder.isOfDevice ? &Opening::isDeviceAsked : &Opening::isBusy);
   std::optional<WaitCursor> cursor;
   if (aOrder.cursor == Cursor::Wait)
     cursor.emplace();
@@ -168,8 +189,8 @@ bool CameraBridgeManagerWnd::Await(const Order& aOrder) {
                           {.hurry = aOrder.hurry, .whenCancelled = aOrder.whenCancelled});
     result = dialog.Run(aOrder.work);
   }
+  asking.reset();
   if (const std::shared_ptr<Opening> open = opening.lock()) {
-    (*open).*flag = false;
     ApplyStates();
     if (open->IsBehind())
       CatchUpSoon();
@@ -196,9 +217,8 @@ KrResult CameraBridgeManagerWnd::AskAll(const char* aText,
                              .cursor = Cursor::Usual,
                              .work = [&](const KrGenProgress& aProgress) { result = aWork(aProgress); },
                              .hurry = [&bridges = *mBridges] { bridges.Cancel(); }});
-  if (isDone)
-    return result;
-  return ReportCancelled();
+  // What had come to its end before is no less done.
+  return isDone || result.IsOK() ? result : ReportCancelled();
 }
 
 /// What is under way has ended afterwards.
@@ -238,6 +258,7 @@ void CameraBridgeManagerWnd::ShowDevice() {
 void CameraBridgeManagerWnd::ShowEntry() {
   mControls->ShowNothing();
   mBrowser.SetGenParameterArray(nullptr);
+  mOpening->mustFillBrowser = mOpening->mustFetchTemplates = mOpening->isBrowserLeftEmpty = false;
   CameraBridgeEntry* const entry = GetSelectedEntry();
   mControls->CheckKind(entry ? entry->kind : CameraBridgeKind::None);
   if (entry)
@@ -251,8 +272,8 @@ void CameraBridgeManagerWnd::ShowEntry() {
 void CameraBridgeManagerWnd::ShowKind(CameraBridgeEntry& aEntry) {
   const CameraBridgeTexts& texts = aEntry.texts;
   const bool isConnected = aEntry.bridge->IsConnected();
+  mOpening->mustFillBrowser = isConnected && aEntry.kind != CameraBridgeKind::None && mControls->GetBrowserPlace();
   if (aEntry.kind == CameraBridgeKind::CameraFile) {
-    ShowParameters(aEntry);
     mControls->SetText(id::kPath, ToQString(texts.path));
     mControls->SetText(id::kCameraFileStatus, ToQString(texts.status));
   } else if (aEntry.kind == CameraBridgeKind::CLProtocol && isConnected) {
@@ -260,17 +281,13 @@ void CameraBridgeManagerWnd::ShowKind(CameraBridgeEntry& aEntry) {
     mControls->Fill(id::kCLProtocolXML, {ToPlainLine(texts.xmlID)});
     mControls->SetText(id::kProbeStatus, ToPlainLine(texts.probeStatus));
     mControls->SetText(id::kCLProtocolStatus, ToQString(texts.status));
-    ShowParameters(aEntry);
   } else if (aEntry.kind == CameraBridgeKind::CLProtocol) {
-    mOpening->mustFetchTemplates = true;
-  } else if (aEntry.kind == CameraBridgeKind::GenCP) {
-    ShowParameters(aEntry);
-    if (isConnected) {
-      aEntry.xmlIDs.Clear();
-      aEntry.xmlIDs.Add(texts.xmlID);
-      mControls->Fill(id::kGenCPXML, {ToPlainLine(texts.xmlID)});
-      mControls->SetText(id::kGenCPStatus, ToQString(texts.status));
-    }
+    mOpening->mustFetchTemplates = mControls->Has(id::kTemplate);
+  } else if (aEntry.kind == CameraBridgeKind::GenCP && isConnected) {
+    aEntry.xmlIDs.Clear();
+    aEntry.xmlIDs.Add(texts.xmlID);
+    mControls->Fill(id::kGenCPXML, {ToPlainLine(texts.xmlID)});
+    mControls->SetText(id::kGenCPStatus, ToQString(texts.status));
   }
 }
 
@@ -284,6 +301,27 @@ void CameraBridgeManagerWnd::ShowSwitches() const {
 
 void CameraBridgeManagerWnd::ShowParameters(const CameraBridgeEntry& aEntry) {
   mBrowser.SetGenParameterArray(aEntry.bridge->GetParameters());
+}
+
+/// With the parameters of a bridge that may have been connected by others, so that nobody has read them before.
+void CameraBridgeManagerWnd::FillBrowser() {
+  CameraBridgeEntry* entry = GetSelectedEntry();
+  KrGenParameterArray* const parameters = entry ? entry->bridge->GetParameters() : nullptr;
+  if (!std::exchange(mOpening->mustFillBrowser, false) || !parameters)
+    return;
+  const Moment moment = GetMoment(entry->port);
+  std::stop_source stop;
+  const bool isDone = Await(
+      {.text = QStringLiteral("Reading the camera's parameters..."),
+       .work = [parameters, &stop](
+                   const KrGenProgress& aProgress) { (void)ReadParameters(*parameters, aProgress, stop.get_token()); },
+       .hurry = [&stop] { stop.request_stop(); }});
+  entry = moment.FindShownEntry();
+  if (!entry)
+    return;
+  mOpening->isBrowserLeftEmpty = !isDone;
+  if (isDone)
+    ShowParameters(*entry);
 }
 
 void CameraBridgeManagerWnd::ApplyStates() {

@@ -53,7 +53,9 @@ private:
     // What is to be done as soon as nothing is under way.
     bool mustFindPorts = false;
     bool mustShowFacts = false;
+    bool mustFillBrowser = false;
     bool mustFetchTemplates = false;
+    bool isBrowserLeftEmpty = false; ///< The user did not want to wait for its parameters.
     // What is known of the device.
     bool hasSources = false; ///< They are listed.
     PoCLState poCL;
@@ -62,7 +64,7 @@ private:
       hasSources = false;
       poCL = {};
     }
-    bool IsBehind() const { return mustFindPorts || mustShowFacts || mustFetchTemplates; }
+    bool IsBehind() const { return mustFindPorts || mustShowFacts || mustFillBrowser || mustFetchTemplates; }
   };
   /// What a wait, a message box or a dialog is about. Meanwhile the window may be closed or deleted, and the bridges
   /// made anew.
@@ -81,6 +83,7 @@ private:
     /// The same, of a window that is still open.
     CameraBridgeEntry* FindShownEntry() const;
   };
+  class Asking;
   enum class Cursor { Usual, Wait };
   /// A piece of work that may take long.
   struct Order {
@@ -125,15 +128,20 @@ private:
   void CreateBrowser();
   void PlaceBrowser();
   void WireControls();
+  void WireMarks();
   void WireLists();
   void ShowDevice();
   void ShowEntry();
   void ShowKind(CameraBridgeEntry& aEntry);
   void ShowSwitches() const;
   void ShowParameters(const CameraBridgeEntry& aEntry);
+  void FillBrowser();
   void ApplyStates();
   void Tick() const;
 
+  /// What the user's hands do: nothing while a camera is asked.
+  void Perform(const std::function<void()>& aAction);
+  void ChoosePort();
   void ChooseKind(CameraBridgeKind aKind);
   void FetchTemplates();
   void FetchGenCPXMLIDs();

@@ -137,6 +137,18 @@ constexpr int kLabels[] = {id::kTemplateLabel, id::kCLProtocolXMLLabel, id::kGen
 constexpr int kButtons[] = {id::kProbe, id::kCLProtocolConnect, id::kGenCPConnect, id::kLoad, id::kReset};
 constexpr int kSwitches[] = {id::kNone, id::kCLProtocol, id::kGenCP, id::kCameraFile, id::kSynchronization, id::kPoCL};
 
+/// None for the empty text: an empty bubble would be shown for it.
+void SetToolTip(QWidget& aControl, const QString& aText) {
+  const QString tip = aText.isEmpty() ? QString() : ToPlainToolTip(aText);
+  if (aControl.toolTip() != tip)
+    aControl.setToolTip(tip);
+}
+
+KrDeviceSerial GetChosenPort(const QComboBox* aList) {
+  const QVariant chosen = aList ? aList->currentData() : QVariant();
+  return chosen.isValid() ? static_cast<KrDeviceSerial>(chosen.toInt()) : KrDeviceSerial::Invalid;
+}
+
 } // namespace
 
 CameraControls::CameraControls(Lookup aLookup) : mLookup(std::move(aLookup)) {
@@ -150,7 +162,7 @@ CameraControls::CameraControls(Lookup aLookup) : mLookup(std::move(aLookup)) {
       control->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
       control->setMinimumContentsLength(1);
       QObject::connect(control, &QComboBox::currentTextChanged, control,
-                       [control](const QString& aText) { control->setToolTip(ToPlainToolTip(aText)); });
+                       [control](const QString& aText) { SetToolTip(*control, aText); });
     }
   }
 }
@@ -169,7 +181,8 @@ int CameraControls::GetKindButton(CameraBridgeKind aKind) {
   return id::kNone;
 }
 
-void CameraControls::ListPorts(const std::vector<KrDeviceSerial>& aPorts) const {
+void CameraControls::ListPorts(const std::vector<KrDeviceSerial>& aPorts) {
+  mPort = aPorts.empty() ? KrDeviceSerial::Invalid : aPorts.front();
   auto* const list = Find<QComboBox>(id::kDevicePort);
   if (!list)
     return;
@@ -180,12 +193,18 @@ void CameraControls::ListPorts(const std::vector<KrDeviceSerial>& aPorts) const 
   for (const KrDeviceSerial port : aPorts)
     list->addItem(ToQString(GetPortName(port)), static_cast<int>(port));
   list->setCurrentIndex(aPorts.empty() ? -1 : 0);
+  SetToolTip(*list, list->currentText());
 }
 
-KrDeviceSerial CameraControls::GetSelectedPort() const {
-  const auto* const list = Find<QComboBox>(id::kDevicePort);
-  const QVariant selected = list ? list->currentData() : QVariant();
-  return selected.isValid() ? static_cast<KrDeviceSerial>(selected.toInt()) : KrDeviceSerial::Invalid;
+bool CameraControls::TakePort() {
+  const KrDeviceSerial before = std::exchange(mPort, GetChosenPort(Find<QComboBox>(id::kDevicePort)));
+  return mPort != before;
+}
+
+void CameraControls::RestoreChoices() {
+  if (auto* const list = Find<QComboBox>(id::kDevicePort))
+    list->setCurrentIndex(list->findData(static_cast<int>(mPort)));
+  CheckKind(mKind);
 }
 
 void CameraControls::CheckKind(CameraBridgeKind aKind) {
@@ -207,7 +226,7 @@ void CameraControls::Fill(int aList, const QStringList& aItems) const {
   for (const QString& item : aItems)
     widest = std::max(widest, list->fontMetrics().horizontalAdvance(item));
   list->view()->setMinimumWidth(widest + kListMargin);
-  list->setToolTip(ToPlainToolTip(list->currentText()));
+  SetToolTip(*list, list->currentText());
 }
 
 bool CameraControls::HasItems(int aList) const {
@@ -245,8 +264,11 @@ QString CameraControls::GetText(int aID) const {
 }
 
 void CameraControls::Check(int aID, bool aIsOn) const {
-  if (auto* const button = Find<QAbstractButton>(aID))
-    button->setChecked(aIsOn);
+  auto* const button = Find<QAbstractButton>(aID);
+  if (!button)
+    return;
+  const QSignalBlocker blocker(*button);
+  button->setChecked(aIsOn);
 }
 
 bool CameraControls::IsChecked(int aID) const {
@@ -255,9 +277,8 @@ bool CameraControls::IsChecked(int aID) const {
 }
 
 void CameraControls::Explain(int aID, const QString& aText) const {
-  const QString text = aText.isEmpty() ? QString() : ToPlainToolTip(aText);
-  if (auto* const control = Find<QWidget>(aID); control && control->toolTip() != text)
-    control->setToolTip(text);
+  if (auto* const control = Find<QWidget>(aID))
+    SetToolTip(*control, aText);
 }
 
 void CameraControls::ShowStatistics(std::uint64_t aSent, std::uint64_t aReceived) const {
@@ -272,6 +293,17 @@ void CameraControls::ShowNothing() const {
     SetText(status, QStringLiteral("Not initialized"));
   for (const int list : {id::kTemplate, id::kCLProtocolXML, id::kGenCPXML})
     Clear(list);
+}
+
+void CameraControls::DisableForeign(QWidget& aDialog) const {
+  std::vector<QWidget*> own;
+  for (const auto& row : kPlaces)
+    own.push_back(Find<QWidget>(row.id));
+  for (QWidget* const control : aDialog.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+    const bool isGroup = qobject_cast<QGroupBox*>(control) != nullptr;
+    if (!isGroup && !control->isWindow() && std::find(own.begin(), own.end(), control) == own.end())
+      control->setEnabled(false);
+  }
 }
 
 bool CameraControls::Enable(const CameraBridgeEnabling& aEnabling) {

@@ -43,16 +43,19 @@ public:
   /// The id of a kind's radio button.
   static int GetKindButton(CameraBridgeKind aKind);
 
-  /// Lists ports and selects the first one.
-  void ListPorts(const std::vector<KrDeviceSerial>& aPorts) const;
-  /// Invalid without a selection.
-  KrDeviceSerial GetSelectedPort() const;
+  /// Lists ports and takes the first one.
+  void ListPorts(const std::vector<KrDeviceSerial>& aPorts);
+  /// Takes the port that is chosen in the list; false where it is the same as before.
+  bool TakePort();
+  /// The port that was taken last; Invalid for none.
+  KrDeviceSerial GetPort() const { return mPort; }
   void CheckKind(CameraBridgeKind aKind);
-  /// Checks again what was checked by CheckKind.
-  void RestoreKind() { CheckKind(mKind); }
+  /// Shows again the port that was taken and the kind that was checked last.
+  void RestoreChoices();
 
   /// Fills a list and selects its first item.
   void Fill(int aList, const QStringList& aItems) const;
+  bool Has(int aID) const { return mLookup(aID) != nullptr; }
   void Clear(int aList) const { Fill(aList, {}); }
   bool HasItems(int aList) const;
   /// -1 without a selection.
@@ -64,6 +67,7 @@ public:
   /// Of a label or an edit; one line, whatever a camera says.
   void SetText(int aID, const QString& aText) const;
   QString GetText(int aID) const;
+  /// Tells nobody.
   void Check(int aID, bool aIsOn) const;
   bool IsChecked(int aID) const;
   /// What a control's tooltip says; nothing for the empty text.
@@ -72,6 +76,8 @@ public:
   /// As at the beginning of a port's showing.
   void ShowNothing() const;
 
+  /// Disables what another window's template has besides: it does nothing here.
+  void DisableForeign(QWidget& aDialog) const;
   /// Shows, hides, enables and disables. True where the layout becomes another one.
   bool Enable(const CameraBridgeEnabling& aEnabling);
   void LayOut(const QSize& aSize) const;
@@ -83,6 +89,7 @@ private:
   int GetWidth(int aID) const;
 
   Lookup mLookup;
+  KrDeviceSerial mPort = KrDeviceSerial::Invalid;
   CameraBridgeKind mKind = CameraBridgeKind::None;
   bool mHasCameraFile = true;
 };

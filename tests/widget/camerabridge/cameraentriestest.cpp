@@ -171,7 +171,7 @@ TEST_F(Entries, OpenedAgain_HasTheBridgesAsTheyWere) {
   EXPECT_TRUE(IsChecked(id::kGenCP));
   EXPECT_THAT(GetEntries(id::kGenCPXML), testing::SizeIs(1));
   EXPECT_EQ(GetText(id::kGenCPStatus), status);
-  EXPECT_TRUE(HasParameters());
+  EXPECT_TRUE(WaitFor([this] { return HasParameters(); }));
 }
 
 TEST_F(Entries, BridgeThatTheApplicationConnected_IsReadBack) {
@@ -185,7 +185,7 @@ TEST_F(Entries, BridgeThatTheApplicationConnected_IsReadBack) {
   EXPECT_TRUE(IsChecked(id::kGenCP));
   EXPECT_THAT(GetEntries(id::kGenCPXML), testing::ElementsAre(ids[0].ToUtf8()));
   EXPECT_EQ(GetText(id::kGenCPStatus), MakeStatus(0));
-  EXPECT_TRUE(HasParameters());
+  EXPECT_TRUE(WaitFor([this] { return HasParameters(); }));
 }
 
 } // namespace krgui

@@ -21,8 +21,9 @@ class CameraBridgeManagerWnd;
 ///
 /// Thread: the user-interface thread alone. Cameras are asked on threads of the window's own while it is open; its
 /// calls then run a loop of their own, in which it stays alive and can be cancelled. It may be deleted there.
-/// Ownership: the application owns the object; device and stream are borrowed and must be taken out (SetDevice and
-/// SetStream with null), or the object deleted, before they end. Closing the window is not enough.
+/// Ownership: the application owns the object; device and stream are borrowed and must be taken out, or the object deleted,
+/// before they end: the device by SetDevice, with null or another one; the stream by SetStream and SetDevice after it, as
+/// bridges keep the stream that they were made with. Closing the window is not enough.
 ///
 ///     KrCameraBridgeManagerWnd manager;
 ///     manager.SetStream(&stream);
@@ -45,7 +46,7 @@ public:
   /// others were tried; Cancelled where the user, or something else that this object was told to do, ended it.
   KrResult Load(KrConfigurationReader& aReader, KrStringList& aErrors);
   /// Stores the cameras that are connected, and which they are. The first failure, after all others were tried; Busy
-  /// while a camera is asked for something else, Cancelled as in Load.
+  /// while a camera is asked for something else, Cancelled as in Load: what is in the writer then is not whole.
   KrResult Save(KrConfigurationWriter& aWriter);
   /// Not offered by this window: does nothing, and always returns NotOffered (1540).
   KrResult Recover();
