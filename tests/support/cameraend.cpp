@@ -1,5 +1,7 @@
 #include "cameraend.h"
 
+#include "krbase/filedescriptor.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -26,15 +28,15 @@ int MakePair(int (&aSockets)[2]) {
 class StopSignal {
 public:
   explicit StopSignal(const std::stop_token& aStop)
-      : mHandle(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), mCallback(aStop, [this] { ::eventfd_write(mHandle, 1); }) {}
-  ~StopSignal() { ::close(mHandle); }
+      : mHandle(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+        mCallback(aStop, [this] { ::eventfd_write(mHandle.Get(), 1); }) {}
   StopSignal(const StopSignal&) = delete;
   StopSignal& operator=(const StopSignal&) = delete;
 
-  int Get() const { return mHandle; }
+  int Get() const { return mHandle.Get(); }
 
 private:
-  const int mHandle;
+  const krbase::FileDescriptor mHandle; // Closed when nobody writes to it any more.
   std::stop_callback<std::function<void()>> mCallback;
 };
 

@@ -81,7 +81,7 @@ protected:
 // Waits longer than any test for a driver that hangs, unless it is told not to.
 constexpr CLDriverTimes kPatientTimes = [] {
   constexpr std::uint32_t kDayMs = 86400000;
-  return CLDriverTimes{200, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs};
+  return CLDriverTimes{2000, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs, kDayMs};
 }();
 
 bool Contains(const KrLogCapture& aLog, const std::string& aWords) {

@@ -19,8 +19,8 @@ namespace krcamerabridge {
 
 constexpr std::uint32_t kGenerousMs = 60000;
 /// A driver that hangs is found out soon, all else has the time that it needs.
-constexpr CLDriverTimes kHangTimes{200, 3000, 3000, 3000, 3000, 3000, 3000, 3000, 1000, 3000};
-constexpr CLDriverTimes kGenerousTimes{200, 60000, 60000, 60000, 60000, 60000, 60000, 60000, 60000, 60000};
+constexpr CLDriverTimes kHangTimes{1000, 3000, 3000, 3000, 3000, 3000, 3000, 3000, 1000, 3000};
+constexpr CLDriverTimes kGenerousTimes{2000, 60000, 60000, 60000, 60000, 60000, 60000, 60000, 60000, 60000};
 
 constexpr std::uint64_t kProcessID = 0xFFFF0000; // Registers of the test's driver.
 constexpr std::uint64_t kRefused = 0xFFFF0010;
