@@ -64,7 +64,7 @@ std::optional<std::uint64_t> YamlMap::ParseNumber(std::string_view aText) {
 
 YamlMap::YamlMap(const YamlNode& aNode, std::string_view aWhat, TextProblems& aProblems)
     : mNode(aNode), mWhat(aWhat), mProblems(aProblems) {
-  if (mNode.kind != YamlKind::Map)
+  if (mNode.kind != YamlKind::Map && !(mNode.kind == YamlKind::Null && mNode.isCut))
     Report(mNode.place, std::string(mWhat) + " has to be keys with values");
 }
 
@@ -77,7 +77,7 @@ const YamlNode* YamlMap::Find(std::string_view aKey) {
 const YamlNode* YamlMap::FindNeeded(std::string_view aKey) {
   const YamlNode* const node = Find(aKey);
   if (!node)
-    Report(mNode.place, std::string(mWhat) + " needs the key \"" + std::string(aKey) + "\"");
+    ReportMissing(mNode.place, std::string(mWhat) + " needs the key \"" + std::string(aKey) + "\"");
   return node;
 }
 

@@ -7,7 +7,6 @@
 #include <istream>
 #include <map>
 #include <optional>
-#include <set>
 #include <streambuf>
 
 #include <yaml-cpp/eventhandler.h>
@@ -35,24 +34,60 @@ std::optional<std::size_t> FindInvalidUtf8(std::string_view aText) {
   return std::nullopt;
 }
 
+// The text with "_" for every byte that no text may have.
+std::string ReplaceBadBytes(std::string_view aText) {
+  std::string text;
+  for (std::size_t at = 0; at < aText.size();) {
+    const std::size_t length = ReadUtf8(aText.substr(at)).length;
+    if (length == 0 || aText[at] == '\0')
+      text += '_';
+    else
+      text += aText.substr(at, length);
+    at += std::max(length, std::size_t{1});
+  }
+  return text;
+}
+
 std::size_t CountNodes(const YamlNode& aNode) {
   std::size_t count = 1;
-  for (const YamlNode& item : aNode.items)
-    count += CountNodes(item);
+  for (const std::vector<YamlNode>* const nodes : {&aNode.items, &aNode.doubles})
+    for (const YamlNode& node : *nodes)
+      count += CountNodes(node);
   return count;
 }
 
 std::size_t GetDepth(const YamlNode& aNode) {
   std::size_t depth = 0;
-  for (const YamlNode& item : aNode.items)
-    depth = std::max(depth, GetDepth(item));
+  for (const std::vector<YamlNode>* const nodes : {&aNode.items, &aNode.doubles})
+    for (const YamlNode& node : *nodes)
+      depth = std::max(depth, GetDepth(node));
   return depth + 1;
 }
 
-// Builds the tree from the parser's events. What is refused ends the parser by its own exception.
+// Builds the tree from the parser's events. What makes it senseless to read on ends the parser by its own exception.
 class TreeBuilder final : public YAML::EventHandler {
 public:
+  explicit TreeBuilder(TextProblems& aProblems) : mProblems(aProblems) {}
+
   YamlNode TakeRoot() { return std::move(mRoot); }
+  // The tree of a text that could not be read on.
+  YamlNode TakeCutRoot() {
+    while (!mOpen.empty()) {
+      OpenNode cut = std::move(mOpen.back());
+      mOpen.pop_back();
+      cut.node.isCut = true;
+      // The last key may have got no value.
+      if (cut.awaitsValue && cut.fate == Fate::Kept)
+        cut.node.keys.pop_back();
+      cut.node.doubledItems.resize(cut.node.doubles.size());
+      if (mOpen.empty())
+        mRoot = std::move(cut.node);
+      else if (!AwaitsKey())
+        PlaceValue(mOpen.back(), std::move(cut.node));
+    }
+    mRoot.isCut = true;
+    return std::move(mRoot);
+  }
 
   void OnDocumentStart(const YAML::Mark& aMark) override {
     if (mHasDocument)
@@ -65,9 +100,15 @@ public:
   }
   void OnScalar(const YAML::Mark& aMark, const std::string&, YAML::anchor_t aAnchor,
                 const std::string& aValue) override {
-    if (FindInvalidUtf8(aValue) || aValue.find('\0') != std::string::npos)
-      Refuse(aMark, "the text is no valid UTF-8, or has a zero in it");
-    Add(aMark, aAnchor, {.kind = YamlKind::Scalar, .place = GetPlace(aMark), .text = aValue, .items = {}, .keys = {}});
+    const bool isBad = FindInvalidUtf8(aValue) || aValue.find('\0') != std::string::npos;
+    if (isBad)
+      mProblems.Report(GetPlace(aMark), "the text is no valid UTF-8, or has a zero in it");
+    Add(aMark, aAnchor,
+        {.kind = YamlKind::Scalar,
+         .place = GetPlace(aMark),
+         .text = isBad ? ReplaceBadBytes(aValue) : aValue,
+         .items = {},
+         .keys = {}});
   }
   void OnAlias(const YAML::Mark& aMark, YAML::anchor_t aAnchor) override {
     const auto anchored = mAnchored.find(aAnchor);
@@ -91,12 +132,16 @@ public:
   void OnMapEnd() override { Close(); }
 
 private:
+  // What becomes of the value of a key.
+  enum class Fate { Kept, Doubled, Dropped };
+
   // A sequence or map whose end has not come yet.
   struct OpenNode {
     YamlNode node;
     YAML::anchor_t anchor;
-    bool awaitsValue = false;   // In a map: the key has come.
-    std::set<std::string> keys; // Those of the map, to be found fast.
+    bool awaitsValue = false;                      // In a map: the key has come.
+    Fate fate = Fate::Kept;                        // Of that value.
+    std::map<std::string, std::size_t> items = {}; // Of a map, by their keys.
   };
 
   [[noreturn]] static void Refuse(const YAML::Mark& aMark, const std::string& aReason) {
@@ -123,8 +168,7 @@ private:
     Count(aMark, 1);
     if (mOpen.size() >= kMostYamlDepth)
       Refuse(aMark, "nested more than " + std::to_string(kMostYamlDepth) + " deep");
-    mOpen.push_back(
-        {{.kind = aKind, .place = GetPlace(aMark), .text = {}, .items = {}, .keys = {}}, aAnchor, false, {}});
+    mOpen.push_back({{.kind = aKind, .place = GetPlace(aMark), .text = {}, .items = {}, .keys = {}}, aAnchor});
   }
   void Close() {
     OpenNode closed = std::move(mOpen.back());
@@ -135,29 +179,42 @@ private:
     Keep(mark, closed.anchor, closed.node);
     Place(mark, std::move(closed.node));
   }
+  // Whether the next value is a key of the innermost map.
+  bool AwaitsKey() const { return mOpen.back().node.kind == YamlKind::Map && !mOpen.back().awaitsValue; }
   // Puts a whole value where it belongs.
   void Place(const YAML::Mark& aMark, YamlNode aNode) {
-    if (mOpen.empty()) {
+    if (mOpen.empty())
       mRoot = std::move(aNode);
-      return;
-    }
-    OpenNode& parent = mOpen.back();
-    if (parent.node.kind == YamlKind::Map && !parent.awaitsValue) {
-      PlaceKey(aMark, parent, aNode);
-      return;
-    }
-    parent.awaitsValue = false;
-    parent.node.items.push_back(std::move(aNode));
+    else if (AwaitsKey())
+      PlaceKey(aMark, mOpen.back(), aNode);
+    else
+      PlaceValue(mOpen.back(), std::move(aNode));
   }
-  static void PlaceKey(const YAML::Mark& aMark, OpenNode& aParent, const YamlNode& aKey) {
-    if (aKey.kind != YamlKind::Scalar)
-      Refuse(aMark, "a key has to be a word");
-    if (!aParent.keys.insert(aKey.text).second)
-      Refuse(aMark, "the key \"" + aKey.text + "\" is there twice");
-    aParent.node.keys.emplace_back(aKey.text, GetPlace(aMark));
+  void PlaceKey(const YAML::Mark& aMark, OpenNode& aParent, const YamlNode& aKey) {
     aParent.awaitsValue = true;
+    if (aKey.kind != YamlKind::Scalar) {
+      mProblems.Report(GetPlace(aMark), "a key has to be a word");
+      aParent.fate = Fate::Dropped;
+      return;
+    }
+    const auto [item, isNew] = aParent.items.emplace(aKey.text, aParent.node.items.size());
+    aParent.fate = isNew ? Fate::Kept : Fate::Doubled;
+    if (isNew) {
+      aParent.node.keys.emplace_back(aKey.text, GetPlace(aMark));
+      return;
+    }
+    mProblems.Report(GetPlace(aMark), "the key \"" + aKey.text + "\" is there twice");
+    aParent.node.doubledItems.push_back(item->second);
+  }
+  static void PlaceValue(OpenNode& aParent, YamlNode aNode) {
+    aParent.awaitsValue = false;
+    if (aParent.fate == Fate::Kept)
+      aParent.node.items.push_back(std::move(aNode));
+    else if (aParent.fate == Fate::Doubled)
+      aParent.node.doubles.push_back(std::move(aNode));
   }
 
+  TextProblems& mProblems;
   YamlNode mRoot;
   std::vector<OpenNode> mOpen; // The innermost last.
   std::map<YAML::anchor_t, YamlNode> mAnchored;
@@ -174,31 +231,22 @@ public:
   }
 };
 
-std::optional<TextPlace> FindBadByte(std::string_view aText) {
-  std::optional<std::size_t> offset = FindInvalidUtf8(aText);
-  if (const std::size_t zero = aText.find('\0'); zero != std::string_view::npos)
-    offset = std::min(offset.value_or(zero), zero);
-  if (!offset)
-    return std::nullopt;
-  const std::string_view before = aText.substr(0, *offset);
-  const std::size_t lineBegin = before.rfind('\n') + 1; // 0 where there is no line end.
-  return TextPlace{static_cast<std::size_t>(std::ranges::count(before, '\n')) + 1, *offset - lineBegin + 1};
+// Tells of the first byte of each line that is no UTF-8.
+void ReportBadBytes(std::string_view aText, TextProblems& aProblems) {
+  std::size_t line = 1;
+  for (std::size_t begin = 0; begin < aText.size(); ++line) {
+    const std::size_t end = std::min(aText.find('\n', begin), aText.size());
+    if (const std::optional<std::size_t> bad = FindInvalidUtf8(aText.substr(begin, end - begin)))
+      aProblems.Report({line, *bad + 1}, "the file is no UTF-8 text");
+    begin = end + 1;
+  }
 }
 
-} // namespace
-
-YamlNode ParseYaml(std::string_view aText, TextProblems& aProblems) {
-  if (aText.size() > kMostYamlBytes) {
-    aProblems.Report({}, "the file has more than " + std::to_string(kMostYamlBytes) + " bytes");
-    return {};
-  }
-  if (const std::optional<TextPlace> place = FindBadByte(aText)) {
-    aProblems.Report(*place, "the file is no UTF-8 text");
-    return {};
-  }
+// Of a text that has bytes of texts alone.
+YamlNode ParseText(std::string_view aText, TextProblems& aProblems) {
   TextBuffer buffer(aText);
   std::istream stream(&buffer);
-  TreeBuilder builder;
+  TreeBuilder builder(aProblems);
   try {
     YAML::Parser parser(stream);
     while (parser.HandleNextDocument(builder)) {
@@ -209,7 +257,33 @@ YamlNode ParseYaml(std::string_view aText, TextProblems& aProblems) {
   } catch (const std::exception& error) {
     aProblems.Report({}, std::string("the text could not be read: ") + error.what());
   }
-  return {};
+  return builder.TakeCutRoot();
+}
+
+YamlNode MakeUnread() {
+  YamlNode root;
+  root.isCut = true;
+  return root;
+}
+
+} // namespace
+
+YamlNode ParseYaml(std::string_view aText, TextProblems& aProblems) {
+  if (aText.size() > kMostYamlBytes) {
+    aProblems.Report({}, "the file has more than " + std::to_string(kMostYamlBytes) + " bytes");
+    return MakeUnread();
+  }
+  // What has zeros is another kind of file, of which everything would be told to be wrong.
+  if (const std::size_t zero = aText.find('\0'); zero != std::string_view::npos) {
+    const std::string_view before = aText.substr(0, zero);
+    const auto line = static_cast<std::size_t>(std::ranges::count(before, '\n')) + 1;
+    aProblems.Report({line, zero - (before.rfind('\n') + 1) + 1}, "the file is no UTF-8 text");
+    return MakeUnread();
+  }
+  if (!FindInvalidUtf8(aText))
+    return ParseText(aText, aProblems);
+  ReportBadBytes(aText, aProblems);
+  return ParseText(ReplaceBadBytes(aText), aProblems);
 }
 
 } // namespace krpersistence

@@ -1,5 +1,6 @@
 #include "camerafile/camerafilereader.h"
 
+#include "camerafile/doubledkeys.h"
 #include "camerafile/featurecommands.h"
 #include "camerafile/featurereader.h"
 #include "camerafile/featurevaluesreader.h"
@@ -7,7 +8,7 @@
 #include "camerafile/protocolreader.h"
 
 #include <algorithm>
-#include <charconv>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -37,12 +38,12 @@ public:
       mProtocol = ReadFileProtocol(*protocol, mMap.GetProblem());
       mModel.protocol = mProtocol.protocol;
     }
-    if (mMap.FindNeeded("categories"))
+    if (mMap.FindNeeded("categories") && IsProtocolKnown())
       for (const YamlNode& item : mMap.TakeItems("categories", kMostCategories))
         ReadCategory(item, mModel.topCategories);
     mMap.Finish();
     if (mModel.features.empty() && mMap.Find("categories"))
-      mMap.Report(mMap.Find("categories")->place, "there has to be a feature");
+      mMap.ReportMissing(mMap.Find("categories")->place, "there has to be a feature");
     for (std::size_t i = 0; i < mModel.features.size(); ++i)
       Resolve(i);
     ResolveProbe();
@@ -50,6 +51,12 @@ public:
   }
 
 private:
+  // What is wrong with a feature depends on the protocol, which may stand behind the place where a file is cut.
+  bool IsProtocolKnown() {
+    const YamlNode* const protocol = mMap.Find("protocol");
+    return !mMap.IsCut() || (protocol && !protocol->isCut);
+  }
+
   void ReadCamera(const YamlNode& aNode) {
     FileMap map(aNode, "the camera", mMap.GetProblem());
     if (map.FindNeeded("vendor"))
@@ -90,6 +97,8 @@ private:
     ReadFeature read = ReadFileFeature(aNode, mProtocol, mMap.GetProblem());
     if (!read.feature.name.empty() && Announce(read.feature.name, read.references.namePlace))
       mFeatures[read.feature.name] = mModel.features.size();
+    if (aNode.isCut)
+      mCutFeature = mModel.features.size();
     aCategory.features.push_back(mModel.features.size());
     mModel.features.push_back(std::move(read.feature));
     mReferences.push_back(std::move(read.references));
@@ -104,11 +113,12 @@ private:
     return isNew;
   }
 
+  // Nothing for a feature that is cut, too, of which nobody knows what can be done with it.
   std::optional<std::size_t> Find(const PlacedWord& aName) {
     const auto feature = mFeatures.find(aName.word);
     if (feature != mFeatures.end())
-      return feature->second;
-    mMap.Report(aName.place, "there is no feature " + FileMap::Quote(aName.word));
+      return feature->second == mCutFeature ? std::nullopt : std::optional(feature->second);
+    mMap.ReportMissing(aName.place, "there is no feature " + FileMap::Quote(aName.word));
     return std::nullopt;
   }
 
@@ -217,36 +227,29 @@ private:
   ReadProtocol mProtocol;
   std::vector<FeatureReferences> mReferences;
   std::size_t mChanges = 0;
+  std::optional<std::size_t> mCutFeature;
   std::unordered_map<std::string, std::size_t> mNames; // With their lines.
   std::unordered_map<std::string, std::size_t> mFeatures;
 };
-
-// Line and column at the beginning of a problem, for sorting; the note that there are more has none that count.
-std::pair<std::size_t, std::size_t> GetPlace(const std::string& aProblem) {
-  std::pair<std::size_t, std::size_t> place;
-  const char* const end = aProblem.data() + aProblem.size();
-  const char* const colon = std::from_chars(aProblem.data(), end, place.first).ptr;
-  if (colon != end)
-    std::from_chars(colon + 1, end, place.second);
-  return place;
-}
 
 } // namespace
 
 std::optional<FileModel> ReadCameraFileText(std::string_view aText, std::vector<std::string>& aErrors) {
   TextProblems problems;
-  const YamlNode root = krpersistence::ParseYaml(aText, problems);
-  FileModel model;
-  if (!problems.IsThere())
-    model = Reader(root, problems).Read();
+  YamlNode root = krpersistence::ParseYaml(aText, problems);
+  JoinDoubledLists(root);
+  FileModel model = Reader(root, problems).Read();
   if (!problems.IsThere())
     return model;
-  aErrors = problems.GetTexts();
-  const auto last =
-      aErrors.begin() + static_cast<std::ptrdiff_t>(std::min(aErrors.size(), krpersistence::kMostTextProblems));
-  std::stable_sort(aErrors.begin(), last, [](const std::string& aLeft, const std::string& aRight) {
-    return GetPlace(aLeft) < GetPlace(aRight);
+  ForEachDoubledValue(root, [&](const std::set<TextPlace>& aPlaces) {
+    TextProblems others;
+    (void)Reader(root, others).Read(); // It is no model: the file has mistakes.
+    for (const krpersistence::TextProblem& problem : others.GetProblems())
+      if (aPlaces.contains(problem.place))
+        problems.Report(problem.place, problem.reason);
   });
+  problems.Sort();
+  aErrors = problems.GetTexts();
   return std::nullopt;
 }
 

@@ -36,13 +36,14 @@ public:
     if (mMap.Find("get"))
       ReadGet();
     else if (const YamlNode* const answer = mMap.Find("getAnswer"))
-      mMap.Report(answer->place, "\"getAnswer\" needs the key \"get\"");
+      mMap.ReportMissing(answer->place, "\"getAnswer\" needs the key \"get\"");
     if (mMap.Find("set"))
       ReadSet("set", "setAnswer", true);
     else if (const YamlNode* const answer = mMap.Find("setAnswer"))
-      mMap.Report(answer->place, "\"setAnswer\" needs the key \"set\"");
+      mMap.ReportMissing(answer->place, "\"setAnswer\" needs the key \"set\"");
     if (!mMap.Find("get") && !mMap.Find("set") && !isHeld)
-      mMap.Report(mMap.GetPlace(), "a feature needs one of the keys \"get\", \"set\", \"start\" and \"constant\"");
+      mMap.ReportMissing(mMap.GetPlace(),
+                         "a feature needs one of the keys \"get\", \"set\", \"start\" and \"constant\"");
   }
 
 private:
@@ -93,7 +94,8 @@ private:
       if (!answer)
         return;
     } else if (!answer && IsBinaryData()) {
-      mMap.Report(place, "\"get\" needs the key \"getAnswer\" with what the camera answers, here or in the protocol");
+      mMap.ReportMissing(place,
+                         "\"get\" needs the key \"getAnswer\" with what the camera answers, here or in the protocol");
       return;
     } else if (!answer) {
       answer = CommandTemplate{{.kind = Kind::Value}};
@@ -120,9 +122,9 @@ private:
   void ReadSetAnswer(std::string_view aKey, std::string_view aAnswerKey, const TextPlace& aPlace) {
     const YamlNode* const node = mMap.Find(aAnswerKey);
     if (!node && !mProtocol.hasSetAnswer) {
-      mMap.Report(aPlace, "\"" + std::string(aKey) + "\" needs the key \"" + std::string(aAnswerKey) +
-                              "\" with what the camera answers, or ~ where it answers nothing, here or as "
-                              "\"setAnswer\" in the protocol");
+      mMap.ReportMissing(aPlace, "\"" + std::string(aKey) + "\" needs the key \"" + std::string(aAnswerKey) +
+                                     "\" with what the camera answers, or ~ where it answers nothing, here or as "
+                                     "\"setAnswer\" in the protocol");
       return;
     }
     if (node && node->kind == YamlKind::Null)

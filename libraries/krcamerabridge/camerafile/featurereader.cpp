@@ -151,7 +151,7 @@ private:
   void SetDefaults() {
     const bool isAsked = mFeature.get.has_value();
     if (mFeature.pollMs > 0 && !isAsked)
-      mMap.Report(mMap.Find("pollMs")->place, "\"pollMs\" needs the key \"get\", by which the camera is asked");
+      mMap.ReportMissing(mMap.Find("pollMs")->place, "\"pollMs\" needs the key \"get\", by which the camera is asked");
     mFeature.isStreamable = mFeature.set && mFeature.IsReadable() && mFeature.type != FileType::Command;
     mMap.TakeFlag("streamable", mFeature.isStreamable);
   }

@@ -37,16 +37,18 @@ public:
     case FileType::Boolean:
       ReadSwitch("off", "0");
       ReadSwitch("on", "1");
-      CheckWires();
       break;
     case FileType::Enumeration:
       if (const YamlNode* const node = mMap.FindNeeded("entries"))
         ReadEntries(*node);
-      CheckWires();
       break;
     case FileType::Command:
       return;
     }
+    // Of a feature that is cut it is not known what values it has.
+    if (mMap.IsCut())
+      return;
+    CheckWires();
     ReadHeld();
   }
 
@@ -163,7 +165,7 @@ private:
                                    std::to_string(kMostEntries));
       return;
     }
-    if (aNode.items.empty())
+    if (aNode.items.empty() && !aNode.isCut)
       mMap.Report(aNode.place, "\"entries\" needs an entry");
   }
 

@@ -45,6 +45,8 @@ public:
     mMap.TakeNumber("answerMs", protocol.answerMs, 1, kMostMs);
     mMap.TakeNumber("pauseMs", protocol.pauseMs, 0, kMostMs);
     mMap.TakeNumber("repeats", protocol.repeats, 0, 9);
+    if (mMap.IsCut() && !mMap.Find("data"))
+      return std::move(mRead); // Whether templates are texts or bytes is not known.
     if (const YamlNode* const check = mMap.Find("check"))
       ReadCheck(*check);
     ReadFrame();
@@ -102,9 +104,9 @@ private:
     ReadPart("answerStart", protocol.answerStart);
     ReadPart("answerEnd", protocol.answerEnd);
     if (!protocol.isBinary && GetEnding(protocol.answerEnd).empty())
-      mMap.Report(mMap.GetPlace(),
-                  "the protocol needs the key \"answerEnd\" with the characters that end every answer, "
-                  "for example \"\\r\\n\"");
+      mMap.ReportMissing(mMap.GetPlace(),
+                         "the protocol needs the key \"answerEnd\" with the characters that end every answer, "
+                         "for example \"\\r\\n\"");
     mMap.TakeFlag("echo", protocol.hasEcho);
     protocol.echoEnd = GetEnding(protocol.commandEnd);
     ReadLiteral("echoEnd", protocol.echoEnd);
@@ -130,7 +132,8 @@ private:
     if (const YamlNode* const node = map.FindNeeded("answer")) {
       std::optional<CommandTemplate> answer = map.TakeTemplate(
           "answer", mRead.protocol.isBinary, {Kind::Text, Kind::Code, Kind::Check, Kind::Length, Kind::Skip});
-      if (answer && SetFormats(*answer, error, map, node->place))
+      // A protocol that is cut may lack what stands at the ends of every answer.
+      if (answer && SetFormats(*answer, error, map, node->place) && !mMap.IsCut())
         if (auto whole = CompleteAnswer(mRead.protocol, *answer, map, node->place, "answer"))
           error.answer = std::move(*whole);
     }

@@ -31,7 +31,7 @@ public:
 
   /// The value of a key; null where it is not there.
   const YamlNode* Find(std::string_view aKey);
-  /// The same; a problem where it is not there.
+  /// The same; a problem where it is not there, unless the map is cut.
   const YamlNode* FindNeeded(std::string_view aKey);
 
   void TakeText(std::string_view aKey, std::size_t aMostBytes, KrString& aText);
@@ -63,6 +63,12 @@ public:
   /// Reports the keys that nobody asked for. To be called after all keys were.
   void Finish();
   void Report(const TextPlace& aPlace, const std::string& aReason) { mProblems.Report(aPlace, aReason); }
+  /// A problem that is none where the rest of a map that is cut has what is missing.
+  void ReportMissing(const TextPlace& aPlace, const std::string& aReason) {
+    if (!mNode.isCut)
+      Report(aPlace, aReason);
+  }
+  bool IsCut() const { return mNode.isCut; }
   const TextPlace& GetPlace() const { return mNode.place; }
   TextProblems& GetProblem() { return mProblems; }
 
