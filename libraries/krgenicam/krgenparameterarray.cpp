@@ -7,6 +7,14 @@
 #include <string>
 #include <utility>
 
+KrGenParameterArray::Turn::Turn(KrGenParameterArray& aArray) : mMap(*aArray.mMap) {
+  mMap.KeepTurn();
+}
+
+KrGenParameterArray::Turn::~Turn() {
+  mMap.ReleaseTurn();
+}
+
 KrResult KrGenParameterArray::Open(const KrGenDescription& aDescription, IKrRegisterPort& aPort,
                                    const KrGenArrayOptions& aOptions, std::unique_ptr<KrGenParameterArray>& aArray) {
   std::unique_ptr<krgenicam::NodeMap> map;

@@ -15,9 +15,9 @@ bool Fits(FileType aType, const WireFormat& aFormat) {
   case FileType::Float:
     return IsNumber(aFormat);
   case FileType::String:
-    return aFormat.kind == WireKind::Text;
+    return IsText(aFormat);
   default:
-    return aFormat.kind == WireKind::Text || IsWholeNumber(aFormat);
+    return IsText(aFormat) || IsWholeNumber(aFormat);
   }
 }
 

@@ -205,6 +205,15 @@ private:
     return false;
   }
 
+  // Whether no answer can be this entry, as the blanks around texts are passed over.
+  bool IsOutOfReach(const FileEntry& aEntry) const {
+    const TemplatePart* const part = FindPart(mFeature.getAnswer, Kind::Value);
+    constexpr std::string_view kBlanks = " \t";
+    return part && part->format.kind == WireKind::Text && !aEntry.wire.empty() &&
+           (kBlanks.find(aEntry.wire.front()) != std::string_view::npos ||
+            kBlanks.find(aEntry.wire.back()) != std::string_view::npos);
+  }
+
   // Answers have to tell the entries apart.
   void CheckWires() {
     const bool hasNumbers = HasNumberFormat();
@@ -217,6 +226,9 @@ private:
                                          FileMap::Quote(entry.wire));
       else if (!wires.insert(hasNumbers ? std::to_string(*entry.wireNumber) : entry.wire).second)
         mMap.Report(mEntryPlaces[i], "the camera has " + FileMap::Quote(entry.wire) + " for another entry, too");
+      if (!hasNumbers && IsOutOfReach(entry))
+        mMap.Report(mEntryPlaces[i], "blanks at the ends of " + FileMap::Quote(entry.wire) +
+                                         " count only where the answer has {value:raw}");
     }
   }
 

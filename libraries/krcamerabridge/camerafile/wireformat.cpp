@@ -36,8 +36,8 @@ struct SizedRow {
 };
 
 constexpr SizedRow kSizedWords[] = {
-    {"lowerhex", WireKind::LowerHex, 16}, {"hex", WireKind::Hex, 16}, {"text", WireKind::Text, kMostFormatSize},
-    {"d", WireKind::Decimal, 18},         {"f", WireKind::Real, 15},
+    {"lowerhex", WireKind::LowerHex, 16},    {"hex", WireKind::Hex, 16},   {"text", WireKind::Text, kMostFormatSize},
+    {"raw", WireKind::Raw, kMostFormatSize}, {"d", WireKind::Decimal, 18}, {"f", WireKind::Real, 15},
 };
 
 std::string_view Trim(std::string_view aText) {
@@ -206,6 +206,10 @@ bool IsWholeNumber(const WireFormat& aFormat) {
          aFormat.kind == WireKind::Unsigned || aFormat.kind == WireKind::Signed;
 }
 
+bool IsText(const WireFormat& aFormat) {
+  return aFormat.kind == WireKind::Text || aFormat.kind == WireKind::Raw;
+}
+
 bool IsNumber(const WireFormat& aFormat) {
   return IsWholeNumber(aFormat) || aFormat.kind == WireKind::Real || aFormat.kind == WireKind::BinaryReal;
 }
@@ -215,7 +219,7 @@ bool IsBinary(const WireFormat& aFormat) {
 }
 
 std::optional<std::string> EncodeWire(const WireFormat& aFormat, const WireValue& aValue) {
-  if (aFormat.kind == WireKind::Text || aFormat.kind == WireKind::Automatic)
+  if (IsText(aFormat) || aFormat.kind == WireKind::Automatic)
     return WriteText(aFormat, aValue);
   if (IsWholeNumber(aFormat)) {
     const std::optional<std::int64_t> whole = ToWhole(aValue);
@@ -243,10 +247,12 @@ std::optional<WireValue> DecodeWire(const WireFormat& aFormat, std::string_view 
   case WireKind::Real:
     return ReadReal(aBytes);
   case WireKind::Automatic:
-  case WireKind::Text: {
+  case WireKind::Text:
+  case WireKind::Raw: {
     // Cameras fill texts of a fixed size up with blanks or zeros.
     const std::size_t zero = aFormat.size > 0 ? aBytes.find('\0') : std::string_view::npos;
-    return std::string(Trim(aBytes.substr(0, zero)));
+    const std::string_view text = aBytes.substr(0, zero);
+    return std::string(aFormat.kind == WireKind::Raw ? text : Trim(text));
   }
   default:
     return ReadBinary(aFormat, aBytes);

@@ -20,7 +20,8 @@ enum class WireKind : std::uint8_t {
   Hex,
   LowerHex,
   Real,     ///< A decimal number with a fraction.
-  Text,     ///< As it stands.
+  Text,     ///< As it stands, without blanks around it.
+  Raw,      ///< As it stands.
   Unsigned, ///< The remaining kinds are binary.
   Signed,
   BinaryReal,
@@ -42,11 +43,13 @@ std::optional<WireFormat> ParseWireFormat(std::string_view aWord);
 /// How many bytes it always takes; 0 where that differs.
 std::size_t GetFixedSize(const WireFormat& aFormat);
 bool IsWholeNumber(const WireFormat& aFormat);
+bool IsText(const WireFormat& aFormat);
 bool IsNumber(const WireFormat& aFormat);
 bool IsBinary(const WireFormat& aFormat);
 /// The bytes of a value; nothing where it does not fit. A real number for a whole format is rounded.
 std::optional<std::string> EncodeWire(const WireFormat& aFormat, const WireValue& aValue);
-/// The value of bytes; nothing where they are none. Blanks around numbers are passed over.
+/// The value of bytes; nothing where they are none. Blanks around numbers and texts, but raw ones, are
+/// passed over.
 std::optional<WireValue> DecodeWire(const WireFormat& aFormat, std::string_view aBytes);
 /// The least and the largest whole number that it can write.
 struct WireRange {

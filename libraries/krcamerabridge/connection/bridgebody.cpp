@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <system_error>
 
 namespace krcamerabridge {
 
@@ -59,6 +61,22 @@ private:
   KrResult mFirst;
 };
 
+// The path from the root of the file system, as the directory that it starts from now may be another when it is used
+// again. Links, and what goes up behind one, stay as they are.
+KrString MakeAbsolute(const KrString& aPath) {
+  if (aPath.IsEmpty())
+    return aPath;
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(aPath.CStr(), error);
+  if (error)
+    return aPath;
+  std::filesystem::path path;
+  for (const std::filesystem::path& part : absolute)
+    if (part != ".")
+      path /= part;
+  return path.string();
+}
+
 KrResult TellUnconnected(const KrString& aAttempt) {
   return {KrResult::Code::WrongState, aAttempt + ": the camera bridge is not connected."};
 }
@@ -102,7 +120,9 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token&
     return OpenLine();
   };
   KrStringList mistakes;
-  KrResult result = CameraConnection::Open(aChoice, {openLine, aStop, mistakes}, mConnection);
+  CameraChoice choice = aChoice;
+  choice.path = MakeAbsolute(aChoice.path);
+  KrResult result = CameraConnection::Open(choice, {openLine, aStop, mistakes}, mConnection);
   if (aChoice.way == &kCameraFileWay)
     mMistakes = mistakes;
   if (!result.IsOK()) {

@@ -23,9 +23,10 @@ using ImageFormat = std::array<std::optional<KrString>, kCarriedFeatures.size()>
 KrResult ReadImageFormat(KrGenParameterArray& aCamera, ImageFormat& aFormat);
 
 /// Sets the features of the device's source (of the selected one where it is empty) that are others, the offsets to
-/// their least value first, so that any size fits that the device can have. The selector is put back. aProblems gets a
-/// sentence for everything that could not be done; what can be done is. False when aMayGoOn, which is asked before each
-/// setting, ended it.
+/// their least value first, so that any size fits that the device can have. The selector is put back, unless the device
+/// has another one selected by then. No other thread's operation on the device's parameters comes between. aProblems
+/// gets a sentence for everything that could not be done; what can be done is, as long as the device answers. False
+/// when aMayGoOn, which is asked before each setting, ended it; it waits for nobody that may use these parameters.
 bool CarryImageFormat(const ImageFormat& aFormat, KrGenParameterArray& aDevice, const KrString& aSource,
                       const std::function<bool()>& aMayGoOn, KrStringList& aProblems);
 

@@ -3,13 +3,13 @@
 // left to them, what users see of them to the public classes.
 
 #include "description/description.h"
-#include "krbase/krturnmutex.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "map/accessquestion.h"
 #include "map/accessstop.h"
 #include "map/failurecountingport.h"
 #include "map/featuretree.h"
 #include "map/invalidation.h"
+#include "map/maplock.h"
 #include "map/notificationthread.h"
 #include "map/pollingschedule.h"
 #include "nodes/evaluation.h"
@@ -77,6 +77,10 @@ public:
     Evaluation evaluation(*this);
     return aCall(evaluation);
   }
+
+  // As KrGenParameterArray::Turn.
+  void KeepTurn() { mLock.Keep(); }
+  void ReleaseTurn() { mLock.Release(); }
 
   /// What can be done with a parameter. A failure of the port that may be why it is not more is one here: the mode is
   /// what it counts as then.
@@ -164,7 +168,7 @@ private:
   std::size_t mUnlistedFaults = 0;
   std::size_t mFormulaOperations = 0; // Of all formulas that were compiled.
 
-  mutable KrTurnMutex mLock; // Guards the nodes and the members from here on.
+  mutable MapLock mLock; // Guards the nodes and the members from here on.
   FailureCountingPort mPort;
   std::atomic<std::uint64_t> mEpoch = 0; // Also read without the lock, by who registers a sink.
   std::uint64_t mMark = 0;

@@ -76,6 +76,11 @@ public:
     device = std::make_unique<KrDeviceGEV>(std::move(made), MakeDeviceFields(), KrDeviceAccess::Control);
   }
 
+  KrGenParameterArray& GetParameters() {
+    KrGenParameterArray* parameters = nullptr;
+    EXPECT_TRUE(device->GetParameters(parameters).IsOK());
+    return *parameters;
+  }
   static std::uint64_t GetRegister(std::uint32_t aSource, const char* aName) {
     return FindRegister(kSourceRegisters + aSource * kSourceBytes, aName);
   }

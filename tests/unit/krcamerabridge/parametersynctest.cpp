@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
 #include <vector>
 
 using testing::ElementsAre;
@@ -131,26 +133,103 @@ TEST(ParameterSync, DeviceWithoutSources_IsToldWhenOneIsChosen) {
 
 TEST(CarryImageFormat, StreamThatComesBetween_IsLeftAloneFromThenOn) {
   GrabberDevice grabber;
-  KrGenParameterArray* parameters = nullptr;
-  ASSERT_TRUE(grabber.device->GetParameters(parameters).IsOK());
+  KrGenParameterArray& parameters = grabber.GetParameters();
   const ImageFormat format = {"Mono16", "200", "100", "8", "4"};
   KrStringList problems;
 
   EXPECT_FALSE(CarryImageFormat(
-      format, *parameters, "Source1", [] { return false; }, problems));
+      format, parameters, "Source1", [] { return false; }, problems));
   for (const char* const name : kSizeFeatures)
     EXPECT_EQ(grabber.Peek(1, name), 0u) << name;
 
   const auto isUnset = [&] { return grabber.Peek(1, "Width") == 0; };
-  EXPECT_FALSE(CarryImageFormat(format, *parameters, "Source1", isUnset, problems));
+  EXPECT_FALSE(CarryImageFormat(format, parameters, "Source1", isUnset, problems));
   EXPECT_EQ(grabber.Peek(1, "Width"), 200u);
   EXPECT_EQ(grabber.Peek(1, "Height"), 0u);
   EXPECT_EQ(grabber.link->Peek(kSelectorRegister), 0u);
 
   EXPECT_TRUE(CarryImageFormat(
-      format, *parameters, "Source1", [] { return true; }, problems));
+      format, parameters, "Source1", [] { return true; }, problems));
   EXPECT_EQ(grabber.Peek(1, "Height"), 100u);
   EXPECT_TRUE(problems.IsEmpty());
+}
+
+TEST(CarryImageFormat, OtherThreads_WriteBeforeOrBehindItAlone) {
+  GrabberDevice grabber;
+  KrGenParameterArray& parameters = grabber.GetParameters();
+  KrStringList problems;
+  std::atomic<bool> isWritten = false;
+  std::jthread user;
+  const auto letTheUserTry = [&] {
+    if (!user.joinable())
+      user = std::jthread([&] {
+        EXPECT_TRUE(parameters.GetInteger("Width")->SetValue(77).IsOK());
+        EXPECT_TRUE(parameters.GetEnum("SourceSelector")->SetEntry("Source1").IsOK());
+        isWritten = true;
+      });
+    for (int i = 0; i < 10000 && !isWritten; ++i)
+      std::this_thread::yield();
+    EXPECT_FALSE(isWritten);
+    return true;
+  };
+
+  EXPECT_TRUE(CarryImageFormat({"Mono16", "200", "100", "8", "4"}, parameters, "Source1", letTheUserTry, problems));
+  user.join();
+
+  EXPECT_TRUE(problems.IsEmpty());
+  EXPECT_EQ(grabber.Peek(1, "Width"), 200u);
+  EXPECT_EQ(grabber.Peek(1, "OffsetY"), 4u);
+  EXPECT_EQ(grabber.Peek(0, "Width"), 77u) << "of the source that was selected when it was written";
+  EXPECT_EQ(grabber.link->Peek(kSelectorRegister), 1u) << "what the user chose last";
+}
+
+TEST(CarryImageFormat, SelectorThatTheDeviceHasMovedMeanwhile_IsLeftThere) {
+  std::string nodes = MakeGrabberNodes();
+  nodes.insert(nodes.find("<EnumEntry"), "<EnumEntry Name=\"Source2\"><Value>2</Value></EnumEntry>");
+  GrabberDevice grabber(nodes);
+  KrStringList problems;
+  const auto moveSelector = [&] {
+    grabber.link->Poke(kSelectorRegister, 2);
+    return true;
+  };
+
+  EXPECT_TRUE(CarryImageFormat({std::nullopt, "200"}, grabber.GetParameters(), "Source1", moveSelector, problems));
+
+  EXPECT_TRUE(problems.IsEmpty());
+  EXPECT_EQ(grabber.Peek(1, "Width"), 200u);
+  EXPECT_EQ(grabber.link->Peek(kSelectorRegister), 2u);
+}
+
+TEST(CarryImageFormat, SelectorThatTheDeviceHadMovedBefore_IsSeen) {
+  GrabberDevice grabber;
+  KrStringList problems;
+  ASSERT_TRUE(grabber.GetParameters().GetEnum("SourceSelector")->SetEntry("Source1").IsOK());
+  grabber.link->Poke(kSelectorRegister, 0);
+
+  EXPECT_TRUE(CarryImageFormat(
+      {std::nullopt, "200"}, grabber.GetParameters(), "Source1", [] { return true; }, problems));
+
+  EXPECT_EQ(grabber.Peek(1, "Width"), 200u);
+  EXPECT_EQ(grabber.link->Peek(kSelectorRegister), 0u);
+}
+
+TEST(CarryImageFormat, DeviceThatDoesNotAnswerAnyMore_IsToldOnceAndNotAskedForTheRest) {
+  GrabberDevice grabber;
+  KrStringList problems;
+  std::size_t unanswered = 0;
+  grabber.link->port.SetFault([&, isSilent = false](const RegisterAccessRecord& aAccess) mutable {
+    isSilent = isSilent || (aAccess.isWrite && aAccess.address == GrabberDevice::GetRegister(1, "Width"));
+    unanswered += isSilent;
+    return isSilent ? KrResult(KrResult::Code::TimeLimitExceeded) : KrResult();
+  });
+
+  EXPECT_TRUE(CarryImageFormat(
+      {"Mono8", "200", "100", "8", "4"}, grabber.GetParameters(), "Source1", [] { return true; }, problems));
+
+  ASSERT_EQ(problems.GetCount(), 2u);
+  EXPECT_THAT(problems[0].ToUtf8(), HasSubstr("size and pixel format could not be set on the device: "));
+  EXPECT_THAT(problems[1].ToUtf8(), HasSubstr("source \"Source0\" could not be selected again: "));
+  EXPECT_EQ(unanswered, 2u);
 }
 
 TEST(ParameterSync, Detached_HearsOfNothing) {

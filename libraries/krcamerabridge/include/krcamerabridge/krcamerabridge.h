@@ -109,7 +109,8 @@ public:
   std::uint64_t GetBytesReceivedFromCamera() const;
   void ResetStatistics();
 
-  /// What it is connected with. WrongState where it is not connected in that way.
+  /// What it is connected with. WrongState where it is not connected in that way. The path is the absolute one, by the
+  /// directory that the process was in when it connected.
   KrResult GetTolvanCameraFilePath(KrString& aPath) const;
   KrResult GetCLProtocolCameraID(KrString& aCameraID) const;
   KrResult GetCLProtocolTemplate(KrString& aTemplate) const;

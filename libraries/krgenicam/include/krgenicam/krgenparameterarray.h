@@ -43,6 +43,22 @@ struct KrGenArrayOptions {
 ///     KrResult result = KrGenParameterArray::Open(description, port, {}, array);
 class KR_EXPORT KrGenParameterArray {
 public:
+  /// While it lives what a thread does with an array is as one operation: those of other threads wait, its own go on.
+  /// For steps that nobody may come between, as moving a selector, setting what it selects, and putting it back.
+  ///
+  /// Thread: ends on the one that made it, which waits for no other thread meanwhile; of one thread there may be
+  /// several. Cancel and Close work as ever. Ownership: ends before the array.
+  class KR_EXPORT Turn {
+  public:
+    explicit Turn(KrGenParameterArray& aArray);
+    ~Turn();
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+  private:
+    krgenicam::NodeMap& mMap;
+  };
+
   /// Reads a description. BadData with line and column where it is no description at all or none that this version
   /// knows; a fault in one node only costs that node (GetFaults). aArray is set on success only.
   static KrResult Open(const KrGenDescription& aDescription, IKrRegisterPort& aPort, const KrGenArrayOptions& aOptions,

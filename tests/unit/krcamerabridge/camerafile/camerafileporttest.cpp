@@ -109,6 +109,22 @@ TEST_F(TextCameraFile, Setting_SendsTheCommand) {
   EXPECT_EQ(rig.GetText("ExposureTime"), "250"); // What the camera made of it.
 }
 
+TEST(CameraFile, BlanksAroundATextOfTheCamera_AreKeptWhereTheFileSaysSo) {
+  std::string text = ReadExample("text-camera.yml");
+  Rig<TextCamera> plain(text);
+  Replace(text, "getAnswer: \"NAME={value}\"", "getAnswer: \"NAME={value:raw}\"");
+  Rig<TextCamera> raw(text);
+
+  EXPECT_TRUE(plain.Set("DeviceUserID", " right eye ").IsOK());
+  EXPECT_TRUE(raw.Set("DeviceUserID", " right eye ").IsOK());
+  plain.array->InvalidateCache();
+  raw.array->InvalidateCache();
+
+  EXPECT_EQ(plain.camera.Get("NAME"), " right eye ");
+  EXPECT_EQ(plain.GetText("DeviceUserID"), "right eye");
+  EXPECT_EQ(raw.GetText("DeviceUserID"), " right eye ");
+}
+
 TEST_F(TextCameraFile, Describing_IsInTheParameters) {
   EXPECT_EQ(rig.array->GetVendorName(), KrString("Example Optics"));
   EXPECT_EQ(rig.array->GetModelName(), KrString("Liner 4K"));

@@ -179,6 +179,8 @@ const Row kFeatureRows[] = {
             "7:56: an entry needs the key \"wire\""),
     Feature("WireTwice", "{name: A, type: enumeration, get: X, entries: {B: 1, D: 1}}",
             "7:62: the camera has \"1\" for another entry, too"),
+    Feature("WireThatNoAnswerCanBe", "{name: A, type: enumeration, get: X, entries: {B: 'b ', D: d}}",
+            "7:56: blanks at the ends of \"b \" count only where the answer has {value:raw}"),
     Feature("WireIsNoNumber", "{name: A, type: enumeration, set: 'X{value:d}', entries: {B: one}}",
             "7:67: what the camera has for \"B\" has to be a whole number"),
     Feature("OnAndOffTheSame", "{name: A, type: boolean, get: X, on: Z, off: Z}",
@@ -295,6 +297,13 @@ TEST(CameraFileReader, Templates_AreWholeMessages) {
   EXPECT_EQ(feature.minimum->whole, 0);
   EXPECT_EQ(feature.maximum->whole, 255); // What two digits hold.
   EXPECT_TRUE(feature.isStreamable);
+}
+
+TEST(CameraFileReader, WiresWithBlanks_AreGoodWhereTheAnswerIsRaw) {
+  const FileModel model = Read(WithFeatures(
+      "      - {name: A, type: enumeration, get: X, getAnswer: '{value:raw}', entries: {B: 'b ', D: b}}\n"));
+
+  EXPECT_EQ(model.features.at(0).entries.size(), 2U);
 }
 
 TEST(CameraFileReader, TheFormatLimitsWhatCanBeSet_AfterScaling) {

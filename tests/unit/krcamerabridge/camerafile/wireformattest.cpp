@@ -37,6 +37,8 @@ const Row kBothWays[] = {
     {"RealWithDecimals", "f2", 1.5, "1.50"},
     {"Text", "text", "left eye"s, "left eye"},
     {"TextOfASize", "text8", "left"s, "left    "},
+    {"RawText", "raw", " left\t"s, " left\t"},
+    {"RawTextOfASize", "raw8", " left   "s, " left   "},
     {"Byte", "u8", Whole(200), "\xC8"s},
     {"Unsigned16BigEndian", "u16be", Whole(0x1234), "\x12\x34"s},
     {"Unsigned16LittleEndian", "u16le", Whole(0x1234), "\x34\x12"s},
@@ -73,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(All, WireFormatBothWays, testing::ValuesIn(kBothWays),
 
 TEST(WireFormat, WordsThatAreNone_AreRefused) {
   for (const char* const word :
-       {"", "x", "u16", "u8be", "d0", "d19", "hex17", "hex-1", "f16", "text65", "u48be", "hex4x"})
+       {"", "x", "u16", "u8be", "d0", "d19", "hex17", "hex-1", "f16", "text65", "raw65", "u48be", "hex4x"})
     EXPECT_FALSE(ParseWireFormat(word)) << word;
 }
 
@@ -128,6 +130,14 @@ TEST(WireFormat, WhatCamerasAddToNumbers_IsPassedOver) {
     EXPECT_EQ(DecodeWire(ParseWireFormat(word).value(), bytes), WireValue(Whole(12))) << word << ' ' << bytes;
   EXPECT_EQ(DecodeWire(ParseWireFormat("f").value(), " +1.50 "), WireValue(1.5));
   EXPECT_EQ(DecodeWire(ParseWireFormat("text8").value(), "left\0\0\0\0"s), WireValue("left"s));
+}
+
+TEST(WireFormat, BlanksAroundTexts_CountForRawOnesAlone) {
+  EXPECT_EQ(DecodeWire(ParseWireFormat("text").value(), " \tleft eye "), WireValue("left eye"s));
+  EXPECT_EQ(DecodeWire(ParseWireFormat("text8").value(), " left   "), WireValue("left"s));
+  EXPECT_EQ(DecodeWire(ParseWireFormat("raw").value(), " \tleft eye "), WireValue(" \tleft eye "s));
+  EXPECT_EQ(DecodeWire(ParseWireFormat("raw8").value(), " left \0\0"s), WireValue(" left "s));
+  EXPECT_EQ(EncodeWire(ParseWireFormat("raw8").value(), " left"s), " left   ");
 }
 
 TEST(WireFormat, RealNumbersForWholeOnes_AreRounded) {

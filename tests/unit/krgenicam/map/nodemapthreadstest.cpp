@@ -67,6 +67,47 @@ TEST(NodeMapThreads, ReadingWritingPollingAndListening_FromSeveralThreads_EndsWi
   EXPECT_TRUE(camera.array->Get("Sum")->UnregisterEventSink(&sum).IsOK());
 }
 
+TEST(NodeMapThreads, Turn_KeepsOtherThreadsWaitingUntilItsEnd) {
+  ChangingCamera camera(kNodes);
+  std::atomic<bool> isWritten = false;
+  std::jthread other;
+  {
+    const KrGenParameterArray::Turn turn(*camera.array);
+    other = std::jthread([&] {
+      EXPECT_TRUE(camera.Integer("Selector").SetValue(3).IsOK());
+      isWritten = true;
+    });
+    for (std::int64_t value = 0; value < 3; ++value) {
+      const KrGenParameterArray::Turn within(*camera.array);
+      EXPECT_TRUE(camera.Integer("Selector").SetValue(value).IsOK());
+      for (int i = 0; i < 10000 && !isWritten; ++i)
+        std::this_thread::yield();
+      EXPECT_TRUE(camera.Integer("Selected").SetValue(10 + value).IsOK());
+      EXPECT_EQ(Read(camera.Integer("Selector"), &KrGenInteger::GetValue), value);
+    }
+    EXPECT_FALSE(isWritten);
+  }
+  other.join();
+
+  EXPECT_EQ(Read(camera.Integer("Selector"), &KrGenInteger::GetValue), 3);
+  EXPECT_EQ(camera.Peek(0x200, 12), (std::vector<std::uint8_t>{10, 0, 0, 0, 11, 0, 0, 0, 12, 0, 0, 0}));
+}
+
+TEST(NodeMapThreads, Turn_OfEachOfTwoThreads_IsUndisturbedByTheOther) {
+  ChangingCamera camera(kNodes);
+  const auto take = [&](std::int64_t aValue) {
+    for (int i = 0; i < 300; ++i) {
+      const KrGenParameterArray::Turn turn(*camera.array);
+      EXPECT_TRUE(camera.Integer("A").SetValue(aValue).IsOK());
+      EXPECT_TRUE(camera.Integer("B").SetValue(1000 - aValue).IsOK());
+      EXPECT_EQ(Read(camera.Integer("Sum"), &KrGenInteger::GetValue), 1000);
+    }
+  };
+  std::jthread other([&] { take(1); });
+
+  take(2);
+}
+
 TEST(NodeMapThreads, RegisteringAndUnregistering_WhileValuesChange_CallsNobodyWhoHasLeft) {
   ChangingCamera camera(kNodes);
   std::jthread writer([&](const std::stop_token& aStop) {
