@@ -1,6 +1,6 @@
 // What goes wrong between a camera bridge and its camera.
 
-#include "camerabridgefixture.h"
+#include "checkedtextcamera.h"
 
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
@@ -42,6 +42,25 @@ TEST_P(DisturbedLineTest, OneByteInAThousand_IsNoticedAndMadeUpFor) {
   }
 
   EXPECT_GT(mBridge.GetBytesReceivedFromCamera(), 2000u);
+}
+
+TEST_P(DisturbedLineTest, OneByteInAThousand_IsNoticedByTheChecksumsOfACameraFile) {
+  CheckedTextLab checked;
+  KrCameraBridge bridge(checked.lab.GetDevice(), KrDeviceSerial::Serial0, nullptr);
+  for (const KrSerialDirection direction : {KrSerialDirection::Received, KrSerialDirection::Sent})
+    ASSERT_TRUE(((*checked.lab.GetFaults()).*GetParam().order)(0, direction, 1000).IsOK());
+
+  ASSERT_TRUE(IsFine(bridge.ConnectTolvanCameraFile(checked.path)));
+  KrGenParameterArray& camera = *bridge.GetParameters();
+  for (int i = 1; i <= 100; ++i) {
+    const std::string width = std::to_string(64 + 4 * i);
+    ASSERT_TRUE(IsFine(SetText(camera, "Width", width.c_str())));
+    ASSERT_EQ(GetText(camera, "Width"), width);
+    ASSERT_EQ(GetText(camera, "DeviceID"), "Maker,Model,SN7");
+  }
+
+  EXPECT_GT(bridge.GetBytesReceivedFromCamera(), 4000u) << "four disturbances in each direction";
+  EXPECT_GT(bridge.GetBytesSentToCamera(), 4000u);
 }
 
 INSTANTIATE_TEST_SUITE_P(CameraBridge, DisturbedLineTest,

@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -85,6 +86,28 @@ TEST_F(CameraBridgeSavingTest, CameraFile_SavedInOneProgram_IsAsItWasInTheNext) 
   EXPECT_EQ(GetText(*bridge.GetParameters(), "Width"), "320");
   EXPECT_EQ(GetText(*bridge.GetParameters(), "OffsetX"), "64");
   EXPECT_EQ(GetText(*bridge.GetParameters(), "Gain"), "12.5");
+}
+
+TEST_F(CameraBridgeSavingTest, CameraFile_ByARelativePath_IsFoundFromAnotherDirectory) {
+  const std::filesystem::path directory = std::filesystem::current_path();
+  std::filesystem::current_path(mFolder.GetPath());
+  const std::filesystem::path folder = std::filesystem::current_path();
+  std::filesystem::create_directory("sub");
+  std::filesystem::create_symlink(kTextCameraFile, "camera.yml");
+  BridgeLab lab;
+  KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Serial1, nullptr);
+  const KrResult connected = bridge.ConnectTolvanCameraFile("./sub//../camera.yml");
+  std::filesystem::current_path(directory);
+  ASSERT_TRUE(IsFine(connected));
+  KrConfigurationWriter writer;
+  ASSERT_TRUE(IsFine(bridge.Save(kName, writer)));
+  KrStringList errors;
+
+  EXPECT_TRUE(IsFine(bridge.Load(kName, ReadBack(writer), errors))) << Join(errors);
+
+  KrString path;
+  EXPECT_TRUE(bridge.GetTolvanCameraFilePath(path).IsOK());
+  EXPECT_EQ(path, (folder / "sub/../camera.yml").string());
 }
 
 TEST_F(CameraBridgeSavingTest, GenCP_SavedInOneProgram_IsAsItWasInTheNext) {

@@ -81,6 +81,8 @@ const BadLabFile kBadRows[] = {
      "goes with \"protocol: GenCP\""},
     {"confirmation of another protocol", KR_CAMERA "{protocol: CLProtocol, confirmation: 64}}]\n", "6:94",
      "goes with \"protocol: GenCP\""},
+    {"checked answers of another protocol", KR_CAMERA "{protocol: GenCP, checkedAnswers: true}}]\n", "6:91",
+     "goes with \"protocol: text\""},
     {"no confirmation", KR_CAMERA "{protocol: GenCP, confirmation: 0}}]\n", "6:89", "1 to 60000"},
     {"power that is no flag", KR_CAMERA "{protocol: text, pocl: maybe}}]\n", "6:80", "true or false"},
     {"power from nowhere", KR_CAMERA "{protocol: text, pocl: true}}]\n", "6:80", "needs a \"frameGrabber\""},

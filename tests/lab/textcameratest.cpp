@@ -39,6 +39,11 @@ protected:
   }
 };
 
+class CheckedTextTest : public TextTest {
+protected:
+  CheckedTextTest() : TextTest("protocol: text, checkedAnswers: true") {}
+};
+
 class PendingTextTest : public TextTest {
 protected:
   PendingTextTest() : TextTest("protocol: text, pending: 500") {}
@@ -53,6 +58,12 @@ TEST_F(TextTest, Commands_WithTheirChecksum_AreDone) {
   EXPECT_EQ(AskBytes("Width?*3F\r"), "512\r") << "capitals do not matter";
   EXPECT_EQ(AskBytes("exposuretime?*69\r"), "1000\r");
   EXPECT_EQ(AskBytes("id?*0C\r"), "Maker,Model,SN7\r");
+}
+
+TEST_F(CheckedTextTest, Answers_HaveChecksums) {
+  EXPECT_EQ(AskBytes("gain=12*3F\r"), "OK*9A\r");
+  EXPECT_EQ(AskBytes("gain?*DE\r"), "12*63\r");
+  EXPECT_THAT(AskBytes("gain?*DF\r"), StartsWith("ERR 1 checksum*"));
 }
 
 TEST_F(TextTest, Features_OfEveryKind_HaveTheirTexts) {

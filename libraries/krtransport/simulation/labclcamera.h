@@ -32,6 +32,7 @@ struct LabCLCamera : LabSensor {
   std::uint32_t pendingMs = 0;                                         ///< How long writing a feature takes.
   std::uint32_t packetBytes = 1024;                                    ///< The largest GenCP packet, 64 to 1024.
   std::uint32_t confirmationMs = 250; ///< How long a GenCP camera waits for a new speed to be confirmed.
+  bool hasCheckedAnswers = false;     ///< The answers to text commands end with checksums, too.
   bool isPoweredByCable = false;      ///< Power over Camera Link; without it the camera is silent.
 };
 

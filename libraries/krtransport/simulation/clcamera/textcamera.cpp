@@ -75,9 +75,11 @@ void TextCamera::Hear(std::uint8_t aByte, std::uint64_t aNowNs, const Speaker& a
     return;
   }
   const std::string line = std::exchange(mLine, {});
-  const std::string answer = Answer(line, aNowNs);
+  std::string answer = Answer(line, aNowNs);
   const std::uint64_t workNs = answer == kDone ? mCamera.pendingMs * kNanosecondsPerMillisecond : 0;
   mReadyNs = std::max(mReadyNs, aNowNs) + workNs;
+  if (mCamera.hasCheckedAnswers)
+    answer += MakeCheck(answer);
   CameraAnswer spoken{.bytes = {answer.begin(), answer.end()}, .dueNs = mReadyNs};
   spoken.bytes.push_back(kEnd);
   aSpeak(std::move(spoken));

@@ -72,6 +72,8 @@ void CheckProtocolKeys(LabMap& aMap, const LabCLCamera& aCamera) {
     if (node && aCamera.protocol != CLCameraProtocol::GenCP)
       aMap.Report(node->place, "\"" + std::string(key) + "\" goes with \"protocol: GenCP\"");
   }
+  if (const YamlNode* const node = aMap.Find("checkedAnswers"); node && aCamera.protocol != CLCameraProtocol::Text)
+    aMap.Report(node->place, "\"checkedAnswers\" goes with \"protocol: text\"");
   const YamlNode* const descriptions = aMap.Find("descriptions");
   if (descriptions && aCamera.protocol == CLCameraProtocol::Text)
     aMap.Report(descriptions->place, "\"descriptions\" says nothing of a camera that speaks text");
@@ -118,6 +120,7 @@ void ReadCLCamera(LabMap& aMap, const LabFrameGrabber& aGrabber, LabSerialPort& 
   map.TakeNumber("pending", camera.pendingMs, 0, kMostPendingMs);
   map.TakeNumber("packetBytes", camera.packetBytes, kLeastPacketBytes, kGenCPPacketBytes);
   map.TakeNumber("confirmation", camera.confirmationMs, 1, kMostConfirmationMs);
+  map.TakeFlag("checkedAnswers", camera.hasCheckedAnswers);
   map.TakeFlag("pocl", camera.isPoweredByCable);
   CheckProtocolKeys(map, camera);
   CheckPower(map, aGrabber, camera);
