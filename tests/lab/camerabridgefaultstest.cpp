@@ -9,6 +9,7 @@
 
 #include <future>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -68,6 +69,55 @@ INSTANTIATE_TEST_SUITE_P(CameraBridge, DisturbedLineTest,
                                          LineFault{"Repeated", &KrSimulatedFaults::RepeatSerialBytes},
                                          LineFault{"Corrupted", &KrSimulatedFaults::CorruptSerialBytes}),
                          [](const testing::TestParamInfo<LineFault>& aInfo) { return aInfo.param.name; });
+
+namespace {
+
+struct Setting {
+  const char* name;
+  std::string value;
+};
+
+// Numbers, texts and entries, as a camera has them.
+std::vector<Setting> MakeSettings(int aRound) {
+  return {{"Width", std::to_string(64 + 4 * aRound)},
+          {"DeviceUserID", std::string(static_cast<std::size_t>(20 + aRound), static_cast<char>('a' + aRound % 26))},
+          {"PixelFormat", aRound % 2 == 0 ? "Mono8" : "Mono12"},
+          {"OffsetX", std::to_string(4 * aRound)}};
+}
+
+bool IsClear(const KrResult& aResult) {
+  return aResult.IsOK() || aResult == KrResult::Code::TimeLimitExceeded || aResult == KrResult::Code::ProtocolError;
+}
+
+} // namespace
+
+// Bytes are lost, come twice and come changed, one of a thousand each, both ways.
+TEST_F(CameraBridgeFaultsTest, AllDisturbancesTogether_LeaveEveryOperationRightOrClearlyFailed) {
+  ASSERT_TRUE(IsFine(ConnectGenCP(mBridge)));
+  for (const KrSerialDirection direction : {KrSerialDirection::Received, KrSerialDirection::Sent}) {
+    for (const Order order : {&KrSimulatedFaults::LoseSerialBytes, &KrSimulatedFaults::RepeatSerialBytes,
+                              &KrSimulatedFaults::CorruptSerialBytes})
+      ASSERT_TRUE(((*mLab.GetFaults()).*order)(0, direction, 1000).IsOK());
+  }
+  KrGenParameterArray& camera = *mBridge.GetParameters();
+  int right = 0;
+  for (int round = 1; round <= 30; ++round) {
+    for (const Setting& setting : MakeSettings(round)) {
+      const KrResult set = SetText(camera, setting.name, setting.value.c_str());
+      ASSERT_TRUE(IsClear(set)) << IsFine(set).message();
+      if (!set.IsOK())
+        continue;
+      const std::string text = GetText(camera, setting.name);
+      ASSERT_THAT(text, testing::AnyOf(setting.value, "TimeLimitExceeded", "ProtocolError")) << setting.name;
+      right += text == setting.value ? 1 : 0;
+    }
+  }
+  EXPECT_GT(right, 60) << "of 120";
+
+  mLab.GetFaults()->EndSerialFaults();
+  EXPECT_TRUE(WaitUntil([&] { return SetText(camera, "Width", "256").IsOK(); }));
+  EXPECT_EQ(GetText(camera, "Width"), "256");
+}
 
 TEST(CameraBridgePendingTest, CameraThatNeedsSecondsForAWrite_IsGivenThem) {
   BridgeLab lab(MakeGrabberLab("protocol: GenCP, pending: 4000"), kMonoMAC);

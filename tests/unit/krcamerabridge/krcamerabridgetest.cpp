@@ -116,6 +116,39 @@ TEST_F(Bridge, Disconnect_WithAnAccessThatWaits_EndsIt) {
   EXPECT_FALSE(bridge.IsConnected());
 }
 
+TEST_F(Bridge, CameraThatAsksForTimeAndFallsSilent_DoesTheWriteOnceAndFailsIt) {
+  Connect();
+  grabber.camera.TakeWrites();
+  grabber.camera.SetFaults({.lostAnswers = 1000, .pendingAnswers = 1, .pendingMs = 50});
+
+  EXPECT_EQ(GetGain().SetValue(5), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_EQ(grabber.camera.TakeWrites().size(), 1u);
+  EXPECT_TRUE(bridge.IsConnected());
+  grabber.camera.SetFaults({});
+}
+
+TEST_F(Bridge, Disconnect_OfACameraThatAsksForTimeAgainAndAgain_Ends) {
+  Connect();
+  grabber.camera.SetFaults({.pendingAnswers = 1000, .pendingMs = 50}); // For longer than anybody waits.
+
+  bridge.Disconnect();
+
+  EXPECT_GT(grabber.camera.GetFaults().pendingAnswers, 0);
+  EXPECT_FALSE(bridge.IsConnected());
+  grabber.camera.SetFaults({});
+  Connect();
+}
+
+TEST_F(Bridge, DescriptionThatIsNotTheOneOfItsHash_IsBadData) {
+  grabber.camera.AddFile(0x01030000, 0x01010000, MakeDescription("<Category Name=\"Root\"/>"),
+                         std::vector<std::uint8_t>(20, 0x11));
+
+  EXPECT_EQ(bridge.ConnectGenCP("SchemaVersion.1.1@XMLVersion.1.3.0"), KrResult::Code::BadData);
+
+  Connect();
+}
+
 TEST_F(Bridge, Save_WithoutAName_IsInvalidInput) {
   Connect();
   KrConfigurationWriter writer;
