@@ -299,7 +299,8 @@ void GenCPCamera::Handle(const Bytes& aPacket) {
 bool GenCPCamera::Ignores(const HeardCommand& aHeard) {
   if (mFaults.isSilent && mFaults.hasNoise)
     Send({0x01, 0x00, 0x55, 0xAA, 0x01, 0x17, 0x00, 0x00, 0x01});
-  return mFaults.isSilent || (mFaults.mostHeard > 0 && aHeard.bytes > mFaults.mostHeard);
+  return mFaults.isSilent || aHeard.address >= mFaults.deafFrom ||
+         (mFaults.mostHeard > 0 && aHeard.bytes > mFaults.mostHeard);
 }
 
 // Answers a command that comes again.

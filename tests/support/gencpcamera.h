@@ -34,8 +34,9 @@ struct CameraFaults {
   double doubled = 0; ///< Likewise.
   double changed = 0; ///< Likewise.
   bool isSilent = false;
-  bool hasNoise = false;           ///< Instead of an answer of a silent camera come bytes that are none.
-  std::size_t mostHeard = 0;       ///< Commands to more bytes are not heard; 0 for no limit.
+  bool hasNoise = false;               ///< Instead of an answer of a silent camera come bytes that are none.
+  std::size_t mostHeard = 0;           ///< Commands to more bytes are not heard; 0 for no limit.
+  std::uint64_t deafFrom = UINT64_MAX; ///< Commands for addresses from here on are not heard either.
   bool hasRubbish = false;         ///< Bytes that belong to nothing stand before each answer, also halves of packets.
   bool hasForeignAnswers = false;  ///< Before each answer come those to another request and on another channel.
   int wrongLengths = 0;            ///< So many answers to reads lack their last byte, with checksums that fit.

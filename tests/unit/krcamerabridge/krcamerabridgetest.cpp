@@ -130,7 +130,7 @@ TEST_F(Bridge, CameraThatAsksForTimeAndFallsSilent_DoesTheWriteOnceAndFailsIt) {
 
 TEST_F(Bridge, Disconnect_OfACameraThatAsksForTimeAgainAndAgain_Ends) {
   Connect();
-  grabber.camera.SetFaults({.pendingAnswers = 1000, .pendingMs = 50}); // For longer than anybody waits.
+  grabber.camera.SetFaults({.pendingAnswers = 400, .pendingMs = 50}); // Longer than anybody should wait.
 
   bridge.Disconnect();
 
