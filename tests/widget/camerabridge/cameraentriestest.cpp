@@ -147,6 +147,32 @@ TEST_F(Entries, ModalWindow_HasAnotherTemplateAndCopesWithIt) {
   EXPECT_EQ(mWindow->GetBridgeCount(), 3);
 }
 
+TEST_F(Entries, ModalWindow_ShowsPortsAndStatisticsAndGreysTheRest) {
+  ASSERT_TRUE(mWindow->SetDevice(mDevice.get()).IsOK());
+  KrStringList ids;
+  ASSERT_TRUE(GetBridge(0).GetGenCPXMLIDs(ids).IsOK());
+  ASSERT_TRUE(GetBridge(0).ConnectGenCP(ids[0]).IsOK());
+  DuringNextModalLoop([this](QWidget& aDialog) {
+    EXPECT_THAT(GetEntries(id::kDevicePort), testing::ElementsAre("Serial0", "Serial1", "Bulk0"));
+    EXPECT_TRUE(IsEnabled(id::kDevicePort));
+    EXPECT_TRUE(WaitFor([this] {
+      return GetText(id::kBytesSent) == "Bytes sent: " + std::to_string(GetBridge(0).GetBytesSentToCamera());
+    }));
+    EXPECT_NE(GetText(id::kBytesSent), "Bytes sent: 0");
+    for (const char* const dead : {"control1071", "control1073", "control1075", "control1017", "control1049"})
+      EXPECT_FALSE(aDialog.findChild<QWidget*>(dead)->isEnabled()) << dead;
+    const std::uint64_t before = GetBridge(0).GetBytesReceivedFromCamera();
+    Click(id::kReset);
+    EXPECT_LT(GetBridge(0).GetBytesReceivedFromCamera(), before);
+    Pick(id::kDevicePort, "Serial1");
+    EXPECT_TRUE(WaitFor([this] { return GetText(id::kBytesSent) == "Bytes sent: 0"; }));
+    QTest::keyClick(&aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(mWindow->ShowModal(0), KrResult::Code::Cancelled);
+  EXPECT_TRUE(GetBridge(0).IsConnected());
+}
+
 TEST_F(Entries, WindowInALayout_ShowsTheSame) {
   QWidget parent;
   parent.resize(800, 600);

@@ -173,8 +173,10 @@ TEST_F(Kinds, ConnectedCameraThatCannotBeConnectedAnew_HasNoStatusOfBefore) {
 TEST_F(Kinds, LookingForAGenCPCamera_ShowsTheWaitCursorAndConnectingDoesNot) {
   Open();
   bool wasWaiting = false;
+  int looks = 0;
   QTimer look;
-  QObject::connect(&look, &QTimer::timeout, [&wasWaiting] {
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    ++looks;
     wasWaiting |= QGuiApplication::overrideCursor() && QGuiApplication::overrideCursor()->shape() == Qt::WaitCursor;
   });
   look.start(0);
@@ -184,8 +186,10 @@ TEST_F(Kinds, LookingForAGenCPCamera_ShowsTheWaitCursorAndConnectingDoesNot) {
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 
   wasWaiting = false;
+  looks = 0;
   Click(id::kGenCPConnect);
   EXPECT_FALSE(wasWaiting);
+  EXPECT_GT(looks, 0);
 }
 
 TEST_F(Kinds, CLProtocolWithoutDrivers_HasNothingToChooseFrom) {

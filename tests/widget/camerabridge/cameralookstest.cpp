@@ -5,6 +5,8 @@
 #include <QAbstractItemView>
 #include <QFontMetrics>
 
+#include <atomic>
+
 namespace krgui {
 
 namespace {
@@ -15,6 +17,13 @@ constexpr int kLabels[] = {id::kTemplateLabel, id::kProbeStatus, id::kCLProtocol
                            id::kCLProtocol,    id::kGenCP,       id::kCameraFile,         id::kSynchronization,
                            id::kPoCL};
 constexpr int kButtons[] = {id::kProbe, id::kCLProtocolConnect, id::kGenCPConnect, id::kBrowse, id::kLoad, id::kReset};
+
+/// Thread: that of the camera's notifications.
+class CountingListener final : public KrGenEventSink {
+public:
+  void OnParameterUpdate(KrGenParameter*) override { ++count; }
+  std::atomic<int> count = 0;
+};
 
 class Looks : public CameraTest {
 protected:
@@ -51,10 +60,17 @@ TEST_F(Looks, Browser_LiesInItsFrame) {
   }
 }
 
-TEST_F(Looks, Browser_PollsAndHasNothingAtFirst) {
+TEST_F(Looks, Browser_PollsWhatItShows) {
   Open();
+  ConnectGenCP();
+  auto& temperature = *GetBridge(0).GetParameters()->Get("DeviceTemperature");
+  CountingListener listener;
+  ASSERT_TRUE(temperature.RegisterEventSink(&listener).IsOK());
 
-  EXPECT_FALSE(HasParameters());
+  // The camera's temperature changes by itself; nobody else asks for it.
+  EXPECT_TRUE(WaitFor([&] { return listener.count > 3; }));
+
+  EXPECT_TRUE(temperature.UnregisterEventSink(&listener).IsOK());
 }
 
 TEST_F(Looks, SmallestWindowAtAnyFont_CutsNothing) {

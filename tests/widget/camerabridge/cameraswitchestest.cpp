@@ -2,6 +2,9 @@
 
 #include "camerafixture.h"
 
+#include "krbase/krlogger.h"
+#include "krdevice/krstream.h"
+
 namespace krgui {
 
 namespace {
@@ -56,6 +59,37 @@ TEST_F(Switches, SynchronizationThatFails_IsToldByTheTooltip) {
   Click(id::kSynchronization);
 
   EXPECT_TRUE(WaitFor([this] { return !Get(id::kSynchronization).toolTip().isEmpty(); }));
+}
+
+TEST_F(Switches, Stream_IsThatOfTheBridgesThatAreMadeAfterwards) {
+  const KrLogCapture log; // What cannot be carried is logged.
+  KrStream stream(*mDevice);
+  ASSERT_TRUE(stream.Start().IsOK());
+  const auto waitsForTheStream = [this] {
+    return GetBridge(0).GetParametersSyncText().ToUtf8().find("when its stream has stopped") != std::string::npos;
+  };
+  const auto connect = [this] {
+    KrStringList ids;
+    ASSERT_TRUE(GetBridge(0).SetParametersSyncEnabled(true).IsOK());
+    ASSERT_TRUE(GetBridge(0).GetGenCPXMLIDs(ids).IsOK());
+    ASSERT_TRUE(GetBridge(0).ConnectGenCP(ids[0]).IsOK());
+  };
+  ASSERT_TRUE(mWindow->SetDevice(mDevice.get()).IsOK());
+  ASSERT_TRUE(mWindow->SetStream(&stream).IsOK());
+
+  // That one was made before: it fails, as the device's size is locked.
+  connect();
+  EXPECT_TRUE(WaitFor(
+      [this] { return GetBridge(0).GetParametersSyncText().ToUtf8().find("could not be set") != std::string::npos; }));
+  EXPECT_FALSE(waitsForTheStream());
+
+  ASSERT_TRUE(mWindow->SetDevice(mDevice.get()).IsOK());
+  connect();
+  EXPECT_TRUE(WaitFor(waitsForTheStream));
+
+  ASSERT_TRUE(mWindow->SetStream(nullptr).IsOK());
+  EXPECT_TRUE(waitsForTheStream());
+  ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK());
 }
 
 TEST_F(Switches, PoCL_IsTheDevices) {
