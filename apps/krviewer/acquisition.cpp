@@ -119,7 +119,9 @@ void Acquisition::Run(std::stop_token aStop) {
 void Acquisition::CloseDevice() {
   mParameters.TakeBack();
   TakeBackDevice();
+  mLent.reset();
   mAdapter.reset();
+  mStream.reset();
   mDevice.reset();
 }
 
@@ -137,10 +139,11 @@ KrResult Acquisition::ConnectAndStream(std::stop_token aStop) {
 }
 
 // The stream has read the description already. A device whose description is no good may still have ports.
-void Acquisition::LendDevice(KrDevice& aDevice) {
+void Acquisition::LendDevice(KrDevice& aDevice, KrStream& aStream) {
   mAdapter.emplace(aDevice);
-  for (Loan<IKrDeviceAdapter>& loan : mLentAdapters)
-    loan.Lend(*mAdapter);
+  mLent.emplace(LentDevice{*mAdapter, &aStream});
+  for (Loan<LentDevice>& loan : mLoans)
+    loan.Lend(*mLent);
   KrGenParameterArray* parameters = nullptr;
   const KrResult got = aDevice.GetParameters(parameters);
   if (got.IsOK())
@@ -150,18 +153,18 @@ void Acquisition::LendDevice(KrDevice& aDevice) {
 }
 
 void Acquisition::TakeBackDevice() {
-  for (Loan<IKrDeviceAdapter>& loan : mLentAdapters)
+  for (Loan<LentDevice>& loan : mLoans)
     loan.TakeBack();
 }
 
 KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
-  KrStream stream(aDevice);
+  KrStream& stream = mStream.emplace(aDevice);
   if (KrResult started = stream.Start(); !started.IsOK())
     return started;
   SetState(AcquisitionState::Streaming, {});
   mHasStreamed = true;
   mMeter.Reset();
-  LendDevice(aDevice);
+  LendDevice(aDevice, stream);
 
   // The frame on the screen stays lent, so that it can be shown again with the reason when the camera is lost.
   KrBuffer* shown = nullptr;
@@ -185,6 +188,7 @@ KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
       SetState(AcquisitionState::Lost, result);
   }
   mEndedStreams = Add(mEndedStreams, stream.GetStatistics());
+  stream.Stop();
   return result;
 }
 

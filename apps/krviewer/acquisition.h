@@ -7,6 +7,7 @@
 #include "krdevice/krdeviceadapter.h"
 #include "krdevice/krstream.h"
 #include "krgui/krdisplaywnd.h"
+#include "lentdevice.h"
 #include "loan.h"
 #include "streamfigures.h"
 
@@ -64,9 +65,7 @@ public:
   AcquisitionProgress GetProgress() const;
   Loan<KrGenParameterArray>& GetParameters() { return mParameters; }
   /// The device is lent to each borrower apart.
-  Loan<IKrDeviceAdapter>& GetAdapter(DeviceBorrower aBorrower) {
-    return mLentAdapters[static_cast<std::size_t>(aBorrower)];
-  }
+  Loan<LentDevice>& GetDevice(DeviceBorrower aBorrower) { return mLoans[static_cast<std::size_t>(aBorrower)]; }
   /// Ends the thread and gives the camera back.
   void Stop();
 
@@ -79,7 +78,7 @@ private:
   KrResult ConnectAndStream(std::stop_token aStop);
   void CloseDevice();
   KrResult StreamOnce(std::stop_token aStop, KrDevice& aDevice);
-  void LendDevice(KrDevice& aDevice);
+  void LendDevice(KrDevice& aDevice, KrStream& aStream);
   void TakeBackDevice();
   void ShowReason(const KrBuffer* aBuffer, const KrResult& aReason);
   bool ShowFrame(KrStream& aStream, const KrBuffer& aBuffer);
@@ -91,11 +90,13 @@ private:
   const KrDeviceInfo& mDeviceInfo;
   const std::uint64_t mFrameLimit;
   Loan<KrGenParameterArray> mParameters;
-  std::array<Loan<IKrDeviceAdapter>, kDeviceBorrowers> mLentAdapters;
+  std::array<Loan<LentDevice>, kDeviceBorrowers> mLoans;
 
   // The thread's own while it runs.
   std::unique_ptr<KrDevice> mDevice;
-  std::optional<KrDeviceAdapter> mAdapter; ///< Of mDevice.
+  std::optional<KrStream> mStream; ///< Of mDevice; stays, stopped, as long as the device is lent.
+  std::optional<KrDeviceAdapter> mAdapter;
+  std::optional<LentDevice> mLent; ///< What is lent of them.
   bool mHasStreamed = false;
   KrStreamStatistics mEndedStreams; ///< The counters of the connections that are over.
   FrameMeter mMeter;

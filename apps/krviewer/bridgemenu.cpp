@@ -1,5 +1,7 @@
 #include "bridgemenu.h"
 
+#include "bridgewindow.h"
+
 #include <QAction>
 #include <QFileDialog>
 #include <QGuiApplication>
@@ -11,8 +13,6 @@
 namespace krviewer {
 
 namespace {
-
-const QString kTitle = QStringLiteral("Serial Bridges");
 
 /// A file may hold anything: neither is a message to grow beyond the screen, nor its lines to be taken for the
 /// program's.
@@ -30,51 +30,64 @@ QString ToText(const KrString& aText) {
   return text;
 }
 
-KrStringList MakeLines(const KrResult& aResult) {
-  KrStringList lines;
-  lines.Add(aResult.GetCodeString() + ": " + aResult.GetDescription());
-  return lines;
-}
-
 } // namespace
 
-BridgeMenu::BridgeMenu(MainWindow& aWindow, SerialBridges& aBridges)
-    : mWindow(aWindow), mBridges(aBridges),
-      mShow(aWindow.AddTool(QStringLiteral("Serial &Bridges…"), Qt::CTRL | Qt::Key_B)) {
+BridgeWords GetSerialBridgeWords() {
+  return {.show = QStringLiteral("Serial &Bridges…"),
+          .showKey = Qt::CTRL | Qt::Key_B,
+          .load = QStringLiteral("&Load Bridge Setup…"),
+          .save = QStringLiteral("Sa&ve Bridge Setup…"),
+          .name = QStringLiteral("Serial Bridges"),
+          .notTakenUp = QStringLiteral("These serial bridges did not start. What can start is tried again the next "
+                                       "time that the camera is back:")};
+}
+
+BridgeWords GetCameraBridgeWords() {
+  return {.show = QStringLiteral("Camera B&ridges…"),
+          .showKey = Qt::CTRL | Qt::Key_K,
+          .load = QStringLiteral("L&oad Camera Bridge Setup…"),
+          .save = QStringLiteral("Save Ca&mera Bridge Setup…"),
+          .name = QStringLiteral("Camera Bridges"),
+          .notTakenUp =
+              QStringLiteral("These camera bridges are not as they were. What is not connected is tried again "
+                             "the next time that the device is back:")};
+}
+
+BridgeMenu::BridgeMenu(MainWindow& aWindow, BridgeWindow& aBridges, const BridgeWords& aWords)
+    : mWindow(aWindow), mBridges(aBridges), mWords(aWords), mShow(aWindow.AddTool(aWords.show, aWords.showKey)),
+      mLoad(aWindow.AddTool(aWords.load, {})), mSave(aWindow.AddTool(aWords.save, {})) {
   mShow->setEnabled(false); // Until there is a device.
   connect(mShow, &QAction::triggered, this, &BridgeMenu::ShowManager);
-  connect(aWindow.AddTool(QStringLiteral("&Load Bridge Setup…"), {}), &QAction::triggered, this,
-          [this] { AskForFile(false); });
-  connect(aWindow.AddTool(QStringLiteral("Sa&ve Bridge Setup…"), {}), &QAction::triggered, this,
-          [this] { AskForFile(true); });
-  QAction* const creating = aWindow.AddTool(QStringLiteral("&Create COM Ports"), {});
-  creating->setCheckable(true);
-  connect(creating, &QAction::toggled, this, [this](bool aIsOn) { mBridges.GetWindow().SetCreatingPorts(aIsOn); });
-  mBridges.SetTellFailures([this](const KrStringList& aLines) {
-    Tell(QStringLiteral("These serial bridges did not start. What can start is tried again the next time that the "
-                        "camera is back:"),
-         aLines);
-  });
+  connect(mLoad, &QAction::triggered, this, [this] { AskForFile(false); });
+  connect(mSave, &QAction::triggered, this, [this] { AskForFile(true); });
+  mBridges.SetTell([this](BridgeNews aNews, const KrStringList& aLines) { TellNews(aNews, aLines); });
 }
 
 BridgeMenu::~BridgeMenu() {
-  mBridges.SetTellFailures(nullptr);
+  mBridges.SetTell(nullptr);
 }
 
 void BridgeMenu::LookAgain() {
-  mShow->setEnabled(mBridges.HasDevice());
   mBridges.LookAgain();
+  mShow->setEnabled(mBridges.IsOffered());
+  mLoad->setEnabled(!mBridges.IsWorking());
+  mSave->setEnabled(!mBridges.IsWorking());
 }
 
 void BridgeMenu::ShowManager() {
-  if (const KrResult shown = mBridges.Show(mWindow.winId()); !shown.IsOK())
-    Tell(QStringLiteral("The window of serial bridges cannot be opened:"), MakeLines(shown));
+  if (const KrResult shown = mBridges.Show(mWindow.winId()); !shown.IsOK()) {
+    KrStringList lines;
+    lines.Add(shown.GetCodeString() + ": " + shown.GetDescription());
+    Tell(QStringLiteral("The window of the bridges cannot be opened:"), lines);
+  }
 }
 
 void BridgeMenu::AskForFile(bool aIsToSave) {
   auto* const dialog = new QFileDialog(&mWindow);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setWindowTitle(aIsToSave ? QStringLiteral("Save Bridge Setup") : QStringLiteral("Load Bridge Setup"));
+  // The entry's words without its letter and dots.
+  QString title = aIsToSave ? mWords.save : mWords.load;
+  dialog->setWindowTitle(title.remove(QLatin1Char('&')).remove(QStringLiteral("…")));
   dialog->setAcceptMode(aIsToSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog->setFileMode(aIsToSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   dialog->setNameFilters({QStringLiteral("Bridge setups (*.xml)"), QStringLiteral("All files (*)")});
@@ -85,19 +98,32 @@ void BridgeMenu::AskForFile(bool aIsToSave) {
 }
 
 void BridgeMenu::Load(const QString& aFileName) {
-  KrStringList errors;
+  // Another one has begun while the dialog was open.
+  if (mBridges.IsWorking())
+    return;
   QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-  const KrResult loaded = mBridges.LoadSetup(aFileName.toUtf8().constData(), errors);
+  mBridges.LoadSetup(aFileName.toUtf8().constData());
   QGuiApplication::restoreOverrideCursor();
-  if (!loaded.IsOK())
-    Tell(QStringLiteral("No bridges were loaded:"), MakeLines(loaded));
-  else if (!errors.IsEmpty())
-    Tell(QStringLiteral("Not all bridges were started:"), errors);
 }
 
 void BridgeMenu::Save(const QString& aFileName) {
-  if (const KrResult saved = mBridges.SaveSetup(aFileName.toUtf8().constData()); !saved.IsOK())
-    Tell(QStringLiteral("The bridges were not saved:"), MakeLines(saved));
+  if (!mBridges.IsWorking())
+    mBridges.SaveSetup(aFileName.toUtf8().constData());
+}
+
+void BridgeMenu::TellNews(BridgeNews aNews, const KrStringList& aLines) {
+  switch (aNews) {
+  case BridgeNews::NotTakenUp:
+    return Tell(mWords.notTakenUp, aLines);
+  case BridgeNews::NotLoaded:
+    return Tell(QStringLiteral("No bridges were loaded:"), aLines);
+  case BridgeNews::NotAllLoaded:
+    return Tell(QStringLiteral("Not all bridges were started:"), aLines);
+  case BridgeNews::NotSaved:
+    return Tell(QStringLiteral("The bridges were not saved:"), aLines);
+  case BridgeNews::NotAllSaved:
+    return Tell(QStringLiteral("Not all was saved that belongs to the bridges:"), aLines);
+  }
 }
 
 // One box at a time, which waits for nobody: the camera may come and go while it is open.
@@ -111,7 +137,7 @@ void BridgeMenu::Tell(const QString& aWhat, const KrStringList& aLines) {
     shown += QStringLiteral("And %1 more: see the details.").arg(lines.size() - kMostLines);
   delete mMessage;
   mMessage =
-      new QMessageBox(QMessageBox::Warning, kTitle, shown.join(QStringLiteral("\n\n")), QMessageBox::Ok, &mWindow);
+      new QMessageBox(QMessageBox::Warning, mWords.name, shown.join(QStringLiteral("\n\n")), QMessageBox::Ok, &mWindow);
   if (lines.size() > kMostLines)
     mMessage->setDetailedText(lines.join('\n'));
   mMessage->setAttribute(Qt::WA_DeleteOnClose);

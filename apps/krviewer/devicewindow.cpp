@@ -23,20 +23,30 @@ void DeviceWindow::Close() {
   [[maybe_unused]] const KrResult closed = GetWindow().Close(); // What is closed stays closed.
 }
 
-void DeviceWindow::Follow(Loan<IKrDeviceAdapter>& aDevice) {
+void DeviceWindow::Follow(Loan<LentDevice>& aDevice) {
+  // A device that is being dropped is given back by whoever drops it.
+  if (mIsDropping)
+    return;
   if (aDevice.IsWantedBack())
     GiveBack(aDevice);
-  IKrDeviceAdapter* const device = aDevice.Borrow();
+  LentDevice* const device = aDevice.Borrow();
   if (!device)
     return;
   mDevice = device;
-  // While a message box of the window is open, the device may be given back; nothing of it is touched here afterwards.
+  ++mLoan;
+  // While a loop of the window runs, the device may be given back; nothing of it is touched here afterwards.
   TakeDevice(*device);
 }
 
-void DeviceWindow::GiveBack(Loan<IKrDeviceAdapter>& aDevice) {
-  if (std::exchange(mDevice, nullptr))
+void DeviceWindow::GiveBack(Loan<LentDevice>& aDevice) {
+  if (mDevice || mIsDropping) {
+    mDevice = nullptr;
+    mIsDropping = true;
     DropDevice();
+    // A second call, from its loop, has given the device back.
+    if (!std::exchange(mIsDropping, false))
+      return;
+  }
   aDevice.GiveBack();
 }
 

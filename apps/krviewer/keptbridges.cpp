@@ -17,7 +17,7 @@ bool IsWithoutHostPort(const KrPropertyList& aBridges, KrDeviceSerial aPort) {
   return kind && kind->GetValue() == "COMPort" && !aBridges.GetProperty(name + "Port");
 }
 
-bool CanStart(const KrPropertyList& aBridges, KrDeviceSerial aPort) {
+bool CanLinkStart(const KrPropertyList& aBridges, KrDeviceSerial aPort) {
   const KrProperty* const kind = aBridges.GetProperty(GetPortName(aPort));
   return kind &&
          (kind->GetValue() == "CLDLL" || (kind->GetValue() == "COMPort" && !IsWithoutHostPort(aBridges, aPort)));
@@ -32,6 +32,9 @@ void AddBridge(KrPropertyList& aTo, const KrPropertyList& aFrom, KrDeviceSerial 
 }
 
 } // namespace
+
+const KeptBridgeRules kSerialBridgeRules = {CanLinkStart, IsWithoutHostPort};
+const KeptBridgeRules kCameraBridgeRules = {HasBridge, [](const KrPropertyList&, KrDeviceSerial) { return false; }};
 
 void KeptBridges::Want(const KrPropertyList& aBridges) {
   mWanted = aBridges;
@@ -50,7 +53,7 @@ void KeptBridges::Keep(const KrPropertyList& aNow) {
   const KrPropertyList setup = GetSetup(aNow);
   KrPropertyList kept;
   for (const KrDeviceSerial port : kDeviceSerialPorts)
-    if (!IsWithoutHostPort(setup, port))
+    if (!mRules.isBegun(setup, port))
       AddBridge(kept, setup, port);
   Want(kept);
 }
@@ -58,7 +61,7 @@ void KeptBridges::Keep(const KrPropertyList& aNow) {
 void KeptBridges::NoteStart(const KrPropertyList& aNow, const Ports& aPorts) {
   mFailed.clear();
   for (const KrDeviceSerial port : kDeviceSerialPorts)
-    if (CanStart(mWanted, port) && (aPorts.empty() || aPorts.contains(port)) && !HasBridge(aNow, port))
+    if (mRules.canStart(mWanted, port) && (aPorts.empty() || aPorts.contains(port)) && !HasBridge(aNow, port))
       mFailed.emplace(port, Trial::None);
 }
 
@@ -66,7 +69,7 @@ void KeptBridges::NoteChange(const KrPropertyList& aNow) {
   for (auto failed = mFailed.begin(); failed != mFailed.end();) {
     auto& [port, trial] = *failed;
     const bool isSetUp = HasBridge(aNow, port);
-    const bool isUsers = isSetUp ? !IsWithoutHostPort(aNow, port) : trial == Trial::Begun;
+    const bool isUsers = isSetUp ? !mRules.isBegun(aNow, port) : trial == Trial::Begun;
     if (isSetUp)
       trial = Trial::Begun;
     failed = isUsers ? mFailed.erase(failed) : std::next(failed);

@@ -12,25 +12,12 @@ constexpr const char* kListName = "SerialBridges";
 
 } // namespace
 
-void SerialBridges::TakeDevice(IKrDeviceAdapter& aDevice) {
-  KrStringList errors;
-  if (const KrResult set = mWindow.SetDevice(&aDevice); !set.IsOK())
-    errors.Add(set.GetDescription());
-  else if (!mKept.GetWanted().IsEmpty())
-    Start(aDevice, errors);
-  if (!errors.IsEmpty() && mTellFailures)
-    mTellFailures(errors);
+KrResult SerialBridges::SetUp(LentDevice& aDevice) {
+  return mWindow.SetDevice(&aDevice.adapter);
 }
 
-void SerialBridges::DropDevice() {
-  mKept.Keep(GetNow());
-  // It returns when no bridge uses the device any more.
+void SerialBridges::TakeOut() {
   [[maybe_unused]] const KrResult set = mWindow.SetDevice(nullptr); // Always OK.
-}
-
-void SerialBridges::LookAgain() {
-  if (HasDevice() && mKept.HasFailed())
-    mKept.NoteChange(GetNow());
 }
 
 KrPropertyList SerialBridges::GetNow() {
@@ -39,36 +26,27 @@ KrPropertyList SerialBridges::GetNow() {
   return now;
 }
 
-void SerialBridges::Start(IKrDeviceAdapter& aDevice, KrStringList& aErrors) {
-  KrPropertyList wanted = mKept.GetWanted();
-  [[maybe_unused]] const KrResult loaded = mWindow.Load(wanted, aErrors); // What fails is in the list, line by line.
+KeptBridges::Ports SerialBridges::GetPorts() {
   KeptBridges::Ports ports;
   for (const KrDeviceSerial port : kDeviceSerialPorts)
-    if (KrDeviceSerialPort::IsSupported(&aDevice, port))
+    if (KrDeviceSerialPort::IsSupported(&GetDevice()->adapter, port))
       ports.insert(port);
-  mKept.NoteStart(GetNow(), ports);
+  return ports;
 }
 
-KrResult SerialBridges::LoadSetup(const KrString& aFileName, KrStringList& aErrors) {
-  KrConfigurationReader reader;
-  KrPropertyList bridges;
-  KrResult result = reader.Load(aFileName);
-  if (result.IsOK())
-    result = reader.Restore(kListName, bridges);
-  if (!result.IsOK())
-    return result;
-  mKept.Want(bridges);
-  if (HasDevice())
-    Start(*GetDevice(), aErrors);
-  return {};
+void SerialBridges::Start(const KrPropertyList& aWanted, BridgeNews aNews) {
+  KrPropertyList wanted = aWanted;
+  KrStringList errors;
+  [[maybe_unused]] const KrResult loaded = mWindow.Load(wanted, errors); // What fails is in the list, line by line.
+  NoteStart(aNews, errors);
 }
 
-KrResult SerialBridges::SaveSetup(const KrString& aFileName) {
-  KrConfigurationWriter writer;
-  KrResult result = writer.Store(kListName, HasDevice() ? mKept.GetSetup(GetNow()) : mKept.GetWanted());
-  if (result.IsOK())
-    result = writer.Save(aFileName);
-  return result;
+KrResult SerialBridges::ReadSetup(const KrConfigurationReader& aReader, KrPropertyList& aBridges) {
+  return aReader.Restore(kListName, aBridges);
+}
+
+KrResult SerialBridges::WriteSetup(const KrPropertyList& aBridges, KrConfigurationWriter& aWriter) {
+  return aWriter.Store(kListName, aBridges);
 }
 
 } // namespace krviewer

@@ -2,9 +2,9 @@
 
 namespace krviewer {
 
-void SerialTerminal::TakeDevice(IKrDeviceAdapter& aDevice) {
+void SerialTerminal::TakeDevice(LentDevice& aDevice) {
   // A device without ports leaves the window empty, which says enough.
-  [[maybe_unused]] const KrResult set = mWindow.SetDevice(&aDevice);
+  [[maybe_unused]] const KrResult set = mWindow.SetDevice(&aDevice.adapter);
 }
 
 void SerialTerminal::DropDevice() {
@@ -14,7 +14,8 @@ void SerialTerminal::DropDevice() {
 
 void SerialTerminal::PrepareShowing() {
   // The window forgets a device without ports, and is to say anew that it has none.
-  [[maybe_unused]] const KrResult set = mWindow.SetDevice(GetDevice()); // Stored alone: always OK.
+  [[maybe_unused]] const KrResult set =
+      mWindow.SetDevice(GetDevice() ? &GetDevice()->adapter : nullptr); // Stored alone: always OK.
 }
 
 } // namespace krviewer

@@ -11,7 +11,7 @@ public:
   KrSerialTerminalWnd& GetWindow() override { return mWindow; }
 
 private:
-  void TakeDevice(IKrDeviceAdapter& aDevice) override;
+  void TakeDevice(LentDevice& aDevice) override;
   void DropDevice() override;
   void PrepareShowing() override;
 

@@ -21,14 +21,14 @@ QString ToText(const KrString& aText) {
   return QString::fromUtf8(aText.CStr());
 }
 
-QString GetStateText(const AcquisitionProgress& aProgress) {
+QString GetStateText(const AcquisitionProgress& aProgress, bool aAreCamerasAsked) {
   switch (aProgress.state) {
   case AcquisitionState::Connecting:
     return QStringLiteral("connecting");
   case AcquisitionState::Lost:
     return QStringLiteral("camera lost, waiting for it to come back");
   default:
-    return {};
+    return aAreCamerasAsked ? QStringLiteral("asking the cameras behind its ports") : QString();
   }
 }
 
@@ -37,12 +37,13 @@ QString GetStateText(const AcquisitionProgress& aProgress) {
 Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
     : mDeviceInfo(aDevice), mCommandLine(aCommandLine),
       mTerminalAction(mMainWindow.AddTool(QStringLiteral("&Serial Terminal"), Qt::CTRL | Qt::Key_T)),
-      mBridgeMenu(mMainWindow, mBridges),
-      mCameraBridgesAction(mMainWindow.AddTool(QStringLiteral("Camera B&ridges…"), Qt::CTRL | Qt::Key_K)) {
+      mBridgeMenu(mMainWindow, mBridges, GetSerialBridgeWords()),
+      mPortCreation(mMainWindow.AddTool(QStringLiteral("&Create COM Ports"), {})),
+      mCameraBridgeMenu(mMainWindow, mCameraBridges, GetCameraBridgeWords()) {
   mTerminalAction->setEnabled(false); // Until there is a device.
   connect(mTerminalAction, &QAction::triggered, this, &Viewer::ShowTerminal);
-  mCameraBridgesAction->setEnabled(false);
-  connect(mCameraBridgesAction, &QAction::triggered, this, &Viewer::ShowCameraBridges);
+  mPortCreation->setCheckable(true);
+  connect(mPortCreation, &QAction::toggled, this, [this](bool aIsOn) { mBridges.GetWindow().SetCreatingPorts(aIsOn); });
   connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
   connect(&mMainWindow, &MainWindow::EndWanted, this, &Viewer::Finish);
 }
@@ -76,7 +77,7 @@ int Viewer::Run() {
 }
 
 void Viewer::UpdateTitle(const AcquisitionProgress& aProgress) {
-  const QString state = GetStateText(aProgress);
+  const QString state = GetStateText(aProgress, mCameraBridges.IsWorking());
   const QString title = ToText(mDeviceInfo.GetDisplayID()) + (state.isEmpty() ? state : QStringLiteral(" - ") + state);
   if (title != mTitle) {
     mTitle = title;
@@ -93,24 +94,19 @@ void Viewer::LookAgain() {
   TellMissingFeatures(progress);
   mBrowser.Follow(mAcquisition->GetParameters());
   mTerminalAction->setEnabled(mTerminal.HasDevice());
-  mBridges.Follow(mAcquisition->GetAdapter(DeviceBorrower::Bridges));
+  mBridges.Follow(mAcquisition->GetDevice(DeviceBorrower::Bridges));
   mBridgeMenu.LookAgain();
-  mCameraBridges.Follow(mAcquisition->GetAdapter(DeviceBorrower::CameraBridges));
-  mCameraBridgesAction->setEnabled(mCameraBridges.HasPorts());
-  // Last: the terminal may show a message box here, and looks go on while it is open.
-  mTerminal.Follow(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
+  mCameraBridges.Follow(mAcquisition->GetDevice(DeviceBorrower::CameraBridges));
+  mCameraBridgeMenu.LookAgain();
+  // Last: the terminal may show a message box here, and looks go on while it is open, as they do in the loops of the
+  // camera bridges before it.
+  mTerminal.Follow(mAcquisition->GetDevice(DeviceBorrower::Terminal));
 }
 
 void Viewer::ShowTerminal() {
   const KrResult shown = mTerminal.Show(mMainWindow.winId());
   if (!shown.IsOK())
     std::fprintf(stderr, "The serial terminal cannot be opened: %s\n", shown.GetDescription().CStr());
-}
-
-void Viewer::ShowCameraBridges() {
-  const KrResult shown = mCameraBridges.Show(mMainWindow.winId());
-  if (!shown.IsOK())
-    std::fprintf(stderr, "The camera bridges cannot be opened: %s\n", shown.GetDescription().CStr());
 }
 
 void Viewer::TellMissingFeatures(const AcquisitionProgress& aProgress) {
@@ -131,11 +127,11 @@ void Viewer::Finish() {
   if (wantsPictures && !SaveBrowserPicture())
     mExitCode = 1;
   mBrowser.GiveBack(mAcquisition->GetParameters());
-  mTerminal.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
+  mTerminal.GiveBack(mAcquisition->GetDevice(DeviceBorrower::Terminal));
   mTerminal.Close();
-  mBridges.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Bridges));
+  mBridges.GiveBack(mAcquisition->GetDevice(DeviceBorrower::Bridges));
   mBridges.Close();
-  mCameraBridges.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::CameraBridges));
+  mCameraBridges.GiveBack(mAcquisition->GetDevice(DeviceBorrower::CameraBridges));
   mCameraBridges.Close();
   mAcquisition->Stop();
   const AcquisitionProgress progress = mAcquisition->GetProgress();

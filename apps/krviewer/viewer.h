@@ -39,7 +39,6 @@ private:
   void LookAgain();
   void UpdateTitle(const AcquisitionProgress& aProgress);
   void ShowTerminal();
-  void ShowCameraBridges();
   void TellMissingFeatures(const AcquisitionProgress& aProgress);
   void Finish();
   bool SaveBrowserPicture();
@@ -55,8 +54,9 @@ private:
   QAction* const mTerminalAction;
   SerialBridges mBridges;
   BridgeMenu mBridgeMenu;
+  QAction* const mPortCreation; ///< Whether the bridges make ports of the host.
   CameraBridges mCameraBridges;
-  QAction* const mCameraBridgesAction;
+  BridgeMenu mCameraBridgeMenu;
   std::unique_ptr<Acquisition> mAcquisition;
   QTimer mTimer;
   QString mTitle;

@@ -139,6 +139,10 @@ KrResult KrCameraBridge::Save(const KrString& aName, KrConfigurationWriter& aWri
   return mBody->Save(aName, aWriter);
 }
 
+KrResult KrCameraBridge::SaveConnection(const KrString& aName, KrConfigurationWriter& aWriter) const {
+  return mBody->SaveConnection(aName, aWriter);
+}
+
 KrResult KrCameraBridge::Load(const KrString& aName, const KrConfigurationReader& aReader, KrStringList& aErrors) {
   return mBody->Load(aName, aReader, aErrors);
 }

@@ -130,12 +130,14 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token&
     return result;
   }
   mSync.Attach(mConnection->GetParameters());
+  SetChoice(aChoice);
   mIsConnected = true;
   return {};
 }
 
 void BridgeBody::Disconnect(const std::stop_token& aStop) {
   mIsConnected = false;
+  SetChoice({});
   mSync.Detach();
   if (mConnection)
     mConnection->Close(aStop);
@@ -180,6 +182,23 @@ KrResult BridgeBody::Save(const KrString& aName, KrConfigurationWriter& aWriter)
     KrLogger("KrCameraBridge")
         .Log(KrLogLevel::Warning, {"KrCameraBridge::Save", "bridgebody"}, attempt + ": " + problem);
   return aWriter.Store(aName, StoreBridge(saved));
+}
+
+KrResult BridgeBody::SaveConnection(const KrString& aName, KrConfigurationWriter& aWriter) const {
+  const SavedBridge saved{.choice = GetChoice(), .source = mSync.GetSource(), .isSyncOn = mSync.IsOn()};
+  if (!saved.choice.way)
+    return TellUnconnected("Saving the connection of the camera bridge " + aName);
+  return aWriter.Store(aName, StoreBridge(saved));
+}
+
+void BridgeBody::SetChoice(const CameraChoice& aChoice) {
+  const std::lock_guard lock(mChoiceMutex);
+  mChoice = aChoice;
+}
+
+CameraChoice BridgeBody::GetChoice() const {
+  const std::lock_guard lock(mChoiceMutex);
+  return mChoice;
 }
 
 KrResult BridgeBody::Load(const KrString& aName, const KrConfigurationReader& aReader, KrStringList& aErrors) {

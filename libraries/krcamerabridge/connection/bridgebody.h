@@ -13,6 +13,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
 
 class KrConfigurationReader;
 class KrConfigurationWriter;
@@ -47,6 +48,8 @@ public:
 
   KrResult SetSource(const KrString& aSource);
   KrResult Save(const KrString& aName, KrConfigurationWriter& aWriter);
+  /// Thread: any.
+  KrResult SaveConnection(const KrString& aName, KrConfigurationWriter& aWriter) const;
   KrResult Load(const KrString& aName, const KrConfigurationReader& aReader, KrStringList& aErrors);
 
   DeviceLine& GetLine() { return mLine; }
@@ -56,6 +59,8 @@ private:
   KrResult OpenLine();
   KrResult Connect(const CameraChoice& aChoice, const std::stop_token& aStop);
   void Disconnect(const std::stop_token& aStop);
+  void SetChoice(const CameraChoice& aChoice);
+  CameraChoice GetChoice() const;
   KrResult RestoreSettings(const KrGenSettings& aSettings, const std::stop_token& aStop, KrStringList& aProblems);
 
   const BorrowedDevice mDevice;
@@ -66,6 +71,9 @@ private:
   ParameterSync mSync;
   std::atomic<bool> mIsConnected{false};
   KrStringList mMistakes;
+
+  mutable std::mutex mChoiceMutex; // Guards mChoice.
+  CameraChoice mChoice;            // Of the connection; without a way while there is none.
 };
 
 } // namespace krcamerabridge

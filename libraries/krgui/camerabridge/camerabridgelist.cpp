@@ -2,31 +2,14 @@
 
 #include "krgenicam/krgenaccessstop.h"
 #include "krgenicam/krgenparameterarray.h"
-#include "krpersistence/krconfigurationreader.h"
-#include "krpersistence/krconfigurationwriter.h"
 #include "logic/browser/browserfilling.h"
-#include "logic/camerabridge/camerabridgeindex.h"
 #include "logic/camerabridge/cameratexts.h"
 
 #include <algorithm>
 #include <optional>
-#include <set>
 #include <utility>
 
 namespace krgui {
-
-namespace {
-
-KrResult ReportEnd() {
-  return {KrResult::Code::Aborted, "The camera bridges were left before all of them were done."};
-}
-
-void NoteFirst(KrResult& aFirst, const KrResult& aResult) {
-  if (aFirst.IsOK())
-    aFirst = aResult;
-}
-
-} // namespace
 
 bool ReadParameters(KrGenParameterArray& aParameters, const KrGenProgress& aProgress, const std::stop_token& aStop) {
   const auto goesOn = [&] { return !aStop.stop_requested() && aProgress(0, 0); };
@@ -88,45 +71,19 @@ CameraBridgeEntry* CameraBridgeList::Find(KrDeviceSerial aPort) {
 }
 
 KrResult CameraBridgeList::Save(KrConfigurationWriter& aWriter, const KrGenProgress& aProgress) {
-  KrResult result;
-  std::vector<KrDeviceSerial> saved;
-  std::size_t done = 0;
-  for (const CameraBridgeEntry& entry : mEntries) {
-    if (!aProgress(done++, mEntries.size()))
-      return ReportEnd();
-    const KrResult stored = entry.bridge->Save(GetPortName(entry.port), aWriter);
-    if (stored.IsOK())
-      saved.push_back(entry.port);
-    else if (!(stored == KrResult::Code::WrongState)) // Of a bridge without a camera there is nothing to save.
-      NoteFirst(result, stored);
-  }
-  NoteFirst(result, aWriter.Store(kCameraBridgeIndex, MakeCameraBridgeIndex(saved)));
-  return result;
+  return KrSaveCameraBridges(GetBridges(), KrCameraBridgeContent::Everything, aWriter, aProgress);
 }
 
 KrResult CameraBridgeList::Load(const KrConfigurationReader& aReader, KrStringList& aErrors,
                                 const KrGenProgress& aProgress) {
-  KrPropertyList index;
-  KrResult result = aReader.Restore(kCameraBridgeIndex, index);
-  if (!result.IsOK())
-    return result;
-  std::size_t done = 0;
-  std::set<KrDeviceSerial> loaded;
-  for (const KrProperty& property : index) {
-    if (!aProgress(done++, index.GetCount()))
-      return ReportEnd();
-    const KrString& name = property.GetValue();
-    const KrDeviceSerial port = FindPort(name);
-    if (const CameraBridgeEntry* const entry = Find(port)) {
-      // Loaded again it would be the same.
-      if (loaded.insert(port).second)
-        NoteFirst(result, entry->bridge->Load(name, aReader, aErrors));
-    } else {
-      aErrors.Add(FormatMissingPort(name));
-      NoteFirst(result, {KrResult::Code::NotFound, FormatMissingPort(name)});
-    }
-  }
-  return result;
+  return KrLoadCameraBridges(GetBridges(), aReader, aErrors, aProgress);
+}
+
+std::vector<KrCameraBridgeAtPort> CameraBridgeList::GetBridges() const {
+  std::vector<KrCameraBridgeAtPort> bridges;
+  for (const CameraBridgeEntry& entry : mEntries)
+    bridges.push_back({entry.port, entry.bridge.get()});
+  return bridges;
 }
 
 void CameraBridgeList::ReadBack() {

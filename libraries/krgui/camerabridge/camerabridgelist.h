@@ -5,6 +5,7 @@
 #include "krbase/krresult.h"
 #include "krbase/krstringlist.h"
 #include "krcamerabridge/krcamerabridge.h"
+#include "krcamerabridge/krcamerabridgeset.h"
 #include "krgenicam/krgensettings.h"
 #include "krserial/krdeviceserial.h"
 #include "logic/camerabridge/camerabridgestate.h"
@@ -85,6 +86,8 @@ public:
   void Cancel();
 
 private:
+  std::vector<KrCameraBridgeAtPort> GetBridges() const;
+
   KrDevice* mDevice = nullptr;
   KrStream* mStream = nullptr;
   Entries mEntries;

@@ -7,6 +7,7 @@
 #include <vector>
 
 using krviewer::KeptBridges;
+using krviewer::kSerialBridgeRules;
 
 namespace {
 
@@ -40,11 +41,11 @@ Properties operator+(Properties aFirst, const Properties& aSecond) {
 } // namespace
 
 TEST(KeptBridges, AtFirst_NothingIsWanted) {
-  EXPECT_TRUE(KeptBridges().GetWanted().IsEmpty());
+  EXPECT_TRUE(KeptBridges(kSerialBridgeRules).GetWanted().IsEmpty());
 }
 
 TEST(KeptBridges, WhatWasSetUpWhenTheDeviceWent_IsWantedWholeAndInOrder) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
 
   bridges.Keep(MakeList(kLinkOfSerial0 + kCameraLinkOfBulk1));
 
@@ -52,7 +53,7 @@ TEST(KeptBridges, WhatWasSetUpWhenTheDeviceWent_IsWantedWholeAndInOrder) {
 }
 
 TEST(KeptBridges, LinkWithoutAPortOfTheHost_IsNotWanted) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
 
   bridges.Keep(MakeList(Properties{{"Serial0", "COMPort"}} + kCameraLinkOfBulk1));
 
@@ -60,7 +61,7 @@ TEST(KeptBridges, LinkWithoutAPortOfTheHost_IsNotWanted) {
 }
 
 TEST(KeptBridges, BridgeThatStarted_IsForgottenWhenTheUserTurnsItOff) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
   bridges.Keep(MakeList(kLinkOfSerial0));
   bridges.NoteStart(MakeList(kLinkOfSerial0), kPorts);
 
@@ -70,7 +71,7 @@ TEST(KeptBridges, BridgeThatStarted_IsForgottenWhenTheUserTurnsItOff) {
 }
 
 TEST(KeptBridges, BridgeThatDidNotStart_IsWantedAgainEachTimeBesideTheOthers) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
   bridges.Keep(MakeList(kLinkOfSerial0 + kCameraLinkOfBulk1));
   for (int round = 0; round < 3; ++round) {
     bridges.NoteStart(MakeList(kCameraLinkOfBulk1), kPorts);
@@ -83,7 +84,7 @@ TEST(KeptBridges, BridgeThatDidNotStart_IsWantedAgainEachTimeBesideTheOthers) {
 }
 
 TEST(KeptBridges, BridgeThatDidNotStart_GivesWayToWhatTheUserSetsUp) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
   bridges.Keep(MakeList(kLinkOfSerial0));
   bridges.NoteStart(MakeList({}), kPorts);
 
@@ -95,7 +96,7 @@ TEST(KeptBridges, BridgeThatDidNotStart_GivesWayToWhatTheUserSetsUp) {
 
 TEST(KeptBridges, BridgeThatDidNotStart_IsForgottenWhenTheUserSetsThePortUpAndTurnsItOff) {
   for (const Properties& own : {Properties{{"Serial0", "COMPort"}}, kLinkOfSerial0}) {
-    KeptBridges bridges;
+    KeptBridges bridges(kSerialBridgeRules);
     bridges.Keep(MakeList(kLinkOfSerial0));
     bridges.NoteStart(MakeList({}), kPorts);
 
@@ -109,7 +110,7 @@ TEST(KeptBridges, BridgeThatDidNotStart_IsForgottenWhenTheUserSetsThePortUpAndTu
 }
 
 TEST(KeptBridges, BridgeThatDidNotStart_IsWantedAgainAfterATryOfTheUserThatFailed) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
   bridges.Keep(MakeList(kLinkOfSerial0));
   bridges.NoteStart(MakeList({}), kPorts);
 
@@ -124,7 +125,7 @@ TEST(KeptBridges, BridgeThatCanNeverStart_IsNotWantedAgain) {
   const Properties never[] = {
       {{"Bulk3", "COMPort"}, {"Bulk3Port", "COM3"}}, {{"Serial0", "Serial"}}, {{"Serial0", "COMPort"}}};
   for (const Properties& one : never) {
-    KeptBridges bridges;
+    KeptBridges bridges(kSerialBridgeRules);
     bridges.Want(MakeList(one + kCameraLinkOfBulk1));
     EXPECT_EQ(ToProperties(bridges.GetWanted()), one + kCameraLinkOfBulk1) << "so that it is told once";
 
@@ -137,7 +138,7 @@ TEST(KeptBridges, BridgeThatCanNeverStart_IsNotWantedAgain) {
 }
 
 TEST(KeptBridges, BridgesOfADeviceThatDidNotAnswer_AreWantedAgain) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
   bridges.Keep(MakeList(kLinkOfSerial0));
 
   bridges.NoteStart(MakeList({}), {});
@@ -147,7 +148,7 @@ TEST(KeptBridges, BridgesOfADeviceThatDidNotAnswer_AreWantedAgain) {
 }
 
 TEST(KeptBridges, Setup_HasWhatIsSetUpNowAndWhatDidNotStart) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
   bridges.Keep(MakeList(kLinkOfSerial0 + kCameraLinkOfBulk1));
   bridges.NoteStart(MakeList({}), kPorts);
   const Properties own = {{"Bulk1", "COMPort"}};
@@ -159,7 +160,7 @@ TEST(KeptBridges, Setup_HasWhatIsSetUpNowAndWhatDidNotStart) {
 }
 
 TEST(KeptBridges, AnotherSetup_TakesThePlaceOfTheOneBefore) {
-  KeptBridges bridges;
+  KeptBridges bridges(kSerialBridgeRules);
   bridges.Keep(MakeList(kLinkOfSerial0));
   bridges.NoteStart(MakeList({}), kPorts);
 
@@ -168,4 +169,20 @@ TEST(KeptBridges, AnotherSetup_TakesThePlaceOfTheOneBefore) {
   bridges.Keep(MakeList(kCameraLinkOfBulk1));
 
   EXPECT_EQ(ToProperties(bridges.GetWanted()), kCameraLinkOfBulk1);
+}
+
+TEST(KeptBridges, CameraThatWasNotConnected_IsWantedAgainBesideTheOthersUntilTheUserConnectsOne) {
+  const Properties first = {{"Serial0", "Camera"}, {"Serial0/Way", "GenCP"}};
+  const Properties second = {{"Bulk1", "Camera"}, {"Bulk1/Way", "TolvanCameraFile"}};
+  const Properties own = {{"Serial0", "Camera"}, {"Serial0/Way", "TolvanCameraFile"}};
+  KeptBridges bridges(krviewer::kCameraBridgeRules);
+  bridges.Keep(MakeList(first + second));
+  bridges.NoteStart(MakeList(second), kPorts);
+
+  bridges.Keep(MakeList(second));
+  EXPECT_EQ(ToProperties(bridges.GetWanted()), first + second);
+
+  bridges.NoteStart(MakeList(second), kPorts);
+  bridges.Keep(MakeList(own + second));
+  EXPECT_EQ(ToProperties(bridges.GetWanted()), own + second);
 }

@@ -1,34 +1,6 @@
 // The camera bridges of the viewer, with the device that its thread lends.
 
-#include "camerabridges.h"
-#include "krcamerabridge/krcamerabridge.h"
-#include "viewerlab.h"
-
-#include <QComboBox>
-
-using krviewer::CameraBridges;
-using krviewer::DeviceBorrower;
-
-namespace {
-
-constexpr const char* kGrabberMAC = "02:4b:52:00:78:12";
-constexpr int kPort = 1048;
-
-class CameraBridgesTest : public ViewerLabTest {
-protected:
-  void LookAgain() override { mBridges.Follow(mAcquisition->GetAdapter(DeviceBorrower::CameraBridges)); }
-  void Close() {
-    mBridges.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::CameraBridges));
-    mAcquisition->Stop();
-  }
-  int CountListedPorts() {
-    return mBridges.GetWindow().GetWidget()->findChild<QComboBox*>("control" + QString::number(kPort))->count();
-  }
-
-  CameraBridges mBridges;
-};
-
-} // namespace
+#include "camerabridgesfixture.h"
 
 TEST_F(CameraBridgesTest, OpenedBeforeTheDeviceIsThere_ListsItsPortsWhenItIs) {
   ASSERT_TRUE(mBridges.Show(0).IsOK());

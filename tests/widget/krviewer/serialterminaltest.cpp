@@ -23,9 +23,9 @@ constexpr int kData = 1057;
 /// The terminal of the viewer on a camera of the lab.
 class SerialTerminalTest : public ViewerLabTest {
 protected:
-  void LookAgain() override { mTerminal.Follow(mAcquisition->GetAdapter(DeviceBorrower::Terminal)); }
+  void LookAgain() override { mTerminal.Follow(mAcquisition->GetDevice(DeviceBorrower::Terminal)); }
   void Close() {
-    mTerminal.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
+    mTerminal.GiveBack(mAcquisition->GetDevice(DeviceBorrower::Terminal));
     mAcquisition->Stop();
   }
   template <typename Control>
@@ -126,16 +126,16 @@ TEST_F(SerialTerminalTest, GivenBack_HasThePortFreeForOthers) {
   ASSERT_TRUE(mTerminal.Show(0).IsOK());
   Open();
   ASSERT_TRUE(Await([this] { return CanSend(); }));
-  mTerminal.GiveBack(mAcquisition->GetAdapter(DeviceBorrower::Terminal));
+  mTerminal.GiveBack(mAcquisition->GetDevice(DeviceBorrower::Terminal));
 
-  IKrDeviceAdapter* const adapter = mAcquisition->GetAdapter(DeviceBorrower::Terminal).Borrow();
-  ASSERT_NE(adapter, nullptr);
+  krviewer::LentDevice* const device = mAcquisition->GetDevice(DeviceBorrower::Terminal).Borrow();
+  ASSERT_NE(device, nullptr);
   {
     KrDeviceSerialPort port;
-    EXPECT_TRUE(port.Open(adapter, KrDeviceSerial::Serial0).IsOK());
+    EXPECT_TRUE(port.Open(&device->adapter, KrDeviceSerial::Serial0).IsOK());
   }
 
-  mAcquisition->GetAdapter(DeviceBorrower::Terminal).GiveBack();
+  mAcquisition->GetDevice(DeviceBorrower::Terminal).GiveBack();
   mAcquisition->Stop();
 }
 
@@ -167,8 +167,9 @@ TEST_F(SerialTerminalTest, CameraWithoutPorts_IsToldSoEachTimeTheWindowIsShown) 
 TEST_F(SerialTerminalTest, DeviceWantedBackWhileAMessageBoxIsOpen_IsGivenBackAtOnce) {
   krtest::SerialAdapter adapter;
   adapter.AddLine(0)->FailOpening(KrResult::Code::Busy);
-  krviewer::Loan<IKrDeviceAdapter> loan;
-  loan.Lend(adapter);
+  krviewer::Loan<krviewer::LentDevice> loan;
+  krviewer::LentDevice lent{adapter};
+  loan.Lend(lent);
   ASSERT_TRUE(mTerminal.Show(0).IsOK());
   bool wasGivenBack = false;
   krgui::DuringNextModalLoop([&](QWidget& aBox) {

@@ -6,16 +6,16 @@
 
 #include <span>
 
-namespace krgui {
+namespace krcamerabridge {
 
 /// The name of the list under which the index is stored.
-inline constexpr const char* kCameraBridgeIndex = "CameraBridgeIndex";
+inline constexpr const char* kBridgeIndex = "CameraBridgeIndex";
 
 // Thread: any.
 
 /// One property for each port that was saved, whose value is the port's name.
-KrPropertyList MakeCameraBridgeIndex(std::span<const KrDeviceSerial> aPorts);
+KrPropertyList MakeBridgeIndex(std::span<const KrDeviceSerial> aPorts);
 /// What is told of a name in the index to which there is no port.
 KrString FormatMissingPort(const KrString& aName);
 
-} // namespace krgui
+} // namespace krcamerabridge

@@ -1,10 +1,10 @@
-#include "logic/camerabridge/camerabridgeindex.h"
+#include "saved/bridgeindex.h"
 
 #include <string>
 
-namespace krgui {
+namespace krcamerabridge {
 
-KrPropertyList MakeCameraBridgeIndex(std::span<const KrDeviceSerial> aPorts) {
+KrPropertyList MakeBridgeIndex(std::span<const KrDeviceSerial> aPorts) {
   KrPropertyList index;
   for (const KrDeviceSerial port : aPorts)
     index.Add({KrString("CameraBridge" + std::to_string(index.GetCount())), GetPortName(port)});
@@ -15,4 +15,4 @@ KrString FormatMissingPort(const KrString& aName) {
   return "Could not load camera bridge for port " + aName + " as the serial port does not exist for the device.";
 }
 
-} // namespace krgui
+} // namespace krcamerabridge

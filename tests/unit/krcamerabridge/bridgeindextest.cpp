@@ -1,6 +1,6 @@
 // The index of the bridges that were saved.
 
-#include "logic/camerabridge/camerabridgeindex.h"
+#include "saved/bridgeindex.h"
 
 #include <gmock/gmock.h>
 
@@ -8,21 +8,21 @@
 #include <string>
 #include <vector>
 
-namespace krgui {
+namespace krcamerabridge {
 
 TEST(CameraBridgeIndex, Ports_AreTheValuesInTheirOrder) {
   const std::array ports = {KrDeviceSerial::Serial0, KrDeviceSerial::Bulk7};
 
   std::vector<std::string> values;
-  for (const KrProperty& property : MakeCameraBridgeIndex(ports))
+  for (const KrProperty& property : MakeBridgeIndex(ports))
     values.push_back(property.GetValue().ToUtf8());
 
   EXPECT_THAT(values, testing::ElementsAre("Serial0", "Bulk7"));
-  EXPECT_STREQ(kCameraBridgeIndex, "CameraBridgeIndex");
+  EXPECT_STREQ(kBridgeIndex, "CameraBridgeIndex");
 }
 
 TEST(CameraBridgeIndex, NoPorts_AreAnEmptyList) {
-  EXPECT_TRUE(MakeCameraBridgeIndex({}).IsEmpty());
+  EXPECT_TRUE(MakeBridgeIndex({}).IsEmpty());
 }
 
 TEST(CameraBridgeIndex, MissingPort_IsNamed) {
@@ -30,4 +30,4 @@ TEST(CameraBridgeIndex, MissingPort_IsNamed) {
                "Could not load camera bridge for port Bulk3 as the serial port does not exist for the device.");
 }
 
-} // namespace krgui
+} // namespace krcamerabridge
