@@ -218,6 +218,31 @@ TEST_F(Endings, WindowDeletedUnderAMessageBox_EndsIt) {
   EXPECT_EQ(mWindow, nullptr);
 }
 
+TEST_F(Endings, ClosedUnderAMessageBox_EndsIt) {
+  Open();
+  Click(id::kCameraFile);
+  OnNextDialog("", [this](QWidget&) { EXPECT_TRUE(mWindow->Close().IsOK()); });
+
+  Click(id::kLoad);
+
+  EXPECT_EQ(mWindow->GetWidget(), nullptr);
+}
+
+TEST_F(Endings, DeviceTakenOutUnderAMessageBox_LeavesTheBoxToTheUser) {
+  Open();
+  Click(id::kCameraFile);
+  OnNextDialog("", [this](QWidget&) {
+    EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK());
+    mDevice.reset();
+  });
+
+  ExpectBoxes(1);
+  Click(id::kLoad);
+
+  EXPECT_EQ(mWindow->GetBridgeCount(), 0);
+  EXPECT_FALSE(IsEnabled(id::kLoad));
+}
+
 TEST_F(Endings, DeviceTakenOutUnderTheFileDialog_EndsIt) {
   Open();
   Click(id::kCameraFile);

@@ -170,6 +170,35 @@ TEST_F(Kinds, ConnectedCameraThatCannotBeConnectedAnew_HasNoStatusOfBefore) {
   EXPECT_FALSE(HasParameters());
 }
 
+TEST_F(Kinds, CameraThatFallsSilentWhileItIsConnected_CanBeLeft) {
+  Open();
+  ConnectGenCP();
+  Silence();
+
+  Click(id::kNone);
+
+  EXPECT_FALSE(GetBridge(0).IsConnected());
+  EXPECT_TRUE(IsChecked(id::kNone));
+  EXPECT_FALSE(HasParameters());
+}
+
+TEST_F(Kinds, DisturbedLine_IsConnectedAndBrowsedAllTheSame) {
+  const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kGrabberMAC);
+  ASSERT_TRUE(faults->CorruptSerialBytes(0, KrSerialDirection::Received, 1000).IsOK());
+  ASSERT_TRUE(faults->RepeatSerialBytes(0, KrSerialDirection::Received, 997).IsOK());
+  ASSERT_TRUE(faults->LoseSerialBytes(0, KrSerialDirection::Received, 991).IsOK());
+  Open();
+
+  ConnectGenCP();
+
+  EXPECT_TRUE(GetBridge(0).IsConnected());
+  EXPECT_TRUE(HasParameters());
+  EXPECT_EQ(GetText(id::kGenCPStatus), MakeStatus(0));
+  KrSimulatedSerialCounts counts;
+  ASSERT_TRUE(faults->GetSerialCounts(0, counts).IsOK());
+  EXPECT_GT(counts.lostReceived, 0u);
+}
+
 TEST_F(Kinds, LookingForAGenCPCamera_ShowsTheWaitCursorAndConnectingDoesNot) {
   Open();
   bool wasWaiting = false;

@@ -6,6 +6,7 @@
 #include "krpersistence/krconfigurationwriter.h"
 #include "temporaryfolder.h"
 
+#include <cstdlib>
 #include <ostream>
 #include <tuple>
 
@@ -33,7 +34,22 @@ void PrintTo(const Ending& anEnding, std::ostream* aStream) {
 
 class WaitsEnd : public WaitingTest, public testing::WithParamInterface<std::tuple<Work, Ending>> {
 public:
+  WaitsEnd() {
+    setenv("KRGUI_CLPROTOCOL_HOST", KR_TEST_HOST, 1);
+    setenv("GENICAM_CLPROTOCOL", KR_TEST_DRIVERS, 1);
+  }
+
   void Prepare() {}
+  void ChooseCLProtocol() {
+    Pick(id::kDevicePort, "Bulk0");
+    Click(id::kCLProtocol);
+    ASSERT_TRUE(WaitFor([this] { return IsEnabled(id::kProbe); }));
+  }
+  void ChooseAndProbe() {
+    ChooseCLProtocol();
+    Click(id::kProbe);
+    ASSERT_TRUE(IsEnabled(id::kCLProtocolConnect));
+  }
   void ChooseGenCP() { Click(id::kGenCP); }
   void ConnectByGenCP() { ConnectGenCP(); }
   void ChooseTextCamera() {
@@ -50,6 +66,8 @@ public:
   }
   void LookFor() { Click(id::kGenCP); }
   void Connect() { Click(id::kGenCPConnect); }
+  void Probe() { Click(id::kProbe); }
+  void ConnectCLProtocol() { Click(id::kCLProtocolConnect); }
   void LoadFile() { Click(id::kLoad); }
   void Disconnect() { Click(id::kNone); }
   void Load() {
@@ -61,6 +79,10 @@ public:
     EXPECT_EQ(mWindow->Save(writer), KrResult::Code::Cancelled);
   }
 
+  void Cancel() {
+    QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+    EXPECT_NE(mWindow->GetWidget(), nullptr);
+  }
   void Close() {
     EXPECT_TRUE(mWindow->Close().IsOK());
     EXPECT_EQ(mWindow->GetWidget(), nullptr);
@@ -101,15 +123,18 @@ TEST_P(WaitsEnd, Ending_EndsTheWaitAndNothingMoreHappens) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, WaitsEnd,
-    testing::Combine(testing::Values(Work{"LookingForACamera", Do<&WaitsEnd::Prepare>, Do<&WaitsEnd::LookFor>},
-                                     Work{"Connecting", Do<&WaitsEnd::ChooseGenCP>, Do<&WaitsEnd::Connect>},
-                                     Work{"LoadingACameraFile", Do<&WaitsEnd::ChooseTextCamera>,
-                                          Do<&WaitsEnd::LoadFile>},
-                                     Work{"Disconnecting", Do<&WaitsEnd::ConnectByGenCP>, Do<&WaitsEnd::Disconnect>},
-                                     Work{"Loading", Do<&WaitsEnd::ConnectAndSave>, Do<&WaitsEnd::Load>},
-                                     Work{"Saving", Do<&WaitsEnd::ConnectByGenCP>, Do<&WaitsEnd::Save>}),
-                     testing::Values(Ending{"Close", Do<&WaitsEnd::Close>}, Ending{"Delete", Do<&WaitsEnd::Delete>},
-                                     Ending{"TakingTheDeviceOut", Do<&WaitsEnd::TakeDeviceOut>})),
+    testing::Combine(
+        testing::Values(Work{"LookingForACamera", Do<&WaitsEnd::Prepare>, Do<&WaitsEnd::LookFor>},
+                        Work{"Connecting", Do<&WaitsEnd::ChooseGenCP>, Do<&WaitsEnd::Connect>},
+                        Work{"Probing", Do<&WaitsEnd::ChooseCLProtocol>, Do<&WaitsEnd::Probe>},
+                        Work{"ConnectingByCLProtocol", Do<&WaitsEnd::ChooseAndProbe>, Do<&WaitsEnd::ConnectCLProtocol>},
+                        Work{"LoadingACameraFile", Do<&WaitsEnd::ChooseTextCamera>, Do<&WaitsEnd::LoadFile>},
+                        Work{"Disconnecting", Do<&WaitsEnd::ConnectByGenCP>, Do<&WaitsEnd::Disconnect>},
+                        Work{"Loading", Do<&WaitsEnd::ConnectAndSave>, Do<&WaitsEnd::Load>},
+                        Work{"Saving", Do<&WaitsEnd::ConnectByGenCP>, Do<&WaitsEnd::Save>}),
+        testing::Values(Ending{"Cancel", Do<&WaitsEnd::Cancel>}, Ending{"Close", Do<&WaitsEnd::Close>},
+                        Ending{"Delete", Do<&WaitsEnd::Delete>},
+                        Ending{"TakingTheDeviceOut", Do<&WaitsEnd::TakeDeviceOut>})),
     [](const auto& aInfo) { return std::string(std::get<0>(aInfo.param).name) + "_" + std::get<1>(aInfo.param).name; });
 
 } // namespace
