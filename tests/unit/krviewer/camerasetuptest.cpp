@@ -2,30 +2,11 @@
 
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
+#include "propertypairs.h"
 
 #include <gmock/gmock.h>
 
-#include <string>
-#include <utility>
-#include <vector>
-
-using Properties = std::vector<std::pair<std::string, std::string>>;
-
 namespace {
-
-KrPropertyList MakeList(const Properties& aProperties) {
-  KrPropertyList list;
-  for (const auto& [name, value] : aProperties)
-    list.Add({KrString(name), KrString(value)});
-  return list;
-}
-
-Properties ToProperties(const KrPropertyList& aList) {
-  Properties properties;
-  for (const KrProperty& property : aList)
-    properties.emplace_back(property.GetName().ToUtf8(), property.GetValue().ToUtf8());
-  return properties;
-}
 
 Properties Restore(const KrConfigurationWriter& aWriter, const char* aName) {
   KrPropertyList list;

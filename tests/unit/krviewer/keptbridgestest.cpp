@@ -1,31 +1,13 @@
 #include "keptbridges.h"
 
-#include <gtest/gtest.h>
+#include "propertypairs.h"
 
-#include <string>
-#include <utility>
-#include <vector>
+#include <gtest/gtest.h>
 
 using krviewer::KeptBridges;
 using krviewer::kSerialBridgeRules;
 
 namespace {
-
-using Properties = std::vector<std::pair<std::string, std::string>>;
-
-KrPropertyList MakeList(const Properties& aProperties) {
-  KrPropertyList list;
-  for (const auto& [name, value] : aProperties)
-    list.Add({KrString(name), KrString(value)});
-  return list;
-}
-
-Properties ToProperties(const KrPropertyList& aList) {
-  Properties properties;
-  for (const KrProperty& property : aList)
-    properties.emplace_back(property.GetName().ToUtf8(), property.GetValue().ToUtf8());
-  return properties;
-}
 
 const Properties kLinkOfSerial0 = {{"Serial0", "COMPort"}, {"Serial0Port", "COM3"}, {"Serial0COMPortBaudRate", "9600"}};
 const Properties kCameraLinkOfBulk1 = {{"Bulk1", "CLDLL"}, {"Bulk1CLDLLBaudRate", "115200"}};
