@@ -300,6 +300,7 @@ void CameraBridgeManagerWnd::ShowSwitches() const {
 }
 
 void CameraBridgeManagerWnd::ShowParameters(const CameraBridgeEntry& aEntry) {
+  mOpening->mustFillBrowser = mOpening->isBrowserLeftEmpty = false;
   mBrowser.SetGenParameterArray(aEntry.bridge->GetParameters());
 }
 
@@ -319,9 +320,10 @@ void CameraBridgeManagerWnd::FillBrowser() {
   entry = moment.FindShownEntry();
   if (!entry)
     return;
-  mOpening->isBrowserLeftEmpty = !isDone;
   if (isDone)
     ShowParameters(*entry);
+  else
+    mOpening->isBrowserLeftEmpty = true;
 }
 
 void CameraBridgeManagerWnd::ApplyStates() {

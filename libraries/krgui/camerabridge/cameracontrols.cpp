@@ -299,9 +299,13 @@ void CameraControls::DisableForeign(QWidget& aDialog) const {
   std::vector<QWidget*> own;
   for (const auto& row : kPlaces)
     own.push_back(Find<QWidget>(row.id));
+  const auto isOwn = [&own](const QWidget* aControl) {
+    return aControl && std::find(own.begin(), own.end(), aControl) != own.end();
+  };
   for (QWidget* const control : aDialog.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-    const bool isGroup = qobject_cast<QGroupBox*>(control) != nullptr;
-    if (!isGroup && !control->isWindow() && std::find(own.begin(), own.end(), control) == own.end())
+    const auto* const label = qobject_cast<QLabel*>(control);
+    const bool isShared = qobject_cast<QGroupBox*>(control) || (label && isOwn(label->buddy()));
+    if (!isShared && !control->isWindow() && !isOwn(control))
       control->setEnabled(false);
   }
 }

@@ -161,6 +161,7 @@ TEST_F(Entries, ModalWindow_ShowsPortsAndStatisticsAndGreysTheRest) {
     EXPECT_NE(GetText(id::kBytesSent), "Bytes sent: 0");
     for (const char* const dead : {"control1071", "control1073", "control1075", "control1017", "control1049"})
       EXPECT_FALSE(aDialog.findChild<QWidget*>(dead)->isEnabled()) << dead;
+    EXPECT_TRUE(aDialog.findChild<QWidget*>("control1087")->isEnabled());
     const std::uint64_t before = GetBridge(0).GetBytesReceivedFromCamera();
     Click(id::kReset);
     EXPECT_LT(GetBridge(0).GetBytesReceivedFromCamera(), before);

@@ -151,6 +151,22 @@ TEST_F(Saving, NoIndex_IsNotFoundAndChangesNothing) {
   EXPECT_EQ(GetText(id::kGenCPStatus), MakeStatus(0));
 }
 
+TEST_F(Saving, PortThatIsNamedAgainAndAgain_IsLoadedOnce) {
+  Open();
+  KrPropertyList index;
+  for (int i = 0; i < 1000; ++i)
+    index.Add({"", "Serial0"});
+  KrConfigurationWriter writer;
+  ASSERT_TRUE(writer.Store("CameraBridgeIndex", index).IsOK());
+  KrConfigurationReader reader;
+  Write(writer, reader);
+
+  EXPECT_FALSE(Load(reader).IsOK());
+
+  // As nothing is stored for it, each loading leaves a line.
+  EXPECT_EQ(mErrors.GetCount(), 1u);
+}
+
 TEST_F(Saving, BridgeWithoutSettings_IsToldOfByItself) {
   Open();
   KrPropertyList index;
