@@ -106,12 +106,19 @@ struct LostAnswers {
   KrResult::Code code;
 };
 
-class WriteWithoutAnAnswer : public DeviceMemoryOnABadLine, public testing::WithParamInterface<LostAnswers> {};
+class WriteWithoutAnAnswer : public DeviceMemoryOnABadLine, public testing::WithParamInterface<LostAnswers> {
+protected:
+  // Each is sent four times, and heard as often.
+  void ExpectFailedWrite() {
+    hasty.SetResponseTime(200);
+    camera.SetFaults(GetParam().faults);
+    EXPECT_EQ(hastyMemory.Write(kFeatures, MakeBytes(900), {}), GetParam().code);
+    ASSERT_TRUE(camera.AwaitHeard(4));
+  }
+};
 
 TEST_P(WriteWithoutAnAnswer, IsDoneOnceAndFails) {
-  camera.SetFaults(GetParam().faults);
-
-  EXPECT_EQ(hastyMemory.Write(kFeatures, MakeBytes(900), {}), GetParam().code);
+  ExpectFailedWrite();
 
   EXPECT_EQ(camera.TakeWrites().size(), 1u);
   const std::vector<HeardCommand> heard = camera.TakeHeard();
@@ -121,9 +128,10 @@ TEST_P(WriteWithoutAnAnswer, IsDoneOnceAndFails) {
 }
 
 TEST_P(WriteWithoutAnAnswer, LeavesTheSizeOfTheNext) {
-  camera.SetFaults(GetParam().faults);
-  ASSERT_EQ(hastyMemory.Write(kFeatures, MakeBytes(900), {}), GetParam().code);
+  ExpectFailedWrite();
   camera.TakeWrites();
+  camera.SetFaults({});
+  hasty.SetResponseTime(2000);
 
   ASSERT_TRUE(hastyMemory.Write(kFeatures, MakeBytes(900, 2), {}).IsOK());
 
@@ -132,21 +140,23 @@ TEST_P(WriteWithoutAnAnswer, LeavesTheSizeOfTheNext) {
 }
 
 INSTANTIATE_TEST_SUITE_P(GenCP, WriteWithoutAnAnswer,
-                         testing::Values(LostAnswers{"Lost", {.lostAnswers = 4}, KrResult::Code::TimeLimitExceeded},
-                                         LostAnswers{"Damaged", {.damagedAnswers = 4}, KrResult::Code::ProtocolError}),
+                         testing::Values(LostAnswers{"Lost", {.lostAnswers = 1000}, KrResult::Code::TimeLimitExceeded},
+                                         LostAnswers{
+                                             "Damaged", {.damagedAnswers = 1000}, KrResult::Code::ProtocolError}),
                          [](const testing::TestParamInfo<LostAnswers>& aInfo) { return aInfo.param.name; });
 
 // A repeat of a write whose answer was lost, and which is refused for what is wrong with the repeat.
 class RefusedRepeat : public DeviceMemoryOnABadLine, public testing::WithParamInterface<std::uint16_t> {};
 
 TEST_P(RefusedRepeat, OfAWriteThatMayBeDone_KeepsItsNumber) {
+  hasty.SetResponseTime(500);
   camera.SetFaults({.lostAnswers = 1, .refusedRepeats = 2, .refusal = GetParam()});
 
   EXPECT_TRUE(hastyMemory.Write(kFeatures, MakeBytes(100), {}).IsOK());
 
   EXPECT_EQ(camera.TakeWrites().size(), 1u);
   const std::vector<HeardCommand> heard = camera.TakeHeard();
-  EXPECT_EQ(heard.size(), 4u);
+  EXPECT_GE(heard.size(), 4u);
   for (const HeardCommand& command : heard)
     EXPECT_EQ(command.request, heard[0].request);
 }
@@ -154,6 +164,7 @@ TEST_P(RefusedRepeat, OfAWriteThatMayBeDone_KeepsItsNumber) {
 INSTANTIATE_TEST_SUITE_P(GenCP, RefusedRepeat, testing::Values(0x8007, 0x800B, 0x800E));
 
 TEST_F(DeviceMemoryOnABadLine, CameraThatIsSilentAtLongCommands_IsAskedAndToldLess) {
+  hasty.SetResponseTime(300);
   camera.SetFaults({.mostHeard = 64});
   bytes.assign(2000, 0);
 
@@ -165,19 +176,21 @@ TEST_F(DeviceMemoryOnABadLine, CameraThatIsSilentAtLongCommands_IsAskedAndToldLe
 }
 
 TEST_F(DeviceMemoryOnABadLine, OneBadMoment_DoesNotKeepReadsSmall) {
+  hasty.SetResponseTime(300);
   camera.SetFaults({.mostHeard = 64});
   bytes.assign(200, 0);
   ASSERT_TRUE(hastyMemory.Read(kFeatures, bytes, {}).IsOK());
   camera.SetFaults({});
   bytes.assign(4000, 0);
-  ASSERT_TRUE(hastyMemory.Read(kFeatures, bytes, {}).IsOK());
-  ASSERT_TRUE(hastyMemory.Read(kFeatures, bytes, {}).IsOK());
-  ASSERT_TRUE(hastyMemory.Read(kFeatures, bytes, {}).IsOK());
   camera.TakeHeard();
 
-  ASSERT_TRUE(hastyMemory.Read(kFeatures, bytes, {}).IsOK());
+  bool isLargest = false;
+  for (int i = 0; i < 100 && !isLargest; ++i) {
+    ASSERT_TRUE(hastyMemory.Read(kFeatures, bytes, {}).IsOK());
+    isLargest = camera.TakeHeard().at(0).bytes == kMaxReadBytes;
+  }
 
-  EXPECT_EQ(camera.TakeHeard().at(0).bytes, kMaxReadBytes);
+  EXPECT_TRUE(isLargest);
   EXPECT_EQ(bytes, camera.Peek(kFeatures, 4000));
 }
 

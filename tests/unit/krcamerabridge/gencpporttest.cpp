@@ -204,6 +204,9 @@ TEST_F(PortOnLine, Disconnect_OfWhoHasLeft_GivesTheCameraFreeAllTheSame) {
 }
 
 TEST_F(PortOnLine, XMLIDs_Cancelled_DoNotWaitForTheWayBackToTheCamerasRate) {
+  CycleTimes times = kQuickTimes;
+  times.marginMs = 2000; // It is asked only once at each rate.
+  GenCPPort patient(line, times);
   camera.PokeNumber(GenCPCamera::kSerialMap, 4, 0xFF);
   camera.GetWire()->cameraRate = 57600;
   krtest::CameraFaults faults = kLongPending;
@@ -212,7 +215,7 @@ TEST_F(PortOnLine, XMLIDs_Cancelled_DoNotWaitForTheWayBackToTheCamerasRate) {
   camera.SetFaults(faults);
   std::stop_source stop;
   KrStringList ids;
-  auto asking = std::async(std::launch::async, [&] { return port.GetXMLIDs(ids, stop.get_token()); });
+  auto asking = std::async(std::launch::async, [&] { return patient.GetXMLIDs(ids, stop.get_token()); });
   ASSERT_TRUE(camera.AwaitReadsOf(GenCPCamera::kManifest, 1));
 
   stop.request_stop();
