@@ -67,7 +67,7 @@ std::size_t GetDepth(const YamlNode& aNode) {
 // Builds the tree from the parser's events. What makes it senseless to read on ends the parser by its own exception.
 class TreeBuilder final : public YAML::EventHandler {
 public:
-  explicit TreeBuilder(TextProblems& aProblems) : mProblems(aProblems) {}
+  TreeBuilder(std::string_view aText, TextProblems& aProblems) : mText(aText), mProblems(aProblems) {}
 
   YamlNode TakeRoot() { return std::move(mRoot); }
   // The tree of a text that could not be read on.
@@ -98,8 +98,10 @@ public:
   void OnNull(const YAML::Mark& aMark, YAML::anchor_t aAnchor) override {
     Add(aMark, aAnchor, {.kind = YamlKind::Null, .place = GetPlace(aMark), .text = {}, .items = {}, .keys = {}});
   }
-  void OnScalar(const YAML::Mark& aMark, const std::string&, YAML::anchor_t aAnchor,
+  void OnScalar(const YAML::Mark& aMark, const std::string& aTag, YAML::anchor_t aAnchor,
                 const std::string& aValue) override {
+    if (aTag == kQuoted && !IsClosed(static_cast<std::size_t>(aMark.pos)))
+      Refuse(aMark, "the quotation marks are not closed");
     const bool isBad = FindInvalidUtf8(aValue) || aValue.find('\0') != std::string::npos;
     if (isBad)
       mProblems.Report(GetPlace(aMark), "the text is no valid UTF-8, or has a zero in it");
@@ -132,6 +134,23 @@ public:
   void OnMapEnd() override { Close(); }
 
 private:
+  static constexpr std::string_view kQuoted = "!";
+
+  // The parser takes the end of the text for that of the quotation marks, too, and what was to follow for their text.
+  bool IsClosed(std::size_t aBegin) const {
+    const std::size_t open = mText.find_first_of("\"'", aBegin);
+    if (open == std::string_view::npos)
+      return true;
+    for (std::size_t i = open + 1; i < mText.size(); ++i) {
+      const bool isDouble = mText[open] == '"';
+      if (isDouble ? mText[i] == '\\' : mText.substr(i, 2) == "''")
+        ++i;
+      else if (mText[i] == mText[open])
+        return true;
+    }
+    return false;
+  }
+
   // What becomes of the value of a key.
   enum class Fate { Kept, Doubled, Dropped };
 
@@ -214,6 +233,7 @@ private:
       aParent.node.doubles.push_back(std::move(aNode));
   }
 
+  const std::string_view mText;
   TextProblems& mProblems;
   YamlNode mRoot;
   std::vector<OpenNode> mOpen; // The innermost last.
@@ -246,7 +266,7 @@ void ReportBadBytes(std::string_view aText, TextProblems& aProblems) {
 YamlNode ParseText(std::string_view aText, TextProblems& aProblems) {
   TextBuffer buffer(aText);
   std::istream stream(&buffer);
-  TreeBuilder builder(aProblems);
+  TreeBuilder builder(aText, aProblems);
   try {
     YAML::Parser parser(stream);
     while (parser.HandleNextDocument(builder)) {

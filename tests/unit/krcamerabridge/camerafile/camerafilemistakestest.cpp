@@ -118,6 +118,16 @@ TEST(CameraFileMistakes, BeforeATextThatIsNoYaml_AreToldWithIt) {
                   {"    - ]", {"5: end of map not found"}}});
 }
 
+TEST(CameraFileMistakes, BeforeQuotationMarksThatAreNotClosed_AreToldWithThem) {
+  for (const char* const value : {"\"\\\" it's", "'it''s \" one"})
+    ExpectMistakes({{"cameraFile: 2 # \xC3\xA4", {"13: \"cameraFile\" has to be"}},
+                    {"camera: {vendor: \"V\\\"\", model: 'M''s\"'}"},
+                    {"protocol: {answerEnd: x}"},
+                    {"categories:"},
+                    {std::string("  - name: ") + value, {"11: the quotation marks are not closed"}},
+                    {"    features: [{name: A, type: integer, start: x}]"}});
+}
+
 // Each text ends where the parser gives up. What may stand behind that is not said to be missing.
 TEST(CameraFileMistakes, OfWhatTheFileMayHaveBehindTheError_AreNotMadeUp) {
   const std::string head = "cameraFile: 1\n";
