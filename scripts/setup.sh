@@ -12,9 +12,9 @@ packages=(
   # What the programs stand on besides
   libpng-dev libtiff-dev
   # Tests: frameworks, an independent camera, USB devices, serial lines, a display with a window manager and hands, an
-  # accessibility bus, network namespaces, packages and what is in them
+  # accessibility bus, network namespaces, packages and what is in them, documentation
   libgtest-dev libgmock-dev aravis-tools umockdev socat xvfb xauth openbox xdotool fonts-dejavu-core at-spi2-core dbus-bin dbus-daemon iproute2 util-linux
-  dpkg-dev desktop-file-utils mandoc
+  dpkg-dev desktop-file-utils mandoc doxygen
   "$@"
 )
 missing=()

@@ -45,9 +45,9 @@ inline constexpr std::size_t kKrCLMostMessage = kKrCLHeader + kKrCLMostBytes;
 
 /// A message, taken apart. The bytes are borrowed from the packet.
 struct KrCLMessage {
-  KrCLMessageKind kind = KrCLMessageKind::Data;
-  std::uint32_t value = 0;
-  std::string_view bytes = {};
+  KrCLMessageKind kind = KrCLMessageKind::Data; ///< What it says.
+  std::uint32_t value = 0;                      ///< A number, where the kind has one.
+  std::string_view bytes = {};                  ///< What follows, where the kind has it; of the packet that was parsed.
 };
 
 /// Takes a packet apart; nothing for one that a side may not send: an unknown kind or value, or a wrong length. Thread:

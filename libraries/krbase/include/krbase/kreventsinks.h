@@ -52,6 +52,7 @@ public:
     return {};
   }
 
+  /// Whether no sink is registered.
   bool IsEmpty() const {
     const std::lock_guard lock(mMutex);
     return mSinks.empty();

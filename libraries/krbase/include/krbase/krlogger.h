@@ -19,12 +19,12 @@ struct KrLogSite {
 
 /// One record as a capture receives it.
 struct KrLogRecord {
-  KrLogLevel level;
-  KrString channel;
-  KrString function;
-  KrString file;
-  int line;
-  KrString text;
+  KrLogLevel level;  ///< How much it matters.
+  KrString channel;  ///< The logger's channel.
+  KrString function; ///< As in KrLogSite.
+  KrString file;     ///< As in KrLogSite.
+  int line;          ///< As in KrLogSite.
+  KrString text;     ///< What was logged.
 };
 
 /// A writer of records on one channel.
@@ -35,6 +35,7 @@ struct KrLogRecord {
 ///     KrLogger("KrGUILib").Log(KrLogLevel::Error, {"Wnd::DoEvents", "wnd", 223}, "The window is not currently open.");
 class KR_EXPORT KrLogger {
 public:
+  /// A logger that writes on a channel, for example "KrGUILib".
   explicit KrLogger(const KrString& aChannel);
 
   /// Writes a record; texts are taken as they are, nothing in them is markup or a format.
@@ -42,6 +43,7 @@ public:
 
   /// The least level that is written to standard error; Warning until it is set. Captures receive every level.
   static void SetLevel(KrLogLevel aLevel);
+  /// The least level that is written to standard error.
   static KrLogLevel GetLevel();
 
 private:
@@ -62,6 +64,7 @@ public:
   std::vector<KrLogRecord> GetRecords() const;
   /// True when a record has this level and exactly this text.
   bool Contains(KrLogLevel aLevel, const KrString& aText) const;
+  /// Forgets the records so far.
   void Clear();
 
   struct Store;

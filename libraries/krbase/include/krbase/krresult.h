@@ -45,6 +45,7 @@ public:
 
   /// True for success alone.
   bool IsOK() const { return mCode == Code::OK; }
+  /// What kind of success or failure it is.
   Code GetCode() const { return mCode; }
   /// The code as a number, for example 1281.
   std::uint32_t GetCodeNumber() const { return static_cast<std::uint32_t>(mCode); }

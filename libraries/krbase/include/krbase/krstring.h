@@ -19,10 +19,13 @@ public:
   /// Takes UTF-8 text; null is taken as the empty text. Bytes that are no UTF-8 are kept and read as U+FFFD by
   /// ToWide().
   KrString(const char* aUtf8);
+  /// Takes a copy of UTF-8 text.
   KrString(std::string_view aUtf8);
+  /// Takes UTF-8 text over.
   KrString(std::string aUtf8);
   /// Takes UTF-16 text; null is taken as the empty text. A lone surrogate becomes U+FFFD.
   KrString(const char16_t* aWide);
+  /// Converts UTF-16 text.
   KrString(std::u16string_view aWide);
 
   /// The text as UTF-8.
@@ -32,15 +35,19 @@ public:
   /// The text as UTF-16; every malformed sequence (a maximal subpart, Unicode 15.0, D93b) becomes one U+FFFD.
   std::u16string ToWide() const;
 
+  /// Whether there is no text.
   bool IsEmpty() const { return mUtf8.empty(); }
   /// The number of UTF-8 bytes.
   std::size_t GetLength() const { return mUtf8.size(); }
+  /// Leaves no text.
   void Clear() { mUtf8.clear(); }
 
+  /// Appends a text.
   KrString& operator+=(const KrString& aOther);
 
   /// Compares bytes, which for UTF-8 is the order of code points; no locale takes part.
   friend bool operator==(const KrString&, const KrString&) = default;
+  /// By the bytes of their UTF-8.
   friend std::strong_ordering operator<=>(const KrString&, const KrString&) = default;
 
 private:

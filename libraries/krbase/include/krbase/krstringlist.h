@@ -18,13 +18,17 @@ public:
   void Clear();
   /// The number of texts.
   std::size_t GetCount() const;
+  /// Whether there are no texts.
   bool IsEmpty() const;
   /// The text at an index; an index at or beyond GetCount() gives the empty text.
   const KrString& operator[](std::size_t aIndex) const;
 
+  /// For range-based loops; valid until the list is changed.
   std::vector<KrString>::const_iterator begin() const;
+  /// For range-based loops; valid until the list is changed.
   std::vector<KrString>::const_iterator end() const;
 
+  /// Whether both have the same texts in the same order.
   friend bool operator==(const KrStringList&, const KrStringList&) = default;
 
 private:

@@ -17,6 +17,7 @@ public:
   KrTurnMutex(const KrTurnMutex&) = delete;
   KrTurnMutex& operator=(const KrTurnMutex&) = delete;
 
+  /// Waits for its turn, without a limit.
   void lock() {
     std::unique_lock guard(mGuard);
     if (!std::exchange(mIsHeld, true))

@@ -10,6 +10,7 @@ namespace krbase {
 /// Thread: any.
 class LockPatience {
 public:
+  /// Waits for at most so long; after a wait in vain for a tenth of it.
   explicit LockPatience(std::chrono::milliseconds aLongest) : mLongest(aLongest) {}
 
   /// The limit of the next wait.

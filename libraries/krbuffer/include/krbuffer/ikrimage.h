@@ -31,6 +31,7 @@ public:
   /// The first byte of the first (top) line, of planar formats that of the first plane; null for an image that holds
   /// nothing.
   virtual const std::uint8_t* GetDataPointer() const = 0;
+  /// The same, to be written.
   virtual std::uint8_t* GetDataPointer() = 0;
 
   /// Makes room for an image and drops what was there. Padding in bytes.

@@ -47,25 +47,30 @@ class KR_EXPORT KrBuffer {
 public:
   /// An empty buffer of the image payload type.
   KrBuffer();
+  /// An empty buffer of a payload type.
   explicit KrBuffer(KrPayloadType aType);
   ~KrBuffer();
   /// Takes over memory, image (pointers to it stay valid) and all else; the other goes on as an empty buffer of the
   /// image payload type.
   KrBuffer(KrBuffer&& aOther) noexcept;
+  /// The same; what this buffer had before is given up.
   KrBuffer& operator=(KrBuffer&& aOther) noexcept;
   KrBuffer(const KrBuffer&) = delete;
   KrBuffer& operator=(const KrBuffer&) = delete;
 
+  /// What kind of payload the bytes are.
   KrPayloadType GetPayloadType() const;
   /// Says what kind of payload the bytes are; they and their description as an image are not touched.
   void SetPayloadType(KrPayloadType aType);
 
   /// The buffer as an image: never null while the payload type is Image, null for every other type.
   IKrImage* GetImage();
+  /// The same, to be read.
   const IKrImage* GetImage() const;
 
   /// The first byte; null while there is no memory.
   std::uint8_t* GetDataPointer();
+  /// The same, to be read.
   const std::uint8_t* GetDataPointer() const;
   /// The memory's size in bytes; 0 after Free().
   std::size_t GetSize() const;
@@ -107,16 +112,21 @@ public:
   /// The first byte of a chunk's data; null for a chunk that is not within this buffer's memory.
   const std::uint8_t* GetChunkData(const KrChunk& aChunk) const;
 
+  /// What became of the frame.
   KrBufferStatus GetStatus() const;
+  /// Says what became of the frame: a stream does this.
   void SetStatus(KrBufferStatus aStatus);
   /// The device's number of the frame (GigE Vision block ID, USB3 Vision frame ID).
   std::uint64_t GetFrameID() const;
+  /// Sets the device's number of the frame: a stream does this.
   void SetFrameID(std::uint64_t aFrameID);
   /// The device's time stamp in nanoseconds of the device's clock; 0 where the device sends none.
   std::uint64_t GetTimestampNs() const;
+  /// Sets the device's time stamp, in nanoseconds: a stream does this.
   void SetTimestampNs(std::uint64_t aNanoseconds);
   /// The host's time of completion in nanoseconds of the system's real-time clock.
   std::uint64_t GetHostTimestampNs() const;
+  /// Sets the host's time stamp, in nanoseconds: a stream does this.
   void SetHostTimestampNs(std::uint64_t aNanoseconds);
 
 private:

@@ -66,10 +66,12 @@ public:
   /// Multiplies red, green and blue, each by a factor from 0 to 16 (1 by default), before gamma; more than white is
   /// white. Colour formats alone.
   KrResult SetWhiteBalance(const KrWhiteBalance& aFactors);
+  /// The factors in use.
   KrWhiteBalance GetWhiteBalance() const;
 
   /// Raises every component but alpha, as a number from 0 to 1, to this power, from 0.1 to 10 (1 by default).
   KrResult SetGamma(double aExponent);
+  /// The gamma in use.
   double GetGamma() const;
 
   /// Shows the samples of a window from black to white, in units of the format's own samples (of a floating-point

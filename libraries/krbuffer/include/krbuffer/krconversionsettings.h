@@ -4,9 +4,9 @@
 
 /// Factors by which the components of a colour are multiplied, each from 0 to 16.
 struct KrWhiteBalance {
-  double red = 1;
-  double green = 1;
-  double blue = 1;
+  double red = 1;   ///< What red is multiplied by.
+  double green = 1; ///< What green is multiplied by.
+  double blue = 1;  ///< What blue is multiplied by.
 };
 
 /// The samples that are shown from black to white, in units of the format's own samples.

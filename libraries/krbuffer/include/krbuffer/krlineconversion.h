@@ -23,7 +23,9 @@ class KR_EXPORT KrLineConversion {
 public:
   KrLineConversion();
   ~KrLineConversion();
+  /// Takes a conversion over; the other is then not open.
   KrLineConversion(KrLineConversion&& aOther) noexcept;
+  /// The same; what this one had before is given up.
   KrLineConversion& operator=(KrLineConversion&& aOther) noexcept;
   KrLineConversion(const KrLineConversion&) = delete;
   KrLineConversion& operator=(const KrLineConversion&) = delete;
@@ -35,8 +37,10 @@ public:
   /// padding. InvalidInput for an image of another size, format or padding or with fewer bytes, or while closed;
   /// nothing is changed then.
   KrResult Rebind(const IKrImage& aCopy);
+  /// Gives up the conversion; lines can no longer be converted.
   void Close();
 
+  /// Whether lines can be converted.
   bool IsOpen() const;
   /// Width in pixels; 0 while closed.
   std::uint32_t GetWidth() const;

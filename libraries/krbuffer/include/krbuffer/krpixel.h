@@ -10,7 +10,10 @@ using KrPixelType = std::uint32_t;
 
 /// The codes by name.
 namespace KrPixel {
-// Grey.
+/// @name Grey
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType Mono1p = 0x01010037;
 inline constexpr KrPixelType Mono2p = 0x01020038;
 inline constexpr KrPixelType Mono4p = 0x01040039;
@@ -26,8 +29,12 @@ inline constexpr KrPixelType Mono12 = 0x01100005;
 inline constexpr KrPixelType Mono16 = 0x01100007;
 inline constexpr KrPixelType Mono14 = 0x01100025;
 inline constexpr KrPixelType Mono32 = 0x01200111;
+/// @}
 
-// Colour filter arrays.
+/// @name Colour filter arrays
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType BayerGR4p = 0x0104010D;
 inline constexpr KrPixelType BayerRG4p = 0x0104010E;
 inline constexpr KrPixelType BayerGB4p = 0x0104010F;
@@ -72,8 +79,12 @@ inline constexpr KrPixelType BayerGR14 = 0x01100109;
 inline constexpr KrPixelType BayerRG14 = 0x0110010A;
 inline constexpr KrPixelType BayerGB14 = 0x0110010B;
 inline constexpr KrPixelType BayerBG14 = 0x0110010C;
+/// @}
 
-// Colour.
+/// @name Colour
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType RGB565p = 0x02100035;
 inline constexpr KrPixelType BGR565p = 0x02100036;
 inline constexpr KrPixelType RGB8 = 0x02180014;
@@ -107,14 +118,22 @@ inline constexpr KrPixelType RGBa10 = 0x0240005F;
 inline constexpr KrPixelType RGBa12 = 0x02400061;
 inline constexpr KrPixelType RGBa14 = 0x02400063;
 inline constexpr KrPixelType RGBa16 = 0x02400064;
+/// @}
 
-// Colour in planes.
+/// @name Colour in planes
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType RGB8_Planar = 0x02180021;
 inline constexpr KrPixelType RGB10_Planar = 0x02300022;
 inline constexpr KrPixelType RGB12_Planar = 0x02300023;
 inline constexpr KrPixelType RGB16_Planar = 0x02300024;
+/// @}
 
-// One colour alone.
+/// @name One colour alone
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType R8 = 0x010800C9;
 inline constexpr KrPixelType G8 = 0x010800CD;
 inline constexpr KrPixelType B8 = 0x010800D1;
@@ -127,14 +146,22 @@ inline constexpr KrPixelType B12 = 0x010C00D3;
 inline constexpr KrPixelType R16 = 0x011000CC;
 inline constexpr KrPixelType G16 = 0x011000D0;
 inline constexpr KrPixelType B16 = 0x011000D4;
+/// @}
 
-// Luma and chroma by the names of GigE Vision 1.x.
+/// @name Luma and chroma by the names of GigE Vision 1.x
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType YUV411_8_UYYVYY = 0x020C001E;
 inline constexpr KrPixelType YUV422_8_UYVY = 0x0210001F;
 inline constexpr KrPixelType YUV422_8 = 0x02100032;
 inline constexpr KrPixelType YUV8_UYV = 0x02180020;
+/// @}
 
-// Luma and chroma.
+/// @name Luma and chroma
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType YCbCr411_8_CbYYCrYY = 0x020C003C;
 inline constexpr KrPixelType YCbCr601_411_8_CbYYCrYY = 0x020C003F;
 inline constexpr KrPixelType YCbCr709_411_8_CbYYCrYY = 0x020C0042;
@@ -155,8 +182,12 @@ inline constexpr KrPixelType YCbCr709_8_CbYCr = 0x02180040;
 inline constexpr KrPixelType YCbCr8 = 0x0218005B;
 inline constexpr KrPixelType YCbCr422_10 = 0x02200065;
 inline constexpr KrPixelType YCbCr422_12 = 0x02200066;
+/// @}
 
-// Two colours in turns.
+/// @name Two colours in turns
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType BiColorRGBG8 = 0x021000A5;
 inline constexpr KrPixelType BiColorBGRG8 = 0x021000A6;
 inline constexpr KrPixelType BiColorRGBG10p = 0x021400A8;
@@ -167,8 +198,12 @@ inline constexpr KrPixelType BiColorRGBG10 = 0x022000A7;
 inline constexpr KrPixelType BiColorBGRG10 = 0x022000A9;
 inline constexpr KrPixelType BiColorRGBG12 = 0x022000AB;
 inline constexpr KrPixelType BiColorBGRG12 = 0x022000AD;
+/// @}
 
-// Coordinates.
+/// @name Coordinates
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType Coord3D_A8 = 0x010800AF;
 inline constexpr KrPixelType Coord3D_B8 = 0x010800B0;
 inline constexpr KrPixelType Coord3D_C8 = 0x010800B1;
@@ -204,15 +239,23 @@ inline constexpr KrPixelType Coord3D_AC32f = 0x024000C2;
 inline constexpr KrPixelType Coord3D_AC32f_Planar = 0x024000C3;
 inline constexpr KrPixelType Coord3D_ABC32f = 0x026000C0;
 inline constexpr KrPixelType Coord3D_ABC32f_Planar = 0x026000C1;
+/// @}
 
-// How sure a coordinate is.
+/// @name How sure a coordinate is
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType Confidence1p = 0x010100C5;
 inline constexpr KrPixelType Confidence1 = 0x010800C4;
 inline constexpr KrPixelType Confidence8 = 0x010800C6;
 inline constexpr KrPixelType Confidence16 = 0x011000C7;
 inline constexpr KrPixelType Confidence32f = 0x012000C8;
+/// @}
 
-// Values of no particular meaning.
+/// @name Values of no particular meaning
+/// @{
+
+/// The code that has this name.
 inline constexpr KrPixelType Data8 = 0x01080116;
 inline constexpr KrPixelType Data8s = 0x01080117;
 inline constexpr KrPixelType Data16 = 0x01100118;
@@ -223,4 +266,5 @@ inline constexpr KrPixelType Data32f = 0x0120011C;
 inline constexpr KrPixelType Data64 = 0x0140011D;
 inline constexpr KrPixelType Data64s = 0x0140011E;
 inline constexpr KrPixelType Data64f = 0x0140011F;
+/// @}
 } // namespace KrPixel

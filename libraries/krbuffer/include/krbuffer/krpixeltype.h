@@ -55,14 +55,14 @@ enum class KrColorSpace {
 
 /// What the table says of one format.
 struct KrPixelTypeInfo {
-  KrPixelType type;
+  KrPixelType type;           ///< The code.
   std::string_view name;      ///< The PFNC name, for example "Mono12p".
   std::uint8_t bitsPerPixel;  ///< Space that a pixel takes on the average, padding bits included.
   std::uint8_t bitsPerSample; ///< Significant bits of a component; of 565 formats those of green.
-  KrPixelLayout layout;
-  KrPixelPacking packing;
-  KrSampleKind sampleKind;
-  KrColorSpace colorSpace;
+  KrPixelLayout layout;       ///< Which components there are, and in which order.
+  KrPixelPacking packing;     ///< How samples are put into bytes.
+  KrSampleKind sampleKind;    ///< What kind of number a sample is.
+  KrColorSpace colorSpace;    ///< What the components mean.
 };
 
 /// The table's row for a format, or nothing for a format that the library does not know. Any thread.

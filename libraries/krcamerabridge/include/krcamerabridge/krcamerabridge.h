@@ -106,15 +106,21 @@ public:
   /// Bytes that the device's port took from this bridge and gave it, in all its connections and questions since it was
   /// made or the last reset. Thread: any.
   std::uint64_t GetBytesSentToCamera() const;
+  /// Bytes that the device's port gave this bridge, counted in the same way. Thread: any.
   std::uint64_t GetBytesReceivedFromCamera() const;
+  /// Counts bytes from 0 on again. Thread: any.
   void ResetStatistics();
 
   /// What it is connected with. WrongState where it is not connected in that way. The path is the absolute one, by the
   /// directory that the process was in when it connected.
   KrResult GetTolvanCameraFilePath(KrString& aPath) const;
+  /// The camera that it is connected with by CL Protocol; WrongState where it is not.
   KrResult GetCLProtocolCameraID(KrString& aCameraID) const;
+  /// The driver's template that it is connected by; WrongState where it is not connected by CL Protocol.
   KrResult GetCLProtocolTemplate(KrString& aTemplate) const;
+  /// The description that the driver gave; WrongState where it is not connected by CL Protocol.
   KrResult GetCLProtocolXMLID(KrString& aXMLID) const;
+  /// The description that the camera gave; WrongState where it is not connected by GenCP.
   KrResult GetGenCPXMLID(KrString& aXMLID) const;
 
   /// Stores under a name how it is connected, source, synchronisation and the camera's streamable features; those that
@@ -133,6 +139,7 @@ public:
   /// Power over Camera Link of a device, by the feature that it has for it. False without a device, for one that has
   /// none and one that does not answer.
   static bool IsPoCLSupported(KrDevice* aDevice);
+  /// Whether it is switched on; false, too, where IsPoCLSupported is.
   static bool IsPoCLEnabled(KrDevice* aDevice);
   /// InvalidInput without a device, NotSupported for one that has none; else results as of a parameter.
   static KrResult SetPoCLEnabled(KrDevice* aDevice, bool aIsOn);

@@ -32,15 +32,18 @@ public:
   virtual KrResult GetEnumEntries(const KrString& aName, KrStringList& aEntries) = 0;
   /// The name of the entry that is set.
   virtual KrResult GetEnumValue(const KrString& aName, KrString& aValue) = 0;
+  /// Sets the entry of a name; NotFound and the like as the device's parameter gives them.
   virtual KrResult SetEnumValue(const KrString& aName, const KrString& aValue) = 0;
+  /// Reads a boolean; on failure aValue stays as it is.
   virtual KrResult GetBooleanValue(const KrString& aName, bool& aValue) = 0;
+  /// Sets a boolean; results as of the device's parameter.
   virtual KrResult SetBooleanValue(const KrString& aName, bool aValue) = 0;
 
   /// A text for people that no other device has, the same each time the device is opened: the model's name and what
   /// tells one device of that model from another, for example "Model X 00:11:22:33:44:55".
   virtual KrString GetDeviceText() const = 0;
-  /// The serial line of a number (0 and 1 for the UARTs, 2 to 9 for the bulk ports) that the device's transport carries,
-  /// or null where it has none of that number. The end of the device ends what is done with it.
+  /// The serial line of a number (0 and 1 for the UARTs, 2 to 9 for the bulk ports) that the device's transport
+  /// carries, or null where it has none of that number. The end of the device ends what is done with it.
   virtual std::shared_ptr<krsystem::IByteChannel> GetByteChannel(std::uint32_t aNumber) = 0;
   /// The open device behind the adapter, or null for an adapter of another make: what serial lines behind features
   /// stand on.

@@ -42,7 +42,8 @@ public:
 ///
 /// Thread: any, but for construction and destruction.
 /// Ownership: the application's. Streams must be closed before their device is destroyed; destruction gives control
-/// back, having waited for the uses of its lifetime. In a forked child destruction leaves the device, which is the parent's, as it is.
+/// back, having waited for the uses of its lifetime. In a forked child destruction leaves the device, which is the
+/// parent's, as it is.
 ///
 ///     std::unique_ptr<KrDevice> device;
 ///     KrResult result = KrDevice::Open(*info, KrDeviceAccess::Control, device);
@@ -57,13 +58,17 @@ public:
   KrDevice(const KrDevice&) = delete;
   KrDevice& operator=(const KrDevice&) = delete;
 
+  /// The kind of device.
   KrDeviceInfoType GetType() const;
   /// The text for a list or a title.
   const KrString& GetDisplayID() const;
   /// Names the device among all; the same each time it is found.
   const KrString& GetUniqueID() const;
+  /// Who made it, as it was found; empty where the device does not say.
   const KrString& GetVendorName() const;
+  /// What model it is, as it was found; empty where the device does not say.
   const KrString& GetModelName() const;
+  /// Its serial number, as it was found; empty where the device does not say.
   const KrString& GetSerialNumber() const;
   /// The name that a user gave the device, as it was when the device was found.
   const KrString& GetUserDefinedName() const;
@@ -99,6 +104,7 @@ public:
   KrResult UnregisterEventSink(KrDeviceEventSink* aSink);
 
 protected:
+  /// A device on an open link, which it takes over.
   KrDevice(KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields,
            KrDeviceAccess aAccess);
 

@@ -15,6 +15,7 @@
 ///       KrResult result = adapter.GetEnumEntries("UartBaudRate", rates);
 class KR_EXPORT KrDeviceAdapter : public IKrDeviceAdapter {
 public:
+  /// An adapter to a device, which it borrows.
   explicit KrDeviceAdapter(KrDevice& aDevice);
   ~KrDeviceAdapter() override;
 
@@ -22,8 +23,11 @@ public:
   bool IsParameterAvailable(const KrString& aName) override;
   KrResult GetEnumEntries(const KrString& aName, KrStringList& aEntries) override;
   KrResult GetEnumValue(const KrString& aName, KrString& aValue) override;
+  /// As IKrDeviceAdapter says.
   KrResult SetEnumValue(const KrString& aName, const KrString& aValue) override;
+  /// As IKrDeviceAdapter says.
   KrResult GetBooleanValue(const KrString& aName, bool& aValue) override;
+  /// As IKrDeviceAdapter says.
   KrResult SetBooleanValue(const KrString& aName, bool aValue) override;
   /// The model's name and the device's unique ID, which is a GigE Vision device's MAC address.
   KrString GetDeviceText() const override;

@@ -22,14 +22,16 @@ struct KrLastingIPConfiguration {
   bool linkLocal = true;   ///< Else it takes one of 169.254/16. The standard has it always on.
   /// The address that it keeps, as texts "a.b.c.d".
   KrString address = "0.0.0.0";
-  KrString subnetMask = "0.0.0.0";
-  KrString gateway = "0.0.0.0";
+  KrString subnetMask = "0.0.0.0"; ///< "a.b.c.d".
+  KrString gateway = "0.0.0.0";    ///< "a.b.c.d"; 0.0.0.0 for none.
+  /// Whether all members are equal.
   friend bool operator==(const KrLastingIPConfiguration&, const KrLastingIPConfiguration&) = default;
 };
 
 /// An open GigE Vision device. Threads and ownership as KrDevice.
 class KR_EXPORT KrDeviceGEV : public KrDevice {
 public:
+  /// A device on an open link, which it takes over.
   KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields,
               KrDeviceAccess aAccess = KrDeviceAccess::Control);
   ~KrDeviceGEV() override;

@@ -28,6 +28,7 @@ public:
   /// that they fail at once, and waits for the uses. It must not happen inside a use of the same thread.
   class KR_EXPORT Use {
   public:
+    /// Begins a use, if the device is still there.
     explicit Use(KrDeviceLifetime& aLifetime);
     ~Use();
     Use(const Use&) = delete;

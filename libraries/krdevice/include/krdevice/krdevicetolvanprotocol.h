@@ -6,6 +6,7 @@
 /// An open device of the older Tolvan protocol. Threads and ownership as KrDevice.
 class KR_EXPORT KrDeviceTolvanProtocol : public KrDevice {
 public:
+  /// A device on an open link, which it takes over.
   KrDeviceTolvanProtocol(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem::DeviceFields aFields,
                          KrDeviceAccess aAccess = KrDeviceAccess::Control);
   ~KrDeviceTolvanProtocol() override;

@@ -70,6 +70,7 @@ public:
   /// stream's destruction. Stopping what is stopped does nothing. With a device that is dead it takes as
   /// long as its transport's calls, seconds with GigE Vision.
   void Stop();
+  /// Whether it was started and not stopped since. Thread: any.
   bool IsRunning() const;
   /// Counts a frame that was shown; to be called by whoever shows the stream's frames.
   void CountShown();

@@ -6,7 +6,9 @@
 /// Thread, ownership, results: as KrGenParameter.
 class KR_EXPORT KrGenBoolean final : public KrGenParameter {
 public:
+  /// Reads the value.
   KrResult GetValue(bool& aValue);
+  /// Sets the value.
   KrResult SetValue(bool aValue);
 
 private:

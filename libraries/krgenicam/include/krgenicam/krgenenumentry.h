@@ -10,6 +10,7 @@
 /// Thread, ownership, results: as KrGenParameter.
 class KR_EXPORT KrGenEnumEntry final : public KrGenParameter {
 public:
+  /// The number that stands for the entry.
   KrResult GetValue(std::int64_t& aValue) const;
   /// The number that the entry stands for where the enumeration is read as a number (NumericValue).
   KrResult GetNumericValue(double& aValue) const;

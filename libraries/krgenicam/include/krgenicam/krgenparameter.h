@@ -38,26 +38,34 @@ public:
 
   /// The name by which the array knows the parameter.
   KrResult GetName(KrString& aName) const;
+  /// The same.
   KrString GetName() const;
   /// The name for people; the name itself where the description has none.
   KrResult GetDisplayName(KrString& aDisplayName) const;
+  /// What it is, in a few words; empty where the description has none.
   KrResult GetToolTip(KrString& aToolTip) const;
+  /// What it is, at length; empty where the description has none.
   KrResult GetDescription(KrString& aDescription) const;
   /// The address of more documentation; empty where there is none. Text of the device: not to be opened unseen.
   KrResult GetDocuURL(KrString& aURL) const;
+  /// Whether the name is a standard's or the maker's own.
   KrResult GetNameSpace(KrGenNameSpace& aNameSpace) const;
   /// The stricter one of Visibility and ImposedVisibility.
   KrResult GetVisibility(KrGenVisibility& aVisibility) const;
+  /// Which of the typed classes it is.
   KrResult GetType(KrGenType& aType) const;
+  /// The same.
   KrGenType GetType() const;
   /// Whether users of a level are to see the parameter.
   bool IsVisible(KrGenVisibility aVisibility) const;
   /// Whether the value belongs to the settings that are stored and restored.
   KrResult IsStreamable(bool& aIsStreamable) const;
+  /// Whether the description advises against its use.
   KrResult IsDeprecated(bool& aIsDeprecated) const;
   /// The path of the first category that holds the parameter, from the root on, parted by backslashes, for example
   /// "Root\ImageFormatControl"; empty for a node that no category holds.
   KrResult GetCategory(KrString& aPath) const;
+  /// The same.
   KrString GetCategory() const;
   /// The paths of all categories that hold it, in the order of the description.
   KrResult GetCategories(KrStringList& aPaths) const;
@@ -68,22 +76,29 @@ public:
   /// available.
   KrGenAccessMode GetAccessMode();
   /// What can be done at the moment, as yes or no. The results with an argument are those of the register port where it
-  /// failed (TimeLimitExceeded, ConnectionLost, Aborted …), so that the answer is not known and the argument stays as it
-  /// was; the others say no then, but for IsWritable of what nothing but an unknown lock could keep from being written.
-  /// Each question asks the device for what it needs: IsImplemented for pIsImplemented alone, IsAvailable besides for
-  /// availability, IsReadable for no lock, IsWritable for all of it.
+  /// failed (TimeLimitExceeded, ConnectionLost, Aborted …), so that the answer is not known and the argument stays as
+  /// it was; the others say no then, but for IsWritable of what nothing but an unknown lock could keep from being
+  /// written. Each question asks the device for what it needs: IsImplemented for pIsImplemented alone, IsAvailable
+  /// besides for availability, IsReadable for no lock, IsWritable for all of it.
   KrResult IsImplemented(bool& aIsImplemented);
+  /// The same, without the port's result.
   bool IsImplemented();
+  /// Whether it is there at the moment; see IsImplemented.
   KrResult IsAvailable(bool& aIsAvailable);
+  /// The same, without the port's result.
   bool IsAvailable();
+  /// Whether it can be read at the moment; see IsImplemented.
   KrResult IsReadable(bool& aIsReadable);
+  /// The same, without the port's result.
   bool IsReadable();
+  /// Whether it can be written at the moment; see IsImplemented.
   KrResult IsWritable(bool& aIsWritable);
+  /// The same, without the port's result.
   bool IsWritable();
   /// Why the parameter is not implemented, not available or not writable at the moment: plain text in a sentence or two
   /// for people that names the node which says so and its value, for example "Locked by TLParamsLocked (1).", "Not
-  /// available: ChunkModeActive is 0." or "Not available, as GainReg is not: GainEnable is 0."; where the device did not
-  /// answer, what it was asked for. Empty where nothing limits the parameter, and where it can never be written, or
+  /// available: ChunkModeActive is 0." or "Not available, as GainReg is not: GainEnable is 0."; where the device did
+  /// not answer, what it was asked for. Empty where nothing limits the parameter, and where it can never be written, or
   /// never be read, whatever the device says. Asks the device for what is not remembered; ConnectionLost once the array
   /// is closed.
   KrResult GetAccessReason(KrString& aReason);
@@ -94,6 +109,7 @@ public:
   KrResult GetSelectedParameters(KrGenParameterList& aParameters);
   /// The same feature in other units (pAlias) and in another type (pCastAlias); null where there is none.
   KrGenParameter* GetAlias();
+  /// The same feature in another type (pCastAlias); null where there is none.
   KrGenParameter* GetCastAlias();
 
   /// The value as text, as FromString takes it and settings are stored: integers decimal, floats with as many digits as
@@ -111,10 +127,11 @@ public:
   KrResult UnregisterEventSink(KrGenEventSink* aSink);
 
 protected:
+  /// A view on a node of a map, both of which outlive it.
   KrGenParameter(krgenicam::NodeMap& aMap, krgenicam::Node& aNode) : mMap(aMap), mNode(aNode) {}
 
-  krgenicam::NodeMap& mMap;
-  krgenicam::Node& mNode;
+  krgenicam::NodeMap& mMap; ///< The map that each call is an operation on.
+  krgenicam::Node& mNode;   ///< What this is a view on.
 
 private:
   friend class krgenicam::NodeMap;

@@ -79,17 +79,25 @@ public:
 
   /// The typed view of a name, or null where there is no such parameter or one of another type.
   KrGenInteger* GetInteger(const KrString& aName) const { return dynamic_cast<KrGenInteger*>(Get(aName)); }
+  /// As GetInteger.
   KrGenFloat* GetFloat(const KrString& aName) const { return dynamic_cast<KrGenFloat*>(Get(aName)); }
+  /// As GetInteger.
   KrGenEnum* GetEnum(const KrString& aName) const { return dynamic_cast<KrGenEnum*>(Get(aName)); }
+  /// As GetInteger.
   KrGenBoolean* GetBoolean(const KrString& aName) const { return dynamic_cast<KrGenBoolean*>(Get(aName)); }
+  /// As GetInteger.
   KrGenString* GetString(const KrString& aName) const { return dynamic_cast<KrGenString*>(Get(aName)); }
+  /// As GetInteger.
   KrGenCommand* GetCommand(const KrString& aName) const { return dynamic_cast<KrGenCommand*>(Get(aName)); }
 
+  /// Who made the device, as the description says.
   KrString GetVendorName() const;
+  /// What model the device is, as the description says.
   KrString GetModelName() const;
   /// What is wrong with the description: node, line and reason of each fault, in the order of the lines.
   KrResult GetFaults(KrStringList& aFaults) const;
 
+  /// Open until the array is closed.
   KrGenArrayAccess GetAccessMode() const;
   /// Forgets all values that were read; sinks hear of what turns out to be different.
   void InvalidateCache();

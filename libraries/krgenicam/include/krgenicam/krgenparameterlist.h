@@ -16,9 +16,13 @@ class KrGenParameter;
 ///     for (KrGenParameter* parameter = list.GetFirst(); parameter; parameter = list.GetNext())
 class KR_EXPORT KrGenParameterList {
 public:
+  /// Appends a parameter, which is borrowed.
   void Add(KrGenParameter* aParameter);
+  /// Leaves no parameters.
   void Clear();
+  /// The number of parameters.
   std::size_t GetCount() const { return mParameters.size(); }
+  /// Whether there are no parameters.
   bool IsEmpty() const { return mParameters.empty(); }
   /// The parameter at an index; null at or beyond GetCount().
   KrGenParameter* operator[](std::size_t aIndex) const;
@@ -27,7 +31,9 @@ public:
   /// The parameter behind the one that was given last, or null at the end.
   KrGenParameter* GetNext();
 
+  /// For range-based loops; valid until the list is changed.
   std::vector<KrGenParameter*>::const_iterator begin() const { return mParameters.begin(); }
+  /// For range-based loops; valid until the list is changed.
   std::vector<KrGenParameter*>::const_iterator end() const { return mParameters.end(); }
 
 private:

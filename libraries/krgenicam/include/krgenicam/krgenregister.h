@@ -16,7 +16,9 @@ public:
   KrResult GetValue(std::vector<std::uint8_t>& aBytes);
   /// Writes the bytes; InvalidInput unless they are as many as GetLength says.
   KrResult SetValue(const std::vector<std::uint8_t>& aBytes);
+  /// Where the register begins, in bytes.
   KrResult GetAddress(std::int64_t& aAddress);
+  /// How long the register is, in bytes.
   KrResult GetLength(std::int64_t& aLength);
 
 private:

@@ -18,9 +18,10 @@ using KrGenProgress = std::function<bool(std::size_t aDone, std::size_t aTotal)>
 /// One step: a parameter and its value as text (KrGenParameter::ToString). Selectors are steps too, and come before
 /// what they select.
 struct KrGenSetting {
-  KrString name;
-  KrString value;
+  KrString name;  ///< The feature, as the array knows it.
+  KrString value; ///< As KrGenParameter::ToString gives it.
 
+  /// Whether all members are equal.
   friend bool operator==(const KrGenSetting&, const KrGenSetting&) = default;
 };
 
@@ -36,12 +37,17 @@ struct KrGenSetting {
 /// Ownership: owns its texts.
 class KR_EXPORT KrGenSettings {
 public:
+  /// Appends a setting.
   void Add(const KrString& aName, const KrString& aValue);
+  /// Leaves no settings.
   void Clear() { mSettings.clear(); }
+  /// The number of settings.
   std::size_t GetCount() const { return mSettings.size(); }
+  /// The settings in their order; valid until they are changed.
   const std::vector<KrGenSetting>& GetSettings() const { return mSettings; }
   /// The device that the settings were taken from, for people; written into the text.
   const KrString& GetDevice() const { return mDevice; }
+  /// Says whose settings they are.
   void SetDevice(const KrString& aDevice) { mDevice = aDevice; }
 
   /// The text as GenApi persistence files have it: comments that begin with "#", of which the first says what the file

@@ -42,6 +42,7 @@ public:
   /// Repaints the grid at once.
   void Update();
 
+  /// The text in the field.
   KrString GetText() const;
   /// Sets the text, which is searched for at once.
   void SetText(const KrString& aText);

@@ -36,8 +36,8 @@ public:
   ~KrCameraBridgeManagerWnd() override;
 
   /// Disconnects all cameras, and makes a bridge for each serial port of a device, or none for null. Ends what is under
-  /// way. Always OK. Of an open window the user may end the search for ports; there are no bridges then until the window
-  /// is opened again, or Load.
+  /// way. Always OK. Of an open window the user may end the search for ports; there are no bridges then until the
+  /// window is opened again, or Load.
   KrResult SetDevice(KrDevice* aDevice);
   /// The stream of the bridges that are made from now on: to be called before SetDevice. May be null. Always OK.
   KrResult SetStream(KrStream* aStream);
@@ -63,6 +63,7 @@ public:
   void ShowPCF();
   /// Hides what belongs to camera files.
   void HidePCF();
+  /// Whether they are shown.
   bool IsPCFVisible();
 
 private:

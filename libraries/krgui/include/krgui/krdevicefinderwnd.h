@@ -44,11 +44,15 @@ public:
   /// Which kinds of device can be selected, and which are listed; set them before the window is shown. GigE Vision and
   /// USB3 Vision start with both, the older protocol starts listed and not selectable.
   void SetGEVEnabled(bool aSelectable, bool aListed);
+  /// What SetGEVEnabled has set.
   void GetGEVEnabled(bool& aSelectable, bool& aListed) const;
   /// Plain USB devices and USB host controllers go with USB3 Vision.
   void SetU3VEnabled(bool aSelectable, bool aListed);
+  /// What SetU3VEnabled has set.
   void GetU3VEnabled(bool& aSelectable, bool& aListed) const;
+  /// The same for devices of the older Tolvan protocol.
   void SetTolvanProtocolEnabled(bool aSelectable, bool aListed);
+  /// What SetTolvanProtocolEnabled has set.
   void GetTolvanProtocolEnabled(bool& aSelectable, bool& aListed) const;
 
 private:

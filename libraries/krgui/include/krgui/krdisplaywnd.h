@@ -74,15 +74,20 @@ public:
   KrString GetTextOverlay() const;
   /// The text's colour; each 0 to 255, green until it is set.
   void SetTextOverlayColor(unsigned char aRed, unsigned char aGreen, unsigned char aBlue);
+  /// The colour in use.
   void GetTextOverlayColor(unsigned char& aRed, unsigned char& aGreen, unsigned char& aBlue) const;
   /// The text's size in pixels: above 0 the height of a line, below 0 that of the characters, 0 a default. 20 until it
   /// is set. Always OK.
   KrResult SetTextOverlaySize(int aSize);
+  /// The size in use.
   int GetTextOverlaySize() const;
   /// The text's distance from the image's left and top edge in pixels; 10 until it is set.
   void SetTextOverlayOffsetX(unsigned int aOffset);
+  /// The same from the top edge.
   void SetTextOverlayOffsetY(unsigned int aOffset);
+  /// The offset in use.
   int GetTextOverlayOffsetX() const;
+  /// The offset in use.
   int GetTextOverlayOffsetY() const;
 
   /// One pixel of the image on one pixel of the screen, scaled screens included.
@@ -97,26 +102,32 @@ public:
 
   /// The native handle of the horizontal scroll bar; 0 while the window is not open.
   HWND GetHScrollHandle() const;
+  /// The same of the vertical bar.
   HWND GetVScrollHandle() const;
   /// The scroll bar's position, in zoomed pixels.
   int GetHScrollPos() const;
+  /// The same of the vertical bar.
   int GetVScrollPos() const;
   /// The scroll bar's range: from 0 to the scrollable extent and the page, in zoomed pixels.
   void GetHScrollRange(int& aMin, int& aMax) const;
+  /// The same of the vertical bar.
   void GetVScrollRange(int& aMin, int& aMax) const;
   /// Moves the bar's thumb alone: the image follows at the next use of the bar. OutOfRange for a position outside the
   /// range.
   KrResult SetHScrollPos(int aPosition);
+  /// The same of the vertical bar.
   KrResult SetVScrollPos(int aPosition);
 
   /// What became of the frames given to the window, since its making or the last reset.
   KrDisplayStatistics GetStatistics() const;
+  /// Counts from 0 on again.
   void ResetStatistics();
 
   /// The pixel of the image under the mouse cursor; nothing while the cursor or the image is elsewhere.
   std::optional<KrDisplayPixel> GetCursorPixel() const;
   /// Has a line about that pixel drawn in the window's lower left corner; off until it is set.
   void SetCursorLineEnabled(bool aEnabled);
+  /// Whether the line is drawn.
   bool IsCursorLineEnabled() const;
 
 private:

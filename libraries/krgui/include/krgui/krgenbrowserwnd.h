@@ -32,12 +32,14 @@ public:
   /// Sets the visibility. An open window shows it in its list and follows with the next filling; Invisible, which the
   /// list does not have, is Beginner then. Always OK.
   KrResult SetVisibility(KrGenVisibility aVisibility);
+  /// The mode in use.
   KrGenRefresh GetRefreshMode() const;
   /// How values are kept fresh; an open window is filled anew. Always OK.
   KrResult SetRefreshMode(KrGenRefresh aMode);
   /// Whether the user has written a value since the array was set or ResetChanged was called. Executing a command is no
   /// write.
   bool HasChanged() const;
+  /// Has HasChanged begin anew.
   void ResetChanged();
   /// Forgets what the array remembers, then reads every feature of an open window anew; waits for the device. Nothing
   /// without an array.

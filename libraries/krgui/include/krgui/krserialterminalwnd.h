@@ -29,6 +29,7 @@ public:
   /// it has; NotSupported (26) for a device without a port, which is forgotten then. Before the window is open the
   /// device is only stored: OK.
   KrResult SetDevice(IKrDeviceAdapter* aAdapter);
+  /// The port in use.
   KrDeviceSerial GetSerialPort() const;
   /// Chooses a port; an open window opens it, and shows a failure to the user. NotSupported (26) for one that the
   /// device lacks; then nothing changes. Without a device the port is only stored: OK.

@@ -84,5 +84,5 @@ protected:
   /// the way still finds the derived object whole.
   void DeleteWnd();
 
-  std::unique_ptr<krgui::Wnd> mWnd;
+  std::unique_ptr<krgui::Wnd> mWnd; ///< What the window is made of; a derived class makes it.
 };

@@ -30,6 +30,7 @@ class PropertiesGrid;
 ///     grid->Refresh();
 class KR_EXPORT PropertiesCtrl : public QWidget {
 public:
+  /// An empty grid, owned by its parent where there is one.
   explicit PropertiesCtrl(QWidget* aParent = nullptr);
   /// For the library's own windows: one whose messages come by a window's queue, which hands them to the grid.
   PropertiesCtrl(QWidget* aParent, std::shared_ptr<krgui::MessageQueue> aQueue);
@@ -38,6 +39,7 @@ public:
   /// Appends a row under a category's row, or at the top level for 0. Gives the row, 0 where aParent is no category's
   /// row. A row's number is never given again.
   std::uint64_t AppendCategory(std::uint64_t aParent, const KrString& aName, KrGenCategory& aCategory);
+  /// The same for a feature's row.
   std::uint64_t AppendFeature(std::uint64_t aParent, const KrString& aName, KrGenParameter& aParameter);
   /// Takes all rows away; an edit that is under way is dropped.
   void Clear();
@@ -66,6 +68,7 @@ public:
 
   /// Whether the user has written a value.
   bool HasChanged() const;
+  /// Has HasChanged begin anew.
   void ResetChanged();
 
   /// For the library's own windows.

@@ -24,11 +24,15 @@ concept KrPropertyInteger =
 class KR_EXPORT KrProperty {
 public:
   KrProperty() = default;
+  /// A property with a text.
   KrProperty(const KrString& aName, const KrString& aValue);
+  /// A property with an integer, as decimal text.
   template <KrPropertyInteger Integer>
   KrProperty(const KrString& aName, Integer aValue) : KrProperty(aName, KrString(std::to_string(aValue))) {}
 
+  /// The name by which it is found.
   const KrString& GetName() const { return mName; }
+  /// Gives it another name.
   void SetName(const KrString& aName);
 
   /// The value as text.
@@ -38,12 +42,15 @@ public:
   /// unchanged.
   KrResult GetValue(std::int64_t& aValue) const;
 
+  /// Sets the value as text.
   void SetValue(const KrString& aValue);
+  /// Sets the value as an integer, in decimal text.
   template <KrPropertyInteger Integer>
   void SetValue(Integer aValue) {
     SetValue(KrString(std::to_string(aValue)));
   }
 
+  /// Whether both have the same name and text.
   friend bool operator==(const KrProperty&, const KrProperty&) = default;
 
 private:

@@ -23,20 +23,28 @@ public:
   void Clear();
   /// The number of properties.
   std::size_t GetCount() const;
+  /// Whether there are no properties.
   bool IsEmpty() const;
 
   /// The first property of a name, or null. Names are compared exactly, case included.
   KrProperty* GetProperty(const KrString& aName);
+  /// The same, to be read.
   const KrProperty* GetProperty(const KrString& aName) const;
   /// The property at an index, or null at GetCount() and beyond.
   KrProperty* GetProperty(std::size_t aIndex);
+  /// The same, to be read.
   const KrProperty* GetProperty(std::size_t aIndex) const;
 
+  /// For range-based loops; valid until the list is changed.
   std::vector<KrProperty>::iterator begin();
+  /// For range-based loops; valid until the list is changed.
   std::vector<KrProperty>::iterator end();
+  /// For range-based loops; valid until the list is changed.
   std::vector<KrProperty>::const_iterator begin() const;
+  /// For range-based loops; valid until the list is changed.
   std::vector<KrProperty>::const_iterator end() const;
 
+  /// Whether both have the same properties in the same order.
   friend bool operator==(const KrPropertyList&, const KrPropertyList&) = default;
 
 private:

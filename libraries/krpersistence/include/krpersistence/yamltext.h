@@ -18,8 +18,8 @@ enum class YamlKind { Null, Scalar, Sequence, Map };
 
 /// One value.
 struct YamlNode {
-  YamlKind kind = YamlKind::Null;
-  TextPlace place;
+  YamlKind kind = YamlKind::Null;                      ///< What it is.
+  TextPlace place;                                     ///< Where it begins.
   std::string text;                                    ///< Of a scalar: valid UTF-8 without zeros.
   std::vector<YamlNode> items;                         ///< Of a sequence, and the values of a map.
   std::vector<std::pair<std::string, TextPlace>> keys; ///< Of a map, one for each of its items, none twice.

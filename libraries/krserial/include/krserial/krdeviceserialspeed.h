@@ -31,6 +31,7 @@ inline constexpr const char* kBulkSelector = "BulkSelector";
 /// access that runs and for the selector to be put back, and gives Aborted. Ownership: borrows the adapter.
 class KR_EXPORT KrDeviceSerialSpeed {
 public:
+  /// The speed of one port, by the device's parameters. Borrows the adapter.
   KrDeviceSerialSpeed(IKrDeviceAdapter& aAdapter, KrDeviceSerial aPort);
 
   /// The rates that the port can be set to now, in baud, in the device's order; none where the device has no such

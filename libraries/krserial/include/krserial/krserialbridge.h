@@ -93,9 +93,12 @@ public:
 
   /// Bytes that the device's port has taken, and has given, since the start or the last reset. Do not wait.
   std::uint64_t GetBytesSentToDevice() const;
+  /// Bytes that the device's port has given, counted in the same way. Does not wait.
   std::uint64_t GetBytesReceivedFromDevice() const;
+  /// Counts bytes from 0 on again. Does not wait.
   void ResetStatistics();
 
+  /// What it does at the moment. Does not wait.
   KrSerialBridgeState GetState() const;
   /// What state it is in, and why, for people; empty while all is well.
   KrString GetStateText() const;

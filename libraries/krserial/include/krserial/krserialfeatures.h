@@ -12,8 +12,8 @@ class KrDevice;
 
 /// What stands behind a serial port of a device, or would.
 struct KrSerialPortOrigin {
-  KrDeviceSerial port = KrDeviceSerial::Serial0;
-  KrString map = {};         ///< The map's name; empty for the device's transport.
+  KrDeviceSerial port = KrDeviceSerial::Serial0; ///< The port that is spoken of.
+  KrString map = {};                             ///< The map's name; empty for the device's transport.
   KrStringList missing = {}; ///< What the device lacks of the map, for people; nothing where the port is offered.
 };
 

@@ -12,8 +12,8 @@ namespace krsystem {
 
 /// A device that answered, with the unique ID of the interface on which it did.
 struct AnsweredDevice {
-  KrString interfaceID;
-  AnyDeviceFields fields;
+  KrString interfaceID;   ///< The unique ID of the interface it answered on.
+  AnyDeviceFields fields; ///< What it answered.
   /// The system's name of a network adapter, by which it is known where its unique ID is another by now.
   KrString interfaceName = {};
 };

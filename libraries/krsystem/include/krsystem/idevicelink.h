@@ -73,6 +73,7 @@ class KR_EXPORT IDeviceLink {
 public:
   virtual ~IDeviceLink() = default;
 
+  /// The device's registers; they live as long as the link.
   virtual IKrRegisterPort& GetRegisterPort() = 0;
   /// The stream channel of a number, or null where the device has none of that number.
   virtual IBufferSource* GetBufferSource(std::uint32_t aChannel) = 0;

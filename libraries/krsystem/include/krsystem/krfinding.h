@@ -28,10 +28,11 @@ enum class KrFindingKind : std::int32_t {
 
 /// A finding.
 struct KrFinding {
-  KrFindingKind kind = KrFindingKind::NoTransport;
+  KrFindingKind kind = KrFindingKind::NoTransport; ///< What was found.
   KrString subject; ///< What it is about: an adapter's name, a device's text; empty for the host.
   KrString text;    ///< What was found, a sentence.
   KrString remedy;  ///< What to do about it, with the command where there is one; may have several lines.
+  /// Whether all members are equal.
   friend bool operator==(const KrFinding&, const KrFinding&) = default;
 };
 

@@ -51,10 +51,12 @@ public:
 
   /// How long answers are awaited, in milliseconds; 1000 until it is set, values below 1 count as 1.
   void SetDetectionTimeout(std::uint32_t aTimeoutMs);
+  /// The time in use, in milliseconds.
   std::uint32_t GetDetectionTimeout() const;
   /// Whether discovery is broadcast within each subnet (true, the default) or to 255.255.255.255, which devices with an
   /// address of a foreign subnet hear too.
   void SetSubnetBroadcastEnabled(bool aEnabled);
+  /// Whether it is switched on.
   bool IsSubnetBroadcastEnabled() const;
 
   /// Does one round of discovery on all interfaces at once; the lists afterwards hold what answered in this round. An
@@ -83,6 +85,7 @@ public:
   KrResult FindFreeAddress(const KrNetworkAdapter& aAdapter, std::size_t aIndex, const std::stop_token& aCancel,
                            KrString& aAddress);
 
+  /// The number of interfaces listed.
   std::size_t GetInterfaceCount() const;
   /// Null at or beyond the count.
   const KrInterface* GetInterface(std::size_t aIndex) const;

@@ -95,6 +95,7 @@ public:
   virtual void RefuseOpening(bool aRefused) = 0;
   /// The camera vanishes, as when its cable is pulled: links to it are lost. It stays away until Return.
   virtual void Disappear() = 0;
+  /// Has the camera return after its loss.
   virtual void Return() = 0;
 };
 
