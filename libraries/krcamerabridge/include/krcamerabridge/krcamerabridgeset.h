@@ -15,8 +15,8 @@ class KrConfigurationWriter;
 
 /// A bridge, borrowed, and the port that it is for.
 struct KrCameraBridgeAtPort {
-  KrDeviceSerial port = KrDeviceSerial::Invalid;
-  KrCameraBridge* bridge = nullptr;
+  KrDeviceSerial port = KrDeviceSerial::Invalid; ///< The port of the device.
+  KrCameraBridge* bridge = nullptr;              ///< The bridge, which belongs to somebody else.
 };
 
 /// What is stored of each bridge.

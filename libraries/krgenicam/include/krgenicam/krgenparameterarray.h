@@ -50,6 +50,7 @@ public:
   /// several. Cancel and Close work as ever. Ownership: ends before the array.
   class KR_EXPORT Turn {
   public:
+    /// Waits until no other thread has a turn, and begins one.
     explicit Turn(KrGenParameterArray& aArray);
     ~Turn();
     Turn(const Turn&) = delete;

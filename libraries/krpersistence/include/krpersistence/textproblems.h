@@ -16,15 +16,17 @@ namespace krpersistence {
 
 /// A place in a text; lines and columns are counted from 1.
 struct TextPlace {
-  std::size_t line = 1;
-  std::size_t column = 1;
+  std::size_t line = 1;   ///< From 1 on.
+  std::size_t column = 1; ///< From 1 on.
 
+  /// By line, then by column.
   friend auto operator<=>(const TextPlace&, const TextPlace&) = default;
 };
 
+/// What is wrong at a place.
 struct TextProblem {
-  TextPlace place;
-  std::string reason;
+  TextPlace place;    ///< Where it is wrong.
+  std::string reason; ///< What is wrong, for people.
 
   /// "line:column: reason".
   std::string GetText() const {
@@ -51,7 +53,9 @@ public:
     std::erase_if(mProblems,
                   [&](const TextProblem& aProblem) { return !known.emplace(aProblem.place, aProblem.reason).second; });
   }
+  /// Whether there is any problem.
   bool IsThere() const { return !mProblems.empty(); }
+  /// All but what only tells that there are more.
   const std::vector<TextProblem>& GetProblems() const { return mProblems; }
   /// The first one, "line:column: reason"; empty where there is none.
   std::string GetText() const { return mProblems.empty() ? std::string() : mProblems.front().GetText(); }

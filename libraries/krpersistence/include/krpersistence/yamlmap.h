@@ -16,8 +16,8 @@ namespace krpersistence {
 
 /// A word for a number.
 struct YamlWord {
-  std::string_view word;
-  std::int32_t value;
+  std::string_view word; ///< As it stands in the text.
+  std::int32_t value;    ///< What it means.
 };
 
 /// Thread: one at a time. Ownership: borrows the map, what it is called and the problems. A value that is not there, or
@@ -34,8 +34,11 @@ public:
   /// The same; a problem where it is not there, unless the map is cut.
   const YamlNode* FindNeeded(std::string_view aKey);
 
+  /// Takes a text of at most so many bytes.
   void TakeText(std::string_view aKey, std::size_t aMostBytes, KrString& aText);
+  /// Takes true or false.
   void TakeFlag(std::string_view aKey, bool& aFlag);
+  /// Takes a whole number within bounds.
   template <std::integral Number>
   void TakeNumber(std::string_view aKey, Number& aNumber, std::uint64_t aLeast = 0,
                   std::uint64_t aMost = std::numeric_limits<Number>::max()) {
@@ -43,7 +46,9 @@ public:
     if (FindNumber(aKey, aLeast, aMost, number))
       aNumber = static_cast<Number>(number);
   }
+  /// Takes a number within bounds.
   void TakeReal(std::string_view aKey, double aLeast, double aMost, double& aNumber);
+  /// Takes what one of the words means.
   template <std::integral Number>
   void TakeWord(std::string_view aKey, std::span<const YamlWord> aWords, Number& aNumber) {
     if (const YamlNode* const node = Find(aKey)) {
@@ -62,19 +67,24 @@ public:
 
   /// Reports the keys that nobody asked for. To be called after all keys were.
   void Finish();
+  /// Reports a problem at a place.
   void Report(const TextPlace& aPlace, const std::string& aReason) { mProblems.Report(aPlace, aReason); }
   /// A problem that is none where the rest of a map that is cut has what is missing.
   void ReportMissing(const TextPlace& aPlace, const std::string& aReason) {
     if (!mNode.isCut)
       Report(aPlace, aReason);
   }
+  /// Whether the text could not be read to the end of the map.
   bool IsCut() const { return mNode.isCut; }
+  /// Where the map begins.
   const TextPlace& GetPlace() const { return mNode.place; }
+  /// Where problems are reported.
   TextProblems& GetProblem() { return mProblems; }
 
 protected:
   /// The text of a key, and its node; null where it is not there, or is no scalar.
   const std::string* FindScalar(std::string_view aKey, const YamlNode*& aNode);
+  /// Whether a node is a scalar; a problem where it is not.
   bool IsScalar(const YamlNode& aNode, std::string_view aKey);
   /// A value in a message, as short as can be told.
   static std::string Quote(std::string_view aText);

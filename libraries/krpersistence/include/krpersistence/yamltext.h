@@ -25,7 +25,7 @@ struct YamlNode {
   std::vector<std::pair<std::string, TextPlace>> keys; ///< Of a map, one for each of its items, none twice.
   /// Of a map: further values of keys that are there more than once, and of which item each is another value.
   std::vector<YamlNode> doubles = {};
-  std::vector<std::size_t> doubledItems = {};
+  std::vector<std::size_t> doubledItems = {}; ///< For each of doubles, the index of the item whose key it has.
   bool isCut = false; ///< The text could not be read to the end of this value: more may belong to it.
 };
 
