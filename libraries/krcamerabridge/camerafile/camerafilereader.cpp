@@ -205,7 +205,7 @@ private:
   }
 
   void ResolveProbe() {
-    const auto canProbe = [this](const FileFeature& aFeature) {
+    const auto canProbe = [](const FileFeature& aFeature) {
       return aFeature.get && !FindPart(*aFeature.get, Kind::Feature);
     };
     std::vector<FileFeature>& features = mModel.features;

@@ -26,8 +26,8 @@ bool TellsOfNoCamera(std::int32_t aCode) {
 std::vector<CLDriverFile> ListCandidates(const CLFullID& aTemplate) {
   std::vector<CLDriverFile> drivers = ListCLDrivers();
   std::erase_if(drivers, [&](const CLDriverFile& aDriver) { return aDriver.fileName != aTemplate.fileName; });
-  std::ranges::stable_partition(drivers,
-                                [&](const CLDriverFile& aDriver) { return aDriver.directory == aTemplate.directory; });
+  std::stable_partition(drivers.begin(), drivers.end(),
+                        [&](const CLDriverFile& aDriver) { return aDriver.directory == aTemplate.directory; });
   return drivers;
 }
 
