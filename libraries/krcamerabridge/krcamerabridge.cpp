@@ -1,10 +1,14 @@
 #include "krcamerabridge/krcamerabridge.h"
 
+#include "clprotocol/cldriverlist.h"
 #include "clprotocol/clprotocolport.h"
 #include "connection/bridgebody.h"
 #include "connection/grabberfeatures.h"
 #include "gencp/gencpport.h"
 #include "krdevice/krdeviceadapter.h"
+
+#include <string>
+#include <vector>
 
 using krcamerabridge::CameraChoice;
 using krcamerabridge::CameraWay;
@@ -31,6 +35,13 @@ KrCameraBridge::KrCameraBridge(KrDevice* aDevice, KrDeviceSerial aPort, KrStream
     : mBody(std::make_unique<Body>(aDevice, aPort, aStream)) {}
 
 KrCameraBridge::~KrCameraBridge() = default;
+
+void KrCameraBridge::SetCLProtocolDirectories(const KrStringList& aDirectories) {
+  std::vector<std::string> directories;
+  for (const KrString& directory : aDirectories)
+    directories.push_back(directory.ToUtf8());
+  krcamerabridge::SetCLDriverDirectories(directories);
+}
 
 KrResult KrCameraBridge::GetCLProtocolTemplates(KrStringList& aTemplates) {
   return CLProtocolPort::GetTemplates(aTemplates);

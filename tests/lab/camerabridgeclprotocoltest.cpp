@@ -69,6 +69,24 @@ TEST_F(CameraBridgeCLProtocolTest, Synchronisation_SetsTheDevice) {
       [&] { return GetText(lab.GetArray(), "Height") == "512" && GetText(lab.GetArray(), "Width") == "1280"; }));
 }
 
+TEST_F(CameraBridgeCLProtocolTest, Directories_AreThoseThatTheProgramNames) {
+  KrStringList nowhere;
+  nowhere.Add("/nowhere");
+  KrStringList drivers;
+  drivers.Add("/nowhere");
+  drivers.Add(KR_TEST_DRIVERS);
+  KrStringList templates;
+
+  KrCameraBridge::SetCLProtocolDirectories(nowhere);
+  EXPECT_TRUE(IsFine(KrCameraBridge::GetCLProtocolTemplates(templates)));
+  EXPECT_TRUE(templates.IsEmpty());
+
+  KrCameraBridge::SetCLProtocolDirectories(drivers);
+  EXPECT_TRUE(IsFine(KrCameraBridge::GetCLProtocolTemplates(templates)));
+  ASSERT_EQ(templates.GetCount(), 1u);
+  EXPECT_EQ(templates[0], mTemplate);
+}
+
 TEST_F(CameraBridgeCLProtocolTest, Template_ThatNoDriverHas_IsInvalidInput) {
   BridgeLab lab;
   KrCameraBridge bridge(lab.GetDevice(), KrDeviceSerial::Bulk0, nullptr);

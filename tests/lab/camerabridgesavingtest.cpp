@@ -101,13 +101,16 @@ TEST_F(CameraBridgeSavingTest, CameraFile_ByARelativePath_IsFoundFromAnotherDire
   ASSERT_TRUE(IsFine(connected));
   KrConfigurationWriter writer;
   ASSERT_TRUE(IsFine(bridge.Save(kName, writer)));
-  KrStringList errors;
+  KrConfigurationWriter connection;
+  ASSERT_TRUE(IsFine(bridge.SaveConnection(kName, connection)));
 
-  EXPECT_TRUE(IsFine(bridge.Load(kName, ReadBack(writer), errors))) << Join(errors);
-
-  KrString path;
-  EXPECT_TRUE(bridge.GetTolvanCameraFilePath(path).IsOK());
-  EXPECT_EQ(path, (folder / "sub/../camera.yml").string());
+  for (const KrConfigurationWriter* saved : {&writer, &connection}) {
+    KrStringList errors;
+    EXPECT_TRUE(IsFine(bridge.Load(kName, ReadBack(*saved), errors))) << Join(errors);
+    KrString path;
+    EXPECT_TRUE(bridge.GetTolvanCameraFilePath(path).IsOK());
+    EXPECT_EQ(path, (folder / "sub/../camera.yml").string());
+  }
 }
 
 TEST_F(CameraBridgeSavingTest, GenCP_SavedInOneProgram_IsAsItWasInTheNext) {

@@ -2,6 +2,8 @@
 
 #include "camerabridgefixture.h"
 
+#include "krdevice/krdeviceadapter.h"
+#include "krserial/krdeviceserialspeed.h"
 #include "temporaryfolder.h"
 
 #include <gmock/gmock.h>
@@ -67,6 +69,26 @@ TEST_F(CameraBridgeTest, CameraFile_Connected_ReadsAndSetsTheCamera) {
   mText.Disconnect();
   ASSERT_TRUE(IsFine(mText.ConnectTolvanCameraFile(kTextCameraFile)));
   EXPECT_EQ(GetText(*mText.GetParameters(), "Width"), "512");
+}
+
+TEST_F(CameraBridgeTest, CameraFile_HasItsSpeedForAsLongAsItIsConnected) {
+  KrDeviceAdapter adapter(*mLab.GetDevice());
+  const KrDeviceSerialSpeed speed(adapter, KrDeviceSerial::Serial1);
+  const auto getSpeed = [&] {
+    std::uint32_t baudRate = 0;
+    EXPECT_TRUE(IsFine(speed.Get(baudRate)));
+    return baudRate;
+  };
+  ASSERT_TRUE(IsFine(speed.Set(57600)));
+
+  ASSERT_TRUE(IsFine(mText.ConnectTolvanCameraFile(kTextCameraFile)));
+  EXPECT_EQ(getSpeed(), 9600u);
+  mText.Disconnect();
+  EXPECT_EQ(getSpeed(), 57600u);
+
+  ASSERT_TRUE(IsFine(KrCameraBridge::SetPoCLEnabled(mLab.GetDevice(), false))); // The camera is silent.
+  EXPECT_EQ(mText.ConnectTolvanCameraFile(kTextCameraFile), KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(getSpeed(), 57600u);
 }
 
 TEST_F(CameraBridgeTest, CameraFile_SaysTheGainThatTheCameraTakes) {

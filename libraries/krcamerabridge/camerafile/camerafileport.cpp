@@ -1,6 +1,7 @@
 #include "camerafile/camerafileport.h"
 
 #include "camerafile/featurevalues.h"
+#include "krbase/krlogger.h"
 
 #include <algorithm>
 #include <string>
@@ -170,7 +171,23 @@ KrResult CameraFileDevice::BindOrder(const FileFeature& aFeature, const CommandT
 }
 
 CameraFilePort::CameraFilePort(const CameraFile& aFile, ICameraLine& aLine)
-    : mModel(aFile.mModel), mDevice(mModel, aLine), mWorker(mDevice) {}
+    : mModel(aFile.mModel), mLine(aLine), mFormerRate(aLine), mDevice(mModel, aLine), mWorker(mDevice) {}
+
+KrResult CameraFilePort::SetRate() {
+  const std::uint32_t rate = mModel->protocol.baudRate;
+  const std::uint32_t present = mLine.GetBaudRate();
+  if (present == rate)
+    return {};
+  mFormerRate.Note();
+  KrResult result = mLine.SetBaudRate(rate);
+  return result == KrResult::Code::NotSupported && present == 0 ? KrResult() : result;
+}
+
+void CameraFilePort::Disconnect(const std::stop_token&) {
+  End();
+  if (const KrResult restored = mFormerRate.Restore(); !restored.IsOK())
+    KrLogger("KrCameraBridge").Log(KrLogLevel::Info, {"CameraFilePort", "camerafileport"}, restored.GetDescription());
+}
 
 KrResult CameraFilePort::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                               const std::stop_token& aCancel) {

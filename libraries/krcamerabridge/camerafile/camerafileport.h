@@ -3,6 +3,7 @@
 
 #include "camerafile/camerafile.h"
 #include "camerafile/commandexchange.h"
+#include "line/formerrate.h"
 #include "line/icameraline.h"
 #include "line/icameraport.h"
 #include "line/portworker.h"
@@ -46,19 +47,23 @@ private:
   std::vector<WireValue> mHeld; ///< By feature; of those that have a start.
 };
 
-/// Thread: any, but for destruction, which ends the accesses first. Ownership: shares the file's model; borrows the
+/// Thread: any, but for SetRate, before all accesses, and destruction, which ends them first. Ownership: shares the file's model; borrows the
 /// line.
 class CameraFilePort final : public ICameraPort {
 public:
   CameraFilePort(const CameraFile& aFile, ICameraLine& aLine);
+  ~CameraFilePort() override { Disconnect({}); }
 
+  /// Gives the line the camera's rate. NotSupported where it cannot have that; a line whose rate nobody can tell is taken
+  /// to have the right one.
+  KrResult SetRate();
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel = {}) override;
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                  const std::stop_token& aCancel = {}) override;
 
-  /// Ends the accesses; a camera is not told.
-  void Disconnect(const std::stop_token& /*aStop*/) override { End(); }
+  /// Ends the accesses, and gives the line its former rate; a camera is not told.
+  void Disconnect(const std::stop_token& aStop) override;
   /// Ends the accesses that wait, and all later ones, with Aborted.
   void End() { mWorker.End(); }
   /// Asks the camera whether it is there, with a time limit in milliseconds: any answer but silence says so.
@@ -69,6 +74,8 @@ public:
 
 private:
   const std::shared_ptr<const FileModel> mModel;
+  ICameraLine& mLine;
+  FormerRate mFormerRate;
   CameraFileDevice mDevice;
   PortWorker mWorker; // Last, so that it ends before what it uses.
 };

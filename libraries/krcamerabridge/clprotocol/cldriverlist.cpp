@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
-#include <optional>
 #include <string_view>
 #include <system_error>
 
@@ -27,7 +26,7 @@ constexpr std::string_view kXMLEnd = ".xml";
 
 struct Setting {
   std::mutex mutex; // Guards what follows.
-  std::optional<std::vector<std::string>> directories;
+  std::vector<std::string> directories; // None for the one of the installation.
 };
 
 Setting& GetSetting() {
@@ -38,7 +37,7 @@ Setting& GetSetting() {
 std::vector<std::string> GetSetDirectories() {
   Setting& setting = GetSetting();
   const std::lock_guard lock(setting.mutex);
-  return setting.directories ? *setting.directories : std::vector<std::string>{FindInstalledCLDrivers()};
+  return setting.directories.empty() ? std::vector<std::string>{FindInstalledCLDrivers()} : setting.directories;
 }
 
 void AddDirectory(std::string_view aDirectory, std::vector<std::string>& aDirectories) {

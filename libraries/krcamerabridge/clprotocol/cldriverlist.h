@@ -22,8 +22,8 @@ struct CLXMLFile {
   std::string path;
 };
 
-/// Directories in which to look beside those of the environment variable GENICAM_CLPROTOCOL: by default the one in
-/// which drivers are installed. Thread: any.
+/// Directories in which to look beside those of the environment variable GENICAM_CLPROTOCOL; none for the one in which
+/// drivers are installed, as at first. Thread: any.
 void SetCLDriverDirectories(const std::vector<std::string>& aDirectories);
 
 /// The drivers of the directories that GENICAM_CLPROTOCOL names, parted by ':' or ';', and then of those that were set:

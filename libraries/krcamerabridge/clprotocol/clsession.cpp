@@ -59,7 +59,7 @@ KrResult CLSession::Open(const std::string& aTemplate, const std::stop_token& aS
             "\"" + aTemplate + "\" is no template of a CL Protocol driver: Directory#FileName#Manufacturer…"};
   if (KrResult result = StartDriver(*clTemplate, aStop); !result.IsOK())
     return result;
-  mFormerRate = mLine.GetBaudRate();
+  mFormerRate.Note();
   KrResult result = FindCamera(clTemplate->shortID, kCLFirstRate, aStop);
   if (!result.IsOK())
     Close({});
@@ -181,10 +181,8 @@ void CLSession::Close(const std::stop_token& aStop) {
   mDriver->Close();
   mDriver.reset();
   mShortID.clear();
-  if (mFormerRate != 0 && mLine.GetBaudRate() != mFormerRate) {
-    if (const KrResult result = mLine.SetBaudRate(mFormerRate); !result.IsOK())
-      LogInfo(result.GetDescription().ToUtf8());
-  }
+  if (const KrResult restored = mFormerRate.Restore(); !restored.IsOK())
+    LogInfo(restored.GetDescription().ToUtf8());
 }
 
 // What the camera does not do any more is left: it may be gone.

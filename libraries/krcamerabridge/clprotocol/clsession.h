@@ -7,6 +7,7 @@
 #include "clprotocol/cldrivertimes.h"
 #include "clprotocol/clidentifiers.h"
 #include "krgenicam/krgendescription.h"
+#include "line/formerrate.h"
 #include "line/icameraline.h"
 #include "line/sessionport.h"
 
@@ -22,7 +23,7 @@ namespace krcamerabridge {
 /// Results as of CLProtocolPort. Thread: one at a time. Ownership: borrows the line.
 class CLSession final : public ILineSession {
 public:
-  CLSession(ICameraLine& aLine, const CLDriverTimes& aTimes) : mLine(aLine), mTimes(aTimes) {}
+  CLSession(ICameraLine& aLine, const CLDriverTimes& aTimes) : mLine(aLine), mTimes(aTimes), mFormerRate(aLine) {}
   /// Closes.
   ~CLSession() override;
   CLSession(const CLSession&) = delete;
@@ -62,11 +63,11 @@ private:
 
   ICameraLine& mLine;
   const CLDriverTimes mTimes;
+  FormerRate mFormerRate;
   std::stop_source mAbandoned;
   std::unique_ptr<CLDriver> mDriver;
-  std::uint32_t mFormerRate = 0; // Of the line, before it was used; 0 where it is not known.
-  std::uint32_t mFastBit = 0;    // The rate that was gone up to; 0 for none.
-  std::uint32_t mCookie = 0;     // 0 while no camera is found.
+  std::uint32_t mFastBit = 0; // The rate that was gone up to; 0 for none.
+  std::uint32_t mCookie = 0;  // 0 while no camera is found.
   std::string mShortID;
   std::uint64_t mLastAddress = 0; // Of what was read last; nothing was while the size is 0.
   std::size_t mLastSize = 0;

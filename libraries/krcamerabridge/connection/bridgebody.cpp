@@ -130,7 +130,7 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token&
     return result;
   }
   mSync.Attach(mConnection->GetParameters());
-  SetChoice(aChoice);
+  SetChoice(choice);
   mIsConnected = true;
   return {};
 }

@@ -12,15 +12,6 @@ namespace krcamerabridge {
 
 namespace {
 
-// A port whose speed nobody can tell is taken to have the right one.
-KrResult SetSpeed(ICameraLine& aLine, std::uint32_t aBaudRate) {
-  const std::uint32_t present = aLine.GetBaudRate();
-  if (present == aBaudRate)
-    return {};
-  KrResult result = aLine.SetBaudRate(aBaudRate);
-  return result == KrResult::Code::NotSupported && present == 0 ? KrResult() : result;
-}
-
 KrResult ConnectCameraFile(const CameraChoice& aChoice, const ConnectionOrder& aOrder, ConnectedCamera& aCamera) {
   CameraFile file;
   if (KrResult result = CameraFile::Load(aChoice.path, file, aOrder.mistakes); !result.IsOK())
@@ -30,9 +21,9 @@ KrResult ConnectCameraFile(const CameraChoice& aChoice, const ConnectionOrder& a
   ICameraLine* line = nullptr;
   if (KrResult result = aOrder.openLine(line); !result.IsOK())
     return result;
-  if (KrResult result = SetSpeed(*line, file.GetProtocol().baudRate); !result.IsOK())
-    return result;
   auto port = std::make_unique<CameraFilePort>(file, *line);
+  if (KrResult result = port->SetRate(); !result.IsOK())
+    return result;
   aCamera.accessMs = port->GetLongestAccessMs();
   KrResult result = port->Greet(aCamera.accessMs, aOrder.stop);
   if (result.IsOK())

@@ -22,7 +22,7 @@ KrResult CameraBridgeManagerWnd::SetDevice(KrDevice* aDevice) {
   EndWork();
   // The browser's thread asks the cameras that end here.
   mBrowser.SetGenParameterArray(nullptr);
-  const auto ended = std::make_shared<CameraBridgeList::Entries>(mBridges->SetDevice(aDevice));
+  const auto ended = std::make_shared<EndingBridges>(mBridges->SetDevice(aDevice));
   const Moment moment = GetMoment(KrDeviceSerial::Invalid);
   if (mControls) {
     mOpening->ForgetDevice();
@@ -36,13 +36,14 @@ KrResult CameraBridgeManagerWnd::SetDevice(KrDevice* aDevice) {
 }
 
 /// Returns when none of them uses its device any more.
-void CameraBridgeManagerWnd::EndBridges(const std::shared_ptr<CameraBridgeList::Entries>& aEntries) {
+void CameraBridgeManagerWnd::EndBridges(const std::shared_ptr<EndingBridges>& aBridges) {
   if (!mControls)
-    return aEntries->clear();
-  // It comes to its end also where the user does not want to wait.
-  if (!aEntries->empty())
+    return aBridges->End();
+  // It comes to its end also where the user does not want to wait: only sooner.
+  if (!aBridges->AreNone())
     (void)Await({.text = QStringLiteral("Disconnecting the cameras..."),
-                 .work = [aEntries](const KrGenProgress&) { aEntries->clear(); }});
+                 .work = [aBridges](const KrGenProgress&) { aBridges->End(); },
+                 .hurry = [aBridges] { aBridges->Hurry(); }});
 }
 
 /// Makes the bridges, and shows them; none where the user, or the window's end, ends the search, which the next opening

@@ -51,6 +51,26 @@ void CameraBridgeEntry::ReadBack() {
   UpdateStatus();
 }
 
+bool EndingBridges::AreNone() const {
+  const std::lock_guard lock(mMutex);
+  return mEntries.empty();
+}
+
+void EndingBridges::End() {
+  // Not locked, so that whoever hurries reaches the bridge that waits.
+  for (const CameraBridgeEntry& entry : mEntries)
+    entry.bridge->Disconnect();
+  std::vector<CameraBridgeEntry> ended;
+  const std::lock_guard lock(mMutex);
+  ended.swap(mEntries);
+}
+
+void EndingBridges::Hurry() {
+  const std::lock_guard lock(mMutex);
+  for (const CameraBridgeEntry& entry : mEntries)
+    entry.bridge->Cancel();
+}
+
 CameraBridgeList::Entries CameraBridgeList::SetDevice(KrDevice* aDevice) {
   ++mGeneration;
   mDevice = aDevice;

@@ -12,7 +12,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <stop_token>
+#include <utility>
 #include <vector>
 
 class KrConfigurationReader;
@@ -50,6 +52,22 @@ struct CameraBridgeEntry {
   void UpdateStatus();
   /// What the bridge is connected with, whoever connected it; the kind stays where it is not connected.
   void ReadBack();
+};
+
+/// Bridges that nobody uses any more, on their way to their end. Thread: any.
+class EndingBridges {
+public:
+  explicit EndingBridges(std::vector<CameraBridgeEntry> aEntries) : mEntries(std::move(aEntries)) {}
+
+  bool AreNone() const;
+  /// Disconnects the cameras and ends the bridges; returns when none of them uses its device any more.
+  void End();
+  /// Ends what of this waits for a camera just now.
+  void Hurry();
+
+private:
+  mutable std::mutex mMutex; ///< Guards the list; nobody but End takes bridges out of it.
+  std::vector<CameraBridgeEntry> mEntries;
 };
 
 /// Thread: user interface; Load and Save any other, while nobody else uses the bridges. Ownership: owns the bridges;

@@ -118,7 +118,7 @@ private:
   /// The same of the device itself; the question is to borrow nothing of this window.
   bool AskDevice(const char* aText, std::function<void(const KrGenProgress& aProgress)> aQuestion);
 
-  void EndBridges(const std::shared_ptr<CameraBridgeList::Entries>& aEntries);
+  void EndBridges(const std::shared_ptr<EndingBridges>& aBridges);
   void FindPorts();
   void ShowFacts();
   void ShowFactsSoon();

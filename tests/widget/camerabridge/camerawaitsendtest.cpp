@@ -70,6 +70,7 @@ public:
   void ConnectCLProtocol() { Click(id::kCLProtocolConnect); }
   void LoadFile() { Click(id::kLoad); }
   void Disconnect() { Click(id::kNone); }
+  void SetNoDevice() { EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK()); }
   void Load() {
     KrStringList errors;
     EXPECT_EQ(mWindow->Load(mReader, errors), KrResult::Code::Cancelled);
@@ -130,6 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
                         Work{"ConnectingByCLProtocol", Do<&WaitsEnd::ChooseAndProbe>, Do<&WaitsEnd::ConnectCLProtocol>},
                         Work{"LoadingACameraFile", Do<&WaitsEnd::ChooseTextCamera>, Do<&WaitsEnd::LoadFile>},
                         Work{"Disconnecting", Do<&WaitsEnd::ConnectByGenCP>, Do<&WaitsEnd::Disconnect>},
+                        Work{"EndingTheBridges", Do<&WaitsEnd::ConnectByGenCP>, Do<&WaitsEnd::SetNoDevice>},
                         Work{"Loading", Do<&WaitsEnd::ConnectAndSave>, Do<&WaitsEnd::Load>},
                         Work{"Saving", Do<&WaitsEnd::ConnectByGenCP>, Do<&WaitsEnd::Save>}),
         testing::Values(Ending{"Cancel", Do<&WaitsEnd::Cancel>}, Ending{"Close", Do<&WaitsEnd::Close>},

@@ -47,6 +47,10 @@ public:
   KrCameraBridge(const KrCameraBridge&) = delete;
   KrCameraBridge& operator=(const KrCameraBridge&) = delete;
 
+  /// Where this process looks for CL Protocol drivers beside the directories of the environment variable
+  /// GENICAM_CLPROTOCOL: instead of the one in which KrGUI's are installed, which an empty list names again. Each has a
+  /// sub-directory for the system, in which the drivers are; 64 count. Thread: any; a call that runs is not touched.
+  static void SetCLProtocolDirectories(const KrStringList& aDirectories);
   /// The templates of all CL Protocol drivers that are installed: "Directory#FileName#Manufacturer…". Drivers that
   /// cannot be loaded, hang or crash are left out; SystemError with what is wrong with them when nothing else is left.
   /// OK with an empty list where no driver is installed.
