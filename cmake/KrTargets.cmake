@@ -86,7 +86,7 @@ function(kr_add_test aName)
       "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/suppressions/tsan.supp:ignore_noninstrumented_modules=1")
   endif()
   if(NOT arg_TIMEOUT)
-    set(arg_TIMEOUT 300)
+    set(arg_TIMEOUT 900)
   endif()
 
   add_test(NAME ${arg_KIND}.${aName} COMMAND ${command})

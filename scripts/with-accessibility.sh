@@ -12,7 +12,7 @@ fi
 export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
 # Asking for the bus starts it. What the buses say of themselves is told only when they fail.
 exec dbus-run-session -- bash -c '
-  if ! answer=$(dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus org.a11y.Bus.GetAddress 2>&1); then
+  if ! answer=$(dbus-send --session --print-reply --reply-timeout=120000 --dest=org.a11y.Bus /org/a11y/bus org.a11y.Bus.GetAddress 2>&1); then
     echo "with-accessibility.sh: there is no accessibility bus: $answer" >&2
     exit 69
   fi

@@ -45,7 +45,7 @@ trap 'exit 129' HUP
 # The server and the window manager are given a limit, so that a test never hangs on them.
 await() {
   local line
-  if ! read -r -t 30 line <&"$1"; then
+  if ! read -r -t 120 line <&"$1"; then
     echo "$0: $2 did not start:" >&2
     cat "$runtime/$3.log" >&2
     exit 70
@@ -64,7 +64,7 @@ exec 8<>"$runtime/server" 9<>"$runtime/manager"
 sockets=/tmp/.X11-unix
 mkdir -m 1777 "$sockets" 2>/dev/null || true
 exec 7<"$sockets"
-if ! flock -w 120 7; then
+if ! flock -w 600 7; then
   echo "$0: others have been choosing a display number for too long." >&2
   exit 70
 fi

@@ -21,7 +21,7 @@
 #include <sys/types.h>
 
 inline constexpr std::uint32_t kLoopback = 0x7F000001;
-inline constexpr std::uint32_t kGenerousTimeoutMs = 20000;
+inline constexpr std::uint32_t kGenerousTimeoutMs = 60000;
 inline constexpr std::chrono::seconds kGenerousLimit{60};
 inline constexpr std::uint64_t kWidthRegister = 0x100;
 inline constexpr std::uint64_t kHeightRegister = 0x104;

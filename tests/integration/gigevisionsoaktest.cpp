@@ -5,6 +5,7 @@
 #include "footprint.h"
 #include "gigevisionfixture.h"
 
+#include <chrono>
 #include <cstdlib>
 
 namespace {
@@ -27,10 +28,11 @@ int GetFrameCount() {
 
 class GigEVisionSoak : public GigEVisionStreamTest {
 protected:
-  /// Takes frames and gives their buffers back; the number of whole ones.
-  int TakeFrames(int aCount) {
+  /// Takes so many whole frames and gives their buffers back; how many there were. Besides them any number of others: a
+  /// receiver that gets no time for two frames loses packets, which the camera here does not send again.
+  int TakeWholeFrames(int aCount) {
     int whole = 0;
-    for (int i = 0; i < aCount; ++i) {
+    for (int taken = 0; whole < aCount && taken < 10 * aCount; ++taken) {
       KrBuffer* buffer = Retrieve();
       if (buffer == nullptr)
         break;
@@ -39,6 +41,15 @@ protected:
     }
     return whole;
   }
+  /// What is held once no more threads are there than before; one that was joined is among the kernel's a little
+  /// longer.
+  static Footprint MeasureAfter(const Footprint& aBefore) {
+    const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+    Footprint after = MeasureFootprint();
+    while (after.threads > aBefore.threads && std::chrono::steady_clock::now() < limit)
+      after = MeasureFootprint();
+    return after;
+  }
 };
 
 TEST_F(GigEVisionSoak, ManySmallFrames_NothingGrows) {
@@ -46,17 +57,15 @@ TEST_F(GigEVisionSoak, ManySmallFrames_NothingGrows) {
   ASSERT_TRUE(WriteRegister(*mLink, kHeightRegister, kSmall).IsOK());
   ASSERT_TRUE(WriteRegister(*mLink, kFramePeriodRegister, kShortestPeriodUs).IsOK());
   ASSERT_TRUE(Start(kSmall * kSmall).IsOK());
-  ASSERT_GT(TakeFrames(kWarmUpFrames), 0);
+  ASSERT_EQ(TakeWholeFrames(kWarmUpFrames), kWarmUpFrames);
   const Footprint before = MeasureFootprint();
 
   const int frames = GetFrameCount();
-  const int whole = TakeFrames(frames);
+  EXPECT_EQ(TakeWholeFrames(frames), frames);
 
-  const Footprint after = MeasureFootprint();
-  // Not all: a receiver that gets no time for two frames loses packets, which the camera here does not send again.
-  EXPECT_GE(whole, frames * 9 / 10);
+  const Footprint after = MeasureAfter(before);
   EXPECT_LE(after.residentBytes - before.residentBytes, kMostGrowthBytes);
-  EXPECT_EQ(after.threads, before.threads);
+  EXPECT_LE(after.threads, before.threads);
   EXPECT_EQ(after.descriptors, before.descriptors);
 }
 
@@ -71,8 +80,8 @@ TEST_F(GigEVisionSoak, StartedAndStoppedOften_NothingIsLeftBehind) {
     mSource->Stop();
   }
 
-  const Footprint after = MeasureFootprint();
-  EXPECT_EQ(after.threads, before.threads);
+  const Footprint after = MeasureAfter(before);
+  EXPECT_LE(after.threads, before.threads);
   EXPECT_EQ(after.descriptors, before.descriptors);
 }
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <arpa/inet.h>
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -19,7 +19,7 @@
 namespace {
 
 constexpr const char* kProgram = "arv-fake-gv-camera-0.8";
-constexpr std::chrono::seconds kStartLimit{20};
+constexpr std::chrono::seconds kStartLimit{60};
 
 // Starts the camera with its output thrown away: it reports every transfer.
 pid_t Spawn(std::vector<std::string> aArguments) {
@@ -56,24 +56,54 @@ FakeCameraOptions MakeOptions(const std::string& aSerialNumber) {
   return options;
 }
 
+// Commands to one camera, and its answers; a camera knows who controls it by the socket.
+class Conversation {
+public:
+  explicit Conversation(const std::string& aAddress) {
+    mAddress.sin_family = AF_INET;
+    mAddress.sin_port = htons(3956);
+    ::inet_pton(AF_INET, aAddress.c_str(), &mAddress.sin_addr);
+  }
+  ~Conversation() { ::close(mSocket); }
+  Conversation(const Conversation&) = delete;
+  Conversation& operator=(const Conversation&) = delete;
+
+  // The answer to a command; empty where none comes within a quarter of a second.
+  std::vector<std::uint8_t> Ask(const std::vector<std::uint8_t>& aCommand) const {
+    ::sendto(mSocket, aCommand.data(), aCommand.size(), 0, reinterpret_cast<const sockaddr*>(&mAddress),
+             sizeof(mAddress));
+    pollfd wait{mSocket, POLLIN, 0};
+    std::vector<std::uint8_t> answer(1024);
+    const ssize_t size = ::poll(&wait, 1, 250) == 1 ? ::recv(mSocket, answer.data(), answer.size(), 0) : 0;
+    answer.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    return answer;
+  }
+  // Asked again when no answer comes, as commands are.
+  bool WriteRegister(std::uint32_t aRegister, std::uint32_t aValue) const {
+    std::vector<std::uint8_t> command = {0x42, 0x01, 0x00, 0x82, 0x00, 0x08, 0x12, 0x35};
+    for (const std::uint32_t number : {aRegister, aValue})
+      for (int shift = 24; shift >= 0; shift -= 8)
+        command.push_back(static_cast<std::uint8_t>(number >> shift));
+    const auto limit = std::chrono::steady_clock::now() + kStartLimit;
+    std::vector<std::uint8_t> answer;
+    while (answer.empty() && std::chrono::steady_clock::now() < limit)
+      answer = Ask(command);
+    return answer.size() >= 2 && answer[0] == 0 && answer[1] == 0;
+  }
+
+private:
+  const int mSocket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  sockaddr_in mAddress = {};
+};
+
 } // namespace
 
 bool AnswersDiscovery(const std::string& aAddress) {
-  const int descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(3956);
-  ::inet_pton(AF_INET, aAddress.c_str(), &address.sin_addr);
-  constexpr std::array<std::uint8_t, 8> kCommand = {0x42, 0x11, 0x00, 0x02, 0x00, 0x00, 0x12, 0x34};
-  ::sendto(descriptor, kCommand.data(), kCommand.size(), 0, reinterpret_cast<const sockaddr*>(&address),
-           sizeof(address));
-  pollfd wait{descriptor, POLLIN, 0};
-  const bool isAnswered = ::poll(&wait, 1, 250) == 1;
-  ::close(descriptor);
-  return isAnswered;
+  return !Conversation(aAddress).Ask({0x42, 0x11, 0x00, 0x02, 0x00, 0x00, 0x12, 0x34}).empty();
 }
 
-FakeCamera::FakeCamera(const FakeCameraOptions& aOptions) : mProcess(Spawn(MakeCommandLine(aOptions))) {
+FakeCamera::FakeCamera(const FakeCameraOptions& aOptions)
+    : mAddress(aOptions.address), mProcess(Spawn(MakeCommandLine(aOptions))) {
   if (mProcess < 0) {
     ADD_FAILURE() << kProgram << " cannot be started; install the package aravis-tools.";
     return;
@@ -88,6 +118,15 @@ FakeCamera::FakeCamera(const std::string& aSerialNumber) : FakeCamera(MakeOption
 
 FakeCamera::~FakeCamera() {
   Kill();
+}
+
+void FakeCamera::SetFramePeriod(std::uint32_t aMicroseconds) const {
+  constexpr std::uint32_t kControl = 0x0A00;
+  constexpr std::uint32_t kFramePeriod = 0x0138;
+  const Conversation conversation(mAddress);
+  EXPECT_TRUE(conversation.WriteRegister(kControl, 2));
+  EXPECT_TRUE(conversation.WriteRegister(kFramePeriod, aMicroseconds));
+  EXPECT_TRUE(conversation.WriteRegister(kControl, 0));
 }
 
 void FakeCamera::Kill() {

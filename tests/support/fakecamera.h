@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <string>
 
 /// How the camera is started.
@@ -21,7 +22,7 @@ struct FakeCameraOptions {
 class FakeCamera {
 public:
   /// Starts the program and waits until it answers discovery. A program that cannot be started, or does not answer
-  /// within twenty seconds, fails the test.
+  /// within a minute, fails the test.
   explicit FakeCamera(const FakeCameraOptions& aOptions = {});
   /// A camera on loopback with a serial number.
   explicit FakeCamera(const std::string& aSerialNumber);
@@ -30,6 +31,8 @@ public:
   FakeCamera& operator=(const FakeCamera&) = delete;
 
   bool IsAnswering() const { return mIsAnswering; }
+  /// Makes it send a frame so often, in microseconds; before anybody controls it. One that does not fails the test.
+  void SetFramePeriod(std::uint32_t aMicroseconds) const;
   /// Ends the camera at once, as pulling its plug would, and waits for its end.
   void Kill();
   /// Has the camera keep silent, as a cable that is pulled would, without forgetting anything; and go on.
@@ -37,6 +40,7 @@ public:
   void Resume();
 
 private:
+  const std::string mAddress;
   pid_t mProcess = -1;
   bool mIsAnswering = false;
 };

@@ -5,6 +5,12 @@
 #include <algorithm>
 #include <chrono>
 
+namespace {
+
+constexpr std::chrono::seconds kGenerousLimit{60};
+
+} // namespace
+
 OnANetwork::OnANetwork() : mHost(mLab.AddHost("cameras")) {
   mLab.Connect("eth0", mHost, "port0");
   mLab.SetAddress("eth0", "192.168.1.10/24");
@@ -20,8 +26,21 @@ void OnANetwork::Find(KrSystem& aSystem, bool aSubnetBroadcast) const {
   ASSERT_TRUE(found.IsOK()) << found.GetDescription().CStr();
 }
 
+void OnANetwork::FindThese(KrSystem& aSystem, std::vector<std::string> aSerialNumbers, bool aSubnetBroadcast) const {
+  std::sort(aSerialNumbers.begin(), aSerialNumbers.end());
+  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+  std::vector<std::string> found;
+  while (found != aSerialNumbers && std::chrono::steady_clock::now() < limit) {
+    Find(aSystem, aSubnetBroadcast);
+    found = GetSerialNumbers(aSystem);
+    if (!std::includes(aSerialNumbers.begin(), aSerialNumbers.end(), found.begin(), found.end()))
+      break;
+  }
+  ASSERT_EQ(found, aSerialNumbers);
+}
+
 void OnANetwork::FindUntil(KrSystem& aSystem, const std::function<bool()>& aCondition, const char* aWhat) const {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
   bool isSo = false;
   while (!isSo && std::chrono::steady_clock::now() < limit) {
     Find(aSystem);

@@ -21,6 +21,10 @@ protected:
 
   /// One round of discovery; a failure fails the test.
   void Find(KrSystem& aSystem, bool aSubnetBroadcast = false) const;
+  /// Rounds until exactly these devices are found, by their serial numbers: one that has to wait for a processor
+  /// answers too late for a round, and is heard in another. Fails the test when a round finds a device that is not
+  /// among them.
+  void FindThese(KrSystem& aSystem, std::vector<std::string> aSerialNumbers, bool aSubnetBroadcast = false) const;
   /// Rounds to 255.255.255.255 until a condition holds; fails the test when it does not after a generous while.
   void FindUntil(KrSystem& aSystem, const std::function<bool()>& aCondition, const char* aWhat) const;
 

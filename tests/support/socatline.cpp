@@ -104,14 +104,24 @@ void SocatProcess::Send(std::string aBytes) {
       std::jthread([this, bytes = std::move(aBytes)](const std::stop_token& aStop) { WriteAll(mInput, bytes, aStop); });
 }
 
-const std::string& SocatProcess::Await(std::size_t aSize) {
+void SocatProcess::ReadSome() {
   std::array<char, 65536> bytes;
+  const ssize_t read = Poll(mOutput, POLLIN) ? ::read(mOutput, bytes.data(), bytes.size()) : 0;
+  Check(read >= 0, "socat cannot be heard");
+  mReceived.append(bytes.data(), static_cast<std::size_t>(read));
+}
+
+const std::string& SocatProcess::Await(std::size_t aSize) {
   const auto limit = Clock::now() + kLimit;
-  while (mReceived.size() < aSize && Clock::now() < limit) {
-    const ssize_t read = Poll(mOutput, POLLIN) ? ::read(mOutput, bytes.data(), bytes.size()) : 0;
-    Check(read >= 0, "socat cannot be heard");
-    mReceived.append(bytes.data(), static_cast<std::size_t>(read));
-  }
+  while (mReceived.size() < aSize && Clock::now() < limit)
+    ReadSome();
+  return mReceived;
+}
+
+const std::string& SocatProcess::AwaitEnd(std::string_view aEnd) {
+  const auto limit = Clock::now() + kLimit;
+  while (!mReceived.ends_with(aEnd) && Clock::now() < limit)
+    ReadSome();
   return mReceived;
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -27,10 +28,13 @@ public:
   /// All that has come since it was made, once there are so many bytes; less when they do not come within a generous
   /// limit.
   const std::string& Await(std::size_t aSize);
+  /// All that has come since it was made, once it ends so; something else when that does not come within the limit.
+  const std::string& AwaitEnd(std::string_view aEnd);
   /// Ends it where it stands, without a chance to do anything first. It takes nothing more to send.
   void Kill();
 
 private:
+  void ReadSome();
   void End(int aSignal);
 
   pid_t mProcess = -1;
@@ -51,6 +55,7 @@ public:
 
   void Send(std::string aBytes) { mProcess.Send(std::move(aBytes)); }
   const std::string& Await(std::size_t aSize) { return mProcess.Await(aSize); }
+  const std::string& AwaitEnd(std::string_view aEnd) { return mProcess.AwaitEnd(aEnd); }
   void Kill() { mProcess.Kill(); }
 
 private:

@@ -1,6 +1,7 @@
 #include "userhands.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QEventLoop>
 #include <QLabel>
 #include <QLineEdit>
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -104,6 +106,29 @@ void RunXdotool(const QStringList& aArguments) {
       << "xdotool " << aArguments.join(' ').toStdString() << ": " << process.readAllStandardError().toStdString();
 }
 
+// The window that the window manager knows to be active; 0 for none.
+qulonglong FindActiveWindow() {
+  QProcess process;
+  process.start("xdotool", {"getactivewindow"});
+  EXPECT_TRUE(process.waitForFinished(UserHands::kLimitMs));
+  return process.readAllStandardOutput().trimmed().toULongLong();
+}
+
+// Whether any widget got a double click; user-interface thread alone.
+class DoubleClickWatch : public QObject {
+public:
+  DoubleClickWatch() { qApp->installEventFilter(this); }
+  bool IsSeen() const { return mIsSeen; }
+
+private:
+  bool eventFilter(QObject* aWatched, QEvent* aEvent) override {
+    mIsSeen = mIsSeen || aEvent->type() == QEvent::MouseButtonDblClick;
+    return QObject::eventFilter(aWatched, aEvent);
+  }
+
+  bool mIsSeen = false;
+};
+
 // What a script left open, from the top.
 void CloseTopWindow() {
   QWidget* window = QApplication::activePopupWidget();
@@ -144,10 +169,16 @@ std::string UserHands::DescribeWindows() const {
 }
 
 bool UserHands::AwaitWindow(const QString& aTitle) const {
-  return Await("the window " + aTitle, [&] {
+  qulonglong id = 0;
+  const bool isActive = Await("the window " + aTitle, [&] {
     const QWidget* window = FindWindow(aTitle);
-    return window != nullptr && window->isActiveWindow();
+    id = window != nullptr && window->isActiveWindow() ? window->internalWinId() : 0;
+    return id != 0;
   });
+  // The window manager takes its own keys, as those that close a window, for the one that it knows to be active.
+  const bool isKnown = isActive && QTest::qWaitFor([id] { return FindActiveWindow() == id; }, kLimitMs);
+  EXPECT_EQ(isKnown, isActive) << "The window manager does not know " << aTitle.toStdString();
+  return isKnown;
 }
 
 bool UserHands::AwaitNoWindow(const QString& aTitle) const {
@@ -238,7 +269,20 @@ void UserHands::ClickRow(const QString& aTitle, int aControl, const QString& aTe
 }
 
 void UserHands::DoubleClickRow(const QString& aTitle, int aControl, const QString& aText) const {
+  // Both clicks are one double click, however late the server gets the second.
+  std::unique_ptr<DoubleClickWatch> watch;
+  int interval = 0;
+  Glance([&] {
+    watch = std::make_unique<DoubleClickWatch>();
+    interval = QApplication::doubleClickInterval();
+    QApplication::setDoubleClickInterval(kLimitMs);
+  });
   ClickRow(aTitle, aControl, aText, {"--repeat", "2", "--delay", "40", "1"});
+  Await("the double click", [&] { return watch->IsSeen(); });
+  Glance([&] {
+    watch.reset();
+    QApplication::setDoubleClickInterval(interval);
+  });
 }
 
 void UserHands::RightClickRow(const QString& aTitle, int aControl, const QString& aText) const {

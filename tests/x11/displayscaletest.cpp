@@ -47,15 +47,13 @@ protected:
   QRect FindNativeView() const {
     return FindNative(GetView().internalWinId()) & FindNative(GetView().window()->internalWinId());
   }
-  // Qt tells the new size as soon as it has asked for it; the server's windows follow. Besides rounding to whole
-  // pixels, the window manager may take one off, as Qt asks it to size by steps of a scaled pixel: of two.
+  // Qt tells the new size as soon as it has asked for it; the server's windows follow.
   void Resize(const QSize& aSize) {
-    constexpr double kMostOff = 1.5;
     mWindow.SetPosition(50, 50, aSize.width(), aSize.height());
     const auto isSizedNatively = [&] {
       const QSize native = FindNativeView().size();
-      return std::abs(native.width() - aSize.width() * GetRatio()) <= kMostOff &&
-             std::abs(native.height() - aSize.height() * GetRatio()) <= kMostOff;
+      return std::abs(native.width() - aSize.width() * GetRatio()) <= 1.0 &&
+             std::abs(native.height() - aSize.height() * GetRatio()) <= 1.0;
     };
     EXPECT_TRUE(QTest::qWaitFor(isSizedNatively, kLimitMs)) << Describe(FindNativeView());
   }

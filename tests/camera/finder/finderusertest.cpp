@@ -105,6 +105,7 @@ TEST_F(FinderUser, ReachableDevice_SelectedAndOK_IsTheAnswer) {
     EXPECT_TRUE(aUser.AwaitRow(kFinder, kInterfaceList, "192.168.1.10"));
     EXPECT_TRUE(aUser.IsEnabled(kFinder, kOk));
     aUser.Click(kFinder, kOk);
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_TRUE(mResult.IsOK()) << mResult.GetDescription().CStr();
@@ -126,6 +127,7 @@ TEST_F(FinderUser, Cancelled_InTheMiddleOfDiscovery_AnswersNothing) {
     ASSERT_TRUE(aUser.AwaitRow(kFinder, kTree, kReachable));
     aUser.ClickRow(kFinder, kTree, kReachable);
     aUser.Click(kFinder, kCancel);
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(mResult, KrResult::Code::Cancelled);
@@ -141,6 +143,7 @@ TEST_F(FinderUser, IndependentCamera_OnAHost_IsTheAnswer) {
     ASSERT_TRUE(aUser.AwaitRow(kFinder, kTree, "192.168.1.30"));
     aUser.ClickRow(kFinder, kTree, "192.168.1.30");
     aUser.Press("Return");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(GetSelected(), "GV30");
@@ -161,6 +164,7 @@ TEST_F(FinderUserRepairs, ForeignDevice_ByTheCheckBox_IsShownAndRefusedWithItsRe
     EXPECT_TRUE(aUser.AwaitNoRow(kFinder, kTree, kForeign));
     EXPECT_TRUE(aUser.AwaitRow(kFinder, kTree, kReachable));
     aUser.Press("Escape");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(GetSelected(), "");
@@ -182,6 +186,7 @@ TEST_F(FinderUserRepairs, SetIPAddress_ByKeysAlone_RepairsTheDeviceAndOKTakesIt)
     ASSERT_TRUE(aUser.AwaitRow(kFinder, kDeviceList, "Serial Number | foreign"));
     EXPECT_TRUE(aUser.AwaitRow(kFinder, kDeviceList, "IP Configuration | Valid"));
     aUser.Click(kFinder, kOk);
+    aUser.AwaitNoWindow(kFinder);
   });
 
   std::printf("figure=finder_repair value=%lld unit=ms\n", static_cast<long long>(untilReachable.count()));
@@ -204,6 +209,7 @@ TEST_F(FinderUserRepairs, SetIPAddress_DoubtfulAddress_IsAskedAboutAndSentOnYesA
     ASSERT_TRUE(aUser.AwaitNoWindow(kIPDialog));
     EXPECT_TRUE(aUser.AwaitRow(kFinder, kTree, "10.0.0.50"));
     aUser.Press("Escape");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(mForeign.GetAddresses(), (DeviceAddresses{0x0A000032, 0xFFFFFF00, 0}));
@@ -220,6 +226,7 @@ TEST_F(FinderUserRepairs, SetIPAddress_ProposedAddress_IsFreeAndRepairsTheDevice
     aUser.ClickRow(kFinder, kTree, "foreign (192.168.1.");
     ASSERT_TRUE(aUser.AwaitRow(kFinder, kDeviceList, "IP Configuration | Valid"));
     aUser.Click(kFinder, kOk);
+    aUser.AwaitNoWindow(kFinder);
   });
 
   const DeviceAddresses addresses = mForeign.GetAddresses();
@@ -249,6 +256,7 @@ TEST_F(FinderUser, DeviceWithoutAddress_ByTheCheckBox_IsShownAndRepaired) {
     aUser.ClickRow(kFinder, kTree, "192.168.1.60");
     ASSERT_TRUE(aUser.AwaitRow(kFinder, kDeviceList, "IP Configuration | Valid"));
     aUser.Click(kFinder, kOk);
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(fresh.GetAddresses(), (DeviceAddresses{0xC0A8013C, 0xFFFFFF00, 0}));
@@ -267,6 +275,7 @@ TEST_F(FinderUserRepairs, SetIPAddress_FromTheContextMenu_OpensTheDialog) {
     aUser.Press("Escape");
     EXPECT_TRUE(aUser.AwaitNoWindow(kIPDialog));
     aUser.Press("Escape");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(mForeign.GetHeard(kForceIP), 0u);
@@ -298,6 +307,7 @@ TEST_P(FinderUserRefusals, SetIPAddress_AddressThatCannotBe_IsRefusedAndTheDialo
     aUser.Press("Escape");
     EXPECT_TRUE(aUser.AwaitNoWindow(kIPDialog));
     aUser.Press("Escape");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(mForeign.GetHeard(kForceIP), 0u);
@@ -315,6 +325,7 @@ TEST_F(FinderUser, CablePulledAndPluggedIn_DeviceVanishesAndReturns) {
     mLab.PlugIn("eth0");
     EXPECT_TRUE(aUser.AwaitRow(kFinder, kTree, kReachable));
     aUser.Press("Escape");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(mResult, KrResult::Code::Cancelled);
@@ -330,6 +341,7 @@ TEST_F(FinderUser, AdapterSetDownAndUp_StaysWithoutAddressAndReturnsWithIt) {
     ASSERT_TRUE(aUser.AwaitRow(kFinder, kTree, "eth0 192.168.1.10"));
     EXPECT_TRUE(aUser.AwaitRow(kFinder, kTree, kReachable));
     aUser.Press("Escape");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(mResult, KrResult::Code::Cancelled);
@@ -354,6 +366,7 @@ TEST_F(FinderUser, AdapterAddedAndDeleted_ComesIntoTheTreeWithItsDeviceAndLeaves
     EXPECT_TRUE(aUser.AwaitNoRow(kFinder, kTree, "added"));
     EXPECT_TRUE(aUser.AwaitRow(kFinder, kTree, kReachable));
     aUser.Press("Escape");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(mResult, KrResult::Code::Cancelled);
@@ -384,6 +397,7 @@ TEST_F(FinderUser, SelectFromIPAddress_AddressThatNobodyHas_SaysSoAndTheFinderSt
     ASSERT_TRUE(aUser.AwaitNoWindow(kError));
     EXPECT_TRUE(aUser.AwaitRow(kFinder, kTree, kReachable));
     aUser.Press("Escape");
+    aUser.AwaitNoWindow(kFinder);
   });
 
   EXPECT_EQ(GetSelected(), "");

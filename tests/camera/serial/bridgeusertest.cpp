@@ -159,6 +159,7 @@ TEST_F(BridgeUser, WindowClosed_LeavesItsBridgesRunning) {
   RunManager(
       [](UserHands& aUser, const BridgeHands& aHands) {
         aHands.Link("Bulk0", "COM1");
+        ASSERT_TRUE(aUser.AwaitWindow(kManager));
         aUser.Press("alt+F4");
         aUser.AwaitNoWindow(kManager);
       },

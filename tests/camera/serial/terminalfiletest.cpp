@@ -133,6 +133,7 @@ TEST_F(TerminalUser, WindowClosedWhileAFileIsSent_EndsWithTheLineFree) {
   Run(KrDeviceSerial::Serial1, [&](UserHands& aUser, const TerminalHands& aHands) {
     aHands.SendFile(path);
     EXPECT_GE(line.Await(100).size(), 100u);
+    ASSERT_TRUE(aUser.AwaitWindow(kTerminal));
     aUser.Press("alt+F4");
     EXPECT_TRUE(aUser.AwaitNoWindow(kTerminal));
   });

@@ -75,7 +75,7 @@ protected:
   static constexpr std::uint32_t kPersistentGateway = 0x066C;
 
   void Open(KrDeviceAccess aAccess = KrDeviceAccess::Control) {
-    Find(mSystem);
+    FindThese(mSystem, {"kept"});
     const KrDeviceInfoGEV* info = GetBySerialNumber(mSystem, "kept");
     ASSERT_NE(info, nullptr);
     const KrResult opened = KrDevice::Open(*info, aAccess, mOpened);

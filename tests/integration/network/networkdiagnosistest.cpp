@@ -22,9 +22,17 @@ using Cause = std::pair<KrFindingKind, std::string>;
 
 class OnANetworkDiagnosis : public OnANetwork {
 protected:
+  /// Rounds until these devices are found, one at least, and what is found out about the last.
+  std::vector<Cause> Diagnose(const std::vector<std::string>& aSerialNumbers) {
+    FindThese(mSystem, aSerialNumbers);
+    return DiagnoseLastRound();
+  }
   /// One round, and what is found out about it.
   std::vector<Cause> Diagnose() {
     Find(mSystem);
+    return DiagnoseLastRound();
+  }
+  std::vector<Cause> DiagnoseLastRound() {
     std::vector<KrFinding> findings;
     const KrResult result = mSystem.Diagnose(findings);
     EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
@@ -47,9 +55,9 @@ protected:
 };
 
 TEST_F(OnANetworkDiagnosis, Diagnose_AllIsWell_NamesNoCauseOfTheNetwork) {
-  const TestDevice device(mHost, "port0");
+  const TestDevice device(mHost, "port0", {.serialNumber = "well"});
 
-  const auto kinds = GetKinds(Diagnose());
+  const auto kinds = GetKinds(Diagnose({"well"}));
 
   for (const KrFindingKind kind :
        {KrFindingKind::NoTransport, KrFindingKind::AdapterDown, KrFindingKind::NoCarrier, KrFindingKind::NoAddress,
@@ -90,10 +98,10 @@ TEST_F(OnANetworkDiagnosis, Diagnose_AdapterWithoutAddress_IsNamed) {
 }
 
 TEST_F(OnANetworkDiagnosis, Diagnose_DeviceOfAForeignSubnet_IsNamed) {
-  const TestDevice device(mHost, "port0", {.address = "10.1.2.3"});
+  const TestDevice device(mHost, "port0", {.address = "10.1.2.3", .serialNumber = "foreign"});
 
-  EXPECT_THAT(Diagnose(), Contains(AllOf(Field(&Cause::first, KrFindingKind::ForeignSubnet),
-                                         Field(&Cause::second, HasSubstr("(10.1.2.3)")))));
+  EXPECT_THAT(Diagnose({"foreign"}), Contains(AllOf(Field(&Cause::first, KrFindingKind::ForeignSubnet),
+                                                    Field(&Cause::second, HasSubstr("(10.1.2.3)")))));
 }
 
 /// A second adapter "eth1" with 10.1.0.10/16 on the switch that eth0's cable leads to.
@@ -115,7 +123,7 @@ TEST_F(OnOneSwitch, Diagnose_DeviceOfTheOtherAdaptersSubnet_IsWell) {
   FindUntil(
       mSystem, [&] { return GetSerialNumbers(mSystem).size() == 2; }, "the device on both adapters");
 
-  const auto kinds = GetKinds(Diagnose());
+  const auto kinds = GetKinds(DiagnoseLastRound());
 
   EXPECT_THAT(kinds, Not(Contains(KrFindingKind::ForeignSubnet)));
   EXPECT_THAT(kinds, Not(Contains(KrFindingKind::SharedMAC)));
@@ -126,7 +134,7 @@ TEST_F(OnOneSwitch, Diagnose_DeviceOfNeitherSubnet_IsNamed) {
   FindUntil(
       mSystem, [&] { return GetSerialNumbers(mSystem).size() == 2; }, "the device on both adapters");
 
-  EXPECT_THAT(GetKinds(Diagnose()), Contains(KrFindingKind::ForeignSubnet));
+  EXPECT_THAT(GetKinds(DiagnoseLastRound()), Contains(KrFindingKind::ForeignSubnet));
 }
 
 TEST_F(OnANetworkDiagnosis, Diagnose_BridgeWithPorts_TellsOfTheBridgeAlone) {
@@ -203,15 +211,10 @@ TEST_P(OnANetworkFilters, Diagnose_Filter_IsNamedWhereAForeignDeviceIsNotHeard) 
   const TestDevice foreign(mHost, "port0",
                            {.mac = "02:00:00:00:00:02", .address = "172.16.2.3", .serialNumber = "foreign"});
   const TestDevice near(mHost, "port0", {.serialNumber = "near"});
-  FindUntil(
-      mSystem, [&] { return GetBySerialNumber(mSystem, "near") != nullptr; }, "the device of the subnet");
-  if (GetParam().isHeard)
-    FindUntil(
-        mSystem, [&] { return GetBySerialNumber(mSystem, "foreign") != nullptr; }, "the foreign device");
 
-  const auto causes = Diagnose();
+  const auto causes =
+      Diagnose(GetParam().isHeard ? std::vector<std::string>{"foreign", "near"} : std::vector<std::string>{"near"});
 
-  EXPECT_EQ(GetBySerialNumber(mSystem, "foreign") != nullptr, GetParam().isHeard);
   const Cause filter(KrFindingKind::ReversePathFilter, "eth0");
   if (GetParam().isHeard)
     EXPECT_THAT(causes, Not(Contains(filter)));
@@ -223,19 +226,29 @@ INSTANTIATE_TEST_SUITE_P(Filters, OnANetworkFilters, testing::ValuesIn(kFilterCa
                          [](const auto& aInfo) { return aInfo.param.name; });
 
 TEST_F(OnANetworkDiagnosis, Diagnose_TwoDevicesWithOneAddress_IsNamed) {
-  const TestDevice first(mHost, "port0", {.mac = "02:00:00:00:00:01", .model = "first"});
-  const TestDevice second(mHost, "port0", {.mac = "02:00:00:00:00:02", .model = "second"});
+  const TestDevice first(mHost, "port0", {.mac = "02:00:00:00:00:01", .model = "first", .serialNumber = "1"});
+  const TestDevice second(mHost, "port0", {.mac = "02:00:00:00:00:02", .model = "second", .serialNumber = "2"});
 
-  EXPECT_THAT(Diagnose(), Contains(AllOf(Field(&Cause::first, KrFindingKind::AddressConflict),
-                                         Field(&Cause::second, AnyOf(HasSubstr("first"), HasSubstr("second"))))));
+  EXPECT_THAT(Diagnose({"1", "2"}),
+              Contains(AllOf(Field(&Cause::first, KrFindingKind::AddressConflict),
+                             Field(&Cause::second, AnyOf(HasSubstr("first"), HasSubstr("second"))))));
 }
 
 TEST_F(OnANetworkDiagnosis, Diagnose_TwoDevicesWithOneMac_IsNamed) {
   const TestDevice first(mHost, "port0", {.address = "192.168.1.20", .model = "first"});
   const TestDevice second(mHost, "port0", {.address = "192.168.1.21", .model = "second"});
 
-  EXPECT_THAT(Diagnose(), Contains(AllOf(Field(&Cause::first, KrFindingKind::SharedMAC),
-                                         Field(&Cause::second, AnyOf(HasSubstr("first"), HasSubstr("second"))))));
+  // One of them is listed; the other's answer may come too late for a round.
+  std::vector<Cause> causes;
+  FindUntil(
+      mSystem,
+      [&] {
+        causes = DiagnoseLastRound();
+        return testing::Value(GetKinds(causes), Contains(KrFindingKind::SharedMAC));
+      },
+      "both devices");
+  EXPECT_THAT(causes, Contains(AllOf(Field(&Cause::first, KrFindingKind::SharedMAC),
+                                     Field(&Cause::second, AnyOf(HasSubstr("first"), HasSubstr("second"))))));
 }
 
 TEST_F(OnANetworkDiagnosis, Diagnose_TwoAdaptersInOneSubnet_IsNamed) {

@@ -39,7 +39,7 @@ TEST_P(OnANetworkRepair, SetIPConfiguration_DeviceThatObeys_IsFoundReachableAtIt
   ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
   EXPECT_EQ(device.GetAddresses(), (DeviceAddresses{0xC0A80132, 0xFFFFFF00, 0xC0A80101}));
   KrSystem system;
-  Find(system, true);
+  FindThese(system, {"lost"}, true);
   const KrDeviceInfoGEV* found = GetBySerialNumber(system, "lost");
   ASSERT_NE(found, nullptr);
   EXPECT_EQ(found->GetIPAddress(), KrString("192.168.1.50"));
@@ -101,7 +101,7 @@ TEST_F(OnANetwork, SetIPConfiguration_DeviceBehindTheSecondOfTwoAdapters_IsReach
 
   ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();
   KrSystem system;
-  Find(system, true);
+  FindThese(system, {"second"}, true);
   const KrDeviceInfoGEV* found = GetBySerialNumber(system, "second");
   ASSERT_NE(found, nullptr);
   EXPECT_TRUE(found->IsConfigurationValid());

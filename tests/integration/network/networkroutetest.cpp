@@ -45,7 +45,7 @@ protected:
   }
   /// Opens the device of a serial number on the adapter where it is found.
   KrResult Open(const char* aSerialNumber, KrDeviceAccess aAccess) {
-    Find(mSystem);
+    FindThese(mSystem, {aSerialNumber});
     const KrDeviceInfoGEV* const info = GetBySerialNumber(mSystem, aSerialNumber);
     EXPECT_NE(info, nullptr);
     if (info == nullptr)
@@ -100,7 +100,7 @@ TEST_P(OnTwoCables, Open_WithControlWhereNoRouteLeads_NamesTheOtherAdapterAndWha
 
 TEST_P(OnTwoCables, Open_WithControlBesideTheRoutesDeviceOfThatAddress_LeavesThatAlone) {
   const TestDevice device(mHost, "port1", MakeIdentity("02:00:00:00:00:41", "there"));
-  Find(mSystem);
+  ASSERT_NO_FATAL_FAILURE(FindThese(mSystem, {"there"}));
   const TestDevice other(mHost, "port0", MakeIdentity("02:00:00:00:00:42", "other"));
 
   const KrResult result = KrDevice::Open(*GetBySerialNumber(mSystem, "there"), KrDeviceAccess::Control, mOpened);

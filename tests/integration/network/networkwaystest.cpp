@@ -34,7 +34,7 @@ std::vector<std::string> GetAdapterNames(const KrSystem& aSystem, const std::str
 
 /// A device may still be about to hear what another has answered already.
 bool WaitUntilHeard(const TestDevice& aDevice, std::uint16_t aCommand) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
   while (aDevice.GetHeard(aCommand) == 0 && std::chrono::steady_clock::now() < limit)
     std::this_thread::yield();
   return aDevice.GetHeard(aCommand) != 0;
@@ -103,7 +103,7 @@ TEST_P(OnAnAdapterWithoutAddress, Find_DeviceThere_IsFoundAndRepaired) {
   const TestDevice device(mHost, "port1", {.mac = kMac, .address = "10.1.2.3", .serialNumber = "lost"});
   KrSystem system;
 
-  Find(system, true);
+  FindThese(system, {"lost"}, true);
   const KrResult result = KrDeviceGEV::SetIPConfiguration(kMac, "10.7.7.7", "255.0.0.0", "0.0.0.0");
 
   EXPECT_THAT(GetAdapterNames(system, "lost"), ElementsAre("eth1"));
