@@ -1,4 +1,4 @@
-// Connects to the Camera Link camera behind a serial port of a device, lists its features, and sets one of them:
+// Connects to the Camera Link camera behind a serial port of a device, sets one of its features, and lists them:
 //
 //     camera_bridge [--simulate] [--file camera.yml] device port [feature value]
 //
@@ -55,8 +55,9 @@ KrResult Connect(KrCameraBridge& aBridge, const KrString& aFile) {
 void ListFeatures(const KrGenParameterArray& aArray) {
   for (std::size_t i = 0; i < aArray.GetCount(); ++i) {
     KrString value;
-    if (aArray[i]->ToString(value).IsOK()) // Commands have none.
-      std::cout << aArray[i]->GetName().CStr() << ": " << value.CStr() << '\n';
+    const KrResult read = aArray[i]->ToString(value);
+    if (read != KrResult::Code::InvalidInput) // Commands have none.
+      std::cout << aArray[i]->GetName().CStr() << ": " << (read.IsOK() ? value : read.GetDescription()).CStr() << '\n';
   }
 }
 
@@ -82,8 +83,8 @@ int main(int argc, char** argv) {
     else
       words.emplace_back(word);
   }
-  if (words.size() != 2 && words.size() != 4) {
-    std::cerr << "camera_bridge [--simulate] [--file camera.yml] device port [feature value]\n";
+  if ((words.size() != 2 && words.size() != 4) || FindPort(words[1]) == KrDeviceSerial::Invalid) {
+    std::cerr << "camera_bridge [--simulate] [--file camera.yml] device Serial0…Bulk7 [feature value]\n";
     return 2;
   }
   if (!Check(KrInstallTransports({.gigEVision = true, .simulation = simulate})))
@@ -92,6 +93,7 @@ int main(int argc, char** argv) {
   KrCameraBridge bridge(device.get(), FindPort(words[1]), nullptr);
   if (!device || !Check(Connect(bridge, file)))
     return 1;
+  const bool isDone = words.size() == 2 || SetFeature(*bridge.GetParameters(), words[2], words[3]);
   ListFeatures(*bridge.GetParameters());
-  return words.size() == 2 || SetFeature(*bridge.GetParameters(), words[2], words[3]) ? 0 : 1;
+  return isDone ? 0 : 1;
 }

@@ -147,6 +147,7 @@ TEST_F(CameraBridgeTest, CameraFile_WithMistakes_TellsAllOfThem) {
 
 TEST_F(CameraBridgeTest, CameraFile_ThatIsNotThere_IsNotFound) {
   EXPECT_EQ(mText.ConnectTolvanCameraFile("/nowhere/camera.yml"), KrResult::Code::NotFound);
+  EXPECT_EQ(mText.ConnectTolvanCameraFile(""), KrResult::Code::InvalidInput);
   EXPECT_TRUE(mText.GetTolvanCameraFileParserErrors().IsEmpty());
 }
 
@@ -219,8 +220,12 @@ TEST_F(CameraBridgeTest, PoCL_SwitchedOff_SilencesTheCameraThatLivesOnIt) {
   EXPECT_FALSE(KrCameraBridge::IsPoCLEnabled(mLab.GetDevice()));
   EXPECT_EQ(GetText(*mText.GetParameters(), "Width"), "TimeLimitExceeded");
   EXPECT_TRUE(mText.IsConnected());
-  EXPECT_EQ(mText.ConnectTolvanCameraFile(kTextCameraFile), KrResult::Code::TimeLimitExceeded);
+  const KrResult silent = mText.ConnectTolvanCameraFile(kTextCameraFile);
+  EXPECT_EQ(silent, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(silent.GetDescription().ToUtf8(), testing::EndsWith(" Power over Camera Link is off; the camera may need it."));
   EXPECT_FALSE(mText.IsConnected());
+  const KrResult missing = mText.ConnectTolvanCameraFile("/nowhere/camera.yml");
+  EXPECT_THAT(missing.GetDescription().ToUtf8(), testing::Not(testing::HasSubstr("Power")));
   ASSERT_TRUE(IsFine(KrCameraBridge::SetPoCLEnabled(mLab.GetDevice(), true)));
   EXPECT_TRUE(IsFine(mText.ConnectTolvanCameraFile(kTextCameraFile)));
 }

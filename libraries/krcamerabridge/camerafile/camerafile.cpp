@@ -17,6 +17,8 @@ CameraFile::CameraFile() : mModel(std::make_shared<const FileModel>()) {}
 
 KrResult CameraFile::Load(const KrString& aPath, CameraFile& aFile, KrStringList& aErrors) {
   aErrors = {};
+  if (aPath.IsEmpty())
+    return {KrResult::Code::InvalidInput, "No camera file is chosen."};
   std::string text;
   // One byte more than is taken shows the parser that there are too many.
   const KrResult read = KrReadWholeFile(aPath, krpersistence::kMostYamlBytes + 1, text);

@@ -56,7 +56,8 @@ CLProtocolPort::CLProtocolPort(ICameraLine& aLine, const CLDriverTimes& aTimes)
 KrResult CLProtocolPort::GetTemplates(KrStringList& aTemplates, const CLDriverTimes& aTimes) {
   const std::vector<CLDriverFile> files = ListCLDrivers();
   const std::vector<DriverTemplates> answers = AskAllTemplates(files, aTimes);
-  std::string failures;
+  // What is wrong with all of them is said once.
+  std::vector<std::string> failures;
   aTemplates.Clear();
   for (std::size_t i = 0; i < files.size(); ++i) {
     for (const std::string& text : answers[i].templates)
@@ -64,12 +65,17 @@ KrResult CLProtocolPort::GetTemplates(KrStringList& aTemplates, const CLDriverTi
     if (answers[i].result.IsOK())
       continue;
     const std::string words = answers[i].result.GetDescription().ToUtf8();
+    if (std::ranges::find(failures, words) != failures.end())
+      continue;
     KrLogger("KrCameraBridge").Log(KrLogLevel::Warning, {"CLProtocolPort::GetTemplates", "clprotocolport"}, words);
-    failures += (failures.empty() ? "" : "\n") + words;
+    failures.push_back(words);
   }
-  if (aTemplates.IsEmpty() && !failures.empty())
-    return {KrResult::Code::SystemError, failures};
-  return {};
+  if (!aTemplates.IsEmpty() || failures.empty())
+    return {};
+  std::string text;
+  for (const std::string& words : failures)
+    text += (text.empty() ? "" : "\n") + words;
+  return {KrResult::Code::SystemError, text};
 }
 
 KrResult CLProtocolPort::Probe(const KrString& aTemplate, KrString& aCameraID, KrStringList& aXMLIDs,

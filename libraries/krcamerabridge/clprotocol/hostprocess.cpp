@@ -135,7 +135,7 @@ KrResult HostProcess::Spawn(int aSocket, int aPrinted) {
     return {};
   }
   mID = -1;
-  return TellSystem("Starting " + program + " for the CL Protocol driver " + mName, error);
+  return TellSystem("Starting " + program + ", which runs CL Protocol drivers", error);
 }
 
 HostProcess::Event HostProcess::Send(const WireFrame& aFrame, Clock::time_point aUntil, const std::stop_token& aStop) {

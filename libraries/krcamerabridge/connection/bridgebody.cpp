@@ -98,6 +98,13 @@ KrResult BridgeBody::OpenLine() {
   });
 }
 
+KrResult BridgeBody::ExplainSilence(const KrResult& aFailure) const {
+  return mDevice.Use([&aFailure](KrDevice& aDevice) {
+    KrDeviceAdapter adapter(aDevice);
+    return krcamerabridge::ExplainSilence(aFailure, adapter);
+  });
+}
+
 KrResult BridgeBody::AskUnconnected(const Question& aQuestion) {
   const std::stop_token stop = mCall.Begin();
   if (mConnection)
@@ -106,7 +113,7 @@ KrResult BridgeBody::AskUnconnected(const Question& aQuestion) {
     return result;
   KrResult result = aQuestion(mLine, stop);
   mLine.Close();
-  return result;
+  return result.IsOK() ? result : ExplainSilence(result);
 }
 
 KrResult BridgeBody::Connect(const CameraChoice& aChoice) {
@@ -127,7 +134,9 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token&
     mMistakes = mistakes;
   if (!result.IsOK()) {
     mLine.Close();
-    return result;
+    // A camera file that is not there says nothing of the camera.
+    const bool isOfFile = aChoice.way == &kCameraFileWay && result == KrResult::Code::NotFound;
+    return isOfFile ? result : ExplainSilence(result);
   }
   mSync.Attach(mConnection->GetParameters());
   SetChoice(choice);

@@ -57,6 +57,7 @@ public:
 
 private:
   KrResult OpenLine();
+  KrResult ExplainSilence(const KrResult& aFailure) const;
   KrResult Connect(const CameraChoice& aChoice, const std::stop_token& aStop);
   void Disconnect(const std::stop_token& aStop);
   void SetChoice(const CameraChoice& aChoice);

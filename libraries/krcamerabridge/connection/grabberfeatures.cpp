@@ -30,4 +30,14 @@ KrString FindPoCLSwitch(IKrDeviceAdapter& aAdapter) {
   return found == kPoCLSwitches.end() ? KrString() : KrString(*found);
 }
 
+KrResult ExplainSilence(const KrResult& aFailure, IKrDeviceAdapter& aAdapter) {
+  if (aFailure != KrResult::Code::TimeLimitExceeded && aFailure != KrResult::Code::NotFound)
+    return aFailure;
+  const KrString name = FindPoCLSwitch(aAdapter);
+  bool isOn = false;
+  if (name.IsEmpty() || !aAdapter.GetBooleanValue(name, isOn).IsOK() || isOn)
+    return aFailure;
+  return {aFailure.GetCode(), aFailure.GetDescription() + " Power over Camera Link is off; the camera may need it."};
+}
+
 } // namespace krcamerabridge

@@ -73,8 +73,9 @@ TEST_F(CLProtocolTest, Templates_WithoutDrivers_AreNone) {
   EXPECT_TRUE(templates.IsEmpty());
 }
 
-TEST_F(CLProtocolTest, WithoutTheProgramForDrivers_TheMessageSaysHowItIsFound) {
+TEST_F(CLProtocolTest, WithoutTheProgramForDrivers_TheMessageSaysOnceHowItIsFound) {
   folder.Install("libgood.so");
+  folder.Install("libold.so");
   setenv("KRGUI_CLPROTOCOL_HOST", "/nowhere/host", 1);
   const KrLogCapture log;
   KrStringList templates;
@@ -83,6 +84,8 @@ TEST_F(CLProtocolTest, WithoutTheProgramForDrivers_TheMessageSaysHowItIsFound) {
 
   EXPECT_EQ(result, KrResult::Code::SystemError);
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("/nowhere/host"));
+  EXPECT_THAT(result.GetDescription().ToUtf8(), testing::Not(HasSubstr("\n")));
+  EXPECT_EQ(log.GetRecords().size(), 1u);
 }
 
 TEST_F(CLProtocolTest, Probe_GivesTheCameraAndItsDescriptionsAndPutsTheLineBack) {
