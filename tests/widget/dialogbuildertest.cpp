@@ -1,6 +1,7 @@
 #include "platform/dialogbuilder.h"
 #include "platform/ipaddresscontrol.h"
 #include "res/templates.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -368,7 +369,7 @@ TEST(DialogBuilder, TabKey_GoesThroughTheControlsInTemplateOrder) {
   const Opening opening(kAllClasses);
   opening.Show();
   opening.dialog->activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(opening.dialog.get()));
+  ASSERT_TRUE(krtest::AwaitActive(opening.dialog.get()));
   // A checked radio button stands for its group.
   opening.Get<QRadioButton>(55)->setChecked(true);
   opening.Get<QRadioButton>(59)->setChecked(true);

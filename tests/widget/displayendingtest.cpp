@@ -2,6 +2,7 @@
 
 #include "display/displaywnd.h"
 #include "displayfixture.h"
+#include "windowwait.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -64,7 +65,7 @@ TEST_F(KrDisplayWndTest, Child_ThatGetsEscapeOrEnter_StaysOpen) {
   parent.resize(400, 300);
   ASSERT_TRUE(mWindow.CreateIn(&parent).IsOK());
   parent.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&parent));
+  ASSERT_TRUE(krtest::AwaitExposed(&parent));
   for (Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter}) {
     QTest::keyClick(&GetView(), key);
 
@@ -102,7 +103,7 @@ TEST_F(KrDisplayWndTest, Menu_OfAClosedWindow_IsClosedAtOnce) {
   ASSERT_TRUE(mWindow.Close().IsOK());
 
   EXPECT_TRUE(menu.isNull() || !menu->isVisible());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return menu.isNull(); }));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return menu.isNull(); }));
   EXPECT_FALSE(isSeen);
 }
 
@@ -131,7 +132,7 @@ TEST(DisplayWndEnding, WindowDeletedInAMessage_WhileItsMenuIsOpen_GetsNoCommandA
   };
   window->GetQueue()->Post({MessageWnd::kNumber, 0, 0});
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window == nullptr && view.isNull(); }));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return window == nullptr && view.isNull(); }));
 
   EXPECT_TRUE(hadView);
   EXPECT_FALSE(hadMenuOnScreen);

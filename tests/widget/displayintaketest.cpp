@@ -3,6 +3,7 @@
 #include "displayfixture.h"
 
 #include "krbase/krlogger.h"
+#include "windowwait.h"
 
 #include <memory>
 #include <stdexcept>
@@ -41,7 +42,7 @@ TEST_F(KrDisplayWndTest, Image_FromAnotherThread_ReachesTheWindow) {
 
   std::jthread([&] { EXPECT_TRUE(mWindow.Display(MakeGrey(10, 10, 0xE1), false).IsOK()); }).join();
 
-  EXPECT_TRUE(QTest::qWaitFor([&] {
+  EXPECT_TRUE(krtest::AwaitCondition([&] {
     const QImage picture = mWindow.GetWidget()->grab().toImage();
     return picture.pixelColor(50, 50) == QColor(0xE1, 0xE1, 0xE1);
   }));

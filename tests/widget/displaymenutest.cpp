@@ -1,6 +1,7 @@
 // The display's context menu: what it offers, where it opens, and what its commands do.
 
 #include "displayfixture.h"
+#include "windowwait.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -186,6 +187,6 @@ TEST_F(KrDisplayWndMenuTest, Window_ClosedOrDeletedUnderItsMenu_TakesItAlong) {
 
   EXPECT_TRUE(mWindow.Close().IsOK());
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return menu.isNull() || !menu->isVisible(); }));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return menu.isNull() || !menu->isVisible(); }));
   EXPECT_EQ(mWindow.GetHandle(), 0u);
 }

@@ -2,6 +2,7 @@
 
 #include "display/displayview.h"
 #include "displayfixture.h"
+#include "windowwait.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -33,7 +34,7 @@ protected:
     QCoreApplication::sendEvent(&GetView(), &leave);
   }
   void ExpectPixelUnderCursor() const {
-    EXPECT_TRUE(QTest::qWaitFor([&] { return mWindow.GetCursorPixel().has_value(); }));
+    EXPECT_TRUE(krtest::AwaitCondition([&] { return mWindow.GetCursorPixel().has_value(); }));
     const std::optional<KrDisplayPixel> pixel = mWindow.GetCursorPixel();
     ASSERT_TRUE(pixel.has_value());
     EXPECT_EQ(pixel->x, 60u);
@@ -102,7 +103,7 @@ TEST_F(KrDisplayWndMouseTest, Cursor_ElsewhereWhenTheMenuCloses_IsNone) {
 
   FindMenu()->close();
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return FindMenu() == nullptr; }));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return FindMenu() == nullptr; }));
   EXPECT_FALSE(mWindow.GetCursorPixel().has_value());
 }
 
@@ -123,7 +124,7 @@ TEST(DisplayViewMouse, Withdrawn_LeavesTheContentToTheNextView) {
   krgui::DisplayView view(content, &window);
   view.resize(200, 100);
   window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  ASSERT_TRUE(krtest::AwaitExposed(&window));
   const KrBuffer image = MakeNoise(200, 100);
   auto paint = krgui::DisplayContent::Paint::NotNeeded;
   ASSERT_TRUE(content->Display(image.GetImage(), paint).IsOK());

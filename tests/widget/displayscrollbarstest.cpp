@@ -2,6 +2,7 @@
 
 #include "display/displaywnd.h"
 #include "displayfixture.h"
+#include "windowwait.h"
 
 #include <QSignalSpy>
 #include <QStyle>
@@ -155,7 +156,7 @@ TEST_F(KrDisplayWndScrollBarsTest, Bars_OfAWindowOpenedAgain_AreWhereTheyWere) {
   ASSERT_TRUE(mWindow.Close().IsOK());
 
   ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
   Grab();
 
   EXPECT_TRUE(GetHorizontalBar().isVisible());

@@ -1,6 +1,7 @@
 // How the user and the application zoom the display, by what the scroll bars then range over.
 
 #include "displayfixture.h"
+#include "windowwait.h"
 
 #include <QSignalSpy>
 #include <QWheelEvent>
@@ -19,7 +20,7 @@ class KrDisplayWndZoomTest : public KrDisplayWndTest {
 protected:
   void SetUp() override {
     Open(400, 300);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitActive(mWindow.GetWidget()));
     ASSERT_TRUE(mWindow.Display(MakeGrey(1000, 800, 90), false).IsOK());
     Grab();
   }

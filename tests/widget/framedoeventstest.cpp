@@ -4,6 +4,7 @@
 #include "krbase/krlogger.h"
 #include "platform/tickcount.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QPushButton>
 #include <QTimer>
@@ -46,7 +47,7 @@ protected:
   }
 
   void Settle() {
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
     ASSERT_TRUE(mWindow.DoEvents().IsOK());
   }
 

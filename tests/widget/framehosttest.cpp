@@ -1,6 +1,7 @@
 // Windows among the host's own: in its dialogs and layouts, above its windows, at its end.
 
 #include "krgui/krdisplaywnd.h"
+#include "windowwait.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -30,7 +31,7 @@ public:
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
     show();
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(this));
+    EXPECT_TRUE(krtest::AwaitExposed(this));
   }
   QWidget* GetView() { return display.GetWidget()->findChild<QWidget*>("display"); }
 

@@ -1,6 +1,7 @@
 // Input for other windows while one window pumps its messages: it waits, loses nothing and keeps its order.
 
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QAction>
 #include <QDialog>
@@ -26,9 +27,9 @@ protected:
     mOther.show();
     QObject::connect(&mButton, &QPushButton::clicked, [this] { ++mClicks; });
     ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
     mOther.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&mOther));
+    ASSERT_TRUE(krtest::AwaitActive(&mOther));
     mLine.setFocus();
   }
 
@@ -139,7 +140,7 @@ TEST_F(WndHeldInput, WindowItIsForPumpsItself_GetsIt) {
     QObject::connect(button, &QPushButton::clicked, [&] { ++clicks; });
   };
   ASSERT_TRUE(second.ShowModeless(0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(second.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(second.GetWidget()));
   DuringDoEvents(
       [&] { QTest::mouseClick(second.GetWidget()->windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 25)); });
   EXPECT_EQ(clicks, 0);
@@ -183,7 +184,7 @@ TEST_F(WndHeldInput, ClosingAnotherWindow_DoesNotWait) {
 TEST_F(WndHeldInput, WindowThatEndsMeanwhile_LosesItsInput) {
   auto* third = new QWidget;
   third->show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(third));
+  ASSERT_TRUE(krtest::AwaitExposed(third));
   DuringDoEvents([third] {
     QTest::mouseClick(third->windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
     delete third;

@@ -1,6 +1,7 @@
 // Enter, Escape, the close box and the focus: what a window does with them in each mode.
 
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QDialog>
 #include <QKeyEvent>
@@ -191,7 +192,7 @@ TEST(WndKeys, EnterOnTheCancelButton_Cancels) {
   window.onOK = window.onCancel = [] {};
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
   window.GetWidget()->activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitActive(window.GetWidget()));
   GetButton(window, kCancelButton).setFocus();
 
   QTest::keyClick(&GetButton(window, kCancelButton), Qt::Key_Return);
@@ -232,7 +233,7 @@ TEST(WndKeys, EnterHeldOnAButton_PressesItOnceWhetherOrNotItsRepeatsAreMarked) {
     window.onOK = window.onCancel = [] {};
     ASSERT_TRUE(window.ShowModeless(0).IsOK());
     window.GetWidget()->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitActive(window.GetWidget()));
     GetButton(window, kCancelButton).setFocus();
     const auto giveKey = [&](QEvent::Type aType, bool aIsRepeat, quint64 aTimeMs) {
       QKeyEvent event(aType, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"), aIsRepeat && isMarked);

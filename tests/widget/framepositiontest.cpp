@@ -1,6 +1,7 @@
 // The remembered position: what is stored, how it is limited, and that it survives closing and reopening.
 
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,7 @@ namespace krgui {
 namespace {
 
 bool Expose(TestWnd& aWindow) {
-  return QTest::qWaitForWindowExposed(aWindow.GetWidget());
+  return krtest::AwaitExposed(aWindow.GetWidget());
 }
 
 struct LimitCase {

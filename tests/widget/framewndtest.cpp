@@ -1,6 +1,7 @@
 // Showing, closing and naming windows: the states, the codes and the texts.
 
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QPushButton>
 #include <QTimer>
@@ -419,7 +420,7 @@ TEST(Wnd, Opening_TellsTheSizeOnceWithTheControlsLaidOut) {
   TestWnd window(kDeviceFinderTraits);
 
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
 
   EXPECT_EQ(window.record->sizes, std::vector<QSize>{window.GetWidget()->size()});
   EXPECT_TRUE(window.GetWidget()->rect().contains(window.GetControl(1)->geometry()));

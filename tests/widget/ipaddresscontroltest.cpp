@@ -2,6 +2,7 @@
 // rules; here is what the control adds: focus, clipboard, signals, size, and what screen readers are told.
 
 #include "platform/ipaddresscontrol.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -33,7 +34,7 @@ protected:
     control->setAccessibleName(QStringLiteral("Subnet Mask"));
     window.show();
     window.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(krtest::AwaitActive(&window));
     fields = control->findChildren<QLineEdit*>();
     control->setFocus();
   }

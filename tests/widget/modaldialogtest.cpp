@@ -4,6 +4,7 @@
 #include "duringmodalloop.h"
 #include "res/templates.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -144,7 +145,7 @@ TEST(ModalDialog, Shown_IsCentredOnItsOwner) {
   QWidget owner;
   owner.setGeometry(150, 120, 500, 400);
   owner.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&owner));
+  ASSERT_TRUE(krtest::AwaitExposed(&owner));
   TestDialog dialog(&owner);
   QRect place;
   DuringNextModalLoop([&](QWidget& aDialog) {

@@ -3,6 +3,7 @@
 #include "paintcounter.h"
 #include "platform/systemcolours.h"
 #include "res/bitmaps.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 #include <QCursor>
@@ -40,7 +41,7 @@ protected:
   void Show() {
     mWindow.show();
     mWindow.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&mWindow));
+    ASSERT_TRUE(krtest::AwaitActive(&mWindow));
   }
 
   void MovePointer(const QPoint& aPoint) { QCursor::setPos(mWindow.mapToGlobal(aPoint)); }

@@ -2,6 +2,7 @@
 
 #include "platform/ctooltiplistctrl.h"
 #include "platform/tooltipcombobox.h"
+#include "windowwait.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -30,7 +31,7 @@ protected:
     combo->setCurrentIndex(1);
     window.show();
     window.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(krtest::AwaitActive(&window));
     // Away from everything, so that only a test that wants it has the pointer over the combo box.
     QCursor::setPos(window.mapToGlobal(QPoint(290, 190)));
     combo->setFocus();

@@ -12,6 +12,7 @@
 #include "krgui/propertiesctrl.h"
 #include "platform/toolbarbutton.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -154,8 +155,8 @@ protected:
   void Open() {
     mWindow.SetGenParameterArray(mCamera.array.get());
     ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(mWindow.GetWidget()));
-    ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitActive(mWindow.GetWidget()));
   }
   [[nodiscard]] bool AwaitValue(const char* aName, const std::string& aValue) {
     return WaitFor([&] { return mWindow.GetValue(aName) == aValue; });

@@ -1,4 +1,5 @@
 #include "browser/descriptionctrl.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 #include <QFontInfo>
@@ -62,7 +63,7 @@ protected:
   void Show() {
     mWindow.show();
     mWindow.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&mWindow));
+    ASSERT_TRUE(krtest::AwaitActive(&mWindow));
   }
 
   QWidget mWindow;

@@ -1,6 +1,7 @@
 // The keys of a control in a cell: which are handed over, and that none goes on to what is around.
 
 #include "browser/dyncontrol.h"
+#include "windowwait.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -37,7 +38,7 @@ protected:
     around.resize(200, 60);
     around.show();
     around.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&around));
+    EXPECT_TRUE(krtest::AwaitActive(&around));
     editBox->setFocus();
   }
 

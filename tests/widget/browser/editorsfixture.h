@@ -9,6 +9,7 @@
 #include "duringmodalloop.h"
 #include "logic/browser/browserfilling.h"
 #include "platform/ctooltiplistctrl.h"
+#include "windowwait.h"
 
 #include <QDialog>
 #include <QLabel>
@@ -89,7 +90,7 @@ protected:
     window->resize(560, 440);
     window->show();
     window->activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    EXPECT_TRUE(krtest::AwaitActive(window.get()));
     Fill();
     elsewhere->setFocus();
     (void)camera.port.TakeRecords();
@@ -161,7 +162,7 @@ protected:
   /// What a window manager does after a popup or dialog; the platform without a screen has none.
   void ActivateAgain() {
     window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    ASSERT_TRUE(krtest::AwaitActive(window.get()));
     Pump();
   }
   /// Selects a row by the keyboard's way: the grid keeps the focus.

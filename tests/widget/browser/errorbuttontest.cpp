@@ -4,6 +4,7 @@
 #include "paintcounter.h"
 #include "platform/systemcolours.h"
 #include "res/bitmaps.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -34,7 +35,7 @@ protected:
   void Show() {
     mWindow.show();
     mWindow.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&mWindow));
+    ASSERT_TRUE(krtest::AwaitActive(&mWindow));
   }
 
   ErrorSource GetSource() { return {&mCamera.tree.GetFeatures(), {}}; }
@@ -192,7 +193,7 @@ TEST_F(ErrorButtons, ClickAndSpace_ShowTheErrors) {
   QTest::mouseClick(&mButton, Qt::LeftButton);
   EXPECT_EQ(GetToolTip(), "[Gain] No answer.");
   QToolTip::hideText();
-  ASSERT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+  ASSERT_TRUE(krtest::AwaitCondition([] { return !QToolTip::isVisible(); }));
 
   mButton.setFocus(Qt::TabFocusReason);
   QTest::keyClick(&mButton, Qt::Key_Space);

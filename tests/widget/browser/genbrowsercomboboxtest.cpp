@@ -4,6 +4,7 @@
 
 #include "logic/browser/rowgeometry.h"
 #include "platform/ctooltiplistctrl.h"
+#include "windowwait.h"
 
 #include <QScreen>
 #include <QTest>
@@ -23,7 +24,7 @@ protected:
     combo->setGeometry(10, 10, 80, 22);
     window.show();
     window.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(krtest::AwaitActive(&window));
   }
 
   void SetChoices(int aCount, const std::string& aText = "Item") {

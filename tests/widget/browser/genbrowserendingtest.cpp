@@ -2,6 +2,7 @@
 
 #include "browserfixture.h"
 #include "duringmodalloop.h"
+#include "windowwait.h"
 
 #include <QLineEdit>
 #include <QTimer>
@@ -67,8 +68,8 @@ struct Host {
     ASSERT_TRUE(aWindow.CreateIn(widget.get()).IsOK());
     widget->layout()->addWidget(aWindow.GetWidget());
     widget->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(widget.get()));
-    ASSERT_TRUE(QTest::qWaitForWindowActive(widget.get()));
+    ASSERT_TRUE(krtest::AwaitExposed(widget.get()));
+    ASSERT_TRUE(krtest::AwaitActive(widget.get()));
   }
   std::unique_ptr<QWidget> widget;
 };

@@ -4,6 +4,7 @@
 
 #include "krbase/krlogger.h"
 #include "krgui/krgenbrowserwnd.h"
+#include "windowwait.h"
 
 #include <algorithm>
 #include <new>
@@ -146,7 +147,7 @@ TEST(FillingOfManyRows, ExpandAndCollapse_PutTheFirstCategoryOnTop) {
   TestBrowserWnd window;
   window.SetGenParameterArray(camera.array.get());
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.GetWidget()));
+  ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
 
   for (const char* row : {"Two99", "Two50"}) {
     window.GetGrid().Select(window.FindRow(row));

@@ -2,6 +2,7 @@
 
 #include "browser/browsersplitter.h"
 #include "browserfixture.h"
+#include "windowwait.h"
 
 #include <QLineEdit>
 #include <QShortcut>
@@ -37,7 +38,7 @@ protected:
     layout->addWidget(mWindow.GetWidget());
     mHost.show();
     mHost.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&mHost));
+    ASSERT_TRUE(krtest::AwaitActive(&mHost));
     mWindow.GetGrid().setFocus();
   }
   /// As the window system does: shortcuts of whatever window are looked for first.

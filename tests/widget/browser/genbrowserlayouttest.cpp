@@ -4,6 +4,7 @@
 #include "browser/browsersplitter.h"
 #include "browserfixture.h"
 #include "paintcounter.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 
@@ -91,7 +92,7 @@ TEST_F(Layout, EverySizeWithAndWithoutSearchRow_OverlapsNothing) {
   ASSERT_TRUE(mWindow.CreateIn(&host).IsOK());
   host.resize(1200, 1200);
   host.show();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&host));
+  ASSERT_TRUE(krtest::AwaitActive(&host));
   for (const bool hasSearchRow : {false, true}) {
     if (hasSearchRow) {
       mWindow.GetGrid().setFocus();

@@ -5,6 +5,7 @@
 #include "browser/propertiesgrid.h"
 #include "settingsactionsfixture.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -24,7 +25,7 @@ protected:
     window->SetRefreshMode(KrGenRefresh::Manual);
     window->SetGenParameterArray(camera.array.get());
     ASSERT_TRUE(window->ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window->GetWidget()));
+    ASSERT_TRUE(krtest::AwaitActive(window->GetWidget()));
   }
   /// Opens the menu and chooses an item.
   void Choose(const char* aText) {

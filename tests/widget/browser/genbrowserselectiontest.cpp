@@ -1,6 +1,7 @@
 // What a device that keeps silent costs the user who goes through the rows: one time-out for where he stops, at most.
 
 #include "browserfixture.h"
+#include "windowwait.h"
 
 #include <QTextEdit>
 
@@ -45,7 +46,7 @@ protected:
     mWindow.SetRefreshMode(KrGenRefresh::Manual);
     mWindow.SetGenParameterArray(mCamera.array.get());
     ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow.GetWidget()));
+    ASSERT_TRUE(krtest::AwaitActive(mWindow.GetWidget()));
     mWindow.GetGrid().setFocus();
     QCoreApplication::processEvents();
   }

@@ -1,6 +1,7 @@
 // What is written of an edit, when, and what the user hears of it.
 
 #include "editorsfixture.h"
+#include "windowwait.h"
 
 namespace krgui {
 
@@ -51,12 +52,12 @@ TEST_F(EditorsTest, AnotherWindow_EndsTheEditAndWrites) {
   QWidget other;
   other.show();
   other.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  ASSERT_TRUE(krtest::AwaitActive(&other));
   Pump();
 
   EXPECT_EQ(Integer("OffsetX"), 7);
   window->activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  ASSERT_TRUE(krtest::AwaitActive(window.get()));
   EXPECT_TRUE(grid->hasFocus());
 }
 
@@ -65,7 +66,7 @@ TEST_F(EditorsTest, DialogOfTheApplication_LeavesTheEditOpen) {
   QTest::keyClicks(NumberBox(), "7");
   QDialog dialog(window.get());
   dialog.open();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  ASSERT_TRUE(krtest::AwaitActive(&dialog));
   Pump();
   const bool wasOpen = NumberBox() != nullptr;
   dialog.close();
@@ -170,7 +171,7 @@ TEST_F(EditorsTest, EscapeHeldPastTheEndOfTheEdit_ClosesNothingAround) {
   window->show();
   dialog.show();
   dialog.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  ASSERT_TRUE(krtest::AwaitActive(&dialog));
   Enter("OffsetX");
   QTest::keyPress(NumberBox(), Qt::Key_Escape);
   QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, QString(), true);

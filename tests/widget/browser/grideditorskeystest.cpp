@@ -1,6 +1,7 @@
 // Keys that go down in one widget and are held, or let go, in another: each acts where it went down alone.
 
 #include "editorsfixture.h"
+#include "windowwait.h"
 
 #include <QWheelEvent>
 
@@ -124,7 +125,7 @@ TEST_F(EditorsTest, ArrowReleasedInADialog_StepsSlowlyAgain) {
   ASSERT_EQ(NumberBox()->text(), "9");
   QDialog dialog(window.get());
   dialog.open();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  ASSERT_TRUE(krtest::AwaitActive(&dialog));
   QTest::keyRelease(&dialog, Qt::Key_Up);
   dialog.close();
   ActivateAgain();

@@ -1,6 +1,7 @@
 // The up-down control, its keys and the wheel.
 
 #include "editorsfixture.h"
+#include "windowwait.h"
 
 namespace krgui {
 
@@ -63,7 +64,7 @@ TEST_F(SteppingTest, HeldArrow_AcceleratesAndReleasingResets) {
   Arrow("up")->setAutoRepeatInterval(1);
 
   PressArrow("up");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return texts.size() >= 11; }, 30000));
+  ASSERT_TRUE(krtest::AwaitCondition([&] { return texts.size() >= 11; }));
   ReleaseArrow("up");
 
   EXPECT_EQ(texts.mid(0, 11), QStringList({"1", "2", "3", "4", "5", "6", "7", "8", "9", "12", "16"}));

@@ -1,6 +1,7 @@
 // Ten thousand rows: only those on the screen are painted and marked, and no device is asked because of it.
 
 #include "gridfixture.h"
+#include "windowwait.h"
 
 #include <QScrollBar>
 
@@ -58,12 +59,10 @@ protected:
       node->Refresh();
   }
   void Settle() {
-    EXPECT_TRUE(QTest::qWaitFor(
-        [this] {
-          QApplication::processEvents();
-          return mGrid.GetQueue()->IsEmpty();
-        },
-        30000));
+    EXPECT_TRUE(krtest::AwaitCondition([this] {
+      QApplication::processEvents();
+      return mGrid.GetQueue()->IsEmpty();
+    }));
   }
   int CountMarked() const {
     int marked = 0;

@@ -3,6 +3,7 @@
 #include "krgui/propertiesctrl.h"
 
 #include "gridfixture.h"
+#include "windowwait.h"
 
 namespace krgui {
 
@@ -23,12 +24,10 @@ protected:
     Settle();
   }
   void Settle() {
-    EXPECT_TRUE(QTest::qWaitFor(
-        [this] {
-          QApplication::processEvents();
-          return mGrid.GetGrid().GetQueue()->IsEmpty();
-        },
-        30000));
+    EXPECT_TRUE(krtest::AwaitCondition([this] {
+      QApplication::processEvents();
+      return mGrid.GetGrid().GetQueue()->IsEmpty();
+    }));
   }
 
   DescribedCamera mCamera{MakeGridCamera()};
@@ -74,7 +73,7 @@ TEST_F(PropertiesCtrlTest, RowAppendedOnTheScreen_IsMarkedThere) {
   Show();
 
   const std::uint64_t gain = AppendFeature(0, "Gain");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return mGrid.GetGrid().GetTree().FindFeature(gain)->IsOnScreen(); }, 30000));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return mGrid.GetGrid().GetTree().FindFeature(gain)->IsOnScreen(); }));
 }
 
 TEST_F(PropertiesCtrlTest, Refresh_ReadsAndShowsEveryFeature) {
@@ -131,7 +130,7 @@ TEST_F(PropertiesCtrlTest, ChangeOfTheNames_RepaintsWhatIsOnTheScreen) {
 
   mGrid.SetShowsDisplayNames(true);
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return watch.hasPainted; }, 30000));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return watch.hasPainted; }));
 }
 
 TEST_F(PropertiesCtrlTest, NamesOfEntries_FollowTheirFeaturesWithTheNextReading) {

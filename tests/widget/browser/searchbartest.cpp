@@ -6,6 +6,7 @@
 #include "describedcamera.h"
 #include "krgui/propertiesctrl.h"
 #include "paintcounter.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 #include <QClipboard>
@@ -56,7 +57,7 @@ protected:
   void Show() {
     mWindow.show();
     mWindow.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&mWindow));
+    ASSERT_TRUE(krtest::AwaitActive(&mWindow));
     mBar->setFocus();
     ASSERT_TRUE(mField->hasFocus());
   }
@@ -441,7 +442,7 @@ TEST_F(SearchBars, SelectionHandler_MayEndBarAndGrid) {
       EXPECT_NE(mBar, nullptr) << "it is searched afterwards";
     }
 
-    EXPECT_TRUE(QTest::qWaitFor([this] { return mBar == nullptr; })) << way.toStdString();
+    EXPECT_TRUE(krtest::AwaitCondition([this] { return mBar == nullptr; })) << way.toStdString();
     EXPECT_EQ(mGrid, nullptr) << way.toStdString();
   }
 }
@@ -450,7 +451,7 @@ TEST_F(SearchBars, TextThatNoEventBrings_IsSearchedOnceAfterwards) {
   mField->setText("gain");
   EXPECT_EQ(GetResult(), "");
 
-  EXPECT_TRUE(QTest::qWaitFor([this] { return GetResult() == "Result 1 of 3"; }));
+  EXPECT_TRUE(krtest::AwaitCondition([this] { return GetResult() == "Result 1 of 3"; }));
   mField->setText("gai");
   mBar->Search(false);
   QCoreApplication::processEvents();

@@ -6,6 +6,7 @@
 #include "duringmodalloop.h"
 #include "portgate.h"
 #include "temporaryfolder.h"
+#include "windowwait.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>
@@ -184,7 +185,7 @@ public:
   ~HeldDevice() { LetGo(); }
   /// Inside a loop of the user interface: returns when the device is being asked.
   void Await() const {
-    EXPECT_TRUE(QTest::qWaitFor([this] { return mGate.IsReached(); }, 60'000));
+    EXPECT_TRUE(krtest::AwaitCondition([this] { return mGate.IsReached(); }));
   }
   void LetGo() { mGate.Open(); }
 

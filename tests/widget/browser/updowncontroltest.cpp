@@ -1,6 +1,7 @@
 // The up-down control by itself: its buttons, what it tells, and whose focus it leaves alone.
 
 #include "browser/updowncontrol.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 #include <QLineEdit>
@@ -24,7 +25,7 @@ protected:
     control->SetFeatureName("Width");
     window.show();
     window.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(krtest::AwaitActive(&window));
     editBox->setFocus();
   }
   QToolButton* Button(const char* aName) { return control->findChild<QToolButton*>(QLatin1String(aName)); }
@@ -60,7 +61,7 @@ TEST_F(UpDownControlTest, HeldButton_StepsAgainWithoutTellingAnEnd) {
   Button("up")->setAutoRepeatInterval(1);
   QTest::mousePress(Button("up"), Qt::LeftButton);
 
-  EXPECT_TRUE(QTest::qWaitFor([this] { return stepped.count() >= 5; }, 30000));
+  EXPECT_TRUE(krtest::AwaitCondition([this] { return stepped.count() >= 5; }));
   EXPECT_EQ(released.count(), 0);
   QTest::mouseRelease(Button("up"), Qt::LeftButton);
   EXPECT_EQ(released.count(), 1);
@@ -87,7 +88,7 @@ TEST_F(UpDownControlTest, Buttons_AreNamedAndPressedByAssistiveTechnology) {
 
   up->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
 
-  EXPECT_TRUE(QTest::qWaitFor([this] { return released.count() == 1; }, 30000));
+  EXPECT_TRUE(krtest::AwaitCondition([this] { return released.count() == 1; }));
   EXPECT_EQ(stepped.count(), 1);
 }
 

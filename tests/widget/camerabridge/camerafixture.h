@@ -11,6 +11,7 @@
 #include "labfixture.h"
 #include "testclocks.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -56,7 +57,7 @@ protected:
   void Open() {
     ASSERT_TRUE(mWindow->SetDevice(mDevice.get()).IsOK());
     ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow->GetWidget()));
+    ASSERT_TRUE(krtest::AwaitActive(mWindow->GetWidget()));
     AwaitAnswers();
   }
   /// The window has asked the device, which has Power over Camera Link, what it shows of it.

@@ -2,6 +2,7 @@
 
 #include "finder/errorprovider.h"
 #include "finder/finderpictures.h"
+#include "windowwait.h"
 
 #include <QApplication>
 #include <QHelpEvent>
@@ -115,7 +116,7 @@ private:
 TEST(ErrorProvider, EveryText_IsPaintedBeforeSetTextReturns) {
   Indicator indicator;
   indicator.control.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&indicator.control));
+  ASSERT_TRUE(krtest::AwaitExposed(&indicator.control));
   const PaintCounter paints(indicator.control);
 
   indicator.provider.SetText(QStringLiteral("wrong"));
@@ -132,7 +133,7 @@ TEST(ErrorProvider, TextSetWhileHidden_IsPaintedWhenShown) {
   EXPECT_EQ(paints.count, 0);
   indicator.control.show();
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return paints.count > 0; }));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return paints.count > 0; }));
 }
 
 TEST(ErrorProvider, ErrorThatIsCleared_DrawsNothingAgain) {

@@ -8,6 +8,7 @@
 #include "serialadapter.h"
 #include "testwnd.h"
 #include "windowhands.h"
+#include "windowwait.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -53,7 +54,7 @@ protected:
   void Open() {
     ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
     ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow->GetWidget()));
+    ASSERT_TRUE(krtest::AwaitActive(mWindow->GetWidget()));
   }
   /// Opens it, and picks the device's second port, which keeps its selection.
   void OpenOnSerial1() {

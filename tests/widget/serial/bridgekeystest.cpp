@@ -1,6 +1,7 @@
 // The serial bridge manager by keyboard and for assistive technology, and its three ways of being shown.
 
 #include "bridgefixture.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 
@@ -135,7 +136,7 @@ TEST_F(Keys, EscapeInAChild_DoesNothing) {
   ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
   ASSERT_TRUE(mWindow->CreateIn(&parent).IsOK());
   parent.show();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&parent));
+  ASSERT_TRUE(krtest::AwaitActive(&parent));
 
   QTest::keyClick(mWindow->GetWidget(), Qt::Key_Escape);
 

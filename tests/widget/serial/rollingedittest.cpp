@@ -2,6 +2,7 @@
 
 #include "serial/rollingedit.h"
 #include "testwnd.h"
+#include "windowwait.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -52,7 +53,7 @@ protected:
 
 TEST_F(RollingEdits, FocusByKeyboard_IsShownAroundTheText) {
   mEdit.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&mEdit));
+  ASSERT_TRUE(krtest::AwaitActive(&mEdit));
   const auto getBorder = [this] { return mEdit.grab().toImage().pixelColor(0, mEdit.height() / 2); };
   const QColor highlight = mEdit.palette().color(QPalette::Highlight);
   mEdit.clearFocus();
@@ -112,7 +113,7 @@ TEST_F(RollingEdits, NewestLine_IsFollowed) {
 
 TEST_F(RollingEdits, LeftButtonHeld_ScrollPositionStays) {
   mEdit.Append(MakeLines(0, 100));
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&mEdit));
+  ASSERT_TRUE(krtest::AwaitExposed(&mEdit));
   QWindow* window = mEdit.windowHandle();
   QTest::mousePress(window, Qt::LeftButton, {}, QPoint(20, 20));
   mEdit.verticalScrollBar()->setValue(10);
@@ -178,7 +179,7 @@ TEST_F(RollingEdits, PeriodOver_ShowsWhatHasCome) {
 
   mEdit.Append(u"B");
 
-  EXPECT_TRUE(QTest::qWaitFor([this] { return mEdit.toPlainText() == "AB"; }, 60'000));
+  EXPECT_TRUE(krtest::AwaitCondition([this] { return mEdit.toPlainText() == "AB"; }));
 }
 
 TEST_F(RollingEdits, PausedOrEmptiedWithinThePeriod_ShowsWhatThereIs) {

@@ -2,6 +2,7 @@
 
 #include "temporaryfolder.h"
 #include "terminalfixture.h"
+#include "windowwait.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -212,7 +213,7 @@ TEST_F(Endings, Embedded_WorksAndEndsWithItsParent) {
   ASSERT_TRUE(mWindow->CreateIn(host.get()).IsOK());
   layout->addWidget(mWindow->GetWidget());
   host->show();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(host.get()));
+  ASSERT_TRUE(krtest::AwaitActive(host.get()));
   EXPECT_FALSE(mWindow->GetWidget()->isWindow());
   Get(id::kData).setFocus();
   Type(id::kData, "A");
@@ -234,7 +235,7 @@ TEST_F(Endings, EnterOutsideAnEmbeddedTerminal_IsNotItsOwn) {
   ASSERT_TRUE(mWindow->CreateIn(&host).IsOK());
   layout->addWidget(mWindow->GetWidget());
   host.show();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&host));
+  ASSERT_TRUE(krtest::AwaitActive(&host));
   Type(id::kData, "A");
   bool isReturned = false;
   QObject::connect(field, &QLineEdit::returnPressed, field, [&] { isReturned = true; });

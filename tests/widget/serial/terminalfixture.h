@@ -8,6 +8,7 @@
 #include "serialadapter.h"
 #include "testwnd.h"
 #include "windowhands.h"
+#include "windowwait.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -47,7 +48,7 @@ protected:
   void Open() {
     ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
     ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
-    ASSERT_TRUE(QTest::qWaitForWindowActive(mWindow->GetWidget()));
+    ASSERT_TRUE(krtest::AwaitActive(mWindow->GetWidget()));
   }
   template <typename Control = QWidget>
   Control& Get(int aID) const {

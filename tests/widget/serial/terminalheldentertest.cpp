@@ -2,6 +2,7 @@
 // surrounds the terminal, and whether or not the toolkit marks them.
 
 #include "terminalfixture.h"
+#include "windowwait.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -71,7 +72,7 @@ public:
     box->button(QDialogButtonBox::Ok)->setDefault(true);
     QObject::connect(box, &QDialogButtonBox::accepted, this, [this] { ++presses; });
     show();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(this));
+    EXPECT_TRUE(krtest::AwaitActive(this));
   }
 
   int presses = 0; ///< Of the default button.
