@@ -18,6 +18,10 @@ constexpr int kPreferredLetters = 56;
 constexpr int kPeriodMs = 50;
 /// What takes less is not worth a dialog.
 constexpr int kPatienceMs = 300;
+/// A dialog that was shown stays until it has had the keyboard for so many periods: one that goes while the window
+/// manager brings it the keyboard leaves that nowhere. Where others have the keyboard, it stays for so many in all.
+constexpr int kArrivedTicks = 3;
+constexpr int kMostTicks = 40;
 /// A bar counts in 32 bits, what is done need not.
 constexpr int kSteps = 1000;
 /// A hurry that comes just before the work waits ends nothing.
@@ -69,14 +73,32 @@ ModalResult ProgressDialog::Run(const Work& aWork) {
     progress->end.set_value();
   };
   mTimer.start(kPeriodMs);
-  mTask.Start(work, [this] { EndLoop(mProgress->isCancelled ? ModalResult::Cancel : ModalResult::OK); });
+  mTask.Start(work, [this] {
+    mOutcome = mProgress->isCancelled ? ModalResult::Cancel : ModalResult::OK;
+    EndWhenArrived();
+  });
   return RunLoopWhenSlow(kPatienceMs);
 }
 
 void ProgressDialog::Tick() {
+  CountTick();
+  if (mOutcome)
+    return EndWhenArrived();
   ShowProgress();
   if (mProgress->isCancelled)
     Hurry();
+}
+
+void ProgressDialog::CountTick() {
+  mShownTicks += GetDialog()->isVisible() ? 1 : 0;
+  mActiveTicks += GetDialog()->isActiveWindow() ? 1 : 0;
+}
+
+void ProgressDialog::EndWhenArrived() {
+  const bool hasArrived = mActiveTicks >= kArrivedTicks || mShownTicks >= kMostTicks;
+  // Who cancels has the keyboard there.
+  if (hasArrived || *mOutcome == ModalResult::Cancel || !GetDialog()->isVisible())
+    EndLoop(*mOutcome);
 }
 
 void ProgressDialog::ShowProgress() {
@@ -96,6 +118,8 @@ void ProgressDialog::OnAccept() {}
 
 // What is under way comes to its end first: selectors are put back where they were.
 void ProgressDialog::OnCancel() {
+  if (mOutcome)
+    return EndLoop(*mOutcome);
   mProgress->isCancelled = true;
   if (mEnding.whenCancelled == BackgroundTask::WhenCancelled::Abandon)
     return EndLoop(ModalResult::Cancel);

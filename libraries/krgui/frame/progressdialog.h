@@ -13,6 +13,7 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <optional>
 
 class QProgressBar;
 class QPushButton;
@@ -36,8 +37,9 @@ public:
   ProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText);
   ProgressDialog(QWidget* aOwner, const QString& aCaption, const QString& aText, Ending aEnding);
 
-  /// Shown once the work takes longer than a moment. OK when the work is done, Cancel when the user ended it: both
-  /// after its end, unless it was abandoned. Gone when the owner went; the same is true of the work then.
+  /// Shown once the work takes longer than a moment, and then for another one at least. OK when the work is done,
+  /// Cancel when the user ended it: both after its end, unless it was abandoned. Gone when the owner went; the same is
+  /// true of the work then.
   ModalResult Run(const Work& aWork);
 
 private:
@@ -50,7 +52,9 @@ private:
   };
 
   void Tick();
+  void CountTick();
   void ShowProgress();
+  void EndWhenArrived();
   void Hurry() const;
   void OnAccept() override;
   void OnCancel() override;
@@ -61,6 +65,9 @@ private:
   QProgressBar* mBar = nullptr;
   QPushButton* mCancel = nullptr;
   QTimer mTimer;
+  int mShownTicks = 0;                 ///< For how long the dialog has been on the screen,
+  int mActiveTicks = 0;                ///< and has had the keyboard.
+  std::optional<ModalResult> mOutcome; ///< Of the work, once it is done.
   std::shared_ptr<Progress> mProgress = std::make_shared<Progress>();
   BackgroundTask mTask;
 };
