@@ -72,7 +72,8 @@ number=1000
 while [ -e "$sockets/X$number" ]; do
   number=$((number + 1))
 done
-Xvfb ":$number" -displayfd 8 -screen 0 2400x1600x24 -nolisten tcp -noreset >"$runtime/Xvfb.log" 2>&1 7<&- 9>&- &
+# A key repeats itself when it is really held, not when who types it has to wait for a processor.
+Xvfb ":$number" -displayfd 8 -screen 0 2400x1600x24 -nolisten tcp -noreset -ardelay 3000 >"$runtime/Xvfb.log" 2>&1 7<&- 9>&- &
 server=$!
 await 8 Xvfb Xvfb >/dev/null
 exec 7<&- # The number is taken: its socket file exists.
