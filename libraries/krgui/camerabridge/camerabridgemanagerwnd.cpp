@@ -328,6 +328,7 @@ void CameraBridgeManagerWnd::FillBrowser() {
 
 void CameraBridgeManagerWnd::ApplyStates() {
   const CameraBridgeEntry* const entry = GetSelectedEntry();
+  const QWidget* const focused = GetWidget()->window()->focusWidget();
   const bool isNewLayout =
       mControls->Enable(GetCameraBridgeEnabling({.hasPort = entry != nullptr,
                                                  .kind = entry ? entry->kind : CameraBridgeKind::None,
@@ -338,10 +339,30 @@ void CameraBridgeManagerWnd::ApplyStates() {
                                                  .hasSources = mControls->HasItems(id::kSource),
                                                  .isPoCLSupported = mOpening->poCL.isSupported,
                                                  .isCameraFileVisible = mIsPCFVisible}));
+  if (focused && GetWidget()->isAncestorOf(focused) && !focused->isEnabled())
+    FocusNextStep();
   if (!isNewLayout)
     return;
   mControls->LayOut(GetWidget()->size());
   PlaceBrowser();
+}
+
+/// The toolkit gives the keyboard of a control that is disabled to the next in the row, which may be the source's list,
+/// where a key would choose. What a user wants next is a description of the camera that was found, or its parameters.
+void CameraBridgeManagerWnd::FocusNextStep() const {
+  auto* const descriptions = mControls->Find<QWidget>(id::kCLProtocolXML);
+  QWidget* const browser = mBrowser.GetWidget();
+  if (descriptions && descriptions->isEnabled())
+    return descriptions->setFocus(Qt::OtherFocusReason);
+  if (!browser)
+    return;
+  const auto takesTab = [browser](const QWidget& aWidget) {
+    return browser->isAncestorOf(&aWidget) && aWidget.isEnabled() && (aWidget.focusPolicy() & Qt::TabFocus) != 0;
+  };
+  QWidget* next = browser->nextInFocusChain();
+  while (next != browser && !takesTab(*next))
+    next = next->nextInFocusChain();
+  next->setFocus(Qt::OtherFocusReason);
 }
 
 void CameraBridgeManagerWnd::Tick() const {

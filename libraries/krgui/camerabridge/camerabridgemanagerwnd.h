@@ -137,6 +137,7 @@ private:
   void ShowParameters(const CameraBridgeEntry& aEntry);
   void FillBrowser();
   void ApplyStates();
+  void FocusNextStep() const;
   void Tick() const;
 
   /// What the user's hands do: nothing while a camera is asked.

@@ -15,6 +15,7 @@ trap 'rm -rf "$work"' EXIT
 
 # A name a line, with its namespace. What begins and ends in lines without blanks before is a namespace or in one.
 find "$headers" -name '*.h' -exec cat {} + | awk '
+  /^\/\// { next }
   /^namespace [A-Za-z]+ \{$/ { space = $2 "::"; next }
   /^}/ { if (!inside) space = ""; inside = 0 }
   /^[^ ].*\{$/ { inside = 1 }

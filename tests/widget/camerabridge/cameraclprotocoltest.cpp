@@ -72,6 +72,26 @@ TEST_F(CLProtocol, Probed_ShowsTheCameraAndItsDescriptions) {
   EXPECT_FALSE(HasParameters());
 }
 
+TEST_F(CLProtocol, Keyboard_GoesFromTheProbeToTheDescriptionsAndFromThereToTheParameters) {
+  Choose();
+  const auto press = [this](int aButton) {
+    Get(aButton).setFocus();
+    QTest::keyClick(&Get(aButton), Qt::Key_Space);
+  };
+  const auto getFocused = [this] { return mWindow->GetWidget()->focusWidget(); };
+
+  press(id::kProbe);
+  ASSERT_FALSE(GetEntries(id::kCLProtocolXML).empty());
+  EXPECT_EQ(getFocused(), &Get(id::kCLProtocolXML));
+
+  press(id::kCLProtocolConnect);
+  ASSERT_TRUE(GetBridge(2).IsConnected());
+  ASSERT_NE(getFocused(), nullptr);
+  EXPECT_NE(getFocused(), &Get(id::kSource));
+  QTest::keyClick(getFocused(), Qt::Key_Down);
+  EXPECT_TRUE(GetBridge(2).GetSource().IsEmpty());
+}
+
 TEST_F(CLProtocol, Connected_ShowsTheParametersAndCanOnlyBeEndedByAnotherKind) {
   Connect();
 
