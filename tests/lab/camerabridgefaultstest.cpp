@@ -45,25 +45,6 @@ TEST_P(DisturbedLineTest, OneByteInAThousand_IsNoticedAndMadeUpFor) {
   EXPECT_GT(mBridge.GetBytesReceivedFromCamera(), 2000u);
 }
 
-TEST_P(DisturbedLineTest, OneByteInAThousand_IsNoticedByTheChecksumsOfACameraFile) {
-  CheckedTextLab checked;
-  KrCameraBridge bridge(checked.lab.GetDevice(), KrDeviceSerial::Serial0, nullptr);
-  for (const KrSerialDirection direction : {KrSerialDirection::Received, KrSerialDirection::Sent})
-    ASSERT_TRUE(((*checked.lab.GetFaults()).*GetParam().order)(0, direction, 1000).IsOK());
-
-  ASSERT_TRUE(IsFine(bridge.ConnectTolvanCameraFile(checked.path)));
-  KrGenParameterArray& camera = *bridge.GetParameters();
-  for (int i = 1; i <= 100; ++i) {
-    const std::string width = std::to_string(64 + 4 * i);
-    ASSERT_TRUE(IsFine(SetText(camera, "Width", width.c_str())));
-    ASSERT_EQ(GetText(camera, "Width"), width);
-    ASSERT_EQ(GetText(camera, "DeviceID"), "Maker,Model,SN7");
-  }
-
-  EXPECT_GT(bridge.GetBytesReceivedFromCamera(), 4000u) << "four disturbances in each direction";
-  EXPECT_GT(bridge.GetBytesSentToCamera(), 4000u);
-}
-
 INSTANTIATE_TEST_SUITE_P(CameraBridge, DisturbedLineTest,
                          testing::Values(LineFault{"Lost", &KrSimulatedFaults::LoseSerialBytes},
                                          LineFault{"Repeated", &KrSimulatedFaults::RepeatSerialBytes},
@@ -90,6 +71,37 @@ bool IsClear(const KrResult& aResult) {
 }
 
 } // namespace
+
+TEST_P(DisturbedLineTest, OneByteInAThousand_IsNoticedByTheChecksumsOfACameraFile) {
+  CheckedTextLab checked;
+  KrCameraBridge bridge(checked.lab.GetDevice(), KrDeviceSerial::Serial0, nullptr);
+  for (const KrSerialDirection direction : {KrSerialDirection::Received, KrSerialDirection::Sent})
+    ASSERT_TRUE(((*checked.lab.GetFaults()).*GetParam().order)(0, direction, 1000).IsOK());
+
+  ASSERT_TRUE(IsFine(bridge.ConnectTolvanCameraFile(checked.path)));
+  KrGenParameterArray& camera = *bridge.GetParameters();
+  // A camera that refuses a damaged command has answered: that is told, not asked again.
+  const auto isRightOrClear = [&camera](const char* aName, const std::string& aValue, bool& aIsRight) {
+    const std::string text = GetText(camera, aName);
+    aIsRight = text == aValue;
+    return aIsRight || text == "ProtocolError" || text == "TimeLimitExceeded";
+  };
+  int right = 0;
+  for (int i = 1; i <= 100; ++i) {
+    const std::string width = std::to_string(64 + 4 * i);
+    const KrResult set = SetText(camera, "Width", width.c_str());
+    ASSERT_TRUE(IsClear(set)) << IsFine(set).message();
+    bool isWidthRight = false;
+    bool isIDRight = false;
+    ASSERT_TRUE(!set.IsOK() || isRightOrClear("Width", width, isWidthRight)) << width;
+    ASSERT_TRUE(isRightOrClear("DeviceID", "Maker,Model,SN7", isIDRight));
+    right += set.IsOK() && isWidthRight && isIDRight ? 1 : 0;
+  }
+
+  EXPECT_GT(right, 80) << "of 100";
+  EXPECT_GT(bridge.GetBytesReceivedFromCamera(), 4000u) << "four disturbances in each direction";
+  EXPECT_GT(bridge.GetBytesSentToCamera(), 4000u);
+}
 
 // Bytes are lost, come twice and come changed, one of a thousand each, both ways.
 TEST_F(CameraBridgeFaultsTest, AllDisturbancesTogether_LeaveEveryOperationRightOrClearlyFailed) {

@@ -4,6 +4,7 @@
 #include "krgui/krdevicefinderwnd.h"
 
 #include <QCheckBox>
+#include <algorithm>
 
 namespace krgui {
 
@@ -17,6 +18,8 @@ constexpr const char* kSubnetText =
 
 class DeviceAcceptanceTest : public DeviceFinderTest {
 protected:
+  static constexpr const char* kDevices[] = {"Camera A", "Old device", "USB camera"};
+
   void SetUp() override {
     mTransport->AddInterface(MakeFinderAdapter());
     mTransport->AddInterface(MakeFinderController());
@@ -25,11 +28,12 @@ protected:
     mTransport->AddDevice("usb1", MakeUSBCamera());
   }
 
-  /// Shows the finder modally; aAction comes when the items are there.
-  KrResult RunModal(const char* aAwaited, std::function<void()> aAction) {
+  /// Shows the finder modally; aAction comes when the items of all devices are there.
+  KrResult RunModal(std::function<void()> aAction) {
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &mHand, [&] {
-      if (!mFinder.GetWidget() || !mFinder.FindItem(aAwaited))
+      const auto isThere = [this](const char* aName) { return mFinder.FindItem(aName) != nullptr; };
+      if (!mFinder.GetWidget() || !std::ranges::all_of(kDevices, isThere))
         return;
       timer.stop();
       aAction();
@@ -44,7 +48,7 @@ protected:
 };
 
 TEST_F(DeviceAcceptanceTest, OK_GivesTheSelectedDeviceAndEndsWithOK) {
-  const KrResult result = RunModal("Camera A", [&] {
+  const KrResult result = RunModal([&] {
     Select("Camera A");
     Click(kFinderOKID);
   });
@@ -56,7 +60,7 @@ TEST_F(DeviceAcceptanceTest, OK_GivesTheSelectedDeviceAndEndsWithOK) {
 }
 
 TEST_F(DeviceAcceptanceTest, Cancel_GivesNoDevice) {
-  const KrResult result = RunModal("Camera A", [&] {
+  const KrResult result = RunModal([&] {
     Select("Camera A");
     Click(kFinderCancelID);
   });
@@ -66,7 +70,7 @@ TEST_F(DeviceAcceptanceTest, Cancel_GivesNoDevice) {
 }
 
 TEST_F(DeviceAcceptanceTest, SecondShowing_StartsAnewAndForgetsTheFirstChoice) {
-  ASSERT_TRUE(RunModal("Camera A", [&] {
+  ASSERT_TRUE(RunModal([&] {
                 Select("Camera A");
                 Click(kFinderOKID);
               }).IsOK());
@@ -74,7 +78,7 @@ TEST_F(DeviceAcceptanceTest, SecondShowing_StartsAnewAndForgetsTheFirstChoice) {
   ASSERT_NE(first, nullptr);
 
   bool isSelected = true;
-  const KrResult result = RunModal("USB camera", [&] {
+  const KrResult result = RunModal([&] {
     isSelected = !mFinder.GetTree().selectedItems().isEmpty() || mFinder.GetSelected() != nullptr;
     Click(kFinderCancelID);
   });
@@ -86,7 +90,7 @@ TEST_F(DeviceAcceptanceTest, SecondShowing_StartsAnewAndForgetsTheFirstChoice) {
 }
 
 TEST_F(DeviceAcceptanceTest, DoubleClick_OnADeviceAccepts) {
-  const KrResult result = RunModal("Camera A", [&] { DoubleClick("Camera A"); });
+  const KrResult result = RunModal([&] { DoubleClick("Camera A"); });
 
   EXPECT_TRUE(result.IsOK());
   ASSERT_NE(mFinder.GetSelected(), nullptr);
@@ -104,7 +108,7 @@ TEST_F(DeviceAcceptanceTest, DoubleClick_OnWhatCannotBeSelectedDoesNothing) {
 }
 
 TEST_F(DeviceAcceptanceTest, Keyboard_SelectsByArrowsAcceptsByEnter) {
-  const KrResult result = RunModal("Camera A", [&] {
+  const KrResult result = RunModal([&] {
     QTreeWidget& tree = mFinder.GetTree();
     // The older device's key comes first.
     QTest::keyClick(&tree, Qt::Key_Down);
@@ -128,7 +132,7 @@ TEST_F(DeviceAcceptanceTest, Enter_WithNothingToAcceptDoesNothing) {
 
 TEST_F(DeviceAcceptanceTest, Escape_CancelsFromTreeAndLists) {
   for (const int id : {kFinderTreeID, kFinderInterfaceListID, kFinderDeviceListID}) {
-    const KrResult result = RunModal("Camera A", [&] { QTest::keyClick(mFinder.GetControl(id), Qt::Key_Escape); });
+    const KrResult result = RunModal([&] { QTest::keyClick(mFinder.GetControl(id), Qt::Key_Escape); });
 
     EXPECT_TRUE(result == KrResult::Code::Cancelled) << id;
   }
