@@ -80,6 +80,11 @@ exec 7<&- # The number is taken: its socket file exists.
 export DISPLAY=":$number"
 export XDG_RUNTIME_DIR="$runtime"
 export QT_QPA_PLATFORM=xcb
+# The first key that is typed from outside gives the server another keyboard map, at which a window manager takes its keys
+# anew: one that comes meanwhile is lost. So it is typed before there is one.
+if command -v xdotool >/dev/null; then
+  xdotool key Shift_L
+fi
 # No bus of the user's session, no accessibility bus, no desktop's style, no scaling.
 unset DBUS_SESSION_BUS_ADDRESS WAYLAND_DISPLAY QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE QT_SCALE_FACTOR XDG_SESSION_TYPE
 export NO_AT_BRIDGE=1
