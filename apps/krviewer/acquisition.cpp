@@ -10,7 +10,8 @@ namespace krviewer {
 
 namespace {
 
-constexpr std::uint32_t kRetrieveTimeoutMs = 500;
+constexpr std::uint32_t kRetrieveTimeoutMs = 100;
+constexpr std::uint64_t kOverlayPeriodNs = 100'000'000;
 constexpr std::chrono::seconds kRetryPause{1};
 
 KrStreamStatistics Add(const KrStreamStatistics& aFirst, const KrStreamStatistics& aSecond) {
@@ -30,6 +31,19 @@ std::uint64_t GetSteadyNs() {
           .count());
 }
 
+// Where the connection is at fault rather than what was asked for.
+bool IsConnectionTrouble(const KrResult& aResult) {
+  return aResult == KrResult::Code::ConnectionLost || aResult == KrResult::Code::TimeLimitExceeded;
+}
+
+KrResult ExecuteTrigger(KrGenParameterArray& aParameters) {
+  KrGenCommand* const trigger = aParameters.GetCommand("TriggerSoftware");
+  if (!trigger)
+    return {KrResult::Code::NotSupported,
+            "Triggering the camera: it has no TriggerSoftware. Trigger it by one of its inputs."};
+  return trigger->Execute();
+}
+
 } // namespace
 
 KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStatistics) {
@@ -46,8 +60,10 @@ KrString BreakIntoSentences(const KrString& aText) {
   return text;
 }
 
-Acquisition::Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, std::uint64_t aFrameLimit)
-    : mWindow(aWindow), mDeviceInfo(aDevice), mFrameLimit(aFrameLimit),
+Acquisition::Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, const AcquisitionOptions& aOptions)
+    : mWindow(aWindow), mDeviceInfo(aDevice), mOptions(aOptions),
+      mFrames("a frame sink", "krviewer", {"Acquisition::Notify", "acquisition"}),
+      mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing),
       mThread([this](std::stop_token aStop) { Run(aStop); }) {}
 
 Acquisition::~Acquisition() {
@@ -56,6 +72,7 @@ Acquisition::~Acquisition() {
 
 void Acquisition::Stop() {
   mThread.request_stop();
+  WakeStream();
   if (mThread.joinable())
     mThread.join();
   CloseDevice();
@@ -74,11 +91,16 @@ void Acquisition::SetState(AcquisitionState aState, const KrResult& aResult) {
 
 bool Acquisition::IsLimitReached() const {
   const std::lock_guard lock(mMutex);
-  return mFrameLimit != 0 && mProgress.figures.GetFrames() >= mFrameLimit;
+  return mOptions.frameLimit != 0 && mProgress.figures.GetFrames() >= mOptions.frameLimit;
 }
 
-void Acquisition::OnDeviceLost(KrDevice*, const KrResult&) {
-  // The stream ends by itself and says why.
+// A stream that runs ends by itself and says why.
+void Acquisition::OnDeviceLost(KrDevice*, const KrResult& aReason) {
+  {
+    const std::lock_guard lock(mMutex);
+    mLoss = aReason;
+  }
+  mChanged.notify_all();
 }
 
 void Acquisition::OnDeviceBack(KrDevice*) {
@@ -86,59 +108,156 @@ void Acquisition::OnDeviceBack(KrDevice*) {
     const std::lock_guard lock(mMutex);
     mIsBack = true;
   }
-  mReturned.notify_all();
+  mChanged.notify_all();
 }
 
-void Acquisition::AwaitReturn(std::stop_token aStop) {
-  std::unique_lock lock(mMutex);
-  if (mDevice && !mDevice->IsConnected())
-    mReturned.wait(lock, aStop, [this] { return mIsBack; });
-  else // It answers, but could not be opened or started yet: its old connection may have to expire first.
-    mReturned.wait_for(lock, aStop, kRetryPause, [] { return false; });
+void Acquisition::Start(const RequestEnd& aThen) {
+  Ask({.kind = AcquisitionRequest::Kind::Start, .work = {.then = aThen}});
 }
 
-// Only a camera that has streamed before is worth waiting for; otherwise its refusal is the answer.
+void Acquisition::StartSingle(const RequestEnd& aThen) {
+  Ask({.kind = AcquisitionRequest::Kind::StartSingle, .work = {.then = aThen}});
+}
+
+void Acquisition::StopStreaming(const RequestEnd& aThen) {
+  Ask({.kind = AcquisitionRequest::Kind::StopStreaming, .work = {.then = aThen}});
+}
+
+void Acquisition::Trigger(const RequestEnd& aThen) {
+  Do({.run = ExecuteTrigger, .then = aThen});
+}
+
+void Acquisition::Do(DeviceWork aWork) {
+  Ask({.work = std::move(aWork)});
+}
+
+void Acquisition::SetPictureWanted(bool aIsWanted) {
+  if (mIsPictureWanted.exchange(aIsWanted) != aIsWanted && aIsWanted)
+    Ask({.kind = AcquisitionRequest::Kind::ShowLatest});
+}
+
+void Acquisition::LookAgain() {
+  // A request that came just before the thread began to wait for a frame has not woken it.
+  if (!mRequests.IsEmpty())
+    WakeStream();
+  mRequests.DeliverEnds();
+}
+
+void Acquisition::Ask(AcquisitionRequest aRequest) {
+  {
+    const std::lock_guard lock(mMutex); // So that it does not come between the thread's look and its wait.
+    mRequests.Post(std::move(aRequest));
+  }
+  mChanged.notify_all();
+  WakeStream();
+}
+
+void Acquisition::WakeStream() {
+  const std::lock_guard lock(mWakeMutex);
+  if (mWoken)
+    mWoken->Cancel();
+}
+
+// Only a camera that was there before is worth waiting for; otherwise its refusal is the answer.
 bool Acquisition::IsAwaited(const std::stop_token& aStop) const {
-  return mHasStreamed && mFrameLimit == 0 && !aStop.stop_requested();
+  return mHasServed && mOptions.frameLimit == 0 && !aStop.stop_requested();
 }
 
 void Acquisition::Run(std::stop_token aStop) {
-  KrResult result = ConnectAndStream(aStop);
+  KrResult result = ServeConnection(aStop);
   while (!result.IsOK() && IsAwaited(aStop)) {
     SetState(AcquisitionState::Lost, result);
     TakeBackDevice();
     AwaitReturn(aStop);
     if (!aStop.stop_requested())
-      result = ConnectAndStream(aStop);
+      result = ServeConnection(aStop);
   }
   // The device stays until Stop, so that what shows its parameters may do so to the end.
   const bool isFinished = result.IsOK() || aStop.stop_requested();
+  mRequests.Close({KrResult::Code::ConnectionLost,
+                   "Asking " + mDeviceInfo.GetDisplayID() + ": its acquisition has ended; open the camera again."});
   SetState(isFinished ? AcquisitionState::Finished : AcquisitionState::Failed, result);
 }
 
+void Acquisition::AwaitReturn(std::stop_token aStop) {
+  // What answers, but could not be opened or started, is tried again: its old connection may have to expire first.
+  const bool isGone = mDevice && !mDevice->IsConnected();
+  const auto retry = std::chrono::steady_clock::now() + kRetryPause;
+  for (;;) {
+    CarryOutRequests();
+    std::unique_lock lock(mMutex);
+    const auto isWoken = [this] { return mIsBack || !mRequests.IsEmpty(); };
+    const bool hasCome =
+        isGone ? mChanged.wait(lock, aStop, isWoken) : mChanged.wait_until(lock, aStop, retry, isWoken);
+    if (mIsBack || !hasCome)
+      return;
+  }
+}
+
+KrResult Acquisition::ServeConnection(std::stop_token aStop) {
+  CloseDevice();
+  KrResult result = OpenDevice();
+  if (!result.IsOK())
+    return result;
+  if (mWanted != Wanted::Nothing)
+    result = StartStream();
+  const bool isRefused = !result.IsOK() && !mHasServed && mOptions.frameLimit == 0 && !IsConnectionTrouble(result);
+  if (!result.IsOK() && !isRefused)
+    return result;
+  if (isRefused)
+    mWanted = Wanted::Nothing;
+  LendDevice(*mDevice, *mStream);
+  mHasServed = true;
+  mIsServing = true;
+  SetState(mStream->IsRunning() ? AcquisitionState::Streaming : AcquisitionState::Connected, result);
+  result = Serve(aStop);
+  mIsServing = false;
+  if (!result.IsOK()) {
+    ShowLatest(result);
+    // Now, as the stream ends only when a camera that is gone has had its time to answer.
+    if (IsAwaited(aStop))
+      SetState(AcquisitionState::Lost, result);
+  }
+  StopStream(result);
+  return result;
+}
+
+KrResult Acquisition::OpenDevice() {
+  {
+    const std::lock_guard lock(mMutex);
+    mIsBack = false;
+    mLoss.reset();
+  }
+  if (KrResult opened = KrDevice::Open(mDeviceInfo, KrDeviceAccess::Control, mDevice); !opened.IsOK())
+    return opened;
+  if (KrResult registered = mDevice->RegisterEventSink(this); !registered.IsOK())
+    return registered;
+  // A loss before the registration is not told.
+  if (!mDevice->IsConnected())
+    return {KrResult::Code::ConnectionLost,
+            "Opening " + mDeviceInfo.GetDisplayID() + ": it was lost at once. Check its cable and its power."};
+  mStream.emplace(*mDevice);
+  const std::lock_guard lock(mWakeMutex);
+  mWoken = &*mStream;
+  return {};
+}
+
 void Acquisition::CloseDevice() {
-  mParameters.TakeBack();
+  for (Loan<KrGenParameterArray>& loan : mParameters)
+    loan.TakeBack();
   TakeBackDevice();
+  {
+    const std::lock_guard lock(mWakeMutex);
+    mWoken = nullptr;
+  }
+  mLatest = nullptr;
   mLent.reset();
   mAdapter.reset();
   mStream.reset();
   mDevice.reset();
 }
 
-KrResult Acquisition::ConnectAndStream(std::stop_token aStop) {
-  CloseDevice();
-  {
-    const std::lock_guard lock(mMutex);
-    mIsBack = false;
-  }
-  if (KrResult opened = KrDevice::Open(mDeviceInfo, KrDeviceAccess::Control, mDevice); !opened.IsOK())
-    return opened;
-  if (KrResult registered = mDevice->RegisterEventSink(this); !registered.IsOK())
-    return registered;
-  return StreamOnce(aStop, *mDevice);
-}
-
-// The stream has read the description already. A device whose description is no good may still have ports.
+// A device whose description is no good may still have ports.
 void Acquisition::LendDevice(KrDevice& aDevice, KrStream& aStream) {
   mAdapter.emplace(aDevice);
   mLent.emplace(LentDevice{*mAdapter, &aStream});
@@ -147,7 +266,8 @@ void Acquisition::LendDevice(KrDevice& aDevice, KrStream& aStream) {
   KrGenParameterArray* parameters = nullptr;
   const KrResult got = aDevice.GetParameters(parameters);
   if (got.IsOK())
-    mParameters.Lend(*parameters);
+    for (Loan<KrGenParameterArray>& loan : mParameters)
+      loan.Lend(*parameters);
   const std::lock_guard lock(mMutex);
   mProgress.parameters = got;
 }
@@ -157,64 +277,157 @@ void Acquisition::TakeBackDevice() {
     loan.TakeBack();
 }
 
-KrResult Acquisition::StreamOnce(std::stop_token aStop, KrDevice& aDevice) {
-  KrStream& stream = mStream.emplace(aDevice);
-  if (KrResult started = stream.Start(); !started.IsOK())
-    return started;
-  SetState(AcquisitionState::Streaming, {});
-  mHasStreamed = true;
-  mMeter.Reset();
-  LendDevice(aDevice, stream);
-
-  // The frame on the screen stays lent, so that it can be shown again with the reason when the camera is lost.
-  KrBuffer* shown = nullptr;
+KrResult Acquisition::Serve(std::stop_token aStop) {
   KrResult result;
   while (result.IsOK() && !aStop.stop_requested() && !IsLimitReached()) {
-    KrBuffer* buffer = nullptr;
-    result = stream.Retrieve(buffer, kRetrieveTimeoutMs);
-    if (result == KrResult::Code::TimeLimitExceeded)
-      result = {}; // A camera that waits for its trigger sends nothing for a while.
-    if (!buffer)
-      continue;
-    const bool isShown = ShowFrame(stream, *buffer);
-    KrBuffer* surplus = isShown ? std::exchange(shown, buffer) : buffer;
-    if (surplus)
-      result = stream.Release(surplus);
+    CarryOutRequests();
+    result = mStream->IsRunning() ? TakeFrame() : AwaitRequest(aStop);
   }
-  if (!result.IsOK()) {
-    ShowReason(shown, result);
-    // Now, as the stream ends only when a camera that is gone has had its time to answer.
-    if (IsAwaited(aStop))
-      SetState(AcquisitionState::Lost, result);
-  }
-  mEndedStreams = Add(mEndedStreams, stream.GetStatistics());
-  stream.Stop();
   return result;
 }
 
-bool Acquisition::ShowFrame(KrStream& aStream, const KrBuffer& aBuffer) {
+KrResult Acquisition::AwaitRequest(std::stop_token aStop) {
+  std::unique_lock lock(mMutex);
+  mChanged.wait(lock, aStop, [this] { return mLoss || !mRequests.IsEmpty(); });
+  return mLoss.value_or(KrResult());
+}
+
+void Acquisition::CarryOutRequests() {
+  while (const std::optional<AcquisitionRequest> request = mRequests.TakeNext())
+    mRequests.End(*request, CarryOut(*request));
+}
+
+KrResult Acquisition::CarryOut(const AcquisitionRequest& aRequest) {
+  switch (aRequest.kind) {
+  case AcquisitionRequest::Kind::Start:
+    return Want(Wanted::Frames);
+  case AcquisitionRequest::Kind::StartSingle:
+    return Want(Wanted::SingleFrame);
+  case AcquisitionRequest::Kind::StopStreaming:
+    return Want(Wanted::Nothing);
+  case AcquisitionRequest::Kind::ShowLatest:
+    ShowLatest({});
+    return {};
+  case AcquisitionRequest::Kind::Work:
+    break;
+  }
+  return DoWork(aRequest.work);
+}
+
+KrResult Acquisition::Want(Wanted aWanted) {
+  mWanted = aWanted;
+  if (!mIsServing || mStream->IsRunning() == (aWanted != Wanted::Nothing))
+    return {};
+  KrResult result;
+  if (aWanted == Wanted::Nothing)
+    StopStream({});
+  else
+    result = StartStream();
+  SetState(mStream->IsRunning() ? AcquisitionState::Streaming : AcquisitionState::Connected, result);
+  return result;
+}
+
+KrResult Acquisition::DoWork(const DeviceWork& aWork) {
+  if (!mIsServing)
+    return {KrResult::Code::ConnectionLost,
+            "Asking " + mDeviceInfo.GetDisplayID() + ": the camera is lost. Ask again when it is back."};
+  KrGenParameterArray* parameters = nullptr;
+  if (KrResult got = mDevice->GetParameters(parameters); !got.IsOK())
+    return got;
+  const bool isPaused = aWork.isStreamStopped && mStream->IsRunning();
+  if (isPaused)
+    StopStream({});
+  const KrResult done = aWork.run(*parameters);
+  if (!isPaused)
+    return done;
+  const KrResult started = StartStream();
+  if (started.IsOK())
+    return done;
+  SetState(AcquisitionState::Connected, started);
+  return done.IsOK() ? started : done;
+}
+
+// What could not be started is not tried again by itself, unless the camera turns out to be lost.
+KrResult Acquisition::StartStream() {
+  mLatest = nullptr; // Its memory goes.
+  if (KrResult started = mStream->Start(); !started.IsOK()) {
+    if (mIsServing && !IsConnectionTrouble(started))
+      mWanted = Wanted::Nothing;
+    return started;
+  }
+  mMeter.Reset();
+  mOverlayNs = 0;
+  mFrames.Notify([](FrameSink& aSink) { aSink.OnAcquisitionStarted(); });
+  return {};
+}
+
+void Acquisition::StopStream(const KrResult& aReason) {
+  if (!mStream->IsRunning())
+    return;
+  const KrStreamStatistics running = mStream->GetStatistics();
+  mStream->Stop();
+  mEndedStreams = Add(mEndedStreams, running);
+  mFrames.Notify([&](FrameSink& aSink) { aSink.OnAcquisitionEnded(aReason); });
+}
+
+KrStreamStatistics Acquisition::CountStatistics() const {
+  return mStream->IsRunning() ? Add(mEndedStreams, mStream->GetStatistics()) : mEndedStreams;
+}
+
+KrResult Acquisition::TakeFrame() {
+  KrBuffer* frame = nullptr;
+  const KrResult result = mStream->Retrieve(frame, kRetrieveTimeoutMs);
+  // A camera that waits for its trigger sends nothing for a while, and requests end the wait.
+  if (result == KrResult::Code::TimeLimitExceeded || result == KrResult::Code::Aborted)
+    return {};
+  if (!result.IsOK())
+    return result;
+  PassOn(*frame);
+  const bool isLast = mWanted == Wanted::SingleFrame && frame->GetStatus() == KrBufferStatus::Complete;
+  if (KrResult kept = KeepLatest(*frame); !kept.IsOK())
+    return kept;
+  return isLast ? Want(Wanted::Nothing) : KrResult();
+}
+
+// The latest frame stays lent, so that it can be shown again, with the reason when the camera is lost.
+KrResult Acquisition::KeepLatest(KrBuffer& aFrame) {
+  KrBuffer* const former = std::exchange(mLatest, &aFrame);
+  return former ? mStream->Release(former) : KrResult();
+}
+
+void Acquisition::PassOn(const KrBuffer& aFrame) {
   const std::uint64_t now = GetSteadyNs();
-  mMeter.Add(now, aBuffer.GetAcquiredSize());
-  mWindow.SetTextOverlay(FormatOverlay(mMeter, Add(mEndedStreams, aStream.GetStatistics())));
-  // A frame that cannot be shown is told in the log and, by its absence, in the picture; the stream goes on.
-  const bool isShown = mWindow.Display(aBuffer, false).IsOK();
-  if (isShown)
-    aStream.CountShown();
-  const KrStreamStatistics total = Add(mEndedStreams, aStream.GetStatistics());
+  mMeter.Add(now, aFrame.GetAcquiredSize());
+  mFrames.Notify([&](FrameSink& aSink) { aSink.OnFrame(aFrame, now); });
+  const bool isShown = mIsPictureWanted && ShowFrame(aFrame, now);
+  const KrStreamStatistics total = CountStatistics();
 
   const std::lock_guard lock(mMutex);
-  mProgress.figures.Add(now, aBuffer.GetAcquiredSize());
+  mProgress.figures.Add(now, aFrame.GetAcquiredSize());
   mProgress.statistics = total;
   if (isShown)
-    mProgress.lastFrameID = aBuffer.GetFrameID();
+    mProgress.lastFrameID = aFrame.GetFrameID();
+}
+
+// A frame that cannot be shown is told in the log and, by its absence, in the picture; the stream goes on.
+bool Acquisition::ShowFrame(const KrBuffer& aFrame, std::uint64_t aNowNs) {
+  if (mOverlayNs == 0 || aNowNs - mOverlayNs >= kOverlayPeriodNs) {
+    mWindow.SetTextOverlay(FormatOverlay(mMeter, CountStatistics()));
+    mOverlayNs = aNowNs;
+  }
+  const bool isShown = mWindow.Display(aFrame, false).IsOK();
+  if (isShown)
+    mStream->CountShown();
   return isShown;
 }
 
-void Acquisition::ShowReason(const KrBuffer* aBuffer, const KrResult& aReason) {
-  if (!aBuffer)
+void Acquisition::ShowLatest(const KrResult& aReason) {
+  if (!mLatest)
     return;
-  mWindow.SetTextOverlay(BreakIntoSentences(aReason.GetDescription()));
-  [[maybe_unused]] const KrResult shown = mWindow.Display(*aBuffer, false); // It was shown before.
+  if (!aReason.IsOK())
+    mWindow.SetTextOverlay(BreakIntoSentences(aReason.GetDescription()));
+  // Where it was shown before it is shown again; another one cannot be, as before.
+  [[maybe_unused]] const KrResult shown = mWindow.Display(*mLatest, false);
 }
 
 } // namespace krviewer

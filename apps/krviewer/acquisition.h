@@ -1,17 +1,20 @@
 #pragma once
-// The thread that takes frames from a camera and hands them to a display window, through loss and return of the camera.
-// What the user sees beside the picture is left to the viewer.
+// The thread that takes frames from a camera and hands them to a display window and to whoever hears of them, through
+// loss and return of the camera, as it is asked to. What the user sees beside the picture is left to the viewer.
 
+#include "acquisitionprogress.h"
 #include "framemeter.h"
+#include "framesink.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceadapter.h"
 #include "krdevice/krstream.h"
 #include "krgui/krdisplaywnd.h"
 #include "lentdevice.h"
 #include "loan.h"
-#include "streamfigures.h"
+#include "requestqueue.h"
 
 #include <array>
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -22,26 +25,17 @@
 
 namespace krviewer {
 
-enum class AcquisitionState {
-  Connecting,
-  Streaming,
-  Lost,     ///< The camera vanished; it is awaited.
-  Finished, ///< The number of frames asked for came, or it was stopped.
-  Failed,   ///< It could not be opened or started, or was lost while a number of frames was asked for.
-};
-
 /// Who borrows the device.
 enum class DeviceBorrower { Terminal, Bridges, CameraBridges };
 inline constexpr std::size_t kDeviceBorrowers = 3;
 
-/// A copy of what the thread has come to.
-struct AcquisitionProgress {
-  AcquisitionState state = AcquisitionState::Connecting;
-  KrResult result;               ///< Why it was lost or failed.
-  KrResult parameters;           ///< Why the camera's parameters cannot be had; OK while that is not known.
-  std::uint64_t lastFrameID = 0; ///< Of the frame displayed last.
-  krapps::StreamFigures figures;
-  KrStreamStatistics statistics; ///< Of all connections together.
+/// Who borrows the camera's parameters.
+enum class ParameterBorrower { Browser, Region, Control };
+inline constexpr std::size_t kParameterBorrowers = 3;
+
+struct AcquisitionOptions {
+  std::uint64_t frameLimit = 0; ///< Ends after so many frames, or when the camera is lost before; 0 never.
+  bool startsAtOnce = true;     ///< Whether the camera streams as soon as it is open.
 };
 
 /// The text drawn over the picture: rates and losses.
@@ -50,62 +44,121 @@ KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStat
 /// A text with each sentence in a line of its own, as the window does not wrap lines.
 KrString BreakIntoSentences(const KrString& aText);
 
-/// Streams one camera into one window, and lends its parameters and the device itself. A lost camera's parameters are
-/// lent until it is back, when they are taken back and those of the new connection lent; the device is taken back when
-/// it is lost.
+/// Streams one camera into one window, and lends its parameters and the device itself, whether it streams or not. A
+/// lost camera's parameters are lent until it is back, when they are taken back and those of the new connection lent;
+/// the device is taken back when it is lost. A camera that is back streams as it did, or as was asked meanwhile.
 ///
-/// Thread: construction, destruction and Stop on one thread, with nothing borrowed there; GetProgress from any.
+/// What is asked for is carried out in its order, between two frames, and what ends a request is called by LookAgain.
+/// A request that finds the camera lost, or ended, ends with ConnectionLost.
+///
+/// Thread: user interface, where nothing is borrowed at Stop and destruction; GetProgress and GetFrames from any.
 /// Ownership: borrows window and device information, which must outlive it.
 class Acquisition : private KrDeviceEventSink {
 public:
-  /// aFrameLimit 0 streams until it is stopped.
-  Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, std::uint64_t aFrameLimit);
+  Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, const AcquisitionOptions& aOptions = {});
   ~Acquisition() override;
 
   AcquisitionProgress GetProgress() const;
-  Loan<KrGenParameterArray>& GetParameters() { return mParameters; }
+  /// Who hears of each frame, of starts and ends.
+  FrameSinks& GetFrames() { return mFrames; }
+  /// The parameters are lent to each borrower apart.
+  Loan<KrGenParameterArray>& GetParameters(ParameterBorrower aBorrower) {
+    return mParameters[static_cast<std::size_t>(aBorrower)];
+  }
   /// The device is lent to each borrower apart.
   Loan<LentDevice>& GetDevice(DeviceBorrower aBorrower) { return mLoans[static_cast<std::size_t>(aBorrower)]; }
+
+  /// Streams until it is stopped. One that streams already goes on, beyond the frame that StartSingle asked for. What
+  /// a lost camera does when it is back is as this, StartSingle or StopStreaming said last.
+  void Start(const RequestEnd& aThen = {});
+  /// Streams until a whole frame has come. One that streams already ends with its next whole frame.
+  void StartSingle(const RequestEnd& aThen = {});
+  /// The camera sends no more, and stays open and lent. What does not stream stays as it is.
+  void StopStreaming(const RequestEnd& aThen = {});
+  /// Executes the camera's TriggerSoftware. NotSupported for a camera that has none.
+  void Trigger(const RequestEnd& aThen = {});
+  /// Has something done with the camera's parameters. It ends with what the work returned or, where that is OK, with
+  /// why the stream could not be started again after it.
+  void Do(DeviceWork aWork);
+  /// Frames are not displayed while the window cannot be seen; all else goes on. When it can be seen again it shows
+  /// the latest one. They are wanted at first.
+  void SetPictureWanted(bool aIsWanted);
+  /// Calls whoever is to hear how a request ended; to be called often.
+  void LookAgain();
+
   /// Ends the thread and gives the camera back.
   void Stop();
 
 private:
+  /// What the camera is to do, now or when it is back.
+  enum class Wanted { Nothing, Frames, SingleFrame };
+
   void OnDeviceLost(KrDevice* aDevice, const KrResult& aReason) override;
   void OnDeviceBack(KrDevice* aDevice) override;
 
-  bool IsAwaited(const std::stop_token& aStop) const;
+  // The thread's way from one connection to the next.
   void Run(std::stop_token aStop);
-  KrResult ConnectAndStream(std::stop_token aStop);
+  KrResult ServeConnection(std::stop_token aStop);
+  KrResult OpenDevice();
   void CloseDevice();
-  KrResult StreamOnce(std::stop_token aStop, KrDevice& aDevice);
+  KrResult Serve(std::stop_token aStop);
+  bool IsAwaited(const std::stop_token& aStop) const;
+  void AwaitReturn(std::stop_token aStop);
+  KrResult AwaitRequest(std::stop_token aStop);
   void LendDevice(KrDevice& aDevice, KrStream& aStream);
   void TakeBackDevice();
-  void ShowReason(const KrBuffer* aBuffer, const KrResult& aReason);
-  bool ShowFrame(KrStream& aStream, const KrBuffer& aBuffer);
-  void AwaitReturn(std::stop_token aStop);
+
+  // What it is asked to do.
+  void Ask(AcquisitionRequest aRequest);
+  void WakeStream();
+  void CarryOutRequests();
+  KrResult CarryOut(const AcquisitionRequest& aRequest);
+  KrResult Want(Wanted aWanted);
+  KrResult DoWork(const DeviceWork& aWork);
+
+  // The stream and its frames.
+  KrResult StartStream();
+  void StopStream(const KrResult& aReason);
+  KrResult TakeFrame();
+  KrResult KeepLatest(KrBuffer& aFrame);
+  void PassOn(const KrBuffer& aFrame);
+  bool ShowFrame(const KrBuffer& aFrame, std::uint64_t aNowNs);
+  void ShowLatest(const KrResult& aReason);
+  KrStreamStatistics CountStatistics() const;
   void SetState(AcquisitionState aState, const KrResult& aResult);
   bool IsLimitReached() const;
 
   KrDisplayWnd& mWindow;
   const KrDeviceInfo& mDeviceInfo;
-  const std::uint64_t mFrameLimit;
-  Loan<KrGenParameterArray> mParameters;
+  const AcquisitionOptions mOptions;
+  std::array<Loan<KrGenParameterArray>, kParameterBorrowers> mParameters;
   std::array<Loan<LentDevice>, kDeviceBorrowers> mLoans;
+  FrameSinks mFrames;
+  RequestQueue mRequests;
+  std::atomic<bool> mIsPictureWanted = true;
 
   // The thread's own while it runs.
   std::unique_ptr<KrDevice> mDevice;
-  std::optional<KrStream> mStream; ///< Of mDevice; stays, stopped, as long as the device is lent.
+  std::optional<KrStream> mStream; ///< Of mDevice; stays, running or not, as long as the device is lent.
   std::optional<KrDeviceAdapter> mAdapter;
   std::optional<LentDevice> mLent; ///< What is lent of them.
-  bool mHasStreamed = false;
-  KrStreamStatistics mEndedStreams; ///< The counters of the connections that are over.
+  Wanted mWanted;
+  bool mIsServing = false;          ///< Whether requests can be carried out on the device.
+  bool mHasServed = false;          ///< Whether there was ever a connection.
+  KrBuffer* mLatest = nullptr;      ///< Lent by the stream, so that it can be shown again; null before the first.
+  KrStreamStatistics mEndedStreams; ///< The counters of the streams that are over.
   FrameMeter mMeter;
+  std::uint64_t mOverlayNs = 0; ///< When the text over the picture was written last; 0 for a stream without one.
 
-  mutable std::mutex mMutex; ///< Guards the progress and the return flag.
-  std::condition_variable_any mReturned;
+  std::mutex mWakeMutex;      ///< Guards mWoken, and is held while that is woken, which waits for nothing.
+  KrStream* mWoken = nullptr; ///< The stream whose waits a request ends.
+
+  mutable std::mutex mMutex; ///< Guards the progress, loss and return.
+  std::condition_variable_any mChanged;
   AcquisitionProgress mProgress;
   bool mIsBack = false;
-  std::jthread mThread; ///< Last, so that it ends before what it uses.
+  std::optional<KrResult> mLoss; ///< Why the device of the connection was lost.
+  std::jthread mThread;          ///< Last, so that it ends before what it uses.
 };
 
 } // namespace krviewer

@@ -69,7 +69,8 @@ int Viewer::Run() {
     return 1;
   }
   std::printf("camera=%s\n", mDeviceInfo.GetDisplayID().CStr());
-  mAcquisition = std::make_unique<Acquisition>(mWindow, mDeviceInfo, mCommandLine.frames);
+  mAcquisition =
+      std::make_unique<Acquisition>(mWindow, mDeviceInfo, AcquisitionOptions{.frameLimit = mCommandLine.frames});
   mTimer.start(kLookIntervalMs);
   QApplication::exec();
   mAcquisition.reset();
@@ -90,9 +91,10 @@ void Viewer::LookAgain() {
   const bool isOver = progress.state == AcquisitionState::Finished || progress.state == AcquisitionState::Failed;
   if (isOver || mStopSignal.IsRaised())
     return Finish();
+  mAcquisition->LookAgain();
   UpdateTitle(progress);
   TellMissingFeatures(progress);
-  mBrowser.Follow(mAcquisition->GetParameters());
+  mBrowser.Follow(mAcquisition->GetParameters(ParameterBorrower::Browser));
   mTerminalAction->setEnabled(mTerminal.HasDevice());
   mBridges.Follow(mAcquisition->GetDevice(DeviceBorrower::Bridges));
   mBridgeMenu.LookAgain();
@@ -126,7 +128,7 @@ void Viewer::Finish() {
   // Before the camera is given back, as the browser is empty then.
   if (wantsPictures && !SaveBrowserPicture())
     mExitCode = 1;
-  mBrowser.GiveBack(mAcquisition->GetParameters());
+  mBrowser.GiveBack(mAcquisition->GetParameters(ParameterBorrower::Browser));
   mTerminal.GiveBack(mAcquisition->GetDevice(DeviceBorrower::Terminal));
   mTerminal.Close();
   mBridges.GiveBack(mAcquisition->GetDevice(DeviceBorrower::Bridges));

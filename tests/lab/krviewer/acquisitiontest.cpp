@@ -3,11 +3,15 @@
 #include "labfixture.h"
 #include "simulation/testpattern.h"
 
+#include <atomic>
 #include <functional>
+#include <optional>
+#include <utility>
 
 using krviewer::Acquisition;
 using krviewer::AcquisitionProgress;
 using krviewer::AcquisitionState;
+using krviewer::ParameterBorrower;
 
 namespace {
 
@@ -37,19 +41,69 @@ protected:
   static KrGenParameterArray* AwaitParameters(Acquisition& aAcquisition) {
     KrGenParameterArray* parameters = nullptr;
     Await(aAcquisition, [&](const AcquisitionProgress&) {
-      parameters = aAcquisition.GetParameters().Borrow();
+      parameters = aAcquisition.GetParameters(ParameterBorrower::Browser).Borrow();
       return parameters != nullptr;
     });
     return parameters;
   }
 
+  /// Frames, starts and ends, as a sink hears of them.
+  struct CountedFrames : krviewer::FrameSink {
+    void OnFrame(const KrBuffer&, std::uint64_t) override { ++frames; }
+    void OnAcquisitionStarted() override { ++starts; }
+    void OnAcquisitionEnded(const KrResult& aReason) override {
+      lastEnd = aReason.GetCode();
+      ++ends;
+    }
+    std::atomic<int> frames = 0;
+    std::atomic<int> starts = 0;
+    std::atomic<int> ends = 0;
+    std::atomic<KrResult::Code> lastEnd = KrResult::Code::OK;
+  };
+
+  // How a request ends that aAsk makes.
+  static KrResult AwaitEnd(Acquisition& aAcquisition, const std::function<void(const krviewer::RequestEnd&)>& aAsk) {
+    std::optional<KrResult> end;
+    aAsk([&](const KrResult& aResult) { end = aResult; });
+    Await(aAcquisition, [&](const AcquisitionProgress&) {
+      aAcquisition.LookAgain();
+      return end.has_value();
+    });
+    return end.value_or(KrResult(KrResult::Code::Failed, "The request did not end."));
+  }
+  static KrResult AwaitStart(Acquisition& aAcquisition) {
+    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) { aAcquisition.Start(aEnd); });
+  }
+  static KrResult AwaitSingle(Acquisition& aAcquisition) {
+    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) { aAcquisition.StartSingle(aEnd); });
+  }
+  static KrResult AwaitStop(Acquisition& aAcquisition) {
+    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) { aAcquisition.StopStreaming(aEnd); });
+  }
+  static KrResult AwaitTrigger(Acquisition& aAcquisition) {
+    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) { aAcquisition.Trigger(aEnd); });
+  }
+  static KrResult AwaitWork(Acquisition& aAcquisition, std::function<KrResult(KrGenParameterArray&)> aRun,
+                            bool aIsStreamStopped = false) {
+    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) {
+      aAcquisition.Do({.run = std::move(aRun), .isStreamStopped = aIsStreamStopped, .then = aEnd});
+    });
+  }
+
+  // Frames come by software trigger alone.
+  static KrResult UseSoftwareTrigger(KrGenParameterArray& aParameters) {
+    KrResult set = aParameters.GetEnum("TriggerSource")->SetEntry("Software");
+    return set.IsOK() ? aParameters.GetEnum("TriggerMode")->SetEntry("On") : set;
+  }
+
+  static constexpr krviewer::AcquisitionOptions kStopped{.startsAtOnce = false};
   KrDisplayWnd mWindow;
 };
 
 } // namespace
 
 TEST_F(AcquisitionTest, NumberOfFramesAskedFor_ComesAndTheLastIsShown) {
-  Acquisition acquisition(mWindow, GetCamera(), 10);
+  Acquisition acquisition(mWindow, GetCamera(), {.frameLimit = 10});
 
   const AcquisitionProgress progress = Await(acquisition, AcquisitionState::Finished);
 
@@ -67,7 +121,7 @@ TEST_F(AcquisitionTest, NumberOfFramesAskedFor_ComesAndTheLastIsShown) {
 }
 
 TEST_F(AcquisitionTest, CameraLostAndBack_IsStreamedOnWithItsFiguresKept) {
-  Acquisition acquisition(mWindow, GetCamera(), 0);
+  Acquisition acquisition(mWindow, GetCamera());
   Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.figures.GetFrames() >= 5; });
 
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
@@ -88,7 +142,7 @@ TEST_F(AcquisitionTest, CameraLostAndBack_IsStreamedOnWithItsFiguresKept) {
 }
 
 TEST_F(AcquisitionTest, CameraLostWhileANumberOfFramesIsAskedFor_Fails) {
-  Acquisition acquisition(mWindow, GetCamera(), 1000000);
+  Acquisition acquisition(mWindow, GetCamera(), {.frameLimit = 1000000});
   Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.figures.GetFrames() >= 2; });
 
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
@@ -102,7 +156,7 @@ TEST_F(AcquisitionTest, CameraThatAnotherControls_FailsSayingSo) {
   std::unique_ptr<KrDevice> other;
   ASSERT_TRUE(Open(kMonoMAC, other).IsOK());
 
-  Acquisition acquisition(mWindow, GetCamera(), 0);
+  Acquisition acquisition(mWindow, GetCamera());
 
   const AcquisitionProgress progress = Await(acquisition, AcquisitionState::Failed);
   EXPECT_TRUE(progress.result == KrResult::Code::AccessDenied);
@@ -113,13 +167,13 @@ TEST_F(AcquisitionTest, CameraThatIsGoneBeforeItsFirstFrame_FailsInsteadOfWaitin
   const KrDeviceInfo& camera = GetCamera();
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
 
-  Acquisition acquisition(mWindow, camera, 0);
+  Acquisition acquisition(mWindow, camera);
 
   EXPECT_EQ(Await(acquisition, AcquisitionState::Failed).state, AcquisitionState::Failed);
 }
 
 TEST_F(AcquisitionTest, ParametersOfTheCamera_AreLentWhileItStreams) {
-  Acquisition acquisition(mWindow, GetCamera(), 0);
+  Acquisition acquisition(mWindow, GetCamera());
   KrGenParameterArray* const parameters = AwaitParameters(acquisition);
   ASSERT_NE(parameters, nullptr);
 
@@ -128,46 +182,48 @@ TEST_F(AcquisitionTest, ParametersOfTheCamera_AreLentWhileItStreams) {
   EXPECT_TRUE(parameters->GetInteger("Width")->GetValue(width).IsOK());
   EXPECT_EQ(width, 1280);
   EXPECT_TRUE(acquisition.GetProgress().parameters.IsOK());
-  acquisition.GetParameters().GiveBack();
+  acquisition.GetParameters(ParameterBorrower::Browser).GiveBack();
 }
 
 TEST_F(AcquisitionTest, ParametersOfALostCamera_AreLentUntilItIsBackAndThenThoseOfTheNewConnection) {
-  Acquisition acquisition(mWindow, GetCamera(), 0);
+  Acquisition acquisition(mWindow, GetCamera());
   KrGenParameterArray* const parameters = AwaitParameters(acquisition);
   ASSERT_NE(parameters, nullptr);
 
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
   Await(acquisition, AcquisitionState::Lost);
-  EXPECT_FALSE(acquisition.GetParameters().IsWantedBack());
+  EXPECT_FALSE(acquisition.GetParameters(ParameterBorrower::Browser).IsWantedBack());
   std::int64_t width = 0;
   parameters->InvalidateCache();
   EXPECT_TRUE(parameters->GetInteger("Width")->GetValue(width) == KrResult::Code::ConnectionLost);
   ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
-  Await(acquisition, [&](const AcquisitionProgress&) { return acquisition.GetParameters().IsWantedBack(); });
+  Await(acquisition, [&](const AcquisitionProgress&) {
+    return acquisition.GetParameters(ParameterBorrower::Browser).IsWantedBack();
+  });
   EXPECT_EQ(acquisition.GetProgress().state, AcquisitionState::Lost) << "It waits for the parameters.";
-  acquisition.GetParameters().GiveBack();
+  acquisition.GetParameters(ParameterBorrower::Browser).GiveBack();
 
   KrGenParameterArray* const renewed = AwaitParameters(acquisition);
   ASSERT_NE(renewed, nullptr);
   EXPECT_TRUE(renewed->GetInteger("Width")->GetValue(width).IsOK());
-  acquisition.GetParameters().GiveBack();
+  acquisition.GetParameters(ParameterBorrower::Browser).GiveBack();
 }
 
 TEST_F(AcquisitionTest, ParametersThatAreBorrowedAtTheEnd_LastUntilStop) {
-  Acquisition acquisition(mWindow, GetCamera(), 3);
+  Acquisition acquisition(mWindow, GetCamera(), {.frameLimit = 3});
   KrGenParameterArray* const parameters = AwaitParameters(acquisition);
   ASSERT_NE(parameters, nullptr);
 
   EXPECT_EQ(Await(acquisition, AcquisitionState::Finished).state, AcquisitionState::Finished);
 
   std::int64_t width = 0;
-  EXPECT_FALSE(acquisition.GetParameters().IsWantedBack());
+  EXPECT_FALSE(acquisition.GetParameters(ParameterBorrower::Browser).IsWantedBack());
   EXPECT_TRUE(parameters->GetInteger("Width")->GetValue(width).IsOK());
-  acquisition.GetParameters().GiveBack();
+  acquisition.GetParameters(ParameterBorrower::Browser).GiveBack();
 }
 
-TEST_F(AcquisitionTest, StoppedWhileTheCameraIsLost_Ends) {
-  Acquisition acquisition(mWindow, GetCamera(), 0);
+TEST_F(AcquisitionTest, EndedWhileTheCameraIsLost_Ends) {
+  Acquisition acquisition(mWindow, GetCamera());
   Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.figures.GetFrames() >= 2; });
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
   Await(acquisition, AcquisitionState::Lost);
@@ -179,10 +235,207 @@ TEST_F(AcquisitionTest, StoppedWhileTheCameraIsLost_Ends) {
 
 TEST_F(AcquisitionTest, Stopped_GivesTheCameraBack) {
   {
-    Acquisition acquisition(mWindow, GetCamera(), 0);
+    Acquisition acquisition(mWindow, GetCamera());
     Await(acquisition, AcquisitionState::Streaming);
   }
 
   std::unique_ptr<KrDevice> device;
   EXPECT_TRUE(Open(kMonoMAC, device).IsOK());
+}
+
+TEST_F(AcquisitionTest, ThatDoesNotStartAtOnce_IsConnectedAndLendsWithoutFrames) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+
+  EXPECT_EQ(Await(acquisition, AcquisitionState::Connected).state, AcquisitionState::Connected);
+
+  KrGenParameterArray* const parameters = AwaitParameters(acquisition);
+  ASSERT_NE(parameters, nullptr);
+  EXPECT_TRUE(parameters->GetInteger("Width")->IsWritable());
+  acquisition.GetParameters(ParameterBorrower::Browser).GiveBack();
+  EXPECT_EQ(acquisition.GetProgress().figures.GetFrames(), 0u);
+}
+
+TEST_F(AcquisitionTest, Started_StreamsUntilItIsStoppedAndStaysLent) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+
+  EXPECT_TRUE(AwaitStart(acquisition).IsOK());
+  Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.figures.GetFrames() >= 3; });
+  EXPECT_TRUE(AwaitStop(acquisition).IsOK());
+
+  const AcquisitionProgress stopped = acquisition.GetProgress();
+  EXPECT_EQ(stopped.state, AcquisitionState::Connected);
+  EXPECT_GE(stopped.figures.GetFrames(), 3u);
+  krviewer::Loan<krviewer::LentDevice>& loan = acquisition.GetDevice(krviewer::DeviceBorrower::CameraBridges);
+  krviewer::LentDevice* const device = loan.Borrow();
+  ASSERT_NE(device, nullptr);
+  EXPECT_FALSE(device->stream->IsRunning());
+  loan.GiveBack();
+}
+
+TEST_F(AcquisitionTest, StartedTwiceAndStoppedTwice_IsAsOnce) {
+  CountedFrames counted;
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  ASSERT_TRUE(acquisition.GetFrames().Register(&counted).IsOK());
+
+  EXPECT_TRUE(AwaitStop(acquisition).IsOK());
+  EXPECT_TRUE(AwaitStart(acquisition).IsOK());
+  EXPECT_TRUE(AwaitStart(acquisition).IsOK());
+  EXPECT_TRUE(AwaitStop(acquisition).IsOK());
+  EXPECT_TRUE(AwaitStop(acquisition).IsOK());
+
+  EXPECT_EQ(counted.starts, 1);
+  EXPECT_EQ(counted.ends, 1);
+  EXPECT_EQ(counted.lastEnd, KrResult::Code::OK);
+  ASSERT_TRUE(acquisition.GetFrames().Unregister(&counted).IsOK());
+}
+
+TEST_F(AcquisitionTest, CameraThatSendsNothing_IsStoppedAllTheSame) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  ASSERT_TRUE(AwaitWork(acquisition, UseSoftwareTrigger).IsOK());
+
+  EXPECT_TRUE(AwaitSingle(acquisition).IsOK());
+  EXPECT_EQ(acquisition.GetProgress().state, AcquisitionState::Streaming);
+  EXPECT_TRUE(AwaitStop(acquisition).IsOK());
+
+  EXPECT_EQ(acquisition.GetProgress().state, AcquisitionState::Connected);
+  EXPECT_EQ(acquisition.GetProgress().figures.GetFrames(), 0u);
+}
+
+TEST_F(AcquisitionTest, SingleFrame_ComesAndTheCameraIsConnectedAgain) {
+  CountedFrames counted;
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  ASSERT_TRUE(acquisition.GetFrames().Register(&counted).IsOK());
+
+  EXPECT_TRUE(AwaitSingle(acquisition).IsOK());
+  Await(acquisition, [&](const AcquisitionProgress& aProgress) {
+    return counted.ends == 1 && aProgress.state == AcquisitionState::Connected;
+  });
+
+  EXPECT_EQ(counted.frames, 1);
+  EXPECT_EQ(acquisition.GetProgress().state, AcquisitionState::Connected);
+  ASSERT_TRUE(acquisition.GetFrames().Unregister(&counted).IsOK());
+}
+
+TEST_F(AcquisitionTest, SingleFrameAskedForWhileItStreams_IsTheLast) {
+  CountedFrames counted;
+  Acquisition acquisition(mWindow, GetCamera());
+  ASSERT_TRUE(acquisition.GetFrames().Register(&counted).IsOK());
+  Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.figures.GetFrames() >= 3; });
+
+  EXPECT_TRUE(AwaitSingle(acquisition).IsOK());
+
+  EXPECT_EQ(Await(acquisition, AcquisitionState::Connected).state, AcquisitionState::Connected);
+  EXPECT_EQ(counted.ends, 1);
+  ASSERT_TRUE(acquisition.GetFrames().Unregister(&counted).IsOK());
+}
+
+TEST_F(AcquisitionTest, Trigger_BringsAFrame) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  ASSERT_TRUE(AwaitWork(acquisition, UseSoftwareTrigger).IsOK());
+  ASSERT_TRUE(AwaitStart(acquisition).IsOK());
+
+  // One that comes while the camera does not wait for it yet is missed.
+  const AcquisitionProgress progress = Await(acquisition, [&](const AcquisitionProgress& aProgress) {
+    EXPECT_TRUE(AwaitTrigger(acquisition).IsOK());
+    return aProgress.figures.GetFrames() > 0;
+  });
+
+  EXPECT_GT(progress.figures.GetFrames(), 0u);
+}
+
+TEST_F(AcquisitionTest, WorkWithTheStreamStopped_SetsWhatIsLockedAndStreamsOn) {
+  CountedFrames counted;
+  Acquisition acquisition(mWindow, GetCamera());
+  ASSERT_TRUE(acquisition.GetFrames().Register(&counted).IsOK());
+  Await(acquisition, AcquisitionState::Streaming);
+  const auto setWidth = [](KrGenParameterArray& aParameters) { return aParameters.GetInteger("Width")->SetValue(640); };
+
+  EXPECT_FALSE(AwaitWork(acquisition, setWidth).IsOK()) << "It is locked.";
+  const int frames = counted.frames;
+  EXPECT_TRUE(AwaitWork(acquisition, setWidth, true).IsOK());
+
+  EXPECT_EQ(acquisition.GetProgress().state, AcquisitionState::Streaming);
+  EXPECT_TRUE(WaitUntil([&] { return counted.frames > frames + 20; })); // All that were on their way are past.
+  EXPECT_EQ(counted.ends, 1);
+  acquisition.Stop();
+  EXPECT_EQ(mWindow.GetInternalBuffer().GetImage()->GetWidth(), 640u);
+  ASSERT_TRUE(acquisition.GetFrames().Unregister(&counted).IsOK());
+}
+
+TEST_F(AcquisitionTest, WorkThatFails_EndsWithItsReasonAndStreamsOn) {
+  Acquisition acquisition(mWindow, GetCamera());
+  Await(acquisition, AcquisitionState::Streaming);
+
+  const KrResult end = AwaitWork(
+      acquisition, [](KrGenParameterArray&) { return KrResult(KrResult::Code::OutOfRange, "too much"); }, true);
+
+  EXPECT_EQ(end.GetDescription(), "too much");
+  EXPECT_EQ(acquisition.GetProgress().state, AcquisitionState::Streaming);
+}
+
+TEST_F(AcquisitionTest, WorkForALostCamera_EndsWithConnectionLost) {
+  Acquisition acquisition(mWindow, GetCamera());
+  Await(acquisition, AcquisitionState::Streaming);
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  Await(acquisition, AcquisitionState::Lost);
+
+  const KrResult end = AwaitWork(acquisition, [](KrGenParameterArray&) { return KrResult(); });
+
+  EXPECT_EQ(end.GetCode(), KrResult::Code::ConnectionLost);
+}
+
+TEST_F(AcquisitionTest, WorkForAnAcquisitionThatFailed_EndsWithConnectionLost) {
+  const KrDeviceInfo& camera = GetCamera();
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  Acquisition acquisition(mWindow, camera);
+  Await(acquisition, AcquisitionState::Failed);
+
+  const KrResult end = AwaitWork(acquisition, [](KrGenParameterArray&) { return KrResult(); });
+
+  EXPECT_EQ(end.GetCode(), KrResult::Code::ConnectionLost);
+}
+
+TEST_F(AcquisitionTest, CameraLostWhileStopped_IsAwaitedAndStopsOn) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  Await(acquisition, AcquisitionState::Connected);
+
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  EXPECT_EQ(Await(acquisition, AcquisitionState::Lost).result.GetCode(), KrResult::Code::ConnectionLost);
+  ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+
+  EXPECT_EQ(Await(acquisition, AcquisitionState::Connected).state, AcquisitionState::Connected);
+  EXPECT_TRUE(AwaitWork(acquisition, [](KrGenParameterArray&) { return KrResult(); }).IsOK());
+  EXPECT_EQ(acquisition.GetProgress().figures.GetFrames(), 0u);
+}
+
+TEST_F(AcquisitionTest, StoppedWhileTheCameraIsLost_StaysStoppedWhenItIsBack) {
+  CountedFrames counted;
+  Acquisition acquisition(mWindow, GetCamera());
+  ASSERT_TRUE(acquisition.GetFrames().Register(&counted).IsOK());
+  Await(acquisition, AcquisitionState::Streaming);
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  Await(acquisition, AcquisitionState::Lost);
+
+  EXPECT_TRUE(AwaitStop(acquisition).IsOK());
+  ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+
+  EXPECT_EQ(Await(acquisition, AcquisitionState::Connected).state, AcquisitionState::Connected);
+  EXPECT_EQ(counted.ends, 1);
+  EXPECT_EQ(counted.lastEnd, KrResult::Code::ConnectionLost);
+  ASSERT_TRUE(acquisition.GetFrames().Unregister(&counted).IsOK());
+}
+
+TEST_F(AcquisitionTest, PictureThatIsNotWanted_IsNotDisplayedUntilItIs) {
+  CountedFrames counted;
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  ASSERT_TRUE(acquisition.GetFrames().Register(&counted).IsOK());
+  acquisition.SetPictureWanted(false);
+
+  ASSERT_TRUE(AwaitSingle(acquisition).IsOK());
+  ASSERT_TRUE(WaitUntil([&] { return counted.ends == 1; }));
+  EXPECT_TRUE(mWindow.GetInternalBuffer().GetImage()->GetWidth() == 0);
+  acquisition.SetPictureWanted(true);
+
+  EXPECT_TRUE(WaitUntil([&] { return mWindow.GetInternalBuffer().GetImage()->GetWidth() == 1280; }));
+  ASSERT_TRUE(acquisition.GetFrames().Unregister(&counted).IsOK());
 }

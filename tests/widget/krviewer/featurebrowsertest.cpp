@@ -16,9 +16,9 @@ protected:
     ASSERT_TRUE(mBrowser.GetWindow().ShowModeless(0).IsOK());
     ViewerLabTest::Open();
   }
-  void LookAgain() override { mBrowser.Follow(mAcquisition->GetParameters()); }
+  void LookAgain() override { mBrowser.Follow(mAcquisition->GetParameters(krviewer::ParameterBorrower::Browser)); }
   void Close() {
-    mBrowser.GiveBack(mAcquisition->GetParameters());
+    mBrowser.GiveBack(mAcquisition->GetParameters(krviewer::ParameterBorrower::Browser));
     mAcquisition->Stop();
   }
   /// The value in the row of a feature; empty while there is none.
