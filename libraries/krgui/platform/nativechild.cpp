@@ -29,7 +29,7 @@ void NativeChild::Watch() {
   }
 }
 
-bool NativeChild::eventFilter(QObject*, QEvent* aEvent) {
+bool NativeChild::eventFilter(QObject* aWatched, QEvent* aEvent) {
   switch (aEvent->type()) {
   case QEvent::ParentChange:
   case QEvent::WinIdChange:
@@ -38,6 +38,14 @@ bool NativeChild::eventFilter(QObject*, QEvent* aEvent) {
     break;
   case QEvent::Move:
   case QEvent::Resize:
+    // The server's word of the native window itself may be of a place that it has left since: whoever answered it by
+    // moving the window would bring the former size back.
+    if (aWatched == &mWidget && aEvent->spontaneous() && mWidget.internalWinId() != 0) {
+      Clip();
+    } else {
+      Follow();
+    }
+    break;
   case QEvent::Show:
     Follow();
     break;
