@@ -42,6 +42,10 @@ KrAtomicFile::Existing GetExisting(const FrameFileOptions& aOptions) {
   return aOptions.replacesExisting ? KrAtomicFile::Existing::Replaced : KrAtomicFile::Existing::Kept;
 }
 
+KrAtomicFile::Flushing GetFlushing(const FrameFileOptions& aOptions) {
+  return aOptions.isFlushed ? KrAtomicFile::Flushing::ToDisk : KrAtomicFile::Flushing::LeftToSystem;
+}
+
 KrResult WriteImage(const KrBuffer& aFrame, const FrameFileOptions& aOptions, KrAtomicFile& aFile) {
   return aOptions.format == FrameFileFormat::PNG ? WritePng(aFrame, aOptions, aFile)
                                                  : WriteTiff(aFrame, aOptions, aFile);
@@ -88,9 +92,9 @@ KrResult WriteWithSidecar(const KrBuffer& aFrame, const FrameFileOptions& aOptio
   if (KrResult written = sidecar.Write(text.data(), text.size()); !written.IsOK())
     return written;
   const FormerText former(GetSidecarName(aOptions.fileName));
-  if (KrResult committed = sidecar.Commit(); !committed.IsOK())
+  if (KrResult committed = sidecar.Commit(GetFlushing(aOptions)); !committed.IsOK())
     return committed;
-  KrResult committed = bytes.Commit();
+  KrResult committed = bytes.Commit(GetFlushing(aOptions));
   if (!committed.IsOK())
     former.PutBack();
   return committed;
@@ -163,7 +167,7 @@ KrResult WriteFrame(const KrBuffer& aFrame, const FrameFileOptions& aOptions) {
       return opened;
     if (KrResult written = WriteImage(aFrame, aOptions, file); !written.IsOK())
       return written;
-    return file.Commit();
+    return file.Commit(GetFlushing(aOptions));
   } catch (const std::exception& exception) {
     return {KrResult::Code::SystemError, failed + exception.what() + "."};
   }

@@ -22,6 +22,7 @@ struct FrameFileOptions {
   KrString fileName;
   FrameFileFormat format = FrameFileFormat::TIFF;
   bool replacesExisting = false; ///< Otherwise a file that is there already is an error.
+  bool isFlushed = true;         ///< To the disk, before it has its name; otherwise the system does that when it likes.
   KrString deviceID = {};        ///< Goes into the description.
   KrString software = "KrGUI";   ///< The program that saves, for the formats that name it.
 };

@@ -92,7 +92,7 @@ struct KrAtomicFile::Body {
   KrResult OpenFolder();
   KrResult CheckExisting();
   KrResult Create();
-  KrResult Rename();
+  KrResult Rename(Flushing aFlushing);
   KrResult Fail(int aError) {
     failure = MakeError(fileName, aError);
     return failure;
@@ -148,7 +148,7 @@ KrResult KrAtomicFile::Body::Create() {
   return file.IsOpen() ? KrResult() : MakeError(fileName, errno);
 }
 
-KrResult KrAtomicFile::Body::Rename() {
+KrResult KrAtomicFile::Body::Rename(Flushing aFlushing) {
   const auto rename = [this](unsigned aFlags) {
     return ::renameat2(folder.Get(), temporaryName.c_str(), folder.Get(), targetName.c_str(), aFlags) == 0;
   };
@@ -162,6 +162,8 @@ KrResult KrAtomicFile::Body::Rename() {
   if (!isRenamed)
     return errno == EEXIST ? MakeTakenError(fileName) : MakeError(fileName, errno);
   temporaryName.clear();
+  if (aFlushing == Flushing::LeftToSystem)
+    return {};
   // Under its name the file is whole already. Whether a power cut right now brings the old one back is what a flush of
   // the folder decides, which not every file system offers; its failure therefore fails nothing.
   const FileDescriptor readable(::openat(folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -219,7 +221,7 @@ KrResult KrAtomicFile::Seek(std::uint64_t aPosition) {
   return ::lseek(mBody->file.Get(), static_cast<off_t>(aPosition), SEEK_SET) >= 0 ? KrResult() : mBody->Fail(errno);
 }
 
-KrResult KrAtomicFile::Commit() {
+KrResult KrAtomicFile::Commit(Flushing aFlushing) {
   if (!mBody)
     return {KrResult::Code::WrongState, "No file is open for writing."};
   const std::unique_ptr<Body> body = std::move(mBody);
@@ -227,9 +229,11 @@ KrResult KrAtomicFile::Commit() {
     return body->failure;
   if (body->replaced && !TakeOverRights(body->file.Get(), *body->replaced))
     return MakeError(body->fileName, errno);
-  if (::fsync(body->file.Get()) != 0 || !body->file.Close())
+  if (aFlushing == Flushing::ToDisk && ::fsync(body->file.Get()) != 0)
     return MakeError(body->fileName, errno);
-  return body->Rename();
+  if (!body->file.Close())
+    return MakeError(body->fileName, errno);
+  return body->Rename(aFlushing);
 }
 
 void KrAtomicFile::Discard() {

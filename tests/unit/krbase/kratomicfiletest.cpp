@@ -46,6 +46,18 @@ TEST_F(AtomicFile, Committed_HoldsEveryByteAndNothingElseIsLeft) {
   EXPECT_THAT(mFolder.GetNames(), ElementsAre("settings.xml"));
 }
 
+TEST_F(AtomicFile, LeftToTheSystem_IsReadWholeAtOnce) {
+  TemporaryFolder::WriteFile(mPath, "longer and old");
+  KrAtomicFile file;
+  ASSERT_TRUE(file.Open(mPath, Existing::Replaced).IsOK());
+  ASSERT_TRUE(file.Write("new", 3).IsOK());
+
+  EXPECT_TRUE(file.Commit(KrAtomicFile::Flushing::LeftToSystem).IsOK());
+
+  EXPECT_EQ(TemporaryFolder::ReadFile(mPath), "new");
+  EXPECT_THAT(mFolder.GetNames(), ElementsAre("settings.xml"));
+}
+
 TEST_F(AtomicFile, UntilTheCommit_TheOldFileIsRead) {
   TemporaryFolder::WriteFile(mPath, "old");
   KrAtomicFile file;

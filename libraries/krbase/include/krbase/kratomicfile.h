@@ -25,6 +25,9 @@ class KR_EXPORT KrAtomicFile {
 public:
   /// What becomes of a file that has the name already.
   enum class Existing { Replaced, Kept };
+  /// Whether the bytes are on the disk when Commit returns, or wherever the system keeps them until it writes them: a
+  /// crash of the program harms neither, a power cut may harm the second, which is faster by far.
+  enum class Flushing { ToDisk, LeftToSystem };
 
   KrAtomicFile();
   /// Gives up what was not committed.
@@ -34,19 +37,21 @@ public:
 
   /// Makes the temporary file. One that is to replace another can be read by its owner alone until Commit gives it
   /// the other's rights, and its owner and group where the process may; another has the rights that the process gives
-  /// new files. Access control lists and extended attributes are not taken over. Symbolic links are followed to the file that they lead to. What was begun before is given up.
-  /// InvalidInput for an empty name and for a name of what is no file; with Existing::Kept WrongState for a name that
-  /// is taken; NotFound for a folder that does not exist, AccessDenied where the system forbids it, otherwise
-  /// SystemError. Every description names the file and holds the system's text.
+  /// new files. Access control lists and extended attributes are not taken over. Symbolic links are followed to the
+  /// file that they lead to. What was begun before is given up. InvalidInput for an empty name and for a name of what
+  /// is no file; with Existing::Kept WrongState for a name that is taken; NotFound for a folder that does not exist,
+  /// AccessDenied where the system forbids it, otherwise SystemError. Every description names the file and holds the
+  /// system's text.
   KrResult Open(const KrString& aFileName, Existing aExisting);
   /// Writes at the position, which moves on. WrongState when nothing is open; SystemError when the bytes do not get
   /// into the file, for example because the disk is full.
   KrResult Write(const void* aBytes, std::size_t aCount);
   /// Moves the position, in bytes from the file's start; a gap that is never written reads as zeros.
   KrResult Seek(std::uint64_t aPosition);
-  /// Flushes the bytes to the disk, then gives the file its name in one step, and closes it. After any error the file
-  /// that had the name is as it was. With Existing::Kept a name that was taken meanwhile gives WrongState.
-  KrResult Commit();
+  /// Flushes the bytes to the disk, if asked to, then gives the file its name in one step, and closes it. After any
+  /// error the file that had the name is as it was. With Existing::Kept a name that was taken meanwhile gives
+  /// WrongState.
+  KrResult Commit(Flushing aFlushing = Flushing::ToDisk);
   /// Removes the temporary file; nothing happens when there is none.
   void Discard();
 
