@@ -66,6 +66,7 @@ adapters:
         sensor: {width: 64, height: 16, frameRate: 2.5, pixelFormats: [Mono12p, RGB8]}
         faults:
           refusesOpening: true
+          losesPower: true
           silent: true
           silentRegisters: [{address: 0x10, times: 2}]
           registerDelay: 5
@@ -251,6 +252,7 @@ TEST(LabReader, Parse_WholeLab_TakesNetworkDevices) {
   EXPECT_EQ(camera.framesPerSecond, 2.5);
   EXPECT_THAT(camera.pixelFormats, ElementsAre(KrPixel::Mono12p, KrPixel::RGB8));
   EXPECT_TRUE(camera.faults.refusesOpening);
+  EXPECT_TRUE(camera.faults.losesPower);
   EXPECT_TRUE(camera.faults.isSilent);
   ASSERT_EQ(camera.faults.silentRegisters.size(), 1u);
   EXPECT_EQ(camera.faults.silentRegisters[0].address, 0x10u);

@@ -286,6 +286,27 @@ TEST_F(FrameFaultsTest, DisappearAndReturn_TheDeviceIsLostAndTheCameraOpensAnew)
   EXPECT_TRUE(Open(kMonoMAC, again).IsOK());
 }
 
+TEST_F(FrameFaultsTest, LosePower_TheCameraReturnsAsAtItsStartWithItsName) {
+  const auto setName = [](KrDevice& aDevice) {
+    return aDevice.GetParameters()->GetString("DeviceUserID")->SetValue("keeps");
+  };
+  ASSERT_TRUE(setName(*mDevice).IsOK());
+  ASSERT_TRUE(WriteInteger(*mDevice, kWidth, kImageWidth).IsOK());
+  mDevice.reset();
+
+  mFaults->LosePower();
+  mFaults->Return();
+
+  ASSERT_TRUE(Open(kMonoMAC, mDevice).IsOK());
+  std::uint32_t width = 0;
+  EXPECT_TRUE(ReadInteger(*mDevice, kWidth, width).IsOK());
+  EXPECT_EQ(width, 1280u);
+  KrString name;
+  EXPECT_TRUE(mDevice->GetParameters()->GetString("DeviceUserID")->GetValue(name).IsOK());
+  EXPECT_EQ(name, "keeps");
+  EXPECT_EQ(FindInfo(kMonoMAC)->GetUserDefinedName(), "keeps");
+}
+
 TEST_F(FrameFaultsTest, Find_CameraThatNobodySimulates_IsNotFound) {
   std::shared_ptr<KrSimulatedFaults> faults;
 

@@ -11,6 +11,7 @@ krtransport::Lab MakeLab() {
   krtransport::LabGEVCamera camera;
   camera.macAddress = kMonoMAC;
   camera.ipAddress = kMonoAddress;
+  camera.faults.losesPower = true;
   camera.schedule = {.beginNs = 2 * kSecondNs, .endNs = 10 * kSecondNs, .periodNs = 20 * kSecondNs};
   krtransport::LabAdapter adapter;
   adapter.name = "lab0";
@@ -64,6 +65,24 @@ TEST_F(SimulatedSchedulesTest, Camera_OnItsSchedule_AppearsVanishesAndAppearsAga
 
   MoveTo(22);
   EXPECT_TRUE(IsFound(kMonoMAC));
+}
+
+TEST_F(SimulatedSchedulesTest, CameraThatLosesItsPower_ComesBackAsAtItsStart) {
+  MoveTo(2);
+  std::unique_ptr<KrDevice> device;
+  ASSERT_TRUE(Open(kMonoMAC, device).IsOK());
+  std::uint32_t width = 0;
+  ASSERT_TRUE(ReadInteger(*device, krtransport::cameraregister::kWidth, width).IsOK());
+  ASSERT_TRUE(WriteInteger(*device, krtransport::cameraregister::kWidth, width / 2).IsOK());
+
+  MoveTo(10);
+  EXPECT_FALSE(IsFound(kMonoMAC));
+  MoveTo(22);
+
+  ASSERT_TRUE(Open(kMonoMAC, device).IsOK());
+  std::uint32_t again = 0;
+  EXPECT_TRUE(ReadInteger(*device, krtransport::cameraregister::kWidth, again).IsOK());
+  EXPECT_EQ(again, width);
 }
 
 TEST_F(SimulatedSchedulesTest, Camera_GoesWhileOpen_TellsOfItsLossAndReturn) {

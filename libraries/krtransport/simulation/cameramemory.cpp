@@ -18,6 +18,9 @@ constexpr std::uint32_t kLeastHeartbeatMs = 500;
 constexpr double kNanosecondsPerMicrosecond = 1000.0;
 constexpr double kNanosecondsPerSecond = 1e9;
 constexpr std::array kSourceRegisters = {kWidth, kHeight, kOffsetX, kOffsetY, kPixelFormat};
+/// What a camera keeps while it has no power: who controls it is told by others.
+constexpr std::array kLastingRegisters = {kControlPrivilege, kIPAddress,         kSubnetMask,     kDefaultGateway,
+                                          kIPConfigCurrent,  kPersistentAddress, kPersistentMask, kPersistentGateway};
 constexpr double kPlainExposureUs = 1000.0; ///< With this and no gain a scene is shown as it is.
 
 struct TextRow {
@@ -57,6 +60,22 @@ CameraMemory::CameraMemory(const LabGEVCamera& aCamera)
   mSources.assign(aCamera.frameGrabber.sources, ReadSource());
   UpdateDependents();
   UpdateTimed(0);
+  mStart = mMemory;
+}
+
+void CameraMemory::Restart() {
+  const std::string name = mMemory.GetText(kUserDefinedName);
+  std::array<std::uint32_t, kLastingRegisters.size()> lasting = {};
+  std::ranges::transform(kLastingRegisters, lasting.begin(),
+                         [this](std::uint64_t aAddress) { return mMemory.GetInteger(aAddress); });
+  mMemory = mStart;
+  mMemory.SetText(kUserDefinedName, name);
+  for (std::size_t i = 0; i < lasting.size(); ++i)
+    mMemory.SetInteger(kLastingRegisters[i], lasting[i]);
+  mTimer = {};
+  mCalibrationEndNs = 0;
+  mSource = 0;
+  mSources.assign(mSources.size(), ReadSource());
 }
 
 void CameraMemory::DefineFeature(const Feature& aFeature) {

@@ -45,6 +45,8 @@ public:
   void BeginStream(std::uint64_t aNowNs);
   /// Ends what BeginStream began; without it nothing.
   void EndStream();
+  /// The camera starts anew: every feature is as at first but for the user-defined name. No stream runs.
+  void Restart();
   /// The exposure that is due next, if there is one as things stand.
   std::optional<Exposure> GetNextExposure(std::uint64_t aNowNs) const;
   /// Takes the frame of an exposure; nothing when acquisition was stopped meanwhile.
@@ -85,6 +87,7 @@ private:
   TimingSettings GetTimingSettings() const;
 
   RegisterMemory mMemory;
+  RegisterMemory mStart; // As it was at first.
   const CameraFeatures mCameraFeatures;
   const std::uint32_t mBulkClock;                     // 0 where bulk ports are set to rates.
   std::map<std::uint64_t, FeatureRegister> mFeatures; // By address.

@@ -127,6 +127,10 @@ void FaultOrders::Return() {
   mCamera->Restore();
 }
 
+void FaultOrders::LosePower() {
+  mCamera->LosePower();
+}
+
 } // namespace krtransport
 
 KrResult KrFindSimulatedFaults(const KrString& aUniqueID, std::shared_ptr<KrSimulatedFaults>& aFaults) {

@@ -36,6 +36,7 @@ public:
   void RefuseOpening(bool aRefused) override;
   void Disappear() override;
   void Return() override;
+  void LosePower() override;
 
 private:
   KrResult OrderEvery(std::uint32_t aPort, KrSerialDirection aDirection, ByteOrder LineFaults::*aFault,

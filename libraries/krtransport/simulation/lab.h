@@ -51,7 +51,8 @@ struct LabSilentRegister {
 /// The faults that a camera has from the start, as KrSimulatedFaults orders them.
 struct LabFaults {
   bool refusesOpening = false;
-  bool isSilent = false; ///< No register answers.
+  bool losesPower = false; ///< Whenever its schedule has it vanish.
+  bool isSilent = false;   ///< No register answers.
   std::vector<LabSilentRegister> silentRegisters;
   std::uint32_t registerDelayMs = 0;
   std::uint32_t droppedFrames = 0;

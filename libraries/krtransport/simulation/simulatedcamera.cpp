@@ -45,8 +45,8 @@ SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, std::shared_ptr<IC
     : SimulatedCamera(aCamera, aCamera.macAddress, std::move(aClock)) {}
 
 SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, const KrString& aID, std::shared_ptr<ICameraClock> aClock)
-    : mName(MakeName(aCamera, aID)), mForeignControl(aCamera.foreignControl), mClock(std::move(aClock)),
-      mSerialPorts(aCamera, mName, mClock), mMemory(aCamera) {
+    : mName(MakeName(aCamera, aID)), mForeignControl(aCamera.foreignControl), mLosesPower(aCamera.faults.losesPower),
+      mClock(std::move(aClock)), mSerialPorts(aCamera, mName, mClock), mMemory(aCamera) {
   OrderFaults(aCamera.faults, mFaults);
   SetControlPrivilege(mForeignControl);
 }
@@ -175,7 +175,7 @@ KrResult SimulatedCamera::Write(const ICameraListener& aListener, std::uint64_t 
     const KrResult result = mMemory.Write(aAddress, aData, aLength, mClock->GetNowNs());
     if (!result.IsOK())
       return result;
-    mSerialPorts.Update([this](std::uint32_t aNumber) { return mMemory.GetSerialSettings(aNumber); });
+    UpdateSerialPorts();
   }
   for (ICameraListener* listener : mListeners)
     listener->OnCameraChanged();
@@ -214,18 +214,26 @@ std::optional<FrameSettings> SimulatedCamera::EndExposure(const ICameraListener&
 }
 
 void SimulatedCamera::Lose() {
-  SetAbsence(mIsPulled, true);
+  SetAbsence(mIsPulled, true, false);
+}
+
+void SimulatedCamera::LosePower() {
+  SetAbsence(mIsPulled, true, true);
 }
 
 void SimulatedCamera::Restore() {
-  SetAbsence(mIsPulled, false);
+  SetAbsence(mIsPulled, false, false);
 }
 
 void SimulatedCamera::SetAway(bool aIsAway) {
-  SetAbsence(mIsAway, aIsAway);
+  SetAbsence(mIsAway, aIsAway, aIsAway && mLosesPower);
 }
 
-void SimulatedCamera::SetAbsence(bool& aReason, bool aIsAbsent) {
+void SimulatedCamera::UpdateSerialPorts() {
+  mSerialPorts.Update([this](std::uint32_t aNumber) { return mMemory.GetSerialSettings(aNumber); });
+}
+
+void SimulatedCamera::SetAbsence(bool& aReason, bool aIsAbsent, bool aIsPowerLost) {
   const std::lock_guard eventLock(mEventMutex);
   bool isThere = false;
   {
@@ -233,13 +241,17 @@ void SimulatedCamera::SetAbsence(bool& aReason, bool aIsAbsent) {
     const bool wasThere = IsThere();
     aReason = aIsAbsent;
     isThere = IsThere();
-    if (isThere == wasThere)
-      return;
     if (!isThere) {
       mAttached.clear();
       mMemory.EndStream();
       SetControlPrivilege(mForeignControl);
     }
+    if (aIsPowerLost) {
+      mMemory.Restart();
+      UpdateSerialPorts();
+    }
+    if (isThere == wasThere)
+      return;
   }
   const KrResult reason = Refuse(KrResult::Code::ConnectionLost, "it does not answer any more.");
   for (ICameraListener* listener : mListeners)

@@ -68,7 +68,10 @@ public:
   /// Orders of a test: the camera vanishes, as when its cable is pulled, and comes back. Links to it stay lost.
   void Lose();
   void Restore();
-  /// The same as the lab's schedule has it; the camera answers when neither keeps it away.
+  /// As Lose; what the camera was set to is as at its start.
+  void LosePower();
+  /// The same as the lab's schedule has it; the camera answers when neither keeps it away. Its power fails where the
+  /// lab says so.
   void SetAway(bool aIsAway);
 
 private:
@@ -77,7 +80,8 @@ private:
     krsystem::DeviceAccess access;
   };
 
-  void SetAbsence(bool& aReason, bool aIsAbsent);
+  void SetAbsence(bool& aReason, bool aIsAbsent, bool aIsPowerLost);
+  void UpdateSerialPorts();
   bool IsThere() const { return !mIsPulled && !mIsAway; }
   const Attached* FindAttached(const ICameraListener& aListener) const;
   bool Controls(const ICameraListener& aListener) const;
@@ -89,6 +93,7 @@ private:
 
   const KrString mName;                       // For messages.
   const krsystem::AccessType mForeignControl; // What somebody has who is no link.
+  const bool mLosesPower;                     // When its schedule has it vanish.
   const std::shared_ptr<ICameraClock> mClock;
   OrderedFaults mFaults;
   SerialPorts mSerialPorts;

@@ -97,6 +97,9 @@ public:
   virtual void Disappear() = 0;
   /// Has the camera return after its loss.
   virtual void Return() = 0;
+  /// The camera vanishes, as when its power fails, and stays away until Return: what it was set to is as at its start,
+  /// its user-defined name and its IP configuration aside.
+  virtual void LosePower() = 0;
 };
 
 /// Finds the orders to a simulated camera by its unique ID, which is its MAC address. NotFound when none of the

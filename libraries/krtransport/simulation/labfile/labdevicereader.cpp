@@ -66,6 +66,7 @@ void ReadFaults(LabMap& aMap, LabFaults& aFaults) {
     return;
   LabMap map(*node, "a camera's faults", aMap.GetProblem());
   map.TakeFlag("refusesOpening", aFaults.refusesOpening);
+  map.TakeFlag("losesPower", aFaults.losesPower);
   map.TakeFlag("silent", aFaults.isSilent);
   ReadSilentRegisters(map, aFaults.silentRegisters);
   map.TakeNumber("registerDelay", aFaults.registerDelayMs, 0, kMostDelayMs);
