@@ -71,6 +71,15 @@ protected:
   }
   QImage GrabView() const { return GrabNative(FindNativeView()); }
 
+  static QRect FindWhite(const QImage& aPicture) {
+    QRect white;
+    for (int y = 0; y < aPicture.height(); ++y)
+      for (int x = 0; x < aPicture.width(); ++x)
+        if (aPicture.pixelColor(x, y) == QColor(Qt::white))
+          white |= QRect(x, y, 1, 1);
+    return white;
+  }
+
   void ExpectFittedNatively(const KrBuffer& aImage, const std::string& aWhere) const {
     std::string difference;
     const auto isThere = [&] {
@@ -149,6 +158,32 @@ TEST_F(DisplayAtAScale, OneToOne_WithItsBars_IsOnePixelForOne) {
   QTest::keyClick(&GetHorizontalBar(), Qt::Key_End);
   QTest::keyClick(&GetVerticalBar(), Qt::Key_End);
   ExpectOneToOneNatively(image, "at the end");
+}
+
+TEST_F(DisplayAtAScale, MappingOfAPixel_LeadsToWhereItIsOnTheScreen) {
+  KrBuffer image = MakeGrey(64, 48, 0);
+  image.GetDataPointer()[21 * 64 + 37] = 255;
+  Open(400, 300);
+  ASSERT_TRUE(mWindow.Display(image, false).IsOK());
+  for (const QSize size : {QSize(400, 300), QSize(401, 301), QSize(637, 299)}) {
+    Resize(size);
+
+    QRect seen;
+    QRectF told;
+    const auto isThere = [&] {
+      seen = FindWhite(GrabView());
+      const std::optional<KrDisplayMapping> mapping = mWindow.GetMapping();
+      if (seen.isEmpty() || !mapping)
+        return false;
+      told = QRectF(QPointF(mapping->ToWidgetX(37), mapping->ToWidgetY(21)),
+                    QPointF(mapping->ToWidgetX(38), mapping->ToWidgetY(22)));
+      const auto isNear = [this](double aTold, int aSeen) { return std::abs(aTold * GetRatio() - aSeen) <= 0.5001; };
+      return isNear(told.left(), seen.left()) && isNear(told.top(), seen.top()) &&
+             isNear(told.right(), seen.right() + 1) && isNear(told.bottom(), seen.bottom() + 1);
+    };
+    EXPECT_TRUE(QTest::qWaitFor(isThere, kLimitMs)) << Describe(seen) << ", not at " << told.left() << "," << told.top()
+                                                    << " to " << told.right() << "," << told.bottom();
+  }
 }
 
 TEST_F(DisplayAtAScale, Window_OpenedAgainAtOneToOne_HasItsBars) {

@@ -136,6 +136,13 @@ void DisplayWnd::SetCursorLineEnabled(bool aEnabled) {
   Invalidate();
 }
 
+std::optional<KrDisplayMapping> DisplayWnd::GetMapping() const {
+  if (!mView)
+    return std::nullopt;
+  const ViewArea area = mContent->ChangeView([](const ViewGeometry& aView) { return aView.GetArea(); });
+  return ComputeMapping(area, mView->devicePixelRatioF());
+}
+
 bool DisplayWnd::OnInitDialog() {
   Wnd::OnInitDialog();
   mBars =

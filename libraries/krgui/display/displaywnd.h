@@ -9,6 +9,7 @@
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 
 class QMenu;
 class QPoint;
@@ -52,6 +53,7 @@ public:
   KrResult SetScrollPos(ViewAxis aAxis, int aPosition);
 
   void SetCursorLineEnabled(bool aEnabled);
+  std::optional<KrDisplayMapping> GetMapping() const;
 
 protected:
   bool OnInitDialog() override;

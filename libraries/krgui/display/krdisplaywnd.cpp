@@ -150,6 +150,10 @@ std::optional<KrDisplayPixel> KrDisplayWnd::GetCursorPixel() const {
   return GetWnd().GetContent().GetCursorPixel();
 }
 
+std::optional<KrDisplayMapping> KrDisplayWnd::GetMapping() const {
+  return GetWnd().GetMapping();
+}
+
 void KrDisplayWnd::SetCursorLineEnabled(bool aEnabled) {
   GetWnd().SetCursorLineEnabled(aEnabled);
 }

@@ -131,3 +131,59 @@ TEST(FindImagePixel, WithoutImage_GivesNothing) {
 
   EXPECT_EQ(FindImagePixel(view, {5, 5}), std::nullopt);
 }
+
+TEST(ComputeMapping, FittedImage_IsWhereTheViewHasIt) {
+  // 50 pixels on 100 of the device, 100 from the left, and two pixels of the device for one of the widget.
+  const std::optional<KrDisplayMapping> mapping = ComputeMapping(MakeFit(300, 100, 50, 50), 2.0);
+
+  ASSERT_TRUE(mapping.has_value());
+  EXPECT_EQ(mapping->imageWidth, 50U);
+  EXPECT_EQ(mapping->imageHeight, 50U);
+  EXPECT_EQ(mapping->viewWidth, 150.0);
+  EXPECT_EQ(mapping->viewHeight, 50.0);
+  EXPECT_EQ(mapping->ToWidgetX(0), 50.0);
+  EXPECT_EQ(mapping->ToWidgetX(50), 100.0);
+  EXPECT_EQ(mapping->ToWidgetY(25), 25.0);
+  EXPECT_EQ(mapping->ToImageX(60), 10.0);
+  EXPECT_EQ(mapping->ToImageX(0), -50.0);
+}
+
+TEST(ComputeMapping, NothingDrawn_IsNone) {
+  EXPECT_FALSE(ComputeMapping(MakeFit(300, 100, 0, 0), 1.0).has_value());
+  EXPECT_FALSE(ComputeMapping(MakeFit(0, 0, 50, 50), 1.0).has_value());
+}
+
+TEST(ComputeMapping, AnyView_LeadsFromEachPixelToTheOneDrawnThere) {
+  constexpr double kTolerance = 1e-6; // The middle of a pixel may lie between two of the image.
+  std::mt19937 random(5);
+  std::uniform_int_distribution<int> clientSize(1, 90);
+  std::uniform_int_distribution<unsigned> imageSize(1, 200);
+  std::uniform_int_distribution<int> zoomSteps(0, 12);
+  std::uniform_real_distribution<double> pixelRatio(1.0, 3.0);
+  for (int i = 0; i < 2000; ++i) {
+    ViewGeometry view;
+    const int width = clientSize(random);
+    const int height = clientSize(random);
+    const unsigned imageWidth = imageSize(random);
+    const unsigned imageHeight = imageSize(random);
+    view.SetClient(width, height, 5);
+    view.Update(imageWidth, imageHeight);
+    for (int step = zoomSteps(random); step > 0; --step)
+      view.ZoomIn(1.5);
+    view.CentreOn({width / 3, height / 3});
+    view.Update(imageWidth, imageHeight);
+    const double ratio = pixelRatio(random);
+    const std::optional<KrDisplayMapping> mapping = ComputeMapping(view.GetArea(), ratio);
+
+    for (int place = 0; place < std::min(width, height); ++place) {
+      const std::optional<PixelPoint> pixel = FindImagePixel(view.GetArea(), {place, place});
+      if (!pixel)
+        continue;
+      ASSERT_TRUE(mapping.has_value());
+      const double x = mapping->ToImageX((place + 0.5) / ratio) - pixel->x;
+      const double y = mapping->ToImageY((place + 0.5) / ratio) - pixel->y;
+      ASSERT_TRUE(x > -kTolerance && x < 1 + kTolerance) << i << ": " << x;
+      ASSERT_TRUE(y > -kTolerance && y < 1 + kTolerance) << i << ": " << y;
+    }
+  }
+}

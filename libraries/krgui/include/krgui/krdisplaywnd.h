@@ -4,6 +4,7 @@
 
 #include "krbuffer/krbuffer.h"
 #include "krbuffer/krbufferconverter.h"
+#include "krgui/krdisplaymapping.h"
 #include "krgui/krdisplaystatistics.h"
 #include "krgui/krwnd.h"
 
@@ -125,6 +126,9 @@ public:
 
   /// The pixel of the image under the mouse cursor; nothing while the cursor or the image is elsewhere.
   std::optional<KrDisplayPixel> GetCursorPixel() const;
+  /// Where the image is shown in the window's widget, as of the last painting; nothing without an image, or while the
+  /// window is not open.
+  std::optional<KrDisplayMapping> GetMapping() const;
   /// Has a line about that pixel drawn in the window's lower left corner; off until it is set.
   void SetCursorLineEnabled(bool aEnabled);
   /// Whether the line is drawn.

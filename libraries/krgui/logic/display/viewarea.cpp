@@ -41,4 +41,21 @@ std::optional<PixelPoint> FindImagePixel(const ViewArea& aView, PixelPoint aClie
   };
 }
 
+std::optional<KrDisplayMapping> ComputeMapping(const ViewArea& aView, double aPixelRatio) {
+  const PixelRect& shown = aView.destinationRect;
+  const PixelRect copy = aView.GetCopyRect();
+  if (copy.IsEmpty())
+    return std::nullopt;
+  KrDisplayMapping mapping;
+  mapping.imageWidth = aView.imageWidth;
+  mapping.imageHeight = aView.imageHeight;
+  mapping.viewWidth = aView.viewRect.GetWidth() / aPixelRatio;
+  mapping.viewHeight = aView.viewRect.GetHeight() / aPixelRatio;
+  mapping.scaleX = shown.GetWidth() / aPixelRatio / copy.GetWidth();
+  mapping.scaleY = shown.GetHeight() / aPixelRatio / copy.GetHeight();
+  mapping.originX = shown.left / aPixelRatio - copy.left * mapping.scaleX;
+  mapping.originY = shown.top / aPixelRatio - copy.top * mapping.scaleY;
+  return mapping;
+}
+
 } // namespace krgui

@@ -1,7 +1,9 @@
 #pragma once
 // What is drawn where in a window: the outcome of the view geometry, and what follows from it alone: background bands
-// and the image's pixel under a point. How it is computed is left to the view geometry.
+// the image's pixel under a point, and the way between window and image. How it is computed is left to the view
+// geometry.
 
+#include "krgui/krdisplaymapping.h"
 #include "logic/pixelrect.h"
 
 #include <algorithm>
@@ -56,5 +58,9 @@ Bands ComputeBands(const ViewArea& aView);
 /// The pixel of the image, counted from its top left corner, that is drawn at a point of the client area; nothing
 /// outside the image. The same pixel that the nearest-neighbour scaler takes.
 std::optional<PixelPoint> FindImagePixel(const ViewArea& aView, PixelPoint aClientPoint);
+
+/// The way between a widget whose pixels are each so many of the device, and the image; nothing where none is drawn.
+/// The pixel of FindImagePixel is the one that holds what the middle of the client area's pixel comes to.
+std::optional<KrDisplayMapping> ComputeMapping(const ViewArea& aView, double aPixelRatio);
 
 } // namespace krgui
