@@ -1,0 +1,103 @@
+#pragma once
+// An example run as a user runs it, on the simulated cameras: started, seen on the screen, used by mouse and keyboard,
+// and closed. What one of them shows is left to its tests.
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPixmap>
+#include <QProcess>
+#include <QRect>
+#include <QScreen>
+#include <QSet>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+class ExampleOnScreen : public testing::Test {
+protected:
+  static constexpr int kLimitMs = 60000;
+  static constexpr int kTryMs = 500;
+
+  /// A user's hands; what they find is what xdotool prints.
+  static QString MoveHands(const QStringList& aMovement) {
+    QProcess hands;
+    hands.start("xdotool", aMovement);
+    EXPECT_TRUE(hands.waitForFinished(kLimitMs) && hands.exitCode() == 0)
+        << aMovement.join(' ').toStdString() << ": " << hands.readAllStandardError().toStdString();
+    return QString::fromUtf8(hands.readAllStandardOutput()).trimmed();
+  }
+  /// Waits for a window whose title matches, and makes it the active one.
+  static QString ActivateWindow(const QString& aTitle) {
+    MoveHands({"search", "--sync", "--onlyvisible", "--name", aTitle, "windowactivate", "--sync"});
+    return MoveHands({"getactivewindow"});
+  }
+
+  void Start(const QString& aPath, const QStringList& aArguments = {}) {
+    mProcess.start(aPath, QStringList{"--simulate"} + aArguments);
+    ASSERT_TRUE(mProcess.waitForStarted(kLimitMs));
+  }
+  /// Starts it and waits for its window.
+  void StartWindow(const QString& aPath, const QString& aTitle, const QStringList& aArguments = {}) {
+    ASSERT_NO_FATAL_FAILURE(Start(aPath, aArguments));
+    mWindow = ActivateWindow(aTitle);
+  }
+  void TearDown() override {
+    if (mProcess.state() == QProcess::NotRunning)
+      return;
+    mProcess.kill();
+    mProcess.waitForFinished(kLimitMs);
+  }
+  /// Closes the window as its user does.
+  void ExpectEnd() {
+    MoveHands({"key", "alt+F4"});
+    ASSERT_TRUE(mProcess.waitForFinished(kLimitMs));
+    EXPECT_EQ(mProcess.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(mProcess.exitCode(), 0) << mProcess.readAllStandardError().toStdString();
+  }
+
+  /// Where the window is on the screen.
+  QRect GetWindowRect() const {
+    QMap<QString, int> values;
+    for (const QString& line : MoveHands({"getwindowgeometry", "--shell", mWindow}).split('\n'))
+      values[line.section('=', 0, 0)] = line.section('=', 1).toInt();
+    return {values["X"], values["Y"], values["WIDTH"], values["HEIGHT"]};
+  }
+  static QImage GrabScreen(const QRect& aRect) {
+    return QGuiApplication::primaryScreen()
+        ->grabWindow(0, aRect.x(), aRect.y(), aRect.width(), aRect.height())
+        .toImage();
+  }
+  /// A picture of the simulated camera is made of ramps: it has most of the greys, which nothing else on the screen
+  /// has.
+  static bool IsRamp(const QImage& aPicture) {
+    QSet<int> greys;
+    for (int x = 0; x < aPicture.width(); ++x) {
+      const QRgb pixel = aPicture.pixel(x, aPicture.height() / 2);
+      if (qRed(pixel) == qGreen(pixel) && qGreen(pixel) == qBlue(pixel))
+        greys.insert(qRed(pixel));
+    }
+    return greys.size() > 64;
+  }
+  /// Waits until a part of the window shows the camera's picture, and then another one.
+  void ExpectLivePicture(const QRect& aPart) const {
+    QImage first;
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+          first = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
+          return IsRamp(first);
+        },
+        kLimitMs))
+        << "there is no picture";
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+          const QImage next = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
+          return IsRamp(next) && next != first;
+        },
+        kLimitMs))
+        << "the picture stands still";
+  }
+
+  QProcess mProcess;
+  QString mWindow; ///< The number by which the X server knows it.
+};

@@ -1,0 +1,145 @@
+// The examples with windows of cameras, run as a user runs them: pictures on the screen are live, and what the finder
+// gives is opened.
+
+#include "exampleonscreen.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+namespace {
+
+const QString kFinder = "Pick a camera";
+const QString kMonoCamera = "Simulated Mono Camera";
+
+class WindowExample : public ExampleOnScreen {
+protected:
+  /// How many frames it said, at its end, that it has shown.
+  int ReadShownCount() {
+    const QString output = QString::fromUtf8(mProcess.readAllStandardOutput());
+    const QRegularExpressionMatch match = QRegularExpression("(\\d+) frames were shown").match(output);
+    EXPECT_TRUE(match.hasMatch()) << output.toStdString();
+    return match.captured(1).toInt();
+  }
+  /// The windows with a title that matches; empty where there is none, which is no failure.
+  static QString FindWindows(const QString& aTitle) { return TryHands({"search", "--onlyvisible", "--name", aTitle}); }
+  /// Starts the example and types into its finder until it has the camera: the tree has its items as soon as they
+  /// answer, and forgets between two tries what was typed. Whoever typed at the one that somebody else controls, which
+  /// answered first, starts again. The keys are sent to the finder alone, so that none reaches what comes after it.
+  void PickCamera(const QString& aPath, const std::function<bool()>& aIsPicked) {
+    QString finder;
+    const auto pick = [&] {
+      if (mProcess.state() == QProcess::NotRunning) {
+        Start(aPath);
+        finder = ActivateWindow(kFinder);
+      }
+      if (!FindWindows(kFinder).isEmpty()) {
+        TryHands({"key", "--window", finder, "Home"});
+        TryHands({"type", "--window", finder, "Simulated Mono"});
+        TryHands({"key", "--window", finder, "Return"});
+      }
+      return QTest::qWaitFor(aIsPicked, kTryMs);
+    };
+    EXPECT_TRUE(QTest::qWaitFor(pick, kLimitMs)) << mProcess.readAllStandardError().toStdString();
+  }
+
+private:
+  // Hands that may come too late.
+  static QString TryHands(const QStringList& aMovement) {
+    QProcess hands;
+    hands.start("xdotool", aMovement);
+    EXPECT_TRUE(hands.waitForFinished(kLimitMs)) << aMovement.join(' ').toStdString();
+    return QString::fromUtf8(hands.readAllStandardOutput()).trimmed();
+  }
+};
+
+class FirstApplication : public WindowExample {
+protected:
+  void SetUp() override {
+    ASSERT_TRUE(mFolder.isValid());
+    mProcess.setWorkingDirectory(mFolder.path());
+  }
+  /// Picks the camera, waits for its picture and closes the window.
+  void RunOnce() {
+    PickCamera(FIRST_APPLICATION_PATH, [] { return !FindWindows("^" + kMonoCamera).isEmpty(); });
+    mWindow = ActivateWindow(kMonoCamera);
+    ExpectLivePicture(QRect(10, 100, 400, 400));
+    ExpectEnd();
+  }
+  QString ReadSettings() const {
+    QFile file(mFolder.filePath("camera.txt"));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << "no settings were saved";
+    return QString::fromUtf8(file.readAll());
+  }
+  void WriteSettings(const QString& aText) const {
+    QFile file(mFolder.filePath("camera.txt"));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(aText.toUtf8()) > 0);
+  }
+
+private:
+  QTemporaryDir mFolder;
+};
+
+} // namespace
+
+TEST_F(WindowExample, ShowCamera_ShowsALivePictureUntilItIsClosed) {
+  StartWindow(SHOW_CAMERA_PATH, kMonoCamera);
+
+  ExpectLivePicture(QRect(20, 100, 400, 300));
+  ExpectEnd();
+}
+
+TEST_F(WindowExample, EmbedDisplay_ItsButtonsStartAndStopThePictureInItsLayout) {
+  StartWindow(EMBED_DISPLAY_PATH, kMonoCamera);
+  const QRect part(60, 50, 400, 300);
+
+  MoveHands({"key", "alt+s"});
+  ExpectLivePicture(part);
+  MoveHands({"key", "alt+t"});
+  MoveHands({"key", "alt+s"});
+  ExpectLivePicture(part);
+  ExpectEnd();
+
+  EXPECT_GE(ReadShownCount(), 2);
+}
+
+TEST_F(WindowExample, EmbedX11_ThePictureFollowsTheSizeOfAWindowWithoutAToolkit) {
+  StartWindow(EMBED_X11_PATH, "A window of another toolkit");
+
+  ExpectLivePicture(QRect(20, 100, 400, 300));
+  MoveHands({"windowsize", mWindow, "1000", "800"});
+  ExpectLivePicture(QRect(700, 500, 290, 250));
+  ExpectEnd();
+
+  EXPECT_GE(ReadShownCount(), 4);
+}
+
+TEST_F(WindowExample, PickCamera_OpensTheOneThatIsPicked) {
+  PickCamera(PICK_CAMERA_PATH, [this] { return mProcess.state() == QProcess::NotRunning && mProcess.exitCode() == 0; });
+
+  EXPECT_EQ(mProcess.exitStatus(), QProcess::NormalExit);
+  EXPECT_TRUE(mProcess.readAllStandardOutput().startsWith("Opened " + kMonoCamera.toUtf8()));
+}
+
+TEST_F(WindowExample, PickCamera_CancelledSaysThatNoneWasPicked) {
+  ASSERT_NO_FATAL_FAILURE(Start(PICK_CAMERA_PATH, {"A vendor that nobody is"}));
+
+  ActivateWindow(kFinder);
+  MoveHands({"key", "Escape"});
+
+  ASSERT_TRUE(mProcess.waitForFinished(kLimitMs));
+  EXPECT_EQ(mProcess.exitCode(), 1);
+  EXPECT_TRUE(mProcess.readAllStandardError().startsWith("No camera was picked."));
+}
+
+TEST_F(FirstApplication, Settings_AreFoundAgainAtTheNextStart) {
+  ASSERT_NO_FATAL_FAILURE(RunOnce());
+  const QString first = ReadSettings();
+  ASSERT_TRUE(first.contains("\nExposureTime\t1000\n")) << first.toStdString();
+
+  // The simulated camera of the next process begins anew, as one that was switched off.
+  WriteSettings(QString(first).replace("\nExposureTime\t1000\n", "\nExposureTime\t2500\n"));
+  ASSERT_NO_FATAL_FAILURE(RunOnce());
+
+  EXPECT_TRUE(ReadSettings().contains("\nExposureTime\t2500\n")) << ReadSettings().toStdString();
+}
