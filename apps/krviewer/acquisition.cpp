@@ -13,6 +13,7 @@ namespace {
 constexpr std::uint32_t kRetrieveTimeoutMs = 100;
 constexpr std::uint64_t kOverlayPeriodNs = 100'000'000;
 constexpr std::chrono::seconds kRetryPause{1};
+constexpr int kMostReturns = 3; // A camera that keeps silent about a register streams without it.
 
 KrStreamStatistics Add(const KrStreamStatistics& aFirst, const KrStreamStatistics& aSecond) {
   return {.received = aFirst.received + aSecond.received,
@@ -179,6 +180,11 @@ void Acquisition::Run(std::stop_token aStop) {
   SetState(isFinished ? AcquisitionState::Finished : AcquisitionState::Failed, result);
 }
 
+void Acquisition::Pause(std::stop_token aStop) {
+  std::unique_lock lock(mMutex);
+  (void)mChanged.wait_for(lock, aStop, kRetryPause, [this] { return mLoss.has_value(); });
+}
+
 void Acquisition::AwaitReturn(std::stop_token aStop) {
   // What answers, but could not be opened or started, is tried again: its old connection may have to expire first.
   const bool isGone = mDevice && !mDevice->IsConnected();
@@ -199,7 +205,9 @@ KrResult Acquisition::ServeConnection(std::stop_token aStop) {
   KrResult result = OpenDevice();
   if (!result.IsOK())
     return result;
-  if (mWanted != Wanted::Nothing)
+  if (mHasServed)
+    result = ReturnSettings(aStop);
+  if (result.IsOK() && mWanted != Wanted::Nothing)
     result = StartStream();
   const bool isRefused = !result.IsOK() && !mHasServed && mOptions.frameLimit == 0 && !IsConnectionTrouble(result);
   if (!result.IsOK() && !isRefused)
@@ -242,7 +250,28 @@ KrResult Acquisition::OpenDevice() {
   return {};
 }
 
+// A camera without a description that is any good streams as it is.
+KrResult Acquisition::ReturnSettings(std::stop_token aStop) {
+  KrGenParameterArray* parameters = nullptr;
+  if (!mDevice->GetParameters(parameters).IsOK())
+    return {};
+  SettingsReturned returned;
+  KrResult result(KrResult::Code::TimeLimitExceeded);
+  for (int attempt = 0; result == KrResult::Code::TimeLimitExceeded && attempt < kMostReturns; ++attempt) {
+    if (attempt > 0)
+      Pause(aStop);
+    result = SettingsReturn(*parameters).Run(mKept.Get(), aStop, returned);
+  }
+  if (!result.IsOK() && result != KrResult::Code::TimeLimitExceeded)
+    return result;
+  const std::lock_guard lock(mMutex);
+  mProgress.settings = std::move(returned);
+  ++mProgress.returns;
+  return {};
+}
+
 void Acquisition::CloseDevice() {
+  mKept.Leave();
   for (Loan<KrGenParameterArray>& loan : mParameters)
     loan.TakeBack();
   TakeBackDevice();
@@ -268,6 +297,8 @@ void Acquisition::LendDevice(KrDevice& aDevice, KrStream& aStream) {
   if (got.IsOK())
     for (Loan<KrGenParameterArray>& loan : mParameters)
       loan.Lend(*parameters);
+  if (got.IsOK() && mOptions.frameLimit == 0)
+    mKept.Follow(*parameters);
   const std::lock_guard lock(mMutex);
   mProgress.parameters = got;
 }

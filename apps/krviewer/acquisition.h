@@ -5,6 +5,7 @@
 #include "acquisitionprogress.h"
 #include "framemeter.h"
 #include "framesink.h"
+#include "keptsettings.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceadapter.h"
 #include "krdevice/krstream.h"
@@ -22,6 +23,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <vector>
 
 namespace krviewer {
 
@@ -46,7 +48,8 @@ KrString BreakIntoSentences(const KrString& aText);
 
 /// Streams one camera into one window, and lends its parameters and the device itself, whether it streams or not. A
 /// lost camera's parameters are lent until it is back, when they are taken back and those of the new connection lent;
-/// the device is taken back when it is lost. A camera that is back streams as it did, or as was asked meanwhile.
+/// the device is taken back when it is lost. A camera that is back is set as it was, where it is not, and streams as it
+/// did, or as was asked meanwhile.
 ///
 /// What is asked for is carried out in its order, between two frames, and what ends a request is called by LookAgain.
 /// A request that finds the camera lost, or ended, ends with ConnectionLost.
@@ -80,6 +83,9 @@ public:
   /// Has something done with the camera's parameters. It ends with what the work returned or, where that is OK, with
   /// why the stream could not be started again after it.
   void Do(DeviceWork aWork);
+  /// What the camera is set to, as far as is known, in the description's order; what it was set to while it is lost.
+  /// Thread: any.
+  std::vector<KeptSetting> GetSettings() const { return mKept.Get(); }
   /// Frames are not displayed while the window cannot be seen; all else goes on. When it can be seen again it shows
   /// the latest one. They are wanted at first.
   void SetPictureWanted(bool aIsWanted);
@@ -101,8 +107,10 @@ private:
   KrResult ServeConnection(std::stop_token aStop);
   KrResult OpenDevice();
   void CloseDevice();
+  KrResult ReturnSettings(std::stop_token aStop);
   KrResult Serve(std::stop_token aStop);
   bool IsAwaited(const std::stop_token& aStop) const;
+  void Pause(std::stop_token aStop);
   void AwaitReturn(std::stop_token aStop);
   KrResult AwaitRequest(std::stop_token aStop);
   void LendDevice(KrDevice& aDevice, KrStream& aStream);
@@ -142,6 +150,7 @@ private:
   std::optional<KrStream> mStream; ///< Of mDevice; stays, running or not, as long as the device is lent.
   std::optional<KrDeviceAdapter> mAdapter;
   std::optional<LentDevice> mLent; ///< What is lent of them.
+  KeptSettings mKept;
   Wanted mWanted;
   bool mIsServing = false;          ///< Whether requests can be carried out on the device.
   bool mHasServed = false;          ///< Whether there was ever a connection.

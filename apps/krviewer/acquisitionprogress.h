@@ -3,6 +3,7 @@
 
 #include "krbase/krresult.h"
 #include "krdevice/krstream.h"
+#include "settingsreturn.h"
 #include "streamfigures.h"
 
 #include <cstdint>
@@ -24,6 +25,8 @@ struct AcquisitionProgress {
   KrResult result;               ///< Why it was lost, failed, or is connected and could not be started.
   KrResult parameters;           ///< Why the camera's parameters cannot be had; OK while that is not known.
   std::uint64_t lastFrameID = 0; ///< Of the frame displayed last.
+  std::uint64_t returns = 0;     ///< How often the camera was lost and came back.
+  SettingsReturned settings;     ///< What came of setting it as before the last time.
   krapps::StreamFigures figures;
   KrStreamStatistics statistics; ///< Of all connections together.
 };

@@ -1,106 +1,10 @@
-#include "acquisition.h"
-
-#include "labfixture.h"
+#include "acquisitionfixture.h"
 #include "simulation/testpattern.h"
-
-#include <atomic>
-#include <functional>
-#include <optional>
-#include <utility>
 
 using krviewer::Acquisition;
 using krviewer::AcquisitionProgress;
 using krviewer::AcquisitionState;
 using krviewer::ParameterBorrower;
-
-namespace {
-
-class AcquisitionTest : public LabTest {
-protected:
-  const KrDeviceInfo& GetCamera() {
-    FindAll();
-    return *FindInfo(kMonoMAC);
-  }
-
-  // The progress as soon as a condition holds, or as it is at the end of a generous limit.
-  static AcquisitionProgress Await(const Acquisition& aAcquisition,
-                                   const std::function<bool(const AcquisitionProgress&)>& aCondition) {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
-    AcquisitionProgress progress = aAcquisition.GetProgress();
-    while (!aCondition(progress) && std::chrono::steady_clock::now() < until) {
-      std::this_thread::yield();
-      progress = aAcquisition.GetProgress();
-    }
-    return progress;
-  }
-  static AcquisitionProgress Await(const Acquisition& aAcquisition, AcquisitionState aState) {
-    return Await(aAcquisition, [aState](const AcquisitionProgress& aProgress) { return aProgress.state == aState; });
-  }
-
-  // Borrowed as soon as they are lent.
-  static KrGenParameterArray* AwaitParameters(Acquisition& aAcquisition) {
-    KrGenParameterArray* parameters = nullptr;
-    Await(aAcquisition, [&](const AcquisitionProgress&) {
-      parameters = aAcquisition.GetParameters(ParameterBorrower::Browser).Borrow();
-      return parameters != nullptr;
-    });
-    return parameters;
-  }
-
-  /// Frames, starts and ends, as a sink hears of them.
-  struct CountedFrames : krviewer::FrameSink {
-    void OnFrame(const KrBuffer&, std::uint64_t) override { ++frames; }
-    void OnAcquisitionStarted() override { ++starts; }
-    void OnAcquisitionEnded(const KrResult& aReason) override {
-      lastEnd = aReason.GetCode();
-      ++ends;
-    }
-    std::atomic<int> frames = 0;
-    std::atomic<int> starts = 0;
-    std::atomic<int> ends = 0;
-    std::atomic<KrResult::Code> lastEnd = KrResult::Code::OK;
-  };
-
-  // How a request ends that aAsk makes.
-  static KrResult AwaitEnd(Acquisition& aAcquisition, const std::function<void(const krviewer::RequestEnd&)>& aAsk) {
-    std::optional<KrResult> end;
-    aAsk([&](const KrResult& aResult) { end = aResult; });
-    Await(aAcquisition, [&](const AcquisitionProgress&) {
-      aAcquisition.LookAgain();
-      return end.has_value();
-    });
-    return end.value_or(KrResult(KrResult::Code::Failed, "The request did not end."));
-  }
-  static KrResult AwaitStart(Acquisition& aAcquisition) {
-    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) { aAcquisition.Start(aEnd); });
-  }
-  static KrResult AwaitSingle(Acquisition& aAcquisition) {
-    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) { aAcquisition.StartSingle(aEnd); });
-  }
-  static KrResult AwaitStop(Acquisition& aAcquisition) {
-    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) { aAcquisition.StopStreaming(aEnd); });
-  }
-  static KrResult AwaitTrigger(Acquisition& aAcquisition) {
-    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) { aAcquisition.Trigger(aEnd); });
-  }
-  static KrResult AwaitWork(Acquisition& aAcquisition, std::function<KrResult(KrGenParameterArray&)> aRun,
-                            bool aIsStreamStopped = false) {
-    return AwaitEnd(aAcquisition, [&](const krviewer::RequestEnd& aEnd) {
-      aAcquisition.Do({.run = std::move(aRun), .isStreamStopped = aIsStreamStopped, .then = aEnd});
-    });
-  }
-
-  // Frames come by software trigger alone.
-  static KrResult UseSoftwareTrigger(KrGenParameterArray& aParameters) {
-    KrResult set = aParameters.GetEnum("TriggerSource")->SetEntry("Software");
-    return set.IsOK() ? aParameters.GetEnum("TriggerMode")->SetEntry("On") : set;
-  }
-
-  static constexpr krviewer::AcquisitionOptions kStopped{.startsAtOnce = false};
-  KrDisplayWnd mWindow;
-};
-
-} // namespace
 
 TEST_F(AcquisitionTest, NumberOfFramesAskedFor_ComesAndTheLastIsShown) {
   Acquisition acquisition(mWindow, GetCamera(), {.frameLimit = 10});
