@@ -1,6 +1,7 @@
 #include "gigevision/gigevisionlink.h"
 
 #include "gigevision/monitorchannel.h"
+#include "gigevision/statedlength.h"
 #include "krbase/krlogger.h"
 #include "krsystem/ipv4address.h"
 
@@ -64,6 +65,8 @@ KrResult GigEVisionLink::OpenChannel(const LinkTarget& aTarget, Parts& aParts) {
     aParts.channel = std::make_shared<MonitorChannel>(std::move(client));
     return {};
   }
+  if (KrResult result = CheckStatedLengths(aParts.watchClient); !result.IsOK())
+    return result;
   KrResult result = aParts.ioThread->RunToEnd(
       [&](const std::atomic<bool>&) { return GigEVisionDevice::Open(aTarget, *aParts.ioThread, aParts.device); });
   aParts.channel = aParts.device;
