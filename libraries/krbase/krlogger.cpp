@@ -48,6 +48,20 @@ bool IsControl(char16_t aUnit) {
   return aUnit < 0x20 || (aUnit >= 0x7F && aUnit < 0xA0);
 }
 
+// A description of many megabytes may stand in a text that tells what is wrong with it.
+constexpr std::size_t kMostLineBytes = 16384;
+
+/// The beginning of a text that is longer than a line may be, with a note of how long it was.
+KrString CutToLine(const KrString& aText) {
+  const std::string& text = aText.ToUtf8();
+  if (text.size() <= kMostLineBytes)
+    return aText;
+  std::size_t end = kMostLineBytes;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+    --end; // Not within a character.
+  return text.substr(0, end) + "… (the first " + std::to_string(end) + " of " + std::to_string(text.size()) + " bytes)";
+}
+
 /// The text with control characters written out and malformed bytes replaced, so that no text can begin a line that
 /// looks like another record or send commands to a terminal.
 std::string ToOneLine(const KrString& aText) {
@@ -68,7 +82,7 @@ void WriteToStandardError(const KrLogRecord& aRecord) {
   KrString line = "[" + aRecord.channel + "] " + aRecord.function;
   if (aRecord.line != 0)
     line += " (" + aRecord.file + ":" + std::to_string(aRecord.line) + ")";
-  line += ": " + aRecord.text;
+  line += ": " + CutToLine(aRecord.text);
   // Given as a string view, the line is the payload itself and no format.
   GetStandardErrorLogger().log(ToSpdlogLevel(aRecord.level), spdlog::string_view_t(ToOneLine(line)));
 }

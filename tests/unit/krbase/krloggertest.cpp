@@ -106,6 +106,20 @@ TEST_F(KrLoggerTest, MalformedBytesInTheText_AreReplaced) {
   EXPECT_THAT(line, HasSubstr("a\xEF\xBF\xBDz\n"));
 }
 
+TEST_F(KrLoggerTest, TextOfTheMostBytes_IsWrittenWhole) {
+  const std::string text(16384, 'x');
+
+  EXPECT_THAT(Write(KrLogLevel::Error, kSite, text), HasSubstr(": " + text + "\n"));
+}
+
+TEST_F(KrLoggerTest, LongerText_IsCutBeforeAWholeCharacterWithItsLength) {
+  const std::string beginning(16383, 'x');
+
+  const std::string line = Write(KrLogLevel::Error, kSite, beginning + "\xC3\xB6" + std::string(10'000'000, 'y'));
+
+  EXPECT_THAT(line, HasSubstr(": " + beginning + "… (the first 16383 of 10016385 bytes)\n"));
+}
+
 TEST_F(KrLoggerTest, NullFunctionAndFile_AreEmptyTexts) {
   const std::string line = Write(KrLogLevel::Error, {nullptr, nullptr, 7}, "text");
 

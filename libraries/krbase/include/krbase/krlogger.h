@@ -38,7 +38,7 @@ public:
   /// A logger that writes on a channel, for example "KrGUILib".
   explicit KrLogger(const KrString& aChannel);
 
-  /// Writes a record; texts are taken as they are, nothing in them is markup or a format.
+  /// Writes a record; nothing in texts is markup or a format. A line has 16 KiB of a text at most, a capture has all.
   void Log(KrLogLevel aLevel, const KrLogSite& aSite, const KrString& aText) const;
 
   /// The least level that is written to standard error; Warning until it is set. Captures receive every level.
