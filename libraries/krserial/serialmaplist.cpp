@@ -46,8 +46,12 @@ void LogLines(const KrResult& aResult) {
 
 void AppendUserMaps(SerialMaps& aMaps) {
   std::vector<std::string> files = ListUserFiles();
-  if (files.size() > kMostUserFiles)
+  if (files.size() > kMostUserFiles) {
+    LogLines({KrResult::Code::OutOfRange, SerialMapList::GetUserDirectory() + " has " + std::to_string(files.size()) +
+                                              " files of maps; the first " + std::to_string(kMostUserFiles) +
+                                              " in the order of their names are read."});
     files.resize(kMostUserFiles);
+  }
   for (const std::string& file : files) {
     SerialMaps maps;
     if (const KrResult read = ReadSerialMaps(file, maps); !read.IsOK())

@@ -111,6 +111,21 @@ TEST_F(SerialFeatures, SeveralMistakesInAFileOfTheUser_AreALineOfTheLogEach) {
     EXPECT_EQ(entry.text.ToUtf8().find('\n'), std::string::npos);
 }
 
+TEST_F(SerialFeatures, FilesOfTheUserBeyondTheMost_AreLeftOutAndThatIsLogged) {
+  for (int number = 100; number < 165; ++number)
+    AddUserFile(std::to_string(number) + ".yaml", MakeMap("map " + std::to_string(number)));
+  const KrLogCapture log;
+
+  const Names names = GetNames();
+
+  ASSERT_EQ(names.size(), 65U);
+  EXPECT_EQ(names[63], "map 163");
+  EXPECT_EQ(names[64], "file access");
+  EXPECT_TRUE(log.Contains(KrLogLevel::Warning,
+                           folder.GetFile("krgui/serial-features.d") +
+                               " has 65 files of maps; the first 64 in the order of their names are read."));
+}
+
 TEST_F(SerialFeatures, UserDirectory_IsInTheConfigurationDirectory) {
   EXPECT_EQ(KrSerialFeatures::GetUserDirectory().ToUtf8(), folder.GetFile("krgui/serial-features.d"));
 }
