@@ -5,10 +5,10 @@
 namespace krserial {
 
 std::filesystem::path GetConfigurationDirectory() {
-  const char* const configured = std::getenv("XDG_CONFIG_HOME");
+  const char* const configured = ::secure_getenv("XDG_CONFIG_HOME");
   if (configured && std::filesystem::path(configured).is_absolute())
     return configured;
-  const char* const home = std::getenv("HOME");
+  const char* const home = ::secure_getenv("HOME");
   return home && *home ? std::filesystem::path(home) / ".config" : std::filesystem::path();
 }
 

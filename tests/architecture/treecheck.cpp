@@ -1,5 +1,6 @@
 #include "treecheck.h"
 
+#include "callrules.h"
 #include "cmakeparser.h"
 #include "includeparser.h"
 #include "rules.h"
@@ -46,7 +47,8 @@ std::string GetLibraryFolder(std::string_view aFile) {
 // rules work with belong to them.
 const Room* GetRoomOfFile(std::string_view aFile) {
   constexpr std::string_view kLogic = "libraries/krgui/logic/";
-  return aFile.starts_with(kLogic) || IsValueHeader(aFile) ? FindRoom("krgui/logic") : FindRoom(GetLibraryFolder(aFile));
+  return aFile.starts_with(kLogic) || IsValueHeader(aFile) ? FindRoom("krgui/logic")
+                                                           : FindRoom(GetLibraryFolder(aFile));
 }
 
 // The folder below libraries/ if the file is one of its public headers; otherwise empty.
@@ -115,6 +117,8 @@ private:
       CheckPublicHeader(aFile, text);
     for (const Include& include : ParseIncludes(text))
       CheckInclude(aFile, include);
+    for (const BrokenCall& call : FindBrokenCalls(aFile, text))
+      Report(aFile, call.line, call.rule);
   }
 
   void CheckPublicHeader(const std::string& aFile, std::string_view aText) {

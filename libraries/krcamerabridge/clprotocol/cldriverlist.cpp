@@ -51,7 +51,7 @@ void AddDirectory(std::string_view aDirectory, std::vector<std::string>& aDirect
 
 std::vector<std::string> GetDirectories() {
   std::vector<std::string> directories;
-  const char* const variable = std::getenv("GENICAM_CLPROTOCOL");
+  const char* const variable = ::secure_getenv("GENICAM_CLPROTOCOL");
   std::string_view rest = variable != nullptr ? variable : "";
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find_first_of(":;"), rest.size());

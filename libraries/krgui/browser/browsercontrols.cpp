@@ -69,8 +69,8 @@ Control* PutInto(QWidget& aPlace, Control* aControl) {
 }
 
 void Explain(QWidget& aControl, const char* aText) {
-  aControl.setToolTip(QString::fromUtf8(aText));
-  aControl.setAccessibleName(QString::fromUtf8(aText));
+  aControl.setToolTip(QLatin1String(aText));
+  aControl.setAccessibleName(QLatin1String(aText));
 }
 
 /// A tool button's tint changes only when its owner redraws it: when the mouse comes and goes.
