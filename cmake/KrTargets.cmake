@@ -70,7 +70,8 @@ function(kr_add_test aName)
   target_include_directories(${aName} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
 
   set(command ${arg_WRAPPER} "$<TARGET_FILE:${aName}>")
-  set(environment "")
+  # The settings of whoever runs the tests are neither read nor changed.
+  set(environment "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-settings")
   if(arg_KIND MATCHES "^(x11|camera)$")
     list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-display.sh")
   endif()

@@ -79,6 +79,8 @@ await 8 Xvfb Xvfb >/dev/null
 exec 7<&- # The number is taken: its socket file exists.
 export DISPLAY=":$number"
 export XDG_RUNTIME_DIR="$runtime"
+# What the user has set is neither read nor changed.
+export XDG_CONFIG_HOME="$runtime/config"
 export QT_QPA_PLATFORM=xcb
 # The first key that is typed from outside gives the server another keyboard map, at which a window manager takes its keys
 # anew: one that comes meanwhile is lost. So it is typed before there is one.

@@ -9,13 +9,18 @@
 namespace krviewer {
 
 struct CommandLine {
-  QString device;           ///< ID, MAC, IP address, serial number or user-defined name; empty to pick one.
-  QString descriptionFile;  ///< A description to be shown without a camera; empty for a camera.
-  bool simulate = false;    ///< The built-in simulated lab beside the real devices.
-  QString labFile;          ///< The simulated lab's description; empty for the built-in one.
-  bool headless = false;    ///< Without a display.
-  std::uint64_t frames = 0; ///< Ends after so many frames; 0 never.
-  QString screenshotFolder; ///< Where pictures go at the end; empty for none.
+  /// IDs, MAC or IP addresses, serial numbers or user-defined names, a tab for each; none to begin without a camera.
+  QStringList devices;
+  QString descriptionFile;   ///< A description to be shown without a camera; empty for a camera.
+  bool simulate = false;     ///< The built-in simulated lab beside the real devices.
+  QString labFile;           ///< The simulated lab's description; empty for the built-in one.
+  bool headless = false;     ///< Without a display.
+  std::uint64_t frames = 0;  ///< Ends after so many frames of each camera; 0 never.
+  std::uint32_t seconds = 0; ///< Ends after so many seconds; 0 never.
+  QString screenshotFolder;  ///< Where pictures go at the end; empty for none.
+
+  /// Whether it ends by itself: nobody is asked then, and nothing is kept of how the windows were.
+  bool IsBatch() const { return headless || frames != 0 || seconds != 0; }
 };
 
 enum class CommandLineStatus { Run, Help, Version, Error };

@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QScreen>
+#include <QVBoxLayout>
 
 #include <cstdio>
 
@@ -13,12 +15,14 @@ namespace {
 
 constexpr QSize kPreferredSize(600, 800);
 constexpr int kLookIntervalMs = 50;
+// The part of the screen that the window never exceeds at first, where there is a screen.
+constexpr double kLargestShareOfScreen = 0.9;
 
 } // namespace
 
 DescriptionViewer::DescriptionViewer(const CommandLine& aCommandLine) : mCommandLine(aCommandLine) {
   connect(&mTimer, &QTimer::timeout, this, &DescriptionViewer::LookAgain);
-  connect(&mMainWindow, &MainWindow::EndWanted, this, &DescriptionViewer::Finish);
+  mWindow.installEventFilter(this);
 }
 
 KrResult DescriptionViewer::OpenArray() {
@@ -31,12 +35,17 @@ KrResult DescriptionViewer::OpenArray() {
 
 KrResult DescriptionViewer::OpenWindow() {
   const QString name = QFileInfo(mCommandLine.descriptionFile).fileName();
-  mMainWindow.setWindowTitle(name + QStringLiteral(" - description without a camera"));
-  KrResult result = mMainWindow.Embed(mBrowser, 1);
-  if (!result.IsOK())
-    return result;
+  mWindow.setWindowTitle(name + QStringLiteral(" - description without a camera"));
+  if (KrResult created = mBrowser.CreateIn(&mWindow); !created.IsOK())
+    return created;
+  auto* const layout = new QVBoxLayout(&mWindow);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(mBrowser.GetWidget());
   mBrowser.SetGenParameterArray(mArray.get());
-  mMainWindow.ShowOnScreen(kPreferredSize);
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  mWindow.resize(IsWithoutDisplay() ? kPreferredSize : kPreferredSize.boundedTo(screen.size() * kLargestShareOfScreen));
+  mWindow.show();
+  mBrowser.GetWidget()->setFocus();
   return {};
 }
 
@@ -58,6 +67,13 @@ int DescriptionViewer::Run() {
   QApplication::exec();
   mBrowser.SetGenParameterArray(nullptr);
   return mExitCode;
+}
+
+// The pictures are of a window that is on the screen.
+bool DescriptionViewer::eventFilter(QObject* aObject, QEvent* aEvent) {
+  if (aObject == &mWindow && aEvent->type() == QEvent::Close)
+    Finish();
+  return QObject::eventFilter(aObject, aEvent);
 }
 
 void DescriptionViewer::LookAgain() {

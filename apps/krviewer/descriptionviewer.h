@@ -4,11 +4,11 @@
 #include "commandline.h"
 #include "krgenicam/krgenmemoryport.h"
 #include "krgui/krgenbrowserwnd.h"
-#include "mainwindow.h"
 #include "stopsignal.h"
 
 #include <QObject>
 #include <QTimer>
+#include <QWidget>
 
 #include <memory>
 
@@ -28,6 +28,9 @@ public:
   /// with the file is told on the error stream.
   int Run();
 
+protected:
+  bool eventFilter(QObject* aObject, QEvent* aEvent) override;
+
 private:
   KrResult OpenArray();
   KrResult OpenWindow();
@@ -40,7 +43,7 @@ private:
   // In the order in which one stands on the other.
   KrGenMemoryPort mMemory;
   std::unique_ptr<KrGenParameterArray> mArray;
-  MainWindow mMainWindow;
+  QWidget mWindow;
   KrGenBrowserWnd mBrowser;
   QTimer mTimer;
   int mExitCode = 0;

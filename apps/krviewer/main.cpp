@@ -1,6 +1,5 @@
 #include "commandline.h"
 #include "descriptionviewer.h"
-#include "devicepick.h"
 #include "deviceselection.h"
 #include "krdevice/krdeviceend.h"
 #include "krgui/krapplication.h"
@@ -8,9 +7,12 @@
 #include "krtransport/krtransport.h"
 #include "pictures.h"
 #include "viewer.h"
+#include "viewericon.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -19,10 +21,10 @@ const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
 
 // Without a display there is nobody to close a window: the run is given an end and leaves pictures behind.
 void PrepareHeadless(krviewer::CommandLine& aCommandLine) {
-  if (aCommandLine.frames == 0 && aCommandLine.descriptionFile.isEmpty())
+  if (aCommandLine.frames == 0 && aCommandLine.seconds == 0 && aCommandLine.descriptionFile.isEmpty())
     aCommandLine.frames = kHeadlessFrames;
-  if (aCommandLine.simulate && aCommandLine.labFile.isEmpty() && aCommandLine.device.isEmpty())
-    aCommandLine.device = kFirstSimulatedCamera;
+  if (aCommandLine.simulate && aCommandLine.labFile.isEmpty() && aCommandLine.devices.isEmpty())
+    aCommandLine.devices += kFirstSimulatedCamera;
   if (aCommandLine.screenshotFolder.isEmpty())
     aCommandLine.screenshotFolder = QStringLiteral("pictures");
 }
@@ -39,64 +41,52 @@ bool PrepareWindows(krviewer::CommandLine& aCommandLine) {
     std::fprintf(stderr, "%s\n", result.GetDescription().CStr());
   else if (krviewer::IsWithoutDisplay())
     PrepareHeadless(aCommandLine);
+  if (result.IsOK())
+    krviewer::InstallViewerIcon();
   return result.IsOK();
 }
 
-// The device that the command line names, or that is chosen without a user.
-KrResult SelectDevice(KrSystem& aSystem, const krviewer::CommandLine& aCommandLine, const KrDeviceInfo*& aDevice) {
+KrResult InstallTransports(const krviewer::CommandLine& aCommandLine, bool aWantsSimulation) {
+  return KrInstallTransports(
+      {.gigEVision = true, .simulation = aWantsSimulation, .labFile = aCommandLine.labFile.toStdString()});
+}
+
+// The device that the command line names, or, for an empty name, the first one.
+KrResult SelectDevice(const krviewer::CommandLine& aCommandLine, const QString& aName, krviewer::CameraInfo& aCamera) {
+  const auto system = std::make_shared<KrSystem>();
   // So that cameras of a foreign subnet answer too, and a user is told why one cannot be opened.
-  aSystem.SetSubnetBroadcastEnabled(false);
-  const KrResult selected = krapps::SelectDevice(aSystem, aCommandLine.device.toStdString(), aDevice);
-  if (!selected.IsOK()) {
+  system->SetSubnetBroadcastEnabled(false);
+  const KrDeviceInfo* device = nullptr;
+  const KrResult selected = krapps::SelectDevice(*system, aName.toStdString(), device);
+  if (!selected.IsOK() && selected != KrResult::Code::Cancelled) {
     std::fprintf(stderr, "%s\n", selected.GetDescription().CStr());
     if (!aCommandLine.simulate)
       std::fprintf(stderr, "With --simulate there are simulated cameras to try.\n");
   }
+  aCamera = krviewer::CameraInfo(system, device);
   return selected;
 }
 
-KrResult PickDevice(KrDeviceFinderWnd& aFinder, const KrDeviceInfo*& aDevice) {
-  const KrResult picked = krviewer::PickDevice(aFinder, aDevice);
-  if (!picked.IsOK() && picked != KrResult::Code::Cancelled)
-    std::fprintf(stderr, "%s\n", picked.GetDescription().CStr());
-  return picked;
-}
-
-// Lets the user pick until there is a camera that can be shown, or he has had enough.
-int RunPickedDevice(const krviewer::CommandLine& aCommandLine) {
-  KrDeviceFinderWnd finder;
-  for (;;) {
-    const KrDeviceInfo* device = nullptr;
-    if (const KrResult picked = PickDevice(finder, device); !picked.IsOK())
-      return picked == KrResult::Code::Cancelled ? 0 : 1;
-    KrResult failure;
-    {
-      krviewer::Viewer viewer(*device, aCommandLine);
-      const int exitCode = viewer.Run();
-      failure = viewer.GetFailure();
-      if (failure.IsOK())
-        return exitCode;
-    }
-    if (!krviewer::TellFailure(*device, failure).IsOK())
-      return 1;
-  }
-}
-
 int RunViewer(const krviewer::CommandLine& aCommandLine) {
-  if (KrResult installed = KrInstallTransports(
-          {.gigEVision = true, .simulation = aCommandLine.simulate, .labFile = aCommandLine.labFile.toStdString()});
-      !installed.IsOK()) {
+  if (const KrResult installed = InstallTransports(aCommandLine, aCommandLine.simulate); !installed.IsOK()) {
     std::fprintf(stderr, "%s\n", installed.GetDescription().CStr());
     return 1;
   }
-  if (aCommandLine.device.isEmpty() && !krviewer::IsWithoutDisplay())
-    return RunPickedDevice(aCommandLine);
-  KrSystem system;
-  const KrDeviceInfo* device = nullptr;
-  const KrResult found = SelectDevice(system, aCommandLine, device);
-  if (found == KrResult::Code::Cancelled)
-    return 0;
-  return found.IsOK() ? krviewer::Viewer(*device, aCommandLine).Run() : 1;
+  QStringList names = aCommandLine.devices;
+  if (names.isEmpty() && krviewer::IsWithoutDisplay())
+    names += QString();
+  std::vector<krviewer::CameraInfo> cameras(static_cast<std::size_t>(names.size()));
+  for (qsizetype index = 0; index < names.size(); ++index) {
+    const KrResult found = SelectDevice(aCommandLine, names[index], cameras[static_cast<std::size_t>(index)]);
+    if (!found.IsOK())
+      return found == KrResult::Code::Cancelled ? 0 : 1;
+  }
+  krviewer::Viewer viewer(aCommandLine, {.settingsFile = krviewer::ViewerSettings::GetUserFile(),
+                                         .installSimulation = [&] { return InstallTransports(aCommandLine, true); }});
+  viewer.Begin();
+  for (const krviewer::CameraInfo& camera : cameras)
+    viewer.Open(camera);
+  return viewer.Run();
 }
 
 } // namespace

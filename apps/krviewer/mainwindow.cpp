@@ -1,82 +1,163 @@
 #include "mainwindow.h"
 
-#include "krgui/krwnd.h"
 #include "pictures.h"
+#include "showntext.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
-#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
 namespace krviewer {
 
 namespace {
 
+constexpr QSize kPreferredSize(1200, 800);
 // The part of the screen that a window never exceeds at first, where there is a screen.
 constexpr double kLargestShareOfScreen = 0.9;
-
-bool IsEndingKey(const QKeyEvent& aEvent) {
-  const bool isPlain = (aEvent.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-  const bool isKey = aEvent.key() == Qt::Key_Escape || aEvent.key() == Qt::Key_Return || aEvent.key() == Qt::Key_Enter;
-  return isPlain && isKey && !aEvent.isAutoRepeat();
-}
+/// Of a camera's name on its tab.
+constexpr int kMostLetters = 40;
 
 } // namespace
 
-MainWindow::MainWindow() : mSplitter(new QSplitter) {
-  mSplitter->setChildrenCollapsible(false);
-  setCentralWidget(mSplitter);
-}
-
-KrResult MainWindow::Embed(KrWnd& aWindow, int aShare) {
-  auto* const place = new QWidget;
-  auto* const layout = new QVBoxLayout(place);
+MainWindow::MainWindow(bool aIsOwn)
+    : mIsOwn(aIsOwn), mParts(new QStackedWidget), mFirstPage(new FirstPage), mTabs(new QTabWidget),
+      mBar(new MessageBar), mMenus(new MainMenus(*this, [this] { return GetCurrentPage(); })) {
+  auto* const whole = new QWidget;
+  auto* const layout = new QVBoxLayout(whole);
   layout->setContentsMargins(0, 0, 0, 0);
-  mSplitter->addWidget(place);
-  mSplitter->setStretchFactor(mSplitter->count() - 1, aShare);
-  mShares += aShare;
-  KrResult result = aWindow.CreateIn(place);
-  if (result.IsOK())
-    layout->addWidget(aWindow.GetWidget());
-  return result;
+  layout->setSpacing(0);
+  layout->addWidget(mBar);
+  layout->addWidget(mParts, 1);
+  mTabs->setTabsClosable(true);
+  mTabs->setMovable(true);
+  mTabs->setDocumentMode(true);
+  mTabs->setElideMode(Qt::ElideRight);
+  mTabs->tabBar()->setAccessibleName(QStringLiteral("Cameras"));
+  mParts->addWidget(mFirstPage);
+  mParts->addWidget(mTabs);
+  setCentralWidget(whole);
+  statusBar()->setSizeGripEnabled(true);
+  connect(mTabs, &QTabWidget::tabCloseRequested, this, [this](int aIndex) { emit PageEndWanted(GetPage(aIndex)); });
+  ConnectMenus();
+  LookAgain();
 }
 
-QAction* MainWindow::AddTool(const QString& aText, const QKeySequence& aShortcut) {
-  if (!mTools)
-    mTools = menuBar()->addMenu(QStringLiteral("&Tools"));
-  return mTools->addAction(aText, aShortcut);
+void MainWindow::ConnectMenus() {
+  connect(mMenus, &MainMenus::CloseCameraWanted, this, [this] {
+    if (CameraPage* const page = GetCurrentPage())
+      emit PageEndWanted(page);
+  });
+  connect(mMenus, &MainMenus::MoveWanted, this, [this] {
+    if (CameraPage* const page = GetCurrentPage())
+      emit MoveWanted(page);
+  });
+  connect(mMenus, &MainMenus::StepWanted, this, &MainWindow::Step);
+  connect(mMenus, &MainMenus::FullScreenWanted, this, &MainWindow::SwitchFullScreen);
 }
 
-void MainWindow::ShowOnScreen(QSize aPreferredSize) {
+void MainWindow::SetRecentCameras(const RecentCameras& aCameras) {
+  mMenus->SetRecentCameras(aCameras);
+  mFirstPage->SetRecentCameras(aCameras);
+}
+
+CameraPage* MainWindow::GetPage(int aIndex) const {
+  return qobject_cast<CameraPage*>(mTabs->widget(aIndex));
+}
+
+CameraPage* MainWindow::GetCurrentPage() const {
+  return GetPage(mTabs->currentIndex());
+}
+
+QList<CameraPage*> MainWindow::GetPages() const {
+  QList<CameraPage*> pages;
+  for (int index = 0; index < mTabs->count(); ++index)
+    pages += GetPage(index);
+  return pages;
+}
+
+void MainWindow::AddPage(CameraPage& aPage) {
+  mTabs->addTab(&aPage, QString());
+  mParts->setCurrentWidget(mTabs);
+  mTabs->setCurrentWidget(&aPage);
+  LookAgain();
+  aPage.setFocus();
+}
+
+void MainWindow::RemovePage(CameraPage& aPage) {
+  mTabs->removeTab(mTabs->indexOf(&aPage));
+  aPage.hide();
+  aPage.setParent(nullptr);
+  if (mTabs->count() == 0) {
+    mParts->setCurrentWidget(mFirstPage);
+    mFirstPage->setFocus();
+  }
+  LookAgain();
+}
+
+bool MainWindow::BringForward(CameraPage& aPage) {
+  if (mTabs->indexOf(&aPage) < 0)
+    return false;
+  mTabs->setCurrentWidget(&aPage);
+  if (isMinimized())
+    showNormal();
+  raise();
+  activateWindow();
+  aPage.setFocus();
+  return true;
+}
+
+void MainWindow::ShowOnScreen(const QByteArray& aLayout) {
   const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-  const int menuHeight = mTools ? menuBar()->sizeHint().height() : 0;
-  const QSize preferred = aPreferredSize + QSize(0, menuHeight);
-  const QSize largest = IsWithoutDisplay() ? preferred : screen.size() * kLargestShareOfScreen;
-  QRect place(QPoint(), preferred.boundedTo(largest));
+  const QSize largest = IsWithoutDisplay() ? kPreferredSize : screen.size() * kLargestShareOfScreen;
+  QRect place(QPoint(), kPreferredSize.boundedTo(largest));
   place.moveCenter(screen.center());
   setGeometry(place);
-  // In proportion: the splitter makes of them what there is.
-  QList<int> widths;
-  for (const int share : mShares)
-    widths += share * place.width();
-  mSplitter->setSizes(widths);
+  if (!aLayout.isEmpty() && restoreGeometry(aLayout))
+    setWindowState(windowState() & ~(Qt::WindowFullScreen | Qt::WindowMinimized));
   show();
 }
 
-bool MainWindow::IsInEndingWindow() const {
-  const QWidget* const focused = QApplication::focusWidget();
-  const QWidget* const ending = mEndingWindow ? mEndingWindow->GetWidget() : nullptr;
-  return ending && (!focused || focused == this || focused == ending || ending->isAncestorOf(focused));
+void MainWindow::LookAgain() {
+  for (int index = 0; index < mTabs->count(); ++index) {
+    const QString title = GetPage(index)->GetTitle();
+    const QString text = ToEntry(ToLine(ToText(GetPage(index)->GetCamera().GetDisplayID()), kMostLetters));
+    // Setting the same text once more would lay the tabs out anew.
+    if (mTabs->tabText(index) != text)
+      mTabs->setTabText(index, text);
+    mTabs->setTabToolTip(index, ToToolTip(title));
+  }
+  const CameraPage* const page = GetCurrentPage();
+  setWindowTitle(page ? page->GetTitle() : QStringLiteral("krviewer"));
+  mMenus->LookAgain({.pages = mTabs->count(), .isOwn = mIsOwn, .isFullScreen = isFullScreen()});
+}
+
+void MainWindow::SwitchFullScreen() {
+  const bool isFull = !isFullScreen();
+  mMenus->SetShown(!isFull);
+  statusBar()->setVisible(!isFull);
+  mTabs->tabBar()->setVisible(!isFull);
+  setWindowState(windowState() ^ Qt::WindowFullScreen);
+  LookAgain();
+}
+
+void MainWindow::Step(int aStep) {
+  const int count = mTabs->count();
+  if (count < 2)
+    return;
+  mTabs->setCurrentIndex((mTabs->currentIndex() + aStep + count) % count);
+  GetCurrentPage()->setFocus();
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* aEvent) {
-  if (IsEndingKey(*aEvent) && IsInEndingWindow())
-    close();
+  if (aEvent->key() == Qt::Key_Escape && isFullScreen())
+    SwitchFullScreen();
   else
     QMainWindow::keyPressEvent(aEvent);
 }

@@ -1,37 +1,53 @@
 #pragma once
-// The viewer's window: library windows side by side, each as wide as the user wants it, under a menu of further ones.
-// What they show is left to whoever embeds them.
+// A window of the viewer: a tab for each of its cameras, under menus and a tool bar; without a camera, how to begin.
+// Which cameras there are, and in which window, is left to the viewer.
 
-#include <QKeySequence>
-#include <QList>
+#include "camerapage.h"
+#include "firstpage.h"
+#include "mainmenus.h"
+
 #include <QMainWindow>
 
-class KrResult;
-class KrWnd;
-class QAction;
-class QMenu;
-class QSplitter;
+class QStackedWidget;
+class QTabWidget;
 
 namespace krviewer {
 
-/// Thread: user interface. Ownership: a window of its own; what is embedded in it is borrowed.
+/// Thread: user interface. Ownership: a window of its own; the pages in it are the viewer's.
 class MainWindow : public QMainWindow {
   Q_OBJECT
 
 public:
-  MainWindow();
+  /// aIsOwn for a page that is moved out of another window's tabs.
+  explicit MainWindow(bool aIsOwn = false);
 
-  /// Embeds a window at the right of those that are there. aShare is its share of the width, in parts of those of all.
-  KrResult Embed(KrWnd& aWindow, int aShare);
-  /// Adds an entry to the menu "Tools", which a window without entries does not have. Belongs to this window.
-  QAction* AddTool(const QString& aText, const QKeySequence& aShortcut);
-  /// The embedded window whose keys Escape and Enter end the viewer, as they close one that stands alone.
-  void SetEndingWindow(const KrWnd& aWindow) { mEndingWindow = &aWindow; }
-  /// Opens it in the middle of the screen, with the preferred size under the menu where that fits.
-  void ShowOnScreen(QSize aPreferredSize);
+  MainMenus& GetMenus() { return *mMenus; }
+  FirstPage& GetFirstPage() { return *mFirstPage; }
+  /// What is wrong with no camera in particular.
+  MessageBar& GetBar() { return *mBar; }
+  bool IsOwn() const { return mIsOwn; }
+  void SetRecentCameras(const RecentCameras& aCameras);
+
+  /// Adds the page as the last tab and brings it to the front.
+  void AddPage(CameraPage& aPage);
+  /// Takes it out; it is nobody's child then.
+  void RemovePage(CameraPage& aPage);
+  /// Whether it is here, after which it is in front.
+  bool BringForward(CameraPage& aPage);
+  /// Null without pages.
+  CameraPage* GetCurrentPage() const;
+  QList<CameraPage*> GetPages() const;
+
+  /// Opens it where it was, or in the middle of the screen.
+  void ShowOnScreen(const QByteArray& aLayout);
+  QByteArray SaveLayout() const { return saveGeometry(); }
+  /// Shows what has changed; to be called often.
+  void LookAgain();
 
 signals:
-  /// The user wants to end the viewer; the window is still on the screen.
+  void PageEndWanted(CameraPage* aPage);
+  void MoveWanted(CameraPage* aPage);
+  /// The user has closed the window, which is still on the screen.
   void EndWanted();
 
 protected:
@@ -39,12 +55,17 @@ protected:
   void closeEvent(QCloseEvent* aEvent) override;
 
 private:
-  bool IsInEndingWindow() const;
+  CameraPage* GetPage(int aIndex) const;
+  void ConnectMenus();
+  void SwitchFullScreen();
+  void Step(int aStep);
 
-  QSplitter* const mSplitter;
-  QMenu* mTools = nullptr;
-  const KrWnd* mEndingWindow = nullptr;
-  QList<int> mShares;
+  const bool mIsOwn;
+  QStackedWidget* const mParts; ///< The first page, or the tabs.
+  FirstPage* const mFirstPage;
+  QTabWidget* const mTabs;
+  MessageBar* const mBar;
+  MainMenus* const mMenus;
 };
 
 } // namespace krviewer

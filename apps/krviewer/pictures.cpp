@@ -54,6 +54,12 @@ KrResult WriteBrowserPicture(KrGenBrowserWnd& aWindow, const QString& aFolder) {
   return SaveImage(widget->grab().toImage(), QDir(aFolder).filePath(QStringLiteral("browser.png")));
 }
 
+KrResult WriteWindowPicture(QWidget& aWindow, const QString& aFolder) {
+  if (!QDir().mkpath(aFolder))
+    return FailToWrite(aFolder, QStringLiteral("the folder cannot be made"));
+  return SaveImage(GrabWindow(aWindow), QDir(aFolder).filePath(QStringLiteral("window.png")));
+}
+
 KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder) {
   QWidget* widget = aWindow.GetWidget();
   const IKrImage* image = aWindow.GetInternalBuffer().GetImage();

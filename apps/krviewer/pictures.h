@@ -6,6 +6,8 @@
 
 #include <QString>
 
+class QWidget;
+
 namespace krviewer {
 
 /// Writes into aFolder, which is made when it does not exist:
@@ -19,6 +21,9 @@ KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder);
 /// Writes browser.png into aFolder, likewise: the feature browser with what it has read so far. WrongState when the
 /// window is not open.
 KrResult WriteBrowserPicture(KrGenBrowserWnd& aWindow, const QString& aFolder);
+
+/// Writes window.png into aFolder, likewise: a whole window with all that is in it, as it is on the screen.
+KrResult WriteWindowPicture(QWidget& aWindow, const QString& aFolder);
 
 /// Whether windows are on no screen.
 bool IsWithoutDisplay();

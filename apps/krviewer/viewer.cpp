@@ -1,173 +1,310 @@
 #include "viewer.h"
 
+#include "aboutbox.h"
+#include "pageending.h"
 #include "pictures.h"
+#include "showntext.h"
 
-#include <QAction>
 #include <QApplication>
+#include <QDir>
 
-#include <cinttypes>
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <utility>
 
 namespace krviewer {
 
 namespace {
 
-constexpr QSize kPreferredSize(1200, 750);
-constexpr int kDisplayShare = 6; // The browser's is the rest of ten.
-constexpr int kBrowserShare = 4;
 constexpr int kLookIntervalMs = 50;
-
-QString ToText(const KrString& aText) {
-  return QString::fromUtf8(aText.CStr());
-}
-
-QString GetStateText(const AcquisitionProgress& aProgress, bool aAreCamerasAsked) {
-  switch (aProgress.state) {
-  case AcquisitionState::Connecting:
-    return QStringLiteral("connecting");
-  case AcquisitionState::Lost:
-    return QStringLiteral("camera lost, waiting for it to come back");
-  default:
-    return aAreCamerasAsked ? QStringLiteral("asking the cameras behind its ports") : QString();
-  }
-}
+const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
 
 } // namespace
 
-Viewer::Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine)
-    : mDeviceInfo(aDevice), mCommandLine(aCommandLine),
-      mTerminalAction(mMainWindow.AddTool(QStringLiteral("&Serial Terminal"), Qt::CTRL | Qt::Key_T)),
-      mBridgeMenu(mMainWindow, mBridges, GetSerialBridgeWords()),
-      mPortCreation(mMainWindow.AddTool(QStringLiteral("&Create COM Ports"), {})),
-      mCameraBridgeMenu(mMainWindow, mCameraBridges, GetCameraBridgeWords()) {
-  mTerminalAction->setEnabled(false); // Until there is a device.
-  connect(mTerminalAction, &QAction::triggered, this, &Viewer::ShowTerminal);
-  mPortCreation->setCheckable(true);
-  connect(mPortCreation, &QAction::toggled, this, [this](bool aIsOn) { mBridges.GetWindow().SetCreatingPorts(aIsOn); });
+Viewer::Viewer(const CommandLine& aCommandLine, const ViewerHost& aHost)
+    : mCommandLine(aCommandLine), mHost(aHost), mSettings(aCommandLine.IsBatch() ? QString() : aHost.settingsFile),
+      mRecentCameras(mSettings.GetRecentCameras()), mFinder([this](const CameraInfo& aCamera) { Open(aCamera); }) {
   connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
-  connect(&mMainWindow, &MainWindow::EndWanted, this, &Viewer::Finish);
+  mEndTimer.setSingleShot(true);
+  connect(&mEndTimer, &QTimer::timeout, this, &Viewer::Finish);
 }
 
-Viewer::~Viewer() = default;
+Viewer::~Viewer() {
+  mSearch.End();
+}
 
-KrResult Viewer::OpenWindow() {
-  UpdateTitle({});
-  KrResult result = mMainWindow.Embed(mWindow, kDisplayShare);
-  if (result.IsOK())
-    result = mMainWindow.Embed(mBrowser.GetWindow(), kBrowserShare);
-  if (!result.IsOK())
-    return result;
-  mMainWindow.SetEndingWindow(mWindow);
-  mMainWindow.ShowOnScreen(kPreferredSize);
-  mWindow.GetWidget()->setFocus();
-  return {};
+QList<MainWindow*> Viewer::GetWindows() const {
+  QList<MainWindow*> windows;
+  for (const std::unique_ptr<MainWindow>& window : mWindows)
+    windows += window.get();
+  return windows;
+}
+
+void Viewer::Begin() {
+  AddWindow(false).ShowOnScreen(mSettings.GetWindowLayout());
+  mTimer.start(kLookIntervalMs);
+  if (mCommandLine.seconds != 0)
+    mEndTimer.start(std::chrono::seconds(mCommandLine.seconds));
 }
 
 int Viewer::Run() {
-  if (KrResult opened = OpenWindow(); !opened.IsOK()) {
-    std::fprintf(stderr, "The window cannot be opened: %s\n", opened.GetDescription().CStr());
-    return 1;
-  }
-  std::printf("camera=%s\n", mDeviceInfo.GetDisplayID().CStr());
-  mAcquisition =
-      std::make_unique<Acquisition>(mWindow, mDeviceInfo, AcquisitionOptions{.frameLimit = mCommandLine.frames});
-  mTimer.start(kLookIntervalMs);
   QApplication::exec();
-  mAcquisition.reset();
+  // Whoever ends the loop otherwise ends the viewer, too.
+  Finish();
   return mExitCode;
 }
 
-void Viewer::UpdateTitle(const AcquisitionProgress& aProgress) {
-  const QString state = GetStateText(aProgress, mCameraBridges.IsWorking());
-  const QString title = ToText(mDeviceInfo.GetDisplayID()) + (state.isEmpty() ? state : QStringLiteral(" - ") + state);
-  if (title != mTitle) {
-    mTitle = title;
-    mMainWindow.setWindowTitle(title);
+MainWindow& Viewer::AddWindow(bool aIsOwn) {
+  mWindows.push_back(std::make_unique<MainWindow>(aIsOwn));
+  MainWindow& window = *mWindows.back();
+  window.SetRecentCameras(mRecentCameras);
+  ConnectWindow(window);
+  return window;
+}
+
+void Viewer::ConnectWindow(MainWindow& aWindow) {
+  MainMenus& menus = aWindow.GetMenus();
+  FirstPage& first = aWindow.GetFirstPage();
+  connect(&menus, &MainMenus::FindWanted, this, &Viewer::ShowFinder);
+  connect(&first, &FirstPage::FindWanted, this, &Viewer::ShowFinder);
+  connect(&menus, &MainMenus::SimulationWanted, this, &Viewer::OpenSimulated);
+  connect(&first, &FirstPage::SimulationWanted, this, &Viewer::OpenSimulated);
+  connect(&menus, &MainMenus::CameraWanted, this, &Viewer::Search);
+  connect(&first, &FirstPage::CameraWanted, this, &Viewer::Search);
+  connect(&menus, &MainMenus::ForgetWanted, this, [this] { SetRecentCameras({}); });
+  connect(&menus, &MainMenus::QuitWanted, this, &Viewer::Finish);
+  connect(&menus, &MainMenus::AboutWanted, this, [&aWindow] { ShowAboutBox(aWindow); });
+  connect(&aWindow, &MainWindow::PageEndWanted, this, [this](CameraPage* aPage) { EndPage(*aPage); });
+  connect(&aWindow, &MainWindow::MoveWanted, this, [this](CameraPage* aPage) { MovePage(*aPage); });
+  connect(&aWindow, &MainWindow::EndWanted, this, [this, &aWindow] { CloseWindow(aWindow); });
+}
+
+// The window that is looked at, or the first one.
+MainWindow& Viewer::GetActiveWindow() const {
+  for (const std::unique_ptr<MainWindow>& window : mWindows)
+    if (window->isActiveWindow())
+      return *window;
+  return *mWindows.front();
+}
+
+MainWindow* Viewer::FindWindowOf(const CameraPage& aPage) const {
+  for (const std::unique_ptr<MainWindow>& window : mWindows)
+    if (window->GetPages().contains(&aPage))
+      return window.get();
+  return nullptr;
+}
+
+void Viewer::ShowFinder() {
+  if (mIsOver)
+    return;
+  MainWindow& window = GetActiveWindow();
+  if (const KrResult shown = mFinder.Show(window.winId()); !shown.IsOK())
+    window.GetBar().Say({MessageKind::Error, ToText(shown.GetDescription())});
+}
+
+void Viewer::OpenSimulated() {
+  const KrResult installed = mHost.installSimulation ? mHost.installSimulation() : KrResult();
+  if (installed.IsOK())
+    Search(kFirstSimulatedCamera);
+  else
+    GetActiveWindow().GetBar().Say({MessageKind::Error, ToText(installed.GetDescription())});
+}
+
+void Viewer::Search(const QString& aName) {
+  if (mIsOver || std::ranges::find(mWanted, aName) != mWanted.end())
+    return;
+  mWanted.push_back(aName);
+  if (!mSearch.IsRunning())
+    SearchNext();
+}
+
+void Viewer::SearchNext() {
+  if (mWanted.empty() || mIsOver)
+    return;
+  const QString name = mWanted.front();
+  GetActiveWindow().GetBar().Say(
+      {MessageKind::Information, QStringLiteral("Looking for the camera…"), {}, /*canBeDismissed=*/false});
+  mSearch.Start(name, [this, name](const CameraInfo& aCamera, const KrResult& aResult) {
+    mWanted.pop_front();
+    for (MainWindow* const window : GetWindows())
+      window->GetBar().Clear();
+    if (aResult.IsOK())
+      Open(aCamera);
+    else
+      TellNotFound(name, aResult);
+    SearchNext();
+  });
+}
+
+void Viewer::TellNotFound(const QString& aName, const KrResult& aResult) {
+  QString shown = aName;
+  for (const RecentCamera& camera : mRecentCameras.GetAll())
+    if (camera.id == aName)
+      shown = camera.name;
+  GetActiveWindow().GetBar().Say(
+      {MessageKind::Warning,
+       QStringLiteral("%1 was not found. Check its cable and its power, or look for it among all cameras.\n%2")
+           .arg(shown, ToText(aResult.GetDescription())),
+       {{QStringLiteral("&Try Again"), [this, aName] { Search(aName); }},
+        {QStringLiteral("&Find a Camera…"), [this] { ShowFinder(); }}}});
+}
+
+void Viewer::Open(const CameraInfo& aCamera) {
+  if (mIsOver)
+    return;
+  for (const std::unique_ptr<CameraPage>& page : mPages)
+    if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID()) {
+      FindWindowOf(*page)->BringForward(*page);
+      return;
+    }
+  std::printf("camera=%s\n", aCamera->GetDisplayID().CStr());
+  const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames},
+                            .isPictureKept = !mCommandLine.screenshotFolder.isEmpty(),
+                            .number = ++mOpened};
+  mPages.push_back(std::make_unique<CameraPage>(aCamera, options));
+  CameraPage& page = *mPages.back();
+  connect(&page, &CameraPage::FindWanted, this, &Viewer::ShowFinder);
+  connect(&page, &CameraPage::AcquisitionEnded, this, [this, &page] { NoteEnd(page); });
+  MainWindow& window = GetActiveWindow();
+  window.GetBar().Clear();
+  if (const KrResult opened = page.Open(); !opened.IsOK())
+    window.GetBar().Say({MessageKind::Error, ToText(opened.GetDescription())});
+  page.RestoreLayout(mSettings.GetPageLayout());
+  window.AddPage(page);
+  RecentCameras recent = mRecentCameras;
+  recent.Add({ToText(aCamera->GetUniqueID()), ToText(aCamera->GetDisplayID())});
+  SetRecentCameras(recent);
+}
+
+void Viewer::SetRecentCameras(const RecentCameras& aCameras) {
+  mRecentCameras = aCameras;
+  mSettings.SetRecentCameras(aCameras);
+  for (MainWindow* const window : GetWindows())
+    window->SetRecentCameras(aCameras);
+}
+
+void Viewer::MovePage(CameraPage& aPage) {
+  MainWindow* const from = FindWindowOf(aPage);
+  if (!from || mIsOver)
+    return;
+  const bool isBack = from->IsOwn();
+  const QList<MainWindow*> windows = GetWindows();
+  const auto target = std::ranges::find_if(windows, [](const MainWindow* aWindow) { return !aWindow->IsOwn(); });
+  MainWindow& to = isBack && target != windows.end() ? **target : AddWindow(!isBack);
+  from->RemovePage(aPage);
+  if (!to.isVisible())
+    to.ShowOnScreen({});
+  to.AddPage(aPage);
+  aPage.show();
+  to.activateWindow();
+  if (isBack && from->GetPages().isEmpty())
+    from->close();
+}
+
+void Viewer::EndPage(CameraPage& aPage) {
+  MainWindow* const window = FindWindowOf(aPage);
+  if (!window)
+    return;
+  mSettings.SetPageLayout(aPage.GetPanels().SaveLayout());
+  Discard(aPage);
+  if (window->IsOwn() && window->GetPages().isEmpty())
+    window->close();
+}
+
+// Loops may run here, in which the same page, or the viewer, ends once more.
+void Viewer::Discard(CameraPage& aPage) {
+  const auto found = std::ranges::find(mPages, &aPage, &std::unique_ptr<CameraPage>::get);
+  if (found == mPages.end())
+    return;
+  mEndedPages.push_back(std::move(*found));
+  mPages.erase(found);
+  QString folder = mCommandLine.screenshotFolder;
+  if (!folder.isEmpty() && aPage.GetNumber() > 1)
+    folder = QDir(folder).filePath(QStringLiteral("camera-%1").arg(aPage.GetNumber()));
+  const QString prefix = mOpened > 1 ? QStringLiteral("camera=%1 ").arg(ToText(aPage.GetCamera().GetDisplayID())) : "";
+  if (!EndWithFigures(aPage, folder, prefix))
+    mExitCode = 1;
+  if (MainWindow* const window = FindWindowOf(aPage))
+    window->RemovePage(aPage);
+}
+
+void Viewer::CloseWindow(MainWindow& aWindow) {
+  const auto found = std::ranges::find(mWindows, &aWindow, &std::unique_ptr<MainWindow>::get);
+  if (found == mWindows.end())
+    return;
+  if (mWindows.size() == 1)
+    return Finish();
+  KeepLayouts();
+  for (CameraPage* const page : aWindow.GetPages())
+    Discard(*page);
+  const auto still = std::ranges::find(mWindows, &aWindow, &std::unique_ptr<MainWindow>::get);
+  if (still == mWindows.end())
+    return;
+  mEndedWindows.push_back(std::move(*still));
+  mWindows.erase(still);
+}
+
+void Viewer::NoteEnd(CameraPage& aPage) {
+  const AcquisitionProgress& progress = aPage.GetProgress();
+  if (progress.state == AcquisitionState::Failed) {
+    std::fprintf(stderr, "%s: %s\n", progress.result.GetCodeString().CStr(), progress.result.GetDescription().CStr());
+    if (mCommandLine.IsBatch())
+      mExitCode = 1;
   }
+  const bool haveAllEnded =
+      std::ranges::all_of(mPages, [](const auto& aOther) { return aOther->HasAcquisitionEnded(); });
+  if (mCommandLine.IsBatch() && haveAllEnded)
+    Finish();
 }
 
 void Viewer::LookAgain() {
-  const AcquisitionProgress progress = mAcquisition->GetProgress();
-  const bool isOver = progress.state == AcquisitionState::Finished || progress.state == AcquisitionState::Failed;
-  if (isOver || mStopSignal.IsRaised())
+  if (mStopSignal.IsRaised())
     return Finish();
-  mAcquisition->LookAgain();
-  UpdateTitle(progress);
-  TellMissingFeatures(progress);
-  mBrowser.Follow(mAcquisition->GetParameters(ParameterBorrower::Browser));
-  mTerminalAction->setEnabled(mTerminal.HasDevice());
-  mBridges.Follow(mAcquisition->GetDevice(DeviceBorrower::Bridges));
-  mBridgeMenu.LookAgain();
-  mCameraBridges.Follow(mAcquisition->GetDevice(DeviceBorrower::CameraBridges));
-  mCameraBridgeMenu.LookAgain();
-  // Last: the terminal may show a message box here, and looks go on while it is open, as they do in the loops of the
-  // camera bridges before it.
-  mTerminal.Follow(mAcquisition->GetDevice(DeviceBorrower::Terminal));
+  mFinder.Follow();
+  mSearch.Follow();
+  for (MainWindow* const window : GetWindows())
+    window->LookAgain();
+  std::erase_if(mEndedPages, [](const auto& aPage) { return aPage->IsIdle(); });
+  // Now, as a window that has said that it ends is no longer at it.
+  mEndedWindows.clear();
 }
 
-void Viewer::ShowTerminal() {
-  const KrResult shown = mTerminal.Show(mMainWindow.winId());
-  if (!shown.IsOK())
-    std::fprintf(stderr, "The serial terminal cannot be opened: %s\n", shown.GetDescription().CStr());
+void Viewer::KeepLayouts() {
+  if (!mWindows.empty())
+    mSettings.SetWindowLayout(mWindows.front()->SaveLayout());
+  if (CameraPage* const page = GetActiveWindow().GetCurrentPage())
+    mSettings.SetPageLayout(page->GetPanels().SaveLayout());
 }
 
-void Viewer::TellMissingFeatures(const AcquisitionProgress& aProgress) {
-  if (aProgress.parameters.IsOK() || mHasToldMissing)
+void Viewer::SaveWindowPicture() {
+  if (mCommandLine.screenshotFolder.isEmpty())
     return;
-  mHasToldMissing = true;
-  std::fprintf(stderr, "The camera's features cannot be shown: %s\n", aProgress.parameters.GetDescription().CStr());
+  const KrResult written = WriteWindowPicture(GetActiveWindow(), mCommandLine.screenshotFolder);
+  if (written.IsOK())
+    return;
+  std::fprintf(stderr, "No picture of the window was written: %s\n", written.GetDescription().CStr());
+  mExitCode = 1;
 }
 
 void Viewer::Finish() {
-  if (mIsOver || !mAcquisition)
+  if (std::exchange(mIsOver, true))
     return;
-  mIsOver = true;
   mTimer.stop();
-  const bool hasFrames = mAcquisition->GetProgress().figures.GetFrames() > 0;
-  const bool wantsPictures = !mCommandLine.screenshotFolder.isEmpty() && hasFrames;
-  // Before the camera is given back, as the browser is empty then.
-  if (wantsPictures && !SaveBrowserPicture())
-    mExitCode = 1;
-  mBrowser.GiveBack(mAcquisition->GetParameters(ParameterBorrower::Browser));
-  mTerminal.GiveBack(mAcquisition->GetDevice(DeviceBorrower::Terminal));
-  mTerminal.Close();
-  mBridges.GiveBack(mAcquisition->GetDevice(DeviceBorrower::Bridges));
-  mBridges.Close();
-  mCameraBridges.GiveBack(mAcquisition->GetDevice(DeviceBorrower::CameraBridges));
-  mCameraBridges.Close();
-  mAcquisition->Stop();
-  const AcquisitionProgress progress = mAcquisition->GetProgress();
-  if (progress.state == AcquisitionState::Failed) {
-    std::fprintf(stderr, "%s: %s\n", progress.result.GetCodeString().CStr(), progress.result.GetDescription().CStr());
-    mExitCode = 1;
-    if (progress.figures.GetFrames() == 0)
-      mFailure = progress.result;
+  mEndTimer.stop();
+  mSearch.End();
+  mFinder.Close();
+  KeepLayouts();
+  SaveWindowPicture();
+  while (!mPages.empty()) {
+    CameraPage& page = *mPages.front();
+    if (!mCommandLine.screenshotFolder.isEmpty())
+      FindWindowOf(page)->BringForward(page);
+    Discard(page);
   }
-  if (wantsPictures && !SavePictures())
-    mExitCode = 1;
-  std::printf("%s\n", krapps::FormatClosingLine(progress.figures, progress.statistics).c_str());
+  for (MainWindow* const window : GetWindows())
+    window->hide();
   QCoreApplication::exit();
-}
-
-bool Viewer::SaveBrowserPicture() {
-  const KrResult result = WriteBrowserPicture(mBrowser.GetWindow(), mCommandLine.screenshotFolder);
-  if (!result.IsOK())
-    std::fprintf(stderr, "No picture of the features was written: %s\n", result.GetDescription().CStr());
-  return result.IsOK();
-}
-
-bool Viewer::SavePictures() {
-  // What still waits for this window, its last painting among it, is done first.
-  KrResult result = mWindow.DoEvents();
-  if (result.IsOK())
-    result = WritePictures(mWindow, mCommandLine.screenshotFolder);
-  if (!result.IsOK()) {
-    std::fprintf(stderr, "No pictures were written: %s\n", result.GetDescription().CStr());
-    return false;
-  }
-  std::printf("pictures=%s frame_id=%" PRIu64 "\n", mCommandLine.screenshotFolder.toUtf8().constData(),
-              mAcquisition->GetProgress().lastFrameID);
-  return true;
 }
 
 } // namespace krviewer

@@ -1,68 +1,91 @@
 #pragma once
-// The viewer from the chosen camera to its end: a window with the picture and the camera's features beside it, its
-// title, pictures and figures at the end.
+// The viewer from its command line to its end: which cameras are shown, in which windows, what is kept of them, and
+// what is printed. What a window and a camera's page do is theirs.
 
-#include "acquisition.h"
-#include "bridgemenu.h"
-#include "camerabridges.h"
+#include "camerafinder.h"
+#include "camerapage.h"
+#include "camerasearch.h"
 #include "commandline.h"
-#include "featurebrowser.h"
 #include "mainwindow.h"
-#include "serialbridges.h"
-#include "serialterminal.h"
 #include "stopsignal.h"
+#include "viewersettings.h"
 
 #include <QObject>
 #include <QTimer>
 
+#include <deque>
+#include <functional>
 #include <memory>
+#include <vector>
 
 namespace krviewer {
 
-/// Shows one camera until the window is closed, the number of frames has come, or the program is interrupted.
+/// What the program gives the viewer beside its command line.
+struct ViewerHost {
+  QString settingsFile = {};                        ///< Empty to keep nothing.
+  std::function<KrResult()> installSimulation = {}; ///< Offers the simulated cameras; empty where they are offered.
+};
+
+/// Shows cameras until the last window is closed, what the command line ends it with has come, or the program is
+/// interrupted.
 ///
-/// Thread: user interface. Ownership: borrows the device information, which must outlive it.
+/// Thread: user interface. Ownership: owns windows and pages.
 class Viewer : public QObject {
   Q_OBJECT
 
 public:
-  Viewer(const KrDeviceInfo& aDevice, const CommandLine& aCommandLine);
+  explicit Viewer(const CommandLine& aCommandLine, const ViewerHost& aHost = {});
   ~Viewer() override;
 
-  /// Opens the window and runs the application's loop; gives the program's exit code.
+  /// Opens the first window.
+  void Begin();
+  /// Shows a camera in a tab of its own, or the tab in which it is shown already. Only after Begin.
+  void Open(const CameraInfo& aCamera);
+  /// Runs the application's loop until the end; gives the program's exit code.
   int Run();
-  /// Why no picture could be had at all, after Run; OK where there was one, or the user did not wait for it.
-  const KrResult& GetFailure() const { return mFailure; }
+  /// Ends everything, as if the windows had been closed.
+  void Finish();
+  bool IsOver() const { return mIsOver; }
+  /// The windows, the first one first.
+  QList<MainWindow*> GetWindows() const;
 
 private:
-  KrResult OpenWindow();
+  MainWindow& AddWindow(bool aIsOwn);
+  void ConnectWindow(MainWindow& aWindow);
+  void CloseWindow(MainWindow& aWindow);
+  MainWindow& GetActiveWindow() const;
+  MainWindow* FindWindowOf(const CameraPage& aPage) const;
+  void ShowFinder();
+  void OpenSimulated();
+  void Search(const QString& aName);
+  void SearchNext();
+  void TellNotFound(const QString& aName, const KrResult& aResult);
+  void MovePage(CameraPage& aPage);
+  void EndPage(CameraPage& aPage);
+  void Discard(CameraPage& aPage);
+  void NoteEnd(CameraPage& aPage);
+  void SetRecentCameras(const RecentCameras& aCameras);
+  void KeepLayouts();
   void LookAgain();
-  void UpdateTitle(const AcquisitionProgress& aProgress);
-  void ShowTerminal();
-  void TellMissingFeatures(const AcquisitionProgress& aProgress);
-  void Finish();
-  bool SaveBrowserPicture();
-  bool SavePictures();
+  void SaveWindowPicture();
 
-  const KrDeviceInfo& mDeviceInfo;
   const CommandLine mCommandLine;
+  const ViewerHost mHost;
   const krapps::StopSignal mStopSignal;
-  MainWindow mMainWindow;
-  KrDisplayWnd mWindow;
-  FeatureBrowser mBrowser;
-  SerialTerminal mTerminal;
-  QAction* const mTerminalAction;
-  SerialBridges mBridges;
-  BridgeMenu mBridgeMenu;
-  QAction* const mPortCreation; ///< Whether the bridges make ports of the host.
-  CameraBridges mCameraBridges;
-  BridgeMenu mCameraBridgeMenu;
-  std::unique_ptr<Acquisition> mAcquisition;
+  ViewerSettings mSettings;
+  RecentCameras mRecentCameras;
+  std::vector<std::unique_ptr<MainWindow>> mWindows;
+  std::vector<std::unique_ptr<CameraPage>> mPages;
+  /// Ended, and deleted when nothing of them is under way any more.
+  std::vector<std::unique_ptr<CameraPage>> mEndedPages;
+  std::vector<std::unique_ptr<MainWindow>> mEndedWindows;
+  CameraFinder mFinder;
+  CameraSearch mSearch;
+  std::deque<QString> mWanted; ///< Cameras that are still to be looked for.
   QTimer mTimer;
-  QString mTitle;
-  KrResult mFailure;
+  QTimer mEndTimer;
+  int mOpened = 0; ///< So many cameras so far.
   int mExitCode = 0;
-  bool mHasToldMissing = false;
   bool mIsOver = false;
 };
 

@@ -34,12 +34,17 @@ public:
     const QRegularExpressionMatch match = QRegularExpression("\\b" + aName + "=([0-9.]+)").match(mOutput);
     return match.hasMatch() ? match.captured(1).toDouble() : -1.0;
   }
-  /// The window's client area as it was on the screen.
+  /// The whole window.
+  QImage GetWindowPicture() const { return Load("window.png"); }
+  /// The display's area as it was on the screen.
   QImage GetDisplayPicture() const { return Load("display.png"); }
   /// The feature browser.
   QImage GetBrowserPicture() const { return Load("browser.png"); }
   /// The image shown, at the camera's resolution.
   QImage GetFramePicture() const { return Load("frame.png"); }
+
+  /// That of the camera that was opened second.
+  QImage GetSecondFramePicture() const { return Load("camera-2/frame.png"); }
 
 private:
   QImage Load(const QString& aName) const {

@@ -149,7 +149,7 @@ protected:
     ASSERT_TRUE(
         KrInstallTransports({.gigEVision = false, .usb3Vision = false, .simulation = mCommandLine.simulate}).IsOK());
     mSystem.SetSubnetBroadcastEnabled(false);
-    ASSERT_TRUE(krapps::SelectDevice(mSystem, mCommandLine.device.toStdString(), mInfo).IsOK());
+    ASSERT_TRUE(krapps::SelectDevice(mSystem, mCommandLine.devices.constFirst().toStdString(), mInfo).IsOK());
     ASSERT_TRUE(KrFindSimulatedFaults(kGrabberMAC, mFaults).IsOK());
   }
   void TearDown() override {
@@ -161,7 +161,9 @@ protected:
 
   /// Runs the viewer, lets the user open the manager and do this, and ends the viewer.
   void Run(const std::function<void(UserHands&, const CameraHands&)>& aScript) {
-    krviewer::Viewer viewer(*mInfo, mCommandLine);
+    krviewer::Viewer viewer(mCommandLine);
+    viewer.Begin();
+    viewer.Open(krviewer::BorrowCamera(*mInfo));
     RunWithUser([&] { EXPECT_EQ(viewer.Run(), 0); },
                 [&](UserHands& aUser) {
                   const CameraHands hands(aUser);

@@ -9,7 +9,9 @@ class ViewerUser : public TerminalUser {
 protected:
   /// Runs the viewer on the camera and lets the user do this once he is offered to use its ports; he ends the viewer.
   void RunViewer(const std::function<void(UserHands&, const TerminalHands&)>& aScript) {
-    krviewer::Viewer viewer(*mSystem.GetDeviceInfo(0), {});
+    krviewer::Viewer viewer({});
+    viewer.Begin();
+    viewer.Open(krviewer::BorrowCamera(*mSystem.GetDeviceInfo(0)));
     RunWithUser(
         [&] { EXPECT_EQ(viewer.Run(), 0); },
         [&](UserHands& aUser) {

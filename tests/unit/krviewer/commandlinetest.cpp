@@ -19,21 +19,25 @@ TEST(ParseCommandLine, NoArguments_LetTheUserPickACameraAndShowItForEver) {
 
   EXPECT_EQ(Parse({}, commandLine), CommandLineStatus::Run);
 
-  EXPECT_TRUE(commandLine.device.isEmpty());
+  EXPECT_TRUE(commandLine.devices.isEmpty());
   EXPECT_FALSE(commandLine.simulate);
   EXPECT_EQ(commandLine.frames, 0u);
+  EXPECT_EQ(commandLine.seconds, 0u);
   EXPECT_TRUE(commandLine.screenshotFolder.isEmpty());
+  EXPECT_FALSE(commandLine.IsBatch());
 }
 
 TEST(ParseCommandLine, EveryOption_IsTaken) {
   CommandLine commandLine;
 
-  EXPECT_EQ(Parse({"--device", "127.0.0.1", "--frames", "100", "--screenshot", "out", "--simulate", "--headless"},
+  EXPECT_EQ(Parse({"--device", "127.0.0.1", "--frames", "100", "--seconds", "7", "--screenshot", "out", "--simulate",
+                   "--headless"},
                   commandLine),
             CommandLineStatus::Run);
 
-  EXPECT_EQ(commandLine.device, "127.0.0.1");
+  EXPECT_EQ(commandLine.devices, QStringList{"127.0.0.1"});
   EXPECT_EQ(commandLine.frames, 100u);
+  EXPECT_EQ(commandLine.seconds, 7u);
   EXPECT_EQ(commandLine.screenshotFolder, "out");
   EXPECT_TRUE(commandLine.simulate);
   EXPECT_TRUE(commandLine.headless);
@@ -55,8 +59,27 @@ TEST(ParseCommandLine, ArgumentThatIsAFile_IsADescriptionAndOtherwiseADevice) {
     EXPECT_EQ(Parse({row.argument, "--headless", "--screenshot", "out"}, commandLine), CommandLineStatus::Run);
 
     EXPECT_EQ(commandLine.descriptionFile, row.isFile ? row.argument : QString());
-    EXPECT_EQ(commandLine.device, row.isFile ? QString() : row.argument);
+    EXPECT_EQ(commandLine.devices, row.isFile ? QStringList() : QStringList{row.argument});
     EXPECT_EQ(commandLine.screenshotFolder, "out");
+  }
+}
+
+TEST(ParseCommandLine, SeveralCameras_AreTakenInTheirOrder) {
+  CommandLine commandLine;
+
+  EXPECT_EQ(Parse({"third", "--device", "first", "--device", "second", "fourth"}, commandLine), CommandLineStatus::Run);
+
+  EXPECT_EQ(commandLine.devices, (QStringList{"first", "second", "third", "fourth"}));
+}
+
+TEST(ParseCommandLine, RunWithAnEndOfItsOwn_IsABatch) {
+  for (const QStringList& arguments :
+       {QStringList{"--headless"}, QStringList{"--frames", "1"}, QStringList{"--seconds", "1"}}) {
+    CommandLine commandLine;
+
+    EXPECT_EQ(Parse(arguments, commandLine), CommandLineStatus::Run);
+
+    EXPECT_TRUE(commandLine.IsBatch()) << arguments.join(' ').toStdString();
   }
 }
 
@@ -76,8 +99,10 @@ TEST(ParseCommandLine, WhatCannotBeUnderstood_IsNamed) {
   };
   for (const Row& row :
        {Row{{"--frames", "0"}, "\"0\""}, Row{{"--frames", "-3"}, "\"-3\""}, Row{{"--frames", "many"}, "\"many\""},
-        Row{{"--colour"}, "colour"}, Row{{"camera", "another"}, "\"another\""},
-        Row{{"--device", "camera", "another"}, "\"another\""}, Row{{"--device", "camera", "c.xml"}, "\"c.xml\""},
+        Row{{"--seconds", "0"}, "\"0\""}, Row{{"--seconds", "1.5"}, "\"1.5\""},
+        Row{{"--seconds", "4294967296"}, "4294967296"}, Row{{"--colour"}, "colour"},
+        Row{{"c.xml", "camera"}, "\"camera\""}, Row{{"c.xml", "d.xml"}, "\"d.xml\""},
+        Row{{"--seconds", "3", "c.xml"}, "\"c.xml\""}, Row{{"--device", "camera", "c.xml"}, "\"c.xml\""},
         Row{{"--simulate", "c.xml"}, "\"c.xml\""}, Row{{"--frames", "3", "c.xml"}, "\"c.xml\""},
         Row{{"--device"}, "device"}, Row{{"--device", ""}, "--device"}, Row{{"--screenshot", ""}, "--screenshot"},
         Row{{"--lab", ""}, "--lab"}}) {
@@ -98,8 +123,8 @@ TEST(ParseCommandLine, Help_NamesEveryOption) {
 
   EXPECT_EQ(krviewer::ParseCommandLine({"--help"}, commandLine, text), CommandLineStatus::Help);
 
-  EXPECT_TRUE(text.contains("krviewer [options] [DEVICE|FILE.xml]")) << text.toStdString();
-  for (const char* option : {"--device", "--simulate", "--lab", "--frames", "--screenshot", "--headless"})
+  EXPECT_TRUE(text.contains("krviewer [options] [DEVICE...|FILE.xml]")) << text.toStdString();
+  for (const char* option : {"--device", "--simulate", "--lab", "--frames", "--seconds", "--screenshot", "--headless"})
     EXPECT_TRUE(text.contains(option)) << option;
 }
 

@@ -1,16 +1,14 @@
 #pragma once
-// The entries of the viewer's menu for one kind of bridges, with their file dialogs and messages. What they do is left
-// to the bridges' window.
+// What a camera's user is asked and told about one kind of its bridges: files, messages, the window itself. What they
+// do is left to the bridges' window, the entries that ask for them to the viewer's.
 
-#include "mainwindow.h"
-
-#include <QKeySequence>
 #include <QObject>
 #include <QPointer>
 #include <QString>
 
 class KrStringList;
 class QMessageBox;
+class QWidget;
 
 namespace krviewer {
 
@@ -19,9 +17,7 @@ enum class BridgeNews;
 
 /// The words for one kind of bridges.
 struct BridgeWords {
-  QString show; ///< The entry of the menu, as the next two.
-  QKeySequence showKey;
-  QString load;
+  QString load; ///< The title of the dialog that asks for a file, as the next.
   QString save;
   QString name;       ///< Of the kind, as a title.
   QString notTakenUp; ///< Before the lines of what did not start when the device came.
@@ -30,31 +26,34 @@ struct BridgeWords {
 BridgeWords GetSerialBridgeWords();
 BridgeWords GetCameraBridgeWords();
 
-/// Thread: user interface. Ownership: borrows the window and the bridges. No entry waits for the user.
-class BridgeMenu : public QObject {
+/// Thread: user interface. Ownership: borrows the page over which it asks, and the bridges. Nothing waits for the user.
+class BridgeDialogs : public QObject {
   Q_OBJECT
 
 public:
-  BridgeMenu(MainWindow& aWindow, BridgeWindow& aBridges, const BridgeWords& aWords);
-  ~BridgeMenu() override;
+  BridgeDialogs(QWidget& aPage, BridgeWindow& aBridges, const BridgeWords& aWords);
+  ~BridgeDialogs() override;
 
-  /// Enables the entries that make sense at the moment; to be called often.
+  /// To be called often.
   void LookAgain();
+  bool CanShow() const;
+  /// Opens the bridges' window.
+  void Show();
+  /// Whether a setup can be loaded or saved at the moment.
+  bool CanUseFiles() const;
+  void AskForLoading() { AskForFile(false); }
+  void AskForSaving() { AskForFile(true); }
 
 private:
-  void ShowManager();
   void AskForFile(bool aIsToSave);
   void Load(const QString& aFileName);
   void Save(const QString& aFileName);
   void TellNews(BridgeNews aNews, const KrStringList& aLines);
   void Tell(const QString& aWhat, const KrStringList& aLines);
 
-  MainWindow& mWindow;
+  QWidget& mPage;
   BridgeWindow& mBridges;
   const BridgeWords mWords;
-  QAction* const mShow;
-  QAction* const mLoad;
-  QAction* const mSave;
   QPointer<QMessageBox> mMessage; ///< The last one; ends when the user closes it.
 };
 

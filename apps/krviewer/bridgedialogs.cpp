@@ -1,11 +1,12 @@
-#include "bridgemenu.h"
+#include "bridgedialogs.h"
 
 #include "bridgewindow.h"
+#include "showntext.h"
 
-#include <QAction>
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QMessageBox>
+#include <QWidget>
 
 #include <algorithm>
 #include <cstdio>
@@ -19,85 +20,68 @@ namespace {
 constexpr int kMostLetters = 300;
 constexpr int kMostLines = 5;
 
-/// One line that can be read, cut where it is too long.
-QString ToText(const KrString& aText) {
-  QString text = QString::fromUtf8(aText.CStr()).simplified();
-  for (QChar& letter : text)
-    if (!letter.isPrint())
-      letter = QChar::ReplacementCharacter;
-  if (text.size() > kMostLetters)
-    text = text.first(kMostLetters) + QStringLiteral("…");
-  return text;
-}
-
 } // namespace
 
 BridgeWords GetSerialBridgeWords() {
-  return {.show = QStringLiteral("Serial &Bridges…"),
-          .showKey = Qt::CTRL | Qt::Key_B,
-          .load = QStringLiteral("&Load Bridge Setup…"),
-          .save = QStringLiteral("Sa&ve Bridge Setup…"),
+  return {.load = QStringLiteral("Load Bridge Setup"),
+          .save = QStringLiteral("Save Bridge Setup"),
           .name = QStringLiteral("Serial Bridges"),
           .notTakenUp = QStringLiteral("These serial bridges did not start. What can start is tried again the next "
                                        "time that the camera is back:")};
 }
 
 BridgeWords GetCameraBridgeWords() {
-  return {.show = QStringLiteral("Camera B&ridges…"),
-          .showKey = Qt::CTRL | Qt::Key_K,
-          .load = QStringLiteral("L&oad Camera Bridge Setup…"),
-          .save = QStringLiteral("Save Ca&mera Bridge Setup…"),
+  return {.load = QStringLiteral("Load Camera Bridge Setup"),
+          .save = QStringLiteral("Save Camera Bridge Setup"),
           .name = QStringLiteral("Camera Bridges"),
           .notTakenUp =
               QStringLiteral("These camera bridges are not as they were. What is not connected is tried again "
                              "the next time that the device is back:")};
 }
 
-BridgeMenu::BridgeMenu(MainWindow& aWindow, BridgeWindow& aBridges, const BridgeWords& aWords)
-    : mWindow(aWindow), mBridges(aBridges), mWords(aWords), mShow(aWindow.AddTool(aWords.show, aWords.showKey)),
-      mLoad(aWindow.AddTool(aWords.load, {})), mSave(aWindow.AddTool(aWords.save, {})) {
-  mShow->setEnabled(false); // Until there is a device.
-  connect(mShow, &QAction::triggered, this, &BridgeMenu::ShowManager);
-  connect(mLoad, &QAction::triggered, this, [this] { AskForFile(false); });
-  connect(mSave, &QAction::triggered, this, [this] { AskForFile(true); });
+BridgeDialogs::BridgeDialogs(QWidget& aPage, BridgeWindow& aBridges, const BridgeWords& aWords)
+    : mPage(aPage), mBridges(aBridges), mWords(aWords) {
   mBridges.SetTell([this](BridgeNews aNews, const KrStringList& aLines) { TellNews(aNews, aLines); });
 }
 
-BridgeMenu::~BridgeMenu() {
+BridgeDialogs::~BridgeDialogs() {
   mBridges.SetTell(nullptr);
 }
 
-void BridgeMenu::LookAgain() {
+void BridgeDialogs::LookAgain() {
   mBridges.LookAgain();
-  mShow->setEnabled(mBridges.IsOffered());
-  mLoad->setEnabled(!mBridges.IsWorking());
-  mSave->setEnabled(!mBridges.IsWorking());
 }
 
-void BridgeMenu::ShowManager() {
-  if (const KrResult shown = mBridges.Show(mWindow.winId()); !shown.IsOK()) {
+bool BridgeDialogs::CanShow() const {
+  return mBridges.IsOffered();
+}
+
+bool BridgeDialogs::CanUseFiles() const {
+  return !mBridges.IsWorking();
+}
+
+void BridgeDialogs::Show() {
+  if (const KrResult shown = mBridges.Show(mPage.window()->winId()); !shown.IsOK()) {
     KrStringList lines;
     lines.Add(shown.GetCodeString() + ": " + shown.GetDescription());
     Tell(QStringLiteral("The window of the bridges cannot be opened:"), lines);
   }
 }
 
-void BridgeMenu::AskForFile(bool aIsToSave) {
-  auto* const dialog = new QFileDialog(&mWindow);
+void BridgeDialogs::AskForFile(bool aIsToSave) {
+  auto* const dialog = new QFileDialog(&mPage);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
-  // The entry's words without its letter and dots.
-  QString title = aIsToSave ? mWords.save : mWords.load;
-  dialog->setWindowTitle(title.remove(QLatin1Char('&')).remove(QStringLiteral("…")));
+  dialog->setWindowTitle(aIsToSave ? mWords.save : mWords.load);
   dialog->setAcceptMode(aIsToSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog->setFileMode(aIsToSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   dialog->setNameFilters({QStringLiteral("Bridge setups (*.xml)"), QStringLiteral("All files (*)")});
   if (aIsToSave)
     dialog->setDefaultSuffix(QStringLiteral("xml"));
-  connect(dialog, &QFileDialog::fileSelected, this, aIsToSave ? &BridgeMenu::Save : &BridgeMenu::Load);
+  connect(dialog, &QFileDialog::fileSelected, this, aIsToSave ? &BridgeDialogs::Save : &BridgeDialogs::Load);
   dialog->open();
 }
 
-void BridgeMenu::Load(const QString& aFileName) {
+void BridgeDialogs::Load(const QString& aFileName) {
   // Another one has begun while the dialog was open.
   if (mBridges.IsWorking())
     return;
@@ -106,12 +90,12 @@ void BridgeMenu::Load(const QString& aFileName) {
   QGuiApplication::restoreOverrideCursor();
 }
 
-void BridgeMenu::Save(const QString& aFileName) {
+void BridgeDialogs::Save(const QString& aFileName) {
   if (!mBridges.IsWorking())
     mBridges.SaveSetup(aFileName.toUtf8().constData());
 }
 
-void BridgeMenu::TellNews(BridgeNews aNews, const KrStringList& aLines) {
+void BridgeDialogs::TellNews(BridgeNews aNews, const KrStringList& aLines) {
   switch (aNews) {
   case BridgeNews::NotTakenUp:
     return Tell(mWords.notTakenUp, aLines);
@@ -127,17 +111,17 @@ void BridgeMenu::TellNews(BridgeNews aNews, const KrStringList& aLines) {
 }
 
 // One box at a time, which waits for nobody: the camera may come and go while it is open.
-void BridgeMenu::Tell(const QString& aWhat, const KrStringList& aLines) {
+void BridgeDialogs::Tell(const QString& aWhat, const KrStringList& aLines) {
   QStringList lines;
   for (const KrString& line : aLines)
-    lines += ToText(line);
+    lines += ToLine(ToText(line), kMostLetters);
   std::fprintf(stderr, "%s\n%s\n", aWhat.toUtf8().constData(), lines.join('\n').toUtf8().constData());
   QStringList shown = QStringList(aWhat) + lines.first(std::min<qsizetype>(lines.size(), kMostLines));
   if (lines.size() > kMostLines)
     shown += QStringLiteral("And %1 more: see the details.").arg(lines.size() - kMostLines);
   delete mMessage;
   mMessage =
-      new QMessageBox(QMessageBox::Warning, mWords.name, shown.join(QStringLiteral("\n\n")), QMessageBox::Ok, &mWindow);
+      new QMessageBox(QMessageBox::Warning, mWords.name, shown.join(QStringLiteral("\n\n")), QMessageBox::Ok, &mPage);
   if (lines.size() > kMostLines)
     mMessage->setDetailedText(lines.join('\n'));
   mMessage->setAttribute(Qt::WA_DeleteOnClose);

@@ -1,0 +1,88 @@
+#include "pagepanels.h"
+
+#include <QDockWidget>
+#include <QMainWindow>
+
+namespace krviewer {
+
+namespace {
+
+/// Of the layout: changes when panels of another version could not take the places of these.
+constexpr int kLayoutVersion = 1;
+
+} // namespace
+
+PagePanels::PagePanels(QMainWindow& aArea) : mArea(aArea) {
+  mArea.setDockNestingEnabled(true);
+}
+
+void PagePanels::Add(Panel aPanel, const QString& aName, const QString& aTitle, QWidget* aContent,
+                     Qt::DockWidgetArea aSide) {
+  auto* const dock = new QDockWidget(aTitle, &mArea);
+  dock->setObjectName(aName);
+  dock->setWidget(aContent);
+  dock->setAccessibleName(aTitle);
+  QDockWidget* neighbour = nullptr;
+  for (const auto& [panel, other] : mDocks)
+    if (mArea.dockWidgetArea(other) == aSide)
+      neighbour = other;
+  mArea.addDockWidget(aSide, dock);
+  if (neighbour)
+    mArea.tabifyDockWidget(neighbour, dock);
+  dock->hide();
+  mDocks[aPanel] = dock;
+}
+
+bool PagePanels::IsShown(Panel aPanel) const {
+  const auto found = mDocks.find(aPanel);
+  return found != mDocks.end() && (!found->second->isHidden() || mPutAside.contains(found->second));
+}
+
+void PagePanels::Show(Panel aPanel, bool aIsShown) {
+  const auto found = mDocks.find(aPanel);
+  if (found == mDocks.end())
+    return;
+  mPutAside.erase(found->second);
+  found->second->setVisible(aIsShown);
+  if (aIsShown)
+    found->second->raise();
+}
+
+void PagePanels::SetPageShown(bool aIsShown) {
+  mIsPageShown = aIsShown;
+  if (aIsShown)
+    return PutBack();
+  for (const auto& [panel, dock] : mDocks)
+    if (dock->isFloating() && !dock->isHidden()) {
+      mPutAside.insert(dock);
+      dock->hide();
+    }
+}
+
+void PagePanels::PutBack() {
+  for (QDockWidget* const dock : mPutAside)
+    dock->show();
+  mPutAside.clear();
+}
+
+void PagePanels::SetWidth(Panel aPanel, int aWidth) {
+  const auto found = mDocks.find(aPanel);
+  if (found != mDocks.end())
+    mArea.resizeDocks({found->second}, {aWidth}, Qt::Horizontal);
+}
+
+QByteArray PagePanels::SaveLayout() {
+  // As it is when the page is shown: what was put aside counts as shown.
+  if (!mIsPageShown)
+    PutBack();
+  const QByteArray layout = mArea.saveState(kLayoutVersion);
+  if (!mIsPageShown)
+    SetPageShown(false);
+  return layout;
+}
+
+bool PagePanels::RestoreLayout(const QByteArray& aLayout) {
+  return !aLayout.isEmpty() && mArea.restoreState(aLayout, kLayoutVersion);
+}
+
+} // namespace krviewer

@@ -1,0 +1,133 @@
+#include "viewersettings.h"
+
+#include "temporaryfolder.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+using krviewer::RecentCamera;
+using krviewer::RecentCameras;
+using krviewer::ViewerSettings;
+
+namespace {
+
+class ViewerSettingsTest : public testing::Test {
+protected:
+  void Write(const QByteArray& aText) const {
+    QFile file(mFile);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(aText), aText.size());
+  }
+  QByteArray Read() const {
+    QFile file(mFile);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  }
+  static RecentCameras MakeCameras() {
+    RecentCameras cameras;
+    cameras.Add({"02:4b:52:00:77:10", "Camera; with \"all\" kinds = of [letters] 1 µm"});
+    cameras.Add({"4B5200000101", "Another, (192.168.1.2)"});
+    return cameras;
+  }
+
+  const TemporaryFolder mFolder;
+  const QString mFile = QString::fromStdString(mFolder.GetFile("settings/krviewer.ini"));
+};
+
+const QByteArray kLayout("\0\1\2layout\xff\n;=\"", 14);
+
+} // namespace
+
+TEST_F(ViewerSettingsTest, NoFileYet_HasNothing) {
+  const ViewerSettings settings(mFile);
+
+  EXPECT_TRUE(settings.GetWindowLayout().isEmpty());
+  EXPECT_TRUE(settings.GetPageLayout().isEmpty());
+  EXPECT_TRUE(settings.GetRecentCameras().GetAll().isEmpty());
+}
+
+TEST_F(ViewerSettingsTest, WhatIsKept_IsThereInTheNextRun) {
+  {
+    ViewerSettings settings(mFile);
+    settings.SetWindowLayout(kLayout);
+    settings.SetPageLayout(kLayout + "page");
+    settings.SetRecentCameras(MakeCameras());
+  }
+
+  const ViewerSettings settings(mFile);
+
+  EXPECT_EQ(settings.GetWindowLayout(), kLayout);
+  EXPECT_EQ(settings.GetPageLayout(), kLayout + "page");
+  EXPECT_EQ(settings.GetRecentCameras().GetAll(), MakeCameras().GetAll());
+}
+
+TEST_F(ViewerSettingsTest, FewerCamerasThanBefore_AreAllThatIsLeft) {
+  {
+    ViewerSettings settings(mFile);
+    settings.SetRecentCameras(MakeCameras());
+    settings.SetRecentCameras({});
+  }
+
+  EXPECT_TRUE(ViewerSettings(mFile).GetRecentCameras().GetAll().isEmpty());
+  EXPECT_FALSE(Read().contains("Another"));
+}
+
+TEST_F(ViewerSettingsTest, NoFileToKeepThemIn_AreForgotten) {
+  ViewerSettings settings{QString()};
+
+  settings.SetWindowLayout(kLayout);
+  settings.SetRecentCameras(MakeCameras());
+
+  EXPECT_TRUE(settings.GetWindowLayout().isEmpty());
+  EXPECT_TRUE(settings.GetRecentCameras().GetAll().isEmpty());
+}
+
+TEST_F(ViewerSettingsTest, LayoutThatSomebodyChanged_IsNone) {
+  {
+    ViewerSettings settings(mFile);
+    settings.SetPageLayout(kLayout);
+  }
+  const QByteArray text = Read();
+  const QByteArray encoded = kLayout.toBase64();
+  ASSERT_TRUE(text.contains(encoded));
+
+  for (const QByteArray& other :
+       {QByteArray("AAAA"), QByteArray("!"), QByteArray(), encoded.chopped(4), QByteArray(1 << 20, 'A')}) {
+    Write(QByteArray(text).replace(encoded, other));
+
+    EXPECT_TRUE(ViewerSettings(mFile).GetPageLayout().isEmpty()) << other.left(40).toStdString();
+  }
+}
+
+TEST_F(ViewerSettingsTest, FileThatIsNone_HarmsNothingAndIsReplaced) {
+  {
+    ViewerSettings settings(mFile); // Makes the folder.
+    settings.SetPageLayout(kLayout);
+  }
+  struct Row {
+    const char* name;
+    QByteArray text;
+  };
+  for (const Row& row :
+       {Row{"nothing", ""}, Row{"no text", QByteArray("\0\xff\xfe[[[\0=", 8)},
+        Row{"another kind of file", "<?xml version=\"1.0\"?><a b='c'/>"},
+        Row{"a line without an end", QByteArray(100'000, 'x')},
+        Row{"wrong kinds of values", "[cameras]\nrecent\\size=@Invalid()\nrecent=7\n[page]\nlayout=@Variant(\\0\\0)\n"},
+        Row{"many cameras", "[cameras]\nrecent\\size=2000000000\nrecent\\1\\id=a\nrecent\\1\\name=A\n"},
+        Row{"fewer cameras than none", "[cameras]\nrecent\\size=-5\nrecent\\1\\id=a\n"}}) {
+    SCOPED_TRACE(row.name);
+    Write(row.text);
+
+    {
+      ViewerSettings settings(mFile);
+      EXPECT_TRUE(settings.GetPageLayout().isEmpty());
+      EXPECT_LE(settings.GetRecentCameras().GetAll().size(), 1);
+      settings.SetPageLayout(kLayout);
+      settings.SetRecentCameras(MakeCameras());
+    }
+
+    const ViewerSettings settings(mFile);
+    EXPECT_EQ(settings.GetPageLayout(), kLayout);
+    EXPECT_EQ(settings.GetRecentCameras().GetAll(), MakeCameras().GetAll());
+  }
+}

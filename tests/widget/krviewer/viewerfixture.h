@@ -1,0 +1,87 @@
+#pragma once
+// The whole viewer on the simulated lab, in the hands of a test that looks at its windows and presses their keys.
+
+#include "labfixture.h"
+#include "temporaryfolder.h"
+#include "viewer.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QTest>
+
+#include <functional>
+#include <optional>
+
+class ViewerTest : public LabTest {
+protected:
+  void Begin(const krviewer::CommandLine& aCommandLine = {}) {
+    mViewer.emplace(aCommandLine, krviewer::ViewerHost{.settingsFile = mSettingsFile});
+    mViewer->Begin();
+    ASSERT_TRUE(Await([this] { return GetWindow().isActiveWindow(); }));
+  }
+  /// Opens a camera of the lab as the command line does.
+  void Open(const char* aUniqueID) {
+    FindAll();
+    const auto* const info = FindInfo<KrDeviceInfo>(aUniqueID);
+    ASSERT_NE(info, nullptr) << aUniqueID;
+    mViewer->Open(krviewer::BorrowCamera(*info));
+  }
+  void OpenStreaming(const char* aUniqueID = kMonoMAC) {
+    Open(aUniqueID);
+    ASSERT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
+  }
+  /// Ends the viewer and lets go of it.
+  void End() {
+    mViewer->Finish();
+    mViewer.reset();
+  }
+
+  // Runs the loop until a condition comes true; false when it does not within a generous limit.
+  static bool Await(const std::function<bool()>& aCondition) {
+    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
+    while (!aCondition() && std::chrono::steady_clock::now() < until)
+      QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    return aCondition();
+  }
+  /// Presses a key in the window with the keyboard.
+  static void Press(Qt::Key aKey, Qt::KeyboardModifiers aModifiers = Qt::NoModifier) {
+    QWidget* const focused = QApplication::focusWidget();
+    QTest::keyClick(focused ? focused : QApplication::activeWindow(), aKey, aModifiers);
+  }
+  /// Chooses an entry of a window by its name; false where it cannot be chosen.
+  bool Choose(const char* aName, int aWindow = 0) {
+    auto* const action = GetWindow(aWindow).findChild<QAction*>(aName);
+    if (!action || !Await([=] { return action->isEnabled(); }))
+      return false;
+    action->trigger();
+    return true;
+  }
+  bool IsOffered(const char* aName) {
+    const auto* const action = GetWindow().findChild<QAction*>(aName);
+    return action && action->isEnabled();
+  }
+  /// Clicks the button of a page or a bar with this text.
+  static bool Click(const QWidget& aParent, const QString& aText) {
+    for (auto* const button : aParent.findChildren<QAbstractButton*>())
+      if (button->text() == aText && button->isVisible()) {
+        button->click();
+        return true;
+      }
+    return false;
+  }
+  /// What the bar over the picture says; empty while it is hidden.
+  static QString GetMessage(const QWidget& aParent) {
+    const auto* const bar = aParent.findChild<krviewer::MessageBar*>();
+    return bar && bar->isVisible() ? bar->GetText() : QString();
+  }
+
+  krviewer::MainWindow& GetWindow(int aIndex = 0) { return *mViewer->GetWindows().at(aIndex); }
+  krviewer::CameraPage* GetPage(int aWindow = 0) { return GetWindow(aWindow).GetCurrentPage(); }
+  bool IsFirstPageShown() { return GetWindow().GetFirstPage().isVisible(); }
+
+  const TemporaryFolder mFolder;
+  const QString mSettingsFile = QString::fromStdString(mFolder.GetFile("krviewer.ini"));
+  std::optional<krviewer::Viewer> mViewer;
+};

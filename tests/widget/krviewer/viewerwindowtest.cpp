@@ -1,0 +1,332 @@
+// The viewer's windows: how it begins, tabs, windows of their own, and what is kept of them.
+
+#include "viewerfixture.h"
+
+#include <QDockWidget>
+#include <QFile>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTreeView>
+
+using krviewer::Panel;
+
+namespace {
+
+class ViewerWindowTest : public ViewerTest {
+protected:
+  static QWidget* FindFinder() {
+    for (QWidget* const window : QApplication::topLevelWidgets())
+      if (window->windowTitle() == "Device Selection" && window->isVisible())
+        return window;
+    return nullptr;
+  }
+  /// Selects a camera in the finder once it is listed, and accepts it.
+  static bool PickInFinder(const QString& aName) {
+    if (!Await([] { return FindFinder() != nullptr; }))
+      return false;
+    auto* const tree = FindFinder()->findChild<QTreeView*>("control1049");
+    QModelIndexList found;
+    const bool isListed = tree && Await([&] {
+                            found = tree->model()->match(tree->model()->index(0, 0), Qt::DisplayRole, aName, 1,
+                                                         Qt::MatchContains | Qt::MatchRecursive);
+                            return !found.isEmpty();
+                          });
+    if (!isListed)
+      return false;
+    tree->setCurrentIndex(found.constFirst());
+    auto* const ok = FindFinder()->findChild<QAbstractButton*>("control1");
+    if (!ok || !Await([=] { return ok->isEnabled(); }))
+      return false;
+    ok->click();
+    return true;
+  }
+  QStringList GetTitles(int aWindow = 0) {
+    QStringList titles;
+    for (krviewer::CameraPage* const page : GetWindow(aWindow).GetPages())
+      titles += page->GetTitle();
+    return titles;
+  }
+};
+
+} // namespace
+
+TEST_F(ViewerWindowTest, BegunWithoutACamera_ShowsHowToBegin) {
+  Begin();
+
+  EXPECT_TRUE(IsFirstPageShown());
+  EXPECT_EQ(GetWindow().windowTitle(), "krviewer");
+  EXPECT_FALSE(IsOffered("start"));
+  EXPECT_FALSE(IsOffered("closeCamera"));
+  EXPECT_TRUE(IsOffered("find"));
+}
+
+TEST_F(ViewerWindowTest, SimulatedCameraWantedByKeys_IsShown) {
+  Begin();
+
+  Press(Qt::Key_Tab);
+  Press(Qt::Key_Return);
+
+  EXPECT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
+  EXPECT_FALSE(IsFirstPageShown());
+  EXPECT_TRUE(GetWindow().windowTitle().startsWith("Simulated Mono Camera"));
+}
+
+TEST_F(ViewerWindowTest, CameraPickedInTheFinder_IsShown) {
+  Begin();
+
+  Press(Qt::Key_O, Qt::ControlModifier);
+  ASSERT_TRUE(PickInFinder("Simulated Colour Camera"));
+
+  EXPECT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
+  EXPECT_EQ(FindFinder(), nullptr);
+  EXPECT_TRUE(GetWindow().windowTitle().startsWith("Simulated Colour Camera"));
+}
+
+TEST_F(ViewerWindowTest, SameCameraTwice_BringsItsTabForward) {
+  Begin();
+  Open(kMonoMAC);
+  Open(kColourMAC);
+  ASSERT_EQ(GetTitles().size(), 2);
+
+  Open(kMonoMAC);
+
+  EXPECT_EQ(GetTitles().size(), 2);
+  EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
+}
+
+TEST_F(ViewerWindowTest, Tabs_AreReachedByKeys) {
+  Begin();
+  Open(kMonoMAC);
+  Open(kColourMAC);
+  ASSERT_EQ(GetPage()->GetCamera().GetUniqueID(), kColourMAC);
+  ASSERT_TRUE(Await([this] { return IsOffered("nextCamera"); }));
+
+  Press(Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
+
+  Press(Qt::Key_PageUp, Qt::ControlModifier);
+  EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kColourMAC);
+}
+
+TEST_F(ViewerWindowTest, CameraClosed_IsFreeForOthers) {
+  Begin();
+  OpenStreaming();
+
+  Press(Qt::Key_W, Qt::ControlModifier);
+
+  EXPECT_TRUE(IsFirstPageShown());
+  std::unique_ptr<KrDevice> device;
+  EXPECT_TRUE(LabTest::Open(kMonoMAC, device).IsOK());
+}
+
+TEST_F(ViewerWindowTest, CameraMovedToAWindowOfItsOwn_StreamsOnThereAndComesBack) {
+  Begin();
+  OpenStreaming(kColourMAC);
+  OpenStreaming(kMonoMAC);
+
+  ASSERT_TRUE(Choose("move"));
+
+  ASSERT_EQ(mViewer->GetWindows().size(), 2);
+  EXPECT_EQ(GetPage(0)->GetCamera().GetUniqueID(), kColourMAC);
+  ASSERT_NE(GetPage(1), nullptr);
+  EXPECT_EQ(GetPage(1)->GetCamera().GetUniqueID(), kMonoMAC);
+  EXPECT_TRUE(GetPage(1)->isVisible());
+  const std::uint64_t frames = GetPage(1)->GetProgress().figures.GetFrames();
+  EXPECT_TRUE(Await([&] { return GetPage(1)->GetProgress().figures.GetFrames() > frames; }));
+
+  ASSERT_TRUE(Choose("move", 1));
+
+  EXPECT_TRUE(Await([this] { return mViewer->GetWindows().size() == 1; }));
+  EXPECT_EQ(GetTitles().size(), 2);
+  EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
+  EXPECT_FALSE(mViewer->IsOver());
+}
+
+TEST_F(ViewerWindowTest, WindowOfItsOwnClosed_GivesItsCameraBackAndLeavesTheOthers) {
+  Begin();
+  OpenStreaming(kColourMAC);
+  OpenStreaming(kMonoMAC);
+  ASSERT_TRUE(Choose("move"));
+
+  GetWindow(1).close();
+
+  EXPECT_TRUE(Await([this] { return mViewer->GetWindows().size() == 1; }));
+  EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kColourMAC);
+  EXPECT_FALSE(mViewer->IsOver());
+  std::unique_ptr<KrDevice> device;
+  EXPECT_TRUE(LabTest::Open(kMonoMAC, device).IsOK());
+}
+
+TEST_F(ViewerWindowTest, FirstWindowClosedBeforeTheOther_LeavesThat) {
+  Begin();
+  OpenStreaming(kMonoMAC);
+  ASSERT_TRUE(Choose("move"));
+  ASSERT_EQ(mViewer->GetWindows().size(), 2);
+
+  GetWindow(0).close();
+
+  EXPECT_FALSE(mViewer->IsOver());
+  ASSERT_EQ(mViewer->GetWindows().size(), 1);
+  EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
+  ASSERT_TRUE(Choose("move"));
+  EXPECT_TRUE(Await([this] { return mViewer->GetWindows().size() == 1 && !GetWindow().IsOwn(); }));
+  EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
+}
+
+TEST_F(ViewerWindowTest, LastWindowClosed_EndsTheViewer) {
+  Begin();
+  OpenStreaming();
+
+  GetWindow().close();
+
+  EXPECT_TRUE(mViewer->IsOver());
+  std::unique_ptr<KrDevice> device;
+  EXPECT_TRUE(LabTest::Open(kMonoMAC, device).IsOK());
+}
+
+TEST_F(ViewerWindowTest, WindowClosedWhileTheFinderIsOpen_EndsBoth) {
+  Begin();
+  Press(Qt::Key_O, Qt::ControlModifier);
+  ASSERT_TRUE(Await([] { return FindFinder() != nullptr; }));
+
+  GetWindow().close();
+
+  EXPECT_TRUE(mViewer->IsOver());
+  EXPECT_EQ(FindFinder(), nullptr);
+}
+
+TEST_F(ViewerWindowTest, WindowClosedWhileACameraIsLookedFor_Ends) {
+  Begin();
+  ASSERT_TRUE(Choose("simulation"));
+
+  GetWindow().close();
+
+  EXPECT_TRUE(mViewer->IsOver());
+}
+
+TEST_F(ViewerWindowTest, FullScreen_HidesTheBarsUntilEscape) {
+  Begin();
+  OpenStreaming();
+
+  Press(Qt::Key_F11);
+  EXPECT_TRUE(GetWindow().isFullScreen());
+  EXPECT_FALSE(GetWindow().menuBar()->isVisible());
+
+  Press(Qt::Key_Escape);
+  EXPECT_FALSE(GetWindow().isFullScreen());
+  EXPECT_TRUE(GetWindow().menuBar()->isVisible());
+
+  Press(Qt::Key_Escape);
+  EXPECT_FALSE(mViewer->IsOver());
+}
+
+TEST_F(ViewerWindowTest, CameraShownOnce_IsOfferedInTheNextRun) {
+  Begin();
+  OpenStreaming();
+  End();
+
+  Begin();
+  ASSERT_TRUE(Click(GetWindow().GetFirstPage(), "Simulated Mono Camera (192.168.77.10)"));
+
+  EXPECT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
+}
+
+TEST_F(ViewerWindowTest, CameraThatIsNotThereAnyMore_IsSaidSo) {
+  Begin();
+  OpenStreaming();
+  End();
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+
+  Begin();
+  ASSERT_TRUE(Click(GetWindow().GetFirstPage(), "Simulated Mono Camera (192.168.77.10)"));
+
+  EXPECT_TRUE(Await([this] { return GetMessage(GetWindow()).contains("was not found"); }));
+  EXPECT_TRUE(GetMessage(GetWindow()).contains("Simulated Mono Camera"));
+  ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+  ASSERT_TRUE(Click(GetWindow(), "&Try Again"));
+  EXPECT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
+  EXPECT_EQ(GetMessage(GetWindow()), "");
+}
+
+TEST_F(ViewerWindowTest, RecentCamerasCleared_AreForgotten) {
+  Begin();
+  OpenStreaming();
+
+  ASSERT_TRUE(Choose("clearRecent"));
+  End();
+
+  Begin();
+  EXPECT_FALSE(Click(GetWindow().GetFirstPage(), "Simulated Mono Camera (192.168.77.10)"));
+}
+
+TEST_F(ViewerWindowTest, PanelsAndWindow_AreAsTheyWereInTheNextRun) {
+  Begin();
+  OpenStreaming();
+  ASSERT_TRUE(GetPage()->GetPanels().IsShown(Panel::Features));
+  Press(Qt::Key_1, Qt::AltModifier);
+  ASSERT_FALSE(GetPage()->GetPanels().IsShown(Panel::Features));
+  GetWindow().resize(700, 500);
+  End();
+
+  Begin();
+  OpenStreaming();
+
+  EXPECT_FALSE(GetPage()->GetPanels().IsShown(Panel::Features));
+  EXPECT_EQ(GetWindow().size(), QSize(700, 500));
+}
+
+TEST_F(ViewerWindowTest, PanelThatFloats_GoesAndComesWithItsTab) {
+  Begin();
+  Open(kColourMAC);
+  Open(kMonoMAC);
+  auto* const dock = GetPage()->findChild<QDockWidget*>("features");
+  ASSERT_NE(dock, nullptr);
+  dock->setFloating(true);
+  ASSERT_TRUE(dock->isVisible());
+  ASSERT_TRUE(Await([this] { return IsOffered("nextCamera"); }));
+
+  ASSERT_TRUE(Choose("nextCamera"));
+  EXPECT_FALSE(dock->isVisible());
+
+  ASSERT_TRUE(Choose("nextCamera"));
+  EXPECT_TRUE(dock->isVisible());
+  EXPECT_TRUE(dock->isFloating());
+}
+
+TEST_F(ViewerWindowTest, SettingsThatMakeNoSense_BeginAnew) {
+  {
+    QFile file(mSettingsFile);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[window]\nlayout=@ByteArray(12:AAAA)\n[page]\nlayout=\xff\xfe\n[cameras]\nrecent\\size=1000000\n");
+  }
+
+  Begin();
+  OpenStreaming();
+
+  EXPECT_TRUE(GetPage()->GetPanels().IsShown(Panel::Features));
+}
+
+TEST_F(ViewerWindowTest, RunWithAnEndOfItsOwn_KeepsNothing) {
+  krviewer::CommandLine commandLine;
+  commandLine.frames = 3;
+  Begin(commandLine);
+  Open(kMonoMAC);
+
+  EXPECT_TRUE(Await([this] { return mViewer->IsOver(); }));
+
+  mViewer.reset();
+  EXPECT_FALSE(QFile::exists(mSettingsFile));
+}
+
+TEST_F(ViewerWindowTest, AboutBox_SaysTheVersionsAndWaitsForNobody) {
+  Begin();
+
+  ASSERT_TRUE(Choose("about"));
+
+  const auto* const box = GetWindow().findChild<QMessageBox*>("aboutBox");
+  ASSERT_NE(box, nullptr);
+  EXPECT_TRUE(box->isVisible());
+  EXPECT_TRUE(box->text().contains(qVersion()));
+  GetWindow().close();
+  EXPECT_TRUE(mViewer->IsOver());
+}
