@@ -53,6 +53,10 @@ KrResult BufferRing::Allocate(std::size_t aCount, std::uint64_t aPayloadBytes) {
   return {};
 }
 
+std::size_t BufferRing::CountLent() const {
+  return static_cast<std::size_t>(std::ranges::count(mSlots, true, &Slot::lent));
+}
+
 bool BufferRing::Lend(const KrBuffer* aBuffer) {
   Slot* const slot = Find(aBuffer);
   if (!slot || slot->lent)

@@ -18,6 +18,10 @@ public:
   KrResult Allocate(std::size_t aCount, std::uint64_t aPayloadBytes);
 
   std::size_t GetCount() const { return mSlots.size(); }
+  /// How many the application holds.
+  std::size_t CountLent() const;
+  /// The bytes of each; 0 where there are none.
+  std::size_t GetBufferBytes() const { return mSlots.empty() ? 0 : mSlots.front().buffer.GetSize(); }
   KrBuffer* GetBuffer(std::size_t aIndex) { return &mSlots[aIndex].buffer; }
   /// Notes that the application holds a buffer; false for one that is none of these, or that it holds already.
   bool Lend(const KrBuffer* aBuffer);

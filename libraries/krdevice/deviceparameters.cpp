@@ -11,8 +11,9 @@ constexpr std::uint32_t kAccessTimeoutMs = 1000;
 
 } // namespace
 
-DeviceParameters::DeviceParameters(krsystem::IDeviceLink& aLink, bool aIsReadOnly, KrString aDeviceName)
-    : mLink(aLink), mIsReadOnly(aIsReadOnly), mDeviceName(std::move(aDeviceName)) {}
+DeviceParameters::DeviceParameters(krsystem::IDeviceLink& aLink, IKrRegisterPort& aPort, bool aIsReadOnly,
+                                   KrString aDeviceName)
+    : mLink(aLink), mPort(aPort, kAccessTimeoutMs), mIsReadOnly(aIsReadOnly), mDeviceName(std::move(aDeviceName)) {}
 
 KrResult DeviceParameters::Get(KrGenParameterArray*& aArray) {
   const std::lock_guard lock(mMutex);
@@ -41,13 +42,13 @@ KrResult DeviceParameters::Make() {
   KrGenDescription description;
   if (mDescription) {
     description = *mDescription;
-  } else if (KrResult read = KrGenDescription::ReadFromDevice(mLink.GetRegisterPort(), mLink.GetBootstrap(),
-                                                              description, kAccessTimeoutMs, mClosing.get_token());
+  } else if (KrResult read = KrGenDescription::ReadFromDevice(mPort, mLink.GetBootstrap(), description,
+                                                              kAccessTimeoutMs, mClosing.get_token());
              !read.IsOK()) {
     return read;
   }
-  return KrGenParameterArray::Open(description, mLink.GetRegisterPort(),
-                                   {.timeoutMs = kAccessTimeoutMs, .isReadOnly = mIsReadOnly}, mArray);
+  return KrGenParameterArray::Open(description, mPort, {.timeoutMs = kAccessTimeoutMs, .isReadOnly = mIsReadOnly},
+                                   mArray);
 }
 
 KrResult DeviceParameters::SetDescription(const KrGenDescription& aDescription) {

@@ -4,6 +4,7 @@
 
 #include "krgenicam/krgenparameterarray.h"
 #include "krsystem/idevicelink.h"
+#include "timedport.h"
 
 #include <memory>
 #include <mutex>
@@ -13,11 +14,11 @@
 namespace krdevice {
 
 /// Thread: any, but for construction and destruction.
-/// Ownership: borrows the link, on whose register port the array stands; owns the array.
+/// Ownership: borrows the link, and the port on which the array stands; owns the array.
 class DeviceParameters {
 public:
   /// The name is the device's, for texts.
-  DeviceParameters(krsystem::IDeviceLink& aLink, bool aIsReadOnly, KrString aDeviceName);
+  DeviceParameters(krsystem::IDeviceLink& aLink, IKrRegisterPort& aPort, bool aIsReadOnly, KrString aDeviceName);
 
   /// Gives the array; reads the description where that has not succeeded yet. A description that is no good is
   /// remembered as BadData; after another failure the next call tries again. ConnectionLost after Close.
@@ -26,6 +27,9 @@ public:
   KrGenParameterArray* Find();
   /// Takes a description instead of the device's own. InvalidInput for an empty one, WrongState once there is an array.
   KrResult SetDescription(const KrGenDescription& aDescription);
+  /// How long one access of the array, or of reading the description, may take; at least 1 ms.
+  std::uint32_t GetTimeoutMs() const { return mPort.GetTimeoutMs(); }
+  void SetTimeoutMs(std::uint32_t aTimeoutMs) { mPort.SetTimeoutMs(aTimeoutMs); }
   /// Ends the reading of the description and the array's accesses at once, now and from now on. The array itself
   /// stays, for whoever uses it still.
   void Close();
@@ -34,6 +38,7 @@ private:
   KrResult Make();
 
   krsystem::IDeviceLink& mLink;
+  TimedPort mPort;
   const bool mIsReadOnly;
   const KrString mDeviceName;
   std::stop_source mClosing;

@@ -1,6 +1,7 @@
 #include "krdevice/krdevice.h"
 
-#include "deviceparameters.h"
+#include "connectionfeatures.h"
+#include "hostparameters.h"
 #include "krbase/kreventsinks.h"
 #include "krdevice/krdevicegev.h"
 #include "krdevice/krdevicelifetime.h"
@@ -8,7 +9,6 @@
 #include "krdevice/krdeviceu3v.h"
 #include "krsystem/itransport.h"
 #include "opendevices.h"
-#include "parameterlock.h"
 
 #include <array>
 #include <exception>
@@ -22,7 +22,7 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
   Body(KrDevice& aDevice, KrDeviceInfoType aType, std::unique_ptr<krsystem::IDeviceLink> aLink,
        krsystem::DeviceFields aFields, KrDeviceAccess aAccess)
       : device(aDevice), type(aType), fields(std::move(aFields)), link(std::move(aLink)),
-        parameters(std::make_unique<Parameters>(*link, aAccess == KrDeviceAccess::Monitor, fields.displayID)),
+        parameters(std::make_unique<Parameters>(*link, aAccess, aType, fields)),
         place(krdevice::OpenDevices::Get().Add(*link, [lock = &parameters->lock] { lock->ReleaseAtEnd(); })) {}
   ~Body() { Close(); }
 
@@ -37,11 +37,17 @@ struct KrDevice::Body : krsystem::IDeviceLinkSink {
   }
 
   struct Parameters {
-    Parameters(krsystem::IDeviceLink& aLink, bool aIsReadOnly, const KrString& aDeviceName)
-        : array(aLink, aIsReadOnly, aDeviceName) {}
+    Parameters(krsystem::IDeviceLink& aLink, KrDeviceAccess aAccess, KrDeviceInfoType aType,
+               const krsystem::DeviceFields& aFields)
+        : port(aLink.GetRegisterPort()), array(aLink, port, aAccess == KrDeviceAccess::Monitor, aFields.displayID),
+          connection(krdevice::GetConnectionModule(), [this, &aLink, &aFields, aAccess, aType] {
+            return krdevice::ListConnectionFeatures({aType, aAccess, aFields, aLink, port, array, lock});
+          }) {}
 
+    krdevice::CountingPort port;
     krdevice::DeviceParameters array;
     krdevice::ParameterLock lock{array};
+    krdevice::HostParameters connection;
   };
 
   KrDevice& device;
@@ -66,6 +72,7 @@ void KrDevice::Body::Close() {
   }
   lifetime->Refuse();
   // Whoever waits for an access, a sink for example, need not wait any more.
+  parameters->connection.Close();
   parameters->array.Close();
   // No event may reach the application while its device goes.
   link->SetSink(nullptr);
@@ -241,7 +248,7 @@ const KrString& KrDevice::GetUserDefinedName() const {
 }
 
 IKrRegisterPort& KrDevice::GetRegisterPort() {
-  return mBody->link->GetRegisterPort();
+  return mBody->parameters->port;
 }
 
 krsystem::IBufferSource* KrDevice::GetBufferSource(std::uint32_t aChannel) {
@@ -259,6 +266,14 @@ KrGenParameterArray* KrDevice::GetParameters() {
 
 KrResult KrDevice::SetDescription(const KrGenDescription& aDescription) {
   return mBody->parameters->array.SetDescription(aDescription);
+}
+
+KrResult KrDevice::GetTransportParameters(KrGenParameterArray*& aParameters) {
+  return mBody->parameters->connection.Get(aParameters);
+}
+
+void KrDevice::OnStreamsChanged() {
+  mBody->parameters->connection.ForgetValues();
 }
 
 krdevice::ParameterLock& KrDevice::GetParameterLock() {

@@ -2,11 +2,14 @@
 
 #include "bufferring.h"
 #include "frameledger.h"
+#include "hostparameters.h"
 #include "krdevice/krdevice.h"
 #include "parameterlock.h"
 #include "sourcelease.h"
+#include "streamfeatures.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -15,9 +18,6 @@
 #include <utility>
 
 namespace {
-
-constexpr std::size_t kFewestBuffers = 2;
-constexpr std::size_t kMostBuffers = 1024;
 
 enum class StreamState { Stopped, Running, Stopping };
 
@@ -36,9 +36,10 @@ bool HasNumber(const KrBuffer& aBuffer) {
 
 } // namespace
 
-struct KrStream::Body {
+struct KrStream::Body : krdevice::IStreamState {
   Body(KrDevice& aDevice, std::size_t aBufferCount, std::uint32_t aChannel)
-      : device(aDevice), bufferCount(std::clamp(aBufferCount, kFewestBuffers, kMostBuffers)), channel(aChannel) {}
+      : device(aDevice), bufferCount(std::clamp(aBufferCount, krdevice::kFewestBuffers, krdevice::kMostBuffers)),
+        channel(aChannel), parameters(krdevice::GetStreamModule(), [this] { return ListFeatures(); }) {}
 
   // A call of Retrieve: until when it may wait, and what may cancel it.
   struct Wait {
@@ -48,13 +49,28 @@ struct KrStream::Body {
   };
 
   KrResult FillSource(krsystem::IBufferSource& aSource);
+  void Run(krsystem::IBufferSource& aSource, krdevice::SourceLease aLease);
+  void TellParameters();
   KrResult AwaitTurn(std::unique_lock<std::mutex>& aLock, const Wait& aWait);
   KrResult TakeFrame(std::unique_lock<std::mutex>& aLock, const Wait& aWait, KrBuffer*& aBuffer);
   void Follow(std::unique_lock<std::mutex>& aLock, std::uint64_t aFrameID);
   KrResult Queue(KrBuffer* aBuffer);
+  krsystem::HostFeatures ListFeatures();
+  template <typename Answer, typename Ask>
+  void AskSource(std::unique_lock<std::mutex>& aLock, Answer& aAnswer, Ask aAsk) const;
+
+  // What the parameters tell.
+  bool IsGrabbing() const override;
+  std::size_t GetBufferCount() const override { return bufferCount; }
+  void SetBufferCount(std::size_t aCount) override { bufferCount = aCount; }
+  std::size_t CountAnnounced() const override;
+  std::size_t CountLent() const override;
+  std::uint64_t GetPayloadBytes() const override;
+  krsystem::SourceBuffers CountSourceBuffers() const override;
+  KrStreamStatistics CountFrames() const override;
 
   KrDevice& device;
-  const std::size_t bufferCount;
+  std::atomic<std::size_t> bufferCount;
   const std::uint32_t channel;
 
   mutable std::mutex mutex; // Guards the members from here on; never held while the source is called.
@@ -70,6 +86,8 @@ struct KrStream::Body {
   krdevice::FrameLedger ledger;
   std::uint64_t shown = 0;
   krsystem::SourceStatistics lastCounted; // Of the last stream.
+
+  krdevice::HostParameters parameters; // Ends first: what it tells of stands above.
 };
 
 KrStream::KrStream(KrDevice& aDevice, std::size_t aBufferCount, std::uint32_t aChannel)
@@ -77,6 +95,7 @@ KrStream::KrStream(KrDevice& aDevice, std::size_t aBufferCount, std::uint32_t aC
 
 KrStream::~KrStream() {
   Stop();
+  mBody->parameters.Close();
 }
 
 KrResult KrStream::Body::FillSource(krsystem::IBufferSource& aSource) {
@@ -114,13 +133,25 @@ KrResult KrStream::Start() {
     return result;
   }
   parameterLock.ForgetValues();
-  const std::lock_guard lock(mBody->mutex);
-  mBody->lease = std::move(lease);
-  mBody->source = source;
-  mBody->ledger = {};
-  mBody->shown = 0;
-  mBody->state = StreamState::Running;
+  mBody->Run(*source, std::move(lease));
+  mBody->TellParameters();
   return {};
+}
+
+void KrStream::Body::Run(krsystem::IBufferSource& aSource, krdevice::SourceLease aLease) {
+  const std::lock_guard lock(mutex);
+  lease = std::move(aLease);
+  source = &aSource;
+  ledger = {};
+  shown = 0;
+  state = StreamState::Running;
+  parameters.ForgetReset();
+}
+
+// What is locked, and what runs, is another now.
+void KrStream::Body::TellParameters() {
+  parameters.ForgetValues();
+  device.OnStreamsChanged();
 }
 
 KrResult KrStream::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs) {
@@ -232,11 +263,12 @@ void KrStream::Stop() {
   mBody->source = nullptr;
   mBody->lease = krdevice::SourceLease();
   mBody->state = StreamState::Stopped;
+  lock.unlock();
+  mBody->TellParameters();
 }
 
 bool KrStream::IsRunning() const {
-  const std::lock_guard lock(mBody->mutex);
-  return mBody->state != StreamState::Stopped;
+  return mBody->IsGrabbing();
 }
 
 void KrStream::CountShown() {
@@ -245,25 +277,79 @@ void KrStream::CountShown() {
 }
 
 KrStreamStatistics KrStream::GetStatistics() const {
-  std::unique_lock lock(mBody->mutex);
-  // Before the source's counters, which thus are never behind.
-  const std::uint64_t missingFrames = mBody->ledger.GetMissing();
-  const std::uint64_t shown = mBody->shown;
-  krsystem::SourceStatistics counted = mBody->lastCounted;
-  if (krsystem::IBufferSource* const source = mBody->source) {
-    ++mBody->asking;
-    lock.unlock();
-    counted = source->GetStatistics();
-    lock.lock();
-    --mBody->asking;
-    mBody->changed.notify_all();
+  return mBody->CountFrames();
+}
+
+KrResult KrStream::GetParameters(KrGenParameterArray*& aParameters) {
+  if (!mBody->device.GetBufferSource(mBody->channel))
+    return {KrResult::Code::NotSupported, "Asking for the parameters of a stream: " + mBody->device.GetDisplayID() +
+                                              " has no stream channel " + std::to_string(mBody->channel) + "."};
+  return mBody->parameters.Get(aParameters);
+}
+
+krsystem::HostFeatures KrStream::Body::ListFeatures() {
+  krsystem::HostFeatures features = krdevice::ListStreamFeatures(*this, device, channel);
+  if (krsystem::IBufferSource* const receiver = device.GetBufferSource(channel)) {
+    for (krsystem::HostFeature& feature : receiver->ListFeatures())
+      features.push_back(std::move(feature));
   }
+  return features;
+}
+
+// Without the lock, and only while the source is the stream's; aAnswer stays as it is otherwise.
+template <typename Answer, typename Ask>
+void KrStream::Body::AskSource(std::unique_lock<std::mutex>& aLock, Answer& aAnswer, Ask aAsk) const {
+  const krsystem::IBufferSource* const asked = source;
+  if (!asked)
+    return;
+  ++asking;
+  aLock.unlock();
+  aAnswer = aAsk(*asked);
+  aLock.lock();
+  --asking;
+  changed.notify_all();
+}
+
+KrStreamStatistics KrStream::Body::CountFrames() const {
+  std::unique_lock lock(mutex);
+  // Before the source's counters, which thus are never behind.
+  const std::uint64_t missing = ledger.GetMissing();
+  const std::uint64_t shownBefore = shown;
+  krsystem::SourceStatistics counted = lastCounted;
+  AskSource(lock, counted, [](const krsystem::IBufferSource& aSource) { return aSource.GetStatistics(); });
   return {.received = counted.received,
           .incomplete = counted.incomplete,
           .missingPackets = counted.missingPackets,
           .resentPackets = counted.resentPackets,
           .discarded = counted.discarded,
           .bytes = counted.bytes,
-          .missingFrames = missingFrames,
-          .shown = shown};
+          .missingFrames = missing,
+          .shown = shownBefore};
+}
+
+krsystem::SourceBuffers KrStream::Body::CountSourceBuffers() const {
+  std::unique_lock lock(mutex);
+  krsystem::SourceBuffers buffers;
+  AskSource(lock, buffers, [](const krsystem::IBufferSource& aSource) { return aSource.CountBuffers(); });
+  return buffers;
+}
+
+bool KrStream::Body::IsGrabbing() const {
+  const std::lock_guard lock(mutex);
+  return state != StreamState::Stopped;
+}
+
+std::size_t KrStream::Body::CountAnnounced() const {
+  const std::lock_guard lock(mutex);
+  return state == StreamState::Stopped ? 0 : ring.GetCount();
+}
+
+std::size_t KrStream::Body::CountLent() const {
+  const std::lock_guard lock(mutex);
+  return state == StreamState::Stopped ? 0 : ring.CountLent();
+}
+
+std::uint64_t KrStream::Body::GetPayloadBytes() const {
+  const std::lock_guard lock(mutex);
+  return state == StreamState::Stopped ? 0 : ring.GetBufferBytes();
 }

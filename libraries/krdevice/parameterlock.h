@@ -25,6 +25,8 @@ public:
   void ForgetValues();
   /// After a stream has stopped, or did not start: unlocks for the last one, and has values forgotten, too.
   void Release();
+  /// Whether streams run, or are being started.
+  bool HasStreams() const { return mStreams > 0; }
   /// Unlocks at the end of the process, while streams may still run. Ends the accesses that are under way; waits for
   /// no lock of this class.
   void ReleaseAtEnd();
@@ -33,8 +35,8 @@ private:
   DeviceParameters& mParameters;
   std::atomic<KrGenParameterArray*> mLocked = nullptr; // The array, while streams run.
 
-  std::mutex mMutex; // Guards the number, and keeps locking and unlocking in the order in which the number changes.
-  std::size_t mStreams = 0;
+  std::mutex mMutex;                     // Keeps locking and unlocking in the order in which the number changes.
+  std::atomic<std::size_t> mStreams = 0; // Changes with the mutex held.
 };
 
 } // namespace krdevice

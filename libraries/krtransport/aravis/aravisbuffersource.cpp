@@ -3,6 +3,7 @@
 #include "aravis/lentbuffer.h"
 #include "krbase/krlogger.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace krtransport {
@@ -117,6 +118,7 @@ KrResult AravisBufferSource::OpenStream(std::uint64_t aPayloadBytes) {
     return {KrResult::Code::ConnectionLost, "The device was lost while its stream was opened."};
   }
   mStream = std::move(made->stream);
+  mDevice->OnStreamOpened(*mStream);
   for (KrBuffer* buffer : mWaiting)
     arv_stream_push_buffer(mStream.get(), LendBuffer(*buffer).release());
   mWaiting.clear();
@@ -163,6 +165,22 @@ krsystem::SourceStatistics AravisBufferSource::ReadStatistics() const {
           .bytes = counts.bytes};
 }
 
+krsystem::SourceBuffers AravisBufferSource::CountBuffers() const {
+  const std::lock_guard lock(mMutex);
+  gint empty = 0;
+  if (mStream != nullptr)
+    arv_stream_get_n_buffers(mStream.get(), &empty, nullptr);
+  return {.empty = static_cast<std::size_t>(std::max(empty, 0)), .filled = mReceiver->inbox.CountFilled()};
+}
+
+bool AravisBufferSource::Use(const std::function<void(ArvStream&)>& aUse) {
+  const std::lock_guard lock(mMutex);
+  if (mStream == nullptr)
+    return false;
+  aUse(*mStream);
+  return true;
+}
+
 void AravisBufferSource::OnLost(const KrResult& aReason) {
   mIsLost = true;
   mReceiver->inbox.Close(aReason);
@@ -181,6 +199,7 @@ void AravisBufferSource::QueueEnd(bool aIsLost, std::shared_ptr<KrResult> aEnded
   if (mStream == nullptr)
     return;
   mLast = ReadStatistics();
+  mDevice->OnStreamEnding(*mStream);
   const auto stream = std::make_shared<StreamPointer>(std::move(mStream));
   mIoThread.Post(
       [device = mDevice, receiver = mReceiver, stream, aIsLost, ended = std::move(aEnded)](const std::atomic<bool>&) {

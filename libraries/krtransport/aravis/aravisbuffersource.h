@@ -19,7 +19,7 @@ namespace krtransport {
 /// the I/O thread, with a dead device up to Aravis' own limit, and then half a second to find that the device is dead.
 ///
 /// Thread: as IBufferSource. Ownership: borrows the I/O thread, shares the device.
-class AravisBufferSource final : public krsystem::IBufferSource {
+class AravisBufferSource final : public krsystem::IBufferSource, private IStreamUse {
 public:
   AravisBufferSource(IoThread& aIoThread, std::shared_ptr<IStreamDevice> aDevice);
   ~AravisBufferSource() override;
@@ -30,6 +30,8 @@ public:
   KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) override;
   void Stop() override;
   krsystem::SourceStatistics GetStatistics() const override;
+  krsystem::SourceBuffers CountBuffers() const override;
+  krsystem::HostFeatures ListFeatures() override { return mDevice->ListStreamFeatures(*this); }
 
   /// Ends all waits for frames, because the device is lost. Any thread; nothing blocks.
   void OnLost(const KrResult& aReason);
@@ -41,6 +43,7 @@ private:
   KrResult OpenStream(std::uint64_t aPayloadBytes);
   void QueueEnd(bool aIsLost, std::shared_ptr<KrResult> aEnded);
   krsystem::SourceStatistics ReadStatistics() const;
+  bool Use(const std::function<void(ArvStream&)>& aUse) override;
   static void OnNewBuffer(ArvStream* aStream, gpointer aReceiver);
 
   IoThread& mIoThread;

@@ -68,4 +68,9 @@ FrameCounts FrameInbox::GetCounts() const {
   return mCounts;
 }
 
+std::size_t FrameInbox::CountFilled() const {
+  const std::lock_guard lock(mMutex);
+  return mBuffers.size();
+}
+
 } // namespace krtransport

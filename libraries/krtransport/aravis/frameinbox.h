@@ -7,6 +7,7 @@
 #include "krbuffer/krbuffer.h"
 
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <mutex>
@@ -38,6 +39,8 @@ public:
   /// the reason of Close.
   KrResult Take(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel);
   FrameCounts GetCounts() const;
+  /// How many buffers wait to be taken.
+  std::size_t CountFilled() const;
 
 private:
   void Count(const KrBuffer& aBuffer);

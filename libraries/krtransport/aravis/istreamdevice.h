@@ -5,8 +5,10 @@
 #include "aravis/gobjectpointer.h"
 #include "krbase/krresult.h"
 #include "krbuffer/krbuffer.h"
+#include "krsystem/hostfeature.h"
 
 #include <cstdint>
+#include <functional>
 
 namespace krtransport {
 
@@ -15,6 +17,17 @@ struct PacketFigures {
   std::uint64_t missingPackets = 0; ///< That did not come in time, whether or not a resend brought them.
   std::uint64_t resentPackets = 0;  ///< That came after a resend was asked for.
   std::uint64_t droppedFrames = 0;  ///< For which there was no buffer.
+};
+
+/// Lets others use a stream that its owner may end at any time.
+///
+/// Thread: any.
+class IStreamUse {
+public:
+  virtual ~IStreamUse() = default;
+  /// Calls aUse with the stream, which stays until that returns; false, without a call, while there is none. aUse
+  /// asks or sets the stream, and calls nothing of the owner's.
+  virtual bool Use(const std::function<void(ArvStream&)>& aUse) = 0;
 };
 
 /// Thread: the link's I/O thread alone; calls block as long as the device's protocol makes them.
@@ -37,6 +50,13 @@ public:
   virtual KrByteOrder GetChunkByteOrder() const { return KrByteOrder::LittleEndian; }
   /// What the receiver counted for a stream that CreateStream opened and that lives. Any thread.
   virtual PacketFigures GetPacketFigures([[maybe_unused]] ArvStream& aStream) const { return {}; }
+  /// The features of the receiver, of the stream that aStream lets be used. They are used as long as both live. Any
+  /// thread.
+  virtual krsystem::HostFeatures ListStreamFeatures([[maybe_unused]] IStreamUse& aStream) { return {}; }
+  /// A stream that CreateStream opened can be used by others from now on, and has no buffers yet. Any thread.
+  virtual void OnStreamOpened([[maybe_unused]] ArvStream& aStream) {}
+  /// No others can use the stream any more; it ends next. Any thread.
+  virtual void OnStreamEnding([[maybe_unused]] ArvStream& aStream) {}
   /// Puts back what CreateStream changed on the device, after the stream was released or its start failed. A device
   /// that is lost is not spoken to.
   virtual void OnStreamReleased([[maybe_unused]] bool aIsLost) {}

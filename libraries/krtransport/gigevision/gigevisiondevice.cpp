@@ -100,8 +100,11 @@ KrResult GigEVisionDevice::GiveBackControl() {
 }
 
 KrResult GigEVisionDevice::CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) {
-  const std::uint32_t socketBytes = GetSocketBufferSize(aPayloadBytes);
+  const std::uint32_t socketBytes = mReceiver.GetSocketBytes(aPayloadBytes);
   WarnOfReceiveLimit(socketBytes);
+  arv_gv_device_set_stream_options(ARV_GV_DEVICE(GetArvDevice()), mReceiver.IsPacketSocketEnabled()
+                                                                      ? ARV_GV_STREAM_OPTION_NONE
+                                                                      : ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
   SetPacketSize();
   mPacketCount = std::make_unique<PacketCount>(CountPackets(aPayloadBytes, mPacketBytes));
   StreamPointer stream;
@@ -169,22 +172,32 @@ std::uint32_t GigEVisionDevice::NegotiatePacketSize(const PacketSizeRange& aRang
   return choice.bytes;
 }
 
-void GigEVisionDevice::SetPacketSize() {
+std::uint32_t GigEVisionDevice::ChoosePacketSize() {
+  const PacketSizeMode mode = mPacketSizes->mode;
+  if (mode == PacketSizeMode::Fixed)
+    return mPacketSizes->fixedBytes;
+  if (mode == PacketSizeMode::Device)
+    return 0;
   if (const std::uint32_t mtu = GetMtu(mTarget.adapterName); mNegotiatedBytes == 0 || mtu != mNegotiatedMtu) {
     mNegotiatedBytes = NegotiatePacketSize(GetPacketSizeRange());
     mNegotiatedMtu = mtu;
   }
+  return mNegotiatedBytes;
+}
+
+void GigEVisionDevice::SetPacketSize() {
+  const std::uint32_t wanted = ChoosePacketSize();
   std::uint32_t setting = 0;
   KrResult result = ReadRegister(kStreamPacketSizeRegister, setting);
-  if (result.IsOK())
-    result = WriteRegister(kStreamPacketSizeRegister,
-                           (setting & ~(kFireTestPacketBit | kPacketSizeMask)) | mNegotiatedBytes);
+  if (result.IsOK() && wanted != 0)
+    result = WriteRegister(kStreamPacketSizeRegister, (setting & ~(kFireTestPacketBit | kPacketSizeMask)) | wanted);
   if (!result.IsOK())
     LogRefusal("The device keeps its packet size. " + result.GetDescription().ToUtf8());
   // Packets are counted and paced by what the device made of it.
   const KrResult read = ReadRegister(kStreamPacketSizeRegister, setting);
   const std::uint32_t set = setting & kPacketSizeMask;
-  mPacketBytes = read.IsOK() && set != 0 ? set : mNegotiatedBytes;
+  mPacketBytes = read.IsOK() && set != 0 ? set : wanted;
+  mPacketSizes->usedBytes = mPacketBytes;
 }
 
 void GigEVisionDevice::ShareAdapter() {

@@ -6,10 +6,12 @@
 #include "aravis/iothread.h"
 #include "gigevision/adaptermembership.h"
 #include "gigevision/bootstrapregisters.h"
+#include "gigevision/linkfeatures.h"
 #include "gigevision/linktarget.h"
 #include "gigevision/packetcount.h"
 #include "gigevision/packetpacing.h"
 #include "gigevision/packetsizesearch.h"
+#include "gigevision/receiversettings.h"
 
 #include <cstdint>
 #include <memory>
@@ -41,11 +43,17 @@ public:
   /// once.
   KrResult GiveBackControl();
 
-  /// Sets packets to the largest that come through, once in an opening, and the socket's buffer to two frames; takes
-  /// a share of the adapter's link.
+  /// Sets packets to the size that the settings want, found by trial once in an opening, and the socket as they want
+  /// it; takes a share of the adapter's link.
   KrResult CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) override;
   /// Gives up the share and puts back the device's own pause between packets.
   void OnStreamReleased(bool aIsLost) override;
+
+  krsystem::HostFeatures ListStreamFeatures(IStreamUse& aStream) override { return mReceiver.List(aStream); }
+  void OnStreamOpened(ArvStream& aStream) override { mReceiver.OnStreamOpened(aStream); }
+  void OnStreamEnding(ArvStream& aStream) override { mReceiver.OnStreamEnding(aStream); }
+  /// How packets are sized. Any thread.
+  const std::shared_ptr<PacketSizeSettings>& GetPacketSizes() const { return mPacketSizes; }
 
 private:
   GigEVisionDevice(GObjectPointer<ArvDevice> aDevice, const LinkTarget& aTarget, IoThread& aIoThread);
@@ -55,6 +63,8 @@ private:
   PacketSizeRange GetPacketSizeRange();
   /// Finds the size of the stream's packets, headers included.
   std::uint32_t NegotiatePacketSize(const PacketSizeRange& aRange);
+  /// The size that the device is to be set to; 0 to leave it as it is.
+  std::uint32_t ChoosePacketSize();
   /// Sets it; a device that refuses or rounds it is believed.
   void SetPacketSize();
   void ShareAdapter();
@@ -64,6 +74,8 @@ private:
   std::uint32_t mPacketBytes = 0;     // As the device has it set.
   std::uint32_t mNegotiatedBytes = 0; // 0 until it was negotiated.
   std::uint32_t mNegotiatedMtu = 0;   // The adapter's, for which it was.
+  ReceiverSettings mReceiver;
+  const std::shared_ptr<PacketSizeSettings> mPacketSizes = std::make_shared<PacketSizeSettings>();
   PacketPacing mPacing;
   std::unique_ptr<PacketCount> mPacketCount;      // Of the last stream.
   std::unique_ptr<AdapterMembership> mMembership; // While a stream is open. Ends first: it calls the I/O thread.

@@ -74,7 +74,7 @@ KrResult GigEVisionLink::OpenChannel(const LinkTarget& aTarget, Parts& aParts) {
 }
 
 GigEVisionLink::GigEVisionLink(const LinkTarget& aTarget, Parts aParts)
-    : mIoThread(std::move(aParts.ioThread)), mDevice(std::move(aParts.device)),
+    : mTarget(aTarget), mIoThread(std::move(aParts.ioThread)), mDevice(std::move(aParts.device)),
       mSource(mDevice != nullptr ? std::make_unique<AravisBufferSource>(*mIoThread, mDevice) : nullptr),
       mWatch(
           aTarget, std::move(aParts.watchClient), [this] { return mDevice == nullptr || mDevice->HoldsControl(); },
@@ -97,6 +97,10 @@ GigEVisionLink::~GigEVisionLink() {
 
 krsystem::IBufferSource* GigEVisionLink::GetBufferSource(std::uint32_t aChannel) {
   return aChannel == 0 ? mSource.get() : nullptr;
+}
+
+krsystem::HostFeatures GigEVisionLink::ListFeatures() {
+  return ListLinkFeatures(mTarget, mDevice != nullptr ? mDevice->GetPacketSizes() : nullptr);
 }
 
 void GigEVisionLink::GiveBackControl() {

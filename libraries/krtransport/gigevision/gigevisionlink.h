@@ -28,6 +28,7 @@ public:
   /// Channel 0 of a device under control. Aravis receives no other, and a monitor none.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
   KrGenBootstrap GetBootstrap() const override { return KrGenBootstrap::GigEVision; }
+  krsystem::HostFeatures ListFeatures() override;
   /// Takes up to two seconds with a device that answers, about half a second with one that does not.
   void GiveBackControl() override;
   bool IsConnected() const override { return mWatch.IsConnected(); }
@@ -47,6 +48,7 @@ private:
   static KrResult OpenChannel(const LinkTarget& aTarget, Parts& aParts);
   void OnLost(const KrResult& aReason);
 
+  const LinkTarget mTarget;
   std::unique_ptr<IoThread> mIoThread;
   std::shared_ptr<GigEVisionDevice> mDevice;
   std::unique_ptr<AravisBufferSource> mSource;

@@ -19,6 +19,7 @@ std::uint64_t GetHostTimeNs() {
 }
 
 constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
+constexpr std::uint64_t kMicrosecondsPerMillisecond = 1000;
 
 } // namespace
 
@@ -67,6 +68,7 @@ KrResult SimulatedBufferSource::Start() {
   {
     const std::lock_guard lock(mMutex);
     mStatistics = {};
+    mDropped = 0;
     mStopping = false;
     mRunning = true;
   }
@@ -124,6 +126,46 @@ krsystem::SourceStatistics SimulatedBufferSource::GetStatistics() const {
   return mStatistics;
 }
 
+krsystem::SourceBuffers SimulatedBufferSource::CountBuffers() const {
+  const std::lock_guard lock(mMutex);
+  return {.empty = mFree.size(), .filled = mFilled.size()};
+}
+
+krsystem::HostFeatures SimulatedBufferSource::ListFeatures() {
+  return {
+      krsystem::MakeSetFeature(
+          {.name = "StreamPacketResendEnable",
+           .category = "StreamReceiver",
+           .kind = krsystem::HostFeatureKind::Boolean,
+           .tip = "Whether packets that are missing are asked for again. Without it those that are "
+                  "ordered to be late never come."},
+          [this] { return mIsResendEnabled.load(); },
+          [this](bool aIsEnabled) {
+            mIsResendEnabled = aIsEnabled;
+            return KrResult();
+          }),
+      krsystem::MakeSetFeature(
+          {.name = "StreamFrameRetention",
+           .category = "StreamReceiver",
+           .tip = "How long a frame waits for packets that are late, before it is handed over "
+                  "incomplete.",
+           .minimum = 1000,
+           .maximum = 60'000'000,
+           .unit = "us"},
+          [this] { return mRetentionUs.load(); },
+          [this](std::uint32_t aRetentionUs) {
+            mRetentionUs = aRetentionUs;
+            return KrResult();
+          }),
+      krsystem::MakeShownFeature({.name = "StreamSimulatedDropCount",
+                                  .category = "StreamStatistics",
+                                  .tip = "Frames that the camera was ordered to drop.",
+                                  .isCounter = true,
+                                  .pollingMs = 500},
+                                 [this] { return mDropped.load(); }),
+  };
+}
+
 void SimulatedBufferSource::SetLost() {
   const std::lock_guard lock(mMutex);
   mLost = true;
@@ -171,15 +213,26 @@ void SimulatedBufferSource::WaitForResend(std::uint64_t aUntilNs) {
 }
 
 void SimulatedBufferSource::MakeFrame(const FrameSettings& aSettings, std::uint64_t aFrameID) {
-  OrderedFaults& faults = mCamera.GetFaults();
-  KrBuffer* const buffer = faults.TakeDrop() ? nullptr : TakeFree();
+  if (mCamera.GetFaults().TakeDrop()) {
+    ++mDropped;
+    return;
+  }
+  KrBuffer* const buffer = TakeFree();
   if (!buffer)
     return;
-  const std::optional<PacketFault> fault = faults.TakePacketFault();
+  const std::optional<PacketFault> fault = TakePacketFault();
   const PacketCounts packets = mWriter.Write(*buffer, aSettings, aFrameID, fault);
   if (packets.resent > 0)
     WaitForResend(aSettings.exposure.endNs + fault->delayMs * kNanosecondsPerMillisecond);
   Deliver(buffer, packets);
+}
+
+// Late packets come by a resend, which has to be wanted, and before the frame is given up.
+std::optional<PacketFault> SimulatedBufferSource::TakePacketFault() {
+  std::optional<PacketFault> fault = mCamera.GetFaults().TakePacketFault();
+  if (fault && fault->isLate)
+    fault->isLate = mIsResendEnabled && fault->delayMs * kMicrosecondsPerMillisecond <= mRetentionUs;
+  return fault;
 }
 
 KrBuffer* SimulatedBufferSource::TakeFree() {

@@ -5,9 +5,12 @@
 #include "simulation/framewriter.h"
 #include "simulation/simulatedcamera.h"
 
+#include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace krtransport {
@@ -25,6 +28,9 @@ public:
   KrResult Retrieve(KrBuffer*& aBuffer, std::uint32_t aTimeoutMs, const std::stop_token& aCancel) override;
   void Stop() override;
   krsystem::SourceStatistics GetStatistics() const override;
+  krsystem::SourceBuffers CountBuffers() const override;
+  /// A receiver's resend and retention, for packets that are ordered to be late, and what was ordered to be lost.
+  krsystem::HostFeatures ListFeatures() override;
 
   /// The camera is lost for good as far as this source goes. Any thread.
   void SetLost();
@@ -40,10 +46,14 @@ private:
   void WaitForResend(std::uint64_t aUntilNs);
   void MakeFrame(const FrameSettings& aSettings, std::uint64_t aFrameID);
   KrBuffer* TakeFree();
+  std::optional<PacketFault> TakePacketFault();
   void Deliver(KrBuffer* aBuffer, const PacketCounts& aPackets);
 
   SimulatedCamera& mCamera;
   const ICameraListener& mOwner;
+  std::atomic<bool> mIsResendEnabled = true;
+  std::atomic<std::uint32_t> mRetentionUs = 60'000'000;
+  std::atomic<std::uint64_t> mDropped = 0; // Frames of the running stream, or the last one, that orders dropped.
   std::mutex mStartStopMutex; // Keeps starting and stopping in one order; control may be given back on another thread.
   FrameWriter mWriter;        // Used by the thread alone.
 

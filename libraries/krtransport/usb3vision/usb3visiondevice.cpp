@@ -89,6 +89,8 @@ KrResult Usb3VisionDevice::ReadLimits() {
 }
 
 KrResult Usb3VisionDevice::CreateStream(std::uint64_t, StreamPointer& aStream) {
+  arv_uv_device_set_usb_mode(ARV_UV_DEVICE(GetArvDevice()),
+                             mTransfers.IsAsynchronous() ? ARV_UV_USB_MODE_ASYNC : ARV_UV_USB_MODE_SYNC);
   return OpenArvStream(aStream);
 }
 

@@ -3,6 +3,7 @@
 // in common is in the base.
 
 #include "aravis/aravisdevicebase.h"
+#include "usb3vision/usbfeatures.h"
 
 #include <cstdint>
 #include <memory>
@@ -36,6 +37,9 @@ public:
 
   KrResult CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) override;
 
+  krsystem::HostFeatures ListStreamFeatures(IStreamUse& aStream) override { return mTransfers.List(aStream); }
+  void OnStreamEnding(ArvStream& aStream) override { mTransfers.OnStreamEnding(aStream); }
+
   /// Gives the device free, as destruction does. Afterwards only destruction is allowed.
   void Release() { ReleaseArvDevice(); }
 
@@ -43,6 +47,7 @@ private:
   explicit Usb3VisionDevice(GObjectPointer<ArvDevice> aDevice) : AravisDeviceBase(std::move(aDevice)) {}
   KrResult ReadLimits();
 
+  UsbTransferSettings mTransfers;
   RegisterLimits mLimits{.lastAddress = UINT64_MAX, .alignment = 1, .maxBytes = 0};
 };
 

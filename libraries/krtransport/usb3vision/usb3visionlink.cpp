@@ -36,7 +36,7 @@ KrResult Usb3VisionLink::Open(const Usb3VisionNames& aNames, UsbWatch::Subject a
 }
 
 Usb3VisionLink::Usb3VisionLink(UsbWatch::Subject aSubject, Parts aParts)
-    : mChannel(std::move(aParts.channel)), mStreamDevice(std::move(aParts.streamDevice)),
+    : mUsbDevice(aSubject.device), mChannel(std::move(aParts.channel)), mStreamDevice(std::move(aParts.streamDevice)),
       mRelease(std::move(aParts.release)), mIoThread(std::move(aParts.ioThread)),
       mSource(mStreamDevice != nullptr ? std::make_unique<AravisBufferSource>(*mIoThread, mStreamDevice) : nullptr),
       mWatch(
@@ -58,6 +58,10 @@ Usb3VisionLink::~Usb3VisionLink() {
 
 krsystem::IBufferSource* Usb3VisionLink::GetBufferSource(std::uint32_t aChannel) {
   return aChannel == 0 ? mSource.get() : nullptr;
+}
+
+krsystem::HostFeatures Usb3VisionLink::ListFeatures() {
+  return ListUsbLinkFeatures(mUsbDevice, mChannel->GetLimits().maxBytes);
 }
 
 void Usb3VisionLink::GiveBackControl() {

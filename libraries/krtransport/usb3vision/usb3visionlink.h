@@ -25,7 +25,7 @@ public:
     std::unique_ptr<IoThread> ioThread = std::make_unique<IoThread>();
     std::shared_ptr<IRegisterChannel> channel;
     std::shared_ptr<IStreamDevice> streamDevice; ///< Null for a monitor.
-    std::function<void()> release;               ///< Gives the device free, on the I/O thread; nothing of the above is used after.
+    std::function<void()> release; ///< Gives the device free, on the I/O thread; nothing of the above is used after.
   };
 
   /// Opens the device that names tell. USB knows no second reader: a monitor holds the device like everybody else, and
@@ -39,6 +39,7 @@ public:
   /// Channel 0 of a device that is not only looked at. The standard has no other.
   krsystem::IBufferSource* GetBufferSource(std::uint32_t aChannel) override;
   KrGenBootstrap GetBootstrap() const override { return KrGenBootstrap::GenCP; }
+  krsystem::HostFeatures ListFeatures() override;
   /// Takes up to two seconds. A monitor's device is given free too.
   void GiveBackControl() override;
   bool IsConnected() const override { return mWatch.IsConnected(); }
@@ -48,6 +49,7 @@ private:
   KrResult Probe();
   void OnLost(const KrResult& aReason);
 
+  const UsbDevice mUsbDevice;
   const std::shared_ptr<IRegisterChannel> mChannel;
   const std::shared_ptr<IStreamDevice> mStreamDevice;
   const std::function<void()> mRelease;

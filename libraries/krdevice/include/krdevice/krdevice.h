@@ -85,6 +85,13 @@ public:
   KrResult GetParameters(KrGenParameterArray*& aParameters);
   /// The same, null on failure.
   KrGenParameterArray* GetParameters();
+  /// Gives what this host knows and decides of the connection to the device, as parameters: addresses, speed, time
+  /// limits, the size of stream packets, counts of register accesses. Which there are depends on the kind of link; what
+  /// is set holds until the device is closed. Asks the device for nothing; reading some of them does. Counters have
+  /// polling times and a command to begin anew; what streams depend on is locked while one runs.
+  /// The first call makes the array, further ones give the same. It belongs to the device and ends as that of
+  /// GetParameters; after the loss of the device it is still there, and tells of it.
+  KrResult GetTransportParameters(KrGenParameterArray*& aParameters);
   /// Has GetParameters use a description of the application's, for a device whose own is missing or no good.
   /// InvalidInput for an empty one, WrongState once GetParameters has succeeded or a stream was started with
   /// parameters.
@@ -111,6 +118,8 @@ protected:
 private:
   friend class KrStream;
   krdevice::ParameterLock& GetParameterLock();
+  /// Streams were started or stopped: what is locked is another.
+  void OnStreamsChanged();
 
   struct Body;
   std::unique_ptr<Body> mBody;

@@ -10,6 +10,7 @@
 #include <memory>
 
 class KrDevice;
+class KrGenParameterArray;
 
 /// What a stream counted since it was started.
 struct KrStreamStatistics {
@@ -41,7 +42,8 @@ struct KrStreamStatistics {
 ///     }
 class KR_EXPORT KrStream {
 public:
-  /// A stream of a channel with a number of buffers between 2 and 1024 (others are moved to the nearer end).
+  /// A stream of a channel with a number of buffers between 2 and 1024 (others are moved to the nearer end), which
+  /// StreamBufferCountManual of its parameters changes.
   explicit KrStream(KrDevice& aDevice, std::size_t aBufferCount = 16, std::uint32_t aChannel = 0);
   /// Stops.
   ~KrStream();
@@ -77,6 +79,13 @@ public:
   /// The counters of the running stream, or of the last one. While it runs none of them decreases, and no more frames
   /// are shown than arrived.
   KrStreamStatistics GetStatistics() const;
+  /// Gives the stream's own parameters, before, while and after it runs: its buffers, its counters (as GetStatistics
+  /// has them, with polling times and a command to begin anew), and what its receiver can be set to, for example how
+  /// lost packets are asked for again. What is set holds for the stream of the moment, unless it is locked while one
+  /// runs, and for later ones of the same channel until the device is closed; nothing is locked by the device's own
+  /// lock. The first call makes the array, further ones give the same. It belongs to the stream; accesses end before
+  /// the stream is destroyed. NotSupported for a device without the stream's channel.
+  KrResult GetParameters(KrGenParameterArray*& aParameters);
 
 private:
   struct Body;

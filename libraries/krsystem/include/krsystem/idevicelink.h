@@ -6,8 +6,10 @@
 #include "krbuffer/krbuffer.h"
 #include "krgenicam/ikrregisterport.h"
 #include "krgenicam/krgendescription.h"
+#include "krsystem/hostfeature.h"
 #include "krsystem/ibytechannel.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <stop_token>
@@ -22,6 +24,12 @@ struct SourceStatistics {
   std::uint64_t resentPackets = 0;  ///< Packets that came after a resend was asked for.
   std::uint64_t discarded = 0;      ///< Frames dropped for want of a free buffer.
   std::uint64_t bytes = 0;          ///< Payload bytes of the frames received.
+};
+
+/// Where a source's buffers are.
+struct SourceBuffers {
+  std::size_t empty = 0;  ///< Wait to be filled, or are being filled.
+  std::size_t filled = 0; ///< Wait to be retrieved.
 };
 
 /// A device's stream channel: takes empty buffers, gives filled ones.
@@ -49,6 +57,11 @@ public:
   virtual void Stop() = 0;
   /// The counters since the last start; they stay as they are from the stop on. None decreases in between.
   virtual SourceStatistics GetStatistics() const = 0;
+  /// Where the buffers are at the moment; nowhere while it is stopped. Any thread.
+  virtual SourceBuffers CountBuffers() const { return {}; }
+  /// The receiver's own settings and counters. What is set holds from then on, beyond stop and start; what can be set
+  /// while frames come has effect at once. The functions may be called as long as the source lives. Any thread.
+  virtual HostFeatures ListFeatures() { return {}; }
 };
 
 /// Hears of a device's loss and return.
@@ -82,6 +95,8 @@ public:
   /// The byte channel of a serial port's number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the
   /// device has none of that number.
   virtual std::shared_ptr<IByteChannel> GetByteChannel([[maybe_unused]] std::uint32_t aNumber) { return nullptr; }
+  /// What there is to see and to set of the connection. The functions may be called as long as the link lives.
+  virtual HostFeatures ListFeatures() { return {}; }
   /// Stops streams and gives control of the device back at once, as when the process is about to end: others can take
   /// it without waiting for a heartbeat to run out. Afterwards the device counts as lost for this link, without word of
   /// it. Ends within the transport's own time limits; does nothing for a link without control. It comes while the

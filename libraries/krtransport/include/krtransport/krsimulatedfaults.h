@@ -52,7 +52,8 @@ public:
   virtual void LosePackets(std::uint32_t aFrames, std::uint32_t aPackets, std::uint32_t aFirstPacket = 0,
                            KrPacketGap aGap = KrPacketGap::Zeroed) = 0;
   /// Lets aPackets packets of each of the next aFrames frames come aDelayMs milliseconds of the camera's clock late, on
-  /// being asked for again. The frames come whole; the packets are counted as missing and as resent.
+  /// being asked for again. The frames come whole, unless the stream is set not to ask again (StreamPacketResendEnable)
+  /// or not to wait so long (StreamFrameRetention); the packets are counted as missing and, where they came, as resent.
   virtual void DelayPackets(std::uint32_t aFrames, std::uint32_t aPackets, std::uint32_t aDelayMs) = 0;
   /// Loses the next aFrames frames altogether: their numbers are left out, nothing else tells of them.
   virtual void DropFrames(std::uint32_t aFrames) = 0;

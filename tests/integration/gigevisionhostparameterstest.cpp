@@ -1,0 +1,205 @@
+// The parameters of a stream and of a connection that Aravis carries, with a camera that is not ours.
+
+#include "gigevisionfixture.h"
+#include "parametertext.h"
+
+#include "krdevice/krdevicegev.h"
+#include "krdevice/krstream.h"
+
+namespace {
+
+constexpr std::uint64_t kHeartbeatRegister = 0x0938;
+constexpr std::uint32_t kPacketSizeBits = 0xFFFF;
+
+class GigEVisionHostParameters : public GigEVisionCameraTest {
+protected:
+  explicit GigEVisionHostParameters(FakeCameraOptions aOptions = {}) : GigEVisionCameraTest(std::move(aOptions)) {}
+
+  void SetUp() override {
+    GigEVisionCameraTest::SetUp();
+    if (HasFatalFailure())
+      return;
+    std::unique_ptr<krsystem::IDeviceLink> link = OpenControlled();
+    ASSERT_NE(link, nullptr);
+    mLink = link.get();
+    mOpened =
+        std::make_unique<KrDeviceGEV>(std::move(link), std::get<krsystem::GEVFields>(mDevice), KrDeviceAccess::Control);
+    mStream = std::make_unique<KrStream>(*mOpened);
+    ASSERT_TRUE(mStream->GetParameters(mStreamArray).IsOK());
+    ASSERT_TRUE(mOpened->GetTransportParameters(mConnection).IsOK());
+  }
+  void TearDown() override {
+    mStream.reset();
+    mOpened.reset();
+  }
+  /// Takes frames until a condition holds; false where it does not within a generous limit.
+  bool TakeUntil(const std::function<bool()>& aCondition) {
+    const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+    while (!aCondition()) {
+      KrBuffer* buffer = nullptr;
+      if (std::chrono::steady_clock::now() > limit || !mStream->Retrieve(buffer, kGenerousTimeoutMs).IsOK())
+        return false;
+      EXPECT_TRUE(mStream->Release(buffer).IsOK());
+    }
+    return true;
+  }
+  bool TakeFrames(int aFrames) {
+    return TakeUntil([&aFrames] { return aFrames-- == 0; });
+  }
+
+  krsystem::IDeviceLink* mLink = nullptr; // The device's.
+  std::unique_ptr<KrDevice> mOpened;
+  std::unique_ptr<KrStream> mStream;
+  KrGenParameterArray* mStreamArray = nullptr;
+  KrGenParameterArray* mConnection = nullptr;
+};
+
+// One packet in fifty never comes.
+class GigEVisionLossyHostParameters : public GigEVisionHostParameters {
+protected:
+  GigEVisionLossyHostParameters() : GigEVisionHostParameters({.lostPacketsPerMille = 20}) {}
+};
+
+} // namespace
+
+TEST_F(GigEVisionHostParameters, Arrays_StoppedAndRunningAndStoppedAgain_CanBeReadAsAWhole) {
+  ExpectAllReadable(*mStreamArray);
+  ExpectAllReadable(*mConnection);
+  ASSERT_TRUE(mStream->Start().IsOK());
+  ASSERT_TRUE(TakeFrames(2));
+  ExpectAllReadable(*mStreamArray);
+  ExpectAllReadable(*mConnection);
+
+  mStream->Stop();
+
+  ExpectAllReadable(*mStreamArray);
+  ExpectAllReadable(*mConnection);
+}
+
+TEST_F(GigEVisionHostParameters, Connection_OfACameraOnLoopback_TellsOfTheWayThere) {
+  EXPECT_EQ(ReadText(*mConnection, "LinkAdapterName"), KrString("lo"));
+  EXPECT_EQ(ReadNumber(*mConnection, "LinkHostIPAddress"), kLoopback);
+  EXPECT_EQ(ReadNumber(*mConnection, "GevDeviceIPAddress"), kLoopback);
+  EXPECT_GE(ReadNumber(*mConnection, "LinkAdapterMTU"), 1500);
+}
+
+TEST_F(GigEVisionHostParameters, LiveSettings_SetBeforeAndWhileAStreamRuns_AreTheStreams) {
+  ASSERT_TRUE(SetText(*mStreamArray, "StreamPacketTimeout", "33000").IsOK());
+  ASSERT_TRUE(mStream->Start().IsOK());
+
+  // While it runs, what is read is what Aravis' stream says.
+  EXPECT_EQ(ReadNumber(*mStreamArray, "StreamPacketTimeout"), 33000);
+  for (const auto& [name, value] : {std::pair{"StreamPacketTimeout", 44000},
+                                    {"StreamInitialPacketTimeout", 2500},
+                                    {"StreamFrameRetention", 250000},
+                                    {"StreamPacketResendRatio", 60}}) {
+    EXPECT_TRUE(SetText(*mStreamArray, name, std::to_string(value)).IsOK()) << name;
+    mStreamArray->InvalidateCache();
+    EXPECT_EQ(ReadNumber(*mStreamArray, name), value);
+  }
+  mStream->Stop();
+
+  EXPECT_EQ(ReadNumber(*mStreamArray, "StreamFrameRetention"), 250000);
+  ASSERT_TRUE(mStream->Start().IsOK());
+  EXPECT_EQ(ReadNumber(*mStreamArray, "StreamFrameRetention"), 250000);
+}
+
+TEST_F(GigEVisionHostParameters, SocketSettings_WhileAStreamRuns_AreLocked) {
+  constexpr const char* kLocked[] = {"StreamSocketBufferMode", "StreamSocketBufferSize", "StreamPacketSocketEnable",
+                                     "StreamBufferCountManual"};
+  constexpr const char* kLinkLocked[] = {"LinkPacketSizeMode", "LinkPacketSizeFixed"};
+  ASSERT_TRUE(mStream->Start().IsOK());
+  for (const char* const name : kLocked)
+    EXPECT_FALSE(IsWritable(*mStreamArray, name)) << name;
+  for (const char* const name : kLinkLocked)
+    EXPECT_FALSE(IsWritable(*mConnection, name)) << name;
+
+  mStream->Stop();
+
+  for (const char* const name : kLocked)
+    EXPECT_TRUE(IsWritable(*mStreamArray, name)) << name;
+  for (const char* const name : kLinkLocked)
+    EXPECT_TRUE(IsWritable(*mConnection, name)) << name;
+}
+
+TEST_F(GigEVisionHostParameters, SocketSettings_PlainSocketOfAFixedSize_Streams) {
+  ASSERT_TRUE(SetText(*mStreamArray, "StreamSocketBufferMode", "Fixed").IsOK());
+  ASSERT_TRUE(SetText(*mStreamArray, "StreamSocketBufferSize", "8388608").IsOK());
+  ASSERT_TRUE(SetText(*mStreamArray, "StreamPacketSocketEnable", "0").IsOK());
+
+  ASSERT_TRUE(mStream->Start().IsOK());
+
+  EXPECT_TRUE(TakeUntil([this] { return mStream->GetStatistics().received >= 3; }));
+}
+
+TEST_F(GigEVisionHostParameters, Counters_OfAStreamThatEnded_AgreeWithTheStatistics) {
+  ASSERT_TRUE(mStream->Start().IsOK());
+  ASSERT_TRUE(TakeFrames(5));
+  mStream->Stop();
+  const KrStreamStatistics counted = mStream->GetStatistics();
+
+  EXPECT_EQ(ReadNumber(*mStreamArray, "StreamDeliveredFrameCount"),
+            static_cast<std::int64_t>(counted.received + counted.incomplete));
+  EXPECT_EQ(ReadNumber(*mStreamArray, "StreamDeliveredByteCount"), static_cast<std::int64_t>(counted.bytes));
+  EXPECT_EQ(ReadNumber(*mStreamArray, "StreamResentPacketCount"), static_cast<std::int64_t>(counted.resentPackets));
+  EXPECT_GE(ReadNumber(*mStreamArray, "StreamReceivedPacketCount"),
+            ReadNumber(*mStreamArray, "StreamDeliveredFrameCount"));
+  EXPECT_GE(ReadNumber(*mStreamArray, "StreamTransferredByteCount"), static_cast<std::int64_t>(counted.bytes));
+}
+
+TEST_F(GigEVisionHostParameters, PacketSize_Fixed_IsTheCamerasAndThatOfItsPackets) {
+  ASSERT_TRUE(SetText(*mConnection, "LinkPacketSizeMode", "Fixed").IsOK());
+  ASSERT_TRUE(SetText(*mConnection, "LinkPacketSizeFixed", "1200").IsOK());
+
+  ASSERT_TRUE(mStream->Start().IsOK());
+
+  EXPECT_EQ(ReadRegister(*mLink, kPacketSizeRegister) & kPacketSizeBits, 1200u);
+  EXPECT_EQ(ReadNumber(*mConnection, "LinkPacketSize"), 1200);
+  EXPECT_EQ(ReadNumber(*mConnection, "GevSCPSPacketSize"), 1200);
+  EXPECT_TRUE(TakeUntil([this] { return mStream->GetStatistics().received >= 1; }));
+}
+
+TEST_F(GigEVisionHostParameters, PacketSize_LeftToTheDevice_IsWhatItHas) {
+  ASSERT_TRUE(WriteRegister(*mLink, kPacketSizeRegister, 800).IsOK());
+  ASSERT_TRUE(SetText(*mConnection, "LinkPacketSizeMode", "Device").IsOK());
+
+  ASSERT_TRUE(mStream->Start().IsOK());
+
+  EXPECT_EQ(ReadRegister(*mLink, kPacketSizeRegister) & kPacketSizeBits, 800u);
+  EXPECT_EQ(ReadNumber(*mConnection, "LinkPacketSize"), 800);
+}
+
+TEST_F(GigEVisionHostParameters, Heartbeat_Set_IsTheCameras) {
+  ASSERT_TRUE(SetText(*mConnection, "GevHeartbeatTimeout", "7000").IsOK());
+
+  EXPECT_EQ(ReadRegister(*mLink, kHeartbeatRegister), 7000u);
+}
+
+TEST_F(GigEVisionHostParameters, CameraKilled_WhileItStreams_LeavesArraysThatTellOfIt) {
+  ASSERT_TRUE(mStream->Start().IsOK());
+  ASSERT_TRUE(TakeFrames(2));
+  mCamera->Kill();
+  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+  while (mOpened->IsConnected() && std::chrono::steady_clock::now() < limit) {
+    KrBuffer* buffer = nullptr;
+    if (mStream->Retrieve(buffer, 1000).IsOK()) {
+      EXPECT_TRUE(mStream->Release(buffer).IsOK());
+    }
+  }
+
+  EXPECT_EQ(ReadText(*mConnection, "DeviceAccessStatus"), KrString("NoAccess"));
+  EXPECT_GE(ReadNumber(*mStreamArray, "StreamDeliveredFrameCount"), 2);
+  ExpectAllReadable(*mStreamArray);
+}
+
+TEST_F(GigEVisionLossyHostParameters, Resend_SwitchedOffAndOnWhileItStreams_AsksForNothingAndThenForPackets) {
+  ASSERT_TRUE(SetText(*mStreamArray, "StreamPacketResendEnable", "0").IsOK());
+  ASSERT_TRUE(mStream->Start().IsOK());
+  ASSERT_TRUE(TakeUntil([this] { return mStream->GetStatistics().incomplete >= 3; }));
+  EXPECT_EQ(ReadNumber(*mStreamArray, "StreamResendRequestCount"), 0);
+
+  ASSERT_TRUE(SetText(*mStreamArray, "StreamPacketResendEnable", "1").IsOK());
+
+  EXPECT_TRUE(TakeUntil([this] { return ReadNumber(*mStreamArray, "StreamResendRequestCount") > 0; }));
+  EXPECT_GT(ReadNumber(*mStreamArray, "StreamMissingPacketCount"), 0);
+}
