@@ -16,26 +16,20 @@ constexpr int kLookIntervalMs = 50;
 /// The part of the page that the camera's features take at first.
 constexpr double kFeaturesShare = 0.4;
 
-QString GetStateText(const AcquisitionProgress& aProgress) {
-  switch (aProgress.state) {
-  case AcquisitionState::Connecting:
-    return QStringLiteral("connecting");
-  case AcquisitionState::Connected:
-    return QStringLiteral("stopped");
-  case AcquisitionState::Lost:
-    return QStringLiteral("camera lost, waiting for it to come back");
-  case AcquisitionState::Failed:
-    return QStringLiteral("not connected");
-  default:
-    return {};
-  }
+bool IsOver(AcquisitionState aState) {
+  return aState == AcquisitionState::Finished || aState == AcquisitionState::Failed;
 }
 
 } // namespace
 
 CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
     : mCamera(std::move(aCamera)), mOptions(aOptions), mBar(new MessageBar(this)), mArea(new QMainWindow(this)),
-      mPanels(*mArea), mFeatures(new ParameterPanel), mTools(*this) {
+      mPanels(*mArea), mFeatures(new ParameterPanel), mTools(*this),
+      mSettings(
+          *this, [this](DeviceWork aWork) { Do(std::move(aWork)); },
+          [this](const QString& aWhat, const KrStringList& aProblems) { TellSettings(aWhat, aProblems); }),
+      mConnection(mDisplay, *mCamera, aOptions.acquisition, mFrames,
+                  [this](Acquisition& aAcquisition) { GiveBack(aAcquisition); }) {
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
@@ -50,6 +44,7 @@ CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
 
 CameraPage::~CameraPage() {
   End();
+  AwaitEnd();
 }
 
 KrResult CameraPage::Open() {
@@ -62,6 +57,7 @@ KrResult CameraPage::Open() {
   layout->addWidget(mDisplay.GetWidget());
   setFocusProxy(mDisplay.GetWidget());
   Connect();
+  mTimer.start(kLookIntervalMs);
   return {};
 }
 
@@ -70,53 +66,39 @@ void CameraPage::RestoreLayout(const QByteArray& aLayout) {
 }
 
 void CameraPage::Connect() {
-  mProgress = {};
   mHasToldEnd = false;
-  mIsDisconnected = false;
-  mAcquisition = std::make_unique<Acquisition>(mDisplay, *mCamera, mOptions.acquisition);
+  mIsConnectWanted = false;
+  mConnection.Connect();
   WantPicture();
-  [[maybe_unused]] const KrResult heard = mAcquisition->GetFrames().Register(&mFrames); // A new one of none.
-  mTimer.start(kLookIntervalMs);
   TellState();
 }
 
 // Nobody looks at the picture of a page behind others.
 void CameraPage::WantPicture() {
-  if (mAcquisition)
-    mAcquisition->SetPictureWanted(mOptions.isPictureKept || isVisible());
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->SetPictureWanted(mOptions.isPictureKept || isVisible());
 }
 
-// Looks go on in loops that run here; the page is not connected any more for them.
-void CameraPage::GiveBack() {
-  mTimer.stop();
-  mFeatures->GiveBack(mAcquisition->GetParameters(ParameterBorrower::Browser));
-  mTools.GiveBack(*mAcquisition);
-  mAcquisition->Stop();
-  mProgress = mAcquisition->GetProgress();
+void CameraPage::GiveBack(Acquisition& aAcquisition) {
+  mSettings.End();
+  mFeatures->GiveBack(aAcquisition.GetParameters(ParameterBorrower::Browser));
+  mTools.GiveBack(aAcquisition);
 }
 
 void CameraPage::End() {
-  if (!mAcquisition || std::exchange(mIsEnded, true))
-    return;
-  if (!mIsDisconnected)
-    Call([](CameraPage& aPage) { aPage.GiveBack(); });
+  mIsEnded = true;
+  mIsConnectWanted = false;
+  Call([](CameraPage& aPage) { aPage.mConnection.Leave(); });
 }
 
 void CameraPage::Disconnect() {
-  if (!IsAlive())
-    return;
-  mIsDisconnected = true;
-  Call([](CameraPage& aPage) { aPage.GiveBack(); });
+  Call([](CameraPage& aPage) { aPage.mConnection.Leave(); });
   TellState();
 }
 
 void CameraPage::Reconnect() {
-  if (!mAcquisition || mIsEnded)
-    return;
-  if (!mIsDisconnected)
-    Call([](CameraPage& aPage) { aPage.GiveBack(); });
-  if (!mIsEnded)
-    Connect();
+  mIsConnectWanted = !mIsEnded;
+  Disconnect();
 }
 
 void CameraPage::Call(const std::function<void(CameraPage&)>& aCall) {
@@ -125,99 +107,94 @@ void CameraPage::Call(const std::function<void(CameraPage&)>& aCall) {
   --mCalls;
 }
 
-QString CameraPage::GetTitle() const {
-  QString state = GetStateText(mProgress);
-  if (mIsDisconnected)
-    state = QStringLiteral("disconnected");
-  else if (state.isEmpty() && mTools.IsWorking())
-    state = QStringLiteral("asking the cameras behind its ports");
-  return ToText(mCamera->GetDisplayID()) + (state.isEmpty() ? state : QStringLiteral(" - ") + state);
+bool CameraPage::IsConnected() const {
+  const AcquisitionState state = GetProgress().state;
+  return mConnection.GetActive() && (state == AcquisitionState::Connected || state == AcquisitionState::Streaming);
 }
 
-bool CameraPage::IsConnected() const {
-  return IsAlive() && (mProgress.state == AcquisitionState::Connected || IsStreaming());
+bool CameraPage::CanConnect() const {
+  return mConnection.IsAway() || (mConnection.GetActive() && GetProgress().state == AcquisitionState::Failed);
 }
 
 void CameraPage::Start() {
-  if (IsAlive())
-    mAcquisition->Start([this](const KrResult& aResult) { TellRefusal(QStringLiteral("start"), aResult); });
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->Start([this](const KrResult& aResult) { TellRefusal(QStringLiteral("start"), aResult); });
 }
 
 void CameraPage::StartSingle() {
-  if (IsAlive())
-    mAcquisition->StartSingle([this](const KrResult& aResult) { TellRefusal(QStringLiteral("start"), aResult); });
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->StartSingle([this](const KrResult& aResult) { TellRefusal(QStringLiteral("start"), aResult); });
 }
 
 void CameraPage::StopStreaming() {
-  if (IsAlive())
-    mAcquisition->StopStreaming();
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->StopStreaming();
 }
 
 void CameraPage::Trigger() {
-  if (IsAlive())
-    mAcquisition->Trigger([this](const KrResult& aResult) { TellRefusal(QStringLiteral("trigger"), aResult); });
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->Trigger([this](const KrResult& aResult) { TellRefusal(QStringLiteral("trigger"), aResult); });
+}
+
+void CameraPage::Do(DeviceWork aWork) {
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->Do(std::move(aWork));
+  else if (aWork.then)
+    aWork.then({KrResult::Code::ConnectionLost,
+                "Asking " + mCamera->GetDisplayID() + ": it is not connected; connect it first."});
 }
 
 void CameraPage::TellRefusal(const QString& aWhat, const KrResult& aResult) {
-  if (!aResult.IsOK() && IsAlive())
-    mBar->Say({.kind = MessageKind::Warning,
-               .text = QStringLiteral("The camera did not %1: %2").arg(aWhat, ToText(aResult.GetDescription()))});
+  if (!aResult.IsOK())
+    mBar->Say({MessageKind::Warning,
+               QStringLiteral("The camera did not %1: %2").arg(aWhat, ToText(aResult.GetDescription()))});
+}
+
+void CameraPage::TellSettings(const QString& aWhat, const KrStringList& aProblems) {
+  for (const KrString& problem : aProblems)
+    std::fprintf(stderr, "%s\n", ToLine(ToText(problem), 1000).toUtf8().constData());
+  const QString lines = aProblems.IsEmpty() ? QString() : QLatin1Char('\n') + JoinLines(aProblems);
+  mBar->Say({aProblems.IsEmpty() ? MessageKind::Information : MessageKind::Warning, aWhat + lines});
 }
 
 void CameraPage::LookAgain() {
-  if (!IsAlive())
-    return;
-  mAcquisition->LookAgain();
-  mProgress = mAcquisition->GetProgress();
+  mConnection.LookAgain();
+  if (mConnection.IsAway() && mIsConnectWanted)
+    Connect();
   TellState();
-  const bool isOver = mProgress.state == AcquisitionState::Finished || mProgress.state == AcquisitionState::Failed;
-  if (isOver && !std::exchange(mHasToldEnd, true))
+  if (mConnection.GetActive() && IsOver(GetProgress().state) && !std::exchange(mHasToldEnd, true))
     emit AcquisitionEnded();
-  if (IsAlive())
-    FollowLoans();
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    Follow(*acquisition);
 }
 
-void CameraPage::FollowLoans() {
-  mFeatures->Follow(mAcquisition->GetParameters(ParameterBorrower::Browser), mPanels.IsShown(Panel::Features));
-  if (!mProgress.parameters.IsOK() && !std::exchange(mHasToldMissing, true)) {
-    const KrString why = mProgress.parameters.GetDescription();
-    std::fprintf(stderr, "The camera's features cannot be shown: %s\n", why.CStr());
-    mBar->Say({.kind = MessageKind::Warning,
-               .text = QStringLiteral("The camera's features cannot be shown: %1").arg(ToText(why))});
-  }
+void CameraPage::Follow(Acquisition& aAcquisition) {
+  mFeatures->Follow(aAcquisition.GetParameters(ParameterBorrower::Browser), mPanels.IsShown(Panel::Features));
+  const KrResult& parameters = GetProgress().parameters;
+  if (!parameters.IsOK() && !std::exchange(mHasToldMissing, true))
+    std::fprintf(stderr, "The camera's features cannot be shown: %s\n", parameters.GetDescription().CStr());
   // Last, as it may run loops.
-  mTools.Follow(*mAcquisition);
+  mTools.Follow(aAcquisition);
+}
+
+PageState CameraPage::GetState() const {
+  return {.name = ToText(mCamera->GetDisplayID()),
+          .progress = GetProgress(),
+          .isLeaving = mConnection.IsLeaving(),
+          .isAway = mConnection.IsAway(),
+          .isWorking = mTools.IsWorking()};
 }
 
 // Of each state once: what the user has dismissed stays away, and what else was said stays as long as the state does.
 void CameraPage::TellState() {
-  const QString name = ToText(mCamera->GetDisplayID());
-  const QString reason = ToText(mProgress.result.GetDescription());
-  const BarMessage::Button find{QStringLiteral("&Find a Camera…"), [this] { emit FindWanted(); }};
-  const auto connectAgain = [this] { Reconnect(); };
-  BarMessage message;
-  if (mIsDisconnected)
-    message = {MessageKind::Information,
-               QStringLiteral("%1 is disconnected: others may use it now.").arg(name),
-               {{QStringLiteral("&Connect"), connectAgain}}};
-  else if (mProgress.state == AcquisitionState::Lost)
-    message = {MessageKind::Warning,
-               QStringLiteral("The camera is lost; it is shown again as soon as it is back.\n%1").arg(reason),
-               {{QStringLiteral("&Disconnect"), [this] { Disconnect(); }}}};
-  else if (mProgress.state == AcquisitionState::Failed)
-    message = {MessageKind::Error,
-               QStringLiteral("%1 cannot be shown.\n%2").arg(name, reason),
-               {{QStringLiteral("&Try Again"), connectAgain}, find}};
-  else if (mProgress.state == AcquisitionState::Connected && !mProgress.result.IsOK())
-    message = {MessageKind::Warning,
-               QStringLiteral("The camera sends no frames: %1").arg(reason),
-               {{QStringLiteral("&Start"), [this] { Start(); }}}};
-  else if (mProgress.state == AcquisitionState::Connecting)
-    message = {.text = QStringLiteral("Connecting to %1…").arg(name), .canBeDismissed = false};
-  if (mTold != message.text) {
-    mTold = message.text;
-    mBar->Say(message);
-  }
+  const BarMessage message = MakePageMessage(GetState(), {.connect = [this] { Reconnect(); },
+                                                          .disconnect = [this] { Disconnect(); },
+                                                          .start = [this] { Start(); },
+                                                          .find = [this] { emit FindWanted(); }});
+  if (mTold == message.text)
+    return;
+  mTold = message.text;
+  mBar->Say(message);
 }
 
 void CameraPage::showEvent(QShowEvent* aEvent) {

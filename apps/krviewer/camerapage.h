@@ -2,18 +2,20 @@
 // One camera on the screen: its picture, the panels around it, what is wrong with it above, and what can be done with
 // it. Frames are the acquisition's, which page is to be seen the window's.
 
-#include "acquisition.h"
+#include "cameraconnection.h"
 #include "camerainfo.h"
 #include "cameratools.h"
+#include "devicesettings.h"
 #include "framerelay.h"
 #include "messagebar.h"
+#include "pagemessages.h"
 #include "pagepanels.h"
 #include "parameterpanel.h"
 
 #include <QTimer>
 #include <QWidget>
 
-#include <memory>
+#include <functional>
 
 class QMainWindow;
 
@@ -40,34 +42,41 @@ public:
   KrResult Open();
   /// The panels as they were; the way they are at first for anything else.
   void RestoreLayout(const QByteArray& aLayout);
-  /// Gives the camera back for good. Nothing for a page that was ended.
+  /// Begins to give the camera back for good.
   void End();
-  bool IsEnded() const { return mIsEnded; }
+  /// Waits until it is given back.
+  void AwaitEnd() { mConnection.AwaitAway(); }
+  /// Whether it is given back for good.
+  bool HasEnded() const { return mIsEnded && !mConnection.IsLeaving(); }
   /// Whether nothing of the page is under way.
-  bool IsIdle() const { return mCalls == 0; }
+  bool IsIdle() const { return mCalls == 0 && !mConnection.IsLeaving(); }
 
   const KrDeviceInfo& GetCamera() const { return *mCamera; }
   int GetNumber() const { return mOptions.number; }
   /// The camera, and what there is to know of its state.
-  QString GetTitle() const;
-  const AcquisitionProgress& GetProgress() const { return mProgress; }
+  QString GetTitle() const { return MakePageTitle(GetState()); }
+  const AcquisitionProgress& GetProgress() const { return mConnection.GetProgress(); }
   KrDisplayWnd& GetDisplay() { return mDisplay; }
   CameraTools& GetTools() { return mTools; }
+  DeviceSettings& GetSettings() { return mSettings; }
   PagePanels& GetPanels() { return mPanels; }
   ParameterPanel& GetFeatures() { return *mFeatures; }
 
-  /// Whether there is an acquisition that could be asked to do something.
+  /// Whether the camera is there and does what it is asked to.
   bool IsConnected() const;
+  bool IsStreaming() const { return IsConnected() && GetProgress().state == AcquisitionState::Streaming; }
   /// Whether the number of frames has come, or the camera could not be had.
   bool HasAcquisitionEnded() const { return mHasToldEnd; }
-  bool IsStreaming() const { return mProgress.state == AcquisitionState::Streaming; }
-  /// Whether the camera is given back until Reconnect.
-  bool IsDisconnected() const { return mIsDisconnected; }
+  /// Whether there is nothing that Disconnect could give back, and Reconnect connects.
+  bool CanConnect() const;
+  bool CanDisconnect() const { return mConnection.GetActive() && !CanConnect(); }
   void Start();
   void StartSingle();
   void StopStreaming();
   void Trigger();
+  void Do(DeviceWork aWork);
   void Disconnect();
+  /// At once, or when the camera is given back.
   void Reconnect();
   /// Does what may run a loop, as the page is not to be deleted meanwhile.
   void Call(const std::function<void(CameraPage&)>& aCall);
@@ -86,16 +95,16 @@ protected:
 private:
   void WantPicture();
   void Connect();
-  void GiveBack();
+  void GiveBack(Acquisition& aAcquisition);
   void LookAgain();
-  void FollowLoans();
+  void Follow(Acquisition& aAcquisition);
+  PageState GetState() const;
   void TellState();
   void TellRefusal(const QString& aWhat, const KrResult& aResult);
-  bool IsAlive() const { return mAcquisition && !mIsEnded && !mIsDisconnected; }
+  void TellSettings(const QString& aWhat, const KrStringList& aProblems);
 
   const CameraInfo mCamera;
   const PageOptions mOptions;
-  AcquisitionProgress mProgress; ///< As of the last look.
   KrDisplayWnd mDisplay;
   FrameRelay mFrames; ///< Before whatever watches frames.
   MessageBar* const mBar;
@@ -103,13 +112,14 @@ private:
   PagePanels mPanels;
   ParameterPanel* const mFeatures;
   CameraTools mTools;
-  std::unique_ptr<Acquisition> mAcquisition;
+  DeviceSettings mSettings;
+  CameraConnection mConnection; ///< Ends before what it gives frames to.
   QTimer mTimer;
   QString mTold; ///< What the bar says by itself, of the state.
   int mCalls = 0;
   bool mHasToldMissing = false;
   bool mHasToldEnd = false;
-  bool mIsDisconnected = false;
+  bool mIsConnectWanted = false; ///< As soon as the camera is given back.
   bool mIsEnded = false;
   bool mHasWidths = false;
 };

@@ -26,12 +26,8 @@ bool CanStop(CameraPage& aPage) {
   return aPage.IsConnected() && aPage.IsStreaming();
 }
 
-bool CanConnect(CameraPage& aPage) {
-  return aPage.IsDisconnected() || aPage.GetProgress().state == AcquisitionState::Failed;
-}
-
-bool CanDisconnect(CameraPage& aPage) {
-  return !CanConnect(aPage);
+bool CanUseSettings(CameraPage& aPage) {
+  return aPage.IsConnected() && !aPage.GetSettings().IsWorking();
 }
 
 template <Panel kPanel>
@@ -61,6 +57,18 @@ constexpr PageCommand MakePanelCommand(const char* aName, const char* aText, int
 }
 
 constexpr PageCommand kCommands[] = {
+    {.menu = CommandMenu::File,
+     .name = "loadSettings",
+     .text = "&Load Device Settings…",
+     .beginsGroup = true,
+     .isOffered = CanUseSettings,
+     .run = [](CameraPage& aPage) { aPage.GetSettings().AskForLoading(); }},
+    {.menu = CommandMenu::File,
+     .name = "saveSettings",
+     .text = "Sa&ve Device Settings…",
+     .isOffered = CanUseSettings,
+     .run = [](CameraPage& aPage) { aPage.GetSettings().AskForSaving(); }},
+
     {.menu = CommandMenu::Camera,
      .name = "start",
      .text = "&Start",
@@ -97,12 +105,12 @@ constexpr PageCommand kCommands[] = {
      .name = "connect",
      .text = "&Connect",
      .beginsGroup = true,
-     .isOffered = CanConnect,
+     .isOffered = [](CameraPage& aPage) { return aPage.CanConnect(); },
      .run = [](CameraPage& aPage) { aPage.Reconnect(); }},
     {.menu = CommandMenu::Camera,
      .name = "disconnect",
      .text = "&Disconnect",
-     .isOffered = CanDisconnect,
+     .isOffered = [](CameraPage& aPage) { return aPage.CanDisconnect(); },
      .run = [](CameraPage& aPage) { aPage.Disconnect(); }},
 
     MakePanelCommand<Panel::Features>("showFeatures", "Camera &Features", Key(Qt::Key_1, Qt::AltModifier)),

@@ -32,18 +32,22 @@ bool SaveDisplayPictures(CameraPage& aPage, const QString& aFolder) {
 
 } // namespace
 
-bool EndWithFigures(CameraPage& aPage, const QString& aPictureFolder, const QString& aPrefix) {
-  const bool wantsPictures = !aPictureFolder.isEmpty() && aPage.GetProgress().figures.GetFrames() > 0;
+bool EndWithPictures(CameraPage& aPage, const QString& aFolder) {
+  const bool hasPicture = aPage.GetProgress().figures.GetFrames() > 0;
   // Before the camera is given back, as the browser is empty then.
-  const bool hasBrowser = wantsPictures && aPage.GetPanels().IsShown(Panel::Features);
-  bool isWritten = !hasBrowser || SaveBrowserPicture(aPage, aPictureFolder);
+  const bool hasBrowser = hasPicture && aPage.GetPanels().IsShown(Panel::Features);
+  bool isWritten = !hasBrowser || SaveBrowserPicture(aPage, aFolder);
   aPage.End();
-  if (wantsPictures && !SaveDisplayPictures(aPage, aPictureFolder))
+  aPage.AwaitEnd();
+  if (hasPicture && !SaveDisplayPictures(aPage, aFolder))
     isWritten = false;
+  return isWritten;
+}
+
+void PrintFigures(const CameraPage& aPage, const QString& aPrefix) {
   const AcquisitionProgress& progress = aPage.GetProgress();
   std::printf("%s%s\n", aPrefix.toUtf8().constData(),
               krapps::FormatClosingLine(progress.figures, progress.statistics).c_str());
-  return isWritten;
 }
 
 } // namespace krviewer

@@ -7,9 +7,13 @@ namespace krviewer {
 
 class CameraPage;
 
-/// Ends a page that is on the screen. aPictureFolder gets the pictures of its display and its features, if it has shown
-/// any frame; empty for none. aPrefix comes before the line of figures. False, told on the error stream, where a
-/// picture could not be written. Thread: user interface.
-bool EndWithFigures(CameraPage& aPage, const QString& aPictureFolder, const QString& aPrefix);
+// Thread: user interface.
+
+/// Ends a page that is on the screen, with pictures of its display and its features in a folder, if it has shown any
+/// frame. False, told on the error stream, where a picture could not be written.
+bool EndWithPictures(CameraPage& aPage, const QString& aFolder);
+
+/// Prints what came of a page that has ended; aPrefix comes before it.
+void PrintFigures(const CameraPage& aPage, const QString& aPrefix);
 
 } // namespace krviewer

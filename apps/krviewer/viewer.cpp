@@ -158,6 +158,10 @@ void Viewer::Open(const CameraInfo& aCamera) {
       FindWindowOf(*page)->BringForward(*page);
       return;
     }
+  // The same one, which was closed a moment ago, has to be given back first.
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID())
+      page->AwaitEnd();
   std::printf("camera=%s\n", aCamera->GetDisplayID().CStr());
   const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames},
                             .isPictureKept = !mCommandLine.screenshotFolder.isEmpty(),
@@ -217,16 +221,28 @@ void Viewer::Discard(CameraPage& aPage) {
   const auto found = std::ranges::find(mPages, &aPage, &std::unique_ptr<CameraPage>::get);
   if (found == mPages.end())
     return;
+  mUnprinted.insert(&aPage);
   mEndedPages.push_back(std::move(*found));
   mPages.erase(found);
   QString folder = mCommandLine.screenshotFolder;
   if (!folder.isEmpty() && aPage.GetNumber() > 1)
     folder = QDir(folder).filePath(QStringLiteral("camera-%1").arg(aPage.GetNumber()));
-  const QString prefix = mOpened > 1 ? QStringLiteral("camera=%1 ").arg(ToText(aPage.GetCamera().GetDisplayID())) : "";
-  if (!EndWithFigures(aPage, folder, prefix))
+  if (folder.isEmpty())
+    aPage.End();
+  else if (!EndWithPictures(aPage, folder))
     mExitCode = 1;
   if (MainWindow* const window = FindWindowOf(aPage))
     window->RemovePage(aPage);
+}
+
+// Prints what came of those that have ended, and deletes them as soon as they can be.
+void Viewer::FollowEndedPages() {
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    if (page->HasEnded() && mUnprinted.erase(page.get()) > 0)
+      PrintFigures(*page, mOpened > 1 ? QStringLiteral("camera=%1 ").arg(ToText(page->GetCamera().GetDisplayID()))
+                                      : QString());
+  std::erase_if(mEndedPages,
+                [this](const auto& aPage) { return aPage->IsIdle() && !mUnprinted.contains(aPage.get()); });
 }
 
 void Viewer::CloseWindow(MainWindow& aWindow) {
@@ -265,7 +281,7 @@ void Viewer::LookAgain() {
   mSearch.Follow();
   for (MainWindow* const window : GetWindows())
     window->LookAgain();
-  std::erase_if(mEndedPages, [](const auto& aPage) { return aPage->IsIdle(); });
+  FollowEndedPages();
   // Now, as a window that has said that it ends is no longer at it.
   mEndedWindows.clear();
 }
@@ -287,6 +303,11 @@ void Viewer::SaveWindowPicture() {
   mExitCode = 1;
 }
 
+void Viewer::HideWindows() {
+  for (MainWindow* const window : GetWindows())
+    window->hide();
+}
+
 void Viewer::Finish() {
   if (std::exchange(mIsOver, true))
     return;
@@ -296,14 +317,20 @@ void Viewer::Finish() {
   mFinder.Close();
   KeepLayouts();
   SaveWindowPicture();
+  // A camera that does not answer needs its time; who has closed the window does not want to look at it meanwhile.
+  const bool wantsPictures = !mCommandLine.screenshotFolder.isEmpty();
+  if (!wantsPictures)
+    HideWindows();
   while (!mPages.empty()) {
     CameraPage& page = *mPages.front();
-    if (!mCommandLine.screenshotFolder.isEmpty())
+    if (wantsPictures)
       FindWindowOf(page)->BringForward(page);
     Discard(page);
   }
-  for (MainWindow* const window : GetWindows())
-    window->hide();
+  HideWindows();
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    page->AwaitEnd();
+  FollowEndedPages();
   QCoreApplication::exit();
 }
 

@@ -16,6 +16,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace krviewer {
@@ -63,6 +64,8 @@ private:
   void MovePage(CameraPage& aPage);
   void EndPage(CameraPage& aPage);
   void Discard(CameraPage& aPage);
+  void FollowEndedPages();
+  void HideWindows();
   void NoteEnd(CameraPage& aPage);
   void SetRecentCameras(const RecentCameras& aCameras);
   void KeepLayouts();
@@ -78,6 +81,7 @@ private:
   std::vector<std::unique_ptr<CameraPage>> mPages;
   /// Ended, and deleted when nothing of them is under way any more.
   std::vector<std::unique_ptr<CameraPage>> mEndedPages;
+  std::set<const CameraPage*> mUnprinted; ///< Of those the ones whose figures are not printed yet.
   std::vector<std::unique_ptr<MainWindow>> mEndedWindows;
   CameraFinder mFinder;
   CameraSearch mSearch;

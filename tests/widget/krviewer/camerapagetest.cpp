@@ -1,6 +1,11 @@
 // A camera's page: what its state makes of entries, title and message.
 
+#include "krtransport/krsimulatedfaults.h"
 #include "viewerfixture.h"
+
+#include <QFile>
+
+#include <optional>
 
 using krviewer::AcquisitionState;
 
@@ -13,6 +18,24 @@ protected:
   void SetUp() override { Begin(); }
   bool AwaitState(AcquisitionState aState) {
     return Await([=, this] { return GetPage() && GetPage()->GetProgress().state == aState; });
+  }
+  /// Does something with the camera's exposure time; false where that failed.
+  bool DoWithExposure(const std::function<KrResult(KrGenFloat&)>& aWork) {
+    std::optional<KrResult> end;
+    GetPage()->Do({.run =
+                       [=](KrGenParameterArray& aParameters) {
+                         KrGenFloat* const exposure = aParameters.GetFloat("ExposureTime");
+                         return exposure ? aWork(*exposure) : KrResult(KrResult::Code::NotFound);
+                       },
+                   .then = [&](const KrResult& aResult) { end = aResult; }});
+    return Await([&] { return end.has_value(); }) && end->IsOK();
+  }
+  bool SetExposure(double aMicroseconds) {
+    return DoWithExposure([=](KrGenFloat& aExposure) { return aExposure.SetValue(aMicroseconds); });
+  }
+  double GetExposure() {
+    double value = -1;
+    return DoWithExposure([&](KrGenFloat& aExposure) { return aExposure.GetValue(value); }) ? value : -1;
   }
 };
 
@@ -46,17 +69,86 @@ TEST_F(CameraPageTest, SingleFrame_IsOneMore) {
   }));
 }
 
+TEST_F(CameraPageTest, CameraThatDoesNotAnswer_LeavesItsTabAtOnce) {
+  const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
+  faults->SilenceRegisters();
+  Open(kMonoMAC);
+  EXPECT_EQ(GetPage()->GetProgress().state, AcquisitionState::Connecting);
+
+  ASSERT_TRUE(Choose("closeCamera"));
+
+  EXPECT_TRUE(IsFirstPageShown());
+  faults->EndRegisterFaults();
+  EXPECT_TRUE(AwaitFree(kMonoMAC));
+}
+
+TEST_F(CameraPageTest, CameraThatDoesNotAnswer_HoldsUpNoEnd) {
+  const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
+  OpenStreaming();
+  faults->SilenceRegisters();
+
+  GetWindow().close();
+
+  EXPECT_TRUE(mViewer->IsOver());
+  EXPECT_FALSE(GetWindow().isVisible());
+  faults->EndRegisterFaults();
+}
+
+TEST_F(CameraPageTest, SettingsSaved_AreSetAgainWhenLoaded) {
+  const QString file = QString::fromStdString(mFolder.GetFile("camera.txt"));
+  OpenStreaming();
+  ASSERT_TRUE(SetExposure(2000));
+
+  GetPage()->GetSettings().Save(file);
+  ASSERT_TRUE(Await([this] { return GetMessage(*GetPage()).contains("camera.txt"); }));
+  EXPECT_EQ(GetMessage(*GetPage()), "The camera's settings are in camera.txt.");
+  ASSERT_TRUE(SetExposure(7000));
+  GetPage()->GetSettings().Load(file);
+
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()) == "The camera is set as camera.txt says."; }))
+      << GetMessage(*GetPage()).toStdString();
+  EXPECT_EQ(GetExposure(), 2000);
+  EXPECT_TRUE(AwaitState(AcquisitionState::Streaming));
+}
+
+TEST_F(CameraPageTest, FileThatHasNoSettings_IsSaidSo) {
+  const QString file = QString::fromStdString(mFolder.GetFile("other.txt"));
+  {
+    QFile other(file);
+    ASSERT_TRUE(other.open(QIODevice::WriteOnly));
+    other.write("<?xml version=\"1.0\"?>");
+  }
+  OpenStreaming();
+
+  GetPage()->GetSettings().Load(file);
+
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).startsWith("The camera is not set as other.txt says:"); }))
+      << GetMessage(*GetPage()).toStdString();
+}
+
+TEST_F(CameraPageTest, ClosedWhileSettingsAreLoaded_Ends) {
+  const QString file = QString::fromStdString(mFolder.GetFile("camera.txt"));
+  OpenStreaming();
+  GetPage()->GetSettings().Save(file);
+  ASSERT_TRUE(Await([this] { return !GetPage()->GetSettings().IsWorking(); }));
+  GetPage()->GetSettings().Load(file);
+  ASSERT_TRUE(GetPage()->GetSettings().IsWorking());
+
+  ASSERT_TRUE(Choose("closeCamera"));
+
+  EXPECT_TRUE(IsFirstPageShown());
+  EXPECT_TRUE(AwaitFree(kMonoMAC));
+}
+
 TEST_F(CameraPageTest, Disconnected_IsFreeForOthersUntilConnected) {
   OpenStreaming();
 
   ASSERT_TRUE(Choose("disconnect"));
 
-  EXPECT_TRUE(GetMessage(*GetPage()).contains("is disconnected")) << GetMessage(*GetPage()).toStdString();
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).contains("is disconnected"); }))
+      << GetMessage(*GetPage()).toStdString();
   EXPECT_TRUE(Await([this] { return GetWindow().windowTitle().endsWith("disconnected"); }));
-  {
-    std::unique_ptr<KrDevice> device;
-    EXPECT_TRUE(LabTest::Open(kMonoMAC, device).IsOK());
-  }
+  EXPECT_TRUE(AwaitFree(kMonoMAC));
   ASSERT_TRUE(Choose("connect"));
   EXPECT_TRUE(AwaitState(AcquisitionState::Streaming));
   EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).isEmpty(); }));
@@ -81,8 +173,8 @@ TEST_F(CameraPageTest, LostCameraDisconnected_IsNotWaitedFor) {
 
   ASSERT_TRUE(Click(*GetPage(), "&Disconnect"));
 
-  EXPECT_TRUE(GetPage()->IsDisconnected());
-  EXPECT_TRUE(GetMessage(*GetPage()).contains("is disconnected"));
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).contains("is disconnected"); }));
+  EXPECT_TRUE(GetPage()->CanConnect());
 }
 
 TEST_F(CameraPageTest, CameraThatCannotBeHad_SaysWhyAndIsTriedAgain) {
@@ -128,7 +220,6 @@ TEST_F(CameraPageTest, ClosedInEachState_EndsAndFreesTheCamera) {
     if (row.name == std::string("lost")) {
       EXPECT_TRUE(mLab->Restore(kMonoMAC).IsOK());
     }
-    std::unique_ptr<KrDevice> device;
-    EXPECT_TRUE(LabTest::Open(kMonoMAC, device).IsOK());
+    EXPECT_TRUE(AwaitFree(kMonoMAC));
   }
 }

@@ -38,6 +38,13 @@ protected:
     mViewer.reset();
   }
 
+  /// Waits until nobody has the camera.
+  bool AwaitFree(const char* aUniqueID) {
+    return Await([=, this] {
+      std::unique_ptr<KrDevice> device;
+      return LabTest::Open(aUniqueID, device).IsOK();
+    });
+  }
   // Runs the loop until a condition comes true; false when it does not within a generous limit.
   static bool Await(const std::function<bool()>& aCondition) {
     const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);

@@ -115,8 +115,7 @@ TEST_F(ViewerWindowTest, CameraClosed_IsFreeForOthers) {
   Press(Qt::Key_W, Qt::ControlModifier);
 
   EXPECT_TRUE(IsFirstPageShown());
-  std::unique_ptr<KrDevice> device;
-  EXPECT_TRUE(LabTest::Open(kMonoMAC, device).IsOK());
+  EXPECT_TRUE(AwaitFree(kMonoMAC));
 }
 
 TEST_F(ViewerWindowTest, CameraMovedToAWindowOfItsOwn_StreamsOnThereAndComesBack) {
@@ -153,8 +152,7 @@ TEST_F(ViewerWindowTest, WindowOfItsOwnClosed_GivesItsCameraBackAndLeavesTheOthe
   EXPECT_TRUE(Await([this] { return mViewer->GetWindows().size() == 1; }));
   EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kColourMAC);
   EXPECT_FALSE(mViewer->IsOver());
-  std::unique_ptr<KrDevice> device;
-  EXPECT_TRUE(LabTest::Open(kMonoMAC, device).IsOK());
+  EXPECT_TRUE(AwaitFree(kMonoMAC));
 }
 
 TEST_F(ViewerWindowTest, FirstWindowClosedBeforeTheOther_LeavesThat) {
@@ -180,8 +178,7 @@ TEST_F(ViewerWindowTest, LastWindowClosed_EndsTheViewer) {
   GetWindow().close();
 
   EXPECT_TRUE(mViewer->IsOver());
-  std::unique_ptr<KrDevice> device;
-  EXPECT_TRUE(LabTest::Open(kMonoMAC, device).IsOK());
+  EXPECT_TRUE(AwaitFree(kMonoMAC));
 }
 
 TEST_F(ViewerWindowTest, WindowClosedWhileTheFinderIsOpen_EndsBoth) {
