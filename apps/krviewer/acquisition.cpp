@@ -205,8 +205,10 @@ KrResult Acquisition::ServeConnection(std::stop_token aStop) {
   KrResult result = OpenDevice();
   if (!result.IsOK())
     return result;
-  if (mHasServed)
+  if (mHasServed) {
+    mHostParameters.Return(*mDevice, *mStream);
     result = ReturnSettings(aStop);
+  }
   if (result.IsOK() && mWanted != Wanted::Nothing)
     result = StartStream();
   const bool isRefused = !result.IsOK() && !mHasServed && mOptions.frameLimit == 0 && !IsConnectionTrouble(result);
@@ -274,6 +276,7 @@ void Acquisition::CloseDevice() {
   mKept.Leave();
   for (Loan<KrGenParameterArray>& loan : mParameters)
     loan.TakeBack();
+  mHostParameters.TakeBack();
   TakeBackDevice();
   {
     const std::lock_guard lock(mWakeMutex);
@@ -292,6 +295,7 @@ void Acquisition::LendDevice(KrDevice& aDevice, KrStream& aStream) {
   mLent.emplace(LentDevice{*mAdapter, &aStream});
   for (Loan<LentDevice>& loan : mLoans)
     loan.Lend(*mLent);
+  mHostParameters.Lend(aDevice, aStream);
   KrGenParameterArray* parameters = nullptr;
   const KrResult got = aDevice.GetParameters(parameters);
   if (got.IsOK())

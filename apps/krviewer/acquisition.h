@@ -5,6 +5,7 @@
 #include "acquisitionprogress.h"
 #include "framemeter.h"
 #include "framesink.h"
+#include "hostparameters.h"
 #include "keptsettings.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceadapter.h"
@@ -68,6 +69,8 @@ public:
   Loan<KrGenParameterArray>& GetParameters(ParameterBorrower aBorrower) {
     return mParameters[static_cast<std::size_t>(aBorrower)];
   }
+  /// The parameters of the camera's stream and of the connection to it; lent as long as the camera's own.
+  Loan<KrGenParameterArray>& GetParameters(HostSide aSide) { return mHostParameters.Get(aSide); }
   /// The device is lent to each borrower apart.
   Loan<LentDevice>& GetDevice(DeviceBorrower aBorrower) { return mLoans[static_cast<std::size_t>(aBorrower)]; }
 
@@ -141,6 +144,7 @@ private:
   const AcquisitionOptions mOptions;
   std::array<Loan<KrGenParameterArray>, kParameterBorrowers> mParameters;
   std::array<Loan<LentDevice>, kDeviceBorrowers> mLoans;
+  HostParameters mHostParameters;
   FrameSinks mFrames;
   RequestQueue mRequests;
   std::atomic<bool> mIsPictureWanted = true;
