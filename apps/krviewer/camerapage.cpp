@@ -1,5 +1,7 @@
 #include "camerapage.h"
 
+#include "histogrampanel.h"
+#include "lineprofilepanel.h"
 #include "showntext.h"
 
 #include <QMainWindow>
@@ -24,27 +26,42 @@ bool IsOver(AcquisitionState aState) {
 
 CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
     : mCamera(std::move(aCamera)), mOptions(aOptions), mBar(new MessageBar(this)), mArea(new QMainWindow(this)),
-      mPanels(*mArea), mFeatures(new ParameterPanel), mTools(*this),
+      mPanels(*mArea), mFeatures(new ParameterPanel), mIntervals(new IntervalPanel(mFrames.GetSinks())), mTools(*this),
       mSettings(
           *this, [this](DeviceWork aWork) { Do(std::move(aWork)); },
           [this](const QString& aWhat, const KrStringList& aProblems) { TellSettings(aWhat, aProblems); }),
+      mRegion(mDisplay, [this](DeviceWork aWork) { Do(std::move(aWork)); }),
       mConnection(mDisplay, *mCamera, aOptions.acquisition, mFrames,
                   [this](Acquisition& aAcquisition) { GiveBack(aAcquisition); }) {
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   layout->addWidget(mBar);
+  layout->addWidget(&mRegion.GetBar());
   layout->addWidget(mArea, 1);
   mArea->setWindowFlags(Qt::Widget);
-  mPanels.Add(Panel::Features, QStringLiteral("features"), QStringLiteral("Camera Features"), mFeatures,
-              Qt::RightDockWidgetArea);
-  mPanels.Show(Panel::Features, true);
+  AddPanels();
+  connect(&mRegion, &RegionEditor::Applied, this, &CameraPage::Noticed);
   connect(&mTimer, &QTimer::timeout, this, [this] { Call([](CameraPage& aPage) { aPage.LookAgain(); }); });
 }
 
 CameraPage::~CameraPage() {
   End();
   AwaitEnd();
+  // The panels end before the frames that they watch.
+  delete mArea;
+}
+
+void CameraPage::AddPanels() {
+  mPanels.Add(Panel::Features, QStringLiteral("features"), QStringLiteral("Camera Features"), mFeatures,
+              Qt::RightDockWidgetArea);
+  mPanels.Add(Panel::Histogram, QStringLiteral("histogram"), QStringLiteral("Histogram"),
+              new HistogramPanel(mFrames.GetSinks()), Qt::BottomDockWidgetArea);
+  mPanels.Add(Panel::LineProfile, QStringLiteral("lineProfile"), QStringLiteral("Line Profile"),
+              new LineProfilePanel(mFrames.GetSinks(), mDisplay), Qt::BottomDockWidgetArea);
+  mPanels.Add(Panel::Intervals, QStringLiteral("intervals"), QStringLiteral("Frame Intervals"), mIntervals,
+              Qt::BottomDockWidgetArea);
+  mPanels.Show(Panel::Features, true);
 }
 
 KrResult CameraPage::Open() {
@@ -80,6 +97,7 @@ void CameraPage::WantPicture() {
 }
 
 void CameraPage::GiveBack(Acquisition& aAcquisition) {
+  mRegion.Cancel();
   mSettings.End();
   mFeatures->GiveBack(aAcquisition.GetParameters(ParameterBorrower::Browser));
   mTools.GiveBack(aAcquisition);
@@ -173,8 +191,18 @@ void CameraPage::Follow(Acquisition& aAcquisition) {
   const KrResult& parameters = GetProgress().parameters;
   if (!parameters.IsOK() && !std::exchange(mHasToldMissing, true))
     std::fprintf(stderr, "The camera's features cannot be shown: %s\n", parameters.GetDescription().CStr());
+  mIntervals->TakeIn(GetProgress().statistics);
   // Last, as it may run loops.
   mTools.Follow(aAcquisition);
+}
+
+ShownFigures CameraPage::GetFigures() const {
+  const AcquisitionProgress& progress = GetProgress();
+  return {.framesPerSecond = progress.figures.GetFramesPerSecond(),
+          .megabytesPerSecond = progress.figures.GetMegabytesPerSecond(),
+          .frames = progress.figures.GetFrames(),
+          .statistics = progress.statistics,
+          .pixel = mDisplay.GetCursorPixel()};
 }
 
 PageState CameraPage::GetState() const {

@@ -7,10 +7,13 @@
 #include "cameratools.h"
 #include "devicesettings.h"
 #include "framerelay.h"
+#include "intervalpanel.h"
 #include "messagebar.h"
 #include "pagemessages.h"
 #include "pagepanels.h"
 #include "parameterpanel.h"
+#include "regioneditor.h"
+#include "shownfigures.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -59,8 +62,11 @@ public:
   KrDisplayWnd& GetDisplay() { return mDisplay; }
   CameraTools& GetTools() { return mTools; }
   DeviceSettings& GetSettings() { return mSettings; }
+  RegionEditor& GetRegion() { return mRegion; }
   PagePanels& GetPanels() { return mPanels; }
   ParameterPanel& GetFeatures() { return *mFeatures; }
+  /// What the status bar says of the camera at the moment.
+  ShownFigures GetFigures() const;
 
   /// Whether the camera is there and does what it is asked to.
   bool IsConnected() const;
@@ -84,6 +90,8 @@ public:
 signals:
   /// The user wants to pick another camera.
   void FindWanted();
+  /// Something was done that is worth a word and no more.
+  void Noticed(const QString& aText);
   /// The acquisition has come to its end: the number of frames has come, or the camera could not be had.
   void AcquisitionEnded();
 
@@ -93,6 +101,7 @@ protected:
   void resizeEvent(QResizeEvent* aEvent) override;
 
 private:
+  void AddPanels();
   void WantPicture();
   void Connect();
   void GiveBack(Acquisition& aAcquisition);
@@ -111,8 +120,10 @@ private:
   QMainWindow* const mArea;
   PagePanels mPanels;
   ParameterPanel* const mFeatures;
+  IntervalPanel* const mIntervals;
   CameraTools mTools;
   DeviceSettings mSettings;
+  RegionEditor mRegion;
   CameraConnection mConnection; ///< Ends before what it gives frames to.
   QTimer mTimer;
   QString mTold; ///< What the bar says by itself, of the state.

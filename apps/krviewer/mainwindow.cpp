@@ -21,6 +21,7 @@ namespace {
 constexpr QSize kPreferredSize(1200, 800);
 // The part of the screen that a window never exceeds at first, where there is a screen.
 constexpr double kLargestShareOfScreen = 0.9;
+constexpr int kNoticeMs = 5000;
 /// Of a camera's name on its tab.
 constexpr int kMostLetters = 40;
 
@@ -28,7 +29,7 @@ constexpr int kMostLetters = 40;
 
 MainWindow::MainWindow(bool aIsOwn)
     : mIsOwn(aIsOwn), mParts(new QStackedWidget), mFirstPage(new FirstPage), mTabs(new QTabWidget),
-      mBar(new MessageBar), mMenus(new MainMenus(*this, [this] { return GetCurrentPage(); })) {
+      mBar(new MessageBar), mFigures(new FigureBar), mMenus(new MainMenus(*this, [this] { return GetCurrentPage(); })) {
   auto* const whole = new QWidget;
   auto* const layout = new QVBoxLayout(whole);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -44,6 +45,7 @@ MainWindow::MainWindow(bool aIsOwn)
   mParts->addWidget(mTabs);
   setCentralWidget(whole);
   statusBar()->setSizeGripEnabled(true);
+  statusBar()->addWidget(mFigures, 1);
   connect(mTabs, &QTabWidget::tabCloseRequested, this, [this](int aIndex) { emit PageEndWanted(GetPage(aIndex)); });
   ConnectMenus();
   LookAgain();
@@ -135,7 +137,19 @@ void MainWindow::LookAgain() {
   }
   const CameraPage* const page = GetCurrentPage();
   setWindowTitle(page ? page->GetTitle() : QStringLiteral("krviewer"));
+  ShowFigures(page);
   mMenus->LookAgain({.pages = mTabs->count(), .isOwn = mIsOwn, .isFullScreen = isFullScreen()});
+}
+
+void MainWindow::ShowFigures(const CameraPage* aPage) {
+  if (!aPage)
+    mFigures->Clear();
+  else if (isVisible())
+    mFigures->Show(aPage->GetFigures());
+}
+
+void MainWindow::Notice(const QString& aText) {
+  statusBar()->showMessage(aText, kNoticeMs);
 }
 
 void MainWindow::SwitchFullScreen() {

@@ -3,6 +3,7 @@
 // Which cameras there are, and in which window, is left to the viewer.
 
 #include "camerapage.h"
+#include "figurebar.h"
 #include "firstpage.h"
 #include "mainmenus.h"
 
@@ -25,6 +26,8 @@ public:
   FirstPage& GetFirstPage() { return *mFirstPage; }
   /// What is wrong with no camera in particular.
   MessageBar& GetBar() { return *mBar; }
+  /// Says something in the status bar for a while.
+  void Notice(const QString& aText);
   bool IsOwn() const { return mIsOwn; }
   void SetRecentCameras(const RecentCameras& aCameras);
 
@@ -59,12 +62,14 @@ private:
   void ConnectMenus();
   void SwitchFullScreen();
   void Step(int aStep);
+  void ShowFigures(const CameraPage* aPage);
 
   const bool mIsOwn;
   QStackedWidget* const mParts; ///< The first page, or the tabs.
   FirstPage* const mFirstPage;
   QTabWidget* const mTabs;
   MessageBar* const mBar;
+  FigureBar* const mFigures;
   MainMenus* const mMenus;
 };
 

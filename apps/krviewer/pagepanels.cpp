@@ -14,6 +14,9 @@ constexpr int kLayoutVersion = 1;
 
 PagePanels::PagePanels(QMainWindow& aArea) : mArea(aArea) {
   mArea.setDockNestingEnabled(true);
+  // Lists want height, graphs as much width as the picture has.
+  mArea.setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+  mArea.setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
 }
 
 void PagePanels::Add(Panel aPanel, const QString& aName, const QString& aTitle, QWidget* aContent,

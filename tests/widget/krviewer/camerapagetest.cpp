@@ -4,6 +4,7 @@
 #include "viewerfixture.h"
 
 #include <QFile>
+#include <QStatusBar>
 
 #include <optional>
 
@@ -137,6 +138,32 @@ TEST_F(CameraPageTest, ClosedWhileSettingsAreLoaded_Ends) {
   ASSERT_TRUE(Choose("closeCamera"));
 
   EXPECT_TRUE(IsFirstPageShown());
+  EXPECT_TRUE(AwaitFree(kMonoMAC));
+}
+
+TEST_F(CameraPageTest, RegionOfInterest_IsDrawnSetAndSaidInTheStatusBar) {
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->GetDisplay().GetMapping().has_value(); }));
+
+  ASSERT_TRUE(Choose("region"));
+  ASSERT_TRUE(Await([this] { return GetPage()->GetRegion().IsEditing(); }));
+  EXPECT_TRUE(GetPage()->GetRegion().GetBar().isVisible());
+  Press(Qt::Key_Left, Qt::ShiftModifier);
+  Press(Qt::Key_Return);
+
+  EXPECT_TRUE(Await([this] { return !GetWindow().statusBar()->currentMessage().isEmpty(); }));
+  EXPECT_FALSE(GetPage()->GetRegion().IsEditing());
+  EXPECT_TRUE(AwaitState(AcquisitionState::Streaming));
+}
+
+TEST_F(CameraPageTest, DisconnectedWhileARegionIsDrawn_GivesItUp) {
+  OpenStreaming();
+  ASSERT_TRUE(Choose("region"));
+  ASSERT_TRUE(Await([this] { return GetPage()->GetRegion().IsEditing(); }));
+
+  ASSERT_TRUE(Choose("disconnect"));
+
+  EXPECT_FALSE(GetPage()->GetRegion().IsEditing());
   EXPECT_TRUE(AwaitFree(kMonoMAC));
 }
 

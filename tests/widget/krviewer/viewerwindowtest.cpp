@@ -8,6 +8,8 @@
 #include <QMessageBox>
 #include <QTreeView>
 
+#include <algorithm>
+
 using krviewer::Panel;
 
 namespace {
@@ -270,6 +272,48 @@ TEST_F(ViewerWindowTest, PanelsAndWindow_AreAsTheyWereInTheNextRun) {
 
   EXPECT_FALSE(GetPage()->GetPanels().IsShown(Panel::Features));
   EXPECT_EQ(GetWindow().size(), QSize(700, 500));
+}
+
+TEST_F(ViewerWindowTest, Panels_AreShownAndHiddenByTheirKeys) {
+  struct Row {
+    Qt::Key key;
+    Panel panel;
+    const char* title;
+  };
+  Begin();
+  OpenStreaming();
+  for (const Row& row :
+       {Row{Qt::Key_4, Panel::Histogram, "Histogram"}, Row{Qt::Key_5, Panel::LineProfile, "Line Profile"},
+        Row{Qt::Key_6, Panel::Intervals, "Frame Intervals"}}) {
+    SCOPED_TRACE(row.title);
+    EXPECT_FALSE(GetPage()->GetPanels().IsShown(row.panel));
+
+    Press(row.key, Qt::AltModifier);
+    EXPECT_TRUE(GetPage()->GetPanels().IsShown(row.panel));
+    const QList<QDockWidget*> docks = GetPage()->findChildren<QDockWidget*>();
+    EXPECT_TRUE(std::ranges::any_of(
+        docks, [&](const QDockWidget* aDock) { return aDock->windowTitle() == row.title && aDock->isVisible(); }));
+
+    Press(row.key, Qt::AltModifier);
+    EXPECT_FALSE(GetPage()->GetPanels().IsShown(row.panel));
+  }
+}
+
+TEST_F(ViewerWindowTest, StatusBar_CountsTheFramesOfTheCameraInFront) {
+  Begin();
+  OpenStreaming();
+  const auto* const bar = GetWindow().findChild<krviewer::FigureBar*>();
+  ASSERT_NE(bar, nullptr);
+  const auto hasFigure = [=](const QString& aPart) {
+    const QList<QLabel*> labels = bar->findChildren<QLabel*>();
+    return std::ranges::any_of(
+        labels, [&](const QLabel* aLabel) { return aLabel->isVisible() && aLabel->text().contains(aPart); });
+  };
+
+  EXPECT_TRUE(Await([=] { return hasFigure("frames/s"); }));
+
+  ASSERT_TRUE(Choose("closeCamera"));
+  EXPECT_TRUE(Await([=] { return !hasFigure("frames/s"); }));
 }
 
 TEST_F(ViewerWindowTest, PanelThatFloats_GoesAndComesWithItsTab) {
