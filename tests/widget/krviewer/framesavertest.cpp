@@ -1,0 +1,143 @@
+// Saving the frame that is shown, through the dialog.
+
+#include "framesaver.h"
+
+#include "recordings.h"
+#include "windowwait.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+
+using namespace krviewer;
+
+namespace {
+
+class FrameSaverTest : public testing::Test {
+protected:
+  FrameSaverTest() {
+    QObject::connect(&mSaver, &FrameSaver::Saved, &mSaver, [this](const QString& aText) { mSaved = aText; });
+  }
+
+  QFileDialog* FindDialog() { return mWindow.findChild<QFileDialog*>(); }
+  static QString GetName(QFileDialog& aDialog) { return aDialog.findChild<QLineEdit*>("fileNameEdit")->text(); }
+  void Accept(const QString& aName) {
+    FindDialog()->findChild<QLineEdit*>("fileNameEdit")->setText(aName);
+    QMetaObject::invokeMethod(FindDialog(), "accept");
+  }
+  QString GetPath(const char* aName) const { return QString::fromStdString(mPlace.GetFile(aName)); }
+  bool AwaitSaved() {
+    return krtest::AwaitCondition([this] { return !mSaved.isEmpty(); });
+  }
+  QMessageBox* FindMessage() { return mWindow.findChild<QMessageBox*>(); }
+
+  TemporaryFolder mPlace;
+  QWidget mWindow;
+  NewestFrame mFrames;
+  FrameSaver mSaver{mFrames, "Sim Mono", "02:4b"};
+  QString mSaved;
+};
+
+} // namespace
+
+TEST_F(FrameSaverTest, WithoutAFrame_SaysSo) {
+  mSaver.Ask(&mWindow);
+
+  EXPECT_FALSE(mSaver.HasFrame());
+  EXPECT_EQ(FindDialog(), nullptr);
+  ASSERT_NE(FindMessage(), nullptr);
+  EXPECT_TRUE(FindMessage()->text().contains("no whole frame"));
+}
+
+TEST_F(FrameSaverTest, Dialog_ProposesANameOfCameraAndFrame) {
+  mFrames.OnFrame(MakeNumberedFrame(77), 0);
+
+  mSaver.Ask(&mWindow);
+
+  ASSERT_NE(FindDialog(), nullptr);
+  EXPECT_EQ(GetName(*FindDialog()), "Sim-Mono-77.tif");
+}
+
+TEST_F(FrameSaverTest, FormatChosenInTheDialog_ShowsInTheName) {
+  mFrames.OnFrame(MakeNumberedFrame(77), 0);
+  mSaver.Ask(&mWindow);
+  ASSERT_NE(FindDialog(), nullptr);
+
+  auto* const types = FindDialog()->findChild<QComboBox*>("fileTypeCombo");
+  types->setCurrentIndex(2);
+  Q_EMIT types->activated(2);
+
+  EXPECT_EQ(GetName(*FindDialog()), "Sim-Mono-77.raw");
+}
+
+TEST_F(FrameSaverTest, FrameOfTheMomentOfTheCommand_IsSaved) {
+  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mSaver.Ask(&mWindow);
+  mFrames.OnFrame(MakeNumberedFrame(8), 0);
+
+  Accept(GetPath("shot.raw"));
+
+  ASSERT_TRUE(AwaitSaved());
+  EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("shot.raw")), std::string(kFrameBytes, 7));
+  const std::string text = TemporaryFolder::ReadFile(mPlace.GetFile("shot.raw.txt"));
+  EXPECT_NE(text.find("frame_id=7\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("device_id=02:4b\n"), std::string::npos) << text;
+  EXPECT_EQ(mSaved, "Frame 7 was saved as " + GetPath("shot.raw"));
+}
+
+TEST_F(FrameSaverTest, FolderAndFormat_AreKept) {
+  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mSaver.Save(mFrames.Get(), GetPath("shot.png"), &mWindow);
+  ASSERT_TRUE(AwaitSaved());
+  FrameSaver other(mFrames, "Sim Mono", "02:4b");
+
+  other.RestoreState(mSaver.SaveState());
+  other.Ask(&mWindow);
+
+  ASSERT_NE(FindDialog(), nullptr);
+  EXPECT_EQ(GetName(*FindDialog()), "Sim-Mono-7.png");
+  EXPECT_EQ(FindDialog()->directory().absolutePath(), QString::fromStdString(mPlace.GetPath().string()));
+}
+
+TEST_F(FrameSaverTest, StateThatIsNone_ChangesNothing) {
+  const QByteArray before = mSaver.SaveState();
+  for (const QByteArray& state : {QByteArray(), QByteArray("nonsense"), before.left(9), QByteArray(100, '\xff')}) {
+    mSaver.RestoreState(state);
+
+    EXPECT_EQ(mSaver.SaveState(), before);
+  }
+}
+
+TEST_F(FrameSaverTest, PlaceThatTakesNoFile_IsToldInAMessage) {
+  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+
+  mSaver.Save(mFrames.Get(), GetPath("none/shot.tif"), &mWindow);
+
+  ASSERT_TRUE(krtest::AwaitCondition([this] { return FindMessage() != nullptr; }));
+  EXPECT_TRUE(FindMessage()->text().contains("none/shot.tif")) << FindMessage()->text().toStdString();
+  EXPECT_TRUE(mSaved.isEmpty());
+}
+
+TEST_F(FrameSaverTest, FormatThatLosesBits_IsSaidSo) {
+  mFrames.OnFrame(MakeNumberedFrame(7, 16, KrPixel::YUV422_8), 0);
+
+  mSaver.Save(mFrames.Get(), GetPath("shot.tif"), &mWindow);
+
+  ASSERT_TRUE(AwaitSaved());
+  EXPECT_TRUE(mSaved.contains("as it is shown, in 8 bits")) << mSaved.toStdString();
+}
+
+TEST_F(FrameSaverTest, AcceptedFrames_AreWrittenEvenAtTheEnd) {
+  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  {
+    FrameSaver saver(mFrames, "Sim Mono", "02:4b");
+    saver.Save(mFrames.Get(), GetPath("first.raw"), &mWindow);
+    saver.Save(mFrames.Get(), GetPath("second.raw"), &mWindow);
+    EXPECT_TRUE(saver.IsBusy());
+  }
+
+  EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("first.raw")).size(), kFrameBytes);
+  EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("second.raw")).size(), kFrameBytes);
+}
