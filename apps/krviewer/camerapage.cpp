@@ -26,7 +26,8 @@ bool IsOver(AcquisitionState aState) {
 
 CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
     : mCamera(std::move(aCamera)), mOptions(aOptions), mBar(new MessageBar(this)), mArea(new QMainWindow(this)),
-      mPanels(*mArea), mFeatures(new ParameterPanel), mIntervals(new IntervalPanel(mFrames.GetSinks())), mTools(*this),
+      mPanels(*mArea), mFeatures(new ParameterPanel), mStreamFeatures(new ParameterPanel),
+      mTransportFeatures(new ParameterPanel), mIntervals(new IntervalPanel(mFrames.GetSinks())), mTools(*this),
       mSettings(
           *this, [this](DeviceWork aWork) { Do(std::move(aWork)); },
           [this](const QString& aWhat, const KrStringList& aProblems) { TellSettings(aWhat, aProblems); }),
@@ -55,6 +56,10 @@ CameraPage::~CameraPage() {
 void CameraPage::AddPanels() {
   mPanels.Add(Panel::Features, QStringLiteral("features"), QStringLiteral("Camera Features"), mFeatures,
               Qt::RightDockWidgetArea);
+  mPanels.Add(Panel::StreamFeatures, QStringLiteral("streamParameters"), QStringLiteral("Stream Parameters"),
+              mStreamFeatures, Qt::RightDockWidgetArea);
+  mPanels.Add(Panel::TransportFeatures, QStringLiteral("connectionParameters"), QStringLiteral("Connection Parameters"),
+              mTransportFeatures, Qt::RightDockWidgetArea);
   mPanels.Add(Panel::Histogram, QStringLiteral("histogram"), QStringLiteral("Histogram"),
               new HistogramPanel(mFrames.GetSinks()), Qt::BottomDockWidgetArea);
   mPanels.Add(Panel::LineProfile, QStringLiteral("lineProfile"), QStringLiteral("Line Profile"),
@@ -100,6 +105,8 @@ void CameraPage::GiveBack(Acquisition& aAcquisition) {
   mRegion.Cancel();
   mSettings.End();
   mFeatures->GiveBack(aAcquisition.GetParameters(ParameterBorrower::Browser));
+  mStreamFeatures->GiveBack(aAcquisition.GetParameters(HostSide::Stream));
+  mTransportFeatures->GiveBack(aAcquisition.GetParameters(HostSide::Connection));
   mTools.GiveBack(aAcquisition);
 }
 
@@ -188,6 +195,9 @@ void CameraPage::LookAgain() {
 
 void CameraPage::Follow(Acquisition& aAcquisition) {
   mFeatures->Follow(aAcquisition.GetParameters(ParameterBorrower::Browser), mPanels.IsShown(Panel::Features));
+  mStreamFeatures->Follow(aAcquisition.GetParameters(HostSide::Stream), mPanels.IsShown(Panel::StreamFeatures));
+  mTransportFeatures->Follow(aAcquisition.GetParameters(HostSide::Connection),
+                             mPanels.IsShown(Panel::TransportFeatures));
   const KrResult& parameters = GetProgress().parameters;
   if (!parameters.IsOK() && !std::exchange(mHasToldMissing, true))
     std::fprintf(stderr, "The camera's features cannot be shown: %s\n", parameters.GetDescription().CStr());

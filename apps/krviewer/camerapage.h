@@ -120,6 +120,8 @@ private:
   QMainWindow* const mArea;
   PagePanels mPanels;
   ParameterPanel* const mFeatures;
+  ParameterPanel* const mStreamFeatures;
+  ParameterPanel* const mTransportFeatures;
   IntervalPanel* const mIntervals;
   CameraTools mTools;
   DeviceSettings mSettings;

@@ -81,7 +81,11 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
     if (!found.IsOK())
       return found == KrResult::Code::Cancelled ? 0 : 1;
   }
+  QStringList libraries;
+  for (const KrString& library : KrGetTransportLibraries())
+    libraries += QString::fromUtf8(library.CStr());
   krviewer::Viewer viewer(aCommandLine, {.settingsFile = krviewer::ViewerSettings::GetUserFile(),
+                                         .libraries = libraries,
                                          .installSimulation = [&] { return InstallTransports(aCommandLine, true); }});
   viewer.Begin();
   for (const krviewer::CameraInfo& camera : cameras)

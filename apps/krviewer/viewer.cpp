@@ -74,7 +74,7 @@ void Viewer::ConnectWindow(MainWindow& aWindow) {
   connect(&first, &FirstPage::CameraWanted, this, &Viewer::Search);
   connect(&menus, &MainMenus::ForgetWanted, this, [this] { SetRecentCameras({}); });
   connect(&menus, &MainMenus::QuitWanted, this, &Viewer::Finish);
-  connect(&menus, &MainMenus::AboutWanted, this, [&aWindow] { ShowAboutBox(aWindow); });
+  connect(&menus, &MainMenus::AboutWanted, this, [this, &aWindow] { ShowAboutBox(aWindow, mHost.libraries); });
   connect(&aWindow, &MainWindow::PageEndWanted, this, [this](CameraPage* aPage) { EndPage(*aPage); });
   connect(&aWindow, &MainWindow::MoveWanted, this, [this](CameraPage* aPage) { MovePage(*aPage); });
   connect(&aWindow, &MainWindow::EndWanted, this, [this, &aWindow] { CloseWindow(aWindow); });

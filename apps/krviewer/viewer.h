@@ -24,6 +24,7 @@ namespace krviewer {
 /// What the program gives the viewer beside its command line.
 struct ViewerHost {
   QString settingsFile = {};                        ///< Empty to keep nothing.
+  QStringList libraries = {};                       ///< That devices are reached by, for the box that tells of them.
   std::function<KrResult()> installSimulation = {}; ///< Offers the simulated cameras; empty where they are offered.
 };
 

@@ -1,10 +1,12 @@
 #include "krtransport/krtransport.h"
 
+#include "aravis/aravisversion.h"
 #include "gigevision/gigevisiontransport.h"
 #include "krsystem/transportregistry.h"
 #include "simulation/labfile/labreader.h"
 #include "simulation/simulationtransport.h"
 #include "usb3vision/usb3visiontransport.h"
+#include "usb3vision/usbversion.h"
 
 #include <mutex>
 
@@ -73,4 +75,11 @@ KrResult KrInstallTransports(const KrTransportSelection& aSelection) {
   if (aSelection.simulation)
     krsystem::RegisterTransport(GetSimulation().Get());
   return {};
+}
+
+KrStringList KrGetTransportLibraries() {
+  KrStringList libraries;
+  libraries.Add(krtransport::GetAravisVersion());
+  libraries.Add(krtransport::GetUsbVersion());
+  return libraries;
 }

@@ -17,7 +17,7 @@
 class ViewerTest : public LabTest {
 protected:
   void Begin(const krviewer::CommandLine& aCommandLine = {}) {
-    mViewer.emplace(aCommandLine, krviewer::ViewerHost{.settingsFile = mSettingsFile});
+    mViewer.emplace(aCommandLine, krviewer::ViewerHost{.settingsFile = mSettingsFile, .libraries = {"Aravis 0.8.26"}});
     mViewer->Begin();
     ASSERT_TRUE(Await([this] { return GetWindow().isActiveWindow(); }));
   }
@@ -40,9 +40,11 @@ protected:
 
   /// Waits until nobody has the camera.
   bool AwaitFree(const char* aUniqueID) {
-    return Await([=, this] {
+    bool isFree = false;
+    return Await([&] {
       std::unique_ptr<KrDevice> device;
-      return LabTest::Open(aUniqueID, device).IsOK();
+      isFree = isFree || LabTest::Open(aUniqueID, device).IsOK();
+      return isFree;
     });
   }
   // Runs the loop until a condition comes true; false when it does not within a generous limit.

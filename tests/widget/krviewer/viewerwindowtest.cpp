@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QRegularExpression>
 #include <QTreeView>
 
 #include <algorithm>
@@ -367,7 +368,10 @@ TEST_F(ViewerWindowTest, AboutBox_SaysTheVersionsAndWaitsForNobody) {
   const auto* const box = GetWindow().findChild<QMessageBox*>("aboutBox");
   ASSERT_NE(box, nullptr);
   EXPECT_TRUE(box->isVisible());
-  EXPECT_TRUE(box->text().contains(qVersion()));
+  EXPECT_TRUE(box->text().contains(QString("Qt ") + qVersion()));
+  EXPECT_TRUE(box->text().contains(QRegularExpression("Aravis 0\\.[0-9]+\\.[0-9]+, ")));
+  EXPECT_TRUE(box->text().contains(QRegularExpression("libpng 1\\.[0-9]+\\.[0-9]+, libtiff 4\\.[0-9]+\\.[0-9]+$")))
+      << box->text().toStdString();
   GetWindow().close();
   EXPECT_TRUE(mViewer->IsOver());
 }

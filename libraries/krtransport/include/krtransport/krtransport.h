@@ -1,8 +1,9 @@
 #pragma once
-// The one public call by which a program decides what its devices can be reached by.
+// By what a program's devices can be reached: what it decides, and what that stands on.
 
 #include "krbase/krresult.h"
 #include "krbase/krstring.h"
+#include "krbase/krstringlist.h"
 
 /// Which backends a program wants.
 struct KrTransportSelection {
@@ -21,3 +22,7 @@ struct KrTransportSelection {
 ///       KrResult result = KrInstallTransports({.gigEVision = true, .simulation = true});
 ///     }
 KR_EXPORT KrResult KrInstallTransports(const KrTransportSelection& aSelection);
+
+/// The libraries that the backends stand on, each with the version that is loaded, for people: "Aravis 0.8.26". Any
+/// thread.
+KR_EXPORT KrStringList KrGetTransportLibraries();
