@@ -2,6 +2,7 @@
 
 #include "logic/browser/choiceplacement.h"
 #include "platform/ctooltiplistctrl.h"
+#include "platform/plainline.h"
 #include "platform/topixelrect.h"
 #include "platform/toqstring.h"
 
@@ -17,6 +18,8 @@
 namespace krgui {
 
 namespace {
+
+constexpr int kMostLetters = 1023; // As many as an item's tooltip has.
 
 /// What the list's frame takes at both sides together.
 constexpr int kFrameWidth = 4;
@@ -42,7 +45,7 @@ void GenBrowserComboBox::SetChoices(const Choices& aChoices) {
   QStringList texts;
   texts.reserve(static_cast<qsizetype>(aChoices.items.size()));
   for (const Choice& choice : aChoices.items) {
-    texts.append(ToQString(choice.text));
+    texts.append(ToPlainLine(choice.text, kMostLetters));
   }
   clear();
   addItems(texts);

@@ -9,6 +9,7 @@
 #include "browser/windowkeys.h"
 #include "krbase/krlogger.h"
 #include "krgui/genbrowsersearchbar.h"
+#include "logic/browser/descriptiontext.h"
 #include "platform/applicationend.h"
 #include "platform/toolbarbutton.h"
 #include "platform/waitcursor.h"
@@ -328,7 +329,7 @@ void GenBrowserWnd::UpdateDescription() {
   description.setUpdatesEnabled(false);
   description.Clear();
   if (item && item->node) {
-    description.AddTitle(item->node->GetDisplayName() + "\n");
+    description.AddTitle(FormatDescriptionTitle(*item->node) + "\n");
     description.AddMarkup(item->node->GetDescription());
   }
   description.setUpdatesEnabled(true);

@@ -213,3 +213,44 @@ TEST(DescriptionText, GetDescriptionOfANode_IsTheSame) {
   EXPECT_EQ(node->GetDescription(), FormatDescription(*node));
   EXPECT_EQ(node->GetDescription().ToUtf8(), MakeFeatureBlock("Boolean"));
 }
+
+TEST(DescriptionText, OfManyMegabytes_IsCutToItsBeginning) {
+  const std::string text =
+      DescribeFeature("<Boolean Name=\"X\"><Description>" + std::string(8U << 20, 'x') + "</Description></Boolean>");
+
+  EXPECT_EQ(text, std::string(256U << 10, 'x') + "…");
+}
+
+TEST(DescriptionText, CutWithinABoldRun_EndsIt) {
+  const std::string before(262'141, 'x');
+
+  const std::string text = DescribeFeature("<Boolean Name=\"X\"><Description>" + before + "&lt;b&gt;" +
+                                           std::string(1000, 'y') + "&lt;/b&gt;</Description></Boolean>");
+
+  EXPECT_EQ(text, before + "<b>…</b>");
+}
+
+TEST(DescriptionText, CutWithinATagOrACharacter_LeavesItOut) {
+  const std::string before(262'142, 'x');
+
+  for (const char* const behind : {"&lt;b&gt;y&lt;/b&gt;yy", "\U0001F4F7yy"})
+    EXPECT_EQ(DescribeFeature("<Boolean Name=\"X\"><Description>" + before + behind + "</Description></Boolean>"),
+              before + "…");
+}
+
+TEST(DescriptionText, OfAHundredThousandEntries_IsCutToTheFirst) {
+  std::string entries;
+  for (int i = 0; i < 100'000; ++i)
+    entries += "<EnumEntry Name=\"E" + std::to_string(i) + "\"><Value>" + std::to_string(i) + "</Value></EnumEntry>";
+
+  const std::string text = DescribeFeature("<Enumeration Name=\"X\">" + entries + "<Value>0</Value></Enumeration>");
+
+  EXPECT_NE(text.find("<b>E0</b>"), std::string::npos);
+  EXPECT_LE(text.size(), (256U << 10) + std::string("…</b>").size());
+}
+
+TEST(DescriptionText, TitleOfManyMegabytes_IsCutToItsBeginning) {
+  NodeBench camera("<Boolean Name=\"X\"><DisplayName>" + std::string(8U << 20, 'x') + "</DisplayName></Boolean>");
+
+  EXPECT_EQ(FormatDescriptionTitle(*camera.MakeNode("X")).ToUtf8(), std::string(1024, 'x') + "…");
+}

@@ -49,6 +49,15 @@ TEST_F(GenBrowserComboBoxTest, Choices_AreItemsWithTooltipsAndTheCurrentOne) {
   EXPECT_EQ(combo->GetList().GetToolText(1), "Tip 0");
 }
 
+TEST_F(GenBrowserComboBoxTest, TextsOfADevice_AreOneLineOfALimitedLength) {
+  Choices choices;
+  choices.items = {{"a\nb\x1B\u202Ec", 1, ""}, {std::string(1'000'000, 'x'), 2, ""}};
+  combo->SetChoices(choices);
+
+  EXPECT_EQ(combo->itemText(0), "a b  c");
+  EXPECT_EQ(combo->itemText(1), QString(1023, 'x'));
+}
+
 TEST_F(GenBrowserComboBoxTest, FewerChoicesAfterMore_KeepNoTooltipOfTheOthers) {
   SetChoices(3);
   Choices choices;

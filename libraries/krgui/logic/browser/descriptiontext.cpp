@@ -17,6 +17,25 @@ namespace krgui {
 
 namespace {
 
+// Beyond what anybody reads, and well before laying it out would keep the window from being used.
+constexpr std::size_t kMostTextBytes = std::size_t{256} << 10;
+constexpr std::size_t kMostTitleBytes = 1024;
+
+// The beginning of a text that is longer, with a sign of that.
+KrString Cut(const KrString& aText, std::size_t aMostBytes) {
+  constexpr std::size_t kLongestTag = 4;
+  const std::string& text = aText.ToUtf8();
+  if (text.size() <= aMostBytes)
+    return aText;
+  std::size_t end = aMostBytes;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+    --end; // Not within a character, and not within a tag.
+  if (const std::size_t tag = text.find_last_of("<>", end - 1);
+      tag != std::string::npos && text[tag] == '<' && end - tag < kLongestTag)
+    end = tag;
+  return text.substr(0, end) + "…";
+}
+
 KrString Bold(const KrString& aText) {
   return "<b>" + aText + "</b>";
 }
@@ -134,7 +153,7 @@ KrString FormatEntries(const KrGenEnum& aEnumeration) {
   using Count = KrResult (KrGenEnum::*)(std::size_t&) const;
   const auto count = ReadOr(aEnumeration, static_cast<Count>(&KrGenEnum::GetEntriesCount), std::size_t{0});
   KrString text;
-  for (std::size_t index = 0; index < count; ++index) {
+  for (std::size_t index = 0; index < count && text.GetLength() <= kMostTextBytes; ++index) {
     KrGenEnumEntry* entry = nullptr;
     if (aEnumeration.GetEntryByIndex(index, entry).IsOK())
       text += FormatEntry(*entry);
@@ -174,12 +193,17 @@ KrString FormatCategory(const TreeItemData& aNode, const KrGenCategory& aCategor
 
 } // namespace
 
+KrString FormatDescriptionTitle(const TreeItemData& aNode) {
+  return Cut(aNode.GetDisplayName(), kMostTitleBytes);
+}
+
 KrString FormatDescription(const TreeItemData& aNode) {
+  KrString text;
   if (KrGenParameter* const feature = aNode.GetParameter())
-    return FormatFeature(aNode, *feature);
-  if (const KrGenCategory* const category = aNode.GetCategory())
-    return FormatCategory(aNode, *category);
-  return {};
+    text = FormatFeature(aNode, *feature);
+  else if (const KrGenCategory* const category = aNode.GetCategory())
+    text = FormatCategory(aNode, *category);
+  return Enclose(Cut(text, kMostTextBytes));
 }
 
 } // namespace krgui

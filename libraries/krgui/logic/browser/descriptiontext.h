@@ -8,7 +8,10 @@ namespace krgui {
 
 class TreeItemData;
 
-/// Empty for a node that has neither feature nor category.
+/// The display name, cut to a KiB.
+KrString FormatDescriptionTitle(const TreeItemData& aNode);
+
+/// Empty for a node that has neither feature nor category. Of what a camera says beyond 256 KiB there is the beginning.
 KrString FormatDescription(const TreeItemData& aNode);
 
 } // namespace krgui
