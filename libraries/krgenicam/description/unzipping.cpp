@@ -45,6 +45,17 @@ KrResult OpenArchive(std::string_view aBytes, Archive& aArchive) {
   return result;
 }
 
+// Whether an archive lists more files than could be meant. Each costs memory before the first is asked for, and what
+// the archive says of their number may be a lie: what begins an entry is counted.
+bool HasTooManyFiles(std::string_view aBytes) {
+  constexpr std::string_view kEntryStart("PK\x01\x02", 4);
+  constexpr std::size_t kMostFiles = 4096;
+  std::size_t count = 0;
+  for (std::size_t at = aBytes.find(kEntryStart); at != aBytes.npos && count <= kMostFiles; ++count)
+    at = aBytes.find(kEntryStart, at + kEntryStart.size());
+  return count > kMostFiles;
+}
+
 std::optional<zip_uint64_t> FindXml(zip_t* aArchive) {
   std::optional<zip_uint64_t> first;
   const zip_int64_t count = zip_get_num_entries(aArchive, 0);
@@ -69,6 +80,8 @@ bool IsZip(std::string_view aBytes) {
 }
 
 KrResult Unzip(std::string_view aArchive, std::size_t aMostBytes, std::string& aFile) {
+  if (HasTooManyFiles(aArchive))
+    return Refuse("its ZIP archive has more than 4096 files.");
   Archive archive;
   if (KrResult result = OpenArchive(aArchive, archive); !result.IsOK())
     return result;

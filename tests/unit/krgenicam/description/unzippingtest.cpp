@@ -68,6 +68,20 @@ TEST(Unzipping_, Archive_ThatCannotBeUsed_IsRefusedWithTheReason) {
   }
 }
 
+TEST(Unzipping_, Archive_OfAsManyFilesAsItMayHave_IsTakenAndOfOneMoreRefused) {
+  std::vector<std::pair<std::string, std::string>> files = {{"camera.xml", "<xml/>"}};
+  for (int number = 1; number < 4096; ++number)
+    files.emplace_back(std::to_string(number) + ".txt", "");
+  std::string file;
+  EXPECT_TRUE(Unzip(MakeZip(files), kMost, file).IsOK());
+  files.emplace_back("4096.txt", "");
+
+  const KrResult result = Unzip(MakeZip(files), kMost, file);
+
+  EXPECT_EQ(result, KrResult::Code::BadData);
+  EXPECT_EQ(result.GetDescription(), KrString("its ZIP archive has more than 4096 files."));
+}
+
 TEST(Unzipping_, EveryByteOfAnArchive_Changed_NeverHarms) {
   const std::string archive = MakeZip({{"camera.xml", "<RegisterDescription/>"}});
 
