@@ -3,6 +3,7 @@
 #include "callrules.h"
 #include "cmakeparser.h"
 #include "includeparser.h"
+#include "limittable.h"
 #include "rules.h"
 
 #include <algorithm>
@@ -22,6 +23,8 @@ namespace {
 constexpr std::string_view kTrees[] = {"libraries", "apps", "examples", "tests", "benchmarks", "fuzz"};
 constexpr std::string_view kSourceEndings[] = {".h", ".cpp", ".cc", ".hpp"};
 constexpr std::string_view kLibraries = "libraries/";
+constexpr std::string_view kTests = "tests/";
+constexpr std::string_view kLimits = "docs/security.md";
 constexpr int kMostLines = 500;
 
 std::string ReadText(const fs::path& aFile) {
@@ -71,6 +74,7 @@ public:
       CheckSource(file);
     for (const std::string& file : mLists)
       CheckList(file);
+    CheckLimits();
     std::sort(mReport.violations.begin(), mReport.violations.end(),
               [](const Violation& aLeft, const Violation& aRight) {
                 return std::tie(aLeft.file, aLeft.line, aLeft.rule) < std::tie(aRight.file, aRight.line, aRight.rule);
@@ -119,6 +123,15 @@ private:
       CheckInclude(aFile, include);
     for (const BrokenCall& call : FindBrokenCalls(aFile, text))
       Report(aFile, call.line, call.rule);
+    if (aFile.starts_with(kTests))
+      AddTests(text, mTests);
+  }
+
+  void CheckLimits() {
+    const LimitTable table = CheckLimitTable(ReadText(mRoot / kLimits), mTests);
+    for (const LimitTable::Problem& problem : table.problems)
+      Report(std::string(kLimits), problem.line, problem.rule);
+    mReport.limitsRead = table.rows;
   }
 
   void CheckPublicHeader(const std::string& aFile, std::string_view aText) {
@@ -238,6 +251,7 @@ private:
   fs::path mRoot;
   std::set<std::string> mSources;
   std::set<std::string> mLists;
+  std::set<std::string> mTests;
   TreeReport mReport;
 };
 

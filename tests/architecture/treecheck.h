@@ -20,6 +20,7 @@ std::string Format(const Violation& aViolation);
 /// What one look at a tree came to.
 struct TreeReport {
   int filesRead = 0;
+  int limitsRead = 0;                ///< Rows of the tables of limits.
   std::vector<Violation> violations; ///< In the order of files and lines.
 };
 

@@ -185,6 +185,15 @@ TEST_F(TreeCheck, LongFile_IsRefusedFromTheFirstLineBeyondTheLimit) {
   EXPECT_THAT(Check(), testing::ElementsAre("tests/unit/long.cpp:501: A source file has 500 lines at most."));
 }
 
+TEST_F(TreeCheck, LimitWithoutItsTest_IsNamedUntilThereIsOne) {
+  Write("docs/security.md", "| what | test |\n|---|---|\n| frames | `Frames.TooLarge_AreRefused` |\n");
+  const std::vector<std::string> without = Check();
+  Write("tests/unit/a.cpp", "TEST(Frames, TooLarge_AreRefused) {}\n");
+
+  EXPECT_THAT(without, testing::ElementsAre("docs/security.md:3: There is no test Frames.TooLarge_AreRefused."));
+  EXPECT_THAT(Check(), testing::IsEmpty());
+}
+
 // What the program exits with for a tree.
 int RunProgram(const fs::path& aRoot) {
   const int status = std::system((std::string(ARCHCHECK) + " '" + aRoot.string() + "' 2>/dev/null").c_str());
@@ -207,6 +216,7 @@ TEST(ProjectTree, AsItIs_KeepsTheRules) {
   for (const Violation& violation : report.violations)
     ADD_FAILURE() << Format(violation);
   EXPECT_GT(report.filesRead, 30);
+  EXPECT_GT(report.limitsRead, 30);
 }
 
 } // namespace

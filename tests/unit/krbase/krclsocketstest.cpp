@@ -1,5 +1,6 @@
 #include "krbase/krclsockets.h"
 
+#include "krbase/filedescriptor.h"
 #include "krbase/krclwire.h"
 #include "temporaryfolder.h"
 
@@ -17,6 +18,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -296,6 +298,27 @@ TEST_F(CLSockets, ManyThatPublishAtOnce_GetNamesOfTheirOwn) {
 
   EXPECT_EQ(names.size(), kThreads);
   EXPECT_EQ(std::unique(names.begin(), names.end()), names.end());
+}
+
+TEST_F(CLSockets, MoreThanAThousand_AreRefused) {
+  rlimit descriptors = {};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &descriptors), 0);
+  ASSERT_GE(descriptors.rlim_max, 2000u);
+  descriptors.rlim_cur = descriptors.rlim_max;
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &descriptors), 0);
+  Publish("the directory's maker").reset();
+  std::vector<krbase::FileDescriptor> others;
+  for (int number = 1; number <= 1000; ++number) {
+    const std::string file = mPath + "/" + std::to_string(number) + ".lock";
+    others.emplace_back(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(others.back().Get(), LOCK_EX | LOCK_NB), 0) << file;
+  }
+  Publication publication;
+
+  const KrResult result = KrCLPublication::Make("one more", publication);
+
+  EXPECT_EQ(result, KrResult::Code::Busy);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("there are too many already"));
 }
 
 TEST_F(CLSockets, Connection_IsOfThisUserAndReachesItsPort) {

@@ -94,6 +94,12 @@ TEST_F(TtyLocksTest, Open_OfAPortThatARunningProcessHasLocked_IsBusyAndSaysByWha
   EXPECT_TRUE(TryToOpen("COM1").IsOK());
 }
 
+TEST_F(TtyLocksTest, Open_OfAPortWithALockLongerThanAny_TakesItForNone) {
+  Lock("ttyUSB0", std::to_string(getpid()) + std::string(4096, ' '));
+
+  EXPECT_TRUE(TryToOpen("COM1").IsOK());
+}
+
 TEST_F(TtyLocksTest, Open_OfAPortWhoseLockNoProcessHolds_LeavesTheLock) {
   const std::string ended = std::to_string(MakeProcessThatHasEnded()) + "\n";
   for (const std::string& text : {ended, "nonsense"s, ""s}) {

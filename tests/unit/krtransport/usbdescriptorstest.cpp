@@ -50,6 +50,20 @@ TEST(UsbDescriptors, Parse_Camera_ReadsEveryField) {
   EXPECT_EQ(configuration.interfaces[1].usbClass, kStreamInterface);
 }
 
+TEST(UsbDescriptors, Parse_MoreThanTheKernelGives_IsReadThatFar) {
+  Bytes bytes = kDevice;
+  while (bytes.size() + kConfiguration.size() <= 65536)
+    bytes.insert(bytes.end(), kConfiguration.begin(), kConfiguration.end());
+  const std::size_t within = (bytes.size() - kDevice.size()) / kConfiguration.size();
+  for (int i = 0; i < 10; ++i)
+    bytes.insert(bytes.end(), kConfiguration.begin(), kConfiguration.end());
+
+  UsbDescriptors descriptors;
+  ASSERT_TRUE(ParseUsbDescriptors(bytes, descriptors).IsOK());
+
+  EXPECT_EQ(descriptors.configurations.size(), within);
+}
+
 TEST(UsbDescriptors, Parse_DeviceInfo_BelongsToTheControlInterface) {
   const Bytes bytes = Join({kDevice, kConfiguration, kControl, kDeviceInfoBytes, kStream});
 

@@ -34,6 +34,35 @@ TEST_F(SettingsActions, Save_WithoutASuffix_AddsOneAndRemembersTheFolder) {
   EXPECT_EQ(std::filesystem::path(shown), std::filesystem::canonical(folder.GetPath()));
 }
 
+TEST_F(SettingsActions, Save_OfADeviceWithAnyName_ProposesNothingButLettersInTheFolder) {
+  const struct {
+    const char* model;
+    const char* proposed;
+  } rows[] = {
+      {"T-100", "T-100.txt"},         {"../../etc/passwd", "______etc_passwd.txt"},
+      {"/dev/null", "_dev_null.txt"}, {"~&#10;$(reboot)%s&lt;b&gt;", "____reboot__s_b_.txt"},
+      {"", "settings.txt"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.model);
+    std::string text = MakeDescription(kNodes);
+    text.replace(text.find("\"Model\""), 7, '"' + std::string(row.model) + '"');
+    KrGenDescription description;
+    std::unique_ptr<KrGenParameterArray> array;
+    ASSERT_TRUE(KrGenDescription::ReadFromMemory(text, "test", description).IsOK());
+    ASSERT_TRUE(KrGenParameterArray::Open(description, camera.port, {}, array).IsOK());
+    std::string proposed;
+    Answers answers({{"settingsfile", [&](QWidget& aDialog) {
+                        proposed = aDialog.findChild<QLineEdit*>()->text().toStdString();
+                        PressEscape()(aDialog);
+                      }}});
+
+    EXPECT_TRUE(SaveSettings(owner.get(), *array, {}));
+
+    EXPECT_EQ(proposed, row.proposed);
+  }
+}
+
 TEST_F(SettingsActions, Save_OverAFileThatIsThere_AsksWithItsNameAsPlainText) {
   const std::string file = folder.GetFile("<b>x<b>.txt");
   TemporaryFolder::WriteFile(file, "mine");

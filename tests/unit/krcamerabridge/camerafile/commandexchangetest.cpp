@@ -82,6 +82,18 @@ TEST(CommandExchange, Rubbish_IsPassedOver) {
   EXPECT_EQ(GetWhole(content), 12);
 }
 
+TEST(CommandExchange, BytesWithoutAnEnd_AreAFailureBeforeTheyFillTheMemory) {
+  const FileProtocol protocol = MakeProtocol(kPlain);
+  CameraEnd camera(Answering(std::string(1 << 20, 'x')));
+  CommandExchange exchange(camera.GetLine(), protocol);
+  AnswerContent content;
+
+  const KrResult result = exchange.Run(MakeOrder("G?\r", "G={value:d}\\r"), {}, content);
+
+  EXPECT_EQ(result, KrResult::Code::ProtocolError);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("The camera answered \"" + std::string(80, 'x') + "…\" to"));
+}
+
 TEST(CommandExchange, StartsInsideAnswers_BelongToThem) {
   struct Row {
     const char* sent;

@@ -76,6 +76,24 @@ TEST_F(DriverListTest, Drivers_AreOfALimitedNumber) {
   EXPECT_EQ(ListPaths().size(), 256u);
 }
 
+TEST_F(DriverListTest, DirectoriesOfTheVariable_AreOfALimitedNumber) {
+  first.Install("liba.so");
+  second.Install("libb.so");
+  std::string variable;
+  for (int i = 1; i < 64; ++i)
+    variable += "/nowhere/" + std::to_string(i) + ':';
+  setenv("GENICAM_CLPROTOCOL", (variable + first.GetRoot() + ':' + second.GetRoot()).c_str(), 1);
+
+  EXPECT_THAT(ListPaths(), ElementsAre(GetPath(first, "liba.so")));
+}
+
+TEST_F(DriverListTest, Descriptions_AreOfALimitedNumber) {
+  for (int i = 0; i < 1100; ++i)
+    first.Write("SchemaVersion.1.1@Maker@XMLVersion.1.0." + std::to_string(i) + ".xml", "");
+
+  EXPECT_EQ(ListCLXMLFiles({first.GetRoot(), first.GetDirectory(), "liba.so"}).size(), 1000u);
+}
+
 TEST_F(DriverListTest, Descriptions_AreInBothDirectoriesWithIdentifiersForNames) {
   first.Write("SchemaVersion.1.1@Maker@XMLVersion.1.0.0.xml", "");
   first.Write("SchemaVersion.1.1@Maker@XMLVersion.1.0.0.zip", "");

@@ -231,6 +231,45 @@ TEST(StoreSettings, IntegerSelectorOfManyPositions_IsMovedThroughSomeWithAProble
   EXPECT_EQ(camera.GetText("Sel"), "3");
 }
 
+TEST(StoreSettings, CombinationsBeyondTheMost_AreLeftOutWithAProblemAndTheSelectorsPutBack) {
+  const std::string positions = "<Min>0</Min><Max>255</Max><pSelected>F</pSelected>";
+  SettingsCamera camera(MakeInteger("A", 0, positions) + MakeInteger("B", 4, positions) +
+                        MakeEnum("C", 8, {"First", "Second"}, "<pSelected>F</pSelected>") + MakeInteger("F", 12));
+  camera.SetText("A", "3");
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::OutOfRange);
+
+  EXPECT_THAT(camera.GetProblems(),
+              testing::Contains(HasSubstr("There are more than 65536 combinations of selectors'")));
+  EXPECT_EQ(camera.GetText("A"), "3");
+}
+
+// A feature whose limit is the last of so many others, which it would come behind, and nodes that are none.
+std::string MakeLimitedByTheLast(int aCount) {
+  const std::string last = std::to_string(aCount - 1);
+  std::string nodes =
+      "<Integer Name=\"First\"><Streamable>Yes</Streamable><Value>0</Value><pMax>I" + last + "</pMax></Integer>";
+  for (int i = 0; i < aCount; ++i) {
+    const std::string number = std::to_string(i);
+    nodes += "<Integer Name=\"I" + number +
+             "\"><Streamable>Yes</Streamable><Value>1</Value></Integer><Boolean Name=\"B" + number +
+             "\"><Value>1</Value></Boolean>";
+  }
+  return nodes;
+}
+
+TEST(StoreSettings, DescriptionTooLargeToBeOrdered_IsTakenInItsOwnOrder) {
+  SettingsCamera small(MakeLimitedByTheLast(2));
+  SettingsCamera large(MakeLimitedByTheLast(5100));
+
+  EXPECT_TRUE(small.Store().IsOK());
+  EXPECT_TRUE(large.Store().IsOK());
+
+  EXPECT_EQ(small.GetSteps().back().first, "First");
+  ASSERT_EQ(large.GetSteps().size(), 5101U);
+  EXPECT_EQ(large.GetSteps().front().first, "First");
+}
+
 // What is available is said by a register that does not answer.
 std::string MakeSilent(const std::string& aName, int aAddress) {
   return "<IntReg Name=\"" + aName + "\"><Address>" + std::to_string(aAddress) +
