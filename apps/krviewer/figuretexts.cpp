@@ -26,8 +26,9 @@ constexpr std::array<FigureWords, kFigures> kWords = {{
     {FigureKind::Incomplete, "incomplete 0000",
      "Frames of which a part was lost. Larger packets on all parts of the way, a lower frame rate or another cable may "
      "help."},
-    {FigureKind::MissingFrames, "missing 0000", "Frames of which nothing arrived, as the numbers of the others show."},
-    {FigureKind::MissingPackets, "packets missing 0000",
+    {FigureKind::MissingFrames, "missing frames 0000",
+     "Frames of which nothing arrived, as the numbers of the others show."},
+    {FigureKind::MissingPackets, "missing packets 0000",
      "Packets that did not arrive in time. Larger socket buffers, a packet delay or a lower frame rate may help."},
     {FigureKind::ResentPackets, "resent 0000",
      "Packets that were lost at first and arrived when they were asked for again: nothing is lost by them."},
@@ -55,8 +56,8 @@ FigureTexts::FigureTexts(const ShownFigures& aFigures) {
                             kFramesRank};
   const KrStreamStatistics& statistics = aFigures.statistics;
   SetLoss(FigureKind::Incomplete, "incomplete ", statistics.incomplete, kNoLossRank);
-  SetLoss(FigureKind::MissingFrames, "missing ", statistics.missingFrames, kNoLossRank);
-  SetLoss(FigureKind::MissingPackets, "packets missing ", statistics.missingPackets, kNoLossRank);
+  SetLoss(FigureKind::MissingFrames, "missing frames ", statistics.missingFrames, kNoLossRank);
+  SetLoss(FigureKind::MissingPackets, "missing packets ", statistics.missingPackets, kNoLossRank);
   SetLoss(FigureKind::Discarded, "discarded ", statistics.discarded, kNoLossRank);
   At(FigureKind::ResentPackets) = {"resent " + std::to_string(statistics.resentPackets), false, kResentRank};
   if (aFigures.temperatureC)

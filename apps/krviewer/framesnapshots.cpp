@@ -4,6 +4,13 @@
 
 namespace krviewer {
 
+namespace {
+
+/// At two frames a second, copying all of each costs next to nothing.
+constexpr std::uint64_t kLongPauseNs = 500'000'000;
+
+} // namespace
+
 void FrameSnapshots::Ask(const CutoutRequest& aRequest) {
   {
     const std::lock_guard lock(mMutex);
@@ -21,7 +28,9 @@ bool FrameSnapshots::Take(Snapshot& aSnapshot) {
   return true;
 }
 
-void FrameSnapshots::OnFrame(const KrBuffer& aFrame, std::uint64_t) {
+void FrameSnapshots::OnFrame(const KrBuffer& aFrame, std::uint64_t aArrivalNs) {
+  const std::optional<std::uint64_t> last = std::exchange(mLastArrivalNs, aArrivalNs);
+  const bool isAlone = !last || aArrivalNs - *last >= kLongPauseNs;
   const IKrImage* const image = aFrame.GetImage();
   // Before the first whole frame an incomplete one is no image yet.
   if (!image || image->GetWidth() == 0 || !mIsAsked.exchange(false))
@@ -32,7 +41,9 @@ void FrameSnapshots::OnFrame(const KrBuffer& aFrame, std::uint64_t) {
   }
   mCopying.width = image->GetWidth();
   mCopying.height = image->GetHeight();
-  mCopying.cutout = PlanCutout(mCopying.request, mCopying.width, mCopying.height);
+  const bool isWhole = isAlone && mCopying.request.kind != CutoutRequest::Kind::Sample;
+  mCopying.cutout = PlanCutout(isWhole ? CutoutRequest{CutoutRequest::Kind::Whole} : mCopying.request, mCopying.width,
+                               mCopying.height);
   mCopying.result = CopyCutout(*image, mCopying.cutout, mCopying.pixels);
   mCopying.frameID = aFrame.GetFrameID();
   mCopying.isWhole = aFrame.GetStatus() == KrBufferStatus::Complete;

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 
 namespace krviewer {
 
@@ -23,6 +24,9 @@ struct Snapshot {
   bool isWhole = true; ///< Whether nothing of the frame was lost on its way.
 };
 
+/// A frame that comes a good while after the one before is copied as a whole where a line or column was asked for, so
+/// that other ones can be looked at although no frame comes.
+///
 /// Thread: Ask and Take on one thread, OnFrame on another; neither waits for what the other computes.
 class FrameSnapshots : public FrameSink {
 public:
@@ -40,7 +44,8 @@ public:
 private:
   std::atomic<bool> mIsAsked = false;
   std::atomic<std::uint64_t> mCopied = 0;
-  Snapshot mCopying; ///< Of the thread that takes the frames.
+  Snapshot mCopying; ///< Of the thread that takes the frames, as is the next one.
+  std::optional<std::uint64_t> mLastArrivalNs;
   std::mutex mMutex; ///< Guards the members from here on, never for longer than an exchange.
   CutoutRequest mRequest;
   Snapshot mReady;

@@ -3,6 +3,7 @@
 #include "graphcolours.h"
 #include "histogramplot.h"
 #include "numbertable.h"
+#include "panelarea.h"
 #include "plaintext.h"
 #include "valuetext.h"
 #include "wraplayout.h"
@@ -43,23 +44,24 @@ QString FormatNumber(double aValue) {
 
 HistogramPanel::HistogramPanel(FrameSinks& aFrames)
     : SnapshotPanel(aFrames), mPlot(new HistogramPlot),
-      mTable(
-          new NumberTable({QStringLiteral("Mean"), QStringLiteral("Deviation"), QStringLiteral("Least"),
-                           QStringLiteral("Greatest"), QStringLiteral("Clipped low"), QStringLiteral("Clipped high")})),
+      mTable(new NumberTable({QStringLiteral("Mean"), QStringLiteral("Deviation"), QStringLiteral("Least"),
+                              QStringLiteral("Greatest"), QStringLiteral("At 0"), QStringLiteral("At 255")})),
       mFrame(new QLabel) {
   setObjectName(QStringLiteral("histogramPanel"));
   mTable->setObjectName(QStringLiteral("histogramNumbers"));
   mTable->setAccessibleName(QStringLiteral("Numbers of the histogram"));
+  mTable->setToolTip(QStringLiteral("Pixels at the least or the greatest value of the format may be clipped."));
   mTable->setVisible(false);
   mFrame->setTextFormat(Qt::PlainText);
   mFrame->setObjectName(QStringLiteral("histogramFrame"));
-  mFrame->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-  auto* const layout = new QVBoxLayout(this);
-  layout->addWidget(MakeControls());
-  layout->addWidget(mPlot, 1);
-  layout->addWidget(mTable);
-  layout->addWidget(mFrame);
+  mFrame->setWordWrap(true);
+  QVBoxLayout& column = (new PanelArea(*this))->GetColumn();
+  column.addWidget(MakeControls());
+  column.addWidget(mPlot, 1);
+  column.addWidget(mTable);
+  column.addWidget(mFrame);
   mPlot->setAccessibleName(QStringLiteral("Histogram"));
+  mPlot->setAccessibleDescription(QStringLiteral("Its numbers are in the table below."));
   mPlot->ShowText(QStringLiteral("No frame yet"));
 }
 
@@ -125,6 +127,8 @@ void HistogramPanel::ShowHistogram() {
     mPlot->ShowText(QStringLiteral("No colour is chosen"));
   else
     mPlot->Show(std::move(picture));
+  mTable->horizontalHeaderItem(kClippedLow)->setText(QStringLiteral("At %1").arg(mHistogram.GetLowestValue()));
+  mTable->horizontalHeaderItem(kClippedHigh)->setText(QStringLiteral("At %1").arg(mHistogram.GetHighestValue()));
   mTable->SetRows(static_cast<int>(channels.size()));
   for (std::size_t i = 0; i < channels.size(); ++i)
     ShowRow(static_cast<int>(i), channels[i]);
@@ -157,7 +161,7 @@ void HistogramPanel::ShowColours() {
 }
 
 void HistogramPanel::ShowRow(int aRow, const HistogramChannel& aChannel) {
-  mTable->SetRowName(aRow, GetName(aChannel.component));
+  mTable->SetRowName(aRow, GetName(aChannel.component), GetComponentColour(palette(), aChannel.component));
   const auto format = [&aChannel](std::uint64_t aPixels) {
     return QString::fromStdString(FormatPercent(aChannel.GetPercent(aPixels)));
   };

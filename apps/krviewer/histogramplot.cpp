@@ -60,7 +60,7 @@ void HistogramPlot::SetScale(HistogramScale aScale) {
 }
 
 QSize HistogramPlot::sizeHint() const {
-  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 12};
+  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 8};
 }
 
 QSize HistogramPlot::minimumSizeHint() const {
@@ -138,17 +138,23 @@ void HistogramPlot::PaintClipped(QPainter& aPainter, const PlotFrame& aFrame) co
   const QRectF& area = aFrame.GetArea();
   const double gap = kClippedBarWidth + fontMetrics().averageCharWidth();
   const QRectF textArea = area.adjusted(gap, 2, -gap, 0);
-  aPainter.setPen(colour);
+  // On a ground of its own, as the curve may be behind it.
+  const auto paintText = [&](const QRectF& aRect, Qt::Alignment aAlignment, double aPercent, std::int64_t aValue) {
+    const QString text = QStringLiteral("%1 at %2").arg(ToText(FormatPercent(aPercent))).arg(aValue);
+    aPainter.fillRect(aPainter.boundingRect(aRect, static_cast<int>(aAlignment), text),
+                      palette().color(QPalette::Base));
+    aPainter.setPen(colour);
+    aPainter.drawText(aRect, static_cast<int>(aAlignment), text);
+  };
   if (low > 0) {
     aPainter.fillRect(QRectF(area.topLeft(), QSizeF(kClippedBarWidth, area.height())), colour);
-    aPainter.drawText(textArea, Qt::AlignLeft | Qt::AlignTop,
-                      QStringLiteral("%1 at %2").arg(ToText(FormatPercent(low))).arg(mPicture.lowestValue));
+    paintText(textArea, Qt::AlignLeft | Qt::AlignTop, low, mPicture.lowestValue);
   }
   if (high > 0) {
     aPainter.fillRect(QRectF(area.right() - kClippedBarWidth, area.top(), kClippedBarWidth, area.height()), colour);
     // A line lower, as both texts may not fit beside each other.
-    aPainter.drawText(textArea.translated(0, fontMetrics().height()), Qt::AlignRight | Qt::AlignTop,
-                      QStringLiteral("%1 at %2").arg(ToText(FormatPercent(high))).arg(mPicture.highestValue));
+    paintText(textArea.translated(0, fontMetrics().height()), Qt::AlignRight | Qt::AlignTop, high,
+              mPicture.highestValue);
   }
 }
 

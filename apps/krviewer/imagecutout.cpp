@@ -60,6 +60,19 @@ KrResult CheckPlaces(const IKrImage& aImage, const Cutout& aCutout, const LinePl
 
 } // namespace
 
+bool Cutout::Holds(const CutoutRequest& aRequest, std::uint32_t aWidth, std::uint32_t aHeight) const {
+  if (aWidth == 0 || aHeight == 0 || lines == 0)
+    return false;
+  const Cutout wanted = PlanCutout(aRequest, aWidth, aHeight);
+  const bool hasColumns = wanted.firstColumn >= firstColumn &&
+                          std::uint64_t{wanted.firstColumn} + wanted.columns <= std::uint64_t{firstColumn} + columns;
+  const bool hasLines =
+      wanted.firstLine >= firstLine && wanted.GetImageLine(wanted.lines - 1) <= GetImageLine(lines - 1);
+  // Lines that were left out are in none but a cutout that leaves out the same.
+  const bool hasSameSteps = pairStep == 2 || (wanted.firstLine == firstLine && wanted.pairStep == pairStep);
+  return hasColumns && hasLines && hasSameSteps;
+}
+
 Cutout PlanCutout(const CutoutRequest& aRequest, std::uint32_t aWidth, std::uint32_t aHeight) {
   Cutout cutout{.columns = aWidth, .lines = aHeight};
   if (aWidth == 0 || aHeight == 0)
@@ -82,6 +95,10 @@ Cutout PlanCutout(const CutoutRequest& aRequest, std::uint32_t aWidth, std::uint
     SpreadLines(cutout, aHeight, kProfilePixels);
     break;
   }
+  case CutoutRequest::Kind::Whole:
+    if (std::uint64_t{aWidth} * aHeight > kWholePixels)
+      return PlanCutout({CutoutRequest::Kind::Sample}, aWidth, aHeight);
+    break;
   }
   return cutout;
 }

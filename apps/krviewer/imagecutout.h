@@ -14,9 +14,12 @@ struct CutoutRequest {
     Sample, ///< Lines from all over the image, about kSamplePixels pixels.
     Line,   ///< One line, the one at index.
     Column, ///< One column, the one at index.
+    Whole,  ///< All of it, up to kWholePixels; of a larger one as much as of a sample.
   };
   Kind kind = Kind::Sample;
   std::uint64_t index = 0; ///< Beyond the image it means the last line or column.
+
+  friend bool operator==(const CutoutRequest&, const CutoutRequest&) = default;
 };
 
 /// Columns and pairs of lines of an image. It begins at an even line and at a column divisible by eight, so that the
@@ -31,6 +34,9 @@ struct Cutout {
   /// Where a line of the cutout lies in the image.
   std::uint32_t GetImageLine(std::uint32_t aLine) const { return firstLine + aLine / 2 * pairStep + aLine % 2; }
 
+  /// Whether a line or column of an image of this size, as PlanCutout would take it, is in the cutout.
+  bool Holds(const CutoutRequest& aRequest, std::uint32_t aWidth, std::uint32_t aHeight) const;
+
   friend bool operator==(const Cutout&, const Cutout&) = default;
 };
 
@@ -38,6 +44,9 @@ struct Cutout {
 inline constexpr std::uint32_t kSamplePixels = 1u << 19;
 /// The most pixels of a line that are taken, and the most lines of a column.
 inline constexpr std::uint32_t kProfilePixels = 1u << 16;
+
+/// The most pixels of an image that is taken as a whole.
+inline constexpr std::uint64_t kWholePixels = 1u << 25;
 
 /// The part of an image of this size that a request means. Any thread.
 Cutout PlanCutout(const CutoutRequest& aRequest, std::uint32_t aWidth, std::uint32_t aHeight);

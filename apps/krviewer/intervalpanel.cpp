@@ -4,6 +4,7 @@
 #include "intervalplot.h"
 #include "intervaltable.h"
 #include "numbertable.h"
+#include "panelarea.h"
 #include "plaintext.h"
 #include "wraplayout.h"
 
@@ -58,14 +59,15 @@ IntervalPanel::IntervalPanel(FrameSinks& aFrames, Clock aClock)
   mPlot->setAccessibleName(QStringLiteral("Frame intervals over time"));
   mNumbers->setObjectName(QStringLiteral("intervalNumbers"));
   mNumbers->setAccessibleName(QStringLiteral("Frame intervals in milliseconds"));
-  mNumbers->setToolTip(QStringLiteral("Milliseconds from one frame to the next. Jitter is their standard deviation."));
+  mNumbers->setToolTip(QStringLiteral("From one frame to the next, by the time of its arrival here and by the camera's "
+                                      "own clock. Jitter is the standard deviation."));
   mNumbers->SetRows(2);
-  auto* const layout = new QVBoxLayout(this);
-  layout->addWidget(MakeControls());
-  layout->addWidget(mState);
-  layout->addWidget(mPlot, 1);
-  layout->addWidget(mNumbers);
-  layout->addWidget(mLosses);
+  QVBoxLayout& column = (new PanelArea(*this))->GetColumn();
+  column.addWidget(MakeControls());
+  column.addWidget(mState);
+  column.addWidget(mPlot, 1);
+  column.addWidget(mLosses);
+  column.addWidget(mNumbers);
   connect(&mTimer, &QTimer::timeout, this, &IntervalPanel::Look);
   // It fails for a sink that is registered already, which this one is not.
   [[maybe_unused]] const KrResult registered = mFrames.Register(&mIntervals);
@@ -141,8 +143,8 @@ void IntervalPanel::ShowState(const IntervalView& aView) {
 }
 
 void IntervalPanel::ShowNumbers(const IntervalView& aView) {
-  ShowRow(0, QStringLiteral("By arrival"), aView.arrivals);
-  ShowRow(1, QStringLiteral("By the camera's clock"), aView.camera);
+  ShowRow(0, QStringLiteral("Arrival, ms"), IntervalPlot::GetArrivalColour(palette()), aView.arrivals);
+  ShowRow(1, QStringLiteral("Camera, ms"), IntervalPlot::GetCameraColour(palette()), aView.camera);
   QString text = QStringLiteral("%1 frames").arg(aView.losses.frames);
   for (const LossMark& mark : kLossMarks)
     text += QStringLiteral("   %1 %2 %3")
@@ -155,11 +157,11 @@ void IntervalPanel::ShowNumbers(const IntervalView& aView) {
   mLosses->setPalette(colours);
 }
 
-void IntervalPanel::ShowRow(int aRow, const QString& aName, const IntervalSummary& aSummary) {
-  mNumbers->SetRowName(aRow, aName);
+void IntervalPanel::ShowRow(int aRow, const QString& aName, const QColor& aColour, const IntervalSummary& aSummary) {
+  mNumbers->SetRowName(aRow, aName, aColour);
   const double values[] = {aSummary.leastNs, aSummary.meanNs, aSummary.greatestNs, aSummary.GetJitterNs()};
   for (int column = 0; column < mNumbers->columnCount(); ++column) {
-    const std::string text = krapps::FormatFixed(values[column] / kMillisecondNs, kMillisecondDigits) + " ms";
+    const std::string text = krapps::FormatFixed(values[column] / kMillisecondNs, kMillisecondDigits);
     mNumbers->SetNumber(aRow, column, aSummary.count > 0 ? QString::fromStdString(text) : QStringLiteral("–"),
                         NumberTable::Emphasis::None);
   }

@@ -45,7 +45,7 @@ private:
   IntervalView GetView() const;
   void Look();
   void ShowNumbers(const IntervalView& aView);
-  void ShowRow(int aRow, const QString& aName, const IntervalSummary& aSummary);
+  void ShowRow(int aRow, const QString& aName, const QColor& aColour, const IntervalSummary& aSummary);
   void ShowState(const IntervalView& aView);
   void Reset();
   void Export();

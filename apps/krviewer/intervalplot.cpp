@@ -32,7 +32,7 @@ void IntervalPlot::Show(IntervalView aView) {
 }
 
 QSize IntervalPlot::sizeHint() const {
-  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 10};
+  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 8};
 }
 
 QSize IntervalPlot::minimumSizeHint() const {

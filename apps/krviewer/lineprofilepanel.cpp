@@ -1,5 +1,6 @@
 #include "lineprofilepanel.h"
 
+#include "panelarea.h"
 #include "plaintext.h"
 #include "wraplayout.h"
 
@@ -32,7 +33,7 @@ LineProfilePanel::LineProfilePanel(FrameSinks& aFrames, KrDisplayWnd& aWindow)
   setObjectName(QStringLiteral("lineProfilePanel"));
   for (QLabel* const label : {mFrame, mSharpness}) {
     label->setTextFormat(Qt::PlainText);
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    label->setWordWrap(true);
   }
   mFrame->setObjectName(QStringLiteral("profileFrame"));
   mSharpness->setObjectName(QStringLiteral("profileSharpness"));
@@ -44,11 +45,11 @@ LineProfilePanel::LineProfilePanel(FrameSinks& aFrames, KrDisplayWnd& aWindow)
   auto* const sharpnessRow = new QHBoxLayout;
   sharpnessRow->addWidget(mSharpness, 1);
   sharpnessRow->addWidget(forget);
-  auto* const layout = new QVBoxLayout(this);
-  layout->addWidget(MakeControls());
-  layout->addWidget(mPlot, 1);
-  layout->addWidget(mFrame);
-  layout->addLayout(sharpnessRow);
+  QVBoxLayout& column = (new PanelArea(*this))->GetColumn();
+  column.addWidget(MakeControls());
+  column.addWidget(mPlot, 1);
+  column.addWidget(mFrame);
+  column.addLayout(sharpnessRow);
   mPlot->setAccessibleName(QStringLiteral("Line profile"));
   mPlot->ShowText(QStringLiteral("No frame yet"));
   Choose();
@@ -92,7 +93,7 @@ bool LineProfilePanel::IsColumn() const {
 void LineProfilePanel::Choose() {
   mIndex->setEnabled(!IsFollowing());
   ForgetBest();
-  AskAnew();
+  RequestChanged();
 }
 
 void LineProfilePanel::FollowCursor() {

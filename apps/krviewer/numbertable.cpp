@@ -2,9 +2,13 @@
 
 #include "graphcolours.h"
 
+#include <QEvent>
 #include <QHeaderView>
+#include <QPixmap>
 #include <QResizeEvent>
 #include <QScrollBar>
+
+#include <algorithm>
 
 namespace krviewer {
 
@@ -18,7 +22,9 @@ NumberTable::NumberTable(const QStringList& aColumnNames) : QTableWidget(0, stat
   setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
   horizontalHeader()->setHighlightSections(false);
-  horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  for (int column = 0; column < columnCount(); ++column)
+    horizontalHeader()->resizeSection(column, horizontalHeader()->sectionSizeHint(column));
   verticalHeader()->setHighlightSections(false);
   verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
@@ -30,11 +36,21 @@ void NumberTable::SetRows(int aCount) {
   FitHeight();
 }
 
-void NumberTable::SetRowName(int aRow, const QString& aName) {
+void NumberTable::SetRowName(int aRow, const QString& aName, const QColor& aColour) {
   if (!verticalHeaderItem(aRow))
     setVerticalHeaderItem(aRow, new QTableWidgetItem);
-  if (verticalHeaderItem(aRow)->text() != aName)
-    verticalHeaderItem(aRow)->setText(aName);
+  QTableWidgetItem& name = *verticalHeaderItem(aRow);
+  if (name.text() == aName && name.data(Qt::UserRole).value<QColor>() == aColour)
+    return;
+  const double ratio = devicePixelRatioF();
+  const int side = fontMetrics().ascent();
+  QPixmap patch(QSize(side, side) * ratio);
+  patch.setDevicePixelRatio(ratio);
+  patch.fill(aColour);
+  name.setText(aName);
+  name.setIcon(patch);
+  name.setData(Qt::UserRole, aColour);
+  FitHeight();
 }
 
 void NumberTable::SetNumber(int aRow, int aColumn, const QString& aText, Emphasis aEmphasis) {
@@ -44,6 +60,7 @@ void NumberTable::SetNumber(int aRow, int aColumn, const QString& aText, Emphasi
   }
   const bool isWarning = aEmphasis == Emphasis::Warning;
   item(aRow, aColumn)->setText(aText);
+  KeepRoom(aColumn);
   item(aRow, aColumn)->setForeground(isWarning ? GetWarningColour(palette()) : palette().color(QPalette::Text));
 }
 
@@ -64,6 +81,24 @@ void NumberTable::resizeEvent(QResizeEvent* aEvent) {
   QTableWidget::resizeEvent(aEvent);
   if (aEvent->size().width() != aEvent->oldSize().width())
     FitHeight();
+}
+
+void NumberTable::KeepRoom(int aColumn) {
+  QHeaderView& header = *horizontalHeader();
+  const int needed = std::max(sizeHintForColumn(aColumn), header.sectionSizeHint(aColumn));
+  if (needed > header.sectionSize(aColumn))
+    header.resizeSection(aColumn, needed);
+}
+
+void NumberTable::changeEvent(QEvent* aEvent) {
+  QTableWidget::changeEvent(aEvent);
+  if (aEvent->type() != QEvent::FontChange)
+    return;
+  for (int column = 0; column < columnCount(); ++column) {
+    horizontalHeader()->resizeSection(column, horizontalHeader()->minimumSectionSize());
+    KeepRoom(column);
+  }
+  FitHeight();
 }
 
 void NumberTable::FitHeight() {

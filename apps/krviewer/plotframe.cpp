@@ -15,7 +15,9 @@ namespace {
 
 /// A plot with fewer lines of text than that has no numbers.
 constexpr double kFewestLines = 5;
+constexpr double kManyLines = 6;
 constexpr double kFewestCharacters = 16;
+constexpr int kMostTicks = 11;
 constexpr double kGap = 3; ///< Device-independent pixels between numbers and the plot.
 
 } // namespace
@@ -31,7 +33,9 @@ PlotFrame::PlotFrame(const QWidget& aWidget, const PlotAxis& aAcross, const Plot
     return;
   // Half a line above, as the topmost number stands beside the plot's edge.
   mArea.adjust(0, line / 2, -kGap, -(line + kGap));
-  AddTicks(mUp, mArea.height(), 2 * line);
+  // Close together where there are few, so that there are two at least.
+  const double lines = mArea.height() / line;
+  AddTicks(mUp, mArea.height(), lines > kManyLines ? 2.5 * line : 1.5 * line);
   double widest = 0;
   for (const PlotAxis::Tick& tick : mUp.ticks)
     widest = std::max(widest, mMetrics.horizontalAdvance(tick.text));
@@ -44,7 +48,8 @@ PlotFrame::PlotFrame(const QWidget& aWidget, const PlotAxis& aAcross, const Plot
 void PlotFrame::AddTicks(PlotAxis& aAxis, double aRoom, double aEach) const {
   if (!aAxis.ticks.empty())
     return;
-  const std::vector<double> values = ChooseTicks(aAxis.low, aAxis.high, static_cast<int>(aRoom / aEach));
+  const std::vector<double> values =
+      ChooseTicks(aAxis.low, aAxis.high, std::min(static_cast<int>(aRoom / aEach), kMostTicks));
   const double distance = values.size() > 1 ? values[1] - values[0] : 1;
   for (const double value : values)
     aAxis.ticks.push_back({value, QString::fromStdString(FormatTick(value, distance))});
@@ -85,7 +90,7 @@ void PlotFrame::PaintAcross(QPainter& aPainter) const {
     aPainter.setPen(GetGridColour(mPalette));
     aPainter.drawLine(QPointF(x, mArea.top()), QPointF(x, mArea.bottom()));
     const double width = mMetrics.horizontalAdvance(tick.text);
-    const double left = std::clamp(x - width / 2, mBounds.left(), std::max(mBounds.right() - width, mBounds.left()));
+    const double left = std::clamp(x - width / 2, mArea.left(), std::max(mBounds.right() - width, mArea.left()));
     if (left < free)
       continue;
     aPainter.setPen(mPalette.color(QPalette::Text));

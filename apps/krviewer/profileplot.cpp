@@ -38,7 +38,7 @@ void ProfilePlot::ShowText(const QString& aText) {
 }
 
 QSize ProfilePlot::sizeHint() const {
-  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 12};
+  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 8};
 }
 
 QSize ProfilePlot::minimumSizeHint() const {

@@ -29,10 +29,22 @@ void SnapshotPanel::SetFrozen(bool aIsFrozen) {
   if (aIsFrozen)
     mSnapshots.AskNothing();
   else
-    AskAnew();
+    Ask();
 }
 
-void SnapshotPanel::AskAnew() {
+void SnapshotPanel::RequestChanged() {
+  Ask();
+  ShowPart(GetRequest());
+}
+
+void SnapshotPanel::ShowPart(const CutoutRequest& aRequest) {
+  if (aRequest == mSnapshot.request || !mSnapshot.cutout.Holds(aRequest, mSnapshot.width, mSnapshot.height))
+    return;
+  mSnapshot.request = aRequest;
+  ShowSnapshot(mSnapshot);
+}
+
+void SnapshotPanel::Ask() {
   if (mIsListening && !mIsFrozen)
     mSnapshots.Ask(GetRequest());
 }
@@ -40,7 +52,7 @@ void SnapshotPanel::AskAnew() {
 void SnapshotPanel::showEvent(QShowEvent* aEvent) {
   QWidget::showEvent(aEvent);
   Listen(true);
-  AskAnew();
+  Ask();
   mTimer.start(kLookIntervalMs);
 }
 
@@ -60,7 +72,9 @@ void SnapshotPanel::Look() {
   }
   if (mSnapshots.Take(mSnapshot))
     ShowSnapshot(mSnapshot);
-  AskAnew();
+  else
+    ShowPart(GetRequest()); // The mouse may have moved on over a picture that stands still.
+  Ask();
 }
 
 } // namespace krviewer

@@ -30,14 +30,16 @@ protected:
   virtual CutoutRequest GetRequest() = 0;
   virtual void ShowSnapshot(const Snapshot& aSnapshot) = 0;
 
-  /// Asks at once, as something else is wanted now.
-  void AskAnew();
+  /// Something else is wanted now: it is asked for at once, and taken out of the last frame where that holds it.
+  void RequestChanged();
 
   void showEvent(QShowEvent* aEvent) override;
   void hideEvent(QHideEvent* aEvent) override;
 
 private:
   void Look();
+  void Ask();
+  void ShowPart(const CutoutRequest& aRequest);
   void Listen(bool aIsListening);
 
   FrameSinks& mFrames;

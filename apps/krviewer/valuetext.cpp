@@ -12,6 +12,7 @@ namespace krviewer {
 namespace {
 
 constexpr double kMostExactWhole = 9007199254740992.0; ///< 2^53.
+constexpr int kMostDigits = 12;
 constexpr double kLeastShownPercent = 0.1;
 
 } // namespace
@@ -40,7 +41,7 @@ std::vector<double> ChooseTicks(double aLow, double aHigh, int aMost) {
     return {};
   // The power of ten below the distance that would do, and the steps above it: one of them has few enough.
   const double power = std::pow(10.0, std::floor(std::log10((aHigh - aLow) / aMost)));
-  for (const double factor : {1.0, 2.0, 5.0, 10.0, 20.0}) {
+  for (const double factor : {1.0, 2.0, 2.5, 5.0, 10.0, 20.0, 25.0}) {
     const double distance = power * factor;
     const double first = std::ceil(aLow / distance - 1e-9);
     const double last = std::floor(aHigh / distance + 1e-9);
@@ -55,10 +56,13 @@ std::vector<double> ChooseTicks(double aLow, double aHigh, int aMost) {
 }
 
 std::string FormatTick(double aTick, double aDistance) {
-  const int digits = aDistance > 0 ? static_cast<int>(std::ceil(-std::log10(aDistance) - 1e-9)) : 0;
+  int digits = 0;
+  for (double scaled = aDistance; digits < kMostDigits && std::abs(scaled - std::round(scaled)) > 1e-6 * scaled;
+       ++digits)
+    scaled *= 10;
   // Of minus zero and what rounding left of zero the sign is dropped.
   const double tick = std::abs(aTick) < aDistance / 2 ? 0.0 : aTick;
-  return krapps::FormatFixed(tick, digits > 0 ? digits : 0);
+  return krapps::FormatFixed(tick, digits);
 }
 
 } // namespace krviewer

@@ -52,7 +52,7 @@ TEST(FigureTexts, Losses_StandOutAndStayLongerThanAllButTheRate) {
     EXPECT_LT(texts.Get(kind).rank, texts.Get(FigureKind::Pixel).rank);
     EXPECT_GT(texts.Get(kind).rank, texts.Get(FigureKind::FrameRate).rank);
   }
-  EXPECT_EQ(texts.Get(FigureKind::MissingFrames).text, "missing 4");
+  EXPECT_EQ(texts.Get(FigureKind::MissingFrames).text, "missing frames 4");
 }
 
 TEST(FigureTexts, WithoutLosses_NothingStandsOut) {

@@ -57,6 +57,22 @@ TEST(FrameSnapshots, AskedNothingMore_CopiesNothing) {
   EXPECT_EQ(snapshots.GetCopied(), 0u);
 }
 
+TEST(FrameSnapshots, FramesThatComeSlowly_AreCopiedWholeAndFastOnesInPart) {
+  constexpr std::uint64_t kSecondNs = 1'000'000'000;
+  FrameSnapshots snapshots;
+  Snapshot snapshot;
+  const auto copyLine = [&](std::uint64_t aTimeNs) {
+    snapshots.Ask({CutoutRequest::Kind::Line, 0});
+    snapshots.OnFrame(MakeGrey(7, 21), aTimeNs);
+    EXPECT_TRUE(snapshots.Take(snapshot));
+    return snapshot.cutout.lines;
+  };
+
+  EXPECT_EQ(copyLine(kSecondNs), 4u);
+  EXPECT_EQ(copyLine(kSecondNs + 1000), 2u);
+  EXPECT_EQ(copyLine(2 * kSecondNs), 4u);
+}
+
 TEST(FrameSnapshots, FrameWithoutAnImage_IsPassedBy) {
   FrameSnapshots snapshots;
   Snapshot snapshot;

@@ -125,6 +125,34 @@ TEST(ImageCutout, LineOrColumnBeyondTheImage_IsTheLastOne) {
   EXPECT_EQ(PlanCutout({Kind::Column, 1000}, 64, 10), (Cutout{.firstColumn = 48, .columns = 16, .lines = 10}));
 }
 
+TEST(ImageCutout, WholeImage_HoldsEveryLineAndColumn) {
+  const Cutout whole = PlanCutout({Kind::Whole}, 640, 481);
+
+  EXPECT_EQ(whole, (Cutout{.columns = 640, .lines = 481}));
+  for (const CutoutRequest& request :
+       {CutoutRequest{Kind::Line, 0}, CutoutRequest{Kind::Line, 480}, CutoutRequest{Kind::Line, 5000},
+        CutoutRequest{Kind::Column, 0}, CutoutRequest{Kind::Column, 639}})
+    EXPECT_TRUE(whole.Holds(request, 640, 481));
+}
+
+TEST(ImageCutout, Part_HoldsWhatIsInItAlone) {
+  const Cutout line = PlanCutout({Kind::Line, 7}, 640, 481);
+  const Cutout column = PlanCutout({Kind::Column, 100}, 640, 481);
+  const Cutout sample = PlanCutout({Kind::Sample}, 4096, 3000);
+
+  EXPECT_TRUE(line.Holds({Kind::Line, 6}, 640, 481));
+  EXPECT_FALSE(line.Holds({Kind::Line, 8}, 640, 481));
+  EXPECT_FALSE(line.Holds({Kind::Column, 0}, 640, 481));
+  EXPECT_TRUE(column.Holds({Kind::Column, 103}, 640, 481));
+  EXPECT_FALSE(column.Holds({Kind::Column, 104}, 640, 481));
+  EXPECT_FALSE(sample.Holds({Kind::Line, 3}, 4096, 3000));
+  EXPECT_FALSE(Cutout().Holds({Kind::Line, 0}, 640, 481));
+}
+
+TEST(ImageCutout, ImageThatIsTooLarge_IsSampledInsteadOfTakenWhole) {
+  EXPECT_EQ(PlanCutout({Kind::Whole}, 16384, 16384), PlanCutout({Kind::Sample}, 16384, 16384));
+}
+
 TEST(ImageCutout, FormatOfUnknownLayout_IsRefusedByName) {
   KrBuffer frame;
   ASSERT_TRUE(frame.GetImage()->Alloc(16, 16, KrPixel::BiColorRGBG8).IsOK());

@@ -35,6 +35,7 @@ TEST(ValueText, Ticks_AreRoundNumbersWithinTheScale) {
   EXPECT_THAT(ChooseTicks(0, 255, 6), ElementsAre(0, 50, 100, 150, 200, 250));
   EXPECT_THAT(ChooseTicks(-10, 0, 3), ElementsAre(-10, -5, 0));
   EXPECT_THAT(ChooseTicks(0.1, 0.45, 4), ElementsAre(DoubleEq(0.1), DoubleEq(0.2), DoubleEq(0.3), DoubleEq(0.4)));
+  EXPECT_THAT(ChooseTicks(0, 46, 2), ElementsAre(0, 25));
   EXPECT_THAT(ChooseTicks(3, 4, 1), ElementsAre(4));
 }
 
@@ -59,5 +60,6 @@ TEST(ValueText, TickText_HasTheDigitsThatTellTicksApart) {
   EXPECT_EQ(FormatTick(0.30000000000000004, 0.1), "0.3");
   EXPECT_EQ(FormatTick(200, 50), "200");
   EXPECT_EQ(FormatTick(0.25, 0.05), "0.25");
+  EXPECT_EQ(FormatTick(2.5, 2.5), "2.5");
   EXPECT_EQ(FormatTick(-1e-17, 0.1), "0.0");
 }

@@ -52,7 +52,7 @@ TEST_F(FigureBarTest, wideBar_showsEverything) {
 
   EXPECT_EQ(ListVisible(),
             (QStringList{"x 12  y 34   raw 1023   shown 255", "30.0 frames/s", "0.0 MB/s", "5 frames", "incomplete 0",
-                         "missing 0", "packets missing 0", "resent 0", "discarded 0", "45.5 °C"}));
+                         "missing frames 0", "missing packets 0", "resent 0", "discarded 0", "45.5 °C"}));
 }
 
 TEST_F(FigureBarTest, noFigure_overlapsAnother) {

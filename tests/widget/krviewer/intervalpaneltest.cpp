@@ -62,10 +62,10 @@ TEST_F(IntervalPanelTest, framesWhileItIsHidden_areRemembered) {
   ShowPanel();
 
   EXPECT_EQ(GetState(), "Acquisition is running.");
-  EXPECT_EQ(GetCell(0, 0), "12.000 ms");
-  EXPECT_EQ(GetCell(0, 1), "12.000 ms");
-  EXPECT_EQ(GetCell(0, 3), "0.000 ms");
-  EXPECT_EQ(GetCell(1, 1), "10.000 ms");
+  EXPECT_EQ(GetCell(0, 0), "12.000");
+  EXPECT_EQ(GetCell(0, 1), "12.000");
+  EXPECT_EQ(GetCell(0, 3), "0.000");
+  EXPECT_EQ(GetCell(1, 1), "10.000");
   EXPECT_TRUE(GetLosses().startsWith("50 frames"));
 }
 

@@ -130,6 +130,20 @@ TEST_F(LineProfilePanelTest, mouseThatIsFollowed_leadsToItsRow) {
   EXPECT_TRUE(Await([&] { return GetFrameText().startsWith(QStringLiteral("Row %1 of frame").arg(row)); }));
 }
 
+TEST_F(LineProfilePanelTest, singleFrame_isLookedAtAlongAnyLine) {
+  KrBuffer frame;
+  ASSERT_TRUE(frame.GetImage()->Alloc(64, 48, KrPixel::Mono8).IsOK());
+  ShowPanel();
+  GiveFrame(frame);
+  ASSERT_TRUE(Await([this] { return GetFrameText() == "Row 0 of frame 1"; }));
+
+  GetIndex().setValue(40);
+  EXPECT_EQ(GetFrameText(), "Row 40 of frame 1");
+  GetChoice().setCurrentIndex(1);
+
+  EXPECT_EQ(GetFrameText(), "Column 40 of frame 1");
+}
+
 TEST_F(LineProfilePanelTest, formatThatCannotBeRead_isExplained) {
   ShowPanel();
   GiveStripes(40);
