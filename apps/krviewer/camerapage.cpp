@@ -4,10 +4,14 @@
 #include "lineprofilepanel.h"
 #include "showntext.h"
 
+#include <QDataStream>
+#include <QIODevice>
 #include <QMainWindow>
 #include <QVBoxLayout>
 
+#include <chrono>
 #include <cstdio>
+#include <thread>
 #include <utility>
 
 namespace krviewer {
@@ -15,6 +19,9 @@ namespace krviewer {
 namespace {
 
 constexpr int kLookIntervalMs = 50;
+constexpr std::chrono::milliseconds kRecordingLook{10};
+/// Of what is kept of a page.
+constexpr quint32 kStateVersion = 1;
 /// The part of the page that the camera's features take at first.
 constexpr double kFeaturesShare = 0.4;
 
@@ -25,9 +32,11 @@ bool IsOver(AcquisitionState aState) {
 } // namespace
 
 CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
-    : mCamera(std::move(aCamera)), mOptions(aOptions), mBar(new MessageBar(this)), mArea(new QMainWindow(this)),
-      mPanels(*mArea), mFeatures(new ParameterPanel), mStreamFeatures(new ParameterPanel),
-      mTransportFeatures(new ParameterPanel), mIntervals(new IntervalPanel(mFrames.GetSinks())), mTools(*this),
+    : mCamera(std::move(aCamera)), mOptions(aOptions),
+      mSaver(mNewestFrame, ToText(mCamera->GetDisplayID()), mCamera->GetUniqueID()), mBar(new MessageBar(this)),
+      mArea(new QMainWindow(this)), mPanels(*mArea), mFeatures(new ParameterPanel), mStreamFeatures(new ParameterPanel),
+      mTransportFeatures(new ParameterPanel), mIntervals(new IntervalPanel(mFrames.GetSinks())),
+      mRecordPanel(new RecordPanel(mRecorder, ToText(mCamera->GetDisplayID()), mCamera->GetUniqueID())), mTools(*this),
       mSettings(
           *this, [this](DeviceWork aWork) { Do(std::move(aWork)); },
           [this](const QString& aWhat, const KrStringList& aProblems) { TellSettings(aWhat, aProblems); }),
@@ -43,13 +52,16 @@ CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
   mArea->setWindowFlags(Qt::Widget);
   AddPanels();
   connect(&mRegion, &RegionEditor::Applied, this, &CameraPage::Noticed);
+  connect(&mSaver, &FrameSaver::Saved, this, &CameraPage::Noticed);
+  for (FrameSink* const watcher : {static_cast<FrameSink*>(&mNewestFrame), static_cast<FrameSink*>(&mRecorder)})
+    [[maybe_unused]] const KrResult heard = mFrames.GetSinks().Register(watcher); // Each once.
   connect(&mTimer, &QTimer::timeout, this, [this] { Call([](CameraPage& aPage) { aPage.LookAgain(); }); });
 }
 
 CameraPage::~CameraPage() {
   End();
   AwaitEnd();
-  // The panels end before the frames that they watch.
+  // The panels end before what they watch, as that is no child of theirs.
   delete mArea;
 }
 
@@ -66,6 +78,8 @@ void CameraPage::AddPanels() {
               new LineProfilePanel(mFrames.GetSinks(), mDisplay), Qt::BottomDockWidgetArea);
   mPanels.Add(Panel::Intervals, QStringLiteral("intervals"), QStringLiteral("Frame Intervals"), mIntervals,
               Qt::BottomDockWidgetArea);
+  mPanels.Add(Panel::Recording, QStringLiteral("recording"), QStringLiteral("Recording"), mRecordPanel,
+              Qt::RightDockWidgetArea);
   mPanels.Show(Panel::Features, true);
 }
 
@@ -83,8 +97,25 @@ KrResult CameraPage::Open() {
   return {};
 }
 
-void CameraPage::RestoreLayout(const QByteArray& aLayout) {
-  mHasWidths = mPanels.RestoreLayout(aLayout);
+QByteArray CameraPage::SaveState() {
+  QByteArray state;
+  QDataStream stream(&state, QIODevice::WriteOnly);
+  stream << kStateVersion << mPanels.SaveLayout() << mRecordPanel->SaveState() << mSaver.SaveState();
+  return state;
+}
+
+void CameraPage::RestoreState(const QByteArray& aState) {
+  QDataStream stream(aState);
+  quint32 version = 0;
+  QByteArray layout;
+  QByteArray recording;
+  QByteArray saving;
+  stream >> version >> layout >> recording >> saving;
+  if (stream.status() != QDataStream::Ok || version != kStateVersion)
+    return;
+  mHasWidths = mPanels.RestoreLayout(layout);
+  mRecordPanel->RestoreState(recording);
+  mSaver.RestoreState(saving);
 }
 
 void CameraPage::Connect() {
@@ -113,7 +144,20 @@ void CameraPage::GiveBack(Acquisition& aAcquisition) {
 void CameraPage::End() {
   mIsEnded = true;
   mIsConnectWanted = false;
+  mRecorder.Stop();
   Call([](CameraPage& aPage) { aPage.mConnection.Leave(); });
+}
+
+void CameraPage::AwaitEnd() {
+  mConnection.AwaitAway();
+  // What was recorded is worth the time that the disk needs for it.
+  while (mRecorder.IsBusy())
+    std::this_thread::sleep_for(kRecordingLook);
+}
+
+void CameraPage::StartOrStopRecording() {
+  mPanels.Show(Panel::Recording, true);
+  mRecordPanel->StartOrStop();
 }
 
 void CameraPage::Disconnect() {

@@ -7,11 +7,15 @@
 #include "cameratools.h"
 #include "devicesettings.h"
 #include "framerelay.h"
+#include "framesaver.h"
 #include "intervalpanel.h"
 #include "messagebar.h"
+#include "newestframe.h"
 #include "pagemessages.h"
 #include "pagepanels.h"
 #include "parameterpanel.h"
+#include "recorder.h"
+#include "recordpanel.h"
 #include "regioneditor.h"
 #include "shownfigures.h"
 
@@ -43,16 +47,18 @@ public:
 
   /// Makes the picture and connects to the camera.
   KrResult Open();
-  /// The panels as they were; the way they are at first for anything else.
-  void RestoreLayout(const QByteArray& aLayout);
-  /// Begins to give the camera back for good.
+  /// Where its panels are, and what was chosen in them, for the next page.
+  QByteArray SaveState();
+  /// What is no such state leaves all as it is at first.
+  void RestoreState(const QByteArray& aState);
+  /// Begins to give the camera back for good; a recording stops.
   void End();
-  /// Waits until it is given back.
-  void AwaitEnd() { mConnection.AwaitAway(); }
+  /// Waits until it is given back, and what was recorded is written.
+  void AwaitEnd();
   /// Whether it is given back for good.
   bool HasEnded() const { return mIsEnded && !mConnection.IsLeaving(); }
   /// Whether nothing of the page is under way.
-  bool IsIdle() const { return mCalls == 0 && !mConnection.IsLeaving(); }
+  bool IsIdle() const { return mCalls == 0 && !mConnection.IsLeaving() && !mRecorder.IsBusy(); }
 
   const KrDeviceInfo& GetCamera() const { return *mCamera; }
   int GetNumber() const { return mOptions.number; }
@@ -62,6 +68,11 @@ public:
   KrDisplayWnd& GetDisplay() { return mDisplay; }
   CameraTools& GetTools() { return mTools; }
   DeviceSettings& GetSettings() { return mSettings; }
+  bool CanSaveFrame() const { return mSaver.HasFrame(); }
+  void SaveFrame() { mSaver.Ask(this); }
+  bool IsRecording() const { return mRecorder.IsBusy(); }
+  /// Starts a recording as its panel says, which is shown, or stops the one that runs.
+  void StartOrStopRecording();
   RegionEditor& GetRegion() { return mRegion; }
   PagePanels& GetPanels() { return mPanels; }
   ParameterPanel& GetFeatures() { return *mFeatures; }
@@ -116,6 +127,9 @@ private:
   const PageOptions mOptions;
   KrDisplayWnd mDisplay;
   FrameRelay mFrames; ///< Before whatever watches frames.
+  NewestFrame mNewestFrame;
+  Recorder mRecorder;
+  FrameSaver mSaver;
   MessageBar* const mBar;
   QMainWindow* const mArea;
   PagePanels mPanels;
@@ -123,6 +137,7 @@ private:
   ParameterPanel* const mStreamFeatures;
   ParameterPanel* const mTransportFeatures;
   IntervalPanel* const mIntervals;
+  RecordPanel* const mRecordPanel;
   CameraTools mTools;
   DeviceSettings mSettings;
   RegionEditor mRegion;

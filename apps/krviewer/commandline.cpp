@@ -74,7 +74,10 @@ Keys:
   F6           a single frame           F7             software trigger
   Ctrl+1       actual size              Ctrl+0         fit to the window
   Ctrl++       zoom in                  Ctrl+-         zoom out
-  F11          full screen, Esc back    Alt+1          camera features
+  Ctrl+S       save the frame shown     Ctrl+R         record, and stop it
+  F11          full screen, Esc back    Ctrl+Shift+R   region of interest
+  Alt+1 to 7   panels: camera features, stream and connection parameters,
+               histogram, line profile, frame intervals, recording
   Ctrl+T       serial terminal          Ctrl+B         serial bridges
   Ctrl+K       cameras behind the serial ports of a frame grabber
   Ctrl+PgDn    next camera              Ctrl+PgUp      previous camera

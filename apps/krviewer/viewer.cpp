@@ -178,7 +178,7 @@ void Viewer::Open(const CameraInfo& aCamera) {
   window.GetBar().Clear();
   if (const KrResult opened = page.Open(); !opened.IsOK())
     window.GetBar().Say({MessageKind::Error, ToText(opened.GetDescription())});
-  page.RestoreLayout(mSettings.GetPageLayout());
+  page.RestoreState(mSettings.GetPageState());
   window.AddPage(page);
   RecentCameras recent = mRecentCameras;
   recent.Add({ToText(aCamera->GetUniqueID()), ToText(aCamera->GetDisplayID())});
@@ -214,7 +214,7 @@ void Viewer::EndPage(CameraPage& aPage) {
   MainWindow* const window = FindWindowOf(aPage);
   if (!window)
     return;
-  mSettings.SetPageLayout(aPage.GetPanels().SaveLayout());
+  mSettings.SetPageState(aPage.SaveState());
   Discard(aPage);
   if (window->IsOwn() && window->GetPages().isEmpty())
     window->close();
@@ -294,7 +294,7 @@ void Viewer::KeepLayouts() {
   if (!mWindows.empty())
     mSettings.SetWindowLayout(mWindows.front()->SaveLayout());
   if (CameraPage* const page = GetActiveWindow().GetCurrentPage())
-    mSettings.SetPageLayout(page->GetPanels().SaveLayout());
+    mSettings.SetPageState(page->SaveState());
 }
 
 void Viewer::SaveWindowPicture() {

@@ -23,18 +23,18 @@ public:
   /// The file of whoever runs the program.
   static QString GetUserFile();
 
-  /// What the window's and the pages' layouts were; empty where none was kept, or not as it was written.
+  /// Where the window was, and how a camera's page was; empty where none was kept, or not as it was written.
   QByteArray GetWindowLayout() const { return Get(kWindowLayout); }
   void SetWindowLayout(const QByteArray& aLayout) { Set(kWindowLayout, aLayout); }
-  QByteArray GetPageLayout() const { return Get(kPageLayout); }
-  void SetPageLayout(const QByteArray& aLayout) { Set(kPageLayout, aLayout); }
+  QByteArray GetPageState() const { return Get(kPageState); }
+  void SetPageState(const QByteArray& aLayout) { Set(kPageState, aLayout); }
 
   RecentCameras GetRecentCameras() const;
   void SetRecentCameras(const RecentCameras& aCameras);
 
 private:
   static constexpr const char* kWindowLayout = "window/layout";
-  static constexpr const char* kPageLayout = "page/layout";
+  static constexpr const char* kPageState = "page/state";
 
   QByteArray Get(const char* aName) const;
   void Set(const char* aName, const QByteArray& aBytes);

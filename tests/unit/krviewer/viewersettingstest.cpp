@@ -42,7 +42,7 @@ TEST_F(ViewerSettingsTest, NoFileYet_HasNothing) {
   const ViewerSettings settings(mFile);
 
   EXPECT_TRUE(settings.GetWindowLayout().isEmpty());
-  EXPECT_TRUE(settings.GetPageLayout().isEmpty());
+  EXPECT_TRUE(settings.GetPageState().isEmpty());
   EXPECT_TRUE(settings.GetRecentCameras().GetAll().isEmpty());
 }
 
@@ -50,14 +50,14 @@ TEST_F(ViewerSettingsTest, WhatIsKept_IsThereInTheNextRun) {
   {
     ViewerSettings settings(mFile);
     settings.SetWindowLayout(kLayout);
-    settings.SetPageLayout(kLayout + "page");
+    settings.SetPageState(kLayout + "page");
     settings.SetRecentCameras(MakeCameras());
   }
 
   const ViewerSettings settings(mFile);
 
   EXPECT_EQ(settings.GetWindowLayout(), kLayout);
-  EXPECT_EQ(settings.GetPageLayout(), kLayout + "page");
+  EXPECT_EQ(settings.GetPageState(), kLayout + "page");
   EXPECT_EQ(settings.GetRecentCameras().GetAll(), MakeCameras().GetAll());
 }
 
@@ -85,7 +85,7 @@ TEST_F(ViewerSettingsTest, NoFileToKeepThemIn_AreForgotten) {
 TEST_F(ViewerSettingsTest, LayoutThatSomebodyChanged_IsNone) {
   {
     ViewerSettings settings(mFile);
-    settings.SetPageLayout(kLayout);
+    settings.SetPageState(kLayout);
   }
   const QByteArray text = Read();
   const QByteArray encoded = kLayout.toBase64();
@@ -95,14 +95,14 @@ TEST_F(ViewerSettingsTest, LayoutThatSomebodyChanged_IsNone) {
        {QByteArray("AAAA"), QByteArray("!"), QByteArray(), encoded.chopped(4), QByteArray(1 << 20, 'A')}) {
     Write(QByteArray(text).replace(encoded, other));
 
-    EXPECT_TRUE(ViewerSettings(mFile).GetPageLayout().isEmpty()) << other.left(40).toStdString();
+    EXPECT_TRUE(ViewerSettings(mFile).GetPageState().isEmpty()) << other.left(40).toStdString();
   }
 }
 
 TEST_F(ViewerSettingsTest, FileThatIsNone_HarmsNothingAndIsReplaced) {
   {
     ViewerSettings settings(mFile); // Makes the folder.
-    settings.SetPageLayout(kLayout);
+    settings.SetPageState(kLayout);
   }
   struct Row {
     const char* name;
@@ -112,7 +112,7 @@ TEST_F(ViewerSettingsTest, FileThatIsNone_HarmsNothingAndIsReplaced) {
        {Row{"nothing", ""}, Row{"no text", QByteArray("\0\xff\xfe[[[\0=", 8)},
         Row{"another kind of file", "<?xml version=\"1.0\"?><a b='c'/>"},
         Row{"a line without an end", QByteArray(100'000, 'x')},
-        Row{"wrong kinds of values", "[cameras]\nrecent\\size=@Invalid()\nrecent=7\n[page]\nlayout=@Variant(\\0\\0)\n"},
+        Row{"wrong kinds of values", "[cameras]\nrecent\\size=@Invalid()\nrecent=7\n[page]\nstate=@Variant(\\0\\0)\n"},
         Row{"many cameras", "[cameras]\nrecent\\size=2000000000\nrecent\\1\\id=a\nrecent\\1\\name=A\n"},
         Row{"fewer cameras than none", "[cameras]\nrecent\\size=-5\nrecent\\1\\id=a\n"}}) {
     SCOPED_TRACE(row.name);
@@ -120,14 +120,14 @@ TEST_F(ViewerSettingsTest, FileThatIsNone_HarmsNothingAndIsReplaced) {
 
     {
       ViewerSettings settings(mFile);
-      EXPECT_TRUE(settings.GetPageLayout().isEmpty());
+      EXPECT_TRUE(settings.GetPageState().isEmpty());
       EXPECT_LE(settings.GetRecentCameras().GetAll().size(), 1);
-      settings.SetPageLayout(kLayout);
+      settings.SetPageState(kLayout);
       settings.SetRecentCameras(MakeCameras());
     }
 
     const ViewerSettings settings(mFile);
-    EXPECT_EQ(settings.GetPageLayout(), kLayout);
+    EXPECT_EQ(settings.GetPageState(), kLayout);
     EXPECT_EQ(settings.GetRecentCameras().GetAll(), MakeCameras().GetAll());
   }
 }

@@ -4,8 +4,11 @@
 #include "viewerfixture.h"
 
 #include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QStatusBar>
 
+#include <filesystem>
 #include <optional>
 
 using krviewer::AcquisitionState;
@@ -19,6 +22,13 @@ protected:
   void SetUp() override { Begin(); }
   bool AwaitState(AcquisitionState aState) {
     return Await([=, this] { return GetPage() && GetPage()->GetProgress().state == aState; });
+  }
+  /// In the folder of the test and those in it.
+  int CountFiles(const std::string& aExtension) const {
+    int count = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(mFolder.GetPath()))
+      count += entry.path().extension() == aExtension ? 1 : 0;
+    return count;
   }
   /// Does something with the camera's exposure time; false where that failed.
   bool DoWithExposure(const std::function<KrResult(KrGenFloat&)>& aWork) {
@@ -165,6 +175,36 @@ TEST_F(CameraPageTest, DisconnectedWhileARegionIsDrawn_GivesItUp) {
 
   EXPECT_FALSE(GetPage()->GetRegion().IsEditing());
   EXPECT_TRUE(AwaitFree(kMonoMAC));
+}
+
+TEST_F(CameraPageTest, Recording_IsStartedAndStoppedByItsKeyAndWrittenBeforeTheEnd) {
+  OpenStreaming();
+  auto* const folder = GetPage()->findChild<QLineEdit*>("recordFolder");
+  ASSERT_NE(folder, nullptr);
+  folder->setText(QString::fromStdString(mFolder.GetFile("")));
+  ASSERT_TRUE(Await([this] { return IsOffered("record"); }));
+
+  Press(Qt::Key_R, Qt::ControlModifier);
+  EXPECT_TRUE(GetPage()->IsRecording());
+  EXPECT_TRUE(GetPage()->GetPanels().IsShown(krviewer::Panel::Recording));
+  const std::uint64_t frames = GetPage()->GetProgress().figures.GetFrames();
+  ASSERT_TRUE(Await([&] { return GetPage()->GetProgress().figures.GetFrames() > frames + 3; }));
+  GetWindow().close();
+
+  ASSERT_TRUE(mViewer->IsOver());
+  EXPECT_GT(CountFiles(".raw"), 2);
+}
+
+TEST_F(CameraPageTest, SaveFrame_AsksWhereAsSoonAsThereIsOne) {
+  EXPECT_FALSE(IsOffered("saveFrame"));
+  OpenStreaming();
+
+  ASSERT_TRUE(Choose("saveFrame"));
+
+  EXPECT_TRUE(Await([this] {
+    const auto* const dialog = GetPage()->findChild<QFileDialog*>();
+    return dialog && dialog->isVisible();
+  }));
 }
 
 TEST_F(CameraPageTest, Disconnected_IsFreeForOthersUntilConnected) {
