@@ -22,7 +22,9 @@ struct HexStart {
 
 // What a field between semicolons begins with, blanks and "0x" apart.
 HexStart ReadHex(std::string_view aField) {
-  aField.remove_prefix(std::min(aField.find_first_not_of(" \t\r\n\f\v"), aField.size()));
+  constexpr std::string_view kBlanks = " \t\r\n\f\v";
+  aField.remove_prefix(std::min(aField.find_first_not_of(kBlanks), aField.size()));
+  aField = aField.substr(0, aField.find_last_not_of(kBlanks) + 1);
   if (aField.starts_with("0x") || aField.starts_with("0X"))
     aField.remove_prefix(2);
   HexStart start;

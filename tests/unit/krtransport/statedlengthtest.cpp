@@ -21,6 +21,7 @@ constexpr URLRow kRows[] = {
     {"Plain", "Local:camera.xml;F0000000;1234", 0x1234},
     {"WithPrefixes", "local:camera.zip;0xF0000000;0X12ab", 0x12AB},
     {"WithBlanks", "Local:camera.xml; 10000; 2000 ", 0x2000},
+    {"WithBlanksBehindTheAddress", "Local:camera.xml;10000 ;2000", 0x2000},
     {"WithAVersion", "Local:camera.xml;10000;2000?SchemaVersion=1.1.0", 0x2000},
     {"SixtyFourBits", "Local:camera.xml;0;FFFFFFFFFFFFFFFF", UINT64_MAX},
     {"BeyondSixtyFourBits", "Local:camera.xml;0;100000000000000000000", UINT64_MAX},
