@@ -147,7 +147,7 @@ void IntervalPanel::ShowNumbers(const IntervalView& aView) {
   ShowRow(1, QStringLiteral("Camera, ms"), IntervalPlot::GetCameraColour(palette()), aView.camera);
   QString text = QStringLiteral("%1 frames").arg(aView.losses.frames);
   for (const LossMark& mark : kLossMarks)
-    text += QStringLiteral("   %1 %2 %3")
+    text += QStringLiteral("   %1\u00A0%2\u00A0%3") // Wrapped between the losses alone.
                 .arg(QString::fromUtf8(mark.sign), QString::fromLatin1(mark.name).toLower())
                 .arg(aView.losses.*mark.count);
   mLosses->setText(text);

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
 using krviewer::CutoutRequest;
 using krviewer::FrameSnapshots;
 using krviewer::Snapshot;
@@ -71,6 +75,33 @@ TEST(FrameSnapshots, FramesThatComeSlowly_AreCopiedWholeAndFastOnesInPart) {
   EXPECT_EQ(copyLine(kSecondNs), 4u);
   EXPECT_EQ(copyLine(kSecondNs + 1000), 2u);
   EXPECT_EQ(copyLine(2 * kSecondNs), 4u);
+}
+
+TEST(FrameSnapshots, FramesOnAThreadOfTheirOwn_ComeWholeAndNewerEachTime) {
+  constexpr std::uint64_t kFrames = 2000;
+  FrameSnapshots snapshots;
+  Snapshot snapshot;
+  std::atomic<bool> isOver = false;
+  std::thread camera([&] {
+    for (std::uint64_t id = 1; id <= kFrames; ++id)
+      snapshots.OnFrame(MakeGrey(static_cast<std::uint8_t>(id), id), id);
+    isOver = true;
+  });
+
+  std::uint64_t last = 0;
+  while (!isOver) {
+    snapshots.Ask({});
+    if (!snapshots.Take(snapshot))
+      continue;
+    EXPECT_GT(snapshot.frameID, last);
+    last = snapshot.frameID;
+    const std::uint8_t* const pixels = snapshot.pixels.GetDataPointer();
+    EXPECT_TRUE(std::all_of(pixels, pixels + 64, [&](std::uint8_t aPixel) {
+      return aPixel == static_cast<std::uint8_t>(snapshot.frameID);
+    })) << snapshot.frameID;
+  }
+
+  camera.join();
 }
 
 TEST(FrameSnapshots, FrameWithoutAnImage_IsPassedBy) {

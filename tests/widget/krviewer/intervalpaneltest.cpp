@@ -38,7 +38,8 @@ protected:
     }
   }
   QString GetState() { return Find<QLabel>(mPanel, "intervalState")->text(); }
-  QString GetLosses() { return Find<QLabel>(mPanel, "intervalLosses")->text(); }
+  /// With plain blanks where lines are not wrapped.
+  QString GetLosses() { return Find<QLabel>(mPanel, "intervalLosses")->text().replace(QChar::Nbsp, ' '); }
   QString GetCell(int aRow, int aColumn) {
     return Find<NumberTable>(mPanel, "intervalNumbers")->item(aRow, aColumn)->text();
   }
