@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 peers=(
   libopencv-dev libyuv-dev
   libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base gstreamer1.0-plugins-good
-  gstreamer1.0-plugins-bad gstreamer1.0-x
+  gstreamer1.0-plugins-bad gstreamer1.0-x gstreamer1.0-gtk3
 )
 scripts/setup.sh "${peers[@]}"
 scripts/build.sh release
@@ -22,7 +22,7 @@ for program in build/release/benchmarks/bench_*; do
   echo "# $name"
   case $name in
     browser | display) scripts/with-display.sh "$program" ;;
-    finder) scripts/with-network.sh scripts/with-display.sh "$program" ;;
+    finder | viewer) scripts/with-network.sh scripts/with-display.sh "$program" ;;
     stream) scripts/with-network.sh "$program" ;;
     terminal) QT_QPA_PLATFORM=offscreen "$program" ;;
     *) "$program" ;;

@@ -1,0 +1,150 @@
+#include "viewerprogram.h"
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <memory>
+#include <spawn.h>
+#include <sstream>
+#include <sys/wait.h>
+#include <thread>
+
+namespace benchmarks {
+
+namespace {
+
+constexpr std::chrono::seconds kLimit{60};
+constexpr std::chrono::milliseconds kPause{20};
+
+[[noreturn]] void Fail(const std::string& aText) {
+  std::fprintf(stderr, "It cannot be measured: %s\n", aText.c_str());
+  std::exit(1);
+}
+
+pid_t Spawn(std::vector<std::string> aCommandLine) {
+  aCommandLine.insert(aCommandLine.begin(), {"setpriv", "--pdeathsig", "KILL"});
+  std::vector<char*> arguments;
+  for (std::string& argument : aCommandLine)
+    arguments.push_back(argument.data());
+  arguments.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  pid_t process = -1;
+  const int error = posix_spawnp(&process, arguments.front(), &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0)
+    Fail(aCommandLine[3] + " does not start.");
+  return process;
+}
+
+struct Close {
+  void operator()(std::FILE* aPipe) const { ::pclose(aPipe); }
+};
+
+// What xdotool answers to a command; empty where it finds nothing.
+std::string AskXdotool(const std::string& aCommand) {
+  const std::unique_ptr<std::FILE, Close> pipe(::popen(("xdotool " + aCommand + " 2>/dev/null").c_str(), "r"));
+  if (!pipe)
+    Fail("xdotool does not start.");
+  std::string answer;
+  std::array<char, 256> piece{};
+  while (std::fgets(piece.data(), piece.size(), pipe.get()))
+    answer += piece.data();
+  return answer;
+}
+
+template <typename Condition>
+void Await(const Condition& aCondition, const char* aWhat) {
+  const auto limit = std::chrono::steady_clock::now() + kLimit;
+  while (!aCondition()) {
+    if (std::chrono::steady_clock::now() > limit)
+      Fail(std::string("within a minute ") + aWhat + ".");
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
+} // namespace
+
+ViewerProgram::ViewerProgram(std::vector<std::string> aCommandLine) : mProcess(Spawn(std::move(aCommandLine))) {}
+
+ViewerProgram::~ViewerProgram() {
+  ::kill(mProcess, SIGTERM);
+  const auto limit = std::chrono::steady_clock::now() + kLimit;
+  while (::waitpid(mProcess, nullptr, WNOHANG) == 0) {
+    if (std::chrono::steady_clock::now() > limit)
+      ::kill(mProcess, SIGKILL);
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
+double ViewerProgram::GetProcessorMs() const {
+  clockid_t clock{};
+  timespec time{};
+  if (::clock_getcpuclockid(mProcess, &clock) != 0 || ::clock_gettime(clock, &time) != 0)
+    Fail("the viewer has ended.");
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
+}
+
+void ViewerProgram::AwaitWindow() {
+  Await(
+      [this] {
+        std::istringstream windows(AskXdotool("search --onlyvisible --pid " + std::to_string(mProcess)));
+        windows >> mWindow;
+        return !mWindow.empty();
+      },
+      "the viewer showed no window");
+}
+
+ViewerProgram::Geometry ViewerProgram::GetGeometry() const {
+  std::istringstream lines(AskXdotool("getwindowgeometry --shell " + mWindow));
+  Geometry geometry;
+  std::string line;
+  while (std::getline(lines, line)) {
+    const std::size_t sign = line.find('=');
+    if (sign == std::string::npos)
+      continue;
+    const std::string name = line.substr(0, sign);
+    const int value = std::atoi(line.c_str() + sign + 1);
+    if (name == "X")
+      geometry.x = value;
+    else if (name == "Y")
+      geometry.y = value;
+    else if (name == "WIDTH")
+      geometry.width = value;
+    else if (name == "HEIGHT")
+      geometry.height = value;
+  }
+  return geometry;
+}
+
+int ViewerProgram::GetWindowHeight() const {
+  return GetGeometry().height;
+}
+
+void ViewerProgram::PlaceWindow(int aWidth, int aHeight) const {
+  const std::string size = std::to_string(aWidth) + " " + std::to_string(aHeight);
+  AskXdotool("windowsize " + mWindow + " " + size + " windowmove " + mWindow + " 20 20 windowactivate " + mWindow);
+  Await([&] { return GetGeometry().width == aWidth && GetGeometry().height == aHeight; },
+        "the viewer's window did not get its size");
+}
+
+void ViewerProgram::Click(WindowPoint aPoint) const {
+  AskXdotool("mousemove --window " + mWindow + " " + std::to_string(aPoint.x) + " " + std::to_string(aPoint.y) +
+             " click 1");
+}
+
+void ViewerProgram::PressKey(const std::string& aKey) const {
+  AskXdotool("windowactivate --sync " + mWindow + " key " + aKey);
+}
+
+WindowPoint ViewerProgram::ToScreen(WindowPoint aPoint) const {
+  const Geometry geometry = GetGeometry();
+  return {geometry.x + aPoint.x, geometry.y + aPoint.y};
+}
+
+} // namespace benchmarks
