@@ -3,6 +3,7 @@
 #include "aravis/araviserror.h"
 #include "aravis/aravislog.h"
 #include "gigevision/deviceprobe.h"
+#include "gigevision/framepackets.h"
 #include "gigevision/gvcppacket.h"
 #include "gigevision/linkquery.h"
 #include "gigevision/receivelimit.h"
@@ -20,13 +21,6 @@ namespace {
 
 // How long the search for the packets' size may go on.
 constexpr std::chrono::milliseconds kSearchLimit{1000};
-
-// Leader, payload and trailer of one frame, with the headers of IP, UDP and stream protocol in each packet.
-std::uint64_t CountPackets(std::uint64_t aPayloadBytes, std::uint32_t aPacketBytes) {
-  constexpr std::uint32_t kHeaderBytes = 36;
-  const std::uint64_t room = std::max(aPacketBytes, kHeaderBytes + 1) - kHeaderBytes;
-  return (aPayloadBytes + room - 1) / room + 2;
-}
 
 GObjectPointer<GInetAddress> MakeInetAddress(std::uint32_t aAddress) {
   return GObjectPointer<GInetAddress>(g_inet_address_new_from_string(krsystem::FormatIPv4(aAddress).CStr()));
@@ -106,6 +100,8 @@ KrResult GigEVisionDevice::CreateStream(std::uint64_t aPayloadBytes, StreamPoint
                                                                       ? ARV_GV_STREAM_OPTION_NONE
                                                                       : ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
   SetPacketSize();
+  if (KrResult result = CheckPackets(aPayloadBytes, mPacketBytes); !result.IsOK())
+    return result;
   mPacketCount = std::make_unique<PacketCount>(CountPackets(aPayloadBytes, mPacketBytes));
   StreamPointer stream;
   if (KrResult result = OpenArvStream(stream, PacketCount::OnStreamEvent, mPacketCount.get()); !result.IsOK())
