@@ -1,0 +1,26 @@
+#include "camerabridge/camerabridgeids.h"
+#include "krgui/krcamerabridgemanagerwnd.h"
+#include "scene.h"
+#include "scenes.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+
+namespace scene {
+
+void TakeCameraBridges(PictureBook& aBook) {
+  const std::unique_ptr<KrDevice> device = OpenDevice("sim-grabber");
+  KrCameraBridgeManagerWnd cameras;
+  Require(cameras.SetDevice(device.get()));
+  QWidget& window = Show(cameras, 760, 570);
+  Await("answer of the frame grabber", [&] { return Get(window, krgui::cameraid::kPoCL).isEnabled(); });
+  Get<QAbstractButton>(window, krgui::cameraid::kGenCP).click();
+  Await("description", [&] { return Get<QComboBox>(window, krgui::cameraid::kGenCPXML).count() > 0; });
+  Get<QAbstractButton>(window, krgui::cameraid::kGenCPConnect).click();
+  AwaitFeatures(window);
+  Pick(window, krgui::cameraid::kSource, "Source1");
+  Get<QAbstractButton>(window, krgui::cameraid::kSynchronization).click();
+  aBook.Save(window, "camera-bridges");
+}
+
+} // namespace scene
