@@ -17,6 +17,7 @@
 #include <QSpinBox>
 #include <QStandardPaths>
 #include <QStorageInfo>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -92,12 +93,17 @@ void RecordPanel::AddPlace(QFormLayout& aForm) {
   mFolder->setObjectName(QStringLiteral("recordFolder"));
   mFolder->setAccessibleName(tr("Folder"));
   connect(mFolder, &QLineEdit::textChanged, this, [this] { mRoomAge.invalidate(); });
-  auto* const browse = new QPushButton(tr("&Browse…"));
+  auto* const browse = new QToolButton;
+  browse->setText(QStringLiteral("…"));
   browse->setObjectName(QStringLiteral("recordBrowse"));
-  connect(browse, &QPushButton::clicked, this, &RecordPanel::Browse);
+  browse->setAccessibleName(tr("Choose the folder"));
+  browse->setFocusPolicy(Qt::StrongFocus);
+  connect(browse, &QToolButton::clicked, this, &RecordPanel::Browse);
   row->addWidget(mFolder, 1);
   row->addWidget(browse);
-  aForm.addRow(tr("Fol&der"), row);
+  auto* const label = new QLabel(tr("Fol&der"));
+  label->setBuddy(mFolder);
+  aForm.addRow(label, row);
   mName = new QLineEdit;
   mName->setObjectName(QStringLiteral("recordName"));
   mName->setToolTip(tr("The recording's own folder, which is made in the one above."));
@@ -124,14 +130,16 @@ QSpinBox* RecordPanel::AddNumber(QFormLayout& aForm, const QString& aLabel, cons
 
 void RecordPanel::AddLimits(QFormLayout& aForm) {
   const QString noLimit = tr("no limit");
-  mMostFrames = AddNumber(aForm, tr("End a&fter"), "recordMostFrames", kMost, tr(" frames"), noLimit);
-  mMostSeconds = AddNumber(aForm, tr("End after (&time)"), "recordMostSeconds", kMost, tr(" s"), noLimit);
-  mMostDisk = AddNumber(aForm, tr("&At most"), "recordMostDisk", kMost, tr(" MB"), noLimit);
-  mFreeDisk = AddNumber(aForm, tr("&Leave free"), "recordFreeDisk", kMost, tr(" MB"), tr("nothing"));
-  mEveryNth = AddNumber(aForm, tr("One frame of &every"), "recordEveryNth", kMost, {}, {});
-  mQueue = AddNumber(aForm, tr("&Memory for frames"), "recordQueue", 1'000'000, tr(" MB"), {});
+  mMostFrames = AddNumber(aForm, tr("End after &frames"), "recordMostFrames", kMost, {}, noLimit);
+  mMostSeconds = AddNumber(aForm, tr("or after t&ime"), "recordMostSeconds", kMost, tr(" s"), noLimit);
+  mMostDisk = AddNumber(aForm, tr("Write &at most"), "recordMostDisk", kMost, tr(" MB"), noLimit);
+  mFreeDisk = AddNumber(aForm, tr("&Leave on disk"), "recordFreeDisk", kMost, tr(" MB free"), tr("nothing"));
+  mEveryNth = AddNumber(aForm, tr("&Take"), "recordEveryNth", kMost, {}, {});
+  mEveryNth->setPrefix(tr("one frame of "));
+  mEveryNth->setSpecialValueText(tr("every frame"));
+  mQueue = AddNumber(aForm, tr("&Memory"), "recordQueue", 1'000'000, tr(" MB"), {});
   mQueue->setToolTip(tr("Frames wait here for a disk that is slower than the camera for a while."));
-  mIncomplete = new QCheckBox(tr("&Incomplete frames, too"));
+  mIncomplete = new QCheckBox(tr("In&complete frames, too"));
   mIncomplete->setObjectName(QStringLiteral("recordIncomplete"));
   aForm.addRow(mIncomplete);
 }
@@ -208,9 +216,11 @@ void RecordPanel::StartOrStop() {
   if (mFolder->text().isEmpty() || mName->text().trimmed().isEmpty())
     return ShowFailure(this, tr("Record"),
                        {KrResult::Code::InvalidInput, "A recording needs a folder and a name. Enter both."});
-  const KrResult started = mRecorder.Start(ReadControls().MakeOptions(mName->text().trimmed(), mDeviceID));
+  const RecordSettings settings = ReadControls();
+  const KrResult started = mRecorder.Start(settings.MakeOptions(mName->text().trimmed(), mDeviceID));
   if (!started.IsOK())
-    ShowFailure(this, tr("Record"), started);
+    return ShowFailure(this, tr("Record"), started);
+  mStarted = settings;
   LookAgain();
 }
 
@@ -252,15 +262,13 @@ void RecordPanel::ShowProgress(const RecordingProgress& aProgress) {
 }
 
 void RecordPanel::ShowBars(const RecordingProgress& aProgress) {
-  const RecordSettings settings = ReadControls();
-  const int frames = GetPerMille(aProgress.counts.written, static_cast<std::uint64_t>(settings.mostFrames));
-  const int time = GetPerMille(aProgress.elapsedMs, static_cast<std::uint64_t>(settings.mostSeconds) * 1000);
-  const bool hasLimit = settings.mostFrames > 0 || settings.mostSeconds > 0;
+  const int frames = GetPerMille(aProgress.counts.written, static_cast<std::uint64_t>(mStarted.mostFrames));
+  const int time = GetPerMille(aProgress.elapsedMs, static_cast<std::uint64_t>(mStarted.mostSeconds) * 1000);
   // Without a limit there is no part of the whole.
-  mDone->setVisible(hasLimit);
+  mDone->setVisible(mStarted.mostFrames > 0 || mStarted.mostSeconds > 0);
   mDone->setValue(std::max(frames, time));
   constexpr std::uint64_t kBytesPerMB = 1'000'000;
-  mFilled->setValue(GetPerMille(aProgress.queuedBytes, static_cast<std::uint64_t>(settings.queueMB) * kBytesPerMB));
+  mFilled->setValue(GetPerMille(aProgress.queuedBytes, static_cast<std::uint64_t>(mStarted.queueMB) * kBytesPerMB));
 }
 
 // While it records the recorder knows; else the file system is asked now and then.

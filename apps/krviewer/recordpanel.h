@@ -63,6 +63,7 @@ private:
   const KrString mDeviceID;
   QTimer mTimer; ///< Runs while the panel is seen.
   QElapsedTimer mRoomAge;
+  RecordSettings mStarted; ///< Of the recording that runs, or was the last.
   bool mWasBusy = false;
 
   // Owned by Qt.

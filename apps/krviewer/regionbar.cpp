@@ -41,14 +41,18 @@ RegionBar::RegionBar(QWidget* aParent) : QWidget(aParent) {
               AddNumber(tr("&Width"), QStringLiteral("regionWidth")),
               AddNumber(tr("&Height"), QStringLiteral("regionHeight"))};
   numbers->addStretch();
-  AddButton(tr("&Apply"), &RegionBar::ApplyWanted)->setDefault(true);
-  AddButton(tr("&Full Frame"), &RegionBar::FullFrameWanted);
-  AddButton(tr("Cancel"), &RegionBar::CancelWanted);
-  auto* const hint = new QLabel(tr("Draw on the picture, or use the arrow keys: they move the region, with Shift they "
-                                   "resize it, with Ctrl in larger steps. Enter applies it, Escape cancels."));
+  auto* const hint =
+      new QLabel(tr("Draw on the picture. Arrow keys move the region, with Shift they resize it, with Ctrl in "
+                    "larger steps; Enter applies it, Escape cancels."));
   hint->setTextFormat(Qt::PlainText);
   hint->setWordWrap(true);
-  rows->addWidget(hint);
+  // Beside the hint, which may become higher where there is little room.
+  auto* const buttons = new QHBoxLayout;
+  rows->addLayout(buttons);
+  buttons->addWidget(hint, 1);
+  AddButton(*buttons, tr("&Apply"), &RegionBar::ApplyWanted)->setDefault(true);
+  AddButton(*buttons, tr("&Full Frame"), &RegionBar::FullFrameWanted);
+  AddButton(*buttons, tr("Cancel"), &RegionBar::CancelWanted);
 }
 
 QSpinBox* RegionBar::AddNumber(const QString& aLabel, const QString& aName) {
@@ -64,10 +68,9 @@ QSpinBox* RegionBar::AddNumber(const QString& aLabel, const QString& aName) {
   return box;
 }
 
-QPushButton* RegionBar::AddButton(const QString& aText, void (RegionBar::*aWanted)()) {
-  auto* const row = qobject_cast<QHBoxLayout*>(layout()->itemAt(0)->layout());
+QPushButton* RegionBar::AddButton(QHBoxLayout& aRow, const QString& aText, void (RegionBar::*aWanted)()) {
   auto* const button = new QPushButton(aText);
-  row->addWidget(button);
+  aRow.addWidget(button);
   connect(button, &QPushButton::clicked, this, aWanted);
   return button;
 }

@@ -8,6 +8,7 @@
 
 #include <array>
 
+class QHBoxLayout;
 class QPushButton;
 class QSpinBox;
 
@@ -37,7 +38,7 @@ protected:
 
 private:
   QSpinBox* AddNumber(const QString& aLabel, const QString& aName);
-  QPushButton* AddButton(const QString& aText, void (RegionBar::*aWanted)());
+  QPushButton* AddButton(QHBoxLayout& aRow, const QString& aText, void (RegionBar::*aWanted)());
   void Tell();
 
   std::array<QSpinBox*, 4> mNumbers{}; ///< X, Y, width, height; owned by Qt.
