@@ -9,6 +9,8 @@ namespace {
 
 /// Of the layout: changes when panels of another version could not take the places of these.
 constexpr int kLayoutVersion = 1;
+/// The part of the page that the panels under the picture take at first.
+constexpr double kShareBelow = 0.4;
 
 } // namespace
 
@@ -45,10 +47,16 @@ void PagePanels::Show(Panel aPanel, bool aIsShown) {
   const auto found = mDocks.find(aPanel);
   if (found == mDocks.end())
     return;
-  mPutAside.erase(found->second);
-  found->second->setVisible(aIsShown);
+  QDockWidget& dock = *found->second;
+  mPutAside.erase(&dock);
+  const bool needsRoom = aIsShown && !mHasRoomBelow && mArea.dockWidgetArea(&dock) == Qt::BottomDockWidgetArea;
+  dock.setVisible(aIsShown);
   if (aIsShown)
-    found->second->raise();
+    dock.raise();
+  if (needsRoom) {
+    mHasRoomBelow = true;
+    mArea.resizeDocks({&dock}, {static_cast<int>(mArea.height() * kShareBelow)}, Qt::Vertical);
+  }
 }
 
 void PagePanels::SetPageShown(bool aIsShown) {
@@ -85,7 +93,11 @@ QByteArray PagePanels::SaveLayout() {
 }
 
 bool PagePanels::RestoreLayout(const QByteArray& aLayout) {
-  return !aLayout.isEmpty() && mArea.restoreState(aLayout, kLayoutVersion);
+  const bool isRestored = !aLayout.isEmpty() && mArea.restoreState(aLayout, kLayoutVersion);
+  for (const auto& [panel, dock] : mDocks)
+    if (isRestored && !dock->isHidden() && mArea.dockWidgetArea(dock) == Qt::BottomDockWidgetArea)
+      mHasRoomBelow = true;
+  return isRestored;
 }
 
 } // namespace krviewer

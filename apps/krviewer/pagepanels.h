@@ -50,6 +50,7 @@ private:
   std::map<Panel, QDockWidget*> mDocks;
   std::set<QDockWidget*> mPutAside; ///< Those that float, of a page that is not shown.
   bool mIsPageShown = true;
+  bool mHasRoomBelow = false; ///< The panels under the picture are as high as the user has them.
 };
 
 } // namespace krviewer

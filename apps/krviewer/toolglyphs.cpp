@@ -55,8 +55,7 @@ void DrawSaveFrame(QPainter& aPainter) {
 }
 
 void DrawRecord(QPainter& aPainter) {
-  aPainter.setPen(kRecording);
-  aPainter.setBrush(kRecording);
+  aPainter.setBrush(aPainter.pen().color());
   aPainter.drawEllipse(QRectF(3.5, 3.5, 9, 9));
 }
 
@@ -108,8 +107,9 @@ public:
 
   void paint(QPainter* aPainter, const QRect& aRect, QIcon::Mode aMode, QIcon::State) override {
     const auto group = aMode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
-    const QPen pen(QGuiApplication::palette().color(group, QPalette::ButtonText), kLine, Qt::SolidLine, Qt::RoundCap,
-                   Qt::RoundJoin);
+    const bool isRed = mGlyph == ToolGlyph::Record && aMode != QIcon::Disabled;
+    const QColor colour = isRed ? kRecording : QGuiApplication::palette().color(group, QPalette::ButtonText);
+    const QPen pen(colour, kLine, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     aPainter->save();
     aPainter->setRenderHint(QPainter::Antialiasing);
     aPainter->translate(aRect.topLeft());

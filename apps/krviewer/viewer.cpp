@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QThread>
 
 #include <algorithm>
 #include <chrono>
@@ -42,6 +43,7 @@ QList<MainWindow*> Viewer::GetWindows() const {
 }
 
 void Viewer::Begin() {
+  mLoopLevel = thread()->loopLevel();
   AddWindow(false).ShowOnScreen(mSettings.GetWindowLayout());
   mTimer.start(kLookIntervalMs);
   if (mCommandLine.seconds != 0)
@@ -49,6 +51,7 @@ void Viewer::Begin() {
 }
 
 int Viewer::Run() {
+  mLoopLevel = thread()->loopLevel() + 1;
   QApplication::exec();
   // Whoever ends the loop otherwise ends the viewer, too.
   Finish();
@@ -239,14 +242,28 @@ void Viewer::Discard(CameraPage& aPage) {
     window->RemovePage(aPage);
 }
 
-// Prints what came of those that have ended, and deletes them as soon as they can be.
-void Viewer::FollowEndedPages() {
+void Viewer::PrintEndedPages() {
   for (const std::unique_ptr<CameraPage>& page : mEndedPages)
     if (page->HasEnded() && mUnprinted.erase(page.get()) > 0)
       PrintFigures(*page, mOpened > 1 ? QStringLiteral("camera=%1 ").arg(ToText(page->GetCamera().GetDisplayID()))
                                       : QString());
-  std::erase_if(mEndedPages,
-                [this](const auto& aPage) { return aPage->IsIdle() && !mUnprinted.contains(aPage.get()); });
+}
+
+// What has ended may be at work still further up on the stack, in a loop of its windows: only where there is no such
+// loop it can go, and then as late as the toolkit does that.
+void Viewer::DeleteEnded() {
+  if (thread()->loopLevel() > mLoopLevel)
+    return;
+  const auto isOver = [this](const std::unique_ptr<CameraPage>& aPage) {
+    return aPage->IsIdle() && !mUnprinted.contains(aPage.get());
+  };
+  for (std::unique_ptr<CameraPage>& page : mEndedPages)
+    if (isOver(page))
+      page.release()->deleteLater();
+  std::erase(mEndedPages, nullptr);
+  for (std::unique_ptr<MainWindow>& window : mEndedWindows)
+    window.release()->deleteLater();
+  mEndedWindows.clear();
 }
 
 void Viewer::CloseWindow(MainWindow& aWindow) {
@@ -285,9 +302,8 @@ void Viewer::LookAgain() {
   mSearch.Follow();
   for (MainWindow* const window : GetWindows())
     window->LookAgain();
-  FollowEndedPages();
-  // Now, as a window that has said that it ends is no longer at it.
-  mEndedWindows.clear();
+  PrintEndedPages();
+  DeleteEnded();
 }
 
 void Viewer::KeepLayouts() {
@@ -334,7 +350,7 @@ void Viewer::Finish() {
   HideWindows();
   for (const std::unique_ptr<CameraPage>& page : mEndedPages)
     page->AwaitEnd();
-  FollowEndedPages();
+  PrintEndedPages();
   QCoreApplication::exit();
 }
 

@@ -65,7 +65,8 @@ private:
   void MovePage(CameraPage& aPage);
   void EndPage(CameraPage& aPage);
   void Discard(CameraPage& aPage);
-  void FollowEndedPages();
+  void PrintEndedPages();
+  void DeleteEnded();
   void HideWindows();
   void NoteEnd(CameraPage& aPage);
   void SetRecentCameras(const RecentCameras& aCameras);
@@ -89,7 +90,8 @@ private:
   std::deque<QString> mWanted; ///< Cameras that are still to be looked for.
   QTimer mTimer;
   QTimer mEndTimer;
-  int mOpened = 0; ///< So many cameras so far.
+  int mOpened = 0;    ///< So many cameras so far.
+  int mLoopLevel = 0; ///< How many loops run while none of a window's own does.
   int mExitCode = 0;
   bool mIsOver = false;
 };
