@@ -30,6 +30,9 @@ enum class Verb {
   Ports
 };
 
+/// Whose features are read: the device's own, or those of this host's side of it.
+enum class FeatureModule { Device, Stream, Transport };
+
 /// What the command ip is to change; nothing of it where it only shows. Addresses have their first dotted field in the
 /// most significant byte.
 struct IPWish {
@@ -60,6 +63,7 @@ struct CommandLine {
   std::uint64_t frames = 0;                                ///< For Stream: how many; at least 1.
   std::string category = {};                               ///< For Features: empty for all.
   KrGenVisibility visibility = KrGenVisibility::Invisible; ///< For Features.
+  FeatureModule module = FeatureModule::Device;            ///< For Features, Entries and Get.
   bool faults = false;                                     ///< For Features: lists the description's faults.
   IPWish ip = {};                                          ///< For IP.
   bool watch = false;                                      ///< For List: goes on looking.

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 namespace krtool {
 
@@ -59,15 +60,15 @@ constexpr CommandRow kCommands[] = {
      .file = FileUse::Frame},
     {.verb = Verb::Features,
      .name = "features",
-     .synopsis = "features DEVICE|FILE.xml [--category C] [--visibility V] [--faults] [--timeout MS]\n"
-                 "            [--simulate | --lab FILE]",
+     .synopsis = "features DEVICE|FILE.xml [--module MODULE] [--category C] [--visibility V] [--faults]\n"
+                 "            [--timeout MS] [--simulate | --lab FILE]",
      .description =
          "Lists the features with their values and ranges, one line for each place in the tree of categories below\n"
          "      a line of headings. Columns are parted by single tabs; a cell may be empty.",
      .takesDevice = true},
     {.verb = Verb::Entries,
      .name = "entries",
-     .synopsis = "entries DEVICE|FILE.xml NAME [--timeout MS] [--simulate | --lab FILE]",
+     .synopsis = "entries DEVICE|FILE.xml NAME [--module MODULE] [--timeout MS] [--simulate | --lab FILE]",
      .description =
          "Lists all entries of an enumeration below a line of headings, parted by single tabs. Those with RO\n"
          "      can be chosen at the moment.",
@@ -83,7 +84,7 @@ constexpr CommandRow kCommands[] = {
      .takesDevice = true},
     {.verb = Verb::Get,
      .name = "get",
-     .synopsis = "get DEVICE|FILE.xml NAME... [--timeout MS] [--simulate | --lab FILE]",
+     .synopsis = "get DEVICE|FILE.xml NAME... [--module MODULE] [--timeout MS] [--simulate | --lab FILE]",
      .description = "Reads features: one value a line, behind its name and a tab where there are several.",
      .takesDevice = true,
      .names = NameUse::Several},
@@ -149,6 +150,16 @@ bool TakeVisibility(CommandLine& aCommandLine, std::string_view aValue) {
   const std::optional<KrGenVisibility> visibility = FindVisibility(aValue);
   aCommandLine.visibility = visibility.value_or(aCommandLine.visibility);
   return visibility.has_value();
+}
+
+bool TakeModule(CommandLine& aCommandLine, std::string_view aValue) {
+  static constexpr std::pair<std::string_view, FeatureModule> kModules[] = {
+      {"device", FeatureModule::Device}, {"stream", FeatureModule::Stream}, {"transport", FeatureModule::Transport}};
+  const auto found = std::ranges::find(kModules, aValue, &std::pair<std::string_view, FeatureModule>::first);
+  if (found == std::end(kModules))
+    return false;
+  aCommandLine.module = found->second;
+  return true;
 }
 
 // For options whose value may be any text but none.
@@ -246,6 +257,10 @@ constexpr OptionRow kOptions[] = {
      TakeSwitch<&IPWish::linkLocal>, "on or off"},
     {"--mask", "M", "ip", "The subnet mask that goes with the address; the adapter's where it is not given.",
      TakeAddress<&IPWish::mask>, "a mask as in 255.255.255.0, without leading zeros"},
+    {"--module", "MODULE", "features entries get",
+     "Whose features: device for its own (where it is not given), transport for the connection to it, stream for what\n"
+     "      receives its frames, for which the device is taken under control.",
+     TakeModule, "device, stream or transport"},
     {"--persistent", "ADDRESS", "ip", "The address that the device keeps and takes first at its start; off for none.",
      TakePersistent, "an address as in 192.168.1.20, without leading zeros, or off"},
     {"--pixel-format", "NAME", "save-frame", "Sets the camera's pixel format first, for example Mono12p; it stays set.",

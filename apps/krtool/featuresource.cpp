@@ -34,7 +34,24 @@ KrResult ReadDescription(KrSystem& aSystem, const CommandLine& aCommandLine, KrG
   return ReadDescriptionOf(*device, aDescription);
 }
 
+// Of a stream alone that could be started there are parameters.
+KrResult FeatureSource::OpenHostSide(KrSystem& aSystem, const CommandLine& aCommandLine) {
+  if (krapps::IsDescriptionFile(aCommandLine.device))
+    return {KrResult::Code::InvalidInput,
+            "\"" + aCommandLine.device + "\" is a file; a device is wanted, which is connected to."};
+  const bool isStream = aCommandLine.module == FeatureModule::Stream;
+  const KrDeviceAccess access = isStream ? KrDeviceAccess::Control : KrDeviceAccess::Monitor;
+  if (KrResult opened = OpenDevice(aSystem, aCommandLine, access); !opened.IsOK())
+    return opened;
+  if (!isStream)
+    return Explain("reading the connection's features failed", mDevice->GetTransportParameters(mArray));
+  mStream.emplace(*mDevice);
+  return Explain("reading the stream's features failed", mStream->GetParameters(mArray));
+}
+
 KrResult FeatureSource::OpenToRead(KrSystem& aSystem, const CommandLine& aCommandLine) {
+  if (aCommandLine.module != FeatureModule::Device)
+    return OpenHostSide(aSystem, aCommandLine);
   if (krapps::IsDescriptionFile(aCommandLine.device)) {
     mName = krapps::MakeCell(aCommandLine.device);
     KrGenDescription description;

@@ -3,6 +3,7 @@
 
 #include "commandline.h"
 #include "krdevice/krdevice.h"
+#include "krdevice/krstream.h"
 #include "krgenicam/krgenmemoryport.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krsystem/krsystem.h"
@@ -20,7 +21,8 @@ KrResult ReadDescription(KrSystem& aSystem, const CommandLine& aCommandLine, KrG
 /// Thread: one. Ownership: owns the device and the array.
 class FeatureSource {
 public:
-  /// For reading: a file, or a device that whoever controls it keeps.
+  /// For reading: a file, or a device that whoever controls it keeps; the module that the command line says.
+  /// InvalidInput for a file where another module than the device's is wanted.
   KrResult OpenToRead(KrSystem& aSystem, const CommandLine& aCommandLine);
   /// For writing: a device, taken under control. InvalidInput for a file.
   KrResult OpenToWrite(KrSystem& aSystem, const CommandLine& aCommandLine);
@@ -37,15 +39,17 @@ public:
 private:
   KrResult OpenDeviceToWrite(KrSystem& aSystem, const CommandLine& aCommandLine);
   KrResult OpenDevice(KrSystem& aSystem, const CommandLine& aCommandLine, KrDeviceAccess aAccess);
+  KrResult OpenHostSide(KrSystem& aSystem, const CommandLine& aCommandLine);
   KrResult OpenArrayOfDevice();
   KrResult OpenOwnArray(const KrGenDescription& aDescription, IKrRegisterPort& aPort);
 
   // In the order in which one stands on the other.
   KrGenMemoryPort mMemory;
   std::unique_ptr<KrDevice> mDevice;
+  std::optional<KrStream> mStream; // Not started.
   std::optional<PortWatch> mWatch;
   std::unique_ptr<KrGenParameterArray> mOwnArray;
-  KrGenParameterArray* mArray = nullptr; // The own one or the device's.
+  KrGenParameterArray* mArray = nullptr; // The own one, the device's, or that of this host's side.
   std::string mName;
 };
 

@@ -55,6 +55,21 @@ TEST_F(FeatureCommands, Category_LeavesOutTheOthers) {
   EXPECT_THAT(table, testing::Not(HasSubstr("\tWidth\t")));
 }
 
+TEST_F(FeatureCommands, ModulesOfThisHost_AreListedAndReadInTheDevicesPlace) {
+  const std::string stream = Run(RunFeatures, {.verb = Verb::Features, .module = FeatureModule::Stream});
+  const std::string connection = Run(RunFeatures, {.verb = Verb::Features, .module = FeatureModule::Transport});
+
+  EXPECT_THAT(stream, HasSubstr("\tStreamBufferCountManual\tInteger\tBeginner\tRW\t16\t"));
+  EXPECT_THAT(connection, HasSubstr("\tDeviceAccessStatus\tEnumeration\tBeginner\tRO\tOpenReadOnly\t"));
+  EXPECT_EQ(Run(RunGet, {.verb = Verb::Get, .names = {"StreamIsGrabbing"}, .module = FeatureModule::Stream}), "0\n");
+}
+
+TEST_F(FeatureCommands, ModuleOfAFile_IsRefused) {
+  EXPECT_EQ(Run(RunFeatures, {.verb = Verb::Features, .device = "camera.xml", .module = FeatureModule::Stream}, 1), "");
+
+  EXPECT_THAT(mErrors, HasSubstr("a device is wanted"));
+}
+
 TEST_F(FeatureCommands, UnknownCategoryAndUnknownDevice_FailWithWhatThereIs) {
   EXPECT_EQ(Run(RunFeatures, {.verb = Verb::Features, .category = "Nothing"}, 1), "");
   EXPECT_THAT(mErrors, HasSubstr("AnalogControl"));

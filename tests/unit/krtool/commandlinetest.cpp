@@ -150,8 +150,9 @@ TEST(CommandLine, FormatOption_PrevailsOverTheFilesName) {
 }
 
 TEST(CommandLine, Features_TakesItsOptions) {
-  const ParsedCommandLine parsed = ParseCommandLine(
-      {"features", "cam.xml", "--category", "ImageFormatControl", "--visibility=expert", "--faults", "--simulate"});
+  const ParsedCommandLine parsed =
+      ParseCommandLine({"features", "cam.xml", "--category", "ImageFormatControl", "--visibility=expert", "--faults",
+                        "--simulate", "--module", "stream"});
 
   EXPECT_EQ(parsed.error, "");
   EXPECT_EQ(parsed.commandLine.verb, Verb::Features);
@@ -159,6 +160,7 @@ TEST(CommandLine, Features_TakesItsOptions) {
   EXPECT_EQ(parsed.commandLine.category, "ImageFormatControl");
   EXPECT_EQ(parsed.commandLine.visibility, KrGenVisibility::Expert);
   EXPECT_TRUE(parsed.commandLine.faults);
+  EXPECT_EQ(parsed.commandLine.module, FeatureModule::Stream);
 }
 
 TEST(CommandLine, FeaturesAlone_ShowsAllThatIsForPeople) {
@@ -285,6 +287,8 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"ForceForStream", {"stream", "cam", "--frames", "2", "--force"}, "takes no --force"},
         Mistake{"FeaturesWithoutDevice", {"features"}, "DEVICE"},
         Mistake{"UnknownVisibility", {"features", "cam", "--visibility", "Everybody"}, "Beginner, Expert, Guru or"},
+        Mistake{"UnknownModule", {"features", "cam", "--module", "host"}, "device, stream or transport"},
+        Mistake{"ModuleForSet", {"set", "cam", "Width", "4", "--module", "stream"}, "takes no --module"},
         Mistake{"EmptyCategory", {"features", "cam", "--category="}, "the name of a category"},
         Mistake{"ForceForLoad", {"load", "cam", "a", "--force"}, "takes no --force"},
         Mistake{"FaultsForGet", {"get", "cam", "Width", "--faults"}, "takes no --faults"},
@@ -334,6 +338,7 @@ TEST(CommandLine, Help_NamesEveryCommandAndOption) {
                            "--category C",
                            "--visibility V",
                            "--faults",
+                           "--module MODULE",
                            "--force",
                            "--format FORMAT",
                            "--pixel-format NAME",
