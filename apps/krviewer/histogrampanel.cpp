@@ -14,7 +14,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QToolButton>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <iterator>
@@ -55,11 +54,9 @@ HistogramPanel::HistogramPanel(FrameSinks& aFrames)
   mFrame->setTextFormat(Qt::PlainText);
   mFrame->setObjectName(QStringLiteral("histogramFrame"));
   mFrame->setWordWrap(true);
-  QVBoxLayout& column = (new PanelArea(*this))->GetColumn();
-  column.addWidget(MakeControls());
-  column.addWidget(mPlot, 1);
-  column.addWidget(mTable);
-  column.addWidget(mFrame);
+  auto* const area = new PanelArea(*this, MakeControls(), mPlot);
+  area->AddNumbers(mTable);
+  area->AddNumbers(mFrame);
   mPlot->setAccessibleName(QStringLiteral("Histogram"));
   mPlot->setAccessibleDescription(QStringLiteral("Its numbers are in the table below."));
   mPlot->ShowText(QStringLiteral("No frame yet"));

@@ -19,6 +19,9 @@ namespace krviewer {
 namespace {
 
 constexpr int kFillAlpha = 60;
+/// Room above the curves for what is said of clipped pixels; low plots have less.
+constexpr double kLinesOfTexts = 3;
+constexpr double kGreatestShareOfTexts = 0.3;
 constexpr double kClippedBarWidth = 4; ///< Device-independent pixels.
 /// The least part of the pixels, in percent, that a logarithmic scale tells from none.
 constexpr double kLeastPercent = 0.001;
@@ -78,13 +81,22 @@ double HistogramPlot::GetGreatestPercent() const {
   return greatest > 0 ? greatest : 100;
 }
 
+double HistogramPlot::GetShareOfTexts() const {
+  const bool hasTexts = std::ranges::any_of(mPicture.channels, [](const HistogramChannel& aChannel) {
+    return aChannel.clippedLow > 0 || aChannel.clippedHigh > 0;
+  });
+  const double lines = hasTexts ? kLinesOfTexts : 1;
+  return std::min(lines * fontMetrics().height() / std::max(height(), 1), kGreatestShareOfTexts);
+}
+
 PlotFrame HistogramPlot::MakeFrame() const {
   const PlotAxis across{.low = static_cast<double>(mPicture.lowestValue),
                         .high = static_cast<double>(mPicture.highestValue)};
-  PlotAxis up{.low = 0, .high = GetGreatestPercent() * 1.05, .unit = QStringLiteral("%")};
+  const double share = 1 - GetShareOfTexts();
+  PlotAxis up{.low = 0, .high = GetGreatestPercent() / share, .unit = QStringLiteral("%")};
   if (mScale == HistogramScale::Logarithmic) {
     up.low = GetHeight(kLeastPercent);
-    up.high = GetHeight(std::min(100.0, GetGreatestPercent() * 1.5));
+    up.high = up.low + (GetHeight(GetGreatestPercent()) - up.low) / share;
     for (const double percent : kDecades)
       if (GetHeight(percent) <= up.high)
         up.ticks.push_back({GetHeight(percent), ToText(FormatValue(percent)) + QStringLiteral(" %")});

@@ -47,6 +47,7 @@ protected:
 private:
   double GetHeight(double aPercent) const;
   double GetGreatestPercent() const;
+  double GetShareOfTexts() const;
   PlotFrame MakeFrame() const;
   void PaintChannel(QPainter& aPainter, const PlotFrame& aFrame, const HistogramChannel& aChannel) const;
   void PaintClipped(QPainter& aPainter, const PlotFrame& aFrame) const;

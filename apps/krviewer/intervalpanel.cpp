@@ -14,7 +14,6 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 #include <chrono>
 #include <utility>
@@ -62,12 +61,10 @@ IntervalPanel::IntervalPanel(FrameSinks& aFrames, Clock aClock)
   mNumbers->setToolTip(QStringLiteral("From one frame to the next, by the time of its arrival here and by the camera's "
                                       "own clock. Jitter is the standard deviation."));
   mNumbers->SetRows(2);
-  QVBoxLayout& column = (new PanelArea(*this))->GetColumn();
-  column.addWidget(MakeControls());
-  column.addWidget(mState);
-  column.addWidget(mPlot, 1);
-  column.addWidget(mLosses);
-  column.addWidget(mNumbers);
+  auto* const area = new PanelArea(*this, MakeControls(), mPlot);
+  area->AddNumbers(mState);
+  area->AddNumbers(mLosses);
+  area->AddNumbers(mNumbers);
   connect(&mTimer, &QTimer::timeout, this, &IntervalPanel::Look);
   // It fails for a sink that is registered already, which this one is not.
   [[maybe_unused]] const KrResult registered = mFrames.Register(&mIntervals);

@@ -11,7 +11,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -42,14 +41,14 @@ LineProfilePanel::LineProfilePanel(FrameSinks& aFrames, KrDisplayWnd& aWindow)
   auto* const forget = new QPushButton(QStringLiteral("Forget &Best"));
   forget->setToolTip(QStringLiteral("Begins anew to look for the greatest sharpness"));
   connect(forget, &QPushButton::clicked, this, &LineProfilePanel::ForgetBest);
-  auto* const sharpnessRow = new QHBoxLayout;
-  sharpnessRow->addWidget(mSharpness, 1);
-  sharpnessRow->addWidget(forget);
-  QVBoxLayout& column = (new PanelArea(*this))->GetColumn();
-  column.addWidget(MakeControls());
-  column.addWidget(mPlot, 1);
-  column.addWidget(mFrame);
-  column.addLayout(sharpnessRow);
+  auto* const sharpness = new QWidget;
+  auto* const row = new QHBoxLayout(sharpness);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addWidget(mSharpness, 1);
+  row->addWidget(forget);
+  auto* const area = new PanelArea(*this, MakeControls(), mPlot);
+  area->AddNumbers(mFrame);
+  area->AddNumbers(sharpness);
   mPlot->setAccessibleName(QStringLiteral("Line profile"));
   mPlot->ShowText(QStringLiteral("No frame yet"));
   Choose();

@@ -68,7 +68,7 @@ QSize NumberTable::sizeHint() const {
   const int frame = 2 * frameWidth();
   const bool hasBar = horizontalHeader()->length() + verticalHeader()->width() + frame > width();
   const int bar = hasBar ? horizontalScrollBar()->sizeHint().height() : 0;
-  return {fontMetrics().averageCharWidth() * 40,
+  return {horizontalHeader()->length() + verticalHeader()->sizeHint().width() + frame,
           horizontalHeader()->sizeHint().height() + verticalHeader()->length() + frame + bar};
 }
 

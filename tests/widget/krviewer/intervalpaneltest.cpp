@@ -163,6 +163,21 @@ TEST_F(IntervalPanelTest, lossesInThePlot_areDrawnInAnyTheme) {
   }
 }
 
+TEST_F(IntervalPanelTest, numbers_standWhereThereIsRoomForThem) {
+  ShowPanel();
+  const auto* const plot = Find<IntervalPlot>(mPanel, "intervalPlot");
+  const auto* const numbers = Find<NumberTable>(mPanel, "intervalNumbers");
+  const auto getPlace = [this](const QWidget* aWidget) {
+    return QRect(aWidget->mapTo(&mPanel, QPoint(0, 0)), aWidget->size());
+  };
+
+  mPanel.resize(900, 220);
+  EXPECT_TRUE(Await([&] { return getPlace(numbers).left() > getPlace(plot).right(); }));
+
+  mPanel.resize(360, 600);
+  EXPECT_TRUE(Await([&] { return getPlace(numbers).top() > getPlace(plot).bottom(); }));
+}
+
 TEST_F(IntervalPanelTest, panelThatIsGone_hearsOfNoFrame) {
   krviewer::FrameSinks frames("a frame sink", "test", {"IntervalPanelTest", "intervalpaneltest"});
   {
