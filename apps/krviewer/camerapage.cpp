@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QVBoxLayout>
 
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <thread>
@@ -101,6 +102,8 @@ QByteArray CameraPage::SaveState() {
   QByteArray state;
   QDataStream stream(&state, QIODevice::WriteOnly);
   stream << kStateVersion << mPanels.SaveLayout() << mRecordPanel->SaveState() << mSaver.SaveState();
+  for (ParameterPanel* const panel : {mFeatures, mStreamFeatures, mTransportFeatures})
+    stream << panel->SaveOptions();
   return state;
 }
 
@@ -110,12 +113,16 @@ void CameraPage::RestoreState(const QByteArray& aState) {
   QByteArray layout;
   QByteArray recording;
   QByteArray saving;
-  stream >> version >> layout >> recording >> saving;
+  std::array<QStringList, 3> options;
+  stream >> version >> layout >> recording >> saving >> options[0] >> options[1] >> options[2];
   if (stream.status() != QDataStream::Ok || version != kStateVersion)
     return;
   mHasWidths = mPanels.RestoreLayout(layout);
   mRecordPanel->RestoreState(recording);
   mSaver.RestoreState(saving);
+  mFeatures->RestoreOptions(options[0]);
+  mStreamFeatures->RestoreOptions(options[1]);
+  mTransportFeatures->RestoreOptions(options[2]);
 }
 
 void CameraPage::Connect() {
@@ -179,6 +186,11 @@ void CameraPage::Call(const std::function<void(CameraPage&)>& aCall) {
 bool CameraPage::IsConnected() const {
   const AcquisitionState state = GetProgress().state;
   return mConnection.GetActive() && (state == AcquisitionState::Connected || state == AcquisitionState::Streaming);
+}
+
+bool CameraPage::IsInTrouble() const {
+  const AcquisitionState state = GetProgress().state;
+  return mConnection.GetActive() && (state == AcquisitionState::Lost || state == AcquisitionState::Failed);
 }
 
 bool CameraPage::CanConnect() const {

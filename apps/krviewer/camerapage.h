@@ -82,6 +82,8 @@ public:
   /// Whether the camera is there and does what it is asked to.
   bool IsConnected() const;
   bool IsStreaming() const { return IsConnected() && GetProgress().state == AcquisitionState::Streaming; }
+  /// Whether the camera is lost, or could not be had.
+  bool IsInTrouble() const;
   /// Whether the number of frames has come, or the camera could not be had.
   bool HasAcquisitionEnded() const { return mHasToldEnd; }
   /// Whether there is nothing that Disconnect could give back, and Reconnect connects.

@@ -81,7 +81,7 @@ Keys:
   Ctrl+T       serial terminal          Ctrl+B         serial bridges
   Ctrl+K       cameras behind the serial ports of a frame grabber
   Ctrl+PgDn    next camera              Ctrl+PgUp      previous camera
-  Ctrl+Q       quit
+  Ctrl+Q       quit                     F1             all keys
 )";
 
 // A number of 1 or more behind an option. False, with a text, for any other; nothing where the option is missing.

@@ -51,6 +51,7 @@ MainMenus::MainMenus(QMainWindow& aWindow, const std::function<CameraPage*()>& a
       ->setToolTip(QStringLiteral("In the list of all cameras, select one and press its button."));
 
   QMenu& help = *aWindow.menuBar()->addMenu(QStringLiteral("&Help"));
+  Add(help, "keys", QStringLiteral("&Keys"), QKeySequence(Qt::Key_F1), &MainMenus::KeysWanted);
   Add(help, "about", QStringLiteral("&About krviewer"), {}, &MainMenus::AboutWanted);
 
   mToolBar->setObjectName(QStringLiteral("toolBar"));

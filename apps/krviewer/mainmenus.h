@@ -49,6 +49,7 @@ signals:
   void MoveWanted();
   /// The tab so many further on.
   void StepWanted(int aStep);
+  void KeysWanted();
   void AboutWanted();
 
 private:

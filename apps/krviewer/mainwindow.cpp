@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "keysbox.h"
 #include "pictures.h"
 #include "showntext.h"
 
@@ -10,6 +11,7 @@
 #include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -61,6 +63,7 @@ void MainWindow::ConnectMenus() {
       emit MoveWanted(page);
   });
   connect(mMenus, &MainMenus::StepWanted, this, &MainWindow::Step);
+  connect(mMenus, &MainMenus::KeysWanted, this, [this] { ShowKeysBox(*this); });
   connect(mMenus, &MainMenus::FullScreenWanted, this, &MainWindow::SwitchFullScreen);
 }
 
@@ -134,11 +137,19 @@ void MainWindow::LookAgain() {
     if (mTabs->tabText(index) != text)
       mTabs->setTabText(index, text);
     mTabs->setTabToolTip(index, ToToolTip(title));
+    ShowTrouble(index);
   }
   const CameraPage* const page = GetCurrentPage();
   setWindowTitle(page ? page->GetTitle() : QStringLiteral("krviewer"));
   ShowFigures(page);
   mMenus->LookAgain({.pages = mTabs->count(), .isOwn = mIsOwn, .isFullScreen = isFullScreen()});
+}
+
+// A camera behind others may need its user.
+void MainWindow::ShowTrouble(int aIndex) {
+  const bool isInTrouble = GetPage(aIndex)->IsInTrouble();
+  if (isInTrouble == mTabs->tabIcon(aIndex).isNull())
+    mTabs->setTabIcon(aIndex, isInTrouble ? style()->standardIcon(QStyle::SP_MessageBoxWarning) : QIcon());
 }
 
 void MainWindow::ShowFigures(const CameraPage* aPage) {

@@ -62,6 +62,7 @@ private:
   void ConnectMenus();
   void SwitchFullScreen();
   void Step(int aStep);
+  void ShowTrouble(int aIndex);
   void ShowFigures(const CameraPage* aPage);
 
   const bool mIsOwn;

@@ -1,5 +1,8 @@
 #include "parameterpanel.h"
 
+#include "krpersistence/krpropertylist.h"
+#include "showntext.h"
+
 #include <QVBoxLayout>
 
 #include <cstdio>
@@ -23,6 +26,22 @@ bool ParameterPanel::Open() {
   else
     layout()->addWidget(GetWindow().GetWidget());
   return !mHasFailed;
+}
+
+QStringList ParameterPanel::SaveOptions() {
+  KrPropertyList list;
+  [[maybe_unused]] const KrResult saved = GetWindow().Save(list); // Always OK.
+  QStringList options;
+  for (const KrProperty& property : list)
+    options << ToText(property.GetName()) << ToText(property.GetValue());
+  return options;
+}
+
+void ParameterPanel::RestoreOptions(const QStringList& aOptions) {
+  KrPropertyList list;
+  for (qsizetype index = 0; index + 1 < aOptions.size(); index += 2)
+    list.Add({aOptions[index].toStdString(), aOptions[index + 1].toStdString()});
+  [[maybe_unused]] const KrResult loaded = GetWindow().Load(list); // Always OK.
 }
 
 void ParameterPanel::Follow(Loan<KrGenParameterArray>& aParameters, bool aIsWanted) {

@@ -4,6 +4,7 @@
 
 #include "featurebrowser.h"
 
+#include <QStringList>
 #include <QWidget>
 
 namespace krviewer {
@@ -18,6 +19,9 @@ public:
   /// Shows what is lent while the panel is wanted, and gives back what is wanted back; to be called often.
   void Follow(Loan<KrGenParameterArray>& aParameters, bool aIsWanted);
   void GiveBack(Loan<KrGenParameterArray>& aParameters) { mBrowser.GiveBack(aParameters); }
+  /// What the user has chosen of how features are shown: names and values in turn, as the library has them.
+  QStringList SaveOptions();
+  void RestoreOptions(const QStringList& aOptions);
   KrGenBrowserWnd& GetWindow() { return mBrowser.GetWindow(); }
 
 private:

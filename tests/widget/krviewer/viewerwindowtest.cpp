@@ -7,7 +7,9 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <QTabWidget>
 #include <QTreeView>
+#include <QTreeWidget>
 
 #include <algorithm>
 
@@ -358,6 +360,47 @@ TEST_F(ViewerWindowTest, RunWithAnEndOfItsOwn_KeepsNothing) {
 
   mViewer.reset();
   EXPECT_FALSE(QFile::exists(mSettingsFile));
+}
+
+TEST_F(ViewerWindowTest, BrowserOptions_AreAsTheyWereInTheNextRun) {
+  Begin();
+  OpenStreaming();
+  ASSERT_EQ(GetPage()->GetFeatures().GetWindow().GetVisibility(), KrGenVisibility::Beginner);
+  ASSERT_TRUE(GetPage()->GetFeatures().GetWindow().SetVisibility(KrGenVisibility::Guru).IsOK());
+  End();
+
+  Begin();
+  OpenStreaming();
+
+  EXPECT_EQ(GetPage()->GetFeatures().GetWindow().GetVisibility(), KrGenVisibility::Guru);
+}
+
+TEST_F(ViewerWindowTest, CameraLostBehindOthers_IsMarkedOnItsTab) {
+  Begin();
+  OpenStreaming(kMonoMAC);
+  OpenStreaming(kColourMAC);
+  const auto* const tabs = GetWindow().findChild<QTabWidget*>();
+  ASSERT_TRUE(Await([=] { return tabs->tabIcon(0).isNull() && tabs->tabIcon(1).isNull(); }));
+
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  EXPECT_TRUE(Await([=] { return !tabs->tabIcon(0).isNull(); }));
+  EXPECT_TRUE(tabs->tabIcon(1).isNull());
+
+  ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+  EXPECT_TRUE(Await([=] { return tabs->tabIcon(0).isNull(); }));
+}
+
+TEST_F(ViewerWindowTest, Keys_AreListedWithWhatTheyDo) {
+  Begin();
+
+  Press(Qt::Key_F1);
+
+  const auto* const box = GetWindow().findChild<QDialog*>("keysBox");
+  ASSERT_NE(box, nullptr);
+  const auto* const list = box->findChild<QTreeWidget*>();
+  const QList<QTreeWidgetItem*> found = list->findItems("Shift+F5", Qt::MatchExactly);
+  ASSERT_EQ(found.size(), 1);
+  EXPECT_EQ(found.constFirst()->text(1), "Stop");
 }
 
 TEST_F(ViewerWindowTest, AboutBox_SaysTheVersionsAndWaitsForNobody) {
