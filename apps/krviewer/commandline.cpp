@@ -61,12 +61,12 @@ const char* const kDescription =
 
 const char* const kMoreHelp = R"(
 Examples:
-  krviewer                              begin with the cameras that can be found
-  krviewer 192.168.1.20                 show the camera at this address
-  krviewer --simulate sim-mono sim-colour  two simulated cameras, a tab for each
-  krviewer camera.xml                   the features of a description, without a camera
-  krviewer --headless --seconds 5 --screenshot shots 192.168.1.20
-                                        what the camera sends for five seconds, as pictures
+    krviewer                              begin with the cameras that can be found
+    krviewer 192.168.1.20                 show the camera at this address
+    krviewer --simulate sim-mono sim-colour  two simulated cameras, a tab for each
+    krviewer camera.xml                   the features of a description, without a camera
+    krviewer --headless --seconds 5 --screenshot shots 192.168.1.20
+                                          what the camera sends for five seconds, as pictures
 
 Keys:
   Ctrl+O       find a camera            Ctrl+W         close the camera
