@@ -2,6 +2,7 @@
 
 #include "failurebox.h"
 #include "filenames.h"
+#include "savingfolder.h"
 #include "showntext.h"
 
 #include <QDataStream>
@@ -53,8 +54,7 @@ QStringList ListFilters() {
 } // namespace
 
 FrameSaver::FrameSaver(const NewestFrame& aFrames, const QString& aCamera, const KrString& aDeviceID)
-    : mFrames(aFrames), mCamera(aCamera), mDeviceID(aDeviceID),
-      mFolder(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)) {
+    : mFrames(aFrames), mCamera(aCamera), mDeviceID(aDeviceID), mFolder(FindFolder(QStandardPaths::PicturesLocation)) {
   connect(&mTimer, &QTimer::timeout, this, [this] { mCall.Follow(); });
 }
 

@@ -3,6 +3,7 @@
 #include "failurebox.h"
 #include "filenames.h"
 #include "recordingtexts.h"
+#include "savingfolder.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -80,7 +81,7 @@ RecordPanel::RecordPanel(Recorder& aRecorder, const QString& aCamera, const KrSt
   rows->addStretch();
 
   RecordSettings settingsAtFirst;
-  settingsAtFirst.folder = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
+  settingsAtFirst.folder = FindFolder(QStandardPaths::MoviesLocation);
   WriteControls(settingsAtFirst);
   ProposeName();
   LookAgain();

@@ -74,20 +74,35 @@ void RegionEditor::Begin() {
   if (!mWindow.GetMapping())
     return Fail({KrResult::Code::WrongState,
                  "There is no picture on which a region could be drawn. Start the camera, or trigger it, first."});
-  mIsBusy = true;
   const auto limits = std::make_shared<RegionLimits>();
   const QPointer<RegionEditor> self(this);
   mDo({.run = [limits](KrGenParameterArray& aParameters) { return ReadRegion(aParameters, *limits); },
        .then =
-           [self, limits](const KrResult& aResult) {
-             if (!self)
+           [self, limits, request = BeginRequest()](const KrResult& aResult) {
+             if (!self || !self->EndRequest(request))
                return;
-             self->mIsBusy = false;
              if (aResult.IsOK())
                self->Start(*limits);
              else
                self->Fail(aResult);
            }});
+}
+
+int RegionEditor::BeginRequest() {
+  mIsBusy = true;
+  if (mBar)
+    mBar->SetBusy(true);
+  return ++mRequest;
+}
+
+/// False for one that was given up.
+bool RegionEditor::EndRequest(int aRequest) {
+  if (aRequest != mRequest)
+    return false;
+  mIsBusy = false;
+  if (mBar)
+    mBar->SetBusy(false);
+  return true;
 }
 
 void RegionEditor::Start(const RegionLimits& aLimits) {
@@ -132,6 +147,8 @@ void RegionEditor::End() {
 }
 
 void RegionEditor::Cancel() {
+  EndRequest(mRequest);
+  ++mRequest;
   End();
 }
 
@@ -149,16 +166,12 @@ void RegionEditor::SetFullFrame() {
 }
 
 void RegionEditor::Write(std::function<KrResult(KrGenParameterArray&)> aWrite, const QString& aText) {
-  mIsBusy = true;
-  if (mBar)
-    mBar->SetBusy(true);
   const QPointer<RegionEditor> self(this);
-  mDo({.run = std::move(aWrite), .isStreamStopped = true, .then = [self, aText](const KrResult& aResult) {
-         if (!self)
+  mDo({.run = std::move(aWrite),
+       .isStreamStopped = true,
+       .then = [self, aText, request = BeginRequest()](const KrResult& aResult) {
+         if (!self || !self->EndRequest(request))
            return;
-         self->mIsBusy = false;
-         if (self->mBar)
-           self->mBar->SetBusy(false);
          if (!aResult.IsOK())
            return self->Fail(aResult);
          self->End();
@@ -252,7 +265,7 @@ bool RegionEditor::OnKey(const QKeyEvent& aEvent) {
   case Qt::Key_Escape:
     if (mGesture->IsDragging())
       mGesture->CancelDrag();
-    else
+    else if (!mIsBusy) // What the camera is being set to it will tell in a moment.
       Cancel();
     ShowRegion();
     return true;

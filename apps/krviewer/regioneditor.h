@@ -37,7 +37,7 @@ public:
 
   /// Asks the camera for its region and begins; shows a message where that is not possible.
   void Begin();
-  /// Gives a drawing up.
+  /// Gives a drawing up, and what was asked of the camera: of a connection that ends nobody may answer any more.
   void Cancel();
   /// Sets the region that is drawn, with the stream stopped meanwhile.
   void Apply();
@@ -59,6 +59,8 @@ protected:
   bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
 
 private:
+  int BeginRequest();
+  bool EndRequest(int aRequest);
   void Start(const RegionLimits& aLimits);
   void End();
   void Write(std::function<KrResult(KrGenParameterArray&)> aWrite, const QString& aText);
@@ -78,6 +80,7 @@ private:
   QPointer<RegionOutline> mOutline;
   std::optional<RegionGesture> mGesture;
   bool mIsBusy = false; ///< The camera is asked, or is being set.
+  int mRequest = 0;     ///< Whose answer counts.
   QTimer mTimer;        ///< The picture's place changes without a word.
 };
 

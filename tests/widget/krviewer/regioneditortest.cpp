@@ -219,6 +219,24 @@ TEST_F(RegionEditorTest, CameraThatIsLost_IsToldInAMessage) {
   EXPECT_TRUE(mApplied.isEmpty());
 }
 
+TEST_F(RegionEditorTest, RequestThatNobodyAnswers_IsGivenUpWithTheDrawing) {
+  Open();
+  std::vector<DeviceWork> unanswered;
+  RegionEditor editor(mWindow, [&unanswered](DeviceWork aWork) { unanswered.push_back(std::move(aWork)); });
+  editor.Begin();
+  editor.Begin();
+  ASSERT_EQ(unanswered.size(), 1U); // One at a time.
+
+  editor.Cancel();
+  editor.Begin();
+
+  EXPECT_EQ(unanswered.size(), 2U);
+  unanswered.front().then({});
+  // The answer to what was given up begins nothing, and is not complained of.
+  EXPECT_FALSE(editor.IsEditing());
+  EXPECT_EQ(FindMessage(), nullptr);
+}
+
 TEST_F(RegionEditorTest, WindowClosedWhileDrawing_EndsTheDrawing) {
   Open();
   Begin();
