@@ -27,15 +27,15 @@ struct GevRegister {
 
 // clang-format off
 constexpr std::array kRegisters = {
-    GevRegister{{.name = "GevDeviceMACAddress", .category = kCategory,
+    GevRegister{{.name = "GevMACAddress", .category = kCategory,
                  .tip = "The MAC address of the device's network interface.", .visibility = "Beginner",
                  .isStandard = true, .representation = "MACAddress"}, 0x0008, 8, 0xFFFFFFFFFFFF, false},
-    GevRegister{{.name = "GevDeviceIPAddress", .category = kCategory, .tip = "The IP address that the device has now.",
+    GevRegister{{.name = "GevCurrentIPAddress", .category = kCategory, .tip = "The IP address that the device has now.",
                  .visibility = "Beginner", .isStandard = true, .representation = "IPV4Address"},
                 0x0024, 4, 0xFFFFFFFF, false},
-    GevRegister{{.name = "GevDeviceSubnetMask", .category = kCategory, .tip = "The subnet mask that the device has now.",
+    GevRegister{{.name = "GevCurrentSubnetMask", .category = kCategory, .tip = "The subnet mask that the device has now.",
                  .isStandard = true, .representation = "IPV4Address"}, 0x0034, 4, 0xFFFFFFFF, false},
-    GevRegister{{.name = "GevDeviceGateway", .category = kCategory,
+    GevRegister{{.name = "GevCurrentDefaultGateway", .category = kCategory,
                  .tip = "The gateway by which the device reaches other subnets; 0.0.0.0 for none.",
                  .isStandard = true, .representation = "IPV4Address"}, 0x0044, 4, 0xFFFFFFFF, false},
     GevRegister{{.name = "GevHeartbeatTimeout", .category = kCategory,

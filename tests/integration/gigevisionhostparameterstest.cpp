@@ -78,8 +78,8 @@ TEST_F(GigEVisionHostParameters, Arrays_StoppedAndRunningAndStoppedAgain_CanBeRe
 
 TEST_F(GigEVisionHostParameters, Connection_OfACameraOnLoopback_TellsOfTheWayThere) {
   EXPECT_EQ(ReadText(*mConnection, "LinkAdapterName"), KrString("lo"));
-  EXPECT_EQ(ReadNumber(*mConnection, "LinkHostIPAddress"), kLoopback);
-  EXPECT_EQ(ReadNumber(*mConnection, "GevDeviceIPAddress"), kLoopback);
+  EXPECT_EQ(ReadNumber(*mConnection, "LocalIPAddress"), kLoopback);
+  EXPECT_EQ(ReadNumber(*mConnection, "GevCurrentIPAddress"), kLoopback);
   EXPECT_GE(ReadNumber(*mConnection, "LinkAdapterMTU"), 1500);
 }
 

@@ -58,8 +58,8 @@ TEST_F(SimulatedHostParametersTest, Arrays_OfACamera_CanBeReadAsAWhole) {
 }
 
 TEST_F(SimulatedHostParametersTest, Addresses_OfACamera_AreTheLabs) {
-  EXPECT_EQ(ReadNumber(*mConnection, "GevDeviceMACAddress"), 0x024B52007710);
-  EXPECT_EQ(ReadNumber(*mConnection, "GevDeviceIPAddress"), (192 << 24 | 168 << 16 | 77 << 8 | 10) & 0xFFFFFFFFLL);
+  EXPECT_EQ(ReadNumber(*mConnection, "GevMACAddress"), 0x024B52007710);
+  EXPECT_EQ(ReadNumber(*mConnection, "GevCurrentIPAddress"), (192 << 24 | 168 << 16 | 77 << 8 | 10) & 0xFFFFFFFFLL);
 }
 
 TEST_F(SimulatedHostParametersTest, Resend_On_LatePacketsMakeWholeFrames) {

@@ -35,7 +35,7 @@ void AddAdapter(krsystem::HostFeatures& aFeatures, const LinkTarget& aTarget) {
                                         .tip = "The network adapter by which this host reaches the device.",
                                         .visibility = "Beginner"},
                                        [name = aTarget.adapterName] { return name; }));
-  aFeatures.push_back(MakeShownFeature({.name = "LinkHostIPAddress",
+  aFeatures.push_back(MakeShownFeature({.name = "LocalIPAddress",
                                         .category = kAdapter,
                                         .tip = "This host's address on the way to the device.",
                                         .visibility = "Beginner",

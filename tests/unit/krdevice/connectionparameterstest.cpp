@@ -52,8 +52,8 @@ TEST_F(ConnectionParametersTest, Addresses_OfAGigEVisionDevice_AreThoseInItsRegi
   mLink->Poke(kMACRegister + 4, 0x52007710);
   mLink->Poke(kAddressRegister, 0xC0A84D0A);
 
-  EXPECT_EQ(ReadNumber(*mArray, "GevDeviceMACAddress"), 0x024B52007710);
-  EXPECT_EQ(ReadNumber(*mArray, "GevDeviceIPAddress"), 0xC0A84D0A);
+  EXPECT_EQ(ReadNumber(*mArray, "GevMACAddress"), 0x024B52007710);
+  EXPECT_EQ(ReadNumber(*mArray, "GevCurrentIPAddress"), 0xC0A84D0A);
 }
 
 TEST_F(ConnectionParametersTest, Heartbeat_Set_IsWrittenToTheDevice) {
