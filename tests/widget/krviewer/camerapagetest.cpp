@@ -246,12 +246,15 @@ TEST_F(CameraPageTest, LostCameraDisconnected_IsNotWaitedFor) {
 
 TEST_F(CameraPageTest, CameraThatCannotBeHad_SaysWhyAndIsTriedAgain) {
   Open(kForeignMAC);
+  int ends = 0;
+  QObject::connect(GetPage(), &krviewer::CameraPage::AcquisitionEnded, GetPage(), [&] { ++ends; });
 
   EXPECT_TRUE(AwaitState(AcquisitionState::Failed));
   EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).contains("subnet"); }))
       << GetMessage(*GetPage()).toStdString();
+  ASSERT_TRUE(Await([&] { return ends == 1; }));
   ASSERT_TRUE(Click(*GetPage(), "&Try Again"));
-  EXPECT_TRUE(AwaitState(AcquisitionState::Failed));
+  EXPECT_TRUE(Await([&] { return ends == 2; }));
 }
 
 TEST_F(CameraPageTest, CameraOfAnotherHost_SaysWhyAndOffersTheFinder) {

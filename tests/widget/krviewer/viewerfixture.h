@@ -71,14 +71,18 @@ protected:
     const auto* const action = GetWindow().findChild<QAction*>(aName);
     return action && action->isEnabled();
   }
-  /// Clicks the button of a page or a bar with this text.
-  static bool Click(const QWidget& aParent, const QString& aText) {
+  static QAbstractButton* FindButton(const QWidget& aParent, const QString& aText) {
     for (auto* const button : aParent.findChildren<QAbstractButton*>())
-      if (button->text() == aText && button->isVisible()) {
-        button->click();
-        return true;
-      }
-    return false;
+      if (button->text() == aText && button->isVisible())
+        return button;
+    return nullptr;
+  }
+  /// Clicks the button of a page or a bar with this text, once it is shown.
+  static bool Click(const QWidget& aParent, const QString& aText) {
+    if (!Await([&] { return FindButton(aParent, aText) != nullptr; }))
+      return false;
+    FindButton(aParent, aText)->click();
+    return true;
   }
   /// What the bar over the picture says; empty while it is hidden.
   static QString GetMessage(const QWidget& aParent) {

@@ -258,7 +258,7 @@ TEST_F(ViewerWindowTest, RecentCamerasCleared_AreForgotten) {
   End();
 
   Begin();
-  EXPECT_FALSE(Click(GetWindow().GetFirstPage(), "Simulated Mono Camera (192.168.77.10)"));
+  EXPECT_EQ(FindButton(GetWindow().GetFirstPage(), "Simulated Mono Camera (192.168.77.10)"), nullptr);
 }
 
 TEST_F(ViewerWindowTest, PanelsAndWindow_AreAsTheyWereInTheNextRun) {
