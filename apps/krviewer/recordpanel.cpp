@@ -163,7 +163,8 @@ void RecordPanel::AddProgress(QFormLayout& aForm) {
 }
 
 void RecordPanel::ProposeName() {
-  mName->setText(ToQString(MakeRecordingName(mCamera.toStdString(), QDateTime::currentSecsSinceEpoch())));
+  mProposedName = ToQString(MakeRecordingName(mCamera.toStdString(), QDateTime::currentSecsSinceEpoch()));
+  mName->setText(mProposedName);
 }
 
 void RecordPanel::Browse() {
@@ -217,6 +218,8 @@ void RecordPanel::StartOrStop() {
   if (mFolder->text().isEmpty() || mName->text().trimmed().isEmpty())
     return ShowFailure(this, tr("Record"),
                        {KrResult::Code::InvalidInput, "A recording needs a folder and a name. Enter both."});
+  if (mName->text() == mProposedName)
+    ProposeName(); // It holds the time, which has gone on.
   const RecordSettings settings = ReadControls();
   const KrResult started = mRecorder.Start(settings.MakeOptions(mName->text().trimmed(), mDeviceID));
   if (!started.IsOK())

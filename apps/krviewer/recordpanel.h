@@ -64,6 +64,7 @@ private:
   QTimer mTimer; ///< Runs while the panel is seen.
   QElapsedTimer mRoomAge;
   RecordSettings mStarted; ///< Of the recording that runs, or was the last.
+  QString mProposedName;
   bool mWasBusy = false;
 
   // Owned by Qt.

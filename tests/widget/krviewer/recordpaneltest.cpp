@@ -51,10 +51,9 @@ protected:
 } // namespace
 
 TEST_F(RecordPanelTest, StartAndStop_RecordUnderTheNameShown) {
+  Click();
   const QString name = Find<QLineEdit>("recordName").text();
   EXPECT_TRUE(name.startsWith("Sim-Mono-2")) << name.toStdString();
-
-  Click();
   EXPECT_TRUE(mRecorder.IsBusy());
   EXPECT_EQ(Find<QPushButton>("recordButton").text(), "&Stop Recording");
   EXPECT_FALSE(Find<QLineEdit>("recordFolder").isEnabled());
