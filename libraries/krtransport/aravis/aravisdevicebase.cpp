@@ -1,6 +1,7 @@
 #include "aravis/aravisdevicebase.h"
 
 #include "aravis/araviserror.h"
+#include "aravis/valuechains.h"
 #include "krbase/krlogger.h"
 
 #include <cinttypes>
@@ -13,6 +14,25 @@ namespace krtransport {
 namespace {
 
 constexpr std::uint64_t kMaxPayload = std::uint64_t{1} << 32;
+// What Aravis evaluates for us, or by itself, while it streams.
+constexpr std::initializer_list<const char*> kEvaluated = {"PayloadSize",
+                                                           "AcquisitionStart",
+                                                           "AcquisitionStop",
+                                                           "TLParamsLocked",
+                                                           "Width",
+                                                           "Height",
+                                                           "PixelFormat",
+                                                           "GevSCPSPacketSize",
+                                                           "GevSCPHostPort",
+                                                           "GevSCDA",
+                                                           "GevSCSP",
+                                                           "GevStreamChannelSelector",
+                                                           "GevSCPSDoNotFragment",
+                                                           "GevSCPSFireTestPacket",
+                                                           "GevTimestampTickFrequency",
+                                                           "GevStreamChannelCount",
+                                                           "DeviceStreamChannelCount",
+                                                           "GevGVSPExtendedIDMode"};
 
 std::string NameMemory(const char* aVerb, std::uint64_t aAddress, std::size_t aLength) {
   char text[80];
@@ -42,6 +62,10 @@ KrResult AravisDeviceBase::Write(std::uint64_t aAddress, std::span<const std::ui
 }
 
 KrResult AravisDeviceBase::GetPayloadSize(std::uint64_t& aBytes) {
+  // Before anything of a stream is asked of Aravis.
+  if (ArvGc* const description = arv_device_get_genicam(mDevice.get()); description != nullptr)
+    if (KrResult result = CheckValueChains(*description, kEvaluated); !result.IsOK())
+      return result;
   GErrorHolder error;
   const gint64 bytes = arv_device_get_integer_feature_value(mDevice.get(), "PayloadSize", error.Out());
   if (KrResult result = ToResult(error, "Reading the device's PayloadSize"); !result.IsOK())
@@ -53,8 +77,8 @@ KrResult AravisDeviceBase::GetPayloadSize(std::uint64_t& aBytes) {
 }
 
 KrResult AravisDeviceBase::OpenArvStream(StreamPointer& aStream, ArvStreamCallback aCallback, void* aUserData) {
-  // An application that was cut off from the device may have left it acquiring, for a destination that it keeps until it
-  // is started anew. One that does not acquire may refuse the command.
+  // An application that was cut off from the device may have left it acquiring, for a destination that it keeps until
+  // it is started anew. One that does not acquire may refuse the command.
   static_cast<void>(StopAcquisition());
   GErrorHolder error;
   StreamPointer stream(arv_device_create_stream(mDevice.get(), aCallback, aUserData, error.Out()));
