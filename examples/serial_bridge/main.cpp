@@ -1,6 +1,7 @@
 // Links a serial port of a camera to a serial port of this computer, so that any program with a serial port can talk to
-// what is connected to the camera. Its usage text says how.
+// what is connected to the camera. Its usage text (bridgearguments.cpp) says how.
 
+#include "bridgearguments.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceadapter.h"
 #include "krserial/krdeviceserialport.h"
@@ -9,41 +10,16 @@
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
 
-#include <charconv>
 #include <csignal>
-#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <system_error>
-#include <vector>
 
 namespace {
-
-constexpr const char* kUsage = R"(usage: serial_bridge [--simulate] [--create] CAMERA PORT COMPORT [BAUD]
-  --simulate  simulated cameras can be used as well
-  --create    makes COMPORT, for programs of this computer, as long as this program runs
-  CAMERA      the camera's MAC address, or the name that it was given
-  PORT        the camera's serial port: Serial0, Serial1, Bulk0 to Bulk7, in just these letters
-  COMPORT     the serial port of this computer, COM1 and up: what the link com1 and so on leads to in
-              ~/.config/krgui/com-ports, or else one of the serial ports that the computer has
-  BAUD        the speed of COMPORT, 115200 without it
-
-To try it without a camera and without a cable:
-  serial_bridge --simulate --create sim-mono Serial0 COM9
-and in another terminal, to talk to the instrument that is simulated there (try HELP):
-  socat - ~/.config/krgui/com-ports/com9,rawer
-Ctrl-C ends the bridge.
-)";
 
 int Fail(const KrResult& aResult) {
   std::cerr << aResult.GetCodeString().CStr() << ": " << aResult.GetDescription().CStr() << '\n';
   return 1;
-}
-
-int FailUsage(const std::string& aWhat) {
-  std::cerr << aWhat << "\n\n" << kUsage;
-  return 64;
 }
 
 std::string ListPorts(IKrDeviceAdapter& aAdapter) {
@@ -52,13 +28,6 @@ std::string ListPorts(IKrDeviceAdapter& aAdapter) {
     if (KrDeviceSerialPort::IsSupported(&aAdapter, port))
       names += (names.empty() ? "" : ", ") + GetPortName(port).ToUtf8();
   return names.empty() ? "none" : names;
-}
-
-// Whether it is a number and nothing else.
-bool ParseSpeed(const std::string& aText, std::uint32_t& aSpeed) {
-  const char* const end = aText.data() + aText.size();
-  const auto [rest, error] = std::from_chars(aText.data(), end, aSpeed);
-  return error == std::errc() && rest == end;
 }
 
 KrResult OpenCamera(const KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice) {
@@ -81,22 +50,9 @@ void PrintCounters(const KrSerialBridge& aBridge, const sigset_t& aSignals) {
 } // namespace
 
 int main(int argc, char** argv) {
-  std::vector<std::string> arguments(argv + 1, argv + argc);
-  const bool isSimulating = std::erase(arguments, "--simulate") > 0;
-  const bool isCreating = std::erase(arguments, "--create") > 0;
-  if (std::erase(arguments, "--help") + std::erase(arguments, "-h") > 0) {
-    std::cout << kUsage;
-    return 0;
-  }
-  for (const std::string& argument : arguments)
-    if (argument.starts_with('-'))
-      return FailUsage("There is no option " + argument + ".");
-  if (arguments.size() < 3 || arguments.size() > 4)
-    return FailUsage("It takes CAMERA, PORT, COMPORT and perhaps BAUD.");
-  KrSerialPortConfiguration configuration;
-  configuration.baudRate = 115200;
-  if (arguments.size() == 4 && !ParseSpeed(arguments[3], configuration.baudRate))
-    return FailUsage("The speed " + arguments[3] + " is no number.");
+  BridgeArguments arguments;
+  if (const std::optional<int> exitCode = ParseArguments(argc, argv, arguments))
+    return *exitCode;
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
@@ -105,22 +61,22 @@ int main(int argc, char** argv) {
 
   KrSystem system;
   std::unique_ptr<KrDevice> device; // Ends after the adapter, and that after the bridge.
-  KrResult result = KrInstallTransports({.simulation = isSimulating});
+  KrResult result = KrInstallTransports({.simulation = arguments.isSimulating});
   if (result.IsOK())
     result = system.Find();
   if (result.IsOK())
-    result = OpenCamera(system, arguments[0], device);
+    result = OpenCamera(system, arguments.camera, device);
   if (!result.IsOK())
     return Fail(result);
   KrDeviceAdapter adapter(*device);
-  const KrDeviceSerial devicePort = FindPort(arguments[1]);
+  const KrDeviceSerial devicePort = FindPort(arguments.port);
   if (devicePort == KrDeviceSerial::Invalid || !KrDeviceSerialPort::IsSupported(&adapter, devicePort))
     return Fail({KrResult::Code::NotFound,
-                 "The camera has no serial port " + arguments[1] + ". It has: " + ListPorts(adapter) + "."});
+                 "The camera has no serial port " + arguments.port + ". It has: " + ListPorts(adapter) + "."});
 
   KrSerialBridge bridge;
-  bridge.SetCreatingPort(isCreating);
-  result = bridge.Start(arguments[2], configuration, &adapter, devicePort);
+  bridge.SetCreatingPort(arguments.isCreating);
+  result = bridge.Start(arguments.comPort, arguments.configuration, &adapter, devicePort);
   KrHostSerialPort port;
   if (result.IsOK())
     result = KrHostSerialPorts::Find(bridge.GetSerialPort(), port);

@@ -65,6 +65,23 @@ function(build_by_pkg_config aPrefix)
   message(STATUS "Installed, built and ran: ${commandOutput}")
 endfunction()
 
+# Compiles the README's code against the installed headers.
+function(compile_readme aPrefix)
+  set(ENV{PKG_CONFIG_PATH} "${aPrefix}/${LIBRARY_FOLDER}/pkgconfig")
+  run_or_fail("Asking pkg-config for the headers" pkg-config --cflags krgui)
+  separate_arguments(flags UNIX_COMMAND "${commandOutput}")
+  execute_process(COMMAND awk "/^```cpp/ { inside = 1; next } /^```/ { inside = 0 } inside" "${README}"
+    OUTPUT_FILE "${WORK_FOLDER}/readmeblocks.h" COMMAND_ERROR_IS_FATAL ANY)
+  file(STRINGS "${WORK_FOLDER}/readmeblocks.h" lines)
+  list(LENGTH lines count)
+  if(count LESS 30)
+    message(FATAL_ERROR "${README} shows too little code.")
+  endif()
+  # What a block shows may be used by the reader alone.
+  run_or_fail("Compiling the README's code" "${COMPILER}" -std=c++20 -Wall -Wextra -Werror -Wno-unused-variable
+    -fsyntax-only "-I${WORK_FOLDER}" ${flags} "${CMAKE_CURRENT_LIST_DIR}/readmeprogram.cpp")
+endfunction()
+
 set(sanitizeFlag "")
 if(SANITIZE)
   set(sanitizeFlag "-fsanitize=${SANITIZE}")

@@ -1,5 +1,5 @@
-# Installs a build tree, then builds against what was installed as a user would: each example by find_package, and a program
-# of one file by pkg-config.
+# Installs a build tree, then builds against what was installed as a user would: each example by find_package, a program of one
+# file by pkg-config, and what the README shows.
 cmake_minimum_required(VERSION 3.25)
 include("${CMAKE_CURRENT_LIST_DIR}/installsteps.cmake")
 
@@ -45,3 +45,4 @@ if(NOT commandOutput MATCHES "100% tests passed, 0 tests failed out of 1")
   message(FATAL_ERROR "The tests of test_on_lab did not run:\n${commandOutput}")
 endif()
 build_by_pkg_config("${prefix}")
+compile_readme("${prefix}")
