@@ -1,9 +1,8 @@
 #include "acquisition.h"
 
-#include "plaintext.h"
+#include "overlaytext.h"
 
 #include <chrono>
-#include <string>
 #include <utility>
 
 namespace krviewer {
@@ -11,7 +10,6 @@ namespace krviewer {
 namespace {
 
 constexpr std::uint32_t kRetrieveTimeoutMs = 100;
-constexpr std::uint64_t kOverlayPeriodNs = 100'000'000;
 constexpr std::chrono::seconds kRetryPause{1};
 constexpr int kMostReturns = 3; // A camera that keeps silent about a register streams without it.
 
@@ -47,24 +45,10 @@ KrResult ExecuteTrigger(KrGenParameterArray& aParameters) {
 
 } // namespace
 
-KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStatistics) {
-  return krapps::FormatFixed(aMeter.GetFramesPerSecond(), 1) + " frames/s   " +
-         krapps::FormatFixed(aMeter.GetMegabytesPerSecond(), 1) + " MB/s\nincomplete " +
-         std::to_string(aStatistics.incomplete) + "   missing " + std::to_string(aStatistics.missingPackets) +
-         "   resent " + std::to_string(aStatistics.resentPackets);
-}
-
-KrString BreakIntoSentences(const KrString& aText) {
-  std::string text = aText.ToUtf8();
-  for (std::size_t end = text.find(". "); end != std::string::npos; end = text.find(". ", end))
-    text.replace(end, 2, ".\n");
-  return text;
-}
-
 Acquisition::Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, const AcquisitionOptions& aOptions)
-    : mWindow(aWindow), mDeviceInfo(aDevice), mOptions(aOptions),
+    : mDeviceInfo(aDevice), mOptions(aOptions),
       mFrames("a frame sink", "krviewer", {"Acquisition::Notify", "acquisition"}),
-      mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing),
+      mPicture(aWindow, aOptions.hasTextOverlay), mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing),
       mThread([this](std::stop_token aStop) { Run(aStop); }) {}
 
 Acquisition::~Acquisition() {
@@ -80,8 +64,16 @@ void Acquisition::Stop() {
 }
 
 AcquisitionProgress Acquisition::GetProgress() const {
+  const std::optional<double> temperatureC = mThermometer.GetCelsius();
   const std::lock_guard lock(mMutex);
-  return mProgress;
+  const std::uint64_t now = GetSteadyNs(); // Not before the latest frame.
+  AcquisitionProgress progress = mProgress;
+  progress.temperatureC = temperatureC;
+  if (!mMeter.IsStale(now)) {
+    progress.framesPerSecond = mMeter.GetFramesPerSecond();
+    progress.megabytesPerSecond = mMeter.GetMegabytesPerSecond();
+  }
+  return progress;
 }
 
 void Acquisition::SetState(AcquisitionState aState, const KrResult& aResult) {
@@ -133,7 +125,7 @@ void Acquisition::Do(DeviceWork aWork) {
 }
 
 void Acquisition::SetPictureWanted(bool aIsWanted) {
-  if (mIsPictureWanted.exchange(aIsWanted) != aIsWanted && aIsWanted)
+  if (mPicture.SetWanted(aIsWanted) && aIsWanted)
     Ask({.kind = AcquisitionRequest::Kind::ShowLatest});
 }
 
@@ -222,8 +214,9 @@ KrResult Acquisition::ServeConnection(std::stop_token aStop) {
   SetState(mStream->IsRunning() ? AcquisitionState::Streaming : AcquisitionState::Connected, result);
   result = Serve(aStop);
   mIsServing = false;
+  mThermometer.Leave();
   if (!result.IsOK()) {
-    ShowLatest(result);
+    mPicture.ShowLatest(result);
     // Now, as the stream ends only when a camera that is gone has had its time to answer.
     if (IsAwaited(aStop))
       SetState(AcquisitionState::Lost, result);
@@ -274,6 +267,7 @@ KrResult Acquisition::ReturnSettings(std::stop_token aStop) {
 
 void Acquisition::CloseDevice() {
   mKept.Leave();
+  mThermometer.Leave();
   for (Loan<KrGenParameterArray>& loan : mParameters)
     loan.TakeBack();
   mHostParameters.TakeBack();
@@ -282,7 +276,7 @@ void Acquisition::CloseDevice() {
     const std::lock_guard lock(mWakeMutex);
     mWoken = nullptr;
   }
-  mLatest = nullptr;
+  mPicture.LetGo();
   mLent.reset();
   mAdapter.reset();
   mStream.reset();
@@ -303,6 +297,8 @@ void Acquisition::LendDevice(KrDevice& aDevice, KrStream& aStream) {
       loan.Lend(*parameters);
   if (got.IsOK() && mOptions.frameLimit == 0)
     mKept.Follow(*parameters);
+  if (got.IsOK())
+    mThermometer.Follow(*parameters);
   const std::lock_guard lock(mMutex);
   mProgress.parameters = got;
 }
@@ -341,7 +337,7 @@ KrResult Acquisition::CarryOut(const AcquisitionRequest& aRequest) {
   case AcquisitionRequest::Kind::StopStreaming:
     return Want(Wanted::Nothing);
   case AcquisitionRequest::Kind::ShowLatest:
-    ShowLatest({});
+    mPicture.ShowLatest({});
     return {};
   case AcquisitionRequest::Kind::Work:
     break;
@@ -384,14 +380,12 @@ KrResult Acquisition::DoWork(const DeviceWork& aWork) {
 
 // What could not be started is not tried again by itself, unless the camera turns out to be lost.
 KrResult Acquisition::StartStream() {
-  mLatest = nullptr; // Its memory goes.
+  mPicture.LetGo();
   if (KrResult started = mStream->Start(); !started.IsOK()) {
     if (mIsServing && !IsConnectionTrouble(started))
       mWanted = Wanted::Nothing;
     return started;
   }
-  mMeter.Reset();
-  mOverlayNs = 0;
   mFrames.Notify([](FrameSink& aSink) { aSink.OnAcquisitionStarted(); });
   return {};
 }
@@ -402,6 +396,11 @@ void Acquisition::StopStream(const KrResult& aReason) {
   const KrStreamStatistics running = mStream->GetStatistics();
   mStream->Stop();
   mEndedStreams = Add(mEndedStreams, running);
+  {
+    const std::lock_guard lock(mMutex);
+    mProgress.statistics = mEndedStreams;
+    mMeter.Reset();
+  }
   mFrames.Notify([&](FrameSink& aSink) { aSink.OnAcquisitionEnded(aReason); });
 }
 
@@ -417,52 +416,34 @@ KrResult Acquisition::TakeFrame() {
     return {};
   if (!result.IsOK())
     return result;
-  PassOn(*frame);
   const bool isLast = mWanted == Wanted::SingleFrame && frame->GetStatus() == KrBufferStatus::Complete;
-  if (KrResult kept = KeepLatest(*frame); !kept.IsOK())
-    return kept;
+  PassOn(*frame);
   return isLast ? Want(Wanted::Nothing) : KrResult();
 }
 
-// The latest frame stays lent, so that it can be shown again, with the reason when the camera is lost.
-KrResult Acquisition::KeepLatest(KrBuffer& aFrame) {
-  KrBuffer* const former = std::exchange(mLatest, &aFrame);
-  return former ? mStream->Release(former) : KrResult();
-}
-
-void Acquisition::PassOn(const KrBuffer& aFrame) {
+// The frame goes back to the stream when it is not shown any more.
+void Acquisition::PassOn(KrBuffer& aFrame) {
   const std::uint64_t now = GetSteadyNs();
-  mMeter.Add(now, aFrame.GetAcquiredSize());
+  const std::uint64_t frameID = aFrame.GetFrameID();
+  const std::uint64_t sizeBytes = aFrame.GetAcquiredSize();
   mFrames.Notify([&](FrameSink& aSink) { aSink.OnFrame(aFrame, now); });
-  const bool isShown = mIsPictureWanted && ShowFrame(aFrame, now);
+  const bool isShown =
+      mPicture.Show(*mStream, aFrame, now, [this] { return FormatOverlay(GetMeter(), CountStatistics()); });
+  if (isShown)
+    mStream->CountShown();
   const KrStreamStatistics total = CountStatistics();
 
   const std::lock_guard lock(mMutex);
-  mProgress.figures.Add(now, aFrame.GetAcquiredSize());
+  mMeter.Add(now, sizeBytes);
+  mProgress.figures.Add(now, sizeBytes);
   mProgress.statistics = total;
   if (isShown)
-    mProgress.lastFrameID = aFrame.GetFrameID();
+    mProgress.lastFrameID = frameID;
 }
 
-// A frame that cannot be shown is told in the log and, by its absence, in the picture; the stream goes on.
-bool Acquisition::ShowFrame(const KrBuffer& aFrame, std::uint64_t aNowNs) {
-  if (mOverlayNs == 0 || aNowNs - mOverlayNs >= kOverlayPeriodNs) {
-    mWindow.SetTextOverlay(FormatOverlay(mMeter, CountStatistics()));
-    mOverlayNs = aNowNs;
-  }
-  const bool isShown = mWindow.Display(aFrame, false).IsOK();
-  if (isShown)
-    mStream->CountShown();
-  return isShown;
-}
-
-void Acquisition::ShowLatest(const KrResult& aReason) {
-  if (!mLatest)
-    return;
-  if (!aReason.IsOK())
-    mWindow.SetTextOverlay(BreakIntoSentences(aReason.GetDescription()));
-  // Where it was shown before it is shown again; another one cannot be, as before.
-  [[maybe_unused]] const KrResult shown = mWindow.Display(*mLatest, false);
+FrameMeter Acquisition::GetMeter() const {
+  const std::lock_guard lock(mMutex);
+  return mMeter;
 }
 
 } // namespace krviewer

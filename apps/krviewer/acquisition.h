@@ -3,7 +3,9 @@
 // loss and return of the camera, as it is asked to. What the user sees beside the picture is left to the viewer.
 
 #include "acquisitionprogress.h"
+#include "devicethermometer.h"
 #include "framemeter.h"
+#include "framepicture.h"
 #include "framesink.h"
 #include "hostparameters.h"
 #include "keptsettings.h"
@@ -16,7 +18,6 @@
 #include "requestqueue.h"
 
 #include <array>
-#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -39,13 +40,8 @@ inline constexpr std::size_t kParameterBorrowers = 3;
 struct AcquisitionOptions {
   std::uint64_t frameLimit = 0; ///< Ends after so many frames, or when the camera is lost before; 0 never.
   bool startsAtOnce = true;     ///< Whether the camera streams as soon as it is open.
+  bool hasTextOverlay = true;   ///< Whether rates, and why the camera was lost, are drawn over the picture.
 };
-
-/// The text drawn over the picture: rates and losses.
-KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStatistics);
-
-/// A text with each sentence in a line of its own, as the window does not wrap lines.
-KrString BreakIntoSentences(const KrString& aText);
 
 /// Streams one camera into one window, and lends its parameters and the device itself, whether it streams or not. A
 /// lost camera's parameters are lent until it is back, when they are taken back and those of the new connection lent;
@@ -55,7 +51,8 @@ KrString BreakIntoSentences(const KrString& aText);
 /// What is asked for is carried out in its order, between two frames, and what ends a request is called by LookAgain.
 /// A request that finds the camera lost, or ended, ends with ConnectionLost.
 ///
-/// Thread: user interface, where nothing is borrowed at Stop and destruction; GetProgress and GetFrames from any.
+/// Thread: user interface, but for Stop, which may be called on any other while nothing else is asked; nothing is
+/// borrowed by then, nor at destruction. GetProgress and GetFrames from any.
 /// Ownership: borrows window and device information, which must outlive it.
 class Acquisition : private KrDeviceEventSink {
 public:
@@ -131,15 +128,12 @@ private:
   KrResult StartStream();
   void StopStream(const KrResult& aReason);
   KrResult TakeFrame();
-  KrResult KeepLatest(KrBuffer& aFrame);
-  void PassOn(const KrBuffer& aFrame);
-  bool ShowFrame(const KrBuffer& aFrame, std::uint64_t aNowNs);
-  void ShowLatest(const KrResult& aReason);
+  void PassOn(KrBuffer& aFrame);
+  FrameMeter GetMeter() const;
   KrStreamStatistics CountStatistics() const;
   void SetState(AcquisitionState aState, const KrResult& aResult);
   bool IsLimitReached() const;
 
-  KrDisplayWnd& mWindow;
   const KrDeviceInfo& mDeviceInfo;
   const AcquisitionOptions mOptions;
   std::array<Loan<KrGenParameterArray>, kParameterBorrowers> mParameters;
@@ -147,7 +141,7 @@ private:
   HostParameters mHostParameters;
   FrameSinks mFrames;
   RequestQueue mRequests;
-  std::atomic<bool> mIsPictureWanted = true;
+  FramePicture mPicture;
 
   // The thread's own while it runs.
   std::unique_ptr<KrDevice> mDevice;
@@ -155,20 +149,19 @@ private:
   std::optional<KrDeviceAdapter> mAdapter;
   std::optional<LentDevice> mLent; ///< What is lent of them.
   KeptSettings mKept;
+  DeviceThermometer mThermometer;
   Wanted mWanted;
   bool mIsServing = false;          ///< Whether requests can be carried out on the device.
   bool mHasServed = false;          ///< Whether there was ever a connection.
-  KrBuffer* mLatest = nullptr;      ///< Lent by the stream, so that it can be shown again; null before the first.
   KrStreamStatistics mEndedStreams; ///< The counters of the streams that are over.
-  FrameMeter mMeter;
-  std::uint64_t mOverlayNs = 0; ///< When the text over the picture was written last; 0 for a stream without one.
 
   std::mutex mWakeMutex;      ///< Guards mWoken, and is held while that is woken, which waits for nothing.
   KrStream* mWoken = nullptr; ///< The stream whose waits a request ends.
 
-  mutable std::mutex mMutex; ///< Guards the progress, loss and return.
+  mutable std::mutex mMutex; ///< Guards the progress, the rates, loss and return.
   std::condition_variable_any mChanged;
-  AcquisitionProgress mProgress;
+  AcquisitionProgress mProgress; ///< Without what is asked for when it is copied.
+  FrameMeter mMeter;
   bool mIsBack = false;
   std::optional<KrResult> mLoss; ///< Why the device of the connection was lost.
   std::jthread mThread;          ///< Last, so that it ends before what it uses.

@@ -7,6 +7,7 @@
 #include "streamfigures.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace krviewer {
 
@@ -28,7 +29,10 @@ struct AcquisitionProgress {
   std::uint64_t returns = 0;     ///< How often the camera was lost and came back.
   SettingsReturned settings;     ///< What came of setting it as before the last time.
   krapps::StreamFigures figures;
-  KrStreamStatistics statistics; ///< Of all connections together.
+  KrStreamStatistics statistics;      ///< Of all connections together.
+  double framesPerSecond = 0;         ///< Over the last second; 0 when no frames come any more.
+  double megabytesPerSecond = 0;      ///< Likewise.
+  std::optional<double> temperatureC; ///< Of the camera, where it says one.
 };
 
 } // namespace krviewer

@@ -1,10 +1,14 @@
 #include "framemeter.h"
 
+#include <algorithm>
+
 namespace krviewer {
 
 namespace {
 
 constexpr std::uint64_t kWindowNs = 1'000'000'000;
+constexpr std::uint64_t kShortestStaleNs = 2'000'000'000;
+constexpr std::uint64_t kStaleIntervals = 3;
 
 } // namespace
 
@@ -13,6 +17,13 @@ void FrameMeter::Add(std::uint64_t aTimeNs, std::uint64_t aBytes) {
   // The two latest always stay, so that a camera slower than one frame a second has a rate too.
   while (mArrivals.size() > 2 && aTimeNs - mArrivals.front().timeNs > kWindowNs)
     mArrivals.pop_front();
+}
+
+bool FrameMeter::IsStale(std::uint64_t aNowNs) const {
+  if (mArrivals.size() < 2)
+    return true;
+  const std::uint64_t meanNs = (mArrivals.back().timeNs - mArrivals.front().timeNs) / (mArrivals.size() - 1);
+  return aNowNs - mArrivals.back().timeNs > std::max(kShortestStaleNs, kStaleIntervals * meanNs);
 }
 
 void FrameMeter::Reset() {

@@ -11,6 +11,9 @@ class FrameMeter {
 public:
   /// A frame of aBytes came at aTimeNs (nanoseconds of a steady clock, never falling).
   void Add(std::uint64_t aTimeNs, std::uint64_t aBytes);
+  /// Whether frames have not come for so long that the rates are over: two seconds, or three times as long as one took
+  /// before where that is longer.
+  bool IsStale(std::uint64_t aNowNs) const;
   /// Forgets all frames.
   void Reset();
 

@@ -4,6 +4,7 @@
 #include "acquisition.h"
 
 #include "labfixture.h"
+#include "overlaytext.h"
 
 #include <atomic>
 #include <functional>

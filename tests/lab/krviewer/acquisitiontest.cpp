@@ -343,3 +343,56 @@ TEST_F(AcquisitionTest, PictureThatIsNotWanted_IsNotDisplayedUntilItIs) {
   EXPECT_TRUE(WaitUntil([&] { return mWindow.GetInternalBuffer().GetImage()->GetWidth() == 1280; }));
   ASSERT_TRUE(acquisition.GetFrames().Unregister(&counted).IsOK());
 }
+
+TEST_F(AcquisitionTest, StartedAgain_ShowsTheFrameBeforeUntilAnotherComes) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  ASSERT_TRUE(AwaitSingle(acquisition).IsOK());
+  const AcquisitionProgress single =
+      Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.lastFrameID != 0; });
+  ASSERT_TRUE(AwaitStop(acquisition).IsOK());
+  ASSERT_TRUE(AwaitWork(acquisition, UseSoftwareTrigger).IsOK());
+
+  ASSERT_TRUE(AwaitStart(acquisition).IsOK());
+
+  const IKrImage* const shown = mWindow.GetInternalBuffer().GetImage();
+  ASSERT_EQ(shown->GetWidth(), 1280u);
+  std::vector<std::uint8_t> pattern(1280 * 960);
+  krtransport::FillPattern(KrPixel::Mono8, 1280, 960, single.lastFrameID, pattern.data());
+  for (std::size_t i = 0; i < pattern.size(); ++i)
+    ASSERT_EQ(shown->GetDataPointer()[i * 4], pattern[i]) << i;
+}
+
+TEST_F(AcquisitionTest, WithoutTextOverlay_NothingIsDrawnOverThePicture) {
+  Acquisition acquisition(mWindow, GetCamera(), {.hasTextOverlay = false});
+  Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.figures.GetFrames() >= 2; });
+
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  Await(acquisition, AcquisitionState::Lost);
+
+  EXPECT_TRUE(mWindow.GetTextOverlay().IsEmpty());
+}
+
+TEST_F(AcquisitionTest, Rates_AreThoseOfTheLastSecondAndEndWithTheStream) {
+  Acquisition acquisition(mWindow, GetCamera());
+
+  const AcquisitionProgress streaming =
+      Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.framesPerSecond > 0; });
+  ASSERT_TRUE(AwaitStop(acquisition).IsOK());
+
+  EXPECT_GT(streaming.megabytesPerSecond, streaming.framesPerSecond) << "A frame has 1.2 MB.";
+  EXPECT_EQ(acquisition.GetProgress().framesPerSecond, 0.0);
+  EXPECT_GT(acquisition.GetProgress().statistics.received, 0u);
+}
+
+TEST_F(AcquisitionTest, TemperatureOfTheCamera_IsToldUntilItIsLost) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+
+  const AcquisitionProgress progress =
+      Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.temperatureC.has_value(); });
+  ASSERT_TRUE(progress.temperatureC.has_value());
+  EXPECT_GE(*progress.temperatureC, 40.0);
+  EXPECT_LE(*progress.temperatureC, 45.0);
+
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  EXPECT_FALSE(Await(acquisition, AcquisitionState::Lost).temperatureC.has_value());
+}

@@ -1,5 +1,5 @@
 #include "framemeter.h"
-#include "acquisition.h"
+#include "overlaytext.h"
 
 #include <gtest/gtest.h>
 
@@ -75,4 +75,24 @@ TEST(FormatOverlay, RatesAndLosses_StandInTwoLines) {
   const KrString text = krviewer::FormatOverlay(meter, {.incomplete = 1, .missingPackets = 22, .resentPackets = 3});
 
   EXPECT_EQ(text, KrString("2.0 frames/s   3.0 MB/s\nincomplete 1   missing 22   resent 3"));
+}
+
+TEST(FrameMeter, FramesThatEnded_AreStaleAfterTwoSeconds) {
+  FrameMeter meter;
+  EXPECT_TRUE(meter.IsStale(0));
+
+  for (std::uint64_t i = 0; i <= 10; ++i)
+    meter.Add(i * 100 * kMillisecond, 1);
+
+  EXPECT_FALSE(meter.IsStale(3000 * kMillisecond));
+  EXPECT_TRUE(meter.IsStale(3001 * kMillisecond));
+}
+
+TEST(FrameMeter, SlowCamera_IsStaleAfterThreeOfItsIntervals) {
+  FrameMeter meter;
+  meter.Add(0, 1);
+  meter.Add(4000 * kMillisecond, 1);
+
+  EXPECT_FALSE(meter.IsStale(16000 * kMillisecond));
+  EXPECT_TRUE(meter.IsStale(16001 * kMillisecond));
 }
