@@ -41,3 +41,35 @@ if(KRGUI_SANITIZE)
     target_compile_options(kr_options INTERFACE -Wno-tsan)
   endif()
 endif()
+
+# What makes a fault in memory harder to use for somebody else. Sanitizers have checks of their own, which come in the way.
+option(KRGUI_HARDEN "Compile and link with the compiler's and the linker's protections" OFF)
+if(KRGUI_HARDEN AND NOT KRGUI_SANITIZE AND NOT KRGUI_FUZZ)
+  include(CheckCXXCompilerFlag)
+  include(CheckCXXSourceCompiles)
+  include(CheckPIESupported)
+  check_pie_supported()
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+  foreach(flag IN ITEMS -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+    string(MAKE_C_IDENTIFIER "KRGUI_HAS${flag}" has)
+    check_cxx_compiler_flag(${flag} ${has})
+    if(${has})
+      target_compile_options(kr_options INTERFACE ${flag})
+    endif()
+  endforeach()
+  # The functions that are checked are inlined, so that it takes an optimising build.
+  set(CMAKE_REQUIRED_FLAGS "-O2 -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3")
+  check_cxx_source_compiles("#include <features.h>
+    #if __USE_FORTIFY_LEVEL < 3
+    #error The compiler or the C library knows less.
+    #endif
+    int main() {}" KRGUI_HAS_FORTIFY_3)
+  unset(CMAKE_REQUIRED_FLAGS)
+  set(fortify 2)
+  if(KRGUI_HAS_FORTIFY_3)
+    set(fortify 3)
+  endif()
+  target_compile_options(kr_options INTERFACE
+    $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=${fortify}>)
+  target_link_options(kr_options INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+endif()

@@ -69,7 +69,7 @@ void Spawn() {
     if (fork() != 0)
       _exit(0);
     const pid_t own = getpid();
-    static_cast<void>(write(pipes[1], &own, sizeof own));
+    [[maybe_unused]] const ssize_t written = write(pipes[1], &own, sizeof own);
     for (;;)
       pause();
   }

@@ -1,0 +1,31 @@
+# A program or library has the protections that the build asks for. READELF, FILE, IS_PROGRAM and CALLS_CHECKING are given.
+cmake_minimum_required(VERSION 3.25)
+
+execute_process(COMMAND "${READELF}" --wide --file-header --program-headers --dynamic --dyn-syms "${FILE}"
+  OUTPUT_VARIABLE shown COMMAND_ERROR_IS_FATAL ANY)
+
+function(expect aPattern aMissing)
+  if(NOT shown MATCHES "${aPattern}")
+    message(SEND_ERROR "${FILE} ${aMissing}.")
+  endif()
+endfunction()
+function(expect_none aPattern aFault)
+  if(shown MATCHES "${aPattern}")
+    message(SEND_ERROR "${FILE} ${aFault}.")
+  endif()
+endfunction()
+
+expect("Type: +DYN" "is not of code that runs wherever it is loaded")
+if(IS_PROGRAM)
+  expect("Flags:[^\n]* PIE" "is no program that runs wherever it is loaded")
+endif()
+expect("GNU_RELRO" "lets addresses of functions be changed after it was loaded: there is no relro")
+expect("Flags: NOW" "finds functions when they are called first: it is not linked with now")
+expect("GNU_STACK[^\n]* RW " "does not say that its stack holds no code")
+expect_none("GNU_STACK[^\n]* RWE" "asks for a stack that holds code")
+expect_none("LOAD[^\n]* RWE" "has memory that is written and run")
+expect_none("TEXTREL" "has code that is changed when it is loaded")
+expect("__stack_chk_fail" "does not look whether its stack was overwritten")
+if(CALLS_CHECKING)
+  expect("__[a-z]+_chk@" "calls none of the functions that check sizes")
+endif()
