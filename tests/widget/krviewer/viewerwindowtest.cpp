@@ -19,12 +19,13 @@ namespace {
 
 class ViewerWindowTest : public ViewerTest {
 protected:
-  static QWidget* FindFinder() {
+  static QWidget* FindWindow(const QString& aTitle) {
     for (QWidget* const window : QApplication::topLevelWidgets())
-      if (window->windowTitle() == "Device Selection" && window->isVisible())
+      if (window->windowTitle() == aTitle && window->isVisible())
         return window;
     return nullptr;
   }
+  static QWidget* FindFinder() { return FindWindow("Device Selection"); }
   /// Selects a camera in the finder once it is listed, and accepts it.
   static bool PickInFinder(const QString& aName) {
     if (!Await([] { return FindFinder() != nullptr; }))
@@ -144,6 +145,21 @@ TEST_F(ViewerWindowTest, CameraMovedToAWindowOfItsOwn_StreamsOnThereAndComesBack
   EXPECT_EQ(GetTitles().size(), 2);
   EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
   EXPECT_FALSE(mViewer->IsOver());
+}
+
+TEST_F(ViewerWindowTest, TerminalOfAWindowOfItsOwn_OpensAgainOverTheTabs) {
+  Begin();
+  OpenStreaming();
+  ASSERT_TRUE(Choose("move"));
+  ASSERT_TRUE(Choose("terminal", 1));
+  ASSERT_NE(FindWindow("Device Serial Communication"), nullptr);
+
+  ASSERT_TRUE(Choose("move", 1));
+  ASSERT_TRUE(Await([this] { return mViewer->GetWindows().size() == 1; }));
+
+  EXPECT_TRUE(Await([] { return FindWindow("Device Serial Communication") == nullptr; }));
+  ASSERT_TRUE(Choose("terminal"));
+  EXPECT_NE(FindWindow("Device Serial Communication"), nullptr);
 }
 
 TEST_F(ViewerWindowTest, WindowOfItsOwnClosed_GivesItsCameraBackAndLeavesTheOthers) {
