@@ -264,10 +264,11 @@ void CameraPage::Follow(Acquisition& aAcquisition) {
 
 ShownFigures CameraPage::GetFigures() const {
   const AcquisitionProgress& progress = GetProgress();
-  return {.framesPerSecond = progress.figures.GetFramesPerSecond(),
-          .megabytesPerSecond = progress.figures.GetMegabytesPerSecond(),
+  return {.framesPerSecond = progress.framesPerSecond,
+          .megabytesPerSecond = progress.megabytesPerSecond,
           .frames = progress.figures.GetFrames(),
           .statistics = progress.statistics,
+          .temperatureC = progress.temperatureC,
           .pixel = mDisplay.GetCursorPixel()};
 }
 

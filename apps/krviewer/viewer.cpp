@@ -166,7 +166,9 @@ void Viewer::Open(const CameraInfo& aCamera) {
     if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID())
       page->AwaitEnd();
   std::printf("camera=%s\n", aCamera->GetDisplayID().CStr());
-  const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames},
+  // Pictures say how fast the frames were; on the screen the status bar does.
+  const bool hasText = mCommandLine.IsBatch();
+  const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames, .hasTextOverlay = hasText},
                             .isPictureKept = !mCommandLine.screenshotFolder.isEmpty(),
                             .number = ++mOpened};
   mPages.push_back(std::make_unique<CameraPage>(aCamera, options));
