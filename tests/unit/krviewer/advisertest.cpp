@@ -1,0 +1,192 @@
+#include "adviser.h"
+
+#include <gmock/gmock.h>
+
+using krviewer::AcquisitionProgress;
+using krviewer::AcquisitionState;
+using krviewer::Adviser;
+using krviewer::CameraLink;
+using krviewer::CameraSituation;
+using krviewer::Remedy;
+using testing::Contains;
+using testing::HasSubstr;
+
+namespace {
+
+class AdviserTest : public testing::Test {
+protected:
+  std::string Look() {
+    mRemedies = mAdviser.Look(mSituation).remedies;
+    return mAdviser.Look(mSituation).text.ToUtf8();
+  }
+  void Fail(KrResult::Code aCode) {
+    mProgress.state = AcquisitionState::Failed;
+    mProgress.result = {aCode, "why"};
+  }
+  void Stream() {
+    mProgress.state = AcquisitionState::Streaming;
+    Look();
+  }
+  // Seconds of 30 frames each that come and are shown, but for what aLose does to the figures of each.
+  template <typename Lose>
+  std::string PassSeconds(int aSeconds, Lose aLose) {
+    std::string text;
+    for (int second = 0; second < aSeconds; ++second) {
+      for (int i = 0; i < 30; ++i)
+        mProgress.figures.Add(mSituation.nowMs * 1000000, 1000);
+      mProgress.statistics.received += 30;
+      mProgress.statistics.shown += 30;
+      aLose(mProgress.statistics);
+      mSituation.nowMs += 1000;
+      text = Look();
+    }
+    return text;
+  }
+  std::string PassCalmSeconds(int aSeconds) {
+    return PassSeconds(aSeconds, [](KrStreamStatistics&) {});
+  }
+  std::string PassDiscarding(int aSeconds) {
+    return PassSeconds(aSeconds, [](KrStreamStatistics& aStatistics) { ++aStatistics.discarded; });
+  }
+
+  AcquisitionProgress mProgress;
+  CameraSituation mSituation{.progress = mProgress, .nowMs = 5000, .link = CameraLink::GigEVision};
+  Adviser mAdviser;
+  std::vector<Remedy> mRemedies;
+};
+
+} // namespace
+
+TEST_F(AdviserTest, CameraThatAnotherControls_CanBeTriedAgain) {
+  Fail(KrResult::Code::AccessDenied);
+
+  EXPECT_THAT(Look(), HasSubstr("another computer"));
+  EXPECT_THAT(mRemedies, Contains(Remedy::TryAgain));
+}
+
+TEST_F(AdviserTest, USBCameraWithoutPermission_NamesTheRule) {
+  mSituation.link = CameraLink::USB3Vision;
+  Fail(KrResult::Code::AccessDenied);
+
+  EXPECT_THAT(Look(), HasSubstr("udev"));
+}
+
+TEST_F(AdviserTest, CameraOfAForeignSubnet_CanBeGivenAnAddress) {
+  mSituation.isForeignSubnet = true;
+  Fail(KrResult::Code::NotFound);
+
+  EXPECT_THAT(Look(), HasSubstr("subnet"));
+  EXPECT_THAT(mRemedies, Contains(Remedy::ConfigureIP));
+}
+
+TEST_F(AdviserTest, CameraThatTakesLongToConnect_IsCalledSlowAfterAWhile) {
+  EXPECT_EQ(Look(), "");
+  mSituation.nowMs += 3999;
+  EXPECT_EQ(Look(), "");
+
+  mSituation.nowMs += 1;
+
+  EXPECT_THAT(Look(), HasSubstr("slow to answer"));
+}
+
+TEST_F(AdviserTest, CameraThatCouldNotBeStarted_CanBeStarted) {
+  mProgress.state = AcquisitionState::Connected;
+  EXPECT_EQ(Look(), "");
+
+  mProgress.result = {KrResult::Code::SystemError, "no memory"};
+
+  EXPECT_THAT(Look(), HasSubstr("no memory"));
+  EXPECT_THAT(mRemedies, Contains(Remedy::Start));
+}
+
+TEST_F(AdviserTest, StreamWithoutFrames_NamesTheTriggerThatTheCameraWaitsFor) {
+  mSituation.getTrigger = [] { return "Line1"; };
+  Stream();
+
+  mSituation.nowMs += 3000;
+
+  EXPECT_THAT(Look(), HasSubstr("Line1"));
+  EXPECT_EQ(PassCalmSeconds(1), "");
+}
+
+TEST_F(AdviserTest, StreamWithoutFramesOfACameraThatIsNotTriggered_NamesTheFirewall) {
+  mSituation.getTrigger = [] { return ""; };
+  Stream();
+
+  mSituation.nowMs += 3000;
+
+  EXPECT_THAT(Look(), HasSubstr("firewall"));
+}
+
+TEST_F(AdviserTest, FramesThatAreDiscarded_AreTroubleWhenThatLasts) {
+  Stream();
+
+  EXPECT_EQ(PassDiscarding(2), "");
+
+  EXPECT_THAT(PassDiscarding(1), HasSubstr("discarded"));
+}
+
+TEST_F(AdviserTest, OneSecondWithALossNowAndThen_IsNoTrouble) {
+  Stream();
+
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_EQ(PassDiscarding(1), "");
+    EXPECT_EQ(PassCalmSeconds(2), "");
+  }
+}
+
+TEST_F(AdviserTest, LossesThatEnded_AreToldForTenSecondsMore) {
+  Stream();
+  PassDiscarding(3);
+
+  EXPECT_THAT(PassCalmSeconds(9), HasSubstr("discarded"));
+
+  EXPECT_EQ(PassCalmSeconds(1), "");
+}
+
+TEST_F(AdviserTest, FramesThatComeIncomplete_NameTheNetworkOrTheBus) {
+  Stream();
+  const auto lose = [](KrStreamStatistics& aStatistics) { ++aStatistics.incomplete; };
+
+  EXPECT_THAT(PassSeconds(3, lose), HasSubstr("jumbo frames"));
+  mSituation.link = CameraLink::USB3Vision;
+  EXPECT_THAT(PassSeconds(1, lose), HasSubstr("usbfs_memory_mb"));
+}
+
+TEST_F(AdviserTest, FramesThatAreNotShown_NameTheDisplayWhenTheyAreMoreThanATenth) {
+  Stream();
+
+  EXPECT_EQ(PassSeconds(3, [this](KrStreamStatistics&) { mSituation.droppedByDisplay += 3; }), "");
+
+  EXPECT_THAT(PassSeconds(3, [this](KrStreamStatistics&) { mSituation.droppedByDisplay += 4; }),
+              HasSubstr("not take them"));
+}
+
+TEST_F(AdviserTest, SeveralTroubles_TheComputersIsTold) {
+  Stream();
+
+  EXPECT_THAT(PassSeconds(3,
+                          [](KrStreamStatistics& aStatistics) {
+                            ++aStatistics.discarded;
+                            ++aStatistics.incomplete;
+                          }),
+              HasSubstr("discarded"));
+}
+
+TEST_F(AdviserTest, StreamThatStartsAnew_BeginsWithoutTheTroubleOfTheLast) {
+  Stream();
+  PassDiscarding(3);
+
+  mProgress.state = AcquisitionState::Connected;
+  EXPECT_EQ(Look(), "");
+  Stream();
+
+  EXPECT_EQ(Look(), "");
+}
+
+TEST_F(AdviserTest, CameraWithoutAGoodDescription_IsToldWhileItStreams) {
+  mProgress.parameters = {KrResult::Code::BadData, "line 3"};
+  Stream();
+
+  EXPECT_THAT(Look(), HasSubstr("line 3"));
+}
