@@ -4,7 +4,7 @@
 
 #include "figure.h"
 #include "krbuffer/krbuffer.h"
-#include "recorder.h"
+#include "recording/recorder.h"
 
 #include <chrono>
 #include <cstdio>

@@ -6,8 +6,8 @@
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
 #include "pictures.h"
-#include "viewer.h"
-#include "viewericon.h"
+#include "window/viewer.h"
+#include "window/viewericon.h"
 
 #include <cstdio>
 #include <cstdlib>

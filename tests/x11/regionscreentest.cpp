@@ -3,7 +3,7 @@
 
 #include "displaypictures.h"
 #include "displayscreen.h"
-#include "regioneditor.h"
+#include "region/regioneditor.h"
 #include "viewerlab.h"
 #include "windowwait.h"
 

@@ -11,8 +11,8 @@
 #include "krgenicam/krgenparameterarray.h"
 #include "krtransport/krsimulatedfaults.h"
 #include "krtransport/krtransport.h"
-#include "viewer.h"
 #include "viewerlooks.h"
+#include "window/viewer.h"
 #include "windowhands.h"
 
 #include <QLineEdit>

@@ -5,7 +5,7 @@
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
 #include "temporaryfolder.h"
-#include "viewer.h"
+#include "window/viewer.h"
 
 #include <gmock/gmock.h>
 

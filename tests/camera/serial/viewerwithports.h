@@ -2,8 +2,8 @@
 // A user at the viewer of a camera with serial ports.
 
 #include "terminaluser.h"
-#include "viewer.h"
 #include "viewerlooks.h"
+#include "window/viewer.h"
 
 class ViewerUser : public TerminalUser {
 protected:

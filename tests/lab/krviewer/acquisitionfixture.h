@@ -1,10 +1,10 @@
 #pragma once
 // The viewer's acquisition on a camera of the simulated lab, and waits for what it comes to.
 
-#include "acquisition.h"
+#include "acquisition/acquisition.h"
 
+#include "acquisition/overlaytext.h"
 #include "labfixture.h"
-#include "overlaytext.h"
 
 #include <atomic>
 #include <functional>

@@ -1,4 +1,4 @@
-#include "devicethermometer.h"
+#include "acquisition/devicethermometer.h"
 
 #include "labfixture.h"
 

@@ -1,9 +1,9 @@
 // Graphs of what cameras of the simulated lab really send: their ramp is known, so that a plain loop says what each
 // pixel is.
 
-#include "histogram.h"
 #include "labfixture.h"
-#include "lineprofile.h"
+#include "panels/histogram.h"
+#include "panels/lineprofile.h"
 
 #include "krdevice/krstream.h"
 

@@ -1,9 +1,9 @@
 // Recordings of simulated cameras, read back and compared with what the cameras drew.
 
-#include "acquisition.h"
+#include "acquisition/acquisition.h"
 #include "labfixture.h"
 #include "recordings.h"
-#include "regionaccess.h"
+#include "region/regionaccess.h"
 #include "simulation/testpattern.h"
 
 using namespace krviewer;

@@ -1,6 +1,6 @@
 // The region of interest of simulated cameras.
 
-#include "regionaccess.h"
+#include "region/regionaccess.h"
 
 #include "krdevice/krstream.h"
 #include "labfixture.h"

@@ -1,7 +1,7 @@
-#include "settingsreturn.h"
+#include "acquisition/settingsreturn.h"
 
+#include "acquisition/keptsettings.h"
 #include "acquisitionfixture.h"
-#include "keptsettings.h"
 #include "krtransport/krsimulatedfaults.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "adviser.h"
+#include "acquisition/adviser.h"
 
 #include <gmock/gmock.h>
 

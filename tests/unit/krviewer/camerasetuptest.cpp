@@ -1,4 +1,4 @@
-#include "camerasetup.h"
+#include "bridges/camerasetup.h"
 
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"

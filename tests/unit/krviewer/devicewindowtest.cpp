@@ -1,6 +1,6 @@
 // How a window gives a device back that it needs a loop to let go.
 
-#include "devicewindow.h"
+#include "bridges/devicewindow.h"
 
 #include "serialadapter.h"
 

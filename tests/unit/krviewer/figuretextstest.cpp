@@ -1,4 +1,4 @@
-#include "figuretexts.h"
+#include "panels/figuretexts.h"
 
 #include <gmock/gmock.h>
 

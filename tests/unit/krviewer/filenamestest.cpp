@@ -1,4 +1,4 @@
-#include "filenames.h"
+#include "recording/filenames.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "frameintervals.h"
+#include "panels/frameintervals.h"
 
-#include "intervaltable.h"
+#include "panels/intervaltable.h"
 #include "temporaryfolder.h"
 
 #include <gmock/gmock.h>

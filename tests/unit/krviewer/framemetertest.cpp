@@ -1,5 +1,5 @@
-#include "framemeter.h"
-#include "overlaytext.h"
+#include "acquisition/framemeter.h"
+#include "acquisition/overlaytext.h"
 
 #include <gtest/gtest.h>
 

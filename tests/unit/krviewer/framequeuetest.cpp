@@ -1,4 +1,4 @@
-#include "framequeue.h"
+#include "recording/framequeue.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "framesnapshots.h"
+#include "panels/framesnapshots.h"
 
 #include "graphframes.h"
 

@@ -1,4 +1,4 @@
-#include "histogram.h"
+#include "panels/histogram.h"
 
 #include "graphframes.h"
 

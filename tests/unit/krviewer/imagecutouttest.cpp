@@ -1,4 +1,4 @@
-#include "imagecutout.h"
+#include "panels/imagecutout.h"
 
 #include "graphframes.h"
 #include "krbuffer/krpixelvalue.h"

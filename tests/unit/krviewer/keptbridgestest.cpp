@@ -1,4 +1,4 @@
-#include "keptbridges.h"
+#include "bridges/keptbridges.h"
 
 #include "propertypairs.h"
 

@@ -1,4 +1,4 @@
-#include "lineprofile.h"
+#include "panels/lineprofile.h"
 
 #include "graphframes.h"
 

@@ -1,4 +1,4 @@
-#include "loan.h"
+#include "acquisition/loan.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "newestframe.h"
+#include "acquisition/newestframe.h"
 
 #include "recordings.h"
 

@@ -1,4 +1,4 @@
-#include "recentcameras.h"
+#include "window/recentcameras.h"
 
 #include <gtest/gtest.h>
 

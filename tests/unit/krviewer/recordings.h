@@ -2,7 +2,7 @@
 // Recordings made and read back in tests: frames that can be told apart, and the index as a reader of plain text has
 // it.
 
-#include "recorder.h"
+#include "recording/recorder.h"
 #include "temporaryfolder.h"
 
 #include <gtest/gtest.h>

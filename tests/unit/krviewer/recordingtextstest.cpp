@@ -1,4 +1,4 @@
-#include "recordingtexts.h"
+#include "recording/recordingtexts.h"
 
 #include <gtest/gtest.h>
 

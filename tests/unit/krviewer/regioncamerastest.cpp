@@ -1,6 +1,6 @@
 // The region of interest of cameras whose features are others than usual.
 
-#include "regionaccess.h"
+#include "region/regionaccess.h"
 
 #include "describedcamera.h"
 

@@ -1,4 +1,4 @@
-#include "regiongesture.h"
+#include "region/regiongesture.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "regionrules.h"
+#include "region/regionrules.h"
 
 #include <gmock/gmock.h>
 

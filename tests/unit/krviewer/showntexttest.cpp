@@ -1,4 +1,4 @@
-#include "showntext.h"
+#include "window/showntext.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "valuetext.h"
+#include "panels/valuetext.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "viewersettings.h"
+#include "window/viewersettings.h"
 
 #include "temporaryfolder.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 // The camera bridges of the viewer, with the frame grabber that its thread lends.
 
-#include "camerabridges.h"
+#include "bridges/camerabridges.h"
 #include "krcamerabridge/krcamerabridge.h"
 #include "viewerlab.h"
 

@@ -1,4 +1,4 @@
-#include "featurebrowser.h"
+#include "panels/featurebrowser.h"
 
 #include "viewerlab.h"
 

@@ -1,8 +1,8 @@
-#include "figurebar.h"
+#include "panels/figurebar.h"
 
 #include "contrast.h"
 #include "darkpalette.h"
-#include "graphcolours.h"
+#include "panels/graphcolours.h"
 
 #include <QLabel>
 

@@ -1,6 +1,6 @@
 // Saving the frame that is shown, through the dialog.
 
-#include "framesaver.h"
+#include "recording/framesaver.h"
 
 #include "recordings.h"
 #include "windowwait.h"

@@ -1,9 +1,9 @@
-#include "histogrampanel.h"
+#include "panels/histogrampanel.h"
 
 #include "darkpalette.h"
-#include "histogramplot.h"
-#include "numbertable.h"
 #include "panelfixture.h"
+#include "panels/histogramplot.h"
+#include "panels/numbertable.h"
 
 #include <QCheckBox>
 #include <QLabel>

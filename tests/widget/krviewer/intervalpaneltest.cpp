@@ -1,9 +1,9 @@
-#include "intervalpanel.h"
+#include "panels/intervalpanel.h"
 
 #include "darkpalette.h"
-#include "intervalplot.h"
-#include "numbertable.h"
 #include "panelfixture.h"
+#include "panels/intervalplot.h"
+#include "panels/numbertable.h"
 #include "temporaryfolder.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "lineprofilepanel.h"
+#include "panels/lineprofilepanel.h"
 
 #include "panelfixture.h"
 

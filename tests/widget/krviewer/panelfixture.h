@@ -1,7 +1,7 @@
 #pragma once
 // What the tests of the panels have in common: frames that a test gives itself, and waits for what is shown of them.
 
-#include "framesink.h"
+#include "acquisition/framesink.h"
 
 #include <QCoreApplication>
 #include <QWidget>

@@ -1,6 +1,6 @@
 // The panel that records: what its controls ask for, and what it says.
 
-#include "recordpanel.h"
+#include "recording/recordpanel.h"
 
 #include "recordings.h"
 #include "windowwait.h"

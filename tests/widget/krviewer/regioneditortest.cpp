@@ -1,6 +1,6 @@
 // A region of interest drawn on a simulated camera's picture, by mouse and keys.
 
-#include "regioneditor.h"
+#include "region/regioneditor.h"
 
 #include "viewerlab.h"
 #include "windowwait.h"

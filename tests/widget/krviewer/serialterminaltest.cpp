@@ -1,4 +1,4 @@
-#include "serialterminal.h"
+#include "bridges/serialterminal.h"
 
 #include "duringmodalloop.h"
 #include "krserial/krdeviceserialport.h"

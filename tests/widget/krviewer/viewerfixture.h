@@ -3,7 +3,7 @@
 
 #include "labfixture.h"
 #include "temporaryfolder.h"
-#include "viewer.h"
+#include "window/viewer.h"
 
 #include <QAbstractButton>
 #include <QAction>

@@ -1,7 +1,7 @@
 #pragma once
 // What the viewer's windows look at: a camera of the simulated lab on the viewer's own thread, and its loop.
 
-#include "acquisition.h"
+#include "acquisition/acquisition.h"
 #include "labfixture.h"
 
 #include <QCoreApplication>

@@ -1,0 +1,160 @@
+#include "acquisition/adviser.h"
+
+#include <algorithm>
+
+namespace krviewer {
+
+namespace {
+
+constexpr std::uint64_t kSlowConnectionMs = 4000;
+constexpr std::uint64_t kSilenceMs = 3000;
+constexpr std::uint64_t kSecondMs = 1000;
+constexpr std::size_t kRecentSeconds = 5;
+constexpr std::ptrdiff_t kLossySeconds = 3;
+constexpr std::size_t kCalmSeconds = 10;
+constexpr std::uint64_t kFewDropped = 10; ///< One in so many frames that is not shown is no trouble to anybody.
+
+const char* GetLinkAdvice(CameraLink aLink) {
+  switch (aLink) {
+  case CameraLink::GigEVision:
+    return "Packets are lost between the camera and this computer. Use jumbo frames (MTU 9000) and the largest packet "
+           "size that passes, let sockets buffer more (net.core.rmem_max), and have fewer cameras on one link; a lower "
+           "frame rate or a packet delay helps, too.";
+  case CameraLink::USB3Vision:
+    return "Frames come with parts missing. Connect the camera to a USB 3 port of the computer itself, with a short "
+           "cable, and let USB transfers have more memory (usbfs_memory_mb); a lower frame rate helps, too.";
+  case CameraLink::Other:
+    break;
+  }
+  return "Frames come with parts missing. Check the cable, and lower the frame rate.";
+}
+
+} // namespace
+
+const Advice& Adviser::Look(const CameraSituation& aSituation) {
+  if (mState != aSituation.progress.state)
+    BeginState(aSituation);
+  switch (aSituation.progress.state) {
+  case AcquisitionState::Failed:
+    mAdvice = AdviseOnFailure(aSituation);
+    break;
+  case AcquisitionState::Connecting:
+    mAdvice = AdviseOnSlowness(aSituation);
+    break;
+  case AcquisitionState::Connected:
+    mAdvice =
+        aSituation.progress.result.IsOK()
+            ? Advice()
+            : Advice{"The camera sends no frames: " + aSituation.progress.result.GetDescription(), {Remedy::Start}};
+    break;
+  case AcquisitionState::Streaming:
+    mAdvice = AdviseOnStream(aSituation);
+    break;
+  default:
+    mAdvice = {};
+  }
+  return mAdvice;
+}
+
+void Adviser::BeginState(const CameraSituation& aSituation) {
+  mState = aSituation.progress.state;
+  mStateMs = mFrameMs = mSecondMs = aSituation.nowMs;
+  mFrames = aSituation.progress.figures.GetFrames();
+  mBefore = aSituation.progress;
+  mDroppedBefore = aSituation.droppedByDisplay;
+  mSeconds.clear();
+  std::ranges::fill(mIsTold, false);
+}
+
+Advice Adviser::AdviseOnFailure(const CameraSituation& aSituation) const {
+  const KrResult& result = aSituation.progress.result;
+  if (aSituation.isForeignSubnet)
+    return {"The camera's address is of another subnet than the network adapter it is connected to. Give it an address "
+            "of that subnet, for good in the camera or for now. " +
+                result.GetDescription(),
+            {Remedy::ConfigureIP, Remedy::TryAgain}};
+  if (result == KrResult::Code::AccessDenied && aSituation.link == CameraLink::GigEVision)
+    return {result.GetDescription() + " It may be open on another computer, or in another program on this one.",
+            {Remedy::TryAgain, Remedy::OpenFinder}};
+  if (result == KrResult::Code::AccessDenied && aSituation.link == CameraLink::USB3Vision)
+    return {result.GetDescription() + " Users need a right for USB cameras: a udev rule gives it.",
+            {Remedy::TryAgain, Remedy::OpenFinder}};
+  return {result.GetDescription(), {Remedy::TryAgain, Remedy::OpenFinder}};
+}
+
+Advice Adviser::AdviseOnSlowness(const CameraSituation& aSituation) const {
+  if (aSituation.nowMs - mStateMs < kSlowConnectionMs)
+    return {};
+  return {"The camera is slow to answer. Wait a little longer, or check its cable and its power.",
+          {Remedy::OpenFinder}};
+}
+
+Advice Adviser::AdviseOnStream(const CameraSituation& aSituation) {
+  if (aSituation.nowMs - mSecondMs >= kSecondMs)
+    CountSecond(aSituation);
+  const std::uint64_t frames = aSituation.progress.figures.GetFrames();
+  if (frames != mFrames)
+    mFrameMs = aSituation.nowMs;
+  mFrames = frames;
+  if (aSituation.nowMs - mFrameMs >= kSilenceMs)
+    return AdviseOnSilence(aSituation);
+  if (Advice losses = AdviseOnLosses(aSituation.link); !losses.text.IsEmpty())
+    return losses;
+  const KrResult& parameters = aSituation.progress.parameters;
+  return parameters.IsOK() ? Advice() : Advice{"The camera's features cannot be shown: " + parameters.GetDescription()};
+}
+
+Advice Adviser::AdviseOnSilence(const CameraSituation& aSituation) const {
+  const KrString trigger = aSituation.getTrigger ? aSituation.getTrigger() : KrString();
+  if (!trigger.IsEmpty())
+    return {"The camera waits for a trigger (" + trigger + "). Trigger it, or set TriggerMode to Off."};
+  if (aSituation.link == CameraLink::GigEVision)
+    return {"No frames come from the camera. See whether a firewall keeps its packets (UDP) from this computer, and "
+            "whether packets of the size that is set pass the network; it may expose for long, too."};
+  return {"No frames come from the camera. It may expose for long, or wait for something; see its features."};
+}
+
+// A second that began late has what came since the one before.
+void Adviser::CountSecond(const CameraSituation& aSituation) {
+  const KrStreamStatistics& now = aSituation.progress.statistics;
+  const KrStreamStatistics& before = mBefore.statistics;
+  const std::uint64_t came = aSituation.progress.figures.GetFrames() - mBefore.figures.GetFrames();
+  Second second;
+  second.hasLoss[static_cast<std::size_t>(Loss::Computer)] = now.discarded > before.discarded;
+  second.hasLoss[static_cast<std::size_t>(Loss::Link)] =
+      now.incomplete > before.incomplete || now.missingFrames > before.missingFrames;
+  second.hasLoss[static_cast<std::size_t>(Loss::Display)] =
+      (aSituation.droppedByDisplay - mDroppedBefore) * kFewDropped > came;
+  mSeconds.push_back(second);
+  if (mSeconds.size() > kCalmSeconds)
+    mSeconds.pop_front();
+  mSecondMs = aSituation.nowMs;
+  mBefore = aSituation.progress;
+  mDroppedBefore = aSituation.droppedByDisplay;
+  Judge();
+}
+
+void Adviser::Judge() {
+  for (std::size_t loss = 0; loss < kLosses; ++loss) {
+    const auto hasLoss = [loss](const Second& aSecond) { return aSecond.hasLoss[loss]; };
+    const auto recent = mSeconds.end() - static_cast<std::ptrdiff_t>(std::min(kRecentSeconds, mSeconds.size()));
+    if (std::count_if(recent, mSeconds.end(), hasLoss) >= kLossySeconds)
+      mIsTold[loss] = true;
+    else if (std::none_of(mSeconds.begin(), mSeconds.end(), hasLoss))
+      mIsTold[loss] = false;
+  }
+}
+
+Advice Adviser::AdviseOnLosses(CameraLink aLink) const {
+  if (mIsTold[static_cast<std::size_t>(Loss::Computer)])
+    return {"Frames are discarded: the camera sends faster than this computer takes them. Lower the frame rate or the "
+            "image's size, or close panels and programs that you do not need."};
+  if (mIsTold[static_cast<std::size_t>(Loss::Link)])
+    return {GetLinkAdvice(aLink)};
+  if (mIsTold[static_cast<std::size_t>(Loss::Display)])
+    return {"Not all frames are shown: the display does not take them, though they have come. Recordings have them "
+            "nevertheless."};
+  return {};
+}
+
+} // namespace krviewer

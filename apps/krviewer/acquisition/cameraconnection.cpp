@@ -1,0 +1,68 @@
+#include "acquisition/cameraconnection.h"
+
+#include <utility>
+
+namespace krviewer {
+
+CameraConnection::CameraConnection(KrDisplayWnd& aWindow, const KrDeviceInfo& aCamera,
+                                   const AcquisitionOptions& aOptions, FrameSink& aFrames, GiveBack aGiveBack)
+    : mWindow(aWindow), mCamera(aCamera), mOptions(aOptions), mFrames(aFrames), mGiveBack(std::move(aGiveBack)) {}
+
+CameraConnection::~CameraConnection() {
+  Leave();
+  AwaitAway();
+}
+
+void CameraConnection::Connect() {
+  mProgress = {};
+  mAcquisition = std::make_unique<Acquisition>(mWindow, mCamera, mOptions);
+  [[maybe_unused]] const KrResult heard =
+      mAcquisition->GetFrames().Register(&mFrames); // Of an acquisition without any.
+  mPhase = Phase::Active;
+}
+
+void CameraConnection::Leave() {
+  if (mPhase != Phase::Active)
+    return;
+  mPhase = Phase::Leaving;
+  mGiveBack(*mAcquisition);
+  // A loop of that may have waited for the end already.
+  if (mPhase == Phase::Leaving && !mEnd.IsRunning())
+    BeginEnd();
+}
+
+void CameraConnection::BeginEnd() {
+  mEnd.Start([acquisition = mAcquisition.get()](const std::stop_token&) { acquisition->Stop(); }, [] {},
+             [this] { NoteAway(); });
+}
+
+void CameraConnection::AwaitAway() {
+  if (mPhase != Phase::Leaving)
+    return;
+  // In a loop of what gives back, which this call completes.
+  if (!mEnd.IsRunning()) {
+    mGiveBack(*mAcquisition);
+    if (mPhase != Phase::Leaving)
+      return;
+    BeginEnd();
+  }
+  mEnd.End();
+  NoteAway();
+}
+
+void CameraConnection::NoteAway() {
+  mProgress = mAcquisition->GetProgress();
+  mPhase = Phase::Away;
+}
+
+void CameraConnection::LookAgain() {
+  mEnd.Follow();
+  if (mPhase != Phase::Active)
+    return;
+  mAcquisition->LookAgain();
+  // What it called may have ended it.
+  if (mPhase == Phase::Active)
+    mProgress = mAcquisition->GetProgress();
+}
+
+} // namespace krviewer

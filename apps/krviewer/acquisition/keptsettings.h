@@ -1,0 +1,53 @@
+#pragma once
+// What a camera is set to, for the day on which it comes back without that: noted as it changes, from the camera's own
+// word, without moving its selectors. Setting a camera so again is left to SettingsReturn.
+
+#include "acquisition/keptsetting.h"
+#include "krgenicam/krgeneventsink.h"
+
+#include <condition_variable>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+namespace krviewer {
+
+/// Values are read one by one on a thread of its own, at first all, then those that have changed; under other positions
+/// of selectors than those that the camera had meanwhile nothing is known. A value that cannot be read any more stays
+/// as it was.
+///
+/// Thread: Follow and Leave on one, Get on any. Ownership: borrows the parameters from Follow to Leave.
+class KeptSettings : private KrGenEventSink {
+public:
+  KeptSettings() = default;
+  ~KeptSettings() override;
+  KeptSettings(const KeptSettings&) = delete;
+  KeptSettings& operator=(const KeptSettings&) = delete;
+
+  /// Notes what a camera is set to from now on, instead of one before.
+  void Follow(KrGenParameterArray& aParameters);
+  /// Ends that; what was noted stays. Accesses that are under way for it end at once.
+  void Leave();
+  /// What was noted, in the description's order.
+  std::vector<KeptSetting> Get() const;
+
+private:
+  void OnParameterUpdate(KrGenParameter* aParameter) override;
+  void Run(const std::stop_token& aStop);
+  void Read(KrGenParameter& aParameter);
+
+  KrGenParameterArray* mParameters = nullptr;
+  std::unordered_map<KrGenParameter*, std::size_t> mFeatures; ///< With their order; stays while the thread runs.
+
+  mutable std::mutex mMutex; ///< Guards the members from here on.
+  std::condition_variable_any mHasWork;
+  std::deque<KrGenParameter*> mToRead;          ///< Each once.
+  std::map<std::string, KeptSetting> mSettings; ///< By the names of their places.
+  std::jthread mThread;                         ///< Follow's and Leave's own.
+};
+
+} // namespace krviewer

@@ -1,0 +1,133 @@
+#include "bridges/bridgedialogs.h"
+
+#include "bridges/bridgewindow.h"
+#include "window/showntext.h"
+
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QWidget>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace krviewer {
+
+namespace {
+
+/// A file may hold anything: neither is a message to grow beyond the screen, nor its lines to be taken for the
+/// program's.
+constexpr int kMostLetters = 300;
+constexpr int kMostLines = 5;
+
+} // namespace
+
+BridgeWords GetSerialBridgeWords() {
+  return {.load = QStringLiteral("Load Bridge Setup"),
+          .save = QStringLiteral("Save Bridge Setup"),
+          .name = QStringLiteral("Serial Bridges"),
+          .notTakenUp = QStringLiteral("These serial bridges did not start. What can start is tried again the next "
+                                       "time that the camera is back:")};
+}
+
+BridgeWords GetCameraBridgeWords() {
+  return {.load = QStringLiteral("Load Camera Bridge Setup"),
+          .save = QStringLiteral("Save Camera Bridge Setup"),
+          .name = QStringLiteral("Camera Bridges"),
+          .notTakenUp =
+              QStringLiteral("These camera bridges are not as they were. What is not connected is tried again "
+                             "the next time that the device is back:")};
+}
+
+BridgeDialogs::BridgeDialogs(QWidget& aPage, BridgeWindow& aBridges, const BridgeWords& aWords)
+    : mPage(aPage), mBridges(aBridges), mWords(aWords) {
+  mBridges.SetTell([this](BridgeNews aNews, const KrStringList& aLines) { TellNews(aNews, aLines); });
+}
+
+BridgeDialogs::~BridgeDialogs() {
+  mBridges.SetTell(nullptr);
+}
+
+void BridgeDialogs::LookAgain() {
+  mBridges.LookAgain();
+}
+
+bool BridgeDialogs::CanShow() const {
+  return mBridges.IsOffered();
+}
+
+bool BridgeDialogs::CanUseFiles() const {
+  return !mBridges.IsWorking();
+}
+
+void BridgeDialogs::Show() {
+  if (const KrResult shown = mBridges.Show(mPage.window()->winId()); !shown.IsOK()) {
+    KrStringList lines;
+    lines.Add(shown.GetCodeString() + ": " + shown.GetDescription());
+    Tell(QStringLiteral("The window of the bridges cannot be opened:"), lines);
+  }
+}
+
+void BridgeDialogs::AskForFile(bool aIsToSave) {
+  auto* const dialog = new QFileDialog(&mPage);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setWindowTitle(aIsToSave ? mWords.save : mWords.load);
+  dialog->setAcceptMode(aIsToSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog->setFileMode(aIsToSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  dialog->setNameFilters({QStringLiteral("Bridge setups (*.xml)"), QStringLiteral("All files (*)")});
+  if (aIsToSave)
+    dialog->setDefaultSuffix(QStringLiteral("xml"));
+  connect(dialog, &QFileDialog::fileSelected, this, aIsToSave ? &BridgeDialogs::Save : &BridgeDialogs::Load);
+  dialog->open();
+}
+
+void BridgeDialogs::Load(const QString& aFileName) {
+  // Another one has begun while the dialog was open.
+  if (mBridges.IsWorking())
+    return;
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  mBridges.LoadSetup(aFileName.toUtf8().constData());
+  QGuiApplication::restoreOverrideCursor();
+}
+
+void BridgeDialogs::Save(const QString& aFileName) {
+  if (!mBridges.IsWorking())
+    mBridges.SaveSetup(aFileName.toUtf8().constData());
+}
+
+void BridgeDialogs::TellNews(BridgeNews aNews, const KrStringList& aLines) {
+  switch (aNews) {
+  case BridgeNews::NotTakenUp:
+    return Tell(mWords.notTakenUp, aLines);
+  case BridgeNews::NotLoaded:
+    return Tell(QStringLiteral("No bridges were loaded:"), aLines);
+  case BridgeNews::NotAllLoaded:
+    return Tell(QStringLiteral("Not all bridges were started:"), aLines);
+  case BridgeNews::NotSaved:
+    return Tell(QStringLiteral("The bridges were not saved:"), aLines);
+  case BridgeNews::NotAllSaved:
+    return Tell(QStringLiteral("Not all was saved that belongs to the bridges:"), aLines);
+  }
+}
+
+// One box at a time, which waits for nobody: the camera may come and go while it is open.
+void BridgeDialogs::Tell(const QString& aWhat, const KrStringList& aLines) {
+  QStringList lines;
+  for (const KrString& line : aLines)
+    lines += ToLine(ToText(line), kMostLetters);
+  std::fprintf(stderr, "%s\n%s\n", aWhat.toUtf8().constData(), lines.join('\n').toUtf8().constData());
+  QStringList shown = QStringList(aWhat) + lines.first(std::min<qsizetype>(lines.size(), kMostLines));
+  if (lines.size() > kMostLines)
+    shown += QStringLiteral("And %1 more: see the details.").arg(lines.size() - kMostLines);
+  delete mMessage;
+  mMessage =
+      new QMessageBox(QMessageBox::Warning, mWords.name, shown.join(QStringLiteral("\n\n")), QMessageBox::Ok, &mPage);
+  if (lines.size() > kMostLines)
+    mMessage->setDetailedText(lines.join('\n'));
+  mMessage->setAttribute(Qt::WA_DeleteOnClose);
+  mMessage->setTextFormat(Qt::PlainText);
+  mMessage->setModal(false);
+  mMessage->show();
+}
+
+} // namespace krviewer

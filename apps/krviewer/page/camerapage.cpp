@@ -1,0 +1,314 @@
+#include "page/camerapage.h"
+
+#include "panels/histogrampanel.h"
+#include "panels/lineprofilepanel.h"
+#include "window/showntext.h"
+
+#include <QDataStream>
+#include <QIODevice>
+#include <QMainWindow>
+#include <QVBoxLayout>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <thread>
+#include <utility>
+
+namespace krviewer {
+
+namespace {
+
+constexpr int kLookIntervalMs = 50;
+constexpr std::chrono::milliseconds kRecordingLook{10};
+/// Of what is kept of a page.
+constexpr quint32 kStateVersion = 1;
+/// The part of the page that the camera's features take at first.
+constexpr double kFeaturesShare = 0.4;
+
+bool IsOver(AcquisitionState aState) {
+  return aState == AcquisitionState::Finished || aState == AcquisitionState::Failed;
+}
+
+} // namespace
+
+CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
+    : mCamera(std::move(aCamera)), mOptions(aOptions),
+      mSaver(mNewestFrame, ToText(mCamera->GetDisplayID()), mCamera->GetUniqueID()), mBar(new MessageBar(this)),
+      mArea(new QMainWindow(this)), mPanels(*mArea), mFeatures(new ParameterPanel), mStreamFeatures(new ParameterPanel),
+      mTransportFeatures(new ParameterPanel), mIntervals(new IntervalPanel(mFrames.GetSinks())),
+      mRecordPanel(new RecordPanel(mRecorder, ToText(mCamera->GetDisplayID()), mCamera->GetUniqueID())), mTools(*this),
+      mSettings(
+          *this, [this](DeviceWork aWork) { Do(std::move(aWork)); },
+          [this](const QString& aWhat, const KrStringList& aProblems) { TellSettings(aWhat, aProblems); }),
+      mRegion(mDisplay, [this](DeviceWork aWork) { Do(std::move(aWork)); }),
+      mConnection(mDisplay, *mCamera, aOptions.acquisition, mFrames,
+                  [this](Acquisition& aAcquisition) { GiveBack(aAcquisition); }) {
+  auto* const layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addWidget(mBar);
+  layout->addWidget(&mRegion.GetBar());
+  layout->addWidget(mArea, 1);
+  mArea->setWindowFlags(Qt::Widget);
+  AddPanels();
+  connect(&mRegion, &RegionEditor::Applied, this, &CameraPage::Noticed);
+  connect(&mSaver, &FrameSaver::Saved, this, &CameraPage::Noticed);
+  for (FrameSink* const watcher : {static_cast<FrameSink*>(&mNewestFrame), static_cast<FrameSink*>(&mRecorder)})
+    [[maybe_unused]] const KrResult heard = mFrames.GetSinks().Register(watcher); // Each once.
+  connect(&mTimer, &QTimer::timeout, this, [this] { Call([](CameraPage& aPage) { aPage.LookAgain(); }); });
+}
+
+CameraPage::~CameraPage() {
+  End();
+  AwaitEnd();
+  // The panels end before what they watch, as that is no child of theirs.
+  delete mArea;
+}
+
+void CameraPage::AddPanels() {
+  mPanels.Add(Panel::Features, QStringLiteral("features"), QStringLiteral("Camera Features"), mFeatures,
+              Qt::RightDockWidgetArea);
+  mPanels.Add(Panel::StreamFeatures, QStringLiteral("streamParameters"), QStringLiteral("Stream Parameters"),
+              mStreamFeatures, Qt::RightDockWidgetArea);
+  mPanels.Add(Panel::TransportFeatures, QStringLiteral("connectionParameters"), QStringLiteral("Connection Parameters"),
+              mTransportFeatures, Qt::RightDockWidgetArea);
+  mPanels.Add(Panel::Histogram, QStringLiteral("histogram"), QStringLiteral("Histogram"),
+              new HistogramPanel(mFrames.GetSinks()), Qt::BottomDockWidgetArea);
+  mPanels.Add(Panel::LineProfile, QStringLiteral("lineProfile"), QStringLiteral("Line Profile"),
+              new LineProfilePanel(mFrames.GetSinks(), mDisplay), Qt::BottomDockWidgetArea);
+  mPanels.Add(Panel::Intervals, QStringLiteral("intervals"), QStringLiteral("Frame Intervals"), mIntervals,
+              Qt::BottomDockWidgetArea);
+  mPanels.Add(Panel::Recording, QStringLiteral("recording"), QStringLiteral("Recording"), mRecordPanel,
+              Qt::RightDockWidgetArea);
+  mPanels.Show(Panel::Features, true);
+}
+
+KrResult CameraPage::Open() {
+  auto* const place = new QWidget;
+  auto* const layout = new QVBoxLayout(place);
+  layout->setContentsMargins(0, 0, 0, 0);
+  mArea->setCentralWidget(place);
+  if (KrResult created = mDisplay.CreateIn(place); !created.IsOK())
+    return created;
+  layout->addWidget(mDisplay.GetWidget());
+  setFocusProxy(mDisplay.GetWidget());
+  Connect();
+  mTimer.start(kLookIntervalMs);
+  return {};
+}
+
+QByteArray CameraPage::SaveState() {
+  QByteArray state;
+  QDataStream stream(&state, QIODevice::WriteOnly);
+  stream << kStateVersion << mPanels.SaveLayout() << mRecordPanel->SaveState() << mSaver.SaveState();
+  for (ParameterPanel* const panel : {mFeatures, mStreamFeatures, mTransportFeatures})
+    stream << panel->SaveOptions();
+  return state;
+}
+
+void CameraPage::RestoreState(const QByteArray& aState) {
+  QDataStream stream(aState);
+  quint32 version = 0;
+  QByteArray layout;
+  QByteArray recording;
+  QByteArray saving;
+  std::array<QStringList, 3> options;
+  stream >> version >> layout >> recording >> saving >> options[0] >> options[1] >> options[2];
+  if (stream.status() != QDataStream::Ok || version != kStateVersion)
+    return;
+  mHasWidths = mPanels.RestoreLayout(layout);
+  mRecordPanel->RestoreState(recording);
+  mSaver.RestoreState(saving);
+  mFeatures->RestoreOptions(options[0]);
+  mStreamFeatures->RestoreOptions(options[1]);
+  mTransportFeatures->RestoreOptions(options[2]);
+}
+
+void CameraPage::Connect() {
+  mHasToldEnd = false;
+  mIsConnectWanted = false;
+  mConnection.Connect();
+  WantPicture();
+  TellState();
+}
+
+// Nobody looks at the picture of a page behind others.
+void CameraPage::WantPicture() {
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->SetPictureWanted(mOptions.isPictureKept || isVisible());
+}
+
+void CameraPage::GiveBack(Acquisition& aAcquisition) {
+  mRegion.Cancel();
+  mSettings.End();
+  mFeatures->GiveBack(aAcquisition.GetParameters(ParameterBorrower::Browser));
+  mStreamFeatures->GiveBack(aAcquisition.GetParameters(HostSide::Stream));
+  mTransportFeatures->GiveBack(aAcquisition.GetParameters(HostSide::Connection));
+  mTools.GiveBack(aAcquisition);
+}
+
+void CameraPage::End() {
+  mIsEnded = true;
+  mIsConnectWanted = false;
+  mRecorder.Stop();
+  Call([](CameraPage& aPage) { aPage.mConnection.Leave(); });
+}
+
+void CameraPage::AwaitEnd() {
+  mConnection.AwaitAway();
+  // What was recorded is worth the time that the disk needs for it.
+  while (mRecorder.IsBusy())
+    std::this_thread::sleep_for(kRecordingLook);
+}
+
+void CameraPage::StartOrStopRecording() {
+  mPanels.Show(Panel::Recording, true);
+  mRecordPanel->StartOrStop();
+}
+
+void CameraPage::Disconnect() {
+  Call([](CameraPage& aPage) { aPage.mConnection.Leave(); });
+  TellState();
+}
+
+void CameraPage::Reconnect() {
+  mIsConnectWanted = !mIsEnded;
+  Disconnect();
+}
+
+void CameraPage::Call(const std::function<void(CameraPage&)>& aCall) {
+  ++mCalls;
+  aCall(*this);
+  --mCalls;
+}
+
+bool CameraPage::IsConnected() const {
+  const AcquisitionState state = GetProgress().state;
+  return mConnection.GetActive() && (state == AcquisitionState::Connected || state == AcquisitionState::Streaming);
+}
+
+bool CameraPage::IsInTrouble() const {
+  const AcquisitionState state = GetProgress().state;
+  return mConnection.GetActive() && (state == AcquisitionState::Lost || state == AcquisitionState::Failed);
+}
+
+bool CameraPage::CanConnect() const {
+  return mConnection.IsAway() || (mConnection.GetActive() && GetProgress().state == AcquisitionState::Failed);
+}
+
+void CameraPage::Start() {
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->Start([this](const KrResult& aResult) { TellRefusal(QStringLiteral("start"), aResult); });
+}
+
+void CameraPage::StartSingle() {
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->StartSingle([this](const KrResult& aResult) { TellRefusal(QStringLiteral("start"), aResult); });
+}
+
+void CameraPage::StopStreaming() {
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->StopStreaming();
+}
+
+void CameraPage::Trigger() {
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->Trigger([this](const KrResult& aResult) { TellRefusal(QStringLiteral("trigger"), aResult); });
+}
+
+void CameraPage::Do(DeviceWork aWork) {
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    acquisition->Do(std::move(aWork));
+  else if (aWork.then)
+    aWork.then({KrResult::Code::ConnectionLost,
+                "Asking " + mCamera->GetDisplayID() + ": it is not connected; connect it first."});
+}
+
+void CameraPage::TellRefusal(const QString& aWhat, const KrResult& aResult) {
+  if (!aResult.IsOK())
+    mBar->Say({MessageKind::Warning,
+               QStringLiteral("The camera did not %1: %2").arg(aWhat, ToText(aResult.GetDescription()))});
+}
+
+void CameraPage::TellSettings(const QString& aWhat, const KrStringList& aProblems) {
+  for (const KrString& problem : aProblems)
+    std::fprintf(stderr, "%s\n", ToLine(ToText(problem), 1000).toUtf8().constData());
+  const QString lines = aProblems.IsEmpty() ? QString() : QLatin1Char('\n') + JoinLines(aProblems);
+  mBar->Say({aProblems.IsEmpty() ? MessageKind::Information : MessageKind::Warning, aWhat + lines});
+}
+
+void CameraPage::LookAgain() {
+  mConnection.LookAgain();
+  if (mConnection.IsAway() && mIsConnectWanted)
+    Connect();
+  TellState();
+  if (mConnection.GetActive() && IsOver(GetProgress().state) && !std::exchange(mHasToldEnd, true))
+    emit AcquisitionEnded();
+  if (Acquisition* const acquisition = mConnection.GetActive())
+    Follow(*acquisition);
+}
+
+void CameraPage::Follow(Acquisition& aAcquisition) {
+  mFeatures->Follow(aAcquisition.GetParameters(ParameterBorrower::Browser), mPanels.IsShown(Panel::Features));
+  mStreamFeatures->Follow(aAcquisition.GetParameters(HostSide::Stream), mPanels.IsShown(Panel::StreamFeatures));
+  mTransportFeatures->Follow(aAcquisition.GetParameters(HostSide::Connection),
+                             mPanels.IsShown(Panel::TransportFeatures));
+  const KrResult& parameters = GetProgress().parameters;
+  if (!parameters.IsOK() && !std::exchange(mHasToldMissing, true))
+    std::fprintf(stderr, "The camera's features cannot be shown: %s\n", parameters.GetDescription().CStr());
+  mIntervals->TakeIn(GetProgress().statistics);
+  // Last, as it may run loops.
+  mTools.Follow(aAcquisition);
+}
+
+ShownFigures CameraPage::GetFigures() const {
+  const AcquisitionProgress& progress = GetProgress();
+  return {.framesPerSecond = progress.framesPerSecond,
+          .megabytesPerSecond = progress.megabytesPerSecond,
+          .frames = progress.figures.GetFrames(),
+          .statistics = progress.statistics,
+          .temperatureC = progress.temperatureC,
+          .pixel = mDisplay.GetCursorPixel()};
+}
+
+PageState CameraPage::GetState() const {
+  return {.name = ToText(mCamera->GetDisplayID()),
+          .progress = GetProgress(),
+          .isLeaving = mConnection.IsLeaving(),
+          .isAway = mConnection.IsAway(),
+          .isWorking = mTools.IsWorking()};
+}
+
+// Of each state once: what the user has dismissed stays away, and what else was said stays as long as the state does.
+void CameraPage::TellState() {
+  const BarMessage message = MakePageMessage(GetState(), {.connect = [this] { Reconnect(); },
+                                                          .disconnect = [this] { Disconnect(); },
+                                                          .start = [this] { Start(); },
+                                                          .find = [this] { emit FindWanted(); }});
+  if (mTold == message.text)
+    return;
+  mTold = message.text;
+  mBar->Say(message);
+}
+
+void CameraPage::showEvent(QShowEvent* aEvent) {
+  QWidget::showEvent(aEvent);
+  mPanels.SetPageShown(true);
+  WantPicture();
+}
+
+void CameraPage::hideEvent(QHideEvent* aEvent) {
+  QWidget::hideEvent(aEvent);
+  mPanels.SetPageShown(false);
+  WantPicture();
+}
+
+void CameraPage::resizeEvent(QResizeEvent* aEvent) {
+  QWidget::resizeEvent(aEvent);
+  // Only a page that has its size can share it out.
+  if (isVisible() && !std::exchange(mHasWidths, true))
+    mPanels.SetWidth(Panel::Features, static_cast<int>(width() * kFeaturesShare));
+}
+
+} // namespace krviewer

@@ -1,0 +1,157 @@
+#pragma once
+// One camera on the screen: its picture, the panels around it, what is wrong with it above, and what can be done with
+// it. Frames are the acquisition's, which page is to be seen the window's.
+
+#include "acquisition/cameraconnection.h"
+#include "acquisition/devicesettings.h"
+#include "acquisition/framerelay.h"
+#include "acquisition/newestframe.h"
+#include "bridges/cameratools.h"
+#include "page/messagebar.h"
+#include "page/pagemessages.h"
+#include "page/pagepanels.h"
+#include "panels/intervalpanel.h"
+#include "panels/parameterpanel.h"
+#include "panels/shownfigures.h"
+#include "recording/framesaver.h"
+#include "recording/recorder.h"
+#include "recording/recordpanel.h"
+#include "region/regioneditor.h"
+#include "window/camerainfo.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <functional>
+
+class QMainWindow;
+
+namespace krviewer {
+
+struct PageOptions {
+  AcquisitionOptions acquisition = {};
+  bool isPictureKept = false; ///< Frames are displayed while the page is behind others, too.
+  int number = 1;             ///< Of the camera, in the order in which they were opened.
+};
+
+/// From its opening until End, with one connection after the other as the user disconnects and connects.
+///
+/// Thread: user interface. Ownership: shares the camera's information. Looks may run loops, in which the page is
+/// ended: it is deleted when IsIdle alone.
+class CameraPage : public QWidget {
+  Q_OBJECT
+
+public:
+  CameraPage(CameraInfo aCamera, const PageOptions& aOptions);
+  ~CameraPage() override;
+
+  /// Makes the picture and connects to the camera.
+  KrResult Open();
+  /// Where its panels are, and what was chosen in them, for the next page.
+  QByteArray SaveState();
+  /// What is no such state leaves all as it is at first.
+  void RestoreState(const QByteArray& aState);
+  /// Begins to give the camera back for good; a recording stops.
+  void End();
+  /// Waits until it is given back, and what was recorded is written.
+  void AwaitEnd();
+  /// Whether it is given back for good.
+  bool HasEnded() const { return mIsEnded && !mConnection.IsLeaving(); }
+  /// Whether nothing of the page is under way.
+  bool IsIdle() const { return mCalls == 0 && !mConnection.IsLeaving() && !mRecorder.IsBusy(); }
+
+  const KrDeviceInfo& GetCamera() const { return *mCamera; }
+  int GetNumber() const { return mOptions.number; }
+  /// The camera, and what there is to know of its state.
+  QString GetTitle() const { return MakePageTitle(GetState()); }
+  const AcquisitionProgress& GetProgress() const { return mConnection.GetProgress(); }
+  KrDisplayWnd& GetDisplay() { return mDisplay; }
+  CameraTools& GetTools() { return mTools; }
+  DeviceSettings& GetSettings() { return mSettings; }
+  bool CanSaveFrame() const { return mSaver.HasFrame(); }
+  void SaveFrame() { mSaver.Ask(this); }
+  bool IsRecording() const { return mRecorder.IsBusy(); }
+  /// Starts a recording as its panel says, which is shown, or stops the one that runs.
+  void StartOrStopRecording();
+  RegionEditor& GetRegion() { return mRegion; }
+  PagePanels& GetPanels() { return mPanels; }
+  ParameterPanel& GetFeatures() { return *mFeatures; }
+  /// What the status bar says of the camera at the moment.
+  ShownFigures GetFigures() const;
+
+  /// Whether the camera is there and does what it is asked to.
+  bool IsConnected() const;
+  bool IsStreaming() const { return IsConnected() && GetProgress().state == AcquisitionState::Streaming; }
+  /// Whether the camera is lost, or could not be had.
+  bool IsInTrouble() const;
+  /// Whether the number of frames has come, or the camera could not be had.
+  bool HasAcquisitionEnded() const { return mHasToldEnd; }
+  /// Whether there is nothing that Disconnect could give back, and Reconnect connects.
+  bool CanConnect() const;
+  bool CanDisconnect() const { return mConnection.GetActive() && !CanConnect(); }
+  void Start();
+  void StartSingle();
+  void StopStreaming();
+  void Trigger();
+  void Do(DeviceWork aWork);
+  void Disconnect();
+  /// At once, or when the camera is given back.
+  void Reconnect();
+  /// Does what may run a loop, as the page is not to be deleted meanwhile.
+  void Call(const std::function<void(CameraPage&)>& aCall);
+
+signals:
+  /// The user wants to pick another camera.
+  void FindWanted();
+  /// Something was done that is worth a word and no more.
+  void Noticed(const QString& aText);
+  /// The acquisition has come to its end: the number of frames has come, or the camera could not be had.
+  void AcquisitionEnded();
+
+protected:
+  void showEvent(QShowEvent* aEvent) override;
+  void hideEvent(QHideEvent* aEvent) override;
+  void resizeEvent(QResizeEvent* aEvent) override;
+
+private:
+  void AddPanels();
+  void WantPicture();
+  void Connect();
+  void GiveBack(Acquisition& aAcquisition);
+  void LookAgain();
+  void Follow(Acquisition& aAcquisition);
+  PageState GetState() const;
+  void TellState();
+  void TellRefusal(const QString& aWhat, const KrResult& aResult);
+  void TellSettings(const QString& aWhat, const KrStringList& aProblems);
+
+  const CameraInfo mCamera;
+  const PageOptions mOptions;
+  KrDisplayWnd mDisplay;
+  FrameRelay mFrames; ///< Before whatever watches frames.
+  NewestFrame mNewestFrame;
+  Recorder mRecorder;
+  FrameSaver mSaver;
+  MessageBar* const mBar;
+  QMainWindow* const mArea;
+  PagePanels mPanels;
+  ParameterPanel* const mFeatures;
+  ParameterPanel* const mStreamFeatures;
+  ParameterPanel* const mTransportFeatures;
+  IntervalPanel* const mIntervals;
+  RecordPanel* const mRecordPanel;
+  CameraTools mTools;
+  DeviceSettings mSettings;
+  RegionEditor mRegion;
+  CameraConnection mConnection; ///< Ends before what it gives frames to.
+  QTimer mTimer;
+  QString mTold; ///< What the bar says by itself, of the state.
+  int mCalls = 0;
+  bool mHasToldMissing = false;
+  bool mHasToldEnd = false;
+  bool mIsConnectWanted = false; ///< As soon as the camera is given back.
+  bool mIsEnded = false;
+  bool mHasWidths = false;
+};
+
+} // namespace krviewer

@@ -1,0 +1,117 @@
+#include "page/messagebar.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QStyle>
+#include <QToolButton>
+
+#include <utility>
+
+namespace krviewer {
+
+namespace {
+
+/// How much of the sign's colour is in the bar's background.
+constexpr double kTint = 0.18;
+
+QColor GetSignColour(MessageKind aKind) {
+  switch (aKind) {
+  case MessageKind::Information:
+    return {0x2f, 0x7f, 0xd0};
+  case MessageKind::Warning:
+    return {0xe0, 0x9a, 0x10};
+  case MessageKind::Error:
+    return {0xd0, 0x30, 0x30};
+  }
+  return {};
+}
+
+QStyle::StandardPixmap GetSign(MessageKind aKind) {
+  switch (aKind) {
+  case MessageKind::Warning:
+    return QStyle::SP_MessageBoxWarning;
+  case MessageKind::Error:
+    return QStyle::SP_MessageBoxCritical;
+  default:
+    return QStyle::SP_MessageBoxInformation;
+  }
+}
+
+QColor Mix(const QColor& aBase, const QColor& aTint) {
+  const auto mix = [](int aFrom, int aTo) { return static_cast<int>(aFrom + (aTo - aFrom) * kTint); };
+  return {mix(aBase.red(), aTint.red()), mix(aBase.green(), aTint.green()), mix(aBase.blue(), aTint.blue())};
+}
+
+} // namespace
+
+MessageBar::MessageBar(QWidget* aParent)
+    : QFrame(aParent), mIcon(new QLabel), mLabel(new QLabel), mButtons(new QHBoxLayout), mDismiss(new QToolButton) {
+  setObjectName(QStringLiteral("messageBar"));
+  setAutoFillBackground(true);
+  mLabel->setObjectName(QStringLiteral("message"));
+  mLabel->setTextFormat(Qt::PlainText);
+  mLabel->setWordWrap(true);
+  mLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  mDismiss->setAutoRaise(true);
+  mDismiss->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+  mDismiss->setFocusPolicy(Qt::StrongFocus);
+  mDismiss->setAccessibleName(QStringLiteral("Dismiss the message"));
+  mDismiss->setToolTip(mDismiss->accessibleName());
+  connect(mDismiss, &QToolButton::clicked, this, &QWidget::hide);
+  auto* const layout = new QHBoxLayout(this);
+  layout->addWidget(mIcon, 0, Qt::AlignTop);
+  layout->addWidget(mLabel, 1);
+  layout->addLayout(mButtons);
+  layout->addWidget(mDismiss, 0, Qt::AlignTop);
+  hide();
+}
+
+void MessageBar::Say(const BarMessage& aMessage) {
+  if (aMessage.text == mText)
+    return;
+  mText = aMessage.text;
+  mKind = aMessage.kind;
+  setVisible(!mText.isEmpty());
+  mLabel->setText(mText);
+  setAccessibleName(mText);
+  const int size = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+  mIcon->setPixmap(style()->standardIcon(GetSign(mKind)).pixmap(QSize(size, size), devicePixelRatioF()));
+  // A button may be the one that says this: it ends when it has been clicked.
+  while (QLayoutItem* const item = mButtons->takeAt(0)) {
+    item->widget()->hide();
+    item->widget()->deleteLater();
+    delete item;
+  }
+  for (const BarMessage::Button& button : aMessage.buttons)
+    AddButton(button);
+  mDismiss->setVisible(aMessage.canBeDismissed);
+  UpdateColours();
+}
+
+void MessageBar::AddButton(const BarMessage::Button& aButton) {
+  auto* const button = new QPushButton(aButton.text);
+  button->setAutoDefault(true);
+  connect(button, &QPushButton::clicked, this, [run = aButton.run] { run(); });
+  mButtons->addWidget(button);
+}
+
+void MessageBar::changeEvent(QEvent* aEvent) {
+  QFrame::changeEvent(aEvent);
+  if (aEvent->type() == QEvent::PaletteChange || aEvent->type() == QEvent::StyleChange)
+    UpdateColours();
+}
+
+// The window's own colours, tinted: its text stays as legible as it is, on light and on dark ones.
+void MessageBar::UpdateColours() {
+  if (std::exchange(mIsColouring, true))
+    return;
+  const QWidget* const around = parentWidget();
+  QPalette colours = around ? around->palette() : QPalette();
+  colours.setColor(QPalette::Window, Mix(colours.color(QPalette::Window), GetSignColour(mKind)));
+  setPalette(colours);
+  mIsColouring = false;
+}
+
+} // namespace krviewer

@@ -1,0 +1,94 @@
+#include "page/pagemessages.h"
+
+#include "window/showntext.h"
+
+namespace krviewer {
+
+namespace {
+
+/// A camera may have thousands of settings.
+constexpr std::size_t kMostLines = 3;
+/// A text of a camera may be of any length.
+constexpr int kMostLetters = 300;
+
+QString GetStateText(const PageState& aState) {
+  if (aState.isLeaving)
+    return QStringLiteral("disconnecting");
+  if (aState.isAway)
+    return QStringLiteral("disconnected");
+  switch (aState.progress.state) {
+  case AcquisitionState::Connecting:
+    return QStringLiteral("connecting");
+  case AcquisitionState::Connected:
+    return QStringLiteral("stopped");
+  case AcquisitionState::Lost:
+    return QStringLiteral("camera lost, waiting for it to come back");
+  case AcquisitionState::Failed:
+    return QStringLiteral("not connected");
+  default:
+    return aState.isWorking ? QStringLiteral("asking the cameras behind its ports") : QString();
+  }
+}
+
+// Why frames do not come, or the camera is not as it was, of one that is connected.
+BarMessage MakeConnectedMessage(const PageState& aState, const PageRemedies& aRemedies) {
+  const AcquisitionProgress& progress = aState.progress;
+  if (progress.state == AcquisitionState::Connected && !progress.result.IsOK())
+    return {MessageKind::Warning,
+            QStringLiteral("The camera sends no frames: %1").arg(ToText(progress.result.GetDescription())),
+            {{QStringLiteral("&Start"), aRemedies.start}}};
+  if (!progress.parameters.IsOK())
+    return {
+        MessageKind::Warning,
+        QStringLiteral("The camera's features cannot be shown: %1").arg(ToText(progress.parameters.GetDescription()))};
+  if (!progress.settings.different.IsEmpty())
+    return {
+        MessageKind::Warning,
+        QStringLiteral("The camera is back, but not set as before:\n%1").arg(JoinLines(progress.settings.different))};
+  return {};
+}
+
+} // namespace
+
+QString JoinLines(const KrStringList& aLines) {
+  QStringList lines;
+  for (const KrString& line : aLines) {
+    if (static_cast<std::size_t>(lines.size()) == kMostLines) {
+      lines += QStringLiteral("And %1 more.").arg(aLines.GetCount() - kMostLines);
+      break;
+    }
+    lines += ToLine(ToText(line), kMostLetters);
+  }
+  return lines.join(QLatin1Char('\n'));
+}
+
+QString MakePageTitle(const PageState& aState) {
+  const QString text = GetStateText(aState);
+  return text.isEmpty() ? aState.name : aState.name + QStringLiteral(" - ") + text;
+}
+
+BarMessage MakePageMessage(const PageState& aState, const PageRemedies& aRemedies) {
+  const QString reason = ToText(aState.progress.result.GetDescription());
+  if (aState.isLeaving)
+    return {.text = QStringLiteral("Disconnecting %1…").arg(aState.name), .canBeDismissed = false};
+  if (aState.isAway)
+    return {MessageKind::Information,
+            QStringLiteral("%1 is disconnected: others may use it now.").arg(aState.name),
+            {{QStringLiteral("&Connect"), aRemedies.connect}}};
+  switch (aState.progress.state) {
+  case AcquisitionState::Connecting:
+    return {.text = QStringLiteral("Connecting to %1…").arg(aState.name), .canBeDismissed = false};
+  case AcquisitionState::Lost:
+    return {MessageKind::Warning,
+            QStringLiteral("The camera is lost; it is shown again as soon as it is back.\n%1").arg(reason),
+            {{QStringLiteral("&Disconnect"), aRemedies.disconnect}}};
+  case AcquisitionState::Failed:
+    return {MessageKind::Error,
+            QStringLiteral("%1 cannot be shown.\n%2").arg(aState.name, reason),
+            {{QStringLiteral("&Try Again"), aRemedies.connect}, {QStringLiteral("&Find a Camera…"), aRemedies.find}}};
+  default:
+    return MakeConnectedMessage(aState, aRemedies);
+  }
+}
+
+} // namespace krviewer

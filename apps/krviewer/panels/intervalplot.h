@@ -1,0 +1,56 @@
+#pragma once
+// The picture of frame intervals over time, with what was lost marked when it was. What is remembered is left to
+// FrameIntervals.
+
+#include "panels/frameintervals.h"
+
+#include <QString>
+#include <QWidget>
+
+namespace krviewer {
+
+class PlotFrame;
+
+/// A kind of loss as the plot and its legend have it: colours alone would not do for everybody.
+struct LossMark {
+  std::uint64_t LossCounts::*count;
+  const char* name;
+  const char* sign; ///< One character, in UTF-8.
+};
+/// From the top of the plot downwards.
+inline constexpr LossMark kLossMarks[] = {
+    {&LossCounts::incomplete, "Incomplete", "\u25BC"},
+    {&LossCounts::missing, "Missing", "\u2715"},
+    {&LossCounts::discarded, "Discarded", "\u25A0"},
+};
+
+/// Thread: user interface.
+class IntervalPlot : public QWidget {
+  Q_OBJECT
+
+public:
+  explicit IntervalPlot(QWidget* aParent = nullptr);
+
+  /// Shows a view in place of the one before.
+  void Show(IntervalView aView);
+
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override;
+
+  /// The colours of the two curves.
+  static QColor GetArrivalColour(const QPalette& aPalette);
+  static QColor GetCameraColour(const QPalette& aPalette);
+
+protected:
+  void paintEvent(QPaintEvent* aEvent) override;
+
+private:
+  double GetSeconds(const IntervalStep& aStep) const;
+  void PaintCurve(QPainter& aPainter, const PlotFrame& aFrame, IntervalSummary IntervalStep::*aSummary,
+                  const QColor& aColour) const;
+  void PaintLosses(QPainter& aPainter, const PlotFrame& aFrame) const;
+
+  IntervalView mView;
+};
+
+} // namespace krviewer

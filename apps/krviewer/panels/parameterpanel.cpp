@@ -1,0 +1,54 @@
+#include "panels/parameterpanel.h"
+
+#include "krpersistence/krpropertylist.h"
+#include "window/showntext.h"
+
+#include <QVBoxLayout>
+
+#include <cstdio>
+
+namespace krviewer {
+
+ParameterPanel::ParameterPanel() {
+  auto* const layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+}
+
+bool ParameterPanel::Open() {
+  if (GetWindow().GetWidget())
+    return true;
+  if (mHasFailed)
+    return false;
+  const KrResult opened = GetWindow().CreateIn(this);
+  mHasFailed = !opened.IsOK();
+  if (mHasFailed)
+    std::fprintf(stderr, "The feature browser cannot be opened: %s\n", opened.GetDescription().CStr());
+  else
+    layout()->addWidget(GetWindow().GetWidget());
+  return !mHasFailed;
+}
+
+QStringList ParameterPanel::SaveOptions() {
+  KrPropertyList list;
+  [[maybe_unused]] const KrResult saved = GetWindow().Save(list); // Always OK.
+  QStringList options;
+  for (const KrProperty& property : list)
+    options << ToText(property.GetName()) << ToText(property.GetValue());
+  return options;
+}
+
+void ParameterPanel::RestoreOptions(const QStringList& aOptions) {
+  KrPropertyList list;
+  for (qsizetype index = 0; index + 1 < aOptions.size(); index += 2)
+    list.Add({aOptions[index].toStdString(), aOptions[index + 1].toStdString()});
+  [[maybe_unused]] const KrResult loaded = GetWindow().Load(list); // Always OK.
+}
+
+void ParameterPanel::Follow(Loan<KrGenParameterArray>& aParameters, bool aIsWanted) {
+  if (aIsWanted && Open())
+    mBrowser.Follow(aParameters);
+  else
+    mBrowser.GiveBack(aParameters);
+}
+
+} // namespace krviewer

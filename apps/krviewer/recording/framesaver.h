@@ -1,0 +1,73 @@
+#pragma once
+// Saves the frame that is shown, by a dialog that says where and how. How files look is krapps::WriteFrame's.
+
+#include "acquisition/newestframe.h"
+#include "backgroundcall.h"
+#include "framefile.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <deque>
+#include <memory>
+
+class QFileDialog;
+class QWidget;
+
+namespace krviewer {
+
+/// Thread: user interface; files are written on a thread of its own. What was accepted is written in any case: the end
+/// waits for it.
+/// Ownership: borrows the frame's keeper.
+class FrameSaver : public QObject {
+  Q_OBJECT
+
+public:
+  /// aCamera is for proposed names, aDeviceID goes into the files.
+  FrameSaver(const NewestFrame& aFrames, const QString& aCamera, const KrString& aDeviceID);
+  ~FrameSaver() override;
+
+  /// Whether a whole frame has come, so that there is something to save.
+  bool HasFrame() const { return mFrames.Get() != nullptr; }
+  /// Opens the dialog for the newest whole frame as it is now, whatever comes while the user thinks about it. One that
+  /// is open already comes forward.
+  void Ask(QWidget* aParent);
+  /// Writes a frame in the format that the name's extension says, else in the one used last.
+  void Save(std::shared_ptr<const KrBuffer> aFrame, const QString& aFile, QWidget* aParent);
+  bool IsBusy() const { return mCall.IsRunning() || !mJobs.empty(); }
+
+  /// Folder and format used last, to be kept; bytes that are no such state change nothing.
+  QByteArray SaveState() const;
+  void RestoreState(const QByteArray& aState);
+
+Q_SIGNALS:
+  /// In words for a status bar.
+  void Saved(const QString& aText);
+
+private:
+  struct Job {
+    std::shared_ptr<const KrBuffer> frame;
+    krapps::FrameFileOptions options;
+    QPointer<QWidget> parent; ///< Of a message, should it fail.
+    KrResult result;
+  };
+
+  void OnAccepted(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent);
+  void SetFormat(int aRow);
+  void StartNext();
+  void Tell(const Job& aJob);
+
+  const NewestFrame& mFrames;
+  const QString mCamera;
+  const KrString mDeviceID;
+  QPointer<QFileDialog> mDialog;
+  QString mFolder;
+  krapps::FrameFileFormat mFormat = krapps::FrameFileFormat::TIFF;
+  std::deque<std::shared_ptr<Job>> mJobs; ///< Those that wait.
+  BackgroundCall mCall;
+  QTimer mTimer; ///< Runs while a file is written.
+};
+
+} // namespace krviewer

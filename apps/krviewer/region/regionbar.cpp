@@ -1,0 +1,104 @@
+#include "region/regionbar.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <limits>
+
+namespace krviewer {
+
+namespace {
+
+int ToInt(std::int64_t aValue) {
+  return static_cast<int>(std::clamp<std::int64_t>(aValue, 0, std::numeric_limits<int>::max()));
+}
+
+void SetNumber(QSpinBox& aBox, std::int64_t aValue, std::int64_t aMin, std::int64_t aMax, std::int64_t aStep,
+               bool aIsFixed) {
+  const QSignalBlocker blocker(aBox);
+  aBox.setRange(ToInt(aMin), ToInt(aMax));
+  aBox.setSingleStep(ToInt(aStep));
+  // Not while the user types: a number that has become another one would be typed into.
+  if (aBox.value() != ToInt(aValue))
+    aBox.setValue(ToInt(aValue));
+  aBox.setEnabled(!aIsFixed);
+}
+
+} // namespace
+
+RegionBar::RegionBar(QWidget* aParent) : QWidget(aParent) {
+  setObjectName(QStringLiteral("regionBar"));
+  auto* const rows = new QVBoxLayout(this);
+  auto* const numbers = new QHBoxLayout;
+  rows->addLayout(numbers);
+  mNumbers = {AddNumber(tr("&X"), QStringLiteral("regionX")), AddNumber(tr("&Y"), QStringLiteral("regionY")),
+              AddNumber(tr("&Width"), QStringLiteral("regionWidth")),
+              AddNumber(tr("&Height"), QStringLiteral("regionHeight"))};
+  numbers->addStretch();
+  auto* const hint =
+      new QLabel(tr("Draw on the picture. Arrow keys move the region, with Shift they resize it, with Ctrl in "
+                    "larger steps; Enter applies it, Escape cancels."));
+  hint->setTextFormat(Qt::PlainText);
+  hint->setWordWrap(true);
+  // Beside the hint, which may become higher where there is little room.
+  auto* const buttons = new QHBoxLayout;
+  rows->addLayout(buttons);
+  buttons->addWidget(hint, 1);
+  AddButton(*buttons, tr("&Apply"), &RegionBar::ApplyWanted)->setDefault(true);
+  AddButton(*buttons, tr("&Full Frame"), &RegionBar::FullFrameWanted);
+  AddButton(*buttons, tr("Cancel"), &RegionBar::CancelWanted);
+}
+
+QSpinBox* RegionBar::AddNumber(const QString& aLabel, const QString& aName) {
+  auto* const row = qobject_cast<QHBoxLayout*>(layout()->itemAt(0)->layout());
+  auto* const label = new QLabel(aLabel);
+  auto* const box = new QSpinBox;
+  box->setObjectName(aName);
+  box->setKeyboardTracking(false); // Half of a number is none.
+  label->setBuddy(box);
+  row->addWidget(label);
+  row->addWidget(box);
+  connect(box, &QSpinBox::valueChanged, this, &RegionBar::Tell);
+  return box;
+}
+
+QPushButton* RegionBar::AddButton(QHBoxLayout& aRow, const QString& aText, void (RegionBar::*aWanted)()) {
+  auto* const button = new QPushButton(aText);
+  aRow.addWidget(button);
+  connect(button, &QPushButton::clicked, this, aWanted);
+  return button;
+}
+
+void RegionBar::Show(const Region& aRegion, const RegionLimits& aLimits) {
+  const auto set = [](QSpinBox& aOffset, QSpinBox& aLength, const RegionSpan& aSpan, const RegionAxis& aAxis) {
+    SetNumber(aOffset, aSpan.offset, aAxis.offsetMin, aAxis.extent, aAxis.offsetIncrement, aAxis.isOffsetFixed);
+    SetNumber(aLength, aSpan.length, aAxis.lengthMin, aAxis.extent, aAxis.lengthIncrement, aAxis.isLengthFixed);
+  };
+  set(*mNumbers[0], *mNumbers[2], aRegion.x, aLimits.x);
+  set(*mNumbers[1], *mNumbers[3], aRegion.y, aLimits.y);
+}
+
+void RegionBar::SetBusy(bool aIsBusy) {
+  setEnabled(!aIsBusy);
+}
+
+void RegionBar::Tell() {
+  Q_EMIT RegionTyped({{mNumbers[0]->value(), mNumbers[2]->value()}, {mNumbers[1]->value(), mNumbers[3]->value()}});
+}
+
+void RegionBar::keyPressEvent(QKeyEvent* aEvent) {
+  if (aEvent->key() == Qt::Key_Escape)
+    Q_EMIT CancelWanted();
+  else if (aEvent->key() == Qt::Key_Return || aEvent->key() == Qt::Key_Enter)
+    Q_EMIT ApplyWanted();
+  else
+    QWidget::keyPressEvent(aEvent);
+}
+
+} // namespace krviewer

@@ -1,0 +1,36 @@
+#pragma once
+// The window in which a user finds a camera, beside the viewer's own, which goes on meanwhile. What becomes of the
+// camera is left to the owner.
+
+#include "krgui/krdevicefinderwnd.h"
+#include "window/camerainfo.h"
+
+#include <functional>
+#include <memory>
+
+namespace krviewer {
+
+/// One opening after the other. Thread: user interface.
+class CameraFinder {
+public:
+  using Picked = std::function<void(const CameraInfo& aCamera)>;
+
+  /// aPicked hears, from Follow, which camera was picked.
+  explicit CameraFinder(Picked aPicked) : mPicked(std::move(aPicked)) {}
+  ~CameraFinder();
+
+  /// Opens the window over another one, or brings it to the front where it is open.
+  KrResult Show(HWND aOwner);
+  /// Says what was picked; to be called often.
+  void Follow();
+  void Close();
+
+private:
+  class Window;
+
+  const Picked mPicked;
+  /// With the cameras that it has found: those that were picked keep it.
+  std::shared_ptr<Window> mWindow;
+};
+
+} // namespace krviewer

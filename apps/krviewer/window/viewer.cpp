@@ -1,0 +1,359 @@
+#include "window/viewer.h"
+
+#include "page/pageending.h"
+#include "pictures.h"
+#include "window/aboutbox.h"
+#include "window/showntext.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QThread>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <utility>
+
+namespace krviewer {
+
+namespace {
+
+constexpr int kLookIntervalMs = 50;
+const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
+
+} // namespace
+
+Viewer::Viewer(const CommandLine& aCommandLine, const ViewerHost& aHost)
+    : mCommandLine(aCommandLine), mHost(aHost), mSettings(aCommandLine.IsBatch() ? QString() : aHost.settingsFile),
+      mRecentCameras(mSettings.GetRecentCameras()), mFinder([this](const CameraInfo& aCamera) { Open(aCamera); }) {
+  connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
+  mEndTimer.setSingleShot(true);
+  connect(&mEndTimer, &QTimer::timeout, this, &Viewer::Finish);
+}
+
+Viewer::~Viewer() {
+  mSearch.End();
+}
+
+QList<MainWindow*> Viewer::GetWindows() const {
+  QList<MainWindow*> windows;
+  for (const std::unique_ptr<MainWindow>& window : mWindows)
+    windows += window.get();
+  return windows;
+}
+
+void Viewer::Begin() {
+  mLoopLevel = thread()->loopLevel();
+  AddWindow(false).ShowOnScreen(mSettings.GetWindowLayout());
+  mTimer.start(kLookIntervalMs);
+  if (mCommandLine.seconds != 0)
+    mEndTimer.start(std::chrono::seconds(mCommandLine.seconds));
+}
+
+int Viewer::Run() {
+  mLoopLevel = thread()->loopLevel() + 1;
+  QApplication::exec();
+  // Whoever ends the loop otherwise ends the viewer, too.
+  Finish();
+  return mExitCode;
+}
+
+MainWindow& Viewer::AddWindow(bool aIsOwn) {
+  mWindows.push_back(std::make_unique<MainWindow>(aIsOwn));
+  MainWindow& window = *mWindows.back();
+  window.SetRecentCameras(mRecentCameras);
+  ConnectWindow(window);
+  return window;
+}
+
+void Viewer::ConnectWindow(MainWindow& aWindow) {
+  MainMenus& menus = aWindow.GetMenus();
+  FirstPage& first = aWindow.GetFirstPage();
+  connect(&menus, &MainMenus::FindWanted, this, &Viewer::ShowFinder);
+  connect(&first, &FirstPage::FindWanted, this, &Viewer::ShowFinder);
+  connect(&menus, &MainMenus::SimulationWanted, this, &Viewer::OpenSimulated);
+  connect(&first, &FirstPage::SimulationWanted, this, &Viewer::OpenSimulated);
+  connect(&menus, &MainMenus::CameraWanted, this, &Viewer::Search);
+  connect(&first, &FirstPage::CameraWanted, this, &Viewer::Search);
+  connect(&menus, &MainMenus::ForgetWanted, this, [this] { SetRecentCameras({}); });
+  connect(&menus, &MainMenus::QuitWanted, this, &Viewer::Finish);
+  connect(&menus, &MainMenus::AboutWanted, this, [this, &aWindow] { ShowAboutBox(aWindow, mHost.libraries); });
+  connect(&aWindow, &MainWindow::PageEndWanted, this, [this](CameraPage* aPage) { EndPage(*aPage); });
+  connect(&aWindow, &MainWindow::MoveWanted, this, [this](CameraPage* aPage) { MovePage(*aPage); });
+  connect(&aWindow, &MainWindow::EndWanted, this, [this, &aWindow] { CloseWindow(aWindow); });
+}
+
+// The window that is looked at, or the first one.
+MainWindow& Viewer::GetActiveWindow() const {
+  for (const std::unique_ptr<MainWindow>& window : mWindows)
+    if (window->isActiveWindow())
+      return *window;
+  return *mWindows.front();
+}
+
+MainWindow* Viewer::FindWindowOf(const CameraPage& aPage) const {
+  for (const std::unique_ptr<MainWindow>& window : mWindows)
+    if (window->GetPages().contains(&aPage))
+      return window.get();
+  return nullptr;
+}
+
+void Viewer::ShowFinder() {
+  if (mIsOver)
+    return;
+  MainWindow& window = GetActiveWindow();
+  if (const KrResult shown = mFinder.Show(window.winId()); !shown.IsOK())
+    window.GetBar().Say({MessageKind::Error, ToText(shown.GetDescription())});
+}
+
+void Viewer::OpenSimulated() {
+  const KrResult installed = mHost.installSimulation ? mHost.installSimulation() : KrResult();
+  if (installed.IsOK())
+    Search(kFirstSimulatedCamera);
+  else
+    GetActiveWindow().GetBar().Say({MessageKind::Error, ToText(installed.GetDescription())});
+}
+
+void Viewer::Search(const QString& aName) {
+  if (mIsOver || std::ranges::find(mWanted, aName) != mWanted.end())
+    return;
+  mWanted.push_back(aName);
+  if (!mSearch.IsRunning())
+    SearchNext();
+}
+
+void Viewer::SearchNext() {
+  if (mWanted.empty() || mIsOver)
+    return;
+  const QString name = mWanted.front();
+  GetActiveWindow().GetBar().Say(
+      {MessageKind::Information, QStringLiteral("Looking for the camera…"), {}, /*canBeDismissed=*/false});
+  mSearch.Start(name, [this, name](const CameraInfo& aCamera, const KrResult& aResult) {
+    mWanted.pop_front();
+    for (MainWindow* const window : GetWindows())
+      window->GetBar().Clear();
+    if (aResult.IsOK())
+      Open(aCamera);
+    else
+      TellNotFound(name, aResult);
+    SearchNext();
+  });
+}
+
+void Viewer::TellNotFound(const QString& aName, const KrResult& aResult) {
+  QString shown = aName;
+  for (const RecentCamera& camera : mRecentCameras.GetAll())
+    if (camera.id == aName)
+      shown = camera.name;
+  GetActiveWindow().GetBar().Say(
+      {MessageKind::Warning,
+       QStringLiteral("%1 was not found. Check its cable and its power, or look for it among all cameras.\n%2")
+           .arg(shown, ToText(aResult.GetDescription())),
+       {{QStringLiteral("&Try Again"), [this, aName] { Search(aName); }},
+        {QStringLiteral("&Find a Camera…"), [this] { ShowFinder(); }}}});
+}
+
+void Viewer::Open(const CameraInfo& aCamera) {
+  if (mIsOver)
+    return;
+  for (const std::unique_ptr<CameraPage>& page : mPages)
+    if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID()) {
+      FindWindowOf(*page)->BringForward(*page);
+      return;
+    }
+  // The same one, which was closed a moment ago, has to be given back first.
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID())
+      page->AwaitEnd();
+  std::printf("camera=%s\n", aCamera->GetDisplayID().CStr());
+  // Pictures say how fast the frames were; on the screen the status bar does.
+  const bool hasText = mCommandLine.IsBatch();
+  const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames, .hasTextOverlay = hasText},
+                            .isPictureKept = !mCommandLine.screenshotFolder.isEmpty(),
+                            .number = ++mOpened};
+  mPages.push_back(std::make_unique<CameraPage>(aCamera, options));
+  CameraPage& page = *mPages.back();
+  connect(&page, &CameraPage::FindWanted, this, &Viewer::ShowFinder);
+  connect(&page, &CameraPage::Noticed, this, [this, &page](const QString& aText) {
+    if (MainWindow* const shown = FindWindowOf(page))
+      shown->Notice(aText);
+  });
+  connect(&page, &CameraPage::AcquisitionEnded, this, [this, &page] { NoteEnd(page); });
+  MainWindow& window = GetActiveWindow();
+  window.GetBar().Clear();
+  if (const KrResult opened = page.Open(); !opened.IsOK())
+    window.GetBar().Say({MessageKind::Error, ToText(opened.GetDescription())});
+  page.RestoreState(mSettings.GetPageState());
+  window.AddPage(page);
+  RecentCameras recent = mRecentCameras;
+  recent.Add({ToText(aCamera->GetUniqueID()), ToText(aCamera->GetDisplayID())});
+  SetRecentCameras(recent);
+}
+
+void Viewer::SetRecentCameras(const RecentCameras& aCameras) {
+  mRecentCameras = aCameras;
+  mSettings.SetRecentCameras(aCameras);
+  for (MainWindow* const window : GetWindows())
+    window->SetRecentCameras(aCameras);
+}
+
+void Viewer::MovePage(CameraPage& aPage) {
+  MainWindow* const from = FindWindowOf(aPage);
+  if (!from || mIsOver)
+    return;
+  const bool isBack = from->IsOwn();
+  const QList<MainWindow*> windows = GetWindows();
+  const auto target = std::ranges::find_if(windows, [](const MainWindow* aWindow) { return !aWindow->IsOwn(); });
+  MainWindow& to = isBack && target != windows.end() ? **target : AddWindow(!isBack);
+  from->RemovePage(aPage);
+  if (!to.isVisible())
+    to.ShowOnScreen({});
+  to.AddPage(aPage);
+  aPage.show();
+  to.activateWindow();
+  if (isBack && from->GetPages().isEmpty())
+    from->close();
+}
+
+void Viewer::EndPage(CameraPage& aPage) {
+  MainWindow* const window = FindWindowOf(aPage);
+  if (!window)
+    return;
+  mSettings.SetPageState(aPage.SaveState());
+  Discard(aPage);
+  if (window->IsOwn() && window->GetPages().isEmpty())
+    window->close();
+}
+
+// Loops may run here, in which the same page, or the viewer, ends once more.
+void Viewer::Discard(CameraPage& aPage) {
+  const auto found = std::ranges::find(mPages, &aPage, &std::unique_ptr<CameraPage>::get);
+  if (found == mPages.end())
+    return;
+  mUnprinted.insert(&aPage);
+  mEndedPages.push_back(std::move(*found));
+  mPages.erase(found);
+  QString folder = mCommandLine.screenshotFolder;
+  if (!folder.isEmpty() && aPage.GetNumber() > 1)
+    folder = QDir(folder).filePath(QStringLiteral("camera-%1").arg(aPage.GetNumber()));
+  if (folder.isEmpty())
+    aPage.End();
+  else if (!EndWithPictures(aPage, folder))
+    mExitCode = 1;
+  if (MainWindow* const window = FindWindowOf(aPage))
+    window->RemovePage(aPage);
+}
+
+void Viewer::PrintEndedPages() {
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    if (page->HasEnded() && mUnprinted.erase(page.get()) > 0)
+      PrintFigures(*page, mOpened > 1 ? QStringLiteral("camera=%1 ").arg(ToText(page->GetCamera().GetDisplayID()))
+                                      : QString());
+}
+
+// What has ended may be at work still further up on the stack, in a loop of its windows: only where there is no such
+// loop it can go, and then as late as the toolkit does that.
+void Viewer::DeleteEnded() {
+  if (thread()->loopLevel() > mLoopLevel)
+    return;
+  const auto isOver = [this](const std::unique_ptr<CameraPage>& aPage) {
+    return aPage->IsIdle() && !mUnprinted.contains(aPage.get());
+  };
+  for (std::unique_ptr<CameraPage>& page : mEndedPages)
+    if (isOver(page))
+      page.release()->deleteLater();
+  std::erase(mEndedPages, nullptr);
+  for (std::unique_ptr<MainWindow>& window : mEndedWindows)
+    window.release()->deleteLater();
+  mEndedWindows.clear();
+}
+
+void Viewer::CloseWindow(MainWindow& aWindow) {
+  const auto found = std::ranges::find(mWindows, &aWindow, &std::unique_ptr<MainWindow>::get);
+  if (found == mWindows.end())
+    return;
+  if (mWindows.size() == 1)
+    return Finish();
+  KeepLayouts();
+  for (CameraPage* const page : aWindow.GetPages())
+    Discard(*page);
+  const auto still = std::ranges::find(mWindows, &aWindow, &std::unique_ptr<MainWindow>::get);
+  if (still == mWindows.end())
+    return;
+  mEndedWindows.push_back(std::move(*still));
+  mWindows.erase(still);
+}
+
+void Viewer::NoteEnd(CameraPage& aPage) {
+  const AcquisitionProgress& progress = aPage.GetProgress();
+  if (progress.state == AcquisitionState::Failed) {
+    std::fprintf(stderr, "%s: %s\n", progress.result.GetCodeString().CStr(), progress.result.GetDescription().CStr());
+    if (mCommandLine.IsBatch())
+      mExitCode = 1;
+  }
+  const bool haveAllEnded =
+      std::ranges::all_of(mPages, [](const auto& aOther) { return aOther->HasAcquisitionEnded(); });
+  if (mCommandLine.IsBatch() && haveAllEnded)
+    Finish();
+}
+
+void Viewer::LookAgain() {
+  if (mStopSignal.IsRaised())
+    return Finish();
+  mFinder.Follow();
+  mSearch.Follow();
+  for (MainWindow* const window : GetWindows())
+    window->LookAgain();
+  PrintEndedPages();
+  DeleteEnded();
+}
+
+void Viewer::KeepLayouts() {
+  if (!mWindows.empty())
+    mSettings.SetWindowLayout(mWindows.front()->SaveLayout());
+  if (CameraPage* const page = GetActiveWindow().GetCurrentPage())
+    mSettings.SetPageState(page->SaveState());
+}
+
+void Viewer::SaveWindowPicture() {
+  if (mCommandLine.screenshotFolder.isEmpty())
+    return;
+  const KrResult written = WriteWindowPicture(GetActiveWindow(), mCommandLine.screenshotFolder);
+  if (written.IsOK())
+    return;
+  std::fprintf(stderr, "No picture of the window was written: %s\n", written.GetDescription().CStr());
+  mExitCode = 1;
+}
+
+void Viewer::HideWindows() {
+  for (MainWindow* const window : GetWindows())
+    window->hide();
+}
+
+void Viewer::Finish() {
+  if (std::exchange(mIsOver, true))
+    return;
+  mTimer.stop();
+  mEndTimer.stop();
+  mSearch.End();
+  mFinder.Close();
+  KeepLayouts();
+  SaveWindowPicture();
+  // A camera that does not answer needs its time; who has closed the window does not want to look at it meanwhile.
+  const bool wantsPictures = !mCommandLine.screenshotFolder.isEmpty();
+  if (!wantsPictures)
+    HideWindows();
+  while (!mPages.empty()) {
+    CameraPage& page = *mPages.front();
+    if (wantsPictures)
+      FindWindowOf(page)->BringForward(page);
+    Discard(page);
+  }
+  HideWindows();
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    page->AwaitEnd();
+  PrintEndedPages();
+  QCoreApplication::exit();
+}
+
+} // namespace krviewer

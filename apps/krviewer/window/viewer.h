@@ -1,0 +1,99 @@
+#pragma once
+// The viewer from its command line to its end: which cameras are shown, in which windows, what is kept of them, and
+// what is printed. What a window and a camera's page do is theirs.
+
+#include "commandline.h"
+#include "page/camerapage.h"
+#include "stopsignal.h"
+#include "window/camerafinder.h"
+#include "window/camerasearch.h"
+#include "window/mainwindow.h"
+#include "window/viewersettings.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <set>
+#include <vector>
+
+namespace krviewer {
+
+/// What the program gives the viewer beside its command line.
+struct ViewerHost {
+  QString settingsFile = {};                        ///< Empty to keep nothing.
+  QStringList libraries = {};                       ///< That devices are reached by, for the box that tells of them.
+  std::function<KrResult()> installSimulation = {}; ///< Offers the simulated cameras; empty where they are offered.
+};
+
+/// Shows cameras until the last window is closed, what the command line ends it with has come, or the program is
+/// interrupted.
+///
+/// Thread: user interface. Ownership: owns windows and pages.
+class Viewer : public QObject {
+  Q_OBJECT
+
+public:
+  explicit Viewer(const CommandLine& aCommandLine, const ViewerHost& aHost = {});
+  ~Viewer() override;
+
+  /// Opens the first window.
+  void Begin();
+  /// Shows a camera in a tab of its own, or the tab in which it is shown already. Only after Begin.
+  void Open(const CameraInfo& aCamera);
+  /// Runs the application's loop until the end; gives the program's exit code.
+  int Run();
+  /// Ends everything, as if the windows had been closed.
+  void Finish();
+  bool IsOver() const { return mIsOver; }
+  /// The windows, the first one first.
+  QList<MainWindow*> GetWindows() const;
+
+private:
+  MainWindow& AddWindow(bool aIsOwn);
+  void ConnectWindow(MainWindow& aWindow);
+  void CloseWindow(MainWindow& aWindow);
+  MainWindow& GetActiveWindow() const;
+  MainWindow* FindWindowOf(const CameraPage& aPage) const;
+  void ShowFinder();
+  void OpenSimulated();
+  void Search(const QString& aName);
+  void SearchNext();
+  void TellNotFound(const QString& aName, const KrResult& aResult);
+  void MovePage(CameraPage& aPage);
+  void EndPage(CameraPage& aPage);
+  void Discard(CameraPage& aPage);
+  void PrintEndedPages();
+  void DeleteEnded();
+  void HideWindows();
+  void NoteEnd(CameraPage& aPage);
+  void SetRecentCameras(const RecentCameras& aCameras);
+  void KeepLayouts();
+  void LookAgain();
+  void SaveWindowPicture();
+
+  const CommandLine mCommandLine;
+  const ViewerHost mHost;
+  const krapps::StopSignal mStopSignal;
+  ViewerSettings mSettings;
+  RecentCameras mRecentCameras;
+  std::vector<std::unique_ptr<MainWindow>> mWindows;
+  std::vector<std::unique_ptr<CameraPage>> mPages;
+  /// Ended, and deleted when nothing of them is under way any more.
+  std::vector<std::unique_ptr<CameraPage>> mEndedPages;
+  std::set<const CameraPage*> mUnprinted; ///< Of those the ones whose figures are not printed yet.
+  std::vector<std::unique_ptr<MainWindow>> mEndedWindows;
+  CameraFinder mFinder;
+  CameraSearch mSearch;
+  std::deque<QString> mWanted; ///< Cameras that are still to be looked for.
+  QTimer mTimer;
+  QTimer mEndTimer;
+  int mOpened = 0;    ///< So many cameras so far.
+  int mLoopLevel = 0; ///< How many loops run while none of a window's own does.
+  int mExitCode = 0;
+  bool mIsOver = false;
+};
+
+} // namespace krviewer

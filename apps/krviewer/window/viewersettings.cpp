@@ -1,0 +1,81 @@
+#include "window/viewersettings.h"
+
+#include <QSettings>
+#include <QStandardPaths>
+
+namespace krviewer {
+
+namespace {
+
+constexpr const char* kRecentCameras = "cameras/recent";
+constexpr const char* kID = "id";
+constexpr const char* kName = "name";
+
+/// Layouts are written with a sum of their bytes, as the toolkit is not to be given what somebody else has written.
+constexpr qsizetype kMostBytes = 1 << 16;
+
+QByteArray Seal(const QByteArray& aBytes) {
+  return QByteArray::number(qChecksum(aBytes)) + ':' + aBytes.toBase64();
+}
+
+QByteArray Unseal(const QByteArray& aSealed) {
+  const qsizetype colon = aSealed.indexOf(':');
+  if (colon < 0 || aSealed.size() > kMostBytes)
+    return {};
+  const auto bytes = QByteArray::fromBase64Encoding(aSealed.mid(colon + 1), QByteArray::AbortOnBase64DecodingErrors);
+  return bytes && QByteArray::number(qChecksum(*bytes)) == aSealed.first(colon) ? *bytes : QByteArray();
+}
+
+} // namespace
+
+ViewerSettings::ViewerSettings(const QString& aFile) {
+  if (!aFile.isEmpty())
+    mSettings = std::make_unique<QSettings>(aFile, QSettings::IniFormat);
+}
+
+ViewerSettings::~ViewerSettings() = default;
+
+QString ViewerSettings::GetUserFile() {
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+  return folder.isEmpty() ? folder : folder + QStringLiteral("/krgui/krviewer.ini");
+}
+
+QByteArray ViewerSettings::Get(const char* aName) const {
+  return mSettings ? Unseal(mSettings->value(QLatin1String(aName)).toByteArray()) : QByteArray();
+}
+
+void ViewerSettings::Set(const char* aName, const QByteArray& aBytes) {
+  if (mSettings)
+    mSettings->setValue(QLatin1String(aName), Seal(aBytes));
+}
+
+RecentCameras ViewerSettings::GetRecentCameras() const {
+  RecentCameras cameras;
+  if (!mSettings)
+    return cameras;
+  // A file may claim any number of them.
+  const int count = static_cast<int>(
+      std::min<qsizetype>(mSettings->beginReadArray(QLatin1String(kRecentCameras)), RecentCameras::kMost));
+  for (int index = count - 1; index >= 0; --index) {
+    mSettings->setArrayIndex(index);
+    cameras.Add({mSettings->value(QLatin1String(kID)).toString(), mSettings->value(QLatin1String(kName)).toString()});
+  }
+  mSettings->endArray();
+  return cameras;
+}
+
+void ViewerSettings::SetRecentCameras(const RecentCameras& aCameras) {
+  if (!mSettings)
+    return;
+  mSettings->remove(QLatin1String(kRecentCameras));
+  const QList<RecentCamera>& all = aCameras.GetAll();
+  mSettings->beginWriteArray(QLatin1String(kRecentCameras), static_cast<int>(all.size()));
+  for (int index = 0; index < all.size(); ++index) {
+    mSettings->setArrayIndex(index);
+    mSettings->setValue(QLatin1String(kID), all[index].id);
+    mSettings->setValue(QLatin1String(kName), all[index].name);
+  }
+  mSettings->endArray();
+}
+
+} // namespace krviewer
