@@ -14,6 +14,9 @@ enum class Remedy {
   ConfigureIP, ///< Give the camera an address of the adapter's subnet.
   OpenFinder,  ///< Look for cameras.
   Start,       ///< Start acquisition.
+  Restart,     ///< Stop acquisition, and start it again.
+  Trigger,     ///< Have the camera take a frame.
+  Disconnect,  ///< Give the camera back.
 };
 
 /// Empty text for no trouble.

@@ -8,10 +8,12 @@ namespace {
 
 constexpr std::uint64_t kSlowConnectionMs = 4000;
 constexpr std::uint64_t kSilenceMs = 3000;
+constexpr std::uint64_t kSilentIntervals = 3;
 constexpr std::uint64_t kSecondMs = 1000;
 constexpr std::size_t kRecentSeconds = 5;
 constexpr std::ptrdiff_t kLossySeconds = 3;
 constexpr std::size_t kCalmSeconds = 10;
+constexpr std::uint64_t kSmoothRate = 20; ///< Frames a second; a screen shows no more than its own rate.
 constexpr std::uint64_t kFewDropped = 10; ///< One in so many frames that is not shown is no trouble to anybody.
 
 const char* GetLinkAdvice(CameraLink aLink) {
@@ -29,6 +31,19 @@ const char* GetLinkAdvice(CameraLink aLink) {
   return "Frames come with parts missing. Check the cable, and lower the frame rate.";
 }
 
+// Where what is counted begins anew, all of it is new.
+std::uint64_t CountSince(std::uint64_t aNow, std::uint64_t aBefore) {
+  return aNow >= aBefore ? aNow - aBefore : aNow;
+}
+
+Advice AdviseOnDescription(const KrResult& aParameters) {
+  if (aParameters.IsOK())
+    return {};
+  return {"The camera's features cannot be shown: " + aParameters.GetDescription() +
+          " Frames come without them. `krtool features CAMERA --faults` lists what is wrong with its description; ask "
+          "its maker for newer firmware."};
+}
+
 } // namespace
 
 const Advice& Adviser::Look(const CameraSituation& aSituation) {
@@ -44,7 +59,7 @@ const Advice& Adviser::Look(const CameraSituation& aSituation) {
   case AcquisitionState::Connected:
     mAdvice =
         aSituation.progress.result.IsOK()
-            ? Advice()
+            ? AdviseOnDescription(aSituation.progress.parameters)
             : Advice{"The camera sends no frames: " + aSituation.progress.result.GetDescription(), {Remedy::Start}};
     break;
   case AcquisitionState::Streaming:
@@ -60,6 +75,8 @@ void Adviser::BeginState(const CameraSituation& aSituation) {
   mState = aSituation.progress.state;
   mStateMs = mFrameMs = mSecondMs = aSituation.nowMs;
   mFrames = aSituation.progress.figures.GetFrames();
+  mGapMs = mAskedMs = 0;
+  mExpected = {};
   mBefore = aSituation.progress;
   mDroppedBefore = aSituation.droppedByDisplay;
   mSeconds.clear();
@@ -86,45 +103,65 @@ Advice Adviser::AdviseOnSlowness(const CameraSituation& aSituation) const {
   if (aSituation.nowMs - mStateMs < kSlowConnectionMs)
     return {};
   return {"The camera is slow to answer. Wait a little longer, or check its cable and its power.",
-          {Remedy::OpenFinder}};
+          {Remedy::Disconnect, Remedy::OpenFinder}};
 }
 
 Advice Adviser::AdviseOnStream(const CameraSituation& aSituation) {
   if (aSituation.nowMs - mSecondMs >= kSecondMs)
     CountSecond(aSituation);
-  const std::uint64_t frames = aSituation.progress.figures.GetFrames();
-  if (frames != mFrames)
-    mFrameMs = aSituation.nowMs;
-  mFrames = frames;
-  if (aSituation.nowMs - mFrameMs >= kSilenceMs)
-    return AdviseOnSilence(aSituation);
+  if (IsSilent(aSituation))
+    return AdviseOnSilence(aSituation.link);
   if (Advice losses = AdviseOnLosses(aSituation.link); !losses.text.IsEmpty())
     return losses;
-  const KrResult& parameters = aSituation.progress.parameters;
-  return parameters.IsOK() ? Advice() : Advice{"The camera's features cannot be shown: " + parameters.GetDescription()};
+  return AdviseOnDescription(aSituation.progress.parameters);
 }
 
-Advice Adviser::AdviseOnSilence(const CameraSituation& aSituation) const {
-  const KrString trigger = aSituation.getTrigger ? aSituation.getTrigger() : KrString();
-  if (!trigger.IsEmpty())
-    return {"The camera waits for a trigger (" + trigger + "). Trigger it, or set TriggerMode to Off."};
-  if (aSituation.link == CameraLink::GigEVision)
+bool Adviser::IsSilent(const CameraSituation& aSituation) {
+  const std::uint64_t now = aSituation.nowMs;
+  const std::uint64_t frames = aSituation.progress.figures.GetFrames();
+  if (const std::uint64_t came = CountSince(frames, mFrames); came > 0) {
+    mGapMs = (now - mFrameMs) / came;
+    mFrameMs = now;
+    mFrames = frames;
+  }
+  if (now - mFrameMs < std::max(kSilenceMs, kSilentIntervals * mGapMs))
+    return false;
+  if (aSituation.getExpected && (mAskedMs == 0 || now - mAskedMs >= kSecondMs)) {
+    mExpected = aSituation.getExpected();
+    mAskedMs = now;
+  }
+  return !mExpected.trigger.IsEmpty() || now - mFrameMs >= kSilentIntervals * mExpected.intervalMs;
+}
+
+Advice Adviser::AdviseOnSilence(CameraLink aLink) const {
+  if (IsSoftwareTrigger(mExpected.trigger))
+    return {"The camera waits for a trigger (" + mExpected.trigger + "). Trigger it, or set TriggerMode to Off.",
+            {Remedy::Trigger}};
+  if (!mExpected.trigger.IsEmpty())
+    return {
+        "The camera waits for a trigger (" + mExpected.trigger +
+        "). See whether a signal comes there, set TriggerSource to Software to trigger it from here, or TriggerMode "
+        "to Off."};
+  if (aLink == CameraLink::GigEVision)
     return {"No frames come from the camera. See whether a firewall keeps its packets (UDP) from this computer, and "
-            "whether packets of the size that is set pass the network; it may expose for long, too."};
-  return {"No frames come from the camera. It may expose for long, or wait for something; see its features."};
+            "whether packets of the size that is set pass the network.",
+            {Remedy::Restart}};
+  return {"No frames come from the camera. It may wait for something; see its features.", {Remedy::Restart}};
 }
 
 // A second that began late has what came since the one before.
 void Adviser::CountSecond(const CameraSituation& aSituation) {
   const KrStreamStatistics& now = aSituation.progress.statistics;
   const KrStreamStatistics& before = mBefore.statistics;
-  const std::uint64_t came = aSituation.progress.figures.GetFrames() - mBefore.figures.GetFrames();
+  const std::uint64_t came = CountSince(aSituation.progress.figures.GetFrames(), mBefore.figures.GetFrames());
   Second second;
   second.hasLoss[static_cast<std::size_t>(Loss::Computer)] = now.discarded > before.discarded;
   second.hasLoss[static_cast<std::size_t>(Loss::Link)] =
       now.incomplete > before.incomplete || now.missingFrames > before.missingFrames;
-  second.hasLoss[static_cast<std::size_t>(Loss::Display)] =
-      (aSituation.droppedByDisplay - mDroppedBefore) * kFewDropped > came;
+  const std::uint64_t dropped = CountSince(aSituation.droppedByDisplay, mDroppedBefore);
+  const std::uint64_t shown = came - std::min(dropped, came);
+  const bool isSmooth = shown * kSecondMs >= kSmoothRate * (aSituation.nowMs - mSecondMs);
+  second.hasLoss[static_cast<std::size_t>(Loss::Display)] = !isSmooth && dropped * kFewDropped > came;
   mSeconds.push_back(second);
   if (mSeconds.size() > kCalmSeconds)
     mSeconds.pop_front();
@@ -152,8 +189,9 @@ Advice Adviser::AdviseOnLosses(CameraLink aLink) const {
   if (mIsTold[static_cast<std::size_t>(Loss::Link)])
     return {GetLinkAdvice(aLink)};
   if (mIsTold[static_cast<std::size_t>(Loss::Display)])
-    return {"Not all frames are shown: the display does not take them, though they have come. Recordings have them "
-            "nevertheless."};
+    return {
+        "Not all frames are shown: the display does not take them, though they have come, and recordings have them. "
+        "Close panels and programs that you do not need, or lower the frame rate or the image's size."};
   return {};
 }
 

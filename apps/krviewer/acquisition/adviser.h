@@ -4,6 +4,7 @@
 
 #include "acquisition/acquisitionprogress.h"
 #include "acquisition/advice.h"
+#include "acquisition/expectedframes.h"
 
 #include <cstdint>
 #include <deque>
@@ -21,13 +22,13 @@ struct CameraSituation {
   CameraLink link = CameraLink::Other;
   bool isForeignSubnet = false;       ///< Its address is of none of its adapter's subnets.
   std::uint64_t droppedByDisplay = 0; ///< Of the frames that the window was given (KrDisplayStatistics).
-  /// What a camera waits for that is set to be triggered, for example Line1; empty where it is not. Asked when no
-  /// frames come.
-  std::function<KrString()> getTrigger = {};
+  /// When frames are to come, of what is known without asking the camera. Asked once a second while none come.
+  std::function<ExpectedFrames()> getExpected = {};
 };
 
 /// Losses are looked at once a second. They count as trouble when they last, three of five seconds, and as over after
 /// ten without any, so that what is said does not flicker; of several troubles the one nearest to the computer is told.
+/// No frames are trouble when none came for three seconds, and for three times as long as one takes or took before.
 ///
 /// Thread: one.
 class Adviser {
@@ -49,7 +50,8 @@ private:
   Advice AdviseOnFailure(const CameraSituation& aSituation) const;
   Advice AdviseOnSlowness(const CameraSituation& aSituation) const;
   Advice AdviseOnStream(const CameraSituation& aSituation);
-  Advice AdviseOnSilence(const CameraSituation& aSituation) const;
+  Advice AdviseOnSilence(CameraLink aLink) const;
+  bool IsSilent(const CameraSituation& aSituation);
   Advice AdviseOnLosses(CameraLink aLink) const;
   void CountSecond(const CameraSituation& aSituation);
   void Judge();
@@ -60,6 +62,9 @@ private:
   std::uint64_t mFrameMs = 0;  ///< When a frame had come since.
   std::uint64_t mSecondMs = 0; ///< When the second that is looked at began.
   std::uint64_t mFrames = 0;
+  std::uint64_t mGapMs = 0; ///< What the latest frame took.
+  ExpectedFrames mExpected;
+  std::uint64_t mAskedMs = 0;  ///< When that was asked for; 0 for never in this state.
   AcquisitionProgress mBefore; ///< At that time.
   std::uint64_t mDroppedBefore = 0;
   std::deque<Second> mSeconds; ///< The latest last.

@@ -30,6 +30,22 @@ bool IsOver(AcquisitionState aState) {
   return aState == AcquisitionState::Finished || aState == AcquisitionState::Failed;
 }
 
+CameraLink GetLink(const KrDeviceInfo& aCamera) {
+  switch (aCamera.GetType()) {
+  case KrDeviceInfoType::GEV:
+    return CameraLink::GigEVision;
+  case KrDeviceInfoType::U3V:
+    return CameraLink::USB3Vision;
+  default:
+    return CameraLink::Other;
+  }
+}
+
+std::uint64_t GetSteadyMs() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
 } // namespace
 
 CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
@@ -212,6 +228,11 @@ void CameraPage::StopStreaming() {
     acquisition->StopStreaming();
 }
 
+void CameraPage::Restart() {
+  StopStreaming();
+  Start();
+}
+
 void CameraPage::Trigger() {
   if (Acquisition* const acquisition = mConnection.GetActive())
     acquisition->Trigger([this](const KrResult& aResult) { TellRefusal(QStringLiteral("trigger"), aResult); });
@@ -242,6 +263,7 @@ void CameraPage::LookAgain() {
   mConnection.LookAgain();
   if (mConnection.IsAway() && mIsConnectWanted)
     Connect();
+  LookForTrouble();
   TellState();
   if (mConnection.GetActive() && IsOver(GetProgress().state) && !std::exchange(mHasToldEnd, true))
     emit AcquisitionEnded();
@@ -275,9 +297,23 @@ ShownFigures CameraPage::GetFigures() const {
 PageState CameraPage::GetState() const {
   return {.name = ToText(mCamera->GetDisplayID()),
           .progress = GetProgress(),
+          .advice = mAdvice,
           .isLeaving = mConnection.IsLeaving(),
           .isAway = mConnection.IsAway(),
           .isWorking = mTools.IsWorking()};
+}
+
+void CameraPage::LookForTrouble() {
+  const CameraLink link = GetLink(*mCamera);
+  mAdvice = mAdviser.Look({.progress = GetProgress(),
+                           .nowMs = GetSteadyMs(),
+                           .link = link,
+                           .isForeignSubnet = link == CameraLink::GigEVision && !mCamera->IsConfigurationValid(),
+                           .droppedByDisplay = mDisplay.GetStatistics().dropped,
+                           .getExpected = [this] {
+                             const Acquisition* const acquisition = mConnection.GetActive();
+                             return acquisition ? ExpectFrames(acquisition->GetSettings()) : ExpectedFrames();
+                           }});
 }
 
 // Of each state once: what the user has dismissed stays away, and what else was said stays as long as the state does.
@@ -285,7 +321,10 @@ void CameraPage::TellState() {
   const BarMessage message = MakePageMessage(GetState(), {.connect = [this] { Reconnect(); },
                                                           .disconnect = [this] { Disconnect(); },
                                                           .start = [this] { Start(); },
-                                                          .find = [this] { emit FindWanted(); }});
+                                                          .find = [this] { emit FindWanted(); },
+                                                          .restart = [this] { Restart(); },
+                                                          .trigger = [this] { Trigger(); },
+                                                          .setAddress = [this] { emit AddressWanted(); }});
   if (mTold == message.text)
     return;
   mTold = message.text;

@@ -2,6 +2,7 @@
 // One camera on the screen: its picture, the panels around it, what is wrong with it above, and what can be done with
 // it. Frames are the acquisition's, which page is to be seen the window's.
 
+#include "acquisition/adviser.h"
 #include "acquisition/cameraconnection.h"
 #include "acquisition/devicesettings.h"
 #include "acquisition/framerelay.h"
@@ -92,6 +93,7 @@ public:
   void Start();
   void StartSingle();
   void StopStreaming();
+  void Restart();
   void Trigger();
   void Do(DeviceWork aWork);
   void Disconnect();
@@ -103,6 +105,8 @@ public:
 signals:
   /// The user wants to pick another camera.
   void FindWanted();
+  /// The user wants to give a camera an address.
+  void AddressWanted();
   /// Something was done that is worth a word and no more.
   void Noticed(const QString& aText);
   /// The acquisition has come to its end: the number of frames has come, or the camera could not be had.
@@ -121,6 +125,7 @@ private:
   void LookAgain();
   void Follow(Acquisition& aAcquisition);
   PageState GetState() const;
+  void LookForTrouble();
   void TellState();
   void TellRefusal(const QString& aWhat, const KrResult& aResult);
   void TellSettings(const QString& aWhat, const KrStringList& aProblems);
@@ -144,6 +149,8 @@ private:
   DeviceSettings mSettings;
   RegionEditor mRegion;
   CameraConnection mConnection; ///< Ends before what it gives frames to.
+  Adviser mAdviser;
+  Advice mAdvice; ///< As of the last look.
   QTimer mTimer;
   QString mTold; ///< What the bar says by itself, of the state.
   int mCalls = 0;

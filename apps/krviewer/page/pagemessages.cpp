@@ -30,22 +30,50 @@ QString GetStateText(const PageState& aState) {
   }
 }
 
+BarMessage::Button MakeButton(Remedy aRemedy, const PageRemedies& aRemedies) {
+  switch (aRemedy) {
+  case Remedy::TryAgain:
+    return {QStringLiteral("&Try Again"), aRemedies.connect};
+  case Remedy::ConfigureIP:
+    return {QStringLiteral("Set &Address…"), aRemedies.setAddress};
+  case Remedy::OpenFinder:
+    return {QStringLiteral("&Find a Camera…"), aRemedies.find};
+  case Remedy::Start:
+    return {QStringLiteral("&Start"), aRemedies.start};
+  case Remedy::Restart:
+    return {QStringLiteral("&Restart"), aRemedies.restart};
+  case Remedy::Trigger:
+    return {QStringLiteral("Tri&gger"), aRemedies.trigger};
+  case Remedy::Disconnect:
+    break;
+  }
+  return {QStringLiteral("&Disconnect"), aRemedies.disconnect};
+}
+
+std::vector<BarMessage::Button> MakeButtons(const Advice& aAdvice, const PageRemedies& aRemedies) {
+  std::vector<BarMessage::Button> buttons;
+  for (const Remedy remedy : aAdvice.remedies)
+    buttons.push_back(MakeButton(remedy, aRemedies));
+  return buttons;
+}
+
 // Why frames do not come, or the camera is not as it was, of one that is connected.
 BarMessage MakeConnectedMessage(const PageState& aState, const PageRemedies& aRemedies) {
-  const AcquisitionProgress& progress = aState.progress;
-  if (progress.state == AcquisitionState::Connected && !progress.result.IsOK())
+  if (!aState.advice.text.IsEmpty())
+    return {MessageKind::Warning, ToText(aState.advice.text), MakeButtons(aState.advice, aRemedies)};
+  const KrStringList& different = aState.progress.settings.different;
+  if (!different.IsEmpty())
     return {MessageKind::Warning,
-            QStringLiteral("The camera sends no frames: %1").arg(ToText(progress.result.GetDescription())),
-            {{QStringLiteral("&Start"), aRemedies.start}}};
-  if (!progress.parameters.IsOK())
-    return {
-        MessageKind::Warning,
-        QStringLiteral("The camera's features cannot be shown: %1").arg(ToText(progress.parameters.GetDescription()))};
-  if (!progress.settings.different.IsEmpty())
-    return {
-        MessageKind::Warning,
-        QStringLiteral("The camera is back, but not set as before:\n%1").arg(JoinLines(progress.settings.different))};
+            QStringLiteral("The camera is back, but not set as before:\n%1").arg(JoinLines(different))};
   return {};
+}
+
+BarMessage MakeConnectingMessage(const PageState& aState, const PageRemedies& aRemedies) {
+  const QString advice = ToText(aState.advice.text);
+  const QString text = QStringLiteral("Connecting to %1…").arg(aState.name);
+  return {.text = advice.isEmpty() ? text : text + QLatin1Char('\n') + advice,
+          .buttons = MakeButtons(aState.advice, aRemedies),
+          .canBeDismissed = false};
 }
 
 } // namespace
@@ -77,15 +105,14 @@ BarMessage MakePageMessage(const PageState& aState, const PageRemedies& aRemedie
             {{QStringLiteral("&Connect"), aRemedies.connect}}};
   switch (aState.progress.state) {
   case AcquisitionState::Connecting:
-    return {.text = QStringLiteral("Connecting to %1…").arg(aState.name), .canBeDismissed = false};
+    return MakeConnectingMessage(aState, aRemedies);
   case AcquisitionState::Lost:
     return {MessageKind::Warning,
             QStringLiteral("The camera is lost; it is shown again as soon as it is back.\n%1").arg(reason),
             {{QStringLiteral("&Disconnect"), aRemedies.disconnect}}};
   case AcquisitionState::Failed:
-    return {MessageKind::Error,
-            QStringLiteral("%1 cannot be shown.\n%2").arg(aState.name, reason),
-            {{QStringLiteral("&Try Again"), aRemedies.connect}, {QStringLiteral("&Find a Camera…"), aRemedies.find}}};
+    return {MessageKind::Error, QStringLiteral("%1 cannot be shown.\n%2").arg(aState.name, ToText(aState.advice.text)),
+            MakeButtons(aState.advice, aRemedies)};
   default:
     return MakeConnectedMessage(aState, aRemedies);
   }

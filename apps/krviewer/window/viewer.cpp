@@ -174,6 +174,7 @@ void Viewer::Open(const CameraInfo& aCamera) {
   mPages.push_back(std::make_unique<CameraPage>(aCamera, options));
   CameraPage& page = *mPages.back();
   connect(&page, &CameraPage::FindWanted, this, &Viewer::ShowFinder);
+  connect(&page, &CameraPage::AddressWanted, this, &Viewer::ShowFinder);
   connect(&page, &CameraPage::Noticed, this, [this, &page](const QString& aText) {
     if (MainWindow* const shown = FindWindowOf(page))
       shown->Notice(aText);

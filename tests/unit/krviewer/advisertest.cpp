@@ -7,6 +7,7 @@ using krviewer::AcquisitionState;
 using krviewer::Adviser;
 using krviewer::CameraLink;
 using krviewer::CameraSituation;
+using krviewer::ExpectedFrames;
 using krviewer::Remedy;
 using testing::Contains;
 using testing::HasSubstr;
@@ -100,7 +101,7 @@ TEST_F(AdviserTest, CameraThatCouldNotBeStarted_CanBeStarted) {
 }
 
 TEST_F(AdviserTest, StreamWithoutFrames_NamesTheTriggerThatTheCameraWaitsFor) {
-  mSituation.getTrigger = [] { return "Line1"; };
+  mSituation.getExpected = [] { return ExpectedFrames{.trigger = "Line1"}; };
   Stream();
 
   mSituation.nowMs += 3000;
@@ -110,7 +111,7 @@ TEST_F(AdviserTest, StreamWithoutFrames_NamesTheTriggerThatTheCameraWaitsFor) {
 }
 
 TEST_F(AdviserTest, StreamWithoutFramesOfACameraThatIsNotTriggered_NamesTheFirewall) {
-  mSituation.getTrigger = [] { return ""; };
+  mSituation.getExpected = [] { return ExpectedFrames(); };
   Stream();
 
   mSituation.nowMs += 3000;
@@ -153,12 +154,12 @@ TEST_F(AdviserTest, FramesThatComeIncomplete_NameTheNetworkOrTheBus) {
   EXPECT_THAT(PassSeconds(1, lose), HasSubstr("usbfs_memory_mb"));
 }
 
-TEST_F(AdviserTest, FramesThatAreNotShown_NameTheDisplayWhenTheyAreMoreThanATenth) {
+TEST_F(AdviserTest, FramesThatAreNotShown_NameTheDisplayWhereThePictureIsNotSmooth) {
   Stream();
 
-  EXPECT_EQ(PassSeconds(3, [this](KrStreamStatistics&) { mSituation.droppedByDisplay += 3; }), "");
+  EXPECT_EQ(PassSeconds(3, [this](KrStreamStatistics&) { mSituation.droppedByDisplay += 10; }), "");
 
-  EXPECT_THAT(PassSeconds(3, [this](KrStreamStatistics&) { mSituation.droppedByDisplay += 4; }),
+  EXPECT_THAT(PassSeconds(3, [this](KrStreamStatistics&) { mSituation.droppedByDisplay += 11; }),
               HasSubstr("not take them"));
 }
 
@@ -189,4 +190,63 @@ TEST_F(AdviserTest, CameraWithoutAGoodDescription_IsToldWhileItStreams) {
   Stream();
 
   EXPECT_THAT(Look(), HasSubstr("line 3"));
+}
+
+TEST_F(AdviserTest, CameraWithoutAGoodDescription_IsToldWhileItIsStopped) {
+  mProgress.state = AcquisitionState::Connected;
+  mProgress.parameters = {KrResult::Code::BadData, "line 3"};
+
+  EXPECT_THAT(Look(), HasSubstr("line 3"));
+  EXPECT_THAT(Look(), HasSubstr("--faults"));
+}
+
+TEST_F(AdviserTest, CameraOfAFrameInFiveSeconds_IsNotCalledSilentBetweenThem) {
+  Stream();
+  mSituation.nowMs += 5000;
+
+  for (int frame = 0; frame < 3; ++frame) {
+    mProgress.figures.Add(mSituation.nowMs * 1000000, 1000);
+    for (int second = 0; second < 5; ++second) {
+      EXPECT_EQ(Look(), "") << "frame " << frame << ", second " << second;
+      mSituation.nowMs += 1000;
+    }
+  }
+}
+
+TEST_F(AdviserTest, CameraThatExposesForFiveSeconds_IsCalledSilentAfterThreeTimesThat) {
+  mSituation.getExpected = [] { return ExpectedFrames{.intervalMs = 5000}; };
+  Stream();
+
+  mSituation.nowMs += 14999;
+  EXPECT_EQ(Look(), "");
+  mSituation.nowMs += 1000; // It is asked for once a second.
+
+  EXPECT_THAT(Look(), HasSubstr("No frames come"));
+  EXPECT_THAT(mRemedies, Contains(Remedy::Restart));
+}
+
+TEST_F(AdviserTest, CameraThatWaitsForASoftwareTrigger_CanBeTriggered) {
+  mSituation.getExpected = [] { return ExpectedFrames{.trigger = "Software"}; };
+  Stream();
+
+  mSituation.nowMs += 3000;
+
+  EXPECT_THAT(Look(), HasSubstr("waits for a trigger (Software)"));
+  EXPECT_THAT(mRemedies, Contains(Remedy::Trigger));
+}
+
+TEST_F(AdviserTest, DisplayThatCountsAnew_IsNoTrouble) {
+  mSituation.droppedByDisplay = 1000;
+  Stream();
+  mSituation.droppedByDisplay = 0;
+
+  EXPECT_EQ(PassCalmSeconds(5), "");
+}
+
+TEST_F(AdviserTest, CameraThatIsSlowToConnect_CanBeLetGo) {
+  Look();
+  mSituation.nowMs += 4000;
+  Look();
+
+  EXPECT_THAT(mRemedies, Contains(Remedy::Disconnect));
 }
