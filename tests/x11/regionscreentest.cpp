@@ -7,8 +7,9 @@
 #include "viewerlab.h"
 #include "windowwait.h"
 
-#include <QSpinBox>
+#include <QDoubleSpinBox>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include <cmath>
 
@@ -97,6 +98,20 @@ TEST_F(RegionOnScreen, RegionDragged_IsWhatFramesHave) {
   EXPECT_TRUE(AwaitPicture(static_cast<std::uint32_t>(drawn.x.length), static_cast<std::uint32_t>(drawn.y.length)));
 }
 
+TEST_F(RegionOnScreen, PointerOverThePicture_IsTheOrdinaryOneAfterTheDrawing) {
+  Open();
+  Drag(ToScreen(320, 240), ToScreen(960, 720));
+  const QWindow& native = *(GetView().windowHandle() ? GetView().windowHandle() : mPage.windowHandle());
+  // On the edge, which has a pointer of its own.
+  MoveMouse(ToScreen(static_cast<double>(mEditor.GetRegion().x.offset), 400));
+  ASSERT_TRUE(Await([&] { return native.cursor().shape() == Qt::SizeHorCursor; }));
+
+  RunXdotool({"key", "Escape"});
+
+  EXPECT_TRUE(Await([this] { return !mEditor.IsEditing(); }));
+  EXPECT_EQ(native.cursor().shape(), Qt::ArrowCursor);
+}
+
 TEST_F(RegionOnScreen, RegionDraggedByItsInsideAndItsHandle_FollowsTheMouse) {
   Open();
   Drag(ToScreen(320, 240), ToScreen(960, 720));
@@ -137,8 +152,9 @@ TEST_F(RegionOnScreen, Keys_DrawTheRegion) {
   Open();
   Drag(ToScreen(320, 240), ToScreen(960, 720));
   const Region drawn = mEditor.GetRegion();
-  const std::int64_t step = mEditor.GetBar().findChild<QSpinBox*>("regionX")->singleStep();
-  const std::int64_t sizeStep = mEditor.GetBar().findChild<QSpinBox*>("regionHeight")->singleStep();
+  const auto step = static_cast<std::int64_t>(mEditor.GetBar().findChild<QDoubleSpinBox*>("regionX")->singleStep());
+  const auto sizeStep =
+      static_cast<std::int64_t>(mEditor.GetBar().findChild<QDoubleSpinBox*>("regionHeight")->singleStep());
 
   RunXdotool({"key", "Right"});
   AwaitRegion({{drawn.x.offset + step, drawn.x.length}, drawn.y});

@@ -265,6 +265,7 @@ void CameraPage::LookAgain() {
     Connect();
   LookForTrouble();
   TellState();
+  mRecordPanel->SetCameraThere(IsConnected());
   if (mConnection.GetActive() && IsOver(GetProgress().state) && !std::exchange(mHasToldEnd, true))
     emit AcquisitionEnded();
   if (Acquisition* const acquisition = mConnection.GetActive())

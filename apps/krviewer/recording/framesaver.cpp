@@ -51,6 +51,17 @@ QStringList ListFilters() {
   return filters;
 }
 
+/// Whether a file has an extension that would promise what is not in it.
+bool NamesOtherFormat(const QString& aFile) {
+  return !QFileInfo(aFile).suffix().isEmpty() && !krapps::FindFrameFileFormatOf(aFile.toStdString());
+}
+
+KrResult MakeFormatFailure(const QString& aFile) {
+  return {KrResult::Code::InvalidInput, "The frame was not saved as " + QFileInfo(aFile).fileName().toStdString() +
+                                            ": its ending is none of a format that can be written. These can: " +
+                                            krapps::ListFrameFileFormats() + "."};
+}
+
 } // namespace
 
 FrameSaver::FrameSaver(const NewestFrame& aFrames, const QString& aCamera, const KrString& aDeviceID)
@@ -75,18 +86,22 @@ void FrameSaver::Ask(QWidget* aParent) {
   if (!frame)
     return ShowFailure(aParent, tr("Save Frame"),
                        {KrResult::Code::NotFound, "There is no whole frame to save yet. Start the camera first."});
+  OpenDialog(frame, aParent);
+}
+
+void FrameSaver::OpenDialog(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent) {
   mDialog = new QFileDialog(aParent, tr("Save Frame"), mFolder);
   mDialog->setAttribute(Qt::WA_DeleteOnClose);
   mDialog->setAcceptMode(QFileDialog::AcceptSave);
   const QStringList filters = ListFilters();
   mDialog->setNameFilters(filters);
   mDialog->selectNameFilter(filters[FindRow(mFormat)]);
-  mDialog->selectFile(QString::fromStdString(MakeFrameName(mCamera.toStdString(), frame->GetFrameID())));
+  mDialog->selectFile(QString::fromStdString(MakeFrameName(mCamera.toStdString(), aFrame->GetFrameID())));
   SetFormat(FindRow(mFormat));
   connect(mDialog, &QFileDialog::filterSelected, this,
           [this, filters](const QString& aFilter) { SetFormat(static_cast<int>(filters.indexOf(aFilter))); });
   const QPointer<QWidget> parent(aParent);
-  connect(mDialog, &QDialog::accepted, this, [this, frame, parent] { OnAccepted(frame, parent); });
+  connect(mDialog, &QDialog::accepted, this, [this, aFrame, parent] { OnAccepted(aFrame, parent); });
   mDialog->open();
 }
 
@@ -108,8 +123,15 @@ void FrameSaver::SetFormat(int aRow) {
 
 void FrameSaver::OnAccepted(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent) {
   const QStringList files = mDialog->selectedFiles();
-  if (!files.isEmpty())
-    Save(aFrame, files.constFirst(), aParent);
+  if (files.isEmpty())
+    return;
+  const QString& file = files.constFirst();
+  if (!NamesOtherFormat(file))
+    return Save(aFrame, file, aParent);
+  // The same frame may still be saved under another name.
+  mFolder = QFileInfo(file).absolutePath();
+  OpenDialog(aFrame, aParent);
+  ShowFailure(mDialog, tr("Save Frame"), MakeFormatFailure(file));
 }
 
 void FrameSaver::Save(std::shared_ptr<const KrBuffer> aFrame, const QString& aFile, QWidget* aParent) {

@@ -54,6 +54,7 @@ private:
     KrResult result;
   };
 
+  void OpenDialog(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent);
   void OnAccepted(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent);
   void SetFormat(int aRow);
   void StartNext();

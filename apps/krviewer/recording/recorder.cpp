@@ -44,6 +44,7 @@ KrResult Recorder::Start(const RecordingOptions& aOptions) {
     mQueue.Reset(mOptions.mostQueuedBytes, mOptions.mostQueuedFrames);
     mProgress = {};
     mProgress.state = RecordingState::Recording;
+    mProgress.keepsDiskFree = mOptions.freeDiskBytes > 0;
     mBeginNs = mClock();
     mCandidates = 0;
     mTaken = 0;

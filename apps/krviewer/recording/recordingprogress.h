@@ -48,6 +48,7 @@ struct RecordingProgress {
   std::uint64_t queuedBytes = 0;
   std::uint64_t elapsedMs = 0;     ///< From the start to now, or to the end of the taking.
   std::uint64_t freeDiskBytes = 0; ///< On the recording's file system, when it was last looked at.
+  bool keepsDiskFree = true;       ///< Whether some room on the disk was to stay free.
   bool isFed = true;               ///< The camera is streaming; otherwise its next frames are awaited.
 };
 

@@ -33,7 +33,9 @@ std::string DescribeEnd(const RecordingProgress& aProgress) {
   case RecordingEnd::DiskBudget:
     return "Ended: more would have taken more room than allowed.";
   case RecordingEnd::DiskReserve:
-    return "Ended: more would have taken the room that is to stay free on the disk. Free some, or record elsewhere.";
+    return aProgress.keepsDiskFree ? "Ended: more would have taken the room that is to stay free on the disk. Free "
+                                     "some, or record elsewhere."
+                                   : "Ended: the disk is full. Free some of it, or record elsewhere.";
   case RecordingEnd::Failed:
     return "Failed: " + aProgress.result.GetDescription().ToUtf8();
   case RecordingEnd::Stopped:
@@ -89,7 +91,7 @@ std::string DescribeLosses(const RecordingProgress& aProgress) {
   add(counts.failed, aProgress.frameFailure.IsOK()
                          ? "could not be written."
                          : "could not be written: " + aProgress.frameFailure.GetDescription().ToUtf8());
-  add(counts.abandoned, "given up, which were in memory at the end.");
+  add(counts.abandoned, "given up while in memory at the end.");
   add(counts.passedOver, "passed over, as asked.");
   return HasLosses(counts) ? text : "No frame was lost." + (text.empty() ? "" : "\n" + text);
 }

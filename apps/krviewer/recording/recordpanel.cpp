@@ -24,6 +24,7 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <utility>
 
 namespace krviewer {
 
@@ -228,6 +229,11 @@ void RecordPanel::StartOrStop() {
   LookAgain();
 }
 
+void RecordPanel::SetCameraThere(bool aIsThere) {
+  if (std::exchange(mIsCameraThere, aIsThere) != aIsThere)
+    LookAgain();
+}
+
 void RecordPanel::showEvent(QShowEvent* aEvent) {
   QWidget::showEvent(aEvent);
   LookAgain();
@@ -244,7 +250,7 @@ void RecordPanel::LookAgain() {
   const bool isBusy = progress.state == RecordingState::Recording || progress.state == RecordingState::Finishing;
   mSettings->setEnabled(!isBusy);
   mButton->setText(isBusy ? tr("&Stop Recording") : tr("&Start Recording"));
-  mButton->setEnabled(progress.state != RecordingState::Finishing);
+  mButton->setEnabled(isBusy ? progress.state == RecordingState::Recording : mIsCameraThere);
   // The name is taken now.
   if (mWasBusy && !isBusy)
     ProposeName();

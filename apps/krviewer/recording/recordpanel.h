@@ -35,6 +35,9 @@ public:
   /// Starts a recording as the controls say, or stops the one that runs.
   void StartOrStop();
 
+  /// Whether there is a camera of which a recording could be started.
+  void SetCameraThere(bool aIsThere);
+
   /// What the controls say, to be kept; bytes that are no such state change nothing.
   QByteArray SaveState() const { return ReadControls().Save(); }
   void RestoreState(const QByteArray& aState);
@@ -66,6 +69,7 @@ private:
   RecordSettings mStarted; ///< Of the recording that runs, or was the last.
   QString mProposedName;
   bool mWasBusy = false;
+  bool mIsCameraThere = true;
 
   // Owned by Qt.
   QWidget* mSettings = nullptr; ///< All that is not to be changed while it records.

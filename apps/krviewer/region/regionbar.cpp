@@ -1,32 +1,27 @@
 #include "region/regionbar.h"
 
+#include <QDoubleSpinBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QSpinBox>
 #include <QVBoxLayout>
-
-#include <algorithm>
-#include <limits>
 
 namespace krviewer {
 
 namespace {
 
-int ToInt(std::int64_t aValue) {
-  return static_cast<int>(std::clamp<std::int64_t>(aValue, 0, std::numeric_limits<int>::max()));
-}
-
-void SetNumber(QSpinBox& aBox, std::int64_t aValue, std::int64_t aMin, std::int64_t aMax, std::int64_t aStep,
+// Doubles hold each number that a region may have; see RegionAccess.
+void SetNumber(QDoubleSpinBox& aBox, std::int64_t aValue, std::int64_t aMin, std::int64_t aMax, std::int64_t aStep,
                bool aIsFixed) {
   const QSignalBlocker blocker(aBox);
-  aBox.setRange(ToInt(aMin), ToInt(aMax));
-  aBox.setSingleStep(ToInt(aStep));
+  aBox.setRange(static_cast<double>(aMin), static_cast<double>(aMax));
+  aBox.setSingleStep(static_cast<double>(aStep));
   // Not while the user types: a number that has become another one would be typed into.
-  if (aBox.value() != ToInt(aValue))
-    aBox.setValue(ToInt(aValue));
+  const auto value = static_cast<double>(aValue);
+  if (aBox.value() != value)
+    aBox.setValue(value);
   aBox.setEnabled(!aIsFixed);
 }
 
@@ -55,28 +50,32 @@ RegionBar::RegionBar(QWidget* aParent) : QWidget(aParent) {
   AddButton(*buttons, tr("Cancel"), &RegionBar::CancelWanted);
 }
 
-QSpinBox* RegionBar::AddNumber(const QString& aLabel, const QString& aName) {
+QDoubleSpinBox* RegionBar::AddNumber(const QString& aLabel, const QString& aName) {
   auto* const row = qobject_cast<QHBoxLayout*>(layout()->itemAt(0)->layout());
   auto* const label = new QLabel(aLabel);
-  auto* const box = new QSpinBox;
+  auto* const box = new QDoubleSpinBox;
   box->setObjectName(aName);
+  box->setDecimals(0);
+  box->setLocale(QLocale::c());
   box->setKeyboardTracking(false); // Half of a number is none.
   label->setBuddy(box);
   row->addWidget(label);
   row->addWidget(box);
-  connect(box, &QSpinBox::valueChanged, this, &RegionBar::Tell);
+  connect(box, &QDoubleSpinBox::valueChanged, this, &RegionBar::Tell);
   return box;
 }
 
 QPushButton* RegionBar::AddButton(QHBoxLayout& aRow, const QString& aText, void (RegionBar::*aWanted)()) {
   auto* const button = new QPushButton(aText);
+  button->setAutoDefault(true); // Enter is the focused button's, not the bar's.
   aRow.addWidget(button);
   connect(button, &QPushButton::clicked, this, aWanted);
   return button;
 }
 
 void RegionBar::Show(const Region& aRegion, const RegionLimits& aLimits) {
-  const auto set = [](QSpinBox& aOffset, QSpinBox& aLength, const RegionSpan& aSpan, const RegionAxis& aAxis) {
+  const auto set = [](QDoubleSpinBox& aOffset, QDoubleSpinBox& aLength, const RegionSpan& aSpan,
+                      const RegionAxis& aAxis) {
     SetNumber(aOffset, aSpan.offset, aAxis.offsetMin, aAxis.extent, aAxis.offsetIncrement, aAxis.isOffsetFixed);
     SetNumber(aLength, aSpan.length, aAxis.lengthMin, aAxis.extent, aAxis.lengthIncrement, aAxis.isLengthFixed);
   };
@@ -89,7 +88,8 @@ void RegionBar::SetBusy(bool aIsBusy) {
 }
 
 void RegionBar::Tell() {
-  Q_EMIT RegionTyped({{mNumbers[0]->value(), mNumbers[2]->value()}, {mNumbers[1]->value(), mNumbers[3]->value()}});
+  const auto get = [this](std::size_t aIndex) { return static_cast<std::int64_t>(mNumbers[aIndex]->value()); };
+  Q_EMIT RegionTyped({{get(0), get(2)}, {get(1), get(3)}});
 }
 
 void RegionBar::keyPressEvent(QKeyEvent* aEvent) {

@@ -8,9 +8,9 @@
 
 #include <array>
 
+class QDoubleSpinBox;
 class QHBoxLayout;
 class QPushButton;
-class QSpinBox;
 
 namespace krviewer {
 
@@ -37,11 +37,12 @@ protected:
   void keyPressEvent(QKeyEvent* aEvent) override;
 
 private:
-  QSpinBox* AddNumber(const QString& aLabel, const QString& aName);
+  QDoubleSpinBox* AddNumber(const QString& aLabel, const QString& aName);
   QPushButton* AddButton(QHBoxLayout& aRow, const QString& aText, void (RegionBar::*aWanted)());
   void Tell();
 
-  std::array<QSpinBox*, 4> mNumbers{}; ///< X, Y, width, height; owned by Qt.
+  /// X, Y, width, height, each a whole number of up to 48 bits; owned by Qt.
+  std::array<QDoubleSpinBox*, 4> mNumbers{};
 };
 
 } // namespace krviewer

@@ -136,11 +136,14 @@ void RegionEditor::End() {
     return;
   mTimer.stop();
   mGesture.reset();
+  // The outline first: as long as the mouse is over it, its pointer counts.
+  if (mOutline)
+    mOutline->unsetCursor();
+  delete mOutline;
   if (mPicture) {
     mPicture->removeEventFilter(this);
     mPicture->unsetCursor();
   }
-  delete mOutline;
   if (mBar)
     mBar->hide();
   Q_EMIT EditingChanged(false);

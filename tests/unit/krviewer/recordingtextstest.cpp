@@ -51,6 +51,23 @@ TEST(RecordingTexts, EachEnd_HasWordsOfItsOwn) {
   EXPECT_EQ(DescribeState(failed), "Failed: The disk is full.");
 }
 
+TEST(RecordingTexts, FullDisk_IsNoReserveWhereNoneWasAskedFor) {
+  RecordingProgress progress;
+  progress.state = RecordingState::Ended;
+  progress.end = RecordingEnd::DiskReserve;
+  EXPECT_NE(DescribeState(progress).find("is to stay free"), std::string::npos);
+
+  progress.keepsDiskFree = false;
+
+  EXPECT_EQ(DescribeState(progress), "Ended: the disk is full. Free some of it, or record elsewhere.");
+}
+
+TEST(RecordingTexts, FrameLeftInMemory_IsToldOfOneAsOfMany) {
+  RecordingProgress progress;
+  progress.counts.abandoned = 1;
+  EXPECT_EQ(DescribeLosses(progress), "1 frame given up while in memory at the end.");
+}
+
 TEST(RecordingTexts, Losses_AreToldEachWithItsReason) {
   RecordingProgress progress = MakeProgress(RecordingState::Recording);
   EXPECT_EQ(DescribeLosses(progress), "No frame was lost.");

@@ -11,6 +11,8 @@
 #include <QLineEdit>
 #include <QMessageBox>
 
+#include <filesystem>
+
 using namespace krviewer;
 
 namespace {
@@ -118,6 +120,25 @@ TEST_F(FrameSaverTest, PlaceThatTakesNoFile_IsToldInAMessage) {
   ASSERT_TRUE(krtest::AwaitCondition([this] { return FindMessage() != nullptr; }));
   EXPECT_TRUE(FindMessage()->text().contains("none/shot.tif")) << FindMessage()->text().toStdString();
   EXPECT_TRUE(mSaved.isEmpty());
+}
+
+TEST_F(FrameSaverTest, EndingOfNoFormatThatCanBeWritten_IsRefusedAndAskedForAgain) {
+  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mSaver.Ask(&mWindow);
+  mFrames.OnFrame(MakeNumberedFrame(8), 0);
+
+  Accept(GetPath("shot.jpg"));
+
+  ASSERT_NE(FindMessage(), nullptr);
+  EXPECT_TRUE(FindMessage()->text().contains("shot.jpg")) << FindMessage()->text().toStdString();
+  for (const char* ending : {".png", ".tif", ".raw"})
+    EXPECT_TRUE(FindMessage()->text().contains(ending)) << ending;
+  delete FindMessage();
+  ASSERT_TRUE(krtest::AwaitCondition([this] { return mWindow.findChildren<QFileDialog*>().size() == 1; }));
+  Accept(GetPath("shot.raw"));
+  ASSERT_TRUE(AwaitSaved());
+  EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("shot.raw")), std::string(kFrameBytes, 7));
+  EXPECT_FALSE(std::filesystem::exists(mPlace.GetFile("shot.jpg")));
 }
 
 TEST_F(FrameSaverTest, FormatThatLosesBits_IsSaidSo) {

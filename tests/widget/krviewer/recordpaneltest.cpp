@@ -114,6 +114,19 @@ TEST_F(RecordPanelTest, CameraThatDoesNotStream_IsSaidWhileItRecords) {
   EXPECT_TRUE(krtest::AwaitCondition([this] { return !GetText("recordState").contains("does not stream"); }));
 }
 
+TEST_F(RecordPanelTest, CameraThatIsNotThere_IsNotRecorded) {
+  auto& button = Find<QPushButton>("recordButton");
+
+  mPanel.SetCameraThere(false);
+  EXPECT_FALSE(button.isEnabled());
+  mPanel.SetCameraThere(true);
+  EXPECT_TRUE(button.isEnabled());
+  Click();
+  mPanel.SetCameraThere(false);
+
+  EXPECT_TRUE(button.isEnabled()); // It stops.
+}
+
 TEST_F(RecordPanelTest, Losses_StandOut) {
   KrBuffer torn = MakeNumberedFrame(1);
   torn.SetStatus(KrBufferStatus::Incomplete);

@@ -5,8 +5,9 @@
 #include "viewerlab.h"
 #include "windowwait.h"
 
+#include <QDoubleSpinBox>
 #include <QMessageBox>
-#include <QSpinBox>
+#include <QPushButton>
 #include <QTest>
 
 using krviewer::AcquisitionState;
@@ -150,11 +151,43 @@ TEST_F(RegionEditorTest, FullFrame_IsSetWithoutDrawing) {
   EXPECT_TRUE(Await([this] { return mApplied == "Region of interest: full frame"; }));
 }
 
+TEST_F(RegionEditorTest, EnterOnAButton_DoesWhatTheButtonSays) {
+  Open();
+  Begin();
+  Drag({80, 60}, {240, 180});
+  int applied = 0;
+  const auto* const bar = qobject_cast<krviewer::RegionBar*>(&mEditor.GetBar());
+  QObject::connect(bar, &krviewer::RegionBar::ApplyWanted, bar, [&applied] { ++applied; });
+  auto buttons = bar->findChildren<QPushButton*>();
+  const auto cancel = std::ranges::find(buttons, QString("Cancel"), &QPushButton::text);
+  ASSERT_NE(cancel, buttons.end());
+
+  QTest::keyClick(*cancel, Qt::Key_Return);
+
+  EXPECT_FALSE(mEditor.IsEditing());
+  EXPECT_EQ(applied, 0);
+}
+
+TEST_F(RegionEditorTest, NumbersOfMoreThan32Bits_AreShownAndToldAsTheyAre) {
+  constexpr std::int64_t kLarge = std::int64_t{1} << 40;
+  krviewer::RegionBar bar;
+  krviewer::RegionAxis axis;
+  axis.present = {kLarge, 3 * kLarge};
+  axis.extent = 8 * kLarge;
+  Region typed;
+  QObject::connect(&bar, &krviewer::RegionBar::RegionTyped, &bar, [&typed](const Region& aTyped) { typed = aTyped; });
+
+  bar.Show({axis.present, axis.present}, {axis, axis});
+  bar.findChild<QDoubleSpinBox*>("regionX")->setValue(static_cast<double>(kLarge + 1));
+
+  EXPECT_EQ(typed, (Region{{kLarge + 1, 3 * kLarge}, axis.present}));
+}
+
 TEST_F(RegionEditorTest, TypedNumbers_AreDrawnAsTheNearestRegion) {
   Open();
   Begin();
-  auto* const width = mEditor.GetBar().findChild<QSpinBox*>("regionWidth");
-  auto* const x = mEditor.GetBar().findChild<QSpinBox*>("regionX");
+  auto* const width = mEditor.GetBar().findChild<QDoubleSpinBox*>("regionWidth");
+  auto* const x = mEditor.GetBar().findChild<QDoubleSpinBox*>("regionX");
 
   width->setValue(641);
   x->setValue(100);
