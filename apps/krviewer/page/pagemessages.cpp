@@ -33,11 +33,11 @@ QString GetStateText(const PageState& aState) {
 BarMessage::Button MakeButton(Remedy aRemedy, const PageRemedies& aRemedies) {
   switch (aRemedy) {
   case Remedy::TryAgain:
-    return {QStringLiteral("&Try Again"), aRemedies.connect};
+    return {QStringLiteral("Tr&y Again"), aRemedies.connect};
   case Remedy::ConfigureIP:
     return {QStringLiteral("Set &Address…"), aRemedies.setAddress};
   case Remedy::OpenFinder:
-    return {QStringLiteral("&Find a Camera…"), aRemedies.find};
+    return {QStringLiteral("Fi&nd a Camera…"), aRemedies.find};
   case Remedy::Start:
     return {QStringLiteral("&Start"), aRemedies.start};
   case Remedy::Restart:
@@ -102,7 +102,7 @@ BarMessage MakePageMessage(const PageState& aState, const PageRemedies& aRemedie
   if (aState.isAway)
     return {MessageKind::Information,
             QStringLiteral("%1 is disconnected: others may use it now.").arg(aState.name),
-            {{QStringLiteral("&Connect"), aRemedies.connect}}};
+            {{QStringLiteral("C&onnect"), aRemedies.connect}}};
   switch (aState.progress.state) {
   case AcquisitionState::Connecting:
     return MakeConnectingMessage(aState, aRemedies);

@@ -73,7 +73,7 @@ QWidget* HistogramPanel::MakeControls() {
   frozen->setToolTip(QStringLiteral("Keeps what is shown while the picture goes on"));
   connect(frozen, &QCheckBox::toggled, this, &HistogramPanel::SetFrozen);
   mColours = new QToolButton;
-  mColours->setText(QStringLiteral("&Colours"));
+  mColours->setText(QStringLiteral("Colo&urs"));
   mColours->setToolTip(QStringLiteral("Which colours are drawn"));
   mColours->setPopupMode(QToolButton::InstantPopup);
   mColours->setFocusPolicy(Qt::StrongFocus);

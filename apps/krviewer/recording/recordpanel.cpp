@@ -132,16 +132,16 @@ QSpinBox* RecordPanel::AddNumber(QFormLayout& aForm, const QString& aLabel, cons
 
 void RecordPanel::AddLimits(QFormLayout& aForm) {
   const QString noLimit = tr("no limit");
-  mMostFrames = AddNumber(aForm, tr("End after &frames"), "recordMostFrames", kMost, {}, noLimit);
+  mMostFrames = AddNumber(aForm, tr("&End after frames"), "recordMostFrames", kMost, {}, noLimit);
   mMostSeconds = AddNumber(aForm, tr("or after t&ime"), "recordMostSeconds", kMost, tr(" s"), noLimit);
   mMostDisk = AddNumber(aForm, tr("Write &at most"), "recordMostDisk", kMost, tr(" MB"), noLimit);
   mFreeDisk = AddNumber(aForm, tr("&Leave on disk"), "recordFreeDisk", kMost, tr(" MB free"), tr("nothing"));
-  mEveryNth = AddNumber(aForm, tr("&Take"), "recordEveryNth", kMost, {}, {});
+  mEveryNth = AddNumber(aForm, tr("Ta&ke"), "recordEveryNth", kMost, {}, {});
   mEveryNth->setPrefix(tr("one frame of "));
   mEveryNth->setSpecialValueText(tr("every frame"));
   mQueue = AddNumber(aForm, tr("&Memory"), "recordQueue", 1'000'000, tr(" MB"), {});
   mQueue->setToolTip(tr("Frames wait here for a disk that is slower than the camera for a while."));
-  mIncomplete = new QCheckBox(tr("In&complete frames, too"));
+  mIncomplete = new QCheckBox(tr("Incomplete frames, t&oo"));
   mIncomplete->setObjectName(QStringLiteral("recordIncomplete"));
   aForm.addRow(mIncomplete);
 }

@@ -34,7 +34,7 @@ RegionBar::RegionBar(QWidget* aParent) : QWidget(aParent) {
   rows->addLayout(numbers);
   mNumbers = {AddNumber(tr("&X"), QStringLiteral("regionX")), AddNumber(tr("&Y"), QStringLiteral("regionY")),
               AddNumber(tr("&Width"), QStringLiteral("regionWidth")),
-              AddNumber(tr("&Height"), QStringLiteral("regionHeight"))};
+              AddNumber(tr("Hei&ght"), QStringLiteral("regionHeight"))};
   numbers->addStretch();
   auto* const hint =
       new QLabel(tr("Draw on the picture. Arrow keys move the region, with Shift they resize it, with Ctrl in "
@@ -45,8 +45,8 @@ RegionBar::RegionBar(QWidget* aParent) : QWidget(aParent) {
   auto* const buttons = new QHBoxLayout;
   rows->addLayout(buttons);
   buttons->addWidget(hint, 1);
-  AddButton(*buttons, tr("&Apply"), &RegionBar::ApplyWanted)->setDefault(true);
-  AddButton(*buttons, tr("&Full Frame"), &RegionBar::FullFrameWanted);
+  AddButton(*buttons, tr("A&pply"), &RegionBar::ApplyWanted)->setDefault(true);
+  AddButton(*buttons, tr("F&ull Frame"), &RegionBar::FullFrameWanted);
   AddButton(*buttons, tr("Cancel"), &RegionBar::CancelWanted);
 }
 

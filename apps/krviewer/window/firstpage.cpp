@@ -38,9 +38,9 @@ FirstPage::FirstPage() : mRecent(new QWidget), mRecentButtons(new QVBoxLayout(mR
   QFont large = title->font();
   large.setPointSizeF(large.pointSizeF() * kTitleScale);
   title->setFont(large);
-  auto* const find = MakeButton(QStringLiteral("findCamera"), QStringLiteral("&Find a camera"),
+  auto* const find = MakeButton(QStringLiteral("findCamera"), QStringLiteral("Fi&nd a camera"),
                                 QStringLiteral("Lists every camera that is connected to this computer."));
-  auto* const simulation = MakeButton(QStringLiteral("trySimulation"), QStringLiteral("&Try the simulated one"),
+  auto* const simulation = MakeButton(QStringLiteral("trySimulation"), QStringLiteral("Try the &simulated one"),
                                       QStringLiteral("Shows a camera that needs no hardware."));
   connect(find, &QAbstractButton::clicked, this, &FirstPage::FindWanted);
   connect(simulation, &QAbstractButton::clicked, this, &FirstPage::SimulationWanted);

@@ -29,7 +29,7 @@ MainMenus::MainMenus(QMainWindow& aWindow, const std::function<CameraPage*()>& a
   mRecent = file.addMenu(QStringLiteral("&Recent Cameras"));
   mPageActions.AddTo(file, CommandMenu::File);
   file.addSeparator();
-  mCloseCamera = Add(file, "closeCamera", QStringLiteral("C&lose Camera"), QKeySequence(Qt::CTRL | Qt::Key_W),
+  mCloseCamera = Add(file, "closeCamera", QStringLiteral("Close Camer&a"), QKeySequence(Qt::CTRL | Qt::Key_W),
                      &MainMenus::CloseCameraWanted);
   Add(file, "quit", QStringLiteral("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), &MainMenus::QuitWanted);
 

@@ -149,8 +149,8 @@ void Viewer::TellNotFound(const QString& aName, const KrResult& aResult) {
       {MessageKind::Warning,
        QStringLiteral("%1 was not found. Check its cable and its power, or look for it among all cameras.\n%2")
            .arg(shown, ToText(aResult.GetDescription())),
-       {{QStringLiteral("&Try Again"), [this, aName] { Search(aName); }},
-        {QStringLiteral("&Find a Camera…"), [this] { ShowFinder(); }}}});
+       {{QStringLiteral("Tr&y Again"), [this, aName] { Search(aName); }},
+        {QStringLiteral("Fi&nd a Camera…"), [this] { ShowFinder(); }}}});
 }
 
 void Viewer::Open(const CameraInfo& aCamera) {

@@ -264,7 +264,7 @@ TEST_F(CameraPageTest, CameraThatCannotBeHad_SaysWhyAndIsTriedAgain) {
   EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).contains("subnet"); }))
       << GetMessage(*GetPage()).toStdString();
   ASSERT_TRUE(Await([&] { return ends == 1; }));
-  ASSERT_TRUE(Click(*GetPage(), "&Try Again"));
+  ASSERT_TRUE(Click(*GetPage(), "Tr&y Again"));
   EXPECT_TRUE(Await([&] { return ends == 2; }));
 }
 
@@ -273,7 +273,7 @@ TEST_F(CameraPageTest, CameraOfAnotherHost_SaysWhyAndOffersTheFinder) {
 
   EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).contains("cannot be shown"); }));
 
-  EXPECT_TRUE(Click(*GetPage(), "&Find a Camera…"));
+  EXPECT_TRUE(Click(*GetPage(), "Fi&nd a Camera…"));
 }
 
 TEST_F(CameraPageTest, ClosedInEachState_EndsAndFreesTheCamera) {

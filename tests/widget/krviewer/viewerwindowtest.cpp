@@ -261,7 +261,7 @@ TEST_F(ViewerWindowTest, CameraThatIsNotThereAnyMore_IsSaidSo) {
   EXPECT_TRUE(Await([this] { return GetMessage(GetWindow()).contains("was not found"); }));
   EXPECT_TRUE(GetMessage(GetWindow()).contains("Simulated Mono Camera"));
   ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
-  ASSERT_TRUE(Click(GetWindow(), "&Try Again"));
+  ASSERT_TRUE(Click(GetWindow(), "Tr&y Again"));
   EXPECT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
   EXPECT_EQ(GetMessage(GetWindow()), "");
 }
