@@ -159,6 +159,9 @@ void Viewer::Open(const CameraInfo& aCamera) {
   for (const std::unique_ptr<CameraPage>& page : mPages)
     if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID()) {
       FindWindowOf(*page)->BringForward(*page);
+      // Who asks for a camera that is not connected wants to see it, not only its tab.
+      if (page->CanConnect())
+        page->Reconnect();
       return;
     }
   // The same one, which was closed a moment ago, has to be given back first.

@@ -41,7 +41,8 @@ public:
 
   /// Opens the first window.
   void Begin();
-  /// Shows a camera in a tab of its own, or the tab in which it is shown already. Only after Begin.
+  /// Shows a camera in a tab of its own, or the tab in which it is shown already, and connects it again where it is
+  /// disconnected. Only after Begin.
   void Open(const CameraInfo& aCamera);
   /// Runs the application's loop until the end; gives the program's exit code.
   int Run();

@@ -100,6 +100,18 @@ TEST_F(ViewerWindowTest, SameCameraTwice_BringsItsTabForward) {
   EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
 }
 
+TEST_F(ViewerWindowTest, DisconnectedCameraOpenedAgain_IsConnectedInItsTab) {
+  Begin();
+  OpenStreaming();
+  ASSERT_TRUE(Choose("disconnect"));
+  ASSERT_TRUE(Await([this] { return GetPage()->CanConnect(); }));
+
+  Open(kMonoMAC);
+
+  EXPECT_TRUE(Await([this] { return GetPage()->IsStreaming(); }));
+  EXPECT_EQ(GetWindow().GetPages().size(), 1);
+}
+
 TEST_F(ViewerWindowTest, Tabs_AreReachedByKeys) {
   Begin();
   Open(kMonoMAC);
