@@ -1,0 +1,94 @@
+#include "viewersession.h"
+
+#include <QRegularExpression>
+
+namespace {
+
+// The first label that a pattern fits, taken apart.
+QRegularExpressionMatch FindLabel(AccessibleProgram& aScreen, const QString& aPattern) {
+  const QRegularExpression pattern(aPattern);
+  QRegularExpressionMatch match;
+  aScreen.Find([&](const AccessibleItem& aItem) {
+    match = aItem.role == "label" ? pattern.match(aItem.name) : QRegularExpressionMatch();
+    return match.hasMatch();
+  });
+  return match;
+}
+
+} // namespace
+
+void ViewerSession::Start(const QStringList& aArguments) {
+  End();
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("HOME", GetPath(""));
+  environment.insert("XDG_CONFIG_HOME", GetPath("config"));
+  mUser = std::make_unique<ProgramUser>(KRVIEWER_PATH, aArguments, environment);
+}
+
+void ViewerSession::End() {
+  if (mUser && mUser->IsRunning()) {
+    mUser->Interrupt();
+    EXPECT_EQ(mUser->AwaitEnd(), 0) << mUser->GetErrors().toStdString();
+  }
+  mUser.reset();
+}
+
+bool ViewerSession::AwaitStreaming(const QString& aCamera) {
+  return User().AwaitWindow(aCamera) && User().Await(aCamera + " streaming", [&] {
+    return User()
+               .GetScreen()
+               .Find([&](const AccessibleItem& aItem) { return aItem.role == "frame" && aItem.name == aCamera; })
+               .has_value() &&
+           GetFrames() > 0;
+  });
+}
+
+long long ViewerSession::GetFrames() {
+  const QRegularExpressionMatch match = FindLabel(User().GetScreen(), "^([0-9]+) frames?$");
+  return match.hasMatch() ? match.captured(1).toLongLong() : -1;
+}
+
+bool ViewerSession::AwaitMoreFrames() {
+  const long long before = GetFrames();
+  return User().Await("more frames than " + QString::number(before), [&] { return GetFrames() > before; });
+}
+
+std::optional<QPoint> ViewerSession::GetPixel() {
+  const QRegularExpressionMatch match = FindLabel(User().GetScreen(), "^x ([0-9]+)  y ([0-9]+)");
+  return match.hasMatch() ? std::optional(QPoint(match.captured(1).toInt(), match.captured(2).toInt())) : std::nullopt;
+}
+
+QRect ViewerSession::GetPicturePlace() {
+  const std::optional<AccessibleItem> picture = User().AwaitControl("filler", "Camera image");
+  return picture ? User().GetScreen().GetPlace(*picture) : QRect();
+}
+
+bool ViewerSession::SetFeature(const QString& aName, const QString& aValue) {
+  if (!User().Click("tree item", aName))
+    return false;
+  User().Press("Return");
+  const bool isEditing = User().Await("the editor of " + aName, [&] { return User().GetFocused().role == "text"; });
+  if (!isEditing)
+    return false;
+  User().Press("ctrl+a");
+  User().Type(aValue);
+  User().Press("Return");
+  return User().Await(aName + " = " + aValue, [&] { return GetFeature(aName).startsWith(aValue); });
+}
+
+QString ViewerSession::GetFeature(const QString& aName) {
+  bool isNext = false;
+  const std::optional<AccessibleItem> cell = User().GetScreen().Find([&](const AccessibleItem& aItem) {
+    const bool isIt = isNext && aItem.role == "cell";
+    isNext = aItem.role == "tree item" && aItem.name == aName;
+    return isIt;
+  });
+  return cell ? cell->name : QString();
+}
+
+QString ViewerSession::ReadFeature(const QString& aCamera, const QString& aName) {
+  QProcess process;
+  process.start(KRTOOL_PATH, {"get", aCamera, aName});
+  EXPECT_TRUE(process.waitForFinished(ProgramUser::kLimitMs));
+  return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+}

@@ -1,0 +1,48 @@
+#pragma once
+// krviewer in the hands of its user, with a home of its own: settings and files of a test touch nobody's.
+
+#include "programuser.h"
+#include "temporaryfolder.h"
+
+#include <QPoint>
+#include <QProcessEnvironment>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+
+class ViewerSession : public testing::Test {
+protected:
+  /// The viewer ends before the cameras that a test has.
+  void TearDown() override { End(); }
+
+  /// Starts the viewer; one that still runs is ended first.
+  void Start(const QStringList& aArguments);
+  /// Interrupts the viewer where it still runs; one that does not end well fails the test.
+  void End();
+  ProgramUser& User() { return *mUser; }
+  /// The user's home, and a name in it.
+  QString GetPath(const QString& aName) const { return QString::fromStdString(mHome.GetFile(aName.toStdString())); }
+
+  /// Waits for the window of a camera, which streams as long as its title says no more than its name.
+  bool AwaitStreaming(const QString& aCamera);
+  /// How many frames the status bar counts; -1 where it counts none.
+  long long GetFrames();
+  /// Waits for more frames than there are.
+  bool AwaitMoreFrames();
+  /// The column and the line of the pixel under the mouse, as the status bar has them.
+  std::optional<QPoint> GetPixel();
+  /// The picture's place on the screen.
+  QRect GetPicturePlace();
+  /// Sets a feature of a camera in its browser, by mouse and keyboard.
+  bool SetFeature(const QString& aName, const QString& aValue);
+  /// What stands beside a feature in the browser.
+  QString GetFeature(const QString& aName);
+  /// A feature as another program reads it from the camera; empty where it does not answer.
+  static QString ReadFeature(const QString& aCamera, const QString& aName);
+
+private:
+  const TemporaryFolder mHome;
+  std::unique_ptr<ProgramUser> mUser;
+};
