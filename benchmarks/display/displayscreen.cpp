@@ -75,13 +75,24 @@ std::optional<ScreenPoint> DisplayScreen::FindMiddle() const {
 }
 
 std::uint32_t DisplayScreen::ReadPixel(ScreenPoint aPoint) const {
-  const auto cookie =
-      xcb_get_image(mConnection, XCB_IMAGE_FORMAT_Z_PIXMAP, GetScreen().root, aPoint.x, aPoint.y, 1, 1, ~0U);
+  return ReadPixels(aPoint, 1, 1).front();
+}
+
+std::vector<std::uint32_t> DisplayScreen::ReadPixels(ScreenPoint aCorner, std::uint16_t aWidth,
+                                                     std::uint16_t aHeight) const {
+  const auto cookie = xcb_get_image(mConnection, XCB_IMAGE_FORMAT_Z_PIXMAP, GetScreen().root, aCorner.x, aCorner.y,
+                                    aWidth, aHeight, ~0U);
   const auto image = Own(xcb_get_image_reply(mConnection, cookie, nullptr));
-  if (!image || xcb_get_image_data_length(image.get()) < 4)
+  const std::size_t count = static_cast<std::size_t>(aWidth) * aHeight;
+  if (!image || static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < count * 4)
     Fail("The screen cannot be read.");
   const std::uint8_t* pixel = xcb_get_image_data(image.get());
-  return pixel[0] | pixel[1] << 8U | pixel[2] << 16U;
+  std::vector<std::uint32_t> pixels(count);
+  for (std::uint32_t& value : pixels) {
+    value = pixel[0] | pixel[1] << 8U | pixel[2] << 16U;
+    pixel += 4;
+  }
+  return pixels;
 }
 
 double DisplayScreen::GetServerMs() const {

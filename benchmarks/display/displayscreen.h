@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <ctime>
 #include <optional>
+#include <vector>
 
 namespace benchmarks {
 
@@ -29,6 +30,8 @@ public:
   std::optional<ScreenPoint> FindMiddle() const;
   /// The pixel there as 0x00RRGGBB.
   std::uint32_t ReadPixel(ScreenPoint aPoint) const;
+  /// Those of a rectangle of the screen, line by line.
+  std::vector<std::uint32_t> ReadPixels(ScreenPoint aCorner, std::uint16_t aWidth, std::uint16_t aHeight) const;
 
   /// The processor time of the server so far, in milliseconds.
   double GetServerMs() const;

@@ -1,12 +1,16 @@
 // What does it cost to look at a camera, and how soon is its picture there? krviewer and the viewer that comes with
 // Aravis show the same camera, an independent program on loopback, in windows of the same size, one after the other in
-// turns. The processor time is that of all threads of the viewer, and besides that of the X server, between two moments
-// while it shows; pictures are counted by what is seen on the screen. The start is from running the program to the
-// first change of the picture, for the peer with the two clicks that it wants, made as soon as they can be. Run it in a
-// network namespace and a display of its own (scripts/bench.sh does).
+// turns, each started as if for the first time. Where the picture is on the screen is looked for, and a turn in which
+// it is elsewhere ends the benchmark. The processor time is that of all threads of the viewer, and besides that of the
+// X server, between two moments while it shows; pictures are counted by what is seen on the screen, beside the frames
+// that reached the machine meanwhile. The start is from running the program to the first change of the picture, for
+// the peer with the two clicks that it wants, made as soon as they can be. What is printed is the median of the turns.
+// Run it in a network namespace and a display of its own (scripts/bench.sh does).
 
+#include "arrivals.h"
 #include "fakecamera.h"
 #include "figure.h"
+#include "picturearea.h"
 #include "pixelwatch.h"
 #include "viewerprogram.h"
 
@@ -25,9 +29,12 @@
 
 namespace {
 
+using benchmarks::DisplayScreen;
 using benchmarks::PixelWatch;
+using benchmarks::ScreenArea;
 using benchmarks::ViewerProgram;
 using benchmarks::WindowPoint;
+using benchmarks::WireFrames;
 using Clock = std::chrono::steady_clock;
 
 constexpr int kImageWidth = 1920;
@@ -35,7 +42,7 @@ constexpr int kImageHeight = 1080;
 constexpr gint kPacketBytes = 16384; // What both find on loopback.
 constexpr int kWindowWidth = 1600;
 constexpr int kWindowHeight = 1000;
-constexpr WindowPoint kPicturePoint{520, 500}; // Within the picture of both.
+constexpr double kLeastAlike = 0.9; // The one picture's area, by the other one's.
 constexpr std::chrono::seconds kWarmUp{3};
 constexpr std::chrono::seconds kSpan{8};
 constexpr std::chrono::seconds kLimit{60};
@@ -83,8 +90,26 @@ void SetUpCamera(const Case& aCase) {
 struct Measured {
   double startMs = 0;
   double picturesPerSecond = 0;
+  double framesPerSecond = 0; ///< That reached the machine.
+  double shownOfReceived = 0;
   double cpuMsPerPicture = 0;
   double totalMsPerPicture = 0; ///< With the X server's.
+  double pictureWidth = 0;      ///< On the screen.
+  double pictureHeight = 0;
+};
+
+/// One viewer in all its turns.
+struct Turns {
+  std::vector<Measured> turns;
+
+  double GetMedian(double Measured::*aFigure) const {
+    std::vector<double> values;
+    for (const Measured& turn : turns)
+      values.push_back(turn.*aFigure);
+    std::ranges::sort(values);
+    const std::size_t middle = values.size() / 2;
+    return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+  }
 };
 
 // Brings a viewer from its start to a picture.
@@ -113,71 +138,104 @@ void AwaitChange(const PixelWatch& aWatch, std::uint64_t aChanges) {
   }
 }
 
+double MeasureStartMs(const ViewerProgram& aViewer) {
+  // Pictures go on changing, other than what is drawn of the window at its beginning.
+  constexpr std::uint64_t kSureChanges = 5;
+  const WindowPoint early = aViewer.ToScreen({aViewer.GetWindowHeight() / 2, aViewer.GetWindowHeight() / 2});
+  const PixelWatch first({static_cast<std::int16_t>(early.x), static_cast<std::int16_t>(early.y)});
+  AwaitChange(first, kSureChanges);
+  return std::chrono::duration<double, std::milli>(Clock::now() - aViewer.GetStart()).count();
+}
+
+// All between two moments while it shows.
+void MeasureSpan(const ViewerProgram& aViewer, const DisplayScreen& aScreen, const PixelWatch& aWatch,
+                 const WireFrames& aFrames, Measured& aMeasured) {
+  const double cpuBegin = aViewer.GetProcessorMs();
+  const double serverBegin = aScreen.GetServerMs();
+  const std::uint64_t changesBegin = aWatch.CountChanges();
+  const double arrivalsBegin = benchmarks::CountArrivals(aFrames);
+  const auto begin = Clock::now();
+  std::this_thread::sleep_for(kSpan);
+  const double cpuMs = aViewer.GetProcessorMs() - cpuBegin;
+  const double serverMs = aScreen.GetServerMs() - serverBegin;
+  const auto pictures = static_cast<double>(aWatch.CountChanges() - changesBegin);
+  const double arrivals = benchmarks::CountArrivals(aFrames) - arrivalsBegin;
+  if (pictures == 0 || arrivals <= 0)
+    Fail("the picture stands still.");
+  const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+  aMeasured.picturesPerSecond = pictures / seconds;
+  aMeasured.framesPerSecond = arrivals / seconds;
+  aMeasured.shownOfReceived = 100 * pictures / arrivals;
+  aMeasured.cpuMsPerPicture = cpuMs / pictures;
+  aMeasured.totalMsPerPicture = (cpuMs + serverMs) / pictures;
+}
+
 Measured Measure(const Case& aCase, std::vector<std::string> aCommandLine, const Approach& aApproach,
                  const std::vector<std::string>& aPictureKeys) {
   const FakeCamera camera;
   SetUpCamera(aCase);
   Measured measured;
-  const benchmarks::DisplayScreen screen;
+  const DisplayScreen screen;
   ViewerProgram viewer(std::move(aCommandLine));
   viewer.AwaitWindow();
   aApproach(viewer);
-  // Pictures go on changing, other than what is drawn of the window at its beginning.
-  constexpr std::uint64_t kSureChanges = 5;
-  {
-    const WindowPoint early = viewer.ToScreen({viewer.GetWindowHeight() / 2, viewer.GetWindowHeight() / 2});
-    const PixelWatch first({static_cast<std::int16_t>(early.x), static_cast<std::int16_t>(early.y)});
-    AwaitChange(first, kSureChanges);
-    measured.startMs = std::chrono::duration<double, std::milli>(Clock::now() - viewer.GetStart()).count();
-  }
+  measured.startMs = MeasureStartMs(viewer);
   viewer.PlaceWindow(kWindowWidth, kWindowHeight);
   for (const std::string& key : aPictureKeys)
     viewer.PressKey(key);
-  const WindowPoint point = viewer.ToScreen(kPicturePoint);
-  const PixelWatch watch({static_cast<std::int16_t>(point.x), static_cast<std::int16_t>(point.y)});
   std::this_thread::sleep_for(kWarmUp);
-
-  const double cpuBegin = viewer.GetProcessorMs();
-  const double serverBegin = screen.GetServerMs();
-  const std::uint64_t changesBegin = watch.CountChanges();
-  const auto begin = Clock::now();
-  std::this_thread::sleep_for(kSpan);
-  const double cpuMs = viewer.GetProcessorMs() - cpuBegin;
-  const double serverMs = screen.GetServerMs() - serverBegin;
-  const auto pictures = static_cast<double>(watch.CountChanges() - changesBegin);
-  if (pictures == 0)
-    Fail("the picture stands still.");
-  measured.picturesPerSecond = pictures / std::chrono::duration<double>(Clock::now() - begin).count();
-  measured.cpuMsPerPicture = cpuMs / pictures;
-  measured.totalMsPerPicture = (cpuMs + serverMs) / pictures;
+  const std::optional<ScreenArea> picture = benchmarks::FindPicture(screen, viewer.GetWindowArea());
+  if (!picture)
+    Fail("there is no live picture in the window.");
+  measured.pictureWidth = picture->width;
+  measured.pictureHeight = picture->height;
+  const PixelWatch watch({static_cast<std::int16_t>(picture->x + picture->width / 3),
+                          static_cast<std::int16_t>(picture->y + picture->height / 2)});
+  MeasureSpan(viewer, screen, watch, {.imageBytes = kImageWidth * kImageHeight, .packetBytes = kPacketBytes}, measured);
   return measured;
 }
 
-// The best of several turns: what the machine can do when nothing else disturbs it.
-void Improve(std::optional<Measured>& aBest, const Measured& aNew) {
-  if (!aBest)
-    aBest = aNew;
-  aBest->startMs = std::min(aBest->startMs, aNew.startMs);
-  aBest->picturesPerSecond = std::max(aBest->picturesPerSecond, aNew.picturesPerSecond);
-  aBest->cpuMsPerPicture = std::min(aBest->cpuMsPerPicture, aNew.cpuMsPerPicture);
-  aBest->totalMsPerPicture = std::min(aBest->totalMsPerPicture, aNew.totalMsPerPicture);
+// A turn counts only beside others that showed as much.
+void AddTurn(Turns& aTurns, const char* aName, const Measured& aTurn) {
+  std::printf("# %s: %.1f pictures/s of %.1f frames/s, %.0fx%.0f, %.2f ms, %.2f ms with the server, start %.0f ms\n",
+              aName, aTurn.picturesPerSecond, aTurn.framesPerSecond, aTurn.pictureWidth, aTurn.pictureHeight,
+              aTurn.cpuMsPerPicture, aTurn.totalMsPerPicture, aTurn.startMs);
+  std::fflush(stdout);
+  aTurns.turns.push_back(aTurn);
+  const Measured& first = aTurns.turns.front();
+  if (aTurn.pictureWidth != first.pictureWidth || aTurn.pictureHeight != first.pictureHeight)
+    Fail("the picture is larger in one turn than in another.");
+}
+
+// What both draw, within what their layouts differ by.
+void RequireAlikePictures(const Turns& aOurs, const Turns& aPeers) {
+  const Measured& ours = aOurs.turns.front();
+  const Measured& peers = aPeers.turns.front();
+  const double ratio = ours.pictureWidth * ours.pictureHeight / (peers.pictureWidth * peers.pictureHeight);
+  if (ratio < kLeastAlike || ratio > 1 / kLeastAlike)
+    Fail("one viewer's picture is larger than the other's.");
 }
 
 void Compare(const Case& aCase) {
-  std::optional<Measured> ours;
-  std::optional<Measured> peers;
+  Turns ours;
+  Turns peers;
   for (int turn = 0; turn < aCase.turns; ++turn) {
-    Improve(ours, Measure(aCase, {KRVIEWER_PATH, kAddress}, ApproachOurs, {kHideFeatures, kFitPicture}));
-    Improve(peers, Measure(aCase, {"arv-viewer-0.8"}, ApproachPeer, {}));
+    AddTurn(ours, "krviewer", Measure(aCase, {KRVIEWER_PATH, kAddress}, ApproachOurs, {kHideFeatures, kFitPicture}));
+    AddTurn(peers, "arv-viewer", Measure(aCase, {"arv-viewer-0.8"}, ApproachPeer, {}));
+    RequireAlikePictures(ours, peers);
   }
   const auto print = [&](const char* aName, double Measured::*aFigure, const char* aUnit) {
     const std::string name = std::string("viewer_") + aName + "_" + aCase.pixelFormat;
-    benchmarks::PrintFigure(name.c_str(), (*ours).*aFigure, aUnit, "arv_viewer", (*peers).*aFigure);
+    benchmarks::PrintFigure(name.c_str(), ours.GetMedian(aFigure), aUnit, "arv_viewer", peers.GetMedian(aFigure));
   };
   print("cpu_per_picture", &Measured::cpuMsPerPicture, "ms");
   print("cpu_per_picture_with_server", &Measured::totalMsPerPicture, "ms");
+  print("frames_received_per_second", &Measured::framesPerSecond, "1/s");
   print("pictures_per_second", &Measured::picturesPerSecond, "1/s");
+  print("shown_of_received", &Measured::shownOfReceived, "%");
   print("start_to_picture", &Measured::startMs, "ms");
+  print("picture_width", &Measured::pictureWidth, "pixels");
+  print("picture_height", &Measured::pictureHeight, "pixels");
 }
 
 } // namespace

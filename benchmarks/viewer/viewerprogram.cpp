@@ -6,11 +6,14 @@
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
 #include <spawn.h>
 #include <sstream>
 #include <sys/wait.h>
+#include <system_error>
 #include <thread>
+#include <unistd.h>
 
 namespace benchmarks {
 
@@ -24,8 +27,17 @@ constexpr std::chrono::milliseconds kPause{20};
   std::exit(1);
 }
 
-pid_t Spawn(std::vector<std::string> aCommandLine) {
-  aCommandLine.insert(aCommandLine.begin(), {"setpriv", "--pdeathsig", "KILL"});
+std::string MakeFolder() {
+  std::string folder = (std::filesystem::temp_directory_path() / "viewer-settings-XXXXXX").string();
+  if (!::mkdtemp(folder.data()))
+    Fail("no folder can be made for the viewer's settings.");
+  return folder;
+}
+
+pid_t Spawn(std::vector<std::string> aCommandLine, const std::string& aSettingsFolder) {
+  const std::string program = aCommandLine.front();
+  aCommandLine.insert(aCommandLine.begin(),
+                      {"setpriv", "--pdeathsig", "KILL", "env", "XDG_CONFIG_HOME=" + aSettingsFolder});
   std::vector<char*> arguments;
   for (std::string& argument : aCommandLine)
     arguments.push_back(argument.data());
@@ -38,7 +50,7 @@ pid_t Spawn(std::vector<std::string> aCommandLine) {
   const int error = posix_spawnp(&process, arguments.front(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   if (error != 0)
-    Fail(aCommandLine[3] + " does not start.");
+    Fail(program + " does not start.");
   return process;
 }
 
@@ -70,7 +82,8 @@ void Await(const Condition& aCondition, const char* aWhat) {
 
 } // namespace
 
-ViewerProgram::ViewerProgram(std::vector<std::string> aCommandLine) : mProcess(Spawn(std::move(aCommandLine))) {}
+ViewerProgram::ViewerProgram(std::vector<std::string> aCommandLine)
+    : mSettingsFolder(MakeFolder()), mProcess(Spawn(std::move(aCommandLine), mSettingsFolder)) {}
 
 ViewerProgram::~ViewerProgram() {
   ::kill(mProcess, SIGTERM);
@@ -80,6 +93,8 @@ ViewerProgram::~ViewerProgram() {
       ::kill(mProcess, SIGKILL);
     std::this_thread::sleep_for(kPause);
   }
+  std::error_code ignored; // What stays is in the folder for temporary files.
+  std::filesystem::remove_all(mSettingsFolder, ignored);
 }
 
 double ViewerProgram::GetProcessorMs() const {
@@ -100,9 +115,9 @@ void ViewerProgram::AwaitWindow() {
       "the viewer showed no window");
 }
 
-ViewerProgram::Geometry ViewerProgram::GetGeometry() const {
+ScreenArea ViewerProgram::GetWindowArea() const {
   std::istringstream lines(AskXdotool("getwindowgeometry --shell " + mWindow));
-  Geometry geometry;
+  ScreenArea geometry;
   std::string line;
   while (std::getline(lines, line)) {
     const std::size_t sign = line.find('=');
@@ -123,13 +138,13 @@ ViewerProgram::Geometry ViewerProgram::GetGeometry() const {
 }
 
 int ViewerProgram::GetWindowHeight() const {
-  return GetGeometry().height;
+  return GetWindowArea().height;
 }
 
 void ViewerProgram::PlaceWindow(int aWidth, int aHeight) const {
   const std::string size = std::to_string(aWidth) + " " + std::to_string(aHeight);
   AskXdotool("windowsize " + mWindow + " " + size + " windowmove " + mWindow + " 20 20 windowactivate " + mWindow);
-  Await([&] { return GetGeometry().width == aWidth && GetGeometry().height == aHeight; },
+  Await([&] { return GetWindowArea().width == aWidth && GetWindowArea().height == aHeight; },
         "the viewer's window did not get its size");
 }
 
@@ -143,7 +158,7 @@ void ViewerProgram::PressKey(const std::string& aKey) const {
 }
 
 WindowPoint ViewerProgram::ToScreen(WindowPoint aPoint) const {
-  const Geometry geometry = GetGeometry();
+  const ScreenArea geometry = GetWindowArea();
   return {geometry.x + aPoint.x, geometry.y + aPoint.y};
 }
 
