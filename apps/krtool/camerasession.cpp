@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <string_view>
 
 namespace krtool {
 
@@ -17,6 +19,19 @@ std::string GetReason(const KrResult& aResult) {
   return (aResult.GetDescription().IsEmpty() ? aResult.GetCodeString() : aResult.GetDescription()).ToUtf8();
 }
 
+// Lists in a text have indented lines, and keep them; no other line break does, so that what a device says never begins
+// a line of its own.
+std::string MakeIndentedLines(const std::string& aText) {
+  constexpr std::string_view kBreak = "\n  ";
+  std::string lines;
+  std::size_t begin = 0;
+  for (std::size_t end = aText.find(kBreak); end != std::string::npos; end = aText.find(kBreak, begin)) {
+    lines += krapps::MakeField(aText.substr(begin, end - begin)).append(kBreak);
+    begin = end + kBreak.size();
+  }
+  return lines + krapps::MakeField(aText.substr(begin));
+}
+
 } // namespace
 
 KrResult Explain(const std::string& aAttempt, const KrResult& aResult) {
@@ -24,7 +39,7 @@ KrResult Explain(const std::string& aAttempt, const KrResult& aResult) {
 }
 
 int Fail(std::ostream& aErrors, const KrResult& aResult) {
-  aErrors << "krtool: " << krapps::MakeField(GetReason(aResult)) << '\n';
+  aErrors << "krtool: " << MakeIndentedLines(GetReason(aResult)) << '\n';
   return 1;
 }
 

@@ -18,7 +18,10 @@ int RunXml(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream& aOu
     return 0;
   }
   const KrResult written = WriteTextFile(aCommandLine.file, aCommandLine.force, description.GetText());
-  return written.IsOK() ? 0 : FailToWrite(aErrors, written);
+  if (!written.IsOK())
+    return FailToWrite(aErrors, written);
+  aOut << "bytes=" << description.GetText().size() << " file=" << aCommandLine.file << '\n';
+  return 0;
 }
 
 } // namespace krtool

@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
                 << '\n';
     }
   }
-  std::cout << system.GetDeviceCount() << " devices\n";
+  const std::size_t count = system.GetDeviceCount();
+  std::cout << count << (count == 1 ? " device\n" : " devices\n");
   return 0;
 }

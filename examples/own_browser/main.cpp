@@ -88,7 +88,8 @@ int main(int argc, char** argv) {
   if (device)
     result = device->GetParameters(array);
   if (!array) {
-    std::cerr << "No camera can be shown. Try --simulate. " << result.GetDescription().CStr() << '\n';
+    std::cerr << "No camera can be shown. " << (simulate ? "" : "Try --simulate. ") << result.GetDescription().CStr()
+              << '\n';
     return 1;
   }
   OwnBrowser browser(*array);

@@ -1,5 +1,9 @@
-// Opens the first camera there is (simulated ones with --simulate), sets its exposure time, hears of the change, and
-// saves its settings. What can go wrong is told, as a camera may lack any feature.
+// Sets the exposure time of a camera, hears of the change, and saves the camera's settings in settings.txt:
+//
+//     set_parameters [--simulate] camera
+//
+// The camera is that of a user-defined name or unique ID; sim-mono is one of the simulated ones. Without it those that
+// there are get listed, and none is changed.
 
 #include "krdevice/krdevice.h"
 #include "krgenicam/krgeneventsink.h"
@@ -8,10 +12,10 @@
 #include "krtransport/krtransport.h"
 
 #include <chrono>
-#include <cstring>
 #include <iostream>
 #include <memory>
 #include <semaphore>
+#include <string_view>
 
 namespace {
 
@@ -31,34 +35,32 @@ public:
               << (read.IsOK() ? text : read.GetDescription()).CStr() << std::endl;
     mCalled.release();
   }
-  bool WaitForCall() { return mCalled.try_acquire_for(std::chrono::seconds(2)); }
+  bool WaitForCall() { return mCalled.try_acquire_for(std::chrono::minutes(1)); }
 
 private:
   std::counting_semaphore<> mCalled{0};
 };
 
-// Cameras of some makers have the feature under an older name.
-KrGenFloat* FindExposureTime(const KrGenParameterArray& aArray) {
-  KrGenFloat* const exposureTime = aArray.GetFloat("ExposureTime");
-  return exposureTime ? exposureTime : aArray.GetFloat("ExposureTimeAbs");
-}
-
 bool SetExposureTime(const KrGenParameterArray& aArray) {
-  KrGenFloat* const exposureTime = FindExposureTime(aArray);
+  KrGenFloat* exposureTime = aArray.GetFloat("ExposureTime");
+  if (!exposureTime) // Cameras of some makers have it under an older name.
+    exposureTime = aArray.GetFloat("ExposureTimeAbs");
   if (!exposureTime) {
     std::cerr << "The camera has no exposure time that can be set.\n";
     return false;
   }
   ChangePrinter printer;
-  double minimum = 0;
-  double maximum = 0;
+  double minimum = 0, maximum = 0, before = 0, after = 0;
   if (!Check(exposureTime->RegisterEventSink(&printer)))
     return false;
   const bool isSet = Check(exposureTime->GetMin(minimum)) && Check(exposureTime->GetMax(maximum)) &&
-                     Check(exposureTime->SetValue(minimum + (maximum - minimum) / 100));
-  // Nobody is told where the camera had the value already.
-  if (isSet && !printer.WaitForCall())
-    std::cout << "The exposure time is as it was.\n";
+                     Check(exposureTime->GetValue(before)) &&
+                     Check(exposureTime->SetValue(minimum + (maximum - minimum) / 100)) &&
+                     Check(exposureTime->GetValue(after));
+  if (isSet && after == before) // Nobody is told of what is no change.
+    std::cout << "The exposure time was that already.\n";
+  else if (isSet && !printer.WaitForCall())
+    std::cerr << "The exposure time was set, but nobody was told of it within a minute.\n";
   return Check(exposureTime->UnregisterEventSink(&printer)) && isSet;
 }
 
@@ -74,19 +76,24 @@ bool SaveSettings(KrGenParameterArray& aArray, const char* aFile) {
 } // namespace
 
 int main(int argc, char** argv) {
-  const bool simulate = argc > 1 && std::strcmp(argv[1], "--simulate") == 0;
+  const bool simulate = argc > 1 && std::string_view(argv[1]) == "--simulate";
+  const std::string_view name = argc == (simulate ? 3 : 2) ? argv[argc - 1] : "";
   KrSystem system;
   if (!Check(KrInstallTransports({.gigEVision = true, .simulation = simulate})) || !Check(system.Find()))
     return 1;
-  if (system.GetDeviceCount() == 0) {
-    std::cerr << "There is no camera. Try --simulate.\n";
-    return 1;
-  }
   std::unique_ptr<KrDevice> device;
   KrGenParameterArray* array = nullptr;
-  if (!Check(KrDevice::Open(*system.GetDeviceInfo(0), KrDeviceAccess::Control, device)) ||
-      !Check(device->GetParameters(array)))
-    return 1;
+  for (std::size_t i = 0; i < system.GetDeviceCount() && !device; ++i) {
+    const KrDeviceInfo& info = *system.GetDeviceInfo(i);
+    if (name.empty() || (info.GetUserDefinedName() != name && info.GetUniqueID() != name))
+      std::cerr << "Found: " << info.GetUniqueID().CStr() << ' ' << info.GetUserDefinedName().CStr() << '\n';
+    else if (!Check(KrDevice::Open(info, KrDeviceAccess::Control, device)) || !Check(device->GetParameters(array)))
+      return 1;
+  }
+  if (!array) {
+    std::cerr << "set_parameters [--simulate] camera: the unique ID or user-defined name of one that is found\n";
+    return 2;
+  }
   std::cout << device->GetDisplayID().CStr() << ": " << array->GetCount() << " features\n";
   return SetExposureTime(*array) && SaveSettings(*array, "settings.txt") ? 0 : 1;
 }

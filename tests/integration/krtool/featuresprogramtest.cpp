@@ -89,7 +89,7 @@ TEST_F(FeaturesProgram, Description_IsTheSameInAFileAndReadFromIt) {
   const std::string path = mFolder.GetFile("camera.xml");
 
   const std::string text = RunTool({"xml", kCamera});
-  EXPECT_EQ(RunTool({"xml", kCamera, path}), "");
+  EXPECT_EQ(RunTool({"xml", kCamera, path}), "bytes=" + std::to_string(text.size()) + " file=" + path + "\n");
 
   EXPECT_EQ(TemporaryFolder::ReadFile(path), text);
   EXPECT_EQ(RunTool({"xml", path}), text);

@@ -112,10 +112,11 @@ TEST_F(FeatureCommands, Description_IsWrittenAndReadAsAFile) {
   const std::string path = mFolder.GetFile("camera.xml");
 
   const std::string text = Run(RunXml, {.verb = Verb::Xml});
-  Run(RunXml, {.verb = Verb::Xml, .file = path});
+  const std::string said = Run(RunXml, {.verb = Verb::Xml, .file = path});
 
   EXPECT_THAT(text, HasSubstr("<RegisterDescription"));
   EXPECT_EQ(TemporaryFolder::ReadFile(path), text);
+  EXPECT_EQ(said, "bytes=" + std::to_string(text.size()) + " file=" + path + "\n");
   EXPECT_THAT(Run(RunFeatures, {.verb = Verb::Features, .device = path}), HasSubstr("\tWidth\tInteger\t"));
 }
 

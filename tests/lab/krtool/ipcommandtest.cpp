@@ -162,7 +162,8 @@ TEST_F(IPCommand, UnknownDevice_IsToldWithThoseFound) {
   const int exitCode = Run("nobody", {});
 
   EXPECT_EQ(exitCode, 1);
-  EXPECT_THAT(mErrors.str(), HasSubstr("sim-mono"));
+  EXPECT_THAT(mErrors.str(), HasSubstr("Found were:\n  "));
+  EXPECT_THAT(mErrors.str(), HasSubstr("\"sim-mono\"\n  "));
 }
 
 TEST_F(IPCommand, DetectionTimeout_IsAsBeforeAfterTheWait) {
