@@ -31,6 +31,11 @@ void BackgroundCall::Follow() {
   std::exchange(mThen, nullptr)();
 }
 
+void BackgroundCall::Await() const {
+  if (IsRunning())
+    mEnd.wait();
+}
+
 void BackgroundCall::End() {
   if (!IsRunning())
     return;

@@ -27,6 +27,8 @@ public:
   bool IsRunning() const { return mThread.joinable(); }
   /// Does what follows work that is over; to be called often.
   void Follow();
+  /// Waits until the work is over, so that Follow does what follows it.
+  void Await() const;
   /// Ends the work, which is over afterwards, and nothing follows.
   void End();
 

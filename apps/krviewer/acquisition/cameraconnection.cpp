@@ -36,16 +36,18 @@ void CameraConnection::BeginEnd() {
              [this] { NoteAway(); });
 }
 
+void CameraConnection::CompleteLeave() {
+  if (mPhase != Phase::Leaving || mEnd.IsRunning())
+    return;
+  mGiveBack(*mAcquisition);
+  if (mPhase == Phase::Leaving && !mEnd.IsRunning())
+    BeginEnd();
+}
+
 void CameraConnection::AwaitAway() {
+  CompleteLeave();
   if (mPhase != Phase::Leaving)
     return;
-  // In a loop of what gives back, which this call completes.
-  if (!mEnd.IsRunning()) {
-    mGiveBack(*mAcquisition);
-    if (mPhase != Phase::Leaving)
-      return;
-    BeginEnd();
-  }
   mEnd.End();
   NoteAway();
 }

@@ -25,6 +25,8 @@ public:
   void Connect();
   /// Begins to give the camera back. Nothing where that was begun.
   void Leave();
+  /// Completes a Leave in a loop of which this is called, so that looks alone see the camera away.
+  void CompleteLeave();
   /// Waits until the camera that Leave gives back is away.
   void AwaitAway();
   /// Sees what the acquisition has come to; to be called often.

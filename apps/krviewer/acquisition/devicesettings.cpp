@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 
+#include <atomic>
 #include <utility>
 
 namespace krviewer {
@@ -19,27 +20,45 @@ bool IsCutShort(const KrResult& aResult) {
 
 } // namespace
 
+/// Of a work, for both threads at once.
+struct DeviceSettings::Control {
+  std::atomic<bool> isToEnd = false;
+  std::atomic<int> percent = 0;
+};
+
 /// Of a work, for both threads in turn.
 struct DeviceSettings::Outcome {
-  std::shared_ptr<std::atomic<bool>> isToEnd;
+  std::shared_ptr<Control> control;
   KrStringList problems = {};
 
   KrGenProgress MakeProgress() const {
-    return [end = isToEnd](std::size_t, std::size_t) { return !end->load(); };
+    return [control = control](std::size_t aDone, std::size_t aTotal) {
+      control->percent = aTotal == 0 ? 0 : static_cast<int>(100 * aDone / aTotal);
+      return !control->isToEnd;
+    };
   }
 };
 
-DeviceSettings::DeviceSettings(QWidget& aPage, Do aDo, Tell aTell)
-    : mPage(aPage), mDo(std::move(aDo)), mTell(std::move(aTell)) {}
+DeviceSettings::DeviceSettings(QWidget& aPage, Do aDo, Announce aAnnounce, Tell aTell)
+    : mPage(aPage), mDo(std::move(aDo)), mAnnounce(std::move(aAnnounce)), mTell(std::move(aTell)) {}
 
 DeviceSettings::~DeviceSettings() {
   End();
 }
 
+QString DeviceSettings::GetProgressText() const {
+  const int percent = mControl ? mControl->percent.load() : 0;
+  return percent == 0 ? mDoing : QStringLiteral("%1 %2 % are done.").arg(mDoing).arg(percent);
+}
+
+void DeviceSettings::Cancel() {
+  if (mControl)
+    mControl->isToEnd = true;
+}
+
 void DeviceSettings::End() {
-  if (mEnd)
-    mEnd->store(true);
-  mEnd = nullptr;
+  Cancel();
+  mControl = nullptr;
 }
 
 void DeviceSettings::AskForFile(bool aIsToSave) {
@@ -62,8 +81,10 @@ void DeviceSettings::Load(const QString& aFile) {
     return read.IsOK() ? aParameters.RestoreSettings(settings, aOutcome.problems, aOutcome.MakeProgress()) : read;
   };
   const QString name = QFileInfo(aFile).fileName();
-  Run(aFile, load, QStringLiteral("The camera is set as %1 says.").arg(name),
-      QStringLiteral("The camera is not set as %1 says:").arg(name));
+  Run(aFile, load,
+      {QStringLiteral("The camera is being set as %1 says; its stream is stopped meanwhile.").arg(name),
+       QStringLiteral("The camera is set as %1 says.").arg(name),
+       QStringLiteral("The camera is not set as %1 says:").arg(name)});
 }
 
 // What could be read of a camera that answers is in the file in any case.
@@ -79,28 +100,32 @@ void DeviceSettings::Save(const QString& aFile) {
     return saved.IsOK() ? stored : saved;
   };
   const QString name = QFileInfo(aFile).fileName();
-  Run(aFile, save, QStringLiteral("The camera's settings are in %1.").arg(name),
-      QStringLiteral("%1 does not have all settings of the camera:").arg(name));
+  Run(aFile, save,
+      {QStringLiteral("The camera's settings are being saved to %1; its stream is stopped meanwhile.").arg(name),
+       QStringLiteral("The camera's settings are in %1.").arg(name),
+       QStringLiteral("%1 does not have all settings of the camera:").arg(name)});
 }
 
 // The stream stops for it, as it keeps settings from being changed and read under every selector.
-void DeviceSettings::Run(const QString& aFile, Work aWork, const QString& aDone, const QString& aNotDone) {
+void DeviceSettings::Run(const QString& aFile, Work aWork, const Words& aWords) {
   if (IsWorking())
     return;
-  mEnd = std::make_shared<std::atomic<bool>>(false);
-  const auto outcome = std::make_shared<Outcome>(Outcome{mEnd});
+  mControl = std::make_shared<Control>();
+  mDoing = aWords.doing;
+  const auto outcome = std::make_shared<Outcome>(Outcome{mControl});
+  mAnnounce(mDoing);
   mDo({.run = [aWork, file = KrString(aFile.toUtf8().constData()),
                outcome](KrGenParameterArray& aParameters) { return aWork(aParameters, file, *outcome); },
        .isStreamStopped = true,
        .then =
-           [this, outcome, aDone, aNotDone](const KrResult& aResult) {
-             if (outcome->isToEnd != mEnd)
+           [this, outcome, aWords](const KrResult& aResult) {
+             if (outcome->control != mControl)
                return;
-             mEnd = nullptr;
+             mControl = nullptr;
              KrStringList problems = outcome->problems;
              if (!aResult.IsOK() && problems.IsEmpty())
                problems.Add(aResult.GetDescription());
-             mTell(aResult.IsOK() ? aDone : aNotDone, problems);
+             mTell(aResult.IsOK() ? aWords.done : aWords.notDone, problems);
            }});
 }
 

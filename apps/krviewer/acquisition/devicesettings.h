@@ -8,7 +8,6 @@
 #include <QObject>
 #include <QString>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -25,11 +24,18 @@ public:
   /// What came of it, and what of it could not be done.
   using Tell = std::function<void(const QString& aWhat, const KrStringList& aProblems)>;
 
-  DeviceSettings(QWidget& aPage, Do aDo, Tell aTell);
+  /// What is begun, to be said until it is told what came of it.
+  using Announce = std::function<void(const QString& aWhat)>;
+
+  DeviceSettings(QWidget& aPage, Do aDo, Announce aAnnounce, Tell aTell);
   /// Ends what is under way.
   ~DeviceSettings() override;
 
-  bool IsWorking() const { return mEnd != nullptr; }
+  bool IsWorking() const { return mControl != nullptr; }
+  /// What is under way, and how far it has come.
+  QString GetProgressText() const;
+  /// Ends what is under way soon; what came of it is told.
+  void Cancel();
   void AskForLoading() { AskForFile(false); }
   void AskForSaving() { AskForFile(true); }
   void Load(const QString& aFile);
@@ -38,16 +44,25 @@ public:
   void End();
 
 private:
+  struct Control;
   struct Outcome;
   using Work = KrResult (*)(KrGenParameterArray& aParameters, const KrString& aFile, Outcome& aOutcome);
 
   void AskForFile(bool aIsToSave);
-  void Run(const QString& aFile, Work aWork, const QString& aDone, const QString& aNotDone);
+  /// What is said of a work.
+  struct Words {
+    QString doing;
+    QString done;
+    QString notDone;
+  };
+  void Run(const QString& aFile, Work aWork, const Words& aWords);
 
   QWidget& mPage;
   const Do mDo;
+  const Announce mAnnounce;
   const Tell mTell;
-  std::shared_ptr<std::atomic<bool>> mEnd; ///< Of what is under way: whether it is to end. Null while nothing is.
+  QString mDoing;
+  std::shared_ptr<Control> mControl; ///< Of what is under way; null while nothing is.
 };
 
 } // namespace krviewer

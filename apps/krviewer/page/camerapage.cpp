@@ -56,6 +56,7 @@ CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
       mRecordPanel(new RecordPanel(mRecorder, ToText(mCamera->GetDisplayID()), mCamera->GetUniqueID())), mTools(*this),
       mSettings(
           *this, [this](DeviceWork aWork) { Do(std::move(aWork)); },
+          [this](const QString& aWhat) { AnnounceSettings(aWhat); },
           [this](const QString& aWhat, const KrStringList& aProblems) { TellSettings(aWhat, aProblems); }),
       mRegion(mDisplay, [this](DeviceWork aWork) { Do(std::move(aWork)); }),
       mConnection(mDisplay, *mCamera, aOptions.acquisition, mFrames,
@@ -157,6 +158,11 @@ void CameraPage::WantPicture() {
 
 void CameraPage::GiveBack(Acquisition& aAcquisition) {
   mRegion.Cancel();
+  // What was said of its work is over with it.
+  if (mSettings.IsWorking()) {
+    mBar->Clear();
+    mTold.clear();
+  }
   mSettings.End();
   mFeatures->GiveBack(aAcquisition.GetParameters(ParameterBorrower::Browser));
   mStreamFeatures->GiveBack(aAcquisition.GetParameters(HostSide::Stream));
@@ -165,14 +171,24 @@ void CameraPage::GiveBack(Acquisition& aAcquisition) {
 }
 
 void CameraPage::End() {
-  mIsEnded = true;
+  if (!std::exchange(mIsEnded, true))
+    mHasEndedRecording = mRecorder.IsBusy();
   mIsConnectWanted = false;
   mRecorder.Stop();
+  mSaver.End();
   Call([](CameraPage& aPage) { aPage.mConnection.Leave(); });
+}
+
+bool CameraPage::FollowEnd() {
+  mConnection.CompleteLeave();
+  mConnection.LookAgain();
+  mSaver.Follow();
+  return HasEnded() && !IsWriting();
 }
 
 void CameraPage::AwaitEnd() {
   mConnection.AwaitAway();
+  mSaver.AwaitWritten();
   // What was recorded is worth the time that the disk needs for it.
   while (mRecorder.IsBusy())
     std::this_thread::sleep_for(kRecordingLook);
@@ -252,6 +268,12 @@ void CameraPage::TellRefusal(const QString& aWhat, const KrResult& aResult) {
                QStringLiteral("The camera did not %1: %2").arg(aWhat, ToText(aResult.GetDescription()))});
 }
 
+void CameraPage::AnnounceSettings(const QString& aWhat) {
+  mBar->Say({.text = aWhat,
+             .buttons = {{QStringLiteral("Canc&el"), [this] { mSettings.Cancel(); }}},
+             .canBeDismissed = false});
+}
+
 void CameraPage::TellSettings(const QString& aWhat, const KrStringList& aProblems) {
   for (const KrString& problem : aProblems)
     std::fprintf(stderr, "%s\n", ToLine(ToText(problem), 1000).toUtf8().constData());
@@ -319,6 +341,8 @@ void CameraPage::LookForTrouble() {
 
 // Of each state once: what the user has dismissed stays away, and what else was said stays as long as the state does.
 void CameraPage::TellState() {
+  if (mSettings.IsWorking())
+    return mBar->Reword(mSettings.GetProgressText());
   const BarMessage message = MakePageMessage(GetState(), {.connect = [this] { Reconnect(); },
                                                           .disconnect = [this] { Disconnect(); },
                                                           .start = [this] { Start(); },

@@ -54,12 +54,16 @@ public:
   void RestoreState(const QByteArray& aState);
   /// Begins to give the camera back for good; a recording stops.
   void End();
-  /// Waits until it is given back, and what was recorded is written.
+  /// Looks how far the end is, in any loop: whether the camera is given back and all is written.
+  bool FollowEnd();
+  /// Waits until it is given back, and what was recorded and saved is written.
   void AwaitEnd();
   /// Whether it is given back for good.
   bool HasEnded() const { return mIsEnded && !mConnection.IsLeaving(); }
   /// Whether nothing of the page is under way.
-  bool IsIdle() const { return mCalls == 0 && !mConnection.IsLeaving() && !mRecorder.IsBusy(); }
+  bool IsIdle() const { return mCalls == 0 && !mConnection.IsLeaving() && !IsWriting(); }
+  /// Whether frames are being recorded or saved.
+  bool IsWriting() const { return mRecorder.IsBusy() || mSaver.IsBusy(); }
 
   const KrDeviceInfo& GetCamera() const { return *mCamera; }
   int GetNumber() const { return mOptions.number; }
@@ -72,6 +76,12 @@ public:
   bool CanSaveFrame() const { return mSaver.HasFrame(); }
   void SaveFrame() { mSaver.Ask(this); }
   bool IsRecording() const { return mRecorder.IsBusy(); }
+  /// Whether its end stopped a recording.
+  bool HasEndedRecording() const { return mHasEndedRecording; }
+  RecordingProgress GetRecording() const { return mRecorder.GetProgress(); }
+  /// Stops a recording without what is not written yet.
+  void GiveUpRecording() { mRecorder.GiveUp(); }
+  const QStringList& GetSavingFailures() const { return mSaver.GetFailures(); }
   /// Starts a recording as its panel says, which is shown, or stops the one that runs.
   void StartOrStopRecording();
   RegionEditor& GetRegion() { return mRegion; }
@@ -128,6 +138,7 @@ private:
   void LookForTrouble();
   void TellState();
   void TellRefusal(const QString& aWhat, const KrResult& aResult);
+  void AnnounceSettings(const QString& aWhat);
   void TellSettings(const QString& aWhat, const KrStringList& aProblems);
 
   const CameraInfo mCamera;
@@ -158,6 +169,7 @@ private:
   bool mHasToldEnd = false;
   bool mIsConnectWanted = false; ///< As soon as the camera is given back.
   bool mIsEnded = false;
+  bool mHasEndedRecording = false;
   bool mHasWidths = false;
 };
 

@@ -90,6 +90,14 @@ void MessageBar::Say(const BarMessage& aMessage) {
   UpdateColours();
 }
 
+void MessageBar::Reword(const QString& aText) {
+  if (aText == mText)
+    return;
+  mText = aText;
+  mLabel->setText(aText);
+  setAccessibleName(aText);
+}
+
 void MessageBar::AddButton(const BarMessage::Button& aButton) {
   auto* const button = new QPushButton(aButton.text);
   button->setAutoDefault(true);

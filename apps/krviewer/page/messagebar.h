@@ -38,6 +38,8 @@ public:
 
   /// Says this from now on. The same text once more changes nothing, so that what the user has dismissed stays away.
   void Say(const BarMessage& aMessage);
+  /// Says it in other words, with the same buttons.
+  void Reword(const QString& aText);
   /// Says nothing.
   void Clear() { Say({}); }
   QString GetText() const { return mText; }

@@ -2,6 +2,10 @@
 
 #include "page/camerapage.h"
 #include "pictures.h"
+#include "recording/recordingtexts.h"
+#include "window/showntext.h"
+
+#include <QStringList>
 
 #include <cinttypes>
 #include <cstdio>
@@ -9,6 +13,8 @@
 namespace krviewer {
 
 namespace {
+
+constexpr int kLongestLine = 1000;
 
 bool SaveBrowserPicture(CameraPage& aPage, const QString& aFolder) {
   const KrResult result = WriteBrowserPicture(aPage.GetFeatures().GetWindow(), aFolder);
@@ -30,6 +36,19 @@ bool SaveDisplayPictures(CameraPage& aPage, const QString& aFolder) {
   return true;
 }
 
+QString GetName(const CameraPage& aPage) {
+  return ToText(aPage.GetCamera().GetDisplayID());
+}
+
+QString DescribeEnding(const CameraPage& aPage) {
+  if (aPage.IsRecording())
+    return QStringLiteral("The recording of %1 is being written. %2")
+        .arg(GetName(aPage), QString::fromStdString(DescribeState(aPage.GetRecording())));
+  if (aPage.IsWriting())
+    return QStringLiteral("A frame of %1 is being saved.").arg(GetName(aPage));
+  return QStringLiteral("%1 is being given back; it takes its time to answer.").arg(GetName(aPage));
+}
+
 } // namespace
 
 bool EndWithPictures(CameraPage& aPage, const QString& aFolder) {
@@ -42,6 +61,32 @@ bool EndWithPictures(CameraPage& aPage, const QString& aFolder) {
   if (hasPicture && !SaveDisplayPictures(aPage, aFolder))
     isWritten = false;
   return isWritten;
+}
+
+EndingWork MakeEndingWork(CameraPage& aPage) {
+  return {.isOver = [&aPage] { return aPage.FollowEnd(); },
+          .describe = [&aPage] { return DescribeEnding(aPage); },
+          .isRecording = [&aPage] { return aPage.IsRecording(); },
+          .abandon = [&aPage] { aPage.GiveUpRecording(); }};
+}
+
+QString TellWritten(const CameraPage& aPage) {
+  QStringList troubles;
+  if (aPage.HasEndedRecording()) {
+    const RecordingProgress recording = aPage.GetRecording();
+    const RecordingCounts& counts = recording.counts;
+    std::printf("recording=ended written=%" PRIu64 " incomplete=%" PRIu64 " queue_full=%" PRIu64 " failed=%" PRIu64
+                " abandoned=%" PRIu64 "\n",
+                counts.written, counts.incomplete, counts.queueFull, counts.failed, counts.abandoned);
+    if (recording.end != RecordingEnd::Stopped || counts.failed > 0)
+      troubles += QStringLiteral("The recording of %1 is not whole. %2 %3")
+                      .arg(GetName(aPage), QString::fromStdString(DescribeState(recording)),
+                           QString::fromStdString(DescribeLosses(recording)));
+  }
+  troubles += aPage.GetSavingFailures();
+  for (const QString& trouble : troubles)
+    std::fprintf(stderr, "%s\n", ToLine(trouble, kLongestLine).toUtf8().constData());
+  return troubles.join(QLatin1Char('\n'));
 }
 
 void PrintFigures(const CameraPage& aPage, const QString& aPrefix) {

@@ -1,6 +1,8 @@
 #pragma once
 // The end of a camera's page: the pictures that were asked for, and the figures that are printed.
 
+#include "window/endingwindow.h"
+
 #include <QString>
 
 namespace krviewer {
@@ -12,6 +14,13 @@ class CameraPage;
 /// Ends a page that is on the screen, with pictures of its display and its features in a folder, if it has shown any
 /// frame. False, told on the error stream, where a picture could not be written.
 bool EndWithPictures(CameraPage& aPage, const QString& aFolder);
+
+/// What is still under way of a page that has ended, which outlives it.
+EndingWork MakeEndingWork(CameraPage& aPage);
+
+/// Prints what came of the recording that a page's end stopped, and tells on the error stream what of it, or of frames
+/// that were saved, could not be written: all is written, or never will be. Gives that trouble in words; empty without.
+QString TellWritten(const CameraPage& aPage);
 
 /// Prints what came of a page that has ended; aPrefix comes before it.
 void PrintFigures(const CameraPage& aPage, const QString& aPrefix);

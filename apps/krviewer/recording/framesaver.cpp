@@ -66,15 +66,24 @@ KrResult MakeFormatFailure(const QString& aFile) {
 
 FrameSaver::FrameSaver(const NewestFrame& aFrames, const QString& aCamera, const KrString& aDeviceID)
     : mFrames(aFrames), mCamera(aCamera), mDeviceID(aDeviceID), mFolder(FindFolder(QStandardPaths::PicturesLocation)) {
-  connect(&mTimer, &QTimer::timeout, this, [this] { mCall.Follow(); });
+  connect(&mTimer, &QTimer::timeout, this, &FrameSaver::Follow);
 }
 
 FrameSaver::~FrameSaver() {
+  End();
+  AwaitWritten();
+}
+
+void FrameSaver::End() {
+  mIsEnded = true;
   delete mDialog;
-  mTimer.stop();
-  mCall.End();
-  for (const std::shared_ptr<Job>& job : mJobs)
-    static_cast<void>(krapps::WriteFrame(*job->frame, job->options)); // There is nobody left to be told.
+}
+
+void FrameSaver::AwaitWritten() {
+  while (IsBusy()) {
+    mCall.Await();
+    mCall.Follow();
+  }
 }
 
 void FrameSaver::Ask(QWidget* aParent) {
@@ -164,6 +173,8 @@ void FrameSaver::StartNext() {
 }
 
 void FrameSaver::Tell(const Job& aJob) {
+  if (!aJob.result.IsOK() && mIsEnded)
+    return mFailures.append(ToText(aJob.result.GetDescription()));
   if (!aJob.result.IsOK())
     return ShowFailure(aJob.parent, tr("Save Frame"), aJob.result);
   QString text =

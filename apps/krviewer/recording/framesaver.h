@@ -8,6 +8,7 @@
 #include <QByteArray>
 #include <QObject>
 #include <QPointer>
+#include <QStringList>
 #include <QTimer>
 
 #include <deque>
@@ -18,8 +19,8 @@ class QWidget;
 
 namespace krviewer {
 
-/// Thread: user interface; files are written on a thread of its own. What was accepted is written in any case: the end
-/// waits for it.
+/// Thread: user interface; files are written on a thread of its own. What was accepted is written in any case:
+/// destruction waits for it.
 /// Ownership: borrows the frame's keeper.
 class FrameSaver : public QObject {
   Q_OBJECT
@@ -37,6 +38,14 @@ public:
   /// Writes a frame in the format that the name's extension says, else in the one used last.
   void Save(std::shared_ptr<const KrBuffer> aFrame, const QString& aFile, QWidget* aParent);
   bool IsBusy() const { return mCall.IsRunning() || !mJobs.empty(); }
+  /// Nothing is asked any more, and failures are kept rather than shown. What was accepted is still written.
+  void End();
+  /// Sees whether it is; the timer does that where a loop runs.
+  void Follow() { mCall.Follow(); }
+  /// Returns when it is.
+  void AwaitWritten();
+  /// Why frames could not be written after the end.
+  const QStringList& GetFailures() const { return mFailures; }
 
   /// Folder and format used last, to be kept; bytes that are no such state change nothing.
   QByteArray SaveState() const;
@@ -69,6 +78,8 @@ private:
   std::deque<std::shared_ptr<Job>> mJobs; ///< Those that wait.
   BackgroundCall mCall;
   QTimer mTimer; ///< Runs while a file is written.
+  QStringList mFailures;
+  bool mIsEnded = false;
 };
 
 } // namespace krviewer

@@ -66,12 +66,15 @@ void Recorder::Stop() {
   EndTaking(RecordingEnd::Stopped);
 }
 
+void Recorder::GiveUp() {
+  const std::lock_guard lock(mMutex);
+  EndTaking(RecordingEnd::Stopped);
+  mProgress.counts.abandoned += mQueue.Clear();
+  mChanged.notify_all();
+}
+
 void Recorder::Abandon() {
-  {
-    const std::lock_guard lock(mMutex);
-    EndTaking(RecordingEnd::Stopped);
-    mProgress.counts.abandoned += mQueue.Clear();
-  }
+  GiveUp();
   if (mThread.joinable())
     mThread.join();
 }

@@ -41,7 +41,9 @@ public:
   KrResult Start(const RecordingOptions& aOptions);
   /// Takes no more frames; those in memory are still written, which the progress tells. Nothing happens without one.
   void Stop();
-  /// The same, but those in memory are abandoned. Returns when the files are closed, which takes as long as one frame.
+  /// The same, but those in memory are abandoned; the one that is being written still is.
+  void GiveUp();
+  /// The same. Returns when the files are closed, which takes as long as one frame.
   void Abandon();
   /// Whether a recording is not over yet.
   bool IsBusy() const;

@@ -3,6 +3,7 @@
 #include "page/pageending.h"
 #include "pictures.h"
 #include "window/aboutbox.h"
+#include "window/endingwindow.h"
 #include "window/showntext.h"
 
 #include <QApplication>
@@ -20,6 +21,10 @@ namespace {
 
 constexpr int kLookIntervalMs = 50;
 const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
+
+KrString GetID(const CameraInfo& aCamera) {
+  return aCamera->GetUniqueID();
+}
 
 } // namespace
 
@@ -164,10 +169,14 @@ void Viewer::Open(const CameraInfo& aCamera) {
         page->Reconnect();
       return;
     }
-  // The same one, which was closed a moment ago, has to be given back first.
-  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
-    if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID())
-      page->AwaitEnd();
+  if (IsBeingGivenBack(*aCamera)) {
+    if (std::ranges::find(mReturning, aCamera->GetUniqueID(), GetID) == mReturning.end())
+      mReturning.push_back(aCamera);
+    return GetActiveWindow().GetBar().Say(
+        {MessageKind::Information, QStringLiteral("%1 was closed a moment ago and is being given back. It is shown "
+                                                  "as soon as that is done.")
+                                       .arg(ToText(aCamera->GetDisplayID()))});
+  }
   std::printf("camera=%s\n", aCamera->GetDisplayID().CStr());
   // Pictures say how fast the frames were; on the screen the status bar does.
   const bool hasText = mCommandLine.IsBatch();
@@ -192,6 +201,21 @@ void Viewer::Open(const CameraInfo& aCamera) {
   RecentCameras recent = mRecentCameras;
   recent.Add({ToText(aCamera->GetUniqueID()), ToText(aCamera->GetDisplayID())});
   SetRecentCameras(recent);
+}
+
+// The same one, which was closed a moment ago, has to be given back first.
+bool Viewer::IsBeingGivenBack(const KrDeviceInfo& aCamera) const {
+  return std::ranges::any_of(mEndedPages, [&aCamera](const std::unique_ptr<CameraPage>& aPage) {
+    return !aPage->HasEnded() && aPage->GetCamera().GetUniqueID() == aCamera.GetUniqueID();
+  });
+}
+
+void Viewer::OpenReturned() {
+  for (const CameraInfo& camera : std::exchange(mReturning, {}))
+    if (IsBeingGivenBack(*camera))
+      mReturning.push_back(camera);
+    else
+      Open(camera);
 }
 
 void Viewer::SetRecentCameras(const RecentCameras& aCameras) {
@@ -235,6 +259,7 @@ void Viewer::Discard(CameraPage& aPage) {
   if (found == mPages.end())
     return;
   mUnprinted.insert(&aPage);
+  mUnwritten.insert(&aPage);
   mEndedPages.push_back(std::move(*found));
   mPages.erase(found);
   QString folder = mCommandLine.screenshotFolder;
@@ -255,13 +280,23 @@ void Viewer::PrintEndedPages() {
                                       : QString());
 }
 
+// What went wrong with files of pages that nobody sees any more, in words.
+QString Viewer::TellWrittenPages() {
+  QStringList troubles;
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    if (page->HasEnded() && !page->IsWriting() && mUnwritten.erase(page.get()) > 0)
+      troubles += TellWritten(*page);
+  troubles.removeAll(QString());
+  return troubles.join(QLatin1Char('\n'));
+}
+
 // What has ended may be at work still further up on the stack, in a loop of its windows: only where there is no such
 // loop it can go, and then as late as the toolkit does that.
 void Viewer::DeleteEnded() {
   if (thread()->loopLevel() > mLoopLevel)
     return;
   const auto isOver = [this](const std::unique_ptr<CameraPage>& aPage) {
-    return aPage->IsIdle() && !mUnprinted.contains(aPage.get());
+    return aPage->IsIdle() && !mUnprinted.contains(aPage.get()) && !mUnwritten.contains(aPage.get());
   };
   for (std::unique_ptr<CameraPage>& page : mEndedPages)
     if (isOver(page))
@@ -309,6 +344,9 @@ void Viewer::LookAgain() {
   for (MainWindow* const window : GetWindows())
     window->LookAgain();
   PrintEndedPages();
+  if (const QString trouble = TellWrittenPages(); !trouble.isEmpty())
+    GetActiveWindow().GetBar().Say({MessageKind::Error, trouble});
+  OpenReturned();
   DeleteEnded();
 }
 
@@ -334,6 +372,23 @@ void Viewer::HideWindows() {
     window->hide();
 }
 
+// What the user has recorded is worth the time that the disk needs for it, as long as that is seen and can be given up.
+void Viewer::AwaitEndedPages() {
+  std::vector<EndingWork> works;
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    works.push_back(MakeEndingWork(*page));
+  EndingWindow window(std::move(works));
+  window.Await();
+  // A loop that was ended meanwhile has awaited nothing.
+  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
+    page->AwaitEnd();
+  const QString trouble = TellWrittenPages();
+  if (!trouble.isEmpty())
+    mExitCode = 1;
+  if (!trouble.isEmpty() && !mCommandLine.IsBatch() && !mStopSignal.IsRaised())
+    window.Tell(trouble);
+}
+
 void Viewer::Finish() {
   if (std::exchange(mIsOver, true))
     return;
@@ -354,8 +409,7 @@ void Viewer::Finish() {
     Discard(page);
   }
   HideWindows();
-  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
-    page->AwaitEnd();
+  AwaitEndedPages();
   PrintEndedPages();
   QCoreApplication::exit();
 }

@@ -67,6 +67,10 @@ private:
   void EndPage(CameraPage& aPage);
   void Discard(CameraPage& aPage);
   void PrintEndedPages();
+  QString TellWrittenPages();
+  bool IsBeingGivenBack(const KrDeviceInfo& aCamera) const;
+  void OpenReturned();
+  void AwaitEndedPages();
   void DeleteEnded();
   void HideWindows();
   void NoteEnd(CameraPage& aPage);
@@ -85,6 +89,8 @@ private:
   /// Ended, and deleted when nothing of them is under way any more.
   std::vector<std::unique_ptr<CameraPage>> mEndedPages;
   std::set<const CameraPage*> mUnprinted; ///< Of those the ones whose figures are not printed yet.
+  std::set<const CameraPage*> mUnwritten; ///< And those whose files are perhaps not all written yet.
+  std::vector<CameraInfo> mReturning;     ///< To be opened when pages of the same camera have given it back.
   std::vector<std::unique_ptr<MainWindow>> mEndedWindows;
   CameraFinder mFinder;
   CameraSearch mSearch;

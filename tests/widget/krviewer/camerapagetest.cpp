@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QStatusBar>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -122,7 +123,7 @@ TEST_F(CameraPageTest, SettingsSaved_AreSetAgainWhenLoaded) {
   ASSERT_TRUE(SetExposure(2000));
 
   GetPage()->GetSettings().Save(file);
-  ASSERT_TRUE(Await([this] { return GetMessage(*GetPage()).contains("camera.txt"); }));
+  ASSERT_TRUE(Await([this] { return !GetPage()->GetSettings().IsWorking(); }));
   EXPECT_EQ(GetMessage(*GetPage()), "The camera's settings are in camera.txt.");
   ASSERT_TRUE(SetExposure(7000));
   GetPage()->GetSettings().Load(file);
@@ -146,6 +147,22 @@ TEST_F(CameraPageTest, FileThatHasNoSettings_IsSaidSo) {
 
   EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).startsWith("The camera is not set as other.txt says:"); }))
       << GetMessage(*GetPage()).toStdString();
+}
+
+TEST_F(CameraPageTest, SettingsThatTakeLong_AreSaidSoAndCanBeCancelled) {
+  const QString file = QString::fromStdString(mFolder.GetFile("camera.txt"));
+  const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
+  OpenStreaming();
+  faults->SilenceRegisters();
+
+  GetPage()->GetSettings().Save(file);
+  EXPECT_TRUE(GetMessage(*GetPage()).contains("being saved to camera.txt")) << GetMessage(*GetPage()).toStdString();
+  ASSERT_TRUE(Click(*GetPage(), "Canc&el"));
+  faults->EndRegisterFaults();
+
+  EXPECT_TRUE(Await([this] { return !GetPage()->GetSettings().IsWorking(); }));
+  EXPECT_TRUE(Await([this] { return FindButton(*GetPage(), "Canc&el") == nullptr; }));
+  EXPECT_FALSE(QFile::exists(file));
 }
 
 TEST_F(CameraPageTest, ClosedWhileSettingsAreLoaded_Ends) {
@@ -204,6 +221,37 @@ TEST_F(CameraPageTest, Recording_IsStartedAndStoppedByItsKeyAndWrittenBeforeTheE
   // The index names every file, which it does when the recording has come to its end.
   ASSERT_TRUE(mViewer->IsOver());
   EXPECT_EQ(CountIndexed(".raw"), CountFiles(".raw"));
+}
+
+TEST_F(CameraPageTest, RecordingWhoseTabIsClosed_TellsWhatCameOfIt) {
+  OpenStreaming();
+  GetPage()->findChild<QLineEdit*>("recordFolder")->setText(QString::fromStdString(mFolder.GetFile("")));
+  ASSERT_TRUE(Choose("record"));
+  ASSERT_TRUE(Await([this] { return CountFiles(".raw") > 2; }));
+
+  testing::internal::CaptureStdout();
+  ASSERT_TRUE(Choose("closeCamera"));
+  End();
+  std::fflush(stdout);
+  const std::string printed = testing::internal::GetCapturedStdout();
+
+  const std::string line = "recording=ended written=" + std::to_string(CountFiles(".raw")) + ' ';
+  EXPECT_NE(printed.find(line), std::string::npos) << printed << "rather than " << line;
+}
+
+TEST_F(CameraPageTest, FrameThatCannotBeSavedAfterItsTabWasClosed_IsToldInTheWindow) {
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->CanSaveFrame(); }));
+  GetPage()->SaveFrame();
+  auto* const dialog = GetPage()->findChild<QFileDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  dialog->findChild<QLineEdit*>("fileNameEdit")->setText("/proc/shot.raw"); // Takes no files, not even root's.
+  QMetaObject::invokeMethod(dialog, "accept");
+
+  ASSERT_TRUE(Choose("closeCamera"));
+
+  EXPECT_TRUE(Await([this] { return GetWindow().GetBar().GetText().contains("/proc/shot.raw"); }))
+      << GetWindow().GetBar().GetText().toStdString();
 }
 
 TEST_F(CameraPageTest, SaveFrame_AsksWhereAsSoonAsThereIsOne) {

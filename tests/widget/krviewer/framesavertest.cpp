@@ -150,6 +150,20 @@ TEST_F(FrameSaverTest, FormatThatLosesBits_IsSaidSo) {
   EXPECT_TRUE(mSaved.contains("as it is shown, in 8 bits")) << mSaved.toStdString();
 }
 
+TEST_F(FrameSaverTest, FailureAfterTheEnd_IsKeptForWhoeverIsLeft) {
+  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mSaver.Save(mFrames.Get(), GetPath("none/first.tif"), &mWindow);
+  mSaver.Save(mFrames.Get(), GetPath("second.raw"), &mWindow);
+
+  mSaver.End();
+  mSaver.AwaitWritten();
+
+  ASSERT_EQ(mSaver.GetFailures().size(), 1);
+  EXPECT_TRUE(mSaver.GetFailures()[0].contains("none/first.tif")) << mSaver.GetFailures()[0].toStdString();
+  EXPECT_EQ(FindMessage(), nullptr);
+  EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("second.raw")).size(), kFrameBytes);
+}
+
 TEST_F(FrameSaverTest, AcceptedFrames_AreWrittenEvenAtTheEnd) {
   mFrames.OnFrame(MakeNumberedFrame(7), 0);
   {

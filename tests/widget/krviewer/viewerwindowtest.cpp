@@ -136,6 +136,21 @@ TEST_F(ViewerWindowTest, CameraClosed_IsFreeForOthers) {
   EXPECT_TRUE(AwaitFree(kMonoMAC));
 }
 
+TEST_F(ViewerWindowTest, CameraOpenedAgainBeforeItIsGivenBack_WaitsForThatWithoutHoldingUpTheWindow) {
+  Begin();
+  OpenStreaming();
+  const auto* const info = FindInfo<KrDeviceInfo>(kMonoMAC);
+  ASSERT_NE(info, nullptr);
+
+  ASSERT_TRUE(Choose("closeCamera"));
+  mViewer->Open(krviewer::BorrowCamera(*info)); // What has ended is seen by a loop alone.
+
+  EXPECT_EQ(GetPage(), nullptr);
+  EXPECT_TRUE(GetMessage(GetWindow()).contains("being given back")) << GetMessage(GetWindow()).toStdString();
+  EXPECT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
+  EXPECT_FALSE(GetWindow().GetBar().isVisible());
+}
+
 TEST_F(ViewerWindowTest, CameraMovedToAWindowOfItsOwn_StreamsOnThereAndComesBack) {
   Begin();
   OpenStreaming(kColourMAC);
