@@ -83,6 +83,33 @@ TEST_P(GigEVisionAccess, DeviceHeld_IsOpenedOnlyAsItAllows) {
 INSTANTIATE_TEST_SUITE_P(Holders, GigEVisionAccess, testing::ValuesIn(kRows),
                          [](const auto& aInfo) { return std::string(aInfo.param.what); });
 
+TEST(GigEVisionHolder, AddressThatTheDeviceTells_IsNamed) {
+  struct Row {
+    std::uint32_t address;
+    const char* text;
+  };
+  for (const Row& row : {Row{0x0A000005, "controlled by another application at 10.0.0.5."},
+                         Row{kLoopback, "controlled by another application on this computer."},
+                         Row{0, "controlled by another application."}}) {
+    const GvcpResponder responder([&](std::span<const std::uint8_t> aCommand) {
+      if (!IsReadRegister(aCommand))
+        return Datagrams{MakeDiscoveryAcknowledge(aCommand, kLoopback, "held")};
+      const bool isAddress = aCommand[10] == 0x0A && aCommand[11] == 0x14;
+      return Datagrams{MakeReadAcknowledge(aCommand, isAddress ? row.address : 2)};
+    });
+    krtransport::GigEVisionTransport transport;
+    krsystem::InterfaceFields adapter;
+    krsystem::AnyDeviceFields device;
+    std::unique_ptr<krsystem::IDeviceLink> link;
+    ASSERT_TRUE(transport.FindAddress(kLoopback, kGenerousTimeoutMs, adapter, device).IsOK());
+
+    const KrResult opened = transport.Open(adapter, device, DeviceAccess::Control, link);
+
+    EXPECT_EQ(opened, kAccessDenied);
+    EXPECT_NE(opened.GetDescription().ToUtf8().find(row.text), std::string::npos) << opened.GetDescription().CStr();
+  }
+}
+
 TEST(GigEVisionAccessQuestion, DeviceThatKeepsSilent_IsAskedOnceAndNotWaitedForAgain) {
   std::atomic<int> questions{0};
   krtransport::GigEVisionTransport transport;

@@ -1,5 +1,6 @@
 #include "acquisition/acquisition.h"
 
+#include "acquisition/expectedframes.h"
 #include "acquisition/overlaytext.h"
 
 #include <chrono>
@@ -40,7 +41,15 @@ KrResult ExecuteTrigger(KrGenParameterArray& aParameters) {
   if (!trigger)
     return {KrResult::Code::NotSupported,
             "Triggering the camera: it has no TriggerSoftware. Trigger it by one of its inputs."};
-  return trigger->Execute();
+  if (KrResult executed = trigger->Execute(); !executed.IsOK())
+    return executed;
+  // Cameras take the command all the same.
+  KrString source;
+  KrGenParameter* const setting = aParameters.Get("TriggerSource");
+  if (!setting || !setting->ToString(source).IsOK() || IsSoftwareTrigger(source))
+    return {};
+  return {KrResult::Code::WrongState, "Triggering the camera: its TriggerSource is " + source +
+                                          ", so that it takes no trigger from here. Set TriggerSource to Software."};
 }
 
 } // namespace
@@ -48,8 +57,11 @@ KrResult ExecuteTrigger(KrGenParameterArray& aParameters) {
 Acquisition::Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, const AcquisitionOptions& aOptions)
     : mDeviceInfo(aDevice), mOptions(aOptions),
       mFrames("a frame sink", "krviewer", {"Acquisition::Notify", "acquisition"}),
-      mPicture(aWindow, aOptions.hasTextOverlay), mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing),
-      mThread([this](std::stop_token aStop) { Run(aStop); }) {}
+      mPicture(aWindow, aOptions.hasTextOverlay), mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing) {
+  if (aOptions.sink) [[maybe_unused]]
+    const KrResult registered = mFrames.Register(aOptions.sink); // It is the only one.
+  mThread = std::jthread([this](std::stop_token aStop) { Run(aStop); });
+}
 
 Acquisition::~Acquisition() {
   Stop();
@@ -268,6 +280,7 @@ KrResult Acquisition::ReturnSettings(std::stop_token aStop) {
 void Acquisition::CloseDevice() {
   mKept.Leave();
   mThermometer.Leave();
+  mPayload.Leave();
   for (Loan<KrGenParameterArray>& loan : mParameters)
     loan.TakeBack();
   mHostParameters.TakeBack();
@@ -292,6 +305,11 @@ void Acquisition::LendDevice(KrDevice& aDevice, KrStream& aStream) {
   mHostParameters.Lend(aDevice, aStream);
   KrGenParameterArray* parameters = nullptr;
   const KrResult got = aDevice.GetParameters(parameters);
+  // Before anybody can change anything.
+  if (got.IsOK())
+    mPayload.Follow(*parameters);
+  if (aStream.IsRunning())
+    mPayload.NoteStart();
   if (got.IsOK())
     for (Loan<KrGenParameterArray>& loan : mParameters)
       loan.Lend(*parameters);
@@ -312,6 +330,7 @@ KrResult Acquisition::Serve(std::stop_token aStop) {
   KrResult result;
   while (result.IsOK() && !aStop.stop_requested() && !IsLimitReached()) {
     CarryOutRequests();
+    RestartWhereFramesHaveGrown();
     result = mStream->IsRunning() ? TakeFrame() : AwaitRequest(aStop);
   }
   return result;
@@ -386,8 +405,17 @@ KrResult Acquisition::StartStream() {
       mWanted = Wanted::Nothing;
     return started;
   }
+  mPayload.NoteStart();
   mFrames.Notify([](FrameSink& aSink) { aSink.OnAcquisitionStarted(); });
   return {};
+}
+
+void Acquisition::RestartWhereFramesHaveGrown() {
+  if (!mStream->IsRunning() || !mPayload.HasGrown())
+    return;
+  StopStream({});
+  if (const KrResult started = StartStream(); !started.IsOK())
+    SetState(AcquisitionState::Connected, started);
 }
 
 void Acquisition::StopStream(const KrResult& aReason) {

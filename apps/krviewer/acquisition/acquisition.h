@@ -11,6 +11,7 @@
 #include "acquisition/keptsettings.h"
 #include "acquisition/lentdevice.h"
 #include "acquisition/loan.h"
+#include "acquisition/payloadwatch.h"
 #include "acquisition/requestqueue.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceadapter.h"
@@ -41,12 +42,13 @@ struct AcquisitionOptions {
   std::uint64_t frameLimit = 0; ///< Ends after so many frames, or when the camera is lost before; 0 never.
   bool startsAtOnce = true;     ///< Whether the camera streams as soon as it is open.
   bool hasTextOverlay = true;   ///< Whether rates, and why the camera was lost, are drawn over the picture.
+  FrameSink* sink = nullptr;    ///< Hears of all from the first start on.
 };
 
 /// Streams one camera into one window, and lends its parameters and the device itself, whether it streams or not. A
 /// lost camera's parameters are lent until it is back, when they are taken back and those of the new connection lent;
 /// the device is taken back when it is lost. A camera that is back is set as it was, where it is not, and streams as it
-/// did, or as was asked meanwhile.
+/// did, or as was asked meanwhile. A stream whose frames have outgrown its buffers is stopped and started again.
 ///
 /// What is asked for is carried out in its order, between two frames, and what ends a request is called by LookAgain.
 /// A request that finds the camera lost, or ended, ends with ConnectionLost.
@@ -126,6 +128,7 @@ private:
 
   // The stream and its frames.
   KrResult StartStream();
+  void RestartWhereFramesHaveGrown();
   void StopStream(const KrResult& aReason);
   KrResult TakeFrame();
   void PassOn(KrBuffer& aFrame);
@@ -150,6 +153,7 @@ private:
   std::optional<LentDevice> mLent; ///< What is lent of them.
   KeptSettings mKept;
   DeviceThermometer mThermometer;
+  PayloadWatch mPayload;
   Wanted mWanted;
   bool mIsServing = false;          ///< Whether requests can be carried out on the device.
   bool mHasServed = false;          ///< Whether there was ever a connection.

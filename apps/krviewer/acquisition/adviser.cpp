@@ -91,7 +91,9 @@ Advice Adviser::AdviseOnFailure(const CameraSituation& aSituation) const {
                 result.GetDescription(),
             {Remedy::ConfigureIP, Remedy::TryAgain}};
   if (result == KrResult::Code::AccessDenied && aSituation.link == CameraLink::GigEVision)
-    return {result.GetDescription() + " It may be open on another computer, or in another program on this one.",
+    return {result.GetDescription() +
+                " It may be open in another program on this computer, or on another one: one that "
+                "died keeps it for some seconds.",
             {Remedy::TryAgain, Remedy::OpenFinder}};
   if (result == KrResult::Code::AccessDenied && aSituation.link == CameraLink::USB3Vision)
     return {result.GetDescription() + " Users need a right for USB cameras: a udev rule gives it.",

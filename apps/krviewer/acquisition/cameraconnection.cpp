@@ -4,9 +4,18 @@
 
 namespace krviewer {
 
+namespace {
+
+AcquisitionOptions AddSink(AcquisitionOptions aOptions, FrameSink& aFrames) {
+  aOptions.sink = &aFrames;
+  return aOptions;
+}
+
+} // namespace
+
 CameraConnection::CameraConnection(KrDisplayWnd& aWindow, const KrDeviceInfo& aCamera,
                                    const AcquisitionOptions& aOptions, FrameSink& aFrames, GiveBack aGiveBack)
-    : mWindow(aWindow), mCamera(aCamera), mOptions(aOptions), mFrames(aFrames), mGiveBack(std::move(aGiveBack)) {}
+    : mWindow(aWindow), mCamera(aCamera), mOptions(AddSink(aOptions, aFrames)), mGiveBack(std::move(aGiveBack)) {}
 
 CameraConnection::~CameraConnection() {
   Leave();
@@ -16,8 +25,6 @@ CameraConnection::~CameraConnection() {
 void CameraConnection::Connect() {
   mProgress = {};
   mAcquisition = std::make_unique<Acquisition>(mWindow, mCamera, mOptions);
-  [[maybe_unused]] const KrResult heard =
-      mAcquisition->GetFrames().Register(&mFrames); // Of an acquisition without any.
   mPhase = Phase::Active;
 }
 

@@ -48,8 +48,7 @@ private:
 
   KrDisplayWnd& mWindow;
   const KrDeviceInfo& mCamera;
-  const AcquisitionOptions mOptions;
-  FrameSink& mFrames;
+  const AcquisitionOptions mOptions; ///< With the frames' sink.
   const GiveBack mGiveBack;
   Phase mPhase = Phase::None;
   AcquisitionProgress mProgress;

@@ -9,7 +9,7 @@ namespace krviewer {
 KrString FormatOverlay(const FrameMeter& aMeter, const KrStreamStatistics& aStatistics) {
   return krapps::FormatFixed(aMeter.GetFramesPerSecond(), 1) + " frames/s   " +
          krapps::FormatFixed(aMeter.GetMegabytesPerSecond(), 1) + " MB/s\nincomplete " +
-         std::to_string(aStatistics.incomplete) + "   missing " + std::to_string(aStatistics.missingPackets) +
+         std::to_string(aStatistics.incomplete) + "   missing packets " + std::to_string(aStatistics.missingPackets) +
          "   resent " + std::to_string(aStatistics.resentPackets);
 }
 

@@ -303,6 +303,7 @@ void CameraPage::Follow(Acquisition& aAcquisition) {
   if (!parameters.IsOK() && !std::exchange(mHasToldMissing, true))
     std::fprintf(stderr, "The camera's features cannot be shown: %s\n", parameters.GetDescription().CStr());
   mIntervals->TakeIn(GetProgress().statistics);
+  mIntervals->SetLost(GetProgress().state == AcquisitionState::Lost);
   // Last, as it may run loops.
   mTools.Follow(aAcquisition);
 }

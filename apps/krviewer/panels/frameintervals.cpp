@@ -58,6 +58,8 @@ void FrameIntervals::OnAcquisitionEnded(const KrResult& aReason) {
 
 void FrameIntervals::AddDiscarded(const KrStreamStatistics& aStatistics, std::uint64_t aNowNs) {
   const std::lock_guard lock(mMutex);
+  if (mIsRunning)
+    mLastNs = std::max(mLastNs, aNowNs);
   const std::uint64_t before = std::exchange(mDiscarded, aStatistics.discarded).value_or(aStatistics.discarded);
   if (aStatistics.discarded <= before)
     return;

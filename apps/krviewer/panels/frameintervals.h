@@ -40,7 +40,8 @@ public:
   FrameIntervals();
 
   /// Takes in what the stream counted of its discarded frames until now, which frames themselves do not say. Counters
-  /// that fall are those of another stream.
+  /// that fall are those of another stream. Called now and then while the acquisition runs, this also says when it
+  /// was still running.
   void AddDiscarded(const KrStreamStatistics& aStatistics, std::uint64_t aNowNs);
   IntervalView GetView(IntervalSpan aSpan, std::uint64_t aNowNs) const;
   /// Forgets the past; the state of the acquisition stays.
@@ -61,7 +62,7 @@ private:
   FrameNumbers mNumbers;
   std::optional<LastFrame> mLast;
   std::optional<std::uint64_t> mDiscarded;
-  std::uint64_t mLastNs = 0; ///< When something happened last.
+  std::uint64_t mLastNs = 0; ///< When something happened, or the acquisition was seen to run, last.
   bool mIsRunning = false;
   bool mHasStarted = false;
   KrResult mReason;

@@ -132,6 +132,8 @@ void IntervalPanel::ShowState(const IntervalView& aView) {
   QString text;
   if (!aView.hasStarted)
     text = QStringLiteral("No frame has come yet.");
+  else if (aView.isRunning && mIsLost)
+    text = QStringLiteral("The camera is lost.");
   else if (aView.isRunning)
     text = QStringLiteral("Acquisition is running.");
   else

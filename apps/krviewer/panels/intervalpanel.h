@@ -34,6 +34,9 @@ public:
   /// Takes in what the stream has counted until now, to be called now and then: frames do not say how many were
   /// discarded.
   void TakeIn(const KrStreamStatistics& aStatistics);
+  /// Whether the camera is lost: its stream ends when the camera has had its time to answer, which may be seconds
+  /// later.
+  void SetLost(bool aIsLost) { mIsLost = aIsLost; }
 
 protected:
   void showEvent(QShowEvent* aEvent) override;
@@ -53,6 +56,7 @@ private:
   FrameSinks& mFrames;
   const Clock mClock;
   FrameIntervals mIntervals;
+  bool mIsLost = false;
   QTimer mTimer;
   QLabel* const mState;
   IntervalPlot* const mPlot;

@@ -20,7 +20,7 @@ struct LossMark {
 /// From the top of the plot downwards.
 inline constexpr LossMark kLossMarks[] = {
     {&LossCounts::incomplete, "Incomplete", "\u25BC"},
-    {&LossCounts::missing, "Missing", "\u2715"},
+    {&LossCounts::missing, "Missing frames", "\u2715"},
     {&LossCounts::discarded, "Discarded", "\u25A0"},
 };
 

@@ -60,8 +60,7 @@ GigEVisionDevice::~GigEVisionDevice() = default;
 KrResult GigEVisionDevice::TakeControl() {
   if (!HoldsControl())
     return {KrResult::Code::AccessDenied,
-            "The device did not give control: another application has it. Close the device "
-            "there, or open it for reading only."};
+            "The device did not give control: another application has it. Close it there first."};
   arv_gv_device_set_packet_size_adjustment(ARV_GV_DEVICE(GetArvDevice()), ARV_GV_PACKET_SIZE_ADJUSTMENT_NEVER);
   if (mTarget.access != krsystem::DeviceAccess::Exclusive)
     return {};

@@ -19,6 +19,16 @@ KrResult Connect(const LinkTarget& aTarget, GvcpClient& aClient) {
              : GvcpClient::Connect(aTarget.deviceAddress, aTarget.localAddress, aClient);
 }
 
+// Who has the device, as far as it tells.
+KrString DescribeHolder(const LinkTarget& aTarget, GvcpClient& aClient) {
+  const KrString holder = "another application";
+  std::uint32_t address = 0;
+  if (!aClient.ReadRegister(kPrimaryApplicationAddressRegister, address, GvcpPatience{}).IsOK() || address == 0)
+    return holder;
+  return address == aTarget.localAddress ? holder + " on this computer"
+                                         : holder + " at " + krsystem::FormatIPv4(address);
+}
+
 } // namespace
 
 using krsystem::DeviceAccess;
@@ -49,11 +59,10 @@ KrResult GigEVisionLink::CheckAccess(const LinkTarget& aTarget, GvcpClient& aCli
     return {KrResult::Code::NotFound, device + " cannot be opened. " + read.GetDescription()};
   if ((privilege & kExclusiveBit) != 0)
     return {KrResult::Code::AccessDenied,
-            device + " is held exclusively by another application. Close it there first."};
+            device + " is held exclusively by " + DescribeHolder(aTarget, aClient) + ". Close it there first."};
   if ((privilege & kInUseBits) != 0 && aTarget.access != DeviceAccess::Monitor)
-    return {KrResult::Code::AccessDenied, device +
-                                              " is controlled by another application. Close it there, or open it for "
-                                              "reading only."};
+    return {KrResult::Code::AccessDenied,
+            device + " is controlled by " + DescribeHolder(aTarget, aClient) + ". Close it there first."};
   return {};
 }
 

@@ -31,6 +31,8 @@ inline constexpr std::uint32_t kControlBit = 1u << 1;
 inline constexpr std::uint32_t kSwitchoverBit = 1u << 2;
 /// Any of these: some application has the device.
 inline constexpr std::uint32_t kInUseBits = kExclusiveBit | kControlBit | kSwitchoverBit;
+/// The address of the application that controls the device; 0 where there is none. Devices of version 2.0 have it.
+inline constexpr std::uint32_t kPrimaryApplicationAddressRegister = 0x0A14;
 
 /// The messages, numbered as the standard numbers them.
 enum class GvcpMessage : std::uint16_t {

@@ -116,8 +116,7 @@ KrResult SimulatedCamera::Attach(krsystem::DeviceAccess aAccess, ICameraListener
   const krsystem::AccessType control = GetControl();
   if (control == krsystem::AccessType::Exclusive ||
       (control == krsystem::AccessType::Control && aAccess != krsystem::DeviceAccess::Monitor))
-    return Refuse(KrResult::Code::AccessDenied, "another application controls it; close it there, or open it to "
-                                                "monitor unless the control is exclusive.");
+    return Refuse(KrResult::Code::AccessDenied, "another application controls it; close it there first.");
   mAttached.push_back({&aListener, aAccess});
   mListeners.push_back(&aListener);
   SetControlPrivilege(GetControl());

@@ -396,3 +396,40 @@ TEST_F(AcquisitionTest, TemperatureOfTheCamera_IsToldUntilItIsLost) {
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
   EXPECT_FALSE(Await(acquisition, AcquisitionState::Lost).temperatureC.has_value());
 }
+
+TEST_F(AcquisitionTest, SinkGivenAtTheBegin_HearsOfTheFirstStartAndEveryFrame) {
+  CountedFrames counted;
+  Acquisition acquisition(mWindow, GetCamera(), {.frameLimit = 3, .sink = &counted});
+
+  EXPECT_EQ(Await(acquisition, AcquisitionState::Finished).state, AcquisitionState::Finished);
+
+  EXPECT_EQ(counted.starts, 1);
+  EXPECT_EQ(counted.frames, 3);
+}
+
+TEST_F(AcquisitionTest, TriggerThatTheCameraTakesFromElsewhere_IsSaidSo) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  ASSERT_TRUE(AwaitWork(acquisition, [](KrGenParameterArray& aParameters) {
+                return aParameters.GetEnum("TriggerSource")->SetEntry("Line1");
+              }).IsOK());
+
+  const KrResult triggered = AwaitTrigger(acquisition);
+
+  EXPECT_EQ(triggered.GetCode(), KrResult::Code::WrongState);
+  EXPECT_NE(triggered.GetDescription().ToUtf8().find("TriggerSource is Line1"), std::string::npos);
+}
+
+TEST_F(AcquisitionTest, Rates_FallToZeroWhenTheCameraWaits) {
+  Acquisition acquisition(mWindow, GetCamera());
+  ASSERT_GT(Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.framesPerSecond > 0; })
+                .framesPerSecond,
+            0.0);
+
+  ASSERT_TRUE(AwaitWork(acquisition, UseSoftwareTrigger).IsOK());
+
+  const AcquisitionProgress waiting =
+      Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.framesPerSecond == 0; });
+  EXPECT_EQ(waiting.framesPerSecond, 0.0);
+  EXPECT_EQ(waiting.megabytesPerSecond, 0.0);
+  EXPECT_EQ(waiting.state, AcquisitionState::Streaming);
+}

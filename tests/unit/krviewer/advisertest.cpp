@@ -61,7 +61,7 @@ protected:
 TEST_F(AdviserTest, CameraThatAnotherControls_CanBeTriedAgain) {
   Fail(KrResult::Code::AccessDenied);
 
-  EXPECT_THAT(Look(), HasSubstr("another computer"));
+  EXPECT_THAT(Look(), HasSubstr("another program on this computer"));
   EXPECT_THAT(mRemedies, Contains(Remedy::TryAgain));
 }
 

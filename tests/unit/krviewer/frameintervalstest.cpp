@@ -302,3 +302,15 @@ TEST(IntervalTable, FolderThatIsNotThere_IsSaid) {
 
   EXPECT_EQ(result.GetCode(), KrResult::Code::NotFound);
 }
+
+TEST(FrameIntervals, StoppedLongAfterTheLastFrame_EndsWhenItWasStopped) {
+  FrameIntervals intervals;
+  intervals.OnAcquisitionStarted();
+  intervals.OnFrame(MakeFrame(1), kSecond);
+  intervals.AddDiscarded({}, 6 * kSecond);
+
+  intervals.OnAcquisitionEnded({});
+  intervals.AddDiscarded({}, 9 * kSecond);
+
+  EXPECT_EQ(intervals.GetView(krviewer::IntervalSpan::TenSeconds, 9 * kSecond).endNs, 6 * kSecond);
+}

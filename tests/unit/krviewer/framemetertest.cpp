@@ -74,7 +74,7 @@ TEST(FormatOverlay, RatesAndLosses_StandInTwoLines) {
 
   const KrString text = krviewer::FormatOverlay(meter, {.incomplete = 1, .missingPackets = 22, .resentPackets = 3});
 
-  EXPECT_EQ(text, KrString("2.0 frames/s   3.0 MB/s\nincomplete 1   missing 22   resent 3"));
+  EXPECT_EQ(text, KrString("2.0 frames/s   3.0 MB/s\nincomplete 1   missing packets 22   resent 3"));
 }
 
 TEST(FrameMeter, FramesThatEnded_AreStaleAfterTwoSeconds) {

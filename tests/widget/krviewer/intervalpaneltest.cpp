@@ -78,7 +78,8 @@ TEST_F(IntervalPanelTest, losses_areCountedByTheirKind) {
   GiveFrames(1, 60);
   mPanel.TakeIn({.discarded = 2});
 
-  EXPECT_TRUE(Await([this] { return GetLosses() == "4 frames   ▼ incomplete 0   ✕ missing 4   ■ discarded 2"; }));
+  EXPECT_TRUE(
+      Await([this] { return GetLosses() == "4 frames   ▼ incomplete 0   ✕ missing frames 4   ■ discarded 2"; }));
 }
 
 TEST_F(IntervalPanelTest, stoppedAcquisition_saysSoAndWhy) {
@@ -89,6 +90,18 @@ TEST_F(IntervalPanelTest, stoppedAcquisition_saysSoAndWhy) {
   End({KrResult::Code::ConnectionLost, "The cable was pulled."});
 
   EXPECT_TRUE(Await([this] { return GetState() == "Acquisition is stopped. The cable was pulled."; }));
+}
+
+TEST_F(IntervalPanelTest, cameraThatIsLost_isSaidSoBeforeItsStreamHasEnded) {
+  ShowPanel();
+  Start();
+  ASSERT_TRUE(Await([this] { return GetState() == "Acquisition is running."; }));
+
+  mPanel.SetLost(true);
+  EXPECT_TRUE(Await([this] { return GetState() == "The camera is lost."; }));
+  mPanel.SetLost(false);
+
+  EXPECT_TRUE(Await([this] { return GetState() == "Acquisition is running."; }));
 }
 
 TEST_F(IntervalPanelTest, reset_forgetsThePast) {
