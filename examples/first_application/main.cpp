@@ -11,33 +11,37 @@
 #include <QApplication>
 #include <QFile>
 #include <QSplitter>
+#include <QUrl>
 
 #include <cstring>
 #include <iostream>
+#include <string>
 #include <thread>
 
 namespace {
-
-constexpr const char* kSettingsFile = "camera.txt";
-
 bool Check(const KrResult& aResult) {
   if (!aResult.IsOK())
     std::cerr << aResult.GetDescription().CStr() << '\n';
   return aResult.IsOK();
 }
 
-// Gives the camera the settings of the last time, if there was one; what it refuses is told, and the rest is set.
-bool LoadSettings(KrGenParameterArray& aArray) {
-  KrGenSettings settings;
-  KrStringList problems;
-  return !QFile::exists(kSettingsFile) ||
-         (Check(settings.Load(kSettingsFile)) && Check(aArray.RestoreSettings(settings, problems)));
+// One for each camera; its ID may have characters that the name of a file cannot have.
+std::string GetSettingsFile(const KrDevice& aDevice) {
+  return "camera-" + QUrl::toPercentEncoding(aDevice.GetUniqueID().CStr()).toStdString() + ".txt";
 }
 
-bool SaveSettings(KrGenParameterArray& aArray) {
+// Gives the camera the settings of the last time, if there was one; what it refuses is told, and the rest is set.
+bool LoadSettings(KrGenParameterArray& aArray, const std::string& aFile) {
   KrGenSettings settings;
   KrStringList problems;
-  return Check(aArray.StoreSettings(settings, problems)) && Check(settings.Save(kSettingsFile));
+  return !QFile::exists(aFile.c_str()) ||
+         (Check(settings.Load(aFile)) && Check(aArray.RestoreSettings(settings, problems)));
+}
+
+bool SaveSettings(KrGenParameterArray& aArray, const std::string& aFile) {
+  KrGenSettings settings;
+  KrStringList problems;
+  return Check(aArray.StoreSettings(settings, problems)) && Check(settings.Save(aFile));
 }
 
 // Shows frames until the stream is stopped or the camera is lost; runs on a thread of its own.
@@ -57,11 +61,9 @@ void ShowFrames(KrStream& aStream, KrDisplayWnd& aDisplay) {
 }
 
 } // namespace
-
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  const bool simulate = argc > 1 && std::strcmp(argv[1], "--simulate") == 0;
-  if (!Check(KrInstallTransports({.simulation = simulate})))
+  if (!Check(KrInstallTransports({.simulation = argc > 1 && std::strcmp(argv[1], "--simulate") == 0})))
     return 1;
 
   KrDeviceFinderWnd finder; // Owns what it finds.
@@ -73,7 +75,7 @@ int main(int argc, char** argv) {
   if (!Check(KrDevice::Open(*finder.GetSelected(), KrDeviceAccess::Control, device)) ||
       !Check(device->GetParameters(array)))
     return 1;
-  LoadSettings(*array); // A camera that does not take all of them can be used all the same.
+  LoadSettings(*array, GetSettingsFile(*device)); // A camera that does not take all of them can be used all the same.
 
   QSplitter window;
   KrDisplayWnd display;
@@ -92,5 +94,5 @@ int main(int argc, char** argv) {
   std::jthread acquisition([&] { ShowFrames(stream, display); });
   const int exitCode = QApplication::exec();
   stream.Stop(); // Ends the thread.
-  return SaveSettings(*array) ? exitCode : 1;
+  return SaveSettings(*array, GetSettingsFile(*device)) ? exitCode : 1;
 }

@@ -3,6 +3,7 @@
 
 #include "exampleonscreen.h"
 
+#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -66,13 +67,19 @@ protected:
     ExpectLivePicture(QRect(10, 100, 400, 400));
     ExpectEnd();
   }
+  /// Of the one camera that was shown.
+  QString FindSettings() const {
+    const QStringList files = QDir(mFolder.path()).entryList({"camera-*.txt"});
+    EXPECT_EQ(files.size(), 1);
+    return mFolder.filePath(files.value(0));
+  }
   QString ReadSettings() const {
-    QFile file(mFolder.filePath("camera.txt"));
+    QFile file(FindSettings());
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << "no settings were saved";
     return QString::fromUtf8(file.readAll());
   }
   void WriteSettings(const QString& aText) const {
-    QFile file(mFolder.filePath("camera.txt"));
+    QFile file(FindSettings());
     EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(aText.toUtf8()) > 0);
   }
 
