@@ -19,6 +19,21 @@ using krviewer::RegionEditor;
 
 namespace {
 
+/// How often a button of the mouse came up in this program.
+class ReleaseCounter : public QObject {
+public:
+  ReleaseCounter() { qApp->installEventFilter(this); }
+  int GetCount() const { return mCount; }
+
+private:
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    mCount += aEvent->type() == QEvent::MouseButtonRelease ? 1 : 0;
+    return false;
+  }
+
+  int mCount = 0;
+};
+
 class RegionOnScreen : public ViewerLabTest {
 protected:
   ~RegionOnScreen() override { mAcquisition.reset(); }
@@ -61,14 +76,17 @@ protected:
     RunXdotool({"mousemove", QString::number(std::lround(aScreenPoint.x() * ratio)),
                 QString::number(std::lround(aScreenPoint.y() * ratio))});
   }
+  /// The region is as it was drawn when the button has come up, which is the last of the gesture.
   void Drag(const QPoint& aFrom, const QPoint& aTo) {
+    const ReleaseCounter releases;
     const Region before = mEditor.GetRegion();
     MoveMouse(aFrom);
     RunXdotool({"mousedown", "1"});
     MoveMouse((aFrom + aTo) / 2);
     MoveMouse(aTo);
     RunXdotool({"mouseup", "1"});
-    ASSERT_TRUE(Await([&] { return mEditor.GetRegion() != before; }));
+    ASSERT_TRUE(Await([&] { return releases.GetCount() > 0; }));
+    EXPECT_NE(mEditor.GetRegion(), before);
   }
   // How far the mouse's whole pixels are from the region's on the camera, and half an increment.
   static void ExpectNear(std::int64_t aActual, std::int64_t aExpected) { EXPECT_NEAR(aActual, aExpected, 8); }

@@ -98,6 +98,23 @@ protected:
         << "the picture stands still";
   }
 
+  /// Waits until a part of the window is the same in one look after the other, for longer than any picture of a live
+  /// camera stays.
+  void ExpectStandingPicture(const QRect& aPart) const {
+    constexpr int kEqualLooks = 50;
+    QImage last;
+    int equalLooks = 0;
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+          const QImage next = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
+          equalLooks = next == last ? equalLooks + 1 : 0;
+          last = next;
+          return equalLooks >= kEqualLooks;
+        },
+        kLimitMs))
+        << "the picture is still live";
+  }
+
   QProcess mProcess;
   QString mWindow; ///< The number by which the X server knows it.
 };

@@ -103,6 +103,7 @@ TEST_F(WindowExample, EmbedDisplay_ItsButtonsStartAndStopThePictureInItsLayout) 
   MoveHands({"key", "alt+s"});
   ExpectLivePicture(part);
   MoveHands({"key", "alt+t"});
+  ExpectStandingPicture(part);
   MoveHands({"key", "alt+s"});
   ExpectLivePicture(part);
   ExpectEnd();

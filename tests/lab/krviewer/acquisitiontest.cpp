@@ -227,9 +227,16 @@ TEST_F(AcquisitionTest, SingleFrameAskedForWhileItStreams_IsTheLast) {
   Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.figures.GetFrames() >= 3; });
 
   EXPECT_TRUE(AwaitSingle(acquisition).IsOK());
-
+  const int framesAtLeast = counted.frames; // When it was asked for there were no more.
   EXPECT_EQ(Await(acquisition, AcquisitionState::Connected).state, AcquisitionState::Connected);
+
   EXPECT_EQ(counted.ends, 1);
+  const int frames = counted.frames;
+  EXPECT_LE(frames, framesAtLeast + 1);
+  EXPECT_TRUE(AwaitWork(acquisition, [](KrGenParameterArray& aParameters) {
+                return aParameters.GetInteger("Width")->SetValue(640); // Locked while a camera streams.
+              }).IsOK());
+  EXPECT_EQ(counted.frames, frames);
   ASSERT_TRUE(acquisition.GetFrames().Unregister(&counted).IsOK());
 }
 

@@ -11,13 +11,34 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <optional>
+#include <utility>
 
 using krviewer::AcquisitionState;
 
 namespace {
 
 constexpr const char* kBusyMAC = "02:4b:52:00:78:10";
+
+/// Asks something at the moment at which a window is hidden for the first time.
+class FirstHiding : public QObject {
+public:
+  FirstHiding(QWidget& aWindow, std::function<bool()> aQuestion) : mQuestion(std::move(aQuestion)) {
+    aWindow.installEventFilter(this);
+  }
+  std::optional<bool> GetAnswer() const { return mAnswer; }
+
+private:
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    if (aEvent->type() == QEvent::Hide && !mAnswer)
+      mAnswer = mQuestion();
+    return false;
+  }
+
+  const std::function<bool()> mQuestion;
+  std::optional<bool> mAnswer;
+};
 
 class CameraPageTest : public ViewerTest {
 protected:
@@ -109,11 +130,13 @@ TEST_F(CameraPageTest, CameraThatDoesNotAnswer_HoldsUpNoEnd) {
   const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
   OpenStreaming();
   faults->SilenceRegisters();
+  const FirstHiding hiding(GetWindow(), [page = GetPage()] { return page->HasEnded(); });
 
   GetWindow().close();
 
   EXPECT_TRUE(mViewer->IsOver());
   EXPECT_FALSE(GetWindow().isVisible());
+  EXPECT_EQ(hiding.GetAnswer(), false) << "The window stood there until the camera was given back.";
   faults->EndRegisterFaults();
 }
 

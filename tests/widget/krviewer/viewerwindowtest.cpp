@@ -356,7 +356,17 @@ TEST_F(ViewerWindowTest, StatusBar_CountsTheFramesOfTheCameraInFront) {
         labels, [&](const QLabel* aLabel) { return aLabel->isVisible() && aLabel->text().contains(aPart); });
   };
 
-  EXPECT_TRUE(Await([=] { return hasFigure("frames/s"); }));
+  const auto hasNumber = [=](const QString& aUnit) {
+    const QRegularExpression number("^(\\d+\\.\\d)" + QRegularExpression::escape(aUnit) + "$");
+    const QList<QLabel*> labels = bar->findChildren<QLabel*>();
+    return std::ranges::any_of(labels, [&](const QLabel* aLabel) {
+      return aLabel->isVisible() && number.match(aLabel->text()).captured(1).toDouble() > 0;
+    });
+  };
+
+  EXPECT_TRUE(Await([=] { return hasNumber(" frames/s"); }));
+  EXPECT_TRUE(Await([=] { return hasNumber(" MB/s"); }));
+  EXPECT_TRUE(Await([=] { return hasNumber(" °C"); }));
 
   ASSERT_TRUE(Choose("closeCamera"));
   EXPECT_TRUE(Await([=] { return !hasFigure("frames/s"); }));
