@@ -36,12 +36,24 @@ std::uint64_t CountSince(std::uint64_t aNow, std::uint64_t aBefore) {
   return aNow >= aBefore ? aNow - aBefore : aNow;
 }
 
+// It is looked for where it was.
+Advice AdviseOnLoss(const CameraSituation& aSituation) {
+  const KrString isBack =
+      aSituation.link == CameraLink::GigEVision
+          ? "The camera is lost; it is shown again as soon as it is back with the same address. One "
+            "that has got another is found among all cameras."
+          : "The camera is lost; it is shown again as soon as it is back.";
+  return {isBack + "\n" + aSituation.progress.result.GetDescription(), {Remedy::Disconnect, Remedy::OpenFinder}};
+}
+
 Advice AdviseOnDescription(const KrResult& aParameters) {
   if (aParameters.IsOK())
     return {};
-  return {"The camera's features cannot be shown: " + aParameters.GetDescription() +
-          " Frames come without them. `krtool features CAMERA --faults` lists what is wrong with its description; ask "
-          "its maker for newer firmware."};
+  return {
+      "The camera's features cannot be shown: " + aParameters.GetDescription() +
+          " Frames come without them. Where another try does not help, `krtool features CAMERA --faults` lists what "
+          "is wrong with its description; ask its maker for newer firmware.",
+      {Remedy::TryAgain}};
 }
 
 } // namespace
@@ -64,6 +76,9 @@ const Advice& Adviser::Look(const CameraSituation& aSituation) {
     break;
   case AcquisitionState::Streaming:
     mAdvice = AdviseOnStream(aSituation);
+    break;
+  case AcquisitionState::Lost:
+    mAdvice = AdviseOnLoss(aSituation);
     break;
   default:
     mAdvice = {};

@@ -96,7 +96,6 @@ QString MakePageTitle(const PageState& aState) {
 }
 
 BarMessage MakePageMessage(const PageState& aState, const PageRemedies& aRemedies) {
-  const QString reason = ToText(aState.progress.result.GetDescription());
   if (aState.isLeaving)
     return {.text = QStringLiteral("Disconnecting %1…").arg(aState.name), .canBeDismissed = false};
   if (aState.isAway)
@@ -107,9 +106,7 @@ BarMessage MakePageMessage(const PageState& aState, const PageRemedies& aRemedie
   case AcquisitionState::Connecting:
     return MakeConnectingMessage(aState, aRemedies);
   case AcquisitionState::Lost:
-    return {MessageKind::Warning,
-            QStringLiteral("The camera is lost; it is shown again as soon as it is back.\n%1").arg(reason),
-            {{QStringLiteral("&Disconnect"), aRemedies.disconnect}}};
+    return {MessageKind::Warning, ToText(aState.advice.text), MakeButtons(aState.advice, aRemedies)};
   case AcquisitionState::Failed:
     return {MessageKind::Error, QStringLiteral("%1 cannot be shown.\n%2").arg(aState.name, ToText(aState.advice.text)),
             MakeButtons(aState.advice, aRemedies)};

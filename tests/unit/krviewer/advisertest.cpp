@@ -250,3 +250,15 @@ TEST_F(AdviserTest, CameraThatIsSlowToConnect_CanBeLetGo) {
 
   EXPECT_THAT(mRemedies, Contains(Remedy::Disconnect));
 }
+
+TEST_F(AdviserTest, LostCamera_IsAwaitedAtItsAddressWhereItHasOne) {
+  mProgress.state = AcquisitionState::Lost;
+  mProgress.result = {KrResult::Code::ConnectionLost, "why"};
+  EXPECT_THAT(Look(), HasSubstr("the same address"));
+  EXPECT_THAT(mRemedies, Contains(Remedy::OpenFinder));
+
+  mSituation.link = CameraLink::USB3Vision;
+
+  EXPECT_THAT(Look(), testing::Not(HasSubstr("address")));
+  EXPECT_THAT(Look(), HasSubstr("why"));
+}

@@ -1,0 +1,104 @@
+// What a camera's page says of a camera that cannot be had or sends nothing, and what its buttons do about it.
+
+#include "krtransport/krsimulatedfaults.h"
+#include "viewerfixture.h"
+
+using krviewer::AcquisitionState;
+
+namespace {
+
+constexpr const char* kBusyMAC = "02:4b:52:00:78:10";
+constexpr const char* kForbiddenGUID = "4B5200000103";
+
+class CameraMessagesTest : public ViewerTest {
+protected:
+  void SetUp() override { Begin(); }
+  bool AwaitMessage(const char* aPart) {
+    return Await([=, this] { return GetPage() && GetMessage(*GetPage()).contains(QString::fromUtf8(aPart)); });
+  }
+  std::string GetText() { return GetMessage(*GetPage()).toStdString(); }
+  /// Sets an enumeration of the camera as its features would.
+  void Set(const char* aName, const char* aEntry) {
+    std::optional<KrResult> end;
+    GetPage()->Do(
+        {.run = [=](KrGenParameterArray& aParameters) { return aParameters.GetEnum(aName)->SetEntry(aEntry); },
+         .then = [&](const KrResult& aResult) { end = aResult; }});
+    ASSERT_TRUE(Await([&] { return end.has_value(); }) && end->IsOK()) << aName;
+  }
+};
+
+} // namespace
+
+TEST_F(CameraMessagesTest, CameraThatWaitsForASoftwareTrigger_IsTriggeredByTheButton) {
+  OpenStreaming();
+  Set("TriggerSource", "Software");
+  Set("TriggerMode", "On");
+  ASSERT_TRUE(AwaitMessage("waits for a trigger (Software)")) << GetText();
+  const std::uint64_t frames = GetPage()->GetProgress().figures.GetFrames();
+
+  ASSERT_TRUE(Click(*GetPage(), "Tri&gger"));
+
+  EXPECT_TRUE(Await([&] { return GetPage()->GetProgress().figures.GetFrames() > frames; }));
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).isEmpty(); })) << GetText();
+}
+
+TEST_F(CameraMessagesTest, TriggerOfAnotherSource_IsSaidWhenItIsAskedForByItsKey) {
+  OpenStreaming();
+  Set("TriggerSource", "Line1");
+  ASSERT_TRUE(Await([this] { return IsOffered("trigger"); }));
+
+  Press(Qt::Key_F7);
+
+  EXPECT_TRUE(AwaitMessage("TriggerSource is Line1")) << GetText();
+}
+
+TEST_F(CameraMessagesTest, CameraOfAForeignSubnet_CanBeGivenAnAddress) {
+  Open(kForeignMAC);
+  int asked = 0;
+  QObject::connect(GetPage(), &krviewer::CameraPage::AddressWanted, GetPage(), [&] { ++asked; });
+
+  EXPECT_TRUE(AwaitMessage("another subnet")) << GetText();
+  ASSERT_TRUE(Click(*GetPage(), "Set &Address…"));
+
+  EXPECT_EQ(asked, 1);
+}
+
+TEST_F(CameraMessagesTest, CameraThatAnotherControls_SaysSoWithoutAdviceThatNobodyCanFollow) {
+  Open(kBusyMAC);
+
+  EXPECT_TRUE(AwaitMessage("another application controls it")) << GetText();
+  EXPECT_TRUE(AwaitMessage("another program")) << GetText();
+  EXPECT_FALSE(GetMessage(*GetPage()).contains("reading only")) << GetText();
+}
+
+TEST_F(CameraMessagesTest, CameraWhoseDescriptionCannotBeRead_StreamsAndIsAskedForItAgain) {
+  const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
+  for (const std::uint64_t place : {krtransport::cameraregister::kFirstURL, krtransport::cameraregister::kSecondURL})
+    faults->SilenceRegister(place);
+  OpenStreaming();
+  EXPECT_TRUE(AwaitMessage("features cannot be shown")) << GetText();
+  faults->EndRegisterFaults();
+
+  ASSERT_TRUE(Click(*GetPage(), "Tr&y Again"));
+
+  EXPECT_TRUE(Await([this] { return GetPage()->IsStreaming() && GetMessage(*GetPage()).isEmpty(); })) << GetText();
+}
+
+TEST_F(CameraMessagesTest, USBCameraWithoutPermission_NamesTheRule) {
+  Open(kForbiddenGUID);
+
+  EXPECT_TRUE(AwaitMessage("udev rule")) << GetText();
+}
+
+TEST_F(CameraMessagesTest, LostCamera_IsAwaitedAtItsAddressAndFoundElsewhere) {
+  OpenStreaming();
+  int asked = 0;
+  QObject::connect(GetPage(), &krviewer::CameraPage::FindWanted, GetPage(), [&] { ++asked; });
+
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  EXPECT_TRUE(AwaitMessage("the same address")) << GetText();
+  ASSERT_TRUE(Click(*GetPage(), "Fi&nd a Camera…"));
+
+  EXPECT_EQ(asked, 1);
+  ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+}
