@@ -57,7 +57,8 @@ KrResult ExecuteTrigger(KrGenParameterArray& aParameters) {
 Acquisition::Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, const AcquisitionOptions& aOptions)
     : mDeviceInfo(aDevice), mOptions(aOptions),
       mFrames("a frame sink", "krviewer", {"Acquisition::Notify", "acquisition"}),
-      mPicture(aWindow, aOptions.hasTextOverlay), mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing) {
+      mPicture(aWindow, aOptions.hasTextOverlay, aOptions.newestFrame),
+      mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing) {
   if (aOptions.sink) [[maybe_unused]]
     const KrResult registered = mFrames.Register(aOptions.sink); // It is the only one.
   mThread = std::jthread([this](std::stop_token aStop) { Run(aStop); });

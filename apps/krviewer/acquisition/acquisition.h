@@ -39,10 +39,11 @@ enum class ParameterBorrower { Browser, Region, Control };
 inline constexpr std::size_t kParameterBorrowers = 3;
 
 struct AcquisitionOptions {
-  std::uint64_t frameLimit = 0; ///< Ends after so many frames, or when the camera is lost before; 0 never.
-  bool startsAtOnce = true;     ///< Whether the camera streams as soon as it is open.
-  bool hasTextOverlay = true;   ///< Whether rates, and why the camera was lost, are drawn over the picture.
-  FrameSink* sink = nullptr;    ///< Hears of all from the first start on.
+  std::uint64_t frameLimit = 0;       ///< Ends after so many frames, or when the camera is lost before; 0 never.
+  bool startsAtOnce = true;           ///< Whether the camera streams as soon as it is open.
+  bool hasTextOverlay = true;         ///< Whether rates, and why the camera was lost, are drawn over the picture.
+  FrameSink* sink = nullptr;          ///< Hears of all from the first start on.
+  NewestFrame* newestFrame = nullptr; ///< Keeps the whole frame that came last, and outlives the acquisition.
 };
 
 /// Streams one camera into one window, and lends its parameters and the device itself, whether it streams or not. A

@@ -41,6 +41,8 @@ bool FramePicture::IsAnyHeld() const {
 bool FramePicture::Show(KrStream& aStream, KrBuffer& aFrame, std::uint64_t aNowNs,
                         const std::function<KrString()>& aMakeText) {
   mLatest = Hold(aStream, aFrame);
+  if (mNewest)
+    mNewest->Take(mLatest);
   if (!mIsWanted)
     return false;
   if (mHasText && (mTextNs == 0 || aNowNs - mTextNs >= kTextPeriodNs)) {
@@ -63,6 +65,8 @@ void FramePicture::LetGo() {
   mTextNs = 0;
   if (!IsAnyHeld())
     return;
+  if (mNewest)
+    mNewest->Detach();
   // An image that cannot be shown replaces none: the wait below is for that, too.
   if (mLatest) [[maybe_unused]]
     const KrResult shown = mWindow.Display(*mLatest, false);

@@ -2,6 +2,7 @@
 // The frames of a stream in a display window, which shows them from the stream's own memory, and the text over them.
 // Taking frames is left to the acquisition.
 
+#include "acquisition/newestframe.h"
 #include "krdevice/krstream.h"
 #include "krgui/krdisplaywnd.h"
 
@@ -16,11 +17,12 @@
 namespace krviewer {
 
 /// Thread: the acquisition's, or another one while that does not run; SetWanted and IsWanted any.
-/// Ownership: borrows the window and, from Show to LetGo, the frames and their stream.
+/// Ownership: borrows the window, the newest frame's keeper and, from Show to LetGo, the frames and their stream.
 class FramePicture {
 public:
-  /// aHasText has rates, and the reason of a loss, drawn over the picture.
-  FramePicture(KrDisplayWnd& aWindow, bool aHasText) : mWindow(aWindow), mHasText(aHasText) {}
+  /// aHasText has rates, and the reason of a loss, drawn over the picture. aNewest shares the frames; it may be null.
+  FramePicture(KrDisplayWnd& aWindow, bool aHasText, NewestFrame* aNewest)
+      : mWindow(aWindow), mHasText(aHasText), mNewest(aNewest) {}
   ~FramePicture();
   FramePicture(const FramePicture&) = delete;
   FramePicture& operator=(const FramePicture&) = delete;
@@ -44,6 +46,7 @@ private:
 
   KrDisplayWnd& mWindow;
   const bool mHasText;
+  NewestFrame* const mNewest;
   std::atomic<bool> mIsWanted = true;
   std::shared_ptr<const KrBuffer> mLatest;
   std::uint64_t mTextNs = 0; ///< When the text was written last; 0 before the first frame of a stream.

@@ -2,37 +2,52 @@
 
 #include "recording/recordedframe.h"
 
-#include <atomic>
 #include <new>
 #include <utility>
 
 namespace krviewer {
 
+namespace {
+
+std::shared_ptr<const KrBuffer> MakeCopy(const KrBuffer& aFrame) {
+  const std::shared_ptr<KrBuffer> copy(new (std::nothrow) KrBuffer);
+  const bool isMade = copy && copy->Alloc(GetRecordedSize(aFrame)).IsOK() && CopyFrame(aFrame, *copy).IsOK();
+  return isMade ? copy : nullptr;
+}
+
+} // namespace
+
+bool NewestFrame::HasFrame() const {
+  const std::lock_guard lock(mMutex);
+  return mNewest != nullptr;
+}
+
+// The copy is made without the lock, as the frame is held meanwhile: frames come on.
 std::shared_ptr<const KrBuffer> NewestFrame::Get() const {
-  const std::lock_guard lock(mMutex);
-  return mNewest;
-}
-
-// A spare frame is handed out to nobody any more, so that one that is held by this object alone stays so.
-std::shared_ptr<KrBuffer> NewestFrame::FindRoom(std::size_t aBytes) {
-  if (mSpare && mSpare.use_count() == 1 && mSpare->GetSize() == aBytes) {
-    std::atomic_thread_fence(std::memory_order_acquire); // After all that its last reader did.
-    return std::move(mSpare);
+  std::shared_ptr<const KrBuffer> frame;
+  {
+    const std::lock_guard lock(mMutex);
+    if (!mNewest || mIsCopy)
+      return mNewest;
+    frame = mNewest;
   }
-  mSpare.reset();
-  std::shared_ptr<KrBuffer> room(new (std::nothrow) KrBuffer);
-  return room && room->Alloc(aBytes).IsOK() ? room : nullptr;
+  return MakeCopy(*frame);
 }
 
-void NewestFrame::OnFrame(const KrBuffer& aFrame, std::uint64_t) {
-  const std::size_t bytes = GetRecordedSize(aFrame);
-  if (aFrame.GetStatus() != KrBufferStatus::Complete || bytes == 0)
-    return;
-  std::shared_ptr<KrBuffer> room = FindRoom(bytes);
-  if (!room || !CopyFrame(aFrame, *room).IsOK())
-    return; // Too little memory leaves the frame before.
+void NewestFrame::Take(const std::shared_ptr<const KrBuffer>& aFrame) {
+  if (aFrame->GetStatus() == KrBufferStatus::Complete && GetRecordedSize(*aFrame) > 0)
+    Exchange(aFrame, false);
+}
+
+void NewestFrame::Detach() {
+  Exchange(Get(), true);
+}
+
+// What goes back to its stream does so without the lock.
+void NewestFrame::Exchange(std::shared_ptr<const KrBuffer> aFrame, bool aIsCopy) {
   const std::lock_guard lock(mMutex);
-  mSpare = std::exchange(mNewest, std::move(room));
+  mNewest.swap(aFrame);
+  mIsCopy = aIsCopy;
 }
 
 } // namespace krviewer

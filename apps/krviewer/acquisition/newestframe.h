@@ -2,29 +2,34 @@
 // The whole frame that came last, kept for whoever wants to have it: also of a camera that was stopped, or that waits
 // for its trigger. What is done with it is left to others.
 
-#include "acquisition/framesink.h"
+#include "krbuffer/krbuffer.h"
 
 #include <memory>
 #include <mutex>
 
 namespace krviewer {
 
-/// Thread: Get from any; the rest on the thread that takes the frames.
-/// Ownership: frames are shared, and stay as they are.
-class NewestFrame : public FrameSink {
+/// Nothing is copied before somebody asks.
+///
+/// Thread: Take and Detach on the thread that takes the frames; the rest on any.
+/// Ownership: shares a frame until the next one or Detach, as the frame's memory may be its stream's.
+class NewestFrame {
 public:
-  /// Null before the first one.
+  bool HasFrame() const;
+  /// A frame that stays as it is; null before the first one, and where there is too little memory for it.
   std::shared_ptr<const KrBuffer> Get() const;
 
-  /// Copies whole frames that are images; others leave the one before.
-  void OnFrame(const KrBuffer& aFrame, std::uint64_t aArrivalNs) override;
+  /// Shares whole frames that are images; others leave the one before.
+  void Take(const std::shared_ptr<const KrBuffer>& aFrame);
+  /// Goes on with a copy of the frame.
+  void Detach();
 
 private:
-  std::shared_ptr<KrBuffer> FindRoom(std::size_t aBytes);
+  void Exchange(std::shared_ptr<const KrBuffer> aFrame, bool aIsCopy);
 
-  mutable std::mutex mMutex; ///< Guards the newest frame.
-  std::shared_ptr<KrBuffer> mNewest;
-  std::shared_ptr<KrBuffer> mSpare; ///< The one before, to be written to when nobody reads it.
+  mutable std::mutex mMutex; ///< Guards both.
+  std::shared_ptr<const KrBuffer> mNewest;
+  bool mIsCopy = false; ///< It is nobody's memory but this one's.
 };
 
 } // namespace krviewer

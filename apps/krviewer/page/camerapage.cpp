@@ -46,6 +46,11 @@ std::uint64_t GetSteadyMs() {
   return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
+AcquisitionOptions KeepNewest(AcquisitionOptions aOptions, NewestFrame& aNewest) {
+  aOptions.newestFrame = &aNewest;
+  return aOptions;
+}
+
 } // namespace
 
 CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
@@ -59,7 +64,7 @@ CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
           [this](const QString& aWhat) { AnnounceSettings(aWhat); },
           [this](const QString& aWhat, const KrStringList& aProblems) { TellSettings(aWhat, aProblems); }),
       mRegion(mDisplay, [this](DeviceWork aWork) { Do(std::move(aWork)); }),
-      mConnection(mDisplay, *mCamera, aOptions.acquisition, mFrames,
+      mConnection(mDisplay, *mCamera, KeepNewest(aOptions.acquisition, mNewestFrame), mFrames,
                   [this](Acquisition& aAcquisition) { GiveBack(aAcquisition); }) {
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -71,8 +76,7 @@ CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
   AddPanels();
   connect(&mRegion, &RegionEditor::Applied, this, &CameraPage::Noticed);
   connect(&mSaver, &FrameSaver::Saved, this, &CameraPage::Noticed);
-  for (FrameSink* const watcher : {static_cast<FrameSink*>(&mNewestFrame), static_cast<FrameSink*>(&mRecorder)})
-    [[maybe_unused]] const KrResult heard = mFrames.GetSinks().Register(watcher); // Each once.
+  [[maybe_unused]] const KrResult heard = mFrames.GetSinks().Register(&mRecorder); // Once.
   connect(&mTimer, &QTimer::timeout, this, [this] { Call([](CameraPage& aPage) { aPage.LookAgain(); }); });
 }
 

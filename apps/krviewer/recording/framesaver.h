@@ -31,7 +31,7 @@ public:
   ~FrameSaver() override;
 
   /// Whether a whole frame has come, so that there is something to save.
-  bool HasFrame() const { return mFrames.Get() != nullptr; }
+  bool HasFrame() const { return mFrames.HasFrame(); }
   /// Opens the dialog for the newest whole frame as it is now, whatever comes while the user thinks about it. One that
   /// is open already comes forward.
   void Ask(QWidget* aParent);

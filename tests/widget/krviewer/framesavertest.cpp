@@ -54,7 +54,7 @@ TEST_F(FrameSaverTest, WithoutAFrame_SaysSo) {
 }
 
 TEST_F(FrameSaverTest, Dialog_ProposesANameOfCameraAndFrame) {
-  mFrames.OnFrame(MakeNumberedFrame(77), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(77)));
 
   mSaver.Ask(&mWindow);
 
@@ -63,7 +63,7 @@ TEST_F(FrameSaverTest, Dialog_ProposesANameOfCameraAndFrame) {
 }
 
 TEST_F(FrameSaverTest, FormatChosenInTheDialog_ShowsInTheName) {
-  mFrames.OnFrame(MakeNumberedFrame(77), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(77)));
   mSaver.Ask(&mWindow);
   ASSERT_NE(FindDialog(), nullptr);
 
@@ -75,9 +75,9 @@ TEST_F(FrameSaverTest, FormatChosenInTheDialog_ShowsInTheName) {
 }
 
 TEST_F(FrameSaverTest, FrameOfTheMomentOfTheCommand_IsSaved) {
-  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(7)));
   mSaver.Ask(&mWindow);
-  mFrames.OnFrame(MakeNumberedFrame(8), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(8)));
 
   Accept(GetPath("shot.raw"));
 
@@ -90,7 +90,7 @@ TEST_F(FrameSaverTest, FrameOfTheMomentOfTheCommand_IsSaved) {
 }
 
 TEST_F(FrameSaverTest, FolderAndFormat_AreKept) {
-  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(7)));
   mSaver.Save(mFrames.Get(), GetPath("shot.png"), &mWindow);
   ASSERT_TRUE(AwaitSaved());
   FrameSaver other(mFrames, "Sim Mono", "02:4b");
@@ -113,7 +113,7 @@ TEST_F(FrameSaverTest, StateThatIsNone_ChangesNothing) {
 }
 
 TEST_F(FrameSaverTest, PlaceThatTakesNoFile_IsToldInAMessage) {
-  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(7)));
 
   mSaver.Save(mFrames.Get(), GetPath("none/shot.tif"), &mWindow);
 
@@ -123,9 +123,9 @@ TEST_F(FrameSaverTest, PlaceThatTakesNoFile_IsToldInAMessage) {
 }
 
 TEST_F(FrameSaverTest, EndingOfNoFormatThatCanBeWritten_IsRefusedAndAskedForAgain) {
-  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(7)));
   mSaver.Ask(&mWindow);
-  mFrames.OnFrame(MakeNumberedFrame(8), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(8)));
 
   Accept(GetPath("shot.jpg"));
 
@@ -142,7 +142,7 @@ TEST_F(FrameSaverTest, EndingOfNoFormatThatCanBeWritten_IsRefusedAndAskedForAgai
 }
 
 TEST_F(FrameSaverTest, FormatThatLosesBits_IsSaidSo) {
-  mFrames.OnFrame(MakeNumberedFrame(7, 16, KrPixel::YUV422_8), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(7, 16, KrPixel::YUV422_8)));
 
   mSaver.Save(mFrames.Get(), GetPath("shot.tif"), &mWindow);
 
@@ -151,7 +151,7 @@ TEST_F(FrameSaverTest, FormatThatLosesBits_IsSaidSo) {
 }
 
 TEST_F(FrameSaverTest, FailureAfterTheEnd_IsKeptForWhoeverIsLeft) {
-  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(7)));
   mSaver.Save(mFrames.Get(), GetPath("none/first.tif"), &mWindow);
   mSaver.Save(mFrames.Get(), GetPath("second.raw"), &mWindow);
 
@@ -165,7 +165,7 @@ TEST_F(FrameSaverTest, FailureAfterTheEnd_IsKeptForWhoeverIsLeft) {
 }
 
 TEST_F(FrameSaverTest, AcceptedFrames_AreWrittenEvenAtTheEnd) {
-  mFrames.OnFrame(MakeNumberedFrame(7), 0);
+  mFrames.Take(std::make_shared<const KrBuffer>(MakeNumberedFrame(7)));
   {
     FrameSaver saver(mFrames, "Sim Mono", "02:4b");
     saver.Save(mFrames.Get(), GetPath("first.raw"), &mWindow);
