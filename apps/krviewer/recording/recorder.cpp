@@ -189,7 +189,7 @@ void Recorder::Run() {
     const std::lock_guard lock(mMutex);
     Fail(created);
   }
-  Finish(folder, created.IsOK());
+  Finish(created.IsOK() ? &folder : nullptr);
 }
 
 void Recorder::WriteFrames(RecordingFolder& aFolder) {
@@ -252,7 +252,7 @@ void Recorder::Fail(const KrResult& aReason) {
   mProgress.result = aReason;
 }
 
-void Recorder::Finish(RecordingFolder& aFolder, bool aHasFolder) {
+void Recorder::Finish(RecordingFolder* aFolder) {
   RecordingProgress progress;
   {
     std::unique_lock lock(mMutex);
@@ -260,7 +260,7 @@ void Recorder::Finish(RecordingFolder& aFolder, bool aHasFolder) {
     mProgress.counts.abandoned += mQueue.Clear();
     progress = mProgress;
   }
-  const KrResult closed = aHasFolder ? aFolder.Close(progress) : KrResult();
+  const KrResult closed = aFolder ? aFolder->Close(progress) : KrResult();
   const std::lock_guard lock(mMutex);
   if (mProgress.result.IsOK() && !closed.IsOK())
     Fail(closed);

@@ -57,7 +57,8 @@ private:
   void Run();
   void WriteFrames(RecordingFolder& aFolder);
   std::unique_ptr<RecordedFrame> AwaitFrame();
-  void Finish(RecordingFolder& aFolder, bool aHasFolder);
+  /// Null for a folder that could not be made.
+  void Finish(RecordingFolder* aFolder);
 
   // What follows is done under the lock.
 

@@ -8,7 +8,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateTime>
-#include <QDir>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QLabel>
@@ -17,7 +16,6 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QStandardPaths>
-#include <QStorageInfo>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -287,13 +285,13 @@ void RecordPanel::ShowFreeRoom(const RecordingProgress& aProgress) {
     mRoomAge.invalidate();
     return mRoom->setText(ToQString(FormatBytes(aProgress.freeDiskBytes)));
   }
+  const std::string folder = mFolder->text().toStdString();
+  if (const std::optional<FolderRoom::Answer> answer = mFolderRoom.Take(); answer && answer->folder == folder)
+    mRoom->setText(answer->freeBytes ? ToQString(FormatBytes(*answer->freeBytes)) : tr("There is no such folder."));
   if (mRoomAge.isValid() && mRoomAge.elapsed() < kRoomIntervalMs)
     return;
   mRoomAge.start();
-  const QStorageInfo storage(mFolder->text());
-  const bool isThere = !mFolder->text().isEmpty() && QDir(mFolder->text()).exists() && storage.isValid();
-  mRoom->setText(isThere ? ToQString(FormatBytes(static_cast<std::uint64_t>(storage.bytesAvailable())))
-                         : tr("There is no such folder."));
+  mFolderRoom.Ask(folder);
 }
 
 } // namespace krviewer

@@ -2,6 +2,7 @@
 // Where a recording is asked for, started and stopped, and where what it comes to is shown. The recording is the
 // recorder's, the words RecordingTexts'.
 
+#include "recording/folderroom.h"
 #include "recording/recorder.h"
 #include "recording/recordsettings.h"
 
@@ -66,6 +67,7 @@ private:
   const KrString mDeviceID;
   QTimer mTimer; ///< Runs while the panel is seen.
   QElapsedTimer mRoomAge;
+  FolderRoom mFolderRoom;
   RecordSettings mStarted; ///< Of the recording that runs, or was the last.
   QString mProposedName;
   bool mWasBusy = false;
