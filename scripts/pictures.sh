@@ -13,7 +13,7 @@ elif [ $# -ne 0 ]; then
   exit 64
 fi
 scripts/setup.sh
-scripts/build.sh release makepictures krviewer
+scripts/build.sh release makepictures
 
 taken=$(mktemp -d)
 trap 'rm -rf "$taken"' EXIT
@@ -30,27 +30,17 @@ run() {
   }
 }
 
-# take SCALE SUFFIX [dark]: all windows of the library.
+# take SCALE SUFFIX [dark]: all windows of the library and of the viewer.
 take() {
   run env QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR="$1" \
     build/release/tests/pictures/makepictures "$taken/pictures" "$2" ${3:+"$3"}
 }
 
-# take_viewer SCALE SUFFIX: the viewer's whole window.
-take_viewer() {
-  run env QT_SCALE_FACTOR="$1" \
-    build/release/apps/krviewer/krviewer --headless --simulate --frames 60 --screenshot "$taken/viewer" sim-mono
-  run env QT_QPA_PLATFORM=offscreen \
-    build/release/tests/pictures/makepictures "$taken/pictures" "$2" add krviewer "$taken/viewer/window.png"
-}
-
 take 1 ""
-take_viewer 1 ""
 if [ -n "$output" ]; then
   take 1 -dark dark
   take 2 @2
   take 2 -dark@2 dark
-  take_viewer 2 @2
   mkdir -p "$output"
   mv "$taken"/pictures/*.png "$output"
   exit 0

@@ -1,6 +1,5 @@
-// Takes the pictures of all windows of the library on the simulated lab:
+// Takes the pictures of all windows of the library, and of the viewer, on the simulated lab:
 //   makepictures FOLDER [SUFFIX [dark]]
-//   makepictures FOLDER SUFFIX add NAME FILE    takes in a picture that another program has taken
 // SUFFIX goes behind each name. At which scale is the toolkit's business (QT_SCALE_FACTOR).
 
 #include "darkpalette.h"
@@ -15,7 +14,8 @@
 namespace {
 
 constexpr void (*kScenes[])(PictureBook&) = {scene::TakeDisplay,  scene::TakeFinder,        scene::TakeBrowser,
-                                             scene::TakeTerminal, scene::TakeSerialBridges, scene::TakeCameraBridges};
+                                             scene::TakeTerminal, scene::TakeSerialBridges, scene::TakeCameraBridges,
+                                             scene::TakeViewer,   scene::TakeViewerPanels,  scene::TakeViewerTrouble};
 
 void TakeAll(PictureBook& aBook) {
   scene::Require(KrInstallTransports({.gigEVision = false, .usb3Vision = false, .simulation = true}));
@@ -28,9 +28,8 @@ void TakeAll(PictureBook& aBook) {
 int main(int aCount, char** aArguments) {
   QApplication application(aCount, aArguments);
   const QStringList arguments = QApplication::arguments();
-  const bool isAdding = arguments.size() == 6 && arguments[3] == "add";
-  if (!isAdding && (arguments.size() < 2 || arguments.size() > 4)) {
-    std::cerr << "usage: makepictures FOLDER [SUFFIX [dark | add NAME FILE]]\n";
+  if (arguments.size() < 2 || arguments.size() > 4) {
+    std::cerr << "usage: makepictures FOLDER [SUFFIX [dark]]\n";
     return 64;
   }
   QApplication::setQuitOnLastWindowClosed(false);
@@ -39,10 +38,7 @@ int main(int aCount, char** aArguments) {
     QApplication::setPalette(krgui::MakeDarkPalette());
   try {
     PictureBook book(arguments[1], arguments.value(2));
-    if (isAdding)
-      book.Save(QImage(arguments[5]), arguments[4]);
-    else
-      TakeAll(book);
+    TakeAll(book);
     std::cout << book.GetCount() << " pictures in " << arguments[1].toStdString() << '\n';
   } catch (const std::exception& failure) {
     std::cerr << "makepictures: " << failure.what() << '\n';

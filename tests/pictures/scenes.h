@@ -14,5 +14,11 @@ void TakeBrowser(PictureBook& aBook);
 void TakeTerminal(PictureBook& aBook);
 void TakeSerialBridges(PictureBook& aBook);
 void TakeCameraBridges(PictureBook& aBook);
+/// The viewer before a camera is chosen, with a camera, and with a region of interest.
+void TakeViewer(PictureBook& aBook);
+/// The viewer's panels of frames, and that of recordings.
+void TakeViewerPanels(PictureBook& aBook);
+/// The viewer with a camera that cannot be had.
+void TakeViewerTrouble(PictureBook& aBook);
 
 } // namespace scene
