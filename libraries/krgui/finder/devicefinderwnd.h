@@ -33,6 +33,9 @@ public:
   const KrDeviceInfo* GetSelected() const { return mSelected; }
   FinderKinds& GetKinds() { return mKinds; }
   const FinderKinds& GetKinds() const { return mKinds; }
+  /// Holds from the next opening on; the user may change it in the window.
+  void SetUnreachableShown(bool aIsShown) { mShowsUnreachable = aIsShown; }
+  bool IsUnreachableShown() const { return mShowsUnreachable; }
 
 protected:
   bool OnInitDialog() override;

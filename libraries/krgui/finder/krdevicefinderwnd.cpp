@@ -62,3 +62,11 @@ void KrDeviceFinderWnd::SetTolvanProtocolEnabled(bool aSelectable, bool aListed)
 void KrDeviceFinderWnd::GetTolvanProtocolEnabled(bool& aSelectable, bool& aListed) const {
   Get(GetWnd().GetKinds().tolvanProtocol, aSelectable, aListed);
 }
+
+void KrDeviceFinderWnd::SetUnreachableShown(bool aIsShown) {
+  GetWnd().SetUnreachableShown(aIsShown);
+}
+
+bool KrDeviceFinderWnd::IsUnreachableShown() const {
+  return GetWnd().IsUnreachableShown();
+}

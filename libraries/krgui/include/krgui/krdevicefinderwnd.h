@@ -55,6 +55,13 @@ public:
   /// What SetTolvanProtocolEnabled has set.
   void GetTolvanProtocolEnabled(bool& aSelectable, bool& aListed) const;
 
+  /// Whether network devices are listed that this computer cannot reach as they are configured, as the user may choose
+  /// in the window, too; set it before the window is shown. Where addresses are to be set these are what is looked for.
+  /// It starts false.
+  void SetUnreachableShown(bool aIsShown);
+  /// What SetUnreachableShown has set, or the user since.
+  bool IsUnreachableShown() const;
+
 private:
   krgui::DeviceFinderWnd& GetWnd() const;
 };
