@@ -1,5 +1,7 @@
 #include "page/messagebar.h"
 
+#include "window/mnemonics.h"
+
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -88,6 +90,7 @@ void MessageBar::Say(const BarMessage& aMessage) {
     AddButton(button);
   mDismiss->setVisible(aMessage.canBeDismissed);
   UpdateColours();
+  UpdateMnemonics();
 }
 
 void MessageBar::Reword(const QString& aText) {
@@ -103,6 +106,23 @@ void MessageBar::AddButton(const BarMessage::Button& aButton) {
   button->setAutoDefault(true);
   connect(button, &QPushButton::clicked, this, [run = aButton.run] { run(); });
   mButtons->addWidget(button);
+  // The layout would show it some time later.
+  button->show();
+}
+
+// What is said beside anything that the window may hold must not take a letter from it.
+void MessageBar::UpdateMnemonics() {
+  QSet<QChar> taken = FindMnemonics(*window(), this);
+  for (int index = 0; index < mButtons->count(); ++index) {
+    auto* const button = qobject_cast<QPushButton*>(mButtons->itemAt(index)->widget());
+    button->setText(MarkFreeLetter(button->text(), taken));
+    taken.insert(GetMnemonic(button->text()));
+  }
+}
+
+void MessageBar::showEvent(QShowEvent* aEvent) {
+  QFrame::showEvent(aEvent);
+  UpdateMnemonics();
 }
 
 void MessageBar::changeEvent(QEvent* aEvent) {

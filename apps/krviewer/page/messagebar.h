@@ -46,10 +46,12 @@ public:
 
 protected:
   void changeEvent(QEvent* aEvent) override;
+  void showEvent(QShowEvent* aEvent) override;
 
 private:
   void AddButton(const BarMessage::Button& aButton);
   void UpdateColours();
+  void UpdateMnemonics();
 
   QLabel* const mIcon;
   QLabel* const mLabel;

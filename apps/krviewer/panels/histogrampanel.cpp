@@ -65,7 +65,7 @@ HistogramPanel::HistogramPanel(FrameSinks& aFrames)
 QWidget* HistogramPanel::MakeControls() {
   auto* const controls = new QWidget;
   auto* const layout = new WrapLayout(controls);
-  auto* const logarithmic = new QCheckBox(QStringLiteral("&Logarithmic"));
+  auto* const logarithmic = new QCheckBox(QStringLiteral("Logarith&mic"));
   logarithmic->setToolTip(QStringLiteral("Lets values that few pixels have be seen, too"));
   connect(logarithmic, &QCheckBox::toggled, mPlot,
           [this](bool aIsOn) { mPlot->SetScale(aIsOn ? HistogramScale::Logarithmic : HistogramScale::Linear); });
@@ -73,7 +73,7 @@ QWidget* HistogramPanel::MakeControls() {
   frozen->setToolTip(QStringLiteral("Keeps what is shown while the picture goes on"));
   connect(frozen, &QCheckBox::toggled, this, &HistogramPanel::SetFrozen);
   mColours = new QToolButton;
-  mColours->setText(QStringLiteral("Colo&urs"));
+  mColours->setText(QStringLiteral("Co&lours"));
   mColours->setToolTip(QStringLiteral("Which colours are drawn"));
   mColours->setPopupMode(QToolButton::InstantPopup);
   mColours->setFocusPolicy(Qt::StrongFocus);

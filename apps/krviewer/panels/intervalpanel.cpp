@@ -83,10 +83,10 @@ QWidget* IntervalPanel::MakeControls() {
   mSpan->setAccessibleName(QStringLiteral("Time shown"));
   mSpan->setToolTip(QStringLiteral("How much of the past is shown"));
   connect(mSpan, &QComboBox::currentIndexChanged, this, &IntervalPanel::Look);
-  auto* const reset = new QPushButton(QStringLiteral("&Reset"));
+  auto* const reset = new QPushButton(QStringLiteral("Re&set"));
   reset->setToolTip(QStringLiteral("Forgets the past"));
   connect(reset, &QPushButton::clicked, this, &IntervalPanel::Reset);
-  auto* const save = new QPushButton(QStringLiteral("E&xport…"));
+  auto* const save = new QPushButton(QStringLiteral("&Export…"));
   save->setToolTip(QStringLiteral("Saves what is shown as a table of comma-separated values"));
   connect(save, &QPushButton::clicked, this, &IntervalPanel::Export);
   for (QWidget* const control : std::initializer_list<QWidget*>{mSpan, reset, save})

@@ -70,10 +70,10 @@ QWidget* LineProfilePanel::MakeControls() {
   mIndex->setAccessibleName(QStringLiteral("Number of the line"));
   mIndex->setToolTip(QStringLiteral("The row from the top or the column from the left, beginning with 0"));
   connect(mIndex, &QDoubleSpinBox::valueChanged, this, &LineProfilePanel::Choose);
-  mFullRange = new QCheckBox(QStringLiteral("F&ull range"));
+  mFullRange = new QCheckBox(QStringLiteral("Full r&ange"));
   mFullRange->setToolTip(QStringLiteral("Shows all values that the pixel format has rather than those that occur"));
   connect(mFullRange, &QCheckBox::toggled, this, &LineProfilePanel::ShowProfile);
-  auto* const frozen = new QCheckBox(QStringLiteral("Free&ze"));
+  auto* const frozen = new QCheckBox(QStringLiteral("F&reeze"));
   frozen->setToolTip(QStringLiteral("Keeps what is shown while the picture goes on"));
   connect(frozen, &QCheckBox::toggled, this, &LineProfilePanel::SetFrozen);
   for (QWidget* const control : std::initializer_list<QWidget*>{mChoice, mIndex, mFullRange, frozen})

@@ -1,6 +1,7 @@
 #include "panels/parameterpanel.h"
 
 #include "krpersistence/krpropertylist.h"
+#include "plaintext.h"
 #include "window/showntext.h"
 
 #include <QVBoxLayout>
@@ -22,7 +23,7 @@ bool ParameterPanel::Open() {
   const KrResult opened = GetWindow().CreateIn(this);
   mHasFailed = !opened.IsOK();
   if (mHasFailed)
-    std::fprintf(stderr, "The feature browser cannot be opened: %s\n", opened.GetDescription().CStr());
+    std::fprintf(stderr, "The feature browser cannot be opened: %s\n", krapps::MakeField(opened.GetDescription()).c_str());
   else
     layout()->addWidget(GetWindow().GetWidget());
   return !mHasFailed;

@@ -114,7 +114,7 @@ void RecordPanel::AddPlace(QFormLayout& aForm) {
   mFormat->addItem(tr("TIFF: every bit, for other programs"), static_cast<int>(krapps::FrameFileFormat::TIFF));
   mFormat->addItem(tr("PNG: as shown, slowest"), static_cast<int>(krapps::FrameFileFormat::PNG));
   mFormat->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  aForm.addRow(tr("Fo&rmat"), mFormat);
+  aForm.addRow(tr("F&ormat"), mFormat);
 }
 
 QSpinBox* RecordPanel::AddNumber(QFormLayout& aForm, const QString& aLabel, const char* aName, int aMost,
@@ -130,16 +130,16 @@ QSpinBox* RecordPanel::AddNumber(QFormLayout& aForm, const QString& aLabel, cons
 
 void RecordPanel::AddLimits(QFormLayout& aForm) {
   const QString noLimit = tr("no limit");
-  mMostFrames = AddNumber(aForm, tr("&End after frames"), "recordMostFrames", kMost, {}, noLimit);
-  mMostSeconds = AddNumber(aForm, tr("or after t&ime"), "recordMostSeconds", kMost, tr(" s"), noLimit);
-  mMostDisk = AddNumber(aForm, tr("Write &at most"), "recordMostDisk", kMost, tr(" MB"), noLimit);
-  mFreeDisk = AddNumber(aForm, tr("&Leave on disk"), "recordFreeDisk", kMost, tr(" MB free"), tr("nothing"));
-  mEveryNth = AddNumber(aForm, tr("Ta&ke"), "recordEveryNth", kMost, {}, {});
+  mMostFrames = AddNumber(aForm, tr("End after frames"), "recordMostFrames", kMost, {}, noLimit);
+  mMostSeconds = AddNumber(aForm, tr("or after time"), "recordMostSeconds", kMost, tr(" s"), noLimit);
+  mMostDisk = AddNumber(aForm, tr("Write at most"), "recordMostDisk", kMost, tr(" MB"), noLimit);
+  mFreeDisk = AddNumber(aForm, tr("Leave on disk"), "recordFreeDisk", kMost, tr(" MB free"), tr("nothing"));
+  mEveryNth = AddNumber(aForm, tr("Take"), "recordEveryNth", kMost, {}, {});
   mEveryNth->setPrefix(tr("one frame of "));
   mEveryNth->setSpecialValueText(tr("every frame"));
-  mQueue = AddNumber(aForm, tr("&Memory"), "recordQueue", 1'000'000, tr(" MB"), {});
+  mQueue = AddNumber(aForm, tr("Memory"), "recordQueue", 1'000'000, tr(" MB"), {});
   mQueue->setToolTip(tr("Frames wait here for a disk that is slower than the camera for a while."));
-  mIncomplete = new QCheckBox(tr("Incomplete frames, t&oo"));
+  mIncomplete = new QCheckBox(tr("Incomplete frames, too"));
   mIncomplete->setObjectName(QStringLiteral("recordIncomplete"));
   aForm.addRow(mIncomplete);
 }
@@ -247,7 +247,7 @@ void RecordPanel::LookAgain() {
   const RecordingProgress progress = mRecorder.GetProgress();
   const bool isBusy = progress.state == RecordingState::Recording || progress.state == RecordingState::Finishing;
   mSettings->setEnabled(!isBusy);
-  mButton->setText(isBusy ? tr("&Stop Recording") : tr("&Start Recording"));
+  mButton->setText(isBusy ? tr("Stop Record&ing") : tr("Start Record&ing"));
   mButton->setEnabled(isBusy ? progress.state == RecordingState::Recording : mIsCameraThere);
   // The name is taken now.
   if (mWasBusy && !isBusy)

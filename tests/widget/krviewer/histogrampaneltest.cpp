@@ -135,7 +135,7 @@ TEST_F(HistogramPanelTest, coloursThatAreTakenOut_areNotDrawn) {
   ShowPanel();
   GiveFrame(90, KrPixel::BayerRG8);
   ASSERT_TRUE(AwaitFrame(1));
-  auto* const colours = FindButton<QToolButton>(mPanel, "&Colours");
+  auto* const colours = FindButton<QToolButton>(mPanel, "Co&lours");
   ASSERT_TRUE(colours->isEnabled());
   ASSERT_EQ(colours->menu()->actions().size(), 3);
   const QImage all = Grab();
@@ -167,7 +167,7 @@ TEST_F(HistogramPanelTest, logarithmicScale_showsWhatFewPixelsHave) {
   };
   ASSERT_EQ(countDrawn(Grab()), 0);
 
-  FindButton<QCheckBox>(mPanel, "&Logarithmic")->click();
+  FindButton<QCheckBox>(mPanel, "Logarith&mic")->click();
 
   EXPECT_GT(countDrawn(Grab()), 0);
 }
@@ -189,9 +189,9 @@ TEST_F(HistogramPanelTest, everyControl_isReachedByKeyboardAndHasAName) {
   GiveFrame(90, KrPixel::BayerRG8);
   ASSERT_TRUE(AwaitFrame(1));
 
-  for (QAbstractButton* const button : {static_cast<QAbstractButton*>(FindButton<QCheckBox>(mPanel, "&Logarithmic")),
+  for (QAbstractButton* const button : {static_cast<QAbstractButton*>(FindButton<QCheckBox>(mPanel, "Logarith&mic")),
                                         static_cast<QAbstractButton*>(FindButton<QCheckBox>(mPanel, "Free&ze")),
-                                        static_cast<QAbstractButton*>(FindButton<QToolButton>(mPanel, "&Colours"))})
+                                        static_cast<QAbstractButton*>(FindButton<QToolButton>(mPanel, "Co&lours"))})
     EXPECT_TRUE((button->focusPolicy() & Qt::TabFocus) != 0) << button->text().toStdString();
   EXPECT_FALSE(Find<NumberTable>(mPanel, "histogramNumbers")->accessibleName().isEmpty());
 }

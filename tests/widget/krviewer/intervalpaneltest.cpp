@@ -109,7 +109,7 @@ TEST_F(IntervalPanelTest, reset_forgetsThePast) {
   ShowPanel();
   ASSERT_TRUE(GetLosses().startsWith("10 frames"));
 
-  QTest::keyClick(FindButton<QPushButton>(mPanel, "&Reset"), Qt::Key_Space);
+  QTest::keyClick(FindButton<QPushButton>(mPanel, "Re&set"), Qt::Key_Space);
 
   EXPECT_TRUE(GetLosses().startsWith("0 frames"));
 }
@@ -130,7 +130,7 @@ TEST_F(IntervalPanelTest, export_savesWhatWasShown) {
   GiveFrames(2, 500);
   ShowPanel();
 
-  FindButton<QPushButton>(mPanel, "E&xport…")->click();
+  FindButton<QPushButton>(mPanel, "&Export…")->click();
   const QPointer<QFileDialog> dialog = mPanel.findChild<QFileDialog*>();
   ASSERT_TRUE(dialog);
   GiveFrames(5, 500); // While a name is looked for.
@@ -146,7 +146,7 @@ TEST_F(IntervalPanelTest, exportThatFails_isTold) {
   const TemporaryFolder folder;
   ShowPanel();
 
-  FindButton<QPushButton>(mPanel, "E&xport…")->click();
+  FindButton<QPushButton>(mPanel, "&Export…")->click();
   auto* const dialog = mPanel.findChild<QFileDialog*>();
   ASSERT_TRUE(dialog);
   emit dialog->fileSelected(QString::fromStdString(folder.GetFile("none/intervals.csv")));
@@ -162,7 +162,7 @@ TEST_F(IntervalPanelTest, lossesInThePlot_areDrawnInAnyTheme) {
     mPanel.setPalette(palette);
     ShowPanel();
     mPanel.TakeIn({});
-    FindButton<QPushButton>(mPanel, "&Reset")->click();
+    FindButton<QPushButton>(mPanel, "Re&set")->click();
     GiveFrames(20, 100);
     mPanel.hide();
     ShowPanel();

@@ -102,7 +102,7 @@ TEST_F(LineProfilePanelTest, fullRange_isTakenFromTheFormat) {
   ASSERT_TRUE(Await([this] { return !GetFrameText().isEmpty(); }));
   const QImage occurring = Find<ProfilePlot>(mPanel, "profilePlot")->grab().toImage();
 
-  FindButton<QCheckBox>(mPanel, "F&ull range")->click();
+  FindButton<QCheckBox>(mPanel, "Full r&ange")->click();
 
   EXPECT_NE(Find<ProfilePlot>(mPanel, "profilePlot")->grab().toImage(), occurring);
 }

@@ -55,7 +55,7 @@ TEST_F(RecordPanelTest, StartAndStop_RecordUnderTheNameShown) {
   const QString name = Find<QLineEdit>("recordName").text();
   EXPECT_TRUE(name.startsWith("Sim-Mono-2")) << name.toStdString();
   EXPECT_TRUE(mRecorder.IsBusy());
-  EXPECT_EQ(Find<QPushButton>("recordButton").text(), "&Stop Recording");
+  EXPECT_EQ(Find<QPushButton>("recordButton").text(), "Stop Record&ing");
   EXPECT_FALSE(Find<QLineEdit>("recordFolder").isEnabled());
   Give(1, 3);
   Click();
