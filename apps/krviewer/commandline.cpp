@@ -45,7 +45,7 @@ QList<QCommandLineOption> MakeOptions() {
        "End after this number of frames of each camera; one that is lost before has ended, too, instead of being "
        "waited for.",
        "N"},
-      {"seconds", "End after this number of seconds.", "N"},
+      {"seconds", "End this number of seconds after the cameras have been opened.", "N"},
       {"screenshot",
        "At the end write pictures of the whole window, of the display, of the feature browser and of the last frame, "
        "and the overlay's text, into this folder; those of a second camera into its folder camera-2, and so on.",

@@ -1,6 +1,8 @@
 #include "descriptionviewer.h"
 
 #include "pictures.h"
+#include "plaintext.h"
+#include "window/showntext.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -35,7 +37,7 @@ KrResult DescriptionViewer::OpenArray() {
 
 KrResult DescriptionViewer::OpenWindow() {
   const QString name = QFileInfo(mCommandLine.descriptionFile).fileName();
-  mWindow.setWindowTitle(name + QStringLiteral(" - description without a camera"));
+  mWindow.setWindowTitle(ToTitle(name) + QStringLiteral(" - description without a camera"));
   if (KrResult created = mBrowser.CreateIn(&mWindow); !created.IsOK())
     return created;
   auto* const layout = new QVBoxLayout(&mWindow);
@@ -55,7 +57,7 @@ int DescriptionViewer::Run() {
     result = OpenWindow();
   if (!result.IsOK()) {
     std::fprintf(stderr, "%s cannot be shown: %s\n", mCommandLine.descriptionFile.toLocal8Bit().constData(),
-                 result.GetDescription().CStr());
+                 krapps::MakeField(result.GetDescription()).c_str());
     return 1;
   }
   std::printf("description=%s features=%zu\n", mCommandLine.descriptionFile.toLocal8Bit().constData(),
@@ -98,7 +100,7 @@ bool DescriptionViewer::SavePicture() {
   if (result.IsOK())
     std::printf("pictures=%s\n", mCommandLine.screenshotFolder.toLocal8Bit().constData());
   else
-    std::fprintf(stderr, "No picture was written: %s\n", result.GetDescription().CStr());
+    std::fprintf(stderr, "No picture was written: %s\n", krapps::MakeField(result.GetDescription()).c_str());
   return result.IsOK();
 }
 

@@ -6,6 +6,7 @@
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
 #include "pictures.h"
+#include "plaintext.h"
 #include "window/viewer.h"
 #include "window/viewericon.h"
 
@@ -29,12 +30,22 @@ void PrepareHeadless(krviewer::CommandLine& aCommandLine) {
     aCommandLine.screenshotFolder = QStringLiteral("pictures");
 }
 
+QtMessageHandler sNextHandler = nullptr;
+
+// Without a display the toolkit notes at each window what it cannot do to it, which nobody has asked for.
+void DropPlatformNotes(QtMsgType aType, const QMessageLogContext& aContext, const QString& aText) {
+  if (!aText.startsWith(QStringLiteral("This plugin does not support ")) && sNextHandler)
+    sNextHandler(aType, aContext, aText);
+}
+
 // Windows on a display where there is one, else without.
 bool PrepareWindows(krviewer::CommandLine& aCommandLine) {
   KrResult result = aCommandLine.headless ? KrResult(KrResult::Code::Cancelled) : KrEnsureApplication();
   if (!result.IsOK()) {
-    std::printf("No display is used: running headless.\n");
+    if (!aCommandLine.headless)
+      std::printf("There is no display: running headless.\n");
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    sNextHandler = qInstallMessageHandler(DropPlatformNotes);
     result = KrEnsureApplication();
   }
   if (!result.IsOK())
@@ -51,6 +62,12 @@ KrResult InstallTransports(const krviewer::CommandLine& aCommandLine, bool aWant
       {.gigEVision = true, .simulation = aWantsSimulation, .labFile = aCommandLine.labFile.toStdString()});
 }
 
+// A text of several lines, in which the devices' own texts have none.
+void PrintLines(const KrString& aText) {
+  for (const QString& line : QString::fromUtf8(aText.CStr()).split(QLatin1Char('\n')))
+    std::fprintf(stderr, "%s\n", krapps::MakeField(line.toStdString()).c_str());
+}
+
 // The device that the command line names, or, for an empty name, the first one.
 KrResult SelectDevice(const krviewer::CommandLine& aCommandLine, const QString& aName, krviewer::CameraInfo& aCamera) {
   const auto system = std::make_shared<KrSystem>();
@@ -59,7 +76,7 @@ KrResult SelectDevice(const krviewer::CommandLine& aCommandLine, const QString& 
   const KrDeviceInfo* device = nullptr;
   const KrResult selected = krapps::SelectDevice(*system, aName.toStdString(), device);
   if (!selected.IsOK() && selected != KrResult::Code::Cancelled) {
-    std::fprintf(stderr, "%s\n", selected.GetDescription().CStr());
+    PrintLines(selected.GetDescription());
     if (!aCommandLine.simulate)
       std::fprintf(stderr, "With --simulate there are simulated cameras to try.\n");
   }
@@ -69,10 +86,12 @@ KrResult SelectDevice(const krviewer::CommandLine& aCommandLine, const QString& 
 
 int RunViewer(const krviewer::CommandLine& aCommandLine) {
   if (const KrResult installed = InstallTransports(aCommandLine, aCommandLine.simulate); !installed.IsOK()) {
-    std::fprintf(stderr, "%s\n", installed.GetDescription().CStr());
+    std::fprintf(stderr, "%s\n", krapps::MakeField(installed.GetDescription()).c_str());
     return 1;
   }
-  QStringList names = aCommandLine.devices;
+  // Where somebody looks, cameras are looked for beside the window, which says of each that is missing.
+  const bool isWatched = !krviewer::IsWithoutDisplay() && !aCommandLine.IsBatch();
+  QStringList names = isWatched ? QStringList() : aCommandLine.devices;
   if (names.isEmpty() && krviewer::IsWithoutDisplay())
     names += QString();
   std::vector<krviewer::CameraInfo> cameras(static_cast<std::size_t>(names.size()));
@@ -90,6 +109,8 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
   viewer.Begin();
   for (const krviewer::CameraInfo& camera : cameras)
     viewer.Open(camera);
+  for (const QString& name : isWatched ? aCommandLine.devices : QStringList())
+    viewer.Search(name);
   return viewer.Run();
 }
 

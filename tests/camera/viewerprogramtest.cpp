@@ -94,11 +94,12 @@ TEST(Krviewer, SimulatedCamera_IsShownCentredWithBandsAndOverlay) {
       ASSERT_EQ(qGreen(frame.pixel(x, y)), pattern[static_cast<std::size_t>(y * 1280 + x)]) << x << "," << y;
 }
 
-TEST(Krviewer, AskedToBeHeadless_SaysSoAndRunsToItsEnd) {
+TEST(Krviewer, AskedToBeHeadless_RunsToItsEndWithoutAWordOnIt) {
   const ViewerProcess viewer({"--simulate", "--headless", "--frames", "20"});
 
   EXPECT_EQ(viewer.GetExitCode(), 0) << viewer.GetErrors().toStdString();
-  EXPECT_TRUE(viewer.GetOutput().contains("headless")) << viewer.GetOutput().toStdString();
+  EXPECT_FALSE(viewer.GetOutput().contains("headless")) << viewer.GetOutput().toStdString();
+  EXPECT_EQ(viewer.GetErrors(), "");
   EXPECT_EQ(viewer.GetFigure("frames"), 20);
   ExpectFrameInWindow(viewer);
 }
@@ -301,6 +302,32 @@ TEST(Krviewer, RunOfSomeSeconds_EndsWithAPictureOfItsWindow) {
   ASSERT_FALSE(window.isNull());
   EXPECT_GT(window.width(), display.width());
   EXPECT_GT(window.height(), display.height());
+}
+
+TEST(Krviewer, CameraThatSendsNoFrame_LeavesAPictureOfTheWindowAndFails) {
+  QTemporaryFile lab;
+  ASSERT_TRUE(lab.open());
+  lab.write("adapters:\n"
+            "  - name: silent0\n"
+            "    mac: 02:4b:52:00:99:01\n"
+            "    addresses:\n"
+            "      - {address: 192.168.99.1, mask: 255.255.255.0}\n"
+            "    devices:\n"
+            "      - kind: gigeVision\n"
+            "        model: Silent Camera\n"
+            "        name: silent\n"
+            "        mac: 02:4b:52:00:99:10\n"
+            "        address: 192.168.99.10\n"
+            "        mask: 255.255.255.0\n"
+            "        faults: {droppedFrames: 1000000000}\n");
+  lab.close();
+
+  const ViewerProcess viewer({"--lab", lab.fileName(), "--headless", "--seconds", "1", "silent"});
+
+  EXPECT_EQ(viewer.GetExitCode(), 1);
+  EXPECT_TRUE(viewer.GetErrors().contains("no frame of it came")) << viewer.GetErrors().toStdString();
+  EXPECT_FALSE(viewer.GetWindowPicture().isNull());
+  EXPECT_TRUE(viewer.GetDisplayPicture().isNull());
 }
 
 TEST(Krviewer, UnknownDevice_IsNamedOnTheErrorStream) {

@@ -1,6 +1,7 @@
 #include "bridges/cameratools.h"
 
 #include "acquisition/acquisition.h"
+#include "plaintext.h"
 
 #include <QWidget>
 
@@ -34,7 +35,7 @@ void CameraTools::GiveBack(Acquisition& aAcquisition) {
 void CameraTools::ShowTerminal() {
   const KrResult shown = mTerminal.Show(mPage.window()->winId());
   if (!shown.IsOK())
-    std::fprintf(stderr, "The serial terminal cannot be opened: %s\n", shown.GetDescription().CStr());
+    std::fprintf(stderr, "The serial terminal cannot be opened: %s\n", krapps::MakeField(shown.GetDescription()).c_str());
 }
 
 void CameraTools::SetCreatingPorts(bool aIsCreating) {

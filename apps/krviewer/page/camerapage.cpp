@@ -2,6 +2,7 @@
 
 #include "panels/histogrampanel.h"
 #include "panels/lineprofilepanel.h"
+#include "plaintext.h"
 #include "window/showntext.h"
 
 #include <QDataStream>
@@ -22,7 +23,7 @@ namespace {
 constexpr int kLookIntervalMs = 50;
 constexpr std::chrono::milliseconds kRecordingLook{10};
 /// Of what is kept of a page.
-constexpr quint32 kStateVersion = 1;
+constexpr quint32 kStateVersion = 2;
 /// The part of the page that the camera's features take at first.
 constexpr double kFeaturesShare = 0.4;
 
@@ -125,6 +126,7 @@ QByteArray CameraPage::SaveState() {
   stream << kStateVersion << mPanels.SaveLayout() << mRecordPanel->SaveState() << mSaver.SaveState();
   for (ParameterPanel* const panel : {mFeatures, mStreamFeatures, mTransportFeatures})
     stream << panel->SaveOptions();
+  stream << mTools.IsCreatingPorts();
   return state;
 }
 
@@ -136,8 +138,11 @@ void CameraPage::RestoreState(const QByteArray& aState) {
   QByteArray saving;
   std::array<QStringList, 3> options;
   stream >> version >> layout >> recording >> saving >> options[0] >> options[1] >> options[2];
+  bool isCreatingPorts = false;
+  stream >> isCreatingPorts;
   if (stream.status() != QDataStream::Ok || version != kStateVersion)
     return;
+  mTools.SetCreatingPorts(isCreatingPorts);
   mHasWidths = mPanels.RestoreLayout(layout);
   mRecordPanel->RestoreState(recording);
   mSaver.RestoreState(saving);
@@ -269,7 +274,7 @@ void CameraPage::Do(DeviceWork aWork) {
 void CameraPage::TellRefusal(const QString& aWhat, const KrResult& aResult) {
   if (!aResult.IsOK())
     mBar->Say({MessageKind::Warning,
-               QStringLiteral("The camera did not %1: %2").arg(aWhat, ToText(aResult.GetDescription()))});
+               QStringLiteral("The camera did not %1: %2").arg(aWhat, ToMessage(ToText(aResult.GetDescription())))});
 }
 
 void CameraPage::AnnounceSettings(const QString& aWhat) {
@@ -305,7 +310,8 @@ void CameraPage::Follow(Acquisition& aAcquisition) {
                              mPanels.IsShown(Panel::TransportFeatures));
   const KrResult& parameters = GetProgress().parameters;
   if (!parameters.IsOK() && !std::exchange(mHasToldMissing, true))
-    std::fprintf(stderr, "The camera's features cannot be shown: %s\n", parameters.GetDescription().CStr());
+    std::fprintf(stderr, "The camera's features cannot be shown: %s\n",
+                 krapps::MakeField(parameters.GetDescription()).c_str());
   mIntervals->TakeIn(GetProgress().statistics);
   mIntervals->SetLost(GetProgress().state == AcquisitionState::Lost);
   // Last, as it may run loops.

@@ -18,7 +18,7 @@ namespace krviewer {
 class CameraPage;
 struct PageCommand;
 
-enum class CommandMenu { File, Camera, View, Tools };
+enum class CommandMenu { File, Camera, View, MovePanel, Tools };
 
 /// Thread: user interface. Ownership: the window owns the entries.
 class PageActions : public QObject {

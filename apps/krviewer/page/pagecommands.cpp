@@ -42,7 +42,8 @@ bool IsPanelShown(CameraPage& aPage) {
 
 template <Panel kPanel>
 void SwitchPanel(CameraPage& aPage) {
-  aPage.GetPanels().Show(kPanel, !aPage.GetPanels().IsShown(kPanel));
+  // One behind another's tab is asked for to be seen.
+  aPage.GetPanels().Show(kPanel, !aPage.GetPanels().IsInFront(kPanel));
 }
 
 template <Panel kPanel>
@@ -54,6 +55,15 @@ constexpr PageCommand MakePanelCommand(const char* aName, const char* aText, int
           .isOffered = HasPanel<kPanel>,
           .run = SwitchPanel<kPanel>,
           .isChecked = IsPanelShown<kPanel>};
+}
+
+template <PanelPlace kPlace>
+constexpr PageCommand MakeMoveCommand(const char* aName, const char* aText) {
+  return {.menu = CommandMenu::MovePanel,
+          .name = aName,
+          .text = aText,
+          .isOffered = [](CameraPage& aPage) { return aPage.GetPanels().HasFocusedPanel(); },
+          .run = [](CameraPage& aPage) { aPage.GetPanels().MoveFocused(kPlace); }};
 }
 
 constexpr PageCommand kCommands[] = {
@@ -188,6 +198,10 @@ constexpr PageCommand kCommands[] = {
      .isOffered = Always,
      .run = [](CameraPage& aPage) { aPage.GetDisplay().ZoomOut(); }},
 
+    MakeMoveCommand<PanelPlace::Left>("panelLeft", "To the &Left"),
+    MakeMoveCommand<PanelPlace::Right>("panelRight", "To the &Right"),
+    MakeMoveCommand<PanelPlace::Bottom>("panelBottom", "To the &Bottom"),
+    MakeMoveCommand<PanelPlace::Floating>("panelFloat", "Into a &Window of Its Own"),
     {.menu = CommandMenu::Tools,
      .name = "terminal",
      .text = "&Serial Terminal",

@@ -2,6 +2,7 @@
 
 #include "page/camerapage.h"
 #include "pictures.h"
+#include "plaintext.h"
 #include "recording/recordingtexts.h"
 #include "window/showntext.h"
 
@@ -19,7 +20,8 @@ constexpr int kLongestLine = 1000;
 bool SaveBrowserPicture(CameraPage& aPage, const QString& aFolder) {
   const KrResult result = WriteBrowserPicture(aPage.GetFeatures().GetWindow(), aFolder);
   if (!result.IsOK())
-    std::fprintf(stderr, "No picture of the features was written: %s\n", result.GetDescription().CStr());
+    std::fprintf(stderr, "No picture of the features was written: %s\n",
+                 krapps::MakeField(result.GetDescription()).c_str());
   return result.IsOK();
 }
 
@@ -29,7 +31,7 @@ bool SaveDisplayPictures(CameraPage& aPage, const QString& aFolder) {
   if (result.IsOK())
     result = WritePictures(aPage.GetDisplay(), aFolder);
   if (!result.IsOK()) {
-    std::fprintf(stderr, "No pictures were written: %s\n", result.GetDescription().CStr());
+    std::fprintf(stderr, "No pictures were written: %s\n", krapps::MakeField(result.GetDescription()).c_str());
     return false;
   }
   std::printf("pictures=%s frame_id=%" PRIu64 "\n", aFolder.toUtf8().constData(), aPage.GetProgress().lastFrameID);
@@ -55,12 +57,12 @@ bool EndWithPictures(CameraPage& aPage, const QString& aFolder) {
   const bool hasPicture = aPage.GetProgress().figures.GetFrames() > 0;
   // Before the camera is given back, as the browser is empty then.
   const bool hasBrowser = hasPicture && aPage.GetPanels().IsShown(Panel::Features);
-  bool isWritten = !hasBrowser || SaveBrowserPicture(aPage, aFolder);
+  const bool isWritten = !hasBrowser || SaveBrowserPicture(aPage, aFolder);
   aPage.End();
   aPage.AwaitEnd();
-  if (hasPicture && !SaveDisplayPictures(aPage, aFolder))
-    isWritten = false;
-  return isWritten;
+  if (!hasPicture)
+    std::fprintf(stderr, "No pictures of the camera were written: no frame of it came.\n");
+  return hasPicture && SaveDisplayPictures(aPage, aFolder) && isWritten;
 }
 
 EndingWork MakeEndingWork(CameraPage& aPage) {

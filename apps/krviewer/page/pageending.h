@@ -12,7 +12,7 @@ class CameraPage;
 // Thread: user interface.
 
 /// Ends a page that is on the screen, with pictures of its display and its features in a folder, if it has shown any
-/// frame. False, told on the error stream, where a picture could not be written.
+/// frame. False, told on the error stream, where it has shown none or a picture could not be written.
 bool EndWithPictures(CameraPage& aPage, const QString& aFolder);
 
 /// What is still under way of a page that has ended, which outlives it.

@@ -1,7 +1,12 @@
 #include "page/pagepanels.h"
 
+#include <QApplication>
+#include <QChildEvent>
 #include <QDockWidget>
 #include <QMainWindow>
+#include <QTabBar>
+
+#include <algorithm>
 
 namespace krviewer {
 
@@ -19,6 +24,50 @@ PagePanels::PagePanels(QMainWindow& aArea) : mArea(aArea) {
   // Lists want height, graphs as much width as the picture has.
   mArea.setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
   mArea.setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+  mArea.installEventFilter(this);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* aNow) { NoteFocus(aNow); });
+}
+
+// The area makes its tab bars itself, with titles that are cut as soon as there are three.
+bool PagePanels::eventFilter(QObject* aObject, QEvent* aEvent) {
+  if (aObject == &mArea && aEvent->type() == QEvent::ChildPolished)
+    if (auto* const tabs = qobject_cast<QTabBar*>(static_cast<QChildEvent*>(aEvent)->child())) {
+      tabs->setElideMode(Qt::ElideNone);
+      tabs->setUsesScrollButtons(true);
+    }
+  return QObject::eventFilter(aObject, aEvent);
+}
+
+// While a menu has the keyboard, it is meant for what had it before.
+void PagePanels::NoteFocus(QWidget* aFocused) {
+  // By addresses alone, as this comes, too, while the panels end.
+  for (QWidget* widget = aFocused; widget; widget = widget->parentWidget()) {
+    const auto found = std::ranges::find(mDocks, widget, [](const auto& aEntry) { return aEntry.second; });
+    if (found != mDocks.end() || widget == &mArea) {
+      mFocused = found != mDocks.end() ? found->second : nullptr;
+      return;
+    }
+  }
+}
+
+void PagePanels::MoveFocused(PanelPlace aPlace) {
+  if (!HasFocusedPanel())
+    return;
+  QDockWidget& dock = *mFocused;
+  QWidget* const keyboard = QApplication::focusWidget();
+  const bool hadKeyboard = keyboard && dock.isAncestorOf(keyboard);
+  dock.setFloating(aPlace == PanelPlace::Floating);
+  if (aPlace == PanelPlace::Left)
+    mArea.addDockWidget(Qt::LeftDockWidgetArea, &dock);
+  else if (aPlace == PanelPlace::Right)
+    mArea.addDockWidget(Qt::RightDockWidgetArea, &dock);
+  else if (aPlace == PanelPlace::Bottom)
+    mArea.addDockWidget(Qt::BottomDockWidgetArea, &dock);
+  dock.raise();
+  dock.activateWindow();
+  if (hadKeyboard)
+    keyboard->setFocus();
+  mFocused = &dock;
 }
 
 void PagePanels::Add(Panel aPanel, const QString& aName, const QString& aTitle, QWidget* aContent,
@@ -36,11 +85,25 @@ void PagePanels::Add(Panel aPanel, const QString& aName, const QString& aTitle, 
     mArea.tabifyDockWidget(neighbour, dock);
   dock->hide();
   mDocks[aPanel] = dock;
+  connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool aIsVisible) {
+    if (aIsVisible)
+      mBehind.erase(dock);
+    else if (!dock->isHidden())
+      mBehind.insert(dock);
+  });
 }
 
 bool PagePanels::IsShown(Panel aPanel) const {
   const auto found = mDocks.find(aPanel);
-  return found != mDocks.end() && (!found->second->isHidden() || mPutAside.contains(found->second));
+  return found != mDocks.end() && IsDockShown(*found->second);
+}
+
+bool PagePanels::IsDockShown(QDockWidget& aDock) const {
+  return !aDock.isHidden() || mPutAside.contains(&aDock);
+}
+
+bool PagePanels::IsInFront(Panel aPanel) const {
+  return IsShown(aPanel) && !mBehind.contains(mDocks.at(aPanel));
 }
 
 void PagePanels::Show(Panel aPanel, bool aIsShown) {

@@ -17,6 +17,9 @@ namespace krviewer {
 /// The panels that a page may have; the numbers are not kept.
 enum class Panel { Features, StreamFeatures, TransportFeatures, Histogram, LineProfile, Intervals, Recording };
 
+/// Where a panel can be.
+enum class PanelPlace { Left, Right, Bottom, Floating };
+
 /// Thread: user interface. Ownership: the area owns the panels.
 class PagePanels : public QObject {
   Q_OBJECT
@@ -31,8 +34,14 @@ public:
   bool Has(Panel aPanel) const { return mDocks.contains(aPanel); }
   /// Whether the user wants to see it; it may be behind another, or on a page that is behind others.
   bool IsShown(Panel aPanel) const;
+  /// Whether it is on the screen, or would be if its page were: not behind another panel's tab.
+  bool IsInFront(Panel aPanel) const;
   /// Shows the panel, in front of those that share its place, or hides it. Nothing for one that there is not.
   void Show(Panel aPanel, bool aIsShown);
+  /// Whether the keyboard is, or was before it went to the menus, in a panel.
+  bool HasFocusedPanel() const { return mFocused && IsDockShown(*mFocused); }
+  /// Moves that panel, which keeps the keyboard. Nothing without one.
+  void MoveFocused(PanelPlace aPlace);
   /// The panels that float leave the screen with their page, and come back with it.
   void SetPageShown(bool aIsShown);
   /// How wide a side is, once the page is on the screen.
@@ -43,12 +52,19 @@ public:
   /// False for bytes that are no layout of these panels, which changes nothing.
   bool RestoreLayout(const QByteArray& aLayout);
 
+protected:
+  bool eventFilter(QObject* aObject, QEvent* aEvent) override;
+
 private:
+  bool IsDockShown(QDockWidget& aDock) const;
+  void NoteFocus(QWidget* aFocused);
   void PutBack();
 
   QMainWindow& mArea;
   std::map<Panel, QDockWidget*> mDocks;
-  std::set<QDockWidget*> mPutAside; ///< Those that float, of a page that is not shown.
+  std::set<QDockWidget*> mPutAside;     ///< Those that float, of a page that is not shown.
+  std::set<const QDockWidget*> mBehind; ///< Those that are behind the tab of another one.
+  QDockWidget* mFocused = nullptr;      ///< With the keyboard; null when that is elsewhere on the page.
   bool mIsPageShown = true;
   bool mHasRoomBelow = false; ///< The panels under the picture are as high as the user has them.
 };

@@ -19,14 +19,19 @@ private:
 
 CameraFinder::~CameraFinder() = default;
 
-KrResult CameraFinder::Show(HWND aOwner) {
-  if (QWidget* const open = mWindow ? mWindow->GetWidget() : nullptr) {
+KrResult CameraFinder::Show(HWND aOwner, FinderPurpose aPurpose) {
+  QWidget* const open = mWindow ? mWindow->GetWidget() : nullptr;
+  if (open && mPurpose == aPurpose) {
     open->raise();
     open->activateWindow();
     return {};
   }
+  Close();
+  mPurpose = aPurpose;
   mWindow = std::make_shared<Window>();
-  mWindow->SetTitle("Device Selection");
+  const bool isForAddresses = aPurpose == FinderPurpose::Addresses;
+  mWindow->SetTitle(isForAddresses ? "IP Configuration" : "Device Selection");
+  mWindow->SetUnreachableShown(isForAddresses);
   return mWindow->ShowModeless(aOwner);
 }
 
@@ -36,7 +41,8 @@ void CameraFinder::Follow() {
   // What it has found lives as long as it does.
   const std::shared_ptr<Window> window = std::exchange(mWindow, nullptr);
   [[maybe_unused]] const KrResult closed = window->Close(); // Accepting has closed it, mostly.
-  if (const KrDeviceInfo* const selected = window->GetSelected())
+  const KrDeviceInfo* const selected = window->GetSelected();
+  if (selected && mPurpose == FinderPurpose::Pick)
     mPicked(CameraInfo(window, selected));
 }
 

@@ -10,6 +10,12 @@
 
 namespace krviewer {
 
+/// What the user wants of the list of cameras.
+enum class FinderPurpose {
+  Pick,     ///< A camera to look at.
+  Addresses ///< To give cameras addresses; those that cannot be reached are what is looked for.
+};
+
 /// One opening after the other. Thread: user interface.
 class CameraFinder {
 public:
@@ -19,9 +25,9 @@ public:
   explicit CameraFinder(Picked aPicked) : mPicked(std::move(aPicked)) {}
   ~CameraFinder();
 
-  /// Opens the window over another one, or brings it to the front where it is open.
-  KrResult Show(HWND aOwner);
-  /// Says what was picked; to be called often.
+  /// Opens the window over another one, or brings it to the front where it is open for the same purpose.
+  KrResult Show(HWND aOwner, FinderPurpose aPurpose);
+  /// Says what was picked, which is nothing where addresses were set; to be called often.
   void Follow();
   void Close();
 
@@ -29,6 +35,7 @@ private:
   class Window;
 
   const Picked mPicked;
+  FinderPurpose mPurpose = FinderPurpose::Pick;
   /// With the cameras that it has found: those that were picked keep it.
   std::shared_ptr<Window> mWindow;
 };

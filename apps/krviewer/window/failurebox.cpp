@@ -1,5 +1,7 @@
 #include "window/failurebox.h"
 
+#include "window/showntext.h"
+
 #include <QMessageBox>
 
 namespace krviewer {
@@ -9,7 +11,7 @@ void ShowFailure(QWidget* aParent, const QString& aTitle, const KrResult& aFailu
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->setTextFormat(Qt::PlainText);
   const KrString& reason = aFailure.GetDescription();
-  box->setText(QString::fromUtf8(reason.IsEmpty() ? aFailure.GetCodeString().CStr() : reason.CStr()));
+  box->setText(ToMessage(ToText(reason.IsEmpty() ? aFailure.GetCodeString() : reason)));
   box->open();
 }
 

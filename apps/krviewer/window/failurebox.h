@@ -10,7 +10,7 @@ class QWidget;
 namespace krviewer {
 
 /// Shows a message that is no question, and returns at once; it ends with the user's answer or its parent. Texts of
-/// devices are shown as they are. Thread: user interface.
+/// devices are shown as they are, as far as there is room. Thread: user interface.
 void ShowFailure(QWidget* aParent, const QString& aTitle, const KrResult& aFailure);
 
 } // namespace krviewer

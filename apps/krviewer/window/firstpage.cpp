@@ -4,6 +4,7 @@
 
 #include <QCommandLinkButton>
 #include <QLabel>
+#include <QPainter>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -16,6 +17,28 @@ constexpr int kWidthInLetters = 64;
 constexpr int kMostLetters = 60;
 constexpr double kTitleScale = 1.8;
 
+/// Some styles draw no focus on links, which one would then choose blindly.
+class FocusedLink : public QCommandLinkButton {
+public:
+  using QCommandLinkButton::QCommandLinkButton;
+
+protected:
+  void paintEvent(QPaintEvent* aEvent) override {
+    QCommandLinkButton::paintEvent(aEvent);
+    if (!hasFocus())
+      return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(palette().color(QPalette::Highlight), kFocusWidth));
+    constexpr qreal kInset = kFocusWidth / 2;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(kInset, kInset, -kInset, -kInset), kFocusRadius, kFocusRadius);
+  }
+
+private:
+  static constexpr qreal kFocusWidth = 2;
+  static constexpr qreal kFocusRadius = 3;
+};
+
 QLabel* MakeText(const QString& aText) {
   auto* const label = new QLabel(aText);
   label->setTextFormat(Qt::PlainText);
@@ -24,7 +47,7 @@ QLabel* MakeText(const QString& aText) {
 }
 
 QCommandLinkButton* MakeButton(const QString& aName, const QString& aText, const QString& aDescription) {
-  auto* const button = new QCommandLinkButton(aText, aDescription);
+  auto* const button = new FocusedLink(aText, aDescription);
   button->setObjectName(aName);
   button->setAccessibleDescription(aDescription);
   button->setAutoDefault(true);
@@ -88,7 +111,7 @@ void FirstPage::SetRecentCameras(const RecentCameras& aCameras) {
   if (!aCameras.GetAll().isEmpty())
     mRecentButtons->addWidget(MakeText(QStringLiteral("Shown last:")));
   for (const RecentCamera& camera : aCameras.GetAll()) {
-    auto* const button = new QCommandLinkButton(ToEntry(ToLine(camera.name, kMostLetters)));
+    auto* const button = new FocusedLink(ToEntry(ToLine(camera.name, kMostLetters)));
     button->setObjectName(QStringLiteral("recentCamera"));
     button->setToolTip(ToToolTip(camera.name + QLatin1Char('\n') + camera.id));
     button->setAutoDefault(true);

@@ -37,6 +37,7 @@ MainMenus::MainMenus(QMainWindow& aWindow, const std::function<CameraPage*()>& a
 
   QMenu& view = *aWindow.menuBar()->addMenu(QStringLiteral("&View"));
   mPageActions.AddTo(view, CommandMenu::View);
+  mPageActions.AddTo(*view.addMenu(QStringLiteral("Mov&e Panel")), CommandMenu::MovePanel);
   view.addSeparator();
   mFullScreen =
       Add(view, "fullScreen", QStringLiteral("F&ull Screen"), QKeySequence(Qt::Key_F11), &MainMenus::FullScreenWanted);
@@ -47,8 +48,7 @@ MainMenus::MainMenus(QMainWindow& aWindow, const std::function<CameraPage*()>& a
   QMenu& tools = *aWindow.menuBar()->addMenu(QStringLiteral("&Tools"));
   mPageActions.AddTo(tools, CommandMenu::Tools);
   tools.addSeparator();
-  Add(tools, "ipConfiguration", QStringLiteral("&IP Configuration…"), {}, &MainMenus::FindWanted)
-      ->setToolTip(QStringLiteral("In the list of all cameras, select one and press its button."));
+  Add(tools, "ipConfiguration", QStringLiteral("&IP Configuration…"), {}, &MainMenus::AddressesWanted);
 
   QMenu& help = *aWindow.menuBar()->addMenu(QStringLiteral("&Help"));
   Add(help, "keys", QStringLiteral("&Keys"), QKeySequence(Qt::Key_F1), &MainMenus::KeysWanted);
@@ -88,8 +88,10 @@ void MainMenus::AddSteps(QMenu& aMenu) {
 
 void MainMenus::SetRecentCameras(const RecentCameras& aCameras) {
   mRecent->clear();
+  int number = 0;
   for (const RecentCamera& camera : aCameras.GetAll()) {
-    QAction* const action = mRecent->addAction(ToEntry(ToLine(camera.name, kMostLetters)));
+    QAction* const action =
+        mRecent->addAction(QStringLiteral("&%1  %2").arg(++number).arg(ToEntry(ToLine(camera.name, kMostLetters))));
     connect(action, &QAction::triggered, this, [this, id = camera.id] { emit CameraWanted(id); });
   }
   mRecent->addSeparator();

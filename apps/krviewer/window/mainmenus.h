@@ -40,6 +40,8 @@ public:
 
 signals:
   void FindWanted();
+  /// The cameras are to be given addresses.
+  void AddressesWanted();
   void SimulationWanted();
   void CameraWanted(const QString& aID);
   void ForgetWanted();

@@ -26,6 +26,7 @@ constexpr double kLargestShareOfScreen = 0.9;
 constexpr int kNoticeMs = 5000;
 /// Of a camera's name on its tab.
 constexpr int kMostLetters = 40;
+constexpr int kMostLettersOfTitle = 200;
 
 } // namespace
 
@@ -140,7 +141,7 @@ void MainWindow::LookAgain() {
     ShowTrouble(index);
   }
   const CameraPage* const page = GetCurrentPage();
-  setWindowTitle(page ? page->GetTitle() : QStringLiteral("krviewer"));
+  setWindowTitle(page ? ToTitle(ToLine(page->GetTitle(), kMostLettersOfTitle)) : QStringLiteral("krviewer"));
   ShowFigures(page);
   mMenus->LookAgain({.pages = mTabs->count(), .isOwn = mIsOwn, .isFullScreen = isFullScreen()});
 }

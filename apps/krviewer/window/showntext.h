@@ -13,6 +13,10 @@ inline QString ToText(const KrString& aText) {
 
 /// One line that can be read, cut behind so many letters: a text from outside may hold anything.
 QString ToLine(const QString& aText, int aMostLetters);
+/// A few lines, each as ToLine gives it: what is left out is said.
+QString ToMessage(const QString& aText);
+/// For a window's title, in which [*] is none of the toolkit's marks.
+QString ToTitle(const QString& aText);
 /// For an entry of a menu, a button or a tab, whose & are none of a mnemonic.
 QString ToEntry(const QString& aText);
 /// For a tooltip, which would take a text for markup.

@@ -2,6 +2,7 @@
 
 #include "page/pageending.h"
 #include "pictures.h"
+#include "plaintext.h"
 #include "window/aboutbox.h"
 #include "window/endingwindow.h"
 #include "window/showntext.h"
@@ -21,6 +22,8 @@ namespace {
 
 constexpr int kLookIntervalMs = 50;
 const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
+/// Of a camera's name in a message.
+constexpr int kMostLettersOfName = 100;
 
 KrString GetID(const CameraInfo& aCamera) {
   return aCamera->GetUniqueID();
@@ -51,8 +54,6 @@ void Viewer::Begin() {
   mLoopLevel = thread()->loopLevel();
   AddWindow(false).ShowOnScreen(mSettings.GetWindowLayout());
   mTimer.start(kLookIntervalMs);
-  if (mCommandLine.seconds != 0)
-    mEndTimer.start(std::chrono::seconds(mCommandLine.seconds));
 }
 
 int Viewer::Run() {
@@ -74,8 +75,9 @@ MainWindow& Viewer::AddWindow(bool aIsOwn) {
 void Viewer::ConnectWindow(MainWindow& aWindow) {
   MainMenus& menus = aWindow.GetMenus();
   FirstPage& first = aWindow.GetFirstPage();
-  connect(&menus, &MainMenus::FindWanted, this, &Viewer::ShowFinder);
-  connect(&first, &FirstPage::FindWanted, this, &Viewer::ShowFinder);
+  connect(&menus, &MainMenus::FindWanted, this, [this] { ShowFinder(); });
+  connect(&menus, &MainMenus::AddressesWanted, this, [this] { ShowFinder(FinderPurpose::Addresses); });
+  connect(&first, &FirstPage::FindWanted, this, [this] { ShowFinder(); });
   connect(&menus, &MainMenus::SimulationWanted, this, &Viewer::OpenSimulated);
   connect(&first, &FirstPage::SimulationWanted, this, &Viewer::OpenSimulated);
   connect(&menus, &MainMenus::CameraWanted, this, &Viewer::Search);
@@ -103,11 +105,11 @@ MainWindow* Viewer::FindWindowOf(const CameraPage& aPage) const {
   return nullptr;
 }
 
-void Viewer::ShowFinder() {
+void Viewer::ShowFinder(FinderPurpose aPurpose) {
   if (mIsOver)
     return;
   MainWindow& window = GetActiveWindow();
-  if (const KrResult shown = mFinder.Show(window.winId()); !shown.IsOK())
+  if (const KrResult shown = mFinder.Show(window.winId(), aPurpose); !shown.IsOK())
     window.GetBar().Say({MessageKind::Error, ToText(shown.GetDescription())});
 }
 
@@ -128,34 +130,70 @@ void Viewer::Search(const QString& aName) {
 }
 
 void Viewer::SearchNext() {
-  if (mWanted.empty() || mIsOver)
+  if (mIsOver)
     return;
+  if (mWanted.empty())
+    return TellNotFound();
   const QString name = mWanted.front();
-  GetActiveWindow().GetBar().Say(
-      {MessageKind::Information, QStringLiteral("Looking for the camera…"), {}, /*canBeDismissed=*/false});
+  GetActiveWindow().GetBar().Say({MessageKind::Information,
+                                  QStringLiteral("Looking for %1…").arg(GetShownName(name)),
+                                  {{QStringLiteral("&Cancel"), [this] { GiveUpSearch(); }}},
+                                  /*canBeDismissed=*/false});
   mSearch.Start(name, [this, name](const CameraInfo& aCamera, const KrResult& aResult) {
     mWanted.pop_front();
-    for (MainWindow* const window : GetWindows())
-      window->GetBar().Clear();
-    if (aResult.IsOK())
+    ClearBars();
+    if (aResult.IsOK()) {
       Open(aCamera);
-    else
-      TellNotFound(name, aResult);
+    } else {
+      mNotFound += name;
+      // Which others there are the finder shows better.
+      mWhyNotFound = aResult == KrResult::Code::NotFound ? QString() : ToMessage(ToText(aResult.GetDescription()));
+    }
     SearchNext();
   });
 }
 
-void Viewer::TellNotFound(const QString& aName, const KrResult& aResult) {
-  QString shown = aName;
+void Viewer::GiveUpSearch() {
+  mWanted.clear();
+  mSearch.End();
+  ClearBars();
+  TellNotFound();
+}
+
+void Viewer::ClearBars() {
+  for (MainWindow* const window : GetWindows())
+    window->GetBar().Clear();
+}
+
+// Of one that was shown before as it is known to the user, else as it was asked for.
+QString Viewer::GetShownName(const QString& aName) const {
   for (const RecentCamera& camera : mRecentCameras.GetAll())
     if (camera.id == aName)
-      shown = camera.name;
+      return ToLine(camera.name, kMostLettersOfName);
+  return ToLine(aName, kMostLettersOfName);
+}
+
+void Viewer::TellNotFound() {
+  const QStringList names = std::exchange(mNotFound, {});
+  const QString reason = std::exchange(mWhyNotFound, {});
+  if (names.isEmpty())
+    return;
+  QStringList shown;
+  for (const QString& name : names)
+    shown += GetShownName(name);
+  const QString text =
+      names.size() == 1
+          ? QStringLiteral("%1 was not found. Check its cable and its power, or look for it among all cameras.")
+          : QStringLiteral("%1 were not found. Check their cables and power, or look for them among all cameras.");
+  const QString whole = text.arg(shown.join(QStringLiteral(", "))) + QLatin1Char('\n') + reason;
+  const auto searchAgain = [this, names] {
+    for (const QString& name : names)
+      Search(name);
+  };
   GetActiveWindow().GetBar().Say(
       {MessageKind::Warning,
-       QStringLiteral("%1 was not found. Check its cable and its power, or look for it among all cameras.\n%2")
-           .arg(shown, ToText(aResult.GetDescription())),
-       {{QStringLiteral("Tr&y Again"), [this, aName] { Search(aName); }},
-        {QStringLiteral("Fi&nd a Camera…"), [this] { ShowFinder(); }}}});
+       whole.trimmed(),
+       {{QStringLiteral("Tr&y Again"), searchAgain}, {QStringLiteral("Fi&nd a Camera…"), [this] { ShowFinder(); }}}});
 }
 
 void Viewer::Open(const CameraInfo& aCamera) {
@@ -177,7 +215,7 @@ void Viewer::Open(const CameraInfo& aCamera) {
                                                   "as soon as that is done.")
                                        .arg(ToText(aCamera->GetDisplayID()))});
   }
-  std::printf("camera=%s\n", aCamera->GetDisplayID().CStr());
+  std::printf("camera=%s\n", krapps::MakeField(aCamera->GetDisplayID()).c_str());
   // Pictures say how fast the frames were; on the screen the status bar does.
   const bool hasText = mCommandLine.IsBatch();
   const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames, .hasTextOverlay = hasText},
@@ -185,8 +223,8 @@ void Viewer::Open(const CameraInfo& aCamera) {
                             .number = ++mOpened};
   mPages.push_back(std::make_unique<CameraPage>(aCamera, options));
   CameraPage& page = *mPages.back();
-  connect(&page, &CameraPage::FindWanted, this, &Viewer::ShowFinder);
-  connect(&page, &CameraPage::AddressWanted, this, &Viewer::ShowFinder);
+  connect(&page, &CameraPage::FindWanted, this, [this] { ShowFinder(); });
+  connect(&page, &CameraPage::AddressWanted, this, [this] { ShowFinder(FinderPurpose::Addresses); });
   connect(&page, &CameraPage::Noticed, this, [this, &page](const QString& aText) {
     if (MainWindow* const shown = FindWindowOf(page))
       shown->Notice(aText);
@@ -196,7 +234,7 @@ void Viewer::Open(const CameraInfo& aCamera) {
   window.GetBar().Clear();
   if (const KrResult opened = page.Open(); !opened.IsOK())
     window.GetBar().Say({MessageKind::Error, ToText(opened.GetDescription())});
-  page.RestoreState(mSettings.GetPageState());
+  page.RestoreState(mSettings.GetPageState(ToText(aCamera->GetUniqueID())));
   window.AddPage(page);
   RecentCameras recent = mRecentCameras;
   recent.Add({ToText(aCamera->GetUniqueID()), ToText(aCamera->GetDisplayID())});
@@ -247,7 +285,7 @@ void Viewer::EndPage(CameraPage& aPage) {
   MainWindow* const window = FindWindowOf(aPage);
   if (!window)
     return;
-  mSettings.SetPageState(aPage.SaveState());
+  KeepState(aPage);
   Discard(aPage);
   if (window->IsOwn() && window->GetPages().isEmpty())
     window->close();
@@ -276,8 +314,10 @@ void Viewer::Discard(CameraPage& aPage) {
 void Viewer::PrintEndedPages() {
   for (const std::unique_ptr<CameraPage>& page : mEndedPages)
     if (page->HasEnded() && mUnprinted.erase(page.get()) > 0)
-      PrintFigures(*page, mOpened > 1 ? QStringLiteral("camera=%1 ").arg(ToText(page->GetCamera().GetDisplayID()))
-                                      : QString());
+      PrintFigures(*page, mOpened > 1
+                              ? QStringLiteral("camera=%1 ")
+                                    .arg(QString::fromStdString(krapps::MakeField(page->GetCamera().GetDisplayID())))
+                              : QString());
 }
 
 // What went wrong with files of pages that nobody sees any more, in words.
@@ -326,7 +366,8 @@ void Viewer::CloseWindow(MainWindow& aWindow) {
 void Viewer::NoteEnd(CameraPage& aPage) {
   const AcquisitionProgress& progress = aPage.GetProgress();
   if (progress.state == AcquisitionState::Failed) {
-    std::fprintf(stderr, "%s: %s\n", progress.result.GetCodeString().CStr(), progress.result.GetDescription().CStr());
+    std::fprintf(stderr, "%s: %s\n", progress.result.GetCodeString().CStr(),
+                 krapps::MakeField(progress.result.GetDescription()).c_str());
     if (mCommandLine.IsBatch())
       mExitCode = 1;
   }
@@ -336,9 +377,19 @@ void Viewer::NoteEnd(CameraPage& aPage) {
     Finish();
 }
 
+// What the user wants to see begins when the cameras are there, however long that takes.
+void Viewer::CountSeconds() {
+  const auto isConnecting = [](const std::unique_ptr<CameraPage>& aPage) {
+    return aPage->GetProgress().state == AcquisitionState::Connecting;
+  };
+  if (mCommandLine.seconds != 0 && !mEndTimer.isActive() && std::ranges::none_of(mPages, isConnecting))
+    mEndTimer.start(std::chrono::seconds(mCommandLine.seconds));
+}
+
 void Viewer::LookAgain() {
   if (mStopSignal.IsRaised())
     return Finish();
+  CountSeconds();
   mFinder.Follow();
   mSearch.Follow();
   for (MainWindow* const window : GetWindows())
@@ -350,11 +401,20 @@ void Viewer::LookAgain() {
   DeleteEnded();
 }
 
+void Viewer::KeepState(CameraPage& aPage) {
+  mSettings.SetPageState(aPage.SaveState(), ToText(aPage.GetCamera().GetUniqueID()));
+}
+
 void Viewer::KeepLayouts() {
   if (!mWindows.empty())
     mSettings.SetWindowLayout(mWindows.front()->SaveLayout());
-  if (CameraPage* const page = GetActiveWindow().GetCurrentPage())
-    mSettings.SetPageState(page->SaveState());
+  CameraPage* const current = GetActiveWindow().GetCurrentPage();
+  for (const std::unique_ptr<CameraPage>& page : mPages)
+    if (page.get() != current)
+      KeepState(*page);
+  // Last, as new ones begin as this one is.
+  if (current)
+    KeepState(*current);
 }
 
 void Viewer::SaveWindowPicture() {
@@ -363,7 +423,8 @@ void Viewer::SaveWindowPicture() {
   const KrResult written = WriteWindowPicture(GetActiveWindow(), mCommandLine.screenshotFolder);
   if (written.IsOK())
     return;
-  std::fprintf(stderr, "No picture of the window was written: %s\n", written.GetDescription().CStr());
+  std::fprintf(stderr, "No picture of the window was written: %s\n",
+               krapps::MakeField(written.GetDescription()).c_str());
   mExitCode = 1;
 }
 

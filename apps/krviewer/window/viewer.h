@@ -44,6 +44,9 @@ public:
   /// Shows a camera in a tab of its own, or the tab in which it is shown already, and connects it again where it is
   /// disconnected. Only after Begin.
   void Open(const CameraInfo& aCamera);
+  /// Looks for a camera by its ID, address, serial number or name while the windows go on, and shows it; what was not
+  /// found is said in the window. Only after Begin.
+  void Search(const QString& aName);
   /// Runs the application's loop until the end; gives the program's exit code.
   int Run();
   /// Ends everything, as if the windows had been closed.
@@ -58,11 +61,13 @@ private:
   void CloseWindow(MainWindow& aWindow);
   MainWindow& GetActiveWindow() const;
   MainWindow* FindWindowOf(const CameraPage& aPage) const;
-  void ShowFinder();
+  void ShowFinder(FinderPurpose aPurpose = FinderPurpose::Pick);
   void OpenSimulated();
-  void Search(const QString& aName);
   void SearchNext();
-  void TellNotFound(const QString& aName, const KrResult& aResult);
+  void GiveUpSearch();
+  void ClearBars();
+  void TellNotFound();
+  QString GetShownName(const QString& aName) const;
   void MovePage(CameraPage& aPage);
   void EndPage(CameraPage& aPage);
   void Discard(CameraPage& aPage);
@@ -75,7 +80,9 @@ private:
   void HideWindows();
   void NoteEnd(CameraPage& aPage);
   void SetRecentCameras(const RecentCameras& aCameras);
+  void KeepState(CameraPage& aPage);
   void KeepLayouts();
+  void CountSeconds();
   void LookAgain();
   void SaveWindowPicture();
 
@@ -95,6 +102,8 @@ private:
   CameraFinder mFinder;
   CameraSearch mSearch;
   std::deque<QString> mWanted; ///< Cameras that are still to be looked for.
+  QStringList mNotFound;       ///< Those of the same searches that were not found, to be told together.
+  QString mWhyNotFound;        ///< What there is to be said of the last of them beside that.
   QTimer mTimer;
   QTimer mEndTimer;
   int mOpened = 0;    ///< So many cameras so far.

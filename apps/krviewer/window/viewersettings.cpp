@@ -1,5 +1,6 @@
 #include "window/viewersettings.h"
 
+#include <QSet>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -10,6 +11,8 @@ namespace {
 constexpr const char* kRecentCameras = "cameras/recent";
 constexpr const char* kID = "id";
 constexpr const char* kName = "name";
+constexpr const char* kPageState = "page/state";
+constexpr const char* kPages = "pages";
 
 /// Layouts are written with a sum of their bytes, as the toolkit is not to be given what somebody else has written.
 constexpr qsizetype kMostBytes = 1 << 16;
@@ -26,6 +29,15 @@ QByteArray Unseal(const QByteArray& aSealed) {
   return bytes && QByteArray::number(qChecksum(*bytes)) == aSealed.first(colon) ? *bytes : QByteArray();
 }
 
+// A name in the file for an ID of a device, which may hold anything.
+QString MakePageName(const QString& aCameraID) {
+  return QString::fromLatin1(aCameraID.toUtf8().toHex());
+}
+
+QString MakePageKey(const QString& aCameraID) {
+  return QLatin1String(kPages) + QLatin1Char('/') + MakePageName(aCameraID);
+}
+
 } // namespace
 
 ViewerSettings::ViewerSettings(const QString& aFile) {
@@ -40,13 +52,38 @@ QString ViewerSettings::GetUserFile() {
   return folder.isEmpty() ? folder : folder + QStringLiteral("/krgui/krviewer.ini");
 }
 
-QByteArray ViewerSettings::Get(const char* aName) const {
-  return mSettings ? Unseal(mSettings->value(QLatin1String(aName)).toByteArray()) : QByteArray();
+QByteArray ViewerSettings::Get(const QString& aName) const {
+  return mSettings ? Unseal(mSettings->value(aName).toByteArray()) : QByteArray();
 }
 
-void ViewerSettings::Set(const char* aName, const QByteArray& aBytes) {
+void ViewerSettings::Set(const QString& aName, const QByteArray& aBytes) {
   if (mSettings)
-    mSettings->setValue(QLatin1String(aName), Seal(aBytes));
+    mSettings->setValue(aName, Seal(aBytes));
+}
+
+QByteArray ViewerSettings::GetPageState(const QString& aCameraID) const {
+  const QByteArray own = aCameraID.isEmpty() ? QByteArray() : Get(MakePageKey(aCameraID));
+  return own.isEmpty() ? Get(QLatin1String(kPageState)) : own;
+}
+
+void ViewerSettings::SetPageState(const QByteArray& aState, const QString& aCameraID) {
+  Set(QLatin1String(kPageState), aState);
+  const RecentCameras recent = GetRecentCameras();
+  for (const RecentCamera& camera : recent.GetAll())
+    if (camera.id == aCameraID)
+      Set(MakePageKey(aCameraID), aState);
+}
+
+// So that the file does not grow with each camera that was ever shown.
+void ViewerSettings::ForgetPages(const RecentCameras& aCameras) {
+  QSet<QString> kept;
+  for (const RecentCamera& camera : aCameras.GetAll())
+    kept.insert(MakePageName(camera.id));
+  mSettings->beginGroup(QLatin1String(kPages));
+  for (const QString& name : mSettings->allKeys())
+    if (!kept.contains(name))
+      mSettings->remove(name);
+  mSettings->endGroup();
 }
 
 RecentCameras ViewerSettings::GetRecentCameras() const {
@@ -67,6 +104,7 @@ RecentCameras ViewerSettings::GetRecentCameras() const {
 void ViewerSettings::SetRecentCameras(const RecentCameras& aCameras) {
   if (!mSettings)
     return;
+  ForgetPages(aCameras);
   mSettings->remove(QLatin1String(kRecentCameras));
   const QList<RecentCamera>& all = aCameras.GetAll();
   mSettings->beginWriteArray(QLatin1String(kRecentCameras), static_cast<int>(all.size()));

@@ -24,20 +24,22 @@ public:
   static QString GetUserFile();
 
   /// Where the window was, and how a camera's page was; empty where none was kept, or not as it was written.
-  QByteArray GetWindowLayout() const { return Get(kWindowLayout); }
-  void SetWindowLayout(const QByteArray& aLayout) { Set(kWindowLayout, aLayout); }
-  QByteArray GetPageState() const { return Get(kPageState); }
-  void SetPageState(const QByteArray& aLayout) { Set(kPageState, aLayout); }
+  QByteArray GetWindowLayout() const { return Get(QLatin1String(kWindowLayout)); }
+  void SetWindowLayout(const QByteArray& aLayout) { Set(QLatin1String(kWindowLayout), aLayout); }
+  /// Of the camera with this unique ID, or, where none was kept of that, as the last page was.
+  QByteArray GetPageState(const QString& aCameraID = {}) const;
+  /// Keeps it for its camera as long as that is among the recent ones, and for those of which nothing is kept.
+  void SetPageState(const QByteArray& aState, const QString& aCameraID = {});
 
   RecentCameras GetRecentCameras() const;
   void SetRecentCameras(const RecentCameras& aCameras);
 
 private:
   static constexpr const char* kWindowLayout = "window/layout";
-  static constexpr const char* kPageState = "page/state";
 
-  QByteArray Get(const char* aName) const;
-  void Set(const char* aName, const QByteArray& aBytes);
+  QByteArray Get(const QString& aName) const;
+  void Set(const QString& aName, const QByteArray& aBytes);
+  void ForgetPages(const RecentCameras& aCameras);
 
   std::unique_ptr<QSettings> mSettings; ///< Null where nothing is kept.
 };

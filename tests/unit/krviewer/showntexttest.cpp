@@ -12,6 +12,16 @@ TEST(ToLine, LongText_IsCut) {
   EXPECT_EQ(krviewer::ToLine("abcdefg", 6), QString("abcdef…"));
 }
 
+TEST(ToMessage, LongTextFromOutside_IsCutToAFewLines) {
+  EXPECT_EQ(krviewer::ToMessage("one\ntwo"), "one\ntwo");
+  EXPECT_EQ(krviewer::ToMessage("1\n2\n3\n4\n5\n6\n7"), "1\n2\n3\n4\n5\nAnd 2 more.");
+  EXPECT_EQ(krviewer::ToMessage(QString(1000, 'a')), QString(300, 'a') + "…");
+}
+
+TEST(ToTitle, MarkOfTheToolkit_IsShownAsItIs) {
+  EXPECT_EQ(krviewer::ToTitle("Camera [*] 1"), "Camera [*][*] 1");
+}
+
 TEST(ToEntry, Ampersand_IsShownAsOne) {
   EXPECT_EQ(krviewer::ToEntry("Black & White"), "Black && White");
 }

@@ -72,6 +72,27 @@ TEST_F(ViewerSettingsTest, FewerCamerasThanBefore_AreAllThatIsLeft) {
   EXPECT_FALSE(Read().contains("Another"));
 }
 
+TEST_F(ViewerSettingsTest, PagesOfCameras_AreKeptApartAsLongAsTheCamerasAreRecent) {
+  RecentCameras cameras;
+  cameras.Add({"a/b=c", "First"});
+  cameras.Add({"02:4b", "Second"});
+  {
+    ViewerSettings settings(mFile);
+    settings.SetRecentCameras(cameras);
+    settings.SetPageState("first", "a/b=c");
+    settings.SetPageState("second", "02:4b");
+    settings.SetPageState("unknown", "never shown");
+  }
+
+  ViewerSettings settings(mFile);
+  EXPECT_EQ(settings.GetPageState("a/b=c"), "first");
+  EXPECT_EQ(settings.GetPageState("02:4b"), "second");
+  EXPECT_EQ(settings.GetPageState("another"), "unknown") << "what was kept last holds for all others";
+
+  settings.SetRecentCameras({});
+  EXPECT_EQ(settings.GetPageState("02:4b"), "unknown");
+}
+
 TEST_F(ViewerSettingsTest, NoFileToKeepThemIn_AreForgotten) {
   ViewerSettings settings{QString()};
 

@@ -71,9 +71,11 @@ protected:
     const auto* const action = GetWindow().findChild<QAction*>(aName);
     return action && action->isEnabled();
   }
+  /// Which letter is marked depends on what else is in the window.
+  static QString WithoutMark(QString aText) { return aText.remove(QLatin1Char('&')); }
   static QAbstractButton* FindButton(const QWidget& aParent, const QString& aText) {
     for (auto* const button : aParent.findChildren<QAbstractButton*>())
-      if (button->text() == aText && button->isVisible())
+      if (WithoutMark(button->text()) == WithoutMark(aText) && button->isVisible())
         return button;
     return nullptr;
   }

@@ -2,7 +2,6 @@
 
 #include "viewerfixture.h"
 
-#include <QDockWidget>
 #include <QFile>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -46,6 +45,17 @@ protected:
     ok->click();
     return true;
   }
+  /// Looks for a node of the finder until it is listed.
+  static bool IsListedInFinder(const QString& aTitle, const QString& aName) {
+    const QWidget* const finder = FindWindow(aTitle);
+    const auto* const tree = finder ? finder->findChild<QTreeView*>("control1049") : nullptr;
+    return tree && Await([&] {
+             return !tree->model()
+                         ->match(tree->model()->index(0, 0), Qt::DisplayRole, aName, 1,
+                                 Qt::MatchContains | Qt::MatchRecursive)
+                         .isEmpty();
+           });
+  }
   QStringList GetTitles(int aWindow = 0) {
     QStringList titles;
     for (krviewer::CameraPage* const page : GetWindow(aWindow).GetPages())
@@ -86,6 +96,25 @@ TEST_F(ViewerWindowTest, CameraPickedInTheFinder_IsShown) {
   EXPECT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
   EXPECT_EQ(FindFinder(), nullptr);
   EXPECT_TRUE(GetWindow().windowTitle().startsWith("Simulated Colour Camera"));
+}
+
+TEST_F(ViewerWindowTest, AddressesWanted_ListsTheCamerasThatCannotBeReached) {
+  Begin();
+
+  ASSERT_TRUE(Choose("ipConfiguration"));
+
+  ASSERT_TRUE(Await([] { return FindWindow("IP Configuration") != nullptr; }));
+  EXPECT_TRUE(IsListedInFinder("IP Configuration", "10.20.30.40"));
+}
+
+TEST_F(ViewerWindowTest, FinderWantedAfterTheAddresses_TakesTheirPlace) {
+  Begin();
+  ASSERT_TRUE(Choose("ipConfiguration"));
+  ASSERT_TRUE(Await([] { return FindWindow("IP Configuration") != nullptr; }));
+
+  ASSERT_TRUE(Choose("find"));
+
+  EXPECT_TRUE(Await([] { return FindFinder() != nullptr && FindWindow("IP Configuration") == nullptr; }));
 }
 
 TEST_F(ViewerWindowTest, SameCameraTwice_BringsItsTabForward) {
@@ -287,10 +316,38 @@ TEST_F(ViewerWindowTest, CameraThatIsNotThereAnyMore_IsSaidSo) {
 
   EXPECT_TRUE(Await([this] { return GetMessage(GetWindow()).contains("was not found"); }));
   EXPECT_TRUE(GetMessage(GetWindow()).contains("Simulated Mono Camera"));
+  EXPECT_FALSE(GetMessage(GetWindow()).contains('\n'));
+  EXPECT_FALSE(GetMessage(GetWindow()).contains("Colour")) << "the cameras that were found are not the message's";
   ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
   ASSERT_TRUE(Click(GetWindow(), "Tr&y Again"));
   EXPECT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));
   EXPECT_EQ(GetMessage(GetWindow()), "");
+}
+
+TEST_F(ViewerWindowTest, SeveralCamerasAskedForAndSomeMissing_ShowsTheOthersAndNamesTheMissing) {
+  Begin();
+
+  for (const char* const name : {"no-such-camera", "sim-mono", "nor-this-one"})
+    mViewer->Search(name);
+
+  EXPECT_TRUE(Await([this] { return GetMessage(GetWindow()).contains("not found"); }));
+  EXPECT_TRUE(GetMessage(GetWindow()).startsWith("no-such-camera, nor-this-one were not found."))
+      << GetMessage(GetWindow()).toStdString();
+  EXPECT_EQ(GetTitles().size(), 1);
+}
+
+TEST_F(ViewerWindowTest, SearchCancelled_IsOver) {
+  Begin();
+  mViewer->Search("sim-mono");
+  mViewer->Search("sim-colour");
+
+  ASSERT_TRUE(Click(GetWindow(), "Cancel"));
+
+  EXPECT_EQ(GetMessage(GetWindow()), "");
+  EXPECT_TRUE(IsFirstPageShown());
+  mViewer->Search("sim-mono");
+  EXPECT_TRUE(Await([this] { return GetPage() != nullptr; }));
+  EXPECT_EQ(GetTitles().size(), 1);
 }
 
 TEST_F(ViewerWindowTest, RecentCamerasCleared_AreForgotten) {
@@ -302,47 +359,6 @@ TEST_F(ViewerWindowTest, RecentCamerasCleared_AreForgotten) {
 
   Begin();
   EXPECT_EQ(FindButton(GetWindow().GetFirstPage(), "Simulated Mono Camera (192.168.77.10)"), nullptr);
-}
-
-TEST_F(ViewerWindowTest, PanelsAndWindow_AreAsTheyWereInTheNextRun) {
-  Begin();
-  OpenStreaming();
-  ASSERT_TRUE(GetPage()->GetPanels().IsShown(Panel::Features));
-  Press(Qt::Key_1, Qt::AltModifier);
-  ASSERT_FALSE(GetPage()->GetPanels().IsShown(Panel::Features));
-  GetWindow().resize(700, 500);
-  End();
-
-  Begin();
-  OpenStreaming();
-
-  EXPECT_FALSE(GetPage()->GetPanels().IsShown(Panel::Features));
-  EXPECT_EQ(GetWindow().size(), QSize(700, 500));
-}
-
-TEST_F(ViewerWindowTest, Panels_AreShownAndHiddenByTheirKeys) {
-  struct Row {
-    Qt::Key key;
-    Panel panel;
-    const char* title;
-  };
-  Begin();
-  OpenStreaming();
-  for (const Row& row :
-       {Row{Qt::Key_4, Panel::Histogram, "Histogram"}, Row{Qt::Key_5, Panel::LineProfile, "Line Profile"},
-        Row{Qt::Key_6, Panel::Intervals, "Frame Intervals"}}) {
-    SCOPED_TRACE(row.title);
-    EXPECT_FALSE(GetPage()->GetPanels().IsShown(row.panel));
-
-    Press(row.key, Qt::AltModifier);
-    EXPECT_TRUE(GetPage()->GetPanels().IsShown(row.panel));
-    const QList<QDockWidget*> docks = GetPage()->findChildren<QDockWidget*>();
-    EXPECT_TRUE(std::ranges::any_of(
-        docks, [&](const QDockWidget* aDock) { return aDock->windowTitle() == row.title && aDock->isVisible(); }));
-
-    Press(row.key, Qt::AltModifier);
-    EXPECT_FALSE(GetPage()->GetPanels().IsShown(row.panel));
-  }
 }
 
 TEST_F(ViewerWindowTest, StatusBar_CountsTheFramesOfTheCameraInFront) {
@@ -372,24 +388,6 @@ TEST_F(ViewerWindowTest, StatusBar_CountsTheFramesOfTheCameraInFront) {
   EXPECT_TRUE(Await([=] { return !hasFigure("frames/s"); }));
 }
 
-TEST_F(ViewerWindowTest, PanelThatFloats_GoesAndComesWithItsTab) {
-  Begin();
-  Open(kColourMAC);
-  Open(kMonoMAC);
-  auto* const dock = GetPage()->findChild<QDockWidget*>("features");
-  ASSERT_NE(dock, nullptr);
-  dock->setFloating(true);
-  ASSERT_TRUE(dock->isVisible());
-  ASSERT_TRUE(Await([this] { return IsOffered("nextCamera"); }));
-
-  ASSERT_TRUE(Choose("nextCamera"));
-  EXPECT_FALSE(dock->isVisible());
-
-  ASSERT_TRUE(Choose("nextCamera"));
-  EXPECT_TRUE(dock->isVisible());
-  EXPECT_TRUE(dock->isFloating());
-}
-
 TEST_F(ViewerWindowTest, SettingsThatMakeNoSense_BeginAnew) {
   {
     QFile file(mSettingsFile);
@@ -413,19 +411,6 @@ TEST_F(ViewerWindowTest, RunWithAnEndOfItsOwn_KeepsNothing) {
 
   mViewer.reset();
   EXPECT_FALSE(QFile::exists(mSettingsFile));
-}
-
-TEST_F(ViewerWindowTest, BrowserOptions_AreAsTheyWereInTheNextRun) {
-  Begin();
-  OpenStreaming();
-  ASSERT_EQ(GetPage()->GetFeatures().GetWindow().GetVisibility(), KrGenVisibility::Beginner);
-  ASSERT_TRUE(GetPage()->GetFeatures().GetWindow().SetVisibility(KrGenVisibility::Guru).IsOK());
-  End();
-
-  Begin();
-  OpenStreaming();
-
-  EXPECT_EQ(GetPage()->GetFeatures().GetWindow().GetVisibility(), KrGenVisibility::Guru);
 }
 
 TEST_F(ViewerWindowTest, CameraLostBehindOthers_IsMarkedOnItsTab) {

@@ -1,0 +1,160 @@
+// The panels of the viewer's pages: how they are shown, moved and kept, and what the keyboard reaches.
+
+#include "viewerfixture.h"
+
+#include <QDockWidget>
+
+#include <algorithm>
+
+using krviewer::Panel;
+
+namespace {
+
+class ViewerPanelsTest : public ViewerTest {};
+
+} // namespace
+
+TEST_F(ViewerPanelsTest, PanelsAndWindow_AreAsTheyWereInTheNextRun) {
+  Begin();
+  OpenStreaming();
+  ASSERT_TRUE(GetPage()->GetPanels().IsShown(Panel::Features));
+  Press(Qt::Key_1, Qt::AltModifier);
+  ASSERT_FALSE(GetPage()->GetPanels().IsShown(Panel::Features));
+  GetWindow().resize(700, 500);
+  End();
+
+  Begin();
+  OpenStreaming();
+
+  EXPECT_FALSE(GetPage()->GetPanels().IsShown(Panel::Features));
+  EXPECT_EQ(GetWindow().size(), QSize(700, 500));
+}
+
+TEST_F(ViewerPanelsTest, Panels_AreShownAndHiddenByTheirKeys) {
+  struct Row {
+    Qt::Key key;
+    Panel panel;
+    const char* title;
+  };
+  Begin();
+  OpenStreaming();
+  for (const Row& row :
+       {Row{Qt::Key_4, Panel::Histogram, "Histogram"}, Row{Qt::Key_5, Panel::LineProfile, "Line Profile"},
+        Row{Qt::Key_6, Panel::Intervals, "Frame Intervals"}}) {
+    SCOPED_TRACE(row.title);
+    EXPECT_FALSE(GetPage()->GetPanels().IsShown(row.panel));
+
+    Press(row.key, Qt::AltModifier);
+    EXPECT_TRUE(GetPage()->GetPanels().IsShown(row.panel));
+    const QList<QDockWidget*> docks = GetPage()->findChildren<QDockWidget*>();
+    EXPECT_TRUE(std::ranges::any_of(
+        docks, [&](const QDockWidget* aDock) { return aDock->windowTitle() == row.title && aDock->isVisible(); }));
+
+    Press(row.key, Qt::AltModifier);
+    EXPECT_FALSE(GetPage()->GetPanels().IsShown(row.panel));
+  }
+}
+
+TEST_F(ViewerPanelsTest, PanelBehindAnother_ComesToTheFrontByItsKey) {
+  Begin();
+  OpenStreaming();
+  krviewer::PagePanels& panels = GetPage()->GetPanels();
+  Press(Qt::Key_4, Qt::AltModifier);
+  Press(Qt::Key_5, Qt::AltModifier);
+  ASSERT_TRUE(Await([&] { return panels.IsInFront(Panel::LineProfile) && !panels.IsInFront(Panel::Histogram); }));
+
+  Press(Qt::Key_4, Qt::AltModifier);
+  EXPECT_TRUE(Await([&] { return panels.IsInFront(Panel::Histogram) && !panels.IsInFront(Panel::LineProfile); }));
+  EXPECT_TRUE(panels.IsShown(Panel::LineProfile));
+
+  Press(Qt::Key_4, Qt::AltModifier);
+  EXPECT_TRUE(Await([&] { return !panels.IsShown(Panel::Histogram) && panels.IsInFront(Panel::LineProfile); }));
+}
+
+TEST_F(ViewerPanelsTest, PanelWithTheKeyboard_IsMovedByTheMenu) {
+  Begin();
+  OpenStreaming();
+  auto* const dock = GetPage()->findChild<QDockWidget*>("histogram");
+  auto* const area = qobject_cast<QMainWindow*>(dock->parentWidget());
+  ASSERT_NE(area, nullptr);
+  GetPage()->setFocus();
+  EXPECT_TRUE(Await([this] { return !IsOffered("panelLeft"); }));
+  Press(Qt::Key_4, Qt::AltModifier);
+  dock->findChild<QAbstractButton*>()->setFocus();
+
+  ASSERT_TRUE(Choose("panelLeft"));
+  EXPECT_EQ(area->dockWidgetArea(dock), Qt::LeftDockWidgetArea);
+
+  ASSERT_TRUE(Choose("panelFloat"));
+  EXPECT_TRUE(dock->isFloating());
+
+  ASSERT_TRUE(Choose("panelRight"));
+  EXPECT_FALSE(dock->isFloating());
+  EXPECT_EQ(area->dockWidgetArea(dock), Qt::RightDockWidgetArea);
+  EXPECT_TRUE(GetPage()->GetPanels().IsShown(Panel::Histogram));
+
+  ASSERT_TRUE(Choose("panelBottom"));
+  EXPECT_EQ(area->dockWidgetArea(dock), Qt::BottomDockWidgetArea);
+}
+
+TEST_F(ViewerPanelsTest, PanelThatFloats_GoesAndComesWithItsTab) {
+  Begin();
+  Open(kColourMAC);
+  Open(kMonoMAC);
+  auto* const dock = GetPage()->findChild<QDockWidget*>("features");
+  ASSERT_NE(dock, nullptr);
+  dock->setFloating(true);
+  ASSERT_TRUE(dock->isVisible());
+  ASSERT_TRUE(Await([this] { return IsOffered("nextCamera"); }));
+
+  ASSERT_TRUE(Choose("nextCamera"));
+  EXPECT_FALSE(dock->isVisible());
+
+  ASSERT_TRUE(Choose("nextCamera"));
+  EXPECT_TRUE(dock->isVisible());
+  EXPECT_TRUE(dock->isFloating());
+}
+
+TEST_F(ViewerPanelsTest, BrowserOptions_AreAsTheyWereInTheNextRun) {
+  Begin();
+  OpenStreaming();
+  ASSERT_EQ(GetPage()->GetFeatures().GetWindow().GetVisibility(), KrGenVisibility::Beginner);
+  ASSERT_TRUE(GetPage()->GetFeatures().GetWindow().SetVisibility(KrGenVisibility::Guru).IsOK());
+  End();
+
+  Begin();
+  OpenStreaming();
+
+  EXPECT_EQ(GetPage()->GetFeatures().GetWindow().GetVisibility(), KrGenVisibility::Guru);
+}
+
+TEST_F(ViewerPanelsTest, PagesOfTwoCameras_AreEachAsTheyWereInTheNextRun) {
+  Begin();
+  Open(kColourMAC);
+  ASSERT_TRUE(Choose("createPorts"));
+  Open(kMonoMAC);
+  GetPage()->GetTools().SetCreatingPorts(false);
+  GetPage()->GetPanels().Show(Panel::Histogram, true);
+  End();
+
+  Begin();
+  Open(kColourMAC);
+  EXPECT_TRUE(GetPage()->GetTools().IsCreatingPorts());
+  EXPECT_FALSE(GetPage()->GetPanels().IsShown(Panel::Histogram));
+  Open(kMonoMAC);
+  EXPECT_FALSE(GetPage()->GetTools().IsCreatingPorts());
+  EXPECT_TRUE(GetPage()->GetPanels().IsShown(Panel::Histogram));
+}
+
+TEST_F(ViewerPanelsTest, LinkOfTheFirstPageWithTheKeyboard_LooksOtherwise) {
+  Begin();
+  auto* const link = GetWindow().GetFirstPage().findChild<QAbstractButton*>("trySimulation");
+  ASSERT_NE(link, nullptr);
+  GetWindow().GetFirstPage().setFocus();
+  ASSERT_FALSE(link->hasFocus());
+  const QColor before = link->grab().toImage().pixelColor(link->width() / 2, 0);
+
+  link->setFocus();
+
+  EXPECT_NE(link->grab().toImage().pixelColor(link->width() / 2, 0), before);
+}
