@@ -101,8 +101,7 @@ void Adviser::BeginState(const CameraSituation& aSituation) {
 Advice Adviser::AdviseOnFailure(const CameraSituation& aSituation) const {
   const KrResult& result = aSituation.progress.result;
   if (aSituation.isForeignSubnet)
-    return {"The camera's address is of another subnet than the network adapter it is connected to. Give it an address "
-            "of that subnet, for good in the camera or for now. " +
+    return {"The camera's address is of another subnet than the network adapter it is connected to. " +
                 result.GetDescription(),
             {Remedy::ConfigureIP, Remedy::TryAgain}};
   if (result == KrResult::Code::AccessDenied && aSituation.link == CameraLink::GigEVision)

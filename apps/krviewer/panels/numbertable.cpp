@@ -86,8 +86,10 @@ void NumberTable::resizeEvent(QResizeEvent* aEvent) {
 void NumberTable::KeepRoom(int aColumn) {
   QHeaderView& header = *horizontalHeader();
   const int needed = std::max(sizeHintForColumn(aColumn), header.sectionSizeHint(aColumn));
-  if (needed > header.sectionSize(aColumn))
-    header.resizeSection(aColumn, needed);
+  if (needed <= header.sectionSize(aColumn))
+    return;
+  header.resizeSection(aColumn, needed);
+  FitHeight(); // A wider table wants another place, too.
 }
 
 void NumberTable::changeEvent(QEvent* aEvent) {

@@ -6,8 +6,11 @@
 #include "panels/numbertable.h"
 
 #include <QCheckBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
+#include <QScrollBar>
 #include <QTest>
 #include <QToolButton>
 
@@ -42,6 +45,24 @@ protected:
 };
 
 } // namespace
+
+TEST_F(HistogramPanelTest, numbersThatGrow_stayInSightWhereThereIsRoom) {
+  QWidget page;
+  auto* const layout = new QHBoxLayout(&page);
+  auto* const table = new NumberTable({"Mean"});
+  layout->addWidget(new QWidget, 1);
+  layout->addWidget(table);
+  table->SetRows(1);
+  table->SetNumber(0, 0, "1", NumberTable::Emphasis::None);
+  page.resize(800, 200);
+  page.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&page, 60'000));
+
+  table->SetNumber(0, 0, "12345678901234567890", NumberTable::Emphasis::None);
+
+  EXPECT_TRUE(Await([&] { return table->viewport()->width() >= table->horizontalHeader()->length(); }));
+  EXPECT_TRUE(Await([&] { return !table->horizontalScrollBar()->isVisible(); }));
+}
 
 TEST_F(HistogramPanelTest, hiddenPanel_hearsOfNoFrame) {
   EXPECT_TRUE(mFrames.IsEmpty());
