@@ -56,6 +56,18 @@ Advice AdviseOnDescription(const KrResult& aParameters) {
       {Remedy::TryAgain}};
 }
 
+// Without a description that can be used most cameras cannot be started: what is missing then says little without it.
+Advice AdviseOnConnected(const AcquisitionProgress& aProgress) {
+  if (aProgress.result.IsOK())
+    return AdviseOnDescription(aProgress.parameters);
+  const KrString silence = "The camera sends no frames: " + aProgress.result.GetDescription();
+  if (aProgress.parameters.IsOK())
+    return {silence, {Remedy::Start}};
+  return {silence + "\nNor can its features be shown: " + aProgress.parameters.GetDescription() +
+              " Where another try does not help, ask its maker for newer firmware.",
+          {Remedy::TryAgain}};
+}
+
 } // namespace
 
 const Advice& Adviser::Look(const CameraSituation& aSituation) {
@@ -69,10 +81,7 @@ const Advice& Adviser::Look(const CameraSituation& aSituation) {
     mAdvice = AdviseOnSlowness(aSituation);
     break;
   case AcquisitionState::Connected:
-    mAdvice =
-        aSituation.progress.result.IsOK()
-            ? AdviseOnDescription(aSituation.progress.parameters)
-            : Advice{"The camera sends no frames: " + aSituation.progress.result.GetDescription(), {Remedy::Start}};
+    mAdvice = AdviseOnConnected(aSituation.progress);
     break;
   case AcquisitionState::Streaming:
     mAdvice = AdviseOnStream(aSituation);

@@ -52,7 +52,12 @@ QList<MainWindow*> Viewer::GetWindows() const {
 
 void Viewer::Begin() {
   mLoopLevel = thread()->loopLevel();
-  AddWindow(false).ShowOnScreen(mSettings.GetWindowLayout());
+  MainWindow& window = AddWindow(false);
+  window.ShowOnScreen(mSettings.GetWindowLayout());
+  if (const QString trouble = mSettings.GetTrouble(); !trouble.isEmpty()) {
+    std::fprintf(stderr, "%s\n", trouble.toUtf8().constData());
+    window.GetBar().Say({MessageKind::Warning, trouble});
+  }
   mTimer.start(kLookIntervalMs);
 }
 

@@ -1,5 +1,6 @@
 #include "window/viewersettings.h"
 
+#include <QDir>
 #include <QSet>
 #include <QSettings>
 #include <QStandardPaths>
@@ -50,6 +51,20 @@ ViewerSettings::~ViewerSettings() = default;
 QString ViewerSettings::GetUserFile() {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
   return folder.isEmpty() ? folder : folder + QStringLiteral("/krgui/krviewer.ini");
+}
+
+QString ViewerSettings::GetTrouble() const {
+  if (!mSettings)
+    return {};
+  static_cast<void>(mSettings->allKeys()); // Before, only parts of the file have been looked at.
+  if (mSettings->status() == QSettings::NoError)
+    return {};
+  const char* const text = mSettings->status() == QSettings::AccessError
+                               ? "The settings in %1 cannot be read or written: windows and recent cameras are not "
+                                 "kept. Check the rights of "
+                                 "the file and of its folder."
+                               : "The settings in %1 are damaged: what could not be read of them begins anew.";
+  return QString::fromUtf8(text).arg(QDir::toNativeSeparators(mSettings->fileName()));
 }
 
 QByteArray ViewerSettings::Get(const QString& aName) const {

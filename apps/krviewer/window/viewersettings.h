@@ -23,6 +23,9 @@ public:
   /// The file of whoever runs the program.
   static QString GetUserFile();
 
+  /// What is wrong with the file, for its user; empty where nothing is. What it makes no sense of is left out.
+  QString GetTrouble() const;
+
   /// Where the window was, and how a camera's page was; empty where none was kept, or not as it was written.
   QByteArray GetWindowLayout() const { return Get(QLatin1String(kWindowLayout)); }
   void SetWindowLayout(const QByteArray& aLayout) { Set(QLatin1String(kWindowLayout), aLayout); }

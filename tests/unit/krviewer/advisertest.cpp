@@ -200,6 +200,16 @@ TEST_F(AdviserTest, CameraWithoutAGoodDescription_IsToldWhileItIsStopped) {
   EXPECT_THAT(Look(), HasSubstr("--faults"));
 }
 
+TEST_F(AdviserTest, CameraThatSendsNothingForWantOfADescription_IsToldBoth) {
+  mProgress.state = AcquisitionState::Connected;
+  mProgress.result = {KrResult::Code::NotFound, "no size"};
+  mProgress.parameters = {KrResult::Code::BadData, "line 3"};
+
+  EXPECT_THAT(Look(), HasSubstr("no size"));
+  EXPECT_THAT(Look(), HasSubstr("line 3"));
+  EXPECT_THAT(mRemedies, Contains(Remedy::TryAgain));
+}
+
 TEST_F(AdviserTest, CameraOfAFrameInFiveSeconds_IsNotCalledSilentBetweenThem) {
   Stream();
   mSituation.nowMs += 5000;

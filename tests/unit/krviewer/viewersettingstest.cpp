@@ -120,6 +120,22 @@ TEST_F(ViewerSettingsTest, LayoutThatSomebodyChanged_IsNone) {
   }
 }
 
+TEST_F(ViewerSettingsTest, DamagedFile_IsToldUntilItIsReplaced) {
+  {
+    ViewerSettings settings(mFile); // Makes the folder.
+    settings.SetPageState(kLayout);
+    EXPECT_EQ(settings.GetTrouble(), "");
+  }
+  Write("[page\nno value\n");
+  {
+    ViewerSettings settings(mFile);
+    EXPECT_TRUE(settings.GetTrouble().contains(mFile)) << settings.GetTrouble().toStdString();
+    settings.SetPageState(kLayout);
+  }
+  EXPECT_EQ(ViewerSettings(mFile).GetTrouble(), "");
+  EXPECT_EQ(ViewerSettings({}).GetTrouble(), "");
+}
+
 TEST_F(ViewerSettingsTest, FileThatIsNone_HarmsNothingAndIsReplaced) {
   {
     ViewerSettings settings(mFile); // Makes the folder.
