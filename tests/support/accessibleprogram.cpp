@@ -133,6 +133,15 @@ QList<AccessibleItem> AccessibleProgram::GetItems() {
   return items;
 }
 
+QList<AccessibleItem> AccessibleProgram::GetItems(const AccessibleItem& aWhole) {
+  QList<AccessibleItem> items;
+  FindBelow(aWhole.path, [&](const AccessibleItem& aItem) {
+    items += aItem;
+    return false;
+  });
+  return items;
+}
+
 QRect AccessibleProgram::GetPlace(const AccessibleItem& aItem) {
   const QVariant answer = Ask(aItem.path, "org.a11y.atspi.Component", "GetExtents", {0U});
   return answer.isValid() ? qdbus_cast<QRect>(answer) : QRect();

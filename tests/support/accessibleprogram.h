@@ -41,6 +41,8 @@ public:
   std::optional<AccessibleItem> Find(const Choice& aChoice);
   /// All that are on the screen.
   QList<AccessibleItem> GetItems();
+  /// Those within one.
+  QList<AccessibleItem> GetItems(const AccessibleItem& aWhole);
 
   /// Where it is on the screen; null where it is gone.
   QRect GetPlace(const AccessibleItem& aItem);

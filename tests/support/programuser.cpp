@@ -116,9 +116,15 @@ std::optional<AccessibleItem> ProgramUser::AwaitControl(const QString& aRole, co
 }
 
 AccessibleItem ProgramUser::GetFocused() {
-  // The tab in front says of itself that it has the keyboard, whatever else has it.
-  return mScreen.Find([](const AccessibleItem& aItem) { return aItem.isFocused && aItem.role != "page tab"; })
-      .value_or(AccessibleItem());
+  // A list says it of itself and of its row; the tab in front, whatever has the keyboard.
+  AccessibleItem focused;
+  const std::optional<AccessibleItem> window =
+      mScreen.Find([](const AccessibleItem& aItem) { return IsWindow(aItem) && aItem.isActive; });
+  if (window)
+    for (const AccessibleItem& item : mScreen.GetItems(*window))
+      if (item.isFocused && item.role != "page tab")
+        focused = item;
+  return focused;
 }
 
 bool ProgramUser::AwaitFocus(const QString& aName) {
@@ -156,6 +162,10 @@ bool ProgramUser::Click(const QString& aRole, const QString& aName) {
   if (item)
     Click(mScreen.GetPlace(*item).center());
   return item.has_value();
+}
+
+void ProgramUser::ResizeWindow(QSize aSize) const {
+  RunXdotool({"getactivewindow", "windowsize", QString::number(aSize.width()), QString::number(aSize.height())});
 }
 
 void ProgramUser::Drag(const QPoint& aFrom, const QPoint& aTo) const {

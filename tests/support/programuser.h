@@ -6,6 +6,7 @@
 
 #include <QPoint>
 #include <QProcess>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -52,6 +53,8 @@ public:
   /// 1 for the left button, 4 and 5 for the wheel.
   void Click(const QPoint& aPoint, int aButton = 1) const;
   bool Click(const QString& aRole, const QString& aName);
+  /// Of the window with the keyboard.
+  void ResizeWindow(QSize aSize) const;
   void Drag(const QPoint& aFrom, const QPoint& aTo) const;
 
   bool IsRunning();

@@ -125,11 +125,27 @@ TEST_F(ViewerCamera, Disconnected_IsTakenUpFromTheRecentCameras) {
   User().Press("alt+f");
   ASSERT_TRUE(User().AwaitControl("menu item", "Recent Cameras"));
   User().Press("r");
-  ASSERT_TRUE(User().AwaitControl("menu item", kCamera));
-  User().Press("Return");
+  ASSERT_TRUE(User().AwaitControl("menu item", "1  " + kCamera));
+  User().Press("1");
 
   EXPECT_TRUE(AwaitStreaming(kCamera));
   EXPECT_TRUE(AwaitMoreFrames());
+}
+
+TEST_F(ViewerCamera, CameraThatDoesNotAnswer_SaysSoAndIsTriedAgain) {
+  Open();
+  ASSERT_TRUE(User().Choose("c", "Disconnect", "d"));
+  ASSERT_TRUE(User().AwaitWindow(kCamera + " - disconnected"));
+  mCamera.Pause();
+
+  ASSERT_TRUE(User().Click("push button", "Connect"));
+  ASSERT_TRUE(User().AwaitWindow(kCamera + " - not connected"));
+  EXPECT_TRUE(User().AwaitText(kCamera + " cannot be shown."));
+
+  mCamera.Resume();
+  ASSERT_TRUE(User().Click("push button", "Try Again"));
+  EXPECT_TRUE(AwaitStreaming(kCamera));
+  EXPECT_TRUE(User().AwaitNoText("cannot be shown"));
 }
 
 TEST_F(ViewerCamera, WindowClosedWhileStreaming_EndsAndFreesTheCamera) {
@@ -150,7 +166,7 @@ TEST_F(ViewerCamera, CameraWithoutPower_IsSaidLostAndTakenUpWithItsSettings) {
 
   mCamera.Kill();
   ASSERT_TRUE(User().AwaitWindow(kCamera + " - camera lost, waiting for it to come back"));
-  EXPECT_TRUE(User().AwaitText("The camera is lost; it is shown again as soon as it is back."));
+  EXPECT_TRUE(User().AwaitText("The camera is lost; it is shown again as soon as it is back"));
   EXPECT_TRUE(User().IsRunning());
 
   const FakeCamera again;
@@ -160,4 +176,14 @@ TEST_F(ViewerCamera, CameraWithoutPower_IsSaidLostAndTakenUpWithItsSettings) {
   EXPECT_EQ(ReadFeature(kAddress, "ExposureTimeAbs"), "20000");
   EXPECT_EQ(ReadFeature(kAddress, "Width"), "256");
   End();
+}
+
+TEST_F(ViewerNetwork, CameraWithoutAReadableDescription_SaysSo) {
+  mCamera.reset();
+  mCamera.emplace(FakeCameraOptions{.address = "192.168.1.20",
+                                    .descriptionFile = WriteFile("broken.xml", "<RegisterDescription").toStdString(),
+                                    .namespaceFile = mHost.GetNamespaceFile()});
+  Start({"192.168.1.20"});
+
+  EXPECT_TRUE(User().AwaitText("cannot be used: it is no XML, or not all of it"));
 }

@@ -1,5 +1,8 @@
 #include "viewersession.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 namespace {
@@ -31,6 +34,13 @@ void ViewerSession::End() {
     EXPECT_EQ(mUser->AwaitEnd(), 0) << mUser->GetErrors().toStdString();
   }
   mUser.reset();
+}
+
+QString ViewerSession::WriteFile(const QString& aName, const QByteArray& aText) const {
+  QFile file(GetPath(aName));
+  EXPECT_TRUE(QFileInfo(file).dir().mkpath(".") && file.open(QIODevice::WriteOnly) && file.write(aText) == aText.size())
+      << file.errorString().toStdString();
+  return file.fileName();
 }
 
 bool ViewerSession::AwaitStreaming(const QString& aCamera) {
@@ -67,10 +77,15 @@ bool ViewerSession::SetFeature(const QString& aName, const QString& aValue) {
   if (!User().Click("tree item", aName))
     return false;
   User().Press("Return");
-  const bool isEditing = User().Await("the editor of " + aName, [&] { return User().GetFocused().role == "text"; });
+  QString editor;
+  const bool isEditing = User().Await("the editor of " + aName, [&] {
+    editor = User().GetFocused().role;
+    return editor == "text" || editor == "spin box" || editor == "combo box";
+  });
   if (!isEditing)
     return false;
-  User().Press("ctrl+a");
+  if (editor != "combo box")
+    User().Press("ctrl+a");
   User().Type(aValue);
   User().Press("Return");
   return User().Await(aName + " = " + aValue, [&] { return GetFeature(aName).startsWith(aValue); });

@@ -25,6 +25,9 @@ protected:
   /// The user's home, and a name in it.
   QString GetPath(const QString& aName) const { return QString::fromStdString(mHome.GetFile(aName.toStdString())); }
 
+  /// Writes a file into the user's home; gives its path.
+  QString WriteFile(const QString& aName, const QByteArray& aText) const;
+
   /// Waits for the window of a camera, which streams as long as its title says no more than its name.
   bool AwaitStreaming(const QString& aCamera);
   /// How many frames the status bar counts; -1 where it counts none.
