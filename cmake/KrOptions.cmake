@@ -43,7 +43,7 @@ if(KRGUI_SANITIZE)
 endif()
 
 # What makes a fault in memory harder to use for somebody else. Sanitizers have checks of their own, which come in the way.
-option(KRGUI_HARDEN "Compile and link with the compiler's and the linker's protections" OFF)
+option(KRGUI_HARDEN "Compile and link with the compiler's and the linker's protections" ON)
 if(KRGUI_HARDEN AND NOT KRGUI_SANITIZE AND NOT KRGUI_FUZZ)
   include(CheckCXXCompilerFlag)
   include(CheckCXXSourceCompiles)
