@@ -1,6 +1,7 @@
 #include "featuredescription.h"
 
 #include "hostfeatureport.h"
+#include "krpersistence/xmltext.h"
 
 #include <algorithm>
 #include <array>
@@ -11,6 +12,7 @@ namespace krdevice {
 
 namespace {
 
+using krpersistence::WriteXmlText;
 using krsystem::HostFeature;
 using krsystem::HostFeatureKind;
 
@@ -35,29 +37,6 @@ const KindNodes& GetNodes(HostFeatureKind aKind) {
 
 bool IsNumber(HostFeatureKind aKind) {
   return aKind == HostFeatureKind::Integer || aKind == HostFeatureKind::Float;
-}
-
-std::string Escape(std::string_view aText) {
-  std::string escaped;
-  for (const char character : aText) {
-    switch (character) {
-    case '&':
-      escaped += "&amp;";
-      break;
-    case '<':
-      escaped += "&lt;";
-      break;
-    case '>':
-      escaped += "&gt;";
-      break;
-    case '"':
-      escaped += "&quot;";
-      break;
-    default:
-      escaped += character;
-    }
-  }
-  return escaped;
 }
 
 // "StreamBufferCountManual" becomes "Stream Buffer Count Manual"; abbreviations stay whole.
@@ -112,12 +91,12 @@ void Writer::Open(std::string_view aNode, std::string_view aName, bool aIsStanda
 
 void Writer::AddChild(std::string_view aElement, std::string_view aContent) {
   const std::string element(aElement);
-  mText += "    <" + element + ">" + Escape(aContent) + "</" + element + ">\n";
+  mText += "    <" + element + ">" + WriteXmlText(aContent) + "</" + element + ">\n";
 }
 
 void Writer::AddHead() {
-  mText += "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<RegisterDescription ModelName=\"" + Escape(mModule.model) +
-           "\" VendorName=\"KrGUI\" ToolTip=\"" + Escape(mModule.tip) +
+  mText += "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<RegisterDescription ModelName=\"" +
+           WriteXmlText(mModule.model) + "\" VendorName=\"KrGUI\" ToolTip=\"" + WriteXmlText(mModule.tip) +
            "\"\n    StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" "
            "SchemaSubMinorVersion=\"0\"\n    MajorVersion=\"1\" MinorVersion=\"0\" SubMinorVersion=\"0\"\n    "
            "ProductGuid=\"7C0B2E54-93A1-4D86-B7F0-52E1D94C6A10\" "

@@ -1,24 +1,15 @@
 #include "textescape.h"
 
 #include "utf8sequence.h"
+#include "xmlentities.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <system_error>
 
 namespace krpersistence {
 
 namespace {
-
-struct EntityRow {
-  char character;
-  std::string_view reference;
-};
-
-// The predefined entities, the only ones there are without a document type.
-constexpr std::array kEntities = {EntityRow{'&', "&amp;"}, EntityRow{'<', "&lt;"}, EntityRow{'>', "&gt;"},
-                                  EntityRow{'"', "&quot;"}, EntityRow{'\'', "&apos;"}};
 
 // Backslashes have an escape of their own; control characters are changed on reading, forbidden, or hard to see.
 bool NeedsEscape(const Utf8Sequence& aSequence) {
@@ -52,10 +43,9 @@ std::optional<char32_t> ReadCharacterNumber(std::string_view aDigits) {
 
 // Appends the character of a reference with its "&" and ";".
 bool AppendReference(std::string& aText, std::string_view aReference) {
-  const auto* row = std::find_if(kEntities.begin(), kEntities.end(),
-                                 [&](const EntityRow& aRow) { return aRow.reference == aReference; });
-  if (row != kEntities.end()) {
-    aText += row->character;
+  const auto* const entity = std::ranges::find(kXmlEntities, aReference, &XmlEntity::reference);
+  if (entity != kXmlEntities.end()) {
+    aText += entity->character;
     return true;
   }
   if (!aReference.starts_with("&#") || !aReference.ends_with(';'))
@@ -115,14 +105,13 @@ std::string EscapeText(std::string_view aText) {
       return escaped;
     const Utf8Sequence sequence = ReadUtf8(aText);
     const std::string_view bytes = aText.substr(0, std::max<std::size_t>(sequence.length, 1));
-    const auto* row = std::find_if(kEntities.begin(), kEntities.end(),
-                                   [&](const EntityRow& aRow) { return bytes.front() == aRow.character; });
+    const std::string_view reference = GetXmlReference(bytes.front());
     if (NeedsEscape(sequence))
       AppendBytes(escaped, bytes);
     else if (bytes == "\\")
       escaped += "\\\\";
     else
-      escaped += row != kEntities.end() ? row->reference : bytes;
+      escaped += reference.empty() ? bytes : reference;
     aText.remove_prefix(bytes.size());
   }
 }

@@ -1,6 +1,7 @@
 #include "camerafile/filedescription.h"
 
 #include "camerafile/featurevalues.h"
+#include "krpersistence/xmltext.h"
 
 #include <array>
 #include <charconv>
@@ -13,36 +14,14 @@ namespace krcamerabridge {
 
 namespace {
 
+using krpersistence::WriteXmlText;
+
 // No name of a camera file has two underscores in a row.
 constexpr std::string_view kRegisterSuffix = "__Register";
 constexpr std::string_view kAvailableSuffix = "__Available";
 constexpr std::string_view kLockedSuffix = "__Locked";
 
 constexpr std::string_view kNodes[] = {"Integer", "Float", "StringReg", "Boolean", "Enumeration", "Command"};
-
-// Characters that steer, which XML cannot hold, become blanks.
-std::string Escape(std::string_view aText) {
-  std::string escaped;
-  for (const char character : aText) {
-    switch (character) {
-    case '&':
-      escaped += "&amp;";
-      break;
-    case '<':
-      escaped += "&lt;";
-      break;
-    case '>':
-      escaped += "&gt;";
-      break;
-    case '"':
-      escaped += "&quot;";
-      break;
-    default:
-      escaped += static_cast<unsigned char>(character) < ' ' && character != '\n' ? ' ' : character;
-    }
-  }
-  return escaped;
-}
 
 std::string ToText(double aNumber) {
   std::array<char, 32> place{};
@@ -51,7 +30,7 @@ std::string ToText(double aNumber) {
 
 std::string Element(std::string_view aName, std::string_view aText) {
   const std::string name(aName);
-  return "    <" + name + ">" + Escape(aText) + "</" + name + ">\n";
+  return "    <" + name + ">" + WriteXmlText(aText) + "</" + name + ">\n";
 }
 
 std::string OptionalElement(std::string_view aName, std::string_view aText) {
@@ -101,8 +80,8 @@ private:
 
   void WriteRoot() {
     mText =
-        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<RegisterDescription ModelName=\"" + Escape(mModel.model) +
-        "\" VendorName=\"" + Escape(mModel.vendor) + "\" ToolTip=\"" + Escape(mModel.description) +
+        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<RegisterDescription ModelName=\"" + WriteXmlText(mModel.model) +
+        "\" VendorName=\"" + WriteXmlText(mModel.vendor) + "\" ToolTip=\"" + WriteXmlText(mModel.description) +
         "\" StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\""
         " MajorVersion=\"1\" MinorVersion=\"0\" SubMinorVersion=\"0\""
         " ProductGuid=\"5C0D7A4E-93B1-4F26-8A6B-0E4C1D2F7B90\" VersionGuid=\"5C0D7A4E-93B1-4F26-8A6B-0E4C1D2F7B91\""

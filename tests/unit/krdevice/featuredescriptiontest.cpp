@@ -115,6 +115,26 @@ TEST_F(FeatureDescriptionTest, Number_OfATable_HasRangeUnitTextsAndVisibility) {
   EXPECT_EQ(mRatio, 25);
 }
 
+TEST_F(FeatureDescriptionTest, TextThatXmlCannotHold_HasBlanksInItsPlace) {
+  const HostFeatures features = {MakeShownFeature(
+      {.name = "Speed", .category = "State", .tip = "A tip\x01of a\x1b[1m strange \xff kind.", .unit = "m\x02s"},
+      [] { return 1; })};
+  krdevice::HostFeaturePort port{features};
+  KrGenDescription description;
+  const std::string text = krdevice::WriteFeatureDescription({.model = "Test", .tip = "a\x07test"}, features);
+  KrString tip;
+  KrString unit;
+
+  ASSERT_TRUE(KrGenDescription::ReadFromMemory(text, "test", description).IsOK());
+  ASSERT_TRUE(KrGenParameterArray::Open(description, port, {}, mArray).IsOK());
+  ASSERT_TRUE(mArray->Get("Speed")->GetToolTip(tip).IsOK());
+  ASSERT_TRUE(mArray->GetInteger("Speed")->GetUnit(unit).IsOK());
+
+  EXPECT_EQ(tip, KrString("A tip of a [1m strange   kind."));
+  EXPECT_EQ(unit, KrString("m s"));
+  mArray.reset(); // The port is this test's.
+}
+
 TEST_F(FeatureDescriptionTest, LockedFeature_WhileTheLockIsOn_CannotBeWritten) {
   ASSERT_NO_FATAL_FAILURE(Open({.model = "Test", .tip = "a test", .lock = "IsRunning"}));
   EXPECT_TRUE(IsWritable(*mArray, "PacketRatio"));
