@@ -16,9 +16,7 @@ using krsystem::MakeSetFeature;
 using krsystem::MakeShownFeature;
 
 constexpr std::string_view kReceiver = "StreamReceiver";
-constexpr std::string_view kCounts = "StreamStatistics";
 constexpr std::int64_t kPercent = 100;
-constexpr std::uint32_t kPollingMs = 500;
 constexpr std::int64_t kMinSocketBytes = 64 << 10;
 constexpr std::int64_t kMaxSocketBytes = 1 << 30;
 
@@ -58,35 +56,29 @@ constexpr std::array<LiveSetting, ReceiverSettings::kLiveSettings> kLive = {{
       .minimum = 1000, .maximum = 60'000'000, .unit = "us"},
      "frame-retention", PropertyKind::Number, 100000},
 }};
-
-struct Counter {
-  HostFeatureInfo info;
-  const char* figure;
-};
-
-constexpr HostFeatureInfo DescribeCount(std::string_view aName, std::string_view aTip, std::string_view aUnit = {}) {
-  return {.name = aName, .category = kCounts, .tip = aTip, .isCounter = true, .pollingMs = kPollingMs, .unit = aUnit};
-}
-
-constexpr std::array<Counter, ReceiverSettings::kCounters> kCounterRows = {{
-    {DescribeCount("StreamReceivedPacketCount", "Packets that came, of whatever frame."), "n_received_packets"},
-    {DescribeCount("StreamResendRequestCount", "Packets that were asked for again."), "n_resend_requests"},
-    {DescribeCount("StreamResendRatioReachedCount",
-                   "Frames that were given up because they lacked more packets than the resend ratio allows."),
-     "n_resend_ratio_reached"},
-    {DescribeCount("StreamResendRefusedCount",
-                   "Frames whose missing packets were not asked for, because the device does not resend."),
-     "n_resend_disabled"},
-    {DescribeCount("StreamDuplicatedPacketCount", "Packets that came more than once."), "n_duplicated_packets"},
-    {DescribeCount("StreamErrorPacketCount", "Packets by which the device told of an error."), "n_error_packets"},
-    {DescribeCount("StreamIgnoredPacketCount", "Packets that belong to no frame that is still awaited."),
-     "n_ignored_packets"},
-    {DescribeCount("StreamTimeoutFrameCount", "Frames whose retention ended with packets missing."), "n_timeouts"},
-    {DescribeCount("StreamSizeMismatchFrameCount", "Frames that were larger than their buffer."),
-     "n_size_mismatch_errors"},
-    {DescribeCount("StreamTransferredByteCount", "Bytes that came, headers included.", "B"), "n_transferred_bytes"},
-}};
 // clang-format on
+
+constexpr StreamCounter kCounters[] = {
+    {DescribeStreamCounter("StreamReceivedPacketCount", "Packets that came, of whatever frame."), "n_received_packets"},
+    {DescribeStreamCounter("StreamResendRequestCount", "Packets that were asked for again."), "n_resend_requests"},
+    {DescribeStreamCounter("StreamResendRatioReachedCount",
+                           "Frames that were given up because they lacked more packets than the resend ratio allows."),
+     "n_resend_ratio_reached"},
+    {DescribeStreamCounter("StreamResendRefusedCount",
+                           "Frames whose missing packets were not asked for, because the device does not resend."),
+     "n_resend_disabled"},
+    {DescribeStreamCounter("StreamDuplicatedPacketCount", "Packets that came more than once."), "n_duplicated_packets"},
+    {DescribeStreamCounter("StreamErrorPacketCount", "Packets by which the device told of an error."),
+     "n_error_packets"},
+    {DescribeStreamCounter("StreamIgnoredPacketCount", "Packets that belong to no frame that is still awaited."),
+     "n_ignored_packets"},
+    {DescribeStreamCounter("StreamTimeoutFrameCount", "Frames whose retention ended with packets missing."),
+     "n_timeouts"},
+    {DescribeStreamCounter("StreamSizeMismatchFrameCount", "Frames that were larger than their buffer."),
+     "n_size_mismatch_errors"},
+    {DescribeStreamCounter("StreamTransferredByteCount", "Bytes that came, headers included.", "B"),
+     "n_transferred_bytes"},
+};
 
 constexpr std::array kModes = {
     HostFeatureEntry{"Automatic", "Two frames, at least 4 MiB.", 0},
@@ -118,13 +110,9 @@ std::int64_t Get(ArvStream& aStream, const LiveSetting& aSetting) {
   return number;
 }
 
-std::uint64_t Count(ArvStream& aStream, const Counter& aCounter) {
-  return arv_stream_get_info_uint64_by_name(&aStream, aCounter.figure);
-}
-
 } // namespace
 
-ReceiverSettings::ReceiverSettings() : mSocketBytes(GetSocketBufferSize(0)) {
+ReceiverSettings::ReceiverSettings() : mCounters(kCounters), mSocketBytes(GetSocketBufferSize(0)) {
   for (std::size_t i = 0; i < kLiveSettings; ++i)
     mLive[i] = kLive[i].start;
 }
@@ -134,8 +122,7 @@ krsystem::HostFeatures ReceiverSettings::List(IStreamUse& aStream) {
   for (std::size_t i = 0; i < kLiveSettings; ++i)
     features.push_back(MakeLiveSetting(aStream, i));
   AddSocketSettings(features);
-  for (std::size_t i = 0; i < kCounters; ++i)
-    features.push_back(MakeCounter(aStream, i));
+  mCounters.List(aStream, features);
   return features;
 }
 
@@ -159,16 +146,6 @@ HostFeature ReceiverSettings::MakeLiveSetting(IStreamUse& aStream, std::size_t a
     return KrResult();
   };
   return MakeSetFeature(setting.info, get, set);
-}
-
-HostFeature ReceiverSettings::MakeCounter(IStreamUse& aStream, std::size_t aIndex) {
-  return MakeShownFeature(kCounterRows[aIndex].info, [this, &aStream, aIndex] {
-    std::uint64_t count = 0;
-    if (aStream.Use([&](ArvStream& aUsed) { count = Count(aUsed, kCounterRows[aIndex]); }))
-      return count;
-    const std::lock_guard lock(mMutex);
-    return mLastCounts[aIndex];
-  });
 }
 
 void ReceiverSettings::AddSocketSettings(krsystem::HostFeatures& aFeatures) {
@@ -225,18 +202,10 @@ void ReceiverSettings::OnStreamOpened(ArvStream& aStream) {
   {
     const std::lock_guard lock(mMutex);
     live = mLive;
-    mLastCounts = {};
   }
+  mCounters.Clear();
   for (std::size_t i = 0; i < kLiveSettings; ++i)
     Set(aStream, kLive[i], live[i]);
-}
-
-void ReceiverSettings::OnStreamEnding(ArvStream& aStream) {
-  std::array<std::uint64_t, kCounters> counts{};
-  for (std::size_t i = 0; i < kCounters; ++i)
-    counts[i] = Count(aStream, kCounterRows[i]);
-  const std::lock_guard lock(mMutex);
-  mLastCounts = counts;
 }
 
 std::uint32_t ReceiverSettings::GetSocketBytes(std::uint64_t aPayloadBytes) const {

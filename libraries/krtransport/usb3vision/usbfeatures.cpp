@@ -1,5 +1,7 @@
 #include "usb3vision/usbfeatures.h"
 
+#include <array>
+
 namespace krtransport {
 
 namespace {
@@ -12,7 +14,6 @@ using krsystem::MakeSetFeature;
 using krsystem::MakeShownFeature;
 
 constexpr std::string_view kLink = "USBConnection";
-constexpr std::uint32_t kPollingMs = 500;
 constexpr std::uint32_t kKilobitsPerMegabit = 1000;
 
 constexpr std::array kModes = {
@@ -20,26 +21,13 @@ constexpr std::array kModes = {
     HostFeatureEntry{"Asynchronous", "Several transfers beside each other, which leaves no pauses on the bus.", 1},
 };
 
-struct Counter {
-  HostFeatureInfo info;
-  const char* figure;
-};
-
-constexpr HostFeatureInfo DescribeCount(std::string_view aName, std::string_view aTip, std::string_view aUnit = {}) {
-  return {.name = aName,
-          .category = "StreamStatistics",
-          .tip = aTip,
-          .isCounter = true,
-          .pollingMs = kPollingMs,
-          .unit = aUnit};
-}
-
-constexpr std::array<Counter, UsbTransferSettings::kCounters> kCounterRows = {{
-    {DescribeCount("StreamFailedTransferFrameCount", "Frames of which a transfer failed."), "n_failures"},
-    {DescribeCount("StreamTransferredByteCount", "Bytes that came, leaders and trailers included.", "B"),
+constexpr StreamCounter kCounters[] = {
+    {DescribeStreamCounter("StreamFailedTransferFrameCount", "Frames of which a transfer failed."), "n_failures"},
+    {DescribeStreamCounter("StreamTransferredByteCount", "Bytes that came, leaders and trailers included.", "B"),
      "n_transferred_bytes"},
-    {DescribeCount("StreamIgnoredByteCount", "Bytes that came without a buffer for them.", "B"), "n_ignored_bytes"},
-}};
+    {DescribeStreamCounter("StreamIgnoredByteCount", "Bytes that came without a buffer for them.", "B"),
+     "n_ignored_bytes"},
+};
 
 HostFeature MakeText(std::string_view aName, std::string_view aTip, const std::string& aText) {
   return MakeShownFeature({.name = aName, .category = kLink, .kind = HostFeatureKind::Text, .tip = aTip},
@@ -51,6 +39,8 @@ HostFeature MakeNumber(const HostFeatureInfo& aInfo, std::uint64_t aNumber) {
 }
 
 } // namespace
+
+UsbTransferSettings::UsbTransferSettings() : mCounters(kCounters) {}
 
 krsystem::HostFeatures UsbTransferSettings::List(IStreamUse& aStream) {
   krsystem::HostFeatures features;
@@ -66,25 +56,8 @@ krsystem::HostFeatures UsbTransferSettings::List(IStreamUse& aStream) {
         mIsAsynchronous = aIsAsynchronous;
         return KrResult();
       }));
-  for (std::size_t i = 0; i < kCounters; ++i) {
-    features.push_back(MakeShownFeature(kCounterRows[i].info, [this, &aStream, i] {
-      std::uint64_t count = 0;
-      if (aStream.Use(
-              [&](ArvStream& aUsed) { count = arv_stream_get_info_uint64_by_name(&aUsed, kCounterRows[i].figure); }))
-        return count;
-      const std::lock_guard lock(mMutex);
-      return mLastCounts[i];
-    }));
-  }
+  mCounters.List(aStream, features);
   return features;
-}
-
-void UsbTransferSettings::OnStreamEnding(ArvStream& aStream) {
-  std::array<std::uint64_t, kCounters> counts{};
-  for (std::size_t i = 0; i < kCounters; ++i)
-    counts[i] = arv_stream_get_info_uint64_by_name(&aStream, kCounterRows[i].figure);
-  const std::lock_guard lock(mMutex);
-  mLastCounts = counts;
 }
 
 krsystem::HostFeatures ListUsbLinkFeatures(const UsbDevice& aDevice, std::size_t aMaxRegisterBytes) {

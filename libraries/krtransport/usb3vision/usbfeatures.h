@@ -3,14 +3,12 @@
 // Aravis' business.
 
 #include "aravis/istreamdevice.h"
+#include "aravis/streamcounters.h"
 #include "krsystem/hostfeature.h"
 #include "usb3vision/usbtree.h"
 
-#include <array>
 #include <atomic>
 #include <cstddef>
-#include <cstdint>
-#include <mutex>
 
 namespace krtransport {
 
@@ -19,19 +17,18 @@ namespace krtransport {
 /// Thread: any. Ownership: outlives the features that it lists.
 class UsbTransferSettings {
 public:
+  UsbTransferSettings();
+
   /// The features, of the stream that aStream lets be used while there is one.
   krsystem::HostFeatures List(IStreamUse& aStream);
   /// Whether the transfers of the next stream run beside each other.
   bool IsAsynchronous() const { return mIsAsynchronous; }
   /// Keeps the counters of a stream that is about to end.
-  void OnStreamEnding(ArvStream& aStream);
-
-  static constexpr std::size_t kCounters = 3;
+  void OnStreamEnding(ArvStream& aStream) { mCounters.Keep(aStream); }
 
 private:
   std::atomic<bool> mIsAsynchronous = false;
-  std::mutex mMutex; // Guards mLastCounts; nothing else is called with it held.
-  std::array<std::uint64_t, kCounters> mLastCounts{};
+  StreamCounters mCounters;
 };
 
 /// The features of the connection. aMaxRegisterBytes is the longest access of the control channel.
