@@ -1,6 +1,7 @@
 #include "connectionfeatures.h"
 
 #include "gevfeatures.h"
+#include "technologynumbers.h"
 
 #include <algorithm>
 #include <array>
@@ -27,22 +28,13 @@ constexpr std::uint32_t kPollingMs = 1000;
 constexpr double kMicrosecondsPerMillisecond = 1000;
 constexpr double kNanosecondsPerMicrosecond = 1000;
 
-constexpr std::array kTypes = {
-    HostFeatureEntry{"GigEVision", "Ethernet, by the GigE Vision standard.", 0},
-    HostFeatureEntry{"USB3Vision", "USB, by the USB3 Vision standard.", 1},
-    HostFeatureEntry{"Custom", "By a protocol of its maker's.", 2},
-};
+constexpr std::array kTypes = MakeTechnologyEntries(
+    "Ethernet, by the GigE Vision standard.", "USB, by the USB3 Vision standard.", "By a protocol of its maker's.");
 constexpr std::array kAccess = {
     HostFeatureEntry{"OpenReadWrite", "This application controls the device.", 0},
     HostFeatureEntry{"OpenReadOnly", "This application looks at the device only.", 1},
     HostFeatureEntry{"NoAccess", "The device was lost; it has to be opened anew.", 2},
 };
-
-std::int64_t GetTypeNumber(KrDeviceInfoType aType) {
-  if (aType == KrDeviceInfoType::GEV)
-    return 0;
-  return aType == KrDeviceInfoType::U3V ? 1 : 2;
-}
 
 std::int64_t GetAccessNumber(const ConnectionParts& aParts) {
   if (!aParts.link.IsConnected())
@@ -77,7 +69,7 @@ HostFeatures ListIdentity(const ConnectionParts& aParts) {
                                        .visibility = "Beginner",
                                        .isStandard = true,
                                        .entries = kTypes},
-                                      [type = aParts.type] { return GetTypeNumber(type); }));
+                                      [type = aParts.type] { return GetTechnologyNumber(type); }));
   features.push_back(MakeShownFeature({.name = "DeviceAccessStatus",
                                        .category = kDevice,
                                        .kind = HostFeatureKind::Enumeration,

@@ -1,5 +1,7 @@
 #include "streamfeatures.h"
 
+#include "technologynumbers.h"
+
 #include <array>
 #include <string>
 #include <utility>
@@ -8,7 +10,6 @@ namespace krdevice {
 
 namespace {
 
-using krsystem::HostFeatureEntry;
 using krsystem::HostFeatureInfo;
 using krsystem::HostFeatureKind;
 using krsystem::HostFeatures;
@@ -21,17 +22,9 @@ constexpr std::string_view kCounts = "StreamStatistics";
 constexpr std::string_view kLockName = "StreamIsGrabbing";
 constexpr std::uint32_t kPollingMs = 500;
 
-constexpr std::array kTypes = {
-    HostFeatureEntry{"GigEVision", "Packets on Ethernet, by the GigE Vision standard.", 0},
-    HostFeatureEntry{"USB3Vision", "Transfers on USB, by the USB3 Vision standard.", 1},
-    HostFeatureEntry{"Custom", "By a protocol of the device's maker.", 2},
-};
-
-std::int64_t GetTypeNumber(KrDeviceInfoType aType) {
-  if (aType == KrDeviceInfoType::GEV)
-    return 0;
-  return aType == KrDeviceInfoType::U3V ? 1 : 2;
-}
+constexpr std::array kTypes =
+    MakeTechnologyEntries("Packets on Ethernet, by the GigE Vision standard.",
+                          "Transfers on USB, by the USB3 Vision standard.", "By a protocol of the device's maker.");
 
 HostFeatures ListIdentity(IStreamState& aState, const KrDevice& aDevice, std::uint32_t aChannel) {
   HostFeatures features;
@@ -49,7 +42,7 @@ HostFeatures ListIdentity(IStreamState& aState, const KrDevice& aDevice, std::ui
                                        .visibility = "Beginner",
                                        .isStandard = true,
                                        .entries = kTypes},
-                                      [type = aDevice.GetType()] { return GetTypeNumber(type); }));
+                                      [type = aDevice.GetType()] { return GetTechnologyNumber(type); }));
   features.push_back(MakeShownFeature({.name = kLockName,
                                        .category = kStream,
                                        .kind = HostFeatureKind::Boolean,
