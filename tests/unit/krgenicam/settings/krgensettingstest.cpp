@@ -179,6 +179,21 @@ TEST(KrGenSettings, TextBeyondTheLimit_IsRefused) {
   EXPECT_EQ(settings.FromText(text), KrResult::Code::BadData);
 }
 
+TEST(KrGenSettings, MoreSettingsThanTheLimit_AreRefusedAndThatManyTaken) {
+  constexpr std::size_t kMost = 1'000'000;
+  KrGenSettings settings;
+  std::string text = kMagicLine;
+  for (std::size_t i = 0; i < kMost; ++i)
+    text += "A\t1\n";
+
+  EXPECT_TRUE(settings.FromText(text).IsOK());
+  EXPECT_EQ(settings.GetSettings().size(), kMost);
+  const KrResult refused = settings.FromText(text + "A\t1\n");
+  EXPECT_EQ(refused, KrResult::Code::BadData);
+  EXPECT_NE(refused.GetDescription().ToUtf8().find("more than 1000000 settings"), std::string::npos)
+      << refused.GetDescription().CStr();
+}
+
 TEST(KrGenSettings, TextWithinTheLimit_IsTaken) {
   KrGenSettings settings;
   std::string text = kMagicLine;

@@ -244,6 +244,27 @@ TEST(StoreSettings, CombinationsBeyondTheMost_AreLeftOutWithAProblemAndTheSelect
   EXPECT_EQ(camera.GetText("A"), "3");
 }
 
+// As many combinations as are visited, with values that are too many together.
+TEST(StoreSettings, ValuesBeyondTheMost_AreLeftOutWithAProblemAndTheSelectorsPutBack) {
+  std::string selected;
+  std::string features;
+  for (int i = 0; i < 16; ++i) {
+    const std::string name = "F" + std::to_string(i);
+    selected += "<pSelected>" + name + "</pSelected>";
+    features += "<Integer Name=\"" + name + "\"><Streamable>Yes</Streamable><Value>1</Value></Integer>";
+  }
+  const std::string positions = "<Min>0</Min><Max>255</Max>" + selected;
+  SettingsCamera camera(MakeInteger("A", 0, positions) + MakeInteger("B", 4, positions) + features);
+  camera.SetText("A", "3");
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::OutOfRange);
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("or more than 1000000 values")));
+  // Beside them the positions to which the selectors are put back.
+  EXPECT_THAT(camera.settings.GetSettings().size(), testing::AllOf(testing::Ge(1'000'000U), testing::Le(1'000'002U)));
+  EXPECT_EQ(camera.GetText("A"), "3");
+}
+
 // A feature whose limit is the last of so many others, which it would come behind, and nodes that are none.
 std::string MakeLimitedByTheLast(int aCount) {
   const std::string last = std::to_string(aCount - 1);
