@@ -106,6 +106,7 @@ const AddressRow kAddressRows[] = {
     {"hexadecimal parts", "0xC0.0xA8.0x0.0x1", 0xC0A80001},
     {"commas", "1,2,3,4", std::nullopt},
     {"nothing", "", std::nullopt},
+    {"a part beyond 32 bits that would wrap into the range", "4294967297.0.0.1", std::nullopt},
     {"a part beyond 64 bits", "99999999999999999999.0.0.1", std::nullopt},
     {"a name", "localhost", std::nullopt},
 };

@@ -59,12 +59,12 @@ double ParseFloat(const KrString& aText) {
 
 std::optional<std::uint32_t> ParseIPAddress(const KrString& aText) {
   const PlainLocale plain;
-  int parts[4] = {};
-  if (std::sscanf(aText.CStr(), "%i.%i.%i.%i", &parts[0], &parts[1], &parts[2], &parts[3]) != 4) {
+  long long parts[4] = {}; // Wider than what they may be: a part beyond the type would wrap into the range.
+  if (std::sscanf(aText.CStr(), "%lli.%lli.%lli.%lli", &parts[0], &parts[1], &parts[2], &parts[3]) != 4) {
     return std::nullopt;
   }
   std::uint32_t address = 0;
-  for (const int part : parts) {
+  for (const long long part : parts) {
     if (part < 0 || part > kMostPart) {
       return std::nullopt;
     }
