@@ -1,7 +1,7 @@
 #include "addressawaiter.h"
 
-#include "camerasession.h"
 #include "devicewords.h"
+#include "krbase/krsteadytime.h"
 
 #include <algorithm>
 #include <chrono>
@@ -69,8 +69,8 @@ KrResult DescribeSilence(const krsystem::NetworkFields& aWanted, const std::opti
 KrResult AwaitAddress(KrSystem& aSystem, const krsystem::NetworkFields& aWanted, std::uint32_t aTimeoutMs,
                       NetworkDevice& aDevice, std::uint64_t& aTookMs) {
   const std::uint32_t formerTimeoutMs = aSystem.GetDetectionTimeout();
-  const std::uint64_t start = GetSteadyNs();
-  const auto getTookMs = [start] { return (GetSteadyNs() - start) / 1'000'000; };
+  const std::uint64_t start = KrGetSteadyNs();
+  const auto getTookMs = [start] { return (KrGetSteadyNs() - start) / 1'000'000; };
   Listener listener(aSystem, aWanted, aDevice.adapter);
   KrResult found;
   for (std::uint64_t tookMs = 0; !listener.GetFound() && tookMs < aTimeoutMs; tookMs = getTookMs()) {

@@ -1,10 +1,10 @@
 #include "camerasession.h"
 
 #include "deviceselection.h"
+#include "krbase/krsteadytime.h"
 #include "plaintext.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <string_view>
 
@@ -71,15 +71,10 @@ KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, KrDeviceAcces
   return Explain(attempt, KrDevice::Open(*info, aAccess, aDevice));
 }
 
-std::uint64_t GetSteadyNs() {
-  const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(std::chrono::nanoseconds(sinceStart).count());
-}
-
 KrResult AwaitFrame(KrStream& aStream, const krapps::StopSignal& aStop, std::uint32_t aTimeoutMs, KrBuffer*& aBuffer) {
-  const std::uint64_t start = GetSteadyNs();
+  const std::uint64_t start = KrGetSteadyNs();
   while (!aStop.IsRaised()) {
-    const std::uint64_t waitedMs = (GetSteadyNs() - start) / 1'000'000;
+    const std::uint64_t waitedMs = (KrGetSteadyNs() - start) / 1'000'000;
     const std::uint64_t leftMs = waitedMs < aTimeoutMs ? aTimeoutMs - waitedMs : 0;
     const auto sliceMs = static_cast<std::uint32_t>(std::min<std::uint64_t>(leftMs, kSliceMs));
     KrResult result = aStream.Retrieve(aBuffer, sliceMs);

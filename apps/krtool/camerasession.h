@@ -36,9 +36,6 @@ int GetExitCode(const krapps::StopSignal& aStop);
 KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, KrDeviceAccess aAccess,
                          std::unique_ptr<KrDevice>& aDevice);
 
-/// Nanoseconds of a steady clock.
-std::uint64_t GetSteadyNs();
-
 /// Waits for a frame in slices: Aborted when a stop was raised, TimeLimitExceeded when none came, otherwise as
 /// KrStream::Retrieve.
 KrResult AwaitFrame(KrStream& aStream, const krapps::StopSignal& aStop, std::uint32_t aTimeoutMs, KrBuffer*& aBuffer);

@@ -4,6 +4,7 @@
 #include "featurelookup.h"
 #include "featuresource.h"
 #include "featurewords.h"
+#include "krbase/krsteadytime.h"
 
 #include <chrono>
 #include <thread>
@@ -16,14 +17,14 @@ namespace {
 constexpr std::chrono::milliseconds kPause{20};
 
 KrResult AwaitDone(KrGenCommand& aCommand, const krapps::StopSignal& aStop, std::uint32_t aTimeoutMs) {
-  const std::uint64_t start = GetSteadyNs();
+  const std::uint64_t start = KrGetSteadyNs();
   for (;;) {
     bool isDone = false;
     if (KrResult asked = aCommand.IsDone(isDone); !asked.IsOK() || isDone)
       return asked;
     if (aStop.IsRaised())
       return {KrResult::Code::Aborted, "It was stopped before the device was done; the device goes on."};
-    if ((GetSteadyNs() - start) / 1'000'000 >= aTimeoutMs)
+    if ((KrGetSteadyNs() - start) / 1'000'000 >= aTimeoutMs)
       return {KrResult::Code::TimeLimitExceeded, "The device is not done with it after " + std::to_string(aTimeoutMs) +
                                                      " ms, and goes on. --timeout waits longer."};
     std::this_thread::sleep_for(kPause);

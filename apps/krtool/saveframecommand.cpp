@@ -2,6 +2,7 @@
 
 #include "camerasession.h"
 #include "framefile.h"
+#include "krbase/krsteadytime.h"
 #include "krdevice/krdeviceadapter.h"
 #include "plaintext.h"
 
@@ -38,9 +39,9 @@ KrResult SetPixelFormat(KrDevice& aDevice, const std::string& aName) {
 // A frame that came whole, lent by the stream, within the time limit for all of the waiting.
 KrResult AwaitWholeFrame(KrStream& aStream, const krapps::StopSignal& aStop, std::uint32_t aTimeoutMs,
                          std::ostream& aErrors, KrBuffer*& aFrame) {
-  const std::uint64_t start = GetSteadyNs();
+  const std::uint64_t start = KrGetSteadyNs();
   for (std::uint64_t skipped = 0;; ++skipped) {
-    const std::uint64_t waitedMs = (GetSteadyNs() - start) / 1'000'000;
+    const std::uint64_t waitedMs = (KrGetSteadyNs() - start) / 1'000'000;
     const std::uint32_t leftMs = waitedMs < aTimeoutMs ? aTimeoutMs - static_cast<std::uint32_t>(waitedMs) : 0;
     KrResult result = AwaitFrame(aStream, aStop, leftMs, aFrame);
     if (result == KrResult::Code::Aborted)

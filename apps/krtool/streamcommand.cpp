@@ -1,6 +1,7 @@
 #include "streamcommand.h"
 
 #include "camerasession.h"
+#include "krbase/krsteadytime.h"
 #include "plaintext.h"
 #include "streamfigures.h"
 
@@ -17,7 +18,7 @@ KrResult TakeFrames(KrStream& aStream, const krapps::StopSignal& aStop, const Co
     KrBuffer* buffer = nullptr;
     if (KrResult result = AwaitFrame(aStream, aStop, timeoutMs, buffer); !result.IsOK())
       return result;
-    aFigures.Add(GetSteadyNs(), buffer->GetAcquiredSize());
+    aFigures.Add(KrGetSteadyNs(), buffer->GetAcquiredSize());
     if (KrResult released = aStream.Release(buffer); !released.IsOK())
       return released;
   }

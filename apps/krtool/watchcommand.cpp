@@ -1,6 +1,7 @@
 #include "watchcommand.h"
 
 #include "camerasession.h"
+#include "krbase/krsteadytime.h"
 #include "outputreader.h"
 #include "stopsignal.h"
 #include "watchbook.h"
@@ -20,10 +21,6 @@ using Clock = std::chrono::steady_clock;
 
 // A signal handler can wake nobody, so the end is asked for now and then.
 constexpr std::chrono::milliseconds kInterval{50};
-
-std::uint64_t GetNowMs() {
-  return GetSteadyNs() / 1'000'000;
-}
 
 std::vector<const KrInterface*> GetInterfaces(const KrSystem& aSystem) {
   std::vector<const KrInterface*> interfaces;
@@ -55,7 +52,7 @@ public:
 
   void OnDeviceFound(const KrInterface*, const KrDeviceInfo* aDevice, bool&) override {
     const std::lock_guard lock(mMutex);
-    mBook.TakeDevice(*aDevice, GetNowMs());
+    mBook.TakeDevice(*aDevice, KrGetSteadyMs());
     mChanged.notify_all();
   }
 
@@ -63,7 +60,7 @@ public:
   std::vector<News> AwaitNews() {
     std::unique_lock lock(mMutex);
     mChanged.wait_for(lock, kInterval);
-    mBook.Age(GetNowMs());
+    mBook.Age(KrGetSteadyMs());
     return mBook.TakeNews();
   }
 

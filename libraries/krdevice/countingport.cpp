@@ -1,21 +1,13 @@
 #include "countingport.h"
 
-#include <chrono>
+#include "krbase/krsteadytime.h"
+
 #include <utility>
 
 namespace krdevice {
 
-namespace {
-
-std::uint64_t GetSteadyNs() {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
-}
-
-} // namespace
-
 CountingPort::CountingPort(IKrRegisterPort& aPort, Clock aClock)
-    : mPort(aPort), mClock(aClock ? std::move(aClock) : GetSteadyNs) {}
+    : mPort(aPort), mClock(aClock ? std::move(aClock) : KrGetSteadyNs) {}
 
 KrResult CountingPort::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                             const std::stop_token& aCancel) {

@@ -2,6 +2,7 @@
 
 #include "acquisition/expectedframes.h"
 #include "acquisition/overlaytext.h"
+#include "krbase/krsteadytime.h"
 
 #include <chrono>
 #include <utility>
@@ -23,12 +24,6 @@ KrStreamStatistics Add(const KrStreamStatistics& aFirst, const KrStreamStatistic
           .bytes = aFirst.bytes + aSecond.bytes,
           .missingFrames = aFirst.missingFrames + aSecond.missingFrames,
           .shown = aFirst.shown + aSecond.shown};
-}
-
-std::uint64_t GetSteadyNs() {
-  return static_cast<std::uint64_t>(
-      std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
-          .count());
 }
 
 // Where the connection is at fault rather than what was asked for.
@@ -79,7 +74,7 @@ void Acquisition::Stop() {
 AcquisitionProgress Acquisition::GetProgress() const {
   const std::optional<double> temperatureC = mThermometer.GetCelsius();
   const std::lock_guard lock(mMutex);
-  const std::uint64_t now = GetSteadyNs(); // Not before the latest frame.
+  const std::uint64_t now = KrGetSteadyNs(); // Not before the latest frame.
   AcquisitionProgress progress = mProgress;
   progress.temperatureC = temperatureC;
   if (!mMeter.IsStale(now)) {
@@ -452,7 +447,7 @@ KrResult Acquisition::TakeFrame() {
 
 // The frame goes back to the stream when it is not shown any more.
 void Acquisition::PassOn(KrBuffer& aFrame) {
-  const std::uint64_t now = GetSteadyNs();
+  const std::uint64_t now = KrGetSteadyNs();
   const std::uint64_t frameID = aFrame.GetFrameID();
   const std::uint64_t sizeBytes = aFrame.GetAcquiredSize();
   mFrames.Notify([&](FrameSink& aSink) { aSink.OnFrame(aFrame, now); });

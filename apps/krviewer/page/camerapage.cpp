@@ -1,5 +1,6 @@
 #include "page/camerapage.h"
 
+#include "krbase/krsteadytime.h"
 #include "panels/histogrampanel.h"
 #include "panels/lineprofilepanel.h"
 #include "plaintext.h"
@@ -40,11 +41,6 @@ CameraLink GetLink(const KrDeviceInfo& aCamera) {
   default:
     return CameraLink::Other;
   }
-}
-
-std::uint64_t GetSteadyMs() {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
 AcquisitionOptions KeepNewest(AcquisitionOptions aOptions, NewestFrame& aNewest) {
@@ -340,7 +336,7 @@ PageState CameraPage::GetState() const {
 void CameraPage::LookForTrouble() {
   const CameraLink link = GetLink(*mCamera);
   mAdvice = mAdviser.Look({.progress = GetProgress(),
-                           .nowMs = GetSteadyMs(),
+                           .nowMs = KrGetSteadyMs(),
                            .link = link,
                            .isForeignSubnet = link == CameraLink::GigEVision && !mCamera->IsConfigurationValid(),
                            .droppedByDisplay = mDisplay.GetStatistics().dropped,

@@ -1,5 +1,6 @@
 #include "panels/intervalpanel.h"
 
+#include "krbase/krsteadytime.h"
 #include "panels/graphcolours.h"
 #include "panels/intervalplot.h"
 #include "panels/intervaltable.h"
@@ -15,7 +16,6 @@
 #include <QMessageBox>
 #include <QPushButton>
 
-#include <chrono>
 #include <utility>
 
 namespace krviewer {
@@ -25,11 +25,6 @@ namespace {
 constexpr int kLookIntervalMs = 100;
 constexpr double kMillisecondNs = 1e6;
 constexpr int kMillisecondDigits = 3;
-
-std::uint64_t GetSteadyNs() {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
-}
 
 void TellFailure(QWidget* aParent, const KrResult& aResult) {
   auto* const box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Export"),
@@ -41,7 +36,7 @@ void TellFailure(QWidget* aParent, const KrResult& aResult) {
 
 } // namespace
 
-IntervalPanel::IntervalPanel(FrameSinks& aFrames) : IntervalPanel(aFrames, GetSteadyNs) {}
+IntervalPanel::IntervalPanel(FrameSinks& aFrames) : IntervalPanel(aFrames, KrGetSteadyNs) {}
 
 IntervalPanel::IntervalPanel(FrameSinks& aFrames, Clock aClock)
     : mFrames(aFrames), mClock(std::move(aClock)), mState(new QLabel), mPlot(new IntervalPlot),

@@ -1,5 +1,7 @@
 #include "recording/recorder.h"
 
+#include "krbase/krsteadytime.h"
+
 #include <chrono>
 #include <utility>
 
@@ -12,11 +14,6 @@ constexpr std::chrono::milliseconds kLookInterval{100};
 constexpr std::uint64_t kNsPerSecond = 1'000'000'000;
 constexpr std::uint64_t kNsPerMs = 1'000'000;
 
-std::uint64_t GetSteadyNs() {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
-}
-
 /// Whether the frame is at fault, and the disk takes others.
 bool IsOfFrame(const KrResult& aResult) {
   return aResult == KrResult::Code::NotSupported || aResult == KrResult::Code::BadData;
@@ -24,7 +21,7 @@ bool IsOfFrame(const KrResult& aResult) {
 
 } // namespace
 
-Recorder::Recorder(Clock aClock) : mClock(aClock ? std::move(aClock) : Clock(&GetSteadyNs)) {}
+Recorder::Recorder(Clock aClock) : mClock(aClock ? std::move(aClock) : Clock(&KrGetSteadyNs)) {}
 
 Recorder::~Recorder() {
   Abandon();

@@ -1,9 +1,9 @@
 #include "map/nodemap.h"
 
+#include "krbase/krsteadytime.h"
 #include "map/parameterwatch.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace krgenicam {
@@ -13,10 +13,7 @@ namespace {
 KrGenArrayOptions CompleteOptions(KrGenArrayOptions aOptions) {
   aOptions.timeoutMs = std::max<std::uint32_t>(aOptions.timeoutMs, 1);
   if (!aOptions.getTimeMs)
-    aOptions.getTimeMs = [] {
-      const auto now = std::chrono::steady_clock::now().time_since_epoch();
-      return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
-    };
+    aOptions.getTimeMs = KrGetSteadyMs;
   return aOptions;
 }
 
