@@ -4,10 +4,8 @@
 #include "panels/plotframe.h"
 #include "panels/valuetext.h"
 
-#include <QHelpEvent>
 #include <QPainter>
 #include <QPainterPath>
-#include <QToolTip>
 
 #include <algorithm>
 #include <array>
@@ -40,9 +38,8 @@ std::uint32_t FindGreatestBetweenEnds(const std::vector<std::uint32_t>& aCounts)
 
 } // namespace
 
-HistogramPlot::HistogramPlot(QWidget* aParent) : QWidget(aParent) {
+HistogramPlot::HistogramPlot(QWidget* aParent) : Plot(aParent) {
   setObjectName(QStringLiteral("histogramPlot"));
-  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
 void HistogramPlot::Show(HistogramPicture aPicture) {
@@ -60,14 +57,6 @@ void HistogramPlot::ShowText(const QString& aText) {
 void HistogramPlot::SetScale(HistogramScale aScale) {
   mScale = aScale;
   update();
-}
-
-QSize HistogramPlot::sizeHint() const {
-  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 8};
-}
-
-QSize HistogramPlot::minimumSizeHint() const {
-  return {fontMetrics().averageCharWidth() * 8, fontMetrics().height() * 2};
 }
 
 double HistogramPlot::GetHeight(double aPercent) const {
@@ -104,18 +93,10 @@ PlotFrame HistogramPlot::MakeFrame() const {
   return {*this, across, up};
 }
 
-void HistogramPlot::paintEvent(QPaintEvent*) {
-  QPainter painter(this);
-  if (mPicture.channels.empty()) {
-    PaintPlotText(painter, *this, mText);
-    return;
-  }
-  const PlotFrame frame = MakeFrame();
-  frame.Paint(painter);
-  painter.setClipRect(frame.GetArea());
+void HistogramPlot::PaintCurves(QPainter& aPainter, const PlotFrame& aFrame) const {
   for (const HistogramChannel& channel : mPicture.channels)
-    PaintChannel(painter, frame, channel);
-  PaintClipped(painter, frame);
+    PaintChannel(aPainter, aFrame, channel);
+  PaintClipped(aPainter, aFrame);
 }
 
 void HistogramPlot::PaintChannel(QPainter& aPainter, const PlotFrame& aFrame, const HistogramChannel& aChannel) const {
@@ -170,28 +151,20 @@ void HistogramPlot::PaintClipped(QPainter& aPainter, const PlotFrame& aFrame) co
   }
 }
 
-QString HistogramPlot::DescribeValue(std::int64_t aValue) const {
-  QString text = QStringLiteral("Value %1").arg(aValue);
+QString HistogramPlot::Describe(double aAcross) const {
+  const std::int64_t value = std::llround(aAcross);
+  QString text = QStringLiteral("Value %1").arg(value);
   for (const HistogramChannel& channel : mPicture.channels) {
-    const auto index = static_cast<std::size_t>(aValue - mPicture.lowestValue);
+    const auto index = static_cast<std::size_t>(value - mPicture.lowestValue);
     const std::uint32_t count = channel.counts[index];
     text += QStringLiteral("\n%1: %2 pixels, %3")
                 .arg(QLatin1Char(channel.component))
                 .arg(count)
                 .arg(ToText(FormatPercent(channel.GetPercent(count))));
   }
-  if (aValue == mPicture.lowestValue || aValue == mPicture.highestValue)
+  if (value == mPicture.lowestValue || value == mPicture.highestValue)
     text += QStringLiteral("\nPixels at this end may be clipped: the scene may be darker or brighter than that.");
   return text;
-}
-
-bool HistogramPlot::event(QEvent* aEvent) {
-  if (aEvent->type() != QEvent::ToolTip || mPicture.channels.empty())
-    return QWidget::event(aEvent);
-  const auto& help = static_cast<const QHelpEvent&>(*aEvent);
-  const double value = MakeFrame().FindAcross(help.pos().x());
-  QToolTip::showText(help.globalPos(), DescribeValue(std::llround(value)), this);
-  return true;
 }
 
 } // namespace krviewer

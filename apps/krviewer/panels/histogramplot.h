@@ -3,16 +3,14 @@
 // to Histogram, the numbers below to the panel.
 
 #include "panels/histogram.h"
+#include "panels/plot.h"
 
 #include <QString>
-#include <QWidget>
 
 #include <cstdint>
 #include <vector>
 
 namespace krviewer {
-
-class PlotFrame;
 
 /// How counts become heights.
 enum class HistogramScale { Linear, Logarithmic };
@@ -25,7 +23,7 @@ struct HistogramPicture {
 };
 
 /// Thread: user interface.
-class HistogramPlot : public QWidget {
+class HistogramPlot : public Plot {
   Q_OBJECT
 
 public:
@@ -37,21 +35,17 @@ public:
   void ShowText(const QString& aText);
   void SetScale(HistogramScale aScale);
 
-  QSize sizeHint() const override;
-  QSize minimumSizeHint() const override;
-
-protected:
-  void paintEvent(QPaintEvent* aEvent) override;
-  bool event(QEvent* aEvent) override;
-
 private:
+  bool HasCurves() const override { return !mPicture.channels.empty(); }
+  QString GetText() const override { return mText; }
+  PlotFrame MakeFrame() const override;
+  void PaintCurves(QPainter& aPainter, const PlotFrame& aFrame) const override;
+  QString Describe(double aAcross) const override;
   double GetHeight(double aPercent) const;
   double GetGreatestPercent() const;
   double GetShareOfTexts() const;
-  PlotFrame MakeFrame() const;
   void PaintChannel(QPainter& aPainter, const PlotFrame& aFrame, const HistogramChannel& aChannel) const;
   void PaintClipped(QPainter& aPainter, const PlotFrame& aFrame) const;
-  QString DescribeValue(std::int64_t aValue) const;
 
   HistogramPicture mPicture;
   QString mText;

@@ -21,22 +21,13 @@ constexpr int kLossAlpha = 90;
 
 } // namespace
 
-IntervalPlot::IntervalPlot(QWidget* aParent) : QWidget(aParent) {
+IntervalPlot::IntervalPlot(QWidget* aParent) : Plot(aParent) {
   setObjectName(QStringLiteral("intervalPlot"));
-  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
 void IntervalPlot::Show(IntervalView aView) {
   mView = std::move(aView);
   update();
-}
-
-QSize IntervalPlot::sizeHint() const {
-  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 8};
-}
-
-QSize IntervalPlot::minimumSizeHint() const {
-  return {fontMetrics().averageCharWidth() * 8, fontMetrics().height() * 2};
 }
 
 QColor IntervalPlot::GetArrivalColour(const QPalette& aPalette) {
@@ -52,25 +43,24 @@ double IntervalPlot::GetSeconds(const IntervalStep& aStep) const {
   return (beginNs - static_cast<double>(mView.endNs)) / kSecondNs;
 }
 
-void IntervalPlot::paintEvent(QPaintEvent*) {
-  QPainter painter(this);
-  if (mView.steps.empty()) {
-    PaintPlotText(painter, *this,
-                  mView.hasStarted ? QStringLiteral("No frame in this time") : QStringLiteral("No frame yet"));
-    return;
-  }
+QString IntervalPlot::GetText() const {
+  return mView.hasStarted ? QStringLiteral("No frame in this time") : QStringLiteral("No frame yet");
+}
+
+PlotFrame IntervalPlot::MakeFrame() const {
   const double greatestNs = std::max(mView.arrivals.greatestNs, mView.camera.greatestNs);
-  const PlotFrame frame(*this,
-                        {.low = -static_cast<double>(mView.spanNs) / kSecondNs, .high = 0, .unit = QStringLiteral("s")},
-                        {.low = 0,
-                         .high = greatestNs > 0 ? greatestNs / kMillisecondNs * kRoomAbove : 1.0,
-                         .unit = QStringLiteral("ms")});
-  frame.Paint(painter);
-  painter.setClipRect(frame.GetArea());
-  painter.setRenderHint(QPainter::Antialiasing);
-  PaintLosses(painter, frame);
-  PaintCurve(painter, frame, &IntervalStep::arrivals, GetArrivalColour(palette()));
-  PaintCurve(painter, frame, &IntervalStep::camera, GetCameraColour(palette()));
+  return {*this,
+          {.low = -static_cast<double>(mView.spanNs) / kSecondNs, .high = 0, .unit = QStringLiteral("s")},
+          {.low = 0,
+           .high = greatestNs > 0 ? greatestNs / kMillisecondNs * kRoomAbove : 1.0,
+           .unit = QStringLiteral("ms")}};
+}
+
+void IntervalPlot::PaintCurves(QPainter& aPainter, const PlotFrame& aFrame) const {
+  aPainter.setRenderHint(QPainter::Antialiasing);
+  PaintLosses(aPainter, aFrame);
+  PaintCurve(aPainter, aFrame, &IntervalStep::arrivals, GetArrivalColour(palette()));
+  PaintCurve(aPainter, aFrame, &IntervalStep::camera, GetCameraColour(palette()));
 }
 
 // From the least to the greatest interval of each step, joined by their means.

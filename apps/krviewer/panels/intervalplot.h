@@ -3,13 +3,11 @@
 // FrameIntervals.
 
 #include "panels/frameintervals.h"
+#include "panels/plot.h"
 
 #include <QString>
-#include <QWidget>
 
 namespace krviewer {
-
-class PlotFrame;
 
 /// A kind of loss as the plot and its legend have it: colours alone would not do for everybody.
 struct LossMark {
@@ -25,7 +23,7 @@ inline constexpr LossMark kLossMarks[] = {
 };
 
 /// Thread: user interface.
-class IntervalPlot : public QWidget {
+class IntervalPlot : public Plot {
   Q_OBJECT
 
 public:
@@ -34,17 +32,15 @@ public:
   /// Shows a view in place of the one before.
   void Show(IntervalView aView);
 
-  QSize sizeHint() const override;
-  QSize minimumSizeHint() const override;
-
   /// The colours of the two curves.
   static QColor GetArrivalColour(const QPalette& aPalette);
   static QColor GetCameraColour(const QPalette& aPalette);
 
-protected:
-  void paintEvent(QPaintEvent* aEvent) override;
-
 private:
+  bool HasCurves() const override { return !mView.steps.empty(); }
+  QString GetText() const override;
+  PlotFrame MakeFrame() const override;
+  void PaintCurves(QPainter& aPainter, const PlotFrame& aFrame) const override;
   double GetSeconds(const IntervalStep& aStep) const;
   void PaintCurve(QPainter& aPainter, const PlotFrame& aFrame, IntervalSummary IntervalStep::*aSummary,
                   const QColor& aColour) const;

@@ -4,10 +4,8 @@
 #include "panels/plotframe.h"
 #include "panels/valuetext.h"
 
-#include <QHelpEvent>
 #include <QPainter>
 #include <QPolygonF>
-#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -20,9 +18,8 @@ constexpr double kMarginOfRange = 0.05;
 
 } // namespace
 
-ProfilePlot::ProfilePlot(QWidget* aParent) : QWidget(aParent) {
+ProfilePlot::ProfilePlot(QWidget* aParent) : Plot(aParent) {
   setObjectName(QStringLiteral("profilePlot"));
-  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
 void ProfilePlot::Show(ProfilePicture aPicture) {
@@ -37,14 +34,6 @@ void ProfilePlot::ShowText(const QString& aText) {
   update();
 }
 
-QSize ProfilePlot::sizeHint() const {
-  return {fontMetrics().averageCharWidth() * 48, fontMetrics().height() * 8};
-}
-
-QSize ProfilePlot::minimumSizeHint() const {
-  return {fontMetrics().averageCharWidth() * 8, fontMetrics().height() * 2};
-}
-
 PlotFrame ProfilePlot::MakeFrame() const {
   const PlotAxis across{.low = 0, .high = std::max(mPicture.length, 2u) - 1.0};
   // Values that are all the same lie in the middle.
@@ -53,18 +42,10 @@ PlotFrame ProfilePlot::MakeFrame() const {
   return {*this, across, {.low = mPicture.values.low - margin, .high = mPicture.values.low + range + margin}};
 }
 
-void ProfilePlot::paintEvent(QPaintEvent*) {
-  QPainter painter(this);
-  if (mPicture.channels.empty()) {
-    PaintPlotText(painter, *this, mText);
-    return;
-  }
-  const PlotFrame frame = MakeFrame();
-  frame.Paint(painter);
-  painter.setClipRect(frame.GetArea());
-  painter.setRenderHint(QPainter::Antialiasing);
+void ProfilePlot::PaintCurves(QPainter& aPainter, const PlotFrame& aFrame) const {
+  aPainter.setRenderHint(QPainter::Antialiasing);
   for (const ProfileChannel& channel : mPicture.channels)
-    PaintChannel(painter, frame, channel);
+    PaintChannel(aPainter, aFrame, channel);
 }
 
 void ProfilePlot::PaintChannel(QPainter& aPainter, const PlotFrame& aFrame, const ProfileChannel& aChannel) const {
@@ -79,11 +60,11 @@ void ProfilePlot::PaintChannel(QPainter& aPainter, const PlotFrame& aFrame, cons
     aPainter.drawPolyline(line);
 }
 
-QString ProfilePlot::DescribePosition(double aPosition) const {
-  QString text = QStringLiteral("Position %1").arg(std::llround(aPosition));
+QString ProfilePlot::Describe(double aAcross) const {
+  QString text = QStringLiteral("Position %1").arg(std::llround(aAcross));
   for (const ProfileChannel& channel : mPicture.channels) {
     const auto nearest = std::ranges::min_element(
-        channel.points, {}, [aPosition](const ProfilePoint& aPoint) { return std::abs(aPoint.position - aPosition); });
+        channel.points, {}, [aAcross](const ProfilePoint& aPoint) { return std::abs(aPoint.position - aAcross); });
     if (nearest != channel.points.end())
       text += QStringLiteral("\n%1: %2 at %3")
                   .arg(QLatin1Char(channel.component))
@@ -91,14 +72,6 @@ QString ProfilePlot::DescribePosition(double aPosition) const {
                   .arg(nearest->position);
   }
   return text;
-}
-
-bool ProfilePlot::event(QEvent* aEvent) {
-  if (aEvent->type() != QEvent::ToolTip || mPicture.channels.empty())
-    return QWidget::event(aEvent);
-  const auto& help = static_cast<const QHelpEvent&>(*aEvent);
-  QToolTip::showText(help.globalPos(), DescribePosition(MakeFrame().FindAcross(help.pos().x())), this);
-  return true;
 }
 
 } // namespace krviewer

@@ -2,13 +2,11 @@
 // The picture of a line profile: a curve for each colour. Which line it is of is left to the panel.
 
 #include "panels/lineprofile.h"
+#include "panels/plot.h"
 
 #include <QString>
-#include <QWidget>
 
 namespace krviewer {
-
-class PlotFrame;
 
 /// How far the values of a plot reach.
 enum class ProfileRange {
@@ -24,7 +22,7 @@ struct ProfilePicture {
 };
 
 /// Thread: user interface.
-class ProfilePlot : public QWidget {
+class ProfilePlot : public Plot {
   Q_OBJECT
 
 public:
@@ -35,17 +33,13 @@ public:
   /// Shows a sentence instead.
   void ShowText(const QString& aText);
 
-  QSize sizeHint() const override;
-  QSize minimumSizeHint() const override;
-
-protected:
-  void paintEvent(QPaintEvent* aEvent) override;
-  bool event(QEvent* aEvent) override;
-
 private:
-  PlotFrame MakeFrame() const;
+  bool HasCurves() const override { return !mPicture.channels.empty(); }
+  QString GetText() const override { return mText; }
+  PlotFrame MakeFrame() const override;
+  void PaintCurves(QPainter& aPainter, const PlotFrame& aFrame) const override;
+  QString Describe(double aAcross) const override;
   void PaintChannel(QPainter& aPainter, const PlotFrame& aFrame, const ProfileChannel& aChannel) const;
-  QString DescribePosition(double aPosition) const;
 
   ProfilePicture mPicture;
   QString mText;
