@@ -2,8 +2,6 @@
 
 #include "description/lexical.h"
 
-#include <cmath>
-
 namespace krgenicam {
 
 void BooleanNode::Link(INodeIndex& aIndex) {
@@ -32,13 +30,8 @@ KrResult BooleanNode::Compute(Evaluation& aEvaluation, Facet aFacet, Number& aVa
 }
 
 KrResult BooleanNode::CheckWrite(Evaluation& aEvaluation, const Number& aValue) {
-  if (KrResult result = CheckWritable(aEvaluation); !result.IsOK())
-    return result;
-  if (std::isnan(aValue.ToFloat()))
-    return {KrResult::Code::InvalidInput, "\"" + std::string(GetName()) + "\" cannot be set to what is no number."};
-  if (KrResult result = CheckRange(aEvaluation, aValue, false); !result.IsOK())
-    return result;
-  return CheckWriteOrigin(aEvaluation, Number(aValue.ToInteger() != 0 ? mOnValue : mOffValue));
+  const KrResult result = CheckNumber(aEvaluation, aValue);
+  return result.IsOK() ? CheckWriteOrigin(aEvaluation, Number(aValue.ToInteger() != 0 ? mOnValue : mOffValue)) : result;
 }
 
 KrResult BooleanNode::Write(Evaluation& aEvaluation, const Number& aValue) {

@@ -290,13 +290,8 @@ KrResult ConverterNode::VisitTarget(Evaluation& aEvaluation, const Number& aValu
 }
 
 KrResult ConverterNode::CheckWrite(Evaluation& aEvaluation, const Number& aValue) {
-  if (KrResult result = CheckWritable(aEvaluation); !result.IsOK())
-    return result;
-  if (std::isnan(aValue.ToFloat()))
-    return {KrResult::Code::InvalidInput, "\"" + std::string(GetName()) + "\" cannot be set to what is no number."};
-  if (KrResult result = CheckRange(aEvaluation, aValue, false); !result.IsOK())
-    return result;
-  return VisitTarget(aEvaluation, aValue, &Node::CheckWrite);
+  const KrResult result = CheckNumber(aEvaluation, aValue);
+  return result.IsOK() ? VisitTarget(aEvaluation, aValue, &Node::CheckWrite) : result;
 }
 
 KrResult ConverterNode::Write(Evaluation& aEvaluation, const Number& aValue) {

@@ -3,7 +3,6 @@
 #include "description/lexical.h"
 #include "nodes/enumerationnode.h"
 
-#include <cmath>
 #include <limits>
 
 namespace krgenicam {
@@ -55,14 +54,9 @@ KrResult FloatNode::ToTarget(Evaluation& aEvaluation, Node& aTarget, const Numbe
 }
 
 KrResult FloatNode::CheckWrite(Evaluation& aEvaluation, const Number& aValue) {
-  if (KrResult result = CheckWritable(aEvaluation); !result.IsOK())
-    return result;
   const Number value(aValue.ToFloat());
-  if (std::isnan(value.ToFloat()))
-    return {KrResult::Code::InvalidInput, "\"" + std::string(GetName()) + "\" cannot be set to what is no number."};
-  if (KrResult result = CheckRange(aEvaluation, value, false); !result.IsOK())
-    return result;
-  return CheckWriteOrigin(aEvaluation, value);
+  const KrResult result = CheckNumber(aEvaluation, value);
+  return result.IsOK() ? CheckWriteOrigin(aEvaluation, value) : result;
 }
 
 KrResult FloatNode::Write(Evaluation& aEvaluation, const Number& aValue) {

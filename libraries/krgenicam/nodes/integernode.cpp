@@ -113,15 +113,11 @@ KrResult IntegerNode::CheckValid(Evaluation& aEvaluation, std::int64_t aValue, b
 }
 
 KrResult IntegerNode::CheckWrite(Evaluation& aEvaluation, const Number& aValue) {
-  if (KrResult result = CheckWritable(aEvaluation); !result.IsOK())
-    return result;
   const double number = aValue.ToFloat();
-  if (std::isnan(number))
-    return {KrResult::Code::InvalidInput, "\"" + std::string(GetName()) + "\" cannot be set to what is no number."};
-  // Compared as it is, since it has no 64 bits.
-  const bool isHuge = aValue.IsFloat() && (number >= kBeyond || number < -kBeyond);
-  const Number value = isHuge ? aValue : Number(aValue.ToInteger());
-  if (KrResult result = CheckRange(aEvaluation, value, false); !result.IsOK())
+  // What has no 64 bits, or is no number, is compared as it is.
+  const bool isWhole = !aValue.IsFloat() || (number >= -kBeyond && number < kBeyond);
+  const Number value = isWhole ? Number(aValue.ToInteger()) : aValue;
+  if (KrResult result = CheckNumber(aEvaluation, value); !result.IsOK())
     return result;
   bool isListed = false;
   if (KrResult result = CheckValid(aEvaluation, value.ToInteger(), isListed); !result.IsOK())

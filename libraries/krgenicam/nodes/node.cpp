@@ -328,6 +328,14 @@ KrResult Node::CheckWritable(Evaluation& aEvaluation) {
   return IsWritable(GetAccess(aEvaluation)) ? KrResult() : ExplainAccess(aEvaluation, true);
 }
 
+KrResult Node::CheckNumber(Evaluation& aEvaluation, const Number& aValue) {
+  if (KrResult result = CheckWritable(aEvaluation); !result.IsOK())
+    return result;
+  if (std::isnan(aValue.ToFloat()))
+    return {KrResult::Code::InvalidInput, QuoteName(GetName()) + " cannot be set to what is no number."};
+  return CheckRange(aEvaluation, aValue, false);
+}
+
 KrResult Node::SetValue(Evaluation& aEvaluation, const Number& aValue) {
   KrResult result = CheckWrite(aEvaluation, aValue);
   return result.IsOK() ? WriteAndAsk(aEvaluation, aValue) : result;

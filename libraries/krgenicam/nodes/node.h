@@ -197,6 +197,8 @@ protected:
   /// OutOfRange, with what is allowed, unless minimum and maximum, and increment where aChecksIncrement, allow the
   /// value.
   KrResult CheckRange(Evaluation& aEvaluation, const Number& aValue, bool aChecksIncrement);
+  /// Refuses a value where none can be written, one that is no number (NaN), and one beyond minimum or maximum.
+  KrResult CheckNumber(Evaluation& aEvaluation, const Number& aValue);
 
   /// The facets but the accesses; the default refuses with InvalidInput that the node has no value.
   virtual KrResult Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue);
