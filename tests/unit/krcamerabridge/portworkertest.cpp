@@ -120,6 +120,21 @@ KrResult ReadUntilAnswered(IKrRegisterPort& aPort) {
   return result;
 }
 
+// An access has begun that waits for a silent camera until it is stopped.
+class BusyPortWorker : public testing::Test {
+protected:
+  void SetUp() override {
+    mDevice.OrderSilence();
+    mFirst = std::async(std::launch::async, [this] { return Read(mPort, kGenerousMs, mStop.get_token()); });
+    ASSERT_TRUE(mDevice.AwaitCalls(1));
+  }
+
+  OrderedDevice mDevice;
+  PortWorker mPort{mDevice};
+  std::stop_source mStop;
+  std::future<KrResult> mFirst;
+};
+
 TEST(PortWorker, Access_ReachesTheDevice) {
   OrderedDevice device;
   PortWorker port(device);
@@ -189,77 +204,53 @@ TEST(PortWorker, DeviceThatGivesUp_IsSilentToo) {
   EXPECT_EQ(device.calls, 1);
 }
 
-TEST(PortWorker, AccessThatNeverBegan_FailsAlone) {
-  OrderedDevice device;
-  device.OrderSilence();
-  PortWorker port(device);
-  std::stop_source stop;
-  auto first = std::async(std::launch::async, [&] { return Read(port, kGenerousMs, stop.get_token()); });
-  ASSERT_TRUE(device.AwaitCalls(1));
+TEST_F(BusyPortWorker, AccessThatNeverBegan_FailsAlone) {
+  EXPECT_EQ(Read(mPort, 20), KrResult::Code::TimeLimitExceeded);
+  mDevice.Order({});
+  mStop.request_stop();
 
-  EXPECT_EQ(Read(port, 20), KrResult::Code::TimeLimitExceeded);
-  device.Order({});
-  stop.request_stop();
-
-  EXPECT_EQ(first.get(), KrResult::Code::Aborted);
-  EXPECT_TRUE(Read(port).IsOK());
-  EXPECT_EQ(device.probes, 0);
+  EXPECT_EQ(mFirst.get(), KrResult::Code::Aborted);
+  EXPECT_TRUE(Read(mPort).IsOK());
+  EXPECT_EQ(mDevice.probes, 0);
 }
 
 // The first has the camera for most of the second's time.
-TEST(PortWorker, AccessThatBeganLate_FailsAlone) {
-  OrderedDevice device;
-  device.OrderSilence();
-  PortWorker port(device);
-  std::stop_source stop;
-  auto first = std::async(std::launch::async, [&] { return Read(port, kGenerousMs, stop.get_token()); });
-  ASSERT_TRUE(device.AwaitCalls(1));
+TEST_F(BusyPortWorker, AccessThatBeganLate_FailsAlone) {
   std::promise<void> asks;
   auto second = std::async(std::launch::async, [&] {
     asks.set_value();
-    return Read(port, 2000);
+    return Read(mPort, 2000);
   });
   asks.get_future().wait();
   second.wait_for(1600ms);
 
-  stop.request_stop();
+  mStop.request_stop();
 
-  EXPECT_EQ(first.get(), KrResult::Code::Aborted);
+  EXPECT_EQ(mFirst.get(), KrResult::Code::Aborted);
   EXPECT_EQ(second.get(), KrResult::Code::TimeLimitExceeded);
-  device.Order({});
-  EXPECT_TRUE(Read(port).IsOK());
-  EXPECT_EQ(device.probes, 0);
+  mDevice.Order({});
+  EXPECT_TRUE(Read(mPort).IsOK());
+  EXPECT_EQ(mDevice.probes, 0);
 }
 
-TEST(PortWorker, Cancel_EndsTheAccessAtOnceAndStopsTheCallOfTheDevice) {
-  OrderedDevice device;
-  device.OrderSilence();
-  PortWorker port(device);
-  std::stop_source stop;
-  auto read = std::async(std::launch::async, [&] { return Read(port, kGenerousMs, stop.get_token()); });
-  ASSERT_TRUE(device.AwaitCalls(1));
-  device.Order({});
+TEST_F(BusyPortWorker, Cancel_EndsTheAccessAtOnceAndStopsTheCallOfTheDevice) {
+  mDevice.Order({});
 
-  stop.request_stop();
+  mStop.request_stop();
 
-  EXPECT_EQ(read.get(), KrResult::Code::Aborted);
-  EXPECT_TRUE(Read(port).IsOK());
+  EXPECT_EQ(mFirst.get(), KrResult::Code::Aborted);
+  EXPECT_TRUE(Read(mPort).IsOK());
 }
 
-TEST(PortWorker, End_EndsThoseWhoWaitAndAllLaterOnes) {
-  OrderedDevice device;
-  device.OrderSilence();
-  PortWorker port(device);
-  auto first = std::async(std::launch::async, [&] { return Read(port); });
-  ASSERT_TRUE(device.AwaitCalls(1));
-  auto second = std::async(std::launch::async, [&] { return Read(port); });
+TEST_F(BusyPortWorker, End_EndsThoseWhoWaitAndAllLaterOnes) {
+  auto second = std::async(std::launch::async, [&] { return Read(mPort); });
 
-  port.End();
+  mPort.End();
 
-  EXPECT_EQ(first.get(), KrResult::Code::Aborted);
+  EXPECT_EQ(mFirst.get(), KrResult::Code::Aborted);
   EXPECT_EQ(second.get(), KrResult::Code::Aborted);
-  EXPECT_EQ(Read(port), KrResult::Code::Aborted);
-  EXPECT_EQ(device.calls, 1);
+  EXPECT_EQ(Read(mPort), KrResult::Code::Aborted);
+  EXPECT_EQ(mDevice.calls, 1);
 }
 
 TEST(PortWorker, Loss_IsForEver) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <stop_token>
 #include <thread>
@@ -90,6 +91,19 @@ protected:
     std::int64_t value = 0;
     return mArray->GetInteger("Slow")->GetValue(value);
   }
+  // What a thread with a stop of its own got that read the slow register when aEnd came.
+  KrResult ReadUnder(const std::stop_source& aStop, const std::function<void()>& aEnd) {
+    KrResult result;
+    {
+      std::jthread reader([&] {
+        const KrGenAccessStop end(aStop.get_token());
+        result = ReadSlow();
+      });
+      mPort.AwaitAccess();
+      aEnd();
+    }
+    return result;
+  }
 
   std::atomic<std::uint64_t> mNowMs = 50000;
   WaitingPort mPort;
@@ -114,17 +128,9 @@ TEST_F(Cancelling, Cancel_DuringAnAccess_EndsItWithAbortedAndLeavesLaterOnes) {
 }
 
 TEST_F(Cancelling, StopOfAThread_DuringItsAccess_EndsItAndLeavesLaterOnes) {
-  KrResult result;
-  {
-    std::stop_source stop;
-    std::jthread reader([&] {
-      const KrGenAccessStop end(stop.get_token());
-      result = ReadSlow();
-    });
-    mPort.AwaitAccess();
-    stop.request_stop();
-  }
+  std::stop_source stop;
 
+  const KrResult result = ReadUnder(stop, [&] { stop.request_stop(); });
   mPort.SetSlow(false);
 
   EXPECT_TRUE(result == KrResult::Code::Aborted);
@@ -153,16 +159,9 @@ TEST_F(Cancelling, StopOfAThread_DuringAnotherThreadsAccess_EndsItsOwnAlone) {
 }
 
 TEST_F(Cancelling, CancelOfTheArray_EndsTheAccessOfAThreadWithAStopOfItsOwn) {
-  KrResult result;
-  {
-    std::stop_source stop;
-    std::jthread reader([&] {
-      const KrGenAccessStop end(stop.get_token());
-      result = ReadSlow();
-    });
-    mPort.AwaitAccess();
-    mArray->Cancel();
-  }
+  std::stop_source stop;
+
+  const KrResult result = ReadUnder(stop, [&] { mArray->Cancel(); });
 
   EXPECT_TRUE(result == KrResult::Code::Aborted);
 }

@@ -42,6 +42,25 @@ protected:
   ChangingCamera mCamera{kValueNodes};
 };
 
+// A sink has been told that Width is 1, and is at work until it may go on.
+class EventsOfABusySink : public Events {
+protected:
+  void SetUp() override {
+    mCamera.Watch("Width", mSink);
+    ASSERT_TRUE(mCamera.Integer("Width").SetValue(1).IsOK());
+    mIsAtWork.Await();
+  }
+
+  Occasion mIsAtWork, mMayGoOn;
+  bool mIsFirst = true;
+  RecordingSink mSink{[this](KrGenParameter&) {
+    if (std::exchange(mIsFirst, false)) {
+      mIsAtWork.Happen();
+      mMayGoOn.Await();
+    }
+  }};
+};
+
 } // namespace
 
 TEST_F(Events, SetValue_OfTheParameter_TellsItsSinkOnce) {
@@ -224,46 +243,22 @@ TEST_F(Events, DeliverEvent_WithNewData_TellsTheSinksOfItsNodes) {
   EXPECT_THAT(sink.TakeNames(), ElementsAre("EventLine"));
 }
 
-TEST_F(Events, Changes_WhileTheSinkIsAtWork_AreToldAsOne) {
-  Occasion isAtWork, mayGoOn;
-  bool isFirst = true;
-  RecordingSink sink([&](KrGenParameter&) {
-    if (std::exchange(isFirst, false)) {
-      isAtWork.Happen();
-      mayGoOn.Await();
-    }
-  });
-  mCamera.Watch("Width", sink);
-  ASSERT_TRUE(mCamera.Integer("Width").SetValue(1).IsOK());
-  isAtWork.Await();
-
+TEST_F(EventsOfABusySink, Changes_WhileTheSinkIsAtWork_AreToldAsOne) {
   for (std::int64_t value = 2; value < 50; ++value)
     ASSERT_TRUE(mCamera.Integer("Width").SetValue(value).IsOK());
-  mayGoOn.Happen();
+  mMayGoOn.Happen();
   mCamera.AwaitNotifications();
 
-  EXPECT_THAT(sink.TakeNames(), SizeIs(2));
+  EXPECT_THAT(mSink.TakeNames(), SizeIs(2));
 }
 
-TEST_F(Events, SetValue_ThereAndBackWhileTheSinkIsAtWork_IsNoChange) {
-  Occasion isAtWork, mayGoOn;
-  bool isFirst = true;
-  RecordingSink sink([&](KrGenParameter&) {
-    if (std::exchange(isFirst, false)) {
-      isAtWork.Happen();
-      mayGoOn.Await();
-    }
-  });
-  mCamera.Watch("Width", sink);
-  ASSERT_TRUE(mCamera.Integer("Width").SetValue(1).IsOK());
-  isAtWork.Await();
-
+TEST_F(EventsOfABusySink, SetValue_ThereAndBackWhileTheSinkIsAtWork_IsNoChange) {
   ASSERT_TRUE(mCamera.Integer("Width").SetValue(2).IsOK());
   ASSERT_TRUE(mCamera.Integer("Width").SetValue(1).IsOK());
-  mayGoOn.Happen();
+  mMayGoOn.Happen();
   mCamera.AwaitNotifications();
 
-  EXPECT_THAT(sink.TakeNames(), SizeIs(1));
+  EXPECT_THAT(mSink.TakeNames(), SizeIs(1));
 }
 
 TEST_F(Events, WhatMayHaveChangedSomethingUnknown_CountsAsAChangeOnce) {
