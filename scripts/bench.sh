@@ -21,7 +21,7 @@ for program in build/release/benchmarks/bench_*; do
   found=1
   echo "# $name"
   case $name in
-    browser | display) scripts/with-display.sh "$program" ;;
+    browser | display | windows) scripts/with-display.sh "$program" ;;
     finder | viewer) scripts/with-network.sh scripts/with-display.sh "$program" ;;
     stream) scripts/with-network.sh "$program" ;;
     terminal) QT_QPA_PLATFORM=offscreen "$program" ;;

@@ -35,17 +35,25 @@ constexpr struct {
   std::string_view prefix;
   bool allowed;
 } kToolkitPlaces[] = {
-    {"libraries/krgui/", true},     {"libraries/krgui/logic/", false}, {"apps/", true},
-    {"apps/common/", false},        {"apps/krtool/", false},           {"examples/", true},
-    {"benchmarks/browser/", true},  {"benchmarks/display/", true},     {"benchmarks/finder/", true},
-    {"benchmarks/terminal/", true}, {"benchmarks/heartbeat.h", true},  {"tests/", true},
+    {"libraries/krgui/", true},
+    {"libraries/krgui/logic/", false},
+    {"apps/", true},
+    {"apps/common/", false},
+    {"apps/krtool/", false},
+    {"examples/", true},
+    {"benchmarks/browser/", true},
+    {"benchmarks/display/", true},
+    {"benchmarks/finder/", true},
+    {"benchmarks/terminal/", true},
+    {"benchmarks/windows/", true},
+    {"benchmarks/heartbeat.h", true},
+    {"tests/", true},
 };
 
 // Public headers of the windows that hold plain values of the rules.
-constexpr std::string_view kValueHeaders[] = {"libraries/krgui/include/krgui/krdisplaymapping.h",
-                                              "libraries/krgui/include/krgui/krdisplaymapping.h",
-                                              "libraries/krgui/include/krgui/krdisplaystatistics.h",
-                                              "libraries/krgui/include/krgui/krgenrefresh.h"};
+constexpr std::string_view kValueHeaders[] = {
+    "libraries/krgui/include/krgui/krdisplaymapping.h", "libraries/krgui/include/krgui/krdisplaymapping.h",
+    "libraries/krgui/include/krgui/krdisplaystatistics.h", "libraries/krgui/include/krgui/krgenrefresh.h"};
 
 constexpr std::string_view kStandardHeaders[] = {
     "algorithm",

@@ -13,11 +13,10 @@
 #include "randomcamera.h"
 #include "randomuser.h"
 #include "windowwait.h"
+#include "xserver.h"
 
 #include <QApplication>
 #include <QTest>
-
-#include <xcb/xcb.h>
 
 #include <algorithm>
 #include <atomic>
@@ -28,7 +27,6 @@
 #include <limits>
 #include <malloc.h>
 #include <string>
-#include <sys/socket.h>
 #include <thread>
 
 namespace {
@@ -44,17 +42,6 @@ constexpr std::int64_t kMostGrowthBytes =
 #endif
 constexpr std::int64_t kMostServerGrowthBytes = 32 << 20;
 constexpr std::ptrdiff_t kMostSegmentGrowth = 1; // The second of two buffers is made when it is first needed.
-
-/// The X server's process, by the connection to it.
-std::string FindServer() {
-  xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-  ucred server{};
-  socklen_t size = sizeof server;
-  const bool isFound = xcb_connection_has_error(connection) == 0 &&
-                       ::getsockopt(xcb_get_file_descriptor(connection), SOL_SOCKET, SO_PEERCRED, &server, &size) == 0;
-  xcb_disconnect(connection);
-  return isFound ? std::to_string(server.pid) : "";
-}
 
 class Soak {
 public:
@@ -141,7 +128,7 @@ private:
     mRecords.Clear();
   }
 
-  const std::string mServer = FindServer();
+  const std::string mServer = FindXServer();
   KrLogCapture mRecords;
   KrDisplayWnd mWindow;
   RandomCamera::SharedSize mSize = 320U << 16 | 240U;

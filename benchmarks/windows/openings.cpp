@@ -1,0 +1,158 @@
+#include "openings.h"
+
+#include "figure.h"
+#include "krdevice/krdeviceadapter.h"
+#include "krgui/krcamerabridgemanagerwnd.h"
+#include "krgui/krdevicefinderwnd.h"
+#include "krgui/krdisplaywnd.h"
+#include "krgui/krgenbrowserwnd.h"
+#include "krgui/krserialbridgemanagerwnd.h"
+#include "krgui/krserialterminalwnd.h"
+#include "scene.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QEvent>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace benchmarks {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr double kLimitMs = 150;
+constexpr int kRuns = 21;
+
+/// The cameras that windows are opened on; they are open before.
+struct Cameras {
+  std::unique_ptr<KrDevice> mono = scene::OpenDevice("sim-mono");
+  std::unique_ptr<KrDevice> grabber = scene::OpenDevice("sim-grabber");
+  KrDeviceAdapter adapter{*mono};
+};
+
+/// Whether anything of a window was painted: some have an area that they leave to another one.
+class FirstPaint : public QObject {
+public:
+  explicit FirstPaint(QWidget& aWindow) : mWindow(aWindow) { qApp->installEventFilter(this); }
+  bool HasCome() const { return mHasCome; }
+
+private:
+  bool eventFilter(QObject* aWatched, QEvent* aEvent) override {
+    const auto* const widget = aEvent->type() == QEvent::Paint ? qobject_cast<QWidget*>(aWatched) : nullptr;
+    mHasCome = mHasCome || (widget && widget->window() == &mWindow);
+    return QObject::eventFilter(aWatched, aEvent);
+  }
+
+  QWidget& mWindow;
+  bool mHasCome = false;
+};
+
+/// From the begin on until a window was painted.
+double AwaitPaint(QWidget& aWidget, Clock::time_point aBegin) {
+  const FirstPaint paint(aWidget);
+  while (!paint.HasCome())
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  return std::chrono::duration<double, std::milli>(Clock::now() - aBegin).count();
+}
+
+template <typename Window>
+double Open(const std::function<void(Window&)>& aSetUp) {
+  const Clock::time_point begin = Clock::now();
+  Window window;
+  aSetUp(window);
+  scene::Require(window.ShowModeless(0));
+  const double ms = AwaitPaint(*window.GetWidget(), begin);
+  scene::Require(window.Close());
+  return ms;
+}
+
+double OpenDialog(Cameras&) {
+  const Clock::time_point begin = Clock::now();
+  QDialog dialog;
+  dialog.resize(640, 480);
+  dialog.show();
+  return AwaitPaint(dialog, begin);
+}
+
+struct Opening {
+  const char* name;
+  double (*open)(Cameras&);
+};
+
+constexpr std::array kOpenings = {
+    Opening{"finder", [](Cameras&) { return Open<KrDeviceFinderWnd>([](KrDeviceFinderWnd&) {}); }},
+    Opening{"display", [](Cameras&) { return Open<KrDisplayWnd>([](KrDisplayWnd&) {}); }},
+    Opening{"browser",
+            [](Cameras& aCameras) {
+              return Open<KrGenBrowserWnd>(
+                  [&](KrGenBrowserWnd& aWindow) { aWindow.SetGenParameterArray(aCameras.mono->GetParameters()); });
+            }},
+    Opening{"terminal",
+            [](Cameras& aCameras) {
+              return Open<KrSerialTerminalWnd>(
+                  [&](KrSerialTerminalWnd& aWindow) { scene::Require(aWindow.SetDevice(&aCameras.adapter)); });
+            }},
+    Opening{"serial_bridges",
+            [](Cameras& aCameras) {
+              return Open<KrSerialBridgeManagerWnd>(
+                  [&](KrSerialBridgeManagerWnd& aWindow) { scene::Require(aWindow.SetDevice(&aCameras.adapter)); });
+            }},
+    Opening{"camera_bridges",
+            [](Cameras& aCameras) {
+              return Open<KrCameraBridgeManagerWnd>([&](KrCameraBridgeManagerWnd& aWindow) {
+                scene::Require(aWindow.SetDevice(aCameras.grabber.get()));
+              });
+            }},
+};
+
+void Print(const Opening& aOpening, const char* aWhich, double aMs, double aDialogMs) {
+  const std::string name = std::string("open_") + aOpening.name + aWhich;
+  PrintFigure(name.c_str(), aMs, "ms", "empty_dialog", aDialogMs);
+  PrintFigure((name + "_limit").c_str(), aMs, "ms", "limit", kLimitMs);
+}
+
+} // namespace
+
+std::vector<const char*> GetOpeningNames() {
+  std::vector<const char*> names;
+  for (const Opening& opening : kOpenings)
+    names.push_back(opening.name);
+  return names;
+}
+
+bool MeasureFirstOpening(const char* aName) {
+  const auto found =
+      std::ranges::find_if(kOpenings, [&](const Opening& aOpening) { return std::strcmp(aOpening.name, aName) == 0; });
+  if (found == kOpenings.end())
+    return false;
+  Cameras cameras;
+  const double ms = found->open(cameras);
+  PrintFigure((std::string("open_") + aName + "_first").c_str(), ms, "ms", "limit", kLimitMs);
+  return true;
+}
+
+void MeasureOpenings() {
+  Cameras cameras;
+  for (const Opening& opening : kOpenings) {
+    std::array<double, kRuns> ours{};
+    std::array<double, kRuns> dialogs{};
+    for (int run = 0; run < kRuns; ++run) {
+      dialogs[static_cast<std::size_t>(run)] = OpenDialog(cameras);
+      ours[static_cast<std::size_t>(run)] = opening.open(cameras);
+    }
+    std::ranges::sort(ours);
+    std::ranges::sort(dialogs);
+    Print(opening, "_median", ours[kRuns / 2], dialogs[kRuns / 2]);
+    Print(opening, "_worst", ours.back(), dialogs.back());
+  }
+}
+
+} // namespace benchmarks
