@@ -1,9 +1,8 @@
 // The parameters of a stream and of a connection that Aravis carries, with a camera that is not ours.
 
-#include "gigevisionfixture.h"
+#include "gigevisiondevicefixture.h"
 #include "parametertext.h"
 
-#include "krdevice/krdevicegev.h"
 #include "krdevice/krstream.h"
 
 namespace {
@@ -11,19 +10,12 @@ namespace {
 constexpr std::uint64_t kHeartbeatRegister = 0x0938;
 constexpr std::uint32_t kPacketSizeBits = 0xFFFF;
 
-class GigEVisionHostParameters : public GigEVisionCameraTest {
+class GigEVisionHostParameters : public GigEVisionDeviceTest {
 protected:
-  explicit GigEVisionHostParameters(FakeCameraOptions aOptions = {}) : GigEVisionCameraTest(std::move(aOptions)) {}
+  explicit GigEVisionHostParameters(FakeCameraOptions aOptions = {}) : GigEVisionDeviceTest(std::move(aOptions)) {}
 
   void SetUp() override {
-    GigEVisionCameraTest::SetUp();
-    if (HasFatalFailure())
-      return;
-    std::unique_ptr<krsystem::IDeviceLink> link = OpenControlled();
-    ASSERT_NE(link, nullptr);
-    mLink = link.get();
-    mOpened =
-        std::make_unique<KrDeviceGEV>(std::move(link), std::get<krsystem::GEVFields>(mDevice), KrDeviceAccess::Control);
+    ASSERT_NO_FATAL_FAILURE(GigEVisionDeviceTest::SetUp());
     mStream = std::make_unique<KrStream>(*mOpened);
     ASSERT_TRUE(mStream->GetParameters(mStreamArray).IsOK());
     ASSERT_TRUE(mOpened->GetTransportParameters(mConnection).IsOK());
@@ -47,8 +39,6 @@ protected:
     return TakeUntil([&aFrames] { return aFrames-- == 0; });
   }
 
-  krsystem::IDeviceLink* mLink = nullptr; // The device's.
-  std::unique_ptr<KrDevice> mOpened;
   std::unique_ptr<KrStream> mStream;
   KrGenParameterArray* mStreamArray = nullptr;
   KrGenParameterArray* mConnection = nullptr;

@@ -1,9 +1,8 @@
 // The parameters that a frame's size depends on, locked while a stream runs. The camera gets a description in which the
 // lock is a register, as real ones have it, in place of a number that only the host knows, and locks the width.
 
-#include "gigevisionfixture.h"
+#include "gigevisiondevicefixture.h"
 
-#include "krdevice/krdevicegev.h"
 #include "krdevice/krstream.h"
 
 #include <filesystem>
@@ -69,24 +68,16 @@ private:
       (std::filesystem::temp_directory_path() / ("lock" + std::to_string(::getpid()) + ".xml")).string();
 };
 
-class GigEVisionLocking : private LockDescription, public GigEVisionCameraTest {
+class GigEVisionLocking : private LockDescription, public GigEVisionDeviceTest {
 protected:
-  GigEVisionLocking() : GigEVisionCameraTest(MakeOptions()) {}
+  GigEVisionLocking() : GigEVisionDeviceTest(MakeOptions()) {}
 
   void SetUp() override {
-    GigEVisionCameraTest::SetUp();
-    if (HasFatalFailure())
-      return;
-    std::unique_ptr<krsystem::IDeviceLink> link = OpenControlled();
-    ASSERT_NE(link, nullptr);
-    mLink = link.get();
-    mOpen = std::make_unique<KrDeviceGEV>(std::move(link), std::get<krsystem::GEVFields>(mDevice));
-    mStream = std::make_unique<KrStream>(*mOpen);
+    ASSERT_NO_FATAL_FAILURE(GigEVisionDeviceTest::SetUp());
+    mStream = std::make_unique<KrStream>(*mOpened);
   }
   std::uint32_t ReadLock() { return ReadRegister(*mLink, kLockRegister); }
 
-  krsystem::IDeviceLink* mLink = nullptr; // The device's.
-  std::unique_ptr<KrDevice> mOpen;
   std::unique_ptr<KrStream> mStream;
 };
 
@@ -102,7 +93,7 @@ TEST_F(GigEVisionLocking, StartedAndStopped_IsLockedInBetween) {
 
 TEST_F(GigEVisionLocking, LockedParameter_FromStartToStop_CannotBeSet) {
   KrGenParameterArray* array = nullptr;
-  ASSERT_TRUE(mOpen->GetParameters(array).IsOK());
+  ASSERT_TRUE(mOpened->GetParameters(array).IsOK());
   KrGenInteger& width = *array->GetInteger("Width");
   ASSERT_TRUE(width.SetValue(320).IsOK());
 
@@ -121,7 +112,7 @@ TEST_F(GigEVisionLocking, ClosedWhileStreaming_IsUnlocked) {
   ASSERT_TRUE(mStream->Start().IsOK());
 
   mStream.reset();
-  mOpen.reset();
+  mOpened.reset();
 
   std::unique_ptr<krsystem::IDeviceLink> monitor;
   ASSERT_TRUE(Open(krsystem::DeviceAccess::Monitor, monitor).IsOK());

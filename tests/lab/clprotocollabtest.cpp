@@ -8,6 +8,7 @@
 #include "krgenicam/krgenparameterarray.h"
 #include "line/deviceline.h"
 #include "line/devicelinespeed.h"
+#include "parametertext.h"
 
 #include <gmock/gmock.h>
 
@@ -64,11 +65,7 @@ protected:
     EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
     return width;
   }
-  std::string GetRate() {
-    KrString entry;
-    EXPECT_TRUE(GetArray().GetEnum("Uart0BaudRate")->GetEntry(entry).IsOK());
-    return entry.ToUtf8();
-  }
+  KrString GetRate() { return ReadText(GetArray(), "Uart0BaudRate"); }
 
   std::optional<KrDeviceAdapter> mAdapter;
   std::optional<DeviceLine> mLine;
@@ -118,7 +115,7 @@ TEST_F(CLProtocolPortTest, Camera_IsConnectedWithEachDescriptionAndItsParameters
 }
 
 TEST_F(CLProtocolPortTest, Speed_IsRaisedForTheConnectionAndPutBackBehindIt) {
-  const std::string before = GetRate();
+  const KrString before = GetRate();
   ASSERT_NO_FATAL_FAILURE(Connect());
   EXPECT_NE(GetRate(), before);
 

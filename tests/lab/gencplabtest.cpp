@@ -6,6 +6,7 @@
 #include "krgenicam/krgenparameterarray.h"
 #include "line/deviceline.h"
 #include "line/devicelinespeed.h"
+#include "parametertext.h"
 
 namespace {
 
@@ -53,11 +54,7 @@ protected:
     EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
     EXPECT_EQ(value, 256);
   }
-  std::string GetRate() {
-    KrString entry;
-    EXPECT_TRUE(GetArray().GetEnum("Uart0BaudRate")->GetEntry(entry).IsOK());
-    return entry.ToUtf8();
-  }
+  KrString GetRate() { return ReadText(GetArray(), "Uart0BaudRate"); }
 
   std::optional<KrDeviceAdapter> mAdapter;
   std::optional<DeviceLine> mLine;
@@ -80,7 +77,7 @@ TEST_F(GenCPPortTest, Camera_IsConnectedAndItsParametersCanBeSet) {
 }
 
 TEST_F(GenCPPortTest, Speed_IsRaisedForTheConnectionAndPutBackBehindIt) {
-  const std::string before = GetRate();
+  const KrString before = GetRate();
   Connect();
 
   EXPECT_NE(GetRate(), before);

@@ -1,14 +1,11 @@
 #include "krsystem/krsystem.h"
 #include "krsystem/transportregistry.h"
 #include "krtransport/krtransport.h"
+#include "temporaryfolder.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
-
-#include <unistd.h>
 
 using testing::HasSubstr;
 
@@ -20,18 +17,13 @@ KrResult Install(const KrString& aLabFile) {
 
 class InstalledLabTest : public testing::Test {
 protected:
-  ~InstalledLabTest() override { std::filesystem::remove_all(mFolder); }
   KrString Write(const char* aName, const std::string& aText) {
-    const std::filesystem::path file = mFolder / aName;
-    std::ofstream(file) << aText;
-    return file.string();
+    const std::string file = mFolder.GetFile(aName);
+    TemporaryFolder::WriteFile(file, aText);
+    return file;
   }
 
-  const std::filesystem::path mFolder = [] {
-    std::string name = testing::TempDir() + "labXXXXXX";
-    EXPECT_NE(mkdtemp(name.data()), nullptr);
-    return std::filesystem::path(name);
-  }();
+  const TemporaryFolder mFolder;
 };
 
 } // namespace

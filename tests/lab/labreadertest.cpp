@@ -3,14 +3,11 @@
 #include "krpersistence/yamltext.h"
 #include "simulation/builtinlabtext.h"
 #include "simulation/labfile/labnumbering.h"
+#include "temporaryfolder.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
 #include <set>
-
-#include <unistd.h>
 
 using krtransport::Lab;
 using krtransport::LabGEVCamera;
@@ -184,18 +181,13 @@ class LabReaderRefusals : public BadLabFiles {};
 
 class LabFileTest : public testing::Test {
 protected:
-  ~LabFileTest() override { std::filesystem::remove_all(mFolder); }
   KrString Write(const std::string& aText) {
-    const std::filesystem::path file = mFolder / "lab.yaml";
-    std::ofstream(file) << aText;
-    return file.string();
+    const std::string file = mFolder.GetFile("lab.yaml");
+    TemporaryFolder::WriteFile(file, aText);
+    return file;
   }
 
-  const std::filesystem::path mFolder = [] {
-    std::string name = testing::TempDir() + "labXXXXXX";
-    EXPECT_NE(mkdtemp(name.data()), nullptr);
-    return std::filesystem::path(name);
-  }();
+  const TemporaryFolder mFolder;
 };
 
 } // namespace
@@ -420,6 +412,6 @@ TEST_F(LabFileTest, Read_BadFile_NamesIt) {
 TEST_F(LabFileTest, Read_NoFileOrAFolder_IsNotFound) {
   Lab lab;
 
-  EXPECT_TRUE(krtransport::ReadLab((mFolder / "none").string(), lab) == KrResult::Code::NotFound);
-  EXPECT_TRUE(krtransport::ReadLab(mFolder.string(), lab) == KrResult::Code::NotFound);
+  EXPECT_TRUE(krtransport::ReadLab(mFolder.GetFile("none"), lab) == KrResult::Code::NotFound);
+  EXPECT_TRUE(krtransport::ReadLab(mFolder.GetPath().string(), lab) == KrResult::Code::NotFound);
 }

@@ -3,6 +3,7 @@
 
 #include "krbuffer/krbuffer.h"
 
+#include <QColor>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPixmap>
@@ -31,6 +32,16 @@ inline QImage ToQImage(const IKrImage& aMono8) {
 }
 inline QImage ToQImage(const KrBuffer& aMono8) {
   return ToQImage(*aMono8.GetImage());
+}
+
+/// What of a picture is white, as a rectangle in its pixels.
+inline QRect FindWhite(const QImage& aPicture) {
+  QRect white;
+  for (int y = 0; y < aPicture.height(); ++y)
+    for (int x = 0; x < aPicture.width(); ++x)
+      if (aPicture.pixelColor(x, y) == QColor(Qt::white))
+        white |= QRect(x, y, 1, 1);
+  return white;
 }
 
 /// A part of the root window, as it is on the screen.

@@ -1,6 +1,7 @@
 // The way between a display's widget and its image, compared with what is seen there.
 
 #include "displayfixture.h"
+#include "displaypictures.h"
 
 namespace {
 
@@ -16,15 +17,6 @@ protected:
     KrBuffer image = MakeGrey(kImageWidth, kImageHeight, 0);
     image.GetDataPointer()[kMarkY * kImageWidth + kMarkX] = 255;
     ASSERT_TRUE(mWindow.Display(image, false).IsOK());
-  }
-  // What of the picture is white, in device pixels.
-  static QRect FindWhite(const QImage& aPicture) {
-    QRect white;
-    for (int y = 0; y < aPicture.height(); ++y)
-      for (int x = 0; x < aPicture.width(); ++x)
-        if (aPicture.pixelColor(x, y) == QColor(Qt::white))
-          white |= QRect(x, y, 1, 1);
-    return white;
   }
   // Where the way leads from the pixel's edges, to the nearest device pixel.
   void ExpectMarkWhereItIsSeen() {

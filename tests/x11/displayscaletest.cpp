@@ -1,6 +1,7 @@
 // The display on a screen whose scale is another one: every pixel of its native windows is looked at, as the server has
 // them. The scale comes from the environment.
 
+#include "displaypictures.h"
 #include "displayscreen.h"
 #include "windowwait.h"
 
@@ -70,15 +71,6 @@ protected:
     return QImage(xcb_get_image_data(reply.get()), aRect.width(), aRect.height(), QImage::Format_RGB32).copy();
   }
   QImage GrabView() const { return GrabNative(FindNativeView()); }
-
-  static QRect FindWhite(const QImage& aPicture) {
-    QRect white;
-    for (int y = 0; y < aPicture.height(); ++y)
-      for (int x = 0; x < aPicture.width(); ++x)
-        if (aPicture.pixelColor(x, y) == QColor(Qt::white))
-          white |= QRect(x, y, 1, 1);
-    return white;
-  }
 
   void ExpectFittedNatively(const KrBuffer& aImage, const std::string& aWhere) const {
     std::string difference;

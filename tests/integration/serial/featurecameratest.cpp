@@ -1,11 +1,10 @@
 // Serial ports behind the features of a camera of an independent program, over its real control channel. Its registers
 // are memory, which its description makes lines of: what is sent lies where what came is read.
 
-#include "gigevisionfixture.h"
+#include "gigevisiondevicefixture.h"
 
 #include "describedcamera.h"
 #include "krdevice/krdeviceadapter.h"
-#include "krdevice/krdevicegev.h"
 #include "krserial/krdeviceserialport.h"
 #include "krserial/krserialfeatures.h"
 #include "temporaryfolder.h"
@@ -99,9 +98,9 @@ FakeCameraOptions MakeOptions() {
   return options;
 }
 
-class FeatureCamera : public GigEVisionCameraTest {
+class FeatureCamera : public GigEVisionDeviceTest {
 protected:
-  FeatureCamera() : GigEVisionCameraTest(MakeOptions()) {
+  FeatureCamera() : GigEVisionDeviceTest(MakeOptions()) {
     setenv("XDG_CONFIG_HOME", GetFolder().GetPath().c_str(), 1);
     const std::string file = GetFolder().GetFile("map.yaml");
     TemporaryFolder::WriteFile(file, kMap);
@@ -113,15 +112,8 @@ protected:
     unsetenv("XDG_CONFIG_HOME");
   }
   void SetUp() override {
-    GigEVisionCameraTest::SetUp();
-    if (HasFatalFailure())
-      return;
-    std::unique_ptr<krsystem::IDeviceLink> link = OpenControlled();
-    ASSERT_NE(link, nullptr);
-    mLink = link.get();
-    mOpenDevice = std::make_unique<KrDeviceGEV>(
-        std::move(link), std::get<krsystem::GEVFields>(GigEVisionCameraTest::mDevice), KrDeviceAccess::Control);
-    mAdapter = std::make_unique<KrDeviceAdapter>(*mOpenDevice);
+    ASSERT_NO_FATAL_FAILURE(GigEVisionDeviceTest::SetUp());
+    mAdapter = std::make_unique<KrDeviceAdapter>(*mOpened);
   }
   KrResult Write(const std::string& aText) {
     return mPort.Write(reinterpret_cast<const std::uint8_t*>(aText.data()), static_cast<std::uint32_t>(aText.size()),
@@ -143,8 +135,6 @@ protected:
     return result;
   }
 
-  krsystem::IDeviceLink* mLink = nullptr; // The device's.
-  std::unique_ptr<KrDevice> mOpenDevice;
   std::unique_ptr<KrDeviceAdapter> mAdapter;
   KrDeviceSerialPort mPort;
   std::uint32_t mWritten = 0;

@@ -54,6 +54,15 @@ protected:
     QTest::mouseRelease(GetPicture(), Qt::LeftButton, {}, aTo);
   }
   void Press(Qt::Key aKey, Qt::KeyboardModifiers aModifiers = {}) { QTest::keyClick(GetPicture(), aKey, aModifiers); }
+  // A region of 320 by 240 in the middle of the upper left.
+  void OpenWithASmallRegion() {
+    Open();
+    Begin();
+    Drag({80, 60}, {240, 180});
+    Press(Qt::Key_Return);
+    ASSERT_TRUE(AwaitPicture(320, 240));
+    ASSERT_TRUE(Await([this] { return !mEditor.IsEditing(); }));
+  }
   static QMessageBox* FindMessage() {
     for (QWidget* const window : QApplication::topLevelWidgets())
       if (auto* const box = qobject_cast<QMessageBox*>(window); box && box->isVisible())
@@ -88,12 +97,7 @@ TEST_F(RegionEditorTest, RegionDrawnWithTheMouse_IsWhatFramesHave) {
 }
 
 TEST_F(RegionEditorTest, RegionWithinARegion_AddsThePresentOffset) {
-  Open();
-  Begin();
-  Drag({80, 60}, {240, 180});
-  Press(Qt::Key_Return);
-  ASSERT_TRUE(AwaitPicture(320, 240));
-  ASSERT_TRUE(Await([this] { return !mEditor.IsEditing(); }));
+  ASSERT_NO_FATAL_FAILURE(OpenWithASmallRegion());
 
   Begin(); // Two pixels of the widget for one of the camera now.
   Drag({64, 48}, {320, 240});
@@ -138,12 +142,7 @@ TEST_F(RegionEditorTest, Escape_GivesUpTheDragThenTheDrawingAndNeverTheWindow) {
 }
 
 TEST_F(RegionEditorTest, FullFrame_IsSetWithoutDrawing) {
-  Open();
-  Begin();
-  Drag({80, 60}, {240, 180});
-  Press(Qt::Key_Return);
-  ASSERT_TRUE(AwaitPicture(320, 240));
-  ASSERT_TRUE(Await([this] { return !mEditor.IsEditing(); }));
+  ASSERT_NO_FATAL_FAILURE(OpenWithASmallRegion());
 
   mEditor.SetFullFrame();
 
