@@ -1,5 +1,6 @@
 #include "acquisition/devicesettings.h"
 
+#include "filedialogs.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krgenicam/krgensettings.h"
 #include "window/showntext.h"
@@ -16,6 +17,10 @@ namespace {
 
 bool IsCutShort(const KrResult& aResult) {
   return aResult == KrResult::Code::Aborted || aResult == KrResult::Code::ConnectionLost;
+}
+
+FileQuestion MakeQuestion(const QString& aTitle) {
+  return {.title = aTitle, .filter = QStringLiteral("Device settings (*.txt)"), .suffix = QStringLiteral("txt")};
 }
 
 } // namespace
@@ -61,17 +66,14 @@ void DeviceSettings::End() {
   mControl = nullptr;
 }
 
-void DeviceSettings::AskForFile(bool aIsToSave) {
-  auto* const dialog = new QFileDialog(&mPage);
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setWindowTitle(aIsToSave ? QStringLiteral("Save Device Settings") : QStringLiteral("Load Device Settings"));
-  dialog->setAcceptMode(aIsToSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-  dialog->setFileMode(aIsToSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-  dialog->setNameFilters({QStringLiteral("Device settings (*.txt)"), QStringLiteral("All files (*)")});
-  if (aIsToSave)
-    dialog->setDefaultSuffix(QStringLiteral("txt"));
-  connect(dialog, &QFileDialog::fileSelected, this, aIsToSave ? &DeviceSettings::Save : &DeviceSettings::Load);
-  dialog->open();
+void DeviceSettings::AskForLoading() {
+  connect(&OpenLoadDialog(mPage, MakeQuestion(QStringLiteral("Load Device Settings"))), &QFileDialog::fileSelected,
+          this, &DeviceSettings::Load);
+}
+
+void DeviceSettings::AskForSaving() {
+  connect(&OpenSaveDialog(mPage, MakeQuestion(QStringLiteral("Save Device Settings"))), &QFileDialog::fileSelected,
+          this, &DeviceSettings::Save);
 }
 
 void DeviceSettings::Load(const QString& aFile) {

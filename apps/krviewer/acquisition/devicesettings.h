@@ -36,8 +36,8 @@ public:
   QString GetProgressText() const;
   /// Ends what is under way soon; what came of it is told.
   void Cancel();
-  void AskForLoading() { AskForFile(false); }
-  void AskForSaving() { AskForFile(true); }
+  void AskForLoading();
+  void AskForSaving();
   void Load(const QString& aFile);
   void Save(const QString& aFile);
   /// Ends what is under way; nothing is told of it.
@@ -48,7 +48,6 @@ private:
   struct Outcome;
   using Work = KrResult (*)(KrGenParameterArray& aParameters, const KrString& aFile, Outcome& aOutcome);
 
-  void AskForFile(bool aIsToSave);
   /// What is said of a work.
   struct Words {
     QString doing;

@@ -1,6 +1,7 @@
 #include "bridges/bridgedialogs.h"
 
 #include "bridges/bridgewindow.h"
+#include "filedialogs.h"
 #include "window/showntext.h"
 
 #include <QFileDialog>
@@ -19,6 +20,10 @@ namespace {
 /// program's.
 constexpr int kMostLetters = 300;
 constexpr int kMostLines = 5;
+
+FileQuestion MakeQuestion(const QString& aTitle) {
+  return {.title = aTitle, .filter = QStringLiteral("Bridge setups (*.xml)"), .suffix = QStringLiteral("xml")};
+}
 
 } // namespace
 
@@ -68,17 +73,12 @@ void BridgeDialogs::Show() {
   }
 }
 
-void BridgeDialogs::AskForFile(bool aIsToSave) {
-  auto* const dialog = new QFileDialog(&mPage);
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setWindowTitle(aIsToSave ? mWords.save : mWords.load);
-  dialog->setAcceptMode(aIsToSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-  dialog->setFileMode(aIsToSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-  dialog->setNameFilters({QStringLiteral("Bridge setups (*.xml)"), QStringLiteral("All files (*)")});
-  if (aIsToSave)
-    dialog->setDefaultSuffix(QStringLiteral("xml"));
-  connect(dialog, &QFileDialog::fileSelected, this, aIsToSave ? &BridgeDialogs::Save : &BridgeDialogs::Load);
-  dialog->open();
+void BridgeDialogs::AskForLoading() {
+  connect(&OpenLoadDialog(mPage, MakeQuestion(mWords.load)), &QFileDialog::fileSelected, this, &BridgeDialogs::Load);
+}
+
+void BridgeDialogs::AskForSaving() {
+  connect(&OpenSaveDialog(mPage, MakeQuestion(mWords.save)), &QFileDialog::fileSelected, this, &BridgeDialogs::Save);
 }
 
 void BridgeDialogs::Load(const QString& aFileName) {

@@ -41,11 +41,10 @@ public:
   void Show();
   /// Whether a setup can be loaded or saved at the moment.
   bool CanUseFiles() const;
-  void AskForLoading() { AskForFile(false); }
-  void AskForSaving() { AskForFile(true); }
+  void AskForLoading();
+  void AskForSaving();
 
 private:
-  void AskForFile(bool aIsToSave);
   void Load(const QString& aFileName);
   void Save(const QString& aFileName);
   void TellNews(BridgeNews aNews, const KrStringList& aLines);

@@ -1,5 +1,6 @@
 #include "panels/intervalpanel.h"
 
+#include "filedialogs.h"
 #include "krbase/krsteadytime.h"
 #include "panels/graphcolours.h"
 #include "panels/intervalplot.h"
@@ -167,18 +168,16 @@ void IntervalPanel::Reset() {
 }
 
 void IntervalPanel::Export() {
-  auto* const dialog = new QFileDialog(this, QStringLiteral("Export Frame Intervals"));
-  dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setNameFilters({QStringLiteral("Comma-separated values (*.csv)"), QStringLiteral("All files (*)")});
-  dialog->setDefaultSuffix(QStringLiteral("csv"));
-  dialog->selectFile(QStringLiteral("frame-intervals.csv"));
+  const FileQuestion question = {.title = QStringLiteral("Export Frame Intervals"),
+                                 .filter = QStringLiteral("Comma-separated values (*.csv)"),
+                                 .suffix = QStringLiteral("csv"),
+                                 .name = QStringLiteral("frame-intervals.csv")};
   // What was seen when the button was pressed, however long it takes to find a name.
-  connect(dialog, &QFileDialog::fileSelected, this, [this, view = GetView()](const QString& aFile) {
-    if (const KrResult saved = SaveIntervalTable(aFile.toStdString(), view); !saved.IsOK())
-      TellFailure(this, saved);
-  });
-  dialog->open();
+  connect(&OpenSaveDialog(*this, question), &QFileDialog::fileSelected, this,
+          [this, view = GetView()](const QString& aFile) {
+            if (const KrResult saved = SaveIntervalTable(aFile.toStdString(), view); !saved.IsOK())
+              TellFailure(this, saved);
+          });
 }
 
 } // namespace krviewer
