@@ -198,14 +198,17 @@ KrResult FeatureChannel::Poll(std::unique_lock<std::mutex>& aLock, const Call& a
   return polled;
 }
 
-KrResult FeatureChannel::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, std::uint32_t aTimeoutMs,
-                              const std::stop_token& aCancel) {
-  aRead = 0;
-  // Before the lock is taken: at once where the device has ended.
-  const std::stop_callback onEnd(mLifetime->GetEnd(), [this] {
+FeatureChannel::EndWatch FeatureChannel::WatchEnd() {
+  return EndWatch(mLifetime->GetEnd(), [this] {
     const std::lock_guard lock(mMutex);
     mChanged.notify_all();
   });
+}
+
+KrResult FeatureChannel::Read(std::uint8_t* aBytes, std::size_t aSize, std::size_t& aRead, std::uint32_t aTimeoutMs,
+                              const std::stop_token& aCancel) {
+  aRead = 0;
+  const EndWatch watch = WatchEnd();
   std::unique_lock lock(mMutex);
   Call call = {0, Clock::now() + std::chrono::milliseconds(aTimeoutMs), aCancel};
   if (KrResult begun = Begin(call.opening); !begun.IsOK())
@@ -259,10 +262,7 @@ KrResult FeatureChannel::Transmit(std::unique_lock<std::mutex>& aLock, const std
 KrResult FeatureChannel::Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_t& aWritten,
                                std::uint32_t aTimeoutMs, const std::stop_token& aCancel) {
   aWritten = 0;
-  const std::stop_callback onEnd(mLifetime->GetEnd(), [this] {
-    const std::lock_guard lock(mMutex);
-    mChanged.notify_all();
-  });
+  const EndWatch watch = WatchEnd();
   std::unique_lock lock(mMutex);
   Call call = {0, Clock::now() + std::chrono::milliseconds(aTimeoutMs), aCancel};
   if (KrResult begun = Begin(call.opening); !begun.IsOK())

@@ -14,6 +14,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <stop_token>
 
 namespace krserial {
 
@@ -45,6 +46,8 @@ private:
     const std::stop_token& cancel;
   };
 
+  using EndWatch = std::stop_callback<std::function<void()>>;
+
   KrResult Step(const std::function<KrResult(IFeatureLine&)>& aStep);
   KrResult Drain();
   void Rest();
@@ -57,6 +60,8 @@ private:
   KrResult AwaitRoom(std::unique_lock<std::mutex>& aLock, const Call& aCall);
   void PaceReceiving(bool aHasReceived);
   void PaceSending();
+  /// Wakes those who wait when the device ends: at once where it has, so that it is called without the lock.
+  EndWatch WatchEnd();
 
   const std::shared_ptr<KrDeviceLifetime> mLifetime;
   const std::shared_ptr<FeatureTurn> mTurn;
