@@ -46,4 +46,9 @@ void BackgroundCall::End() {
   mThread.join();
 }
 
+void BackgroundCall::Leave() {
+  if (IsRunning())
+    mThread.detach();
+}
+
 } // namespace krviewer

@@ -31,6 +31,8 @@ public:
   void Await() const;
   /// Ends the work, which is over afterwards, and nothing follows.
   void End();
+  /// Lets go of work that may never be over: it goes on with what it owns, and nothing follows.
+  void Leave();
 
 private:
   std::jthread mThread;

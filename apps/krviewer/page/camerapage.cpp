@@ -199,6 +199,18 @@ void CameraPage::AwaitEnd() {
     std::this_thread::sleep_for(kRecordingLook);
 }
 
+std::optional<std::uint64_t> CameraPage::GetWritten() const {
+  if (!IsWriting())
+    return std::nullopt;
+  const RecordingCounts counts = mRecorder.GetProgress().counts;
+  return counts.written + counts.failed + counts.abandoned + mSaver.GetCompleted();
+}
+
+void CameraPage::LeaveFiles() {
+  mRecorder.Leave();
+  mSaver.Leave();
+}
+
 void CameraPage::StartOrStopRecording() {
   mPanels.Show(Panel::Recording, true);
   mRecordPanel->StartOrStop();

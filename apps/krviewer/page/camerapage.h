@@ -23,7 +23,9 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 
 class QMainWindow;
 
@@ -81,6 +83,10 @@ public:
   RecordingProgress GetRecording() const { return mRecorder.GetProgress(); }
   /// Stops a recording without what is not written yet.
   void GiveUpRecording() { mRecorder.GiveUp(); }
+  /// Changes as what is recorded and saved gets on; nothing where nothing is.
+  std::optional<std::uint64_t> GetWritten() const;
+  /// Does not wait any longer for files whose disk does not answer: they have failed.
+  void LeaveFiles();
   const QStringList& GetSavingFailures() const { return mSaver.GetFailures(); }
   /// Starts a recording as its panel says, which is shown, or stops the one that runs.
   void StartOrStopRecording();

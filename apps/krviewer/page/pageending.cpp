@@ -69,7 +69,9 @@ EndingWork MakeEndingWork(CameraPage& aPage) {
   return {.isOver = [&aPage] { return aPage.FollowEnd(); },
           .describe = [&aPage] { return DescribeEnding(aPage); },
           .isRecording = [&aPage] { return aPage.IsRecording(); },
-          .abandon = [&aPage] { aPage.GiveUpRecording(); }};
+          .abandon = [&aPage] { aPage.GiveUpRecording(); },
+          .getWritten = [&aPage] { return aPage.GetWritten(); },
+          .leave = [&aPage] { aPage.LeaveFiles(); }};
 }
 
 QString TellWritten(const CameraPage& aPage) {

@@ -86,6 +86,18 @@ void FrameSaver::AwaitWritten() {
   }
 }
 
+void FrameSaver::Leave() {
+  Follow();
+  if (!IsBusy())
+    return;
+  mCall.Leave();
+  mTimer.stop();
+  mJobs.push_front(std::exchange(mJob, nullptr));
+  for (const std::shared_ptr<Job>& job : std::exchange(mJobs, {}))
+    mFailures.append(tr("The frame was not saved as %1: its disk did not answer, and nobody waited for it any longer.")
+                         .arg(QDir::toNativeSeparators(ToText(job->options.fileName))));
+}
+
 void FrameSaver::Ask(QWidget* aParent) {
   if (mDialog) {
     mDialog->raise();
@@ -160,12 +172,15 @@ void FrameSaver::Save(std::shared_ptr<const KrBuffer> aFrame, const QString& aFi
 }
 
 void FrameSaver::StartNext() {
+  mJob = nullptr;
   if (mJobs.empty())
     return mTimer.stop();
   const std::shared_ptr<Job> job = mJobs.front();
   mJobs.pop_front();
+  mJob = job;
   mCall.Start([job](const std::stop_token&) { job->result = krapps::WriteFrame(*job->frame, job->options); }, [] {},
               [this, job] {
+                ++mCompleted;
                 StartNext();
                 Tell(*job);
               });

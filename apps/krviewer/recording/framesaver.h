@@ -11,6 +11,7 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <cstdint>
 #include <deque>
 #include <memory>
 
@@ -44,6 +45,10 @@ public:
   void Follow() { mCall.Follow(); }
   /// Returns when it is.
   void AwaitWritten();
+  /// So many files were written, or could not be.
+  std::uint64_t GetCompleted() const { return mCompleted; }
+  /// Does not wait any longer for a disk that does not answer: what is not written yet is a failure. After the end.
+  void Leave();
   /// Why frames could not be written after the end.
   const QStringList& GetFailures() const { return mFailures; }
 
@@ -76,9 +81,11 @@ private:
   QString mFolder;
   krapps::FrameFileFormat mFormat = krapps::FrameFileFormat::TIFF;
   std::deque<std::shared_ptr<Job>> mJobs; ///< Those that wait.
+  std::shared_ptr<Job> mJob;              ///< The one that is at work, for its thread, too; null without one.
   BackgroundCall mCall;
   QTimer mTimer; ///< Runs while a file is written.
   QStringList mFailures;
+  std::uint64_t mCompleted = 0;
   bool mIsEnded = false;
 };
 

@@ -1,16 +1,11 @@
 #pragma once
 // Records a camera's frames: copies them as they come into a bounded memory, from which a thread of its own writes them
-// to the disk. What the files look like is left to the folder, words and controls to the panel.
+// to the disk. What is recorded and how far it has come is the recording's, words and controls are left to the panel.
 
 #include "acquisition/framesink.h"
-#include "recording/framequeue.h"
-#include "recording/recordingfolder.h"
-#include "recording/recordingoptions.h"
-#include "recording/recordingprogress.h"
+#include "recording/recording.h"
 
-#include <condition_variable>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -26,11 +21,11 @@ namespace krviewer {
 ///
 /// Thread: OnFrame, OnAcquisitionStarted and OnAcquisitionEnded on the thread that takes the frames, which they never
 /// keep for longer than a copy of a frame takes; the rest on one other.
-/// Ownership: owns its thread; to be unregistered from the frames before it ends.
+/// Ownership: owns its thread, but for one that was left; to be unregistered from the frames before it ends.
 class Recorder : public FrameSink {
 public:
-  /// A steady clock in nanoseconds, which frames' arrival times do not go by.
-  using Clock = std::function<std::uint64_t()>;
+  /// Which frames' arrival times do not go by.
+  using Clock = Recording::Clock;
 
   explicit Recorder(Clock aClock = {});
   /// Ends at once, with what was in memory abandoned.
@@ -45,6 +40,9 @@ public:
   void GiveUp();
   /// The same. Returns when the files are closed, which takes as long as one frame.
   void Abandon();
+  /// Ends a recording whose disk does not answer, without waiting for that: it has failed, and another may be started.
+  /// Once the disk answers it is given nothing more. Nothing happens to one that is over.
+  void Leave();
   /// Whether a recording is not over yet.
   bool IsBusy() const;
   RecordingProgress GetProgress() const;
@@ -54,40 +52,16 @@ public:
   void OnAcquisitionEnded(const KrResult& aReason) override;
 
 private:
-  void Run();
-  void WriteFrames(RecordingFolder& aFolder);
-  std::unique_ptr<RecordedFrame> AwaitFrame();
-  /// Null for a folder that could not be made.
-  void Finish(RecordingFolder* aFolder);
-
-  // What follows is done under the lock.
-
-  std::unique_ptr<RecordedFrame> Accept(const KrBuffer& aFrame);
-  void EndTaking(RecordingEnd aEnd);
-  void EndByTime();
-  void NoteFailure(const KrResult& aReason);
-  void NoteRoom(const RecordingFolder& aFolder);
-  bool NoteNoRoom(RecordingEnd aReason);
-  bool NoteWritten(const KrResult& aWritten);
-  void Fail(const KrResult& aReason);
-  std::uint64_t GetElapsedNs() const { return mClock() - mBeginNs; }
+  std::shared_ptr<Recording> Get() const;
+  /// Gives the recording, too.
+  std::shared_ptr<Recording> SetFed(bool aIsFed);
 
   const Clock mClock;
 
-  mutable std::mutex mMutex; ///< Guards everything below but the thread.
-  std::condition_variable mChanged;
-  RecordingOptions mOptions; ///< Changes between recordings alone, so that the recorder's thread reads it as it likes.
-  FrameQueue mQueue;
-  RecordingProgress mProgress; ///< Without what is filled in when it is asked for.
-  std::uint64_t mBeginNs = 0;
-  std::uint64_t mCandidates = 0; ///< Frames that could be recorded, of which every n-th is.
-  std::uint64_t mTaken = 0;
-  std::uint64_t mRun = 0;
-  std::uint64_t mIncompleteBefore = 0;
-  std::uint64_t mQueueFullBefore = 0;
-  bool mIsCopying = false; ///< A frame is between room and queue.
-  bool mIsFed = false;     ///< Known whether or not something is recorded.
-  std::jthread mThread;
+  mutable std::mutex mMutex;             ///< Guards both.
+  std::shared_ptr<Recording> mRecording; ///< The last one; null before the first.
+  bool mIsFed = false;                   ///< The camera streams, whether or not something is recorded.
+  std::thread mThread;
 };
 
 } // namespace krviewer

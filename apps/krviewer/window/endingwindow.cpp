@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QFontMetrics>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QStringList>
@@ -20,22 +21,47 @@ constexpr std::chrono::milliseconds kLookInterval{50};
 /// What is over before is no reason for a window.
 constexpr std::chrono::milliseconds kPatience{500};
 constexpr int kLettersPerLine = 60;
+constexpr std::uint64_t kMsPerSecond = 1000;
+
+std::uint64_t GetSteadyMs() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+QPushButton* MakeButton(const char* aName, const char* aText, const char* aToolTip) {
+  auto* const button = new QPushButton(QString::fromUtf8(aText));
+  button->setObjectName(QString::fromLatin1(aName));
+  button->setToolTip(QString::fromUtf8(aToolTip));
+  button->setAutoDefault(true);
+  button->hide();
+  return button;
+}
 
 } // namespace
 
-EndingWindow::EndingWindow(std::vector<EndingWork> aWorks)
-    : mWorks(std::move(aWorks)), mText(new QLabel), mButton(new QPushButton) {
+EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
+    : mClock(aClock ? std::move(aClock) : Clock(&GetSteadyMs)), mText(new QLabel),
+      mLeave(MakeButton("leave", "&Do Not Wait", "Ends without the files whose disk does not answer")),
+      mAbandon(MakeButton("abandon", "&Abandon the Recording", "Gives up the frames that are not written yet")),
+      mClose(MakeButton("close", "&Close", "")) {
+  for (EndingWork& work : aWorks)
+    mWorks.push_back({std::move(work)});
   setObjectName(QStringLiteral("endingWindow"));
   setWindowTitle(QStringLiteral("krviewer Ends"));
   mText->setTextFormat(Qt::PlainText);
   mText->setWordWrap(true);
   mText->setMinimumWidth(fontMetrics().averageCharWidth() * kLettersPerLine);
   mText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  mButton->setAutoDefault(true);
-  connect(mButton, &QPushButton::clicked, this, &EndingWindow::OnButton);
+  connect(mLeave, &QPushButton::clicked, this, &EndingWindow::LeaveStalled);
+  connect(mAbandon, &QPushButton::clicked, this, &EndingWindow::Abandon);
+  connect(mClose, &QPushButton::clicked, this, &EndingWindow::Close);
   auto* const layout = new QVBoxLayout(this);
   layout->addWidget(mText, 1);
-  layout->addWidget(mButton, 0, Qt::AlignRight);
+  auto* const buttons = new QHBoxLayout;
+  buttons->addStretch();
+  for (QPushButton* const button : {mLeave, mAbandon, mClose})
+    buttons->addWidget(button);
+  layout->addLayout(buttons);
   connect(&mTimer, &QTimer::timeout, this, &EndingWindow::LookAgain);
 }
 
@@ -52,8 +78,9 @@ void EndingWindow::Await() {
 void EndingWindow::Tell(const QString& aTrouble) {
   mIsTold = true;
   mText->setText(aTrouble);
-  mButton->setText(QStringLiteral("&Close"));
-  mButton->show();
+  mLeave->hide();
+  mAbandon->hide();
+  mClose->show();
   show();
   RunUntilOver();
 }
@@ -64,35 +91,54 @@ void EndingWindow::RunUntilOver() {
   loop.exec();
 }
 
-bool EndingWindow::IsAnyRecording() const {
-  return std::ranges::any_of(mWorks, [](const EndingWork& aWork) { return aWork.isRecording(); });
-}
-
 void EndingWindow::LookAgain() {
-  std::erase_if(mWorks, [](const EndingWork& aWork) { return aWork.isOver(); });
+  std::erase_if(mWorks, [](const Watched& aWatched) { return aWatched.work.isOver(); });
   if (mWorks.empty()) {
     emit Over();
     return;
   }
-  QStringList lines;
-  for (const EndingWork& work : mWorks)
-    lines += work.describe();
-  mText->setText(lines.join(QLatin1Char('\n')));
-  mButton->setText(QStringLiteral("&Abandon the Recording"));
-  mButton->setToolTip(QStringLiteral("Gives up the frames that are not written yet"));
-  mButton->setVisible(IsAnyRecording());
+  const std::uint64_t now = mClock();
+  for (Watched& watched : mWorks)
+    watched.watch.Look(watched.work.getWritten(), now);
+  Describe();
 }
 
-void EndingWindow::OnButton() {
-  if (mIsTold) {
-    hide();
-    emit Over();
-    return;
+void EndingWindow::Describe() {
+  QStringList lines;
+  bool isAnyRecording = false;
+  bool isAnyStalled = false;
+  for (const Watched& watched : mWorks) {
+    lines += watched.work.describe();
+    isAnyRecording = isAnyRecording || watched.work.isRecording();
+    if (const std::uint64_t stalledMs = watched.watch.GetStalledMs()) {
+      isAnyStalled = true;
+      lines += QStringLiteral("Its disk has taken nothing for %1 s and may not answer any more. You need not wait for "
+                              "it: what is not written yet is lost then.")
+                   .arg(stalledMs / kMsPerSecond);
+    }
   }
-  for (const EndingWork& work : mWorks)
-    if (work.isRecording())
-      work.abandon();
+  mText->setText(lines.join(QLatin1Char('\n')));
+  mAbandon->setVisible(isAnyRecording);
+  mLeave->setVisible(isAnyStalled);
+}
+
+void EndingWindow::Abandon() {
+  for (const Watched& watched : mWorks)
+    if (watched.work.isRecording())
+      watched.work.abandon();
   LookAgain();
+}
+
+void EndingWindow::LeaveStalled() {
+  for (const Watched& watched : mWorks)
+    if (watched.watch.GetStalledMs() > 0)
+      watched.work.leave();
+  LookAgain();
+}
+
+void EndingWindow::Close() {
+  hide();
+  emit Over();
 }
 
 void EndingWindow::closeEvent(QCloseEvent* aEvent) {

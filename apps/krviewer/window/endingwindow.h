@@ -2,11 +2,15 @@
 // What the user sees of an end that takes a while: what is still under way, and how to give it up. What that is, and
 // how it is told, is left to whoever ends.
 
+#include "window/stallwatch.h"
+
 #include <QString>
 #include <QTimer>
 #include <QWidget>
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class QLabel;
@@ -19,18 +23,24 @@ struct EndingWork {
   std::function<bool()> isOver;      ///< Asked often.
   std::function<QString()> describe; ///< Says in a sentence what is under way.
   std::function<bool()> isRecording; ///< Whether it may be given up.
-  std::function<void()> abandon;     ///< Gives it up; it is over a moment later.
+  std::function<void()> abandon;     ///< Gives it up; it is over as soon as the disk has what it is being given.
+  /// Changes as files get on; nothing where none is being written.
+  std::function<std::optional<std::uint64_t>()> getWritten;
+  std::function<void()> leave; ///< Does not wait for the files any longer.
 };
 
-/// Thread: user interface. Closing it changes nothing: data is given up by its button alone.
+/// Thread: user interface. Closing it changes nothing: data is given up by its buttons alone.
 class EndingWindow : public QWidget {
   Q_OBJECT
 
 public:
-  explicit EndingWindow(std::vector<EndingWork> aWorks);
+  /// A steady clock in milliseconds.
+  using Clock = std::function<std::uint64_t()>;
+
+  explicit EndingWindow(std::vector<EndingWork> aWorks, Clock aClock = {});
 
   /// Runs a loop until everything is over, or the application's loop is ended. The window is shown when that takes a
-  /// moment.
+  /// moment. Files that do not get on for a while need not be waited for: it offers that.
   void Await();
   /// Shows what has gone wrong, and runs a loop until the user has read it.
   void Tell(const QString& aTrouble);
@@ -43,14 +53,24 @@ protected:
   void closeEvent(QCloseEvent* aEvent) override;
 
 private:
+  struct Watched {
+    EndingWork work;
+    StallWatch watch = {};
+  };
+
   void RunUntilOver();
   void LookAgain();
-  void OnButton();
-  bool IsAnyRecording() const;
+  void Describe();
+  void Abandon();
+  void LeaveStalled();
+  void Close();
 
-  std::vector<EndingWork> mWorks; ///< Those that are not over.
+  const Clock mClock;
+  std::vector<Watched> mWorks; ///< Those that are not over.
   QLabel* const mText;
-  QPushButton* const mButton;
+  QPushButton* const mLeave;
+  QPushButton* const mAbandon;
+  QPushButton* const mClose;
   QTimer mTimer;
   bool mIsTold = false; ///< It is trouble that is shown.
 };

@@ -9,7 +9,9 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 
 using namespace krviewer;
 
@@ -18,13 +20,17 @@ namespace {
 struct FakeWork {
   bool isOver = false;
   bool isRecording = true;
+  std::optional<std::uint64_t> written = {};
   int abandoned = 0;
+  int left = 0;
 
   EndingWork Make(const QString& aText) {
     return {.isOver = [this] { return isOver; },
             .describe = [aText] { return aText; },
             .isRecording = [this] { return isRecording; },
-            .abandon = [this] { ++abandoned; }};
+            .abandon = [this] { ++abandoned; },
+            .getWritten = [this] { return written; },
+            .leave = [this] { isOver = ++left > 0; }};
   }
 };
 
@@ -40,8 +46,12 @@ void WhenShown(EndingWindow& aWindow, const std::function<void()>& aStep) {
   look->start(1);
 }
 
-QPushButton& GetButton(EndingWindow& aWindow) {
-  return *aWindow.findChild<QPushButton*>();
+QPushButton& GetButton(EndingWindow& aWindow, const char* aName) {
+  return *aWindow.findChild<QPushButton*>(aName);
+}
+
+bool IsShown(EndingWindow& aWindow, const char* aName) {
+  return GetButton(aWindow, aName).isVisible();
 }
 
 } // namespace
@@ -78,12 +88,12 @@ TEST(EndingWindow, Button_AbandonsRecordingsAlone) {
   EndingWindow window({recording.Make("It is written."), other.Make("It is given back.")});
   bool wasOffered = true;
   WhenShown(window, [&] {
-    GetButton(window).click();
+    GetButton(window, "abandon").click();
     recording.isRecording = false;
     window.close(); // Gives up nothing.
     recording.isOver = true;
     other.isOver = true;
-    wasOffered = GetButton(window).isVisible();
+    wasOffered = IsShown(window, "abandon");
   });
 
   window.Await();
@@ -93,12 +103,39 @@ TEST(EndingWindow, Button_AbandonsRecordingsAlone) {
   EXPECT_EQ(other.abandoned, 0);
 }
 
+TEST(EndingWindow, FilesThatDoNotGetOn_NeedNotBeWaitedFor) {
+  FakeWork hanging{.written = 7};
+  FakeWork busy{.written = 0};
+  std::uint64_t nowMs = 1000;
+  EndingWindow window({hanging.Make("It is written."), busy.Make("So is that.")}, [&] { return nowMs; });
+  bool wasOfferedAtOnce = true;
+  QString text;
+  WhenShown(window, [&] {
+    wasOfferedAtOnce = IsShown(window, "leave");
+    nowMs += StallWatch::kPatienceMs;
+    ++*busy.written;
+    ASSERT_TRUE(krtest::AwaitCondition([&] { return IsShown(window, "leave"); }));
+    text = window.findChild<QLabel*>()->text();
+    GetButton(window, "leave").click();
+    EXPECT_FALSE(IsShown(window, "leave"));
+    busy.isOver = true;
+  });
+
+  window.Await();
+
+  EXPECT_FALSE(wasOfferedAtOnce);
+  EXPECT_EQ(text, "It is written.\nIts disk has taken nothing for 10 s and may not answer any more. You need not wait "
+                  "for it: what is not written yet is lost then.\nSo is that.");
+  EXPECT_EQ(hanging.left, 1);
+  EXPECT_EQ(busy.left, 0);
+}
+
 TEST(EndingWindow, Trouble_IsShownUntilItIsRead) {
   EndingWindow window({});
   QString text;
   WhenShown(window, [&] {
     text = window.findChild<QLabel*>()->text();
-    GetButton(window).click();
+    GetButton(window, "close").click();
   });
 
   window.Tell("The disk was full.");

@@ -2,14 +2,17 @@
 
 #include "recording/framesaver.h"
 
+#include "hangingdisk.h"
 #include "recordings.h"
 #include "windowwait.h"
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDeadlineTimer>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QThread>
 
 #include <filesystem>
 
@@ -175,4 +178,34 @@ TEST_F(FrameSaverTest, AcceptedFrames_AreWrittenEvenAtTheEnd) {
 
   EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("first.raw")).size(), kFrameBytes);
   EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("second.raw")).size(), kFrameBytes);
+}
+
+// On a thread of its own, as a thread that was on such a disk is on it for good.
+TEST_F(FrameSaverTest, DiskThatDoesNotAnswer_NeedNotBeWaitedForAfterTheEnd) {
+  HangingDisk disk(mPlace.GetPath().string());
+  disk.Hang();
+  QStringList failures;
+  const std::unique_ptr<QThread> thread(QThread::create([&] {
+    ASSERT_TRUE(disk.Enter());
+    FrameSaver saver(mFrames, "Sim Mono", "02:4b");
+    for (const char* const name : {"first.raw", "second.raw"})
+      saver.Save(std::make_shared<const KrBuffer>(MakeNumberedFrame(7)), GetPath(name), nullptr);
+    for (const QDeadlineTimer limit(krtest::kGenerousMs); disk.CountWaiting() == 0 && !limit.hasExpired();)
+      std::this_thread::yield();
+    saver.End();
+    saver.Leave();
+    EXPECT_FALSE(saver.IsBusy());
+    failures = saver.GetFailures();
+  }));
+
+  thread->start();
+  ASSERT_TRUE(thread->wait(krtest::kGenerousMs));
+
+  ASSERT_EQ(failures.size(), 2);
+  EXPECT_TRUE(failures[0].contains(GetPath("first.raw"))) << failures[0].toStdString();
+  EXPECT_TRUE(failures[1].contains(GetPath("second.raw"))) << failures[1].toStdString();
+  disk.Recover();
+  // What the disk was given before is whole then.
+  EXPECT_TRUE(krtest::AwaitCondition([this] { return std::filesystem::exists(mPlace.GetFile("first.raw")); }));
+  EXPECT_FALSE(std::filesystem::exists(mPlace.GetFile("second.raw")));
 }

@@ -1,0 +1,56 @@
+#pragma once
+// A disk that stops answering, as a network folder does whose server is gone: whoever flushes a file below a folder, or
+// asks for the folder's room, waits in the system until the disk is well again, or is killed. Reading and writing go
+// on, as they do in the system's memory.
+
+#include "krbase/filedescriptor.h"
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+struct seccomp_notif;
+
+/// Needs no rights and no file system: the system asks this one before it serves the two calls (seccomp).
+///
+/// Thread: any; one Enter in all. Ownership: to outlive whoever entered; its end makes the disk well.
+///
+///     HangingDisk disk(folder);
+///     std::thread([&] { disk.Enter(); recorder.Start(options); … }).join();
+class HangingDisk {
+public:
+  explicit HangingDisk(std::string aFolder);
+  ~HangingDisk();
+  HangingDisk(const HangingDisk&) = delete;
+  HangingDisk& operator=(const HangingDisk&) = delete;
+
+  /// From now on the calling thread, the threads and processes that it makes, and the program that its process becomes,
+  /// are on this disk, for good. May be called in a child process before it runs its program. False where the system
+  /// refuses.
+  bool Enter();
+  void Hang();
+  void Recover();
+  /// How many calls wait for the disk.
+  std::size_t CountWaiting() const;
+
+private:
+  void Serve();
+  bool ReceiveListener();
+  void Answer(std::uint64_t aCall) const;
+  static std::string GetPath(const seccomp_notif& aCall);
+
+  const std::string mFolder;
+  krbase::FileDescriptor mToServe; ///< Carries the listener from where it is made.
+  krbase::FileDescriptor mFromEntered;
+  krbase::FileDescriptor mEnd; ///< Is readable when it is to end.
+  krbase::FileDescriptor mListener;
+
+  mutable std::mutex mMutex; ///< Guards both.
+  std::vector<std::uint64_t> mWaiting;
+  bool mIsHanging = false;
+
+  std::thread mServer;
+};

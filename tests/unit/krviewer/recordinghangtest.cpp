@@ -1,0 +1,148 @@
+// Recordings on a disk that stops answering: nobody has to wait for it.
+
+#include "hangingdisk.h"
+#include "recordings.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <iterator>
+#include <optional>
+
+using namespace krviewer;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+std::ptrdiff_t CountThreads() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+class RecordingOnAHangingDisk : public RecorderTest {
+protected:
+  /// Starts a recording whose thread is on the disk.
+  void StartOnDisk(Recorder& aRecorder, const RecordingOptions& aOptions) {
+    std::thread([&] {
+      ASSERT_TRUE(mDisk.Enter());
+      EXPECT_TRUE(aRecorder.Start(aOptions).IsOK());
+    }).join();
+  }
+  bool AwaitHanging() {
+    return Await([this] { return mDisk.CountWaiting() == 1; });
+  }
+  /// Lets the disk answer, and waits for the end of the thread that was left there.
+  void RecoverAndAwaitThread() {
+    mDisk.Recover();
+    EXPECT_TRUE(Await([this] { return CountThreads() <= mThreads; }));
+  }
+
+  HangingDisk mDisk{mPlace.GetPath().string()};
+  const std::ptrdiff_t mThreads = CountThreads(); ///< Without a recorder's.
+};
+
+} // namespace
+
+TEST_F(RecordingOnAHangingDisk, GivenUp_IsStillBusyAndEndsWhenTheDiskAnswers) {
+  const RecordingOptions options = MakeOptions();
+  StartOnDisk(mRecorder, options);
+  Give(1, 1);
+  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+  mDisk.Hang();
+  Give(2, 4);
+  ASSERT_TRUE(AwaitHanging());
+
+  mRecorder.GiveUp();
+  EXPECT_TRUE(mRecorder.IsBusy());
+  EXPECT_EQ(mRecorder.GetProgress().counts.abandoned, 2U);
+
+  mDisk.Recover();
+  const RecordingProgress progress = AwaitEnd();
+  EXPECT_EQ(progress.end, RecordingEnd::Stopped);
+  EXPECT_THAT(ReadColumn(options.folder, "frame_id"), ElementsAre("1", "2"));
+}
+
+TEST_F(RecordingOnAHangingDisk, Left_HasFailedAndWritesNothingMore) {
+  const RecordingOptions options = MakeOptions();
+  StartOnDisk(mRecorder, options);
+  Give(1, 1);
+  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+  mDisk.Hang();
+  Give(2, 4);
+  ASSERT_TRUE(AwaitHanging());
+
+  mRecorder.Leave();
+
+  EXPECT_FALSE(mRecorder.IsBusy());
+  const RecordingProgress progress = AwaitEnd();
+  EXPECT_EQ(progress.end, RecordingEnd::Failed);
+  EXPECT_TRUE(progress.result == KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(progress.result.GetDescription().ToUtf8(), HasSubstr(options.folder));
+  EXPECT_EQ(progress.counts.abandoned, 3U);
+  RecoverAndAwaitThread();
+  EXPECT_THAT(ReadColumn(options.folder, "frame_id"), ElementsAre("1"));
+  EXPECT_EQ(ReadText(options.folder, "ended_by"), "-");
+  EXPECT_EQ(mRecorder.GetProgress().counts.written, 1U);
+}
+
+TEST_F(RecordingOnAHangingDisk, LeftBeforeItsFolderIsReady_HasFailed) {
+  mDisk.Hang();
+  StartOnDisk(mRecorder, MakeOptions());
+  Give(1, 2);
+  ASSERT_TRUE(AwaitHanging());
+
+  mRecorder.Leave();
+
+  const RecordingProgress progress = AwaitEnd();
+  EXPECT_EQ(progress.end, RecordingEnd::Failed);
+  EXPECT_EQ(progress.counts.abandoned, 2U);
+  RecoverAndAwaitThread();
+}
+
+TEST_F(RecordingOnAHangingDisk, LeftWhileItsFilesAreClosed_HasFailed) {
+  const RecordingOptions options = MakeOptions();
+  StartOnDisk(mRecorder, options);
+  Give(1, 1);
+  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+  mDisk.Hang();
+  mRecorder.Stop();
+  ASSERT_TRUE(AwaitHanging());
+
+  mRecorder.Leave();
+
+  EXPECT_EQ(AwaitEnd().end, RecordingEnd::Failed);
+  RecoverAndAwaitThread();
+  EXPECT_EQ(mRecorder.GetProgress().end, RecordingEnd::Failed);
+}
+
+TEST_F(RecordingOnAHangingDisk, AfterOneThatWasLeft_AnotherIsMadeElsewhere) {
+  mDisk.Hang();
+  StartOnDisk(mRecorder, MakeOptions());
+  ASSERT_TRUE(AwaitHanging());
+  mRecorder.Leave();
+  RecordingOptions elsewhere = MakeOptions();
+  elsewhere.folder = mPlace.GetFile("elsewhere"); // Its thread is not on the disk.
+
+  ASSERT_TRUE(mRecorder.Start(elsewhere).IsOK());
+  Give(1, 2);
+  const RecordingProgress progress = StopAndAwaitEnd();
+
+  EXPECT_EQ(progress.end, RecordingEnd::Stopped);
+  EXPECT_THAT(ReadColumn(elsewhere.folder, "frame_id"), ElementsAre("1", "2"));
+  mRecorder.Abandon();
+  RecoverAndAwaitThread();
+}
+
+TEST_F(RecordingOnAHangingDisk, RecorderGoneBeforeTheDiskAnswers_IsMissedByNobody) {
+  {
+    Recorder recorder;
+    StartOnDisk(recorder, MakeOptions());
+    ASSERT_TRUE(Await([this] { return !ReadText(MakeOptions().folder, "device_id").empty(); }));
+    mDisk.Hang();
+    recorder.OnFrame(MakeNumberedFrame(1), 10);
+    ASSERT_TRUE(AwaitHanging());
+    recorder.Leave();
+  }
+
+  RecoverAndAwaitThread();
+}
