@@ -42,6 +42,14 @@ trap 'exit 143' TERM
 trap 'exit 129' HUP
 
 # Reads the line that a starting program writes into a pipe when it is ready, or gives up with that program's own words.
+# A program that fails because one of these has ended is not to be searched for the fault.
+tell_end() {
+  if [ -n "$1" ] && ! kill -0 "$1" 2>/dev/null; then
+    echo "$0: $2 has ended before the program did:" >&2
+    cat "$runtime/$2.log" >&2
+  fi
+}
+
 # The server and the window manager are given a limit, so that a test never hangs on them.
 await() {
   local line
@@ -104,4 +112,8 @@ program=$!
 status=0
 wait "$program" || status=$?
 program=
+if [ "$status" -ne 0 ]; then
+  tell_end "$server" Xvfb
+  tell_end "$manager" openbox
+fi
 exit "$status"
