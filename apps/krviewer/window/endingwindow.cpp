@@ -1,6 +1,5 @@
 #include "window/endingwindow.h"
 
-#include <QCloseEvent>
 #include <QEventLoop>
 #include <QFontMetrics>
 #include <QHBoxLayout>
@@ -54,7 +53,7 @@ EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
   mText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   connect(mLeave, &QPushButton::clicked, this, &EndingWindow::LeaveStalled);
   connect(mAbandon, &QPushButton::clicked, this, &EndingWindow::Abandon);
-  connect(mClose, &QPushButton::clicked, this, &EndingWindow::Close);
+  connect(mClose, &QPushButton::clicked, this, &EndingWindow::reject);
   auto* const layout = new QVBoxLayout(this);
   layout->addWidget(mText, 1);
   auto* const buttons = new QHBoxLayout;
@@ -136,15 +135,10 @@ void EndingWindow::LeaveStalled() {
   LookAgain();
 }
 
-void EndingWindow::Close() {
-  hide();
-  emit Over();
-}
-
-void EndingWindow::closeEvent(QCloseEvent* aEvent) {
+void EndingWindow::reject() {
   if (!mIsTold)
-    return aEvent->ignore();
-  QWidget::closeEvent(aEvent);
+    return;
+  hide();
   emit Over();
 }
 

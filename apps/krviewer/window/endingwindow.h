@@ -4,9 +4,9 @@
 
 #include "window/stallwatch.h"
 
+#include <QDialog>
 #include <QString>
 #include <QTimer>
-#include <QWidget>
 
 #include <cstdint>
 #include <functional>
@@ -30,7 +30,7 @@ struct EndingWork {
 };
 
 /// Thread: user interface. Closing it changes nothing: data is given up by its buttons alone.
-class EndingWindow : public QWidget {
+class EndingWindow : public QDialog {
   Q_OBJECT
 
 public:
@@ -49,21 +49,19 @@ signals:
   /// Nothing is left to be awaited, or to be read.
   void Over();
 
-protected:
-  void closeEvent(QCloseEvent* aEvent) override;
-
 private:
   struct Watched {
     EndingWork work;
     StallWatch watch = {};
   };
 
+  /// What closes it: its frame, Escape and, of trouble that was read, its button.
+  void reject() override;
   void RunUntilOver();
   void LookAgain();
   void Describe();
   void Abandon();
   void LeaveStalled();
-  void Close();
 
   const Clock mClock;
   std::vector<Watched> mWorks; ///< Those that are not over.
