@@ -36,6 +36,8 @@ public:
   AccessibleProgram(const AccessibleProgram&) = delete;
   AccessibleProgram& operator=(const AccessibleProgram&) = delete;
 
+  /// Whether the program has told of itself.
+  bool IsThere() { return FindService(); }
   /// The first item on the screen that is chosen, a window before what is in it; nothing where there is none, or no
   /// program yet.
   std::optional<AccessibleItem> Find(const Choice& aChoice);

@@ -32,8 +32,9 @@ QString GetActiveTitle() {
 }
 
 qint64 Start(QProcess& aProcess, const QString& aProgram, const QStringList& aArguments,
-             const QProcessEnvironment& aEnvironment) {
+             const QProcessEnvironment& aEnvironment, const std::function<void()>& aInChild) {
   aProcess.setProcessEnvironment(aEnvironment);
+  aProcess.setChildProcessModifier(aInChild);
   aProcess.start(aProgram, aArguments);
   EXPECT_TRUE(aProcess.waitForStarted(ProgramUser::kLimitMs)) << aProcess.errorString().toStdString();
   return aProcess.processId();
@@ -42,8 +43,8 @@ qint64 Start(QProcess& aProcess, const QString& aProgram, const QStringList& aAr
 } // namespace
 
 ProgramUser::ProgramUser(const QString& aProgram, const QStringList& aArguments,
-                         const QProcessEnvironment& aEnvironment)
-    : mScreen(Start(mProcess, aProgram, aArguments, aEnvironment)) {}
+                         const QProcessEnvironment& aEnvironment, const std::function<void()>& aInChild)
+    : mScreen(Start(mProcess, aProgram, aArguments, aEnvironment, aInChild)) {}
 
 ProgramUser::~ProgramUser() {
   if (mProcess.state() == QProcess::NotRunning)
@@ -62,7 +63,9 @@ bool ProgramUser::Await(const QString& aWhat, const std::function<bool()>& aCond
     std::this_thread::sleep_for(kPause);
     isSo = aCondition();
   }
-  EXPECT_TRUE(isSo) << "The user waited in vain: " << aWhat.toStdString() << "; to be seen is\n"
+  EXPECT_TRUE(isSo) << "The user waited in vain: " << aWhat.toStdString()
+                    << (IsRunning() ? "" : "; the program has ended")
+                    << (mScreen.IsThere() ? "" : "; no windows of it are known") << "; to be seen is\n"
                     << DescribeScreen().toStdString() << "printed was\n"
                     << GetOutput().toStdString() << GetErrors().toStdString();
   return isSo;

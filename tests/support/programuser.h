@@ -24,7 +24,9 @@ class ProgramUser {
 public:
   static constexpr int kLimitMs = 60000;
 
-  ProgramUser(const QString& aProgram, const QStringList& aArguments, const QProcessEnvironment& aEnvironment);
+  /// aInChild is done in the program's process before it becomes the program; empty for nothing.
+  ProgramUser(const QString& aProgram, const QStringList& aArguments, const QProcessEnvironment& aEnvironment,
+              const std::function<void()>& aInChild = {});
   ~ProgramUser();
   ProgramUser(const ProgramUser&) = delete;
   ProgramUser& operator=(const ProgramUser&) = delete;

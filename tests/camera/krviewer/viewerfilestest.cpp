@@ -91,22 +91,6 @@ protected:
     User().Press("ctrl+r");
     ASSERT_TRUE(User().AwaitText("Ended: the number of frames was reached."));
   }
-  /// Writes into a field that it clicks.
-  bool Fill(const QString& aField, const QString& aText) {
-    const auto isField = [&](const AccessibleItem& aItem) {
-      return aItem.isEnabled && aItem.name == aField && (aItem.role == "text" || aItem.role == "spin box");
-    };
-    std::optional<AccessibleItem> field;
-    if (!User().Await("the field " + aField, [&] { return (field = User().GetScreen().Find(isField)).has_value(); }))
-      return false;
-    User().Click(User().GetScreen().GetPlace(*field).center());
-    if (!User().AwaitFocus(aField))
-      return false;
-    User().Press("ctrl+a");
-    User().Type(aText);
-    User().Press("Tab");
-    return true;
-  }
   /// Waits for the number of a name to be one of these.
   bool AwaitNumber(const QString& aName, double aLeast, double aMost) {
     return User().Await(aName, [&] {

@@ -17,7 +17,7 @@ adapters:
          control: exclusive}
       - {kind: gigeVision, name: foreign, model: Foreign, mac: 02:00:00:00:01:04, address: 10.1.1.14, mask: 255.0.0.0}
       - {kind: gigeVision, name: loose, model: Loose, mac: 02:00:00:00:01:06, address: 192.168.1.16, mask: 255.255.255.0,
-         vanishes: 30, appears: 40, every: 40, faults: {losesPower: true}}
+         vanishes: 50, appears: 60, every: 120, faults: {losesPower: true}}
 )";
 
 const QString kLeft = "Left (192.168.1.11)";

@@ -20,12 +20,12 @@ QRegularExpressionMatch FindLabel(AccessibleProgram& aScreen, const QString& aPa
 
 } // namespace
 
-void ViewerSession::Start(const QStringList& aArguments) {
+void ViewerSession::Start(const QStringList& aArguments, const std::function<void()>& aInChild) {
   End();
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert("HOME", GetPath(""));
   environment.insert("XDG_CONFIG_HOME", GetPath("config"));
-  mUser = std::make_unique<ProgramUser>(KRVIEWER_PATH, aArguments, environment);
+  mUser = std::make_unique<ProgramUser>(KRVIEWER_PATH, aArguments, environment, aInChild);
 }
 
 void ViewerSession::End() {
@@ -99,6 +99,22 @@ QString ViewerSession::GetFeature(const QString& aName) {
     return isIt;
   });
   return cell ? cell->name : QString();
+}
+
+bool ViewerSession::Fill(const QString& aField, const QString& aText) {
+  const auto isField = [&](const AccessibleItem& aItem) {
+    return aItem.isEnabled && aItem.name == aField && (aItem.role == "text" || aItem.role == "spin box");
+  };
+  std::optional<AccessibleItem> field;
+  if (!User().Await("the field " + aField, [&] { return (field = User().GetScreen().Find(isField)).has_value(); }))
+    return false;
+  User().Click(User().GetScreen().GetPlace(*field).center());
+  if (!User().AwaitFocus(aField))
+    return false;
+  User().Press("ctrl+a");
+  User().Type(aText);
+  User().Press("Tab");
+  return true;
 }
 
 QString ViewerSession::ReadFeature(const QString& aCamera, const QString& aName) {

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -17,8 +18,9 @@ protected:
   /// The viewer ends before the cameras that a test has.
   void TearDown() override { End(); }
 
-  /// Starts the viewer; one that still runs is ended first.
-  void Start(const QStringList& aArguments);
+  /// Starts the viewer, where something is to be done in its process before, with that; one that still runs is ended
+  /// first.
+  void Start(const QStringList& aArguments, const std::function<void()>& aInChild = {});
   /// Interrupts the viewer where it still runs; one that does not end well fails the test.
   void End();
   ProgramUser& User() { return *mUser; }
@@ -42,6 +44,8 @@ protected:
   bool SetFeature(const QString& aName, const QString& aValue);
   /// What stands beside a feature in the browser.
   QString GetFeature(const QString& aName);
+  /// Writes into a field that it clicks.
+  bool Fill(const QString& aField, const QString& aText);
   /// A feature as another program reads it from the camera; empty where it does not answer.
   static QString ReadFeature(const QString& aCamera, const QString& aName);
 
