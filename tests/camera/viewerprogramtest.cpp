@@ -52,6 +52,27 @@ void ActivateWindow(const QString& aTitle) {
   MoveHands({"search", "--sync", "--onlyvisible", "--name", aTitle, "windowactivate", "--sync"});
 }
 
+// Looks at a camera for some seconds, without a display; for more of them where a busy machine kept all frames away.
+ViewerProcess RunWithoutDisplay(const QString& aCamera) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const char* const name : {"DISPLAY", "QT_QPA_PLATFORM", "WAYLAND_DISPLAY"})
+    environment.remove(name);
+  for (int seconds = 2;; seconds *= 4) {
+    ViewerProcess viewer({aCamera, "--seconds", QString::number(seconds)}, environment);
+    if (viewer.GetFigure("frames") != 0 || seconds > 30)
+      return viewer;
+  }
+}
+
+// Pixels of a part of a picture that are all but black, as texts are beside their soft edges.
+int CountDark(const QImage& aPicture, const QRect& aPart) {
+  int count = 0;
+  for (int y = aPart.top(); y <= aPart.bottom(); ++y)
+    for (int x = aPart.left(); x <= aPart.right(); ++x)
+      count += qGray(aPicture.pixel(x, y)) < 64 ? 1 : 0;
+  return count;
+}
+
 void ExpectHundredWholeFrames(const ViewerProcess& aViewer) {
   EXPECT_EQ(aViewer.GetExitCode(), 0) << aViewer.GetErrors().toStdString();
   EXPECT_EQ(aViewer.GetFigure("frames"), 100) << aViewer.GetOutput().toStdString();
@@ -77,6 +98,31 @@ TEST(Krviewer, RealCameraByItsAddress_IsShownCentredWithBandsAndOverlay) {
     for (int x = 0; x + 1 < frame.width(); ++x)
       ASSERT_EQ(frame.pixel(x + 1, y), frame.pixel(x, y + 1)) << x << "," << y;
   EXPECT_NE(frame.pixel(0, 0), frame.pixel(100, 0));
+}
+
+TEST(Krviewer, RealCameraWithoutADisplay_LeavesPicturesOfItsFrameAndOfTheWindow) {
+  const FakeCamera camera;
+  camera.SetFramePeriod(100'000);
+
+  const ViewerProcess viewer = RunWithoutDisplay("127.0.0.1");
+
+  EXPECT_EQ(viewer.GetExitCode(), 0) << viewer.GetErrors().toStdString();
+  EXPECT_TRUE(viewer.GetOutput().contains("headless")) << viewer.GetOutput().toStdString();
+  const QImage frame = viewer.GetFramePicture();
+  ASSERT_EQ(frame.size(), QSize(512, 512));
+  const int first = qGreen(frame.pixel(0, 0));
+  for (int y = 0; y < frame.height(); ++y)
+    for (int x = 0; x < frame.width(); ++x) {
+      const int grey = (first + x + y) % 255;
+      ASSERT_EQ(frame.pixel(x, y), qRgb(grey, grey, grey)) << x << "," << y;
+    }
+  const QImage window = viewer.GetWindowPicture();
+  const QImage display = viewer.GetDisplayPicture();
+  ASSERT_FALSE(display.isNull());
+  EXPECT_GT(window.width(), display.width());
+  EXPECT_GT(window.height(), display.height());
+  // Right of the picture stand the features' texts.
+  EXPECT_GT(CountDark(window, window.rect().adjusted(display.width(), 0, 0, 0)), 500);
 }
 
 TEST(Krviewer, SimulatedCamera_IsShownCentredWithBandsAndOverlay) {
