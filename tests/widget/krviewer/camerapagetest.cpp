@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QStatusBar>
 
 #include <cstdio>
@@ -20,6 +21,8 @@ using krviewer::AcquisitionState;
 namespace {
 
 constexpr const char* kBusyMAC = "02:4b:52:00:78:10";
+/// So that all settings of a camera take longer than a busy machine keeps the windows waiting.
+constexpr std::uint32_t kSlowAnswerMs = 200;
 
 /// Asks something at the moment at which a window is hidden for the first time.
 class FirstHiding : public QObject {
@@ -76,6 +79,15 @@ protected:
   }
   bool SetExposure(double aMicroseconds) {
     return DoWithExposure([=](KrGenFloat& aExposure) { return aExposure.SetValue(aMicroseconds); });
+  }
+  /// How many of the settings the page says to be done; 0 where it says nothing of it.
+  int GetPercent() {
+    static const QRegularExpression percent("([0-9]+) % are done\\.$");
+    return percent.match(GetMessage(*GetPage())).captured(1).toInt();
+  }
+  /// Waits for the page to say this, and that more than so many percent are done.
+  bool AwaitPercent(const QString& aWhat, int aPercent) {
+    return Await([&, this] { return GetMessage(*GetPage()).contains(aWhat) && GetPercent() > aPercent; });
   }
   double GetExposure() {
     double value = -1;
@@ -186,6 +198,42 @@ TEST_F(CameraPageTest, SettingsThatTakeLong_AreSaidSoAndCanBeCancelled) {
   EXPECT_TRUE(Await([this] { return !GetPage()->GetSettings().IsWorking(); }));
   EXPECT_TRUE(Await([this] { return FindButton(*GetPage(), "Canc&el") == nullptr; }));
   EXPECT_FALSE(QFile::exists(file));
+}
+
+TEST_F(CameraPageTest, SettingsBeingSaved_TellHowManyAreDone) {
+  const QString file = QString::fromStdString(mFolder.GetFile("camera.txt"));
+  const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
+  OpenStreaming();
+  faults->SlowRegisters(kSlowAnswerMs);
+
+  GetPage()->GetSettings().Save(file);
+  EXPECT_TRUE(AwaitPercent("being saved to camera.txt", 0));
+  const int before = GetPercent();
+  EXPECT_TRUE(AwaitPercent("being saved to camera.txt", before));
+  faults->EndRegisterFaults();
+
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()) == "The camera's settings are in camera.txt."; }))
+      << GetMessage(*GetPage()).toStdString();
+}
+
+TEST_F(CameraPageTest, SettingsBeingLoaded_TellHowManyAreDoneAndCanBeCancelled) {
+  const QString file = QString::fromStdString(mFolder.GetFile("camera.txt"));
+  const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
+  OpenStreaming();
+  GetPage()->GetSettings().Save(file);
+  ASSERT_TRUE(Await([this] { return !GetPage()->GetSettings().IsWorking(); }));
+  faults->SlowRegisters(kSlowAnswerMs);
+
+  GetPage()->GetSettings().Load(file);
+  EXPECT_TRUE(AwaitPercent("being set as camera.txt says", 0));
+  ASSERT_TRUE(Click(*GetPage(), "Canc&el"));
+  faults->EndRegisterFaults();
+
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).startsWith("The camera is not set as camera.txt says:"); }))
+      << GetMessage(*GetPage()).toStdString();
+  EXPECT_FALSE(GetPage()->GetSettings().IsWorking());
+  EXPECT_EQ(FindButton(*GetPage(), "Canc&el"), nullptr);
+  EXPECT_TRUE(AwaitState(AcquisitionState::Streaming));
 }
 
 TEST_F(CameraPageTest, ClosedWhileSettingsAreLoaded_Ends) {

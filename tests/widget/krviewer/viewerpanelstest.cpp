@@ -3,6 +3,8 @@
 #include "viewerfixture.h"
 
 #include <QDockWidget>
+#include <QGuiApplication>
+#include <QScreen>
 
 #include <algorithm>
 
@@ -10,7 +12,18 @@ using krviewer::Panel;
 
 namespace {
 
-class ViewerPanelsTest : public ViewerTest {};
+class ViewerPanelsTest : public ViewerTest {
+protected:
+  QDockWidget& FindDock(const char* aName) { return *GetPage()->findChild<QDockWidget*>(aName); }
+  Qt::DockWidgetArea GetArea(const char* aName) {
+    QDockWidget& dock = FindDock(aName);
+    return qobject_cast<QMainWindow*>(dock.parentWidget())->dockWidgetArea(&dock);
+  }
+  void Float(const char* aName, const QRect& aPlace) {
+    FindDock(aName).setFloating(true);
+    FindDock(aName).setGeometry(aPlace);
+  }
+};
 
 } // namespace
 
@@ -113,6 +126,53 @@ TEST_F(ViewerPanelsTest, PanelThatFloats_GoesAndComesWithItsTab) {
   ASSERT_TRUE(Choose("nextCamera"));
   EXPECT_TRUE(dock->isVisible());
   EXPECT_TRUE(dock->isFloating());
+}
+
+TEST_F(ViewerPanelsTest, PanelsMovedAndFloating_AreWhereTheyWereInTheNextRun) {
+  const QRect place(60, 80, 420, 340);
+  Begin();
+  OpenStreaming();
+  Press(Qt::Key_4, Qt::AltModifier);
+  FindDock("histogram").findChild<QAbstractButton*>()->setFocus();
+  ASSERT_TRUE(Choose("panelLeft"));
+  Float("features", place);
+  End();
+
+  Begin();
+  OpenStreaming();
+
+  EXPECT_TRUE(Await([this] { return FindDock("features").isVisible() && FindDock("histogram").isVisible(); }));
+  EXPECT_EQ(GetArea("histogram"), Qt::LeftDockWidgetArea);
+  EXPECT_FALSE(FindDock("histogram").isFloating());
+  EXPECT_TRUE(FindDock("features").isFloating());
+  EXPECT_EQ(FindDock("features").geometry(), place);
+}
+
+TEST_F(ViewerPanelsTest, PanelThatFloatedWhereNoScreenIsAnyMore_IsOnOneThatIs) {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  Begin();
+  OpenStreaming();
+  Float("features", QRect(screen.bottomRight() + QPoint(500, 400), QSize(420, 340)));
+  End();
+
+  Begin();
+  OpenStreaming();
+
+  EXPECT_TRUE(Await([this] { return FindDock("features").isVisible(); }));
+  EXPECT_TRUE(FindDock("features").isFloating());
+  EXPECT_TRUE(screen.contains(FindDock("features").geometry()))
+      << FindDock("features").x() << "," << FindDock("features").y();
+}
+
+TEST_F(ViewerPanelsTest, WindowThatWasWhereNoScreenIsAnyMore_IsOnOneThatIs) {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  Begin();
+  GetWindow().setGeometry(QRect(screen.bottomRight() + QPoint(500, 400), QSize(500, 400)));
+  End();
+
+  Begin();
+
+  EXPECT_TRUE(screen.contains(GetWindow().geometry())) << GetWindow().x() << "," << GetWindow().y();
 }
 
 TEST_F(ViewerPanelsTest, BrowserOptions_AreAsTheyWereInTheNextRun) {
