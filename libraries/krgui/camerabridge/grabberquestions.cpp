@@ -50,6 +50,9 @@ std::optional<KrStringList> GrabberQuestions::ListSources(const KrGenProgress& a
     if (sources->GetEntryByIndex(index, entry).IsOK() && entry->IsAvailable())
       names.Add(entry->GetName());
   }
+  // A grabber has sources where it has a choice of them: one that names none has not answered.
+  if (names.IsEmpty() && count > 0)
+    return std::nullopt;
   return names;
 }
 

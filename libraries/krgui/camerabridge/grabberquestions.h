@@ -30,7 +30,7 @@ public:
 
   /// The serial ports, in their order; nothing where aProgress ended the search.
   std::optional<std::vector<KrDeviceSerial>> FindPorts(const KrGenProgress& aProgress) const;
-  /// The sources that are available, in their order; nothing where aProgress ended the listing.
+  /// The sources that are available, in their order; nothing where aProgress ended the listing, or nobody answered.
   std::optional<KrStringList> ListSources(const KrGenProgress& aProgress) const;
   PoCLState GetPoCL() const;
   /// Results as of KrCameraBridge::SetPoCLEnabled; ConnectionLost for a device that has ended.
