@@ -169,15 +169,22 @@ std::string UserHands::DescribeWindows() const {
 }
 
 bool UserHands::AwaitWindow(const QString& aTitle) const {
+  return AwaitActive("the window " + aTitle, [&] { return FindWindow(aTitle); });
+}
+
+bool UserHands::AwaitActive(const QString& aWhat, const std::function<const QWidget*()>& aFind, int aLimitMs) const {
   qulonglong id = 0;
-  const bool isActive = Await("the window " + aTitle, [&] {
-    const QWidget* window = FindWindow(aTitle);
-    id = window != nullptr && window->isActiveWindow() ? window->internalWinId() : 0;
-    return id != 0;
-  });
+  const bool isActive = Await(
+      aWhat,
+      [&] {
+        const QWidget* const window = aFind();
+        id = window != nullptr && window->isActiveWindow() ? window->internalWinId() : 0;
+        return id != 0;
+      },
+      aLimitMs);
   // The window manager takes its own keys, as those that close a window, for the one that it knows to be active.
   const bool isKnown = isActive && QTest::qWaitFor([id] { return FindActiveWindow() == id; }, kLimitMs);
-  EXPECT_EQ(isKnown, isActive) << "The window manager does not know " << aTitle.toStdString();
+  EXPECT_EQ(isKnown, isActive) << "The window manager does not know " << aWhat.toStdString();
   return isKnown;
 }
 

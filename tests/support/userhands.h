@@ -29,6 +29,8 @@ public:
   /// Waits for a window with a title to be the active one, or for it to be gone.
   bool AwaitWindow(const QString& aTitle) const;
   bool AwaitNoWindow(const QString& aTitle) const;
+  /// Waits for a window that a look finds to have the keyboard, as both the toolkit and the window manager have it.
+  bool AwaitActive(const QString& aWhat, const std::function<const QWidget*()>& aFind, int aLimitMs = kLimitMs) const;
   /// Waits for a menu to be open, for a control to be enabled.
   bool AwaitMenu() const;
   bool AwaitEnabled(const QString& aTitle, int aControl) const;

@@ -29,15 +29,15 @@ inline QString GetBoxText() {
   return {};
 }
 
-/// Waits for a message box, which has its window's title, and closes it; gives what it said.
+/// Waits for a message box, which has its window's title, and closes it; gives what it said. A wait may have been on
+/// the screen before, from which the window manager brings the keyboard.
 inline std::string ReadBox(const UserHands& aUser, int aLimitMs = UserHands::kLimitMs) {
   QString text;
-  aUser.Await(
+  aUser.AwaitActive(
       "a message",
       [&] {
         text = GetBoxText();
-        return !text.isEmpty() && QApplication::activeModalWidget() &&
-               QApplication::activeModalWidget()->isActiveWindow();
+        return text.isEmpty() ? nullptr : QApplication::activeModalWidget();
       },
       aLimitMs);
   aUser.Press("Return");

@@ -103,9 +103,7 @@ public:
     return count;
   }
   /// Waits for the dialog that says that a camera is asked.
-  bool AwaitWait() const {
-    return mUser.Await("a camera that is asked", [] { return FindWait() && FindWait()->isActiveWindow(); });
-  }
+  bool AwaitWait() const { return mUser.AwaitActive("a camera that is asked", FindWait); }
   bool AwaitNoWait() const {
     return mUser.Await(
         "no camera that is asked", [] { return !FindWait(); }, kLineLimitMs);
