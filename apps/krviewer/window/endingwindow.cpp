@@ -1,5 +1,7 @@
 #include "window/endingwindow.h"
 
+#include "krbase/krsteadytime.h"
+
 #include <QEventLoop>
 #include <QFontMetrics>
 #include <QHBoxLayout>
@@ -22,16 +24,12 @@ constexpr std::chrono::milliseconds kPatience{500};
 constexpr int kLettersPerLine = 60;
 constexpr std::uint64_t kMsPerSecond = 1000;
 
-std::uint64_t GetSteadyMs() {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
-}
-
 QPushButton* MakeButton(const char* aName, const char* aText, const char* aToolTip) {
   auto* const button = new QPushButton(QString::fromUtf8(aText));
   button->setObjectName(QString::fromLatin1(aName));
   button->setToolTip(QString::fromUtf8(aToolTip));
-  button->setAutoDefault(true);
+  // What gives data up is not done by a Return that was meant for the window before.
+  button->setAutoDefault(false);
   button->hide();
   return button;
 }
@@ -39,10 +37,11 @@ QPushButton* MakeButton(const char* aName, const char* aText, const char* aToolT
 } // namespace
 
 EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
-    : mClock(aClock ? std::move(aClock) : Clock(&GetSteadyMs)), mText(new QLabel),
+    : mClock(aClock ? std::move(aClock) : Clock(&KrGetSteadyMs)), mText(new QLabel),
       mLeave(MakeButton("leave", "&Do Not Wait", "Ends without the files whose disk does not answer")),
       mAbandon(MakeButton("abandon", "&Abandon the Recording", "Gives up the frames that are not written yet")),
       mClose(MakeButton("close", "&Close", "")) {
+  mClose->setAutoDefault(true);
   for (EndingWork& work : aWorks)
     mWorks.push_back({std::move(work)});
   setObjectName(QStringLiteral("endingWindow"));
@@ -76,10 +75,11 @@ void EndingWindow::Await() {
 
 void EndingWindow::Tell(const QString& aTrouble) {
   mIsTold = true;
-  mText->setText(aTrouble);
   mLeave->hide();
   mAbandon->hide();
   mClose->show();
+  mClose->setDefault(true);
+  SetText(aTrouble);
   show();
   RunUntilOver();
 }
@@ -116,9 +116,16 @@ void EndingWindow::Describe() {
                    .arg(stalledMs / kMsPerSecond);
     }
   }
-  mText->setText(lines.join(QLatin1Char('\n')));
   mAbandon->setVisible(isAnyRecording);
   mLeave->setVisible(isAnyStalled);
+  SetText(lines.join(QLatin1Char('\n')));
+}
+
+// A layout does not make a window taller for a text that grows.
+void EndingWindow::SetText(const QString& aText) {
+  mText->setText(aText);
+  if (isVisible())
+    resize(width(), std::max(height(), layout()->totalHeightForWidth(width())));
 }
 
 void EndingWindow::Abandon() {

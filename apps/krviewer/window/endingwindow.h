@@ -60,6 +60,7 @@ private:
   void RunUntilOver();
   void LookAgain();
   void Describe();
+  void SetText(const QString& aText);
   void Abandon();
   void LeaveStalled();
 

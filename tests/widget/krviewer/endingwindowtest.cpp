@@ -50,6 +50,14 @@ QPushButton& GetButton(EndingWindow& aWindow, const char* aName) {
   return *aWindow.findChild<QPushButton*>(aName);
 }
 
+/// Whether the text has the room that it needs, which it has a moment after it was set.
+bool IsTextWhole(EndingWindow& aWindow) {
+  return krtest::AwaitCondition([&aWindow] {
+    const auto& text = *aWindow.findChild<QLabel*>();
+    return text.height() >= text.heightForWidth(text.width());
+  });
+}
+
 bool IsShown(EndingWindow& aWindow, const char* aName) {
   return GetButton(aWindow, aName).isVisible();
 }
@@ -116,6 +124,7 @@ TEST(EndingWindow, FilesThatDoNotGetOn_NeedNotBeWaitedFor) {
     ++*busy.written;
     ASSERT_TRUE(krtest::AwaitCondition([&] { return IsShown(window, "leave"); }));
     text = window.findChild<QLabel*>()->text();
+    EXPECT_TRUE(IsTextWhole(window));
     GetButton(window, "leave").click();
     EXPECT_FALSE(IsShown(window, "leave"));
     busy.isOver = true;
