@@ -38,7 +38,7 @@ KrResult CameraBridgeManagerWnd::SetDevice(KrDevice* aDevice) {
 /// Returns when none of them uses its device any more.
 void CameraBridgeManagerWnd::EndBridges(const std::shared_ptr<EndingBridges>& aBridges) {
   if (!mControls)
-    return aBridges->End();
+    return aBridges->EndSoon();
   // It comes to its end also where the user does not want to wait: only sooner.
   if (!aBridges->AreNone())
     (void)Await({.text = QStringLiteral("Disconnecting the cameras..."),

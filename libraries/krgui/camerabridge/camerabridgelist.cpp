@@ -6,10 +6,19 @@
 #include "logic/camerabridge/cameratexts.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <optional>
 #include <utility>
 
 namespace krgui {
+
+namespace {
+
+/// How long cameras may take to be given free while the user interface waits: less than a register's time-out.
+constexpr std::chrono::milliseconds kPatience{600};
+
+} // namespace
 
 bool ReadParameters(KrGenParameterArray& aParameters, const KrGenProgress& aProgress, const std::stop_token& aStop) {
   const auto goesOn = [&] { return !aStop.stop_requested() && aProgress(0, 0); };
@@ -60,15 +69,39 @@ void EndingBridges::End() {
   // Not locked, so that whoever hurries reaches the bridge that waits.
   for (const CameraBridgeEntry& entry : mEntries)
     entry.bridge->Disconnect();
+  Forget();
+}
+
+void EndingBridges::Forget() {
   std::vector<CameraBridgeEntry> ended;
   const std::lock_guard lock(mMutex);
   ended.swap(mEntries);
+}
+
+void EndingBridges::EndSoon() {
+  // Where there is no thread to be had, a bridge's own end is what disconnects it.
+  std::vector<std::future<void>> ends;
+  for (const CameraBridgeEntry& entry : mEntries)
+    if (entry.bridge->IsConnected())
+      ends.push_back(std::async([&bridge = *entry.bridge] { bridge.Disconnect(); }));
+  const auto limit = std::chrono::steady_clock::now() + kPatience;
+  const auto isInTime = [limit](const std::future<void>& aEnd) {
+    return aEnd.wait_until(limit) == std::future_status::ready;
+  };
+  if (!std::ranges::all_of(ends, isInTime))
+    Hurry();
+  ends.clear(); // Waits for them.
+  Forget();
 }
 
 void EndingBridges::Hurry() {
   const std::lock_guard lock(mMutex);
   for (const CameraBridgeEntry& entry : mEntries)
     entry.bridge->Cancel();
+}
+
+CameraBridgeList::~CameraBridgeList() {
+  EndingBridges(std::move(mEntries)).EndSoon();
 }
 
 CameraBridgeList::Entries CameraBridgeList::SetDevice(KrDevice* aDevice) {

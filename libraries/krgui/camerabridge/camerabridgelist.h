@@ -64,9 +64,14 @@ public:
   void End();
   /// Ends what of this waits for a camera just now.
   void Hurry();
+  /// The same as End where nobody can be shown that it waits: all cameras at once, and those that do not answer are
+  /// soon given up as they are. The accesses to the device that run are waited for.
+  void EndSoon();
 
 private:
-  mutable std::mutex mMutex; ///< Guards the list; nobody but End takes bridges out of it.
+  void Forget();
+
+  mutable std::mutex mMutex; ///< Guards the list; nobody but End and EndSoon takes bridges out of it.
   std::vector<CameraBridgeEntry> mEntries;
 };
 
@@ -75,6 +80,12 @@ private:
 class CameraBridgeList {
 public:
   using Entries = std::vector<CameraBridgeEntry>;
+
+  /// Ends the bridges, without asking the user for patience.
+  ~CameraBridgeList();
+  CameraBridgeList() = default;
+  CameraBridgeList(const CameraBridgeList&) = delete;
+  CameraBridgeList& operator=(const CameraBridgeList&) = delete;
 
   void SetStream(KrStream* aStream) { mStream = aStream; }
   /// Another device, whose bridges are to be made; null for none. Gives those of the one before, which are to be ended.
