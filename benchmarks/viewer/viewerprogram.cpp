@@ -1,14 +1,14 @@
 #include "viewerprogram.h"
 
+#include "spawning.h"
+
 #include <array>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <fcntl.h>
 #include <filesystem>
 #include <memory>
-#include <spawn.h>
 #include <sstream>
 #include <sys/wait.h>
 #include <system_error>
@@ -38,18 +38,8 @@ pid_t Spawn(std::vector<std::string> aCommandLine, const std::string& aSettingsF
   const std::string program = aCommandLine.front();
   aCommandLine.insert(aCommandLine.begin(),
                       {"setpriv", "--pdeathsig", "KILL", "env", "XDG_CONFIG_HOME=" + aSettingsFolder});
-  std::vector<char*> arguments;
-  for (std::string& argument : aCommandLine)
-    arguments.push_back(argument.data());
-  arguments.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  pid_t process = -1;
-  const int error = posix_spawnp(&process, arguments.front(), &actions, nullptr, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0)
+  const pid_t process = Spawning(std::move(aCommandLine)).DiscardOutput().Start();
+  if (process < 0)
     Fail(program + " does not start.");
   return process;
 }

@@ -1,5 +1,7 @@
 #include "fakecamera.h"
 
+#include "spawning.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,10 +9,8 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,23 +21,7 @@ namespace {
 constexpr const char* kProgram = "arv-fake-gv-camera-0.8";
 constexpr std::chrono::seconds kStartLimit{60};
 
-// Starts the camera with its output thrown away: it reports every transfer.
-pid_t Spawn(std::vector<std::string> aArguments) {
-  std::vector<char*> arguments;
-  for (std::string& argument : aArguments)
-    arguments.push_back(argument.data());
-  arguments.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  pid_t process = -1;
-  const int error = posix_spawnp(&process, aArguments.front().c_str(), &actions, nullptr, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  return error == 0 ? process : -1;
-}
-
-// The kernel ends the camera should the test die first.
+// The kernel ends the camera should the test die first. What it writes is thrown away: it reports every transfer.
 std::vector<std::string> MakeCommandLine(const FakeCameraOptions& aOptions) {
   std::vector<std::string> arguments = {"setpriv", "--pdeathsig", "KILL"};
   if (!aOptions.namespaceFile.empty())
@@ -103,7 +87,7 @@ bool AnswersDiscovery(const std::string& aAddress) {
 }
 
 FakeCamera::FakeCamera(const FakeCameraOptions& aOptions)
-    : mAddress(aOptions.address), mProcess(Spawn(MakeCommandLine(aOptions))) {
+    : mAddress(aOptions.address), mProcess(Spawning(MakeCommandLine(aOptions)).DiscardOutput().Start()) {
   if (mProcess < 0) {
     ADD_FAILURE() << kProgram << " cannot be started; install the package aravis-tools.";
     return;

@@ -1,5 +1,7 @@
 #include "networkhost.h"
 
+#include "spawning.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -7,7 +9,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sched.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -30,24 +31,15 @@ constexpr const char* kNamespaceOfThread = "/proc/thread-self/ns/net";
 } // namespace
 
 std::string RunProgram(const std::vector<std::string>& aCommandLine) {
-  std::vector<char*> arguments;
-  for (const std::string& argument : aCommandLine)
-    arguments.push_back(const_cast<char*>(argument.c_str()));
-  arguments.push_back(nullptr);
   std::array<int, 2> pipe{};
   if (::pipe2(pipe.data(), O_CLOEXEC) != 0)
     return std::strerror(errno);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  posix_spawn_file_actions_adddup2(&actions, pipe[1], STDERR_FILENO);
-  pid_t process = -1;
-  const int error = posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
+  const pid_t process = Spawning(aCommandLine).Discard(STDOUT_FILENO).Give(pipe[1], STDERR_FILENO).Start();
+  const int error = errno;
   ::close(pipe[1]);
   const std::string said = ReadToEnd(pipe[0]);
   ::close(pipe[0]);
-  if (error != 0)
+  if (process < 0)
     return aCommandLine[0] + " cannot be started: " + std::strerror(error);
   int status = 0;
   ::waitpid(process, &status, 0);

@@ -1,8 +1,9 @@
 #include "socatline.h"
 
+#include "spawning.h"
+
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -59,15 +60,11 @@ void WriteAll(int aDescriptor, std::string_view aBytes, const std::stop_token& a
 SocatProcess::SocatProcess(std::string aAddress) {
   const std::array<int, 2> input = MakePipe();
   const std::array<int, 2> output = MakePipe();
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-  std::string program = "socat";
-  std::string here = "STDIO";
-  std::array<char*, 4> arguments = {program.data(), here.data(), aAddress.data(), nullptr};
-  const int failure = posix_spawnp(&mProcess, program.c_str(), &actions, nullptr, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
+  mProcess = Spawning({"socat", "STDIO", std::move(aAddress)})
+                 .Give(input[0], STDIN_FILENO)
+                 .Give(output[1], STDOUT_FILENO)
+                 .Start();
+  const int failure = mProcess < 0 ? errno : 0;
   close(input[0]);
   close(output[1]);
   mInput = input[1];

@@ -1,16 +1,18 @@
 #pragma once
 // An X server of a test's own, which it can stop, let go on and kill. Its screen has 1024 x 768 pixels.
 
+#include "spawning.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace krgui {
@@ -55,18 +57,8 @@ private:
     std::vector<std::string> words = {"Xvfb", "-displayfd", std::to_string(kReady), "-nolisten", "tcp", "-noreset"};
     words.insert(words.end(), {"-screen", "0", "1024x768x" + std::to_string(aDepth)});
     words.insert(words.end(), aMore.begin(), aMore.end());
-    std::vector<char*> arguments;
-    for (std::string& word : words) {
-      arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, aReadyEnd, kReady);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    EXPECT_EQ(posix_spawnp(&mProcess, arguments[0], &actions, nullptr, arguments.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
+    mProcess = Spawning(std::move(words)).Give(aReadyEnd, kReady).DiscardOutput().Start();
+    EXPECT_GE(mProcess, 0);
   }
   /// What the server writes when it is ready: the number of its display.
   static std::string ReadLine(int aEnd) {

@@ -5,6 +5,7 @@
 
 #include "plainframes.h"
 #include "screenreader.h"
+#include "spawning.h"
 #include "testwnd.h"
 #include "windowwait.h"
 
@@ -17,11 +18,9 @@
 #include <atomic>
 #include <chrono>
 #include <set>
-#include <spawn.h>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -71,15 +70,11 @@ QRect FindClient(const KrDisplayWnd& aWindow) {
   return WaitFor([&] { return aWindow.GetStatistics().shown >= enough; });
 }
 
-/// Clicks with the right button at a point of the screen. Spawned, as a process with threads must not fork under the
-/// thread sanitizer.
+/// Clicks with the right button at a point of the screen.
 void ClickRight(const QPoint& aPoint) {
-  std::string x = std::to_string(aPoint.x());
-  std::string y = std::to_string(aPoint.y());
-  char program[] = "xdotool", move[] = "mousemove", click[] = "click", right[] = "3";
-  char* arguments[] = {program, move, x.data(), y.data(), click, right, nullptr};
-  pid_t process = -1;
-  ASSERT_EQ(posix_spawnp(&process, program, nullptr, nullptr, arguments, environ), 0);
+  const pid_t process =
+      Spawning({"xdotool", "mousemove", std::to_string(aPoint.x()), std::to_string(aPoint.y()), "click", "3"}).Start();
+  ASSERT_GE(process, 0);
   int status = -1;
   ASSERT_EQ(waitpid(process, &status, 0), process);
   ASSERT_EQ(status, 0);

@@ -1,5 +1,7 @@
 #include "clprogram.h"
 
+#include "spawning.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -8,7 +10,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,15 +26,9 @@ ClProgram::ClProgram() {
     ADD_FAILURE() << "No pipe can be made.";
     return;
   }
-  posix_spawn_file_actions_t actions;
-  ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-  ::posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-  std::string program = KR_CL_PROGRAM;
-  std::string library = KR_CL_LIBRARY;
-  std::array<char*, 3> arguments = {program.data(), library.data(), nullptr};
-  EXPECT_EQ(::posix_spawn(&mProcess, program.c_str(), &actions, nullptr, arguments.data(), environ), 0);
-  ::posix_spawn_file_actions_destroy(&actions);
+  mProcess =
+      Spawning({KR_CL_PROGRAM, KR_CL_LIBRARY}).Give(input[0], STDIN_FILENO).Give(output[1], STDOUT_FILENO).Start();
+  EXPECT_GE(mProcess, 0);
   ::close(input[0]);
   ::close(output[1]);
   mInput = input[1];

@@ -1,12 +1,13 @@
 #include "programrun.h"
 
+#include "spawning.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,26 +32,15 @@ void ReadFrom(int& aDescriptor, std::string& aText) {
 ProgramRun::ProgramRun(const std::string& aPath, const std::vector<std::string>& aArguments) {
   std::vector<std::string> texts = {aPath};
   texts.insert(texts.end(), aArguments.begin(), aArguments.end());
-  std::vector<char*> arguments;
-  for (std::string& text : texts)
-    arguments.push_back(text.data());
-  arguments.push_back(nullptr);
-
   int output[2];
   int errors[2];
   if (::pipe2(output, O_CLOEXEC) != 0 || ::pipe2(errors, O_CLOEXEC) != 0) {
     ADD_FAILURE() << "No pipe can be made.";
     return;
   }
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, errors[1], STDERR_FILENO);
-  if (posix_spawn(&mProcess, aPath.c_str(), &actions, nullptr, arguments.data(), environ) != 0) {
+  mProcess = Spawning(std::move(texts)).Give(output[1], STDOUT_FILENO).Give(errors[1], STDERR_FILENO).Start();
+  if (mProcess < 0)
     ADD_FAILURE() << aPath << " cannot be started.";
-    mProcess = -1;
-  }
-  posix_spawn_file_actions_destroy(&actions);
   ::close(output[1]);
   ::close(errors[1]);
   mOutputEnd = output[0];
