@@ -157,11 +157,7 @@ TEST_F(CameraBridgeFaults, NoCameraOfTheKind_IsToldAndAnotherKindIsChosen) {
 TEST_F(CameraBridgeFaults, CameraThatLosesItsPower_RefusesToBeSetUntilItIsBack) {
   Run([&](UserHands& aUser, const CameraHands& aHands) {
     aHands.PickPort("Serial1");
-    aHands.ChooseKind(bridge::kCameraFile);
-    aUser.Click(kManager, bridge::kBrowse);
-    ASSERT_TRUE(aHands.EnterFile(kTextCameraFile));
-    aUser.Click(kManager, bridge::kLoad);
-    ASSERT_GT(aHands.AwaitConnected(bridge::kCameraFileStatus), 0);
+    ASSERT_GT(aHands.ConnectTextCamera(), 0);
     ASSERT_TRUE(aUser.AwaitRow(kManager, kGrid, " dB"));
 
     aUser.ClickMark(kManager, bridge::kPoCL); // It lives on its cable's power.

@@ -118,6 +118,23 @@ public:
     mUser.Press("Return");
     return mUser.AwaitNoWindow(kFileDialog) && mUser.AwaitWindow(kManager) && AwaitText(bridge::kPath, aPath);
   }
+  /// Connects the GenCP camera of the port that is picked; gives how many parameters it tells of, 0 for none.
+  int ConnectGenCP() const {
+    ChooseKind(bridge::kGenCP);
+    if (!AwaitReady(bridge::kGenCPConnect))
+      return 0;
+    mUser.Click(kManager, bridge::kGenCPConnect);
+    return AwaitConnected(bridge::kGenCPStatus);
+  }
+  /// The same for the camera that speaks texts, by its file.
+  int ConnectTextCamera() const {
+    ChooseKind(bridge::kCameraFile);
+    mUser.Click(kManager, bridge::kBrowse);
+    if (!EnterFile(kTextCameraFile))
+      return 0;
+    mUser.Click(kManager, bridge::kLoad);
+    return AwaitConnected(bridge::kCameraFileStatus);
+  }
 
 private:
   bool AwaitShown(int aControl, const QString& aWhat, const std::function<bool(const QString&)>& aIsMeant) const {

@@ -35,10 +35,7 @@ TEST_F(CameraBridgeUser, GenCPCamera_IsConnectedBrowsedAndSet) {
   int count = 0;
   Run([&](UserHands& aUser, const CameraHands& aHands) {
     aHands.PickPort("Serial0");
-    aHands.ChooseKind(bridge::kGenCP);
-    ASSERT_TRUE(aHands.AwaitReady(bridge::kGenCPConnect));
-    aUser.Click(kManager, bridge::kGenCPConnect);
-    count = aHands.AwaitConnected(bridge::kGenCPStatus);
+    count = aHands.ConnectGenCP();
 
     ASSERT_TRUE(aUser.AwaitRow(kManager, kGrid, "DeviceModelName | Simulated GenCP Camera"));
     aUser.ClickRow(kManager, kGrid, "ExposureTime");
@@ -81,11 +78,7 @@ TEST_F(CameraBridgeUser, CLProtocolCamera_IsProbedConnectedBrowsedAndSet) {
 TEST_F(CameraBridgeUser, CameraFile_IsChosenLoadedBrowsedAndSet) {
   Run([&](UserHands& aUser, const CameraHands& aHands) {
     aHands.PickPort("Serial1");
-    aHands.ChooseKind(bridge::kCameraFile);
-    aUser.Click(kManager, bridge::kBrowse);
-    ASSERT_TRUE(aHands.EnterFile(kTextCameraFile));
-    aUser.Click(kManager, bridge::kLoad);
-    EXPECT_GT(aHands.AwaitConnected(bridge::kCameraFileStatus), 0);
+    ASSERT_GT(aHands.ConnectTextCamera(), 0);
 
     ASSERT_TRUE(aUser.AwaitRow(kManager, kGrid, "DeviceID | KrGUI,Simulated Text Camera,SIM-CL-02"));
     aUser.ClickRow(kManager, kGrid, "Gain |");
@@ -103,17 +96,10 @@ TEST_F(CameraBridgeUser, CameraFile_IsChosenLoadedBrowsedAndSet) {
 TEST_F(CameraBridgeUser, CamerasOfTwoPorts_StayConnectedSideBySide) {
   Run([&](UserHands& aUser, const CameraHands& aHands) {
     aHands.PickPort("Serial0");
-    aHands.ChooseKind(bridge::kGenCP);
-    ASSERT_TRUE(aHands.AwaitReady(bridge::kGenCPConnect));
-    aUser.Click(kManager, bridge::kGenCPConnect);
-    const int count = aHands.AwaitConnected(bridge::kGenCPStatus);
+    const int count = aHands.ConnectGenCP();
     aHands.PickPort("Serial1");
     EXPECT_TRUE(AwaitChecked(aUser, kManager, bridge::kNone));
-    aHands.ChooseKind(bridge::kCameraFile);
-    aUser.Click(kManager, bridge::kBrowse);
-    ASSERT_TRUE(aHands.EnterFile(kTextCameraFile));
-    aUser.Click(kManager, bridge::kLoad);
-    ASSERT_GT(aHands.AwaitConnected(bridge::kCameraFileStatus), 0);
+    ASSERT_GT(aHands.ConnectTextCamera(), 0);
     ASSERT_TRUE(aUser.AwaitRow(kManager, kGrid, "DeviceID | KrGUI,Simulated Text Camera,SIM-CL-02"));
 
     aUser.Press("Escape");
