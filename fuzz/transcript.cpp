@@ -40,7 +40,9 @@ public:
   void Append(std::u16string_view aText) override {
     mAll += aText;
     mRolling.Append(aText);
-    Require(mRolling.GetText().size() <= std::max(kLimit, aText.size()));
+    // The limit holds so long as no batch was longer.
+    mMost = std::max(mMost, aText.size());
+    Require(mRolling.GetText().size() <= mMost);
     Require(mAll.ends_with(mRolling.GetText()));
   }
   void SetEmpty() override {
@@ -61,6 +63,7 @@ public:
   const std::u16string& GetAll() const { return mAll; }
 
 private:
+  std::size_t mMost = kLimit;
   std::u16string mAll;
   std::u16string mShown; // As a view has it that is told of changes alone.
   krgui::RollingText mRolling{*this};
