@@ -52,6 +52,8 @@ void LiveDisplay::Show(const std::stop_token& aStop) {
 }
 
 void LiveDisplay::Take(const KrBuffer& aFrame) {
+  if (aFrame.GetStatus() != KrBufferStatus::Complete)
+    return; // On order; others come.
   const IKrImage* const image = aFrame.GetImage();
   const bool isAsSet = image && image->GetWidth() == mWidth && image->GetHeight() == mHeight;
   if (!isAsSet || !mWindow.Display(aFrame, false).IsOK())

@@ -1,21 +1,25 @@
 #include "soakhand.h"
 
 #include "browser/propertiesgrid.h"
+#include "camerabridge/camerabridgeids.h"
 #include "scene.h"
 #include "serial/rollingedit.h"
+#include "serial/serialbridgeids.h"
 #include "serial/terminalids.h"
 #include "soakrecords.h"
 #include "soakstation.h"
 #include "watchdog.h"
 
 #include <QAbstractButton>
-#include <QElapsedTimer>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QTest>
 #include <QTreeWidget>
 
 namespace {
 
+namespace camera = krgui::cameraid;
+namespace serial = krgui::bridgeid;
 namespace terminal = krgui::terminalid;
 
 constexpr int kFinderTree = 1049;
@@ -24,7 +28,7 @@ constexpr const char* kSought[] = {"a", "trigger", "Width", "xyz", "gain"};
 
 } // namespace
 
-const std::array<SoakHand::Deed, 13> SoakHand::kDeeds = {{
+const std::array<SoakHand::Deed, 15> SoakHand::kDeeds = {{
     {"opening and closing a window", 15, &SoakHand::ReopenWindow},
     {"using a display", 30, &SoakHand::UseDisplay},
     {"using the finder", 8, &SoakHand::UseFinder},
@@ -35,6 +39,8 @@ const std::array<SoakHand::Deed, 13> SoakHand::kDeeds = {{
     {"changing format and size", 10, &SoakHand::ChangeFormat},
     {"saving and loading a camera's settings", 2, &SoakHand::RestoreSettings},
     {"setting a camera behind the frame grabber", 8, &SoakHand::UseCameraBridge},
+    {"using the managers of bridges", 6, &SoakHand::UseManagers},
+    {"losing packets and frames", 6, &SoakHand::LoseFrames},
     {"saving and loading bridges", 3, &SoakHand::SaveBridges},
     {"losing a camera", 5, &SoakHand::LoseCamera},
     {"silencing a camera", 3, &SoakHand::SilenceCamera},
@@ -176,6 +182,38 @@ void SoakHand::RestoreSettings() {
 
 void SoakHand::UseCameraBridge() {
   mStation.GetGrabber().Exchange(mDice);
+}
+
+void SoakHand::UseManagers() {
+  if (mDice.HasLuck(2)) {
+    const QWidget& window = *mStation.GetSerialBridges().GetWidget();
+    auto& ports = scene::Get<QComboBox>(window, serial::kDevicePort);
+    scene::Pick(window, serial::kDevicePort, ports.itemText(mDice.Draw(0, ports.count() - 1)));
+    scene::Get<QAbstractButton>(window, serial::kReset).click();
+    return;
+  }
+  const QWidget& window = *mStation.GetCameraBridges().GetWidget();
+  for (int clicks = 0; clicks < 2; ++clicks) // Off, and on again.
+    scene::Get<QAbstractButton>(window, camera::kSynchronization).click();
+  scene::Get<QAbstractButton>(window, camera::kReset).click();
+}
+
+/// The stream goes on with what is whole.
+void SoakHand::LoseFrames() {
+  const auto index = static_cast<std::size_t>(mDice.Draw(0, 1));
+  KrSimulatedFaults& faults = mStation.GetCamera(SoakStation::kCameras[index]).GetFaults();
+  const auto frames = static_cast<std::uint32_t>(mDice.Draw(1, 3));
+  switch (mDice.Draw(0, 2)) {
+  case 0:
+    faults.LosePackets(frames, frames, frames);
+    break;
+  case 1:
+    faults.DelayPackets(frames, frames, 20);
+    break;
+  default:
+    faults.DropFrames(frames);
+  }
+  mStation.GetLive()[index]->AwaitFrames();
 }
 
 void SoakHand::SaveBridges() {

@@ -25,7 +25,7 @@ private:
     int weight;
     void (SoakHand::*act)();
   };
-  static const std::array<Deed, 13> kDeeds;
+  static const std::array<Deed, 15> kDeeds;
 
   void ReopenWindow();
   void UseDisplay();
@@ -37,6 +37,8 @@ private:
   void ChangeFormat();
   void RestoreSettings();
   void UseCameraBridge();
+  void UseManagers();
+  void LoseFrames();
   void SaveBridges();
   void LoseCamera();
   void SilenceCamera();

@@ -127,6 +127,9 @@ void SoakStation::Rest() {
       TakeIn(camera);
     }
   mBridges.Finish();
+  // Their editors and search rows last as long as the opening.
+  for (KrGenBrowserWnd* const browser : GetBrowsers())
+    scene::Require(browser->Close());
   for (std::size_t index = 0; index < kWindows; ++index)
     Show(index);
   RestDisplay(mMonoDisplay, mMonoLive);

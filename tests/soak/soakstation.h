@@ -42,6 +42,8 @@ public:
   std::array<KrGenBrowserWnd*, 2> GetBrowsers() { return {&mMonoBrowser, &mColourBrowser}; }
   std::array<KrDisplayWnd*, 2> GetDisplays() { return {&mMonoDisplay, &mColourDisplay}; }
   std::array<LiveDisplay*, 2> GetLive() { return {&mMonoLive, &mColourLive}; }
+  KrSerialBridgeManagerWnd& GetSerialBridges() { return mSerialBridges; }
+  KrCameraBridgeManagerWnd& GetCameraBridges() { return mCameraBridges; }
   SoakBridges& GetBridges() { return mBridges; }
   SoakGrabber& GetGrabber() { return mGrabberBridge; }
 
