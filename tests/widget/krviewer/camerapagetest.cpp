@@ -267,6 +267,7 @@ TEST_F(CameraPageTest, RegionOfInterest_IsDrawnSetAndSaidInTheStatusBar) {
 
 TEST_F(CameraPageTest, DisconnectedWhileARegionIsDrawn_GivesItUp) {
   OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->GetDisplay().GetMapping().has_value(); }));
   ASSERT_TRUE(Choose("region"));
   ASSERT_TRUE(Await([this] { return GetPage()->GetRegion().IsEditing(); }));
 
