@@ -116,6 +116,7 @@ TEST_F(Mnemonics, RegionBar_TakesNoLetterOfTheMenus) {
   OpenStreaming();
   const auto* const bar = GetPage()->findChild<QWidget*>("regionBar");
   ASSERT_NE(bar, nullptr);
+  ASSERT_TRUE(Await([this] { return GetPage()->GetDisplay().GetMapping().has_value(); }));
 
   ASSERT_TRUE(Choose("region"));
   ASSERT_TRUE(Await([=] { return bar->isVisible(); }));
