@@ -120,6 +120,16 @@ TEST(Documents, MessagesOfTroubleshooting_AreStillSaid) {
         << "docs/troubleshooting.md:" << quotation.line << ": nothing says: " << quotation.text;
 }
 
+TEST(Documents, TargetsOfTheFuzzer_StandInTheirTable) {
+  const std::string text = ReadText(kRoot / "docs/fuzzing.md");
+  int targets = 0;
+  for (const fs::directory_entry& seeds : fs::directory_iterator(kRoot / "fuzz/seeds")) {
+    ++targets;
+    EXPECT_NE(text.find("\n| " + seeds.path().filename().string() + " | "), std::string::npos) << seeds.path();
+  }
+  EXPECT_GE(targets, 20);
+}
+
 TEST(Documents, LinksToFiles_LeadSomewhere) {
   std::vector<fs::path> documents = FindFiles({"docs", "examples"}, {".md"});
   documents.push_back(kRoot / "README.md");
