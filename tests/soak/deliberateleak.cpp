@@ -1,5 +1,7 @@
 #include "deliberateleak.h"
 
+#include "krbase/krlogger.h"
+
 #include <QWidget>
 
 #include <cstdlib>
@@ -26,4 +28,5 @@ void LeakALittle() {
   ::shmat(segment, nullptr, 0);
   std::thread([] { ::pause(); }).detach();
   new QWidget;
+  KrLogger("Soak").Log(KrLogLevel::Warning, {"LeakALittle", "deliberateleak"}, "Something was lost on purpose.");
 }

@@ -1,7 +1,7 @@
 // The soak of the whole as scripts/soak.sh runs it, but for a few steps: it passes, and it tells when something is
 // lost.
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstdio>
 #include <string>
@@ -58,4 +58,5 @@ TEST(WholeSoak, DeliberateLeak_IsToldOfEachFigure) {
   for (const char* const figure : kFigures)
     EXPECT_EQ(FindVerdict(outcome, figure), "flat=0") << figure << "\n" << outcome.text;
   EXPECT_EQ(FindVerdict(outcome, "processes"), "flat=1");
+  EXPECT_THAT(outcome.text, testing::HasSubstr("unexpected: [Soak] LeakALittle: Something was lost on purpose."));
 }
