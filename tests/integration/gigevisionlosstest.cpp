@@ -95,6 +95,22 @@ TEST_F(GigEVisionLoss, CameraRestartedWhileStreaming_IsOpenedAnewAndStreams) {
   EXPECT_EQ(buffer->GetStatus(), KrBufferStatus::Complete);
 }
 
+TEST_F(GigEVisionLoss, AnotherCameraAtItsAddress_IsNotOpenedInItsPlace) {
+  mCamera->Kill();
+  ASSERT_TRUE(mSink.WaitForLost());
+  mLink.reset();
+  FakeCameraOptions options = mOptions;
+  options.serialNumber = "GV99";
+  mCamera = std::make_unique<FakeCamera>(options);
+
+  std::unique_ptr<krsystem::IDeviceLink> link;
+  const KrResult opened = Open(krsystem::DeviceAccess::Control, link);
+
+  EXPECT_EQ(opened, KrResult::Code::NotFound);
+  EXPECT_THAT(opened.GetDescription().ToUtf8(), testing::HasSubstr("another device answers"));
+  EXPECT_THAT(opened.GetDescription().ToUtf8(), testing::HasSubstr("GV99"));
+}
+
 TEST_F(GigEVisionLoss, CameraSilentForAMoment_RegistersWorkAgainWithoutWordOfLoss) {
   std::array<std::uint8_t, 4> bytes{};
   IKrRegisterPort& port = mLink->GetRegisterPort();

@@ -2,6 +2,7 @@
 
 #include "gvcpresponder.h"
 
+#include "gigevision/deviceprobe.h"
 #include "gigevision/gvcpclient.h"
 
 #include <gtest/gtest.h>
@@ -105,6 +106,25 @@ TEST_F(GvcpClientTest, ReadRegister_StoppedDuringAFlood_ReturnsAborted) {
   stop.request_stop();
 
   EXPECT_EQ(read.get(), KrResult::Code::Aborted);
+}
+
+TEST_F(GvcpClientTest, ProbeDevice_AnswersThatComeTooLate_AreThoseOfADeviceThatLives) {
+  std::vector<std::uint8_t> former;
+  const GvcpResponder responder([&](std::span<const std::uint8_t> aCommand) {
+    Datagrams late;
+    if (!former.empty())
+      late = {MakeReadAcknowledge(former, 2)};
+    former.assign(aCommand.begin(), aCommand.end());
+    return late;
+  });
+
+  EXPECT_EQ(ProbeDevice(mClient), ProbeFinding::Withheld);
+}
+
+TEST_F(GvcpClientTest, ProbeDevice_NoAnswerAtAll_IsSilence) {
+  const GvcpResponder responder([](auto) { return Datagrams(); });
+
+  EXPECT_EQ(ProbeDevice(mClient), ProbeFinding::Silent);
 }
 
 } // namespace

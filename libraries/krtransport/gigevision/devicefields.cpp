@@ -16,15 +16,23 @@ std::string ChooseName(const DiscoveryPayload& aPayload) {
 
 } // namespace
 
+KrString MakeUniqueID(const DiscoveryPayload& aPayload) {
+  return aPayload.mac != krsystem::MACAddress{} ? krsystem::FormatMAC(aPayload.mac)
+                                                : krsystem::FormatIPv4(aPayload.address) + "/" + aPayload.serialNumber;
+}
+
+KrString MakeDisplayID(const DiscoveryPayload& aPayload) {
+  return KrString(ChooseName(aPayload)) + " (" + krsystem::FormatIPv4(aPayload.address) + ")";
+}
+
 krsystem::GEVFields MakeDeviceFields(const DiscoveryPayload& aPayload, const krsystem::NetworkAdapterFields& aAdapter) {
   krsystem::GEVFields fields;
   fields.macAddress = krsystem::FormatMAC(aPayload.mac);
   fields.ipAddress = krsystem::FormatIPv4(aPayload.address);
   fields.subnetMask = krsystem::FormatIPv4(aPayload.mask);
   fields.defaultGateway = krsystem::FormatIPv4(aPayload.gateway);
-  fields.uniqueID =
-      aPayload.mac != krsystem::MACAddress{} ? fields.macAddress : fields.ipAddress + "/" + aPayload.serialNumber;
-  fields.displayID = KrString(ChooseName(aPayload)) + " (" + fields.ipAddress + ")";
+  fields.uniqueID = MakeUniqueID(aPayload);
+  fields.displayID = MakeDisplayID(aPayload);
   fields.vendorName = aPayload.manufacturer;
   fields.modelName = aPayload.model;
   fields.version = aPayload.deviceVersion;

@@ -7,9 +7,13 @@
 
 namespace krtransport {
 
+/// What names a device among all: its MAC address or, for one that states none, its address and serial number, so that
+/// two such devices stay apart.
+KrString MakeUniqueID(const DiscoveryPayload& aPayload);
+/// "Model (address)", for a list; the first other text where it states no model.
+KrString MakeDisplayID(const DiscoveryPayload& aPayload);
 /// The fields of a device that answered on an adapter. It can be reached when its address lies in one of that adapter's
-/// subnets. Its unique ID is the MAC; a device that states none is named by its address and serial number, so that two
-/// such devices stay apart.
+/// subnets.
 krsystem::GEVFields MakeDeviceFields(const DiscoveryPayload& aPayload, const krsystem::NetworkAdapterFields& aAdapter);
 
 } // namespace krtransport

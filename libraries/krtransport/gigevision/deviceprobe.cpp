@@ -15,6 +15,7 @@ bool IsRefusal(const KrResult& aResult) {
 } // namespace
 
 ProbeFinding ProbeDevice(GvcpClient& aClient, const std::stop_token& aStop) {
+  const std::uint64_t heardBefore = aClient.CountHeard();
   std::uint32_t privilege = 0;
   const KrResult read = aClient.ReadRegister(kControlPrivilegeRegister, privilege, kRegisterPatience, aStop);
   if (read == KrResult::Code::Aborted)
@@ -28,7 +29,9 @@ ProbeFinding ProbeDevice(GvcpClient& aClient, const std::stop_token& aStop) {
   const KrResult discovered = aClient.Discover(payload, kDiscoveryPatience, aStop);
   if (discovered == KrResult::Code::Aborted)
     return ProbeFinding::Cancelled;
-  return discovered.IsOK() || IsRefusal(discovered) ? ProbeFinding::Withheld : ProbeFinding::Silent;
+  // What comes too late for its question comes from a device that lives.
+  const bool isHeard = discovered.IsOK() || IsRefusal(discovered) || aClient.CountHeard() != heardBefore;
+  return isHeard ? ProbeFinding::Withheld : ProbeFinding::Silent;
 }
 
 } // namespace krtransport

@@ -11,7 +11,7 @@ namespace krtransport {
 enum class ProbeFinding {
   Controlled,   ///< Some application has control.
   Uncontrolled, ///< The device answers and nobody has.
-  Withheld,     ///< The device answers, but not to that question: it is held exclusively, or busy.
+  Withheld,     ///< The device answers, but not to that question, or late: it is held exclusively, busy, or slow.
   Silent,
   Cancelled, ///< The stop token ended the asking.
 };

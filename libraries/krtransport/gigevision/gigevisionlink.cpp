@@ -1,10 +1,12 @@
 #include "gigevision/gigevisionlink.h"
 
+#include "gigevision/devicefields.h"
 #include "gigevision/monitorchannel.h"
 #include "gigevision/statedlength.h"
 #include "krbase/krlogger.h"
 #include "krsystem/ipv4address.h"
 
+#include <chrono>
 #include <utility>
 
 namespace krtransport {
@@ -12,6 +14,7 @@ namespace {
 
 // With the half second in which a dead device is found, two seconds.
 constexpr std::uint32_t kGiveBackTimeoutMs = 1500;
+constexpr GvcpPatience kIdentityPatience{std::chrono::milliseconds(200), 2, std::chrono::milliseconds(400)};
 
 KrResult Connect(const LinkTarget& aTarget, GvcpClient& aClient) {
   return aTarget.isOffRoute
@@ -27,6 +30,18 @@ KrString DescribeHolder(const LinkTarget& aTarget, GvcpClient& aClient) {
     return holder;
   return address == aTarget.localAddress ? holder + " on this computer"
                                          : holder + " at " + krsystem::FormatIPv4(address);
+}
+
+// An address may have gone to another device since it was found there. One that says nothing of itself is believed.
+KrResult CheckIdentity(const LinkTarget& aTarget, GvcpClient& aClient) {
+  DiscoveryPayload payload;
+  if (aTarget.uniqueID.IsEmpty() || !aClient.Discover(payload, kIdentityPatience).IsOK() ||
+      MakeUniqueID(payload) == aTarget.uniqueID)
+    return {};
+  return {KrResult::Code::NotFound,
+          "At " + krsystem::FormatIPv4(aTarget.deviceAddress) + " another device answers, " + MakeDisplayID(payload) +
+              ", number " + payload.serialNumber +
+              ". Look for devices again: the one that was there may have another address now."};
 }
 
 } // namespace
@@ -57,6 +72,8 @@ KrResult GigEVisionLink::CheckAccess(const LinkTarget& aTarget, GvcpClient& aCli
             device + " does not say who controls it. " + read.GetDescription() + " Try again in a moment."};
   if (!read.IsOK())
     return {KrResult::Code::NotFound, device + " cannot be opened. " + read.GetDescription()};
+  if (KrResult same = CheckIdentity(aTarget, aClient); !same.IsOK())
+    return same;
   if ((privilege & kExclusiveBit) != 0)
     return {KrResult::Code::AccessDenied,
             device + " is held exclusively by " + DescribeHolder(aTarget, aClient) + ". Close it there first."};

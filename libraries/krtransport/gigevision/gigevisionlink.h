@@ -19,8 +19,8 @@ namespace krtransport {
 /// tries: of the call that runs, of its heartbeat and of giving back control.
 class GigEVisionLink final : public krsystem::IDeviceLink {
 public:
-  /// Opens the device that a target names. NotFound when it does not answer, AccessDenied when another application
-  /// holds it in a way that the access wanted does not go with.
+  /// Opens the device that a target names. NotFound when it does not answer, or another one does at its address,
+  /// AccessDenied when another application holds it in a way that the access wanted does not go with.
   static KrResult Open(const LinkTarget& aTarget, std::unique_ptr<krsystem::IDeviceLink>& aLink);
   ~GigEVisionLink() override;
 

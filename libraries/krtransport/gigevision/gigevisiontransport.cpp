@@ -102,6 +102,7 @@ KrResult GigEVisionTransport::Open(const krsystem::InterfaceFields& aInterface,
   if (adapter == nullptr || !address)
     return RefuseKind("Opening");
   LinkTarget target = {.deviceAddress = *address,
+                       .uniqueID = device->uniqueID,
                        .adapterName = adapter->name.ToUtf8(),
                        .readLinkSpeed = mReadLinkSpeed,
                        .access = aAccess};

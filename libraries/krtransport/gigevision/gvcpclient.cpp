@@ -113,6 +113,7 @@ KrResult GvcpClient::TakeAnswer(std::uint16_t aRequestID, const ParseAnswer& aPa
     const auto received = mSocket.Receive(buffer);
     if (!received)
       break;
+    ++mHeard;
     if (received->size > buffer.size())
       continue;
     const auto datagram = std::span<const std::uint8_t>(buffer).first(received->size);

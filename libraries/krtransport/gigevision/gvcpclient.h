@@ -40,6 +40,8 @@ public:
 
   /// The address from which this host reaches the device.
   std::uint32_t GetLocalAddress() const { return mSocket.GetLocalAddress(); }
+  /// How many datagrams came from the device so far: also those that came too late to be an answer.
+  std::uint64_t CountHeard() const { return mHeard; }
 
   /// Each operation ends with the first right answer, and within the total whatever the device sends.
   /// TimeLimitExceeded when none came, AccessDenied or ProtocolError when the device refused, as the parsers say,
@@ -66,6 +68,7 @@ private:
   KrResult TakeAnswer(std::uint16_t aRequestID, const ParseAnswer& aParse, Limits& aLimits);
 
   GvcpSocket mSocket;
+  std::uint64_t mHeard = 0;
 };
 
 /// Waits until one of the descriptors can be read or the moment has come; a negative descriptor is passed over. False

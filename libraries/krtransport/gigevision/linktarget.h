@@ -11,6 +11,7 @@ namespace krtransport {
 
 struct LinkTarget {
   std::uint32_t deviceAddress = 0;
+  KrString uniqueID;              ///< Of the device that was found there; empty where any will do.
   std::uint32_t localAddress = 0; ///< This host's address on the way to the device.
   std::string adapterName;
   /// The routing table leads elsewhere than to the device: what is read is asked on the adapter itself, and nothing

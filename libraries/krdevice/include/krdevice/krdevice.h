@@ -50,8 +50,8 @@ public:
 class KR_EXPORT KrDevice {
 public:
   /// Opens a device of any kind. NotSupported for a kind that cannot be opened, AccessDenied when another application
-  /// controls it, NotFound or TimeLimitExceeded when it does not answer. Blocks for up to a few seconds on a device
-  /// that does not answer. aDevice is set on success only.
+  /// controls it, NotFound or TimeLimitExceeded when it does not answer where it was found, or another device does.
+  /// Blocks for up to a few seconds on a device that does not answer. aDevice is set on success only.
   static KrResult Open(const KrDeviceInfo& aInfo, KrDeviceAccess aAccess, std::unique_ptr<KrDevice>& aDevice);
 
   virtual ~KrDevice();
