@@ -57,6 +57,7 @@ adapters:
         addressing: [dhcp, linkLocal]
         addressingNow: [dhcp]
         persistent: {address: 10.1.2.8, mask: 255.0.0.0, gateway: 10.1.0.2}
+        returnsAt: 10.1.2.9
         class: peripheral
         protocolVersion: "2.1"
         control: exclusive
@@ -237,6 +238,7 @@ TEST(LabReader, Parse_WholeLab_TakesNetworkDevices) {
   EXPECT_EQ(camera.ipConfigOptions, 6u);
   EXPECT_EQ(camera.ipConfigCurrent, 2u);
   EXPECT_EQ(camera.persistentMask, "255.0.0.0");
+  EXPECT_EQ(camera.returnAddress, "10.1.2.9");
   EXPECT_EQ(camera.deviceClass, 3u);
   EXPECT_EQ(camera.gevVersion, 0x00020001u);
   EXPECT_EQ(camera.foreignControl, krsystem::AccessType::Exclusive);

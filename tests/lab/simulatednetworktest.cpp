@@ -150,6 +150,20 @@ TEST(SimulatedNetwork, ConfigureIP_OneMACOnTwoAdapters_TellsTheOneWithTheSubnet)
       << "the first that answers where no adapter has the subnet";
 }
 
+TEST(SimulatedNetwork, Open_DeviceThatWasGivenAnotherAddressSince_IsNotFoundAtTheFormerOne) {
+  krtransport::SimulationTransport lab(krtransport::GetBuiltInLab());
+  krsystem::InterfaceFields adapter;
+  krsystem::AnyDeviceFields device;
+  std::unique_ptr<krsystem::IDeviceLink> link;
+  ASSERT_TRUE(lab.FindAddress(0xC0A84D0A, 1000, adapter, device).IsOK());
+
+  ASSERT_TRUE(lab.ConfigureIP(kMonoMAC, "192.168.77.99", "255.255.255.0", kNone).IsOK());
+
+  EXPECT_EQ(lab.Open(adapter, device, krsystem::DeviceAccess::Control, link), KrResult::Code::NotFound);
+  ASSERT_TRUE(lab.FindAddress(0xC0A84D63, 1000, adapter, device).IsOK());
+  EXPECT_TRUE(lab.Open(adapter, device, krsystem::DeviceAccess::Control, link).IsOK());
+}
+
 TEST(SimulatedNetwork, ConfigureIP_DeviceThatIsNotHeard_IsToldAllTheSame) {
   LabAdapter strict = MakeAdapter("strict", "10.0.0.1");
   strict.reversePathFilter = 1;

@@ -76,7 +76,8 @@ struct LabGEVCamera : LabCamera, LabNetworkSettings {
   KrString persistentAddress;
   KrString persistentMask;
   KrString persistentGateway;
-  std::uint32_t deviceClass = 0;         ///< 0 transmitter, 1 receiver, 2 transceiver, 3 peripheral.
+  KrString returnAddress;        ///< The address that it has from its first return on; empty for the one that it has.
+  std::uint32_t deviceClass = 0; ///< 0 transmitter, 1 receiver, 2 transceiver, 3 peripheral.
   std::uint32_t gevVersion = 0x00020000; ///< Major in the upper, minor in the lower 16 bits.
   /// What somebody else has of it for as long as the lab is there: Open, Control or Exclusive.
   krsystem::AccessType foreignControl = krsystem::AccessType::Open;

@@ -1,5 +1,7 @@
 #include "simulation/simulatedcamera.h"
 
+#include "krsystem/ipv4address.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -46,7 +48,8 @@ SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, std::shared_ptr<IC
 
 SimulatedCamera::SimulatedCamera(const LabGEVCamera& aCamera, const KrString& aID, std::shared_ptr<ICameraClock> aClock)
     : mName(MakeName(aCamera, aID)), mForeignControl(aCamera.foreignControl), mLosesPower(aCamera.faults.losesPower),
-      mClock(std::move(aClock)), mSerialPorts(aCamera, mName, mClock), mMemory(aCamera) {
+      mReturnAddress(krsystem::ParseIPv4(aCamera.returnAddress).value_or(0)), mClock(std::move(aClock)),
+      mSerialPorts(aCamera, mName, mClock), mMemory(aCamera) {
   OrderFaults(aCamera.faults, mFaults);
   SetControlPrivilege(mForeignControl);
 }
@@ -232,6 +235,14 @@ void SimulatedCamera::UpdateSerialPorts() {
   mSerialPorts.Update([this](std::uint32_t aNumber) { return mMemory.GetSerialSettings(aNumber); });
 }
 
+void SimulatedCamera::TakeReturnAddress() {
+  if (mReturnAddress == 0)
+    return;
+  IPConfiguration configuration = mMemory.GetIPConfiguration();
+  configuration.address = mReturnAddress;
+  mMemory.SetIPConfiguration(configuration);
+}
+
 void SimulatedCamera::SetAbsence(bool& aReason, bool aIsAbsent, bool aIsPowerLost) {
   const std::lock_guard eventLock(mEventMutex);
   bool isThere = false;
@@ -251,6 +262,8 @@ void SimulatedCamera::SetAbsence(bool& aReason, bool aIsAbsent, bool aIsPowerLos
     }
     if (isThere == wasThere)
       return;
+    if (isThere)
+      TakeReturnAddress();
   }
   const KrResult reason = Refuse(KrResult::Code::ConnectionLost, "it does not answer any more.");
   for (ICameraListener* listener : mListeners)

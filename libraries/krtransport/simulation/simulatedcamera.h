@@ -82,6 +82,7 @@ private:
 
   void SetAbsence(bool& aReason, bool aIsAbsent, bool aIsPowerLost);
   void UpdateSerialPorts();
+  void TakeReturnAddress();
   bool IsThere() const { return !mIsPulled && !mIsAway; }
   const Attached* FindAttached(const ICameraListener& aListener) const;
   bool Controls(const ICameraListener& aListener) const;
@@ -94,6 +95,7 @@ private:
   const KrString mName;                       // For messages.
   const krsystem::AccessType mForeignControl; // What somebody has who is no link.
   const bool mLosesPower;                     // When its schedule has it vanish.
+  const std::uint32_t mReturnAddress;         // 0 to return as it went.
   const std::shared_ptr<ICameraClock> mClock;
   OrderedFaults mFaults;
   SerialPorts mSerialPorts;

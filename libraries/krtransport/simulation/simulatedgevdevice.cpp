@@ -39,6 +39,13 @@ KrResult SimulatedGEVDevice::ConfigureIP(const IPConfiguration& aConfiguration) 
   return mCamera.Get()->ConfigureIP(aConfiguration);
 }
 
+void SimulatedGEVDevice::SetAway(bool aIsAway) {
+  // It is the camera that knows of its returns, also of one that nobody has opened yet.
+  if (aIsAway && !mDescription.returnAddress.IsEmpty())
+    (void)mCamera.Get();
+  mCamera.SetAway(aIsAway);
+}
+
 void SimulatedGEVDevice::Pause(std::uint32_t aDurationMs) {
   std::mutex mutex; // The clock's way of waiting needs one; nobody wakes this wait.
   std::condition_variable wake;

@@ -16,7 +16,7 @@ public:
   krsystem::AnyDeviceFields GetFields() const override;
   const KrString& GetUniqueID() const override { return mDescription.macAddress; }
   bool IsPresent() const override { return mCamera.IsPresent(); }
-  void SetAway(bool aIsAway) override { mCamera.SetAway(aIsAway); }
+  void SetAway(bool aIsAway) override;
   const LabSchedule& GetSchedule() const override { return mDescription.schedule; }
   std::optional<std::uint32_t> GetAddress() const override { return GetState().ip.address; }
   bool IsReachable() const override { return mSubnets.Reaches(GetState().ip.address); }

@@ -31,7 +31,7 @@ KrResult SimulatedLink::Open(std::shared_ptr<SimulatedCamera> aCamera, krsystem:
 }
 
 SimulatedLink::SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera, krsystem::DeviceAccess aAccess)
-    : mCamera(std::move(aCamera)),
+    : mCamera(std::move(aCamera)), mAddress(mCamera->GetIPConfiguration().address),
       mChannelAccess(std::make_shared<ChannelAccess>(aAccess != krsystem::DeviceAccess::Monitor)),
       mGate(mCamera->GetFaults()), mSource(*mCamera, *this) {}
 
@@ -93,8 +93,10 @@ void SimulatedLink::OnCameraLost(const KrResult& aReason) {
   mEvents.ReportLost(aReason);
 }
 
+// Who asks where the camera was does not hear it elsewhere.
 void SimulatedLink::OnCameraBack() {
-  mEvents.ReportBack();
+  if (mCamera->GetIPConfiguration().address == mAddress)
+    mEvents.ReportBack();
 }
 
 void SimulatedLink::OnCameraChanged() {

@@ -41,6 +41,7 @@ private:
   void OnCameraChanged() override;
 
   const std::shared_ptr<SimulatedCamera> mCamera;
+  const std::uint32_t mAddress; // Where the camera was opened.
   const std::shared_ptr<ChannelAccess> mChannelAccess;
   std::atomic<bool> mLost = false;
   LinkEvents mEvents;

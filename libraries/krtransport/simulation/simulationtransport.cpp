@@ -50,6 +50,12 @@ std::vector<KrString> MakeUniqueIDs(const std::vector<LabAdapter>& aAdapters) {
   return uniqueIDs;
 }
 
+// A device is opened by its address, whoever it is.
+bool IsWhereItWasSeen(const SimulatedDevice& aDevice, const krsystem::AnyDeviceFields& aSeen) {
+  const auto* const seen = std::get_if<krsystem::GEVFields>(&aSeen);
+  return !seen || krsystem::ParseIPv4(seen->ipAddress) == aDevice.GetAddress();
+}
+
 // Of several devices with one ID the one that was seen as it is now; else the first.
 std::shared_ptr<SimulatedDevice> Choose(const SimulatedInterface::Devices& aDevices,
                                         const krsystem::AnyDeviceFields& aSeen) {
@@ -268,8 +274,13 @@ KrResult SimulationTransport::Open(const krsystem::InterfaceFields&, const krsys
   const Devices devices = FindByID(GetUniqueID(aDevice));
   if (devices.empty())
     return MakeUnknown(displayID);
+  const std::shared_ptr<SimulatedDevice> device = Choose(devices, aDevice);
+  if (!IsWhereItWasSeen(*device, aDevice))
+    return {KrResult::Code::NotFound, "Opening " + displayID +
+                                          ": it does not answer there any more. Look for devices again: it has "
+                                          "another address now."};
   try {
-    return Choose(devices, aDevice)->Open(aAccess, aLink);
+    return device->Open(aAccess, aLink);
   } catch (const std::exception& error) {
     return {KrResult::Code::SystemError, "Opening " + displayID + " failed: " + KrString(error.what())};
   }

@@ -116,6 +116,7 @@ LabGEVCamera ReadGEVCamera(LabMap& aMap) {
   ReadAddressing(aMap, "addressing", camera.ipConfigOptions);
   ReadAddressing(aMap, "addressingNow", camera.ipConfigCurrent);
   ReadPersistent(aMap, camera);
+  aMap.TakeAddress("returnsAt", camera.returnAddress);
   aMap.TakeWord("class", kClassWords, camera.deviceClass);
   aMap.TakeVersion("protocolVersion", kMostVersion, camera.gevVersion);
   auto control = static_cast<std::int32_t>(krsystem::AccessType::Open);

@@ -67,6 +67,7 @@ void CountUpKind(LabGEVCamera& aCamera, Counting& aCounting) {
   CountUpNetwork(aCamera, aCounting);
   CountUpPorts(aCamera, aCounting);
   aCamera.persistentAddress = CountUpAddress(aCamera.persistentAddress, aCounting);
+  aCamera.returnAddress = CountUpAddress(aCamera.returnAddress, aCounting);
   aCounting.isWhole = aCounting.isWhole && aCamera.serialNumber.GetLength() <= kGigESerialBytes &&
                       aCamera.userDefinedName.GetLength() <= kGigESerialBytes;
 }
