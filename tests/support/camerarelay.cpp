@@ -134,6 +134,8 @@ void CameraRelay::RelayControl() {
     if (size < static_cast<ssize_t>(kHeaderSize))
       continue;
     const Datagram answer = Answer(std::span(buffer).first(static_cast<std::size_t>(size)));
+    if (mOrders.getAnswerDelay && ::poll(&waits[1], 1, static_cast<int>(mOrders.getAnswerDelay().count())) != 0)
+      return;
     if (!answer.empty())
       ::sendto(mFront, answer.data(), answer.size(), 0, reinterpret_cast<const sockaddr*>(&host), hostSize);
   }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -36,6 +37,8 @@ struct RelayOrders {
   std::uint32_t largestTrial = 0;
   /// Registers that cannot be written: the device answers that they are protected.
   std::set<std::uint32_t> refusedRegisters;
+  /// How long each answer takes, one command after the other; at once where it is empty. On the relay's thread.
+  std::function<std::chrono::milliseconds()> getAnswerDelay = {};
 };
 
 /// Makes an address of the loopback adapter, 127.0.0.x, one that a camera can be started on.

@@ -113,6 +113,16 @@ void FakeCamera::SetFramePeriod(std::uint32_t aMicroseconds) const {
   EXPECT_TRUE(conversation.WriteRegister(kControl, 0));
 }
 
+void FakeCamera::TakeControlAndVanish() const {
+  constexpr std::uint32_t kControl = 0x0A00;
+  const Conversation conversation(mAddress);
+  const auto limit = std::chrono::steady_clock::now() + kStartLimit;
+  bool isTaken = false;
+  while (!isTaken && std::chrono::steady_clock::now() < limit)
+    isTaken = conversation.WriteRegister(kControl, 2);
+  EXPECT_TRUE(isTaken) << "Somebody else keeps control.";
+}
+
 void FakeCamera::Kill() {
   if (mProcess < 0)
     return;

@@ -33,6 +33,9 @@ public:
   bool IsAnswering() const { return mIsAnswering; }
   /// Makes it send a frame so often, in microseconds; before anybody controls it. One that does not fails the test.
   void SetFramePeriod(std::uint32_t aMicroseconds) const;
+  /// Has control taken by an application that is cut off then, once nobody else has it: control lasts until the camera
+  /// notices that. It has to be reached from where this is called.
+  void TakeControlAndVanish() const;
   /// Ends the camera at once, as pulling its plug would, and waits for its end.
   void Kill();
   /// Has the camera keep silent, as a cable that is pulled would, without forgetting anything; and go on.

@@ -1,8 +1,8 @@
 #include "acquisition/acquisition.h"
 
-#include "acquisition/expectedframes.h"
-#include "acquisition/overlaytext.h"
-#include "krbase/krsteadytime.h"
+#include "acquisition/cameraidentity.h"
+#include "acquisition/settingsreturn.h"
+#include "acquisition/triggercommand.h"
 
 #include <chrono>
 #include <utility>
@@ -11,51 +11,26 @@ namespace krviewer {
 
 namespace {
 
-constexpr std::uint32_t kRetrieveTimeoutMs = 100;
 constexpr std::chrono::seconds kRetryPause{1};
+// Who was cut off keeps a camera until it has heard nothing for three seconds, mostly. There are cameras to which the
+// question who has them is as good as a word from that one: asked more often they would stay his for ever.
+constexpr std::chrono::seconds kHeldPause{5};
 constexpr int kMostReturns = 3; // A camera that keeps silent about a register streams without it.
-
-KrStreamStatistics Add(const KrStreamStatistics& aFirst, const KrStreamStatistics& aSecond) {
-  return {.received = aFirst.received + aSecond.received,
-          .incomplete = aFirst.incomplete + aSecond.incomplete,
-          .missingPackets = aFirst.missingPackets + aSecond.missingPackets,
-          .resentPackets = aFirst.resentPackets + aSecond.resentPackets,
-          .discarded = aFirst.discarded + aSecond.discarded,
-          .bytes = aFirst.bytes + aSecond.bytes,
-          .missingFrames = aFirst.missingFrames + aSecond.missingFrames,
-          .shown = aFirst.shown + aSecond.shown};
-}
 
 // Where the connection is at fault rather than what was asked for.
 bool IsConnectionTrouble(const KrResult& aResult) {
   return aResult == KrResult::Code::ConnectionLost || aResult == KrResult::Code::TimeLimitExceeded;
 }
 
-KrResult ExecuteTrigger(KrGenParameterArray& aParameters) {
-  KrGenCommand* const trigger = aParameters.GetCommand("TriggerSoftware");
-  if (!trigger)
-    return {KrResult::Code::NotSupported,
-            "Triggering the camera: it has no TriggerSoftware. Trigger it by one of its inputs."};
-  if (KrResult executed = trigger->Execute(); !executed.IsOK())
-    return executed;
-  // Cameras take the command all the same.
-  KrString source;
-  KrGenParameter* const setting = aParameters.Get("TriggerSource");
-  if (!setting || !setting->ToString(source).IsOK() || IsSoftwareTrigger(source))
-    return {};
-  return {KrResult::Code::WrongState, "Triggering the camera: its TriggerSource is " + source +
-                                          ", so that it takes no trigger from here. Set TriggerSource to Software."};
-}
-
 } // namespace
 
-Acquisition::Acquisition(KrDisplayWnd& aWindow, const KrDeviceInfo& aDevice, const AcquisitionOptions& aOptions)
-    : mDeviceInfo(aDevice), mOptions(aOptions),
-      mFrames("a frame sink", "krviewer", {"Acquisition::Notify", "acquisition"}),
-      mPicture(aWindow, aOptions.hasTextOverlay, aOptions.newestFrame),
-      mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing) {
+Acquisition::Acquisition(KrDisplayWnd& aWindow, CameraInfo aCamera, const AcquisitionOptions& aOptions)
+    : mOptions(aOptions), mIntake(aWindow, aOptions.hasTextOverlay, aOptions.newestFrame),
+      mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing),
+      mSearch([this](const CameraInfo& aSeen) { OnCameraSeen(aSeen); }) {
+  mProgress.camera = std::move(aCamera);
   if (aOptions.sink) [[maybe_unused]]
-    const KrResult registered = mFrames.Register(aOptions.sink); // It is the only one.
+    const KrResult registered = GetFrames().Register(aOptions.sink); // It is the only one.
   mThread = std::jthread([this](std::stop_token aStop) { Run(aStop); });
 }
 
@@ -65,22 +40,22 @@ Acquisition::~Acquisition() {
 
 void Acquisition::Stop() {
   mThread.request_stop();
-  WakeStream();
+  mIntake.Wake();
   if (mThread.joinable())
     mThread.join();
+  mSearch.AwaitEnd();
   CloseDevice();
 }
 
 AcquisitionProgress Acquisition::GetProgress() const {
-  const std::optional<double> temperatureC = mThermometer.GetCelsius();
-  const std::lock_guard lock(mMutex);
-  const std::uint64_t now = KrGetSteadyNs(); // Not before the latest frame.
-  AcquisitionProgress progress = mProgress;
-  progress.temperatureC = temperatureC;
-  if (!mMeter.IsStale(now)) {
-    progress.framesPerSecond = mMeter.GetFramesPerSecond();
-    progress.megabytesPerSecond = mMeter.GetMegabytesPerSecond();
+  AcquisitionProgress progress;
+  {
+    const std::lock_guard lock(mMutex);
+    progress = mProgress;
   }
+  progress.temperatureC = mLending.GetThermometer().GetCelsius();
+  progress.isSlow = mLending.GetResponses().IsSlow();
+  mIntake.AddTo(progress); // Behind the state, which stands on the frames.
   return progress;
 }
 
@@ -90,9 +65,13 @@ void Acquisition::SetState(AcquisitionState aState, const KrResult& aResult) {
   mProgress.result = aResult;
 }
 
-bool Acquisition::IsLimitReached() const {
+KrString Acquisition::GetName() const {
   const std::lock_guard lock(mMutex);
-  return mOptions.frameLimit != 0 && mProgress.figures.GetFrames() >= mOptions.frameLimit;
+  return mProgress.camera->GetDisplayID();
+}
+
+bool Acquisition::IsLimitReached() const {
+  return mOptions.frameLimit != 0 && mIntake.CountFrames() >= mOptions.frameLimit;
 }
 
 // A stream that runs ends by itself and says why.
@@ -108,6 +87,17 @@ void Acquisition::OnDeviceBack(KrDevice*) {
   {
     const std::lock_guard lock(mMutex);
     mIsBack = true;
+  }
+  mChanged.notify_all();
+}
+
+void Acquisition::OnCameraSeen(const CameraInfo& aCamera) {
+  {
+    const std::lock_guard lock(mMutex);
+    const bool canBeReached = CanBeReached(*aCamera, *mProgress.camera);
+    mProgress.strayAddress = canBeReached ? KrString() : GetAddress(*aCamera);
+    if (canBeReached)
+      mSeen = aCamera;
   }
   mChanged.notify_all();
 }
@@ -133,14 +123,14 @@ void Acquisition::Do(DeviceWork aWork) {
 }
 
 void Acquisition::SetPictureWanted(bool aIsWanted) {
-  if (mPicture.SetWanted(aIsWanted) && aIsWanted)
+  if (mIntake.GetPicture().SetWanted(aIsWanted) && aIsWanted)
     Ask({.kind = AcquisitionRequest::Kind::ShowLatest});
 }
 
 void Acquisition::LookAgain() {
   // A request that came just before the thread began to wait for a frame has not woken it.
   if (!mRequests.IsEmpty())
-    WakeStream();
+    mIntake.Wake();
   mRequests.DeliverEnds();
 }
 
@@ -150,13 +140,7 @@ void Acquisition::Ask(AcquisitionRequest aRequest) {
     mRequests.Post(std::move(aRequest));
   }
   mChanged.notify_all();
-  WakeStream();
-}
-
-void Acquisition::WakeStream() {
-  const std::lock_guard lock(mWakeMutex);
-  if (mWoken)
-    mWoken->Cancel();
+  mIntake.Wake();
 }
 
 // Only a camera that was there before is worth waiting for; otherwise its refusal is the answer.
@@ -168,15 +152,16 @@ void Acquisition::Run(std::stop_token aStop) {
   KrResult result = ServeConnection(aStop);
   while (!result.IsOK() && IsAwaited(aStop)) {
     SetState(AcquisitionState::Lost, result);
-    TakeBackDevice();
-    AwaitReturn(aStop);
+    mLending.TakeBackDevice();
+    mSearch.Begin(GetProgress().camera);
+    AwaitReturn(result, aStop);
     if (!aStop.stop_requested())
       result = ServeConnection(aStop);
   }
   // The device stays until Stop, so that what shows its parameters may do so to the end.
   const bool isFinished = result.IsOK() || aStop.stop_requested();
-  mRequests.Close({KrResult::Code::ConnectionLost,
-                   "Asking " + mDeviceInfo.GetDisplayID() + ": its acquisition has ended; open the camera again."});
+  mRequests.Close(
+      {KrResult::Code::ConnectionLost, "Asking " + GetName() + ": its acquisition has ended; open the camera again."});
   SetState(isFinished ? AcquisitionState::Finished : AcquisitionState::Failed, result);
 }
 
@@ -185,28 +170,48 @@ void Acquisition::Pause(std::stop_token aStop) {
   (void)mChanged.wait_for(lock, aStop, kRetryPause, [this] { return mLoss.has_value(); });
 }
 
-void Acquisition::AwaitReturn(std::stop_token aStop) {
-  // What answers, but could not be opened or started, is tried again: its old connection may have to expire first.
+// What answers, but could not be opened or started, is tried again: its old connection may have to expire first.
+void Acquisition::AwaitReturn(const KrResult& aLoss, std::stop_token aStop) {
+  const bool isHeld = aLoss == KrResult::Code::AccessDenied;
   const bool isGone = mDevice && !mDevice->IsConnected();
-  const auto retry = std::chrono::steady_clock::now() + kRetryPause;
+  const auto retry = std::chrono::steady_clock::now() + (isHeld ? kHeldPause : kRetryPause);
+  const auto hasCome = [&] { return !isHeld && (mIsBack || mSeen); };
+  const auto isWoken = [&] { return hasCome() || !mRequests.IsEmpty(); };
   for (;;) {
     CarryOutRequests();
     std::unique_lock lock(mMutex);
-    const auto isWoken = [this] { return mIsBack || !mRequests.IsEmpty(); };
-    const bool hasCome =
+    const bool isInTime =
         isGone ? mChanged.wait(lock, aStop, isWoken) : mChanged.wait_until(lock, aStop, retry, isWoken);
-    if (mIsBack || !hasCome)
+    if (hasCome() || !isInTime)
       return;
   }
 }
 
 KrResult Acquisition::ServeConnection(std::stop_token aStop) {
+  if (KrResult begun = BeginConnection(aStop); !begun.IsOK())
+    return begun;
+  const KrResult result = Serve(aStop);
+  mIsServing = false;
+  mLending.LeaveCamera();
+  if (!result.IsOK()) {
+    mIntake.GetPicture().ShowLatest(result);
+    // Now, as the stream ends only when a camera that is gone has had its time to answer.
+    if (IsAwaited(aStop))
+      SetState(AcquisitionState::Lost, result);
+  }
+  mIntake.Stop(result);
+  return result;
+}
+
+// Opens the camera, sets it as it was and starts its stream. One that is had for the first time and refuses to stream
+// is had all the same.
+KrResult Acquisition::BeginConnection(std::stop_token aStop) {
   CloseDevice();
-  KrResult result = OpenDevice();
+  KrResult result = OpenDevice(aStop);
   if (!result.IsOK())
     return result;
   if (mHasServed) {
-    mHostParameters.Return(*mDevice, *mStream);
+    mLending.ReturnHostParameters(*mDevice, mIntake.GetStream());
     result = ReturnSettings(aStop);
   }
   if (result.IsOK() && mWanted != Wanted::Nothing)
@@ -216,40 +221,48 @@ KrResult Acquisition::ServeConnection(std::stop_token aStop) {
     return result;
   if (isRefused)
     mWanted = Wanted::Nothing;
-  LendDevice(*mDevice, *mStream);
+  LendDevice();
   mHasServed = true;
   mIsServing = true;
-  SetState(mStream->IsRunning() ? AcquisitionState::Streaming : AcquisitionState::Connected, result);
-  result = Serve(aStop);
-  mIsServing = false;
-  mThermometer.Leave();
-  if (!result.IsOK()) {
-    mPicture.ShowLatest(result);
-    // Now, as the stream ends only when a camera that is gone has had its time to answer.
-    if (IsAwaited(aStop))
-      SetState(AcquisitionState::Lost, result);
-  }
-  StopStream(result);
-  return result;
+  SetState(mIntake.IsRunning() ? AcquisitionState::Streaming : AcquisitionState::Connected, result);
+  return {};
 }
 
-KrResult Acquisition::OpenDevice() {
+// What does not answer where it was found may have another address since; a lost camera is looked for anyway.
+KrResult Acquisition::OpenDevice(std::stop_token aStop) {
+  CameraInfo camera;
   {
     const std::lock_guard lock(mMutex);
+    camera = std::exchange(mSeen, nullptr);
+    if (!camera)
+      camera = mProgress.camera;
     mIsBack = false;
     mLoss.reset();
   }
-  if (KrResult opened = KrDevice::Open(mDeviceInfo, KrDeviceAccess::Control, mDevice); !opened.IsOK())
+  const KrResult opened = OpenAt(camera);
+  if (opened != KrResult::Code::NotFound || mHasServed)
+    return opened;
+  const CameraInfo found = LookForCamera(*camera, aStop);
+  if (!found || !CanBeReached(*found, *camera) || IsSameAddress(*found, *camera))
+    return opened;
+  return OpenAt(found);
+}
+
+KrResult Acquisition::OpenAt(const CameraInfo& aCamera) {
+  if (KrResult opened = KrDevice::Open(*aCamera, KrDeviceAccess::Control, mDevice); !opened.IsOK())
     return opened;
   if (KrResult registered = mDevice->RegisterEventSink(this); !registered.IsOK())
     return registered;
   // A loss before the registration is not told.
   if (!mDevice->IsConnected())
     return {KrResult::Code::ConnectionLost,
-            "Opening " + mDeviceInfo.GetDisplayID() + ": it was lost at once. Check its cable and its power."};
-  mStream.emplace(*mDevice);
-  const std::lock_guard lock(mWakeMutex);
-  mWoken = &*mStream;
+            "Opening " + aCamera->GetDisplayID() + ": it was lost at once. Check its cable and its power."};
+  mIntake.Open(*mDevice);
+  mSearch.End();
+  const std::lock_guard lock(mMutex);
+  mProgress.camera = aCamera;
+  mProgress.strayAddress = {};
+  mSeen = nullptr;
   return {};
 }
 
@@ -263,7 +276,7 @@ KrResult Acquisition::ReturnSettings(std::stop_token aStop) {
   for (int attempt = 0; result == KrResult::Code::TimeLimitExceeded && attempt < kMostReturns; ++attempt) {
     if (attempt > 0)
       Pause(aStop);
-    result = SettingsReturn(*parameters).Run(mKept.Get(), aStop, returned);
+    result = SettingsReturn(*parameters).Run(GetSettings(), aStop, returned);
   }
   if (!result.IsOK() && result != KrResult::Code::TimeLimitExceeded)
     return result;
@@ -274,52 +287,23 @@ KrResult Acquisition::ReturnSettings(std::stop_token aStop) {
 }
 
 void Acquisition::CloseDevice() {
-  mKept.Leave();
-  mThermometer.Leave();
-  mPayload.Leave();
-  for (Loan<KrGenParameterArray>& loan : mParameters)
-    loan.TakeBack();
-  mHostParameters.TakeBack();
-  TakeBackDevice();
-  {
-    const std::lock_guard lock(mWakeMutex);
-    mWoken = nullptr;
-  }
-  mPicture.LetGo();
-  mLent.reset();
-  mAdapter.reset();
-  mStream.reset();
+  mIntake.LeaveSize();
+  mLending.TakeBack();
+  mIntake.Close();
   mDevice.reset();
 }
 
-// A device whose description is no good may still have ports.
-void Acquisition::LendDevice(KrDevice& aDevice, KrStream& aStream) {
-  mAdapter.emplace(aDevice);
-  mLent.emplace(LentDevice{*mAdapter, &aStream});
-  for (Loan<LentDevice>& loan : mLoans)
-    loan.Lend(*mLent);
-  mHostParameters.Lend(aDevice, aStream);
+void Acquisition::LendDevice() {
   KrGenParameterArray* parameters = nullptr;
-  const KrResult got = aDevice.GetParameters(parameters);
+  const KrResult got = mDevice->GetParameters(parameters);
   // Before anybody can change anything.
   if (got.IsOK())
-    mPayload.Follow(*parameters);
-  if (aStream.IsRunning())
-    mPayload.NoteStart();
-  if (got.IsOK())
-    for (Loan<KrGenParameterArray>& loan : mParameters)
-      loan.Lend(*parameters);
-  if (got.IsOK() && mOptions.frameLimit == 0)
-    mKept.Follow(*parameters);
-  if (got.IsOK())
-    mThermometer.Follow(*parameters);
+    mIntake.FollowSize(*parameters);
+  if (mIntake.IsRunning())
+    mIntake.NoteStart();
+  mLending.Lend(*mDevice, mIntake.GetStream(), got.IsOK() ? parameters : nullptr, mOptions.frameLimit == 0);
   const std::lock_guard lock(mMutex);
   mProgress.parameters = got;
-}
-
-void Acquisition::TakeBackDevice() {
-  for (Loan<LentDevice>& loan : mLoans)
-    loan.TakeBack();
 }
 
 KrResult Acquisition::Serve(std::stop_token aStop) {
@@ -327,7 +311,7 @@ KrResult Acquisition::Serve(std::stop_token aStop) {
   while (result.IsOK() && !aStop.stop_requested() && !IsLimitReached()) {
     CarryOutRequests();
     RestartWhereFramesHaveGrown();
-    result = mStream->IsRunning() ? TakeFrame() : AwaitRequest(aStop);
+    result = mIntake.IsRunning() ? TakeFrame() : AwaitRequest(aStop);
   }
   return result;
 }
@@ -352,7 +336,7 @@ KrResult Acquisition::CarryOut(const AcquisitionRequest& aRequest) {
   case AcquisitionRequest::Kind::StopStreaming:
     return Want(Wanted::Nothing);
   case AcquisitionRequest::Kind::ShowLatest:
-    mPicture.ShowLatest({});
+    mIntake.GetPicture().ShowLatest({});
     return {};
   case AcquisitionRequest::Kind::Work:
     break;
@@ -362,27 +346,26 @@ KrResult Acquisition::CarryOut(const AcquisitionRequest& aRequest) {
 
 KrResult Acquisition::Want(Wanted aWanted) {
   mWanted = aWanted;
-  if (!mIsServing || mStream->IsRunning() == (aWanted != Wanted::Nothing))
+  if (!mIsServing || mIntake.IsRunning() == (aWanted != Wanted::Nothing))
     return {};
   KrResult result;
   if (aWanted == Wanted::Nothing)
-    StopStream({});
+    mIntake.Stop({});
   else
     result = StartStream();
-  SetState(mStream->IsRunning() ? AcquisitionState::Streaming : AcquisitionState::Connected, result);
+  SetState(mIntake.IsRunning() ? AcquisitionState::Streaming : AcquisitionState::Connected, result);
   return result;
 }
 
 KrResult Acquisition::DoWork(const DeviceWork& aWork) {
   if (!mIsServing)
-    return {KrResult::Code::ConnectionLost,
-            "Asking " + mDeviceInfo.GetDisplayID() + ": the camera is lost. Ask again when it is back."};
+    return {KrResult::Code::ConnectionLost, "Asking " + GetName() + ": the camera is lost. Ask again when it is back."};
   KrGenParameterArray* parameters = nullptr;
   if (KrResult got = mDevice->GetParameters(parameters); !got.IsOK())
     return got;
-  const bool isPaused = aWork.isStreamStopped && mStream->IsRunning();
+  const bool isPaused = aWork.isStreamStopped && mIntake.IsRunning();
   if (isPaused)
-    StopStream({});
+    mIntake.Stop({});
   const KrResult done = aWork.run(*parameters);
   if (!isPaused)
     return done;
@@ -395,79 +378,24 @@ KrResult Acquisition::DoWork(const DeviceWork& aWork) {
 
 // What could not be started is not tried again by itself, unless the camera turns out to be lost.
 KrResult Acquisition::StartStream() {
-  mPicture.LetGo();
-  if (KrResult started = mStream->Start(); !started.IsOK()) {
-    if (mIsServing && !IsConnectionTrouble(started))
-      mWanted = Wanted::Nothing;
-    return started;
-  }
-  mPayload.NoteStart();
-  mFrames.Notify([](FrameSink& aSink) { aSink.OnAcquisitionStarted(); });
-  return {};
+  const KrResult started = mIntake.Start();
+  if (!started.IsOK() && mIsServing && !IsConnectionTrouble(started))
+    mWanted = Wanted::Nothing;
+  return started;
 }
 
 void Acquisition::RestartWhereFramesHaveGrown() {
-  if (!mStream->IsRunning() || !mPayload.HasGrown())
+  if (!mIntake.HasOutgrown())
     return;
-  StopStream({});
+  mIntake.Stop({});
   if (const KrResult started = StartStream(); !started.IsOK())
     SetState(AcquisitionState::Connected, started);
 }
 
-void Acquisition::StopStream(const KrResult& aReason) {
-  if (!mStream->IsRunning())
-    return;
-  const KrStreamStatistics running = mStream->GetStatistics();
-  mStream->Stop();
-  mEndedStreams = Add(mEndedStreams, running);
-  {
-    const std::lock_guard lock(mMutex);
-    mProgress.statistics = mEndedStreams;
-    mMeter.Reset();
-  }
-  mFrames.Notify([&](FrameSink& aSink) { aSink.OnAcquisitionEnded(aReason); });
-}
-
-KrStreamStatistics Acquisition::CountStatistics() const {
-  return mStream->IsRunning() ? Add(mEndedStreams, mStream->GetStatistics()) : mEndedStreams;
-}
-
 KrResult Acquisition::TakeFrame() {
-  KrBuffer* frame = nullptr;
-  const KrResult result = mStream->Retrieve(frame, kRetrieveTimeoutMs);
-  // A camera that waits for its trigger sends nothing for a while, and requests end the wait.
-  if (result == KrResult::Code::TimeLimitExceeded || result == KrResult::Code::Aborted)
-    return {};
-  if (!result.IsOK())
-    return result;
-  const bool isLast = mWanted == Wanted::SingleFrame && frame->GetStatus() == KrBufferStatus::Complete;
-  PassOn(*frame);
-  return isLast ? Want(Wanted::Nothing) : KrResult();
-}
-
-// The frame goes back to the stream when it is not shown any more.
-void Acquisition::PassOn(KrBuffer& aFrame) {
-  const std::uint64_t now = KrGetSteadyNs();
-  const std::uint64_t frameID = aFrame.GetFrameID();
-  const std::uint64_t sizeBytes = aFrame.GetAcquiredSize();
-  mFrames.Notify([&](FrameSink& aSink) { aSink.OnFrame(aFrame, now); });
-  const bool isShown =
-      mPicture.Show(*mStream, aFrame, now, [this] { return FormatOverlay(GetMeter(), CountStatistics()); });
-  if (isShown)
-    mStream->CountShown();
-  const KrStreamStatistics total = CountStatistics();
-
-  const std::lock_guard lock(mMutex);
-  mMeter.Add(now, sizeBytes);
-  mProgress.figures.Add(now, sizeBytes);
-  mProgress.statistics = total;
-  if (isShown)
-    mProgress.lastFrameID = frameID;
-}
-
-FrameMeter Acquisition::GetMeter() const {
-  const std::lock_guard lock(mMutex);
-  return mMeter;
+  bool isWhole = false;
+  const KrResult taken = mIntake.Take(isWhole);
+  return isWhole && mWanted == Wanted::SingleFrame ? Want(Wanted::Nothing) : taken;
 }
 
 } // namespace krviewer

@@ -36,19 +36,31 @@ std::uint64_t CountSince(std::uint64_t aNow, std::uint64_t aBefore) {
   return aNow >= aBefore ? aNow - aBefore : aNow;
 }
 
-// It is looked for where it was.
-Advice AdviseOnLoss(const CameraSituation& aSituation) {
-  const KrString isBack =
-      aSituation.link == CameraLink::GigEVision
-          ? "The camera is lost; it is shown again as soon as it is back with the same address. One "
-            "that has got another is found among all cameras."
-          : "The camera is lost; it is shown again as soon as it is back.";
-  return {isBack + "\n" + aSituation.progress.result.GetDescription(), {Remedy::Disconnect, Remedy::OpenFinder}};
+Advice AdviseOnLoss(const AcquisitionProgress& aProgress, CameraLink aLink) {
+  if (!aProgress.strayAddress.IsEmpty())
+    return {"The camera is back as " + aProgress.strayAddress +
+                ", an address that this computer does not reach it at. Give it an address of its network adapter's "
+                "subnet; it is shown again then.",
+            {Remedy::ConfigureIP, Remedy::Disconnect}};
+  const KrString anywhere = aLink == CameraLink::GigEVision ? ", also with another address.\n" : ".\n";
+  return {"The camera is lost; it is shown again as soon as it is back" + anywhere + aProgress.result.GetDescription(),
+          {Remedy::Disconnect, Remedy::OpenFinder}};
+}
+
+// A description that came late is none the worse for it.
+bool IsLate(const KrResult& aParameters) {
+  return aParameters == KrResult::Code::TimeLimitExceeded || aParameters == KrResult::Code::Busy;
 }
 
 Advice AdviseOnDescription(const KrResult& aParameters) {
   if (aParameters.IsOK())
     return {};
+  if (IsLate(aParameters))
+    return {"The camera's features cannot be shown, as it did not answer in time when its description was read: " +
+                aParameters.GetDescription() +
+                " Frames come without them. Try again; where that does not help, check its cable, and what else "
+                "uses its network.",
+            {Remedy::TryAgain}};
   return {
       "The camera's features cannot be shown: " + aParameters.GetDescription() +
           " Frames come without them. Where another try does not help, `krtool features CAMERA --faults` lists what "
@@ -56,15 +68,25 @@ Advice AdviseOnDescription(const KrResult& aParameters) {
       {Remedy::TryAgain}};
 }
 
+Advice AdviseOnAnswers(const AcquisitionProgress& aProgress) {
+  if (!aProgress.isSlow)
+    return {};
+  return {"The camera is slow to answer: its features are shown and set late. Check its cable, and what else uses its "
+          "network; where frames take all of the link, a lower frame rate or a packet delay helps."};
+}
+
 // Without a description that can be used most cameras cannot be started: what is missing then says little without it.
 Advice AdviseOnConnected(const AcquisitionProgress& aProgress) {
   if (aProgress.result.IsOK())
-    return AdviseOnDescription(aProgress.parameters);
+    return aProgress.parameters.IsOK() ? AdviseOnAnswers(aProgress) : AdviseOnDescription(aProgress.parameters);
   const KrString silence = "The camera sends no frames: " + aProgress.result.GetDescription();
   if (aProgress.parameters.IsOK())
     return {silence, {Remedy::Start}};
-  return {silence + "\nNor can its features be shown: " + aProgress.parameters.GetDescription() +
-              " Where another try does not help, ask its maker for newer firmware.",
+  const KrString remedy = IsLate(aProgress.parameters)
+                              ? " It did not answer in time. Try again; where that does not help, check its cable, and "
+                                "what else uses its network."
+                              : " Where another try does not help, ask its maker for newer firmware.";
+  return {silence + "\nNor can its features be shown: " + aProgress.parameters.GetDescription() + remedy,
           {Remedy::TryAgain}};
 }
 
@@ -87,7 +109,7 @@ const Advice& Adviser::Look(const CameraSituation& aSituation) {
     mAdvice = AdviseOnStream(aSituation);
     break;
   case AcquisitionState::Lost:
-    mAdvice = AdviseOnLoss(aSituation);
+    mAdvice = AdviseOnLoss(aSituation.progress, aSituation.link);
     break;
   default:
     mAdvice = {};
@@ -136,9 +158,14 @@ Advice Adviser::AdviseOnStream(const CameraSituation& aSituation) {
     CountSecond(aSituation);
   if (IsSilent(aSituation))
     return AdviseOnSilence(aSituation.link);
+  // Who waits for a camera takes no frames meanwhile: it is not the computer that is too slow.
+  if (aSituation.progress.isSlow && mIsTold[static_cast<std::size_t>(Loss::Computer)])
+    return AdviseOnAnswers(aSituation.progress);
   if (Advice losses = AdviseOnLosses(aSituation.link); !losses.text.IsEmpty())
     return losses;
-  return AdviseOnDescription(aSituation.progress.parameters);
+  if (Advice description = AdviseOnDescription(aSituation.progress.parameters); !description.text.IsEmpty())
+    return description;
+  return AdviseOnAnswers(aSituation.progress);
 }
 
 bool Adviser::IsSilent(const CameraSituation& aSituation) {

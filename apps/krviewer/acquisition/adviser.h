@@ -1,6 +1,7 @@
 #pragma once
 // Finds out from a camera's state and figures what is wrong with it, and says so: why it could not be had, that it
-// sends nothing, that frames are lost on their way and where. What is done about it is left to the user.
+// sends nothing or is slow to answer, that frames are lost on their way and where. What is done about it is left to
+// the user.
 
 #include "acquisition/acquisitionprogress.h"
 #include "acquisition/advice.h"

@@ -13,9 +13,10 @@ AcquisitionOptions AddSink(AcquisitionOptions aOptions, FrameSink& aFrames) {
 
 } // namespace
 
-CameraConnection::CameraConnection(KrDisplayWnd& aWindow, const KrDeviceInfo& aCamera,
-                                   const AcquisitionOptions& aOptions, FrameSink& aFrames, GiveBack aGiveBack)
-    : mWindow(aWindow), mCamera(aCamera), mOptions(AddSink(aOptions, aFrames)), mGiveBack(std::move(aGiveBack)) {}
+CameraConnection::CameraConnection(KrDisplayWnd& aWindow, CameraInfo aCamera, const AcquisitionOptions& aOptions,
+                                   FrameSink& aFrames, GiveBack aGiveBack)
+    : mWindow(aWindow), mCamera(std::move(aCamera)), mOptions(AddSink(aOptions, aFrames)),
+      mGiveBack(std::move(aGiveBack)) {}
 
 CameraConnection::~CameraConnection() {
   Leave();

@@ -7,20 +7,24 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace krviewer {
 
-/// Thread: user interface. Ownership: borrows the window, the camera and the frames' sink, which outlive it.
+/// Thread: user interface. Ownership: borrows the window and the frames' sink, which outlive it; shares the
+/// camera's information.
 class CameraConnection {
 public:
   /// Gives back whatever is lent. May run loops, in which it is called again; both have given back when they return.
   using GiveBack = std::function<void(Acquisition&)>;
 
-  CameraConnection(KrDisplayWnd& aWindow, const KrDeviceInfo& aCamera, const AcquisitionOptions& aOptions,
-                   FrameSink& aFrames, GiveBack aGiveBack);
+  CameraConnection(KrDisplayWnd& aWindow, CameraInfo aCamera, const AcquisitionOptions& aOptions, FrameSink& aFrames,
+                   GiveBack aGiveBack);
   /// Waits until the camera is given back.
   ~CameraConnection();
 
+  /// The next connection is to the camera as it is known now.
+  void SetCamera(CameraInfo aCamera) { mCamera = std::move(aCamera); }
   /// Connects; there is no connection, or it is away.
   void Connect();
   /// Begins to give the camera back. Nothing where that was begun.
@@ -47,7 +51,7 @@ private:
   void NoteAway();
 
   KrDisplayWnd& mWindow;
-  const KrDeviceInfo& mCamera;
+  CameraInfo mCamera;
   const AcquisitionOptions mOptions; ///< With the frames' sink.
   const GiveBack mGiveBack;
   Phase mPhase = Phase::None;

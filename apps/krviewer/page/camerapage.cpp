@@ -61,7 +61,7 @@ CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
           [this](const QString& aWhat) { AnnounceSettings(aWhat); },
           [this](const QString& aWhat, const KrStringList& aProblems) { TellSettings(aWhat, aProblems); }),
       mRegion(mDisplay, [this](DeviceWork aWork) { Do(std::move(aWork)); }),
-      mConnection(mDisplay, *mCamera, KeepNewest(aOptions.acquisition, mNewestFrame), mFrames,
+      mConnection(mDisplay, mCamera, KeepNewest(aOptions.acquisition, mNewestFrame), mFrames,
                   [this](Acquisition& aAcquisition) { GiveBack(aAcquisition); }) {
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -145,6 +145,17 @@ void CameraPage::RestoreState(const QByteArray& aState) {
   mFeatures->RestoreOptions(options[0]);
   mStreamFeatures->RestoreOptions(options[1]);
   mTransportFeatures->RestoreOptions(options[2]);
+}
+
+void CameraPage::SetCamera(const CameraInfo& aCamera) {
+  const CameraInfo former = std::exchange(mCamera, aCamera);
+  mConnection.SetCamera(mCamera);
+  const QString name = ToText(mCamera->GetDisplayID());
+  if (former->GetUniqueID() == mCamera->GetUniqueID() && name == ToText(former->GetDisplayID()))
+    return;
+  mSaver.SetCamera(name, mCamera->GetUniqueID());
+  mRecordPanel->SetCamera(name, mCamera->GetUniqueID());
+  emit CameraChanged(ToText(former->GetUniqueID()));
 }
 
 void CameraPage::Connect() {
@@ -302,6 +313,10 @@ void CameraPage::LookAgain() {
   mConnection.LookAgain();
   if (mConnection.IsAway() && mIsConnectWanted)
     Connect();
+  if (const CameraInfo connected = GetProgress().camera; connected && connected != mConnected) {
+    mConnected = connected;
+    SetCamera(connected);
+  }
   LookForTrouble();
   TellState();
   mRecordPanel->SetCameraThere(IsConnected());

@@ -4,6 +4,7 @@
 
 #include "acquisition/adviser.h"
 #include "acquisition/cameraconnection.h"
+#include "acquisition/camerainfo.h"
 #include "acquisition/devicesettings.h"
 #include "acquisition/framerelay.h"
 #include "acquisition/newestframe.h"
@@ -18,7 +19,6 @@
 #include "recording/recorder.h"
 #include "recording/recordpanel.h"
 #include "region/regioneditor.h"
-#include "window/camerainfo.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -67,7 +67,10 @@ public:
   /// Whether frames are being recorded or saved.
   bool IsWriting() const { return mRecorder.IsBusy() || mSaver.IsBusy(); }
 
+  /// The camera as it is known now: it may have got another address since the page was opened.
   const KrDeviceInfo& GetCamera() const { return *mCamera; }
+  /// The same camera was found anew: its next connection is there.
+  void SetCamera(const CameraInfo& aCamera);
   int GetNumber() const { return mOptions.number; }
   /// The camera, and what there is to know of its state.
   QString GetTitle() const { return MakePageTitle(GetState()); }
@@ -123,6 +126,8 @@ signals:
   void FindWanted();
   /// The user wants to give a camera an address.
   void AddressWanted();
+  /// The camera is known otherwise from now on, by its address for one; before it was known by this ID.
+  void CameraChanged(const QString& aFormerID);
   /// Something was done that is worth a word and no more.
   void Noticed(const QString& aText);
   /// The acquisition has come to its end: the number of frames has come, or the camera could not be had.
@@ -147,7 +152,8 @@ private:
   void AnnounceSettings(const QString& aWhat);
   void TellSettings(const QString& aWhat, const KrStringList& aProblems);
 
-  const CameraInfo mCamera;
+  CameraInfo mCamera;
+  CameraInfo mConnected; ///< As the connection knew it at the last look.
   const PageOptions mOptions;
   KrDisplayWnd mDisplay;
   FrameRelay mFrames; ///< Before whatever watches frames.

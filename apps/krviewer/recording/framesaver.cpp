@@ -98,6 +98,11 @@ void FrameSaver::Leave() {
                          .arg(QDir::toNativeSeparators(ToText(job->options.fileName))));
 }
 
+void FrameSaver::SetCamera(const QString& aCamera, const KrString& aDeviceID) {
+  mCamera = aCamera;
+  mDeviceID = aDeviceID;
+}
+
 void FrameSaver::Ask(QWidget* aParent) {
   if (mDialog) {
     mDialog->raise();

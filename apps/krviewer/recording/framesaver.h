@@ -31,6 +31,8 @@ public:
   FrameSaver(const NewestFrame& aFrames, const QString& aCamera, const KrString& aDeviceID);
   ~FrameSaver() override;
 
+  /// The camera is known otherwise from now on.
+  void SetCamera(const QString& aCamera, const KrString& aDeviceID);
   /// Whether a whole frame has come, so that there is something to save.
   bool HasFrame() const { return mFrames.HasFrame(); }
   /// Opens the dialog for the newest whole frame as it is now, whatever comes while the user thinks about it. One that
@@ -75,8 +77,8 @@ private:
   void Tell(const Job& aJob);
 
   const NewestFrame& mFrames;
-  const QString mCamera;
-  const KrString mDeviceID;
+  QString mCamera;
+  KrString mDeviceID;
   QPointer<QFileDialog> mDialog;
   QString mFolder;
   krapps::FrameFileFormat mFormat = krapps::FrameFileFormat::TIFF;

@@ -227,6 +227,14 @@ void RecordPanel::StartOrStop() {
   LookAgain();
 }
 
+void RecordPanel::SetCamera(const QString& aCamera, const KrString& aDeviceID) {
+  mCamera = aCamera;
+  mDeviceID = aDeviceID;
+  // What the user has typed stays.
+  if (!mRecorder.IsBusy() && mName->text() == mProposedName)
+    ProposeName();
+}
+
 void RecordPanel::SetCameraThere(bool aIsThere) {
   if (std::exchange(mIsCameraThere, aIsThere) != aIsThere)
     LookAgain();

@@ -36,6 +36,8 @@ public:
   /// Starts a recording as the controls say, or stops the one that runs.
   void StartOrStop();
 
+  /// The camera is known otherwise from now on; a recording that runs goes on under the former name.
+  void SetCamera(const QString& aCamera, const KrString& aDeviceID);
   /// Whether there is a camera of which a recording could be started.
   void SetCameraThere(bool aIsThere);
 
@@ -63,8 +65,8 @@ private:
   void ShowFreeRoom(const RecordingProgress& aProgress);
 
   Recorder& mRecorder;
-  const QString mCamera;
-  const KrString mDeviceID;
+  QString mCamera;
+  KrString mDeviceID;
   QTimer mTimer; ///< Runs while the panel is seen.
   QElapsedTimer mRoomAge;
   FolderRoom mFolderRoom;

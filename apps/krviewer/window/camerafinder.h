@@ -2,8 +2,8 @@
 // The window in which a user finds a camera, beside the viewer's own, which goes on meanwhile. What becomes of the
 // camera is left to the owner.
 
+#include "acquisition/camerainfo.h"
 #include "krgui/krdevicefinderwnd.h"
-#include "window/camerainfo.h"
 
 #include <functional>
 #include <memory>

@@ -2,9 +2,9 @@
 // Looks for a camera that is known by name, on a thread of its own, while the windows go on. What becomes of the camera
 // is left to the owner.
 
+#include "acquisition/camerainfo.h"
 #include "backgroundcall.h"
 #include "krbase/krresult.h"
-#include "window/camerainfo.h"
 
 #include <QString>
 

@@ -21,6 +21,8 @@ public:
 
   /// A camera was shown. One without an ID, or with a text that is too long, is not taken.
   void Add(const RecentCamera& aCamera);
+  /// The camera of this ID is known otherwise, and stands where it stood; nothing where it is none of them.
+  void Replace(const QString& aFormerID, const RecentCamera& aCamera);
   void Clear() { mCameras.clear(); }
   const QList<RecentCamera>& GetAll() const { return mCameras; }
 

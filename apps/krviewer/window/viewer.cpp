@@ -4,7 +4,6 @@
 #include "pictures.h"
 #include "plaintext.h"
 #include "window/aboutbox.h"
-#include "window/endingwindow.h"
 #include "window/showntext.h"
 
 #include <QApplication>
@@ -22,8 +21,6 @@ namespace {
 
 constexpr int kLookIntervalMs = 50;
 const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
-/// Of a camera's name in a message.
-constexpr int kMostLettersOfName = 100;
 
 KrString GetID(const CameraInfo& aCamera) {
   return aCamera->GetUniqueID();
@@ -33,14 +30,19 @@ KrString GetID(const CameraInfo& aCamera) {
 
 Viewer::Viewer(const CommandLine& aCommandLine, const ViewerHost& aHost)
     : mCommandLine(aCommandLine), mHost(aHost), mSettings(aCommandLine.IsBatch() ? QString() : aHost.settingsFile),
-      mRecentCameras(mSettings.GetRecentCameras()), mFinder([this](const CameraInfo& aCamera) { Open(aCamera); }) {
+      mRecentCameras(mSettings.GetRecentCameras()), mFinder([this](const CameraInfo& aCamera) { Open(aCamera); }),
+      mWanted({.open = [this](const CameraInfo& aCamera) { Open(aCamera); },
+               .getBar = [this]() -> MessageBar& { return GetActiveWindow().GetBar(); },
+               .clearBars = [this] { ClearBars(); },
+               .find = [this] { ShowFinder(); }},
+              mRecentCameras) {
   connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
   mEndTimer.setSingleShot(true);
   connect(&mEndTimer, &QTimer::timeout, this, &Viewer::Finish);
 }
 
 Viewer::~Viewer() {
-  mSearch.End();
+  mWanted.End();
 }
 
 QList<MainWindow*> Viewer::GetWindows() const {
@@ -126,93 +128,18 @@ void Viewer::OpenSimulated() {
     GetActiveWindow().GetBar().Say({MessageKind::Error, ToText(installed.GetDescription())});
 }
 
-void Viewer::Search(const QString& aName) {
-  if (mIsOver || std::ranges::find(mWanted, aName) != mWanted.end())
-    return;
-  mWanted.push_back(aName);
-  if (!mSearch.IsRunning())
-    SearchNext();
-}
-
-void Viewer::SearchNext() {
-  if (mIsOver)
-    return;
-  if (mWanted.empty())
-    return TellNotFound();
-  const QString name = mWanted.front();
-  GetActiveWindow().GetBar().Say({MessageKind::Information,
-                                  QStringLiteral("Looking for %1…").arg(GetShownName(name)),
-                                  {{QStringLiteral("&Cancel"), [this] { GiveUpSearch(); }}},
-                                  /*canBeDismissed=*/false});
-  mSearch.Start(name, [this, name](const CameraInfo& aCamera, const KrResult& aResult) {
-    mWanted.pop_front();
-    ClearBars();
-    if (aResult.IsOK()) {
-      Open(aCamera);
-    } else {
-      mNotFound += name;
-      // Which others there are the finder shows better.
-      mWhyNotFound = aResult == KrResult::Code::NotFound ? QString() : ToMessage(ToText(aResult.GetDescription()));
-    }
-    SearchNext();
-  });
-}
-
-void Viewer::GiveUpSearch() {
-  mWanted.clear();
-  mSearch.End();
-  ClearBars();
-  TellNotFound();
-}
-
 void Viewer::ClearBars() {
   for (MainWindow* const window : GetWindows())
     window->GetBar().Clear();
-}
-
-// Of one that was shown before as it is known to the user, else as it was asked for.
-QString Viewer::GetShownName(const QString& aName) const {
-  for (const RecentCamera& camera : mRecentCameras.GetAll())
-    if (camera.id == aName)
-      return ToLine(camera.name, kMostLettersOfName);
-  return ToLine(aName, kMostLettersOfName);
-}
-
-void Viewer::TellNotFound() {
-  const QStringList names = std::exchange(mNotFound, {});
-  const QString reason = std::exchange(mWhyNotFound, {});
-  if (names.isEmpty())
-    return;
-  QStringList shown;
-  for (const QString& name : names)
-    shown += GetShownName(name);
-  const QString text =
-      names.size() == 1
-          ? QStringLiteral("%1 was not found. Check its cable and its power, or look for it among all cameras.")
-          : QStringLiteral("%1 were not found. Check their cables and power, or look for them among all cameras.");
-  const QString whole = text.arg(shown.join(QStringLiteral(", "))) + QLatin1Char('\n') + reason;
-  const auto searchAgain = [this, names] {
-    for (const QString& name : names)
-      Search(name);
-  };
-  GetActiveWindow().GetBar().Say(
-      {MessageKind::Warning,
-       whole.trimmed(),
-       {{QStringLiteral("Tr&y Again"), searchAgain}, {QStringLiteral("Fi&nd a Camera…"), [this] { ShowFinder(); }}}});
 }
 
 void Viewer::Open(const CameraInfo& aCamera) {
   if (mIsOver)
     return;
   for (const std::unique_ptr<CameraPage>& page : mPages)
-    if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID()) {
-      FindWindowOf(*page)->BringForward(*page);
-      // Who asks for a camera that is not connected wants to see it, not only its tab.
-      if (page->CanConnect())
-        page->Reconnect();
-      return;
-    }
-  if (IsBeingGivenBack(*aCamera)) {
+    if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID())
+      return ShowAgain(*page, aCamera);
+  if (mEndedPages.IsBeingGivenBack(*aCamera)) {
     if (std::ranges::find(mReturning, aCamera->GetUniqueID(), GetID) == mReturning.end())
       mReturning.push_back(aCamera);
     return GetActiveWindow().GetBar().Say(
@@ -228,13 +155,7 @@ void Viewer::Open(const CameraInfo& aCamera) {
                             .number = ++mOpened};
   mPages.push_back(std::make_unique<CameraPage>(aCamera, options));
   CameraPage& page = *mPages.back();
-  connect(&page, &CameraPage::FindWanted, this, [this] { ShowFinder(); });
-  connect(&page, &CameraPage::AddressWanted, this, [this] { ShowFinder(FinderPurpose::Addresses); });
-  connect(&page, &CameraPage::Noticed, this, [this, &page](const QString& aText) {
-    if (MainWindow* const shown = FindWindowOf(page))
-      shown->Notice(aText);
-  });
-  connect(&page, &CameraPage::AcquisitionEnded, this, [this, &page] { NoteEnd(page); });
+  ConnectPage(page);
   MainWindow& window = GetActiveWindow();
   window.GetBar().Clear();
   if (const KrResult opened = page.Open(); !opened.IsOK())
@@ -246,16 +167,30 @@ void Viewer::Open(const CameraInfo& aCamera) {
   SetRecentCameras(recent);
 }
 
-// The same one, which was closed a moment ago, has to be given back first.
-bool Viewer::IsBeingGivenBack(const KrDeviceInfo& aCamera) const {
-  return std::ranges::any_of(mEndedPages, [&aCamera](const std::unique_ptr<CameraPage>& aPage) {
-    return !aPage->HasEnded() && aPage->GetCamera().GetUniqueID() == aCamera.GetUniqueID();
+void Viewer::ConnectPage(CameraPage& aPage) {
+  connect(&aPage, &CameraPage::FindWanted, this, [this] { ShowFinder(); });
+  connect(&aPage, &CameraPage::AddressWanted, this, [this] { ShowFinder(FinderPurpose::Addresses); });
+  connect(&aPage, &CameraPage::Noticed, this, [this, &aPage](const QString& aText) {
+    if (MainWindow* const shown = FindWindowOf(aPage))
+      shown->Notice(aText);
   });
+  connect(&aPage, &CameraPage::CameraChanged, this,
+          [this, &aPage](const QString& aFormerID) { NoteChange(aPage, aFormerID); });
+  connect(&aPage, &CameraPage::AcquisitionEnded, this, [this, &aPage] { NoteEnd(aPage); });
+}
+
+// Who asks for a camera that is not connected wants to see it, not only its tab.
+void Viewer::ShowAgain(CameraPage& aPage, const CameraInfo& aCamera) {
+  FindWindowOf(aPage)->BringForward(aPage);
+  if (!aPage.CanConnect())
+    return;
+  aPage.SetCamera(aCamera);
+  aPage.Reconnect();
 }
 
 void Viewer::OpenReturned() {
   for (const CameraInfo& camera : std::exchange(mReturning, {}))
-    if (IsBeingGivenBack(*camera))
+    if (mEndedPages.IsBeingGivenBack(*camera))
       mReturning.push_back(camera);
     else
       Open(camera);
@@ -266,6 +201,12 @@ void Viewer::SetRecentCameras(const RecentCameras& aCameras) {
   mSettings.SetRecentCameras(aCameras);
   for (MainWindow* const window : GetWindows())
     window->SetRecentCameras(aCameras);
+}
+
+void Viewer::NoteChange(const CameraPage& aPage, const QString& aFormerID) {
+  RecentCameras recent = mRecentCameras;
+  recent.Replace(aFormerID, {ToText(aPage.GetCamera().GetUniqueID()), ToText(aPage.GetCamera().GetDisplayID())});
+  SetRecentCameras(recent);
 }
 
 void Viewer::MovePage(CameraPage& aPage) {
@@ -301,9 +242,7 @@ void Viewer::Discard(CameraPage& aPage) {
   const auto found = std::ranges::find(mPages, &aPage, &std::unique_ptr<CameraPage>::get);
   if (found == mPages.end())
     return;
-  mUnprinted.insert(&aPage);
-  mUnwritten.insert(&aPage);
-  mEndedPages.push_back(std::move(*found));
+  mEndedPages.Add(std::move(*found));
   mPages.erase(found);
   QString folder = mCommandLine.screenshotFolder;
   if (!folder.isEmpty() && aPage.GetNumber() > 1)
@@ -316,37 +255,12 @@ void Viewer::Discard(CameraPage& aPage) {
     window->RemovePage(aPage);
 }
 
-void Viewer::PrintEndedPages() {
-  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
-    if (page->HasEnded() && mUnprinted.erase(page.get()) > 0)
-      PrintFigures(*page, mOpened > 1
-                              ? QStringLiteral("camera=%1 ")
-                                    .arg(QString::fromStdString(krapps::MakeField(page->GetCamera().GetDisplayID())))
-                              : QString());
-}
-
-// What went wrong with files of pages that nobody sees any more, in words.
-QString Viewer::TellWrittenPages() {
-  QStringList troubles;
-  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
-    if (page->HasEnded() && !page->IsWriting() && mUnwritten.erase(page.get()) > 0)
-      troubles += TellWritten(*page);
-  troubles.removeAll(QString());
-  return troubles.join(QLatin1Char('\n'));
-}
-
 // What has ended may be at work still further up on the stack, in a loop of its windows: only where there is no such
 // loop it can go, and then as late as the toolkit does that.
 void Viewer::DeleteEnded() {
   if (thread()->loopLevel() > mLoopLevel)
     return;
-  const auto isOver = [this](const std::unique_ptr<CameraPage>& aPage) {
-    return aPage->IsIdle() && !mUnprinted.contains(aPage.get()) && !mUnwritten.contains(aPage.get());
-  };
-  for (std::unique_ptr<CameraPage>& page : mEndedPages)
-    if (isOver(page))
-      page.release()->deleteLater();
-  std::erase(mEndedPages, nullptr);
+  mEndedPages.DeleteIdle();
   for (std::unique_ptr<MainWindow>& window : mEndedWindows)
     window.release()->deleteLater();
   mEndedWindows.clear();
@@ -396,11 +310,11 @@ void Viewer::LookAgain() {
     return Finish();
   CountSeconds();
   mFinder.Follow();
-  mSearch.Follow();
+  mWanted.Follow();
   for (MainWindow* const window : GetWindows())
     window->LookAgain();
-  PrintEndedPages();
-  if (const QString trouble = TellWrittenPages(); !trouble.isEmpty())
+  mEndedPages.PrintFigures(mOpened > 1);
+  if (const QString trouble = mEndedPages.TellWritten(); !trouble.isEmpty())
     GetActiveWindow().GetBar().Say({MessageKind::Error, trouble});
   OpenReturned();
   DeleteEnded();
@@ -438,29 +352,12 @@ void Viewer::HideWindows() {
     window->hide();
 }
 
-// What the user has recorded is worth the time that the disk needs for it, as long as that is seen and can be given up.
-void Viewer::AwaitEndedPages() {
-  std::vector<EndingWork> works;
-  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
-    works.push_back(MakeEndingWork(*page));
-  EndingWindow window(std::move(works));
-  window.Await();
-  // A loop that was ended meanwhile has awaited nothing.
-  for (const std::unique_ptr<CameraPage>& page : mEndedPages)
-    page->AwaitEnd();
-  const QString trouble = TellWrittenPages();
-  if (!trouble.isEmpty())
-    mExitCode = 1;
-  if (!trouble.isEmpty() && !mCommandLine.IsBatch() && !mStopSignal.IsRaised())
-    window.Tell(trouble);
-}
-
 void Viewer::Finish() {
   if (std::exchange(mIsOver, true))
     return;
   mTimer.stop();
   mEndTimer.stop();
-  mSearch.End();
+  mWanted.End();
   mFinder.Close();
   KeepLayouts();
   SaveWindowPicture();
@@ -475,8 +372,9 @@ void Viewer::Finish() {
     Discard(page);
   }
   HideWindows();
-  AwaitEndedPages();
-  PrintEndedPages();
+  if (!mEndedPages.Await(!mCommandLine.IsBatch() && !mStopSignal.IsRaised()).isEmpty())
+    mExitCode = 1;
+  mEndedPages.PrintFigures(mOpened > 1);
   QCoreApplication::exit();
 }
 

@@ -6,17 +6,16 @@
 #include "page/camerapage.h"
 #include "stopsignal.h"
 #include "window/camerafinder.h"
-#include "window/camerasearch.h"
+#include "window/endedpages.h"
 #include "window/mainwindow.h"
 #include "window/viewersettings.h"
+#include "window/wantedcameras.h"
 
 #include <QObject>
 #include <QTimer>
 
-#include <deque>
 #include <functional>
 #include <memory>
-#include <set>
 #include <vector>
 
 namespace krviewer {
@@ -46,7 +45,7 @@ public:
   void Open(const CameraInfo& aCamera);
   /// Looks for a camera by its ID, address, serial number or name while the windows go on, and shows it; what was not
   /// found is said in the window. Only after Begin.
-  void Search(const QString& aName);
+  void Search(const QString& aName) { mWanted.Search(aName); }
   /// Runs the application's loop until the end; gives the program's exit code.
   int Run();
   /// Ends everything, as if the windows had been closed.
@@ -63,19 +62,14 @@ private:
   MainWindow* FindWindowOf(const CameraPage& aPage) const;
   void ShowFinder(FinderPurpose aPurpose = FinderPurpose::Pick);
   void OpenSimulated();
-  void SearchNext();
-  void GiveUpSearch();
   void ClearBars();
-  void TellNotFound();
-  QString GetShownName(const QString& aName) const;
+  void ConnectPage(CameraPage& aPage);
+  void ShowAgain(CameraPage& aPage, const CameraInfo& aCamera);
+  void NoteChange(const CameraPage& aPage, const QString& aFormerID);
   void MovePage(CameraPage& aPage);
   void EndPage(CameraPage& aPage);
   void Discard(CameraPage& aPage);
-  void PrintEndedPages();
-  QString TellWrittenPages();
-  bool IsBeingGivenBack(const KrDeviceInfo& aCamera) const;
   void OpenReturned();
-  void AwaitEndedPages();
   void DeleteEnded();
   void HideWindows();
   void NoteEnd(CameraPage& aPage);
@@ -93,17 +87,11 @@ private:
   RecentCameras mRecentCameras;
   std::vector<std::unique_ptr<MainWindow>> mWindows;
   std::vector<std::unique_ptr<CameraPage>> mPages;
-  /// Ended, and deleted when nothing of them is under way any more.
-  std::vector<std::unique_ptr<CameraPage>> mEndedPages;
-  std::set<const CameraPage*> mUnprinted; ///< Of those the ones whose figures are not printed yet.
-  std::set<const CameraPage*> mUnwritten; ///< And those whose files are perhaps not all written yet.
-  std::vector<CameraInfo> mReturning;     ///< To be opened when pages of the same camera have given it back.
+  EndedPages mEndedPages;
+  std::vector<CameraInfo> mReturning; ///< To be opened when pages of the same camera have given it back.
   std::vector<std::unique_ptr<MainWindow>> mEndedWindows;
   CameraFinder mFinder;
-  CameraSearch mSearch;
-  std::deque<QString> mWanted; ///< Cameras that are still to be looked for.
-  QStringList mNotFound;       ///< Those of the same searches that were not found, to be told together.
-  QString mWhyNotFound;        ///< What there is to be said of the last of them beside that.
+  WantedCameras mWanted;
   QTimer mTimer;
   QTimer mEndTimer;
   int mOpened = 0;    ///< So many cameras so far.

@@ -178,6 +178,39 @@ TEST_F(ViewerCamera, CameraWithoutPower_IsSaidLostAndTakenUpWithItsSettings) {
   End();
 }
 
+TEST_F(ViewerNetwork, CameraThatIsBackAtAnotherAddress_IsTakenUpThereWithItsSettingsAndNoOtherInItsPlace) {
+  mHost.SetAddress("port0", "192.168.1.21/24");
+  Start({"192.168.1.20"});
+  ASSERT_TRUE(AwaitStreaming("Fake (192.168.1.20)"));
+  ASSERT_TRUE(SetFeature("ExposureTimeAbs", "20000"));
+
+  mCamera->Kill();
+  ASSERT_TRUE(User().AwaitWindow("Fake (192.168.1.20) - camera lost"));
+  const FakeCamera other(
+      FakeCameraOptions{.serialNumber = "GV99", .address = "192.168.1.20", .namespaceFile = mHost.GetNamespaceFile()});
+  EXPECT_TRUE(User().AwaitText("another device answers"));
+  EXPECT_TRUE(User().AwaitText("GV99"));
+  mCamera.emplace(FakeCameraOptions{.address = "192.168.1.21", .namespaceFile = mHost.GetNamespaceFile()});
+
+  EXPECT_TRUE(AwaitStreaming("Fake (192.168.1.21)"));
+  EXPECT_TRUE(AwaitMoreFrames());
+  EXPECT_EQ(ReadFeature("192.168.1.21", "ExposureTimeAbs"), "20000");
+  EXPECT_EQ(ReadFeature("192.168.1.20", "ExposureTimeAbs"), "10000") << "The other camera was left alone.";
+}
+
+TEST_F(ViewerNetwork, CameraThatSomebodyHadWhoWasCutOff_IsTakenUpWhenItNoticesThat) {
+  Start({"192.168.1.20"});
+  ASSERT_TRUE(AwaitStreaming("Fake (192.168.1.20)"));
+
+  mLab.Unplug("eth0");
+  ASSERT_TRUE(User().AwaitWindow("Fake (192.168.1.20) - camera lost"));
+  mHost.Run([&] { mCamera->TakeControlAndVanish(); });
+  mLab.PlugIn("eth0");
+
+  EXPECT_TRUE(AwaitStreaming("Fake (192.168.1.20)"));
+  EXPECT_TRUE(AwaitMoreFrames());
+}
+
 TEST_F(ViewerNetwork, CameraWithoutAReadableDescription_SaysSo) {
   mCamera.reset();
   mCamera.emplace(FakeCameraOptions{.address = "192.168.1.20",

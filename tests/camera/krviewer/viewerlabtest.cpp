@@ -1,5 +1,6 @@
 // The viewer on cameras of a simulated lab that are as cameras in machines are: several, away for a while, somebody
-// else's, of another subnet, and waiting for a trigger. What it says of each is read as its user reads it.
+// else's, of another subnet, slow, back at another address, and waiting for a trigger. What it says of each is read as
+// its user reads it.
 
 #include "viewersession.h"
 
@@ -18,6 +19,14 @@ adapters:
       - {kind: gigeVision, name: foreign, model: Foreign, mac: 02:00:00:00:01:04, address: 10.1.1.14, mask: 255.0.0.0}
       - {kind: gigeVision, name: loose, model: Loose, mac: 02:00:00:00:01:06, address: 192.168.1.16, mask: 255.255.255.0,
          vanishes: 50, appears: 60, every: 120, faults: {losesPower: true}}
+      - {kind: gigeVision, name: moved, model: Moved, mac: 02:00:00:00:01:07, address: 192.168.1.17, mask: 255.255.255.0,
+         vanishes: 50, appears: 60, returnsAt: 192.168.1.71, faults: {losesPower: true}}
+      - {kind: gigeVision, name: stray, model: Stray, mac: 02:00:00:00:01:08, address: 192.168.1.18, mask: 255.255.255.0,
+         vanishes: 50, appears: 60, returnsAt: 169.254.3.4}
+      - {kind: gigeVision, name: slow, model: Slow, mac: 02:00:00:00:01:09, address: 192.168.1.19, mask: 255.255.255.0,
+         faults: {registerDelay: 300}}
+      - {kind: gigeVision, name: late, model: Late, mac: 02:00:00:00:01:0a, address: 192.168.1.20, mask: 255.255.255.0,
+         faults: {silentRegisters: [{address: 0x0200, times: 1}]}}
 )";
 
 const QString kLeft = "Left (192.168.1.11)";
@@ -26,6 +35,22 @@ const QString kRight = "Right (192.168.1.12)";
 class ViewerLab : public ViewerSession {
 protected:
   void Open(const QStringList& aCameras) { Start(QStringList{"--lab", WriteFile("lab.yaml", kLab)} + aCameras); }
+  /// Gives a camera the last number of an address in the window for addresses, and closes that.
+  void SetAddress(const QString& aCamera, const QString& aLastNumber, const QString& aThen) {
+    ASSERT_TRUE(User().AwaitWindow("IP Configuration"));
+    ASSERT_TRUE(User().Click("tree item", aCamera));
+    ASSERT_TRUE(User().Click("push button", "Set IP Address..."));
+    ASSERT_TRUE(User().AwaitWindow("Set IP Address"));
+    ASSERT_TRUE(User().AwaitFocus("IP Address, field 4 of 4"));
+    User().Press("ctrl+a");
+    User().Type(aLastNumber);
+    User().Press("Return");
+    ASSERT_TRUE(User().AwaitNoWindow("Set IP Address"));
+    ASSERT_TRUE(User().AwaitWindow("IP Configuration"));
+    ASSERT_TRUE(User().AwaitControl("tree item", aThen));
+    User().Press("Escape");
+    ASSERT_TRUE(User().AwaitNoWindow("IP Configuration"));
+  }
   bool HasWindow(const QString& aTitle) {
     return User()
         .GetScreen()
@@ -68,23 +93,13 @@ TEST_F(ViewerLab, CameraOfAnotherSubnet_IsOfferedAnAddress) {
 
   ASSERT_TRUE(User().Click("push button", "Set Address…"));
 
-  ASSERT_TRUE(User().AwaitWindow("IP Configuration"));
-  ASSERT_TRUE(User().Click("tree item", "Foreign (10.1.1.14)"));
-  ASSERT_TRUE(User().Click("push button", "Set IP Address..."));
-  ASSERT_TRUE(User().AwaitWindow("Set IP Address"));
-  ASSERT_TRUE(User().AwaitFocus("IP Address, field 4 of 4"));
-  User().Press("ctrl+a");
-  User().Type("99");
-  User().Press("Return");
-  ASSERT_TRUE(User().AwaitNoWindow("Set IP Address"));
-  ASSERT_TRUE(User().AwaitWindow("IP Configuration"));
-  ASSERT_TRUE(User().AwaitControl("tree item", "Foreign (192.168.1.99)"));
-  User().Press("Escape");
-  ASSERT_TRUE(User().AwaitNoWindow("IP Configuration"));
+  SetAddress("Foreign (10.1.1.14)", "99", "Foreign (192.168.1.99)");
 
   ASSERT_TRUE(User().Click("push button", "Try Again"));
 
-  EXPECT_TRUE(AwaitStreaming("Foreign (10.1.1.14)")); // The tab keeps the name under which it was opened.
+  EXPECT_TRUE(AwaitStreaming("Foreign (192.168.1.99)"));
+  EXPECT_TRUE(User().AwaitControl("page tab", "Foreign (192.168.1.99)"));
+  EXPECT_FALSE(User().Has("10.1.1.14"));
 }
 
 TEST_F(ViewerLab, CameraThatWaitsForATrigger_SaysSoAndIsTriggered) {
@@ -110,4 +125,53 @@ TEST_F(ViewerLab, CameraThatLosesItsPowerNowAndThen_IsTakenUpWithItsSettings) {
   ASSERT_TRUE(AwaitStreaming(camera));
   EXPECT_TRUE(User().Await("its exposure time", [&] { return GetFeature("ExposureTime").startsWith("5000"); }));
   EXPECT_FALSE(User().Has("not set as before"));
+}
+
+TEST_F(ViewerLab, CameraThatComesBackAtAnotherAddress_IsTakenUpThereInItsTabWithItsSettings) {
+  Open({"moved"});
+  ASSERT_TRUE(AwaitStreaming("Moved (192.168.1.17)"));
+  ASSERT_TRUE(SetFeature("ExposureTime", "5000"));
+
+  ASSERT_TRUE(User().AwaitText("The camera is lost; it is shown again as soon as it is back"));
+
+  ASSERT_TRUE(AwaitStreaming("Moved (192.168.1.71)"));
+  EXPECT_TRUE(User().AwaitControl("page tab", "Moved (192.168.1.71)"));
+  EXPECT_TRUE(User().Await("its exposure time", [&] { return GetFeature("ExposureTime").startsWith("5000"); }));
+  EXPECT_FALSE(User().Has("not set as before"));
+  End();
+
+  Start({}); // It is known as it was known last.
+  EXPECT_TRUE(User().AwaitControl("push button", "Moved (192.168.1.71)"));
+  EXPECT_FALSE(User().Has("192.168.1.17"));
+}
+
+TEST_F(ViewerLab, CameraThatComesBackOutOfReach_IsShownWhenItIsGivenAnAddress) {
+  Open({"stray"});
+  ASSERT_TRUE(AwaitStreaming("Stray (192.168.1.18)"));
+  ASSERT_TRUE(User().AwaitText("The camera is back as 169.254.3.4"));
+
+  ASSERT_TRUE(User().Click("push button", "Set Address…"));
+  SetAddress("Stray (169.254.3.4)", "77", "Stray (192.168.1.77)");
+
+  EXPECT_TRUE(AwaitStreaming("Stray (192.168.1.77)"));
+}
+
+TEST_F(ViewerLab, SlowCamera_IsSaidToBeWhileItStreams) {
+  Open({"slow"});
+  ASSERT_TRUE(AwaitStreaming("Slow (192.168.1.19)"));
+
+  EXPECT_TRUE(User().AwaitText("The camera is slow to answer: its features are shown and set late"));
+  EXPECT_TRUE(AwaitMoreFrames());
+}
+
+TEST_F(ViewerLab, CameraWhoseDescriptionCameTooLate_IsAskedForItOnceMore) {
+  Open({"late"});
+  ASSERT_TRUE(User().AwaitText("it did not answer in time when its description was read"));
+  EXPECT_FALSE(User().Has("firmware"));
+
+  ASSERT_TRUE(User().Click("push button", "Try Again"));
+
+  ASSERT_TRUE(AwaitStreaming("Late (192.168.1.20)"));
+  EXPECT_TRUE(User().AwaitControl("tree item", "ExposureTime"));
+  EXPECT_TRUE(User().AwaitNoText("did not answer in time"));
 }

@@ -64,7 +64,7 @@ protected:
 } // namespace
 
 TEST_F(GrowingFramesTest, WidthSetWhileItStreams_FramesComeOnInTheNewSize) {
-  Acquisition acquisition(mWindow, *mInfo, {.startsAtOnce = false, .sink = &mSink});
+  Acquisition acquisition(mWindow, krviewer::BorrowCamera(*mInfo), {.startsAtOnce = false, .sink = &mSink});
   ASSERT_TRUE(Await([&] { return acquisition.GetProgress().state == AcquisitionState::Connected; }));
   ASSERT_TRUE(SetWidth(acquisition, 256).IsOK());
   acquisition.Start();
@@ -77,7 +77,7 @@ TEST_F(GrowingFramesTest, WidthSetWhileItStreams_FramesComeOnInTheNewSize) {
 }
 
 TEST_F(GrowingFramesTest, WidthThatShrinks_StreamsOn) {
-  Acquisition acquisition(mWindow, *mInfo, {.sink = &mSink});
+  Acquisition acquisition(mWindow, krviewer::BorrowCamera(*mInfo), {.sink = &mSink});
   ASSERT_TRUE(Await([&] { return mSink.width != 0; }));
 
   ASSERT_TRUE(SetWidth(acquisition, 256).IsOK());

@@ -13,9 +13,11 @@
 
 class AcquisitionTest : public LabTest {
 protected:
-  const KrDeviceInfo& GetCamera() {
+  explicit AcquisitionTest(const krtransport::Lab& aLab = krtransport::GetBuiltInLab()) : LabTest(nullptr, aLab) {}
+
+  krviewer::CameraInfo GetCamera() {
     FindAll();
-    return *FindInfo(kMonoMAC);
+    return krviewer::BorrowCamera(*FindInfo(kMonoMAC));
   }
 
   // The progress as soon as a condition holds, or as it is at the end of a generous limit.

@@ -68,7 +68,7 @@ TEST_F(AcquisitionTest, CameraThatAnotherControls_FailsSayingSo) {
 }
 
 TEST_F(AcquisitionTest, CameraThatIsGoneBeforeItsFirstFrame_FailsInsteadOfWaiting) {
-  const KrDeviceInfo& camera = GetCamera();
+  const krviewer::CameraInfo camera = GetCamera();
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
 
   Acquisition acquisition(mWindow, camera);
@@ -296,7 +296,7 @@ TEST_F(AcquisitionTest, WorkForALostCamera_EndsWithConnectionLost) {
 }
 
 TEST_F(AcquisitionTest, WorkForAnAcquisitionThatFailed_EndsWithConnectionLost) {
-  const KrDeviceInfo& camera = GetCamera();
+  const krviewer::CameraInfo camera = GetCamera();
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
   Acquisition acquisition(mWindow, camera);
   Await(acquisition, AcquisitionState::Failed);

@@ -14,7 +14,7 @@ class RecordingTest : public LabTest {
 protected:
   void Open(const char* aMACAddress) {
     FindAll();
-    mAcquisition.emplace(mWindow, *FindInfo(aMACAddress));
+    mAcquisition.emplace(mWindow, krviewer::BorrowCamera(*FindInfo(aMACAddress)));
     ASSERT_TRUE(mAcquisition->GetFrames().Register(&mRecorder).IsOK());
   }
   ~RecordingTest() override {

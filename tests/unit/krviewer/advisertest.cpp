@@ -261,14 +261,59 @@ TEST_F(AdviserTest, CameraThatIsSlowToConnect_CanBeLetGo) {
   EXPECT_THAT(mRemedies, Contains(Remedy::Disconnect));
 }
 
-TEST_F(AdviserTest, LostCamera_IsAwaitedAtItsAddressWhereItHasOne) {
+TEST_F(AdviserTest, LostCamera_IsAwaitedAlsoAtAnotherAddressWhereItHasOne) {
   mProgress.state = AcquisitionState::Lost;
   mProgress.result = {KrResult::Code::ConnectionLost, "why"};
-  EXPECT_THAT(Look(), HasSubstr("the same address"));
+  EXPECT_THAT(Look(), HasSubstr("also with another address"));
   EXPECT_THAT(mRemedies, Contains(Remedy::OpenFinder));
 
   mSituation.link = CameraLink::USB3Vision;
 
   EXPECT_THAT(Look(), testing::Not(HasSubstr("address")));
   EXPECT_THAT(Look(), HasSubstr("why"));
+}
+
+TEST_F(AdviserTest, LostCameraThatIsBackWhereItCannotBeReached_CanBeGivenAnAddress) {
+  mProgress.state = AcquisitionState::Lost;
+  mProgress.result = {KrResult::Code::ConnectionLost, "why"};
+  mProgress.strayAddress = "169.254.3.4";
+
+  EXPECT_THAT(Look(), HasSubstr("back as 169.254.3.4"));
+  EXPECT_THAT(mRemedies, Contains(Remedy::ConfigureIP));
+}
+
+TEST_F(AdviserTest, CameraThatBecomesSlow_IsToldUntilItIsPromptAgain) {
+  Stream();
+  EXPECT_EQ(PassCalmSeconds(2), "");
+
+  mProgress.isSlow = true;
+  EXPECT_THAT(Look(), HasSubstr("slow to answer"));
+  mProgress.state = AcquisitionState::Connected;
+  EXPECT_THAT(Look(), HasSubstr("slow to answer"));
+
+  mProgress.isSlow = false;
+  EXPECT_EQ(Look(), "");
+}
+
+TEST_F(AdviserTest, FramesThatAreDiscardedWhileASlowCameraIsWaitedFor_AreNotTheComputersFault) {
+  Stream();
+  mProgress.isSlow = true;
+
+  EXPECT_THAT(PassDiscarding(3), HasSubstr("slow to answer"));
+
+  mProgress.isSlow = false;
+  EXPECT_THAT(PassDiscarding(1), HasSubstr("discarded"));
+}
+
+TEST_F(AdviserTest, DescriptionThatCameTooLate_IsAskedForAgainAndNotItsMaker) {
+  mProgress.state = AcquisitionState::Connected;
+  mProgress.parameters = {KrResult::Code::TimeLimitExceeded, "no answer"};
+
+  for (const KrResult::Code result : {KrResult::Code::OK, KrResult::Code::NotFound}) {
+    mProgress.result = {result, result == KrResult::Code::OK ? "" : "no size"};
+    EXPECT_THAT(Look(), HasSubstr("no answer"));
+    EXPECT_THAT(Look(), HasSubstr("did not answer in time"));
+    EXPECT_THAT(Look(), testing::Not(HasSubstr("firmware")));
+    EXPECT_THAT(mRemedies, Contains(Remedy::TryAgain));
+  }
 }

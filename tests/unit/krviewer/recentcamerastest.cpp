@@ -55,6 +55,29 @@ TEST(RecentCameras, WhatIsNoCamera_IsNotTaken) {
   EXPECT_TRUE(cameras.GetAll().isEmpty());
 }
 
+TEST(RecentCameras, CameraKnownOtherwise_StaysWhereItStood) {
+  RecentCameras cameras;
+  cameras.Add({"a", "Camera (192.168.1.7)"});
+  cameras.Add({"b", "Other"});
+
+  cameras.Replace("a", {"a", "Camera (192.168.1.8)"});
+
+  EXPECT_EQ(GetIDs(cameras), (QStringList{"b", "a"}));
+  EXPECT_EQ(cameras.GetAll().constLast().name, "Camera (192.168.1.8)");
+}
+
+TEST(RecentCameras, CameraKnownByTheIDOfAnother_IsThereOnce) {
+  RecentCameras cameras;
+  cameras.Add({"a", "Camera"});
+  cameras.Add({"b", "Other"});
+
+  cameras.Replace("a", {"b", "Camera"});
+  cameras.Replace("c", {"d", "Nobody"});
+
+  EXPECT_EQ(GetIDs(cameras), QStringList{"b"});
+  EXPECT_EQ(cameras.GetAll().constFirst().name, "Camera");
+}
+
 TEST(RecentCameras, Cleared_AreNone) {
   RecentCameras cameras;
   cameras.Add({"a", "Camera"});

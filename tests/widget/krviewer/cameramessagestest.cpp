@@ -3,12 +3,31 @@
 #include "krtransport/krsimulatedfaults.h"
 #include "viewerfixture.h"
 
+#include <utility>
+
 using krviewer::AcquisitionState;
 
 namespace {
 
 constexpr const char* kBusyMAC = "02:4b:52:00:78:10";
 constexpr const char* kForbiddenGUID = "4B5200000103";
+
+// Takes a second of the camera's clock, in which nobody takes its frames.
+KrResult WaitForCamera(KrGenParameterArray& aParameters) {
+  constexpr std::int64_t kLongNs = 1'000'000'000;
+  std::int64_t begin = 0;
+  std::int64_t now = 0;
+  KrResult read;
+  while (read.IsOK() && now - begin < kLongNs) {
+    read = aParameters.GetCommand("TimestampLatch")->Execute();
+    if (read.IsOK())
+      read = aParameters.Invalidate("TimestampLatchValue");
+    if (read.IsOK())
+      read = aParameters.GetInteger("TimestampLatchValue")->GetValue(now);
+    begin = begin == 0 ? now : begin;
+  }
+  return read;
+}
 
 class CameraMessagesTest : public ViewerTest {
 protected:
@@ -84,19 +103,45 @@ TEST_F(CameraMessagesTest, CameraWhoseDescriptionCannotBeRead_StreamsAndIsAskedF
   EXPECT_TRUE(Await([this] { return GetPage()->IsStreaming() && GetMessage(*GetPage()).isEmpty(); })) << GetText();
 }
 
+TEST_F(CameraMessagesTest, FramesThatNobodyTakesInTime_AreSaidToBeDiscardedUntilTheyAreNot) {
+  OpenStreaming();
+  bool isStalled = false;
+
+  const bool isSaid = Await([&] {
+    if (!std::exchange(isStalled, true))
+      GetPage()->Do({.run = WaitForCamera, .then = [&](const KrResult&) { isStalled = false; }});
+    return GetMessage(*GetPage()).contains("the camera sends faster than this computer takes them");
+  });
+  EXPECT_TRUE(isSaid) << GetText();
+  ASSERT_TRUE(Await([&] { return !isStalled; }));
+
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).isEmpty(); })) << GetText();
+}
+
+TEST_F(CameraMessagesTest, CameraThatBecomesSlow_IsSaidToBeUntilItIsPrompt) {
+  OpenStreaming();
+  const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
+
+  faults->SlowRegisters(300);
+  EXPECT_TRUE(AwaitMessage("slow to answer: its features are shown and set late")) << GetText();
+  faults->EndRegisterFaults();
+
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).isEmpty(); })) << GetText();
+}
+
 TEST_F(CameraMessagesTest, USBCameraWithoutPermission_NamesTheRule) {
   Open(kForbiddenGUID);
 
   EXPECT_TRUE(AwaitMessage("udev rule")) << GetText();
 }
 
-TEST_F(CameraMessagesTest, LostCamera_IsAwaitedAtItsAddressAndFoundElsewhere) {
+TEST_F(CameraMessagesTest, LostCamera_IsAwaitedWhereverItComesBackAndCanBeLookedForByHand) {
   OpenStreaming();
   int asked = 0;
   QObject::connect(GetPage(), &krviewer::CameraPage::FindWanted, GetPage(), [&] { ++asked; });
 
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
-  EXPECT_TRUE(AwaitMessage("the same address")) << GetText();
+  EXPECT_TRUE(AwaitMessage("also with another address")) << GetText();
   ASSERT_TRUE(Click(*GetPage(), "Fi&nd a Camera…"));
 
   EXPECT_EQ(asked, 1);

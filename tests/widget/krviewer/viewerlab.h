@@ -14,7 +14,7 @@ class ViewerLabTest : public LabTest {
 protected:
   void Open(const char* aMACAddress = kMonoMAC) {
     FindAll();
-    mAcquisition.emplace(mWindow, *FindInfo(aMACAddress));
+    mAcquisition.emplace(mWindow, krviewer::BorrowCamera(*FindInfo(aMACAddress)));
   }
   /// What the viewer does every now and then.
   virtual void LookAgain() = 0;
