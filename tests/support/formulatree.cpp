@@ -1,6 +1,7 @@
 #include "formulatree.h"
 
 #include <cmath>
+#include <compare>
 #include <cstdlib>
 #include <iterator>
 #include <map>
@@ -64,19 +65,20 @@ Value CombineBits(const std::string& aSymbol, std::int64_t aLeft, std::int64_t a
   return Number(static_cast<std::int64_t>((Wide(aLeft) - (aLeft < 0 ? factor - 1 : 0)) / factor));
 }
 
+// Whole numbers as they are: no floating-point type is sure to hold each of them.
 bool Compare(const std::string& aSymbol, const Number& aLeft, const Number& aRight) {
   const bool isWhole = !aLeft.IsFloat() && !aRight.IsFloat();
-  const long double left = isWhole ? static_cast<long double>(aLeft.ToInteger()) : aLeft.ToFloat();
-  const long double right = isWhole ? static_cast<long double>(aRight.ToInteger()) : aRight.ToFloat();
+  const std::partial_ordering order = isWhole ? std::partial_ordering(aLeft.ToInteger() <=> aRight.ToInteger())
+                                              : aLeft.ToFloat() <=> aRight.ToFloat();
   if (aSymbol == "=")
-    return left == right;
+    return std::is_eq(order);
   if (aSymbol == "<>")
-    return left != right;
+    return std::is_neq(order);
   if (aSymbol == "<")
-    return left < right;
+    return std::is_lt(order);
   if (aSymbol == ">")
-    return left > right;
-  return aSymbol == "<=" ? left <= right : left >= right;
+    return std::is_gt(order);
+  return aSymbol == "<=" ? std::is_lteq(order) : std::is_gteq(order);
 }
 
 Value Raise(FormulaKind aKind, const Number& aBase, const Number& aExponent) {
