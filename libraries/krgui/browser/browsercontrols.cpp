@@ -211,8 +211,12 @@ void BrowserControls::LayOut(const QSize& aSize) {
 
 void BrowserControls::LayOutTools(const GridRect& aBand) {
   std::vector<BandItem> items(mTools.size(), MakeSquare(kToolButtonSide, 0));
-  items.push_back(MakeLabelItem(*mVisibilityLabel, kGroupGap));
   const QSize list = mVisibilityList->sizeHint();
+  const BandItem label = MakeLabelItem(*mVisibilityLabel, kGroupGap);
+  const int others = (static_cast<int>(mTools.size()) + 1) * kToolButtonSide + list.width() + 2 * kGap;
+  // The list can be understood without the label, but not when it is cut.
+  const bool hasRoom = others + label.width + label.gap <= aBand.right - aBand.left;
+  items.push_back(hasRoom ? label : BandItem{.height = label.height});
   items.push_back({list.width(), kLeastListWidth, list.height(), kGap});
   items.push_back({.takesRest = true});
   items.push_back(MakeSquare(kToolButtonSide, kGap));

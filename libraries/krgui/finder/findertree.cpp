@@ -96,7 +96,7 @@ FinderTree::FinderTree(QTreeWidget& aWidget, Callbacks aCallbacks)
   mHint->setWordWrap(true);
   mHint->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
   mHint->setBackgroundRole(QPalette::Base);
-  mHint->setForegroundRole(QPalette::PlaceholderText);
+  mHint->setForegroundRole(QPalette::Text); // Placeholders are too faint to be read.
   mHint->setAttribute(Qt::WA_TransparentForMouseEvents);
   mHint->hide();
 }

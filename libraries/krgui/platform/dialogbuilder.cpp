@@ -1,5 +1,6 @@
 #include "platform/dialogbuilder.h"
 
+#include "platform/elidedcombobox.h"
 #include "platform/elidedlabel.h"
 #include "platform/ipaddresscontrol.h"
 
@@ -94,7 +95,7 @@ QWidget* MakeTree(const ControlTemplate& aControl, QWidget& aDialog) {
 }
 
 QWidget* MakeComboBox(const ControlTemplate&, QWidget& aDialog) {
-  return new QComboBox(&aDialog);
+  return new ElidedComboBox(&aDialog);
 }
 
 QWidget* MakeScrollBar(const ControlTemplate& aControl, QWidget& aDialog) {

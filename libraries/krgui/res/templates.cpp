@@ -39,10 +39,11 @@ constexpr std::array kDeviceFinderControls = {
     ControlTemplate{ControlClass::Label, 1036, "Device Information", {307, 100, 221, 8}, kMoveRight},
     ControlTemplate{ControlClass::List, kDeviceListID, "", {307, 111, 221, 210}, kMoveRight | kGrowDown},
     ControlTemplate{ControlClass::CheckBox, 1040, "Show unreachable Network Devices", {7, 324, 130, 10}, kMoveDown},
+    // Beside what is shown: the row below has no room for it in the smallest window.
+    ControlTemplate{
+        ControlClass::Button, 1139, "Why is my camera not here?", {378, 322, 150, 16}, kMoveRight | kMoveDown},
     ControlTemplate{ControlClass::Button, 1002, "Set IP Address...", {7, 342, 104, 16}, kMoveDown, false, true},
     ControlTemplate{ControlClass::Button, 1011, "Select from IP Address...", {115, 342, 104, 16}, kMoveDown},
-    ControlTemplate{
-        ControlClass::Button, 1139, "Why is my camera not here?", {253, 342, 134, 16}, kMoveDown | kGrowRight},
     ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {425, 342, 50, 16}, kMoveRight | kMoveDown},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {478, 342, 50, 16}, kMoveRight | kMoveDown},
 };
@@ -222,8 +223,8 @@ constexpr std::array kBaudRateSelectionControls = {
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {163, 78, 50, 14}},
 };
 
-/// Its window lays them out anew, by the sizes that they want. In the order of the focus; the feature browser's place is
-/// the last.
+/// Its window lays them out anew, by the sizes that they want. In the order of the focus; the feature browser's place
+/// is the last.
 constexpr std::array kCameraBridgeControls = {
     ControlTemplate{ControlClass::GroupBox, 1159, "Bridge Setup", {7, 4, 196, 236}},
     ControlTemplate{ControlClass::ComboBox, 1048, "", {14, 16, 182, 14}},

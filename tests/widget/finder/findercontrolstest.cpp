@@ -33,7 +33,7 @@ constexpr ControlRow kControls[] = {
     {1033, "", {307, 111, 221, 210}},
     {1040, "Show unreachable Network Devices", {7, 324, 130, 10}},
     {1011, "Select from IP Address...", {115, 342, 104, 16}},
-    {1139, "Why is my camera not here?", {253, 342, 134, 16}},
+    {1139, "Why is my camera not here?", {378, 322, 150, 16}},
 };
 
 QString GetText(const QWidget& aControl) {
@@ -118,7 +118,7 @@ TEST_F(DeviceFinderTest, Focus_StartsAtTheTreeAndGoesOnInReadingOrder) {
     next = next->nextInFocusChain();
   }
 
-  EXPECT_EQ(order, (std::vector<int>{1049, 1030, 1033, 1040, 1002, 1011, 1139, 1, 2}));
+  EXPECT_EQ(order, (std::vector<int>{1049, 1030, 1033, 1040, 1139, 1002, 1011, 1, 2}));
 }
 
 TEST_F(DeviceFinderTest, EmbeddedFinder_DoesNotTakeTheFocusFromWhatSurroundsIt) {
