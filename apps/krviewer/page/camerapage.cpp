@@ -9,6 +9,7 @@
 #include <QDataStream>
 #include <QIODevice>
 #include <QMainWindow>
+#include <QResizeEvent>
 #include <QVBoxLayout>
 
 #include <array>
@@ -393,6 +394,7 @@ void CameraPage::TellState() {
 void CameraPage::showEvent(QShowEvent* aEvent) {
   QWidget::showEvent(aEvent);
   mPanels.SetPageShown(true);
+  QMetaObject::invokeMethod(this, &CameraPage::ShareOut, Qt::QueuedConnection);
   WantPicture();
 }
 
@@ -404,7 +406,15 @@ void CameraPage::hideEvent(QHideEvent* aEvent) {
 
 void CameraPage::resizeEvent(QResizeEvent* aEvent) {
   QWidget::resizeEvent(aEvent);
-  // Only a page that has its size can share it out.
+  if (!isVisible())
+    return;
+  if (mHasWidths)
+    mPanels.FitSides(aEvent->oldSize().width(), width());
+  ShareOut();
+}
+
+// Only a page that has its size can share it out.
+void CameraPage::ShareOut() {
   if (isVisible() && !std::exchange(mHasWidths, true))
     mPanels.SetWidth(Panel::Features, static_cast<int>(width() * kFeaturesShare));
 }

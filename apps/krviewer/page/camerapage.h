@@ -139,6 +139,7 @@ protected:
   void resizeEvent(QResizeEvent* aEvent) override;
 
 private:
+  void ShareOut();
   void AddPanels();
   void WantPicture();
   void Connect();

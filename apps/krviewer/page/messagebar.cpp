@@ -1,6 +1,7 @@
 #include "page/messagebar.h"
 
 #include "window/mnemonics.h"
+#include "window/toolglyphs.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -15,6 +16,8 @@ namespace krviewer {
 
 namespace {
 
+/// A bar with room for fewer letters has its buttons below the text.
+constexpr int kFewLetters = 90;
 /// How much of the sign's colour is in the bar's background.
 constexpr double kTint = 0.18;
 
@@ -49,7 +52,8 @@ QColor Mix(const QColor& aBase, const QColor& aTint) {
 } // namespace
 
 MessageBar::MessageBar(QWidget* aParent)
-    : QFrame(aParent), mIcon(new QLabel), mLabel(new QLabel), mButtons(new QHBoxLayout), mDismiss(new QToolButton) {
+    : QFrame(aParent), mIcon(new QLabel), mLabel(new QLabel), mSaid(new QBoxLayout(QBoxLayout::LeftToRight)),
+      mButtons(new QHBoxLayout), mDismiss(new QToolButton) {
   setObjectName(QStringLiteral("messageBar"));
   setAutoFillBackground(true);
   mLabel->setObjectName(QStringLiteral("message"));
@@ -57,15 +61,16 @@ MessageBar::MessageBar(QWidget* aParent)
   mLabel->setWordWrap(true);
   mLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
   mDismiss->setAutoRaise(true);
-  mDismiss->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+  mDismiss->setIcon(MakeToolIcon(ToolGlyph::Close)); // The style's own is hardly seen on a dark bar.
   mDismiss->setFocusPolicy(Qt::StrongFocus);
   mDismiss->setAccessibleName(QStringLiteral("Dismiss the message"));
   mDismiss->setToolTip(mDismiss->accessibleName());
   connect(mDismiss, &QToolButton::clicked, this, &QWidget::hide);
   auto* const layout = new QHBoxLayout(this);
   layout->addWidget(mIcon, 0, Qt::AlignTop);
-  layout->addWidget(mLabel, 1);
-  layout->addLayout(mButtons);
+  layout->addLayout(mSaid, 1);
+  mSaid->addWidget(mLabel, 1);
+  mSaid->addLayout(mButtons);
   layout->addWidget(mDismiss, 0, Qt::AlignTop);
   hide();
 }
@@ -118,6 +123,16 @@ void MessageBar::UpdateMnemonics() {
     button->setText(MarkFreeLetter(button->text(), taken));
     taken.insert(GetMnemonic(button->text()));
   }
+}
+
+void MessageBar::resizeEvent(QResizeEvent* aEvent) {
+  const bool isNarrow = width() < kFewLetters * fontMetrics().averageCharWidth();
+  const auto direction = isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight;
+  if (mSaid->direction() != direction) {
+    mSaid->setDirection(direction);
+    mButtons->setAlignment(isNarrow ? Qt::AlignLeft : Qt::Alignment());
+  }
+  QFrame::resizeEvent(aEvent);
 }
 
 void MessageBar::showEvent(QShowEvent* aEvent) {

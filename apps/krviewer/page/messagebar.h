@@ -8,6 +8,7 @@
 #include <functional>
 #include <vector>
 
+class QBoxLayout;
 class QHBoxLayout;
 class QLabel;
 class QToolButton;
@@ -46,6 +47,7 @@ public:
 
 protected:
   void changeEvent(QEvent* aEvent) override;
+  void resizeEvent(QResizeEvent* aEvent) override;
   void showEvent(QShowEvent* aEvent) override;
 
 private:
@@ -55,6 +57,7 @@ private:
 
   QLabel* const mIcon;
   QLabel* const mLabel;
+  QBoxLayout* const mSaid; ///< The text, and the buttons beside it or below.
   QHBoxLayout* const mButtons;
   QToolButton* const mDismiss;
   MessageKind mKind = MessageKind::Information;

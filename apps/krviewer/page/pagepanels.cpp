@@ -145,6 +145,17 @@ void PagePanels::SetWidth(Panel aPanel, int aWidth) {
     mArea.resizeDocks({found->second}, {aWidth}, Qt::Horizontal);
 }
 
+void PagePanels::FitSides(int aPageBefore, int aPage) {
+  for (const Qt::DockWidgetArea side : {Qt::LeftDockWidgetArea, Qt::RightDockWidgetArea})
+    for (const auto& [panel, dock] : mDocks) {
+      if (dock->isFloating() || !dock->isVisible() || mBehind.contains(dock) || mArea.dockWidgetArea(dock) != side)
+        continue;
+      if (const std::optional<int> width = mSides[side].Fit(dock->width(), aPageBefore, aPage))
+        mArea.resizeDocks({dock}, {*width}, Qt::Horizontal);
+      break; // The others of the side are as wide.
+    }
+}
+
 QByteArray PagePanels::SaveLayout() {
   // As it is when the page is shown: what was put aside counts as shown.
   if (!mIsPageShown)

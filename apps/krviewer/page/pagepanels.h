@@ -2,6 +2,8 @@
 // The panels around a camera's picture: docked, floating, tabbed or hidden, as the user likes them, and as they were
 // the last time. What is in a panel is left to whoever adds it.
 
+#include "page/sidewidth.h"
+
 #include <QByteArray>
 #include <QObject>
 #include <QString>
@@ -44,6 +46,8 @@ public:
   void MoveFocused(PanelPlace aPlace);
   /// The panels that float leave the screen with their page, and come back with it.
   void SetPageShown(bool aIsShown);
+  /// The page has become so wide: the panels at its sides leave the picture its part of it.
+  void FitSides(int aPageBefore, int aPage);
   /// How wide a side is, once the page is on the screen.
   void SetWidth(Panel aPanel, int aWidth);
 
@@ -65,6 +69,7 @@ private:
   std::set<QDockWidget*> mPutAside;     ///< Those that float, of a page that is not shown.
   std::set<const QDockWidget*> mBehind; ///< Those that are behind the tab of another one.
   QDockWidget* mFocused = nullptr;      ///< With the keyboard; null when that is elsewhere on the page.
+  std::map<Qt::DockWidgetArea, SideWidth> mSides;
   bool mIsPageShown = true;
   bool mHasRoomBelow = false; ///< The panels under the picture are as high as the user has them.
 };

@@ -4,6 +4,7 @@
 
 #include <QEvent>
 #include <QHeaderView>
+#include <QPainter>
 #include <QPixmap>
 #include <QResizeEvent>
 #include <QScrollBar>
@@ -101,6 +102,21 @@ void NumberTable::changeEvent(QEvent* aEvent) {
     KeepRoom(column);
   }
   FitHeight();
+}
+
+/// Styles show the focus in a cell's colour alone, which is hardly seen on a dark screen.
+bool NumberTable::event(QEvent* aEvent) {
+  const bool isTaken = QTableWidget::event(aEvent);
+  if (aEvent->type() == QEvent::FocusIn || aEvent->type() == QEvent::FocusOut)
+    update();
+  if (aEvent->type() == QEvent::Paint && hasFocus()) {
+    QPainter painter(this);
+    painter.setPen(
+        QPen(palette().color(QPalette::Highlight), frameWidth(), Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    const double half = frameWidth() / 2.0;
+    painter.drawRect(QRectF(rect()).adjusted(half, half, -half, -half));
+  }
+  return isTaken;
 }
 
 void NumberTable::FitHeight() {

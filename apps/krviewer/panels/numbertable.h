@@ -27,6 +27,7 @@ public:
 protected:
   void resizeEvent(QResizeEvent* aEvent) override;
   void changeEvent(QEvent* aEvent) override;
+  bool event(QEvent* aEvent) override;
 
 private:
   void FitHeight();

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSpinBox>
 #include <QStandardPaths>
 #include <QToolButton>
@@ -63,7 +64,17 @@ int GetPerMille(std::uint64_t aPart, std::uint64_t aWhole) {
 RecordPanel::RecordPanel(Recorder& aRecorder, const QString& aCamera, const KrString& aDeviceID, QWidget* aParent)
     : QWidget(aParent), mRecorder(aRecorder), mCamera(aCamera), mDeviceID(aDeviceID) {
   setObjectName(QStringLiteral("recordPanel"));
-  auto* const rows = new QVBoxLayout(this);
+  // Where there is little room it is scrolled rather than squeezed.
+  auto* const content = new QWidget;
+  auto* const area = new QScrollArea;
+  area->setWidget(content);
+  area->setWidgetResizable(true);
+  area->setFrameShape(QFrame::NoFrame);
+  area->setFocusPolicy(Qt::NoFocus); // What is in it has the focus.
+  auto* const whole = new QVBoxLayout(this);
+  whole->setContentsMargins({});
+  whole->addWidget(area);
+  auto* const rows = new QVBoxLayout(content);
   mSettings = new QWidget;
   auto* const settings = new QFormLayout(mSettings);
   settings->setContentsMargins({});
@@ -164,6 +175,7 @@ void RecordPanel::AddProgress(QFormLayout& aForm) {
 void RecordPanel::ProposeName() {
   mProposedName = ToQString(MakeRecordingName(mCamera.toStdString(), QDateTime::currentSecsSinceEpoch()));
   mName->setText(mProposedName);
+  mName->setCursorPosition(0); // A long name shows its beginning.
 }
 
 void RecordPanel::Browse() {

@@ -6,8 +6,10 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QStringList>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -37,7 +39,8 @@ QPushButton* MakeButton(const char* aName, const char* aText, const char* aToolT
 } // namespace
 
 EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
-    : mClock(aClock ? std::move(aClock) : Clock(&KrGetSteadyMs)), mText(new QLabel),
+    : mClock(aClock ? std::move(aClock) : Clock(&KrGetSteadyMs)), mSign(new QLabel), mText(new QLabel),
+      mBar(new QProgressBar),
       mLeave(MakeButton("leave", "&Do Not Wait", "Ends without the files whose disk does not answer")),
       mAbandon(MakeButton("abandon", "&Abandon the Recording", "Gives up the frames that are not written yet")),
       mClose(MakeButton("close", "&Close", "")) {
@@ -46,19 +49,29 @@ EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
     mWorks.push_back({std::move(work)});
   setObjectName(QStringLiteral("endingWindow"));
   setWindowTitle(QStringLiteral("krviewer Ends"));
+  mText->setObjectName(QStringLiteral("text"));
   mText->setTextFormat(Qt::PlainText);
   mText->setWordWrap(true);
   mText->setMinimumWidth(fontMetrics().averageCharWidth() * kLettersPerLine);
   mText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  mBar->setRange(0, 0);
+  mBar->setTextVisible(false);
+  mBar->setAccessibleName(QStringLiteral("Under way"));
+  mSign->hide();
   connect(mLeave, &QPushButton::clicked, this, &EndingWindow::LeaveStalled);
   connect(mAbandon, &QPushButton::clicked, this, &EndingWindow::Abandon);
   connect(mClose, &QPushButton::clicked, this, &EndingWindow::reject);
-  auto* const layout = new QVBoxLayout(this);
-  layout->addWidget(mText, 1);
+  auto* const said = new QHBoxLayout;
+  said->addWidget(mSign, 0, Qt::AlignTop);
+  said->addWidget(mText, 1);
   auto* const buttons = new QHBoxLayout;
   buttons->addStretch();
   for (QPushButton* const button : {mLeave, mAbandon, mClose})
     buttons->addWidget(button);
+  auto* const layout = new QVBoxLayout(this);
+  layout->setSpacing(fontMetrics().height());
+  layout->addLayout(said, 1);
+  layout->addWidget(mBar);
   layout->addLayout(buttons);
   connect(&mTimer, &QTimer::timeout, this, &EndingWindow::LookAgain);
 }
@@ -75,6 +88,10 @@ void EndingWindow::Await() {
 
 void EndingWindow::Tell(const QString& aTrouble) {
   mIsTold = true;
+  mBar->hide();
+  const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
+  mSign->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(QSize(size, size), devicePixelRatioF()));
+  mSign->show();
   mLeave->hide();
   mAbandon->hide();
   mClose->show();
@@ -111,14 +128,15 @@ void EndingWindow::Describe() {
     isAnyRecording = isAnyRecording || watched.work.isRecording();
     if (const std::uint64_t stalledMs = watched.watch.GetStalledMs()) {
       isAnyStalled = true;
-      lines += QStringLiteral("Its disk has taken nothing for %1 s and may not answer any more. You need not wait for "
-                              "it: what is not written yet is lost then.")
-                   .arg(stalledMs / kMsPerSecond);
+      lines.back() +=
+          QStringLiteral("\nIts disk has taken nothing for %1 s and may not answer any more. You need not wait for "
+                         "it: what is not written yet is lost then.")
+              .arg(stalledMs / kMsPerSecond);
     }
   }
   mAbandon->setVisible(isAnyRecording);
   mLeave->setVisible(isAnyStalled);
-  SetText(lines.join(QLatin1Char('\n')));
+  SetText(lines.join(QStringLiteral("\n\n"))); // Each may take several lines.
 }
 
 // A layout does not make a window taller for a text that grows.

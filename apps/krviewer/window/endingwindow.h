@@ -14,6 +14,7 @@
 #include <vector>
 
 class QLabel;
+class QProgressBar;
 class QPushButton;
 
 namespace krviewer {
@@ -66,7 +67,9 @@ private:
 
   const Clock mClock;
   std::vector<Watched> mWorks; ///< Those that are not over.
+  QLabel* const mSign;         ///< Of trouble.
   QLabel* const mText;
+  QProgressBar* const mBar; ///< Moves while something is awaited; nobody knows for how long.
   QPushButton* const mLeave;
   QPushButton* const mAbandon;
   QPushButton* const mClose;

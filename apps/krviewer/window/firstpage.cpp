@@ -3,6 +3,7 @@
 #include "window/showntext.h"
 
 #include <QCommandLinkButton>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
 #include <QScrollArea>
@@ -37,6 +38,29 @@ protected:
 private:
   static constexpr qreal kFocusWidth = 2;
   static constexpr qreal kFocusRadius = 3;
+};
+
+/// A camera's name, shortened where there is no room for it.
+class CameraLink : public FocusedLink {
+public:
+  explicit CameraLink(const QString& aName) : mName(aName) { setText(ToEntry(mName)); }
+
+protected:
+  void resizeEvent(QResizeEvent* aEvent) override {
+    FocusedLink::resizeEvent(aEvent);
+    // As the toolkit writes the first line of such buttons.
+    QFont font = this->font();
+    font.setBold(true);
+    font.setPointSizeF(kTitlePoints);
+    const int room = width() - iconSize().width() - kSides;
+    setText(ToEntry(QFontMetrics(font).elidedText(mName, Qt::ElideRight, room)));
+  }
+
+private:
+  static constexpr double kTitlePoints = 9;
+  static constexpr int kSides = 24; ///< What is around icon and text, in device-independent pixels.
+
+  const QString mName;
 };
 
 QLabel* MakeText(const QString& aText) {
@@ -111,7 +135,7 @@ void FirstPage::SetRecentCameras(const RecentCameras& aCameras) {
   if (!aCameras.GetAll().isEmpty())
     mRecentButtons->addWidget(MakeText(QStringLiteral("Shown last:")));
   for (const RecentCamera& camera : aCameras.GetAll()) {
-    auto* const button = new FocusedLink(ToEntry(ToLine(camera.name, kMostLetters)));
+    auto* const button = new CameraLink(ToLine(camera.name, kMostLetters));
     button->setObjectName(QStringLiteral("recentCamera"));
     button->setToolTip(ToToolTip(camera.name + QLatin1Char('\n') + camera.id));
     button->setAutoDefault(true);

@@ -16,7 +16,8 @@ namespace {
 constexpr double kUnits = 16;
 constexpr double kLine = 1.4;
 
-const QColor kRecording(0xd0, 0x30, 0x30);
+const QColor kRecordingOnLight(0xd0, 0x30, 0x30);
+const QColor kRecordingOnDark(0xff, 0x6e, 0x6e);
 
 void DrawLens(QPainter& aPainter) {
   aPainter.drawEllipse(QRectF(2, 2, 9, 9));
@@ -94,11 +95,21 @@ void DrawZoomOut(QPainter& aPainter) {
   aPainter.drawLine(QPointF(4.3, 6.5), QPointF(8.7, 6.5));
 }
 
+void DrawClose(QPainter& aPainter) {
+  aPainter.drawLine(QPointF(4, 4), QPointF(12, 12));
+  aPainter.drawLine(QPointF(12, 4), QPointF(4, 12));
+}
+
 using Draw = void (*)(QPainter&);
 /// By the glyphs' numbers; None is never drawn.
-constexpr std::array<Draw, 13> kDrawings = {nullptr,     DrawFind,      DrawStart,  DrawStop,   DrawSingle,
-                                            DrawTrigger, DrawSaveFrame, DrawRecord, DrawRegion, DrawActualSize,
-                                            DrawFit,     DrawZoomIn,    DrawZoomOut};
+constexpr std::array<Draw, 14> kDrawings = {nullptr,     DrawFind,      DrawStart,   DrawStop,   DrawSingle,
+                                            DrawTrigger, DrawSaveFrame, DrawRecord,  DrawRegion, DrawActualSize,
+                                            DrawFit,     DrawZoomIn,    DrawZoomOut, DrawClose};
+
+QColor GetRecordingColour(const QPalette& aPalette) {
+  const bool isDark = aPalette.color(QPalette::Window).lightness() < aPalette.color(QPalette::WindowText).lightness();
+  return isDark ? kRecordingOnDark : kRecordingOnLight;
+}
 
 /// Asks for the colours when it draws, as they may have become others.
 class GlyphEngine : public QIconEngine {
@@ -108,7 +119,8 @@ public:
   void paint(QPainter* aPainter, const QRect& aRect, QIcon::Mode aMode, QIcon::State) override {
     const auto group = aMode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
     const bool isRed = mGlyph == ToolGlyph::Record && aMode != QIcon::Disabled;
-    const QColor colour = isRed ? kRecording : QGuiApplication::palette().color(group, QPalette::ButtonText);
+    const QPalette palette = QGuiApplication::palette();
+    const QColor colour = isRed ? GetRecordingColour(palette) : palette.color(group, QPalette::ButtonText);
     const QPen pen(colour, kLine, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     aPainter->save();
     aPainter->setRenderHint(QPainter::Antialiasing);

@@ -20,6 +20,7 @@ enum class ToolGlyph {
   Fit,
   ZoomIn,
   ZoomOut,
+  Close,
 };
 
 /// Null for None. Thread: user interface.

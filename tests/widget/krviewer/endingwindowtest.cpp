@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
 
 #include <cstdint>
@@ -46,6 +47,10 @@ void WhenShown(EndingWindow& aWindow, const std::function<void()>& aStep) {
   look->start(1);
 }
 
+QString GetText(const EndingWindow& aWindow) {
+  return aWindow.findChild<QLabel*>(QStringLiteral("text"))->text();
+}
+
 QPushButton& GetButton(EndingWindow& aWindow, const char* aName) {
   return *aWindow.findChild<QPushButton*>(aName);
 }
@@ -53,7 +58,7 @@ QPushButton& GetButton(EndingWindow& aWindow, const char* aName) {
 /// Whether the text has the room that it needs, which it has a moment after it was set.
 bool IsTextWhole(EndingWindow& aWindow) {
   return krtest::AwaitCondition([&aWindow] {
-    const auto& text = *aWindow.findChild<QLabel*>();
+    const auto& text = *aWindow.findChild<QLabel*>("text");
     return text.height() >= text.heightForWidth(text.width());
   });
 }
@@ -79,14 +84,14 @@ TEST(EndingWindow, WorkThatTakesLong_IsToldUntilItIsOver) {
   EndingWindow window({recording.Make("It is written."), other.Make("It is given back.")});
   QString text;
   WhenShown(window, [&] {
-    text = window.findChild<QLabel*>()->text();
+    text = GetText(window);
     recording.isOver = true;
     other.isOver = true;
   });
 
   window.Await();
 
-  EXPECT_EQ(text, "It is written.\nIt is given back.");
+  EXPECT_EQ(text, "It is written.\n\nIt is given back.");
   EXPECT_EQ(recording.abandoned, 0);
 }
 
@@ -123,7 +128,7 @@ TEST(EndingWindow, FilesThatDoNotGetOn_NeedNotBeWaitedFor) {
     nowMs += StallWatch::kPatienceMs;
     ++*busy.written;
     ASSERT_TRUE(krtest::AwaitCondition([&] { return IsShown(window, "leave"); }));
-    text = window.findChild<QLabel*>()->text();
+    text = window.findChild<QLabel*>("text")->text();
     EXPECT_TRUE(IsTextWhole(window));
     GetButton(window, "leave").click();
     EXPECT_FALSE(IsShown(window, "leave"));
@@ -142,13 +147,16 @@ TEST(EndingWindow, FilesThatDoNotGetOn_NeedNotBeWaitedFor) {
 TEST(EndingWindow, Trouble_IsShownUntilItIsRead) {
   EndingWindow window({});
   QString text;
+  bool isWaiting = true;
   WhenShown(window, [&] {
-    text = window.findChild<QLabel*>()->text();
+    text = GetText(window);
+    isWaiting = window.findChild<QProgressBar*>()->isVisible();
     GetButton(window, "close").click();
   });
 
   window.Tell("The disk was full.");
 
   EXPECT_EQ(text, "The disk was full.");
+  EXPECT_FALSE(isWaiting);
   EXPECT_FALSE(window.isVisible());
 }

@@ -1,6 +1,7 @@
 // The panels of the viewer's pages: how they are shown, moved and kept, and what the keyboard reaches.
 
 #include "viewerfixture.h"
+#include "windowwait.h"
 
 #include <QDockWidget>
 #include <QGuiApplication>
@@ -41,6 +42,20 @@ TEST_F(ViewerPanelsTest, PanelsAndWindow_AreAsTheyWereInTheNextRun) {
 
   EXPECT_FALSE(GetPage()->GetPanels().IsShown(Panel::Features));
   EXPECT_EQ(GetWindow().size(), QSize(700, 500));
+}
+
+TEST_F(ViewerPanelsTest, PanelInANarrowerWindow_LeavesThePictureItsHalfAndComesBack) {
+  Begin();
+  OpenStreaming();
+  auto& dock = *GetPage()->findChild<QDockWidget*>("features");
+  GetWindow().resize(1200, 800);
+  ASSERT_TRUE(krtest::AwaitCondition([&] { return dock.width() > 400; }));
+  const int before = dock.width();
+
+  GetWindow().resize(640, 480);
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return GetPage()->width() == 640 && dock.width() <= 320; }));
+  GetWindow().resize(1200, 800);
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return dock.width() == before; }));
 }
 
 TEST_F(ViewerPanelsTest, Panels_AreShownAndHiddenByTheirKeys) {
