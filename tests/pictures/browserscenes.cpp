@@ -1,3 +1,4 @@
+#include "browser/genbrowsercombobox.h"
 #include "browser/propertiesgrid.h"
 #include "krgui/genbrowsersearchbar.h"
 #include "krgui/krgenbrowserwnd.h"
@@ -5,6 +6,8 @@
 #include "scenes.h"
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QTest>
 #include <QTextEdit>
@@ -39,6 +42,29 @@ void AwaitDescription(const QWidget& aWindow, const QString& aText) {
   Await("description", [&] { return pane && pane->toPlainText().contains(aText); });
 }
 
+krgui::GridItem FindItem(const krgui::PropertiesGrid& aGrid, const char* aName) {
+  for (const auto& feature : aGrid.GetTree().GetFeatures())
+    if (feature->GetName() == KrString(aName))
+      return feature->GetItem();
+  throw std::runtime_error(std::string("There is no feature ") + aName + ".");
+}
+
+// Clicks a feature's value as a user does.
+void ClickValue(const QWidget& aWindow, const char* aName) {
+  auto& grid = *aWindow.findChild<krgui::PropertiesGrid*>();
+  grid.Select(FindItem(grid, aName));
+  const QRect row = grid.FindRow(FindItem(grid, aName));
+  QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, QPoint(row.right() - 40, row.center().y()));
+  AwaitDescription(aWindow, aName);
+}
+
+// The same of one that can be edited.
+void OpenEditor(const QWidget& aWindow, const char* aName) {
+  ClickValue(aWindow, aName);
+  const auto& grid = *aWindow.findChild<krgui::PropertiesGrid*>();
+  Await("editor", [&] { return grid.GetEdited() == FindItem(grid, aName); });
+}
+
 } // namespace
 
 void TakeBrowser(PictureBook& aBook) {
@@ -65,6 +91,46 @@ void TakeBrowser(PictureBook& aBook) {
   AwaitDescription(again, "ExposureTime");
   QTest::keyClick(again.findChild<QLineEdit*>(), Qt::Key_Escape);
   aBook.Save(again, "browser");
+}
+
+// The editor of each kind of feature, the lists and tooltips, and the grid without features.
+void TakeBrowserEditors(PictureBook& aBook) {
+  const std::unique_ptr<KrDevice> device = OpenDevice("sim-mono");
+  KrGenBrowserWnd browser;
+  QWidget& empty = Show(browser, kWidth, 300);
+  aBook.Save(empty, "browser-empty");
+  Require(browser.Close());
+  KrGenParameterArray* array = nullptr;
+  Require(device->GetParameters(array));
+  browser.SetGenParameterArray(array);
+  Require(browser.SetVisibility(KrGenVisibility::Guru));
+  QWidget& window = Show(browser, kWidth, 360);
+  AwaitFeatures(window);
+  for (const char* const name :
+       {"Width", "ExposureTime", "DeviceUserID", "PixelFormat", "ReverseX", "TriggerSoftware", "TriggerSelector"}) {
+    OpenEditor(window, name);
+    aBook.Save(window, "editor-" + QString::fromLatin1(name).toLower());
+  }
+  ClickValue(window, "DeviceVendorName");
+  aBook.Save(window, "editor-none");
+  OpenEditor(window, "PixelFormat");
+  SavePopup(aBook, "editor-list", [&window] { window.findChild<krgui::GenBrowserComboBox*>()->showPopup(); });
+  krgui::PropertiesGrid& grid = *window.findChild<krgui::PropertiesGrid*>();
+  const QRect row = grid.FindRow(FindItem(grid, "PixelFormat"));
+  SaveToolTip(aBook, "browser-tooltip", *grid.viewport(), row.center());
+  SavePopup(aBook, "browser-menu", [&grid, &row] {
+    QContextMenuEvent event(QContextMenuEvent::Mouse, row.topLeft() + QPoint(5, 5),
+                            grid.viewport()->mapToGlobal(row.center()));
+    QApplication::sendEvent(grid.viewport(), &event);
+  });
+  Focus(FindButton(window, "Expand"));
+  aBook.Save(window, "browser-tool-focus");
+  Focus(*window.findChild<QWidget*>("splitter"));
+  aBook.Save(window, "browser-splitter-focus");
+  Search(window, "there is none", 0);
+  aBook.Save(window, "browser-search-none");
+  browser.SetPosition(20, 20, 10, 10);
+  aBook.Save(window, "browser-small");
 }
 
 } // namespace scene

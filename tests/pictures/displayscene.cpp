@@ -3,6 +3,11 @@
 #include "scene.h"
 #include "scenes.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QCursor>
+#include <QScrollBar>
+
 namespace scene {
 
 void TakeDisplay(PictureBook& aBook) {
@@ -19,6 +24,21 @@ void TakeDisplay(PictureBook& aBook) {
   Require(stream.Release(buffer));
   Await("picture", [&] { return display.GetStatistics().shown > 0; });
   aBook.Save(window, "display");
+
+  QWidget& view = *window.findChild<QWidget*>("display");
+  SavePopup(aBook, "display-menu", [&view] {
+    const QPoint point = view.rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, point, view.mapToGlobal(point));
+    QApplication::sendEvent(&view, &event);
+  });
+  display.SetCursorLineEnabled(true);
+  display.Zoom1_1();
+  Await("scroll bar", [&window] {
+    const auto* const bar = window.findChild<QScrollBar*>();
+    return bar && bar->isVisible();
+  });
+  QCursor::setPos(view.mapToGlobal(view.rect().center()));
+  aBook.Save(window, "display-zoomed");
 }
 
 } // namespace scene

@@ -1,8 +1,11 @@
 #include "krgui/krdevicefinderwnd.h"
+#include "platform/ipaddresscontrol.h"
 #include "scene.h"
 #include "scenes.h"
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QPlainTextEdit>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
@@ -16,6 +19,11 @@ constexpr int kSelectFromAddress = 1011;
 constexpr int kShowUnreachable = 1040;
 constexpr int kTree = 1049;
 constexpr int kDiagnose = 1139;
+// Of the dialogs.
+constexpr int kAddress = 1038;
+constexpr int kMask = 1041;
+constexpr int kGateway = 1043;
+constexpr int kWantedAddress = 1125;
 
 QTreeWidgetItem* FindRow(const QWidget& aFinder, const QString& aText) {
   for (QTreeWidgetItemIterator row(&Get<QTreeWidget>(aFinder, kTree)); *row; ++row)
@@ -30,6 +38,15 @@ void Select(const QWidget& aFinder, const QString& aText) {
 }
 
 } // namespace
+
+// Before there is anything that devices could be reached by.
+void TakeEmptyFinder(PictureBook& aBook) {
+  KrDeviceFinderWnd finder;
+  const QWidget& window = Show(finder, 800, 480);
+  aBook.Save(*finder.GetWidget(), "finder-empty");
+  InDialog([&] { Get<QAbstractButton>(window, kDiagnose).click(); },
+           [&](QWidget& aDialog) { aBook.Save(aDialog, "finder-diagnosis-empty"); });
+}
 
 void TakeFinder(PictureBook& aBook) {
   KrDeviceFinderWnd finder;
@@ -49,7 +66,35 @@ void TakeFinder(PictureBook& aBook) {
   click(kShowUnreachable);
   Select(window, "10.20.30.40");
   Await("way to set an address", [&] { return Get(window, kSetAddress).isEnabled(); });
-  InDialog([&] { click(kSetAddress); }, [&](QWidget& aDialog) { aBook.Save(aDialog, "finder-set-address"); });
+  Focus(Get<QTreeWidget>(window, kTree));
+  aBook.Save(*finder.GetWidget(), "finder-foreign");
+  InDialog([&] { click(kSetAddress); },
+           [&](QWidget& aDialog) {
+             aBook.Save(aDialog, "finder-set-address");
+             Get<krgui::IPAddressControl>(aDialog, kAddress).SetAddress(0x0A141E28);
+             Get<krgui::IPAddressControl>(aDialog, kMask).SetAddress(0xFF00FF00);
+             Get<krgui::IPAddressControl>(aDialog, kGateway).SetAddress(0xFFFFFFFF);
+             aBook.Save(aDialog, "finder-set-address-refused");
+           });
+  InDialog([&] { click(kSelectFromAddress); },
+           [&](QWidget& aDialog) {
+             Get<krgui::IPAddressControl>(aDialog, kWantedAddress).SetAddress(0xC0A84D0B);
+             aBook.Save(aDialog, "finder-select-address-typed");
+           });
+  for (const char* const device : {"SIM-0102", "sim1", "USB"})
+    if (FindRow(window, device)) {
+      Select(window, device);
+      Await("list of a device", [] { return true; });
+      aBook.Save(*finder.GetWidget(), QStringLiteral("finder-") + QString::fromLatin1(device).toLower());
+    }
+  auto& tree = Get<QTreeWidget>(window, kTree);
+  SavePopup(aBook, "finder-menu", [&] {
+    const QPoint point = tree.visualItemRect(FindRow(window, "10.20.30.40")).center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, point, tree.viewport()->mapToGlobal(point));
+    QApplication::sendEvent(tree.viewport(), &event);
+  });
+  finder.SetPosition(20, 20, 10, 10);
+  aBook.Save(*finder.GetWidget(), "finder-small");
 }
 
 } // namespace scene

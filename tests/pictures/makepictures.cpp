@@ -1,11 +1,13 @@
 // Takes the pictures of all windows of the library, and of the viewer, on the simulated lab:
-//   makepictures FOLDER [SUFFIX [dark]]
-// SUFFIX goes behind each name. At which scale is the toolkit's business (QT_SCALE_FACTOR).
+//   makepictures FOLDER [SUFFIX [light|dark [POINTS [SCENE ...]]]]
+// SUFFIX goes behind each name, POINTS is the letters' size. At which scale is the toolkit's business
+// (QT_SCALE_FACTOR). Texts that cannot be read are a failure.
 
 #include "darkpalette.h"
 #include "krtransport/krtransport.h"
 #include "scene.h"
 #include "scenes.h"
+#include "window/viewericon.h"
 
 #include <QApplication>
 
@@ -13,14 +15,43 @@
 
 namespace {
 
-constexpr void (*kScenes[])(PictureBook&) = {scene::TakeDisplay,  scene::TakeFinder,        scene::TakeBrowser,
-                                             scene::TakeTerminal, scene::TakeSerialBridges, scene::TakeCameraBridges,
-                                             scene::TakeViewer,   scene::TakeViewerPanels,  scene::TakeViewerTrouble};
+struct Scene {
+  const char* name;
+  void (*take)(PictureBook&);
+};
 
-void TakeAll(PictureBook& aBook) {
+constexpr Scene kScenes[] = {
+    {"display", scene::TakeDisplay},
+    {"finder", scene::TakeFinder},
+    {"browser", scene::TakeBrowser},
+    {"editors", scene::TakeBrowserEditors},
+    {"terminal", scene::TakeTerminal},
+    {"bridges", scene::TakeSerialBridges},
+    {"camerabridges", scene::TakeCameraBridges},
+    {"boxes", scene::TakeBoxes},
+    {"endings", scene::TakeViewerEndings},
+    {"viewer", scene::TakeViewer},
+    {"firstpage", scene::TakeViewerFirstPage},
+    {"regions", scene::TakeViewerRegions},
+    {"tabs", scene::TakeViewerTabs},
+    {"panels", scene::TakeViewerPanels},
+    {"docks", scene::TakeViewerDocks},
+    {"focus", scene::TakeViewerFocus},
+    {"recording", scene::TakeViewerRecording},
+    {"trouble", scene::TakeViewerTrouble},
+    {"dialogs", scene::TakeViewerDialogs},
+};
+
+void TakeAll(PictureBook& aBook, const QStringList& aNames) {
+  const auto isWanted = [&aNames](const char* aName) {
+    return aNames.isEmpty() || aNames.contains(QLatin1String(aName));
+  };
+  if (isWanted("emptyfinder"))
+    scene::TakeEmptyFinder(aBook);
   scene::Require(KrInstallTransports({.gigEVision = false, .usb3Vision = false, .simulation = true}));
-  for (const auto take : kScenes)
-    take(aBook);
+  for (const Scene& one : kScenes)
+    if (isWanted(one.name))
+      one.take(aBook);
 }
 
 } // namespace
@@ -28,21 +59,24 @@ void TakeAll(PictureBook& aBook) {
 int main(int aCount, char** aArguments) {
   QApplication application(aCount, aArguments);
   const QStringList arguments = QApplication::arguments();
-  if (arguments.size() < 2 || arguments.size() > 4) {
-    std::cerr << "usage: makepictures FOLDER [SUFFIX [dark]]\n";
+  if (arguments.size() < 2) {
+    std::cerr << "usage: makepictures FOLDER [SUFFIX [light|dark [POINTS [SCENE ...]]]]\n";
     return 64;
   }
   QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setFont(QFont("DejaVu Sans", 9));
+  krviewer::InstallViewerIcon();
+  QApplication::setFont(QFont("DejaVu Sans", arguments.value(4, "9").toInt()));
   if (arguments.value(3) == "dark")
     QApplication::setPalette(krgui::MakeDarkPalette());
   try {
     PictureBook book(arguments[1], arguments.value(2));
-    TakeAll(book);
+    TakeAll(book, arguments.mid(5));
+    for (const QString& fault : book.GetFaults())
+      std::cerr << fault.toStdString() << '\n';
     std::cout << book.GetCount() << " pictures in " << arguments[1].toStdString() << '\n';
+    return book.GetFaults().isEmpty() ? 0 : 1;
   } catch (const std::exception& failure) {
     std::cerr << "makepictures: " << failure.what() << '\n';
     return 1;
   }
-  return 0;
 }

@@ -1,5 +1,8 @@
 #include "picturebook.h"
 
+#include "legibility.h"
+
+#include <QApplication>
 #include <QImageWriter>
 #include <QPixmap>
 #include <QSet>
@@ -9,6 +12,8 @@
 
 namespace {
 
+/// What grows with what it says is laid out in several.
+constexpr int kTurns = 3;
 constexpr int kMostPaletteColours = 256;
 // The most that the writer compresses.
 constexpr int kSmallestFile = 0;
@@ -58,7 +63,12 @@ PictureBook::PictureBook(const QString& aFolder, const QString& aSuffix) : mFold
 }
 
 void PictureBook::Save(QWidget& aWindow, const QString& aName) {
-  Save(aWindow.grab().toImage(), aName);
+  for (int turn = 0; turn < kTurns; ++turn)
+    QApplication::processEvents();
+  const QImage picture = aWindow.grab().toImage();
+  for (const QString& fault : FindIllegibleTexts(aWindow, picture))
+    mFaults += aName + mSuffix + QStringLiteral(": ") + fault;
+  Save(picture, aName);
 }
 
 void PictureBook::Save(const QImage& aPicture, const QString& aName) {

@@ -4,6 +4,7 @@
 
 #include "krdevice/krdevice.h"
 #include "krgui/krwnd.h"
+#include "picturebook.h"
 #include "windowwait.h"
 
 #include <QString>
@@ -46,6 +47,15 @@ void Pick(const QWidget& aWindow, int aList, const QString& aEntry);
 
 /// Waits until a feature browser in a window has features, and has read all of them.
 void AwaitFeatures(const QWidget& aWindow);
+
+/// Saves the menu or list that something opens, and closes it again.
+void SavePopup(PictureBook& aBook, const QString& aName, const std::function<void()>& aOpen);
+
+/// Saves the tooltip of a place in a widget.
+void SaveToolTip(PictureBook& aBook, const QString& aName, QWidget& aWidget, const QPoint& aPoint);
+
+/// Lets a window have the keyboard, and a control of it.
+void Focus(QWidget& aControl);
 
 /// Does what opens a modal dialog, and acts in that before it is closed.
 void InDialog(const std::function<void()>& aOpen, const std::function<void(QWidget& aDialog)>& aAct);

@@ -1,15 +1,12 @@
-#include "krsystem/krsystem.h"
 #include "page/messagebar.h"
-#include "page/pagepanels.h"
 #include "region/regioneditor.h"
-#include "scene.h"
 #include "scenes.h"
-#include "window/viewer.h"
+#include "viewerscene.h"
 
 #include <QDoubleSpinBox>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
-#include <QSizeGrip>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <utility>
@@ -19,17 +16,13 @@ namespace scene {
 namespace {
 
 using krviewer::CameraPage;
-using krviewer::Panel;
+using krviewer::MessageBar;
 
-// Enough for what follows them, in the window and its panels, to have come.
-void AwaitFrames(const CameraPage& aPage) {
-  constexpr std::uint64_t kSomeFrames = 60;
-  const std::uint64_t last = aPage.GetProgress().figures.GetFrames() + kSomeFrames;
-  Await("live picture", [&] { return aPage.GetProgress().figures.GetFrames() > last; });
-}
+const QString kLongName =
+    QStringLiteral("Camera above the second conveyor belt, behind the pillar (192.168.77.11, 02:4b:52:00:77:11)");
 
 bool HasToldTrouble(const CameraPage& aPage) {
-  const auto* const bar = aPage.findChild<krviewer::MessageBar*>();
+  const auto* const bar = aPage.findChild<MessageBar*>();
   if (!aPage.IsInTrouble() || !bar || !bar->GetText().contains("subnet"))
     return false;
   const QList<QPushButton*> buttons = bar->findChildren<QPushButton*>();
@@ -38,54 +31,16 @@ bool HasToldTrouble(const CameraPage& aPage) {
   });
 }
 
-// The viewer with one window, and settings of its own: as one that is started for the first time.
-class ViewerScene {
-public:
-  ViewerScene() : mViewer({}, krviewer::ViewerHost{.settingsFile = mFolder.filePath("krviewer.ini"), .libraries = {}}) {
-    mViewer.Begin();
-    GetWindow().resize(kWidth, kHeight);
-    Await("window of its size", [this] {
-      const auto* const grip = GetWindow().findChild<QSizeGrip*>(); // The last one to take its place.
-      return grip && grip->mapTo(&GetWindow(), QPoint()).x() > kWidth / 2;
-    });
-  }
-  ~ViewerScene() { mViewer.Finish(); }
-  ViewerScene(const ViewerScene&) = delete;
-  ViewerScene& operator=(const ViewerScene&) = delete;
-
-  krviewer::MainWindow& GetWindow() { return *mViewer.GetWindows().constFirst(); }
-  CameraPage& Open(const KrString& aName) {
-    for (std::size_t index = 0; index < mSystem->GetDeviceCount(); ++index)
-      if (mSystem->GetDeviceInfo(index)->GetUserDefinedName() == aName)
-        mViewer.Open(krviewer::CameraInfo(mSystem, mSystem->GetDeviceInfo(index)));
-    CameraPage* const page = GetWindow().GetCurrentPage();
-    if (!page)
-      throw std::runtime_error("The viewer did not show " + aName.ToUtf8() + ".");
-    return *page;
-  }
-  CameraPage& OpenStreaming(const KrString& aName) {
-    CameraPage& page = Open(aName);
-    Await("stream", [&] { return page.IsStreaming(); });
-    AwaitFeatures(page);
-    AwaitFrames(page);
-    return page;
-  }
-
-private:
-  static constexpr int kWidth = 1200;
-  static constexpr int kHeight = 800;
-
-  static std::shared_ptr<KrSystem> FindCameras() {
-    auto system = std::make_shared<KrSystem>();
-    system->SetSubnetBroadcastEnabled(false);
-    Require(system->Find());
-    return system;
-  }
-
-  const QTemporaryDir mFolder;
-  const std::shared_ptr<KrSystem> mSystem = FindCameras();
-  krviewer::Viewer mViewer;
-};
+// As somebody who draws a part of the picture would.
+void DrawRegion(CameraPage& aPage) {
+  aPage.GetRegion().Begin();
+  Await("region of interest", [&] { return aPage.GetRegion().IsEditing(); });
+  for (const auto& [name, value] :
+       {std::pair{"regionWidth", 1024}, {"regionHeight", 640}, {"regionX", 448}, {"regionY", 280}})
+    if (auto* const box = aPage.findChild<QDoubleSpinBox*>(name))
+      box->setValue(value);
+  ViewerScene::AwaitFrames(aPage);
+}
 
 } // namespace
 
@@ -95,30 +50,22 @@ void TakeViewer(PictureBook& aBook) {
   CameraPage& page = scene.OpenStreaming("sim-colour");
   aBook.Save(scene.GetWindow(), "krviewer");
 
-  page.GetRegion().Begin();
-  Await("region of interest", [&] { return page.GetRegion().IsEditing(); });
-  // As somebody who draws a part of the picture would.
-  for (const auto& [name, value] :
-       {std::pair{"regionWidth", 1024}, {"regionHeight", 640}, {"regionX", 448}, {"regionY", 280}})
-    if (auto* const box = page.findChild<QDoubleSpinBox*>(name))
-      box->setValue(value);
-  AwaitFrames(page);
+  DrawRegion(page);
   aBook.Save(scene.GetWindow(), "krviewer-region");
   page.GetRegion().Cancel();
 }
 
-void TakeViewerPanels(PictureBook& aBook) {
+void TakeViewerRegions(PictureBook& aBook) {
   ViewerScene scene;
   CameraPage& page = scene.OpenStreaming("sim-colour");
-  page.GetPanels().Show(Panel::Features, false);
-  for (const Panel panel : {Panel::LineProfile, Panel::Intervals, Panel::Histogram})
-    page.GetPanels().Show(panel, true);
-  AwaitFrames(page);
-  aBook.Save(scene.GetWindow(), "krviewer-panels");
-  page.GetPanels().Show(Panel::Histogram, false);
-  page.GetPanels().Show(Panel::Recording, true);
-  AwaitFrames(page);
-  aBook.Save(scene.GetWindow(), "krviewer-recording");
+  ViewerScene::Set(page, "TestPattern", "Off");
+  ViewerScene::Set(page, "ExposureTime", "20");
+  DrawRegion(page);
+  aBook.Save(scene.GetWindow(), "krviewer-region-dark");
+  scene.GetWindow().resize(640, 480);
+  ViewerScene::AwaitFrames(page);
+  aBook.Save(scene.GetWindow(), "krviewer-region-small");
+  page.GetRegion().Cancel();
 }
 
 void TakeViewerTrouble(PictureBook& aBook) {
@@ -126,6 +73,50 @@ void TakeViewerTrouble(PictureBook& aBook) {
   const CameraPage& page = scene.Open("sim-foreign");
   Await("word about the camera", [&] { return HasToldTrouble(page); });
   aBook.Save(scene.GetWindow(), "krviewer-message");
+  scene.GetWindow().resize(640, 480);
+  Await("message in a small window", [&] { return HasToldTrouble(page) && page.width() <= 640; });
+  aBook.Save(scene.GetWindow(), "krviewer-message-small");
+}
+
+void TakeViewerTabs(PictureBook& aBook) {
+  ViewerScene scene;
+  krviewer::MainWindow& window = scene.GetWindow();
+  scene.Open("sim-foreign");
+  scene.Open("sim-colour");
+  CameraPage& page = scene.OpenStreaming("sim-mono");
+  window.Notice("Frame 1234 was saved as /home/user/Pictures/sim-mono-1234.tiff");
+  aBook.Save(window, "krviewer-tabs");
+  const QList<QAction*> menus = window.menuBar()->actions();
+  for (QAction* const menu : menus)
+    SavePopup(aBook, "menu-" + menu->text().remove('&').toLower(),
+              [&] { menu->menu()->popup(window.mapToGlobal(QPoint(20, 40))); });
+  page.Disconnect();
+  Await("camera given back", [&] { return page.CanConnect(); });
+  Await("word of it", [&] { return page.findChild<MessageBar*>()->GetText().contains("disconnected"); });
+  aBook.Save(window, "krviewer-disconnected");
+  for (const QSize& size : {QSize(640, 480), QSize(1920, 1200)}) {
+    window.resize(size);
+    page.Reconnect();
+    Await("stream", [&] { return page.IsStreaming(); });
+    ViewerScene::AwaitFrames(page);
+    aBook.Save(window, QStringLiteral("krviewer-%1x%2").arg(size.width()).arg(size.height()));
+  }
+}
+
+void TakeViewerFirstPage(PictureBook& aBook) {
+  ViewerScene scene;
+  krviewer::MainWindow& window = scene.GetWindow();
+  krviewer::RecentCameras cameras;
+  for (int number = 0; number < 7; ++number)
+    cameras.Add({QStringLiteral("02:4b:52:00:77:%1").arg(number + 10), QStringLiteral("sim-mono-%1").arg(number)});
+  cameras.Add({"02:4b:52:00:77:11", kLongName});
+  window.SetRecentCameras(cameras);
+  auto* const link = window.GetFirstPage().findChild<QPushButton*>("recentCamera");
+  Focus(*link);
+  aBook.Save(window, "krviewer-first-recent");
+  window.resize(480, 400);
+  Focus(*window.GetFirstPage().findChild<QPushButton*>("findCamera"));
+  aBook.Save(window, "krviewer-first-small");
 }
 
 } // namespace scene

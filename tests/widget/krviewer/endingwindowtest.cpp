@@ -139,7 +139,7 @@ TEST(EndingWindow, FilesThatDoNotGetOn_NeedNotBeWaitedFor) {
 
   EXPECT_FALSE(wasOfferedAtOnce);
   EXPECT_EQ(text, "It is written.\nIts disk has taken nothing for 10 s and may not answer any more. You need not wait "
-                  "for it: what is not written yet is lost then.\nSo is that.");
+                  "for it: what is not written yet is lost then.\n\nSo is that.");
   EXPECT_EQ(hanging.left, 1);
   EXPECT_EQ(busy.left, 0);
 }
