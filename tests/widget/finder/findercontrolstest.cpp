@@ -178,8 +178,10 @@ TEST_F(DeviceFinderTest, SmallerWindow_TakesFromTheTreeAndKeepsListsAndButtonsWh
   for (const ControlRow& row : kControls)
     EXPECT_TRUE(client.contains(mFinder.GetControl(row.id)->geometry())) << row.id;
   EXPECT_LT(mFinder.GetTree().geometry().right(), mFinder.GetInterfaceList().geometry().left());
-  EXPECT_LT(mFinder.GetControl(kFinderDiagnoseID)->geometry().right(),
-            mFinder.GetControl(kFinderOKID)->geometry().left());
+  const QRect diagnose = mFinder.GetControl(kFinderDiagnoseID)->geometry();
+  EXPECT_LT(mFinder.GetControl(kFinderUnreachableID)->geometry().right(), diagnose.left());
+  EXPECT_LT(mFinder.GetInterfaceList().geometry().bottom(), diagnose.top());
+  EXPECT_LT(diagnose.bottom(), mFinder.GetControl(kFinderOKID)->geometry().top());
 }
 
 TEST_F(DeviceFinderTest, Discovery_IsGivenASecondAndStaysWithinTheSubnet) {
