@@ -133,7 +133,10 @@ void CameraRelay::RelayControl() {
         ::recvfrom(mFront, buffer.data(), buffer.size(), 0, reinterpret_cast<sockaddr*>(&host), &hostSize);
     if (size < static_cast<ssize_t>(kHeaderSize))
       continue;
-    const Datagram answer = Answer(std::span(buffer).first(static_cast<std::size_t>(size)));
+    const auto command = std::span<const std::uint8_t>(buffer).first(static_cast<std::size_t>(size));
+    if (mOrders.isUnheard && mOrders.isUnheard(Read16(command, 2)))
+      continue;
+    const Datagram answer = Answer(command);
     if (mOrders.getAnswerDelay && ::poll(&waits[1], 1, static_cast<int>(mOrders.getAnswerDelay().count())) != 0)
       return;
     if (!answer.empty())
@@ -239,6 +242,7 @@ void CameraRelay::SendToHost(std::span<const std::uint8_t> aPacket) const {
 void CameraRelay::RelayStream() {
   std::array<pollfd, 2> waits = {pollfd{mStream, POLLIN, 0}, pollfd{mStopPipe[0], POLLIN, 0}};
   std::vector<std::uint8_t> buffer(1 << 16);
+  Datagram overtaken;
   while (::poll(waits.data(), waits.size(), -1) > 0 && waits[1].revents == 0) {
     const auto size = ::recv(mStream, buffer.data(), buffer.size(), 0);
     const auto datagram = std::span<const std::uint8_t>(buffer).first(size > 0 ? static_cast<std::size_t>(size) : 0);
@@ -256,6 +260,14 @@ void CameraRelay::RelayStream() {
       mLate[{Read16(datagram, 2), packet->number}].assign(datagram.begin(), datagram.end());
       continue;
     }
+    if (overtaken.empty() && mOrders.isOvertaken && mOrders.isOvertaken(*packet)) {
+      overtaken.assign(datagram.begin(), datagram.end());
+      continue;
+    }
     SendToHost(datagram);
+    if (mOrders.isDoubled && mOrders.isDoubled(*packet))
+      SendToHost(datagram);
+    if (!overtaken.empty())
+      SendToHost(std::exchange(overtaken, {}));
   }
 }

@@ -33,6 +33,12 @@ struct RelayOrders {
   std::function<bool(const StreamPacket&)> isLost;
   /// Whether a stream packet is kept back until the host asks for it again. On the relay's thread.
   std::function<bool(const StreamPacket&)> isLate;
+  /// Whether a stream packet comes twice. On the relay's thread.
+  std::function<bool(const StreamPacket&)> isDoubled;
+  /// Whether a stream packet is overtaken by the one after it. On the relay's thread.
+  std::function<bool(const StreamPacket&)> isOvertaken;
+  /// Whether a command of the control protocol, by its number there, is lost on its way. On the relay's thread.
+  std::function<bool(std::uint16_t)> isUnheard;
   /// The largest packet for trial that the device sends and the way lets through; 0 for a device that knows none.
   std::uint32_t largestTrial = 0;
   /// Registers that cannot be written: the device answers that they are protected.

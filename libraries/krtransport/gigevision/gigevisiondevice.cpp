@@ -58,6 +58,11 @@ GigEVisionDevice::GigEVisionDevice(GObjectPointer<ArvDevice> aDevice, const Link
 GigEVisionDevice::~GigEVisionDevice() = default;
 
 KrResult GigEVisionDevice::TakeControl() {
+  // Control is not had either when the device falls silent just then, which is nobody else's doing.
+  if (!HoldsControl() && !Answers())
+    return {KrResult::Code::TimeLimitExceeded,
+            "The device at " + krsystem::FormatIPv4(mTarget.deviceAddress).ToUtf8() +
+                " stopped answering while it was opened. Check its cable and power."};
   if (!HoldsControl())
     return {KrResult::Code::AccessDenied,
             "The device did not give control: another application has it. Close it there first."};

@@ -1,0 +1,315 @@
+// A camera's serial port, a bridge on it and a Camera Link camera behind it, through faults of the device, of the line
+// and of the host's port, at each step.
+//
+// Beside the cases here, programs at a bridge that stop or are killed are in serial/bridgefaultstest, Camera Link
+// programs in cameralink/cameralinkhostiletest, CL Protocol drivers that hang or crash in lab/camerabridgeclfaultstest,
+// and whole sessions over lines with random faults in lab/camerabridgefaultstest.
+
+#include "faultlab.h"
+
+#include "bridgehost.h"
+#include "krcamerabridge/krcamerabridge.h"
+#include "krdevice/krdeviceadapter.h"
+#include "krgenicam/krgeninteger.h"
+#include "krpersistence/krconfigurationwriter.h"
+#include "krserial/krdeviceserialport.h"
+#include "krserial/krserialbridge.h"
+#include "seriallinefixture.h"
+#include "temporaryfolder.h"
+#include "testclocks.h"
+
+#include <atomic>
+
+namespace krtest {
+
+namespace {
+
+const std::string kQuestion = "*IDN?\r";
+constexpr const char* kAnswerBegin = "Simulated Instrument,";
+
+/// What goes wrong with the bytes of a line, once.
+enum class LineFault { Loses, Repeats, Corrupts };
+
+struct LineFaultRow {
+  const char* name;
+  LineFault fault;
+  KrSerialDirection direction;
+};
+
+constexpr LineFaultRow kLineFaults[] = {
+    {"LosesASentByte", LineFault::Loses, KrSerialDirection::Sent},
+    {"LosesAReceivedByte", LineFault::Loses, KrSerialDirection::Received},
+    {"RepeatsASentByte", LineFault::Repeats, KrSerialDirection::Sent},
+    {"RepeatsAReceivedByte", LineFault::Repeats, KrSerialDirection::Received},
+    {"ChangesASentByte", LineFault::Corrupts, KrSerialDirection::Sent},
+    {"ChangesAReceivedByte", LineFault::Corrupts, KrSerialDirection::Received},
+};
+
+class FaultyLine : public FaultLab {
+protected:
+  explicit FaultyLine(const krtransport::Lab& aLab = krtransport::GetBuiltInLab())
+      : FaultLab(std::make_shared<JumpingClock>(), aLab) {}
+
+  StepFault MakeLineFault(const LineFaultRow& aRow, std::uint32_t aPort) {
+    return {.cause = [this, aRow, aPort] {
+      KrSimulatedFaults& faults = GetFaults();
+      const KrResult ordered = aRow.fault == LineFault::Loses ? faults.LoseNextSerialBytes(aPort, aRow.direction, 1)
+                               : aRow.fault == LineFault::Repeats
+                                   ? faults.RepeatNextSerialBytes(aPort, aRow.direction, 1)
+                                   : faults.CorruptNextSerialBytes(aPort, aRow.direction, 1);
+      EXPECT_TRUE(ordered.IsOK()) << ordered.GetDescription().CStr();
+    }};
+  }
+
+  /// A line goes on when the registers are silent.
+  void TryLineAtEachStep(DeviceFault aFault, const Use& aUse, std::uint64_t aMostSteps = 48) {
+    const bool isGone = aFault == DeviceFault::Vanishes || aFault == DeviceFault::LosesPower;
+    TryAtEachStep(MakeFault(aFault), aUse, aMostSteps, isGone);
+  }
+  KrResult Talk();
+  KrResult Bridge();
+  KrResult AwaitAnswer(KrSerialBridge& aBridge);
+  void RemovePortWhereWanted();
+
+  BridgeHost mHost;
+  bool mHasPort = false;
+  std::atomic<bool> mIsPortToGo = false;
+};
+
+// A line of a port; the question is asked again where its bytes, or the answer's, were hurt.
+KrResult ReadLine(KrDeviceSerialPort& aPort, std::string& aLine) {
+  constexpr std::uint32_t kPatienceMs = 100;
+  KrResult result;
+  while (result.IsOK() && !aLine.ends_with("\r\n")) {
+    std::uint8_t byte = 0;
+    std::uint32_t read = 0;
+    result = aPort.Read(&byte, 1, read, kPatienceMs);
+    if (result.IsOK())
+      aLine.push_back(static_cast<char>(byte));
+  }
+  return result;
+}
+
+KrResult Ask(KrDeviceSerialPort& aPort) {
+  std::string line;
+  std::uint32_t written = 0;
+  KrResult result;
+  const bool isAnswered = AwaitTrue([&] {
+    result = aPort.Write(reinterpret_cast<const std::uint8_t*>(kQuestion.data()),
+                         static_cast<std::uint32_t>(kQuestion.size()), written);
+    line.clear();
+    while (result.IsOK() && !line.starts_with(kAnswerBegin)) {
+      line.clear();
+      result = ReadLine(aPort, line);
+    }
+    return result != KrResult::Code::TimeLimitExceeded;
+  });
+  EXPECT_TRUE(isAnswered);
+  return result;
+}
+
+// What a terminal's session does.
+KrResult FaultyLine::Talk() {
+  std::unique_ptr<KrDevice> device;
+  KrResult result = Open(device);
+  if (!result.IsOK())
+    return result;
+  KrDeviceAdapter adapter(*device);
+  KrDeviceSerialPort port;
+  result = port.Open(&adapter, KrDeviceSerial::Serial0);
+  for (int count = 0; result.IsOK() && count < 3; ++count)
+    result = Ask(port);
+  mSteps.NoteUsed();
+  EXPECT_TRUE(port.Close().IsOK());
+  return result;
+}
+
+void FaultyLine::RemovePortWhereWanted() {
+  if (!mIsPortToGo || !mHasPort)
+    return;
+  mHost.RemovePort(3);
+  mHasPort = false;
+}
+
+// Sends from the host until the instrument's answer is there, or the bridge tells what it waits for.
+KrResult FaultyLine::AwaitAnswer(KrSerialBridge& aBridge) {
+  std::string received;
+  KrString trouble;
+  std::uint64_t asked = 0;
+  const bool isOver = AwaitTrue([&] {
+    RemovePortWhereWanted();
+    trouble = aBridge.GetStateText();
+    if (!trouble.IsEmpty() || !mHasPort)
+      return !trouble.IsEmpty();
+    // Asked again when a fault has come and all of the last question has gone: what was hurt of it is not answered.
+    if (asked == 0 || (mSteps.HasFailed() && aBridge.GetBytesSentToDevice() >= asked)) {
+      mHost.Send(3, kQuestion);
+      asked += kQuestion.size();
+    }
+    received += mHost.Receive(3);
+    return received.find(kAnswerBegin) != std::string::npos;
+  });
+  EXPECT_TRUE(isOver);
+  return trouble.IsEmpty() ? KrResult() : KrResult(KrResult::Code::ConnectionLost, trouble);
+}
+
+KrResult FaultyLine::Bridge() {
+  if (!mHasPort)
+    mHost.AddPort(3);
+  mHasPort = true;
+  std::unique_ptr<KrDevice> device;
+  KrResult result = Open(device);
+  if (!result.IsOK())
+    return result;
+  KrDeviceAdapter adapter(*device);
+  KrSerialBridge bridge;
+  KrSerialPortConfiguration configuration;
+  configuration.baudRate = 115200;
+  result = bridge.Start("COM3", configuration, &adapter, KrDeviceSerial::Serial0);
+  if (result.IsOK())
+    result = AwaitAnswer(bridge);
+  mSteps.NoteUsed();
+  bridge.Stop();
+  EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::Stopped);
+  return result;
+}
+
+class FaultyLineOfADevice : public FaultyLine, public testing::WithParamInterface<DeviceFaultRow> {};
+class LineWithFaults : public FaultyLine, public testing::WithParamInterface<LineFaultRow> {};
+
+} // namespace
+
+TEST_P(FaultyLineOfADevice, InATerminalsSession_IsSaidAndTheNextSessionTalks) {
+  TryLineAtEachStep(GetParam().fault, [this] { return Talk(); });
+}
+
+TEST_P(FaultyLineOfADevice, UnderABridge_IsSaidAndTheNextBridgeTalks) {
+  TryLineAtEachStep(GetParam().fault, [this] { return Bridge(); });
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, FaultyLineOfADevice, testing::ValuesIn(kDeviceFaults), NameRow<DeviceFaultRow>);
+
+TEST_P(LineWithFaults, InATerminalsSession_HurtsOneLineAlone) {
+  TryAtEachStep(
+      MakeLineFault(GetParam(), 0), [this] { return Talk(); }, 16);
+}
+
+TEST_P(LineWithFaults, UnderABridge_HurtsOneLineAlone) {
+  TryAtEachStep(MakeLineFault(GetParam(), 0), [this] { return Bridge(); });
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, LineWithFaults, testing::ValuesIn(kLineFaults), NameRow<LineFaultRow>);
+
+TEST_F(FaultyLine, HostsPortThatGoesUnderABridge_IsSaidAndTheNextBridgeTalks) {
+  const StepFault fault = {.cause = [this] { mIsPortToGo = true; }};
+
+  TryAtEachStep(fault, [this] {
+    const KrResult result = Bridge();
+    mIsPortToGo = false;
+    return result;
+  });
+}
+
+namespace {
+
+/// A frame grabber with cameras that have one speed, so that none has to be looked for at others.
+krtransport::Lab MakeFaultyGrabberLab() {
+  const std::string keys = "vendor: Maker, model: C, serial: \"1\", rates: [9600], protocol: ";
+  return MakeSerialLab("{port: Serial0, behind: camera, camera: {" + keys +
+                           "GenCP}}, "
+                           "{port: Serial1, behind: camera, camera: {" +
+                           keys + "text, checkedAnswers: true}}",
+                       ", frameGrabber: {sources: 2}");
+}
+
+/// Its cameras.
+class FaultyGrabber : public FaultyLine {
+protected:
+  FaultyGrabber() : FaultyLine(MakeFaultyGrabberLab()) {
+    // The file of the camera whose answers have checksums as well.
+    std::string text = TemporaryFolder::ReadFile(KR_CAMERA_FILES "/simulated-camera.yml");
+    const std::string plain = "answerEnd: \"\\r\"";
+    const std::size_t place = text.find(plain);
+    EXPECT_NE(place, std::string::npos);
+    TemporaryFolder::WriteFile(mFile, text.replace(place, plain.size(), "answerEnd: \"*{check}\\r\""));
+  }
+
+  /// Connects, sets the camera, saves it, and disconnects.
+  KrResult UseCamera(KrDeviceSerial aPort, const std::function<KrResult(KrCameraBridge&)>& aConnect) {
+    std::unique_ptr<KrDevice> device;
+    KrResult result = Open(device);
+    if (!result.IsOK())
+      return result;
+    KrCameraBridge bridge(device.get(), aPort, nullptr);
+    result = aConnect(bridge);
+    if (result.IsOK())
+      result = SetAndSave(bridge);
+    mSteps.NoteUsed();
+    bridge.Disconnect();
+    EXPECT_FALSE(bridge.IsConnected());
+    return result;
+  }
+  KrResult UseGenCP() {
+    return UseCamera(KrDeviceSerial::Serial0, [](KrCameraBridge& aBridge) {
+      KrStringList ids;
+      KrResult result = aBridge.GetGenCPXMLIDs(ids);
+      return result.IsOK() ? aBridge.ConnectGenCP(ids[0]) : result;
+    });
+  }
+  KrResult UseCameraFile() {
+    return UseCamera(KrDeviceSerial::Serial1,
+                     [this](KrCameraBridge& aBridge) { return aBridge.ConnectTolvanCameraFile(mFile); });
+  }
+
+private:
+  static KrResult SetAndSave(KrCameraBridge& aBridge) {
+    KrGenInteger* const width = aBridge.GetParameters()->GetInteger("Width");
+    KrResult result = width ? width->SetValue(256) : KrResult(KrResult::Code::NotFound, "There is no Width.");
+    std::int64_t value = 0;
+    if (result.IsOK())
+      result = width->GetValue(value);
+    if (result.IsOK()) {
+      EXPECT_EQ(value, 256);
+    }
+    KrConfigurationWriter writer;
+    return result.IsOK() ? aBridge.Save("Camera", writer) : result;
+  }
+
+  const TemporaryFolder mFolder;
+  const std::string mFile = mFolder.GetFile("camera.yml");
+};
+
+class FaultyGrabberDevice : public FaultyGrabber, public testing::WithParamInterface<DeviceFaultRow> {};
+class GrabberLineWithFaults : public FaultyGrabber, public testing::WithParamInterface<LineFaultRow> {};
+
+// Of some hundreds. What is hurt on the line takes its time limits.
+constexpr std::uint64_t kCameraSteps = 12;
+constexpr std::uint64_t kCameraLineSteps = 3;
+
+} // namespace
+
+TEST_P(FaultyGrabberDevice, UnderAGenCPCamera_IsSaidAndTheCameraIsUsedAfterwards) {
+  TryLineAtEachStep(
+      GetParam().fault, [this] { return UseGenCP(); }, kCameraSteps);
+}
+
+TEST_P(FaultyGrabberDevice, UnderACameraOfAFile_IsSaidAndTheCameraIsUsedAfterwards) {
+  TryLineAtEachStep(
+      GetParam().fault, [this] { return UseCameraFile(); }, kCameraSteps);
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, FaultyGrabberDevice, testing::ValuesIn(kDeviceFaults), NameRow<DeviceFaultRow>);
+
+TEST_P(GrabberLineWithFaults, UnderAGenCPCamera_IsMadeUpForOrSaid) {
+  TryAtEachStep(
+      MakeLineFault(GetParam(), 0), [this] { return UseGenCP(); }, kCameraLineSteps);
+}
+
+TEST_P(GrabberLineWithFaults, UnderACameraOfAFile_IsMadeUpForOrSaid) {
+  TryAtEachStep(
+      MakeLineFault(GetParam(), 1), [this] { return UseCameraFile(); }, kCameraLineSteps);
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, GrabberLineWithFaults, testing::ValuesIn(kLineFaults), NameRow<LineFaultRow>);
+
+} // namespace krtest

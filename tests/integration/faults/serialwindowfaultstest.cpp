@@ -1,0 +1,143 @@
+// The serial terminal, the serial bridge manager and the camera bridge manager, closed at each step of what they do
+// with a device, and on a device that fails at each step.
+//
+// Beside the cases here, endings at message boxes and dialogs are in widget/serial/terminalendingtest and
+// bridgeendingtest and widget/camerabridge/cameraendingtest and camerawaitsendtest.
+
+#include "windowcase.h"
+
+#include "browser/propertiesgrid.h"
+#include "camerabridge/camerabridgeids.h"
+#include "krcamerabridge/krcamerabridge.h"
+#include "krdevice/krdeviceadapter.h"
+#include "krgui/krcamerabridgemanagerwnd.h"
+#include "krgui/krserialbridgemanagerwnd.h"
+#include "krgui/krserialterminalwnd.h"
+#include "serial/rollingedit.h"
+#include "serial/serialbridgeids.h"
+#include "serial/terminalids.h"
+#include "temporaryfolder.h"
+
+namespace krtest {
+
+namespace {
+
+class FaultyTerminal : public WindowCase<KrSerialTerminalWnd> {
+protected:
+  std::u16string GetTranscript() const {
+    const auto* const transcript = IsOpen() ? mWindow->GetWidget()->findChild<krgui::RollingEdit*>() : nullptr;
+    return transcript ? std::u16string(transcript->GetText()) : std::u16string();
+  }
+  // The line below the transcript tells of it.
+  std::string FindTrouble() const override {
+    const std::string status = GetLabel(krgui::terminalid::kStatus);
+    return status == "Open" ? std::string() : status;
+  }
+  // Sends a question and a file to the instrument.
+  void Converse() {
+    namespace id = krgui::terminalid;
+    if (!Click(id::kClear))
+      return;
+    Find<QLineEdit>(id::kData)->setText(QStringLiteral("*IDN?"));
+    if (!Find<QAbstractButton>(id::kCR)->isChecked())
+      Click(id::kCR);
+    if (!Click(id::kSend))
+      return;
+    mIsDone = Await([this] {
+      AskAgain();
+      return GetTranscript().find(u"Simulated Instrument,") != std::u16string::npos;
+    });
+    // A file takes a second, so that not each fault is tried with one.
+    const bool isFileSent = GetParam().closesWindow || GetParam().fault == DeviceFault::Vanishes;
+    if (!mIsDone || !isFileSent)
+      return;
+    Find<QLineEdit>(id::kFile)->setText(QString::fromStdString(mFile));
+    mIsDone = Click(id::kSendFile) &&
+              Await([this] { return Find<QAbstractButton>(krgui::terminalid::kSendFile)->isEnabled(); });
+  }
+  // A message that the line refused is not answered, and the user sends it again.
+  void AskAgain() {
+    if (mSteps.HasFailed() && !std::exchange(mIsAskedAgain, true))
+      Find<QAbstractButton>(krgui::terminalid::kSend)->click();
+  }
+  KrResult UseTerminal(KrDevice& aDevice) {
+    mIsDone = false;
+    mIsAskedAgain = false;
+    KrDeviceAdapter adapter(aDevice);
+    KrResult result = mWindow->SetDevice(&adapter);
+    if (result.IsOK())
+      result = mWindow->ShowModeless(0);
+    if (result.IsOK()) {
+      Converse();
+      result = GetOutcome();
+      EXPECT_TRUE(mIsDone || !result.IsOK()) << "nothing was said; " << mSteps.Describe();
+    }
+    if (IsOpen()) {
+      EXPECT_TRUE(mWindow->Close().IsOK());
+    }
+    (void)mWindow->SetDevice(nullptr);
+    return result;
+  }
+
+private:
+  const TemporaryFolder mFolder;
+  const std::string mFile = [this] {
+    TemporaryFolder::WriteFile(mFolder.GetFile("commands"), "HELP\rVALUE?\r");
+    return mFolder.GetFile("commands");
+  }();
+  bool mIsDone = false;
+  bool mIsAskedAgain = false;
+};
+
+class FaultyCameraBridges : public WindowCase<KrCameraBridgeManagerWnd> {
+protected:
+  FaultyCameraBridges() : WindowCase(kFaultGrabber) {}
+
+  bool HasParameters() const {
+    const auto* const grid = IsOpen() ? mWindow->GetWidget()->findChild<krgui::PropertiesGrid*>() : nullptr;
+    return grid && grid->model()->rowCount() > 0;
+  }
+  // Connects the camera behind the first port, and looks at its parameters.
+  void Connect() {
+    namespace id = krgui::cameraid;
+    if (!Await([this] { return Find<QAbstractButton>(krgui::cameraid::kGenCP)->isEnabled(); }) || !Click(id::kGenCP))
+      return;
+    const auto* const ids = Find<QComboBox>(id::kGenCPXML);
+    if (ids->count() > 0 && Click(id::kGenCPConnect))
+      mIsConnected = HasParameters();
+  }
+  KrResult UseBridges(KrDevice& aDevice) {
+    mIsConnected = false;
+    KrResult result = mWindow->SetDevice(&aDevice);
+    if (result.IsOK())
+      result = mWindow->ShowModeless(0);
+    if (result.IsOK()) {
+      Connect();
+      result = GetOutcome();
+    }
+    EXPECT_TRUE(mIsConnected || !result.IsOK()) << "nothing was said; " << mSteps.Describe();
+    if (IsOpen()) {
+      EXPECT_TRUE(mWindow->Close().IsOK());
+    }
+    EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK());
+    return result;
+  }
+
+  bool mIsConnected = false;
+};
+
+} // namespace
+
+TEST_P(FaultyTerminal, AtEachStep_EndsOrSaysSoAndTalksAfterwards) {
+  TryWindowAtEachStep([this](KrDevice& aDevice) { return UseTerminal(aDevice); });
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, FaultyTerminal, testing::ValuesIn(kWindowFaults), NameRow<WindowFaultRow>);
+
+TEST_P(FaultyCameraBridges, AtEachStep_EndsOrSaysSoAndConnectsAfterwards) {
+  TryWindowAtEachStep([this](KrDevice& aDevice) { return UseBridges(aDevice); });
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, FaultyCameraBridges, testing::ValuesIn(kWindowFaults), NameRow<WindowFaultRow>);
+
+} // namespace krtest
