@@ -22,10 +22,9 @@
 
 namespace krtest {
 
-/// The cameras of the built-in lab that the cases use.
+/// The camera that the cases use; of the built-in lab where they bring none of their own.
 inline constexpr const char* kFaultCamera = "02:4b:52:00:77:10";
 inline constexpr const char* kFaultAddress = "192.168.77.10";
-inline constexpr const char* kFaultGrabber = "02:4b:52:00:78:12";
 
 /// What goes wrong with a device, at one step of its use.
 enum class DeviceFault {

@@ -8,13 +8,13 @@
 #include "faultlab.h"
 
 #include "bridgehost.h"
+#include "faultygrabber.h"
 #include "krcamerabridge/krcamerabridge.h"
 #include "krdevice/krdeviceadapter.h"
 #include "krgenicam/krgeninteger.h"
 #include "krpersistence/krconfigurationwriter.h"
 #include "krserial/krdeviceserialport.h"
 #include "krserial/krserialbridge.h"
-#include "seriallinefixture.h"
 #include "temporaryfolder.h"
 #include "testclocks.h"
 
@@ -212,17 +212,7 @@ TEST_F(FaultyLine, HostsPortThatGoesUnderABridge_IsSaidAndTheNextBridgeTalks) {
 
 namespace {
 
-/// A frame grabber with cameras that have one speed, so that none has to be looked for at others.
-krtransport::Lab MakeFaultyGrabberLab() {
-  const std::string keys = "vendor: Maker, model: C, serial: \"1\", rates: [9600], protocol: ";
-  return MakeSerialLab("{port: Serial0, behind: camera, camera: {" + keys +
-                           "GenCP}}, "
-                           "{port: Serial1, behind: camera, camera: {" +
-                           keys + "text, checkedAnswers: true}}",
-                       ", frameGrabber: {sources: 2}");
-}
-
-/// Its cameras.
+/// The cameras behind a frame grabber.
 class FaultyGrabber : public FaultyLine {
 protected:
   FaultyGrabber() : FaultyLine(MakeFaultyGrabberLab()) {

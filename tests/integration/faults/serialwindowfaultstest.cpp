@@ -1,20 +1,20 @@
-// The serial terminal, the serial bridge manager and the camera bridge manager, closed at each step of what they do
-// with a device, and on a device that fails at each step.
+// The serial terminal and the camera bridge manager, closed at each step of what they do with a device, and on a device
+// that fails at each step.
 //
 // Beside the cases here, endings at message boxes and dialogs are in widget/serial/terminalendingtest and
-// bridgeendingtest and widget/camerabridge/cameraendingtest and camerawaitsendtest.
+// widget/camerabridge/cameraendingtest and camerawaitsendtest, all of the serial bridge manager's in
+// widget/serial/bridgeendingtest.
 
 #include "windowcase.h"
 
 #include "browser/propertiesgrid.h"
 #include "camerabridge/camerabridgeids.h"
+#include "faultygrabber.h"
 #include "krcamerabridge/krcamerabridge.h"
 #include "krdevice/krdeviceadapter.h"
 #include "krgui/krcamerabridgemanagerwnd.h"
-#include "krgui/krserialbridgemanagerwnd.h"
 #include "krgui/krserialterminalwnd.h"
 #include "serial/rollingedit.h"
-#include "serial/serialbridgeids.h"
 #include "serial/terminalids.h"
 #include "temporaryfolder.h"
 
@@ -91,7 +91,7 @@ private:
 
 class FaultyCameraBridges : public WindowCase<KrCameraBridgeManagerWnd> {
 protected:
-  FaultyCameraBridges() : WindowCase(kFaultGrabber) {}
+  FaultyCameraBridges() : WindowCase(MakeFaultyGrabberLab()) {}
 
   bool HasParameters() const {
     const auto* const grid = IsOpen() ? mWindow->GetWidget()->findChild<krgui::PropertiesGrid*>() : nullptr;

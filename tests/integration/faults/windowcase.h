@@ -38,8 +38,8 @@ inline constexpr WindowFaultRow kWindowFaults[] = {
 template <typename Window>
 class WindowCase : public FaultLab, public testing::WithParamInterface<WindowFaultRow> {
 protected:
-  explicit WindowCase(const char* aCamera = kFaultCamera)
-      : FaultLab(std::make_shared<JumpingClock>(), krtransport::GetBuiltInLab(), aCamera) {
+  explicit WindowCase(const krtransport::Lab& aLab = krtransport::GetBuiltInLab())
+      : FaultLab(std::make_shared<JumpingClock>(), aLab) {
     QObject::connect(&mHand, &QTimer::timeout, &mHand, [this] { AnswerBox(); });
     mHand.start(1);
   }
