@@ -54,7 +54,7 @@ protected:
   // Opens, sets the height, streams, and waits for frames of that height, beyond a loss of the camera.
   KrResult Acquire() {
     HeightSink sink;
-    Acquisition acquisition(mWindow, *mInfo, {.sink = &sink});
+    Acquisition acquisition(mWindow, krviewer::BorrowCamera(*mInfo), {.sink = &sink});
     std::optional<KrResult> set;
     KrResult failure;
     int framesAtReturn = 0;

@@ -174,7 +174,8 @@ protected:
   const CaseLimit mLimit{[] { return std::string("recording"); }};
   KrDisplayWnd mWindow;
   krviewer::Recorder mRecorder;
-  krviewer::Acquisition mAcquisition{mWindow, *mInfo}; // Last, so that it ends before who hears of its frames.
+  krviewer::Acquisition mAcquisition{
+      mWindow, krviewer::BorrowCamera(*mInfo)}; // Last, so that it ends before who hears of its frames.
 };
 
 } // namespace
