@@ -41,7 +41,7 @@ constexpr std::array kDeviceFinderControls = {
     ControlTemplate{ControlClass::CheckBox, 1040, "Show unreachable Network Devices", {7, 324, 130, 10}, kMoveDown},
     // Beside what is shown: the row below has no room for it in the smallest window.
     ControlTemplate{
-        ControlClass::Button, 1139, "Why is my camera not here?", {378, 322, 150, 16}, kMoveRight | kMoveDown},
+        ControlClass::Button, 1139, "Why is my camera not here?", {380, 322, 148, 16}, kMoveRight | kMoveDown},
     ControlTemplate{ControlClass::Button, 1002, "Set IP Address...", {7, 342, 104, 16}, kMoveDown, false, true},
     ControlTemplate{ControlClass::Button, 1011, "Select from IP Address...", {115, 342, 104, 16}, kMoveDown},
     ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {425, 342, 50, 16}, kMoveRight | kMoveDown},

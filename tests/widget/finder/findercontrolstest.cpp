@@ -33,7 +33,7 @@ constexpr ControlRow kControls[] = {
     {1033, "", {307, 111, 221, 210}},
     {1040, "Show unreachable Network Devices", {7, 324, 130, 10}},
     {1011, "Select from IP Address...", {115, 342, 104, 16}},
-    {1139, "Why is my camera not here?", {378, 322, 150, 16}},
+    {1139, "Why is my camera not here?", {380, 322, 148, 16}},
 };
 
 QString GetText(const QWidget& aControl) {
