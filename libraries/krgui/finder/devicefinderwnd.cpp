@@ -9,10 +9,12 @@
 #include "frame/contextmenu.h"
 #include "krbase/krlogger.h"
 #include "krdevice/krdevicegev.h"
+#include "krsystem/ipv4address.h"
 #include "krsystem/transportregistry.h"
 #include "logic/finder/finderhint.h"
 #include "platform/applicationend.h"
 #include "platform/messagebox.h"
+#include "platform/toqstring.h"
 #include "platform/waitcursor.h"
 #include "res/menus.h"
 
@@ -326,7 +328,7 @@ void DeviceFinderWnd::SetIPAddress() {
 void DeviceFinderWnd::SelectFromIP() {
   const std::shared_ptr<FinderDiscovery> discovery = mDiscovery;
   const FinderDiscovery::FindHold hold(discovery);
-  SelectFromIPDlg dialog(GetWidget());
+  SelectFromIPDlg dialog(GetWidget(), mSilentAddress);
   if (dialog.Run() != ModalResult::OK || discovery->IsOver())
     return;
   const KrDeviceInfo* device = nullptr;
@@ -337,7 +339,12 @@ void DeviceFinderWnd::SelectFromIP() {
   }
   if (found.IsOK() && device)
     return Accept(*device);
-  (void)ShowMessage(GetWidget(), QStringLiteral("Could not contact device. "), kErrorCaption, MessageIcon::Exclamation);
+  // Most often one figure of it is wrong.
+  mSilentAddress = krsystem::ParseIPv4(dialog.GetAddress()).value_or(0);
+  (void)ShowMessage(GetWidget(),
+                    QStringLiteral("Could not contact device. ") +
+                        QStringLiteral("Nothing answers at %1.").arg(ToQString(dialog.GetAddress())),
+                    kErrorCaption, MessageIcon::Exclamation);
 }
 
 void DeviceFinderWnd::ShowUnreachable(bool aShow) {

@@ -86,7 +86,8 @@ private:
   FinderKinds mKinds;
   const KrDeviceInfo* mSelected = nullptr;
   bool mShowsUnreachable = false;
-  std::optional<View> mView; ///< From a rebuild to the next refresh.
+  std::uint32_t mSilentAddress = 0; ///< Where nobody answered the last time; offered again.
+  std::optional<View> mView;        ///< From a rebuild to the next refresh.
 
   // What follows is null while the window is not open.
   std::shared_ptr<FinderDiscovery> mDiscovery;

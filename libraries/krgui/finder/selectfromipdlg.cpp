@@ -12,12 +12,16 @@ constexpr int kAddressID = 1125;
 
 } // namespace
 
-SelectFromIPDlg::SelectFromIPDlg(QWidget* aOwner) : ModalDialog(kSelectFromIPTemplateID, aOwner) {}
+SelectFromIPDlg::SelectFromIPDlg(QWidget* aOwner, std::uint32_t aOffered)
+    : ModalDialog(kSelectFromIPTemplateID, aOwner), mOffered(aOffered) {}
 
 SelectFromIPDlg::~SelectFromIPDlg() = default;
 
 bool SelectFromIPDlg::OnInitDialog() {
-  GetControl<IPAddressControl>(kAddressID)->FocusField(0);
+  auto* const address = GetControl<IPAddressControl>(kAddressID);
+  if (mOffered != 0)
+    address->SetAddress(mOffered);
+  address->FocusField(0);
   return false;
 }
 

@@ -5,12 +5,15 @@
 #include "frame/modaldialog.h"
 #include "krbase/krstring.h"
 
+#include <cstdint>
+
 namespace krgui {
 
 /// The dialog "Select From IP Address".
 class SelectFromIPDlg final : public ModalDialog {
 public:
-  explicit SelectFromIPDlg(QWidget* aOwner);
+  /// aOffered, the first field in its most significant byte, is in the fields at first; 0 leaves them empty.
+  explicit SelectFromIPDlg(QWidget* aOwner, std::uint32_t aOffered = 0);
   ~SelectFromIPDlg() override;
 
   /// The address as "a.b.c.d", fields left empty as 0; empty until the dialog ended with OK.
@@ -20,6 +23,7 @@ private:
   bool OnInitDialog() override;
   void OnOK() override;
 
+  const std::uint32_t mOffered;
   KrString mAddress;
 };
 

@@ -169,10 +169,35 @@ TEST_F(DeviceAddressTest, SelectFromIP_WhereNobodyAnswersSaysSo) {
 
   Click(kFinderSelectFromIPID);
 
-  EXPECT_EQ(message, MakeErrorMessage("Could not contact device. "));
+  EXPECT_EQ(message, MakeErrorMessage("Could not contact device. Nothing answers at 10.1.2.4."));
   EXPECT_TRUE(mFinder.IsOpen());
   EXPECT_EQ(mFinder.GetSelected(), nullptr);
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(DeviceAddressTest, SelectFromIP_OffersTheAddressAgainWhereNobodyAnswered) {
+  mTransport->SetAtAddress(0x0A010203, 0, MakeFinderCamera("00:11:22:33:44:b1", "Far camera"));
+  Open({"Camera A"});
+  OnNextDialog([&](QWidget& aDialog) {
+    QTest::keyClicks(aDialog.focusWidget(), "10.1.2.4");
+    OnNextDialog([](QWidget& aBox) { aBox.close(); });
+    QTest::keyClick(&aDialog, Qt::Key_Return);
+  });
+  Click(kFinderSelectFromIPID);
+  ASSERT_TRUE(mFinder.IsOpen());
+
+  QStringList offered;
+  OnNextDialog([&](QWidget& aDialog) {
+    for (const auto* const field : aDialog.findChildren<QLineEdit*>())
+      offered += field->text();
+    QTest::keyClicks(aDialog.focusWidget(), "10.1.2.3");
+    QTest::keyClick(&aDialog, Qt::Key_Return);
+  });
+  Click(kFinderSelectFromIPID);
+
+  EXPECT_EQ(offered, (QStringList{"10", "1", "2", "4"}));
+  ASSERT_NE(mFinder.GetSelected(), nullptr);
+  EXPECT_EQ(mFinder.GetSelected()->GetDisplayID(), KrString("Far camera"));
 }
 
 TEST_F(DeviceAddressTest, SelectFromIPCancelled_AsksNobody) {

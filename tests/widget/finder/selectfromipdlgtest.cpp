@@ -53,6 +53,22 @@ INSTANTIATE_TEST_SUITE_P(
                     SelectCase{"Cancelled", "192.168.1.20", Qt::Key_Escape, ModalResult::Cancel, ""}),
     [](const auto& aInfo) { return aInfo.param.name; });
 
+TEST(SelectFromIPDlg, OfferedAddress_IsTheAnswerUnlessAnotherIsTyped) {
+  QWidget owner;
+  owner.show();
+  for (const auto& [keys, address] : {std::pair{"", "10.1.2.3"}, {"192", "192.1.2.3"}}) {
+    SelectFromIPDlg dialog(&owner, 0x0A010203);
+    DuringNextModalLoop([keys = keys](QWidget&) {
+      Type(keys);
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    });
+
+    EXPECT_EQ(dialog.Run(), ModalResult::OK);
+
+    EXPECT_EQ(dialog.GetAddress(), address);
+  }
+}
+
 TEST(SelectFromIPDlg, OwnerDies_GivesNoAddress) {
   auto owner = std::make_unique<QWidget>();
   owner->show();
