@@ -1,6 +1,7 @@
 #include "panels/figurebar.h"
 
 #include "panels/graphcolours.h"
+#include "window/showntext.h"
 
 #include <QEvent>
 #include <QFontMetrics>
@@ -33,7 +34,7 @@ FigureBar::FigureBar(QWidget* aParent) : QWidget(aParent) {
     const QString meaning = QString::fromStdString(FigureTexts::GetMeaning(kind));
     mLabels[i] = new QLabel(this);
     mLabels[i]->setTextFormat(Qt::PlainText);
-    mLabels[i]->setToolTip(meaning);
+    mLabels[i]->setToolTip(ToToolTip(meaning));
     mLabels[i]->setAccessibleDescription(meaning);
     mLabels[i]->setVisible(false);
   }
@@ -41,13 +42,10 @@ FigureBar::FigureBar(QWidget* aParent) : QWidget(aParent) {
 }
 
 void FigureBar::KeepRoom() {
-  const QFontMetrics metrics(MakeLossFont(font()));
-  for (std::size_t i = 0; i < kFigures; ++i) {
-    const auto kind = static_cast<FigureKind>(i);
-    const bool mayBeLoss = kind >= FigureKind::Incomplete && kind <= FigureKind::Discarded;
-    const QString usual = QString::fromStdString(FigureTexts::GetUsual(kind));
-    mPlaces[i].width = metrics.horizontalAdvance(mayBeLoss ? kLossMark + usual : usual);
-  }
+  const QFontMetrics metrics(font());
+  for (std::size_t i = 0; i < kFigures; ++i)
+    mPlaces[i].width =
+        metrics.horizontalAdvance(QString::fromStdString(FigureTexts::GetUsual(static_cast<FigureKind>(i))));
   // The device may have no temperature.
   mPlaces[static_cast<std::size_t>(FigureKind::Temperature)].width = 0;
 }

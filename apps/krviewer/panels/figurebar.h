@@ -1,6 +1,6 @@
 #pragma once
-// The figures of a camera's page in the status bar: they stand still while numbers change, what was lost stands out,
-// and where there is no room the least important ones are left out. What they say is up to FigureTexts.
+// The figures of a camera's page in the status bar: they stand still while numbers change, but for the first loss of a
+// kind, which stands out; where there is no room the least important ones are left out. What they say is up to FigureTexts.
 
 #include "panels/figuretexts.h"
 

@@ -18,21 +18,21 @@ struct FigureWords {
 };
 
 constexpr std::array<FigureWords, kFigures> kWords = {{
-    {FigureKind::Pixel, "x 0000  y 0000   raw R 000 G 000 B 000   shown 000 000 000",
+    {FigureKind::Pixel, "x 0000  y 0000   raw R 0000   shown 000 000 000",
      "The pixel under the mouse: its column and line, what the sensor sent and what the screen shows of it."},
     {FigureKind::FrameRate, "000.0 frames/s", "Frames that arrive in a second."},
     {FigureKind::DataRate, "0000.0 MB/s", "Millions of bytes of frames that arrive in a second."},
     {FigureKind::Frames, "0000000 frames", "Frames that have arrived, whole or not."},
-    {FigureKind::Incomplete, "incomplete 0000",
+    {FigureKind::Incomplete, "incomplete 00",
      "Frames of which a part was lost. Larger packets on all parts of the way, a lower frame rate or another cable may "
      "help."},
-    {FigureKind::MissingFrames, "missing frames 0000",
+    {FigureKind::MissingFrames, "missing frames 00",
      "Frames of which nothing arrived, as the numbers of the others show."},
-    {FigureKind::MissingPackets, "missing packets 0000",
+    {FigureKind::MissingPackets, "missing packets 00",
      "Packets that did not arrive in time. Larger socket buffers, a packet delay or a lower frame rate may help."},
-    {FigureKind::ResentPackets, "resent 0000",
+    {FigureKind::ResentPackets, "resent 000",
      "Packets that were lost at first and arrived when they were asked for again: nothing is lost by them."},
-    {FigureKind::Discarded, "discarded 0000",
+    {FigureKind::Discarded, "discarded 00",
      "Frames that were dropped on this computer, as no buffer was free: it is too busy for the camera."},
     {FigureKind::Temperature, "00.0 °C", "The temperature that the device says it has."},
 }};
@@ -45,7 +45,18 @@ constexpr bool StandInOrder() {
 }
 static_assert(StandInOrder());
 
-enum Rank { kRateRank, kLossRank, kPixelRank, kDataRank, kFramesRank, kTemperatureRank, kNoLossRank, kResentRank };
+/// Of those that tell of no loss, in the order in which they stay.
+enum Rank {
+  kRateRank,
+  kLossRank,
+  kPixelRank,
+  kDataRank,
+  kTemperatureRank,
+  kNoLossRank,
+  kResentRank,
+  kFramesRank,
+  kNothingDiscardedRank
+};
 
 } // namespace
 
@@ -58,7 +69,7 @@ FigureTexts::FigureTexts(const ShownFigures& aFigures) {
   SetLoss(FigureKind::Incomplete, "incomplete ", statistics.incomplete, kNoLossRank);
   SetLoss(FigureKind::MissingFrames, "missing frames ", statistics.missingFrames, kNoLossRank);
   SetLoss(FigureKind::MissingPackets, "missing packets ", statistics.missingPackets, kNoLossRank);
-  SetLoss(FigureKind::Discarded, "discarded ", statistics.discarded, kNoLossRank);
+  SetLoss(FigureKind::Discarded, "discarded ", statistics.discarded, kNothingDiscardedRank);
   At(FigureKind::ResentPackets) = {"resent " + std::to_string(statistics.resentPackets), false, kResentRank};
   if (aFigures.temperatureC)
     At(FigureKind::Temperature) = {krapps::FormatFixed(*aFigures.temperatureC, 1) + " °C", false, kTemperatureRank};

@@ -60,7 +60,20 @@ TEST(FigureTexts, WithoutLosses_NothingStandsOut) {
 
   for (std::size_t i = 0; i < kFigures; ++i)
     EXPECT_FALSE(texts.Get(static_cast<FigureKind>(i)).isLoss);
-  EXPECT_GT(texts.Get(FigureKind::Incomplete).rank, texts.Get(FigureKind::Frames).rank);
+}
+
+TEST(FigureTexts, WithoutLosses_FiguresGoInTheOrderOfTheirUse) {
+  const FigureTexts texts({.temperatureC = 45.25});
+
+  // The frames are counted in other places, too, and what a busy computer drops stands out as soon as it does.
+  constexpr FigureKind kOrder[] = {FigureKind::FrameRate,      FigureKind::Pixel,         FigureKind::DataRate,
+                                   FigureKind::Temperature,    FigureKind::Incomplete,    FigureKind::MissingFrames,
+                                   FigureKind::MissingPackets, FigureKind::ResentPackets, FigureKind::Frames,
+                                   FigureKind::Discarded};
+  for (std::size_t i = 1; i < std::size(kOrder); ++i)
+    EXPECT_LE(texts.Get(kOrder[i - 1]).rank, texts.Get(kOrder[i]).rank) << i;
+  EXPECT_LT(texts.Get(FigureKind::Temperature).rank, texts.Get(FigureKind::Incomplete).rank);
+  EXPECT_LT(texts.Get(FigureKind::ResentPackets).rank, texts.Get(FigureKind::Frames).rank);
 }
 
 TEST(FigureTexts, EveryFigure_HasAMeaningOfItsOwn) {

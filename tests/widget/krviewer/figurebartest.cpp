@@ -3,6 +3,7 @@
 #include "contrast.h"
 #include "darkpalette.h"
 #include "panels/graphcolours.h"
+#include "window/showntext.h"
 
 #include <QLabel>
 
@@ -81,12 +82,22 @@ TEST_F(FigureBarTest, narrowBar_keepsTheRateAndWhatWasLost) {
 TEST_F(FigureBarTest, changingNumbers_moveNothing) {
   mBar.Show({.framesPerSecond = 9.9, .frames = 1});
   const QRect rate = Find("frames/s")->geometry();
-  const QRect discarded = Find("discarded")->geometry();
+  const QRect resent = Find("resent")->geometry();
 
-  mBar.Show({.framesPerSecond = 111.1, .frames = 123456, .statistics = {.discarded = 99}, .pixel = MakePixel()});
+  mBar.Show({.framesPerSecond = 111.1, .frames = 123456, .statistics = {.resentPackets = 999}, .pixel = MakePixel()});
 
   EXPECT_EQ(Find("frames/s")->geometry(), rate);
-  EXPECT_EQ(Find("discarded")->geometry(), discarded);
+  EXPECT_EQ(Find("resent")->geometry(), resent);
+}
+
+TEST_F(FigureBarTest, growingLosses_moveNothingAfterTheFirst) {
+  mBar.Show({.statistics = {.discarded = 10}});
+  mBar.resize(mBar.sizeHint());
+  const QRect rate = Find("frames/s")->geometry();
+
+  mBar.Show({.statistics = {.discarded = 99}});
+
+  EXPECT_EQ(Find("frames/s")->geometry(), rate);
 }
 
 TEST_F(FigureBarTest, longerNumbers_keepTheirRoomAndAreNotCut) {
@@ -118,7 +129,7 @@ TEST_F(FigureBarTest, losses_standOutByMarkColourAndWeightUntilTheyAreGone) {
 TEST_F(FigureBarTest, everyFigure_saysWhatItMeans) {
   for (const QLabel* const label : mBar.findChildren<QLabel*>()) {
     EXPECT_FALSE(label->toolTip().isEmpty());
-    EXPECT_EQ(label->accessibleDescription(), label->toolTip());
+    EXPECT_EQ(krviewer::ToToolTip(label->accessibleDescription()), label->toolTip());
     EXPECT_EQ(label->textFormat(), Qt::PlainText);
   }
 }

@@ -388,6 +388,30 @@ TEST_F(ViewerWindowTest, StatusBar_CountsTheFramesOfTheCameraInFront) {
   EXPECT_TRUE(Await([=] { return !hasFigure("frames/s"); }));
 }
 
+TEST_F(ViewerWindowTest, StatusBarOfAWindowAsItBegins_HasRoomForRatesLossesTemperatureAndPixel) {
+  Begin();
+  OpenStreaming(kColourMAC);
+  krviewer::FigureBar bar;
+  bar.resize(GetWindow().findChild<krviewer::FigureBar*>()->size());
+  bar.show();
+
+  bar.Show({.framesPerSecond = 100.5,
+            .megabytesPerSecond = 1234.5,
+            .frames = 1'234'567,
+            .temperatureC = 45.5,
+            .pixel = KrDisplayPixel{
+                .x = 1919, .y = 1199, .raw = {1, {4095}, {'R'}}, .red = 255, .green = 255, .blue = 255}});
+
+  QStringList shown;
+  for (const auto* const label : bar.findChildren<QLabel*>())
+    if (label->isVisible())
+      shown += label->text();
+  for (const char* const figure :
+       {"x 1919  y 1199   raw R 4095   shown 255 255 255", "100.5 frames/s", "1234.5 MB/s", "1234567 frames",
+        "incomplete 0", "missing frames 0", "missing packets 0", "resent 0", "45.5 °C"})
+    EXPECT_TRUE(shown.contains(figure)) << figure;
+}
+
 TEST_F(ViewerWindowTest, SettingsThatMakeNoSense_BeginAnew) {
   {
     QFile file(mSettingsFile);
