@@ -4,7 +4,9 @@
 #include <cstring>
 
 HostWindow::HostWindow(std::uint16_t aWidth, std::uint16_t aHeight, const char* aTitle)
-    : mConnection(xcb_connect(nullptr, nullptr)), mID(xcb_generate_id(mConnection)), mWidth(aWidth), mHeight(aHeight) {
+    : mConnection(xcb_connect(nullptr, nullptr)), mID(xcb_generate_id(mConnection)) {
+  mPlace.width = aWidth;
+  mPlace.height = aHeight;
   if (xcb_connection_has_error(mConnection))
     return; // Without a display the window is never open.
   const xcb_screen_t* const screen = xcb_setup_roots_iterator(xcb_get_setup(mConnection)).data;
@@ -21,13 +23,13 @@ HostWindow::HostWindow(std::uint16_t aWidth, std::uint16_t aHeight, const char* 
   mIsOpen = xcb_flush(mConnection) > 0;
 }
 
-HostWindow::~HostWindow() {
-  xcb_disconnect(mConnection);
-}
-
 bool HostWindow::HandleEvents() {
   while (xcb_generic_event_t* const event = xcb_poll_for_event(mConnection)) {
-    HandleEvent(*event);
+    const int kind = event->response_type & 0x7F;
+    if (kind == XCB_CLIENT_MESSAGE)
+      mIsOpen = reinterpret_cast<const xcb_client_message_event_t*>(event)->data.data32[0] != mDeleteWindow && mIsOpen;
+    if (kind == XCB_CONFIGURE_NOTIFY)
+      mPlace = *reinterpret_cast<const xcb_configure_notify_event_t*>(event);
     std::free(event);
   }
   return mIsOpen && !xcb_connection_has_error(mConnection);
@@ -39,19 +41,4 @@ xcb_atom_t HostWindow::GetAtom(const char* aName) {
   const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
   std::free(reply);
   return atom;
-}
-
-void HostWindow::HandleEvent(const xcb_generic_event_t& aEvent) {
-  switch (aEvent.response_type & 0x7F) {
-  case XCB_CLIENT_MESSAGE:
-    if (reinterpret_cast<const xcb_client_message_event_t&>(aEvent).data.data32[0] == mDeleteWindow)
-      mIsOpen = false;
-    break;
-  case XCB_CONFIGURE_NOTIFY:
-    mWidth = reinterpret_cast<const xcb_configure_notify_event_t&>(aEvent).width;
-    mHeight = reinterpret_cast<const xcb_configure_notify_event_t&>(aEvent).height;
-    break;
-  default:
-    break;
-  }
 }

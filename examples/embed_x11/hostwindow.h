@@ -10,24 +10,21 @@
 class HostWindow {
 public:
   HostWindow(std::uint16_t aWidth, std::uint16_t aHeight, const char* aTitle);
-  ~HostWindow();
+  ~HostWindow() { xcb_disconnect(mConnection); }
   HostWindow(const HostWindow&) = delete;
-  HostWindow& operator=(const HostWindow&) = delete;
 
   xcb_window_t GetID() const { return mID; }
-  std::uint16_t GetWidth() const { return mWidth; }
-  std::uint16_t GetHeight() const { return mHeight; }
+  std::uint16_t GetWidth() const { return mPlace.width; }
+  std::uint16_t GetHeight() const { return mPlace.height; }
   /// Takes what has come from the server. False once the user has closed the window, or the server has gone.
   bool HandleEvents();
 
 private:
   xcb_atom_t GetAtom(const char* aName);
-  void HandleEvent(const xcb_generic_event_t& aEvent);
 
   xcb_connection_t* const mConnection;
   const xcb_window_t mID;
   xcb_atom_t mDeleteWindow = XCB_ATOM_NONE;
-  std::uint16_t mWidth;
-  std::uint16_t mHeight;
+  xcb_configure_notify_event_t mPlace = {}; ///< As the server told it last.
   bool mIsOpen = false;
 };

@@ -36,8 +36,7 @@ bool Run(HostWindow& aHost, KrStream& aStream, KrDisplayWnd& aDisplay) {
     aDisplay.SetPosition(0, 0, aHost.GetWidth(), aHost.GetHeight());
     if (!ShowFrame(aStream, aDisplay))
       return false;
-    const KrResult handled = aDisplay.DoEvents();
-    if (handled == KrResult::Code::WrongState)
+    if (aDisplay.DoEvents() == KrResult::Code::WrongState)
       break; // The display has ended, as its window did.
   }
   return true;
@@ -51,12 +50,9 @@ int main(int argc, char** argv) {
   if (!Check(KrInstallTransports({.simulation = simulate})) || !Check(system.Find()))
     return 1;
   const KrDeviceInfo* const info = system.GetDeviceInfo(0);
-  if (!info) {
-    std::cerr << "There is no camera. Try --simulate.\n";
-    return 1;
-  }
+  const KrResult none(KrResult::Code::NotFound, "There is no camera. Try --simulate.");
   std::unique_ptr<KrDevice> device;
-  if (!Check(KrDevice::Open(*info, KrDeviceAccess::Control, device)))
+  if (!Check(info ? KrDevice::Open(*info, KrDeviceAccess::Control, device) : none))
     return 1;
 
   HostWindow host(640, 480, "A window of another toolkit");

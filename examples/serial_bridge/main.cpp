@@ -13,7 +13,6 @@
 #include <csignal>
 #include <iostream>
 #include <memory>
-#include <string>
 
 namespace {
 
@@ -22,15 +21,9 @@ int Fail(const KrResult& aResult) {
   return 1;
 }
 
-std::string ListPorts(IKrDeviceAdapter& aAdapter) {
-  std::string names;
-  for (const KrDeviceSerial port : kDeviceSerialPorts)
-    if (KrDeviceSerialPort::IsSupported(&aAdapter, port))
-      names += (names.empty() ? "" : ", ") + GetPortName(port).ToUtf8();
-  return names.empty() ? "none" : names;
-}
-
-KrResult OpenCamera(const KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice) {
+KrResult OpenCamera(KrSystem& aSystem, const KrString& aName, std::unique_ptr<KrDevice>& aDevice) {
+  if (KrResult found = aSystem.Find(); !found.IsOK())
+    return found;
   for (std::size_t index = 0; index < aSystem.GetDeviceCount(); ++index) {
     const KrDeviceInfo* const info = aSystem.GetDeviceInfo(index);
     if (info->GetUniqueID() == aName || info->GetUserDefinedName() == aName)
@@ -63,16 +56,13 @@ int main(int argc, char** argv) {
   std::unique_ptr<KrDevice> device; // Ends after the adapter, and that after the bridge.
   KrResult result = KrInstallTransports({.simulation = arguments.isSimulating});
   if (result.IsOK())
-    result = system.Find();
-  if (result.IsOK())
     result = OpenCamera(system, arguments.camera, device);
   if (!result.IsOK())
     return Fail(result);
   KrDeviceAdapter adapter(*device);
   const KrDeviceSerial devicePort = FindPort(arguments.port);
   if (devicePort == KrDeviceSerial::Invalid || !KrDeviceSerialPort::IsSupported(&adapter, devicePort))
-    return Fail({KrResult::Code::NotFound,
-                 "The camera has no serial port " + arguments.port + ". It has: " + ListPorts(adapter) + "."});
+    return Fail({KrResult::Code::NotFound, "The camera has no serial port " + arguments.port + "."});
 
   KrSerialBridge bridge;
   bridge.SetCreatingPort(arguments.isCreating);
@@ -84,5 +74,4 @@ int main(int argc, char** argv) {
     return Fail(result);
   std::cout << "path=" << port.path.CStr() << std::endl;
   PrintCounters(bridge, signals);
-  return 0;
 }

@@ -5,13 +5,17 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <optional>
+#include <span>
+#include <utility>
 
 namespace archcheck {
 
 namespace {
 
-constexpr std::string_view kLibraries = "libraries/";
 constexpr std::string_view kDrivers = "libraries/krcamerabridge/clprotocol/";
+constexpr std::string_view kInstalledTexts = "apps/krviewer/help/";
+constexpr std::string_view kScope = "::";
 constexpr std::string_view kPlainFormat = "setTextFormat(Qt::PlainText)";
 
 enum class Use {
@@ -45,16 +49,17 @@ constexpr WordRow kWords[] = {
      "A program with other rights may be led by its environment: use secure_getenv"},
     {"setHtml insertHtml appendHtml setMarkdown insertMarkdown", "libraries/ apps/", "", Use::Call,
      "No text becomes markup"},
-    {"RichText AutoText MarkdownText QErrorMessage QStaticText QTextBrowser QProgressDialog QWhatsThis setWhatsThis",
+    {"RichText AutoText MarkdownText QErrorMessage QStaticText QProgressDialog QWhatsThis setWhatsThis",
      "libraries/ apps/", "", Use::Any, "No text is shown by what may take it for markup"},
+    {"QTextBrowser", "libraries/ apps/", kInstalledTexts, Use::Any, "Only documents that are installed become markup"},
 };
 
 // Controls that take texts for markup unless they are told not to.
 constexpr std::string_view kGuessing[] = {"QLabel", "QMessageBox"};
 // How a text becomes a tooltip.
-constexpr std::string_view kTooltips[] = {"setToolTip", "showText"};
-constexpr std::string_view kToPlain = "ToPlainToolTip(";
-constexpr std::string_view kLiterals[] = {"QStringLiteral(", "QLatin1String("};
+constexpr std::string_view kTooltips[] = {"setToolTip", "setTabToolTip", "showText"};
+constexpr std::string_view kToPlain[] = {"ToPlainToolTip(", "ToToolTip("};
+constexpr std::string_view kLiterals[] = {"QStringLiteral(", "QLatin1String(", "tr("};
 
 bool IsWordCharacter(char aCharacter) {
   return std::isalnum(static_cast<unsigned char>(aCharacter)) != 0 || aCharacter == '_';
@@ -90,8 +95,6 @@ public:
     return mText.npos;
   }
 
-  bool Has(std::string_view aText) const { return mText.find(aText) != mText.npos; }
-
   bool IsBeforeParenthesis(std::size_t aEnd) const {
     const std::size_t next = mText.find_first_not_of(" \n", aEnd);
     return next != mText.npos && mText[next] == '(';
@@ -106,11 +109,38 @@ public:
     constexpr std::string_view kNew = "new ";
     if (IsBeforeParenthesis(aAt + aLength) || (aAt >= kNew.size() && mText.compare(aAt - kNew.size(), 4, kNew) == 0))
       return true;
-    const std::size_t name = mText.find_first_not_of(" \n:", aAt + aLength);
-    std::size_t end = name;
-    while (end < mText.size() && IsWordCharacter(mText[end]))
-      ++end;
+    if (mText.compare(aAt + aLength, kScope.size(), kScope) == 0)
+      return IsBoxOfOneCall(aAt + aLength + kScope.size());
+    const std::size_t name = mText.find_first_not_of(" \n", aAt + aLength);
+    const std::size_t end = GetWordEnd(name);
     return end != name && end < mText.size() && (mText[end] == '(' || mText[end] == '{');
+  }
+
+  /// What the object that is made there is called: a variable, a member, "" for a base class of the one that is
+  /// constructed; nothing for one that has no name.
+  std::optional<std::string> GetMade(std::size_t aAt, std::size_t aLength) const {
+    constexpr std::string_view kNew = "new ";
+    if (aAt < kNew.size() || mText.compare(aAt - kNew.size(), kNew.size(), kNew) != 0)
+      return IsBeforeParenthesis(aAt + aLength) ? GetBase(aAt) : GetDeclared(aAt + aLength);
+    const std::size_t before = mText.find_last_not_of(" \n", aAt - kNew.size() - 1);
+    if (before == mText.npos || (mText[before] != '=' && mText[before] != '('))
+      return std::nullopt;
+    std::size_t end = mText.find_last_not_of(" \n", before - 1) + 1;
+    std::size_t start = end;
+    while (start > 0 && (IsWordCharacter(mText[start - 1]) || mText[start - 1] == '[' || mText[start - 1] == ']'))
+      --start;
+    return start == end ? std::nullopt : std::optional(mText.substr(start, end - start));
+  }
+
+  /// Whether a member function is called of the object with this name, or of this one for "", in a part of the text.
+  bool IsCalled(std::string_view aName, std::string_view aCall, std::size_t aFrom, std::size_t aEnd) const {
+    for (std::size_t at = mText.find(aCall, aFrom); at < aEnd; at = mText.find(aCall, at + 1)) {
+      const std::string_view before = std::string_view(mText).substr(0, at);
+      if (aName.empty() ? !before.ends_with('.') && !before.ends_with("->")
+                        : EndsWith(before, aName, ".") || EndsWith(before, aName, "->"))
+        return true;
+    }
+    return false;
   }
 
   /// The statement from the place on.
@@ -123,6 +153,43 @@ public:
   }
 
 private:
+  static bool EndsWith(std::string_view aText, std::string_view aName, std::string_view aOperator) {
+    if (!aText.ends_with(aOperator))
+      return false;
+    aText.remove_suffix(aOperator.size());
+    return aText.ends_with(aName) &&
+           (aText.size() == aName.size() || !IsWordCharacter(aText[aText.size() - aName.size() - 1]));
+  }
+
+  std::optional<std::string> GetBase(std::size_t aAt) const {
+    const std::size_t before = aAt == 0 ? mText.npos : mText.find_last_not_of(" \n", aAt - 1);
+    const bool isBase = before != mText.npos && before > 0 && mText[before - 1] != ':' &&
+                        (mText[before] == ':' || mText[before] == ',');
+    return isBase ? std::optional<std::string>("") : std::nullopt;
+  }
+
+  // Of "QLabel label(", not of "QMessageBox::warning(".
+  std::optional<std::string> GetDeclared(std::size_t aEnd) const {
+    const std::size_t start = mText.find_first_not_of(" \n", aEnd);
+    if (start == mText.npos || !IsWordCharacter(mText[start]))
+      return std::nullopt;
+    return mText.substr(start, GetWordEnd(start) - start);
+  }
+
+  // Other functions of the classes are called by those that are derived from them.
+  bool IsBoxOfOneCall(std::size_t aName) const {
+    constexpr std::string_view kBoxes[] = {"about", "critical", "information", "question", "warning"};
+    const std::string_view name = std::string_view(mText).substr(aName, GetWordEnd(aName) - aName);
+    return std::find(std::begin(kBoxes), std::end(kBoxes), name) != std::end(kBoxes);
+  }
+
+  std::size_t GetWordEnd(std::size_t aStart) const {
+    std::size_t end = aStart;
+    while (end < mText.size() && IsWordCharacter(mText[end]))
+      ++end;
+    return end;
+  }
+
   // Neither a member of something nor a name that is declared.
   bool IsFree(std::size_t aAt) const {
     const std::size_t before = aAt == 0 ? mText.npos : mText.find_last_not_of(" \n", aAt - 1);
@@ -159,28 +226,42 @@ void FindWords(std::string_view aFile, const Code& aCode, std::vector<BrokenCall
   }
 }
 
+// Until the next object of that name is made, each is to be told so.
 void FindGuessingControls(std::string_view aFile, const Code& aCode, std::vector<BrokenCall>& aBroken) {
-  if (!IsBelow(aFile, "libraries/ apps/") || aCode.Has(kPlainFormat))
+  if (!IsBelow(aFile, "libraries/ apps/"))
     return;
-  for (const std::string_view control : kGuessing)
+  for (const std::string_view control : kGuessing) {
+    std::vector<std::pair<std::size_t, std::optional<std::string>>> made;
     for (std::size_t at = aCode.Find(control, 0); at != std::string::npos; at = aCode.Find(control, at + 1))
       if (aCode.IsMaking(at, control.size()))
-        aBroken.push_back({aCode.GetLine(at), "A " + std::string(control) + " takes texts for markup unless " +
-                                                  std::string(kPlainFormat) + " is called."});
+        made.emplace_back(at, aCode.GetMade(at, control.size()));
+    for (auto one = made.begin(); one != made.end(); ++one) {
+      const auto next =
+          std::find_if(one + 1, made.end(), [one](const auto& aOther) { return aOther.second == one->second; });
+      const std::size_t end = next == made.end() ? std::string::npos : next->first;
+      if (!one->second || !aCode.IsCalled(*one->second, kPlainFormat, one->first, end))
+        aBroken.push_back({aCode.GetLine(one->first), "A " + std::string(control) +
+                                                          " takes texts for markup unless its " +
+                                                          std::string(kPlainFormat) + " is called."});
+    }
+  }
+}
+
+bool HasAny(std::string_view aText, std::span<const std::string_view> aWords) {
+  return std::any_of(aWords.begin(), aWords.end(),
+                     [&](std::string_view aWord) { return aText.find(aWord) != aText.npos; });
 }
 
 void FindTooltips(std::string_view aFile, const Code& aCode, std::vector<BrokenCall>& aBroken) {
-  if (!IsBelow(aFile, kLibraries) || aCode.Has(kToPlain))
+  if (!IsBelow(aFile, "libraries/ apps/"))
     return;
   for (const std::string_view tooltip : kTooltips)
     for (std::size_t at = aCode.Find(tooltip, 0); at != std::string::npos; at = aCode.Find(tooltip, at + 1)) {
       const std::string_view statement = aCode.GetStatement(at);
-      const bool isLiteral = statement.find("CStr(") == statement.npos &&
-                             std::any_of(std::begin(kLiterals), std::end(kLiterals), [&](std::string_view aLiteral) {
-                               return statement.find(aLiteral) != statement.npos;
-                             });
-      if (aCode.IsBeforeParenthesis(at + tooltip.size()) && !isLiteral)
-        aBroken.push_back({aCode.GetLine(at), "A tooltip that is no literal goes through ToPlainToolTip."});
+      const bool isLiteral = statement.find("CStr(") == statement.npos && HasAny(statement, kLiterals);
+      if (aCode.IsBeforeParenthesis(at + tooltip.size()) && !isLiteral && !HasAny(statement, kToPlain))
+        aBroken.push_back(
+            {aCode.GetLine(at), "A tooltip that is no literal goes through ToPlainToolTip or ToToolTip at once."});
     }
 }
 

@@ -32,10 +32,12 @@ bool IsWordCharacter(char aCharacter) {
   return std::isalnum(static_cast<unsigned char>(aCharacter)) != 0 || aCharacter == '_';
 }
 
+enum class Literals { Kept, Blanked };
+
 // Copies a source text, blanking what is no code.
 class Blanker {
 public:
-  explicit Blanker(std::string_view aSource) : mSource(aSource), mResult(aSource) {}
+  Blanker(std::string_view aSource, Literals aLiterals) : mSource(aSource), mLiterals(aLiterals), mResult(aSource) {}
 
   std::string Run() {
     while (mAt < mSource.size())
@@ -50,11 +52,11 @@ private:
     else if (LooksAt("/*"))
       BlankTo(EndOf("*/", mAt + 2));
     else if (LooksAt("R\"") && IsRawPrefix())
-      BlankTo(EndOfRawLiteral());
+      PassLiteral(EndOfRawLiteral());
     else if (mSource[mAt] == '"' && IsInclude())
       mAt = EndOf("\"", mAt + 1);
     else if (mSource[mAt] == '"' || (mSource[mAt] == '\'' && !IsDigitSeparator()))
-      BlankTo(EndOfLiteral(mSource[mAt]));
+      PassLiteral(EndOfLiteral(mSource[mAt]));
     else
       ++mAt;
   }
@@ -92,6 +94,13 @@ private:
     return at < mSource.size() ? at + 1 : mSource.size();
   }
 
+  void PassLiteral(std::size_t aEnd) {
+    if (mLiterals == Literals::Blanked)
+      BlankTo(aEnd);
+    else
+      mAt = std::min(aEnd, mSource.size());
+  }
+
   void BlankTo(std::size_t aEnd) {
     const std::size_t end = aEnd < mSource.size() ? aEnd : mSource.size();
     for (; mAt < end; ++mAt)
@@ -100,6 +109,7 @@ private:
   }
 
   std::string_view mSource;
+  Literals mLiterals;
   std::string mResult;
   std::size_t mAt = 0;
 };
@@ -107,7 +117,11 @@ private:
 } // namespace
 
 std::string BlankCommentsAndLiterals(std::string_view aSource) {
-  return Blanker(aSource).Run();
+  return Blanker(aSource, Literals::Blanked).Run();
+}
+
+std::string BlankComments(std::string_view aSource) {
+  return Blanker(aSource, Literals::Kept).Run();
 }
 
 std::vector<Include> ParseIncludes(std::string_view aSource) {

@@ -19,5 +19,7 @@ std::vector<Include> ParseIncludes(std::string_view aSource);
 /// The text with comments and the contents of literals blanked; line breaks and the names of includes stay where they
 /// are.
 std::string BlankCommentsAndLiterals(std::string_view aSource);
+/// The same with the literals as they are.
+std::string BlankComments(std::string_view aSource);
 
 } // namespace archcheck

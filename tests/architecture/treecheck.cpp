@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -25,11 +26,27 @@ constexpr std::string_view kSourceEndings[] = {".h", ".cpp", ".cc", ".hpp"};
 constexpr std::string_view kLibraries = "libraries/";
 constexpr std::string_view kTests = "tests/";
 constexpr std::string_view kLimits = "docs/security.md";
+constexpr std::string_view kExamples = "examples/";
 constexpr int kMostLines = 500;
+constexpr int kMostExampleLines = 99;
 
 std::string ReadText(const fs::path& aFile) {
   std::ifstream stream(aFile, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+// Neither blank lines nor comments and directives count.
+int CountCodeLines(std::string_view aSource) {
+  const std::string code = BlankComments(aSource);
+  int lines = 0;
+  for (std::size_t start = 0; start < code.size();) {
+    const std::size_t end = std::min(code.find('\n', start), code.size());
+    const std::string_view line = std::string_view(code).substr(start, end - start);
+    const std::size_t first = line.find_first_not_of(" \t\r");
+    lines += first != line.npos && line[first] != '#' ? 1 : 0;
+    start = end + 1;
+  }
+  return lines;
 }
 
 bool IsSource(const fs::path& aFile) {
@@ -74,6 +91,7 @@ public:
       CheckSource(file);
     for (const std::string& file : mLists)
       CheckList(file);
+    CheckExamples();
     CheckLimits();
     std::sort(mReport.violations.begin(), mReport.violations.end(),
               [](const Violation& aLeft, const Violation& aRight) {
@@ -125,6 +143,18 @@ private:
       Report(aFile, call.line, call.rule);
     if (aFile.starts_with(kTests))
       AddTests(text, mTests);
+  }
+
+  // What a reader has to take in of one, whatever files it is parted into.
+  void CheckExamples() {
+    std::map<std::string, int> lines;
+    for (const std::string& file : mSources)
+      if (file.starts_with(kExamples))
+        lines[file.substr(0, file.find('/', kExamples.size()))] += CountCodeLines(ReadText(mRoot / file));
+    for (const auto& [example, count] : lines)
+      if (count > kMostExampleLines)
+        Report(example, 1,
+               "An example has under 100 lines of code in all of its files, not " + std::to_string(count) + ".");
   }
 
   void CheckLimits() {

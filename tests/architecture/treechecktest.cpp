@@ -185,6 +185,21 @@ TEST_F(TreeCheck, LongFile_IsRefusedFromTheFirstLineBeyondTheLimit) {
   EXPECT_THAT(Check(), testing::ElementsAre("tests/unit/long.cpp:501: A source file has 500 lines at most."));
 }
 
+TEST_F(TreeCheck, LongExample_IsRefusedForTheCodeOfAllItsFiles) {
+  std::string code;
+  for (int line = 0; line < 49; ++line)
+    code += "int a; // Not the comment.\n";
+  Write("examples/window/a.cpp", "// Not this,\n#include <b>\n\n" + code + "  /* nor\n this. */\n");
+  Write("examples/window/b.h", code + "const char* a = R\"(//)\";\n");
+  Write("examples/other/main.cpp", code);
+  const std::vector<std::string> allowed = Check();
+  Write("examples/window/b.h", code + "const char* a = R\"(//\n)\";\n");
+
+  EXPECT_THAT(allowed, testing::IsEmpty());
+  EXPECT_THAT(Check(), testing::ElementsAre("examples/window:1: An example has under 100 lines of code in all of its "
+                                            "files, not 100."));
+}
+
 TEST_F(TreeCheck, LimitWithoutItsTest_IsNamedUntilThereIsOne) {
   Write("docs/security.md", "| what | test |\n|---|---|\n| frames | `Frames.TooLarge_AreRefused` |\n");
   const std::vector<std::string> without = Check();

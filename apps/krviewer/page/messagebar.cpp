@@ -57,6 +57,7 @@ MessageBar::MessageBar(QWidget* aParent)
   setObjectName(QStringLiteral("messageBar"));
   setAutoFillBackground(true);
   mLabel->setObjectName(QStringLiteral("message"));
+  mIcon->setTextFormat(Qt::PlainText);
   mLabel->setTextFormat(Qt::PlainText);
   mLabel->setWordWrap(true);
   mLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -64,7 +65,7 @@ MessageBar::MessageBar(QWidget* aParent)
   mDismiss->setIcon(MakeToolIcon(ToolGlyph::Close)); // The style's own is hardly seen on a dark bar.
   mDismiss->setFocusPolicy(Qt::StrongFocus);
   mDismiss->setAccessibleName(QStringLiteral("Dismiss the message"));
-  mDismiss->setToolTip(mDismiss->accessibleName());
+  mDismiss->setToolTip(QStringLiteral("Dismiss the message"));
   connect(mDismiss, &QToolButton::clicked, this, &QWidget::hide);
   auto* const layout = new QHBoxLayout(this);
   layout->addWidget(mIcon, 0, Qt::AlignTop);

@@ -47,10 +47,10 @@ IntervalPanel::IntervalPanel(FrameSinks& aFrames, Clock aClock)
   setObjectName(QStringLiteral("intervalPanel"));
   mState->setObjectName(QStringLiteral("intervalState"));
   mLosses->setObjectName(QStringLiteral("intervalLosses"));
-  for (QLabel* const label : {mState, mLosses}) {
-    label->setTextFormat(Qt::PlainText);
+  mState->setTextFormat(Qt::PlainText);
+  mLosses->setTextFormat(Qt::PlainText);
+  for (QLabel* const label : {mState, mLosses})
     label->setWordWrap(true);
-  }
   mPlot->setAccessibleName(QStringLiteral("Frame intervals over time"));
   mNumbers->setObjectName(QStringLiteral("intervalNumbers"));
   mNumbers->setAccessibleName(QStringLiteral("Frame intervals in milliseconds"));

@@ -30,10 +30,10 @@ QString FormatSharpness(double aSharpness) {
 LineProfilePanel::LineProfilePanel(FrameSinks& aFrames, KrDisplayWnd& aWindow)
     : SnapshotPanel(aFrames), mWindow(aWindow), mPlot(new ProfilePlot), mFrame(new QLabel), mSharpness(new QLabel) {
   setObjectName(QStringLiteral("lineProfilePanel"));
-  for (QLabel* const label : {mFrame, mSharpness}) {
-    label->setTextFormat(Qt::PlainText);
+  mFrame->setTextFormat(Qt::PlainText);
+  mSharpness->setTextFormat(Qt::PlainText);
+  for (QLabel* const label : {mFrame, mSharpness})
     label->setWordWrap(true);
-  }
   mFrame->setObjectName(QStringLiteral("profileFrame"));
   mSharpness->setObjectName(QStringLiteral("profileSharpness"));
   mSharpness->setToolTip(QStringLiteral("The mean step between neighbouring pixels of the line. Turn the lens until it "

@@ -1,6 +1,7 @@
 #include "panels/plot.h"
 
 #include "panels/plotframe.h"
+#include "window/showntext.h"
 
 #include <QHelpEvent>
 #include <QPainter>
@@ -39,7 +40,7 @@ bool Plot::event(QEvent* aEvent) {
   const QString text = Describe(MakeFrame().FindAcross(help.pos().x()));
   if (text.isEmpty())
     return QWidget::event(aEvent);
-  QToolTip::showText(help.globalPos(), text, this);
+  QToolTip::showText(help.globalPos(), ToToolTip(text), this);
   return true;
 }
 

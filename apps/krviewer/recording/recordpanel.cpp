@@ -113,6 +113,7 @@ void RecordPanel::AddPlace(QFormLayout& aForm) {
   row->addWidget(mFolder, 1);
   row->addWidget(browse);
   auto* const label = new QLabel(tr("Fol&der"));
+  label->setTextFormat(Qt::PlainText);
   label->setBuddy(mFolder);
   aForm.addRow(label, row);
   mName = new QLineEdit;

@@ -53,6 +53,7 @@ RegionBar::RegionBar(QWidget* aParent) : QWidget(aParent) {
 QDoubleSpinBox* RegionBar::AddNumber(const QString& aLabel, const QString& aName) {
   auto* const row = qobject_cast<QHBoxLayout*>(layout()->itemAt(0)->layout());
   auto* const label = new QLabel(aLabel);
+  label->setTextFormat(Qt::PlainText);
   auto* const box = new QDoubleSpinBox;
   box->setObjectName(aName);
   box->setDecimals(0);

@@ -18,14 +18,14 @@ constexpr int kPictureSide = 16;
 constexpr int kMargin = 4;
 
 /// Lines are cut where a tooltip would outgrow the screen.
-QString FormatToolTip(QString aErrors) {
+QString CutLines(QString aErrors) {
   constexpr qsizetype kLongestLine = 300;
   QStringList lines = aErrors.replace(QLatin1String("\r\n"), QLatin1String("\n")).split(QLatin1Char('\n'));
   for (QString& line : lines) {
     if (line.size() > kLongestLine)
       line = line.left(kLongestLine) + QChar(0x2026);
   }
-  return ToPlainToolTip(lines.join(QLatin1Char('\n')));
+  return lines.join(QLatin1Char('\n'));
 }
 
 } // namespace
@@ -72,7 +72,7 @@ void ErrorButton::ShowToolTip(const QPoint& aGlobal) {
   if (errors.isEmpty())
     QToolTip::hideText();
   else
-    QToolTip::showText(aGlobal, FormatToolTip(errors), this, rect());
+    QToolTip::showText(aGlobal, ToPlainToolTip(CutLines(errors)), this, rect());
 }
 
 void ErrorButton::paintEvent(QPaintEvent*) {

@@ -139,9 +139,10 @@ constexpr int kSwitches[] = {id::kNone, id::kCLProtocol, id::kGenCP, id::kCamera
 
 /// None for the empty text: an empty bubble would be shown for it.
 void SetToolTip(QWidget& aControl, const QString& aText) {
-  const QString tip = aText.isEmpty() ? QString() : ToPlainToolTip(aText);
-  if (aControl.toolTip() != tip)
-    aControl.setToolTip(tip);
+  if (aText.isEmpty())
+    aControl.setToolTip(QStringLiteral(""));
+  else if (aControl.toolTip() != ToPlainToolTip(aText))
+    aControl.setToolTip(ToPlainToolTip(aText));
 }
 
 KrDeviceSerial GetChosenPort(const QComboBox* aList) {

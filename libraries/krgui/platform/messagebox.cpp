@@ -96,6 +96,7 @@ MessageBox::MessageBox(QWidget* aOwner, const QString& aText, const QString& aCa
 
 QLabel* MessageBox::MakePicture(MessageIcon aIcon) {
   auto* picture = new QLabel(GetDialog());
+  picture->setTextFormat(Qt::PlainText);
   const auto* row =
       std::find_if(std::begin(kIcons), std::end(kIcons), [aIcon](const auto& aRow) { return aRow.icon == aIcon; });
   const QStyle& style = *picture->style();
