@@ -36,6 +36,10 @@ void BackgroundCall::Await() const {
     mEnd.wait();
 }
 
+bool BackgroundCall::AwaitFor(std::chrono::milliseconds aLimit) const {
+  return !IsRunning() || mEnd.wait_for(aLimit) == std::future_status::ready;
+}
+
 void BackgroundCall::End() {
   if (!IsRunning())
     return;

@@ -2,6 +2,7 @@
 // A call that may take long, on a thread of its own, and what follows it on the thread that looks. What is called is
 // left to the owner.
 
+#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
@@ -29,6 +30,8 @@ public:
   void Follow();
   /// Waits until the work is over, so that Follow does what follows it.
   void Await() const;
+  /// The same, but no longer than a limit; whether it is over.
+  bool AwaitFor(std::chrono::milliseconds aLimit) const;
   /// Ends the work, which is over afterwards, and nothing follows.
   void End();
   /// Lets go of work that may never be over: it goes on with what it owns, and nothing follows.

@@ -26,7 +26,7 @@ bool IsConnectionTrouble(const KrResult& aResult) {
 
 Acquisition::Acquisition(KrDisplayWnd& aWindow, CameraInfo aCamera, const AcquisitionOptions& aOptions)
     : mOptions(aOptions), mIntake(aWindow, aOptions.hasTextOverlay, aOptions.newestFrame),
-      mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing),
+      mLending(aOptions.hostSettings), mWanted(aOptions.startsAtOnce ? Wanted::Frames : Wanted::Nothing),
       mSearch([this](const CameraInfo& aSeen) { OnCameraSeen(aSeen); }) {
   mProgress.camera = std::move(aCamera);
   if (aOptions.sink) [[maybe_unused]]
@@ -210,10 +210,9 @@ KrResult Acquisition::BeginConnection(std::stop_token aStop) {
   KrResult result = OpenDevice(aStop);
   if (!result.IsOK())
     return result;
-  if (mHasServed) {
-    mLending.ReturnHostParameters(*mDevice, mIntake.GetStream());
+  mLending.ReturnHostParameters(*mDevice, mIntake.GetStream());
+  if (mHasServed)
     result = ReturnSettings(aStop);
-  }
   if (result.IsOK() && mWanted != Wanted::Nothing)
     result = StartStream();
   const bool isRefused = !result.IsOK() && !mHasServed && mOptions.frameLimit == 0 && !IsConnectionTrouble(result);

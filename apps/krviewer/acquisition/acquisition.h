@@ -25,6 +25,7 @@ struct AcquisitionOptions {
   std::uint64_t frameLimit = 0;       ///< Ends after so many frames, or when the camera is lost before; 0 never.
   bool startsAtOnce = true;           ///< Whether the camera streams as soon as it is open.
   bool hasTextOverlay = true;         ///< Whether rates, and why the camera was lost, are drawn over the picture.
+  HostSettings hostSettings = {};     ///< What the host's side of the camera is set to before it streams.
   FrameSink* sink = nullptr;          ///< Hears of all from the first start on.
   NewestFrame* newestFrame = nullptr; ///< Keeps the whole frame that came last, and outlives the acquisition.
 };
@@ -72,6 +73,9 @@ public:
   /// What the camera is set to, as far as is known, in the description's order; what it was set to while it is lost.
   /// Thread: any.
   std::vector<KeptSetting> GetSettings() const { return mLending.GetSettings().Get(); }
+  /// What was set of the host's side when it was given up the last time: all of it once Stop has returned.
+  /// Thread: any.
+  HostSettings GetHostSettings() const { return mLending.GetHostSettings(); }
   /// Frames are not displayed while the window cannot be seen; all else goes on. When it can be seen again it shows
   /// the latest one. They are wanted at first.
   void SetPictureWanted(bool aIsWanted);

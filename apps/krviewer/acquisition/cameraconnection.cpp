@@ -60,8 +60,15 @@ void CameraConnection::AwaitAway() {
   NoteAway();
 }
 
+void CameraConnection::AwaitAway(std::chrono::milliseconds aLimit) {
+  CompleteLeave();
+  if (mPhase == Phase::Leaving && mEnd.AwaitFor(aLimit))
+    mEnd.Follow();
+}
+
 void CameraConnection::NoteAway() {
   mProgress = mAcquisition->GetProgress();
+  mOptions.hostSettings = mAcquisition->GetHostSettings();
   mPhase = Phase::Away;
 }
 

@@ -5,6 +5,7 @@
 #include "acquisition/acquisition.h"
 #include "backgroundcall.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -33,6 +34,8 @@ public:
   void CompleteLeave();
   /// Waits until the camera that Leave gives back is away.
   void AwaitAway();
+  /// The same, but no longer than a limit.
+  void AwaitAway(std::chrono::milliseconds aLimit);
   /// Sees what the acquisition has come to; to be called often.
   void LookAgain();
 
@@ -41,6 +44,8 @@ public:
   bool IsLeaving() const { return mPhase == Phase::Leaving; }
   /// Whether the camera is given back.
   bool IsAway() const { return mPhase == Phase::Away; }
+  /// What the user has set of the host's side, as of the last connection that is away.
+  const HostSettings& GetHostSettings() const { return mOptions.hostSettings; }
   /// As of the last look; the last connection's, where there is none.
   const AcquisitionProgress& GetProgress() const { return mProgress; }
 
@@ -52,7 +57,7 @@ private:
 
   KrDisplayWnd& mWindow;
   CameraInfo mCamera;
-  const AcquisitionOptions mOptions; ///< With the frames' sink.
+  AcquisitionOptions mOptions; ///< With the frames' sink, and what the last acquisition's host was set to.
   const GiveBack mGiveBack;
   Phase mPhase = Phase::None;
   AcquisitionProgress mProgress;

@@ -15,6 +15,7 @@
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 namespace krviewer {
 
@@ -30,6 +31,9 @@ inline constexpr std::size_t kParameterBorrowers = 3;
 /// Ownership: borrows device and stream from Lend to TakeBack.
 class DeviceLending {
 public:
+  /// aKept is what the host's side of the first device is set to.
+  explicit DeviceLending(HostSettings aKept) : mHostParameters(std::move(aKept)) {}
+
   Loan<KrGenParameterArray>& Get(ParameterBorrower aBorrower) {
     return mParameters[static_cast<std::size_t>(aBorrower)];
   }
@@ -38,8 +42,10 @@ public:
   const KeptSettings& GetSettings() const { return mKept; }
   const DeviceThermometer& GetThermometer() const { return mThermometer; }
   const ResponseTimer& GetResponses() const { return mResponses; }
+  /// What was set of the host's side when it was taken back the last time.
+  HostSettings GetHostSettings() const { return mHostParameters.GetChanged(); }
 
-  /// Sets the host's side of a device that was opened again as it was.
+  /// Sets the host's side of a device that was opened as it was before, or as it was kept.
   void ReturnHostParameters(KrDevice& aDevice, KrStream& aStream) { mHostParameters.Return(aDevice, aStream); }
   /// aParameters is null for a camera without a description that is any good, which may have ports all the same.
   /// aIsKept says whether what it is set to is noted.

@@ -5,6 +5,8 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace krviewer {
 
 namespace {
@@ -14,6 +16,10 @@ constexpr const char* kID = "id";
 constexpr const char* kName = "name";
 constexpr const char* kPageState = "page/state";
 constexpr const char* kPages = "pages";
+constexpr const char* kHosts = "hosts";
+constexpr const char* kHostSideNames[kHostSides] = {"stream", "connection"};
+/// Of each side; a host has far fewer.
+constexpr int kMostHostSettings = 200;
 
 /// Layouts are written with a sum of their bytes, as the toolkit is not to be given what somebody else has written.
 constexpr qsizetype kMostBytes = 1 << 16;
@@ -37,6 +43,10 @@ QString MakePageName(const QString& aCameraID) {
 
 QString MakePageKey(const QString& aCameraID) {
   return QLatin1String(kPages) + QLatin1Char('/') + MakePageName(aCameraID);
+}
+
+QString MakeHostKey(const QString& aCameraID) {
+  return QLatin1String(kHosts) + QLatin1Char('/') + MakePageName(aCameraID);
 }
 
 } // namespace
@@ -83,19 +93,51 @@ QByteArray ViewerSettings::GetPageState(const QString& aCameraID) const {
 
 void ViewerSettings::SetPageState(const QByteArray& aState, const QString& aCameraID) {
   Set(QLatin1String(kPageState), aState);
+  if (IsRecent(aCameraID))
+    Set(MakePageKey(aCameraID), aState);
+}
+
+HostSettings ViewerSettings::GetHostSettings(const QString& aCameraID) const {
+  HostSettings settings;
+  if (!mSettings || aCameraID.isEmpty())
+    return settings;
+  mSettings->beginGroup(MakeHostKey(aCameraID));
+  for (std::size_t side = 0; side < kHostSides; ++side) {
+    mSettings->beginGroup(QLatin1String(kHostSideNames[side]));
+    const QStringList names = mSettings->childKeys();
+    for (const QString& name : names.first(std::min<qsizetype>(names.size(), kMostHostSettings)))
+      settings[side].push_back({name.toStdString(), mSettings->value(name).toString().toStdString()});
+    mSettings->endGroup();
+  }
+  mSettings->endGroup();
+  return settings;
+}
+
+void ViewerSettings::SetHostSettings(const HostSettings& aSettings, const QString& aCameraID) {
+  if (!mSettings || !IsRecent(aCameraID))
+    return;
+  mSettings->remove(MakeHostKey(aCameraID));
+  mSettings->beginGroup(MakeHostKey(aCameraID));
+  for (std::size_t side = 0; side < kHostSides; ++side)
+    for (const KrGenSetting& setting : aSettings[side])
+      mSettings->setValue(QLatin1String(kHostSideNames[side]) + QLatin1Char('/') +
+                              QString::fromUtf8(setting.name.CStr()),
+                          QString::fromUtf8(setting.value.CStr()));
+  mSettings->endGroup();
+}
+
+bool ViewerSettings::IsRecent(const QString& aCameraID) const {
   const RecentCameras recent = GetRecentCameras();
-  for (const RecentCamera& camera : recent.GetAll())
-    if (camera.id == aCameraID)
-      Set(MakePageKey(aCameraID), aState);
+  return std::ranges::any_of(recent.GetAll(), [&](const RecentCamera& aCamera) { return aCamera.id == aCameraID; });
 }
 
 // So that the file does not grow with each camera that was ever shown.
-void ViewerSettings::ForgetPages(const RecentCameras& aCameras) {
+void ViewerSettings::Forget(const char* aGroup, const RecentCameras& aCameras) {
   QSet<QString> kept;
   for (const RecentCamera& camera : aCameras.GetAll())
     kept.insert(MakePageName(camera.id));
-  mSettings->beginGroup(QLatin1String(kPages));
-  for (const QString& name : mSettings->allKeys())
+  mSettings->beginGroup(QLatin1String(aGroup));
+  for (const QString& name : mSettings->childKeys() + mSettings->childGroups())
     if (!kept.contains(name))
       mSettings->remove(name);
   mSettings->endGroup();
@@ -119,7 +161,8 @@ RecentCameras ViewerSettings::GetRecentCameras() const {
 void ViewerSettings::SetRecentCameras(const RecentCameras& aCameras) {
   if (!mSettings)
     return;
-  ForgetPages(aCameras);
+  for (const char* const group : {kPages, kHosts})
+    Forget(group, aCameras);
   mSettings->remove(QLatin1String(kRecentCameras));
   const QList<RecentCamera>& all = aCameras.GetAll();
   mSettings->beginWriteArray(QLatin1String(kRecentCameras), static_cast<int>(all.size()));

@@ -2,6 +2,7 @@
 // What the viewer keeps from one run to the next: where its window and its panels were, and which cameras it showed.
 // What is in the file may be anything: what makes no sense is as if it were not there.
 
+#include "acquisition/hostsettings.h"
 #include "window/recentcameras.h"
 
 #include <QByteArray>
@@ -34,6 +35,11 @@ public:
   /// Keeps it for its camera as long as that is among the recent ones, and for those of which nothing is kept.
   void SetPageState(const QByteArray& aState, const QString& aCameraID = {});
 
+  /// What was set of the host's side of the camera with this unique ID, which is of no use for another.
+  HostSettings GetHostSettings(const QString& aCameraID) const;
+  /// Keeps it as long as the camera is among the recent ones.
+  void SetHostSettings(const HostSettings& aSettings, const QString& aCameraID);
+
   RecentCameras GetRecentCameras() const;
   void SetRecentCameras(const RecentCameras& aCameras);
 
@@ -42,7 +48,8 @@ private:
 
   QByteArray Get(const QString& aName) const;
   void Set(const QString& aName, const QByteArray& aBytes);
-  void ForgetPages(const RecentCameras& aCameras);
+  bool IsRecent(const QString& aCameraID) const;
+  void Forget(const char* aGroup, const RecentCameras& aCameras);
 
   std::unique_ptr<QSettings> mSettings; ///< Null where nothing is kept.
 };

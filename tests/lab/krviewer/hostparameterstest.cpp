@@ -1,11 +1,15 @@
 // What the viewer's acquisition lends of the stream and of the connection.
 
 #include "acquisitionfixture.h"
+#include "krbase/krlogger.h"
 #include "parametertext.h"
+
+#include <gmock/gmock.h>
 
 using krviewer::Acquisition;
 using krviewer::AcquisitionProgress;
 using krviewer::AcquisitionState;
+using krviewer::HostSettings;
 using krviewer::HostSide;
 using krviewer::Loan;
 
@@ -69,6 +73,66 @@ TEST_F(AcquisitionHostParametersTest, HostParameters_OfACameraThatWasLostAndIsBa
   EXPECT_EQ(ReadText(*connection, "LinkCommandTimeout"), "2500000");
   acquisition.GetParameters(HostSide::Stream).GiveBack();
   acquisition.GetParameters(HostSide::Connection).GiveBack();
+}
+
+TEST_F(AcquisitionHostParametersTest, HostSettings_ThatWereChanged_AreThereInTheNextAcquisition) {
+  HostSettings kept;
+  {
+    Acquisition acquisition(mWindow, GetCamera(), kStopped);
+    for (const auto& [side, name, value] : {std::tuple{HostSide::Stream, "StreamBufferCountManual", "7"},
+                                            {HostSide::Connection, "LinkCommandTimeout", "2500000"}}) {
+      KrGenParameterArray* const parameters = AwaitHost(acquisition, side);
+      ASSERT_TRUE(parameters);
+      EXPECT_TRUE(SetText(*parameters, name, value).IsOK()) << name;
+      acquisition.GetParameters(side).GiveBack();
+    }
+    acquisition.Stop();
+    kept = acquisition.GetHostSettings();
+  }
+  EXPECT_EQ(kept, (HostSettings{{{{"StreamBufferCountManual", "7"}}, {{"LinkCommandTimeout", "2500000"}}}}))
+      << "what nobody has changed is not kept";
+
+  // It streams at once: after its begin the number of buffers could not be set any more.
+  Acquisition acquisition(mWindow, GetCamera(), {.hostSettings = kept});
+  KrGenParameterArray* const stream = AwaitHost(acquisition, HostSide::Stream);
+  ASSERT_TRUE(stream);
+  EXPECT_EQ(ReadText(*stream, "StreamIsGrabbing"), "1");
+  EXPECT_EQ(ReadNumber(*stream, "StreamBufferCountManual"), 7);
+  EXPECT_EQ(ReadNumber(*stream, "StreamAnnouncedBufferCount"), 7);
+  acquisition.GetParameters(HostSide::Stream).GiveBack();
+  acquisition.Stop();
+  EXPECT_EQ(acquisition.GetHostSettings(), kept);
+}
+
+TEST_F(AcquisitionHostParametersTest, HostSettings_ThatDoNotFit_ArePassedOverAndLogged) {
+  const HostSettings kept = {
+      {{{"StreamBufferCountManual", "1000000"}, {"NoSuchFeature", "1"}, {"StreamFrameRetention", "123000"}}, {}}};
+  const KrLogCapture log;
+
+  Acquisition acquisition(mWindow, GetCamera(), {.hostSettings = kept});
+  KrGenParameterArray* const stream = AwaitHost(acquisition, HostSide::Stream);
+
+  ASSERT_TRUE(stream);
+  EXPECT_EQ(ReadNumber(*stream, "StreamFrameRetention"), 123000);
+  EXPECT_EQ(ReadText(*stream, "StreamIsGrabbing"), "1");
+  acquisition.GetParameters(HostSide::Stream).GiveBack();
+  for (const char* const name : {"StreamBufferCountManual", "NoSuchFeature"})
+    EXPECT_THAT(log.GetRecords(),
+                testing::Contains(testing::Field(&KrLogRecord::text,
+                                                 testing::ResultOf([](const KrString& aText) { return aText.ToUtf8(); },
+                                                                   testing::HasSubstr(name)))));
+}
+
+TEST_F(AcquisitionHostParametersTest, HostSettings_OfACameraThatCannotBeHad_StayKept) {
+  const HostSettings kept = {{{{"StreamFrameRetention", "123000"}}, {}}};
+  const KrDeviceInfo& camera = GetCamera();
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+
+  Acquisition acquisition(mWindow, camera, {.hostSettings = kept});
+  EXPECT_EQ(Await(acquisition, AcquisitionState::Failed).state, AcquisitionState::Failed);
+  acquisition.Stop();
+
+  EXPECT_EQ(acquisition.GetHostSettings(), kept);
 }
 
 TEST_F(AcquisitionHostParametersTest, HostParameters_OfACameraThatIsLost_StayLentUntilItIsBack) {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+using krviewer::HostSettings;
 using krviewer::RecentCamera;
 using krviewer::RecentCameras;
 using krviewer::ViewerSettings;
@@ -91,6 +92,40 @@ TEST_F(ViewerSettingsTest, PagesOfCameras_AreKeptApartAsLongAsTheCamerasAreRecen
 
   settings.SetRecentCameras({});
   EXPECT_EQ(settings.GetPageState("02:4b"), "unknown");
+}
+
+TEST_F(ViewerSettingsTest, HostSettingsOfACamera_AreItsOwnAsLongAsItIsRecent) {
+  const HostSettings settings = {{{{"StreamBufferCountManual", "7"}, {"StreamFrameRetention", "123000"}},
+                                  {{"LinkPacketSizeMode", "Fixed size, with \"quotes\"; µ"}}}};
+  {
+    ViewerSettings kept(mFile);
+    kept.SetRecentCameras(MakeCameras());
+    kept.SetHostSettings(settings, "4B5200000101");
+    kept.SetHostSettings(settings, "never shown");
+  }
+
+  ViewerSettings next(mFile);
+  EXPECT_EQ(next.GetHostSettings("4B5200000101"), settings);
+  EXPECT_EQ(next.GetHostSettings("02:4b:52:00:77:10"), HostSettings());
+  EXPECT_EQ(next.GetHostSettings("never shown"), HostSettings());
+
+  next.SetHostSettings({{{}, {{"LinkCommandTimeout", "1"}}}}, "4B5200000101");
+  EXPECT_EQ(next.GetHostSettings("4B5200000101"), (HostSettings{{{}, {{"LinkCommandTimeout", "1"}}}}))
+      << "what is as the host begins with is kept no longer";
+  next.SetRecentCameras({});
+  EXPECT_EQ(next.GetHostSettings("4B5200000101"), HostSettings());
+}
+
+TEST_F(ViewerSettingsTest, HostSettingsThatNoHostHas_AreLeftOut) {
+  HostSettings settings;
+  for (int number = 0; number < 1000; ++number)
+    settings[0].push_back({"Feature" + std::to_string(number), "1"});
+  ViewerSettings kept(mFile);
+  kept.SetRecentCameras(MakeCameras());
+
+  kept.SetHostSettings(settings, "4B5200000101");
+
+  EXPECT_EQ(kept.GetHostSettings("4B5200000101")[0].size(), 200U);
 }
 
 TEST_F(ViewerSettingsTest, NoFileToKeepThemIn_AreForgotten) {
