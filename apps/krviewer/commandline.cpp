@@ -69,9 +69,9 @@ Examples:
                                           what the camera sends for five seconds, as pictures
 
 Keys:
-  Ctrl+O       find a camera            Ctrl+W         close the camera
+  Ctrl+O       find a camera            Ctrl+W         close the camera, or a window
   F5           start                    Shift+F5       stop
-  F6           a single frame           F7             software trigger
+  F9           a single frame           F7             software trigger
   Ctrl+1       actual size              Ctrl+0         fit to the window
   Ctrl++       zoom in                  Ctrl+-         zoom out
   Ctrl+S       save the frame shown     Ctrl+R         record, and stop it

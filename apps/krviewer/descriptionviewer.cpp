@@ -24,6 +24,7 @@ constexpr double kLargestShareOfScreen = 0.9;
 
 DescriptionViewer::DescriptionViewer(const CommandLine& aCommandLine) : mCommandLine(aCommandLine) {
   connect(&mTimer, &QTimer::timeout, this, &DescriptionViewer::LookAgain);
+  connect(&mEndKeys, &EndKeys::QuitWanted, this, &DescriptionViewer::Finish);
   mWindow.installEventFilter(this);
 }
 

@@ -5,6 +5,7 @@
 #include "krgenicam/krgenmemoryport.h"
 #include "krgui/krgenbrowserwnd.h"
 #include "stopsignal.h"
+#include "window/endkeys.h"
 
 #include <QObject>
 #include <QTimer>
@@ -40,6 +41,7 @@ private:
 
   const CommandLine mCommandLine;
   const krapps::StopSignal mStopSignal;
+  const EndKeys mEndKeys;
   // In the order in which one stands on the other.
   KrGenMemoryPort mMemory;
   std::unique_ptr<KrGenParameterArray> mArray;

@@ -10,6 +10,9 @@
 #include "window/viewer.h"
 #include "window/viewericon.h"
 
+#include <QCoreApplication>
+#include <QDir>
+
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -104,6 +107,8 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
   for (const KrString& library : KrGetTransportLibraries())
     libraries += QString::fromUtf8(library.CStr());
   krviewer::Viewer viewer(aCommandLine, {.settingsFile = krviewer::ViewerSettings::GetUserFile(),
+                                         .guideFile = QDir::cleanPath(QCoreApplication::applicationDirPath() +
+                                                                      QStringLiteral("/" KRVIEWER_GUIDE)),
                                          .libraries = libraries,
                                          .installSimulation = [&] { return InstallTransports(aCommandLine, true); }});
   viewer.Begin();

@@ -23,6 +23,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -58,6 +59,8 @@ public:
   void End();
   /// Looks how far the end is, in any loop: whether the camera is given back and all is written.
   bool FollowEnd();
+  /// Waits until it is given back, but no longer than a limit.
+  void AwaitAway(std::chrono::milliseconds aLimit) { mConnection.AwaitAway(aLimit); }
   /// Waits until it is given back, and what was recorded and saved is written.
   void AwaitEnd();
   /// Whether it is given back for good.
@@ -75,6 +78,8 @@ public:
   /// The camera, and what there is to know of its state.
   QString GetTitle() const { return MakePageTitle(GetState()); }
   const AcquisitionProgress& GetProgress() const { return mConnection.GetProgress(); }
+  /// What the user has set of the host's side of the camera; whole when it HasEnded.
+  const HostSettings& GetHostSettings() const { return mConnection.GetHostSettings(); }
   KrDisplayWnd& GetDisplay() { return mDisplay; }
   CameraTools& GetTools() { return mTools; }
   DeviceSettings& GetSettings() { return mSettings; }

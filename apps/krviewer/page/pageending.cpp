@@ -53,13 +53,14 @@ QString DescribeEnding(const CameraPage& aPage) {
 
 } // namespace
 
-bool EndWithPictures(CameraPage& aPage, const QString& aFolder) {
+bool EndWithPictures(CameraPage& aPage, const QString& aFolder, std::chrono::milliseconds aLimit) {
   const bool hasPicture = aPage.GetProgress().figures.GetFrames() > 0;
   // Before the camera is given back, as the browser is empty then.
   const bool hasBrowser = hasPicture && aPage.GetPanels().IsShown(Panel::Features);
   const bool isWritten = !hasBrowser || SaveBrowserPicture(aPage, aFolder);
   aPage.End();
-  aPage.AwaitEnd();
+  // What takes longer, or is still written, is awaited where that can be seen.
+  aPage.AwaitAway(aLimit);
   if (!hasPicture)
     std::fprintf(stderr, "No pictures of the camera were written: no frame of it came.\n");
   return hasPicture && SaveDisplayPictures(aPage, aFolder) && isWritten;

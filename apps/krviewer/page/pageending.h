@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <chrono>
+
 namespace krviewer {
 
 class CameraPage;
@@ -12,8 +14,9 @@ class CameraPage;
 // Thread: user interface.
 
 /// Ends a page that is on the screen, with pictures of its display and its features in a folder, if it has shown any
-/// frame. False, told on the error stream, where it has shown none or a picture could not be written.
-bool EndWithPictures(CameraPage& aPage, const QString& aFolder);
+/// frame. Waits for the camera to be given back, as frames come until then, but no longer than aLimit. False, told on
+/// the error stream, where it has shown none or a picture could not be written.
+bool EndWithPictures(CameraPage& aPage, const QString& aFolder, std::chrono::milliseconds aLimit);
 
 /// What is still under way of a page that has ended, which outlives it.
 EndingWork MakeEndingWork(CameraPage& aPage);

@@ -2,7 +2,6 @@
 
 #include "page/camerapage.h"
 #include "page/pageending.h"
-#include "plaintext.h"
 #include "window/endingwindow.h"
 
 #include <algorithm>
@@ -15,7 +14,7 @@ EndedPages::EndedPages() = default;
 EndedPages::~EndedPages() = default;
 
 void EndedPages::Add(std::unique_ptr<CameraPage> aPage) {
-  mUnprinted.insert(aPage.get());
+  mUntaken.insert(aPage.get());
   mUnwritten.insert(aPage.get());
   mPages.push_back(std::move(aPage));
 }
@@ -26,13 +25,12 @@ bool EndedPages::IsBeingGivenBack(const KrDeviceInfo& aCamera) const {
   });
 }
 
-void EndedPages::PrintFigures(bool aHasNames) {
+std::vector<const CameraPage*> EndedPages::TakeEnded() {
+  std::vector<const CameraPage*> ended;
   for (const std::unique_ptr<CameraPage>& page : mPages)
-    if (page->HasEnded() && mUnprinted.erase(page.get()) > 0)
-      krviewer::PrintFigures(
-          *page, aHasNames ? QStringLiteral("camera=%1 ")
-                                 .arg(QString::fromStdString(krapps::MakeField(page->GetCamera().GetDisplayID())))
-                           : QString());
+    if (page->HasEnded() && mUntaken.erase(page.get()) > 0)
+      ended.push_back(page.get());
+  return ended;
 }
 
 QString EndedPages::TellWritten() {
@@ -46,7 +44,7 @@ QString EndedPages::TellWritten() {
 
 void EndedPages::DeleteIdle() {
   const auto isOver = [this](const std::unique_ptr<CameraPage>& aPage) {
-    return aPage->IsIdle() && !mUnprinted.contains(aPage.get()) && !mUnwritten.contains(aPage.get());
+    return aPage->IsIdle() && !mUntaken.contains(aPage.get()) && !mUnwritten.contains(aPage.get());
   };
   for (std::unique_ptr<CameraPage>& page : mPages)
     if (isOver(page))
@@ -55,17 +53,18 @@ void EndedPages::DeleteIdle() {
 }
 
 // What the user has recorded is worth the time that the disk needs for it, as long as that is seen and can be given up.
-QString EndedPages::Await(bool aIsTold) {
+QString EndedPages::Await(const EndOfPages& aEnd) {
   std::vector<EndingWork> works;
   for (const std::unique_ptr<CameraPage>& page : mPages)
     works.push_back(MakeEndingWork(*page));
   EndingWindow window(std::move(works));
-  window.Await();
+  if (window.Await(aEnd.limit) == EndingResult::TooLate)
+    aEnd.giveUp(window.GetText());
   // A loop that was ended meanwhile has awaited nothing.
   for (const std::unique_ptr<CameraPage>& page : mPages)
     page->AwaitEnd();
   const QString trouble = TellWritten();
-  if (aIsTold && !trouble.isEmpty())
+  if (aEnd.isTold && !trouble.isEmpty())
     window.Tell(trouble);
   return trouble;
 }

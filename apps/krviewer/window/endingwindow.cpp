@@ -29,7 +29,7 @@ constexpr std::uint64_t kMsPerSecond = 1000;
 QPushButton* MakeButton(const char* aName, const char* aText, const char* aToolTip) {
   auto* const button = new QPushButton(QString::fromUtf8(aText));
   button->setObjectName(QString::fromLatin1(aName));
-  button->setToolTip(QString::fromUtf8(aToolTip));
+  button->setToolTip(QLatin1String(aToolTip));
   // What gives data up is not done by a Return that was meant for the window before.
   button->setAutoDefault(false);
   button->hide();
@@ -76,14 +76,25 @@ EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
   connect(&mTimer, &QTimer::timeout, this, &EndingWindow::LookAgain);
 }
 
-void EndingWindow::Await() {
+EndingResult EndingWindow::Await(std::chrono::milliseconds aLimit) {
   LookAgain();
   if (mWorks.empty())
-    return;
+    return EndingResult::Over;
+  bool isTooLate = false;
+  QTimer limit;
+  connect(&limit, &QTimer::timeout, this, [&] {
+    isTooLate = true;
+    emit Over();
+  });
+  if (aLimit != kNoLimit)
+    limit.start(aLimit);
   mTimer.start(kLookInterval);
   QTimer::singleShot(kPatience, this, [this] { setVisible(!mWorks.empty()); });
   RunUntilOver();
   mTimer.stop();
+  if (mWorks.empty())
+    return EndingResult::Over;
+  return isTooLate ? EndingResult::TooLate : EndingResult::Interrupted;
 }
 
 void EndingWindow::Tell(const QString& aTrouble) {
@@ -105,6 +116,10 @@ void EndingWindow::RunUntilOver() {
   QEventLoop loop;
   connect(this, &EndingWindow::Over, &loop, &QEventLoop::quit);
   loop.exec();
+}
+
+QString EndingWindow::GetText() const {
+  return mText->text();
 }
 
 void EndingWindow::LookAgain() {

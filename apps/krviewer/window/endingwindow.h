@@ -8,6 +8,7 @@
 #include <QString>
 #include <QTimer>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -30,6 +31,13 @@ struct EndingWork {
   std::function<void()> leave; ///< Does not wait for the files any longer.
 };
 
+/// What an end has come to.
+enum class EndingResult {
+  Over,
+  Interrupted, ///< The application's loop was ended.
+  TooLate      ///< The limit has passed.
+};
+
 /// Thread: user interface. Closing it changes nothing: data is given up by its buttons alone.
 class EndingWindow : public QDialog {
   Q_OBJECT
@@ -40,9 +48,13 @@ public:
 
   explicit EndingWindow(std::vector<EndingWork> aWorks, Clock aClock = {});
 
-  /// Runs a loop until everything is over, or the application's loop is ended. The window is shown when that takes a
-  /// moment. Files that do not get on for a while need not be waited for: it offers that.
-  void Await();
+  static constexpr std::chrono::milliseconds kNoLimit = std::chrono::milliseconds::max();
+
+  /// Runs a loop until everything is over, the limit has passed or the application's loop is ended. The window is shown
+  /// when that takes a moment. Files that do not get on for a while need not be waited for: it offers that.
+  EndingResult Await(std::chrono::milliseconds aLimit = kNoLimit);
+  /// What it says of what is still under way.
+  QString GetText() const;
   /// Shows what has gone wrong, and runs a loop until the user has read it.
   void Tell(const QString& aTrouble);
 

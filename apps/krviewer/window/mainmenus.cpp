@@ -51,6 +51,7 @@ MainMenus::MainMenus(QMainWindow& aWindow, const std::function<CameraPage*()>& a
   Add(tools, "ipConfiguration", QStringLiteral("&IP Configuration…"), {}, &MainMenus::AddressesWanted);
 
   QMenu& help = *aWindow.menuBar()->addMenu(QStringLiteral("&Help"));
+  Add(help, "guide", QStringLiteral("&Guide"), {}, &MainMenus::GuideWanted);
   Add(help, "keys", QStringLiteral("&Keys"), QKeySequence(Qt::Key_F1), &MainMenus::KeysWanted);
   Add(help, "about", QStringLiteral("&About krviewer"), {}, &MainMenus::AboutWanted);
 

@@ -51,6 +51,7 @@ signals:
   void MoveWanted();
   /// The tab so many further on.
   void StepWanted(int aStep);
+  void GuideWanted();
   void KeysWanted();
   void AboutWanted();
 

@@ -1,7 +1,6 @@
 #include "window/viewer.h"
 
-#include "page/pageending.h"
-#include "pictures.h"
+#include "help/guidewindow.h"
 #include "plaintext.h"
 #include "window/aboutbox.h"
 #include "window/showntext.h"
@@ -37,6 +36,7 @@ Viewer::Viewer(const CommandLine& aCommandLine, const ViewerHost& aHost)
                .find = [this] { ShowFinder(); }},
               mRecentCameras) {
   connect(&mTimer, &QTimer::timeout, this, &Viewer::LookAgain);
+  connect(&mEndKeys, &EndKeys::QuitWanted, this, &Viewer::Finish);
   mEndTimer.setSingleShot(true);
   connect(&mEndTimer, &QTimer::timeout, this, &Viewer::Finish);
 }
@@ -91,6 +91,7 @@ void Viewer::ConnectWindow(MainWindow& aWindow) {
   connect(&first, &FirstPage::CameraWanted, this, &Viewer::Search);
   connect(&menus, &MainMenus::ForgetWanted, this, [this] { SetRecentCameras({}); });
   connect(&menus, &MainMenus::QuitWanted, this, &Viewer::Finish);
+  connect(&menus, &MainMenus::GuideWanted, this, [this, &aWindow] { OpenGuide(aWindow); });
   connect(&menus, &MainMenus::AboutWanted, this, [this, &aWindow] { ShowAboutBox(aWindow, mHost.libraries); });
   connect(&aWindow, &MainWindow::PageEndWanted, this, [this](CameraPage* aPage) { EndPage(*aPage); });
   connect(&aWindow, &MainWindow::MoveWanted, this, [this](CameraPage* aPage) { MovePage(*aPage); });
@@ -128,6 +129,13 @@ void Viewer::OpenSimulated() {
     GetActiveWindow().GetBar().Say({MessageKind::Error, ToText(installed.GetDescription())});
 }
 
+void Viewer::OpenGuide(MainWindow& aWindow) {
+  if (!ShowGuide(aWindow, mHost.guideFile))
+    aWindow.GetBar().Say({MessageKind::Warning, QStringLiteral("The guide cannot be read: there is no %1. Install "
+                                                               "krgui again.")
+                                                    .arg(QDir::toNativeSeparators(mHost.guideFile))});
+}
+
 void Viewer::ClearBars() {
   for (MainWindow* const window : GetWindows())
     window->GetBar().Clear();
@@ -150,7 +158,9 @@ void Viewer::Open(const CameraInfo& aCamera) {
   std::printf("camera=%s\n", krapps::MakeField(aCamera->GetDisplayID()).c_str());
   // Pictures say how fast the frames were; on the screen the status bar does.
   const bool hasText = mCommandLine.IsBatch();
-  const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames, .hasTextOverlay = hasText},
+  const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames,
+                                            .hasTextOverlay = hasText,
+                                            .hostSettings = mSettings.GetHostSettings(ToText(aCamera->GetUniqueID()))},
                             .isPictureKept = !mCommandLine.screenshotFolder.isEmpty(),
                             .number = ++mOpened};
   mPages.push_back(std::make_unique<CameraPage>(aCamera, options));
@@ -237,35 +247,6 @@ void Viewer::EndPage(CameraPage& aPage) {
     window->close();
 }
 
-// Loops may run here, in which the same page, or the viewer, ends once more.
-void Viewer::Discard(CameraPage& aPage) {
-  const auto found = std::ranges::find(mPages, &aPage, &std::unique_ptr<CameraPage>::get);
-  if (found == mPages.end())
-    return;
-  mEndedPages.Add(std::move(*found));
-  mPages.erase(found);
-  QString folder = mCommandLine.screenshotFolder;
-  if (!folder.isEmpty() && aPage.GetNumber() > 1)
-    folder = QDir(folder).filePath(QStringLiteral("camera-%1").arg(aPage.GetNumber()));
-  if (folder.isEmpty())
-    aPage.End();
-  else if (!EndWithPictures(aPage, folder))
-    mExitCode = 1;
-  if (MainWindow* const window = FindWindowOf(aPage))
-    window->RemovePage(aPage);
-}
-
-// What has ended may be at work still further up on the stack, in a loop of its windows: only where there is no such
-// loop it can go, and then as late as the toolkit does that.
-void Viewer::DeleteEnded() {
-  if (thread()->loopLevel() > mLoopLevel)
-    return;
-  mEndedPages.DeleteIdle();
-  for (std::unique_ptr<MainWindow>& window : mEndedWindows)
-    window.release()->deleteLater();
-  mEndedWindows.clear();
-}
-
 void Viewer::CloseWindow(MainWindow& aWindow) {
   const auto found = std::ranges::find(mWindows, &aWindow, &std::unique_ptr<MainWindow>::get);
   if (found == mWindows.end())
@@ -313,7 +294,7 @@ void Viewer::LookAgain() {
   mWanted.Follow();
   for (MainWindow* const window : GetWindows())
     window->LookAgain();
-  mEndedPages.PrintFigures(mOpened > 1);
+  NoteEndedPages();
   if (const QString trouble = mEndedPages.TellWritten(); !trouble.isEmpty())
     GetActiveWindow().GetBar().Say({MessageKind::Error, trouble});
   OpenReturned();
@@ -334,48 +315,6 @@ void Viewer::KeepLayouts() {
   // Last, as new ones begin as this one is.
   if (current)
     KeepState(*current);
-}
-
-void Viewer::SaveWindowPicture() {
-  if (mCommandLine.screenshotFolder.isEmpty())
-    return;
-  const KrResult written = WriteWindowPicture(GetActiveWindow(), mCommandLine.screenshotFolder);
-  if (written.IsOK())
-    return;
-  std::fprintf(stderr, "No picture of the window was written: %s\n",
-               krapps::MakeField(written.GetDescription()).c_str());
-  mExitCode = 1;
-}
-
-void Viewer::HideWindows() {
-  for (MainWindow* const window : GetWindows())
-    window->hide();
-}
-
-void Viewer::Finish() {
-  if (std::exchange(mIsOver, true))
-    return;
-  mTimer.stop();
-  mEndTimer.stop();
-  mWanted.End();
-  mFinder.Close();
-  KeepLayouts();
-  SaveWindowPicture();
-  // A camera that does not answer needs its time; who has closed the window does not want to look at it meanwhile.
-  const bool wantsPictures = !mCommandLine.screenshotFolder.isEmpty();
-  if (!wantsPictures)
-    HideWindows();
-  while (!mPages.empty()) {
-    CameraPage& page = *mPages.front();
-    if (wantsPictures)
-      FindWindowOf(page)->BringForward(page);
-    Discard(page);
-  }
-  HideWindows();
-  if (!mEndedPages.Await(!mCommandLine.IsBatch() && !mStopSignal.IsRaised()).isEmpty())
-    mExitCode = 1;
-  mEndedPages.PrintFigures(mOpened > 1);
-  QCoreApplication::exit();
 }
 
 } // namespace krviewer

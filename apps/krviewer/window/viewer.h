@@ -7,6 +7,7 @@
 #include "stopsignal.h"
 #include "window/camerafinder.h"
 #include "window/endedpages.h"
+#include "window/endkeys.h"
 #include "window/mainwindow.h"
 #include "window/viewersettings.h"
 #include "window/wantedcameras.h"
@@ -14,17 +15,29 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <vector>
 
 namespace krviewer {
 
+/// How long an end is awaited that nobody can give up.
+struct EndLimits {
+  std::chrono::milliseconds pictures{5000}; ///< For a camera to be given back before its pictures are taken.
+  std::chrono::milliseconds batch{30'000};  ///< For everything, of a run that ends by itself.
+};
+
 /// What the program gives the viewer beside its command line.
 struct ViewerHost {
   QString settingsFile = {};                        ///< Empty to keep nothing.
+  QString guideFile = {};                           ///< The document that the menu "Help" opens.
   QStringList libraries = {};                       ///< That devices are reached by, for the box that tells of them.
   std::function<KrResult()> installSimulation = {}; ///< Offers the simulated cameras; empty where they are offered.
+  EndLimits endLimits = {};
+  /// Ends the program, with what does not end by itself.
+  std::function<void()> giveUp = [] { std::quick_exit(EXIT_FAILURE); };
 };
 
 /// Shows cameras until the last window is closed, what the command line ends it with has come, or the program is
@@ -62,6 +75,7 @@ private:
   MainWindow* FindWindowOf(const CameraPage& aPage) const;
   void ShowFinder(FinderPurpose aPurpose = FinderPurpose::Pick);
   void OpenSimulated();
+  void OpenGuide(MainWindow& aWindow);
   void ClearBars();
   void ConnectPage(CameraPage& aPage);
   void ShowAgain(CameraPage& aPage, const CameraInfo& aCamera);
@@ -69,7 +83,10 @@ private:
   void MovePage(CameraPage& aPage);
   void EndPage(CameraPage& aPage);
   void Discard(CameraPage& aPage);
+  void NoteEndedPages();
   void OpenReturned();
+  void AwaitEndedPages();
+  void GiveUp(const QString& aUnderWay);
   void DeleteEnded();
   void HideWindows();
   void NoteEnd(CameraPage& aPage);
@@ -90,6 +107,7 @@ private:
   EndedPages mEndedPages;
   std::vector<CameraInfo> mReturning; ///< To be opened when pages of the same camera have given it back.
   std::vector<std::unique_ptr<MainWindow>> mEndedWindows;
+  EndKeys mEndKeys;
   CameraFinder mFinder;
   WantedCameras mWanted;
   QTimer mTimer;

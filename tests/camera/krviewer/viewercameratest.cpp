@@ -82,7 +82,7 @@ TEST_F(ViewerCamera, StoppedSingleFrameStarted_ByKeys_CountsItsFrames) {
   const long long frames = GetFrames();
 
   ASSERT_TRUE(User().AwaitControl("push button", "Single Frame"));
-  User().Press("F6");
+  User().Press("F9");
   EXPECT_TRUE(User().Await("one more frame", [&] { return GetFrames() == frames + 1; }));
   EXPECT_TRUE(User().AwaitWindow(kCamera + " - stopped"));
   EXPECT_EQ(GetFrames(), frames + 1);

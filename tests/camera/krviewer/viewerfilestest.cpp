@@ -105,7 +105,7 @@ protected:
     ASSERT_NO_FATAL_FAILURE(Stop());
     const long long frames = GetFrames();
     ASSERT_TRUE(User().AwaitControl("push button", "Single Frame"));
-    User().Press("F6");
+    User().Press("F9");
     ASSERT_TRUE(User().Await("one more frame", [&] { return GetFrames() > frames; }));
     const QString path = Save("region.raw");
     ASSERT_TRUE(User().Await("the text beside the bytes", [&] { return QFileInfo::exists(path + ".txt"); }));

@@ -115,7 +115,8 @@ foreach(library IN LISTS libraries)
     list(APPEND developmentFiles "lib/lib${library}.a")
   endif()
 endforeach()
-require_files(krgui "^$" ${runtimeFiles})
+require_files(krgui "^share/krgui/doc/[-A-Za-z0-9/]+\\.(md|png)$" ${runtimeFiles})
+require_file("${root}/usr/share/krgui/doc/guide.md")
 require_files(libkrgui-dev "^include/kr[a-z]+/[a-z0-9]+\\.h$|^lib/cmake/KrGUI/KrGUI[-A-Za-z]*\\.cmake$" ${developmentFiles})
 
 # What a developer's program is compiled with is depended on.

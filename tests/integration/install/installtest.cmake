@@ -21,7 +21,8 @@ require_file("${prefix}/${LIBRARY_FOLDER}/krgui/clprotocol/${CLPROTOCOL_SYSTEM}/
 # What a desktop, man and udev look for.
 foreach(file IN ITEMS share/applications/krviewer.desktop share/icons/hicolor/scalable/apps/krviewer.svg
     share/icons/hicolor/48x48/apps/krviewer.png share/man/man1/krviewer.1.gz share/man/man1/krtool.1.gz
-    lib/udev/rules.d/70-krgui-usb3vision.rules share/krgui/lab.yaml share/krgui/serial-features.yaml bin/krviewer bin/krtool)
+    lib/udev/rules.d/70-krgui-usb3vision.rules share/krgui/lab.yaml share/krgui/serial-features.yaml
+    share/krgui/doc/guide.md share/krgui/doc/viewer.md share/krgui/doc/pictures/krviewer.png bin/krviewer bin/krtool)
   require_file("${prefix}/${file}")
 endforeach()
 run_or_fail("Checking the desktop file" desktop-file-validate "${prefix}/share/applications/krviewer.desktop")

@@ -95,6 +95,24 @@ TEST(EndingWindow, WorkThatTakesLong_IsToldUntilItIsOver) {
   EXPECT_EQ(recording.abandoned, 0);
 }
 
+TEST(EndingWindow, WorkThatGoesOnBeyondTheLimit_IsAwaitedNoLonger) {
+  FakeWork work;
+  EndingWindow window({work.Make("It is written.")});
+
+  EXPECT_EQ(window.Await(std::chrono::milliseconds(1)), EndingResult::TooLate);
+
+  EXPECT_EQ(window.GetText(), "It is written.");
+  EXPECT_EQ(work.abandoned, 0);
+}
+
+TEST(EndingWindow, WorkThatEndsBeforeTheLimit_IsOver) {
+  FakeWork work;
+  EndingWindow window({work.Make("It is written.")});
+  WhenShown(window, [&] { work.isOver = true; });
+
+  EXPECT_EQ(window.Await(std::chrono::hours(1)), EndingResult::Over);
+}
+
 TEST(EndingWindow, Button_AbandonsRecordingsAlone) {
   FakeWork recording;
   FakeWork other{.isRecording = false};

@@ -17,7 +17,7 @@
 class ViewerTest : public LabTest {
 protected:
   void Begin(const krviewer::CommandLine& aCommandLine = {}) {
-    mViewer.emplace(aCommandLine, krviewer::ViewerHost{.settingsFile = mSettingsFile, .libraries = {"Aravis 0.8.26"}});
+    mViewer.emplace(aCommandLine, mHost);
     mViewer->Begin();
     ASSERT_TRUE(Await([this] { return GetWindow().isActiveWindow(); }));
   }
@@ -98,5 +98,9 @@ protected:
 
   const TemporaryFolder mFolder;
   const QString mSettingsFile = QString::fromStdString(mFolder.GetFile("krviewer.ini"));
+  /// Is not there, unless a test writes it.
+  const QString mGuideFile = QString::fromStdString(mFolder.GetFile("guide.md"));
+  /// For a test to change before it begins.
+  krviewer::ViewerHost mHost = {.settingsFile = mSettingsFile, .guideFile = mGuideFile, .libraries = {"Aravis 0.8.26"}};
   std::optional<krviewer::Viewer> mViewer;
 };

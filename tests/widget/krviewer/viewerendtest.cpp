@@ -1,0 +1,107 @@
+// Runs that leave pictures, with a camera that does not let go in time.
+
+#include "gate.h"
+#include "viewerfixture.h"
+#include "window/endingwindow.h"
+
+#include <QFile>
+#include <QTimer>
+
+using krviewer::EndingWindow;
+
+namespace {
+
+class ViewerEndTest : public ViewerTest {
+protected:
+  /// The end of the viewer before, which no loop of the application's own has seen, would end all loops of this one.
+  void SetUp() override {
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
+    QCoreApplication::exec();
+  }
+  /// Of a run that leaves pictures.
+  krviewer::CommandLine MakeCommandLine(std::uint32_t aSeconds) const {
+    krviewer::CommandLine commandLine;
+    commandLine.seconds = aSeconds;
+    commandLine.screenshotFolder = QString::fromStdString(mFolder.GetFile("shots"));
+    return commandLine;
+  }
+  /// The camera is at work until the gate is opened, and is given back by nobody meanwhile.
+  void HoldCamera() {
+    GetPage()->Do({.run = [this](KrGenParameterArray&) {
+      mGate.Wait({});
+      return KrResult();
+    }});
+    ASSERT_TRUE(mGate.AwaitReached());
+  }
+  bool HasPicture(const char* aName) const {
+    return QFile::exists(QString::fromStdString(mFolder.GetFile("shots/" + std::string(aName))));
+  }
+  static EndingWindow* FindEndingWindow() {
+    for (QWidget* const window : QApplication::topLevelWidgets())
+      if (auto* const ending = qobject_cast<EndingWindow*>(window))
+        return ending;
+    return nullptr;
+  }
+
+  Gate mGate;
+};
+
+} // namespace
+
+TEST_F(ViewerEndTest, RunThatEndsByItself_GivesUpWhatDoesNotEndAndSaysSo) {
+  int givenUp = 0;
+  mHost.endLimits = {.pictures = std::chrono::milliseconds(1), .batch = std::chrono::milliseconds(1)};
+  mHost.giveUp = [&] {
+    ++givenUp;
+    mGate.Open(); // The program would end here.
+  };
+  Begin(MakeCommandLine(100));
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->GetProgress().figures.GetFrames() > 0; }));
+  ASSERT_NO_FATAL_FAILURE(HoldCamera());
+  testing::internal::CaptureStderr();
+
+  mViewer->Finish();
+
+  const std::string told = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(givenUp, 1);
+  EXPECT_NE(told.find("Simulated Mono Camera"), std::string::npos) << told;
+  EXPECT_NE(told.find("is being given back"), std::string::npos) << told;
+  EXPECT_TRUE(HasPicture("window.png"));
+}
+
+TEST_F(ViewerEndTest, RunThatItsUserEnds_ShowsWhatItWaitsFor) {
+  mHost.endLimits = {.pictures = std::chrono::milliseconds(1), .batch = std::chrono::milliseconds(1)};
+  mHost.giveUp = [] { FAIL() << "Its user looks at it."; };
+  Begin(MakeCommandLine(0));
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->GetProgress().figures.GetFrames() > 0; }));
+  ASSERT_NO_FATAL_FAILURE(HoldCamera());
+  bool wasSeen = false;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    EndingWindow* const window = FindEndingWindow();
+    if (!window || !window->isVisible())
+      return;
+    wasSeen = true;
+    mGate.Open();
+  });
+  look.start(1);
+
+  mViewer->Finish();
+
+  EXPECT_TRUE(wasSeen);
+  EXPECT_TRUE(HasPicture("display.png"));
+}
+
+TEST_F(ViewerEndTest, CameraThatLetsGo_LeavesAllPicturesAtOnce) {
+  mHost.giveUp = [] { FAIL() << "Everything ends."; };
+  Begin(MakeCommandLine(100));
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->GetProgress().figures.GetFrames() > 0; }));
+
+  mViewer->Finish();
+
+  for (const char* const picture : {"window.png", "display.png", "browser.png", "frame.png", "display.txt"})
+    EXPECT_TRUE(HasPicture(picture)) << picture;
+}
