@@ -18,12 +18,14 @@
 #include "platform/waitcursor.h"
 #include "res/menus.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QTreeWidget>
 
+#include <cstdint>
 #include <exception>
 #include <optional>
 #include <string>
@@ -46,6 +48,8 @@ constexpr int kShowUnreachableID = 1040;
 constexpr int kTreeID = 1049;
 constexpr int kDiagnoseID = 1139;
 
+constexpr const char* kSilentAddressProperty = "krguiSilentAddress";
+
 const QString kErrorCaption = QStringLiteral("Error");
 const QString kForeignSubnetText =
     QStringLiteral("The device is on a subnet that is not compatible with your computer's network interface card "
@@ -61,6 +65,15 @@ std::optional<std::int32_t> AskAccessType(const KrString& aAddress) {
   KrAccessType type = KrAccessType::Unknown;
   const KrResult asked = KrDeviceGEV::GetAccessType(aAddress, type);
   return asked.IsOK() ? std::optional(static_cast<std::int32_t>(type)) : std::nullopt;
+}
+
+// Where nobody answered the last time, 0 for none. The application keeps it, as each search may have its own finder.
+std::uint32_t GetSilentAddress() {
+  return qApp->property(kSilentAddressProperty).toUInt();
+}
+
+void SetSilentAddress(std::uint32_t aAddress) {
+  qApp->setProperty(kSilentAddressProperty, aAddress);
 }
 
 void LogAccepted(const char* aWhat) {
@@ -328,7 +341,7 @@ void DeviceFinderWnd::SetIPAddress() {
 void DeviceFinderWnd::SelectFromIP() {
   const std::shared_ptr<FinderDiscovery> discovery = mDiscovery;
   const FinderDiscovery::FindHold hold(discovery);
-  SelectFromIPDlg dialog(GetWidget(), mSilentAddress);
+  SelectFromIPDlg dialog(GetWidget(), GetSilentAddress());
   if (dialog.Run() != ModalResult::OK || discovery->IsOver())
     return;
   const KrDeviceInfo* device = nullptr;
@@ -337,10 +350,11 @@ void DeviceFinderWnd::SelectFromIP() {
     const WaitCursor cursor;
     found = mSystem->FindDevice(dialog.GetAddress(), &device);
   }
-  if (found.IsOK() && device)
-    return Accept(*device);
+  const bool answers = found.IsOK() && device;
   // Most often one figure of it is wrong.
-  mSilentAddress = krsystem::ParseIPv4(dialog.GetAddress()).value_or(0);
+  SetSilentAddress(answers ? 0 : krsystem::ParseIPv4(dialog.GetAddress()).value_or(0));
+  if (answers)
+    return Accept(*device);
   (void)ShowMessage(GetWidget(),
                     QStringLiteral("Could not contact device. ") +
                         QStringLiteral("Nothing answers at %1.").arg(ToQString(dialog.GetAddress())),

@@ -86,8 +86,7 @@ private:
   FinderKinds mKinds;
   const KrDeviceInfo* mSelected = nullptr;
   bool mShowsUnreachable = false;
-  std::uint32_t mSilentAddress = 0; ///< Where nobody answered the last time; offered again.
-  std::optional<View> mView;        ///< From a rebuild to the next refresh.
+  std::optional<View> mView; ///< From a rebuild to the next refresh.
 
   // What follows is null while the window is not open.
   std::shared_ptr<FinderDiscovery> mDiscovery;

@@ -16,6 +16,28 @@ protected:
     mTransport->AddDevice("eth0", MakeFinderCamera());
     mTransport->AddDevice("eth0", MakeOldDevice());
   }
+  /// Asks for an address at which nobody answers, and says that it was read.
+  void AskForSilentAddress() {
+    OnNextDialog([this](QWidget& aDialog) {
+      QTest::keyClicks(aDialog.focusWidget(), "10.1.2.4");
+      OnNextDialog([](QWidget& aBox) { aBox.close(); });
+      QTest::keyClick(&aDialog, Qt::Key_Return);
+    });
+    Click(kFinderSelectFromIPID);
+    ASSERT_TRUE(mFinder.IsOpen());
+  }
+  /// Asks for an address, or for none, and gives what was offered first.
+  QStringList AskForAddress(TestFinderWnd& aFinder, const char* aAddress) {
+    QStringList offered;
+    OnNextDialog([&](QWidget& aDialog) {
+      for (const auto* const field : aDialog.findChildren<QLineEdit*>())
+        offered += field->text();
+      QTest::keyClicks(aDialog.focusWidget(), aAddress);
+      QTest::keyClick(&aDialog, *aAddress ? Qt::Key_Return : Qt::Key_Escape);
+    });
+    QTest::mouseClick(aFinder.GetControl(kFinderSelectFromIPID), Qt::LeftButton);
+    return offered;
+  }
 
   /// Handles what the thread posted at its round's end, and lets it run on; it tries for the next round at once.
   void LetTheThreadTry() {
@@ -178,26 +200,29 @@ TEST_F(DeviceAddressTest, SelectFromIP_WhereNobodyAnswersSaysSo) {
 TEST_F(DeviceAddressTest, SelectFromIP_OffersTheAddressAgainWhereNobodyAnswered) {
   mTransport->SetAtAddress(0x0A010203, 0, MakeFinderCamera("00:11:22:33:44:b1", "Far camera"));
   Open({"Camera A"});
-  OnNextDialog([&](QWidget& aDialog) {
-    QTest::keyClicks(aDialog.focusWidget(), "10.1.2.4");
-    OnNextDialog([](QWidget& aBox) { aBox.close(); });
-    QTest::keyClick(&aDialog, Qt::Key_Return);
-  });
-  Click(kFinderSelectFromIPID);
-  ASSERT_TRUE(mFinder.IsOpen());
+  ASSERT_NO_FATAL_FAILURE(AskForSilentAddress());
 
-  QStringList offered;
-  OnNextDialog([&](QWidget& aDialog) {
-    for (const auto* const field : aDialog.findChildren<QLineEdit*>())
-      offered += field->text();
-    QTest::keyClicks(aDialog.focusWidget(), "10.1.2.3");
-    QTest::keyClick(&aDialog, Qt::Key_Return);
-  });
-  Click(kFinderSelectFromIPID);
+  const QStringList offered = AskForAddress(mFinder, "10.1.2.3");
 
   EXPECT_EQ(offered, (QStringList{"10", "1", "2", "4"}));
   ASSERT_NE(mFinder.GetSelected(), nullptr);
   EXPECT_EQ(mFinder.GetSelected()->GetDisplayID(), KrString("Far camera"));
+}
+
+TEST_F(DeviceAddressTest, SelectFromIP_OffersTheSilentAddressInTheNextFinderUntilAnotherOneAnswers) {
+  mTransport->SetAtAddress(0x0A010203, 0, MakeFinderCamera("00:11:22:33:44:b1", "Far camera"));
+  Open({"Camera A"});
+  ASSERT_NO_FATAL_FAILURE(AskForSilentAddress());
+  ASSERT_TRUE(mFinder.Close().IsOK());
+  TestFinderWnd next;
+  ASSERT_TRUE(next.ShowModeless(0).IsOK());
+
+  const QStringList offered = AskForAddress(next, "10.1.2.3");
+  Open({"Camera A"});
+  const QStringList offeredLater = AskForAddress(mFinder, "");
+
+  EXPECT_EQ(offered, (QStringList{"10", "1", "2", "4"}));
+  EXPECT_EQ(offeredLater, (QStringList{"", "", "", ""}));
 }
 
 TEST_F(DeviceAddressTest, SelectFromIPCancelled_AsksNobody) {
