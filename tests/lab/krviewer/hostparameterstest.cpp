@@ -125,7 +125,7 @@ TEST_F(AcquisitionHostParametersTest, HostSettings_ThatDoNotFit_ArePassedOverAnd
 
 TEST_F(AcquisitionHostParametersTest, HostSettings_OfACameraThatCannotBeHad_StayKept) {
   const HostSettings kept = {{{{"StreamFrameRetention", "123000"}}, {}}};
-  const KrDeviceInfo& camera = GetCamera();
+  const krviewer::CameraInfo camera = GetCamera();
   ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
 
   Acquisition acquisition(mWindow, camera, {.hostSettings = kept});
