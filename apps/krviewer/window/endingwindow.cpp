@@ -54,6 +54,7 @@ EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
   mText->setWordWrap(true);
   mText->setMinimumWidth(fontMetrics().averageCharWidth() * kLettersPerLine);
   mText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  mSign->setTextFormat(Qt::PlainText);
   mBar->setRange(0, 0);
   mBar->setTextVisible(false);
   mBar->setAccessibleName(QStringLiteral("Under way"));
