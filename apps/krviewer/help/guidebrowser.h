@@ -21,11 +21,13 @@ signals:
   void Told(const QString& aText);
 
 protected:
+  void changeEvent(QEvent* aEvent) override;
   void doSetSource(const QUrl& aName, QTextDocument::ResourceType aType) override;
   /// Pictures that are wider than the window are made smaller.
   QVariant loadResource(int aType, const QUrl& aName) override;
 
 private:
+  void ColourLinks();
   void GoToHeading(const QString& aFragment);
 };
 

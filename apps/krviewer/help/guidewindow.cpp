@@ -4,9 +4,12 @@
 
 #include <QDialog>
 #include <QFileInfo>
+#include <QFontDatabase>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -14,8 +17,8 @@ namespace krviewer {
 
 namespace {
 
-/// Of the window at first, in letters and lines.
-constexpr int kWidth = 110;
+/// Of the window at first, in letters of program code and in lines.
+constexpr int kWidth = 124;
 constexpr int kHeight = 40;
 
 QPushButton* AddButton(QHBoxLayout& aRow, const QString& aText) {
@@ -73,7 +76,9 @@ bool ShowGuide(QWidget& aWindow, const QString& aFile) {
   layout->addWidget(browser, 1);
   layout->addWidget(state);
   layout->addLayout(MakeButtons(*window, *browser, guide));
-  window->resize(window->fontMetrics().averageCharWidth() * kWidth, window->fontMetrics().height() * kHeight);
+  const QFontMetrics code(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+  const QSize wanted(code.horizontalAdvance(QLatin1Char('0')) * kWidth, window->fontMetrics().height() * kHeight);
+  window->resize(wanted.boundedTo(aWindow.screen()->availableSize()));
   window->show();
   // With its size, as pictures are fitted to it.
   browser->setSource(guide);

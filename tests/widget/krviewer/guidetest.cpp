@@ -1,11 +1,15 @@
 // The guide that is installed with the viewer: its window, its links, and what is said where it is missing.
 
+#include "darkpalette.h"
 #include "help/guidebrowser.h"
 #include "viewerfixture.h"
 
 #include <QDialog>
 #include <QFile>
+#include <QImage>
+#include <QScrollBar>
 #include <QTextBlock>
+#include <QTextCursor>
 
 using krviewer::GuideBrowser;
 using krviewer::MakeHeadingName;
@@ -96,6 +100,44 @@ TEST_F(GuideTest, LinkToWhatIsNotInstalled_IsSaidAndTheDocumentStays) {
 
   EXPECT_EQ(GetHeading(*browser), "First");
   EXPECT_EQ(GetState(), "main.cpp comes with the sources alone: it is not installed.");
+}
+
+TEST_F(GuideTest, Links_CanBeReadOnADarkScreenAndHaveTheirColourOnALightOne) {
+  Write("guide.md", "# First\n\nText, [link](second.md), text.\n");
+  Begin();
+  GuideBrowser* const browser = OpenGuide();
+  ASSERT_NE(browser, nullptr);
+  const QPalette light = browser->palette();
+  const auto getLinkColour = [=] {
+    QTextCursor cursor = browser->document()->find("link");
+    return cursor.charFormat().foreground().color();
+  };
+
+  EXPECT_EQ(getLinkColour(), light.color(QPalette::Link));
+  browser->setPalette(krgui::MakeDarkPalette());
+  EXPECT_EQ(getLinkColour(), krgui::MakeDarkPalette().color(QPalette::Text));
+  browser->setPalette(light);
+  EXPECT_EQ(getLinkColour(), light.color(QPalette::Link));
+}
+
+TEST_F(GuideTest, PictureThatIsWiderThanTheWindow_IsFittedToIt) {
+  QImage picture(4000, 100, QImage::Format_RGB32);
+  picture.fill(Qt::red);
+  ASSERT_TRUE(picture.save(QString::fromStdString(mFolder.GetFile("wide.png"))));
+  Write("guide.md", "# First\n\n![wide](wide.png)\n");
+  Begin();
+  GuideBrowser* const browser = OpenGuide();
+  ASSERT_NE(browser, nullptr);
+
+  EXPECT_EQ(browser->horizontalScrollBar()->maximum(), 0);
+  const QImage shown = browser->grab().toImage();
+  int red = 0;
+  for (int x = 0; x < shown.width(); ++x)
+    for (int y = 0; y < shown.height(); ++y)
+      if (shown.pixelColor(x, y) == Qt::red && ++red)
+        break;
+  EXPECT_GT(red, browser->viewport()->width() * 9 / 10);
+  EXPECT_LE(red, browser->viewport()->width());
 }
 
 TEST(GuideHeadings, NamesAreThoseOfTheirLinks) {
