@@ -50,7 +50,7 @@ protected:
 
   /// Uses the window on an open device, with the row's fault at each step of that.
   void TryWindowAtEachStep(const std::function<KrResult(KrDevice&)>& aUse) {
-    constexpr std::uint64_t kClosings = 12;
+    constexpr std::uint64_t kClosings = 10;
     constexpr std::uint64_t kFailures =
         5; // What the device's failures come to without a window is tried at more steps.
     const bool isClosing = GetParam().closesWindow;
