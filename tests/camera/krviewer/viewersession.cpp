@@ -49,13 +49,19 @@ bool ViewerSession::AwaitStreaming(const QString& aCamera) {
                .GetScreen()
                .Find([&](const AccessibleItem& aItem) { return aItem.role == "frame" && aItem.name == aCamera; })
                .has_value() &&
-           GetFrames() > 0;
+           (GetFrames() > 0 || GetFrameRate() > 0);
   });
 }
 
 long long ViewerSession::GetFrames() {
   const QRegularExpressionMatch match = FindLabel(User().GetScreen(), "^([0-9]+) frames?$");
   return match.hasMatch() ? match.captured(1).toLongLong() : -1;
+}
+
+// A narrow window has room for this one, but not for how many there were.
+double ViewerSession::GetFrameRate() {
+  const QRegularExpressionMatch match = FindLabel(User().GetScreen(), "^([0-9.]+) frames/s$");
+  return match.hasMatch() ? match.captured(1).toDouble() : -1;
 }
 
 bool ViewerSession::AwaitMoreFrames() {

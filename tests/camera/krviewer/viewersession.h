@@ -32,6 +32,8 @@ protected:
 
   /// Waits for the window of a camera, which streams as long as its title says no more than its name.
   bool AwaitStreaming(const QString& aCamera);
+  /// How many frames a second the status bar says; -1 where it says none.
+  double GetFrameRate();
   /// How many frames the status bar counts; -1 where it counts none.
   long long GetFrames();
   /// Waits for more frames than there are.
