@@ -83,7 +83,7 @@ QString TellWritten(const CameraPage& aPage) {
     std::printf("recording=ended written=%" PRIu64 " incomplete=%" PRIu64 " queue_full=%" PRIu64 " failed=%" PRIu64
                 " abandoned=%" PRIu64 "\n",
                 counts.written, counts.incomplete, counts.queueFull, counts.failed, counts.abandoned);
-    if (recording.end != RecordingEnd::Stopped || counts.failed > 0)
+    if (HasFailed(recording))
       troubles += QStringLiteral("The recording of %1 is not whole. %2 %3")
                       .arg(GetName(aPage), QString::fromStdString(DescribeState(recording)),
                            QString::fromStdString(DescribeLosses(recording)));

@@ -78,6 +78,11 @@ bool HasLosses(const RecordingCounts& aCounts) {
   return aCounts.queueFull + aCounts.incomplete + aCounts.failed + aCounts.abandoned > 0;
 }
 
+bool HasFailed(const RecordingProgress& aProgress) {
+  return aProgress.end == RecordingEnd::Failed || aProgress.end == RecordingEnd::DiskReserve ||
+         aProgress.counts.failed > 0;
+}
+
 std::string DescribeLosses(const RecordingProgress& aProgress) {
   const RecordingCounts& counts = aProgress.counts;
   std::string text;

@@ -19,5 +19,8 @@ std::string DescribeWritten(const RecordingCounts& aCounts);
 std::string DescribeLosses(const RecordingProgress& aProgress);
 /// Whether a frame is missing that was not left out by choice.
 bool HasLosses(const RecordingCounts& aCounts);
+/// Whether something that was to be recorded could not be written. What was given up, or is beyond a limit that was
+/// asked for, was not to be.
+bool HasFailed(const RecordingProgress& aProgress);
 
 } // namespace krviewer

@@ -1,6 +1,7 @@
 // Recordings on a disk that stops answering: nobody has to wait for it.
 
 #include "hangingdisk.h"
+#include "recording/recordingtexts.h"
 #include "recordings.h"
 
 #include <gmock/gmock.h>
@@ -60,6 +61,24 @@ TEST_F(RecordingOnAHangingDisk, GivenUp_IsStillBusyAndEndsWhenTheDiskAnswers) {
   const RecordingProgress progress = AwaitEnd();
   EXPECT_EQ(progress.end, RecordingEnd::Stopped);
   EXPECT_THAT(ReadColumn(options.folder, "frame_id"), ElementsAre("1", "2"));
+}
+
+TEST_F(RecordingOnAHangingDisk, StoppedWhileItWritesTheLastOfItsFrames_IsWhole) {
+  RecordingOptions options = MakeOptions();
+  options.mostFrames = 3;
+  StartOnDisk(mRecorder, options);
+  Give(1, 1);
+  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+  mDisk.Hang();
+  Give(2, 4);
+  ASSERT_TRUE(AwaitHanging());
+
+  mRecorder.Stop();
+  mDisk.Recover();
+
+  const RecordingProgress progress = AwaitEnd();
+  EXPECT_EQ(progress.counts.written, 3U);
+  EXPECT_FALSE(HasFailed(progress)) << DescribeState(progress);
 }
 
 TEST_F(RecordingOnAHangingDisk, Left_HasFailedAndWritesNothingMore) {

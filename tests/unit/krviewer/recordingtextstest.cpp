@@ -88,3 +88,21 @@ TEST(RecordingTexts, FramesPassedOverByChoice_AreNoLoss) {
   EXPECT_FALSE(HasLosses(progress.counts));
   EXPECT_EQ(DescribeLosses(progress), "No frame was lost.\n3 frames passed over, as asked.");
 }
+
+TEST(RecordingTexts, RecordingThatReachedALimit_HasNotFailed) {
+  for (const RecordingEnd end :
+       {RecordingEnd::Stopped, RecordingEnd::FrameLimit, RecordingEnd::TimeLimit, RecordingEnd::DiskBudget}) {
+    RecordingProgress progress = MakeProgress(RecordingState::Ended, end);
+    progress.counts.queueFull = progress.counts.abandoned = 1;
+    EXPECT_FALSE(HasFailed(progress)) << DescribeState(progress);
+
+    progress.counts.failed = 1;
+
+    EXPECT_TRUE(HasFailed(progress)) << DescribeState(progress);
+  }
+}
+
+TEST(RecordingTexts, RecordingThatTheDiskHadNoRoomFor_HasFailed) {
+  EXPECT_TRUE(HasFailed(MakeProgress(RecordingState::Ended, RecordingEnd::DiskReserve)));
+  EXPECT_TRUE(HasFailed(MakeProgress(RecordingState::Ended, RecordingEnd::Failed)));
+}
