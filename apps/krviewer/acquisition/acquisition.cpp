@@ -1,6 +1,7 @@
 #include "acquisition/acquisition.h"
 
 #include "acquisition/cameraidentity.h"
+#include "acquisition/returnpause.h"
 #include "acquisition/settingsreturn.h"
 #include "acquisition/triggercommand.h"
 
@@ -11,10 +12,6 @@ namespace krviewer {
 
 namespace {
 
-constexpr std::chrono::seconds kRetryPause{1};
-// Who was cut off keeps a camera until it has heard nothing for three seconds, mostly. There are cameras to which the
-// question who has them is as good as a word from that one: asked more often they would stay his for ever.
-constexpr std::chrono::seconds kHeldPause{5};
 constexpr int kMostReturns = 3; // A camera that keeps silent about a register streams without it.
 
 // Where the connection is at fault rather than what was asked for.
@@ -63,6 +60,7 @@ void Acquisition::SetState(AcquisitionState aState, const KrResult& aResult) {
   const std::lock_guard lock(mMutex);
   mProgress.state = aState;
   mProgress.result = aResult;
+  mProgress.isRefused = mIsRefused;
 }
 
 KrString Acquisition::GetName() const {
@@ -172,16 +170,15 @@ void Acquisition::Pause(std::stop_token aStop) {
 
 // What answers, but could not be opened or started, is tried again: its old connection may have to expire first.
 void Acquisition::AwaitReturn(const KrResult& aLoss, std::stop_token aStop) {
-  const bool isHeld = aLoss == KrResult::Code::AccessDenied;
-  const bool isGone = mDevice && !mDevice->IsConnected();
-  const auto retry = std::chrono::steady_clock::now() + (isHeld ? kHeldPause : kRetryPause);
-  const auto hasCome = [&] { return !isHeld && (mIsBack || mSeen); };
+  const auto pause = GetReturnPause(aLoss, mDevice && !mDevice->IsConnected());
+  const auto retry = std::chrono::steady_clock::now() + pause.value_or(kRetryPause);
+  const auto hasCome = [&] { return !IsHeld(aLoss) && (mIsBack || mSeen); };
   const auto isWoken = [&] { return hasCome() || !mRequests.IsEmpty(); };
   for (;;) {
     CarryOutRequests();
     std::unique_lock lock(mMutex);
     const bool isInTime =
-        isGone ? mChanged.wait(lock, aStop, isWoken) : mChanged.wait_until(lock, aStop, retry, isWoken);
+        pause ? mChanged.wait_until(lock, aStop, retry, isWoken) : mChanged.wait(lock, aStop, isWoken);
     if (hasCome() || !isInTime)
       return;
   }
@@ -207,6 +204,7 @@ KrResult Acquisition::ServeConnection(std::stop_token aStop) {
 // is had all the same.
 KrResult Acquisition::BeginConnection(std::stop_token aStop) {
   CloseDevice();
+  mIsRefused = false;
   KrResult result = OpenDevice(aStop);
   if (!result.IsOK())
     return result;
@@ -215,10 +213,11 @@ KrResult Acquisition::BeginConnection(std::stop_token aStop) {
     result = ReturnSettings(aStop);
   if (result.IsOK() && mWanted != Wanted::Nothing)
     result = StartStream();
-  const bool isRefused = !result.IsOK() && !mHasServed && mOptions.frameLimit == 0 && !IsConnectionTrouble(result);
-  if (!result.IsOK() && !isRefused)
+  if (!result.IsOK() && (mHasServed || mOptions.frameLimit != 0 || IsConnectionTrouble(result))) {
+    mIsRefused = !IsConnectionTrouble(result);
     return result;
-  if (isRefused)
+  }
+  if (!result.IsOK())
     mWanted = Wanted::Nothing;
   LendDevice();
   mHasServed = true;

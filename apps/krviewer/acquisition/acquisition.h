@@ -132,6 +132,7 @@ private:
   Wanted mWanted;
   bool mIsServing = false; ///< Whether requests can be carried out on the device.
   bool mHasServed = false; ///< Whether there was ever a connection.
+  bool mIsRefused = false; ///< Whether the device was had the last time and could not be started.
 
   mutable std::mutex mMutex; ///< Guards the progress, loss and return.
   std::condition_variable_any mChanged;

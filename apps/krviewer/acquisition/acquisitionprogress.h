@@ -31,8 +31,9 @@ struct AcquisitionProgress {
   std::uint64_t returns = 0;     ///< How often the camera was lost and came back.
   SettingsReturned settings;     ///< What came of setting it as before the last time.
   krapps::StreamFigures figures;
-  KrString strayAddress; ///< Where a lost camera answers that cannot be reached there; empty for one that does not.
-  bool isSlow = false;   ///< Whether its registers take long to answer.
+  bool isRefused = false; ///< A lost camera is back and cannot be started.
+  KrString strayAddress;  ///< Where a lost camera answers that cannot be reached there; empty for one that does not.
+  bool isSlow = false;    ///< Whether its registers take long to answer.
   KrStreamStatistics statistics;      ///< Of all connections together.
   double framesPerSecond = 0;         ///< Over the last second; 0 when no frames come any more.
   double megabytesPerSecond = 0;      ///< Likewise.

@@ -42,6 +42,10 @@ Advice AdviseOnLoss(const AcquisitionProgress& aProgress, CameraLink aLink) {
                 ", an address that this computer does not reach it at. Give it an address of its network adapter's "
                 "subnet; it is shown again then.",
             {Remedy::ConfigureIP, Remedy::Disconnect}};
+  if (aProgress.isRefused)
+    return {"The camera is back, but cannot be started. That is tried again until it can.\n" +
+                aProgress.result.GetDescription(),
+            {Remedy::Disconnect}};
   const KrString anywhere = aLink == CameraLink::GigEVision ? ", also with another address.\n" : ".\n";
   return {"The camera is lost; it is shown again as soon as it is back" + anywhere + aProgress.result.GetDescription(),
           {Remedy::Disconnect, Remedy::OpenFinder}};

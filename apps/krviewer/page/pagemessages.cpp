@@ -22,7 +22,8 @@ QString GetStateText(const PageState& aState) {
   case AcquisitionState::Connected:
     return QStringLiteral("stopped");
   case AcquisitionState::Lost:
-    return QStringLiteral("camera lost, waiting for it to come back");
+    return aState.progress.isRefused ? QStringLiteral("camera back, cannot be started")
+                                     : QStringLiteral("camera lost, waiting for it to come back");
   case AcquisitionState::Failed:
     return QStringLiteral("not connected");
   default:

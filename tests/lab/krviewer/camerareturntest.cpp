@@ -2,6 +2,7 @@
 
 #include "acquisitionfixture.h"
 #include "krtransport/krsimulatedfaults.h"
+#include "parametertext.h"
 
 #include <map>
 #include <variant>
@@ -40,6 +41,22 @@ protected:
 class ReturnOutOfReach : public AcquisitionTest {
 protected:
   ReturnOutOfReach() : AcquisitionTest(MakeLab({{kMonoMAC, "169.254.3.4"}})) {}
+};
+
+// So many pixels that no computer has the memory for all the buffers that a stream may have.
+krtransport::Lab MakeLabOfLargeCamera() {
+  krtransport::Lab lab = krtransport::GetBuiltInLab();
+  for (krtransport::LabAdapter& adapter : lab.adapters)
+    for (krtransport::LabNetworkDevice& device : adapter.devices)
+      if (auto* const camera = std::get_if<krtransport::LabGEVCamera>(&device);
+          camera && camera->macAddress == kMonoMAC)
+        camera->sensorWidth = camera->sensorHeight = 32768;
+  return lab;
+}
+
+class ReturnOfALargeCamera : public AcquisitionTest {
+protected:
+  ReturnOfALargeCamera() : AcquisitionTest(MakeLabOfLargeCamera()) {}
 };
 
 using ReturnToTheSame = AcquisitionTest;
@@ -112,6 +129,29 @@ TEST_F(ReturnOutOfReach, CameraIsSaidToBeThere_AndTakenUpWhenItIsGivenAnAddress)
   EXPECT_EQ(back.state, AcquisitionState::Streaming);
   EXPECT_EQ(GetAddress(back), KrString(kNewAddress));
   EXPECT_TRUE(back.strayAddress.IsEmpty());
+}
+
+TEST_F(ReturnOfALargeCamera, CameraThatIsBackAndCannotBeStarted_IsSaidToBeUntilItIsHadWithoutFrames) {
+  Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  krviewer::Loan<KrGenParameterArray>& loan = acquisition.GetParameters(krviewer::HostSide::Stream);
+  KrGenParameterArray* stream = nullptr;
+  ASSERT_TRUE(WaitUntil([&] { return (stream = loan.Borrow()) != nullptr; }));
+  EXPECT_TRUE(SetText(*stream, "StreamBufferCountManual", "1024").IsOK());
+  loan.GiveBack();
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  EXPECT_FALSE(Await(acquisition, AcquisitionState::Lost).isRefused);
+  EXPECT_TRUE(AwaitStart(acquisition).IsOK()) << "It is started when it is back.";
+
+  ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+
+  const AcquisitionProgress refused =
+      Await(acquisition, [](const AcquisitionProgress& aProgress) { return aProgress.isRefused; });
+  EXPECT_TRUE(refused.isRefused);
+  EXPECT_EQ(refused.state, AcquisitionState::Lost);
+  EXPECT_TRUE(AwaitStop(acquisition).IsOK());
+  const AcquisitionProgress had = Await(acquisition, AcquisitionState::Connected);
+  EXPECT_EQ(had.state, AcquisitionState::Connected);
+  EXPECT_FALSE(had.isRefused);
 }
 
 TEST_F(ReturnToTheSame, CameraThatWasGivenAnotherAddressSinceItWasFound_IsOpenedThere) {

@@ -282,6 +282,16 @@ TEST_F(AdviserTest, LostCameraThatIsBackWhereItCannotBeReached_CanBeGivenAnAddre
   EXPECT_THAT(mRemedies, Contains(Remedy::ConfigureIP));
 }
 
+TEST_F(AdviserTest, CameraThatIsBackAndCannotBeStarted_IsNotSaidToBeLost) {
+  mProgress.state = AcquisitionState::Lost;
+  mProgress.isRefused = true;
+  mProgress.result = {KrResult::Code::NotSupported, "why"};
+
+  EXPECT_THAT(Look(), HasSubstr("is back, but cannot be started"));
+  EXPECT_THAT(Look(), HasSubstr("why"));
+  EXPECT_THAT(Look(), testing::Not(HasSubstr("is lost")));
+}
+
 TEST_F(AdviserTest, CameraThatBecomesSlow_IsToldUntilItIsPromptAgain) {
   Stream();
   EXPECT_EQ(PassCalmSeconds(2), "");
