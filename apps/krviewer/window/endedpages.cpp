@@ -1,5 +1,6 @@
 #include "window/endedpages.h"
 
+#include "acquisition/cameraidentity.h"
 #include "page/camerapage.h"
 #include "page/pageending.h"
 #include "window/endingwindow.h"
@@ -21,7 +22,7 @@ void EndedPages::Add(std::unique_ptr<CameraPage> aPage) {
 
 bool EndedPages::IsBeingGivenBack(const KrDeviceInfo& aCamera) const {
   return std::ranges::any_of(mPages, [&aCamera](const std::unique_ptr<CameraPage>& aPage) {
-    return !aPage->HasEnded() && aPage->GetCamera().GetUniqueID() == aCamera.GetUniqueID();
+    return !aPage->HasEnded() && IsSameCamera(aPage->GetCamera(), aCamera);
   });
 }
 

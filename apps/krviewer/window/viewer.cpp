@@ -1,5 +1,6 @@
 #include "window/viewer.h"
 
+#include "acquisition/cameraidentity.h"
 #include "help/guidewindow.h"
 #include "plaintext.h"
 #include "window/aboutbox.h"
@@ -20,10 +21,6 @@ namespace {
 
 constexpr int kLookIntervalMs = 50;
 const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
-
-KrString GetID(const CameraInfo& aCamera) {
-  return aCamera->GetUniqueID();
-}
 
 } // namespace
 
@@ -145,10 +142,10 @@ void Viewer::Open(const CameraInfo& aCamera) {
   if (mIsOver)
     return;
   for (const std::unique_ptr<CameraPage>& page : mPages)
-    if (page->GetCamera().GetUniqueID() == aCamera->GetUniqueID())
+    if (IsSameCamera(page->GetCamera(), *aCamera))
       return ShowAgain(*page, aCamera);
   if (mEndedPages.IsBeingGivenBack(*aCamera)) {
-    if (std::ranges::find(mReturning, aCamera->GetUniqueID(), GetID) == mReturning.end())
+    if (std::ranges::none_of(mReturning, [&](const CameraInfo& aOther) { return IsSameCamera(*aOther, *aCamera); }))
       mReturning.push_back(aCamera);
     return GetActiveWindow().GetBar().Say(
         {MessageKind::Information, QStringLiteral("%1 was closed a moment ago and is being given back. It is shown "

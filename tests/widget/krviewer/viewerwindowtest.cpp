@@ -56,6 +56,15 @@ protected:
                          .isEmpty();
            });
   }
+  /// Nothing answers at its address.
+  static krviewer::CameraInfo MakeCameraWithoutMAC(const KrString& aAddress) {
+    krsystem::GEVFields fields;
+    fields.uniqueID = aAddress + "/7";
+    fields.macAddress = "00:00:00:00:00:00";
+    fields.ipAddress = aAddress;
+    fields.serialNumber = "7";
+    return std::make_shared<const KrDeviceInfoGEV>(fields);
+  }
   QStringList GetTitles(int aWindow = 0) {
     QStringList titles;
     for (krviewer::CameraPage* const page : GetWindow(aWindow).GetPages())
@@ -127,6 +136,20 @@ TEST_F(ViewerWindowTest, SameCameraTwice_BringsItsTabForward) {
 
   EXPECT_EQ(GetTitles().size(), 2);
   EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
+}
+
+TEST_F(ViewerWindowTest, SameCameraWithoutMACAtAnotherAddress_IsKnownByItsSerialNumber) {
+  Begin();
+  mViewer->Open(MakeCameraWithoutMAC("192.168.77.70"));
+  ASSERT_EQ(GetTitles().size(), 1);
+
+  mViewer->Open(MakeCameraWithoutMAC("192.168.77.71"));
+  EXPECT_EQ(GetTitles().size(), 1);
+  ASSERT_TRUE(Choose("closeCamera"));
+  mViewer->Open(MakeCameraWithoutMAC("192.168.77.71")); // What has ended is seen by a loop alone.
+
+  EXPECT_EQ(GetTitles().size(), 0);
+  EXPECT_TRUE(GetMessage(GetWindow()).contains("being given back")) << GetMessage(GetWindow()).toStdString();
 }
 
 TEST_F(ViewerWindowTest, DisconnectedCameraOpenedAgain_IsConnectedInItsTab) {
