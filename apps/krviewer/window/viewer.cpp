@@ -274,6 +274,19 @@ void Viewer::NoteEnd(CameraPage& aPage) {
     Finish();
 }
 
+// A user sees that a camera is awaited; whoever started a run that ends by itself is told that its last part is
+// missing.
+void Viewer::NoteLost() {
+  for (const std::unique_ptr<CameraPage>& page : mPages) {
+    const AcquisitionProgress& progress = page->GetProgress();
+    if (!mCommandLine.IsBatch() || progress.state != AcquisitionState::Lost)
+      continue;
+    std::fprintf(stderr, "%s: The camera was lost and is not streamed at the end: %s\n",
+                 progress.result.GetCodeString().CStr(), krapps::MakeField(progress.result.GetDescription()).c_str());
+    mExitCode = 1;
+  }
+}
+
 // What the user wants to see begins when the cameras are there, however long that takes.
 void Viewer::CountSeconds() {
   const auto isConnecting = [](const std::unique_ptr<CameraPage>& aPage) {

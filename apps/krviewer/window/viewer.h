@@ -90,6 +90,7 @@ private:
   void DeleteEnded();
   void HideWindows();
   void NoteEnd(CameraPage& aPage);
+  void NoteLost();
   void SetRecentCameras(const RecentCameras& aCameras);
   void KeepState(CameraPage& aPage);
   void KeepLayouts();

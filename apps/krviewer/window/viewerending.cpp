@@ -105,6 +105,7 @@ void Viewer::Finish() {
   mEndTimer.stop();
   mWanted.End();
   mFinder.Close();
+  NoteLost();
   KeepLayouts();
   SaveWindowPicture();
   // A camera that does not answer needs its time; who has closed the window does not want to look at it meanwhile.
