@@ -21,8 +21,6 @@ namespace krviewer {
 namespace {
 
 constexpr std::chrono::milliseconds kLookInterval{50};
-/// What is over before is no reason for a window.
-constexpr std::chrono::milliseconds kPatience{500};
 constexpr int kLettersPerLine = 60;
 constexpr std::uint64_t kMsPerSecond = 1000;
 
@@ -75,6 +73,8 @@ EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
   layout->addWidget(mBar);
   layout->addLayout(buttons);
   connect(&mTimer, &QTimer::timeout, this, &EndingWindow::LookAgain);
+  mPatience.setSingleShot(true);
+  connect(&mPatience, &QTimer::timeout, this, &QWidget::show);
 }
 
 EndingResult EndingWindow::Await(std::chrono::milliseconds aLimit) {
@@ -90,8 +90,9 @@ EndingResult EndingWindow::Await(std::chrono::milliseconds aLimit) {
   if (aLimit != kNoLimit)
     limit.start(aLimit);
   mTimer.start(kLookInterval);
-  QTimer::singleShot(kPatience, this, [this] { setVisible(!mWorks.empty()); });
+  mPatience.start(kPatience);
   RunUntilOver();
+  mPatience.stop();
   mTimer.stop();
   if (mWorks.empty())
     return EndingResult::Over;
@@ -141,7 +142,10 @@ void EndingWindow::Describe() {
   bool isAnyStalled = false;
   for (const Watched& watched : mWorks) {
     lines += watched.work.describe();
-    isAnyRecording = isAnyRecording || watched.work.isRecording();
+    const bool isRecording = watched.work.isRecording();
+    isAnyRecording = isAnyRecording || (isRecording && !watched.isAbandoned);
+    if (isRecording && watched.isAbandoned)
+      lines.back() += QStringLiteral("\nIt is being given up; only the frame that is being written is still awaited.");
     if (const std::uint64_t stalledMs = watched.watch.GetStalledMs()) {
       isAnyStalled = true;
       lines.back() +=
@@ -163,8 +167,8 @@ void EndingWindow::SetText(const QString& aText) {
 }
 
 void EndingWindow::Abandon() {
-  for (const Watched& watched : mWorks)
-    if (watched.work.isRecording())
+  for (Watched& watched : mWorks)
+    if (watched.work.isRecording() && !std::exchange(watched.isAbandoned, true))
       watched.work.abandon();
   LookAgain();
 }

@@ -46,6 +46,9 @@ public:
   /// A steady clock in milliseconds.
   using Clock = std::function<std::uint64_t()>;
 
+  /// What is over before is no reason for a window.
+  static constexpr std::chrono::milliseconds kPatience{500};
+
   explicit EndingWindow(std::vector<EndingWork> aWorks, Clock aClock = {});
 
   static constexpr std::chrono::milliseconds kNoLimit = std::chrono::milliseconds::max();
@@ -66,6 +69,7 @@ private:
   struct Watched {
     EndingWork work;
     StallWatch watch = {};
+    bool isAbandoned = false;
   };
 
   /// What closes it: its frame, Escape and, of trouble that was read, its button.
@@ -86,6 +90,7 @@ private:
   QPushButton* const mAbandon;
   QPushButton* const mClose;
   QTimer mTimer;
+  QTimer mPatience;     ///< Until the window is shown.
   bool mIsTold = false; ///< It is trouble that is shown.
 };
 

@@ -117,19 +117,26 @@ TEST(EndingWindow, Button_AbandonsRecordingsAlone) {
   FakeWork recording;
   FakeWork other{.isRecording = false};
   EndingWindow window({recording.Make("It is written."), other.Make("It is given back.")});
-  bool wasOffered = true;
+  bool wasOffered = false;
+  bool isStillOffered = true;
+  QString text;
   WhenShown(window, [&] {
+    wasOffered = IsShown(window, "abandon");
     GetButton(window, "abandon").click();
+    isStillOffered = IsShown(window, "abandon");
+    text = GetText(window);
     recording.isRecording = false;
     window.close(); // Gives up nothing.
     recording.isOver = true;
     other.isOver = true;
-    wasOffered = IsShown(window, "abandon");
   });
 
   window.Await();
 
   EXPECT_TRUE(wasOffered);
+  EXPECT_FALSE(isStillOffered);
+  EXPECT_EQ(text, "It is written.\nIt is being given up; only the frame that is being written is still awaited.\n\nIt "
+                  "is given back.");
   EXPECT_EQ(recording.abandoned, 1);
   EXPECT_EQ(other.abandoned, 0);
 }
@@ -177,4 +184,24 @@ TEST(EndingWindow, Trouble_IsShownUntilItIsRead) {
   EXPECT_EQ(text, "The disk was full.");
   EXPECT_FALSE(isWaiting);
   EXPECT_FALSE(window.isVisible());
+}
+
+TEST(EndingWindow, TroubleOfAnEndThatTookNoWindow_StaysUntilItIsRead) {
+  FakeWork work;
+  EndingWindow window({work.Make("It is written.")});
+  QTimer::singleShot(0, &window, [&work] { work.isOver = true; });
+  window.Await();
+  bool wasVisible = false;
+  WhenShown(window, [&] {
+    // Begun later than the window's own patience, so that it is over later.
+    QTimer::singleShot(EndingWindow::kPatience, &window, [&] {
+      wasVisible = window.isVisible();
+      GetButton(window, "close").click();
+      emit window.Over(); // Also for a window that is gone.
+    });
+  });
+
+  window.Tell("The disk was full.");
+
+  EXPECT_TRUE(wasVisible);
 }
