@@ -10,8 +10,11 @@
 #include "krgenicam/krgeninteger.h"
 #include "simulation/labfile/labreader.h"
 
+#include <algorithm>
 #include <atomic>
 #include <optional>
+#include <string>
+#include <utility>
 
 namespace krtest {
 
@@ -59,30 +62,45 @@ protected:
     KrResult failure;
     int framesAtReturn = 0;
     bool isReturned = false;
-    acquisition.Do(
-        {.run =
-             [](KrGenParameterArray& aParameters) { return aParameters.GetInteger("Height")->SetValue(kChosenHeight); },
-         .isStreamStopped = true,
-         .then = [&](const KrResult& aResult) { set = aResult; }});
+    bool isToSetAgain = false;
+    const auto setHeight = [&] {
+      acquisition.Do({.run =
+                          [](KrGenParameterArray& aParameters) {
+                            return aParameters.GetInteger("Height")->SetValue(kChosenHeight);
+                          },
+                      .isStreamStopped = true,
+                      .then = [&](const KrResult& aResult) { set = aResult; }});
+    };
+    setHeight();
     const bool isOver = AwaitTrue([&] {
       acquisition.LookAgain();
       const krviewer::AcquisitionProgress progress = acquisition.GetProgress();
       if (progress.state == AcquisitionState::Lost && !isReturned) {
         EXPECT_TRUE(SaysWhatHappened(progress.result));
+        isToSetAgain = !IsNoted(acquisition);
         mFaults->Return();
         isReturned = true;
         framesAtReturn = sink.frames;
       }
+      // What was set a moment before the loss, too late to be noted, its user sets again.
+      if (progress.state == AcquisitionState::Streaming && set && std::exchange(isToSetAgain, false))
+        setHeight();
       EndSilence(progress);
       failure = FindFailure(progress, set);
       return !failure.IsOK() || sink.frames >= framesAtReturn + 3;
     });
-    EXPECT_TRUE(isOver) << "state " << static_cast<int>(acquisition.GetProgress().state);
+    EXPECT_TRUE(isOver) << "state " << static_cast<int>(acquisition.GetProgress().state) << ", "
+                        << (set ? set->GetCodeString().ToUtf8() : "not set yet") << "; " << mSteps.Describe();
     acquisition.Stop();
     return failure;
   }
 
 private:
+  static bool IsNoted(const Acquisition& aAcquisition) {
+    return std::ranges::any_of(aAcquisition.GetSettings(), [](const krviewer::KeptSetting& aSetting) {
+      return aSetting.name == "Height" && aSetting.value == std::to_string(kChosenHeight);
+    });
+  }
   // A camera that sends nothing is no failure; this one answers again before long.
   void EndSilence(const krviewer::AcquisitionProgress& aProgress) {
     constexpr std::uint64_t kSilentSteps = 500;
