@@ -1,4 +1,4 @@
-// Runs that leave pictures, with a camera that does not let go in time.
+// Runs that end by themselves, with a camera that does not let go in time or is lost.
 
 #include "gate.h"
 #include "viewerfixture.h"
@@ -104,4 +104,21 @@ TEST_F(ViewerEndTest, CameraThatLetsGo_LeavesAllPicturesAtOnce) {
 
   for (const char* const picture : {"window.png", "display.png", "browser.png", "frame.png", "display.txt"})
     EXPECT_TRUE(HasPicture(picture)) << picture;
+}
+
+TEST_F(ViewerEndTest, RunWhoseCameraIsLostAtItsEnd_HasFailedAndSaysSo) {
+  krviewer::CommandLine commandLine;
+  commandLine.seconds = 1000;
+  Begin(commandLine);
+  OpenStreaming();
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  ASSERT_TRUE(Await([this] { return GetPage()->GetProgress().state == krviewer::AcquisitionState::Lost; }));
+  testing::internal::CaptureStderr();
+
+  QTimer::singleShot(0, &*mViewer, &krviewer::Viewer::Finish);
+  const int exitCode = mViewer->Run();
+
+  const std::string told = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_NE(told.find("The camera was lost"), std::string::npos) << told;
 }

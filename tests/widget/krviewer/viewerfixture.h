@@ -28,6 +28,15 @@ protected:
     ASSERT_NE(info, nullptr) << aUniqueID;
     mViewer->Open(krviewer::BorrowCamera(*info));
   }
+  /// A camera at whose address nothing answers.
+  static krviewer::CameraInfo MakeCameraWithoutMAC(const KrString& aAddress) {
+    krsystem::GEVFields fields;
+    fields.uniqueID = aAddress + "/7";
+    fields.macAddress = "00:00:00:00:00:00";
+    fields.ipAddress = aAddress;
+    fields.serialNumber = "7";
+    return std::make_shared<const KrDeviceInfoGEV>(fields);
+  }
   void OpenStreaming(const char* aUniqueID = kMonoMAC) {
     Open(aUniqueID);
     ASSERT_TRUE(Await([this] { return GetPage() && GetPage()->IsStreaming(); }));

@@ -7,13 +7,11 @@
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QTabWidget>
-#include <QTimer>
 #include <QTreeView>
 #include <QTreeWidget>
 
 #include <algorithm>
 
-using krviewer::AcquisitionState;
 using krviewer::Panel;
 
 namespace {
@@ -57,15 +55,6 @@ protected:
                                  Qt::MatchContains | Qt::MatchRecursive)
                          .isEmpty();
            });
-  }
-  /// Nothing answers at its address.
-  static krviewer::CameraInfo MakeCameraWithoutMAC(const KrString& aAddress) {
-    krsystem::GEVFields fields;
-    fields.uniqueID = aAddress + "/7";
-    fields.macAddress = "00:00:00:00:00:00";
-    fields.ipAddress = aAddress;
-    fields.serialNumber = "7";
-    return std::make_shared<const KrDeviceInfoGEV>(fields);
   }
   QStringList GetTitles(int aWindow = 0) {
     QStringList titles;
@@ -460,23 +449,6 @@ TEST_F(ViewerWindowTest, RunWithAnEndOfItsOwn_KeepsNothing) {
 
   mViewer.reset();
   EXPECT_FALSE(QFile::exists(mSettingsFile));
-}
-
-TEST_F(ViewerWindowTest, RunWhoseCameraIsLostAtItsEnd_HasFailedAndSaysSo) {
-  krviewer::CommandLine commandLine;
-  commandLine.seconds = 1000;
-  Begin(commandLine);
-  OpenStreaming();
-  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
-  ASSERT_TRUE(Await([this] { return GetPage()->GetProgress().state == AcquisitionState::Lost; }));
-  testing::internal::CaptureStderr();
-
-  QTimer::singleShot(0, &*mViewer, &krviewer::Viewer::Finish);
-  const int exitCode = mViewer->Run();
-
-  const std::string told = testing::internal::GetCapturedStderr();
-  EXPECT_EQ(exitCode, 1);
-  EXPECT_NE(told.find("The camera was lost"), std::string::npos) << told;
 }
 
 TEST_F(ViewerWindowTest, CameraLostBehindOthers_IsMarkedOnItsTab) {
