@@ -3,6 +3,7 @@
 #include "acquisition/cameraidentity.h"
 #include "help/guidewindow.h"
 #include "plaintext.h"
+#include "simulationchoice.h"
 #include "window/aboutbox.h"
 #include "window/showntext.h"
 
@@ -20,7 +21,6 @@ namespace krviewer {
 namespace {
 
 constexpr int kLookIntervalMs = 50;
-const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
 
 } // namespace
 
@@ -119,11 +119,14 @@ void Viewer::ShowFinder(FinderPurpose aPurpose) {
 }
 
 void Viewer::OpenSimulated() {
-  const KrResult installed = mHost.installSimulation ? mHost.installSimulation() : KrResult();
-  if (installed.IsOK())
-    Search(kFirstSimulatedCamera);
+  KrResult found = mHost.installSimulation ? mHost.installSimulation() : KrResult();
+  // Shown once, it is not free any more, but still the one that is wanted.
+  if (found.IsOK() && mSimulatedCamera.IsEmpty())
+    found = krapps::FindSimulatedCamera(mSimulatedCamera);
+  if (found.IsOK())
+    Search(ToText(mSimulatedCamera));
   else
-    GetActiveWindow().GetBar().Say({MessageKind::Error, ToText(installed.GetDescription())});
+    GetActiveWindow().GetBar().Say({MessageKind::Error, ToText(found.GetDescription())});
 }
 
 void Viewer::OpenGuide(MainWindow& aWindow) {

@@ -113,6 +113,7 @@ private:
   WantedCameras mWanted;
   QTimer mTimer;
   QTimer mEndTimer;
+  KrString mSimulatedCamera; ///< That the user is shown who wants just any; empty until somebody does.
   int mOpened = 0;    ///< So many cameras so far.
   int mLoopLevel = 0; ///< How many loops run while none of a window's own does.
   int mExitCode = 0;

@@ -61,6 +61,15 @@ protected:
 
 } // namespace
 
+TEST_F(ViewerLab, SimulatedCameraTriedFromTheFirstPage_IsTheLabsFirst) {
+  Open({});
+  ASSERT_TRUE(User().AwaitWindow("krviewer"));
+
+  User().Press("alt+s");
+
+  EXPECT_TRUE(AwaitStreaming(kLeft));
+}
+
 TEST_F(ViewerLab, CameraMovedToAWindowOfItsOwn_StreamsThereAndComesBack) {
   Open({"left", "right"});
   ASSERT_TRUE(AwaitStreaming(kRight));
