@@ -14,6 +14,22 @@ namespace {
 
 // A camera that starts takes some seconds anyway, and others are to be left in peace.
 constexpr std::chrono::milliseconds kPause{1000};
+/// A cancel that comes just before the round begins ends nothing.
+constexpr std::chrono::milliseconds kCancelPeriod{10};
+
+void Find(KrSystem& aSystem, const std::stop_token& aStop) {
+  std::jthread canceller;
+  const std::stop_callback cancel(aStop, [&] {
+    canceller = std::jthread([&aSystem](const std::stop_token& aIsOver) {
+      while (!aIsOver.stop_requested()) {
+        aSystem.Cancel();
+        std::this_thread::sleep_for(kCancelPeriod);
+      }
+    });
+  });
+  // Of several adapters one may fail.
+  [[maybe_unused]] const KrResult looked = aSystem.Find();
+}
 
 const KrDeviceInfo* ChooseAnswer(const KrSystem& aSystem, const KrDeviceInfo& aCamera) {
   const KrDeviceInfo* chosen = nullptr;
@@ -47,11 +63,7 @@ CameraInfo LookForCamera(const KrDeviceInfo& aCamera, const std::stop_token& aSt
   const auto system = std::make_shared<KrSystem>();
   // So that a camera that came back with an address of a foreign subnet is heard, too.
   system->SetSubnetBroadcastEnabled(false);
-  {
-    const std::stop_callback hurry(aStop, [&system] { system->Cancel(); });
-    // Of several adapters one may fail.
-    [[maybe_unused]] const KrResult looked = system->Find();
-  }
+  Find(*system, aStop);
   const KrDeviceInfo* found = ChooseAnswer(*system, aCamera);
   if (!found && !aStop.stop_requested())
     found = AskFormerAddress(*system, aCamera);

@@ -13,7 +13,9 @@
 namespace krviewer {
 
 /// Where the camera answers now; null where it does not. One that answers in several ways is had where it can be
-/// reached. Takes a second or two, but ends soon where aStop asks for that. Thread: any.
+/// reached. Takes a second for all networks and, where it is not found there, another one for the address that it had.
+/// Where aStop asks for the end, the former is cut short and the latter left out, but not once it has begun. Thread:
+/// any.
 CameraInfo LookForCamera(const KrDeviceInfo& aCamera, const std::stop_token& aStop);
 /// Whether a camera that was found can be opened where it answers: where it was before, or where this host says so.
 bool CanBeReached(const KrDeviceInfo& aFound, const KrDeviceInfo& aBefore);
