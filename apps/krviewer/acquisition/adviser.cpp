@@ -162,9 +162,12 @@ Advice Adviser::AdviseOnStream(const CameraSituation& aSituation) {
     CountSecond(aSituation);
   if (IsSilent(aSituation))
     return AdviseOnSilence(aSituation.link);
-  // Who waits for a camera takes no frames meanwhile: it is not the computer that is too slow.
+  // Each may be what causes the other: who waits for a camera takes no frames meanwhile, and a computer that is busy
+  // takes answers late.
   if (aSituation.progress.isSlow && mIsTold[static_cast<std::size_t>(Loss::Computer)])
-    return AdviseOnAnswers(aSituation.progress);
+    return {"Frames are discarded, and the camera is slow to answer. Where this computer does not keep up, lower the "
+            "frame rate or the image's size, or close panels and programs that you do not need; where the camera "
+            "keeps it waiting, check its cable, and what else uses its network."};
   if (Advice losses = AdviseOnLosses(aSituation.link); !losses.text.IsEmpty())
     return losses;
   if (Advice description = AdviseOnDescription(aSituation.progress.parameters); !description.text.IsEmpty())

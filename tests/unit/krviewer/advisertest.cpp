@@ -305,11 +305,13 @@ TEST_F(AdviserTest, CameraThatBecomesSlow_IsToldUntilItIsPromptAgain) {
   EXPECT_EQ(Look(), "");
 }
 
-TEST_F(AdviserTest, FramesThatAreDiscardedWhileASlowCameraIsWaitedFor_AreNotTheComputersFault) {
+TEST_F(AdviserTest, FramesThatAreDiscardedWhileTheCameraIsSlow_MayBeTheComputersFaultOrTheCameras) {
   Stream();
   mProgress.isSlow = true;
 
   EXPECT_THAT(PassDiscarding(3), HasSubstr("slow to answer"));
+  EXPECT_THAT(Look(), HasSubstr("Where this computer does not keep up, lower the frame rate"));
+  EXPECT_THAT(Look(), HasSubstr("where the camera keeps it waiting, check its cable"));
 
   mProgress.isSlow = false;
   EXPECT_THAT(PassDiscarding(1), HasSubstr("discarded"));
