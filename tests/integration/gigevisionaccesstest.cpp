@@ -110,6 +110,27 @@ TEST(GigEVisionHolder, AddressThatTheDeviceTells_IsNamed) {
   }
 }
 
+TEST(GigEVisionHolder, AnotherDeviceAtTheAddressThatLetsNobodyRead_IsToldAsAnother) {
+  for (const std::uint16_t status : {0x8006, 0x8007}) {
+    const GvcpResponder responder([status](std::span<const std::uint8_t> aCommand) {
+      return Datagrams{IsReadRegister(aCommand) ? MakeReadRefusal(aCommand, status)
+                                                : MakeDiscoveryAcknowledge(aCommand, kLoopback, "other")};
+    });
+    krtransport::GigEVisionTransport transport;
+    krsystem::InterfaceFields adapter;
+    krsystem::AnyDeviceFields device;
+    std::unique_ptr<krsystem::IDeviceLink> link;
+    ASSERT_TRUE(transport.FindAddress(kLoopback, kGenerousTimeoutMs, adapter, device).IsOK());
+    std::get<krsystem::GEVFields>(device).uniqueID = "02:00:00:00:00:77";
+
+    const KrResult opened = transport.Open(adapter, device, DeviceAccess::Control, link);
+
+    EXPECT_EQ(opened, KrResult::Code::NotFound);
+    EXPECT_NE(opened.GetDescription().ToUtf8().find("another device answers"), std::string::npos)
+        << opened.GetDescription().CStr();
+  }
+}
+
 TEST(GigEVisionAccessQuestion, DeviceThatKeepsSilent_IsAskedOnceAndNotWaitedForAgain) {
   std::atomic<int> questions{0};
   krtransport::GigEVisionTransport transport;

@@ -64,16 +64,19 @@ KrResult GigEVisionLink::CheckAccess(const LinkTarget& aTarget, GvcpClient& aCli
   const KrString device = "The device at " + krsystem::FormatIPv4(aTarget.deviceAddress);
   std::uint32_t privilege = 0;
   const KrResult read = aClient.ReadRegister(kControlPrivilegeRegister, privilege, GvcpPatience{});
+  const bool hasAnswered =
+      read.IsOK() || read == KrResult::Code::AccessDenied || read == KrResult::Code::ProtocolError;
+  if (!hasAnswered)
+    return {KrResult::Code::NotFound, device + " cannot be opened. " + read.GetDescription()};
+  // Discovery is answered whoever holds the device, and another one's holder says nothing of this one.
+  if (KrResult same = CheckIdentity(aTarget, aClient); !same.IsOK())
+    return same;
   if (read == KrResult::Code::AccessDenied)
     return {KrResult::Code::AccessDenied,
             device + " lets nobody else read: another application holds it exclusively. " + read.GetDescription()};
   if (read == KrResult::Code::ProtocolError)
     return {KrResult::Code::ProtocolError,
             device + " does not say who controls it. " + read.GetDescription() + " Try again in a moment."};
-  if (!read.IsOK())
-    return {KrResult::Code::NotFound, device + " cannot be opened. " + read.GetDescription()};
-  if (KrResult same = CheckIdentity(aTarget, aClient); !same.IsOK())
-    return same;
   if ((privilege & kExclusiveBit) != 0)
     return {KrResult::Code::AccessDenied,
             device + " is held exclusively by " + DescribeHolder(aTarget, aClient) + ". Close it there first."};
