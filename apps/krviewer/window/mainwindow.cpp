@@ -16,6 +16,8 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace krviewer {
 
 namespace {
@@ -165,11 +167,16 @@ void MainWindow::Notice(const QString& aText) {
 }
 
 void MainWindow::SwitchFullScreen() {
-  const bool isFull = !isFullScreen();
-  mMenus->SetShown(!isFull);
-  statusBar()->setVisible(!isFull);
-  mTabs->tabBar()->setVisible(!isFull);
   setWindowState(windowState() ^ Qt::WindowFullScreen);
+}
+
+// Also where the window manager has switched it.
+void MainWindow::FollowFullScreen() {
+  if (std::exchange(mIsFullScreen, isFullScreen()) == isFullScreen())
+    return;
+  mMenus->SetShown(!mIsFullScreen);
+  statusBar()->setVisible(!mIsFullScreen);
+  mTabs->tabBar()->setVisible(!mIsFullScreen);
   LookAgain();
 }
 
@@ -186,6 +193,12 @@ void MainWindow::keyPressEvent(QKeyEvent* aEvent) {
     SwitchFullScreen();
   else
     QMainWindow::keyPressEvent(aEvent);
+}
+
+void MainWindow::changeEvent(QEvent* aEvent) {
+  QMainWindow::changeEvent(aEvent);
+  if (aEvent->type() == QEvent::WindowStateChange)
+    FollowFullScreen();
 }
 
 void MainWindow::closeEvent(QCloseEvent* aEvent) {

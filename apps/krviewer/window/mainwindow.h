@@ -55,12 +55,14 @@ signals:
 
 protected:
   void keyPressEvent(QKeyEvent* aEvent) override;
+  void changeEvent(QEvent* aEvent) override;
   void closeEvent(QCloseEvent* aEvent) override;
 
 private:
   CameraPage* GetPage(int aIndex) const;
   void ConnectMenus();
   void SwitchFullScreen();
+  void FollowFullScreen();
   void Step(int aStep);
   void ShowTrouble(int aIndex);
   void ShowFigures(const CameraPage* aPage);
@@ -72,6 +74,7 @@ private:
   MessageBar* const mBar;
   FigureBar* const mFigures;
   MainMenus* const mMenus;
+  bool mIsFullScreen = false; ///< As far as what is hidden then knows.
 };
 
 } // namespace krviewer

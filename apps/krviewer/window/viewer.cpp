@@ -319,8 +319,11 @@ void Viewer::KeepState(CameraPage& aPage) {
 }
 
 void Viewer::KeepLayouts() {
-  if (!mWindows.empty())
-    mSettings.SetWindowLayout(mWindows.front()->SaveLayout());
+  // Windows of their own lie beside the one that the next run begins with.
+  const auto first =
+      std::ranges::find_if(mWindows, [](const std::unique_ptr<MainWindow>& aWindow) { return !aWindow->IsOwn(); });
+  if (first != mWindows.end())
+    mSettings.SetWindowLayout((*first)->SaveLayout());
   CameraPage* const current = GetActiveWindow().GetCurrentPage();
   for (const std::unique_ptr<CameraPage>& page : mPages)
     if (page.get() != current)

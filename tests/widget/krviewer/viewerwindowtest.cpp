@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QTreeView>
 #include <QTreeWidget>
@@ -262,6 +263,23 @@ TEST_F(ViewerWindowTest, FirstWindowClosedBeforeTheOther_LeavesThat) {
   EXPECT_EQ(GetPage()->GetCamera().GetUniqueID(), kMonoMAC);
 }
 
+TEST_F(ViewerWindowTest, WindowOfItsOwnClosedLast_IsNotWhatTheNextRunBeginsWith) {
+  constexpr QSize kFirst(810, 620);
+  Begin();
+  OpenStreaming();
+  ASSERT_TRUE(Choose("move"));
+  GetWindow(0).resize(kFirst);
+  GetWindow(1).resize(640, 500);
+  ASSERT_TRUE(Await([&] { return GetWindow(0).size() == kFirst; }));
+  GetWindow(0).close();
+  ASSERT_TRUE(Await([this] { return mViewer->GetWindows().size() == 1; }));
+  End();
+
+  Begin();
+
+  EXPECT_EQ(GetWindow().size(), kFirst);
+}
+
 TEST_F(ViewerWindowTest, LastWindowClosed_EndsTheViewer) {
   Begin();
   OpenStreaming();
@@ -306,6 +324,21 @@ TEST_F(ViewerWindowTest, FullScreen_HidesTheBarsUntilEscape) {
 
   Press(Qt::Key_Escape);
   EXPECT_FALSE(mViewer->IsOver());
+}
+
+TEST_F(ViewerWindowTest, FullScreenLeftAndEnteredByTheWindowManager_ShowsAndHidesTheBars) {
+  Begin();
+  OpenStreaming();
+  Press(Qt::Key_F11);
+  ASSERT_FALSE(GetWindow().menuBar()->isVisible());
+
+  GetWindow().showNormal();
+  EXPECT_TRUE(GetWindow().menuBar()->isVisible());
+  EXPECT_TRUE(GetWindow().statusBar()->isVisible());
+
+  GetWindow().showFullScreen();
+  EXPECT_FALSE(GetWindow().menuBar()->isVisible());
+  EXPECT_FALSE(GetWindow().statusBar()->isVisible());
 }
 
 TEST_F(ViewerWindowTest, CameraShownOnce_IsOfferedInTheNextRun) {
