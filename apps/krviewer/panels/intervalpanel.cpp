@@ -17,6 +17,9 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <chrono>
+#include <cstdio>
+#include <memory>
 #include <utility>
 
 namespace krviewer {
@@ -24,6 +27,8 @@ namespace krviewer {
 namespace {
 
 constexpr int kLookIntervalMs = 100;
+/// For a table that is still written at the end.
+constexpr std::chrono::seconds kSavingPatience{2};
 constexpr double kMillisecondNs = 1e6;
 constexpr int kMillisecondDigits = 3;
 
@@ -62,6 +67,7 @@ IntervalPanel::IntervalPanel(FrameSinks& aFrames, Clock aClock)
   area->AddNumbers(mLosses);
   area->AddNumbers(mNumbers);
   connect(&mTimer, &QTimer::timeout, this, &IntervalPanel::Look);
+  connect(&mSavingTimer, &QTimer::timeout, this, [this] { mSaving.Follow(); });
   // It fails for a sink that is registered already, which this one is not.
   [[maybe_unused]] const KrResult registered = mFrames.Register(&mIntervals);
   Look();
@@ -69,6 +75,10 @@ IntervalPanel::IntervalPanel(FrameSinks& aFrames, Clock aClock)
 
 IntervalPanel::~IntervalPanel() {
   [[maybe_unused]] const KrResult unregistered = mFrames.Unregister(&mIntervals); // It was registered.
+  if (mSaving.AwaitFor(kSavingPatience))
+    return;
+  mSaving.Leave();
+  std::fprintf(stderr, "The frame intervals were not saved: their disk does not answer.\n");
 }
 
 QWidget* IntervalPanel::MakeControls() {
@@ -175,9 +185,25 @@ void IntervalPanel::Export() {
   // What was seen when the button was pressed, however long it takes to find a name.
   connect(&OpenSaveDialog(*this, question), &QFileDialog::fileSelected, this,
           [this, view = GetView()](const QString& aFile) {
-            if (const KrResult saved = SaveIntervalTable(aFile.toStdString(), view); !saved.IsOK())
-              TellFailure(this, saved);
+            Save(aFile, view);
           });
+}
+
+// A disk that takes its time, or never answers, holds up no window.
+void IntervalPanel::Save(const QString& aFile, const IntervalView& aView) {
+  if (mSaving.IsRunning())
+    return TellFailure(this, {KrResult::Code::Busy, "The frame intervals were not saved as " + aFile.toStdString() +
+                                                        ": the table before is still being written."});
+  const auto result = std::make_shared<KrResult>();
+  mSaving.Start([result, file = aFile.toStdString(),
+                 aView](const std::stop_token&) { *result = SaveIntervalTable(file, aView); },
+                [] {},
+                [this, result] {
+                  mSavingTimer.stop();
+                  if (!result->IsOK())
+                    TellFailure(this, *result);
+                });
+  mSavingTimer.start(kLookIntervalMs);
 }
 
 } // namespace krviewer

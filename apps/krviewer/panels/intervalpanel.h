@@ -3,6 +3,7 @@
 // only while it is seen. What is remembered is left to FrameIntervals.
 
 #include "acquisition/framesink.h"
+#include "backgroundcall.h"
 #include "panels/frameintervals.h"
 
 #include <QTimer>
@@ -18,7 +19,7 @@ namespace krviewer {
 class IntervalPlot;
 class NumberTable;
 
-/// Thread: user interface.
+/// Thread: user interface; a table is written on a thread of its own, for which the end waits a moment.
 /// Ownership: borrows the frames, which must outlive it.
 class IntervalPanel : public QWidget {
   Q_OBJECT
@@ -52,6 +53,7 @@ private:
   void ShowState(const IntervalView& aView);
   void Reset();
   void Export();
+  void Save(const QString& aFile, const IntervalView& aView);
 
   FrameSinks& mFrames;
   const Clock mClock;
@@ -63,6 +65,8 @@ private:
   NumberTable* const mNumbers;
   QLabel* const mLosses;
   QComboBox* mSpan = nullptr;
+  BackgroundCall mSaving;
+  QTimer mSavingTimer; ///< Runs while a table is written.
 };
 
 } // namespace krviewer

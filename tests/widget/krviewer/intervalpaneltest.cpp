@@ -1,6 +1,8 @@
 #include "panels/intervalpanel.h"
 
 #include "darkpalette.h"
+#include "gate.h"
+#include "hangingdisk.h"
 #include "panelfixture.h"
 #include "panels/intervalplot.h"
 #include "panels/numbertable.h"
@@ -14,6 +16,9 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
+
+#include <filesystem>
+#include <thread>
 
 using krviewer::IntervalPanel;
 using krviewer::IntervalPlot;
@@ -137,6 +142,7 @@ TEST_F(IntervalPanelTest, export_savesWhatWasShown) {
   emit dialog->fileSelected(QString::fromStdString(folder.GetFile("intervals.csv")));
   dialog->close();
 
+  ASSERT_TRUE(Await([&] { return std::filesystem::exists(folder.GetFile("intervals.csv")); }));
   const std::string table = TemporaryFolder::ReadFile(folder.GetFile("intervals.csv"));
   EXPECT_EQ(std::ranges::count(table, '\n'), 3);
   EXPECT_TRUE(Await([&] { return dialog.isNull(); }));
@@ -151,10 +157,37 @@ TEST_F(IntervalPanelTest, exportThatFails_isTold) {
   ASSERT_TRUE(dialog);
   emit dialog->fileSelected(QString::fromStdString(folder.GetFile("none/intervals.csv")));
 
-  auto* const box = mPanel.findChild<QMessageBox*>();
-  ASSERT_TRUE(box);
+  ASSERT_TRUE(Await([this] { return mPanel.findChild<QMessageBox*>() != nullptr; }));
+  const auto* const box = mPanel.findChild<QMessageBox*>();
   EXPECT_EQ(box->textFormat(), Qt::PlainText);
   EXPECT_TRUE(box->text().contains("none/intervals.csv"));
+}
+
+TEST_F(IntervalPanelTest, exportToADiskThatHangs_holdsNothingUp) {
+  // Who has been on such a disk is on it for good.
+  static const TemporaryFolder folder;
+  static HangingDisk disk(folder.GetPath().string());
+  ASSERT_TRUE(disk.Enter());
+  Gate seen;
+  const std::jthread recovery([&seen] {
+    (void)seen.AwaitReached(); // Or so late that the test has failed.
+    disk.Recover();
+  });
+  ShowPanel();
+  disk.Hang();
+
+  FindButton<QPushButton>(mPanel, "&Export…")->click();
+  auto* const dialog = mPanel.findChild<QFileDialog*>();
+  ASSERT_TRUE(dialog);
+  emit dialog->fileSelected(QString::fromStdString(folder.GetFile("intervals.csv")));
+
+  EXPECT_TRUE(Await([&] { return disk.CountWaiting() > 0; }));
+  EXPECT_FALSE(std::filesystem::exists(folder.GetFile("intervals.csv")));
+  GiveFrames(10, 12);
+  EXPECT_TRUE(Await([this] { return GetLosses().startsWith("10 frames"); }));
+
+  seen.Pass();
+  EXPECT_TRUE(Await([&] { return std::filesystem::exists(folder.GetFile("intervals.csv")); }));
 }
 
 TEST_F(IntervalPanelTest, lossesInThePlot_areDrawnInAnyTheme) {
