@@ -101,6 +101,13 @@ protected:
     return bar && bar->isVisible() ? bar->GetText() : QString();
   }
 
+  /// The window on the screen with this title; null where there is none.
+  static QWidget* FindWindow(const QString& aTitle) {
+    for (QWidget* const window : QApplication::topLevelWidgets())
+      if (window->windowTitle() == aTitle && window->isVisible())
+        return window;
+    return nullptr;
+  }
   krviewer::MainWindow& GetWindow(int aIndex = 0) { return *mViewer->GetWindows().at(aIndex); }
   krviewer::CameraPage* GetPage(int aWindow = 0) { return GetWindow(aWindow).GetCurrentPage(); }
   bool IsFirstPageShown() { return GetWindow().GetFirstPage().isVisible(); }
