@@ -30,19 +30,19 @@ inline constexpr std::uint8_t kPayloadFormat = 3;
 /// What a relay does; all of it may be left out.
 struct RelayOrders {
   /// Whether a stream packet is lost. On the relay's thread.
-  std::function<bool(const StreamPacket&)> isLost;
+  std::function<bool(const StreamPacket&)> isLost = {};
   /// Whether a stream packet is kept back until the host asks for it again. On the relay's thread.
-  std::function<bool(const StreamPacket&)> isLate;
+  std::function<bool(const StreamPacket&)> isLate = {};
   /// Whether a stream packet comes twice. On the relay's thread.
-  std::function<bool(const StreamPacket&)> isDoubled;
+  std::function<bool(const StreamPacket&)> isDoubled = {};
   /// Whether a stream packet is overtaken by the one after it. On the relay's thread.
-  std::function<bool(const StreamPacket&)> isOvertaken;
+  std::function<bool(const StreamPacket&)> isOvertaken = {};
   /// Whether a command of the control protocol, by its number there, is lost on its way. On the relay's thread.
-  std::function<bool(std::uint16_t)> isUnheard;
+  std::function<bool(std::uint16_t)> isUnheard = {};
   /// The largest packet for trial that the device sends and the way lets through; 0 for a device that knows none.
   std::uint32_t largestTrial = 0;
   /// Registers that cannot be written: the device answers that they are protected.
-  std::set<std::uint32_t> refusedRegisters;
+  std::set<std::uint32_t> refusedRegisters = {};
   /// How long each answer takes, one command after the other; at once where it is empty. On the relay's thread.
   std::function<std::chrono::milliseconds()> getAnswerDelay = {};
 };

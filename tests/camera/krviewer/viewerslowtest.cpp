@@ -24,11 +24,6 @@ protected:
     mRelay.emplace(
         kRelayAddress.toStdString(), kCameraAddress,
         RelayOrders{.isLost = [this](const StreamPacket& aPacket) { return mIsLosing && aPacket.number == 1; },
-                    .isLate = {},
-                    .isDoubled = {},
-                    .isOvertaken = {},
-                    .isUnheard = {},
-                    .refusedRegisters = {},
                     .getAnswerDelay = [this] { return std::chrono::milliseconds(mDelayMs); }});
   }
 
