@@ -2,6 +2,7 @@
 #include "browser/propertiesgrid.h"
 #include "krgui/genbrowsersearchbar.h"
 #include "krgui/krgenbrowserwnd.h"
+#include "popups.h"
 #include "scene.h"
 #include "scenes.h"
 

@@ -1,5 +1,6 @@
 #include "krdevice/krstream.h"
 #include "krgui/krdisplaywnd.h"
+#include "popups.h"
 #include "scene.h"
 #include "scenes.h"
 

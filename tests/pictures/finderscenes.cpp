@@ -1,5 +1,6 @@
 #include "krgui/krdevicefinderwnd.h"
 #include "platform/ipaddresscontrol.h"
+#include "popups.h"
 #include "scene.h"
 #include "scenes.h"
 

@@ -4,7 +4,6 @@
 
 #include "krdevice/krdevice.h"
 #include "krgui/krwnd.h"
-#include "picturebook.h"
 #include "windowwait.h"
 
 #include <QString>
@@ -47,12 +46,6 @@ void Pick(const QWidget& aWindow, int aList, const QString& aEntry);
 
 /// Waits until a feature browser in a window has features, and has read all of them.
 void AwaitFeatures(const QWidget& aWindow);
-
-/// Saves the menu or list that something opens, and closes it again.
-void SavePopup(PictureBook& aBook, const QString& aName, const std::function<void()>& aOpen);
-
-/// Saves the tooltip of a place in a widget.
-void SaveToolTip(PictureBook& aBook, const QString& aName, QWidget& aWidget, const QPoint& aPoint);
 
 /// Lets a window have the keyboard, and a control of it.
 void Focus(QWidget& aControl);

@@ -2,6 +2,7 @@
 #include "krdevice/krdeviceadapter.h"
 #include "krgui/krserialbridgemanagerwnd.h"
 #include "krgui/krserialterminalwnd.h"
+#include "popups.h"
 #include "scene.h"
 #include "scenes.h"
 #include "serial/rollingedit.h"

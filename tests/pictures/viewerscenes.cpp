@@ -1,4 +1,5 @@
 #include "page/messagebar.h"
+#include "popups.h"
 #include "region/regioneditor.h"
 #include "scenes.h"
 #include "viewerscene.h"
