@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <shared_mutex>
 #include <stop_token>
 #include <string>
 
@@ -26,7 +27,7 @@ public:
   virtual void Abandon() {}
 };
 
-/// Thread: connecting and Disconnect one at a time; Read, Write and End any, while it is connected.
+/// Thread: connecting and Disconnect one at a time; Read, Write and End any, at any time.
 class SessionPort : public ICameraPort {
 public:
   /// Disconnects.
@@ -61,6 +62,8 @@ private:
   std::uint32_t GetLimitMs(std::size_t aLength, std::uint32_t aTimeoutMs) const;
 
   const std::string mName;
+  // Held by accesses for as long as they are inside, so that what they use goes only when the last one has left.
+  std::shared_mutex mAccesses;
   std::unique_ptr<ILineSession> mSession; // Outlives the worker.
   std::unique_ptr<PortWorker> mWorker;    // Null while not connected.
 };

@@ -84,6 +84,61 @@ TEST_F(SessionPortTest, Disconnect_ClosesTheSessionOnceAndTellsItWhoHasLeft) {
   EXPECT_EQ(port.Read(0, bytes.data(), 2, 1000), KrResult::Code::WrongState);
 }
 
+/// Whether somebody is inside of a session, and when it is to be closed.
+struct Visit {
+  std::atomic<bool> isInside{false};
+  std::atomic<bool> isClosing{false};
+  std::atomic<int> closedOnVisitor{0};
+};
+
+/// Its visitor stays until well after it is to be closed.
+class VisitedSession final : public ILineSession {
+public:
+  explicit VisitedSession(Visit& aVisit) : mVisit(aVisit) {}
+
+  KrResult Read(std::uint64_t, std::span<std::uint8_t>, const std::stop_token&) override { return {}; }
+  KrResult Write(std::uint64_t, std::span<const std::uint8_t>, const std::stop_token&) override { return {}; }
+  KrResult Probe(const std::stop_token&) override { return {}; }
+  void Close(const std::stop_token&) override { mVisit.closedOnVisitor += mVisit.isInside ? 1 : 0; }
+  std::uint64_t GetLineMs(std::size_t) const override {
+    Visit& visit = mVisit;
+    visit.isInside = true;
+    visit.isInside.notify_all();
+    visit.isClosing.wait(false);
+    for (int i = 0; i < 10'000; ++i)
+      std::this_thread::yield();
+    visit.isInside = false;
+    return 0;
+  }
+
+private:
+  Visit& mVisit;
+};
+
+class VisitedPort final : public SessionPort {
+public:
+  explicit VisitedPort(Visit& aVisit) : SessionPort("visited") { Begin(std::make_unique<VisitedSession>(aVisit)); }
+};
+
+TEST(SessionPort, Disconnect_WhileSomebodyIsInside_ClosesNothingUnderHim) {
+  Visit visit;
+  VisitedPort port(visit);
+  KrResult result;
+  std::thread visitor([&] {
+    std::array<std::uint8_t, 4> bytes{};
+    result = port.Read(0, bytes.data(), bytes.size(), 60'000);
+  });
+  visit.isInside.wait(false);
+
+  visit.isClosing = true;
+  visit.isClosing.notify_all();
+  port.Disconnect();
+  visitor.join();
+
+  EXPECT_EQ(visit.closedOnVisitor, 0);
+  EXPECT_EQ(result, KrResult::Code::Aborted);
+}
+
 TEST(GenCPAccessTime, LineTime_GrowsWithLengthAndSlowness) {
   struct Case {
     const char* name;
