@@ -18,11 +18,11 @@ adapters:
          control: exclusive}
       - {kind: gigeVision, name: foreign, model: Foreign, mac: 02:00:00:00:01:04, address: 10.1.1.14, mask: 255.0.0.0}
       - {kind: gigeVision, name: loose, model: Loose, mac: 02:00:00:00:01:06, address: 192.168.1.16, mask: 255.255.255.0,
-         vanishes: 50, appears: 60, every: 120, faults: {losesPower: true}}
+         vanishes: 30, appears: 40, every: 120, faults: {losesPower: true}}
       - {kind: gigeVision, name: moved, model: Moved, mac: 02:00:00:00:01:07, address: 192.168.1.17, mask: 255.255.255.0,
-         vanishes: 50, appears: 60, returnsAt: 192.168.1.71, faults: {losesPower: true}}
+         vanishes: 30, appears: 40, returnsAt: 192.168.1.71, faults: {losesPower: true}}
       - {kind: gigeVision, name: stray, model: Stray, mac: 02:00:00:00:01:08, address: 192.168.1.18, mask: 255.255.255.0,
-         vanishes: 50, appears: 60, returnsAt: 169.254.3.4}
+         vanishes: 30, appears: 40, returnsAt: 169.254.3.4}
       - {kind: gigeVision, name: slow, model: Slow, mac: 02:00:00:00:01:09, address: 192.168.1.19, mask: 255.255.255.0,
          faults: {registerDelay: 300}}
       - {kind: gigeVision, name: late, model: Late, mac: 02:00:00:00:01:0a, address: 192.168.1.20, mask: 255.255.255.0,

@@ -66,7 +66,9 @@ double ViewerSession::GetFrameRate() {
 
 bool ViewerSession::AwaitMoreFrames() {
   const long long before = GetFrames();
-  return User().Await("more frames than " + QString::number(before), [&] { return GetFrames() > before; });
+  // Where there is no room for their number, the rate, which falls to zero soon after the last one, tells of them.
+  return User().Await("more frames than " + QString::number(before),
+                      [&] { return GetFrames() > before || (before < 0 && GetFrameRate() > 0); });
 }
 
 std::optional<QPoint> ViewerSession::GetPixel() {
