@@ -60,6 +60,49 @@ function(kr_add_executable aName)
   target_include_directories(${aName} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
 endfunction()
 
+# The modules of the toolkit whose headers the sources of a target see, by name; empty where there are none.
+function(kr_get_toolkit aTarget aResult)
+  set(modules "")
+  foreach(property IN ITEMS LINK_LIBRARIES INTERFACE_LINK_LIBRARIES)
+    get_target_property(linked ${aTarget} ${property})
+    if(NOT linked)
+      continue()
+    endif()
+    foreach(name IN LISTS linked)
+      if(name MATCHES "^Qt6::(.+)")
+        list(APPEND modules ${CMAKE_MATCH_1})
+      elseif(name MATCHES "^(kr|test)" AND TARGET ${name})
+        kr_get_toolkit(${name} more)
+        list(APPEND modules ${more})
+      endif()
+    endforeach()
+  endforeach()
+  list(REMOVE_DUPLICATES modules)
+  set(${aResult} "${modules}" PARENT_SCOPE)
+endfunction()
+
+# How tests are compiled: they run once, and optimising them takes longer than that. With a sanitizer not at all, as the
+# libraries are looked at as they are used. A precompiled header is for threads or not, which some libraries ask for.
+function(kr_set_test_options aTest)
+  target_compile_options(${aTest} PRIVATE -pthread)
+  if(KRGUI_SANITIZE)
+    target_compile_options(${aTest} PRIVATE -O0)
+  else()
+    target_compile_options(${aTest} PRIVATE $<$<CONFIG:Release>:-O1>)
+  endif()
+endfunction()
+
+# Half of the time that a test takes to compile is the frameworks' headers, which are compiled once for all.
+function(kr_compile_quickly aTest)
+  kr_set_test_options(${aTest})
+  kr_get_toolkit(${aTest} modules)
+  if("Widgets" IN_LIST modules)
+    target_precompile_headers(${aTest} REUSE_FROM kr_window_test_headers)
+  elseif(NOT modules)
+    target_precompile_headers(${aTest} REUSE_FROM kr_test_headers)
+  endif()
+endfunction()
+
 # kr_add_test(krresulttest KIND unit SOURCES krresulttest.cpp DEPENDS krbase [INCLUDES dir …] [TIMEOUT seconds]
 #   [WRAPPER program])
 # KIND: unit (no toolkit, no display), lab (the simulated lab), widget (Qt, offscreen), x11 (Xvfb and a window manager),
@@ -72,10 +115,7 @@ function(kr_add_test aName)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "KIND;TIMEOUT;WRAPPER" "SOURCES;DEPENDS;INCLUDES")
   kr_add_executable(${aName} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gmock)
   target_include_directories(${aName} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
-  if(KRGUI_SANITIZE)
-    # The libraries are looked at as they are used, optimised; a test's own code is compiled in a third of the time without.
-    target_compile_options(${aName} PRIVATE -O0)
-  endif()
+  kr_compile_quickly(${aName})
 
   set(command ${arg_WRAPPER} "$<TARGET_FILE:${aName}>")
   # The settings of whoever runs the tests are neither read nor changed.

@@ -1,0 +1,5 @@
+// What a precompiled header needs to be compiled for: a program.
+
+int main() {
+  return 0;
+}
