@@ -103,33 +103,27 @@ function(kr_compile_quickly aTest)
   endif()
 endfunction()
 
-# kr_add_test(krresulttest KIND unit SOURCES krresulttest.cpp DEPENDS krbase [INCLUDES dir …] [TIMEOUT seconds]
-#   [WRAPPER program])
-# KIND: unit (no toolkit, no display), lab (the simulated lab), widget (Qt, offscreen), x11 (Xvfb and a window manager),
-# integration (independent programs in a network namespace), camera (both of the last two).
-# WRAPPER starts the test, inside of what the kind needs.
-# The kinds that load GLib, Aravis or X11 run the sanitizers with suppressions for those libraries; the others with none.
-# Qt's threads synchronise in code that is not instrumented, so the thread sanitizer is told in tests with windows to judge
-# only what happens in ours.
-function(kr_add_test aName)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "KIND;TIMEOUT;WRAPPER" "SOURCES;DEPENDS;INCLUDES")
-  kr_add_executable(${aName} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gmock)
-  target_include_directories(${aName} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
-  kr_compile_quickly(${aName})
+# A sanitizer makes programs two to three times slower. Here, and nowhere else, the limits of tests are made longer for it.
+set(KR_TEST_TIME_FACTOR 1)
+if(KRGUI_SANITIZE)
+  set(KR_TEST_TIME_FACTOR 3)
+endif()
 
-  set(command ${arg_WRAPPER} "$<TARGET_FILE:${aName}>")
+# kr_add_test_run(widget.bitmapstest_at_scale_2 COMMAND bitmapstest [TIMEOUT seconds] [ENVIRONMENT variable=value …])
+# One run of a program, as a test. The kind, which is the first part of the name, is its label and settles the variables
+# that the kind's programs need; a display and a network stand in the command.
+# The kinds that load GLib, Aravis, X11 or fonts run the sanitizers with suppressions for those libraries; the others with
+# none. Qt's threads synchronise in code that is not instrumented, so the thread sanitizer is told in tests with windows to
+# judge only what happens in ours.
+function(kr_add_test_run aName)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "COMMAND;ENVIRONMENT")
+  string(REGEX MATCH "^[^.]+" kind "${aName}")
   # The settings of whoever runs the tests are neither read nor changed.
   set(environment "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-settings")
-  if(arg_KIND MATCHES "^(x11|camera)$")
-    list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-display.sh")
+  if(kind STREQUAL "widget")
+    list(APPEND environment QT_QPA_PLATFORM=offscreen)
   endif()
-  if(arg_KIND MATCHES "^(integration|camera)$")
-    list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-network.sh")
-  endif()
-  if(arg_KIND STREQUAL "widget")
-    list(APPEND environment QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=ignore_noninstrumented_modules=1)
-  endif()
-  if(arg_KIND MATCHES "^(x11|integration|camera)$")
+  if(kind MATCHES "^(widget|x11|integration|camera)$")
     list(APPEND environment
       "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/suppressions/lsan.supp:print_suppressions=0"
       "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/suppressions/tsan.supp:ignore_noninstrumented_modules=1")
@@ -137,10 +131,32 @@ function(kr_add_test aName)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 900)
   endif()
+  math(EXPR timeout "${arg_TIMEOUT} * ${KR_TEST_TIME_FACTOR}")
 
-  add_test(NAME ${arg_KIND}.${aName} COMMAND ${command})
-  set_tests_properties(${arg_KIND}.${aName} PROPERTIES
-    TIMEOUT ${arg_TIMEOUT} LABELS ${arg_KIND} ENVIRONMENT "${environment}")
+  add_test(NAME ${aName} COMMAND ${arg_COMMAND})
+  set_tests_properties(${aName} PROPERTIES
+    TIMEOUT ${timeout} LABELS ${kind} ENVIRONMENT "${environment};${arg_ENVIRONMENT}")
+endfunction()
+
+# kr_add_test(krresulttest KIND unit SOURCES krresulttest.cpp DEPENDS krbase [INCLUDES dir …] [TIMEOUT seconds]
+#   [ENVIRONMENT variable=value …] [WRAPPER program])
+# KIND: unit (no toolkit, no display), lab (the simulated lab), widget (Qt, offscreen), x11 (Xvfb and a window manager),
+# integration (independent programs in a network namespace), camera (both of the last two).
+# WRAPPER starts the test, inside of what the kind needs.
+function(kr_add_test aName)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "KIND;TIMEOUT;WRAPPER" "SOURCES;DEPENDS;INCLUDES;ENVIRONMENT")
+  kr_add_executable(${aName} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gmock)
+  target_include_directories(${aName} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
+  kr_compile_quickly(${aName})
+
+  set(command ${arg_WRAPPER} "$<TARGET_FILE:${aName}>")
+  if(arg_KIND MATCHES "^(x11|camera)$")
+    list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-display.sh")
+  endif()
+  if(arg_KIND MATCHES "^(integration|camera)$")
+    list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-network.sh")
+  endif()
+  kr_add_test_run(${arg_KIND}.${aName} COMMAND ${command} TIMEOUT ${arg_TIMEOUT} ENVIRONMENT ${arg_ENVIRONMENT})
   if(arg_KIND MATCHES "^(integration|camera)$")
     # A camera that bursts its frames finds the machine for itself: packets lost for want of a core are no finding.
     set_tests_properties(${arg_KIND}.${aName} PROPERTIES RUN_SERIAL ON)
