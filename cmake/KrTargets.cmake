@@ -95,6 +95,9 @@ endfunction()
 # Half of the time that a test takes to compile is the frameworks' headers, which are compiled once for all.
 function(kr_compile_quickly aTest)
   kr_set_test_options(${aTest})
+  if(CMAKE_C_COMPILER_ID AND NOT CMAKE_C_COMPILER_ID STREQUAL CMAKE_CXX_COMPILER_ID)
+    return() # Where C is compiled too, its compiler says how the file of a precompiled header is called.
+  endif()
   kr_get_toolkit(${aTest} modules)
   if("Widgets" IN_LIST modules)
     target_precompile_headers(${aTest} REUSE_FROM kr_window_test_headers)
