@@ -81,6 +81,7 @@ private:
 KrResult WriteWithSidecar(const KrBuffer& aFrame, const FrameFileOptions& aOptions) {
   KrAtomicFile bytes;
   KrAtomicFile sidecar;
+  bytes.SetProgress(aOptions.onProgress);
   const std::string text = DescribeRawFrame(aFrame, aOptions);
   const IKrImage& image = *aFrame.GetImage();
   if (KrResult opened = bytes.Open(aOptions.fileName, GetExisting(aOptions)); !opened.IsOK())
@@ -163,6 +164,7 @@ KrResult WriteFrame(const KrBuffer& aFrame, const FrameFileOptions& aOptions) {
     if (aOptions.format == FrameFileFormat::Raw)
       return WriteWithSidecar(aFrame, aOptions);
     KrAtomicFile file;
+    file.SetProgress(aOptions.onProgress);
     if (KrResult opened = file.Open(aOptions.fileName, GetExisting(aOptions)); !opened.IsOK())
       return opened;
     if (KrResult written = WriteImage(aFrame, aOptions, file); !written.IsOK())

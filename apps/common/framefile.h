@@ -5,6 +5,8 @@
 #include "krbase/krresult.h"
 #include "krbuffer/krbuffer.h"
 
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +27,7 @@ struct FrameFileOptions {
   bool isFlushed = true;         ///< To the disk, before it has its name; otherwise the system does that when it likes.
   KrString deviceID = {};        ///< Goes into the description.
   KrString software = "KrGUI";   ///< The program that saves, for the formats that name it.
+  std::function<void(std::uint64_t aBytes)> onProgress = {}; ///< As KrAtomicFile::SetProgress; may be empty.
 };
 
 /// The format of a name ("png", "tiff", "raw", case does not matter), or nothing.

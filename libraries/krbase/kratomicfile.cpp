@@ -26,6 +26,7 @@ constexpr int kMostLinks = 40; // As many as the system itself follows.
 constexpr int kNameTries = 16;
 constexpr mode_t kNewFileRights = 0666; // Less what the process' mask takes.
 constexpr mode_t kPrivateRights = 0600;
+constexpr std::size_t kStepBytes = std::size_t{4} << 20U; // Between two words of progress.
 
 struct ErrorRow {
   int error;
@@ -63,6 +64,11 @@ std::error_code FollowLinks(fs::path& aPath) {
   return std::make_error_code(std::errc::too_many_symbolic_link_levels);
 }
 
+// Whether the system cannot flush a part of such a file, or is not let: all of it may be flushed nevertheless.
+bool CanNotFlushParts(int aError) {
+  return aError == ENOSYS || aError == EINVAL || aError == ESPIPE || aError == EPERM;
+}
+
 std::string MakeTemporaryName() {
   std::uint64_t number = 0;
   // A number that could not be drawn is as good as any: the file is created only where its name is free.
@@ -92,6 +98,7 @@ struct KrAtomicFile::Body {
   KrResult OpenFolder();
   KrResult CheckExisting();
   KrResult Create();
+  KrResult FlushInSteps(const Progress& aProgress) const;
   KrResult Rename(Flushing aFlushing);
   KrResult Fail(int aError) {
     failure = MakeError(fileName, aError);
@@ -171,6 +178,20 @@ KrResult KrAtomicFile::Body::Rename(Flushing aFlushing) {
   return {};
 }
 
+// An error is told once: the flush of the whole file would not see it any more.
+KrResult KrAtomicFile::Body::FlushInSteps(const Progress& aProgress) const {
+  constexpr unsigned kWhole = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+  struct stat status = {};
+  if (::fstat(file.Get(), &status) != 0)
+    return MakeError(fileName, errno);
+  for (off_t begin = 0; begin < status.st_size; begin += kStepBytes) {
+    if (::sync_file_range(file.Get(), begin, kStepBytes, kWhole) != 0)
+      return CanNotFlushParts(errno) ? KrResult() : MakeError(fileName, errno);
+    aProgress(std::min<std::uint64_t>(kStepBytes, static_cast<std::uint64_t>(status.st_size - begin)));
+  }
+  return {};
+}
+
 KrAtomicFile::KrAtomicFile() = default;
 KrAtomicFile::~KrAtomicFile() = default;
 
@@ -200,12 +221,14 @@ KrResult KrAtomicFile::Write(const void* aBytes, std::size_t aCount) {
     return mBody->failure;
   const char* next = static_cast<const char*>(aBytes);
   while (aCount > 0) {
-    const ssize_t written = ::write(mBody->file.Get(), next, aCount);
+    const ssize_t written = ::write(mBody->file.Get(), next, std::min(aCount, kStepBytes));
     if (written < 0 && errno != EINTR)
       return mBody->Fail(errno);
     if (written > 0) {
       next += written;
       aCount -= static_cast<std::size_t>(written);
+      if (mProgress)
+        mProgress(static_cast<std::uint64_t>(written));
     }
   }
   return {};
@@ -229,6 +252,10 @@ KrResult KrAtomicFile::Commit(Flushing aFlushing) {
     return body->failure;
   if (body->replaced && !TakeOverRights(body->file.Get(), *body->replaced))
     return MakeError(body->fileName, errno);
+  if (aFlushing == Flushing::ToDisk && mProgress) {
+    if (KrResult flushed = body->FlushInSteps(mProgress); !flushed.IsOK())
+      return flushed;
+  }
   if (aFlushing == Flushing::ToDisk && ::fsync(body->file.Get()) != 0)
     return MakeError(body->fileName, errno);
   if (!body->file.Close())

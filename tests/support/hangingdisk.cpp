@@ -57,11 +57,12 @@ int ReceiveDescriptor(int aSocket) {
   return descriptor;
 }
 
-// Has the system ask before it flushes a file or looks at a file system; gives what it asks by.
+// Has the system ask before it flushes a file, or a part of it, or looks at a file system; gives what it asks by.
 int InstallFilter() {
-  std::array<sock_filter, 5> steps = {{
+  std::array<sock_filter, 6> steps = {{
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_fsync, 2, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_fsync, 3, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_sync_file_range, 2, 0),
       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_statfs, 1, 0),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_USER_NOTIF),
@@ -134,6 +135,19 @@ void HangingDisk::Recover() {
     Answer(call);
 }
 
+bool HangingDisk::TakeOne() {
+  std::uint64_t call = 0;
+  {
+    const std::lock_guard lock(mMutex);
+    if (mWaiting.empty())
+      return false;
+    call = mWaiting.front();
+    mWaiting.erase(mWaiting.begin());
+  }
+  Answer(call);
+  return true;
+}
+
 std::size_t HangingDisk::CountWaiting() const {
   const std::lock_guard lock(mMutex);
   return mWaiting.size();
@@ -177,6 +191,6 @@ void HangingDisk::Answer(std::uint64_t aCall) const {
 
 std::string HangingDisk::GetPath(const seccomp_notif& aCall) {
   const std::string process = "/proc/" + std::to_string(aCall.pid);
-  return aCall.data.nr == SYS_fsync ? ReadLink(process + "/fd/" + std::to_string(aCall.data.args[0]))
-                                    : ReadText(process + "/mem", aCall.data.args[0]);
+  return aCall.data.nr == SYS_statfs ? ReadText(process + "/mem", aCall.data.args[0])
+                                     : ReadLink(process + "/fd/" + std::to_string(aCall.data.args[0]));
 }

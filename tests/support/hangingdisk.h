@@ -14,7 +14,7 @@
 
 struct seccomp_notif;
 
-/// Needs no rights and no file system: the system asks this one before it serves the two calls (seccomp).
+/// Needs no rights and no file system: the system asks this one before it serves such a call (seccomp).
 ///
 /// Thread: any; one Enter in all. Ownership: to outlive whoever entered; its end makes the disk well.
 ///
@@ -33,6 +33,8 @@ public:
   bool Enter();
   void Hang();
   void Recover();
+  /// While it hangs, lets it answer the call that has waited longest; false where none waits.
+  bool TakeOne();
   /// How many calls wait for the disk.
   std::size_t CountWaiting() const;
 

@@ -215,7 +215,7 @@ std::optional<std::uint64_t> CameraPage::GetWritten() const {
   if (!IsWriting())
     return std::nullopt;
   const RecordingCounts counts = mRecorder.GetProgress().counts;
-  return counts.written + counts.failed + counts.abandoned + mSaver.GetCompleted();
+  return counts.written + counts.failed + counts.abandoned + mRecorder.GetBytesDone() + mSaver.GetDone();
 }
 
 void CameraPage::LeaveFiles() {

@@ -170,6 +170,7 @@ void FrameSaver::Save(std::shared_ptr<const KrBuffer> aFrame, const QString& aFi
   job->options.replacesExisting = true; // The dialog has asked.
   job->options.deviceID = mDeviceID;
   job->options.software = "krviewer " KRGUI_VERSION;
+  job->options.onProgress = [&done = job->bytesDone](std::uint64_t aBytes) { done += aBytes; };
   job->parent = aParent;
   mJobs.push_back(std::move(job));
   if (!mCall.IsRunning())
@@ -185,7 +186,7 @@ void FrameSaver::StartNext() {
   mJob = job;
   mCall.Start([job](const std::stop_token&) { job->result = krapps::WriteFrame(*job->frame, job->options); }, [] {},
               [this, job] {
-                ++mCompleted;
+                mDone += job->bytesDone + 1;
                 StartNext();
                 Tell(*job);
               });

@@ -11,6 +11,7 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -47,8 +48,8 @@ public:
   void Follow() { mCall.Follow(); }
   /// Returns when it is.
   void AwaitWritten();
-  /// So many files were written, or could not be.
-  std::uint64_t GetCompleted() const { return mCompleted; }
+  /// Changes as files get on, within a file, too.
+  std::uint64_t GetDone() const { return mDone + (mJob ? mJob->bytesDone.load() : 0); }
   /// Does not wait any longer for a disk that does not answer: what is not written yet is a failure. After the end.
   void Leave();
   /// Why frames could not be written after the end.
@@ -68,6 +69,7 @@ private:
     krapps::FrameFileOptions options;
     QPointer<QWidget> parent; ///< Of a message, should it fail.
     KrResult result;
+    std::atomic<std::uint64_t> bytesDone = 0;
   };
 
   void OpenDialog(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent);
@@ -87,7 +89,7 @@ private:
   BackgroundCall mCall;
   QTimer mTimer; ///< Runs while a file is written.
   QStringList mFailures;
-  std::uint64_t mCompleted = 0;
+  std::uint64_t mDone = 0; ///< Bytes and files of the jobs before.
   bool mIsEnded = false;
 };
 

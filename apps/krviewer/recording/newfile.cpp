@@ -1,5 +1,6 @@
 #include "recording/newfile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -11,7 +12,8 @@ namespace krviewer {
 
 namespace {
 
-constexpr mode_t kNewFileRights = 0666; // Less what the process' mask takes.
+constexpr mode_t kNewFileRights = 0666;                   // Less what the process' mask takes.
+constexpr std::size_t kStepBytes = std::size_t{4} << 20U; // Between two words of progress.
 
 KrResult::Code FindCode(int aError) {
   switch (aError) {
@@ -42,8 +44,8 @@ KrResult NewFile::Create(const std::string& aPath) {
   return mFile.IsOpen() ? KrResult() : MakeFileError("Making the file", mPath, errno);
 }
 
-KrResult NewFile::Append(const void* aBytes, std::size_t aCount) {
-  KrResult written = Write(aBytes, aCount);
+KrResult NewFile::Append(const void* aBytes, std::size_t aCount, const Progress& aProgress) {
+  KrResult written = Write(aBytes, aCount, aProgress);
   if (written.IsOK()) {
     mSize += aCount;
     return written;
@@ -55,15 +57,17 @@ KrResult NewFile::Append(const void* aBytes, std::size_t aCount) {
   return written;
 }
 
-KrResult NewFile::Write(const void* aBytes, std::size_t aCount) {
+KrResult NewFile::Write(const void* aBytes, std::size_t aCount, const Progress& aProgress) {
   const auto* next = static_cast<const char*>(aBytes);
   while (aCount > 0) {
-    const ssize_t written = ::write(mFile.Get(), next, aCount);
+    const ssize_t written = ::write(mFile.Get(), next, std::min(aCount, kStepBytes));
     if (written < 0 && errno != EINTR)
       return MakeFileError("Writing to the file", mPath, errno);
     if (written > 0) {
       next += written;
       aCount -= static_cast<std::size_t>(written);
+      if (aProgress)
+        aProgress(static_cast<std::uint64_t>(written));
     }
   }
   return {};

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace krviewer {
@@ -17,8 +18,11 @@ public:
   /// Makes the file. WrongState for a name that is taken, NotFound, AccessDenied or SystemError as the system has it;
   /// descriptions name the file.
   KrResult Create(const std::string& aPath);
+  /// Hears of bytes that the system has taken, every few megabytes.
+  using Progress = std::function<void(std::uint64_t aBytes)>;
+
   /// Appends; after a failure the file is as long as before, if the system allows.
-  KrResult Append(const void* aBytes, std::size_t aCount);
+  KrResult Append(const void* aBytes, std::size_t aCount, const Progress& aProgress = {});
   /// Tells what the system has left to report.
   KrResult Close();
   /// Closes and removes it.
@@ -27,7 +31,7 @@ public:
   std::uint64_t GetSize() const { return mSize; }
 
 private:
-  KrResult Write(const void* aBytes, std::size_t aCount);
+  KrResult Write(const void* aBytes, std::size_t aCount, const Progress& aProgress);
 
   std::string mPath;
   krbase::FileDescriptor mFile;

@@ -70,6 +70,11 @@ RecordingProgress Recorder::GetProgress() const {
   return progress;
 }
 
+std::uint64_t Recorder::GetBytesDone() const {
+  const std::shared_ptr<Recording> recording = Get();
+  return recording ? recording->GetBytesDone() : 0;
+}
+
 std::shared_ptr<Recording> Recorder::SetFed(bool aIsFed) {
   const std::lock_guard lock(mMutex);
   mIsFed = aIsFed;

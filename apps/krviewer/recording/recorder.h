@@ -46,6 +46,8 @@ public:
   /// Whether a recording is not over yet.
   bool IsBusy() const;
   RecordingProgress GetProgress() const;
+  /// Changes as the files of a recording get on, within a file, too.
+  std::uint64_t GetBytesDone() const;
 
   void OnFrame(const KrBuffer& aFrame, std::uint64_t aArrivalNs) override;
   void OnAcquisitionStarted() override;

@@ -151,7 +151,7 @@ void Recording::NoteFailure(const KrResult& aReason) {
 }
 
 void Recording::Write() {
-  RecordingFolder folder;
+  RecordingFolder folder([this](std::uint64_t aBytes) { mBytesDone += aBytes; });
   const KrResult created = folder.Create(mOptions);
   if (created.IsOK()) {
     WriteFrames(folder);

@@ -7,6 +7,7 @@
 #include "recording/recordingoptions.h"
 #include "recording/recordingprogress.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -40,6 +41,8 @@ public:
   /// nothing more. Nothing happens where the files are closed.
   void Leave();
   bool IsBusy() const;
+  /// Counts the bytes of frames' files as they get on, within a file, too.
+  std::uint64_t GetBytesDone() const { return mBytesDone; }
   /// Whether the camera streams is left to who knows.
   RecordingProgress GetProgress() const;
 
@@ -66,6 +69,7 @@ private:
   const Clock mClock;
   const RecordingOptions mOptions;
   const std::uint64_t mBeginNs;
+  std::atomic<std::uint64_t> mBytesDone = 0;
 
   mutable std::mutex mMutex; ///< Guards everything below.
   std::condition_variable mChanged;

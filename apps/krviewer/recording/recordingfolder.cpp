@@ -153,7 +153,8 @@ KrResult RecordingFolder::WriteFile(const RecordedFrame& aFrame, const std::stri
                                             .format = mOptions.format,
                                             .isFlushed = false,
                                             .deviceID = mOptions.deviceID,
-                                            .software = mOptions.software};
+                                            .software = mOptions.software,
+                                            .onProgress = mProgress};
   if (KrResult written = krapps::WriteFrame(aFrame.frame, options); !written.IsOK())
     return written;
   struct stat status = {};
@@ -168,7 +169,7 @@ KrResult RecordingFolder::WriteRaw(const RecordedFrame& aFrame, const std::strin
   if (KrResult created = file.Create(aPath); !created.IsOK())
     return created;
   const IKrImage& image = *aFrame.frame.GetImage();
-  KrResult written = file.Append(image.GetDataPointer(), image.GetImageSize());
+  KrResult written = file.Append(image.GetDataPointer(), image.GetImageSize(), mProgress);
   if (written.IsOK())
     written = file.Close();
   if (!written.IsOK())

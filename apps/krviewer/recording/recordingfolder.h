@@ -2,18 +2,23 @@
 // A recording on the disk: a folder of its own with a file for each frame, their index, and a text that says what the
 // recording is and what became of it. Which frames are recorded, and the threads, are left to the recorder.
 
+#include "recording/newfile.h"
 #include "recording/recordingindex.h"
 #include "recording/recordingoptions.h"
 #include "recording/recordingprogress.h"
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace krviewer {
 
 /// Thread: one at a time.
 class RecordingFolder {
 public:
+  /// aProgress hears of bytes of frames' files that have got on, while they are written; may be empty.
+  explicit RecordingFolder(NewFile::Progress aProgress = {}) : mProgress(std::move(aProgress)) {}
+
   /// Makes the folder with an empty index. WrongState for a name that is taken, otherwise what the system says; what
   /// was begun is then removed.
   KrResult Create(const RecordingOptions& aOptions);
@@ -38,6 +43,7 @@ private:
   KrResult WriteRaw(const RecordedFrame& aFrame, const std::string& aPath, std::uint64_t& aBytes) const;
   std::string GetPath(const std::string& aName) const { return mOptions.folder + "/" + aName; }
 
+  const NewFile::Progress mProgress;
   RecordingOptions mOptions;
   RecordingIndex mIndex;
   std::string mBeginTime;

@@ -55,6 +55,23 @@ protected:
   KrBuffer mFrame;
 };
 
+TEST_F(FrameFile, Progress_HearsOfAllBytesOfEachFormat) {
+  for (const char* const name : {"frame.raw", "frame.tif", "frame.png"}) {
+    SCOPED_TRACE(name);
+    std::uint64_t heard = 0;
+    const std::string path = mFolder.GetFile(name);
+
+    ASSERT_TRUE(WriteFrame(mFrame, {.fileName = path,
+                                    .format = *FindFrameFileFormatOf(path),
+                                    .isFlushed = false,
+                                    .onProgress = [&](std::uint64_t aBytes) { heard += aBytes; }})
+                    .IsOK());
+
+    // TIFF's writer comes back to some bytes of the beginning.
+    EXPECT_GE(heard, TemporaryFolder::ReadFile(path).size());
+  }
+}
+
 TEST_F(FrameFile, Raw_HoldsTheBytesAndATextThatSaysWhatTheyAre) {
   const std::string path = mFolder.GetFile("frame.raw");
 

@@ -46,6 +46,33 @@ TEST_F(AtomicFile, Committed_HoldsEveryByteAndNothingElseIsLeft) {
   EXPECT_THAT(mFolder.GetNames(), ElementsAre("settings.xml"));
 }
 
+TEST_F(AtomicFile, Progress_HearsOfEveryByteInPiecesAndOnceMoreOfThoseFlushed) {
+  const std::string bytes((std::size_t{9} << 20U) + 1, 'x');
+  struct Row {
+    KrAtomicFile::Flushing flushing;
+    std::uint64_t heard;
+  };
+  for (const Row& row : {Row{KrAtomicFile::Flushing::LeftToSystem, bytes.size()},
+                         Row{KrAtomicFile::Flushing::ToDisk, 2 * bytes.size()}}) {
+    std::uint64_t heard = 0;
+    std::uint64_t most = 0;
+    KrAtomicFile file;
+    file.SetProgress([&](std::uint64_t aBytes) {
+      heard += aBytes;
+      most = std::max(most, aBytes);
+    });
+    ASSERT_TRUE(file.Open(mPath, Existing::Replaced).IsOK());
+    ASSERT_TRUE(file.Write(bytes.data(), bytes.size()).IsOK());
+    EXPECT_EQ(heard, bytes.size());
+
+    EXPECT_TRUE(file.Commit(row.flushing).IsOK());
+
+    EXPECT_EQ(heard, row.heard);
+    EXPECT_LE(most, std::uint64_t{4} << 20U);
+    EXPECT_EQ(TemporaryFolder::ReadFile(mPath).size(), bytes.size());
+  }
+}
+
 TEST_F(AtomicFile, LeftToTheSystem_IsReadWholeAtOnce) {
   TemporaryFolder::WriteFile(mPath, "longer and old");
   KrAtomicFile file;

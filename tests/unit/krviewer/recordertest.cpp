@@ -21,6 +21,7 @@ TEST_F(RecorderTest, Frames_AreOnTheDiskAsTheyCame) {
   EXPECT_EQ(progress.end, RecordingEnd::Stopped);
   EXPECT_EQ(progress.counts.written, 3U);
   EXPECT_EQ(progress.counts.bytes, 3 * kFrameBytes);
+  EXPECT_EQ(mRecorder.GetBytesDone(), 3 * kFrameBytes);
   IndexLines lines = ReadIndex(options.folder);
   ASSERT_EQ(lines.size(), 3U);
   for (std::uint64_t index = 0; index < 3; ++index) {

@@ -36,6 +36,11 @@ protected:
   bool AwaitSaved() {
     return krtest::AwaitCondition([this] { return !mSaved.isEmpty(); });
   }
+  static bool AwaitCall(const HangingDisk& aDisk) {
+    for (const QDeadlineTimer limit(krtest::kGenerousMs); aDisk.CountWaiting() == 0 && !limit.hasExpired();)
+      std::this_thread::yield();
+    return aDisk.CountWaiting() > 0;
+  }
   QMessageBox* FindMessage() { return mWindow.findChild<QMessageBox*>(); }
 
   TemporaryFolder mPlace;
@@ -180,6 +185,36 @@ TEST_F(FrameSaverTest, AcceptedFrames_AreWrittenEvenAtTheEnd) {
   EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("second.raw")).size(), kFrameBytes);
 }
 
+TEST_F(FrameSaverTest, DiskThatTakesALargeFileBitByBit_IsSeenToGetOn) {
+  constexpr std::uint32_t kWidth = 1 << 20U; // 8 MiB in all.
+  HangingDisk disk(mPlace.GetPath().string());
+  disk.Hang();
+  std::vector<std::uint64_t> seen;
+  const std::unique_ptr<QThread> thread(QThread::create([&] {
+    ASSERT_TRUE(disk.Enter());
+    FrameSaver saver(mFrames, "Sim Mono", "02:4b");
+    saver.Save(std::make_shared<const KrBuffer>(MakeNumberedFrame(7, kWidth)), GetPath("large.raw"), nullptr);
+    // The text beside it, its folder, and two parts of the file.
+    for (int step = 0; step < 4; ++step) {
+      ASSERT_TRUE(AwaitCall(disk));
+      seen.push_back(saver.GetDone());
+      ASSERT_TRUE(disk.TakeOne());
+    }
+    ASSERT_TRUE(AwaitCall(disk));
+    seen.push_back(saver.GetDone());
+    disk.Recover();
+    saver.End();
+    saver.AwaitWritten();
+    EXPECT_TRUE(saver.GetFailures().isEmpty());
+  }));
+
+  thread->start();
+  ASSERT_TRUE(thread->wait(krtest::kGenerousMs));
+
+  const std::uint64_t bytes = std::uint64_t{kWidth} * kFrameHeight;
+  EXPECT_EQ(seen, (std::vector<std::uint64_t>{bytes, bytes, bytes, bytes * 3 / 2, bytes * 2}));
+}
+
 // On a thread of its own, as a thread that was on such a disk is on it for good.
 TEST_F(FrameSaverTest, DiskThatDoesNotAnswer_NeedNotBeWaitedForAfterTheEnd) {
   HangingDisk disk(mPlace.GetPath().string());
@@ -190,8 +225,7 @@ TEST_F(FrameSaverTest, DiskThatDoesNotAnswer_NeedNotBeWaitedForAfterTheEnd) {
     FrameSaver saver(mFrames, "Sim Mono", "02:4b");
     for (const char* const name : {"first.raw", "second.raw"})
       saver.Save(std::make_shared<const KrBuffer>(MakeNumberedFrame(7)), GetPath(name), nullptr);
-    for (const QDeadlineTimer limit(krtest::kGenerousMs); disk.CountWaiting() == 0 && !limit.hasExpired();)
-      std::this_thread::yield();
+    ASSERT_TRUE(AwaitCall(disk));
     saver.End();
     saver.Leave();
     EXPECT_FALSE(saver.IsBusy());

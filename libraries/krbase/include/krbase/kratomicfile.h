@@ -6,7 +6,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 
 /// Writes a file under a temporary name in the same folder and gives it its name at the end.
 ///
@@ -28,6 +30,8 @@ public:
   /// Whether the bytes are on the disk when Commit returns, or wherever the system keeps them until it writes them: a
   /// crash of the program harms neither, a power cut may harm the second, which is faster by far.
   enum class Flushing { ToDisk, LeftToSystem };
+  /// Hears of bytes that have got on: those that the system has taken, and once more those that are flushed.
+  using Progress = std::function<void(std::uint64_t aBytes)>;
 
   KrAtomicFile();
   /// Gives up what was not committed.
@@ -35,6 +39,9 @@ public:
   KrAtomicFile(const KrAtomicFile&) = delete;
   KrAtomicFile& operator=(const KrAtomicFile&) = delete;
 
+  /// Has Write and Commit call this on their thread every few megabytes, so that a file that takes long is told from a
+  /// disk that does not answer. Holds for all files from then on; with null nobody hears any more.
+  void SetProgress(Progress aProgress) { mProgress = std::move(aProgress); }
   /// Makes the temporary file. One that is to replace another can be read by its owner alone until Commit gives it
   /// the other's rights, and its owner and group where the process may; another has the rights that the process gives
   /// new files. Access control lists and extended attributes are not taken over. Symbolic links are followed to the
@@ -58,4 +65,5 @@ public:
 private:
   struct Body;
   std::unique_ptr<Body> mBody;
+  Progress mProgress;
 };
