@@ -113,7 +113,7 @@ void Acquisition::StopStreaming(const RequestEnd& aThen) {
 }
 
 void Acquisition::Trigger(const RequestEnd& aThen) {
-  Do({.run = ExecuteTrigger, .then = aThen});
+  Do({.run = ExecuteTrigger, .isSetting = false, .then = aThen});
 }
 
 void Acquisition::Do(DeviceWork aWork) {
@@ -365,6 +365,8 @@ KrResult Acquisition::DoWork(const DeviceWork& aWork) {
   if (isPaused)
     mIntake.Stop({});
   const KrResult done = aWork.run(*parameters);
+  if (aWork.isSetting)
+    mLending.NoteSettings();
   if (!isPaused)
     return done;
   const KrResult started = StartStream();

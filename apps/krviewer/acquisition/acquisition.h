@@ -68,7 +68,8 @@ public:
   /// Executes the camera's TriggerSoftware. NotSupported for a camera that has none.
   void Trigger(const RequestEnd& aThen = {});
   /// Has something done with the camera's parameters. It ends with what the work returned or, where that is OK, with
-  /// why the stream could not be started again after it.
+  /// why the stream could not be started again after it. What it has set is among GetSettings then, but for what the
+  /// parameters do not remember, which is read soon.
   void Do(DeviceWork aWork);
   /// What the camera is set to, as far as is known, in the description's order; what it was set to while it is lost.
   /// Thread: any.

@@ -50,6 +50,8 @@ public:
   /// aParameters is null for a camera without a description that is any good, which may have ports all the same.
   /// aIsKept says whether what it is set to is noted.
   void Lend(KrDevice& aDevice, KrStream& aStream, KrGenParameterArray* aParameters, bool aIsKept);
+  /// Notes what the camera was just set to, as far as its parameters remember that.
+  void NoteSettings() { mKept.NoteRemembered(); }
   /// Asks the camera for nothing more by itself.
   void LeaveCamera();
   /// Waits until the device is given back; its parameters stay lent.

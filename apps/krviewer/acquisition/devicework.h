@@ -16,6 +16,7 @@ struct DeviceWork {
   std::function<KrResult(KrGenParameterArray&)> run =
       {};                       ///< On the acquisition's thread, which takes no frame meanwhile.
   bool isStreamStopped = false; ///< Whether the stream is stopped around it, and started again if it was running.
+  bool isSetting = true;        ///< Whether it sets something, which is noted before it ends.
   RequestEnd then = {};         ///< May be empty.
 };
 

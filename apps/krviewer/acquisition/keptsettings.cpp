@@ -3,6 +3,7 @@
 #include "krgenicam/krgenaccessstop.h"
 
 #include <algorithm>
+#include <stop_token>
 #include <utility>
 
 namespace krviewer {
@@ -34,6 +35,17 @@ void KeptSettings::Follow(KrGenParameterArray& aParameters) {
   mThread = std::jthread([this](const std::stop_token& aStop) { Run(aStop); });
 }
 
+void KeptSettings::NoteRemembered() {
+  if (!mParameters)
+    return;
+  std::stop_source nothing;
+  nothing.request_stop();
+  const KrGenAccessStop withoutTheCamera(nothing.get_token());
+  const KrGenParameterArray::Turn turn(*mParameters);
+  for (const auto& [feature, order] : mFeatures)
+    Read(*feature);
+}
+
 void KeptSettings::Leave() {
   for (const auto& [feature, order] : mFeatures)
     (void)feature->UnregisterEventSink(this); // It is registered since Follow.
@@ -59,8 +71,8 @@ std::vector<KeptSetting> KeptSettings::Get() const {
 void KeptSettings::OnParameterUpdate(KrGenParameter* aParameter) {
   {
     const std::lock_guard lock(mMutex);
-    if (std::ranges::find(mToRead, aParameter) == mToRead.end())
-      mToRead.push_back(aParameter);
+    std::erase(mToRead, aParameter);
+    mToRead.push_front(aParameter);
   }
   mHasWork.notify_all();
 }
@@ -82,6 +94,8 @@ void KeptSettings::Run(const std::stop_token& aStop) {
 
 void KeptSettings::Read(KrGenParameter& aParameter) {
   KeptSetting setting{.order = mFeatures.at(&aParameter)};
+  // Until it is noted, so that an older value never comes after a newer one.
+  const KrGenParameterArray::Turn turn(*mParameters);
   if (!ReadKeptSetting(*mParameters, aParameter, setting).IsOK())
     return;
   const std::lock_guard lock(mMutex);

@@ -16,11 +16,11 @@
 
 namespace krviewer {
 
-/// Values are read one by one on a thread of its own, at first all, then those that have changed; under other positions
+/// Values are read one by one on a thread of its own, those that have changed before the others; under other positions
 /// of selectors than those that the camera had meanwhile nothing is known. A value that cannot be read any more stays
 /// as it was.
 ///
-/// Thread: Follow and Leave on one, Get on any. Ownership: borrows the parameters from Follow to Leave.
+/// Thread: Follow, NoteRemembered and Leave on one, Get on any. Ownership: borrows the parameters from Follow to Leave.
 class KeptSettings : private KrGenEventSink {
 public:
   KeptSettings() = default;
@@ -30,6 +30,9 @@ public:
 
   /// Notes what a camera is set to from now on, instead of one before.
   void Follow(KrGenParameterArray& aParameters);
+  /// Notes at once what the parameters remember, without asking the camera: what was just set, for one. Waits for an
+  /// access that is under way.
+  void NoteRemembered();
   /// Ends that; what was noted stays. Accesses that are under way for it end at once.
   void Leave();
   /// What was noted, in the description's order.

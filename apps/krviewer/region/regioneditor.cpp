@@ -77,6 +77,7 @@ void RegionEditor::Begin() {
   const auto limits = std::make_shared<RegionLimits>();
   const QPointer<RegionEditor> self(this);
   mDo({.run = [limits](KrGenParameterArray& aParameters) { return ReadRegion(aParameters, *limits); },
+       .isSetting = false,
        .then =
            [self, limits, request = BeginRequest()](const KrResult& aResult) {
              if (!self || !self->EndRequest(request))

@@ -12,6 +12,10 @@ KrResult TellTimeout(std::uint32_t aTimeoutMs) {
           "The device did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
 }
 
+KrResult TellCancelled() {
+  return {KrResult::Code::Aborted, "The access to the device was cancelled."};
+}
+
 // A job's exception is its caller's failure, not the process' end.
 KrResult RunJob(const IoThread::Job& aJob, const std::atomic<bool>& aIsAbandoned) {
   try {
@@ -40,6 +44,8 @@ KrResult IoThread::Run(Job aJob, std::uint32_t aTimeoutMs, const std::stop_token
   std::unique_lock lock(mMutex);
   if (mIsInterrupted)
     return mInterruption;
+  if (aCancel.stop_requested())
+    return TellCancelled();
   const auto entry = Enqueue(std::move(aJob));
   const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
   mDone.wait_until(lock, aCancel, until, [&] { return entry->isDone || mIsInterrupted; });
@@ -49,7 +55,7 @@ KrResult IoThread::Run(Job aJob, std::uint32_t aTimeoutMs, const std::stop_token
   if (mIsInterrupted)
     return mInterruption;
   if (aCancel.stop_requested())
-    return {KrResult::Code::Aborted, "The access to the device was cancelled."};
+    return TellCancelled();
   return TellTimeout(aTimeoutMs);
 }
 

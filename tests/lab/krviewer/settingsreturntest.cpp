@@ -2,6 +2,7 @@
 
 #include "acquisition/keptsettings.h"
 #include "acquisitionfixture.h"
+#include "gate.h"
 #include "krtransport/krsimulatedfaults.h"
 
 #include <algorithm>
@@ -23,6 +24,12 @@ KrString Find(const std::vector<KeptSetting>& aSettings, const KrString& aPlace)
       aSettings, [&](const KeptSetting& aSetting) { return krviewer::DescribePlace(aSetting) == aPlace; });
   return found == aSettings.end() ? KrString() : found->value;
 }
+
+/// Keeps the thread on which all sinks hear of changes, once it hears of one, until the gate is opened.
+struct HoldingSink : KrGenEventSink {
+  void OnParameterUpdate(KrGenParameter*) override { gate.Wait({}); }
+  Gate gate;
+};
 
 /// A camera that is opened, left and opened again.
 class SettingsReturnTest : public LabTest {
@@ -222,4 +229,26 @@ TEST_F(AcquisitionTest, StoppedCameraThatLostItsPower_IsSetAsItWasAndStaysStoppe
                 return aParameters.GetEnum("TriggerMode")->GetEntry(mode);
               }).IsOK());
   EXPECT_EQ(mode, "On");
+}
+
+// Word of changes comes on a thread that may have others to tell first.
+TEST_F(AcquisitionTest, ValueThatARequestHasSet_IsNotedWhenTheRequestEnds) {
+  krviewer::Acquisition acquisition(mWindow, GetCamera(), kStopped);
+  KrGenParameterArray* const parameters = AwaitParameters(acquisition);
+  ASSERT_NE(parameters, nullptr);
+  ASSERT_TRUE(WaitUntil([&] { return Find(acquisition.GetSettings(), "ExposureTime") != ""; }));
+  HoldingSink sink;
+  KrGenParameter& other = *parameters->Get("Gain");
+  ASSERT_TRUE(other.RegisterEventSink(&sink).IsOK());
+  ASSERT_TRUE(other.FromString("1").IsOK());
+  ASSERT_TRUE(sink.gate.AwaitReached());
+
+  EXPECT_TRUE(AwaitWork(acquisition, [](KrGenParameterArray& aParameters) {
+                return aParameters.Get("ExposureTime")->FromString("2500");
+              }).IsOK());
+
+  EXPECT_EQ(Find(acquisition.GetSettings(), "ExposureTime"), "2500");
+  sink.gate.Open();
+  ASSERT_TRUE(other.UnregisterEventSink(&sink).IsOK());
+  acquisition.GetParameters(krviewer::ParameterBorrower::Browser).GiveBack();
 }
