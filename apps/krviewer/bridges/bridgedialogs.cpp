@@ -66,6 +66,8 @@ bool BridgeDialogs::CanUseFiles() const {
 }
 
 void BridgeDialogs::Show() {
+  if (const KrResult checked = mBridges.CheckShowing(); !checked.IsOK())
+    return Tell(ToText(checked.GetDescription()), {});
   if (const KrResult shown = mBridges.Show(mPage.window()->winId()); !shown.IsOK()) {
     KrStringList lines;
     lines.Add(shown.GetCodeString() + ": " + shown.GetDescription());
@@ -115,7 +117,7 @@ void BridgeDialogs::Tell(const QString& aWhat, const KrStringList& aLines) {
   QStringList lines;
   for (const KrString& line : aLines)
     lines += ToLine(ToText(line), kMostLetters);
-  std::fprintf(stderr, "%s\n%s\n", aWhat.toUtf8().constData(), lines.join('\n').toUtf8().constData());
+  std::fprintf(stderr, "%s\n", (QStringList(aWhat) + lines).join('\n').toUtf8().constData());
   QStringList shown = QStringList(aWhat) + lines.first(std::min<qsizetype>(lines.size(), kMostLines));
   if (lines.size() > kMostLines)
     shown += QStringLiteral("And %1 more: see the details.").arg(lines.size() - kMostLines);

@@ -36,6 +36,8 @@ public:
   virtual void LookAgain();
   /// Whether there is anything to show.
   virtual bool IsOffered() { return HasDevice(); }
+  /// Why the window would be opened in vain; OK where it would not.
+  virtual KrResult CheckShowing() { return {}; }
   /// Whether bridges are loaded or saved at the moment, so that nothing else can be.
   virtual bool IsWorking() const { return false; }
 

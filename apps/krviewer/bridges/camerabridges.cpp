@@ -6,7 +6,9 @@
 #include "krdevice/krdevice.h"
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
+#include "krserial/krdeviceserialport.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -33,6 +35,16 @@ void CameraBridges::TakeOut() {
                 {KrResult::Code::ConnectionLost, "The device went before the cameras had told what they are set to."});
   [[maybe_unused]] KrResult set = mWindow.SetDevice(nullptr); // Always OK.
   set = mWindow.SetStream(nullptr);
+}
+
+// A search for ports that was cancelled has found none, and is done again when the window is opened.
+KrResult CameraBridges::CheckShowing() {
+  const auto isThere = [this](KrDeviceSerial aPort) {
+    return KrDeviceSerialPort::IsSupported(&GetDevice()->adapter, aPort);
+  };
+  if (!HasDevice() || HasPorts() || std::ranges::any_of(kDeviceSerialPorts, isThere))
+    return {};
+  return {KrResult::Code::NotSupported, "The device has no serial port."};
 }
 
 void CameraBridges::LookAgain() {

@@ -18,8 +18,10 @@ public:
 
   KrCameraBridgeManagerWnd& GetWindow() override { return mWindow; }
   void LookAgain() override;
-  /// The device has ports behind which there may be cameras, and nobody asks them already.
-  bool IsOffered() override { return HasPorts() && !IsWorking(); }
+  /// There is a device, and nobody asks the cameras behind it already.
+  bool IsOffered() override { return HasDevice() && !IsWorking(); }
+  /// NotSupported for a device without ports behind which there may be cameras.
+  KrResult CheckShowing() override;
   bool IsWorking() const override { return mCall.IsRunning() || mIsAskedInWindow; }
   bool HasPorts() { return mWindow.GetBridgeCount() > 0; }
 

@@ -10,15 +10,17 @@ TEST_F(CameraBridgesTest, OpenedBeforeTheDeviceIsThere_ListsItsPortsWhenItIs) {
 
   EXPECT_TRUE(Await([this] { return mBridges.HasPorts(); }));
   EXPECT_EQ(CountListedPorts(), 3);
+  EXPECT_TRUE(mBridges.CheckShowing().IsOK());
   Close();
   EXPECT_FALSE(mBridges.HasPorts());
 }
 
-TEST_F(CameraBridgesTest, DeviceWithoutPorts_OffersNothing) {
+TEST_F(CameraBridgesTest, DeviceWithoutPorts_SaysWhyThereIsNothingToShow) {
   Open(kRangeMAC);
 
   EXPECT_TRUE(Await([this] { return mBridges.HasDevice(); }));
   EXPECT_FALSE(mBridges.HasPorts());
+  EXPECT_TRUE(mBridges.CheckShowing() == KrResult::Code::NotSupported);
   Close();
 }
 
