@@ -140,7 +140,7 @@ void CameraPage::RestoreState(const QByteArray& aState) {
   if (stream.status() != QDataStream::Ok || version != kStateVersion)
     return;
   mTools.SetCreatingPorts(isCreatingPorts);
-  mHasWidths = mPanels.RestoreLayout(layout);
+  mIsRestored = mPanels.RestoreLayout(layout);
   mRecordPanel->RestoreState(recording);
   mSaver.RestoreState(saving);
   mFeatures->RestoreOptions(options[0]);
@@ -406,16 +406,18 @@ void CameraPage::hideEvent(QHideEvent* aEvent) {
 
 void CameraPage::resizeEvent(QResizeEvent* aEvent) {
   QWidget::resizeEvent(aEvent);
-  if (!isVisible())
-    return;
-  if (mHasWidths)
-    mPanels.FitSides(aEvent->oldSize().width(), width());
   ShareOut();
 }
 
 // Only a page that has its size can share it out.
 void CameraPage::ShareOut() {
-  if (isVisible() && !std::exchange(mHasWidths, true))
+  if (!isVisible())
+    return;
+  if (std::exchange(mIsSharedOut, true))
+    mPanels.FitAgain();
+  else if (mIsRestored)
+    mPanels.FitRestored();
+  else
     mPanels.SetWidth(Panel::Features, static_cast<int>(width() * kFeaturesShare));
 }
 

@@ -187,8 +187,10 @@ private:
   bool mHasToldEnd = false;
   bool mIsConnectWanted = false; ///< As soon as the camera is given back.
   bool mIsEnded = false;
+  bool mIsCameraLeft = false;
   bool mHasEndedRecording = false;
-  bool mHasWidths = false;
+  bool mIsRestored = false;  ///< Its panels are as a run before had them.
+  bool mIsSharedOut = false; ///< They were fitted to the page as it is on the screen.
 };
 
 } // namespace krviewer

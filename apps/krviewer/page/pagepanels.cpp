@@ -3,7 +3,11 @@
 #include <QApplication>
 #include <QChildEvent>
 #include <QDockWidget>
+#include <QFontMetrics>
+#include <QLayout>
 #include <QMainWindow>
+#include <QMetaObject>
+#include <QResizeEvent>
 #include <QTabBar>
 
 #include <algorithm>
@@ -16,6 +20,29 @@ namespace {
 constexpr int kLayoutVersion = 1;
 /// The part of the page that the panels under the picture take at first.
 constexpr double kShareBelow = 0.4;
+/// In which a panel shows names with their values, or a graph with its numbers.
+constexpr int kUsefulLetters = 40;
+constexpr int kUsefulLines = 14;
+
+constexpr Qt::DockWidgetArea kSides[] = {Qt::LeftDockWidgetArea, Qt::RightDockWidgetArea, Qt::TopDockWidgetArea,
+                                         Qt::BottomDockWidgetArea};
+
+bool IsBeside(Qt::DockWidgetArea aSide) {
+  return aSide == Qt::LeftDockWidgetArea || aSide == Qt::RightDockWidgetArea;
+}
+
+/// The extent that a side has of its own.
+int GetExtent(Qt::DockWidgetArea aSide, const QSize& aSize) {
+  return IsBeside(aSide) ? aSize.width() : aSize.height();
+}
+
+// The area makes its tab bars itself, with titles that are cut as soon as there are three.
+void PrepareTabs(QObject* aChild) {
+  if (auto* const tabs = qobject_cast<QTabBar*>(aChild)) {
+    tabs->setElideMode(Qt::ElideNone);
+    tabs->setUsesScrollButtons(true);
+  }
+}
 
 } // namespace
 
@@ -28,13 +55,13 @@ PagePanels::PagePanels(QMainWindow& aArea) : mArea(aArea) {
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* aNow) { NoteFocus(aNow); });
 }
 
-// The area makes its tab bars itself, with titles that are cut as soon as there are three.
 bool PagePanels::eventFilter(QObject* aObject, QEvent* aEvent) {
   if (aObject == &mArea && aEvent->type() == QEvent::ChildPolished)
-    if (auto* const tabs = qobject_cast<QTabBar*>(static_cast<QChildEvent*>(aEvent)->child())) {
-      tabs->setElideMode(Qt::ElideNone);
-      tabs->setUsesScrollButtons(true);
-    }
+    PrepareTabs(static_cast<QChildEvent*>(aEvent)->child());
+  else if (aObject == &mArea && aEvent->type() == QEvent::Resize)
+    FitSides(static_cast<QResizeEvent*>(aEvent)->oldSize()); // Its layout has been done already.
+  else if (auto* const dock = qobject_cast<QDockWidget*>(aObject); dock && aEvent->type() == QEvent::Resize)
+    NoteResize(*dock);
   return QObject::eventFilter(aObject, aEvent);
 }
 
@@ -85,6 +112,7 @@ void PagePanels::Add(Panel aPanel, const QString& aName, const QString& aTitle, 
     mArea.tabifyDockWidget(neighbour, dock);
   dock->hide();
   mDocks[aPanel] = dock;
+  dock->installEventFilter(this);
   connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool aIsVisible) {
     if (aIsVisible)
       mBehind.erase(dock);
@@ -120,6 +148,10 @@ void PagePanels::Show(Panel aPanel, bool aIsShown) {
     mHasRoomBelow = true;
     mArea.resizeDocks({&dock}, {static_cast<int>(mArea.height() * kShareBelow)}, Qt::Vertical);
   }
+  const Qt::DockWidgetArea side = mArea.dockWidgetArea(&dock);
+  if (aIsShown && !IsBeside(side)) // Once it has its size.
+    QMetaObject::invokeMethod(
+        this, [this, side] { LimitSide(side); }, Qt::QueuedConnection);
 }
 
 void PagePanels::SetPageShown(bool aIsShown) {
@@ -143,17 +175,70 @@ void PagePanels::SetWidth(Panel aPanel, int aWidth) {
   const auto found = mDocks.find(aPanel);
   if (found != mDocks.end())
     mArea.resizeDocks({found->second}, {aWidth}, Qt::Horizontal);
+  mIsFitted = true;
+  mAreaSize = mArea.size();
 }
 
-void PagePanels::FitSides(int aPageBefore, int aPage) {
-  for (const Qt::DockWidgetArea side : {Qt::LeftDockWidgetArea, Qt::RightDockWidgetArea})
-    for (const auto& [panel, dock] : mDocks) {
-      if (dock->isFloating() || !dock->isVisible() || mBehind.contains(dock) || mArea.dockWidgetArea(dock) != side)
-        continue;
-      if (const std::optional<int> width = mSides[side].Fit(dock->width(), aPageBefore, aPage))
-        mArea.resizeDocks({dock}, {*width}, Qt::Horizontal);
-      break; // The others of the side are as wide.
+void PagePanels::FitRestored() {
+  mIsFitted = true;
+  mAreaSize = mArea.size();
+  const QFontMetrics metrics = mArea.fontMetrics();
+  const QSize useful(kUsefulLetters * metrics.averageCharWidth(), kUsefulLines * metrics.height());
+  for (const Qt::DockWidgetArea side : kSides)
+    if (const QDockWidget* const dock = FindFront(side)) {
+      mSides[side].NoteRestored(GetExtent(side, dock->size()), GetExtent(side, useful));
+      const int page = GetExtent(side, mAreaSize);
+      FitSide(side, page, page);
     }
+}
+
+// One of a side, whose others are as large.
+QDockWidget* PagePanels::FindFront(Qt::DockWidgetArea aSide) const {
+  for (const auto& [panel, dock] : mDocks)
+    if (!dock->isFloating() && dock->isVisible() && !mBehind.contains(dock) && mArea.dockWidgetArea(dock) == aSide)
+      return dock;
+  return nullptr;
+}
+
+void PagePanels::NoteResize(QDockWidget& aDock) {
+  const Qt::DockWidgetArea side = mArea.dockWidgetArea(&aDock);
+  if (mIsFitted && !mIsFitting && mArea.size() == mAreaSize && FindFront(side) == &aDock)
+    mSides[side].NoteMove(GetExtent(side, aDock.size()));
+}
+
+void PagePanels::FitAgain() {
+  if (mArea.size() != mAreaSize)
+    FitSides(mAreaSize);
+}
+
+void PagePanels::FitSides(QSize aBefore) {
+  if (!mIsFitted || !mArea.isVisible())
+    return;
+  mAreaSize = mArea.size();
+  for (const Qt::DockWidgetArea side : kSides)
+    FitSide(side, GetExtent(side, aBefore), GetExtent(side, mAreaSize));
+}
+
+void PagePanels::FitSide(Qt::DockWidgetArea aSide, int aBefore, int aPage) {
+  QDockWidget* const dock = FindFront(aSide);
+  if (!dock)
+    return;
+  SideWidth& extent = mSides[aSide];
+  const std::optional<int> wanted = extent.Fit(GetExtent(aSide, dock->size()), aBefore, aPage);
+  if (!wanted)
+    return;
+  mIsFitting = true;
+  mArea.resizeDocks({dock}, {*wanted}, IsBeside(aSide) ? Qt::Horizontal : Qt::Vertical);
+  mArea.layout()->activate();
+  mIsFitting = false;
+  extent.NoteGiven(GetExtent(aSide, dock->size()));
+}
+
+// As if the page had just become as small as it is.
+void PagePanels::LimitSide(Qt::DockWidgetArea aSide) {
+  const int page = GetExtent(aSide, mArea.size());
+  if (mIsFitted && mArea.isVisible())
+    FitSide(aSide, page + 1, page);
 }
 
 QByteArray PagePanels::SaveLayout() {

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QObject>
+#include <QSize>
 #include <QString>
 
 #include <map>
@@ -46,10 +47,12 @@ public:
   void MoveFocused(PanelPlace aPlace);
   /// The panels that float leave the screen with their page, and come back with it.
   void SetPageShown(bool aIsShown);
-  /// The page has become so wide: the panels at its sides leave the picture its part of it.
-  void FitSides(int aPageBefore, int aPage);
-  /// How wide a side is, once the page is on the screen.
+  /// How wide a side is, once the page is on the screen. From then on the panels leave the picture its part of it.
   void SetWidth(Panel aPanel, int aWidth);
+  /// The same for a layout that was restored: what was too small to be of use is larger where there is room for it.
+  void FitRestored();
+  /// The page is shown again, in another size perhaps than when it was shown last.
+  void FitAgain();
 
   /// The places of all, for RestoreLayout.
   QByteArray SaveLayout();
@@ -61,6 +64,11 @@ protected:
 
 private:
   bool IsDockShown(QDockWidget& aDock) const;
+  QDockWidget* FindFront(Qt::DockWidgetArea aSide) const;
+  void NoteResize(QDockWidget& aDock);
+  void FitSides(QSize aBefore);
+  void FitSide(Qt::DockWidgetArea aSide, int aBefore, int aPage);
+  void LimitSide(Qt::DockWidgetArea aSide);
   void NoteFocus(QWidget* aFocused);
   void PutBack();
 
@@ -72,6 +80,9 @@ private:
   std::map<Qt::DockWidgetArea, SideWidth> mSides;
   bool mIsPageShown = true;
   bool mHasRoomBelow = false; ///< The panels under the picture are as high as the user has them.
+  bool mIsFitted = false;     ///< Sizes are those of a page on the screen.
+  bool mIsFitting = false;    ///< It is not the user who resizes panels.
+  QSize mAreaSize;            ///< As the panels were fitted to it last.
 };
 
 } // namespace krviewer

@@ -58,6 +58,57 @@ TEST_F(ViewerPanelsTest, PanelInANarrowerWindow_LeavesThePictureItsHalfAndComesB
   EXPECT_TRUE(krtest::AwaitCondition([&] { return dock.width() == before; }));
 }
 
+TEST_F(ViewerPanelsTest, PanelInAVerySmallWindow_ComesBackAsItWas) {
+  Begin();
+  OpenStreaming();
+  GetWindow().resize(1200, 800);
+  QDockWidget& dock = FindDock("features");
+  ASSERT_TRUE(krtest::AwaitCondition([&] { return dock.width() > 400; }));
+  const int before = dock.width();
+
+  GetWindow().resize(1, 1);
+  ASSERT_TRUE(krtest::AwaitCondition([&] { return dock.width() < 250; }));
+  GetWindow().resize(1200, 800);
+
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return dock.width() == before; })) << dock.width();
+}
+
+TEST_F(ViewerPanelsTest, PanelOfARunThatEndedInAVerySmallWindow_IsOfUseInALargeOne) {
+  Begin();
+  OpenStreaming();
+  GetWindow().resize(1, 1);
+  ASSERT_TRUE(krtest::AwaitCondition([&] { return FindDock("features").width() < 250; }));
+  End();
+
+  Begin();
+  OpenStreaming();
+  GetWindow().resize(1200, 800);
+
+  const int useful = 40 * GetPage()->fontMetrics().averageCharWidth();
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return FindDock("features").width() >= useful; }))
+      << FindDock("features").width();
+}
+
+TEST_F(ViewerPanelsTest, PanelBelowInALowerWindow_LeavesThePictureItsHalfAndComesBack) {
+  Begin();
+  OpenStreaming();
+  GetWindow().resize(1200, 900);
+  Press(Qt::Key_4, Qt::AltModifier);
+  QDockWidget& dock = FindDock("histogram");
+  ASSERT_TRUE(krtest::AwaitCondition([&] { return dock.isVisible() && dock.height() > 280; }));
+  const int before = dock.height();
+  const QWidget& picture = *GetPage()->GetDisplay().GetWidget();
+
+  GetWindow().resize(1200, 500);
+  EXPECT_TRUE(krtest::AwaitCondition([&] {
+    return GetWindow().height() == 500 && picture.height() > dock.height() * 0.9;
+  })) << picture.height()
+      << " above " << dock.height();
+
+  GetWindow().resize(1200, 900);
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return dock.height() == before; })) << dock.height();
+}
+
 TEST_F(ViewerPanelsTest, Panels_AreShownAndHiddenByTheirKeys) {
   struct Row {
     Qt::Key key;
