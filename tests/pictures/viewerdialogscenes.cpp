@@ -13,6 +13,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <chrono>
+
 namespace scene {
 
 namespace {
@@ -31,7 +33,16 @@ EndingWork MakeWork(const QString& aText, bool aIsRecording) {
           .isRecording = [aIsRecording] { return aIsRecording; },
           .abandon = [] {},
           .getWritten = [] { return std::nullopt; },
-          .leave = [] {}};
+          .leave = [] {},
+          .awaitsCamera = [] { return false; },
+          .leaveCamera = [] {}};
+}
+
+EndingWork MakeCameraWork(const QString& aName) {
+  EndingWork work = MakeWork(aName + " is being given back; it takes its time to answer.", false);
+  work.awaitsCamera = [] { return true; };
+  work.cameraLimit = std::chrono::seconds(30);
+  return work;
 }
 
 // A picture of the window while it runs its loop, which that ends.
@@ -64,10 +75,9 @@ void SaveRunning(PictureBook& aBook, const QString& aName, EndingWindow& aWindow
 void TakeViewerEndings(PictureBook& aBook) {
   EndingWindow waiting(
       {MakeWork("The recording of sim-mono is being written. Writing what is in memory: 123 frames.", true),
-       MakeWork("A frame of " + kLongName + " is being saved.", false),
-       MakeWork(kLongName + " is being given back; it takes its time to answer.", false)});
+       MakeWork("A frame of " + kLongName + " is being saved.", false), MakeCameraWork(kLongName)});
   SaveRunning(aBook, "ending", waiting, [&] { waiting.Await(); });
-  EndingWindow single({MakeWork("sim-mono is being given back; it takes its time to answer.", false)});
+  EndingWindow single({MakeCameraWork("sim-mono")});
   SaveRunning(aBook, "ending-single", single, [&] { single.Await(); });
   EndingWindow told({});
   SaveRunning(aBook, "ending-trouble", told, [&] {

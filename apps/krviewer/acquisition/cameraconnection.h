@@ -44,8 +44,8 @@ public:
   bool IsLeaving() const { return mPhase == Phase::Leaving; }
   /// Whether the camera is given back.
   bool IsAway() const { return mPhase == Phase::Away; }
-  /// What the user has set of the host's side, as of the last connection that is away.
-  const HostSettings& GetHostSettings() const { return mOptions.hostSettings; }
+  /// What the user has set of the host's side, as of the last time that it was given up.
+  HostSettings GetHostSettings() const { return IsLeaving() ? mAcquisition->GetHostSettings() : mOptions.hostSettings; }
   /// As of the last look; the last connection's, where there is none.
   const AcquisitionProgress& GetProgress() const { return mProgress; }
 

@@ -80,6 +80,7 @@ CameraPage::CameraPage(CameraInfo aCamera, const PageOptions& aOptions)
 
 CameraPage::~CameraPage() {
   End();
+  mIsCameraLeft = false; // What it still uses ends here.
   AwaitEnd();
   // The panels end before what they watch, as that is no child of theirs.
   delete mArea;
@@ -204,7 +205,8 @@ bool CameraPage::FollowEnd() {
 }
 
 void CameraPage::AwaitEnd() {
-  mConnection.AwaitAway();
+  if (!mIsCameraLeft)
+    mConnection.AwaitAway();
   mSaver.AwaitWritten();
   // What was recorded is worth the time that the disk needs for it.
   while (mRecorder.IsBusy())

@@ -61,10 +61,15 @@ public:
   bool FollowEnd();
   /// Waits until it is given back, but no longer than a limit.
   void AwaitAway(std::chrono::milliseconds aLimit) { mConnection.AwaitAway(aLimit); }
-  /// Waits until it is given back, and what was recorded and saved is written.
+  /// Waits until it is given back, if it was not left, and what was recorded and saved is written.
   void AwaitEnd();
-  /// Whether it is given back for good.
-  bool HasEnded() const { return mIsEnded && !mConnection.IsLeaving(); }
+  /// Whether it is given back for good, or left.
+  bool HasEnded() const { return mIsEnded && (mIsCameraLeft || !mConnection.IsLeaving()); }
+  /// Whether nothing but the camera, which is being given back, keeps the page from its end.
+  bool AwaitsCamera() const { return mIsEnded && !HasEnded() && !IsWriting(); }
+  /// Does not wait for the camera any longer. It is being given back all the same, and the page not idle until it is.
+  void LeaveCamera() { mIsCameraLeft = true; }
+  bool IsCameraLeft() const { return mIsCameraLeft; }
   /// Whether nothing of the page is under way.
   bool IsIdle() const { return mCalls == 0 && !mConnection.IsLeaving() && !IsWriting(); }
   /// Whether frames are being recorded or saved.
@@ -79,7 +84,7 @@ public:
   QString GetTitle() const { return MakePageTitle(GetState()); }
   const AcquisitionProgress& GetProgress() const { return mConnection.GetProgress(); }
   /// What the user has set of the host's side of the camera; whole when it HasEnded.
-  const HostSettings& GetHostSettings() const { return mConnection.GetHostSettings(); }
+  HostSettings GetHostSettings() const { return mConnection.GetHostSettings(); }
   KrDisplayWnd& GetDisplay() { return mDisplay; }
   CameraTools& GetTools() { return mTools; }
   DeviceSettings& GetSettings() { return mSettings; }

@@ -51,6 +51,12 @@ QString DescribeEnding(const CameraPage& aPage) {
   return QStringLiteral("%1 is being given back; it takes its time to answer.").arg(GetName(aPage));
 }
 
+void LeaveCamera(CameraPage& aPage) {
+  aPage.LeaveCamera();
+  std::fprintf(stderr, "%s did not answer, and nobody waited for it any longer: it may seem taken for some seconds.\n",
+               krapps::MakeField(aPage.GetCamera().GetDisplayID()).c_str());
+}
+
 } // namespace
 
 bool EndWithPictures(CameraPage& aPage, const QString& aFolder, std::chrono::milliseconds aLimit) {
@@ -66,13 +72,16 @@ bool EndWithPictures(CameraPage& aPage, const QString& aFolder, std::chrono::mil
   return hasPicture && SaveDisplayPictures(aPage, aFolder) && isWritten;
 }
 
-EndingWork MakeEndingWork(CameraPage& aPage) {
+EndingWork MakeEndingWork(CameraPage& aPage, std::chrono::milliseconds aCameraLimit) {
   return {.isOver = [&aPage] { return aPage.FollowEnd(); },
           .describe = [&aPage] { return DescribeEnding(aPage); },
           .isRecording = [&aPage] { return aPage.IsRecording(); },
           .abandon = [&aPage] { aPage.GiveUpRecording(); },
           .getWritten = [&aPage] { return aPage.GetWritten(); },
-          .leave = [&aPage] { aPage.LeaveFiles(); }};
+          .leave = [&aPage] { aPage.LeaveFiles(); },
+          .awaitsCamera = [&aPage] { return aPage.AwaitsCamera(); },
+          .leaveCamera = [&aPage] { LeaveCamera(aPage); },
+          .cameraLimit = aCameraLimit};
 }
 
 QString TellWritten(const CameraPage& aPage) {

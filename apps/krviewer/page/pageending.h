@@ -18,8 +18,8 @@ class CameraPage;
 /// the error stream, where it has shown none or a picture could not be written.
 bool EndWithPictures(CameraPage& aPage, const QString& aFolder, std::chrono::milliseconds aLimit);
 
-/// What is still under way of a page that has ended, which outlives it.
-EndingWork MakeEndingWork(CameraPage& aPage);
+/// What is still under way of a page that has ended, which outlives it. So long its camera is awaited at most.
+EndingWork MakeEndingWork(CameraPage& aPage, std::chrono::milliseconds aCameraLimit);
 
 /// Prints what came of the recording that a page's end stopped, and tells on the error stream what of it, or of frames
 /// that were saved, could not be written: all is written, or never will be. Gives that trouble in words; empty without.

@@ -5,6 +5,8 @@
 #include "page/pageending.h"
 #include "window/endingwindow.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <utility>
 
@@ -57,7 +59,7 @@ void EndedPages::DeleteIdle() {
 QString EndedPages::Await(const EndOfPages& aEnd) {
   std::vector<EndingWork> works;
   for (const std::unique_ptr<CameraPage>& page : mPages)
-    works.push_back(MakeEndingWork(*page));
+    works.push_back(MakeEndingWork(*page, aEnd.cameraLimit));
   EndingWindow window(std::move(works));
   if (window.Await(aEnd.limit) == EndingResult::TooLate)
     aEnd.giveUp(window.GetText());
@@ -65,9 +67,15 @@ QString EndedPages::Await(const EndOfPages& aEnd) {
   for (const std::unique_ptr<CameraPage>& page : mPages)
     page->AwaitEnd();
   const QString trouble = TellWritten();
-  if (aEnd.isTold && !trouble.isEmpty())
-    window.Tell(trouble);
+  QStringList told{trouble, aEnd.complete()};
+  told.removeAll(QString());
+  if (aEnd.isTold && !told.isEmpty())
+    window.Tell(told.join(QStringLiteral("\n\n")));
   return trouble;
+}
+
+bool EndedPages::HasLeftCamera() const {
+  return std::ranges::any_of(mPages, [](const auto& aPage) { return aPage->IsCameraLeft(); });
 }
 
 } // namespace krviewer

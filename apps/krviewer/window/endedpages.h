@@ -18,9 +18,12 @@ class CameraPage;
 
 /// How the end of all is awaited.
 struct EndOfPages {
-  bool isTold = false;                                  ///< Whether the window shows what went wrong with files.
-  std::chrono::milliseconds limit{};                    ///< EndingWindow::kNoLimit for none.
+  bool isTold = false;                                  ///< Whether the window shows what went wrong.
+  std::chrono::milliseconds limit{};                    ///< kNoLimit for none.
+  std::chrono::milliseconds cameraLimit{};              ///< As EndingWork has it.
   std::function<void(const QString& aUnderWay)> giveUp; ///< The limit has passed, and something is still under way.
+  /// All have ended, or were left: does what follows, and gives what went wrong with that.
+  std::function<QString()> complete;
 };
 
 /// Thread: user interface. Ownership: owns the pages.
@@ -43,6 +46,8 @@ public:
   /// Waits for all of them, with a window that says for what where that takes a moment. Gives what went wrong with
   /// their files.
   QString Await(const EndOfPages& aEnd);
+  /// Whether a camera was not waited for, which is still being given back: its page cannot end.
+  bool HasLeftCamera() const;
 
 private:
   std::vector<std::unique_ptr<CameraPage>> mPages;

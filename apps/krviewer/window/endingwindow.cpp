@@ -40,6 +40,7 @@ EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
     : mClock(aClock ? std::move(aClock) : Clock(&KrGetSteadyMs)), mSign(new QLabel), mText(new QLabel),
       mBar(new QProgressBar),
       mLeave(MakeButton("leave", "&Do Not Wait", "Ends without the files whose disk does not answer")),
+      mLeaveCamera(MakeButton("leaveCamera", "&Leave the Camera", "Ends without an answer of the camera")),
       mAbandon(MakeButton("abandon", "&Abandon the Recording", "Gives up the frames that are not written yet")),
       mClose(MakeButton("close", "&Close", "")) {
   mClose->setAutoDefault(true);
@@ -58,6 +59,7 @@ EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
   mBar->setAccessibleName(QStringLiteral("Under way"));
   mSign->hide();
   connect(mLeave, &QPushButton::clicked, this, &EndingWindow::LeaveStalled);
+  connect(mLeaveCamera, &QPushButton::clicked, this, &EndingWindow::LeaveCameras);
   connect(mAbandon, &QPushButton::clicked, this, &EndingWindow::Abandon);
   connect(mClose, &QPushButton::clicked, this, &EndingWindow::reject);
   auto* const said = new QHBoxLayout;
@@ -65,7 +67,7 @@ EndingWindow::EndingWindow(std::vector<EndingWork> aWorks, Clock aClock)
   said->addWidget(mText, 1);
   auto* const buttons = new QHBoxLayout;
   buttons->addStretch();
-  for (QPushButton* const button : {mLeave, mAbandon, mClose})
+  for (QPushButton* const button : {mLeave, mLeaveCamera, mAbandon, mClose})
     buttons->addWidget(button);
   auto* const layout = new QVBoxLayout(this);
   layout->setSpacing(fontMetrics().height());
@@ -105,8 +107,8 @@ void EndingWindow::Tell(const QString& aTrouble) {
   const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
   mSign->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(QSize(size, size), devicePixelRatioF()));
   mSign->show();
-  mLeave->hide();
-  mAbandon->hide();
+  for (QPushButton* const button : {mLeave, mLeaveCamera, mAbandon})
+    button->hide();
   mClose->show();
   mClose->setDefault(true);
   SetText(aTrouble);
@@ -125,38 +127,58 @@ QString EndingWindow::GetText() const {
 }
 
 void EndingWindow::LookAgain() {
+  const std::uint64_t now = mClock();
+  for (Watched& watched : mWorks)
+    LookAtCamera(watched, now);
   std::erase_if(mWorks, [](const Watched& aWatched) { return aWatched.work.isOver(); });
   if (mWorks.empty()) {
     emit Over();
     return;
   }
-  const std::uint64_t now = mClock();
   for (Watched& watched : mWorks)
     watched.watch.Look(watched.work.getWritten(), now);
-  Describe();
+  Describe(now);
 }
 
-void EndingWindow::Describe() {
-  QStringList lines;
-  bool isAnyRecording = false;
-  bool isAnyStalled = false;
-  for (const Watched& watched : mWorks) {
-    lines += watched.work.describe();
-    const bool isRecording = watched.work.isRecording();
-    isAnyRecording = isAnyRecording || (isRecording && !watched.isAbandoned);
-    if (isRecording && watched.isAbandoned)
-      lines.back() += QStringLiteral("\nIt is being given up; only the frame that is being written is still awaited.");
-    if (const std::uint64_t stalledMs = watched.watch.GetStalledMs()) {
-      isAnyStalled = true;
-      lines.back() +=
-          QStringLiteral("\nIts disk has taken nothing for %1 s and may not answer any more. You need not wait for "
-                         "it: what is not written yet is lost then.")
-              .arg(stalledMs / kMsPerSecond);
-    }
+void EndingWindow::LookAtCamera(Watched& aWatched, std::uint64_t aNowMs) {
+  if (aWatched.work.cameraLimit == kNoLimit || !aWatched.work.awaitsCamera()) {
+    aWatched.cameraSinceMs.reset();
+    return;
   }
-  mAbandon->setVisible(isAnyRecording);
-  mLeave->setVisible(isAnyStalled);
-  SetText(lines.join(QStringLiteral("\n\n"))); // Each may take several lines.
+  if (!aWatched.cameraSinceMs)
+    aWatched.cameraSinceMs = aNowMs;
+  if (std::chrono::milliseconds(aNowMs - *aWatched.cameraSinceMs) >= aWatched.work.cameraLimit)
+    aWatched.work.leaveCamera();
+}
+
+QString EndingWindow::DescribeOne(const Watched& aWatched, std::uint64_t aNowMs) const {
+  QString text = aWatched.work.describe();
+  if (aWatched.isAbandoned && aWatched.work.isRecording())
+    text += QStringLiteral("\nIt is being given up; only the frame that is being written is still awaited.");
+  if (const std::uint64_t stalledMs = aWatched.watch.GetStalledMs())
+    text += QStringLiteral("\nIts disk has taken nothing for %1 s and may not answer any more. You need not wait for "
+                           "it: what is not written yet is lost then.")
+                .arg(stalledMs / kMsPerSecond);
+  if (aWatched.cameraSinceMs) {
+    const auto left = aWatched.work.cameraLimit - std::chrono::milliseconds(aNowMs - *aWatched.cameraSinceMs);
+    text += QStringLiteral("\nIt is waited for %1 s more at most. You need not wait for it: others may find it taken "
+                           "for some seconds then, and what was changed of its stream and connection parameters may "
+                           "not be kept.")
+                .arg(std::chrono::ceil<std::chrono::seconds>(left).count());
+  }
+  return text;
+}
+
+void EndingWindow::Describe(std::uint64_t aNowMs) {
+  QStringList texts;
+  for (const Watched& watched : mWorks)
+    texts += DescribeOne(watched, aNowMs);
+  const auto isAny = [this](const auto& aCondition) { return std::ranges::any_of(mWorks, aCondition); };
+  mAbandon->setVisible(
+      isAny([](const Watched& aWatched) { return aWatched.work.isRecording() && !aWatched.isAbandoned; }));
+  mLeave->setVisible(isAny([](const Watched& aWatched) { return aWatched.watch.GetStalledMs() > 0; }));
+  mLeaveCamera->setVisible(isAny([](const Watched& aWatched) { return aWatched.cameraSinceMs.has_value(); }));
+  SetText(texts.join(QStringLiteral("\n\n"))); // Each may take several lines.
 }
 
 // A layout does not make a window taller for a text that grows.
@@ -177,6 +199,13 @@ void EndingWindow::LeaveStalled() {
   for (const Watched& watched : mWorks)
     if (watched.watch.GetStalledMs() > 0)
       watched.work.leave();
+  LookAgain();
+}
+
+void EndingWindow::LeaveCameras() {
+  for (const Watched& watched : mWorks)
+    if (watched.cameraSinceMs)
+      watched.work.leaveCamera();
   LookAgain();
 }
 

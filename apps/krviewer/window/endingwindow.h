@@ -20,6 +20,9 @@ class QPushButton;
 
 namespace krviewer {
 
+/// Of what is awaited however long it takes.
+inline constexpr std::chrono::milliseconds kNoLimit = std::chrono::milliseconds::max();
+
 /// Something that has to come to its end first.
 struct EndingWork {
   std::function<bool()> isOver;      ///< Asked often.
@@ -28,7 +31,11 @@ struct EndingWork {
   std::function<void()> abandon;     ///< Gives it up; it is over as soon as the disk has what it is being given.
   /// Changes as files get on; nothing where none is being written.
   std::function<std::optional<std::uint64_t>()> getWritten;
-  std::function<void()> leave; ///< Does not wait for the files any longer.
+  std::function<void()> leave;        ///< Does not wait for the files any longer.
+  std::function<bool()> awaitsCamera; ///< Whether it is the camera alone that keeps it.
+  std::function<void()> leaveCamera;  ///< Does not wait for the camera any longer.
+  /// So long the camera is awaited at most; kNoLimit for one that nobody is offered to leave.
+  std::chrono::milliseconds cameraLimit = kNoLimit;
 };
 
 /// What an end has come to.
@@ -51,10 +58,9 @@ public:
 
   explicit EndingWindow(std::vector<EndingWork> aWorks, Clock aClock = {});
 
-  static constexpr std::chrono::milliseconds kNoLimit = std::chrono::milliseconds::max();
-
   /// Runs a loop until everything is over, the limit has passed or the application's loop is ended. The window is shown
-  /// when that takes a moment. Files that do not get on for a while need not be waited for: it offers that.
+  /// when that takes a moment. Files that do not get on for a while, and cameras, need not be waited for: it offers
+  /// that, and leaves a camera by itself when its limit has passed.
   EndingResult Await(std::chrono::milliseconds aLimit = kNoLimit);
   /// What it says of what is still under way.
   QString GetText() const;
@@ -70,16 +76,20 @@ private:
     EndingWork work;
     StallWatch watch = {};
     bool isAbandoned = false;
+    std::optional<std::uint64_t> cameraSinceMs = {}; ///< When its camera alone was left to be awaited.
   };
 
   /// What closes it: its frame, Escape and, of trouble that was read, its button.
   void reject() override;
   void RunUntilOver();
   void LookAgain();
-  void Describe();
+  void LookAtCamera(Watched& aWatched, std::uint64_t aNowMs);
+  QString DescribeOne(const Watched& aWatched, std::uint64_t aNowMs) const;
+  void Describe(std::uint64_t aNowMs);
   void SetText(const QString& aText);
   void Abandon();
   void LeaveStalled();
+  void LeaveCameras();
 
   const Clock mClock;
   std::vector<Watched> mWorks; ///< Those that are not over.
@@ -87,6 +97,7 @@ private:
   QLabel* const mText;
   QProgressBar* const mBar; ///< Moves while something is awaited; nobody knows for how long.
   QPushButton* const mLeave;
+  QPushButton* const mLeaveCamera;
   QPushButton* const mAbandon;
   QPushButton* const mClose;
   QTimer mTimer;

@@ -53,7 +53,7 @@ void Viewer::Begin() {
   mLoopLevel = thread()->loopLevel();
   MainWindow& window = AddWindow(false);
   window.ShowOnScreen(mSettings.GetWindowLayout());
-  if (const QString trouble = mSettings.GetTrouble(); !trouble.isEmpty()) {
+  if (const QString trouble = mSettings.TakeTrouble(); !trouble.isEmpty()) {
     std::fprintf(stderr, "%s\n", trouble.toUtf8().constData());
     window.GetBar().Say({MessageKind::Warning, trouble});
   }
@@ -308,6 +308,8 @@ void Viewer::LookAgain() {
   for (MainWindow* const window : GetWindows())
     window->LookAgain();
   NoteEndedPages();
+  if (const QString trouble = TakeWriteTrouble(); !trouble.isEmpty())
+    GetActiveWindow().GetBar().Say({MessageKind::Warning, trouble});
   if (const QString trouble = mEndedPages.TellWritten(); !trouble.isEmpty())
     GetActiveWindow().GetBar().Say({MessageKind::Error, trouble});
   OpenReturned();

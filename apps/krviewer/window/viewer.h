@@ -23,10 +23,11 @@
 
 namespace krviewer {
 
-/// How long an end is awaited that nobody can give up.
+/// How long an end is awaited.
 struct EndLimits {
   std::chrono::milliseconds pictures{5000}; ///< For a camera to be given back before its pictures are taken.
   std::chrono::milliseconds batch{30'000};  ///< For everything, of a run that ends by itself.
+  std::chrono::milliseconds camera{30'000}; ///< For a camera to be given back, of one that its user ends.
 };
 
 /// What the program gives the viewer beside its command line.
@@ -86,6 +87,7 @@ private:
   void NoteEndedPages();
   void OpenReturned();
   void AwaitEndedPages();
+  void LeaveCameras();
   void GiveUp(const QString& aUnderWay);
   void DeleteEnded();
   void HideWindows();
@@ -94,6 +96,8 @@ private:
   void SetRecentCameras(const RecentCameras& aCameras);
   void KeepState(CameraPage& aPage);
   void KeepLayouts();
+  QString TakeWriteTrouble();
+  QString KeepSettings();
   void CountSeconds();
   void LookAgain();
   void SaveWindowPicture();
@@ -114,8 +118,8 @@ private:
   QTimer mTimer;
   QTimer mEndTimer;
   KrString mSimulatedCamera; ///< That the user is shown who wants just any; empty until somebody does.
-  int mOpened = 0;    ///< So many cameras so far.
-  int mLoopLevel = 0; ///< How many loops run while none of a window's own does.
+  int mOpened = 0;           ///< So many cameras so far.
+  int mLoopLevel = 0;        ///< How many loops run while none of a window's own does.
   int mExitCode = 0;
   bool mIsOver = false;
 };

@@ -75,6 +75,19 @@ void Viewer::SaveWindowPicture() {
   mExitCode = 1;
 }
 
+QString Viewer::TakeWriteTrouble() {
+  const QString trouble = mSettings.TakeWriteTrouble();
+  if (!trouble.isEmpty())
+    std::fprintf(stderr, "%s\n", ToLine(trouble, kLongestLine).toUtf8().constData());
+  return trouble;
+}
+
+// While there is still a window that can say what did not come about.
+QString Viewer::KeepSettings() {
+  mSettings.Write();
+  return TakeWriteTrouble();
+}
+
 void Viewer::HideWindows() {
   for (MainWindow* const window : GetWindows())
     window->hide();
@@ -90,12 +103,25 @@ void Viewer::GiveUp(const QString& aUnderWay) {
 }
 
 void Viewer::AwaitEndedPages() {
-  const EndOfPages end{.isTold = !mCommandLine.IsBatch() && !mStopSignal.IsRaised(),
-                       .limit = mCommandLine.IsBatch() ? mHost.endLimits.batch : EndingWindow::kNoLimit,
-                       .giveUp = [this](const QString& aUnderWay) { GiveUp(aUnderWay); }};
+  const bool isBatch = mCommandLine.IsBatch();
+  const EndOfPages end{.isTold = !isBatch && !mStopSignal.IsRaised(),
+                       .limit = isBatch ? mHost.endLimits.batch : kNoLimit,
+                       .cameraLimit = isBatch ? kNoLimit : mHost.endLimits.camera,
+                       .giveUp = [this](const QString& aUnderWay) { GiveUp(aUnderWay); },
+                       .complete =
+                           [this] {
+                             NoteEndedPages();
+                             return KeepSettings();
+                           }};
   if (!mEndedPages.Await(end).isEmpty())
     mExitCode = 1;
-  NoteEndedPages();
+}
+
+// What is at work for a camera that was left uses its page, which can end neither before it nor with it: the program
+// ends instead.
+void Viewer::LeaveCameras() {
+  mExitCode = 1;
+  mHost.giveUp();
 }
 
 void Viewer::Finish() {
@@ -120,6 +146,8 @@ void Viewer::Finish() {
   }
   HideWindows();
   AwaitEndedPages();
+  if (mEndedPages.HasLeftCamera())
+    LeaveCameras();
   QCoreApplication::exit();
 }
 

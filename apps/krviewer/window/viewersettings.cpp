@@ -1,5 +1,7 @@
 #include "window/viewersettings.h"
 
+#include "window/writereason.h"
+
 #include <QDir>
 #include <QSet>
 #include <QSettings>
@@ -49,11 +51,15 @@ QString MakeHostKey(const QString& aCameraID) {
   return QLatin1String(kHosts) + QLatin1Char('/') + MakePageName(aCameraID);
 }
 
+std::unique_ptr<QSettings> OpenFile(const QString& aFile) {
+  return std::make_unique<QSettings>(aFile, QSettings::IniFormat);
+}
+
 } // namespace
 
 ViewerSettings::ViewerSettings(const QString& aFile) {
   if (!aFile.isEmpty())
-    mSettings = std::make_unique<QSettings>(aFile, QSettings::IniFormat);
+    mSettings = OpenFile(aFile);
 }
 
 ViewerSettings::~ViewerSettings() = default;
@@ -63,18 +69,38 @@ QString ViewerSettings::GetUserFile() {
   return folder.isEmpty() ? folder : folder + QStringLiteral("/krgui/krviewer.ini");
 }
 
-QString ViewerSettings::GetTrouble() const {
+QString ViewerSettings::TakeTrouble() {
   if (!mSettings)
     return {};
   static_cast<void>(mSettings->allKeys()); // Before, only parts of the file have been looked at.
-  if (mSettings->status() == QSettings::NoError)
+  const QSettings::Status status = mSettings->status();
+  if (status == QSettings::NoError)
     return {};
-  const char* const text = mSettings->status() == QSettings::AccessError
-                               ? "The settings in %1 cannot be read or written: windows and recent cameras are not "
-                                 "kept. Check the rights of "
-                                 "the file and of its folder."
-                               : "The settings in %1 are damaged: what could not be read of them begins anew.";
-  return QString::fromUtf8(text).arg(QDir::toNativeSeparators(mSettings->fileName()));
+  const QString file = QDir::toNativeSeparators(mSettings->fileName());
+  if (status == QSettings::FormatError) {
+    mSettings = OpenFile(mSettings->fileName()); // It remembers the first trouble alone.
+    return QStringLiteral("The settings in %1 are damaged: what could not be read of them begins anew.").arg(file);
+  }
+  mHasToldWriting = true;
+  return QStringLiteral("The settings in %1 cannot be read or written: windows and recent cameras are not kept. Check "
+                        "the rights of the file and of its folder.")
+      .arg(file);
+}
+
+void ViewerSettings::Write() {
+  if (mSettings)
+    mSettings->sync();
+}
+
+QString ViewerSettings::TakeWriteTrouble() {
+  if (!mSettings || mHasToldWriting || mSettings->status() != QSettings::AccessError)
+    return {};
+  mHasToldWriting = true;
+  const QString reason = FindWriteReason(mSettings->fileName());
+  return QStringLiteral("The settings cannot be written to %1%2. What is changed of windows, panels and recent cameras "
+                        "is not kept. Make room on the disk, or check the rights of the file and of its folder.")
+      .arg(QDir::toNativeSeparators(mSettings->fileName()),
+           reason.isEmpty() ? QString() : QStringLiteral(": ") + reason);
 }
 
 QByteArray ViewerSettings::Get(const QString& aName) const {

@@ -24,8 +24,13 @@ public:
   /// The file of whoever runs the program.
   static QString GetUserFile();
 
-  /// What is wrong with the file, for its user; empty where nothing is. What it makes no sense of is left out.
-  QString GetTrouble() const;
+  /// What is wrong with the file, for its user; empty where nothing is. What it makes no sense of is left out. Before
+  /// anything is kept.
+  QString TakeTrouble();
+  /// Writes what is not written yet.
+  void Write();
+  /// That something could not be written, and why, for the user; empty where all could be, and once it was told.
+  QString TakeWriteTrouble();
 
   /// Where the window was, and how a camera's page was; empty where none was kept, or not as it was written.
   QByteArray GetWindowLayout() const { return Get(QLatin1String(kWindowLayout)); }
@@ -52,6 +57,7 @@ private:
   void Forget(const char* aGroup, const RecentCameras& aCameras);
 
   std::unique_ptr<QSettings> mSettings; ///< Null where nothing is kept.
+  bool mHasToldWriting = false;
 };
 
 } // namespace krviewer

@@ -1,5 +1,6 @@
 #include "window/viewersettings.h"
 
+#include "filesizelimit.h"
 #include "temporaryfolder.h"
 
 #include <QFile>
@@ -159,16 +160,59 @@ TEST_F(ViewerSettingsTest, DamagedFile_IsToldUntilItIsReplaced) {
   {
     ViewerSettings settings(mFile); // Makes the folder.
     settings.SetPageState(kLayout);
-    EXPECT_EQ(settings.GetTrouble(), "");
+    EXPECT_EQ(settings.TakeTrouble(), "");
   }
   Write("[page\nno value\n");
   {
     ViewerSettings settings(mFile);
-    EXPECT_TRUE(settings.GetTrouble().contains(mFile)) << settings.GetTrouble().toStdString();
+    const QString trouble = settings.TakeTrouble();
+    EXPECT_TRUE(trouble.contains(mFile)) << trouble.toStdString();
     settings.SetPageState(kLayout);
   }
-  EXPECT_EQ(ViewerSettings(mFile).GetTrouble(), "");
-  EXPECT_EQ(ViewerSettings({}).GetTrouble(), "");
+  EXPECT_EQ(ViewerSettings(mFile).TakeTrouble(), "");
+  EXPECT_EQ(ViewerSettings({}).TakeTrouble(), "");
+}
+
+TEST_F(ViewerSettingsTest, FolderThatCannotBe_IsToldOnceWithTheReason) {
+  TemporaryFolder::WriteFile(mFolder.GetFile("settings"), "a file where the folder is to be");
+  ViewerSettings settings(mFile);
+  ASSERT_EQ(settings.TakeTrouble(), "");
+  EXPECT_EQ(settings.TakeWriteTrouble(), "");
+
+  settings.SetPageState(kLayout);
+  settings.Write();
+
+  const QString trouble = settings.TakeWriteTrouble();
+  EXPECT_TRUE(trouble.contains(mFile + ": Not a directory.")) << trouble.toStdString();
+  settings.Write();
+  EXPECT_EQ(settings.TakeWriteTrouble(), "");
+}
+
+TEST_F(ViewerSettingsTest, DiskThatTakesNoMore_IsToldWithTheReasonAlsoAfterADamage) {
+  {
+    ViewerSettings settings(mFile); // Makes the folder.
+    settings.SetPageState(kLayout);
+  }
+  Write("[page\nno value\n");
+  ViewerSettings settings(mFile);
+  ASSERT_TRUE(settings.TakeTrouble().contains("damaged"));
+  const FileSizeLimit full(0);
+
+  settings.SetPageState(kLayout);
+  settings.Write();
+
+  const QString trouble = settings.TakeWriteTrouble();
+  EXPECT_TRUE(trouble.contains(mFile + ": File too large.")) << trouble.toStdString();
+}
+
+TEST_F(ViewerSettingsTest, WhatCouldBeWritten_IsNoTrouble) {
+  ViewerSettings settings(mFile);
+  settings.SetPageState(kLayout);
+
+  settings.Write();
+
+  EXPECT_EQ(settings.TakeWriteTrouble(), "");
+  EXPECT_EQ(ViewerSettings(mFile).GetPageState(), kLayout);
 }
 
 TEST_F(ViewerSettingsTest, FileThatIsNone_HarmsNothingAndIsReplaced) {

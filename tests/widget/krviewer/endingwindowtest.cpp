@@ -10,6 +10,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -24,6 +25,9 @@ struct FakeWork {
   std::optional<std::uint64_t> written = {};
   int abandoned = 0;
   int left = 0;
+  bool awaitsCamera = false;
+  std::chrono::milliseconds cameraLimit = kNoLimit;
+  int camerasLeft = 0;
 
   EndingWork Make(const QString& aText) {
     return {.isOver = [this] { return isOver; },
@@ -31,7 +35,10 @@ struct FakeWork {
             .isRecording = [this] { return isRecording; },
             .abandon = [this] { ++abandoned; },
             .getWritten = [this] { return written; },
-            .leave = [this] { isOver = ++left > 0; }};
+            .leave = [this] { isOver = ++left > 0; },
+            .awaitsCamera = [this] { return awaitsCamera; },
+            .leaveCamera = [this] { isOver = ++camerasLeft > 0; },
+            .cameraLimit = cameraLimit};
   }
 };
 
@@ -167,6 +174,64 @@ TEST(EndingWindow, FilesThatDoNotGetOn_NeedNotBeWaitedFor) {
                   "for it: what is not written yet is lost then.\n\nSo is that.");
   EXPECT_EQ(hanging.left, 1);
   EXPECT_EQ(busy.left, 0);
+}
+
+TEST(EndingWindow, CameraThatDoesNotAnswer_IsCountedDownAndLeftByItself) {
+  FakeWork camera{.isRecording = false, .awaitsCamera = true, .cameraLimit = std::chrono::seconds(30)};
+  std::uint64_t nowMs = 1000;
+  EndingWindow window({camera.Make("It is given back.")}, [&] { return nowMs; });
+  QString text;
+  WhenShown(window, [&] {
+    text = GetText(window);
+    EXPECT_TRUE(IsTextWhole(window));
+    nowMs += 20'500;
+    EXPECT_TRUE(krtest::AwaitCondition([&] { return GetText(window).contains("for 10 s more at most"); }));
+    EXPECT_EQ(camera.camerasLeft, 0);
+    nowMs += 9500;
+  });
+
+  EXPECT_EQ(window.Await(), EndingResult::Over);
+
+  EXPECT_EQ(text, "It is given back.\nIt is waited for 30 s more at most. You need not wait for it: others may find it "
+                  "taken for some seconds then, and what was changed of its stream and connection parameters may not "
+                  "be kept.");
+  EXPECT_EQ(camera.camerasLeft, 1);
+}
+
+TEST(EndingWindow, CameraThatDoesNotAnswer_IsLeftByItsButtonAlone) {
+  FakeWork camera{.isRecording = false, .awaitsCamera = true, .cameraLimit = std::chrono::hours(1)};
+  FakeWork recording{.written = 7, .cameraLimit = std::chrono::hours(1)};
+  EndingWindow window({camera.Make("It is given back."), recording.Make("It is written.")});
+  WhenShown(window, [&] {
+    EXPECT_TRUE(IsShown(window, "leaveCamera"));
+    GetButton(window, "leaveCamera").click();
+    EXPECT_FALSE(IsShown(window, "leaveCamera"));
+    EXPECT_EQ(GetText(window), "It is written.");
+    recording.isOver = true;
+  });
+
+  window.Await();
+
+  EXPECT_EQ(camera.camerasLeft, 1);
+  EXPECT_EQ(recording.camerasLeft, 0);
+  EXPECT_EQ(recording.left, 0);
+}
+
+TEST(EndingWindow, CameraThatIsAwaitedWithoutALimit_IsNobodysToLeave) {
+  FakeWork camera{.isRecording = false, .awaitsCamera = true};
+  EndingWindow window({camera.Make("It is given back.")});
+  bool isOffered = true;
+  QString text;
+  WhenShown(window, [&] {
+    isOffered = IsShown(window, "leaveCamera");
+    text = GetText(window);
+    camera.isOver = true;
+  });
+
+  window.Await();
+
+  EXPECT_FALSE(isOffered);
+  EXPECT_EQ(text, "It is given back.");
 }
 
 TEST(EndingWindow, Trouble_IsShownUntilItIsRead) {

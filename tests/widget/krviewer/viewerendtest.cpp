@@ -1,4 +1,4 @@
-// Runs that end by themselves, with a camera that does not let go in time or is lost.
+// Runs that end by themselves or are ended, with a camera that does not let go in time or is lost.
 
 #include "gate.h"
 #include "viewerfixture.h"
@@ -92,6 +92,74 @@ TEST_F(ViewerEndTest, RunThatItsUserEnds_ShowsWhatItWaitsFor) {
 
   EXPECT_TRUE(wasSeen);
   EXPECT_TRUE(HasPicture("display.png"));
+}
+
+TEST_F(ViewerEndTest, CameraThatDoesNotAnswer_IsLeftWhenItsUserWantsThat) {
+  int givenUp = 0;
+  mHost.giveUp = [&] {
+    ++givenUp;
+    EXPECT_NE(TemporaryFolder::ReadFile(mSettingsFile.toStdString()).find("Simulated Mono Camera"), std::string::npos);
+    mGate.Open(); // The program would end here.
+  };
+  Begin();
+  OpenStreaming();
+  ASSERT_NO_FATAL_FAILURE(HoldCamera());
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    EndingWindow* const window = FindEndingWindow();
+    if (!window || !window->isVisible())
+      return;
+    look.stop();
+    window->findChild<QAbstractButton*>("leaveCamera")->click();
+  });
+  look.start(1);
+  testing::internal::CaptureStderr();
+
+  mViewer->Finish();
+
+  const std::string told = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(givenUp, 1);
+  EXPECT_NE(told.find("Simulated Mono Camera"), std::string::npos) << told;
+  EXPECT_NE(told.find("nobody waited for it any longer"), std::string::npos) << told;
+}
+
+TEST_F(ViewerEndTest, CameraThatDoesNotAnswerInItsTime_IsLeftByItself) {
+  int givenUp = 0;
+  mHost.endLimits.camera = std::chrono::milliseconds(1);
+  mHost.giveUp = [&] {
+    ++givenUp;
+    mGate.Open(); // The program would end here.
+  };
+  Begin();
+  OpenStreaming();
+  ASSERT_NO_FATAL_FAILURE(HoldCamera());
+  testing::internal::CaptureStderr();
+
+  mViewer->Finish();
+
+  const std::string told = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(givenUp, 1);
+  EXPECT_NE(told.find("nobody waited for it any longer"), std::string::npos) << told;
+}
+
+TEST_F(ViewerEndTest, SettingsThatCannotBeWrittenAtTheEnd_AreToldInItsWindow) {
+  mHost.settingsFile = QString::fromStdString(mFolder.GetFile("settings/krviewer.ini"));
+  Begin();
+  TemporaryFolder::WriteFile(mFolder.GetFile("settings"), "a file where the folder is to be");
+  QString told;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    EndingWindow* const window = FindEndingWindow();
+    if (!window || !window->isVisible())
+      return;
+    told = window->GetText();
+    window->findChild<QAbstractButton*>("close")->click();
+  });
+  look.start(1);
+
+  mViewer->Finish();
+
+  EXPECT_TRUE(told.contains(mHost.settingsFile + ": Not a directory.")) << told.toStdString();
 }
 
 TEST_F(ViewerEndTest, CameraThatLetsGo_LeavesAllPicturesAtOnce) {

@@ -403,3 +403,29 @@ TEST_F(ViewerWindowTest, AboutBox_SaysTheVersionsAndWaitsForNobody) {
   GetWindow().close();
   EXPECT_TRUE(mViewer->IsOver());
 }
+
+TEST_F(ViewerWindowTest, SettingsThatCannotBeWritten_AreSaidOnceWithTheReason) {
+  mHost.settingsFile = QString::fromStdString(mFolder.GetFile("settings/krviewer.ini"));
+  Begin();
+  TemporaryFolder::WriteFile(mFolder.GetFile("settings"), "a file where the folder is to be");
+
+  OpenStreaming();
+
+  EXPECT_TRUE(Await([this] { return GetMessage(GetWindow()).contains(mHost.settingsFile + ": Not a directory."); }));
+  GetWindow().GetBar().Clear();
+  ASSERT_TRUE(Choose("closeCamera"));
+  OpenStreaming(kColourMAC);
+  EXPECT_EQ(GetMessage(GetWindow()), "");
+}
+
+TEST_F(ViewerWindowTest, CameraBridgesOfADeviceWithoutPorts_AreSaidToHaveNone) {
+  Begin();
+  OpenStreaming(kRangeMAC);
+
+  ASSERT_TRUE(Choose("cameraBridges"));
+
+  ASSERT_TRUE(Await([] { return FindWindow("Camera Bridges") != nullptr; }));
+  const auto* const box = qobject_cast<QMessageBox*>(FindWindow("Camera Bridges"));
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(box->text(), "The device has no serial port.");
+}

@@ -1,0 +1,39 @@
+#include "window/writereason.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace krviewer {
+
+namespace {
+
+/// A disk that has less room is full.
+constexpr qint64 kFewestBytes = 1 << 16;
+
+} // namespace
+
+QString FindWriteReason(const QString& aFile) {
+  const QFileInfo file(aFile);
+  std::error_code error;
+  std::filesystem::create_directories(file.absolutePath().toStdString(), error);
+  if (error)
+    return QString::fromStdString(error.message());
+  if (file.exists() && ::access(QFile::encodeName(aFile).constData(), W_OK) != 0)
+    return QString::fromStdString(std::generic_category().message(errno));
+  QTemporaryFile trial(file.absolutePath() + QStringLiteral("/.krviewer-XXXXXX.tmp"));
+  if (!trial.open())
+    return trial.errorString();
+  const QByteArray bytes(std::max(file.size(), kFewestBytes), ' ');
+  return trial.write(bytes) == bytes.size() && trial.flush() ? QString() : trial.errorString();
+}
+
+} // namespace krviewer
