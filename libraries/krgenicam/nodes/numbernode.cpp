@@ -10,6 +10,9 @@ namespace krgenicam {
 
 namespace {
 
+/// More valid values of a node are not taken.
+constexpr std::size_t kMostValidValues = 65536;
+
 bool IsLess(const Number& aLeft, const Number& aRight) {
   if (!aLeft.IsFloat() && !aRight.IsFloat())
     return aLeft.ToInteger() < aRight.ToInteger();
@@ -52,15 +55,26 @@ void NumberNode::TakeValidValues(INodeIndex& aIndex) {
     rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
     if (text.empty())
       continue;
-    const std::optional<Number> value = ParseValue(text);
-    if (value && !std::isnan(value->ToFloat()))
-      mValidValues.push_back(*value);
-    else
-      AddWordFault(aIndex, *property, "a list of numbers, parted by semicolons");
+    if (mValidValues.size() == kMostValidValues) {
+      aIndex.AddFault(*this, property->line,
+                      "Of the valid values those behind the first " + std::to_string(kMostValidValues) +
+                          " are left out.");
+      break;
+    }
+    TakeValidValue(aIndex, *property, text);
   }
   std::ranges::sort(mValidValues, IsLess);
   const auto repeated = std::unique(mValidValues.begin(), mValidValues.end());
   mValidValues.erase(repeated, mValidValues.end());
+  mValidValues.shrink_to_fit();
+}
+
+void NumberNode::TakeValidValue(INodeIndex& aIndex, const Property& aProperty, std::string_view aText) {
+  const std::optional<Number> value = ParseValue(aText);
+  if (value && !std::isnan(value->ToFloat()))
+    mValidValues.push_back(*value);
+  else
+    AddWordFault(aIndex, aProperty, "a list of numbers, parted by semicolons");
 }
 
 KrResult NumberNode::Compute(Evaluation& aEvaluation, Facet aFacet, Number& aValue) {

@@ -48,6 +48,7 @@ protected:
 private:
   Limit TakeLimit(INodeIndex& aIndex, PropertyKind aConstant, PropertyKind aLink);
   void TakeValidValues(INodeIndex& aIndex);
+  void TakeValidValue(INodeIndex& aIndex, const Property& aProperty, std::string_view aText);
   KrResult ComputeLimit(Evaluation& aEvaluation, Facet aFacet, Number& aValue);
 
   Limit mMinimum;

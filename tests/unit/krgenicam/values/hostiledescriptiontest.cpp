@@ -312,6 +312,26 @@ TEST(Flood, OfEntries_IsFoundByValueAndByName) {
   EXPECT_EQ(Read(x, &KrGenEnum::GetValue), 99'999 * 97);
 }
 
+TEST(Flood, OfValidValues_IsCutWithAFault) {
+  constexpr std::size_t kMost = 65536;
+  std::string list;
+  for (std::size_t i = 0; i <= kMost; ++i)
+    list += std::to_string(i) + ";";
+  DescribedCamera camera(
+      MakeInteger("X", "<Value>0</Value><ValidValueSet>" + list + "</ValidValueSet>") +
+      MakeInteger("Full", "<Value>0</Value><ValidValueSet>" + list.substr(0, list.size() - 6) + "</ValidValueSet>"));
+  std::vector<std::int64_t> values;
+  KrStringList faults;
+
+  ASSERT_TRUE(camera.Integer("X").GetValidValues(values).IsOK());
+  ASSERT_TRUE(camera.array->GetFaults(faults).IsOK());
+
+  EXPECT_EQ(values.size(), kMost);
+  EXPECT_TRUE(camera.Integer("X").SetValue(kMost - 1).IsOK());
+  ASSERT_EQ(faults.GetCount(), 1u);
+  EXPECT_THAT(faults[0].CStr(), HasSubstr("behind the first 65536 are left out"));
+}
+
 TEST(Flood, OfPickedValuesAndCopies_IsHandled) {
   std::string picked = "<pIndex>Index</pIndex>";
   std::string copies = "<pValue>Target</pValue>";
