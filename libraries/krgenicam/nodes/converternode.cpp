@@ -155,8 +155,11 @@ KrResult ConverterNode::FindDirection(Evaluation& aEvaluation, const Range& aRan
   // One step inside the end that there is.
   const End& end = aRange.low.converted ? aRange.low : aRange.high;
   const int step = aRange.low.converted ? 1 : -1;
-  const Number place =
-      end.target.IsFloat() ? Number(end.target.ToFloat() + step) : Number(end.target.ToInteger() + step);
+  std::int64_t whole = 0;
+  // Beyond the last of all whole numbers nothing is inside.
+  if (!end.target.IsFloat() && __builtin_add_overflow(end.target.ToInteger(), std::int64_t{step}, &whole))
+    return {};
+  const Number place = end.target.IsFloat() ? Number(end.target.ToFloat() + step) : Number(whole);
   std::optional<Number> inside;
   KrResult result = ConvertPlace(aEvaluation, place, inside);
   if (!result.IsOK() || !inside)

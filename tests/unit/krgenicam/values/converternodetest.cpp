@@ -21,6 +21,11 @@ const std::string kTargets = MakeRegister("Raw", 0) + MakeFloatRegister("RealRaw
 <Integer Name="Symmetric"><Value>5</Value><Min>-10</Min><Max>10</Max></Integer>
 <Integer Name="Narrow"><Value>0</Value><Min>-1</Min><Max>1</Max></Integer>
 <Integer Name="Wide"><Value>0</Value><Min>-9223372036854775807</Min><Max>9223372036854775806</Max></Integer>
+<Integer Name="FromTheLargest"><pValue>FromOne</pValue><pValueCopy>OnlyTheLargest</pValueCopy></Integer>
+<Integer Name="OnlyTheLargest"><Value>9223372036854775807</Value><Min>9223372036854775807</Min></Integer>
+<Integer Name="ToTheSmallest"><pValue>ToTen</pValue><pValueCopy>OnlyTheSmallest</pValueCopy></Integer>
+<Integer Name="ToTen"><Value>5</Value><Max>10</Max></Integer>
+<Integer Name="OnlyTheSmallest"><Value>-9223372036854775808</Value><Max>-9223372036854775808</Max></Integer>
 <Float Name="SymmetricReal"><Value>5</Value><Min>-10</Min><Max>10</Max></Float>
 <FloatReg Name="Single"><Address>16</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
 <Endianess>LittleEndian</Endianess></FloatReg>
@@ -88,6 +93,8 @@ INSTANTIATE_TEST_SUITE_P(
                     LimitCase{"NoValueInside", "Symmetric", "1 / TO", "Automatic", -kLargest, kLargest},
                     LimitCase{"Constant", "Symmetric", "TO * 0 + 7", "Automatic", 7.0, 7.0},
                     LimitCase{"NearlyAllWholeNumbers", "Wide", "TO > 0", "Automatic", 0.0, 1.0},
+                    LimitCase{"NothingAboveTheMinimum", "FromTheLargest", "TO * 2", "Automatic", -kLargest, kLargest},
+                    LimitCase{"NothingBelowTheMaximum", "ToTheSmallest", "TO * 2", "Automatic", -kLargest, kLargest},
                     LimitCase{"RegisterOfFourBytes", "Single", "TO * 1000", "Automatic", -kLargest, kLargest},
                     LimitCase{"FloatOverFourBytes", "OverSingle", "TO * 1000", "Automatic", -kLargest, kLargest},
                     LimitCase{"FourBytesWithMinimum", "SingleFromOne", "TO * 10", "Automatic", 10.0, kLargest},
