@@ -114,10 +114,12 @@ ParameterWatch& NodeMap::FindWatch(Node& aNode) {
 
 KrResult NodeMap::RegisterEventSink(Node& aNode, KrGenEventSink* aSink) {
   ParameterWatch& watch = FindWatch(aNode);
+  // Before the sink is in: a caller who was refused may take it away.
+  if (KrResult started = mNotifications.Start(); !started.IsOK())
+    return started;
   KrResult result = watch.Register(aSink, mEpoch);
   if (!result.IsOK())
     return result;
-  mNotifications.Start();
   {
     const std::lock_guard lock(mWatchesMutex);
     mNewWatches.push_back(&watch);

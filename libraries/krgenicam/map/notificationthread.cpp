@@ -2,14 +2,22 @@
 
 #include "map/parameterwatch.h"
 
+#include <system_error>
 #include <utility>
 
 namespace krgenicam {
 
-void NotificationThread::Start() {
+KrResult NotificationThread::Start() {
   const std::lock_guard lock(mMutex);
-  if (!mThread.joinable() && !mIsStopped)
+  if (mThread.joinable() || mIsStopped)
+    return {};
+  try {
     mThread = std::jthread([this](const std::stop_token& aStop) { Run(aStop); });
+  } catch (const std::system_error& error) {
+    return {KrResult::Code::SystemError,
+            "No thread could be started that tells of changes: " + error.code().message() + "."};
+  }
+  return {};
 }
 
 void NotificationThread::Queue(ParameterWatch& aWatch) {

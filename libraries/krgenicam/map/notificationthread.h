@@ -2,6 +2,8 @@
 // The one thread on which a map's sinks are called, and the parameters that wait for being looked at. What is looked
 // at, and who is told, is left to the map and the watches.
 
+#include "krbase/krresult.h"
+
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -21,8 +23,8 @@ public:
   explicit NotificationThread(std::function<void(ParameterWatch&)> aLook) : mLook(std::move(aLook)) {}
   ~NotificationThread() { Stop(); }
 
-  /// Starts the thread unless it runs already, or was stopped.
-  void Start();
+  /// Starts the thread unless it runs already, or was stopped; SystemError where the system gives none.
+  KrResult Start();
   /// Has a watch looked at, once if it is waiting for that already.
   void Queue(ParameterWatch& aWatch);
   /// Ends the thread after the look that it is at; what waits is not looked at any more.

@@ -120,7 +120,7 @@ public:
   /// number. InvalidInput for a text that is no value of the type.
   KrResult FromString(const KrString& aText);
 
-  /// Registers a sink; InvalidInput for null or one that is registered with this parameter already.
+  /// Registers a sink; InvalidInput for null or one that is registered here already, SystemError without a thread.
   KrResult RegisterEventSink(KrGenEventSink* aSink);
   /// Takes a sink out; returns when no call of it for this parameter is running on another thread, and at once inside
   /// the sink's own call. InvalidInput when it is not registered.

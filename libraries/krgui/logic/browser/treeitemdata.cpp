@@ -57,7 +57,7 @@ void TreeItemData::StopListening() {
 
 void TreeItemData::ListenAgain() {
   if (mParameter)
-    (void)mParameter->RegisterEventSink(this); // Refused only to a sink that is registered already.
+    (void)mParameter->RegisterEventSink(this); // Refused also where the host has no thread: the user refreshes then.
 }
 
 void TreeItemData::ReadTexts() {

@@ -1,5 +1,6 @@
 #include "changingcamera.h"
 #include "krbase/krlogger.h"
+#include "threadrefusal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -416,6 +417,23 @@ TEST_F(Events, UnregisterEventSink_WhileItIsCalledElsewhere_WaitsForTheCall) {
     EXPECT_TRUE(hasEnded);
   });
   mayGoOn.Happen();
+}
+
+TEST(EventsWithoutAThread, Registering_FailsAndNeverCallsTheSink) {
+  DescribedCamera camera(kValueNodes);
+  RecordingSink refused;
+  {
+    const ThreadRefusal noThreads;
+    EXPECT_EQ(camera.Integer("Selector").RegisterEventSink(&refused), KrResult::Code::SystemError);
+  }
+  RecordingSink sink;
+  sink.Listen(camera.Integer("Selector"));
+
+  ASSERT_TRUE(camera.Integer("Selector").SetValue(2).IsOK());
+  sink.WaitForCalls(1);
+
+  EXPECT_THAT(refused.TakeNames(), IsEmpty());
+  EXPECT_EQ(camera.Integer("Selector").UnregisterEventSink(&refused), KrResult::Code::InvalidInput);
 }
 
 TEST_F(Events, SinkThatReadsAndWrites_FindsTheNewValueAndCausesFurtherEvents) {
