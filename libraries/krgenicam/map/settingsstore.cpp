@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <numeric>
 
 namespace krgenicam {
@@ -81,20 +82,22 @@ bool SettingsStore::IsStreamLocked(KrGenParameter& aParameter) const {
 
 // A selector under whose positions others are taken is not taken for itself: its own position ends their group. Of
 // parameters that select one another neither does.
-std::vector<SettingsStore::Group> SettingsStore::MakeGroups(const std::vector<KrGenParameter*>& aParameters) {
+std::vector<SettingsStore::Group> SettingsStore::MakeGroups(const std::vector<KrGenParameter*>& aParameters) const {
   std::vector<Group> groups = {{}};
+  std::map<std::vector<KrGenParameter*>, std::size_t> groupOf = {{{}, 0}};
   std::vector<KrGenParameter*> moved;
   for (KrGenParameter* const parameter : aParameters) {
+    if (mCancel.stop_requested())
+      break; // The walk tells of it.
     std::vector<KrGenParameter*> selectors = ListSelectors(*parameter);
     std::copy_if(selectors.begin(), selectors.end(), std::back_inserter(moved), [&](KrGenParameter* aSelector) {
       const std::vector<KrGenParameter*> above = ListSelectors(*aSelector);
       return std::find(above.begin(), above.end(), parameter) == above.end();
     });
-    auto group =
-        std::find_if(groups.begin(), groups.end(), [&](const Group& aGroup) { return aGroup.selectors == selectors; });
-    if (group == groups.end())
-      group = groups.insert(groups.end(), Group{std::move(selectors), {}});
-    group->parameters.push_back(parameter);
+    const auto [group, isNew] = groupOf.try_emplace(selectors, groups.size());
+    if (isNew)
+      groups.push_back({std::move(selectors), {}});
+    groups[group->second].parameters.push_back(parameter);
   }
   std::sort(moved.begin(), moved.end());
   for (Group& group : groups)

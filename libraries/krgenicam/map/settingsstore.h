@@ -39,7 +39,7 @@ private:
     std::vector<KrGenParameter*> parameters;
   };
 
-  static std::vector<Group> MakeGroups(const std::vector<KrGenParameter*>& aParameters);
+  std::vector<Group> MakeGroups(const std::vector<KrGenParameter*>& aParameters) const;
   void Walk(const Group& aGroup, std::size_t aDepth);
   void WalkSelector(const Group& aGroup, std::size_t aDepth);
   void WalkPositions(const Group& aGroup, std::size_t aDepth, const KrStringList& aPositions);
