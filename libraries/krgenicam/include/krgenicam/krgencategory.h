@@ -24,7 +24,7 @@ public:
   KrResult GetToolTip(KrString& aToolTip) const;
   /// What it is, at length; empty where the description has none.
   KrResult GetDescription(KrString& aDescription) const;
-  /// The name by which the array knows the category.
+  /// Whether the name is a standard's or the maker's own.
   KrResult GetNameSpace(KrGenNameSpace& aNameSpace) const;
   /// From which level of users on it is to be seen.
   KrResult GetVisibility(KrGenVisibility& aVisibility) const;
