@@ -77,6 +77,17 @@ KrString MakeAbsolute(const KrString& aPath) {
   return path.string();
 }
 
+/// What aCall gives; SystemError where the host has no thread that it needs.
+template <typename Call>
+KrResult CallWithThreads(Call aCall) {
+  try {
+    return aCall();
+  } catch (const std::system_error& error) {
+    return {KrResult::Code::SystemError,
+            KrString("The host has no thread for the camera; end other programs: ") + error.what()};
+  }
+}
+
 KrResult TellUnconnected(const KrString& aAttempt) {
   return {KrResult::Code::WrongState, aAttempt + ": the camera bridge is not connected."};
 }
@@ -111,7 +122,7 @@ KrResult BridgeBody::AskUnconnected(const Question& aQuestion) {
     return {KrResult::Code::WrongState, "The camera bridge is connected; disconnect it before asking for cameras."};
   if (KrResult result = OpenLine(); !result.IsOK())
     return result;
-  KrResult result = aQuestion(mLine, stop);
+  KrResult result = CallWithThreads([&] { return aQuestion(mLine, stop); });
   mLine.Close();
   return result.IsOK() ? result : ExplainSilence(result);
 }
@@ -129,7 +140,9 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token&
   KrStringList mistakes;
   CameraChoice choice = aChoice;
   choice.path = MakeAbsolute(aChoice.path);
-  KrResult result = CameraConnection::Open(choice, {openLine, aStop, mistakes}, mConnection);
+  KrResult result = CallWithThreads([&] {
+    return CameraConnection::Open(choice, {openLine, aStop, mistakes}, mConnection);
+  });
   if (aChoice.way == &kCameraFileWay)
     mMistakes = mistakes;
   if (!result.IsOK()) {
@@ -138,7 +151,10 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token&
     const bool isOfFile = aChoice.way == &kCameraFileWay && result == KrResult::Code::NotFound;
     return isOfFile ? result : ExplainSilence(result);
   }
-  mSync.Attach(mConnection->GetParameters());
+  if (KrResult attached = mSync.Attach(mConnection->GetParameters()); !attached.IsOK()) {
+    Disconnect(aStop);
+    return attached;
+  }
   SetChoice(choice);
   mIsConnected = true;
   return {};

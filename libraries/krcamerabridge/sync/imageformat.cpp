@@ -1,9 +1,11 @@
 #include "sync/imageformat.h"
 
 #include "connection/grabberfeatures.h"
+#include "krgenicam/krgenaccessstop.h"
 
 #include <algorithm>
 #include <array>
+#include <stop_token>
 #include <string>
 
 namespace krcamerabridge {
@@ -113,8 +115,10 @@ KrResult AskSource(KrGenParameterArray& aDevice, KrString& aSource) {
   return result.IsOK() ? selector->GetEntry(aSource) : result;
 }
 
-// Only where it is what was chosen meanwhile: the device, or another program at it, may have chosen anew.
+// Only where it is what was chosen meanwhile: the device, or another program at it, may have chosen anew. That is done
+// also where all else was ended.
 KrResult PutBack(KrGenParameterArray& aDevice, const KrString& aChosen, const KrString& aFormer) {
+  const KrGenAccessStop never{std::stop_token()};
   KrString present;
   const KrResult result = AskSource(aDevice, present);
   return result.IsOK() && present == aChosen ? aDevice.GetEnum(kSourceSelector)->SetEntry(aFormer) : result;
@@ -151,6 +155,9 @@ bool CarryImageFormat(const ImageFormat& aFormat, KrGenParameterArray& aDevice, 
   if (result.IsOK() && former != aSource)
     result = aDevice.GetEnum(kSourceSelector)->SetEntry(aSource);
   if (!result.IsOK()) {
+    // It may have been selected all the same.
+    if (result == KrResult::Code::Aborted && !former.IsEmpty())
+      (void)PutBack(aDevice, aSource, former);
     aProblems.Add("The device's source \"" + aSource + "\" could not be selected: " + Describe(result));
     return true;
   }

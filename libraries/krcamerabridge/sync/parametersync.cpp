@@ -4,10 +4,12 @@
 #include "krbase/krnamedmutexes.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krstream.h"
+#include "krgenicam/krgenaccessstop.h"
 #include "sync/imageformat.h"
 
 #include <chrono>
 #include <memory>
+#include <system_error>
 
 namespace krcamerabridge {
 
@@ -37,7 +39,7 @@ ParameterSync::~ParameterSync() {
   Detach();
 }
 
-void ParameterSync::Attach(KrGenParameterArray& aCamera) {
+KrResult ParameterSync::Attach(KrGenParameterArray& aCamera) {
   mCamera = &aCamera;
   {
     const std::lock_guard lock(mMutex);
@@ -45,10 +47,19 @@ void ParameterSync::Attach(KrGenParameterArray& aCamera) {
     mIsDue = true;
     mText = {};
   }
-  mThread = std::jthread([this](const std::stop_token& aStop) { Work(aStop); });
+  KrResult result;
+  try {
+    mThread = std::jthread([this](const std::stop_token& aStop) { Work(aStop); });
+  } catch (const std::system_error& error) {
+    result = {KrResult::Code::SystemError,
+              KrString("The host has no thread for the camera; end other programs: ") + error.what()};
+  }
   for (const char* const name : kCarriedFeatures)
-    if (KrGenParameter* const parameter = aCamera.Get(name))
-      (void)parameter->RegisterEventSink(this); // It is registered nowhere yet.
+    if (KrGenParameter* const parameter = aCamera.Get(name); parameter && result.IsOK())
+      result = parameter->RegisterEventSink(this);
+  if (!result.IsOK())
+    Detach();
+  return result;
 }
 
 void ParameterSync::Detach() {
@@ -56,10 +67,11 @@ void ParameterSync::Detach() {
     return;
   for (const char* const name : kCarriedFeatures)
     if (KrGenParameter* const parameter = mCamera->Get(name))
-      (void)parameter->UnregisterEventSink(this); // It is registered since Attach.
+      (void)parameter->UnregisterEventSink(this); // It is registered since Attach, unless that failed.
   mThread.request_stop();
   mCamera->Close();
-  mThread.join();
+  if (mThread.joinable())
+    mThread.join();
   mCamera = nullptr;
   const std::lock_guard lock(mMutex);
   mIsAttached = false;
@@ -145,6 +157,8 @@ void ParameterSync::AwaitStreamEnd(std::unique_lock<std::mutex>& aLock, const st
 }
 
 KrString ParameterSync::Carry(const KrString& aSource, const std::stop_token& aStop, bool& aIsDone) {
+  // Neither camera nor device is waited for when this is to end.
+  const KrGenAccessStop end(aStop);
   ImageFormat format;
   const KrResult read = ReadImageFormat(*mCamera, format);
   if (aStop.stop_requested())
@@ -160,9 +174,11 @@ KrString ParameterSync::Carry(const KrString& aSource, const std::stop_token& aS
     const std::lock_guard lock(*turn);
     // A stream may have been started while the camera was asked.
     aIsDone = CarryImageFormat(
-        format, *parameters, aSource, [this] { return !IsStreaming(); }, problems);
+        format, *parameters, aSource, [&] { return !aStop.stop_requested() && !IsStreaming(); }, problems);
     return {};
   });
+  if (aStop.stop_requested())
+    return {};
   if (!result.IsOK())
     problems.Add("The camera's size and pixel format could not be set on the device: " + result.GetDescription());
   return Join(problems);

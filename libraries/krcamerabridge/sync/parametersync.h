@@ -30,8 +30,8 @@ public:
   ParameterSync(const ParameterSync&) = delete;
   ParameterSync& operator=(const ParameterSync&) = delete;
 
-  /// A camera that has just been connected.
-  void Attach(KrGenParameterArray& aCamera);
+  /// A camera that has just been connected. SystemError where the host has no thread for it: it is detached then.
+  KrResult Attach(KrGenParameterArray& aCamera);
   /// The camera ends: its parameters are closed, so that no access waits, and not touched any more. Without a camera
   /// it does nothing.
   void Detach();
@@ -66,7 +66,7 @@ private:
   KrString mSource;
   KrString mText;
 
-  std::jthread mThread;
+  std::jthread mThread; // None where the host had none.
 };
 
 } // namespace krcamerabridge

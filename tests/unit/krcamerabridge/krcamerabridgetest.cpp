@@ -3,6 +3,7 @@
 #include "bridgedevicefixture.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krpersistence/krconfigurationwriter.h"
+#include "threadrefusal.h"
 
 #include <gtest/gtest.h>
 
@@ -52,6 +53,19 @@ TEST_F(Bridge, Destroyed_GivesTheCameraFree) {
   }
 
   EXPECT_EQ(grabber.camera.PeekNumber(kPrivilege, 4), 0u);
+}
+
+TEST_F(Bridge, HostWithoutAThread_IsSystemErrorAndLeavesItDisconnected) {
+  KrResult refused;
+  {
+    const ThreadRefusal noThreads;
+    refused = bridge.ConnectGenCP(kXMLID);
+  }
+
+  EXPECT_EQ(refused, KrResult::Code::SystemError);
+  EXPECT_FALSE(bridge.IsConnected());
+  const KrResult connected = bridge.ConnectGenCP(kXMLID);
+  EXPECT_TRUE(connected.IsOK()) << connected.GetDescription().CStr();
 }
 
 TEST_F(Bridge, CameraThatGivesNobodyControl_IsAccessDenied) {

@@ -4,6 +4,7 @@
 #include "describedcamera.h"
 #include "krbase/krlogger.h"
 #include "sync/imageformat.h"
+#include "threadrefusal.h"
 
 #include <gmock/gmock.h>
 
@@ -27,7 +28,7 @@ public:
       camera.Poke(FindRegister(0, name), {0, 0, 0, 0});
     sync.SetSource(aSource);
     sync.SetOn(true);
-    sync.Attach(*camera.array);
+    EXPECT_TRUE(sync.Attach(*camera.array).IsOK());
   }
 
   void Set(const char* aName, std::int64_t aValue) { ASSERT_TRUE(camera.Integer(aName).SetValue(aValue).IsOK()); }
@@ -230,6 +231,50 @@ TEST(CarryImageFormat, DeviceThatDoesNotAnswerAnyMore_IsToldOnceAndNotAskedForTh
   EXPECT_THAT(problems[0].ToUtf8(), HasSubstr("size and pixel format could not be set on the device: "));
   EXPECT_THAT(problems[1].ToUtf8(), HasSubstr("source \"Source0\" could not be selected again: "));
   EXPECT_EQ(unanswered, 2u);
+}
+
+TEST(ParameterSync, DetachedWhileItSetsTheDevice_SetsNothingMoreAndPutsTheSelectorBack) {
+  GrabberDevice grabber;
+  AttachedCamera camera(grabber, "Source1");
+  ASSERT_TRUE(camera.AwaitRest());
+  camera.sync.SetOn(false);
+  camera.Set("Width", 5);
+  camera.Set("Height", 6);
+  std::atomic<bool> isSetting = false;
+  const auto isClosed = [&] {
+    std::int64_t value = 0;
+    return camera.camera.Integer("Width").GetValue(value) == KrResult::Code::ConnectionLost;
+  };
+  grabber.link->port.SetFault([&](const RegisterAccessRecord& aRecord) {
+    if (aRecord.isWrite && aRecord.address == GrabberDevice::GetRegister(1, "Width")) {
+      isSetting = true;
+      EXPECT_TRUE(Await(isClosed));
+    }
+    return KrResult();
+  });
+
+  camera.sync.SetOn(true);
+  ASSERT_TRUE(Await([&] { return isSetting.load(); }));
+  camera.sync.Detach();
+  grabber.link->port.SetFault({});
+
+  EXPECT_EQ(grabber.Peek(1, "Height"), 0u);
+  EXPECT_EQ(grabber.link->Peek(kSelectorRegister), 0u);
+}
+
+TEST(ParameterSync, AttachedWithoutAThread_FailsAndIsDetached) {
+  GrabberDevice grabber;
+  DescribedCamera camera(MakeSizeNodes(0, "1000"));
+  ParameterSync sync(BorrowedDevice(grabber.device.get()), nullptr);
+  sync.SetOn(true);
+
+  {
+    const ThreadRefusal noThreads;
+    EXPECT_EQ(sync.Attach(*camera.array), KrResult::Code::SystemError);
+  }
+
+  EXPECT_TRUE(sync.GetText().IsEmpty());
+  EXPECT_EQ(camera.Integer("Width").UnregisterEventSink(&sync), KrResult::Code::InvalidInput);
 }
 
 TEST(ParameterSync, Detached_HearsOfNothing) {
