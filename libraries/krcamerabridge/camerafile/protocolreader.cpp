@@ -228,12 +228,14 @@ std::optional<CommandTemplate> CompleteAnswer(const FileProtocol& aProtocol, Com
   if (!SetFrameFormats(aProtocol, whole, aMap, aPlace, aKey))
     return std::nullopt;
   std::string problem = FindAnswerProblem(whole);
-  const bool isFree =
-      std::ranges::any_of(whole, [](const TemplatePart& aPart) { return GetFixedPartSize(aPart) == 0; });
+  const auto free = std::ranges::find_if(whole, [](const TemplatePart& aPart) { return GetFixedPartSize(aPart) == 0; });
+  // Behind what is of any length nobody knows where it stands.
+  const bool hasLength =
+      std::any_of(whole.begin(), free, [](const TemplatePart& aPart) { return aPart.kind == Kind::Length; });
   if (problem.empty() && whole.empty())
     problem = "an answer has to have bytes; ~ says that there is none";
-  if (problem.empty() && aProtocol.isBinary && isFree && !FindPart(whole, Kind::Length) && GetEnding(whole).empty())
-    problem = "an answer of any length has to have a {length}, or fixed bytes at its end";
+  if (problem.empty() && aProtocol.isBinary && free != whole.end() && !hasLength && GetEnding(whole).empty())
+    problem = "an answer of any length has to have a {length} in front of that, or fixed bytes at its end";
   if (problem.empty())
     return whole;
   aMap.Report(aPlace, "\"" + std::string(aKey) + "\": " + problem);

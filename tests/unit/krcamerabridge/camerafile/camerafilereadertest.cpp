@@ -227,7 +227,8 @@ TEST(CameraFileErrors, OfBinaryFiles_AreToldToo) {
                            "      - {name: D, type: string, get: 01, getAnswer: '02 {value}'}\n"
                            "      - {name: E, type: integer, get: '', getAnswer: '02 {value:u8}'}\n"
                            "      - {name: F, type: command, execute: 01}\n"
-                           "      - {name: G, type: string, get: 01, getAnswer: '{length} {value}'}\n";
+                           "      - {name: G, type: string, get: 01, getAnswer: '{length} {value}'}\n"
+                           "      - {name: H, type: string, get: 01, getAnswer: '{value} {length:u8}'}\n";
 
   EXPECT_THAT(GetErrors(text),
               ElementsAre(HasSubstr("7:54: \"getAnswer\": in binary data {value} needs a format"),
@@ -236,7 +237,8 @@ TEST(CameraFileErrors, OfBinaryFiles_AreToldToo) {
                           HasSubstr("9:53: \"getAnswer\": an answer of any length has to have a {length}"),
                           HasSubstr("10:39: \"get\": a command has to have bytes"),
                           HasSubstr("11:43: \"execute\" needs the key \"executeAnswer\""),
-                          HasSubstr("12:53: \"getAnswer\": {check} and {length} need the format")));
+                          HasSubstr("12:53: \"getAnswer\": {check} and {length} need the format"),
+                          HasSubstr("13:53: \"getAnswer\": an answer of any length has to have a {length} in front")));
 }
 
 TEST(CameraFileErrors, OfOneFile_AreAllToldInTheirOrder) {
