@@ -1,1 +1,2 @@
+// Only shows that the header needs no other one; the interface has no code.
 #include "krgenicam/ikrregisterport.h"

@@ -1,6 +1,6 @@
 #pragma once
-// Calls a register port so that whatever it throws is a failure: the port is foreign code, and those who call it, or the
-// threads that do, have nobody to catch it. What an access means is left to the caller.
+// Calls a register port so that whatever it throws is a failure: the port is foreign code, and those who call it, or
+// the threads that do, have nobody to catch it. What an access means is left to the caller.
 
 #include "krbase/krresult.h"
 

@@ -47,15 +47,15 @@ private:
   std::vector<WireValue> mHeld; ///< By feature; of those that have a start.
 };
 
-/// Thread: any, but for SetRate, before all accesses, and destruction, which ends them first. Ownership: shares the file's model; borrows the
-/// line.
+/// Thread: any, but for SetRate, before all accesses, and destruction, which ends them first. Ownership: shares the
+/// file's model; borrows the line.
 class CameraFilePort final : public ICameraPort {
 public:
   CameraFilePort(const CameraFile& aFile, ICameraLine& aLine);
   ~CameraFilePort() override { Disconnect({}); }
 
-  /// Gives the line the camera's rate. NotSupported where it cannot have that; a line whose rate nobody can tell is taken
-  /// to have the right one.
+  /// Gives the line the camera's rate. NotSupported where it cannot have that; a line whose rate nobody can tell is
+  /// taken to have the right one.
   KrResult SetRate();
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel = {}) override;

@@ -15,7 +15,8 @@ KrResult CheckSource(IKrDeviceAdapter& aAdapter, const KrString& aSource);
 /// The boolean that switches Power over Camera Link, the first of the names in use that the device has; empty for none.
 KrString FindPoCLSwitch(IKrDeviceAdapter& aAdapter);
 
-/// Says of the failure to hear of a camera that the device gives it no power, where that is so. Others stay as they are.
+/// Says of the failure to hear of a camera that the device gives it no power, where that is so. Others stay as they
+/// are.
 KrResult ExplainSilence(const KrResult& aFailure, IKrDeviceAdapter& aAdapter);
 
 } // namespace krcamerabridge

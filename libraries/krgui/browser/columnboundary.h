@@ -1,6 +1,6 @@
 #pragma once
-// The boundary between the grid's two columns: where it is, and moving it by mouse and keyboard. What is to be done when it
-// has moved is left to the grid.
+// The boundary between the grid's two columns: where it is, and moving it by mouse and keyboard. What is to be done
+// when it has moved is left to the grid.
 
 #include <QPointer>
 #include <QWidget>

@@ -48,6 +48,7 @@ inline constexpr int kCopyRowCommandID = 32807;
 inline constexpr int kSaveFeaturesCommandID = 32805;
 inline constexpr int kRestoreFeaturesCommandID = 32806;
 
+// In menus of texts, which have no rows: the number is kCopyRowCommandID's.
 inline constexpr int kCopyTextCommandID = 32807;
 inline constexpr int kSelectAllCommandID = 32808;
 

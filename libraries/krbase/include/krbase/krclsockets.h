@@ -30,8 +30,8 @@ public:
   /// Publishes a port. Control characters and '#' of its name become '-', and it is cut to kKrCLMostName bytes; a name
   /// that is published already gets " (2)" and so on behind it. InvalidInput for a name of blanks and control
   /// characters alone, AccessDenied when the directory is another user's or others may enter it, Busy when another
-  /// process keeps the directory to itself for a second, which the next calls do not wait for, SystemError as the system says; aPublication is set on success
-  /// only.
+  /// process keeps the directory to itself for a second, which the next calls do not wait for, SystemError as the
+  /// system says; aPublication is set on success only.
   static KrResult Make(const KrString& aName, std::unique_ptr<KrCLPublication>& aPublication);
   ~KrCLPublication();
   KrCLPublication(const KrCLPublication&) = delete;

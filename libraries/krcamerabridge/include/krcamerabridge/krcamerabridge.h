@@ -131,8 +131,8 @@ public:
   /// the camera refuses to tell are logged and left out. WrongState where it is not connected; nothing is stored when
   /// the camera does not answer (TimeLimitExceeded, ConnectionLost) and after Cancel.
   KrResult Save(const KrString& aName, KrConfigurationWriter& aWriter);
-  /// The same without the camera's features, which is not asked: also of a camera, or a device, that is gone. Loaded, it
-  /// leaves the camera as it is. WrongState where it is not connected. Thread: any, at any time.
+  /// The same without the camera's features, which is not asked: also of a camera, or a device, that is gone. Loaded,
+  /// it leaves the camera as it is. WrongState where it is not connected. Thread: any, at any time.
   KrResult SaveConnection(const KrString& aName, KrConfigurationWriter& aWriter) const;
   /// Disconnects, chooses the source, connects as it was saved, sets the features, and then the synchronisation, which
   /// stays off where the device lacks the source. Of what is stored all is used that can be. aErrors gets a further

@@ -50,9 +50,9 @@ enum { CL_DLL_VERSION_1_1 = 3 };
 // All functions may be called from any thread. Of one session, what receives (clSerialRead, clGetNumBytesAvail,
 // clFlushPort, clGetSupportedBaudRates, clSetBaudRate) is done one after the other, and so is what sends
 // (clSerialWrite, clSetBaudRate); both go on at the same time, and sessions do not wait for one another. Time limits
-// are milliseconds, and count from the call, the wait for its turn included. Each function answers CL_ERR_INVALID_PTR to a null pointer, where nothing else is said,
-// CL_ERR_OUT_OF_MEMORY when there is no memory, and those with a session CL_ERR_INVALID_REFERENCE to one that is
-// closed, not of this process, or whose bridge has ended.
+// are milliseconds, and count from the call, the wait for its turn included. Each function answers CL_ERR_INVALID_PTR
+// to a null pointer, where nothing else is said, CL_ERR_OUT_OF_MEMORY when there is no memory, and those with a session
+// CL_ERR_INVALID_REFERENCE to one that is closed, not of this process, or whose bridge has ended.
 //
 // Texts: *size is the size of the buffer, and then the bytes written, the zero at the end included. A buffer that is
 // null or too small gets CL_ERR_BUFFER_TOO_SMALL, nothing is written, and *size is the size that is needed.
@@ -76,13 +76,13 @@ CLINT32 clSerialWrite(hSerRef reference, CLINT8* buffer, CLUINT32* size, CLUINT3
 /// Counts the bytes that can be read without waiting. What was received before a bridge ended counts, too.
 CLINT32 clGetNumBytesAvail(hSerRef reference, CLUINT32* count);
 /// Throws away what was received and not read, also what waits in the bridge and in the device. It is behind what was
-/// written: CL_ERR_TIMEOUT when the device takes none of that, or the bridge does not answer; what waited here is thrown
-/// away all the same.
+/// written: CL_ERR_TIMEOUT when the device takes none of that, or the bridge does not answer; what waited here is
+/// thrown away all the same.
 CLINT32 clFlushPort(hSerRef reference);
 /// The bits of the speeds that the port can be set to; 0 where the device's speed is not known.
 CLINT32 clGetSupportedBaudRates(hSerRef reference, CLUINT32* baudRates);
-/// Sets the speed, by one bit, once the device has what was written before. CL_ERR_BAUD_RATE_NOT_SUPPORTED for one that the port does not have or take,
-/// CL_ERR_TIMEOUT when the device does not take that or answer, or its bridge does not.
+/// Sets the speed, by one bit, once the device has what was written before. CL_ERR_BAUD_RATE_NOT_SUPPORTED for one that
+/// the port does not have or take, CL_ERR_TIMEOUT when the device does not take that or answer, or its bridge does not.
 CLINT32 clSetBaudRate(hSerRef reference, CLUINT32 baudRate);
 
 /// The name of this library's maker, and CL_DLL_VERSION_1_1.

@@ -21,9 +21,9 @@ class CameraBridgeManagerWnd;
 ///
 /// Thread: the user-interface thread alone. Cameras are asked on threads of the window's own while it is open; its
 /// calls then run a loop of their own, in which it stays alive and can be cancelled. It may be deleted there.
-/// Ownership: the application owns the object; device and stream are borrowed and must be taken out, or the object deleted,
-/// before they end: the device by SetDevice, with null or another one; the stream by SetStream and SetDevice after it, as
-/// bridges keep the stream that they were made with. Closing the window is not enough.
+/// Ownership: the application owns the object; device and stream are borrowed and must be taken out, or the object
+/// deleted, before they end: the device by SetDevice, with null or another one; the stream by SetStream and SetDevice
+/// after it, as bridges keep the stream that they were made with. Closing the window is not enough.
 ///
 ///     KrCameraBridgeManagerWnd manager;
 ///     manager.SetStream(&stream);

@@ -56,7 +56,7 @@ struct EditInput {
 };
 
 enum class EditOutcome {
-  NothingWritten, ///< Not changed, not dirty, not writable or not a number.
+  NothingWritten, ///< Not changed, not dirty, not writable or no integer; a float that is no number is 0.
   Written,
   InvalidIPAddress,
   Failed,
