@@ -1,7 +1,14 @@
 #include "krgenicam/krgenparameterlist.h"
 
+#include "map/selectorpath.h"
+
 void KrGenParameterList::Add(KrGenParameter* aParameter) {
   mParameters.push_back(aParameter);
+}
+
+void KrGenParameterList::AddSelectorsOf(KrGenParameter& aParameter) {
+  for (KrGenParameter* const selector : krgenicam::ListSelectors(aParameter))
+    Add(selector);
 }
 
 void KrGenParameterList::Clear() {

@@ -20,7 +20,7 @@ struct SelectorPosition {
   friend bool operator==(const SelectorPosition&, const SelectorPosition&) = default;
 };
 
-/// More selectors of one parameter than this are not looked at.
+/// A parameter has fewer selectors than this; more are not looked at.
 inline constexpr std::size_t kMaxSelectors = 16;
 /// More positions of one integer are not listed: a device should not be moved through thousands, of which a description
 /// that gives no range has them all.

@@ -18,6 +18,9 @@ class KR_EXPORT KrGenParameterList {
 public:
   /// Appends a parameter, which is borrowed.
   void Add(KrGenParameter* aParameter);
+  /// Appends all selectors of a parameter, those of its selectors among them, each once and after those that select it,
+  /// as they have to be set in that order. Of more than fifteen the rest is left out.
+  void AddSelectorsOf(KrGenParameter& aParameter);
   /// Leaves no parameters.
   void Clear();
   /// The number of parameters.

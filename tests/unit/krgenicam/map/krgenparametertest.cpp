@@ -103,6 +103,22 @@ TEST(KrGenParameter, AliasesAndSelectors_LeadToTheParameters) {
   EXPECT_THAT(ToVector(selecting), ElementsAre(camera.array->Get("Raw")));
 }
 
+TEST(KrGenParameter, Selectors_ThatSelectOneAnotherWithoutEnd_AreListedUpToTheLimit) {
+  constexpr int kCount = 100'000;
+  std::string nodes = "<Integer Name=\"S" + std::to_string(kCount) + "\"><Value>0</Value></Integer>\n";
+  for (int i = 0; i < kCount; ++i)
+    nodes += "<Integer Name=\"S" + std::to_string(i) + "\"><Value>0</Value><pSelected>S" + std::to_string(i + 1) +
+             "</pSelected></Integer>\n";
+  DescribedCamera camera(nodes);
+  KrGenParameterList selectors;
+
+  selectors.AddSelectorsOf(camera.Integer("S100000"));
+
+  ASSERT_EQ(selectors.GetCount(), 15u);
+  EXPECT_EQ(selectors[0]->GetName(), "S99985");
+  EXPECT_EQ(selectors[14]->GetName(), "S99999");
+}
+
 TEST(KrGenParameter, Selected_ThatAreNamedAgain_AreListedOnceInTheOrderOfTheDescription) {
   DescribedCamera camera(R"(
 <Integer Name="First"><Value>0</Value><pSelected>B</pSelected><pSelected>A</pSelected><pSelected>B</pSelected>
