@@ -7,7 +7,8 @@ namespace krgenicam {
 
 // How far the walk has come in a category on the path.
 struct FeatureTree::Step {
-  std::uint32_t place;
+  NodeIndex category;
+  std::uint32_t place; // The category's own, or that of the last level.
   std::uint32_t nextProperty;
 };
 
@@ -49,7 +50,7 @@ void FeatureTree::Walk(NodeIndex aRoot) {
   while (!steps.empty()) {
     Step& step = steps.back();
     const std::uint32_t place = step.place;
-    const NodeIndex category = mPlaces[place].category;
+    const NodeIndex category = step.category;
     const auto properties = mDescription->GetProperties(mDescription->GetNodes()[category]);
     if (step.nextProperty == properties.size()) {
       mIsOnPath[category] = false;
@@ -81,11 +82,22 @@ void FeatureTree::Enter(NodeIndex aCategory, std::uint32_t aParent, std::vector<
     return;
   }
   ++mKeptPlaces;
-  const auto place = static_cast<std::uint32_t>(mPlaces.size());
-  mPlaces.push_back({aCategory, aParent});
+  const std::uint32_t place = FindPlace(aCategory, aParent, aSteps.size());
   places.push_back(place);
   mIsOnPath[aCategory] = true;
-  aSteps.push_back({place, 0});
+  aSteps.push_back({aCategory, place, 0});
+}
+
+// A new one, as long as there are fewer levels above it than may be.
+std::uint32_t FeatureTree::FindPlace(NodeIndex aCategory, std::uint32_t aParent, std::size_t aLevels) {
+  if (aLevels < kMostLevels) {
+    mPlaces.push_back({aCategory, aParent});
+    return static_cast<std::uint32_t>(mPlaces.size() - 1);
+  }
+  if (!std::exchange(mHasCutLevels, true))
+    AddFault(aCategory, "The category, and perhaps others, is deeper than the " + std::to_string(kMostLevels) +
+                            " levels that are kept: what is in it counts as in the one of the last level.");
+  return aParent;
 }
 
 void FeatureTree::AddFeature(NodeIndex aFeature, std::uint32_t aPlace) {

@@ -16,6 +16,8 @@ public:
   /// Limits on the paths that are kept, as categories that share categories have more of them than fit into memory.
   static constexpr std::size_t kMostPlacesOfOne = 64;
   static constexpr std::size_t kMostPlaces = std::size_t{1} << 18;
+  /// What is in a deeper category counts as in the one of the last level, as trees are laid out recursively.
+  static constexpr std::size_t kMostLevels = 256;
 
   FeatureTree() = default;
   /// From the category "Root", or, where there is none, from all categories that no other holds.
@@ -42,6 +44,7 @@ private:
   std::vector<NodeIndex> FindRoots() const;
   void Walk(NodeIndex aRoot);
   void Enter(NodeIndex aCategory, std::uint32_t aParent, std::vector<Step>& aSteps);
+  std::uint32_t FindPlace(NodeIndex aCategory, std::uint32_t aParent, std::size_t aLevels);
   void AddFeature(NodeIndex aFeature, std::uint32_t aPlace);
   std::string MakePath(std::uint32_t aPlace) const;
   void AddFault(NodeIndex aNode, const std::string& aText);
@@ -54,6 +57,7 @@ private:
   std::vector<bool> mIsOnPath;  // By node; categories between the root and where the walk is.
   std::vector<bool> mIsInFault; // By node; categories that were found to stand in themselves.
   bool mHasLeftOut = false;
+  bool mHasCutLevels = false;
   std::vector<DescriptionFault> mFaults;
 };
 

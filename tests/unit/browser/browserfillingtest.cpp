@@ -362,8 +362,8 @@ TEST_F(FillingTest, CategoryInsideItself_IsNoFurtherRow) {
   EXPECT_THAT(GetRows(), ElementsAre("A/", " X"));
 }
 
-TEST_F(FillingTest, ThousandCategoriesInEachOther_MakeAsManyLevels) {
-  constexpr int kDepth = 1000;
+TEST_F(FillingTest, TenThousandCategoriesInEachOther_MakeALimitedNumberOfLevels) {
+  constexpr int kDepth = 10000;
   std::string nodes = MakeFeature("Deepest") + MakeCategory("Root", {"C0"});
   for (int i = 0; i < kDepth; ++i) {
     nodes += MakeCategory("C" + std::to_string(i), {i + 1 < kDepth ? "C" + std::to_string(i + 1) : "Deepest"});
@@ -372,7 +372,14 @@ TEST_F(FillingTest, ThousandCategoriesInEachOther_MakeAsManyLevels) {
   Fill(nodes);
 
   ASSERT_THAT(GetFeatureList(), ElementsAre("Deepest"));
-  EXPECT_EQ(mCamera->tree.Find(mCamera->tree.GetFeatures()[0]->GetItem())->level, kDepth);
+  EXPECT_EQ(mCamera->tree.Find(mCamera->tree.GetFeatures()[0]->GetItem())->level, 255);
+}
+
+TEST_F(FillingTest, FeaturesOfSeveralCategoriesInTurn_ComeIntoTheSameRows) {
+  Fill(MakeFeature("A1") + MakeFeature("B1") + MakeFeature("A2") + MakeFeature("B2") + MakeCategory("Root", {"A"}) +
+       MakeCategory("A", {"A1", "B", "A2", "C"}) + MakeCategory("B", {"B1"}) + MakeCategory("C", {"B2"}));
+
+  EXPECT_THAT(GetRows(), ElementsAre("A/", " A1", " B/", "  B1", " A2", " C/", "  B2"));
 }
 
 TEST_F(FillingTest, ManyFeaturesOfOneCategory_AskTheDeviceAboutTheCategoryOnce) {

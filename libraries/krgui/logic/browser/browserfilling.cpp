@@ -99,20 +99,21 @@ private:
   std::unordered_map<std::string, bool> mCategories;
 };
 
-/// The rows of category paths, made where they are first needed. Remembers them, as features of one category mostly
-/// follow each other by the thousand.
+/// The rows of category paths, made where they are first needed. Remembers the last one, as features of one category
+/// mostly follow each other by the thousand; all paths together may be far larger than the description.
 class CategoryRows {
 public:
   CategoryRows(KrGenParameterArray& aArray, BrowserTree& aTree) : mArray(aArray), mTree(aTree) {}
 
   GridItem FindOrMake(const std::string& aPath) {
-    const auto [entry, isNew] = mRows.try_emplace(aPath, kNoItem);
-    if (isNew) {
+    if (aPath != mLastPath) {
+      mLastPath = aPath;
+      mLastRow = kNoItem;
       for (const std::string_view component : SplitCategoryPath(aPath)) {
-        entry->second = Descend(entry->second, KrString(component));
+        mLastRow = Descend(mLastRow, KrString(component));
       }
     }
-    return entry->second;
+    return mLastRow;
   }
 
 private:
@@ -128,7 +129,8 @@ private:
 
   KrGenParameterArray& mArray;
   BrowserTree& mTree;
-  std::unordered_map<std::string, GridItem> mRows;
+  std::string mLastPath; ///< The empty one has no rows.
+  GridItem mLastRow = kNoItem;
 };
 
 } // namespace

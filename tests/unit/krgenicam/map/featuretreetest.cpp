@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+
 using krgenicam::Description;
 using krgenicam::FeatureTree;
 using krgenicam::NodeIndex;
@@ -100,7 +103,7 @@ TEST_F(FeatureTreeTest, GetFeatures_WithoutRoot_BeginAtTheCategoriesThatNoOtherH
   EXPECT_THAT(GetPaths("X"), ElementsAre("One\\Inner"));
 }
 
-TEST_F(FeatureTreeTest, GetFeatures_TenThousandNestedCategories_ReachTheInnermost) {
+TEST_F(FeatureTreeTest, GetFeatures_TenThousandNestedCategories_ReachTheInnermostOverALimitedNumberOfLevels) {
   constexpr int kDepth = 10000;
   std::string nodes = MakeCategory("Root", {"C0"}) + MakeFeature("Deepest");
   for (int i = 0; i < kDepth; ++i)
@@ -109,7 +112,25 @@ TEST_F(FeatureTreeTest, GetFeatures_TenThousandNestedCategories_ReachTheInnermos
   Take(nodes);
 
   EXPECT_THAT(GetFeatures(), ElementsAre("Deepest"));
-  EXPECT_TRUE(GetPaths("Deepest").at(0).ends_with("\\C9998\\C9999"));
+  const std::string path = GetPaths("Deepest").at(0);
+  EXPECT_EQ(std::ranges::count(path, '\\') + 1, static_cast<std::ptrdiff_t>(FeatureTree::kMostLevels));
+  EXPECT_TRUE(path.ends_with("\\C253\\C254"));
+  ASSERT_EQ(mTree.GetFaults().size(), 1u);
+  EXPECT_EQ(mTree.GetFaults()[0].node, "C255");
+}
+
+TEST_F(FeatureTreeTest, GetPaths_BelowTheLastLevel_AreThoseOfTheLastLevel) {
+  const int last = static_cast<int>(FeatureTree::kMostLevels) - 1;
+  std::string nodes = MakeCategory("Root", {"C1"}) + MakeFeature("X") + MakeFeature("Y") + MakeFeature("Z");
+  for (int i = 1; i < last; ++i)
+    nodes += MakeCategory("C" + std::to_string(i), {"C" + std::to_string(i + 1)});
+
+  Take(nodes + MakeCategory("C" + std::to_string(last), {"X", "A", "B"}) + MakeCategory("A", {"Y", "Inner"}) +
+       MakeCategory("B", {"X", "Z"}) + MakeCategory("Inner", {"A", "Z"}));
+
+  EXPECT_THAT(GetFeatures(), ElementsAre("X", "Y", "Z"));
+  for (const char* const name : {"X", "Y", "Z"})
+    EXPECT_THAT(GetPaths(name), ElementsAre(testing::EndsWith("\\C" + std::to_string(last)))) << name;
 }
 
 TEST_F(FeatureTreeTest, GetPaths_CategoriesThatDoubleAtEachLevel_KeepAFewPlacesAndNoteTheRest) {
