@@ -71,6 +71,7 @@ adapters:
           droppedFrames: 6
           lostPackets: {frames: 7, packets: 8, first: 9}
         vanishes: 5
+        awayWhile: /run/away
       - kind: tolvan
         mac: 02:00:00:00:00:02
         deviceID: 0x12
@@ -252,6 +253,7 @@ TEST(LabReader, Parse_WholeLab_TakesNetworkDevices) {
   EXPECT_EQ(camera.faults.silentRegisters[0].address, 0x10u);
   EXPECT_EQ(camera.faults.lostPackets->firstPacket, 9u);
   EXPECT_EQ(camera.schedule, (krtransport::LabSchedule{.endNs = 5 * kSecondNs}));
+  EXPECT_EQ(camera.awayFile, "/run/away");
   EXPECT_EQ(tolvan.deviceID, 0x12);
   EXPECT_EQ(tolvan.softwareMajor, 6);
   EXPECT_EQ(tolvan.softwareMinor, 7);

@@ -1,5 +1,9 @@
 #include "labfixture.h"
+#include "temporaryfolder.h"
 #include "testclocks.h"
+
+#include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -52,7 +56,53 @@ private:
   std::uint64_t mMovedNs = 0;
 };
 
+// A camera that a file keeps away.
+class AwayFileTest : public LabTest {
+protected:
+  AwayFileTest() : AwayFileTest(std::make_unique<TemporaryFolder>()) {}
+
+  void KeepAway() { std::ofstream{mFile}; }
+  void LetBack() { EXPECT_TRUE(std::filesystem::remove(mFile)); }
+
+private:
+  explicit AwayFileTest(std::unique_ptr<TemporaryFolder> aFolder)
+      : LabTest(nullptr, MakeLab(aFolder->GetFile("away"))), mFolder(std::move(aFolder)),
+        mFile(mFolder->GetFile("away")) {}
+  static krtransport::Lab MakeLab(const std::string& aFile) {
+    krtransport::LabGEVCamera camera;
+    camera.macAddress = kMonoMAC;
+    camera.ipAddress = kMonoAddress;
+    camera.awayFile = aFile;
+    krtransport::LabAdapter adapter;
+    adapter.name = "lab0";
+    adapter.addresses = {{"192.168.77.1", "255.255.255.0"}};
+    adapter.devices = {camera};
+    return {.adapters = {adapter}};
+  }
+
+  const std::unique_ptr<TemporaryFolder> mFolder;
+  const std::string mFile;
+};
+
 } // namespace
+
+TEST_F(AwayFileTest, FileThatComesAndGoes_TakesTheCameraAwayAndBringsItBack) {
+  std::unique_ptr<KrDevice> device;
+  ASSERT_TRUE(Open(kMonoMAC, device).IsOK());
+  CountingSink sink;
+  ASSERT_TRUE(device->RegisterEventSink(&sink).IsOK());
+
+  KeepAway();
+  EXPECT_TRUE(sink.WaitFor(1, 0));
+  FindAll();
+  EXPECT_EQ(FindInfo(kMonoMAC), nullptr);
+
+  LetBack();
+  EXPECT_TRUE(sink.WaitFor(1, 1));
+  FindAll();
+  EXPECT_NE(FindInfo(kMonoMAC), nullptr);
+  EXPECT_TRUE(device->UnregisterEventSink(&sink).IsOK());
+}
 
 TEST_F(SimulatedSchedulesTest, Camera_OnItsSchedule_AppearsVanishesAndAppearsAgain) {
   EXPECT_FALSE(IsFound(kMonoMAC));

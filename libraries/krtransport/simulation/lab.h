@@ -25,6 +25,7 @@ struct LabIdentity {
   KrString serialNumber;
   KrString userDefinedName;
   LabSchedule schedule; ///< When the device is there.
+  KrString awayFile;    ///< As long as a file of this name exists, it is not there whatever the schedule; may be empty.
 };
 
 /// What a device on the network has; addresses as texts "a.b.c.d".

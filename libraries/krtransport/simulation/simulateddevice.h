@@ -24,8 +24,8 @@ public:
   virtual bool IsPresent() const = 0;
   /// What schedule and adapter say from now on; the device is there until the first call.
   virtual void SetAway(bool aIsAway) = 0;
-  /// When the device is there, as far as it decides.
-  virtual const LabSchedule& GetSchedule() const = 0;
+  /// What the lab says of it, whose schedule and file decide when it is there.
+  virtual const LabIdentity& GetIdentity() const = 0;
 
   /// The device's address; nothing for one that has none by its kind.
   virtual std::optional<std::uint32_t> GetAddress() const { return std::nullopt; }

@@ -17,7 +17,7 @@ public:
   const KrString& GetUniqueID() const override { return mDescription.macAddress; }
   bool IsPresent() const override { return mCamera.IsPresent(); }
   void SetAway(bool aIsAway) override;
-  const LabSchedule& GetSchedule() const override { return mDescription.schedule; }
+  const LabIdentity& GetIdentity() const override { return mDescription; }
   std::optional<std::uint32_t> GetAddress() const override { return GetState().ip.address; }
   bool IsReachable() const override { return mSubnets.Reaches(GetState().ip.address); }
   KrResult ConfigureIP(const IPConfiguration& aConfiguration) override;

@@ -18,7 +18,7 @@ public:
   const KrString& GetUniqueID() const override { return mDescription.macAddress; }
   bool IsPresent() const override { return !mIsAway; }
   void SetAway(bool aIsAway) override { mIsAway = aIsAway; }
-  const LabSchedule& GetSchedule() const override { return mDescription.schedule; }
+  const LabIdentity& GetIdentity() const override { return mDescription; }
   std::optional<std::uint32_t> GetAddress() const override { return GetConfiguration().address; }
   bool IsReachable() const override { return mSubnets.Reaches(GetConfiguration().address); }
   KrResult ConfigureIP(const IPConfiguration& aConfiguration) override;

@@ -17,7 +17,7 @@ public:
   const KrString& GetUniqueID() const override { return mDescription.deviceGUID; }
   bool IsPresent() const override { return mCamera.IsPresent(); }
   void SetAway(bool aIsAway) override { mCamera.SetAway(aIsAway); }
-  const LabSchedule& GetSchedule() const override { return mDescription.schedule; }
+  const LabIdentity& GetIdentity() const override { return mDescription; }
   /// AccessDenied where this host has no permission, WrongState where the device is in no valid configuration.
   KrResult Open(krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
   std::shared_ptr<SimulatedCamera> GetCamera() override { return mCamera.Get(); }

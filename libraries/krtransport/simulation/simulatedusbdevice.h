@@ -18,7 +18,7 @@ public:
   const KrString& GetUniqueID() const override { return mDescription.id; }
   bool IsPresent() const override { return !mIsAway; }
   void SetAway(bool aIsAway) override { mIsAway = aIsAway; }
-  const LabSchedule& GetSchedule() const override { return mDescription.schedule; }
+  const LabIdentity& GetIdentity() const override { return mDescription; }
 
 private:
   const LabPlainUSBDevice mDescription;

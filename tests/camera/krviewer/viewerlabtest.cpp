@@ -4,6 +4,8 @@
 
 #include "viewersession.h"
 
+#include <QFile>
+
 namespace {
 
 constexpr const char* kLab = R"(
@@ -18,11 +20,11 @@ adapters:
          control: exclusive}
       - {kind: gigeVision, name: foreign, model: Foreign, mac: 02:00:00:00:01:04, address: 10.1.1.14, mask: 255.0.0.0}
       - {kind: gigeVision, name: loose, model: Loose, mac: 02:00:00:00:01:06, address: 192.168.1.16, mask: 255.255.255.0,
-         vanishes: 30, appears: 40, every: 120, faults: {losesPower: true}}
+         awayWhile: AWAY, faults: {losesPower: true}}
       - {kind: gigeVision, name: moved, model: Moved, mac: 02:00:00:00:01:07, address: 192.168.1.17, mask: 255.255.255.0,
-         vanishes: 30, appears: 40, returnsAt: 192.168.1.71, faults: {losesPower: true}}
+         awayWhile: AWAY, returnsAt: 192.168.1.71, faults: {losesPower: true}}
       - {kind: gigeVision, name: stray, model: Stray, mac: 02:00:00:00:01:08, address: 192.168.1.18, mask: 255.255.255.0,
-         vanishes: 30, appears: 40, returnsAt: 169.254.3.4}
+         awayWhile: AWAY, returnsAt: 169.254.3.4}
       - {kind: gigeVision, name: slow, model: Slow, mac: 02:00:00:00:01:09, address: 192.168.1.19, mask: 255.255.255.0,
          faults: {registerDelay: 300}}
       - {kind: gigeVision, name: late, model: Late, mac: 02:00:00:00:01:0a, address: 192.168.1.20, mask: 255.255.255.0,
@@ -34,7 +36,13 @@ const QString kRight = "Right (192.168.1.12)";
 
 class ViewerLab : public ViewerSession {
 protected:
-  void Open(const QStringList& aCameras) { Start(QStringList{"--lab", WriteFile("lab.yaml", kLab)} + aCameras); }
+  void Open(const QStringList& aCameras) {
+    const QByteArray lab = QByteArray(kLab).replace("AWAY", GetPath("away").toUtf8());
+    Start(QStringList{"--lab", WriteFile("lab.yaml", lab)} + aCameras);
+  }
+  /// Takes the cameras that can be lost away, or brings them back.
+  void Lose() { WriteFile("away", ""); }
+  void Restore() { EXPECT_TRUE(QFile::remove(GetPath("away"))); }
   /// Gives a camera the last number of an address in the window for addresses, and closes that.
   void SetAddress(const QString& aCamera, const QString& aLastNumber, const QString& aThen) {
     ASSERT_TRUE(User().AwaitWindow("IP Configuration"));
@@ -123,13 +131,15 @@ TEST_F(ViewerLab, CameraThatWaitsForATrigger_SaysSoAndIsTriggered) {
   EXPECT_TRUE(User().Await("one more frame", [&] { return GetFrames() == frames + 1; }));
 }
 
-TEST_F(ViewerLab, CameraThatLosesItsPowerNowAndThen_IsTakenUpWithItsSettings) {
+TEST_F(ViewerLab, CameraThatLostItsPower_IsTakenUpWithItsSettings) {
   const QString camera = "Loose (192.168.1.16)";
   Open({"loose"});
   ASSERT_TRUE(AwaitStreaming(camera));
   ASSERT_TRUE(SetFeature("ExposureTime", "5000"));
 
+  Lose();
   ASSERT_TRUE(User().AwaitText("The camera is lost; it is shown again as soon as it is back"));
+  Restore();
 
   ASSERT_TRUE(AwaitStreaming(camera));
   EXPECT_TRUE(User().Await("its exposure time", [&] { return GetFeature("ExposureTime").startsWith("5000"); }));
@@ -141,7 +151,9 @@ TEST_F(ViewerLab, CameraThatComesBackAtAnotherAddress_IsTakenUpThereInItsTabWith
   ASSERT_TRUE(AwaitStreaming("Moved (192.168.1.17)"));
   ASSERT_TRUE(SetFeature("ExposureTime", "5000"));
 
+  Lose();
   ASSERT_TRUE(User().AwaitText("The camera is lost; it is shown again as soon as it is back"));
+  Restore();
 
   ASSERT_TRUE(AwaitStreaming("Moved (192.168.1.71)"));
   EXPECT_TRUE(User().AwaitControl("page tab", "Moved (192.168.1.71)"));
@@ -157,6 +169,9 @@ TEST_F(ViewerLab, CameraThatComesBackAtAnotherAddress_IsTakenUpThereInItsTabWith
 TEST_F(ViewerLab, CameraThatComesBackOutOfReach_IsShownWhenItIsGivenAnAddress) {
   Open({"stray"});
   ASSERT_TRUE(AwaitStreaming("Stray (192.168.1.18)"));
+  Lose();
+  ASSERT_TRUE(User().AwaitText("The camera is lost; it is shown again as soon as it is back"));
+  Restore();
   ASSERT_TRUE(User().AwaitText("The camera is back as 169.254.3.4"));
 
   ASSERT_TRUE(User().Click("push button", "Set Address…"));

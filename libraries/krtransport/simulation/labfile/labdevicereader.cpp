@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t kMostSilentRegisters = 256;
 constexpr std::size_t kMostTextBytes = 64;
+constexpr std::size_t kMostPathBytes = 1024;
 constexpr std::uint64_t kMostDelayMs = 60000;
 constexpr std::uint32_t kMostVersion = 65535;
 constexpr std::uint32_t kMostSoftwareVersion = 255;
@@ -38,6 +39,7 @@ void ReadIdentity(LabMap& aMap, const TextLimits& aLimits, LabIdentity& aIdentit
   aMap.TakeText("serial", aLimits.serial, aIdentity.serialNumber);
   aMap.TakeText("name", aLimits.userDefinedName, aIdentity.userDefinedName);
   ReadSchedule(aMap, aIdentity.schedule);
+  aMap.TakeText("awayWhile", kMostPathBytes, aIdentity.awayFile);
 }
 
 void ReadNetwork(LabMap& aMap, LabNetworkSettings& aSettings) {
