@@ -163,13 +163,22 @@ void ConnectGenCP(QWidget& aWindow) {
   scene::AwaitFeatures(aWindow);
 }
 
-/// The camera behind the frame grabber is asked, and says nothing.
-class AskingCameraBridges : public Busy<KrCameraBridgeManagerWnd> {
+/// A camera behind the frame grabber that says nothing.
+class SilencedCameraBridges : public Busy<KrCameraBridgeManagerWnd> {
 public:
-  ~AskingCameraBridges() override {
+  ~SilencedCameraBridges() override {
     static_cast<void>(mWindow.SetDevice(nullptr)); // Always OK.
     mFaults->EndSerialFaults();
   }
+
+protected:
+  const std::shared_ptr<KrSimulatedFaults> mFaults = FindFaults(kGrabberID);
+  const std::unique_ptr<KrDevice> mDevice = scene::OpenDevice("sim-grabber");
+};
+
+/// The camera is asked.
+class AskingCameraBridges : public SilencedCameraBridges {
+public:
   void Run(const std::function<void()>& aWhileBusy) override {
     scene::Require(mWindow.SetDevice(mDevice.get()));
     QWidget& window = Show();
@@ -178,19 +187,11 @@ public:
     WhileItWaits(aWhileBusy);
     scene::Get<QAbstractButton>(window, camera::kGenCP).click();
   }
-
-private:
-  const std::shared_ptr<KrSimulatedFaults> mFaults = FindFaults(kGrabberID);
-  const std::unique_ptr<KrDevice> mDevice = scene::OpenDevice("sim-grabber");
 };
 
 /// The camera is connected, and falls silent while the window's browser reads it.
-class ReadingCameraBridges : public Busy<KrCameraBridgeManagerWnd> {
+class ReadingCameraBridges : public SilencedCameraBridges {
 public:
-  ~ReadingCameraBridges() override {
-    static_cast<void>(mWindow.SetDevice(nullptr)); // Always OK.
-    mFaults->EndSerialFaults();
-  }
   void Run(const std::function<void()>& aWhileBusy) override {
     scene::Require(mWindow.SetDevice(mDevice.get()));
     ConnectGenCP(Show());
@@ -199,14 +200,24 @@ public:
     Show();
     aWhileBusy();
   }
+};
 
-private:
-  const std::shared_ptr<KrSimulatedFaults> mFaults = FindFaults(kGrabberID);
-  const std::unique_ptr<KrDevice> mDevice = scene::OpenDevice("sim-grabber");
+/// A window whose object goes, with all that it holds. Who derives closes it before what it uses.
+template <typename Window>
+class EndingWindow : public BusyWindow {
+public:
+  KrResult Close() override {
+    mWindow.reset();
+    return {};
+  }
+  bool IsOpen() const override { return mWindow != nullptr; }
+
+protected:
+  std::unique_ptr<Window> mWindow = std::make_unique<Window>();
 };
 
 /// The window goes, and its bridge with it, whose camera does not answer when it is to be given free.
-class EndingCameraBridges : public BusyWindow {
+class EndingCameraBridges : public EndingWindow<KrCameraBridgeManagerWnd> {
 public:
   ~EndingCameraBridges() override {
     static_cast<void>(Close());
@@ -218,16 +229,10 @@ public:
     scene::Require(mFaults->SilenceSerialPort(0, true));
     aWhileBusy();
   }
-  KrResult Close() override {
-    mWindow.reset();
-    return {};
-  }
-  bool IsOpen() const override { return mWindow != nullptr; }
 
 private:
   const std::shared_ptr<KrSimulatedFaults> mFaults = FindFaults(kGrabberID);
   const std::unique_ptr<KrDevice> mDevice = scene::OpenDevice("sim-grabber");
-  std::unique_ptr<KrCameraBridgeManagerWnd> mWindow = std::make_unique<KrCameraBridgeManagerWnd>();
 };
 
 /// The frame grabber itself says nothing when the window opens on it.
@@ -256,7 +261,7 @@ private:
 
 /// The window goes, and its bridges with it, which ask a silent device, or a slow one, for its speed.
 template <std::uint32_t SlowMs>
-class EndingSerialBridges : public BusyWindow {
+class EndingSerialBridges : public EndingWindow<KrSerialBridgeManagerWnd> {
 public:
   EndingSerialBridges() { mHost.AddPort(1); }
   ~EndingSerialBridges() override {
@@ -276,18 +281,12 @@ public:
       mFaults->SlowRegisters(SlowMs);
     aWhileBusy();
   }
-  KrResult Close() override {
-    mWindow.reset();
-    return {};
-  }
-  bool IsOpen() const override { return mWindow != nullptr; }
 
 private:
   BridgeHost mHost;
   const std::shared_ptr<KrSimulatedFaults> mFaults = FindFaults(kMonoID);
   const std::unique_ptr<KrDevice> mDevice = scene::OpenDevice("sim-mono");
   KrDeviceAdapter mAdapter{*mDevice};
-  std::unique_ptr<KrSerialBridgeManagerWnd> mWindow = std::make_unique<KrSerialBridgeManagerWnd>();
 };
 
 template <typename Window>

@@ -32,6 +32,19 @@ protected:
   bool AwaitHanging() {
     return Await([this] { return mDisk.CountWaiting() == 1; });
   }
+  /// Starts a recording that has written one frame.
+  void WriteTheFirstFrame(const RecordingOptions& aOptions) {
+    StartOnDisk(mRecorder, aOptions);
+    Give(1, 1);
+    ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+  }
+  /// The same, whose disk hangs with the second of four.
+  void HangBehindTheFirstFrame(const RecordingOptions& aOptions) {
+    ASSERT_NO_FATAL_FAILURE(WriteTheFirstFrame(aOptions));
+    mDisk.Hang();
+    Give(2, 4);
+    ASSERT_TRUE(AwaitHanging());
+  }
   /// Lets the disk answer, and waits for the end of the thread that was left there.
   void RecoverAndAwaitThread() {
     mDisk.Recover();
@@ -46,12 +59,7 @@ protected:
 
 TEST_F(RecordingOnAHangingDisk, GivenUp_IsStillBusyAndEndsWhenTheDiskAnswers) {
   const RecordingOptions options = MakeOptions();
-  StartOnDisk(mRecorder, options);
-  Give(1, 1);
-  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
-  mDisk.Hang();
-  Give(2, 4);
-  ASSERT_TRUE(AwaitHanging());
+  ASSERT_NO_FATAL_FAILURE(HangBehindTheFirstFrame(options));
 
   mRecorder.GiveUp();
   EXPECT_TRUE(mRecorder.IsBusy());
@@ -66,12 +74,7 @@ TEST_F(RecordingOnAHangingDisk, GivenUp_IsStillBusyAndEndsWhenTheDiskAnswers) {
 TEST_F(RecordingOnAHangingDisk, StoppedWhileItWritesTheLastOfItsFrames_IsWhole) {
   RecordingOptions options = MakeOptions();
   options.mostFrames = 3;
-  StartOnDisk(mRecorder, options);
-  Give(1, 1);
-  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
-  mDisk.Hang();
-  Give(2, 4);
-  ASSERT_TRUE(AwaitHanging());
+  ASSERT_NO_FATAL_FAILURE(HangBehindTheFirstFrame(options));
 
   mRecorder.Stop();
   mDisk.Recover();
@@ -83,12 +86,7 @@ TEST_F(RecordingOnAHangingDisk, StoppedWhileItWritesTheLastOfItsFrames_IsWhole) 
 
 TEST_F(RecordingOnAHangingDisk, Left_HasFailedAndWritesNothingMore) {
   const RecordingOptions options = MakeOptions();
-  StartOnDisk(mRecorder, options);
-  Give(1, 1);
-  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
-  mDisk.Hang();
-  Give(2, 4);
-  ASSERT_TRUE(AwaitHanging());
+  ASSERT_NO_FATAL_FAILURE(HangBehindTheFirstFrame(options));
 
   mRecorder.Leave();
 
@@ -120,9 +118,7 @@ TEST_F(RecordingOnAHangingDisk, LeftBeforeItsFolderIsReady_HasFailed) {
 
 TEST_F(RecordingOnAHangingDisk, LeftWhileItsFilesAreClosed_HasFailed) {
   const RecordingOptions options = MakeOptions();
-  StartOnDisk(mRecorder, options);
-  Give(1, 1);
-  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+  ASSERT_NO_FATAL_FAILURE(WriteTheFirstFrame(options));
   mDisk.Hang();
   mRecorder.Stop();
   ASSERT_TRUE(AwaitHanging());
