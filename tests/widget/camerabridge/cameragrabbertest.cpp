@@ -2,8 +2,10 @@
 
 #include "camerafixture.h"
 
+#include "gate.h"
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
+#include "steppedtransport.h"
 
 #include <QProgressBar>
 
@@ -54,6 +56,34 @@ protected:
 
   std::shared_ptr<KrSimulatedFaults> mFaults;
   int mWaits = 0;
+};
+
+/// A device whose answer the test holds back, however long a window takes to come up meanwhile.
+class HeldGrabber : public Grabber {
+protected:
+  HeldGrabber() {
+    mDevice.reset();
+    krsystem::UnregisterTransport(mLab);
+    krsystem::RegisterTransport(mHeldLab);
+    EXPECT_TRUE(LabTest::Open(kGrabberMAC, mDevice).IsOK());
+  }
+  ~HeldGrabber() override {
+    mGate.Open();
+    mWindow.reset();
+    mDevice.reset();
+    krsystem::UnregisterTransport(mHeldLab);
+  }
+
+  /// What is asked of it next is answered when the gate is opened.
+  void Hold() {
+    mSteps.BeginWithFault(0, {.cause = [this] { mGate.Wait({}); }});
+  }
+
+  Gate mGate;
+
+private:
+  krtest::Steps mSteps;
+  const std::shared_ptr<krsystem::ITransport> mHeldLab = krtest::MakeSteppedTransport(mLab, mSteps);
 };
 
 } // namespace
@@ -232,9 +262,9 @@ TEST_F(Grabber, ClosedAndDeletedWhilePowerIsSwitched_DoNotWaitForTheDevice) {
   EXPECT_EQ(mWaits, 2);
 }
 
-TEST_F(Grabber, SilentDevice_LetsItsBridgesBeSavedMeanwhile) {
+TEST_F(HeldGrabber, DeviceThatDoesNotAnswer_LetsItsBridgesBeSavedMeanwhile) {
   ASSERT_TRUE(mWindow->SetDevice(mDevice.get()).IsOK());
-  mFaults->SilenceRegisters();
+  Hold();
   KrConfigurationWriter writer;
   KrResult saved = KrResult::Code::Failed;
 
@@ -245,6 +275,7 @@ TEST_F(Grabber, SilentDevice_LetsItsBridgesBeSavedMeanwhile) {
   ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
   ASSERT_TRUE(WaitFor([this] { return mWaits == 1; }));
 
+  EXPECT_TRUE(mGate.IsReached());
   EXPECT_TRUE(saved.IsOK()) << saved.GetDescription().CStr();
 }
 
