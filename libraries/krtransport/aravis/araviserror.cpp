@@ -29,7 +29,8 @@ KrResult ToResult(const GErrorHolder& aError, const std::string& aAttempt) {
   const auto* row = std::find_if(std::begin(kRows), std::end(kRows),
                                  [&aError](const ErrorRow& aRow) { return aError.IsDeviceError(aRow.error); });
   const KrResult::Code code = row != std::end(kRows) ? row->code : KrResult::Code::ProtocolError;
-  return {code, aAttempt + " failed: " + aError.GetText() + "."};
+  const char* const advice = code == KrResult::Code::TimeLimitExceeded ? " Check the device's cable and power." : "";
+  return {code, aAttempt + " failed: " + aError.GetText() + "." + advice};
 }
 
 } // namespace krtransport

@@ -8,8 +8,8 @@ namespace krtransport {
 namespace {
 
 KrResult TellTimeout(std::uint32_t aTimeoutMs) {
-  return {KrResult::Code::TimeLimitExceeded,
-          "The device did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
+  return {KrResult::Code::TimeLimitExceeded, "The device did not answer within " + std::to_string(aTimeoutMs) +
+                                                 " milliseconds; check its cable and its power."};
 }
 
 KrResult TellCancelled() {

@@ -64,10 +64,10 @@ KrResult GigEVisionLink::CheckAccess(const LinkTarget& aTarget, GvcpClient& aCli
   const KrString device = "The device at " + krsystem::FormatIPv4(aTarget.deviceAddress);
   std::uint32_t privilege = 0;
   const KrResult read = aClient.ReadRegister(kControlPrivilegeRegister, privilege, GvcpPatience{});
-  const bool hasAnswered =
-      read.IsOK() || read == KrResult::Code::AccessDenied || read == KrResult::Code::ProtocolError;
+  const bool hasAnswered = read.IsOK() || read == KrResult::Code::AccessDenied || read == KrResult::Code::ProtocolError;
   if (!hasAnswered)
-    return {KrResult::Code::NotFound, device + " cannot be opened. " + read.GetDescription()};
+    return {KrResult::Code::NotFound,
+            device + " cannot be opened. " + read.GetDescription() + " Check its cable and its power."};
   // Discovery is answered whoever holds the device, and another one's holder says nothing of this one.
   if (KrResult same = CheckIdentity(aTarget, aClient); !same.IsOK())
     return same;

@@ -9,10 +9,6 @@ namespace krtransport {
 
 namespace {
 
-KrResult MakeLost() {
-  return {KrResult::Code::ConnectionLost, "The camera does not answer any more; open it anew when it is back."};
-}
-
 std::uint64_t GetHostTimeNs() {
   const auto now = std::chrono::system_clock::now().time_since_epoch();
   return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
@@ -34,7 +30,7 @@ KrResult SimulatedBufferSource::GetPayloadSize(std::uint64_t& aBytes) {
   {
     const std::lock_guard lock(mMutex);
     if (mLost)
-      return MakeLost();
+      return *mLost;
   }
   aBytes = mCamera.GetPayloadSize();
   return {};
@@ -60,7 +56,7 @@ KrResult SimulatedBufferSource::Start() {
     if (mRunning)
       return {KrResult::Code::WrongState, "Starting the stream channel: it runs already."};
     if (mLost)
-      return MakeLost();
+      return *mLost;
   }
   KrResult begun = mCamera.BeginStream(mOwner);
   if (!begun.IsOK())
@@ -87,7 +83,7 @@ KrResult SimulatedBufferSource::Retrieve(KrBuffer*& aBuffer, std::uint32_t aTime
   std::unique_lock lock(mMutex);
   mFilledOrEnded.wait_until(lock, aCancel, limit, [this] { return mLost || !mRunning || !mFilled.empty(); });
   if (mLost)
-    return MakeLost();
+    return *mLost;
   if (!mRunning)
     return {KrResult::Code::Aborted, "Waiting for a frame: the stream was stopped."};
   if (mFilled.empty() && aCancel.stop_requested())
@@ -166,9 +162,9 @@ krsystem::HostFeatures SimulatedBufferSource::ListFeatures() {
   };
 }
 
-void SimulatedBufferSource::SetLost() {
+void SimulatedBufferSource::SetLost(const KrResult& aReason) {
   const std::lock_guard lock(mMutex);
-  mLost = true;
+  mLost = aReason;
   mWake.notify_all();
   mFilledOrEnded.notify_all();
 }

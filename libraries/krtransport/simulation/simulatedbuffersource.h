@@ -32,8 +32,8 @@ public:
   /// A receiver's resend and retention, for packets that are ordered to be late, and what was ordered to be lost.
   krsystem::HostFeatures ListFeatures() override;
 
-  /// The camera is lost for good as far as this source goes. Any thread.
-  void SetLost();
+  /// The camera is lost for good as far as this source goes, which tells the reason from now on. Any thread.
+  void SetLost(const KrResult& aReason);
   /// The camera's registers changed. Any thread.
   void SetChanged();
 
@@ -64,7 +64,7 @@ private:
   std::deque<KrBuffer*> mFilled;
   bool mRunning = false;
   bool mStopping = false;
-  bool mLost = false;
+  std::optional<KrResult> mLost; ///< Why the camera is gone, if it is.
   bool mChanged = false;
   krsystem::SourceStatistics mStatistics;
   std::thread mThread; // Guarded by mStartStopMutex.

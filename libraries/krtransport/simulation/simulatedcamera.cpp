@@ -265,7 +265,9 @@ void SimulatedCamera::SetAbsence(bool& aReason, bool aIsAbsent, bool aIsPowerLos
     if (isThere)
       TakeReturnAddress();
   }
-  const KrResult reason = Refuse(KrResult::Code::ConnectionLost, "it does not answer any more.");
+  const KrResult reason =
+      Refuse(KrResult::Code::ConnectionLost,
+             "it does not answer any more; check its cable and its power, and open it anew when it is back.");
   for (ICameraListener* listener : mListeners)
     isThere ? listener->OnCameraBack() : listener->OnCameraLost(reason);
   // After the links know of it, so that none opens a port that this would miss.

@@ -59,7 +59,7 @@ void SimulatedLink::GiveBackControl() {
   const KrResult reason(KrResult::Code::ConnectionLost, "Control of the camera was given back; open it anew.");
   mGate.End(reason);
   mChannelAccess->End(reason);
-  mSource.SetLost();
+  mSource.SetLost(reason);
   mSource.Stop();
   mCamera->Detach(*this);
 }
@@ -89,7 +89,7 @@ void SimulatedLink::OnCameraLost(const KrResult& aReason) {
     return;
   mGate.End(aReason);
   mChannelAccess->End(aReason);
-  mSource.SetLost();
+  mSource.SetLost(aReason);
   mEvents.ReportLost(aReason);
 }
 

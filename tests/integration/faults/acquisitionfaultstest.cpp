@@ -76,7 +76,7 @@ protected:
       acquisition.LookAgain();
       const krviewer::AcquisitionProgress progress = acquisition.GetProgress();
       if (progress.state == AcquisitionState::Lost && !isReturned) {
-        EXPECT_TRUE(SaysWhatHappened(progress.result));
+        EXPECT_TRUE(SaysWhatHappened(progress.result, mNames, kDeviceAdvice));
         isToSetAgain = !IsNoted(acquisition);
         mFaults->Return();
         isReturned = true;

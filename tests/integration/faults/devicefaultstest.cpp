@@ -18,6 +18,12 @@ constexpr std::uint32_t kFrameLimitMs = 60'000;
 
 class FaultyDevice : public FaultLab, public testing::WithParamInterface<DeviceFaultRow> {
 protected:
+  using FaultLab::Open;
+  // Opens the camera and makes its parameters.
+  KrResult Open(std::unique_ptr<KrDevice>& aDevice, KrGenParameterArray*& aParameters) {
+    KrResult opened = Open(aDevice);
+    return opened.IsOK() ? aDevice->GetParameters(aParameters) : opened;
+  }
   // What the camera is set to, as its own parameters tell it.
   KrResult Store(KrGenParameterArray& aParameters, KrGenSettings& aSettings) {
     KrStringList problems;
@@ -46,10 +52,8 @@ KrResult FaultyDevice::Discover() {
 
 KrResult FaultyDevice::OpenAndDescribe() {
   std::unique_ptr<KrDevice> device;
-  KrResult result = Open(device);
   KrGenParameterArray* parameters = nullptr;
-  if (result.IsOK())
-    result = device->GetParameters(parameters);
+  KrResult result = Open(device, parameters);
   mSteps.NoteUsed(); // What follows is the host's, and closing.
   if (result.IsOK())
     result = device->GetTransportParameters(parameters);
@@ -58,10 +62,8 @@ KrResult FaultyDevice::OpenAndDescribe() {
 
 KrResult FaultyDevice::ReadEverything() {
   std::unique_ptr<KrDevice> device;
-  KrResult result = Open(device);
   KrGenParameterArray* parameters = nullptr;
-  if (result.IsOK())
-    result = device->GetParameters(parameters);
+  KrResult result = Open(device, parameters);
   KrGenSettings settings;
   if (result.IsOK())
     result = Store(*parameters, settings);
@@ -72,10 +74,8 @@ KrResult FaultyDevice::ReadEverything() {
 // Restores settings and compares what the camera says then.
 KrResult FaultyDevice::SetEverything(const KrGenSettings& aSettings) {
   std::unique_ptr<KrDevice> device;
-  KrResult result = Open(device);
   KrGenParameterArray* parameters = nullptr;
-  if (result.IsOK())
-    result = device->GetParameters(parameters);
+  KrResult result = Open(device, parameters);
   KrStringList problems;
   if (result.IsOK())
     result = parameters->RestoreSettings(aSettings, problems);

@@ -203,7 +203,7 @@ TEST_F(RecordedCamera, FolderThatDisappears_EndsTheRecordingSaysSoAndTheNextOneI
   const krviewer::RecordingProgress gone = AwaitEnd();
 
   EXPECT_EQ(gone.end, RecordingEnd::Failed);
-  EXPECT_TRUE(SaysWhatHappened(gone.result));
+  EXPECT_TRUE(SaysWhatHappened(gone.result, {folder}));
   EXPECT_FALSE(krviewer::DescribeState(gone).empty());
   EXPECT_EQ(mAcquisition.GetProgress().state, krviewer::AcquisitionState::Streaming);
   ASSERT_TRUE(Record(folder, 3).IsOK());

@@ -43,11 +43,17 @@ bool AwaitTrue(const std::function<bool()>& aCondition) {
   return true;
 }
 
-testing::AssertionResult SaysWhatHappened(const KrResult& aResult) {
+testing::AssertionResult SaysWhatHappened(const KrResult& aResult, const Words& aNames, const Words& aAdvice) {
   if (aResult.IsOK())
     return testing::AssertionFailure() << "it succeeded";
   if (aResult.GetDescription().IsEmpty())
     return testing::AssertionFailure() << aResult.GetCodeString().CStr() << " without a word";
+  const std::string text = aResult.GetDescription().ToUtf8();
+  const auto isThere = [&text](const std::string& aWord) { return text.find(aWord) != std::string::npos; };
+  if (!aNames.empty() && std::ranges::none_of(aNames, isThere))
+    return testing::AssertionFailure() << "of what it is, is not said: " << text;
+  if (!aAdvice.empty() && std::ranges::none_of(aAdvice, isThere))
+    return testing::AssertionFailure() << "what to do is not said: " << text;
   return testing::AssertionSuccess();
 }
 
@@ -60,6 +66,12 @@ FaultLab::FaultLab(std::shared_ptr<krtransport::ICameraClock> aClock, const krtr
     if (mSystem.GetDeviceInfo(i)->GetUniqueID() == aCamera)
       mInfo = mSystem.GetDeviceInfo(i);
   EXPECT_NE(mInfo, nullptr) << aCamera;
+  mNames = {MakeName(), kFaultAddress};
+}
+
+// As the transport has it.
+std::string FaultLab::MakeName() const {
+  return (mInfo->GetModelName() + " " + mInfo->GetSerialNumber()).ToUtf8();
 }
 
 FaultLab::~FaultLab() {
@@ -71,7 +83,9 @@ KrResult FaultLab::Open(std::unique_ptr<KrDevice>& aDevice) {
 }
 
 StepFault FaultLab::MakeFault(DeviceFault aFault) {
-  const KrResult silence(KrResult::Code::TimeLimitExceeded, "The device did not answer in time.");
+  const KrString name = MakeName();
+  const KrResult silence(KrResult::Code::TimeLimitExceeded,
+                         name + ": it did not answer in time; check its cable and its power.");
   switch (aFault) {
   case DeviceFault::Vanishes:
     return {.cause = [this] { mFaults->Disappear(); }};
@@ -84,7 +98,8 @@ StepFault FaultLab::MakeFault(DeviceFault aFault) {
   case DeviceFault::StaysSilent:
     return {.result = silence, .lasts = true};
   case DeviceFault::Refuses:
-    return {.result = KrResult(KrResult::Code::ProtocolError, "The device refused: local problem.")};
+    return {.result =
+                KrResult(KrResult::Code::ProtocolError, name + ": it refused, as of a local problem; try again.")};
   }
   return {};
 }
@@ -98,6 +113,7 @@ void FaultLab::EndFault() {
 }
 
 void FaultLab::TryAtEachStep(DeviceFault aFault, const Use& aUse, std::uint64_t aMostSteps) {
+  mAdvice = kDeviceAdvice;
   TryAtEachStep(MakeFault(aFault), aUse, aMostSteps, IsForGood(aFault));
 }
 
@@ -120,8 +136,13 @@ void FaultLab::TryAtEachStep(const StepFault& aFault, const Use& aUse, std::uint
     failedUses += hurt.IsOK() ? 0 : 1;
     // What came with the last step may have come before the fault.
     const bool mustFail = aIsForGood && mSteps.HasFailed() && step + 1 < usedCount;
+    if (!hurt.IsOK())
+      fprintf(stderr, "SAID %s.%s | %s | %s\n",
+              testing::UnitTest::GetInstance()->current_test_info()->test_suite_name(),
+              testing::UnitTest::GetInstance()->current_test_info()->name(), mSteps.Describe().c_str(),
+              hurt.GetDescription().CStr());
     if (mustFail || !hurt.IsOK()) {
-      EXPECT_TRUE(SaysWhatHappened(hurt)) << where;
+      EXPECT_TRUE(SaysWhatHappened(hurt, mNames, mAdvice)) << where;
     }
 
     EndFault();

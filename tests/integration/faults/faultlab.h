@@ -55,8 +55,14 @@ std::string NameRow(const testing::TestParamInfo<Row>& aInfo) {
 /// Waits until a condition holds; false when it does not within a limit that only a fault can reach.
 [[nodiscard]] bool AwaitTrue(const std::function<bool()>& aCondition);
 
-/// The result says what happened: its description is there.
-testing::AssertionResult SaysWhatHappened(const KrResult& aResult);
+using Words = std::vector<std::string>;
+
+/// What the user is to do about a device.
+inline const Words kDeviceAdvice = {"check ", "Check ", "open it anew", "try again"};
+
+/// The result says what happened: of whom or what, by one of the names, and what to do, by one of the words for that;
+/// where there are none of these, its description need only be there.
+testing::AssertionResult SaysWhatHappened(const KrResult& aResult, const Words& aNames = {}, const Words& aAdvice = {});
 
 class FaultLab : public testing::Test {
 protected:
@@ -69,7 +75,7 @@ protected:
   /// Uses the device in aUse from its beginning to its end without a fault, then with the fault at each step (at so
   /// many of them, evenly spread, where there are more), each time followed by another whole use. aUse gives the first
   /// failure, and calls NoteUsed() when nothing more is wanted of the device. A use during which the device went for
-  /// good must fail; one that failed must say why.
+  /// good must fail; one that failed must say of what, and what to do.
   void TryAtEachStep(DeviceFault aFault, const Use& aUse, std::uint64_t aMostSteps = 48);
   /// The same with a fault of the case's own, which the use may make up for.
   void TryAtEachStep(const StepFault& aFault, const Use& aUse, std::uint64_t aMostSteps = 48, bool aIsForGood = false);
@@ -80,6 +86,7 @@ protected:
   /// The camera is there and answers again.
   void EndFault();
   KrSimulatedFaults& GetFaults() { return *mFaults; }
+  std::string MakeName() const;
 
   Steps mSteps;
   const std::shared_ptr<krtransport::SimulationTransport> mLab;
@@ -88,6 +95,8 @@ protected:
   KrSystem mSystem;
   const KrDeviceInfo* mInfo = nullptr;
   std::shared_ptr<KrSimulatedFaults> mFaults;
+  Words mNames;  ///< One of them is in every text of a failure: the device's, where a case does not say others.
+  Words mAdvice; ///< One of them, too.
   /// What the libraries log of all the faults; none of it is on the screen.
   std::unique_ptr<KrLogCapture> mLog = std::make_unique<KrLogCapture>();
 };

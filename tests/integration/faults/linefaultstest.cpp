@@ -1,5 +1,5 @@
-// A camera's serial port, a bridge on it and a Camera Link camera behind it, through faults of the device, of the line
-// and of the host's port, at each step.
+// A camera's serial port, a bridge on it and a Camera Link camera behind it, through faults of the device, of the line,
+// of the host's port and of the camera's file, at each step.
 //
 // Beside the cases here, programs at a bridge that stop or are killed are in serial/bridgefaultstest, Camera Link
 // programs in cameralink/cameralinkhostiletest, CL Protocol drivers that hang or crash in lab/camerabridgeclfaultstest,
@@ -12,6 +12,7 @@
 #include "krcamerabridge/krcamerabridge.h"
 #include "krdevice/krdeviceadapter.h"
 #include "krgenicam/krgeninteger.h"
+#include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
 #include "krserial/krdeviceserialport.h"
 #include "krserial/krserialbridge.h"
@@ -19,6 +20,7 @@
 #include "testclocks.h"
 
 #include <atomic>
+#include <filesystem>
 
 namespace krtest {
 
@@ -63,6 +65,7 @@ protected:
 
   /// A line goes on when the registers are silent.
   void TryLineAtEachStep(DeviceFault aFault, const Use& aUse, std::uint64_t aMostSteps = 48) {
+    mAdvice = kDeviceAdvice;
     const bool isGone = aFault == DeviceFault::Vanishes || aFault == DeviceFault::LosesPower;
     TryAtEachStep(MakeFault(aFault), aUse, aMostSteps, isGone);
   }
@@ -202,6 +205,7 @@ INSTANTIATE_TEST_SUITE_P(Faults, LineWithFaults, testing::ValuesIn(kLineFaults),
 
 TEST_F(FaultyLine, HostsPortThatGoesUnderABridge_IsSaidAndTheNextBridgeTalks) {
   const StepFault fault = {.cause = [this] { mIsPortToGo = true; }};
+  mNames = {"COM3"};
 
   TryAtEachStep(fault, [this] {
     const KrResult result = Bridge();
@@ -215,14 +219,17 @@ namespace {
 /// The cameras behind a frame grabber.
 class FaultyGrabber : public FaultyLine {
 protected:
-  FaultyGrabber() : FaultyLine(MakeFaultyGrabberLab()) {
-    // The file of the camera whose answers have checksums as well.
+  FaultyGrabber() : FaultyLine(MakeFaultyGrabberLab()) { WriteCameraFile(); }
+
+  /// The file of the camera whose answers have checksums as well.
+  void WriteCameraFile() {
     std::string text = TemporaryFolder::ReadFile(KR_CAMERA_FILES "/simulated-camera.yml");
     const std::string plain = "answerEnd: \"\\r\"";
     const std::size_t place = text.find(plain);
     EXPECT_NE(place, std::string::npos);
     TemporaryFolder::WriteFile(mFile, text.replace(place, plain.size(), "answerEnd: \"*{check}\\r\""));
   }
+  void RemoveCameraFile() { EXPECT_TRUE(std::filesystem::remove(mFile)); }
 
   /// Connects, sets the camera, saves it, and disconnects.
   KrResult UseCamera(KrDeviceSerial aPort, const std::function<KrResult(KrCameraBridge&)>& aConnect) {
@@ -232,8 +239,9 @@ protected:
       return result;
     KrCameraBridge bridge(device.get(), aPort, nullptr);
     result = aConnect(bridge);
+    KrConfigurationWriter writer;
     if (result.IsOK())
-      result = SetAndSave(bridge);
+      result = SetAndSave(bridge, writer);
     mSteps.NoteUsed();
     bridge.Disconnect();
     EXPECT_FALSE(bridge.IsConnected());
@@ -251,8 +259,7 @@ protected:
                      [this](KrCameraBridge& aBridge) { return aBridge.ConnectTolvanCameraFile(mFile); });
   }
 
-private:
-  static KrResult SetAndSave(KrCameraBridge& aBridge) {
+  static KrResult SetAndSave(KrCameraBridge& aBridge, KrConfigurationWriter& aWriter) {
     KrGenInteger* const width = aBridge.GetParameters()->GetInteger("Width");
     KrResult result = width ? width->SetValue(256) : KrResult(KrResult::Code::NotFound, "There is no Width.");
     std::int64_t value = 0;
@@ -261,10 +268,10 @@ private:
     if (result.IsOK()) {
       EXPECT_EQ(value, 256);
     }
-    KrConfigurationWriter writer;
-    return result.IsOK() ? aBridge.Save("Camera", writer) : result;
+    return result.IsOK() ? aBridge.Save(kSavedAs, aWriter) : result;
   }
 
+  static constexpr const char* kSavedAs = "Camera";
   const TemporaryFolder mFolder;
   const std::string mFile = mFolder.GetFile("camera.yml");
 };
@@ -301,5 +308,46 @@ TEST_P(GrabberLineWithFaults, UnderACameraOfAFile_IsMadeUpForOrSaid) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, GrabberLineWithFaults, testing::ValuesIn(kLineFaults), NameRow<LineFaultRow>);
+
+TEST_F(FaultyGrabber, CameraFileThatDisappearsAtAnyStep_IsNamedOrWantedNoMore) {
+  const StepFault fault = {.cause = [this] { RemoveCameraFile(); }};
+  mNames = {mFile};
+
+  TryAtEachStep(
+      fault,
+      [this] {
+        const KrResult used = UseCameraFile();
+        if (!used.IsOK()) {
+          EXPECT_EQ(used, KrResult::Code::NotFound);
+        }
+        WriteCameraFile();
+        return used;
+      },
+      kCameraSteps);
+}
+
+TEST_F(FaultyGrabber, CameraFileThatDisappearsUnderItsCamera_IsNamedByTheNextConnectionAndReadWhenItIsBack) {
+  std::unique_ptr<KrDevice> device;
+  ASSERT_TRUE(Open(device).IsOK());
+  KrCameraBridge bridge(device.get(), KrDeviceSerial::Serial1, nullptr);
+  ASSERT_TRUE(bridge.ConnectTolvanCameraFile(mFile).IsOK());
+  RemoveCameraFile();
+
+  KrConfigurationWriter writer;
+  const KrResult used = SetAndSave(bridge, writer);
+  const KrConfigurationReader saved(writer);
+  KrStringList errors;
+  const KrResult loaded = bridge.Load(kSavedAs, saved, errors);
+
+  EXPECT_TRUE(used.IsOK()) << "who is connected wants the file no more: " << used.GetDescription().CStr();
+  EXPECT_EQ(loaded, KrResult::Code::NotFound);
+  EXPECT_THAT(loaded.GetDescription().ToUtf8(), testing::HasSubstr(mFile));
+  EXPECT_EQ(errors.GetCount(), 1U);
+  EXPECT_FALSE(bridge.IsConnected());
+  WriteCameraFile();
+  const KrResult again = bridge.Load(kSavedAs, saved, errors);
+  EXPECT_TRUE(again.IsOK()) << again.GetDescription().CStr();
+  EXPECT_TRUE(bridge.IsConnected());
+}
 
 } // namespace krtest

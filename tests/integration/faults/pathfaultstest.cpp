@@ -237,7 +237,7 @@ TEST_F(FaultyCommands, NoneHeardFromAnyStepOfOpeningOn_IsSaidAndItOpensAfterward
     mFirstUnheard = command;
     std::unique_ptr<KrDevice> device;
     const KrResult opened = Open(device);
-    EXPECT_TRUE(SaysWhatHappened(opened)) << command;
+    EXPECT_TRUE(SaysWhatHappened(opened, {kRelayAddress}, kDeviceAdvice)) << command;
     EXPECT_THAT(opened.GetCode(), testing::AnyOf(KrResult::Code::TimeLimitExceeded, KrResult::Code::ConnectionLost,
                                                  KrResult::Code::NotFound))
         << command << ": " << opened.GetDescription().CStr();
@@ -311,7 +311,7 @@ TEST_P(FaultyProcess, BeforeItIsLookedFor_IsNotFoundAndUsedAfterwards) {
   const KrResult found = Find();
 
   EXPECT_EQ(found, KrResult::Code::NotFound);
-  EXPECT_TRUE(SaysWhatHappened(found));
+  EXPECT_TRUE(SaysWhatHappened(found, {kCameraAddress}, kDeviceAdvice));
   Mend();
   ExpectUsable();
 }
@@ -322,7 +322,7 @@ TEST_P(FaultyProcess, BetweenFindingAndOpening_IsSaidAndUsedAfterwards) {
 
   const KrResult opened = Open();
 
-  EXPECT_TRUE(SaysWhatHappened(opened));
+  EXPECT_TRUE(SaysWhatHappened(opened, {kCameraAddress}, kDeviceAdvice));
   Mend();
   ExpectUsable();
 }
@@ -334,7 +334,7 @@ TEST_P(FaultyProcess, BetweenOpeningAndReading_IsSaidAndUsedAfterwards) {
 
   const KrResult read = mDevice->GetParameters(parameters);
 
-  EXPECT_TRUE(SaysWhatHappened(read));
+  EXPECT_TRUE(SaysWhatHappened(read, {kCameraAddress}, kDeviceAdvice));
   Mend();
   ExpectUsable();
 }
@@ -348,7 +348,7 @@ TEST_P(FaultyProcess, BetweenReadingAndStreaming_IsSaidAndUsedAfterwards) {
   {
     KrStream stream(*mDevice);
     const KrResult started = stream.Start();
-    EXPECT_TRUE(SaysWhatHappened(started));
+    EXPECT_TRUE(SaysWhatHappened(started, {kCameraAddress, "PayloadSize"}, kDeviceAdvice));
   }
 
   Mend();
@@ -372,7 +372,7 @@ TEST_P(FaultyProcess, WhileItStreams_IsSaidAndUsedAfterwards) {
     }));
 
     EXPECT_EQ(ended, KrResult::Code::ConnectionLost);
-    EXPECT_TRUE(SaysWhatHappened(ended));
+    EXPECT_TRUE(SaysWhatHappened(ended, {kCameraAddress}, kDeviceAdvice));
   }
   Mend();
   ExpectUsable();

@@ -42,6 +42,7 @@ protected:
       : FaultLab(std::make_shared<JumpingClock>(), aLab) {
     QObject::connect(&mHand, &QTimer::timeout, &mHand, [this] { AnswerBox(); });
     mHand.start(1);
+    mNames.clear(); // What its window says stands in the window of that device.
   }
   ~WindowCase() override {
     mWindow.reset();
@@ -100,12 +101,12 @@ protected:
       Find<QAbstractButton>(aID)->click();
     return isReady && CanGoOn();
   }
-  /// Picks an entry as the user does, once it is there.
+  /// Picks the first entry that begins so, as the user does, once it is there.
   bool Pick(int aID, const QString& aEntry) {
     int index = -1;
     const bool isThere = Await([&] {
       const auto* const list = Find<QComboBox>(aID);
-      index = list ? list->findText(aEntry) : -1;
+      index = list ? list->findText(aEntry, Qt::MatchStartsWith) : -1;
       return index >= 0;
     });
     if (isThere) {
