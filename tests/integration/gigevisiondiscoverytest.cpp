@@ -262,7 +262,7 @@ TEST(GigEVisionDiscovery, Discover_EverNewDevicesWithoutEnd_AreTakenUpToTheLimit
       },
       GvcpAnswers::WithoutEnd);
   auto request = MakeRequest();
-  request.timeoutMs = 4 * kTimeoutMs;
+  request.timeoutMs = 10 * kTimeoutMs;
 
   const Round round = Discover(request);
 

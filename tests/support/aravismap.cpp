@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::uint32_t kTimeoutMs = 1000;
+constexpr std::uint32_t kTimeoutMs = 60'000; // That only a fault can reach.
 
 // The device's instance as GLib wants it.
 struct PortDevice {

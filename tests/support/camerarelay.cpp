@@ -17,7 +17,7 @@ namespace {
 constexpr std::uint16_t kControlPort = 3956;
 constexpr std::size_t kHeaderSize = 8;
 constexpr std::size_t kIpAndUdpSize = 28;
-constexpr int kAnswerLimitMs = 1000;
+constexpr int kAnswerLimitMs = 10'000;
 constexpr std::uint16_t kReadRegisterCommand = 0x0080;
 constexpr std::uint16_t kWriteRegisterCommand = 0x0082;
 constexpr std::uint16_t kPacketResendCommand = 0x0040;
@@ -197,8 +197,8 @@ CameraRelay::Datagram CameraRelay::Forward(std::span<const std::uint8_t> aComman
   constexpr std::uint8_t kAcknowledgeWanted = 0x01;
   if ((aCommand[1] & kAcknowledgeWanted) == 0)
     return {};
-  pollfd wait{mBack, POLLIN, 0};
-  while (::poll(&wait, 1, kAnswerLimitMs) > 0) {
+  std::array<pollfd, 2> waits = {pollfd{mBack, POLLIN, 0}, pollfd{mStopPipe[0], POLLIN, 0}};
+  while (::poll(waits.data(), waits.size(), kAnswerLimitMs) > 0 && waits[1].revents == 0) {
     Datagram answer(2048);
     const auto size = ::recv(mBack, answer.data(), answer.size(), 0);
     answer.resize(size > 0 ? static_cast<std::size_t>(size) : 0);

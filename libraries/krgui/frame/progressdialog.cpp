@@ -1,5 +1,6 @@
 #include "frame/progressdialog.h"
 
+#include <QApplication>
 #include <QFontMetrics>
 #include <QLabel>
 #include <QProgressBar>
@@ -19,9 +20,11 @@ constexpr int kPeriodMs = 50;
 /// What takes less is not worth a dialog.
 constexpr int kPatienceMs = 300;
 /// A dialog that was shown stays until it has had the keyboard for so many periods: one that goes while the window
-/// manager brings it the keyboard leaves that nowhere. Where others have the keyboard, it stays for so many in all.
+/// manager brings it the keyboard leaves that nowhere. Where that does not come, it stays for so many in all: for long
+/// where this application has had it, as then the window manager is late, and for a moment where others have it.
 constexpr int kArrivedTicks = 3;
-constexpr int kMostTicks = 40;
+constexpr int kMostTicksInFront = 200;
+constexpr int kMostTicksBehind = 40;
 /// A bar counts in 32 bits, what is done need not.
 constexpr int kSteps = 1000;
 /// A hurry that comes just before the work waits ends nothing.
@@ -72,6 +75,7 @@ ModalResult ProgressDialog::Run(const Work& aWork) {
     }
     progress->end.set_value();
   };
+  mMostTicks = QApplication::activeWindow() ? kMostTicksInFront : kMostTicksBehind;
   mTimer.start(kPeriodMs);
   mTask.Start(work, [this] {
     mOutcome = mProgress->isCancelled ? ModalResult::Cancel : ModalResult::OK;
@@ -95,7 +99,7 @@ void ProgressDialog::CountTick() {
 }
 
 void ProgressDialog::EndWhenArrived() {
-  const bool hasArrived = mActiveTicks >= kArrivedTicks || mShownTicks >= kMostTicks;
+  const bool hasArrived = mActiveTicks >= kArrivedTicks || mShownTicks >= mMostTicks;
   // Who cancels has the keyboard there.
   if (hasArrived || *mOutcome == ModalResult::Cancel || !GetDialog()->isVisible())
     EndLoop(*mOutcome);

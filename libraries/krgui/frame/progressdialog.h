@@ -65,6 +65,7 @@ private:
   QProgressBar* mBar = nullptr;
   QPushButton* mCancel = nullptr;
   QTimer mTimer;
+  int mMostTicks = 0;                  ///< For how long it waits for the keyboard.
   int mShownTicks = 0;                 ///< For how long the dialog has been on the screen,
   int mActiveTicks = 0;                ///< and has had the keyboard.
   std::optional<ModalResult> mOutcome; ///< Of the work, once it is done.
