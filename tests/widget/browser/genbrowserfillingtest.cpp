@@ -68,6 +68,23 @@ TEST_F(Filling, AnotherArray_FillsAnewAndClearsTheChangedFlag) {
   mWindow.SetGenParameterArray(nullptr);
 }
 
+TEST_F(Filling, HundredThousandCategoriesInEachOther_AreShownAsFarAsTreesGo) {
+  constexpr int kDepth = 100'000;
+  std::string nodes = "<Integer Name=\"Only\"><Value>1</Value></Integer>"
+                      "<Category Name=\"Root\"><pFeature>C0</pFeature></Category>";
+  for (int i = 0; i < kDepth; ++i)
+    nodes += "<Category Name=\"C" + std::to_string(i) + "\"><pFeature>" +
+             (i + 1 < kDepth ? "C" + std::to_string(i + 1) : "Only") + "</pFeature></Category>";
+  DescribedCamera deep(nodes);
+  Open();
+
+  mWindow.SetGenParameterArray(deep.array.get());
+
+  EXPECT_NE(mWindow.FindRow("Only"), kNoItem);
+  EXPECT_TRUE(mWindow.GetGrid().isVisible());
+  mWindow.SetGenParameterArray(nullptr);
+}
+
 TEST_F(Filling, ChoiceInTheVisibilityList_IsStoredAndFillsAnew) {
   Open();
 
