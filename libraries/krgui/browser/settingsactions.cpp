@@ -10,6 +10,7 @@
 #include "logic/browser/settingsproblem.h"
 #include "platform/messagebox.h"
 #include "platform/plainline.h"
+#include "platform/toqstring.h"
 
 #include <QFileInfo>
 
@@ -36,10 +37,6 @@ QString GetName(const QString& aFile) {
   return QFileInfo(aFile).fileName();
 }
 
-KrString ToKrString(const QString& aText) {
-  return KrString(aText.toStdString());
-}
-
 /// One action: what it borrows, and whether it may go on.
 class SettingsAction {
 public:
@@ -52,10 +49,18 @@ protected:
   QWidget* GetOwner() const { return mOwner.GetWidget(); }
   /// Whether the work came to its end, and neither user nor owner want to end here.
   bool DoInBackground(const QString& aText, const ProgressDialog::Work& aWork) {
+    bool isDone = false;
     ProgressDialog dialog(GetOwner(), mCaption, aText);
-    const ModalResult result = dialog.Run(aWork);
+    const ModalResult result = dialog.Run([&](const KrGenProgress& aProgress) {
+      aWork(aProgress);
+      isDone = true;
+    });
     mIsCancelled = result == ModalResult::Cancel;
-    return result != ModalResult::Gone && IsAlive();
+    if (result == ModalResult::Gone || !IsAlive())
+      return false;
+    if (!isDone && !mIsCancelled)
+      Tell(ToText(ProgressDialog::MakeUnfinished().GetDescription()), MessageIcon::Stop);
+    return (isDone || mIsCancelled) && IsAlive();
   }
   void Tell(const QString& aText, MessageIcon aIcon) { ShowMessage(GetOwner(), aText, mCaption, aIcon); }
   /// Lists problems; whether the user wants to go on, where there is a button for it.
@@ -94,7 +99,7 @@ public:
     const QString file = AskForFileToSave(GetOwner(), ToText(mArray.GetModelName()));
     if (file.isEmpty() || !IsAlive() || !Store() || !MayWrite())
       return;
-    KrResult saved;
+    KrResult saved = ProgressDialog::MakeUnfinished();
     const auto save = [&](const KrGenProgress&) { saved = mSettings.Save(ToKrString(file)); };
     if (DoInBackground(QStringLiteral("Writing the file..."), save) && !saved.IsOK())
       Tell(QStringLiteral("The features could not be saved. %1").arg(ToText(saved.GetDescription())),
@@ -138,18 +143,13 @@ private:
   std::size_t mStreamable = 0; ///< How many parameters there were to take, in a category or not.
 };
 
-/// The selectors of a parameter, those of its selectors first; of a circle each once.
-void AddSelectors(KrGenParameter& aParameter, std::vector<std::string>& aSelectors,
-                  std::unordered_set<KrGenParameter*>& aSeen) {
-  KrGenParameterList selecting;
-  if (!aParameter.GetSelectingParameters(selecting).IsOK())
-    return;
-  for (KrGenParameter* const selector : selecting) {
-    if (!aSeen.insert(selector).second)
-      continue;
-    AddSelectors(*selector, aSelectors, aSeen);
-    aSelectors.push_back(selector->GetName().ToUtf8());
-  }
+std::vector<std::string> ListSelectors(KrGenParameter& aParameter) {
+  KrGenParameterList selectors;
+  selectors.AddSelectorsOf(aParameter);
+  std::vector<std::string> names;
+  for (const KrGenParameter* const selector : selectors)
+    names.push_back(selector->GetName().ToUtf8());
+  return names;
 }
 
 class RestoreAction final : public SettingsAction {
@@ -175,7 +175,7 @@ public:
 
 private:
   bool Load() {
-    KrResult loaded;
+    KrResult loaded = ProgressDialog::MakeUnfinished();
     const auto load = [&](const KrGenProgress&) { loaded = mFile.Load(ToKrString(mFileName)); };
     if (!DoInBackground(QStringLiteral("Reading the file..."), load) || mIsCancelled)
       return false;
@@ -188,7 +188,7 @@ private:
   }
 
   bool Compare() {
-    KrResult stored;
+    KrResult stored = ProgressDialog::MakeUnfinished();
     const auto compare = [&](const KrGenProgress& aProgress) {
       KrGenSettings present;
       KrStringList problems; // Of what cannot be read the comparison has no value.
@@ -223,9 +223,7 @@ private:
       KrGenParameter* const parameter = mArray.Get(setting.name);
       if (!parameter || features.contains(setting.name.ToUtf8()) || !aProgress(0, 0))
         continue;
-      ComparedFeature feature = {.type = parameter->GetType()};
-      std::unordered_set<KrGenParameter*> seen{parameter};
-      AddSelectors(*parameter, feature.selectors, seen);
+      ComparedFeature feature = {.type = parameter->GetType(), .selectors = ListSelectors(*parameter)};
       if (!known.contains(setting.name.ToUtf8())) {
         feature.limit = DescribeLimit(*parameter);
         KrString current;

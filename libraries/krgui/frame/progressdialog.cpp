@@ -84,6 +84,11 @@ ModalResult ProgressDialog::Run(const Work& aWork) {
   return RunLoopWhenSlow(kPatienceMs);
 }
 
+KrResult ProgressDialog::MakeUnfinished() {
+  return {KrResult::Code::SystemError, "This could not be brought to its end, perhaps for want of memory. The log says "
+                                       "more; what was done by then stays."};
+}
+
 void ProgressDialog::Tick() {
   CountTick();
   if (mOutcome)

@@ -2,6 +2,7 @@
 // Waits for work in the background that may take long: how far it has come, and a button that ends it. What is done is
 // left to who shows it.
 
+#include "krbase/krresult.h"
 #include "krgenicam/krgensettings.h"
 #include "platform/backgroundtask.h"
 #include "platform/modalloop.h"
@@ -41,6 +42,9 @@ public:
   /// Cancel when the user ended it: both after its end, unless it was abandoned. Gone when the owner went; the same is
   /// true of the work then.
   ModalResult Run(const Work& aWork);
+
+  /// What the result of work is until it has one: work that throws has none.
+  static KrResult MakeUnfinished();
 
 private:
   /// What the work's thread and the dialog have in common.

@@ -2,6 +2,12 @@
 
 #include "settingsactionsfixture.h"
 
+#include "krbase/krlogger.h"
+#include "memorylimit.h"
+
+#include <cstddef>
+#include <optional>
+
 namespace krgui {
 namespace {
 
@@ -9,16 +15,44 @@ using testing::HasSubstr;
 
 TEST_F(SettingsActions, Save_CancelledWhileReading_WritesNothing) {
   HeldDevice device(camera);
-  Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))},
-                   {"progress", [&](QWidget& aDialog) {
-                      device.Await();
-                      Click("Cancel")(aDialog);
-                      EXPECT_TRUE(aDialog.isVisible()) << "the work is still under way";
-                      device.LetGo();
-                    }}});
+  Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))}, {"progress", [&](QWidget& aDialog) {
+                                                                                device.Await();
+                                                                                Click("Cancel")(aDialog);
+                                                                                EXPECT_TRUE(aDialog.isVisible())
+                                                                                    << "the work is still under way";
+                                                                                device.LetGo();
+                                                                              }}});
 
   EXPECT_TRUE(Save());
 
+  EXPECT_TRUE(folder.GetNames().empty());
+}
+
+TEST_F(SettingsActions, Save_WithoutEnoughMemory_SaysSoAndWritesNothing) {
+  const std::string large = std::to_string(16 << 20);
+  const auto makeLarge = [&](const std::string& aName, const std::string& aAddress) {
+    return "<Register Name=\"" + aName + "\"><Streamable>Yes</Streamable><Address>" + aAddress + "</Address><Length>" +
+           large + "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>";
+  };
+  DescribedCamera device(makeLarge("First", large) + makeLarge("Second", std::to_string(32 << 20)) +
+                         MakeInteger("Last", 0));
+  std::optional<MemoryLimit> limit;
+  device.port.SetFault([&](const RegisterAccessRecord& aRecord) {
+    if (aRecord.address == 0)
+      limit.emplace(std::size_t{24} << 20);
+    return KrResult();
+  });
+  const KrLogCapture log;
+  std::string text;
+  Answers answers({{"settingsfile", ChooseFile(folder.GetFile("none.txt"))}, {"message", [&](QWidget& aDialog) {
+                                                                                text = GetText(aDialog, "text");
+                                                                                Click("OK")(aDialog);
+                                                                              }}});
+
+  EXPECT_TRUE(SaveSettings(owner.get(), *device.array, {}));
+  limit.reset();
+
+  EXPECT_THAT(text, HasSubstr("could not be brought to its end, perhaps for want of memory"));
   EXPECT_TRUE(folder.GetNames().empty());
 }
 

@@ -231,6 +231,25 @@ TEST_F(SettingsActions, Restore_WithWrongValuesAndUnknownFeatures_ListsWhatFaile
   EXPECT_EQ(GetByte(4), 3);
 }
 
+TEST_F(SettingsActions, Restore_OfAFeatureBehindAHundredThousandSelectors_ComparesIt) {
+  constexpr int kCount = 100'000;
+  std::string nodes = MakeInteger("Width", 0);
+  for (int i = 0; i < kCount; ++i)
+    nodes += "<Integer Name=\"S" + std::to_string(i) + "\"><Value>0</Value><Min>0</Min><Max>0</Max><pSelected>" +
+             (i + 1 < kCount ? "S" + std::to_string(i + 1) : "Width") + "</pSelected></Integer>\n";
+  DescribedCamera deep(nodes);
+  const std::string file = WriteFile("Width\t9\n");
+  std::vector<std::string> rows;
+  Answers answers({{"settingsfile", ChooseFile(file)}, {"settingscomparison", [&](QWidget& aDialog) {
+                                                          rows = GetRows(aDialog);
+                                                          Click("Cancel")(aDialog);
+                                                        }}});
+
+  EXPECT_TRUE(RestoreSettings(owner.get(), *deep.array, hasWritten, {}));
+
+  EXPECT_THAT(rows, testing::ElementsAre(testing::StartsWith("Width|")));
+}
+
 TEST_F(SettingsActions, Restore_OfALockedFeature_SaysWhoLocksIt) {
   ASSERT_TRUE(camera.Integer("TLParamsLocked").SetValue(1).IsOK());
   const std::string file = WriteFile("Locked\t5\n");
