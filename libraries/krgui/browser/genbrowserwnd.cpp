@@ -326,25 +326,23 @@ void GenBrowserWnd::UpdateDescription() {
   DescriptionCtrl& description = mControls->GetDescription();
   const PropertiesGrid& grid = mControls->GetGrid();
   const BrowserTree::Item* item = grid.GetTree().Find(grid.GetSelected());
-  description.setUpdatesEnabled(false);
+  const PaintingPause pause(description);
   description.Clear();
   if (item && item->node) {
     description.AddTitle(FormatDescriptionTitle(*item->node) + "\n");
     description.AddMarkup(item->node->GetDescription());
   }
-  description.setUpdatesEnabled(true);
 }
 
 void GenBrowserWnd::ShowAll(bool aIsOpen) {
   PropertiesGrid& grid = mControls->GetGrid();
-  grid.setUpdatesEnabled(false);
+  const PaintingPause pause(grid);
   grid.Select(kNoItem);
   if (aIsOpen)
     grid.ExpandAll();
   else
     grid.CollapseAll();
   grid.ShowFirst();
-  grid.setUpdatesEnabled(true);
 }
 
 void GenBrowserWnd::ChooseOptions() {
@@ -380,9 +378,11 @@ void GenBrowserWnd::RestoreFeatures() {
   if (!hasWritten || living.expired() || mArray != array)
     return;
   mHasChanged = true;
+  // The window may have been opened anew meanwhile.
+  if (mControls)
+    mControls->GetGrid().SetChanged(true);
   if (!goesOn || !mControls)
     return;
-  mControls->GetGrid().SetChanged(true);
   // The nodes hear of what was written; whatever else became different is read now.
   if (mOptions.refreshMode == KrGenRefresh::Manual)
     Refresh();

@@ -76,6 +76,21 @@ TEST_F(BrowserMenu, RestoreFeatures_ShowsWhatIsNewAndCountsAsChanged) {
   EXPECT_EQ(GetWidth(), "7 ");
 }
 
+TEST_F(BrowserMenu, WindowOpenedAnewWhileRestoringTellsItsProblems_CountsAsChanged) {
+  const std::string file = WriteFile("Width\t7\nSmall\t99\n");
+  Answers answers({{"settingsfile", ChooseFile(file)},
+                   {"settingscomparison", Click("Restore")},
+                   {"settingsproblems", [this](QWidget&) {
+                      EXPECT_TRUE(window->Close().IsOK());
+                      EXPECT_TRUE(window->ShowModeless(0).IsOK());
+                    }}});
+
+  Choose("Restore Features...");
+
+  EXPECT_TRUE(window->IsOpen());
+  EXPECT_TRUE(window->HasChanged());
+}
+
 TEST_F(BrowserMenu, RestoreFeatures_CancelledBeforeAnythingIsWritten_CountsAsUnchanged) {
   const std::string file = WriteFile("Width\t7\n");
   Answers answers({{"settingsfile", ChooseFile(file)}, {"settingscomparison", PressEscape()}});
