@@ -12,7 +12,8 @@ namespace krserial {
 std::shared_ptr<DeviceFeatures> DeviceFeatures::Of(const KrDevice& aDevice) {
   using Entries = std::map<std::shared_ptr<KrDeviceLifetime>, std::shared_ptr<DeviceFeatures>>;
   static std::mutex mutex; // Guards the list.
-  static Entries entries;
+  // Never destroyed: threads may still ask while the process ends.
+  static Entries& entries = *new Entries;
 
   const std::shared_ptr<KrDeviceLifetime> lifetime = aDevice.GetLifetime();
   const std::lock_guard lock(mutex);

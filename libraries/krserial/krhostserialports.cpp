@@ -27,7 +27,8 @@ struct Folders {
 };
 
 Folders& GetSetFolders() {
-  static Folders folders;
+  // Never destroyed: threads may still ask while the process ends.
+  static Folders& folders = *new Folders;
   return folders;
 }
 

@@ -63,7 +63,8 @@ void AppendUserMaps(SerialMaps& aMaps) {
 } // namespace
 
 SerialMapList& SerialMapList::Get() {
-  static SerialMapList list;
+  // Never destroyed: threads may still ask while the process ends.
+  static SerialMapList& list = *new SerialMapList;
   return list;
 }
 

@@ -60,12 +60,12 @@ constexpr NameRow<RegisterNames> kRegisterRows[] = {
     {"transmitCommand", &RegisterNames::transmitCommand, false},
 };
 
-// The names of the ports, which live as long as the process.
+// The names of the ports, never destroyed: threads may still ask while the process ends.
 const std::vector<std::string>& GetPortNames() {
-  static const std::vector<std::string> names = [] {
-    std::vector<std::string> made;
+  static const std::vector<std::string>& names = *[] {
+    auto* const made = new std::vector<std::string>;
     for (const KrDeviceSerial port : kDeviceSerialPorts)
-      made.push_back(GetPortName(port).ToUtf8());
+      made->push_back(GetPortName(port).ToUtf8());
     return made;
   }();
   return names;

@@ -30,7 +30,8 @@ struct Setting {
 };
 
 Setting& GetSetting() {
-  static Setting setting;
+  // Never destroyed: threads may still ask while the process ends.
+  static Setting& setting = *new Setting;
   return setting;
 }
 

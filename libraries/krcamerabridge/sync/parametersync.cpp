@@ -27,7 +27,8 @@ KrString Join(const KrStringList& aLines) {
 
 // The cameras of several bridges may feed one device, whose selector serves one at a time.
 std::shared_ptr<std::mutex> FindSelectorTurn(const KrDevice& aDevice) {
-  static KrNamedMutexes mutexes;
+  // Never destroyed: threads may still ask while the process ends.
+  static KrNamedMutexes& mutexes = *new KrNamedMutexes;
   return mutexes.Of(aDevice.GetUniqueID().ToUtf8());
 }
 

@@ -38,7 +38,8 @@ void TakeEntry(nl_object* aEntry, void* aTaker) {
 // Tables are read every second: what has been said of a kind of entry is not said again.
 void LogUnreadable(int aType, int aError) {
   static std::mutex mutex; // Guards the set.
-  static std::set<std::pair<int, int>> said;
+  // Never destroyed: threads may still read tables while the process ends.
+  static std::set<std::pair<int, int>>& said = *new std::set<std::pair<int, int>>;
   {
     const std::lock_guard lock(mutex);
     if (!said.emplace(aType, aError).second)

@@ -7,9 +7,12 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
+#include <functional>
 #include <future>
 #include <stdexcept>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 using krtest::SerialAdapter;
@@ -55,6 +58,15 @@ private:
     return aName == KrString("BulkBaudRate") ? KrString(enumerations["BulkSelector"].value) + "Rate" : aName;
   }
 };
+
+// Made before all that is made when it is needed first, and so destroyed after it.
+struct LastOfAll {
+  ~LastOfAll() {
+    if (action)
+      action();
+  }
+  std::function<void()> action;
+} lastOfAll;
 
 class BulkSpeed : public testing::Test {
 protected:
@@ -288,4 +300,18 @@ TEST(KrBulkSelectorTurn, OfOtherPortsAndDevices_IsHadAtOnce) {
   });
 
   EXPECT_EQ(others.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+}
+
+// A thread may be at it still: a program whose display goes is ended from inside, for one.
+TEST(KrBulkSelectorTurn, WhileTheProcessEnds_IsStillHad) {
+  SerialAdapter adapter;
+  const auto end = [&adapter] {
+    const auto take = [&adapter] { return KrBulkSelectorTurn(adapter, KrDeviceSerial::Bulk0).IsMine(); };
+    lastOfAll.action = [take] { _exit(take() ? 0 : 1); };
+    if (!take())
+      _exit(3);
+    std::exit(2);
+  };
+
+  EXPECT_EXIT(end(), testing::ExitedWithCode(0), "");
 }
