@@ -4,6 +4,7 @@
 #include "clprotocol/clidentifiers.h"
 #include "clprotocol/clprotocolapi.h"
 #include "krbase/krlogger.h"
+#include "line/rest.h"
 
 #include <algorithm>
 #include <chrono>
@@ -160,10 +161,15 @@ KrResult CLDriver::WriteRegister(std::uint32_t aCookie, std::uint64_t aAddress, 
 }
 
 KrResult CLDriver::ContinueWrite(std::uint32_t aCookie, Said& aSaid, const std::stop_token& aStop) {
+  // A driver that does not wait for its camera itself is not asked all the time.
+  constexpr milliseconds kPeriod{10};
   const auto until = Clock::now() + milliseconds(mTimes.pendingLimitMs);
   const WireFrame next{.kind = WireKind::ContinueWrite, .cookie = aCookie, .length = 1, .timeoutMs = mTimes.accessMs};
   KrResult result;
+  auto asked = Clock::now();
   do {
+    (void)Rest(asked + kPeriod - Clock::now(), aStop);
+    asked = Clock::now();
     if (aStop.stop_requested())
       return CancelWrite(aCookie, KrResult::Code::Aborted);
     if (Clock::now() >= until)

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -38,12 +39,18 @@ std::vector<DriverTemplates> AskAllTemplates(const std::vector<CLDriverFile>& aF
   constexpr std::size_t kMostAtATime = 8;
   std::vector<DriverTemplates> answers(aFiles.size());
   std::atomic<std::size_t> next{0};
+  const auto askNext = [&] {
+    for (std::size_t i = next++; i < aFiles.size(); i = next++)
+      answers[i] = AskTemplates(aFiles[i], aTimes);
+  };
   std::vector<std::jthread> threads(std::min(kMostAtATime, aFiles.size()));
-  for (std::jthread& thread : threads)
-    thread = std::jthread([&] {
-      for (std::size_t i = next++; i < aFiles.size(); i = next++)
-        answers[i] = AskTemplates(aFiles[i], aTimes);
-    });
+  try {
+    for (std::jthread& thread : threads)
+      thread = std::jthread(askNext);
+  } catch (const std::system_error&) {
+    // Who asks helps where the host has too few threads.
+    askNext();
+  }
   threads.clear();
   return answers;
 }

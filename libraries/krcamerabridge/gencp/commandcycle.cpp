@@ -1,11 +1,10 @@
 #include "gencp/commandcycle.h"
 
 #include "gencp/status.h"
+#include "line/rest.h"
 
 #include <algorithm>
 #include <array>
-#include <condition_variable>
-#include <mutex>
 
 namespace krcamerabridge {
 
@@ -31,14 +30,6 @@ KrResult TellDamage() {
 }
 
 } // namespace
-
-bool Rest(std::uint32_t aMilliseconds, const std::stop_token& aStop) {
-  std::mutex mutex;
-  std::condition_variable_any never;
-  std::unique_lock lock(mutex);
-  never.wait_for(lock, aStop, milliseconds(aMilliseconds), [] { return false; });
-  return !aStop.stop_requested();
-}
 
 CommandCycle::CommandCycle(ICameraLine& aLine, const CycleTimes& aTimes) : mLine(aLine), mTimes(aTimes) {}
 
@@ -72,7 +63,7 @@ KrResult CommandCycle::Run(const Command& aCommand, Answer& aAnswer, const std::
     const bool isFault = IsTransferFault(aAnswer.status) && ++faults < aCommand.tries;
     if (!isBusy && !isFault)
       return {};
-    if (!Rest(mTimes.busyPauseMs, aStop))
+    if (!Rest(milliseconds(mTimes.busyPauseMs), aStop))
       return {KrResult::Code::Aborted, "The access to the camera was cancelled."};
     // What was refused is asked with a number of its own: the same would only be refused again. But a write of which an
     // answer was lost may have been done, and would be done twice.

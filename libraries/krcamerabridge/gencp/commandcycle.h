@@ -43,9 +43,6 @@ struct Answer {
   std::vector<std::uint8_t> specific = {};
 };
 
-/// Waits, unless aStop is stopped, in which case it is false.
-bool Rest(std::uint32_t aMilliseconds, const std::stop_token& aStop);
-
 /// Thread: one at a time; rate and response time can be asked for at any. Ownership: borrows the line.
 class CommandCycle {
 public:

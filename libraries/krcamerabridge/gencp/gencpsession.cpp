@@ -3,6 +3,7 @@
 #include "gencp/accesstime.h"
 #include "gencp/bootstrapmap.h"
 #include "gencp/sha1.h"
+#include "line/rest.h"
 
 #include <algorithm>
 #include <string>
@@ -87,7 +88,7 @@ KrResult GenCPSession::SetPrivilege(const std::stop_token& aStop) {
   KrResult result = set();
   bool isRefused = IsRefusal(result);
   if (isRefused && mHeartbeatMs > 0) {
-    if (!Rest(mHeartbeatMs + kMarginMs, aStop))
+    if (!Rest(std::chrono::milliseconds(mHeartbeatMs + kMarginMs), aStop))
       return TellCancelled();
     result = mRate.FindCamera(aStop);
     if (result.IsOK())

@@ -3,6 +3,7 @@
 #include "clprotocolfixture.h"
 
 #include "krbase/krlogger.h"
+#include "threadrefusal.h"
 
 #include <algorithm>
 #include <future>
@@ -292,6 +293,33 @@ TEST_F(CLProtocolTest, Templates_OfSeveralDriversThatHang_AreWaitedForTogether) 
   EXPECT_EQ(templates.GetCount(), 8u);
   const std::vector<KrLogRecord> records = log.GetRecords();
   EXPECT_EQ(std::ranges::count(records, KrLogLevel::Warning, &KrLogRecord::level), 2);
+}
+
+TEST_F(CLProtocolTest, Templates_WithoutAThread_AreAskedForInTurn) {
+  folder.Install("libgood.so");
+  folder.Install("libold.so");
+  KrStringList templates;
+  const ThreadRefusal noThreads;
+
+  const KrResult result = CLProtocolPort::GetTemplates(templates, kGenerousTimes);
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(templates.GetCount(), 4u);
+}
+
+TEST_F(CLProtocolTest, PendingWrite_OfADriverThatDoesNotWait_IsContinuedAHundredTimesASecondAtMost) {
+  folder.Install("libgood.so");
+  CLDriverTimes times = kGenerousTimes;
+  times.pendingLimitMs = 200;
+  CLProtocolPort impatient(line, times);
+  ASSERT_TRUE(Connect(impatient, "libgood.so").IsOK());
+  const std::uint8_t foreverAtOnce = 126;
+
+  EXPECT_EQ(impatient.Write(kSlow, &foreverAtOnce, 1, kGenerousMs), KrResult::Code::TimeLimitExceeded);
+
+  std::uint32_t continued = 0;
+  EXPECT_TRUE(Await([&] { return impatient.Read(kContinued, &continued, sizeof continued, kGenerousMs).IsOK(); }));
+  EXPECT_LE(continued, 21u);
 }
 
 } // namespace

@@ -18,8 +18,8 @@
 namespace krcamerabridge {
 
 constexpr std::uint32_t kGenerousMs = 60000;
-/// A driver that hangs is found out soon, and all else has the time that it needs, also where many drivers are started at
-/// once on a slow machine.
+/// A driver that hangs is found out soon, and all else has the time that it needs, also where many drivers are started
+/// at once on a slow machine.
 constexpr CLDriverTimes kHangTimes{1000, 10000, 10000, 10000, 10000, 10000, 10000, 10000, 1000, 10000};
 constexpr CLDriverTimes kGenerousTimes{2000, 60000, 60000, 60000, 60000, 60000, 60000, 60000, 60000, 60000};
 
@@ -28,6 +28,7 @@ constexpr std::uint64_t kRefused = 0xFFFF0010;
 constexpr std::uint64_t kForgetful = 0xFFFF0020;
 constexpr std::uint64_t kSlow = 0xFFFF0030;
 constexpr std::uint64_t kCancelled = 0xFFFF0040;
+constexpr std::uint64_t kContinued = 0xFFFF0060;
 constexpr std::uint64_t kChildID = 0xFFFF0050;
 
 class CLProtocolTest : public testing::Test {

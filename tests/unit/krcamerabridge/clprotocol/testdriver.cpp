@@ -30,10 +30,12 @@ constexpr CLINT64 kForgetful = 0xFFFF0020;
 constexpr CLINT64 kSlow = 0xFFFF0030;      // Is pending as often as is written to it.
 constexpr CLINT64 kCancelled = 0xFFFF0040; // How often a pending write was cancelled.
 constexpr unsigned kSlowUs = 700000;
-constexpr CLINT64 kChildID = 0xFFFF0050; // The number of the process that the driver has started.
+constexpr CLINT64 kContinued = 0xFFFF0060; // How often a pending write was continued.
+constexpr CLINT64 kChildID = 0xFFFF0050;   // The number of the process that the driver has started.
 
 char thePending = 0;
 char theCancelled = 0;
+std::uint32_t theContinued = 0;
 bool theKnowsCamera = false;
 pid_t theChild = 0;
 CLLogger theLogger = nullptr;
@@ -203,6 +205,10 @@ KR_CLP_FUNCTION clpReadRegister(ISerial* aSerial, CLUINT32 aCookie, CLINT64 aAdd
   }
   if (aAddress == kRefused)
     return kOwnError;
+  if (aAddress == kContinued) {
+    std::memcpy(aBytes, &theContinued, std::min<std::size_t>(sizeof theContinued, static_cast<std::size_t>(aSize)));
+    return CL_ERR_NO_ERR;
+  }
   if (aAddress == kCancelled) {
     aBytes[0] = theCancelled;
     return CL_ERR_NO_ERR;
@@ -234,9 +240,12 @@ KR_CLP_FUNCTION clpContinueWriteRegister(ISerial* aSerial, CLUINT32, BOOL8 aIsTo
     ++theCancelled;
     return CL_ERR_NO_ERR;
   }
-  // 127 is for ever.
+  ++theContinued;
+  // 127 is for ever, 126 too, without waiting.
   if (thePending == 0)
     return CL_ERR_NO_ERR;
+  if (thePending == 126)
+    return CL_ERR_PENDING_WRITE;
   if (thePending != 127)
     --thePending;
   char byte = 0;
