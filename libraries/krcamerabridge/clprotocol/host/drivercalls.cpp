@@ -99,12 +99,14 @@ WireFrame DriverCalls::Make(const WireFrame& aCall) {
 }
 
 void DriverCalls::StopProbe() {
-  if (const clpSetParam_t stopper = mStopper; stopper != nullptr)
-    std::thread([this, stopper] {
-      const char isToStop = 1;
-      // A probe that does not stop meets its limit.
-      static_cast<void>(stopper(&mSerial, CLP_STOP_PROBE_DEVICE, 0, &isToStop, sizeof isToStop, 0));
-    }).detach();
+  const std::lock_guard lock(mStopMutex);
+  if (mStopper == nullptr)
+    return;
+  mStops.emplace_back([this, stopper = mStopper] {
+    const char isToStop = 1;
+    // A probe that does not stop meets its limit.
+    static_cast<void>(stopper(&mSerial, CLP_STOP_PROBE_DEVICE, 0, &isToStop, sizeof isToStop, 0));
+  });
 }
 
 WireFrame DriverCalls::Load(const WireFrame& aCall) {
@@ -120,8 +122,10 @@ WireFrame DriverCalls::Load(const WireFrame& aCall) {
     if (const CLINT32 code = mLibrary.initLib(mLogger, CLP_LOG_INFO); code < 0)
       return Refuse("clpInitLib failed with error " + std::to_string(code));
   }
-  if (answer.length >= kFirstMinorThatStops)
+  if (answer.length >= kFirstMinorThatStops) {
+    const std::lock_guard lock(mStopMutex);
     mStopper = mLibrary.setParam;
+  }
   mIsLoaded = true;
   return answer;
 }
@@ -181,7 +185,14 @@ WireFrame DriverCalls::SetParam(const WireFrame& aCall) {
 }
 
 WireFrame DriverCalls::Close() {
-  mStopper = nullptr;
+  std::vector<std::jthread> stops;
+  {
+    const std::lock_guard lock(mStopMutex);
+    mStopper = nullptr;
+    stops.swap(mStops);
+  }
+  // The driver may be in one of them still.
+  stops.clear();
   mIsLoaded = false;
   const CLINT32 code = mLibrary.closeLib != nullptr ? mLibrary.closeLib() : CL_ERR_NO_ERR;
   mLibrary.Unload();

@@ -6,7 +6,9 @@
 #include "clprotocol/host/driverlibrary.h"
 #include "clprotocol/host/hostserial.h"
 
-#include <atomic>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 namespace krcamerabridge {
 
@@ -34,7 +36,10 @@ private:
   const CLLogger mLogger;
   DriverLibrary mLibrary;
   bool mIsLoaded = false;
-  std::atomic<clpSetParam_t> mStopper{nullptr}; // Set while the driver can stop a probe.
+
+  std::mutex mStopMutex;            // Guards what follows.
+  clpSetParam_t mStopper = nullptr; // Set while the driver can stop a probe.
+  std::vector<std::jthread> mStops; // Joined before the driver is closed.
 };
 
 } // namespace krcamerabridge
