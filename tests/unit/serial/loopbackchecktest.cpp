@@ -71,6 +71,21 @@ TEST_P(LoopbackCheckTable, MatchingByteByByte_CountsTheSame) {
 INSTANTIATE_TEST_SUITE_P(, LoopbackCheckTable, testing::ValuesIn(kExchanges),
                          [](const auto& aInfo) { return aInfo.param.name; });
 
+TEST(LoopbackCheck, MoreThanItKeeps_StaysOutstanding) {
+  const std::vector<std::uint8_t> bytes(LoopbackCheck::kMostExpected);
+  LoopbackCheck check;
+  check.Begin();
+  for (int part = 0; part < 2; ++part) {
+    check.Expect(bytes);
+    check.AddWritten(bytes.size());
+  }
+
+  for (int part = 0; part < 2; ++part)
+    check.Match(bytes);
+
+  EXPECT_EQ(check.GetOutstanding(), LoopbackCheck::kMostExpected);
+}
+
 TEST(LoopbackCheck, BytesThatComeBackBeforeTheyAreCounted_AreNotOutstandingInTheEnd) {
   LoopbackCheck check;
   check.Begin();

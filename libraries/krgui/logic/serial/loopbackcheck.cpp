@@ -1,10 +1,14 @@
 #include "logic/serial/loopbackcheck.h"
 
+#include <algorithm>
+
 namespace krgui {
 
 void LoopbackCheck::Expect(std::span<const std::uint8_t> aBytes) {
   const std::scoped_lock lock(mMutex);
-  mExpected.insert(mExpected.end(), aBytes.begin(), aBytes.end());
+  const std::size_t room = kMostExpected - mExpected.size();
+  const std::span<const std::uint8_t> kept = aBytes.first(std::min(room, aBytes.size()));
+  mExpected.insert(mExpected.end(), kept.begin(), kept.end());
 }
 
 void LoopbackCheck::Match(std::span<const std::uint8_t> aReceived) {

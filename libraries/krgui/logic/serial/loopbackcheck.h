@@ -2,6 +2,7 @@
 // What a file transfer expects to come back, and what came.
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <mutex>
@@ -15,6 +16,9 @@ namespace krgui {
 /// Thread: any.
 class LoopbackCheck {
 public:
+  /// Of a file that nothing comes back of no more is kept; what is beyond it stays outstanding.
+  static constexpr std::size_t kMostExpected = std::size_t{4} << 20;
+
   /// A transfer begins: nothing is outstanding. What is expected stays.
   void Begin() { mOutstanding = 0; }
   void Expect(std::span<const std::uint8_t> aBytes);
