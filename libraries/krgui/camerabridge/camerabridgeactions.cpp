@@ -3,6 +3,7 @@
 #include "camerabridge/camerabridgemanagerwnd.h"
 #include "camerabridge/cameracontrols.h"
 #include "frame/filequestion.h"
+#include "frame/progressdialog.h"
 #include "frame/questionowner.h"
 #include "krcamerabridge/krcamerabridge.h"
 #include "krgenicam/krgenparameterarray.h"
@@ -140,7 +141,7 @@ void CameraBridgeManagerWnd::FetchTemplates() {
   entry->templates.Clear();
   entry->xmlIDs.Clear();
   struct Answer {
-    KrResult result;
+    KrResult result = ProgressDialog::MakeUnfinished();
     KrStringList templates;
   };
   const auto answer = std::make_shared<Answer>();
@@ -163,7 +164,7 @@ void CameraBridgeManagerWnd::FetchTemplates() {
 void CameraBridgeManagerWnd::FetchGenCPXMLIDs() {
   CameraBridgeEntry* entry = GetSelectedEntry();
   const Moment moment = GetMoment(entry->port);
-  KrResult result;
+  KrResult result = ProgressDialog::MakeUnfinished();
   KrStringList xmlIDs;
   const bool isDone = Ask(*entry, "Looking for a GenCP camera...", Cursor::Wait,
                           [&](KrCameraBridge& aBridge) { result = aBridge.GetGenCPXMLIDs(xmlIDs); });
@@ -186,7 +187,7 @@ void CameraBridgeManagerWnd::Probe() {
   const Moment moment = GetMoment(entry->port);
   mControls->Clear(id::kCLProtocolXML);
   entry->xmlIDs.Clear();
-  KrResult result;
+  KrResult result = ProgressDialog::MakeUnfinished();
   KrString cameraID;
   KrStringList xmlIDs;
   const bool isDone = Ask(*entry, "Looking for a CL Protocol camera...", Cursor::Wait, [&](KrCameraBridge& aBridge) {
@@ -261,7 +262,7 @@ void CameraBridgeManagerWnd::LoadCameraFile() {
 void CameraBridgeManagerWnd::Connect(CameraBridgeEntry& aEntry, const Connection& aConnection) {
   const Moment moment = GetMoment(aEntry.port);
   mBrowser.SetGenParameterArray(nullptr);
-  KrResult result;
+  KrResult result = ProgressDialog::MakeUnfinished();
   KrCameraBridge& bridge = *aEntry.bridge;
   const bool wasConnected = bridge.IsConnected();
   std::stop_source stop;
@@ -321,7 +322,7 @@ void CameraBridgeManagerWnd::ChooseSource() {
     return;
   const KrString source = ToKrString(mControls->GetSelectedText(id::kSource));
   const Moment moment = GetMoment(entry->port);
-  KrResult result;
+  KrResult result = ProgressDialog::MakeUnfinished();
   const bool isDone = Ask(*entry, "Setting the camera bridge...", Cursor::Usual,
                           [&](KrCameraBridge& aBridge) { result = aBridge.SetSource(source); });
   entry = moment.FindShownEntry();

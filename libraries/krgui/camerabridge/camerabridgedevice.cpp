@@ -3,6 +3,7 @@
 #include "camerabridge/camerabridgemanagerwnd.h"
 #include "camerabridge/cameracontrols.h"
 #include "camerabridge/grabberquestions.h"
+#include "frame/progressdialog.h"
 #include "platform/toqstring.h"
 #include "serial/showresulterror.h"
 
@@ -107,7 +108,7 @@ void CameraBridgeManagerWnd::SwitchPoCL() {
   if (!device)
     return;
   struct Answer {
-    KrResult result;
+    KrResult result = ProgressDialog::MakeUnfinished();
     PoCLState poCL;
   };
   const auto answer = std::make_shared<Answer>();

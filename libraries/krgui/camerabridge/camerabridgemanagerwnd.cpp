@@ -212,7 +212,7 @@ KrResult CameraBridgeManagerWnd::AskAll(const char* aText,
   // Nobody is there to wait, or to cancel.
   if (!mControls)
     return aWork([](std::size_t, std::size_t) { return true; });
-  KrResult result;
+  KrResult result = ProgressDialog::MakeUnfinished();
   const bool isDone = Await({.text = QString::fromLatin1(aText),
                              .cursor = Cursor::Usual,
                              .work = [&](const KrGenProgress& aProgress) { result = aWork(aProgress); },
