@@ -280,6 +280,22 @@ TEST_F(CLProtocolTest, CrashWhileAProbeIsStopped_IsTheEndOfACancelledProbe) {
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("was ended by signal 6 (Aborted) in clpProbeDevice"));
 }
 
+TEST_F(CLProtocolTest, DriverThatIsSlowToComeBackFromStoppingAProbe_IsClosedBehindThat) {
+  folder.Install("libslow-stopped.so");
+  const KrLogCapture log;
+  std::stop_source stop;
+  const int reads = line.CountReads();
+  auto connecting =
+      std::async(std::launch::async, [&] { return Connect(port, "libslow-stopped.so", stop.get_token()); });
+  ASSERT_TRUE(Await([&] { return line.CountReads() > reads + 2; }));
+
+  stop.request_stop();
+
+  EXPECT_EQ(connecting.get(), KrResult::Code::Aborted);
+  for (const KrLogRecord& record : log.GetRecords())
+    EXPECT_THAT(record.text.ToUtf8(), testing::Not(HasSubstr("signal")));
+}
+
 TEST_F(CLProtocolTest, Templates_OfSeveralDriversThatHang_AreWaitedForTogether) {
   for (int i = 0; i < 4; ++i)
     folder.Install("libgood" + std::to_string(i) + ".so");

@@ -40,6 +40,7 @@ bool theKnowsCamera = false;
 pid_t theChild = 0;
 CLLogger theLogger = nullptr;
 std::atomic<bool> theIsStopped{false};
+std::atomic<int> theStops{0}; // Calls that stop a probe and have not come back.
 
 std::string GetBehaviour() {
   Dl_info info{};
@@ -153,7 +154,7 @@ KR_CLP_FUNCTION clpGetShortDeviceIDTemplates(CLINT8* aTemplates, CLUINT32* aSize
 KR_CLP_FUNCTION clpProbeDevice(ISerial* aSerial, const CLINT8*, CLINT8* aDeviceID, CLUINT32* aSize, CLUINT32* aCookie,
                                CLUINT32 aTimeoutMs) {
   Misbehave("clpProbeDevice");
-  if (Does("loop", "clpProbeDevice") || Does("crash", "stopping")) {
+  if (Does("loop", "clpProbeDevice") || Does("crash", "stopping") || Does("slow", "stopped")) {
     char byte = 0;
     for (CLUINT32 one = 1; !theIsStopped; one = 1)
       static_cast<void>(aSerial->clSerialRead(&byte, &one, 10));
@@ -263,6 +264,8 @@ KR_CLP_FUNCTION clpGetErrorText(CLINT32 aCode, CLINT8* aText, CLUINT32* aSize, C
 KR_CLP_FUNCTION clpDisconnect(CLUINT32 aCookie) {
   Misbehave("clpDisconnect");
   Misbehave("closing");
+  if (theStops != 0)
+    std::abort();
   const CLINT32 code = CheckCookie(aCookie);
   theKnowsCamera = false;
   return code;
@@ -299,7 +302,10 @@ KR_CLP_FUNCTION clpGetParam(ISerial*, CLINT32, CLUINT32, CLINT8* aBuffer, CLINT6
 KR_CLP_FUNCTION clpSetParam(ISerial* aSerial, CLINT32 aParam, CLUINT32, const CLINT8* aBuffer, CLINT64, CLUINT32) {
   if (aParam == CLP_STOP_PROBE_DEVICE) {
     Misbehave("stopping");
+    ++theStops;
     theIsStopped = true;
+    Misbehave("stopped");
+    --theStops;
     return CL_ERR_NO_ERR;
   }
   Misbehave("clpSetParam");
