@@ -21,7 +21,7 @@ constexpr int kLayoutVersion = 1;
 /// The part of the page that the panels under the picture take at first.
 constexpr double kShareBelow = 0.4;
 /// In which a panel shows names with their values, or a graph with its numbers.
-constexpr int kUsefulLetters = 40;
+constexpr int kUsefulLetters = 60;
 constexpr int kUsefulLines = 14;
 
 constexpr Qt::DockWidgetArea kSides[] = {Qt::LeftDockWidgetArea, Qt::RightDockWidgetArea, Qt::TopDockWidgetArea,

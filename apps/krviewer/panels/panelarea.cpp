@@ -11,7 +11,7 @@ namespace {
 constexpr int kFlatWidth = 80;
 constexpr int kFlatHeight = 24;
 constexpr int kLeastWidth = 16;
-constexpr int kLeastHeight = 13;
+constexpr int kLeastHeight = 8;
 
 } // namespace
 

@@ -128,6 +128,25 @@ TEST(IoThread, Run_Cancelled_ReturnsAtOnceWithAborted) {
   EXPECT_TRUE(blocking.GetResult().IsOK());
 }
 
+TEST(IoThread, Run_CancelledBefore_BeginsNothing) {
+  bool hasBegun = false;
+  std::stop_source cancel;
+  cancel.request_stop();
+  {
+    IoThread thread;
+
+    EXPECT_EQ(thread.Run(
+                  [&](const auto&) {
+                    hasBegun = true;
+                    return KrResult();
+                  },
+                  kGenerousTimeoutMs, cancel.get_token()),
+              KrResult::Code::Aborted);
+  }
+
+  EXPECT_FALSE(hasBegun);
+}
+
 TEST(IoThread, RunRegardless_Interrupted_RunsWithinItsLimit) {
   IoThread thread;
   thread.Interrupt({KrResult::Code::ConnectionLost, "gone"});

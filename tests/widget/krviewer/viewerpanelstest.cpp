@@ -84,7 +84,7 @@ TEST_F(ViewerPanelsTest, PanelOfARunThatEndedInAVerySmallWindow_IsOfUseInALargeO
   OpenStreaming();
   GetWindow().resize(1200, 800);
 
-  const int useful = 40 * GetPage()->fontMetrics().averageCharWidth();
+  const int useful = 60 * GetPage()->fontMetrics().averageCharWidth();
   EXPECT_TRUE(krtest::AwaitCondition([&] { return FindDock("features").width() >= useful; }))
       << FindDock("features").width();
 }
