@@ -1,6 +1,7 @@
 #include "clname.h"
 
 #include "krbase/krclwire.h"
+#include "krbase/utf8cut.h"
 
 #include <algorithm>
 
@@ -13,16 +14,6 @@ bool IsControl(char aCharacter) {
   return code < ' ' || code == 0x7F;
 }
 
-// Cuts text to a number of bytes, not within a character.
-void CutUtf8(std::string& aText, std::size_t aMost) {
-  if (aText.size() <= aMost)
-    return;
-  std::size_t length = aMost;
-  while (length > 0 && (static_cast<unsigned char>(aText[length]) & 0xC0) == 0x80)
-    --length;
-  aText.resize(length);
-}
-
 } // namespace
 
 std::string CleanCLName(std::string_view aName) {
@@ -32,7 +23,7 @@ std::string CleanCLName(std::string_view aName) {
   // The sign parts an identifier from its manufacturer in lists of others; a control character parts the entries.
   std::replace_if(
       name.begin(), name.end(), [](char aOne) { return IsControl(aOne) || aOne == '#'; }, '-');
-  CutUtf8(name, kKrCLMostName);
+  name.resize(CutUtf8(name, kKrCLMostName).size());
   return name;
 }
 
@@ -40,9 +31,7 @@ std::string MakeUniqueCLName(const std::string& aName, const std::vector<std::st
   std::string name = aName;
   for (std::size_t number = 2; std::find(aTaken.begin(), aTaken.end(), name) != aTaken.end(); ++number) {
     const std::string ending = " (" + std::to_string(number) + ")";
-    name = aName;
-    CutUtf8(name, kKrCLMostName - ending.size());
-    name += ending;
+    name = std::string(CutUtf8(aName, kKrCLMostName - ending.size())) + ending;
   }
   return name;
 }

@@ -1,5 +1,7 @@
 #include "krbase/krlogger.h"
 
+#include "krbase/utf8cut.h"
+
 #include <spdlog/logger.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
@@ -56,10 +58,8 @@ KrString CutToLine(const KrString& aText) {
   const std::string& text = aText.ToUtf8();
   if (text.size() <= kMostLineBytes)
     return aText;
-  std::size_t end = kMostLineBytes;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-    --end; // Not within a character.
-  return text.substr(0, end) + "… (the first " + std::to_string(end) + " of " + std::to_string(text.size()) + " bytes)";
+  const std::string beginning(krbase::CutUtf8(text, kMostLineBytes));
+  return beginning + "… (the first " + std::to_string(beginning.size()) + " of " + std::to_string(text.size()) + " bytes)";
 }
 
 /// The text with control characters written out and malformed bytes replaced, so that no text can begin a line that

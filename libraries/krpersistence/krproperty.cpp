@@ -1,5 +1,7 @@
 #include "krpersistence/krproperty.h"
 
+#include "krbase/utf8cut.h"
+
 #include <charconv>
 #include <string_view>
 #include <system_error>
@@ -10,7 +12,8 @@ constexpr std::size_t kMostBytesQuoted = 100; // A message is for a line, a valu
 
 std::string Quote(const KrString& aText) {
   const std::string& text = aText.ToUtf8();
-  return text.size() <= kMostBytesQuoted ? "\"" + text + "\"" : "\"" + text.substr(0, kMostBytesQuoted) + "…\"";
+  const std::string beginning(krbase::CutUtf8(text, kMostBytesQuoted));
+  return "\"" + beginning + (beginning.size() < text.size() ? "…\"" : "\"");
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "krpersistence/yamlmap.h"
 
+#include "krbase/utf8cut.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -47,7 +49,7 @@ std::string GuessMeant(std::string_view aWord, const std::vector<std::string_vie
 
 std::string YamlMap::Quote(std::string_view aText) {
   std::string quoted = "\"";
-  for (const char character : aText.substr(0, kMostQuotedBytes))
+  for (const char character : krbase::CutUtf8(aText, kMostQuotedBytes))
     quoted += static_cast<unsigned char>(character) < ' ' || character == '\x7F' ? '?' : character;
   return quoted + (aText.size() > kMostQuotedBytes ? "…\"" : "\"");
 }

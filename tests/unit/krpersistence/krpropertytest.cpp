@@ -99,6 +99,22 @@ INSTANTIATE_TEST_SUITE_P(
                     MisfitRow{"LargeWithLetters", "99999999999999999999x", KrResult::Code::BadData}),
     [](const auto& aInfo) { return std::string(aInfo.param.name); });
 
+TEST(KrProperty, LongTextOfManyByteCharacters_IsShortenedBehindAWholeOne) {
+  std::int64_t value = 0;
+  std::string text = "x";
+  std::string beginning = "x";
+  for (int i = 0; i < 100; ++i) {
+    text += "\xE2\x82\xAC";
+    beginning += i < 33 ? "\xE2\x82\xAC" : "";
+  }
+
+  const KrResult shifted = KrProperty("n", text).GetValue(value);
+  const KrResult whole = KrProperty("n", text.substr(1)).GetValue(value);
+
+  EXPECT_THAT(shifted.GetDescription().ToUtf8(), HasSubstr("\"" + beginning + "…\""));
+  EXPECT_THAT(whole.GetDescription().ToUtf8(), HasSubstr("\"" + beginning.substr(1) + "…\""));
+}
+
 TEST(KrProperty, LongText_IsShortenedInTheMessage) {
   std::int64_t value = 0;
 
