@@ -48,12 +48,23 @@ std::string ReplaceBadBytes(std::string_view aText) {
   return text;
 }
 
-std::size_t CountNodes(const YamlNode& aNode) {
-  std::size_t count = 1;
+// What a value takes with all that is in it.
+struct YamlSize {
+  std::size_t nodes = 0;
+  std::size_t textBytes = 0; // Of its scalars and keys.
+};
+
+YamlSize Measure(const YamlNode& aNode) {
+  YamlSize size{1, aNode.text.size()};
+  for (const auto& [key, place] : aNode.keys)
+    size.textBytes += key.size();
   for (const std::vector<YamlNode>* const nodes : {&aNode.items, &aNode.doubles})
-    for (const YamlNode& node : *nodes)
-      count += CountNodes(node);
-  return count;
+    for (const YamlNode& node : *nodes) {
+      const YamlSize inner = Measure(node);
+      size.nodes += inner.nodes;
+      size.textBytes += inner.textBytes;
+    }
+  return size;
 }
 
 std::size_t GetDepth(const YamlNode& aNode) {
@@ -62,6 +73,39 @@ std::size_t GetDepth(const YamlNode& aNode) {
     for (const YamlNode& node : *nodes)
       depth = std::max(depth, GetDepth(node));
   return depth + 1;
+}
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kBlanks = " \t\r\n";
+
+// The text behind the tag, the anchor, blanks and comments that may stand before a value.
+std::string_view SkipProperties(std::string_view aText) {
+  for (;;) {
+    aText.remove_prefix(std::min(aText.find_first_not_of(kBlanks), aText.size()));
+    if (aText.starts_with('#'))
+      aText.remove_prefix(std::min(aText.find('\n'), aText.size()));
+    else if (aText.starts_with('!'))
+      aText.remove_prefix(std::min(aText.find_first_of(" \t\r\n\"{}"), aText.size()));
+    else if (aText.starts_with('&'))
+      aText.remove_prefix(std::min(aText.find_first_of(" \t\r\n,[]{}"), aText.size()));
+    else
+      return aText;
+  }
+}
+
+// Whether a value that begins with a quotation mark has its other one: the parser takes the end of the text for that,
+// too, and what was to follow for the value's text.
+bool IsClosed(std::string_view aValue) {
+  const std::string_view text = SkipProperties(aValue);
+  if (text.empty() || (text[0] != '"' && text[0] != '\''))
+    return true;
+  for (std::size_t i = 1; i < text.size(); ++i) {
+    if (text[0] == '"' ? text[i] == '\\' : text.substr(i, 2) == "''")
+      ++i;
+    else if (text[i] == text[0])
+      return true;
+  }
+  return false;
 }
 
 // Builds the tree from the parser's events. What makes it senseless to read on ends the parser by its own exception.
@@ -100,7 +144,8 @@ public:
   }
   void OnScalar(const YAML::Mark& aMark, const std::string& aTag, YAML::anchor_t aAnchor,
                 const std::string& aValue) override {
-    if (aTag == kQuoted && !IsClosed(static_cast<std::size_t>(aMark.pos)))
+    // A text without quotation marks may have the tag, too.
+    if (aTag == kQuoted && !IsClosed(mText.substr(std::min(static_cast<std::size_t>(aMark.pos), mText.size()))))
       Refuse(aMark, "the quotation marks are not closed");
     const bool isBad = FindInvalidUtf8(aValue) || aValue.find('\0') != std::string::npos;
     if (isBad)
@@ -116,11 +161,10 @@ public:
     const auto anchored = mAnchored.find(aAnchor);
     if (anchored == mAnchored.end())
       Refuse(aMark, "an alias within the value that it stands for");
-    YamlNode copy = anchored->second;
-    if (mOpen.size() + GetDepth(copy) > kMostYamlDepth)
+    if (mOpen.size() + GetDepth(anchored->second) > kMostYamlDepth)
       Refuse(aMark, "the alias nests too deeply");
-    Count(aMark, CountNodes(copy));
-    Place(aMark, std::move(copy));
+    Count(aMark, Measure(anchored->second));
+    Place(aMark, anchored->second);
   }
   void OnSequenceStart(const YAML::Mark& aMark, const std::string&, YAML::anchor_t aAnchor,
                        YAML::EmitterStyle::value) override {
@@ -135,21 +179,6 @@ public:
 
 private:
   static constexpr std::string_view kQuoted = "!";
-
-  // The parser takes the end of the text for that of the quotation marks, too, and what was to follow for their text.
-  bool IsClosed(std::size_t aBegin) const {
-    const std::size_t open = mText.find_first_of("\"'", aBegin);
-    if (open == std::string_view::npos)
-      return true;
-    for (std::size_t i = open + 1; i < mText.size(); ++i) {
-      const bool isDouble = mText[open] == '"';
-      if (isDouble ? mText[i] == '\\' : mText.substr(i, 2) == "''")
-        ++i;
-      else if (mText[i] == mText[open])
-        return true;
-    }
-    return false;
-  }
 
   // What becomes of the value of a key.
   enum class Fate { Kept, Doubled, Dropped };
@@ -166,25 +195,30 @@ private:
   [[noreturn]] static void Refuse(const YAML::Mark& aMark, const std::string& aReason) {
     throw YAML::ParserException(aMark, aReason);
   }
-  void Count(const YAML::Mark& aMark, std::size_t aNodes) {
-    mNodes += aNodes;
-    if (mNodes > kMostYamlNodes)
+  // To be called before the memory is taken.
+  void Count(const YAML::Mark& aMark, const YamlSize& aSize) {
+    mSize.nodes += aSize.nodes;
+    mSize.textBytes += aSize.textBytes;
+    if (mSize.textBytes > kMostYamlTextBytes)
+      Refuse(aMark, "more than " + std::to_string(kMostYamlTextBytes) +
+                        " bytes of text, those of anchors and aliases included");
+    if (mSize.nodes > kMostYamlNodes)
       Refuse(aMark, "more than " + std::to_string(kMostYamlNodes) + " values, those of anchors and aliases included");
   }
   // Copies a value for the aliases to come; the copy needs as much room as the value itself.
   void Keep(const YAML::Mark& aMark, YAML::anchor_t aAnchor, const YamlNode& aNode) {
     if (aAnchor == 0)
       return;
-    Count(aMark, CountNodes(aNode));
+    Count(aMark, Measure(aNode));
     mAnchored[aAnchor] = aNode;
   }
   void Add(const YAML::Mark& aMark, YAML::anchor_t aAnchor, YamlNode aNode) {
-    Count(aMark, 1);
+    Count(aMark, {1, aNode.text.size()});
     Keep(aMark, aAnchor, aNode);
     Place(aMark, std::move(aNode));
   }
   void Open(const YAML::Mark& aMark, YAML::anchor_t aAnchor, YamlKind aKind) {
-    Count(aMark, 1);
+    Count(aMark, {1, 0});
     if (mOpen.size() >= kMostYamlDepth)
       Refuse(aMark, "nested more than " + std::to_string(kMostYamlDepth) + " deep");
     mOpen.push_back({{.kind = aKind, .place = GetPlace(aMark), .text = {}, .items = {}, .keys = {}}, aAnchor});
@@ -238,7 +272,7 @@ private:
   YamlNode mRoot;
   std::vector<OpenNode> mOpen; // The innermost last.
   std::map<YAML::anchor_t, YamlNode> mAnchored;
-  std::size_t mNodes = 0;
+  YamlSize mSize;
   bool mHasDocument = false;
 };
 
@@ -300,6 +334,9 @@ YamlNode ParseYaml(std::string_view aText, TextProblems& aProblems) {
     aProblems.Report({line, zero - (before.rfind('\n') + 1) + 1}, "the file is no UTF-8 text");
     return MakeUnread();
   }
+  // The parser's places count from behind it.
+  if (aText.starts_with(kByteOrderMark))
+    aText.remove_prefix(kByteOrderMark.size());
   if (!FindInvalidUtf8(aText))
     return ParseText(aText, aProblems);
   ReportBadBytes(aText, aProblems);

@@ -1,7 +1,7 @@
 #pragma once
-// A YAML text as a tree of values with their places, whatever they mean. The text is never trusted: its size, nesting
-// and number of values are capped, anchored values count twice, aliases as often as they are used, and foreign
-// exceptions end here.
+// A YAML text as a tree of values with their places, whatever they mean. The text is never trusted: its size, nesting,
+// number of values and their text are capped, anchored values count twice, aliases as often as they are used, and
+// foreign exceptions end here.
 
 #include "krbase/krexport.h"
 #include "krpersistence/textproblems.h"
@@ -32,6 +32,8 @@ struct YamlNode {
 inline constexpr std::size_t kMostYamlBytes = std::size_t{1} << 20;
 inline constexpr std::size_t kMostYamlDepth = 16;
 inline constexpr std::size_t kMostYamlNodes = 100000;
+/// Of all texts together. A file without anchors cannot have as much.
+inline constexpr std::size_t kMostYamlTextBytes = 4 * kMostYamlBytes;
 
 /// Parses a text of one document; an empty one is Null. Any thread.
 ///
