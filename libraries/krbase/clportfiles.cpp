@@ -107,15 +107,21 @@ KrResult FindCLPorts(int aDirectory, CLPortFiles& aFound) {
   return {};
 }
 
-FileDescriptor LockCLDirectory(int aDirectory, std::chrono::milliseconds aLimit) {
+KrResult LockCLDirectory(int aDirectory, std::chrono::milliseconds aLimit, FileDescriptor& aLock) {
+  constexpr const char* kLock = "Locking the directory of Camera Link ports";
   FileDescriptor lock(::openat(aDirectory, kDirectoryLock, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
   const auto end = std::chrono::steady_clock::now() + aLimit;
-  while (lock.IsOpen() && ::flock(lock.Get(), LOCK_EX | LOCK_NB) != 0) {
+  if (!lock.IsOpen())
+    return MakeCLSystemError(kLock, errno);
+  while (::flock(lock.Get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR)
+      return MakeCLSystemError(kLock, errno);
     if (std::chrono::steady_clock::now() >= end)
-      return {};
+      return {KrResult::Code::Busy, std::string(kLock) + " failed: another process keeps it locked."};
     std::this_thread::sleep_for(kBetweenTries);
   }
-  return lock;
+  aLock = std::move(lock);
+  return {};
 }
 
 void RemoveDeadCLPorts(int aDirectory, const std::vector<std::uint32_t>& aNumbers) {

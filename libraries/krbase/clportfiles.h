@@ -29,9 +29,9 @@ struct CLPortFiles {
 };
 KrResult FindCLPorts(int aDirectory, CLPortFiles& aFound);
 
-/// Locks the directory against others that add or remove ports; not open when another has it locked for longer than
-/// the limit.
-FileDescriptor LockCLDirectory(int aDirectory, std::chrono::milliseconds aLimit);
+/// Locks the directory against others that add or remove ports. Busy when another has it locked for longer than the
+/// limit, else as the system says, at once; aLock is set on success only.
+KrResult LockCLDirectory(int aDirectory, std::chrono::milliseconds aLimit, FileDescriptor& aLock);
 /// Removes the files of ports whose processes have ended. The directory is locked by the caller.
 void RemoveDeadCLPorts(int aDirectory, const std::vector<std::uint32_t>& aNumbers);
 

@@ -110,10 +110,13 @@ KrResult KrCLPublication::Make(const KrString& aName, std::unique_ptr<KrCLPublic
     return opened;
   const int directory = body->directory.Get();
   static LockPatience patience(std::chrono::milliseconds(1000));
-  const FileDescriptor directoryLock = LockCLDirectory(directory, patience.GetLimit());
-  patience.Note(directoryLock.IsOpen());
-  if (!directoryLock.IsOpen())
-    return {KrResult::Code::Busy, std::string(kPublish) + " failed: another process keeps the directory locked."};
+  FileDescriptor directoryLock;
+  if (const KrResult locked = LockCLDirectory(directory, patience.GetLimit(), directoryLock); !locked.IsOK()) {
+    if (locked == KrResult::Code::Busy)
+      patience.Note(false);
+    return locked;
+  }
+  patience.Note(true);
   CLPortFiles files;
   if (KrResult found = FindCLPorts(directory, files); !found.IsOK())
     return found;
@@ -158,8 +161,7 @@ KrResult KrListCLPorts(std::vector<KrCLPort>& aPorts) {
     if (KrResult found = FindCLPorts(directory.Get(), files); !found.IsOK())
       return found;
     // Whoever publishes at this moment removes them, too.
-    if (const FileDescriptor lock = files.dead.empty() ? FileDescriptor() : LockCLDirectory(directory.Get(), {});
-        lock.IsOpen())
+    if (FileDescriptor lock; !files.dead.empty() && LockCLDirectory(directory.Get(), {}, lock).IsOK())
       RemoveDeadCLPorts(directory.Get(), files.dead);
   }
   std::sort(files.living.begin(), files.living.end(),

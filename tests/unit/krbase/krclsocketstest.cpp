@@ -273,6 +273,19 @@ TEST_F(CLSockets, DirectoryThatAnotherKeepsLocked_IsListedAndBusyForWhoPublishes
   EXPECT_EQ(KrCLPublication::Make("Other", refused).GetCode(), KrResult::Code::Busy);
 }
 
+TEST_F(CLSockets, LockOfTheDirectoryThatCannotBeOpened_IsToldAsTheSystemSaysIt) {
+  Publish("Camera").reset();
+  fs::remove(mPath + "/directory.lock");
+  fs::create_symlink("elsewhere", mPath + "/directory.lock");
+  Publication refused;
+
+  const KrResult result = KrCLPublication::Make("Other", refused);
+
+  EXPECT_EQ(result, KrResult::Code::SystemError);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("symbolic links"));
+  EXPECT_EQ(refused, nullptr);
+}
+
 TEST_F(CLSockets, DirectoryThatIsEmptiedMeanwhile_DoesNotCostAnotherItsPort) {
   Publication first = Publish("First");
   for (const std::string& file : GetFiles())
