@@ -12,10 +12,12 @@ KrDeviceGEV::KrDeviceGEV(std::unique_ptr<krsystem::IDeviceLink> aLink, krsystem:
 KrDeviceGEV::~KrDeviceGEV() = default;
 
 KrResult KrDeviceGEV::GetLastingIPConfiguration(KrLastingIPConfiguration& aConfiguration) {
+  const std::lock_guard lock(mLastingIP);
   return krdevice::ReadLastingIP(GetRegisterPort(), aConfiguration);
 }
 
 KrResult KrDeviceGEV::SetLastingIPConfiguration(const KrLastingIPConfiguration& aConfiguration) {
+  const std::lock_guard lock(mLastingIP);
   return krdevice::WriteLastingIP(GetRegisterPort(), aConfiguration);
 }
 

@@ -7,7 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <future>
 #include <map>
+#include <mutex>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -33,6 +36,7 @@ class RegisterLink : public FakeLink {
 public:
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t,
                 const std::stop_token&) override {
+    const std::lock_guard lock(mMutex);
     const auto found = registers.find(aAddress);
     if (found == registers.end() || aLength != 4)
       return {KrResult::Code::ProtocolError, "invalid address"};
@@ -42,6 +46,8 @@ public:
   }
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t,
                  const std::stop_token&) override {
+    std::this_thread::yield(); // Another caller has its chance.
+    const std::lock_guard lock(mMutex);
     if (!registers.contains(aAddress) || aLength != 4)
       return {KrResult::Code::ProtocolError, "invalid address"};
     std::uint32_t value = 0;
@@ -63,6 +69,9 @@ public:
   std::map<std::uint64_t, int> refusedWrites;                      ///< How many of the next writes fail, by register.
   KrResult refusal{KrResult::Code::AccessDenied, "access denied"}; ///< What they fail with.
   std::uint32_t stuckWays = 0;
+
+private:
+  std::mutex mMutex; // Guards the registers and what is written down.
 };
 
 class LastingIP : public testing::Test {
@@ -307,6 +316,27 @@ TEST_F(LastingIP, Set_DeviceThatKeepsNoAddress_IsSwitchedBetweenItsOtherWays) {
 
   EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
   EXPECT_THAT(mLink->writes, ElementsAre(Pair(kCurrent, 4u)));
+}
+
+// Each finds what it has written when it compares, so that none sees the other's registers.
+TEST_F(LastingIP, Set_FromTwoThreads_WritesOneConfigurationAfterTheOther) {
+  const auto writeManyTimes = [this](const char* aAddress, const char* aMask) {
+    KrLastingIPConfiguration configuration = MakeConfiguration();
+    configuration.address = aAddress;
+    configuration.subnetMask = aMask;
+    KrLastingIPConfiguration other = configuration;
+    other.address = "192.168.1.99";
+    int failures = 0;
+    for (int i = 0; i < 200; ++i)
+      failures += mDevice->SetLastingIPConfiguration(i % 2 == 0 ? configuration : other).IsOK() ? 0 : 1;
+    return failures;
+  };
+
+  std::future<int> first = std::async(std::launch::async, writeManyTimes, "192.168.1.20", "255.255.255.0");
+  std::future<int> second = std::async(std::launch::async, writeManyTimes, "192.168.1.30", "255.255.0.0");
+
+  EXPECT_EQ(first.get(), 0);
+  EXPECT_EQ(second.get(), 0);
 }
 
 } // namespace

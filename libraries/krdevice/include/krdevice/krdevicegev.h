@@ -3,6 +3,8 @@
 
 #include "krdevice/krdevice.h"
 
+#include <mutex>
+
 /// Who controls a GigE Vision device, as its control privilege register (GigE Vision 2.x, CCP) tells somebody who may
 /// read it; the numbers are part of the interface.
 enum class KrAccessType : std::int32_t {
@@ -38,7 +40,7 @@ public:
 
   /// Reads how the device gets its address at its next start.
   KrResult GetLastingIPConfiguration(KrLastingIPConfiguration& aConfiguration);
-  /// Writes it; the device must be open with control. Ways that the device does not have are NotSupported;
+  /// Writes it, as a whole: other calls of this object wait. The device must be open with control. Ways that the device does not have are NotSupported;
   /// texts that do not parse and addresses that no device of the subnet can have (0.0.0.0 with persistent, multicast,
   /// loopback, the subnet's own or its broadcast address, a mask with a gap) InvalidInput, before anything is written.
   /// Where writing fails midway, what was written before is put back. Read back and compared: ProtocolError when the
@@ -54,4 +56,7 @@ public:
                                      const KrString& aGateway);
   /// Asks the device of an address who controls it, without taking control: one register is read, once, within 200 ms.
   static KrResult GetAccessType(const KrString& aAddress, KrAccessType& aType);
+
+private:
+  std::mutex mLastingIP; // Guards the registers of the lasting configuration: they are one whole.
 };
