@@ -50,6 +50,10 @@ KrResult MakeTakenError(const KrString& aFileName) {
   return {KrResult::Code::WrongState, "The file \"" + aFileName + "\" exists already and is left as it is."};
 }
 
+KrResult MakeNoFileError(const KrString& aFileName) {
+  return {KrResult::Code::InvalidInput, "\"" + aFileName + "\" cannot be written: it is no file."};
+}
+
 // The path behind symbolic links, whether or not there is a file yet; the error of the system where there is no end.
 std::error_code FollowLinks(fs::path& aPath) {
   for (int links = 0; links < kMostLinks; ++links) {
@@ -121,7 +125,7 @@ KrResult KrAtomicFile::Body::OpenFolder() {
     return MakeError(fileName, error.value());
   targetName = path.filename().string();
   if (targetName.empty())
-    return MakeError(fileName, EISDIR);
+    return MakeNoFileError(fileName);
   const std::string folderName = path.has_parent_path() ? path.parent_path().string() : ".";
   folder = FileDescriptor(::open(folderName.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   return folder.IsOpen() ? KrResult() : MakeError(fileName, errno);
@@ -133,7 +137,7 @@ KrResult KrAtomicFile::Body::CheckExisting() {
     return errno == ENOENT ? KrResult() : MakeError(fileName, errno);
   replaced = status;
   if (!S_ISREG(status.st_mode))
-    return {KrResult::Code::InvalidInput, "\"" + fileName + "\" cannot be written: it is no file."};
+    return MakeNoFileError(fileName);
   if (existing == Existing::Kept)
     return MakeTakenError(fileName);
   // The folder's rights alone decide on a renaming; a file that is protected itself stays as well.

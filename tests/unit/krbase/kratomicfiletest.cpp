@@ -272,7 +272,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(PlaceRow{"FolderThatIsNotThere", "missing/a.xml", KrResult::Code::NotFound, "No such file"},
                     PlaceRow{"FolderThatIsAFile", "file/a.xml", KrResult::Code::NotFound, "Not a directory"},
                     PlaceRow{"Folder", "folder", KrResult::Code::InvalidInput, "no file"},
-                    PlaceRow{"FolderWithSlash", "folder/", KrResult::Code::SystemError, "directory"},
+                    PlaceRow{"FolderWithSlash", "folder/", KrResult::Code::InvalidInput, "no file"},
                     PlaceRow{"Device", "/dev/full", KrResult::Code::InvalidInput, "no file"}),
     [](const auto& aInfo) { return std::string(aInfo.param.name); });
 
