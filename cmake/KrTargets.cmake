@@ -62,6 +62,13 @@ endfunction()
 
 # The modules of the toolkit whose headers the sources of a target see, by name; empty where there are none.
 function(kr_get_toolkit aTarget aResult)
+  # Found once for each target: libraries stand on one another, so that there are very many ways to the lowest.
+  get_property(isKnown GLOBAL PROPERTY KR_TOOLKIT_OF_${aTarget} SET)
+  if(isKnown)
+    get_property(modules GLOBAL PROPERTY KR_TOOLKIT_OF_${aTarget})
+    set(${aResult} "${modules}" PARENT_SCOPE)
+    return()
+  endif()
   set(modules "")
   foreach(property IN ITEMS LINK_LIBRARIES INTERFACE_LINK_LIBRARIES)
     get_target_property(linked ${aTarget} ${property})
@@ -78,6 +85,7 @@ function(kr_get_toolkit aTarget aResult)
     endforeach()
   endforeach()
   list(REMOVE_DUPLICATES modules)
+  set_property(GLOBAL PROPERTY KR_TOOLKIT_OF_${aTarget} "${modules}")
   set(${aResult} "${modules}" PARENT_SCOPE)
 endfunction()
 
