@@ -69,15 +69,7 @@ protected:
     KrDeviceAdapter adapter(aDevice);
     KrResult result = mWindow->SetDevice(&adapter);
     if (result.IsOK())
-      result = mWindow->ShowModeless(0);
-    if (result.IsOK()) {
-      Converse();
-      result = GetOutcome();
-      EXPECT_TRUE(mIsDone || !result.IsOK()) << "nothing was said; " << mSteps.Describe();
-    }
-    if (IsOpen()) {
-      EXPECT_TRUE(mWindow->Close().IsOK());
-    }
+      result = UseOpened([this] { Converse(); }, mIsDone);
     (void)mWindow->SetDevice(nullptr);
     return result;
   }
@@ -129,17 +121,7 @@ protected:
     KrDeviceAdapter adapter(aDevice);
     KrResult result = mWindow->SetDevice(&adapter);
     if (result.IsOK())
-      result = mWindow->ShowModeless(0);
-    if (result.IsOK()) {
-      LinkAndTalk();
-      result = GetOutcome();
-      EXPECT_TRUE(mIsDone || !result.IsOK())
-          << "nothing was said; " << mSteps.Describe() << "; " << GetLabel(krgui::bridgeid::kState) << "; "
-          << GetLabel(krgui::bridgeid::kDescription);
-    }
-    if (IsOpen()) {
-      EXPECT_TRUE(mWindow->Close().IsOK());
-    }
+      result = UseOpened([this] { LinkAndTalk(); }, mIsDone);
     EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK());
     (void)mHost.Receive(3); // What came too late.
     return result;
@@ -173,15 +155,7 @@ protected:
     mIsConnected = false;
     KrResult result = mWindow->SetDevice(&aDevice);
     if (result.IsOK())
-      result = mWindow->ShowModeless(0);
-    if (result.IsOK()) {
-      Connect();
-      result = GetOutcome();
-    }
-    EXPECT_TRUE(mIsConnected || !result.IsOK()) << "nothing was said; " << mSteps.Describe();
-    if (IsOpen()) {
-      EXPECT_TRUE(mWindow->Close().IsOK());
-    }
+      result = UseOpened([this] { Connect(); }, mIsConnected);
     EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK());
     return result;
   }

@@ -60,6 +60,19 @@ protected:
         fault, [&] { return UseWindow(aUse); }, isClosing ? kClosings : kFailures);
   }
 
+  /// Opens the window, does something in it, which is done when aIsDone says so or a failure was told, and closes it.
+  KrResult UseOpened(const std::function<void()>& aUse, const bool& aIsDone) {
+    KrResult result = mWindow->ShowModeless(0);
+    if (result.IsOK()) {
+      aUse();
+      result = GetOutcome();
+      EXPECT_TRUE(aIsDone || !result.IsOK()) << "nothing was said; " << mSteps.Describe();
+    }
+    if (IsOpen()) {
+      EXPECT_TRUE(mWindow->Close().IsOK());
+    }
+    return result;
+  }
   bool IsOpen() const { return mWindow->GetWidget() != nullptr; }
   /// What the window tells of a failure at the moment; empty where all is well.
   virtual std::string FindTrouble() const { return {}; }
