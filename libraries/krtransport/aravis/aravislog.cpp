@@ -12,8 +12,12 @@
 namespace krtransport {
 namespace {
 
+// Aravis' own records name no domain.
+constexpr const char* kDomains[] = {nullptr, "GLib", "GLib-GObject", "GLib-GIO"};
+
 // Complaints about what is as it should be: a stream whose thread we stopped before its release is stopped once more by
-// its own release, and a USB device that could not be opened waits for a thread that it never had.
+// its own release, and a USB device that could not be opened waits for a thread that it never had. They are kept for who
+// looks closely: the last one may also be the application's.
 constexpr std::string_view kHarmless[] = {
     "arv_gv_stream_stop_thread: assertion 'priv->thread != NULL' failed",
     "arv_uv_stream_stop_thread: assertion 'priv->thread != NULL' failed",
@@ -24,15 +28,6 @@ bool IsHarmless(std::string_view aText) {
   return std::ranges::any_of(kHarmless, [aText](std::string_view aKnown) { return aText.find(aKnown) != aText.npos; });
 }
 
-std::string_view GetField(const GLogField* aFields, gsize aCount, std::string_view aKey) {
-  for (gsize i = 0; i < aCount; ++i)
-    if (aFields[i].key == aKey && aFields[i].value != nullptr)
-      return aFields[i].length < 0
-                 ? std::string_view(static_cast<const char*>(aFields[i].value))
-                 : std::string_view(static_cast<const char*>(aFields[i].value), static_cast<gsize>(aFields[i].length));
-  return {};
-}
-
 KrLogLevel ToLevel(GLogLevelFlags aLevel) {
   if ((aLevel & (G_LOG_LEVEL_ERROR | G_LOG_LEVEL_CRITICAL)) != 0)
     return KrLogLevel::Error;
@@ -41,26 +36,24 @@ KrLogLevel ToLevel(GLogLevelFlags aLevel) {
   return (aLevel & (G_LOG_LEVEL_MESSAGE | G_LOG_LEVEL_INFO)) != 0 ? KrLogLevel::Info : KrLogLevel::Debug;
 }
 
-GLogWriterOutput WriteRecord(GLogLevelFlags aLevel, const GLogField* aFields, gsize aCount, gpointer aUserData) {
-  const std::string_view domain = GetField(aFields, aCount, "GLIB_DOMAIN");
-  // Aravis' own records name no domain.
-  const bool isOurs = domain.empty() || domain.starts_with("GLib");
-  if (!isOurs)
-    return g_log_writer_default(aLevel, aFields, aCount, aUserData);
-  std::string text(GetField(aFields, aCount, "MESSAGE"));
-  if (IsHarmless(text))
-    return G_LOG_WRITER_HANDLED;
-  if (!domain.empty())
-    text = std::string(domain) + ": " + text;
-  KrLogger("Aravis").Log(ToLevel(aLevel), {"WriteRecord", "aravislog"}, text);
-  return G_LOG_WRITER_HANDLED;
+void WriteRecord(const gchar* aDomain, GLogLevelFlags aLevel, const gchar* aMessage, gpointer) {
+  std::string text(aMessage ? aMessage : "");
+  const KrLogLevel level = IsHarmless(text) ? KrLogLevel::Debug : ToLevel(aLevel);
+  if (aDomain && *aDomain != '\0')
+    text = std::string(aDomain) + ": " + text;
+  KrLogger("Aravis").Log(level, {"WriteRecord", "aravislog"}, text);
 }
 
 } // namespace
 
 void InstallAravisLog() {
   static std::once_flag once;
-  std::call_once(once, [] { g_log_set_writer_func(WriteRecord, nullptr, nullptr); });
+  constexpr auto kAllRecords =
+      static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
+  std::call_once(once, [] {
+    for (const char* const domain : kDomains)
+      g_log_set_handler(domain, kAllRecords, WriteRecord, nullptr);
+  });
 }
 
 } // namespace krtransport
