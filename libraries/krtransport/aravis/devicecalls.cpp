@@ -1,5 +1,7 @@
 #include "aravis/devicecalls.h"
 
+#include <atomic>
+#include <memory>
 #include <utility>
 
 namespace krtransport {
@@ -8,8 +10,16 @@ KrResult DeviceCalls::Run(IoThread::Job aJob, std::uint32_t aTimeoutMs, const st
   if (mSilence.IsSilent())
     return {KrResult::Code::TimeLimitExceeded,
             "The device did not answer a moment ago; it is asked again as soon as it does."};
-  KrResult result = mIoThread.Run(std::move(aJob), aTimeoutMs, aCancel);
-  if (result == KrResult::Code::TimeLimitExceeded)
+  // A call that waited behind another one in vain says nothing of the device. Each side tells of itself before it looks
+  // at the other: a job that is not seen to have begun asks nothing.
+  const auto hasBegun = std::make_shared<std::atomic<bool>>(false);
+  KrResult result = mIoThread.Run(
+      [hasBegun, job = std::move(aJob)](const std::atomic<bool>& aIsAbandoned) {
+        *hasBegun = true;
+        return aIsAbandoned ? KrResult(KrResult::Code::Aborted) : job(aIsAbandoned);
+      },
+      aTimeoutMs, aCancel);
+  if (result == KrResult::Code::TimeLimitExceeded && *hasBegun)
     mSilence.ReportSilence();
   return result;
 }

@@ -12,7 +12,8 @@ class DeviceCalls {
 public:
   DeviceCalls(IoThread& aIoThread, ISilence& aSilence) : mIoThread(aIoThread), mSilence(aSilence) {}
 
-  /// As IoThread::Run; TimeLimitExceeded at once from a call that got no answer until the device answers again.
+  /// As IoThread::Run; TimeLimitExceeded at once from a call that was asked and got no answer until the device answers
+  /// again. One whose turn did not come within its limit says nothing of the device.
   KrResult Run(IoThread::Job aJob, std::uint32_t aTimeoutMs, const std::stop_token& aCancel = {});
 
 private:
