@@ -16,10 +16,8 @@ void ApplyTimeout(KrSystem& aSystem, const CommandLine& aCommandLine) {
 }
 
 KrResult ReadDescriptionOf(KrDevice& aDevice, KrGenDescription& aDescription) {
-  const KrGenBootstrap bootstrap =
-      aDevice.GetType() == KrDeviceInfoType::U3V ? KrGenBootstrap::GenCP : KrGenBootstrap::GigEVision;
   return Explain("reading the description of " + krapps::MakeCell(aDevice.GetDisplayID()) + " failed",
-                 KrGenDescription::ReadFromDevice(aDevice.GetRegisterPort(), bootstrap, aDescription));
+                 aDevice.ReadDescription(aDescription));
 }
 
 } // namespace

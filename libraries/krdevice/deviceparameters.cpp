@@ -17,8 +17,8 @@ DeviceParameters::DeviceParameters(krsystem::IDeviceLink& aLink, IKrRegisterPort
 
 KrResult DeviceParameters::Get(KrGenParameterArray*& aArray) {
   const std::lock_guard lock(mMutex);
-  if (mClosing.stop_requested())
-    return {KrResult::Code::ConnectionLost, "Asking for the parameters of " + mDeviceName + ": it is being closed."};
+  if (const KrResult open = CheckOpen(); !open.IsOK())
+    return open;
   if (!mArray) {
     if (!mFault.IsOK())
       return mFault;
@@ -38,13 +38,29 @@ KrGenParameterArray* DeviceParameters::Find() {
   return mArray.get();
 }
 
+KrResult DeviceParameters::ReadDescription(KrGenDescription& aDescription) {
+  const std::lock_guard lock(mMutex);
+  if (const KrResult open = CheckOpen(); !open.IsOK())
+    return open;
+  return ReadOwn(aDescription);
+}
+
+KrResult DeviceParameters::CheckOpen() const {
+  if (mClosing.stop_requested())
+    return {KrResult::Code::ConnectionLost, "Asking for the parameters of " + mDeviceName + ": it is being closed."};
+  return {};
+}
+
+KrResult DeviceParameters::ReadOwn(KrGenDescription& aDescription) {
+  return KrGenDescription::ReadFromDevice(mPort, mLink.GetBootstrap(), aDescription, kAccessTimeoutMs,
+                                          mClosing.get_token());
+}
+
 KrResult DeviceParameters::Make() {
   KrGenDescription description;
   if (mDescription) {
     description = *mDescription;
-  } else if (KrResult read = KrGenDescription::ReadFromDevice(mPort, mLink.GetBootstrap(), description,
-                                                              kAccessTimeoutMs, mClosing.get_token());
-             !read.IsOK()) {
+  } else if (KrResult read = ReadOwn(description); !read.IsOK()) {
     return read;
   }
   return KrGenParameterArray::Open(description, mPort, {.timeoutMs = kAccessTimeoutMs, .isReadOnly = mIsReadOnly},

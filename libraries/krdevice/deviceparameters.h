@@ -27,6 +27,9 @@ public:
   KrGenParameterArray* Find();
   /// Takes a description instead of the device's own. InvalidInput for an empty one, WrongState once there is an array.
   KrResult SetDescription(const KrGenDescription& aDescription);
+  /// Reads the device's own description, whether there is an array of it, or of another one, or not. ConnectionLost
+  /// after Close.
+  KrResult ReadDescription(KrGenDescription& aDescription);
   /// How long one access of the array, or of reading the description, may take; at least 1 ms.
   std::uint32_t GetTimeoutMs() const { return mPort.GetTimeoutMs(); }
   void SetTimeoutMs(std::uint32_t aTimeoutMs) { mPort.SetTimeoutMs(aTimeoutMs); }
@@ -35,6 +38,8 @@ public:
   void Close();
 
 private:
+  KrResult CheckOpen() const;
+  KrResult ReadOwn(KrGenDescription& aDescription);
   KrResult Make();
 
   krsystem::IDeviceLink& mLink;

@@ -268,6 +268,10 @@ KrResult KrDevice::SetDescription(const KrGenDescription& aDescription) {
   return mBody->parameters->array.SetDescription(aDescription);
 }
 
+KrResult KrDevice::ReadDescription(KrGenDescription& aDescription) {
+  return mBody->parameters->array.ReadDescription(aDescription);
+}
+
 KrResult KrDevice::GetTransportParameters(KrGenParameterArray*& aParameters) {
   return mBody->parameters->connection.Get(aParameters);
 }

@@ -48,6 +48,15 @@ TEST_F(FeatureCommands, SimulatedCamera_IsListedWithoutFaultsAndErrors) {
   EXPECT_EQ(mErrors, "");
 }
 
+TEST_F(FeatureCommands, SimulatedUSB3Camera_IsListedAndReadAsOthersAre) {
+  const std::string camera = "4B5200000101";
+
+  EXPECT_THAT(Run(RunFeatures, {.verb = Verb::Features, .device = camera}), HasSubstr("\tWidth\tInteger\t"));
+  EXPECT_EQ(mErrors, "");
+  EXPECT_THAT(Run(RunGet, {.verb = Verb::Get, .device = camera, .names = {"Width"}}), MatchesRegex("[0-9]+\n"));
+  EXPECT_THAT(Run(RunXml, {.verb = Verb::Xml, .device = camera}), HasSubstr("<RegisterDescription"));
+}
+
 TEST_F(FeatureCommands, Category_LeavesOutTheOthers) {
   const std::string table = Run(RunFeatures, {.verb = Verb::Features, .category = "AnalogControl"});
 

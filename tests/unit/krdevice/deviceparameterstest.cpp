@@ -162,6 +162,26 @@ TEST_F(DeviceParametersTest, SetDescription_Empty_IsInvalidInput) {
   EXPECT_TRUE(Get().IsOK());
 }
 
+TEST_F(DeviceParametersTest, ReadDescription_OfADeviceWithAnotherOne_GivesItsOwn) {
+  ASSERT_TRUE(mDevice->SetDescription(MakeOwnDescription("<Integer Name=\"Own\"><Value>5</Value></Integer>")).IsOK());
+  ASSERT_TRUE(Get().IsOK());
+  KrGenDescription description;
+
+  ASSERT_TRUE(mDevice->ReadDescription(description).IsOK());
+
+  EXPECT_EQ(description.GetText(), MakeDescription(MakeNodes()));
+}
+
+TEST_F(DeviceParametersTest, ReadDescription_OfADeviceThatDoesNotAnswer_FailsAndLeavesTheTarget) {
+  KrGenDescription description = MakeOwnDescription("<Integer Name=\"Own\"><Value>5</Value></Integer>");
+  const std::string before(description.GetText());
+  Refuse(KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_EQ(mDevice->ReadDescription(description), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_EQ(description.GetText(), before);
+}
+
 namespace {
 
 /// Answers the description, and then no more until an access is cancelled.

@@ -96,6 +96,10 @@ public:
   /// InvalidInput for an empty one, WrongState once GetParameters has succeeded or a stream was started with
   /// parameters.
   KrResult SetDescription(const KrGenDescription& aDescription);
+  /// Reads the device's own description from wherever a device of its kind keeps it, each time anew and whatever
+  /// SetDescription gave: for an array of the application's own, or to keep the text. Takes up to a second for a large
+  /// one; fails as KrGenDescription::ReadFromDevice. aDescription is set on success only.
+  KrResult ReadDescription(KrGenDescription& aDescription);
   /// The serial line of a number (0 and 1 for the UARTs, 2 to 9 for the bulk ports), or null where the device has none
   /// of that number.
   std::shared_ptr<krsystem::IByteChannel> GetByteChannel(std::uint32_t aNumber);
