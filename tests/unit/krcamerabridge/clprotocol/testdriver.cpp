@@ -264,8 +264,6 @@ KR_CLP_FUNCTION clpGetErrorText(CLINT32 aCode, CLINT8* aText, CLUINT32* aSize, C
 KR_CLP_FUNCTION clpDisconnect(CLUINT32 aCookie) {
   Misbehave("clpDisconnect");
   Misbehave("closing");
-  if (theStops != 0)
-    std::abort();
   const CLINT32 code = CheckCookie(aCookie);
   theKnowsCamera = false;
   return code;
@@ -285,6 +283,8 @@ KR_CLP_FUNCTION clpInitLib(CLLogger aLogger, CLUINT32) {
 KR_CLP_FUNCTION clpCloseLib() {
   Misbehave("clpCloseLib");
   Misbehave("closing");
+  if (theStops != 0)
+    std::abort();
   return CL_ERR_NO_ERR;
 }
 
