@@ -7,6 +7,8 @@
 #include <climits>
 #include <cstddef>
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 #include <utility>
 
 #include <fcntl.h>
@@ -57,13 +59,13 @@ int ReceiveDescriptor(int aSocket) {
   return descriptor;
 }
 
-// Has the system ask before it flushes a file, or a part of it, or looks at a file system; gives what it asks by.
-int InstallFilter() {
+// Has the system ask before it serves any of three calls; gives what it asks by.
+int InstallFilter(const std::array<std::uint32_t, 3>& aCalls) {
   std::array<sock_filter, 6> steps = {{
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_fsync, 3, 0),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_sync_file_range, 2, 0),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_statfs, 1, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, aCalls[0], 3, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, aCalls[1], 2, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, aCalls[2], 1, 0),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_USER_NOTIF),
   }};
@@ -114,8 +116,10 @@ HangingDisk::~HangingDisk() {
   mServer.join();
 }
 
-bool HangingDisk::Enter() {
-  const krbase::FileDescriptor listener(InstallFilter());
+bool HangingDisk::Enter(Calls aCalls) {
+  constexpr std::array<std::uint32_t, 3> kFlushes = {SYS_fsync, SYS_sync_file_range, SYS_statfs};
+  constexpr std::array<std::uint32_t, 3> kOpenings = {SYS_openat, SYS_openat, SYS_openat};
+  const krbase::FileDescriptor listener(InstallFilter(aCalls == Calls::Flushes ? kFlushes : kOpenings));
   return listener.IsOpen() && SendDescriptor(mFromEntered.Get(), listener.Get());
 }
 
@@ -151,6 +155,10 @@ bool HangingDisk::TakeOne() {
 std::size_t HangingDisk::CountWaiting() const {
   const std::lock_guard lock(mMutex);
   return mWaiting.size();
+}
+
+std::size_t HangingDisk::CountThreads() {
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}));
 }
 
 bool HangingDisk::ReceiveListener() {
@@ -191,6 +199,7 @@ void HangingDisk::Answer(std::uint64_t aCall) const {
 
 std::string HangingDisk::GetPath(const seccomp_notif& aCall) {
   const std::string process = "/proc/" + std::to_string(aCall.pid);
-  return aCall.data.nr == SYS_statfs ? ReadText(process + "/mem", aCall.data.args[0])
-                                     : ReadLink(process + "/fd/" + std::to_string(aCall.data.args[0]));
+  if (aCall.data.nr == SYS_fsync || aCall.data.nr == SYS_sync_file_range)
+    return ReadLink(process + "/fd/" + std::to_string(aCall.data.args[0]));
+  return ReadText(process + "/mem", aCall.data.args[aCall.data.nr == SYS_openat ? 1 : 0]);
 }

@@ -1,7 +1,7 @@
 #pragma once
 // A disk that stops answering, as a network folder does whose server is gone: whoever flushes a file below a folder, or
-// asks for the folder's room, waits in the system until the disk is well again, or is killed. Reading and writing go
-// on, as they do in the system's memory.
+// asks for the folder's room, waits in the system until the disk is well again, or is killed; or whoever opens a file
+// there. Reading and writing of what is open go on, as they do in the system's memory.
 
 #include "krbase/filedescriptor.h"
 
@@ -22,6 +22,12 @@ struct seccomp_notif;
 ///     std::thread([&] { disk.Enter(); recorder.Start(options); … }).join();
 class HangingDisk {
 public:
+  /// What waits for a disk that hangs.
+  enum class Calls {
+    Flushes,  ///< And questions for room.
+    Openings, ///< For threads that end before the disk does: without it they can open nothing any more.
+  };
+
   explicit HangingDisk(std::string aFolder);
   ~HangingDisk();
   HangingDisk(const HangingDisk&) = delete;
@@ -30,13 +36,15 @@ public:
   /// From now on the calling thread, the threads and processes that it makes, and the program that its process becomes,
   /// are on this disk, for good. May be called in a child process before it runs its program. False where the system
   /// refuses.
-  bool Enter();
+  bool Enter(Calls aCalls = Calls::Flushes);
   void Hang();
   void Recover();
   /// While it hangs, lets it answer the call that has waited longest; false where none waits.
   bool TakeOne();
   /// How many calls wait for the disk.
   std::size_t CountWaiting() const;
+  /// Of this process, to await the end of those that were left on the disk.
+  static std::size_t CountThreads();
 
 private:
   void Serve();

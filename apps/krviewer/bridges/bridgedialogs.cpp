@@ -5,7 +5,7 @@
 #include "window/showntext.h"
 
 #include <QFileDialog>
-#include <QGuiApplication>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QWidget>
 
@@ -61,8 +61,29 @@ bool BridgeDialogs::CanShow() const {
   return mBridges.IsOffered();
 }
 
-bool BridgeDialogs::CanUseFiles() const {
-  return !mBridges.IsWorking();
+QString BridgeDialogs::GetHindrance() const {
+  const SetupFile& file = mBridges.GetFile();
+  if (file.IsInUse())
+    return (file.IsWriting() ? QStringLiteral("%1 is being written; its disk takes its time.")
+                             : QStringLiteral("%1 is being read; its disk takes its time."))
+        .arg(ToLine(QFileInfo(ToText(file.GetName())).fileName(), kMostLetters));
+  return mBridges.IsWorking() ? QStringLiteral("The cameras behind the ports are being asked.") : QString();
+}
+
+bool BridgeDialogs::IsWriting() const {
+  return mBridges.GetFile().IsWriting();
+}
+
+void BridgeDialogs::FollowFile() {
+  mBridges.FollowFile();
+}
+
+void BridgeDialogs::AwaitWritten() {
+  mBridges.AwaitWritten();
+}
+
+void BridgeDialogs::LeaveFile() {
+  mBridges.LeaveFile();
 }
 
 void BridgeDialogs::Show() {
@@ -84,16 +105,13 @@ void BridgeDialogs::AskForSaving() {
 }
 
 void BridgeDialogs::Load(const QString& aFileName) {
-  // Another one has begun while the dialog was open.
-  if (mBridges.IsWorking())
-    return;
-  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-  mBridges.LoadSetup(aFileName.toUtf8().constData());
-  QGuiApplication::restoreOverrideCursor();
+  // Another one may have begun while the dialog was open.
+  if (CanUseFiles())
+    mBridges.LoadSetup(aFileName.toUtf8().constData());
 }
 
 void BridgeDialogs::Save(const QString& aFileName) {
-  if (!mBridges.IsWorking())
+  if (CanUseFiles())
     mBridges.SaveSetup(aFileName.toUtf8().constData());
 }
 
@@ -118,6 +136,8 @@ void BridgeDialogs::Tell(const QString& aWhat, const KrStringList& aLines) {
   for (const KrString& line : aLines)
     lines += ToLine(ToText(line), kMostLetters);
   std::fprintf(stderr, "%s\n", (QStringList(aWhat) + lines).join('\n').toUtf8().constData());
+  if (mHasEnded)
+    return mFailures.append(aWhat + QLatin1Char(' ') + lines.join(QLatin1Char(' ')));
   QStringList shown = QStringList(aWhat) + lines.first(std::min<qsizetype>(lines.size(), kMostLines));
   if (lines.size() > kMostLines)
     shown += QStringLiteral("And %1 more: see the details.").arg(lines.size() - kMostLines);

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 
 class KrStringList;
 class QMessageBox;
@@ -40,9 +41,22 @@ public:
   /// Opens the bridges' window.
   void Show();
   /// Whether a setup can be loaded or saved at the moment.
-  bool CanUseFiles() const;
+  bool CanUseFiles() const { return GetHindrance().isEmpty(); }
+  /// Why it cannot; empty where it can.
+  QString GetHindrance() const;
   void AskForLoading();
   void AskForSaving();
+
+  /// Whether a setup is being written. It is in any case, unless it is left.
+  bool IsWriting() const;
+  /// Nobody looks any more: what goes wrong is kept, and told on the error stream alone.
+  void End() { mHasEnded = true; }
+  void FollowFile();
+  void AwaitWritten();
+  /// As BridgeWindow::LeaveFile.
+  void LeaveFile();
+  /// What went wrong after the end.
+  const QStringList& GetFailures() const { return mFailures; }
 
 private:
   void Load(const QString& aFileName);
@@ -54,6 +68,8 @@ private:
   BridgeWindow& mBridges;
   const BridgeWords mWords;
   QPointer<QMessageBox> mMessage; ///< The last one; ends when the user closes it.
+  bool mHasEnded = false;
+  QStringList mFailures;
 };
 
 } // namespace krviewer

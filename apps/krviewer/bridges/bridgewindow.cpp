@@ -1,8 +1,5 @@
 #include "bridges/bridgewindow.h"
 
-#include "krpersistence/krconfigurationreader.h"
-#include "krpersistence/krconfigurationwriter.h"
-
 #include <utility>
 
 namespace krviewer {
@@ -27,6 +24,7 @@ void BridgeWindow::DropDevice() {
 }
 
 void BridgeWindow::LookAgain() {
+  FollowFile();
   if (HasDevice() && !IsWorking() && mKept.HasFailed())
     mKept.NoteChange(GetNow());
 }
@@ -44,12 +42,30 @@ void BridgeWindow::NoteStart(BridgeNews aNews, const KrStringList& aErrors) {
     TellLines(aNews, aErrors);
 }
 
+// Bridges that are being taken up when their setup has been read, as the device is back, are waited for.
+void BridgeWindow::FollowFile() {
+  if (mFile.IsWriting() || !IsWorking())
+    mFile.Follow();
+}
+
+void BridgeWindow::LeaveFile() {
+  FollowFile();
+  if (!mFile.IsWriting())
+    return;
+  mFile.Leave();
+  TellFailure(BridgeNews::NotSaved,
+              {KrResult::Code::TimeLimitExceeded, "The disk of the file \"" + mFile.GetName() +
+                                                      "\" did not answer, and nobody waited for it any longer."});
+}
+
 void BridgeWindow::LoadSetup(const KrString& aFileName) {
-  KrConfigurationReader reader;
+  mFile.Read(aFileName,
+             [this](const KrResult& aResult, const KrConfigurationReader& aContent) { TakeSetup(aResult, aContent); });
+}
+
+void BridgeWindow::TakeSetup(const KrResult& aResult, const KrConfigurationReader& aContent) {
   KrPropertyList bridges;
-  KrResult result = reader.Load(aFileName);
-  if (result.IsOK())
-    result = ReadSetup(reader, bridges);
+  const KrResult result = aResult.IsOK() ? ReadSetup(aContent, bridges) : aResult;
   if (!result.IsOK())
     return TellFailure(BridgeNews::NotLoaded, result);
   mKept.Want(bridges);
@@ -70,11 +86,12 @@ void BridgeWindow::WriteFile(const KrString& aFileName, const KrPropertyList& aN
 
 void BridgeWindow::WriteSetupFile(const KrString& aFileName, const KrPropertyList& aBridges) {
   KrConfigurationWriter writer;
-  KrResult result = WriteSetup(aBridges, writer);
-  if (result.IsOK())
-    result = writer.Save(aFileName);
-  if (!result.IsOK())
-    TellFailure(BridgeNews::NotSaved, result);
+  if (const KrResult result = WriteSetup(aBridges, writer); !result.IsOK())
+    return TellFailure(BridgeNews::NotSaved, result);
+  mFile.Write(aFileName, writer, [this](const KrResult& aResult) {
+    if (!aResult.IsOK())
+      TellFailure(BridgeNews::NotSaved, aResult);
+  });
 }
 
 void BridgeWindow::TellLines(BridgeNews aNews, const KrStringList& aLines) const {

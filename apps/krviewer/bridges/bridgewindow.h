@@ -6,13 +6,11 @@
 
 #include "bridges/devicewindow.h"
 #include "bridges/keptbridges.h"
+#include "bridges/setupfile.h"
 #include "krbase/krresult.h"
 #include "krbase/krstringlist.h"
 
 #include <functional>
-
-class KrConfigurationReader;
-class KrConfigurationWriter;
 
 namespace krviewer {
 
@@ -38,15 +36,23 @@ public:
   virtual bool IsOffered() { return HasDevice(); }
   /// Why the window would be opened in vain; OK where it would not.
   virtual KrResult CheckShowing() { return {}; }
-  /// Whether bridges are loaded or saved at the moment, so that nothing else can be.
+  /// Whether bridges are asked to load or save at the moment, so that nothing else can be.
   virtual bool IsWorking() const { return false; }
+  /// The setup's file, on whose disk nothing waits.
+  const SetupFile& GetFile() const { return mFile; }
 
-  /// Reads a setup from a file and starts its bridges in the place of those that are there; without a device they start
-  /// when it comes.
+  /// Reads a setup from a file and starts its bridges in the place of those that are there, as soon as the file is
+  /// read; without a device they start when it comes. Neither another file nor the bridges may be at work.
   void LoadSetup(const KrString& aFileName);
   /// Writes the setup to a file: what is set up now, with the bridges that have not started, or what starts when the
-  /// device comes.
+  /// device comes. The same rules.
   void SaveSetup(const KrString& aFileName);
+  /// Sees whether the file is used up, in any loop.
+  void FollowFile();
+  /// Waits until what is saved is written.
+  void AwaitWritten() { mFile.AwaitWritten(); }
+  /// Does not wait any longer for a disk that does not answer: what is not written yet is told as not saved.
+  void LeaveFile();
 
 protected:
   explicit BridgeWindow(const KeptBridgeRules& aRules) : mKept(aRules) {}
@@ -78,12 +84,14 @@ protected:
 private:
   void TakeDevice(LentDevice& aDevice) override;
   void DropDevice() override;
+  void TakeSetup(const KrResult& aResult, const KrConfigurationReader& aContent);
   void StartWanted(BridgeNews aNews);
   void WriteSetupFile(const KrString& aFileName, const KrPropertyList& aBridges);
 
   KeptBridges mKept;
   bool mIsKept = false; ///< The device is being taken out.
   Tell mTell;
+  SetupFile mFile;
 };
 
 } // namespace krviewer

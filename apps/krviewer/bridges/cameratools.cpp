@@ -23,6 +23,31 @@ void CameraTools::Follow(Acquisition& aAcquisition) {
   mTerminal.Follow(aAcquisition.GetDevice(DeviceBorrower::Terminal));
 }
 
+void CameraTools::LookAgain() {
+  mSerialDialogs.LookAgain();
+  mCameraDialogs.LookAgain();
+}
+
+void CameraTools::End() {
+  mSerialDialogs.End();
+  mCameraDialogs.End();
+}
+
+void CameraTools::FollowFiles() {
+  mSerialDialogs.FollowFile();
+  mCameraDialogs.FollowFile();
+}
+
+void CameraTools::AwaitWritten() {
+  mSerialDialogs.AwaitWritten();
+  mCameraDialogs.AwaitWritten();
+}
+
+void CameraTools::LeaveFiles() {
+  mSerialDialogs.LeaveFile();
+  mCameraDialogs.LeaveFile();
+}
+
 void CameraTools::GiveBack(Acquisition& aAcquisition) {
   mTerminal.GiveBack(aAcquisition.GetDevice(DeviceBorrower::Terminal));
   mTerminal.Close();
@@ -35,7 +60,8 @@ void CameraTools::GiveBack(Acquisition& aAcquisition) {
 void CameraTools::ShowTerminal() {
   const KrResult shown = mTerminal.Show(mPage.window()->winId());
   if (!shown.IsOK())
-    std::fprintf(stderr, "The serial terminal cannot be opened: %s\n", krapps::MakeField(shown.GetDescription()).c_str());
+    std::fprintf(stderr, "The serial terminal cannot be opened: %s\n",
+                 krapps::MakeField(shown.GetDescription()).c_str());
 }
 
 void CameraTools::SetCreatingPorts(bool aIsCreating) {

@@ -4,6 +4,9 @@
 #include "krpersistence/krconfigurationwriter.h"
 #include "krserial/krdeviceserialport.h"
 
+#include <QCursor>
+#include <QGuiApplication>
+
 namespace krviewer {
 
 namespace {
@@ -37,7 +40,9 @@ KeptBridges::Ports SerialBridges::GetPorts() {
 void SerialBridges::Start(const KrPropertyList& aWanted, BridgeNews aNews) {
   KrPropertyList wanted = aWanted;
   KrStringList errors;
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   [[maybe_unused]] const KrResult loaded = mWindow.Load(wanted, errors); // What fails is in the list, line by line.
+  QGuiApplication::restoreOverrideCursor();
   NoteStart(aNews, errors);
 }
 

@@ -194,6 +194,7 @@ void CameraPage::End() {
   mIsConnectWanted = false;
   mRecorder.Stop();
   mSaver.End();
+  mTools.End();
   Call([](CameraPage& aPage) { aPage.mConnection.Leave(); });
 }
 
@@ -201,6 +202,7 @@ bool CameraPage::FollowEnd() {
   mConnection.CompleteLeave();
   mConnection.LookAgain();
   mSaver.Follow();
+  mTools.FollowFiles();
   return HasEnded() && !IsWriting();
 }
 
@@ -208,6 +210,7 @@ void CameraPage::AwaitEnd() {
   if (!mIsCameraLeft)
     mConnection.AwaitAway();
   mSaver.AwaitWritten();
+  mTools.AwaitWritten();
   // What was recorded is worth the time that the disk needs for it.
   while (mRecorder.IsBusy())
     std::this_thread::sleep_for(kRecordingLook);
@@ -223,6 +226,7 @@ std::optional<std::uint64_t> CameraPage::GetWritten() const {
 void CameraPage::LeaveFiles() {
   mRecorder.Leave();
   mSaver.Leave();
+  mTools.LeaveFiles();
 }
 
 void CameraPage::StartOrStopRecording() {
@@ -327,6 +331,8 @@ void CameraPage::LookAgain() {
     emit AcquisitionEnded();
   if (Acquisition* const acquisition = mConnection.GetActive())
     Follow(*acquisition);
+  else
+    mTools.LookAgain();
 }
 
 void CameraPage::Follow(Acquisition& aAcquisition) {

@@ -72,8 +72,8 @@ public:
   bool IsCameraLeft() const { return mIsCameraLeft; }
   /// Whether nothing of the page is under way.
   bool IsIdle() const { return mCalls == 0 && !mConnection.IsLeaving() && !IsWriting(); }
-  /// Whether frames are being recorded or saved.
-  bool IsWriting() const { return mRecorder.IsBusy() || mSaver.IsBusy(); }
+  /// Whether frames are being recorded or saved, or a setup of bridges.
+  bool IsWriting() const { return mRecorder.IsBusy() || mSaver.IsBusy() || mTools.IsWriting(); }
 
   /// The camera as it is known now: it may have got another address since the page was opened.
   const KrDeviceInfo& GetCamera() const { return *mCamera; }
@@ -87,6 +87,7 @@ public:
   HostSettings GetHostSettings() const { return mConnection.GetHostSettings(); }
   KrDisplayWnd& GetDisplay() { return mDisplay; }
   CameraTools& GetTools() { return mTools; }
+  const CameraTools& GetTools() const { return mTools; }
   DeviceSettings& GetSettings() { return mSettings; }
   bool CanSaveFrame() const { return mSaver.HasFrame(); }
   void SaveFrame() { mSaver.Ask(this); }

@@ -2,6 +2,7 @@
 
 #include "page/camerapage.h"
 #include "page/pagecommands.h"
+#include "window/showntext.h"
 
 #include <QAction>
 #include <QMenu>
@@ -52,6 +53,10 @@ void PageActions::LookAgain() {
     action->setEnabled(page && command->isOffered(*page));
     if (command->isChecked)
       action->setChecked(page && command->isChecked(*page));
+    if (!command->getHindrance)
+      continue;
+    const QString hindrance = page ? command->getHindrance(*page) : QString();
+    action->setToolTip(hindrance.isEmpty() ? hindrance : ToToolTip(hindrance));
   }
 }
 

@@ -4,6 +4,8 @@
 #include "page/pageactions.h"
 #include "window/toolglyphs.h"
 
+#include <QString>
+
 #include <span>
 
 namespace krviewer {
@@ -20,7 +22,8 @@ struct PageCommand {
   bool beginsGroup = false;
   bool (*isOffered)(CameraPage&) = nullptr;
   void (*run)(CameraPage&) = nullptr;
-  bool (*isChecked)(CameraPage&) = nullptr; ///< Null for what is not switched on and off.
+  bool (*isChecked)(CameraPage&) = nullptr;       ///< Null for what is not switched on and off.
+  QString (*getHindrance)(CameraPage&) = nullptr; ///< Says why it is not offered; null where that goes without saying.
 };
 
 /// All, in the order of the menus.

@@ -46,6 +46,8 @@ QString DescribeEnding(const CameraPage& aPage) {
   if (aPage.IsRecording())
     return QStringLiteral("The recording of %1 is being written. %2")
         .arg(GetName(aPage), QString::fromStdString(DescribeState(aPage.GetRecording())));
+  if (aPage.GetTools().IsWriting())
+    return QStringLiteral("A bridge setup of %1 is being saved.").arg(GetName(aPage));
   if (aPage.IsWriting())
     return QStringLiteral("A frame of %1 is being saved.").arg(GetName(aPage));
   return QStringLiteral("%1 is being given back; it takes its time to answer.").arg(GetName(aPage));
@@ -100,6 +102,8 @@ QString TellWritten(const CameraPage& aPage) {
   troubles += aPage.GetSavingFailures();
   for (const QString& trouble : troubles)
     std::fprintf(stderr, "%s\n", ToLine(trouble, kLongestLine).toUtf8().constData());
+  // These are on the error stream already.
+  troubles += aPage.GetTools().GetFailures();
   return troubles.join(QLatin1Char('\n'));
 }
 

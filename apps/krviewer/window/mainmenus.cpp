@@ -46,6 +46,7 @@ MainMenus::MainMenus(QMainWindow& aWindow, const std::function<CameraPage*()>& a
   AddSteps(view);
 
   QMenu& tools = *aWindow.menuBar()->addMenu(QStringLiteral("&Tools"));
+  tools.setToolTipsVisible(true); // Which say why an entry cannot be chosen.
   mPageActions.AddTo(tools, CommandMenu::Tools);
   tools.addSeparator();
   Add(tools, "ipConfiguration", QStringLiteral("&IP Configuration…"), {}, &MainMenus::AddressesWanted);

@@ -4,6 +4,7 @@
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
 #include "krserial/krgenparameterarraycl.h"
+#include "page/camerapage.h"
 #include "viewerwithports.h"
 
 #include <QMessageBox>
@@ -47,7 +48,8 @@ protected:
     EXPECT_TRUE(writer.Save(path.toStdString()).IsOK());
     return path;
   }
-  /// Chooses an entry of the menu "Tools" by its letter, and types a file's name into the dialog that comes.
+  /// Chooses an entry of the menu "Tools" by its letter, types a file's name into the dialog that comes, and waits until
+  /// the file is used.
   static void UseFile(UserHands& aUser, const QString& aLetter, const QString& aTitle, const QString& aPath) {
     aUser.Press("alt+t");
     ASSERT_TRUE(aUser.AwaitMenu());
@@ -56,6 +58,12 @@ protected:
     aUser.Type(aPath);
     aUser.Press("Return");
     aUser.AwaitNoWindow(aTitle);
+    aUser.Await("the file used", [] {
+      const QMainWindow& viewer = *FindViewer();
+      auto* const page = viewer.findChild<krviewer::CameraPage*>();
+      return page && page->GetTools().GetSerialBridges().CanUseFiles() &&
+             viewer.findChild<QAction*>("saveSerialBridges")->isEnabled();
+    });
   }
   static void LoadSetup(UserHands& aUser, const QString& aPath) { UseFile(aUser, "l", "Load Bridge Setup", aPath); }
   void LoseCamera(UserHands& aUser) {

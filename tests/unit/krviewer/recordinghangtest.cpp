@@ -6,8 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <iterator>
 #include <optional>
 
 using namespace krviewer;
@@ -15,10 +13,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
-
-std::ptrdiff_t CountThreads() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
 
 class RecordingOnAHangingDisk : public RecorderTest {
 protected:
@@ -48,11 +42,11 @@ protected:
   /// Lets the disk answer, and waits for the end of the thread that was left there.
   void RecoverAndAwaitThread() {
     mDisk.Recover();
-    EXPECT_TRUE(Await([this] { return CountThreads() <= mThreads; }));
+    EXPECT_TRUE(Await([this] { return HangingDisk::CountThreads() <= mThreads; }));
   }
 
   HangingDisk mDisk{mPlace.GetPath().string()};
-  const std::ptrdiff_t mThreads = CountThreads(); ///< Without a recorder's.
+  const std::size_t mThreads = HangingDisk::CountThreads(); ///< Without a recorder's.
 };
 
 } // namespace

@@ -326,6 +326,40 @@ TEST_F(CameraPageTest, FrameThatCannotBeSavedAfterItsTabWasClosed_IsToldInTheWin
       << GetWindow().GetBar().GetText().toStdString();
 }
 
+TEST_F(CameraPageTest, BridgeSetupThatCannotBeSavedAfterItsTabWasClosed_IsToldInTheWindow) {
+  OpenStreaming();
+  GetPage()->GetTools().GetSerialBridges().AskForSaving();
+  auto* const dialog = GetPage()->findChild<QFileDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  dialog->findChild<QLineEdit*>("fileNameEdit")->setText("/proc/setup.xml");
+  QMetaObject::invokeMethod(dialog, "accept");
+  ASSERT_TRUE(GetPage()->IsWriting());
+
+  ASSERT_TRUE(Choose("closeCamera"));
+
+  EXPECT_TRUE(Await([this] { return GetWindow().GetBar().GetText().contains("/proc/setup.xml"); }))
+      << GetWindow().GetBar().GetText().toStdString();
+}
+
+TEST_F(CameraPageTest, EntriesForBridgeSetups_SayWhyTheyCannotBeChosen) {
+  OpenStreaming();
+  const auto* const entry = GetWindow().findChild<QAction*>("loadSerialBridges");
+  ASSERT_TRUE(Await([=] { return entry->isEnabled(); }));
+  EXPECT_FALSE(entry->toolTip().contains("is being read"));
+
+  // The page does not look before the window does.
+  GetPage()->GetTools().GetSerialBridges().AskForLoading();
+  auto* const dialog = GetPage()->findChild<QFileDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  Q_EMIT dialog->fileSelected("/proc/none.xml");
+  dialog->close();
+  GetWindow().LookAgain();
+
+  EXPECT_FALSE(entry->isEnabled());
+  EXPECT_TRUE(entry->toolTip().contains("none.xml is being read")) << entry->toolTip().toStdString();
+  EXPECT_TRUE(Await([=] { return entry->isEnabled() && !entry->toolTip().contains("is being read"); }));
+}
+
 TEST_F(CameraPageTest, SaveFrame_AsksWhereAsSoonAsThereIsOne) {
   EXPECT_FALSE(IsOffered("saveFrame"));
   OpenStreaming();

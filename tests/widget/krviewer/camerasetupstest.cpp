@@ -38,14 +38,20 @@ protected:
       Close();
   }
 
+  void LookAgain() override {
+    if (mIsFileLookedAt)
+      CameraBridgesTest::LookAgain();
+    else
+      mBridges.Follow(GetLoan());
+  }
   /// A setup that connects the camera with texts.
-  std::string WriteSetup(const char* aPort = "Serial1") {
+  std::string WriteSetup(const char* aPort = "Serial1", const char* aGain = "7") {
     KrPropertyList bridge;
     bridge.Add({"Way", "TolvanCameraFile"});
     bridge.Add({"Path", KrString(mCameraFile)});
     bridge.Add({"Source", "Source1"});
     bridge.Add({"ParametersSync", "0"});
-    bridge.Add({"Feature.Gain", "7"});
+    bridge.Add({"Feature.Gain", aGain});
     KrPropertyList index;
     index.Add({"CameraBridge0", aPort});
     KrConfigurationWriter writer;
@@ -54,12 +60,17 @@ protected:
     EXPECT_TRUE(writer.Save(mSetup).IsOK());
     return mSetup;
   }
+  /// Reads a setup, and begins what is to come of it.
+  void Load(const std::string& aFile) {
+    mBridges.LoadSetup(aFile);
+    ASSERT_TRUE(Await([this] { return !mBridges.GetFile().IsInUse(); }));
+  }
   KrCameraBridge& GetBridge() { return *mBridges.GetWindow().GetBridge(kTextPort); }
   bool AwaitConnected() {
     return Await([this] { return !mBridges.IsWorking() && mBridges.HasPorts() && GetBridge().IsConnected(); });
   }
   bool AwaitIdle() {
-    return Await([this] { return !mBridges.IsWorking(); });
+    return Await([this] { return !mBridges.IsWorking() && !mBridges.GetFile().IsInUse(); });
   }
   double GetGain() {
     double gain = -1;
@@ -79,6 +90,7 @@ protected:
   const std::string mCameraFile = mFolder.GetFile("camera.yml");
   const std::string mSetup = mFolder.GetFile("setup.xml");
   std::shared_ptr<KrSimulatedFaults> mFaults;
+  bool mIsFileLookedAt = true;
   std::vector<BridgeNews> mNews;
   std::vector<std::string> mLines;
 };
@@ -88,7 +100,7 @@ protected:
 TEST_F(CameraSetups, Loaded_ConnectsItsCameraBesideTheViewer) {
   OpenGrabber();
 
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
 
   EXPECT_TRUE(mBridges.IsWorking());
   EXPECT_FALSE(mBridges.IsOffered());
@@ -103,7 +115,7 @@ TEST_F(CameraSetups, LoadedInTheOpenWindow_IsShownThere) {
   OpenGrabber();
   ASSERT_TRUE(mBridges.Show(0).IsOK());
 
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
 
   EXPECT_FALSE(mBridges.IsWorking());
   EXPECT_TRUE(GetBridge().IsConnected());
@@ -114,7 +126,7 @@ TEST_F(CameraSetups, LoadedWhileTheDeviceIsAway_ConnectsWhenItIsBack) {
   OpenGrabber();
   Lose();
 
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   EXPECT_FALSE(mBridges.IsWorking());
   Return();
 
@@ -122,9 +134,32 @@ TEST_F(CameraSetups, LoadedWhileTheDeviceIsAway_ConnectsWhenItIsBack) {
   EXPECT_EQ(GetGain(), 7);
 }
 
+TEST_F(CameraSetups, ReadWhileTheDeviceComesBack_FollowsWhatIsTakenUpThen) {
+  OpenGrabber();
+  Load(WriteSetup());
+  ASSERT_TRUE(AwaitConnected());
+  Lose();
+  ASSERT_TRUE(mFaults->SilenceSerialPort(kTextPort, true).IsOK());
+  mBridges.LoadSetup(WriteSetup("Serial1", "9"));
+  ASSERT_TRUE(mLab->Restore(kGrabberMAC).IsOK());
+  // Nobody looks at the file before the bridges are at work.
+  mIsFileLookedAt = false;
+  ASSERT_TRUE(Await([this] { return mBridges.IsWorking(); }));
+  mIsFileLookedAt = true;
+
+  LookAgain();
+  EXPECT_TRUE(mBridges.IsWorking());
+  EXPECT_TRUE(mBridges.GetFile().IsInUse());
+  ASSERT_TRUE(mFaults->SilenceSerialPort(kTextPort, false).IsOK());
+  ASSERT_TRUE(AwaitIdle());
+
+  EXPECT_TRUE(GetBridge().IsConnected());
+  EXPECT_EQ(GetGain(), 9);
+}
+
 TEST_F(CameraSetups, DeviceLostAndBack_HasItsCameraAgainWithTheCamerasOwnValues) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
   SetGain(3);
   for (int round = 0; round < 2; ++round) {
@@ -141,7 +176,7 @@ TEST_F(CameraSetups, DeviceLostAndBack_HasItsCameraAgainWithTheCamerasOwnValues)
 TEST_F(CameraSetups, DeviceLostAndBackUnderTheOpenWindow_HasItsCameraAgain) {
   OpenGrabber();
   ASSERT_TRUE(mBridges.Show(0).IsOK());
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
 
   Lose();
@@ -155,7 +190,7 @@ TEST_F(CameraSetups, DeviceLostAndBackUnderTheOpenWindow_HasItsCameraAgain) {
 
 TEST_F(CameraSetups, CameraThatTheUserDisconnected_IsNotConnectedAgain) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
   GetBridge().Disconnect();
 
@@ -168,7 +203,7 @@ TEST_F(CameraSetups, CameraThatTheUserDisconnected_IsNotConnectedAgain) {
 
 TEST_F(CameraSetups, CameraThatIsNotThereWhenTheDeviceIsBack_IsToldAndTriedAgainTheNextTime) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
   Lose();
   std::filesystem::rename(mCameraFile, mCameraFile + ".away");
@@ -187,7 +222,7 @@ TEST_F(CameraSetups, CameraThatIsNotThereWhenTheDeviceIsBack_IsToldAndTriedAgain
 TEST_F(CameraSetups, PortThatTheDeviceLacks_IsToldOnce) {
   OpenGrabber();
 
-  mBridges.LoadSetup(WriteSetup("Bulk7"));
+  Load(WriteSetup("Bulk7"));
   ASSERT_TRUE(AwaitIdle());
 
   EXPECT_THAT(mNews, ElementsAre(BridgeNews::NotAllLoaded));
@@ -200,14 +235,14 @@ TEST_F(CameraSetups, PortThatTheDeviceLacks_IsToldOnce) {
 
 TEST_F(CameraSetups, FileThatIsNone_ChangesNothing) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
   KrConfigurationWriter other;
   ASSERT_TRUE(other.Store("SerialBridges", {}).IsOK());
   ASSERT_TRUE(other.Save(mSetup).IsOK());
 
-  mBridges.LoadSetup(mSetup);
-  mBridges.LoadSetup(mFolder.GetFile("none.xml"));
+  Load(mSetup);
+  Load(mFolder.GetFile("none.xml"));
 
   EXPECT_THAT(mNews, ElementsAre(BridgeNews::NotLoaded, BridgeNews::NotLoaded));
   EXPECT_TRUE(GetBridge().IsConnected());
@@ -215,7 +250,7 @@ TEST_F(CameraSetups, FileThatIsNone_ChangesNothing) {
 
 TEST_F(CameraSetups, Saved_HasWhatTheCameraIsSetTo) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
   SetGain(5);
   for (const bool isInWindow : {false, true}) {
@@ -238,19 +273,20 @@ TEST_F(CameraSetups, Saved_HasWhatTheCameraIsSetTo) {
 
 TEST_F(CameraSetups, SavedWhileTheDeviceIsAway_IsWhatIsTakenUpThen) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
   Lose();
 
   const std::string file = mFolder.GetFile("away.xml");
   mBridges.SaveSetup(file);
+  ASSERT_TRUE(AwaitIdle());
 
   EXPECT_STREQ(ReadSaved(file, "Serial1").GetProperty("Way")->GetValue().CStr(), "TolvanCameraFile");
 }
 
 TEST_F(CameraSetups, CameraThatIsSilentWhenItIsSaved_IsSavedAsItIsConnectedAndTold) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
   ASSERT_TRUE(mFaults->SilenceSerialPort(kTextPort, true).IsOK());
 
@@ -265,7 +301,7 @@ TEST_F(CameraSetups, CameraThatIsSilentWhenItIsSaved_IsSavedAsItIsConnectedAndTo
 TEST_F(CameraSetups, DeviceLostWhileItsCameraIsConnected_ConnectsItTheNextTime) {
   OpenGrabber();
   ASSERT_TRUE(mFaults->SilenceSerialPort(kTextPort, true).IsOK());
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(mBridges.IsWorking());
 
   Lose();
@@ -280,7 +316,7 @@ TEST_F(CameraSetups, DeviceLostWhileItsCameraIsConnected_ConnectsItTheNextTime) 
 
 TEST_F(CameraSetups, DeviceLostWhileItsCameraTellsWhatItIsSetTo_IsToldAsNotSaved) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
   ASSERT_TRUE(mFaults->SilenceSerialPort(kTextPort, true).IsOK());
   mBridges.SaveSetup(mFolder.GetFile("lost.xml"));
@@ -295,7 +331,7 @@ TEST_F(CameraSetups, DeviceLostWhileItsCameraTellsWhatItIsSetTo_IsToldAsNotSaved
 TEST_F(CameraSetups, ViewerEndedWhileACameraIsConnected_Ends) {
   OpenGrabber();
   ASSERT_TRUE(mFaults->SilenceSerialPort(kTextPort, true).IsOK());
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(mBridges.IsWorking());
 
   Close();
@@ -316,7 +352,7 @@ TEST_F(CameraSetups, WindowClosedWhileACameraIsConnected_LeavesThatGoingOn) {
     EXPECT_TRUE(mFaults->SilenceSerialPort(kTextPort, false).IsOK());
   });
 
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
 
   EXPECT_TRUE(wasWorking);
   EXPECT_TRUE(mBridges.IsWorking());
@@ -333,7 +369,7 @@ TEST_F(CameraSetups, DeviceWantedBackWhileTheWindowConnects_IsGivenBackAndTakenU
     EXPECT_TRUE(mFaults->SilenceSerialPort(kTextPort, false).IsOK());
   });
 
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
 
   EXPECT_FALSE(mBridges.HasDevice());
   Return();
@@ -343,7 +379,7 @@ TEST_F(CameraSetups, DeviceWantedBackWhileTheWindowConnects_IsGivenBackAndTakenU
 
 TEST_F(CameraSetups, Synchronization_WaitsForTheStreamOfTheViewer) {
   OpenGrabber();
-  mBridges.LoadSetup(WriteSetup());
+  Load(WriteSetup());
   ASSERT_TRUE(AwaitConnected());
 
   ASSERT_TRUE(GetBridge().SetParametersSyncEnabled(true).IsOK());
