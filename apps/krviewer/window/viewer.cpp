@@ -62,7 +62,9 @@ void Viewer::Begin() {
 
 int Viewer::Run() {
   mLoopLevel = thread()->loopLevel() + 1;
+  mIsRunning = true;
   QApplication::exec();
+  mIsRunning = false;
   // Whoever ends the loop otherwise ends the viewer, too.
   Finish();
   return mExitCode;

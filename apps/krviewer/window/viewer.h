@@ -120,6 +120,7 @@ private:
   KrString mSimulatedCamera; ///< That the user is shown who wants just any; empty until somebody does.
   int mOpened = 0;           ///< So many cameras so far.
   int mLoopLevel = 0;        ///< How many loops run while none of a window's own does.
+  bool mIsRunning = false;   ///< The application's loop is the viewer's.
   int mExitCode = 0;
   bool mIsOver = false;
 };

@@ -148,7 +148,9 @@ void Viewer::Finish() {
   AwaitEndedPages();
   if (mEndedPages.HasLeftCamera())
     LeaveCameras();
-  QCoreApplication::exit();
+  // Where the application's loop does not run, this would end whatever loop comes next, before it begins.
+  if (mIsRunning)
+    QCoreApplication::exit();
 }
 
 } // namespace krviewer

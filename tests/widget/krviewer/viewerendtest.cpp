@@ -4,6 +4,7 @@
 #include "viewerfixture.h"
 #include "window/endingwindow.h"
 
+#include <QEventLoop>
 #include <QFile>
 #include <QTimer>
 
@@ -13,11 +14,6 @@ namespace {
 
 class ViewerEndTest : public ViewerTest {
 protected:
-  /// The end of the viewer before, which no loop of the application's own has seen, would end all loops of this one.
-  void SetUp() override {
-    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
-    QCoreApplication::exec();
-  }
   /// Of a run that leaves pictures.
   krviewer::CommandLine MakeCommandLine(std::uint32_t aSeconds) const {
     krviewer::CommandLine commandLine;
@@ -189,4 +185,13 @@ TEST_F(ViewerEndTest, RunWhoseCameraIsLostAtItsEnd_HasFailedAndSaysSo) {
   const std::string told = testing::internal::GetCapturedStderr();
   EXPECT_EQ(exitCode, 1);
   EXPECT_NE(told.find("The camera was lost"), std::string::npos) << told;
+}
+
+TEST_F(ViewerEndTest, ViewerThatNobodyRuns_EndsNoLoopThatComesLater) {
+  Begin();
+  End();
+  QEventLoop later;
+  QTimer::singleShot(0, &later, [&later] { later.exit(7); });
+
+  EXPECT_EQ(later.exec(), 7);
 }
