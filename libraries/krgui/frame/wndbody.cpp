@@ -254,8 +254,13 @@ void Wnd::Body::Dispatch(MessageQueue::Taken& aMessage) {
   aMessage.Answer(wnd.OnMessage(aMessage.Get()) ? 1 : 0);
 }
 
+/// Letters that are larger than the limits were made for may need a wider window.
 WindowLimits Wnd::Body::GetLimits() const {
-  return {wnd.GetMinWidth(), wnd.GetMaxWidth(), wnd.GetMinHeight(), wnd.GetMaxHeight()};
+  WindowLimits limits = {wnd.GetMinWidth(), wnd.GetMaxWidth(), wnd.GetMinHeight(), wnd.GetMaxHeight()};
+  if (opening && opening->controls) {
+    limits.minWidth = opening->controls->FindLeastWidth(limits.minWidth, limits.maxWidth);
+  }
+  return limits;
 }
 
 void Wnd::Body::ApplyPosition(const WindowRect& aRect) {

@@ -168,15 +168,16 @@ struct ClassEntry {
   QWidget* (*make)(const ControlTemplate& aControl, QWidget& aDialog);
   PixelSize (*measure)(const QWidget& aWidget);
   bool isNamedByLabel; ///< Has no text that names it: the label before it does.
+  bool isKeptWhole = false;
 };
 
 constexpr ClassEntry kClasses[] = {
     {ControlClass::Label, MakeLabel, MeasureLabel, false},
     {ControlClass::GroupBox, MakeGroupBox, MeasureTitle, false},
-    {ControlClass::Button, MakeButton, MeasureButton, false},
-    {ControlClass::DefaultButton, MakeButton, MeasureButton, false},
-    {ControlClass::CheckBox, MakeCheckBox, MeasureWhole, false},
-    {ControlClass::RadioButton, MakeRadioButton, MeasureWhole, false},
+    {ControlClass::Button, MakeButton, MeasureButton, false, true},
+    {ControlClass::DefaultButton, MakeButton, MeasureButton, false, true},
+    {ControlClass::CheckBox, MakeCheckBox, MeasureWhole, false, true},
+    {ControlClass::RadioButton, MakeRadioButton, MeasureWhole, false, true},
     {ControlClass::Edit, MakeEdit, MeasureLine, true},
     {ControlClass::ReadOnlyEdit, MakeEdit, MeasureLine, true},
     {ControlClass::List, MakeTree, MeasureNothing, true},
@@ -317,8 +318,11 @@ DialogLayout DialogControls::Body::MakeLayout() const {
   for (std::size_t index = 0; index < widgets.size(); ++index) {
     const ControlTemplate& control = dialogTemplate.controls[index];
     const QWidget* widget = widgets[index];
-    controls.push_back({control.rect, control.follow,
-                        widget == nullptr ? PixelSize{} : GetEntry(control.controlClass).measure(*widget)});
+    const ClassEntry& entry = GetEntry(control.controlClass);
+    controls.push_back({.rect = control.rect,
+                        .follow = control.follow,
+                        .textSize = widget == nullptr ? PixelSize{} : entry.measure(*widget),
+                        .isKeptWhole = widget != nullptr && entry.isKeptWhole});
   }
   const UnitSize units = {dialogTemplate.width, dialogTemplate.height};
   return {units, ComputeDialogUnit(MeasureFont(dialog), units, maximum), std::move(controls)};
@@ -348,6 +352,10 @@ QWidget* DialogControls::Get(int aID) const {
 QSize DialogControls::GetTemplateSize() const {
   const PixelSize size = mBody->MakeLayout().GetTemplateSize();
   return {size.width, size.height};
+}
+
+int DialogControls::FindLeastWidth(int aLeast, int aMost) const {
+  return mBody->MakeLayout().FindLeastWidth(aLeast, aMost);
 }
 
 void DialogControls::Layout(const QSize& aClientSize) {

@@ -192,4 +192,49 @@ TEST(DialogLayout, TextsAboveEachOther_DoNotOverlapAfterGrowing) {
   EXPECT_THAT(layout.Arrange({100, 80}), ElementsAre(PixelRect{10, 6, 40, 20}, PixelRect{10, 20, 40, 34}));
 }
 
+TEST(DialogLayout, LeastWidth_LeavesButtonsTheRoomOfTheirTexts) {
+  LayoutControl left = WithText({10, 10, 30, 10}, 50);
+  LayoutControl right = WithText({80, 10, 15, 10}, 15);
+  right.follow = kMoveRight;
+  left.isKeptWhole = right.isKeptWhole = true;
+  const DialogLayout layout({100, 80}, kOneToOne, {left, right});
+
+  const int least = layout.FindLeastWidth(60, 100);
+
+  EXPECT_EQ(layout.Arrange({least, 80})[0].GetWidth(), 50);
+  EXPECT_LT(layout.Arrange({least - 1, 80})[0].GetWidth(), 50);
+}
+
+TEST(DialogLayout, LeastWidth_LeavesNoButtonOverAnother) {
+  LayoutControl left = Plain({10, 10, 30, 10});
+  LayoutControl right = Plain({80, 10, 15, 10}, kMoveRight);
+  left.isKeptWhole = right.isKeptWhole = true;
+  const DialogLayout layout({100, 80}, kOneToOne, {left, right});
+
+  EXPECT_EQ(layout.FindLeastWidth(20, 100), 60);
+}
+
+TEST(DialogLayout, LeastWidthWithRoomForAllButtons_IsThatAskedFor) {
+  LayoutControl button = WithText({10, 10, 30, 10}, 50);
+  const DialogLayout layout({100, 80}, kOneToOne, {button, Plain({50, 10, 20, 10})});
+  EXPECT_EQ(layout.FindLeastWidth(20, 100), 20) << "only a button has to be whole";
+
+  button.isKeptWhole = true;
+  EXPECT_EQ(DialogLayout({100, 80}, kOneToOne, {button}).FindLeastWidth(70, 100), 70);
+}
+
+TEST(DialogLayout, LeastWidthWhereNoWidthIsEnough_LeavesWhatTheWidestDoes) {
+  LayoutControl button = WithText({10, 10, 30, 10}, 200);
+  button.isKeptWhole = true;
+
+  EXPECT_EQ(DialogLayout({100, 80}, kOneToOne, {button}).FindLeastWidth(20, 100), 100);
+}
+
+TEST(DialogLayout, LeastWidthWhereButtonsOverlapInAny_IsThatAskedFor) {
+  LayoutControl button = Plain({10, 10, 30, 10});
+  button.isKeptWhole = true;
+
+  EXPECT_EQ(DialogLayout({100, 80}, kOneToOne, {button, button}).FindLeastWidth(20, 100), 20);
+}
+
 } // namespace krgui

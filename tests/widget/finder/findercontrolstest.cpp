@@ -8,7 +8,9 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QStyle>
+#include <QStyleOptionButton>
 
+#include <algorithm>
 #include <cmath>
 
 namespace krgui {
@@ -41,6 +43,30 @@ QString GetText(const QWidget& aControl) {
     return label->text();
   const auto* button = qobject_cast<const QAbstractButton*>(&aControl);
   return button ? button->text() : QString();
+}
+
+/// Where a style draws a button's text.
+QRect GetTextRect(const QAbstractButton& aButton) {
+  QStyleOptionButton option;
+  option.initFrom(&aButton);
+  const bool isBox = qobject_cast<const QCheckBox*>(&aButton) != nullptr;
+  return aButton.style()->subElementRect(isBox ? QStyle::SE_CheckBoxContents : QStyle::SE_PushButtonContents, &option,
+                                         &aButton);
+}
+
+/// The texts of the buttons that lack room for them, or share it with another.
+QStringList FindCutButtons(const QWidget& aFinder) {
+  QStringList cut;
+  const auto buttons = aFinder.findChildren<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly);
+  for (const QAbstractButton* const button : buttons) {
+    const bool isCovered = std::ranges::any_of(buttons, [button](const QAbstractButton* aOther) {
+      return aOther != button && aOther->geometry().intersects(button->geometry());
+    });
+    const int width = button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width();
+    if (isCovered || GetTextRect(*button).width() < width || !aFinder.rect().contains(button->geometry()))
+      cut += button->text();
+  }
+  return cut;
 }
 
 } // namespace
@@ -182,6 +208,23 @@ TEST_F(DeviceFinderTest, SmallerWindow_TakesFromTheTreeAndKeepsListsAndButtonsWh
   EXPECT_LT(mFinder.GetControl(kFinderUnreachableID)->geometry().right(), diagnose.left());
   EXPECT_LT(mFinder.GetInterfaceList().geometry().bottom(), diagnose.top());
   EXPECT_LT(diagnose.bottom(), mFinder.GetControl(kFinderOKID)->geometry().top());
+}
+
+TEST_F(DeviceFinderTest, SmallestWindow_CutsNoButtonWhateverItsLetters) {
+  const QFont former = QApplication::font();
+  int least = 0;
+  for (const int points : {9, 12}) {
+    QApplication::setFont({"DejaVu Sans", points});
+    Open({});
+
+    mFinder.SetPosition(0, 0, 1, 1);
+
+    EXPECT_EQ(FindCutButtons(*mFinder.GetWidget()).join(", "), "") << points;
+    EXPECT_GT(mFinder.GetWidget()->width(), least) << points;
+    least = mFinder.GetWidget()->width();
+    ASSERT_TRUE(mFinder.Close().IsOK());
+  }
+  QApplication::setFont(former);
 }
 
 TEST_F(DeviceFinderTest, Discovery_IsGivenASecondAndStaysWithinTheSubnet) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <ranges>
 #include <utility>
 
 namespace krgui {
@@ -51,6 +52,10 @@ PixelRect FollowDialog(const PixelRect& aRect, std::uint8_t aFollow, int aRightw
   rect.right = std::max(rect.right, rect.left);
   rect.bottom = std::max(rect.bottom, rect.top);
   return rect;
+}
+
+bool Overlap(const PixelRect& aOne, const PixelRect& aOther) {
+  return aOne.left < aOther.right && aOther.left < aOne.right && aOne.top < aOther.bottom && aOther.top < aOne.bottom;
 }
 
 /// Gives one control after the other the room that its text needs, as far as there is some.
@@ -143,6 +148,36 @@ std::vector<PixelRect> DialogLayout::Arrange(const PixelSize& aDialog) const {
   growth.GrowForwards(kVertical, &PixelSize::height, aDialog.height);
   growth.GrowBackwards(kVertical, &PixelSize::height);
   return rects;
+}
+
+/// By how it is in the widest dialog.
+bool DialogLayout::KeepsWhole(int aWidth, const std::vector<PixelRect>& aWidest) const {
+  const std::vector<PixelRect> rects = Arrange({aWidth, GetTemplateSize().height});
+  std::vector<PixelRect> kept;
+  for (std::size_t index = 0; index < rects.size(); ++index) {
+    const PixelRect& rect = rects[index];
+    if (!mControls[index].isKeptWhole) {
+      continue;
+    }
+    const auto overlaps = [&rect](const PixelRect& aOther) { return Overlap(rect, aOther); };
+    const int needed = std::min(mControls[index].textSize.width, aWidest[index].GetWidth());
+    if (rect.GetWidth() < needed || rect.left < 0 || rect.right > aWidth || std::ranges::any_of(kept, overlaps)) {
+      return false;
+    }
+    kept.push_back(rect);
+  }
+  return true;
+}
+
+/// What a wider dialog clips, a narrower one clips too.
+int DialogLayout::FindLeastWidth(int aLeast, int aMost) const {
+  const std::vector<PixelRect> widest = Arrange({aMost, GetTemplateSize().height});
+  if (!KeepsWhole(aMost, widest)) {
+    return aLeast;
+  }
+  const auto widths = std::views::iota(aLeast, aMost);
+  const auto found = std::ranges::partition_point(widths, [&](int aWidth) { return !KeepsWhole(aWidth, widest); });
+  return found == widths.end() ? aMost : *found;
 }
 
 /// Edges are rounded, not extents: controls that touch in the template touch in pixels.

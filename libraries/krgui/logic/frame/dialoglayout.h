@@ -63,6 +63,7 @@ struct LayoutControl {
   UnitRect rect = {};
   std::uint8_t follow = kStay; ///< Flags of Follow.
   PixelSize textSize;          ///< The room that its text needs; 0 where it has none or none that could be clipped.
+  bool isKeptWhole = false;    ///< The dialog is never so narrow that it would be clipped or overlap another such one.
 };
 
 /// The layout of one dialog at one font.
@@ -78,9 +79,13 @@ public:
   /// The rectangle of each control, in the order given, in a dialog of this size. Starts from the template's rectangles
   /// every time, so that no resize leaves a trace. No rectangle has a negative size.
   std::vector<PixelRect> Arrange(const PixelSize& aDialog) const;
+  /// The least width from aLeast to aMost that keeps whole what is to be, as far as aMost does; aLeast where no width
+  /// does.
+  int FindLeastWidth(int aLeast, int aMost) const;
 
 private:
   PixelRect ToPixels(const UnitRect& aRect) const;
+  bool KeepsWhole(int aWidth, const std::vector<PixelRect>& aWidest) const;
 
   UnitSize mTemplate;
   DialogUnit mUnit;
