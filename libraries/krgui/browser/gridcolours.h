@@ -1,6 +1,8 @@
 #pragma once
 // The colours of the property grid, made from the palette in force so that every text can be read on what is behind it.
 
+#include "platform/contrast.h"
+
 #include <QColor>
 
 class QPalette;
@@ -19,14 +21,6 @@ struct GridColours {
   QColor match;        ///< Behind what was searched for.
 };
 
-/// The least contrast between a text and what is behind it.
-inline constexpr double kLeastContrast = 4.5;
-
 GridColours MakeGridColours(const QPalette& aPalette);
-/// From 1 to 21, by the relative luminance of both (WCAG 2.1).
-double GetContrast(const QColor& aFirst, const QColor& aSecond);
-/// The colour itself where it has the least contrast to the ground, else what of it goes towards black or white until
-/// it has.
-QColor MakeReadable(const QColor& aColour, const QColor& aGround);
 
 } // namespace krgui

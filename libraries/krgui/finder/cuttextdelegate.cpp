@@ -1,5 +1,6 @@
 #include "finder/cuttextdelegate.h"
 
+#include "platform/contrast.h"
 #include "platform/plainline.h"
 
 #include <QAbstractItemView>
@@ -21,6 +22,11 @@ bool CutTextDelegate::helpEvent(QHelpEvent* aEvent, QAbstractItemView* aView, co
   else
     QToolTip::hideText();
   return true;
+}
+
+void CutTextDelegate::initStyleOption(QStyleOptionViewItem* aOption, const QModelIndex& aIndex) const {
+  QStyledItemDelegate::initStyleOption(aOption, aIndex);
+  MakeSelectionsReadable(aOption->palette);
 }
 
 } // namespace krgui

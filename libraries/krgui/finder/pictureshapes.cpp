@@ -1,5 +1,7 @@
 #include "finder/pictureshapes.h"
 
+#include "platform/systemcolours.h"
+
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPainterPath>
@@ -165,8 +167,8 @@ Inks ChooseInks(PictureTone aTone, const QColor& aAccent) {
     return {kGrey, kPaper, kDarkGrey};
   if (aTone == PictureTone::Selected) {
     const QPalette palette = QGuiApplication::palette();
-    return {palette.color(QPalette::HighlightedText), palette.color(QPalette::Highlight),
-            palette.color(QPalette::HighlightedText)};
+    const QColor ink = GetSystemColour(palette, SystemColour::HighlightText);
+    return {ink, GetSystemColour(palette, SystemColour::Highlight), ink};
   }
   return {kSlate, kPaper, aAccent};
 }

@@ -1,5 +1,7 @@
 #include "platform/systemcolours.h"
 
+#include "platform/contrast.h"
+
 #include <QColor>
 #include <QPalette>
 
@@ -45,6 +47,8 @@ static_assert(IsInOrder());
 QColor GetSystemColour(const QPalette& aPalette, SystemColour aColour) {
   const SystemColourEntry& entry = kEntries[static_cast<std::size_t>(aColour)];
   const QColor colour = aPalette.color(entry.group, entry.role);
+  if (aColour == SystemColour::HighlightText)
+    return ChooseReadable(colour, aPalette.color(entry.group, QPalette::Highlight));
   if (entry.percent == 100)
     return colour;
   return BlendColours(colour, aPalette.color(QPalette::Active, QPalette::Window), entry.percent);

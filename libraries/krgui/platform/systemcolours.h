@@ -12,7 +12,7 @@ enum class SystemColour {
   GradientActiveCaption, ///< COLOR_GRADIENTACTIVECAPTION: of a tool button under the mouse.
   GrayText,              ///< COLOR_GRAYTEXT: text that cannot be changed.
   Highlight,             ///< COLOR_HIGHLIGHT: behind what is selected.
-  HighlightText,         ///< COLOR_HIGHLIGHTTEXT: text that is selected.
+  HighlightText,         ///< COLOR_HIGHLIGHTTEXT: text that is selected, or what can be read where that cannot.
   HotLight,              ///< COLOR_HOTLIGHT: the frame of a checked tool button.
   Window,                ///< COLOR_WINDOW: behind text and rows.
   WindowText,            ///< COLOR_WINDOWTEXT: text and values.

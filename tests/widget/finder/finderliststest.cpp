@@ -2,6 +2,7 @@
 
 #include "finderfixture.h"
 #include "logic/finder/accessmemory.h"
+#include "platform/contrast.h"
 
 #include <QClipboard>
 #include <QScrollBar>
@@ -71,6 +72,23 @@ TEST_F(DeviceListsTest, SelectedDevice_ShowsItsRowsAndThoseOfItsInterface) {
   EXPECT_EQ(TestFinderWnd::FindValue(mFinder.GetInterfaceList(), "MAC"), "00:11:22:33:44:01");
   EXPECT_EQ(TestFinderWnd::FindValue(mFinder.GetDeviceList(), "MAC"), "00:11:22:33:44:a1");
   EXPECT_EQ(TestFinderWnd::FindValue(mFinder.GetDeviceList(), "IP"), "192.168.1.20");
+}
+
+TEST_F(DeviceListsTest, SelectedRow_CanBeReadWhereTheThemesOwnTextCannot) {
+  Open({"Camera A"});
+  Select("Camera A");
+  QTreeWidget& list = mFinder.GetDeviceList();
+  const QColor ground(0x30, 0x8C, 0xC6);
+  QPalette palette = list.palette();
+  palette.setColor(QPalette::Highlight, ground);
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  list.setPalette(palette);
+  ASSERT_LT(GetContrast(Qt::white, ground), kLeastContrast);
+
+  list.setCurrentItem(list.findItems("Model", Qt::MatchExactly, 0).value(0));
+
+  ASSERT_EQ(GetColourBehindValue(list, "Model"), ground);
+  EXPECT_GE(GetContrast(FindTextColour(list, "Model"), ground), kLeastContrast);
 }
 
 TEST_F(DeviceListsTest, NothingSelectedAnyMore_EmptiesBothLists) {
