@@ -183,8 +183,9 @@ KrResult CameraFilePort::SetRate() {
   return result == KrResult::Code::NotSupported && present == 0 ? KrResult() : result;
 }
 
+// What is said until then is said at the camera's rate.
 void CameraFilePort::Disconnect(const std::stop_token&) {
-  End();
+  mWorker.Stop();
   if (const KrResult restored = mFormerRate.Restore(); !restored.IsOK())
     KrLogger("KrCameraBridge").Log(KrLogLevel::Info, {"CameraFilePort", "camerafileport"}, restored.GetDescription());
 }

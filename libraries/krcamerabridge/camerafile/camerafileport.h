@@ -62,7 +62,7 @@ public:
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                  const std::stop_token& aCancel = {}) override;
 
-  /// Ends the accesses, and gives the line its former rate; a camera is not told.
+  /// Ends the accesses, and gives the line its former rate when the last command has left it; a camera is not told.
   void Disconnect(const std::stop_token& aStop) override;
   /// Ends the accesses that wait, and all later ones, with Aborted.
   void End() { mWorker.End(); }

@@ -43,8 +43,13 @@ PortWorker::PortWorker(ILineDevice& aDevice, const PortWorkerTimes& aTimes)
     : mDevice(aDevice), mTimes(aTimes), mThread([this] { Work(); }) {}
 
 PortWorker::~PortWorker() {
+  Stop();
+}
+
+void PortWorker::Stop() {
   End();
-  mThread.join();
+  if (mThread.joinable())
+    mThread.join();
 }
 
 KrResult PortWorker::Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,

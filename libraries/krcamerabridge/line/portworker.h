@@ -61,8 +61,10 @@ public:
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                  const std::stop_token& aCancel = {}) override;
 
-  /// Ends the accesses that wait, and all later ones, with Aborted. The device may be called until destruction.
+  /// Ends the accesses that wait, and all later ones, with Aborted. The device may be called until Stop or destruction.
   void End();
+  /// The same, and waits for the call that runs: no other comes. Not from two threads at once.
+  void Stop();
 
 private:
   struct Access {
