@@ -17,6 +17,12 @@ namespace {
 
 using krsystem::CallTransport;
 
+// Neither "this network" nor a group, and none of those that are reserved, as the broadcast address is (RFC 1122, 5735).
+bool IsOfOneDevice(std::uint32_t aAddress) {
+  const std::uint32_t firstField = aAddress >> 24;
+  return firstField != 0 && firstField < 224;
+}
+
 // What one transport says of one address.
 struct AddressAnswer {
   KrResult result = KrResult(KrResult::Code::NotFound);
@@ -176,6 +182,9 @@ KrResult KrSystem::FindDevice(const KrString& aAddress, const KrDeviceInfo** aDe
   if (!address)
     return {KrResult::Code::InvalidInput,
             "Looking for a device: \"" + aAddress + "\" is no IPv4 address; write four numbers, as in 192.168.1.20."};
+  if (!IsOfOneDevice(*address))
+    return {KrResult::Code::InvalidInput, "Looking for a device: " + aAddress +
+                                              " is the address of no single device; write the device's own one."};
   const TransportList transports = krsystem::GetTransports();
   const std::vector<AddressAnswer> answers = AskAddress(transports, *address, mBody->detectionTimeoutMs);
   const KrDeviceInfo* found = nullptr;

@@ -283,6 +283,20 @@ TEST(GigEVisionDiscovery, FindAddress_CameraOnLoopback_GivesDeviceAndAdapter) {
   ExpectFakeCamera(std::get<GEVFields>(device));
 }
 
+TEST(GigEVisionDiscovery, FindAddress_DeviceThatSaysAnotherAddress_IsNotTheOneThatWasAskedFor) {
+  const GvcpResponder responder([](std::span<const std::uint8_t> aCommand) {
+    return Datagrams{MakeDiscoveryAcknowledge(aCommand, 0xC0A84D4D, "GV09")};
+  });
+  GigEVisionTransport transport;
+  krsystem::InterfaceFields interface;
+  krsystem::AnyDeviceFields device;
+
+  const KrResult result = transport.FindAddress(kLoopback, kTimeoutMs, interface, device);
+
+  EXPECT_EQ(result, KrResult::Code::NotFound);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("its address is 192.168.77.77"));
+}
+
 TEST(GigEVisionDiscovery, FindAddress_NobodyThere_ReturnsNotFound) {
   GigEVisionTransport transport;
   krsystem::InterfaceFields interface;

@@ -105,6 +105,10 @@ KrResult AskByRoute(const std::vector<krsystem::NetworkAdapterFields>& aAdapters
   const milliseconds perTry = aTimeout / 2;
   if (KrResult result = client.Discover(payload, {.perTry = perTry, .tries = 2, .total = perTry * 2}); !result.IsOK())
     return MakeNotFound(aAddress, result.GetDescription());
+  // It could not be opened: whatever follows goes to the address that it gives.
+  if (payload.address != aAddress)
+    return MakeNotFound(aAddress, "What answers there, " + MakeDisplayID(payload) + ", says that its address is " +
+                                      krsystem::FormatIPv4(payload.address) + ".");
   aAdapter = *adapter;
   aDevice = MakeDeviceFields(payload, *adapter);
   // It answered to its own address, if need be through a router.

@@ -432,6 +432,18 @@ TEST(KrSystem, FindDevice_TextIsNoAddressOrPointerIsNull_IsInvalidInput) {
   EXPECT_TRUE(system.FindDevice("10.0.0.2", nullptr) == KrResult::Code::InvalidInput);
 }
 
+TEST(KrSystem, FindDevice_AddressOfNoSingleDevice_IsInvalidInputAndAsksNobody) {
+  const RegisteredTransport transport;
+  transport->interfaces = {MakeAdapter("eth0")};
+  KrSystem system;
+  const KrDeviceInfo* device = nullptr;
+
+  for (const char* const address : {"0.0.0.0", "0.1.2.3", "224.0.0.1", "239.255.255.255", "255.255.255.255"})
+    EXPECT_EQ(system.FindDevice(address, &device), KrResult::Code::InvalidInput) << address;
+
+  EXPECT_EQ(device, nullptr);
+}
+
 TEST(KrSystem, MoreDevicesThanTheLimit_NewOnesAreLeftOutAndThatIsLoggedOnce) {
   constexpr std::size_t kLimit = 16'384;
   const KrLogCapture log;

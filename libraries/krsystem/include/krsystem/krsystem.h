@@ -64,8 +64,9 @@ public:
   /// device has answered on it, and from then on as long as the host has it. Aborted after Cancel: then what was listed
   /// before stays beside what has answered.
   KrResult Find();
-  /// Asks one IPv4 address ("a.b.c.d"), whether or not broadcasts reach it. InvalidInput for a text that is no address,
-  /// NotFound when nothing answers, SystemError for one too many.
+  /// Asks one IPv4 address ("a.b.c.d"), whether or not broadcasts reach it. InvalidInput for a text that is no address
+  /// and for one that no single device has (0.0.0.0/8, 224.0.0.0 and beyond), NotFound when nothing answers, or what
+  /// answers says that it has another address, SystemError for one too many.
   KrResult FindDevice(const KrString& aAddress, const KrDeviceInfo** aDevice);
   /// Makes a Find that runs return soon: sinks that are being called are waited for, and nothing else. A Find that
   /// begins later is not touched, even by a moment: who has to be sure that none runs repeats it until Find has
