@@ -74,6 +74,13 @@ std::vector<std::string> ReadTexts(IUsbAccess& aAccess, const UsbDevice& aDevice
   return texts;
 }
 
+// Whether Aravis would take a device for the one of these names: it passes over those that are empty.
+bool HasNames(const Usb3VisionNames& aNames, const UsbDevice& aDevice) {
+  const auto fits = [](const std::string& aName, const std::string& aText) { return aName.empty() || aName == aText; };
+  return fits(aNames.manufacturer, aDevice.manufacturer) && fits(aNames.product, aDevice.product) &&
+         fits(aNames.serial, aDevice.serial);
+}
+
 const KrString& GetDisplayID(const krsystem::AnyDeviceFields& aFields) {
   return std::visit([](const auto& aKind) -> const KrString& { return aKind.displayID; }, aFields);
 }
@@ -163,6 +170,8 @@ KrResult Usb3VisionTransport::Open(const krsystem::InterfaceFields&, const krsys
                               .manufacturer = device.manufacturer,
                               .product = device.product,
                               .serial = device.serial};
+  if (KrResult result = CheckAlone(device, names, name); !result.IsOK())
+    return result;
   KrResult opened = Usb3VisionLink::Open(names, {.roots = mRoots, .device = device}, aAccess, aLink);
   if (opened.IsOK())
     return opened;
@@ -204,6 +213,23 @@ KrResult Usb3VisionTransport::FindDevice(const krsystem::AnyDeviceFields& aField
             "The USB device " + fields->displayID + " is gone. Check its cable and power, and look for devices again."};
   aDevice = *found;
   return {};
+}
+
+// Without its GUID the first one of its names would be opened, whichever that is.
+KrResult Usb3VisionTransport::CheckAlone(const UsbDevice& aDevice, const Usb3VisionNames& aNames,
+                                         const KrString& aName) const {
+  if (!aNames.guid.empty())
+    return {};
+  const std::vector<UsbDevice> devices = ReadUsbDevices(mRoots);
+  const auto twin = std::ranges::find_if(devices, [&](const UsbDevice& aOther) {
+    return aOther.port != aDevice.port && GetUsbKind(aOther) == UsbKind::Camera && HasNames(aNames, aOther);
+  });
+  if (twin == devices.end())
+    return {};
+  return {KrResult::Code::TimeLimitExceeded, "The USB device " + aName +
+                                                 " did not say its GUID, and at USB port " + twin->port +
+                                                 " there is one of the same name: which one would be opened is not "
+                                                 "known. Try again, or unplug the other one."};
 }
 
 KrResult Usb3VisionTransport::CheckUsable(const UsbDevice& aDevice, const KrString& aName) const {

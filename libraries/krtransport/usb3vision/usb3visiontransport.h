@@ -10,6 +10,8 @@
 
 namespace krtransport {
 
+struct Usb3VisionNames;
+
 /// USB3 Vision.
 ///
 /// The interfaces are the host controllers. Listed are USB3 Vision devices, and as plain USB devices those of them that
@@ -40,7 +42,7 @@ public:
   /// NotSupported for one of another kind.
   KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
   /// NotFound when the device is gone; AccessDenied, with different texts, when permission is missing and when another
-  /// program has the device. Control and exclusive access are the same on USB.
+  /// program has the device, TimeLimitExceeded when it does not say its GUID and an equal one is there. Control and exclusive access are the same on USB.
   KrResult Open(const krsystem::InterfaceFields& aInterface, const krsystem::AnyDeviceFields& aDevice,
                 krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
   /// The devices that Discover would report, whose names are those that the kernel has read of them.
@@ -48,6 +50,7 @@ public:
 
 private:
   KrResult FindDevice(const krsystem::AnyDeviceFields& aFields, UsbDevice& aDevice) const;
+  KrResult CheckAlone(const UsbDevice& aDevice, const Usb3VisionNames& aNames, const KrString& aName) const;
   KrResult CheckUsable(const UsbDevice& aDevice, const KrString& aName) const;
   krsystem::AnyDeviceFields MakeFields(const UsbDevice& aDevice, const std::string& aUniqueID,
                                        std::span<const UsbDevice> aAll, std::chrono::steady_clock::time_point aEnd,

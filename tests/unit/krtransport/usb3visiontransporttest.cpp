@@ -280,6 +280,23 @@ TEST(Usb3VisionTransport, Open_DeviceThatAravisDoesNotFind_IsNotFound) {
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("Opening the device EO-2048 A0001234 failed: libusb"));
 }
 
+TEST(Usb3VisionTransport, Open_OneOfTwinsThatDoesNotSayItsGUID_IsRefused) {
+  UsbTestTree tree("twins");
+  const auto access = std::make_shared<UsbFakeAccess>();
+  Usb3VisionTransport transport(tree.GetRoots(), access);
+  const AnyDeviceFields device = Discover(transport).reports.at(0).second;
+  access->SetSilent();
+
+  const KrResult besideItsTwin = Open(transport, device);
+  tree.Unplug("2-2");
+  const KrResult alone = Open(transport, device);
+
+  EXPECT_EQ(besideItsTwin, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(besideItsTwin.GetDescription().ToUtf8(), HasSubstr("at USB port 2-2"));
+  // The tree is only one of files: Aravis was asked, and has not found it.
+  EXPECT_THAT(alone.GetDescription().ToUtf8(), HasSubstr("libusb"));
+}
+
 TEST(LibUsbAccess, Permission_DeviceFileThatIsThere_IsGiven) {
   const UsbTestTree tree("superspeed");
   LibUsbAccess access(tree.GetRoots());

@@ -22,17 +22,22 @@ public:
       mOnRead(aRequest);
     if (!mPermission.IsOK())
       return mPermission;
+    if (mIsSilent)
+      return {KrResult::Code::TimeLimitExceeded, "The device did not answer."};
     for (const std::uint8_t index : aRequest.indexes)
       aTexts.push_back(index == 0 ? std::string() : "Text " + std::to_string(index));
     return {};
   }
   /// What happens while texts are read.
   void SetOnRead(std::function<void(const UsbTextRequest&)> aOnRead) { mOnRead = std::move(aOnRead); }
+  /// From now on no device gives texts.
+  void SetSilent() { mIsSilent = true; }
   int GetReadCount() const { return mReadCount; }
 
 private:
   const KrResult mPermission;
   std::function<void(const UsbTextRequest&)> mOnRead;
+  std::atomic<bool> mIsSilent{false};
   std::atomic<int> mReadCount{0};
 };
 
