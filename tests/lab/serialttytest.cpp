@@ -2,13 +2,16 @@
 
 #include "seriallinefixture.h"
 
+#include "krbase/filedescriptor.h"
 #include "krbase/krlogger.h"
 #include "pseudoterminal.h"
 #include "simulation/serial/hosttty.h"
+#include "simulation/serial/ttylineend.h"
 
 #include <gmock/gmock.h>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -48,6 +51,23 @@ public:
 
 private:
   std::filesystem::path mFolder;
+};
+
+// Another opening of a pseudo-terminal's other end, which sees what nobody has read of it yet.
+class HostPath {
+public:
+  explicit HostPath(const std::string& aPath) : mTty(::open(aPath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+    EXPECT_TRUE(mTty.IsOpen());
+  }
+
+  std::size_t CountWaiting() const {
+    int count = 0;
+    EXPECT_EQ(ioctl(mTty.Get(), FIONREAD, &count), 0);
+    return static_cast<std::size_t>(count);
+  }
+
+private:
+  krbase::FileDescriptor mTty;
 };
 
 std::string MakeBytes(std::size_t aSize, std::uint32_t aSeed) {
@@ -193,6 +213,24 @@ TEST_F(SerialTtyTest, Tty_ThatVanishes_IsToldOnceAndTakenUpAgainWhenItIsBack) {
   EXPECT_EQ(ReadBytes(*channel, 6), "second");
   EXPECT_EQ(mTerminal->Read(5), "third");
   EXPECT_EQ(CountLogged(KrLogLevel::Warning), 1);
+}
+
+TEST_F(SerialTtyTest, Tty_ThatRefusesARate_IsTakenUpAgainWhenItIsBack) {
+  // Another end on the path alone: while it is full its thread does not look at the tty.
+  krtransport::TtyLineEnd end("Serial0", mPath->Get());
+  end.Open(115200, [] {});
+  const HostPath other(mTerminal->GetPath());
+  constexpr std::size_t kRest = 100;
+  mTerminal->Write(std::string(krtransport::TtyLineEnd::kBufferBytes + kRest, 'x'));
+  ASSERT_TRUE(WaitUntil([&] { return other.CountWaiting() == kRest; }));
+  mTerminal.reset();
+
+  end.SetRate(9600);
+  ASSERT_EQ(CountLogged(KrLogLevel::Warning), 1);
+  UseNewTerminal();
+
+  EXPECT_TRUE(WaitUntil([&] { return CountLogged(KrLogLevel::Info) == 1; }));
+  end.Close();
 }
 
 TEST_F(SerialTtyTest, PathWithoutATty_LeavesTheLineSilent) {

@@ -13,7 +13,6 @@ namespace krtransport {
 
 namespace {
 
-constexpr std::size_t kBufferBytes = 16384;
 constexpr int kRetryMs = 500;
 
 } // namespace
@@ -97,8 +96,10 @@ void TtyLineEnd::SetRate(std::uint32_t aRate) {
     mRate = aRate;
     if (!mTty.IsOpen())
       return;
-    if (const KrResult set = mTty.SetRate(aRate); !set.IsOK())
+    if (const KrResult set = mTty.SetRate(aRate); !set.IsOK()) {
       LoseTty(set);
+      Signal(); // The thread waits at a tty that is closed now.
+    }
     news.swap(mNews);
   }
   Tell(news);

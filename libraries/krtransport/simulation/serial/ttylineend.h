@@ -17,6 +17,9 @@ namespace krtransport {
 /// that is not there. What the port sends meanwhile is dropped.
 class TtyLineEnd final : public ILineEnd {
 public:
+  /// What waits for the port, or for the tty, at most.
+  static constexpr std::size_t kBufferBytes = 16384;
+
   /// aPort names the port in the log.
   TtyLineEnd(std::string aPort, std::string aPath);
   ~TtyLineEnd() override;
