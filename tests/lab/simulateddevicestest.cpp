@@ -54,6 +54,27 @@ protected:
   const std::shared_ptr<JumpingClock> mClock;
 };
 
+// A USB3 Vision camera whose texts are as long as they may be.
+krtransport::Lab MakeWideLab() {
+  krtransport::LabU3VCamera camera;
+  camera.deviceGUID = kUsbGUID;
+  camera.vendorName = std::string(64, 'v');
+  camera.modelName = std::string(64, 'm');
+  camera.version = std::string(64, 'x');
+  camera.manufacturerInfo = std::string(64, 'i');
+  camera.serialNumber = std::string(64, 's');
+  camera.userDefinedName = std::string(64, 'n');
+  krtransport::LabController controller;
+  controller.name = "usb0";
+  controller.devices = {camera};
+  return {.adapters = {}, .controllers = {controller}};
+}
+
+class WideLabTest : public LabTest {
+protected:
+  WideLabTest() : LabTest(nullptr, MakeWideLab()) {}
+};
+
 class CrowdedLabTest : public LabTest {
 protected:
   CrowdedLabTest() : LabTest(nullptr, MakeCrowdedLab()) {}
@@ -119,6 +140,64 @@ TEST_F(SimulatedDevicesTest, Open_USB3Camera_HasParametersAndStreams) {
   EXPECT_NE(array->GetInteger("Width"), nullptr);
   ASSERT_TRUE(stream.Start().IsOK());
   EXPECT_TRUE(stream.Retrieve(buffer, kGenerousLimitMs).IsOK());
+}
+
+TEST_F(WideLabTest, Open_USB3CameraWithLongTexts_KeepsThem) {
+  std::unique_ptr<KrDevice> device;
+  ASSERT_TRUE(Open(kUsbGUID, device).IsOK());
+  KrGenParameterArray* array = nullptr;
+  ASSERT_TRUE(device->GetParameters(array).IsOK());
+  FindAll();
+
+  const auto* const info = FindInfo<KrDeviceInfoU3V>(kUsbGUID);
+  ASSERT_NE(info, nullptr);
+  EXPECT_EQ(info->GetUserDefinedName(), std::string(64, 'n'));
+  const std::pair<const char*, char> rows[] = {
+      {"DeviceVendorName", 'v'},       {"DeviceModelName", 'm'},    {"DeviceVersion", 'x'},
+      {"DeviceManufacturerInfo", 'i'}, {"DeviceSerialNumber", 's'}, {"DeviceUserID", 'n'}};
+  for (const auto& [name, letter] : rows) {
+    KrString value;
+    ASSERT_NE(array->GetString(name), nullptr) << name;
+    EXPECT_TRUE(array->GetString(name)->GetValue(value).IsOK()) << name;
+    EXPECT_EQ(value, std::string(64, letter)) << name;
+  }
+}
+
+TEST_F(WideLabTest, UserDefinedName_OfAUSB3Camera_IsSetAndKept) {
+  std::unique_ptr<KrDevice> device;
+  ASSERT_TRUE(Open(kUsbGUID, device).IsOK());
+  KrGenParameterArray* array = nullptr;
+  ASSERT_TRUE(device->GetParameters(array).IsOK());
+  const KrString name(std::string(60, 'o'));
+
+  ASSERT_TRUE(array->GetString("DeviceUserID")->SetValue(name).IsOK());
+  FindAll();
+
+  ASSERT_NE(FindInfo<KrDeviceInfoU3V>(kUsbGUID), nullptr);
+  EXPECT_EQ(FindInfo<KrDeviceInfoU3V>(kUsbGUID)->GetUserDefinedName(), name);
+}
+
+TEST_F(SimulatedDevicesTest, Return_OfACameraThatGoesAgainAndAgain_IsToldOnceAsItsLossIs) {
+  std::unique_ptr<KrDevice> device;
+  ASSERT_TRUE(Open(kMonoMAC, device, KrDeviceAccess::Monitor).IsOK());
+  CountingSink sink;
+  ASSERT_TRUE(device->RegisterEventSink(&sink).IsOK());
+
+  for (int round = 0; round < 10; ++round) {
+    // One that is opened anew hears of each round once, and so says when the round is over.
+    std::unique_ptr<KrDevice> other;
+    ASSERT_TRUE(Open(kMonoMAC, other, KrDeviceAccess::Monitor).IsOK());
+    CountingSink otherSink;
+    ASSERT_TRUE(other->RegisterEventSink(&otherSink).IsOK());
+    ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+    ASSERT_TRUE(otherSink.WaitFor(1, 0));
+    ASSERT_TRUE(mLab->Restore(kMonoMAC).IsOK());
+    ASSERT_TRUE(otherSink.WaitFor(1, 1));
+    ASSERT_TRUE(other->UnregisterEventSink(&otherSink).IsOK());
+  }
+
+  EXPECT_TRUE(sink.WaitFor(1, 1));
+  EXPECT_TRUE(device->UnregisterEventSink(&sink).IsOK());
 }
 
 TEST_F(SimulatedDevicesTest, Open_DeviceThatCannotBe_IsRefusedWithTheReason) {

@@ -29,6 +29,8 @@ constexpr std::string_view kPayloadSizeName = "PayloadSize";
 CameraFeatures::CameraFeatures(const LabCamera& aCamera)
     : mFeatures(ListFeatures().begin(), ListFeatures().end()), mPixelFormats(aCamera.pixelFormats),
       mHasSerialPorts(!aCamera.serialPorts.empty()) {
+  if (aCamera.hasWideTexts)
+    WidenTexts();
   for (const LabSerialPort& port : aCamera.serialPorts) {
     if (!IsBulkPort(port))
       AddUart(port);
@@ -40,6 +42,17 @@ CameraFeatures::CameraFeatures(const LabCamera& aCamera)
 
 CameraFeatures::CameraFeatures(std::span<const Feature> aFeatures, std::vector<KrPixelType> aPixelFormats)
     : mFeatures(aFeatures.begin(), aFeatures.end()), mPixelFormats(std::move(aPixelFormats)), mHasSerialPorts(false) {}
+
+void CameraFeatures::WidenTexts() {
+  std::uint64_t address = kWideTexts;
+  for (Feature& feature : mFeatures) {
+    if (feature.kind != FeatureKind::Text)
+      continue;
+    feature.address = address;
+    feature.length = kWideTextBytes;
+    address += kWideTextBytes;
+  }
+}
 
 const Feature* CameraFeatures::Find(std::string_view aName) const {
   const auto found = std::ranges::find(mFeatures, aName, &Feature::name);

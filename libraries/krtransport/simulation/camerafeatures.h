@@ -35,6 +35,7 @@ public:
 private:
   using Entries = std::vector<FeatureEntry>;
 
+  void WidenTexts();
   std::string_view Keep(std::string aText);
   std::span<const FeatureEntry> Keep(Entries aEntries);
   Entries MakeRates(const LabSerialPort& aPort, std::uint32_t aClock);

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 namespace krtransport {
 
@@ -23,17 +24,19 @@ constexpr std::array kLastingRegisters = {kControlPrivilege, kIPAddress,        
                                           kIPConfigCurrent,  kPersistentAddress, kPersistentMask, kPersistentGateway};
 constexpr double kPlainExposureUs = 1000.0; ///< With this and no gain a scene is shown as it is.
 
+constexpr std::string_view kNameFeature = "DeviceUserID";
+
 struct TextRow {
-  std::uint64_t address;
+  std::string_view feature;
   KrString LabCamera::*text;
 };
 constexpr std::array<TextRow, 6> kTexts = {{
-    {kManufacturerName, &LabCamera::vendorName},
-    {kModelName, &LabCamera::modelName},
-    {kDeviceVersion, &LabCamera::version},
-    {kManufacturerInfo, &LabCamera::manufacturerInfo},
-    {kSerialNumber, &LabCamera::serialNumber},
-    {kUserDefinedName, &LabCamera::userDefinedName},
+    {"DeviceVendorName", &LabCamera::vendorName},
+    {"DeviceModelName", &LabCamera::modelName},
+    {"DeviceVersion", &LabCamera::version},
+    {"DeviceManufacturerInfo", &LabCamera::manufacturerInfo},
+    {"DeviceSerialNumber", &LabCamera::serialNumber},
+    {kNameFeature, &LabCamera::userDefinedName},
 }};
 
 std::uint64_t ToNanoseconds(double aMicroseconds) {
@@ -64,12 +67,13 @@ CameraMemory::CameraMemory(const LabGEVCamera& aCamera)
 }
 
 void CameraMemory::Restart() {
-  const std::string name = mMemory.GetText(kUserDefinedName);
+  const std::uint64_t nameAddress = mCameraFeatures.Find(kNameFeature)->address;
+  const std::string name = mMemory.GetText(nameAddress);
   std::array<std::uint32_t, kLastingRegisters.size()> lasting = {};
   std::ranges::transform(kLastingRegisters, lasting.begin(),
                          [this](std::uint64_t aAddress) { return mMemory.GetInteger(aAddress); });
   mMemory = mStart;
-  mMemory.SetText(kUserDefinedName, name);
+  mMemory.SetText(nameAddress, name);
   for (std::size_t i = 0; i < lasting.size(); ++i)
     mMemory.SetInteger(kLastingRegisters[i], lasting[i]);
   mTimer = {};
@@ -92,7 +96,7 @@ void CameraMemory::DefineFeature(const Feature& aFeature) {
 
 void CameraMemory::SetStart(const LabCamera& aCamera) {
   for (const TextRow& row : kTexts)
-    mMemory.SetText(row.address, (aCamera.*row.text).ToUtf8());
+    mMemory.SetText(mCameraFeatures.Find(row.feature)->address, (aCamera.*row.text).ToUtf8());
   mMemory.SetInteger(kWidthMax, aCamera.sensorWidth);
   mMemory.SetInteger(kHeightMax, aCamera.sensorHeight);
   mMemory.SetInteger(kWidth, aCamera.sensorWidth);
@@ -338,7 +342,7 @@ std::uint64_t CameraMemory::GetPayloadSize() const {
 }
 
 KrString CameraMemory::GetUserDefinedName() const {
-  return mMemory.GetText(kUserDefinedName);
+  return mMemory.GetText(mCameraFeatures.Find(kNameFeature)->address);
 }
 
 IPConfiguration CameraMemory::GetIPConfiguration() const {

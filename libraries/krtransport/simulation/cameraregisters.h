@@ -85,6 +85,9 @@ inline constexpr std::uint64_t kPoclEnable = 0x00010384;
 inline constexpr std::uint64_t kChunkModeActive = 0x00010200;
 inline constexpr std::uint64_t kChunkSelector = 0x00010204;
 inline constexpr std::uint64_t kChunkEnable = 0x00010208;
+/// The texts of a camera that has wide ones, one behind the other.
+inline constexpr std::uint64_t kWideTexts = 0x00010400;
+inline constexpr std::uint32_t kWideTextBytes = 64;
 
 /// From a trigger's registers to the next trigger's, and so with chunks, UARTs and bulk ports.
 inline constexpr std::uint32_t kTriggerStride = 0x20;

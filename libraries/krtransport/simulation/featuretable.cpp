@@ -91,7 +91,7 @@ constexpr std::array kFeatures = {
     Feature{.name = "DeviceSerialNumber", .category = kDevice, .kind = FeatureKind::Text, .address = kSerialNumber,
             .tip = "The number of this one camera.", .access = kReadOnly, .length = 16, .visibility = "Expert"},
     Feature{.name = "DeviceUserID", .category = kDevice, .kind = FeatureKind::Text, .address = kUserDefinedName,
-            .tip = "The name that the user gave to the camera, up to 16 bytes.", .length = 16},
+            .tip = "The name that the user gave to the camera.", .length = 16},
     Feature{.name = "TimestampLatch", .category = kDevice, .kind = FeatureKind::Command, .address = kTimestampLatch,
             .tip = "Stores the time of the camera's clock in TimestampLatchValue.", .access = kWriteOnly,
             .visibility = "Expert"},

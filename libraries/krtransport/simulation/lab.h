@@ -62,6 +62,8 @@ struct LabFaults {
 
 /// A camera as it is when the lab starts.
 struct LabCamera : LabIdentity, LabSensor {
+  /// Whether the registers of its texts have 64 bytes each, as those of USB3 Vision, or fewer, as those of GigE Vision.
+  bool hasWideTexts = false;
   std::vector<LabSerialPort> serialPorts; ///< By rising number.
   std::uint32_t bulkClock =
       0; ///< Hz, which the bulk ports divide for their rates; 0 where rates are set by themselves.

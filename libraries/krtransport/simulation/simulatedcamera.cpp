@@ -24,10 +24,11 @@ void OrderFaults(const LabFaults& aOrders, OrderedFaults& aFaults) {
     aFaults.AddPacketFault(lost->frames, {.firstPacket = lost->firstPacket, .packets = lost->packets});
 }
 
-// Its registers are those of a GigE Vision camera without an address.
+// Its registers are those of a GigE Vision camera without an address, but for its texts.
 LabGEVCamera MakeRegisters(const LabU3VCamera& aCamera) {
   LabGEVCamera registers;
   static_cast<LabCamera&>(registers) = aCamera;
+  registers.hasWideTexts = true;
   return registers;
 }
 

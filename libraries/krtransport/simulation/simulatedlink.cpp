@@ -93,9 +93,9 @@ void SimulatedLink::OnCameraLost(const KrResult& aReason) {
   mEvents.ReportLost(aReason);
 }
 
-// Who asks where the camera was does not hear it elsewhere.
+// Who asks where the camera was does not hear it elsewhere. It is told once, as the loss is: the link stays lost.
 void SimulatedLink::OnCameraBack() {
-  if (mCamera->GetIPConfiguration().address == mAddress)
+  if (mCamera->GetIPConfiguration().address == mAddress && !mIsBack.exchange(true))
     mEvents.ReportBack();
 }
 

@@ -44,6 +44,7 @@ private:
   const std::uint32_t mAddress; // Where the camera was opened.
   const std::shared_ptr<ChannelAccess> mChannelAccess;
   std::atomic<bool> mLost = false;
+  std::atomic<bool> mIsBack = false; // The camera's return was told.
   LinkEvents mEvents;
   RegisterGate mGate;
   SimulatedBufferSource mSource;
