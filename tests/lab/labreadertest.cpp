@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <set>
+#include <tuple>
 
 using krtransport::Lab;
 using krtransport::LabGEVCamera;
@@ -413,9 +414,18 @@ TEST_F(LabFileTest, Read_BadFile_NamesIt) {
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("lab.yaml:1:11: "));
 }
 
-TEST_F(LabFileTest, Read_NoFileOrAFolder_IsNotFound) {
-  Lab lab;
+TEST_F(LabFileTest, Read_WhatCannotBeRead_SaysWhichFileAndWhy) {
+  const std::string longFile = Write(std::string(krpersistence::kMostYamlBytes + 1, '\n')).ToUtf8();
+  const std::vector<std::tuple<std::string, KrResult::Code, std::string>> rows = {
+      {mFolder.GetFile("none"), KrResult::Code::NotFound, "No such file"},
+      {mFolder.GetPath().string(), KrResult::Code::InvalidInput, "it is no file"},
+      {"/dev/zero", KrResult::Code::InvalidInput, "it is no file"},
+      {longFile, KrResult::Code::BadData, "longer than the limit of 1048576 bytes"}};
 
-  EXPECT_TRUE(krtransport::ReadLab(mFolder.GetFile("none"), lab) == KrResult::Code::NotFound);
-  EXPECT_TRUE(krtransport::ReadLab(mFolder.GetPath().string(), lab) == KrResult::Code::NotFound);
+  for (const auto& [file, code, reason] : rows) {
+    Lab lab;
+    const KrResult result = krtransport::ReadLab(file, lab);
+    EXPECT_EQ(result.GetCode(), code) << file;
+    EXPECT_THAT(result.GetDescription().ToUtf8(), testing::AllOf(HasSubstr(file), HasSubstr(reason)));
+  }
 }

@@ -1,10 +1,9 @@
 #include "simulation/labfile/labreader.h"
 
+#include "krbase/krwholefile.h"
 #include "simulation/labfile/labdevicereader.h"
 #include "simulation/labfile/labwords.h"
 
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <set>
 #include <string>
@@ -186,26 +185,6 @@ private:
   std::size_t mDeviceCount = 0;
 };
 
-KrResult ReadText(const KrString& aFile, std::string& aText) {
-  const auto fail = [&aFile](const std::string& aReason) {
-    return KrResult(KrResult::Code::NotFound, "Reading the lab file " + aFile + ": " + aReason);
-  };
-  std::error_code error;
-  const std::filesystem::path path(aFile.ToUtf8());
-  if (!std::filesystem::exists(path, error))
-    return fail("it is not there.");
-  if (!std::filesystem::is_regular_file(path, error))
-    return fail("it is no file.");
-  std::ifstream stream(path, std::ios::binary);
-  // One byte more than is taken shows that there are too many.
-  aText.resize(krpersistence::kMostYamlBytes + 1);
-  stream.read(aText.data(), static_cast<std::streamsize>(aText.size()));
-  if (stream.bad() || (stream.fail() && !stream.eof()))
-    return fail("it cannot be read; look at its permissions.");
-  aText.resize(static_cast<std::size_t>(stream.gcount()));
-  return {};
-}
-
 } // namespace
 
 KrResult ParseLab(std::string_view aText, const KrString& aName, Lab& aLab) {
@@ -222,8 +201,11 @@ KrResult ParseLab(std::string_view aText, const KrString& aName, Lab& aLab) {
 
 KrResult ReadLab(const KrString& aFile, Lab& aLab) {
   std::string text;
-  const KrResult read = ReadText(aFile, text);
-  return read.IsOK() ? ParseLab(text, aFile, aLab) : read;
+  const KrResult read = KrReadWholeFile(aFile, krpersistence::kMostYamlBytes, text);
+  if (read.IsOK())
+    return ParseLab(text, aFile, aLab);
+  return {read == KrResult::Code::OutOfRange ? KrResult::Code::BadData : read.GetCode(),
+          "Reading the lab file " + aFile + ": " + read.GetDescription()};
 }
 
 } // namespace krtransport

@@ -8,8 +8,8 @@
 
 namespace krtransport {
 
-/// Reads a file. NotFound where it cannot be read, BadData, with "file:line:column: reason", where it is no good.
-/// aLab is set on success only. Any thread.
+/// Reads a file. As KrReadWholeFile where it cannot be read, but BadData for one that is too long; BadData, with
+/// "file:line:column: reason", where it is no good. aLab is set on success only. Any thread.
 KrResult ReadLab(const KrString& aFile, Lab& aLab);
 /// The same of a text; aName stands for the file in messages.
 KrResult ParseLab(std::string_view aText, const KrString& aName, Lab& aLab);
