@@ -1,6 +1,6 @@
 #pragma once
-// By which technology a device is connected, as features say it: names and numbers of the GenTL standard's enumerations
-// (SFNC, DeviceType and StreamType). What each name means for people is left to the feature.
+// By which technology a device is connected, as features say it: names of the GenTL standard's enumerations (SFNC,
+// DeviceType and StreamType), with numbers of our own. What each name means for people is left to the feature.
 
 #include "krsystem/hostfeature.h"
 #include "krsystem/krdeviceinfo.h"

@@ -8,8 +8,7 @@
 namespace krpersistence {
 
 /// "line L, column C" of the byte at an offset, both from 1; columns count characters. Lines end with "\n" as well as
-/// with
-/// "\r\n" and a lone "\r". An offset beyond the end counts as the end.
+/// with "\r\n" and a lone "\r". An offset beyond the end counts as the end.
 std::string DescribeLocation(std::string_view aText, std::size_t aOffset);
 
 } // namespace krpersistence

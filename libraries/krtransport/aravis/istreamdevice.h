@@ -39,9 +39,9 @@ public:
   virtual KrResult GetPayloadSize(std::uint64_t& aBytes) = 0;
   /// Opens the stream channel for frames of a size. The stream emits signals and has no buffers yet.
   virtual KrResult CreateStream(std::uint64_t aPayloadBytes, StreamPointer& aStream) = 0;
-  /// Starts acquisition, with what a frame's size depends on locked.
+  /// Starts acquisition. What a frame's size depends on is locked by others, before.
   virtual KrResult StartAcquisition() = 0;
-  /// Stops acquisition and gives the locked parameters free, which it tries even where stopping failed.
+  /// Stops acquisition.
   virtual KrResult StopAcquisition() = 0;
   /// Whether the device answers, asked before calls that take long with a dead one; within about half a second. Any
   /// thread.

@@ -9,7 +9,6 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace krtransport {
@@ -56,32 +55,11 @@ sockaddr_in GetLocalEnd(const FileDescriptor& aSocket) {
 
 } // namespace
 
-FileDescriptor::FileDescriptor(FileDescriptor&& aOther) noexcept : mDescriptor(std::exchange(aOther.mDescriptor, -1)) {}
-
-FileDescriptor& FileDescriptor::operator=(FileDescriptor&& aOther) noexcept {
-  if (this != &aOther) {
-    Close();
-    mDescriptor = std::exchange(aOther.mDescriptor, -1);
-  }
-  return *this;
-}
-
-void FileDescriptor::Close() {
-  if (mDescriptor >= 0)
-    ::close(std::exchange(mDescriptor, -1));
-}
-
 WakeEvent::WakeEvent() : mDescriptor(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
 
 void WakeEvent::Signal() {
   // A full counter is a signal too, so a refused write loses nothing.
   [[maybe_unused]] const int result = ::eventfd_write(mDescriptor.Get(), 1);
-}
-
-void WakeEvent::Take() {
-  eventfd_t count = 0;
-  // Nothing to take is as good as taken.
-  [[maybe_unused]] const int result = ::eventfd_read(mDescriptor.Get(), &count);
 }
 
 KrResult GvcpSocket::OpenOnAdapter(const std::string& aAdapterName, std::uint16_t aPort, GvcpSocket& aSocket) {

@@ -2,6 +2,7 @@
 // A UDP socket for the control channel and the event that wakes whoever waits on one. What is sent, and how long an
 // answer is awaited, is decided by the clients.
 
+#include "krbase/filedescriptor.h"
 #include "krbase/krresult.h"
 
 #include <cstddef>
@@ -12,33 +13,14 @@
 
 namespace krtransport {
 
-/// A file descriptor with an owner.
-class FileDescriptor {
-public:
-  FileDescriptor() = default;
-  explicit FileDescriptor(int aDescriptor) : mDescriptor(aDescriptor) {}
-  ~FileDescriptor() { Close(); }
-  FileDescriptor(FileDescriptor&& aOther) noexcept;
-  FileDescriptor& operator=(FileDescriptor&& aOther) noexcept;
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
+using krbase::FileDescriptor;
 
-  int Get() const { return mDescriptor; }
-  bool IsOpen() const { return mDescriptor >= 0; }
-  void Close();
-
-private:
-  int mDescriptor = -1;
-};
-
-/// An event that poll() can wait for. Signal from any thread; it stays signalled until it is taken.
+/// An event that poll() can wait for. Signal from any thread; it stays signalled.
 class WakeEvent {
 public:
   WakeEvent();
   int GetDescriptor() const { return mDescriptor.Get(); }
   void Signal();
-  /// Takes the signal back.
-  void Take();
 
 private:
   FileDescriptor mDescriptor;

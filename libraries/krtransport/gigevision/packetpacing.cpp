@@ -19,7 +19,7 @@ PacketPacing::PacketPacing(IBootstrapRegisters& aRegisters, std::string aAdapter
     : mRegisters(aRegisters), mAdapterName(std::move(aAdapterName)), mReadSpeed(std::move(aReadSpeed)) {}
 
 void PacketPacing::Apply(std::uint32_t aCameras, std::uint32_t aPacketBytes) {
-  const std::uint64_t speed = mReadSpeed(mAdapterName);
+  const std::uint64_t speed = mReadSpeed ? mReadSpeed(mAdapterName) : 0;
   // A camera alone is not even asked.
   if (mIsLeftAlone || (!mIsKnown && (aCameras < 2 || speed == 0)) || (!mIsKnown && !ReadDevice()))
     return;

@@ -18,7 +18,9 @@ public:
   FileDescriptor(FileDescriptor&& aOther) noexcept : mDescriptor(std::exchange(aOther.mDescriptor, -1)) {}
   /// The same; what this one had before is closed.
   FileDescriptor& operator=(FileDescriptor&& aOther) noexcept {
-    std::swap(mDescriptor, aOther.mDescriptor);
+    const int taken = std::exchange(aOther.mDescriptor, -1);
+    Close();
+    mDescriptor = taken;
     return *this;
   }
 

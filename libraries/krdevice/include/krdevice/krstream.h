@@ -52,8 +52,10 @@ public:
 
   /// Allocates the buffers at the device's present payload size and starts acquisition. What a frame's size depends on
   /// is locked until the device's last stream has stopped (GenApi, TLParamsLocked); a device whose description cannot
-  /// be read streams all the same. WrongState when it runs already, NotSupported for a device without that channel,
-  /// SystemError when memory does not suffice.
+  /// be read streams all the same. WrongState when it runs already, Busy while another stream of this channel runs,
+  /// NotSupported for a device without that channel, InvalidInput or BadData for a payload size that cannot be,
+  /// SystemError when memory does not suffice; as the device answers ConnectionLost, TimeLimitExceeded, AccessDenied or
+  /// ProtocolError.
   KrResult Start();
   /// Takes the next frame, in the order of arrival, waiting up to aTimeoutMs milliseconds (0 does not wait). Of several
   /// threads one at a time waits at the device; the others, within their own limits, for their turn.

@@ -103,6 +103,7 @@ public:
   virtual void LosePower() = 0;
 };
 
-/// Finds the orders to a simulated camera by its unique ID, which is its MAC address. NotFound when none of the
+/// Finds the orders to a simulated camera by its unique ID, as discovery tells it: the MAC address of a GigE Vision
+/// camera, the GUID of a USB3 Vision one. NotFound when none of the
 /// transports that are installed simulates such a camera. Any thread.
 KR_EXPORT KrResult KrFindSimulatedFaults(const KrString& aUniqueID, std::shared_ptr<KrSimulatedFaults>& aFaults);
