@@ -145,7 +145,8 @@ private:
 } // namespace
 
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& aArguments) {
-  if (HasArgument(aArguments, "--help", "-h"))
+  const bool isHelpCommand = !aArguments.empty() && aArguments.front() == "help";
+  if (isHelpCommand || HasArgument(aArguments, "--help", "-h"))
     return {{.verb = Verb::Help}, {}};
   if (HasArgument(aArguments, "--version", "-V"))
     return {{.verb = Verb::Version}, {}};

@@ -51,12 +51,16 @@ std::string FormatTable(const KrSystem& aSystem, const AccessTypes& aAccess) {
     for (std::size_t device = 0; device < interface.GetDeviceCount(); ++device)
       rows.push_back(MakeRow(*interface.GetDeviceInfo(device), aAccess));
   }
-  std::string text = krapps::AlignColumns(rows);
-  if (aSystem.GetInterfaceCount() == 0)
-    text += "No interfaces found.\n";
-  if (aSystem.GetDeviceCount() == 0)
-    text += "No devices found.\n";
-  return text;
+  return krapps::AlignColumns(rows);
+}
+
+std::string FormatNoDevices(const std::vector<KrString>& aAsked, bool aIsSimulating) {
+  std::string text = "No devices found. ";
+  for (const KrString& name : aAsked)
+    text += (&name == &aAsked.front() ? "Asked were: " : ", ") + krapps::MakeCell(name);
+  text += aAsked.empty() ? "There is no interface to ask.\n" : ".\n";
+  text += "Why one may be missing: krtool list --diagnose\n";
+  return aIsSimulating ? text : text + "Simulated ones to try:  krtool list --simulate\n";
 }
 
 } // namespace krtool

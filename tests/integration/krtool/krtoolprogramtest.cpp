@@ -52,7 +52,8 @@ TEST(KrTool, NetworkWithoutCamera_IsListedAsSuch) {
   ProgramRun run(KRTOOL_PATH, {"list", "--timeout", "100"});
 
   EXPECT_EQ(run.Finish(), 0) << run.GetErrors();
-  EXPECT_THAT(run.GetOutput(), HasSubstr("No devices found."));
+  EXPECT_THAT(run.GetOutput(), HasSubstr("No devices found. Asked were: lo"));
+  EXPECT_THAT(run.GetOutput(), HasSubstr("krtool list --simulate"));
 }
 
 TEST(KrTool, UnknownDevice_ExitsWith1AndSaysSo) {

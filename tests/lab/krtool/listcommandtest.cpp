@@ -41,6 +41,21 @@ protected:
   std::ostringstream mErrors;
 };
 
+krtransport::Lab MakeLabWithoutDevices() {
+  krtransport::LabAdapter adapter;
+  adapter.name = "sim0";
+  adapter.macAddress = "02:4b:52:00:00:01";
+  krtransport::LabController controller;
+  controller.name = "usb0";
+  controller.description = "Controller";
+  return {.adapters = {adapter}, .controllers = {controller}};
+}
+
+class ListCommandWithoutDevices : public LabTest {
+protected:
+  ListCommandWithoutDevices() : LabTest(MakeLabWithoutDevices()) {}
+};
+
 TEST_F(ListCommand, Lab_GivesHeadingsAndOneLineForEachInterfaceAndDevice) {
   const int exitCode = Run(false);
 
@@ -112,7 +127,20 @@ TEST_F(ListCommand, NothingFound_IsSaid) {
   const int exitCode = Run(false);
 
   EXPECT_EQ(exitCode, 0);
-  EXPECT_EQ(mOut.str(), "No interfaces found.\nNo devices found.\n");
+  EXPECT_EQ(mOut.str(), "No devices found. There is no interface to ask.\n"
+                        "Why one may be missing: krtool list --diagnose\n"
+                        "Simulated ones to try:  krtool list --simulate\n");
+}
+
+TEST_F(ListCommandWithoutDevices, List_NamesTheInterfacesThatWereAskedAndWhatToDo) {
+  std::ostringstream out;
+  std::ostringstream errors;
+
+  const int exitCode = RunList(mSystem, {.verb = Verb::List, .simulate = true}, out, errors);
+
+  EXPECT_EQ(exitCode, 0);
+  EXPECT_THAT(out.str(), testing::EndsWith("\nNo devices found. Asked were: sim0, Controller (usb0).\n"
+                                           "Why one may be missing: krtool list --diagnose\n"));
 }
 
 TEST_F(ListCommand, NothingFoundAsJson_IsEmptyLists) {

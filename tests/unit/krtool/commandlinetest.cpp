@@ -224,6 +224,8 @@ TEST(CommandLine, NameThatLooksLikeAnOption_IsTakenBehindTwoDashes) {
 TEST(CommandLine, HelpAndVersion_AreTakenAnywhere) {
   EXPECT_EQ(ParseCommandLine({"--help"}).commandLine.verb, Verb::Help);
   EXPECT_EQ(ParseCommandLine({"list", "-h"}).commandLine.verb, Verb::Help);
+  EXPECT_EQ(ParseCommandLine({"help"}).commandLine.verb, Verb::Help);
+  EXPECT_EQ(ParseCommandLine({"help", "stream"}).commandLine.verb, Verb::Help);
   EXPECT_EQ(ParseCommandLine({"--version"}).commandLine.verb, Verb::Version);
 }
 
