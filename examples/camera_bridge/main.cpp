@@ -1,6 +1,6 @@
 // Connects to the Camera Link camera behind a serial port of a device, sets one of its features, and lists them:
 //
-//     camera_bridge [--simulate] [--file camera.yml] device port [feature value]
+//     camera_bridge [--simulate] [--file camera.yml] DEVICE PORT [FEATURE VALUE]
 //
 // By GenCP, or, with --file, by a camera file. The device is that of a user-defined name. Of the simulated lab:
 //
@@ -19,6 +19,9 @@
 #include <vector>
 
 namespace {
+
+constexpr const char* kUsage =
+    "usage: camera_bridge [--simulate] [--file camera.yml] DEVICE Serial0…Bulk7 [FEATURE VALUE]\n";
 
 bool Check(const KrResult& aResult) {
   if (!aResult.IsOK())
@@ -76,6 +79,10 @@ int main(int argc, char** argv) {
   bool simulate = false;
   for (int i = 1; i < argc; ++i) {
     const std::string_view word = argv[i];
+    if (word == "--help" || word == "-h") {
+      std::cout << kUsage;
+      return 0;
+    }
     if (word == "--simulate")
       simulate = true;
     else if (word == "--file" && i + 1 < argc)
@@ -84,7 +91,7 @@ int main(int argc, char** argv) {
       words.emplace_back(word);
   }
   if ((words.size() != 2 && words.size() != 4) || FindPort(words[1]) == KrDeviceSerial::Invalid) {
-    std::cerr << "camera_bridge [--simulate] [--file camera.yml] device Serial0…Bulk7 [feature value]\n";
+    std::cerr << kUsage;
     return 2;
   }
   if (!Check(KrInstallTransports({.gigEVision = true, .simulation = simulate})))

@@ -9,8 +9,9 @@
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
 
-#include <cstring>
 #include <iostream>
+#include <set>
+#include <string_view>
 
 namespace {
 
@@ -30,14 +31,12 @@ bool ShowFrame(KrStream& aStream, KrDisplayWnd& aDisplay) {
   return Check(aStream.Release(buffer)) && isShown;
 }
 
-// Until the user closes the window. The display, which fills it, follows its size.
+// Until the user closes the window, with which the display ends. The display, which fills it, follows its size.
 bool Run(HostWindow& aHost, KrStream& aStream, KrDisplayWnd& aDisplay) {
-  while (aHost.HandleEvents()) {
+  while (aHost.HandleEvents() && aDisplay.DoEvents() != KrResult::Code::WrongState) {
     aDisplay.SetPosition(0, 0, aHost.GetWidth(), aHost.GetHeight());
     if (!ShowFrame(aStream, aDisplay))
       return false;
-    if (aDisplay.DoEvents() == KrResult::Code::WrongState)
-      break; // The display has ended, as its window did.
   }
   return true;
 }
@@ -45,9 +44,13 @@ bool Run(HostWindow& aHost, KrStream& aStream, KrDisplayWnd& aDisplay) {
 } // namespace
 
 int main(int argc, char** argv) {
-  const bool simulate = argc > 1 && std::strcmp(argv[1], "--simulate") == 0;
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << "usage: embed_x11 [--simulate]\n";
+    return 0;
+  }
   KrSystem system;
-  if (!Check(KrInstallTransports({.simulation = simulate})) || !Check(system.Find()))
+  if (!Check(KrInstallTransports({.simulation = options.contains("--simulate")})) || !Check(system.Find()))
     return 1;
   const KrDeviceInfo* const info = system.GetDeviceInfo(0);
   const KrResult none(KrResult::Code::NotFound, "There is no camera. Try --simulate.");

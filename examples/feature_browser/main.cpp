@@ -8,9 +8,10 @@
 
 #include <QApplication>
 
-#include <cstring>
 #include <iostream>
+#include <set>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -34,17 +35,18 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-  QApplication application(argc, argv);
-  bool simulate = false;
-  std::string word;
-  for (int i = 1; i < argc; ++i) {
-    if (std::strcmp(argv[i], "--simulate") == 0)
-      simulate = true;
-    else
-      word = argv[i];
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << "usage: feature_browser [--simulate] [WORD]\n";
+    return 0;
   }
+  QApplication application(argc, argv);
+  std::string word;
+  for (int i = 1; i < argc; ++i)
+    if (std::string_view(argv[i]) != "--simulate")
+      word = argv[i];
   KrSystem system;
-  KrResult result = KrInstallTransports({.simulation = simulate});
+  KrResult result = KrInstallTransports({.simulation = options.contains("--simulate")});
   if (result.IsOK())
     result = system.Find();
   const KrDeviceInfo* const info = result.IsOK() ? system.GetDeviceInfo(0) : nullptr;

@@ -13,9 +13,10 @@
 #include <QSplitter>
 #include <QUrl>
 
-#include <cstring>
 #include <iostream>
+#include <set>
 #include <string>
+#include <string_view>
 #include <thread>
 
 namespace {
@@ -62,8 +63,13 @@ void ShowFrames(KrStream& aStream, KrDisplayWnd& aDisplay) {
 
 } // namespace
 int main(int argc, char** argv) {
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << "usage: first_application [--simulate]\n";
+    return 0;
+  }
   QApplication application(argc, argv);
-  if (!Check(KrInstallTransports({.simulation = argc > 1 && std::strcmp(argv[1], "--simulate") == 0})))
+  if (!Check(KrInstallTransports({.simulation = options.contains("--simulate")})))
     return 1;
 
   KrDeviceFinderWnd finder; // Owns what it finds.

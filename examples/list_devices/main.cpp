@@ -3,12 +3,17 @@
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
 
-#include <cstring>
 #include <iostream>
+#include <set>
+#include <string_view>
 
 int main(int argc, char** argv) {
-  const bool simulate = argc > 1 && std::strcmp(argv[1], "--simulate") == 0;
-  KrResult result = KrInstallTransports({.gigEVision = true, .simulation = simulate});
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << "usage: list_devices [--simulate]\n";
+    return 0;
+  }
+  KrResult result = KrInstallTransports({.gigEVision = true, .simulation = options.contains("--simulate")});
   if (!result.IsOK()) {
     std::cerr << result.GetDescription().CStr() << '\n';
     return 1;

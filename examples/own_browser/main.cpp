@@ -13,8 +13,9 @@
 #include <QPushButton>
 #include <QTextEdit>
 
-#include <cstring>
 #include <iostream>
+#include <set>
+#include <string_view>
 
 namespace {
 
@@ -74,10 +75,14 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << "usage: own_browser [--simulate]\n";
+    return 0;
+  }
   QApplication application(argc, argv);
-  const bool simulate = argc > 1 && std::strcmp(argv[1], "--simulate") == 0;
   KrSystem system;
-  KrResult result = KrInstallTransports({.simulation = simulate});
+  KrResult result = KrInstallTransports({.simulation = options.contains("--simulate")});
   if (result.IsOK())
     result = system.Find();
   const KrDeviceInfo* const info = result.IsOK() ? system.GetDeviceInfo(0) : nullptr;
@@ -88,8 +93,7 @@ int main(int argc, char** argv) {
   if (device)
     result = device->GetParameters(array);
   if (!array) {
-    std::cerr << "No camera can be shown. " << (simulate ? "" : "Try --simulate. ") << result.GetDescription().CStr()
-              << '\n';
+    std::cerr << "No camera can be shown. Try --simulate. " << result.GetDescription().CStr() << '\n';
     return 1;
   }
   OwnBrowser browser(*array);

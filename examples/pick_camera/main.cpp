@@ -7,8 +7,9 @@
 
 #include <QApplication>
 
-#include <cstring>
 #include <iostream>
+#include <set>
+#include <string_view>
 
 namespace {
 
@@ -35,16 +36,17 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-  QApplication application(argc, argv);
-  bool simulate = false;
-  KrString vendor;
-  for (int i = 1; i < argc; ++i) {
-    if (std::strcmp(argv[i], "--simulate") == 0)
-      simulate = true;
-    else
-      vendor = argv[i];
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << "usage: pick_camera [--simulate] [VENDOR]\n";
+    return 0;
   }
-  KrResult result = KrInstallTransports({.simulation = simulate});
+  QApplication application(argc, argv);
+  KrString vendor;
+  for (int i = 1; i < argc; ++i)
+    if (std::string_view(argv[i]) != "--simulate")
+      vendor = argv[i];
+  KrResult result = KrInstallTransports({.simulation = options.contains("--simulate")});
   if (!result.IsOK()) {
     std::cerr << result.GetDescription().CStr() << '\n';
     return 1;

@@ -12,8 +12,9 @@
 #include <QApplication>
 
 #include <algorithm>
-#include <cstring>
 #include <iostream>
+#include <set>
+#include <string_view>
 
 namespace {
 
@@ -37,17 +38,18 @@ std::unique_ptr<KrDevice> OpenDevice(const KrSystem& aSystem) {
 } // namespace
 
 int main(int argc, char** argv) {
-  QApplication application(argc, argv);
-  bool simulate = false;
-  KrString portName;
-  for (int i = 1; i < argc; ++i) {
-    if (std::strcmp(argv[i], "--simulate") == 0)
-      simulate = true;
-    else
-      portName = argv[i];
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << "usage: serial_terminal [--simulate] [PORT]\n";
+    return 0;
   }
+  QApplication application(argc, argv);
+  KrString portName;
+  for (int i = 1; i < argc; ++i)
+    if (std::string_view(argv[i]) != "--simulate")
+      portName = argv[i];
   KrSystem system;
-  KrResult result = KrInstallTransports({.simulation = simulate});
+  KrResult result = KrInstallTransports({.simulation = options.contains("--simulate")});
   if (result.IsOK())
     result = system.Find();
   const std::unique_ptr<KrDevice> device = OpenDevice(system); // Ends after the adapter, and that after the window.

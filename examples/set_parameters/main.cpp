@@ -1,6 +1,6 @@
 // Sets the exposure time of a camera, hears of the change, and saves the camera's settings in settings.txt:
 //
-//     set_parameters [--simulate] camera
+//     set_parameters [--simulate] CAMERA
 //
 // The camera is that of a user-defined name or unique ID; sim-mono is one of the simulated ones. Without it those that
 // there are get listed, and none is changed.
@@ -15,9 +15,13 @@
 #include <iostream>
 #include <memory>
 #include <semaphore>
+#include <set>
 #include <string_view>
 
 namespace {
+
+constexpr const char* kUsage =
+    "usage: set_parameters [--simulate] CAMERA\n  CAMERA  the unique ID or user-defined name of one that is found\n";
 
 bool Check(const KrResult& aResult) {
   if (!aResult.IsOK())
@@ -76,6 +80,11 @@ bool SaveSettings(KrGenParameterArray& aArray, const char* aFile) {
 } // namespace
 
 int main(int argc, char** argv) {
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << kUsage;
+    return 0;
+  }
   const bool simulate = argc > 1 && std::string_view(argv[1]) == "--simulate";
   const std::string_view name = argc == (simulate ? 3 : 2) ? argv[argc - 1] : "";
   KrSystem system;
@@ -91,7 +100,7 @@ int main(int argc, char** argv) {
       return 1;
   }
   if (!array) {
-    std::cerr << "set_parameters [--simulate] camera: the unique ID or user-defined name of one that is found\n";
+    std::cerr << kUsage;
     return 2;
   }
   std::cout << device->GetDisplayID().CStr() << ": " << array->GetCount() << " features\n";

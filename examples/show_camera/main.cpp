@@ -8,8 +8,9 @@
 
 #include <QApplication>
 
-#include <cstring>
 #include <iostream>
+#include <set>
+#include <string_view>
 #include <thread>
 
 namespace {
@@ -50,9 +51,13 @@ void ShowFrames(KrStream& aStream, KrDisplayWnd& aWindow) {
 } // namespace
 
 int main(int argc, char** argv) {
+  const std::set<std::string_view> options(argv + 1, argv + argc);
+  if (options.contains("--help") || options.contains("-h")) {
+    std::cout << "usage: show_camera [--simulate]\n";
+    return 0;
+  }
   QApplication application(argc, argv);
-  const bool simulate = argc > 1 && std::strcmp(argv[1], "--simulate") == 0;
-  KrResult result = KrInstallTransports({.gigEVision = true, .simulation = simulate});
+  KrResult result = KrInstallTransports({.gigEVision = true, .simulation = options.contains("--simulate")});
 
   KrSystem system;
   if (result.IsOK())
