@@ -5,6 +5,7 @@
 #include "featuresource.h"
 #include "plaintext.h"
 #include "portwatch.h"
+#include "settingsorigin.h"
 #include "textfile.h"
 
 #include <algorithm>
@@ -26,16 +27,6 @@ void TellProblems(const KrStringList& aProblems, std::ostream& aErrors) {
 
 int GetCutShortCode(const Cancellation& aCancellation) {
   return aCancellation.GetStop().IsRaised() ? GetExitCode(aCancellation.GetStop()) : 1;
-}
-
-void WarnOfOtherDevice(const KrString& aDevice, const KrGenParameterArray& aArray, std::ostream& aErrors) {
-  // As a file would have it, which holds one line of it.
-  KrGenSettings present;
-  present.SetDevice(aArray.GetVendorName() + " " + aArray.GetModelName());
-  if (!present.FromText(present.ToText()).IsOK() || aDevice.IsEmpty() || aDevice == present.GetDevice())
-    return;
-  aErrors << "krtool: the settings are those of another model: of \"" << krapps::MakeField(aDevice)
-          << "\"; the device is \"" << krapps::MakeField(present.GetDevice()) << "\".\n";
 }
 
 } // namespace
@@ -66,7 +57,8 @@ int SaveSettings(KrGenParameterArray& aArray, const std::function<KrResult()>& a
 
 int LoadSettings(KrGenParameterArray& aArray, const KrGenSettings& aSettings, std::ostream& aOut,
                  std::ostream& aErrors) {
-  WarnOfOtherDevice(aSettings.GetDevice(), aArray, aErrors);
+  if (const std::string warning = krapps::DescribeOtherModel(aSettings, aArray); !warning.empty())
+    aErrors << "krtool: " << warning << '\n';
   const Cancellation cancellation(aArray);
   KrStringList problems;
   const KrResult restored = aArray.RestoreSettings(aSettings, problems);

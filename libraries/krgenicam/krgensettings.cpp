@@ -150,7 +150,8 @@ KrResult KrGenSettings::FromText(std::string_view aText) {
   std::string_view line;
   if (!lines.Take(line) || !HasMagic(line))
     return {KrResult::Code::BadData,
-            "Line 1 of the settings: a comment with " + std::string(kMagic) + " is wanted; this is no settings file."};
+            "Line 1 of the settings: this is no file of a device's settings, which begins with # " +
+                std::string(kMagic) + "."};
   std::vector<KrGenSetting> settings;
   KrString device;
   SettingsReader reader(settings, device);

@@ -3,6 +3,7 @@
 #include "filedialogs.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krgenicam/krgensettings.h"
+#include "settingsorigin.h"
 #include "window/showntext.h"
 
 #include <QFileDialog>
@@ -17,6 +18,14 @@ namespace {
 
 bool IsCutShort(const KrResult& aResult) {
   return aResult == KrResult::Code::Aborted || aResult == KrResult::Code::ConnectionLost;
+}
+
+KrStringList Prepend(const KrString& aText, const KrStringList& aTexts) {
+  KrStringList texts;
+  texts.Add(aText);
+  for (const KrString& text : aTexts)
+    texts.Add(text);
+  return texts;
 }
 
 FileQuestion MakeQuestion(const QString& aTitle) {
@@ -79,8 +88,14 @@ void DeviceSettings::AskForSaving() {
 void DeviceSettings::Load(const QString& aFile) {
   const auto load = [](KrGenParameterArray& aParameters, const KrString& aName, Outcome& aOutcome) {
     KrGenSettings settings;
-    const KrResult read = settings.Load(aName);
-    return read.IsOK() ? aParameters.RestoreSettings(settings, aOutcome.problems, aOutcome.MakeProgress()) : read;
+    if (KrResult read = settings.Load(aName); !read.IsOK())
+      return read;
+    const KrResult restored = aParameters.RestoreSettings(settings, aOutcome.problems, aOutcome.MakeProgress());
+    // Why many of them do not fit comes first; where all of them do, the model is nobody's concern.
+    const std::string otherModel = krapps::DescribeOtherModel(settings, aParameters);
+    if (!otherModel.empty() && !aOutcome.problems.IsEmpty())
+      aOutcome.problems = Prepend(otherModel, aOutcome.problems);
+    return restored;
   };
   const QString name = QFileInfo(aFile).fileName();
   Run(aFile, load,

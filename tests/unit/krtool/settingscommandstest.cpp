@@ -160,7 +160,7 @@ TEST_F(SettingsOf, FileWithAStepThatIsSuperseded_AreCountedAsTheFileHasThem) {
 TEST_F(SettingsOf, FileOfAnotherModel_ArePointedOutAndSet) {
   EXPECT_EQ(Load("# Device = Vendor Other\nValue0\t7\n"), 0);
 
-  EXPECT_EQ(mErrors.str(), "krtool: the settings are those of another model: of \"Vendor Other\"; the device is "
+  EXPECT_EQ(mErrors.str(), "krtool: The settings are those of another model: of \"Vendor Other\"; the device is "
                            "\"Vendor Model\".\n");
   EXPECT_EQ(mOut.str(), "settings=1 problems=0\n");
 }

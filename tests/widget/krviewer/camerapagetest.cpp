@@ -1,5 +1,6 @@
 // A camera's page: what its state makes of entries, title and message.
 
+#include "krgenicam/krgensettings.h"
 #include "krtransport/krsimulatedfaults.h"
 #include "viewerfixture.h"
 
@@ -169,6 +170,22 @@ TEST_F(CameraPageTest, SettingsSaved_AreSetAgainWhenLoaded) {
   EXPECT_TRUE(AwaitState(AcquisitionState::Streaming));
 }
 
+TEST_F(CameraPageTest, SettingsOfAnotherModelThatDoNotFit_AreSaidToBeWithBothNames) {
+  const QString file = QString::fromStdString(mFolder.GetFile("camera.txt"));
+  KrGenSettings settings;
+  settings.SetDevice("Vendor Other");
+  settings.Add("FeatureOfTheOther", "1");
+  ASSERT_TRUE(settings.Save(file.toStdString()).IsOK());
+  OpenStreaming();
+
+  GetPage()->GetSettings().Load(file);
+
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).contains("FeatureOfTheOther"); }))
+      << GetMessage(*GetPage()).toStdString();
+  for (const char* name : {"another model", "\"Vendor Other\"", "\"KrGUI SimulatedMonoCamera\""})
+    EXPECT_TRUE(GetMessage(*GetPage()).contains(name)) << GetMessage(*GetPage()).toStdString();
+}
+
 TEST_F(CameraPageTest, FileThatHasNoSettings_IsSaidSo) {
   const QString file = QString::fromStdString(mFolder.GetFile("other.txt"));
   {
@@ -182,6 +199,7 @@ TEST_F(CameraPageTest, FileThatHasNoSettings_IsSaidSo) {
 
   EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).startsWith("The camera is not set as other.txt says:"); }))
       << GetMessage(*GetPage()).toStdString();
+  EXPECT_TRUE(GetMessage(*GetPage()).contains("no file of a device's settings"));
 }
 
 TEST_F(CameraPageTest, SettingsThatTakeLong_AreSaidSoAndCanBeCancelled) {
