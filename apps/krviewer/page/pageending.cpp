@@ -97,7 +97,8 @@ QString TellWritten(const CameraPage& aPage) {
     if (HasFailed(recording))
       troubles += QStringLiteral("The recording of %1 is not whole. %2 %3")
                       .arg(GetName(aPage), QString::fromStdString(DescribeState(recording)),
-                           QString::fromStdString(DescribeLosses(recording)));
+                           QString::fromStdString(DescribeLosses(recording)))
+                      .trimmed();
   }
   troubles += aPage.GetSavingFailures();
   for (const QString& trouble : troubles)

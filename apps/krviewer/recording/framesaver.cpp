@@ -112,17 +112,17 @@ void FrameSaver::Ask(QWidget* aParent) {
   if (!frame)
     return ShowFailure(aParent, tr("Save Frame"),
                        {KrResult::Code::NotFound, "There is no whole frame to save yet. Start the camera first."});
-  OpenDialog(frame, aParent);
+  OpenDialog(frame, QString::fromStdString(MakeFrameName(mCamera.toStdString(), frame->GetFrameID())), aParent);
 }
 
-void FrameSaver::OpenDialog(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent) {
+void FrameSaver::OpenDialog(const std::shared_ptr<const KrBuffer>& aFrame, const QString& aName, QWidget* aParent) {
   mDialog = new QFileDialog(aParent, tr("Save Frame"), mFolder);
   mDialog->setAttribute(Qt::WA_DeleteOnClose);
   mDialog->setAcceptMode(QFileDialog::AcceptSave);
   const QStringList filters = ListFilters();
   mDialog->setNameFilters(filters);
   mDialog->selectNameFilter(filters[FindRow(mFormat)]);
-  mDialog->selectFile(QString::fromStdString(MakeFrameName(mCamera.toStdString(), aFrame->GetFrameID())));
+  mDialog->selectFile(aName);
   SetFormat(FindRow(mFormat));
   connect(mDialog, &QFileDialog::filterSelected, this,
           [this, filters](const QString& aFilter) { SetFormat(static_cast<int>(filters.indexOf(aFilter))); });
@@ -154,9 +154,9 @@ void FrameSaver::OnAccepted(const std::shared_ptr<const KrBuffer>& aFrame, QWidg
   const QString& file = files.constFirst();
   if (!NamesOtherFormat(file))
     return Save(aFrame, file, aParent);
-  // The same frame may still be saved under another name.
+  // The same frame may still be saved with another ending.
   mFolder = QFileInfo(file).absolutePath();
-  OpenDialog(aFrame, aParent);
+  OpenDialog(aFrame, QFileInfo(file).completeBaseName(), aParent);
   ShowFailure(mDialog, tr("Save Frame"), MakeFormatFailure(file));
 }
 

@@ -72,7 +72,7 @@ private:
     std::atomic<std::uint64_t> bytesDone = 0;
   };
 
-  void OpenDialog(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent);
+  void OpenDialog(const std::shared_ptr<const KrBuffer>& aFrame, const QString& aName, QWidget* aParent);
   void OnAccepted(const std::shared_ptr<const KrBuffer>& aFrame, QWidget* aParent);
   void SetFormat(int aRow);
   void StartNext();

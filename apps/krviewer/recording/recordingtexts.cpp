@@ -98,7 +98,10 @@ std::string DescribeLosses(const RecordingProgress& aProgress) {
                          : "could not be written: " + aProgress.frameFailure.GetDescription().ToUtf8());
   add(counts.abandoned, "given up while in memory at the end.");
   add(counts.passedOver, "passed over, as asked.");
-  return HasLosses(counts) ? text : "No frame was lost." + (text.empty() ? "" : "\n" + text);
+  // What could not begin has had no frame to lose.
+  if (HasLosses(counts) || (aProgress.end == RecordingEnd::Failed && counts.written == 0))
+    return text;
+  return "No frame was lost." + (text.empty() ? "" : "\n" + text);
 }
 
 } // namespace krviewer

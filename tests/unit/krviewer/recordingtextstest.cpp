@@ -89,6 +89,10 @@ TEST(RecordingTexts, FramesPassedOverByChoice_AreNoLoss) {
   EXPECT_EQ(DescribeLosses(progress), "No frame was lost.\n3 frames passed over, as asked.");
 }
 
+TEST(RecordingTexts, RecordingThatCouldNotBegin_SaysNothingOfFrames) {
+  EXPECT_EQ(DescribeLosses(MakeProgress(RecordingState::Ended, RecordingEnd::Failed)), "");
+}
+
 TEST(RecordingTexts, RecordingThatReachedALimit_HasNotFailed) {
   for (const RecordingEnd end :
        {RecordingEnd::Stopped, RecordingEnd::FrameLimit, RecordingEnd::TimeLimit, RecordingEnd::DiskBudget}) {

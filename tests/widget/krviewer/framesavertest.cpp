@@ -143,6 +143,7 @@ TEST_F(FrameSaverTest, EndingOfNoFormatThatCanBeWritten_IsRefusedAndAskedForAgai
     EXPECT_TRUE(FindMessage()->text().contains(ending)) << ending;
   delete FindMessage();
   ASSERT_TRUE(krtest::AwaitCondition([this] { return mWindow.findChildren<QFileDialog*>().size() == 1; }));
+  EXPECT_EQ(GetName(*FindDialog()), "shot.tif") << "What was typed is not to be typed again.";
   Accept(GetPath("shot.raw"));
   ASSERT_TRUE(AwaitSaved());
   EXPECT_EQ(TemporaryFolder::ReadFile(mPlace.GetFile("shot.raw")), std::string(kFrameBytes, 7));

@@ -91,6 +91,7 @@ TEST_F(RecordPanelTest, NameThatIsTaken_IsToldAndNothingIsRecordedOver) {
 
   ASSERT_TRUE(AwaitText("recordState", "Failed:"));
   EXPECT_TRUE(GetText("recordState").contains("mine")) << GetText("recordState").toStdString();
+  EXPECT_EQ(GetText("recordLosses"), "");
   EXPECT_TRUE(std::filesystem::is_empty(mPlace.GetFile("mine")));
 }
 
