@@ -60,6 +60,7 @@ void Acquisition::SetState(AcquisitionState aState, const KrResult& aResult) {
   const std::lock_guard lock(mMutex);
   mProgress.state = aState;
   mProgress.result = aResult;
+  mProgress.wasOpened = mHasServed;
   mProgress.isRefused = mIsRefused;
 }
 

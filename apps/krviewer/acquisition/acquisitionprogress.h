@@ -31,6 +31,7 @@ struct AcquisitionProgress {
   std::uint64_t returns = 0;     ///< How often the camera was lost and came back.
   SettingsReturned settings;     ///< What came of setting it as before the last time.
   krapps::StreamFigures figures;
+  bool wasOpened = false; ///< The camera was had, now or before.
   bool isRefused = false; ///< A lost camera is back and cannot be started.
   KrString strayAddress;  ///< Where a lost camera answers that cannot be reached there; empty for one that does not.
   bool isSlow = false;    ///< Whether its registers take long to answer.

@@ -327,6 +327,8 @@ void CameraPage::LookAgain() {
   LookForTrouble();
   TellState();
   mRecordPanel->SetCameraThere(IsConnected());
+  if (GetProgress().wasOpened && !std::exchange(mHasToldOpened, true))
+    emit Opened();
   if (mConnection.GetActive() && IsOver(GetProgress().state) && !std::exchange(mHasToldEnd, true))
     emit AcquisitionEnded();
   if (Acquisition* const acquisition = mConnection.GetActive())

@@ -133,6 +133,8 @@ public:
   void Call(const std::function<void(CameraPage&)>& aCall);
 
 signals:
+  /// The camera is open for the first time.
+  void Opened();
   /// The user wants to pick another camera.
   void FindWanted();
   /// The user wants to give a camera an address.
@@ -189,6 +191,7 @@ private:
   QTimer mTimer;
   QString mTold; ///< What the bar says by itself, of the state.
   int mCalls = 0;
+  bool mHasToldOpened = false;
   bool mHasToldMissing = false;
   bool mHasToldEnd = false;
   bool mIsConnectWanted = false; ///< As soon as the camera is given back.

@@ -157,7 +157,6 @@ void Viewer::Open(const CameraInfo& aCamera) {
                                                   "as soon as that is done.")
                                        .arg(ToText(aCamera->GetDisplayID()))});
   }
-  std::printf("camera=%s\n", krapps::MakeField(aCamera->GetDisplayID()).c_str());
   // Pictures say how fast the frames were; on the screen the status bar does.
   const bool hasText = mCommandLine.IsBatch();
   const PageOptions options{.acquisition = {.frameLimit = mCommandLine.frames,
@@ -180,6 +179,8 @@ void Viewer::Open(const CameraInfo& aCamera) {
 }
 
 void Viewer::ConnectPage(CameraPage& aPage) {
+  connect(&aPage, &CameraPage::Opened, this,
+          [&aPage] { std::printf("camera=%s\n", krapps::MakeField(aPage.GetCamera().GetDisplayID()).c_str()); });
   connect(&aPage, &CameraPage::FindWanted, this, [this] { ShowFinder(); });
   connect(&aPage, &CameraPage::AddressWanted, this, [this] { ShowFinder(FinderPurpose::Addresses); });
   connect(&aPage, &CameraPage::Noticed, this, [this, &aPage](const QString& aText) {
