@@ -51,6 +51,7 @@ QList<QCommandLineOption> MakeOptions() {
        "and the overlay's text, into this folder; those of a second camera into its folder camera-2, and so on.",
        "DIR"},
       {"headless", "Use no display, even where there is one; with --simulate the first simulated camera is shown."},
+      {"style", "Draw windows in this style of Qt, Fusion for example, instead of the desktop's.", "STYLE"},
       {{"h", "help"}, "Print this text."},
       {{"v", "version"}, "Print the version."}};
 }
@@ -111,6 +112,8 @@ const char* FindMissing(const QCommandLineParser& aParser) {
     return "--lab wants a lab file.";
   if (aParser.isSet("screenshot") && aParser.value("screenshot").isEmpty())
     return "--screenshot wants a folder.";
+  if (aParser.isSet("style") && aParser.value("style").isEmpty())
+    return "--style wants a style of Qt.";
   return nullptr;
 }
 
@@ -118,6 +121,8 @@ const char* FindMissing(const QCommandLineParser& aParser) {
 
 CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& aCommandLine, QString& aText) {
   QCommandLineParser parser;
+  // As other programs of the toolkit have it: -style.
+  parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
   parser.setApplicationDescription(QString::fromUtf8(kDescription));
   parser.addPositionalArgument(
       "FILE.xml",
@@ -142,6 +147,7 @@ CommandLineStatus ParseCommandLine(const QStringList& aArguments, CommandLine& a
   aCommandLine.simulate = parser.isSet("simulate") || parser.isSet("lab");
   aCommandLine.labFile = parser.value("lab");
   aCommandLine.headless = parser.isSet("headless");
+  aCommandLine.style = parser.value("style");
   aCommandLine.screenshotFolder = parser.value("screenshot");
   if (!TakeNumber(parser, "frames", std::numeric_limits<std::uint64_t>::max(), aCommandLine.frames, aText) ||
       !TakeNumber(parser, "seconds", kMostSeconds, aCommandLine.seconds, aText))

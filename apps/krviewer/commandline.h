@@ -17,6 +17,7 @@ struct CommandLine {
   bool headless = false;     ///< Without a display.
   std::uint64_t frames = 0;  ///< Ends after so many frames of each camera; 0 never.
   std::uint32_t seconds = 0; ///< Ends after so many seconds; 0 never.
+  QString style;             ///< Of Qt, in which windows are drawn; empty for the desktop's.
   QString screenshotFolder;  ///< Where pictures go at the end; empty for none.
 
   /// Whether it ends by itself: nobody is asked then, and nothing is kept of how the windows were.

@@ -10,8 +10,9 @@
 #include "window/viewer.h"
 #include "window/viewericon.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
+#include <QStyleFactory>
 
 #include <cstdio>
 #include <cstdlib>
@@ -20,6 +21,7 @@
 
 namespace {
 
+constexpr int kNotUnderstood = 2; // The exit code where the command line is wrong.
 constexpr std::uint64_t kHeadlessFrames = 100;
 const QString kFirstSimulatedCamera = QStringLiteral("sim-mono");
 
@@ -58,6 +60,16 @@ bool PrepareWindows(krviewer::CommandLine& aCommandLine) {
   if (result.IsOK())
     krviewer::InstallViewerIcon();
   return result.IsOK();
+}
+
+// Which styles there are only the application object knows.
+bool SetStyle(const QString& aStyle) {
+  if (aStyle.isEmpty() || QApplication::setStyle(aStyle))
+    return true;
+  std::fprintf(stderr, "There is no style \"%s\". There are: %s.\nTry: krviewer --help\n",
+               krapps::MakeField(aStyle.toStdString()).c_str(),
+               QStyleFactory::keys().join(QStringLiteral(", ")).toUtf8().constData());
+  return false;
 }
 
 KrResult InstallTransports(const krviewer::CommandLine& aCommandLine, bool aWantsSimulation) {
@@ -107,7 +119,7 @@ int RunViewer(const krviewer::CommandLine& aCommandLine) {
   for (const KrString& library : KrGetTransportLibraries())
     libraries += QString::fromUtf8(library.CStr());
   krviewer::Viewer viewer(aCommandLine, {.settingsFile = krviewer::ViewerSettings::GetUserFile(),
-                                         .guideFile = QDir::cleanPath(QCoreApplication::applicationDirPath() +
+                                         .guideFile = QDir::cleanPath(QApplication::applicationDirPath() +
                                                                       QStringLiteral("/" KRVIEWER_GUIDE)),
                                          .libraries = libraries,
                                          .installSimulation = [&] { return InstallTransports(aCommandLine, true); }});
@@ -138,14 +150,17 @@ int main(int aArgumentCount, char** aArguments) {
     return 0;
   case krviewer::CommandLineStatus::Error:
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
-    return 2;
+    return kNotUnderstood;
   case krviewer::CommandLineStatus::Run:
     break;
   }
-  if (!commandLine.descriptionFile.isEmpty())
-    return PrepareWindows(commandLine) ? krviewer::DescriptionViewer(commandLine).Run() : 1;
+  const bool hasCameras = commandLine.descriptionFile.isEmpty();
   // Before there are windows, whose toolkit may start threads.
-  if (KrResult prepared = KrGiveBackDevicesAtEnd(); !prepared.IsOK())
+  if (KrResult prepared = hasCameras ? KrGiveBackDevicesAtEnd() : KrResult(); !prepared.IsOK())
     std::fprintf(stderr, "%s\n", prepared.GetDescription().CStr());
-  return PrepareWindows(commandLine) ? RunViewer(commandLine) : 1;
+  if (!PrepareWindows(commandLine))
+    return 1;
+  if (!SetStyle(commandLine.style))
+    return kNotUnderstood;
+  return hasCameras ? RunViewer(commandLine) : krviewer::DescriptionViewer(commandLine).Run();
 }

@@ -327,6 +327,22 @@ TEST(Krviewer, InterruptedWhileTheFinderIsOpen_Ends) {
   EXPECT_EQ(process.exitCode(), 0);
 }
 
+TEST(Krviewer, CameraThatCannotBeHad_IsNotSaidToBeShown) {
+  const ViewerProcess viewer({"--simulate", "--headless", "--seconds", "1", "sim-busy"});
+
+  EXPECT_EQ(viewer.GetExitCode(), 1);
+  EXPECT_FALSE(viewer.GetErrors().isEmpty());
+  EXPECT_FALSE(viewer.GetOutput().contains("camera=")) << viewer.GetOutput().toStdString();
+}
+
+TEST(Krviewer, StyleThatThereIsNot_IsNamedWithThoseThatThereAre) {
+  const ViewerProcess viewer({"--simulate", "--headless", "-style", "Nobody's"});
+
+  EXPECT_EQ(viewer.GetExitCode(), 2);
+  EXPECT_TRUE(viewer.GetErrors().contains("\"Nobody's\"")) << viewer.GetErrors().toStdString();
+  EXPECT_TRUE(viewer.GetErrors().contains("Fusion")) << viewer.GetErrors().toStdString();
+}
+
 TEST(Krviewer, SeveralCameras_AreShownAndCountedApart) {
   const ViewerProcess viewer({"--simulate", "--frames", "20", "sim-mono", "sim-colour"});
 

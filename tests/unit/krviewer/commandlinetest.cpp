@@ -105,7 +105,7 @@ TEST(ParseCommandLine, WhatCannotBeUnderstood_IsNamed) {
         Row{{"--seconds", "3", "c.xml"}, "\"c.xml\""}, Row{{"--device", "camera", "c.xml"}, "\"c.xml\""},
         Row{{"--simulate", "c.xml"}, "\"c.xml\""}, Row{{"--frames", "3", "c.xml"}, "\"c.xml\""},
         Row{{"--device"}, "device"}, Row{{"--device", ""}, "--device"}, Row{{"--screenshot", ""}, "--screenshot"},
-        Row{{"--lab", ""}, "--lab"}}) {
+        Row{{"--lab", ""}, "--lab"}, Row{{"-style", ""}, "--style"}, Row{{"-platform", "xcb"}, "'platform'"}}) {
     CommandLine commandLine;
     QString text;
 
@@ -117,14 +117,26 @@ TEST(ParseCommandLine, WhatCannotBeUnderstood_IsNamed) {
   }
 }
 
+TEST(ParseCommandLine, Style_IsTakenAsOtherProgramsOfTheToolkitTakeIt) {
+  for (const QStringList& arguments : {QStringList{"-style", "Fusion"}, QStringList{"--style=Fusion"}}) {
+    CommandLine commandLine;
+
+    EXPECT_EQ(Parse(arguments, commandLine), CommandLineStatus::Run);
+
+    EXPECT_EQ(commandLine.style, "Fusion");
+  }
+}
+
 TEST(ParseCommandLine, Help_NamesEveryOption) {
   CommandLine commandLine;
   QString text;
 
   EXPECT_EQ(krviewer::ParseCommandLine({"--help"}, commandLine, text), CommandLineStatus::Help);
+  EXPECT_EQ(Parse({"-h"}, commandLine), CommandLineStatus::Help);
 
   EXPECT_TRUE(text.contains("krviewer [options] [DEVICE...|FILE.xml]")) << text.toStdString();
-  for (const char* option : {"--device", "--simulate", "--lab", "--frames", "--seconds", "--screenshot", "--headless"})
+  for (const char* option :
+       {"--device", "--simulate", "--lab", "--frames", "--seconds", "--screenshot", "--headless", "--style"})
     EXPECT_TRUE(text.contains(option)) << option;
 }
 
