@@ -10,6 +10,11 @@ else()
   install_and_move("${prefix}" --component shared)
 endif()
 set(libraryFolder "${prefix}/${LIBRARY_FOLDER}")
+# The menu "Help" leads there, from the programs of both kinds where they are built.
+foreach(folder IN ITEMS krviewer krviewer/shared)
+  require_file("${BUILD_FOLDER}/apps/${folder}/krviewer")
+  require_file("${BUILD_FOLDER}/apps/${folder}/../share/krgui/doc/guide.md")
+endforeach()
 require_no_mention("${prefix}" kr_options krguilogic GUILogic _shared ::@ "${BUILD_FOLDER}" "${EXAMPLES_FOLDER}")
 
 string(REGEX MATCH "^[0-9]+\\.[0-9]+" binaryVersion "${VERSION}")
