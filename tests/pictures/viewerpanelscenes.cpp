@@ -8,6 +8,7 @@
 #include <QDockWidget>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QSpinBox>
 #include <QTableWidget>
 #include <QToolButton>
@@ -61,6 +62,10 @@ void TakeViewerPanels(PictureBook& aBook) {
   page.GetPanels().Show(Panel::Histogram, false);
   page.GetPanels().Show(Panel::Recording, true);
   ViewerScene::AwaitFrames(page);
+  // The home of whoever takes the pictures is of no interest. The panel does not look whether the folder is there.
+  auto& folder = FindIn<QLineEdit>(page, "recordPanel", "recordFolder");
+  const QSignalBlocker blocker(folder);
+  folder.setText("/home/user/Recordings");
   aBook.Save(scene.GetWindow(), "krviewer-recording");
 }
 
