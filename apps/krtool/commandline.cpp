@@ -132,7 +132,8 @@ private:
       line.format = krapps::FindFrameFileFormatOf(line.file);
     if (!line.format)
       Fail("The name of \"" + line.file +
-           "\" does not say its format. Give it an extension, or --format: " + krapps::ListFrameFileFormats() + ".");
+           "\" has no ending of a format that can be written. Give it one, or --format: " +
+           krapps::ListFrameFileFormats() + ".");
   }
 
   const CommandRow& mCommand;

@@ -281,7 +281,11 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"SaveFrameWithoutFile", {"save-frame", "cam"}, "FILE"},
         Mistake{"EmptyFile", {"save-frame", "cam", ""}, "FILE is empty"},
         Mistake{"TwoFiles", {"save-frame", "cam", "a.png", "b.png"}, "\"b.png\""},
-        Mistake{"UnknownExtension", {"save-frame", "cam", "a.jpg"}, "png (.png), tiff (.tiff or .tif), raw (.raw)"},
+        Mistake{
+            "UnknownExtension",
+            {"save-frame", "cam", "a.jpg"},
+            "no ending of a format that can be written. Give it one, or --format: png (.png), tiff (.tiff or .tif), "
+            "raw (.raw)"},
         Mistake{"NoExtension", {"save-frame", "cam", "shot"}, "\"shot\""},
         Mistake{"UnknownFormat", {"save-frame", "cam", "a.png", "--format", "jpg"}, "png, tiff or raw"},
         Mistake{"EmptyPixelFormat", {"save-frame", "cam", "a.png", "--pixel-format", ""}, "pixel format"},
