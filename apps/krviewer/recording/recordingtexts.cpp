@@ -78,6 +78,10 @@ bool HasLosses(const RecordingCounts& aCounts) {
   return aCounts.queueFull + aCounts.incomplete + aCounts.failed + aCounts.abandoned > 0;
 }
 
+bool CouldBegin(const RecordingProgress& aProgress) {
+  return aProgress.end != RecordingEnd::Failed || aProgress.counts.written > 0;
+}
+
 bool HasFailed(const RecordingProgress& aProgress) {
   return aProgress.end == RecordingEnd::Failed || aProgress.end == RecordingEnd::DiskReserve ||
          aProgress.counts.failed > 0;
@@ -99,7 +103,7 @@ std::string DescribeLosses(const RecordingProgress& aProgress) {
   add(counts.abandoned, "given up while in memory at the end.");
   add(counts.passedOver, "passed over, as asked.");
   // What could not begin has had no frame to lose.
-  if (HasLosses(counts) || (aProgress.end == RecordingEnd::Failed && counts.written == 0))
+  if (HasLosses(counts) || !CouldBegin(aProgress))
     return text;
   return "No frame was lost." + (text.empty() ? "" : "\n" + text);
 }

@@ -270,8 +270,8 @@ void RecordPanel::LookAgain() {
   mSettings->setEnabled(!isBusy);
   mButton->setText(isBusy ? tr("Stop Record&ing") : tr("Start Record&ing"));
   mButton->setEnabled(isBusy ? progress.state == RecordingState::Recording : mIsCameraThere);
-  // The name is taken now.
-  if (mWasBusy && !isBusy)
+  // The name is taken now, unless the recording could not begin: then what was typed is there to be mended.
+  if (mWasBusy && !isBusy && CouldBegin(progress))
     ProposeName();
   mWasBusy = isBusy;
   ShowProgress(progress);

@@ -92,6 +92,7 @@ TEST_F(RecordPanelTest, NameThatIsTaken_IsToldAndNothingIsRecordedOver) {
   ASSERT_TRUE(AwaitText("recordState", "Failed:"));
   EXPECT_TRUE(GetText("recordState").contains("mine")) << GetText("recordState").toStdString();
   EXPECT_EQ(GetText("recordLosses"), "");
+  EXPECT_EQ(Find<QLineEdit>("recordName").text(), "mine") << "What was typed is there to be changed.";
   EXPECT_TRUE(std::filesystem::is_empty(mPlace.GetFile("mine")));
 }
 
