@@ -98,6 +98,11 @@ void CameraEnd::SetFaults(unsigned aEvery, unsigned aSeed) {
   mRandom.seed(aSeed);
 }
 
+int CameraEnd::CountFaults() {
+  const std::lock_guard lock(mMutex);
+  return mFaults;
+}
+
 void CameraEnd::HoldBack(bool aIsHeld) {
   const std::lock_guard lock(mMutex);
   mIsHeld = aIsHeld;
@@ -145,6 +150,7 @@ std::string CameraEnd::Damage(std::string_view aBytes) {
   std::string damaged;
   for (const char byte : aBytes) {
     const unsigned fault = mEvery > 0 && mRandom() % mEvery == 0 ? 1 + static_cast<unsigned>(mRandom() % 3) : 0;
+    mFaults += fault != 0 ? 1 : 0;
     if (fault == 1)
       continue;
     damaged += fault == 2 ? static_cast<char>(byte ^ static_cast<char>(1 << mRandom() % 8)) : byte;

@@ -51,6 +51,8 @@ public:
   krcamerabridge::ICameraLine& GetLine() { return mLine; }
   /// Of both directions, one byte in aEvery is lost, changed or doubled; 0 for none.
   void SetFaults(unsigned aEvery, unsigned aSeed);
+  /// How many there were so far.
+  int CountFaults();
   /// While it is silent the camera gets what comes, and what it says is lost.
   void SetSilent(bool aIsSilent) { mIsSilent = aIsSilent; }
   /// While answers are held back they are collected, and sent when they are not any more.
@@ -78,6 +80,7 @@ private:
   std::string mHeld;
   unsigned mEvery = 0;
   std::minstd_rand mRandom;
+  int mFaults = 0;
   std::jthread mThread;
 };
 

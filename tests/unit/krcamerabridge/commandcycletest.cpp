@@ -10,6 +10,12 @@ namespace {
 
 using krtest::HeardCommand;
 
+// What is lost on purpose is missed soon.
+class HastyCycleOnLine : public CommandCycleOnLine {
+protected:
+  HastyCycleOnLine() : CommandCycleOnLine(kQuickTimes) {}
+};
+
 TEST_F(CommandCycleOnLine, Requests_CountFromOneAfterAProbeByZero) {
   Answer answer;
 
@@ -38,7 +44,7 @@ TEST_F(CommandCycleOnLine, Requests_AreNeverZeroAgain) {
   EXPECT_EQ(camera.TakeHeard().at(0).request, 1);
 }
 
-TEST_F(CommandCycleOnLine, LostAnswer_IsAskedForAgainByTheSameRequest) {
+TEST_F(HastyCycleOnLine, LostAnswer_IsAskedForAgainByTheSameRequest) {
   camera.SetFaults({.lostAnswers = 3});
 
   ExpectRightRead();
@@ -50,7 +56,7 @@ TEST_F(CommandCycleOnLine, LostAnswer_IsAskedForAgainByTheSameRequest) {
   EXPECT_EQ(heard[1].request, heard[0].request);
 }
 
-TEST_F(CommandCycleOnLine, SilentCamera_IsAskedFourTimes) {
+TEST_F(HastyCycleOnLine, SilentCamera_IsAskedFourTimes) {
   camera.SetFaults({.isSilent = true});
 
   const KrResult result = Read(kFeatures, 4);
@@ -100,7 +106,7 @@ TEST_F(CommandCycleOnLine, BusyCamera_IsAskedUntilItHasTime) {
   EXPECT_EQ(requests.size(), 6u);
 }
 
-TEST_F(CommandCycleOnLine, CameraThatAsksForTime_IsAwaitedLongerThanOneThatIsSilent) {
+TEST_F(HastyCycleOnLine, CameraThatAsksForTime_IsAwaitedLongerThanOneThatIsSilent) {
   // It works for nearly two seconds, and one that says nothing is given up after some hundred milliseconds.
   camera.SetFaults({.pendingAnswers = 3, .pendingMs = 600});
 
@@ -109,7 +115,7 @@ TEST_F(CommandCycleOnLine, CameraThatAsksForTime_IsAwaitedLongerThanOneThatIsSil
   EXPECT_EQ(camera.GetFaults().pendingAnswers, 0);
 }
 
-TEST_F(CommandCycleOnLine, AnswerBehindThePendingTime_HasItsTimeOnTheLine) {
+TEST_F(HastyCycleOnLine, AnswerBehindThePendingTime_HasItsTimeOnTheLine) {
   cycle.SetBaudRate(100); // On which an answer takes seconds.
   camera.SetFaults({.pendingAnswers = 1, .pendingMs = 10, .lateMs = 600});
 

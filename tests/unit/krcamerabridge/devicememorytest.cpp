@@ -14,10 +14,10 @@ class DeviceMemoryOnABadLine : public CommandCycleOnLine {
 protected:
   DeviceMemoryOnABadLine() {
     hasty.SetBaudRate(921600);
-    hasty.SetResponseTime(20);
+    hasty.SetResponseTime(60);
   }
 
-  CommandCycle hasty{line, {20, 30, 1, kGenerousMs, kGenerousMs}};
+  CommandCycle hasty{line, {60, 60, 1, kGenerousMs, kGenerousMs}};
   DeviceMemory hastyMemory{hasty};
 };
 
@@ -110,7 +110,7 @@ class WriteWithoutAnAnswer : public DeviceMemoryOnABadLine, public testing::With
 protected:
   // Each is sent four times, and heard as often.
   void ExpectFailedWrite() {
-    hasty.SetResponseTime(200);
+    hasty.SetResponseTime(1000);
     camera.SetFaults(GetParam().faults);
     EXPECT_EQ(hastyMemory.Write(kFeatures, MakeBytes(900), {}), GetParam().code);
     ASSERT_TRUE(camera.AwaitHeard(4));
@@ -131,7 +131,7 @@ TEST_P(WriteWithoutAnAnswer, LeavesTheSizeOfTheNext) {
   ExpectFailedWrite();
   camera.TakeWrites();
   camera.SetFaults({});
-  hasty.SetResponseTime(2000);
+  hasty.SetResponseTime(20000);
 
   ASSERT_TRUE(hastyMemory.Write(kFeatures, MakeBytes(900, 2), {}).IsOK());
 

@@ -20,6 +20,8 @@ namespace krcamerabridge {
 constexpr std::uint32_t kGenerousMs = 60000;
 /// Shorter than for a camera behind a real device, so that what is lost on purpose is missed soon.
 constexpr CycleTimes kQuickTimes{200, 100, 1, kGenerousMs, kGenerousMs};
+/// For what is answered at once: a camera that has to wait for a processor is not asked again.
+constexpr CycleTimes kPatientTimes{kGenerousMs, 100, 1, kGenerousMs, kGenerousMs};
 
 /// The speed of the host's end of the wire.
 class WireSpeed final : public ILineSpeed {

@@ -8,6 +8,8 @@ namespace krcamerabridge {
 
 class CommandCycleOnLine : public GenCPOnLine {
 protected:
+  explicit CommandCycleOnLine(const CycleTimes& aTimes = kPatientTimes) : cycle(line, aTimes) {}
+
   KrResult Read(std::uint64_t aAddress, std::size_t aSize, const std::stop_token& aStop = {}) {
     bytes.assign(aSize, 0);
     return memory.Read(aAddress, bytes, aStop);
@@ -19,7 +21,7 @@ protected:
     EXPECT_EQ(bytes, camera.Peek(kFeatures + 5, 16));
   }
 
-  CommandCycle cycle{line, kQuickTimes};
+  CommandCycle cycle;
   DeviceMemory memory{cycle};
   std::vector<std::uint8_t> bytes;
 };

@@ -181,7 +181,8 @@ TEST(PortWorker, AccessThatTakesTooLong_MakesTheCameraSilentUntilItAnswersAProbe
   device.OrderSilence();
   PortWorker port(device, {0, 1});
 
-  EXPECT_EQ(Read(port, 20), KrResult::Code::TimeLimitExceeded);
+  // Its first half is long enough for the worker's thread to begin in.
+  EXPECT_EQ(Read(port, 4000), KrResult::Code::TimeLimitExceeded);
   ASSERT_TRUE(device.AwaitProbes(2));
   EXPECT_EQ(Read(port), KrResult::Code::TimeLimitExceeded);
   EXPECT_EQ(device.calls, 1);

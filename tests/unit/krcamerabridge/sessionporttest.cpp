@@ -1,25 +1,26 @@
 #include "line/sessionport.h"
 
 #include "gencp/accesstime.h"
+#include "gencp/commandcycle.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <thread>
 
 namespace krcamerabridge {
 namespace {
 
-/// Answers a little later than at once, and counts how it is closed.
+/// Answers a little later than at once, a question for a single byte never, and counts how it is closed.
 class SlowSession final : public ILineSession {
 public:
   SlowSession(std::uint64_t aLineMs, std::atomic<int>& aClosings) : mLineMs(aLineMs), mClosings(aClosings) {}
 
-  KrResult Read(std::uint64_t, std::span<std::uint8_t> aData, const std::stop_token&) override {
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  KrResult Read(std::uint64_t, std::span<std::uint8_t> aData, const std::stop_token& aStop) override {
+    if (!Rest(aData.size() > 1 ? 100 : 60'000, aStop))
+      return {KrResult::Code::Aborted, "Who asked has left."};
     std::ranges::fill(aData, std::uint8_t{7});
     return {};
   }

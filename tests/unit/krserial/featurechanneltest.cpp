@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -82,6 +84,11 @@ protected:
     text.resize(read);
     return result;
   }
+  /// How often an idle port may have been asked by now: at 0, 20, 60, 140, 300 ms, then every 200 ms, and once more.
+  static int CountPollsSince(FeatureChannel::Clock::time_point aBegin) {
+    const auto spent = std::chrono::ceil<milliseconds>(FeatureChannel::Clock::now() - aBegin);
+    return 6 + static_cast<int>(std::max(spent - milliseconds(300), milliseconds(0)) / milliseconds(200));
+  }
 
   std::shared_ptr<KrDeviceLifetime> lifetime = std::make_shared<KrDeviceLifetime>();
   std::shared_ptr<FeatureTurn> turn = std::make_shared<FeatureTurn>();
@@ -111,24 +118,24 @@ TEST_F(FeatureChannelTest, Opening_DropsAllThatCameBefore) {
 }
 
 TEST_F(FeatureChannelTest, AnIdlePort_IsAskedRarely) {
+  const auto begin = FeatureChannel::Clock::now();
   OpenChannel();
 
   for (int i = 0; i < 4; ++i)
     EXPECT_EQ(Read(250), KrResult::Code::TimeLimitExceeded);
 
-  // At 0, 20, 60, 140, 300 ms, then every 200 ms; fewer where the host is slow.
-  EXPECT_LE(line->receives, 9);
+  EXPECT_LE(line->receives, CountPollsSince(begin));
   EXPECT_TRUE(line->isAtRest);
 }
 
 TEST_F(FeatureChannelTest, ReadsShorterThanAPause_AskNoMoreOften) {
+  const auto begin = FeatureChannel::Clock::now();
   OpenChannel();
-  const auto end = FeatureChannel::Clock::now() + milliseconds(500);
 
-  while (FeatureChannel::Clock::now() < end)
+  while (FeatureChannel::Clock::now() < begin + milliseconds(500))
     EXPECT_EQ(Read(1), KrResult::Code::TimeLimitExceeded);
 
-  EXPECT_LE(line->receives, 8);
+  EXPECT_LE(line->receives, CountPollsSince(begin));
 }
 
 TEST_F(FeatureChannelTest, AReadThatDoesNotWait_AsksAtOnce) {

@@ -199,7 +199,7 @@ TEST(CommandExchange, WithoutAnAnswer_IsRepeatedOnlyWhereThatDoesNoHarm) {
     std::atomic<int> count{0};
     CameraEnd camera([&count](std::string_view) { return ++count > 1 ? "OK\r"s : std::string(); });
     CommandExchange exchange(camera.GetLine(), protocol);
-    CommandOrder order = MakeOrder("SAVE\r", "OK\\r", false, 500);
+    CommandOrder order = MakeOrder("SAVE\r", "OK\\r", false, 2000);
     order.mayRepeat = mayRepeat;
     AnswerContent content;
 
@@ -235,21 +235,17 @@ TEST(CommandExchange, TheAnswerToACancelledCommand_IsDropped) {
   camera.HoldBack(true);
   std::stop_source stop;
   CommandOrder order = MakeOrder("A?\r", "{value:d}\\r");
-  order.answerMs = 20000;
+  order.answerMs = 3000; // As long the line is to be quiet afterwards.
   auto asked = std::async(std::launch::async, [&] { return exchange.Run(order, stop.get_token(), content); });
   ASSERT_TRUE(camera.AwaitBytes(3));
   stop.request_stop();
   EXPECT_EQ(asked.get(), KrResult::Code::Aborted);
 
-  // While the line is to be quiet, the late answer comes.
-  order = MakeOrder("B?\r", "{value:d}\\r");
-  std::stop_source second;
-  asked = std::async(std::launch::async, [&] { return exchange.Run(order, second.get_token(), content); });
   camera.HoldBack(false);
-  second.request_stop();
-  static_cast<void>(asked.get()); // Aborted, or done where it was quick.
+  const KrResult result = exchange.Run(MakeOrder("B?\r", "{value:d}\\r"), {}, content);
 
-  EXPECT_FALSE(content.value && GetWhole(content) == 1);
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(GetWhole(content), 2);
 }
 
 TEST(CommandExchange, Cancelling_EndsTheWaitAtOnce) {
@@ -298,7 +294,7 @@ TEST(CommandExchange, AMissingEcho_IsTold) {
   CommandExchange exchange(camera.GetLine(), protocol);
   AnswerContent content;
 
-  const KrResult result = exchange.Run(MakeOrder("A?\r", "{value:d}\\r", false, 100), {}, content);
+  const KrResult result = exchange.Run(MakeOrder("A?\r", "{value:d}\\r"), {}, content);
 
   EXPECT_EQ(result, KrResult::Code::ProtocolError);
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("answered \"7\\r\""));
