@@ -46,6 +46,10 @@ protected:
     mSystem.SetDetectionTimeout(2000);
   }
 
+  void FindByAddress(const KrDeviceInfo*& aInfo) {
+    mSystem.SetDetectionTimeout(krtest::kGenerousMs); // The answer ends it.
+    ASSERT_TRUE(mSystem.FindDevice("127.0.0.1", &aInfo).IsOK());
+  }
   void Open(const KrDeviceInfo& aInfo) {
     const KrResult opened = KrDevice::Open(aInfo, KrDeviceAccess::Control, mDevice);
     ASSERT_TRUE(opened.IsOK()) << opened.GetDescription().CStr();
@@ -59,12 +63,14 @@ protected:
 } // namespace
 
 TEST_F(CameraInAWindow, ByBroadcastAndByAddress_IsTheSameDevice) {
-  ASSERT_TRUE(mSystem.Find().IsOK());
+  // One that has to wait for a processor answers too late for a round, and is heard in another.
+  for (int round = 0; round < 30 && mSystem.GetDeviceCount() == 0; ++round)
+    ASSERT_TRUE(mSystem.Find().IsOK());
   ASSERT_EQ(mSystem.GetDeviceCount(), 1u);
   const KrDeviceInfo* byBroadcast = mSystem.GetDeviceInfo(0);
   const KrDeviceInfo* byAddress = nullptr;
 
-  ASSERT_TRUE(mSystem.FindDevice("127.0.0.1", &byAddress).IsOK());
+  FindByAddress(byAddress);
 
   ASSERT_NE(byAddress, nullptr);
   EXPECT_EQ(byAddress->GetUniqueID(), byBroadcast->GetUniqueID());
@@ -74,7 +80,7 @@ TEST_F(CameraInAWindow, ByBroadcastAndByAddress_IsTheSameDevice) {
 
 TEST_F(CameraInAWindow, TwoHundredFrames_ComeWholeAndTheLastIsOnTheRootWindow) {
   const KrDeviceInfo* info = nullptr;
-  ASSERT_TRUE(mSystem.FindDevice("127.0.0.1", &info).IsOK());
+  FindByAddress(info);
   Open(*info);
   WriteNumber(*mDevice, kWidthRegister, kWidth);
   WriteNumber(*mDevice, kHeightRegister, kHeight);
@@ -124,7 +130,7 @@ TEST_F(CameraInAWindow, TwoHundredFrames_ComeWholeAndTheLastIsOnTheRootWindow) {
 
 TEST_F(CameraInAWindow, KilledWhileFramesArrive_EndsTheStreamWithAResultAndAnEventAndTheWindowLivesOn) {
   const KrDeviceInfo* info = nullptr;
-  ASSERT_TRUE(mSystem.FindDevice("127.0.0.1", &info).IsOK());
+  FindByAddress(info);
   Open(*info);
   KrDisplayWnd window;
   ASSERT_TRUE(window.ShowModeless(0).IsOK());

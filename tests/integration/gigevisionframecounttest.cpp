@@ -13,11 +13,14 @@
 
 #include <arv.h>
 
+#include <array>
+
 namespace {
 
 constexpr const char* kCameraAddress = "127.0.0.2";
 constexpr const char* kRelayAddress = "127.0.0.3";
-constexpr std::uint32_t kGenerousTimeoutMs = 20000;
+constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+constexpr std::uint64_t kHeightRegister = 0x104;
 
 FakeCameraOptions MakeCameraOptions() {
   AddLoopbackAddress(kCameraAddress);
@@ -41,12 +44,19 @@ RelayOrders MakeOrders() {
 class GigEVisionFrameCount : public testing::Test {
 protected:
   void SetUp() override {
+    // Frames that find room in the smallest of sockets, and time to take each before the next one comes.
+    mCamera.SetFramePeriod(150'000);
     krsystem::RegisterTransport(mTransport);
+    mSystem.SetDetectionTimeout(kGenerousTimeoutMs);
     const KrDeviceInfo* info = nullptr;
     const KrResult found = mSystem.FindDevice(kRelayAddress, &info);
     ASSERT_TRUE(found.IsOK()) << found.GetDescription().CStr();
     const KrResult opened = KrDevice::Open(*info, KrDeviceAccess::Control, mDevice);
     ASSERT_TRUE(opened.IsOK()) << opened.GetDescription().CStr();
+    constexpr std::array<std::uint8_t, 4> kHeight = {0, 0, 1, 0}; // 256 lines.
+    ASSERT_TRUE(mDevice->GetRegisterPort()
+                    .Write(kHeightRegister, kHeight.data(), kHeight.size(), kGenerousTimeoutMs)
+                    .IsOK());
   }
   void TearDown() override {
     mDevice.reset();

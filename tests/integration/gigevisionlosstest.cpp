@@ -89,10 +89,17 @@ TEST_F(GigEVisionLoss, CameraRestartedWhileStreaming_IsOpenedAnewAndStreams) {
   ASSERT_TRUE(WriteRegister(*mLink, kWidthRegister, kWidth).IsOK());
   ASSERT_TRUE(WriteRegister(*mLink, kHeightRegister, kHeight).IsOK());
 
+  // A receiver that gets no time for a burst loses packets of it, which the camera here does not send again.
+  ASSERT_TRUE(WriteRegister(*mLink, kFramePeriodRegister, 150'000).IsOK());
   ASSERT_TRUE(Start().IsOK());
-  const KrBuffer* buffer = Retrieve();
-  ASSERT_NE(buffer, nullptr);
-  EXPECT_EQ(buffer->GetStatus(), KrBufferStatus::Complete);
+  bool isWhole = false;
+  for (int taken = 0; !isWhole && taken < 100; ++taken) {
+    KrBuffer* buffer = Retrieve();
+    ASSERT_NE(buffer, nullptr);
+    isWhole = buffer->GetStatus() == KrBufferStatus::Complete;
+    ASSERT_TRUE(mSource->Queue(buffer).IsOK());
+  }
+  EXPECT_TRUE(isWhole);
 }
 
 TEST_F(GigEVisionLoss, AnotherCameraAtItsAddress_IsNotOpenedInItsPlace) {

@@ -19,6 +19,7 @@ constexpr std::uint32_t kControlBit = 2;
 // What the camera says of who controls it, read as somebody who looks on.
 KrResult ReadControlPrivilege(std::uint32_t& aPrivilege) {
   KrSystem system;
+  system.SetDetectionTimeout(kTimeoutMs);
   const KrDeviceInfo* info = nullptr;
   KrResult result = system.FindDevice("127.0.0.1", &info);
   std::unique_ptr<KrDevice> monitor;
