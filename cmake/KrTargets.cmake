@@ -129,8 +129,10 @@ endif()
 function(kr_add_test_run aName)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "COMMAND;ENVIRONMENT")
   string(REGEX MATCH "^[^.]+" kind "${aName}")
-  # The settings of whoever runs the tests are neither read nor changed.
-  set(environment "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-settings")
+  # The settings of whoever runs the tests are neither read nor changed, nor those of a test that runs at the same time:
+  # the toolkit's dialogs keep their last folder and view there.
+  set(settings "${CMAKE_BINARY_DIR}/test-settings/${aName}")
+  set(environment "XDG_CONFIG_HOME=${settings}/config" "XDG_DATA_HOME=${settings}/data")
   if(kind STREQUAL "widget")
     list(APPEND environment QT_QPA_PLATFORM=offscreen)
   endif()
@@ -144,7 +146,12 @@ function(kr_add_test_run aName)
   endif()
   math(EXPR timeout "${arg_TIMEOUT} * ${KR_TEST_TIME_FACTOR}")
 
-  add_test(NAME ${aName} COMMAND ${arg_COMMAND})
+  list(POP_FRONT arg_COMMAND program)
+  if(TARGET ${program}) # Which CMake itself replaces by the file only where it comes first.
+    set(program "$<TARGET_FILE:${program}>")
+  endif()
+  add_test(NAME ${aName}
+    COMMAND "${PROJECT_SOURCE_DIR}/scripts/with-empty-folder.sh" "${settings}" ${program} ${arg_COMMAND})
   set_tests_properties(${aName} PROPERTIES
     TIMEOUT ${timeout} LABELS ${kind} ENVIRONMENT "${environment};${arg_ENVIRONMENT}")
 endfunction()
