@@ -1,5 +1,6 @@
 #include "bridge/cameralinkend.h"
 #include "krserial/krgenparameterarraycl.h"
+#include "scopedvariable.h"
 #include "temporaryfolder.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <stop_token>
 #include <string>
@@ -42,7 +42,6 @@ class OtherUser : public testing::Test {
 protected:
   OtherUser() {
     ::chmod(mFolder.GetPath().c_str(), 0755);
-    setenv("KRGUI_CAMERA_LINK_DIR", mPath.c_str(), 1);
     EXPECT_TRUE(CameraLinkEnd::Open("Camera", true, mEnd).IsOK());
     mTaker = std::jthread([this](const std::stop_token& aStop) {
       std::uint8_t byte = 0;
@@ -50,10 +49,7 @@ protected:
       (void)mEnd->Read(&byte, 1, read, aStop);
     });
   }
-  ~OtherUser() override {
-    mTaker.request_stop();
-    unsetenv("KRGUI_CAMERA_LINK_DIR");
-  }
+  ~OtherUser() override { mTaker.request_stop(); }
 
   // What keeps others out, where this test may not become one of them.
   void ExpectRightsOfTheOwner() {
@@ -80,6 +76,7 @@ protected:
 
   TemporaryFolder mFolder;
   std::string mPath = mFolder.GetFile("sockets");
+  const krtest::ScopedVariable mVariable{"KRGUI_CAMERA_LINK_DIR", mPath};
   std::unique_ptr<CameraLinkEnd> mEnd;
   std::jthread mTaker;
 };

@@ -1,11 +1,10 @@
 #include "devicefeatures.h"
 
 #include "featuredevice.h"
+#include "scopedvariable.h"
 #include "temporaryfolder.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
 
 namespace krserial {
 
@@ -17,8 +16,6 @@ using krtest::FeaturePort;
 // A camera that does not answer at first, asked by a clock of the test's.
 class SilentCamera : public testing::Test {
 protected:
-  SilentCamera() { setenv("XDG_CONFIG_HOME", folder.GetPath().c_str(), 1); }
-  ~SilentCamera() override { unsetenv("XDG_CONFIG_HOME"); }
   void SetUp() override { SetFailure(KrResult::Code::TimeLimitExceeded); }
 
   void SetFailure(const KrResult& aFailure) {
@@ -30,6 +27,7 @@ protected:
   }
 
   TemporaryFolder folder;
+  const krtest::ScopedVariable settings{"XDG_CONFIG_HOME", folder.GetPath()};
   FeatureDevice device{krtest::MakeFileAccess()};
   DeviceFeatures::Clock::time_point now;
   DeviceFeatures features{device.device->GetLifetime(), [this] { return now; }};

@@ -4,11 +4,11 @@
 #include "featuredevice.h"
 #include "krserial/krdeviceserialport.h"
 #include "krserial/krserialfeatures.h"
+#include "scopedvariable.h"
 #include "temporaryfolder.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -33,11 +33,7 @@ inline constexpr const char* kUartMap = R"(serialFeatures:
 // Tests that read no files of the user who runs them.
 class FeaturePortTest : public testing::Test {
 protected:
-  FeaturePortTest() { setenv("XDG_CONFIG_HOME", folder.GetPath().c_str(), 1); }
-  ~FeaturePortTest() override {
-    KrSerialFeatures::RemoveAdded();
-    unsetenv("XDG_CONFIG_HOME");
-  }
+  ~FeaturePortTest() override { KrSerialFeatures::RemoveAdded(); }
 
   void AddMap(const std::string& aText) {
     const std::string file = folder.GetFile("map.yaml");
@@ -71,6 +67,7 @@ protected:
   }
 
   TemporaryFolder folder;
+  const ScopedVariable settings{"XDG_CONFIG_HOME", folder.GetPath()};
   KrDeviceSerialPort port;
   std::uint32_t written = 0;
   std::string text;

@@ -2,11 +2,11 @@
 
 #include "krbase/krlogger.h"
 #include "serialmaplist.h"
+#include "scopedvariable.h"
 #include "temporaryfolder.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 namespace {
@@ -18,11 +18,7 @@ std::string MakeMap(const std::string& aName) {
 // Maps of a user who has what the test gives them.
 class SerialFeatures : public testing::Test {
 protected:
-  SerialFeatures() { setenv("XDG_CONFIG_HOME", folder.GetPath().c_str(), 1); }
-  ~SerialFeatures() override {
-    KrSerialFeatures::RemoveAdded();
-    unsetenv("XDG_CONFIG_HOME");
-  }
+  ~SerialFeatures() override { KrSerialFeatures::RemoveAdded(); }
 
   std::string AddUserFile(const std::string& aName, const std::string& aText) {
     const std::filesystem::path directory = KrSerialFeatures::GetUserDirectory().ToUtf8();
@@ -43,6 +39,7 @@ protected:
   }
 
   TemporaryFolder folder;
+  const krtest::ScopedVariable settings{"XDG_CONFIG_HOME", folder.GetPath()};
 };
 
 using Names = std::vector<std::string>;
@@ -132,8 +129,8 @@ TEST_F(SerialFeatures, UserDirectory_IsInTheConfigurationDirectory) {
 
 TEST_F(SerialFeatures, UserDirectory_IsBelowHomeWhereNothingElseIsSaid) {
   for (const char* configured : {"", "relative"}) {
-    setenv("XDG_CONFIG_HOME", configured, 1);
-    setenv("HOME", "/home/somebody", 1);
+    const krtest::ScopedVariable noSettings("XDG_CONFIG_HOME", configured);
+    const krtest::ScopedVariable home("HOME", "/home/somebody");
 
     EXPECT_EQ(KrSerialFeatures::GetUserDirectory(), KrString("/home/somebody/.config/krgui/serial-features.d"));
   }
