@@ -1,5 +1,6 @@
 // What comes from a camera, held against any template of an answer: what is taken for a message lies within the bytes
-// and stays one when more come, and what can never become one does not.
+// and stays one when more come, and what can never become one does not. A message that matches gives what the template
+// asks for, and does not match with a byte changed that is fixed or checked.
 //
 // The first character chooses the checksum, the second is B for bytes, the rest of the line is the template. What comes
 // from the camera begins behind it.
@@ -50,6 +51,48 @@ bool IsAnswer(const CommandTemplate& aTemplate) {
   return !isFree || FindPart(aTemplate, Kind::Length) || !GetEnding(aTemplate).empty();
 }
 
+// The bytes before a checksum whose place is the same in all messages; 0 where there is none.
+std::size_t FindChecked(const CommandTemplate& aTemplate) {
+  std::size_t place = 0;
+  for (const TemplatePart& part : aTemplate) {
+    if (part.kind == Kind::Check)
+      return place;
+    const std::size_t size = GetFixedPartSize(part);
+    if (size == 0)
+      break;
+    place += size;
+  }
+  return 0;
+}
+
+// What a message gives is what the template has places for; a byte that its fixed text or its checksum does not allow
+// refuses it.
+void CheckContent(const CommandTemplate& aTemplate, const ChecksumRule& aRule, std::string_view aMessage) {
+  const auto content = MatchAnswer(aTemplate, aRule, aMessage);
+  if (!content)
+    return;
+  Require(content->value.has_value() == (FindPart(aTemplate, Kind::Value) != nullptr));
+  Require(content->code.has_value() == (FindPart(aTemplate, Kind::Code) != nullptr));
+  Require(content->text.empty() || FindPart(aTemplate, Kind::Text));
+
+  std::string changed(aMessage);
+  if (aTemplate.front().kind == Kind::Literal) {
+    changed.front() = static_cast<char>(changed.front() ^ 1);
+    Require(!MatchAnswer(aTemplate, aRule, changed));
+  }
+  if (const std::string_view ending = GetEnding(aTemplate); !ending.empty()) {
+    Require(aMessage.ends_with(ending));
+    changed = aMessage;
+    changed.back() = static_cast<char>(changed.back() ^ 1);
+    Require(!MatchAnswer(aTemplate, aRule, changed));
+  }
+  if (const std::size_t checked = FindChecked(aTemplate); checked > 0 && aRule.kind != ChecksumKind::None) {
+    changed = aMessage;
+    changed[checked - 1] = static_cast<char>(changed[checked - 1] ^ 1);
+    Require(!MatchAnswer(aTemplate, aRule, changed));
+  }
+}
+
 void Listen(const CommandTemplate& aTemplate, const ChecksumRule& aRule, std::string_view aBytes) {
   MessageSize before{State::More};
   const std::size_t step = std::max<std::size_t>(aBytes.size() / kMostSteps, 1);
@@ -64,9 +107,7 @@ void Listen(const CommandTemplate& aTemplate, const ChecksumRule& aRule, std::st
   }
   if (before.state != State::Known)
     return;
-  const auto content = MatchAnswer(aTemplate, aRule, aBytes.substr(0, before.size));
-  if (content && content->value && FindPart(aTemplate, Kind::Value))
-    Require(content->value->index() < std::variant_size_v<WireValue>);
+  CheckContent(aTemplate, aRule, aBytes.substr(0, before.size));
 }
 
 } // namespace
