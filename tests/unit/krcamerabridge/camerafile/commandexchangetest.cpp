@@ -294,7 +294,8 @@ TEST(CommandExchange, AMissingEcho_IsTold) {
   CommandExchange exchange(camera.GetLine(), protocol);
   AnswerContent content;
 
-  const KrResult result = exchange.Run(MakeOrder("A?\r", "{value:d}\\r"), {}, content);
+  // The limit is waited out, as the echo might still come.
+  const KrResult result = exchange.Run(MakeOrder("A?\r", "{value:d}\\r", false, 3000), {}, content);
 
   EXPECT_EQ(result, KrResult::Code::ProtocolError);
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("answered \"7\\r\""));
