@@ -30,6 +30,7 @@ public:
   }
   KrResult Receive(std::vector<std::uint8_t>& aBytes) override {
     ++receives;
+    Count();
     isAtRest = false;
     clock += receiveTime;
     if (next < script.size())
@@ -40,12 +41,16 @@ public:
   }
   KrResult GetLoss() const override { return loss; }
   KrResult Transmit(const std::uint8_t*, std::size_t aSize, std::size_t& aTaken) override {
+    Count();
     isAtRest = false;
     aTaken = std::min<std::size_t>(aSize, 2);
     transmits += 1;
     return {};
   }
-  void Rest() override { isAtRest = true; }
+  void Rest() override {
+    Count();
+    isAtRest = true;
+  }
 
   std::vector<std::string> script; ///< What comes, by question; then always.
   std::string always;
@@ -58,8 +63,10 @@ public:
   int transmits = 0;
   int closings = 0;
   bool isAtRest = true;
+  std::shared_ptr<int> calls = std::make_shared<int>(0); ///< Outlives the line.
 
 private:
+  void Count() { ++*calls; }
   static void Append(std::vector<std::uint8_t>& aBytes, const std::string& aText) {
     aBytes.insert(aBytes.end(), aText.begin(), aText.end());
   }
@@ -203,10 +210,14 @@ TEST_F(FeatureChannelTest, AChannelThatEnds_IsNotTouchedByTheNext) {
   OpenChannel();
   line->script = {"more to come"};
   ASSERT_TRUE(Read(kGenerousMs).IsOK());
+  ASSERT_FALSE(line->isAtRest);
+  const std::shared_ptr<int> calls = line->calls;
 
   MakeChannel();
+  const int callsAtItsEnd = *calls;
 
   EXPECT_TRUE(channel->Open().IsOK());
+  EXPECT_EQ(*calls, callsAtItsEnd);
 }
 
 TEST_F(FeatureChannelTest, ADeviceThatIsSilent_IsNotAskedToClose) {
