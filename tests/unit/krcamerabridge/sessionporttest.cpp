@@ -1,13 +1,14 @@
 #include "line/sessionport.h"
 
 #include "gencp/accesstime.h"
-#include "gencp/commandcycle.h"
+#include "line/rest.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace krcamerabridge {
@@ -19,7 +20,7 @@ public:
   SlowSession(std::uint64_t aLineMs, std::atomic<int>& aClosings) : mLineMs(aLineMs), mClosings(aClosings) {}
 
   KrResult Read(std::uint64_t, std::span<std::uint8_t> aData, const std::stop_token& aStop) override {
-    if (!Rest(aData.size() > 1 ? 100 : 60'000, aStop))
+    if (!Rest(std::chrono::milliseconds(aData.size() > 1 ? 100 : 60'000), aStop))
       return {KrResult::Code::Aborted, "Who asked has left."};
     std::ranges::fill(aData, std::uint8_t{7});
     return {};
