@@ -181,11 +181,12 @@ void EndingWindow::Describe(std::uint64_t aNowMs) {
   SetText(texts.join(QStringLiteral("\n\n"))); // Each may take several lines.
 }
 
-// A layout does not make a window taller for a text that grows.
+// A layout does not make a window taller for a text that grows, nor a first showing taller than two thirds of a screen.
 void EndingWindow::SetText(const QString& aText) {
   mText->setText(aText);
-  if (isVisible())
-    resize(width(), std::max(height(), layout()->totalHeightForWidth(width())));
+  ensurePolished();
+  const QSize least = isVisible() ? size() : QSize(layout()->totalSizeHint().width(), 0);
+  resize(least.width(), std::max(least.height(), layout()->totalHeightForWidth(least.width())));
 }
 
 void EndingWindow::Abandon() {
