@@ -6,9 +6,9 @@
 // from the camera begins behind it.
 
 #include "camerafile/answermatching.h"
+#include "require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,11 +22,6 @@ using State = MessageSize::State;
 
 constexpr std::size_t kChecksumKinds = std::size_t{static_cast<std::uint8_t>(ChecksumKind::Crc16Modbus)} + 1;
 constexpr std::size_t kMostSteps = 64;
-
-void Require(bool aHolds) {
-  if (!aHolds)
-    std::abort();
-}
 
 // Numbers for which the template names no format have that of their protocol.
 void Complete(CommandTemplate& aTemplate, bool aIsBinary, bool aIsWide) {

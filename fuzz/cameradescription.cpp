@@ -5,10 +5,10 @@
 #include "krgenicam/krgenmemoryport.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krgenicam/krgenparameterlist.h"
+#include "require.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <span>
@@ -24,15 +24,9 @@ constexpr std::size_t kMostTriedNodes = 40;
 constexpr std::size_t kRegisterBytes = 65536;
 constexpr std::size_t kMostContentBytes = kRegisterBytes;
 
-void Require(bool aCondition) {
-  if (!aCondition)
-    std::abort();
-}
-
-// A failure has to have a reason; whether it fails is the description's business.
+// Whether it fails is the description's business.
 bool Check(const KrResult& aResult) {
-  Require(aResult.IsOK() || !aResult.GetDescription().IsEmpty());
-  return aResult.IsOK();
+  return RequireReason(aResult);
 }
 
 // Memory that is gone after so many accesses, so that one run is quick.

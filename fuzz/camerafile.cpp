@@ -4,12 +4,12 @@
 #include "camerafile/camerafile.h"
 #include "camerafile/camerafileport.h"
 #include "camerafile/featurevalues.h"
+#include "require.h"
 
 #include "krgenicam/krgenmemoryport.h"
 #include "krgenicam/krgenparameterarray.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <string_view>
 
@@ -49,11 +49,10 @@ void Describe(const CameraFile& aFile) {
   KrGenDescription description;
   KrGenMemoryPort memory;
   std::unique_ptr<KrGenParameterArray> array;
-  if (!aFile.GetDescription(description).IsOK() || !KrGenParameterArray::Open(description, memory, {}, array).IsOK())
-    std::abort();
+  Require(aFile.GetDescription(description).IsOK());
+  Require(KrGenParameterArray::Open(description, memory, {}, array).IsOK());
   KrStringList faults;
-  if (!array->GetFaults(faults).IsOK() || !faults.IsEmpty())
-    std::abort();
+  Require(array->GetFaults(faults).IsOK() && faults.IsEmpty());
 }
 
 void Talk(const CameraFile& aFile, std::string_view aAnswers) {
@@ -65,10 +64,9 @@ void Talk(const CameraFile& aFile, std::string_view aAnswers) {
     GivenLine line(aAnswers);
     krcamerabridge::CameraFileDevice device(std::make_shared<const krcamerabridge::FileModel>(aFile.GetModel()), line);
     std::vector<std::uint8_t> bytes(krcamerabridge::GetRegisterLength(features[i]));
-    for (const KrResult& result : {device.Read(krcamerabridge::GetRegisterAddress(i), bytes, {}),
-                                   device.Write(krcamerabridge::GetRegisterAddress(i), bytes, {})})
-      if (!result.IsOK() && result.GetDescription().IsEmpty())
-        std::abort();
+    // Whether it goes well is the camera's business.
+    static_cast<void>(RequireReason(device.Read(krcamerabridge::GetRegisterAddress(i), bytes, {})));
+    static_cast<void>(RequireReason(device.Write(krcamerabridge::GetRegisterAddress(i), bytes, {})));
   }
 }
 
@@ -80,8 +78,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
   CameraFile file;
   KrStringList errors;
   const KrResult result = CameraFile::Parse(input.substr(0, end), "camera.yml", file, errors);
-  if (result.IsOK() != errors.IsEmpty() || (!result.IsOK() && result != KrResult::Code::BadData))
-    std::abort();
+  Require(result.IsOK() == errors.IsEmpty());
+  Require(result.IsOK() || result == KrResult::Code::BadData);
   if (!result.IsOK())
     return 0;
   Describe(file);

@@ -2,17 +2,11 @@
 // all of them.
 
 #include "chunkparser.h"
-
-#include <cstdlib>
+#include "require.h"
 
 namespace {
 
 constexpr std::size_t kTrailerBytes = 8;
-
-void Require(bool aCondition) {
-  if (!aCondition)
-    std::abort();
-}
 
 } // namespace
 

@@ -2,11 +2,11 @@
 // them that their side may send, and made again the same, or nothing more is taken.
 
 #include "clprotocol/driverwire.h"
+#include "require.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <span>
 #include <vector>
@@ -23,8 +23,8 @@ std::vector<std::uint8_t> TakeAll(WireReader& aReader, std::span<const std::uint
   for (std::size_t at = 0; at < aBytes.size(); at += aPiece) {
     aReader.Add(aBytes.subspan(at, std::min(aPiece, aBytes.size() - at)));
     while (const std::optional<WireFrame> frame = aReader.Take()) {
-      if ((static_cast<std::uint8_t>(frame->kind) >= kFirstOfDriver) != (aFrom == WireSide::Driver))
-        std::abort(); // It is the other side's.
+      // What only the other side may say is refused.
+      Require((static_cast<std::uint8_t>(frame->kind) >= kFirstOfDriver) == (aFrom == WireSide::Driver));
       const std::vector<std::uint8_t> bytes = MakeWireBytes(*frame);
       again.insert(again.end(), bytes.begin(), bytes.end());
     }
@@ -40,9 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
     WireReader whole(side);
     WireReader pieces(side);
     const std::vector<std::uint8_t> taken = TakeAll(whole, bytes, aSize + 1, side);
-    if (taken != TakeAll(pieces, bytes, 7, side) || taken.size() > aSize ||
-        !std::equal(taken.begin(), taken.end(), aData) || whole.IsBroken() != pieces.IsBroken())
-      std::abort();
+    Require(taken == TakeAll(pieces, bytes, 7, side) && whole.IsBroken() == pieces.IsBroken());
+    Require(taken.size() <= aSize && std::equal(taken.begin(), taken.end(), aData));
   }
   return 0;
 }

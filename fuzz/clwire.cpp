@@ -2,11 +2,11 @@
 // the same, or refused.
 
 #include "krbase/krclwire.h"
+#include "require.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <vector>
 
@@ -16,11 +16,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
     if (!message)
       continue;
     const std::vector<std::uint8_t> again = KrMakeCLMessage(*message);
-    if (aSize > kKrCLMostMessage || !std::equal(again.begin(), again.end(), aData, aData + aSize))
-      std::abort();
+    Require(aSize <= kKrCLMostMessage && std::equal(again.begin(), again.end(), aData, aData + aSize));
     const bool isPrograms = message->kind == KrCLMessageKind::SetSpeed || message->kind == KrCLMessageKind::Flush;
-    if (message->kind != KrCLMessageKind::Data && isPrograms != (side == KrCLSide::Program))
-      std::abort(); // It is the other side's.
+    // What only the other side may say is refused.
+    Require(message->kind == KrCLMessageKind::Data || isPrograms == (side == KrCLSide::Program));
   }
   return 0;
 }

@@ -3,19 +3,14 @@
 
 #include "description/description.h"
 #include "krgenicam/krgendescription.h"
+#include "require.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <span>
 
 namespace {
 
 constexpr const char* kBefore = "<a/>";
-
-void Require(bool aCondition) {
-  if (!aCondition)
-    std::abort();
-}
 
 // Registers from an address on; all others are refused.
 class InputPort final : public IKrRegisterPort {

@@ -5,11 +5,11 @@
 // behind it. Each further line is a constant (C) or an expression (E): a name, a blank and its text.
 
 #include "formula/formula.h"
+#include "require.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -24,11 +24,6 @@ using krgenicam::FormulaText;
 using krgenicam::Number;
 
 constexpr std::array<std::string_view, 3> kVariables = {"A", "B", "TO"};
-
-void Require(bool aHolds) {
-  if (!aHolds)
-    std::abort();
-}
 
 class Variables final : public krgenicam::IFormulaVariables {
 public:
@@ -73,8 +68,8 @@ std::vector<FormulaText> ListTexts(std::string_view aLines, char aKind) {
 
 bool Compile(std::string_view aText, FormulaKind aKind, const FormulaNames& aNames, Formula& aFormula) {
   const KrResult compiled = Formula::Compile(aText, aKind, aNames, aFormula);
-  Require(compiled.IsOK() || (compiled == KrResult::Code::BadData && !compiled.GetDescription().IsEmpty()));
-  if (!compiled.IsOK())
+  Require(compiled.IsOK() || compiled == KrResult::Code::BadData);
+  if (!RequireReason(compiled))
     return false;
   Require(aFormula.GetOperationsCount() <= Formula::kMaxOperations);
   for (const std::size_t variable : aFormula.GetUsedVariables())
@@ -85,8 +80,7 @@ bool Compile(std::string_view aText, FormulaKind aKind, const FormulaNames& aNam
 KrResult Evaluate(const Formula& aFormula, FormulaKind aKind, std::size_t aRound, Number& aValue) {
   Variables variables(aRound);
   const KrResult evaluated = aFormula.Evaluate(variables, aValue);
-  Require(evaluated.IsOK() || !evaluated.GetDescription().IsEmpty());
-  if (evaluated.IsOK())
+  if (RequireReason(evaluated))
     Require(aKind == FormulaKind::Integer ? !aValue.IsFloat() : !std::isnan(aValue.ToFloat()));
   return evaluated;
 }

@@ -2,8 +2,8 @@
 // beyond its memory.
 
 #include "aravis/framedescription.h"
+#include "require.h"
 
-#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -37,20 +37,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
   frame.paddingX = TakeNumber<std::int32_t>(aData, aSize);
   frame.paddingY = TakeNumber<std::int32_t>(aData, aSize);
   KrBuffer buffer;
-  if (!buffer.Alloc(kBufferBytes).IsOK())
-    std::abort();
+  Require(buffer.Alloc(kBufferBytes).IsOK());
   std::memcpy(buffer.GetDataPointer(), aData, aSize < kBufferBytes ? aSize : kBufferBytes);
 
   DescribeFrame(frame, buffer);
 
   const IKrImage* image = buffer.GetImage();
-  const bool isBeyond = image != nullptr && image->GetImageSize() > kBufferBytes;
-  if (isBeyond || buffer.GetAcquiredSize() > kBufferBytes)
-    std::abort();
+  Require(!image || image->GetImageSize() <= kBufferBytes);
+  Require(buffer.GetAcquiredSize() <= kBufferBytes);
   for (std::size_t i = 0; i < buffer.GetChunkCount(); ++i) {
     const KrChunk& chunk = *buffer.GetChunk(i);
-    if (chunk.offset > kBufferBytes || chunk.length > kBufferBytes - chunk.offset)
-      std::abort();
+    Require(chunk.offset <= kBufferBytes && chunk.length <= kBufferBytes - chunk.offset);
   }
   return 0;
 }

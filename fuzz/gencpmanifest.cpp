@@ -2,19 +2,10 @@
 
 #include "gencp/manifest.h"
 #include "krgenicam/krgendescription.h"
+#include "require.h"
 
-#include <cstdlib>
 #include <set>
 #include <span>
-
-namespace {
-
-void Require(bool aCondition) {
-  if (!aCondition)
-    std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
   const auto entries = krcamerabridge::ReadManifest(std::span(aData, aSize));

@@ -3,19 +3,14 @@
 
 #include "gencp/packet.h"
 #include "gencp/packetreceiver.h"
+#include "require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <span>
 
 namespace {
 
 using namespace krcamerabridge;
-
-void Require(bool aCondition) {
-  if (!aCondition)
-    std::abort();
-}
 
 void CheckPacket(const Packet& aPacket) {
   Require(aPacket.specific.size() <= kMaxSpecificBytes);

@@ -4,10 +4,10 @@
 
 #include "gigevision/gvcppacket.h"
 #include "gigevision/gvcptext.h"
+#include "require.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <string>
 
 namespace {
@@ -16,11 +16,6 @@ using Datagram = std::span<const std::uint8_t>;
 
 constexpr std::size_t kHeaderBytes = 8;
 constexpr std::uint32_t kUntouched = 0xA5A5A5A5;
-
-void Require(bool aHolds) {
-  if (!aHolds)
-    std::abort();
-}
 
 std::uint32_t GetNumber(Datagram aBytes) {
   std::uint32_t number = 0;
@@ -31,8 +26,8 @@ std::uint32_t GetNumber(Datagram aBytes) {
 
 // What every parser promises: it takes a datagram for one request alone, and says why it does not.
 bool IsTaken(const KrResult& aResult, bool aIsNamed) {
-  Require(aResult.IsOK() ? aIsNamed : !aResult.GetDescription().IsEmpty());
-  return aResult.IsOK();
+  Require(aIsNamed || !aResult.IsOK());
+  return RequireReason(aResult);
 }
 
 void CheckDiscovery(Datagram aDatagram, std::uint16_t aRequestID, bool aIsNamed) {

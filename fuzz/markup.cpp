@@ -1,9 +1,9 @@
 // Any text may be a feature's description: what is shown of it are its own characters, without the tags and each once.
 
 #include "logic/browser/markup.h"
+#include "require.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -11,11 +11,6 @@ namespace {
 
 constexpr std::string_view kBegin = "<b>";
 constexpr std::string_view kEnd = "</b>";
-
-void Require(bool aHolds) {
-  if (!aHolds)
-    std::abort();
-}
 
 // Writes each run with tags of its own.
 std::string Write(const std::vector<krgui::MarkupRun>& aRuns) {

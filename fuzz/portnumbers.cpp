@@ -2,9 +2,9 @@
 // with a line.
 
 #include "portnumbers.h"
+#include "require.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
@@ -12,12 +12,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
   const KrResult parsed =
       krserial::ParsePortNumbers(std::string_view(reinterpret_cast<const char*>(aData), aSize), numbers);
   if (!parsed.IsOK()) {
-    if (parsed != KrResult::Code::BadData || !parsed.GetDescription().ToUtf8().starts_with("line ") || !numbers.empty())
-      std::abort();
+    Require(parsed == KrResult::Code::BadData && parsed.GetDescription().ToUtf8().starts_with("line "));
+    Require(numbers.empty());
     return 0;
   }
   krserial::PortNumbers again;
-  if (!krserial::ParsePortNumbers(krserial::FormatPortNumbers(numbers), again).IsOK() || again != numbers)
-    std::abort();
+  Require(krserial::ParsePortNumbers(krserial::FormatPortNumbers(numbers), again).IsOK());
+  Require(again == numbers);
   return 0;
 }

@@ -4,17 +4,12 @@
 
 #include "configurationparser.h"
 #include "logic/browser/browseroptions.h"
+#include "require.h"
 #include "saved/savedbridge.h"
 
-#include <cstdlib>
 #include <string_view>
 
 namespace {
-
-void Require(bool aHolds) {
-  if (!aHolds)
-    std::abort();
-}
 
 void CheckOptions(const KrPropertyList& aList) {
   krgui::BrowserOptions options;

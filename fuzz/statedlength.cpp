@@ -3,16 +3,15 @@
 
 #include "gigevision/statedlength.h"
 #include "description/descriptionurl.h"
+#include "require.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
   const std::string_view url(reinterpret_cast<const char*>(aData), aSize);
   krgenicam::RegisterRange range;
   const bool isRead = krgenicam::ParseDescriptionUrl(url, range).IsOK();
-  if (krtransport::GetStatedLength(url) < (isRead ? range.length : 0))
-    std::abort();
+  Require(!isRead || krtransport::GetStatedLength(url) >= range.length);
   return 0;
 }

@@ -4,19 +4,14 @@
 
 #include "krbase/krstring.h"
 #include "logic/serial/senddata.h"
+#include "require.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 namespace {
-
-void Require(bool aHolds) {
-  if (!aHolds)
-    std::abort();
-}
 
 std::u16string WriteAsPairs(const std::vector<std::uint8_t>& aBytes) {
   constexpr std::u16string_view kDigits = u"0123456789ABCDEF";

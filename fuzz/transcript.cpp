@@ -3,11 +3,11 @@
 
 #include "logic/serial/rollingtext.h"
 #include "logic/serial/transcriptencoder.h"
+#include "require.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,11 +22,6 @@ constexpr std::size_t kLimit = 200;
 /// than that is written anew.
 constexpr std::size_t kMostPiece = 1024;
 static_assert(kMostPiece * 8 <= krgui::TranscriptEncoder::kPendingLimit);
-
-void Require(bool aHolds) {
-  if (!aHolds)
-    std::abort();
-}
 
 // All text that is shown, and beside it the text that the window keeps of it.
 class Transcript final : public krgui::ITranscript, public krgui::IRollingView {
