@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Lets every parser of foreign bytes be searched for inputs that break it, or those that are named:
 #   fuzz.sh [MINUTES] [TARGET …]      one minute for each target unless asked otherwise; names as in fuzz/
-# As many at once as there are processors, each with the address sanitizer. What is found stays in build/fuzz/found, what
-# was learnt in build/fuzz/corpus, with which the next run begins. Prints a line for each target:
+# As many at once as there are processors, each with the sanitizers of addresses and of undefined behaviour. What is
+# found stays in build/fuzz/found, what was learnt in build/fuzz/corpus, with which the next run begins. Prints a line for
+# each target:
 #   target=<name> result=clean|FOUND executions=<number> seconds=<number> coverage=<number>
 # and ends with 1 when anything was found.
 set -euo pipefail
@@ -52,5 +53,5 @@ search() {
   [ "$result" = clean ]
 }
 export -f search
-export folder minutes
+export folder minutes UBSAN_OPTIONS=print_stacktrace=1
 printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I NAME bash -c 'search NAME'
