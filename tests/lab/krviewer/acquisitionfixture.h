@@ -98,6 +98,6 @@ protected:
     return set.IsOK() ? aParameters.GetEnum("TriggerMode")->SetEntry("On") : set;
   }
 
-  static constexpr krviewer::AcquisitionOptions kStopped{.startsAtOnce = false};
+  static inline const krviewer::AcquisitionOptions kStopped{.startsAtOnce = false};
   KrDisplayWnd mWindow;
 };
