@@ -111,6 +111,8 @@ GigEVisionLink::GigEVisionLink(const LinkTarget& aTarget, Parts aParts)
       mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, std::move(aParts.channel))) {}
 
 GigEVisionLink::~GigEVisionLink() {
+  // A sink that is being called may use the link until it returns.
+  mWatch.SetSink(nullptr);
   mWatch.Stop();
   // From here on nobody waits for an access; the one that runs ends before the device is released behind it.
   mIoThread->Interrupt({KrResult::Code::Aborted, "The device is being closed."});

@@ -25,8 +25,6 @@ LinkWatch::LinkWatch(const LinkTarget& aTarget, GvcpClient aClient, std::functio
 
 void LinkWatch::Stop() {
   mThread.request_stop();
-  if (mWatchThread.load() == std::this_thread::get_id())
-    return;
   const std::lock_guard lock(mStopMutex);
   if (mThread.joinable())
     mThread.join();
@@ -37,6 +35,7 @@ void LinkWatch::Disconnect() {
   mThread.request_stop();
   mIsConnected = false;
   Stop();
+  mEvents.Forget();
 }
 
 void LinkWatch::ReportSilence() {
@@ -47,15 +46,7 @@ void LinkWatch::ReportSilence() {
   mRequest.notify_all();
 }
 
-void LinkWatch::SetSink(krsystem::IDeviceLinkSink* aSink) {
-  std::unique_lock lock(mSinkMutex);
-  mSink = aSink;
-  if (mTellingThread != std::this_thread::get_id())
-    mSinkIdle.wait(lock, [this] { return mTellingThread == std::thread::id(); });
-}
-
 void LinkWatch::Watch(const std::stop_token& aStop) {
-  mWatchThread = std::this_thread::get_id();
   while (!aStop.stop_requested()) {
     const auto next = steady_clock::now() + (mIsConnected ? kProbePeriod : kReturnPeriod);
     std::uint64_t reportsBefore = 0;
@@ -93,7 +84,7 @@ void LinkWatch::Judge(ProbeFinding aFinding, const std::stop_token& aStop) {
     if (aStop.stop_requested())
       return;
     if (aFinding != ProbeFinding::Silent && !std::exchange(mIsBack, true))
-      Tell([](krsystem::IDeviceLinkSink& aSink) { aSink.OnLinkBack(); });
+      mEvents.ReportBack();
     return;
   }
   if (!mHoldsControl())
@@ -111,22 +102,7 @@ void LinkWatch::Lose(const char* aWhy) {
                                                             krsystem::FormatIPv4(mTarget.deviceAddress) +
                                                             " was lost. " + aWhy + ".");
   mOnLost(reason);
-  Tell([&reason](krsystem::IDeviceLinkSink& aSink) { aSink.OnLinkLost(reason); });
-}
-
-void LinkWatch::Tell(const std::function<void(krsystem::IDeviceLinkSink&)>& aCall) {
-  krsystem::IDeviceLinkSink* sink = nullptr;
-  {
-    const std::lock_guard lock(mSinkMutex);
-    sink = mSink;
-    if (sink == nullptr)
-      return;
-    mTellingThread = std::this_thread::get_id();
-  }
-  aCall(*sink);
-  const std::lock_guard lock(mSinkMutex);
-  mTellingThread = {};
-  mSinkIdle.notify_all();
+  mEvents.ReportLost(reason);
 }
 
 } // namespace krtransport

@@ -7,7 +7,7 @@
 #include "gigevision/gvcpclient.h"
 #include "gigevision/linktarget.h"
 #include "krbase/krresult.h"
-#include "krsystem/idevicelink.h"
+#include "krsystem/linkevents.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -38,8 +38,8 @@ public:
   bool IsSilent() const override { return mIsSilent && mIsConnected; }
   void ReportSilence() override;
   /// As IDeviceLink::SetSink.
-  void SetSink(krsystem::IDeviceLinkSink* aSink);
-  /// Ends the watch: afterwards no call of it comes, and none runs but the sink's that this is called from.
+  void SetSink(krsystem::IDeviceLinkSink* aSink) { mEvents.SetSink(aSink); }
+  /// Ends the watch: afterwards neither of its two calls runs or comes. Not from these calls.
   void Stop();
   /// Ends the watch and has the device count as lost, without word of it.
   void Disconnect();
@@ -49,7 +49,6 @@ private:
   void Judge(ProbeFinding aFinding, const std::stop_token& aStop);
   void ForgetSilence(std::uint64_t aReportsBefore);
   void Lose(const char* aWhy);
-  void Tell(const std::function<void(krsystem::IDeviceLinkSink&)>& aCall);
   void PauseUntil(std::chrono::steady_clock::time_point aMoment, const std::stop_token& aStop);
 
   const LinkTarget mTarget;
@@ -69,13 +68,7 @@ private:
   bool mIsProbeWanted = false;
   std::uint64_t mSilenceReports = 0;
 
-  // Guards the sink and the thread on which a call of it runs, if one does.
-  std::mutex mSinkMutex;
-  std::condition_variable mSinkIdle;
-  krsystem::IDeviceLinkSink* mSink = nullptr;
-  std::thread::id mTellingThread;
-
-  std::atomic<std::thread::id> mWatchThread; // None before it runs.
+  krsystem::LinkEvents mEvents;
   // Guards the joining of the thread.
   std::mutex mStopMutex;
   std::jthread mThread;

@@ -1,7 +1,7 @@
 #pragma once
 // An opening of a simulated camera: its registers, its stream channel, its serial ports, and word of its loss.
 
-#include "simulation/linkevents.h"
+#include "krsystem/linkevents.h"
 #include "simulation/registergate.h"
 #include "simulation/serial/serialchannel.h"
 #include "simulation/simulatedbuffersource.h"
@@ -45,7 +45,7 @@ private:
   const std::shared_ptr<ChannelAccess> mChannelAccess;
   std::atomic<bool> mLost = false;
   std::atomic<bool> mIsBack = false; // The camera's return was told.
-  LinkEvents mEvents;
+  krsystem::LinkEvents mEvents;
   RegisterGate mGate;
   SimulatedBufferSource mSource;
 };

@@ -44,6 +44,8 @@ Usb3VisionLink::Usb3VisionLink(UsbWatch::Subject aSubject, Parts aParts)
       mPort(std::make_unique<ChannelRegisterPort>(*mIoThread, mWatch, mChannel)) {}
 
 Usb3VisionLink::~Usb3VisionLink() {
+  // A sink that is being called may use the link until it returns.
+  mWatch.SetSink(nullptr);
   mWatch.Stop();
   // From here on nobody waits for an access; the one that runs ends before the device is released behind it.
   mIoThread->Interrupt({KrResult::Code::Aborted, "The device is being closed."});

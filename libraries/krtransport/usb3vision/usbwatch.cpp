@@ -24,6 +24,7 @@ void UsbWatch::Disconnect() {
   mThread.request_stop();
   mIsConnected = false;
   Stop();
+  mEvents.Forget();
 }
 
 void UsbWatch::ReportSilence() {

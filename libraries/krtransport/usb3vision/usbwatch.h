@@ -4,8 +4,7 @@
 
 #include "aravis/isilence.h"
 #include "krbase/krresult.h"
-#include "krsystem/idevicelink.h"
-#include "simulation/linkevents.h"
+#include "krsystem/linkevents.h"
 #include "usb3vision/usbtree.h"
 
 #include <atomic>
@@ -73,7 +72,7 @@ private:
   bool mIsLookWanted = false;
   std::uint64_t mSilenceCount = 0; // How often silence was reported.
 
-  LinkEvents mEvents;
+  krsystem::LinkEvents mEvents;
   // Guards the joining of the thread.
   std::mutex mStopMutex;
   std::jthread mThread;

@@ -1,6 +1,7 @@
 #pragma once
 // The thread on which a link's sink hears of loss and return, so that the sink may call whatever it likes.
 
+#include "krbase/krexport.h"
 #include "krsystem/idevicelink.h"
 
 #include <condition_variable>
@@ -9,20 +10,24 @@
 #include <optional>
 #include <thread>
 
-namespace krtransport {
+namespace krsystem {
 
+/// Tells a link's sink what is reported, in that order; an exception of the sink is logged.
+///
 /// Thread: any, but for construction and destruction; destruction waits for a call that runs.
 /// Ownership: borrows the sink until another is set.
-class LinkEvents {
+class KR_EXPORT LinkEvents {
 public:
   LinkEvents();
   ~LinkEvents();
 
   /// Returns when no call of the former sink is running on another thread.
-  void SetSink(krsystem::IDeviceLinkSink* aSink);
+  void SetSink(IDeviceLinkSink* aSink);
   /// Events wait until there is a sink; of several of one kind in a row the last one alone.
   void ReportLost(const KrResult& aReason);
   void ReportBack();
+  /// What was reported and not heard yet is heard by nobody.
+  void Forget();
 
 private:
   using Event = std::optional<KrResult>; // The reason of a loss; nothing for the return.
@@ -33,10 +38,10 @@ private:
   std::mutex mMutex; // Guards the members from here to mThread.
   std::condition_variable mChanged;
   std::deque<Event> mEvents;
-  krsystem::IDeviceLinkSink* mSink = nullptr;
-  krsystem::IDeviceLinkSink* mCalled = nullptr; // Whose call runs.
+  IDeviceLinkSink* mSink = nullptr;
+  IDeviceLinkSink* mCalled = nullptr; // Whose call runs.
   bool mEnding = false;
   std::thread mThread;
 };
 
-} // namespace krtransport
+} // namespace krsystem

@@ -1,4 +1,4 @@
-#include "simulation/linkevents.h"
+#include "krsystem/linkevents.h"
 
 #include "krbase/krlogger.h"
 
@@ -6,22 +6,22 @@
 #include <string>
 #include <utility>
 
-namespace krtransport {
+namespace krsystem {
 
 namespace {
 
-void Call(krsystem::IDeviceLinkSink& aSink, const std::optional<KrResult>& aLossReason) {
+void Call(IDeviceLinkSink& aSink, const std::optional<KrResult>& aLossReason) {
   try {
     if (aLossReason)
       aSink.OnLinkLost(*aLossReason);
     else
       aSink.OnLinkBack();
   } catch (const std::exception& error) {
-    KrLogger("KrTransport")
+    KrLogger("KrSystem")
         .Log(KrLogLevel::Error, {"LinkEvents::Deliver", "linkevents"},
              std::string("The sink of a link threw an exception: ") + error.what());
   } catch (...) {
-    KrLogger("KrTransport")
+    KrLogger("KrSystem")
         .Log(KrLogLevel::Error, {"LinkEvents::Deliver", "linkevents"},
              "The sink of a link threw an exception of unknown type.");
   }
@@ -40,9 +40,9 @@ LinkEvents::~LinkEvents() {
   mThread.join();
 }
 
-void LinkEvents::SetSink(krsystem::IDeviceLinkSink* aSink) {
+void LinkEvents::SetSink(IDeviceLinkSink* aSink) {
   std::unique_lock lock(mMutex);
-  krsystem::IDeviceLinkSink* const former = std::exchange(mSink, aSink);
+  IDeviceLinkSink* const former = std::exchange(mSink, aSink);
   mChanged.notify_all();
   if (former && former != aSink && mThread.get_id() != std::this_thread::get_id())
     mChanged.wait(lock, [this, former] { return mCalled != former; });
@@ -54,6 +54,11 @@ void LinkEvents::ReportLost(const KrResult& aReason) {
 
 void LinkEvents::ReportBack() {
   Report(std::nullopt);
+}
+
+void LinkEvents::Forget() {
+  const std::lock_guard lock(mMutex);
+  mEvents.clear();
 }
 
 void LinkEvents::Report(Event aEvent) {
@@ -74,7 +79,7 @@ void LinkEvents::Deliver() {
       return;
     const Event event = std::move(mEvents.front());
     mEvents.pop_front();
-    krsystem::IDeviceLinkSink* const sink = mSink;
+    IDeviceLinkSink* const sink = mSink;
     mCalled = sink;
     lock.unlock();
     Call(*sink, event);
@@ -84,4 +89,4 @@ void LinkEvents::Deliver() {
   }
 }
 
-} // namespace krtransport
+} // namespace krsystem

@@ -1,12 +1,14 @@
-#include "simulation/linkevents.h"
+#include "krsystem/linkevents.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <string>
 #include <vector>
 
-using krtransport::LinkEvents;
+using krsystem::LinkEvents;
 
 namespace {
 
@@ -52,5 +54,19 @@ TEST(LinkEvents, EventsWithoutASink_OfOneKindInARow_AreHeardOnce) {
   events.SetSink(&sink);
 
   EXPECT_THAT(sink.WaitForLast("lost: third"), testing::ElementsAre("lost: first", "back", "lost: third"));
+  events.SetSink(nullptr);
+}
+
+TEST(LinkEvents, EventsForgotten_AreNotHeard) {
+  LinkEvents events;
+  RecordingSink sink;
+  events.ReportLost(MakeLoss("forgotten"));
+  events.ReportBack();
+
+  events.Forget();
+
+  events.ReportLost(MakeLoss("later"));
+  events.SetSink(&sink);
+  EXPECT_THAT(sink.WaitForLast("lost: later"), testing::ElementsAre("lost: later"));
   events.SetSink(nullptr);
 }
