@@ -323,6 +323,18 @@ TEST(DialogBuilder, DefaultButtonWithAnotherID_IsNoDefault) {
   EXPECT_FALSE(opening.Get<QPushButton>(5)->isDefault());
 }
 
+TEST(DialogBuilder, ButtonBeyondTheEdge_WidensTheDialogUnlessItsWindowLaysItOut) {
+  static constexpr std::array kControls = {ControlTemplate{ControlClass::Button, 5, "Go", {150, 0, 50, 14}}};
+  DialogTemplate wide = {2, "", DialogKind::SizingPopup, 200, 50, kControls};
+  const Opening widened(wide);
+  const int least = widened.controls.FindLeastWidth(30, 1000);
+  wide.isLaidOutByWindow = true;
+  const Opening laidOut(wide);
+
+  EXPECT_EQ(least, widened.controls.Get(5)->geometry().right() + 1);
+  EXPECT_EQ(laidOut.controls.FindLeastWidth(30, 1000), 30);
+}
+
 TEST(DialogBuilder, LabelWithMarkup_ShowsItAsPlainText) {
   const Opening opening(kAllClasses);
 

@@ -355,7 +355,7 @@ QSize DialogControls::GetTemplateSize() const {
 }
 
 int DialogControls::FindLeastWidth(int aLeast, int aMost) const {
-  return mBody->MakeLayout().FindLeastWidth(aLeast, aMost);
+  return mBody->dialogTemplate.isLaidOutByWindow ? aLeast : mBody->MakeLayout().FindLeastWidth(aLeast, aMost);
 }
 
 void DialogControls::Layout(const QSize& aClientSize) {

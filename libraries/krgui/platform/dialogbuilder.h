@@ -31,7 +31,7 @@ public:
   /// The template's size in pixels with the dialog's font.
   QSize GetTemplateSize() const;
   /// The least client width from aLeast to aMost in which no button's text is clipped by its neighbour or the edge;
-  /// aLeast where there is none.
+  /// aLeast where there is none, and where the window lays them out anew.
   int FindLeastWidth(int aLeast, int aMost) const;
   /// Lays the controls out for a client size, always starting from the template's rectangles.
   void Layout(const QSize& aClientSize);

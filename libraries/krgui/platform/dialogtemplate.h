@@ -55,6 +55,9 @@ struct DialogTemplate {
   int width;  ///< Dialog units.
   int height; ///< Dialog units.
   std::span<const ControlTemplate> controls;
+  /// Its window lays the controls out anew, by the sizes that they want: where they are here does not say how wide it
+  /// has to be.
+  bool isLaidOutByWindow = false;
 };
 
 } // namespace krgui

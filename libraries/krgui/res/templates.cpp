@@ -87,8 +87,7 @@ constexpr std::array kSelectFromIPControls = {
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {148, 75, 50, 14}},
 };
 
-/// Its window lays them out anew, by the sizes that they want; the grid takes what a resize gives. In the order of the
-/// focus.
+/// The grid takes what a resize gives. In the order of the focus.
 constexpr auto MakeBrowserControls(int aWidth, int aHeight) {
   constexpr std::uint8_t kGrow = kGrowRight | kGrowDown;
   return std::array{
@@ -168,7 +167,7 @@ constexpr std::array kSerialTerminalControls = {
     ControlTemplate{ControlClass::Place, 1058, "", {14, 166, 365, 179}, kGrowRight | kGrowDown},
 };
 
-/// Its window lays them out anew, by the sizes that they want. In the order of the focus.
+/// In the order of the focus.
 constexpr std::array kSerialBridgeControls = {
     ControlTemplate{ControlClass::GroupBox, 1200, "Port Selection", {7, 4, 297, 36}},
     ControlTemplate{ControlClass::ComboBox, 1049, "", {14, 18, 84, 14}},
@@ -223,8 +222,7 @@ constexpr std::array kBaudRateSelectionControls = {
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {163, 78, 50, 14}},
 };
 
-/// Its window lays them out anew, by the sizes that they want. In the order of the focus; the feature browser's place
-/// is the last.
+/// In the order of the focus; the feature browser's place is the last.
 constexpr std::array kCameraBridgeControls = {
     ControlTemplate{ControlClass::GroupBox, 1159, "Bridge Setup", {7, 4, 196, 236}},
     ControlTemplate{ControlClass::ComboBox, 1048, "", {14, 16, 182, 14}},
@@ -263,8 +261,8 @@ constexpr std::array kCameraBridgeControls = {
 constexpr std::array kTemplates = {
     DialogTemplate{1021, "Display", DialogKind::SizingPopup, 332, 225, kDisplayPopupControls},
     DialogTemplate{1028, "", DialogKind::Child, 208, 102, kDisplayChildControls},
-    DialogTemplate{1079, "GenICam Explorer", DialogKind::SizingPopup, 253, 330, kBrowserPopupControls},
-    DialogTemplate{1081, "", DialogKind::Child, 260, 317, kBrowserChildControls},
+    DialogTemplate{1079, "GenICam Explorer", DialogKind::SizingPopup, 253, 330, kBrowserPopupControls, true},
+    DialogTemplate{1081, "", DialogKind::Child, 260, 317, kBrowserChildControls, true},
     DialogTemplate{1504, "Device Selection", DialogKind::FixedPopup, 535, 365, kDeviceFinderControls},
     DialogTemplate{kForceIPTemplateID, "Set IP Address", DialogKind::FixedPopup, 202, 219, kForceIPControls},
     DialogTemplate{kSelectFromIPTemplateID, "Select From IP Address", DialogKind::FixedPopup, 205, 96,
@@ -272,12 +270,12 @@ constexpr std::array kTemplates = {
     DialogTemplate{kBrowserOptionsTemplateID, "Browser Options", DialogKind::FixedPopup, 166, 94,
                    kBrowserOptionsControls},
     DialogTemplate{1512, "Device Serial Communication", DialogKind::SizingPopup, 393, 352, kSerialTerminalControls},
-    DialogTemplate{1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255, kSerialBridgeControls},
+    DialogTemplate{1518, "Serial Communication Bridge", DialogKind::FixedPopup, 311, 255, kSerialBridgeControls, true},
     DialogTemplate{kCOMPortConfigTemplateID, "Serial COM Port Configuration", DialogKind::FixedPopup, 166, 114,
                    kCOMPortConfigControls},
     DialogTemplate{kBaudRateSelectionTemplateID, "Device Serial Port Baud Rate", DialogKind::FixedPopup, 220, 99,
                    kBaudRateSelectionControls},
-    DialogTemplate{1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336, kCameraBridgeControls},
+    DialogTemplate{1530, "Camera Bridge", DialogKind::SizingPopup, 535, 336, kCameraBridgeControls, true},
 };
 
 constexpr const DialogTemplate* FindInTable(int aID) {

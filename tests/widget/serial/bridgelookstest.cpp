@@ -25,11 +25,9 @@ protected:
     QApplication::setPalette(mPalette);
   }
 
-  /// The window has that size, or the least that its buttons' texts have room in.
   void SetSize(int aWidth, int aHeight) {
     mWindow->SetPosition(0, 0, aWidth, aHeight);
-    const QSize size = QSize(aWidth, aHeight).expandedTo(mWindow->GetWidget()->minimumSize());
-    ASSERT_TRUE(WaitFor([&] { return mWindow->GetWidget()->size() == size; }));
+    ASSERT_TRUE(WaitFor([&] { return mWindow->GetWidget()->size() == QSize(aWidth, aHeight); }));
   }
   /// Opens a window anew in a font, on a port that is linked.
   void OpenAt(int aPoints) {

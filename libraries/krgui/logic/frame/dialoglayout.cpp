@@ -150,14 +150,13 @@ std::vector<PixelRect> DialogLayout::Arrange(const PixelSize& aDialog) const {
   return rects;
 }
 
-/// By how it is in the widest dialog. What stays beyond the edge of a smaller one is laid out by its window.
+/// By how it is in the widest dialog.
 bool DialogLayout::KeepsWhole(int aWidth, const std::vector<PixelRect>& aWidest) const {
   const std::vector<PixelRect> rects = Arrange({aWidth, GetTemplateSize().height});
   std::vector<PixelRect> kept;
   for (std::size_t index = 0; index < rects.size(); ++index) {
     const PixelRect& rect = rects[index];
-    const bool isMovedByWindow = mControls[index].follow == kStay && rect.right > aWidth;
-    if (!mControls[index].isKeptWhole || isMovedByWindow) {
+    if (!mControls[index].isKeptWhole) {
       continue;
     }
     const auto overlaps = [&rect](const PixelRect& aOther) { return Overlap(rect, aOther); };
