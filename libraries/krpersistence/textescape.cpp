@@ -52,7 +52,7 @@ bool AppendReference(std::string& aText, std::string_view aReference) {
     return false;
   const auto point = ReadCharacterNumber(aReference.substr(2, aReference.size() - 3));
   if (point)
-    AppendUtf8(aText, *point);
+    krbase::AppendUtf8(aText, *point);
   return point.has_value();
 }
 

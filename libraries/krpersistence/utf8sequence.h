@@ -1,8 +1,9 @@
 #pragma once
 // One character of UTF-8 (RFC 3629) after the other, with a plain no for bytes that are none.
 
+#include "krbase/utf8sequence.h"
+
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace krpersistence {
@@ -23,8 +24,5 @@ Utf8Sequence ReadUtf8(std::string_view aText);
 
 /// True for the characters that an XML document may hold (XML 1.0, 2.2, production 2).
 bool IsXmlCharacter(char32_t aPoint);
-
-/// Appends a code point that IsXmlCharacter accepts.
-void AppendUtf8(std::string& aText, char32_t aPoint);
 
 } // namespace krpersistence

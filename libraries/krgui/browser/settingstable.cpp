@@ -1,5 +1,6 @@
 #include "browser/settingstable.h"
 
+#include "krbase/utf8cut.h"
 #include "platform/plainline.h"
 
 #include <QBrush>
@@ -24,13 +25,10 @@ constexpr std::size_t kMostBytesShown = 600;
 constexpr int kMostLettersOfWord = 60;
 
 QString ToShown(const KrString& aText) {
-  std::string_view text = aText.ToUtf8();
+  const std::string_view text = aText.ToUtf8();
   if (text.size() <= kMostBytesShown)
     return ToPlainLine(aText);
-  std::size_t end = kMostBytesShown;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-    --end;
-  return ToPlainLine(KrString(text.substr(0, end))) + QChar(0x2026);
+  return ToPlainLine(KrString(krbase::CutUtf8(text, kMostBytesShown))) + QChar(0x2026);
 }
 
 QString BreakWords(const QString& aText) {

@@ -1,6 +1,7 @@
 #include "usb3vision/usbtext.h"
 
 #include "krbase/krstring.h"
+#include "krbase/utf8cut.h"
 #include "krsystem/formatmark.h"
 
 #include <algorithm>
@@ -18,15 +19,7 @@ bool IsUnfit(char16_t aUnit) {
 
 std::string Clean(std::u16string aText) {
   std::ranges::replace_if(aText, IsUnfit, kReplacement);
-  std::string text = KrString(std::u16string_view(aText)).ToUtf8();
-  if (text.size() <= kMaxUsbText)
-    return text;
-  // Cut in front of a whole character: its first byte is the last one that is no continuation.
-  std::size_t end = kMaxUsbText;
-  while (end > 0 && (static_cast<std::uint8_t>(text[end]) & 0xC0u) == 0x80u)
-    --end;
-  text.resize(end);
-  return text;
+  return std::string(krbase::CutUtf8(KrString(std::u16string_view(aText)).ToUtf8(), kMaxUsbText));
 }
 
 // The units behind the header of a string descriptor; none where the bytes are no such descriptor.

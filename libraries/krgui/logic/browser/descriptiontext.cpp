@@ -1,5 +1,6 @@
 #include "logic/browser/descriptiontext.h"
 
+#include "krbase/utf8cut.h"
 #include "krgenicam/krgenenum.h"
 #include "krgenicam/krgenfloat.h"
 #include "krgenicam/krgeninteger.h"
@@ -27,9 +28,8 @@ KrString Cut(const KrString& aText, std::size_t aMostBytes) {
   const std::string& text = aText.ToUtf8();
   if (text.size() <= aMostBytes)
     return aText;
-  std::size_t end = aMostBytes;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-    --end; // Not within a character, and not within a tag.
+  // Not within a character, and not within a tag.
+  std::size_t end = krbase::CutUtf8(text, aMostBytes).size();
   if (const std::size_t tag = text.find_last_of("<>", end - 1);
       tag != std::string::npos && text[tag] == '<' && end - tag < kLongestTag)
     end = tag;
