@@ -38,7 +38,7 @@ inline std::string MakeWord(std::uint64_t aWord) {
 inline std::string MakeNumber(std::uint64_t aNumber, int aBytes) {
   std::string bytes;
   for (int shift = 8 * aBytes - 8; shift >= 0; shift -= 8)
-    bytes += static_cast<char>(aNumber >> shift);
+    bytes += shift < 64 ? static_cast<char>(aNumber >> shift) : '\0';
   return bytes;
 }
 
