@@ -51,9 +51,9 @@ constexpr struct {
 };
 
 // Public headers of the windows that hold plain values of the rules.
-constexpr std::string_view kValueHeaders[] = {
-    "libraries/krgui/include/krgui/krdisplaymapping.h", "libraries/krgui/include/krgui/krdisplaymapping.h",
-    "libraries/krgui/include/krgui/krdisplaystatistics.h", "libraries/krgui/include/krgui/krgenrefresh.h"};
+constexpr std::string_view kValueHeaders[] = {"libraries/krgui/include/krgui/krdisplaymapping.h",
+                                              "libraries/krgui/include/krgui/krdisplaystatistics.h",
+                                              "libraries/krgui/include/krgui/krgenrefresh.h"};
 
 constexpr std::string_view kStandardHeaders[] = {
     "algorithm",

@@ -5,10 +5,46 @@
 
 #include "krdevice/krstream.h"
 
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <sys/socket.h>
+
 namespace {
 
 constexpr std::uint64_t kHeartbeatRegister = 0x0938;
 constexpr std::uint32_t kPacketSizeBits = 0xFFFF;
+
+/// A number that the kernel has of a descriptor; nothing where that is no socket.
+std::optional<int> AskSocket(int aDescriptor, int aWhat) {
+  int value = 0;
+  socklen_t length = sizeof(value);
+  if (::getsockopt(aDescriptor, SOL_SOCKET, aWhat, &value, &length) != 0)
+    return std::nullopt;
+  return value;
+}
+
+/// The sockets of this process that may receive a camera's packets.
+struct ReceivingSockets {
+  int packet = 0;                     ///< Those that take them off the adapter.
+  std::vector<int> receiveBytes = {}; ///< Of those for datagrams: what they may hold, as the kernel counts it.
+};
+
+ReceivingSockets FindReceivingSockets() {
+  ReceivingSockets found;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    const int descriptor = std::stoi(entry.path().filename());
+    const std::optional<int> domain = AskSocket(descriptor, SO_DOMAIN);
+    found.packet += domain == AF_PACKET ? 1 : 0;
+    if (domain == AF_INET && AskSocket(descriptor, SO_TYPE) == SOCK_DGRAM)
+      found.receiveBytes.push_back(AskSocket(descriptor, SO_RCVBUF).value_or(0));
+  }
+  return found;
+}
 
 class GigEVisionHostParameters : public GigEVisionDeviceTest {
 protected:
@@ -112,13 +148,26 @@ TEST_F(GigEVisionHostParameters, SocketSettings_WhileAStreamRuns_AreLocked) {
     EXPECT_TRUE(IsWritable(*mConnection, name)) << name;
 }
 
-TEST_F(GigEVisionHostParameters, SocketSettings_PlainSocketOfAFixedSize_Streams) {
+TEST_F(GigEVisionHostParameters, SocketSettings_PlainSocketOfAFixedSize_AreThoseOfTheSocketAndStream) {
+  // Less than any kernel allows.
   ASSERT_TRUE(SetText(*mStreamArray, "StreamSocketBufferMode", "Fixed").IsOK());
-  ASSERT_TRUE(SetText(*mStreamArray, "StreamSocketBufferSize", "8388608").IsOK());
+  ASSERT_TRUE(SetText(*mStreamArray, "StreamSocketBufferSize", "131072").IsOK());
   ASSERT_TRUE(SetText(*mStreamArray, "StreamPacketSocketEnable", "0").IsOK());
 
   ASSERT_TRUE(mStream->Start().IsOK());
 
+  EXPECT_TRUE(TakeUntil([this] { return mStream->GetStatistics().received >= 3; }));
+  const ReceivingSockets sockets = FindReceivingSockets();
+  EXPECT_EQ(sockets.packet, 0);
+  EXPECT_THAT(sockets.receiveBytes, testing::Contains(2 * 131072)) << "of which the kernel takes half for itself";
+}
+
+TEST_F(GigEVisionHostParameters, SocketSettings_PacketSocket_IsTheStreams) {
+  ASSERT_TRUE(SetText(*mStreamArray, "StreamPacketSocketEnable", "1").IsOK());
+
+  ASSERT_TRUE(mStream->Start().IsOK());
+
+  EXPECT_EQ(FindReceivingSockets().packet, 1);
   EXPECT_TRUE(TakeUntil([this] { return mStream->GetStatistics().received >= 3; }));
 }
 

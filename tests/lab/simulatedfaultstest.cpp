@@ -227,9 +227,12 @@ protected:
 } // namespace
 
 TEST_F(DelayedFrame, DelayPackets_FrameComesNoSoonerThanItsPackets) {
+  const std::uint64_t outNs = mClock->GetNowNs() + kExposureNs + kDelayNs;
   KrBuffer* filled = nullptr;
+  mClock->Advance(kExposureNs);
+  ASSERT_TRUE(WaitUntil([&] { return mClock->GetAwaitedNs() == outNs; }));
 
-  mClock->Advance(kExposureNs + kDelayNs - 1);
+  mClock->Advance(kDelayNs - 1);
   EXPECT_TRUE(mSource->Retrieve(filled, 0) == KrResult::Code::TimeLimitExceeded);
   mClock->Advance(1);
 

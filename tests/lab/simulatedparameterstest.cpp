@@ -336,8 +336,13 @@ TEST_F(SimulatedParametersTest, SilentCamera_AfterTheFirstAccess_FailsAtOnce) {
   mLab->GetFaults(kMonoMAC)->SilenceRegisters();
   std::int64_t value = 0;
 
-  EXPECT_EQ(mArray->GetInteger("SimulatedMissedTriggers")->GetValue(value), KrResult::Code::TimeLimitExceeded);
-  EXPECT_EQ(mArray->GetInteger("SimulatedMissedTriggers")->GetValue(value), KrResult::Code::TimeLimitExceeded);
+  const KrResult first = mArray->GetInteger("SimulatedMissedTriggers")->GetValue(value);
+  const KrResult second = mArray->GetInteger("SimulatedMissedTriggers")->GetValue(value);
+
+  EXPECT_EQ(first, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(first.GetDescription().ToUtf8(), testing::HasSubstr("in time"));
+  EXPECT_EQ(second, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(second.GetDescription().ToUtf8(), testing::HasSubstr("a moment ago")) << "it did not wait itself";
 
   mLab->GetFaults(kMonoMAC)->EndRegisterFaults();
   EXPECT_TRUE(WaitUntil([&] { return mArray->GetInteger("SimulatedMissedTriggers")->GetValue(value).IsOK(); }));

@@ -201,6 +201,7 @@ TEST(DialogBuilder, EveryTemplateAtSmallAndLargeFont_StaysWithinItsWindowsMaximu
 }
 
 TEST(DialogBuilder, EveryTemplateWithoutLimit_ClipsNoTextAndOverlapsNothing) {
+  ASSERT_FALSE(GetTemplates().empty());
   for (const DialogTemplate& each : GetTemplates()) {
     for (const int pointSize : kPointSizes) {
       SCOPED_TRACE(testing::Message() << each.id << " at " << pointSize);

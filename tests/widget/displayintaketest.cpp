@@ -5,6 +5,8 @@
 #include "krbase/krlogger.h"
 #include "windowwait.h"
 
+#include <gmock/gmock.h>
+
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -97,7 +99,8 @@ TEST_F(KrDisplayWndTest, Closing_WhileFramesArriveAtFullRate_IsSafe) {
 
   for (int i = 0; i < 10; ++i) {
     Open(120, 80);
-    EXPECT_TRUE(mWindow.DoEvents().IsOK() || mWindow.GetHandle() != 0);
+    // Frames may come faster than they are shown, so that there is always one more.
+    EXPECT_THAT(mWindow.DoEvents().GetCode(), testing::AnyOf(KrResult::Code::OK, KrResult::Code::TimeLimitExceeded));
     EXPECT_TRUE(mWindow.Close().IsOK());
   }
 

@@ -305,7 +305,9 @@ TEST(IPAddressControl, AtTheHintedSize_EveryFieldHoldsThreeDigits) {
     control->resize(control->minimumSizeHint());
     window.show();
 
-    for (const QLineEdit* field : control->findChildren<QLineEdit*>()) {
+    const QList<QLineEdit*> fields = control->findChildren<QLineEdit*>();
+    EXPECT_EQ(fields.size(), 4);
+    for (const QLineEdit* field : fields) {
       EXPECT_GE(field->width(), field->fontMetrics().horizontalAdvance(QStringLiteral("255")) + 2) << pointSize;
       EXPECT_GE(field->height(), field->fontMetrics().height()) << pointSize;
     }

@@ -53,7 +53,9 @@ TEST(BandLayout, LessRoomThanAnybodyCanGive_CutsTheLastOnes) {
 }
 
 TEST(BandLayout, NoRoom_LeavesNothingOfAnybody) {
-  for (const GridRect& rect : LayOutBand({10, 100, 10, 100}, kItems)) {
+  const auto rects = LayOutBand({10, 100, 10, 100}, kItems);
+  EXPECT_EQ(rects.size(), std::size(kItems));
+  for (const GridRect& rect : rects) {
     EXPECT_EQ(rect.left, 10);
     EXPECT_EQ(rect.right, 10);
     EXPECT_EQ(rect.top, 100);
@@ -62,7 +64,9 @@ TEST(BandLayout, NoRoom_LeavesNothingOfAnybody) {
 }
 
 TEST(BandLayout, BandWithNegativeExtent_LeavesNothingOfAnybody) {
-  for (const GridRect& rect : LayOutBand({10, 100, 5, 90}, kItems)) {
+  const auto rects = LayOutBand({10, 100, 5, 90}, kItems);
+  EXPECT_EQ(rects.size(), std::size(kItems));
+  for (const GridRect& rect : rects) {
     EXPECT_EQ(rect.left, rect.right);
     EXPECT_EQ(rect.top, rect.bottom);
   }

@@ -1,5 +1,7 @@
 #include "krbase/krturnmutex.h"
 
+#include "await.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -34,26 +36,30 @@ TEST(KrTurnMutex, Lock_BySeveralThreads_IsHeldByOneAtATime) {
   EXPECT_EQ(turns, kThreads * kTurns);
 }
 
-TEST(KrTurnMutex, Lock_WhileAnotherThreadTakesItAgainAndAgain_IsHad) {
+TEST(KrTurnMutex, Lock_TakenAgainAndAgainByTwoThreads_IsHadInTurn) {
+  constexpr int kTurns = 100;
   KrTurnMutex lock;
-  std::atomic<bool> isBusy = false;
-  std::jthread greedy([&](const std::stop_token& aStop) {
-    while (!aStop.stop_requested()) {
+  int last = 0; // Guarded by the lock, as the next two are: who had it last, and whether the other one waited then.
+  bool isWaitedFor = false;
+  int overtakings = 0;
+  std::atomic<bool> isOver = false;
+  const auto take = [&](int aName) {
+    for (int turn = 0; turn < kTurns; ++turn) {
       const std::lock_guard guard(lock);
-      isBusy = true;
+      overtakings += isWaitedFor && last == aName ? 1 : 0;
+      last = aName;
+      EXPECT_TRUE(krtest::Await([&] { return lock.CountWaiting() > 0 || isOver; }));
+      isWaitedFor = lock.CountWaiting() > 0;
     }
-  });
-  while (!isBusy)
-    std::this_thread::yield();
+    isOver = true;
+  };
 
-  int turns = 0;
-  while (turns < 100) {
-    const std::lock_guard guard(lock);
-    ++turns;
-    isBusy = false;
-  }
+  std::jthread first(take, 1);
+  std::jthread second(take, 2);
+  first.join();
+  second.join();
 
-  EXPECT_EQ(turns, 100) << "A lock that starves its waiters ends this test by its time limit.";
+  EXPECT_EQ(overtakings, 0);
 }
 
 TEST(KrTurnMutex, Lock_AskedForBySeveralThreads_IsHadInTheirOrder) {
@@ -68,8 +74,7 @@ TEST(KrTurnMutex, Lock_AskedForBySeveralThreads_IsHadInTheirOrder) {
         const std::lock_guard guard(lock);
         order.push_back(i);
       });
-      while (lock.CountWaiting() != i + 1)
-        std::this_thread::yield();
+      EXPECT_TRUE(krtest::Await([&] { return lock.CountWaiting() == i + 1; }));
     }
   }
 
@@ -87,8 +92,7 @@ TEST(KrTurnMutex, Lock_TakenAgainByWhoGaveItUp_IsHadAfterAllWhoWait) {
       const std::lock_guard guard(lock);
       order.push_back(i);
     });
-  while (lock.CountWaiting() != kThreads)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return lock.CountWaiting() == kThreads; }));
 
   lock.unlock();
   const std::lock_guard again(lock);
@@ -120,8 +124,7 @@ TEST(KrTurnMutex, TryLockUntil_BehindAHolder_GivesUpAndLeavesTheOthersTheirTurns
     order.push_back(aName);
   };
   threads.emplace_back(wait, 1);
-  while (lock.CountWaiting() != 1)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return lock.CountWaiting() == 1; }));
 
   EXPECT_FALSE(lock.try_lock_until(std::chrono::steady_clock::now())) << "Last of those who wait.";
   std::atomic<bool> isLate = false;
@@ -129,15 +132,12 @@ TEST(KrTurnMutex, TryLockUntil_BehindAHolder_GivesUpAndLeavesTheOthersTheirTurns
     EXPECT_FALSE(lock.try_lock_until(std::chrono::steady_clock::now() + kShortWait));
     isLate = true;
   });
-  while (lock.CountWaiting() != 2 && !isLate)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return lock.CountWaiting() == 2 || isLate; }));
   threads.emplace_back(wait, 2); // Behind one that gives up.
   late.join();
-  while (lock.CountWaiting() != 2)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return lock.CountWaiting() == 2; }));
   threads.emplace_back(wait, 3);
-  while (lock.CountWaiting() != 3)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return lock.CountWaiting() == 3; }));
   lock.unlock();
   threads.clear();
 
@@ -150,8 +150,7 @@ TEST(KrTurnMutex, TryLockUntil_OfALockThatIsGivenUp_IsHad) {
   lock.lock();
   bool isHad = false;
   std::jthread waiting([&] { isHad = lock.try_lock_until(std::chrono::steady_clock::now() + std::chrono::hours(1)); });
-  while (lock.CountWaiting() != 1)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return lock.CountWaiting() == 1; }));
 
   lock.unlock();
   waiting.join();

@@ -20,6 +20,7 @@ SavedBridge MakeBridge(const CameraWay& aWay) {
 }
 
 TEST(SavedBridge, OfEveryWay_ComesBackAsItWas) {
+  ASSERT_FALSE(GetCameraWays().empty());
   for (const CameraWay* const way : GetCameraWays()) {
     const SavedBridge before = MakeBridge(*way);
     SavedBridge after;

@@ -1,5 +1,6 @@
 #include "aravis/channelregisterport.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <future>
@@ -133,6 +134,7 @@ TEST_F(ChannelRegisterPortTest, Read_DeviceSilent_FailsAtOnceUntilItAnswersAgain
 
   EXPECT_EQ(first, KrResult::Code::TimeLimitExceeded);
   EXPECT_EQ(second, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(second.GetDescription().ToUtf8(), testing::HasSubstr("a moment ago")) << "it did not wait itself";
   EXPECT_TRUE(third.IsOK());
 }
 

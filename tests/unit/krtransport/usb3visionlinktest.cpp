@@ -4,6 +4,7 @@
 #include "usbfakelinksink.h"
 #include "usbtesttree.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -114,6 +115,7 @@ TEST_F(Usb3VisionLinkTest, Registers_OfASilentDevice_FailUntilItAnswersAgain) {
 
   EXPECT_EQ(inTime, KrResult::Code::TimeLimitExceeded);
   EXPECT_EQ(atOnce, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(atOnce.GetDescription().ToUtf8(), testing::HasSubstr("a moment ago")) << "it did not wait itself";
   EXPECT_TRUE(again.IsOK());
   EXPECT_TRUE(link->IsConnected());
 }

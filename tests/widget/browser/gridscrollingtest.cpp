@@ -162,6 +162,7 @@ TEST_F(GridScrollingTest, ScrolledEditor_StaysWithItsRowAndAsksNoDevice) {
 
 TEST_F(GridScrollingTest, MessagesOfAllRows_AreHandled) {
   ReadAll();
+  ASSERT_FALSE(mGrid.GetTree().GetFeatures().empty());
   for (const auto& node : mGrid.GetTree().GetFeatures())
     mGrid.GetQueue()->PostOnce({kRowChangedMessage, node->GetItem(), 0});
 

@@ -4,6 +4,8 @@
 #include "finderfixture.h"
 #include "krgui/krdevicefinderwnd.h"
 
+#include <QThread>
+
 namespace krgui {
 
 namespace {
@@ -37,6 +39,40 @@ enum class Way { Close, Escape, CloseBox, Deletion, ParentsEnd };
 
 constexpr Way kWays[] = {Way::Close, Way::Escape, Way::CloseBox, Way::Deletion, Way::ParentsEnd};
 
+/// Counts the threads that look for devices, each from its first question until it has ended, and that of the test not.
+class LookingThreads {
+public:
+  static void Count() {
+    if (QThread::currentThread() != QCoreApplication::instance()->thread()) {
+      thread_local const Presence presence;
+    }
+  }
+  static int Get() { return sCount; }
+
+private:
+  struct Presence {
+    Presence() { ++sCount; }
+    Presence(const Presence&) = delete;
+    Presence& operator=(const Presence&) = delete;
+    ~Presence() { --sCount; }
+  };
+  static inline std::atomic<int> sCount = 0;
+};
+
+/// Counts who asks: the finder's thread asks for interfaces, one for each transport for devices.
+class CountingTransport final : public ScriptedTransport {
+public:
+  KrResult ListInterfaces(std::vector<krsystem::InterfaceFields>& aInterfaces) override {
+    LookingThreads::Count();
+    return ScriptedTransport::ListInterfaces(aInterfaces);
+  }
+  KrResult Discover(const std::vector<krsystem::InterfaceFields>& aInterfaces,
+                    const krsystem::DiscoveryRequest& aRequest, const krsystem::DeviceReport& aReport) override {
+    LookingThreads::Count();
+    return ScriptedTransport::Discover(aInterfaces, aRequest, aReport);
+  }
+};
+
 /// What each finder is used with; a new window each time.
 struct Showing {
   Gate gate;
@@ -69,6 +105,7 @@ struct Showing {
 
 class FinderEndingTest : public DeviceFinderTest, public testing::WithParamInterface<MomentRow> {
 protected:
+  FinderEndingTest() : DeviceFinderTest(std::make_shared<CountingTransport>()) {}
   ~FinderEndingTest() override {
     mTransport->SetScript({});
     DeleteWhatIsLeft();
@@ -113,7 +150,11 @@ TEST_P(FinderEndingTest, EndedInEveryWay_AHundredTimes_EndsAndLeavesNoThread) {
     Showing showing;
     ComeTo(GetParam().moment, showing);
 
+    ASSERT_GT(LookingThreads::Get(), 0);
+
     showing.End(kWays[static_cast<std::size_t>(i) % std::size(kWays)]);
+
+    ASSERT_EQ(LookingThreads::Get(), 0);
   }
 }
 

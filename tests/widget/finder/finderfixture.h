@@ -128,7 +128,10 @@ public:
 
 class DeviceFinderTest : public testing::Test {
 protected:
-  DeviceFinderTest() { krsystem::RegisterTransport(mTransport); }
+  explicit DeviceFinderTest(std::shared_ptr<ScriptedTransport> aTransport = std::make_shared<ScriptedTransport>())
+      : mTransport(std::move(aTransport)) {
+    krsystem::RegisterTransport(mTransport);
+  }
   ~DeviceFinderTest() override { krsystem::UnregisterTransport(mTransport); }
 
   /// Opens a modeless finder and waits until the items of these texts are there.
@@ -203,7 +206,7 @@ protected:
   }
   static ShownMessage MakeErrorMessage(const char* aText) { return {aText, "Error", "Warning"}; }
 
-  const std::shared_ptr<ScriptedTransport> mTransport = std::make_shared<ScriptedTransport>();
+  const std::shared_ptr<ScriptedTransport> mTransport;
   QObject mHand;
   int mDialogCount = 0;
   std::atomic<std::uint32_t> mNowMs = 5000;

@@ -127,7 +127,9 @@ TEST_F(FigureBarTest, losses_standOutByMarkColourAndWeightUntilTheyAreGone) {
 }
 
 TEST_F(FigureBarTest, everyFigure_saysWhatItMeans) {
-  for (const QLabel* const label : mBar.findChildren<QLabel*>()) {
+  const QList<QLabel*> labels = mBar.findChildren<QLabel*>();
+  EXPECT_FALSE(labels.isEmpty());
+  for (const QLabel* const label : labels) {
     EXPECT_FALSE(label->toolTip().isEmpty());
     EXPECT_EQ(krviewer::ToToolTip(label->accessibleDescription()), label->toolTip());
     EXPECT_EQ(label->textFormat(), Qt::PlainText);

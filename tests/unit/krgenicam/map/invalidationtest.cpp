@@ -4,6 +4,8 @@
 #include "changingcamera.h"
 #include "describedcamera.h"
 
+#include <gmock/gmock.h>
+
 namespace {
 
 std::string MakeFeature(const std::string& aName, const std::string& aMore = {}) {
@@ -79,14 +81,32 @@ TEST(Invalidation, FeatureThatWasWritten_IsKnownWithoutReading) {
   EXPECT_EQ(camera.port.CountReads(), 0u);
 }
 
-TEST(Invalidation, FeaturesThatStandOnThemselves_AreWalkedOnce) {
+TEST(Invalidation, FeaturesThatInvalidateEachOther_AreToldOfOnceEach) {
+  ChangingCamera camera(MakeFeature("A", "<pInvalidator>B</pInvalidator>") + MakeRegister("AReg", 0x100) +
+                        MakeFeature("B", "<pInvalidator>A</pInvalidator>") + MakeRegister("BReg", 0x104));
+  RecordingSink sink;
+  camera.Watch("A", sink);
+  camera.Watch("B", sink);
+  camera.Poke(0x100, {1});
+  camera.Poke(0x104, {2});
+
+  EXPECT_TRUE(camera.array->Invalidate("A").IsOK());
+
+  camera.AwaitNotifications();
+  EXPECT_THAT(sink.TakeNames(), testing::UnorderedElementsAre("A", "B"));
+}
+
+TEST(Invalidation, FeaturesThatAreEachOthersValue_HaveNoneAndLeaveOthersTheirs) {
   DescribedCamera camera("<Integer Name=\"A\"><pInvalidator>B</pInvalidator><pValue>B</pValue></Integer>\n"
                          "<Integer Name=\"B\"><pInvalidator>A</pInvalidator><pValue>A</pValue></Integer>\n" +
                          MakeFeature("Free") + MakeRegister("FreeReg", 0x100));
 
   EXPECT_TRUE(camera.array->Invalidate("A").IsOK());
 
+  std::int64_t value = 0;
+  EXPECT_FALSE(camera.Integer("A").GetValue(value).IsOK());
   EXPECT_TRUE(camera.Integer("Free").SetValue(1).IsOK());
+  EXPECT_EQ(camera.Peek(0x100, 1), std::vector<std::uint8_t>{1});
 }
 
 } // namespace

@@ -370,13 +370,19 @@ struct SpellingRow {
   const char* name;
   const char* parameter;
   const char* text;
+  std::uint64_t address;
+  std::vector<std::uint8_t> bytes; ///< That the device has afterwards.
 };
 
 class SettingSpelling : public testing::TestWithParam<SpellingRow> {
 protected:
   static std::string MakeNodes() {
     return MakeInteger("Integer", 0) + MakeEnum("Enumeration", 4, {"Off", "On"}) +
-           "<Boolean Name=\"Boolean\"><Value>0</Value></Boolean><Float Name=\"Float\"><Value>0</Value></Float>"
+           "<Boolean Name=\"Boolean\"><pValue>BooleanReg</pValue></Boolean><IntReg Name=\"BooleanReg\"><Address>8"
+           "</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Endianess>LittleEndian"
+           "</Endianess></IntReg><Float Name=\"Float\"><pValue>FloatReg</pValue></Float><FloatReg Name=\"FloatReg\">"
+           "<Address>48</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Endianess>"
+           "LittleEndian</Endianess></FloatReg>"
            "<Float Name=\"Coarse\"><pValue>CoarseValue</pValue><Inc>0.5</Inc></Float><Converter Name=\"CoarseValue\">"
            "<FormulaTo>ROUND(FROM*2)</FormulaTo><FormulaFrom>TO/2.0</FormulaFrom><pValue>CoarseReg</pValue></Converter>"
            "<FloatReg Name=\"Single\"><Address>16</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device"
@@ -390,23 +396,31 @@ protected:
 };
 
 TEST_P(SettingSpelling, IsTheSameAsWhatTheDeviceHas) {
+  const SpellingRow& row = GetParam();
   SettingsCamera camera(MakeNodes());
 
-  const KrResult result = camera.Restore({{GetParam().parameter, GetParam().text}});
+  const KrResult result = camera.Restore({{row.parameter, row.text}});
 
   EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(camera.Peek(row.address, row.bytes.size()), row.bytes);
 }
+
+const std::vector<std::uint8_t> kOneAndAHalf = {0, 0, 0, 0, 0, 0, 0xF8, 0x3F};
 
 INSTANTIATE_TEST_SUITE_P(
     Spellings, SettingSpelling,
-    testing::Values(SpellingRow{"HexInteger", "Integer", "0x10"}, SpellingRow{"EntryByNumber", "Enumeration", "1"},
-                    SpellingRow{"EntryByName", "Enumeration", "On"}, SpellingRow{"BooleanWord", "Boolean", "true"},
-                    SpellingRow{"BooleanWordInCapitals", "Boolean", "True"},
-                    SpellingRow{"BooleanDigit", "Boolean", "1"}, SpellingRow{"FloatWithZeros", "Float", "1.500"},
-                    SpellingRow{"FloatWithExponent", "Float", "15e-1"},
-                    SpellingRow{"FloatThatTheDeviceRoundsToItsBits", "Single", "0.1"},
-                    SpellingRow{"FloatThatTheDeviceRoundsToItsIncrement", "Coarse", "1.7"},
-                    SpellingRow{"BytesInCapitals", "Register", "AbCD"}, SpellingRow{"Text", "String", "a  b"}),
+    testing::Values(SpellingRow{"HexInteger", "Integer", "0x10", 0, {16, 0, 0, 0}},
+                    SpellingRow{"EntryByNumber", "Enumeration", "1", 4, {1, 0, 0, 0}},
+                    SpellingRow{"EntryByName", "Enumeration", "On", 4, {1, 0, 0, 0}},
+                    SpellingRow{"BooleanWord", "Boolean", "true", 8, {1, 0, 0, 0}},
+                    SpellingRow{"BooleanWordInCapitals", "Boolean", "True", 8, {1, 0, 0, 0}},
+                    SpellingRow{"BooleanDigit", "Boolean", "1", 8, {1, 0, 0, 0}},
+                    SpellingRow{"FloatWithZeros", "Float", "1.500", 48, kOneAndAHalf},
+                    SpellingRow{"FloatWithExponent", "Float", "15e-1", 48, kOneAndAHalf},
+                    SpellingRow{"FloatThatTheDeviceRoundsToItsBits", "Single", "0.1", 16, {0xCD, 0xCC, 0xCC, 0x3D}},
+                    SpellingRow{"FloatThatTheDeviceRoundsToItsIncrement", "Coarse", "1.7", 20, {3, 0, 0, 0}},
+                    SpellingRow{"BytesInCapitals", "Register", "AbCD", 24, {0xAB, 0xCD}},
+                    SpellingRow{"Text", "String", "a  b", 32, {'a', ' ', ' ', 'b', 0}}),
     [](const auto& aInfo) { return std::string(aInfo.param.name); });
 
 } // namespace

@@ -191,6 +191,7 @@ TEST_F(EveryNode, Parameters_HaveTypeAccessValueAndRange) {
 }
 
 TEST_F(EveryNode, AllFeaturesOfTheCategories_AreInTheTable) {
+  EXPECT_GT(mArray->GetCount(), 0u);
   for (std::size_t i = 0; i < mArray->GetCount(); ++i) {
     const std::string name = (*mArray)[i]->GetName().CStr();
     const auto hasName = [&](const Expected& aRow) { return name == aRow.name; };
