@@ -47,6 +47,7 @@ constexpr struct {
     {"benchmarks/terminal/", true},
     {"benchmarks/windows/", true},
     {"benchmarks/heartbeat.h", true},
+    {"fuzz/viewer/", true},
     {"tests/", true},
 };
 
