@@ -168,7 +168,7 @@ bool KrGenParameter::IsWritable() {
 
 KrResult KrGenParameter::GetAccessReason(KrString& aReason) {
   return mMap.Run([&](Evaluation& aEvaluation) {
-    aReason = krgenicam::DescribeAccessReason(aEvaluation, mNode);
+    aReason = krgenicam::FindAccessReason(aEvaluation, mNode).text;
     return KrResult();
   });
 }

@@ -43,7 +43,7 @@ std::string DescribeCause(Evaluation& aEvaluation, const Node& aNode, KrGenAcces
 
 } // namespace
 
-std::string DescribeAccessReason(Evaluation& aEvaluation, Node& aNode) {
+AccessReason FindAccessReason(Evaluation& aEvaluation, Node& aNode) {
   const KrGenAccessMode mode = aNode.GetAccess(aEvaluation);
   if (mode == KrGenAccessMode::ReadWrite || mode == KrGenAccessMode::WriteOnly)
     return {};
@@ -54,12 +54,12 @@ std::string DescribeAccessReason(Evaluation& aEvaluation, Node& aNode) {
   const KrResult reason = aNode.ExplainAccess(aEvaluation, asksForWriting, DescribeMode(mode) + ": ");
   aEvaluation.cause = nullptr;
   if (cause.predicate)
-    return DescribeCause(aEvaluation, aNode, mode, cause);
+    return {DescribeCause(aEvaluation, aNode, mode, cause), cause.verdict == Verdict::Locked};
   if (cause.verdict == Verdict::ByDescription && IsReadable(mode))
     return {};
   // Faults of the description and failures of the device are sentences of their own.
   const std::string text = reason.GetDescription().ToUtf8();
-  return text.starts_with(DescribeMode(mode)) ? text : DescribeMode(mode) + ". " + text;
+  return {text.starts_with(DescribeMode(mode)) ? text : DescribeMode(mode) + ". " + text};
 }
 
 } // namespace krgenicam

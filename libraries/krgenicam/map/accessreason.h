@@ -8,7 +8,12 @@
 
 namespace krgenicam {
 
-/// As KrGenParameter::GetAccessReason.
-std::string DescribeAccessReason(Evaluation& aEvaluation, Node& aNode);
+struct AccessReason {
+  std::string text;      ///< As KrGenParameter::GetAccessReason has it.
+  bool isLocked = false; ///< What stands in the way is a lock (pIsLocked), of the node or of one that it stands on.
+};
+
+/// Empty where nothing stands in the way.
+AccessReason FindAccessReason(Evaluation& aEvaluation, Node& aNode);
 
 } // namespace krgenicam

@@ -1,6 +1,7 @@
 #include "map/settingsstore.h"
 
 #include "krgenicam/krgenparameterarray.h"
+#include "map/accessreason.h"
 #include "map/nodemap.h"
 #include "map/settingsescape.h"
 #include "map/settingsorder.h"
@@ -9,6 +10,7 @@
 #include <iterator>
 #include <map>
 #include <numeric>
+#include <unordered_set>
 
 namespace krgenicam {
 
@@ -64,20 +66,24 @@ void SettingsStore::FindStreamLocked() {
   std::unordered_set<const Node*> seen = {first};
   std::vector<const Node*> walk = {first};
   for (std::size_t at = 0; at < walk.size(); ++at) {
-    for (const Node* const dependent : walk[at]->GetDependents()) {
+    for (Node* const dependent : walk[at]->GetDependents()) {
       if (!seen.insert(dependent).second)
         continue;
       walk.push_back(dependent);
-      mStreamLocked.insert(mMap.GetParameter(*dependent));
+      mStreamLocked.emplace(mMap.GetParameter(*dependent), dependent);
     }
   }
 }
 
 // Whether the parameter, which cannot be set, could be if no stream ran.
-bool SettingsStore::IsStreamLocked(KrGenParameter& aParameter) const {
-  KrString reason;
-  return mStreamLocked.contains(&aParameter) && aParameter.GetAccessReason(reason).IsOK() &&
-         reason.ToUtf8().starts_with("Locked by ");
+bool SettingsStore::IsStreamLocked(const KrGenParameter& aParameter) const {
+  const auto found = mStreamLocked.find(&aParameter);
+  bool isLocked = false;
+  const auto ask = [&](Evaluation& aEvaluation) {
+    isLocked = FindAccessReason(aEvaluation, *found->second).isLocked;
+    return KrResult();
+  };
+  return found != mStreamLocked.end() && mMap.Run(ask).IsOK() && isLocked;
 }
 
 // A selector under whose positions others are taken is not taken for itself: its own position ends their group. Of

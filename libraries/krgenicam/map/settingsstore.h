@@ -9,11 +9,12 @@
 #include <cstddef>
 #include <stop_token>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 namespace krgenicam {
 
+class Node;
 class NodeMap;
 
 /// Parameters that have the same selectors come under these together. First come those without selectors.
@@ -48,7 +49,7 @@ private:
   void StoreParameter(KrGenParameter& aParameter);
   bool IsEnded();
   void FindStreamLocked();
-  bool IsStreamLocked(KrGenParameter& aParameter) const;
+  bool IsStreamLocked(const KrGenParameter& aParameter) const;
   void Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure);
   void NoteLimit(const KrString& aName);
   void NoteCut(const KrString& aName);
@@ -61,11 +62,12 @@ private:
   SettingsProgress mProgress;
   std::size_t mGroupsDone = 0; // The parameters of the groups that are done.
   std::size_t mCombinations = 0;
-  std::unordered_set<const KrGenParameter*> mStreamLocked; // What the stream that runs may lock; none without one.
-  bool mHasLeftLocked = false;                             // Such a one was locked.
-  bool mIsEnded = false;  // A limit was reached, the device does not answer any more, or it was cancelled.
-  bool mIsSilent = false; // A selector was not put back in time after the end: no other is tried.
-  KrResult mFailure;      // The first, but for those that say that the device was not heard.
+  // What the stream that runs may lock; none without one.
+  std::unordered_map<const KrGenParameter*, Node*> mStreamLocked;
+  bool mHasLeftLocked = false; // Such a one was locked.
+  bool mIsEnded = false;       // A limit was reached, the device does not answer any more, or it was cancelled.
+  bool mIsSilent = false;      // A selector was not put back in time after the end: no other is tried.
+  KrResult mFailure;           // The first, but for those that say that the device was not heard.
 };
 
 } // namespace krgenicam
