@@ -19,6 +19,15 @@ KrResult MakeFault(std::size_t aColumn, const char* aReason) {
   return {KrResult::Code::OutOfRange, "Formula: " + place + aReason + "."};
 }
 
+// Takes the operand on top; where it decides the whole, its truth is left in its place.
+bool Decides(bool aWhenTrue, Number*& aTop) {
+  --aTop;
+  if (IsTrue(*aTop) != aWhenTrue)
+    return false;
+  *aTop++ = Number(aWhenTrue ? 1 : 0);
+  return true;
+}
+
 } // namespace
 
 KrResult Formula::Compile(std::string_view aText, FormulaKind aKind, const FormulaNames& aNames, Formula& aFormula) {
@@ -93,15 +102,10 @@ KrResult Formula::Run(IFormulaVariables& aVariables, Number* aStack, BlockState*
         next = instruction.argument;
       break;
     case Operation::SkipIfZero:
-    case Operation::SkipUnlessZero: {
-      const bool decidesWhenTrue = instruction.operation == Operation::SkipUnlessZero;
-      --top;
-      if (IsTrue(*top) == decidesWhenTrue) {
-        *top++ = Number(decidesWhenTrue ? 1 : 0);
+    case Operation::SkipUnlessZero:
+      if (Decides(instruction.operation == Operation::SkipUnlessZero, top))
         next = instruction.argument;
-      }
       break;
-    }
     case Operation::Truth:
       top[-1] = Number(IsTrue(top[-1]) ? 1 : 0);
       break;
