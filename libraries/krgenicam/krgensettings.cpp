@@ -2,6 +2,7 @@
 
 #include "krbase/kratomicfile.h"
 #include "krbase/krwholefile.h"
+#include "krbase/trim.h"
 #include "map/settingsescape.h"
 
 #include <algorithm>
@@ -23,14 +24,9 @@ std::string_view TrimEnd(std::string_view aText) {
   return aText.substr(0, aText.find_last_not_of(kBlanks) + 1);
 }
 
-std::string_view Trim(std::string_view aText) {
-  const std::size_t start = aText.find_first_not_of(kBlanks);
-  return start == std::string_view::npos ? std::string_view() : TrimEnd(aText.substr(start));
-}
-
 // What "#" makes a comment of, without blanks around.
 std::string_view GetComment(std::string_view aLine) {
-  return Trim(aLine.substr(1));
+  return krbase::Trim(aLine.substr(1));
 }
 
 bool HasMagic(std::string_view aLine) {
@@ -46,7 +42,7 @@ std::string MakeDeviceText(const KrString& aDevice) {
   std::string text = aDevice.ToUtf8();
   std::replace_if(
       text.begin(), text.end(), [](char aByte) { return krgenicam::IsControl(aByte); }, ' ');
-  return std::string(Trim(text));
+  return std::string(krbase::Trim(text));
 }
 
 // Gives one line after the other; lines end with "\n", "\r\n" or a lone "\r".
@@ -80,7 +76,7 @@ public:
   KrResult Take(std::string_view aLine, std::size_t aNumber) {
     if (aLine.starts_with('#'))
       TakeComment(GetComment(aLine));
-    else if (!Trim(aLine).empty())
+    else if (!krbase::Trim(aLine).empty())
       return TakeSetting(aLine, aNumber);
     return {};
   }
@@ -89,12 +85,12 @@ private:
   void TakeComment(std::string_view aComment) {
     mIsEscaped = aComment == kEscapeMark;
     if (mSettings.empty() && mDevice.IsEmpty() && aComment.starts_with(kDeviceMark))
-      mDevice = KrString(Trim(aComment.substr(kDeviceMark.size())));
+      mDevice = KrString(krbase::Trim(aComment.substr(kDeviceMark.size())));
   }
 
   KrResult TakeSetting(std::string_view aLine, std::size_t aNumber) {
     const std::size_t tab = std::min(aLine.find('\t'), aLine.size());
-    const std::string_view name = Trim(aLine.substr(0, tab));
+    const std::string_view name = krbase::Trim(aLine.substr(0, tab));
     if (!krgenicam::IsSettingName(name))
       return MakeError(aNumber, "a parameter's name, a tab and its value are wanted.");
     if (mSettings.size() == kMaxSettings)

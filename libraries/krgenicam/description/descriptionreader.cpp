@@ -13,11 +13,6 @@ namespace {
 
 constexpr std::size_t kPropertyKinds = static_cast<std::size_t>(PropertyKind::CacheChunkData) + 1;
 
-std::string Quote(std::string_view aText) {
-  constexpr std::size_t kLongest = 60;
-  return "\"" + std::string(aText.substr(0, kLongest)) + (aText.size() > kLongest ? "…\"" : "\"");
-}
-
 // The attribute that belongs to an element's meaning.
 const char* GetAttributeName(PropertyKind aKind) {
   switch (aKind) {

@@ -1,5 +1,7 @@
 #include "description/lexical.h"
 
+#include "krbase/utf8cut.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -9,8 +11,6 @@
 namespace krgenicam {
 
 namespace {
-
-constexpr std::string_view kBlanks = " \t\r\n\f\v";
 
 char ToLower(char aCharacter) {
   return aCharacter >= 'A' && aCharacter <= 'Z' ? static_cast<char>(aCharacter + ('a' - 'A')) : aCharacter;
@@ -116,11 +116,10 @@ bool EqualsIgnoringCase(std::string_view aLeft, std::string_view aRight) {
   return true;
 }
 
-std::string_view Trim(std::string_view aText) {
-  const std::size_t begin = aText.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos)
-    return {};
-  return aText.substr(begin, aText.find_last_not_of(kBlanks) - begin + 1);
+std::string Quote(std::string_view aText) {
+  constexpr std::size_t kMostBytes = 60;
+  const std::string_view beginning = krbase::CutUtf8(aText, kMostBytes);
+  return "\"" + std::string(beginning) + (beginning.size() < aText.size() ? "…\"" : "\"");
 }
 
 std::string QuoteName(std::string_view aName) {

@@ -2,6 +2,8 @@
 // The values of a description's elements, read from their texts. Lenient where cameras are known to stray from the
 // schema: blanks around, 0x or none before hexadecimal numbers, signs, words in any case.
 
+#include "krbase/trim.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -24,8 +26,9 @@ std::optional<std::size_t> FindWord(const Words& aWords, std::string_view aText)
 
 /// Whether two texts are equal but for the case of their ASCII letters.
 bool EqualsIgnoringCase(std::string_view aLeft, std::string_view aRight);
-/// Without blanks, tabs and line ends around.
-std::string_view Trim(std::string_view aText);
+using krbase::Trim;
+/// A text of a description, or for it, as messages have it: in quotation marks, the end of a long one left out.
+std::string Quote(std::string_view aText);
 /// A node's name as messages have it: in quotation marks.
 std::string QuoteName(std::string_view aName);
 

@@ -52,12 +52,11 @@ KrResult RefuseSchema(const SchemaVersion& aVersion) {
 } // namespace
 
 KrResult FindRootElement(const pugi::xml_document& aDocument, RootElement& aRoot) {
-  constexpr std::size_t kLongestQuote = 60;
   const pugi::xml_node element = aDocument.document_element();
   const std::string_view name = GetLocalName(element);
   if (name != "RegisterDescription")
-    return {KrResult::Code::BadData, "its root element is \"" + std::string(name.substr(0, kLongestQuote)) +
-                                         "\" where a camera description has RegisterDescription."};
+    return {KrResult::Code::BadData,
+            "its root element is " + Quote(name) + " where a camera description has RegisterDescription."};
   const SchemaVersion byAttributes{ParseInteger(GetAttribute(element, "SchemaMajorVersion")),
                                    ParseInteger(GetAttribute(element, "SchemaMinorVersion"))};
   const SchemaVersion byNameSpace = ReadNameSpace(element);

@@ -21,12 +21,6 @@ constexpr BuiltInConstant kBuiltInConstants[] = {{"PI", std::numbers::pi}, {"E",
 // What is no longer is copied where it is used: a call would take as long.
 constexpr std::size_t kMostCopied = 4;
 
-std::string Quote(std::string_view aText) {
-  constexpr std::size_t kLongestQuote = 40;
-  return aText.size() > kLongestQuote ? "\"" + std::string(aText.substr(0, kLongestQuote)) + "…\""
-                                      : "\"" + std::string(aText) + "\"";
-}
-
 } // namespace
 
 // Counts levels while they are open.

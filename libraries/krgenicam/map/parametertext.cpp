@@ -17,10 +17,8 @@ namespace krgenicam {
 namespace {
 
 KrResult RefuseText(const Node& aNode, std::string_view aText, const std::string& aWanted) {
-  constexpr std::size_t kLongestQuote = 60;
-  return {KrResult::Code::InvalidInput, "\"" + std::string(aNode.GetName()) + "\" cannot be set to \"" +
-                                            std::string(aText.substr(0, kLongestQuote)) + "\": it takes " + aWanted +
-                                            "."};
+  return {KrResult::Code::InvalidInput,
+          QuoteName(aNode.GetName()) + " cannot be set to " + Quote(aText) + ": it takes " + aWanted + "."};
 }
 
 KrResult ReadInteger(Evaluation& aEvaluation, Node& aNode, std::string& aText) {

@@ -1,5 +1,6 @@
 #include "nodes/enumerationnode.h"
 
+#include "description/lexical.h"
 #include "nodes/numbertext.h"
 
 #include <algorithm>
@@ -10,11 +11,6 @@
 namespace krgenicam {
 
 namespace {
-
-std::string Quote(std::string_view aText) {
-  constexpr std::size_t kLongestQuote = 60;
-  return "\"" + std::string(aText.substr(0, kLongestQuote)) + "\"";
-}
 
 // Leaves one entry of each key, the first of the description, and has the others noted.
 template <typename Projection, typename Note>

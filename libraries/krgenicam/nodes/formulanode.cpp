@@ -16,11 +16,6 @@ constexpr std::string_view kAspects[] = {"Value",      "Min",        "Max",     
 constexpr std::string_view kCachingModes[] = {"NoCache", "WriteThrough", "WriteAround"};
 constexpr std::int64_t kWriteThrough = 1;
 
-std::string Quote(std::string_view aText) {
-  constexpr std::size_t kLongestQuote = 60;
-  return "\"" + std::string(aText.substr(0, kLongestQuote)) + "\"";
-}
-
 // How a node's value is cached: what it says itself, or what it takes its value from does.
 std::int64_t FindCachingMode(INodeIndex& aIndex, const Node* aNode) {
   for (std::size_t depth = 0; aNode && depth < Evaluation::kMaxDepth; ++depth) {

@@ -146,9 +146,7 @@ KrResult Node::Follow(const NodeLink& aLink, Node*& aNode) const {
 }
 
 void Node::AddWordFault(INodeIndex& aIndex, const Property& aProperty, std::string_view aWanted) {
-  constexpr std::size_t kLongestQuote = 60;
-  aIndex.AddFault(*this, aProperty.line,
-                  QuoteName(aProperty.text.substr(0, kLongestQuote)) + " is not " + std::string(aWanted) + ".");
+  aIndex.AddFault(*this, aProperty.line, Quote(aProperty.text) + " is not " + std::string(aWanted) + ".");
 }
 
 std::int64_t Node::TakeInteger(INodeIndex& aIndex, PropertyKind aKind, std::int64_t aDefault) {

@@ -130,10 +130,10 @@ TEST(Lexical_, Words_AreReadInAnyCase) {
   EXPECT_EQ(FindWord(kWords, "big"), std::nullopt);
 }
 
-TEST(Lexical_, Trimming_TakesBlanksFromBothEnds) {
-  EXPECT_EQ(Trim(" \t\r\n a b \n"), "a b");
-  EXPECT_EQ(Trim(" \n "), "");
-  EXPECT_EQ(Trim(""), "");
+TEST(Lexical_, QuotedText_IsCutBehindAWholeCharacterWhereItIsLong) {
+  EXPECT_EQ(Quote("short"), "\"short\"");
+  EXPECT_EQ(Quote(std::string(60, 'x')), "\"" + std::string(60, 'x') + "\"");
+  EXPECT_EQ(Quote(std::string(59, 'x') + "öx"), "\"" + std::string(59, 'x') + "…\"");
 }
 
 } // namespace
