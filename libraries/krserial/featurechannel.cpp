@@ -29,8 +29,8 @@ void Tell(const KrResult& aLoss) {
 } // namespace
 
 FeatureChannel::FeatureChannel(std::shared_ptr<KrDeviceLifetime> aLifetime, std::shared_ptr<FeatureTurn> aTurn,
-                               std::unique_ptr<IFeatureLine> aLine, Now aNow)
-    : mLifetime(std::move(aLifetime)), mTurn(std::move(aTurn)), mLine(std::move(aLine)), mNow(std::move(aNow)) {}
+                               std::unique_ptr<IFeatureLine> aLine, std::shared_ptr<KrWaitClock> aClock)
+    : mLifetime(std::move(aLifetime)), mTurn(std::move(aTurn)), mLine(std::move(aLine)), mClock(std::move(aClock)) {}
 
 FeatureChannel::~FeatureChannel() {
   mTurn->Forget(*mLine);
@@ -81,19 +81,19 @@ KrResult FeatureChannel::Open() {
   mReceived.clear();
   mLoss = {};
   mPace = {};
-  mNextPoll = Clock::now();
+  mNextPoll = mClock->GetNow();
   return opened;
 }
 
 // Drops what came before.
 KrResult FeatureChannel::Drain() {
-  const Clock::time_point limit = mNow() + kDrainingLimit;
+  const KrWaitClock::TimePoint limit = mClock->GetNow() + kDrainingLimit;
   std::vector<std::uint8_t> bytes;
   do {
     bytes.clear();
     if (KrResult received = Step([&](IFeatureLine& aLine) { return aLine.Receive(bytes); }); !received.IsOK())
       return received;
-  } while (!bytes.empty() && mNow() < limit);
+  } while (!bytes.empty() && mClock->GetNow() < limit);
   Rest();
   return {};
 }
@@ -129,7 +129,7 @@ KrResult FeatureChannel::CheckCall(const Call& aCall) const {
 
 // A device that had something may have more; one that had nothing is left alone, longer each time.
 void FeatureChannel::PaceReceiving(bool aHasReceived) {
-  mNextPoll = Clock::now();
+  mNextPoll = mClock->GetNow();
   if (aHasReceived) {
     mPace.OnTraffic();
   } else {
@@ -141,18 +141,18 @@ void FeatureChannel::PaceReceiving(bool aHasReceived) {
 // What is sent is answered, as a rule.
 void FeatureChannel::PaceSending() {
   mPace.OnTraffic();
-  mNextPoll = std::min(mNextPoll, Clock::now() + mPace.GetPause());
+  mNextPoll = std::min(mNextPoll, mClock->GetNow() + mPace.GetPause());
   mChanged.notify_all();
 }
 
 // Waits until it is time to ask the device for what came, or there is something else to do.
 KrResult FeatureChannel::AwaitPoll(std::unique_lock<std::mutex>& aLock, const Call& aCall) {
-  const Clock::time_point now = Clock::now();
+  const KrWaitClock::TimePoint now = mClock->GetNow();
   if (now >= aCall.deadline)
     return {KrResult::Code::TimeLimitExceeded, "The time limit of the serial line passed."};
-  const Clock::time_point next = mNextPoll;
+  const KrWaitClock::TimePoint next = mNextPoll;
   const bool isPolling = mIsPolling;
-  mChanged.wait_until(aLock, aCall.cancel, isPolling ? aCall.deadline : std::min(aCall.deadline, next), [&] {
+  mClock->WaitUntil(mChanged, aLock, aCall.cancel, isPolling ? aCall.deadline : std::min(aCall.deadline, next), [&] {
     return !mReceived.empty() || mNextPoll != next || mIsPolling != isPolling || !CheckCall(aCall).IsOK();
   });
   return {};
@@ -160,17 +160,17 @@ KrResult FeatureChannel::AwaitPoll(std::unique_lock<std::mutex>& aLock, const Ca
 
 // Waits until it is time to ask the device once more for room.
 KrResult FeatureChannel::AwaitRoom(std::unique_lock<std::mutex>& aLock, const Call& aCall) {
-  const Clock::time_point now = Clock::now();
+  const KrWaitClock::TimePoint now = mClock->GetNow();
   if (now >= aCall.deadline)
     return {KrResult::Code::TimeLimitExceeded, "The time limit of the serial line passed."};
-  mChanged.wait_until(aLock, aCall.cancel, std::min(aCall.deadline, now + PollingPace::kQuickest),
-                      [&] { return !CheckCall(aCall).IsOK(); });
+  mClock->WaitUntil(mChanged, aLock, aCall.cancel, std::min(aCall.deadline, now + PollingPace::kQuickest),
+                    [&] { return !CheckCall(aCall).IsOK(); });
   return {};
 }
 
 // Asks the device for what came, when it is time to and no other thread does that already.
 KrResult FeatureChannel::Poll(std::unique_lock<std::mutex>& aLock, const Call& aCall) {
-  if (mIsPolling || Clock::now() < mNextPoll)
+  if (mIsPolling || mClock->GetNow() < mNextPoll)
     return {};
   mIsPolling = true;
   aLock.unlock();
@@ -210,12 +210,12 @@ KrResult FeatureChannel::Read(std::uint8_t* aBytes, std::size_t aSize, std::size
   aRead = 0;
   const EndWatch watch = WatchEnd();
   std::unique_lock lock(mMutex);
-  Call call = {0, Clock::now() + std::chrono::milliseconds(aTimeoutMs), aCancel};
+  Call call = {0, mClock->GetNow() + std::chrono::milliseconds(aTimeoutMs), aCancel};
   if (KrResult begun = Begin(call.opening); !begun.IsOK())
     return begun;
   // Who does not wait wants to know it now.
   if (aTimeoutMs == 0)
-    mNextPoll = Clock::now();
+    mNextPoll = mClock->GetNow();
   while (true) {
     if (KrResult checked = CheckCall(call); !checked.IsOK())
       return checked;
@@ -264,7 +264,7 @@ KrResult FeatureChannel::Write(const std::uint8_t* aBytes, std::size_t aSize, st
   aWritten = 0;
   const EndWatch watch = WatchEnd();
   std::unique_lock lock(mMutex);
-  Call call = {0, Clock::now() + std::chrono::milliseconds(aTimeoutMs), aCancel};
+  Call call = {0, mClock->GetNow() + std::chrono::milliseconds(aTimeoutMs), aCancel};
   if (KrResult begun = Begin(call.opening); !begun.IsOK())
     return begun;
   while (aWritten < aSize) {

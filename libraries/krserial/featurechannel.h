@@ -3,6 +3,7 @@
 // device. How the line works is left to IFeatureLine.
 
 #include "featureturn.h"
+#include "krbase/krwaitclock.h"
 #include "krdevice/krdevicelifetime.h"
 #include "krsystem/ibytechannel.h"
 #include "pollingpace.h"
@@ -21,12 +22,10 @@ namespace krserial {
 /// Thread: any. Ownership: shared; owns the line, which is used only while the device is there.
 class FeatureChannel final : public krsystem::IByteChannel {
 public:
-  using Clock = std::chrono::steady_clock;
-  using Now = std::function<Clock::time_point()>;
-
-  /// aTurn is that of the device. aNow limits what Open drops.
+  /// aTurn is that of the device.
   FeatureChannel(std::shared_ptr<KrDeviceLifetime> aLifetime, std::shared_ptr<FeatureTurn> aTurn,
-                 std::unique_ptr<IFeatureLine> aLine, Now aNow = &Clock::now);
+                 std::unique_ptr<IFeatureLine> aLine,
+                 std::shared_ptr<KrWaitClock> aClock = std::make_shared<KrWaitClock>());
   ~FeatureChannel() override;
 
   /// Drops what came before, for a fifth of a second at most: a device may talk without end.
@@ -42,7 +41,7 @@ private:
   /// One call of Read or Write, with its opening, its limit and what ends it.
   struct Call {
     std::size_t opening;
-    Clock::time_point deadline;
+    KrWaitClock::TimePoint deadline;
     const std::stop_token& cancel;
   };
 
@@ -66,7 +65,7 @@ private:
   const std::shared_ptr<KrDeviceLifetime> mLifetime;
   const std::shared_ptr<FeatureTurn> mTurn;
   const std::unique_ptr<IFeatureLine> mLine;
-  const Now mNow;
+  const std::shared_ptr<KrWaitClock> mClock;
   std::atomic<bool> mIsSilent = false; // The device did not answer the last step.
 
   std::mutex mMutex; // Guards the members from here on; not held while the device is asked.
@@ -74,8 +73,8 @@ private:
   std::deque<std::uint8_t> mReceived;
   KrResult mLoss; // Of what came after mReceived, to be told once.
   PollingPace mPace;
-  Clock::time_point mNextPoll; // Not before this is the device asked for what came.
-  std::size_t mOpening = 0;    // Counts openings; 0 before the first.
+  KrWaitClock::TimePoint mNextPoll; // Not before this is the device asked for what came.
+  std::size_t mOpening = 0;         // Counts openings; 0 before the first.
   bool mIsOpen = false;
   bool mIsChanging = false; // Being opened or closed.
   bool mIsPolling = false;

@@ -39,8 +39,8 @@ KrResult Guard(Call aCall) {
 
 } // namespace
 
-PortWorker::PortWorker(ILineDevice& aDevice, const PortWorkerTimes& aTimes)
-    : mDevice(aDevice), mTimes(aTimes), mThread([this] { Work(); }) {}
+PortWorker::PortWorker(ILineDevice& aDevice, const PortWorkerTimes& aTimes, std::shared_ptr<KrWaitClock> aClock)
+    : mDevice(aDevice), mTimes(aTimes), mClock(std::move(aClock)), mThread([this] { Work(); }) {}
 
 PortWorker::~PortWorker() {
   Stop();
@@ -96,8 +96,8 @@ KrResult PortWorker::Run(const std::shared_ptr<Access>& aAccess, std::uint32_t a
   mWaiting.push_back(aAccess);
   mWork.notify_all();
   const std::chrono::milliseconds limit(aTimeoutMs);
-  const auto until = std::chrono::steady_clock::now() + limit;
-  mDone.wait_until(lock, leaving.get_token(), until, [&] { return aAccess->isDone; });
+  const KrWaitClock::TimePoint until = mClock->GetNow() + limit;
+  mClock->WaitUntil(mDone, lock, leaving.get_token(), until, [&] { return aAccess->isDone; });
   if (aAccess->isDone)
     return aAccess->result;
 
@@ -163,7 +163,8 @@ bool PortWorker::AwaitWork(std::unique_lock<std::mutex>& aLock) {
   if (mTimes.keepAliveMs == 0 || !mLoss.IsOK())
     mWork.wait(aLock, mEnd.get_token(), hasWork);
   else
-    mWork.wait_for(aLock, mEnd.get_token(), std::chrono::milliseconds(mTimes.keepAliveMs), hasWork);
+    mClock->WaitUntil(mWork, aLock, mEnd.get_token(), mClock->GetNow() + std::chrono::milliseconds(mTimes.keepAliveMs),
+                      hasWork);
   return !mWaiting.empty();
 }
 
@@ -174,13 +175,14 @@ void PortWorker::Probe(std::unique_lock<std::mutex>& aLock) {
   mIsSilent = false;
   Note(result);
   if (mIsSilent)
-    mWork.wait_for(aLock, mEnd.get_token(), std::chrono::milliseconds(mTimes.pauseMs), [] { return false; });
+    mClock->WaitUntil(mWork, aLock, mEnd.get_token(), mClock->GetNow() + std::chrono::milliseconds(mTimes.pauseMs),
+                      [] { return false; });
 }
 
 void PortWorker::DoNext(std::unique_lock<std::mutex>& aLock) {
   const std::shared_ptr<Access> access = std::move(mWaiting.front());
   mWaiting.pop_front();
-  access->begun = std::chrono::steady_clock::now();
+  access->begun = mClock->GetNow();
   aLock.unlock();
   KrResult result = Guard([&] {
     const std::stop_token stop = access->stop.get_token();

@@ -4,6 +4,7 @@
 // contract has them. The camera is asked on one thread alone. End comes before whatever the device stands on is closed.
 
 #include "krbase/krresult.h"
+#include "krbase/krwaitclock.h"
 #include "krgenicam/ikrregisterport.h"
 
 #include <chrono>
@@ -48,7 +49,8 @@ struct PortWorkerTimes {
 /// Thread: any, but for destruction, which waits for the call that runs. Ownership: borrows the device.
 class PortWorker final : public IKrRegisterPort {
 public:
-  explicit PortWorker(ILineDevice& aDevice, const PortWorkerTimes& aTimes = {});
+  explicit PortWorker(ILineDevice& aDevice, const PortWorkerTimes& aTimes = {},
+                      std::shared_ptr<KrWaitClock> aClock = std::make_shared<KrWaitClock>());
   /// Ends it.
   ~PortWorker() override;
   PortWorker(const PortWorker&) = delete;
@@ -72,7 +74,7 @@ private:
     std::uint64_t address;
     std::vector<std::uint8_t> bytes;
     std::stop_source stop = {};
-    std::optional<std::chrono::steady_clock::time_point> begun = {};
+    std::optional<KrWaitClock::TimePoint> begun = {};
     bool isDone = false;
     KrResult result = {};
   };
@@ -88,6 +90,7 @@ private:
 
   ILineDevice& mDevice;
   const PortWorkerTimes mTimes;
+  const std::shared_ptr<KrWaitClock> mClock;
   std::stop_source mEnd;
 
   std::mutex mMutex; // Guards the members from here on but the thread, and all but the bytes of every access.

@@ -1,5 +1,8 @@
 #include "line/portworker.h"
 
+#include "await.h"
+#include "standingclock.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -34,9 +37,9 @@ public:
     return result;
   }
   KrResult Probe(const std::stop_token& aStop) override {
+    std::unique_lock lock(mMutex);
     ++probes;
     mChanged.notify_all();
-    std::unique_lock lock(mMutex);
     const KrResult answer = probeAnswer;
     if (waitsInProbe)
       mChanged.wait(lock, aStop, [this] { return !waitsInProbe; });
@@ -61,15 +64,11 @@ public:
   }
   bool AwaitProbes(int aCount) {
     std::unique_lock lock(mMutex);
-    while (probes < aCount) {
-      if (mChanged.wait_for(lock, 30s) == std::cv_status::timeout)
-        return false;
-    }
-    return true;
+    return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [&] { return probes >= aCount; });
   }
   bool AwaitCalls(int aCount) {
     std::unique_lock lock(mMutex);
-    return mChanged.wait_for(lock, 30s, [&] { return calls >= aCount; });
+    return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [&] { return calls >= aCount; });
   }
 
   std::map<std::uint64_t, std::vector<std::uint8_t>> written;
@@ -111,12 +110,11 @@ KrResult Read(IKrRegisterPort& aPort, std::uint32_t aTimeoutMs = kGenerousMs, co
 
 // Reads until the camera is asked again after its silence.
 KrResult ReadUntilAnswered(IKrRegisterPort& aPort) {
-  const auto until = std::chrono::steady_clock::now() + 30s;
-  KrResult result = Read(aPort);
-  while (result == KrResult::Code::TimeLimitExceeded && std::chrono::steady_clock::now() < until) {
-    std::this_thread::yield();
+  KrResult result;
+  EXPECT_TRUE(krtest::Await([&] {
     result = Read(aPort);
-  }
+    return result != KrResult::Code::TimeLimitExceeded;
+  }));
   return result;
 }
 
@@ -130,7 +128,8 @@ protected:
   }
 
   OrderedDevice mDevice;
-  PortWorker mPort{mDevice};
+  const std::shared_ptr<StandingClock> mClock = std::make_shared<StandingClock>();
+  PortWorker mPort{mDevice, {}, mClock};
   std::stop_source mStop;
   std::future<KrResult> mFirst;
 };
@@ -206,7 +205,12 @@ TEST(PortWorker, DeviceThatGivesUp_IsSilentToo) {
 }
 
 TEST_F(BusyPortWorker, AccessThatNeverBegan_FailsAlone) {
-  EXPECT_EQ(Read(mPort, 20), KrResult::Code::TimeLimitExceeded);
+  auto second = std::async(std::launch::async, [&] { return Read(mPort, 20); });
+  ASSERT_TRUE(krtest::Await([this] { return mClock->CountWaiting() == 2; }));
+
+  mClock->Advance(20ms);
+
+  EXPECT_EQ(second.get(), KrResult::Code::TimeLimitExceeded);
   mDevice.Order({});
   mStop.request_stop();
 
@@ -215,23 +219,33 @@ TEST_F(BusyPortWorker, AccessThatNeverBegan_FailsAlone) {
   EXPECT_EQ(mDevice.probes, 0);
 }
 
-// The first has the camera for most of the second's time.
 TEST_F(BusyPortWorker, AccessThatBeganLate_FailsAlone) {
-  std::promise<void> asks;
-  auto second = std::async(std::launch::async, [&] {
-    asks.set_value();
-    return Read(mPort, 2000);
-  });
-  asks.get_future().wait();
-  second.wait_for(1600ms);
+  auto second = std::async(std::launch::async, [&] { return Read(mPort, 2000); });
+  ASSERT_TRUE(krtest::Await([this] { return mClock->CountWaiting() == 2; }));
+  mClock->Advance(1600ms); // The first has the camera for most of the second's time.
 
   mStop.request_stop();
+  ASSERT_TRUE(mDevice.AwaitCalls(2));
+  mClock->Advance(400ms);
 
   EXPECT_EQ(mFirst.get(), KrResult::Code::Aborted);
   EXPECT_EQ(second.get(), KrResult::Code::TimeLimitExceeded);
   mDevice.Order({});
   EXPECT_TRUE(Read(mPort).IsOK());
   EXPECT_EQ(mDevice.probes, 0);
+}
+
+TEST_F(BusyPortWorker, AccessThatBeganInTime_MakesTheCameraSilent) {
+  auto second = std::async(std::launch::async, [&] { return Read(mPort, 2000); });
+  ASSERT_TRUE(krtest::Await([this] { return mClock->CountWaiting() == 2; }));
+  mClock->Advance(1000ms);
+
+  mStop.request_stop();
+  ASSERT_TRUE(mDevice.AwaitCalls(2));
+  mClock->Advance(1000ms);
+
+  EXPECT_EQ(second.get(), KrResult::Code::TimeLimitExceeded);
+  EXPECT_TRUE(mDevice.AwaitProbes(1));
 }
 
 TEST_F(BusyPortWorker, Cancel_EndsTheAccessAtOnceAndStopsTheCallOfTheDevice) {

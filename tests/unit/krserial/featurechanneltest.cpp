@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace krserial {
@@ -20,9 +20,26 @@ using std::chrono::milliseconds;
 
 constexpr std::uint32_t kGenerousMs = 60000;
 
+/// Goes on where somebody waits, and as far as he does.
+class TestClock final : public KrWaitClock {
+public:
+  TimePoint GetNow() const override { return now; }
+  bool WaitUntil(std::condition_variable_any&, std::unique_lock<std::mutex>&, const std::stop_token& aStop,
+                 TimePoint aEnd, const std::function<bool()>& aCondition) override {
+    if (!aCondition() && !aStop.stop_requested())
+      now = std::max(now, aEnd + lateness);
+    return aCondition();
+  }
+
+  TimePoint now = std::chrono::steady_clock::now();
+  milliseconds lateness{0}; ///< Of a host that is busy.
+};
+
 /// A line that does as the test says, and counts what it is asked.
 class ScriptedLine : public IFeatureLine {
 public:
+  explicit ScriptedLine(std::shared_ptr<TestClock> aClock) : mClock(std::move(aClock)) {}
+
   KrResult Open() override { return {}; }
   KrResult Close() override {
     ++closings;
@@ -32,7 +49,7 @@ public:
     ++receives;
     Count();
     isAtRest = false;
-    clock += receiveTime;
+    mClock->now += receiveTime;
     if (next < script.size())
       Append(aBytes, script[next++]);
     else
@@ -57,7 +74,6 @@ public:
   KrResult failure;
   KrResult loss;
   milliseconds receiveTime{0};
-  FeatureChannel::Clock::time_point clock;
   std::size_t next = 0;
   int receives = 0;
   int transmits = 0;
@@ -66,6 +82,8 @@ public:
   std::shared_ptr<int> calls = std::make_shared<int>(0); ///< Outlives the line.
 
 private:
+  const std::shared_ptr<TestClock> mClock;
+
   void Count() { ++*calls; }
   static void Append(std::vector<std::uint8_t>& aBytes, const std::string& aText) {
     aBytes.insert(aBytes.end(), aText.begin(), aText.end());
@@ -75,9 +93,9 @@ private:
 class FeatureChannelTest : public testing::Test {
 protected:
   void MakeChannel() {
-    auto made = std::make_unique<ScriptedLine>();
+    auto made = std::make_unique<ScriptedLine>(clock);
     line = made.get();
-    channel = std::make_unique<FeatureChannel>(lifetime, turn, std::move(made), [this] { return line->clock; });
+    channel = std::make_unique<FeatureChannel>(lifetime, turn, std::move(made), clock);
   }
   void SetUp() override { MakeChannel(); }
   void OpenChannel() {
@@ -91,12 +109,7 @@ protected:
     text.resize(read);
     return result;
   }
-  /// How often an idle port may have been asked by now: at 0, 20, 60, 140, 300 ms, then every 200 ms, and once more.
-  static int CountPollsSince(FeatureChannel::Clock::time_point aBegin) {
-    const auto spent = std::chrono::ceil<milliseconds>(FeatureChannel::Clock::now() - aBegin);
-    return 6 + static_cast<int>(std::max(spent - milliseconds(300), milliseconds(0)) / milliseconds(200));
-  }
-
+  const std::shared_ptr<TestClock> clock = std::make_shared<TestClock>();
   std::shared_ptr<KrDeviceLifetime> lifetime = std::make_shared<KrDeviceLifetime>();
   std::shared_ptr<FeatureTurn> turn = std::make_shared<FeatureTurn>();
   std::unique_ptr<krsystem::IByteChannel> channel;
@@ -125,24 +138,33 @@ TEST_F(FeatureChannelTest, Opening_DropsAllThatCameBefore) {
 }
 
 TEST_F(FeatureChannelTest, AnIdlePort_IsAskedRarely) {
-  const auto begin = FeatureChannel::Clock::now();
   OpenChannel();
 
   for (int i = 0; i < 4; ++i)
     EXPECT_EQ(Read(250), KrResult::Code::TimeLimitExceeded);
 
-  EXPECT_LE(line->receives, CountPollsSince(begin));
+  EXPECT_EQ(line->receives, 8) << "at 0, 20, 60, 140, 300, 500, 700 and 900 ms";
   EXPECT_TRUE(line->isAtRest);
 }
 
+TEST_F(FeatureChannelTest, AnIdlePortOfABusyHost_IsAskedEvenMoreRarely) {
+  OpenChannel();
+  clock->lateness = milliseconds(100);
+
+  const auto end = clock->now + milliseconds(1000);
+  while (clock->now < end)
+    EXPECT_EQ(Read(250), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_LT(line->receives, 8);
+}
+
 TEST_F(FeatureChannelTest, ReadsShorterThanAPause_AskNoMoreOften) {
-  const auto begin = FeatureChannel::Clock::now();
   OpenChannel();
 
-  while (FeatureChannel::Clock::now() < begin + milliseconds(500))
+  for (int i = 0; i < 500; ++i)
     EXPECT_EQ(Read(1), KrResult::Code::TimeLimitExceeded);
 
-  EXPECT_LE(line->receives, CountPollsSince(begin));
+  EXPECT_EQ(line->receives, 6) << "at 0, 20, 60, 140, 300 and 500 ms";
 }
 
 TEST_F(FeatureChannelTest, AReadThatDoesNotWait_AsksAtOnce) {
