@@ -1,6 +1,8 @@
 #include "gigevisionfixture.h"
 
-#include <fstream>
+#include "await.h"
+#include "threadstate.h"
+
 #include <future>
 #include <string>
 #include <thread>
@@ -65,17 +67,7 @@ KrResult WriteRegister(krsystem::IDeviceLink& aLink, std::uint64_t aAddress, std
 }
 
 void WaitUntilAsleep(pid_t aThread) {
-  const std::string path = "/proc/self/task/" + std::to_string(aThread) + "/stat";
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-  std::string line;
-  // The state follows the name in its parentheses.
-  while (std::chrono::steady_clock::now() < limit) {
-    std::ifstream file(path);
-    if (std::getline(file, line) && line.find(") S ") != std::string::npos)
-      return;
-    std::this_thread::yield();
-  }
-  ADD_FAILURE() << "The thread never slept: " << line;
+  EXPECT_TRUE(krtest::Await([aThread] { return krtest::IsAsleep(aThread); })) << "The thread never slept.";
 }
 
 void GigEVisionCameraTest::SetUp() {

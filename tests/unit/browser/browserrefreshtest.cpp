@@ -1,16 +1,17 @@
 #include "logic/browser/browserrefresh.h"
 
+#include "await.h"
 #include "browsedcamera.h"
 #include "krbase/krlogger.h"
 #include "notificationwait.h"
 #include "portgate.h"
+#include "threadstate.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <future>
 #include <limits>
 #include <map>
 #include <thread>
@@ -379,9 +380,9 @@ TEST_F(BrowserRefreshTest, Polling_ThatFails_IsLoggedOnceUntilItWorksAgain) {
   for (const int round : {1, 2}) {
     failures = 0;
     mCamera.port.SetFault(failPolling);
-    AwaitTrue([&] { return failures >= 8 && isLogged(KrLogLevel::Warning, "Polling", round); });
+    ASSERT_TRUE(krtest::Await([&] { return failures >= 8 && isLogged(KrLogLevel::Warning, "Polling", round); }));
     mCamera.port.SetFault({});
-    AwaitTrue([&] { return isLogged(KrLogLevel::Info, "Polling", round); });
+    ASSERT_TRUE(krtest::Await([&] { return isLogged(KrLogLevel::Info, "Polling", round); }));
   }
   mRefresh.Stop();
 
@@ -408,11 +409,11 @@ TEST_F(BrowserRefreshTest, Stop_WhileTheDeviceIsWaitedFor_EndsAfterThatReading) 
   Start(KrGenRefresh::Automatic);
   ASSERT_TRUE(mGate.AwaitReached());
 
-  std::future<void> stop = std::async(std::launch::async, [this] { mRefresh.Stop(); });
+  krtest::CallBeside stop([this] { mRefresh.Stop(); });
 
-  EXPECT_EQ(stop.wait_for(kUnlikelyToTakeLonger), std::future_status::timeout) << "the reading has not ended";
+  EXPECT_TRUE(stop.Waits()) << "the reading has not ended";
   mGate.Open();
-  stop.get();
+  stop.Join();
   EXPECT_FALSE(mRefresh.IsRunning());
   EXPECT_TRUE(Row(5).IsRead());
   EXPECT_FALSE(Row(6).IsRead());

@@ -3,9 +3,11 @@
 #include "logic/browser/browserfilling.h"
 #include "logic/browser/browserrefresh.h"
 
+#include "await.h"
 #include "browsedcamera.h"
 #include "notificationwait.h"
 #include "portgate.h"
+#include "threadstate.h"
 
 #include <gmock/gmock.h>
 
@@ -119,15 +121,15 @@ TEST_F(RefreshThreads, TimeOutOfTheRefreshThread_WhileRowsAreFilledAnew_EndsTher
   GoSilent();
   Start(KrGenRefresh::Automatic);
   ASSERT_TRUE(mSilence.AwaitReached());
-  std::future<void> rebuilding = std::async(std::launch::async, [this] {
+  krtest::CallBeside rebuilding([this] {
     mRefresh.Stop();
     mCamera.tree.Clear();
     Fill();
   });
 
-  EXPECT_EQ(rebuilding.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
+  EXPECT_TRUE(rebuilding.Waits());
   mSilence.Open();
-  rebuilding.get();
+  rebuilding.Join();
 
   RefreshAll();
   EXPECT_EQ(CountErrors(), kRegisters + 1U);
@@ -189,7 +191,7 @@ TEST_F(RefreshThreads, RowsFilledAnew200Times_WhileValuesChangeAndEveryModeRuns_
     mCamera.tree.Clear();
     ASSERT_EQ(rows, kRegisters + 7U);
   }
-  AwaitTrue([&] { return writes >= 200; });
+  ASSERT_TRUE(krtest::Await([&] { return writes >= 200; }));
   isOver = true;
   device.join();
 

@@ -27,15 +27,6 @@ private:
   std::int64_t mValue = 0;
 };
 
-/// Waits for what another thread is bound to bring about.
-inline void AwaitTrue(const std::function<bool()>& aCondition) {
-  const auto end = std::chrono::steady_clock::now() + kPatience;
-  while (!aCondition()) {
-    ASSERT_LT(std::chrono::steady_clock::now(), end);
-    std::this_thread::yield();
-  }
-}
-
 /// The node of such a feature.
 inline const std::string kWaitNode = "<Integer Name=\"Wait\"><Value>0</Value></Integer>\n";
 

@@ -2,13 +2,13 @@
 
 #include "nodebench.h"
 #include "portgate.h"
+#include "threadstate.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
-#include <future>
 #include <thread>
 
 using namespace krgui;
@@ -112,12 +112,11 @@ TEST(NodeThreads, DestructionDuringANotification_WaitsForItsEnd) {
   ASSERT_TRUE(camera.array->Invalidate("Raw").IsOK());
   ASSERT_TRUE(gate.AwaitReached());
 
-  std::future<void> destruction = std::async(std::launch::async, [&] { node.reset(); });
+  krtest::CallBeside destruction([&] { node.reset(); });
 
-  EXPECT_EQ(destruction.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout)
-      << "the node reads at this moment";
+  EXPECT_TRUE(destruction.Waits()) << "the node reads at this moment";
   gate.Open();
-  destruction.get();
+  destruction.Join();
   EXPECT_THAT(camera.TakeMessages(), testing::ElementsAre(Message{kRowChangedMessage, NodeBench::kItem, 0}))
       << "the notification came to its end";
   camera.port.SetFault({});

@@ -2,6 +2,7 @@
 
 #include "gencp/accesstime.h"
 #include "line/rest.h"
+#include "threadstate.h"
 
 #include <gtest/gtest.h>
 
@@ -86,14 +87,15 @@ TEST_F(SessionPortTest, Disconnect_ClosesTheSessionOnceAndTellsItWhoHasLeft) {
   EXPECT_EQ(port.Read(0, bytes.data(), 2, 1000), KrResult::Code::WrongState);
 }
 
-/// Whether somebody is inside of a session, and when it is to be closed.
+/// Whether somebody is inside of a session, when he may leave, and how it was closed.
 struct Visit {
   std::atomic<bool> isInside{false};
-  std::atomic<bool> isClosing{false};
-  std::atomic<int> closedOnVisitor{0};
+  std::atomic<bool> mayLeave{false};
+  std::atomic<int> closings{0};
+  std::atomic<int> closingsOnVisitor{0};
 };
 
-/// Its visitor stays until well after it is to be closed.
+/// Its visitor stays until he may leave.
 class VisitedSession final : public ILineSession {
 public:
   explicit VisitedSession(Visit& aVisit) : mVisit(aVisit) {}
@@ -101,14 +103,15 @@ public:
   KrResult Read(std::uint64_t, std::span<std::uint8_t>, const std::stop_token&) override { return {}; }
   KrResult Write(std::uint64_t, std::span<const std::uint8_t>, const std::stop_token&) override { return {}; }
   KrResult Probe(const std::stop_token&) override { return {}; }
-  void Close(const std::stop_token&) override { mVisit.closedOnVisitor += mVisit.isInside ? 1 : 0; }
+  void Close(const std::stop_token&) override {
+    mVisit.closingsOnVisitor += mVisit.isInside ? 1 : 0;
+    ++mVisit.closings;
+  }
   std::uint64_t GetLineMs(std::size_t) const override {
     Visit& visit = mVisit;
     visit.isInside = true;
     visit.isInside.notify_all();
-    visit.isClosing.wait(false);
-    for (int i = 0; i < 10'000; ++i)
-      std::this_thread::yield();
+    visit.mayLeave.wait(false);
     visit.isInside = false;
     return 0;
   }
@@ -132,12 +135,15 @@ TEST(SessionPort, Disconnect_WhileSomebodyIsInside_ClosesNothingUnderHim) {
   });
   visit.isInside.wait(false);
 
-  visit.isClosing = true;
-  visit.isClosing.notify_all();
-  port.Disconnect();
+  krtest::CallBeside closing([&] { port.Disconnect(); });
+  EXPECT_TRUE(closing.Waits());
+  visit.mayLeave = true;
+  visit.mayLeave.notify_all();
+  closing.Join();
   visitor.join();
 
-  EXPECT_EQ(visit.closedOnVisitor, 0);
+  EXPECT_EQ(visit.closings, 1);
+  EXPECT_EQ(visit.closingsOnVisitor, 0);
   EXPECT_EQ(result, KrResult::Code::Aborted);
 }
 

@@ -1,5 +1,6 @@
 #include "changingcamera.h"
 #include "krgenicam/krgenaccessstop.h"
+#include "threadstate.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +27,7 @@ public:
         mIsWaiting = true;
         mChanged.notify_all();
         mChanged.wait(lock, aCancel, [] { return false; });
-        mChanged.wait_for(lock, mFarewell, [] { return false; });
+        mChanged.wait(lock, [this] { return mMayLeave; });
         mIsWaiting = false;
         return {KrResult::Code::Aborted, "The access was cancelled."};
       }
@@ -47,10 +48,11 @@ public:
     EXPECT_TRUE(mChanged.wait_for(lock, kPatience, [this] { return mIsWaiting; }));
   }
 
-  /// How long an access goes on after it was cancelled.
-  void SetFarewell(std::chrono::milliseconds aFarewell) {
+  /// Whether an access that was cancelled ends.
+  void SetMayLeave(bool aMayLeave) {
     const std::lock_guard lock(mMutex);
-    mFarewell = aFarewell;
+    mMayLeave = aMayLeave;
+    mChanged.notify_all();
   }
   bool IsWaiting() {
     const std::lock_guard lock(mMutex);
@@ -63,7 +65,7 @@ private:
   std::condition_variable_any mChanged;
   bool mIsSlow = true;
   bool mIsWaiting = false;
-  std::chrono::milliseconds mFarewell{0};
+  bool mMayLeave = true;
 };
 
 class Cancelling : public testing::Test {
@@ -247,10 +249,13 @@ TEST_F(Cancelling, Destruction_DuringAnAccess_WaitsForItsEnd) {
   KrResult result;
   std::jthread reader([&] { result = ReadSlow(); });
   mPort.AwaitAccess();
-  mPort.SetFarewell(std::chrono::milliseconds(300));
+  mPort.SetMayLeave(false);
 
-  mArray.reset();
+  krtest::CallBeside destruction([this] { mArray.reset(); });
 
+  EXPECT_TRUE(destruction.Waits());
+  mPort.SetMayLeave(true);
+  destruction.Join();
   EXPECT_FALSE(mPort.IsWaiting());
   reader.join();
   EXPECT_FALSE(result.IsOK());
