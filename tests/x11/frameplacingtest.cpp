@@ -3,10 +3,10 @@
 #include "krgui/krdisplaywnd.h"
 #include "nativewindow.h"
 #include "platform/x11connection.h"
+#include "serverhands.h"
 #include "testwnd.h"
 #include "windowwait.h"
 
-#include <QProcess>
 #include <QScreen>
 #include <QTimer>
 #include <QWindow>
@@ -20,10 +20,6 @@ namespace krgui {
 namespace {
 
 using Code = KrResult::Code;
-
-void XDoTool(const QStringList& aArguments) {
-  ASSERT_EQ(QProcess::execute(QStringLiteral("xdotool"), aArguments), 0);
-}
 
 xcb_window_t GetXID(const TestWnd& aWindow) {
   return static_cast<xcb_window_t>(aWindow.GetHandle());
@@ -71,7 +67,7 @@ void TypeIntoModal(TestWnd& aWindow, const char* aKey) {
     const bool isActive = AwaitActive(aWindow);
     EXPECT_TRUE(isActive);
     if (isActive) {
-      XDoTool({QStringLiteral("key"), QString::fromLatin1(aKey)});
+      krtest::MoveHands({QStringLiteral("key"), QString::fromLatin1(aKey)});
     }
     if (!isActive || !WaitFor([&] { return aWindow.record->accepts + aWindow.record->cancels > 0; })) {
       ADD_FAILURE() << "No key reached it.";
@@ -89,17 +85,37 @@ bool IsWhereTheToolkitBelieves(const TestWnd& aWindow) {
   return place && aWindow.GetWidget()->windowHandle()->position() == QPoint(place->dst_x, place->dst_y);
 }
 
+/// How large the server has the window.
+QSize GetServerSize(const TestWnd& aWindow) {
+  xcb_connection_t* connection = GetX11Connection();
+  const auto size =
+      KeepReply(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, GetXID(aWindow)), nullptr));
+  return size ? QSize(size->width, size->height) : QSize();
+}
+
+/// Drags what is at a point of the screen.
+void Drag(QPoint aFrom, QPoint aBy) {
+  const auto move = [](QPoint aTo) {
+    krtest::MoveHands({QStringLiteral("mousemove"), QString::number(aTo.x()), QString::number(aTo.y())});
+  };
+  move(aFrom);
+  krtest::MoveHands({QStringLiteral("mousedown"), QStringLiteral("1")});
+  move(aFrom + aBy / 2);
+  move(aFrom + aBy);
+  krtest::MoveHands({QStringLiteral("mouseup"), QStringLiteral("1")});
+}
+
 /// Drags the frame's bottom right corner.
 void DragCorner(TestWnd& aWindow, int aRight, int aDown) {
   ASSERT_TRUE(WaitFor([&] { return IsWhereTheToolkitBelieves(aWindow); }));
-  const QPoint corner = GetFrame(aWindow).bottomRight();
-  const QPoint target = corner + QPoint(aRight, aDown);
-  XDoTool({QStringLiteral("mousemove"), QString::number(corner.x()), QString::number(corner.y())});
-  XDoTool({QStringLiteral("mousedown"), QStringLiteral("1")});
-  XDoTool({QStringLiteral("mousemove"), QString::number((corner.x() + target.x()) / 2),
-           QString::number((corner.y() + target.y()) / 2)});
-  XDoTool({QStringLiteral("mousemove"), QString::number(target.x()), QString::number(target.y())});
-  XDoTool({QStringLiteral("mouseup"), QStringLiteral("1")});
+  Drag(GetFrame(aWindow).bottomRight(), {aRight, aDown});
+}
+
+/// Drags the window itself, by its caption.
+void DragCaption(TestWnd& aWindow, int aRight, int aDown) {
+  ASSERT_TRUE(WaitFor([&] { return IsWhereTheToolkitBelieves(aWindow); }));
+  const QRect frame = GetFrame(aWindow);
+  Drag({frame.center().x(), frame.top() + 8}, {aRight, aDown});
 }
 
 TEST(Placing, SetBeforeShowing_IsTheFramesPositionOnTheScreen) {
@@ -282,14 +298,7 @@ TEST(Placing, MovedByTheUser_IsRememberedAndReopenedThere) {
   window.SetPosition(300, 250, 500, 400);
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
   ASSERT_TRUE(AwaitPlaced(window));
-  ASSERT_TRUE(WaitFor([&] { return IsWhereTheToolkitBelieves(window); }));
-  const QRect frame = GetFrame(window);
-  const QPoint grip(frame.center().x(), frame.top() + 8);
-  XDoTool({QStringLiteral("mousemove"), QString::number(grip.x()), QString::number(grip.y())});
-  XDoTool({QStringLiteral("mousedown"), QStringLiteral("1")});
-  XDoTool({QStringLiteral("mousemove"), QString::number(grip.x() + 60), QString::number(grip.y() + 40)});
-  XDoTool({QStringLiteral("mousemove"), QString::number(grip.x() + 120), QString::number(grip.y() + 80)});
-  XDoTool({QStringLiteral("mouseup"), QStringLiteral("1")});
+  DragCaption(window, 120, 80);
   ASSERT_TRUE(WaitFor([&] { return GetPosition(window) == Position{420, 330, 500, 400}; }));
 
   ASSERT_TRUE(window.Close().IsOK());
@@ -380,9 +389,12 @@ TEST(Resizing, OfAFixedDialogByTheUser_IsNotPossible) {
   ASSERT_TRUE(AwaitPlaced(window));
 
   DragCorner(window, 100, 100);
-  XDoTool({QStringLiteral("windowsize"), QStringLiteral("--sync"), QString::number(window.GetHandle()),
-           QStringLiteral("600"), QStringLiteral("450")});
 
+  // The window manager takes what the user does in turn: when the window has moved, the drag before is over.
+  const QPoint before = GetFrame(window).topLeft();
+  DragCaption(window, 120, 80);
+  ASSERT_TRUE(WaitFor([&] { return GetFrame(window).topLeft() == before + QPoint(120, 80); }));
+  EXPECT_EQ(GetServerSize(window), QSize(600, 450));
   EXPECT_EQ(window.GetWidget()->size(), QSize(600, 450));
 }
 
@@ -393,10 +405,7 @@ TEST(Caption, WithATitle_IsWhatTheWindowManagerReads) {
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
 
   ASSERT_TRUE(AwaitPlaced(window));
-  QProcess tool;
-  tool.start(QStringLiteral("xdotool"), {QStringLiteral("getwindowname"), QString::number(window.GetHandle())});
-  ASSERT_TRUE(tool.waitForFinished());
-  EXPECT_EQ(tool.readAllStandardOutput().trimmed(), QByteArray("Camera 1"));
+  EXPECT_EQ(krtest::MoveHands({"getwindowname", QString::number(window.GetHandle())}), "Camera 1");
 }
 
 /// What the window manager reads: the newer property and the older one.
