@@ -72,7 +72,8 @@ void FigureBar::ShowFigure(FigureKind aKind, const FigureText& aText) {
   if (aText.isLoss)
     colours.setColor(QPalette::WindowText, GetWarningColour(palette()));
   label.setPalette(colours);
-  place.width = std::max(place.width, QFontMetrics(label.font()).horizontalAdvance(text));
+  // More than the text's advance: the mark comes from another font, and reaches beyond its own.
+  place.width = std::max(place.width, label.sizeHint().width());
 }
 
 void FigureBar::Clear() {

@@ -126,6 +126,24 @@ TEST_F(FigureBarTest, losses_standOutByMarkColourAndWeightUntilTheyAreGone) {
   EXPECT_FALSE(label->font().bold());
 }
 
+TEST_F(FigureBarTest, losses_haveRoomForTheMarkToo) {
+  for (const std::uint64_t discarded : {1u, 9u, 119u, 126u, 4'711u}) {
+    FigureBar bar;
+    bar.Show({.statistics = {.discarded = discarded}});
+    bar.resize(bar.sizeHint());
+    bar.show();
+    int seen = 0;
+
+    for (const QLabel* const label : bar.findChildren<QLabel*>())
+      if (label->isVisible() && label->text().contains("discarded")) {
+        ++seen;
+        EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+      }
+
+    EXPECT_EQ(seen, 1);
+  }
+}
+
 TEST_F(FigureBarTest, everyFigure_saysWhatItMeans) {
   const QList<QLabel*> labels = mBar.findChildren<QLabel*>();
   EXPECT_FALSE(labels.isEmpty());
