@@ -114,7 +114,8 @@ function(kr_compile_quickly aTest)
   endif()
 endfunction()
 
-# A sanitizer makes programs two to three times slower. Here, and nowhere else, the limits of tests are made longer for it.
+# A sanitizer makes programs two to three times slower. Here, and nowhere else, the limits of tests are made longer for it;
+# those within the programs (tests/support/await.h) read it in their environment.
 set(KR_TEST_TIME_FACTOR 1)
 if(KRGUI_SANITIZE)
   set(KR_TEST_TIME_FACTOR 3)
@@ -132,7 +133,8 @@ function(kr_add_test_run aName)
   # The settings of whoever runs the tests are neither read nor changed, nor those of a test that runs at the same time:
   # the toolkit's dialogs keep their last folder and view there.
   set(settings "${CMAKE_BINARY_DIR}/test-settings/${aName}")
-  set(environment "XDG_CONFIG_HOME=${settings}/config" "XDG_DATA_HOME=${settings}/data")
+  set(environment "XDG_CONFIG_HOME=${settings}/config" "XDG_DATA_HOME=${settings}/data"
+    "KR_TEST_TIME_FACTOR=${KR_TEST_TIME_FACTOR}")
   if(kind STREQUAL "widget")
     list(APPEND environment QT_QPA_PLATFORM=offscreen)
   endif()

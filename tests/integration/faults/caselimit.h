@@ -1,6 +1,8 @@
 #pragma once
 // Ends the program, and says where it was, when a case takes so long that it can only hang.
 
+#include "await.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -12,11 +14,12 @@
 
 namespace krtest {
 
-/// Watches the thread that made it, from construction to destruction.
+/// Watches the thread that made it, from construction to destruction. The waits of a case end by themselves long
+/// before.
 class CaseLimit {
 public:
   /// aWhere is called on another thread, and says what the case was doing.
-  explicit CaseLimit(std::function<std::string()> aWhere, std::chrono::seconds aLimit = std::chrono::seconds(90))
+  explicit CaseLimit(std::function<std::string()> aWhere, std::chrono::milliseconds aLimit = 5 * GetGenerousLimit())
       : mThread([this, where = std::move(aWhere), aLimit] { Watch(where, aLimit); }) {}
   ~CaseLimit() {
     {
@@ -30,7 +33,7 @@ public:
   CaseLimit& operator=(const CaseLimit&) = delete;
 
 private:
-  void Watch(const std::function<std::string()>& aWhere, std::chrono::seconds aLimit) {
+  void Watch(const std::function<std::string()>& aWhere, std::chrono::milliseconds aLimit) {
     std::unique_lock lock(mMutex);
     if (mChanged.wait_for(lock, aLimit, [this] { return mIsOver; }))
       return;
