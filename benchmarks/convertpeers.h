@@ -19,7 +19,8 @@ struct ConversionTask {
 /// A conversion to BGRa8, or an empty function where the library has none from the format.
 using PeerConversion = std::function<void()>;
 
-/// With as many threads as the library is told to use. Bayer formats are interpolated bilinearly.
+/// With as many threads as the library is told to use, until it is asked for another conversion. Bayer formats are
+/// interpolated bilinearly.
 PeerConversion FindOpenCVConversion(const ConversionTask& aTask, int aThreads);
 /// In one thread.
 PeerConversion FindLibyuvConversion(const ConversionTask& aTask);

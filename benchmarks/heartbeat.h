@@ -1,22 +1,17 @@
 #pragma once
 // For how long the user-interface thread is kept: the largest gap of a heartbeat of a millisecond while its loop runs.
 
+#include "timing.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
 
 #include <algorithm>
-#include <ctime>
 #include <functional>
 
 namespace benchmarks {
-
-inline double GetThreadMs() {
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
 
 /// Runs the loop until a condition holds; false after the limit.
 inline bool RunUntil(const std::function<bool()>& aCondition, qint64 aLimitMs) {

@@ -54,6 +54,7 @@ auto FindRow(const Rows& aRows, KrPixelType aType) {
 } // namespace
 
 PeerConversion FindOpenCVConversion(const ConversionTask& aTask, int aThreads) {
+  cv::setNumThreads(aThreads); // Until the next one is looked for.
   const cv::Size size(static_cast<int>(aTask.width), static_cast<int>(aTask.height));
   cv::Mat destination(size, CV_8UC4, aTask.destination);
   if (aTask.type == KrPixel::BGRa8) {
@@ -62,15 +63,11 @@ PeerConversion FindOpenCVConversion(const ConversionTask& aTask, int aThreads) {
   }
   if (const auto* row = FindRow(kRows, aTask.type)) {
     const cv::Mat source(size, row->matrixType, aTask.source);
-    return [source, destination, aThreads, code = row->code]() mutable {
-      cv::setNumThreads(aThreads);
-      cv::cvtColor(source, destination, code);
-    };
+    return [source, destination, code = row->code]() mutable { cv::cvtColor(source, destination, code); };
   }
   if (const auto* row = FindRow(kDeepRows, aTask.type)) {
     const cv::Mat source(size, CV_16UC1, aTask.source);
-    return [source, destination, aThreads, scale = row->scale, grey = cv::Mat()]() mutable {
-      cv::setNumThreads(aThreads);
+    return [source, destination, scale = row->scale, grey = cv::Mat()]() mutable {
       source.convertTo(grey, CV_8U, scale);
       cv::cvtColor(grey, destination, cv::COLOR_GRAY2BGRA);
     };

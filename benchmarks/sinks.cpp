@@ -1,28 +1,38 @@
 // What it costs to listen to every feature of a device, as a feature browser does when it fills and when it clears, and
 // to forget all values meanwhile. How long one getter takes that needs no device while another thread waits for one.
+// The cost of a feature is that of the call in processor time, the best of turns that few and many features take; a
+// getter may have to wait, and is measured by the clock.
 
+#include "checked.h"
 #include "figure.h"
 #include "generateddescription.h"
+#include "growth.h"
 #include "krgenicam/krgenmemoryport.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krgenicam/krgenparameterlist.h"
+#include "statistics.h"
+#include "timing.h"
 
+#include <algorithm>
 #include <atomic>
-#include <cstdlib>
+#include <limits>
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
+using benchmarks::Check;
+using benchmarks::Limit;
 using benchmarks::PrintFigure;
+using benchmarks::Timing;
 
-void Check(const KrResult& aResult) {
-  if (aResult.IsOK())
-    return;
-  std::fprintf(stderr, "%s\n", aResult.GetDescription().CStr());
-  std::exit(1);
-}
+constexpr std::size_t kFew = 5000;
+constexpr std::size_t kMany = 20000;
+constexpr int kTurns = 5;
+constexpr int kReadMs = 20;
+constexpr double kBrowserLimitMs = 100; // What a user does not feel when a browser fills or clears.
 
 class SilentSink final : public KrGenEventSink {
 public:
@@ -35,7 +45,7 @@ public:
   KrResult Read(std::uint64_t aAddress, void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
                 const std::stop_token& aCancel) override {
     if (isSlow)
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      std::this_thread::sleep_for(std::chrono::milliseconds(kReadMs));
     return memory.Read(aAddress, aData, aLength, aTimeoutMs, aCancel);
   }
   KrResult Write(std::uint64_t aAddress, const void* aData, std::size_t aLength, std::uint32_t aTimeoutMs,
@@ -71,79 +81,95 @@ public:
   std::unique_ptr<KrGenParameterArray> array;
 };
 
-template <typename Work>
-double MeasureMs(const Work& aWork) {
-  return benchmarks::MeasureBestMs(1, aWork);
-}
-
 struct Costs {
-  double fill = 0;
-  double invalidate = 0;
-  double clear = 0;
-  double refill = 0;
+  double fill = std::numeric_limits<double>::max();
+  double invalidate = std::numeric_limits<double>::max();
+  double clear = std::numeric_limits<double>::max();
+  double refill = std::numeric_limits<double>::max();
 };
 
-Costs MeasureSinks(std::size_t aFeatures) {
+// Each turn has a camera of its own, as only what was never listened to is filled for the first time.
+void TakeTurn(std::size_t aFeatures, Costs& aBest) {
   Camera camera(aFeatures);
-  Costs costs;
-  costs.fill = MeasureMs([&] { camera.Register(); });
-  costs.invalidate = MeasureMs([&] { camera.array->InvalidateCache(); });
-  costs.clear = MeasureMs([&] { camera.Unregister(); });
-  costs.refill = MeasureMs([&] { camera.Register(); });
+  const auto measure = [](double& aCost, const auto& aWork) {
+    aCost = std::min(aCost, benchmarks::MeasureMs(Timing::Thread, aWork));
+  };
+  measure(aBest.fill, [&] { camera.Register(); });
+  measure(aBest.invalidate, [&] { camera.array->InvalidateCache(); });
+  measure(aBest.clear, [&] { camera.Unregister(); });
+  measure(aBest.refill, [&] { camera.Register(); });
   camera.Unregister();
-  return costs;
 }
 
-void PrintGrowth(const std::string& aName, double Costs::*aCost, const Costs& aFew, const Costs& aMany) {
-  PrintFigure((aName + "_5000").c_str(), aFew.*aCost, "ms", "limit", 100);
-  PrintFigure((aName + "_20000").c_str(), aMany.*aCost, "ms", "four_times_5000", 4 * aFew.*aCost);
+void Print(const std::string& aName, double Costs::*aCost, const Costs& aFew, const Costs& aMany) {
+  PrintFigure({aName + "_" + std::to_string(kFew), aFew.*aCost, "ms", {}, Limit{"unfelt", kBrowserLimitMs}});
+  PrintFigure({aName + "_" + std::to_string(kMany), aMany.*aCost, "ms"});
+  benchmarks::PrintGrowth(aName, {.items = kFew, .ours = aFew.*aCost}, {.items = kMany, .ours = aMany.*aCost}, {});
 }
 
-// The longest of many rounds of what a user interface asks without the device, while others read registers.
+void MeasureSinks() {
+  Costs few;
+  Costs many;
+  for (int turn = 0; turn < kTurns; ++turn) {
+    TakeTurn(kFew, few);
+    TakeTurn(kMany, many);
+  }
+  Print("register", &Costs::fill, few, many);
+  Print("invalidate", &Costs::invalidate, few, many);
+  Print("unregister", &Costs::clear, few, many);
+  Print("register_again", &Costs::refill, few, many);
+}
+
+// What a user interface asks without the device.
+void AskAll(KrGenParameterArray& aArray) {
+  for (std::size_t i = 0; i < aArray.GetCount(); ++i) {
+    KrGenParameter& feature = *aArray[i];
+    KrString text;
+    KrGenVisibility visibility = KrGenVisibility::Beginner;
+    KrGenType type = KrGenType::Other;
+    KrGenParameterList selectors;
+    Check(feature.GetName(text));
+    Check(feature.GetDisplayName(text));
+    Check(feature.GetVisibility(visibility));
+    Check(feature.GetType(type));
+    Check(feature.GetSelectingParameters(selectors));
+    (void)feature.IsVisible(KrGenVisibility::Guru); // How long it takes alone is asked.
+  }
+}
+
+void PrintTimes(const std::string& aName, const std::vector<double>& aTimes) {
+  PrintFigure({aName + "_median", benchmarks::GetMedian(aTimes), "ms", {}, Limit{"one_read", kReadMs}});
+  PrintFigure({aName + "_95_percent", benchmarks::GetQuantile(aTimes, 0.95), "ms", {}, Limit{"one_read", kReadMs}});
+}
+
+// Rounds while another thread reads registers: one that waits for the device does so in as good as every round, one
+// that has no processor for a while does not count.
 void MeasureGetters() {
+  constexpr int kRounds = 200;
   Camera camera(500);
   camera.port.isSlow = true;
-  std::atomic<bool> isEnded = false;
-  std::jthread reader([&] {
-    for (std::size_t i = 0; !isEnded; i = (i + 1) % camera.array->GetCount()) {
+  const std::jthread reader([&](const std::stop_token& aStop) {
+    for (std::size_t i = 0; !aStop.stop_requested(); i = (i + 1) % camera.array->GetCount()) {
       KrString text;
       (void)(*camera.array)[i]->ToString(text); // Some features of the description cannot be read.
     }
   });
-  double longest = 0;
-  for (int round = 0; round < 200; ++round) {
-    longest = std::max(longest, MeasureMs([&] {
-                         for (std::size_t i = 0; i < camera.array->GetCount(); ++i) {
-                           KrGenParameter& feature = *(*camera.array)[i];
-                           KrString text;
-                           KrGenVisibility visibility = KrGenVisibility::Beginner;
-                           KrGenType type = KrGenType::Other;
-                           KrGenParameterList selectors;
-                           Check(feature.GetName(text));
-                           Check(feature.GetDisplayName(text));
-                           Check(feature.GetVisibility(visibility));
-                           Check(feature.GetType(type));
-                           Check(feature.GetSelectingParameters(selectors));
-                           (void)feature.IsVisible(KrGenVisibility::Guru); // How long it takes alone is asked.
-                         }
-                       }));
+  std::vector<double> getters;
+  std::vector<double> registering;
+  for (int round = 0; round < kRounds; ++round) {
+    getters.push_back(benchmarks::MeasureMs(Timing::Wall, [&] { AskAll(*camera.array); }));
+    registering.push_back(
+        benchmarks::MeasureMs(Timing::Wall, [&] { Check((*camera.array)[0]->RegisterEventSink(&camera.sink)); }));
+    Check((*camera.array)[0]->UnregisterEventSink(&camera.sink));
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  PrintFigure("getters_of_500_beside_a_read", longest, "ms", "one_read", 20);
-  const double registering = MeasureMs([&] { Check((*camera.array)[0]->RegisterEventSink(&camera.sink)); });
-  PrintFigure("register_beside_a_read", registering, "ms", "one_read", 20);
-  Check((*camera.array)[0]->UnregisterEventSink(&camera.sink));
-  isEnded = true;
+  PrintTimes("getters_of_500_beside_a_read", getters);
+  PrintTimes("register_beside_a_read", registering);
 }
 
 } // namespace
 
 int main() {
-  const Costs few = MeasureSinks(5000);
-  const Costs many = MeasureSinks(20000);
-  PrintGrowth("register", &Costs::fill, few, many);
-  PrintGrowth("invalidate", &Costs::invalidate, few, many);
-  PrintGrowth("unregister", &Costs::clear, few, many);
-  PrintGrowth("register_again", &Costs::refill, few, many);
+  MeasureSinks();
   MeasureGetters();
 }

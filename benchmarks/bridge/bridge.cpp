@@ -2,6 +2,7 @@
 // pseudo-terminals, and a bare pseudo-terminal, the physical limit.
 
 #include "figure.h"
+#include "statistics.h"
 #include "traffic.h"
 
 #include <algorithm>
@@ -23,12 +24,6 @@ struct Score {
   double fromDevice = 0;
   double bothWays = 0;
   std::vector<double> latencies = {};
-
-  double GetLatency(double aShare) const {
-    std::vector<double> sorted = latencies;
-    std::sort(sorted.begin(), sorted.end());
-    return sorted[static_cast<std::size_t>(static_cast<double>(sorted.size() - 1) * aShare)];
-  }
 };
 
 struct Way {
@@ -50,16 +45,18 @@ void TakeTurn(Way& aWay) {
 
 void PrintBeside(const Way& aWay, const Way& aPeer) {
   const auto print = [&](const char* aFigure, const char* aUnit, double aValue, double aPeerValue) {
-    const std::string name = std::string(aWay.name) + "_" + aFigure;
-    benchmarks::PrintFigure(name.c_str(), aValue, aUnit, aPeer.name, aPeerValue);
+    benchmarks::PrintFigure(
+        {std::string(aWay.name) + "_" + aFigure, aValue, aUnit, benchmarks::Peer{aPeer.name, aPeerValue}});
   };
   const Score& own = aWay.score;
   const Score& peer = aPeer.score;
   print("to_device", "MB/s", own.toDevice, peer.toDevice);
   print("from_device", "MB/s", own.fromDevice, peer.fromDevice);
   print("both_ways", "MB/s", own.bothWays, peer.bothWays);
-  print("latency_median", "us", own.GetLatency(0.5), peer.GetLatency(0.5));
-  print("latency_99_percent", "us", own.GetLatency(0.99), peer.GetLatency(0.99));
+  print("latency_median", "us", benchmarks::GetQuantile(own.latencies, 0.5),
+        benchmarks::GetQuantile(peer.latencies, 0.5));
+  print("latency_99_percent", "us", benchmarks::GetQuantile(own.latencies, 0.99),
+        benchmarks::GetQuantile(peer.latencies, 0.99));
 }
 
 } // namespace

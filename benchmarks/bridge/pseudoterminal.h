@@ -1,13 +1,14 @@
 #pragma once
 // A raw pseudo-terminal, for the ends of what is measured.
 
+#include "failing.h"
 #include "krbase/filedescriptor.h"
 
 #include <fcntl.h>
 #include <termios.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <cerrno>
+#include <cstring>
 #include <string>
 
 namespace benchmarks {
@@ -16,8 +17,7 @@ namespace benchmarks {
 inline void CheckSystem(bool aIsOK, const char* aWhat) {
   if (aIsOK)
     return;
-  std::perror(aWhat);
-  std::exit(1);
+  Fail(std::string(aWhat) + ": " + std::strerror(errno));
 }
 
 /// Opens a terminal, and sets it to pass bytes as they are.

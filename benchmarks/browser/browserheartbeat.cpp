@@ -1,16 +1,17 @@
 #include "browserheartbeat.h"
 
 #include "describedfeatures.h"
+#include "failing.h"
 #include "figure.h"
 #include "heartbeat.h"
 #include "plainbrowser.h"
 #include "shownbrowser.h"
+#include "statistics.h"
 
 #include <QScrollBar>
 
-#include <cstdio>
-#include <optional>
 #include <string>
+#include <vector>
 
 namespace benchmarks {
 
@@ -23,15 +24,20 @@ struct Scrolling {
   int times;
 };
 
-// Through ten thousand rows, as fast as a wheel that is spun.
-constexpr std::size_t kManyFeatures = 10'000;
-constexpr Scrolling kFast = {10, 5, 1000};
-constexpr double kFastWishMs = 16;
+struct Situation {
+  const char* name;
+  std::size_t features;
+  std::uint32_t registerMs; ///< What each access takes.
+  bool isReadBefore;        ///< All values, before it scrolls.
+  Scrolling scrolling;
+  double wishMs;
+};
+
+// As fast as a wheel that is spun.
+constexpr Situation kFast = {"browser_scrolling_10000", 10'000, 0, true, {10, 5, 1000}, 16};
 // Through a few pages, with time to read them.
-constexpr std::size_t kFewFeatures = 500;
-constexpr Scrolling kSlow = {20, 500, 16};
-constexpr std::uint32_t kSlowRegisterMs = 20;
-constexpr double kSlowWishMs = 50;
+constexpr Situation kSlow = {"browser_slow_registers", 500, 20, false, {20, 500, 16}, 50};
+constexpr int kTurns = 3;
 constexpr qint64 kLimitMs = 120'000;
 
 Gaps ScrollAndMeasure(QTreeView& aView, const Scrolling& aScrolling) {
@@ -47,59 +53,51 @@ Gaps ScrollAndMeasure(QTreeView& aView, const Scrolling& aScrolling) {
   return MeasureLargestGaps([&] { return steps >= aScrolling.times; });
 }
 
-void Print(const std::string& aName, const Gaps& aGaps, const Gaps& aPlain, double aWishMs) {
-  PrintFigure((aName + "_largest_gap").c_str(), aGaps.wallMs, "ms", "plain_tree_view", aPlain.wallMs);
-  PrintFigure((aName + "_largest_gap_wish").c_str(), aGaps.wallMs, "ms", "wish", aWishMs);
-  PrintFigure((aName + "_largest_busy").c_str(), aGaps.busyMs, "ms", "plain_tree_view", aPlain.busyMs);
+Gaps MeasureBrowser(DescribedFeatures& aFeatures, const Situation& aSituation) {
+  ShownBrowser browser(KrGenRefresh::Automatic);
+  if (!browser.IsUsable())
+    Fail("the feature browser did not open.");
+  aFeatures.GetPort().SetDelay(aSituation.registerMs);
+  browser.Show(&aFeatures.GetArray());
+  // The worker goes on with its passes.
+  if (aSituation.isReadBefore && !RunUntil([&] { return browser.IsAllRead(); }, kLimitMs))
+    Fail("not all features were read.");
+  const Gaps gaps = ScrollAndMeasure(browser.GetView(), aSituation.scrolling);
+  aFeatures.GetArray().Cancel();
+  browser.Show(nullptr);
+  return gaps;
 }
 
-bool MeasureFastScrolling() {
-  DescribedFeatures features(kManyFeatures);
-  Gaps gaps;
-  {
-    ShownBrowser browser(KrGenRefresh::Automatic);
-    if (!browser.IsUsable())
-      return false;
-    browser.Show(&features.GetArray());
-    // The worker goes on with its passes.
-    if (!RunUntil([&] { return browser.IsAllRead(); }, kLimitMs))
-      return false;
-    gaps = ScrollAndMeasure(browser.GetView(), kFast);
-    browser.Show(nullptr);
-  }
+Gaps MeasurePlain(DescribedFeatures& aFeatures, const Situation& aSituation) {
   PlainBrowser plain({600, 600});
-  plain.Show(&features.GetArray());
-  Print("browser_scrolling_10000", gaps, ScrollAndMeasure(plain.GetView(), kFast), kFastWishMs);
-  return true;
+  plain.Show(&aFeatures.GetArray());
+  return ScrollAndMeasure(plain.GetView(), aSituation.scrolling);
 }
 
-bool MeasureSlowRegisters() {
-  DescribedFeatures features(kFewFeatures);
-  Gaps gaps;
-  {
-    ShownBrowser browser(KrGenRefresh::Automatic);
-    if (!browser.IsUsable())
-      return false;
-    features.GetPort().SetDelay(kSlowRegisterMs);
-    browser.Show(&features.GetArray());
-    gaps = ScrollAndMeasure(browser.GetView(), kSlow);
-    features.GetArray().Cancel();
-    browser.Show(nullptr);
+void Measure(const Situation& aSituation) {
+  DescribedFeatures features(aSituation.features);
+  std::vector<Gaps> ours;
+  std::vector<Gaps> plain;
+  for (int turn = 0; turn < kTurns; ++turn) {
+    features.GetArray().InvalidateCache();
+    ours.push_back(MeasureBrowser(features, aSituation));
+    if (!aSituation.isReadBefore)
+      features.GetArray().InvalidateCache();
+    plain.push_back(MeasurePlain(features, aSituation));
   }
-  features.GetArray().InvalidateCache();
-  PlainBrowser plain({600, 600});
-  plain.Show(&features.GetArray());
-  Print("browser_slow_registers", gaps, ScrollAndMeasure(plain.GetView(), kSlow), kSlowWishMs);
-  return true;
+  const auto print = [&](const char* aWhat, double Gaps::*aGap) {
+    PrintFigure({std::string(aSituation.name) + aWhat, GetMedian(ours, aGap), "ms",
+                 Peer{"plain_tree_view", GetMedian(plain, aGap)}, Limit{"wish", aSituation.wishMs}});
+  };
+  print("_largest_gap", &Gaps::wallMs);
+  print("_largest_busy", &Gaps::busyMs);
 }
 
 } // namespace
 
-bool MeasureBrowserHeartbeat() {
-  if (MeasureFastScrolling() && MeasureSlowRegisters())
-    return true;
-  std::fprintf(stderr, "The feature browser did not open, or did not read its features.\n");
-  return false;
+void MeasureBrowserHeartbeat() {
+  Measure(kFast);
+  Measure(kSlow);
 }
 
 } // namespace benchmarks

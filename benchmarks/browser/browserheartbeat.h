@@ -4,7 +4,7 @@
 
 namespace benchmarks {
 
-/// Prints the figures. The application must be there; false when something could not be measured.
-bool MeasureBrowserHeartbeat();
+/// Prints the figures. The application must be there.
+void MeasureBrowserHeartbeat();
 
 } // namespace benchmarks

@@ -1,30 +1,36 @@
 #include "browserpasses.h"
 
 #include "describedfeatures.h"
+#include "failing.h"
 #include "figure.h"
+#include "heap.h"
 #include "heartbeat.h"
 #include "plainbrowser.h"
 #include "shownbrowser.h"
+#include "timing.h"
 
 #include <QScrollBar>
 
-#include <cstdio>
-#include <malloc.h>
+#include <algorithm>
+#include <limits>
+#include <optional>
 #include <string>
 
 namespace benchmarks {
 
 namespace {
 
-constexpr int kRuns = 5;
+constexpr int kTurns = 5;
 constexpr int kPaints = 51;
 constexpr qint64 kLimitMs = 120'000;
+constexpr const char* kPeer = "plain_tree_view";
+// What is wished for with the features that cameras have.
+constexpr std::size_t kUsualFeatures = 5000;
+constexpr double kBuildWishMs = 200;
+constexpr double kPageWishMs = 5;
+constexpr double kSearchWishMs = 20;
 // Searched in turn, so that each is a new search.
 const QString kSearched[] = {QStringLiteral("eature1"), QStringLiteral("eature2")};
-
-std::size_t GetHeapBytes() {
-  return ::mallinfo2().uordblks;
-}
 
 void ScrollThrough(QTreeView& aView) {
   QScrollBar& bar = *aView.verticalScrollBar();
@@ -36,126 +42,146 @@ void ScrollThrough(QTreeView& aView) {
   bar.setValue(bar.minimum());
 }
 
-template <typename Search>
-double MeasureSearch(QTreeView& aView, const Search& aSearch) {
-  int turn = 0;
-  return MeasureBestMs(kRuns, [&] {
-    aSearch(kSearched[turn++ % 2]);
-    aView.viewport()->repaint();
-  });
+template <typename Browser>
+void Search(Browser& aBrowser, int aTurn) {
+  aBrowser.Search(kSearched[aTurn % 2]);
+  aBrowser.GetView().viewport()->repaint();
 }
 
 class Passes {
 public:
-  explicit Passes(std::size_t aFeatures) : mFeatures(aFeatures), mName("browser_" + std::to_string(aFeatures) + "_") {}
+  explicit Passes(std::size_t aFeatures) : mFeatures(aFeatures), mCount(aFeatures) {}
 
-  bool Measure(BrowserTimes& aTimes) {
-    if (!mBrowser.IsUsable()) {
-      std::fprintf(stderr, "The feature browser did not open.\n");
-      return false;
-    }
-    aTimes.buildMs = MeasureBuild();
-    if (!MeasureFirstPass(aTimes.passMs) || !MeasureMemory())
-      return false;
+  BrowserCosts Measure() {
+    if (!mBrowser.IsUsable())
+      Fail("the feature browser did not open.");
+    BrowserCosts costs;
+    costs.build = MeasureBuild();
+    costs.pass = MeasureFirstPass();
+    costs.memory = MeasureMemory();
     mPlain.Show(&mFeatures.GetArray());
     MeasurePage();
-    MeasureScrolling();
-    aTimes.searchMs = MeasureKey();
+    costs.scrolling = MeasureScrolling();
+    costs.search = MeasureSearch();
     mBrowser.Show(nullptr);
     mPlain.Show(nullptr);
-    return true;
+    return costs;
   }
 
 private:
-  void Print(const char* aWhat, double aValue, const char* aUnit, double aPlain) const {
-    PrintFigure((mName + aWhat).c_str(), aValue, aUnit, "plain_tree_view", aPlain);
+  void Print(const char* aWhat, double aValue, const char* aUnit, double aPlain,
+             std::optional<double> aWish = std::nullopt) const {
+    Figure figure{"browser_" + std::to_string(mCount) + "_" + aWhat, aValue, aUnit, Peer{kPeer, aPlain}};
+    if (aWish && mCount == kUsualFeatures)
+      figure.limit = Limit{"wish", *aWish};
+    PrintFigure(figure);
   }
 
-  // Until SetGenParameterArray returns: wished for is less than 200 ms for 5,000.
-  double MeasureBuild() {
-    double plainMs = 0;
-    double bestMs = 0;
-    for (int run = 0; run < kRuns; ++run) {
-      const double ms = MeasureBestMs(1, [&] { mBrowser.Show(&mFeatures.GetArray()); });
-      mBrowser.Show(nullptr);
-      const double plain = MeasureBestMs(1, [&] { mPlain.Show(&mFeatures.GetArray()); });
-      mPlain.Show(nullptr);
-      bestMs = run == 0 ? ms : std::min(bestMs, ms);
-      plainMs = run == 0 ? plain : std::min(plainMs, plain);
+  // The best times of turns of the browser and of the plain view.
+  template <typename Ours, typename Plain>
+  SizedCost TakeTurns(const Ours& aOurs, const Plain& aPlain) const {
+    SizedCost cost{static_cast<double>(mCount), std::numeric_limits<double>::max(), std::numeric_limits<double>::max()};
+    for (int turn = 0; turn < kTurns; ++turn) {
+      cost.ours = std::min(cost.ours, aOurs(turn));
+      cost.peers = std::min(cost.peers, aPlain(turn));
     }
-    Print("build", bestMs, "ms", plainMs);
-    return bestMs;
+    return cost;
+  }
+
+  // Until SetGenParameterArray returns.
+  SizedCost MeasureBuild() {
+    const auto build = [&](auto& aBrowser) {
+      const double ms = MeasureMs(Timing::Wall, [&] { aBrowser.Show(&mFeatures.GetArray()); });
+      aBrowser.Show(nullptr);
+      return ms;
+    };
+    const SizedCost cost = TakeTurns([&](int) { return build(mBrowser); }, [&](int) { return build(mPlain); });
+    Print("build", cost.ours, "ms", cost.peers, kBuildWishMs);
+    return cost;
+  }
+
+  void AwaitAllRead() {
+    if (!RunUntil([&] { return mBrowser.IsAllRead(); }, kLimitMs))
+      Fail("not all features were read.");
   }
 
   // From the filling on until every value was read once.
-  bool MeasureFirstPass(double& aMs) {
-    mFeatures.GetArray().InvalidateCache();
-    bool isRead = false;
-    aMs = MeasureBestMs(1, [&] {
-      mBrowser.Show(&mFeatures.GetArray());
-      isRead = RunUntil([&] { return mBrowser.IsAllRead(); }, kLimitMs);
-    });
-    mBrowser.Show(nullptr);
-    mFeatures.GetArray().InvalidateCache();
-    const double plainMs = MeasureBestMs(1, [&] {
-      mPlain.Show(&mFeatures.GetArray());
-      mPlain.ReadAll();
-    });
-    mPlain.Show(nullptr);
-    if (isRead)
-      Print("automatic_pass", aMs, "ms", plainMs);
-    else
-      std::fprintf(stderr, "Not all features were read.\n");
-    return isRead;
+  SizedCost MeasureFirstPass() {
+    const auto read = [&](auto& aBrowser, const auto& aReadAll) {
+      mFeatures.GetArray().InvalidateCache();
+      const double ms = MeasureMs(Timing::Wall, [&] {
+        aBrowser.Show(&mFeatures.GetArray());
+        aReadAll();
+      });
+      aBrowser.Show(nullptr);
+      return ms;
+    };
+    const SizedCost cost = TakeTurns([&](int) { return read(mBrowser, [&] { AwaitAllRead(); }); },
+                                     [&](int) { return read(mPlain, [&] { mPlain.ReadAll(); }); });
+    Print("automatic_pass", cost.ours, "ms", cost.peers);
+    return cost;
   }
 
   // Of the browser alone, with all values read; what the array remembers is there before.
-  bool MeasureMemory() {
+  SizedCost MeasureMemory() {
     mFeatures.ReadAll();
-    const std::size_t before = GetHeapBytes();
+    const double before = GetHeapBytes();
     mBrowser.Show(&mFeatures.GetArray());
-    const bool isRead = RunUntil([&] { return mBrowser.IsAllRead(); }, kLimitMs);
-    const auto bytes = static_cast<double>(GetHeapBytes() - before);
+    AwaitAllRead();
+    const double bytes = GetHeapBytes() - before;
     const auto shown = static_cast<double>(mBrowser.CountFeatures());
-    const std::size_t beforePlain = GetHeapBytes();
+    const double beforePlain = GetHeapBytes();
     mPlain.Show(&mFeatures.GetArray());
-    const auto plainBytes = static_cast<double>(GetHeapBytes() - beforePlain);
-    Print("features_shown", shown, "1", static_cast<double>(mPlain.CountFeatures()));
+    const double plainBytes = GetHeapBytes() - beforePlain;
+    Print("features_shown", shown, "features", static_cast<double>(mPlain.CountFeatures()));
     Print("memory_per_feature", bytes / shown, "B", plainBytes / shown);
-    return isRead;
+    return {shown, bytes, plainBytes};
   }
 
-  // Wished for is less than 5 ms.
   void MeasurePage() {
     const auto [ms, plainMs] = MeasureInTurnsMs(
         Timing::Thread, kPaints, [&] { mBrowser.GetView().viewport()->repaint(); },
         [&] { mPlain.GetView().viewport()->repaint(); });
-    Print("page_painted", ms, "ms", plainMs);
+    Print("page_painted", ms, "ms", plainMs, kPageWishMs);
   }
 
-  void MeasureScrolling() {
-    const double ms = MeasureBestMs(1, [&] { ScrollThrough(mBrowser.GetView()); });
-    Print("scrolled_through", ms, "ms", MeasureBestMs(1, [&] { ScrollThrough(mPlain.GetView()); }));
+  SizedCost MeasureScrolling() {
+    const auto scroll = [](auto& aBrowser) {
+      return MeasureMs(Timing::Wall, [&] { ScrollThrough(aBrowser.GetView()); });
+    };
+    const SizedCost cost = TakeTurns([&](int) { return scroll(mBrowser); }, [&](int) { return scroll(mPlain); });
+    Print("scrolled_through", cost.ours, "ms", cost.peers);
+    return cost;
   }
 
-  // Wished for is less than 20 ms.
-  double MeasureKey() {
-    const double ms = MeasureSearch(mBrowser.GetView(), [&](const QString& aText) { mBrowser.Search(aText); });
-    const double plainMs = MeasureSearch(mPlain.GetView(), [&](const QString& aText) { mPlain.Search(aText); });
-    Print("search_key", ms, "ms", plainMs);
-    return ms;
+  SizedCost MeasureSearch() {
+    const auto search = [](auto& aBrowser, int aTurn) {
+      return MeasureMs(Timing::Wall, [&] { Search(aBrowser, aTurn); });
+    };
+    const SizedCost cost =
+        TakeTurns([&](int aTurn) { return search(mBrowser, aTurn); }, [&](int aTurn) { return search(mPlain, aTurn); });
+    Print("search_key", cost.ours, "ms", cost.peers, kSearchWishMs);
+    return cost;
   }
 
   DescribedFeatures mFeatures;
   ShownBrowser mBrowser{KrGenRefresh::Automatic};
   PlainBrowser mPlain{mBrowser.IsUsable() ? mBrowser.GetGridSize() : QSize(600, 600)};
-  const std::string mName;
+  const std::size_t mCount;
 };
 
 } // namespace
 
-bool MeasureBrowserPasses(std::size_t aFeatures, BrowserTimes& aTimes) {
-  return Passes(aFeatures).Measure(aTimes);
+BrowserCosts MeasureBrowserPasses(std::size_t aFeatures) {
+  return Passes(aFeatures).Measure();
+}
+
+void PrintBrowserGrowth(const BrowserCosts& aFew, const BrowserCosts& aMany) {
+  PrintGrowth("browser_build", aFew.build, aMany.build, kPeer);
+  PrintGrowth("browser_automatic_pass", aFew.pass, aMany.pass, kPeer);
+  PrintGrowth("browser_scrolled_through", aFew.scrolling, aMany.scrolling, kPeer);
+  PrintGrowth("browser_search_key", aFew.search, aMany.search, kPeer);
+  PrintGrowth("browser_memory", aFew.memory, aMany.memory, kPeer);
 }
 
 } // namespace benchmarks

@@ -1,11 +1,10 @@
 #include "describedfeatures.h"
 
+#include "checked.h"
 #include "generateddescription.h"
 
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
-#include <cstdlib>
 #include <mutex>
 
 namespace benchmarks {
@@ -18,13 +17,6 @@ constexpr std::uint32_t kTimeoutMs = 1000;
 // Not even experts see every fourth of them.
 std::size_t CountGenerated(std::size_t aVisible) {
   return aVisible + aVisible / 3;
-}
-
-void Check(const KrResult& aResult) {
-  if (aResult.IsOK())
-    return;
-  std::fprintf(stderr, "The features cannot be made: %s\n", aResult.GetDescription().CStr());
-  std::exit(1);
 }
 
 } // namespace

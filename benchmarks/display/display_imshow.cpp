@@ -1,14 +1,18 @@
-// The peer OpenCV: imshow in a window of the image's shape, painted by pollKey. Bayer images are made colour by
-// cvtColor; packed ones, which OpenCV does not know, by the library's converter.
+// The peer OpenCV: imshow in a window of the image's shape, painted by pollKey, which says nothing of what it paints:
+// the frames are counted by what is seen of them, for which the screen is asked for one pixel a frame. Bayer images are
+// made colour by cvtColor; packed ones, which OpenCV does not know, by the library's converter.
 
 #include "displaymeasurement.h"
+#include "displayscreen.h"
+#include "failing.h"
 #include "krbuffer/krbufferconverter.h"
 
 #include <opencv2/highgui.hpp>
 #include <opencv2/imgproc.hpp>
 
-#include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <string>
 
 namespace {
 
@@ -23,20 +27,32 @@ public:
     cv::imshow(kWindow, MakeImage(aRing.Get(0)));
     cv::waitKey(500);
     const cv::Rect rect = cv::getWindowImageRect(kWindow);
-    if (rect.width != static_cast<int>(size.width) || rect.height != static_cast<int>(size.height)) {
-      std::fprintf(stderr, "The window measures %dx%d.\n", rect.width, rect.height);
-      std::exit(1);
-    }
+    if (rect.width != static_cast<int>(size.width) || rect.height != static_cast<int>(size.height))
+      benchmarks::Fail("the window measures " + std::to_string(rect.width) + "x" + std::to_string(rect.height) + ".");
+    const std::optional<benchmarks::ScreenPoint> middle = mScreen.FindMiddle();
+    if (!middle)
+      benchmarks::Fail("there is no window on the screen.");
+    mMiddle = *middle;
+    mSeen = mScreen.ReadPixel(mMiddle);
   }
 
   void Show(std::size_t aFrame) override {
     cv::imshow(kWindow, MakeImage(mRing.Get(aFrame)));
     cv::pollKey();
-    ++mShown;
+    Look();
   }
-  std::uint64_t GetShown() const override { return mShown; }
+  std::uint64_t GetShown() const override {
+    Look();
+    return mShown;
+  }
 
 private:
+  // Frames that follow each other have other colours there.
+  void Look() const {
+    const std::uint32_t seen = mScreen.ReadPixel(mMiddle);
+    mShown += seen != mSeen ? 1 : 0;
+    mSeen = seen;
+  }
   cv::Mat MakeImage(const KrBuffer& aFrame) {
     const IKrImage& image = *aFrame.GetImage();
     switch (image.GetPixelType()) {
@@ -64,7 +80,10 @@ private:
   const KrBufferConverter mConverter{-1};
   KrBuffer mConverted;
   cv::Mat mColour;
-  std::uint64_t mShown = 0;
+  const benchmarks::DisplayScreen mScreen;
+  benchmarks::ScreenPoint mMiddle;
+  mutable std::uint32_t mSeen = 0;
+  mutable std::uint64_t mShown = 0;
 };
 
 } // namespace

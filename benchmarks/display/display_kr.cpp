@@ -1,24 +1,16 @@
 // The library's own display: a camera's thread gives the frames, the user-interface thread runs its loop. With "held"
 // as last argument the window is given shared frames, which it does not copy.
 
+#include "checked.h"
 #include "displaymeasurement.h"
 #include "krgui/krdisplaywnd.h"
 
 #include <QApplication>
 
-#include <cstdio>
-#include <cstdlib>
 #include <string_view>
 #include <thread>
 
 namespace {
-
-void Require(const KrResult& aResult) {
-  if (aResult.IsOK())
-    return;
-  std::fprintf(stderr, "%s\n", aResult.GetDescription().CStr());
-  std::_Exit(1);
-}
 
 class KrShower : public benchmarks::FrameShower {
 public:
@@ -26,7 +18,8 @@ public:
       : mRing(aRing), mWindow(aWindow), mIsHeld(aIsHeld) {}
 
   void Show(std::size_t aFrame) override {
-    Require(mIsHeld ? mWindow.DisplayHeld(mRing.Share(aFrame), false) : mWindow.Display(mRing.Get(aFrame), false));
+    benchmarks::Check(mIsHeld ? mWindow.DisplayHeld(mRing.Share(aFrame), false)
+                              : mWindow.Display(mRing.Get(aFrame), false));
   }
   std::uint64_t GetShown() const override { return mWindow.GetStatistics().shown; }
 
@@ -45,7 +38,7 @@ int main(int aArgumentCount, char** aArguments) {
   const QApplication application(aArgumentCount, aArguments);
   KrDisplayWnd window;
   window.SetPosition(100, 100, static_cast<int>(displayCase.window.width), static_cast<int>(displayCase.window.height));
-  Require(window.ShowModeless(0));
+  benchmarks::Check(window.ShowModeless(0));
 
   KrShower shower(ring, window, isHeld);
   std::thread camera([&] {

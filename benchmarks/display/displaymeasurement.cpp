@@ -1,14 +1,18 @@
 #include "displaymeasurement.h"
 
 #include "displayscreen.h"
+#include "failing.h"
+#include "statistics.h"
+#include "timing.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
+#include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace benchmarks {
 
@@ -16,12 +20,6 @@ namespace {
 
 constexpr int kRuns = 12;
 constexpr std::size_t kFramesPerRun = 3 * FrameRing::kCount;
-
-double GetProcessMs() {
-  timespec time{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
 
 /// Looks at the place where the number of a frame is.
 class FrameFinder {
@@ -35,10 +33,8 @@ public:
     while (!mMiddle || mScreen.ReadPixel(*mMiddle) != grey) {
       if (!mIsSettled)
         mMiddle = mScreen.FindMiddle();
-      if (std::chrono::steady_clock::now() > end) {
-        std::fprintf(stderr, "Frame %zu is not on the screen.\n", aFrame);
-        std::exit(1);
-      }
+      if (std::chrono::steady_clock::now() > end)
+        Fail("frame " + std::to_string(aFrame) + " is not on the screen.");
       std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
   }
@@ -81,8 +77,8 @@ void MeasureAndPrint(FrameShower& aShower) {
   }
   finder.Settle();
 
-  double bestCpuMs = std::numeric_limits<double>::max();
-  double mostPerSecond = 0;
+  std::vector<double> cpuMs;
+  std::vector<double> perSecond;
   for (int run = 0; run < kRuns; ++run) {
     const std::uint64_t shownBefore = AwaitCount(aShower, frame);
     const double cpuBefore = GetProcessMs() + screen.GetServerMs();
@@ -92,16 +88,14 @@ void MeasureAndPrint(FrameShower& aShower) {
     // The frames that are still on their way belong to the run.
     finder.Require(frame - 1);
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
-    const double cpuMs = GetProcessMs() + screen.GetServerMs() - cpuBefore;
+    const double cpu = GetProcessMs() + screen.GetServerMs() - cpuBefore;
     const auto shown = static_cast<double>(AwaitCount(aShower, frame) - shownBefore);
-    if (shown < 1 || shown > static_cast<double>(kFramesPerRun)) {
-      std::fprintf(stderr, "%g frames of %zu were shown.\n", shown, kFramesPerRun);
-      std::exit(1);
-    }
-    bestCpuMs = std::min(bestCpuMs, cpuMs / shown);
-    mostPerSecond = std::max(mostPerSecond, shown / time.count());
+    if (shown < 1 || shown > static_cast<double>(kFramesPerRun))
+      Fail(std::to_string(shown) + " frames of " + std::to_string(kFramesPerRun) + " were shown.");
+    cpuMs.push_back(cpu / shown);
+    perSecond.push_back(shown / time.count());
   }
-  std::printf("%.6g %.6g\n", bestCpuMs, mostPerSecond);
+  std::printf("%.6g %.6g\n", GetMedian(cpuMs), GetMedian(perSecond));
   std::fflush(stdout);
 }
 

@@ -18,7 +18,7 @@ public:
   FrameShower& operator=(const FrameShower&) = delete;
 
   virtual void Show(std::size_t aFrame) = 0;
-  /// How many frames reached the window so far, each counted once.
+  /// How many frames were painted so far, each counted once; those that were given and never painted are not.
   virtual std::uint64_t GetShown() const = 0;
 };
 
@@ -27,7 +27,7 @@ DisplayCase TakeCase(int aArgumentCount, char** aArguments);
 
 /// Shows every frame of the ring once and looks for it on the screen, then measures runs of frames and prints
 ///   cpu_ms_per_frame frames_per_second
-/// of the best one. Ends the process with a text where a frame is not on the screen or was not counted.
+/// as their medians. Ends the process with a text where a frame is not on the screen or was not counted.
 void MeasureAndPrint(FrameShower& aShower);
 
 } // namespace benchmarks

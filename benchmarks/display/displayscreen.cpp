@@ -1,5 +1,7 @@
 #include "displayscreen.h"
 
+#include "timing.h"
+
 #include <sys/socket.h>
 
 #include <cstdio>
@@ -96,9 +98,7 @@ std::vector<std::uint32_t> DisplayScreen::ReadPixels(ScreenPoint aCorner, std::u
 }
 
 double DisplayScreen::GetServerMs() const {
-  timespec time{};
-  clock_gettime(mServerClock, &time);
-  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+  return GetClockMs(mServerClock);
 }
 
 xcb_window_t ShowPlainWindow(const DisplayScreen& aScreen, std::uint32_t aWidth, std::uint32_t aHeight) {

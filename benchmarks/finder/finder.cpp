@@ -13,11 +13,12 @@ int main(int aArgumentCount, char** aArguments) {
   testing::InitGoogleTest(&aArgumentCount, aArguments); // The network and the camera report their failures by it.
   const QApplication application(aArgumentCount, aArguments);
   QApplication::setQuitOnLastWindowClosed(false);
-  bool isMeasured = true;
-  for (const std::size_t devices : {10, 100, 1000})
-    isMeasured = benchmarks::MeasureFinderPasses(devices) && isMeasured;
-  isMeasured = benchmarks::MeasureHeartbeat() && isMeasured;
-  isMeasured = benchmarks::MeasureClosing() && isMeasured;
-  isMeasured = benchmarks::MeasureFirstDevice() && isMeasured;
-  return isMeasured ? 0 : 1;
+  benchmarks::MeasureFinderPasses(10);
+  const benchmarks::FinderCosts few = benchmarks::MeasureFinderPasses(100);
+  const benchmarks::FinderCosts many = benchmarks::MeasureFinderPasses(1000);
+  benchmarks::PrintFinderGrowth(few, many);
+  benchmarks::MeasureHeartbeat();
+  benchmarks::MeasureClosing();
+  benchmarks::MeasureFirstDevice();
+  return 0;
 }

@@ -4,18 +4,17 @@
 #include "finder/finderpictures.h"
 #include "finder/findertree.h"
 #include "finderdevices.h"
+#include "heap.h"
 #include "krsystem/krsystem.h"
 #include "logic/finder/findermodel.h"
+#include "statistics.h"
+#include "timing.h"
 
 #include <QCoreApplication>
 #include <QTreeWidget>
 #include <QWindow>
 
-#include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <malloc.h>
 #include <string>
 #include <vector>
 
@@ -25,25 +24,15 @@ namespace {
 
 constexpr int kRuns = 51;
 constexpr QSize kTreeSize(450, 600);
+constexpr const char* kPlainFill = "plain_fill";
 
 struct Times {
   double medianMs = 0;
   double worstMs = 0;
 };
 
-/// In processor time of this thread, as a pass waits for nobody: the worst one is not that of the machine's other
-/// users.
-template <typename Work>
-Times MeasureTimes(const Work& aWork) {
-  std::vector<double> times;
-  for (int run = 0; run < kRuns; ++run)
-    times.push_back(MeasureBestProcessorMs(1, aWork));
-  std::sort(times.begin(), times.end());
-  return {times[times.size() / 2], times.back()};
-}
-
-std::size_t GetHeapBytes() {
-  return ::mallinfo2().uordblks;
+Times Sum(const std::vector<double>& aTimes) {
+  return {GetMedian(aTimes), GetQuantile(aTimes, 1)};
 }
 
 std::uint32_t GetTickMs() {
@@ -114,53 +103,94 @@ void FillPlainly(ShownTree& aTree, const KrSystem& aSystem) {
   root->setExpanded(true);
 }
 
-void Print(const std::string& aName, const Times& aOurs, const Times& aPlain) {
-  PrintFigure((aName + "_median").c_str(), aOurs.medianMs, "ms", "plain_fill", aPlain.medianMs);
-  PrintFigure((aName + "_worst").c_str(), aOurs.worstMs, "ms", "plain_fill", aPlain.worstMs);
+/// Turns of a pass and of the plain filling; prints their times and returns the medians. In processor time of this
+/// thread, as both wait for nobody: the worst one is not that of the machine's other users.
+template <typename Pass, typename Fill>
+SizedCost MeasurePass(const std::string& aName, std::size_t aDevices, const Pass& aPass, const Fill& aFill) {
+  std::vector<double> ours;
+  std::vector<double> plain;
+  for (int run = 0; run < kRuns; ++run) {
+    ours.push_back(MeasureMs(Timing::Thread, aPass));
+    plain.push_back(MeasureMs(Timing::Thread, aFill));
+  }
+  const Times ourTimes = Sum(ours);
+  const Times plainTimes = Sum(plain);
+  const std::string name = "finder_" + std::to_string(aDevices) + "_" + aName;
+  PrintFigure({name + "_median", ourTimes.medianMs, "ms", Peer{kPlainFill, plainTimes.medianMs}});
+  PrintFigure({name + "_worst", ourTimes.worstMs, "ms", Peer{kPlainFill, plainTimes.worstMs}});
+  return {static_cast<double>(aDevices), ourTimes.medianMs, plainTimes.medianMs};
+}
+
+/// Both once, so that the pictures and fonts that all share are there before anything is measured.
+void WarmUp(KrSystem& aSystem) {
+  ShownTree plain;
+  FillPlainly(plain, aSystem);
+  plain.Paint();
+  Finder finder(aSystem);
+  finder.Rebuild();
+  finder.Paint();
+}
+
+/// The heap's growth by showing the devices, in both.
+SizedCost MeasureMemory(KrSystem& aSystem, std::size_t aDevices) {
+  ShownTree plain;
+  const double beforePlain = GetHeapBytes();
+  FillPlainly(plain, aSystem);
+  const double plainBytes = GetHeapBytes() - beforePlain;
+  Finder finder(aSystem);
+  const double before = GetHeapBytes();
+  finder.TakeReports();
+  finder.Refresh();
+  const double bytes = GetHeapBytes() - before;
+  if (finder.CountShown() != static_cast<int>(aDevices))
+    Fail(std::to_string(finder.CountShown()) + " of " + std::to_string(aDevices) + " devices are shown.");
+  const auto count = static_cast<double>(aDevices);
+  PrintFigure({"finder_" + std::to_string(aDevices) + "_memory_per_device", bytes / count, "B",
+               Peer{kPlainFill, plainBytes / count}});
+  return {count, bytes, plainBytes};
 }
 
 } // namespace
 
-bool MeasureFinderPasses(std::size_t aDevices) {
-  const std::string name = "finder_" + std::to_string(aDevices);
+FinderCosts MeasureFinderPasses(std::size_t aDevices) {
   const RegisteredDevices devices(aDevices);
   KrSystem system;
   system.SetDetectionTimeout(1);
-  if (!system.Find().IsOK() || system.GetDeviceCount() != aDevices) {
-    std::fprintf(stderr, "%zu of %zu devices were found.\n", system.GetDeviceCount(), aDevices);
-    return false;
-  }
+  if (!system.Find().IsOK() || system.GetDeviceCount() != aDevices)
+    Fail(std::to_string(system.GetDeviceCount()) + " of " + std::to_string(aDevices) + " devices were found.");
 
+  WarmUp(system);
+  FinderCosts costs;
+  costs.memory = MeasureMemory(system, aDevices);
   ShownTree plain;
-  const std::size_t beforePlain = GetHeapBytes();
-  FillPlainly(plain, system);
-  const auto plainBytes = static_cast<double>(GetHeapBytes() - beforePlain);
   Finder finder(system);
-  const std::size_t before = GetHeapBytes();
-  finder.TakeReports();
-  finder.Refresh();
-  const auto bytes = static_cast<double>(GetHeapBytes() - before);
-  if (finder.CountShown() != static_cast<int>(aDevices)) {
-    std::fprintf(stderr, "%d of %zu devices are shown.\n", finder.CountShown(), aDevices);
-    return false;
-  }
+  finder.Rebuild();
+  const auto fill = [&] { FillPlainly(plain, system); };
+  costs.refresh = MeasurePass(
+      "refresh", aDevices, [&] { finder.Refresh(); }, fill);
+  costs.reports = MeasurePass(
+      "reports", aDevices, [&] { finder.TakeReports(); }, fill);
+  costs.rebuild = MeasurePass(
+      "rebuild", aDevices, [&] { finder.Rebuild(); }, fill);
+  costs.painted = MeasurePass(
+      "rebuild_painted", aDevices,
+      [&] {
+        finder.Rebuild();
+        finder.Paint();
+      },
+      [&] {
+        fill();
+        plain.Paint();
+      });
+  return costs;
+}
 
-  const Times refill = MeasureTimes([&] { FillPlainly(plain, system); });
-  Print(name + "_refresh", MeasureTimes([&] { finder.Refresh(); }), refill);
-  Print(name + "_reports", MeasureTimes([&] { finder.TakeReports(); }), refill);
-  Print(name + "_rebuild", MeasureTimes([&] { finder.Rebuild(); }), refill);
-  const Times painted = MeasureTimes([&] {
-    FillPlainly(plain, system);
-    plain.Paint();
-  });
-  Print(name + "_rebuild_painted", MeasureTimes([&] {
-          finder.Rebuild();
-          finder.Paint();
-        }),
-        painted);
-  const auto count = static_cast<double>(aDevices);
-  PrintFigure((name + "_memory_per_device").c_str(), bytes / count, "B", "plain_fill", plainBytes / count);
-  return true;
+void PrintFinderGrowth(const FinderCosts& aFew, const FinderCosts& aMany) {
+  PrintGrowth("finder_refresh", aFew.refresh, aMany.refresh, kPlainFill);
+  PrintGrowth("finder_reports", aFew.reports, aMany.reports, kPlainFill);
+  PrintGrowth("finder_rebuild", aFew.rebuild, aMany.rebuild, kPlainFill);
+  PrintGrowth("finder_rebuild_painted", aFew.painted, aMany.painted, kPlainFill);
+  PrintGrowth("finder_memory", aFew.memory, aMany.memory, kPlainFill);
 }
 
 } // namespace benchmarks

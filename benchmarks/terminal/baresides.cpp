@@ -1,5 +1,6 @@
 #include "baresides.h"
 
+#include "failing.h"
 #include "socatline.h"
 
 #include <QElapsedTimer>
@@ -46,7 +47,7 @@ double MeasureBareReading(const std::string& aPath, const std::string& aBytes) {
   while (sum < aBytes.size()) {
     const ssize_t count = read(terminal.Get(), bytes.data(), bytes.size());
     if (count <= 0)
-      return 0;
+      Fail("a bare loop cannot read.");
     sum += static_cast<std::size_t>(count);
   }
   return GetMegabytesPerSecond(sum, passed);
@@ -63,7 +64,9 @@ double MeasureBareWriting(const std::string& aPath, const std::string& aBytes) {
     for (; count >= 0 && sum < aBytes.size(); sum += static_cast<std::size_t>(count))
       count = write(terminal.Get(), aBytes.data() + sum, aBytes.size() - sum);
   });
-  return line.Await(aBytes.size()).size() < aBytes.size() ? 0 : GetMegabytesPerSecond(aBytes.size(), passed);
+  if (line.Await(aBytes.size()).size() < aBytes.size())
+    Fail("what a bare loop writes does not come whole.");
+  return GetMegabytesPerSecond(aBytes.size(), passed);
 }
 
 } // namespace benchmarks

@@ -1,28 +1,33 @@
 // What does the serial terminal hold? A megabyte in each direction through its window, over a simulated
 // port with a pseudo-terminal and socat behind it: how fast, what of a processor it takes, for how long it keeps the
 // user-interface thread, and what its bounded buffer drops. Beside a plain text edit that is given each read as it
-// comes, the port's own speed, and bare loops on the pseudo-terminal.
+// comes, the port's own speed, and bare loops on the pseudo-terminal. All take turns; printed are their medians.
 
 #include "baresides.h"
+#include "failing.h"
 #include "figure.h"
 #include "heartbeat.h"
 #include "numberedlines.h"
 #include "plainterminal.h"
 #include "seriallab.h"
 #include "socatline.h"
+#include "statistics.h"
 #include "terminalwindow.h"
 
 #include <QApplication>
 
+#include <array>
 #include <fstream>
 #include <future>
+#include <optional>
 #include <string>
-#include <string_view>
-
-#include <sys/resource.h>
+#include <vector>
 
 namespace {
 
+using benchmarks::Figure;
+using benchmarks::Limit;
+using benchmarks::Peer;
 using benchmarks::PrintFigure;
 using benchmarks::SerialLab;
 
@@ -40,39 +45,32 @@ constexpr FormatRow kFormats[] = {{"ascii", krgui::DisplayFormat::ASCII, 1.0},
                                   {"hexadecimal", krgui::DisplayFormat::Hexadecimal, 3.0 + 2.0 / 16},
                                   {"hybrid", krgui::DisplayFormat::Hybrid, 3.0 + (3.0 + 16 + 2) / 16}};
 
-constexpr const char* kLineSpeed = "line_speed";
-
-double GetMs(const timeval& aTime) {
-  return static_cast<double>(aTime.tv_sec) * 1e3 + static_cast<double>(aTime.tv_usec) / 1e3;
-}
-
-// Of all threads of this process, the simulated line's among them.
-double GetProcessMs() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return GetMs(usage.ru_utime) + GetMs(usage.ru_stime);
-}
+constexpr int kTurns = 3;
+constexpr const char* kPlain = "plain_text_edit";
 
 struct Streamed {
   bool isWhole = false;
   double seconds = 0;
-  double processMs = 0;
+  double processMs = 0; ///< Of all threads of this process, the simulated line's among them.
   double uiMs = 0;
-  benchmarks::Gaps gaps;
-  std::uint64_t droppedUnits = 0;
+  double gapMs = 0;
+  double busyGapMs = 0;
+  double droppedUnits = 0;
 };
 
 // Runs the loop until a condition holds or the limit is over.
 template <typename Condition>
 Streamed Stream(const QElapsedTimer& aClock, const Condition& aIsOver) {
   Streamed streamed;
-  const double processMs = GetProcessMs();
+  const double processMs = benchmarks::GetProcessMs();
   const double uiMs = benchmarks::GetThreadMs();
-  streamed.gaps = benchmarks::MeasureLargestGaps([&] {
+  const benchmarks::Gaps gaps = benchmarks::MeasureLargestGaps([&] {
     streamed.isWhole = aIsOver();
     return streamed.isWhole || aClock.elapsed() > kLimitMs;
   });
-  streamed.processMs = GetProcessMs() - processMs;
+  streamed.gapMs = gaps.wallMs;
+  streamed.busyGapMs = gaps.busyMs;
+  streamed.processMs = benchmarks::GetProcessMs() - processMs;
   streamed.uiMs = benchmarks::GetThreadMs() - uiMs;
   streamed.seconds = static_cast<double>(aClock.nsecsElapsed()) / 1e9;
   return streamed;
@@ -89,9 +87,10 @@ Streamed ReceiveInWindow(SerialLab& aLab, KrDeviceSerial aPort, const FormatRow&
   Streamed streamed =
       Stream(clock, [&] { return aLab.CountReceived(aPort) - before >= aBytes.size() && window.IsQuiet(); });
   streamed.seconds = window.GetLastChangeMs() / 1e3;
-  streamed.droppedUnits = window.GetDroppedUnits();
+  streamed.droppedUnits = static_cast<double>(window.GetDroppedUnits());
   // What was counted at the port may still be missing in the window.
-  streamed.isWhole = streamed.isWhole && (streamed.droppedUnits > 0 || window.ShowsEndOf(aBytes));
+  streamed.isWhole =
+      streamed.isWhole && streamed.seconds > 0 && (streamed.droppedUnits > 0 || window.ShowsEndOf(aBytes));
   return streamed;
 }
 
@@ -121,65 +120,133 @@ Streamed SendInWindow(SerialLab& aLab, KrDeviceSerial aPort, const FormatRow& aF
   Streamed streamed = Stream(clock, [&] { return !window.IsSendingFile(); });
   streamed.seconds = arrival.get();
   streamed.isWhole = streamed.isWhole && streamed.seconds > 0;
-  streamed.droppedUnits = window.GetDroppedUnits();
+  streamed.droppedUnits = static_cast<double>(window.GetDroppedUnits());
   return streamed;
 }
 
-void PrintRun(const std::string& aName, const Streamed& aRun, double aLimitMBps, const char* aLimit,
-              const Streamed* aPlain) {
-  const auto print = [&](const char* aWhat, double aValue, const char* aUnit, const char* aPeer, double aPeerValue) {
-    PrintFigure((aName + aWhat).c_str(), aValue, aUnit, aPeer, aPeerValue);
+// The same in several turns.
+class Turns {
+public:
+  void Add(const Streamed& aTurn) {
+    if (!aTurn.isWhole)
+      benchmarks::Fail("a megabyte did not come whole.");
+    mTurns.push_back(aTurn);
+  }
+  double Get(double Streamed::*aMember) const { return benchmarks::GetMedian(mTurns, aMember); }
+  double GetMBps() const { return kMegabytes / Get(&Streamed::seconds); }
+
+private:
+  std::vector<Streamed> mTurns;
+};
+
+/// What a way for bytes is held against: a bare loop in the same run, or the speed that the line has by itself.
+struct Reference {
+  std::optional<Peer> peer;
+  std::optional<Limit> limit;
+};
+
+void PrintRate(const std::string& aName, const Turns& aTurns, const Reference& aReference) {
+  PrintFigure({aName, aTurns.GetMBps(), "MB/s", aReference.peer, aReference.limit});
+}
+
+void PrintRun(const std::string& aName, const Turns& aRun, const Reference& aReference, const Turns* aPlain) {
+  const auto print = [&](const char* aWhat, const char* aUnit, double Streamed::*aMember, double aBy) {
+    Figure figure{aName + aWhat, aRun.Get(aMember) / aBy, aUnit};
+    if (aPlain)
+      figure.peer = Peer{kPlain, aPlain->Get(aMember) / aBy};
+    PrintFigure(figure);
   };
-  print("", kMegabytes / aRun.seconds, "MB/s", aLimit, aLimitMBps);
-  const char* const peer = aPlain ? "plain_text_edit" : "none";
-  const Streamed none;
-  const Streamed& plain = aPlain ? *aPlain : none;
-  print("_processor", aRun.processMs / kMegabytes, "ms/MB", peer, plain.processMs / kMegabytes);
-  print("_ui_processor", aRun.uiMs / kMegabytes, "ms/MB", peer, plain.uiMs / kMegabytes);
+  PrintRate(aName, aRun, aReference);
+  print("_processor", "ms/MB", &Streamed::processMs, kMegabytes);
+  print("_ui_processor", "ms/MB", &Streamed::uiMs, kMegabytes);
+  print("_largest_gap", "ms", &Streamed::gapMs, 1);
+  print("_largest_busy_gap", "ms", &Streamed::busyGapMs, 1);
   // What is counted goes on a little after the last byte: too much rather than too little at a line's speed, and
   // nothing that could be told of a run of milliseconds.
-  if (std::string_view(aLimit) == kLineSpeed)
-    print("_core", 100 * aRun.processMs / 1e3 / aRun.seconds, "%", peer,
-          aPlain ? 100 * plain.processMs / 1e3 / plain.seconds : 0);
-  print("_largest_gap", aRun.gaps.wallMs, "ms", peer, plain.gaps.wallMs);
-  print("_largest_busy_gap", aRun.gaps.busyMs, "ms", peer, plain.gaps.busyMs);
-}
-
-void PrintDropped(const std::string& aName, const Streamed& aRun, const FormatRow& aFormat) {
-  PrintFigure((aName + "_dropped").c_str(), static_cast<double>(aRun.droppedUnits), "units", "rendered",
-              static_cast<double>(kBytes) * aFormat.unitsPerByte);
-}
-
-bool MeasureReceiving(SerialLab& aLab, KrDeviceSerial aPort, const char* aName, double aLimitMBps, const char* aLimit,
-                      const std::string& aBytes) {
-  const Streamed plain = ReceivePlainly(aLab, aPort, aBytes);
-  bool isWhole = plain.isWhole;
-  for (const FormatRow& format : kFormats) {
-    const Streamed run = ReceiveInWindow(aLab, aPort, format, aBytes);
-    const std::string name = std::string("terminal_receive_") + aName + format.name;
-    PrintRun(name, run, aLimitMBps, aLimit, &plain);
-    PrintDropped(name, run, format);
-    isWhole = run.isWhole && isWhole;
-  }
-  PrintFigure((std::string("plain_receive_") + aName).c_str(), kMegabytes / plain.seconds, "MB/s", aLimit, aLimitMBps);
-  return isWhole;
-}
-
-bool MeasureSending(SerialLab& aLab, KrDeviceSerial aPort, const char* aName, double aLimitMBps, const char* aLimit,
-                    const std::string& aBytes, const KrString& aFile) {
-  bool isWhole = true;
-  const auto measure = [&](const std::string& aForm, const FormatRow& aFormat, bool aEchoes) {
-    const Streamed run = SendInWindow(aLab, aPort, aFormat, aEchoes, aBytes, aFile);
-    const std::string name = std::string("terminal_send_") + aName + aForm;
-    PrintRun(name, run, aLimitMBps, aLimit, nullptr);
-    if (aEchoes)
-      PrintDropped(name, run, aFormat);
-    isWhole = run.isWhole && isWhole;
+  if (!aReference.limit)
+    return;
+  const auto getCore = [](const Turns& aTurns) {
+    return 100 * aTurns.Get(&Streamed::processMs) / 1e3 / aTurns.Get(&Streamed::seconds);
   };
-  measure("silent", kFormats[0], false);
-  for (const FormatRow& format : kFormats)
-    measure(std::string("echoed_") + format.name, format, true);
-  return isWhole;
+  Figure core{aName + "_core", getCore(aRun), "%"};
+  if (aPlain)
+    core.peer = Peer{kPlain, getCore(*aPlain)};
+  PrintFigure(core);
+}
+
+void PrintDropped(const std::string& aName, const Turns& aRun, const FormatRow& aFormat) {
+  PrintFigure({aName + "_dropped",
+               aRun.Get(&Streamed::droppedUnits),
+               "units",
+               {},
+               Limit{"rendered", static_cast<double>(kBytes) * aFormat.unitsPerByte}});
+}
+
+/// What is streamed, and where it is.
+struct Load {
+  SerialLab& lab;
+  std::string bytes;
+  std::string file;
+};
+
+/// A port, and what its figures are called after it.
+struct Port {
+  KrDeviceSerial number;
+  const char* name;
+  bool isPaced;
+};
+
+constexpr Port kPorts[] = {{SerialLab::kPaced, "3Mbaud_", true}, {SerialLab::kUnpaced, "", false}};
+
+// A bare loop is measured where nothing else holds the line.
+Reference MakeReference(const Port& aPort, const char* aLoop, const std::vector<double>& aLoopMBps) {
+  if (aPort.isPaced)
+    return {{}, Limit{"line_speed", benchmarks::kPacedBytesPerSecond / 1e6}};
+  return {Peer{aLoop, benchmarks::GetMedian(aLoopMBps)}, {}};
+}
+
+void MeasureReceiving(const Load& aLoad, const Port& aPort) {
+  Turns plain;
+  std::array<Turns, std::size(kFormats)> ours;
+  std::vector<double> bare;
+  for (int turn = 0; turn < kTurns; ++turn) {
+    if (!aPort.isPaced)
+      bare.push_back(benchmarks::MeasureBareReading(aLoad.lab.GetFile("bare"), aLoad.bytes));
+    plain.Add(ReceivePlainly(aLoad.lab, aPort.number, aLoad.bytes));
+    for (std::size_t format = 0; format < ours.size(); ++format)
+      ours[format].Add(ReceiveInWindow(aLoad.lab, aPort.number, kFormats[format], aLoad.bytes));
+  }
+  const Reference reference = MakeReference(aPort, "bare_read_loop", bare);
+  for (std::size_t format = 0; format < ours.size(); ++format) {
+    const std::string name = std::string("terminal_receive_") + aPort.name + kFormats[format].name;
+    PrintRun(name, ours[format], reference, &plain);
+    PrintDropped(name, ours[format], kFormats[format]);
+  }
+  PrintRate(std::string("plain_receive_") + aPort.name + "text", plain, reference);
+}
+
+void MeasureSending(const Load& aLoad, const Port& aPort) {
+  Turns silent;
+  std::array<Turns, std::size(kFormats)> echoed;
+  std::vector<double> bare;
+  const auto send = [&](const FormatRow& aFormat, bool aEchoes) {
+    return SendInWindow(aLoad.lab, aPort.number, aFormat, aEchoes, aLoad.bytes, aLoad.file);
+  };
+  for (int turn = 0; turn < kTurns; ++turn) {
+    if (!aPort.isPaced)
+      bare.push_back(benchmarks::MeasureBareWriting(aLoad.lab.GetFile("bare"), aLoad.bytes));
+    silent.Add(send(kFormats[0], false));
+    for (std::size_t format = 0; format < echoed.size(); ++format)
+      echoed[format].Add(send(kFormats[format], true));
+  }
+  const Reference reference = MakeReference(aPort, "bare_write_loop", bare);
+  const std::string name = std::string("terminal_send_") + aPort.name;
+  PrintRun(name + "silent", silent, reference, nullptr);
+  for (std::size_t format = 0; format < echoed.size(); ++format) {
+    const std::string echoName = name + "echoed_" + kFormats[format].name;
+    PrintRun(echoName, echoed[format], reference, nullptr);
+    PrintDropped(echoName, echoed[format], kFormats[format]);
+  }
 }
 
 } // namespace
@@ -188,18 +255,11 @@ int main(int aArgumentCount, char** aArguments) {
   const QApplication application(aArgumentCount, aArguments);
   QApplication::setQuitOnLastWindowClosed(false);
   SerialLab lab;
-  const std::string bytes = krtest::MakeNumberedLines(kBytes);
-  const std::string file = lab.GetFile("sent.txt");
-  std::ofstream(file) << bytes;
-
-  const double paced = benchmarks::kPacedBytesPerSecond / 1e6;
-  const double read = benchmarks::MeasureBareReading(lab.GetFile("bare"), bytes);
-  const double written = benchmarks::MeasureBareWriting(lab.GetFile("bare"), bytes);
-  bool isWhole = MeasureReceiving(lab, SerialLab::kPaced, "3Mbaud_", paced, kLineSpeed, bytes);
-  isWhole = MeasureReceiving(lab, SerialLab::kUnpaced, "", read, "bare_read_loop", bytes) && isWhole;
-  isWhole = MeasureSending(lab, SerialLab::kPaced, "3Mbaud_", paced, kLineSpeed, bytes, file) && isWhole;
-  isWhole = MeasureSending(lab, SerialLab::kUnpaced, "", written, "bare_write_loop", bytes, file) && isWhole;
-  if (!isWhole)
-    std::fprintf(stderr, "A megabyte did not come whole.\n");
-  return isWhole ? 0 : 1;
+  const Load load{lab, krtest::MakeNumberedLines(kBytes), lab.GetFile("sent.txt")};
+  std::ofstream(load.file) << load.bytes;
+  for (const Port& port : kPorts)
+    MeasureReceiving(load, port);
+  for (const Port& port : kPorts)
+    MeasureSending(load, port);
+  return 0;
 }

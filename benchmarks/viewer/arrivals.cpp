@@ -1,7 +1,8 @@
 #include "arrivals.h"
 
+#include "failing.h"
+
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -23,8 +24,7 @@ double ReadReceivedBytes() {
     if (name != std::string::npos)
       return std::atof(line.c_str() + name + 3);
   }
-  std::fprintf(stderr, "It cannot be measured: there is no loopback adapter.\n");
-  std::exit(1);
+  Fail("there is no loopback adapter.");
 }
 
 } // namespace

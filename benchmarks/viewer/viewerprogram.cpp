@@ -1,6 +1,8 @@
 #include "viewerprogram.h"
 
+#include "failing.h"
 #include "spawning.h"
+#include "timing.h"
 
 #include <array>
 #include <csignal>
@@ -21,11 +23,6 @@ namespace {
 
 constexpr std::chrono::seconds kLimit{60};
 constexpr std::chrono::milliseconds kPause{20};
-
-[[noreturn]] void Fail(const std::string& aText) {
-  std::fprintf(stderr, "It cannot be measured: %s\n", aText.c_str());
-  std::exit(1);
-}
 
 std::string MakeFolder() {
   std::string folder = (std::filesystem::temp_directory_path() / "viewer-settings-XXXXXX").string();
@@ -89,10 +86,9 @@ ViewerProgram::~ViewerProgram() {
 
 double ViewerProgram::GetProcessorMs() const {
   clockid_t clock{};
-  timespec time{};
-  if (::clock_getcpuclockid(mProcess, &clock) != 0 || ::clock_gettime(clock, &time) != 0)
+  if (::clock_getcpuclockid(mProcess, &clock) != 0)
     Fail("the viewer has ended.");
-  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
+  return GetClockMs(clock);
 }
 
 void ViewerProgram::AwaitWindow() {

@@ -36,8 +36,11 @@ void MeasureClosings() {
     double worstMs = 0;
     for (int closing = 0; closing < kClosings; ++closing)
       worstMs = std::max(worstMs, MeasureClosing(each, static_cast<qint64>(kRegisterTimeoutMs) * closing / kClosings));
-    PrintFigure((std::string("close_") + each.name + "_worst").c_str(), worstMs, "ms", "register_timeout",
-                kRegisterTimeoutMs);
+    PrintFigure({std::string("close_") + each.name + "_worst",
+                 worstMs,
+                 "ms",
+                 {},
+                 Limit{"register_timeout", kRegisterTimeoutMs}});
   }
 }
 

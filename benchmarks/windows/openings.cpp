@@ -9,6 +9,7 @@
 #include "krgui/krserialbridgemanagerwnd.h"
 #include "krgui/krserialterminalwnd.h"
 #include "scene.h"
+#include "statistics.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -113,11 +114,7 @@ constexpr std::array kOpenings = {
             }},
 };
 
-void Print(const Opening& aOpening, const char* aWhich, double aMs, double aDialogMs) {
-  const std::string name = std::string("open_") + aOpening.name + aWhich;
-  PrintFigure(name.c_str(), aMs, "ms", "empty_dialog", aDialogMs);
-  PrintFigure((name + "_limit").c_str(), aMs, "ms", "limit", kLimitMs);
-}
+const Limit kPrompt = {"prompt", kLimitMs};
 
 } // namespace
 
@@ -135,23 +132,25 @@ bool MeasureFirstOpening(const char* aName) {
     return false;
   Cameras cameras;
   const double ms = found->open(cameras);
-  PrintFigure((std::string("open_") + aName + "_first").c_str(), ms, "ms", "limit", kLimitMs);
+  PrintFigure({std::string("open_") + aName + "_first", ms, "ms", {}, kPrompt});
   return true;
 }
 
 void MeasureOpenings() {
   Cameras cameras;
   for (const Opening& opening : kOpenings) {
-    std::array<double, kRuns> ours{};
-    std::array<double, kRuns> dialogs{};
+    std::vector<double> ours;
+    std::vector<double> dialogs;
     for (int run = 0; run < kRuns; ++run) {
-      dialogs[static_cast<std::size_t>(run)] = OpenDialog(cameras);
-      ours[static_cast<std::size_t>(run)] = opening.open(cameras);
+      dialogs.push_back(OpenDialog(cameras));
+      ours.push_back(opening.open(cameras));
     }
-    std::ranges::sort(ours);
-    std::ranges::sort(dialogs);
-    Print(opening, "_median", ours[kRuns / 2], dialogs[kRuns / 2]);
-    Print(opening, "_worst", ours.back(), dialogs.back());
+    const auto print = [&](const char* aWhich, double aShare) {
+      PrintFigure({std::string("open_") + opening.name + aWhich, GetQuantile(ours, aShare), "ms",
+                   Peer{"empty_dialog", GetQuantile(dialogs, aShare)}, kPrompt});
+    };
+    print("_median", 0.5);
+    print("_worst", 1);
   }
 }
 
