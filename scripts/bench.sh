@@ -1,6 +1,11 @@
 #!/usr/bin/env bash
-# Runs the benchmarks, all or one: bench.sh [NAME]. Sets up, builds for release, prints lines
-#   figure=<name> value=<number> unit=<unit> peer=<name> peer_value=<number> ratio=<number>
+# Runs the benchmarks, all or one: bench.sh [NAME]. Sets up, builds for release, prints "# <benchmark>" before each, and
+# a line for each figure:
+#   figure=<name> value=<number> unit=<unit> [peer=<name> peer_value=<number> ratio=<number>]
+#     [limit=<name> limit_value=<number> limit_ratio=<number>]
+# A peer did the same in the same run; a limit is a constant. Ratios are those of the value, and are not there where it
+# is held against 0. scripts/figures.sh makes tables of the lines. Ends with 1, once all were run, where one could not
+# measure all that it is for.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -13,6 +18,7 @@ peers=(
 scripts/setup.sh "${peers[@]}"
 scripts/build.sh release
 found=0
+failed=()
 for program in build/release/benchmarks/bench_*; do
   [ -x "$program" ] && [ -f "$program" ] || continue
   name=$(basename "$program")
@@ -26,9 +32,13 @@ for program in build/release/benchmarks/bench_*; do
     stream) scripts/with-network.sh "$program" ;;
     terminal) QT_QPA_PLATFORM=offscreen "$program" ;;
     *) "$program" ;;
-  esac
+  esac || failed+=("$name")
 done
 if [ "$found" = 0 ]; then
   echo "bench: there is no benchmark ${1:-at all}; see benchmarks/CMakeLists.txt" >&2
+  exit 1
+fi
+if [ ${#failed[@]} -gt 0 ]; then
+  echo "bench: not all could be measured by ${failed[*]}" >&2
   exit 1
 fi
