@@ -1,6 +1,7 @@
 #include "krserial/krdeviceserialport.h"
 
 #include "guarded.h"
+#include "krbase/eitherstop.h"
 #include "krbase/krlogger.h"
 #include "serialchannels.h"
 #include "writeturns.h"
@@ -34,25 +35,6 @@ KrResult RefuseClosed(const char* aAttempt) {
 KrResult RefuseCancelled(const char* aAttempt) {
   return {KrResult::Code::Aborted, std::string(aAttempt) + " was cancelled."};
 }
-
-// Passes the stop of either of two tokens on to a third.
-class EitherStop {
-public:
-  EitherStop(const std::stop_token& aFirst, const std::stop_token& aSecond)
-      : mOnFirst(aFirst, Stop{mEither}), mOnSecond(aSecond, Stop{mEither}) {}
-
-  std::stop_token GetToken() const { return mEither.get_token(); }
-
-private:
-  struct Stop {
-    std::stop_source source;
-    void operator()() { source.request_stop(); }
-  };
-
-  std::stop_source mEither;
-  std::stop_callback<Stop> mOnFirst;
-  std::stop_callback<Stop> mOnSecond;
-};
 
 } // namespace
 
@@ -201,7 +183,7 @@ KrResult KrDeviceSerialPort::Read(std::uint8_t* aBuffer, std::uint32_t aBufferSi
   const Body::Call call(*mBody);
   if (!call.channel)
     return RefuseClosed(kAttempt);
-  const EitherStop stop(call.token, aCancel);
+  const krbase::EitherStop stop(call.token, aCancel);
   if (stop.GetToken().stop_requested())
     return RefuseCancelled(kAttempt);
   std::size_t read = 0;
@@ -233,7 +215,7 @@ KrResult KrDeviceSerialPort::Write(const std::uint8_t* aData, std::uint32_t aSiz
   const Body::Call call(*mBody);
   if (!call.channel)
     return RefuseClosed(kAttempt);
-  const EitherStop stop(call.token, aCancel);
+  const krbase::EitherStop stop(call.token, aCancel);
   const krserial::WriteTurns::Turn turn(mBody->turns, stop.GetToken());
   if (!turn.IsMine() || stop.GetToken().stop_requested())
     return RefuseCancelled(kAttempt);

@@ -1,47 +1,11 @@
 #pragma once
 // What ends the accesses of an operation before their time.
 
-#include <optional>
 #include <stop_token>
 
 namespace krgenicam {
 
 /// What ends the accesses of the thread that calls it (KrGenAccessStop).
 std::stop_token& GetThreadsStop();
-
-/// One stop of two, for as long as it lives; most operations have one alone.
-class EitherStop {
-public:
-  EitherStop(const std::stop_token& aOne, const std::stop_token& aOther) : mToken(aOne) {
-    if (aOther.stop_possible())
-      mToken = mBoth.emplace(aOne, aOther).GetToken();
-  }
-  EitherStop(const EitherStop&) = delete;
-  EitherStop& operator=(const EitherStop&) = delete;
-
-  const std::stop_token& GetToken() const { return mToken; }
-
-private:
-  class Both {
-  public:
-    Both(const std::stop_token& aOne, const std::stop_token& aOther)
-        : mOfOne(aOne, Request{mStop}), mOfOther(aOther, Request{mStop}) {}
-    std::stop_token GetToken() const { return mStop.get_token(); }
-
-  private:
-    struct Request {
-      void operator()() const { stop.request_stop(); }
-      // Shares the state, as the array's other threads may stop it.
-      mutable std::stop_source stop;
-    };
-
-    const std::stop_source mStop;
-    const std::stop_callback<Request> mOfOne;
-    const std::stop_callback<Request> mOfOther;
-  };
-
-  std::stop_token mToken;
-  std::optional<Both> mBoth;
-};
 
 } // namespace krgenicam

@@ -3,6 +3,7 @@
 // left to them, what users see of them to the public classes.
 
 #include "description/description.h"
+#include "krbase/eitherstop.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "map/accessquestion.h"
 #include "map/accessstop.h"
@@ -71,7 +72,7 @@ public:
     const std::lock_guard lock(mLock);
     if (mIsClosed)
       return GetClosing();
-    const EitherStop stop(aCancel, GetThreadsStop());
+    const krbase::EitherStop stop(aCancel, GetThreadsStop());
     mRunningCancel = stop.GetToken();
     WelcomeSinks();
     Evaluation evaluation(*this);

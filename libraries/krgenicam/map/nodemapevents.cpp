@@ -17,7 +17,7 @@ namespace krgenicam {
 
 KrResult NodeMap::Poll(const std::stop_token& aStop) {
   const std::uint64_t now = GetTimeMs();
-  const EitherStop stop(GetCancelToken(), aStop);
+  const krbase::EitherStop stop(GetCancelToken(), aStop);
   const std::stop_token cancel = stop.GetToken();
   KrResult first;
   // Others get their turn between two nodes.

@@ -1,11 +1,10 @@
 #include "map/persistenceframe.h"
 
+#include "krbase/rest.h"
 #include "map/selectorpath.h"
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <string>
 #include <utility>
 
@@ -23,14 +22,6 @@ constexpr CommandPair kPairs[] = {{"DeviceFeaturePersistenceStart", "DeviceFeatu
 // Most devices are done at once; those that are not are asked ever more seldom.
 constexpr std::chrono::milliseconds kFirstPause{1};
 constexpr std::chrono::milliseconds kLongestPause{50};
-
-// Waits for a while, less when it is cancelled.
-void Pause(std::chrono::steady_clock::duration aDuration, const std::stop_token& aCancel) {
-  std::mutex mutex; // Guards nothing: all there is to wait for is the token.
-  std::condition_variable_any cancelled;
-  std::unique_lock lock(mutex);
-  cancelled.wait_for(lock, aCancel, aDuration, [] { return false; });
-}
 
 } // namespace
 
@@ -70,7 +61,7 @@ KrResult PersistenceFrame::AwaitDone(KrGenCommand& aCommand) {
     const auto left = deadline - std::chrono::steady_clock::now();
     if (left <= left.zero())
       return {KrResult::Code::TimeLimitExceeded, "it is still under way after " + std::to_string(kLimitMs) + " ms."};
-    Pause(std::min<std::chrono::steady_clock::duration>(left, pause), mCancel);
+    (void)krbase::Rest(std::min<std::chrono::steady_clock::duration>(left, pause), mCancel);
   }
 }
 

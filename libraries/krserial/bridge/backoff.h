@@ -1,9 +1,10 @@
 #pragma once
 // How long to wait before the next try at what keeps failing: longer and longer, up to a limit.
 
+#include "krbase/rest.h"
+
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <mutex>
 #include <stop_token>
 
@@ -19,10 +20,13 @@ public:
 
   /// Waits, unless aStop is stopped, and makes the next wait twice as long.
   void Wait(const std::stop_token& aStop) {
-    std::unique_lock lock(mMutex);
-    const Duration pause = mPause;
-    mPause = std::min(2 * mPause, kLongest);
-    mNever.wait_for(lock, aStop, pause, [] { return false; });
+    Duration pause;
+    {
+      const std::lock_guard lock(mMutex);
+      pause = mPause;
+      mPause = std::min(2 * mPause, kLongest);
+    }
+    (void)krbase::Rest(pause, aStop);
   }
   /// It has worked.
   void Reset() {
@@ -32,7 +36,6 @@ public:
 
 private:
   std::mutex mMutex; // Guards the pause.
-  std::condition_variable_any mNever;
   Duration mPause = kShortest;
 };
 

@@ -2,13 +2,13 @@
 
 #include "bridge/portlink.h"
 #include "krbase/krlogger.h"
+#include "krbase/rest.h"
 #include "krserial/krhostserialports.h"
 
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
-#include <condition_variable>
 #include <utility>
 
 namespace krserial {
@@ -127,9 +127,6 @@ KrResult TtyEnd::Write(const std::uint8_t* aBytes, std::size_t aSize, std::size_
 }
 
 KrResult TtyEnd::Recover(const std::stop_token& aStop, const TellHindrance& aTell) {
-  std::mutex mutex;
-  std::unique_lock lock(mutex);
-  std::condition_variable_any never; // Nobody wakes it but the stop.
   KrString said;
   while (!aStop.stop_requested()) {
     const KrResult taken = TakeAgain();
@@ -140,7 +137,7 @@ KrResult TtyEnd::Recover(const std::stop_token& aStop, const TellHindrance& aTel
       aTell(taken);
     }
     said = taken.GetDescription();
-    never.wait_for(lock, aStop, std::chrono::milliseconds(kLookMs), [] { return false; });
+    (void)krbase::Rest(std::chrono::milliseconds(kLookMs), aStop);
   }
   return KrResult::Code::Aborted;
 }
