@@ -8,12 +8,10 @@
 #include <thread>
 #include <utility>
 
-#include <sys/eventfd.h>
-
 namespace krserial {
 
 struct CameraLinkEnd::Body {
-  Body(std::unique_ptr<KrCLPublication> aPublication, krbase::FileDescriptor aWake, bool aHasPort)
+  Body(std::unique_ptr<KrCLPublication> aPublication, krbase::WakeEvent aWake, bool aHasPort)
       : server(std::move(aPublication), std::move(aWake), aHasPort),
         thread([this](const std::stop_token& aStop) { server.Serve(aStop); }) {}
 
@@ -26,7 +24,7 @@ CameraLinkEnd::CameraLinkEnd(std::unique_ptr<Body> aBody) : mBody(std::move(aBod
 CameraLinkEnd::~CameraLinkEnd() = default;
 
 KrResult CameraLinkEnd::Open(const KrString& aName, bool aHasPort, std::unique_ptr<CameraLinkEnd>& aEnd) {
-  krbase::FileDescriptor wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+  krbase::WakeEvent wake;
   if (!wake.IsOpen())
     return {KrResult::Code::SystemError,
             "Publishing a Camera Link port failed: " + std::generic_category().message(errno) + "."};

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -27,7 +26,7 @@ bool Has(const std::vector<std::uint32_t>& aBaudRates, std::uint32_t aBaudRate) 
 
 } // namespace
 
-CameraServer::CameraServer(std::unique_ptr<KrCLPublication> aPublication, krbase::FileDescriptor aWake, bool aHasPort)
+CameraServer::CameraServer(std::unique_ptr<KrCLPublication> aPublication, krbase::WakeEvent aWake, bool aHasPort)
     : mPublication(std::move(aPublication)), mWake(std::move(aWake)), mHasPort(aHasPort) {}
 
 void CameraServer::Serve(const std::stop_token& aStop) {
@@ -44,22 +43,19 @@ void CameraServer::Serve(const std::stop_token& aStop) {
 }
 
 void CameraServer::Wake() const {
-  // It fails only where the event is set already, as often as it can be.
-  ::eventfd_write(mWake.Get(), 1);
+  mWake.Signal();
 }
 
 bool CameraServer::Wait() {
   std::array<pollfd, 3> waited = {{
-      {.fd = mWake.Get(), .events = POLLIN, .revents = 0},
+      {.fd = mWake.GetDescriptor(), .events = POLLIN, .revents = 0},
       {.fd = AcceptsPrograms() ? mPublication->GetSocket() : -1, .events = POLLIN, .revents = 0},
       {.fd = mSession ? mSession->GetSocket() : -1, .events = GetSessionEvents(), .revents = 0},
   }};
   if (::poll(waited.data(), waited.size(), GetWaitMs()) < 0)
     return errno == EINTR;
-  if (waited[0].revents != 0) {
-    eventfd_t ignored = 0; // How often it was set does not matter.
-    ::eventfd_read(mWake.Get(), &ignored);
-  }
+  if (waited[0].revents != 0)
+    mWake.Clear();
   if ((waited[2].revents & kGone) != 0 || ((waited[2].revents & POLLIN) != 0 && !ReceiveFrom(Amount::WhileThereIsRoom)))
     EndSession();
   if (waited[1].revents != 0)

@@ -5,6 +5,7 @@
 #include "bridge/camerasession.h"
 #include "bridge/ihostend.h"
 #include "krbase/krclsockets.h"
+#include "krbase/wakeevent.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -21,7 +22,7 @@ namespace krserial {
 /// Thread: Serve on one; Take, Give and the rest on any.
 class CameraServer {
 public:
-  CameraServer(std::unique_ptr<KrCLPublication> aPublication, krbase::FileDescriptor aWake, bool aHasPort);
+  CameraServer(std::unique_ptr<KrCLPublication> aPublication, krbase::WakeEvent aWake, bool aHasPort);
 
   const KrString& GetName() const { return mPublication->GetName(); }
 
@@ -73,7 +74,7 @@ private:
   std::uint32_t GetSpeedBits();
 
   const std::unique_ptr<KrCLPublication> mPublication;
-  const krbase::FileDescriptor mWake; ///< An event that ends a wait.
+  const krbase::WakeEvent mWake; ///< An event that ends a wait.
   const bool mHasPort;
 
   std::unique_ptr<CameraSession> mSession; ///< Serve's alone, as what follows.
