@@ -104,13 +104,20 @@ FakeCamera::~FakeCamera() {
   Kill();
 }
 
-void FakeCamera::SetFramePeriod(std::uint32_t aMicroseconds) const {
+void FakeCamera::SetUp(std::uint32_t aRegister, std::uint32_t aValue) const {
   constexpr std::uint32_t kControl = 0x0A00;
-  constexpr std::uint32_t kFramePeriod = 0x0138;
   const Conversation conversation(mAddress);
   EXPECT_TRUE(conversation.WriteRegister(kControl, 2));
-  EXPECT_TRUE(conversation.WriteRegister(kFramePeriod, aMicroseconds));
+  EXPECT_TRUE(conversation.WriteRegister(aRegister, aValue));
   EXPECT_TRUE(conversation.WriteRegister(kControl, 0));
+}
+
+void FakeCamera::SetFramePeriod(std::uint32_t aMicroseconds) const {
+  SetUp(0x0138, aMicroseconds);
+}
+
+void FakeCamera::SetFrameHeight(std::uint32_t aLines) const {
+  SetUp(0x0104, aLines);
 }
 
 void FakeCamera::TakeControlAndVanish() const {

@@ -33,6 +33,8 @@ public:
   bool IsAnswering() const { return mIsAnswering; }
   /// Makes it send a frame so often, in microseconds; before anybody controls it. One that does not fails the test.
   void SetFramePeriod(std::uint32_t aMicroseconds) const;
+  /// Makes its frames smaller than they are, 512 lines of 512 bytes; before anybody controls it.
+  void SetFrameHeight(std::uint32_t aLines) const;
   /// Has control taken by an application that is cut off then, once nobody else has it: control lasts until the camera
   /// notices that. It has to be reached from where this is called.
   void TakeControlAndVanish() const;
@@ -43,6 +45,8 @@ public:
   void Resume();
 
 private:
+  void SetUp(std::uint32_t aRegister, std::uint32_t aValue) const;
+
   const std::string mAddress;
   pid_t mProcess = -1;
   bool mIsAnswering = false;

@@ -6,6 +6,8 @@
 
 namespace {
 
+using krtest::MoveHands;
+
 const QString kCamera = "Simulated .* Camera";
 
 class BrowserExample : public ExampleOnScreen {

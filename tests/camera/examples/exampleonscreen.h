@@ -2,6 +2,8 @@
 // An example run as a user runs it, on the simulated cameras: started, seen on the screen, used by mouse and keyboard,
 // and closed. What one of them shows is left to its tests.
 
+#include "serverhands.h"
+
 #include <QDir>
 #include <QGuiApplication>
 #include <QImage>
@@ -19,20 +21,6 @@ protected:
   static constexpr int kLimitMs = 60000;
   static constexpr int kTryMs = 500;
 
-  /// A user's hands; what they find is what xdotool prints.
-  static QString MoveHands(const QStringList& aMovement) {
-    QProcess hands;
-    hands.start("xdotool", aMovement);
-    EXPECT_TRUE(hands.waitForFinished(kLimitMs) && hands.exitCode() == 0)
-        << aMovement.join(' ').toStdString() << ": " << hands.readAllStandardError().toStdString();
-    return QString::fromUtf8(hands.readAllStandardOutput()).trimmed();
-  }
-  /// Waits for a window whose title matches, and makes it the active one.
-  static QString ActivateWindow(const QString& aTitle) {
-    MoveHands({"search", "--sync", "--onlyvisible", "--name", aTitle, "windowactivate", "--sync"});
-    return MoveHands({"getactivewindow"});
-  }
-
   void Start(const QString& aPath, const QStringList& aArguments = {}) {
     mProcess.start(aPath, QStringList{"--simulate"} + aArguments);
     ASSERT_TRUE(mProcess.waitForStarted(kLimitMs));
@@ -40,7 +28,7 @@ protected:
   /// Starts it and waits for its window.
   void StartWindow(const QString& aPath, const QString& aTitle, const QStringList& aArguments = {}) {
     ASSERT_NO_FATAL_FAILURE(Start(aPath, aArguments));
-    mWindow = ActivateWindow(aTitle);
+    mWindow = krtest::ActivateWindow(aTitle);
   }
   void TearDown() override {
     if (mProcess.state() == QProcess::NotRunning)
@@ -50,7 +38,7 @@ protected:
   }
   /// Closes the window as its user does.
   void ExpectEnd() {
-    MoveHands({"key", "alt+F4"});
+    krtest::MoveHands({"key", "alt+F4"});
     ASSERT_TRUE(mProcess.waitForFinished(kLimitMs));
     EXPECT_EQ(mProcess.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(mProcess.exitCode(), 0) << mProcess.readAllStandardError().toStdString();
@@ -59,7 +47,7 @@ protected:
   /// Where the window is on the screen.
   QRect GetWindowRect() const {
     QMap<QString, int> values;
-    for (const QString& line : MoveHands({"getwindowgeometry", "--shell", mWindow}).split('\n'))
+    for (const QString& line : krtest::MoveHands({"getwindowgeometry", "--shell", mWindow}).split('\n'))
       values[line.section('=', 0, 0)] = line.section('=', 1).toInt();
     return {values["X"], values["Y"], values["WIDTH"], values["HEIGHT"]};
   }

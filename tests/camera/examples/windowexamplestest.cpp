@@ -10,6 +10,10 @@
 
 namespace {
 
+using krtest::ActivateWindow;
+using krtest::FindWindows;
+using krtest::MoveHands;
+
 const QString kFinder = "Pick a camera";
 const QString kMonoCamera = "Simulated Mono Camera";
 
@@ -22,11 +26,8 @@ protected:
     EXPECT_TRUE(match.hasMatch()) << output.toStdString();
     return match.captured(1).toInt();
   }
-  /// The windows with a title that matches; empty where there is none, which is no failure.
-  static QString FindWindows(const QString& aTitle) { return TryHands({"search", "--onlyvisible", "--name", aTitle}); }
-  /// Starts the example and types into its finder until it has the camera: the tree has its items as soon as they
-  /// answer, and forgets between two tries what was typed. Whoever typed at the one that somebody else controls, which
-  /// answered first, starts again. The keys are sent to the finder alone, so that none reaches what comes after it.
+  /// Starts the example and types into its finder until it has the camera; between two tries the finder forgets what
+  /// was typed. Whoever typed at the one that somebody else controls, which answered first, starts again.
   void PickCamera(const QString& aPath, const std::function<bool()>& aIsPicked) {
     QString finder;
     const auto pick = [&] {
@@ -34,23 +35,11 @@ protected:
         Start(aPath);
         finder = ActivateWindow(kFinder);
       }
-      if (!FindWindows(kFinder).isEmpty()) {
-        TryHands({"key", "--window", finder, "Home"});
-        TryHands({"type", "--window", finder, "Simulated Mono"});
-        TryHands({"key", "--window", finder, "Return"});
-      }
+      if (!FindWindows(kFinder).isEmpty())
+        krtest::TypeIntoFinder(finder, "Simulated Mono");
       return QTest::qWaitFor(aIsPicked, kTryMs);
     };
     EXPECT_TRUE(QTest::qWaitFor(pick, kLimitMs)) << mProcess.readAllStandardError().toStdString();
-  }
-
-private:
-  // Hands that may come too late.
-  static QString TryHands(const QStringList& aMovement) {
-    QProcess hands;
-    hands.start("xdotool", aMovement);
-    EXPECT_TRUE(hands.waitForFinished(kLimitMs)) << aMovement.join(' ').toStdString();
-    return QString::fromUtf8(hands.readAllStandardOutput()).trimmed();
   }
 };
 
