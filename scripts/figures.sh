@@ -23,7 +23,8 @@ function beside(kind,  name) {
   return field[kind "_value"] " " field["unit"] ", " name
 }
 function begin(name) {
-  printf "%s`%s`:\n\n", (tables++ ? "\n" : ""), name
+  if (tables++) print ""
+  if (name != "") printf "`%s`:\n\n", name # Lines of a benchmark that was run without bench.sh have none.
   print "| figure | ours | peer | of the peer | limit | of the limit |"
   print "|---|---|---|---|---|---|"
 }

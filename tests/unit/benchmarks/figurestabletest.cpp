@@ -54,6 +54,12 @@ TEST(FigureTables, WhatIsNotThere_IsAnEmptyField) {
   EXPECT_THAT(outcome.output, testing::EndsWith("| register_growth | 1.1 times |  |  |  |  |\n"));
 }
 
+TEST(FigureTables, LinesOfNoNamedBenchmark_AreATableWithoutAName) {
+  const Outcome outcome = MakeTables(FormatLine({"a", 1, "ms"}) + "\n");
+
+  EXPECT_EQ(outcome.output, std::string(kHeader) + "| a | 1 ms |  |  |  |  |\n");
+}
+
 TEST(FigureTables, EachBenchmark_HasATable) {
   const std::string line = FormatLine({"a", 1, "ms"}) + "\n";
 
