@@ -1,5 +1,6 @@
 #include "logic/browser/settingsobstacle.h"
 
+#include "krbase/trim.h"
 #include "krgenicam/krgenenum.h"
 #include "krgenicam/krgenfloat.h"
 #include "krgenicam/krgeninteger.h"
@@ -18,12 +19,6 @@ namespace krgui {
 namespace {
 
 using Kind = ComparedSetting::Kind;
-
-std::string_view Trim(std::string_view aText) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t first = aText.find_first_not_of(kBlanks);
-  return first == aText.npos ? std::string_view() : aText.substr(first, aText.find_last_not_of(kBlanks) + 1 - first);
-}
 
 // The device's own limits, which other settings of the file may move.
 template <typename Value, typename Feature>
@@ -60,7 +55,7 @@ std::string FindFloatObstacle(KrGenFloat& aFloat, std::string_view aText, bool a
 std::string FindEntryObstacle(KrGenEnum& aEnum, const KrString& aText) {
   KrGenEnumEntry* entry = nullptr;
   const bool isName = aEnum.GetEntryByName(aText, entry).IsOK();
-  const std::optional<std::int64_t> number = ReadSettingInteger(Trim(aText.ToUtf8()));
+  const std::optional<std::int64_t> number = ReadSettingInteger(krbase::Trim(aText.ToUtf8()));
   if (!isName && !number)
     return "There is no entry of this name.";
   if (!isName && !aEnum.GetEntryByValue(*number, entry).IsOK())
@@ -129,7 +124,7 @@ private:
 } // namespace
 
 std::string FindObstacle(KrGenParameter& aParameter, const KrString& aValue, bool aIsSelected) {
-  const std::string_view text = Trim(aValue.ToUtf8());
+  const std::string_view text = krbase::Trim(aValue.ToUtf8());
   if (auto* const integer = dynamic_cast<KrGenInteger*>(&aParameter))
     return FindIntegerObstacle(*integer, text, aIsSelected);
   if (auto* const number = dynamic_cast<KrGenFloat*>(&aParameter))

@@ -1,5 +1,7 @@
 #include "logic/frame/messagequeue.h"
 
+#include "krbase/wakeevent.h"
+
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
@@ -11,43 +13,9 @@
 #include <unordered_map>
 #include <utility>
 
-#include <sys/eventfd.h>
-#include <unistd.h>
-
 namespace krgui {
 
 namespace {
-
-/// The descriptor that is readable while messages wait. Without one, if the system gives none, nobody is woken but
-/// messages can still be taken.
-class WakeEvent {
-public:
-  WakeEvent() : mDescriptor(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
-  ~WakeEvent() {
-    if (mDescriptor >= 0) {
-      ::close(mDescriptor);
-    }
-  }
-  WakeEvent(const WakeEvent&) = delete;
-  WakeEvent& operator=(const WakeEvent&) = delete;
-
-  int GetDescriptor() const { return mDescriptor; }
-
-  void SetReadable(bool aReadable) {
-    if (mDescriptor < 0 || aReadable == mReadable) {
-      return;
-    }
-    eventfd_t count = 0;
-    const int result = aReadable ? ::eventfd_write(mDescriptor, 1) : ::eventfd_read(mDescriptor, &count);
-    if (result == 0) {
-      mReadable = aReadable;
-    }
-  }
-
-private:
-  const int mDescriptor;
-  bool mReadable = false;
-};
 
 struct MessageHash {
   std::size_t operator()(const Message& aMessage) const {
@@ -146,12 +114,27 @@ struct MessageQueue::State {
   PendingSends waitingSends;
   PendingSends runningSends;
   PostedMessages posts;
-  WakeEvent wake;
+  /// Readable while messages wait. Without a descriptor, if the system gives none, nobody is woken but messages can
+  /// still be taken.
+  krbase::WakeEvent wake;
+  bool isSignalled = false;
 
   bool IsEmpty() const { return waitingSends.empty() && posts.IsEmpty(); }
-  void UpdateWake() { wake.SetReadable(!IsEmpty()); }
+  void UpdateWake();
   void DropAll();
 };
+
+void MessageQueue::State::UpdateWake() {
+  if (isSignalled == !IsEmpty()) {
+    return;
+  }
+  isSignalled = !isSignalled;
+  if (isSignalled) {
+    wake.Signal();
+  } else {
+    wake.Clear();
+  }
+}
 
 void MessageQueue::State::DropAll() {
   posts.Clear();
