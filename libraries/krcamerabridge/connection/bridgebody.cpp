@@ -7,18 +7,14 @@
 #include "krpersistence/krconfigurationwriter.h"
 #include "line/devicelinespeed.h"
 #include "saved/savedbridge.h"
+#include "sync/unanswered.h"
 
-#include <algorithm>
-#include <array>
 #include <filesystem>
 #include <system_error>
 
 namespace krcamerabridge {
 
 namespace {
-
-constexpr std::array kUnreachable = {KrResult::Code::Aborted, KrResult::Code::ConnectionLost,
-                                     KrResult::Code::TimeLimitExceeded};
 
 /// Ends what the parameters wait for when a call is ended.
 class ParameterCall {
@@ -199,7 +195,7 @@ KrResult BridgeBody::Save(const KrString& aName, KrConfigurationWriter& aWriter)
   KrGenParameterArray& parameters = mConnection->GetParameters();
   const ParameterCall call(parameters, stop);
   const KrResult stored = parameters.StoreSettings(saved.settings, problems, call.GetProgress());
-  if (std::ranges::find(kUnreachable, stored.GetCode()) != kUnreachable.end())
+  if (IsUnanswered(stored))
     return {stored.GetCode(), attempt + ": " + stored.GetDescription()};
   if (stop.stop_requested())
     return {KrResult::Code::Aborted, attempt + " was cancelled."};

@@ -2,9 +2,8 @@
 
 #include "connection/grabberfeatures.h"
 #include "krgenicam/krgenaccessstop.h"
+#include "sync/unanswered.h"
 
-#include <algorithm>
-#include <array>
 #include <stop_token>
 #include <string>
 
@@ -15,9 +14,6 @@ namespace {
 KrString Describe(const KrResult& aResult) {
   return aResult.GetDescription().IsEmpty() ? aResult.GetCodeString() : aResult.GetDescription();
 }
-
-constexpr std::array kUnreachable = {KrResult::Code::Aborted, KrResult::Code::ConnectionLost,
-                                     KrResult::Code::TimeLimitExceeded};
 
 /// The source's features, with a sentence for everything that goes wrong.
 class Carrier {
@@ -94,7 +90,7 @@ private:
 
   // Everybody else waits for this: a device that does not answer is not asked again.
   KrResult Note(KrResult aResult) {
-    if (std::ranges::find(kUnreachable, aResult.GetCode()) != kUnreachable.end())
+    if (IsUnanswered(aResult))
       mLoss = aResult;
     return aResult;
   }
