@@ -1,5 +1,7 @@
 #include "camerafile/templatereader.h"
 
+#include "camerafile/filemap.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -42,14 +44,6 @@ std::optional<char> ReadPair(std::string_view aText) {
   unsigned number = 0;
   std::from_chars(aText.data(), aText.data() + 2, number, 16);
   return static_cast<char>(number);
-}
-
-std::string Quote(std::string_view aText) {
-  std::string quoted(aText.substr(0, 64));
-  std::ranges::replace_if(
-      quoted, [](char aCharacter) { return static_cast<unsigned char>(aCharacter) < ' ' || aCharacter == '\x7F'; },
-      '?');
-  return "\"" + quoted + "\"";
 }
 
 } // namespace
@@ -111,7 +105,8 @@ void TemplateReader::TakeCharacter() {
   std::size_t size = 1;
   while (size < mRest.size() && (static_cast<unsigned char>(mRest[size]) & 0xC0) == 0x80)
     ++size;
-  Report("the character " + Quote(mRest.substr(0, size)) + " is no byte; write the camera's bytes for it as \\xHH");
+  Report("the character " + FileMap::Quote(mRest.substr(0, size)) +
+         " is no byte; write the camera's bytes for it as \\xHH");
   mRest.remove_prefix(size);
 }
 
@@ -136,7 +131,7 @@ void TemplateReader::TakeEscape() {
 void TemplateReader::TakePlaceholder() {
   const std::size_t end = mRest.find('}');
   if (end == std::string_view::npos) {
-    Report("the placeholder " + Quote(mRest) + " has no \"}\"; a brace itself is written twice");
+    Report("the placeholder " + FileMap::Quote(mRest) + " has no \"}\"; a brace itself is written twice");
     mRest = {};
     return;
   }
@@ -151,7 +146,7 @@ void TemplateReader::TakeQuoted() {
   while (!mRest.empty() && mRest.front() != quote)
     TakeCharacter();
   if (mRest.empty())
-    Report("the text " + Quote(all) + " has no quote at its end");
+    Report("the text " + FileMap::Quote(all) + " has no quote at its end");
   else
     mRest.remove_prefix(1);
 }
@@ -163,7 +158,7 @@ void TemplateReader::TakeBytePair() {
     return;
   }
   const std::size_t end = std::min(mRest.find_first_of(" \t\r\n{\"'", 1), mRest.size());
-  Report(Quote(mRest.substr(0, end)) + " is no pair of hexadecimal digits; texts stand between quotes");
+  Report(FileMap::Quote(mRest.substr(0, end)) + " is no pair of hexadecimal digits; texts stand between quotes");
   mRest.remove_prefix(end);
 }
 

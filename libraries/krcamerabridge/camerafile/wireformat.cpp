@@ -1,5 +1,7 @@
 #include "camerafile/wireformat.h"
 
+#include "krbase/trim.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -40,13 +42,7 @@ constexpr SizedRow kSizedWords[] = {
     {"raw", WireKind::Raw, kMostFormatSize}, {"d", WireKind::Decimal, 18}, {"f", WireKind::Real, 15},
 };
 
-std::string_view Trim(std::string_view aText) {
-  constexpr std::string_view kBlanks = " \t";
-  const std::size_t begin = aText.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos)
-    return {};
-  return aText.substr(begin, aText.find_last_not_of(kBlanks) - begin + 1);
-}
+constexpr std::string_view kBlanks = " \t";
 
 // The whole number nearest to a value; nothing for a text, or where 64 bits do not hold it.
 std::optional<std::int64_t> ToWhole(const WireValue& aValue) {
@@ -139,7 +135,7 @@ std::optional<std::string> WriteText(const WireFormat& aFormat, const WireValue&
 }
 
 std::optional<WireValue> ReadDigits(std::string_view aText, int aBase) {
-  std::string_view digits = Trim(aText);
+  std::string_view digits = krbase::Trim(aText, kBlanks);
   if (aBase == 16 && (digits.starts_with("0x") || digits.starts_with("0X")))
     digits.remove_prefix(2);
   else if (aBase == 10 && digits.starts_with('+') && !digits.starts_with("+-"))
@@ -154,7 +150,7 @@ std::optional<WireValue> ReadDigits(std::string_view aText, int aBase) {
 }
 
 std::optional<WireValue> ReadReal(std::string_view aText) {
-  std::string_view digits = Trim(aText);
+  std::string_view digits = krbase::Trim(aText, kBlanks);
   if (digits.starts_with('+') && !digits.starts_with("+-"))
     digits.remove_prefix(1);
   double number = 0;
@@ -252,7 +248,7 @@ std::optional<WireValue> DecodeWire(const WireFormat& aFormat, std::string_view 
     // Cameras fill texts of a fixed size up with blanks or zeros.
     const std::size_t zero = aFormat.size > 0 ? aBytes.find('\0') : std::string_view::npos;
     const std::string_view text = aBytes.substr(0, zero);
-    return std::string(aFormat.kind == WireKind::Raw ? text : Trim(text));
+    return std::string(aFormat.kind == WireKind::Raw ? text : krbase::Trim(text, kBlanks));
   }
   default:
     return ReadBinary(aFormat, aBytes);

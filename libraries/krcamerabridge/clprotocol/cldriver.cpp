@@ -4,7 +4,7 @@
 #include "clprotocol/clidentifiers.h"
 #include "clprotocol/clprotocolapi.h"
 #include "krbase/krlogger.h"
-#include "line/rest.h"
+#include "krbase/rest.h"
 
 #include <algorithm>
 #include <chrono>
@@ -168,7 +168,7 @@ KrResult CLDriver::ContinueWrite(std::uint32_t aCookie, Said& aSaid, const std::
   KrResult result;
   auto asked = Clock::now();
   do {
-    (void)Rest(asked + kPeriod - Clock::now(), aStop);
+    (void)krbase::Rest(asked + kPeriod - Clock::now(), aStop);
     asked = Clock::now();
     if (aStop.stop_requested())
       return CancelWrite(aCookie, KrResult::Code::Aborted);

@@ -7,7 +7,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -89,7 +88,7 @@ private:
 } // namespace
 
 HostProcess::HostProcess(const std::string& aName, FileDescriptor aSocket, FileDescriptor aPrinted,
-                         FileDescriptor aStop)
+                         krbase::WakeEvent aStop)
     : mName(aName), mSocket(std::move(aSocket)), mPrinted(std::move(aPrinted)), mStop(std::move(aStop)) {}
 
 HostProcess::~HostProcess() {
@@ -108,7 +107,7 @@ KrResult HostProcess::Start(const std::string& aName, std::unique_ptr<HostProces
     return TellSystem(attempt, errno);
   FileDescriptor printed = MoveUp(pipes[0]);
   const FileDescriptor printing = MoveUp(pipes[1]);
-  FileDescriptor stop(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
+  krbase::WakeEvent stop;
   if (!own.IsOpen() || !childs.IsOpen() || !printed.IsOpen() || !printing.IsOpen() || !stop.IsOpen() ||
       fcntl(own.Get(), F_SETFL, O_NONBLOCK) != 0 || fcntl(printed.Get(), F_SETFL, O_NONBLOCK) != 0)
     return TellSystem(attempt, errno);
@@ -171,13 +170,11 @@ HostProcess::Event HostProcess::Receive(WireFrame& aFrame, Clock::time_point aUn
 
 // Waits for the socket, and takes what is printed meanwhile, so that the driver does not wait for that.
 HostProcess::Event HostProcess::Await(short aEvents, Clock::time_point aUntil, const std::stop_token& aStop) {
-  eventfd_t count = 0;
-  // What an earlier stop has left behind; it fails only when nothing was.
-  static_cast<void>(eventfd_read(mStop.Get(), &count));
-  const std::stop_callback signal(aStop, [this] { static_cast<void>(eventfd_write(mStop.Get(), 1)); });
+  mStop.Clear(); // What an earlier stop has left behind.
+  const std::stop_callback signal(aStop, [this] { mStop.Signal(); });
   for (;;) {
     std::array<pollfd, 3> ready = {pollfd{.fd = mSocket.Get(), .events = aEvents, .revents = 0},
-                                   pollfd{.fd = mStop.Get(), .events = POLLIN, .revents = 0},
+                                   pollfd{.fd = mStop.GetDescriptor(), .events = POLLIN, .revents = 0},
                                    pollfd{.fd = mPrinted.Get(), .events = POLLIN, .revents = 0}};
     const int rest = GetRest(aUntil);
     static_cast<void>(poll(ready.data(), ready.size(), rest));

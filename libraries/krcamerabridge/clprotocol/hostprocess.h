@@ -5,6 +5,7 @@
 #include "clprotocol/driverwire.h"
 #include "krbase/filedescriptor.h"
 #include "krbase/krresult.h"
+#include "krbase/wakeevent.h"
 
 #include <sys/types.h>
 
@@ -43,7 +44,7 @@ public:
 
 private:
   HostProcess(const std::string& aName, krbase::FileDescriptor aSocket, krbase::FileDescriptor aPrinted,
-              krbase::FileDescriptor aStop);
+              krbase::WakeEvent aStop);
 
   KrResult Spawn(int aSocket, int aPrinted);
   Event Await(short aEvents, Clock::time_point aUntil, const std::stop_token& aStop);
@@ -56,7 +57,7 @@ private:
   const std::string mName;
   krbase::FileDescriptor mSocket;
   krbase::FileDescriptor mPrinted; // What the driver prints.
-  krbase::FileDescriptor mStop;    // Made ready by a stop.
+  krbase::WakeEvent mStop;         // Signalled by a stop.
   krbase::FileDescriptor mProcess; // Made ready by the end of the process.
   WireReader mReader{WireSide::Driver};
   std::string mLine; // Printed, and not ended yet.

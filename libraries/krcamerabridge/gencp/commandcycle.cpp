@@ -1,7 +1,7 @@
 #include "gencp/commandcycle.h"
 
 #include "gencp/status.h"
-#include "line/rest.h"
+#include "krbase/rest.h"
 
 #include <algorithm>
 #include <array>
@@ -63,7 +63,7 @@ KrResult CommandCycle::Run(const Command& aCommand, Answer& aAnswer, const std::
     const bool isFault = IsTransferFault(aAnswer.status) && ++faults < aCommand.tries;
     if (!isBusy && !isFault)
       return {};
-    if (!Rest(milliseconds(mTimes.busyPauseMs), aStop))
+    if (!krbase::Rest(milliseconds(mTimes.busyPauseMs), aStop))
       return {KrResult::Code::Aborted, "The access to the camera was cancelled."};
     // What was refused is asked with a number of its own: the same would only be refused again. But a write of which an
     // answer was lost may have been done, and would be done twice.

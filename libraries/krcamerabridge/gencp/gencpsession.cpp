@@ -3,7 +3,7 @@
 #include "gencp/accesstime.h"
 #include "gencp/bootstrapmap.h"
 #include "gencp/sha1.h"
-#include "line/rest.h"
+#include "krbase/rest.h"
 
 #include <algorithm>
 #include <string>
@@ -88,7 +88,7 @@ KrResult GenCPSession::SetPrivilege(const std::stop_token& aStop) {
   KrResult result = set();
   bool isRefused = IsRefusal(result);
   if (isRefused && mHeartbeatMs > 0) {
-    if (!Rest(std::chrono::milliseconds(mHeartbeatMs + kMarginMs), aStop))
+    if (!krbase::Rest(std::chrono::milliseconds(mHeartbeatMs + kMarginMs), aStop))
       return TellCancelled();
     result = mRate.FindCamera(aStop);
     if (result.IsOK())

@@ -2,7 +2,7 @@
 
 #include "gencp/bootstrapmap.h"
 #include "gencp/status.h"
-#include "line/rest.h"
+#include "krbase/rest.h"
 
 #include <algorithm>
 #include <array>
@@ -144,7 +144,7 @@ KrResult LineRate::Settle(std::uint32_t aOld, std::uint32_t aNew, const std::sto
   constexpr int kTries = 2;
   if (KrResult result = SetLine(aOld); !result.IsOK())
     return result;
-  if (!Rest(std::chrono::milliseconds(kFallBackMs), aStop))
+  if (!krbase::Rest(std::chrono::milliseconds(kFallBackMs), aStop))
     return {KrResult::Code::Aborted, "Changing the camera's baud rate was cancelled."};
   const KrResult result = ProbeAt(aOld, kTries, aStop);
   return result.IsOK() || IsFinal(result) ? result : ProbeAt(aNew, kTries, aStop);

@@ -1,7 +1,7 @@
 #include "line/sessionport.h"
 
 #include "gencp/accesstime.h"
-#include "line/rest.h"
+#include "krbase/rest.h"
 #include "threadstate.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ public:
   SlowSession(std::uint64_t aLineMs, std::atomic<int>& aClosings) : mLineMs(aLineMs), mClosings(aClosings) {}
 
   KrResult Read(std::uint64_t, std::span<std::uint8_t> aData, const std::stop_token& aStop) override {
-    if (!Rest(std::chrono::milliseconds(aData.size() > 1 ? 100 : 60'000), aStop))
+    if (!krbase::Rest(std::chrono::milliseconds(aData.size() > 1 ? 100 : 60'000), aStop))
       return {KrResult::Code::Aborted, "Who asked has left."};
     std::ranges::fill(aData, std::uint8_t{7});
     return {};
