@@ -2,6 +2,7 @@
 
 #include "platform/backgroundtask.h"
 
+#include "await.h"
 #include "krbase/krlogger.h"
 #include "testwnd.h"
 
@@ -20,9 +21,7 @@ namespace {
 using WhenCancelled = BackgroundTask::WhenCancelled;
 
 void AwaitStop(const std::stop_token& aStop) {
-  while (!aStop.stop_requested()) {
-    std::this_thread::yield();
-  }
+  EXPECT_TRUE(krtest::Await([&] { return aStop.stop_requested(); }));
 }
 
 TEST(BackgroundTask, Work_IsDoneElsewhereAndContinuedHere) {

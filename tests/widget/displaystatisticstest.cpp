@@ -2,6 +2,8 @@
 
 #include "displayfixture.h"
 
+#include "await.h"
+
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -81,8 +83,7 @@ TEST_F(KrDisplayWndStatisticsTest, Counts_WhileCamerasGoAtFullRate_CallNoMoreFra
     const std::jthread cameras[] = {std::jthread(run), std::jthread(run), std::jthread(run)};
     // Each paint has new frames before it, which may come during it too.
     for (std::uint64_t received = 0; counter.paints < kPaints; received = mWindow.GetStatistics().received) {
-      while (mWindow.GetStatistics().received == received)
-        std::this_thread::yield();
+      EXPECT_TRUE(krtest::Await([&] { return mWindow.GetStatistics().received != received; }));
       GetView().repaint();
     }
   }

@@ -3,6 +3,8 @@
 
 #include "testwnd.h"
 
+#include "await.h"
+
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -264,9 +266,7 @@ TEST(WndEnding, WorkerThatSends_IsJoinedAtOnceOnClosing) {
   std::optional<std::int64_t> answer = 1;
   // Nobody takes the message: without an end to its send the worker could never be joined.
   std::thread worker([&, queue = window.GetQueue()] { answer = queue->Send(ticket, kMessage); });
-  while (window.GetQueue()->IsEmpty()) {
-    std::this_thread::yield();
-  }
+  EXPECT_TRUE(krtest::Await([&] { return !window.GetQueue()->IsEmpty(); }));
   window.onDestroy = [&] {
     window.GetQueue()->CancelSends(ticket);
     worker.join();

@@ -1,5 +1,6 @@
 // The display's content used by several threads at once: for the thread sanitizer, and for what no order may break.
 
+#include "await.h"
 #include "displayimages.h"
 #include "gatedmemory.h"
 
@@ -41,8 +42,7 @@ public:
   }
 
   void WaitForDrawings(int aCount) const {
-    while (mDrawings < aCount)
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return mDrawings >= aCount; }));
   }
 
 private:
@@ -186,14 +186,12 @@ TEST(DisplayThreads, CallThatWaitsForItsTurn_HasBegunBeforeTheWait) {
   display.target.onDraw = [&] {
     if (isDrawing.exchange(true))
       return;
-    while (!hasBegun)
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return hasBegun.load(); }));
     firstEnd = Clock::now();
   };
   std::jthread second([&] {
     const TellingImage image([&] { hasBegun = true; });
-    while (!isDrawing)
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return isDrawing.load(); }));
     display.Show(&image);
   });
 

@@ -2,6 +2,8 @@
 // Memory that holds up whoever reads it until a test lets it go on: so a conversion is surely under way while something
 // else is tried. One at a time.
 
+#include "await.h"
+
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -43,8 +45,7 @@ public:
     mprotect(mMapped, mBytes, PROT_NONE);
   }
   void AwaitReader() const {
-    while (!hasReader)
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return hasReader.load(); }));
   }
   void Open() {
     mprotect(mMapped, mBytes, PROT_READ | PROT_WRITE);

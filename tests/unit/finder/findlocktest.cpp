@@ -1,5 +1,7 @@
 #include "logic/finder/findlock.h"
 
+#include "await.h"
+
 #include <atomic>
 #include <gtest/gtest.h>
 #include <stop_token>
@@ -21,12 +23,10 @@ public:
   int GetFailedTryCount() const { return mFailedTryCount; }
   bool IsFinding() const { return mIsFinding; }
   void WaitForRoundBeyond(int aCount) const {
-    while (mRoundCount <= aCount)
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return mRoundCount > aCount; }));
   }
   void WaitForFailedTryBeyond(int aCount) const {
-    while (mFailedTryCount <= aCount)
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return mFailedTryCount > aCount; }));
   }
 
 private:
@@ -105,8 +105,7 @@ TEST(FindLock, TryWhileTheWindowWaits_Fails) {
     lock.LockByWindow([&] { isWaiting = true; });
     lock.UnlockByWindow();
   });
-  while (!isWaiting)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return isWaiting.load(); }));
 
   EXPECT_FALSE(lock.TryLock());
 

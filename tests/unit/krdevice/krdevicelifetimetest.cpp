@@ -1,5 +1,6 @@
 #include "krdevice/krdevicelifetime.h"
 
+#include "await.h"
 #include "fakelink.h"
 #include "krdevice/krdevicegev.h"
 
@@ -60,8 +61,7 @@ TEST_F(DeviceWithLifetime, Destruction_WaitsForUses) {
     device.reset();
     isDestroyed = true;
   });
-  while (!lifetime->IsOver())
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return lifetime->IsOver(); }));
 
   EXPECT_TRUE(link->IsConnected());
   EXPECT_FALSE(isDestroyed);

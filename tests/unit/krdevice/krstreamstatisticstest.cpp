@@ -1,5 +1,7 @@
 #include "streamfixture.h"
 
+#include "await.h"
+
 #include <atomic>
 #include <thread>
 
@@ -90,8 +92,7 @@ TEST_F(KrStreamStatisticsTest, GetStatistics_WhileFramesArriveAndAreShown_NeverD
   std::thread producer([&] {
     // Every second number is skipped.
     for (std::uint64_t id = 1; id <= 2000; id += 2)
-      while (!mSource.Push(id))
-        std::this_thread::yield();
+      EXPECT_TRUE(krtest::Await([&] { return mSource.Push(id); }));
     ended = true;
   });
 

@@ -1,5 +1,6 @@
 #include "krdevice/krstream.h"
 
+#include "await.h"
 #include "streamfixture.h"
 
 #include <atomic>
@@ -204,10 +205,8 @@ TEST_F(KrStreamTest, Retrieve_OnSeveralThreads_EachFrameComesOnceAndNoneCountsAs
   }
 
   for (std::uint64_t id = 1; id <= kFrames; ++id)
-    while (!mSource.Push(id))
-      std::this_thread::yield();
-  while (frames < kFrames)
-    std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return mSource.Push(id); }));
+  EXPECT_TRUE(krtest::Await([&] { return frames >= kFrames; }));
   stream.Stop();
 
   for (std::thread& consumer : consumers)

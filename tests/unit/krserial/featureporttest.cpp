@@ -1,5 +1,6 @@
 #include "krserial/krdeviceserialport.h"
 
+#include "await.h"
 #include "fakebytechannel.h"
 #include "featureportfixture.h"
 
@@ -251,8 +252,8 @@ TEST_F(FeaturePortTest, AFullFile_IsWaitedForAndCanBeCancelled) {
   ASSERT_TRUE(port.Open(device.adapter.get(), KrDeviceSerial::Serial0).IsOK());
   device.Port().With([](FeaturePort& aPort) { aPort.uarts[0].room = 4; });
   std::future<KrResult> writing = std::async(std::launch::async, [&] { return Write("six so"); });
-  while (!device.Port().With([](FeaturePort& aPort) { return aPort.uarts[0].sent == "six "; }))
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await(
+      [&] { return device.Port().With([](FeaturePort& aPort) { return aPort.uarts[0].sent == "six "; }); }));
 
   port.Cancel();
 
@@ -291,8 +292,8 @@ TEST_F(FeaturePortTest, RegistersOfAMaker_TakeNoMoreThanThereIsRoom) {
   ASSERT_TRUE(port.Open(device.adapter.get(), KrDeviceSerial::Serial0).IsOK());
   device.Port().With([](FeaturePort& aPort) { aPort.uarts[0].room = 3; });
   std::future<KrResult> writing = std::async(std::launch::async, [&] { return Write("abcdef"); });
-  while (!device.Port().With([](FeaturePort& aPort) { return aPort.uarts[0].sent == "abc"; }))
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await(
+      [&] { return device.Port().With([](FeaturePort& aPort) { return aPort.uarts[0].sent == "abc"; }); }));
 
   device.Port().With([](FeaturePort& aPort) { aPort.uarts[0].room = 100; });
 
@@ -313,8 +314,8 @@ TEST_F(FeaturePortTest, AFullLine_IsAskedAtItsPaceAlsoWhileReceivedBytesAreUnrea
   const auto begin = std::chrono::steady_clock::now();
 
   std::future<KrResult> writing = std::async(std::launch::async, [&] { return Write("x"); });
-  while (device.Port().With([](FeaturePort& aPort) { return aPort.asksForRoom; }) < before + 10)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await(
+      [&] { return device.Port().With([](FeaturePort& aPort) { return aPort.asksForRoom; }) >= before + 10; }));
   const auto duration = std::chrono::steady_clock::now() - begin;
   port.Cancel();
 
@@ -377,8 +378,7 @@ TEST_F(FeaturePortTest, TheDevicesEnd_EndsCallsWithConnectionLost) {
     isWaiting = true;
     return Read();
   });
-  while (!isWaiting)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return isWaiting.load(); }));
 
   device.Destroy();
 
@@ -401,8 +401,7 @@ TEST_F(FeaturePortTest, ReadWriteAndClose_OfThreeThreads_AllEnd) {
       for (KrResult result; result.IsOK(); ++calls)
         result = Write("some bytes, more than sixteen");
     });
-    while (calls < 10)
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return calls >= 10; }));
 
     EXPECT_TRUE(port.Close().IsOK());
 

@@ -1,5 +1,7 @@
 #include "writeturns.h"
 
+#include "await.h"
+
 #include <gtest/gtest.h>
 
 #include <future>
@@ -11,8 +13,7 @@ namespace krserial {
 namespace {
 
 void AwaitCount(const WriteTurns& aTurns, std::size_t aCount) {
-  while (aTurns.Count() != aCount)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return aTurns.Count() == aCount; }));
 }
 
 } // namespace

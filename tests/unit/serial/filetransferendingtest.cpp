@@ -1,5 +1,7 @@
 #include "filetransferfixture.h"
 
+#include "await.h"
+
 #include <atomic>
 #include <filesystem>
 #include <string>
@@ -28,8 +30,7 @@ TEST_F(FileTransferTest, WindowThatTakesNoEchoes_HoldsTheTransferUpAndKeepsMemor
   };
 
   std::jthread sender([&](const std::stop_token& aStop) { transfer.Run(mOrder, aStop); });
-  while (written < TransferMailbox::kChunkLimit)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return written >= TransferMailbox::kChunkLimit; }));
   const bool hadEnded = transfer.HasEnded();
   std::size_t echoes = 0;
   bool isOver = false;
@@ -56,8 +57,7 @@ TEST_F(FileTransferTest, StopWhileTheWindowTakesNoEchoes_Ends) {
   FileTransfer transfer = MakeTransfer();
 
   std::jthread sender([&](const std::stop_token& aStop) { transfer.Run(mOrder, aStop); });
-  while (written < TransferMailbox::kChunkLimit)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return written >= TransferMailbox::kChunkLimit; }));
   sender.request_stop();
   sender.join();
 

@@ -1,5 +1,6 @@
 #include "serial/sendqueue.h"
 
+#include "await.h"
 #include "scriptedline.h"
 
 #include <gmock/gmock.h>
@@ -39,8 +40,7 @@ protected:
     mLine.onWrite = [this](const std::string&, const std::stop_token& aStop) {
       mIsBlocked = true;
       mIsBlocked.notify_all();
-      while (!aStop.stop_requested())
-        std::this_thread::yield();
+      EXPECT_TRUE(krtest::Await([&] { return aStop.stop_requested(); }));
       return std::pair(KrResult(KrResult::Code::Aborted), std::size_t{0});
     };
   }

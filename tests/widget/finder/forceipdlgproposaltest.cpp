@@ -3,6 +3,8 @@
 
 #include "forceipdlgfixture.h"
 
+#include "await.h"
+
 namespace krgui {
 
 namespace {
@@ -22,9 +24,7 @@ auto UseUpTo(std::uint32_t aLastField) {
 
 /// Answers when it is cancelled.
 KrResult WaitForCancel(const std::vector<std::uint32_t>&, const std::stop_token& aCancel, std::vector<std::uint32_t>&) {
-  while (!aCancel.stop_requested()) {
-    std::this_thread::yield();
-  }
+  EXPECT_TRUE(krtest::Await([&] { return aCancel.stop_requested(); }));
   return KrResult::Code::Aborted;
 }
 
