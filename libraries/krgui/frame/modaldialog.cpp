@@ -1,5 +1,6 @@
 #include "frame/modaldialog.h"
 
+#include "platform/buttonids.h"
 #include "res/templates.h"
 
 #include <cstdint>
@@ -9,8 +10,6 @@ namespace krgui {
 
 namespace {
 
-constexpr int kOKID = 1;
-constexpr int kCancelID = 2;
 /// Such a dialog is as large as its font makes it.
 constexpr QSize kNoMaximum(std::numeric_limits<std::int16_t>::max(), std::numeric_limits<std::int16_t>::max());
 

@@ -1,5 +1,6 @@
 #include "frame/wndbody.h"
 
+#include "platform/buttonids.h"
 #include "res/templates.h"
 
 #include <QGuiApplication>
@@ -14,9 +15,6 @@
 namespace krgui {
 
 namespace {
-
-constexpr int kOKID = 1;
-constexpr int kCancelID = 2;
 
 WindowRect ToRect(const QPoint& aPosition, const QSize& aSize) {
   return MakeWindowRect(aPosition.x(), aPosition.y(), aSize.width(), aSize.height());

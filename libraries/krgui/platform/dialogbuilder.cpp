@@ -1,5 +1,6 @@
 #include "platform/dialogbuilder.h"
 
+#include "platform/buttonids.h"
 #include "platform/elidedcombobox.h"
 #include "platform/elidedlabel.h"
 #include "platform/ipaddresscontrol.h"
@@ -28,7 +29,6 @@ namespace krgui {
 
 namespace {
 
-constexpr int kOkID = 1;
 constexpr int kNobodysID = -1;
 
 QString ToText(const ControlTemplate& aControl) {
@@ -69,7 +69,7 @@ QWidget* MakeButton(const ControlTemplate& aControl, QWidget& aDialog) {
   auto* button = new QPushButton(ToText(aControl), &aDialog);
   // Else every button that gets the focus becomes the one that Enter presses.
   button->setAutoDefault(false);
-  button->setDefault(aControl.controlClass == ControlClass::DefaultButton && aControl.id == kOkID);
+  button->setDefault(aControl.controlClass == ControlClass::DefaultButton && aControl.id == kOKID);
   return button;
 }
 

@@ -1,5 +1,7 @@
 #include "res/templates.h"
 
+#include "platform/buttonids.h"
+
 #include <algorithm>
 #include <array>
 
@@ -7,8 +9,6 @@ namespace krgui {
 
 namespace {
 
-constexpr int kOkID = 1;
-constexpr int kCancelID = 2;
 constexpr int kHorizontalBarID = 1044;
 constexpr int kVerticalBarID = 1046;
 
@@ -44,7 +44,7 @@ constexpr std::array kDeviceFinderControls = {
         ControlClass::Button, 1139, "Why is my camera not here?", {380, 322, 148, 16}, kMoveRight | kMoveDown},
     ControlTemplate{ControlClass::Button, 1002, "Set IP Address...", {7, 342, 104, 16}, kMoveDown, false, true},
     ControlTemplate{ControlClass::Button, 1011, "Select from IP Address...", {115, 342, 104, 16}, kMoveDown},
-    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {425, 342, 50, 16}, kMoveRight | kMoveDown},
+    ControlTemplate{ControlClass::DefaultButton, kOKID, "OK", {425, 342, 50, 16}, kMoveRight | kMoveDown},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {478, 342, 50, 16}, kMoveRight | kMoveDown},
 };
 
@@ -72,7 +72,7 @@ constexpr std::array kForceIPControls = {
     ControlTemplate{ControlClass::IPAddress, 1043, "", {78, 155, 99, 15}},
     ControlTemplate{ControlClass::ErrorIndicator, 1013, "", {180, 155, 12, 12}},
     ControlTemplate{ControlClass::Button, 1140, "Propose a free address", {7, 196, 82, 16}},
-    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {93, 196, 50, 16}},
+    ControlTemplate{ControlClass::DefaultButton, kOKID, "OK", {93, 196, 50, 16}},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {145, 196, 50, 16}},
 };
 
@@ -83,7 +83,7 @@ constexpr std::array kSelectFromIPControls = {
                     {7, 7, 191, 21}},
     ControlTemplate{ControlClass::Label, -1, "IP Address", {7, 37, 45, 8}},
     ControlTemplate{ControlClass::IPAddress, 1125, "", {71, 35, 99, 15}},
-    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {94, 75, 50, 14}},
+    ControlTemplate{ControlClass::DefaultButton, kOKID, "OK", {94, 75, 50, 14}},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {148, 75, 50, 14}},
 };
 
@@ -118,7 +118,7 @@ constexpr std::array kBrowserOptionsControls = {
     ControlTemplate{ControlClass::ComboBox, 1143, "", {54, 27, 105, 14}},
     ControlTemplate{ControlClass::Label, -1, "Refresh", {7, 50, 40, 8}},
     ControlTemplate{ControlClass::ComboBox, 1144, "", {54, 47, 105, 14}},
-    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {55, 73, 50, 14}},
+    ControlTemplate{ControlClass::DefaultButton, kOKID, "OK", {55, 73, 50, 14}},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {109, 73, 50, 14}},
 };
 
@@ -207,7 +207,7 @@ constexpr std::array kCOMPortConfigControls = {
     ControlTemplate{ControlClass::ComboBox, 1222, "", {64, 47, 95, 14}},
     ControlTemplate{ControlClass::Label, -1, "&Stop bits", {7, 70, 50, 8}},
     ControlTemplate{ControlClass::ComboBox, 1223, "", {64, 67, 95, 14}},
-    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {55, 93, 50, 14}},
+    ControlTemplate{ControlClass::DefaultButton, kOKID, "OK", {55, 93, 50, 14}},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {109, 93, 50, 14}},
 };
 
@@ -218,7 +218,7 @@ constexpr std::array kBaudRateSelectionControls = {
                     "interface.\n\nSelect the baud rate of the device serial port:",
                     {7, 7, 206, 42}},
     ControlTemplate{ControlClass::ComboBox, 1224, "", {7, 52, 95, 14}},
-    ControlTemplate{ControlClass::DefaultButton, kOkID, "OK", {109, 78, 50, 14}},
+    ControlTemplate{ControlClass::DefaultButton, kOKID, "OK", {109, 78, 50, 14}},
     ControlTemplate{ControlClass::Button, kCancelID, "Cancel", {163, 78, 50, 14}},
 };
 
@@ -306,7 +306,7 @@ constexpr bool AreControlsInside(const DialogTemplate& aTemplate) {
 
 constexpr bool IsOnlyOKDefault(const DialogTemplate& aTemplate) {
   return std::all_of(aTemplate.controls.begin(), aTemplate.controls.end(), [](const ControlTemplate& aControl) {
-    return aControl.controlClass != ControlClass::DefaultButton || aControl.id == kOkID;
+    return aControl.controlClass != ControlClass::DefaultButton || aControl.id == kOKID;
   });
 }
 
