@@ -1,6 +1,7 @@
 #include "finder/finderdiscovery.h"
 
 #include "krbase/krlogger.h"
+#include "krbase/rest.h"
 #include "platform/tickcount.h"
 
 #include <algorithm>
@@ -19,11 +20,6 @@ constexpr KrLogSite kReportSite = {"DeviceFinderWnd::OnDeviceFound", "devicefind
 
 void Log(KrLogLevel aLevel, const KrLogSite& aSite, const KrString& aText) {
   KrLogger("KrGUILib").Log(aLevel, aSite, aText);
-}
-
-std::uint32_t GetElapsedMs(std::chrono::steady_clock::time_point aBegin) {
-  return static_cast<std::uint32_t>(
-      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - aBegin).count());
 }
 
 } // namespace
@@ -181,7 +177,8 @@ void FinderDiscovery::DoRound(const std::stop_token& aStop) {
   // Only a waiting window cancels a round; what else ends one early (nothing to ask, a failure) must not make this a
   // loop without rest.
   if (*found != KrResult::Code::Aborted)
-    Rest(mSystem.GetDetectionTimeout() - std::min(GetElapsedMs(begin), mSystem.GetDetectionTimeout()), aStop);
+    (void)krbase::Rest(
+        begin + std::chrono::milliseconds(mSystem.GetDetectionTimeout()) - std::chrono::steady_clock::now(), aStop);
 }
 
 /// Nothing where it is not the thread's turn.
@@ -201,11 +198,6 @@ void FinderDiscovery::ReportInterfaces(const std::stop_token& aStop) {
   }
   if (!aStop.stop_requested() && mModel.HasLostInterface())
     (void)mQueue->Send(mTicket, {kRebuildMessage, 0, 0});
-}
-
-void FinderDiscovery::Rest(std::uint32_t aMs, const std::stop_token& aStop) {
-  std::unique_lock lock(mRestMutex);
-  (void)mRested.wait_for(lock, aStop, std::chrono::milliseconds(aMs), [] { return false; });
 }
 
 FinderDiscovery::FindHold::FindHold(std::shared_ptr<FinderDiscovery> aDiscovery) : mDiscovery(std::move(aDiscovery)) {

@@ -11,7 +11,6 @@
 #include "logic/frame/messagequeue.h"
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -106,7 +105,6 @@ private:
   void DoRound(const std::stop_token& aStop);
   std::optional<KrResult> Find(const std::stop_token& aStop);
   void ReportInterfaces(const std::stop_token& aStop);
-  void Rest(std::uint32_t aMs, const std::stop_token& aStop);
 
   KrSystem& mSystem;
   const DeviceFilter mFilter;
@@ -128,8 +126,6 @@ private:
   std::vector<DataHold*> mDataHolds;
 
   std::stop_source mStop;
-  std::mutex mRestMutex; ///< Guards nothing but the wait of a rest.
-  std::condition_variable_any mRested;
   std::thread mThread;
 };
 

@@ -153,7 +153,7 @@ TEST_F(ReceivingTest, StopDuringThePause_EndsAtOnce) {
       [this](milliseconds, const std::stop_token& aStop) {
         mStop.request_stop();
         // The true pause, of a length that the test would not survive.
-        krgui::PauseUnlessStopped(std::chrono::hours(24), aStop);
+        (void)krbase::Rest(std::chrono::hours(24), aStop);
       });
   mLine.onRead = [] { return std::pair(KrResult(KrResult::Code::ConnectionLost), std::string()); };
 

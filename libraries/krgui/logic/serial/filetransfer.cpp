@@ -1,7 +1,7 @@
 #include "logic/serial/filetransfer.h"
 
+#include "krbase/rest.h"
 #include "logic/serial/sentfile.h"
-#include "logic/serial/stoppablepause.h"
 #include "logic/serial/terminalmessages.h"
 #include "logic/serial/transferstatistics.h"
 
@@ -36,7 +36,7 @@ void FileTransfer::Run(const TransferOrder& aOrder, const std::stop_token& aStop
     Send(*file, aOrder, aStop);
     const std::chrono::nanoseconds taken = mClock() - begin;
     mQueue->Post({kTranscriptPaceMessage, 0, 0});
-    PauseUnlessStopped(mWait, aStop);
+    (void)krbase::Rest(mWait, aStop);
     TellStatistics(aOrder, file->GetSize(), taken);
     mCheck.End();
   } else {

@@ -1,10 +1,10 @@
 #pragma once
 // The receiving of bytes, as the thread of its own that the terminal has for it while a port is open.
 
+#include "krbase/rest.h"
 #include "logic/frame/messagequeue.h"
 #include "logic/serial/iterminalline.h"
 #include "logic/serial/loopbackcheck.h"
-#include "logic/serial/stoppablepause.h"
 #include "logic/serial/transcriptencoder.h"
 
 #include <chrono>
@@ -31,7 +31,7 @@ public:
 
   Receiving(ITerminalLine& aLine, TranscriptEncoder& aEncoder, LoopbackCheck& aCheck,
             std::function<bool()> aIsLoopbackOn, std::shared_ptr<MessageQueue> aQueue, Clock aClock,
-            Pause aPause = PauseUnlessStopped);
+            Pause aPause = krbase::Rest);
 
   void Run(const std::stop_token& aStop);
 
