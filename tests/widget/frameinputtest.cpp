@@ -6,12 +6,16 @@
 #include <QAction>
 #include <QDialog>
 #include <QLineEdit>
+#include <QPointingDevice>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <utility>
+#include <vector>
 
 namespace krgui {
 
@@ -98,6 +102,38 @@ TEST_F(WndHeldInput, WheelInAnotherWindow_Waits) {
 
   EXPECT_EQ(wheel.turns, 0);
   EXPECT_TRUE(WaitFor([&] { return wheel.turns == 1; }));
+}
+
+TEST_F(WndHeldInput, WheelAndMouseThatWaited_ComeWithTheirTimeAndDevice) {
+  class Pointers : public QObject {
+  public:
+    bool eventFilter(QObject*, QEvent* aEvent) override {
+      if (aEvent->isPointerEvent()) {
+        const auto& event = static_cast<const QPointerEvent&>(*aEvent);
+        seen.push_back({event.timestamp(), event.pointingDevice()});
+      }
+      return false;
+    }
+    std::vector<std::pair<quint64, const QPointingDevice*>> seen;
+  } pointers;
+  mOther.windowHandle()->installEventFilter(&pointers);
+  const QPointingDevice touchpad(QStringLiteral("touchpad"), 7, QInputDevice::DeviceType::TouchPad,
+                                 QPointingDevice::PointerType::Finger, QInputDevice::Capability::Scroll, 1, 1);
+  DuringDoEvents([&] {
+    const QPointF local = mButton.geometry().center();
+    const QPointF global = mOther.mapToGlobal(local);
+    QWheelEvent wheel(local, global, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false,
+                      Qt::MouseEventNotSynthesized, &touchpad);
+    wheel.setTimestamp(1000);
+    QCoreApplication::sendEvent(mOther.windowHandle(), &wheel);
+    QMouseEvent move(QEvent::MouseMove, local, local, global, Qt::NoButton, Qt::NoButton, Qt::NoModifier, &touchpad);
+    move.setTimestamp(2000);
+    QCoreApplication::sendEvent(mOther.windowHandle(), &move);
+  });
+
+  EXPECT_TRUE(WaitFor([&] { return pointers.seen.size() >= 2; }));
+  EXPECT_THAT(pointers.seen,
+              testing::ElementsAre(std::pair(quint64{1000}, &touchpad), std::pair(quint64{2000}, &touchpad)));
 }
 
 TEST_F(WndHeldInput, ShortcutInAnotherWindow_WaitsAndWorks) {

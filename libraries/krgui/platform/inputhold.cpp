@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPointer>
+#include <QPointingDevice>
 #include <QThread>
 #include <QTouchEvent>
 #include <QWheelEvent>
@@ -23,12 +25,19 @@ namespace {
 
 using Send = std::function<void(QWindow&)>;
 
+using Device = QPointer<const QPointingDevice>;
+
+/// One that is gone meanwhile is taken for the mouse that there always is.
+const QPointingDevice* FindDevice(const Device& aDevice) {
+  return aDevice ? aDevice.data() : QPointingDevice::primaryPointingDevice();
+}
+
 Send KeepMouse(const QEvent& aEvent) {
   const auto& event = static_cast<const QMouseEvent&>(aEvent);
   return [type = event.type(), local = event.position(), scene = event.scenePosition(), global = event.globalPosition(),
           button = event.button(), buttons = event.buttons(), modifiers = event.modifiers(),
-          timestamp = event.timestamp()](QWindow& aWindow) {
-    QMouseEvent again(type, local, scene, global, button, buttons, modifiers);
+          device = Device(event.pointingDevice()), timestamp = event.timestamp()](QWindow& aWindow) {
+    QMouseEvent again(type, local, scene, global, button, buttons, modifiers, FindDevice(device));
     again.setTimestamp(timestamp);
     QCoreApplication::sendEvent(&aWindow, &again);
   };
@@ -38,8 +47,10 @@ Send KeepWheel(const QEvent& aEvent) {
   const auto& event = static_cast<const QWheelEvent&>(aEvent);
   return [local = event.position(), global = event.globalPosition(), pixels = event.pixelDelta(),
           angle = event.angleDelta(), buttons = event.buttons(), modifiers = event.modifiers(), phase = event.phase(),
-          isInverted = event.inverted(), source = event.source()](QWindow& aWindow) {
-    QWheelEvent again(local, global, pixels, angle, buttons, modifiers, phase, isInverted, source);
+          isInverted = event.inverted(), source = event.source(), device = Device(event.pointingDevice()),
+          timestamp = event.timestamp()](QWindow& aWindow) {
+    QWheelEvent again(local, global, pixels, angle, buttons, modifiers, phase, isInverted, source, FindDevice(device));
+    again.setTimestamp(timestamp);
     QCoreApplication::sendEvent(&aWindow, &again);
   };
 }
@@ -54,8 +65,8 @@ Send KeepKey(const QEvent& aEvent) {
 
 Send KeepTouch(const QEvent& aEvent) {
   const auto& event = static_cast<const QTouchEvent&>(aEvent);
-  return [type = event.type(), device = QPointer<const QPointingDevice>(event.pointingDevice()),
-          modifiers = event.modifiers(), points = event.points()](QWindow& aWindow) {
+  return [type = event.type(), device = Device(event.pointingDevice()), modifiers = event.modifiers(),
+          points = event.points()](QWindow& aWindow) {
     if (device) {
       QTouchEvent again(type, device, modifiers, points);
       QCoreApplication::sendEvent(&aWindow, &again);
@@ -147,7 +158,7 @@ InputHold::InputHold(QObject* aApplication) : QObject(aApplication) {
 }
 
 InputHold& InputHold::Get() {
-  static QPointer<InputHold> hold;
+  static QPointer<InputHold>& hold = *new QPointer<InputHold>; // Never destroyed.
   if (hold.isNull()) {
     hold = new InputHold(qApp);
   }
