@@ -1,5 +1,7 @@
 #include "aravis/valuechains.h"
 
+#include "krbase/trim.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
@@ -32,10 +34,7 @@ std::string GetText(ArvDomNode& aElement) {
     if (ARV_IS_DOM_CHARACTER_DATA(part))
       if (const char* const piece = arv_dom_character_data_get_data(ARV_DOM_CHARACTER_DATA(part)); piece != nullptr)
         text += piece;
-  constexpr std::string_view kBlanks = " \t\r\n";
-  text.erase(0, std::min(text.find_first_not_of(kBlanks), text.size()));
-  text.erase(text.find_last_not_of(kBlanks) + 1);
-  return text;
+  return std::string(krbase::Trim(text));
 }
 
 // Follows values through the description. No recursion: a description is what is not trusted here.

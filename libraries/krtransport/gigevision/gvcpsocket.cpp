@@ -6,7 +6,6 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <netinet/in.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <system_error>
 #include <utility>
@@ -54,13 +53,6 @@ sockaddr_in GetLocalEnd(const FileDescriptor& aSocket) {
 }
 
 } // namespace
-
-WakeEvent::WakeEvent() : mDescriptor(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
-
-void WakeEvent::Signal() {
-  // A full counter is a signal too, so a refused write loses nothing.
-  [[maybe_unused]] const int result = ::eventfd_write(mDescriptor.Get(), 1);
-}
 
 KrResult GvcpSocket::OpenOnAdapter(const std::string& aAdapterName, std::uint16_t aPort, GvcpSocket& aSocket) {
   const std::string attempt = "Opening a socket on the network adapter " + aAdapterName;

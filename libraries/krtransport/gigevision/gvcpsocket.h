@@ -4,6 +4,7 @@
 
 #include "krbase/filedescriptor.h"
 #include "krbase/krresult.h"
+#include "krbase/wakeevent.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,17 +15,7 @@
 namespace krtransport {
 
 using krbase::FileDescriptor;
-
-/// An event that poll() can wait for. Signal from any thread; it stays signalled.
-class WakeEvent {
-public:
-  WakeEvent();
-  int GetDescriptor() const { return mDescriptor.Get(); }
-  void Signal();
-
-private:
-  FileDescriptor mDescriptor;
-};
+using krbase::WakeEvent;
 
 /// One datagram's way in: how many bytes the sender sent, even where fewer fitted, and who it was.
 struct ReceivedDatagram {

@@ -1,5 +1,6 @@
 #include "gigevision/statedlength.h"
 
+#include "krbase/trim.h"
 #include "krgenicam/krgendescription.h"
 
 #include <algorithm>
@@ -22,9 +23,7 @@ struct HexStart {
 
 // What a field between semicolons begins with, blanks and "0x" apart.
 HexStart ReadHex(std::string_view aField) {
-  constexpr std::string_view kBlanks = " \t\r\n\f\v";
-  aField.remove_prefix(std::min(aField.find_first_not_of(kBlanks), aField.size()));
-  aField = aField.substr(0, aField.find_last_not_of(kBlanks) + 1);
+  aField = krbase::Trim(aField);
   if (aField.starts_with("0x") || aField.starts_with("0X"))
     aField.remove_prefix(2);
   HexStart start;

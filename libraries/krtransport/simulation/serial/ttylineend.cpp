@@ -1,7 +1,6 @@
 #include "simulation/serial/ttylineend.h"
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -34,9 +33,9 @@ void TtyLineEnd::Open(std::uint32_t aRate, Waker aWaker) {
   // What came while nobody listened is not heard.
   if (OpenTty())
     mTty.DropReceived();
-  mSignal = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+  mSignal.Clear(); // What its last opening left behind.
   try {
-    if (mSignal >= 0)
+    if (mSignal.IsOpen())
       mThread = std::thread([this] { Run(); });
   } catch (const std::system_error&) {
     // Handled below, as one that has no descriptor.
@@ -55,14 +54,11 @@ void TtyLineEnd::Close() {
   {
     const std::lock_guard lock(mMutex);
     mIsStopping = true;
-    Signal();
+    mSignal.Signal();
   }
   if (mThread.joinable())
     mThread.join();
   mTty.Close();
-  if (mSignal >= 0)
-    close(mSignal);
-  mSignal = -1;
 }
 
 bool TtyLineEnd::OpenTty() {
@@ -98,7 +94,7 @@ void TtyLineEnd::SetRate(std::uint32_t aRate) {
       return;
     if (const KrResult set = mTty.SetRate(aRate); !set.IsOK()) {
       LoseTty(set);
-      Signal(); // The thread waits at a tty that is closed now.
+      mSignal.Signal(); // The thread waits at a tty that is closed now.
     }
     news.swap(mNews);
   }
@@ -110,7 +106,7 @@ std::size_t TtyLineEnd::Take(const std::uint8_t* aBytes, std::size_t aSize, std:
   if (!mTty.IsOpen())
     return aSize; // Nobody hears it.
   const std::size_t taken = mFromPort.Push(aBytes, aSize);
-  Signal();
+  mSignal.Signal();
   return taken;
 }
 
@@ -119,15 +115,8 @@ std::size_t TtyLineEnd::Give(std::uint8_t* aBytes, std::size_t aSize, std::uint6
   const bool wasFull = mToPort.GetRoom() == 0;
   const std::size_t given = mToPort.Pop(aBytes, aSize);
   if (wasFull && given > 0)
-    Signal();
+    mSignal.Signal();
   return given;
-}
-
-void TtyLineEnd::Signal() {
-  const std::uint64_t one = 1;
-  // It fails only when it is signalled already, or there is no thread to signal.
-  if (mSignal >= 0)
-    static_cast<void>(!write(mSignal, &one, sizeof one));
 }
 
 void TtyLineEnd::Run() {
@@ -157,13 +146,11 @@ void TtyLineEnd::Poll(Lock& aLock) {
   const bool canWrite = !mFromPort.IsEmpty();
   const short events = static_cast<short>((canRead ? POLLIN : 0) | (canWrite ? POLLOUT : 0));
   std::array<pollfd, 2> descriptors = {
-      pollfd{.fd = mSignal, .events = POLLIN, .revents = 0},
+      pollfd{.fd = mSignal.GetDescriptor(), .events = POLLIN, .revents = 0},
       pollfd{.fd = events != 0 ? mTty.GetDescriptor() : -1, .events = events, .revents = 0}};
   aLock.unlock();
   poll(descriptors.data(), descriptors.size(), isOpen ? -1 : kRetryMs);
-  std::uint64_t signals = 0;
-  // Nothing to read means that nothing was signalled.
-  static_cast<void>(!read(mSignal, &signals, sizeof signals));
+  mSignal.Clear();
   aLock.lock();
 }
 

@@ -3,6 +3,7 @@
 // that cannot be opened, or goes, leaves the line silent until it is there again.
 
 #include "krbase/krlogger.h"
+#include "krbase/wakeevent.h"
 #include "simulation/serial/bytequeue.h"
 #include "simulation/serial/hosttty.h"
 #include "simulation/serial/ilineend.h"
@@ -45,12 +46,11 @@ private:
   void Run();
   void Poll(Lock& aLock);
   bool Transfer();
-  void Signal();
 
   const std::string mPort;
   const std::string mPath;
   Waker mWaker;
-  int mSignal = -1; // An event descriptor, by which the thread hears of what it has to do.
+  krbase::WakeEvent mSignal; // By it the thread hears of what it has to do.
   std::thread mThread;
 
   std::mutex mMutex; // Guards the members from here on.
