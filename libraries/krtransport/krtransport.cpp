@@ -8,22 +8,25 @@
 #include "usb3vision/usb3visiontransport.h"
 #include "usb3vision/usbversion.h"
 
+#include <memory>
 #include <mutex>
 
 namespace {
 
-// A backend lives from its first use to the end of the process.
+// A backend lives from its first use on, and is never destroyed: threads may still use it while the process ends.
 std::shared_ptr<krsystem::ITransport> GetGigEVision() {
-  static const auto transport = std::make_shared<krtransport::GigEVisionTransport>();
+  static const auto& transport =
+      *new std::shared_ptr<krsystem::ITransport>(std::make_shared<krtransport::GigEVisionTransport>());
   return transport;
 }
 
 std::shared_ptr<krsystem::ITransport> GetUsb3Vision() {
-  static const auto transport = std::make_shared<krtransport::Usb3VisionTransport>();
+  static const auto& transport =
+      *new std::shared_ptr<krsystem::ITransport>(std::make_shared<krtransport::Usb3VisionTransport>());
   return transport;
 }
 
-// The one simulated lab of the process.
+// The one simulated lab of the process, never destroyed, as the backends.
 class Simulation {
 public:
   /// Makes the lab of a file, or the built-in one, unless there is one already; a file then has to be the same.
@@ -56,7 +59,7 @@ private:
 };
 
 Simulation& GetSimulation() {
-  static Simulation simulation;
+  static Simulation& simulation = *new Simulation;
   return simulation;
 }
 

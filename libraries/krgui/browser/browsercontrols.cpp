@@ -55,9 +55,9 @@ constexpr int kLeastListWidth = 40;
 constexpr int kFieldWidth = 120;
 constexpr int kLeastFieldWidth = 40;
 constexpr int kSymbolHeight = 14;
-const QString kSymbolFamily = QStringLiteral("Segoe UI Symbol");
+constexpr QLatin1String kSymbolFamily("Segoe UI Symbol");
 /// What the result label has room for; more digits are cut.
-const QString kLongResult = QStringLiteral("Result 10000 of 10000");
+constexpr QLatin1String kLongResult("Result 10000 of 10000");
 
 /// Fills a place of the template with a control.
 template <typename Control>
@@ -177,7 +177,7 @@ void BrowserControls::OrderTabs() {
 const QFont& BrowserControls::GetSymbolFont() {
   if (!mSymbolFont) {
     mSymbolFont = mDialog.font();
-    mSymbolFont->setFamilies(QStringList(kSymbolFamily) + mDialog.font().families());
+    mSymbolFont->setFamilies(QStringList(QString(kSymbolFamily)) + mDialog.font().families());
     mSymbolFont->setPixelSize(kSymbolHeight);
     mSymbolFont->setWeight(QFont::Normal);
   }

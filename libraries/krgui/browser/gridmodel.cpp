@@ -9,7 +9,7 @@ namespace krgui {
 static_assert(sizeof(quintptr) >= sizeof(GridItem), "an index carries its item");
 
 const std::vector<GridItem>& GridModel::GetChildren(const QModelIndex& aParent) const {
-  static const std::vector<GridItem> none;
+  static const std::vector<GridItem>& none = *new std::vector<GridItem>; // Never destroyed.
   if (!aParent.isValid())
     return mTree.GetTopLevel();
   const BrowserTree::Item* item = aParent.column() == kNameColumn ? mTree.Find(ToItem(aParent)) : nullptr;

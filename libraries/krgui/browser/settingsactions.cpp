@@ -23,8 +23,8 @@ namespace krgui {
 
 namespace {
 
-const QString kSaveCaption = QStringLiteral("Save Features");
-const QString kRestoreCaption = QStringLiteral("Restore Features");
+constexpr QLatin1String kSaveCaption("Save Features");
+constexpr QLatin1String kRestoreCaption("Restore Features");
 /// A name or a reason in a message is not longer.
 constexpr int kMostLetters = 500;
 

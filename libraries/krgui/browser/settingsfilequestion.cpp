@@ -11,7 +11,7 @@ namespace {
 constexpr int kMostLettersOfName = 80;
 
 QString& GetFolder() {
-  static QString folder;
+  static QString& folder = *new QString; // Never destroyed.
   return folder;
 }
 

@@ -13,6 +13,7 @@
 #include "krsystem/transportregistry.h"
 #include "logic/finder/finderhint.h"
 #include "platform/applicationend.h"
+#include "platform/buttonids.h"
 #include "platform/messagebox.h"
 #include "platform/toqstring.h"
 #include "platform/waitcursor.h"
@@ -38,7 +39,6 @@ namespace {
 constexpr std::uint32_t kDetectionTimeoutMs = 1000;
 constexpr int kOKResult = 1;
 
-constexpr int kOKID = 1;
 constexpr int kSetIPAddressID = 1002;
 constexpr int kSelectFromIPID = 1011;
 constexpr int kInterfaceListID = 1030;
@@ -50,11 +50,11 @@ constexpr int kDiagnoseID = 1139;
 
 constexpr const char* kSilentAddressProperty = "krguiSilentAddress";
 
-const QString kErrorCaption = QStringLiteral("Error");
-const QString kForeignSubnetText =
-    QStringLiteral("The device is on a subnet that is not compatible with your computer's network interface card "
-                   "(NIC). Configure the device to use dynamic addressing (LLA or DHCP) or a static IP address.");
-const QString kSlowPortText = QStringLiteral(" This device must be connected to a USB 3.0 (SuperSpeed) port.");
+constexpr QLatin1String kErrorCaption("Error");
+constexpr QLatin1String kForeignSubnetText(
+    "The device is on a subnet that is not compatible with your computer's network interface card (NIC). Configure the "
+    "device to use dynamic addressing (LLA or DHCP) or a static IP address.");
+constexpr QLatin1String kSlowPortText(" This device must be connected to a USB 3.0 (SuperSpeed) port.");
 
 bool IsOnNetwork(KrDeviceInfoType aType) {
   return aType == KrDeviceInfoType::GEV || aType == KrDeviceInfoType::TolvanProtocol;

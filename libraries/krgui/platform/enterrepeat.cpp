@@ -33,7 +33,7 @@ private:
 
 /// The application's, with which it ends.
 QPointer<EnterReleases>& GetReleases() {
-  static QPointer<EnterReleases> releases;
+  static QPointer<EnterReleases>& releases = *new QPointer<EnterReleases>; // Never destroyed.
   return releases;
 }
 

@@ -14,8 +14,8 @@ namespace krgui {
 
 namespace {
 
-const QString kSendCaption = QStringLiteral("Send file data");
-const QString kSaveCaption = QStringLiteral("Save Transcript");
+constexpr QLatin1String kSendCaption("Send file data");
+constexpr QLatin1String kSaveCaption("Save Transcript");
 
 KrResult WriteWhole(const QString& aFile, const QByteArray& aBytes) {
   KrAtomicFile file;
@@ -28,7 +28,7 @@ KrResult WriteWhole(const QString& aFile, const QByteArray& aBytes) {
 } // namespace
 
 QString AskForFileToSend(QWidget* aOwner) {
-  static QString folder; // Of the last one, within the process.
+  static QString& folder = *new QString; // Of the last one, within the process. Never destroyed.
   const QuestionOwner owner(aOwner, {});
   const QString file = AskForExistingFile(owner.GetWidget(),
                                           {.objectName = QStringLiteral("sendfile"), .caption = kSendCaption}, folder);
@@ -41,7 +41,7 @@ QString AskForFileToSend(QWidget* aOwner) {
 }
 
 void SaveTranscript(QWidget* aOwner, std::u16string_view aText) {
-  static QString folder; // Of the last one, within the process.
+  static QString& folder = *new QString; // Of the last one, within the process. Never destroyed.
   // The text may go with the window.
   const QByteArray bytes = QString::fromStdU16String(MakeForeignText(aText)).toUtf8();
   const QuestionOwner owner(aOwner, {});
