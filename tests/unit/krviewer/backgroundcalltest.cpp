@@ -1,5 +1,7 @@
 #include "backgroundcall.h"
 
+#include "await.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -10,12 +12,8 @@ TEST(BackgroundCall, Over_IsFollowedOnce) {
   BackgroundCall call;
   std::atomic<bool> mayEnd = false;
   int followed = 0;
-  call.Start(
-      [&](const std::stop_token&) {
-        while (!mayEnd)
-          std::this_thread::yield();
-      },
-      [] {}, [&] { ++followed; });
+  call.Start([&](const std::stop_token&) { EXPECT_TRUE(krtest::Await([&] { return mayEnd.load(); })); }, [] {},
+             [&] { ++followed; });
   call.Follow();
   EXPECT_TRUE(call.IsRunning());
   EXPECT_EQ(followed, 0);
@@ -35,8 +33,7 @@ TEST(BackgroundCall, Ended_IsHurriedUntilItIsOverAndNotFollowed) {
   bool wasStopped = false;
   call.Start(
       [&](const std::stop_token& aStop) {
-        while (hurries < 3)
-          std::this_thread::yield();
+        EXPECT_TRUE(krtest::Await([&] { return hurries >= 3; }));
         wasStopped = aStop.stop_requested();
       },
       [&] { ++hurries; }, [&] { ++followed; });

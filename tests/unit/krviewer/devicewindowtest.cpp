@@ -2,6 +2,7 @@
 
 #include "bridges/devicewindow.h"
 
+#include "await.h"
 #include "serialadapter.h"
 
 #include <gtest/gtest.h>
@@ -45,8 +46,7 @@ protected:
       loan.TakeBack();
       isTakenBack = true;
     });
-    while (!loan.IsWantedBack())
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return loan.IsWantedBack(); }));
     return lender;
   }
 

@@ -1,5 +1,6 @@
 #include "recording/folderroom.h"
 
+#include "await.h"
 #include "temporaryfolder.h"
 
 #include <gtest/gtest.h>
@@ -12,12 +13,11 @@ using krviewer::FolderRoom;
 namespace {
 
 std::optional<FolderRoom::Answer> AwaitAnswer(FolderRoom& aRoom) {
-  const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  std::optional<FolderRoom::Answer> answer = aRoom.Take();
-  while (!answer && std::chrono::steady_clock::now() < until) {
-    std::this_thread::yield();
+  std::optional<FolderRoom::Answer> answer;
+  EXPECT_TRUE(krtest::Await([&] {
     answer = aRoom.Take();
-  }
+    return answer.has_value();
+  }));
   return answer;
 }
 

@@ -1,5 +1,7 @@
 #include "acquisition/loan.h"
 
+#include "await.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -55,8 +57,7 @@ TEST_F(LoanTest, TakenBack_WhileBorrowed_ReturnsWhenTheBorrowerGaveBack) {
     mLoan.TakeBack();
     hadGivenBack = hasGivenBack;
   });
-  while (!mLoan.IsWantedBack())
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return mLoan.IsWantedBack(); }));
 
   EXPECT_EQ(mLoan.Borrow(), nullptr);
   hasGivenBack = true;

@@ -2,6 +2,8 @@
 
 #include "recordings.h"
 
+#include "await.h"
+
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -56,7 +58,7 @@ TEST_F(RecorderTest, Index_SaysAllThatAReaderOfTheBytesMustKnow) {
 TEST_F(RecorderTest, Text_SaysWhatTheRecordingIsAndWhatBecameOfIt) {
   const RecordingOptions options = MakeOptions();
   ASSERT_TRUE(mRecorder.Start(options).IsOK());
-  ASSERT_TRUE(Await([&] { return ReadText(options.folder, "device_id") == "camera 7"; }));
+  ASSERT_TRUE(krtest::Await([&] { return ReadText(options.folder, "device_id") == "camera 7"; }));
   EXPECT_EQ(ReadText(options.folder, "ended_by"), "-");
 
   Give(1, 2);
@@ -199,8 +201,7 @@ protected:
     ASSERT_TRUE(mRecorder.Start(options).IsOK());
   }
   RecordingProgress AwaitEnd() {
-    while (mRecorder.IsBusy())
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return !mRecorder.IsBusy(); }));
     return mRecorder.GetProgress();
   }
 

@@ -1,5 +1,6 @@
 // Recordings that cannot go on as asked: what is told, and that nothing damaged is left.
 
+#include "await.h"
 #include "filesizelimit.h"
 #include "recordings.h"
 
@@ -76,7 +77,7 @@ TEST_F(RecorderTest, DiskThatTakesNoMore_EndsWithWholeFramesAlone) {
   const RecordingOptions options = MakeOptions();
   ASSERT_TRUE(mRecorder.Start(options).IsOK());
   Give(1, 2);
-  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 2; }));
+  ASSERT_TRUE(krtest::Await([this] { return mRecorder.GetProgress().counts.written == 2; }));
 
   RecordingProgress progress;
   {
@@ -98,7 +99,7 @@ TEST_F(RecorderTest, IndexThatTakesNoMore_LeavesNoFrameThatItDoesNotName) {
   const RecordingOptions options = MakeOptions();
   ASSERT_TRUE(mRecorder.Start(options).IsOK());
   Give(1, 1);
-  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+  ASSERT_TRUE(krtest::Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
   const std::string index = TemporaryFolder::ReadFile(options.folder + "/index.csv");
 
   {
@@ -115,7 +116,7 @@ TEST_F(RecorderTest, FolderThatVanishes_EndsWithItsName) {
   const RecordingOptions options = MakeOptions();
   ASSERT_TRUE(mRecorder.Start(options).IsOK());
   Give(1, 1);
-  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+  ASSERT_TRUE(krtest::Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
 
   std::filesystem::remove_all(options.folder);
   Give(2, 2);
@@ -158,12 +159,12 @@ TEST_F(RecorderTest, MemoryThatIsFull_LeavesFramesOutAndTellsWithTheNextOne) {
   ASSERT_TRUE(mRecorder.Start(options).IsOK());
 
   std::uint64_t frameID = 0;
-  ASSERT_TRUE(Await([&] {
+  ASSERT_TRUE(krtest::Await([&] {
     ++frameID;
     Give(frameID, frameID);
     return mRecorder.GetProgress().counts.queueFull > 0;
   }));
-  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().queuedFrames == 0; }));
+  ASSERT_TRUE(krtest::Await([this] { return mRecorder.GetProgress().queuedFrames == 0; }));
   Give(frameID + 1, frameID + 1);
   const RecordingProgress progress = StopAndAwaitEnd();
 

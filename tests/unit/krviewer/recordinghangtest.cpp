@@ -1,5 +1,6 @@
 // Recordings on a disk that stops answering: nobody has to wait for it.
 
+#include "await.h"
 #include "hangingdisk.h"
 #include "recording/recordingtexts.h"
 #include "recordings.h"
@@ -24,13 +25,13 @@ protected:
     }).join();
   }
   bool AwaitHanging() {
-    return Await([this] { return mDisk.CountWaiting() == 1; });
+    return krtest::Await([this] { return mDisk.CountWaiting() == 1; });
   }
   /// Starts a recording that has written one frame.
   void WriteTheFirstFrame(const RecordingOptions& aOptions) {
     StartOnDisk(mRecorder, aOptions);
     Give(1, 1);
-    ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
+    ASSERT_TRUE(krtest::Await([this] { return mRecorder.GetProgress().counts.written == 1; }));
   }
   /// The same, whose disk hangs with the second of four.
   void HangBehindTheFirstFrame(const RecordingOptions& aOptions) {
@@ -42,7 +43,7 @@ protected:
   /// Lets the disk answer, and waits for the end of the thread that was left there.
   void RecoverAndAwaitThread() {
     mDisk.Recover();
-    EXPECT_TRUE(Await([this] { return HangingDisk::CountThreads() <= mThreads; }));
+    EXPECT_TRUE(krtest::Await([this] { return HangingDisk::CountThreads() <= mThreads; }));
   }
 
   HangingDisk mDisk{mPlace.GetPath().string()};
@@ -146,7 +147,7 @@ TEST_F(RecordingOnAHangingDisk, RecorderGoneBeforeTheDiskAnswers_IsMissedByNobod
   {
     Recorder recorder;
     StartOnDisk(recorder, MakeOptions());
-    ASSERT_TRUE(Await([this] { return !ReadText(MakeOptions().folder, "device_id").empty(); }));
+    ASSERT_TRUE(krtest::Await([this] { return !ReadText(MakeOptions().folder, "device_id").empty(); }));
     mDisk.Hang();
     recorder.OnFrame(MakeNumberedFrame(1), 10);
     ASSERT_TRUE(AwaitHanging());

@@ -2,6 +2,7 @@
 // Recordings made and read back in tests: frames that can be told apart, and the index as a reader of plain text has
 // it.
 
+#include "await.h"
 #include "recording/recorder.h"
 #include "temporaryfolder.h"
 
@@ -90,19 +91,12 @@ protected:
     options.deviceID = "camera 7";
     return options;
   }
-  // Until a condition holds, or a generous limit has passed.
-  static bool Await(const std::function<bool()>& aCondition) {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!aCondition() && std::chrono::steady_clock::now() < until)
-      std::this_thread::yield();
-    return aCondition();
-  }
   void Give(std::uint64_t aFirst, std::uint64_t aLast) {
     for (std::uint64_t frameID = aFirst; frameID <= aLast; ++frameID)
       mRecorder.OnFrame(MakeNumberedFrame(frameID), frameID * 10);
   }
   RecordingProgress AwaitEnd() {
-    EXPECT_TRUE(Await([this] { return mRecorder.GetProgress().state == RecordingState::Ended; }));
+    EXPECT_TRUE(krtest::Await([this] { return mRecorder.GetProgress().state == RecordingState::Ended; }));
     const RecordingProgress progress = mRecorder.GetProgress();
     const RecordingCounts& counts = progress.counts;
     EXPECT_EQ(counts.received, counts.written + counts.passedOver + counts.incomplete + counts.queueFull +

@@ -2,6 +2,7 @@
 
 #include "bridges/setupfile.h"
 
+#include "await.h"
 #include "hangingdisk.h"
 #include "temporaryfolder.h"
 
@@ -31,15 +32,8 @@ std::string GetValue(const KrConfigurationReader& aContent) {
   return aContent.Restore("List", list).IsOK() ? list.GetProperty("Key")->GetValue().ToUtf8() : "";
 }
 
-bool Await(const std::function<bool()>& aCondition) {
-  const auto until = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (!aCondition() && std::chrono::steady_clock::now() < until)
-    std::this_thread::yield();
-  return aCondition();
-}
-
 bool AwaitUsed(SetupFile& aFile) {
-  return Await([&aFile] {
+  return krtest::Await([&aFile] {
     aFile.Follow();
     return !aFile.IsInUse();
   });
@@ -57,10 +51,10 @@ protected:
   /// Lets the disk answer, and waits for the end of the thread that was left there.
   void RecoverAndAwaitThread() {
     mDisk.Recover();
-    EXPECT_TRUE(Await([this] { return HangingDisk::CountThreads() <= mThreads; }));
+    EXPECT_TRUE(krtest::Await([this] { return HangingDisk::CountThreads() <= mThreads; }));
   }
   bool AwaitHanging() {
-    return Await([this] { return mDisk.CountWaiting() > 0; });
+    return krtest::Await([this] { return mDisk.CountWaiting() > 0; });
   }
 
   const TemporaryFolder mFolder;
