@@ -10,6 +10,7 @@ namespace krbase {
 /// Thread: any; the two may be stopped on others.
 class EitherStop {
 public:
+  /// Of two tokens, of which either may be one that nobody can stop.
   EitherStop(const std::stop_token& aOne, const std::stop_token& aOther) : mToken(aOne) {
     if (aOther.stop_possible())
       mToken = mBoth.emplace(aOne, aOther).GetToken();
@@ -17,6 +18,7 @@ public:
   EitherStop(const EitherStop&) = delete;
   EitherStop& operator=(const EitherStop&) = delete;
 
+  /// Stopped with the first of the two.
   const std::stop_token& GetToken() const { return mToken; }
 
 private:

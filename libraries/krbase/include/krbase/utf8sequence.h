@@ -9,12 +9,13 @@
 
 namespace krbase {
 
+/// The bytes of one character, or of what is none.
 struct Utf8Sequence {
   char32_t point = 0xFFFD; ///< U+FFFD for what is malformed.
   /// In bytes. A malformed one ends before the first byte that cannot continue it (a maximal subpart, Unicode 15.0,
   /// D93b), so that no good character after it is swallowed.
   std::size_t length = 1;
-  bool isWellFormed = false;
+  bool isWellFormed = false; ///< It is a character.
 };
 
 /// Reads the first sequence of a text that is not empty. Any thread.

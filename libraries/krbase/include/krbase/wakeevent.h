@@ -16,7 +16,9 @@ public:
   bool IsOpen() const { return mDescriptor.IsOpen(); }
   /// Negative where there is none.
   int GetDescriptor() const { return mDescriptor.Get(); }
+  /// Makes the descriptor readable.
   void Signal() const;
+  /// Makes it wait for the next signal.
   void Clear() const;
 
 private:

@@ -25,6 +25,7 @@ public:
   void SetSink(IDeviceLinkSink* aSink);
   /// Events wait until there is a sink; of several of one kind in a row the last one alone.
   void ReportLost(const KrResult& aReason);
+  /// The device that was lost answers again.
   void ReportBack();
   /// What was reported and not heard yet is heard by nobody.
   void Forget();
