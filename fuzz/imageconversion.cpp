@@ -128,7 +128,10 @@ void CheckPixels(const KrBufferConverter& aConverter, const IKrImage& aImage) {
   bool isUnpacked = type && KrBufferConverter::IsConversionSupported(aImage.GetPixelType(), *type);
   if (isUnpacked) {
     Require(unpacked.GetImage()->Alloc(aImage.GetWidth(), aImage.GetHeight(), *type).IsOK());
-    isUnpacked = RequireReason(aConverter.Convert(&aImage, &unpacked, false, false));
+    // What is set of the colours holds for BGRa8 alone, which is its own unpacked format.
+    const KrBufferConverter plain(kThreads);
+    const KrBufferConverter& converter = *type == KrPixel::BGRa8 ? plain : aConverter;
+    isUnpacked = RequireReason(converter.Convert(&aImage, &unpacked, false, false));
     Require(isUnpacked);
   }
   for (std::uint32_t y = 0; y < aImage.GetHeight(); ++y)
