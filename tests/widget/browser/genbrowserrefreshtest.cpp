@@ -3,6 +3,7 @@
 #include "browserfixture.h"
 #include "portgate.h"
 
+#include "await.h"
 #include "krbase/krlogger.h"
 
 #include <QGuiApplication>
@@ -185,8 +186,7 @@ TEST_F(RefreshModes, ClosingWhileAReadHangs_WaitsForThatReadAlone) {
   ASSERT_TRUE(gate.AwaitReached());
   const auto queue = mWindow.GetQueue();
   std::thread device([&] {
-    while (queue->IsOpen())
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return !queue->IsOpen(); }));
     gate.Open();
   });
 

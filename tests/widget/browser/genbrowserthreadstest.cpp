@@ -1,6 +1,7 @@
 // The whole window while its threads read, values change beneath it and rows come and go: what the thread sanitizer is
 // to look at.
 
+#include "await.h"
 #include "browserfixture.h"
 #include "krgui/krgenbrowserwnd.h"
 #include "portgate.h"
@@ -132,8 +133,7 @@ TEST_P(BrowserThreads, WindowDeleted_WhileARegisterIsRead_LeavesTheDeviceAlone) 
     ASSERT_TRUE(gate.AwaitReached());
     const auto queue = window->GetQueue();
     std::jthread device([&] {
-      while (queue->IsOpen())
-        std::this_thread::yield();
+      EXPECT_TRUE(krtest::Await([&] { return !queue->IsOpen(); }));
       gate.Open();
     });
 

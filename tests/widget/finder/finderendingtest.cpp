@@ -1,6 +1,7 @@
 // The finder's end at every moment: while discovery runs, waits or reports, while a dialog is open on top of it, while
 // the application is asked. No thread is left behind, and nobody waits for the one that waits for him.
 
+#include "await.h"
 #include "finderfixture.h"
 #include "krgui/krdevicefinderwnd.h"
 
@@ -140,8 +141,9 @@ protected:
     }
     ASSERT_TRUE(aShowing.finder->ShowModeless(aShowing.owner->winId()).IsOK());
     ASSERT_TRUE(gate.AwaitReached());
-    while (aMoment == Moment::WhileRebuildIsAwaited && aShowing.finder->GetQueue()->IsEmpty())
-      std::this_thread::yield();
+    if (aMoment == Moment::WhileRebuildIsAwaited) {
+      ASSERT_TRUE(krtest::Await([&] { return !aShowing.finder->GetQueue()->IsEmpty(); }));
+    }
   }
 };
 

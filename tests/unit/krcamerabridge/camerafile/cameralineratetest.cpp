@@ -2,6 +2,8 @@
 
 #include "camerafile/camerafileport.h"
 
+#include "await.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -21,8 +23,7 @@ public:
     aRead = 0;
     mIsInside = true;
     mIsInside.notify_all();
-    while (!aCancel.stop_requested())
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return aCancel.stop_requested(); }));
     for (int i = 0; i < 10'000; ++i)
       std::this_thread::yield();
     mIsInside = false;
