@@ -2,21 +2,12 @@
 // What tests of the display on a real screen share: where its pixels are there, and hands for mouse and keyboard.
 
 #include "displayfixture.h"
-
-#include <QProcess>
+#include "serverhands.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
-
-/// Moves the mouse, clicks and types as the server's other clients see it.
-inline void RunXdotool(const QStringList& aArguments) {
-  QProcess process;
-  process.start("xdotool", aArguments);
-  ASSERT_TRUE(process.waitForFinished(krtest::kGenerousMs));
-  ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-}
 
 class DisplayOnScreen : public KrDisplayWndTest {
 protected:
@@ -62,6 +53,6 @@ protected:
   /// Moves the mouse to a point of the client area and waits until the display knows of it.
   void MoveMouse(QPoint aClientPoint) const {
     const QPoint point = GetClient().topLeft() + aClientPoint;
-    RunXdotool({"mousemove", QString::number(point.x()), QString::number(point.y())});
+    krtest::MoveHands({"mousemove", QString::number(point.x()), QString::number(point.y())});
   }
 };

@@ -51,7 +51,7 @@ TEST_F(DisplayExposed, Menu_AboveFramesThatCome_IsNotDrawnOver) {
   ASSERT_TRUE(mWindow.Display(MakeGrey(320, 240, 10), false).IsOK());
   ExpectFitted(MakeGrey(320, 240, 10), kGrey);
   MoveMouse({50, 50});
-  RunXdotool({"click", "3"});
+  krtest::MoveHands({"click", "3"});
   Await([] { return QApplication::activePopupWidget() != nullptr; }, "the menu");
   QWidget* menu = QApplication::activePopupWidget();
   ASSERT_TRUE(krtest::AwaitExposed(menu));

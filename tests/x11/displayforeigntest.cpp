@@ -78,9 +78,9 @@ TEST(DisplayInForeignWindow, Image_IsShownAndKeysAreTakenThere) {
   EXPECT_TRUE(krtest::AwaitCondition([&] {
     return plainpicture::Compare(GrabScreen(client), ToQImage(buffer)).empty();
   })) << plainpicture::Compare(GrabScreen(client), ToQImage(buffer));
-  RunXdotool({"mousemove", "400", "300", "click", "1"});
+  krtest::MoveHands({"mousemove", "400", "300", "click", "1"});
   ASSERT_TRUE(krtest::AwaitCondition([&] { return QGuiApplication::focusWindow() != nullptr; }));
-  RunXdotool({"key", "plus"});
+  krtest::MoveHands({"key", "plus"});
   EXPECT_TRUE(krtest::AwaitCondition([&] { return recorder.keys.contains(Qt::Key_Plus); }));
   int x = 0, y = 0, width = 0, height = 0;
   window.GetPosition(x, y, width, height);
@@ -118,7 +118,7 @@ TEST(DisplayInForeignWindow, EscapeKey_ClosesAModelessWindow) {
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
   ASSERT_TRUE(krtest::AwaitActive(window.GetWidget()));
 
-  RunXdotool({"key", "Escape"});
+  krtest::MoveHands({"key", "Escape"});
 
   EXPECT_TRUE(krtest::AwaitCondition([&] { return window.GetHandle() == 0; }));
 }

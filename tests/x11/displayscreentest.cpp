@@ -166,11 +166,11 @@ TEST_F(DisplayOnScreen, CursorPixel_AndCentreHere_AgreeWithWhatIsSeen) {
   EXPECT_EQ(pixel.red, noise.GetDataPointer()[pixel.y * 900 + pixel.x]);
   EXPECT_EQ(GrabClient().pixelColor(point).red(), pixel.red);
 
-  RunXdotool({"click", "3"});
+  krtest::MoveHands({"click", "3"});
   Await([&] { return QApplication::activePopupWidget() != nullptr; }, "the menu");
   const int position = mWindow.GetHScrollPos();
   // The last item is the one above the first.
-  RunXdotool({"key", "Up", "Return"});
+  krtest::MoveHands({"key", "Up", "Return"});
   Await([&] { return mWindow.GetHScrollPos() != position; }, "a new position");
   ExpectScrolled(noise, 1.0, "centred");
   MoveMouse({150, 120});
@@ -186,7 +186,7 @@ TEST_F(DisplayOnScreen, CursorPixel_OfACursorThatNeverMoves_IsKnownFromTheOpenin
   const KrBuffer noise = MakeNoise(300, 240);
   ASSERT_TRUE(mWindow.Display(noise, false).IsOK());
   const QPoint point = client.center();
-  RunXdotool({"mousemove", QString::number(point.x()), QString::number(point.y())});
+  krtest::MoveHands({"mousemove", QString::number(point.x()), QString::number(point.y())});
   const auto isKnown = [&] {
     const std::optional<KrDisplayPixel> pixel = mWindow.GetCursorPixel();
     const QPoint place = point - GetClient().topLeft();
@@ -196,18 +196,18 @@ TEST_F(DisplayOnScreen, CursorPixel_OfACursorThatNeverMoves_IsKnownFromTheOpenin
   ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
 
   Await(isKnown, "the pixel where the window opened");
-  RunXdotool({"click", "3"});
+  krtest::MoveHands({"click", "3"});
   Await([&] { return QApplication::activePopupWidget() != nullptr && !mWindow.GetCursorPixel(); }, "the menu");
-  RunXdotool({"key", "Escape"});
+  krtest::MoveHands({"key", "Escape"});
   Await(isKnown, "the pixel after the menu");
   // Another click would be a double one.
-  RunXdotool({"key", "Menu"});
+  krtest::MoveHands({"key", "Menu"});
   Await([&] { return QApplication::activePopupWidget() != nullptr && !mWindow.GetCursorPixel(); }, "the menu again");
-  RunXdotool({"key", "Down", "Down", "Return"});
+  krtest::MoveHands({"key", "Down", "Down", "Return"});
   Await(isKnown, "the pixel after a command that changes nothing here");
-  RunXdotool({"mousemove", "5", "5"});
+  krtest::MoveHands({"mousemove", "5", "5"});
   Await([&] { return !mWindow.GetCursorPixel(); }, "nothing when it leaves at once");
-  RunXdotool({"mousemove", QString::number(point.x()), QString::number(point.y())});
+  krtest::MoveHands({"mousemove", QString::number(point.x()), QString::number(point.y())});
   Await(isKnown, "the pixel when it comes back");
   ASSERT_TRUE(mWindow.Close().IsOK());
   EXPECT_FALSE(mWindow.GetCursorPixel().has_value());
@@ -226,14 +226,14 @@ TEST_F(DisplayOnScreen, RealKeysAndWheel_ZoomTheImage) {
     ExpectScrolled(noise, aFactor, aWhat);
   };
 
-  RunXdotool({"key", "KP_Add"});
+  krtest::MoveHands({"key", "KP_Add"});
   awaitFactor(1.2, "numeric plus");
-  RunXdotool({"key", "minus"});
+  krtest::MoveHands({"key", "minus"});
   awaitFactor(1.0, "minus");
   MoveMouse({100, 100});
-  RunXdotool({"click", "4"});
+  krtest::MoveHands({"click", "4"});
   awaitFactor(1.1, "wheel away");
-  RunXdotool({"click", "5"});
+  krtest::MoveHands({"click", "5"});
   awaitFactor(1.0, "wheel towards");
 }
 
@@ -241,7 +241,7 @@ TEST_F(DisplayOnScreen, MenuKey_OpensTheMenuInTheMiddle) {
   Open(300, 240);
   ASSERT_TRUE(krtest::AwaitActive(mWindow.GetWidget()));
 
-  RunXdotool({"key", "Menu"});
+  krtest::MoveHands({"key", "Menu"});
 
   Await([] { return QApplication::activePopupWidget() != nullptr; }, "the menu");
   const QWidget* menu = QApplication::activePopupWidget();

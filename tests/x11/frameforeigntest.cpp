@@ -5,11 +5,11 @@
 
 #include "platform/foreignwindow.h"
 #include "platform/x11connection.h"
+#include "serverhands.h"
 #include "windowwait.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QLineEdit>
-#include <QProcess>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -20,18 +20,13 @@ namespace {
 
 using Code = KrResult::Code;
 
-/// What a user's hands do.
-void XDoTool(const QStringList& aArguments) {
-  ASSERT_EQ(QProcess::execute(QStringLiteral("xdotool"), aArguments), 0);
-}
-
 void Type(const QString& aText) {
-  XDoTool({QStringLiteral("type"), aText});
+  krtest::MoveHands({QStringLiteral("type"), aText});
 }
 
 void ClickAt(int aX, int aY) {
-  XDoTool({QStringLiteral("mousemove"), QString::number(aX), QString::number(aY), QStringLiteral("click"),
-           QStringLiteral("1")});
+  krtest::MoveHands({QStringLiteral("mousemove"), QString::number(aX), QString::number(aY), QStringLiteral("click"),
+                     QStringLiteral("1")});
 }
 
 xcb_window_t GetXID(const TestWnd& aWindow) {
@@ -113,7 +108,7 @@ TEST_F(ForeignParent, KeysAfterAClick_ArriveInTheChild) {
 TEST_F(ForeignParent, EscapeAndEnter_DoNotHideTheChild) {
   ASSERT_TRUE(AwaitKeys());
 
-  XDoTool({QStringLiteral("key"), QStringLiteral("Escape"), QStringLiteral("Return")});
+  krtest::MoveHands({QStringLiteral("key"), QStringLiteral("Escape"), QStringLiteral("Return")});
 
   ASSERT_TRUE(WaitFor([this] { return mWindow.record->cancels == 1 && mWindow.record->accepts == 1; }));
   EXPECT_TRUE(mWindow.GetWidget()->isVisible());

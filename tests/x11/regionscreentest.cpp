@@ -73,18 +73,18 @@ protected:
   // The server's pixels, which may be smaller than the toolkit's.
   void MoveMouse(const QPoint& aScreenPoint) const {
     const double ratio = mPage.devicePixelRatioF();
-    RunXdotool({"mousemove", QString::number(std::lround(aScreenPoint.x() * ratio)),
-                QString::number(std::lround(aScreenPoint.y() * ratio))});
+    krtest::MoveHands({"mousemove", QString::number(std::lround(aScreenPoint.x() * ratio)),
+                       QString::number(std::lround(aScreenPoint.y() * ratio))});
   }
   /// The region is as it was drawn when the button has come up, which is the last of the gesture.
   void Drag(const QPoint& aFrom, const QPoint& aTo) {
     const ReleaseCounter releases;
     const Region before = mEditor.GetRegion();
     MoveMouse(aFrom);
-    RunXdotool({"mousedown", "1"});
+    krtest::MoveHands({"mousedown", "1"});
     MoveMouse((aFrom + aTo) / 2);
     MoveMouse(aTo);
-    RunXdotool({"mouseup", "1"});
+    krtest::MoveHands({"mouseup", "1"});
     ASSERT_TRUE(Await([&] { return releases.GetCount() > 0; }));
     EXPECT_NE(mEditor.GetRegion(), before);
   }
@@ -111,7 +111,7 @@ TEST_F(RegionOnScreen, RegionDragged_IsWhatFramesHave) {
   ExpectNear(drawn.y.offset, 240);
   ExpectNear(drawn.x.offset + drawn.x.length, 960);
   ExpectNear(drawn.y.offset + drawn.y.length, 720);
-  RunXdotool({"key", "Return"});
+  krtest::MoveHands({"key", "Return"});
 
   EXPECT_TRUE(AwaitPicture(static_cast<std::uint32_t>(drawn.x.length), static_cast<std::uint32_t>(drawn.y.length)));
 }
@@ -124,7 +124,7 @@ TEST_F(RegionOnScreen, PointerOverThePicture_IsTheOrdinaryOneAfterTheDrawing) {
   MoveMouse(ToScreen(static_cast<double>(mEditor.GetRegion().x.offset), 400));
   ASSERT_TRUE(Await([&] { return native.cursor().shape() == Qt::SizeHorCursor; }));
 
-  RunXdotool({"key", "Escape"});
+  krtest::MoveHands({"key", "Escape"});
 
   EXPECT_TRUE(Await([this] { return !mEditor.IsEditing(); }));
   EXPECT_EQ(native.cursor().shape(), Qt::ArrowCursor);
@@ -174,11 +174,11 @@ TEST_F(RegionOnScreen, Keys_DrawTheRegion) {
   const auto sizeStep =
       static_cast<std::int64_t>(mEditor.GetBar().findChild<QDoubleSpinBox*>("regionHeight")->singleStep());
 
-  RunXdotool({"key", "Right"});
+  krtest::MoveHands({"key", "Right"});
   AwaitRegion({{drawn.x.offset + step, drawn.x.length}, drawn.y});
-  RunXdotool({"key", "shift+Up"});
+  krtest::MoveHands({"key", "shift+Up"});
   AwaitRegion({{drawn.x.offset + step, drawn.x.length}, {drawn.y.offset, drawn.y.length - sizeStep}});
-  RunXdotool({"key", "Escape"});
+  krtest::MoveHands({"key", "Escape"});
 
   EXPECT_TRUE(Await([this] { return !mEditor.IsEditing(); }));
   EXPECT_EQ(mWindow.GetMapping()->imageWidth, 1280U);
