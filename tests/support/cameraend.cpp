@@ -1,5 +1,6 @@
 #include "cameraend.h"
 
+#include "await.h"
 #include "krbase/filedescriptor.h"
 
 #include <fcntl.h>
@@ -117,7 +118,7 @@ void CameraEnd::Say(std::string_view aBytes) {
 
 bool CameraEnd::AwaitBytes(std::size_t aCount) {
   std::unique_lock lock(mMutex);
-  return mChanged.wait_for(lock, std::chrono::seconds(30), [&] { return mCount >= aCount; });
+  return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [&] { return mCount >= aCount; });
 }
 
 void CameraEnd::HangUp() {

@@ -1,7 +1,8 @@
 #pragma once
 // Where a test holds a thread up.
 
-#include <chrono>
+#include "await.h"
+
 #include <condition_variable>
 #include <mutex>
 #include <stop_token>
@@ -30,7 +31,7 @@ public:
   /// False when nobody comes within a limit that only a fault can reach.
   [[nodiscard]] bool AwaitReached() {
     std::unique_lock lock(mMutex);
-    return mChanged.wait_for(lock, std::chrono::seconds(30), [this] { return mIsReached; });
+    return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [this] { return mIsReached; });
   }
   bool IsReached() const {
     const std::lock_guard lock(mMutex);

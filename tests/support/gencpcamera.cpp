@@ -1,5 +1,6 @@
 #include "gencpcamera.h"
 
+#include "await.h"
 #include "wirechannel.h"
 
 #include <poll.h>
@@ -180,18 +181,12 @@ std::vector<HeardCommand> GenCPCamera::TakeHeard() {
 }
 
 bool WireEnds::AwaitCameraRate(std::uint32_t aRate) const {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (cameraRate != aRate) {
-    if (std::chrono::steady_clock::now() > limit)
-      return false;
-    std::this_thread::yield();
-  }
-  return true;
+  return krtest::Await([&] { return cameraRate == aRate; });
 }
 
 bool GenCPCamera::AwaitHeard(std::size_t aCount) {
   std::unique_lock lock(mMutex);
-  return mChanged.wait_for(lock, std::chrono::seconds(30), [&] { return mHeard.size() >= aCount; });
+  return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [&] { return mHeard.size() >= aCount; });
 }
 
 bool GenCPCamera::AwaitReadsOf(std::uint64_t aAddress, int aCount) {
@@ -204,7 +199,7 @@ bool GenCPCamera::AwaitWritesTo(std::uint64_t aAddress, int aCount) {
 
 bool GenCPCamera::AwaitCommands(std::uint16_t aCommand, std::uint64_t aAddress, int aCount) {
   std::unique_lock lock(mMutex);
-  return mChanged.wait_for(lock, std::chrono::seconds(30), [&] {
+  return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [&] {
     return std::ranges::count_if(mHeard, [&](const HeardCommand& aHeard) {
              return aHeard.command == aCommand && aHeard.address == aAddress;
            }) >= aCount;
