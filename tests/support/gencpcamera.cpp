@@ -154,11 +154,6 @@ void GenCPCamera::SetMost(std::size_t aRead, std::size_t aWritten) {
   mMostWritten = aWritten;
 }
 
-void GenCPCamera::SetConfirmationLimit(std::chrono::milliseconds aLimit) {
-  const std::scoped_lock lock(mMutex);
-  mConfirmationLimit = aLimit;
-}
-
 void GenCPCamera::Forget() {
   PokeNumber(kPrivilege, 4, 0);
   const std::scoped_lock lock(mMutex);
@@ -225,13 +220,11 @@ void GenCPCamera::Work() {
   }
 }
 
-// What is no whole packet by now was damaged, and a rate that nobody confirmed is given up.
+// What is no whole packet by now was damaged.
 void GenCPCamera::OnQuiet() {
   const std::scoped_lock lock(mMutex);
   mBuffer.clear();
   mIsFlushing = false;
-  if (mFallBackAt && std::chrono::steady_clock::now() >= *mFallBackAt)
-    SetRate(mRateBefore);
 }
 
 void GenCPCamera::Hear(const Bytes& aBytes) {
@@ -269,9 +262,10 @@ void GenCPCamera::Handle(const Bytes& aPacket) {
   mChanged.notify_all();
   if (Ignores(heard))
     return;
-  const bool isConfirmation = heard.command == 0x0802 && heard.address == kSerialMap + 4 && mFallBackAt;
+  const bool isConfirmation = heard.command == 0x0802 && heard.address == kSerialMap + 4 && mAwaitsConfirmation;
   if (isConfirmation && mFaults.lostConfirmations > 0) {
     --mFaults.lostConfirmations;
+    SetRate(mRateBefore);
     return;
   }
   if (Repeat(heard))
@@ -394,8 +388,8 @@ std::uint16_t GenCPCamera::Write(std::uint64_t aAddress, const Bytes& aData) {
       if (bit == rateBit)
         rate = value;
     }
-    if (mFallBackAt && rate == mWire->cameraRate) {
-      mFallBackAt.reset();
+    if (mAwaitsConfirmation && rate == mWire->cameraRate) {
+      mAwaitsConfirmation = false;
     } else {
       mRateBefore = mWire->cameraRate;
       mNextRate = rate;
@@ -409,10 +403,7 @@ std::uint16_t GenCPCamera::Write(std::uint64_t aAddress, const Bytes& aData) {
 }
 
 void GenCPCamera::SetRate(std::uint32_t aRate) {
-  const bool isOrdered = aRate != 9600 && aRate != mRateBefore;
-  mFallBackAt.reset();
-  if (isOrdered)
-    mFallBackAt = std::chrono::steady_clock::now() + mConfirmationLimit;
+  mAwaitsConfirmation = aRate != 9600 && aRate != mRateBefore;
   mWire->cameraRate = aRate;
 }
 

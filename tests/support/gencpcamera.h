@@ -6,7 +6,6 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <map>
@@ -40,7 +39,8 @@ struct CameraFaults {
   bool hasRubbish = false;         ///< Bytes that belong to nothing stand before each answer, also halves of packets.
   bool hasForeignAnswers = false;  ///< Before each answer come those to another request and on another channel.
   int wrongLengths = 0;            ///< So many answers to reads lack their last byte, with checksums that fit.
-  int lostConfirmations = 0;       ///< So many second orders of a rate are not heard.
+  /// So many second orders of a rate are not heard, as if they came too late: it goes back to the rate of before.
+  int lostConfirmations = 0;
   int lostConfirmationAnswers = 0; ///< So many of them are heard, but not answered.
   int lostAnswers = 0;             ///< So many answers are not sent, repeated ones among them.
   int refusedRepeats = 0;          ///< So many commands that come again are answered by refusal alone.
@@ -100,8 +100,6 @@ public:
   int CountFaults() const { return mFaultCount; }
   /// Most bytes that it reads, or writes, by one command; more is an invalid parameter. 0 for no limit.
   void SetMost(std::size_t aRead, std::size_t aWritten);
-  /// How long it waits for the confirmation of a rate; long, unless set, as machines may be slow.
-  void SetConfirmationLimit(std::chrono::milliseconds aLimit);
   /// Its heartbeat runs out, or it was switched off and on: nobody has control, and the rate is the default.
   void Forget();
   /// It gives nobody control.
@@ -152,8 +150,7 @@ private:
   bool mRefusesControl = false;
   std::size_t mFileCount = 0;
   std::uint64_t mFileEnd = kFiles;
-  std::chrono::milliseconds mConfirmationLimit{60000};
-  std::optional<std::chrono::steady_clock::time_point> mFallBackAt; // To the rate of before.
+  bool mAwaitsConfirmation = false; // Of the rate that it has.
   std::uint32_t mRateBefore = 9600;
   std::uint32_t mNextRate = 0; // After the answer that is sent now.
   std::mt19937 mRandom{20260101};
