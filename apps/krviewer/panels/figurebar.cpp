@@ -23,6 +23,11 @@ QFont MakeLossFont(const QFont& aFont) {
   return font;
 }
 
+// More than the text's advance: glyphs reach beyond their own, and marks come from other fonts.
+int MeasureText(const QLabel& aLabel) {
+  return aLabel.text().isEmpty() ? 0 : aLabel.sizeHint().width();
+}
+
 } // namespace
 
 FigureBar::FigureBar(QWidget* aParent) : QWidget(aParent) {
@@ -42,10 +47,13 @@ FigureBar::FigureBar(QWidget* aParent) : QWidget(aParent) {
 }
 
 void FigureBar::KeepRoom() {
-  const QFontMetrics metrics(font());
-  for (std::size_t i = 0; i < kFigures; ++i)
-    mPlaces[i].width =
-        metrics.horizontalAdvance(QString::fromStdString(FigureTexts::GetUsual(static_cast<FigureKind>(i))));
+  QLabel usual;
+  usual.setFont(font());
+  usual.setTextFormat(Qt::PlainText);
+  for (std::size_t i = 0; i < kFigures; ++i) {
+    usual.setText(QString::fromStdString(FigureTexts::GetUsual(static_cast<FigureKind>(i))));
+    mPlaces[i].width = MeasureText(usual);
+  }
   // The device may have no temperature.
   mPlaces[static_cast<std::size_t>(FigureKind::Temperature)].width = 0;
 }
@@ -72,8 +80,7 @@ void FigureBar::ShowFigure(FigureKind aKind, const FigureText& aText) {
   if (aText.isLoss)
     colours.setColor(QPalette::WindowText, GetWarningColour(palette()));
   label.setPalette(colours);
-  // More than the text's advance: the mark comes from another font, and reaches beyond its own.
-  place.width = std::max(place.width, label.sizeHint().width());
+  place.width = std::max(place.width, MeasureText(label));
 }
 
 void FigureBar::Clear() {
