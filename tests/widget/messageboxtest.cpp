@@ -82,12 +82,12 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& aInfo) { return aInfo.param.name; });
 
 /// Shows a box, looks at it and closes it.
-void LookAtBox(const QString& aText, std::function<void(QWidget&)> aLook) {
+void LookAtBox(const QString& aText, std::function<void(QWidget&)> aLook, const QString& aDetail = {}) {
   DuringNextModalLoop([look = std::move(aLook)](QWidget& aBox) {
     look(aBox);
     aBox.close();
   });
-  (void)ShowMessage(nullptr, aText, QStringLiteral("Error"), MessageIcon::Stop);
+  (void)ShowMessage(nullptr, aText, QStringLiteral("Error"), MessageIcon::Stop, kOK, aDetail);
 }
 
 QString GetShownText(const QWidget& aBox) {
@@ -146,6 +146,24 @@ TEST(MessageBox, ManyLines_AreScrolledAndTheAnswerStaysOnTheScreen) {
       EXPECT_GT(view->verticalScrollBar()->maximum(), 0);
     });
   }
+}
+
+TEST(MessageBox, Detail_StandsBelowTheTextAndIsHeardToo) {
+  const auto look = [](QWidget& aBox) {
+    const auto* text = aBox.findChild<QLabel*>(QStringLiteral("text"));
+    const auto* detail = aBox.findChild<QLabel*>(QStringLiteral("detail"));
+    ASSERT_NE(detail, nullptr);
+    EXPECT_EQ(GetShownText(aBox), QStringLiteral("Could not contact device. "));
+    EXPECT_EQ(detail->text(), QStringLiteral("<b>Nothing</b> answers.\nTwo lines."));
+    EXPECT_EQ(detail->textFormat(), Qt::PlainText);
+    EXPECT_EQ(detail->x(), text->x());
+    EXPECT_GT(detail->y(), text->geometry().bottom());
+    EXPECT_GT(FindButton(aBox, "OK")->y(), detail->geometry().bottom());
+    EXPECT_EQ(aBox.accessibleDescription(), text->text() + QLatin1Char('\n') + detail->text());
+  };
+
+  LookAtBox(QStringLiteral("Could not contact device. "), look,
+            QStringLiteral("<b>Nothing</b> answers.\r\nTwo lines."));
 }
 
 TEST(MessageBox, Reader_HearsTextAndKind) {

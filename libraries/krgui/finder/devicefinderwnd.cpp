@@ -355,10 +355,11 @@ void DeviceFinderWnd::SelectFromIP() {
   SetSilentAddress(answers ? 0 : krsystem::ParseIPv4(dialog.GetAddress()).value_or(0));
   if (answers)
     return Accept(*device);
-  (void)ShowMessage(GetWidget(),
-                    QStringLiteral("Could not contact device. ") +
-                        QStringLiteral("Nothing answers at %1.").arg(ToQString(dialog.GetAddress())),
-                    kErrorCaption, MessageIcon::Exclamation);
+  const QString cause = found == KrResult::Code::NotFound
+                            ? QStringLiteral("Nothing answers at %1.").arg(ToQString(dialog.GetAddress()))
+                            : ToQString(found.GetDescription());
+  (void)ShowMessage(GetWidget(), QStringLiteral("Could not contact device. "), kErrorCaption, MessageIcon::Exclamation,
+                    MessageButtons::OK, cause);
 }
 
 void DeviceFinderWnd::ShowUnreachable(bool aShow) {

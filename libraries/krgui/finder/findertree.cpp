@@ -68,6 +68,9 @@ public:
   bool eventFilter(QObject*, QEvent* aEvent) override {
     if (aEvent->type() == QEvent::Resize || aEvent->type() == QEvent::Show)
       Place();
+    // The toolkit tells of the double-clicks of any button.
+    if (aEvent->type() == QEvent::MouseButtonDblClick)
+      return static_cast<QMouseEvent*>(aEvent)->button() != Qt::LeftButton;
     if (aEvent->type() != QEvent::ContextMenu)
       return false;
     mOwner.AskForMenu(*static_cast<QContextMenuEvent*>(aEvent));

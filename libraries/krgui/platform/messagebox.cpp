@@ -49,15 +49,19 @@ std::span<const ButtonRow> GetButtons(MessageButtons aButtons) {
   return kOKButtons;
 }
 
+QString MakeLines(const QString& aText) {
+  return QString(aText).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
 class MessageBox final : public ModalLoop {
 public:
   MessageBox(QWidget* aOwner, const QString& aText, const QString& aCaption, MessageIcon aIcon,
-             MessageButtons aButtons);
+             MessageButtons aButtons, const QString& aDetail);
   ModalResult Run() { return RunLoop(); }
 
 private:
   QLabel* MakePicture(MessageIcon aIcon);
-  QWidget* MakeText(const QString& aText);
+  QWidget* MakeText(const QString& aText, const QString& aName);
   QWidget* MakeView(QLabel& aText);
   QPushButton* MakeButton(const ButtonRow& aButton);
 
@@ -68,14 +72,17 @@ private:
 };
 
 MessageBox::MessageBox(QWidget* aOwner, const QString& aText, const QString& aCaption, MessageIcon aIcon,
-                       MessageButtons aButtons)
+                       MessageButtons aButtons, const QString& aDetail)
     : ModalLoop(aOwner), mButtons(GetButtons(aButtons)) {
-  const QString text = QString(aText).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+  const QString text = MakeLines(aText);
+  const QString detail = MakeLines(aDetail);
   DialogWindow& dialog = *GetDialog();
   auto* grid = new QGridLayout(&dialog);
   grid->setSizeConstraint(QLayout::SetFixedSize);
-  grid->addWidget(MakePicture(aIcon), 0, 0, Qt::AlignTop);
-  grid->addWidget(MakeText(text), 0, 1);
+  grid->addWidget(MakePicture(aIcon), 0, 0, detail.isEmpty() ? 1 : 2, 1, Qt::AlignTop);
+  grid->addWidget(MakeText(text, QStringLiteral("text")), 0, 1);
+  if (!detail.isEmpty())
+    grid->addWidget(MakeText(detail, QStringLiteral("detail")), 1, 1);
   grid->setHorizontalSpacing(2 * grid->horizontalSpacing());
   grid->setVerticalSpacing(2 * grid->verticalSpacing());
   auto* row = new QHBoxLayout;
@@ -83,10 +90,10 @@ MessageBox::MessageBox(QWidget* aOwner, const QString& aText, const QString& aCa
   for (const ButtonRow& button : mButtons) {
     row->addWidget(MakeButton(button));
   }
-  grid->addLayout(row, 1, 0, 1, 2);
+  grid->addLayout(row, 2, 0, 1, 2);
   dialog.KeepDefaultButton();
   dialog.SetCaption(aCaption);
-  dialog.setAccessibleDescription(text);
+  dialog.setAccessibleDescription(detail.isEmpty() ? text : text + QLatin1Char('\n') + detail);
   dialog.findChild<QPushButton*>()->setDefault(true);
   dialog.findChild<QPushButton*>()->setFocus();
   // So that the size is known when the box is placed.
@@ -109,9 +116,9 @@ QLabel* MessageBox::MakePicture(MessageIcon aIcon) {
 }
 
 /// No wider than a line that reads well; a long word without blanks is not broken, and makes it wider.
-QWidget* MessageBox::MakeText(const QString& aText) {
+QWidget* MessageBox::MakeText(const QString& aText, const QString& aName) {
   auto* label = new QLabel(GetDialog());
-  label->setObjectName(QStringLiteral("text"));
+  label->setObjectName(aName);
   label->setTextFormat(Qt::PlainText);
   label->setText(aText);
   label->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -160,8 +167,8 @@ QPushButton* MessageBox::MakeButton(const ButtonRow& aButton) {
 } // namespace
 
 ModalResult ShowMessage(QWidget* aOwner, const QString& aText, const QString& aCaption, MessageIcon aIcon,
-                        MessageButtons aButtons) {
-  MessageBox box(aOwner, aText, aCaption, aIcon, aButtons);
+                        MessageButtons aButtons, const QString& aDetail) {
+  MessageBox box(aOwner, aText, aCaption, aIcon, aButtons, aDetail);
   return box.Run();
 }
 

@@ -99,6 +99,16 @@ TEST_F(DeviceAcceptanceTest, DoubleClick_OnADeviceAccepts) {
   EXPECT_EQ(mFinder.GetSelected()->GetDisplayID(), KrString("Camera A"));
 }
 
+TEST_F(DeviceAcceptanceTest, DoubleClick_ByAnotherButtonThanTheFirstDoesNothing) {
+  Open({"Camera A"});
+
+  DoubleClick("Camera A", Qt::MiddleButton);
+  DoubleClick("Camera A", Qt::RightButton);
+
+  EXPECT_TRUE(mFinder.IsOpen());
+  EXPECT_EQ(mFinder.GetSelected(), nullptr);
+}
+
 TEST_F(DeviceAcceptanceTest, DoubleClick_OnWhatCannotBeSelectedDoesNothing) {
   Open({"Camera A", "Old device"});
 

@@ -180,10 +180,12 @@ TEST_F(DeviceAddressTest, SelectFromIP_GivesTheDeviceThatAnswersThere) {
 TEST_F(DeviceAddressTest, SelectFromIP_WhereNobodyAnswersSaysSo) {
   Open({"Camera A"});
   ShownMessage message;
+  QString detail;
   OnNextDialog([&](QWidget& aDialog) {
     QTest::keyClicks(aDialog.focusWidget(), "10.1.2.4");
     OnNextDialog([&](QWidget& aBox) {
       message = ReadMessage(aBox);
+      detail = ReadDetail(aBox);
       aBox.close();
     });
     QTest::keyClick(&aDialog, Qt::Key_Return);
@@ -191,10 +193,32 @@ TEST_F(DeviceAddressTest, SelectFromIP_WhereNobodyAnswersSaysSo) {
 
   Click(kFinderSelectFromIPID);
 
-  EXPECT_EQ(message, MakeErrorMessage("Could not contact device. Nothing answers at 10.1.2.4."));
+  EXPECT_EQ(message, MakeErrorMessage("Could not contact device. "));
+  EXPECT_EQ(detail, "Nothing answers at 10.1.2.4.");
   EXPECT_TRUE(mFinder.IsOpen());
   EXPECT_EQ(mFinder.GetSelected(), nullptr);
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(DeviceAddressTest, SelectFromIP_AddressOfNoSingleDeviceIsToldAsSuch) {
+  Open({"Camera A"});
+  ShownMessage message;
+  QString detail;
+  OnNextDialog([&](QWidget& aDialog) {
+    QTest::keyClicks(aDialog.focusWidget(), "224.0.0.1");
+    OnNextDialog([&](QWidget& aBox) {
+      message = ReadMessage(aBox);
+      detail = ReadDetail(aBox);
+      aBox.close();
+    });
+    QTest::keyClick(&aDialog, Qt::Key_Return);
+  });
+
+  Click(kFinderSelectFromIPID);
+
+  EXPECT_EQ(message, MakeErrorMessage("Could not contact device. "));
+  EXPECT_TRUE(detail.contains("224.0.0.1 is the address of no single device")) << detail.toStdString();
+  EXPECT_TRUE(mFinder.IsOpen());
 }
 
 TEST_F(DeviceAddressTest, SelectFromIP_OffersTheAddressAgainWhereNobodyAnswered) {

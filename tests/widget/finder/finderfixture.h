@@ -157,11 +157,11 @@ protected:
     mFinder.GetTree().setCurrentItem(item);
   }
   void Click(int aID) { QTest::mouseClick(mFinder.GetControl(aID), Qt::LeftButton); }
-  void DoubleClick(const char* aText) {
+  void DoubleClick(const char* aText, Qt::MouseButton aButton = Qt::LeftButton) {
     QTreeWidget& tree = mFinder.GetTree();
     const QPoint point = tree.visualItemRect(mFinder.FindItem(aText)).center();
-    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, point);
-    QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, point);
+    QTest::mouseClick(tree.viewport(), aButton, {}, point);
+    QTest::mouseDClick(tree.viewport(), aButton, {}, point);
   }
   /// Presses the right button on an item.
   void AskForMenu(const char* aText) {
@@ -203,6 +203,11 @@ protected:
     const auto* text = aBox.findChild<QLabel*>("text");
     const auto* picture = aBox.findChild<QLabel*>("picture");
     return {text ? text->text() : QString(), aBox.windowTitle(), picture ? picture->accessibleName() : QString()};
+  }
+  /// What stands below a message's text.
+  static QString ReadDetail(const QWidget& aBox) {
+    const auto* detail = aBox.findChild<QLabel*>("detail");
+    return detail ? detail->text() : QString();
   }
   static ShownMessage MakeErrorMessage(const char* aText) { return {aText, "Error", "Warning"}; }
 
