@@ -30,6 +30,12 @@ void TakeMessages(PictureBook& aBook, QWidget& aOwner) {
       {"box-question", krgui::MessageIcon::Question, krgui::MessageButtons::YesNo, "Replace settings.txt?"},
       {"box-long", krgui::MessageIcon::Exclamation, krgui::MessageButtons::OK, lines},
   };
+  InDialog(
+      [&] {
+        krgui::ShowMessage(&aOwner, "Could not contact device. ", "Error", krgui::MessageIcon::Exclamation,
+                           krgui::MessageButtons::OK, "Nothing answers at 192.168.1.21.");
+      },
+      [&](QWidget& aDialog) { aBook.Save(aDialog, "box-detail"); });
   for (const Message& message : messages)
     InDialog([&] { krgui::ShowMessage(&aOwner, message.text, "Restore Features", message.icon, message.buttons); },
              [&](QWidget& aDialog) { aBook.Save(aDialog, message.name); });
