@@ -12,7 +12,7 @@
 
 namespace {
 
-using krtest::IsReached;
+using krtest::Await;
 
 std::string MakeLineText(std::size_t aCount) {
   const std::vector<std::uint8_t> bytes = MakeLineBytes(aCount);
@@ -44,11 +44,11 @@ TEST_F(CameraLinkBridge, AProgram_TalksToTheDevice) {
   ASSERT_EQ(program.Ask("init 0 0"), "0 0");
 
   EXPECT_EQ(program.Ask("write 0 1000 60000"), "0 1000");
-  EXPECT_TRUE(IsReached([&] { return line->GetSent() == MakeLineText(1000); }));
+  EXPECT_TRUE(Await([&] { return line->GetSent() == MakeLineText(1000); }));
   line->Receive(MakeLineText(2000));
 
-  EXPECT_TRUE(IsReached([&] { return bridge.GetBytesReceivedFromDevice() == 2000; }));
-  EXPECT_TRUE(IsReached([&] { return bridge.GetBytesSentToDevice() == 1000; }));
+  EXPECT_TRUE(Await([&] { return bridge.GetBytesReceivedFromDevice() == 2000; }));
+  EXPECT_TRUE(Await([&] { return bridge.GetBytesSentToDevice() == 1000; }));
   EXPECT_EQ(program.Ask("read 0 2000 60000"), "0 2000 right");
 }
 
@@ -77,7 +77,7 @@ TEST_F(CameraLinkBridge, Flush_TakesWhatWaitsInTheBridgeAndInTheDevice) {
 
   for (int round = 0; round < 20; ++round) {
     line->Receive(MakeLineText(2'000'000));
-    ASSERT_TRUE(IsReached([&] { return bridge.GetBytesReceivedFromDevice() > 100000; }));
+    ASSERT_TRUE(Await([&] { return bridge.GetBytesReceivedFromDevice() > 100000; }));
     ASSERT_EQ(program.Ask("flush 0"), "0 0");
 
     ASSERT_EQ(line->CountWaiting(), 0U);
@@ -97,7 +97,7 @@ TEST_F(CameraLinkBridge, Speed_IsSetBehindTheBytesThatWereWrittenBefore) {
   ASSERT_EQ(program.Ask("write 0 10 60000"), "0 10");
 
   program.Send("speed 0 16");
-  ASSERT_TRUE(IsReached([&] { return !port->GetWrites().empty(); })) << "The device does not take them yet.";
+  ASSERT_TRUE(Await([&] { return !port->GetWrites().empty(); })) << "The device does not take them yet.";
   EXPECT_EQ(device.GetSpeed(), "Baud9600");
   port->SetRoom(10);
 

@@ -92,16 +92,4 @@ public:
   std::unique_ptr<KrDevice> device;
 };
 
-/// Asks until it holds; false when it does not within a limit that only a fault can reach.
-template <typename Condition>
-bool Await(Condition&& aCondition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (!aCondition()) {
-    if (std::chrono::steady_clock::now() > limit)
-      return false;
-    std::this_thread::yield();
-  }
-  return true;
-}
-
 } // namespace krcamerabridge

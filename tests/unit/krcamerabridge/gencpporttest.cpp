@@ -1,19 +1,17 @@
 #include "gencp/gencpport.h"
 
 #include "../krgenicam/description/ziparchive.h"
+#include "await.h"
 #include "describedcamera.h"
 #include "gencpfixture.h"
 #include "krgenicam/krgenparameterarray.h"
 
-#include <chrono>
 #include <future>
 #include <string>
-#include <thread>
 
 namespace krcamerabridge {
 namespace {
 
-using namespace std::chrono_literals;
 using krtest::GenCPCamera;
 
 constexpr std::uint64_t kPrivilege = 0x204;
@@ -47,12 +45,11 @@ protected:
   }
   // Reads until the camera answers again.
   KrResult ReadUntilAnswered() {
-    const auto until = std::chrono::steady_clock::now() + 60s;
-    KrResult result = Read();
-    while (result == KrResult::Code::TimeLimitExceeded && std::chrono::steady_clock::now() < until) {
-      std::this_thread::yield();
+    KrResult result;
+    EXPECT_TRUE(krtest::Await([&] {
       result = Read();
-    }
+      return result != KrResult::Code::TimeLimitExceeded;
+    }));
     return result;
   }
 

@@ -1,5 +1,6 @@
 #include "sync/parametersync.h"
 
+#include "await.h"
 #include "bridgedevicefixture.h"
 #include "describedcamera.h"
 #include "krbase/krlogger.h"
@@ -33,7 +34,7 @@ public:
 
   void Set(const char* aName, std::int64_t aValue) { ASSERT_TRUE(camera.Integer(aName).SetValue(aValue).IsOK()); }
   bool AwaitRest() {
-    return Await([this] { return sync.GetText().IsEmpty(); });
+    return krtest::Await([this] { return sync.GetText().IsEmpty(); });
   }
 
   DescribedCamera camera;
@@ -51,8 +52,8 @@ TEST(ParameterSync, TwoCamerasOfOneDevice_NeverSetTheOthersSource) {
     second.Set("Height", i);
   }
 
-  EXPECT_TRUE(Await([&] { return grabber.Peek(0, "Width") == 50; }));
-  EXPECT_TRUE(Await([&] { return grabber.Peek(1, "Width") == 550 && grabber.Peek(1, "Height") == 50; }));
+  EXPECT_TRUE(krtest::Await([&] { return grabber.Peek(0, "Width") == 50; }));
+  EXPECT_TRUE(krtest::Await([&] { return grabber.Peek(1, "Width") == 550 && grabber.Peek(1, "Height") == 50; }));
   EXPECT_TRUE(first.AwaitRest());
   EXPECT_TRUE(second.AwaitRest());
   EXPECT_EQ(grabber.Peek(0, "Height"), 0u);
@@ -65,7 +66,7 @@ TEST(ParameterSync, Offset_IsTakenAwayBeforeTheSizeAndSetBehindIt) {
   AttachedCamera camera(grabber, "");
   ASSERT_TRUE(camera.AwaitRest());
   camera.Set("OffsetX", 100);
-  ASSERT_TRUE(Await([&] { return grabber.Peek(0, "OffsetX") == 100; }));
+  ASSERT_TRUE(krtest::Await([&] { return grabber.Peek(0, "OffsetX") == 100; }));
   ASSERT_TRUE(camera.AwaitRest());
   camera.camera.Poke(FindRegister(0, "OffsetX"), {0, 0, 0, 50});
   camera.camera.Poke(FindRegister(0, "Width"), {0, 0, 3, 182}); // 950
@@ -73,7 +74,7 @@ TEST(ParameterSync, Offset_IsTakenAwayBeforeTheSizeAndSetBehindIt) {
 
   camera.camera.array->InvalidateCache();
 
-  ASSERT_TRUE(Await([&] { return grabber.Peek(0, "OffsetX") == 50; }));
+  ASSERT_TRUE(krtest::Await([&] { return grabber.Peek(0, "OffsetX") == 50; }));
   EXPECT_EQ(grabber.Peek(0, "Width"), 950u);
   std::vector<std::uint64_t> written;
   for (const RegisterAccessRecord& record : grabber.link->port.TakeRecords())
@@ -101,7 +102,7 @@ TEST(ParameterSync, CameraWithoutOffsets_LeavesThoseOfTheDevice) {
 
   camera.Set("Width", 300);
 
-  EXPECT_TRUE(Await([&] { return grabber.Peek(0, "Width") == 300; }));
+  EXPECT_TRUE(krtest::Await([&] { return grabber.Peek(0, "Width") == 300; }));
   EXPECT_TRUE(camera.AwaitRest());
   EXPECT_EQ(grabber.Peek(0, "OffsetX"), 20u);
 }
@@ -115,8 +116,9 @@ TEST(ParameterSync, ValueBeyondTheDevicesLimit_IsToldWhileTheRestIsSet) {
   camera.Set("Width", 4000);
   camera.Set("Height", 7);
 
-  ASSERT_TRUE(Await([&] { return grabber.Peek(0, "Height") == 7; }));
-  ASSERT_TRUE(Await([&] { return camera.sync.GetText().ToUtf8().find("could not be set") != std::string::npos; }));
+  ASSERT_TRUE(krtest::Await([&] { return grabber.Peek(0, "Height") == 7; }));
+  ASSERT_TRUE(
+      krtest::Await([&] { return camera.sync.GetText().ToUtf8().find("could not be set") != std::string::npos; }));
   EXPECT_THAT(camera.sync.GetText().ToUtf8(), HasSubstr("The camera's Width 4000 could not be set on the device: "));
   EXPECT_EQ(grabber.Peek(0, "Width"), 0u);
 }
@@ -126,7 +128,7 @@ TEST(ParameterSync, DeviceWithoutSources_IsToldWhenOneIsChosen) {
   GrabberDevice grabber(MakeSizeNodes(kSourceRegisters, "1000"));
   AttachedCamera camera(grabber, "Source1");
 
-  EXPECT_TRUE(Await([&] {
+  EXPECT_TRUE(krtest::Await([&] {
     return camera.sync.GetText() ==
            "The device's source \"Source1\" could not be selected: The device has no sources to choose from.";
   }));
@@ -248,13 +250,13 @@ TEST(ParameterSync, DetachedWhileItSetsTheDevice_SetsNothingMoreAndPutsTheSelect
   grabber.link->port.SetFault([&](const RegisterAccessRecord& aRecord) {
     if (aRecord.isWrite && aRecord.address == GrabberDevice::GetRegister(1, "Width")) {
       isSetting = true;
-      EXPECT_TRUE(Await(isClosed));
+      EXPECT_TRUE(krtest::Await(isClosed));
     }
     return KrResult();
   });
 
   camera.sync.SetOn(true);
-  ASSERT_TRUE(Await([&] { return isSetting.load(); }));
+  ASSERT_TRUE(krtest::Await([&] { return isSetting.load(); }));
   camera.sync.Detach();
   grabber.link->port.SetFault({});
 

@@ -2,6 +2,7 @@
 // Both sides of a bridge for tests: a host's end over a real socket, and an adapter whose parameters may be changed
 // while a bridge asks for them.
 
+#include "await.h"
 #include "bridge/ihostend.h"
 #include "serialadapter.h"
 
@@ -12,28 +13,12 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <condition_variable>
-#include <functional>
 #include <mutex>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 namespace krtest {
-
-inline constexpr std::chrono::seconds kGenerous(60);
-
-/// Whether the condition comes true within a generous limit.
-inline bool IsReached(const std::function<bool()>& aCondition) {
-  const auto limit = std::chrono::steady_clock::now() + kGenerous;
-  while (!aCondition()) {
-    if (std::chrono::steady_clock::now() > limit)
-      return false;
-    std::this_thread::yield();
-  }
-  return true;
-}
 
 /// A host's end whose far end is the test's: Send and Receive. Its socket's buffers are as small as the system has
 /// them.
@@ -86,7 +71,7 @@ public:
     std::size_t received = 0;
     while (received < aSize) {
       pollfd waiting = {mFar, POLLIN, 0};
-      if (::poll(&waiting, 1, static_cast<int>(std::chrono::milliseconds(kGenerous).count())) <= 0)
+      if (::poll(&waiting, 1, static_cast<int>(GetGenerousLimit().count())) <= 0)
         break;
       const ssize_t count = ::recv(mFar, bytes.data() + received, aSize - received, 0);
       if (count <= 0)

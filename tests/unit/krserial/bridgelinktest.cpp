@@ -11,7 +11,7 @@
 
 using krserial::BridgeCounters;
 using krserial::BridgeLink;
-using krtest::IsReached;
+using krtest::Await;
 using krtest::SocketEnd;
 using testing::ElementsAre;
 
@@ -55,7 +55,7 @@ TEST_F(BridgeLinkTest, TheFarEndsSpeed_IsTheDevicesAndTold) {
   EXPECT_EQ(end.Ask(57600), KrResult::Code::NotSupported);
 
   EXPECT_EQ(adapter.GetSpeed(), "Baud19200");
-  EXPECT_TRUE(IsReached([&] { return end.GetTold().current == 19200; }));
+  EXPECT_TRUE(Await([&] { return end.GetTold().current == 19200; }));
 }
 
 TEST_F(BridgeLinkTest, Configure_SetsTheHostsPortAndTheDevicesSpeed) {
@@ -83,11 +83,11 @@ TEST_F(BridgeLinkTest, State_SaysWhichSideIsWaitedFor) {
   SocketEnd& end = Run(link);
 
   end.Lose();
-  EXPECT_TRUE(IsReached([&] { return link.GetState() == KrSerialBridgeState::WaitingForPort; }));
+  EXPECT_TRUE(Await([&] { return link.GetState() == KrSerialBridgeState::WaitingForPort; }));
   end.Restore();
-  EXPECT_TRUE(IsReached([&] { return link.GetState() == KrSerialBridgeState::Running; }));
+  EXPECT_TRUE(Await([&] { return link.GetState() == KrSerialBridgeState::Running; }));
   line->Lose();
-  EXPECT_TRUE(IsReached([&] { return link.GetState() == KrSerialBridgeState::WaitingForDevice; }));
+  EXPECT_TRUE(Await([&] { return link.GetState() == KrSerialBridgeState::WaitingForDevice; }));
 
   EXPECT_FALSE(link.GetStateText().IsEmpty());
 }
@@ -116,12 +116,12 @@ TEST_F(BridgeLinkTest, AnEndWhileTheDeviceIsAsked_StopsTheBytesFirstAndAsksNothi
   auto link = std::make_unique<BridgeLink>(adapter, KrDeviceSerial::Serial0, counters);
   SocketEnd& end = Run(*link);
   adapter.Hold();
-  ASSERT_TRUE(IsReached([&] { return adapter.CountHeld() == 1; }));
-  ASSERT_TRUE(IsReached([&] { return line->CountCalls() == 1; })) << "The line is read.";
+  ASSERT_TRUE(Await([&] { return adapter.CountHeld() == 1; }));
+  ASSERT_TRUE(Await([&] { return line->CountCalls() == 1; })) << "The line is read.";
 
   std::future<void> ending = std::async(std::launch::async, [&] { link.reset(); });
 
-  EXPECT_TRUE(IsReached([&] { return line->CountCalls() == 0; })) << "While the device does not answer.";
+  EXPECT_TRUE(Await([&] { return line->CountCalls() == 0; })) << "While the device does not answer.";
   EXPECT_EQ(end.Ask(19200), KrResult::Code::Aborted);
   const int questions = adapter.CountQuestions();
   adapter.Release();

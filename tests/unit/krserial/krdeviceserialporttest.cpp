@@ -1,12 +1,12 @@
 #include "krserial/krdeviceserialport.h"
 
+#include "await.h"
 #include "krbase/krlogger.h"
 #include "serialadapter.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <functional>
 #include <future>
 #include <stdexcept>
 #include <string>
@@ -43,14 +43,6 @@ protected:
   std::shared_ptr<SerialLine> line = adapter.AddLine(0);
   KrDeviceSerialPort port;
 };
-
-void WaitUntil(const std::function<bool()>& aCondition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousMs);
-  while (!aCondition()) {
-    ASSERT_LT(std::chrono::steady_clock::now(), limit);
-    std::this_thread::yield();
-  }
-}
 
 TEST(KrDeviceSerialPort, IsSupported_IsTrueForTheLinesOfTheDeviceAlone) {
   SerialAdapter adapter;
@@ -191,7 +183,7 @@ TEST_F(OpenPort, Write_ToAFullLine_WaitsUntilAllIsTaken) {
   line->SetRoom(2);
   std::uint32_t written = 0;
   std::future<KrResult> writing = std::async(std::launch::async, [&] { return Write("abcd", written); });
-  WaitUntil([&] { return line->GetSent() == "ab"; });
+  EXPECT_TRUE(krtest::Await([&] { return line->GetSent() == "ab"; }));
 
   line->SetRoom(100);
 
@@ -204,7 +196,7 @@ TEST_F(OpenPort, Cancel_EndsAWriteThatWaits_WithWhatWasTaken) {
   line->SetRoom(2);
   std::uint32_t written = 0;
   std::future<KrResult> writing = std::async(std::launch::async, [&] { return Write("abcd", written); });
-  WaitUntil([&] { return line->GetSent() == "ab"; });
+  EXPECT_TRUE(krtest::Await([&] { return line->GetSent() == "ab"; }));
 
   port.Cancel();
 
@@ -215,7 +207,7 @@ TEST_F(OpenPort, Cancel_EndsAWriteThatWaits_WithWhatWasTaken) {
 TEST_F(OpenPort, Cancel_EndsAReadThatWaits) {
   std::string text;
   std::future<KrResult> reading = std::async(std::launch::async, [&] { return Read(text, kGenerousMs); });
-  WaitUntil([&] { return line->CountReads() == 1; });
+  EXPECT_TRUE(krtest::Await([&] { return line->CountReads() == 1; }));
 
   port.Cancel();
 
@@ -244,7 +236,7 @@ TEST_F(OpenPort, CancelOfAWrite_EndsItAlone) {
   std::uint32_t written = 0;
   std::future<KrResult> writing =
       std::async(std::launch::async, [&] { return port.Write(Bytes("file"), 4, written, cancel.get_token()); });
-  WaitUntil([&] { return line->GetSent() == "f"; });
+  EXPECT_TRUE(krtest::Await([&] { return line->GetSent() == "f"; }));
 
   cancel.request_stop();
 
@@ -272,7 +264,7 @@ TEST_F(OpenPort, CancelOfARead_EndsItAlone) {
     std::uint32_t read = 0;
     return port.Read(&byte, 1, read, kGenerousMs, stop.get_token());
   });
-  WaitUntil([&] { return line->CountReads() == 1; });
+  EXPECT_TRUE(krtest::Await([&] { return line->CountReads() == 1; }));
 
   stop.request_stop();
 
@@ -287,7 +279,7 @@ TEST_F(OpenPort, CancelOfAWrite_EndsItsWaitForTheOneBeforeIt) {
   line->SetRoom(0);
   std::uint32_t firstWritten = 0;
   std::future<KrResult> first = std::async(std::launch::async, [&] { return Write("first", firstWritten); });
-  WaitUntil([&] { return line->GetWrites().size() == 1; });
+  EXPECT_TRUE(krtest::Await([&] { return line->GetWrites().size() == 1; }));
   std::stop_source cancel;
   std::uint32_t written = 0;
   std::future<KrResult> second =
@@ -328,7 +320,7 @@ TEST_F(OpenPort, Close_EndsReadAndWriteThatWait) {
   std::uint32_t written = 0;
   std::future<KrResult> reading = std::async(std::launch::async, [&] { return Read(text, kGenerousMs); });
   std::future<KrResult> writing = std::async(std::launch::async, [&] { return Write("a", written); });
-  WaitUntil([&] { return line->CountReads() == 1 && line->GetWrites().size() == 1; });
+  EXPECT_TRUE(krtest::Await([&] { return line->CountReads() == 1 && line->GetWrites().size() == 1; }));
 
   ASSERT_TRUE(port.Close().IsOK());
 
@@ -342,7 +334,7 @@ TEST_F(OpenPort, Loss_EndsCallsWithConnectionLostAndLeavesThePortOpen) {
   std::string text;
   std::uint32_t written = 0;
   std::future<KrResult> reading = std::async(std::launch::async, [&] { return Read(text, kGenerousMs); });
-  WaitUntil([&] { return line->CountReads() == 1; });
+  EXPECT_TRUE(krtest::Await([&] { return line->CountReads() == 1; }));
 
   line->Lose();
 

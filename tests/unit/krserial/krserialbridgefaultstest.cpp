@@ -12,8 +12,8 @@
 #include <filesystem>
 #include <future>
 
+using krtest::Await;
 using krtest::BridgeTest;
-using krtest::IsReached;
 using testing::HasSubstr;
 
 namespace {
@@ -136,19 +136,19 @@ TEST_F(BridgeTest, ADeviceThatIsLost_IsSaidToBe_AndStopEndsAtOnce) {
 
   line->Lose();
 
-  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForDevice; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForDevice; }));
   EXPECT_THAT(bridge.GetStateText().ToUtf8(), HasSubstr("Serial0"));
   std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
-  EXPECT_EQ(stopping.wait_for(krtest::kGenerous), std::future_status::ready);
+  EXPECT_EQ(stopping.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
 }
 
 TEST_F(BridgeTest, Stop_WhileTheDeviceIsAsked_MovesNoMoreBytesAndAsksNoMore) {
   LinkPort();
   ASSERT_TRUE(Start({.baudRate = 9600}).IsOK());
   adapter.Hold();
-  ASSERT_TRUE(IsReached([&] { return adapter.CountHeld() == 1; }));
+  ASSERT_TRUE(Await([&] { return adapter.CountHeld() == 1; }));
   std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
-  ASSERT_TRUE(IsReached([&] { return line->CountCalls() == 0; }));
+  ASSERT_TRUE(Await([&] { return line->CountCalls() == 0; }));
 
   const int questions = adapter.CountQuestions();
   adapter.Release();
@@ -164,12 +164,12 @@ TEST_F(BridgeTest, ADevicePortThatFails_IsOpenedAgain) {
   ASSERT_TRUE(Start().IsOK());
 
   line->FailReading({KrResult::Code::SystemError, "The line is cut."});
-  ASSERT_TRUE(IsReached([&] { return line->CountOpenings() > 1; }));
+  ASSERT_TRUE(Await([&] { return line->CountOpenings() > 1; }));
   line->FailReading({});
-  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running && line->IsOpen(); }));
+  ASSERT_TRUE(Await([&] { return bridge.GetState() == KrSerialBridgeState::Running && line->IsOpen(); }));
   terminal.Write("again");
 
-  EXPECT_TRUE(IsReached([&] { return line->GetSent() == "again"; }));
+  EXPECT_TRUE(Await([&] { return line->GetSent() == "again"; }));
 }
 
 TEST_F(BridgeTest, AHostsPortThatGoes_IsTakenAgainWhenItIsBack) {
@@ -178,16 +178,16 @@ TEST_F(BridgeTest, AHostsPortThatGoes_IsTakenAgainWhenItIsBack) {
   ASSERT_TRUE(Start({.baudRate = 19200}).IsOK());
 
   EndPort(first);
-  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
   EXPECT_THAT(bridge.GetStateText().ToUtf8(), HasSubstr("COM3"));
   line->Receive("meanwhile");
-  ASSERT_TRUE(IsReached([&] { return bridge.GetBytesReceivedFromDevice() == 9; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetBytesReceivedFromDevice() == 9; }));
   LinkPort();
 
-  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
   EXPECT_EQ(terminal.Read(9), "meanwhile");
   terminal.Write("back");
-  EXPECT_TRUE(IsReached([&] { return line->GetSent() == "back"; }));
+  EXPECT_TRUE(Await([&] { return line->GetSent() == "back"; }));
 }
 
 TEST_F(BridgeTest, AHostsPortThatIsBack_HasTheDeviceAtItsSpeedAgain) {
@@ -195,17 +195,17 @@ TEST_F(BridgeTest, AHostsPortThatIsBack_HasTheDeviceAtItsSpeedAgain) {
   host.Link("com3", first->GetPath());
   ASSERT_TRUE(Start({.baudRate = 19200}).IsOK());
   krtest::SetSpeed(*first, 115200);
-  ASSERT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
+  ASSERT_TRUE(Await([&] { return adapter.GetSpeed() == "Baud115200"; }));
 
   EndPort(first);
-  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
   LinkPort();
-  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
 
   EXPECT_EQ(adapter.GetSpeed(), "Baud19200");
   EXPECT_EQ(PortClient(terminal.GetPath()).GetSettings().GetSpeed(), 19200U);
   krtest::SetSpeed(terminal, 115200);
-  EXPECT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
+  EXPECT_TRUE(Await([&] { return adapter.GetSpeed() == "Baud115200"; }));
 }
 
 TEST_F(BridgeTest, AHostsPortThatIsBackAndCannotBeTaken_IsSaidWhy) {
@@ -214,13 +214,13 @@ TEST_F(BridgeTest, AHostsPortThatIsBackAndCannotBeTaken_IsSaidWhy) {
   ASSERT_TRUE(Start().IsOK());
 
   EndPort(first);
-  EXPECT_TRUE(IsReached([&] { return Contains(bridge.GetStateText(), "where nothing is now"); }));
+  EXPECT_TRUE(Await([&] { return Contains(bridge.GetStateText(), "where nothing is now"); }));
   host.Link("com3", "/dev/null");
-  EXPECT_TRUE(IsReached([&] { return Contains(bridge.GetStateText(), "no serial port"); }));
+  EXPECT_TRUE(Await([&] { return Contains(bridge.GetStateText(), "no serial port"); }));
 
   EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::WaitingForPort);
   LinkPort();
-  EXPECT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
+  EXPECT_TRUE(Await([&] { return bridge.GetState() == KrSerialBridgeState::Running; }));
   EXPECT_EQ(bridge.GetStateText(), KrString());
 }
 
@@ -229,11 +229,11 @@ TEST_F(BridgeTest, Stop_WhileTheHostsPortIsLost_Ends) {
   host.Link("com3", first->GetPath());
   ASSERT_TRUE(Start().IsOK());
   EndPort(first);
-  ASSERT_TRUE(IsReached([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetState() == KrSerialBridgeState::WaitingForPort; }));
 
   std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
 
-  EXPECT_EQ(stopping.wait_for(krtest::kGenerous), std::future_status::ready);
+  EXPECT_EQ(stopping.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
   EXPECT_FALSE(line->IsOpen());
 }
 
@@ -243,11 +243,11 @@ TEST_F(BridgeTest, Stop_WhileBothDirectionsAreBlocked_Ends) {
   ASSERT_TRUE(Start().IsOK());
   line->Receive(MakeMixedBytes(1 << 20, 1));
   terminal.Write("for the device");
-  ASSERT_TRUE(IsReached([&] { return !line->GetWrites().empty() && bridge.GetBytesReceivedFromDevice() > 0; }));
+  ASSERT_TRUE(Await([&] { return !line->GetWrites().empty() && bridge.GetBytesReceivedFromDevice() > 0; }));
 
   std::future<void> stopping = std::async(std::launch::async, [&] { bridge.Stop(); });
 
-  EXPECT_EQ(stopping.wait_for(krtest::kGenerous), std::future_status::ready);
+  EXPECT_EQ(stopping.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
 }
 
 TEST_F(BridgeTest, AClientThatDoesNotRead_StopsTheOtherDirectionNot) {
@@ -259,7 +259,7 @@ TEST_F(BridgeTest, AClientThatDoesNotRead_StopsTheOtherDirectionNot) {
 
   client.Write(toDevice);
 
-  EXPECT_TRUE(IsReached([&] { return line->GetSent().size() >= toDevice.size(); }));
+  EXPECT_TRUE(Await([&] { return line->GetSent().size() >= toDevice.size(); }));
   EXPECT_TRUE(line->GetSent() == toDevice);
   EXPECT_LT(bridge.GetBytesReceivedFromDevice(), toHost.size() / 2) << "most of it waits in the device";
 }

@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <future>
 
+using krtest::Await;
 using krtest::BridgeTest;
-using krtest::IsReached;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -46,9 +46,9 @@ TEST_F(BridgeTest, ALinkedPort_CarriesAMegabyteEachWayAtOnce) {
   const bool isHostServed = terminal.Read(kMegabyte) == toHost;
 
   EXPECT_TRUE(isHostServed);
-  EXPECT_TRUE(IsReached([&] { return line->GetSent().size() >= kMegabyte; }));
+  EXPECT_TRUE(Await([&] { return line->GetSent().size() >= kMegabyte; }));
   EXPECT_TRUE(line->GetSent() == toDevice);
-  EXPECT_TRUE(IsReached([&] { return bridge.GetBytesSentToDevice() == kMegabyte; }));
+  EXPECT_TRUE(Await([&] { return bridge.GetBytesSentToDevice() == kMegabyte; }));
   EXPECT_EQ(bridge.GetBytesReceivedFromDevice(), kMegabyte);
 }
 
@@ -84,7 +84,7 @@ TEST_F(BridgeTest, Counters_OutlastTheStopAndBeginAnewWithAStart) {
   LinkPort();
   ASSERT_TRUE(Start().IsOK());
   terminal.Write("seven b");
-  ASSERT_TRUE(IsReached([&] { return bridge.GetBytesSentToDevice() == 7; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetBytesSentToDevice() == 7; }));
 
   bridge.Stop();
   EXPECT_EQ(bridge.GetBytesSentToDevice(), 7U);
@@ -97,7 +97,7 @@ TEST_F(BridgeTest, ResetStatistics_CountsFromThere) {
   LinkPort();
   ASSERT_TRUE(Start().IsOK());
   terminal.Write("seven b");
-  ASSERT_TRUE(IsReached([&] { return bridge.GetBytesSentToDevice() == 7; }));
+  ASSERT_TRUE(Await([&] { return bridge.GetBytesSentToDevice() == 7; }));
 
   bridge.ResetStatistics();
   line->Receive("four");
@@ -113,7 +113,7 @@ TEST_F(BridgeTest, APortThatTheHostLacks_IsMadeWhereThatIsWanted) {
   {
     const PortClient client(GetPath());
     client.Write("question");
-    ASSERT_TRUE(IsReached([&] { return line->GetSent() == "question"; }));
+    ASSERT_TRUE(Await([&] { return line->GetSent() == "question"; }));
     line->Receive("answer");
     EXPECT_EQ(client.Read(6), "answer");
   }
@@ -130,8 +130,8 @@ TEST_F(BridgeTest, AClientsSpeed_IsTheDevices) {
 
   client.SetSpeed(115200);
 
-  EXPECT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
-  EXPECT_TRUE(IsReached([&] { return bridge.GetBaudRate() == 115200; }));
+  EXPECT_TRUE(Await([&] { return adapter.GetSpeed() == "Baud115200"; }));
+  EXPECT_TRUE(Await([&] { return bridge.GetBaudRate() == 115200; }));
   EXPECT_EQ(bridge.GetStateText(), KrString());
 }
 
@@ -141,7 +141,7 @@ TEST_F(BridgeTest, AClientsSpeedThatTheDeviceLacks_IsSaidAndNotFollowed) {
 
   client.SetSpeed(57600);
 
-  EXPECT_TRUE(IsReached([&] { return !bridge.GetStateText().IsEmpty(); }));
+  EXPECT_TRUE(Await([&] { return !bridge.GetStateText().IsEmpty(); }));
   EXPECT_THAT(bridge.GetStateText().ToUtf8(), HasSubstr("57600"));
   EXPECT_EQ(bridge.GetState(), KrSerialBridgeState::Running);
   EXPECT_EQ(adapter.GetSpeed(), "Baud9600");
@@ -153,8 +153,8 @@ TEST_F(BridgeTest, TheSpeedOfALinkedPseudoTerminal_IsTheDevices) {
 
   krtest::SetSpeed(terminal, 115200);
 
-  EXPECT_TRUE(IsReached([&] { return adapter.GetSpeed() == "Baud115200"; }));
-  EXPECT_TRUE(IsReached([&] { return bridge.GetBaudRate() == 115200; }));
+  EXPECT_TRUE(Await([&] { return adapter.GetSpeed() == "Baud115200"; }));
+  EXPECT_TRUE(Await([&] { return bridge.GetBaudRate() == 115200; }));
 }
 
 TEST_F(BridgeTest, AConfigurationThatChanges_IsTheHostsPortsAndTheDevices) {
@@ -169,7 +169,7 @@ TEST_F(BridgeTest, AConfigurationThatChanges_IsTheHostsPortsAndTheDevices) {
   EXPECT_EQ(adapter.GetSpeed(), "Baud115200");
   EXPECT_EQ(PortClient(GetPath()).GetSettings().GetSpeed(), 115200U);
   terminal.Write("still");
-  EXPECT_TRUE(IsReached([&] { return line->GetSent() == "still"; }));
+  EXPECT_TRUE(Await([&] { return line->GetSent() == "still"; }));
 }
 
 TEST_F(BridgeTest, ASpeedThatTheDeviceLacks_IsNoFailure) {

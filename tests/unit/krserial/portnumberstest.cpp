@@ -1,6 +1,7 @@
 // The file that remembers which serial port has which number.
 
 #include "portnumbers.h"
+#include "await.h"
 #include "krbase/filedescriptor.h"
 #include "krbase/krlogger.h"
 #include "temporaryfolder.h"
@@ -12,7 +13,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -43,13 +43,13 @@ protected:
   }
 
   // Until both are remembered: who holds the file up for long, as on a busy disk, is not waited for each time.
-  void AssignForGood(const std::string& aFirst, const std::string& aSecond) const {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    PortNumbers kept;
-    while (!(kept.contains(aFirst) && kept.contains(aSecond)) && std::chrono::steady_clock::now() < limit) {
+  [[nodiscard]] bool AssignForGood(const std::string& aFirst, const std::string& aSecond) const {
+    return krtest::Await([&] {
+      PortNumbers kept;
       Assign({{aFirst}, {aSecond}});
       (void)krserial::ParsePortNumbers(TemporaryFolder::ReadFile(mFile), kept);
-    }
+      return kept.contains(aFirst) && kept.contains(aSecond);
+    });
   }
 
   const TemporaryFolder mFolder;
@@ -200,7 +200,8 @@ TEST_F(PortNumbersTest, Assign_ByProcessesAtOnce_GivesEveryPortANumberOfItsOwn) 
     ASSERT_GE(child, 0);
     if (child == 0) {
       for (int port = 0; port < kPorts; ++port)
-        AssignForGood("shared" + std::to_string(port), std::to_string(process) + "-" + std::to_string(port));
+        if (!AssignForGood("shared" + std::to_string(port), std::to_string(process) + "-" + std::to_string(port)))
+          _exit(1);
       _exit(0);
     }
     processes.push_back(child);

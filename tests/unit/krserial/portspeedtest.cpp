@@ -6,7 +6,7 @@
 
 using krserial::DevicePortSpeed;
 using krserial::PortSpeed;
-using krtest::IsReached;
+using krtest::Await;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -49,8 +49,8 @@ TEST_F(PortSpeedTest, AChangeBySomebodyElse_IsSeenAndTold) {
 
   adapter.SetSpeed("Baud115200");
 
-  EXPECT_TRUE(IsReached([this] { return speed.Get() == 115200; }));
-  EXPECT_TRUE(IsReached([this] { return GetTold() == std::vector<std::uint32_t>{9600, 115200}; }));
+  EXPECT_TRUE(Await([this] { return speed.Get() == 115200; }));
+  EXPECT_TRUE(Await([this] { return GetTold() == std::vector<std::uint32_t>{9600, 115200}; }));
 }
 
 TEST_F(PortSpeedTest, Request_OfASpeedThatTheDeviceHas_SetsIt) {
@@ -59,7 +59,7 @@ TEST_F(PortSpeedTest, Request_OfASpeedThatTheDeviceHas_SetsIt) {
   EXPECT_TRUE(speed.Request(19200).IsOK());
 
   EXPECT_EQ(adapter.GetSpeed(), "Baud19200");
-  EXPECT_TRUE(IsReached([this] { return GetTold().back() == 19200; }));
+  EXPECT_TRUE(Await([this] { return GetTold().back() == 19200; }));
   EXPECT_EQ(status.GetText(), KrString());
 }
 
@@ -104,7 +104,7 @@ TEST_F(PortSpeedTest, ADeviceThatCannotSay_HasTheHardCodedSpeed) {
 
   EXPECT_EQ(speed.Get(), 57600U);
   EXPECT_THAT(speed.GetSupported(), IsEmpty());
-  EXPECT_TRUE(IsReached([this] { return GetTold() == std::vector<std::uint32_t>{0, 57600}; }));
+  EXPECT_TRUE(Await([this] { return GetTold() == std::vector<std::uint32_t>{0, 57600}; }));
   EXPECT_TRUE(speed.Request(57600).IsOK());
   EXPECT_EQ(speed.Request(9600), KrResult::Code::NotFound);
   EXPECT_EQ(status.GetText(), KrString());
@@ -123,7 +123,7 @@ TEST_F(PortSpeedTest, ADeviceThatDoesNotAnswer_KeepsWhatItSaidLast) {
   adapter.FailReading({KrResult::Code::TimeLimitExceeded, "No answer."});
 
   const int before = adapter.CountQuestions();
-  ASSERT_TRUE(IsReached([&] { return adapter.CountQuestions() > before + 1; }));
+  ASSERT_TRUE(Await([&] { return adapter.CountQuestions() > before + 1; }));
 
   EXPECT_EQ(speed.Get(), 9600U);
 }

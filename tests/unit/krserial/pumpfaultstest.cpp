@@ -10,7 +10,7 @@
 #include <future>
 #include <utility>
 
-using krtest::IsReached;
+using krtest::Await;
 using krtest::PumpTest;
 using testing::HasSubstr;
 
@@ -60,11 +60,11 @@ protected:
 
 TEST_F(PumpTest, ADevicePortThatFailsToRead_IsOpenedAgain) {
   line->FailReading({KrResult::Code::SystemError, "The line is cut."});
-  ASSERT_TRUE(IsReached([&] { return line->CountOpenings() > 1; }));
-  ASSERT_TRUE(IsReached([&] { return status.HasDeviceFailed(); }));
+  ASSERT_TRUE(Await([&] { return line->CountOpenings() > 1; }));
+  ASSERT_TRUE(Await([&] { return status.HasDeviceFailed(); }));
 
   line->FailReading({});
-  ASSERT_TRUE(IsReached([&] { return !status.HasDeviceFailed() && line->IsOpen(); }));
+  ASSERT_TRUE(Await([&] { return !status.HasDeviceFailed() && line->IsOpen(); }));
   end.Send("to the device");
   line->Receive("to the host");
 
@@ -75,21 +75,21 @@ TEST_F(PumpTest, ADevicePortThatFailsToRead_IsOpenedAgain) {
 TEST_F(PumpTest, ADevicePortThatFailsToWrite_GetsTheRestWhenItIsOpenedAgain) {
   line->FailWriting({KrResult::Code::SystemError, "The line is cut."});
   end.Send("all of it");
-  ASSERT_TRUE(IsReached([&] { return line->CountOpenings() > 1; }));
+  ASSERT_TRUE(Await([&] { return line->CountOpenings() > 1; }));
 
   line->FailWriting({});
 
   EXPECT_TRUE(IsSent("all of it"));
-  EXPECT_TRUE(IsReached([&] { return !status.HasDeviceFailed(); }));
+  EXPECT_TRUE(Await([&] { return !status.HasDeviceFailed(); }));
 }
 
 TEST_F(PumpTest, ADeviceThatIsLost_IsSaidToBe_AndItsBytesWait) {
   line->Lose();
-  ASSERT_TRUE(IsReached([&] { return status.HasDeviceFailed(); }));
+  ASSERT_TRUE(Await([&] { return status.HasDeviceFailed(); }));
   end.Send("for later");
 
   EXPECT_THAT(status.GetText().ToUtf8(), HasSubstr("Serial0"));
-  EXPECT_TRUE(IsReached([&] { return status.GetText().ToUtf8().find("The device is gone.") != std::string::npos; }));
+  EXPECT_TRUE(Await([&] { return status.GetText().ToUtf8().find("The device is gone.") != std::string::npos; }));
   EXPECT_EQ(line->GetSent(), "");
   line->Restore();
   EXPECT_TRUE(IsSent("for later"));
@@ -97,11 +97,11 @@ TEST_F(PumpTest, ADeviceThatIsLost_IsSaidToBe_AndItsBytesWait) {
 
 TEST_F(PumpTest, Destruction_WhileTheDeviceIsLost_Ends) {
   line->Lose();
-  ASSERT_TRUE(IsReached([&] { return status.HasDeviceFailed(); }));
+  ASSERT_TRUE(Await([&] { return status.HasDeviceFailed(); }));
 
   std::future<void> ending = std::async(std::launch::async, [&] { pump.reset(); });
 
-  EXPECT_EQ(ending.wait_for(krtest::kGenerous), std::future_status::ready);
+  EXPECT_EQ(ending.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
 }
 
 TEST_F(DamagedPumpTest, BytesThatTheDeviceLost_CostNoOthers) {
@@ -124,11 +124,11 @@ TEST_F(TextPumpTest, AByteThatTheLineCannotCarry_IsDroppedAlone) {
 
 TEST_F(PumpTest, AHostsPortThatIsLost_IsTakenAgain) {
   end.Lose();
-  ASSERT_TRUE(IsReached([&] { return status.IsPortLost(); }));
+  ASSERT_TRUE(Await([&] { return status.IsPortLost(); }));
   EXPECT_THAT(status.GetText().ToUtf8(), HasSubstr("The socket has ended."));
 
   end.Restore();
-  ASSERT_TRUE(IsReached([&] { return end.CountRecoveries() == 1 && !status.IsPortLost(); }));
+  ASSERT_TRUE(Await([&] { return end.CountRecoveries() == 1 && !status.IsPortLost(); }));
   end.Send("to the device");
   line->Receive("to the host");
 
@@ -140,12 +140,12 @@ TEST_F(PumpTest, AHostsPortThatIsLost_IsTakenAgain) {
 TEST_F(PumpTest, WhileTheHostsPortIsLost_TheNewestOfTheDeviceWait) {
   const std::string bytes = MakeMixedBytes(kBlock + 36000, 1);
   end.Lose();
-  ASSERT_TRUE(IsReached([&] { return status.IsPortLost(); }));
+  ASSERT_TRUE(Await([&] { return status.IsPortLost(); }));
 
   line->Receive(bytes);
-  ASSERT_TRUE(IsReached([&] { return counters.receivedFromDevice == bytes.size(); }));
+  ASSERT_TRUE(Await([&] { return counters.receivedFromDevice == bytes.size(); }));
   end.Restore();
-  ASSERT_TRUE(IsReached([&] { return end.CountRecoveries() == 1 && !status.IsPortLost(); }));
+  ASSERT_TRUE(Await([&] { return end.CountRecoveries() == 1 && !status.IsPortLost(); }));
 
   EXPECT_TRUE(end.Receive(kBlock) == bytes.substr(bytes.size() - kBlock));
 }
@@ -154,7 +154,7 @@ TEST_F(PumpTest, AHostsPortThatCannotBeWritten_IsTakenAgainThoughReadingWaits) {
   end.FailWriting({KrResult::Code::SystemError, "No more."});
 
   line->Receive("kept");
-  ASSERT_TRUE(IsReached([&] { return status.IsPortLost(); }));
+  ASSERT_TRUE(Await([&] { return status.IsPortLost(); }));
   end.Restore();
 
   EXPECT_EQ(end.Receive(4), "kept");
@@ -163,13 +163,13 @@ TEST_F(PumpTest, AHostsPortThatCannotBeWritten_IsTakenAgainThoughReadingWaits) {
 TEST_F(PumpTest, AHostsPortThatIsLostWhileTheDeviceIsFull_IsTakenAgain) {
   line->SetRoom(3);
   end.Send("abcdef");
-  ASSERT_TRUE(IsReached([&] { return line->GetSent() == "abc"; }));
+  ASSERT_TRUE(Await([&] { return line->GetSent() == "abc"; }));
   end.Lose();
   line->Receive("x");
-  ASSERT_TRUE(IsReached([&] { return status.IsPortLost(); }));
+  ASSERT_TRUE(Await([&] { return status.IsPortLost(); }));
 
   end.Restore();
-  ASSERT_TRUE(IsReached([&] { return end.CountRecoveries() == 1 && !status.IsPortLost(); }));
+  ASSERT_TRUE(Await([&] { return end.CountRecoveries() == 1 && !status.IsPortLost(); }));
   line->SetRoom(100);
 
   EXPECT_TRUE(IsSent("abcdef"));
@@ -178,9 +178,9 @@ TEST_F(PumpTest, AHostsPortThatIsLostWhileTheDeviceIsFull_IsTakenAgain) {
 
 TEST_F(PumpTest, Destruction_WhileTheHostsPortIsLost_Ends) {
   end.Lose();
-  ASSERT_TRUE(IsReached([&] { return status.IsPortLost(); }));
+  ASSERT_TRUE(Await([&] { return status.IsPortLost(); }));
 
   std::future<void> ending = std::async(std::launch::async, [&] { pump.reset(); });
 
-  EXPECT_EQ(ending.wait_for(krtest::kGenerous), std::future_status::ready);
+  EXPECT_EQ(ending.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
 }

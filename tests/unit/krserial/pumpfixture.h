@@ -22,7 +22,7 @@ protected:
   void TearDown() override { pump.reset(); }
 
   bool IsSent(const std::string& aBytes) {
-    return IsReached([&] { return line->GetSent() == aBytes; });
+    return Await([&] { return line->GetSent() == aBytes; });
   }
 
   LockedAdapter adapter;

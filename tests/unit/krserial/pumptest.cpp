@@ -7,7 +7,7 @@
 #include <future>
 
 using krserial::Pump;
-using krtest::IsReached;
+using krtest::Await;
 using krtest::PumpTest;
 
 namespace {
@@ -25,12 +25,12 @@ TEST_F(PumpTest, AMegabyteEachWayAtOnce_ComesWholeAndInOrder) {
 
   const std::future<void> sending = std::async(std::launch::async, [&] { end.Send(toDevice); });
   const bool isHostServed = end.Receive(kMegabyte) == toHost;
-  const bool isDeviceServed = IsReached([&] { return line->GetSent().size() >= kMegabyte; });
+  const bool isDeviceServed = Await([&] { return line->GetSent().size() >= kMegabyte; });
 
   EXPECT_TRUE(isHostServed);
   EXPECT_TRUE(isDeviceServed);
   EXPECT_TRUE(line->GetSent() == toDevice);
-  EXPECT_TRUE(IsReached([&] { return counters.sentToDevice == kMegabyte; }));
+  EXPECT_TRUE(Await([&] { return counters.sentToDevice == kMegabyte; }));
   EXPECT_EQ(counters.receivedFromDevice, kMegabyte);
 }
 
@@ -38,11 +38,11 @@ TEST_F(PumpTest, AHostThatDoesNotRead_StopsItsDirectionAlone) {
   const std::string toHost = MakeMixedBytes(4 * kMegabyte, 2);
   const std::string toDevice = MakeMixedBytes(kMegabyte, 1);
   line->Receive(toHost);
-  ASSERT_TRUE(IsReached([&] { return end.HasBytes(); }));
+  ASSERT_TRUE(Await([&] { return end.HasBytes(); }));
 
   end.Send(toDevice);
 
-  ASSERT_TRUE(IsReached([&] { return line->GetSent().size() >= kMegabyte; }));
+  ASSERT_TRUE(Await([&] { return line->GetSent().size() >= kMegabyte; }));
   EXPECT_TRUE(line->GetSent() == toDevice);
   EXPECT_LE(counters.receivedFromDevice, Pump::kBlockSize + kSocketRoom);
   EXPECT_TRUE(end.Receive(toHost.size()) == toHost) << "the rest waits in the device";
@@ -56,7 +56,7 @@ TEST_F(PumpTest, ADeviceThatTakesNothing_StopsItsDirectionAlone) {
 
   const bool isHostServed = end.Receive(kMegabyte) == toHost;
   std::size_t sent = 0;
-  ASSERT_TRUE(IsReached([&] {
+  ASSERT_TRUE(Await([&] {
     const std::size_t more = end.SendSome(chunk.substr(sent));
     sent += more;
     return more == 0 && line->GetSent().size() == 100;
@@ -90,7 +90,7 @@ TEST_F(PumpTest, APortOfAKnownSpeed_GetsPiecesOfAQuarterOfASecond) {
 
 TEST_F(PumpTest, Reset_OfTheCounters_CountsFromThere) {
   end.Send("some bytes");
-  ASSERT_TRUE(IsReached([&] { return counters.sentToDevice == 10; }));
+  ASSERT_TRUE(Await([&] { return counters.sentToDevice == 10; }));
 
   counters.Reset();
   line->Receive("answer");
@@ -104,18 +104,18 @@ TEST_F(PumpTest, Destruction_WhileBothDirectionsAreBlocked_Ends) {
   line->SetRoom(0);
   line->Receive(MakeMixedBytes(kMegabyte, 1));
   end.SendSome("for the device");
-  ASSERT_TRUE(IsReached([&] { return !line->GetWrites().empty() && end.HasBytes(); }));
+  ASSERT_TRUE(Await([&] { return !line->GetWrites().empty() && end.HasBytes(); }));
 
   std::future<void> ending = std::async(std::launch::async, [&] { pump.reset(); });
 
-  ASSERT_EQ(ending.wait_for(krtest::kGenerous), std::future_status::ready);
+  ASSERT_EQ(ending.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
   EXPECT_LT(line->GetSent().size(), 1U);
 }
 
 TEST_F(PumpTest, Destruction_WhileBothDirectionsWait_Ends) {
-  ASSERT_TRUE(IsReached([&] { return line->CountReads() > 0; }));
+  ASSERT_TRUE(Await([&] { return line->CountReads() > 0; }));
 
   std::future<void> ending = std::async(std::launch::async, [&] { pump.reset(); });
 
-  EXPECT_EQ(ending.wait_for(krtest::kGenerous), std::future_status::ready);
+  EXPECT_EQ(ending.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
 }

@@ -354,7 +354,7 @@ TEST_F(TtyEndTest, Recover_WhileAnotherProgramHoldsThePort_WaitsForIt) {
   mHost.Link("com1", mTerminal->GetPath());
 
   auto recovering = std::async(std::launch::async, [&] { return Recover(*end); });
-  EXPECT_TRUE(krtest::IsReached([&] { return GetLastHindrance() == KrResult::Code::Busy; }));
+  EXPECT_TRUE(krtest::Await([&] { return GetLastHindrance() == KrResult::Code::Busy; }));
   EXPECT_THAT(GetLastHindrance().GetDescription().ToUtf8(), HasSubstr("Another program holds it"));
   holder.reset();
 
@@ -470,10 +470,10 @@ TEST_F(TtyEndTest, LinesAndEcho_SetAtTheOtherEnd_EndNothingAndAreUndone) {
     aSettings.c_cc[VEOF] = kEndOfFile;
   });
   mTerminal->Write({kEndOfFile});
-  ASSERT_TRUE(krtest::IsReached([&] { return GetSettings(*mTerminal).ArePassingBytes(); }));
+  ASSERT_TRUE(krtest::Await([&] { return GetSettings(*mTerminal).ArePassingBytes(); }));
   mTerminal->Write({'x', kEndOfFile});
 
-  EXPECT_TRUE(krtest::IsReached([&] { return reader.Await(0).ends_with(std::string{'x', kEndOfFile}); }));
+  EXPECT_TRUE(krtest::Await([&] { return reader.Await(0).ends_with(std::string{'x', kEndOfFile}); }));
   EXPECT_EQ(reader.Stop(), KrResult::Code::Aborted);
 }
 

@@ -1,5 +1,6 @@
 #include "usb3vision/usb3visionlink.h"
 
+#include "await.h"
 #include "usb3vision/readonlychannel.h"
 #include "usbfakelinksink.h"
 #include "usbtesttree.h"
@@ -7,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <thread>
 
 namespace {
@@ -106,17 +108,13 @@ TEST_F(Usb3VisionLinkTest, Registers_OfASilentDevice_FailUntilItAnswersAgain) {
   const KrResult inTime = link->GetRegisterPort().Read(0, &value, sizeof(value), 10);
   const KrResult atOnce = link->GetRegisterPort().Read(0, &value, sizeof(value), kLongMs);
   mChannel->SetSilent(false);
-  KrResult again(KrResult::Code::Failed);
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!again.IsOK() && std::chrono::steady_clock::now() < end) {
-    std::this_thread::yield();
-    again = link->GetRegisterPort().Read(0, &value, sizeof(value), kLongMs);
-  }
+  const bool isAnsweringAgain =
+      krtest::Await([&] { return link->GetRegisterPort().Read(0, &value, sizeof(value), kLongMs).IsOK(); });
 
   EXPECT_EQ(inTime, KrResult::Code::TimeLimitExceeded);
   EXPECT_EQ(atOnce, KrResult::Code::TimeLimitExceeded);
   EXPECT_THAT(atOnce.GetDescription().ToUtf8(), testing::HasSubstr("a moment ago")) << "it did not wait itself";
-  EXPECT_TRUE(again.IsOK());
+  EXPECT_TRUE(isAnsweringAgain);
   EXPECT_TRUE(link->IsConnected());
 }
 
@@ -138,7 +136,7 @@ TEST_F(Usb3VisionLinkTest, Watch_SilenceReportedWhileTheDeviceAnswers_AsksOnceMo
   watch.ReportSilence();
 
   std::unique_lock lock(mutex);
-  EXPECT_TRUE(asked.wait_for(lock, std::chrono::seconds(30), [&] { return questions == 2; }));
+  EXPECT_TRUE(asked.wait_for(lock, krtest::GetGenerousLimit(), [&] { return questions == 2; }));
   lock.unlock();
   watch.Stop();
   EXPECT_FALSE(watch.IsSilent());

@@ -1,6 +1,7 @@
 // What the serial bridge manager shows of a bridge: rates, counters, names, and what is missing.
 
 #include "logic/serial/bridgedisplay.h"
+#include "await.h"
 #include "serialbridgefixture.h"
 
 namespace krgui {
@@ -41,7 +42,7 @@ TEST_F(BridgeDisplay, RatesOfTheDevice_AreEnabledAndItsOwnIsBold) {
   Link();
   ASSERT_TRUE(mBridge.SetConfiguration({115200, 0, 8, 1}).IsOK());
 
-  EXPECT_TRUE(Await([&] { return Draw(GetBaudRateLabels(&mBridge)) == "e-----B--e"; }))
+  EXPECT_TRUE(krtest::Await([&] { return Draw(GetBaudRateLabels(&mBridge)) == "e-----B--e"; }))
       << Draw(GetBaudRateLabels(&mBridge));
 }
 
@@ -106,7 +107,7 @@ TEST_F(BridgeDisplay, DeviceThatIsLost_IsToldAsTheBridgeSaysIt) {
 
   mLine->Lose();
 
-  EXPECT_TRUE(Await([&] { return !GetState().empty(); }));
+  EXPECT_TRUE(krtest::Await([&] { return !GetState().empty(); }));
   EXPECT_EQ(GetState(), mBridge.GetBridge()->GetStateText().ToUtf8());
 }
 

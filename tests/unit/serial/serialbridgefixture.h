@@ -7,10 +7,8 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -37,15 +35,6 @@ inline std::vector<std::string> GetTexts(const KrStringList& aList) {
   for (const KrString& text : aList)
     texts.push_back(text.ToUtf8());
   return texts;
-}
-
-/// Whether a condition comes to hold within a limit that only a fault can reach.
-template <typename Condition>
-[[nodiscard]] bool Await(Condition aCondition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!aCondition() && std::chrono::steady_clock::now() < limit)
-    std::this_thread::yield();
-  return aCondition();
 }
 
 class SerialBridgeTest : public testing::Test {

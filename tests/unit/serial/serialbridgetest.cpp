@@ -1,6 +1,7 @@
 // One port's bridge: its kinds, starting it, what it says of itself, and what it saves.
 
 #include "logic/serial/serialbridge.h"
+#include "await.h"
 #include "serialbridgefixture.h"
 
 namespace krgui {
@@ -227,7 +228,7 @@ TEST_F(Bridge, Statistics_BeginAnewWhenTheyAreReset) {
   mBridge.ResetStatistics();
   Link("COM3");
   mHost.Send(3, "hello");
-  ASSERT_TRUE(Await([&] { return mBridge.GetBridge()->GetBytesSentToDevice() == 5; }));
+  ASSERT_TRUE(krtest::Await([&] { return mBridge.GetBridge()->GetBytesSentToDevice() == 5; }));
 
   mBridge.ResetStatistics();
 

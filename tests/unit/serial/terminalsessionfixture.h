@@ -1,6 +1,7 @@
 #pragma once
 // A terminal session on lines that are the test's, and a window's queue of which the test takes the messages.
 
+#include "await.h"
 #include "logic/serial/terminalmessages.h"
 #include "serial/terminalsession.h"
 #include "serialadapter.h"
@@ -17,8 +18,6 @@
 #include <string_view>
 #include <vector>
 
-#include <poll.h>
-
 namespace krgui {
 
 inline std::vector<std::uint8_t> ToBytes(const std::string& aText) {
@@ -27,9 +26,6 @@ inline std::vector<std::uint8_t> ToBytes(const std::string& aText) {
 
 class TerminalSessionTest : public testing::Test, protected ITranscript {
 protected:
-  /// Far beyond what a loaded host needs; a test that waits so long has failed.
-  static constexpr std::chrono::minutes kGenerousLimit{1};
-
   TerminalSessionTest() { mQueue->Open(); }
 
   /// After a file nothing is waited for, unless a test says so.
@@ -43,15 +39,10 @@ protected:
 
   /// Takes messages as the window does until a condition holds; false when it never does.
   bool TakeUntil(const std::function<bool()>& aIsReached) {
-    const auto end = std::chrono::steady_clock::now() + kGenerousLimit;
-    while (!aIsReached()) {
-      pollfd wake = {mQueue->GetWakeDescriptor(), POLLIN, 0};
-      ::poll(&wake, 1, 1);
-      TakeAll();
-      if (std::chrono::steady_clock::now() > end)
-        return false;
-    }
-    return true;
+    return aIsReached() || krtest::Await([&] {
+             TakeAll();
+             return aIsReached();
+           });
   }
 
   void TakeAll() {
@@ -80,7 +71,7 @@ protected:
   std::shared_ptr<krtest::SerialLine> mLine = mAdapter.AddLine(0);
   TranscriptEncoder mEncoder;
   std::shared_ptr<MessageQueue> mQueue = std::make_shared<MessageQueue>();
-  std::unique_ptr<TerminalSession> mSession = MakeSession({.sendGrace = kGenerousLimit});
+  std::unique_ptr<TerminalSession> mSession = MakeSession({.sendGrace = krtest::GetGenerousLimit()});
   std::u16string mShown;
   std::vector<std::u16string> mStatistics;
   std::vector<std::u16string> mFailures;

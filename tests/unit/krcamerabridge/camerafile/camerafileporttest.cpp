@@ -1,5 +1,6 @@
 #include "camerafile/camerafileport.h"
 
+#include "await.h"
 #include "cameraend.h"
 #include "scriptedcameras.h"
 
@@ -266,11 +267,11 @@ TEST(CameraFileSilence, IsToldOnce_AndEndsWithTheNextAnswer) {
   EXPECT_EQ(rig.port->Greet(600000), KrResult::Code::TimeLimitExceeded);
 
   rig.end.SetSilent(false);
-  KrResult result = KrResult::Code::TimeLimitExceeded;
-  for (const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-       !result.IsOK() && std::chrono::steady_clock::now() < until;)
+  KrResult result;
+  EXPECT_TRUE(krtest::Await([&] {
     result = rig.port->Read(0x2000, bytes, sizeof bytes, 30000);
-  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+    return result.IsOK();
+  })) << result.GetDescription().CStr();
   EXPECT_TRUE(rig.port->Greet(30000).IsOK());
 }
 

@@ -2,6 +2,7 @@
 
 #include "clprotocolfixture.h"
 
+#include "await.h"
 #include "krbase/krlogger.h"
 #include "threadrefusal.h"
 
@@ -182,7 +183,7 @@ TEST_F(CLProtocolTest, Hang_CancelledByTheUser_IsEndedSoon) {
   std::stop_source stop;
   auto connecting =
       std::async(std::launch::async, [&] { return Connect(hanging, "libhang-clpProbeDevice.so", stop.get_token()); });
-  ASSERT_TRUE(Await(
+  ASSERT_TRUE(krtest::Await(
       [&] { return log.Contains(KrLogLevel::Info, "The CL Protocol driver libhang-clpProbeDevice.so says: hangs"); }));
 
   stop.request_stop();
@@ -212,11 +213,11 @@ TEST_F(CLProtocolTest, HangWhileItIsClosed_IsEndedByAStopAtOnce) {
   ASSERT_TRUE(Connect(hanging, "libhang-clpDisconnect.so").IsOK());
   std::stop_source stop;
   auto disconnecting = std::async(std::launch::async, [&] { hanging.Disconnect(stop.get_token()); });
-  ASSERT_TRUE(Await([&] { return Contains(log, "libhang-clpDisconnect.so says: hangs"); }));
+  ASSERT_TRUE(krtest::Await([&] { return Contains(log, "libhang-clpDisconnect.so says: hangs"); }));
 
   stop.request_stop();
 
-  ASSERT_EQ(disconnecting.wait_for(std::chrono::milliseconds(kGenerousMs)), std::future_status::ready);
+  ASSERT_EQ(disconnecting.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
   EXPECT_TRUE(Contains(log, "libhang-clpDisconnect.so was ended, as nobody waits for it any more"));
   EXPECT_FALSE(hanging.IsConnected());
 }
@@ -228,7 +229,7 @@ TEST_F(CLProtocolTest, HangInAnAccess_IsEndedByAStopOfDisconnectAtOnce) {
   ASSERT_TRUE(Connect(hanging, "libhang-clpReadRegister.so").IsOK());
   std::uint8_t byte = 0;
   auto reading = std::async(std::launch::async, [&] { return hanging.Read(0x100, &byte, 1, kGenerousMs); });
-  ASSERT_TRUE(Await([&] { return Contains(log, "libhang-clpReadRegister.so says: hangs"); }));
+  ASSERT_TRUE(krtest::Await([&] { return Contains(log, "libhang-clpReadRegister.so says: hangs"); }));
   std::stop_source stop;
   hanging.End();
   EXPECT_EQ(reading.get(), KrResult::Code::Aborted);
@@ -236,7 +237,7 @@ TEST_F(CLProtocolTest, HangInAnAccess_IsEndedByAStopOfDisconnectAtOnce) {
 
   stop.request_stop();
 
-  ASSERT_EQ(disconnecting.wait_for(std::chrono::milliseconds(kGenerousMs)), std::future_status::ready);
+  ASSERT_EQ(disconnecting.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
   EXPECT_FALSE(hanging.IsConnected());
 }
 
@@ -271,7 +272,7 @@ TEST_F(CLProtocolTest, CrashWhileAProbeIsStopped_IsTheEndOfACancelledProbe) {
   const int reads = line.CountReads();
   auto connecting =
       std::async(std::launch::async, [&] { return Connect(port, "libcrash-stopping.so", stop.get_token()); });
-  ASSERT_TRUE(Await([&] { return line.CountReads() > reads + 2; }));
+  ASSERT_TRUE(krtest::Await([&] { return line.CountReads() > reads + 2; }));
 
   stop.request_stop();
 
@@ -287,7 +288,7 @@ TEST_F(CLProtocolTest, DriverThatIsSlowToComeBackFromStoppingAProbe_IsClosedBehi
   const int reads = line.CountReads();
   auto connecting =
       std::async(std::launch::async, [&] { return Connect(port, "libslow-stopped.so", stop.get_token()); });
-  ASSERT_TRUE(Await([&] { return line.CountReads() > reads + 2; }));
+  ASSERT_TRUE(krtest::Await([&] { return line.CountReads() > reads + 2; }));
 
   stop.request_stop();
 
@@ -334,7 +335,8 @@ TEST_F(CLProtocolTest, PendingWrite_OfADriverThatDoesNotWait_IsContinuedAHundred
   EXPECT_EQ(impatient.Write(kSlow, &foreverAtOnce, 1, kGenerousMs), KrResult::Code::TimeLimitExceeded);
 
   std::uint32_t continued = 0;
-  EXPECT_TRUE(Await([&] { return impatient.Read(kContinued, &continued, sizeof continued, kGenerousMs).IsOK(); }));
+  EXPECT_TRUE(
+      krtest::Await([&] { return impatient.Read(kContinued, &continued, sizeof continued, kGenerousMs).IsOK(); }));
   EXPECT_LE(continued, 21u);
 }
 

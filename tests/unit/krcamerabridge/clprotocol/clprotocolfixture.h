@@ -1,6 +1,7 @@
 #pragma once
 // A test's camera and the driver for it, connected through CLProtocolPort.
 
+#include "await.h"
 #include "clprotocol/clprotocolport.h"
 #include "describedcamera.h"
 #include "driverfolder.h"
@@ -9,11 +10,9 @@
 #include <gmock/gmock.h>
 
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <string>
-#include <thread>
 
 namespace krcamerabridge {
 
@@ -53,25 +52,17 @@ protected:
   KrResult WriteByte(std::uint64_t aAddress, std::uint8_t aValue, const std::stop_token& aCancel = {}) {
     return port.Write(aAddress, &aValue, 1, kGenerousMs, aCancel);
   }
-  // Whether something comes to be within a generous time.
-  template <typename Condition>
-  static bool Await(Condition aCondition) {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousMs);
-    while (!aCondition() && std::chrono::steady_clock::now() < until)
-      std::this_thread::yield();
-    return aCondition();
-  }
   // Waits for a driver whose camera is not done to ask it again and again.
   void AwaitPending() {
     constexpr int kSome = 3;
     const int reads = line.CountReads();
-    EXPECT_TRUE(Await([&] { return line.CountReads() >= reads + kSome; }));
+    EXPECT_TRUE(krtest::Await([&] { return line.CountReads() >= reads + kSome; }));
   }
   // Reads until the camera answers again.
   KrResult ReadUntilAnswered() {
     std::uint32_t value = 0;
     KrResult result;
-    static_cast<void>(Await([&] {
+    EXPECT_TRUE(krtest::Await([&] {
       result = Read(0x100, value);
       return result != KrResult::Code::TimeLimitExceeded;
     }));

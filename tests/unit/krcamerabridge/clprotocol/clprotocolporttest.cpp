@@ -1,5 +1,6 @@
 #include "clprotocolfixture.h"
 
+#include "await.h"
 #include "krbase/krlogger.h"
 #include "krgenicam/krgenparameterarray.h"
 
@@ -330,7 +331,7 @@ TEST_F(CLProtocolTest, PendingWrite_BeyondItsLimit_IsCancelledInTheDriver) {
   EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("not done with a write within 200 milliseconds"));
   std::uint8_t cancelled = 0;
-  EXPECT_TRUE(Await([&] { return impatient.Read(kCancelled, &cancelled, 1, kGenerousMs).IsOK(); }));
+  EXPECT_TRUE(krtest::Await([&] { return impatient.Read(kCancelled, &cancelled, 1, kGenerousMs).IsOK(); }));
   EXPECT_EQ(cancelled, 1);
 }
 
