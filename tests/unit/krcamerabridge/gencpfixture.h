@@ -18,8 +18,9 @@ namespace krcamerabridge {
 
 /// As long as only a fault can take.
 constexpr std::uint32_t kGenerousMs = 60000;
-/// Shorter than for a camera behind a real device, so that what is lost on purpose is missed soon.
-constexpr CycleTimes kQuickTimes{200, 100, 1, kGenerousMs, kGenerousMs};
+/// Shorter than for a camera behind a real device, so that what is lost on purpose is missed soon. Only for tests of
+/// that: a camera that has to wait for a processor may be missed too.
+constexpr CycleTimes kQuickTimes{400, 100, 1, kGenerousMs, kGenerousMs};
 /// For what is answered at once: a camera that has to wait for a processor is not asked again.
 constexpr CycleTimes kPatientTimes{kGenerousMs, 100, 1, kGenerousMs, kGenerousMs};
 

@@ -33,7 +33,9 @@ constexpr const char* kNodes = R"(
 
 class PortOnLine : public GenCPOnLine {
 protected:
-  PortOnLine() { camera.AddFile(0x01020003, 0x01010000, MakeDescription(kNodes)); }
+  explicit PortOnLine(const CycleTimes& aTimes = kPatientTimes) : port(line, aTimes) {
+    camera.AddFile(0x01020003, 0x01010000, MakeDescription(kNodes));
+  }
 
   void Connect() {
     const KrResult result = port.Connect(kXMLID, description, {});
@@ -53,8 +55,14 @@ protected:
     return result;
   }
 
-  GenCPPort port{line, kQuickTimes};
+  GenCPPort port;
   KrGenDescription description;
+};
+
+// A silent camera is given up soon.
+class HastyPortOnLine : public PortOnLine {
+protected:
+  HastyPortOnLine() : PortOnLine(kQuickTimes) {}
 };
 
 TEST_F(PortOnLine, XMLIDs_AreThoseOfTheCameraWhichIsLeftAsItWas) {
@@ -70,7 +78,7 @@ TEST_F(PortOnLine, XMLIDs_AreThoseOfTheCameraWhichIsLeftAsItWas) {
   EXPECT_EQ(camera.PeekNumber(kPrivilege, 4), 0u);
 }
 
-TEST_F(PortOnLine, XMLIDs_WithoutACamera_AreNotFound) {
+TEST_F(HastyPortOnLine, XMLIDs_WithoutACamera_AreNotFound) {
   camera.SetFaults({.isSilent = true});
   KrStringList ids;
 
@@ -103,7 +111,7 @@ TEST_F(PortOnLine, Connect_Cancelled_EndsAndGivesTheCameraFree) {
 }
 
 TEST_F(PortOnLine, Connect_CancelledWhileControlIsGiven_GivesItBack) {
-  CycleTimes times = kQuickTimes;
+  CycleTimes times = kPatientTimes;
   times.hurriedCloseMs = kGenerousMs; // As long as the camera needs.
   GenCPPort patient(line, times);
   camera.SetFaults({.pendingAnswers = 4, .pendingMs = 50, .pendingFrom = kPrivilege, .pendingTo = kPrivilege});
@@ -147,7 +155,7 @@ TEST_F(PortOnLine, Disconnect_GivesTheCameraFreeAndItCanBeConnectedAgain) {
 constexpr krtest::CameraFaults kLongPending{.pendingAnswers = 100, .pendingMs = 50};
 
 TEST_F(PortOnLine, Disconnect_OfACameraThatAsksForTimeAgainAndAgain_EndsAtItsLimit) {
-  CycleTimes times = kQuickTimes;
+  CycleTimes times = kPatientTimes;
   times.closeLimitMs = 300;
   GenCPPort impatient(line, times);
   ASSERT_TRUE(impatient.Connect(kXMLID, description, {}).IsOK());
@@ -160,7 +168,7 @@ TEST_F(PortOnLine, Disconnect_OfACameraThatAsksForTimeAgainAndAgain_EndsAtItsLim
 }
 
 TEST_F(PortOnLine, Disconnect_OfACameraThatIsBusyAgainAndAgain_EndsAtItsLimit) {
-  CycleTimes times = kQuickTimes;
+  CycleTimes times = kPatientTimes;
   times.closeLimitMs = 300;
   GenCPPort impatient(line, times);
   ASSERT_TRUE(impatient.Connect(kXMLID, description, {}).IsOK());
@@ -172,7 +180,7 @@ TEST_F(PortOnLine, Disconnect_OfACameraThatIsBusyAgainAndAgain_EndsAtItsLimit) {
 }
 
 TEST_F(PortOnLine, Disconnect_OfWhoLeaves_EndsAtOnce) {
-  CycleTimes times = kQuickTimes;
+  CycleTimes times = kPatientTimes;
   times.closeLimitMs = kGenerousMs;
   GenCPPort patient(line, times);
   ASSERT_TRUE(patient.Connect(kXMLID, description, {}).IsOK());
@@ -269,7 +277,7 @@ TEST_F(PortOnLine, RefusedAccess_IsAProtocolErrorAndLeavesTheCameraUsable) {
   EXPECT_TRUE(Read().IsOK());
 }
 
-TEST_F(PortOnLine, SilentCamera_IsUsableAgainWhenItAnswers) {
+TEST_F(HastyPortOnLine, SilentCamera_IsUsableAgainWhenItAnswers) {
   Connect();
   camera.SetFaults({.isSilent = true});
   EXPECT_EQ(Read(), KrResult::Code::TimeLimitExceeded);
@@ -280,7 +288,7 @@ TEST_F(PortOnLine, SilentCamera_IsUsableAgainWhenItAnswers) {
   EXPECT_TRUE(ReadUntilAnswered().IsOK());
 }
 
-TEST_F(PortOnLine, CameraThatWasSwitchedOffAndOn_IsControlledAgainAtItsRate) {
+TEST_F(HastyPortOnLine, CameraThatWasSwitchedOffAndOn_IsControlledAgainAtItsRate) {
   camera.PokeNumber(GenCPCamera::kSerialMap, 4, 0xFF);
   Connect();
   camera.Forget();
