@@ -3,6 +3,8 @@
 #include <QKeyEvent>
 #include <QPointer>
 
+#include <utility>
+
 namespace krgui {
 
 namespace {
@@ -27,7 +29,9 @@ SearchField::SearchField(std::function<void()> aMoveToNext, std::function<void()
     : QLineEdit(aParent), mMoveToNext(std::move(aMoveToNext)), mOnEdited(std::move(aOnEdited)) {
   connect(this, &QLineEdit::textChanged, this, [this] {
     mIsEdited = true;
-    // From a menu of the field's, say, which does not come as an event of its own.
+    mIsEditedByEvent = mEvents > 0;
+    // From a menu of the field's, say, which does not come as an event of its own. No other event tells of it then: one
+    // that a window has for all that is in it does not survive the end of one of them.
     if (mEvents == 0)
       QMetaObject::invokeMethod(this, &SearchField::TellEdit, Qt::QueuedConnection);
   });
@@ -49,7 +53,7 @@ bool SearchField::event(QEvent* aEvent) {
   const QPointer<SearchField> living(this);
   ++mEvents;
   const bool isHandled = QLineEdit::event(aEvent);
-  if (living && --mEvents == 0)
+  if (living && --mEvents == 0 && std::exchange(mIsEditedByEvent, false))
     TellEdit();
   return isHandled;
 }

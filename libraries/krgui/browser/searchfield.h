@@ -29,6 +29,7 @@ private:
   const std::function<void()> mOnEdited;
   int mEvents = 0; ///< Being handled, one inside the other.
   bool mIsEdited = false;
+  bool mIsEditedByEvent = false;
 };
 
 } // namespace krgui

@@ -1,8 +1,10 @@
 #include "platform/backgroundtask.h"
 
 #include "krbase/krlogger.h"
+#include "krbase/wakeevent.h"
 
 #include <QCoreApplication>
+#include <QSocketNotifier>
 
 #include <atomic>
 #include <exception>
@@ -35,31 +37,10 @@ void DoWork(const std::function<void(const std::stop_token&)>& aWork, const std:
 } // namespace
 
 /// What a thread and the window that started it have in common.
-class BackgroundTask::Run {
-public:
-  /// User-interface thread: nothing more is posted, and what has been is not continued.
-  void Drop() {
-    const std::lock_guard lock(mMutex);
-    mIsDropped = true;
-  }
-  bool IsDropped() {
-    const std::lock_guard lock(mMutex);
-    return mIsDropped;
-  }
-  /// Posts to the user-interface thread, unless nobody waits there any more: the application object may be gone then,
-  /// and cannot go while this is under way. Posting calls nobody's code.
-  void Post(const std::function<void()>& aResume) {
-    const std::lock_guard lock(mMutex);
-    if (!mIsDropped) {
-      QMetaObject::invokeMethod(QCoreApplication::instance(), aResume, Qt::QueuedConnection);
-    }
-  }
-
+struct BackgroundTask::Run {
+  krbase::WakeEvent wake;             ///< The work is over. It needs no application object, which may be gone then.
   std::atomic<bool> hasEnded = false; ///< The thread is on its last step.
-
-private:
-  std::mutex mMutex; ///< Guards mIsDropped.
-  bool mIsDropped = false;
+  bool isDropped = false;             ///< User-interface thread: it is not continued.
 };
 
 /// Threads that nobody waits for but the process' end.
@@ -99,30 +80,45 @@ void BackgroundTask::Start(std::function<void(const std::stop_token&)> aWork, st
   // Made before the work begins and so destroyed, which waits, before what the program made for it to use.
   (void)GetAbandoned();
   mRun = std::make_shared<Run>();
-  const auto post = [this, run = mRun, then = std::move(aThen)] {
-    run->Post([this, run, then] {
-      if (!run->IsDropped()) {
-        Continue(then);
-      }
-    });
+  mThen = std::move(aThen);
+  if (StartThread(aWork)) {
+    return;
+  }
+  // The host has no thread or descriptor to spare. That the user waits for a moment is better than a dialog whose
+  // buttons do nothing, and nobody could end it meanwhile, as whoever could is waiting, too.
+  DoWork(aWork, {});
+  const auto resume = [this, run = mRun] {
+    if (!run->isDropped) {
+      Continue();
+    }
   };
+  QMetaObject::invokeMethod(QCoreApplication::instance(), resume, Qt::QueuedConnection);
+}
+
+bool BackgroundTask::StartThread(const std::function<void(const std::stop_token&)>& aWork) {
+  if (!mRun->wake.IsOpen()) {
+    return false;
+  }
+  mNotifier = std::make_unique<QSocketNotifier>(mRun->wake.GetDescriptor(), QSocketNotifier::Read);
+  QObject::connect(mNotifier.get(), &QSocketNotifier::activated, [this] { Continue(); });
   try {
-    mThread = std::jthread([work = aWork, post, run = mRun](const std::stop_token& aStop) {
+    mThread = std::jthread([work = aWork, run = mRun](const std::stop_token& aStop) {
       DoWork(work, aStop);
-      post();
+      run->wake.Signal();
       run->hasEnded = true;
     });
   } catch (const std::system_error&) {
-    // The host has no thread to spare. That the user waits for a moment is better than a dialog whose buttons do
-    // nothing, and nobody could end it meanwhile, as whoever could is waiting, too.
-    DoWork(aWork, {});
-    post();
+    mNotifier.reset();
+    return false;
   }
+  return true;
 }
 
 void BackgroundTask::Cancel() {
+  mNotifier.reset();
+  mThen = nullptr;
   if (const std::shared_ptr<Run> run = std::exchange(mRun, nullptr)) {
-    run->Drop();
+    run->isDropped = true;
     mThread.request_stop();
     if (mWhenCancelled == WhenCancelled::Abandon && mThread.joinable() && !run->hasEnded) {
       GetAbandoned().Add({run, std::move(mThread)});
@@ -142,14 +138,19 @@ BackgroundTask::Abandoned& BackgroundTask::GetAbandoned() {
   return abandoned;
 }
 
-/// The work has posted; only its thread's very end is to come.
-void BackgroundTask::Continue(const std::function<void()>& aThen) {
-  mRun->Drop();
+/// The work is over; only its thread's very end is to come.
+void BackgroundTask::Continue() {
+  if (mNotifier) {
+    // It is what tells.
+    mNotifier->setEnabled(false);
+    mNotifier.release()->deleteLater();
+  }
+  const std::function<void()> then = std::exchange(mThen, nullptr);
   mRun.reset();
   if (mThread.joinable()) {
     mThread.join();
   }
-  aThen();
+  then();
 }
 
 } // namespace krgui

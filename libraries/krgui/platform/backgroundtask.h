@@ -7,6 +7,8 @@
 #include <stop_token>
 #include <thread>
 
+class QSocketNotifier;
+
 namespace krgui {
 
 /// Thread: user interface, but for the work. Ownership: the window; its end cancels the work.
@@ -36,16 +38,18 @@ public:
   static void AwaitAbandoned();
 
 private:
-  class Run;
+  struct Run;
   struct Abandoned;
 
   static Abandoned& GetAbandoned();
-  void Continue(const std::function<void()>& aThen);
+  bool StartThread(const std::function<void(const std::stop_token&)>& aWork);
+  void Continue();
 
   const WhenCancelled mWhenCancelled;
   std::jthread mThread;
-  /// One run; what is posted by an earlier one finds that it has been dropped.
+  std::function<void()> mThen; ///< Of the run.
   std::shared_ptr<Run> mRun;
+  std::unique_ptr<QSocketNotifier> mNotifier; ///< Hears the run's thread; null where it has none.
 };
 
 } // namespace krgui

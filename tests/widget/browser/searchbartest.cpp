@@ -449,7 +449,9 @@ TEST_F(SearchBars, SelectionHandler_MayEndBarAndGrid) {
 
 TEST_F(SearchBars, TextThatNoEventBrings_IsSearchedOnceAfterwards) {
   mField->setText("gain");
-  EXPECT_EQ(GetResult(), "");
+  QEvent another(QEvent::Polish);
+  QCoreApplication::sendEvent(mField, &another);
+  EXPECT_EQ(GetResult(), "") << "who searches may end the field, which who sent that event still looks at";
 
   EXPECT_TRUE(krtest::AwaitCondition([this] { return GetResult() == "Result 1 of 3"; }));
   mField->setText("gai");
