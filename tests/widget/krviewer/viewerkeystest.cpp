@@ -55,6 +55,7 @@ protected:
     for (const Panel panel : {Panel::Features, Panel::StreamFeatures, Panel::TransportFeatures, Panel::Histogram,
                               Panel::LineProfile, Panel::Intervals, Panel::Recording})
       GetPage()->GetPanels().Show(panel, true);
+    ASSERT_TRUE(Await([this] { return GetPage()->GetDisplay().GetMapping().has_value(); }));
     GetPage()->GetRegion().Begin();
     ASSERT_TRUE(Await([this] { return GetPage()->GetRegion().IsEditing(); }));
     ASSERT_TRUE(Await([this] { return GetPage()->GetFeatures().GetWindow().GetWidget() != nullptr; }));
