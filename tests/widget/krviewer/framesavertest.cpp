@@ -2,13 +2,13 @@
 
 #include "recording/framesaver.h"
 
+#include "await.h"
 #include "hangingdisk.h"
 #include "recordings.h"
 #include "windowwait.h"
 
 #include <QApplication>
 #include <QComboBox>
-#include <QDeadlineTimer>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -37,9 +37,7 @@ protected:
     return krtest::AwaitCondition([this] { return !mSaved.isEmpty(); });
   }
   static bool AwaitCall(const HangingDisk& aDisk) {
-    for (const QDeadlineTimer limit(krtest::kGenerousMs); aDisk.CountWaiting() == 0 && !limit.hasExpired();)
-      std::this_thread::yield();
-    return aDisk.CountWaiting() > 0;
+    return krtest::Await([&] { return aDisk.CountWaiting() > 0; });
   }
   QMessageBox* FindMessage() { return mWindow.findChild<QMessageBox*>(); }
 

@@ -28,7 +28,7 @@ protected:
 
   void ShowPanel() {
     mPanel.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&mPanel, 60'000));
+    ASSERT_TRUE(krtest::AwaitExposed(&mPanel));
   }
   QString GetFrameText() { return Find<QLabel>(mPanel, "histogramFrame")->text(); }
   QString GetCell(int aRow, int aColumn) {
@@ -56,7 +56,7 @@ TEST_F(HistogramPanelTest, numbersThatGrow_stayInSightWhereThereIsRoom) {
   table->SetNumber(0, 0, "1", NumberTable::Emphasis::None);
   page.resize(800, 200);
   page.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&page, 60'000));
+  ASSERT_TRUE(krtest::AwaitExposed(&page));
 
   table->SetNumber(0, 0, "12345678901234567890", NumberTable::Emphasis::None);
 

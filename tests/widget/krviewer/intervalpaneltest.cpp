@@ -33,7 +33,7 @@ protected:
   void ShowPanel() {
     mPanel.resize(500, 400);
     mPanel.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&mPanel, 60'000));
+    ASSERT_TRUE(krtest::AwaitExposed(&mPanel));
   }
   /// Frames of the camera's clock 10 ms apart that arrive so many milliseconds apart.
   void GiveFrames(int aCount, std::uint64_t aMilliseconds) {

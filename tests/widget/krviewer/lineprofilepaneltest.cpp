@@ -20,7 +20,7 @@ protected:
   void ShowPanel() {
     mPanel.resize(500, 400);
     mPanel.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&mPanel, 60'000));
+    ASSERT_TRUE(krtest::AwaitExposed(&mPanel));
   }
   QString GetFrameText() { return Find<QLabel>(mPanel, "profileFrame")->text(); }
   QString GetSharpness() { return Find<QLabel>(mPanel, "profileSharpness")->text(); }

@@ -2,14 +2,13 @@
 // What the tests of the panels have in common: frames that a test gives itself, and waits for what is shown of them.
 
 #include "acquisition/framesink.h"
+#include "windowwait.h"
 
-#include <QCoreApplication>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <functional>
 
@@ -36,12 +35,7 @@ protected:
     mFrames.Notify([&](krviewer::FrameSink& aSink) { aSink.OnAcquisitionEnded(aReason); });
   }
   /// Handles events until a condition comes true; false when it does not within a generous limit.
-  static bool Await(const std::function<bool()>& aCondition) {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!aCondition() && std::chrono::steady_clock::now() < until)
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents);
-    return aCondition();
-  }
+  static bool Await(const std::function<bool()>& aCondition) { return krtest::AwaitCondition(aCondition); }
   template <typename Widget>
   static Widget* Find(const QWidget& aPanel, const char* aName) {
     auto* const found = aPanel.findChild<Widget*>(QString::fromLatin1(aName));

@@ -1,12 +1,11 @@
 #pragma once
 // What tests of the serial terminal's file transfers share: files to send, and waiting for the end of one.
 
+#include "await.h"
 #include "temporaryfolder.h"
 #include "terminalfixture.h"
 
-#include <chrono>
 #include <string>
-#include <thread>
 
 namespace krgui {
 
@@ -27,13 +26,7 @@ protected:
   /// Waits for what other threads do; the window takes no message meanwhile.
   template <typename Condition>
   [[nodiscard]] static bool AwaitOutsideTheWindow(Condition aCondition) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!aCondition()) {
-      if (std::chrono::steady_clock::now() > limit)
-        return false;
-      std::this_thread::yield();
-    }
-    return true;
+    return krtest::Await(aCondition);
   }
   std::string GetUtf8() const { return QString::fromStdU16String(GetText()).toStdString(); }
 

@@ -1,12 +1,10 @@
 // The serial terminal's ports: which are listed, and what opening and closing them does to the controls.
 
+#include "await.h"
 #include "terminalfixture.h"
 
 #include <QAbstractItemView>
 #include <QGroupBox>
-
-#include <chrono>
-#include <thread>
 
 namespace krgui {
 
@@ -278,9 +276,7 @@ TEST_F(Ports, LastBytesBeforeTheDeviceIsTakenOut_AreShownUnderIt) {
     Click(format);
     mLine->Receive("tail");
     // Read, and rendered before the next read; the loop of the window has not run since.
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (mLine->CountWaiting() > 0 && std::chrono::steady_clock::now() < limit)
-      std::this_thread::yield();
+    EXPECT_TRUE(krtest::Await([&] { return mLine->CountWaiting() == 0; }));
 
     ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK());
 
