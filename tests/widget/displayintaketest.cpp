@@ -90,7 +90,7 @@ TEST_F(KrDisplayWndTest, Converter_OfTheWindow_IsOneAndTheSame) {
   EXPECT_GE(mWindow.GetConverter().GetThreadCount(), 1);
 }
 
-TEST_F(KrDisplayWndTest, Closing_WhileFramesArriveAtFullRate_IsSafe) {
+TEST_F(KrDisplayWndTest, Images_AtFullRateWhileTheWindowCloses_AreSafe) {
   const KrBuffer buffer = MakeGrey(64, 64, 5);
   std::jthread camera([&](std::stop_token aStop) {
     while (!aStop.stop_requested())
