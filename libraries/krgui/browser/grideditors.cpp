@@ -132,8 +132,8 @@ bool GridEditors::Body::Open(GridItem aItem) {
   TreeItemData* node = mHost.FindFeatureNode(aItem);
   const EditorKind kind = node != nullptr ? ChooseEditor(*node) : EditorKind::None;
   if (kind == EditorKind::None) {
-    // A type without an editor stays so; what cannot be written at the moment may be later.
-    mWithoutEditor = node != nullptr && IsEditable(node->GetSnapshot()) ? aItem : kNoItem;
+    // A type without an editor stays so; what cannot be written at the moment, or still runs, may be later.
+    mWithoutEditor = node != nullptr && !CanHaveEditor(*node) ? aItem : kNoItem;
     return false;
   }
   mEdited = aItem;
@@ -342,10 +342,9 @@ void GridEditors::Body::FinishCommand(TreeItemData& aNode) {
     return;
   }
   TreeItemData* node = mHost.FindFeatureNode(item);
-  if (node != nullptr) {
-    node->Refresh();
-  }
-  if (mEdited == item && (node == nullptr || !node->GetAccess().isWritable)) {
+  // Of one that cannot be read only its being asked tells whether it still runs.
+  const bool keepsButton = node != nullptr && ChooseEditor(*node) != EditorKind::None;
+  if (mEdited == item && !keepsButton) {
     Close();
   }
   ShowAgain(item);

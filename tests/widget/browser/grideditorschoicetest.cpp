@@ -9,6 +9,18 @@ namespace krgui {
 
 namespace {
 
+/// "DeviceRun" cannot be read, but its register can: it alone tells when it is done.
+std::string MakeNodesWithUnreadableCommand() {
+  const std::string begin = "<Command Name=\"DeviceRun\">";
+  std::string nodes = MakeEditorNodes();
+  return nodes.insert(nodes.find(begin) + begin.size(), "<ImposedAccessMode>WO</ImposedAccessMode>");
+}
+
+class UnreadableCommandTest : public EditorsTest {
+protected:
+  UnreadableCommandTest() : EditorsTest(MakeNodesWithUnreadableCommand()) {}
+};
+
 TEST_F(EditorsTest, ChoiceByMouse_IsWritten) {
   Select("PixelFormat");
   QTest::mouseClick(Combo(), Qt::LeftButton);
@@ -161,6 +173,41 @@ TEST_F(EditorsTest, ExecutingCommand_HasNoButtonUntilItIsDone) {
   EXPECT_EQ(Button(), nullptr);
   EXPECT_TRUE(grid->hasFocus());
   EXPECT_EQ(Value("DeviceRun"), "{Executing}");
+
+  SetRegister(0x174, {0});
+  grid->HandleMessage({kRowChangedMessage, Item("DeviceRun"), 0});
+  Pump();
+
+  EXPECT_NE(Button(), nullptr);
+}
+
+TEST_F(EditorsTest, ExecutedCommand_IsNoChangeByTheUser) {
+  Select("DeviceReset");
+
+  QTest::mouseClick(Button(), Qt::LeftButton);
+  Pump();
+
+  EXPECT_EQ(camera.port.CountWrites(), 1U);
+  EXPECT_FALSE(grid->HasChanged());
+}
+
+TEST_F(UnreadableCommandTest, WhileItRuns_HasNoButton) {
+  Enter("DeviceRun");
+  QTest::keyClick(Button(), Qt::Key_Space);
+  Pump();
+
+  EXPECT_EQ(camera.port.CountWrites(), 1U);
+  EXPECT_EQ(Button(), nullptr);
+  EXPECT_TRUE(grid->hasFocus());
+}
+
+TEST_F(UnreadableCommandTest, LeftAndSelectedAgainWhileItRuns_HasItsButtonWhenItIsDone) {
+  Select("DeviceRun");
+  QTest::mouseClick(Button(), Qt::LeftButton);
+  Pump();
+  Select("OffsetX");
+  Select("DeviceRun");
+  EXPECT_EQ(Button(), nullptr);
 
   SetRegister(0x174, {0});
   grid->HandleMessage({kRowChangedMessage, Item("DeviceRun"), 0});

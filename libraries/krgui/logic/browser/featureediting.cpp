@@ -204,6 +204,11 @@ EditorKind ChooseEditor(TreeItemData& aNode) {
   return kind == EditorKind::Number && GetView<KrGenInteger>(aNode) && aNode.IsIPAddress() ? EditorKind::Text : kind;
 }
 
+bool CanHaveEditor(const TreeItemData& aNode) {
+  const KrGenParameter* const parameter = aNode.GetParameter();
+  return parameter && FindKind(parameter->GetType()) != EditorKind::None;
+}
+
 bool HasUpDown(const TreeItemData& aNode) {
   return GetView<KrGenInteger>(aNode) && !aNode.IsIPAddress();
 }

@@ -25,6 +25,8 @@ enum class EditorKind {
 /// Which editor a node gets: refreshes it and looks at its type, access and, for a command, whether it still runs. May
 /// wait for the device.
 EditorKind ChooseEditor(TreeItemData& aNode);
+/// Whether the node's type has an editor at all. The device is not asked.
+bool CanHaveEditor(const TreeItemData& aNode);
 /// Whether the number editor has an up-down control.
 bool HasUpDown(const TreeItemData& aNode);
 
