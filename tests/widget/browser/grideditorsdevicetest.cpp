@@ -125,15 +125,15 @@ TEST_F(EditorsDeviceTest, ListLeftByEscape_ShowsWhatTheDeviceHasMeanwhileAndWrit
   EXPECT_EQ(camera.Peek(0x118, 1).front(), 5);
 }
 
-TEST_F(EditorsDeviceTest, ComboThatNobodyTouched_WritesNothingThoughTheDeviceHasAnotherValue) {
+TEST_F(EditorsDeviceTest, ComboThatIsLeft_WritesWhatItShowsWhereTheDeviceHasAnotherValueUnseen) {
   Enter("PixelFormat");
   camera.Poke(0x118, {5});
 
   elsewhere->setFocus();
   Pump();
 
-  EXPECT_EQ(camera.port.CountWrites(), 0U);
-  EXPECT_EQ(camera.Peek(0x118, 1).front(), 5);
+  EXPECT_EQ(camera.port.CountWrites(), 1U);
+  EXPECT_EQ(camera.Peek(0x118, 1).front(), 1);
 }
 
 TEST_F(EditorsDeviceTest, ChoiceOfTheShownItem_IsWrittenWhenTheDeviceHasAnotherMeanwhile) {

@@ -122,8 +122,7 @@ Writing WriteIfDifferent(const TreeItemData& aNode, View& aView, const Value& aV
 }
 
 Writing WriteChoice(const TreeItemData& aNode, const EditInput& aInput) {
-  // What nobody chose may be older than what the device has.
-  if (!aInput.isDirty || !aInput.hasChoice) {
+  if (!aInput.hasChoice) {
     return {};
   }
   if (auto* enumeration = GetView<KrGenEnum>(aNode)) {

@@ -52,13 +52,13 @@ int FindChoice(const TreeItemData& aNode, const Choices& aChoices);
 struct EditInput {
   EditorKind kind = EditorKind::None;
   KrString text;           ///< Of an edit box; of a choice the item's.
-  bool isDirty = false;    ///< The user changed or chose it.
+  bool isDirty = false;    ///< The user changed or chose it. What a combo box shows is written all the same.
   std::int64_t choice = 0; ///< The chosen item's value.
   bool hasChoice = false;  ///< An item is chosen.
 };
 
 enum class EditOutcome {
-  NothingWritten, ///< Not changed, not dirty, not writable or no integer; a float that is no number is 0.
+  NothingWritten, ///< The device has it, or a text is not dirty, not writable or no integer. No float at all is 0.
   Written,
   InvalidIPAddress,
   Failed,
