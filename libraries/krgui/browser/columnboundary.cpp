@@ -41,7 +41,8 @@ void ColumnBoundary::Step(bool aIsOutward) {
 }
 
 void ColumnBoundary::Move(int aX) {
-  const int width = DragColumn(aX, mViewport->width());
+  // The grid's width counts, with its scroll bar and frame.
+  const int width = DragColumn(aX, mViewport->parentWidget()->width());
   if (width == mWidth)
     return;
   mWidth = width;

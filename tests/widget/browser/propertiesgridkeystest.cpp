@@ -110,7 +110,7 @@ TEST_F(GridKeysTest, ControlWithLeftAndRight_MovesTheBoundaryWithinItsLimits) {
   EXPECT_EQ(FindBoundary(), 100);
   for (int press = 0; press < 60; ++press)
     Press(Qt::Key_Right, Qt::ControlModifier);
-  EXPECT_EQ(FindBoundary(), mGrid->viewport()->width() - 50);
+  EXPECT_EQ(FindBoundary(), mGrid->width() - 50);
 
   EXPECT_EQ(GetSelectedName(), "Analog");
   EXPECT_TRUE(IsOpen("Analog"));

@@ -110,6 +110,15 @@ TEST_F(GridMouseTest, DoubleClickOnACategory_TogglesItOnce) {
   EXPECT_FALSE(IsOpen("Analog"));
 }
 
+TEST_F(GridMouseTest, DoubleClickOnAGlyph_TogglesAtEachPress) {
+  Click(GlyphOf("Analog"));
+  EXPECT_FALSE(IsOpen("Analog"));
+
+  QTest::mouseDClick(Viewport(), Qt::LeftButton, {}, GlyphOf("Analog"));
+
+  EXPECT_TRUE(IsOpen("Analog"));
+}
+
 TEST_F(GridMouseTest, CategoryWithoutRows_CannotBeToggled) {
   DoubleClick(PointIn("Empty", 150));
 
@@ -223,7 +232,7 @@ TEST_F(GridMouseTest, MovingWithTheButtonHeld_DoesNotSelect) {
 }
 
 TEST_F(GridMouseTest, Boundary_StartsAt220AndFollowsTheMouseWithinItsLimits) {
-  const int right = Viewport()->width();
+  const int right = mGrid->width();
   EXPECT_EQ(FindBoundary(), 220);
 
   Drag(220, 150);
@@ -233,6 +242,16 @@ TEST_F(GridMouseTest, Boundary_StartsAt220AndFollowsTheMouseWithinItsLimits) {
   Drag(100, right - 10);
   EXPECT_EQ(FindBoundary(), right - 50);
   EXPECT_EQ(mGrid->GetSelected(), kNoItem);
+}
+
+TEST_F(GridMouseTest, Boundary_MayBeAsFarOutBesideAScrollBar) {
+  mGrid->resize(500, 150);
+  Settle();
+  ASSERT_LE(Viewport()->width(), 490) << "The scroll bar is there.";
+
+  Drag(220, 480);
+
+  EXPECT_EQ(FindBoundary(), 450);
 }
 
 TEST_F(GridMouseTest, Boundary_IsTakenFromFewerThanThreePixelsAway) {
