@@ -200,7 +200,12 @@ TEST_F(BrowserRefreshTest, RefreshAll_ClosedArray_ShowsErrorsAndEnds) {
   EXPECT_EQ(TakeAll(), AllItems());
 }
 
-TEST_F(BrowserRefreshTest, Threads_Begin_AreLogged) {
+TEST(RefreshRhythm, WhereNothingIsSaid_WaitsTwoSecondsAndATenthOfOne) {
+  EXPECT_EQ(RefreshRhythm().automaticMs, 2000U);
+  EXPECT_EQ(RefreshRhythm().pollingMs, 100U);
+}
+
+TEST_F(BrowserRefreshTest, Threads_Begin_AreLoggedOnTheLibrarysChannel) {
   const KrLogCapture capture;
   AddRows(1);
 
@@ -209,8 +214,13 @@ TEST_F(BrowserRefreshTest, Threads_Begin_AreLogged) {
   Start(KrGenRefresh::Polling);
   mRefresh.Stop();
 
-  EXPECT_TRUE(capture.Contains(KrLogLevel::Info, "GenICam browser thread (auto) started"));
-  EXPECT_TRUE(capture.Contains(KrLogLevel::Info, "GenICam browser thread (polling) started"));
+  std::vector<std::string> told;
+  for (const KrLogRecord& record : capture.GetRecords()) {
+    EXPECT_EQ(record.level, KrLogLevel::Info);
+    told.push_back(record.channel.ToUtf8() + ": " + record.text.ToUtf8());
+  }
+  EXPECT_THAT(told, testing::ElementsAre("KrGUILib: GenICam browser thread (auto) started",
+                                         "KrGUILib: GenICam browser thread (polling) started"));
 }
 
 TEST_F(BrowserRefreshTest, Automatic_NothingOnTheScreen_ReadsEveryRowOnceInItsOrder) {

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstring>
 #include <stdexcept>
 
 using namespace krgui;
@@ -34,26 +33,6 @@ FeatureReading ReadStyled(NodeBench& aCamera, const char* aName) {
   return ReadFeature(*aCamera.array->Get(aName),
                      {.isMACAddress = name == "GevMACAddress", .isIPAddress = name == "GevCurrentIPAddress"});
 }
-
-// Answers although the array is closed during the access.
-class ClosingPort final : public IKrRegisterPort {
-public:
-  explicit ClosingPort(const std::unique_ptr<KrGenParameterArray>& aArray) : mArray(aArray) {}
-
-  KrResult Read(std::uint64_t /*aAddress*/, void* aData, std::size_t aLength, std::uint32_t /*aTimeoutMs*/,
-                const std::stop_token& /*aCancel*/) override {
-    std::memset(aData, 0, aLength);
-    mArray->Close();
-    return {};
-  }
-  KrResult Write(std::uint64_t /*aAddress*/, const void* /*aData*/, std::size_t /*aLength*/,
-                 std::uint32_t /*aTimeoutMs*/, const std::stop_token& /*aCancel*/) override {
-    return {};
-  }
-
-private:
-  const std::unique_ptr<KrGenParameterArray>& mArray;
-};
 
 KrResult MakeFailure() {
   return {KrResult::Code::TimeLimitExceeded, "The device did not answer within 1000 ms."};
@@ -430,39 +409,6 @@ TEST(FeatureReading, RegisterPort_ThatThrows_FailsTheStepThatAsksForIt) {
     EXPECT_EQ(error.find("The cable burns.") != std::string::npos, hasFailed) << error;
     EXPECT_EQ(reading.value.ToUtf8(), row.value);
     EXPECT_EQ(reading.access, row.access);
-  }
-}
-
-TEST(FeatureReading, ClosedArray_FailsTheFirstStep) {
-  NodeBench camera(kPredicates + "<Integer Name=\"X\"><pValue>Raw</pValue></Integer>");
-  camera.array->Close();
-
-  const FeatureReading reading = ReadFeature(camera.Integer("X"), {});
-
-  EXPECT_TRUE(reading.error.ToUtf8().starts_with("Error retrieving implemented attribute, ")) << reading.error.CStr();
-  EXPECT_EQ(reading.access, AccessFlags());
-}
-
-TEST(FeatureReading, ArrayThatIsClosedBetweenTwoSteps_FailsTheSecond) {
-  struct {
-    const char* type;
-    const char* context;
-  } constexpr kRows[] = {{"Integer", "Error reading representation"}, {"Float", "Error reading unit"}};
-
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.type);
-    const std::string feature = std::string("<") + row.type + " Name=\"X\"><pValue>Raw</pValue></" + row.type + ">";
-    KrGenDescription description;
-    std::unique_ptr<KrGenParameterArray> array;
-    ClosingPort port(array);
-    ASSERT_TRUE(KrGenDescription::ReadFromMemory(MakeDescription(kPredicates + feature), "test", description).IsOK());
-    ASSERT_TRUE(KrGenParameterArray::Open(description, port, {}, array).IsOK());
-
-    const FeatureReading reading = ReadFeature(*array->Get("X"), {});
-
-    EXPECT_TRUE(reading.error.ToUtf8().starts_with(std::string(row.context) + ", ")) << reading.error.CStr();
-    EXPECT_TRUE(reading.value.IsEmpty());
-    EXPECT_EQ(reading.access, (AccessFlags{true, true, true, true}));
   }
 }
 

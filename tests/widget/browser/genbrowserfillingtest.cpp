@@ -97,6 +97,24 @@ TEST_F(Filling, ChoiceInTheVisibilityList_IsStoredAndFillsAnew) {
   EXPECT_EQ(mWindow.GetVisibility(), KrGenVisibility::Guru);
 }
 
+TEST_F(Filling, ChoiceInTheVisibilityList_DecidesWhichEntriesAreOffered) {
+  const auto countOffered = [this] {
+    mWindow.GetGrid().Select(mWindow.FindRow("PixelFormat"));
+    const QComboBox* list = nullptr;
+    EXPECT_TRUE(WaitFor([&] {
+      list = mWindow.GetGrid().viewport()->findChild<QComboBox*>(QStringLiteral("choiceEditor"));
+      return list && list->isVisible();
+    }));
+    return list ? list->count() : 0;
+  };
+  Open();
+  EXPECT_EQ(countOffered(), 1);
+
+  mWindow.GetVisibilityList().setCurrentIndex(1);
+
+  EXPECT_EQ(countOffered(), 2);
+}
+
 TEST_F(Filling, SetVisibility_OfAnOpenWindow_SelectsInTheListAndFillsNothingAnew) {
   Open();
 

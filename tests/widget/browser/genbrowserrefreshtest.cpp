@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 
 #include <optional>
+#include <thread>
 
 namespace krgui {
 
@@ -95,6 +96,23 @@ TEST_F(RefreshModes, Refresh_ShowsTheWaitCursorWhileItReads) {
   });
 
   mWindow.Refresh();
+
+  EXPECT_EQ(during, Qt::WaitCursor);
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(RefreshModes, FillingAnewInManualMode_ShowsTheWaitCursorWhileItReads) {
+  Open(KrGenRefresh::Manual);
+  std::optional<Qt::CursorShape> during;
+  mCamera.port.SetFault([&, here = std::this_thread::get_id()](const RegisterAccessRecord&) {
+    const QCursor* const cursor = std::this_thread::get_id() == here ? QGuiApplication::overrideCursor() : nullptr;
+    if (cursor)
+      during = cursor->shape();
+    return KrResult();
+  });
+
+  mWindow.GetVisibilityList().setCurrentIndex(1);
+  mCamera.port.SetFault({});
 
   EXPECT_EQ(during, Qt::WaitCursor);
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);

@@ -1,5 +1,6 @@
 // The search row of the feature browser's window and the description of the selected row.
 
+#include "browser/gridcolours.h"
 #include "browserfixture.h"
 
 #include <QShortcut>
@@ -16,6 +17,17 @@ protected:
   }
   bool IsShown() const { return mWindow.GetSearchBar().isVisible() && mWindow.GetButton("Close search").isVisible(); }
   void Type(const char* aText) { QTest::keyClicks(mWindow.GetWidget()->window()->focusWidget(), aText); }
+  /// In the row of Gain, which is one.
+  bool IsAMatchMarked() const {
+    const PropertiesGrid& grid = mWindow.GetGrid();
+    const QRgb mark = MakeGridColours(grid.palette()).match.rgb();
+    const QImage picture = mWindow.GetGrid().viewport()->grab(grid.FindRow(mWindow.FindRow("Gain"))).toImage();
+    for (int x = 0; x < picture.width(); ++x) {
+      if (picture.pixel(x, picture.height() / 2) == mark)
+        return true;
+    }
+    return false;
+  }
 };
 
 class Description : public GenBrowserTest {
@@ -96,6 +108,16 @@ TEST_F(SearchRow, TextThatOccursNowhere_SaysSo) {
   Type("nothing like that");
 
   EXPECT_EQ(mWindow.GetResult(), "No result found");
+}
+
+TEST_F(SearchRow, Hidden_LeavesNoMatchMarked) {
+  OpenWithRow();
+  Type("gain");
+  ASSERT_TRUE(IsAMatchMarked());
+
+  mWindow.Click("Close search");
+
+  EXPECT_FALSE(IsAMatchMarked());
 }
 
 TEST_F(SearchRow, CloseButton_HidesItAndForgetsTextAndResult) {
