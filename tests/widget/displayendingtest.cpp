@@ -74,6 +74,23 @@ TEST_F(KrDisplayWndTest, Child_ThatGetsEscapeOrEnter_StaysOpen) {
   }
 }
 
+TEST_F(KrDisplayWndTest, Modeless_ThatGetsEscapeOrEnter_Closes) {
+  for (Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter}) {
+    Open(200, 100);
+
+    QTest::keyClick(&GetView(), key);
+
+    EXPECT_EQ(mWindow.GetHandle(), 0u) << key;
+  }
+}
+
+TEST_F(KrDisplayWndTest, Modal_ThatGetsEnter_IsNotCancelled) {
+  QTimer::singleShot(0, qApp, [&] { QTest::keyClick(&GetView(), Qt::Key_Return); });
+
+  EXPECT_TRUE(mWindow.ShowModal(0).IsOK());
+  EXPECT_EQ(mWindow.GetHandle(), 0u);
+}
+
 TEST_F(KrDisplayWndTest, Modeless_WhoseWidgetIsClosed_Closes) {
   Open(200, 100);
 

@@ -151,6 +151,25 @@ TEST_F(KrDisplayWndMenuTest, ByKeyboard_MenuOpensInTheMiddleAndTheContextPointSt
   EXPECT_EQ(mWindow.GetHScrollPos(), horizontal + int(std::floor(300 * GetRatio())) - GetDeviceSize().width() / 2);
 }
 
+TEST_F(KrDisplayWndMenuTest, CentreHere_InAWindowOpenedAgain_GoesByTheLastRightClickOfAll) {
+  OpenMenuAt({300, 80});
+  Choose(kZoomOneToOne);
+  Grab();
+  ASSERT_TRUE(mWindow.Close().IsOK());
+  ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
+  ASSERT_TRUE(krtest::AwaitExposed(mWindow.GetWidget()));
+  Grab();
+  const int horizontal = mWindow.GetHScrollPos();
+  const int vertical = mWindow.GetVScrollPos();
+
+  OpenMenuByKeyboard();
+  Choose(kCentreHere);
+
+  const QSize client = GetDeviceSize();
+  EXPECT_EQ(mWindow.GetHScrollPos(), horizontal + int(std::floor(300 * GetRatio())) - client.width() / 2);
+  EXPECT_EQ(mWindow.GetVScrollPos(), vertical + int(std::floor(80 * GetRatio())) - client.height() / 2);
+}
+
 TEST_F(KrDisplayWndMenuTest, CentreHere_BeforeAnyRightClick_BringsTheUpperLeftCornerIntoTheMiddle) {
   mWindow.Zoom1_1();
   Grab();

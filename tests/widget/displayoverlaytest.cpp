@@ -46,6 +46,38 @@ TEST_F(KrDisplayWndTest, Overlay_Text_StandsAtTheImagesCornerAndChangesNothingEl
       plainpicture::Count(picture, {text.left(), middle, text.width(), text.bottom() - middle}, QColor(0, 255, 0)), 0);
 }
 
+TEST_F(KrDisplayWndTest, Overlay_OverAScrolledImage_StaysAtTheWindowsCorner) {
+  Open(300, 200);
+  ASSERT_TRUE(mWindow.Display(MakeGrey(1000, 800, 0), false).IsOK());
+  mWindow.Zoom1_1();
+  const int bar = static_cast<int>(std::lround(18 * GetRatio()));
+  const auto grabImage = [&] {
+    Grab(); // Places the bars.
+    const QImage picture = Grab();
+    return picture.copy(0, 0, picture.width() - bar, picture.height() - bar);
+  };
+  const QImage plain = grabImage();
+  mWindow.SetTextOverlay("HHH");
+  mWindow.SetTextOverlayOffsetX(12);
+  mWindow.SetTextOverlayOffsetY(5);
+  ASSERT_TRUE(mWindow.Display(MakeGrey(1000, 800, 0), false).IsOK());
+  ASSERT_GT(mWindow.GetHScrollPos(), 0);
+  ASSERT_GT(mWindow.GetVScrollPos(), 0);
+
+  const QImage centred = grabImage();
+
+  const QRect text = plainpicture::FindDifference(centred, plain);
+  EXPECT_GE(text.left(), 12 * GetRatio());
+  EXPECT_LE(text.left(), 16 * GetRatio());
+  EXPECT_GE(text.top(), 5 * GetRatio());
+  EXPECT_LE(text.top(), 12 * GetRatio());
+  for (const Qt::Key key : {Qt::Key_Home, Qt::Key_End}) {
+    QTest::keyClick(&GetHorizontalBar(), key);
+    QTest::keyClick(&GetVerticalBar(), key);
+    EXPECT_EQ(plainpicture::Compare(grabImage(), centred), "") << key;
+  }
+}
+
 TEST_F(KrDisplayWndTest, Overlay_LineEndsOfOtherSystems_DrawAsPlainOnes) {
   Open(300, 100);
   const KrBuffer buffer = MakeGrey(100, 100, 0);

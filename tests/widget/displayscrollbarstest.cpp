@@ -80,6 +80,15 @@ private:
   std::vector<krgui::Message> mMessages;
 };
 
+struct PaintCounter : QObject {
+  explicit PaintCounter(QWidget& aWidget) { aWidget.installEventFilter(this); }
+  bool eventFilter(QObject*, QEvent* aEvent) override {
+    count += aEvent->type() == QEvent::Paint ? 1 : 0;
+    return false;
+  }
+  int count = 0;
+};
+
 struct Side {
   const char* name;
   QScrollBar* bar;
@@ -117,16 +126,36 @@ TEST_F(KrDisplayWndScrollBarsTest, Bars_OfALargerImage_LieAtTheEdgesCentred) {
   ExpectPicture(view.GetHorizontalMiddle(), view.GetVerticalMiddle(), "centred");
 }
 
-TEST_F(KrDisplayWndScrollBarsTest, Corner_BetweenTheBars_HasTheButtonsColour) {
+TEST_F(KrDisplayWndScrollBarsTest, Corner_BetweenTheBars_HasTheDialogsColourInEveryTheme) {
   mWindow.Zoom1_1();
   Grab();
+  for (const auto& [dialog, button] : {std::pair{QColor(40, 44, 52), QColor(60, 66, 78)}, {Qt::white, Qt::lightGray}}) {
+    QPalette palette = GetView().palette();
+    palette.setColor(QPalette::Window, dialog);
+    palette.setColor(QPalette::Button, button);
+    mWindow.GetWidget()->setPalette(palette);
 
-  const QImage picture = Grab();
+    const QImage picture = Grab();
 
-  const QSize view = GetExpectedView(1.0).view;
-  const QRect corner(view.width(), view.height(), picture.width() - view.width(), picture.height() - view.height());
-  EXPECT_EQ(plainpicture::Count(picture, corner, GetView().palette().color(QPalette::Button)),
-            corner.width() * corner.height());
+    const QSize view = GetExpectedView(1.0).view;
+    const QRect corner(view.width(), view.height(), picture.width() - view.width(), picture.height() - view.height());
+    EXPECT_EQ(plainpicture::Count(picture, corner, dialog), corner.width() * corner.height())
+        << dialog.name().toStdString();
+  }
+}
+
+TEST_F(KrDisplayWndScrollBarsTest, ScrollingWithoutARange_ChangesNothingAndPaints) {
+  int least = -1, greatest = -1;
+  mWindow.GetHScrollRange(least, greatest);
+  ASSERT_EQ(greatest, 0);
+  const QImage before = Grab();
+  PaintCounter paints(GetView());
+
+  GetHorizontalBar().triggerAction(QAbstractSlider::SliderPageStepAdd);
+
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return paints.count > 0; }));
+  EXPECT_EQ(mWindow.GetHScrollPos(), 0);
+  EXPECT_EQ(plainpicture::Compare(Grab(), before), "");
 }
 
 TEST_F(KrDisplayWndScrollBarsTest, Bars_AfterAResize_LieAtTheNewEdgesAndGoWhenTheImageFits) {

@@ -55,12 +55,13 @@ protected:
   }
 
   // Turns the wheel over the view; true when the view has used it.
-  bool Turn(QPoint aDelta) {
-    const QPointF middle = GetView().rect().center();
-    QWheelEvent event(middle, GetView().mapToGlobal(middle), QPoint(), aDelta, Qt::NoButton, Qt::NoModifier,
+  bool Turn(QPoint aDelta) { return TurnOver(GetView(), aDelta); }
+  static bool TurnOver(QWidget& aWidget, QPoint aDelta) {
+    const QPointF middle = aWidget.rect().center();
+    QWheelEvent event(middle, aWidget.mapToGlobal(middle), QPoint(), aDelta, Qt::NoButton, Qt::NoModifier,
                       Qt::NoScrollPhase, false);
     event.ignore();
-    QCoreApplication::sendEvent(&GetView(), &event);
+    QCoreApplication::sendEvent(&aWidget, &event);
     return event.isAccepted();
   }
 };
@@ -185,6 +186,25 @@ TEST_F(KrDisplayWndZoomTest, Wheel_TurnsOfAnySize_AddUpToWholeSteps) {
       sum += turn.y();
     Turn({0, -(sum % 120)});
   }
+}
+
+TEST_F(KrDisplayWndZoomTest, Wheel_OverAScrollBar_ZoomsAsOverTheImage) {
+  mWindow.Zoom1_1();
+  Grab();
+  // At its end, where there would be nothing to scroll.
+  QTest::keyClick(&GetVerticalBar(), Qt::Key_Home);
+
+  EXPECT_TRUE(TurnOver(GetVerticalBar(), {0, 120}));
+  ExpectFactor(1.1, "over the vertical bar");
+  EXPECT_TRUE(TurnOver(GetHorizontalBar(), {0, 240}));
+  ExpectFactor(1.1 * 1.1 * 1.1, "over the horizontal bar");
+  EXPECT_TRUE(TurnOver(GetHorizontalBar(), {0, -60}));
+  EXPECT_TRUE(Turn({0, -60}));
+  ExpectFactor(1.1 * 1.1, "half a step over a bar, the other half over the image");
+  const int position = mWindow.GetHScrollPos();
+  EXPECT_TRUE(TurnOver(GetHorizontalBar(), {120, 0}));
+  ExpectFactor(1.1 * 1.1, "to the side");
+  EXPECT_EQ(mWindow.GetHScrollPos(), position);
 }
 
 TEST_F(KrDisplayWndZoomTest, Wheel_UntilTheImageFits_FitsIt) {

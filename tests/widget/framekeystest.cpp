@@ -89,6 +89,17 @@ TEST(WndKeys, EscapeInAModelessWindow_ClosesIt) {
   EXPECT_EQ(window.record->destroys, 1);
 }
 
+TEST(WndKeys, EnterInAModelessWindow_ClosesIt) {
+  TestWnd window;
+  ASSERT_TRUE(window.ShowModeless(0).IsOK());
+
+  QTest::keyClick(window.GetWidget(), Qt::Key_Return);
+
+  EXPECT_FALSE(window.IsOpen());
+  EXPECT_EQ(window.record->accepts, 1);
+  EXPECT_EQ(window.record->destroys, 1);
+}
+
 TEST(WndKeys, CloseBoxOfAModelessWindow_ClosesItAndLetsTheApplicationQuit) {
   TestWnd window;
   ASSERT_TRUE(window.ShowModeless(0).IsOK());

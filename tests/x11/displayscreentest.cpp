@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <thread>
 
@@ -35,6 +36,22 @@ TEST_F(DisplayOnScreen, FittedImage_WithItsBands_IsThereAsItShouldBe) {
     ASSERT_TRUE(mWindow.Display(image, false).IsOK());
 
     ExpectFitted(image, QColor(90, 0, 140), std::to_string(width) + "x" + std::to_string(height));
+  }
+}
+
+TEST_F(DisplayOnScreen, BackgroundColour_ThatIsChanged_IsThereWithTheNextFrameThatIsDrawnAtOnce) {
+  Open(500, 300);
+  for (const auto& [width, height] : {std::pair{320u, 240u}, {500u, 100u}}) {
+    EXPECT_TRUE(mWindow.SetBackgroundColor(90, 0, 140).IsOK());
+    ASSERT_TRUE(mWindow.Display(MakeGrey(width, height, 3), false).IsOK());
+    ExpectFitted(MakeGrey(width, height, 3), QColor(90, 0, 140), "the first colour");
+    for (const auto& [red, green, blue] : {std::array<unsigned char, 3>{0, 120, 30}, {250, 240, 10}}) {
+      EXPECT_TRUE(mWindow.SetBackgroundColor(red, green, blue).IsOK());
+
+      ASSERT_TRUE(mWindow.Display(MakeGrey(width, height, 3), false).IsOK());
+
+      ExpectFitted(MakeGrey(width, height, 3), QColor(red, green, blue), "another colour");
+    }
   }
 }
 
@@ -80,13 +97,13 @@ TEST_F(DisplayOnScreen, Bars_AndTheirCorner_AreAsThickAsTheyShouldBe) {
   Open(400, 300);
   ASSERT_TRUE(mWindow.Display(MakeGrey(800, 600, 0), false).IsOK());
   mWindow.Zoom1_1();
-  const QColor button = GetView().palette().color(QPalette::Button);
+  const QColor dialog = GetView().palette().color(QPalette::Window);
 
   Await(
       [&] {
-        return plainpicture::Count(GrabClient({382, 282, 18, 18}), {0, 0, 18, 18}, button) == 18 * 18;
+        return plainpicture::Count(GrabClient({382, 282, 18, 18}), {0, 0, 18, 18}, dialog) == 18 * 18;
       },
-      "the corner in the buttons' colour");
+      "the corner in the dialog's colour");
 
   ExpectScrolled(MakeGrey(800, 600, 0), 1.0);
   const QImage screen = GrabClient();
@@ -235,6 +252,9 @@ TEST_F(DisplayOnScreen, RealKeysAndWheel_ZoomTheImage) {
   awaitFactor(1.1, "wheel away");
   krtest::MoveHands({"click", "5"});
   awaitFactor(1.0, "wheel towards");
+  MoveMouse({100, 231});
+  krtest::MoveHands({"click", "4"});
+  awaitFactor(1.1, "wheel over the horizontal bar");
 }
 
 TEST_F(DisplayOnScreen, MenuKey_OpensTheMenuInTheMiddle) {

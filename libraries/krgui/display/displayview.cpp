@@ -3,6 +3,7 @@
 #include "display/picturetarget.h"
 #include "logic/display/viewcommand.h"
 #include "platform/nativechild.h"
+#include "platform/systemcolours.h"
 #include "platform/x11connection.h"
 
 #include <QApplication>
@@ -172,7 +173,7 @@ ScreenLook DisplayView::TakeScreenLook() const {
   const double ratio = devicePixelRatioF();
   const QFontInfo info(font());
   return {.pixelRatio = ratio,
-          .cornerColor = palette().color(QPalette::Button).rgb() | 0xFF000000U,
+          .cornerColor = GetSystemColour(palette(), SystemColour::ButtonFace).rgb() | 0xFF000000U,
           .textFamily = info.family(),
           .textPixelSize = std::max(ToDevicePixels(info.pixelSize(), ratio), 1),
           .textLineHeight = QFontMetricsF(QGuiApplication::font()).height() * ratio};
@@ -257,6 +258,17 @@ void DisplayView::keyPressEvent(QKeyEvent* aEvent) {
     QWidget::keyPressEvent(aEvent); // Whatever it was, the surrounding dialog gets it too.
 }
 
+void DisplayView::TakeWheelOf(QWidget& aWidget) {
+  aWidget.installEventFilter(this);
+}
+
+bool DisplayView::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (aEvent->type() != QEvent::Wheel)
+    return QWidget::eventFilter(aWatched, aEvent);
+  wheelEvent(static_cast<QWheelEvent*>(aEvent));
+  return true;
+}
+
 void DisplayView::wheelEvent(QWheelEvent* aEvent) {
   Zoom(kWheelZoomStep, mWheelSteps.Add(aEvent->angleDelta().y()));
   aEvent->accept();
@@ -264,7 +276,7 @@ void DisplayView::wheelEvent(QWheelEvent* aEvent) {
 
 void DisplayView::mousePressEvent(QMouseEvent* aEvent) {
   if (aEvent->button() == Qt::RightButton)
-    mContextPoint = ToDevice(aEvent->position());
+    Q_EMIT ContextPointSet(ToDevice(aEvent->position()));
   setFocus(Qt::MouseFocusReason);
 }
 

@@ -34,20 +34,22 @@ public:
   void UpdateClient();
   /// Asks where the mouse is, after what covered the view has gone.
   void TakeCursor();
-  /// The right mouse button was pressed here last, in device pixels of the client area; the upper left corner before
-  /// the first time.
-  PixelPoint GetContextPoint() const { return mContextPoint; }
+  /// Lets the wheel over what lies above the view, as its scroll bars do, do what it does over the view.
+  void TakeWheelOf(QWidget& aWidget);
 
   QPaintEngine* paintEngine() const override;
 
 Q_SIGNALS:
   /// A paint found how the scroll bars are to be. They must not be touched before the paint is over.
   void BarsFound(const krgui::BarChanges& aChanges);
+  /// The right mouse button was pressed at a point of the client area, in device pixels.
+  void ContextPointSet(const krgui::PixelPoint& aClientPoint);
   /// The context menu is wanted at a point of the screen.
   void MenuWanted(const QPoint& aScreenPoint);
 
 protected:
   bool event(QEvent* aEvent) override;
+  bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
   void changeEvent(QEvent* aEvent) override;
   void paintEvent(QPaintEvent* aEvent) override;
   void keyPressEvent(QKeyEvent* aEvent) override;
@@ -84,7 +86,6 @@ private:
   QTimer mRetryTimer;  ///< Until the screen takes a frame that it did not take.
   QTimer mScreenTimer; ///< Until the screen takes pixels from us again.
   WheelSteps mWheelSteps;
-  PixelPoint mContextPoint;
 };
 
 } // namespace krgui

@@ -96,8 +96,7 @@ void DisplayWnd::ZoomOut() {
 }
 
 void DisplayWnd::Perform(int aCommandID) {
-  const PixelPoint contextPoint = mView ? mView->GetContextPoint() : PixelPoint();
-  mContent->ChangeView([&](ViewGeometry& aView) { return PerformViewCommand(aView, aCommandID, contextPoint); });
+  mContent->ChangeView([&](ViewGeometry& aView) { return PerformViewCommand(aView, aCommandID, mContextPoint); });
   if (mBars)
     mBars->Refresh();
   Invalidate();
@@ -145,15 +144,20 @@ std::optional<KrDisplayMapping> DisplayWnd::GetMapping() const {
 
 bool DisplayWnd::OnInitDialog() {
   Wnd::OnInitDialog();
-  mBars =
-      std::make_unique<DisplayBars>(mContent, qobject_cast<QScrollBar*>(GetControl(kHorizontalBarID)),
-                                    qobject_cast<QScrollBar*>(GetControl(kVerticalBarID)), [this] { Invalidate(); });
+  auto* const horizontalBar = qobject_cast<QScrollBar*>(GetControl(kHorizontalBarID));
+  auto* const verticalBar = qobject_cast<QScrollBar*>(GetControl(kVerticalBarID));
+  mBars = std::make_unique<DisplayBars>(mContent, horizontalBar, verticalBar, [this] { Invalidate(); });
   mView = new DisplayView(mContent, GetWidget());
+  for (QScrollBar* bar : {horizontalBar, verticalBar})
+    if (bar)
+      mView->TakeWheelOf(*bar);
   // The first size of an opening counts as another one even if it is the last one of the opening before.
   mContent->ChangeView([](ViewGeometry& aView) { aView.MarkDirty(); });
   mConnections = std::make_unique<QObject>();
   QObject::connect(mView, &DisplayView::BarsFound, mConnections.get(),
                    [this](const BarChanges& aChanges) { OnBarsFound(aChanges); });
+  QObject::connect(mView, &DisplayView::ContextPointSet, mConnections.get(),
+                   [this](const PixelPoint& aPoint) { mContextPoint = aPoint; });
   QObject::connect(mView, &DisplayView::MenuWanted, mConnections.get(),
                    [this](const QPoint& aPoint) { ShowMenu(aPoint); });
   mView->setGeometry(GetWidget()->rect());

@@ -77,6 +77,9 @@ private:
   const std::shared_ptr<DisplayContent> mContent;
   DisplayView* mView = nullptr;       ///< Owned by the dialog; null while the window is not open.
   std::unique_ptr<DisplayBars> mBars; ///< Null while the window is not open.
+  /// Where the right mouse button was pressed last, in whichever opening, in device pixels of the client area; its
+  /// upper left corner before the first time.
+  PixelPoint mContextPoint;
   /// What view and menu call of this window ends with the opening: they may outlive it for a while.
   std::unique_ptr<QObject> mConnections;
   QPointer<QMenu> mMenu; ///< The context menu while it is open; owned by the dialog.

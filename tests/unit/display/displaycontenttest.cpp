@@ -93,6 +93,19 @@ TEST(DisplayContent_Display, PixelTypeWithoutConversion_IsRefusedNamingBothTypes
   EXPECT_EQ(content.GetInternalBuffer().GetSize(), 0u);
 }
 
+TEST(DisplayContent_Display, ImageWithoutASizeOfATypeWithoutConversion_IsRefusedForItsSize) {
+  DisplayContent content;
+  const StatedImage image(0, 4, 16, 0x81080123);
+  const KrLogCapture log;
+  Paint paint = Paint::NotNeeded;
+
+  const KrResult result = content.Display(&image, paint);
+
+  EXPECT_EQ(result.GetCodeNumber(), 1281u);
+  EXPECT_THAT(result.GetDescription().ToUtf8(),
+              testing::StartsWith("The width, height and size of the buffer must be"));
+}
+
 TEST(DisplayContent_Display, Mono8Image_IsShownAsBGRa8) {
   OpenDisplay display;
 
