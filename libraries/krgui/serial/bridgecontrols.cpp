@@ -123,16 +123,6 @@ void BridgeControls::CheckKind(BridgeKind aKind) {
   }
 }
 
-void BridgeControls::ShowNoBridge() {
-  CheckKind(BridgeKind::None);
-  mCOMPorts.Select({});
-  ShowDescription("Not selected");
-  ShowCameraLinkName("Inactive");
-  ShowStatistics(nullptr);
-  ShowBaudRates(nullptr);
-  Enable();
-}
-
 void BridgeControls::ShowDescription(const KrString& aText) const {
   SetText(id::kDescription, aText);
 }

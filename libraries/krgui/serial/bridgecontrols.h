@@ -47,8 +47,6 @@ public:
   /// Checks again what was checked by CheckKind.
   void RestoreKind() { CheckKind(mKind); }
 
-  /// Of all that depends on a bridge, what there is without one.
-  void ShowNoBridge();
   void ShowDescription(const KrString& aText) const;
   void ShowCameraLinkName(const KrString& aText) const;
   void ShowState(const KrString& aText) const;

@@ -57,7 +57,7 @@ KrResult SerialBridgeManagerWnd::SetDevice(IKrDeviceAdapter* aAdapter) {
   if (mControls)
     cursor.emplace();
   mBridges->SetDevice(aAdapter, aAdapter != nullptr ? aAdapter->GetDeviceText() : KrString());
-  ShowOtherBridges();
+  Refresh();
   return {};
 }
 
@@ -74,7 +74,7 @@ KrResult SerialBridgeManagerWnd::Load(const KrPropertyList& aProperties, KrStrin
   if (mControls)
     cursor.emplace();
   mBridges->Load(aProperties, aErrors);
-  ShowOtherBridges();
+  Refresh();
   return {};
 }
 
@@ -166,21 +166,16 @@ std::vector<std::uint32_t> SerialBridgeManagerWnd::FindBridgedPorts() const {
   return GetCOMPortNumbers(names);
 }
 
-/// Shows the bridges as they are now. Without a selected port, what depends on one stays.
+/// Shows the bridges as they are now. Without a selected port, what depends on one stays, even if its bridge has gone.
 void SerialBridgeManagerWnd::Refresh() {
   if (!mControls)
     return;
   mControls->ListPorts(mBridges->GetBridges());
   mControls->GetCOMPortList().Refresh();
+  // A kind that is being chosen at this moment comes to nothing.
+  mControls->RestoreKind();
   ShowSelectedPort();
   Tick();
-}
-
-/// What was shown of a port that is not selected any more was of a bridge that is no more.
-void SerialBridgeManagerWnd::ShowOtherBridges() {
-  Refresh();
-  if (mControls && GetSelectedBridge() == nullptr)
-    mControls->ShowNoBridge();
 }
 
 void SerialBridgeManagerWnd::Tick() {
@@ -235,11 +230,6 @@ void SerialBridgeManagerWnd::ChooseKind(BridgeKind aKind) {
   SerialBridge* bridge = GetSelectedBridge();
   if (bridge == nullptr) {
     mControls->RestoreKind();
-    return;
-  }
-  if (aKind == BridgeKind::COMPort && !bridge->GetCOMPort().IsEmpty()) {
-    // The button of a link that there is already: its port stays the one that is shown.
-    mControls->GetCOMPortList().Refresh();
     return;
   }
   const Moment moment = GetMoment(*bridge);

@@ -62,7 +62,6 @@ private:
 
   void WireControls();
   void Refresh();
-  void ShowOtherBridges();
   void Tick();
   void ShowSelectedPort();
   void ShowCOMPort(const SerialBridge& aBridge);

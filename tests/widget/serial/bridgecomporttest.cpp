@@ -55,6 +55,7 @@ TEST_F(COMPorts, ChosenPortOfUnknownRates_IsToldOnce) {
               ElementsAre("Device Serial Port Baud Rate: The baud rate of the device serial port cannot be accessed "
                           "through its GenICam interface.\n\nConfigure the serial COM port baud rate to match the "
                           "hard-coded device serial port baud rate."));
+  EXPECT_THAT(mPictures, ElementsAre("Information"));
   EXPECT_EQ(GetSelected(id::kCOMPort), "COM1");
 }
 
@@ -68,6 +69,7 @@ TEST_F(COMPorts, PortThatCannotBeOpened_IsToldAndNotSelected) {
 
   ASSERT_EQ(mBoxes.size(), 1U);
   EXPECT_THAT(mBoxes[0], StartsWith("Serial Communication Bridge: Error opening serial COM port.\n"));
+  EXPECT_THAT(mPictures, ElementsAre("Warning"));
   EXPECT_EQ(GetList().currentIndex(), -1);
   EXPECT_EQ(GetKind(), "Serial COM Port Link");
   EXPECT_FALSE(IsEnabled(id::kConfigure));
@@ -420,6 +422,7 @@ TEST_F(COMPorts, ListWithoutASelection_CannotBeAppliedAndThatIsTold) {
   EXPECT_THAT(
       mBoxes[0],
       StartsWith("Serial Communication Bridge: Unable to change serial COM port configuration.\nInvalidInput: "));
+  EXPECT_THAT(mPictures, ElementsAre("Warning"));
   EXPECT_EQ(GetText(id::kDescription), "57600 baud, no parity, 8 bits, 1 stop bit");
 }
 

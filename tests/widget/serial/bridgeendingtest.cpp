@@ -137,6 +137,7 @@ TEST_F(Endings, DeviceTakenOutWhileTheRateIsAskedFor_NothingIsDone) {
 
   ExpectActed();
   EXPECT_EQ(GetText(id::kState), "There is no device.");
+  EXPECT_EQ(GetKind(), "None");
   EXPECT_THAT(Save(), IsEmpty());
 }
 

@@ -2,16 +2,46 @@
 
 #include "bridgefixture.h"
 
+#include <QGuiApplication>
+#include <QThread>
+
 namespace krgui {
 
 namespace {
 
 using krtest::BridgeHost;
+using testing::AllOf;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::Pair;
 using testing::StartsWith;
+
+/// The cursor over the application, as often as it is looked at.
+struct CursorRecord {
+  void Look() {
+    if (QThread::currentThread() != QCoreApplication::instance()->thread())
+      return; // Of a thread that works for the bridge.
+    const QCursor* const cursor = QGuiApplication::overrideCursor();
+    shapes.push_back(cursor ? cursor->shape() : Qt::ArrowCursor);
+  }
+  std::vector<Qt::CursorShape> shapes;
+};
+
+/// A line that looks at the cursor whenever it is opened or closed.
+struct WatchedLine : krtest::SerialLine {
+  KrResult Open() override {
+    record.Look();
+    return SerialLine::Open();
+  }
+  void Close() override {
+    record.Look();
+    SerialLine::Close();
+  }
+  CursorRecord record;
+};
 
 class Kinds : public BridgeTest {
 protected:
@@ -28,6 +58,38 @@ protected:
 };
 
 } // namespace
+
+TEST_F(Kinds, ChoosingAny_ShowsTheWaitCursorMeanwhile) {
+  const auto line = std::make_shared<WatchedLine>();
+  mDevice.lines[1] = line;
+  SetRates({"9600"});
+  OpenOnSerial1();
+  const auto waited = AllOf(Not(IsEmpty()), Each(Qt::WaitCursor));
+
+  line->record.shapes.clear();
+  Click(id::kCameraLink);
+  EXPECT_THAT(line->record.shapes, waited) << "while the port is published";
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+
+  line->record.shapes.clear();
+  Click(id::kCameraLink);
+  EXPECT_THAT(line->record.shapes, waited) << "while a second click ends that";
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+
+  CursorRecord filling;
+  QObject::connect(Get<QComboBox>(id::kCOMPort).model(), &QAbstractItemModel::rowsInserted, &Get(id::kCOMPort),
+                   [&] { filling.Look(); });
+  Click(id::kCOMPortLink);
+  EXPECT_THAT(filling.shapes, waited) << "while the host's ports are listed";
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+
+  Pick(Get<QComboBox>(id::kCOMPort), COM3);
+  line->record.shapes.clear();
+  Click(id::kNone);
+  EXPECT_THAT(line->record.shapes, waited) << "while the link ends";
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+  mWindow.reset(); // Before what it fills is recorded no more.
+}
 
 TEST_F(Kinds, DeviceSet_LeavesEveryPortAtNone) {
   Open();
@@ -101,9 +163,9 @@ TEST_F(Kinds, COMPortLink_ListsTheHostsPortsAnewAndSelectsNone) {
   EXPECT_EQ(GetText(id::kState), "Choose a COM port.");
 }
 
-TEST_F(Kinds, COMPortLinkOfALinkThatRuns_ListsThePortsAnewAndLeavesTheRest) {
+TEST_F(Kinds, COMPortLinkOfALinkThatRuns_ListsThePortsAnewAndSelectsNoneWhileTheLinkGoesOn) {
+  SetRates({"9600"});
   OpenOnSerial1();
-  AnswerBoxes(1);
   Link(COM3);
   const std::string description = GetText(id::kDescription);
   mHost.AddPort(2);
@@ -111,13 +173,32 @@ TEST_F(Kinds, COMPortLinkOfALinkThatRuns_ListsThePortsAnewAndLeavesTheRest) {
   Click(id::kCOMPortLink);
 
   EXPECT_EQ(GetKind(), "Serial COM Port Link");
-  EXPECT_EQ(GetSelected(id::kCOMPort), "COM3");
+  EXPECT_EQ(GetSelected(id::kDevicePort), "Serial1");
   EXPECT_THAT(GetEntries(Get<QComboBox>(id::kCOMPort)), ElementsAre("COM1", "COM2", "COM3", "COM12"));
+  EXPECT_EQ(Get<QComboBox>(id::kCOMPort).currentIndex(), -1);
+  EXPECT_EQ(GetText(id::kDescription), "Not selected");
+  EXPECT_FALSE(IsEnabled(id::kConfigure));
+  mHost.Send(3, "hello");
+  EXPECT_TRUE(WaitFor([&] { return mLines[1]->GetSent() == "hello"; })) << "the link goes on";
+
+  // Its port, chosen there, is shown again.
+  Pick(Get<QComboBox>(id::kCOMPort), 2);
+  EXPECT_EQ(GetSelected(id::kCOMPort), "COM3");
   EXPECT_EQ(GetText(id::kDescription), description);
-  EXPECT_NE(description, "Not selected");
   EXPECT_TRUE(IsEnabled(id::kConfigure));
-  EXPECT_TRUE(mLines[1]->IsOpen());
-  EXPECT_EQ(mLines[1]->CountOpenings(), 1);
+  EXPECT_EQ(mLines[1]->CountOpenings(), 1) << "and not started anew";
+}
+
+TEST_F(Kinds, COMPortLinkOfTheFirstPortsLink_KeepsTheSelection) {
+  mDevice.enumerations["Uart0BaudRate"] = {{"9600"}, "9600"};
+  Open();
+  ASSERT_THAT(Load({{"Serial0", "COMPort"}, {"Serial0Port", "COM3"}}), IsEmpty());
+  PickPort(Serial0);
+
+  Click(id::kCOMPortLink);
+
+  EXPECT_EQ(GetSelected(id::kDevicePort), "Serial0") << "its kind is the same";
+  EXPECT_EQ(Get<QComboBox>(id::kCOMPort).currentIndex(), -1);
 }
 
 TEST_F(Kinds, None_EndsTheLink) {
@@ -191,6 +272,7 @@ TEST_F(Kinds, CameraLinkThatCannotStart_IsToldAndNone) {
 
   ASSERT_EQ(mBoxes.size(), 1U);
   EXPECT_THAT(mBoxes[0], StartsWith("Serial Communication Bridge: Unable to start Camera Link DLL bridge.\nBusy: "));
+  EXPECT_THAT(mPictures, ElementsAre("Warning"));
   EXPECT_EQ(GetKind(), "None");
   EXPECT_EQ(GetText(id::kCameraLinkName), "Inactive");
   EXPECT_THAT(Save(), IsEmpty());

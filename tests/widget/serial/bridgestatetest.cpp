@@ -25,6 +25,26 @@ protected:
     OpenOnSerial1();
     Link(COM3);
   }
+  /// Opens the window on a device whose first port, which tells its rates, is Serial1.
+  void OpenLinkedFirst() {
+    mDevice.lines.erase(0);
+    SetRates({"9600"});
+    Open();
+  }
+  /// Links that port with COM3, and lets bytes go.
+  void LinkFirst() {
+    ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
+    ASSERT_THAT(Load({{"Serial1", "COMPort"}, {"Serial1Port", "COM3"}}), IsEmpty());
+    PickPort(Serial0);
+    ASSERT_EQ(GetSelected(id::kDevicePort), "Serial1");
+    ASSERT_EQ(GetKind(), "Serial COM Port Link");
+    mHost.Send(3, "abc");
+    ASSERT_TRUE(WaitFor([&] { return GetText(id::kBytesSent) == "Bytes sent: 3"; }));
+  }
+  std::vector<std::function<void()>> GetWaysToEndTheBridges() {
+    return {[this] { EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK()); },
+            [this] { EXPECT_TRUE(mWindow->SetDevice(&mDevice).IsOK()); }, [this] { EXPECT_THAT(Load({}), IsEmpty()); }};
+  }
   /// The bytes go to the device.
   [[nodiscard]] bool SendBytes(const std::string& aBytes) const {
     const std::string before = GetText(id::kBytesSent);
@@ -188,35 +208,59 @@ TEST_F(State, AnotherDevice_EndsTheBridgesAndShowsItsPorts) {
   mWindow.reset();
 }
 
-TEST_F(State, BridgesMadeAnewWithNothingSelected_LeaveNothingOfTheFormerOnes) {
-  const std::vector<std::function<void()>> ways = {[this] { EXPECT_TRUE(mWindow->SetDevice(nullptr).IsOK()); },
-                                                   [this] { EXPECT_TRUE(mWindow->SetDevice(&mDevice).IsOK()); },
-                                                   [this] { EXPECT_THAT(Load({}), IsEmpty()); }};
-  mDevice.lines.erase(0);
-  SetRates({"9600"});
-  Open();
-  for (const auto& makeAnew : ways) {
-    ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
-    ASSERT_THAT(Load({{"Serial1", "COMPort"}, {"Serial1Port", "COM3"}}), IsEmpty());
-    PickPort(Serial0);
-    ASSERT_EQ(GetSelected(id::kDevicePort), "Serial1") << "the first one of this device";
-    ASSERT_EQ(GetKind(), "Serial COM Port Link");
-    mHost.Send(3, "abc");
-    ASSERT_TRUE(WaitFor([&] { return GetText(id::kBytesSent) == "Bytes sent: 3"; }));
+TEST_F(State, BridgesMadeAnewWithTheFirstPortSelected_LeaveWhatWasShownButCountersAndRates) {
+  OpenLinkedFirst();
+  for (const auto& makeAnew : GetWaysToEndTheBridges()) {
+    LinkFirst();
 
     makeAnew();
 
     EXPECT_EQ(Get<QComboBox>(id::kDevicePort).currentIndex(), -1);
-    EXPECT_EQ(GetKind(), "None");
-    EXPECT_EQ(Get<QComboBox>(id::kCOMPort).currentIndex(), -1);
-    EXPECT_FALSE(IsEnabled(id::kCOMPort));
-    EXPECT_FALSE(IsEnabled(id::kConfigure));
-    EXPECT_FALSE(IsEnabled(id::kReset));
-    EXPECT_EQ(GetText(id::kDescription), "Not selected");
-    EXPECT_EQ(GetText(id::kCameraLinkName), "Inactive");
+    EXPECT_FALSE(mLines[1]->IsOpen());
+    EXPECT_EQ(GetKind(), "Serial COM Port Link");
+    EXPECT_EQ(GetSelected(id::kCOMPort), "COM3");
+    EXPECT_TRUE(IsEnabled(id::kCOMPort));
+    EXPECT_TRUE(IsEnabled(id::kConfigure));
+    EXPECT_TRUE(IsEnabled(id::kReset));
+    EXPECT_EQ(GetText(id::kDescription), "9600 baud, no parity, 8 bits, 1 stop bit");
     EXPECT_EQ(GetText(id::kBytesSent), "Bytes sent: 0");
     EXPECT_EQ(GetRates(), "----------");
   }
+}
+
+TEST_F(State, ClicksOnWhatIsLeftOfEndedBridges_DoNothing) {
+  OpenLinkedFirst();
+  for (const auto& makeAnew : GetWaysToEndTheBridges()) {
+    LinkFirst();
+    makeAnew();
+    const int openings = mLines[1]->CountOpenings();
+
+    for (const int button : {id::kReset, id::kConfigure, id::kCameraLink, id::kNone, id::kCOMPortLink})
+      Click(button); // No dialog: it would wait for an answer for ever.
+    Pick(Get<QComboBox>(id::kCOMPort), COM1);
+
+    EXPECT_EQ(GetKind(), "Serial COM Port Link");
+    EXPECT_EQ(GetSelected(id::kCOMPort), "COM3");
+    EXPECT_THAT(Save(), IsEmpty());
+    EXPECT_THAT(BridgeHost::GetPublished(), IsEmpty());
+    EXPECT_EQ(mLines[1]->CountOpenings(), openings);
+  }
+}
+
+TEST_F(State, BridgesMadeAnewWhileTheRateOfTheFirstPortIsAskedFor_LeaveTheKindThatWasShown) {
+  Open();
+  PickPort(Serial0);
+  DuringNextModalLoop([this](QWidget& aDialog) {
+    EXPECT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
+    QTest::keyClick(&aDialog, Qt::Key_Escape);
+  });
+
+  Click(id::kCameraLink);
+
+  EXPECT_EQ(Get<QComboBox>(id::kDevicePort).currentIndex(), -1);
+  EXPECT_EQ(GetKind(), "None");
+  EXPECT_EQ(GetText(id::kCameraLinkName), "Inactive");
+  EXPECT_THAT(Save(), IsEmpty());
 }
 
 TEST_F(State, DeviceTakenOut_EndsAllBridgesAtOnce) {
