@@ -76,9 +76,6 @@ void LineSettings::RefreshSpeed(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort)
 std::optional<bool> LineSettings::RefreshLoopback(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
   const KrString name = FindIn(aDevice, aPort, FindLoopbackParameter);
   mLoopback.setEnabled(!name.IsEmpty());
-  // Not what the last port had.
-  if (aDevice && name.IsEmpty())
-    mLoopback.setChecked(false);
   bool isOn = false;
   if (name.IsEmpty() || !aDevice->GetBooleanValue(name, isOn).IsOK())
     return std::nullopt;

@@ -25,7 +25,7 @@ public:
   static void Select(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort);
 
   /// Shows what the device has for its open port; without a device nothing can be used. Gives the loopback where it
-  /// could be read.
+  /// could be read; where not, the box stays as it is.
   std::optional<bool> Refresh(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort);
   /// Writes what was picked in the list.
   KrResult WriteSpeed(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const;

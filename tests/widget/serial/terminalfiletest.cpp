@@ -166,6 +166,7 @@ TEST_F(Files, FileThatCannotBeOpened_IsToldAndButtonsComeBack) {
 
     ASSERT_TRUE(WaitFor([&] { return mBoxes.size() == 1; })) << path;
     EXPECT_EQ(mBoxes[0], "Error: The following file could not be opened: " + path);
+    EXPECT_EQ(mPictures.back(), "Error");
     EXPECT_TRUE(AwaitEnd()) << path;
   }
   EXPECT_EQ(GetUtf8(), "");

@@ -165,6 +165,7 @@ TEST_F(Ports, PortThatCannotBeOpened_IsToldWithTheWindowsTitleAndLeavesControlsD
 
   ASSERT_EQ(mBoxes.size(), 1U);
   EXPECT_THAT(mBoxes[0], HasSubstr("Device Serial Communication: Unable to open port.\n"));
+  EXPECT_EQ(mPictures[0], "Warning");
   EXPECT_THAT(mBoxes[0], HasSubstr(": Somebody has it."));
   EXPECT_FALSE(Get(id::kSend).isEnabled());
   EXPECT_TRUE(Get(id::kPort).isEnabled());

@@ -143,6 +143,7 @@ TEST_F(Sending, BadHexadecimalData_IsToldAndNothingIsSentOrEchoed) {
     AnswerBoxes(1);
     Send(text, true);
     EXPECT_THAT(mBoxes, ElementsAre("Error: Error parsing send data string.\n\n" + kHelp)) << text;
+    EXPECT_EQ(mPictures.back(), "Warning");
   }
   Send("42", true);
 
@@ -160,6 +161,7 @@ TEST_F(Sending, BadOtherTrailer_IsToldTwiceAndTheRestIsSent) {
 
   const std::string box = "Error: Error parsing other trailer string.\n\n" + kHelp;
   EXPECT_THAT(mBoxes, ElementsAre(box, box));
+  EXPECT_THAT(mPictures, ElementsAre("Warning", "Warning"));
   EXPECT_TRUE(AwaitSent("A\r"));
 }
 

@@ -67,17 +67,22 @@ TEST_F(Settings, SelectorMovedBySomebodyElse_IsSetAgainBeforeAnythingIsWrittenOr
   EXPECT_THAT(mDevice.written, ElementsAre("BulkSelector=Bulk0"));
 }
 
-TEST_F(Settings, SerialPortWithoutParameters_HasNeitherSpeedNorLoopback) {
+TEST_F(Settings, SerialPortWithoutParameters_HasNoSpeedAndLeavesTheLoopbackAsItIs) {
   mDevice.AddLine(1);
-  mDevice.booleans["Uart0Loopback"] = true;
   Open();
+  for (const bool isOn : {true, false}) {
+    mDevice.booleans["Uart0Loopback"] = isOn;
+    Pick(Get<QComboBox>(id::kPort), 0);
+    ASSERT_EQ(Get<QCheckBox>(id::kLoopback).isChecked(), isOn);
 
-  Pick(Get<QComboBox>(id::kPort), 1);
+    Pick(Get<QComboBox>(id::kPort), 1);
 
-  EXPECT_FALSE(Get(id::kSpeed).isEnabled());
-  EXPECT_THAT(GetEntries(id::kSpeed), IsEmpty());
-  EXPECT_FALSE(Get(id::kLoopback).isEnabled());
-  EXPECT_FALSE(Get<QCheckBox>(id::kLoopback).isChecked());
+    EXPECT_FALSE(Get(id::kSpeed).isEnabled());
+    EXPECT_THAT(GetEntries(id::kSpeed), IsEmpty());
+    EXPECT_FALSE(Get(id::kLoopback).isEnabled());
+    EXPECT_EQ(Get<QCheckBox>(id::kLoopback).isChecked(), isOn);
+  }
+  EXPECT_THAT(mDevice.written, IsEmpty());
 }
 
 TEST_F(Settings, Speed_ListsTheEntriesAndSelectsTheCurrentOne) {
