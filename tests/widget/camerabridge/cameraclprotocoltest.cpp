@@ -54,6 +54,14 @@ TEST_F(CLProtocol, Chosen_ListsTheTemplatesShortenedAndSelectsTheFirst) {
   EXPECT_FALSE(IsEnabled(id::kCLProtocolConnect));
 }
 
+TEST_F(CLProtocol, ProbingAndConnecting_ShowTheWaitCursor) {
+  Choose();
+
+  EXPECT_TRUE(HasWaitCursorDuring([this] { Click(id::kProbe); }));
+  EXPECT_TRUE(HasWaitCursorDuring([this] { Click(id::kCLProtocolConnect); }));
+  EXPECT_TRUE(GetBridge(2).IsConnected());
+}
+
 TEST_F(CLProtocol, Probed_ShowsTheCameraAndItsDescriptions) {
   Choose();
 

@@ -86,6 +86,16 @@ TEST_F(CameraFiles, Loaded_ShowsTheParametersAndTheirNumber) {
   EXPECT_TRUE(HasParameters());
 }
 
+TEST_F(CameraFiles, Loading_ShowsTheWaitCursor) {
+  Open();
+  Pick(id::kDevicePort, "Serial1");
+  Click(id::kCameraFile);
+  ChooseFile(kTextCameraFile);
+
+  EXPECT_TRUE(HasWaitCursorDuring([this] { Click(id::kLoad); }));
+  EXPECT_TRUE(GetBridge(1).IsConnected());
+}
+
 TEST_F(CameraFiles, LoadedAgain_IsConnectedAnew) {
   Open();
   ConnectCameraFile();
@@ -123,6 +133,7 @@ TEST_F(CameraFiles, NoFile_IsToldOfWithoutLines) {
 
   ASSERT_EQ(mBoxes.size(), 1u);
   EXPECT_THAT(mBoxes[0], testing::StartsWith("Frame Grabber Camera Bridge: Error loading Tolvan Camera File.\n"));
+  EXPECT_THAT(mPictures, testing::ElementsAre("Warning"));
 }
 
 TEST_F(CameraFiles, FileThatFailsAfterAnother_EndsThatOnesStatus) {

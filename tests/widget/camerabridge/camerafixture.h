@@ -104,6 +104,22 @@ protected:
     Q_EMIT list.activated(index);
   }
 
+  /// Whether the wait cursor is there while something is done that runs a loop.
+  static bool HasWaitCursorDuring(const std::function<void()>& aAction) {
+    bool wasWaiting = false;
+    int looks = 0;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&] {
+      ++looks;
+      wasWaiting |= QGuiApplication::overrideCursor() && QGuiApplication::overrideCursor()->shape() == Qt::WaitCursor;
+    });
+    look.start(0);
+    aAction();
+    EXPECT_GT(looks, 0);
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    return wasWaiting;
+  }
+
   /// How many rows the browser shows at its top level.
   int CountBrowserRows() const {
     const auto* const grid = mWindow->GetWidget()->findChild<PropertiesGrid*>();
@@ -151,7 +167,8 @@ protected:
 
   std::unique_ptr<KrDevice> mDevice;
   std::unique_ptr<KrCameraBridgeManagerWnd> mWindow = std::make_unique<KrCameraBridgeManagerWnd>();
-  std::vector<std::string> mBoxes; ///< Those that were answered, each its caption and its text.
+  std::vector<std::string> mBoxes;    ///< Those that were answered, each its caption and its text.
+  std::vector<std::string> mPictures; ///< What their pictures are called for those who do not see them.
 
 private:
   /// Looks whether a dialog is there that wants an answer; waits for cameras are let alone.
@@ -165,6 +182,8 @@ private:
     if (!text)
       return;
     mBoxes.push_back((dialog->windowTitle() + ": " + text->text()).toStdString());
+    const auto* const picture = dialog->findChild<QLabel*>(QStringLiteral("picture"));
+    mPictures.push_back(picture ? picture->accessibleName().toStdString() : std::string());
     QTest::keyClick(dialog, Qt::Key_Escape);
   }
 

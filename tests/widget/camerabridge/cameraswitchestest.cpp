@@ -34,6 +34,27 @@ TEST_F(Switches, Source_IsThePortsOwn) {
   EXPECT_EQ(GetText(id::kSource), "Source1");
 }
 
+TEST_F(Switches, Source_IsSelectedByItsExactNameAlone) {
+  Open();
+  Pick(id::kSource, "Source1");
+  auto& list = Get<QComboBox>(id::kSource);
+  const int index = list.currentIndex();
+  const auto showAgain = [this] {
+    Pick(id::kDevicePort, "Serial1");
+    Pick(id::kDevicePort, "Serial0");
+  };
+
+  for (const char* other : {"source1", "Source10", "Source", " Source1"}) {
+    list.setItemText(index, QString::fromLatin1(other));
+    showAgain();
+    EXPECT_EQ(list.currentIndex(), -1) << other;
+  }
+  list.setItemText(index, QStringLiteral("Source1"));
+  showAgain();
+  EXPECT_EQ(list.currentIndex(), index);
+  EXPECT_STREQ(GetBridge(0).GetSource().CStr(), "Source1");
+}
+
 TEST_F(Switches, Synchronization_IsThePortsOwn) {
   Open();
 
