@@ -61,6 +61,10 @@ public:
   /// From now on others could enter the place of the sockets, so that nothing can be published there.
   void OpenSocketFolder() const { std::filesystem::permissions(GetSocketFolder(), std::filesystem::perms::all); }
 
+  /// What a process leaves that dies while a name of its is published. Whoever asks for what is published removes it.
+  void LeaveDeadPublication() const { TemporaryFolder::WriteFile(GetDeadFile(), "a dead one"); }
+  bool HasDeadPublication() const { return std::filesystem::exists(GetDeadFile()); }
+
   /// The other end of a COM port sends.
   void Send(int aNumber, const std::string& aBytes) const {
     if (::write(mOthers.at(aNumber), aBytes.data(), aBytes.size()) != static_cast<ssize_t>(aBytes.size()))
@@ -89,6 +93,7 @@ private:
 
   std::string GetLinkFolder() const { return mFolder.GetFile("links"); }
   std::string GetSocketFolder() const { return mFolder.GetFile("sockets"); }
+  std::string GetDeadFile() const { return GetSocketFolder() + "/77.lock"; }
 
   TemporaryFolder mFolder;
   std::map<int, int> mOthers; ///< The other ends, by the numbers of the ports.

@@ -71,6 +71,10 @@ TEST_F(FileTransferTest, PartsOfAMillisecond_AreCutOff) {
   EXPECT_THAT(TakeWords(), testing::Contains(testing::HasSubstr("1 seconds (1200 milliseconds)")));
 }
 
+TEST_F(FileTransferTest, WaitForTheLoopback_IsASecondUnlessItIsSaidOtherwise) {
+  EXPECT_EQ(FileTransfer::kLoopbackWait, milliseconds(1000));
+}
+
 TEST_F(FileTransferTest, WaitForTheLoopback_IsNotCounted) {
   MakeFile(1);
   std::vector<std::string> words;

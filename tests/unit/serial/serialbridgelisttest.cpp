@@ -79,6 +79,16 @@ TEST_F(BridgeList, NewDeviceThatCannotBePublished_IsTakenAllTheSame) {
   EXPECT_EQ(GetKind(kSerial0), BridgeKind::None);
 }
 
+TEST_F(BridgeList, NewDeviceWithoutPorts_RemovesWhatADeadProcessLeftPublished) {
+  mDevice.lines.clear();
+  mHost.LeaveDeadPublication();
+  ASSERT_TRUE(mHost.HasDeadPublication());
+
+  mBridges.SetDevice(&mDevice, "Model X");
+
+  EXPECT_FALSE(mHost.HasDeadPublication());
+}
+
 TEST_F(BridgeList, NoDevice_EndsTheBridges) {
   ASSERT_THAT(Load({{"Serial0", "COMPort"}, {"Serial0Port", "COM3"}, {"Bulk0", "CLDLL"}}), IsEmpty());
   ASSERT_TRUE(mLine->IsOpen());

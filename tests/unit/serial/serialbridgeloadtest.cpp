@@ -1,6 +1,7 @@
 // One port's bridge from its settings: what is taken, in which order, and every line that tells of a failure.
 
 #include "logic/serial/serialbridge.h"
+#include "refusingdriver.h"
 #include "serialbridgefixture.h"
 
 namespace krgui {
@@ -128,6 +129,19 @@ TEST_F(BridgeLoading, BadSettings_AreToldAfterTheLinkWasStarted) {
     EXPECT_EQ(mBridge.GetConfiguration(), KrSerialPortConfiguration());
     EXPECT_TRUE(mLine->IsOpen());
   }
+}
+
+TEST_F(BridgeLoading, SettingsThatTheHostsPortRefuses_AreToldAfterTheLinkWasStarted) {
+  const krtest::RefusedSpeed refused(115200);
+
+  EXPECT_FALSE(Load(kLink, {kPort, {"Serial0COMPortBaudRate", "115200"}}));
+
+  EXPECT_THAT(GetError(), StartsWith("Serial bridge on Serial0: Unable to apply serial port configuration: "
+                                     "NotSupported, Setting up COM3 ("));
+  EXPECT_TRUE(GetError().ends_with("."));
+  EXPECT_STREQ(mBridge.GetCOMPort().CStr(), "COM3") << "the link runs";
+  EXPECT_EQ(mBridge.GetConfiguration(), KrSerialPortConfiguration());
+  EXPECT_TRUE(mLine->IsOpen());
 }
 
 TEST_F(BridgeLoading, SeveralBadSettings_FirstInTheirOrderIsToldAlone) {

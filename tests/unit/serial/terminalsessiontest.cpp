@@ -10,6 +10,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+TEST_F(TerminalSessionTest, WaitForWhatLoopsBack_IsThatOfTheTransferUnlessItIsSaidOtherwise) {
+  EXPECT_EQ(TerminalSessionTimes().loopbackWait, FileTransfer::kLoopbackWait);
+}
+
 TEST_F(TerminalSessionTest, New_IsClosed) {
   EXPECT_FALSE(mSession->IsOpen());
   EXPECT_FALSE(mSession->IsSendingFile());
