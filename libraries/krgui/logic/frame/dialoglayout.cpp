@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <ranges>
+#include <numeric>
 #include <utility>
 
 namespace krgui {
@@ -175,9 +175,13 @@ int DialogLayout::FindLeastWidth(int aLeast, int aMost) const {
   if (!KeepsWhole(aMost, widest)) {
     return aLeast;
   }
-  const auto widths = std::views::iota(aLeast, aMost);
-  const auto found = std::ranges::partition_point(widths, [&](int aWidth) { return !KeepsWhole(aWidth, widest); });
-  return found == widths.end() ? aMost : *found;
+  int clipping = aLeast - 1;
+  int whole = aMost;
+  while (clipping + 1 < whole) {
+    const int middle = std::midpoint(clipping, whole);
+    (KeepsWhole(middle, widest) ? whole : clipping) = middle;
+  }
+  return whole;
 }
 
 /// Edges are rounded, not extents: controls that touch in the template touch in pixels.
