@@ -15,7 +15,7 @@ using krsystem::AccessType;
 using krsystem::DeviceAccess;
 
 constexpr std::uint32_t kLoopback = 0x7F000001;
-constexpr std::uint32_t kGenerousTimeoutMs = 20000;
+constexpr std::uint32_t kGenerousTimeoutMs = 60000;
 
 struct AccessRow {
   const char* what;

@@ -1,3 +1,4 @@
+#include "await.h"
 #include "fakecamera.h"
 #include "gvcpresponder.h"
 
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <stop_token>
 #include <thread>
 
@@ -26,7 +26,6 @@ constexpr std::uint32_t kLoopback = 0x7F000001;
 constexpr std::uint32_t kTimeoutMs = 500;
 constexpr std::size_t kMacOffset = 8 + 0x0A; // In a discovery acknowledge.
 constexpr std::uint32_t kGenerousTimeoutMs = 60000;
-constexpr std::chrono::seconds kGenerousLimit{60};
 
 krsystem::DiscoveryRequest MakeRequest(bool aSubnetBroadcast = true) {
   return {.timeoutMs = kTimeoutMs, .subnetBroadcast = aSubnetBroadcast, .cancel = {}};
@@ -55,10 +54,11 @@ Round DiscoverOnce(const krsystem::DiscoveryRequest& aRequest = MakeRequest()) {
 /// The last of rounds until one finds so many devices, or more: one that has to wait for a processor answers too late
 /// for a round, and is heard in another.
 Round Discover(std::size_t aDevices = 1, const krsystem::DiscoveryRequest& aRequest = MakeRequest()) {
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-  Round round = DiscoverOnce(aRequest);
-  while (round.result.IsOK() && round.devices.size() < aDevices && std::chrono::steady_clock::now() < limit)
+  Round round;
+  EXPECT_TRUE(krtest::Await([&] {
     round = DiscoverOnce(aRequest);
+    return !round.result.IsOK() || round.devices.size() >= aDevices;
+  }));
   return round;
 }
 
@@ -162,14 +162,12 @@ TEST(GigEVisionDiscovery, Discover_AdapterThatDoesNotExist_IsPassedOverAndLogged
   std::vector<std::size_t> indices;
   const KrLogCapture log;
 
-  const auto discover = [&] {
-    return transport.Discover(interfaces, MakeRequest(),
-                              [&](std::size_t aIndex, const auto&) { indices.push_back(aIndex); });
-  };
-  KrResult result = discover();
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-  while (result.IsOK() && indices.empty() && std::chrono::steady_clock::now() < limit)
-    result = discover();
+  KrResult result;
+  EXPECT_TRUE(krtest::Await([&] {
+    result = transport.Discover(interfaces, MakeRequest(),
+                                [&](std::size_t aIndex, const auto&) { indices.push_back(aIndex); });
+    return !result.IsOK() || !indices.empty();
+  }));
 
   EXPECT_TRUE(result.IsOK());
   ASSERT_EQ(indices.size(), 1u);
@@ -334,10 +332,11 @@ TEST(GigEVisionDiscovery, Find_ThroughKrSystem_ListsTheCameraBehindLoopback) {
   KrSystem system;
   system.SetDetectionTimeout(kTimeoutMs);
 
-  KrResult result = system.Find();
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-  while (result.IsOK() && system.GetDeviceCount() == 0 && std::chrono::steady_clock::now() < limit)
+  KrResult result;
+  EXPECT_TRUE(krtest::Await([&] {
     result = system.Find();
+    return !result.IsOK() || system.GetDeviceCount() > 0;
+  }));
 
   krsystem::UnregisterTransport(transport);
   ASSERT_TRUE(result.IsOK()) << result.GetDescription().CStr();

@@ -26,12 +26,12 @@ void RecordingSink::OnLinkBack() {
 
 bool RecordingSink::WaitForLost() {
   std::unique_lock lock(mMutex);
-  return mChanged.wait_for(lock, kGenerousLimit, [this] { return mLost > 0; });
+  return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [this] { return mLost > 0; });
 }
 
 bool RecordingSink::WaitForBack() {
   std::unique_lock lock(mMutex);
-  return mChanged.wait_for(lock, kGenerousLimit, [this] { return mBack > 0; });
+  return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [this] { return mBack > 0; });
 }
 
 int RecordingSink::GetLostCount() {

@@ -13,7 +13,6 @@
 #include <arv.h>
 
 #include <array>
-#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -22,7 +21,6 @@
 
 inline constexpr std::uint32_t kLoopback = 0x7F000001;
 inline constexpr std::uint32_t kGenerousTimeoutMs = 60000;
-inline constexpr std::chrono::seconds kGenerousLimit{60};
 inline constexpr std::uint64_t kWidthRegister = 0x100;
 inline constexpr std::uint64_t kHeightRegister = 0x104;
 inline constexpr std::uint64_t kFramePeriodRegister = 0x138; ///< Microseconds.

@@ -1,3 +1,4 @@
+#include "await.h"
 #include "gigevisionfixture.h"
 
 #include <atomic>
@@ -138,7 +139,7 @@ TEST_F(GigEVisionGiveBack, GiveBackControl_FromTheWordOfLoss_Returns) {
 
   RestartCamera();
 
-  EXPECT_EQ(sink.mDone.get_future().wait_for(kGenerousLimit), std::future_status::ready);
+  EXPECT_EQ(sink.mDone.get_future().wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
   mLink.reset();
   EXPECT_EQ(sink.mBack, 0);
 }

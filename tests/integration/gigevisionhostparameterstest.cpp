@@ -1,5 +1,6 @@
 // The parameters of a stream and of a connection that Aravis carries, with a camera that is not ours.
 
+#include "await.h"
 #include "gigevisiondevicefixture.h"
 #include "parametertext.h"
 
@@ -7,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -62,7 +64,7 @@ protected:
   }
   /// Takes frames until a condition holds; false where it does not within a generous limit.
   bool TakeUntil(const std::function<bool()>& aCondition) {
-    const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
+    const auto limit = std::chrono::steady_clock::now() + krtest::GetGenerousLimit();
     while (!aCondition()) {
       KrBuffer* buffer = nullptr;
       if (std::chrono::steady_clock::now() > limit || !mStream->Retrieve(buffer, kGenerousTimeoutMs).IsOK())
@@ -218,13 +220,13 @@ TEST_F(GigEVisionHostParameters, CameraKilled_WhileItStreams_LeavesArraysThatTel
   ASSERT_TRUE(mStream->Start().IsOK());
   ASSERT_TRUE(TakeFrames(2));
   mCamera->Kill();
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-  while (mOpened->IsConnected() && std::chrono::steady_clock::now() < limit) {
+  EXPECT_TRUE(krtest::Await([this] {
     KrBuffer* buffer = nullptr;
     if (mStream->Retrieve(buffer, 1000).IsOK()) {
       EXPECT_TRUE(mStream->Release(buffer).IsOK());
     }
-  }
+    return !mOpened->IsConnected();
+  }));
 
   EXPECT_EQ(ReadText(*mConnection, "DeviceAccessStatus"), KrString("NoAccess"));
   EXPECT_GE(ReadNumber(*mStreamArray, "StreamDeliveredFrameCount"), 2);

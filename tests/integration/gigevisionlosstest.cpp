@@ -1,3 +1,4 @@
+#include "await.h"
 #include "gigevisionfixture.h"
 
 #include <future>
@@ -15,11 +16,11 @@ TEST_F(GigEVisionLoss, CameraKilledWhileStreaming_EndsRetrieveAndRegistersWithCo
   mCamera->Kill();
 
   KrResult result;
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-  while (result != KrResult::Code::ConnectionLost && std::chrono::steady_clock::now() < limit)
+  EXPECT_TRUE(krtest::Await([&] {
     result = mSource->Retrieve(buffer, 1000);
+    return result == KrResult::Code::ConnectionLost;
+  })) << result.GetDescription().CStr();
 
-  EXPECT_EQ(result, KrResult::Code::ConnectionLost);
   EXPECT_TRUE(mSink.WaitForLost());
   EXPECT_FALSE(mLink->IsConnected());
   EXPECT_EQ(mSink.GetLostCount(), 1);
@@ -125,10 +126,11 @@ TEST_F(GigEVisionLoss, CameraSilentForAMoment_RegistersWorkAgainWithoutWordOfLos
   ASSERT_EQ(port.Read(kWidthRegister, bytes.data(), bytes.size(), 20), KrResult::Code::TimeLimitExceeded);
 
   mCamera->Resume();
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-  KrResult result = port.Read(kWidthRegister, bytes.data(), bytes.size(), kGenerousTimeoutMs);
-  while (result == KrResult::Code::TimeLimitExceeded && std::chrono::steady_clock::now() < limit)
+  KrResult result;
+  EXPECT_TRUE(krtest::Await([&] {
     result = port.Read(kWidthRegister, bytes.data(), bytes.size(), kGenerousTimeoutMs);
+    return result != KrResult::Code::TimeLimitExceeded;
+  }));
 
   EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
   EXPECT_EQ(mSink.GetLostCount(), 0);

@@ -1,5 +1,6 @@
 // Several cameras on one adapter, which divide its link between them.
 
+#include "await.h"
 #include "camerarelay.h"
 #include "gigevisionfixture.h"
 
@@ -41,12 +42,13 @@ public:
   void Kill() { mProcess->Kill(); }
   void GiveBack() { mLink->GiveBackControl(); }
 
-  /// Waits until the camera pauses that long, and gives the pause that it has then.
+  /// Waits until the camera pauses that long, and gives the pause that it has then; another one with a failure.
   std::uint32_t WaitForDelay(std::uint32_t aTicks) {
-    const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-    std::uint32_t delay = ReadRegister(*mLink, kPacketDelayRegister);
-    while (delay != aTicks && std::chrono::steady_clock::now() < limit)
+    std::uint32_t delay = 0;
+    EXPECT_TRUE(krtest::Await([&] {
       delay = ReadRegister(*mLink, kPacketDelayRegister);
+      return delay == aTicks;
+    }));
     return delay;
   }
 

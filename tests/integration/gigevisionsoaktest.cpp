@@ -2,10 +2,10 @@
 // A thousand frames by default; KRGUI_SOAK_FRAMES=10000 scripts/with-network.sh
 // BUILD/tests/integration/gigevisionsoaktest takes longer.
 
+#include "await.h"
 #include "footprint.h"
 #include "gigevisionfixture.h"
 
-#include <chrono>
 #include <cstdlib>
 
 namespace {
@@ -44,10 +44,11 @@ protected:
   /// What is held once no more threads are there than before; one that was joined is among the kernel's a little
   /// longer.
   static Footprint MeasureAfter(const Footprint& aBefore) {
-    const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-    Footprint after = MeasureFootprint();
-    while (after.threads > aBefore.threads && std::chrono::steady_clock::now() < limit)
+    Footprint after;
+    EXPECT_TRUE(krtest::Await([&] {
       after = MeasureFootprint();
+      return after.threads <= aBefore.threads;
+    }));
     return after;
   }
 };

@@ -1,12 +1,12 @@
 #include "fakecamera.h"
 
+#include "await.h"
 #include "spawning.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <arpa/inet.h>
-#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <netinet/in.h>
@@ -19,7 +19,6 @@
 namespace {
 
 constexpr const char* kProgram = "arv-fake-gv-camera-0.8";
-constexpr std::chrono::seconds kStartLimit{60};
 
 // The kernel ends the camera should the test die first. What it writes is thrown away: it reports every transfer.
 std::vector<std::string> MakeCommandLine(const FakeCameraOptions& aOptions) {
@@ -68,11 +67,12 @@ public:
     for (const std::uint32_t number : {aRegister, aValue})
       for (int shift = 24; shift >= 0; shift -= 8)
         command.push_back(static_cast<std::uint8_t>(number >> shift));
-    const auto limit = std::chrono::steady_clock::now() + kStartLimit;
     std::vector<std::uint8_t> answer;
-    while (answer.empty() && std::chrono::steady_clock::now() < limit)
+    const bool isAnswered = krtest::Await([&] {
       answer = Ask(command);
-    return answer.size() >= 2 && answer[0] == 0 && answer[1] == 0;
+      return !answer.empty();
+    });
+    return isAnswered && answer.size() >= 2 && answer[0] == 0 && answer[1] == 0;
   }
 
 private:
@@ -92,9 +92,7 @@ FakeCamera::FakeCamera(const FakeCameraOptions& aOptions)
     ADD_FAILURE() << kProgram << " cannot be started; install the package aravis-tools.";
     return;
   }
-  const auto limit = std::chrono::steady_clock::now() + kStartLimit;
-  while (!mIsAnswering && std::chrono::steady_clock::now() < limit)
-    mIsAnswering = AnswersDiscovery(aOptions.address);
+  mIsAnswering = krtest::Await([&] { return AnswersDiscovery(aOptions.address); });
   EXPECT_TRUE(mIsAnswering) << kProgram << " does not answer on " << aOptions.address;
 }
 
@@ -123,11 +121,7 @@ void FakeCamera::SetFrameHeight(std::uint32_t aLines) const {
 void FakeCamera::TakeControlAndVanish() const {
   constexpr std::uint32_t kControl = 0x0A00;
   const Conversation conversation(mAddress);
-  const auto limit = std::chrono::steady_clock::now() + kStartLimit;
-  bool isTaken = false;
-  while (!isTaken && std::chrono::steady_clock::now() < limit)
-    isTaken = conversation.WriteRegister(kControl, 2);
-  EXPECT_TRUE(isTaken) << "Somebody else keeps control.";
+  EXPECT_TRUE(krtest::Await([&] { return conversation.WriteRegister(kControl, 2); })) << "Somebody else keeps control.";
 }
 
 void FakeCamera::Kill() {

@@ -1,15 +1,9 @@
 #include "networkfixture.h"
 
+#include "await.h"
 #include "krtransport/krtransport.h"
 
 #include <algorithm>
-#include <chrono>
-
-namespace {
-
-constexpr std::chrono::seconds kGenerousLimit{60};
-
-} // namespace
 
 OnANetwork::OnANetwork() : mHost(mLab.AddHost("cameras")) {
   mLab.Connect("eth0", mHost, "port0");
@@ -28,25 +22,21 @@ void OnANetwork::Find(KrSystem& aSystem, bool aSubnetBroadcast) const {
 
 void OnANetwork::FindThese(KrSystem& aSystem, std::vector<std::string> aSerialNumbers, bool aSubnetBroadcast) const {
   std::sort(aSerialNumbers.begin(), aSerialNumbers.end());
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
   std::vector<std::string> found;
-  while (found != aSerialNumbers && std::chrono::steady_clock::now() < limit) {
+  EXPECT_TRUE(krtest::Await([&] {
     Find(aSystem, aSubnetBroadcast);
     found = GetSerialNumbers(aSystem);
-    if (!std::includes(aSerialNumbers.begin(), aSerialNumbers.end(), found.begin(), found.end()))
-      break;
-  }
+    const bool isOtherThere = !std::includes(aSerialNumbers.begin(), aSerialNumbers.end(), found.begin(), found.end());
+    return found == aSerialNumbers || isOtherThere;
+  }));
   ASSERT_EQ(found, aSerialNumbers);
 }
 
 void OnANetwork::FindUntil(KrSystem& aSystem, const std::function<bool()>& aCondition, const char* aWhat) const {
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
-  bool isSo = false;
-  while (!isSo && std::chrono::steady_clock::now() < limit) {
+  EXPECT_TRUE(krtest::Await([&] {
     Find(aSystem);
-    isSo = aCondition();
-  }
-  EXPECT_TRUE(isSo) << aWhat;
+    return aCondition();
+  })) << aWhat;
 }
 
 std::vector<const KrDeviceInfoGEV*> GetGEVDevices(const KrSystem& aSystem) {

@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr std::uint32_t kTimeoutMs = 20'000;
+constexpr std::uint32_t kTimeoutMs = 60'000;
 constexpr std::uint64_t kHeartbeatTimeoutRegister = 0x0938;
 constexpr std::array<std::uint8_t, 4> kTenMinutesMs = {0x00, 0x09, 0x27, 0xC0};
 constexpr int kReturnCode = 3;

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr std::uint64_t kControlPrivilegeRegister = 0x0A00;
-constexpr std::uint32_t kTimeoutMs = 20'000;
+constexpr std::uint32_t kTimeoutMs = 60'000;
 constexpr std::uint32_t kControlBit = 2;
 
 // What the camera says of who controls it, read as somebody who looks on.

@@ -1,6 +1,7 @@
 // A camera that lets its frames grow while it streams: the buffers of the stream that runs have no room for them.
 
 #include "acquisition/acquisition.h"
+#include "await.h"
 #include "fakecamera.h"
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
@@ -8,24 +9,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <functional>
 #include <optional>
-#include <thread>
 
+using krtest::Await;
 using krviewer::Acquisition;
 using krviewer::AcquisitionState;
 
 namespace {
-
-constexpr std::chrono::seconds kGenerousLimit{60};
-
-bool Await(const std::function<bool()>& aCondition) {
-  const auto until = std::chrono::steady_clock::now() + kGenerousLimit;
-  while (!aCondition() && std::chrono::steady_clock::now() < until)
-    std::this_thread::yield();
-  return aCondition();
-}
 
 /// The width of the last whole frame.
 struct WidthSink : krviewer::FrameSink {
@@ -48,10 +38,10 @@ protected:
     aAcquisition.Do(
         {.run = [=](KrGenParameterArray& aParameters) { return aParameters.GetInteger("Width")->SetValue(aWidth); },
          .then = [&](const KrResult& aResult) { end = aResult; }});
-    Await([&] {
+    EXPECT_TRUE(Await([&] {
       aAcquisition.LookAgain();
       return end.has_value();
-    });
+    }));
     return end.value_or(KrResult(KrResult::Code::TimeLimitExceeded));
   }
 

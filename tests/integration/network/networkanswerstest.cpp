@@ -1,11 +1,11 @@
 // Devices that answer badly, too much or in each other's name: honest ones beside them are found all the same.
 
+#include "await.h"
 #include "networkfixture.h"
 
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <chrono>
 #include <memory>
 #include <string>
 #include <thread>
@@ -117,10 +117,7 @@ protected:
   }
 
   void AwaitFlood() const {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (mFlooding.GetSent() < 1000 && std::chrono::steady_clock::now() < limit)
-      std::this_thread::yield();
-    EXPECT_GE(mFlooding.GetSent(), 1000u);
+    EXPECT_TRUE(krtest::Await([this] { return mFlooding.GetSent() >= 1000; }));
   }
   /// A round that begins the flood; those after it are in its midst.
   void FindTheFlood(KrSystem& aSystem) {

@@ -1,12 +1,11 @@
 // Which devices a round of discovery finds on a network, and what it says of them.
 
+#include "await.h"
 #include "fakecamera.h"
 #include "networkfixture.h"
 
 #include <gmock/gmock.h>
 
-#include <chrono>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -165,9 +164,7 @@ TEST_F(OnANetwork, Find_EveryRound_AsksTwice) {
   Find(system);
 
   // The device may hear of the second question after the round.
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (device.GetHeard(0x0002) < 2 && std::chrono::steady_clock::now() < limit)
-    std::this_thread::yield();
+  EXPECT_TRUE(krtest::Await([&] { return device.GetHeard(0x0002) >= 2; }));
   EXPECT_EQ(device.GetHeard(0x0002), 2u);
 }
 

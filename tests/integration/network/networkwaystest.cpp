@@ -1,6 +1,7 @@
 // On which adapter something is done: addresses set where the device is, adapters without an address, two adapters on
 // one network, and who else uses the addresses of one.
 
+#include "await.h"
 #include "fakecamera.h"
 #include "krdevice/krdevicegev.h"
 #include "krsystem/transportregistry.h"
@@ -9,10 +10,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 #include <stop_token>
-#include <thread>
 
 namespace {
 
@@ -30,14 +29,6 @@ std::vector<std::string> GetAdapterNames(const KrSystem& aSystem, const std::str
     if (device->GetSerialNumber() == KrString(aSerialNumber))
       names.push_back(dynamic_cast<const KrNetworkAdapter&>(*device->GetInterface()).GetName().ToUtf8());
   return names;
-}
-
-/// A device may still be about to hear what another has answered already.
-bool WaitUntilHeard(const TestDevice& aDevice, std::uint16_t aCommand) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (aDevice.GetHeard(aCommand) == 0 && std::chrono::steady_clock::now() < limit)
-    std::this_thread::yield();
-  return aDevice.GetHeard(aCommand) != 0;
 }
 
 std::shared_ptr<krsystem::ITransport> GetTransport() {
@@ -88,7 +79,8 @@ TEST_F(OnTwoNetworks, SetIPConfiguration_DeviceThatAnswersNoDiscovery_IsToldOnEv
 
   EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
   EXPECT_EQ(device.GetAddresses().address, 0xAC100505u);
-  EXPECT_TRUE(WaitUntilHeard(other, kForceIPCommand));
+  // It may still be about to hear what another has answered already.
+  EXPECT_TRUE(krtest::Await([&] { return other.GetHeard(kForceIPCommand) != 0; }));
 }
 
 class OnAnAdapterWithoutAddress : public OnANetwork, public testing::WithParamInterface<bool> {

@@ -1,5 +1,6 @@
 // What may happen to a bridge between a program and a camera.
 
+#include "await.h"
 #include "bridgelab.h"
 #include "numberedlines.h"
 #include "rawend.h"
@@ -41,7 +42,7 @@ TEST_F(BridgedCamera, CameraVanishesWhileItTakesNothing_IsSaidAndTheBridgeCanBeS
   Start("COM9", KrDeviceSerial::Serial1);
   SocatProcess client = MakeClient("COM9");
   client.Send(krtest::MakeNumberedLines(kMuch));
-  ASSERT_TRUE(Await([&] { return mBridge.GetBytesSentToDevice() > 0; }));
+  ASSERT_TRUE(krtest::Await([&] { return mBridge.GetBytesSentToDevice() > 0; }));
 
   mFaults->Disappear();
 

@@ -1,6 +1,7 @@
 #pragma once
 // A simulated camera whose serial ports are bridged to ports of a host that has none but those of the test.
 
+#include "await.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceadapter.h"
 #include "krserial/krhostserialports.h"
@@ -14,13 +15,10 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 
 inline constexpr const char* kBridgedMAC = "02:4b:52:00:77:10";
 
@@ -97,18 +95,11 @@ protected:
   static krtest::SocatProcess MakeClient(const char* aHostPort) {
     return krtest::SocatProcess(GetPath(aHostPort) + ",rawer");
   }
-  /// Looks until a condition comes true; false when it does not within a generous limit.
-  static bool Await(const std::function<bool()>& aCondition) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!aCondition() && std::chrono::steady_clock::now() < limit)
-      std::this_thread::yield();
-    return aCondition();
-  }
   bool AwaitState(KrSerialBridgeState aState) const {
-    return Await([&] { return mBridge.GetState() == aState; });
+    return krtest::Await([&] { return mBridge.GetState() == aState; });
   }
   bool AwaitCounters(std::uint64_t aSent, std::uint64_t aReceived) const {
-    const bool isReached = Await(
+    const bool isReached = krtest::Await(
         [&] { return mBridge.GetBytesSentToDevice() == aSent && mBridge.GetBytesReceivedFromDevice() == aReceived; });
     EXPECT_EQ(mBridge.GetBytesSentToDevice(), aSent);
     EXPECT_EQ(mBridge.GetBytesReceivedFromDevice(), aReceived);
