@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <map>
 #include <string>
@@ -15,6 +16,9 @@ namespace {
 
 // As many as our own evaluation follows.
 constexpr std::size_t kMostNodes = 256;
+// A node that two others stand on is evaluated twice, and what it stands on four times, and so on: ways from the value
+// to the registers, each with a question to the camera.
+constexpr std::uint64_t kMostEvaluations = 65'536;
 
 // The elements by which a node's value stands on others, and those by which its limits do.
 constexpr std::string_view kValueLinks[] = {"pValue",  "pVariable",     "pAddress",      "pIndex",
@@ -42,31 +46,31 @@ class Walk {
 public:
   explicit Walk(ArvGc& aDescription) : mDescription(aDescription) {}
 
-  // Whether all that a node's value stands on ends within the limit.
+  // Whether all that a node's value stands on ends within the limits.
   bool Ends(const std::string& aName) {
     std::vector<Step> path;
     Enter(aName, path);
     while (!path.empty()) {
       Step& step = path.back();
       if (step.next == step.links.size()) {
-        mDepths[step.name] = step.depth;
-        const std::size_t depth = step.depth;
+        const Cost cost = step.cost;
+        mCosts[step.name] = cost;
         path.pop_back();
         if (!path.empty())
-          path.back().depth = std::max(path.back().depth, depth + 1);
+          path.back().cost.Add(cost);
         continue;
       }
       const std::string link = step.links[step.next++];
-      if (const auto known = mDepths.find(link); known != mDepths.end())
-        step.depth = std::max(step.depth, known->second + 1);
+      if (const auto known = mCosts.find(link); known != mCosts.end())
+        step.cost.Add(known->second);
       else if (path.size() >= kMostNodes || IsOn(path, link))
         return false;
       else
         Enter(link, path);
-      if (!path.empty() && path.front().depth >= kMostNodes)
+      if (!path.front().cost.IsWithinLimits())
         return false;
     }
-    return mDepths[aName] < kMostNodes;
+    return mCosts[aName].IsWithinLimits();
   }
 
   std::vector<std::string> ListLimits(const std::string& aName) {
@@ -93,11 +97,22 @@ public:
 private:
   static constexpr std::string_view kPassing[] = {"pValue"};
 
+  // What evaluating a node takes, as far as that is known.
+  struct Cost {
+    std::size_t depth = 0; // Of what is behind it.
+    std::uint64_t evaluations = 1;
+
+    void Add(const Cost& aLink) {
+      depth = std::max(depth, aLink.depth + 1);
+      evaluations = std::min(evaluations + aLink.evaluations, kMostEvaluations + 1);
+    }
+    bool IsWithinLimits() const { return depth < kMostNodes && evaluations <= kMostEvaluations; }
+  };
   struct Step {
     std::string name;
     std::vector<std::string> links;
     std::size_t next = 0;
-    std::size_t depth = 0; // Of what is behind it, as far as that is known.
+    Cost cost = {};
   };
 
   static bool IsOn(const std::vector<Step>& aPath, const std::string& aName) {
@@ -136,7 +151,7 @@ private:
   }
 
   ArvGc& mDescription;
-  std::map<std::string, std::size_t> mDepths; // Of the nodes whose values end.
+  std::map<std::string, Cost> mCosts; // Of the nodes whose values end.
 };
 
 } // namespace
@@ -149,8 +164,9 @@ KrResult CheckValueChains(ArvGc& aDescription, std::initializer_list<const char*
       values.push_back(target);
       if (!std::all_of(values.begin(), values.end(), [&](const std::string& aValue) { return walk.Ends(aValue); }))
         return {KrResult::Code::BadData, "The camera's description lets " + feature +
-                                             " stand on itself, or on more than " + std::to_string(kMostNodes) +
-                                             " nodes in a row; no stream can be started. Ask the camera's maker for "
+                                             " stand on itself, on more than " + std::to_string(kMostNodes) +
+                                             " nodes in a row, or on more than " + std::to_string(kMostEvaluations) +
+                                             " in all; no stream can be started. Ask the camera's maker for "
                                              "another firmware."};
     }
   return {};

@@ -12,7 +12,7 @@
 namespace krtransport {
 
 /// BadData when the value of one of the features, which may be missing, or of its limits, leads over more nodes than a
-/// camera has reason for, or back to itself. Asks the device nothing. Thread: that of the device.
+/// camera has reason for, in a row or in all, or back to itself. Asks the device nothing. Thread: that of the device.
 KrResult CheckValueChains(ArvGc& aDescription, std::initializer_list<const char*> aFeatures);
 
 } // namespace krtransport

@@ -75,4 +75,21 @@ TEST(ValueChains, OfTenThousandNodes_AreRefusedWithoutFollowingThem) {
   EXPECT_EQ(Check(MakeChain(10'000)), KrResult::Code::BadData);
 }
 
+// Each node stands on the next one twice, so that the last is evaluated 2^(nodes - 1) times.
+std::string MakeDoubled(int aNodes) {
+  std::string nodes = "<Integer Name=\"PayloadSize\"><pValue>N1</pValue></Integer>";
+  for (int i = 1; i < aNodes; ++i) {
+    const std::string next = ">N" + std::to_string(i + 1) + "</pVariable>";
+    nodes += "<IntSwissKnife Name=\"N" + std::to_string(i) + "\"><pVariable Name=\"A\"" + next +
+             "<pVariable Name=\"B\"" + next + "<Formula>A+B</Formula></IntSwissKnife>";
+  }
+  return nodes + "<Integer Name=\"N" + std::to_string(aNodes) + "\"><Value>1</Value></Integer>";
+}
+
+TEST(ValueChains, ThatDoubleAtEachNode_AreRefusedBeforeAnythingIsAsked) {
+  EXPECT_TRUE(Check(MakeDoubled(12)).IsOK());
+  EXPECT_EQ(Check(MakeDoubled(40)), KrResult::Code::BadData);
+  EXPECT_EQ(Check(MakeDoubled(200)), KrResult::Code::BadData);
+}
+
 } // namespace
