@@ -19,8 +19,13 @@ QString ToLine(const QString& aText, int aMostLetters) {
   for (QChar& letter : text)
     if (!letter.isPrint() && !letter.isSurrogate())
       letter = QChar::ReplacementCharacter;
-  if (text.size() > aMostLetters)
-    text = text.first(aMostLetters) + QStringLiteral("…");
+  if (text.size() > aMostLetters) {
+    text.truncate(aMostLetters);
+    // No character is cut in two.
+    if (!text.isEmpty() && text.back().isHighSurrogate())
+      text.chop(1);
+    text += QStringLiteral("…");
+  }
   return text;
 }
 

@@ -12,6 +12,13 @@ TEST(ToLine, LongText_IsCut) {
   EXPECT_EQ(krviewer::ToLine("abcdefg", 6), QString("abcdef…"));
 }
 
+TEST(ToLine, CharacterOfTwoUnitsAtTheCut_IsLeftOut) {
+  const QString camera = QString::fromUtf8("\U0001F4F7");
+
+  EXPECT_EQ(krviewer::ToLine("abc" + camera + "d", 4), QString("abc…"));
+  EXPECT_EQ(krviewer::ToLine("abc" + camera + "d", 5), "abc" + camera + "…");
+}
+
 TEST(ToMessage, LongTextFromOutside_IsCutToAFewLines) {
   EXPECT_EQ(krviewer::ToMessage("one\ntwo"), "one\ntwo");
   EXPECT_EQ(krviewer::ToMessage("1\n2\n3\n4\n5\n6\n7"), "1\n2\n3\n4\n5\nAnd 2 more.");
