@@ -1,11 +1,15 @@
 #include "pictures.h"
 
+#include "krbase/kratomicfile.h"
+
+#include <QBuffer>
 #include <QDir>
-#include <QFile>
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QScreen>
 #include <QWidget>
+
+#include <cstddef>
 
 namespace krviewer {
 
@@ -23,17 +27,19 @@ KrResult FailToWrite(const QString& aPath, const QString& aReason) {
   return {KrResult::Code::SystemError, QStringLiteral("Cannot write %1: %2").arg(aPath, aReason).toStdString()};
 }
 
-KrResult SaveImage(const QImage& aImage, const QString& aPath) {
-  if (!aImage.save(aPath, "PNG"))
-    return FailToWrite(aPath, QStringLiteral("the folder is not writable or the disk is full"));
-  return {};
+KrResult SaveBytes(const QByteArray& aBytes, const QString& aPath) {
+  KrAtomicFile file;
+  KrResult result = file.Open(aPath.toStdString(), KrAtomicFile::Existing::Replaced);
+  if (result.IsOK())
+    result = file.Write(aBytes.constData(), static_cast<std::size_t>(aBytes.size()));
+  return result.IsOK() ? file.Commit() : result;
 }
 
-KrResult SaveText(const QString& aText, const QString& aPath) {
-  QFile file(aPath);
-  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(aText.toUtf8()) < 0 || !file.flush())
-    return FailToWrite(aPath, file.errorString());
-  return {};
+KrResult SaveImage(const QImage& aImage, const QString& aPath) {
+  QBuffer picture;
+  if (!picture.open(QIODevice::WriteOnly) || !aImage.save(&picture, "PNG"))
+    return FailToWrite(aPath, QStringLiteral("there is no picture of it"));
+  return SaveBytes(picture.data(), aPath);
 }
 
 } // namespace
@@ -75,7 +81,7 @@ KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder) {
     return result;
   if (KrResult result = SaveImage(frame, folder.filePath(QStringLiteral("frame.png"))); !result.IsOK())
     return result;
-  return SaveText(QString::fromUtf8(aWindow.GetTextOverlay().CStr()), folder.filePath(QStringLiteral("display.txt")));
+  return SaveBytes(aWindow.GetTextOverlay().CStr(), folder.filePath(QStringLiteral("display.txt")));
 }
 
 } // namespace krviewer

@@ -14,8 +14,9 @@ namespace krviewer {
 ///   display.png  the display window's client area as it is on the screen,
 ///   frame.png    the image shown, at the camera's resolution,
 ///   display.txt  the overlay's text.
-/// Needs an open window that has been painted since its last image. SystemError with the file's name when one cannot be
-/// written, WrongState when the window is not open or shows no image.
+/// Each is there as a whole or not at all. Needs an open window that has been painted since its last image. What
+/// KrAtomicFile returns, with the file's name, when one cannot be written; WrongState when the window is not open or
+/// shows no image.
 KrResult WritePictures(KrDisplayWnd& aWindow, const QString& aFolder);
 
 /// Writes browser.png into aFolder, likewise: the feature browser with what it has read so far. WrongState when the
