@@ -1,6 +1,7 @@
 #include "framefile.h"
 
 #include "krbase/kratomicfile.h"
+#include "krbase/krwholefile.h"
 #include "pngframe.h"
 #include "rawframe.h"
 #include "tiffframe.h"
@@ -10,9 +11,8 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
+#include <utility>
 
 namespace krapps {
 
@@ -51,13 +51,25 @@ KrResult WriteImage(const KrBuffer& aFrame, const FrameFileOptions& aOptions, Kr
                                                  : WriteTiff(aFrame, aOptions, aFile);
 }
 
+// Ours have a few hundred bytes; what is much longer is no such text.
+constexpr std::size_t kMostTextBytes = std::size_t{1} << 20;
+
 // A text as it was before it was replaced, to bring it back.
 class FormerText {
 public:
-  explicit FormerText(const KrString& aFileName) : mFileName(aFileName) {
-    std::ifstream stream(aFileName.ToUtf8(), std::ios::binary);
-    if (stream)
-      mBytes.emplace(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+  explicit FormerText(const KrString& aFileName) : mFileName(aFileName) {}
+
+  /// A text that cannot be kept is not to be replaced.
+  KrResult Keep() {
+    std::string bytes;
+    const KrResult read = KrReadWholeFile(mFileName, kMostTextBytes, bytes);
+    if (read == KrResult::Code::NotFound)
+      return {};
+    if (!read.IsOK())
+      return {read.GetCode(),
+              "The file \"" + mFileName + "\" is left as it is, as it could not be put back: " + read.GetDescription()};
+    mBytes = std::move(bytes);
+    return {};
   }
 
   /// Does what it can: whoever calls it has the reason of a failure to tell already.
@@ -92,7 +104,9 @@ KrResult WriteWithSidecar(const KrBuffer& aFrame, const FrameFileOptions& aOptio
     return written;
   if (KrResult written = sidecar.Write(text.data(), text.size()); !written.IsOK())
     return written;
-  const FormerText former(GetSidecarName(aOptions.fileName));
+  FormerText former(GetSidecarName(aOptions.fileName));
+  if (KrResult kept = former.Keep(); !kept.IsOK())
+    return kept;
   if (KrResult committed = sidecar.Commit(GetFlushing(aOptions)); !committed.IsOK())
     return committed;
   KrResult committed = bytes.Commit(GetFlushing(aOptions));

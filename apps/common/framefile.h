@@ -47,9 +47,10 @@ KrResult CheckFrameFile(const FrameFileOptions& aOptions);
 
 /// Writes a frame, whole or incomplete as it is; each file appears in one step when all of it is on the disk, and after
 /// an error what was there is as it was. (The text of a raw frame is there before the bytes; should these then fail, it
-/// is put back, unless the disk refuses that as well.) WrongState for a file that is there and is not to be replaced;
-/// NotSupported for a payload that is no image, or a format that cannot even be shown; BadData for an image that holds
-/// nothing; otherwise what KrAtomicFile returns. Descriptions name the file.
+/// is put back, unless the disk refuses that as well. One of more than 1 MiB, or that cannot be read, is therefore not
+/// replaced: OutOfRange, or what KrReadWholeFile returns.) WrongState for a file that is there and is not to be
+/// replaced; NotSupported for a payload that is no image, or a format that cannot even be shown; BadData for an image
+/// that holds nothing; otherwise what KrAtomicFile returns. Descriptions name the file.
 KrResult WriteFrame(const KrBuffer& aFrame, const FrameFileOptions& aOptions);
 
 } // namespace krapps

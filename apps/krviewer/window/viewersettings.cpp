@@ -3,6 +3,7 @@
 #include "window/writereason.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QSet>
 #include <QSettings>
 #include <QStandardPaths>
@@ -25,6 +26,8 @@ constexpr int kMostHostSettings = 200;
 
 /// Layouts are written with a sum of their bytes, as the toolkit is not to be given what somebody else has written.
 constexpr qsizetype kMostBytes = 1 << 16;
+/// The toolkit reads it as a whole; ours is a hundredth of that.
+constexpr qint64 kMostFileBytes = qint64{16} << 20;
 
 QByteArray Seal(const QByteArray& aBytes) {
   return QByteArray::number(qChecksum(aBytes)) + ':' + aBytes.toBase64();
@@ -55,10 +58,24 @@ std::unique_ptr<QSettings> OpenFile(const QString& aFile) {
   return std::make_unique<QSettings>(aFile, QSettings::IniFormat);
 }
 
+// Why the toolkit is not to open it: it would wait for a pipe without end, and takes all that there is.
+QString FindRefusal(const QString& aFile) {
+  const QFileInfo file(aFile);
+  QString what;
+  if (file.exists() && !file.isFile() && !file.isDir())
+    what = QStringLiteral("is no file");
+  else if (file.size() > kMostFileBytes && file.isFile())
+    what = QStringLiteral("has more than 16 MiB and is not read");
+  if (what.isEmpty())
+    return what;
+  return QStringLiteral("What should hold the settings, %1, %2: windows and recent cameras are not kept. Move it away.")
+      .arg(QDir::toNativeSeparators(aFile), what);
+}
+
 } // namespace
 
-ViewerSettings::ViewerSettings(const QString& aFile) {
-  if (!aFile.isEmpty())
+ViewerSettings::ViewerSettings(const QString& aFile) : mRefusal(FindRefusal(aFile)) {
+  if (!aFile.isEmpty() && mRefusal.isEmpty())
     mSettings = OpenFile(aFile);
 }
 
@@ -71,7 +88,7 @@ QString ViewerSettings::GetUserFile() {
 
 QString ViewerSettings::TakeTrouble() {
   if (!mSettings)
-    return {};
+    return mRefusal;
   static_cast<void>(mSettings->allKeys()); // Before, only parts of the file have been looked at.
   const QSettings::Status status = mSettings->status();
   if (status == QSettings::NoError)

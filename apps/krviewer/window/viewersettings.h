@@ -24,8 +24,8 @@ public:
   /// The file of whoever runs the program.
   static QString GetUserFile();
 
-  /// What is wrong with the file, for its user; empty where nothing is. What it makes no sense of is left out. Before
-  /// anything is kept.
+  /// What is wrong with the file, for its user; empty where nothing is. What it makes no sense of is left out; one that
+  /// is far too long, or that is none, stays as it is and nothing is kept. Before anything is kept.
   QString TakeTrouble();
   /// Writes what is not written yet.
   void Write();
@@ -57,6 +57,7 @@ private:
   void Forget(const char* aGroup, const RecentCameras& aCameras);
 
   std::unique_ptr<QSettings> mSettings; ///< Null where nothing is kept.
+  QString mRefusal;                     ///< Why the file is not touched; empty where it is.
   bool mHasToldWriting = false;
 };
 

@@ -18,6 +18,8 @@ namespace {
 
 /// A disk that has less room is full.
 constexpr qint64 kFewestBytes = 1 << 16;
+/// More are not tried, however long the file is.
+constexpr qint64 kMostBytes = qint64{16} << 20;
 
 } // namespace
 
@@ -32,8 +34,15 @@ QString FindWriteReason(const QString& aFile) {
   QTemporaryFile trial(file.absolutePath() + QStringLiteral("/.krviewer-XXXXXX.tmp"));
   if (!trial.open())
     return trial.errorString();
-  const QByteArray bytes(std::max(file.size(), kFewestBytes), ' ');
-  return trial.write(bytes) == bytes.size() && trial.flush() ? QString() : trial.errorString();
+  QByteArray rest(std::clamp(file.size(), kFewestBytes, kMostBytes), ' ');
+  // A disk that takes a part gives its reason with the next one.
+  while (!rest.isEmpty()) {
+    const qint64 written = trial.write(rest);
+    if (written <= 0)
+      return trial.errorString();
+    rest.remove(0, written);
+  }
+  return trial.flush() ? QString() : trial.errorString();
 }
 
 } // namespace krviewer

@@ -201,6 +201,21 @@ INSTANTIATE_TEST_SUITE_P(Formats, EachFormat,
                          testing::Values(FrameFileFormat::PNG, FrameFileFormat::TIFF, FrameFileFormat::Raw),
                          [](const auto& aInfo) { return std::string(GetFrameFileFormatName(aInfo.param)); });
 
+TEST_F(FrameFile, TextTooLongToBePutBack_StaysAndNothingIsWritten) {
+  const std::string path = mFolder.GetFile("frame.raw");
+  const std::string most(1U << 20U, 'x');
+  TemporaryFolder::WriteFile(path + ".txt", most + "y");
+
+  const KrResult result = Write(path, FrameFileFormat::Raw, true);
+
+  EXPECT_EQ(result.GetCode(), KrResult::Code::OutOfRange);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("frame.raw.txt"));
+  EXPECT_EQ(TemporaryFolder::ReadFile(path + ".txt"), most + "y");
+  EXPECT_THAT(mFolder.GetNames(), UnorderedElementsAre("frame.raw.txt"));
+  TemporaryFolder::WriteFile(path + ".txt", most);
+  EXPECT_TRUE(Write(path, FrameFileFormat::Raw, true).IsOK());
+}
+
 TEST_F(FrameFile, TextOfAnotherRawFile_IsNotOverwritten) {
   const std::string path = mFolder.GetFile("frame.raw");
   TemporaryFolder::WriteFile(path + ".txt", "notes");

@@ -7,6 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <filesystem>
+
 using krviewer::HostSettings;
 using krviewer::RecentCamera;
 using krviewer::RecentCameras;
@@ -213,6 +218,49 @@ TEST_F(ViewerSettingsTest, WhatCouldBeWritten_IsNoTrouble) {
 
   EXPECT_EQ(settings.TakeWriteTrouble(), "");
   EXPECT_EQ(ViewerSettings(mFile).GetPageState(), kLayout);
+}
+
+TEST_F(ViewerSettingsTest, LayoutOfMoreThan64KiB_IsNone) {
+  // A number and a colon go before the bytes, each three of which become four letters.
+  constexpr qsizetype kMostThatFits = ((1 << 16) - 6) / 4 * 3;
+  ViewerSettings settings(mFile);
+
+  settings.SetPageState(QByteArray(kMostThatFits, 'x'));
+  EXPECT_EQ(settings.GetPageState().size(), kMostThatFits);
+
+  settings.SetPageState(QByteArray(kMostThatFits + 6, 'x'));
+  EXPECT_EQ(settings.GetPageState().size(), 0);
+}
+
+TEST_F(ViewerSettingsTest, FileOfMoreThan16MiB_IsNeitherReadNorTouched) {
+  constexpr std::uintmax_t kMost = std::uintmax_t{16} << 20U;
+  {
+    ViewerSettings settings(mFile); // Makes the folder.
+    settings.SetPageState(kLayout);
+  }
+  std::filesystem::resize_file(mFile.toStdString(), kMost + 1);
+  {
+    ViewerSettings settings(mFile);
+    const QString trouble = settings.TakeTrouble();
+    EXPECT_TRUE(trouble.contains(mFile) && trouble.contains("16 MiB")) << trouble.toStdString();
+    settings.SetPageState(kLayout + "new");
+    settings.Write();
+    EXPECT_EQ(settings.TakeWriteTrouble(), "");
+    EXPECT_TRUE(settings.GetPageState().isEmpty());
+  }
+  EXPECT_EQ(std::filesystem::file_size(mFile.toStdString()), kMost + 1);
+  std::filesystem::resize_file(mFile.toStdString(), kMost);
+  EXPECT_EQ(ViewerSettings(mFile).GetPageState(), kLayout);
+}
+
+TEST_F(ViewerSettingsTest, PipeInTheFilesPlace_IsRefusedWithoutWaiting) {
+  std::filesystem::create_directory(mFolder.GetFile("settings"));
+  ASSERT_EQ(::mkfifo(mFile.toStdString().c_str(), 0600), 0);
+
+  ViewerSettings settings(mFile);
+
+  const QString trouble = settings.TakeTrouble();
+  EXPECT_TRUE(trouble.contains(mFile + ", is no file")) << trouble.toStdString();
 }
 
 TEST_F(ViewerSettingsTest, FileThatIsNone_HarmsNothingAndIsReplaced) {
