@@ -79,6 +79,12 @@ std::vector<std::string> GetSerialNumbers(const Round& aRound) {
   return numbers;
 }
 
+bool HasRecord(const KrLogCapture& aLog, const std::string& aText) {
+  const auto records = aLog.GetRecords();
+  return std::ranges::any_of(
+      records, [&](const KrLogRecord& aRecord) { return aRecord.text.ToUtf8().find(aText) != std::string::npos; });
+}
+
 void ExpectFakeCamera(const GEVFields& aDevice) {
   EXPECT_EQ(aDevice.vendorName, KrString("Aravis"));
   EXPECT_EQ(aDevice.modelName, KrString("Fake"));
@@ -172,10 +178,7 @@ TEST(GigEVisionDiscovery, Discover_AdapterThatDoesNotExist_IsPassedOverAndLogged
   EXPECT_TRUE(result.IsOK());
   ASSERT_EQ(indices.size(), 1u);
   EXPECT_GT(indices[0], 0u);
-  const auto records = log.GetRecords();
-  EXPECT_TRUE(std::any_of(records.begin(), records.end(), [](const KrLogRecord& aRecord) {
-    return aRecord.text.ToUtf8().find("absent0") != std::string::npos;
-  }));
+  EXPECT_TRUE(HasRecord(log, "absent0"));
 }
 
 struct BadAnswers {
@@ -227,6 +230,23 @@ TEST_P(GigEVisionBadAnswers, Discover_BadAnswerBeforeAGoodOne_TakesTheGoodOneAlo
 
 INSTANTIATE_TEST_SUITE_P(Datagrams, GigEVisionBadAnswers, testing::ValuesIn(kBadAnswers),
                          [](const auto& aInfo) { return aInfo.param.name; });
+
+TEST(GigEVisionDiscovery, Discover_DatagramOfMoreThan2048Bytes_IsDroppedWithItsReason) {
+  const KrLogCapture log;
+
+  const Round round = DiscoverAmong([](std::span<const std::uint8_t> aCommand) {
+    auto longest = MakeDiscoveryAcknowledge(aCommand, kLoopback, "longest");
+    longest.resize(2048);
+    auto tooLong = longest;
+    tooLong.push_back(0);
+    return Datagrams{tooLong, longest};
+  });
+
+  EXPECT_THAT(GetSerialNumbers(round), testing::ElementsAre("good"));
+  EXPECT_TRUE(HasRecord(log, "lo: A datagram on the control channel was refused: its 2049 bytes are too many."));
+  EXPECT_TRUE(HasRecord(log, "its header states 248 bytes of payload, 2040 came"));
+  EXPECT_FALSE(HasRecord(log, "2048 bytes are too many"));
+}
 
 TEST(GigEVisionDiscovery, Discover_TextsThatFillTheirFields_EndWithTheField) {
   const std::string serialNumber(16, 'S');

@@ -16,12 +16,13 @@ constexpr std::size_t kDiscoveryAcknowledgeSize = kHeaderSize + 248;
 
 } // namespace
 
-GvcpResponder::GvcpResponder(AnswerCommand aAnswer, GvcpAnswers aAnswers)
+GvcpResponder::GvcpResponder(AnswerCommand aAnswer, GvcpAnswers aAnswers, std::uint32_t aAddress)
     : mAnswer(std::move(aAnswer)), mAnswers(aAnswers) {
   mSocket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(kPort);
+  address.sin_addr.s_addr = htonl(aAddress);
   const int enable = 1;
   ::setsockopt(mSocket, SOL_SOCKET, SO_BROADCAST, &enable, sizeof(enable));
   EXPECT_EQ(::bind(mSocket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0)

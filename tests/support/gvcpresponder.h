@@ -27,7 +27,8 @@ enum class GvcpAnswers {
 /// Thread: the answers are made on a thread of its own.
 class GvcpResponder {
 public:
-  explicit GvcpResponder(AnswerCommand aAnswer, GvcpAnswers aAnswers = GvcpAnswers::Once);
+  /// Hears and answers at aAddress alone where it is not 0.
+  explicit GvcpResponder(AnswerCommand aAnswer, GvcpAnswers aAnswers = GvcpAnswers::Once, std::uint32_t aAddress = 0);
   ~GvcpResponder();
   GvcpResponder(const GvcpResponder&) = delete;
   GvcpResponder& operator=(const GvcpResponder&) = delete;

@@ -99,8 +99,15 @@ void SendOnAll(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, std
   }
 }
 
+void LogRefused(const krsystem::NetworkAdapterFields& aAdapter, const KrResult& aReason) {
+  KrLogger("GigEVision")
+      .Log(KrLogLevel::Debug, {"RunBroadcastRound", "broadcastround"},
+           "On the network adapter " + aAdapter.name + ": " + aReason.GetDescription());
+}
+
 // Hands over all that has come; false when the taker has enough.
-bool TakeAll(const std::vector<OpenAdapter>& aOpened, std::optional<std::uint32_t> aTarget, const TakeDatagram& aTake) {
+bool TakeAll(const std::vector<krsystem::NetworkAdapterFields>& aAdapters, const std::vector<OpenAdapter>& aOpened,
+             std::optional<std::uint32_t> aTarget, const TakeDatagram& aTake) {
   std::array<std::uint8_t, kMaxGvcpDatagram> buffer;
   for (const OpenAdapter& open : aOpened) {
     // A flood on one adapter must not keep the others from being heard.
@@ -110,7 +117,9 @@ bool TakeAll(const std::vector<OpenAdapter>& aOpened, std::optional<std::uint32_
         break;
       if (aTarget && received->sender != *aTarget)
         continue;
-      if (received->size <= buffer.size() && !aTake(open.index, std::span(buffer).first(received->size)))
+      if (const KrResult size = CheckGvcpSize(received->size); !size.IsOK())
+        LogRefused(aAdapters[open.index], size);
+      else if (!aTake(open.index, std::span(buffer).first(received->size)))
         return false;
     }
   }
@@ -139,7 +148,7 @@ KrResult RunBroadcastRound(const std::vector<krsystem::NetworkAdapterFields>& aA
     std::vector<int> descriptors = {wake.GetDescriptor()};
     for (const OpenAdapter& open : opened)
       descriptors.push_back(open.socket.GetDescriptor());
-    if (WaitReadable(descriptors, isResent ? end : resend) && !TakeAll(opened, aRound.target, aTake))
+    if (WaitReadable(descriptors, isResent ? end : resend) && !TakeAll(aAdapters, opened, aRound.target, aTake))
       break;
   }
   return {};

@@ -107,6 +107,10 @@ KrResult CheckHeader(std::span<const std::uint8_t> aDatagram, GvcpMessage aMessa
 
 } // namespace
 
+KrResult CheckGvcpSize(std::size_t aBytes) {
+  return aBytes <= kMaxGvcpDatagram ? KrResult() : Refuse("its " + std::to_string(aBytes) + " bytes are too many");
+}
+
 std::vector<std::uint8_t> MakeDiscoveryCommand(std::uint16_t aRequestID) {
   return MakeCommand(GvcpMessage::DiscoveryCommand, kAcknowledgeRequired | kBroadcastAcknowledgeAllowed, aRequestID, 0);
 }

@@ -18,6 +18,8 @@ namespace krtransport {
 inline constexpr std::uint16_t kGvcpPort = 3956;
 /// The largest datagram that a device may send on the control channel is far below this; more is cut and refused.
 inline constexpr std::size_t kMaxGvcpDatagram = 2048;
+/// BadData, with the reason, for a datagram that is longer.
+KrResult CheckGvcpSize(std::size_t aBytes);
 /// The most bytes that one READMEM is asked for.
 inline constexpr std::size_t kMaxReadMemory = 512;
 /// What one access to a device's memory may be.

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <linux/neighbour.h>
+#include <span>
 
 namespace krtransport {
 namespace {
@@ -18,9 +19,9 @@ using std::chrono::steady_clock;
 
 // The kernel sends a datagram once it has found who has the address, so that it looks for each of them now. A camera
 // answers the datagram besides. An address to which nothing could be sent may be anybody's: it counts as used.
-KrResult AskAll(const GvcpSocket& aSocket, const std::vector<std::uint32_t>& aAddresses,
+KrResult AskAll(const GvcpSocket& aSocket, std::uint16_t aRequestID, const std::vector<std::uint32_t>& aAddresses,
                 std::set<std::uint32_t>& aUnknown) {
-  const std::vector<std::uint8_t> command = MakeDiscoveryCommand(TakeRequestID());
+  const std::vector<std::uint8_t> command = MakeDiscoveryCommand(aRequestID);
   KrResult failure;
   bool sent = aAddresses.empty();
   for (const std::uint32_t address : aAddresses) {
@@ -34,8 +35,14 @@ KrResult AskAll(const GvcpSocket& aSocket, const std::vector<std::uint32_t>& aAd
   return sent ? KrResult() : failure;
 }
 
-// Which of the addresses sent datagrams until the limit.
-KrResult HearSenders(const GvcpSocket& aSocket, const std::vector<std::uint32_t>& aAddresses,
+// Whether it is the acknowledge that was asked for; one that refuses is a camera's as well.
+bool IsAnswer(std::span<const std::uint8_t> aDatagram, std::uint16_t aRequestID) {
+  DiscoveryPayload payload;
+  return ParseDiscoveryAcknowledge(aDatagram, aRequestID, payload) != KrResult::Code::BadData;
+}
+
+// Which of the addresses answered until the limit.
+KrResult HearSenders(const GvcpSocket& aSocket, std::uint16_t aRequestID, const std::vector<std::uint32_t>& aAddresses,
                      steady_clock::time_point aEnd, const std::stop_token& aCancel, std::set<std::uint32_t>& aSenders) {
   constexpr int kDatagramsPerLook = 64;
   WakeEvent wake;
@@ -50,7 +57,8 @@ KrResult HearSenders(const GvcpSocket& aSocket, const std::vector<std::uint32_t>
       if (!received)
         break;
       // Others may send in any number of names, which would fill the memory.
-      if (std::ranges::find(aAddresses, received->sender) != aAddresses.end())
+      if (std::ranges::find(aAddresses, received->sender) != aAddresses.end() && received->size <= buffer.size() &&
+          IsAnswer(std::span(buffer).first(received->size), aRequestID))
         aSenders.insert(received->sender);
     }
   } while (WaitReadable(descriptors, aEnd));
@@ -93,10 +101,11 @@ KrResult FindUsedAddresses(const NetworkAdapterFields& aAdapter, const std::vect
   GvcpSocket socket;
   KrResult result = GvcpSocket::OpenOnAdapter(aAdapter.name.ToUtf8(), 0, socket);
   std::set<std::uint32_t> known;
+  const std::uint16_t requestID = TakeRequestID();
   if (result.IsOK())
-    result = AskAll(socket, aAddresses, known);
+    result = AskAll(socket, requestID, aAddresses, known);
   if (result.IsOK())
-    result = HearSenders(socket, aAddresses, end, aCancel, known);
+    result = HearSenders(socket, requestID, aAddresses, end, aCancel, known);
   if (result.IsOK())
     result = AddKnown(aAdapter.name.ToUtf8(), known);
   if (!result.IsOK())
