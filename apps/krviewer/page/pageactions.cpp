@@ -56,7 +56,7 @@ void PageActions::LookAgain() {
     if (!command->getHindrance)
       continue;
     const QString hindrance = page ? command->getHindrance(*page) : QString();
-    action->setToolTip(hindrance.isEmpty() ? hindrance : ToToolTip(hindrance));
+    action->setToolTip(hindrance.isEmpty() ? QString() : ToToolTip(hindrance));
   }
 }
 

@@ -136,7 +136,10 @@ QSpinBox* RecordPanel::AddNumber(QFormLayout& aForm, const QString& aLabel, cons
   box->setRange(aZeroText.isEmpty() ? 1 : 0, aMost);
   box->setSpecialValueText(aZeroText);
   box->setSuffix(aSuffix);
-  aForm.addRow(aLabel, box);
+  auto* const label = new QLabel(aLabel);
+  label->setTextFormat(Qt::PlainText);
+  label->setBuddy(box);
+  aForm.addRow(label, box);
   return box;
 }
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -26,6 +27,12 @@ KrResult Fail(const QString& aReason) {
           KrString((QStringLiteral("The window could not be created: ") + aReason).toStdString())};
 }
 
+// As the toolkit reads them, but in a program that has other rights than its user.
+QString GetVariable(const char* aName, const char* aOtherwise = "") {
+  const char* const value = ::secure_getenv(aName);
+  return QString::fromLocal8Bit(value != nullptr ? value : aOtherwise);
+}
+
 bool CanOpenX11() {
   using Connection = std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)>;
   const Connection connection(xcb_connect(nullptr, nullptr), &xcb_disconnect);
@@ -33,9 +40,9 @@ bool CanOpenX11() {
 }
 
 bool CanOpenWayland() {
-  QString path = qEnvironmentVariable("WAYLAND_DISPLAY", QStringLiteral("wayland-0"));
+  QString path = GetVariable("WAYLAND_DISPLAY", "wayland-0");
   if (!QDir::isAbsolutePath(path)) {
-    path = qEnvironmentVariable("XDG_RUNTIME_DIR") + QLatin1Char('/') + path;
+    path = GetVariable("XDG_RUNTIME_DIR") + QLatin1Char('/') + path;
   }
   const QByteArray name = path.toLocal8Bit();
   sockaddr_un address = {};
@@ -55,7 +62,7 @@ bool CanOpenWayland() {
 
 /// True when the toolkit's plugin for a platform is installed; without one it ends the process.
 bool HasPlugin(const QString& aPlatform) {
-  QStringList folders = {qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH")};
+  QStringList folders = {GetVariable("QT_QPA_PLATFORM_PLUGIN_PATH")};
   for (const QString& path : QCoreApplication::libraryPaths()) {
     folders.append(path + QStringLiteral("/platforms"));
   }
@@ -78,7 +85,7 @@ bool CanOpen(const QString& aPlatform) {
 /// The platforms that the toolkit will try, as the environment says.
 QStringList GetCandidates() {
   QStringList candidates;
-  for (const QString& entry : qEnvironmentVariable("QT_QPA_PLATFORM").split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+  for (const QString& entry : GetVariable("QT_QPA_PLATFORM").split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
     // What follows a colon are the platform's own arguments.
     candidates.append(entry.section(QLatin1Char(':'), 0, 0));
   }
@@ -93,10 +100,10 @@ KrResult CheckDisplay() {
   if (std::any_of(candidates.cbegin(), candidates.cend(), CanOpen)) {
     return {};
   }
-  return Fail(QStringLiteral("no display can be opened as %1 (DISPLAY is \"%2\", WAYLAND_DISPLAY is \"%3\"). Run the "
-                             "program in a graphical session, or set DISPLAY or QT_QPA_PLATFORM.")
-                  .arg(candidates.join(QStringLiteral(" or ")), qEnvironmentVariable("DISPLAY"),
-                       qEnvironmentVariable("WAYLAND_DISPLAY")));
+  return Fail(
+      QStringLiteral("no display can be opened as %1 (DISPLAY is \"%2\", WAYLAND_DISPLAY is \"%3\"). Run the "
+                     "program in a graphical session, or set DISPLAY or QT_QPA_PLATFORM.")
+          .arg(candidates.join(QStringLiteral(" or ")), GetVariable("DISPLAY"), GetVariable("WAYLAND_DISPLAY")));
 }
 
 void MakeApplication() {

@@ -66,7 +66,10 @@ public:
     case Qt::DisplayRole:
     case Qt::DecorationRole:
       return mList.mComboBox ? mList.mComboBox->itemData(aIndex.row(), aRole) : QVariant();
-    case Qt::ToolTipRole:
+    case Qt::ToolTipRole: {
+      const QString text = mList.GetToolText(aIndex.row() + 1);
+      return text.isEmpty() ? QVariant() : QVariant(ToPlainToolTip(text));
+    }
     case Qt::AccessibleDescriptionRole:
       return mList.GetToolText(aIndex.row() + 1);
     default:
