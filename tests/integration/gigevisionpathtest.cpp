@@ -3,6 +3,7 @@
 #include "await.h"
 #include "camerarelay.h"
 #include "gigevisionfixture.h"
+#include "krbase/krlogger.h"
 
 #include <vector>
 
@@ -297,6 +298,30 @@ TEST_F(GigEVisionPath, PacketSizeRefused_StreamsWithTheDevicesOwn) {
   EXPECT_EQ(ReadRegister(*mLink, kPacketSizeRegister), own);
   for (const Frame& frame : frames)
     EXPECT_EQ(frame.status, KrBufferStatus::Complete);
+}
+
+// Aravis takes memory for each packet of a frame.
+TEST_F(GigEVisionPath, PacketSizeWithoutRoom_StartsNoStream) {
+  RelayOrders orders;
+  orders.statedRegisters = {{kPacketSizeRegister, 36}};
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+
+  const KrResult result = Start();
+
+  EXPECT_EQ(result, KrResult::Code::BadData);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("36 bytes, which their headers take alone"));
+}
+
+TEST_F(GigEVisionPath, PacketSizeThatIsNotSaid_IsRefusedBeforeAravisMeetsIt) {
+  RelayOrders orders;
+  orders.statedRegisters = {{kPacketSizeRegister, 0}};
+  ASSERT_NO_FATAL_FAILURE(OpenOverRelay(orders));
+  const KrLogCapture log;
+
+  EXPECT_EQ(Start(), KrResult::Code::BadData);
+
+  for (const KrLogRecord& record : log.GetRecords())
+    EXPECT_NE(record.level, KrLogLevel::Error) << record.text.CStr();
 }
 
 // Nothing but the packet size says how many packets the first frame should have.

@@ -152,6 +152,7 @@ CameraRelay::Datagram CameraRelay::Answer(std::span<const std::uint8_t> aCommand
     return {};
   }
   Datagram answer = Forward(aCommand);
+  StateRegister(aCommand, answer);
   // The camera knows no resends; the relay does.
   const bool isCapabilityRead = Read16(aCommand, 2) == kReadRegisterCommand && aCommand.size() == kHeaderSize + 4 &&
                                 Read32(aCommand, kHeaderSize) == kCapability;
@@ -161,6 +162,14 @@ CameraRelay::Datagram CameraRelay::Answer(std::span<const std::uint8_t> aCommand
   if (answer.size() > kHeaderSize + kDiscoveredAddress + 4 && Read16(answer, 2) == kDiscoveryAcknowledge)
     Write32(answer, kHeaderSize + kDiscoveredAddress, ntohl(MakeAddress(mAddress, 0).sin_addr.s_addr));
   return answer;
+}
+
+void CameraRelay::StateRegister(std::span<const std::uint8_t> aCommand, Datagram& aAnswer) const {
+  if (Read16(aCommand, 2) != kReadRegisterCommand || aCommand.size() != kHeaderSize + 4)
+    return;
+  const auto stated = mOrders.statedRegisters.find(Read32(aCommand, kHeaderSize));
+  if (stated != mOrders.statedRegisters.end() && aAnswer.size() == kHeaderSize + 4)
+    Write32(aAnswer, kHeaderSize, stated->second);
 }
 
 CameraRelay::Datagram CameraRelay::AnswerWrite(std::span<const std::uint8_t> aCommand) {

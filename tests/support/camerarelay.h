@@ -43,6 +43,8 @@ struct RelayOrders {
   std::uint32_t largestTrial = 0;
   /// Registers that cannot be written: the device answers that they are protected.
   std::set<std::uint32_t> refusedRegisters = {};
+  /// What registers are said to hold, whatever is written to them.
+  std::map<std::uint32_t, std::uint32_t> statedRegisters = {};
   /// How long each answer takes, one command after the other; at once where it is empty. On the relay's thread.
   std::function<std::chrono::milliseconds()> getAnswerDelay = {};
 };
@@ -85,6 +87,7 @@ private:
   void RelayControl();
   void RelayStream();
   Datagram Answer(std::span<const std::uint8_t> aCommand);
+  void StateRegister(std::span<const std::uint8_t> aCommand, Datagram& aAnswer) const;
   Datagram AnswerWrite(std::span<const std::uint8_t> aCommand);
   Datagram Forward(std::span<const std::uint8_t> aCommand);
   void SendTrial(std::uint32_t aBytes);

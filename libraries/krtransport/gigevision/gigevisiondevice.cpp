@@ -104,7 +104,7 @@ KrResult GigEVisionDevice::CreateStream(std::uint64_t aPayloadBytes, StreamPoint
                                                                       ? ARV_GV_STREAM_OPTION_NONE
                                                                       : ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
   SetPacketSize();
-  if (KrResult result = CheckPackets(aPayloadBytes, mPacketBytes); !result.IsOK())
+  if (KrResult result = CheckPacketSize(aPayloadBytes); !result.IsOK())
     return result;
   mPacketCount = std::make_unique<PacketCount>(CountPackets(aPayloadBytes, mPacketBytes));
   StreamPointer stream;
@@ -198,6 +198,19 @@ void GigEVisionDevice::SetPacketSize() {
   const std::uint32_t set = setting & kPacketSizeMask;
   mPacketBytes = read.IsOK() && set != 0 ? set : wanted;
   mPacketSizes->usedBytes = mPacketBytes;
+}
+
+KrResult GigEVisionDevice::CheckPacketSize(std::uint64_t aPayloadBytes) {
+  if (KrResult result = CheckPackets(aPayloadBytes, mPacketBytes); !result.IsOK())
+    return result;
+  // Aravis goes by what the description says, which may mean another place than the register, and falls over none.
+  GErrorHolder error;
+  const guint said = arv_gv_device_get_packet_size(ARV_GV_DEVICE(GetArvDevice()), error.Out());
+  if (KrResult asked = ToResult(error, "Asking the device for the size of its stream packets"); !asked.IsOK())
+    return asked;
+  if (said == 0)
+    return {KrResult::Code::BadData, "Starting a stream: the device does not say how large its packets are."};
+  return CheckPackets(aPayloadBytes, said);
 }
 
 void GigEVisionDevice::ShareAdapter() {

@@ -67,6 +67,8 @@ private:
   std::uint32_t ChoosePacketSize();
   /// Sets it; a device that refuses or rounds it is believed.
   void SetPacketSize();
+  /// BadData for a size that Aravis is not to be let work with.
+  KrResult CheckPacketSize(std::uint64_t aPayloadBytes);
   void ShareAdapter();
 
   const LinkTarget mTarget;
