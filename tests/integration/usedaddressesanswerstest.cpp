@@ -1,6 +1,7 @@
 // Who counts as somebody at an address, by what comes from there: on the loopback adapter, where the kernel keeps no
 // neighbours that would count besides.
 
+#include "await.h"
 #include "gvcpresponder.h"
 
 #include "gigevision/usedaddresses.h"
@@ -19,7 +20,6 @@ constexpr std::uint32_t kForeign = 0x7F000002;
 constexpr std::uint32_t kCamera = 0x7F000003;
 constexpr std::uint32_t kRefusing = 0x7F000004;
 constexpr std::chrono::milliseconds kRound{300};
-constexpr std::chrono::seconds kGenerousLimit{60};
 
 std::vector<std::uint8_t> MakeForeignAcknowledge(std::span<const std::uint8_t> aCommand) {
   auto answer = MakeDiscoveryAcknowledge(aCommand, kForeign, "foreign");
@@ -48,12 +48,13 @@ TEST(UsedAddressesAnswers, AcknowledgesOfAnotherNumber_AreNobodys) {
                              GvcpAnswers::Once, kCamera);
   const GvcpResponder refusing([](auto aCommand) { return Datagrams{MakeRefusal(aCommand)}; }, GvcpAnswers::Once,
                                kRefusing);
-  const auto limit = std::chrono::steady_clock::now() + kGenerousLimit;
   std::vector<std::uint32_t> used;
 
   // Who has to wait for a processor answers too late for a round, and is heard in another.
-  while (used.size() < 2 && std::chrono::steady_clock::now() < limit)
+  EXPECT_TRUE(krtest::Await([&used] {
     used = FindOnLoopback({kForeign, kCamera, kRefusing});
+    return used.size() >= 2;
+  }));
 
   EXPECT_THAT(used, ElementsAre(kCamera, kRefusing));
 }

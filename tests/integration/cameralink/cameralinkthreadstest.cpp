@@ -1,4 +1,4 @@
-#include "krclserial/clserkrg.h"
+#include "cllibrary.h"
 #include "publishedline.h"
 
 #include <gmock/gmock.h>
@@ -9,66 +9,18 @@
 #include <thread>
 #include <vector>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr CLUINT32 kForEverMs = 4'000'000'000;
-
-/// The library, loaded as a program loads it.
-class Library {
-public:
-  Library() : mLibrary(::dlopen(KR_CL_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
-    EXPECT_NE(mLibrary, nullptr) << ::dlerror();
-    Load("clSerialInit", init);
-    Load("clSerialClose", close);
-    Load("clSerialRead", read);
-    Load("clSerialWrite", write);
-    Load("clGetNumBytesAvail", countAvailable);
-  }
-  ~Library() { ::dlclose(mLibrary); }
-  Library(const Library&) = delete;
-  Library& operator=(const Library&) = delete;
-
-  hSerRef Open(CLUINT32 aIndex) const {
-    hSerRef reference = nullptr;
-    EXPECT_EQ(init(aIndex, &reference), CL_ERR_NO_ERR);
-    return reference;
-  }
-  CLINT32 Read(hSerRef aReference, CLUINT32 aCount, CLUINT32 aLimitMs) const {
-    std::vector<char> bytes(aCount + 1);
-    return read(aReference, bytes.data(), &aCount, aLimitMs);
-  }
-  CLINT32 Write(hSerRef aReference, std::vector<std::uint8_t> aBytes) const {
-    auto count = static_cast<CLUINT32>(aBytes.size());
-    return write(aReference, reinterpret_cast<char*>(aBytes.data()), &count, kForEverMs);
-  }
-
-  decltype(&clSerialInit) init = nullptr;
-  decltype(&clSerialClose) close = nullptr;
-  decltype(&clSerialRead) read = nullptr;
-  decltype(&clSerialWrite) write = nullptr;
-  decltype(&clGetNumBytesAvail) countAvailable = nullptr;
-
-private:
-  template <typename Function>
-  void Load(const char* aName, Function& aFunction) {
-    aFunction = reinterpret_cast<Function>(::dlsym(mLibrary, aName));
-    EXPECT_NE(aFunction, nullptr) << aName;
-  }
-
-  void* mLibrary;
-};
-
 class CameraLinkThreads : public testing::Test {
 protected:
   SocketFolder mFolder;
   PublishedLine mFirst{"First"};
   PublishedLine mSecond{"Second"};
-  Library mLibrary;
+  CLLibrary mLibrary;
 };
 
 TEST_F(CameraLinkThreads, Close_EndsAReadThatWaitsAndReturnsAfterIt) {
@@ -187,7 +139,7 @@ TEST(CameraLinkLibrary, Unloaded_ClosesWhatItsProgramLeftOpen) {
   const SocketFolder folder;
   PublishedLine line("Camera");
   for (int i = 0; i < 3; ++i) {
-    const Library library;
+    const CLLibrary library;
     hSerRef reference = nullptr;
     EXPECT_EQ(library.init(0, &reference), CL_ERR_NO_ERR);
   }

@@ -12,6 +12,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -53,6 +54,19 @@ protected:
 };
 
 } // namespace
+
+TEST_F(ClientEndTest, Port_IsReadByItsUserAloneAndItsLockIsHis) {
+  const std::unique_ptr<IHostEnd> end = Open();
+  struct stat port = {};
+  struct stat lock = {};
+
+  ASSERT_EQ(::stat(mPath.c_str(), &port), 0);
+  ASSERT_EQ(::stat(mHost.GetLink(".com9.lock").c_str(), &lock), 0);
+
+  EXPECT_EQ(port.st_uid, ::geteuid());
+  EXPECT_EQ(port.st_mode & 0047U, 0U) << "the group of terminals may write messages to them";
+  EXPECT_EQ(lock.st_mode & 07777U, 0600U);
+}
 
 TEST_F(ClientEndTest, Port_IsAmongTheHostsForAsLongAsTheEndLives) {
   std::filesystem::remove(mHost.GetFile("links"));

@@ -415,10 +415,14 @@ TEST_F(SettingsActions, Restore_OfManyLongNamesAndValues_IsShownWithinTheScreen)
   int rows = 0;
   QSize size;
   std::string copied;
+  QString cell;
+  QString toolTip;
   Answers answers({{"settingsfile", ChooseFile(file)},
                    {"settingscomparison", [&](QWidget& aDialog) {
                       auto* const view = aDialog.findChild<QAbstractItemView*>();
                       rows = view->model()->rowCount();
+                      cell = view->model()->index(0, 0).data().toString();
+                      toolTip = view->model()->index(0, 0).data(Qt::ToolTipRole).toString();
                       size = aDialog.size();
                       view->selectionModel()->select(view->model()->index(0, 0),
                                                      QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
@@ -435,6 +439,8 @@ TEST_F(SettingsActions, Restore_OfManyLongNamesAndValues_IsShownWithinTheScreen)
   EXPECT_LT(size.width(), 1400);
   EXPECT_LT(size.height(), 900);
   EXPECT_THAT(copied, testing::StartsWith("Text0" + longText + "\t")) << "copied whole";
+  EXPECT_EQ(cell, "Text0" + QString(595, 'x') + QChar(0x2026));
+  EXPECT_EQ(toolTip.count('x'), cell.count('x'));
 }
 
 } // namespace

@@ -3,11 +3,15 @@
 #include "clprotocolfixture.h"
 
 #include "await.h"
+#include "krbase/filedescriptor.h"
 #include "krbase/krlogger.h"
 #include "threadrefusal.h"
 
 #include <algorithm>
 #include <future>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace krcamerabridge {
 namespace {
@@ -338,6 +342,21 @@ TEST_F(CLProtocolTest, PendingWrite_OfADriverThatDoesNotWait_IsContinuedAHundred
   EXPECT_TRUE(
       krtest::Await([&] { return impatient.Read(kContinued, &continued, sizeof continued, kGenerousMs).IsOK(); }));
   EXPECT_LE(continued, 21u);
+}
+
+// Of a library that opened it without a thought of other processes.
+TEST_F(CLProtocolTest, ADriver_HasNoDescriptorOfTheApplications) {
+  constexpr int kInherited = 200;
+  folder.Install("libshow-clpInitLib.so");
+  KrLogCapture log;
+  const krbase::FileDescriptor opened(::fcntl(STDIN_FILENO, F_DUPFD, kInherited));
+  ASSERT_TRUE(opened.IsOpen());
+
+  EXPECT_TRUE(Connect(port, "libshow-clpInitLib.so").IsOK());
+
+  const std::string said = "The CL Protocol driver libshow-clpInitLib.so prints: the driver has descriptor ";
+  EXPECT_TRUE(log.Contains(KrLogLevel::Warning, said + "3")) << "its socket";
+  EXPECT_FALSE(log.Contains(KrLogLevel::Warning, said + std::to_string(opened.Get())));
 }
 
 } // namespace

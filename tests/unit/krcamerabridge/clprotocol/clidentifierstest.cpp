@@ -32,6 +32,14 @@ TEST(CLFullID, WhatIsNone_IsRefused) {
     EXPECT_FALSE(ParseCLFullID(text)) << text;
 }
 
+TEST(CLFullID, NamesOfMoreThanAThousandBytes_AreRefused) {
+  const std::string most(1000, 'x');
+
+  EXPECT_TRUE(ParseCLFullID("/opt#libmaker.so#" + most));
+  EXPECT_FALSE(ParseCLFullID("/opt#libmaker.so#" + most + "x"));
+  EXPECT_FALSE(IsCLShortID(most.substr(0, 500) + "#" + most.substr(0, 500)));
+}
+
 TEST(CLTemplate, Matches_WholeNamesAlone) {
   EXPECT_TRUE(MatchesCLTemplate("Maker#Family#Model", "Maker"));
   EXPECT_TRUE(MatchesCLTemplate("Maker#Family#Model", "Maker#Family"));

@@ -46,6 +46,7 @@ TEST(DriverWire, WhatASideMayNotSend_BreaksIt) {
       {"an answer of the application", WireSide::Application, MakeHeader(WireKind::Answer, 0, 0)},
       {"too long a text", WireSide::Driver, MakeHeader(WireKind::Log, 0, kWireMaxText + 1)},
       {"too long an answer", WireSide::Driver, MakeHeader(WireKind::Answer, 0, UINT32_MAX)},
+      {"a description of a byte too much", WireSide::Driver, MakeHeader(WireKind::Answer, 0, (64U << 20U) + 2)},
       {"too much of the line", WireSide::Driver, MakeHeader(WireKind::LineRead, kWireMaxAccess + 1, 0)},
       {"bytes where there are none", WireSide::Application, MakeHeader(WireKind::Disconnect, 0, 1)},
   };

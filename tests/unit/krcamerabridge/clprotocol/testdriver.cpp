@@ -1,10 +1,11 @@
 // A CL Protocol driver for the test's camera (testcamera.h), which misbehaves as its file's name says:
-// lib<what>-<function>.so, where what is hang, crash, exit, throw, spawn, slow, lie or greedy; any other name behaves
-// well. Compiled with KR_TEST_DRIVER_1_0 it has none of the functions that came later.
+// lib<what>-<function>.so, where what is hang, crash, exit, throw, spawn, slow, lie, loud, show or greedy; any other
+// name behaves well. Compiled with KR_TEST_DRIVER_1_0 it has none of the functions that came later.
 
 #include "clprotocol/clprotocolapi.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,6 +31,7 @@ constexpr CLINT64 kForgetful = 0xFFFF0020;
 constexpr CLINT64 kSlow = 0xFFFF0030;      // Is pending as often as is written to it.
 constexpr CLINT64 kCancelled = 0xFFFF0040; // How often a pending write was cancelled.
 constexpr unsigned kSlowUs = 700000;
+constexpr int kMostDescriptors = 1024;     // Of which one is looked for.
 constexpr CLINT64 kContinued = 0xFFFF0060; // How often a pending write was continued.
 constexpr CLINT64 kChildID = 0xFFFF0050;   // The number of the process that the driver has started.
 
@@ -277,6 +279,9 @@ KR_CLP_FUNCTION clpInitLib(CLLogger aLogger, CLUINT32) {
     for (int i = 0; i < 10000; ++i)
       std::fprintf(stderr, "the driver prints line %d of what nobody wants to read\n", i);
   }
+  for (int descriptor = 0; Does("show", "clpInitLib") && descriptor < kMostDescriptors; ++descriptor)
+    if (fcntl(descriptor, F_GETFD) >= 0)
+      std::fprintf(stderr, "the driver has descriptor %d\n", descriptor);
   return CL_ERR_NO_ERR;
 }
 

@@ -379,6 +379,25 @@ TEST(Description_, Text_OfMoreTagsThanAnyCameraHas_IsRefused) {
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("larger than what any camera should need"));
 }
 
+// The parser takes as much for an attribute, and where none is a sign is enough to be counted as one.
+TEST(Description_, Text_OfMoreAttributesThanAnyCameraHas_IsRefused) {
+  constexpr std::size_t kMost = std::size_t{1} << 22;
+  Description description;
+  const auto read = [&description](std::size_t aSigns) {
+    const std::string around = WrapNodes("<Integer Name='A'><Description></Description></Integer>");
+    const auto before = static_cast<std::size_t>(std::ranges::count(around, '='));
+    return TryToRead(
+        WrapNodes("<Integer Name='A'><Description>" + Repeat("=", aSigns - before) + "</Description></Integer>"),
+        description);
+  };
+
+  EXPECT_TRUE(read(kMost).IsOK());
+  const KrResult result = read(kMost + 1);
+
+  EXPECT_EQ(result, KrResult::Code::BadData);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("larger than what any camera should need"));
+}
+
 TEST(Description_, Moved_KeepsItsTexts) {
   Description first = ReadNodes("<Integer Name='A'><Value>1</Value></Integer>");
 

@@ -204,6 +204,19 @@ TEST(KrGenDescription_, GigEDevice_ThatNamesNothingUsable_SaysWhyOfEachPlace) {
   EXPECT_EQ(device.description.GetText(), "");
 }
 
+TEST(KrGenDescription_, GigEDevice_OfMoreThan63Entries_IsRefused) {
+  Device device;
+  device.WriteNumber(0x934, 4, std::uint64_t{1} << 26, true);
+  for (const auto& [count, isTooMany] : {std::pair(63U, false), std::pair(64U, true)}) {
+    device.WriteNumber(0x9000, 4, count, true);
+
+    const KrResult result = device.ReadGigE();
+
+    EXPECT_EQ(result, KrResult::Code::BadData);
+    EXPECT_EQ(result.GetDescription().ToUtf8().find("says that it has 64 entries") != std::string::npos, isTooMany);
+  }
+}
+
 TEST(KrGenDescription_, GigEDevice_WithAManifest_GivesWhatItNamesAsALastResort) {
   const struct {
     const char* name;

@@ -150,3 +150,27 @@ TEST_F(FeatureTreeTest, GetPaths_CategoriesThatDoubleAtEachLevel_KeepAFewPlacesA
   EXPECT_LE(GetPaths("Deepest").size(), FeatureTree::kMostPlacesOfOne);
   EXPECT_EQ(mTree.GetFaults().size(), 1u);
 }
+
+TEST_F(FeatureTreeTest, GetPaths_OfManyFeaturesInManyCategories_AreKeptUpToTheMostOfAll) {
+  constexpr std::size_t kCategories = FeatureTree::kMostPlacesOfOne;
+  constexpr std::size_t kFeatures = FeatureTree::kMostPlaces / kCategories + 10;
+  std::vector<std::string> features;
+  std::vector<std::string> categories;
+  std::string nodes;
+  for (std::size_t i = 0; i < kFeatures; ++i)
+    nodes += MakeFeature(features.emplace_back("F" + std::to_string(i)));
+  for (std::size_t i = 0; i < kCategories; ++i)
+    nodes += MakeCategory(categories.emplace_back("C" + std::to_string(i)), features);
+
+  Take(nodes + MakeCategory("Root", categories));
+
+  std::size_t places = 1; // The root's.
+  for (const auto& names : {features, categories})
+    for (const std::string& name : names)
+      places += GetPaths(name.c_str()).size();
+  EXPECT_EQ(GetFeatures().size(), kFeatures);
+  // Each category has its first place in any case.
+  EXPECT_THAT(places, testing::AllOf(testing::Ge(FeatureTree::kMostPlaces),
+                                     testing::Le(FeatureTree::kMostPlaces + kCategories)));
+  EXPECT_EQ(mTree.GetFaults().size(), 1u);
+}
