@@ -39,6 +39,7 @@ if(KRGUI_SANITIZE)
   if(KRGUI_SANITIZE MATCHES "thread")
     # GCC warns that fences are not modelled; the fences meant are inside the standard library's headers.
     target_compile_options(kr_options INTERFACE -Wno-tsan)
+    add_library(kr_tsan_clone OBJECT cmake/tsanclone.cpp)
   endif()
 endif()
 

@@ -56,6 +56,9 @@ endfunction()
 function(kr_add_executable aName)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS")
   add_executable(${aName} ${arg_SOURCES})
+  if(KRGUI_SANITIZE MATCHES "thread")
+    target_sources(${aName} PRIVATE $<TARGET_OBJECTS:kr_tsan_clone>)
+  endif()
   target_link_libraries(${aName} PRIVATE ${arg_DEPENDS} kr_options)
   target_include_directories(${aName} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
 endfunction()
@@ -126,8 +129,7 @@ endif()
 # that the kind's programs need; a display and a network stand in the command.
 # The kinds that load GLib, Aravis, X11 or fonts run the sanitizers with suppressions for those libraries; the others with
 # none. Qt's threads synchronise in code that is not instrumented, so the thread sanitizer is told in tests with windows to
-# judge only what happens in ours; and to let a process that a test forks off have threads, as a client of the X server
-# does.
+# judge only what happens in ours.
 function(kr_add_test_run aName)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "COMMAND;ENVIRONMENT")
   string(REGEX MATCH "^[^.]+" kind "${aName}")
@@ -142,7 +144,7 @@ function(kr_add_test_run aName)
   if(kind MATCHES "^(widget|x11|integration|camera)$")
     list(APPEND environment
       "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/suppressions/lsan.supp:print_suppressions=0"
-      "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/suppressions/tsan.supp:ignore_noninstrumented_modules=1:die_after_fork=0")
+      "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/suppressions/tsan.supp:ignore_noninstrumented_modules=1")
   endif()
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 900)

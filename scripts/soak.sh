@@ -23,7 +23,7 @@ scripts/setup.sh
 scripts/build.sh "$preset" "${name}soak"
 suppressions=$PWD/tests/suppressions
 export LSAN_OPTIONS="suppressions=$suppressions/lsan.supp:print_suppressions=0"
-export TSAN_OPTIONS="suppressions=$suppressions/tsan.supp:ignore_noninstrumented_modules=1:die_after_fork=0"
+export TSAN_OPTIONS="suppressions=$suppressions/tsan.supp:ignore_noninstrumented_modules=1"
 export UBSAN_OPTIONS=print_stacktrace=1
 options=(--minutes "$minutes")
 if [ "$name" = whole ] && [ -n "${SOAK_SEED:-}" ]; then

@@ -147,7 +147,7 @@ void CloseTopWindow() {
 } // namespace
 
 void UserHands::Glance(const std::function<void()>& aLook) const {
-  QMetaObject::invokeMethod(qApp, aLook, Qt::BlockingQueuedConnection);
+  mWindows.Ask(aLook);
 }
 
 bool UserHands::Await(const QString& aWhat, const std::function<bool()>& aCondition, int aLimitMs) const {
@@ -326,15 +326,16 @@ void UserHands::ClickAt(const QPoint& aScreenPoint, const QStringList& aClicks) 
 void RunWithUser(const std::function<void()>& aShow, const std::function<void(UserHands&)>& aScript) {
   std::atomic<bool> isClosed = false;
   QEventLoop afterwards;
+  krtest::WindowCalls windows;
   std::thread user([&] {
-    UserHands hands;
+    UserHands hands(windows);
     aScript(hands);
     hands.Await("all windows closed", [&] {
       if (!isClosed)
         CloseTopWindow();
       return isClosed.load();
     });
-    QMetaObject::invokeMethod(&afterwards, &QEventLoop::quit, Qt::QueuedConnection);
+    windows.Post([&] { afterwards.quit(); });
   });
   aShow();
   isClosed = true;

@@ -2,6 +2,8 @@
 // A user at the screen, on a thread of his own: looks at the windows and works with the X server's mouse and keyboard
 // (xdotool), so that dialogs may open dialogs while he goes on. What he does is a test's script.
 
+#include "windowcalls.h"
+
 #include <QPoint>
 #include <QString>
 #include <QStringList>
@@ -23,6 +25,9 @@ class UserHands {
 public:
   /// How long anything is waited for; what takes longer fails the test.
   static constexpr int kLimitMs = 60000;
+
+  /// What it is given must outlive it.
+  explicit UserHands(krtest::WindowCalls& aWindows) : mWindows(aWindows) {}
 
   /// Waits for a condition, which is looked at on the user-interface thread. False, and a failed test, past the limit.
   bool Await(const QString& aWhat, const std::function<bool()>& aCondition, int aLimitMs = kLimitMs) const;
@@ -70,6 +75,8 @@ private:
   QPoint FindPoint(const QString& aTitle, int aControl,
                    const std::function<QPoint(const QWidget& aControl)>& aChoose) const;
   void ClickAt(const QPoint& aScreenPoint, const QStringList& aClicks) const;
+
+  krtest::WindowCalls& mWindows;
 };
 
 /// Shows a window in a loop of its own, which blocks, and runs the script meanwhile. Returns when both have ended;

@@ -4,6 +4,7 @@
 
 #include "faultlab.h"
 #include "testclocks.h"
+#include "windowcalls.h"
 #include "windowwait.h"
 
 #include <QAbstractButton>
@@ -146,13 +147,12 @@ private:
       result = aUse(*device);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << mSteps.Describe();
     mSteps.SetCounting(false);
-    QCoreApplication::sendPostedEvents(&mHand); // Closing that came too late is not the next use's.
+    QCoreApplication::sendPostedEvents(&mCalls); // Closing that came too late is not the next use's.
     return result;
   }
   // The step may be on any thread; the window is closed as its application would, from its loop.
   void CloseSoon() {
-    QMetaObject::invokeMethod(
-        &mHand, [this] { (void)mWindow->Close(); }, Qt::QueuedConnection); // It may be closed already.
+    mCalls.Post([this] { (void)mWindow->Close(); }); // It may be closed already.
   }
   void AnswerBox() {
     QWidget* const box = QApplication::activeModalWidget();
@@ -164,6 +164,7 @@ private:
   }
 
   QTimer mHand;
+  WindowCalls mCalls;
   std::string mSaid;
 };
 
