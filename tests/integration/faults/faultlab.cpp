@@ -27,11 +27,11 @@ std::vector<std::uint64_t> ChooseSteps(std::uint64_t aCount, std::uint64_t aMost
   return steps;
 }
 
+} // namespace
+
 bool IsForGood(DeviceFault aFault) {
   return aFault == DeviceFault::Vanishes || aFault == DeviceFault::LosesPower || aFault == DeviceFault::StaysSilent;
 }
-
-} // namespace
 
 bool AwaitTrue(const std::function<bool()>& aCondition) {
   const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -136,11 +136,6 @@ void FaultLab::TryAtEachStep(const StepFault& aFault, const Use& aUse, std::uint
     failedUses += hurt.IsOK() ? 0 : 1;
     // What came with the last step may have come before the fault.
     const bool mustFail = aIsForGood && mSteps.HasFailed() && step + 1 < usedCount;
-    if (!hurt.IsOK())
-      fprintf(stderr, "SAID %s.%s | %s | %s\n",
-              testing::UnitTest::GetInstance()->current_test_info()->test_suite_name(),
-              testing::UnitTest::GetInstance()->current_test_info()->name(), mSteps.Describe().c_str(),
-              hurt.GetDescription().CStr());
     if (mustFail || !hurt.IsOK()) {
       EXPECT_TRUE(SaysWhatHappened(hurt, mNames, mAdvice)) << where;
     }

@@ -36,6 +36,9 @@ enum class DeviceFault {
   Refuses,     ///< Once it says no.
 };
 
+/// Whether the device does not come back by itself.
+bool IsForGood(DeviceFault aFault);
+
 struct DeviceFaultRow {
   const char* name;
   DeviceFault fault;

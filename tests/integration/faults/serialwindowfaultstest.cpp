@@ -24,8 +24,18 @@ namespace krtest {
 
 namespace {
 
+// Of a line, silence is no failure.
+bool IsToldByALine(const WindowFaultRow& aRow) {
+  return aRow.fault != DeviceFault::StaysSilent;
+}
+
 class FaultyTerminal : public WindowCase<KrSerialTerminalWnd> {
 protected:
+  FaultyTerminal() {
+    if (!GetParam().closesWindow)
+      mNames.push_back("Connection lost"); // Said of the device in the window's title.
+    mAdvice.clear();
+  }
   std::u16string GetTranscript() const {
     const auto* const transcript = IsOpen() ? mWindow->GetWidget()->findChild<krgui::RollingEdit*>() : nullptr;
     return transcript ? std::u16string(transcript->GetText()) : std::u16string();
@@ -52,11 +62,13 @@ protected:
     // A file takes a second, so that not each fault is tried with one; closing while one is sent is
     // terminalendingtest's.
     const bool isFileSent = !GetParam().closesWindow && GetParam().fault == DeviceFault::Vanishes;
-    if (!mIsDone || !isFileSent)
-      return;
-    Find<QLineEdit>(id::kFile)->setText(QString::fromStdString(mFile));
-    mIsDone = Click(id::kSendFile) &&
-              Await([this] { return Find<QAbstractButton>(krgui::terminalid::kSendFile)->isEnabled(); });
+    if (mIsDone && isFileSent) {
+      Find<QLineEdit>(id::kFile)->setText(QString::fromStdString(mFile));
+      mIsDone = Click(id::kSendFile) &&
+                Await([this] { return Find<QAbstractButton>(krgui::terminalid::kSendFile)->isEnabled(); });
+    }
+    if (IsToldByALine(GetParam()))
+      AwaitLossTold();
   }
   // A message that the line refused is not answered, and the user sends it again.
   void AskAgain() {
@@ -108,7 +120,9 @@ protected:
       }
       return received.find("Simulated Instrument,") != std::string::npos;
     });
-    if (mIsDone)
+    if (IsToldByALine(GetParam()))
+      AwaitLossTold();
+    if (mIsDone && CanGoOn())
       Click(id::kNone);
   }
   std::string FindTrouble() const override {
@@ -138,9 +152,17 @@ class FaultyCameraBridges : public WindowCase<KrCameraBridgeManagerWnd> {
 protected:
   FaultyCameraBridges() : WindowCase(MakeFaultyGrabberLab()) {}
 
-  bool HasParameters() const {
-    const auto* const grid = IsOpen() ? mWindow->GetWidget()->findChild<krgui::PropertiesGrid*>() : nullptr;
-    return grid && grid->model()->rowCount() > 0;
+  const krgui::PropertiesGrid* GetGrid() const {
+    return IsOpen() ? mWindow->GetWidget()->findChild<krgui::PropertiesGrid*>() : nullptr;
+  }
+  bool HasParameters() const { return GetGrid() && GetGrid()->model()->rowCount() > 0; }
+  // What a row of the camera's parameters says of a failure.
+  std::string FindTrouble() const override {
+    if (GetGrid())
+      for (const auto& feature : GetGrid()->GetTree().GetFeatures())
+        if (!feature->GetError().IsEmpty())
+          return feature->GetError().ToUtf8();
+    return {};
   }
   // Connects the camera behind the first port, and looks at its parameters.
   void Connect() {

@@ -43,7 +43,10 @@ protected:
       : FaultLab(std::make_shared<JumpingClock>(), aLab) {
     QObject::connect(&mHand, &QTimer::timeout, &mHand, [this] { AnswerBox(); });
     mHand.start(1);
-    mNames.clear(); // What its window says stands in the window of that device.
+    if (GetParam().closesWindow)
+      mNames.clear(); // What ends the use is no failure of the device.
+    else
+      mAdvice = kDeviceAdvice;
   }
   ~WindowCase() override {
     mWindow.reset();
@@ -88,6 +91,13 @@ protected:
     });
     EXPECT_TRUE(isOver) << "neither did it go on nor say why; " << mSteps.Describe();
     return isTrue;
+  }
+  /// Whether the device went for good, which its window has to tell of.
+  bool IsDeviceGone() const { return !GetParam().closesWindow && IsForGood(GetParam().fault) && mSteps.HasFailed(); }
+  /// Waits until the window tells that its device is gone, where that is so.
+  void AwaitLossTold() {
+    if (IsDeviceGone())
+      Await([] { return false; });
   }
   bool CanGoOn() const { return IsOpen() && mSaid.empty(); }
   /// What the window told of a failure, or that it was closed.
@@ -159,7 +169,7 @@ private:
     const auto* const text = box && box->isVisible() ? box->findChild<QLabel*>(QStringLiteral("text")) : nullptr;
     if (!text)
       return;
-    mSaid = (box->windowTitle() + ": " + text->text()).toStdString();
+    mSaid = (box->windowTitle() + ": " + box->accessibleDescription()).toStdString(); // Text and detail.
     QTest::keyClick(box, Qt::Key_Escape);
   }
 
