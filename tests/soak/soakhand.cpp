@@ -224,8 +224,8 @@ void SoakHand::SaveBridges() {
 }
 
 void SoakHand::LoseCamera() {
-  mRecords.SetCameraInTrouble(true);
   const SoakStation::Camera camera = SoakStation::kCameras[static_cast<std::size_t>(mDice.Draw(0, 2))];
+  mRecords.BeginTrouble(mStation.GetCamera(camera).GetName());
   KrSimulatedFaults& faults = mStation.GetCamera(camera).GetFaults();
   if (mDice.HasLuck(2))
     faults.Disappear();
@@ -238,17 +238,17 @@ void SoakHand::LoseCamera() {
   Linger(100);
   faults.Return();
   mStation.TakeIn(camera);
-  mRecords.SetCameraInTrouble(false);
+  mRecords.EndTrouble();
 }
 
 /// For a while no register answers.
 void SoakHand::SilenceCamera() {
-  mRecords.SetCameraInTrouble(true);
   LabCamera& camera = mStation.GetCamera(SoakStation::kCameras[static_cast<std::size_t>(mDice.Draw(0, 2))]);
+  mRecords.BeginTrouble(camera.GetName());
   camera.FallSilent();
   Linger(300);
   if (mDice.HasLuck(2))
     ReopenWindow();
   camera.Answer();
-  mRecords.SetCameraInTrouble(false);
+  mRecords.EndTrouble();
 }

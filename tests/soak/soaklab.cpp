@@ -4,6 +4,8 @@
 #include "krtransport/krtransport.h"
 #include "scene.h"
 
+#include <stdexcept>
+
 void InstallSoakLab() {
   scene::Require(
       KrInstallTransports({.gigEVision = false, .usb3Vision = false, .simulation = true, .labFile = KR_SOAK_LAB}));
@@ -18,6 +20,7 @@ void LabCamera::Open() {
   const KrDeviceInfo* info = nullptr;
   scene::Await("camera", [&] { return system.FindDevice(mAddress, &info).IsOK(); });
   scene::Require(KrDevice::Open(*info, KrDeviceAccess::Control, mDevice));
+  mName = (info->GetModelName() + " " + info->GetSerialNumber()).ToUtf8();
   mAdapter = std::make_unique<KrDeviceAdapter>(*mDevice);
 }
 
@@ -34,14 +37,22 @@ KrGenParameterArray& LabCamera::GetParameters() {
 }
 
 void LabCamera::FallSilent() {
+  mWidthBefore = AskWidth();
   mWasSilent = true;
   mFaults->SilenceRegisters();
 }
 
 void LabCamera::Answer() {
   mFaults->EndRegisterFaults();
+  if (AskWidth() != mWidthBefore)
+    throw std::runtime_error("A camera that was silent has another width than before.");
+}
+
+// Asks the camera itself, until it answers.
+KrString LabCamera::AskWidth() {
   KrGenParameterArray& array = GetParameters();
   KrString text;
-  scene::Await("answer of a camera that was silent",
+  scene::Await("answer of a camera",
                [&] { return array.Invalidate("Width").IsOK() && array.Get("Width")->ToString(text).IsOK(); });
+  return text;
 }

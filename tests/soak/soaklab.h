@@ -6,6 +6,7 @@
 #include "krtransport/krsimulatedfaults.h"
 
 #include <memory>
+#include <string>
 
 /// Installs the lab (soaklab.yaml) for the process.
 void InstallSoakLab();
@@ -21,12 +22,14 @@ public:
   void Open();
   void Close();
   bool IsOpen() const { return mDevice != nullptr; }
+  /// By which texts of failures name it; empty until it was opened once.
+  const std::string& GetName() const { return mName; }
 
   KrDevice& GetDevice() { return *mDevice; }
   KrDeviceAdapter& GetAdapter() { return *mAdapter; }
   KrGenParameterArray& GetParameters();
   KrSimulatedFaults& GetFaults() { return *mFaults; }
-  /// No register answers any more; all do again, and the camera has said so.
+  /// No register answers any more; all do again, and the camera has said so, by the value that it had before.
   void FallSilent();
   void Answer();
   /// Whether it was silent since it was opened: its link then has a thread more, which asks whether it answers again.
@@ -37,7 +40,11 @@ private:
   std::shared_ptr<KrSimulatedFaults> mFaults;
   std::unique_ptr<KrDevice> mDevice;
   std::unique_ptr<KrDeviceAdapter> mAdapter;
+  KrString AskWidth();
+
+  std::string mName;
   bool mWasSilent = false;
+  KrString mWidthBefore;
 };
 
 namespace soaklab {

@@ -5,22 +5,18 @@
 #include <QMessageLogContext>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
+#include <string>
 #include <string_view>
 
 namespace {
 
-/// What is written where a camera has gone or does not answer, and where the bars' thumbs are moved alone, to a place
-/// that was one a moment ago.
-constexpr std::array<std::string_view, 2> kExpected = {"Polling the device failed and is tried again",
-                                                       "Coordinates out of bounds"};
-
-bool IsExpected(const KrLogRecord& aRecord) {
-  const std::string text = aRecord.text.ToUtf8();
-  return aRecord.level < KrLogLevel::Warning ||
-         std::ranges::any_of(kExpected, [&](std::string_view aPart) { return text.find(aPart) != text.npos; });
-}
+/// What a browser writes whose camera has gone or does not answer.
+constexpr std::string_view kPollingFailed = "Polling the device failed and is tried again";
+/// Of silence, which names no camera.
+constexpr std::string_view kSilent = "did not answer";
+/// What a display writes where the bars' thumbs are moved alone, to a place that was one a moment ago.
+constexpr std::string_view kOutOfBounds = "Coordinates out of bounds";
 
 /// The toolkit's warnings are records, too.
 void TakeToolkitMessage(QtMsgType aType, const QMessageLogContext&, const QString& aText) {
@@ -40,6 +36,20 @@ SoakRecords::~SoakRecords() {
   qInstallMessageHandler(nullptr);
 }
 
+void SoakRecords::BeginTrouble(const std::string& aCamera) {
+  mIsCameraInTrouble = true;
+  mTroubled.insert(aCamera);
+}
+
+bool SoakRecords::IsExpected(const KrLogRecord& aRecord) const {
+  const std::string text = aRecord.text.ToUtf8();
+  if (aRecord.level < KrLogLevel::Warning || text.starts_with(kOutOfBounds))
+    return true;
+  const auto isSaid = [&](std::string_view aPart) { return text.find(aPart) != text.npos; };
+  return text.starts_with(kPollingFailed) &&
+         (std::ranges::any_of(mTroubled, isSaid) || (!mTroubled.empty() && isSaid(kSilent)));
+}
+
 void SoakRecords::Take() {
   for (const KrLogRecord& record : mCapture.GetRecords()) {
     if (IsExpected(record)) {
@@ -50,6 +60,7 @@ void SoakRecords::Take() {
     std::printf("unexpected: [%s] %s: %s\n", record.channel.CStr(), record.function.CStr(), record.text.CStr());
   }
   mCapture.Clear();
+  mTroubled.clear();
 }
 
 /// Dialogs that wait for a camera end by themselves.

@@ -6,6 +6,9 @@
 
 #include <QTimer>
 
+#include <set>
+#include <string>
+
 /// Collects records while it lives, and closes message boxes as a user does.
 ///
 /// Thread: the user interface's; records of all threads.
@@ -16,9 +19,12 @@ public:
   SoakRecords(const SoakRecords&) = delete;
   SoakRecords& operator=(const SoakRecords&) = delete;
 
-  /// Whether a camera is away or silent, so that message boxes may say so.
-  void SetCameraInTrouble(bool aIsSo) { mIsCameraInTrouble = aIsSo; }
-  /// Looks at the records since the last call and forgets them; prints those that are not expected.
+  /// A camera is away or silent: until the trouble ends message boxes may say so, until the next Take records that name
+  /// the camera, or say that one is silent.
+  void BeginTrouble(const std::string& aCamera);
+  void EndTrouble() { mIsCameraInTrouble = false; }
+  /// Looks at the records since the last call and forgets them; prints those that are not expected. Nothing is in
+  /// trouble.
   void Take();
   int GetUnexpected() const { return mUnexpected; }
   int GetExpected() const { return mExpected; }
@@ -26,10 +32,12 @@ public:
 
 private:
   void AnswerBox();
+  bool IsExpected(const KrLogRecord& aRecord) const;
 
   KrLogCapture mCapture;
   QTimer mAnswering;
   bool mIsCameraInTrouble = false;
+  std::set<std::string> mTroubled;
   int mExpected = 0;
   int mUnexpected = 0;
   int mBoxes = 0;
