@@ -16,7 +16,7 @@ peers=(
   gstreamer1.0-plugins-bad gstreamer1.0-x gstreamer1.0-gtk3
 )
 scripts/setup.sh "${peers[@]}"
-scripts/build.sh release
+scripts/build.sh release benchmarks/all
 found=0
 failed=()
 for program in build/release/benchmarks/bench_*; do

@@ -63,10 +63,23 @@ TEST(FigureTables, LinesOfNoNamedBenchmark_AreATableWithoutAName) {
 TEST(FigureTables, EachBenchmark_HasATable) {
   const std::string line = FormatLine({"a", 1, "ms"}) + "\n";
 
-  const Outcome outcome = MakeTables("# one\n" + line + "# krviewer: what a turn came to\n" + line + "# two\n" + line);
+  const std::string other = FormatLine({"b", 2, "ms"}) + "\n";
+
+  const Outcome outcome = MakeTables("# one\n" + line + "# krviewer: what a turn came to\n" + other + "# two\n" + line);
 
   const std::string row = "| a | 1 ms |  |  |  |  |\n";
-  EXPECT_EQ(outcome.output, "`one`:\n\n" + (kHeader + row) + row + "\n`two`:\n\n" + kHeader + row);
+  EXPECT_EQ(outcome.output,
+            "`one`:\n\n" + (kHeader + row) + "| b | 2 ms |  |  |  |  |\n" + "\n`two`:\n\n" + kHeader + row);
+}
+
+TEST(FigureTables, AFigureWithSeveralPeers_IsOneRow_InWhichTheyFollowOneAnother) {
+  const Outcome outcome = MakeTables(FormatLine({"a", 4, "ms", Peer{"plain", 8}}) + "\n" + FormatLine({"b", 1, "ms"}) +
+                                     "\n" + FormatLine({"a", 4, "ms", Peer{"other", 8}}) + "\n" +
+                                     FormatLine({"a", 5, "ms", Peer{"third", 2}, Limit{"wish", 10}}) + "\n");
+
+  EXPECT_EQ(outcome.output, std::string(kHeader) +
+                                "| a | 4 ms; 5 ms | 8 ms, plain; 8 ms, other; 2 ms, third | 0.5; 0.5; 2.5 | 10 ms, "
+                                "wish | 0.5 |\n| b | 1 ms |  |  |  |  |\n");
 }
 
 TEST(FigureTables, ALineThatIsCutOff_IsAFailure) {
