@@ -172,6 +172,20 @@ TEST(WndPosition, ClosedBeforeItCameOntoTheScreen_IsTheOneAskedFor) {
   EXPECT_EQ(GetPosition(window), (Position{120, 130, 400, 300}));
 }
 
+TEST(WndPosition, ClosedBeyondItsLimits_IsRememberedWithinThem) {
+  QWidget parent;
+  TestWnd window(kDisplayTraits);
+  ASSERT_TRUE(window.CreateIn(&parent).IsOK());
+  // As the application may have it.
+  window.GetWidget()->setMinimumSize(0, 0);
+  window.GetWidget()->setGeometry(40, 50, 10, 12);
+  ASSERT_EQ(GetPosition(window), (Position{40, 50, 10, 12})) << "an open window has the size that it has";
+
+  ASSERT_TRUE(window.Close().IsOK());
+
+  EXPECT_EQ(GetPosition(window), (Position{40, 50, 30, 20}));
+}
+
 TEST(WndPosition, OfAModalWindow_IsRemembered) {
   TestWnd window;
   window.SetPosition(120, 130, 400, 300);
