@@ -248,6 +248,32 @@ TEST_F(Endings, EnterOutsideAnEmbeddedTerminal_IsNotItsOwn) {
   EXPECT_TRUE(AwaitSent("A\r"));
 }
 
+TEST_F(Endings, EscapeInAModelessWindow_ClosesItAndThePort) {
+  Open();
+  ASSERT_TRUE(mLine->IsOpen());
+
+  QTest::keyClick(mWindow->GetWidget(), Qt::Key_Escape);
+
+  EXPECT_EQ(mWindow->GetWidget(), nullptr);
+  EXPECT_FALSE(mLine->IsOpen());
+}
+
+TEST_F(Endings, EscapeInAnEmbeddedTerminal_DoesNothing) {
+  QWidget host;
+  auto* layout = new QVBoxLayout(&host);
+  ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
+  ASSERT_TRUE(mWindow->CreateIn(&host).IsOK());
+  layout->addWidget(mWindow->GetWidget());
+  host.show();
+  ASSERT_TRUE(krtest::AwaitActive(&host));
+
+  QTest::keyClick(mWindow->GetWidget(), Qt::Key_Escape);
+
+  ASSERT_NE(mWindow->GetWidget(), nullptr);
+  EXPECT_TRUE(mWindow->GetWidget()->isVisible());
+  EXPECT_TRUE(mLine->IsOpen());
+}
+
 TEST_F(Endings, Modal_SendsOnEnterAndEndsByEscapeAsCancelled) {
   ASSERT_TRUE(mWindow->SetDevice(&mDevice).IsOK());
   DuringNextModalLoop([this](QWidget& aDialog) {
