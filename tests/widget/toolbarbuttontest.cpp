@@ -8,6 +8,7 @@
 #include <QAccessible>
 #include <QCursor>
 #include <QImage>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QTest>
 
@@ -217,6 +218,24 @@ TEST_F(ToolBarButtons, MovesOfTheMouse_DoNotRedraw) {
   QApplication::processEvents();
 
   EXPECT_EQ(counter.mCount, 0);
+}
+
+TEST_F(ToolBarButtons, MoveAwayWithTheButtonHeld_DoesNotRedraw) {
+  ToolBarButton& button = Make(kNone);
+  Show();
+  QTest::mousePress(&button, Qt::LeftButton);
+  QApplication::processEvents();
+  PaintCounter counter(button);
+
+  const QPointF outside(100, 60);
+  QMouseEvent move(QEvent::MouseMove, outside, button.mapToGlobal(outside), Qt::NoButton, Qt::LeftButton,
+                   Qt::NoModifier);
+  QApplication::sendEvent(&button, &move);
+  QApplication::processEvents();
+
+  EXPECT_EQ(counter.mCount, 0);
+  EXPECT_TRUE(move.isAccepted()) << "the move is not for the window behind the button";
+  QTest::mouseRelease(&button, Qt::LeftButton, {}, {100, 60});
 }
 
 TEST_F(ToolBarButtons, MouseThatComesAndGoes_ChangesTheTintWhenTheOwnerRedraws) {
