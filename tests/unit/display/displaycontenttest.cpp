@@ -169,6 +169,23 @@ TEST(DisplayContent_Display, SizeThatComesAgainBeforeAPaint_PlacesTheBarsAnew) {
   EXPECT_EQ(display.Paint().bars.horizontal.kind, BarChange::Kind::Place);
 }
 
+TEST(DisplayContent_Display, RefusedImagesOfAnotherSize_LeaveTheNextOneOfTheFormerSizeToBeDrawnAtOnce) {
+  OpenDisplay display;
+  const KrBuffer image = MakeImage(4, 4, KrPixel::Mono8, 1);
+  display.Show(image);
+  display.Paint();
+  const StatedImage withoutSize(8, 2, 0);
+  const StatedImage withoutConversion(8, 2, 16, 0x81080123);
+  const KrLogCapture log;
+  Paint paint = Paint::NotNeeded;
+  ASSERT_FALSE(display.content.Display(&withoutSize, paint).IsOK());
+  ASSERT_FALSE(display.content.Display(&withoutConversion, paint).IsOK());
+
+  EXPECT_EQ(display.Show(image), Paint::NotNeeded);
+
+  EXPECT_EQ(display.target.drawings.size(), 2u);
+}
+
 TEST(DisplayContent_Overlay, TextSetAfterAnImage_IsShownFromTheNextImageOn) {
   OpenDisplay display;
   const KrBuffer buffer = MakeImage(4, 4, KrPixel::Mono8, 1);
@@ -224,6 +241,28 @@ TEST(DisplayContent_Clear, NothingHeld_ClearsThePendingText) {
   content.Clear();
 
   EXPECT_EQ(content.GetPendingText(), KrString());
+}
+
+TEST(DisplayContent_Clear, StyleAndZoom_StayAsTheyAre) {
+  OpenDisplay display;
+  display.content.GetStyle().backgroundColor = 0x102030;
+  display.content.GetStyle().overlayColor = 0x405060;
+  display.content.GetStyle().overlaySize = 33;
+  display.content.GetStyle().overlayOffsetX = 7;
+  display.content.GetStyle().overlayOffsetY = 8;
+  display.Show(MakeImage(400, 300, KrPixel::Mono8, 1));
+  display.content.ChangeView([](ViewGeometry& aView) { aView.ZoomOneToOne(); });
+  display.Paint();
+
+  display.content.Clear();
+
+  EXPECT_EQ(display.content.GetStyle().backgroundColor.load(), 0x102030u);
+  EXPECT_EQ(display.content.GetStyle().overlayColor.load(), 0x405060u);
+  EXPECT_EQ(display.content.GetStyle().overlaySize.load(), 33);
+  EXPECT_EQ(display.content.GetStyle().overlayOffsetX.load(), 7u);
+  EXPECT_EQ(display.content.GetStyle().overlayOffsetY.load(), 8u);
+  const ZoomMode mode = display.content.ChangeView([](ViewGeometry& aView) { return aView.GetZoomMode(); });
+  EXPECT_EQ(mode, ZoomMode::OneToOne);
 }
 
 TEST(DisplayContent_Style, NothingSet_HasTheDefaults) {
