@@ -157,6 +157,17 @@ TEST(ViewGeometry_CentreOn, PointNearTheEdge_IsStoredAsItIsWhileTheBarStops) {
   EXPECT_EQ(view.GetBar(ViewAxis::Horizontal).GetPosition(), 0);
 }
 
+TEST(ViewGeometry_CentreOn, Point_KeepsItsRelativePositionAtTheNextZoom) {
+  ViewGeometry view = MakeOneToOne(320, 240, 640, 480);
+  view.CentreOn({100, 200}); // To 109 of 338 and to 209 of 258.
+  view.ZoomIn(2);
+
+  view.Update(640, 480);
+
+  EXPECT_EQ(view.GetScrollPosition(ViewAxis::Horizontal), 315); // 109 / 338 * 978 = 315.4.
+  EXPECT_EQ(view.GetScrollPosition(ViewAxis::Vertical), 598);   // 209 / 258 * 738 = 597.8, rounded.
+}
+
 TEST(ViewGeometry_CentreOn, BeforeAnyRange_IsForgottenByTheFirst) {
   ViewGeometry view;
   view.SetClient(320, 240, kBar);
@@ -179,6 +190,21 @@ TEST(ViewGeometry_SetBarPosition, InsideTheRange_MovesTheBarAlone) {
   EXPECT_EQ(view.GetBar(ViewAxis::Vertical).GetPosition(), 129);
   view.Update(640, 480);
   EXPECT_EQ(view.GetArea().sourceRect, (PixelRect{169, 129, 471, 351}));
+}
+
+TEST(ViewGeometry_SetBarPosition, InsideTheRange_IsForgottenByTheNextZoom) {
+  ViewGeometry view = MakeOneToOne(320, 240, 640, 480);
+  ASSERT_TRUE(view.SetBarPosition(ViewAxis::Horizontal, 300));
+  ASSERT_TRUE(view.SetBarPosition(ViewAxis::Vertical, 20));
+  view.ZoomIn(2);
+
+  view.Update(640, 480);
+
+  // Still half of the ranges, of 978 and 738.
+  EXPECT_EQ(view.GetScrollPosition(ViewAxis::Horizontal), 489);
+  EXPECT_EQ(view.GetBar(ViewAxis::Horizontal).GetPosition(), 489);
+  EXPECT_EQ(view.GetScrollPosition(ViewAxis::Vertical), 369);
+  EXPECT_EQ(view.GetBar(ViewAxis::Vertical).GetPosition(), 369);
 }
 
 TEST(ViewGeometry_SetBarPosition, OutsideTheRange_ChangesNothing) {
