@@ -341,6 +341,24 @@ TEST_F(Node, FeatureThatBecomesUnreadable_KeepsItsTextAndChangesOnce) {
   EXPECT_FALSE(node->HasChanged());
 }
 
+TEST(NodeLock, FeatureThatBecomesLocked_ChangesOnceThoughItsValueStays) {
+  NodeBench camera("<Integer Name=\"X\"><pIsLocked>Lock</pIsLocked><Value>7</Value></Integer>" +
+                   MakeUncachedRegister("Lock", 0));
+  const auto node = camera.MakeReadNode("X");
+  (void)node->GetValue(true);
+  ASSERT_FALSE(node->HasChanged());
+  camera.Poke(0, {1, 0, 0, 0});
+
+  node->Refresh();
+
+  EXPECT_TRUE(node->HasChanged());
+  EXPECT_EQ(GetText(*node), "7 ");
+  EXPECT_EQ(node->GetAccess(), (AccessFlags{.isReadable = true, .isImplemented = true, .isAvailable = true}));
+  (void)node->GetValue(true);
+  node->Refresh();
+  EXPECT_FALSE(node->HasChanged());
+}
+
 TEST_F(Node, CommandThatRuns_ChangesWhenItIsDone) {
   const auto node = MakeAcknowledgedNode("Run");
   EXPECT_EQ(GetText(*node), "{Command}");
