@@ -248,6 +248,15 @@ TEST_F(FeatureEditing, StepText_WhileTheControlIsHeld_MovesByFourFromTheTenthOn)
   EXPECT_EQ(StepText(mCamera.Node("Width"), text, acceleration, true), KrString("113"));
 }
 
+TEST_F(FeatureEditing, StepText_TextThatIsNoNumber_DoesNotCountAsAStep) {
+  StepAcceleration acceleration;
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(StepText(mCamera.Node("Width"), "wide", acceleration, true), std::nullopt);
+  }
+
+  EXPECT_EQ(StepText(mCamera.Node("Width"), "640", acceleration, true), KrString("641"));
+}
+
 TEST_F(FeatureEditing, StepText_AnyStep_WritesNothing) {
   StepAcceleration acceleration;
 

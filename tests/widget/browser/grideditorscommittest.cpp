@@ -118,6 +118,20 @@ TEST_F(EditorsTest, SelectionChangedBeforeTheWriteWasHandled_StillWritesToTheEdi
   EXPECT_EQ(Integer("OffsetX"), 12);
 }
 
+TEST_F(EditorsTest, AnotherRowSelectedByTheProgram_ClosesTheEditWithoutWriting) {
+  Enter("OffsetX");
+  QTest::keyClicks(NumberBox(), "99");
+
+  grid->Select(Item("BinningHorizontal"));
+  Pump();
+
+  EXPECT_EQ(camera.port.CountWrites(), 0U);
+  EXPECT_EQ(Value("OffsetX"), "0 ");
+  EXPECT_FALSE(grid->HasChanged());
+  ASSERT_NE(NumberBox(), nullptr);
+  EXPECT_EQ(NumberBox()->accessibleName(), "BinningHorizontal");
+}
+
 TEST_F(EditorsTest, Escape_WritesNothingAndShowsTheValueAgain) {
   for (const char* name : {"OffsetX", "DeviceUserID"}) {
     Enter(name);
