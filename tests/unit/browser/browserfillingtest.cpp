@@ -266,6 +266,18 @@ TEST_F(FillingTest, List_FeaturesInCategories_AreSortedByNameWithoutCategories) 
   EXPECT_THAT(mCamera->tree.GetCategories(), IsEmpty());
 }
 
+TEST_F(FillingTest, List_DisplayNamesChosen_IsStillSortedByName) {
+  BrowserOptions options = AsList();
+  options.showsDisplayNames = true;
+
+  Fill(MakeFeature("Width", "<DisplayName>A</DisplayName>") + MakeFeature("Gain", "<DisplayName>Z</DisplayName>") +
+           MakeCategory("Root", {"Width", "Gain"}),
+       options);
+
+  EXPECT_THAT(GetRows(), ElementsAre("Gain", "Width"));
+  EXPECT_THAT(GetFeatureList(), ElementsAre("Gain", "Width"));
+}
+
 TEST_F(FillingTest, Filter_OfTheApplication_DecidesLastButForEntries) {
   std::vector<std::string> asked;
 

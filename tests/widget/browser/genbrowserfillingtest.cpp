@@ -68,6 +68,18 @@ TEST_F(Filling, AnotherArray_FillsAnewAndClearsTheChangedFlag) {
   mWindow.SetGenParameterArray(nullptr);
 }
 
+TEST_F(Filling, AnotherVisibilityOrMode_FillsAnewAndKeepsTheChangedFlag) {
+  Open();
+  mWindow.GetGrid().SetChanged(true);
+
+  mWindow.GetVisibilityList().setCurrentIndex(1);
+  EXPECT_TRUE(mWindow.HasChanged());
+  mWindow.SetRefreshMode(KrGenRefresh::Manual);
+  EXPECT_TRUE(mWindow.HasChanged());
+
+  EXPECT_EQ(mWindow.GetRows(), kExpertRows);
+}
+
 TEST_F(Filling, HundredThousandCategoriesInEachOther_AreShownAsFarAsTreesGo) {
   constexpr int kDepth = 100'000;
   std::string nodes = "<Integer Name=\"Only\"><Value>1</Value></Integer>"
@@ -388,6 +400,33 @@ TEST(PublicBrowser, Setters_AreForwarded) {
   EXPECT_FALSE(other.HasChanged());
   other.ResetChanged();
   other.Refresh();
+}
+
+TEST(PublicBrowser, ChangedFlagAndRefresh_AreForwarded) {
+  DescribedCamera camera(MakeBrowserNodes());
+  KrGenBrowserWnd browser;
+  browser.SetGenParameterArray(camera.array.get());
+  ASSERT_TRUE(browser.SetRefreshMode(KrGenRefresh::Manual).IsOK());
+  ASSERT_TRUE(browser.ShowModeless(0).IsOK());
+  auto* const grid = browser.GetWidget()->findChild<PropertiesGrid*>();
+  ASSERT_NE(grid, nullptr);
+  const auto getWidth = [grid] {
+    for (const auto& feature : grid->GetTree().GetFeatures()) {
+      if (feature->GetName() == "Width")
+        return feature->GetSnapshot().value;
+    }
+    return KrString("There is no row.");
+  };
+
+  grid->SetChanged(true);
+  EXPECT_TRUE(browser.HasChanged());
+  browser.ResetChanged();
+  EXPECT_FALSE(browser.HasChanged());
+
+  EXPECT_EQ(getWidth(), "0 ");
+  camera.Poke(kWidthAddress, {65, 0, 0, 0});
+  browser.Refresh();
+  EXPECT_EQ(getWidth(), "65 ");
 }
 
 } // namespace krgui

@@ -77,6 +77,16 @@ TEST_F(RefreshModes, RefreshButton_InManualMode_ReadsEverythingAnew) {
   EXPECT_EQ(mWindow.GetValue("Width"), "66");
 }
 
+TEST_F(RefreshModes, RefreshByTheProgram_InPollingMode_ReadsWhatIsNotPolled) {
+  Open(KrGenRefresh::Polling);
+  ASSERT_TRUE(AwaitValue("Width", "64"));
+  mCamera.Poke(kWidthAddress, {66, 0, 0, 0});
+
+  mWindow.Refresh();
+
+  EXPECT_EQ(mWindow.GetValue("Width"), "66");
+}
+
 TEST_F(RefreshModes, F5_InManualMode_ReadsEverythingAnew) {
   Open(KrGenRefresh::Manual);
   mCamera.Poke(kWidthAddress, {67, 0, 0, 0});
