@@ -3,6 +3,7 @@
 #include "browser/gridcolours.h"
 #include "browserfixture.h"
 
+#include <QLineEdit>
 #include <QShortcut>
 
 namespace krgui {
@@ -76,6 +77,39 @@ TEST_F(SearchRow, CtrlFInEveryControlThatTakesTheFocus_ShowsIt) {
     Press(Qt::Key_F, Qt::ControlModifier);
     EXPECT_FALSE(IsShown());
   }
+}
+
+TEST_F(SearchRow, CtrlFInAnOpenEditor_ShowsItAndWritesWhatWasTyped) {
+  Open();
+  ASSERT_TRUE(AwaitValue("Width", "0"));
+  mWindow.GetGrid().Select(mWindow.FindRow("Width"));
+  QLineEdit* editor = nullptr;
+  ASSERT_TRUE(WaitFor([&] {
+    editor = mWindow.GetGrid().viewport()->findChild<QLineEdit*>(QStringLiteral("numberEditor"));
+    return editor != nullptr && editor->isVisible();
+  }));
+  editor->setFocus();
+  editor->selectAll();
+  QTest::keyClicks(editor, "3");
+
+  QTest::keyClick(editor, Qt::Key_F, Qt::ControlModifier);
+
+  EXPECT_TRUE(IsShown());
+  EXPECT_TRUE(AwaitValue("Width", "3"));
+  EXPECT_TRUE(mWindow.HasChanged());
+}
+
+TEST_F(SearchRow, CtrlFAgain_ForgetsTextResultAndMark) {
+  OpenWithRow();
+  Type("gain");
+  ASSERT_EQ(mWindow.GetResult(), "Result 1 of 2");
+
+  Press(Qt::Key_F, Qt::ControlModifier);
+
+  EXPECT_FALSE(IsShown());
+  EXPECT_EQ(mWindow.GetSearchBar().GetText(), "");
+  EXPECT_EQ(mWindow.GetResult(), "");
+  EXPECT_FALSE(IsAMatchMarked());
 }
 
 TEST_F(SearchRow, TypedText_SelectsTheFirstMatchAndSaysHowManyThereAre) {

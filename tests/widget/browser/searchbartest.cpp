@@ -206,6 +206,16 @@ TEST_F(SearchBars, EmptiedField_ClearsResultAndHighlight) {
   EXPECT_EQ(GetSelected(), "Width");
 }
 
+TEST_F(SearchBars, EmptiedField_HasNoPreviousEither) {
+  mBar->SetText("gain");
+  mBar->SetText("");
+
+  mBar->MoveToPreviousOccurence();
+
+  EXPECT_EQ(GetResult(), "");
+  EXPECT_EQ(GetSelected(), "Gain");
+}
+
 TEST_F(SearchBars, DisplayNames_AreNotSearchedWithoutABrowser) {
   mBar->SetText("Shown");
 
@@ -239,6 +249,7 @@ TEST_F(SearchBars, Categories_AreNotSearched) {
 }
 
 TEST_F(SearchBars, LongText_IsSearchedByItsFirst255Characters) {
+  static_assert(GenBrowserSearchBar::BUFFER_SIZE == 256);
   const std::string name(255, 'N');
   DescribedCamera camera("<IntReg Name=\"" + name +
                          "\"><Address>0</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>"
