@@ -182,12 +182,12 @@ TEST_F(KrDisplayWndTest, Overlay_ColourAndSizeChanged_ShowAtTheNextDrawing) {
   const QImage plain = plainpicture::Compute(Grab().size(), ToQImage(buffer), Qt::black);
   const QRect small = plainpicture::FindDifference(Grab(), plain);
 
-  mWindow.SetTextOverlayColor(255, 0, 255);
+  mWindow.SetTextOverlayColor(255, 128, 0);
   EXPECT_TRUE(mWindow.SetTextOverlaySize(40).IsOK());
   ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
 
   const QImage picture = Grab();
   EXPECT_GT(plainpicture::FindDifference(picture, plain).height(), small.height() * 3 / 2);
-  EXPECT_GT(plainpicture::Count(picture, picture.rect(), QColor(255, 0, 255)), 0);
+  EXPECT_GT(plainpicture::Count(picture, picture.rect(), QColor(255, 128, 0)), 0);
   EXPECT_EQ(plainpicture::Count(picture, picture.rect(), QColor(0, 255, 0)), 0);
 }
