@@ -206,6 +206,44 @@ TEST_F(DeviceAcceptanceTest, UnreachableCamera_IsRefusedWithTheReasonAndTheFinde
   EXPECT_TRUE(AwaitRounds(0));
 }
 
+TEST_F(DeviceAcceptanceTest, DoubleClick_OnAnUnreachableCameraTellsTheReason) {
+  mTransport->AddDevice("eth0", MakeForeignCamera());
+  Open({"Camera A"});
+  Click(kFinderUnreachableID);
+  ASSERT_TRUE(AwaitItem("Foreign"));
+  ShownMessage message;
+  OnNextDialog([&](QWidget& aDialog) {
+    message = ReadMessage(aDialog);
+    aDialog.close();
+  });
+
+  DoubleClick("Foreign");
+
+  EXPECT_EQ(message, MakeErrorMessage(kSubnetText));
+  EXPECT_TRUE(mFinder.IsOpen());
+}
+
+TEST_F(DeviceAcceptanceTest, UnreachableOlderDevice_IsRefusedForItsSubnetToo) {
+  krsystem::TolvanProtocolFields device = MakeOldDevice();
+  device.configurationValid = false;
+  mTransport->SetDevices({{"eth0", device}});
+  mFinder.GetKinds().tolvanProtocol.selectable = true;
+  Open({});
+  Click(kFinderUnreachableID);
+  ASSERT_TRUE(AwaitItem("Old device"));
+  Select("Old device");
+  ShownMessage message;
+  OnNextDialog([&](QWidget& aDialog) {
+    message = ReadMessage(aDialog);
+    aDialog.close();
+  });
+
+  Click(kFinderOKID);
+
+  EXPECT_EQ(message, MakeErrorMessage(kSubnetText));
+  EXPECT_EQ(mFinder.GetSelected(), nullptr);
+}
+
 TEST_F(DeviceAcceptanceTest, USBCameraOnASlowPort_IsRefusedWithItsLeadingBlank) {
   mTransport->SetDevices({{"usb1", MakeUSBCamera(false)}});
   Open({"USB camera"});
@@ -361,6 +399,24 @@ TEST(KrDeviceFinderWnd, NotShownYet_HasNoDevice) {
   const KrDeviceFinderWnd finder;
 
   EXPECT_EQ(finder.GetSelected(), nullptr);
+}
+
+TEST_F(DeviceFinderTest, NetworkKindsThatTheApplicationDoesNotList_LeaveNeitherAdaptersNorTheirControls) {
+  mTransport->AddInterface(MakeFinderAdapter());
+  mTransport->AddInterface(MakeFinderController());
+  KrDeviceFinderWnd finder;
+  finder.SetGEVEnabled(true, false);
+  finder.SetTolvanProtocolEnabled(true, false);
+
+  ASSERT_TRUE(finder.ShowModeless(0).IsOK());
+
+  const QWidget& window = *finder.GetWidget();
+  const auto* tree = window.findChild<QTreeWidget*>("control1049");
+  ASSERT_TRUE(WaitFor([&] { return tree->topLevelItemCount() == 1; }));
+  EXPECT_EQ(tree->topLevelItem(0)->text(0), "xHCI host controller");
+  EXPECT_FALSE(window.findChild<QWidget*>("control1002")->isVisible());
+  EXPECT_FALSE(window.findChild<QWidget*>("control1040")->isVisible());
+  EXPECT_TRUE(window.findChild<QWidget*>("control1011")->isVisible());
 }
 
 TEST_F(DeviceFinderTest, DerivedOnFound_IsAskedBeforeADeviceIsShown) {

@@ -109,7 +109,13 @@ TEST_F(DeviceAddressTest, MenuWhoseDeviceVanishes_SaysThatItIsNoLongerAvailable)
   EXPECT_EQ(message, MakeErrorMessage("The selected device is no longer available"));
 }
 
-TEST_F(DeviceAddressTest, SetIPAddress_CancelsTheRoundAndOpensTheDialogWithDiscoveryAtRest) {
+class DiscoveryBesideTest : public DeviceAddressTest {
+protected:
+  /// Presses a button in the midst of a round: its dialog opens when that is cancelled, and no other begins beside it.
+  void ExpectDiscoveryAtRest(int aButton, const char* aTitle);
+};
+
+void DiscoveryBesideTest::ExpectDiscoveryAtRest(int aButton, const char* aTitle) {
   Gate gate;
   std::atomic<bool> wasCancelled = false;
   std::atomic<bool> isDialogOpen = false;
@@ -126,7 +132,7 @@ TEST_F(DeviceAddressTest, SetIPAddress_CancelsTheRoundAndOpensTheDialogWithDisco
   ASSERT_TRUE(gate.AwaitReached());
   OnNextDialog([&](QWidget& aDialog) {
     isDialogOpen = true;
-    EXPECT_EQ(aDialog.windowTitle(), "Set IP Address");
+    EXPECT_EQ(aDialog.windowTitle(), aTitle);
     EXPECT_TRUE(wasCancelled);
     // A round that came next would come without a rest, and not be held any more.
     gate.Open();
@@ -135,12 +141,39 @@ TEST_F(DeviceAddressTest, SetIPAddress_CancelsTheRoundAndOpensTheDialogWithDisco
     isDialogOpen = false;
   });
 
-  Click(kFinderSetIPID);
+  Click(aButton);
 
   EXPECT_EQ(mDialogCount, 1);
   EXPECT_EQ(begunBesideDialog, 0);
   EXPECT_TRUE(AwaitRounds(0));
   EXPECT_TRUE(mFinder.IsOpen());
+  EXPECT_TRUE(mFinder.Close().IsOK()) << "nobody may come to the gate any more when it ends";
+}
+
+TEST_F(DiscoveryBesideTest, SetIPAddress_CancelsTheRoundAndOpensTheDialogWithDiscoveryAtRest) {
+  ExpectDiscoveryAtRest(kFinderSetIPID, "Set IP Address");
+}
+
+TEST_F(DiscoveryBesideTest, SelectFromIP_CancelsTheRoundAndOpensTheDialogWithDiscoveryAtRest) {
+  ExpectDiscoveryAtRest(kFinderSelectFromIPID, "Select From IP Address");
+}
+
+TEST_F(DeviceAddressTest, SetIPAddress_OnASelectableOlderDevice_IsForThatOne) {
+  mFinder.GetKinds().tolvanProtocol.selectable = true;
+  Open({"Camera A", "Old device"});
+  Select("Old device");
+  QString mac;
+  OnNextDialog([&](QWidget& aDialog) {
+    EXPECT_EQ(aDialog.windowTitle(), "Set IP Address");
+    if (const auto* edit = aDialog.findChild<QLineEdit*>("control1045"))
+      mac = edit->text();
+    aDialog.close();
+  });
+
+  Click(kFinderSetIPID);
+
+  EXPECT_EQ(mDialogCount, 1);
+  EXPECT_EQ(mac, "00:11:22:33:44:0d");
 }
 
 TEST_F(DeviceAddressTest, LongDialog_DoesNotMakeDevicesVanishThatCouldNotBeHeardMeanwhile) {
@@ -174,6 +207,26 @@ TEST_F(DeviceAddressTest, SelectFromIP_GivesTheDeviceThatAnswersThere) {
 
   ASSERT_NE(mFinder.GetSelected(), nullptr);
   EXPECT_EQ(mFinder.GetSelected()->GetDisplayID(), KrString("Far camera"));
+  EXPECT_FALSE(mFinder.IsOpen());
+}
+
+TEST_F(DeviceAddressTest, SelectFromIP_TakesADeviceThatTheTreeWouldRefuse) {
+  krsystem::TolvanProtocolFields device = MakeOldDevice();
+  device.uniqueID = device.macAddress = "00:11:22:33:44:b2";
+  device.displayID = "Far device";
+  device.configurationValid = false;
+  mTransport->SetAtAddress(0x0A010203, 0, device);
+  Open({"Camera A"});
+  OnNextDialog([&](QWidget& aDialog) {
+    QTest::keyClicks(aDialog.focusWidget(), "10.1.2.3");
+    QTest::keyClick(&aDialog, Qt::Key_Return);
+  });
+
+  Click(kFinderSelectFromIPID);
+
+  ASSERT_NE(mFinder.GetSelected(), nullptr);
+  EXPECT_EQ(mFinder.GetSelected()->GetDisplayID(), KrString("Far device"));
+  EXPECT_FALSE(mFinder.GetSelected()->IsConfigurationValid());
   EXPECT_FALSE(mFinder.IsOpen());
 }
 

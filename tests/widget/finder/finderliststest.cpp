@@ -220,6 +220,30 @@ TEST_F(DeviceListsTest, Values_StandOnTheirColours) {
   EXPECT_LT(FindTextColour(list, "IP").lightness(), 100);
 }
 
+TEST_F(DeviceListsTest, Rows_StandInAGrid) {
+  Open({"Camera A"});
+  Select("Camera A");
+  QTreeWidget& list = mFinder.GetDeviceList();
+  const QRect row = list.visualItemRect(list.findItems("MAC", Qt::MatchExactly, 0).value(0));
+  const QImage picture = list.viewport()->grab().toImage();
+  const double scale = picture.devicePixelRatio();
+  const auto scaled = [scale](int aLength) { return static_cast<int>(aLength * scale); };
+  // Behind the name there is no text, and no line within the cell.
+  const int x = scaled(list.columnWidth(0) - 8);
+  const int y = scaled(row.top() + 3);
+  const QColor ground = picture.pixelColor(x, y);
+  bool isLineBelow = false;
+  bool isLineBeside = false;
+
+  for (int below = scaled(row.bottom() - 1); below < scaled(row.bottom() + 1); ++below)
+    isLineBelow |= picture.pixelColor(x, below) != ground;
+  for (int beside = scaled(list.columnWidth(0) - 2); beside < scaled(list.columnWidth(0)); ++beside)
+    isLineBeside |= picture.pixelColor(beside, y) != ground;
+
+  EXPECT_TRUE(isLineBelow);
+  EXPECT_TRUE(isLineBeside);
+}
+
 TEST_F(DeviceListsTest, DarkTheme_KeepsTextOnLightColoursDark) {
   QPalette dark = QApplication::palette();
   dark.setColor(QPalette::Base, QColor(30, 30, 30));
