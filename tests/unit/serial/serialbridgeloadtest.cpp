@@ -131,6 +131,18 @@ TEST_F(BridgeLoading, BadSettings_AreToldAfterTheLinkWasStarted) {
   }
 }
 
+TEST_F(BridgeLoading, BadSettingOfALinkThatRan_LeavesItsFormerConfigurationOnTheNewPort) {
+  mBridge.SetKind(kLink);
+  ASSERT_TRUE(mBridge.StartCOMPort("COM1").IsOK());
+  ASSERT_TRUE(mBridge.SetConfiguration({115200, 1, 8, 2}).IsOK());
+
+  EXPECT_FALSE(Load(kLink, {kPort, {"Serial0COMPortBaudRate", "19200"}, {"Serial0COMPortParity", "even"}}));
+
+  EXPECT_EQ(GetError(), "Serial bridge on Serial0: Unable to parse COM port parity.");
+  EXPECT_STREQ(mBridge.GetCOMPort().CStr(), "COM3");
+  EXPECT_EQ(mBridge.GetConfiguration(), (KrSerialPortConfiguration{115200, 1, 8, 2}));
+}
+
 TEST_F(BridgeLoading, SettingsThatTheHostsPortRefuses_AreToldAfterTheLinkWasStarted) {
   const krtest::RefusedSpeed refused(115200);
 

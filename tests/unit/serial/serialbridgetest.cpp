@@ -206,6 +206,17 @@ TEST_F(Bridge, PublishedPort_HasItsNameAndOpensTheDevicesPort) {
   EXPECT_STREQ(mBridge.GetDescription().CStr(), "Not selected");
 }
 
+TEST_F(Bridge, PublishedPortWhoseKindIsChosenAnew_HasNoName) {
+  Publish();
+
+  mBridge.SetKind(BridgeKind::None);
+  mBridge.SetKind(BridgeKind::CameraLinkDLL);
+
+  EXPECT_STREQ(mBridge.GetName().CStr(), "");
+  EXPECT_THAT(krtest::BridgeHost::GetPublished(), IsEmpty());
+  EXPECT_FALSE(mLine->IsOpen());
+}
+
 TEST_F(Bridge, NamePublishedWithoutADevicePort_OpensNone) {
   mBridge.SetKind(BridgeKind::CameraLinkDLL);
 
