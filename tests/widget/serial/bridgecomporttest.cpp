@@ -391,6 +391,29 @@ TEST_F(COMPorts, ConfigurationThatIsChosen_IsApplied) {
   EXPECT_EQ(mBoxes.size(), 1U);
 }
 
+TEST_F(COMPorts, ConfigurationThatIsChosen_IsSelectedWhenTheDialogIsOpenedAgain) {
+  OpenOnSerial1();
+  AnswerBoxes(1);
+  Link(COM3);
+  Configure([&](QWidget& aDialog) {
+    GetIn(aDialog, id::kBaudRate).setCurrentText("19200 baud");
+    GetIn(aDialog, id::kParity).setCurrentText("Odd");
+    GetIn(aDialog, id::kByteSize).setCurrentText("7 bits");
+    GetIn(aDialog, id::kStopBits).setCurrentText("2 bits");
+    QTest::keyClick(&aDialog, Qt::Key_Return);
+  });
+  std::vector<std::string> selected;
+
+  Configure([&](QWidget& aDialog) {
+    for (const int list : {id::kBaudRate, id::kParity, id::kByteSize, id::kStopBits})
+      selected.push_back(GetIn(aDialog, list).currentText().toStdString());
+    QTest::keyClick(&aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(GetText(id::kDescription), "19200 baud, odd parity, 7 bits, 2 stop bits");
+  EXPECT_THAT(selected, ElementsAre("19200 baud", "Odd", "7 bits", "2 bits"));
+}
+
 TEST_F(COMPorts, ConfigurationThatIsCancelled_ChangesNothing) {
   OpenOnSerial1();
   AnswerBoxes(1);

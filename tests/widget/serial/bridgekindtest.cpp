@@ -290,6 +290,23 @@ TEST_F(Kinds, CameraLinkOfTheFirstPortThatCannotStart_LosesTheSelection) {
   EXPECT_EQ(GetKind(), "None");
 }
 
+TEST_F(Kinds, OtherKindOfAPublishedPort_EndsThePublication) {
+  SetRates({"9600"});
+  OpenOnSerial1();
+  for (const auto& [button, kind] : {std::pair{id::kNone, "None"}, {id::kCOMPortLink, "Serial COM Port Link"}}) {
+    Click(id::kCameraLink);
+    ASSERT_THAT(BridgeHost::GetPublished(), ElementsAre(HasSubstr("-Serial1")));
+
+    Click(button);
+
+    EXPECT_EQ(GetKind(), kind);
+    EXPECT_EQ(GetText(id::kCameraLinkName), "Inactive");
+    EXPECT_EQ(GetText(id::kDescription), "Not selected");
+    EXPECT_THAT(BridgeHost::GetPublished(), IsEmpty());
+    EXPECT_FALSE(mLines[1]->IsOpen());
+  }
+}
+
 TEST_F(Kinds, CameraLinkOnALinkedPort_TakesThePlaceOfTheLink) {
   SetRates({"9600"});
   OpenOnSerial1();
