@@ -85,6 +85,33 @@ TEST_F(Ports, StoredPortThatTheDeviceLacks_FirstOneIsOpenedInstead) {
   EXPECT_TRUE(mLine->IsOpen());
 }
 
+TEST_F(Ports, OtherDeviceThatLacksTheOpenPort_ItsFirstOneIsOpenedInstead) {
+  krtest::SerialAdapter other;
+  const std::shared_ptr<krtest::SerialLine> line = other.AddLine(5);
+  other.AddLine(9);
+  Open();
+
+  EXPECT_EQ(SetDevice(&other), KrResult::Code::OK);
+
+  EXPECT_THAT(GetEntries(id::kPort), ElementsAre("Bulk3", "Bulk7"));
+  EXPECT_EQ(Get<QComboBox>(id::kPort).currentText(), "Bulk3");
+  EXPECT_EQ(mWindow->GetSerialPort(), KrDeviceSerial::Bulk3);
+  EXPECT_TRUE(line->IsOpen());
+  EXPECT_FALSE(mLine->IsOpen());
+  mWindow.reset();
+}
+
+TEST_F(Ports, PortSetWhileAnotherOneIsOpen_IsSelectedAndTakesItsPlace) {
+  Open();
+
+  EXPECT_EQ(SetPort(KrDeviceSerial::Bulk0), KrResult::Code::OK);
+
+  EXPECT_EQ(Get<QComboBox>(id::kPort).currentText(), "Bulk0");
+  EXPECT_EQ(mWindow->GetSerialPort(), KrDeviceSerial::Bulk0);
+  EXPECT_FALSE(mLine->IsOpen());
+  EXPECT_TRUE(mBulk->IsOpen());
+}
+
 TEST_F(Ports, DeviceWithoutPorts_IsOnlyStoredBeforeTheWindowIsOpen) {
   mDevice.lines.clear();
 
@@ -170,6 +197,17 @@ TEST_F(Ports, PortThatCannotBeOpened_IsToldWithTheWindowsTitleAndLeavesControlsD
   EXPECT_FALSE(Get(id::kSend).isEnabled());
   EXPECT_TRUE(Get(id::kPort).isEnabled());
   EXPECT_EQ(GetStatus(), "Not open");
+}
+
+TEST_F(Ports, PortThatCannotBeOpened_IsToldWithTheTitleThatTheApplicationGave) {
+  Open();
+  mWindow->SetTitle("My line");
+  mBulk->FailOpening(KrResult::Code::Busy);
+  AnswerBoxes(1);
+
+  EXPECT_EQ(SetPort(KrDeviceSerial::Bulk0), KrResult::Code::OK);
+
+  EXPECT_THAT(mBoxes, ElementsAre(testing::StartsWith("My line: Unable to open port.\nBusy: ")));
 }
 
 TEST_F(Ports, PortThatCannotBeOpened_IsOKForWhoeverSetsIt) {

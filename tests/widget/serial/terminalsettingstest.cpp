@@ -10,6 +10,17 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+/// A line that notes what the device was told before it is opened.
+struct NotingLine : krtest::SerialLine {
+  explicit NotingLine(const krtest::SerialAdapter& aDevice) : device(aDevice) {}
+  KrResult Open() override {
+    toldBefore = device.written;
+    return SerialLine::Open();
+  }
+  const krtest::SerialAdapter& device;
+  std::vector<std::string> toldBefore;
+};
+
 class Settings : public TerminalTest {};
 
 } // namespace
@@ -23,6 +34,18 @@ TEST_F(Settings, BulkPortPicked_SelectorIsSetFirstWhereTheDeviceHasIt) {
 
   Pick(Get<QComboBox>(id::kPort), 0);
   EXPECT_THAT(mDevice.written, ElementsAre("BulkSelector=Bulk0"));
+}
+
+TEST_F(Settings, BulkPortPicked_IsOpenedAfterItsSelectorIsSet) {
+  mDevice.enumerations["BulkSelector"] = {{"Bulk0", "Bulk1"}, "Bulk1"};
+  const auto line = std::make_shared<NotingLine>(mDevice);
+  mDevice.lines[2] = line;
+  Open();
+
+  Pick(Get<QComboBox>(id::kPort), 1);
+
+  EXPECT_TRUE(line->IsOpen());
+  EXPECT_THAT(line->toldBefore, ElementsAre("BulkSelector=Bulk0"));
 }
 
 TEST_F(Settings, BulkPortSetByTheApplication_SetsTheSelectorToo) {
