@@ -149,6 +149,34 @@ TEST_F(CameraFiles, FileThatFailsAfterAnother_EndsThatOnesStatus) {
   EXPECT_EQ(GetText(id::kCameraFileStatus), "Parameters not available");
 }
 
+TEST_F(CameraFiles, FileThatFailsAfterAnother_IsNotThePortsFile) {
+  Open();
+  ConnectCameraFile();
+  ChooseFile(MakeFile("no: file\n"));
+  ExpectBoxes(1);
+  Click(id::kLoad);
+
+  Pick(id::kDevicePort, "Serial0");
+  Pick(id::kDevicePort, "Serial1");
+
+  EXPECT_TRUE(IsChecked(id::kCameraFile));
+  EXPECT_EQ(GetText(id::kPath), kTextCameraFile);
+  EXPECT_EQ(GetText(id::kCameraFileStatus), "Parameters not available");
+}
+
+TEST_F(CameraFiles, KindWithoutAFile_IsThereInTheNextOpening) {
+  Open();
+  Click(id::kCameraFile);
+  ASSERT_TRUE(mWindow->Close().IsOK());
+
+  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+
+  EXPECT_TRUE(IsChecked(id::kCameraFile));
+  EXPECT_TRUE(IsEnabled(id::kLoad));
+  EXPECT_EQ(GetText(id::kPath), "");
+  EXPECT_EQ(GetText(id::kCameraFileStatus), "Parameters not available");
+}
+
 TEST_F(CameraFiles, Hidden_AreGoneAndComeBack) {
   Open();
   EXPECT_TRUE(mWindow->IsPCFVisible());
