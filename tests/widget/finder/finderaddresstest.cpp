@@ -176,6 +176,27 @@ TEST_F(DeviceAddressTest, SetIPAddress_OnASelectableOlderDevice_IsForThatOne) {
   EXPECT_EQ(mac, "00:11:22:33:44:0d");
 }
 
+TEST_F(DeviceAddressTest, UnreachableCamera_CanBeGivenAnAddressByButtonAndMenu) {
+  mTransport->AddDevice("eth0", MakeForeignCamera());
+  Open({"Camera A"});
+  Click(kFinderUnreachableID);
+  ASSERT_TRUE(AwaitItem("Foreign"));
+  AskForMenu("Foreign");
+  QAction* action = FindMenuAction();
+  ASSERT_NE(action, nullptr);
+  QString mac;
+  OnNextDialog([&](QWidget& aDialog) {
+    if (const auto* edit = aDialog.findChild<QLineEdit*>("control1045"))
+      mac = edit->text();
+    aDialog.close();
+  });
+
+  action->trigger();
+
+  EXPECT_EQ(mac, "00:11:22:33:44:f1");
+  EXPECT_TRUE(mFinder.IsEnabled(kFinderSetIPID));
+}
+
 TEST_F(DeviceAddressTest, LongDialog_DoesNotMakeDevicesVanishThatCouldNotBeHeardMeanwhile) {
   Open({"Camera A", "Old device"});
   Select("Camera A");

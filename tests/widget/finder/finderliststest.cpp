@@ -100,6 +100,7 @@ TEST_F(DeviceListsTest, NothingSelectedAnyMore_EmptiesBothLists) {
   EXPECT_EQ(mFinder.GetInterfaceList().topLevelItemCount(), 0);
   EXPECT_EQ(mFinder.GetDeviceList().topLevelItemCount(), 0);
   EXPECT_FALSE(mFinder.IsEnabled(kFinderOKID));
+  EXPECT_FALSE(mFinder.IsEnabled(kFinderSetIPID));
 }
 
 TEST_F(DeviceListsTest, AccessStatus_IsAskedForTheSelectedDeviceAloneAndStaysThroughRounds) {
