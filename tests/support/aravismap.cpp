@@ -1,10 +1,12 @@
 #include "aravismap.h"
 
+#include "await.h"
+
 #include <cstring>
 
 namespace {
 
-constexpr std::uint32_t kTimeoutMs = 60'000; // That only a fault can reach.
+const std::uint32_t kTimeoutMs = krtest::GetGenerousMs();
 
 // The device's instance as GLib wants it.
 struct PortDevice {

@@ -21,6 +21,11 @@ inline std::chrono::milliseconds GetGenerousLimit() {
   return std::chrono::minutes(1) * GetTimeFactor();
 }
 
+/// The same for calls that take a number.
+inline int GetGenerousMs() {
+  return static_cast<int>(GetGenerousLimit().count());
+}
+
 /// Looks until a condition holds; false where it does not within the limit.
 template <typename Condition>
 [[nodiscard]] bool Await(Condition aCondition, std::chrono::milliseconds aLimit = GetGenerousLimit()) {

@@ -3,6 +3,7 @@
 
 #include "displayfixture.h"
 #include "serverhands.h"
+#include "windowwait.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +12,6 @@
 
 class DisplayOnScreen : public KrDisplayWndTest {
 protected:
-  static constexpr int kLimitMs = 60000;
-
   /// Where the client area is on the screen.
   QRect GetClient() const { return {mWindow.GetWidget()->mapToGlobal(QPoint(0, 0)), mWindow.GetWidget()->size()}; }
   /// The client area, or a part of it, as it is on the screen.
@@ -21,7 +20,7 @@ protected:
 
   /// A part of the client area comes to look like this.
   void ExpectOnScreen(const QRect& aPart, const QImage& aExpected, const std::string& aWhere = {}) const {
-    EXPECT_TRUE(QTest::qWaitFor([&] { return plainpicture::Compare(GrabClient(aPart), aExpected).empty(); }, kLimitMs))
+    EXPECT_TRUE(krtest::AwaitCondition([&] { return plainpicture::Compare(GrabClient(aPart), aExpected).empty(); }))
         << aWhere << ": " << plainpicture::Compare(GrabClient(aPart), aExpected);
   }
   /// An image that is fitted into the whole client area.
@@ -35,7 +34,7 @@ protected:
     const plainpicture::ScrolledView view(GetClient().size(), image.size(), aFactor, 18);
     ASSERT_TRUE(view.hasHorizontalBar && view.hasVerticalBar) << aWhere;
     EXPECT_TRUE(
-        QTest::qWaitFor([&] { return GetHorizontalBar().isVisible() && GetVerticalBar().isVisible(); }, kLimitMs))
+        krtest::AwaitCondition([&] { return GetHorizontalBar().isVisible() && GetVerticalBar().isVisible(); }))
         << aWhere;
     // The positions may change with the next paint.
     std::string difference;
@@ -45,10 +44,10 @@ protected:
           plainpicture::ComputeScrolled(view, image, mWindow.GetHScrollPos(), mWindow.GetVScrollPos()));
       return difference.empty();
     };
-    EXPECT_TRUE(QTest::qWaitFor(isThere, kLimitMs)) << aWhere << ": " << difference;
+    EXPECT_TRUE(krtest::AwaitCondition(isThere)) << aWhere << ": " << difference;
   }
   void Await(const std::function<bool()>& aCondition, const char* aWhat) const {
-    EXPECT_TRUE(QTest::qWaitFor(aCondition, kLimitMs)) << aWhat;
+    EXPECT_TRUE(krtest::AwaitCondition(aCondition)) << aWhat;
   }
   /// Moves the mouse to a point of the client area and waits until the display knows of it.
   void MoveMouse(QPoint aClientPoint) const {

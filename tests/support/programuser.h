@@ -3,6 +3,7 @@
 // with the X server's mouse and keyboard. What a program offers to its user is left to the tests.
 
 #include "accessibleprogram.h"
+#include "await.h"
 
 #include <QPoint>
 #include <QProcess>
@@ -22,7 +23,7 @@
 ///     user.Press("ctrl+o");
 class ProgramUser {
 public:
-  static constexpr int kLimitMs = 60000;
+  inline static const int kLimitMs = krtest::GetGenerousMs();
 
   /// aInChild is done in the program's process before it becomes the program; empty for nothing.
   ProgramUser(const QString& aProgram, const QStringList& aArguments, const QProcessEnvironment& aEnvironment,

@@ -1,6 +1,8 @@
 #pragma once
 // A pseudo-terminal whose one end is the test and whose other end has a path, for what opens serial ports.
 
+#include "await.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -38,12 +40,11 @@ public:
   }
   /// Exactly so many bytes; less when they do not come within a generous limit.
   std::string Read(std::size_t aSize) const {
-    constexpr int kLimitMs = 60000;
     std::string text(aSize, '\0');
     std::size_t sum = 0;
     while (sum < aSize) {
       pollfd descriptor = {.fd = mMaster, .events = POLLIN, .revents = 0};
-      if (poll(&descriptor, 1, kLimitMs) <= 0)
+      if (poll(&descriptor, 1, GetGenerousMs()) <= 0)
         break;
       const ssize_t size = read(mMaster, text.data() + sum, aSize - sum);
       if (size <= 0)

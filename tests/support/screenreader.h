@@ -1,6 +1,8 @@
 #pragma once
 // What is on the screen, read over a connection of its own: from any thread, whatever the toolkit's thread does.
 
+#include "await.h"
+
 #include <QPoint>
 #include <QRect>
 
@@ -8,7 +10,6 @@
 #include <xcb/xcb.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <vector>
@@ -54,11 +55,7 @@ public:
   }
   /// Waits until a pixel has a colour; false when it does not within a limit that only a fault can reach.
   bool AwaitColor(const QPoint& aPoint, std::uint32_t aColor) const {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    bool isSeen = false;
-    while (!isSeen && std::chrono::steady_clock::now() < end)
-      isSeen = Read(aPoint) == aColor;
-    return isSeen;
+    return krtest::Await([&] { return Read(aPoint) == aColor; });
   }
 
 private:

@@ -2,23 +2,22 @@
 // A user's hands at the X server's mouse and keyboard (xdotool), for windows of any program. What the hands do is a
 // test's script.
 
+#include "windowwait.h"
+
 #include <QProcess>
 #include <QString>
 #include <QStringList>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
 namespace krtest {
-
-inline constexpr int kHandsLimitMs = 60'000;
 
 /// Does what xdotool can, and returns what it prints; nothing where that fails, which is no failure: for hands that may
 /// come too late.
 inline QString TryHands(const QStringList& aMovement) {
   QProcess hands;
   hands.start("xdotool", aMovement);
-  EXPECT_TRUE(hands.waitForFinished(kHandsLimitMs)) << "xdotool " << aMovement.join(' ').toStdString();
+  EXPECT_TRUE(hands.waitForFinished(GetGenerousMs())) << "xdotool " << aMovement.join(' ').toStdString();
   return QString::fromUtf8(hands.readAllStandardOutput()).trimmed();
 }
 
@@ -26,7 +25,7 @@ inline QString TryHands(const QStringList& aMovement) {
 inline QString MoveHands(const QStringList& aMovement) {
   QProcess hands;
   hands.start("xdotool", aMovement);
-  EXPECT_TRUE(hands.waitForFinished(kHandsLimitMs) && hands.exitStatus() == QProcess::NormalExit &&
+  EXPECT_TRUE(hands.waitForFinished(GetGenerousMs()) && hands.exitStatus() == QProcess::NormalExit &&
               hands.exitCode() == 0)
       << "xdotool " << aMovement.join(' ').toStdString() << ": " << hands.readAllStandardError().toStdString();
   return QString::fromUtf8(hands.readAllStandardOutput()).trimmed();
@@ -49,17 +48,15 @@ inline std::string DescribeWindows() {
 /// number.
 inline QString ActivateWindow(const QString& aTitle) {
   QString active;
-  const bool isActive = QTest::qWaitFor(
-      [&] {
-        const QStringList windows = FindWindows(aTitle);
-        active = TryHands({"getactivewindow"});
-        if (windows.isEmpty() || windows.contains(active))
-          return !windows.isEmpty();
-        // Without --sync, which waits for ever for a window that has gone.
-        TryHands({"windowactivate", windows.front()});
-        return false;
-      },
-      kHandsLimitMs);
+  const bool isActive = AwaitCondition([&] {
+    const QStringList windows = FindWindows(aTitle);
+    active = TryHands({"getactivewindow"});
+    if (windows.isEmpty() || windows.contains(active))
+      return !windows.isEmpty();
+    // Without --sync, which waits for ever for a window that has gone.
+    TryHands({"windowactivate", windows.front()});
+    return false;
+  });
   EXPECT_TRUE(isActive) << "There is no window " << aTitle.toStdString() << " to be used, but " << DescribeWindows();
   return active;
 }

@@ -1,5 +1,6 @@
 #include "socatline.h"
 
+#include "await.h"
 #include "spawning.h"
 
 #include <fcntl.h>
@@ -19,7 +20,7 @@ namespace krtest {
 
 namespace {
 
-constexpr std::chrono::seconds kLimit{120};
+const std::chrono::milliseconds kLimit = 2 * GetGenerousLimit(); // Many bytes may come.
 constexpr int kLookMs = 100;
 
 using Clock = std::chrono::steady_clock;
@@ -123,12 +124,11 @@ const std::string& SocatProcess::AwaitEnd(std::string_view aEnd) {
 }
 
 SocatLine::SocatLine(const std::string& aPath) : mProcess("PTY,rawer,link=" + aPath) {
-  const auto limit = Clock::now() + kLimit;
-  while (mHolder < 0 && Clock::now() < limit) {
+  const bool isMade = krtest::Await([&] {
     mHolder = open(aPath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    std::this_thread::yield();
-  }
-  Check(mHolder >= 0, "socat has made no pseudo-terminal");
+    return mHolder >= 0;
+  });
+  Check(isMade, "socat has made no pseudo-terminal");
 }
 
 SocatLine::~SocatLine() {

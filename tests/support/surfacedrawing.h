@@ -3,17 +3,17 @@
 
 #include "platform/drawingsurface.h"
 
+#include "await.h"
 #include "surfacewindow.h"
 
 #include <algorithm>
 #include <chrono>
 #include <random>
 #include <string>
-#include <thread>
 
 namespace krgui {
 
-inline constexpr std::chrono::seconds kGenerousLimit(20);
+inline const std::chrono::milliseconds kGenerousLimit = krtest::GetGenerousLimit();
 
 inline std::chrono::steady_clock::time_point GetFarLimit() {
   return std::chrono::steady_clock::now() + kGenerousLimit;
@@ -61,22 +61,9 @@ inline bool Show(DrawingSurface& aSurface, const Grab& aPicture, std::uint64_t a
   return Show(aSurface, aPicture, {0, 0, aPicture.width, aPicture.height}, aTag);
 }
 
-/// Looks until a condition holds.
-template <typename Condition>
-bool Await(Condition aCondition) {
-  const auto end = GetFarLimit();
-  while (!aCondition()) {
-    if (std::chrono::steady_clock::now() >= end) {
-      return false;
-    }
-    std::this_thread::yield();
-  }
-  return true;
-}
-
 /// What is presented comes onto the screen by itself, but not before the call returns.
 inline bool IsSoonOnScreen(const SurfaceWindow& aWindow, const Grab& aPicture) {
-  return Await([&] { return aWindow.Take(aPicture.width, aPicture.height) == aPicture; });
+  return krtest::Await([&] { return aWindow.Take(aPicture.width, aPicture.height) == aPicture; });
 }
 
 } // namespace krgui

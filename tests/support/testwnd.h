@@ -5,9 +5,10 @@
 #include "frame/wnd.h"
 #include "res/templates.h"
 
+#include "windowwait.h"
+
 #include <QApplication>
 #include <QEvent>
-#include <QTest>
 
 #include <functional>
 #include <memory>
@@ -94,8 +95,7 @@ private:
 /// Handles events until a condition holds; false when it does not within a limit that only a fault can reach.
 template <typename Condition>
 [[nodiscard]] bool WaitFor(Condition aCondition) {
-  constexpr int kLimitMs = 60000;
-  return QTest::qWaitFor(aCondition, kLimitMs);
+  return krtest::AwaitCondition(aCondition);
 }
 
 /// Really deletes what was left for later, which the toolkit does not do outside of a loop.

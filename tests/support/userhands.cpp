@@ -1,5 +1,7 @@
 #include "userhands.h"
 
+#include "windowwait.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QEventLoop>
@@ -183,7 +185,7 @@ bool UserHands::AwaitActive(const QString& aWhat, const std::function<const QWid
       },
       aLimitMs);
   // The window manager takes its own keys, as those that close a window, for the one that it knows to be active.
-  const bool isKnown = isActive && QTest::qWaitFor([id] { return FindActiveWindow() == id; }, kLimitMs);
+  const bool isKnown = isActive && krtest::AwaitCondition([id] { return FindActiveWindow() == id; });
   EXPECT_EQ(isKnown, isActive) << "The window manager does not know " << aWhat.toStdString();
   return isKnown;
 }

@@ -2,6 +2,7 @@
 // A user at the screen, on a thread of his own: looks at the windows and works with the X server's mouse and keyboard
 // (xdotool), so that dialogs may open dialogs while he goes on. What he does is a test's script.
 
+#include "await.h"
 #include "windowcalls.h"
 
 #include <QPoint>
@@ -24,7 +25,7 @@ class QWidget;
 class UserHands {
 public:
   /// How long anything is waited for; what takes longer fails the test.
-  static constexpr int kLimitMs = 60000;
+  inline static const int kLimitMs = krtest::GetGenerousMs();
 
   /// What it is given must outlive it.
   explicit UserHands(krtest::WindowCalls& aWindows) : mWindows(aWindows) {}

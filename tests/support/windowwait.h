@@ -2,11 +2,13 @@
 // Waits for windows and for what their events bring, with a limit that only a fault can reach; the toolkit's own waits
 // give up after five seconds, which a busy machine may take.
 
+#include "await.h"
+
 #include <QTest>
 
 namespace krtest {
 
-inline constexpr int kGenerousMs = 60'000;
+inline const int kGenerousMs = GetGenerousMs();
 
 /// Handles events until a window (QWidget or QWindow) is on the screen.
 template <typename Window>

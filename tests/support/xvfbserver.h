@@ -1,6 +1,7 @@
 #pragma once
 // An X server of a test's own, which it can stop, let go on and kill. Its screen has 1024 x 768 pixels.
 
+#include "await.h"
 #include "spawning.h"
 
 #include <gtest/gtest.h>
@@ -62,11 +63,10 @@ private:
   }
   /// What the server writes when it is ready: the number of its display.
   static std::string ReadLine(int aEnd) {
-    constexpr int kLimitMs = 60000;
     std::string line;
     pollfd descriptor = {aEnd, POLLIN, 0};
     char character = 0;
-    while (poll(&descriptor, 1, kLimitMs) == 1 && read(aEnd, &character, 1) == 1 && character != '\n') {
+    while (poll(&descriptor, 1, krtest::GetGenerousMs()) == 1 && read(aEnd, &character, 1) == 1 && character != '\n') {
       line += character;
     }
     EXPECT_EQ(character, '\n') << "The X server did not start.";

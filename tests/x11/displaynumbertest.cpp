@@ -1,5 +1,7 @@
 // The script that gives each run a display of its own, also where several run in network namespaces of their own.
 
+#include "await.h"
+
 #include <QCoreApplication>
 #include <QProcess>
 
@@ -9,7 +11,7 @@
 
 namespace {
 
-constexpr int kLimitMs = 60'000;
+const int kLimitMs = krtest::GetGenerousMs();
 const QString kScripts = QStringLiteral(KR_SCRIPT_FOLDER);
 
 /// A run of the script that says which display it has, and keeps it until the test ends.

@@ -3,6 +3,7 @@
 
 #include "krgui/krdisplaywnd.h"
 
+#include "await.h"
 #include "plainframes.h"
 #include "screenreader.h"
 #include "spawning.h"
@@ -128,7 +129,7 @@ TEST_P(DisplayPace, WhileTheUserInterfaceThreadIsBlocked_FramesAreOnTheScreen) {
 TEST_P(DisplayPace, AtFullRate_EveryGrabOfTheScreenIsOfOneFrame) {
   constexpr int kGrabs = 500;
   constexpr std::size_t kColors = 100;
-  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(krtest::kGenerousMs);
+  const auto end = std::chrono::steady_clock::now() + krtest::GetGenerousLimit();
   std::set<std::uint32_t> colors;
   int torn = 0;
 

@@ -56,7 +56,7 @@ protected:
       return std::abs(native.width() - aSize.width() * GetRatio()) <= 1.0 &&
              std::abs(native.height() - aSize.height() * GetRatio()) <= 1.0;
     };
-    EXPECT_TRUE(QTest::qWaitFor(isSizedNatively, kLimitMs)) << Describe(FindNativeView());
+    EXPECT_TRUE(krtest::AwaitCondition(isSizedNatively)) << Describe(FindNativeView());
   }
   static QImage GrabNative(const QRect& aRect) {
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(GetConnection())).data->root;
@@ -81,7 +81,7 @@ protected:
       difference = plainpicture::Compare(seen, plainpicture::Compute(seen.size(), ToQImage(aImage), kGrey));
       return difference.empty();
     };
-    EXPECT_TRUE(QTest::qWaitFor(isThere, kLimitMs)) << aWhere << ": " << difference;
+    EXPECT_TRUE(krtest::AwaitCondition(isThere)) << aWhere << ": " << difference;
   }
   plainpicture::ScrolledView GetNativeView(const KrBuffer& aImage) const {
     return {FindNativeView().size(), ToQImage(aImage).size(), 1.0, int(std::lround(18 * GetRatio()))};
@@ -97,7 +97,7 @@ protected:
           plainpicture::ComputeScrolled(view, ToQImage(aImage), mWindow.GetHScrollPos(), mWindow.GetVScrollPos()));
       return difference.empty();
     };
-    EXPECT_TRUE(QTest::qWaitFor(isThere, kLimitMs)) << aWhere << ": " << difference;
+    EXPECT_TRUE(krtest::AwaitCondition(isThere)) << aWhere << ": " << difference;
   }
   // The bars' windows come to lie beside the picture and to reach the view's edges, but for what rounding takes.
   void ExpectBarsNatively(const KrBuffer& aImage, const std::string& aWhere) const {
@@ -107,9 +107,9 @@ protected:
     const QRect horizontal(0, view.height(), view.width(), client.height() - view.height());
     const QRect vertical(view.width(), 0, client.width() - view.width(), view.height());
     const auto find = [&](HWND aBar) { return FindNative(aBar).translated(-origin); };
-    EXPECT_TRUE(QTest::qWaitFor([&] { return IsAlmost(find(mWindow.GetHScrollHandle()), horizontal); }, kLimitMs))
+    EXPECT_TRUE(krtest::AwaitCondition([&] { return IsAlmost(find(mWindow.GetHScrollHandle()), horizontal); }))
         << aWhere << ": " << Describe(find(mWindow.GetHScrollHandle()));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return IsAlmost(find(mWindow.GetVScrollHandle()), vertical); }, kLimitMs))
+    EXPECT_TRUE(krtest::AwaitCondition([&] { return IsAlmost(find(mWindow.GetVScrollHandle()), vertical); }))
         << aWhere << ": " << Describe(find(mWindow.GetVScrollHandle()));
   }
   // Equal, but for a pixel for each edge where the scale is a fraction.
@@ -173,8 +173,8 @@ TEST_F(DisplayAtAScale, MappingOfAPixel_LeadsToWhereItIsOnTheScreen) {
       return isNear(told.left(), seen.left()) && isNear(told.top(), seen.top()) &&
              isNear(told.right(), seen.right() + 1) && isNear(told.bottom(), seen.bottom() + 1);
     };
-    EXPECT_TRUE(QTest::qWaitFor(isThere, kLimitMs)) << Describe(seen) << ", not at " << told.left() << "," << told.top()
-                                                    << " to " << told.right() << "," << told.bottom();
+    EXPECT_TRUE(krtest::AwaitCondition(isThere)) << Describe(seen) << ", not at " << told.left() << "," << told.top()
+                                                 << " to " << told.right() << "," << told.bottom();
   }
 }
 

@@ -1,5 +1,6 @@
 // What the display really brings onto the screen, pixel by pixel, and what real keys and a real mouse do to it.
 
+#include "await.h"
 #include "displayscreen.h"
 #include "display/displayview.h"
 #include "windowwait.h"
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 #include <thread>
 
 namespace {
@@ -64,10 +64,11 @@ TEST_F(DisplayOnScreen, Frames_OfOneSizeFromAnotherThread_AreThereWithoutTheUser
   // Nothing runs the loop from here on.
   std::jthread([&] { EXPECT_TRUE(mWindow.Display(next, false).IsOK()); }).join();
 
-  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(kLimitMs);
-  QImage seen = GrabClient();
-  while (seen.pixelColor(10, 10) != QColor(201, 201, 201) && std::chrono::steady_clock::now() < end)
+  QImage seen;
+  EXPECT_TRUE(krtest::Await([&] {
     seen = GrabClient();
+    return seen.pixelColor(10, 10) == QColor(201, 201, 201);
+  }));
   EXPECT_EQ(plainpicture::Count(seen, seen.rect(), QColor(201, 201, 201)), 320 * 240);
 }
 

@@ -3,6 +3,7 @@
 
 #include "krgui/krdisplaywnd.h"
 
+#include "await.h"
 #include "plainframes.h"
 #include "screenreader.h"
 #include "windowwait.h"
@@ -29,7 +30,6 @@ namespace {
 
 constexpr std::uint32_t kFrames = 40;
 constexpr std::chrono::milliseconds kPeriod(50);
-constexpr int kLimitMs = 60000;
 
 /// What the process with the window tells; each is sent once, in this order.
 struct Ready {
@@ -61,7 +61,7 @@ public:
   template <typename Report>
   [[nodiscard]] bool Receive(Report& aReport) const {
     pollfd wait{mSocket, POLLIN, 0};
-    return ::poll(&wait, 1, kLimitMs) == 1 &&
+    return ::poll(&wait, 1, krtest::GetGenerousMs()) == 1 &&
            ::recv(mSocket, &aReport, sizeof aReport, 0) == static_cast<ssize_t>(sizeof aReport);
   }
   void SendWord() const { Send('w'); }
@@ -105,7 +105,7 @@ int RunWindow(const Channel& aChannel) {
     return 2;
   const QPoint middle = window.GetWidget()->mapToGlobal(window.GetWidget()->rect().center());
   const ScreenReader screen;
-  if (!QTest::qWaitFor([&] { return screen.Read(middle) == GetFrameColor(0); }, kLimitMs))
+  if (!krtest::AwaitCondition([&] { return screen.Read(middle) == GetFrameColor(0); }))
     return 3;
   aChannel.Send(Ready{middle.x(), middle.y()});
 
@@ -114,7 +114,7 @@ int RunWindow(const Channel& aChannel) {
     RunCamera(window, aChannel);
     isDone = true;
   });
-  const bool isEnded = QTest::qWaitFor([&] { return isDone.load(); }, 2 * kLimitMs);
+  const bool isEnded = QTest::qWaitFor([&] { return isDone.load(); }, 2 * krtest::kGenerousMs);
   camera.join();
   return isEnded ? 0 : 4;
 }

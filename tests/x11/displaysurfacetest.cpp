@@ -17,8 +17,6 @@ using krgui::DisplayContent;
 using krgui::DrawingSurface;
 using krgui::SurfaceKind;
 
-constexpr int kLimitMs = 60000;
-
 // A real surface, until it is lost.
 class LosableSurface : public DrawingSurface {
 public:
@@ -76,7 +74,7 @@ protected:
   }
   void ExpectShown(const KrBuffer& aImage, const char* aWhere) const {
     const QImage expected = plainpicture::Compute({320, 240}, ToQImage(aImage), QColor(0x80, 0x80, 0x80));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return plainpicture::Compare(Grab(), expected).empty(); }, kLimitMs))
+    EXPECT_TRUE(krtest::AwaitCondition([&] { return plainpicture::Compare(Grab(), expected).empty(); }))
         << aWhere << ": " << plainpicture::Compare(Grab(), expected);
   }
   bool IsOnScreen() const { return mView->testAttribute(Qt::WA_PaintOnScreen); }
@@ -109,7 +107,7 @@ TEST_F(DisplaySurfaces, Surface_ThatFailsAtFirst_IsMadeLater) {
   Display(image);
 
   ExpectShown(image, "by the toolkit");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsOnScreen(); }, kLimitMs));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return IsOnScreen(); }));
   EXPECT_EQ(mAttempts, 3);
   ExpectShown(image, "back on the screen");
   ExpectDrawnAtOnce(77);
@@ -131,7 +129,7 @@ TEST_F(DisplaySurfaces, Surface_ThatFailed_IsTriedAgainInAnotherWindow) {
   mView->show();
   std::swap(mWindow, second);
 
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsOnScreen(); }, kLimitMs));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return IsOnScreen(); }));
   ExpectShown(image, "in the other window");
   ExpectDrawnAtOnce(78);
 }
@@ -165,7 +163,7 @@ TEST_F(DisplaySurfaces, Surface_ThatIsLostAndFailsToBeMade_ComesBack) {
   Display(second);
 
   ExpectShown(second, "after the loss");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsOnScreen(); }, kLimitMs));
+  EXPECT_TRUE(krtest::AwaitCondition([&] { return IsOnScreen(); }));
   ExpectShown(second, "back on the screen");
   ExpectDrawnAtOnce(80);
 }

@@ -3,6 +3,7 @@
 
 #include "platform/drawingsurface.h"
 
+#include "await.h"
 #include "displaypictures.h"
 #include "surfacedrawing.h"
 #include "windowwait.h"
@@ -21,6 +22,8 @@
 namespace krgui {
 
 namespace {
+
+using krtest::Await;
 
 XvfbServer* theServer = nullptr;
 

@@ -1,6 +1,7 @@
 // What the property grid tells assistive technology of, while some listens.
 
 #include "gridfixture.h"
+#include "windowwait.h"
 
 #include <QAccessible>
 #include <QScrollBar>
@@ -77,7 +78,7 @@ void Listen(QAccessibleEvent* aEvent) {
 class GridAccessibleEvents : public GridTest {
 protected:
   void SetUp() override {
-    ASSERT_TRUE(QTest::qWaitFor([] { return QAccessible::isActive(); }, kLimitMs)) << "Nobody listens.";
+    ASSERT_TRUE(krtest::AwaitCondition([] { return QAccessible::isActive(); })) << "Nobody listens.";
     Fill();
     Show();
     ReadAll();
@@ -101,11 +102,11 @@ protected:
     ASSERT_TRUE(mCamera.memory.Write(aAddress, &aValue, sizeof(aValue), 1000).IsOK());
     mCamera.array->InvalidateCache();
     Node(aName).Refresh();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Node(aName).GetSnapshot().value.ToUtf8() == aShown + " "; }, kLimitMs));
+    ASSERT_TRUE(krtest::AwaitCondition([&] { return Node(aName).GetSnapshot().value.ToUtf8() == aShown + " "; }));
     Settle();
   }
   void ExpectTold(const Told& aTold) {
-    EXPECT_TRUE(QTest::qWaitFor([&] { return std::find(told.begin(), told.end(), aTold) != told.end(); }, kLimitMs))
+    EXPECT_TRUE(krtest::AwaitCondition([&] { return std::find(told.begin(), told.end(), aTold) != told.end(); }))
         << testing::PrintToString(aTold) << " is not among " << testing::PrintToString(told);
   }
 

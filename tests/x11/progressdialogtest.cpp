@@ -2,10 +2,11 @@
 
 #include "frame/progressdialog.h"
 
+#include "windowwait.h"
+
 #include <QApplication>
 #include <QDialog>
 #include <QLineEdit>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -14,8 +15,6 @@
 namespace krgui {
 
 namespace {
-
-constexpr int kLimitMs = 60'000;
 
 /// Ends the work when an event comes to the dialog.
 class EndingWork final : public QObject {
@@ -51,7 +50,7 @@ TEST_P(WaitThatEndsWith, ItsDialog_GivesTheKeyboardBack) {
   owner.resize(300, 200);
   owner.show();
   edit.setFocus();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&owner, kLimitMs));
+  ASSERT_TRUE(krtest::AwaitActive(&owner));
 
   constexpr int kRounds = 20;
   for (int round = 0; round < kRounds; ++round) {
@@ -62,7 +61,7 @@ TEST_P(WaitThatEndsWith, ItsDialog_GivesTheKeyboardBack) {
     }
 
     EXPECT_TRUE(work.WasShown());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return owner.isActiveWindow() && edit.hasFocus(); }, kLimitMs)) << round;
+    ASSERT_TRUE(krtest::AwaitCondition([&] { return owner.isActiveWindow() && edit.hasFocus(); })) << round;
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/windowsurface.h"
 
+#include "await.h"
 #include "surfacedrawing.h"
 #include "surfacewindow.h"
 #include "xvfbserver.h"
@@ -15,6 +16,7 @@ namespace krgui {
 
 namespace {
 
+using krtest::Await;
 using std::chrono::milliseconds;
 
 constexpr int kWidth = 640;

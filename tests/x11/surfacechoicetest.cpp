@@ -2,6 +2,7 @@
 
 #include "platform/windowsurface.h"
 
+#include "await.h"
 #include "surfacedrawing.h"
 #include "surfacewindow.h"
 #include "xvfbserver.h"
@@ -13,6 +14,8 @@
 namespace krgui {
 
 namespace {
+
+using krtest::Await;
 
 constexpr SurfaceKind kKinds[] = {SurfaceKind::SharedDescriptor, SurfaceKind::SharedSystemV, SurfaceKind::PlainPut};
 

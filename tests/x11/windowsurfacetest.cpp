@@ -3,6 +3,7 @@
 
 #include "platform/windowsurface.h"
 
+#include "await.h"
 #include "surfacedrawing.h"
 #include "surfacewindow.h"
 
@@ -19,6 +20,8 @@
 namespace krgui {
 
 namespace {
+
+using krtest::Await;
 
 class WindowSurface : public testing::TestWithParam<SurfaceKind> {
 protected:

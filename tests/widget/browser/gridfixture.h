@@ -6,6 +6,7 @@
 #include "browser/propertiesgrid.h"
 #include "darkpalette.h"
 #include "platform/toqstring.h"
+#include "windowwait.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -48,8 +49,6 @@ inline std::string MakeGridCamera() {
 
 class GridTest : public testing::Test {
 protected:
-  static constexpr int kLimitMs = 30000;
-
   GridTest() {
     mCamera.port.SetFault([](const RegisterAccessRecord& aAccess) {
       return aAccess.address == 0x28 ? KrResult(KrResult::Code::Failed, "The register is gone.") : KrResult();
@@ -86,7 +85,7 @@ protected:
     mGrid->show();
     mGrid->activateWindow();
     mGrid->setFocus();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return mGrid->isActiveWindow() && mGrid->hasFocus(); }, kLimitMs));
+    ASSERT_TRUE(krtest::AwaitCondition([this] { return mGrid->isActiveWindow() && mGrid->hasFocus(); }));
     Settle();
   }
   /// Reads every feature and lets the grid know.
@@ -99,12 +98,10 @@ protected:
   }
   /// Everything that was posted has been handled.
   void Settle() {
-    EXPECT_TRUE(QTest::qWaitFor(
-        [this] {
-          QApplication::processEvents();
-          return mGrid->GetQueue()->IsEmpty();
-        },
-        kLimitMs));
+    EXPECT_TRUE(krtest::AwaitCondition([this] {
+      QApplication::processEvents();
+      return mGrid->GetQueue()->IsEmpty();
+    }));
   }
 
   GridItem Item(const std::string& aName) const {

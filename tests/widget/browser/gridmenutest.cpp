@@ -2,6 +2,7 @@
 
 #include "gridfixture.h"
 #include "res/menus.h"
+#include "windowwait.h"
 
 #include <QClipboard>
 #include <QHelpEvent>
@@ -62,7 +63,7 @@ protected:
   }
   QString AskToolTip(QPoint aPoint) {
     QToolTip::hideText();
-    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, kLimitMs));
+    EXPECT_TRUE(krtest::AwaitCondition([] { return !QToolTip::isVisible(); }));
     QHelpEvent event(QEvent::ToolTip, aPoint, mGrid->viewport()->mapToGlobal(aPoint));
     QCoreApplication::sendEvent(mGrid->viewport(), &event);
     return QToolTip::text();

@@ -1,6 +1,7 @@
 // The property grid by keyboard alone.
 
 #include "gridfixture.h"
+#include "windowwait.h"
 
 #include <QClipboard>
 #include <QLineEdit>
@@ -198,7 +199,7 @@ TEST_F(GridKeysTest, Tab_LeavesTheGridInBothDirections) {
   mGrid->Select(Item("Plain"));
   Settle();
   mGrid->setFocus();
-  ASSERT_TRUE(QTest::qWaitFor([this] { return mGrid->hasFocus(); }, kLimitMs));
+  ASSERT_TRUE(krtest::AwaitCondition([this] { return mGrid->hasFocus(); }));
 
   QTest::keyClick(mGrid.get(), Qt::Key_Tab);
   EXPECT_TRUE(after->hasFocus());

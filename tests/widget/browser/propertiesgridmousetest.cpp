@@ -1,6 +1,7 @@
 // The mouse on the property grid's rows and on the boundary between its columns.
 
 #include "gridfixture.h"
+#include "windowwait.h"
 
 #include <QLineEdit>
 
@@ -334,7 +335,7 @@ TEST_F(GridMouseTest, DragWhosePointerIsLost_Ends) {
 TEST_F(GridMouseTest, DragThatLeavesTheGridWithItsButtonHeld_GoesOn) {
   const QPoint point = Viewport()->mapTo(mGrid->window(), PointIn("Fixed", 220));
   QTest::mousePress(mGrid->window()->windowHandle(), Qt::LeftButton, {}, point);
-  ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::mouseButtons() == Qt::LeftButton; }, kLimitMs));
+  ASSERT_TRUE(krtest::AwaitCondition([] { return QApplication::mouseButtons() == Qt::LeftButton; }));
 
   Send(*Viewport(), QEvent::Leave);
   MoveHeld(150);

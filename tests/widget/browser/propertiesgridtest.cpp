@@ -1,6 +1,7 @@
 // The property grid's rows: filling, selecting, opening and closing, what is on the screen, and messages.
 
 #include "gridfixture.h"
+#include "windowwait.h"
 
 #include <QScrollBar>
 
@@ -300,7 +301,7 @@ TEST_F(GridTest, MessagesFromAnotherThread_ReachAGridWithAQueueOfItsOwn) {
   });
   worker.join();
 
-  EXPECT_TRUE(QTest::qWaitFor([this] { return !Node("Plain").HasChanged(); }, kLimitMs));
+  EXPECT_TRUE(krtest::AwaitCondition([this] { return !Node("Plain").HasChanged(); }));
 }
 
 TEST_F(GridTest, GridWithAWindowsQueue_TakesNothingItself) {

@@ -1,6 +1,7 @@
 // What the tooltips of rows say, asked for by keyboard.
 
 #include "gridfixture.h"
+#include "windowwait.h"
 
 #include <QLineEdit>
 #include <QScrollBar>
@@ -30,7 +31,7 @@ protected:
     return QToolTip::isVisible() ? document.toPlainText().toStdString() : std::string();
   }
   static bool AwaitHidden() {
-    return QTest::qWaitFor([] { return !QToolTip::isVisible(); }, kLimitMs);
+    return krtest::AwaitCondition([] { return !QToolTip::isVisible(); });
   }
   void SelectAndAsk(const std::string& aName) {
     mGrid->Select(Item(aName));
