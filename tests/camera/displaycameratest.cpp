@@ -116,7 +116,7 @@ TEST_F(CameraInAWindow, TwoHundredFrames_ComeWholeAndTheLastIsOnTheRootWindow) {
     showFrames();
     isOver = true;
   });
-  ASSERT_TRUE(QTest::qWaitFor([&] { return isOver.load(); }, 4 * krtest::kGenerousMs));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return isOver.load(); }, 4 * krtest::GetGenerousMs()));
 
   ASSERT_NE(last, nullptr);
   const KrStreamStatistics statistics = stream.GetStatistics();

@@ -1,6 +1,8 @@
 #pragma once
 // The viewer run as a user runs it, with what it printed and the pictures that it left.
 
+#include "await.h"
+
 #include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -20,7 +22,7 @@ public:
     QProcess process;
     process.setProcessEnvironment(aEnvironment);
     process.start(KRVIEWER_PATH, aArguments + QStringList{"--screenshot", mFolder.filePath("new/folder")});
-    EXPECT_TRUE(process.waitForFinished(120000)) << process.errorString().toStdString();
+    EXPECT_TRUE(process.waitForFinished(2 * krtest::GetGenerousMs())) << process.errorString().toStdString();
     mExitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     mOutput = QString::fromUtf8(process.readAllStandardOutput());
     mErrors = QString::fromUtf8(process.readAllStandardError());

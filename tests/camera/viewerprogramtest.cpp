@@ -1,10 +1,12 @@
 // The viewer as a whole: run with arguments, judged by its pictures and by what it prints.
 
+#include "await.h"
 #include "fakecamera.h"
 #include "plainpicture.h"
 #include "serverhands.h"
 #include "simulation/testpattern.h"
 #include "viewerprocess.h"
+#include "windowwait.h"
 
 #include <QTemporaryFile>
 
@@ -13,6 +15,7 @@
 namespace {
 
 using krtest::ActivateWindow;
+using krtest::GetGenerousMs;
 using krtest::MoveHands;
 
 const QColor kBackground(0x80, 0x80, 0x80);
@@ -208,12 +211,12 @@ TEST(Krviewer, DescriptionWithoutRoot_SaysThatItHasNoFeatures) {
 TEST(Krviewer, DescriptionOnTheScreen_SaysThatThereIsNoCameraAndEndsWithItsWindow) {
   QProcess process;
   process.start(KRVIEWER_PATH, {KR_DESCRIPTION_PATH});
-  ASSERT_TRUE(process.waitForStarted(60000));
+  ASSERT_TRUE(process.waitForStarted(GetGenerousMs()));
 
   ActivateWindow("everynode.xml - description without a camera");
   MoveHands({"key", "alt+F4"});
 
-  ASSERT_TRUE(process.waitForFinished(60000));
+  ASSERT_TRUE(process.waitForFinished(GetGenerousMs()));
   EXPECT_EQ(process.exitCode(), 0);
 }
 
@@ -239,11 +242,11 @@ TEST(Krviewer, FileThatIsNoDescription_IsNamedWithTheReason) {
 TEST(Krviewer, Interrupted_GivesTheCameraBackAndPrintsItsFigures) {
   QProcess process;
   process.start(KRVIEWER_PATH, {"--simulate", "--device", "sim-mono"});
-  ASSERT_TRUE(process.waitForReadyRead(60000));
+  ASSERT_TRUE(process.waitForReadyRead(GetGenerousMs()));
 
   process.terminate();
 
-  ASSERT_TRUE(process.waitForFinished(60000));
+  ASSERT_TRUE(process.waitForFinished(GetGenerousMs()));
   EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(process.exitCode(), 0);
   EXPECT_TRUE(process.readAllStandardOutput().contains("frames="));
@@ -254,13 +257,13 @@ TEST(Krviewer, WindowClosedByItsUser_EndsTheProgram) {
     SCOPED_TRACE(key);
     QProcess process;
     process.start(KRVIEWER_PATH, {"--simulate", "--device", "sim-mono"});
-    ASSERT_TRUE(process.waitForReadyRead(60000));
+    ASSERT_TRUE(process.waitForReadyRead(GetGenerousMs()));
 
     // Typed at the server: a key that is sent to the window would find it gone when it is released.
     ActivateWindow("Simulated Mono Camera");
     MoveHands({"key", key});
 
-    ASSERT_TRUE(process.waitForFinished(60000));
+    ASSERT_TRUE(process.waitForFinished(GetGenerousMs()));
     EXPECT_EQ(process.exitCode(), 0);
   }
 }
@@ -268,19 +271,17 @@ TEST(Krviewer, WindowClosedByItsUser_EndsTheProgram) {
 TEST(Krviewer, NoDeviceNamed_LetsTheUserPickOneAndShowsIt) {
   QProcess process;
   process.start(KRVIEWER_PATH, {"--simulate", "--frames", "20"});
-  ASSERT_TRUE(process.waitForStarted(60000));
+  ASSERT_TRUE(process.waitForStarted(GetGenerousMs()));
   ActivateWindow("krviewer");
   MoveHands({"key", "ctrl+o"});
 
   // Nothing is accepted before an item is selected, and between two tries the finder forgets what was typed.
   const QString finder = ActivateWindow("Device Selection");
-  EXPECT_TRUE(QTest::qWaitFor(
-      [&] {
-        if (krtest::FindWindows("Device Selection").contains(finder))
-          krtest::TypeIntoFinder(finder, "Simulated Mono");
-        return process.waitForFinished(1000);
-      },
-      krtest::kHandsLimitMs));
+  EXPECT_TRUE(krtest::AwaitCondition([&] {
+    if (krtest::FindWindows("Device Selection").contains(finder))
+      krtest::TypeIntoFinder(finder, "Simulated Mono");
+    return process.waitForFinished(1000);
+  }));
 
   EXPECT_EQ(process.exitCode(), 0);
   const QByteArray output = process.readAllStandardOutput();
@@ -291,7 +292,7 @@ TEST(Krviewer, NoDeviceNamed_LetsTheUserPickOneAndShowsIt) {
 TEST(Krviewer, FinderCancelled_LeavesTheFirstPage) {
   QProcess process;
   process.start(KRVIEWER_PATH, {"--simulate"});
-  ASSERT_TRUE(process.waitForStarted(60000));
+  ASSERT_TRUE(process.waitForStarted(GetGenerousMs()));
   ActivateWindow("krviewer");
   MoveHands({"key", "ctrl+o"});
 
@@ -301,7 +302,7 @@ TEST(Krviewer, FinderCancelled_LeavesTheFirstPage) {
   ActivateWindow("krviewer");
   EXPECT_EQ(process.state(), QProcess::Running);
   MoveHands({"key", "ctrl+q"});
-  ASSERT_TRUE(process.waitForFinished(60000));
+  ASSERT_TRUE(process.waitForFinished(GetGenerousMs()));
   EXPECT_EQ(process.exitCode(), 0);
   EXPECT_TRUE(process.readAllStandardOutput().isEmpty());
 }
@@ -309,14 +310,14 @@ TEST(Krviewer, FinderCancelled_LeavesTheFirstPage) {
 TEST(Krviewer, InterruptedWhileTheFinderIsOpen_Ends) {
   QProcess process;
   process.start(KRVIEWER_PATH, {"--simulate"});
-  ASSERT_TRUE(process.waitForStarted(60000));
+  ASSERT_TRUE(process.waitForStarted(GetGenerousMs()));
   ActivateWindow("krviewer");
   MoveHands({"key", "ctrl+o"});
   ActivateWindow("Device Selection");
 
   process.terminate();
 
-  ASSERT_TRUE(process.waitForFinished(60000));
+  ASSERT_TRUE(process.waitForFinished(GetGenerousMs()));
   EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(process.exitCode(), 0);
 }
@@ -404,7 +405,7 @@ TEST(Krviewer, CameraOnAForeignSubnet_IsRefusedWithAReason) {
 TEST(Krviewer, FolderThatCannotBeMade_IsNamedOnTheErrorStream) {
   QProcess process;
   process.start(KRVIEWER_PATH, {"--simulate", "--headless", "--frames", "2", "--screenshot", "/proc/nowhere"});
-  ASSERT_TRUE(process.waitForFinished(120000));
+  ASSERT_TRUE(process.waitForFinished(2 * GetGenerousMs()));
 
   EXPECT_EQ(process.exitCode(), 1);
   EXPECT_TRUE(process.readAllStandardError().contains("/proc/nowhere"));

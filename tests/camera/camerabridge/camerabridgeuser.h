@@ -2,6 +2,7 @@
 // A user at the camera bridges of the viewer, which runs as "krviewer --simulate --device sim-grabber" does. What he
 // set is read again when the viewer has ended, by a connection of the test's own.
 
+#include "await.h"
 #include "browser/browseruser.h"
 #include "camerabridge/camerabridgeids.h"
 #include "commandline.h"
@@ -32,7 +33,7 @@ inline const QString kFileDialog = "Select Tolvan Camera File";
 inline const QString kTextCameraFile = KR_CAMERA_FILES "/simulated-camera.yml";
 inline constexpr const char* kGrabberMAC = "02:4b:52:00:78:12";
 /// A line of 9600 baud needs its time, and so does a machine that has other things to do.
-inline constexpr int kLineLimitMs = 180'000;
+inline const int kLineLimitMs = 3 * krtest::GetGenerousMs();
 
 // Looks; user-interface thread alone.
 

@@ -15,12 +15,10 @@ protected:
   /// Copies the row that has the keyboard until it shows this: it may not have been read yet.
   static void ExpectRow(const QString& aText) {
     const QClipboard& clipboard = *QGuiApplication::clipboard();
-    const bool isShown = QTest::qWaitFor(
-        [&] {
-          MoveHands({"key", "ctrl+c"});
-          return QTest::qWaitFor([&] { return clipboard.text() == aText; }, kTryMs);
-        },
-        kLimitMs);
+    const bool isShown = krtest::AwaitCondition([&] {
+      MoveHands({"key", "ctrl+c"});
+      return QTest::qWaitFor([&] { return clipboard.text() == aText; }, kTryMs);
+    });
     EXPECT_TRUE(isShown) << "not \"" << aText.toStdString() << "\" but \"" << clipboard.text().toStdString() << '"';
   }
 };

@@ -3,6 +3,7 @@
 // and closed. What one of them shows is left to its tests.
 
 #include "serverhands.h"
+#include "windowwait.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -18,7 +19,7 @@
 
 class ExampleOnScreen : public testing::Test {
 protected:
-  static constexpr int kLimitMs = 60000;
+  inline static const int kLimitMs = krtest::GetGenerousMs();
   static constexpr int kTryMs = 500;
 
   void Start(const QString& aPath, const QStringList& aArguments = {}) {
@@ -70,20 +71,14 @@ protected:
   /// Waits until a part of the window shows the camera's picture, and then another one.
   void ExpectLivePicture(const QRect& aPart) const {
     QImage first;
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] {
-          first = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
-          return IsRamp(first);
-        },
-        kLimitMs))
-        << "there is no picture";
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] {
-          const QImage next = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
-          return IsRamp(next) && next != first;
-        },
-        kLimitMs))
-        << "the picture stands still";
+    EXPECT_TRUE(krtest::AwaitCondition([&] {
+      first = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
+      return IsRamp(first);
+    })) << "there is no picture";
+    EXPECT_TRUE(krtest::AwaitCondition([&] {
+      const QImage next = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
+      return IsRamp(next) && next != first;
+    })) << "the picture stands still";
   }
 
   /// Waits until a part of the window is the same in one look after the other, for longer than any picture of a live
@@ -92,15 +87,12 @@ protected:
     constexpr int kEqualLooks = 50;
     QImage last;
     int equalLooks = 0;
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] {
-          const QImage next = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
-          equalLooks = next == last ? equalLooks + 1 : 0;
-          last = next;
-          return equalLooks >= kEqualLooks;
-        },
-        kLimitMs))
-        << "the picture is still live";
+    EXPECT_TRUE(krtest::AwaitCondition([&] {
+      const QImage next = GrabScreen(aPart.translated(GetWindowRect().topLeft()));
+      equalLooks = next == last ? equalLooks + 1 : 0;
+      last = next;
+      return equalLooks >= kEqualLooks;
+    })) << "the picture is still live";
   }
 
   QProcess mProcess;

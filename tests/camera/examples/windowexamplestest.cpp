@@ -39,7 +39,7 @@ protected:
         krtest::TypeIntoFinder(finder, "Simulated Mono");
       return QTest::qWaitFor(aIsPicked, kTryMs);
     };
-    EXPECT_TRUE(QTest::qWaitFor(pick, kLimitMs)) << mProcess.readAllStandardError().toStdString();
+    EXPECT_TRUE(krtest::AwaitCondition(pick)) << mProcess.readAllStandardError().toStdString();
   }
 };
 

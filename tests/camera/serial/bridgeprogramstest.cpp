@@ -1,11 +1,13 @@
 // Programs with serial bridges: the viewer, whose camera comes and goes, and the example.
 
+#include "await.h"
 #include "bridgeuser.h"
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
 #include "krserial/krgenparameterarraycl.h"
 #include "page/camerapage.h"
 #include "viewerwithports.h"
+#include "windowwait.h"
 
 #include <QMessageBox>
 #include <QProcess>
@@ -24,7 +26,7 @@ using krtest::SocatProcess;
 using testing::AllOf;
 using testing::HasSubstr;
 
-constexpr int kProgramLimitMs = 60'000;
+const int kProgramLimitMs = krtest::GetGenerousMs();
 const QString kMessage = "Serial Bridges";
 
 class BridgingViewer : public ViewerUser {
@@ -341,14 +343,11 @@ TEST(BridgeExample, LinksAPortUntilItIsInterrupted) {
   QString output;
   const auto awaitOutput = [&](const QString& aPattern) {
     QRegularExpressionMatch match;
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] {
-          output += QString::fromUtf8(example.readAllStandardOutput());
-          match = QRegularExpression(aPattern).match(output);
-          return match.hasMatch();
-        },
-        kProgramLimitMs))
-        << output.toStdString() << example.readAllStandardError().toStdString();
+    EXPECT_TRUE(krtest::AwaitCondition([&] {
+      output += QString::fromUtf8(example.readAllStandardOutput());
+      match = QRegularExpression(aPattern).match(output);
+      return match.hasMatch();
+    })) << output.toStdString() << example.readAllStandardError().toStdString();
     return match.captured(1);
   };
   example.start(KR_EXAMPLE_PATH, {"--simulate", "--create", "sim-mono", "Serial0", "COM9"});

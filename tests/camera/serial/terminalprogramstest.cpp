@@ -1,5 +1,6 @@
 // Programs with a serial terminal: the viewer, whose camera comes and goes, and the example.
 
+#include "await.h"
 #include "socatline.h"
 #include "viewerwithports.h"
 
@@ -9,7 +10,7 @@ namespace {
 
 using krtest::SocatLine;
 
-constexpr int kProgramLimitMs = 60'000;
+const int kProgramLimitMs = krtest::GetGenerousMs();
 
 bool IsEnabled(int aControl) {
   const auto* const control = FindTerminalControl<QWidget>(aControl);
