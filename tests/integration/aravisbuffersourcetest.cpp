@@ -1,5 +1,7 @@
 // Streams of Aravis' own fake device, which needs no network, under a source whose I/O thread the tests hold up.
 
+#include "await.h"
+
 #include "aravis/aravisbuffersource.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +17,7 @@ namespace {
 using namespace krtransport;
 
 constexpr std::size_t kFrameBytes = 64 * 64;
-constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+const std::uint32_t kGenerousTimeoutMs = krtest::GetGenerousMs();
 
 /// Counts what happens to its streams, and can be told what to do while one is made.
 class FakeStreamDevice final : public IStreamDevice {

@@ -1,5 +1,6 @@
 // What a device says of who holds it, and what follows for asking and opening.
 
+#include "await.h"
 #include "gvcpresponder.h"
 
 #include "gigevision/gigevisiontransport.h"
@@ -15,7 +16,7 @@ using krsystem::AccessType;
 using krsystem::DeviceAccess;
 
 constexpr std::uint32_t kLoopback = 0x7F000001;
-constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+const std::uint32_t kGenerousTimeoutMs = krtest::GetGenerousMs();
 
 struct AccessRow {
   const char* what;

@@ -25,7 +25,7 @@ using krtransport::GigEVisionTransport;
 constexpr std::uint32_t kLoopback = 0x7F000001;
 constexpr std::uint32_t kTimeoutMs = 500;
 constexpr std::size_t kMacOffset = 8 + 0x0A; // In a discovery acknowledge.
-constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+const std::uint32_t kGenerousTimeoutMs = krtest::GetGenerousMs();
 
 krsystem::DiscoveryRequest MakeRequest(bool aSubnetBroadcast = true) {
   return {.timeoutMs = kTimeoutMs, .subnetBroadcast = aSubnetBroadcast, .cancel = {}};
@@ -327,7 +327,12 @@ TEST(GigEVisionDiscovery, FindAddress_DeviceThatSaysAnotherAddress_IsNotTheOneTh
   krsystem::InterfaceFields interface;
   krsystem::AnyDeviceFields device;
 
-  const KrResult result = transport.FindAddress(kLoopback, kTimeoutMs, interface, device);
+  // One that has to wait for a processor answers too late for one asking, and is heard in another.
+  KrResult result;
+  EXPECT_TRUE(krtest::Await([&] {
+    result = transport.FindAddress(kLoopback, kTimeoutMs, interface, device);
+    return result.IsOK() || result.GetDescription().ToUtf8().find("its address is") != std::string::npos;
+  }));
 
   EXPECT_EQ(result, KrResult::Code::NotFound);
   EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("its address is 192.168.77.77"));

@@ -2,6 +2,7 @@
 // What the tests of open GigE Vision devices have in common: a camera of an independent program on loopback, found and
 // opened, and a sink that a test can wait for.
 
+#include "await.h"
 #include "fakecamera.h"
 
 #include "gigevision/gigevisiontransport.h"
@@ -20,7 +21,7 @@
 #include <sys/types.h>
 
 inline constexpr std::uint32_t kLoopback = 0x7F000001;
-inline constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+inline const std::uint32_t kGenerousTimeoutMs = krtest::GetGenerousMs();
 inline constexpr std::uint64_t kWidthRegister = 0x100;
 inline constexpr std::uint64_t kHeightRegister = 0x104;
 inline constexpr std::uint64_t kFramePeriodRegister = 0x138; ///< Microseconds.

@@ -1,5 +1,6 @@
 // What a stream's statistics say of frames that never came, over everything between the camera and the application.
 
+#include "await.h"
 #include "camerarelay.h"
 #include "fakecamera.h"
 
@@ -19,7 +20,7 @@ namespace {
 
 constexpr const char* kCameraAddress = "127.0.0.2";
 constexpr const char* kRelayAddress = "127.0.0.3";
-constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+const std::uint32_t kGenerousTimeoutMs = krtest::GetGenerousMs();
 constexpr std::uint64_t kHeightRegister = 0x104;
 
 FakeCameraOptions MakeCameraOptions() {

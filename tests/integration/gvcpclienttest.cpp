@@ -1,5 +1,6 @@
 // Devices on the control channel that ask for patience, answer what nobody asked, or never stop sending.
 
+#include "await.h"
 #include "gvcpresponder.h"
 
 #include "gigevision/deviceprobe.h"
@@ -19,7 +20,7 @@ using std::chrono::seconds;
 
 constexpr std::uint32_t kLoopback = 0x7F000001;
 constexpr std::uint32_t kRegister = 0x0A00;
-constexpr GvcpPatience kGenerous{seconds(20), 3, seconds(60)};
+const GvcpPatience kGenerous{krtest::GetGenerousLimit(), 3, 3 * krtest::GetGenerousLimit()};
 
 class GvcpClientTest : public testing::Test {
 protected:

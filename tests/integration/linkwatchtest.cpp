@@ -1,12 +1,12 @@
 // The watch of a GigE Vision link, over a device that answers as the test tells it.
 
+#include "await.h"
 #include "gvcpresponder.h"
 
 #include "gigevision/linkwatch.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <condition_variable>
 #include <future>
 #include <mutex>
@@ -16,7 +16,6 @@ namespace {
 using namespace krtransport;
 
 constexpr std::uint32_t kLoopback = 0x7F000001;
-constexpr std::chrono::minutes kGenerousLimit{1};
 
 /// Counts questions, and lets a test wait for more of them.
 class QuestionCount {
@@ -28,7 +27,8 @@ public:
   }
   bool WaitForMore(int aQuestions) {
     std::unique_lock lock(mMutex);
-    return mChanged.wait_for(lock, kGenerousLimit, [this, end = mCount + aQuestions] { return mCount >= end; });
+    return mChanged.wait_for(lock, krtest::GetGenerousLimit(),
+                             [this, end = mCount + aQuestions] { return mCount >= end; });
   }
 
 private:
@@ -68,10 +68,10 @@ TEST(LinkWatch, SinkThatBlocksInTheWordOfLoss_DoesNotKeepItFromLookingForTheRetu
   LinkWatch watch(target, std::move(client), [] { return true; }, [](const KrResult&) {});
 
   watch.SetSink(&sink);
-  EXPECT_EQ(sink.mIsTold.get_future().wait_for(kGenerousLimit), std::future_status::ready);
+  EXPECT_EQ(sink.mIsTold.get_future().wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
 
   EXPECT_TRUE(questions.WaitForMore(2)) << "it is asked while the sink blocks";
   sink.mMayGoOn.set_value();
-  EXPECT_EQ(sink.mIsBack.get_future().wait_for(kGenerousLimit), std::future_status::ready);
+  EXPECT_EQ(sink.mIsBack.get_future().wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
   watch.SetSink(nullptr);
 }

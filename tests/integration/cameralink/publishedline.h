@@ -2,6 +2,7 @@
 // A port that is published for Camera Link programs, with the test in the place of the bridge: it collects what
 // programs send, sends what the test wants, and records the speeds that are asked for.
 
+#include "await.h"
 #include "bridge/cameralinkend.h"
 #include "temporaryfolder.h"
 
@@ -105,7 +106,7 @@ public:
   }
 
 private:
-  static constexpr std::chrono::seconds kLimit{120};
+  inline static const std::chrono::milliseconds kLimit = 2 * krtest::GetGenerousLimit();
 
   KrResult AskSpeed(std::uint32_t aBaudRate) {
     const std::lock_guard lock(mMutex);

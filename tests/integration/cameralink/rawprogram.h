@@ -1,6 +1,7 @@
 #pragma once
 // The socket of a published port in the hands of a program that keeps to no rule.
 
+#include "await.h"
 #include "krbase/filedescriptor.h"
 #include "krbase/krclwire.h"
 
@@ -56,7 +57,7 @@ public:
   int GetSocket() const { return mSocket.Get(); }
 
 private:
-  static constexpr int kLimitMs = 120'000;
+  inline static const int kLimitMs = 2 * krtest::GetGenerousMs();
 
   krbase::FileDescriptor mSocket;
 };

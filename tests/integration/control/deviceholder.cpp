@@ -3,6 +3,7 @@
 //
 //   deviceholder idle|streaming return|exit|quick_exit
 
+#include "await.h"
 #include "krdevice/krdevice.h"
 #include "krdevice/krdeviceend.h"
 #include "krdevice/krstream.h"
@@ -20,7 +21,7 @@
 
 namespace {
 
-constexpr std::uint32_t kTimeoutMs = 60'000;
+const std::uint32_t kTimeoutMs = krtest::GetGenerousMs();
 constexpr std::uint64_t kHeartbeatTimeoutRegister = 0x0938;
 constexpr std::array<std::uint8_t, 4> kTenMinutesMs = {0x00, 0x09, 0x27, 0xC0};
 constexpr int kReturnCode = 3;

@@ -1,3 +1,4 @@
+#include "await.h"
 #include "fakecamera.h"
 #include "krdevice/krdevice.h"
 #include "krsystem/krsystem.h"
@@ -13,7 +14,7 @@
 namespace {
 
 constexpr std::uint64_t kControlPrivilegeRegister = 0x0A00;
-constexpr std::uint32_t kTimeoutMs = 60'000;
+const std::uint32_t kTimeoutMs = krtest::GetGenerousMs();
 constexpr std::uint32_t kControlBit = 2;
 
 // What the camera says of who controls it, read as somebody who looks on.

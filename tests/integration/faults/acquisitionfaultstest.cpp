@@ -4,6 +4,7 @@
 // Beside the cases here, its states one by one are in lab/krviewer/acquisitiontest and lab/krviewer/settingsreturntest,
 // the whole program in camera/krviewer.
 
+#include "await.h"
 #include "faultlab.h"
 
 #include "acquisition/acquisition.h"
@@ -72,7 +73,7 @@ protected:
                       .then = [&](const KrResult& aResult) { set = aResult; }});
     };
     setHeight();
-    const bool isOver = AwaitTrue([&] {
+    const bool isOver = Await([&] {
       acquisition.LookAgain();
       const krviewer::AcquisitionProgress progress = acquisition.GetProgress();
       if (progress.state == AcquisitionState::Lost && !isReturned) {

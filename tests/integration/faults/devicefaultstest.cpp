@@ -3,6 +3,7 @@
 // Beside the cases here, what a transport makes of a real camera's loss is in gigevisionlosstest, gigevisionaccesstest
 // and network/networkaccesstest, of a simulated one's in lab/simulatedfaultstest and lab/registerfaultstest.
 
+#include "await.h"
 #include "faultlab.h"
 
 #include "krdevice/krstream.h"
@@ -14,7 +15,7 @@ namespace krtest {
 
 namespace {
 
-constexpr std::uint32_t kFrameLimitMs = 60'000;
+const std::uint32_t kFrameLimitMs = krtest::GetGenerousMs();
 
 class FaultyDevice : public FaultLab, public testing::WithParamInterface<DeviceFaultRow> {
 protected:

@@ -4,6 +4,7 @@
 // cannot be made at all in unit/krviewer/recordingfailurestest, unit/common/framefiletest and
 // unit/krbase/kratomicfiletest, a file that vanishes while the terminal sends it in widget/serial/terminaltransfertest.
 
+#include "await.h"
 #include "caselimit.h"
 #include "faultlab.h"
 #include "smalldisk.h"
@@ -165,7 +166,7 @@ protected:
     return mRecorder.Start(options);
   }
   krviewer::RecordingProgress AwaitEnd() {
-    EXPECT_TRUE(AwaitTrue([this] { return mRecorder.GetProgress().state == RecordingState::Ended; }));
+    EXPECT_TRUE(Await([this] { return mRecorder.GetProgress().state == RecordingState::Ended; }));
     return mRecorder.GetProgress();
   }
 
@@ -196,7 +197,7 @@ TEST_F(RecordedCamera, DiskThatIsFull_EndsTheRecordingSaysSoAndTheNextOneIsWhole
 TEST_F(RecordedCamera, FolderThatDisappears_EndsTheRecordingSaysSoAndTheNextOneIsWhole) {
   const std::string folder = mPlace.GetFile("gone");
   ASSERT_TRUE(Record(folder, 0).IsOK());
-  ASSERT_TRUE(AwaitTrue([this] { return mRecorder.GetProgress().counts.written > 0; }));
+  ASSERT_TRUE(Await([this] { return mRecorder.GetProgress().counts.written > 0; }));
 
   std::filesystem::rename(folder, mPlace.GetFile("elsewhere"));
   std::filesystem::remove_all(mPlace.GetFile("elsewhere"));

@@ -4,8 +4,6 @@
 #include "krsystem/transportregistry.h"
 
 #include <algorithm>
-#include <chrono>
-#include <thread>
 #include <utility>
 
 namespace krtest {
@@ -31,16 +29,6 @@ std::vector<std::uint64_t> ChooseSteps(std::uint64_t aCount, std::uint64_t aMost
 
 bool IsForGood(DeviceFault aFault) {
   return aFault == DeviceFault::Vanishes || aFault == DeviceFault::LosesPower || aFault == DeviceFault::StaysSilent;
-}
-
-bool AwaitTrue(const std::function<bool()>& aCondition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (!aCondition()) {
-    if (std::chrono::steady_clock::now() > limit)
-      return false;
-    std::this_thread::yield();
-  }
-  return true;
 }
 
 testing::AssertionResult SaysWhatHappened(const KrResult& aResult, const Words& aNames, const Words& aAdvice) {

@@ -55,9 +55,6 @@ std::string NameRow(const testing::TestParamInfo<Row>& aInfo) {
   return aInfo.param.name;
 }
 
-/// Waits until a condition holds; false when it does not within a limit that only a fault can reach.
-[[nodiscard]] bool AwaitTrue(const std::function<bool()>& aCondition);
-
 using Words = std::vector<std::string>;
 
 /// What the user is to do about a device.

@@ -5,6 +5,7 @@
 // programs in cameralink/cameralinkhostiletest, CL Protocol drivers that hang or crash in lab/camerabridgeclfaultstest,
 // and whole sessions over lines with random faults in lab/camerabridgefaultstest.
 
+#include "await.h"
 #include "faultlab.h"
 
 #include "bridgehost.h"
@@ -97,7 +98,7 @@ KrResult Ask(KrDeviceSerialPort& aPort) {
   std::string line;
   std::uint32_t written = 0;
   KrResult result;
-  const bool isAnswered = AwaitTrue([&] {
+  const bool isAnswered = Await([&] {
     result = aPort.Write(reinterpret_cast<const std::uint8_t*>(kQuestion.data()),
                          static_cast<std::uint32_t>(kQuestion.size()), written);
     line.clear();
@@ -139,7 +140,7 @@ KrResult FaultyLine::AwaitAnswer(KrSerialBridge& aBridge) {
   std::string received;
   KrString trouble;
   std::uint64_t asked = 0;
-  const bool isOver = AwaitTrue([&] {
+  const bool isOver = Await([&] {
     RemovePortWhereWanted();
     trouble = aBridge.GetStateText();
     if (!trouble.IsEmpty() || !mHasPort)

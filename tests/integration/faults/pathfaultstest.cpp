@@ -4,6 +4,7 @@
 // Beside the cases here, the counts of lost packets one by one are in gigevisionpathtest, floods and wrong answers in
 // gigevisionfloodtest and gvcpclienttest, hosts without a way to the camera in network/.
 
+#include "await.h"
 #include "camerarelay.h"
 #include "caselimit.h"
 #include "faultlab.h"
@@ -82,7 +83,7 @@ protected:
   /// Frames, until aIsEnough says so.
   static KrResult Watch(KrStream& aStream, Seen& aSeen, const std::function<bool(const Seen&)>& aIsEnough) {
     KrResult result;
-    const bool isOver = AwaitTrue([&] {
+    const bool isOver = Await([&] {
       KrBuffer* buffer = nullptr;
       result = aStream.Retrieve(buffer, kGenerousTimeoutMs);
       if (!result.IsOK())
@@ -245,7 +246,7 @@ TEST_F(FaultyCommands, NoneHeardFromAnyStepOfOpeningOn_IsSaidAndItOpensAfterward
     Listen();
     device.reset();
     KrResult again;
-    EXPECT_TRUE(AwaitTrue([&] { // Who controls it may stay known for a heartbeat.
+    EXPECT_TRUE(Await([&] { // Who controls it may stay known for a heartbeat.
       again = Open(device);
       return again != KrResult::Code::AccessDenied;
     }));
@@ -283,7 +284,7 @@ protected:
   // Found, opened, read and streamed anew.
   void ExpectUsable() {
     mDevice.reset();
-    EXPECT_TRUE(AwaitTrue([this] { return Find().IsOK() && Open().IsOK(); }));
+    EXPECT_TRUE(Await([this] { return Find().IsOK() && Open().IsOK(); }));
     ASSERT_NE(mDevice, nullptr);
     KrGenParameterArray* parameters = nullptr;
     ASSERT_TRUE(mDevice->GetParameters(parameters).IsOK());
@@ -366,7 +367,7 @@ TEST_P(FaultyProcess, WhileItStreams_IsSaidAndUsedAfterwards) {
     Hurt();
 
     KrResult ended;
-    EXPECT_TRUE(AwaitTrue([&] { // The frames that came before are there.
+    EXPECT_TRUE(Await([&] { // The frames that came before are there.
       ended = stream.Retrieve(buffer, kGenerousTimeoutMs);
       return !ended.IsOK() || !stream.Release(buffer).IsOK();
     }));

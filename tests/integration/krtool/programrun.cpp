@@ -1,5 +1,6 @@
 #include "programrun.h"
 
+#include "await.h"
 #include "spawning.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@
 
 namespace {
 
-constexpr int kLimitMs = 60'000;
+const int kLimitMs = krtest::GetGenerousMs();
 
 // Reads what there is; closes the descriptor at its end.
 void ReadFrom(int& aDescriptor, std::string& aText) {

@@ -2,6 +2,8 @@
 // An end of a pseudo-terminal that reads and writes only what it is told to, and both at once: socat stops reading
 // while it writes into a line that is full.
 
+#include "await.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -53,7 +55,7 @@ protected:
     EXPECT_EQ(tcsetattr(mDescriptor, TCSANOW, &settings), 0);
   }
 
-  static constexpr int kLimitMs = 60'000;
+  inline static const int kLimitMs = krtest::GetGenerousMs();
 
   const int mDescriptor;
 };
