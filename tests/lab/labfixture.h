@@ -1,6 +1,7 @@
 #pragma once
 // A lab, the built-in one where nothing else is said, behind the public classes, as an application meets it.
 
+#include "await.h"
 #include "krdevice/krdevice.h"
 #include "krsystem/krsystem.h"
 #include "krsystem/transportregistry.h"
@@ -12,15 +13,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <thread>
 #include <utility>
 
-constexpr std::uint32_t kGenerousLimitMs = 60000;
+inline const std::uint32_t kGenerousLimitMs = krtest::GetGenerousMs();
 constexpr const char* kMonoMAC = "02:4b:52:00:77:10";
 constexpr const char* kMonoAddress = "192.168.77.10";
 constexpr const char* kColourMAC = "02:4b:52:00:77:11";
@@ -29,13 +28,7 @@ constexpr const char* kRangeMAC = "02:4b:52:00:77:13";
 
 /// Asks again and again until a condition holds; false when it does not within a generous limit.
 inline bool WaitUntil(const std::function<bool()>& aCondition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
-  while (!aCondition()) {
-    if (std::chrono::steady_clock::now() > limit)
-      return false;
-    std::this_thread::yield();
-  }
-  return true;
+  return krtest::Await(aCondition);
 }
 
 /// Counts a device's events and lets a test wait for them.
@@ -54,8 +47,7 @@ public:
   }
   bool WaitFor(int aLost, int aBack) {
     std::unique_lock lock(mMutex);
-    return mChanged.wait_for(lock, std::chrono::milliseconds(kGenerousLimitMs),
-                             [&] { return mLost == aLost && mBack == aBack; });
+    return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [&] { return mLost == aLost && mBack == aBack; });
   }
   KrResult GetReason() {
     const std::lock_guard lock(mMutex);

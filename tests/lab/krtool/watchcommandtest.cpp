@@ -1,9 +1,9 @@
 #include "watchcommand.h"
 
+#include "await.h"
 #include "labfixture.h"
 
 #include <atomic>
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <sstream>
@@ -21,7 +21,7 @@ public:
   // Waits for a text behind so many bytes.
   bool Await(const std::string& aText, std::size_t aFrom = 0) {
     std::unique_lock lock(mMutex);
-    return mWritten.wait_for(lock, std::chrono::seconds(60),
+    return mWritten.wait_for(lock, krtest::GetGenerousLimit(),
                              [&] { return mText.find(aText, aFrom) != std::string::npos; });
   }
 

@@ -4,6 +4,7 @@
 #include "acquisition/acquisition.h"
 
 #include "acquisition/overlaytext.h"
+#include "await.h"
 #include "labfixture.h"
 
 #include <atomic>
@@ -24,12 +25,11 @@ protected:
   static krviewer::AcquisitionProgress
   Await(const krviewer::Acquisition& aAcquisition,
         const std::function<bool(const krviewer::AcquisitionProgress&)>& aCondition) {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
-    krviewer::AcquisitionProgress progress = aAcquisition.GetProgress();
-    while (!aCondition(progress) && std::chrono::steady_clock::now() < until) {
-      std::this_thread::yield();
+    krviewer::AcquisitionProgress progress;
+    (void)krtest::Await([&] { // Who asked sees in the progress whether it does.
       progress = aAcquisition.GetProgress();
-    }
+      return aCondition(progress);
+    });
     return progress;
   }
   static krviewer::AcquisitionProgress Await(const krviewer::Acquisition& aAcquisition,

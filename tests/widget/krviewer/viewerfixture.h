@@ -1,6 +1,7 @@
 #pragma once
 // The whole viewer on the simulated lab, in the hands of a test that looks at its windows and presses their keys.
 
+#include "await.h"
 #include "labfixture.h"
 #include "temporaryfolder.h"
 #include "window/viewer.h"
@@ -56,12 +57,15 @@ protected:
       return isFree;
     });
   }
-  // Runs the loop until a condition comes true; false when it does not within a generous limit.
+  // Runs the loop until a condition comes true; false when it does not within a generous limit. Deletes nothing that was
+  // left for later, as the toolkit's own wait does.
   static bool Await(const std::function<bool()>& aCondition) {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
-    while (!aCondition() && std::chrono::steady_clock::now() < until)
-      QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    return aCondition();
+    return krtest::Await([&] {
+      const bool isSo = aCondition();
+      if (!isSo)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+      return isSo;
+    });
   }
   /// Presses a key in the window with the keyboard.
   static void Press(Qt::Key aKey, Qt::KeyboardModifiers aModifiers = Qt::NoModifier) {

@@ -2,11 +2,11 @@
 // What the viewer's windows look at: a camera of the simulated lab on the viewer's own thread, and its loop.
 
 #include "acquisition/acquisition.h"
+#include "await.h"
 #include "labfixture.h"
 
 #include <QCoreApplication>
 
-#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -20,12 +20,14 @@ protected:
   virtual void LookAgain() = 0;
   // Looks again until a condition comes true; false when it does not within a generous limit.
   bool Await(const std::function<bool()>& aCondition) {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kGenerousLimitMs);
-    while (!aCondition() && std::chrono::steady_clock::now() < until) {
-      QCoreApplication::processEvents();
-      LookAgain();
-    }
-    return aCondition();
+    return krtest::Await([&] {
+      const bool isSo = aCondition();
+      if (!isSo) {
+        QCoreApplication::processEvents();
+        LookAgain();
+      }
+      return isSo;
+    });
   }
   bool IsIn(krviewer::AcquisitionState aState) const { return mAcquisition->GetProgress().state == aState; }
 

@@ -4,7 +4,6 @@
 #include "terminalfixture.h"
 #include "windowwait.h"
 
-#include <QElapsedTimer>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -30,11 +29,13 @@ protected:
   }
   /// Handles events, but deletes nothing that was left for later, until the transcript shows its text.
   [[nodiscard]] static bool AwaitShown(const QPointer<RollingEdit>& aTranscript) {
-    QElapsedTimer clock;
-    clock.start();
-    while (aTranscript && aTranscript->GetShownText() != aTranscript->GetText() && clock.elapsed() < 30'000)
-      QCoreApplication::processEvents();
-    return aTranscript && aTranscript->GetShownText() == aTranscript->GetText();
+    const auto isOver = [&] { return !aTranscript || aTranscript->GetShownText() == aTranscript->GetText(); };
+    const bool isSo = krtest::Await([&] {
+      if (!isOver())
+        QCoreApplication::processEvents();
+      return isOver();
+    });
+    return isSo && aTranscript;
   }
 
   TemporaryFolder mFolder;
