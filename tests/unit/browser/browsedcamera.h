@@ -2,6 +2,7 @@
 // A camera that is its description and memory, and a feature browser's rows on it: what tests of the browser's rules
 // stand on.
 
+#include "await.h"
 #include "describedcamera.h"
 #include "logic/browser/browsertree.h"
 #include "logic/frame/messagequeue.h"
@@ -48,15 +49,14 @@ public:
     return *tree.FindFeature(tree.AppendFeature(kNoItem, aName, *Get<KrGenParameter>(aName)));
   }
 
-  /// The item of the next row that has changed; waits for it, half a minute at most.
+  /// The item of the next row that has changed; waits for it, with a limit that only a fault can reach.
   std::optional<GridItem> TakeChangedRow() {
-    constexpr int kLimitMs = 30000;
     pollfd waking = {.fd = queue->GetWakeDescriptor(), .events = POLLIN, .revents = 0};
     do {
       if (const std::optional<MessageQueue::Taken> message = queue->Take()) {
         return message->Get().first;
       }
-    } while (poll(&waking, 1, kLimitMs) > 0);
+    } while (poll(&waking, 1, krtest::GetGenerousMs()) > 0);
     return std::nullopt;
   }
   /// Whether a row changes, which a test does not expect.

@@ -2,6 +2,7 @@
 
 #include "logic/browser/browserrefresh.h"
 
+#include "await.h"
 #include "describedcamera.h"
 #include "krbase/krlogger.h"
 
@@ -17,7 +18,7 @@ namespace krgui {
 namespace {
 
 constexpr int kRegisters = 50;
-constexpr std::chrono::seconds kPatience{60};
+const std::chrono::milliseconds kPatience = krtest::GetGenerousLimit();
 
 std::string MakePolledNodes() {
   std::string nodes;

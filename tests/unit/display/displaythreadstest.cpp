@@ -65,8 +65,6 @@ private:
   std::function<void()> mTell;
 };
 
-constexpr std::chrono::seconds kGenerousLimit(60);
-
 } // namespace
 
 TEST(DisplayThreads, EverythingAtOnce_NeverMixesImages) {
@@ -217,7 +215,7 @@ TEST(DisplayThreads, ClearDuringAConversion_DoesNotWaitAndDropsItsResult) {
   memory.AwaitReader();
 
   auto clearing = std::async(std::launch::async, [&] { display.content.Clear(); });
-  const bool isCleared = clearing.wait_for(kGenerousLimit) == std::future_status::ready;
+  const bool isCleared = clearing.wait_for(krtest::GetGenerousLimit()) == std::future_status::ready;
   const bool isPaintedEmpty = isCleared && !display.Look().hasImage;
   memory.Open();
 
@@ -240,7 +238,7 @@ TEST(DisplayThreads, ImageAfterAClearDuringAConversion_IsWhatTheInternalBufferHa
   auto conversion = std::async(std::launch::async, [&] { return display.content.GetInternalBuffer().GetSize(); });
   memory.AwaitReader();
   auto clearing = std::async(std::launch::async, [&] { display.content.Clear(); });
-  const bool isCleared = clearing.wait_for(kGenerousLimit) == std::future_status::ready;
+  const bool isCleared = clearing.wait_for(krtest::GetGenerousLimit()) == std::future_status::ready;
 
   display.Show(MakeImage(4, 4, KrPixel::Mono8, 9));
   memory.Open();

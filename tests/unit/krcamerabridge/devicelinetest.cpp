@@ -1,5 +1,6 @@
 #include "line/deviceline.h"
 
+#include "await.h"
 #include "serialadapter.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +12,7 @@
 namespace krcamerabridge {
 namespace {
 
-constexpr std::uint32_t kGenerousMs = 60000;
+const std::uint32_t kGenerousMs = krtest::GetGenerousMs();
 
 // A port with two speeds, set without a device.
 class TwoSpeeds final : public ILineSpeed {

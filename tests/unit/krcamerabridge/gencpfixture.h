@@ -1,6 +1,7 @@
 #pragma once
 // A GenCP camera on a serial port of a device, for tests of what talks to it.
 
+#include "await.h"
 #include "gencp/commandcycle.h"
 #include "gencpcamera.h"
 #include "line/deviceline.h"
@@ -17,12 +18,12 @@
 namespace krcamerabridge {
 
 /// As long as only a fault can take.
-constexpr std::uint32_t kGenerousMs = 60000;
+inline const std::uint32_t kGenerousMs = krtest::GetGenerousMs();
 /// Shorter than for a camera behind a real device, so that what is lost on purpose is missed soon. Only for tests of
 /// that: a camera that has to wait for a processor may be missed too.
-constexpr CycleTimes kQuickTimes{400, 100, 1, kGenerousMs, kGenerousMs};
+inline const CycleTimes kQuickTimes{400, 100, 1, kGenerousMs, kGenerousMs};
 /// For what is answered at once: a camera that has to wait for a processor is not asked again.
-constexpr CycleTimes kPatientTimes{kGenerousMs, 100, 1, kGenerousMs, kGenerousMs};
+inline const CycleTimes kPatientTimes{kGenerousMs, 100, 1, kGenerousMs, kGenerousMs};
 
 /// The speed of the host's end of the wire.
 class WireSpeed final : public ILineSpeed {

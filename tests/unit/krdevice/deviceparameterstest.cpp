@@ -1,5 +1,6 @@
 // The parameters of an open device, as KrDevice gives them.
 
+#include "await.h"
 #include "describedlink.h"
 #include "krdevice/krdevicegev.h"
 
@@ -236,7 +237,7 @@ KrResult DestroyWhileASinkWaits(std::uint64_t aMuteAddress) {
   std::thread events([&] { link.sink->OnLinkLost(KrResult::Code::ConnectionLost); });
   // As real links do, which wait for a call that is running.
   link.onSetSink = [&](krsystem::IDeviceLinkSink*) { events.join(); };
-  EXPECT_EQ(link.isAwaited.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
+  EXPECT_EQ(link.isAwaited.get_future().wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
 
   device.reset();
 

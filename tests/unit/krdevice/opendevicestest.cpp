@@ -1,5 +1,6 @@
 #include "opendevices.h"
 
+#include "await.h"
 #include "fakelink.h"
 #include "krbase/krlogger.h"
 
@@ -18,7 +19,7 @@ using krdevice::OpenDevices;
 
 namespace {
 
-constexpr std::chrono::seconds kGenerousLimit{60};
+const std::chrono::milliseconds kGenerousLimit = krtest::GetGenerousLimit();
 constexpr std::chrono::milliseconds kShortLimit{1};
 
 // A link whose control is given back only when the test allows it.
@@ -185,7 +186,8 @@ TEST(OpenDevices, BeginClosing_GiveBackThatHangsBeyondTheLimit_SaysThatTheLinkIs
 
 TEST(OpenDevices, Get_ForkWhileAnotherThreadUsesTheList_LeavesItUsableInTheChild) {
   constexpr int kForks = 200;
-  constexpr unsigned kChildLimitS = 60; // A child that waits for a lock without an owner ends by SIGALRM.
+  // A child that waits for a lock without an owner ends by SIGALRM.
+  const unsigned kChildLimitS = krtest::GetGenerousMs() / 1000;
   OpenDevices& devices = OpenDevices::Get();
   FakeLink link;
   std::jthread user([&](const std::stop_token& aStop) {

@@ -1,6 +1,7 @@
 #pragma once
 // A device whose only stream channel a test fills by hand.
 
+#include "await.h"
 #include "fakelink.h"
 #include "krdevice/krdevicegev.h"
 #include "krdevice/krstream.h"
@@ -9,7 +10,7 @@
 
 class StreamTest : public testing::Test {
 protected:
-  static constexpr std::uint32_t kGenerousLimitMs = 60000;
+  inline static const std::uint32_t kGenerousLimitMs = krtest::GetGenerousMs();
 
   // Takes a frame and gives it back.
   static KrResult WaitForFrame(KrStream& aStream) {

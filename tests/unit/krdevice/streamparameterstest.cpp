@@ -1,5 +1,6 @@
 // The parameters of a stream, as KrStream gives them, over a source whose figures the test decides.
 
+#include "await.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "parametertext.h"
 #include "streamfixture.h"
@@ -23,7 +24,7 @@ public:
   }
   bool Wait() {
     std::unique_lock lock(mMutex);
-    return mChanged.wait_for(lock, std::chrono::seconds(60), [this] { return mUpdates > 0; });
+    return mChanged.wait_for(lock, krtest::GetGenerousLimit(), [this] { return mUpdates > 0; });
   }
 
 private:

@@ -2,6 +2,7 @@
 // An open queue with a worker's ticket, and what its tests do with one: wait for a message, take all, send from a
 // thread.
 
+#include "await.h"
 #include "logic/frame/messagequeue.h"
 
 #include <gmock/gmock.h>
@@ -20,7 +21,6 @@ namespace krgui {
 inline constexpr Message kFirst = {0x1401, 7, -1};
 inline constexpr Message kSecond = {0x1E91, 8, 2};
 inline constexpr Message kSent = {0x2B02, 1, 3};
-inline constexpr int kGenerousLimitMs = 60000;
 
 inline bool IsReadable(const MessageQueue& aQueue, int aTimeoutMs = 0) {
   pollfd descriptor = {aQueue.GetWakeDescriptor(), POLLIN, 0};
@@ -28,7 +28,7 @@ inline bool IsReadable(const MessageQueue& aQueue, int aTimeoutMs = 0) {
 }
 
 inline bool WaitForMessage(const MessageQueue& aQueue) {
-  return IsReadable(aQueue, kGenerousLimitMs);
+  return IsReadable(aQueue, krtest::GetGenerousMs());
 }
 
 inline std::vector<Message> TakeAll(MessageQueue& aQueue) {
@@ -52,7 +52,7 @@ inline bool HasEnded(const std::future<Answer>& aSend) {
 }
 
 inline bool Ends(const std::future<Answer>& aSend) {
-  return aSend.wait_for(std::chrono::milliseconds(kGenerousLimitMs)) == std::future_status::ready;
+  return aSend.wait_for(krtest::GetGenerousLimit()) == std::future_status::ready;
 }
 
 class MessageQueueTest : public testing::Test {

@@ -1,6 +1,7 @@
 #pragma once
 // A serial port behind the features of a camera, with maps of the test's own.
 
+#include "await.h"
 #include "featuredevice.h"
 #include "krserial/krdeviceserialport.h"
 #include "krserial/krserialfeatures.h"
@@ -14,7 +15,7 @@
 
 namespace krtest {
 
-inline constexpr std::uint32_t kGenerousMs = 60000;
+inline const std::uint32_t kGenerousMs = GetGenerousMs();
 
 inline constexpr const char* kUartMap = R"(serialFeatures:
   - name: UART

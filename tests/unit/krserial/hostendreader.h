@@ -1,9 +1,9 @@
 #pragma once
 // A thread that reads a bridge's end on the host for a test, as the bridge would.
 
+#include "await.h"
 #include "bridge/ihostend.h"
 
-#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -70,7 +70,7 @@ private:
 
   template <typename Condition>
   void Wait(Lock& aLock, Condition aCondition) {
-    mChanged.wait_for(aLock, std::chrono::seconds(60), aCondition);
+    mChanged.wait_for(aLock, krtest::GetGenerousLimit(), aCondition);
   }
 
   void Run(const std::stop_token& aStop) {

@@ -17,7 +17,7 @@ namespace {
 using krtest::SerialAdapter;
 using krtest::SerialLine;
 
-constexpr std::uint32_t kGenerousMs = 60000;
+const std::uint32_t kGenerousMs = krtest::GetGenerousMs();
 
 const std::uint8_t* Bytes(const std::string& aText) {
   return reinterpret_cast<const std::uint8_t*>(aText.data());

@@ -1,5 +1,6 @@
 #include "krserial/krdeviceserialspeed.h"
 
+#include "await.h"
 #include "krserial/krbulkselectorturn.h"
 #include "serialadapter.h"
 
@@ -299,7 +300,7 @@ TEST(KrBulkSelectorTurn, OfOtherPortsAndDevices_IsHadAtOnce) {
     const KrBulkSelectorTurn ofOther(other, KrDeviceSerial::Bulk0);
   });
 
-  EXPECT_EQ(others.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+  EXPECT_EQ(others.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
 }
 
 // A thread may be at it still: a program whose display goes is ended from inside, for one.

@@ -1,6 +1,7 @@
 #pragma once
 // A program that uses a serial port of the host, by the port's path.
 
+#include "await.h"
 #include "bridge/ttysettings.h"
 #include "krbase/filedescriptor.h"
 #include "pseudoterminal.h"
@@ -32,7 +33,7 @@ public:
     std::string part(4096, '\0');
     while (text.size() < aSize) {
       pollfd waited = {.fd = mTty.Get(), .events = POLLIN, .revents = 0};
-      const bool isReady = poll(&waited, 1, 60000) > 0;
+      const bool isReady = poll(&waited, 1, krtest::GetGenerousMs()) > 0;
       const ssize_t size = isReady ? read(mTty.Get(), part.data(), std::min(part.size(), aSize - text.size())) : 0;
       if (size <= 0)
         break;

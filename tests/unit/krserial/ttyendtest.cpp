@@ -1,5 +1,6 @@
 // A serial port of the host as the end of a bridge: real pseudo-terminals, with the test at their other ends.
 
+#include "await.h"
 #include "bridge/ttyend.h"
 #include "bridge/ttysettings.h"
 #include "bridgeends.h"
@@ -280,7 +281,7 @@ TEST_F(TtyEndTest, Bytes_ThatCameBeforeThePortWasOpened_AreNotRead) {
   ASSERT_TRUE(settings.Apply(former.Get()));
   mTerminal->Write("before");
   pollfd arrived = {.fd = former.Get(), .events = POLLIN, .revents = 0};
-  ASSERT_EQ(poll(&arrived, 1, 60000), 1);
+  ASSERT_EQ(poll(&arrived, 1, krtest::GetGenerousMs()), 1);
 
   const std::unique_ptr<IHostEnd> end = Open();
   HostEndReader reader(*end);

@@ -1,8 +1,9 @@
 #include "krsystem/linkevents.h"
 
+#include "await.h"
+
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <string>
@@ -20,7 +21,7 @@ public:
 
   std::vector<std::string> WaitForLast(const std::string& aLast) {
     std::unique_lock lock(mMutex);
-    mChanged.wait_for(lock, std::chrono::minutes(1), [&] { return !mHeard.empty() && mHeard.back() == aLast; });
+    mChanged.wait_for(lock, krtest::GetGenerousLimit(), [&] { return !mHeard.empty() && mHeard.back() == aLast; });
     return mHeard;
   }
 

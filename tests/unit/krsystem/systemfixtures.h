@@ -1,11 +1,11 @@
 #pragma once
 // What tests of KrSystem share: a sink that records, and what a system lists.
 
+#include "await.h"
 #include "faketransport.h"
 #include "krsystem/krsystem.h"
 
 #include <atomic>
-#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <gmock/gmock.h>
@@ -49,6 +49,6 @@ inline KrResult WaitForCancel(const krsystem::DiscoveryRequest& aRequest) {
   std::mutex mutex;
   std::condition_variable_any cancelled;
   std::unique_lock lock(mutex);
-  cancelled.wait_for(lock, aRequest.cancel, std::chrono::minutes(1), [] { return false; });
+  cancelled.wait_for(lock, aRequest.cancel, krtest::GetGenerousLimit(), [] { return false; });
   return aRequest.cancel.stop_requested() ? KrResult::Code::Aborted : KrResult::Code::TimeLimitExceeded;
 }

@@ -1,5 +1,6 @@
 #include "cancellation.h"
 
+#include "await.h"
 #include "describedcamera.h"
 
 #include <gtest/gtest.h>
@@ -19,8 +20,7 @@ public:
     std::condition_variable_any cancelled;
     std::unique_lock lock(mutex);
     std::raise(SIGINT);
-    constexpr std::chrono::minutes kLimit{1};
-    cancelled.wait_for(lock, aCancel, kLimit, [&aCancel] { return aCancel.stop_requested(); });
+    cancelled.wait_for(lock, aCancel, krtest::GetGenerousLimit(), [&aCancel] { return aCancel.stop_requested(); });
     return aCancel.stop_requested() ? KrResult::Code::Aborted : KrResult::Code::TimeLimitExceeded;
   }
   KrResult Write(std::uint64_t, const void*, std::size_t, std::uint32_t, const std::stop_token&) override {

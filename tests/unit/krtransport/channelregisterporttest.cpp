@@ -1,5 +1,7 @@
 #include "aravis/channelregisterport.h"
 
+#include "await.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,7 +15,7 @@ using krtransport::ChannelRegisterPort;
 using krtransport::IoThread;
 using krtransport::RegisterLimits;
 
-constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+const std::uint32_t kGenerousTimeoutMs = krtest::GetGenerousMs();
 
 /// A memory in which every byte is the low byte of its address.
 class FakeChannel : public krtransport::IRegisterChannel {

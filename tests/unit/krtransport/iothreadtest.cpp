@@ -1,5 +1,7 @@
 #include "aravis/iothread.h"
 
+#include "await.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,7 +14,7 @@ namespace {
 
 using krtransport::IoThread;
 
-constexpr std::uint32_t kGenerousTimeoutMs = 60000;
+const std::uint32_t kGenerousTimeoutMs = krtest::GetGenerousMs();
 
 TEST(IoThread, Run_Job_ReturnsItsResult) {
   IoThread thread;

@@ -15,7 +15,7 @@ namespace {
 
 using namespace krtransport;
 
-constexpr std::uint32_t kLongMs = 30000;
+const std::uint32_t kLongMs = krtest::GetGenerousMs();
 
 // Registers that hold their own addresses, and that keep silent while they are told to.
 class FakeChannel final : public IRegisterChannel {

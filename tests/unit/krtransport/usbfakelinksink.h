@@ -1,9 +1,9 @@
 #pragma once
 // Hears of a link's loss and return for tests, and lets them wait for it.
 
+#include "await.h"
 #include "krsystem/idevicelink.h"
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -42,7 +42,7 @@ private:
   template <typename Condition>
   bool Wait(Condition aCondition) {
     std::unique_lock lock(mMutex);
-    return mChanged.wait_for(lock, std::chrono::seconds(30), aCondition);
+    return mChanged.wait_for(lock, krtest::GetGenerousLimit(), aCondition);
   }
 
   std::mutex mMutex; // Guards the members below.

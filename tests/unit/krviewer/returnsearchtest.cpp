@@ -1,11 +1,11 @@
 #include "acquisition/returnsearch.h"
 
+#include "await.h"
 #include "krsystem/ipv4address.h"
 #include "scriptedtransport.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <future>
 
 using krviewer::CameraInfo;
@@ -13,7 +13,6 @@ using krviewer::CameraInfo;
 namespace {
 
 constexpr const char* kAddress = "192.168.1.20";
-constexpr std::chrono::minutes kGenerousLimit{1};
 
 // A camera that only its address leads to, and rounds that end when they are cancelled.
 class ReturnSearchTest : public testing::Test {
@@ -40,7 +39,7 @@ protected:
   }
   // Whether a look ends though nobody ends its round but a cancel; it is ended in any case.
   bool EndsByItself(const std::future<CameraInfo>& aLook) {
-    const bool isOver = aLook.wait_for(kGenerousLimit) == std::future_status::ready;
+    const bool isOver = aLook.wait_for(krtest::GetGenerousLimit()) == std::future_status::ready;
     mRound.Open();
     return isOver;
   }

@@ -1,5 +1,6 @@
 #include "camerafile/commandexchange.h"
 
+#include "await.h"
 #include "cameraend.h"
 #include "camerafile/camerafilereader.h"
 
@@ -261,7 +262,7 @@ TEST(CommandExchange, Cancelling_EndsTheWaitAtOnce) {
 
   stop.request_stop();
 
-  ASSERT_EQ(asked.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+  ASSERT_EQ(asked.wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
   EXPECT_EQ(asked.get(), KrResult::Code::Aborted);
 }
 

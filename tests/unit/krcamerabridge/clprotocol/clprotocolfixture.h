@@ -16,11 +16,12 @@
 
 namespace krcamerabridge {
 
-constexpr std::uint32_t kGenerousMs = 60000;
+inline const std::uint32_t kGenerousMs = krtest::GetGenerousMs();
 /// A driver that hangs is found out soon, and all else has the time that it needs, also where many drivers are started
 /// at once on a slow machine.
 constexpr CLDriverTimes kHangTimes{1000, 10000, 10000, 10000, 10000, 10000, 10000, 10000, 1000, 10000};
-constexpr CLDriverTimes kGenerousTimes{2000, 60000, 60000, 60000, 60000, 60000, 60000, 60000, 60000, 60000};
+inline const CLDriverTimes kGenerousTimes{2000,        kGenerousMs, kGenerousMs, kGenerousMs, kGenerousMs,
+                                          kGenerousMs, kGenerousMs, kGenerousMs, kGenerousMs, kGenerousMs};
 
 constexpr std::uint64_t kProcessID = 0xFFFF0000; // Registers of the test's driver.
 constexpr std::uint64_t kRefused = 0xFFFF0010;

@@ -1,5 +1,6 @@
 #include "clprotocol/clserial.h"
 
+#include "await.h"
 #include "clprotocol/clprotocolapi.h"
 #include "testcamera.h"
 
@@ -8,7 +9,7 @@
 namespace krcamerabridge {
 namespace {
 
-constexpr std::uint32_t kGenerousMs = 60000;
+const std::uint32_t kGenerousMs = krtest::GetGenerousMs();
 constexpr std::uint32_t k57600 = 0x08;
 constexpr std::uint32_t k115200 = 0x10;
 

@@ -1,6 +1,7 @@
 #pragma once
 // A camera whose parameters change in all the ways there are, and a sink that writes down what it is told.
 
+#include "await.h"
 #include "describedcamera.h"
 #include "krgenicam/krgeneventsink.h"
 
@@ -14,7 +15,7 @@
 #include <vector>
 
 /// How long a test waits for what is bound to come.
-inline constexpr std::chrono::seconds kPatience{60};
+inline const std::chrono::milliseconds kPatience = krtest::GetGenerousLimit();
 
 /// A register of four bytes, little endian.
 inline std::string MakeRegister(const std::string& aName, int aAddress, const std::string& aMore = {}) {

@@ -1,3 +1,4 @@
+#include "await.h"
 #include "describedsettings.h"
 
 #include <chrono>
@@ -266,7 +267,7 @@ public:
       return KrResult();
     });
     mThread = std::jthread([this] {
-      EXPECT_EQ(mIsWaitedFor.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+      EXPECT_EQ(mIsWaitedFor.get_future().wait_for(krtest::GetGenerousLimit()), std::future_status::ready);
       mCamera.array->Cancel();
     });
   }
