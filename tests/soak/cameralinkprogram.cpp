@@ -1,5 +1,7 @@
 #include "cameralinkprogram.h"
 
+#include "await.h"
+
 #include <chrono>
 #include <dlfcn.h>
 #include <stdexcept>
@@ -7,7 +9,7 @@
 namespace {
 
 constexpr CLUINT32 kStepMs = 100; // After which it is looked whether the exchange was stopped.
-constexpr std::chrono::minutes kLimit{1};
+const std::chrono::milliseconds kLimit = krtest::GetGenerousLimit();
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "soakbridges.h"
 
+#include "await.h"
 #include "krgui/krserialbridgemanagerwnd.h"
 #include "krpersistence/krconfigurationreader.h"
 #include "krpersistence/krconfigurationwriter.h"
@@ -17,7 +18,7 @@ namespace id = krgui::bridgeid;
 constexpr const char* kListName = "SerialBridges";
 constexpr int kMostPortBytes = 1024;
 constexpr int kMostPublishedBytes = 64; // The line behind has 9600 baud.
-constexpr std::chrono::minutes kLimit{1};
+const std::chrono::milliseconds kLimit = krtest::GetGenerousLimit();
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // Windows among the host's own: in its dialogs and layouts, above its windows, at its end.
 
+#include "await.h"
 #include "krgui/krdisplaywnd.h"
 #include "windowwait.h"
 
@@ -41,7 +42,7 @@ public:
 
 // Runs the application's loop until it quits by itself; 7 when it did not.
 int RunLoop() {
-  QTimer::singleShot(20000, qApp, [] { QCoreApplication::exit(7); });
+  QTimer::singleShot(krtest::GetGenerousMs(), qApp, [] { QCoreApplication::exit(7); });
   QApplication::setQuitOnLastWindowClosed(true);
   const int exitCode = QApplication::exec();
   QApplication::setQuitOnLastWindowClosed(false);
