@@ -136,7 +136,7 @@ TEST(Placing, TenReopenings_NeitherMoveNorResize) {
   for (int opening = 0; opening < 10; ++opening) {
     ASSERT_TRUE(window.ShowModeless(0).IsOK());
     ASSERT_TRUE(AwaitPlaced(window));
-    ASSERT_EQ(GetFrame(window).topLeft(), QPoint(300, 250)) << "opening " << opening;
+    ASSERT_TRUE(WaitFor([&] { return GetFrame(window).topLeft() == QPoint(300, 250); })) << "opening " << opening;
     ASSERT_EQ(GetPosition(window), (Position{300, 250, 500, 400})) << "opening " << opening;
     ASSERT_TRUE(window.Close().IsOK());
     ASSERT_EQ(GetPosition(window), (Position{300, 250, 500, 400})) << "closed after opening " << opening;
@@ -220,7 +220,7 @@ TEST_F(OwnedChild, Frame_LiesAtItsPlaceInTheParentsClientArea) {
   EXPECT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500}));
 }
 
-TEST_F(OwnedChild, IsAWindowOfItsOwnOwnedByTheParentWithoutADialogsFrame) {
+TEST_F(OwnedChild, IsAWindowOfItsOwnOwnedByTheParentAndNoDialogForTheWindowManager) {
   const NativeWindow reader(0, 1500, 50, 50);
   const xcb_atom_t normal = reader.FindAtom("_NET_WM_WINDOW_TYPE_NORMAL");
 
@@ -238,6 +238,8 @@ TEST_F(OwnedChild, TenReopenings_NeitherMoveNorResize) {
     DeleteWhatIsLeft();
     ASSERT_TRUE(mWindow.Create(mParent->winId(), 3).IsOK());
     ASSERT_TRUE(AwaitPlaced(mWindow));
+    ASSERT_TRUE(WaitFor([this] { return FindCornerInParent() == QPoint(50, 60); })) << "opening " << opening;
+    ASSERT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500})) << "opening " << opening;
   }
 }
 
@@ -257,7 +259,7 @@ TEST_F(OwnedChild, ParentsEnd_TakesItAlong) {
   EXPECT_EQ(GetPosition(mWindow), (Position{50, 60, 700, 500}));
 }
 
-TEST(Placing, ModelessWindow_HasADialogsFrame) {
+TEST(Placing, ModelessWindow_IsADialogForTheWindowManager) {
   const NativeWindow reader(0, 1500, 50, 50);
   const xcb_atom_t dialog = reader.FindAtom("_NET_WM_WINDOW_TYPE_DIALOG");
   TestWnd window;
@@ -302,11 +304,12 @@ TEST(Placing, MovedByTheUser_IsRememberedAndReopenedThere) {
   ASSERT_TRUE(WaitFor([&] { return GetPosition(window) == Position{420, 330, 500, 400}; }));
 
   ASSERT_TRUE(window.Close().IsOK());
+  EXPECT_EQ(GetPosition(window), (Position{420, 330, 500, 400}));
   DeleteWhatIsLeft();
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
 
   ASSERT_TRUE(AwaitPlaced(window));
-  EXPECT_EQ(GetFrame(window).topLeft(), QPoint(420, 330));
+  EXPECT_TRUE(WaitFor([&] { return GetFrame(window).topLeft() == QPoint(420, 330); }));
 }
 
 TEST(Placing, SetWhileOpen_MovesTheFrameThere) {
@@ -436,7 +439,7 @@ TEST_F(Captions, NeverSet_AreEmpty) {
   EXPECT_NE(mReader.FindProperty(GetXID(mWindow), "_NET_WM_NAME").type, xcb_atom_t(XCB_ATOM_NONE));
 }
 
-TEST_F(Captions, SetEmptyWhileOpen_AreEmptyAtOnce) {
+TEST_F(Captions, SetEmptyWhileOpen_BecomeEmpty) {
   mWindow.SetTitle("Camera 1");
   ASSERT_TRUE(mWindow.ShowModeless(0).IsOK());
   ASSERT_TRUE(AwaitPlaced(mWindow));

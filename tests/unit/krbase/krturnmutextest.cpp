@@ -100,7 +100,7 @@ TEST(KrTurnMutex, Lock_TakenAgainByWhoGaveItUp_IsHadAfterAllWhoWait) {
   EXPECT_EQ(order.size(), kThreads);
 }
 
-TEST(KrTurnMutex, TryLock_HeldOrFree_IsHadWithoutWaitingWhereItIsFree) {
+TEST(KrTurnMutex, TryLock_HeldOrFree_IsHadWhereItIsFree) {
   KrTurnMutex lock;
 
   const bool isHad = lock.try_lock();

@@ -20,6 +20,7 @@ TEST(Invalidation, SelectorWhoseBanksTheDeviceHas_IsWritten_SelectedFeatureIsRea
   DescribedCamera camera(kBanks);
   EXPECT_EQ(Read(camera.Integer("Gain"), &KrGenInteger::GetValue), 0);
   camera.Poke(0x104, {7});
+  EXPECT_EQ(Read(camera.Integer("Gain"), &KrGenInteger::GetValue), 0) << "It is known.";
 
   ASSERT_TRUE(camera.Integer("Bank").SetValue(1).IsOK());
 
@@ -31,6 +32,7 @@ TEST(Invalidation, FeatureWithAnInvalidator_InvalidatorIsWritten_FeatureIsReadAn
                          MakeFeature("Result", "<pInvalidator>Mode</pInvalidator>") + MakeRegister("ResultReg", 0x104));
   EXPECT_EQ(Read(camera.Integer("Result"), &KrGenInteger::GetValue), 0);
   camera.Poke(0x104, {9});
+  EXPECT_EQ(Read(camera.Integer("Result"), &KrGenInteger::GetValue), 0) << "It is known.";
 
   ASSERT_TRUE(camera.Integer("Mode").SetValue(1).IsOK());
 
@@ -43,6 +45,7 @@ TEST(Invalidation, FeatureWithAnInvalidator_OtherFeatureOfTheSameRegister_IsRead
                          "<Integer Name=\"Copy\"><pValue>ResultReg</pValue></Integer>");
   EXPECT_EQ(Read(camera.Integer("Copy"), &KrGenInteger::GetValue), 0);
   camera.Poke(0x104, {9});
+  EXPECT_EQ(Read(camera.Integer("Copy"), &KrGenInteger::GetValue), 0) << "It is known.";
 
   ASSERT_TRUE(camera.Integer("Mode").SetValue(1).IsOK());
 
@@ -55,6 +58,7 @@ TEST(Invalidation, FeatureByName_ItsRegisterIsReadAnewThroughAllThatIsBetween) {
                          MakeRegister("BottomReg", 0x100));
   EXPECT_EQ(Read(camera.Integer("Top"), &KrGenInteger::GetValue), 0);
   camera.Poke(0x100, {5});
+  EXPECT_EQ(Read(camera.Integer("Top"), &KrGenInteger::GetValue), 0) << "It is known.";
 
   ASSERT_TRUE(camera.array->Invalidate("Top").IsOK());
 
@@ -65,6 +69,7 @@ TEST(Invalidation, FeatureOfAnEvent_EventComes_FeatureIsReadAnew) {
   DescribedCamera camera(MakeFeature("Counter", "<EventID>9001</EventID>") + MakeRegister("CounterReg", 0x100));
   EXPECT_EQ(Read(camera.Integer("Counter"), &KrGenInteger::GetValue), 0);
   camera.Poke(0x100, {3});
+  EXPECT_EQ(Read(camera.Integer("Counter"), &KrGenInteger::GetValue), 0) << "It is known.";
 
   camera.array->DeliverEvent(0x9001, nullptr, 0);
 
@@ -105,6 +110,7 @@ TEST(Invalidation, FeaturesThatAreEachOthersValue_HaveNoneAndLeaveOthersTheirs) 
 
   std::int64_t value = 0;
   EXPECT_FALSE(camera.Integer("A").GetValue(value).IsOK());
+  EXPECT_FALSE(camera.Integer("B").GetValue(value).IsOK());
   EXPECT_TRUE(camera.Integer("Free").SetValue(1).IsOK());
   EXPECT_EQ(camera.Peek(0x100, 1), std::vector<std::uint8_t>{1});
 }
