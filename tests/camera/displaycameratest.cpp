@@ -1,6 +1,7 @@
 // From an independent camera to the screen, in one process: found, opened, streamed, shown, and compared pixel by
 // pixel.
 
+#include "await.h"
 #include "displaypictures.h"
 #include "fakecamera.h"
 #include "krdevice/krdevice.h"
@@ -151,12 +152,11 @@ TEST_F(CameraInAWindow, KilledWhileFramesArrive_EndsTheStreamWithAResultAndAnEve
   mCamera.Kill();
 
   KrResult result;
-  for (int tries = 0; tries < 2000; ++tries) {
+  EXPECT_TRUE(krtest::Await([&] {
     result = stream.Retrieve(buffer, 100);
-    if (!result.IsOK() && !(result == KrResult::Code::TimeLimitExceeded))
-      break;
     EXPECT_TRUE(!result.IsOK() || stream.Release(buffer).IsOK());
-  }
+    return !result.IsOK() && !(result == KrResult::Code::TimeLimitExceeded);
+  }));
   EXPECT_TRUE(result == KrResult::Code::ConnectionLost) << result.GetCodeString().CStr();
   EXPECT_FALSE(result.GetDescription().IsEmpty());
   EXPECT_FALSE(mDevice->IsConnected());

@@ -1,5 +1,6 @@
 #include "krbase/krclsockets.h"
 
+#include "await.h"
 #include "krbase/filedescriptor.h"
 #include "krbase/krclwire.h"
 #include "temporaryfolder.h"
@@ -180,7 +181,7 @@ TEST_F(CLSockets, PathOfAnyLength_WillDo) {
   const Publication publication = Publish("Camera");
   krbase::FileDescriptor socket;
 
-  EXPECT_TRUE(KrConnectCLPort(FindPort("Camera"), 60s, socket).IsOK());
+  EXPECT_TRUE(KrConnectCLPort(FindPort("Camera"), krtest::GetGenerousLimit(), socket).IsOK());
 }
 
 TEST_F(CLSockets, NameThatIsTaken_GetsTheFirstNumberThatNobodyHas) {
@@ -233,7 +234,7 @@ TEST_F(CLSockets, PortOfAProcessThatDied_IsRemovedAndItsNameIsFree) {
   const KrCLPort dead{1, "Camera"};
   krbase::FileDescriptor socket;
 
-  EXPECT_EQ(KrConnectCLPort(dead, 60s, socket).GetCode(), KrResult::Code::NotFound);
+  EXPECT_EQ(KrConnectCLPort(dead, krtest::GetGenerousLimit(), socket).GetCode(), KrResult::Code::NotFound);
   EXPECT_THAT(List(), IsEmpty());
   EXPECT_THAT(GetFiles(), ElementsAre("directory.lock"));
   EXPECT_EQ(Publish("Camera")->GetName(), "Camera");
@@ -339,7 +340,7 @@ TEST_F(CLSockets, Connection_IsOfThisUserAndReachesItsPort) {
   const Publication publication = Publish("Camera");
   krbase::FileDescriptor socket;
 
-  ASSERT_TRUE(KrConnectCLPort(FindPort("Camera"), 60s, socket).IsOK());
+  ASSERT_TRUE(KrConnectCLPort(FindPort("Camera"), krtest::GetGenerousLimit(), socket).IsOK());
   const krbase::FileDescriptor accepted(::accept(publication->GetSocket(), nullptr, nullptr));
 
   ASSERT_TRUE(accepted.IsOpen());

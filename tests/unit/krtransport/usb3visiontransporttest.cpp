@@ -1,5 +1,6 @@
 #include "usb3vision/usb3visiontransport.h"
 
+#include "await.h"
 #include "usb3vision/libusbaccess.h"
 #include "usbfakeaccess.h"
 #include "usbtesttree.h"
@@ -33,7 +34,8 @@ struct Round {
   std::vector<std::pair<std::size_t, AnyDeviceFields>> reports;
 };
 
-Round Discover(Usb3VisionTransport& aTransport, std::stop_token aCancel = {}, std::uint32_t aTimeoutMs = 1000) {
+Round Discover(Usb3VisionTransport& aTransport, std::stop_token aCancel = {},
+               std::uint32_t aTimeoutMs = krtest::GetGenerousMs()) {
   Round round;
   EXPECT_TRUE(aTransport.ListInterfaces(round.interfaces).IsOK());
   round.result = aTransport.Discover(

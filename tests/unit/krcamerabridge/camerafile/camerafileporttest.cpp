@@ -261,7 +261,7 @@ TEST(CameraFileSilence, IsToldOnce_AndEndsWithTheNextAnswer) {
   rig.end.SetSilent(true);
   std::uint8_t bytes[8] = {};
 
-  EXPECT_EQ(rig.port->Read(0x2000, bytes, sizeof bytes, 30000), KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(rig.port->Read(0x2000, bytes, sizeof bytes, krtest::GetGenerousMs()), KrResult::Code::TimeLimitExceeded);
   // Nobody waits for it again: a limit of ten minutes would be noticed.
   EXPECT_EQ(rig.port->Read(0x2000, bytes, sizeof bytes, 600000), KrResult::Code::TimeLimitExceeded);
   EXPECT_EQ(rig.port->Greet(600000), KrResult::Code::TimeLimitExceeded);
@@ -269,10 +269,10 @@ TEST(CameraFileSilence, IsToldOnce_AndEndsWithTheNextAnswer) {
   rig.end.SetSilent(false);
   KrResult result;
   EXPECT_TRUE(krtest::Await([&] {
-    result = rig.port->Read(0x2000, bytes, sizeof bytes, 30000);
+    result = rig.port->Read(0x2000, bytes, sizeof bytes, krtest::GetGenerousMs());
     return result.IsOK();
   })) << result.GetDescription().CStr();
-  EXPECT_TRUE(rig.port->Greet(30000).IsOK());
+  EXPECT_TRUE(rig.port->Greet(krtest::GetGenerousMs()).IsOK());
 }
 
 TEST_F(BinaryCameraFile, Values_AreTheCameras) {

@@ -2,6 +2,7 @@
 // waits until it is killed, in a call of the driver where that hangs. Arguments: the directory of drivers, the
 // template, the XML identifier.
 
+#include "await.h"
 #include "clprotocol/cldriverlist.h"
 #include "clprotocol/clprotocolport.h"
 #include "testcamera.h"
@@ -24,7 +25,7 @@ int main(int aCount, char** aArguments) {
     return 1;
   }
   std::uint32_t process = 0;
-  if (!port.Read(0xFFFF0000, &process, sizeof process, 60000).IsOK())
+  if (!port.Read(0xFFFF0000, &process, sizeof process, krtest::GetGenerousMs()).IsOK())
     return 1;
   std::printf("%u\n", process);
   std::fflush(stdout);
