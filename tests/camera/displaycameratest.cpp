@@ -65,8 +65,12 @@ protected:
 
 TEST_F(CameraInAWindow, ByBroadcastAndByAddress_IsTheSameDevice) {
   // One that has to wait for a processor answers too late for a round, and is heard in another.
-  for (int round = 0; round < 30 && mSystem.GetDeviceCount() == 0; ++round)
-    ASSERT_TRUE(mSystem.Find().IsOK());
+  KrResult found;
+  ASSERT_TRUE(krtest::Await([&] {
+    found = mSystem.Find();
+    return !found.IsOK() || mSystem.GetDeviceCount() > 0;
+  }));
+  ASSERT_TRUE(found.IsOK()) << found.GetDescription().CStr();
   ASSERT_EQ(mSystem.GetDeviceCount(), 1u);
   const KrDeviceInfo* byBroadcast = mSystem.GetDeviceInfo(0);
   const KrDeviceInfo* byAddress = nullptr;

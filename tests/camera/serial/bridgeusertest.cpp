@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <QApplication>
+
 namespace {
 
 using krtest::SocatLine;
@@ -133,15 +135,18 @@ TEST_F(BridgeUser, KeyboardAlone_LinksAPort) {
     aUser.Press("End"); // Bulk0
     aUser.Press("alt+s");
     aHands.AwaitKind(bridge::kCOMPortLink);
-    for (int tries = 0; tries < 3; ++tries) {
+    for (int tabs = 0; tabs < 3; ++tabs) {
+      const QWidget* focused = nullptr;
       bool isThere = false;
       aUser.Await("the keyboard", [&] {
+        focused = QApplication::focusWidget();
         isThere = isFocused(bridge::kCOMPort);
         return true;
       });
       if (isThere)
         break;
       aUser.Press("Tab");
+      ASSERT_TRUE(aUser.Await("the next control focused", [&] { return QApplication::focusWidget() != focused; }));
     }
     aUser.Press("space");
     ASSERT_TRUE(aUser.AwaitMenu());
