@@ -33,8 +33,7 @@ protected:
     const QImage image = ToQImage(aMono8);
     const plainpicture::ScrolledView view(GetClient().size(), image.size(), aFactor, 18);
     ASSERT_TRUE(view.hasHorizontalBar && view.hasVerticalBar) << aWhere;
-    EXPECT_TRUE(
-        krtest::AwaitCondition([&] { return GetHorizontalBar().isVisible() && GetVerticalBar().isVisible(); }))
+    EXPECT_TRUE(krtest::AwaitCondition([&] { return GetHorizontalBar().isVisible() && GetVerticalBar().isVisible(); }))
         << aWhere;
     // The positions may change with the next paint.
     std::string difference;

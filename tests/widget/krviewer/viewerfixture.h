@@ -57,8 +57,8 @@ protected:
       return isFree;
     });
   }
-  // Runs the loop until a condition comes true; false when it does not within a generous limit. Unlike the
-  // toolkit's own wait, deletes nothing that was left for later.
+  // Runs the loop until a condition comes true; false when it does not within a generous limit. Unlike the toolkit's
+  // own wait, deletes nothing that was left for later.
   static bool Await(const std::function<bool()>& aCondition) {
     return krtest::Await([&] {
       const bool isSo = aCondition();
