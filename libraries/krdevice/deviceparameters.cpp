@@ -23,7 +23,10 @@ KrResult DeviceParameters::Get(KrGenParameterArray*& aArray) {
     if (!mFault.IsOK())
       return mFault;
     if (const KrResult made = Make(); !made.IsOK()) {
-      KrResult failure(made.GetCode(), "Making the parameters of " + mDeviceName + " failed: " + made.GetDescription());
+      // The link's words of silence and loss name the device themselves.
+      const bool isNamed = made == KrResult::Code::TimeLimitExceeded || made == KrResult::Code::ConnectionLost;
+      const KrString owner = isNamed ? KrString("the device") : mDeviceName;
+      KrResult failure(made.GetCode(), "Making the parameters of " + owner + " failed: " + made.GetDescription());
       if (made == KrResult::Code::BadData)
         mFault = failure;
       return failure;

@@ -212,6 +212,7 @@ TEST_F(GigEVisionParameters, Accesses_CameraSilent_FailAtOnceAfterTheFirst) {
   EXPECT_THAT(result.GetCode(), testing::AnyOf(KrResult::Code::TimeLimitExceeded, KrResult::Code::ConnectionLost));
   if (result == KrResult::Code::TimeLimitExceeded) {
     EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("a moment ago")) << "it did not wait itself";
+    EXPECT_THAT(result.GetDescription().ToUtf8(), testing::HasSubstr("The device at "));
   }
   mCamera->Resume();
 }

@@ -97,6 +97,10 @@ TEST_F(RegisterFaultsTest, SilentCamera_AfterATimeOut_FailsAtOnceUntilItAnswersA
   EXPECT_THAT(first.GetDescription().ToUtf8(), HasSubstr("in time"));
   EXPECT_TRUE(second == KrResult::Code::TimeLimitExceeded);
   EXPECT_THAT(second.GetDescription().ToUtf8(), HasSubstr("a moment ago")) << "it did not wait itself";
+  for (const KrResult& silent : {first, second}) {
+    EXPECT_THAT(silent.GetDescription().ToUtf8(), testing::StartsWith("Simulated Mono Camera SIM-0001: "));
+    EXPECT_THAT(silent.GetDescription().ToUtf8(), HasSubstr("heck its cable and its power"));
+  }
   mFaults->EndRegisterFaults();
   EXPECT_EQ(GetWidth(), 1280u);
 }

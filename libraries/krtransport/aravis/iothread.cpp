@@ -7,11 +7,6 @@
 namespace krtransport {
 namespace {
 
-KrResult TellTimeout(std::uint32_t aTimeoutMs) {
-  return {KrResult::Code::TimeLimitExceeded, "The device did not answer within " + std::to_string(aTimeoutMs) +
-                                                 " milliseconds; check its cable and its power."};
-}
-
 KrResult TellCancelled() {
   return {KrResult::Code::Aborted, "The access to the device was cancelled."};
 }
@@ -29,7 +24,7 @@ KrResult RunJob(const IoThread::Job& aJob, const std::atomic<bool>& aIsAbandoned
 
 } // namespace
 
-IoThread::IoThread() : mThread([this] { Work(); }) {}
+IoThread::IoThread(std::string aDeviceName) : mDeviceName(std::move(aDeviceName)), mThread([this] { Work(); }) {}
 
 IoThread::~IoThread() {
   {
@@ -50,7 +45,7 @@ KrResult IoThread::Run(Job aJob, std::uint32_t aTimeoutMs, const std::stop_token
   const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
   mDone.wait_until(lock, aCancel, until, [&] { return entry->isDone || mIsInterrupted; });
   if (entry->isDone)
-    return entry->result;
+    return NameSilence(entry->result);
   entry->isAbandoned = true;
   if (mIsInterrupted)
     return mInterruption;
@@ -64,7 +59,7 @@ KrResult IoThread::RunRegardless(Job aJob, std::uint32_t aTimeoutMs) {
   const auto entry = Enqueue(std::move(aJob));
   const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(aTimeoutMs);
   if (mDone.wait_until(lock, until, [&] { return entry->isDone; }))
-    return entry->result;
+    return NameSilence(entry->result);
   entry->isAbandoned = true;
   return TellTimeout(aTimeoutMs);
 }
@@ -98,6 +93,18 @@ std::shared_ptr<IoThread::Entry> IoThread::Enqueue(Job aJob) {
   mQueue.push_back(entry);
   mWork.notify_one();
   return entry;
+}
+
+// What a job says of silence is what it was about.
+KrResult IoThread::NameSilence(const KrResult& aResult) const {
+  if (aResult != KrResult::Code::TimeLimitExceeded)
+    return aResult;
+  return {aResult.GetCode(), mDeviceName + " did not answer. " + aResult.GetDescription()};
+}
+
+KrResult IoThread::TellTimeout(std::uint32_t aTimeoutMs) const {
+  return {KrResult::Code::TimeLimitExceeded, mDeviceName + " did not answer within " + std::to_string(aTimeoutMs) +
+                                                 " milliseconds; check its cable and its power."};
 }
 
 void IoThread::Work() {

@@ -12,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <stop_token>
+#include <string>
 #include <thread>
 
 namespace krtransport {
@@ -26,14 +27,17 @@ public:
   /// its caller.
   using Job = std::function<KrResult(const std::atomic<bool>& aIsAbandoned)>;
 
-  IoThread();
+  /// The device's name begins the texts of its silence: "The device at 192.168.1.20".
+  explicit IoThread(std::string aDeviceName = "The device");
   ~IoThread();
   IoThread(const IoThread&) = delete;
   IoThread& operator=(const IoThread&) = delete;
 
+  const std::string& GetDeviceName() const { return mDeviceName; }
+
   /// Runs a job and waits up to aTimeoutMs milliseconds for it. TimeLimitExceeded after that: the job is abandoned,
-  /// which means that it is skipped if it has not begun. Aborted, at once and in the same
-  /// way, when aCancel is stopped. The reason of Interrupt, at once, after that was called.
+  /// which means that it is skipped if it has not begun. A job's own TimeLimitExceeded gets the device's name. Aborted,
+  /// at once and in the same way, when aCancel is stopped. The reason of Interrupt, at once, after that was called.
   KrResult Run(Job aJob, std::uint32_t aTimeoutMs, const std::stop_token& aCancel = {});
   /// As Run, interrupted or not: for what has to be done after an interruption.
   KrResult RunRegardless(Job aJob, std::uint32_t aTimeoutMs);
@@ -53,7 +57,11 @@ private:
   };
 
   std::shared_ptr<Entry> Enqueue(Job aJob);
+  KrResult NameSilence(const KrResult& aResult) const;
+  KrResult TellTimeout(std::uint32_t aTimeoutMs) const;
   void Work();
+
+  const std::string mDeviceName;
 
   // Guards all members below but the thread, and isDone and result of every entry.
   std::mutex mMutex;

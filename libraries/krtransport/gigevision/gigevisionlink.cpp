@@ -22,6 +22,10 @@ KrResult Connect(const LinkTarget& aTarget, GvcpClient& aClient) {
              : GvcpClient::Connect(aTarget.deviceAddress, aTarget.localAddress, aClient);
 }
 
+KrString NameDevice(const LinkTarget& aTarget) {
+  return "The device at " + krsystem::FormatIPv4(aTarget.deviceAddress);
+}
+
 // Who has the device, as far as it tells.
 KrString DescribeHolder(const LinkTarget& aTarget, GvcpClient& aClient) {
   const KrString holder = "another application";
@@ -48,8 +52,11 @@ KrResult CheckIdentity(const LinkTarget& aTarget, GvcpClient& aClient) {
 
 using krsystem::DeviceAccess;
 
+GigEVisionLink::Parts::Parts(const LinkTarget& aTarget)
+    : ioThread(std::make_unique<IoThread>(NameDevice(aTarget).ToUtf8())) {}
+
 KrResult GigEVisionLink::Open(const LinkTarget& aTarget, std::unique_ptr<krsystem::IDeviceLink>& aLink) {
-  Parts parts;
+  Parts parts(aTarget);
   if (KrResult result = Connect(aTarget, parts.watchClient); !result.IsOK())
     return result;
   if (KrResult result = CheckAccess(aTarget, parts.watchClient); !result.IsOK())
@@ -61,7 +68,7 @@ KrResult GigEVisionLink::Open(const LinkTarget& aTarget, std::unique_ptr<krsyste
 }
 
 KrResult GigEVisionLink::CheckAccess(const LinkTarget& aTarget, GvcpClient& aClient) {
-  const KrString device = "The device at " + krsystem::FormatIPv4(aTarget.deviceAddress);
+  const KrString device = NameDevice(aTarget);
   std::uint32_t privilege = 0;
   const KrResult read = aClient.ReadRegister(kControlPrivilegeRegister, privilege, GvcpPatience{});
   const bool hasAnswered = read.IsOK() || read == KrResult::Code::AccessDenied || read == KrResult::Code::ProtocolError;

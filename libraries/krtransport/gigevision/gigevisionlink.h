@@ -37,7 +37,9 @@ public:
 private:
   /// What is needed to make a link; the device is null for a monitor.
   struct Parts {
-    std::unique_ptr<IoThread> ioThread = std::make_unique<IoThread>();
+    explicit Parts(const LinkTarget& aTarget);
+
+    std::unique_ptr<IoThread> ioThread;
     std::shared_ptr<GigEVisionDevice> device;
     std::shared_ptr<IRegisterChannel> channel;
     GvcpClient watchClient;

@@ -3,8 +3,8 @@
 #include "simulation/cameraregisters.h"
 
 #include <algorithm>
-#include <string>
 #include <system_error>
+#include <utility>
 
 namespace krtransport {
 
@@ -18,23 +18,26 @@ KrResult MakeCancelled() {
   return {KrResult::Code::Aborted, "The access to the camera's registers was cancelled."};
 }
 
-KrResult MakeTimedOut() {
-  return {KrResult::Code::TimeLimitExceeded, "The camera did not answer the access to its registers in time."};
-}
-
-KrResult MakeSilent() {
-  return {KrResult::Code::TimeLimitExceeded,
-          "The camera did not answer a moment ago; its registers can be accessed as soon as it does."};
-}
-
 } // namespace
 
-RegisterGate::RegisterGate(OrderedFaults& aFaults) : mFaults(aFaults) {}
+RegisterGate::RegisterGate(OrderedFaults& aFaults, KrString aCameraName)
+    : mFaults(aFaults), mCameraName(std::move(aCameraName)) {}
 
 RegisterGate::~RegisterGate() {
   End({KrResult::Code::ConnectionLost, "The camera was closed."});
   if (mProbe.joinable())
     mProbe.join();
+}
+
+KrResult RegisterGate::MakeTimedOut() const {
+  return {KrResult::Code::TimeLimitExceeded,
+          mCameraName + ": it did not answer the access to its registers in time; check its cable and its power."};
+}
+
+KrResult RegisterGate::MakeSilent() const {
+  return {KrResult::Code::TimeLimitExceeded,
+          mCameraName + ": it did not answer a moment ago; its registers can be accessed as soon as it does. Check "
+                        "its cable and its power."};
 }
 
 void RegisterGate::End(const KrResult& aReason) {

@@ -20,7 +20,8 @@ namespace krtransport {
 /// Thread: any, but for destruction. Ownership: borrows the faults.
 class RegisterGate {
 public:
-  explicit RegisterGate(OrderedFaults& aFaults);
+  /// The camera's name begins the texts of its silence.
+  RegisterGate(OrderedFaults& aFaults, KrString aCameraName);
   /// Waits for the thread that asks a silent camera.
   ~RegisterGate();
 
@@ -37,10 +38,13 @@ private:
 
   KrResult AwaitTurn(Lock& aLock, TimePoint aLimit, const std::stop_token& aCancel);
   KrResult AwaitAnswer(Lock& aLock, const RegisterAnswer& aAnswer, TimePoint aLimit, const std::stop_token& aCancel);
+  KrResult MakeTimedOut() const;
+  KrResult MakeSilent() const;
   void BeginSilence();
   void Probe();
 
   OrderedFaults& mFaults;
+  const KrString mCameraName;
   std::atomic<bool> mIsSilent = false; // Written with the lock held.
 
   std::mutex mMutex; // Guards the members from here on.

@@ -30,6 +30,8 @@ public:
   SimulatedCamera(const LabGEVCamera& aCamera, std::shared_ptr<ICameraClock> aClock);
   SimulatedCamera(const LabU3VCamera& aCamera, std::shared_ptr<ICameraClock> aClock);
 
+  /// What messages call it.
+  const KrString& GetName() const { return mName; }
   /// Whether the camera answers.
   bool IsPresent() const;
   IPConfiguration GetIPConfiguration() const;

@@ -33,7 +33,7 @@ KrResult SimulatedLink::Open(std::shared_ptr<SimulatedCamera> aCamera, krsystem:
 SimulatedLink::SimulatedLink(std::shared_ptr<SimulatedCamera> aCamera, krsystem::DeviceAccess aAccess)
     : mCamera(std::move(aCamera)), mAddress(mCamera->GetIPConfiguration().address),
       mChannelAccess(std::make_shared<ChannelAccess>(aAccess != krsystem::DeviceAccess::Monitor)),
-      mGate(mCamera->GetFaults()), mSource(*mCamera, *this) {}
+      mGate(mCamera->GetFaults(), mCamera->GetName()), mSource(*mCamera, *this) {}
 
 SimulatedLink::~SimulatedLink() {
   // A sink that is being called may use the link until it returns.

@@ -16,9 +16,12 @@ constexpr std::uint32_t kGiveBackTimeoutMs = 2000;
 
 } // namespace
 
+Usb3VisionLink::Parts::Parts(const UsbDevice& aDevice)
+    : ioThread(std::make_unique<IoThread>("The device at USB port " + aDevice.port)) {}
+
 KrResult Usb3VisionLink::Open(const Usb3VisionNames& aNames, UsbWatch::Subject aSubject, krsystem::DeviceAccess aAccess,
                               std::unique_ptr<krsystem::IDeviceLink>& aLink) {
-  Parts parts;
+  Parts parts(aSubject.device);
   std::shared_ptr<Usb3VisionDevice> device;
   if (KrResult result =
           parts.ioThread->RunToEnd([&](const std::atomic<bool>&) { return Usb3VisionDevice::Open(aNames, device); });

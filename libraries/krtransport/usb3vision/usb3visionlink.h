@@ -22,7 +22,9 @@ class Usb3VisionLink final : public krsystem::IDeviceLink {
 public:
   /// What a link is made of.
   struct Parts {
-    std::unique_ptr<IoThread> ioThread = std::make_unique<IoThread>();
+    explicit Parts(const UsbDevice& aDevice);
+
+    std::unique_ptr<IoThread> ioThread; ///< Has the device's name.
     std::shared_ptr<IRegisterChannel> channel;
     std::shared_ptr<IStreamDevice> streamDevice; ///< Null for a monitor.
     std::function<void()> release; ///< Gives the device free, on the I/O thread; nothing of the above is used after.

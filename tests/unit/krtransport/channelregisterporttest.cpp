@@ -16,6 +16,7 @@ using krtransport::IoThread;
 using krtransport::RegisterLimits;
 
 const std::uint32_t kGenerousTimeoutMs = krtest::GetGenerousMs();
+constexpr const char* kDeviceName = "The device at 192.0.2.1";
 
 /// A memory in which every byte is the low byte of its address.
 class FakeChannel : public krtransport::IRegisterChannel {
@@ -65,7 +66,7 @@ protected:
 
   FakeSilence mSilence;
   std::shared_ptr<FakeChannel> mChannel;
-  IoThread mThread;
+  IoThread mThread{kDeviceName};
   ChannelRegisterPort mPort;
   std::vector<std::uint8_t> mData;
 };
@@ -137,7 +138,20 @@ TEST_F(ChannelRegisterPortTest, Read_DeviceSilent_FailsAtOnceUntilItAnswersAgain
   EXPECT_EQ(first, KrResult::Code::TimeLimitExceeded);
   EXPECT_EQ(second, KrResult::Code::TimeLimitExceeded);
   EXPECT_THAT(second.GetDescription().ToUtf8(), testing::HasSubstr("a moment ago")) << "it did not wait itself";
+  for (const KrResult& silent : {first, second}) {
+    EXPECT_THAT(silent.GetDescription().ToUtf8(), testing::StartsWith(std::string(kDeviceName) + " did not answer"));
+    EXPECT_THAT(silent.GetDescription().ToUtf8(), testing::HasSubstr("heck its cable and its power"));
+  }
   EXPECT_TRUE(third.IsOK());
+}
+
+TEST_F(ChannelRegisterPortTest, Read_ChannelGivesUpByItself_NamesTheDeviceBeforeItsWords) {
+  mChannel->mResult = {KrResult::Code::TimeLimitExceeded, "Three tries were in vain."};
+
+  const KrResult result = Read(0, 4);
+
+  EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
+  EXPECT_EQ(result.GetDescription().ToUtf8(), std::string(kDeviceName) + " did not answer. Three tries were in vain.");
 }
 
 TEST_F(ChannelRegisterPortTest, Read_WhoseTurnDoesNotCome_LeavesTheDeviceUnsuspected) {

@@ -67,7 +67,7 @@ public:
 class Usb3VisionLinkTest : public testing::Test {
 protected:
   std::unique_ptr<Usb3VisionLink> MakeLink() {
-    Usb3VisionLink::Parts parts;
+    Usb3VisionLink::Parts parts(MakeSubject().device);
     parts.channel = mChannel;
     parts.streamDevice = std::make_shared<FakeStreamDevice>();
     parts.release = [this] {
@@ -114,6 +114,8 @@ TEST_F(Usb3VisionLinkTest, Registers_OfASilentDevice_FailUntilItAnswersAgain) {
   EXPECT_EQ(inTime, KrResult::Code::TimeLimitExceeded);
   EXPECT_EQ(atOnce, KrResult::Code::TimeLimitExceeded);
   EXPECT_THAT(atOnce.GetDescription().ToUtf8(), testing::HasSubstr("a moment ago")) << "it did not wait itself";
+  for (const KrResult& silent : {inTime, atOnce})
+    EXPECT_THAT(silent.GetDescription().ToUtf8(), testing::StartsWith("The device at USB port 2-1 did not answer"));
   EXPECT_TRUE(isAnsweringAgain);
   EXPECT_TRUE(link->IsConnected());
 }
@@ -208,7 +210,7 @@ TEST_F(Usb3VisionLinkTest, Destruction_OpenDevice_ReleasesItOnTheThreadThatUsedI
 }
 
 TEST_F(Usb3VisionLinkTest, Monitor_ReadsButNeitherWritesNorStreams) {
-  Usb3VisionLink::Parts parts;
+  Usb3VisionLink::Parts parts(MakeSubject().device);
   parts.channel = std::make_shared<ReadOnlyChannel>(mChannel);
   parts.release = [] {};
   Usb3VisionLink link(MakeSubject(), std::move(parts));
