@@ -82,6 +82,10 @@ bool KrCameraBridge::IsConnected() const {
   return mBody->IsConnected();
 }
 
+KrResult KrCameraBridge::GetCameraState() const {
+  return mBody->GetCameraState();
+}
+
 void KrCameraBridge::Cancel() {
   mBody->Cancel();
 }

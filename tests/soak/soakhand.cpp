@@ -225,7 +225,7 @@ void SoakHand::SaveBridges() {
 
 void SoakHand::LoseCamera() {
   const SoakStation::Camera camera = SoakStation::kCameras[static_cast<std::size_t>(mDice.Draw(0, 2))];
-  mRecords.BeginTrouble(mStation.GetCamera(camera).GetName());
+  mRecords.BeginTrouble(mStation.GetCamera(camera).GetNames());
   KrSimulatedFaults& faults = mStation.GetCamera(camera).GetFaults();
   if (mDice.HasLuck(2))
     faults.Disappear();
@@ -244,7 +244,7 @@ void SoakHand::LoseCamera() {
 /// For a while no register answers.
 void SoakHand::SilenceCamera() {
   LabCamera& camera = mStation.GetCamera(SoakStation::kCameras[static_cast<std::size_t>(mDice.Draw(0, 2))]);
-  mRecords.BeginTrouble(camera.GetName());
+  mRecords.BeginTrouble(camera.GetNames());
   camera.FallSilent();
   Linger(300);
   if (mDice.HasLuck(2))

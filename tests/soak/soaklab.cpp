@@ -20,7 +20,7 @@ void LabCamera::Open() {
   const KrDeviceInfo* info = nullptr;
   scene::Await("camera", [&] { return system.FindDevice(mAddress, &info).IsOK(); });
   scene::Require(KrDevice::Open(*info, KrDeviceAccess::Control, mDevice));
-  mName = (info->GetModelName() + " " + info->GetSerialNumber()).ToUtf8();
+  mNames = {(info->GetModelName() + " " + info->GetSerialNumber()).ToUtf8(), mDevice->GetDisplayID().ToUtf8()};
   mAdapter = std::make_unique<KrDeviceAdapter>(*mDevice);
 }
 

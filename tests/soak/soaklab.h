@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 /// Installs the lab (soaklab.yaml) for the process.
 void InstallSoakLab();
@@ -22,8 +23,8 @@ public:
   void Open();
   void Close();
   bool IsOpen() const { return mDevice != nullptr; }
-  /// By which texts of failures name it; empty until it was opened once.
-  const std::string& GetName() const { return mName; }
+  /// By one of which texts of failures name it, or the camera behind it; none until it was opened once.
+  const std::vector<std::string>& GetNames() const { return mNames; }
 
   KrDevice& GetDevice() { return *mDevice; }
   KrDeviceAdapter& GetAdapter() { return *mAdapter; }
@@ -42,7 +43,7 @@ private:
   std::unique_ptr<KrDeviceAdapter> mAdapter;
   KrString AskWidth();
 
-  std::string mName;
+  std::vector<std::string> mNames;
   bool mWasSilent = false;
   KrString mWidthBefore;
 };

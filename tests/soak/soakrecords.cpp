@@ -13,8 +13,6 @@ namespace {
 
 /// What a browser writes whose camera has gone or does not answer.
 constexpr std::string_view kPollingFailed = "Polling the device failed and is tried again";
-/// Of silence, which names no camera.
-constexpr std::string_view kSilent = "did not answer";
 /// What a display writes where the bars' thumbs are moved alone, to a place that was one a moment ago.
 constexpr std::string_view kOutOfBounds = "Coordinates out of bounds";
 
@@ -36,9 +34,9 @@ SoakRecords::~SoakRecords() {
   qInstallMessageHandler(nullptr);
 }
 
-void SoakRecords::BeginTrouble(const std::string& aCamera) {
+void SoakRecords::BeginTrouble(const std::vector<std::string>& aNames) {
   mIsCameraInTrouble = true;
-  mTroubled.insert(aCamera);
+  mTroubled.insert(aNames.begin(), aNames.end());
 }
 
 bool SoakRecords::IsExpected(const KrLogRecord& aRecord) const {
@@ -46,8 +44,7 @@ bool SoakRecords::IsExpected(const KrLogRecord& aRecord) const {
   if (aRecord.level < KrLogLevel::Warning || text.starts_with(kOutOfBounds))
     return true;
   const auto isSaid = [&](std::string_view aPart) { return text.find(aPart) != text.npos; };
-  return text.starts_with(kPollingFailed) &&
-         (std::ranges::any_of(mTroubled, isSaid) || (!mTroubled.empty() && isSaid(kSilent)));
+  return text.starts_with(kPollingFailed) && std::ranges::any_of(mTroubled, isSaid);
 }
 
 void SoakRecords::Take() {

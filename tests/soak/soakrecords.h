@@ -8,6 +8,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 /// Collects records while it lives, and closes message boxes as a user does.
 ///
@@ -19,9 +20,9 @@ public:
   SoakRecords(const SoakRecords&) = delete;
   SoakRecords& operator=(const SoakRecords&) = delete;
 
-  /// A camera is away or silent: until the trouble ends message boxes may say so, until the next Take records that name
-  /// the camera, or say that one is silent.
-  void BeginTrouble(const std::string& aCamera);
+  /// A camera is away or silent: until the trouble ends message boxes may say so, until the next Take records that have
+  /// one of its names.
+  void BeginTrouble(const std::vector<std::string>& aNames);
   void EndTrouble() { mIsCameraInTrouble = false; }
   /// Looks at the records since the last call and forgets them; prints those that are not expected. Nothing is in
   /// trouble.

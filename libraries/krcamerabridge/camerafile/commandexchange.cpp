@@ -312,8 +312,8 @@ KrResult CommandExchange::ExplainFailure(const CommandOrder& aOrder, const KrRes
     return {KrResult::Code::ProtocolError, "The camera answered " + Show(mUnexpected) + " to " + command +
                                                ", which is not what the camera file says of its answers."};
   if (aResult == KrResult::Code::TimeLimitExceeded)
-    return {aResult.GetCode(),
-            "The camera did not answer " + command + " within " + std::to_string(aOrder.answerMs) + " milliseconds."};
+    return {aResult.GetCode(), "The camera did not answer " + command + " within " + std::to_string(aOrder.answerMs) +
+                                   " milliseconds; check its cable and its power."};
   return {aResult.GetCode(), "Sending " + command + " to the camera: " + aResult.GetDescription().ToUtf8()};
 }
 

@@ -98,6 +98,16 @@ BridgeBody::~BridgeBody() {
   Disconnect();
 }
 
+// A device that has been closed has no name.
+KrString BridgeBody::NameCamera() const {
+  KrString name = GetPortName(mPort);
+  [[maybe_unused]] const KrResult named = mDevice.Use([&name](KrDevice& aDevice) {
+    name += " of " + aDevice.GetDisplayID();
+    return KrResult();
+  });
+  return name;
+}
+
 KrResult BridgeBody::OpenLine() {
   return mDevice.Use([this](KrDevice& aDevice) {
     KrDeviceAdapter adapter(aDevice);
@@ -137,7 +147,7 @@ KrResult BridgeBody::Connect(const CameraChoice& aChoice, const std::stop_token&
   CameraChoice choice = aChoice;
   choice.path = MakeAbsolute(aChoice.path);
   KrResult result = CallWithThreads([&] {
-    return CameraConnection::Open(choice, {openLine, aStop, mistakes}, mConnection);
+    return CameraConnection::Open(choice, {openLine, aStop, mistakes, NameCamera(), mAnswers}, mConnection);
   });
   if (aChoice.way == &kCameraFileWay)
     mMistakes = mistakes;
@@ -163,7 +173,22 @@ void BridgeBody::Disconnect(const std::stop_token& aStop) {
   if (mConnection)
     mConnection->Close(aStop);
   mConnection.reset();
+  mAnswers.Forget();
   mLine.Close();
+}
+
+KrResult BridgeBody::GetCameraState() const {
+  if (!mIsConnected)
+    return {};
+  // The loss of the device is known before anybody asks the camera.
+  KrResult device = mDevice.Use([](KrDevice& aDevice) -> KrResult {
+    if (aDevice.IsConnected())
+      return {};
+    return {KrResult::Code::ConnectionLost, aDevice.GetDisplayID() +
+                                                " does not answer any more. Check its cable and its power, and open "
+                                                "it anew when it is back."};
+  });
+  return device.IsOK() ? mAnswers.GetFailure() : device;
 }
 
 KrResult BridgeBody::CheckWay(const CameraWay& aWay) const {

@@ -7,6 +7,7 @@
 #include "krbase/krstringlist.h"
 #include "krserial/krdeviceserial.h"
 #include "line/borroweddevice.h"
+#include "line/cameraanswers.h"
 #include "line/deviceline.h"
 #include "sync/parametersync.h"
 
@@ -40,6 +41,8 @@ public:
   void Cancel() { mCall.Stop(); }
 
   bool IsConnected() const { return mIsConnected; }
+  /// As KrCameraBridge::GetCameraState.
+  KrResult GetCameraState() const;
   /// Null while it is not connected.
   CameraConnection* GetConnection() const { return mConnection.get(); }
   /// WrongState where it is not connected in that way.
@@ -56,6 +59,7 @@ public:
   ParameterSync& GetSync() { return mSync; }
 
 private:
+  KrString NameCamera() const;
   KrResult OpenLine();
   KrResult ExplainSilence(const KrResult& aFailure) const;
   KrResult Connect(const CameraChoice& aChoice, const std::stop_token& aStop);
@@ -68,6 +72,7 @@ private:
   const KrDeviceSerial mPort;
   CallStop mCall;
   DeviceLine mLine;
+  CameraAnswers mAnswers;                        // Of the connection.
   std::unique_ptr<CameraConnection> mConnection; // Ends before the line, and after what stands on its parameters.
   ParameterSync mSync;
   std::atomic<bool> mIsConnected{false};

@@ -10,7 +10,8 @@ KrResult CameraConnection::Open(const CameraChoice& aChoice, const ConnectionOrd
   ConnectedCamera& camera = connection->mCamera;
   if (KrResult result = aChoice.way->connect(aChoice, aOrder, camera); !result.IsOK())
     return result;
-  KrResult result = KrGenParameterArray::Open(camera.description, *camera.port, {.timeoutMs = camera.accessMs},
+  NamedPort& port = connection->mPort.emplace(*camera.port, aOrder.cameraName, aOrder.answers);
+  KrResult result = KrGenParameterArray::Open(camera.description, port, {.timeoutMs = camera.accessMs},
                                               connection->mParameters);
   if (!result.IsOK())
     connection->Close(aOrder.stop);

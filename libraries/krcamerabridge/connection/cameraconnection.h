@@ -3,13 +3,16 @@
 
 #include "connection/cameraway.h"
 #include "krgenicam/krgenparameterarray.h"
+#include "line/namedport.h"
 
 #include <memory>
+#include <optional>
 #include <stop_token>
 
 namespace krcamerabridge {
 
-/// Thread: one at a time; the parameters any. Ownership: owns port and parameters; the line has to outlive it.
+/// Thread: one at a time; the parameters any. Ownership: owns port and parameters; the line, and the answers of the
+/// order that it was opened by, have to outlive it.
 class CameraConnection {
 public:
   /// Connects as chosen. Results as of the way; BadData for a description that is none.
@@ -32,6 +35,7 @@ private:
 
   const CameraChoice mChoice;
   ConnectedCamera mCamera;
+  std::optional<NamedPort> mPort;                   // Of the camera.
   std::unique_ptr<KrGenParameterArray> mParameters; // Ends before the port.
 };
 

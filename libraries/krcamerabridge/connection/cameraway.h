@@ -5,6 +5,7 @@
 #include "krbase/krstring.h"
 #include "krbase/krstringlist.h"
 #include "krgenicam/krgendescription.h"
+#include "line/cameraanswers.h"
 #include "line/icameraline.h"
 #include "line/icameraport.h"
 
@@ -40,6 +41,8 @@ struct ConnectionOrder {
   std::function<KrResult(ICameraLine*&)> openLine; ///< To be called once, when the line is needed.
   std::stop_token stop;
   KrStringList& mistakes; ///< Gets those of a file.
+  KrString cameraName;    ///< Where the camera is, for what is said of its silence.
+  CameraAnswers& answers; ///< Gets what its parameters' accesses come to.
 };
 
 /// A row of the table of ways. A new way is one more.

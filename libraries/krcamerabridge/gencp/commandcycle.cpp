@@ -21,7 +21,8 @@ bool IsTransferFault(std::uint16_t aStatus) {
 }
 
 KrResult TellSilence() {
-  return {KrResult::Code::TimeLimitExceeded, "The camera did not answer, though it was asked again."};
+  return {KrResult::Code::TimeLimitExceeded,
+          "The camera did not answer, though it was asked again; check its cable and its power."};
 }
 
 KrResult TellDamage() {

@@ -106,7 +106,8 @@ KrResult PortWorker::Run(const std::shared_ptr<Access>& aAccess, std::uint32_t a
   KrResult result{KrResult::Code::Aborted, "The access to the camera was cancelled."};
   if (!hasLeft) {
     result = {KrResult::Code::TimeLimitExceeded,
-              "The camera did not answer within " + std::to_string(aTimeoutMs) + " milliseconds."};
+              "The camera did not answer within " + std::to_string(aTimeoutMs) +
+                  " milliseconds; check its cable and its power."};
     if (aAccess->begun && *aAccess->begun <= until - limit / 2)
       Note(result);
   }
@@ -123,7 +124,8 @@ KrResult PortWorker::GetRefusal() const {
     return mLoss;
   if (mIsSilent)
     return {KrResult::Code::TimeLimitExceeded,
-            "The camera did not answer a moment ago; it is asked again as soon as it does."};
+            "The camera did not answer a moment ago; it is asked again as soon as it does. Check its cable and its "
+            "power."};
   return {};
 }
 

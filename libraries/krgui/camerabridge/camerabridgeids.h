@@ -29,6 +29,7 @@ inline constexpr int kCameraFileStatus = 1152;
 inline constexpr int kSourceLabel = 1099;
 inline constexpr int kSource = 1126;
 inline constexpr int kSynchronization = 1160;
+inline constexpr int kState = 1163;
 inline constexpr int kStatisticsBox = 1158;
 inline constexpr int kBytesSent = 1097;
 inline constexpr int kBytesReceived = 1098;

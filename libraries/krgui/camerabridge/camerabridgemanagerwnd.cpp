@@ -5,6 +5,7 @@
 #include "frame/questionowner.h"
 #include "krcamerabridge/krcamerabridge.h"
 #include "krgenicam/krgenparameterarray.h"
+#include "logic/camerabridge/cameratexts.h"
 #include "platform/plainline.h"
 #include "platform/toqstring.h"
 #include "platform/waitcursor.h"
@@ -371,6 +372,7 @@ void CameraBridgeManagerWnd::Tick() const {
                             entry ? entry->bridge->GetBytesReceivedFromCamera() : 0);
   // What could not be carried to the device, and why.
   mControls->Explain(id::kSynchronization, entry ? ToQString(entry->bridge->GetParametersSyncText()) : QString());
+  mControls->SetText(id::kState, entry ? ToPlainLine(FormatCameraState(entry->bridge->GetCameraState())) : QString());
 }
 
 } // namespace krgui

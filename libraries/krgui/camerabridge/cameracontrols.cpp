@@ -85,6 +85,7 @@ constexpr struct {
     {id::kSourceLabel, &CameraLayout::sourceLabel},
     {id::kSource, &CameraLayout::sources},
     {id::kSynchronization, &CameraLayout::synchronization},
+    {id::kState, &CameraLayout::state},
     {id::kStatisticsBox, &CameraLayout::statisticsBox},
     {id::kBytesSent, &CameraLayout::sent},
     {id::kBytesReceived, &CameraLayout::received},

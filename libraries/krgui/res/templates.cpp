@@ -224,7 +224,7 @@ constexpr std::array kBaudRateSelectionControls = {
 
 /// In the order of the focus; the feature browser's place is the last.
 constexpr std::array kCameraBridgeControls = {
-    ControlTemplate{ControlClass::GroupBox, 1159, "Bridge Setup", {7, 4, 196, 236}},
+    ControlTemplate{ControlClass::GroupBox, 1159, "Bridge Setup", {7, 4, 196, 246}},
     ControlTemplate{ControlClass::ComboBox, 1048, "", {14, 16, 182, 14}},
     ControlTemplate{ControlClass::RadioButton, 1145, "&None", {14, 33, 140, 10}},
     ControlTemplate{ControlClass::RadioButton, 1146, "GenICam &CL Protocol", {14, 46, 140, 10}},
@@ -250,11 +250,12 @@ constexpr std::array kCameraBridgeControls = {
     ControlTemplate{ControlClass::ElidedLabel, 1099, "&Source", {14, 207, 46, 8}},
     ControlTemplate{ControlClass::ComboBox, 1126, "", {62, 204, 134, 14}},
     ControlTemplate{ControlClass::CheckBox, 1160, "Frame Grabber Parameters S&ynchronization", {14, 222, 186, 10}},
-    ControlTemplate{ControlClass::GroupBox, 1158, "Statistics", {7, 244, 196, 38}},
-    ControlTemplate{ControlClass::ElidedLabel, 1097, "Bytes sent: 0", {14, 257, 130, 8}},
-    ControlTemplate{ControlClass::ElidedLabel, 1098, "Bytes received: 0", {14, 268, 130, 8}},
-    ControlTemplate{ControlClass::Button, 1010, "&Reset", {152, 260, 44, 14}},
-    ControlTemplate{ControlClass::CheckBox, 1161, "Po&wer Over Camera Link (PoCL)", {14, 288, 186, 10}},
+    ControlTemplate{ControlClass::ElidedLabel, 1163, "", {14, 236, 182, 8}},
+    ControlTemplate{ControlClass::GroupBox, 1158, "Statistics", {7, 254, 196, 38}},
+    ControlTemplate{ControlClass::ElidedLabel, 1097, "Bytes sent: 0", {14, 267, 130, 8}},
+    ControlTemplate{ControlClass::ElidedLabel, 1098, "Bytes received: 0", {14, 278, 130, 8}},
+    ControlTemplate{ControlClass::Button, 1010, "&Reset", {152, 270, 44, 14}},
+    ControlTemplate{ControlClass::CheckBox, 1161, "Po&wer Over Camera Link (PoCL)", {14, 298, 186, 10}},
     ControlTemplate{ControlClass::Frame, 1144, "", {208, 4, 320, 328}, kGrowRight | kGrowDown},
 };
 

@@ -156,8 +156,10 @@ protected:
     return IsOpen() ? mWindow->GetWidget()->findChild<krgui::PropertiesGrid*>() : nullptr;
   }
   bool HasParameters() const { return GetGrid() && GetGrid()->model()->rowCount() > 0; }
-  // What a row of the camera's parameters says of a failure.
+  // What the line of state, or a row of the camera's parameters, says of a failure.
   std::string FindTrouble() const override {
+    if (const std::string state = GetLabel(krgui::cameraid::kState); !state.empty())
+      return state;
     if (GetGrid())
       for (const auto& feature : GetGrid()->GetTree().GetFeatures())
         if (!feature->GetError().IsEmpty())
@@ -172,6 +174,8 @@ protected:
     const auto* const ids = Find<QComboBox>(id::kGenCPXML);
     if (ids->count() > 0 && Click(id::kGenCPConnect))
       mIsConnected = HasParameters();
+    if (mIsConnected && IsToldByALine(GetParam()))
+      AwaitLossTold();
   }
   KrResult UseBridges(KrDevice& aDevice) {
     mIsConnected = false;

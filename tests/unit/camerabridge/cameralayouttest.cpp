@@ -63,7 +63,8 @@ std::vector<Named> GetSetup(const CameraLayout& aLayout) {
           {"genCPStatus", aLayout.genCPStatus},
           {"sourceLabel", aLayout.sourceLabel},
           {"sources", aLayout.sources},
-          {"synchronization", aLayout.synchronization}};
+          {"synchronization", aLayout.synchronization},
+          {"state", aLayout.state}};
 }
 
 std::vector<Named> GetCameraFile(const CameraLayout& aLayout) {

@@ -49,6 +49,7 @@ constexpr Row kRows[] = {
     {1099, ElidedLabel, "Source"},
     {1126, ComboBox, ""},
     {1160, CheckBox, "Frame Grabber Parameters Synchronization"},
+    {1163, ElidedLabel, ""},
     {1158, GroupBox, "Statistics"},
     {1097, ElidedLabel, "Bytes sent: 0"},
     {1098, ElidedLabel, "Bytes received: 0"},

@@ -64,6 +64,14 @@ TEST(CameraTexts, Status_CountsTheParameters) {
   EXPECT_STREQ(FormatBridgeStatus(12345).CStr(), "GenApi interface containing 12345 parameters available");
 }
 
+TEST(CameraTexts, State_SaysWhatIsWrongBeforeItsReason) {
+  EXPECT_STREQ(FormatCameraState({}).CStr(), "");
+  EXPECT_STREQ(FormatCameraState({KrResult::Code::TimeLimitExceeded, "Serial0 of Grabber: no answer."}).CStr(),
+               "The camera does not answer. Serial0 of Grabber: no answer.");
+  EXPECT_STREQ(FormatCameraState({KrResult::Code::ConnectionLost, "Grabber has gone."}).CStr(),
+               "The connection is lost. Grabber has gone.");
+}
+
 TEST(CameraTexts, CameraFileError_ListsTheMistakes) {
   KrStringList mistakes;
   EXPECT_STREQ(FormatCameraFileError(mistakes).CStr(), "Error loading Tolvan Camera File.");

@@ -1,10 +1,12 @@
 #include "krcamerabridge/krcamerabridge.h"
 
+#include "await.h"
 #include "bridgedevicefixture.h"
 #include "krgenicam/krgenparameterarray.h"
 #include "krpersistence/krconfigurationwriter.h"
 #include "threadrefusal.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <future>
@@ -140,6 +142,44 @@ TEST_F(Bridge, CameraThatAsksForTimeAndFallsSilent_DoesTheWriteOnceAndFailsIt) {
   EXPECT_EQ(grabber.camera.TakeWrites().size(), 1u);
   EXPECT_TRUE(bridge.IsConnected());
   grabber.camera.SetFaults({});
+}
+
+TEST_F(Bridge, CameraState_IsThatOfASilentCameraByNameUntilItAnswers) {
+  Connect();
+  EXPECT_TRUE(bridge.GetCameraState().IsOK());
+  grabber.camera.SetFaults({.isSilent = true});
+
+  const KrResult silence = GetGain().SetValue(5);
+
+  EXPECT_EQ(silence, KrResult::Code::TimeLimitExceeded);
+  const std::string name = "Serial0 of " + grabber.device->GetDisplayID().ToUtf8() + ": The camera did not answer";
+  EXPECT_THAT(silence.GetDescription().ToUtf8(), testing::HasSubstr(name));
+  const KrResult state = bridge.GetCameraState();
+  EXPECT_EQ(state, KrResult::Code::TimeLimitExceeded);
+  EXPECT_THAT(state.GetDescription().ToUtf8(), testing::StartsWith(name));
+  grabber.camera.SetFaults({});
+  EXPECT_TRUE(krtest::Await([this] { return GetGain().SetValue(6).IsOK(); }));
+  EXPECT_TRUE(bridge.GetCameraState().IsOK());
+}
+
+TEST_F(Bridge, CameraState_OfADeviceThatIsLost_IsKnownWithoutAnAccessUntilTheBridgeIsDisconnected) {
+  Connect();
+  grabber.link->connected = false;
+
+  const KrResult state = bridge.GetCameraState();
+  EXPECT_EQ(state, KrResult::Code::ConnectionLost);
+  EXPECT_THAT(state.GetDescription().ToUtf8(), testing::StartsWith(grabber.device->GetDisplayID().ToUtf8()));
+
+  bridge.Disconnect();
+  EXPECT_TRUE(bridge.GetCameraState().IsOK());
+}
+
+TEST_F(Bridge, CameraState_OfADeviceThatIsClosed_IsALostConnection) {
+  Connect();
+
+  grabber.device.reset();
+
+  EXPECT_EQ(bridge.GetCameraState(), KrResult::Code::ConnectionLost);
 }
 
 TEST_F(Bridge, Disconnect_OfACameraThatAsksForTimeAgainAndAgain_Ends) {

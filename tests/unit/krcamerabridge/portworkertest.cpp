@@ -183,7 +183,10 @@ TEST(PortWorker, AccessThatTakesTooLong_MakesTheCameraSilentUntilItAnswersAProbe
   // Its first half is long enough for the worker's thread to begin in.
   EXPECT_EQ(Read(port, 4000), KrResult::Code::TimeLimitExceeded);
   ASSERT_TRUE(device.AwaitProbes(2));
-  EXPECT_EQ(Read(port), KrResult::Code::TimeLimitExceeded);
+  const KrResult atOnce = Read(port);
+  EXPECT_EQ(atOnce, KrResult::Code::TimeLimitExceeded);
+  EXPECT_NE(atOnce.GetDescription().ToUtf8().find("a moment ago"), std::string::npos) << "it did not wait itself";
+  EXPECT_NE(atOnce.GetDescription().ToUtf8().find("Check its cable and its power"), std::string::npos);
   EXPECT_EQ(device.calls, 1);
 
   device.Order({});

@@ -20,11 +20,12 @@ class KrStream;
 /// describes a camera with commands of its own.
 ///
 /// Thread: any, one call at a time; the calls that ask the camera wait as long as it takes, and Cancel, from any
-/// thread, ends them. IsConnected, counters, source and synchronisation may be used at any time. None may be called
-/// from an event sink of the camera's parameters. Ownership: the holder's. The stream is borrowed and must outlive the
-/// bridge; so should the device, without which everything fails with ConnectionLost. The parameters belong to the
-/// bridge and end with the connection: a window that shows them must be told first. The end waits for accesses of other
-/// threads that have begun; none may begin any more, and what consists of several (Poll, settings) must have ended.
+/// thread, ends them. IsConnected, GetCameraState, counters, source and synchronisation may be used at any time. None
+/// may be called from an event sink of the camera's parameters. Ownership: the holder's. The stream is borrowed and
+/// must outlive the bridge; so should the device, without which everything fails with ConnectionLost. The parameters
+/// belong to the bridge and end with the connection: a window that shows them must be told first. The end waits for
+/// accesses of other threads that have begun; none may begin any more, and what consists of several (Poll, settings)
+/// must have ended.
 ///
 /// While it is connected it holds the device's port: nobody else of this process can open it. With a device that is
 /// lost it stays connected, and everything that needs the camera fails with ConnectionLost, until Disconnect. Results
@@ -82,6 +83,11 @@ public:
   void Disconnect();
   /// True from a successful connection to Disconnect, also while the camera does not answer.
   bool IsConnected() const;
+  /// Whether the camera can be reached that it is connected with: OK where it can, and while it is not connected;
+  /// otherwise why not, for people. ConnectionLost for a device that is lost or closed; TimeLimitExceeded, or
+  /// ConnectionLost, where that is what the last access to the camera's parameters came to. Nobody is asked for it: it
+  /// is as new as the last access, and OK again once one succeeds. Thread: any, at any time.
+  KrResult GetCameraState() const;
   /// Ends the call that runs, with Aborted; one that begins later is not touched. Parameters that somebody waits for
   /// are not ended by it (KrGenParameterArray::Cancel). Thread: any.
   void Cancel();

@@ -71,6 +71,7 @@ private:
     mLayout.sourceLabel = PlaceInRow(row, left, left + m.labelWidth, m.lineHeight);
     mLayout.sources = PlaceInRow(row, GetListLeft(), GetInnerRight(), m.fieldHeight);
     mLayout.synchronization = TakeSwitch(left);
+    mLayout.state = PlaceInRow(mRows.Take(m.lineHeight), left, GetInnerRight(), m.lineHeight);
     mLayout.setupBox = Close(top);
   }
 

@@ -29,7 +29,7 @@ struct CameraLayout {
   PixelRect clProtocol, templateLabel, templates, probe, probeStatus, clXMLLabel, clXMLs, clConnect, clStatus;
   PixelRect genCP, genCPXMLLabel, genCPXMLs, genCPConnect, genCPStatus;
   PixelRect cameraFile, pathLabel, path, browse, load, fileStatus; ///< Empty without a camera file.
-  PixelRect sourceLabel, sources, synchronization;
+  PixelRect sourceLabel, sources, synchronization, state;
   PixelRect statisticsBox, sent, received, reset, poCL;
   PixelRect browser;
 };

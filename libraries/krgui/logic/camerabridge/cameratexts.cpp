@@ -50,6 +50,13 @@ KrString FormatBridgeStatus(std::optional<std::size_t> aParameterCount) {
   return KrString("GenApi interface containing " + std::to_string(*aParameterCount) + " parameters available");
 }
 
+KrString FormatCameraState(const KrResult& aState) {
+  if (aState.IsOK())
+    return {};
+  const bool isSilent = aState == KrResult::Code::TimeLimitExceeded;
+  return (isSilent ? "The camera does not answer. " : "The connection is lost. ") + aState.GetDescription();
+}
+
 KrString FormatCameraFileError(const KrStringList& aMistakes) {
   KrString text = "Error loading Tolvan Camera File";
   text += aMistakes.IsEmpty() ? "." : ":";

@@ -1,7 +1,8 @@
 #pragma once
-// What the camera bridge manager says: identifiers as short as people need them, a bridge's status, and what is wrong
-// with a camera file.
+// What the camera bridge manager says: identifiers as short as people need them, a bridge's status, whether its camera
+// answers, and what is wrong with a camera file.
 
+#include "krbase/krresult.h"
 #include "krbase/krstring.h"
 #include "krbase/krstringlist.h"
 
@@ -24,6 +25,9 @@ KrString ShortenXMLID(const KrString& aXMLID);
 
 /// Of a bridge with so many parameters, or without any array of them.
 KrString FormatBridgeStatus(std::optional<std::size_t> aParameterCount);
+/// Of a bridge's camera, by KrCameraBridge::GetCameraState: what is wrong first, as that alone may have room; empty
+/// while it answers.
+KrString FormatCameraState(const KrResult& aState);
 /// Of a camera file that could not be loaded, with its mistakes line by line.
 KrString FormatCameraFileError(const KrStringList& aMistakes);
 

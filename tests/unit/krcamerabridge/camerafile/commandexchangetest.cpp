@@ -176,7 +176,8 @@ TEST(CommandExchange, Silence_IsATimeLimitThatHasPassed) {
   const KrResult result = exchange.Run(MakeOrder("G?\r", "{value:d}\\r", false, 50), {}, content);
 
   EXPECT_EQ(result, KrResult::Code::TimeLimitExceeded);
-  EXPECT_EQ(result.GetDescription().ToUtf8(), "The camera did not answer \"G?\\r\" within 50 milliseconds.");
+  EXPECT_EQ(result.GetDescription().ToUtf8(),
+            "The camera did not answer \"G?\\r\" within 50 milliseconds; check its cable and its power.");
 }
 
 TEST(CommandExchange, ACommandThatCameDamaged_IsSentAgain) {
