@@ -4,6 +4,7 @@
 #include "panels/histogrampanel.h"
 #include "panels/lineprofilepanel.h"
 #include "plaintext.h"
+#include "window/failurebox.h"
 #include "window/showntext.h"
 
 #include <QDataStream>
@@ -230,8 +231,18 @@ void CameraPage::LeaveFiles() {
 }
 
 void CameraPage::StartOrStopRecording() {
+  if (!IsConnected() && !IsRecording())
+    return TellNothingToRecord();
   mPanels.Show(Panel::Recording, true);
   mRecordPanel->StartOrStop();
+}
+
+void CameraPage::TellNothingToRecord() {
+  const bool isLost = GetProgress().state == AcquisitionState::Lost;
+  const KrString why = isLost ? "the camera is lost. " : "the camera is not connected. ";
+  ShowFailure(this, tr("Record"),
+              {KrResult::Code::ConnectionLost,
+               "Nothing can be recorded, as " + why + GetProgress().result.GetDescription()});
 }
 
 void CameraPage::Disconnect() {

@@ -102,7 +102,8 @@ public:
   /// Does not wait any longer for files whose disk does not answer: they have failed.
   void LeaveFiles();
   const QStringList& GetSavingFailures() const { return mSaver.GetFailures(); }
-  /// Starts a recording as its panel says, which is shown, or stops the one that runs.
+  /// Starts a recording as its panel says, which is shown, or stops the one that runs. Of a camera that is not there it
+  /// says why none can be started.
   void StartOrStopRecording();
   RegionEditor& GetRegion() { return mRegion; }
   PagePanels& GetPanels() { return mPanels; }
@@ -163,6 +164,7 @@ private:
   void LookForTrouble();
   void TellState();
   void TellRefusal(const QString& aWhat, const KrResult& aResult);
+  void TellNothingToRecord();
   void AnnounceSettings(const QString& aWhat);
   void TellSettings(const QString& aWhat, const KrStringList& aProblems);
 

@@ -82,7 +82,8 @@ constexpr PageCommand kCommands[] = {
      .key = Key(Qt::Key_R, Qt::ControlModifier),
      .glyph = ToolGlyph::Record,
      .isInToolBar = true,
-     .isOffered = [](CameraPage& aPage) { return aPage.IsConnected() || aPage.IsRecording(); },
+     // Of a camera in trouble it is said why it cannot be recorded.
+     .isOffered = [](CameraPage& aPage) { return aPage.IsConnected() || aPage.IsInTrouble() || aPage.IsRecording(); },
      .run = [](CameraPage& aPage) { aPage.StartOrStopRecording(); },
      .isChecked = [](CameraPage& aPage) { return aPage.IsRecording(); }},
     {.menu = CommandMenu::File,

@@ -36,6 +36,19 @@ int GetExtent(Qt::DockWidgetArea aSide, const QSize& aSize) {
   return IsBeside(aSide) ? aSize.width() : aSize.height();
 }
 
+bool TakesTab(const QWidget& aWidget) {
+  return aWidget.isVisible() && aWidget.isEnabled() && (aWidget.focusPolicy() & Qt::TabFocus) != 0 &&
+         !aWidget.focusProxy();
+}
+
+/// Null for a panel that nothing of can have the keyboard.
+QWidget* FindFirstStop(QDockWidget& aDock) {
+  for (QWidget* widget = aDock.nextInFocusChain(); widget != &aDock; widget = widget->nextInFocusChain())
+    if (aDock.isAncestorOf(widget) && TakesTab(*widget))
+      return widget;
+  return nullptr;
+}
+
 // The area makes its tab bars itself, with titles that are cut as soon as there are three.
 void PrepareTabs(QObject* aChild) {
   if (auto* const tabs = qobject_cast<QTabBar*>(aChild)) {
@@ -114,11 +127,45 @@ void PagePanels::Add(Panel aPanel, const QString& aName, const QString& aTitle, 
   mDocks[aPanel] = dock;
   dock->installEventFilter(this);
   connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool aIsVisible) {
-    if (aIsVisible)
+    if (aIsVisible) {
       mBehind.erase(dock);
-    else if (!dock->isHidden())
+    } else if (!dock->isHidden()) {
       mBehind.insert(dock);
+      // Once it is known which one is in front.
+      QMetaObject::invokeMethod(
+          this, [this, dock] { TakeKeyboardAlong(*dock); }, Qt::QueuedConnection);
+    }
   });
+}
+
+bool PagePanels::IsBehind(const QWidget& aWidget) const {
+  return std::ranges::any_of(mBehind, [&](const QDockWidget* aDock) { return aDock->isAncestorOf(&aWidget); });
+}
+
+QWidget* PagePanels::FindTabStop(QWidget& aFrom, bool aIsNext) const {
+  bool isPastPanel = false;
+  QWidget* widget = &aFrom;
+  do {
+    widget = aIsNext ? widget->nextInFocusChain() : widget->previousInFocusChain();
+    if (!TakesTab(*widget))
+      continue;
+    if (!IsBehind(*widget))
+      return isPastPanel ? widget : nullptr;
+    isPastPanel = true;
+  } while (widget != &aFrom);
+  return nullptr;
+}
+
+// Another panel has come in front of the one with the keyboard, and takes it.
+void PagePanels::TakeKeyboardAlong(QDockWidget& aDock) {
+  const QWidget* const keyboard = QApplication::focusWidget();
+  if (!keyboard || !mBehind.contains(&aDock) || !aDock.isAncestorOf(keyboard))
+    return;
+  for (QDockWidget* const other : mArea.tabifiedDockWidgets(&aDock)) {
+    QWidget* const stop = other->isVisible() && !mBehind.contains(other) ? FindFirstStop(*other) : nullptr;
+    if (stop)
+      return stop->setFocus(Qt::ShortcutFocusReason);
+  }
 }
 
 bool PagePanels::IsShown(Panel aPanel) const {

@@ -14,6 +14,7 @@
 
 class QDockWidget;
 class QMainWindow;
+class QWidget;
 
 namespace krviewer {
 
@@ -45,6 +46,9 @@ public:
   bool HasFocusedPanel() const { return mFocused && IsDockShown(*mFocused); }
   /// Moves that panel, which keeps the keyboard. Nothing without one.
   void MoveFocused(PanelPlace aPlace);
+  /// Where the tabulator is to lead to from a widget of the page's window instead of into a panel behind another's tab:
+  /// such a panel is not hidden, but lies beside the page, where nobody sees the keyboard. Null where it leads to none.
+  QWidget* FindTabStop(QWidget& aFrom, bool aIsNext) const;
   /// The panels that float leave the screen with their page, and come back with it.
   void SetPageShown(bool aIsShown);
   /// How wide a side is, once the page is on the screen. From then on the panels leave the picture its part of it.
@@ -70,6 +74,8 @@ private:
   void FitSide(Qt::DockWidgetArea aSide, int aBefore, int aPage);
   void LimitSide(Qt::DockWidgetArea aSide);
   void NoteFocus(QWidget* aFocused);
+  bool IsBehind(const QWidget& aWidget) const;
+  void TakeKeyboardAlong(QDockWidget& aDock);
   void PutBack();
 
   QMainWindow& mArea;

@@ -188,6 +188,16 @@ void MainWindow::Step(int aStep) {
   GetCurrentPage()->setFocus();
 }
 
+bool MainWindow::focusNextPrevChild(bool aIsNext) {
+  CameraPage* const page = GetCurrentPage();
+  QWidget* const focused = focusWidget();
+  QWidget* const stop = page ? page->GetPanels().FindTabStop(focused ? *focused : *this, aIsNext) : nullptr;
+  if (!stop)
+    return QMainWindow::focusNextPrevChild(aIsNext);
+  stop->setFocus(aIsNext ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+  return true;
+}
+
 void MainWindow::keyPressEvent(QKeyEvent* aEvent) {
   if (aEvent->key() == Qt::Key_Escape && isFullScreen())
     SwitchFullScreen();

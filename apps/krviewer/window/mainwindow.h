@@ -54,6 +54,8 @@ signals:
   void EndWanted();
 
 protected:
+  /// Passes by the panels that nobody sees.
+  bool focusNextPrevChild(bool aIsNext) override;
   void keyPressEvent(QKeyEvent* aEvent) override;
   void changeEvent(QEvent* aEvent) override;
   void closeEvent(QCloseEvent* aEvent) override;

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QStatusBar>
 
@@ -311,6 +312,23 @@ TEST_F(CameraPageTest, Recording_IsStartedAndStoppedByItsKeyAndWrittenBeforeTheE
   // The index names every file, which it does when the recording has come to its end.
   ASSERT_TRUE(mViewer->IsOver());
   EXPECT_EQ(CountIndexed(".raw"), CountFiles(".raw"));
+}
+
+TEST_F(CameraPageTest, RecordingOfALostCamera_IsRefusedWithTheReason) {
+  OpenStreaming();
+  ASSERT_TRUE(mLab->Lose(kMonoMAC).IsOK());
+  ASSERT_TRUE(AwaitState(AcquisitionState::Lost));
+  ASSERT_TRUE(Await([this] { return IsOffered("record") && !IsOffered("stop"); }));
+
+  Press(Qt::Key_R, Qt::ControlModifier);
+
+  auto* const box = GetPage()->findChild<QMessageBox*>();
+  ASSERT_NE(box, nullptr);
+  EXPECT_TRUE(box->text().contains("the camera is lost")) << box->text().toStdString();
+  EXPECT_TRUE(box->text().contains("SIM-0001")) << box->text().toStdString();
+  EXPECT_FALSE(GetPage()->IsRecording());
+  EXPECT_FALSE(GetPage()->GetPanels().IsShown(krviewer::Panel::Recording));
+  box->close();
 }
 
 TEST_F(CameraPageTest, RecordingWhoseTabIsClosed_TellsWhatCameOfIt) {

@@ -3,6 +3,7 @@
 #include "viewerfixture.h"
 #include "windowwait.h"
 
+#include <QComboBox>
 #include <QDockWidget>
 #include <QGuiApplication>
 #include <QScreen>
@@ -15,6 +16,17 @@ namespace {
 
 class ViewerPanelsTest : public ViewerTest {
 protected:
+  /// The features' browser is there; by its key the recording comes in front of it.
+  void CoverFeatures() {
+    Press(Qt::Key_7, Qt::AltModifier);
+    const krviewer::PagePanels& panels = GetPage()->GetPanels();
+    ASSERT_TRUE(Await([&] { return panels.IsInFront(Panel::Recording) && !panels.IsInFront(Panel::Features); }));
+    ASSERT_TRUE(panels.IsShown(Panel::Features));
+  }
+  bool HasKeyboard(const char* aPanel) {
+    const QWidget* const focused = QApplication::focusWidget();
+    return focused && FindDock(aPanel).isAncestorOf(focused);
+  }
   QDockWidget& FindDock(const char* aName) { return *GetPage()->findChild<QDockWidget*>(aName); }
   Qt::DockWidgetArea GetArea(const char* aName) {
     QDockWidget& dock = FindDock(aName);
@@ -148,6 +160,37 @@ TEST_F(ViewerPanelsTest, PanelBehindAnother_ComesToTheFrontByItsKey) {
 
   Press(Qt::Key_4, Qt::AltModifier);
   EXPECT_TRUE(Await([&] { return !panels.IsShown(Panel::Histogram) && panels.IsInFront(Panel::LineProfile); }));
+}
+
+TEST_F(ViewerPanelsTest, Tabulator_PassesByAPanelThatIsBehindAnother) {
+  Begin();
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->GetFeatures().GetWindow().GetWidget() != nullptr; }));
+  GetPage()->setFocus();
+  ASSERT_NO_FATAL_FAILURE(CoverFeatures());
+
+  for (const auto& [key, modifiers] : {std::pair(Qt::Key_Tab, Qt::KeyboardModifiers()),
+                                       std::pair(Qt::Key_Backtab, Qt::KeyboardModifiers(Qt::ShiftModifier))}) {
+    int inRecording = 0;
+    for (int step = 0; step < 60; ++step) {
+      Press(key, modifiers);
+      ASSERT_FALSE(HasKeyboard("features")) << QApplication::focusWidget()->metaObject()->className();
+      inRecording += HasKeyboard("recording") ? 1 : 0;
+    }
+    EXPECT_GT(inRecording, 0);
+  }
+}
+
+TEST_F(ViewerPanelsTest, PanelWithTheKeyboardThatAnotherCovers_GivesItToThatOne) {
+  Begin();
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return FindDock("features").findChild<QComboBox*>() != nullptr; }));
+  FindDock("features").findChild<QComboBox*>()->setFocus();
+  ASSERT_TRUE(HasKeyboard("features"));
+
+  ASSERT_NO_FATAL_FAILURE(CoverFeatures());
+
+  EXPECT_TRUE(Await([this] { return HasKeyboard("recording"); }));
 }
 
 TEST_F(ViewerPanelsTest, PanelWithTheKeyboard_IsMovedByTheMenu) {
