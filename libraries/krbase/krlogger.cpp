@@ -59,7 +59,8 @@ KrString CutToLine(const KrString& aText) {
   if (text.size() <= kMostLineBytes)
     return aText;
   const std::string beginning(krbase::CutUtf8(text, kMostLineBytes));
-  return beginning + "… (the first " + std::to_string(beginning.size()) + " of " + std::to_string(text.size()) + " bytes)";
+  return beginning + "… (the first " + std::to_string(beginning.size()) + " of " + std::to_string(text.size()) +
+         " bytes)";
 }
 
 /// The text with control characters written out and malformed bytes replaced, so that no text can begin a line that

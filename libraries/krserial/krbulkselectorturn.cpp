@@ -16,7 +16,7 @@ struct KrBulkSelectorTurn::Selector {
 };
 
 std::shared_ptr<KrBulkSelectorTurn::Selector> KrBulkSelectorTurn::FindSelector(const IKrDeviceAdapter& aAdapter) {
-  // Those at which somebody has a turn, or waits for one. Never destroyed: threads may still ask while the process ends.
+  // Those at which somebody has a turn, or waits for one. Never destroyed: threads may ask while the process ends.
   static KrNamed<Selector>& selectors = *new KrNamed<Selector>;
   std::string device;
   // Devices that cannot say what they are share one.

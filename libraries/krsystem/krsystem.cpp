@@ -17,7 +17,7 @@ namespace {
 
 using krsystem::CallTransport;
 
-// Neither "this network" nor a group, and none of those that are reserved, as the broadcast address is (RFC 1122, 5735).
+// Neither "this network" nor a group, nor one of those that are reserved, as the broadcast address is (RFC 1122, 5735).
 bool IsOfOneDevice(std::uint32_t aAddress) {
   const std::uint32_t firstField = aAddress >> 24;
   return firstField != 0 && firstField < 224;

@@ -13,7 +13,8 @@ namespace {
 
 // The line of scripts/70-krgui-usb3vision.rules, so that the remedy does not depend on where that is installed.
 constexpr const char* kRule =
-    R"(ACTION!="remove", SUBSYSTEM=="usb", ENV{DEVTYPE}=="usb_device", ENV{ID_USB_INTERFACES}=="*:ef0500:*", MODE="0660", GROUP="plugdev", TAG+="uaccess")";
+    R"(ACTION!="remove", SUBSYSTEM=="usb", ENV{DEVTYPE}=="usb_device", ENV{ID_USB_INTERFACES}=="*:ef0500:*", )"
+    R"(MODE="0660", GROUP="plugdev", TAG+="uaccess")";
 
 // The speeds that are too slow, by their number.
 constexpr std::array<const char*, 4> kSlowSpeeds = {nullptr, "Low Speed (1.5 Mbit/s)", "Full Speed (12 Mbit/s)",

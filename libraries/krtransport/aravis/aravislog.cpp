@@ -16,8 +16,8 @@ namespace {
 constexpr const char* kDomains[] = {nullptr, "GLib", "GLib-GObject", "GLib-GIO"};
 
 // Complaints about what is as it should be: a stream whose thread we stopped before its release is stopped once more by
-// its own release, and a USB device that could not be opened waits for a thread that it never had. They are kept for who
-// looks closely: the last one may also be the application's.
+// its own release, and a USB device that could not be opened waits for a thread that it never had. They are kept for
+// who looks closely: the last one may also be the application's.
 constexpr std::string_view kHarmless[] = {
     "arv_gv_stream_stop_thread: assertion 'priv->thread != NULL' failed",
     "arv_uv_stream_stop_thread: assertion 'priv->thread != NULL' failed",

@@ -37,13 +37,13 @@ constexpr std::array<LiveSetting, ReceiverSettings::kLiveSettings> kLive = {{
              "incomplete, and is handed over sooner."},
      "packet-resend", PropertyKind::Choice, 1},
     {{.name = "StreamPacketResendRatio", .category = kReceiver,
-      .tip = "The most packets of one frame that are asked for again, as a share of all its packets. A frame that lacks "
-             "more is given up, so that the requests do not crowd out the frames behind it.",
+      .tip = "The most packets of one frame that are asked for again, as a share of all its packets. A frame that "
+             "lacks more is given up, so that the requests do not crowd out the frames behind it.",
       .maximum = 200, .unit = "%"},
      "packet-request-ratio", PropertyKind::Percentage, 25},
     {{.name = "StreamInitialPacketTimeout", .category = kReceiver,
-      .tip = "How long after a gap was seen its packets are asked for the first time. Longer where packets overtake each "
-             "other, as with bonded adapters.",
+      .tip = "How long after a gap was seen its packets are asked for the first time. Longer where packets overtake "
+             "each other, as with bonded adapters.",
       .maximum = 10'000'000, .unit = "us"},
      "initial-packet-timeout", PropertyKind::Number, 1000},
     {{.name = "StreamPacketTimeout", .category = kReceiver,

@@ -143,5 +143,6 @@ KrResult KrFindSimulatedFaults(const KrString& aUniqueID, std::shared_ptr<KrSimu
     return {};
   }
   return {KrResult::Code::NotFound, "No simulated camera has the unique ID " + aUniqueID +
-                                        "; install the simulation, and give the MAC address or GUID as discovery tells it."};
+                                        "; install the simulation, and give the MAC address or GUID as discovery "
+                                        "tells it."};
 }

@@ -113,8 +113,8 @@ constexpr std::array kFeatures = {
 
     Feature{.name = "WidthMax", .category = kImageFormat, .address = kWidthMax, .tip = "The sensor's width in pixels.",
             .access = kReadOnly, .visibility = "Expert"},
-    Feature{.name = "HeightMax", .category = kImageFormat, .address = kHeightMax, .tip = "The sensor's height in lines.",
-            .access = kReadOnly, .visibility = "Expert"},
+    Feature{.name = "HeightMax", .category = kImageFormat, .address = kHeightMax,
+            .tip = "The sensor's height in lines.", .access = kReadOnly, .visibility = "Expert"},
     Feature{.name = "Width", .category = kImageFormat, .address = kWidth, .tip = "The image's width in pixels.",
             .isLocked = true, .minimum = kWidthMin, .increment = kWidthIncrement, .limit = "WidthMax",
             .limitLess = "OffsetX"},

@@ -42,7 +42,8 @@ public:
   /// NotSupported for one of another kind.
   KrResult GetAccessType(const krsystem::AnyDeviceFields& aDevice, krsystem::AccessType& aType) override;
   /// NotFound when the device is gone; AccessDenied, with different texts, when permission is missing and when another
-  /// program has the device, TimeLimitExceeded when it does not say its GUID and an equal one is there. Control and exclusive access are the same on USB.
+  /// program has the device, TimeLimitExceeded when it does not say its GUID and an equal one is there. Control and
+  /// exclusive access are the same on USB.
   KrResult Open(const krsystem::InterfaceFields& aInterface, const krsystem::AnyDeviceFields& aDevice,
                 krsystem::DeviceAccess aAccess, std::unique_ptr<krsystem::IDeviceLink>& aLink) override;
   /// The devices that Discover would report, whose names are those that the kernel has read of them.

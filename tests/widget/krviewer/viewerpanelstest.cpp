@@ -9,6 +9,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <utility>
 
 using krviewer::Panel;
 

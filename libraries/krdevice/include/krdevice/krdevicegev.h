@@ -40,12 +40,12 @@ public:
 
   /// Reads how the device gets its address at its next start.
   KrResult GetLastingIPConfiguration(KrLastingIPConfiguration& aConfiguration);
-  /// Writes it, as a whole: other calls of this object wait. The device must be open with control. Ways that the device does not have are NotSupported;
-  /// texts that do not parse and addresses that no device of the subnet can have (0.0.0.0 with persistent, multicast,
-  /// loopback, the subnet's own or its broadcast address, a mask with a gap) InvalidInput, before anything is written.
-  /// Where writing fails midway, what was written before is put back. Read back and compared: ProtocolError when the
-  /// device keeps something else, and then, too, what was there before is put back. An address that does not count yet
-  /// (persistent is false) is kept all the same.
+  /// Writes it, as a whole: other calls of this object wait. The device must be open with control. Ways that the device
+  /// does not have are NotSupported; texts that do not parse and addresses that no device of the subnet can have
+  /// (0.0.0.0 with persistent, multicast, loopback, the subnet's own or its broadcast address, a mask with a gap)
+  /// InvalidInput, before anything is written. Where writing fails midway, what was written before is put back. Read
+  /// back and compared: ProtocolError when the device keeps something else, and then, too, what was there before is put
+  /// back. An address that does not count yet (persistent is false) is kept all the same.
   KrResult SetLastingIPConfiguration(const KrLastingIPConfiguration& aConfiguration);
 
   /// Gives the device of a MAC address ("aa:bb:cc:dd:ee:ff") another IP configuration (texts "a.b.c.d") until its next

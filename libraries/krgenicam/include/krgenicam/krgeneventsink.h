@@ -5,9 +5,10 @@
 
 class KrGenParameter;
 
-/// Hears of changes of parameters it is registered with, whatever made them: a write through any parameter of the array,
-/// a selector, a command. What the device changes by itself is found out when somebody asks: an application that wants
-/// to hear of that, and of the end of commands that take time, calls KrGenParameterArray::Poll several times a second.
+/// Hears of changes of parameters it is registered with, whatever made them: a write through any parameter of the
+/// array, a selector, a command. What the device changes by itself is found out when somebody asks: an application that
+/// wants to hear of that, and of the end of commands that take time, calls KrGenParameterArray::Poll several times a
+/// second.
 ///
 /// Thread: called on the notification thread of the parameter's array, one call at a time, with no lock held. A sink
 /// may read and write parameters, and register and unregister sinks, itself among them; it must not destroy the array.

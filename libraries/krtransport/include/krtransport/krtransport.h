@@ -18,8 +18,8 @@ struct KrTransportSelection {
 /// SystemError for one that cannot be read, BadData, with line, column and reason, for one that is no good, WrongState
 /// for a lab file when another lab was installed before; then nothing is registered. Any thread.
 ///
-/// When a real camera is opened for the first time, handlers are set (g_log_set_handler) that bring the records of GLib,
-/// and those without a domain, which Aravis writes, into KrLogger. GLib's writer and default handler stay the
+/// When a real camera is opened for the first time, handlers are set (g_log_set_handler) that bring the records of
+/// GLib, and those without a domain, which Aravis writes, into KrLogger. GLib's writer and default handler stay the
 /// application's, and a handler of its own for these domains has precedence where it is set later.
 ///
 ///     int main() {
