@@ -12,8 +12,7 @@ class CameraAnswers {
 public:
   /// An access has ended. Silence and loss are kept until one succeeds; other failures say nothing of either.
   void Note(const KrResult& aResult) {
-    const bool isUnanswered =
-        aResult == KrResult::Code::TimeLimitExceeded || aResult == KrResult::Code::ConnectionLost;
+    const bool isUnanswered = aResult == KrResult::Code::TimeLimitExceeded || aResult == KrResult::Code::ConnectionLost;
     if (!isUnanswered && !aResult.IsOK())
       return;
     const std::lock_guard lock(mMutex);
