@@ -42,10 +42,11 @@ LinkEvents::~LinkEvents() {
 
 void LinkEvents::SetSink(IDeviceLinkSink* aSink) {
   std::unique_lock lock(mMutex);
-  IDeviceLinkSink* const former = std::exchange(mSink, aSink);
+  mSink = aSink;
   mChanged.notify_all();
-  if (former && former != aSink && mThread.get_id() != std::this_thread::get_id())
-    mChanged.wait(lock, [this, former] { return mCalled != former; });
+  // Not the former one alone: whose call still runs may have been taken away before, by itself for one.
+  if (mThread.get_id() != std::this_thread::get_id())
+    mChanged.wait(lock, [this, aSink] { return !mCalled || mCalled == aSink; });
 }
 
 void LinkEvents::ReportLost(const KrResult& aReason) {

@@ -37,6 +37,18 @@ private:
   std::vector<std::string> mHeard;
 };
 
+/// Takes itself away in the word of loss, and does not return from it until it is let go.
+struct LeavingSink final : public krsystem::IDeviceLinkSink {
+  void OnLinkLost(const KrResult&) override {
+    events->SetSink(nullptr);
+    gate.Wait({});
+  }
+  void OnLinkBack() override {}
+
+  LinkEvents* events = nullptr;
+  Gate gate;
+};
+
 KrResult MakeLoss(const char* aReason) {
   return {KrResult::Code::ConnectionLost, aReason};
 }
@@ -70,4 +82,19 @@ TEST(LinkEvents, EventsForgotten_AreNotHeard) {
   events.SetSink(&sink);
   EXPECT_THAT(sink.WaitForLast("lost: later"), testing::ElementsAre("lost: later"));
   events.SetSink(nullptr);
+}
+
+TEST(LinkEvents, SinkThatTookItselfAway_IsWaitedForWhileItsCallRuns) {
+  LeavingSink sink;
+  LinkEvents events;
+  sink.events = &events;
+  events.SetSink(&sink);
+  events.ReportLost(MakeLoss("lost"));
+  EXPECT_TRUE(sink.gate.AwaitReached());
+
+  krtest::CallBeside taking([&] { events.SetSink(nullptr); });
+
+  EXPECT_TRUE(taking.Waits());
+  sink.gate.Open();
+  taking.Join();
 }

@@ -21,7 +21,7 @@ public:
   LinkEvents();
   ~LinkEvents();
 
-  /// Returns when no call of the former sink is running on another thread.
+  /// Returns when no call of another sink is running on another thread.
   void SetSink(IDeviceLinkSink* aSink);
   /// Events wait until there is a sink; of several of one kind in a row the last one alone.
   void ReportLost(const KrResult& aReason);
