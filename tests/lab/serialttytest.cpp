@@ -2,6 +2,7 @@
 
 #include "seriallinefixture.h"
 
+#include "descriptorrefusal.h"
 #include "krbase/filedescriptor.h"
 #include "krbase/krlogger.h"
 #include "pseudoterminal.h"
@@ -231,6 +232,23 @@ TEST_F(SerialTtyTest, Tty_ThatRefusesARate_IsTakenUpAgainWhenItIsBack) {
 
   EXPECT_TRUE(WaitUntil([&] { return CountLogged(KrLogLevel::Info) == 1; }));
   end.Close();
+}
+
+TEST_F(SerialTtyTest, LineMadeWhileNoDescriptorWasLeft_IsHeardOnceItIsOpened) {
+  std::unique_ptr<krtransport::TtyLineEnd> end;
+  {
+    const DescriptorRefusal refusal;
+    ASSERT_FALSE(krbase::WakeEvent().IsOpen());
+    end = std::make_unique<krtransport::TtyLineEnd>("Serial0", mPath->Get());
+  }
+  const std::string sent = "heard";
+
+  end->Open(115200, [] {});
+  ASSERT_EQ(CountLogged(KrLogLevel::Warning), 0);
+  EXPECT_EQ(end->Take(reinterpret_cast<const std::uint8_t*>(sent.data()), sent.size(), 0), sent.size());
+
+  EXPECT_EQ(mTerminal->Read(sent.size()), sent);
+  end->Close();
 }
 
 TEST_F(SerialTtyTest, PathWithoutATty_LeavesTheLineSilent) {

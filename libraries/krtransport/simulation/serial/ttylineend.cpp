@@ -33,7 +33,9 @@ void TtyLineEnd::Open(std::uint32_t aRate, Waker aWaker) {
   // What came while nobody listened is not heard.
   if (OpenTty())
     mTty.DropReceived();
-  mSignal.Clear(); // What its last opening left behind.
+  if (!mSignal.IsOpen())
+    mSignal = krbase::WakeEvent(); // When the line was made no descriptor was left.
+  mSignal.Clear();                 // What its last opening left behind.
   try {
     if (mSignal.IsOpen())
       mThread = std::thread([this] { Run(); });
