@@ -140,6 +140,16 @@ void AwaitPicture(const ViewerProgram& aViewer) {
   AwaitChange(first, kSureChanges);
 }
 
+// A viewer may stand still for a moment when its window has become larger.
+ScreenArea AwaitLivePicture(const DisplayScreen& aScreen, const ViewerProgram& aViewer) {
+  const auto limit = Clock::now() + kLimit;
+  while (Clock::now() < limit) {
+    if (const std::optional<ScreenArea> picture = benchmarks::FindPicture(aScreen, aViewer.GetWindowArea()))
+      return *picture;
+  }
+  Fail("there is no live picture in the window.");
+}
+
 // All between two moments while it shows.
 void MeasureSpan(const ViewerProgram& aViewer, const DisplayScreen& aScreen, const PixelWatch& aWatch,
                  const WireFrames& aFrames, Measured& aMeasured) {
@@ -181,13 +191,11 @@ Measured Measure(const Case& aCase, std::vector<std::string> aCommandLine, const
   for (const std::string& key : aPictureKeys)
     viewer.PressKey(key);
   std::this_thread::sleep_for(kWarmUp);
-  const std::optional<ScreenArea> picture = benchmarks::FindPicture(screen, viewer.GetWindowArea());
-  if (!picture)
-    Fail("there is no live picture in the window.");
-  measured.pictureWidth = picture->width;
-  measured.pictureHeight = picture->height;
-  const PixelWatch watch({static_cast<std::int16_t>(picture->x + picture->width / 3),
-                          static_cast<std::int16_t>(picture->y + picture->height / 2)});
+  const ScreenArea picture = AwaitLivePicture(screen, viewer);
+  measured.pictureWidth = picture.width;
+  measured.pictureHeight = picture.height;
+  const PixelWatch watch({static_cast<std::int16_t>(picture.x + picture.width / 3),
+                          static_cast<std::int16_t>(picture.y + picture.height / 2)});
   MeasureSpan(viewer, screen, watch, {.imageBytes = kImageWidth * kImageHeight, .packetBytes = kPacketBytes}, measured);
   return measured;
 }

@@ -21,6 +21,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 
 namespace benchmarks {
@@ -39,48 +40,54 @@ struct Cameras {
   KrDeviceAdapter adapter{*mono};
 };
 
-/// Whether anything of a window was painted: some have an area that they leave to another one.
-class FirstPaint : public QObject {
+/// Which windows were painted since, or anything of them: some have an area that they leave to another one.
+class PaintedWindows : public QObject {
 public:
-  explicit FirstPaint(QWidget& aWindow) : mWindow(aWindow) { qApp->installEventFilter(this); }
-  bool HasCome() const { return mHasCome; }
+  PaintedWindows() { qApp->installEventFilter(this); }
+  bool Has(const QWidget& aWindow) const { return mPainted.contains(&aWindow); }
 
 private:
   bool eventFilter(QObject* aWatched, QEvent* aEvent) override {
     const auto* const widget = aEvent->type() == QEvent::Paint ? qobject_cast<QWidget*>(aWatched) : nullptr;
-    mHasCome = mHasCome || (widget && widget->window() == &mWindow);
+    if (widget)
+      mPainted.insert(widget->window());
     return QObject::eventFilter(aWatched, aEvent);
   }
 
-  QWidget& mWindow;
-  bool mHasCome = false;
+  std::set<const QWidget*> mPainted;
 };
 
-/// From the begin on until a window was painted.
-double AwaitPaint(QWidget& aWidget, Clock::time_point aBegin) {
-  const FirstPaint paint(aWidget);
-  while (!paint.HasCome())
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  return std::chrono::duration<double, std::milli>(Clock::now() - aBegin).count();
-}
+/// How long a window takes to be painted that is made and shown in between; showing it may handle events.
+class Stopwatch {
+public:
+  double AwaitPaint(const QWidget& aWindow) const {
+    while (!mPainted.Has(aWindow))
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return std::chrono::duration<double, std::milli>(Clock::now() - mBegin).count();
+  }
+
+private:
+  const PaintedWindows mPainted;
+  const Clock::time_point mBegin = Clock::now();
+};
 
 template <typename Window>
 double Open(const std::function<void(Window&)>& aSetUp) {
-  const Clock::time_point begin = Clock::now();
+  const Stopwatch stopwatch;
   Window window;
   aSetUp(window);
   scene::Require(window.ShowModeless(0));
-  const double ms = AwaitPaint(*window.GetWidget(), begin);
+  const double ms = stopwatch.AwaitPaint(*window.GetWidget());
   scene::Require(window.Close());
   return ms;
 }
 
 double OpenDialog(Cameras&) {
-  const Clock::time_point begin = Clock::now();
+  const Stopwatch stopwatch;
   QDialog dialog;
   dialog.resize(640, 480);
   dialog.show();
-  return AwaitPaint(dialog, begin);
+  return stopwatch.AwaitPaint(dialog);
 }
 
 struct Opening {

@@ -1,6 +1,8 @@
 #include "krsystem/linkevents.h"
 
 #include "await.h"
+#include "gate.h"
+#include "threadstate.h"
 
 #include <gmock/gmock.h>
 
