@@ -104,7 +104,8 @@ constexpr CommandRow kCommands[] = {
     {.verb = Verb::Xml,
      .name = "xml",
      .synopsis = "xml DEVICE|FILE.zip [FILE] [--force] [--timeout MS] [--simulate | --lab FILE]",
-     .description = "Writes the device's description of its features, unpacked, to standard output or into FILE.",
+     .description = "Writes the device's description of its features, unpacked, to standard output or into FILE; then\n"
+                    "      how many bytes it has.",
      .takesDevice = true,
      .file = FileUse::Optional},
     {.verb = Verb::Save,

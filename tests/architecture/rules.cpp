@@ -18,7 +18,7 @@ constexpr Room kRooms[] = {
     {"krclserial", "CLSerial", "krbase"},
     {"krserial", "Serial", "krbase krpersistence krbuffer krgenicam krsystem krdevice"},
     {"krcamerabridge", "CameraBridge", "krbase krpersistence krbuffer krgenicam krsystem krdevice krserial"},
-    {"krtransport", "Transport", "krbase krpersistence krbuffer krgenicam krsystem krdevice krserial"},
+    {"krtransport", "Transport", "krbase krpersistence krbuffer krgenicam krsystem krdevice"},
     {"krgui/logic", "GUILogic", "krbase krpersistence krbuffer krsystem krgenicam krserial"},
     {"krgui", "GUI",
      "krbase krpersistence krbuffer krgenicam krsystem krdevice krclserial krserial krcamerabridge krgui/logic"},

@@ -82,7 +82,7 @@ constexpr StreamCounter kCounters[] = {
 
 constexpr std::array kModes = {
     HostFeatureEntry{"Automatic", "Two frames, at least 4 MiB.", 0},
-    HostFeatureEntry{"Fixed", "What SocketBufferSize says.", 1},
+    HostFeatureEntry{"Fixed", "What StreamSocketBufferSize says.", 1},
 };
 
 void Set(ArvStream& aStream, const LiveSetting& aSetting, std::int64_t aValue) {
