@@ -183,8 +183,8 @@ KrResult KrSystem::FindDevice(const KrString& aAddress, const KrDeviceInfo** aDe
     return {KrResult::Code::InvalidInput,
             "Looking for a device: \"" + aAddress + "\" is no IPv4 address; write four numbers, as in 192.168.1.20."};
   if (!IsOfOneDevice(*address))
-    return {KrResult::Code::InvalidInput, "Looking for a device: " + aAddress +
-                                              " is the address of no single device; write the device's own one."};
+    return {KrResult::Code::InvalidInput,
+            "Looking for a device: " + aAddress + " is the address of no single device; write the device's own one."};
   const TransportList transports = krsystem::GetTransports();
   const std::vector<AddressAnswer> answers = AskAddress(transports, *address, mBody->detectionTimeoutMs);
   const KrDeviceInfo* found = nullptr;

@@ -55,9 +55,8 @@ protected:
     const KrResult opened = KrDevice::Open(*info, KrDeviceAccess::Control, mDevice);
     ASSERT_TRUE(opened.IsOK()) << opened.GetDescription().CStr();
     constexpr std::array<std::uint8_t, 4> kHeight = {0, 0, 1, 0}; // 256 lines.
-    ASSERT_TRUE(mDevice->GetRegisterPort()
-                    .Write(kHeightRegister, kHeight.data(), kHeight.size(), kGenerousTimeoutMs)
-                    .IsOK());
+    ASSERT_TRUE(
+        mDevice->GetRegisterPort().Write(kHeightRegister, kHeight.data(), kHeight.size(), kGenerousTimeoutMs).IsOK());
   }
   void TearDown() override {
     mDevice.reset();

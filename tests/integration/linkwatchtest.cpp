@@ -65,7 +65,8 @@ TEST(LinkWatch, SinkThatBlocksInTheWordOfLoss_DoesNotKeepItFromLookingForTheRetu
   BlockingSink sink;
   LinkTarget target;
   target.deviceAddress = kLoopback;
-  LinkWatch watch(target, std::move(client), [] { return true; }, [](const KrResult&) {});
+  LinkWatch watch(
+      target, std::move(client), [] { return true; }, [](const KrResult&) {});
 
   watch.SetSink(&sink);
   EXPECT_EQ(sink.mIsTold.get_future().wait_for(krtest::GetGenerousLimit()), std::future_status::ready);

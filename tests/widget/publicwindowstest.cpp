@@ -30,6 +30,7 @@ void WithWindow(const WindowTest& aTest) {
 struct WindowCase {
   const char* name;
   void (*run)(const WindowTest& aTest);
+  const char* title; ///< Of a new one.
   int leastWidth, mostWidth, leastHeight, mostHeight;
 };
 
@@ -37,11 +38,13 @@ class PublicWindows : public testing::TestWithParam<WindowCase> {};
 
 } // namespace
 
-TEST_P(PublicWindows, NeverShown_HaveNoHandleNoTitleAndZeroPosition) {
-  GetParam().run([](KrWnd& aWindow) {
+TEST_P(PublicWindows, NeverShown_HaveNoHandleTheirTitleAndZeroPosition) {
+  const WindowCase& window = GetParam();
+
+  window.run([&window](KrWnd& aWindow) {
     EXPECT_EQ(aWindow.GetHandle(), 0U);
     EXPECT_EQ(aWindow.GetWidget(), nullptr);
-    EXPECT_TRUE(aWindow.GetTitle().IsEmpty());
+    EXPECT_EQ(aWindow.GetTitle(), KrString(window.title));
     EXPECT_EQ(GetPosition(aWindow), (Position{0, 0, 0, 0}));
   });
 }
@@ -83,12 +86,14 @@ TEST_P(PublicWindows, NotOpen_AreNeitherClosedNorPumped) {
 /// By hand, as the windows are described, not from the table that they are made by.
 INSTANTIATE_TEST_SUITE_P(
     All, PublicWindows,
-    testing::Values(WindowCase{"DeviceFinder", &WithWindow<KrDeviceFinderWnd>, 500, 800, 300, 600},
-                    WindowCase{"Display", &WithWindow<KrDisplayWnd>, 30, 32768, 20, 32768},
-                    WindowCase{"Browser", &WithWindow<KrGenBrowserWnd>, 300, 32768, 300, 32768},
-                    WindowCase{"SerialTerminal", &WithWindow<KrSerialTerminalWnd>, 608, 608, 350, 2000},
-                    WindowCase{"SerialBridgeManager", &WithWindow<KrSerialBridgeManagerWnd>, 500, 800, 300, 600},
-                    WindowCase{"CameraBridgeManager", &WithWindow<KrCameraBridgeManagerWnd>, 775, 1600, 582, 2500}),
+    testing::Values(WindowCase{"DeviceFinder", &WithWindow<KrDeviceFinderWnd>, "", 500, 800, 300, 600},
+                    WindowCase{"Display", &WithWindow<KrDisplayWnd>, "", 30, 32768, 20, 32768},
+                    WindowCase{"Browser", &WithWindow<KrGenBrowserWnd>, "", 300, 32768, 300, 32768},
+                    WindowCase{"SerialTerminal", &WithWindow<KrSerialTerminalWnd>, "Device Serial Communication", 608,
+                               608, 350, 2000},
+                    WindowCase{"SerialBridgeManager", &WithWindow<KrSerialBridgeManagerWnd>,
+                               "Serial Communication Bridge", 500, 800, 300, 600},
+                    WindowCase{"CameraBridgeManager", &WithWindow<KrCameraBridgeManagerWnd>, "", 775, 1600, 582, 2500}),
     [](const auto& aInfo) { return std::string(aInfo.param.name); });
 
 } // namespace krgui

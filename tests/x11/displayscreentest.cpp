@@ -1,7 +1,7 @@
 // What the display really brings onto the screen, pixel by pixel, and what real keys and a real mouse do to it.
 
-#include "await.h"
 #include "displayscreen.h"
+#include "await.h"
 #include "display/displayview.h"
 #include "windowwait.h"
 

@@ -240,9 +240,9 @@ void CameraPage::StartOrStopRecording() {
 void CameraPage::TellNothingToRecord() {
   const bool isLost = GetProgress().state == AcquisitionState::Lost;
   const KrString why = isLost ? "the camera is lost. " : "the camera is not connected. ";
-  ShowFailure(this, tr("Record"),
-              {KrResult::Code::ConnectionLost,
-               "Nothing can be recorded, as " + why + GetProgress().result.GetDescription()});
+  ShowFailure(
+      this, tr("Record"),
+      {KrResult::Code::ConnectionLost, "Nothing can be recorded, as " + why + GetProgress().result.GetDescription()});
 }
 
 void CameraPage::Disconnect() {

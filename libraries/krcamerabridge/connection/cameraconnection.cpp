@@ -11,8 +11,8 @@ KrResult CameraConnection::Open(const CameraChoice& aChoice, const ConnectionOrd
   if (KrResult result = aChoice.way->connect(aChoice, aOrder, camera); !result.IsOK())
     return result;
   NamedPort& port = connection->mPort.emplace(*camera.port, aOrder.cameraName, aOrder.answers);
-  KrResult result = KrGenParameterArray::Open(camera.description, port, {.timeoutMs = camera.accessMs},
-                                              connection->mParameters);
+  KrResult result =
+      KrGenParameterArray::Open(camera.description, port, {.timeoutMs = camera.accessMs}, connection->mParameters);
   if (!result.IsOK())
     connection->Close(aOrder.stop);
   else

@@ -105,9 +105,8 @@ KrResult PortWorker::Run(const std::shared_ptr<Access>& aAccess, std::uint32_t a
   const bool hasLeft = leaving.stop_requested();
   KrResult result{KrResult::Code::Aborted, "The access to the camera was cancelled."};
   if (!hasLeft) {
-    result = {KrResult::Code::TimeLimitExceeded,
-              "The camera did not answer within " + std::to_string(aTimeoutMs) +
-                  " milliseconds; check its cable and its power."};
+    result = {KrResult::Code::TimeLimitExceeded, "The camera did not answer within " + std::to_string(aTimeoutMs) +
+                                                     " milliseconds; check its cable and its power."};
     if (aAccess->begun && *aAccess->begun <= until - limit / 2)
       Note(result);
   }

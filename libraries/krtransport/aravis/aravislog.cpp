@@ -48,8 +48,7 @@ void WriteRecord(const gchar* aDomain, GLogLevelFlags aLevel, const gchar* aMess
 
 void InstallAravisLog() {
   static std::once_flag once;
-  constexpr auto kAllRecords =
-      static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
+  constexpr auto kAllRecords = static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
   std::call_once(once, [] {
     for (const char* const domain : kDomains)
       g_log_set_handler(domain, kAllRecords, WriteRecord, nullptr);

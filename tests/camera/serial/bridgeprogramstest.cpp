@@ -50,8 +50,8 @@ protected:
     EXPECT_TRUE(writer.Save(path.toStdString()).IsOK());
     return path;
   }
-  /// Chooses an entry of the menu "Tools" by its letter, types a file's name into the dialog that comes, and waits until
-  /// the file is used.
+  /// Chooses an entry of the menu "Tools" by its letter, types a file's name into the dialog that comes, and waits
+  /// until the file is used.
   static void UseFile(UserHands& aUser, const QString& aLetter, const QString& aTitle, const QString& aPath) {
     aUser.Press("alt+t");
     ASSERT_TRUE(aUser.AwaitMenu());
@@ -347,7 +347,8 @@ TEST(BridgeExample, LinksAPortUntilItIsInterrupted) {
       output += QString::fromUtf8(example.readAllStandardOutput());
       match = QRegularExpression(aPattern).match(output);
       return match.hasMatch();
-    })) << output.toStdString() << example.readAllStandardError().toStdString();
+    })) << output.toStdString()
+        << example.readAllStandardError().toStdString();
     return match.captured(1);
   };
   example.start(KR_EXAMPLE_PATH, {"--simulate", "--create", "sim-mono", "Serial0", "COM9"});

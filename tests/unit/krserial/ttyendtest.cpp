@@ -1,7 +1,7 @@
 // A serial port of the host as the end of a bridge: real pseudo-terminals, with the test at their other ends.
 
-#include "await.h"
 #include "bridge/ttyend.h"
+#include "await.h"
 #include "bridge/ttysettings.h"
 #include "bridgeends.h"
 #include "hostendreader.h"

@@ -10,9 +10,7 @@ namespace {
 
 class States : public CameraTest {
 protected:
-  void SetSilent(bool aIsSilent) {
-    ASSERT_TRUE(mLab->GetFaults(kGrabberMAC)->SilenceSerialPort(0, aIsSilent).IsOK());
-  }
+  void SetSilent(bool aIsSilent) { ASSERT_TRUE(mLab->GetFaults(kGrabberMAC)->SilenceSerialPort(0, aIsSilent).IsOK()); }
   bool AwaitState(const char* aBegin) const {
     return WaitFor([this, aBegin] { return GetText(id::kState).starts_with(aBegin); });
   }
