@@ -105,7 +105,7 @@ void RecordPanel::AddPlace(QFormLayout& aForm) {
   mFolder->setAccessibleName(tr("Folder"));
   connect(mFolder, &QLineEdit::textChanged, this, [this] { mRoomAge.invalidate(); });
   auto* const browse = new QToolButton;
-  browse->setText(QStringLiteral("…"));
+  browse->setText(QStringLiteral("..."));
   browse->setObjectName(QStringLiteral("recordBrowse"));
   browse->setAccessibleName(tr("Choose the folder"));
   browse->setFocusPolicy(Qt::StrongFocus);
