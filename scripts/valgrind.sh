@@ -22,19 +22,25 @@ fi
 scripts/setup.sh valgrind
 scripts/build.sh release
 folder=$PWD/build/release
-logs=$folder/Testing/Temporary
-rm -f "$logs"/MemoryChecker.*.log
+logs=$folder/valgrind
+rm -rf "$logs"
+mkdir "$logs"
 
-# What a test starts besides itself is not looked at. The documentation's test is a script.
-options=(
-  "${leaks[@]}" --error-exitcode=99 --num-callers=40 "--suppressions=$PWD/tests/suppressions/valgrind.supp"
-)
+# A test's own program alone: not the script around it, nor what it starts besides. The documentation's test is a script.
+chosen=(--test-dir "$folder" --label-regex "^$kind\$" --exclude-regex '^unit\.apidocumentation$' ${1:+--tests-regex "$1"})
+KR_TEST_RUNNER="valgrind ${leaks[*]} --error-exitcode=99 --num-callers=40 --log-file=$logs/%q{KR_TEST_NAME}.%p.txt"
+export KR_TEST_RUNNER="$KR_TEST_RUNNER --suppressions=$PWD/tests/suppressions/valgrind.supp"
 status=0
-ctest --test-dir "$folder" --test-action memcheck --label-regex "^$kind\$" --exclude-regex '^unit\.apidocumentation$' \
-  --no-tests=error --parallel "$(nproc)" ${1:+--tests-regex "$1"} --overwrite MemoryCheckCommand="$(command -v valgrind)" \
-  --overwrite MemoryCheckCommandOptions="${options[*]}" || status=1
-for log in $(grep -lE 'ERROR SUMMARY: [^0]' "$logs"/MemoryChecker.*.log || true); do
+ctest "${chosen[@]}" --output-on-failure --no-tests=error --parallel "$(nproc)" || status=1
+for log in $(grep -lE 'ERROR SUMMARY: [^0]' "$logs"/*.txt || true); do
   cat "$log" >&2
   status=1
 done
+# What was not looked at must not pass for clean.
+wanted=$(ctest "${chosen[@]}" -N | grep -c '^ *Test *#')
+seen=$(find "$logs" -name '*.txt' | sed -E 's/.*\/(.*)\.[0-9]+\.txt/\1/' | sort -u | wc -l)
+if [ "$seen" -lt "$wanted" ]; then
+  echo "valgrind: $seen of $wanted tests were looked at" >&2
+  status=1
+fi
 exit "$status"

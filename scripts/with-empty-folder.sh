@@ -1,6 +1,6 @@
 #!/bin/sh
 # Empties a folder, or makes it, and runs a program: what an earlier run left there is not read. Arguments and the exit
-# status are passed through.
+# status are passed through. The words of KR_TEST_RUNNER, if there are any, are what runs it (scripts/valgrind.sh).
 #
 #   scripts/with-empty-folder.sh FOLDER PROGRAM [ARGUMENT...]
 set -u
@@ -19,4 +19,6 @@ case $folder in
     ;;
 esac
 rm -rf -- "$folder" && mkdir -p -- "$folder/config" "$folder/data" || exit 73
-exec "$@"
+export KR_TEST_NAME="${folder##*/}" # By which the runner calls what it writes.
+# shellcheck disable=SC2086 # Several words.
+exec ${KR_TEST_RUNNER:-} "$@"
