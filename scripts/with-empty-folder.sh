@@ -19,6 +19,6 @@ case $folder in
     ;;
 esac
 rm -rf -- "$folder" && mkdir -p -- "$folder/config" "$folder/data" || exit 73
-export KR_TEST_NAME="${folder##*/}" # By which the runner calls what it writes.
+export KR_TEST_NAME="${folder##*/}.$$" # By which the runner calls what it writes; the process is the program's, too.
 # shellcheck disable=SC2086 # Several words.
 exec ${KR_TEST_RUNNER:-} "$@"

@@ -19,15 +19,17 @@ KrResult NodeMap::Poll(const std::stop_token& aStop) {
   const std::uint64_t now = GetTimeMs();
   const krbase::EitherStop stop(GetCancelToken(), aStop);
   const std::stop_token cancel = stop.GetToken();
+  // Who stops tells one after the other who has asked to be told: an access that was may have ended before this was.
+  const auto isStopped = [&] { return aStop.stop_requested() || cancel.stop_requested(); };
   KrResult first;
   // Others get their turn between two nodes.
   for (PolledNode& polled : mPolledNodes) {
     const KrResult result = Run(cancel, [&](Evaluation& aEvaluation) {
-      return cancel.stop_requested() ? KrResult() : PollNode(aEvaluation, polled, now);
+      return isStopped() ? KrResult() : PollNode(aEvaluation, polled, now);
     });
     if (first.IsOK() && !result.IsOK())
       first = result;
-    if (mIsClosed || cancel.stop_requested())
+    if (mIsClosed || isStopped())
       return first.IsOK() ? KrResult(KrResult::Code::Aborted, "Polling was cancelled.") : first;
   }
   const KrResult queued = Run([this](Evaluation&) {

@@ -136,14 +136,15 @@ double PixelReference::GetWord(int aIndex, int aY) const {
     std::memcpy(&value, &mBytes.at(static_cast<std::size_t>(aY * mStride + wordBytes * aIndex)), sizeof value);
     return value;
   }
-  // Wide enough for the sum of 64 bits to be exact.
-  long double value = 0;
+  // Each half is exact, so that their sum alone is rounded. Not in one wider number, which valgrind has not.
+  double low = 0;
+  double high = 0;
   for (int bit = 0; bit < bits; ++bit)
     if (GetBit(aY, wordBytes * aIndex + bit / 8, bit % 8)) {
       const bool isSign = mFormat.sampleKind == KrSampleKind::Signed && bit == bits - 1;
-      value += std::ldexp(isSign ? -1.0L : 1.0L, bit);
+      (bit < 32 ? low : high) += std::ldexp(isSign ? -1.0 : 1.0, bit);
     }
-  return static_cast<double>(value);
+  return high + low;
 }
 
 std::vector<PixelReference::RawSample> PixelReference::GetRawLumaChroma(int aX, int aY) const {
