@@ -32,6 +32,7 @@ GTEST_FILTER="-CLProtocolTest.WithoutTheProgramForDrivers_TheMessageSaysOnceHowI
 GTEST_FILTER+=":ChildProcessTest.OfASessionOfItsOwn_IsEndedByDisconnect"
 GTEST_FILTER+=":RecordingOnAHangingDisk.*:SetupFiles.DiskThat*:SetupFiles.LeftWhileItIsWritten_*"
 export GTEST_FILTER
+export QT_ENABLE_REGEXP_JIT=0 # Nor can it judge what is compiled as it runs.
 
 # A test's own program alone: not the script around it, nor what it starts besides. The documentation's test is a script.
 # Some bring an operator new of their own, which is theirs to have; some have a thread that only rests by waiting for
