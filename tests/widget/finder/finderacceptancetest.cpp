@@ -47,6 +47,17 @@ protected:
     timer.start(1);
     return mFinder.ShowModal(0);
   }
+
+  /// What the finder says to an attempt to accept a device.
+  ShownMessage ReadRefusal(const std::function<void()>& aAccept) {
+    ShownMessage message;
+    OnNextDialog([&](QWidget& aDialog) {
+      message = ReadMessage(aDialog);
+      aDialog.close();
+    });
+    aAccept();
+    return message;
+  }
 };
 
 TEST_F(DeviceAcceptanceTest, OK_GivesTheSelectedDeviceAndEndsWithOK) {
@@ -192,13 +203,8 @@ TEST_F(DeviceAcceptanceTest, UnreachableCamera_IsRefusedWithTheReasonAndTheFinde
   Click(kFinderUnreachableID);
   ASSERT_TRUE(AwaitItem("Foreign"));
   Select("Foreign");
-  ShownMessage message;
-  OnNextDialog([&](QWidget& aDialog) {
-    message = ReadMessage(aDialog);
-    aDialog.close();
-  });
 
-  Click(kFinderOKID);
+  const ShownMessage message = ReadRefusal([this] { Click(kFinderOKID); });
 
   EXPECT_EQ(message, MakeErrorMessage(kSubnetText));
   EXPECT_TRUE(mFinder.IsOpen());
@@ -211,13 +217,8 @@ TEST_F(DeviceAcceptanceTest, DoubleClick_OnAnUnreachableCameraTellsTheReason) {
   Open({"Camera A"});
   Click(kFinderUnreachableID);
   ASSERT_TRUE(AwaitItem("Foreign"));
-  ShownMessage message;
-  OnNextDialog([&](QWidget& aDialog) {
-    message = ReadMessage(aDialog);
-    aDialog.close();
-  });
 
-  DoubleClick("Foreign");
+  const ShownMessage message = ReadRefusal([this] { DoubleClick("Foreign"); });
 
   EXPECT_EQ(message, MakeErrorMessage(kSubnetText));
   EXPECT_TRUE(mFinder.IsOpen());
@@ -232,13 +233,8 @@ TEST_F(DeviceAcceptanceTest, UnreachableOlderDevice_IsRefusedForItsSubnetToo) {
   Click(kFinderUnreachableID);
   ASSERT_TRUE(AwaitItem("Old device"));
   Select("Old device");
-  ShownMessage message;
-  OnNextDialog([&](QWidget& aDialog) {
-    message = ReadMessage(aDialog);
-    aDialog.close();
-  });
 
-  Click(kFinderOKID);
+  const ShownMessage message = ReadRefusal([this] { Click(kFinderOKID); });
 
   EXPECT_EQ(message, MakeErrorMessage(kSubnetText));
   EXPECT_EQ(mFinder.GetSelected(), nullptr);
@@ -248,13 +244,8 @@ TEST_F(DeviceAcceptanceTest, USBCameraOnASlowPort_IsRefusedWithItsLeadingBlank) 
   mTransport->SetDevices({{"usb1", MakeUSBCamera(false)}});
   Open({"USB camera"});
   Select("USB camera");
-  ShownMessage message;
-  OnNextDialog([&](QWidget& aDialog) {
-    message = ReadMessage(aDialog);
-    aDialog.close();
-  });
 
-  Click(kFinderOKID);
+  const ShownMessage message = ReadRefusal([this] { Click(kFinderOKID); });
 
   EXPECT_EQ(message, MakeErrorMessage(" This device must be connected to a USB 3.0 (SuperSpeed) port."));
   EXPECT_TRUE(mFinder.IsOpen());
