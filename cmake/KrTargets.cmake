@@ -124,14 +124,15 @@ if(KRGUI_SANITIZE)
   set(KR_TEST_TIME_FACTOR 3)
 endif()
 
-# kr_add_test_run(widget.bitmapstest_at_scale_2 COMMAND bitmapstest [TIMEOUT seconds] [ENVIRONMENT variable=value …])
+# kr_add_test_run(widget.bitmapstest_at_scale_2 COMMAND bitmapstest [TIMEOUT seconds] [ENVIRONMENT variable=value …] [URGENT])
 # One run of a program, as a test. The kind, which is the first part of the name, is its label and settles the variables
-# that the kind's programs need; a display and a network stand in the command.
+# that the kind's programs need; a display and a network stand in the command. URGENT: goes before what runs beside it, as
+# cameras and hosts that are other programs wait for nobody.
 # The kinds that load GLib, Aravis, X11 or fonts run the sanitizers with suppressions for those libraries; the others with
 # none. Qt's threads synchronise in code that is not instrumented, so the thread sanitizer is told in tests with windows to
 # judge only what happens in ours.
 function(kr_add_test_run aName)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "COMMAND;ENVIRONMENT")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "URGENT" "TIMEOUT" "COMMAND;ENVIRONMENT")
   string(REGEX MATCH "^[^.]+" kind "${aName}")
   # The settings of whoever runs the tests are neither read nor changed, nor those of a test that runs at the same time:
   # the toolkit's dialogs keep their last folder and view there.
@@ -155,19 +156,23 @@ function(kr_add_test_run aName)
   if(TARGET ${program}) # Which CMake itself replaces by the file only where it comes first.
     set(program "$<TARGET_FILE:${program}>")
   endif()
+  set(urgency nice -n 10)
+  if(arg_URGENT)
+    set(urgency "")
+  endif()
   add_test(NAME ${aName}
-    COMMAND "${PROJECT_SOURCE_DIR}/scripts/with-empty-folder.sh" "${settings}" ${program} ${arg_COMMAND})
+    COMMAND ${urgency} "${PROJECT_SOURCE_DIR}/scripts/with-empty-folder.sh" "${settings}" ${program} ${arg_COMMAND})
   set_tests_properties(${aName} PROPERTIES
     TIMEOUT ${timeout} LABELS ${kind} ENVIRONMENT "${environment};${arg_ENVIRONMENT}")
 endfunction()
 
 # kr_add_test(krresulttest KIND unit SOURCES krresulttest.cpp DEPENDS krbase [INCLUDES dir …] [TIMEOUT seconds]
-#   [ENVIRONMENT variable=value …] [WRAPPER program])
+#   [ENVIRONMENT variable=value …] [WRAPPER program] [STREAMS])
 # KIND: unit (no toolkit, no display), lab (the simulated lab), widget (Qt, offscreen), x11 (Xvfb and a window manager),
 # integration (independent programs in a network namespace), camera (both of the last two).
-# WRAPPER starts the test, inside of what the kind needs.
+# WRAPPER starts the test, inside of what the kind needs. STREAMS: takes frames from an independent camera, which bursts them.
 function(kr_add_test aName)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "KIND;TIMEOUT;WRAPPER" "SOURCES;DEPENDS;INCLUDES;ENVIRONMENT")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "STREAMS" "KIND;TIMEOUT;WRAPPER" "SOURCES;DEPENDS;INCLUDES;ENVIRONMENT")
   kr_add_executable(${aName} SOURCES ${arg_SOURCES} DEPENDS ${arg_DEPENDS} GTest::gmock)
   target_include_directories(${aName} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support" ${arg_INCLUDES})
   kr_compile_quickly(${aName})
@@ -179,9 +184,14 @@ function(kr_add_test aName)
   if(arg_KIND MATCHES "^(integration|camera)$")
     list(PREPEND command "${PROJECT_SOURCE_DIR}/scripts/with-network.sh")
   endif()
-  kr_add_test_run(${arg_KIND}.${aName} COMMAND ${command} TIMEOUT ${arg_TIMEOUT} ENVIRONMENT ${arg_ENVIRONMENT})
+  set(urgent "")
   if(arg_KIND MATCHES "^(integration|camera)$")
-    # A camera that bursts its frames finds the machine for itself: packets lost for want of a core are no finding.
-    set_tests_properties(${arg_KIND}.${aName} PROPERTIES RUN_SERIAL ON)
+    set(urgent URGENT)
+  endif()
+  kr_add_test_run(${arg_KIND}.${aName} ${urgent}
+    COMMAND ${command} TIMEOUT ${arg_TIMEOUT} ENVIRONMENT ${arg_ENVIRONMENT})
+  if(arg_STREAMS)
+    # Packets lost for want of a core are no finding: one at a time, and the longest row of tests is begun first.
+    set_tests_properties(${arg_KIND}.${aName} PROPERTIES RESOURCE_LOCK streams COST 1000)
   endif()
 endfunction()
