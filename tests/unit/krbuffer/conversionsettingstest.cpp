@@ -327,6 +327,18 @@ TEST(FloatConversion, LargestExtent_DoesNotOverflow) {
   EXPECT_EQ(ConvertGrey(KrBufferConverter(1), MakeFloatImage({-kMost, 0.0f, kMost})), (Bytes{0, 128, 255}));
 }
 
+TEST(FloatConversion, ValuesBetweenTheEnds_AreRoundedToTheNearest) {
+  constexpr int kValuesOfATone = 3;
+  std::vector<float> values;
+  Bytes expected;
+  for (int value = 0; value <= 255 * kValuesOfATone; ++value) {
+    values.push_back(static_cast<float>(value));
+    expected.push_back(static_cast<std::uint8_t>((value + 1) / kValuesOfATone));
+  }
+
+  EXPECT_EQ(ConvertGrey(KrBufferConverter(1), MakeFloatImage(values)), expected);
+}
+
 TEST(FloatConversion, Window_TakesThePlaceOfTheRange) {
   KrBufferConverter converter(1);
 
