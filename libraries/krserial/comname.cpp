@@ -24,6 +24,10 @@ std::optional<std::uint32_t> ParseComName(std::string_view aName) {
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
+KrString MakeComName(std::uint32_t aNumber) {
+  return "COM" + std::to_string(aNumber);
+}
+
 KrResult MakeNoComName(const KrString& aName) {
   return {KrResult::Code::InvalidInput, "\"" + aName.ToUtf8() + "\" is no serial port's name; those are COM1 to COM" +
                                             std::to_string(kMostComNumber) + "."};

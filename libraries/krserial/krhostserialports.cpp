@@ -39,7 +39,7 @@ std::string GetOwnPlace(const char* aName) {
 }
 
 KrHostSerialPort MakePort(std::uint32_t aNumber, const std::string& aPath, const std::string& aText) {
-  return {.number = aNumber, .name = "COM" + std::to_string(aNumber), .path = aPath, .text = aText};
+  return {.number = aNumber, .name = MakeComName(aNumber), .path = aPath, .text = aText};
 }
 
 // The first name of a number, where letters of either case make several.
@@ -91,7 +91,7 @@ void AddSystem(const std::vector<SystemTty>& aTtys, const Links& aLinks, const s
 }
 
 KrResult MakeNotFound(std::uint32_t aNumber, const Links& aLinks, const KrHostSerialFolders& aFolders) {
-  const std::string name = "COM" + std::to_string(aNumber);
+  const std::string name = MakeComName(aNumber).ToUtf8();
   if (const auto link = aLinks.find(aNumber); link != aLinks.end()) {
     const bool isStale = PortLink::FindMaker(link->second) == PortLink::Maker::Killed;
     return {KrResult::Code::NotFound,

@@ -5,6 +5,7 @@
 #include "bridge/cameralinkend.h"
 #include "bridge/clientend.h"
 #include "bridge/ttyend.h"
+#include "comname.h"
 #include "guarded.h"
 #include "krserial/krhostserialports.h"
 
@@ -41,6 +42,8 @@ KrResult OpenHostPort(KrString& aName, const KrSerialPortConfiguration& aConfigu
     return found;
   if (KrResult made = ClientEnd::Open(aName, aEnd); !made.IsOK())
     return made;
+  if (const std::optional<std::uint32_t> number = krserial::ParseComName(aName.ToUtf8()))
+    aName = krserial::MakeComName(*number);
   return aEnd->Configure(aConfiguration);
 }
 

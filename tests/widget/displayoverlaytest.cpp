@@ -46,6 +46,22 @@ TEST_F(KrDisplayWndTest, Overlay_Text_StandsAtTheImagesCornerAndChangesNothingEl
       plainpicture::Count(picture, {text.left(), middle, text.width(), text.bottom() - middle}, QColor(0, 255, 0)), 0);
 }
 
+TEST_F(KrDisplayWndTest, Overlay_InAnApplicationFromRightToLeft_StandsWhereItDoes) {
+  Open(300, 100);
+  mWindow.SetTextOverlay("HHH\nH");
+  const KrBuffer buffer = MakeGrey(100, 100, 0);
+  ASSERT_TRUE(mWindow.Display(buffer, false).IsOK());
+  const QImage expected = Grab();
+
+  QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+  const bool isShown = mWindow.Display(buffer, false).IsOK();
+  const QImage picture = Grab();
+  QGuiApplication::setLayoutDirection(Qt::LayoutDirectionAuto);
+
+  EXPECT_TRUE(isShown);
+  EXPECT_EQ(plainpicture::Compare(picture, expected), "");
+}
+
 TEST_F(KrDisplayWndTest, Overlay_OverAScrolledImage_StaysAtTheWindowsCorner) {
   Open(300, 200);
   ASSERT_TRUE(mWindow.Display(MakeGrey(1000, 800, 0), false).IsOK());

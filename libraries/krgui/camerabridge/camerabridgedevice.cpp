@@ -62,7 +62,7 @@ void CameraBridgeManagerWnd::FindPorts() {
       return;
     // Meanwhile somebody else may have found them.
     if (mBridges->IsWithoutPorts())
-      mBridges->MakeEntries(ports->value());
+      mBridges->MakeEntries(ports->value_or(std::vector<KrDeviceSerial>()));
   }
   if (!mControls)
     return;

@@ -1,5 +1,6 @@
 #include "camerabridge/cameracontrols.h"
 
+#include "platform/choicelist.h"
 #include "platform/plainline.h"
 #include "platform/toqstring.h"
 
@@ -161,6 +162,7 @@ CameraControls::CameraControls(Lookup aLookup) : mLookup(std::move(aLookup)) {
   // As wide as the layout says, whatever is listed.
   for (const int list : kLists) {
     if (auto* const control = Find<QComboBox>(list)) {
+      new ChoiceList(*control);
       control->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
       control->setMinimumContentsLength(1);
       QObject::connect(control, &QComboBox::currentTextChanged, control,

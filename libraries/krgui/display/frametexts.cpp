@@ -16,6 +16,8 @@ namespace {
 /// Behind the cursor's line, so that it can be read on any image.
 constexpr QColor kPlateColor = QColor(0, 0, 0, 190);
 constexpr double kPlateMargin = 4.0; ///< Device-independent pixels.
+/// Of the image, whichever way the application's windows are laid out.
+constexpr int kLeft = Qt::AlignLeft | Qt::AlignAbsolute;
 
 /// A picture on the canvas' own memory.
 QImage WrapCanvas(const Canvas& aCanvas) {
@@ -98,8 +100,7 @@ PixelRect FrameTexts::DrawOverlay(const Canvas& aCanvas, const Frame& aFrame, co
   painter.setPen(QColor(aLook.overlayColor));
   painter.setClipRect(textRect);
   QRectF bounds;
-  painter.drawText(textRect, Qt::AlignLeft | Qt::AlignTop, ToText(aFrame.overlayText, textRect.size(), mPixelSize),
-                   &bounds);
+  painter.drawText(textRect, kLeft | Qt::AlignTop, ToText(aFrame.overlayText, textRect.size(), mPixelSize), &bounds);
   // Letters may reach beyond what they advance by.
   const double overhang = mPixelSize;
   return ToPixelRect(bounds.adjusted(-overhang, -overhang, overhang, overhang) & textRect);
@@ -112,7 +113,7 @@ PixelRect FrameTexts::DrawCursorLine(const Canvas& aCanvas, const Frame& aFrame,
   painter.setFont(MakeTextFont(aLook.screen));
   const QString text = ToText(aFrame.cursorText, QSizeF(view.GetWidth(), view.GetHeight()), aLook.screen.textPixelSize);
   const double margin = std::round(kPlateMargin * aLook.screen.pixelRatio);
-  const QRectF bounds = painter.boundingRect(QRectF(), Qt::AlignLeft | Qt::AlignTop, text);
+  const QRectF bounds = painter.boundingRect(QRectF(), kLeft | Qt::AlignTop, text);
   const double height = std::ceil(bounds.height()) + margin;
   const double width = std::ceil(bounds.width()) + 2 * margin;
   const QRectF plate = QRectF(view.left, view.bottom - height, width, height) &
@@ -122,8 +123,7 @@ PixelRect FrameTexts::DrawCursorLine(const Canvas& aCanvas, const Frame& aFrame,
   painter.setClipRect(plate);
   painter.fillRect(plate, kPlateColor);
   painter.setPen(Qt::white);
-  painter.drawText(QRectF(view.left + margin, view.bottom - height, width, height), Qt::AlignLeft | Qt::AlignVCenter,
-                   text);
+  painter.drawText(QRectF(view.left + margin, view.bottom - height, width, height), kLeft | Qt::AlignVCenter, text);
   return ToPixelRect(plate);
 }
 

@@ -1,8 +1,8 @@
 #include "serial/bridgecontrols.h"
 
+#include "platform/choicelist.h"
 #include "platform/plainline.h"
 #include "platform/toqstring.h"
-#include "serial/choicelist.h"
 
 #include <QFontMetrics>
 #include <QGroupBox>
@@ -117,6 +117,7 @@ void BridgeControls::CheckKind(BridgeKind aKind) {
   mKind = aKind;
   const QRadioButton* const checked = GetKindButtons().at(static_cast<std::size_t>(aKind));
   for (QRadioButton* button : GetKindButtons()) {
+    const QSignalBlocker blocker(*button); // It was not the user.
     button->setChecked(button == checked);
     // The tabulator leads to what is checked, also before one of them had the focus.
     button->setFocusPolicy(button == checked ? Qt::StrongFocus : Qt::ClickFocus);

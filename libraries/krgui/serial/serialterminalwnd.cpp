@@ -144,7 +144,8 @@ void SerialTerminalWnd::WirePortControls() {
     if (mAdapter && IsPortOpen())
       (void)mLineSettings->WriteSpeed(*mAdapter, mPort);
   });
-  QObject::connect(&mControls->GetLoopbackBox(), &QCheckBox::clicked, context, [this] {
+  // Assistive technology changes marks without a click.
+  QObject::connect(&mControls->GetLoopbackBox(), &QCheckBox::toggled, context, [this] {
     if (mAdapter && IsPortOpen())
       (void)mLineSettings->WriteLoopback(*mAdapter, mPort);
   });
@@ -157,10 +158,11 @@ void SerialTerminalWnd::WireSending() {
                      [this, aHandler] { CallHandler([this, aHandler] { (this->*aHandler)(); }); });
   };
   onClick(mControls->GetSendButton(), &SerialTerminalWnd::Send);
-  onClick(mControls->GetOtherBox(), &SerialTerminalWnd::SwitchOther);
   onClick(mControls->GetBrowseButton(), &SerialTerminalWnd::ChooseFile);
   onClick(mControls->GetSendFileButton(), &SerialTerminalWnd::SendFile);
   onClick(mControls->GetSaveButton(), &SerialTerminalWnd::Save);
+  QObject::connect(&mControls->GetOtherBox(), &QCheckBox::toggled, context,
+                   [this] { CallHandler([this] { SwitchOther(); }); });
   QObject::connect(&mControls->GetStopButton(), &QAbstractButton::clicked, context, [this] { mSession->StopFile(); });
   // A line that takes nothing stops the messages of progress.
   mProgressTimer = new QTimer(context);
@@ -176,10 +178,12 @@ void SerialTerminalWnd::WireSending() {
 void SerialTerminalWnd::WireTranscript() {
   QObject* context = mConnections.get();
   for (const QRadioButton* button : mControls->GetDisplayFormatButtons())
-    QObject::connect(button, &QAbstractButton::clicked, context,
-                     [this] { mEncoder.SetDisplayFormat(mControls->GetTranscript(), mControls->GetDisplayFormat()); });
-  QObject::connect(&mControls->GetEchoBox(), &QCheckBox::clicked, context, [this](bool aIsOn) { *mEcho = aIsOn; });
-  QObject::connect(&mControls->GetPauseBox(), &QCheckBox::clicked, context,
+    QObject::connect(button, &QAbstractButton::toggled, context, [this](bool aIsOn) {
+      if (aIsOn)
+        mEncoder.SetDisplayFormat(mControls->GetTranscript(), mControls->GetDisplayFormat());
+    });
+  QObject::connect(&mControls->GetEchoBox(), &QCheckBox::toggled, context, [this](bool aIsOn) { *mEcho = aIsOn; });
+  QObject::connect(&mControls->GetPauseBox(), &QCheckBox::toggled, context,
                    [this](bool aIsOn) { mControls->GetTranscript().SetPaused(aIsOn); });
   QObject::connect(&mControls->GetClearButton(), &QAbstractButton::clicked, context,
                    [this] { mEncoder.ClearTranscript(mControls->GetTranscript()); });

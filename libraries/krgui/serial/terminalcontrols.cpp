@@ -1,5 +1,6 @@
 #include "serial/terminalcontrols.h"
 
+#include "platform/choicelist.h"
 #include "platform/plainline.h"
 #include "res/templates.h"
 #include "serial/rollingedit.h"
@@ -79,6 +80,8 @@ TerminalControls::TerminalControls(const Lookup& aLookup, DisplayFormat aFormat)
   MakeTranscript();
   MakeProgressBar();
   NameControls();
+  for (QComboBox* list : {&GetPortList(), &GetSpeedList()})
+    new ChoiceList(*list);
   const QFont font = MakeTerminalFont();
   GetDataField().setFont(font);
   mTranscript->setFont(font);

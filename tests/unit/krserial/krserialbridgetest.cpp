@@ -123,6 +123,14 @@ TEST_F(BridgeTest, APortThatTheHostLacks_IsMadeWhereThatIsWanted) {
   EXPECT_FALSE(std::filesystem::is_symlink(GetPath()));
 }
 
+TEST_F(BridgeTest, AMadePort_HasItsNameInUpperCase) {
+  bridge.SetCreatingPort(true);
+
+  ASSERT_TRUE(bridge.Start("com3", {}, &adapter, KrDeviceSerial::Serial0).IsOK());
+
+  EXPECT_EQ(bridge.GetSerialPort(), KrString("COM3"));
+}
+
 TEST_F(BridgeTest, AClientsSpeed_IsTheDevices) {
   ASSERT_TRUE(StartCreating({.baudRate = 19200}).IsOK());
   ASSERT_EQ(adapter.GetSpeed(), "Baud19200");

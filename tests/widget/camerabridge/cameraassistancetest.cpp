@@ -1,8 +1,7 @@
 // What assistive technology does with the camera bridge manager's controls: no click, and at any time.
 
 #include "camerawaitingfixture.h"
-
-#include <QAccessible>
+#include "controlhands.h"
 
 namespace krgui {
 
@@ -10,15 +9,8 @@ namespace {
 
 class Assistance : public WaitingTest {
 protected:
-  static void Do(QWidget& aControl, const QString& aAction) {
-    QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(&aControl);
-    ASSERT_NE(interface, nullptr);
-    ASSERT_NE(interface->actionInterface(), nullptr);
-    ASSERT_TRUE(interface->actionInterface()->actionNames().contains(aAction)) << aAction.toStdString();
-    interface->actionInterface()->doAction(aAction);
-  }
-  void Toggle(int aID) const { Do(Get(aID), QAccessibleActionInterface::toggleAction()); }
-  void Press(int aID) const { Do(Get(aID), QAccessibleActionInterface::pressAction()); }
+  void Toggle(int aID) const { krtest::ToggleAccessibly(Get(aID)); }
+  void Press(int aID) const { krtest::DoAccessibly(Get(aID), QAccessibleActionInterface::pressAction()); }
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "camerafixture.h"
 
 #include "camerabridge/cameracontrols.h"
+#include "controlhands.h"
 
 #include <set>
 
@@ -124,6 +125,21 @@ TEST_F(Controls, EmptyList_HasNoTooltip) {
   ASSERT_TRUE(mWindow->SetDevice(nullptr).IsOK());
 
   EXPECT_EQ(Get(id::kDevicePort).toolTip(), "");
+}
+
+TEST_F(Controls, Wheel_ChoosesInNoList) {
+  Open();
+  Click(id::kGenCP);
+  ASSERT_TRUE(WaitFor([this] { return IsEnabled(id::kSource); }));
+
+  for (const int list : {id::kDevicePort, id::kGenCPXML, id::kSource}) {
+    Get(list).setFocus();
+    const std::string before = GetText(list);
+
+    EXPECT_FALSE(krtest::TurnWheel(Get(list), false)) << list;
+    EXPECT_FALSE(krtest::TurnWheel(Get(list), true)) << list;
+    EXPECT_EQ(GetText(list), before) << list;
+  }
 }
 
 } // namespace krgui

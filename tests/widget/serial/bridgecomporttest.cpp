@@ -1,10 +1,10 @@
 // The serial bridge manager's COM ports: choosing one, configuring it, and what the list does by itself.
 
 #include "bridgefixture.h"
+#include "controlhands.h"
 #include "temporaryfolder.h"
 
 #include <QAbstractItemView>
-#include <QWheelEvent>
 
 namespace krgui {
 
@@ -155,12 +155,8 @@ TEST_F(COMPorts, Wheel_ChoosesNothingInEitherList) {
 
   for (QComboBox* list : {&GetList(), &Get<QComboBox>(id::kDevicePort)}) {
     list->setFocus();
-    for (const int angle : {-120, 120}) {
-      QWheelEvent wheel(QPointF(5, 5), list->mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton, Qt::NoModifier,
-                        Qt::NoScrollPhase, false);
-      QCoreApplication::sendEvent(list, &wheel);
-      EXPECT_FALSE(wheel.isAccepted());
-    }
+    EXPECT_FALSE(krtest::TurnWheel(*list, false));
+    EXPECT_FALSE(krtest::TurnWheel(*list, true));
   }
 
   EXPECT_EQ(GetList().currentIndex(), -1);

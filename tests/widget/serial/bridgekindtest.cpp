@@ -1,6 +1,7 @@
 // The serial bridge manager's three kinds: what choosing one does to the port and to what is shown.
 
 #include "bridgefixture.h"
+#include "controlhands.h"
 
 #include <QGuiApplication>
 #include <QThread>
@@ -17,6 +18,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
+using testing::SizeIs;
 using testing::StartsWith;
 
 /// The cursor over the application, as often as it is looked at.
@@ -104,6 +106,22 @@ TEST_F(Kinds, DeviceSet_LeavesEveryPortAtNone) {
   }
   EXPECT_THAT(Save(), IsEmpty());
   EXPECT_THAT(BridgeHost::GetPublished(), IsEmpty());
+}
+
+TEST_F(Kinds, CheckedByAssistiveTechnology_IsChosen) {
+  SetRates({"9600"});
+  OpenOnSerial1();
+
+  krtest::ToggleAccessibly(Get<QRadioButton>(id::kCameraLink));
+  EXPECT_EQ(GetKind(), "Camera Link DLL");
+  EXPECT_THAT(BridgeHost::GetPublished(), SizeIs(1));
+
+  krtest::ToggleAccessibly(Get<QRadioButton>(id::kNone));
+  EXPECT_EQ(GetKind(), "None");
+  EXPECT_THAT(BridgeHost::GetPublished(), IsEmpty());
+
+  krtest::ToggleAccessibly(Get<QRadioButton>(id::kCOMPortLink));
+  EXPECT_THAT(Save(), ElementsAre(Pair("Serial1", "COMPort")));
 }
 
 TEST_F(Kinds, KindOfTheFirstPort_LosesTheSelection) {

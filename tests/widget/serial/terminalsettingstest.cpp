@@ -1,6 +1,7 @@
 // What the serial terminal reads from and writes to the device's parameters: the bulk port's selector, speed and
 // loopback.
 
+#include "controlhands.h"
 #include "terminalfixture.h"
 
 namespace krgui {
@@ -226,6 +227,28 @@ TEST_F(Settings, EachPort_HasItsOwnParameters) {
     Click(id::kLoopback);
     EXPECT_THAT(mDevice.written, ElementsAre(expected[port].second));
   }
+}
+
+TEST_F(Settings, Wheel_ChoosesNeitherPortNorSpeed) {
+  Open();
+
+  for (const int list : {id::kPort, id::kSpeed}) {
+    Get(list).setFocus();
+    EXPECT_FALSE(krtest::TurnWheel(Get(list), false)) << list;
+    EXPECT_FALSE(krtest::TurnWheel(Get(list), true)) << list;
+  }
+
+  EXPECT_EQ(Get<QComboBox>(id::kPort).currentText(), "Serial0");
+  EXPECT_EQ(mLine->CountOpenings(), 1);
+  EXPECT_THAT(mDevice.written, IsEmpty());
+}
+
+TEST_F(Settings, LoopbackToggledByAssistiveTechnology_IsWritten) {
+  Open();
+
+  krtest::ToggleAccessibly(Get(id::kLoopback));
+
+  EXPECT_THAT(mDevice.written, ElementsAre("Uart0Loopback=true"));
 }
 
 } // namespace krgui

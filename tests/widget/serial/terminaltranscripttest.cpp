@@ -1,5 +1,6 @@
 // The serial terminal's transcript: formats, clearing, pausing, saving.
 
+#include "controlhands.h"
 #include "temporaryfolder.h"
 #include "terminalfixture.h"
 
@@ -45,6 +46,23 @@ TEST_F(Transcripts, ReceivedBytes_AreShownInEachFormat) {
   Click(id::kShowHybrid);
   const std::u16string blanks(3 * 14 + 3, u' ');
   Show("AB", u"41 42 " + blanks + u"AB" + std::u16string(14, u' '));
+}
+
+TEST_F(Transcripts, MarksToggledByAssistiveTechnology_AreFollowed) {
+  Open();
+
+  krtest::ToggleAccessibly(Get(id::kShowHexadecimal));
+  Show("AB", u"41 42 ");
+  krtest::ToggleAccessibly(Get(id::kEcho));
+  Type(id::kData, "C");
+  Click(id::kSend);
+  ASSERT_TRUE(AwaitSent("C\r"));
+  krtest::ToggleAccessibly(Get(id::kPause));
+  EXPECT_TRUE(GetTranscript().IsPaused());
+  krtest::ToggleAccessibly(Get(id::kPause));
+  Show("D", u"41 42 44 ");
+  krtest::ToggleAccessibly(Get(id::kOther));
+  EXPECT_TRUE(Get(id::kOtherField).isEnabled());
 }
 
 TEST_F(Transcripts, FormatChangedInALine_EmptiesTheTranscriptAndBeginsAnew) {

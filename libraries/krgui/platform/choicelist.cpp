@@ -1,4 +1,4 @@
-#include "serial/choicelist.h"
+#include "platform/choicelist.h"
 
 #include <QAbstractItemModel>
 #include <QAbstractItemView>
