@@ -30,7 +30,7 @@ public:
   ~KrSerialBridgeManagerWnd() override;
 
   /// Ends all bridges and lists the ports of a device, or none for null. Publishes every port's name for a moment, to
-  /// find out which names are published. Always OK.
+  /// find out which names are published; the rest not, once one cannot have its turn in time. Always OK.
   KrResult SetDevice(IKrDeviceAdapter* aAdapter);
   /// Whether COM ports that the host lacks are made, as pseudo-terminals that last as long as their link; the window
   /// then offers one of them. Off at first; of links that run nothing changes.
