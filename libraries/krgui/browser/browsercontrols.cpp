@@ -6,6 +6,7 @@
 #include "browser/propertiesgrid.h"
 #include "krgui/genbrowsersearchbar.h"
 #include "krgui/propertiesctrl.h"
+#include "platform/choicelist.h"
 #include "platform/toolbarbutton.h"
 #include "res/bitmaps.h"
 
@@ -142,6 +143,8 @@ void BrowserControls::MakeTools(const Lookup& aLookup) {
   }
   mVisibilityLabel = qobject_cast<QLabel*>(aLookup(kVisibilityLabelID));
   mVisibilityList = qobject_cast<QComboBox*>(aLookup(kVisibilityListID));
+  // The rows go with another choice, and with them what was typed into one of them.
+  new ChoiceList(*mVisibilityList);
   mVisibilityList->addItems({QStringLiteral("Beginner"), QStringLiteral("Expert"), QStringLiteral("Guru")});
   mErrorPlace = aLookup(kErrorPlaceID);
   mErrorButton = PutInto(*mErrorPlace, new ErrorButton(mErrorPlace));

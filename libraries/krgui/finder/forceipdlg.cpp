@@ -6,6 +6,7 @@
 #include "krdevice/krdevicetolvanprotocol.h"
 #include "krsystem/ipv4address.h"
 #include "krsystem/krsystem.h"
+#include "platform/choicelist.h"
 #include "platform/ipaddresscontrol.h"
 #include "platform/messagebox.h"
 #include "platform/toqstring.h"
@@ -92,6 +93,7 @@ bool ForceIPDlg::OnInitDialog() {
   }
   GetControl<QLineEdit>(kAdapterMACID)->setText(ToQString(mAdapter.GetMACAddress()));
   auto* addresses = GetControl<QComboBox>(kAdapterAddressID);
+  new ChoiceList(*addresses); // Another one proposes anew what was typed.
   for (std::size_t index = 0; index < mAdapter.GetIPAddressCount(); ++index) {
     addresses->addItem(ToQString(mAdapter.GetIPAddress(index)));
   }

@@ -276,7 +276,9 @@ void CTooltipListCtrl::CloseList(bool aNotifies) {
   }
   if (mComboBox) {
     mComboBox->setCurrentIndex(mChosen);
-    mComboBox->setFocus(Qt::PopupFocusReason);
+    // A hidden one, whose list closes with it, would take it when it is next shown.
+    if (mComboBox->isVisible())
+      mComboBox->setFocus(Qt::PopupFocusReason);
   }
 }
 

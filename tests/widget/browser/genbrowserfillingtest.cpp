@@ -2,6 +2,7 @@
 
 #include "browserfixture.h"
 
+#include "controlhands.h"
 #include "krbase/krlogger.h"
 #include "krgui/krgenbrowserwnd.h"
 #include "windowwait.h"
@@ -107,6 +108,14 @@ TEST_F(Filling, ChoiceInTheVisibilityList_IsStoredAndFillsAnew) {
   mWindow.GetVisibilityList().setCurrentIndex(2);
   EXPECT_EQ(mWindow.GetRows(), kGuruRows);
   EXPECT_EQ(mWindow.GetVisibility(), KrGenVisibility::Guru);
+}
+
+TEST_F(Filling, WheelOverTheVisibilityList_ChoosesNothing) {
+  Open();
+
+  EXPECT_FALSE(krtest::TurnWheel(mWindow.GetVisibilityList(), false));
+
+  EXPECT_EQ(mWindow.GetVisibility(), KrGenVisibility::Beginner);
 }
 
 TEST_F(Filling, ChoiceInTheVisibilityList_DecidesWhichEntriesAreOffered) {

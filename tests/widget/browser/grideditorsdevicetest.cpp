@@ -160,6 +160,18 @@ TEST_F(EditorsDeviceTest, ChoiceByArrowsBeforeTheList_OutlivesItsEscape) {
   EXPECT_EQ(camera.Peek(0x118, 1).front(), 2);
 }
 
+TEST_F(EditorsDeviceTest, ComboWhoseListIsTakenAway_LeavesTheGridTheFocusWhenItIsShownAgain) {
+  OpenList("PixelFormat");
+
+  Fill();
+  ActivateAgain();
+  Select("PixelFormat");
+
+  ASSERT_NE(Combo(), nullptr);
+  EXPECT_FALSE(Combo()->hasFocus());
+  EXPECT_TRUE(grid->hasFocus());
+}
+
 } // namespace
 
 } // namespace krgui

@@ -1,5 +1,6 @@
 // The dialog that sets a device's IP address, on an adapter with two addresses: the one that is chosen counts.
 
+#include "controlhands.h"
 #include "forceipdlgfixture.h"
 
 namespace krgui {
@@ -46,6 +47,19 @@ TEST_F(ForceIPDlgChoice, AddressOfTheOtherEntry_IsOnlyAskedFor) {
   EXPECT_TRUE(mBox.starts_with("[Warning] Warning: This IP Configuration may be incompatible")) << mBox;
   EXPECT_EQ(result, ModalResult::OK);
   EXPECT_THAT(transport->configured, testing::ElementsAre(kMAC, "192.168.1.10", "255.255.0.0", "192.168.1.1"));
+}
+
+TEST_F(ForceIPDlgChoice, Wheel_ChoosesNoOtherEntry) {
+  MakeSystem({{"192.168.1.10", "255.255.255.0"}, {"172.16.5.10", "255.255.0.0"}});
+
+  const ModalResult result = Run([&](QWidget& aDialog) {
+    auto* addresses = Get<QComboBox>(aDialog, 1123);
+    EXPECT_FALSE(krtest::TurnWheel(*addresses, false));
+    EXPECT_EQ(addresses->currentIndex(), 0);
+    Press(aDialog, Qt::Key_Escape);
+  });
+
+  EXPECT_EQ(result, ModalResult::Cancel);
 }
 
 } // namespace
