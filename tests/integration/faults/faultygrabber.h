@@ -13,7 +13,10 @@ inline krtransport::Lab MakeFaultyGrabberLab() {
   return MakeSerialLab("{port: Serial0, behind: camera, camera: {" + keys +
                            "GenCP}}, "
                            "{port: Serial1, behind: camera, camera: {" +
-                           keys + "text, checkedAnswers: true}}",
+                           keys +
+                           "text, checkedAnswers: true}}, "
+                           "{port: Bulk0, behind: camera, camera: {" +
+                           keys + "CLProtocol}}",
                        ", frameGrabber: {sources: 2}");
 }
 

@@ -21,6 +21,7 @@
 #include "testclocks.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 
 namespace krtest {
@@ -220,7 +221,11 @@ namespace {
 /// The cameras behind a frame grabber.
 class FaultyGrabber : public FaultyLine {
 protected:
-  FaultyGrabber() : FaultyLine(MakeFaultyGrabberLab()) { WriteCameraFile(); }
+  FaultyGrabber() : FaultyLine(MakeFaultyGrabberLab()) {
+    WriteCameraFile();
+    setenv("KRGUI_CLPROTOCOL_HOST", KR_TEST_HOST, 1);
+    setenv("GENICAM_CLPROTOCOL", KR_TEST_DRIVERS, 1);
+  }
 
   /// The file of the camera whose answers have checksums as well.
   void WriteCameraFile() {
@@ -260,6 +265,18 @@ protected:
                      [this](KrCameraBridge& aBridge) { return aBridge.ConnectTolvanCameraFile(mFile); });
   }
 
+  KrResult UseCLProtocol() {
+    return UseCamera(KrDeviceSerial::Bulk0, [](KrCameraBridge& aBridge) {
+      KrStringList templates;
+      KrResult result = KrCameraBridge::GetCLProtocolTemplates(templates);
+      KrString camera;
+      KrStringList ids;
+      if (result.IsOK())
+        result = aBridge.ProbeCLProtocol(templates[0], camera, ids);
+      return result.IsOK() ? aBridge.ConnectCLProtocol(templates[0], ids[0]) : result;
+    });
+  }
+
   static KrResult SetAndSave(KrCameraBridge& aBridge, KrConfigurationWriter& aWriter) {
     KrGenInteger* const width = aBridge.GetParameters()->GetInteger("Width");
     KrResult result = width ? width->SetValue(256) : KrResult(KrResult::Code::NotFound, "There is no Width.");
@@ -283,6 +300,7 @@ class GrabberLineWithFaults : public FaultyGrabber, public testing::WithParamInt
 // Of some hundreds. What is hurt on the line takes its time limits.
 constexpr std::uint64_t kCameraSteps = 12;
 constexpr std::uint64_t kCameraLineSteps = 3;
+constexpr std::uint64_t kDriverSteps = 6; ///< Each use starts the driver's process.
 
 } // namespace
 
@@ -294,6 +312,11 @@ TEST_P(FaultyGrabberDevice, UnderAGenCPCamera_IsSaidAndTheCameraIsUsedAfterwards
 TEST_P(FaultyGrabberDevice, UnderACameraOfAFile_IsSaidAndTheCameraIsUsedAfterwards) {
   TryLineAtEachStep(
       GetParam().fault, [this] { return UseCameraFile(); }, kCameraSteps);
+}
+
+TEST_P(FaultyGrabberDevice, UnderACameraOfADriver_IsSaidAndTheCameraIsUsedAfterwards) {
+  TryLineAtEachStep(
+      GetParam().fault, [this] { return UseCLProtocol(); }, kDriverSteps);
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, FaultyGrabberDevice, testing::ValuesIn(kDeviceFaults), NameRow<DeviceFaultRow>);
