@@ -123,7 +123,9 @@ KrResult CommandExchange::ReadMore(Time aUntil, const std::stop_token& aStop) {
   if (!result.IsOK())
     return result;
   mReceived.append(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(read));
-  if (mReceived.size() > kMostReceivedBytes)
+  // Of texts the last message alone is kept of what was passed over; binary bytes that begin none have no end.
+  const std::size_t passedOver = mProtocol.isBinary ? mUnexpected.size() : 0;
+  if (mReceived.size() + passedOver > kMostReceivedBytes)
     return {KrResult::Code::ProtocolError, "The camera sends without an end."};
   // A line that keeps sending what is no answer cannot hold anybody beyond the limit.
   if (steady_clock::now() > aUntil)

@@ -95,6 +95,31 @@ TEST(CommandExchange, BytesWithoutAnEnd_AreAFailureBeforeTheyFillTheMemory) {
   EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("The camera answered \"" + std::string(80, 'x') + "…\" to"));
 }
 
+// Whatever comes behind them.
+TEST(CommandExchange, BytesThatBeginNoBinaryAnswer_AreAFailureBeforeTheyFillTheMemory) {
+  const FileProtocol protocol = MakeProtocol("data: binary, repeats: 0");
+  CameraEnd camera([](std::string_view) { return std::string(8192, '\xFF') + "\x06\x01\x2C"s; });
+  CommandExchange exchange(camera.GetLine(), protocol);
+  AnswerContent content;
+
+  const KrResult result = exchange.Run(MakeOrder("\x01", "06 {value:u16be}", true), {}, content);
+
+  EXPECT_EQ(result, KrResult::Code::ProtocolError);
+  EXPECT_THAT(result.GetDescription().ToUtf8(), HasSubstr("The camera answered \"FF FF FF"));
+}
+
+TEST(CommandExchange, FourThousandBytesThatBeginNoBinaryAnswer_ArePassedOver) {
+  const FileProtocol protocol = MakeProtocol("data: binary, repeats: 0");
+  CameraEnd camera([](std::string_view) { return std::string(4000, '\xFF') + "\x06\x01\x2C"s; });
+  CommandExchange exchange(camera.GetLine(), protocol);
+  AnswerContent content;
+
+  const KrResult result = exchange.Run(MakeOrder("\x01", "06 {value:u16be}", true), {}, content);
+
+  EXPECT_TRUE(result.IsOK()) << result.GetDescription().CStr();
+  EXPECT_EQ(GetWhole(content), 300);
+}
+
 TEST(CommandExchange, StartsInsideAnswers_BelongToThem) {
   struct Row {
     const char* sent;
