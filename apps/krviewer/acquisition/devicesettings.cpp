@@ -62,7 +62,8 @@ DeviceSettings::~DeviceSettings() {
 
 QString DeviceSettings::GetProgressText() const {
   const int percent = mControl ? mControl->percent.load() : 0;
-  return percent == 0 ? mDoing : QStringLiteral("%1 %2 % are done.").arg(mDoing).arg(percent);
+  // At once, as the file's name may have the look of a place for the number.
+  return percent == 0 ? mDoing : QStringLiteral("%1 %2 % are done.").arg(mDoing, QString::number(percent));
 }
 
 void DeviceSettings::Cancel() {

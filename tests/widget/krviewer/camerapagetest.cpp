@@ -219,19 +219,19 @@ TEST_F(CameraPageTest, SettingsThatTakeLong_AreSaidSoAndCanBeCancelled) {
   EXPECT_FALSE(QFile::exists(file));
 }
 
-TEST_F(CameraPageTest, SettingsBeingSaved_TellHowManyAreDone) {
-  const QString file = QString::fromStdString(mFolder.GetFile("camera.txt"));
+TEST_F(CameraPageTest, SettingsBeingSaved_TellHowManyAreDoneBesideAnyFilesName) {
+  const QString file = QString::fromStdString(mFolder.GetFile("a%1.txt")); // Like a place for the number.
   const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
   OpenStreaming();
   faults->SlowRegisters(kSlowAnswerMs);
 
   GetPage()->GetSettings().Save(file);
-  EXPECT_TRUE(AwaitPercent("being saved to camera.txt", 0));
+  EXPECT_TRUE(AwaitPercent("being saved to a%1.txt", 0));
   const int before = GetPercent();
-  EXPECT_TRUE(AwaitPercent("being saved to camera.txt", before));
+  EXPECT_TRUE(AwaitPercent("being saved to a%1.txt", before));
   faults->EndRegisterFaults();
 
-  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()) == "The camera's settings are in camera.txt."; }))
+  EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()) == "The camera's settings are in a%1.txt."; }))
       << GetMessage(*GetPage()).toStdString();
 }
 
