@@ -30,6 +30,12 @@ const char* GetAttributeName(PropertyKind aKind) {
   }
 }
 
+// A formula inside another element needs no name: it has none where that is too long. Entries were looked at before.
+std::string_view GetEmbeddedName(const pugi::xml_node& aElement) {
+  const std::string_view name = GetAttribute(aElement, "Name");
+  return name.size() <= DescriptionReader::kMostNameBytes ? name : std::string_view();
+}
+
 } // namespace
 
 void DescriptionReader::ReadNodes(const pugi::xml_node& aRoot) {
@@ -77,7 +83,7 @@ void DescriptionReader::ReadEmbedded(NodeIndex aOwner) {
     const NodeKind kind = property.kind == PropertyKind::EnumEntry ? NodeKind::EnumEntry : NodeKind::IntSwissKnife;
     if (mNodes.size() >= kMostNodes)
       return Stop(property.line, "there are more than " + std::to_string(kMostNodes) + " nodes");
-    AddNode(embedded.element, kind, GetAttribute(embedded.element, "Name"), aOwner);
+    AddNode(embedded.element, kind, GetEmbeddedName(embedded.element), aOwner);
     const auto index = static_cast<NodeIndex>(mNodes.size() - 1);
     mProperties[embedded.property].target = index;
     ReadProperties(embedded.element, kind, mProperties);
@@ -95,7 +101,7 @@ void DescriptionReader::ReadStruct(const pugi::xml_node& aElement) {
   for (const Embedded& embedded : std::exchange(mEmbedded, {})) {
     if (mNodes.size() >= kMostNodes || mIsFull)
       break;
-    AddNode(embedded.element, NodeKind::IntSwissKnife, GetAttribute(embedded.element, "Name"), kNoNode);
+    AddNode(embedded.element, NodeKind::IntSwissKnife, GetEmbeddedName(embedded.element), kNoNode);
     const auto index = static_cast<NodeIndex>(mNodes.size() - 1);
     common[embedded.property].target = index;
     ReadProperties(embedded.element, NodeKind::IntSwissKnife, mProperties);
@@ -147,6 +153,8 @@ bool DescriptionReader::MayBegin(const pugi::xml_node& aElement, NodeKind aKind,
              "The element " + std::string(GetLocalName(aElement).substr(0, 60)) + " has no name and is left out.");
     return false;
   }
+  if (!IsShortEnough(aName, line, aName, "The node's name"))
+    return false;
   if (mNodes.size() >= kMostNodes) {
     Stop(line, "there are more than " + std::to_string(kMostNodes) + " nodes");
     return false;
@@ -159,6 +167,14 @@ bool DescriptionReader::MayBegin(const pugi::xml_node& aElement, NodeKind aKind,
              "There is a node of this name in line " + std::to_string(mNodes[known->second].line) +
                  " already; this one is left out.");
   return isNew;
+}
+
+bool DescriptionReader::IsShortEnough(std::string_view aName, std::uint32_t aLine, std::string_view aNode,
+                                      const char* aWhat) {
+  if (aName.size() > kMostNameBytes)
+    AddFault(aLine, aNode,
+             std::string(aWhat) + " has more than " + std::to_string(kMostNameBytes) + " bytes; it is left out.");
+  return aName.size() <= kMostNameBytes;
 }
 
 void DescriptionReader::AddNode(const pugi::xml_node& aElement, NodeKind aKind, std::string_view aName,
@@ -210,6 +226,9 @@ std::optional<Property> DescriptionReader::ReadProperty(const pugi::xml_node& aE
   if (*kind == PropertyKind::EnumEntry && name == "EnumEntry")
     return IsNewEntry(aElement) ? std::optional(property) : std::nullopt;
   property.text = GetContent(aElement, mDescription.mDocument->joined);
+  if (*kind == PropertyKind::Symbolic && aKind == NodeKind::EnumEntry &&
+      !IsShortEnough(property.text, property.line, mNodes.back().name, "An entry's symbolic name"))
+    return std::nullopt;
   if (const char* const attribute = GetAttributeName(*kind))
     property.attribute = GetAttribute(aElement, attribute);
   if (*kind == PropertyKind::pIndex)
@@ -225,6 +244,8 @@ bool DescriptionReader::IsNewEntry(const pugi::xml_node& aElement) {
     AddFault(line, enumeration, "An entry has no name and is left out.");
     return false;
   }
+  if (!IsShortEnough(name, line, enumeration, "An entry's name"))
+    return false;
   const bool isNew = mEntries.insert({static_cast<NodeIndex>(mNodes.size() - 1), name}).second;
   if (!isNew)
     AddFault(line, enumeration, "There is an entry " + Quote(name) + " already; this one is left out.");

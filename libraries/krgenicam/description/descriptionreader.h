@@ -30,6 +30,8 @@ public:
   static constexpr std::size_t kMostNodes = std::size_t{1} << 20;
   static constexpr std::size_t kMostProperties = std::size_t{1} << 22;
   static constexpr std::size_t kMostFaults = 1000;
+  /// Names of nodes and entries are copied into values, errors and settings, as often as they are asked for.
+  static constexpr std::size_t kMostNameBytes = 1024;
 
   DescriptionReader(Description& aDescription, const LineTable& aLines)
       : mDescription(aDescription), mLines(aLines), mNodes(aDescription.mNodes), mProperties(aDescription.mProperties) {
@@ -62,6 +64,7 @@ private:
   void ReadEmbedded(NodeIndex aOwner);
 
   bool MayBegin(const pugi::xml_node& aElement, NodeKind aKind, std::string_view aName);
+  bool IsShortEnough(std::string_view aName, std::uint32_t aLine, std::string_view aNode, const char* aWhat);
   void AddNode(const pugi::xml_node& aElement, NodeKind aKind, std::string_view aName, NodeIndex aOwner);
   void ReadProperties(const pugi::xml_node& aElement, NodeKind aKind, std::vector<Property>& aProperties);
   std::optional<Property> ReadProperty(const pugi::xml_node& aElement, NodeKind aKind);

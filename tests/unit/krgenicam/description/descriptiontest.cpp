@@ -343,6 +343,38 @@ TEST(Description_, Faults_BeyondAThousand_AreNotListed) {
   EXPECT_EQ(description.GetFaults().back().text, "There are more faults, which are not listed.");
 }
 
+TEST(Description_, Names_OfMoreThan1024Bytes_CostTheirNodesAndEntriesWithAFault) {
+  const std::string longest(1024, 'n');
+  const std::string tooLong(1025, 'n');
+  const std::string begun = tooLong.substr(0, 60);
+
+  const Description description =
+      ReadNodes("<Integer Name='" + longest + "'/>\n<Integer Name='" + tooLong + "'/>\n<StructReg><StructEntry Name='" +
+                tooLong + "'/><StructEntry Name='S'/></StructReg>\n<Enumeration Name='E'><EnumEntry Name='" + longest +
+                "'/>\n<EnumEntry Name='" + tooLong + "'/>\n<EnumEntry Name='Short'><Symbolic>" + tooLong +
+                "</Symbolic><Value>1</Value></EnumEntry></Enumeration>");
+
+  EXPECT_EQ(ShowNames(description), longest + " S E " + longest + " Short");
+  EXPECT_EQ(ShowNode(description, longest), "");
+  EXPECT_EQ(ShowProperties(description, description.GetNodes().back()), "Value=1");
+  EXPECT_EQ(ShowFaults(description),
+            "3: " + begun + ": The node's name has more than 1024 bytes; it is left out.\n4: " + begun +
+                ": The node's name has more than 1024 bytes; it is left out.\n"
+                "6: E: An entry's name has more than 1024 bytes; it is left out.\n"
+                "7: Short: An entry's symbolic name has more than 1024 bytes; it is left out.\n");
+}
+
+TEST(Description_, NameOfAFormulaInARegister_OfMoreThan1024Bytes_IsNone) {
+  const std::string tooLong(1025, 'n');
+
+  const Description description = ReadNodes("<IntReg Name='R'><IntSwissKnife Name='" + tooLong +
+                                            "'><Formula>1</Formula></IntSwissKnife></IntReg><Integer Name='A'/>");
+
+  EXPECT_EQ(ShowNames(description), "R  A");
+  EXPECT_EQ(ShowNode(description, tooLong), "no such node");
+  EXPECT_EQ(ShowFaults(description), "");
+}
+
 TEST(Description_, Nodes_BeyondTheMost_AreLeftOutWithAFault) {
   constexpr std::size_t kMost = std::size_t{1} << 20;
   std::string nodes;
