@@ -11,6 +11,7 @@
 #include <map>
 #include <numeric>
 #include <unordered_set>
+#include <utility>
 
 namespace krgenicam {
 
@@ -20,6 +21,14 @@ KrResult CheckName(const KrString& aName) {
   if (IsSettingName(aName.ToUtf8()))
     return {};
   return {KrResult::Code::BadData, "No line of a settings file can begin with the name."};
+}
+
+// A position that is taken beyond the limits: more than any name has.
+constexpr std::size_t kMostOriginalBytes = 4096;
+
+// With the tab and the line end that a file has besides.
+std::size_t CountBytes(const KrGenSetting& aSetting) {
+  return aSetting.name.GetLength() + aSetting.value.GetLength() + 2;
 }
 
 // The device did not answer, or was not to be asked any more: what is missing is more than the parameter.
@@ -153,7 +162,7 @@ void SettingsStore::WalkSelector(const Group& aGroup, std::size_t aDepth) {
   bool isStreamable = false;
   // Where nothing was taken and the selector itself need not be, its position is of no use.
   if (mSettings.size() > before || (selector.IsStreamable(isStreamable).IsOK() && isStreamable))
-    mSettings.push_back({selector.GetName(), original});
+    TakeOriginal(selector.GetName(), original);
 }
 
 void SettingsStore::WalkPositions(const Group& aGroup, std::size_t aDepth, const KrStringList& aPositions) {
@@ -171,12 +180,15 @@ void SettingsStore::WalkPositions(const Group& aGroup, std::size_t aDepth, const
       continue;
     }
     const std::size_t before = mSettings.size();
-    mSettings.push_back({selector.GetName(), position});
+    if (!Take(selector.GetName(), position))
+      return;
     mPositions.push_back({&selector, position});
     Walk(aGroup, aDepth + 1);
     mPositions.pop_back();
-    if (mSettings.size() == before + 1)
+    if (mSettings.size() == before + 1) {
+      mBytes -= CountBytes(mSettings.back());
       mSettings.pop_back();
+    }
   }
 }
 
@@ -217,7 +229,28 @@ void SettingsStore::StoreParameter(KrGenParameter& aParameter) {
     return NoteLimit(name);
   if (KrResult result = aParameter.ToString(value); !result.IsOK())
     return Note(name, "cannot be read", result);
-  mSettings.push_back({name, value});
+  (void)Take(name, value); // What ends it has been noted.
+}
+
+// False where there is no room for it, which ends it all.
+bool SettingsStore::Take(const KrString& aName, const KrString& aValue) {
+  KrGenSetting setting = {aName, aValue};
+  const std::size_t bytes = CountBytes(setting);
+  if (mSettings.size() >= kMaxSettings || mBytes + bytes > kMaxBytes) {
+    NoteLimit(aName);
+    return false;
+  }
+  mBytes += bytes;
+  mSettings.push_back(std::move(setting));
+  return true;
+}
+
+// Where a selector was is taken beyond the limits, too, so that what was taken before can be set: of the few selectors
+// of one walk, as the first that has no room ends the others.
+void SettingsStore::TakeOriginal(const KrString& aName, const KrString& aPosition) {
+  const bool isTaken = !mIsEnded && Take(aName, aPosition);
+  if (!isTaken && aPosition.GetLength() <= kMostOriginalBytes)
+    mSettings.push_back({aName, aPosition});
 }
 
 // Accesses that are under way when it is cancelled fail by themselves; between two of them it shows here.
@@ -232,10 +265,13 @@ bool SettingsStore::IsEnded() {
 void SettingsStore::Note(const KrString& aName, const std::string& aAttempt, const KrResult& aFailure) {
   const std::string text = DescribePlace(aName, mPositions) + " " + aAttempt + ": " + GetReason(aFailure);
   mProblems.Add(text);
+  mBytes += text.size();
   if (mFailure.IsOK() || (IsUnanswered(aFailure) && !IsUnanswered(mFailure)))
     mFailure = {aFailure.GetCode(), text};
   if (aFailure == KrResult::Code::ConnectionLost || aFailure == KrResult::Code::Aborted)
     mIsEnded = true;
+  if (mBytes > kMaxBytes && !mIsEnded)
+    NoteLimit(aName);
 }
 
 void SettingsStore::NoteLimit(const KrString& aName) {
@@ -243,7 +279,8 @@ void SettingsStore::NoteLimit(const KrString& aName) {
   Note(aName, "and what would come behind it is not taken",
        {KrResult::Code::OutOfRange, "There are more than " + std::to_string(kMaxCombinations) +
                                         " combinations of selectors' positions, or more than " +
-                                        std::to_string(kMaxSettings) + " values."});
+                                        std::to_string(kMaxSettings) + " values, or more than " +
+                                        std::to_string(kMaxBytes >> 20) + " MiB of texts."});
 }
 
 // The others are worth having: what is left out is one table.

@@ -27,6 +27,8 @@ public:
   /// Combinations of positions that are visited, of all parameters together, and values that are taken.
   static constexpr std::size_t kMaxCombinations = 65536;
   static constexpr std::size_t kMaxSettings = 1'000'000;
+  /// Of names, values and problems together: as many as a file of settings may have.
+  static constexpr std::size_t kMaxBytes = std::size_t{16} << 20;
 
   SettingsStore(NodeMap& aMap, KrStringList& aProblems, const KrGenProgress& aProgress);
 
@@ -47,6 +49,8 @@ private:
   void PutBack(KrGenParameter& aSelector, const KrString& aPosition);
   void StoreParameters(const Group& aGroup);
   void StoreParameter(KrGenParameter& aParameter);
+  bool Take(const KrString& aName, const KrString& aValue);
+  void TakeOriginal(const KrString& aName, const KrString& aPosition);
   bool IsEnded();
   void FindStreamLocked();
   bool IsStreamLocked(const KrGenParameter& aParameter) const;
@@ -58,6 +62,7 @@ private:
   const std::stop_token mCancel;
   KrStringList& mProblems;
   std::vector<KrGenSetting> mSettings;
+  std::size_t mBytes = 0;                   // Of the settings' texts and of the problems.
   std::vector<SelectorPosition> mPositions; // Where the selectors of the walk stand.
   SettingsProgress mProgress;
   std::size_t mGroupsDone = 0; // The parameters of the groups that are done.

@@ -265,6 +265,37 @@ TEST(StoreSettings, ValuesBeyondTheMost_AreLeftOutWithAProblemAndTheSelectorsPut
   EXPECT_EQ(camera.GetText("A"), "3");
 }
 
+// Of 1 MiB each, of which the names take the room of the sixteenth.
+TEST(StoreSettings, BytesOfValuesBeyondTheMost_AreLeftOutWithAProblem) {
+  std::string features;
+  for (int i = 0; i < 20; ++i)
+    features += "<String Name=\"S" + std::to_string(i) + "\"><Streamable>Yes</Streamable><Value>" +
+                std::string(std::size_t{1} << 20, 'x') + "</Value></String>";
+  SettingsCamera camera(features);
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::OutOfRange);
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("or more than 16 MiB of texts")));
+  EXPECT_EQ(camera.settings.GetCount(), 15U);
+}
+
+TEST(StoreSettings, BytesOfProblemsBeyondTheMost_EndItWithTheSelectorsPutBack) {
+  const std::string name(1000, 'F');
+  const std::string positions = "<Min>0</Min><Max>255</Max><pSelected>" + name + "</pSelected>";
+  SettingsCamera camera(MakeInteger("A", 0, positions) + MakeInteger("B", 4, positions) + MakeInteger(name, 8));
+  camera.SetText("A", "3");
+  camera.port.SetFault(FailAt(8, false, KrResult::Code::ProtocolError));
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::ProtocolError);
+
+  std::size_t bytes = 0;
+  for (const KrString& problem : camera.problems)
+    bytes += problem.GetLength();
+  EXPECT_LT(bytes, std::size_t{17} << 20);
+  EXPECT_THAT(camera.GetProblems(), testing::Contains(HasSubstr("or more than 16 MiB of texts")));
+  EXPECT_EQ(camera.GetText("A"), "3");
+}
+
 // A feature whose limit is the last of so many others, which it would come behind, and nodes that are none.
 std::string MakeLimitedByTheLast(int aCount) {
   const std::string last = std::to_string(aCount - 1);
