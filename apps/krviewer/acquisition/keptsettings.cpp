@@ -1,8 +1,10 @@
 #include "acquisition/keptsettings.h"
 
+#include "krbase/krlogger.h"
 #include "krgenicam/krgenaccessstop.h"
 
 #include <algorithm>
+#include <exception>
 #include <stop_token>
 #include <utility>
 
@@ -12,6 +14,15 @@ namespace {
 
 // Beyond this nobody has set them.
 constexpr std::size_t kMostSettings = 20000;
+// Of all their texts, as much as a file of settings may have.
+constexpr std::size_t kMostBytes = std::size_t{16} << 20;
+
+std::size_t CountBytes(const std::string& aPlace, const KeptSetting& aSetting) {
+  std::size_t bytes = aPlace.size() + aSetting.name.GetLength() + aSetting.value.GetLength();
+  for (const KrGenSetting& position : aSetting.positions)
+    bytes += position.name.GetLength() + position.value.GetLength();
+  return bytes;
+}
 
 } // namespace
 
@@ -22,6 +33,7 @@ KeptSettings::~KeptSettings() {
 void KeptSettings::Follow(KrGenParameterArray& aParameters) {
   Leave();
   mParameters = &aParameters;
+  mHasFailed = false;
   const std::vector<KrGenParameter*> features = ListKeptFeatures(aParameters);
   for (std::size_t order = 0; order < features.size(); ++order)
     mFeatures[features[order]] = order;
@@ -92,16 +104,45 @@ void KeptSettings::Run(const std::stop_token& aStop) {
   }
 }
 
+// What left the thread would end the program. What is thrown for want of memory costs that one setting.
 void KeptSettings::Read(KrGenParameter& aParameter) {
+  try {
+    ReadAndKeep(aParameter);
+  } catch (const std::exception& error) {
+    TellFailure(error.what());
+  } catch (...) {
+    TellFailure("an exception without a text");
+  }
+}
+
+void KeptSettings::TellFailure(const char* aReason) {
+  if (!mHasFailed.exchange(true))
+    KrLogger("krviewer")
+        .Log(KrLogLevel::Error, {"KeptSettings", "keptsettings"},
+             KrString("A value of the camera, and perhaps others, is not kept for the camera's return: ") + aReason);
+}
+
+void KeptSettings::ReadAndKeep(KrGenParameter& aParameter) {
   KeptSetting setting{.order = mFeatures.at(&aParameter)};
   // Until it is noted, so that an older value never comes after a newer one.
   const KrGenParameterArray::Turn turn(*mParameters);
-  if (!ReadKeptSetting(*mParameters, aParameter, setting).IsOK())
-    return;
+  if (ReadKeptSetting(*mParameters, aParameter, setting).IsOK())
+    Keep(std::move(setting));
+}
+
+// What the camera was set to before is nothing to set it to, so that it goes even where there is no room for the new.
+void KeptSettings::Keep(KeptSetting aSetting) {
   const std::lock_guard lock(mMutex);
-  const std::string place = MakePlaceName(setting);
-  if (mSettings.size() < kMostSettings || mSettings.contains(place))
-    mSettings.insert_or_assign(place, std::move(setting));
+  const std::string place = MakePlaceName(aSetting);
+  if (const auto former = mSettings.find(place); former != mSettings.end()) {
+    mBytes -= CountBytes(place, former->second);
+    mSettings.erase(former);
+  }
+  const std::size_t bytes = CountBytes(place, aSetting);
+  if (mSettings.size() >= kMostSettings || mBytes + bytes > kMostBytes)
+    return;
+  mSettings.emplace(place, std::move(aSetting));
+  mBytes += bytes;
 }
 
 } // namespace krviewer

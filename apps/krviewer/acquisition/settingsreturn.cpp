@@ -1,9 +1,12 @@
 #include "acquisition/settingsreturn.h"
 
+#include "krbase/utf8cut.h"
 #include "krgenicam/krgenaccessstop.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace krviewer {
 
@@ -20,6 +23,13 @@ bool SelectsOther(const KeptSetting& aSelector, const std::vector<KeptSetting>& 
     return std::ranges::any_of(aSetting.positions,
                                [&](const KrGenSetting& aPosition) { return aPosition.name == aSelector.name; });
   });
+}
+
+// As much of a text as a message about thousands of settings has room for.
+KrString Shorten(const KrString& aText) {
+  constexpr std::size_t kMostBytes = 120;
+  const std::string_view text = aText.ToUtf8();
+  return text.size() <= kMostBytes ? aText : KrString(std::string(krbase::CutUtf8(text, kMostBytes)) + "…");
 }
 
 } // namespace
@@ -116,8 +126,8 @@ KrResult SettingsReturn::Verify(SettingsReturned& aReturned) {
     if (isSame)
       ++aReturned.set;
     else if (!IsRuledByAnother(setting))
-      aReturned.different.Add(DescribePlace(setting) + " was " + setting.value +
-                              (compared.IsOK() ? " and is " + found + "." : ": " + compared.GetDescription()));
+      aReturned.different.Add(Shorten(DescribePlace(setting)) + " was " + Shorten(setting.value) +
+                              (compared.IsOK() ? " and is " + Shorten(found) + "." : ": " + compared.GetDescription()));
   }
   return {};
 }
