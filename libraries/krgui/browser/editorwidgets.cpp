@@ -4,6 +4,7 @@
 #include "browser/genbrowsercombobox.h"
 #include "browser/updowncontrol.h"
 #include "platform/ctooltiplistctrl.h"
+#include "platform/plainline.h"
 #include "platform/toqstring.h"
 
 #include <QApplication>
@@ -26,9 +27,16 @@ namespace {
 /// So that the text stands where the value stood: the edit box itself leaves two pixels.
 constexpr int kTextMargin = 1;
 
-/// A caption as it is: nothing in it underlines a letter.
+/// Of a name more is neither laid out on a button nor read aloud.
+constexpr int kMostNameUnits = 255;
+
+QString ToName(const KrString& aText) {
+  return ToPlainLine(aText, kMostNameUnits);
+}
+
+/// A name on a button: nothing in it underlines a letter.
 QString ToCaption(const KrString& aText) {
-  return ToQString(aText).replace(QLatin1Char('&'), QLatin1String("&&"));
+  return ToName(aText).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 } // namespace
@@ -219,7 +227,7 @@ void EditorWidgets::MakeUpDown(QWidget& aParent) {
 
 void EditorWidgets::Fill() {
   mIsFilling = true;
-  mOpen->setAccessibleName(ToQString(mContent.name));
+  mOpen->setAccessibleName(ToName(mContent.name));
   if (QLineEdit* editBox = GetOpenEditBox()) {
     // Where the row's value stands, whichever way the text itself is written.
     editBox->setAlignment((editBox->isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute |
@@ -237,7 +245,7 @@ void EditorWidgets::Fill() {
     mButton->setText(ToCaption(mContent.text));
   }
   if (HasUpDown()) {
-    mUpDown->SetFeatureName(ToQString(mContent.name));
+    mUpDown->SetFeatureName(ToName(mContent.name));
   }
   mIsFilling = false;
   mIsTouched = false;

@@ -41,7 +41,8 @@ protected:
 struct EditorContent {
   EditorKind kind = EditorKind::None;
   KrString name; ///< The feature's, for assistive technology.
-  /// Of an edit box; of a button its caption.
+  /// Of an edit box, which takes it as it is, so that it is short: GetEditText gives no other; of a button its caption,
+  /// which is made plain and cut.
   KrString text;
   Choices choices;
   bool isHexadecimal = false;

@@ -195,8 +195,8 @@ EditorKind ChooseEditor(TreeItemData& aNode) {
   if (command && IsExecuting(*command)) {
     return EditorKind::None;
   }
-  const AccessFlags access = aNode.GetAccess();
-  if (!access.isWritable || (command && !access.isAvailable)) {
+  const RowSnapshot row = aNode.GetSnapshot();
+  if (!row.access.isWritable || row.isCut || (command && !row.access.isAvailable)) {
     return EditorKind::None;
   }
   const EditorKind kind = FindKind(parameter->GetType());
@@ -239,7 +239,7 @@ KrString GetEditText(const TreeItemData& aNode, bool aIsHexadecimal) {
   if (const auto* number = std::get_if<double>(&row.number)) {
     return FormatExactly(*number);
   }
-  return GetView<KrGenString>(aNode) ? row.value : KrString();
+  return GetView<KrGenString>(aNode) && !row.isCut ? row.value : KrString();
 }
 
 int FindChoice(const TreeItemData& aNode, const Choices& aChoices) {

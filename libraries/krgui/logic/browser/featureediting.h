@@ -22,8 +22,8 @@ enum class EditorKind {
   Command, ///< A button.
 };
 
-/// Which editor a node gets: refreshes it and looks at its type, access and, for a command, whether it still runs. May
-/// wait for the device.
+/// Which editor a node gets: refreshes it and looks at its type, access, whether its value is there as a whole and, for
+/// a command, whether it still runs. May wait for the device.
 EditorKind ChooseEditor(TreeItemData& aNode);
 /// Whether the node's type has an editor at all. The device is not asked.
 bool CanHaveEditor(const TreeItemData& aNode);
@@ -43,8 +43,9 @@ struct Choices {
 Choices ListChoices(const TreeItemData& aNode, KrGenVisibility aVisibility);
 /// Whether an integer is edited in hexadecimal digits. May wait for the device.
 bool IsEditedInHexadecimal(const TreeItemData& aNode);
-/// What an editor shows of the value that was read last: an edit box's text, and the combo box's item, -1 for none.
-/// Both are made from the node's snapshot; the device is not asked.
+/// What an editor shows of the value that was read last: an edit box's text, never one that was cut, of at most
+/// kMostKeptBytes, and the combo box's item, -1 for none. Both are made from the node's snapshot; the device is not
+/// asked.
 KrString GetEditText(const TreeItemData& aNode, bool aIsHexadecimal);
 int FindChoice(const TreeItemData& aNode, const Choices& aChoices);
 

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <exception>
+#include <utility>
 
 namespace krgui {
 
@@ -138,8 +139,10 @@ void ReadInteger(KrGenInteger& aInteger, const ValueStyle& aStyle, FeatureReadin
 
 void ReadString(KrGenString& aString, FeatureReading& aReading) {
   KrString value;
-  if (Succeeds(aString.GetValue(value), kReadingValue, aReading))
-    aReading.value = value;
+  if (!Succeeds(aString.GetValue(value), kReadingValue, aReading))
+    return;
+  aReading.isCut = IsTooLong(value);
+  aReading.value = std::move(value);
 }
 
 void ReadValue(KrGenParameter& aFeature, const ValueStyle& aStyle, FeatureReading& aReading) {
@@ -166,6 +169,7 @@ AccessReason ReadAccessReason(KrGenParameter& aFeature, const AccessFlags& aAcce
   AccessReason reason;
   if (aFeature.GetAccessReason(reason.text).IsOK())
     reason.access = aAccess;
+  reason.text = KeepText(std::move(reason.text));
   return reason;
 }
 
@@ -178,12 +182,14 @@ FeatureReading ReadFeature(KrGenParameter& aFeature, const ValueStyle& aStyle, c
     if (ReadAccess(aFeature, reading)) {
       const AccessFlags access = reading.access;
       ReadValue(aFeature, aStyle, reading);
+      reading.value = KeepText(std::move(reading.value));
       if (!access.isWritable)
         reading.accessReason = aKnown.access == access ? aKnown : ReadAccessReason(aFeature, access);
     }
   } catch (const std::exception& exception) {
     Fail(reading, {}, exception.what());
   }
+  reading.error = KeepText(std::move(reading.error));
   return reading;
 }
 

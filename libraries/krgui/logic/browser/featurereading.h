@@ -32,8 +32,9 @@ using FeatureNumber = std::variant<std::monostate, std::int64_t, double>;
 
 struct FeatureReading {
   AccessFlags access; ///< What was not found out is false.
-  KrString value;
+  KrString value;     ///< As KeepText leaves it, as are the other texts.
   FeatureNumber number;
+  bool isCut = false;      ///< The value is the beginning of a text that a device has, and cannot be written back.
   bool keepsValue = false; ///< Not readable: what was read before still stands.
   bool hasError = false;   ///< A step failed, or the value lies outside the bounds, which leaves it its text.
   KrString error;

@@ -17,7 +17,7 @@ bool HasShownValue(const RowSnapshot& aRow) {
 }
 
 bool IsEditable(const RowSnapshot& aRow) {
-  return aRow.access.isWritable && aRow.access.isAvailable;
+  return aRow.access.isWritable && aRow.access.isAvailable && !aRow.isCut;
 }
 
 } // namespace krgui

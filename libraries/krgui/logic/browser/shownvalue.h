@@ -10,7 +10,8 @@ namespace krgui {
 KrString GetShownValue(const RowSnapshot& aRow);
 /// Whether the row has a value of its own to show, rather than such words or nothing yet.
 bool HasShownValue(const RowSnapshot& aRow);
-/// Whether the user could change the value: shown as text that can be edited, else greyed.
+/// Whether the user could change the value: shown as text that can be edited, else greyed. A text that was cut cannot
+/// be.
 bool IsEditable(const RowSnapshot& aRow);
 
 } // namespace krgui

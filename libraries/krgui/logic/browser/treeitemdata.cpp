@@ -1,8 +1,10 @@
 #include "logic/browser/treeitemdata.h"
 
 #include "krgenicam/krgenparameterlist.h"
+#include "krgenicam/krgenstring.h"
 #include "logic/browser/browserwords.h"
 #include "logic/browser/descriptiontext.h"
+#include "logic/browser/valuetext.h"
 
 #include <utility>
 
@@ -19,15 +21,22 @@ std::vector<KrGenParameter*> ReadList(KrGenParameter& aFeature, GetList aGetter)
   return {list.begin(), list.end()};
 }
 
+// A text that cannot be had stays empty.
+template <typename Feature>
+void ReadShownTexts(const Feature& aFeature, KrString& aToolTip, KrString& aDisplayName) {
+  (void)aFeature.GetToolTip(aToolTip);
+  (void)aFeature.GetDisplayName(aDisplayName);
+  aToolTip = KeepText(std::move(aToolTip));
+  aDisplayName = KeepText(std::move(aDisplayName));
+}
+
 } // namespace
 
 TreeItemData::TreeItemData(const KrString& aName, RowNotifier aNotifier, GridItem aItem, KrGenCategory& aCategory,
                            bool aShowsDisplayNames)
     : mName(aName), mNotifier(std::move(aNotifier)), mItem(aItem), mParameter(nullptr), mCategory(&aCategory),
       mShowsDisplayNames(aShowsDisplayNames), mTypeText("Category") {
-  // A text that cannot be had stays empty.
-  (void)aCategory.GetToolTip(mToolTip);
-  (void)aCategory.GetDisplayName(mDisplayName);
+  ReadShownTexts(aCategory, mToolTip, mDisplayName);
   KrGenNameSpace nameSpace{};
   if (aCategory.GetNameSpace(nameSpace).IsOK())
     mNameSpaceText = NameSpaceToText(nameSpace);
@@ -61,9 +70,7 @@ void TreeItemData::ListenAgain() {
 }
 
 void TreeItemData::ReadTexts() {
-  // A text that cannot be had stays empty.
-  (void)mParameter->GetToolTip(mToolTip);
-  (void)mParameter->GetDisplayName(mDisplayName);
+  ReadShownTexts(*mParameter, mToolTip, mDisplayName);
   KrGenNameSpace nameSpace{};
   if (mParameter->GetNameSpace(nameSpace).IsOK())
     mNameSpaceText = NameSpaceToText(nameSpace);
@@ -99,6 +106,7 @@ void TreeItemData::Refresh() {
   mNow.access = reading.access;
   if (!reading.keepsValue) {
     mNow.value = std::move(reading.value);
+    mNow.isCut = reading.isCut;
     mNow.number = reading.number;
   }
   PutError(reading.hasError, std::move(reading.error));
@@ -133,12 +141,13 @@ bool TreeItemData::HasChanged() const {
 void TreeItemData::SetValueText(const KrString& aText) {
   const std::lock_guard lock(mMutex);
   mAcknowledged.value = std::move(mNow.value);
-  mNow.value = aText;
+  mNow.value = KeepText(aText);
+  mNow.isCut = IsTooLong(aText) && dynamic_cast<KrGenString*>(mParameter) != nullptr;
 }
 
 void TreeItemData::SetError(const KrString& aText) {
   const std::lock_guard lock(mMutex);
-  PutError(true, aText);
+  PutError(true, KeepText(aText));
 }
 
 void TreeItemData::ClearError() {
@@ -170,6 +179,7 @@ RowSnapshot TreeItemData::GetSnapshot() const {
           .number = mNow.number,
           .hasError = mNow.hasError,
           .isRead = mIsRead,
+          .isCut = mNow.isCut,
           .access = mNow.access};
 }
 
@@ -179,7 +189,10 @@ AccessFlags TreeItemData::GetAccess() const {
 }
 
 KrString TreeItemData::GetAccessReason() const {
-  return GetKnownReason().text;
+  const std::lock_guard lock(mMutex);
+  if (!mNow.isCut)
+    return mAccessReason.text;
+  return (mAccessReason.text.IsEmpty() ? KrString() : mAccessReason.text + "\n") + kCutValueText;
 }
 
 AccessReason TreeItemData::GetKnownReason() const {

@@ -24,11 +24,13 @@ struct RowSnapshot {
   FeatureNumber number; ///< What the value's text was made from.
   bool hasError = false;
   bool isRead = false; ///< The value has been read once.
+  bool isCut = false;  ///< The value is the beginning of a text that the device has: nothing to be written back.
   AccessFlags access;
 };
 
-/// A node. A feature's node is its event sink for its whole life, but for the moments in which who reads it next makes
-/// the array forget it.
+/// A node. Of what the device and its description say it keeps no text that is longer than KeepText leaves it, but its
+/// name, whose length the description's reader limits. A feature's node is its event sink for its whole life, but for
+/// the moments in which who reads it next makes the array forget it.
 ///
 /// Thread: construction and destruction on the user-interface thread; Refresh and OnParameterUpdate on any; the rest
 /// on any, each consistent in itself. No lock is held while the device is asked.
@@ -52,7 +54,7 @@ public:
   KrString GetValue(bool aAcknowledge);
   /// Whether value, error state, access or the redraw mark differ from what was acknowledged last.
   bool HasChanged() const;
-  /// The value's text after an edit; what was there before counts as acknowledged.
+  /// The value's text after an edit, kept as one that was read; what was there before counts as acknowledged.
   void SetValueText(const KrString& aText);
   void SetError(const KrString& aText);
   void ClearError();
@@ -68,8 +70,9 @@ public:
   AccessFlags GetAccess() const;
 
   const KrString& GetToolTip() const { return mToolTip; }
-  /// Why the feature is not what it might be: which node locks it or makes it not available. Empty where there is
-  /// nothing to say. Found out when the access changes, so of two nodes that lock it one may still name the first.
+  /// Why the feature is not what it might be: which node locks it or makes it not available, or that its value is too
+  /// long. Empty where there is nothing to say. Found out when the access changes, so of two nodes that lock it one may
+  /// still name the first.
   KrString GetAccessReason() const;
   /// What the description pane shows, with its mark-up; asks the device for bounds.
   KrString GetDescription() const;
@@ -121,6 +124,7 @@ private:
   struct Content {
     KrString value;
     FeatureNumber number;
+    bool isCut = false;
     bool hasError = false;
     KrString error;
     AccessFlags access;

@@ -1,10 +1,13 @@
 #include "logic/browser/valuetext.h"
 
+#include "krbase/utf8cut.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <limits>
 #include <string>
+#include <string_view>
 
 namespace krgui {
 
@@ -32,6 +35,13 @@ constexpr std::array kUnboundRanges = {
 };
 
 } // namespace
+
+KrString KeepText(KrString aText) {
+  if (!IsTooLong(aText))
+    return aText;
+  const std::string& text = aText.ToUtf8();
+  return std::string(krbase::CutUtf8(text, kMostKeptBytes)) + "… (" + std::to_string(text.size()) + " bytes)";
+}
 
 KrString FormatMACAddress(std::int64_t aValue) {
   std::string text;

@@ -4,15 +4,29 @@
 
 #include "krbase/krstring.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace krgui {
+
+/// More bytes of a device's text are not kept of a row: there may be a million rows, each with many megabytes.
+inline constexpr std::size_t kMostKeptBytes = 4096;
+/// What is said of a row with such a value.
+inline constexpr const char* kCutValueText =
+    "Only the beginning of the value is shown: it is too long to be edited here.";
 
 inline constexpr const char* kExecutingText = "{Executing}";
 inline constexpr const char* kCommandText = "{Command}";
 inline constexpr const char* kRegisterText = "{Register}";
 inline constexpr const char* kNotImplementedText = "{Not implemented}";
 inline constexpr const char* kNotAvailableText = "{Not available}";
+
+/// Whether a text is cut by KeepText.
+inline bool IsTooLong(const KrString& aText) {
+  return aText.GetLength() > kMostKeptBytes;
+}
+/// A text as a row keeps it: as it is or, where it is too long, its beginning with how many bytes it has.
+KrString KeepText(KrString aText);
 
 /// "%02X:…" of the six low bytes, the most significant first.
 KrString FormatMACAddress(std::int64_t aValue);
