@@ -1,21 +1,20 @@
 #include "page/camerapage.h"
 
 #include "krbase/krsteadytime.h"
+#include "page/keptpage.h"
 #include "panels/histogrampanel.h"
 #include "panels/lineprofilepanel.h"
 #include "plaintext.h"
 #include "window/failurebox.h"
 #include "window/showntext.h"
 
-#include <QDataStream>
-#include <QIODevice>
 #include <QMainWindow>
 #include <QResizeEvent>
 #include <QVBoxLayout>
 
-#include <array>
 #include <chrono>
 #include <cstdio>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -25,8 +24,6 @@ namespace {
 
 constexpr int kLookIntervalMs = 50;
 constexpr std::chrono::milliseconds kRecordingLook{10};
-/// Of what is kept of a page.
-constexpr quint32 kStateVersion = 2;
 /// The part of the page that the camera's features take at first.
 constexpr double kFeaturesShare = 0.4;
 
@@ -120,34 +117,26 @@ KrResult CameraPage::Open() {
 }
 
 QByteArray CameraPage::SaveState() {
-  QByteArray state;
-  QDataStream stream(&state, QIODevice::WriteOnly);
-  stream << kStateVersion << mPanels.SaveLayout() << mRecordPanel->SaveState() << mSaver.SaveState();
-  for (ParameterPanel* const panel : {mFeatures, mStreamFeatures, mTransportFeatures})
-    stream << panel->SaveOptions();
-  stream << mTools.IsCreatingPorts();
-  return state;
+  const KeptPage page = {
+      .layout = mPanels.SaveLayout(),
+      .recording = mRecordPanel->SaveState(),
+      .saving = mSaver.SaveState(),
+      .options = {{mFeatures->SaveOptions(), mStreamFeatures->SaveOptions(), mTransportFeatures->SaveOptions()}},
+      .isCreatingPorts = mTools.IsCreatingPorts()};
+  return page.Save();
 }
 
 void CameraPage::RestoreState(const QByteArray& aState) {
-  QDataStream stream(aState);
-  quint32 version = 0;
-  QByteArray layout;
-  QByteArray recording;
-  QByteArray saving;
-  std::array<QStringList, 3> options;
-  stream >> version >> layout >> recording >> saving >> options[0] >> options[1] >> options[2];
-  bool isCreatingPorts = false;
-  stream >> isCreatingPorts;
-  if (stream.status() != QDataStream::Ok || version != kStateVersion)
+  const std::optional<KeptPage> page = KeptPage::Read(aState);
+  if (!page)
     return;
-  mTools.SetCreatingPorts(isCreatingPorts);
-  mIsRestored = mPanels.RestoreLayout(layout);
-  mRecordPanel->RestoreState(recording);
-  mSaver.RestoreState(saving);
-  mFeatures->RestoreOptions(options[0]);
-  mStreamFeatures->RestoreOptions(options[1]);
-  mTransportFeatures->RestoreOptions(options[2]);
+  mTools.SetCreatingPorts(page->isCreatingPorts);
+  mIsRestored = mPanels.RestoreLayout(page->layout);
+  mRecordPanel->RestoreState(page->recording);
+  mSaver.RestoreState(page->saving);
+  mFeatures->RestoreOptions(page->options[0]);
+  mStreamFeatures->RestoreOptions(page->options[1]);
+  mTransportFeatures->RestoreOptions(page->options[2]);
 }
 
 void CameraPage::SetCamera(const CameraInfo& aCamera) {
