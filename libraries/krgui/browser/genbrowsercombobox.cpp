@@ -19,8 +19,6 @@ namespace krgui {
 
 namespace {
 
-constexpr int kMostLetters = 1023; // As many as an item's tooltip has.
-
 /// What the list's frame takes at both sides together.
 constexpr int kFrameWidth = 4;
 
@@ -45,7 +43,7 @@ void GenBrowserComboBox::SetChoices(const Choices& aChoices) {
   QStringList texts;
   texts.reserve(static_cast<qsizetype>(aChoices.items.size()));
   for (const Choice& choice : aChoices.items) {
-    texts.append(ToPlainLine(choice.text, kMostLetters));
+    texts.append(ToPlainLine(choice.text, kMostLettersOfAChoice));
   }
   clear();
   addItems(texts);

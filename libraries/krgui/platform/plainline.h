@@ -15,6 +15,9 @@ QString ToPlainLine(const KrString& aText);
 /// character is cut in two.
 QString ToPlainLine(const KrString& aText, int aMostUnits);
 
+/// Of an item in a list of choices; as many as its tooltip has.
+inline constexpr int kMostLettersOfAChoice = 1023;
+
 /// The text as a tooltip shows it letter by letter, blank by blank, line by line; tooltips take what looks like markup
 /// for it. Each line is as ToPlainLine gives it; "\r\n" and "\n" begin a new one.
 QString ToPlainToolTip(const QString& aText);

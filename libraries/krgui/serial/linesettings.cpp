@@ -3,6 +3,7 @@
 #include "krdevice/ikrdeviceadapter.h"
 #include "krserial/krbulkselectorturn.h"
 #include "krserial/krdeviceserialspeed.h"
+#include "platform/plainline.h"
 #include "platform/toqstring.h"
 
 #include <QCheckBox>
@@ -64,13 +65,12 @@ void LineSettings::RefreshSpeed(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort)
     return;
   KrStringList entries;
   if (aDevice->GetEnumEntries(name, entries).IsOK()) {
-    for (std::size_t index = 0; index < entries.GetCount(); ++index)
-      mSpeed.addItem(ToQString(entries[index]));
+    // Each item has the device's own name for it, of which it shows what one line can.
+    for (const KrString& entry : entries)
+      mSpeed.addItem(ToPlainLine(entry, kMostLettersOfAChoice), ToQString(entry));
   }
   KrString value;
-  mSpeed.setCurrentIndex(aDevice->GetEnumValue(name, value).IsOK()
-                             ? mSpeed.findText(ToQString(value), Qt::MatchFixedString | Qt::MatchCaseSensitive)
-                             : -1);
+  mSpeed.setCurrentIndex(aDevice->GetEnumValue(name, value).IsOK() ? mSpeed.findData(ToQString(value)) : -1);
 }
 
 std::optional<bool> LineSettings::RefreshLoopback(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
@@ -87,7 +87,8 @@ std::optional<bool> LineSettings::RefreshLoopback(IKrDeviceAdapter* aDevice, KrD
 KrResult LineSettings::WriteSpeed(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {
   const KrBulkSelectorTurn turn(aDevice, aPort);
   KeepSelected(aDevice, aPort);
-  return aDevice.SetEnumValue(FindIn(&aDevice, aPort, FindBaudRateParameter), ToKrString(mSpeed.currentText()));
+  return aDevice.SetEnumValue(FindIn(&aDevice, aPort, FindBaudRateParameter),
+                              ToKrString(mSpeed.currentData().toString()));
 }
 
 KrResult LineSettings::WriteLoopback(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {

@@ -134,6 +134,21 @@ TEST_F(Settings, SpeedPicked_IsWritten) {
   EXPECT_THAT(mDevice.written, ElementsAre("Uart0BaudRate=921600"));
 }
 
+TEST_F(Settings, SpeedsOfAnyName_AreOneLineOfALimitedLengthAndWrittenAsTheDeviceHasThem) {
+  const std::string longName(5000, 'x');
+  mDevice.enumerations["Uart0BaudRate"] = {{"Baud 9600", "Baud\n9600", longName}, "Baud\n9600"};
+  Open();
+  auto& list = Get<QComboBox>(id::kSpeed);
+
+  EXPECT_THAT(GetEntries(id::kSpeed), ElementsAre("Baud 9600", "Baud 9600", std::string(1023, 'x')));
+  EXPECT_EQ(list.currentIndex(), 1);
+  for (const int speed : {0, 1, 2})
+    Pick(list, speed);
+
+  EXPECT_THAT(mDevice.written,
+              ElementsAre("Uart0BaudRate=Baud 9600", "Uart0BaudRate=Baud\n9600", "Uart0BaudRate=" + longName));
+}
+
 TEST_F(Settings, BulkPortWithoutParameters_HasNeitherSpeedNorLoopback) {
   Open();
 
