@@ -18,6 +18,9 @@
 #include <QRadioButton>
 #include <QTimer>
 
+#include <optional>
+#include <vector>
+
 namespace krgui {
 
 namespace {
@@ -32,10 +35,10 @@ std::optional<KrString> FindText(const KrStringList& aTexts, int aIndex) {
   return aIndex >= 0 && index < aTexts.GetCount() ? std::optional(aTexts[index]) : std::nullopt;
 }
 
-QStringList ToItems(const KrStringList& aTexts, KrString (*aShorten)(const KrString&)) {
-  QStringList items;
+std::vector<KrString> ToItems(const KrStringList& aTexts, KrString (*aShorten)(const KrString&)) {
+  std::vector<KrString> items;
   for (const KrString& text : aTexts)
-    items.append(ToPlainLine(aShorten ? aShorten(text) : text));
+    items.push_back(aShorten(text));
   return items;
 }
 
@@ -174,7 +177,7 @@ void CameraBridgeManagerWnd::FetchGenCPXMLIDs() {
   if (!result.IsOK())
     return ShowResultError(*this, "Error retrieving GenCP XML IDs.", result);
   entry->xmlIDs = xmlIDs;
-  mControls->Fill(id::kGenCPXML, ToItems(xmlIDs, nullptr));
+  mControls->Fill(id::kGenCPXML, {xmlIDs.begin(), xmlIDs.end()});
   ApplyStates();
 }
 
@@ -320,7 +323,7 @@ void CameraBridgeManagerWnd::ChooseSource() {
   CameraBridgeEntry* entry = GetSelectedEntry();
   if (!entry)
     return;
-  const KrString source = ToKrString(mControls->GetSelectedText(id::kSource));
+  const KrString source = mControls->GetSelectedText(id::kSource);
   const Moment moment = GetMoment(entry->port);
   KrResult result = ProgressDialog::MakeUnfinished();
   const bool isDone = Ask(*entry, "Setting the camera bridge...", Cursor::Usual,

@@ -4,7 +4,6 @@
 #include "camerabridge/cameracontrols.h"
 #include "camerabridge/grabberquestions.h"
 #include "frame/progressdialog.h"
-#include "platform/toqstring.h"
 #include "serial/showresulterror.h"
 
 #include <QTimer>
@@ -93,10 +92,7 @@ void CameraBridgeManagerWnd::ShowFacts() {
     return;
   if (answer->sources) {
     mOpening->hasSources = true;
-    QStringList names;
-    for (const KrString& name : *answer->sources)
-      names.append(ToQString(name));
-    mControls->Fill(id::kSource, names);
+    mControls->Fill(id::kSource, {answer->sources->begin(), answer->sources->end()});
   }
   mOpening->poCL = answer->poCL;
   ShowSwitches();

@@ -278,8 +278,8 @@ void CameraBridgeManagerWnd::ShowKind(CameraBridgeEntry& aEntry) {
     mControls->SetText(id::kPath, ToQString(texts.path));
     mControls->SetText(id::kCameraFileStatus, ToQString(texts.status));
   } else if (aEntry.kind == CameraBridgeKind::CLProtocol && isConnected) {
-    mControls->Fill(id::kTemplate, {ToPlainLine(texts.driverTemplate)});
-    mControls->Fill(id::kCLProtocolXML, {ToPlainLine(texts.xmlID)});
+    mControls->Fill(id::kTemplate, {texts.driverTemplate});
+    mControls->Fill(id::kCLProtocolXML, {texts.xmlID});
     mControls->SetText(id::kProbeStatus, ToPlainLine(texts.probeStatus));
     mControls->SetText(id::kCLProtocolStatus, ToQString(texts.status));
   } else if (aEntry.kind == CameraBridgeKind::CLProtocol) {
@@ -287,7 +287,7 @@ void CameraBridgeManagerWnd::ShowKind(CameraBridgeEntry& aEntry) {
   } else if (aEntry.kind == CameraBridgeKind::GenCP && isConnected) {
     aEntry.xmlIDs.Clear();
     aEntry.xmlIDs.Add(texts.xmlID);
-    mControls->Fill(id::kGenCPXML, {ToPlainLine(texts.xmlID)});
+    mControls->Fill(id::kGenCPXML, {texts.xmlID});
     mControls->SetText(id::kGenCPStatus, ToQString(texts.status));
   }
 }
@@ -297,7 +297,7 @@ void CameraBridgeManagerWnd::ShowSwitches() const {
   const CameraBridgeEntry* const entry = GetSelectedEntry();
   mControls->Check(id::kSynchronization, entry && entry->bridge->GetParametersSyncEnabled());
   mControls->Check(id::kPoCL, mOpening->poCL.isOn);
-  mControls->Select(id::kSource, entry ? ToQString(entry->bridge->GetSource()) : QString());
+  mControls->Select(id::kSource, entry ? entry->bridge->GetSource() : KrString());
 }
 
 void CameraBridgeManagerWnd::ShowParameters(const CameraBridgeEntry& aEntry) {

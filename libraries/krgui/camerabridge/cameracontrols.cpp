@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QStyle>
 
@@ -216,20 +217,23 @@ void CameraControls::CheckKind(CameraBridgeKind aKind) {
   Check(GetKindButton(aKind), true);
 }
 
-void CameraControls::Fill(int aList, const QStringList& aItems) const {
+void CameraControls::Fill(int aList, const std::vector<KrString>& aTexts) const {
   auto* const list = Find<QComboBox>(aList);
   if (!list)
     return;
   const QSignalBlocker blocker(*list);
   list->hidePopup();
   list->clear();
-  list->addItems(aItems);
-  list->setCurrentIndex(aItems.isEmpty() ? -1 : 0);
-  // Identifiers are long: the drop-down list has room for them, and the tooltip tells the selected one.
+  // Identifiers are long: the drop-down list has room for what the screen can show of them, and the tooltip tells the
+  // selected one.
   int widest = 0;
-  for (const QString& item : aItems)
+  for (const KrString& text : aTexts) {
+    const QString item = ToPlainLine(text, kMostLettersOfAChoice);
+    list->addItem(item, ToQString(text));
     widest = std::max(widest, list->fontMetrics().horizontalAdvance(item));
-  list->view()->setMinimumWidth(widest + kListMargin);
+  }
+  list->setCurrentIndex(aTexts.empty() ? -1 : 0);
+  list->view()->setMinimumWidth(std::min(widest + kListMargin, list->screen()->availableGeometry().width()));
   SetToolTip(*list, list->currentText());
 }
 
@@ -243,14 +247,14 @@ int CameraControls::GetSelected(int aList) const {
   return list ? list->currentIndex() : -1;
 }
 
-QString CameraControls::GetSelectedText(int aList) const {
+KrString CameraControls::GetSelectedText(int aList) const {
   const auto* const list = Find<QComboBox>(aList);
-  return list ? list->currentText() : QString();
+  return list ? ToKrString(list->currentData().toString()) : KrString();
 }
 
-void CameraControls::Select(int aList, const QString& aText) const {
+void CameraControls::Select(int aList, const KrString& aText) const {
   if (auto* const list = Find<QComboBox>(aList))
-    list->setCurrentIndex(list->findText(aText, Qt::MatchExactly | Qt::MatchCaseSensitive));
+    list->setCurrentIndex(list->findData(ToQString(aText)));
 }
 
 void CameraControls::SetText(int aID, const QString& aText) const {

@@ -3,12 +3,12 @@
 // is told. A control that the template lacks is left out. What they do is left to the window.
 
 #include "camerabridge/camerabridgeids.h"
+#include "krbase/krstring.h"
 #include "krserial/krdeviceserial.h"
 #include "logic/camerabridge/camerabridgestate.h"
 #include "logic/camerabridge/cameralayout.h"
 
 #include <QString>
-#include <QStringList>
 #include <QWidget>
 
 #include <array>
@@ -53,16 +53,17 @@ public:
   /// Shows again the port that was taken and the kind that was checked last.
   void RestoreChoices();
 
-  /// Fills a list and selects its first item.
-  void Fill(int aList, const QStringList& aItems) const;
+  /// Fills a list and selects its first item. An item shows what one line can of its text.
+  void Fill(int aList, const std::vector<KrString>& aTexts) const;
   bool Has(int aID) const { return mLookup(aID) != nullptr; }
   void Clear(int aList) const { Fill(aList, {}); }
   bool HasItems(int aList) const;
   /// -1 without a selection.
   int GetSelected(int aList) const;
-  QString GetSelectedText(int aList) const;
-  /// The item with exactly this text; none where there is no such item.
-  void Select(int aList, const QString& aText) const;
+  /// As it was filled in, whatever is shown of it; empty without a selection.
+  KrString GetSelectedText(int aList) const;
+  /// The item that was filled in with exactly this text; none where there is no such item.
+  void Select(int aList, const KrString& aText) const;
 
   /// Of a label or an edit; one line, whatever a camera says.
   void SetText(int aID, const QString& aText) const;

@@ -5,6 +5,9 @@
 #include "camerabridge/cameracontrols.h"
 #include "controlhands.h"
 
+#include <QAbstractItemView>
+#include <QScreen>
+
 #include <set>
 
 namespace krgui {
@@ -58,15 +61,18 @@ protected:
     }
     return enabled;
   }
+  CameraControls FindControls() const {
+    return CameraControls([&window = *mWindow->GetWidget()](int aID) {
+      return window.findChild<QWidget*>(QStringLiteral("control%1").arg(aID));
+    });
+  }
 };
 
 } // namespace
 
 TEST_F(Controls, EachFact_EnablesItsControlsAlone) {
   Open();
-  QWidget& window = *mWindow->GetWidget();
-  CameraControls controls(
-      [&window](int aID) { return window.findChild<QWidget*>(QStringLiteral("control%1").arg(aID)); });
+  CameraControls controls = FindControls();
 
   for (const Row& row : kRows) {
     Enabling enabling;
@@ -115,6 +121,29 @@ TEST_F(Controls, HiddenCameraFile_KeepsItsKindAndItsCamera) {
   mWindow->ShowPCF();
   EXPECT_TRUE(IsEnabled(id::kLoad));
   EXPECT_EQ(GetText(id::kCameraFileStatus), MakeStatus(1));
+}
+
+TEST_F(Controls, TextsOfADeviceInAList_AreOneLineOfALimitedLengthAndKeptAsTheyWere) {
+  Open();
+  const CameraControls controls = FindControls();
+  const KrString texts[] = {"Source 0", "Source\n0", std::string(5000, 'x')};
+
+  controls.Fill(id::kSource, {std::begin(texts), std::end(texts)});
+
+  EXPECT_THAT(GetEntries(id::kSource), testing::ElementsAre("Source 0", "Source 0", std::string(1023, 'x')));
+  for (const KrString& text : texts) {
+    controls.Select(id::kSource, text);
+    EXPECT_EQ(controls.GetSelectedText(id::kSource), text);
+  }
+}
+
+TEST_F(Controls, ListOfALongText_DoesNotOutgrowTheScreen) {
+  Open();
+
+  FindControls().Fill(id::kSource, {std::string(5000, 'x')});
+
+  const auto& list = Get<QComboBox>(id::kSource);
+  EXPECT_EQ(list.view()->minimumWidth(), list.screen()->availableGeometry().width());
 }
 
 TEST_F(Controls, EmptyList_HasNoTooltip) {
