@@ -1,12 +1,17 @@
-// Whatever may stand in a configuration file under the names that its readers look for: the feature browser's options
-// and a camera bridge are taken as far as they can be, with a sentence for what cannot, and come back as they were
-// saved.
+// Whatever may stand in a configuration file under the names that its readers look for: the feature browser's options,
+// serial bridges and a camera bridge are taken as far as they can be, with a sentence for what cannot, and come back as
+// they were saved.
 
 #include "configurationparser.h"
+#include "krserial/krdeviceserial.h"
 #include "logic/browser/browseroptions.h"
+#include "logic/serial/savedserialbridge.h"
+#include "logic/serial/serialbridgelist.h"
 #include "require.h"
 #include "saved/savedbridge.h"
 
+#include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace {
@@ -37,6 +42,45 @@ void CheckBridge(const KrPropertyList& aList) {
   Require(krcamerabridge::StoreBridge(again) == saved);
 }
 
+void CheckSerialPort(const KrPropertyList& aList, KrDeviceSerial aPort) {
+  KrSerialPortConfiguration configuration;
+  const KrResult restored = krgui::RestoreConfiguration(aList, aPort, configuration);
+  Require(configuration.IsValid());
+  Require(restored.IsOK() || (restored == KrResult::Code::BadData && configuration == KrSerialPortConfiguration()));
+  std::optional<std::uint32_t> rate;
+  const KrResult rateRestored = krgui::RestoreHardCodedBaudRate(aList, aPort, rate);
+  Require(rateRestored.IsOK() || (rateRestored == KrResult::Code::BadData && !rate));
+
+  const KrProperty* const comPort = krgui::FindSavedCOMPort(aList, aPort);
+  const KrString name = comPort ? comPort->GetValue() : KrString();
+  KrPropertyList saved;
+  krgui::StoreCOMPort(name, configuration, aPort, saved);
+  krgui::StoreHardCodedBaudRate(rate.value_or(0), aPort, saved);
+  KrSerialPortConfiguration again;
+  std::optional<std::uint32_t> rateAgain;
+  Require(krgui::FindSavedCOMPort(saved, aPort)->GetValue() == name);
+  Require(krgui::RestoreConfiguration(saved, aPort, again).IsOK() && again == configuration);
+  Require(krgui::RestoreHardCodedBaudRate(saved, aPort, rateAgain).IsOK() && rateAgain == rate.value_or(0));
+}
+
+// A device without ports has none of the bridges: each is told once.
+void CheckSerialBridges(const KrPropertyList& aList) {
+  std::size_t named = 0;
+  for (const KrDeviceSerial port : kDeviceSerialPorts) {
+    CheckSerialPort(aList, port);
+    const KrProperty* const kind = aList.GetProperty(GetPortName(port));
+    if (!kind)
+      continue;
+    ++named;
+    const KrString word = krgui::GetSavedWord(krgui::FindSavedKind(kind->GetValue()));
+    Require(word.IsEmpty() || word == kind->GetValue());
+  }
+  krgui::SerialBridgeList bridges;
+  KrStringList errors;
+  bridges.Load(aList, errors);
+  Require(errors.GetCount() == named);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
@@ -45,6 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
     return 0;
   for (const auto& [name, properties] : read) {
     CheckOptions(properties);
+    CheckSerialBridges(properties);
     CheckBridge(properties);
   }
   return 0;

@@ -1,9 +1,10 @@
 #include "logic/serial/serialbridge.h"
 
+#include "logic/serial/savedserialbridge.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <string>
 
@@ -11,16 +12,8 @@ namespace krgui {
 
 namespace {
 
-constexpr const char* kPortKey = "Port";
-constexpr const char* kBaudRateKey = "COMPortBaudRate";
-constexpr const char* kParityKey = "COMPortParity";
-constexpr const char* kByteSizeKey = "COMPortBitCount";
-constexpr const char* kStopBitsKey = "COMPortStopBits";
-constexpr const char* kHardCodedBaudRateKey = "CLDLLBaudRate";
-
 /// By the numbers of parities.
 constexpr const char* kParityWords[] = {"no", "even", "odd"};
-constexpr const char* kParityValues[] = {"None", "Even", "Odd"};
 
 KrString Number(std::uint32_t aNumber) {
   return std::to_string(aNumber);
@@ -31,38 +24,9 @@ KrString FormatResult(const KrResult& aResult) {
   return aResult.GetCodeString() + ", " + aResult.GetDescription() + ".";
 }
 
-std::optional<std::uint32_t> ReadNumber(const KrProperty& aProperty) {
-  std::int64_t number = 0;
-  if (!aProperty.GetValue(number).IsOK() || number < 0 || number > std::numeric_limits<std::uint32_t>::max())
-    return std::nullopt;
-  return static_cast<std::uint32_t>(number);
+const char* FindParityWord(std::uint32_t aParity) {
+  return aParity < std::size(kParityWords) ? kParityWords[aParity] : "invalid";
 }
-
-std::optional<std::uint32_t> ReadParity(const KrProperty& aProperty) {
-  const auto* const found = std::find(std::begin(kParityValues), std::end(kParityValues), aProperty.GetValue());
-  if (found == std::end(kParityValues))
-    return std::nullopt;
-  return static_cast<std::uint32_t>(found - std::begin(kParityValues));
-}
-
-const char* FindWord(const char* const (&aWords)[3], std::uint32_t aParity, const char* aOther) {
-  return aParity < std::size(aWords) ? aWords[aParity] : aOther;
-}
-
-/// The fields of a configuration as they are saved, in the order in which they are read and written.
-struct Field {
-  const char* suffix;
-  std::uint32_t KrSerialPortConfiguration::*value;
-  std::optional<std::uint32_t> (*read)(const KrProperty& aProperty);
-  const char* problem;
-};
-
-constexpr Field kFields[] = {
-    {kBaudRateKey, &KrSerialPortConfiguration::baudRate, ReadNumber, "Unable to parse COM port speed."},
-    {kParityKey, &KrSerialPortConfiguration::parity, ReadParity, "Unable to parse COM port parity."},
-    {kByteSizeKey, &KrSerialPortConfiguration::byteSize, ReadNumber, "Unable to parse COM port bit count (byte size)."},
-    {kStopBitsKey, &KrSerialPortConfiguration::stopBits, ReadNumber, "Unable to parse COM port stop bits."},
-};
 
 } // namespace
 
@@ -106,8 +70,8 @@ KrString SerialBridge::GetDescription() const {
   if (GetCOMPort().IsEmpty())
     return "Not selected";
   const KrSerialPortConfiguration configuration = GetConfiguration();
-  return Number(configuration.baudRate) + " baud, " + FindWord(kParityWords, configuration.parity, "invalid") +
-         " parity, " + Number(configuration.byteSize) + " bits, " + Number(configuration.stopBits) + " stop bit" +
+  return Number(configuration.baudRate) + " baud, " + FindParityWord(configuration.parity) + " parity, " +
+         Number(configuration.byteSize) + " bits, " + Number(configuration.stopBits) + " stop bit" +
          (configuration.stopBits > 1 ? "s" : "");
 }
 
@@ -174,46 +138,30 @@ bool SerialBridge::Load(const KrPropertyList& aProperties, KrStringList& aErrors
 }
 
 bool SerialBridge::LoadCOMPort(const KrPropertyList& aProperties, KrStringList& aErrors) {
-  const KrProperty* const port = aProperties.GetProperty(MakeKey(kPortKey));
+  const KrProperty* const port = FindSavedCOMPort(aProperties, mPort);
   if (port == nullptr)
     return Fail(aErrors, "Port parameter missing.");
   KrResult result = StartCOMPort(port->GetValue());
   if (!result.IsOK())
     return Fail(aErrors, "Unable to open serial port " + port->GetValue() + ": " + FormatResult(result));
   KrSerialPortConfiguration configuration;
-  if (!LoadConfiguration(aProperties, aErrors, configuration))
-    return false;
-  if (!configuration.IsValid())
-    return Fail(aErrors, "Invalid COM port configuration.");
+  result = RestoreConfiguration(aProperties, mPort, configuration);
+  if (!result.IsOK())
+    return Fail(aErrors, result.GetDescription());
   result = SetConfiguration(configuration);
   if (!result.IsOK())
     return Fail(aErrors, "Unable to apply serial port configuration: " + FormatResult(result));
   return true;
 }
 
-/// What is not there stays as it is.
-bool SerialBridge::LoadConfiguration(const KrPropertyList& aProperties, KrStringList& aErrors,
-                                     KrSerialPortConfiguration& aConfiguration) const {
-  for (const Field& field : kFields) {
-    const KrProperty* const property = aProperties.GetProperty(MakeKey(field.suffix));
-    if (property == nullptr)
-      continue;
-    const std::optional<std::uint32_t> value = field.read(*property);
-    if (!value)
-      return Fail(aErrors, field.problem);
-    aConfiguration.*field.value = *value;
-  }
-  return true;
-}
-
 bool SerialBridge::LoadCLDLL(const KrPropertyList& aProperties, KrStringList& aErrors) {
-  const KrProperty* const property = aProperties.GetProperty(MakeKey(kHardCodedBaudRateKey));
-  if (property == nullptr)
-    return true;
-  const std::optional<std::uint32_t> baudRate = ReadNumber(*property);
+  std::optional<std::uint32_t> baudRate;
+  KrResult result = RestoreHardCodedBaudRate(aProperties, mPort, baudRate);
+  if (!result.IsOK())
+    return Fail(aErrors, result.GetDescription());
   if (!baudRate)
-    return Fail(aErrors, "Unable to parse Camera Link DLL hard-coded baud rate.");
-  const KrResult result = SetHardCodedBaudRate(*baudRate);
+    return true;
+  result = SetHardCodedBaudRate(*baudRate);
   if (!result.IsOK())
     return Fail(aErrors, "Unable to apply Camera Link DLL hard-coded baud rate: " + FormatResult(result));
   return true;
@@ -221,25 +169,14 @@ bool SerialBridge::LoadCLDLL(const KrPropertyList& aProperties, KrStringList& aE
 
 void SerialBridge::Save(KrPropertyList& aProperties) const {
   if (mKind == BridgeKind::CameraLinkDLL)
-    aProperties.Add({MakeKey(kHardCodedBaudRateKey), mBridge->GetHardCodedBaudRate()});
-  const KrString port = GetCOMPort();
-  if (port.IsEmpty())
-    return;
-  const KrSerialPortConfiguration configuration = GetConfiguration();
-  aProperties.Add({MakeKey(kPortKey), port});
-  aProperties.Add({MakeKey(kBaudRateKey), configuration.baudRate});
-  aProperties.Add({MakeKey(kParityKey), FindWord(kParityValues, configuration.parity, kParityValues[0])});
-  aProperties.Add({MakeKey(kByteSizeKey), configuration.byteSize});
-  aProperties.Add({MakeKey(kStopBitsKey), configuration.stopBits});
+    StoreHardCodedBaudRate(mBridge->GetHardCodedBaudRate(), mPort, aProperties);
+  if (const KrString port = GetCOMPort(); !port.IsEmpty())
+    StoreCOMPort(port, GetConfiguration(), mPort, aProperties);
 }
 
 bool SerialBridge::Fail(KrStringList& aErrors, const KrString& aReason) const {
   aErrors.Add("Serial bridge on " + GetPortName() + ": " + aReason);
   return false;
-}
-
-KrString SerialBridge::MakeKey(const char* aSuffix) const {
-  return GetPortName() + aSuffix;
 }
 
 } // namespace krgui

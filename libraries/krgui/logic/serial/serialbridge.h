@@ -9,6 +9,7 @@
 #include "krserial/krserialbridge.h"
 #include "krserial/krserialportconfiguration.h"
 #include "logic/serial/baudrates.h"
+#include "logic/serial/bridgekind.h"
 
 #include <array>
 #include <cstdint>
@@ -17,12 +18,6 @@
 class IKrDeviceAdapter;
 
 namespace krgui {
-
-enum class BridgeKind : std::uint32_t {
-  None = 0,
-  COMPort = 1,      ///< Linked to a serial port of the host.
-  CameraLinkDLL = 2 ///< Published for programs that use the Camera Link serial functions.
-};
 
 /// Thread: one at a time. Ownership: owns its KrSerialBridge, which is there exactly while the kind is not None;
 /// borrows the adapter for as long as it lives.
@@ -84,11 +79,8 @@ public:
 
 private:
   bool LoadCOMPort(const KrPropertyList& aProperties, KrStringList& aErrors);
-  bool LoadConfiguration(const KrPropertyList& aProperties, KrStringList& aErrors,
-                         KrSerialPortConfiguration& aConfiguration) const;
   bool LoadCLDLL(const KrPropertyList& aProperties, KrStringList& aErrors);
   bool Fail(KrStringList& aErrors, const KrString& aReason) const;
-  KrString MakeKey(const char* aSuffix) const;
   void RefreshSupportedBaudRates();
 
   BridgeKind mKind = BridgeKind::None;

@@ -2,15 +2,13 @@
 
 #include "krserial/krdeviceserialport.h"
 #include "krserial/krgenparameterarraycl.h"
+#include "logic/serial/savedserialbridge.h"
 
 #include <algorithm>
 
 namespace krgui {
 
 namespace {
-
-constexpr const char* kCOMPortType = "COMPort";
-constexpr const char* kCLDLLType = "CLDLL";
 
 void AddError(KrStringList& aErrors, const KrString& aReason) {
   aErrors.Add("Serial bridge manager: " + aReason);
@@ -91,17 +89,16 @@ void SerialBridgeList::LoadPort(KrDeviceSerial aPort, const KrString& aType, con
 }
 
 void SerialBridgeList::SetType(SerialBridge& aBridge, const KrString& aType, KrStringList& aErrors) const {
-  if (aType == kCOMPortType) {
-    aBridge.SetKind(BridgeKind::COMPort);
-  } else if (aType == kCLDLLType) {
-    aBridge.SetKind(BridgeKind::CameraLinkDLL);
+  const BridgeKind kind = FindSavedKind(aType);
+  aBridge.SetKind(kind);
+  if (kind == BridgeKind::CameraLinkDLL) {
     const KrResult result = aBridge.StartCLDLL(MakeCLDLLName(aBridge), false);
     if (result.IsOK())
       return;
     aBridge.SetKind(BridgeKind::None);
     AddError(aErrors, "Unable to start Camera Link DLL bridge for " + aBridge.GetPortName() + ": " +
                           result.GetCodeString() + ", " + result.GetDescription() + ".");
-  } else {
+  } else if (kind == BridgeKind::None) {
     AddError(aErrors, "Unexpected bridge type, " + aType + " on " + aBridge.GetPortName() + ".");
   }
 }
@@ -111,7 +108,7 @@ void SerialBridgeList::Save(KrPropertyList& aProperties) const {
   for (const auto& bridge : mBridges) {
     if (bridge->GetKind() == BridgeKind::None || bridge->IsAskingForBaudRate())
       continue;
-    aProperties.Add({bridge->GetPortName(), bridge->GetKind() == BridgeKind::COMPort ? kCOMPortType : kCLDLLType});
+    aProperties.Add({bridge->GetPortName(), GetSavedWord(bridge->GetKind())});
     bridge->Save(aProperties);
   }
 }
