@@ -1,8 +1,12 @@
 // Whatever may stand in a configuration file under the names that its readers look for: the feature browser's options,
-// serial bridges and a camera bridge are taken as far as they can be, with a sentence for what cannot, and come back as
-// they were saved.
+// serial bridges, a camera bridge, the index of camera bridges and the viewer's setup of them are taken as far as they
+// can be, with a sentence for what cannot, and come back as they were saved.
 
+#include "bridges/camerasetup.h"
 #include "configurationparser.h"
+#include "krcamerabridge/krcamerabridgeset.h"
+#include "krpersistence/krconfigurationreader.h"
+#include "krpersistence/krconfigurationwriter.h"
 #include "krserial/krdeviceserial.h"
 #include "logic/browser/browseroptions.h"
 #include "logic/serial/savedserialbridge.h"
@@ -81,16 +85,46 @@ void CheckSerialBridges(const KrPropertyList& aList) {
   Require(errors.GetCount() == named);
 }
 
+// A device without ports has none of the bridges: each name is told once.
+void CheckIndex(const KrConfigurationReader& aReader) {
+  KrPropertyList index;
+  const bool hasIndex = aReader.Restore("CameraBridgeIndex", index).IsOK();
+  KrStringList errors;
+  const KrResult loaded = KrLoadCameraBridges({}, aReader, errors);
+  Require(errors.GetCount() == index.GetCount());
+  Require(hasIndex && index.IsEmpty() ? loaded.IsOK() : loaded == KrResult::Code::NotFound);
+}
+
+void CheckSetup(const KrConfigurationReader& aReader) {
+  KrPropertyList setup;
+  if (!krviewer::ReadCameraSetup(aReader, setup).IsOK()) {
+    Require(!aReader.Contains("CameraBridgeIndex"));
+    return;
+  }
+  Require(krviewer::CompleteCameraSetup(setup, {}) == setup);
+  Require(krviewer::CompleteCameraSetup({}, setup) == setup);
+  KrConfigurationWriter written;
+  Require(krviewer::WriteCameraSetup(setup, written).IsOK());
+  KrPropertyList again;
+  Require(krviewer::ReadCameraSetup(KrConfigurationReader(written), again).IsOK());
+  Require(again == setup);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
   krpersistence::Configuration read;
   if (!krpersistence::ParseConfiguration({reinterpret_cast<const char*>(aData), aSize}, read).IsOK())
     return 0;
+  KrConfigurationWriter writer;
   for (const auto& [name, properties] : read) {
+    Require(writer.Store(name, properties).IsOK());
     CheckOptions(properties);
     CheckSerialBridges(properties);
     CheckBridge(properties);
   }
+  const KrConfigurationReader reader(writer);
+  CheckIndex(reader);
+  CheckSetup(reader);
   return 0;
 }

@@ -52,8 +52,10 @@ KrResult WriteCameraSetup(const KrPropertyList& aBridges, KrConfigurationWriter&
   std::vector<std::pair<KrString, KrPropertyList>> bridges;
   for (const KrProperty& property : aBridges) {
     const std::string name = property.GetName().ToUtf8();
-    const std::string before = bridges.empty() ? "" : bridges.back().first.ToUtf8() + kSeparator;
-    if (!before.empty() && name.starts_with(before))
+    // A name that is no port's has no properties, whatever looks like one of them.
+    const bool isPort = !bridges.empty() && FindPort(bridges.back().first) != KrDeviceSerial::Invalid;
+    const std::string before = isPort ? bridges.back().first.ToUtf8() + kSeparator : "";
+    if (isPort && name.starts_with(before))
       bridges.back().second.Add({name.substr(before.size()), property.GetValue()});
     else
       bridges.emplace_back(property.GetName(), KrPropertyList());

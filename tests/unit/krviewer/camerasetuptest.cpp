@@ -58,6 +58,20 @@ TEST(CameraSetup, NameThatIsNoPort_StaysInTheIndexAlone) {
   EXPECT_EQ(Restore(written, "Bulk0"), kSecond);
 }
 
+TEST(CameraSetup, NamesThatLookLikePropertiesOfWhatIsNoPort_StayInTheIndex) {
+  const Properties index = {{"A", ""}, {"B", "/Way"}, {"C", "Serial0x"}, {"D", "Serial0x/Way"}};
+  KrPropertyList bridges;
+  ASSERT_TRUE(krviewer::ReadCameraSetup(KrConfigurationReader(MakeSetup(index)), bridges).IsOK());
+
+  KrConfigurationWriter written;
+  ASSERT_TRUE(krviewer::WriteCameraSetup(bridges, written).IsOK());
+
+  std::vector<std::string> names;
+  for (const auto& [key, name] : Restore(written, "CameraBridgeIndex"))
+    names.push_back(name);
+  EXPECT_THAT(names, testing::ElementsAre("", "/Way", "Serial0x", "Serial0x/Way"));
+}
+
 TEST(CameraSetup, WithoutAnIndex_IsNotFound) {
   KrPropertyList bridges;
 
