@@ -37,7 +37,8 @@ int TakeRoute(nl_msg* aMessage, void* aIndex) {
   const nlmsghdr* const header = nlmsg_hdr(aMessage);
   if (header->nlmsg_type != RTM_NEWROUTE)
     return NL_OK;
-  if (nlattr* const adapter = nlmsg_find_attr(const_cast<nlmsghdr*>(header), sizeof(rtmsg), RTA_OIF))
+  const nlattr* const adapter = nlmsg_find_attr(const_cast<nlmsghdr*>(header), sizeof(rtmsg), RTA_OIF);
+  if (adapter != nullptr && nla_len(adapter) == int{sizeof(std::uint32_t)})
     *static_cast<unsigned*>(aIndex) = nla_get_u32(adapter);
   return NL_OK;
 }
