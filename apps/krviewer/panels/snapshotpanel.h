@@ -21,7 +21,6 @@ public:
 
   /// Keeps what is shown until it is frozen no more.
   void SetFrozen(bool aIsFrozen);
-  bool IsFrozen() const { return mIsFrozen; }
   /// How many frames something was copied of so far.
   std::uint64_t GetCopied() const { return mSnapshots.GetCopied(); }
 

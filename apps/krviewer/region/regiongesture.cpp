@@ -100,8 +100,4 @@ void RegionGesture::SetRegion(const Region& aWanted) {
   mRegion = {fit(mLimits.x, aWanted.x), fit(mLimits.y, aWanted.y)};
 }
 
-void RegionGesture::SetFull() {
-  mRegion = {GetFullSpan(mLimits.x), GetFullSpan(mLimits.y)};
-}
-
 } // namespace krviewer

@@ -58,7 +58,6 @@ public:
   void Stretch(std::int64_t aStepsX, std::int64_t aStepsY);
   /// Takes the valid region that is nearest to a wanted one.
   void SetRegion(const Region& aWanted);
-  void SetFull();
 
 private:
   double ToCameraX(double aX) const { return static_cast<double>(mLimits.x.present.offset) + mMapping.ToImageX(aX); }

@@ -35,8 +35,6 @@ public:
   /// Takes a text from memory; aOrigin is named in the result.
   static KrResult Parse(std::string_view aText, const KrString& aOrigin, CameraFile& aFile, KrStringList& aErrors);
 
-  /// How the camera is spoken to; whoever opens the line sets its baudRate.
-  const FileProtocol& GetProtocol() const { return mModel->protocol; }
   const FileModel& GetModel() const { return *mModel; }
   /// The description of the features, over the registers of a CameraFilePort.
   KrResult GetDescription(KrGenDescription& aDescription) const;

@@ -15,7 +15,6 @@ public:
   explicit SettingsProgress(const KrGenProgress& aProgress) : mProgress(aProgress) {}
 
   void SetTotal(std::size_t aTotal) { mTotal = aTotal; }
-  std::size_t GetTotal() const { return mTotal; }
   /// What is done never becomes less, nor more than all.
   void SetDone(std::size_t aDone);
   /// Tells the application; false from its first no on, after which it is told nothing more.

@@ -34,7 +34,6 @@ public:
   void Forget(std::vector<Node*>& aAffected) override;
 
   bool IsChunkPort() const { return mKind == Kind::Chunk; }
-  bool IsEventPort() const { return mKind == Kind::Event; }
   /// The device itself.
   bool IsPlain() const { return mKind == Kind::Device; }
   /// Of a chunk port (ChunkID, or the value of what pChunkID names); nothing where it cannot be found out.

@@ -71,8 +71,6 @@ public:
   bool HoldsFocus() const;
   /// The open editor, or its list, is where keys go.
   bool HasFocus() const;
-  /// The user changed what the open editor holds.
-  bool IsTouched() const { return mIsTouched; }
   /// Filling it now would take something from under the user's hands.
   bool IsInUse() const;
   EditInput TakeInput() const;

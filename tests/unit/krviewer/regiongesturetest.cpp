@@ -148,12 +148,6 @@ TEST_F(RegionGestureTest, TypedRegion_BecomesTheNearestValid) {
   EXPECT_EQ(mGesture.GetRegion(), (Region{{334, 336}, {0, 600}}));
 }
 
-TEST_F(RegionGestureTest, FullRegion_IsAllOfTheSensor) {
-  mGesture.SetFull();
-
-  EXPECT_EQ(mGesture.GetRegion(), (Region{{0, 1000}, {0, 600}}));
-}
-
 TEST_F(RegionGestureTest, Grip_IsOfTheEdgesNearby) {
   DragTo(60, 45, 108, 85); // 60, 45 to 108, 85 of the widget.
   using Kind = RegionGrip::Kind;
