@@ -8,38 +8,16 @@
 
 namespace krtransport {
 
-UsbWatch::UsbWatch(Subject aSubject, std::function<KrResult()> aProbe, std::function<void(const KrResult&)> aOnLost)
-    : mSubject(std::move(aSubject)), mProbe(std::move(aProbe)), mOnLost(std::move(aOnLost)),
-      mThread([this](const std::stop_token& aStop) { Watch(aStop); }) {}
-
-void UsbWatch::Stop() {
-  mThread.request_stop();
-  const std::lock_guard lock(mStopMutex);
-  if (mThread.joinable())
-    mThread.join();
-}
-
-void UsbWatch::Disconnect() {
-  // In this order: a watch that finds itself disconnected knows that it is being ended, and tells nothing.
-  mThread.request_stop();
-  mIsConnected = false;
-  Stop();
-  mEvents.Forget();
-}
-
-void UsbWatch::ReportSilence() {
-  const std::lock_guard lock(mRequestMutex);
-  mIsSilent = true;
-  ++mSilenceCount;
-  mIsLookWanted = true;
-  mRequest.notify_all();
+UsbWatch::UsbWatch(Subject aSubject, std::function<KrResult()> aProbe, OnLost aOnLost)
+    : DeviceWatch(std::move(aOnLost)), mSubject(std::move(aSubject)), mProbe(std::move(aProbe)) {
+  Begin([this](const std::stop_token& aStop) { Watch(aStop); });
 }
 
 void UsbWatch::Watch(const std::stop_token& aStop) {
-  while (!aStop.stop_requested() && mIsConnected) {
+  while (!aStop.stop_requested() && IsConnected()) {
     if (!IsPluggedIn())
-      Lose();
-    else if (mIsSilent)
+      LoseUnplugged();
+    else if (IsSilent())
       AskAgain();
     Pause(aStop);
   }
@@ -54,7 +32,7 @@ void UsbWatch::LookForReturn(const std::stop_token& aStop) {
       return IsSameDevice(mSubject.device, aDevice) && GetUsbKind(aDevice) == UsbKind::Camera;
     });
     if (isBack) {
-      mEvents.ReportBack();
+      ReportBack();
       return;
     }
     Pause(aStop);
@@ -67,35 +45,20 @@ void UsbWatch::AskAgain() {
   // A refusal is an answer too.
   if (!answer.IsOK() && answer != KrResult::Code::ProtocolError)
     return;
-  const std::lock_guard lock(mRequestMutex);
-  // Silence that was reported meanwhile may be later than the answer: it takes another one.
-  if (mSilenceCount == asked)
-    mIsSilent = false;
-}
-
-std::uint64_t UsbWatch::CountSilences() {
-  const std::lock_guard lock(mRequestMutex);
-  return mSilenceCount;
+  ForgetSilence(asked);
 }
 
 bool UsbWatch::IsPluggedIn() const {
   return ReadUsbAddress(mSubject.roots, mSubject.device.port) == mSubject.device.address;
 }
 
-void UsbWatch::Lose() {
-  if (!mIsConnected.exchange(false))
-    return;
-  const KrResult reason(KrResult::Code::ConnectionLost, "The connection to the device at USB port " +
-                                                            mSubject.device.port +
-                                                            " was lost: it was unplugged, switched off or restarted.");
-  mOnLost(reason);
-  mEvents.ReportLost(reason);
+void UsbWatch::LoseUnplugged() {
+  Lose({KrResult::Code::ConnectionLost, "The connection to the device at USB port " + mSubject.device.port +
+                                            " was lost: it was unplugged, switched off or restarted."});
 }
 
 void UsbWatch::Pause(const std::stop_token& aStop) {
-  std::unique_lock lock(mRequestMutex);
-  mRequest.wait_for(lock, aStop, mSubject.period, [this] { return mIsLookWanted; });
-  mIsLookWanted = false;
+  PauseUntil(std::chrono::steady_clock::now() + mSubject.period, aStop);
 }
 
 } // namespace krtransport
