@@ -16,15 +16,25 @@ protected:
     mTransport->AddDevice("eth0", MakeFinderCamera());
     mTransport->AddDevice("eth0", MakeOldDevice());
   }
-  /// Asks for an address at which nobody answers, and says that it was read.
-  void AskForSilentAddress() {
-    OnNextDialog([this](QWidget& aDialog) {
-      QTest::keyClicks(aDialog.focusWidget(), "10.1.2.4");
-      OnNextDialog([](QWidget& aBox) { aBox.close(); });
+  /// What was told of an address that the finder did not take.
+  struct Refusal {
+    ShownMessage message;
+    QString detail;
+  };
+  /// Asks for such an address, and closes what tells of it; the finder stays open.
+  Refusal AskInVain(const char* aAddress) {
+    Refusal refusal;
+    OnNextDialog([&](QWidget& aDialog) {
+      QTest::keyClicks(aDialog.focusWidget(), aAddress);
+      OnNextDialog([&](QWidget& aBox) {
+        refusal = {ReadMessage(aBox), ReadDetail(aBox)};
+        aBox.close();
+      });
       QTest::keyClick(&aDialog, Qt::Key_Return);
     });
     Click(kFinderSelectFromIPID);
-    ASSERT_TRUE(mFinder.IsOpen());
+    EXPECT_TRUE(mFinder.IsOpen());
+    return refusal;
   }
   /// Asks for an address, or for none, and gives what was offered first.
   QStringList AskForAddress(TestFinderWnd& aFinder, const char* aAddress) {
@@ -253,52 +263,28 @@ TEST_F(DeviceAddressTest, SelectFromIP_TakesADeviceThatTheTreeWouldRefuse) {
 
 TEST_F(DeviceAddressTest, SelectFromIP_WhereNobodyAnswersSaysSo) {
   Open({"Camera A"});
-  ShownMessage message;
-  QString detail;
-  OnNextDialog([&](QWidget& aDialog) {
-    QTest::keyClicks(aDialog.focusWidget(), "10.1.2.4");
-    OnNextDialog([&](QWidget& aBox) {
-      message = ReadMessage(aBox);
-      detail = ReadDetail(aBox);
-      aBox.close();
-    });
-    QTest::keyClick(&aDialog, Qt::Key_Return);
-  });
 
-  Click(kFinderSelectFromIPID);
+  const Refusal refusal = AskInVain("10.1.2.4");
 
-  EXPECT_EQ(message, MakeErrorMessage("Could not contact device. "));
-  EXPECT_EQ(detail, "Nothing answers at 10.1.2.4.");
-  EXPECT_TRUE(mFinder.IsOpen());
+  EXPECT_EQ(refusal.message, MakeErrorMessage("Could not contact device. "));
+  EXPECT_EQ(refusal.detail, "Nothing answers at 10.1.2.4.");
   EXPECT_EQ(mFinder.GetSelected(), nullptr);
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(DeviceAddressTest, SelectFromIP_AddressOfNoSingleDeviceIsToldAsSuch) {
   Open({"Camera A"});
-  ShownMessage message;
-  QString detail;
-  OnNextDialog([&](QWidget& aDialog) {
-    QTest::keyClicks(aDialog.focusWidget(), "224.0.0.1");
-    OnNextDialog([&](QWidget& aBox) {
-      message = ReadMessage(aBox);
-      detail = ReadDetail(aBox);
-      aBox.close();
-    });
-    QTest::keyClick(&aDialog, Qt::Key_Return);
-  });
 
-  Click(kFinderSelectFromIPID);
+  const Refusal refusal = AskInVain("224.0.0.1");
 
-  EXPECT_EQ(message, MakeErrorMessage("Could not contact device. "));
-  EXPECT_TRUE(detail.contains("224.0.0.1 is the address of no single device")) << detail.toStdString();
-  EXPECT_TRUE(mFinder.IsOpen());
+  EXPECT_EQ(refusal.message, MakeErrorMessage("Could not contact device. "));
+  EXPECT_TRUE(refusal.detail.contains("224.0.0.1 is the address of no single device")) << refusal.detail.toStdString();
 }
 
 TEST_F(DeviceAddressTest, SelectFromIP_OffersTheAddressAgainWhereNobodyAnswered) {
   mTransport->SetAtAddress(0x0A010203, 0, MakeFinderCamera("00:11:22:33:44:b1", "Far camera"));
   Open({"Camera A"});
-  ASSERT_NO_FATAL_FAILURE(AskForSilentAddress());
+  AskInVain("10.1.2.4");
 
   const QStringList offered = AskForAddress(mFinder, "10.1.2.3");
 
@@ -310,7 +296,7 @@ TEST_F(DeviceAddressTest, SelectFromIP_OffersTheAddressAgainWhereNobodyAnswered)
 TEST_F(DeviceAddressTest, SelectFromIP_OffersTheSilentAddressInTheNextFinderUntilAnotherOneAnswers) {
   mTransport->SetAtAddress(0x0A010203, 0, MakeFinderCamera("00:11:22:33:44:b1", "Far camera"));
   Open({"Camera A"});
-  ASSERT_NO_FATAL_FAILURE(AskForSilentAddress());
+  AskInVain("10.1.2.4");
   ASSERT_TRUE(mFinder.Close().IsOK());
   TestFinderWnd next;
   ASSERT_TRUE(next.ShowModeless(0).IsOK());
