@@ -60,7 +60,7 @@ public:
   KrResult Transmit(const std::uint8_t*, std::size_t aSize, std::size_t& aTaken) override {
     Count();
     isAtRest = false;
-    aTaken = std::min<std::size_t>(aSize, 2);
+    aTaken = std::min(aSize, room);
     transmits += 1;
     return {};
   }
@@ -74,6 +74,7 @@ public:
   KrResult failure;
   KrResult loss;
   milliseconds receiveTime{0};
+  std::size_t room = 2; ///< What it takes at once.
   std::size_t next = 0;
   int receives = 0;
   int transmits = 0;
@@ -210,6 +211,21 @@ TEST_F(FeatureChannelTest, Selectors_ArePutBackAfterAMessage) {
 
   EXPECT_EQ(line->transmits, 4);
   EXPECT_TRUE(line->isAtRest);
+}
+
+TEST_F(FeatureChannelTest, AFullLine_IsAskedAtItsPaceAlsoWhileReceivedBytesAreUnread) {
+  OpenChannel();
+  line->script = {"0123456789"};
+  line->room = 0;
+  std::uint8_t byte = 0;
+  std::size_t read = 0;
+  ASSERT_TRUE(channel->Read(&byte, 1, read, kGenerousMs).IsOK());
+  std::size_t written = 0;
+
+  EXPECT_EQ(channel->Write(&byte, 1, written, 180), KrResult::Code::TimeLimitExceeded);
+
+  EXPECT_EQ(line->transmits, 10) << "at 0, 20, and so on until 180 ms";
+  EXPECT_EQ(written, 0U);
 }
 
 TEST_F(FeatureChannelTest, AnotherLineOfTheDevice_FindsSelectorsPutBack) {

@@ -111,7 +111,7 @@ public:
       Put(kReceivedCount, static_cast<std::uint32_t>(std::min(Uart(kSelector, 0).received.size(), kBufferBytes)));
     if (aAddress == kReceiveData && !movesOnReceive)
       PutBytes(kReceiveData, Uart(kSelector, 0).received.substr(0, kBufferBytes));
-    if (aAddress == kRoom && ++asksForRoom > 0)
+    if (aAddress == kRoom)
       Put(kRoom, static_cast<std::uint32_t>(Uart(kSelector, 0).room));
     return mMemory.Read(aAddress, aData, aLength, aTimeoutMs, aCancel);
   }
@@ -150,7 +150,6 @@ public:
   std::function<void(FeaturePort&)> onOperation; ///< After an operation on a file.
   KrResult failure;                              ///< Of every access.
   int accesses = 0;
-  int asksForRoom = 0;
 
   std::function<void()> onFailure; ///< Before an access fails.
 

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <future>
 #include <thread>
 
@@ -298,29 +297,6 @@ TEST_F(FeaturePortTest, RegistersOfAMaker_TakeNoMoreThanThereIsRoom) {
 
   EXPECT_TRUE(writing.get().IsOK());
   EXPECT_EQ(device.Port().uarts[0].sent, "abcdef");
-}
-
-TEST_F(FeaturePortTest, AFullLine_IsAskedAtItsPaceAlsoWhileReceivedBytesAreUnread) {
-  AddMap(kUartMap);
-  FeatureDevice device(MakeUartFeatures());
-  ASSERT_TRUE(port.Open(device.adapter.get(), KrDeviceSerial::Serial0).IsOK());
-  device.Port().With([](FeaturePort& aPort) { aPort.uarts[0].room = 0; });
-  Receive(device, 0, "0123456789");
-  std::uint8_t byte = 0;
-  std::uint32_t read = 0;
-  ASSERT_TRUE(port.Read(&byte, 1, read, kGenerousMs).IsOK());
-  const int before = device.Port().With([](FeaturePort& aPort) { return aPort.asksForRoom; });
-  const auto begin = std::chrono::steady_clock::now();
-
-  std::future<KrResult> writing = std::async(std::launch::async, [&] { return Write("x"); });
-  EXPECT_TRUE(krtest::Await(
-      [&] { return device.Port().With([](FeaturePort& aPort) { return aPort.asksForRoom; }) >= before + 10; }));
-  const auto duration = std::chrono::steady_clock::now() - begin;
-  port.Cancel();
-
-  EXPECT_EQ(writing.get(), KrResult::Code::Aborted);
-  // Nine pauses lie between ten questions, however slow the host is.
-  EXPECT_GE(duration, std::chrono::milliseconds(9 * 20));
 }
 
 TEST_F(FeaturePortTest, AQueueWithACommandForWhatWasTaken_LosesNothing) {
