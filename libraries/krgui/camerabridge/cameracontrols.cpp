@@ -229,7 +229,7 @@ void CameraControls::Fill(int aList, const std::vector<KrString>& aTexts) const 
   int widest = 0;
   for (const KrString& text : aTexts) {
     const QString item = ToPlainLine(text, kMostLettersOfAChoice);
-    list->addItem(item, ToQString(text));
+    list->addItem(item, ToItemData(text));
     widest = std::max(widest, list->fontMetrics().horizontalAdvance(item));
   }
   list->setCurrentIndex(aTexts.empty() ? -1 : 0);
@@ -249,12 +249,12 @@ int CameraControls::GetSelected(int aList) const {
 
 KrString CameraControls::GetSelectedText(int aList) const {
   const auto* const list = Find<QComboBox>(aList);
-  return list ? ToKrString(list->currentData().toString()) : KrString();
+  return list ? FromItemData(list->currentData().toByteArray()) : KrString();
 }
 
 void CameraControls::Select(int aList, const KrString& aText) const {
   if (auto* const list = Find<QComboBox>(aList))
-    list->setCurrentIndex(list->findData(ToQString(aText)));
+    list->setCurrentIndex(list->findData(ToItemData(aText)));
 }
 
 void CameraControls::SetText(int aID, const QString& aText) const {

@@ -3,6 +3,7 @@
 
 #include "krbase/krstring.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <string>
@@ -17,6 +18,17 @@ inline QString ToQString(const KrString& aText) {
 /// Any thread.
 inline KrString ToKrString(const QString& aText) {
   return KrString(aText.toStdU16String());
+}
+
+/// The text byte by byte, as an item of a list keeps it: one that is no text as it should be stays as it is. Any
+/// thread.
+inline QByteArray ToItemData(const KrString& aText) {
+  return QByteArray::fromStdString(aText.ToUtf8());
+}
+
+/// Any thread.
+inline KrString FromItemData(const QByteArray& aData) {
+  return KrString(aData.toStdString());
 }
 
 } // namespace krgui

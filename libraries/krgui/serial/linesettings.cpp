@@ -67,10 +67,10 @@ void LineSettings::RefreshSpeed(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort)
   if (aDevice->GetEnumEntries(name, entries).IsOK()) {
     // Each item has the device's own name for it, of which it shows what one line can.
     for (const KrString& entry : entries)
-      mSpeed.addItem(ToPlainLine(entry, kMostLettersOfAChoice), ToQString(entry));
+      mSpeed.addItem(ToPlainLine(entry, kMostLettersOfAChoice), ToItemData(entry));
   }
   KrString value;
-  mSpeed.setCurrentIndex(aDevice->GetEnumValue(name, value).IsOK() ? mSpeed.findData(ToQString(value)) : -1);
+  mSpeed.setCurrentIndex(aDevice->GetEnumValue(name, value).IsOK() ? mSpeed.findData(ToItemData(value)) : -1);
 }
 
 std::optional<bool> LineSettings::RefreshLoopback(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
@@ -88,7 +88,7 @@ KrResult LineSettings::WriteSpeed(IKrDeviceAdapter& aDevice, KrDeviceSerial aPor
   const KrBulkSelectorTurn turn(aDevice, aPort);
   KeepSelected(aDevice, aPort);
   return aDevice.SetEnumValue(FindIn(&aDevice, aPort, FindBaudRateParameter),
-                              ToKrString(mSpeed.currentData().toString()));
+                              FromItemData(mSpeed.currentData().toByteArray()));
 }
 
 KrResult LineSettings::WriteLoopback(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {

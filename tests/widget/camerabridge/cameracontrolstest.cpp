@@ -126,11 +126,11 @@ TEST_F(Controls, HiddenCameraFile_KeepsItsKindAndItsCamera) {
 TEST_F(Controls, TextsOfADeviceInAList_AreOneLineOfALimitedLengthAndKeptAsTheyWere) {
   Open();
   const CameraControls controls = FindControls();
-  const KrString texts[] = {"Source 0", "Source\n0", std::string(5000, 'x')};
+  const KrString texts[] = {"Source 0", "Source\n0", "\xff", std::string(5000, 'x')};
 
   controls.Fill(id::kSource, {std::begin(texts), std::end(texts)});
 
-  EXPECT_THAT(GetEntries(id::kSource), testing::ElementsAre("Source 0", "Source 0", std::string(1023, 'x')));
+  EXPECT_THAT(GetEntries(id::kSource), testing::ElementsAre("Source 0", "Source 0", "\uFFFD", std::string(1023, 'x')));
   for (const KrString& text : texts) {
     controls.Select(id::kSource, text);
     EXPECT_EQ(controls.GetSelectedText(id::kSource), text);

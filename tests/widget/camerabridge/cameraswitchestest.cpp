@@ -45,11 +45,11 @@ TEST_F(Switches, Source_IsSelectedByItsExactNameAlone) {
   };
 
   for (const char* other : {"source1", "Source10", "Source", " Source1"}) {
-    list.setItemData(index, QString::fromLatin1(other));
+    list.setItemData(index, QByteArray(other));
     showAgain();
     EXPECT_EQ(list.currentIndex(), -1) << other;
   }
-  list.setItemData(index, QStringLiteral("Source1"));
+  list.setItemData(index, QByteArray("Source1"));
   showAgain();
   EXPECT_EQ(list.currentIndex(), index);
   EXPECT_STREQ(GetBridge(0).GetSource().CStr(), "Source1");
