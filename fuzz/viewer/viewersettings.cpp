@@ -1,8 +1,11 @@
-// Whatever may stand in the viewer's settings file, and in what a camera's page kept of recordings there: what makes no
-// sense is as if it were not there, the rest keeps to the limits, and what is written then is read again.
+// Whatever may stand in the viewer's settings file, and in what a camera's page kept there: what makes no sense is as
+// if it were not there, the rest keeps to the limits, and what is written then is read again.
 
 #include "window/viewersettings.h"
+#include "page/keptpage.h"
+#include "panels/optiontexts.h"
 #include "recording/recordsettings.h"
+#include "recording/savingstate.h"
 #include "require.h"
 
 #include <QByteArray>
@@ -13,6 +16,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace {
 
@@ -71,6 +75,29 @@ void CheckRecording(const QByteArray& aBytes) {
   Require(again.Save() == settings.Save());
 }
 
+void CheckSaving(const QByteArray& aBytes) {
+  SavingState state;
+  state.Restore(aBytes);
+  SavingState again;
+  again.Restore(state.Save());
+  Require(again == state);
+}
+
+void CheckPage(const QByteArray& aBytes) {
+  const std::optional<KeptPage> page = KeptPage::Read(aBytes);
+  if (!page)
+    return;
+  CheckRecording(page->recording);
+  CheckSaving(page->saving);
+  for (const QStringList& texts : page->options) {
+    const KrPropertyList options = ToOptions(texts);
+    Require(options.GetCount() == static_cast<std::size_t>(texts.size() / 2));
+    Require(ToOptions(ToTexts(options)) == options);
+  }
+  const std::optional<KeptPage> again = KeptPage::Read(page->Save());
+  Require(again && again->Save() == page->Save());
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
@@ -86,5 +113,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSi
   CheckFile(file.fileName());
   Require(file.remove());
   CheckRecording(bytes);
+  CheckSaving(bytes);
+  CheckPage(bytes);
   return 0;
 }

@@ -1,8 +1,7 @@
 #include "panels/parameterpanel.h"
 
-#include "krpersistence/krpropertylist.h"
+#include "panels/optiontexts.h"
 #include "plaintext.h"
-#include "window/showntext.h"
 
 #include <QVBoxLayout>
 
@@ -23,7 +22,8 @@ bool ParameterPanel::Open() {
   const KrResult opened = GetWindow().CreateIn(this);
   mHasFailed = !opened.IsOK();
   if (mHasFailed)
-    std::fprintf(stderr, "The feature browser cannot be opened: %s\n", krapps::MakeField(opened.GetDescription()).c_str());
+    std::fprintf(stderr, "The feature browser cannot be opened: %s\n",
+                 krapps::MakeField(opened.GetDescription()).c_str());
   else
     layout()->addWidget(GetWindow().GetWidget());
   return !mHasFailed;
@@ -32,16 +32,11 @@ bool ParameterPanel::Open() {
 QStringList ParameterPanel::SaveOptions() {
   KrPropertyList list;
   [[maybe_unused]] const KrResult saved = GetWindow().Save(list); // Always OK.
-  QStringList options;
-  for (const KrProperty& property : list)
-    options << ToText(property.GetName()) << ToText(property.GetValue());
-  return options;
+  return ToTexts(list);
 }
 
 void ParameterPanel::RestoreOptions(const QStringList& aOptions) {
-  KrPropertyList list;
-  for (qsizetype index = 0; index + 1 < aOptions.size(); index += 2)
-    list.Add({aOptions[index].toStdString(), aOptions[index + 1].toStdString()});
+  KrPropertyList list = ToOptions(aOptions);
   [[maybe_unused]] const KrResult loaded = GetWindow().Load(list); // Always OK.
 }
 

@@ -2,14 +2,13 @@
 
 #include "recording/filenames.h"
 #include "recording/savingfolder.h"
+#include "recording/savingstate.h"
 #include "window/failurebox.h"
 #include "window/showntext.h"
 
-#include <QDataStream>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QIODevice>
 #include <QStandardPaths>
 
 #include <array>
@@ -21,7 +20,6 @@ namespace krviewer {
 namespace {
 
 constexpr std::chrono::milliseconds kLookInterval{50};
-constexpr quint32 kStateVersion = 1;
 
 struct FormatRow {
   krapps::FrameFileFormat format;
@@ -208,22 +206,14 @@ void FrameSaver::Tell(const Job& aJob) {
 }
 
 QByteArray FrameSaver::SaveState() const {
-  QByteArray state;
-  QDataStream stream(&state, QIODevice::WriteOnly);
-  stream << kStateVersion << mFolder << static_cast<quint32>(FindRow(mFormat));
-  return state;
+  return SavingState{.folder = mFolder, .format = mFormat}.Save();
 }
 
 void FrameSaver::RestoreState(const QByteArray& aState) {
-  QDataStream stream(aState);
-  quint32 version = 0;
-  QString folder;
-  quint32 row = 0;
-  stream >> version >> folder >> row;
-  if (stream.status() != QDataStream::Ok || version != kStateVersion || row >= kFormats.size())
-    return;
-  mFolder = folder;
-  mFormat = kFormats[row].format;
+  SavingState state = {.folder = mFolder, .format = mFormat};
+  state.Restore(aState);
+  mFolder = state.folder;
+  mFormat = state.format;
 }
 
 } // namespace krviewer
