@@ -20,8 +20,8 @@ namespace krtransport {
 
 /// A watch that is derived from it begins at the end of its construction, and stops before anything of it is destroyed.
 ///
-/// Thread: any, but for destruction, which waits for a sink's call that runs; what is protected is the watch's
-/// thread's. Ownership: borrows the sink.
+/// Thread: any, but for destruction, which waits for a sink's call that runs; what is protected, the watch's own.
+/// Ownership: borrows the sink.
 class DeviceWatch : public ISilence {
 public:
   ~DeviceWatch() override { Stop(); }

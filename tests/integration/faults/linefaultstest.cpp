@@ -1,5 +1,5 @@
 // A camera's serial port, a bridge on it and a Camera Link camera behind it, through faults of the device, of the line,
-// of the host's port and of the camera's file, at each step.
+// of the host's port and of the camera's file, at each step or at as many as there is time for.
 //
 // Beside the cases here, programs at a bridge that stop or are killed are in serial/bridgefaultstest, Camera Link
 // programs in cameralink/cameralinkhostiletest, CL Protocol drivers that hang or crash in lab/camerabridgeclfaultstest,
