@@ -3,6 +3,7 @@
 #include "krdevice/ikrdeviceadapter.h"
 #include "krserial/krbulkselectorturn.h"
 #include "krserial/krdeviceserialspeed.h"
+#include "platform/guardedcall.h"
 #include "platform/plainline.h"
 #include "platform/toqstring.h"
 
@@ -42,18 +43,31 @@ void KeepSelected(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) {
 } // namespace
 
 void LineSettings::Select(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) {
-  const KrBulkSelectorTurn turn(aDevice, aPort);
-  SelectPort(aDevice, aPort);
+  (void)CallGuarded("Choosing the device's serial port", [&] {
+    const KrBulkSelectorTurn turn(aDevice, aPort);
+    SelectPort(aDevice, aPort);
+    return KrResult();
+  });
 }
 
 std::optional<bool> LineSettings::Refresh(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
-  std::optional<KrBulkSelectorTurn> turn;
-  if (aDevice) {
-    turn.emplace(*aDevice, aPort);
-    KeepSelected(*aDevice, aPort);
+  std::optional<bool> loopback;
+  const KrResult read = CallGuarded("Reading the serial port's settings", [&] {
+    std::optional<KrBulkSelectorTurn> turn;
+    if (aDevice) {
+      turn.emplace(*aDevice, aPort);
+      KeepSelected(*aDevice, aPort);
+    }
+    RefreshSpeed(aDevice, aPort);
+    loopback = RefreshLoopback(aDevice, aPort);
+    return KrResult();
+  });
+  // What throws has none of them.
+  if (!read.IsOK()) {
+    mSpeed.setEnabled(false);
+    mLoopback.setEnabled(false);
   }
-  RefreshSpeed(aDevice, aPort);
-  return RefreshLoopback(aDevice, aPort);
+  return loopback;
 }
 
 void LineSettings::RefreshSpeed(IKrDeviceAdapter* aDevice, KrDeviceSerial aPort) {
@@ -85,16 +99,20 @@ std::optional<bool> LineSettings::RefreshLoopback(IKrDeviceAdapter* aDevice, KrD
 }
 
 KrResult LineSettings::WriteSpeed(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {
-  const KrBulkSelectorTurn turn(aDevice, aPort);
-  KeepSelected(aDevice, aPort);
-  return aDevice.SetEnumValue(FindIn(&aDevice, aPort, FindBaudRateParameter),
-                              FromItemData(mSpeed.currentData().toByteArray()));
+  return CallGuarded("Setting the serial port's speed", [&] {
+    const KrBulkSelectorTurn turn(aDevice, aPort);
+    KeepSelected(aDevice, aPort);
+    return aDevice.SetEnumValue(FindIn(&aDevice, aPort, FindBaudRateParameter),
+                                FromItemData(mSpeed.currentData().toByteArray()));
+  });
 }
 
 KrResult LineSettings::WriteLoopback(IKrDeviceAdapter& aDevice, KrDeviceSerial aPort) const {
-  const KrBulkSelectorTurn turn(aDevice, aPort);
-  KeepSelected(aDevice, aPort);
-  return aDevice.SetBooleanValue(FindIn(&aDevice, aPort, FindLoopbackParameter), mLoopback.isChecked());
+  return CallGuarded("Setting the serial port's loopback", [&] {
+    const KrBulkSelectorTurn turn(aDevice, aPort);
+    KeepSelected(aDevice, aPort);
+    return aDevice.SetBooleanValue(FindIn(&aDevice, aPort, FindLoopbackParameter), mLoopback.isChecked());
+  });
 }
 
 } // namespace krgui

@@ -15,6 +15,8 @@ namespace krgui {
 
 /// All that is shown and written is the port's own: of a bulk port, it is selected first where another one is.
 ///
+/// A device of the application's that throws has nothing of what it was asked for; a result is SystemError then.
+///
 /// Thread: user interface, which waits for the device. Ownership: borrows the controls.
 class LineSettings {
 public:

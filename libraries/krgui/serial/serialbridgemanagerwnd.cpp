@@ -3,6 +3,7 @@
 #include "krdevice/ikrdeviceadapter.h"
 #include "logic/serial/bridgedisplay.h"
 #include "logic/serial/hostportlist.h"
+#include "platform/guardedcall.h"
 #include "platform/messagebox.h"
 #include "platform/waitcursor.h"
 #include "serial/baudrateselectiondlg.h"
@@ -71,7 +72,13 @@ KrResult SerialBridgeManagerWnd::SetDevice(IKrDeviceAdapter* aAdapter) {
   std::optional<WaitCursor> cursor;
   if (mControls)
     cursor.emplace();
-  mBridges->SetDevice(aAdapter, aAdapter != nullptr ? aAdapter->GetDeviceText() : KrString());
+  KrString text;
+  // One that throws is a device without a name.
+  (void)CallGuarded("Asking for the device's name", [&] {
+    text = aAdapter != nullptr ? aAdapter->GetDeviceText() : KrString();
+    return KrResult();
+  });
+  mBridges->SetDevice(aAdapter, text);
   Refresh();
   return {};
 }

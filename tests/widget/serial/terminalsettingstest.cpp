@@ -4,6 +4,8 @@
 #include "controlhands.h"
 #include "terminalfixture.h"
 
+#include <stdexcept>
+
 namespace krgui {
 
 namespace {
@@ -20,6 +22,16 @@ struct NotingLine : krtest::SerialLine {
   }
   const krtest::SerialAdapter& device;
   std::vector<std::string> toldBefore;
+};
+
+/// A device of an application's that cannot be asked for its parameters, once it says so.
+struct ThrowingDevice : krtest::SerialAdapter {
+  bool HasParameter(const KrString& aName) override {
+    if (throws)
+      throw std::runtime_error("no parameters");
+    return SerialAdapter::HasParameter(aName);
+  }
+  bool throws = false;
 };
 
 class Settings : public TerminalTest {};
@@ -264,6 +276,27 @@ TEST_F(Settings, LoopbackToggledByAssistiveTechnology_IsWritten) {
   krtest::ToggleAccessibly(Get(id::kLoopback));
 
   EXPECT_THAT(mDevice.written, ElementsAre("Uart0Loopback=true"));
+}
+
+TEST_F(Settings, OfADeviceThatThrows_CannotBeUsedAndThePortIsOpen) {
+  ThrowingDevice device;
+  const auto line = device.AddLine(0);
+  device.enumerations["Uart0BaudRate"] = {{"9600", "115200"}, "115200"};
+  device.booleans["Uart0Loopback"] = false;
+  ASSERT_TRUE(mWindow->SetDevice(&device).IsOK());
+  ASSERT_TRUE(mWindow->ShowModeless(0).IsOK());
+  ASSERT_TRUE(Get(id::kSpeed).isEnabled());
+
+  device.throws = true;
+  Pick(Get<QComboBox>(id::kSpeed), 0);
+  Click(id::kLoopback);
+  Pick(Get<QComboBox>(id::kPort), 0);
+
+  EXPECT_FALSE(Get(id::kSpeed).isEnabled());
+  EXPECT_FALSE(Get(id::kLoopback).isEnabled());
+  EXPECT_EQ(line->CountOpenings(), 2);
+  EXPECT_THAT(device.written, IsEmpty());
+  mWindow.reset(); // Before its device.
 }
 
 } // namespace krgui
