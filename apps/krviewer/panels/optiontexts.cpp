@@ -1,12 +1,16 @@
 #include "panels/optiontexts.h"
 
+#include <string>
+
 namespace krviewer {
 
 namespace {
 
-// Not by UTF-8, of which the toolkit leaves out a mark at the beginning.
+// As it is: where the toolkit converts, it takes a mark at the beginning for one of the order of bytes, and leaves it
+// out.
 QString ToUnits(const KrString& aText) {
-  return QString::fromStdU16String(aText.ToWide());
+  const std::u16string units = aText.ToWide();
+  return QStringView(units).toString();
 }
 
 KrString FromUnits(const QString& aText) {
