@@ -126,6 +126,8 @@ void PagePanels::Add(Panel aPanel, const QString& aName, const QString& aTitle, 
   dock->hide();
   mDocks[aPanel] = dock;
   dock->installEventFilter(this);
+  // While they end one after the other, the keyboard still looks for a place.
+  connect(dock, &QObject::destroyed, this, [this, dock] { mBehind.erase(dock); });
   connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool aIsVisible) {
     if (aIsVisible) {
       mBehind.erase(dock);

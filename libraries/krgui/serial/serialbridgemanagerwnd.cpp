@@ -5,6 +5,7 @@
 #include "logic/serial/hostportlist.h"
 #include "platform/guardedcall.h"
 #include "platform/messagebox.h"
+#include "platform/onchosen.h"
 #include "platform/waitcursor.h"
 #include "serial/baudrateselectiondlg.h"
 #include "serial/bridgecontrols.h"
@@ -17,8 +18,6 @@
 #include <QSize>
 #include <QTimer>
 
-#include <functional>
-#include <memory>
 #include <optional>
 
 namespace krgui {
@@ -33,19 +32,6 @@ constexpr const char* kNoBaudRateTitle = "Device Serial Port Baud Rate";
 constexpr const char* kNoBaudRateText =
     "The baud rate of the device serial port cannot be accessed through its GenICam interface.\r\n\r\n"
     "Configure the serial COM port baud rate to match the hard-coded device serial port baud rate.";
-
-/// Calls when the button is clicked, also where it is checked already, and when assistive technology checks it, which
-/// does not click.
-void OnChosen(const QRadioButton& aButton, const QObject& aContext, const std::function<void()>& aHandler) {
-  const auto isPressed = std::make_shared<bool>(false);
-  QObject::connect(&aButton, &QRadioButton::pressed, &aContext, [isPressed] { *isPressed = true; });
-  QObject::connect(&aButton, &QRadioButton::released, &aContext, [isPressed] { *isPressed = false; });
-  QObject::connect(&aButton, &QRadioButton::clicked, &aContext, aHandler);
-  QObject::connect(&aButton, &QRadioButton::toggled, &aContext, [isPressed, aHandler](bool aIsOn) {
-    if (aIsOn && !*isPressed)
-      aHandler();
-  });
-}
 
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "krdevice/ikrdeviceadapter.h"
 #include "logic/serial/terminalmessages.h"
 #include "platform/messagebox.h"
+#include "platform/onchosen.h"
 #include "platform/toqstring.h"
 #include "serial/enterkey.h"
 #include "serial/linesettings.h"
@@ -178,10 +179,8 @@ void SerialTerminalWnd::WireSending() {
 void SerialTerminalWnd::WireTranscript() {
   QObject* context = mConnections.get();
   for (const QRadioButton* button : mControls->GetDisplayFormatButtons())
-    QObject::connect(button, &QAbstractButton::toggled, context, [this](bool aIsOn) {
-      if (aIsOn)
-        mEncoder.SetDisplayFormat(mControls->GetTranscript(), mControls->GetDisplayFormat());
-    });
+    OnChosen(*button, *context,
+             [this] { mEncoder.SetDisplayFormat(mControls->GetTranscript(), mControls->GetDisplayFormat()); });
   QObject::connect(&mControls->GetEchoBox(), &QCheckBox::toggled, context, [this](bool aIsOn) { *mEcho = aIsOn; });
   QObject::connect(&mControls->GetPauseBox(), &QCheckBox::toggled, context,
                    [this](bool aIsOn) { mControls->GetTranscript().SetPaused(aIsOn); });

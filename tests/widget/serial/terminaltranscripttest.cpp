@@ -88,6 +88,15 @@ TEST_F(Transcripts, FormatChangedInALine_EmptiesTheTranscriptAndBeginsAnew) {
   }
 }
 
+TEST_F(Transcripts, SameFormatClickedOnceMore_EmptiesTheTranscript) {
+  Open();
+  Show("ABC", u"ABC");
+
+  Click(id::kShowASCII);
+
+  EXPECT_EQ(GetText(), u"");
+}
+
 TEST_F(Transcripts, HybridLineThatGrows_IsReplaced) {
   Open();
   Click(id::kShowHybrid);
