@@ -81,7 +81,6 @@ void MessageBar::Say(const BarMessage& aMessage) {
     return;
   mText = aMessage.text;
   mKind = aMessage.kind;
-  setVisible(!mText.isEmpty());
   mLabel->setText(mText);
   setAccessibleName(mText);
   const int size = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
@@ -97,6 +96,8 @@ void MessageBar::Say(const BarMessage& aMessage) {
   mDismiss->setVisible(aMessage.canBeDismissed);
   UpdateColours();
   UpdateMnemonics();
+  // At last, as it is placed at once, by what it has by then.
+  setVisible(!mText.isEmpty());
 }
 
 void MessageBar::Reword(const QString& aText) {
