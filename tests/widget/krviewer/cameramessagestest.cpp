@@ -1,7 +1,11 @@
 // What a camera's page says of a camera that cannot be had or sends nothing, and what its buttons do about it.
 
 #include "krtransport/krsimulatedfaults.h"
+#include "page/messagebar.h"
 #include "viewerfixture.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
 
 #include <utility>
 
@@ -47,6 +51,22 @@ protected:
 };
 
 } // namespace
+
+TEST_F(CameraMessagesTest, MessageOfSeveralLines_HasRoomForThemAtOnce) {
+  QWidget page;
+  auto* const bar = new krviewer::MessageBar(&page);
+  auto* const layout = new QVBoxLayout(&page);
+  layout->addWidget(bar);
+  layout->addStretch(1);
+  page.resize(500, 300);
+  page.show();
+
+  bar->Say({.text = QStringLiteral("word ").repeated(60)});
+
+  const auto& label = *bar->findChild<QLabel*>(QStringLiteral("message"));
+  EXPECT_GT(label.heightForWidth(label.width()), 2 * label.fontMetrics().height());
+  EXPECT_GE(label.height(), label.heightForWidth(label.width()));
+}
 
 TEST_F(CameraMessagesTest, CameraThatWaitsForASoftwareTrigger_IsTriggeredByTheButton) {
   OpenStreaming();
