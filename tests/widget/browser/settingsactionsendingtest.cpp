@@ -32,17 +32,15 @@ TEST_F(SettingsActions, Save_WithoutEnoughMemory_SaysSoAndWritesNothing) {
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
   GTEST_SKIP() << "A sanitizer's operator new ends the process where the library's throws.";
 #endif
-  const std::string large = std::to_string(16 << 20);
-  const auto makeLarge = [&](const std::string& aName, const std::string& aAddress) {
-    return "<Register Name=\"" + aName + "\"><Streamable>Yes</Streamable><Address>" + aAddress + "</Address><Length>" +
-           large + "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>";
-  };
-  DescribedCamera device(makeLarge("First", large) + makeLarge("Second", std::to_string(32 << 20)) +
-                         MakeInteger("Last", 0));
+  // As text nearly as much as is taken, which is there once more when it is written.
+  const std::string large = std::to_string(7 << 20);
+  DescribedCamera device(
+      "<Register Name=\"Large\"><Streamable>Yes</Streamable><Address>" + large + "</Address><Length>" + large +
+      "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>" + MakeInteger("Last", 0));
   std::optional<MemoryLimit> limit;
   device.port.SetFault([&](const RegisterAccessRecord& aRecord) {
     if (aRecord.address == 0)
-      limit.emplace(std::size_t{24} << 20);
+      limit.emplace(std::size_t{4} << 20);
     return KrResult();
   });
   const KrLogCapture log;
