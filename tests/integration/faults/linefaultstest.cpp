@@ -300,7 +300,6 @@ class GrabberLineWithFaults : public FaultyGrabber, public testing::WithParamInt
 // Of some hundreds. What is hurt on the line takes its time limits.
 constexpr std::uint64_t kCameraSteps = 12;
 constexpr std::uint64_t kCameraLineSteps = 3;
-constexpr std::uint64_t kDriverSteps = 6; ///< Each use starts the driver's process.
 
 } // namespace
 
@@ -316,7 +315,7 @@ TEST_P(FaultyGrabberDevice, UnderACameraOfAFile_IsSaidAndTheCameraIsUsedAfterwar
 
 TEST_P(FaultyGrabberDevice, UnderACameraOfADriver_IsSaidAndTheCameraIsUsedAfterwards) {
   TryLineAtEachStep(
-      GetParam().fault, [this] { return UseCLProtocol(); }, kDriverSteps);
+      GetParam().fault, [this] { return UseCLProtocol(); }, kCameraSteps);
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, FaultyGrabberDevice, testing::ValuesIn(kDeviceFaults), NameRow<DeviceFaultRow>);

@@ -27,6 +27,7 @@ protected:
 
 // Sends from the program until all of it is back, or the bridge tells what it waits for.
 KrResult FaultyPublishing::AwaitEcho(KrSerialBridge& aBridge) {
+  EXPECT_EQ(mProgram.Ask("count"), "0 1");
   EXPECT_EQ(mProgram.Ask("init 0 0"), "0 0");
   KrString trouble;
   const bool isOver = Await([&] {
