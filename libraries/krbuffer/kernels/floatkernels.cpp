@@ -48,6 +48,21 @@ void WidenRangeOfTarget(const std::uint8_t* aLine, std::size_t aCount, FloatRang
 
 /// Computed in 64 bits, in which the extent of any window of numbers of 32 bits is finite.
 class FloatKernel {
+#if HWY_TARGET != HWY_SCALAR && HWY_HAVE_FLOAT64
+  using FloatTag = hn::RebindToFloat<PixelTag>;
+  using HalfFloatTag = hn::Half<FloatTag>;
+  using DoubleTag = hn::Rebind<double, HalfFloatTag>;
+
+  HWY_INLINE auto ShowHalf(hn::Vec<HalfFloatTag> aValues) const {
+    const DoubleTag doubles;
+    const auto values = hn::PromoteTo(doubles, aValues);
+    const auto inputs = hn::Div(hn::Sub(values, hn::Set(doubles, mLow)), hn::Set(doubles, mExtent));
+    const auto clamped = hn::Min(hn::Max(inputs, hn::Zero(doubles)), hn::Set(doubles, 1.0));
+    const auto tones = hn::Add(hn::Mul(clamped, hn::Set(doubles, 255.0)), hn::Set(doubles, 0.5));
+    return hn::DemoteTo(hn::Rebind<std::int32_t, DoubleTag>(), tones);
+  }
+#endif
+
 public:
   static constexpr std::size_t kGroup = 1;
 
@@ -92,21 +107,6 @@ public:
 #endif
 
 private:
-#if HWY_TARGET != HWY_SCALAR && HWY_HAVE_FLOAT64
-  using FloatTag = hn::RebindToFloat<PixelTag>;
-  using HalfFloatTag = hn::Half<FloatTag>;
-  using DoubleTag = hn::Rebind<double, HalfFloatTag>;
-
-  HWY_INLINE auto ShowHalf(hn::Vec<HalfFloatTag> aValues) const {
-    const DoubleTag doubles;
-    const auto values = hn::PromoteTo(doubles, aValues);
-    const auto inputs = hn::Div(hn::Sub(values, hn::Set(doubles, mLow)), hn::Set(doubles, mExtent));
-    const auto clamped = hn::Min(hn::Max(inputs, hn::Zero(doubles)), hn::Set(doubles, 1.0));
-    const auto tones = hn::Add(hn::Mul(clamped, hn::Set(doubles, 255.0)), hn::Set(doubles, 0.5));
-    return hn::DemoteTo(hn::Rebind<std::int32_t, DoubleTag>(), tones);
-  }
-#endif
-
   const std::uint8_t* mLine;
   std::size_t mWidth;
   double mLow;
