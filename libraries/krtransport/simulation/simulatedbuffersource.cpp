@@ -41,7 +41,7 @@ KrResult SimulatedBufferSource::Queue(KrBuffer* aBuffer) {
     return {KrResult::Code::InvalidInput, "Queueing a buffer: there is none (null)."};
   const std::lock_guard lock(mMutex);
   if (mLost)
-    return {KrResult::Code::WrongState, "Queueing a buffer: the camera is lost; open it anew when it is back."};
+    return {KrResult::Code::WrongState, "Queueing a buffer: " + mLost->GetDescription().ToUtf8()};
   if (std::ranges::find(mFree, aBuffer) != mFree.end() || std::ranges::find(mFilled, aBuffer) != mFilled.end())
     return {KrResult::Code::InvalidInput, "Queueing a buffer: it is queued already."};
   aBuffer->SetStatus(KrBufferStatus::Empty);
