@@ -146,7 +146,7 @@ void GridCellAccessible::AddFeatureState(QAccessible::State& aState) const {
   const RowSnapshot row = FindItem()->node->GetSnapshot();
   const bool isThere = row.access.isImplemented && row.access.isAvailable;
   aState.disabled = row.isRead && !isThere;
-  aState.readOnly = !row.access.isWritable || !isThere || row.isCut;
+  aState.readOnly = !row.access.isWritable || !isThere || row.isTooLongToEdit;
   aState.editable = !aState.readOnly && mColumn == GridModel::kValueColumn;
 }
 

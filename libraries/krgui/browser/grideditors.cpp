@@ -118,11 +118,11 @@ void GridEditors::Body::UpdateRow(GridItem aItem) {
     return;
   }
   TreeItemData* node = mHost.FindFeatureNode(aItem);
-  if (node == nullptr || !IsEditable(node->GetSnapshot())) {
+  if (node == nullptr || !TakesValue(node->GetSnapshot())) {
     Close();
   } else if (mEdited == aItem) {
     RefillWithNewValue(*node);
-  } else if (mEdited == kNoItem && !IsPending(aItem) && mWithoutEditor != aItem &&
+  } else if (IsEditable(node->GetSnapshot()) && mEdited == kNoItem && !IsPending(aItem) && mWithoutEditor != aItem &&
              !mHost.GetEditorRect(aItem).isEmpty()) {
     Open(aItem);
   }
@@ -147,11 +147,17 @@ bool GridEditors::Body::Open(GridItem aItem) {
   return true;
 }
 
-/// What the user typed or chose stays; an editor that shows what the device has goes on to do so.
+/// What the user typed or chose stays; an editor that shows what the device has goes on to do so, or goes with what is
+/// too long for it.
 void GridEditors::Body::RefillWithNewValue(const TreeItemData& aNode) {
   const EditorContent& content = mWidgets.GetContent();
-  if (content.kind != EditorKind::Command && !mWidgets.IsInUse()) {
+  if (content.kind == EditorKind::Command || mWidgets.IsInUse()) {
+    return;
+  }
+  if (IsEditable(aNode.GetSnapshot())) {
     mWidgets.Refill(GetEditText(aNode, content.isHexadecimal), FindChoice(aNode, content.choices));
+  } else {
+    Close();
   }
 }
 

@@ -35,9 +35,10 @@ const CopyCommand* FindCopyCommand(int aID) {
   return found == kCopyCommands.end() ? nullptr : found;
 }
 
-std::optional<KrString> FindPart(const BrowserTree& aTree, GridItem aItem, RowPart aPart) {
+/// Null for a row that is not there.
+const TreeItemData* FindNode(const BrowserTree& aTree, GridItem aItem) {
   const BrowserTree::Item* item = aTree.Find(aItem);
-  return item != nullptr && item->node != nullptr ? GetRowPart(*item->node, aPart) : std::nullopt;
+  return item != nullptr ? item->node : nullptr;
 }
 
 /// Beside the text, also where the platform's menus show none; what the key does is the grid's.
@@ -50,7 +51,8 @@ void ShowKey(QAction& aAction, QKeySequence::StandardKey aKey) {
 } // namespace
 
 bool CopyRowPart(const BrowserTree& aTree, GridItem aItem, RowPart aPart) {
-  const std::optional<KrString> text = FindPart(aTree, aItem, aPart);
+  const TreeItemData* const node = FindNode(aTree, aItem);
+  const std::optional<KrString> text = node != nullptr ? ReadRowPart(*node, aPart) : std::nullopt;
   if (text)
     QGuiApplication::clipboard()->setText(ToQString(*text));
   return text.has_value();
@@ -78,12 +80,13 @@ void GridMenu::Show(QWidget& aOwner, GridItem aItem, const QPoint& aPoint) {
 
 /// Whether anything is left that can be chosen. What there is a key for says which.
 bool GridMenu::DisableWhatMakesNoSense(const QMenu& aMenu, GridItem aItem) const {
+  const TreeItemData* const node = FindNode(mTree, aItem);
   bool isAnyEnabled = false;
   for (QAction* action : aMenu.actions()) {
     if (action->data().toInt() == kCopyRowCommandID)
       ShowKey(*action, QKeySequence::Copy);
     if (const CopyCommand* command = FindCopyCommand(action->data().toInt()))
-      action->setEnabled(FindPart(mTree, aItem, command->part).has_value());
+      action->setEnabled(node != nullptr && GetRowPart(*node, command->part).has_value());
     isAnyEnabled = isAnyEnabled || action->isEnabled();
   }
   return isAnyEnabled;

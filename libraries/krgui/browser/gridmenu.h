@@ -15,7 +15,8 @@ class QWidget;
 
 namespace krgui {
 
-/// Puts a part of a row into the clipboard; nothing where the row is not there or has no such part.
+/// Puts a part of a row into the clipboard; nothing where the row is not there or has no such part. Waits for the
+/// device where it has more of the value than the row.
 bool CopyRowPart(const BrowserTree& aTree, GridItem aItem, RowPart aPart);
 
 /// Thread: user interface. Ownership: borrows the tree; the menu that is open belongs to the grid's widget.

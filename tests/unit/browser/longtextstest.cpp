@@ -2,6 +2,7 @@
 
 #include "logic/browser/featureediting.h"
 #include "logic/browser/gridtools.h"
+#include "logic/browser/rowcopying.h"
 #include "logic/browser/shownvalue.h"
 #include "logic/browser/valuetext.h"
 #include "nodebench.h"
@@ -19,12 +20,13 @@ namespace {
 
 constexpr std::uint64_t kTextAddress = 0x1000;
 constexpr std::size_t kMost = 4096;
+constexpr std::size_t kMostEdited = 65'536;
 
 std::string MakeNodes() {
   const std::string toolTip(100'000, 't');
   const std::string displayName(100'000, 'd');
   const std::string unit(100'000, 'u');
-  return "<StringReg Name=\"Text\"><Address>0x1000</Address><Length>20000</Length><AccessMode>RW</AccessMode>"
+  return "<StringReg Name=\"Text\"><Address>0x1000</Address><Length>70000</Length><AccessMode>RW</AccessMode>"
          "<pPort>Device</pPort><Cachable>NoCache</Cachable></StringReg>\n"
          "<Integer Name=\"Count\"><ToolTip>" +
          toolTip + "</ToolTip><DisplayName>" + displayName + "</DisplayName><Value>1</Value><Unit>" + unit +
@@ -54,32 +56,78 @@ TEST(KeptTexts, LongText_IsCutInFrontOfAWholeCharacterWithItsLength) {
             std::string(kMost - 1, 'x') + "… (4097 bytes)");
 }
 
-TEST_F(LongTexts, Value_OfMoreThan4096Bytes_IsKeptByItsBeginningWithItsLengthAndSaysSo) {
+TEST_F(LongTexts, Value_OfMoreThan4096Bytes_IsKeptByItsBeginningWithItsLength) {
   SetText(kMost, 'x');
   const auto node = camera.MakeReadNode("Text");
   EXPECT_EQ(GetText(*node), std::string(kMost, 'x'));
-  EXPECT_TRUE(GetTroubleText(*node).IsEmpty());
 
   SetText(19'999, 'y');
   node->Refresh();
 
   EXPECT_EQ(GetText(*node), std::string(kMost, 'y') + "… (19999 bytes)");
-  EXPECT_EQ(GetTroubleText(*node), KrString(kCutValueText));
+  EXPECT_TRUE(GetTroubleText(*node).IsEmpty());
   EXPECT_FALSE(node->HasError());
 }
 
-TEST_F(LongTexts, ValueThatIsCut_HasNoEditorAndNoTextForOne) {
-  SetText(kMost, 'x');
-  const auto node = camera.MakeReadNode("Text");
-  EXPECT_EQ(ChooseEditor(*node), EditorKind::Text);
-  EXPECT_EQ(GetEditText(*node, false), KrString(std::string(kMost, 'x')));
-  EXPECT_TRUE(IsEditable(node->GetSnapshot()));
+TEST_F(LongTexts, ValueThatIsCut_IsEditedAsTheDeviceHasIt) {
+  for (const std::size_t length : {kMost, kMost + 1, kMostEdited}) {
+    SetText(length, 'x');
+    const auto node = camera.MakeReadNode("Text");
 
-  SetText(kMost + 1, 'x');
+    EXPECT_EQ(ChooseEditor(*node), EditorKind::Text) << length;
+    EXPECT_EQ(GetEditText(*node, false), KrString(std::string(length, 'x'))) << length;
+    EXPECT_TRUE(IsEditable(node->GetSnapshot())) << length;
+    EXPECT_TRUE(GetTroubleText(*node).IsEmpty()) << length;
+  }
+}
+
+TEST_F(LongTexts, ValueOfMoreThan65536Bytes_HasNoEditorAndNoTextForOneAndSaysSo) {
+  SetText(kMostEdited + 1, 'x');
+  const auto node = camera.MakeReadNode("Text");
 
   EXPECT_EQ(ChooseEditor(*node), EditorKind::None);
   EXPECT_EQ(GetEditText(*node, false), KrString());
   EXPECT_FALSE(IsEditable(node->GetSnapshot()));
+  EXPECT_EQ(GetTroubleText(*node), KrString(kCutValueText));
+}
+
+TEST_F(LongTexts, ValueThatGrowsTooLongWhileItIsAskedFor_LeavesItsEditorEmpty) {
+  SetText(kMost + 1, 'x');
+  const auto node = camera.MakeReadNode("Text");
+
+  SetText(kMostEdited + 1, 'y');
+
+  EXPECT_EQ(GetEditText(*node, false), KrString());
+}
+
+TEST_F(LongTexts, ValueThatIsCut_IsCopiedAsTheDeviceHasIt) {
+  const std::string whole(kMostEdited + 1, 'x');
+  SetText(whole.size(), 'x');
+  const auto node = camera.MakeReadNode("Text");
+
+  EXPECT_EQ(ReadRowPart(*node, RowPart::Value), KrString(whole));
+  EXPECT_EQ(ReadRowPart(*node, RowPart::NameAndValue), KrString("Text = " + whole));
+  EXPECT_EQ(ReadRowPart(*node, RowPart::Row), KrString("Text = " + whole));
+  EXPECT_EQ(ReadRowPart(*node, RowPart::Name), KrString("Text"));
+}
+
+TEST_F(LongTexts, ValueThatIsCutAndCannotBeRead_IsCopiedAsTheRowHasIt) {
+  SetText(kMost + 1, 'x');
+  const auto node = camera.MakeReadNode("Text");
+  camera.port.SetFault([](const RegisterAccessRecord&) { return KrResult(KrResult::Code::TimeLimitExceeded); });
+
+  EXPECT_EQ(ReadRowPart(*node, RowPart::Value), KrString(std::string(kMost, 'x') + "… (4097 bytes)"));
+}
+
+TEST_F(LongTexts, CopyingWhatARowHasWhole_AsksNoDevice) {
+  SetText(kMost, 'x');
+  const auto node = camera.MakeReadNode("Text");
+  (void)camera.port.TakeRecords();
+
+  EXPECT_EQ(ReadRowPart(*node, RowPart::Value), KrString(std::string(kMost, 'x')));
+  EXPECT_EQ(ReadRowPart(*node, RowPart::Name), KrString("Text"));
+
+  EXPECT_TRUE(camera.port.TakeRecords().empty());
 }
 
 TEST_F(LongTexts, LongTextOfTheUser_IsWrittenWholeAndKeptCut) {
@@ -96,9 +144,9 @@ TEST_F(LongTexts, LongTextOfTheUser_IsWrittenWholeAndKeptCut) {
 }
 
 TEST_F(LongTexts, ShortTextAfterALongOne_IsEditedAgain) {
-  SetText(5000, 'x');
+  SetText(kMostEdited + 1, 'x');
   const auto node = camera.MakeReadNode("Text");
-  ASSERT_TRUE(node->GetSnapshot().isCut);
+  ASSERT_EQ(ChooseEditor(*node), EditorKind::None);
 
   SetText(3, 'y');
 

@@ -23,7 +23,7 @@ std::string MakeLongTextNodes() {
          "<Category Name=\"Features\"><pFeature>Text</pFeature><pFeature>" +
          kCommandInXML +
          "</pFeature></Category>\n"
-         "<StringReg Name=\"Text\"><Address>0x1000</Address><Length>10000</Length><AccessMode>RW</AccessMode>"
+         "<StringReg Name=\"Text\"><Address>0x1000</Address><Length>70000</Length><AccessMode>RW</AccessMode>"
          "<pPort>Device</pPort></StringReg>\n"
          "<Command Name=\"" +
          kCommandInXML + "\"><pValue>CommandReg</pValue><CommandValue>1</CommandValue></Command>\n" +
@@ -47,23 +47,41 @@ protected:
 
 } // namespace
 
-TEST_F(EditorsOfLongTexts, TextThatIsKeptWhole_IsEditedAsItIs) {
-  SetText(4096, 'x');
+TEST_F(EditorsOfLongTexts, TextWhoseBeginningIsShown_IsEditedWhole) {
+  SetText(4097, 'x');
 
-  Select("Text");
+  Enter("Text");
 
   ASSERT_NE(TextBox(), nullptr);
-  EXPECT_EQ(TextBox()->text(), QString(4096, 'x'));
+  EXPECT_EQ(TextBox()->text(), QString(4097, 'x'));
+  EXPECT_EQ(Value("Text"), std::string(4096, 'x') + "… (4097 bytes)");
+  TextBox()->setCursorPosition(0);
+  QTest::keyClick(TextBox(), Qt::Key_Delete);
+  QTest::keyClick(TextBox(), Qt::Key_Return);
+  Pump();
+  EXPECT_EQ(camera.Peek(kTextAddress, 4096), std::vector<std::uint8_t>(4096, 'x'));
+  EXPECT_EQ(camera.Peek(kTextAddress + 4096, 1), std::vector<std::uint8_t>(1, 0));
 }
 
-TEST_F(EditorsOfLongTexts, LongerText_IsShownWithoutAnEditorAndSaysSo) {
-  SetText(4097, 'x');
+TEST_F(EditorsOfLongTexts, TextWhoseBeginningIsShown_IsFollowedByItsEditor) {
+  SetText(5000, 'x');
+  Select("Text");
+  ASSERT_NE(TextBox(), nullptr);
+
+  SetText(6000, 'y');
+
+  ASSERT_NE(TextBox(), nullptr);
+  EXPECT_EQ(TextBox()->text(), QString(6000, 'y'));
+}
+
+TEST_F(EditorsOfLongTexts, TextTooLongForALine_IsShownWithoutAnEditorAndSaysSo) {
+  SetText(65'537, 'x');
 
   Enter("Text");
 
   EXPECT_EQ(TextBox(), nullptr);
   EXPECT_NE(GetTroubleText(Node("Text")).ToUtf8().find("too long to be edited"), std::string::npos);
-  EXPECT_EQ(Value("Text"), std::string(4096, 'x') + "… (4097 bytes)");
+  EXPECT_EQ(Value("Text"), std::string(4096, 'x') + "… (65537 bytes)");
   elsewhere->setFocus();
   Pump();
   EXPECT_EQ(camera.port.CountWrites(), 0U);
@@ -71,16 +89,32 @@ TEST_F(EditorsOfLongTexts, LongerText_IsShownWithoutAnEditorAndSaysSo) {
 
 TEST_F(EditorsOfLongTexts, TextThatGrowsTooLong_TakesItsEditorAlongAndIsNotWritten) {
   SetText(10, 'x');
-  Enter("Text");
+  Select("Text");
   ASSERT_NE(TextBox(), nullptr);
 
-  SetText(5000, 'y');
+  SetText(65'537, 'y');
   EXPECT_EQ(TextBox(), nullptr);
   elsewhere->setFocus();
   Pump();
 
   EXPECT_EQ(camera.port.CountWrites(), 0U);
   EXPECT_EQ(camera.Peek(kTextAddress, 5000), std::vector<std::uint8_t>(5000, 'y'));
+}
+
+TEST_F(EditorsOfLongTexts, TextThatGrowsTooLong_LeavesWhatTheUserTypes) {
+  SetText(10, 'x');
+  Enter("Text");
+  ASSERT_NE(TextBox(), nullptr);
+  TextBox()->selectAll();
+  QTest::keyClicks(TextBox(), "new");
+
+  SetText(65'537, 'y');
+  ASSERT_NE(TextBox(), nullptr);
+  EXPECT_EQ(TextBox()->text(), "new");
+  QTest::keyClick(TextBox(), Qt::Key_Return);
+  Pump();
+
+  EXPECT_EQ(camera.Peek(kTextAddress, 4), (std::vector<std::uint8_t>{'n', 'e', 'w', 0}));
 }
 
 TEST_F(EditorsOfLongTexts, LongTextThatIsPasted_IsWrittenWhole) {
@@ -94,7 +128,7 @@ TEST_F(EditorsOfLongTexts, LongTextThatIsPasted_IsWrittenWhole) {
   Pump();
 
   EXPECT_EQ(camera.Peek(kTextAddress, 5000), std::vector<std::uint8_t>(5000, 'z'));
-  EXPECT_EQ(TextBox(), nullptr) << "What is kept of it is not to be written back.";
+  EXPECT_EQ(Value("Text"), std::string(4096, 'z') + "… (5000 bytes)");
 }
 
 TEST_F(EditorsOfLongTexts, NameOnAButton_IsPlainAndCut) {

@@ -6,6 +6,7 @@
 #include "krgenicam/krgenfloat.h"
 #include "krgenicam/krgeninteger.h"
 #include "krgenicam/krgenstring.h"
+#include "logic/browser/shownvalue.h"
 #include "logic/browser/treeitemdata.h"
 #include "logic/browser/valueparsing.h"
 #include "logic/browser/valuetext.h"
@@ -196,7 +197,7 @@ EditorKind ChooseEditor(TreeItemData& aNode) {
     return EditorKind::None;
   }
   const RowSnapshot row = aNode.GetSnapshot();
-  if (!row.access.isWritable || row.isCut || (command && !row.access.isAvailable)) {
+  if (!row.access.isWritable || row.isTooLongToEdit || (command && !row.access.isAvailable)) {
     return EditorKind::None;
   }
   const EditorKind kind = FindKind(parameter->GetType());
@@ -239,7 +240,12 @@ KrString GetEditText(const TreeItemData& aNode, bool aIsHexadecimal) {
   if (const auto* number = std::get_if<double>(&row.number)) {
     return FormatExactly(*number);
   }
-  return GetView<KrGenString>(aNode) && !row.isCut ? row.value : KrString();
+  if (!GetView<KrGenString>(aNode)) {
+    return {};
+  }
+  // What is cut is nothing to be written back, nor is what has become too long meanwhile.
+  const KrString text = row.isCut ? ReadCutText(aNode).value_or(KrString()) : row.value;
+  return IsTooLongToEdit(text) ? KrString() : text;
 }
 
 int FindChoice(const TreeItemData& aNode, const Choices& aChoices) {

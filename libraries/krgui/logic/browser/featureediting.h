@@ -22,7 +22,7 @@ enum class EditorKind {
   Command, ///< A button.
 };
 
-/// Which editor a node gets: refreshes it and looks at its type, access, whether its value is there as a whole and, for
+/// Which editor a node gets: refreshes it and looks at its type, access, whether its value is too long for one and, for
 /// a command, whether it still runs. May wait for the device.
 EditorKind ChooseEditor(TreeItemData& aNode);
 /// Whether the node's type has an editor at all. The device is not asked.
@@ -43,9 +43,9 @@ struct Choices {
 Choices ListChoices(const TreeItemData& aNode, KrGenVisibility aVisibility);
 /// Whether an integer is edited in hexadecimal digits. May wait for the device.
 bool IsEditedInHexadecimal(const TreeItemData& aNode);
-/// What an editor shows of the value that was read last: an edit box's text, never one that was cut, of at most
-/// kMostKeptBytes, and the combo box's item, -1 for none. Both are made from the node's snapshot; the device is not
-/// asked.
+/// What an editor shows of the value that was read last: an edit box's text, of at most kMostEditedBytes, and the combo
+/// box's item, -1 for none. Both are made from the node's snapshot; the device is asked for a text alone of which that
+/// has the beginning.
 KrString GetEditText(const TreeItemData& aNode, bool aIsHexadecimal);
 int FindChoice(const TreeItemData& aNode, const Choices& aChoices);
 

@@ -142,6 +142,7 @@ void ReadString(KrGenString& aString, FeatureReading& aReading) {
   if (!Succeeds(aString.GetValue(value), kReadingValue, aReading))
     return;
   aReading.isCut = IsTooLong(value);
+  aReading.isTooLongToEdit = IsTooLongToEdit(value);
   aReading.value = std::move(value);
 }
 

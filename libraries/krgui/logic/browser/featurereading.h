@@ -34,7 +34,8 @@ struct FeatureReading {
   AccessFlags access; ///< What was not found out is false.
   KrString value;     ///< As KeepText leaves it, as are the other texts.
   FeatureNumber number;
-  bool isCut = false;      ///< The value is the beginning of a text that a device has, and cannot be written back.
+  bool isCut = false; ///< The value is the beginning of a text that a device has.
+  bool isTooLongToEdit = false;
   bool keepsValue = false; ///< Not readable: what was read before still stands.
   bool hasError = false;   ///< A step failed, or the value lies outside the bounds, which leaves it its text.
   KrString error;

@@ -14,13 +14,16 @@ bool IsNumber(const TreeItemData& aNode) {
   return type == KrGenType::Integer || type == KrGenType::Float;
 }
 
-std::optional<KrString> GetValuePart(const TreeItemData& aNode) {
+/// What stands for the value: the row's, unless the device was asked for more.
+using WholeText = std::optional<KrString>;
+
+std::optional<KrString> GetValuePart(const TreeItemData& aNode, const WholeText& aWhole) {
   if (aNode.GetParameter() == nullptr)
     return std::nullopt;
   const RowSnapshot row = aNode.GetSnapshot();
   if (!HasShownValue(row))
     return std::nullopt;
-  std::string text = row.value.ToUtf8();
+  std::string text = aWhole.value_or(row.value).ToUtf8();
   if (IsNumber(aNode) && text.back() == ' ')
     text.pop_back();
   return KrString(std::move(text));
@@ -30,34 +33,43 @@ std::optional<KrString> GetError(const TreeItemData& aNode) {
   return aNode.HasError() ? std::optional(aNode.GetError()) : std::nullopt;
 }
 
-std::optional<KrString> GetNameAndValue(const TreeItemData& aNode) {
-  const std::optional<KrString> value = GetValuePart(aNode);
+std::optional<KrString> GetNameAndValue(const TreeItemData& aNode, const WholeText& aWhole) {
+  const std::optional<KrString> value = GetValuePart(aNode, aWhole);
   return value ? std::optional(aNode.GetShownName() + " = " + *value) : std::nullopt;
 }
 
-KrString GetRow(const TreeItemData& aNode) {
-  KrString text = GetNameAndValue(aNode).value_or(aNode.GetShownName());
+KrString GetRow(const TreeItemData& aNode, const WholeText& aWhole) {
+  KrString text = GetNameAndValue(aNode, aWhole).value_or(aNode.GetShownName());
   if (const std::optional<KrString> error = GetError(aNode))
     text += "\n" + *error;
   return text;
 }
 
-} // namespace
-
-std::optional<KrString> GetRowPart(const TreeItemData& aNode, RowPart aPart) {
+std::optional<KrString> MakePart(const TreeItemData& aNode, RowPart aPart, const WholeText& aWhole) {
   switch (aPart) {
   case RowPart::Row:
-    return GetRow(aNode);
+    return GetRow(aNode, aWhole);
   case RowPart::Name:
     return aNode.GetShownName();
   case RowPart::Value:
-    return GetValuePart(aNode);
+    return GetValuePart(aNode, aWhole);
   case RowPart::NameAndValue:
-    return GetNameAndValue(aNode);
+    return GetNameAndValue(aNode, aWhole);
   case RowPart::Error:
     return GetError(aNode);
   }
   return std::nullopt;
+}
+
+} // namespace
+
+std::optional<KrString> GetRowPart(const TreeItemData& aNode, RowPart aPart) {
+  return MakePart(aNode, aPart, std::nullopt);
+}
+
+std::optional<KrString> ReadRowPart(const TreeItemData& aNode, RowPart aPart) {
+  const bool hasValue = aPart != RowPart::Name && aPart != RowPart::Error;
+  return MakePart(aNode, aPart, hasValue ? ReadCutText(aNode) : std::nullopt);
 }
 
 } // namespace krgui

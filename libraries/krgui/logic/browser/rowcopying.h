@@ -21,5 +21,8 @@ enum class RowPart {
 /// The text of a part, the name as the row shows it; nothing where the row has no such part: a category has no value,
 /// and neither has a feature that was not read, is not implemented or not available.
 std::optional<KrString> GetRowPart(const TreeItemData& aNode, RowPart aPart);
+/// As GetRowPart, but with the whole of a text of which the row has the beginning alone: may wait for the device. What
+/// it does not say stays cut.
+std::optional<KrString> ReadRowPart(const TreeItemData& aNode, RowPart aPart);
 
 } // namespace krgui

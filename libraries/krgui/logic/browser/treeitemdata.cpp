@@ -109,6 +109,8 @@ void TreeItemData::Refresh() {
     mNow.isCut = reading.isCut;
     mNow.number = reading.number;
   }
+  // Of what cannot be read nothing is edited but what the user types.
+  mNow.isTooLongToEdit = reading.isTooLongToEdit;
   PutError(reading.hasError, std::move(reading.error));
   mAccessReason = std::move(reading.accessReason);
   mIsRead = true;
@@ -142,7 +144,9 @@ void TreeItemData::SetValueText(const KrString& aText) {
   const std::lock_guard lock(mMutex);
   mAcknowledged.value = std::move(mNow.value);
   mNow.value = KeepText(aText);
-  mNow.isCut = IsTooLong(aText) && dynamic_cast<KrGenString*>(mParameter) != nullptr;
+  const bool isString = dynamic_cast<KrGenString*>(mParameter) != nullptr;
+  mNow.isCut = isString && IsTooLong(aText);
+  mNow.isTooLongToEdit = isString && IsTooLongToEdit(aText);
 }
 
 void TreeItemData::SetError(const KrString& aText) {
@@ -180,6 +184,7 @@ RowSnapshot TreeItemData::GetSnapshot() const {
           .hasError = mNow.hasError,
           .isRead = mIsRead,
           .isCut = mNow.isCut,
+          .isTooLongToEdit = mNow.isTooLongToEdit,
           .access = mNow.access};
 }
 
@@ -190,7 +195,7 @@ AccessFlags TreeItemData::GetAccess() const {
 
 KrString TreeItemData::GetAccessReason() const {
   const std::lock_guard lock(mMutex);
-  if (!mNow.isCut)
+  if (!mNow.isTooLongToEdit)
     return mAccessReason.text;
   return (mAccessReason.text.IsEmpty() ? KrString() : mAccessReason.text + "\n") + kCutValueText;
 }

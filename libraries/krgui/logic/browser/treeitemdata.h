@@ -25,6 +25,7 @@ struct RowSnapshot {
   bool hasError = false;
   bool isRead = false; ///< The value has been read once.
   bool isCut = false;  ///< The value is the beginning of a text that the device has: nothing to be written back.
+  bool isTooLongToEdit = false;
   AccessFlags access;
 };
 
@@ -125,6 +126,7 @@ private:
     KrString value;
     FeatureNumber number;
     bool isCut = false;
+    bool isTooLongToEdit = false;
     bool hasError = false;
     KrString error;
     AccessFlags access;

@@ -11,6 +11,8 @@ namespace krgui {
 
 /// More bytes of a device's text are not kept of a row: there may be a million rows, each with many megabytes.
 inline constexpr std::size_t kMostKeptBytes = 4096;
+/// A text of more bytes is not edited in a line.
+inline constexpr std::size_t kMostEditedBytes = 65'536;
 /// What is said of a row with such a value.
 inline constexpr const char* kCutValueText =
     "Only the beginning of the value is shown: it is too long to be edited here.";
@@ -24,6 +26,10 @@ inline constexpr const char* kNotAvailableText = "{Not available}";
 /// Whether a text is cut by KeepText.
 inline bool IsTooLong(const KrString& aText) {
   return aText.GetLength() > kMostKeptBytes;
+}
+/// Whether a text has no editor, however it may be written.
+inline bool IsTooLongToEdit(const KrString& aText) {
+  return aText.GetLength() > kMostEditedBytes;
 }
 /// A text as a row keeps it: as it is or, where it is too long, its beginning with how many bytes it has.
 KrString KeepText(KrString aText);
