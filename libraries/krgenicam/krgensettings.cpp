@@ -68,6 +68,10 @@ private:
   std::size_t mNumber = 0;
 };
 
+std::string MakeTooLong() {
+  return "The settings are longer than the limit of " + std::to_string(kMaxBytes) + " bytes.";
+}
+
 // Takes the lines behind the first one.
 class SettingsReader {
 public:
@@ -138,8 +142,7 @@ std::string KrGenSettings::ToText() const {
 
 KrResult KrGenSettings::FromText(std::string_view aText) {
   if (aText.size() > kMaxBytes)
-    return {KrResult::Code::BadData,
-            "The settings are longer than the limit of " + std::to_string(kMaxBytes) + " bytes."};
+    return {KrResult::Code::BadData, MakeTooLong()};
   if (aText.starts_with(kByteOrderMark))
     aText.remove_prefix(kByteOrderMark.size());
   Lines lines(aText);
@@ -162,6 +165,8 @@ KrResult KrGenSettings::FromText(std::string_view aText) {
 
 KrResult KrGenSettings::Save(const KrString& aFileName) const {
   const std::string text = ToText();
+  if (text.size() > kMaxBytes) // Nobody would read it again.
+    return {KrResult::Code::OutOfRange, MakeTooLong()};
   KrAtomicFile file;
   KrResult result = file.Open(aFileName, KrAtomicFile::Existing::Replaced);
   if (result.IsOK())

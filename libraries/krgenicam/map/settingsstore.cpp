@@ -31,6 +31,10 @@ std::size_t CountBytes(const KrGenSetting& aSetting) {
   return aSetting.name.GetLength() + aSetting.value.GetLength() + 2;
 }
 
+std::string MakeTooManyBytes() {
+  return "There are more than " + std::to_string(SettingsStore::kMaxBytes >> 20) + " MiB of texts.";
+}
+
 // The device did not answer, or was not to be asked any more: what is missing is more than the parameter.
 bool IsUnanswered(const KrResult& aResult) {
   return aResult == KrResult::Code::Aborted || aResult == KrResult::Code::ConnectionLost ||
@@ -229,6 +233,9 @@ void SettingsStore::StoreParameter(KrGenParameter& aParameter) {
     return NoteLimit(name);
   if (KrResult result = aParameter.ToString(value); !result.IsOK())
     return Note(name, "cannot be read", result);
+  // One that is large leaves the others their place.
+  if (mBytes + CountBytes({name, value}) > kMaxBytes)
+    return Note(name, "is not taken", {KrResult::Code::OutOfRange, MakeTooManyBytes()});
   (void)Take(name, value); // What ends it has been noted.
 }
 

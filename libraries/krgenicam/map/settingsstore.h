@@ -27,7 +27,8 @@ public:
   /// Combinations of positions that are visited, of all parameters together, and values that are taken.
   static constexpr std::size_t kMaxCombinations = 65536;
   static constexpr std::size_t kMaxSettings = 1'000'000;
-  /// Of names, values and problems together: as many as a file of settings may have.
+  /// Of names, values and problems together. A value that has no room among them is left out; a position of a selector
+  /// ends it all.
   static constexpr std::size_t kMaxBytes = std::size_t{16} << 20;
 
   SettingsStore(NodeMap& aMap, KrStringList& aProblems, const KrGenProgress& aProgress);

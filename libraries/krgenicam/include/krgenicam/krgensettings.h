@@ -57,7 +57,7 @@ public:
   /// with the line for what is no settings file.
   KrResult FromText(std::string_view aText);
   /// Writes the text to a file, which is there as a whole or not at all and replaces one of that name (KrAtomicFile).
-  /// Results as KrAtomicFile::Open and Commit.
+  /// Results as KrAtomicFile::Open and Commit; OutOfRange, with nothing written, for a text of more than 16 MiB.
   KrResult Save(const KrString& aFileName) const;
   /// Reads the text of a file; results as KrReadWholeFile and FromText, with the file's name.
   KrResult Load(const KrString& aFileName);

@@ -179,6 +179,21 @@ TEST(KrGenSettings, TextBeyondTheLimit_IsRefused) {
   EXPECT_EQ(settings.FromText(text), KrResult::Code::BadData);
 }
 
+TEST(KrGenSettings, TextBeyondTheLimit_IsNotWritten) {
+  const TemporaryFolder folder;
+  const std::string file = folder.GetFile("settings.txt");
+  KrGenSettings settings;
+  settings.Add("A", "1");
+  ASSERT_TRUE(settings.Save(file).IsOK());
+  settings.Add("B", std::string((std::size_t{8} << 20), '\\') + "\n"); // Escaped, twice as long.
+
+  EXPECT_EQ(settings.Save(file), KrResult::Code::OutOfRange);
+
+  KrGenSettings former;
+  EXPECT_TRUE(former.Load(file).IsOK());
+  EXPECT_EQ(former.GetCount(), 1U);
+}
+
 TEST(KrGenSettings, MoreSettingsThanTheLimit_AreRefusedAndThatManyTaken) {
   constexpr std::size_t kMost = 1'000'000;
   KrGenSettings settings;

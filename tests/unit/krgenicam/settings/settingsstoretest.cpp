@@ -275,8 +275,20 @@ TEST(StoreSettings, BytesOfValuesBeyondTheMost_AreLeftOutWithAProblem) {
 
   EXPECT_EQ(camera.Store(), KrResult::Code::OutOfRange);
 
-  EXPECT_THAT(camera.GetProblems(), ElementsAre(HasSubstr("or more than 16 MiB of texts")));
+  EXPECT_THAT(camera.GetProblems(), testing::AllOf(testing::SizeIs(5), testing::Each(HasSubstr("more than 16 MiB"))));
   EXPECT_EQ(camera.settings.GetCount(), 15U);
+}
+
+TEST(StoreSettings, ValueThatAloneIsBeyondTheMost_LeavesTheOthersTheirPlace) {
+  const std::string length = std::to_string(8 << 20); // As text twice as much.
+  SettingsCamera camera(
+      "<Register Name=\"Large\"><Streamable>Yes</Streamable><Address>" + length + "</Address><Length>" + length +
+      "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>" + MakeInteger("Last", 0));
+
+  EXPECT_EQ(camera.Store(), KrResult::Code::OutOfRange);
+
+  EXPECT_THAT(camera.GetProblems(), ElementsAre(testing::AllOf(HasSubstr("Large"), HasSubstr("is not taken"))));
+  EXPECT_THAT(camera.GetSteps(), ElementsAre(testing::Pair("Last", "0")));
 }
 
 TEST(StoreSettings, BytesOfProblemsBeyondTheMost_EndItWithTheSelectorsPutBack) {
