@@ -147,6 +147,7 @@ void SerialTerminalWnd::WirePortControls() {
   });
   // Assistive technology changes marks without a click.
   QObject::connect(&mControls->GetLoopbackBox(), &QCheckBox::toggled, context, [this] {
+    mControls->GetLoopbackBox().repaint(); // Its mark, before the device is waited for.
     if (mAdapter && IsPortOpen())
       (void)mLineSettings->WriteLoopback(*mAdapter, mPort);
   });
@@ -162,8 +163,10 @@ void SerialTerminalWnd::WireSending() {
   onClick(mControls->GetBrowseButton(), &SerialTerminalWnd::ChooseFile);
   onClick(mControls->GetSendFileButton(), &SerialTerminalWnd::SendFile);
   onClick(mControls->GetSaveButton(), &SerialTerminalWnd::Save);
-  QObject::connect(&mControls->GetOtherBox(), &QCheckBox::toggled, context,
-                   [this] { CallHandler([this] { SwitchOther(); }); });
+  QObject::connect(&mControls->GetOtherBox(), &QCheckBox::toggled, context, [this] {
+    mControls->GetOtherBox().repaint();
+    CallHandler([this] { SwitchOther(); });
+  });
   QObject::connect(&mControls->GetStopButton(), &QAbstractButton::clicked, context, [this] { mSession->StopFile(); });
   // A line that takes nothing stops the messages of progress.
   mProgressTimer = new QTimer(context);
