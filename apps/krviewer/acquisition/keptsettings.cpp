@@ -116,10 +116,14 @@ void KeptSettings::Read(KrGenParameter& aParameter) {
 }
 
 void KeptSettings::TellFailure(const char* aReason) {
-  if (!mHasFailed.exchange(true))
+  if (mHasFailed.exchange(true))
+    return;
+  try {
     KrLogger("krviewer")
         .Log(KrLogLevel::Error, {"KeptSettings", "keptsettings"},
              KrString("A value of the camera, and perhaps others, is not kept for the camera's return: ") + aReason);
+  } catch (...) { // There is no memory for the words either.
+  }
 }
 
 void KeptSettings::ReadAndKeep(KrGenParameter& aParameter) {

@@ -9,10 +9,15 @@ namespace krgui {
 
 namespace {
 
+// Without the words where there is no memory for them.
 KrResult MakeThrown(const char* aAttempt, const char* aReason) {
-  KrResult thrown(KrResult::Code::SystemError, std::string(aAttempt) + " was ended by an exception: " + aReason);
-  KrLogger("KrGUILib").Log(KrLogLevel::Error, {"CallGuarded", "guardedcall"}, thrown.GetDescription());
-  return thrown;
+  try {
+    KrResult thrown(KrResult::Code::SystemError, std::string(aAttempt) + " was ended by an exception: " + aReason);
+    KrLogger("KrGUILib").Log(KrLogLevel::Error, {"CallGuarded", "guardedcall"}, thrown.GetDescription());
+    return thrown;
+  } catch (...) {
+    return KrResult::Code::SystemError;
+  }
 }
 
 } // namespace
