@@ -28,10 +28,15 @@ public:
 } // namespace
 
 void* operator new(std::size_t aSize) {
-  void* memory = aSize < gSmallestRefused ? std::malloc(std::max<std::size_t>(aSize, 1)) : nullptr;
+  void* const memory = operator new(aSize, std::nothrow);
   if (memory == nullptr)
     throw std::bad_alloc();
   return memory;
+}
+
+// Sorting asks in this way.
+void* operator new(std::size_t aSize, const std::nothrow_t&) noexcept {
+  return aSize < gSmallestRefused ? std::malloc(std::max<std::size_t>(aSize, 1)) : nullptr;
 }
 
 void operator delete(void* aMemory) noexcept {
