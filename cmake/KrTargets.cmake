@@ -128,7 +128,7 @@ endif()
 # One run of a program, as a test. The kind, which is the first part of the name, is its label and settles the variables
 # that the kind's programs need; a display and a network stand in the command. URGENT: goes before what runs beside it, as
 # cameras and hosts that are other programs wait for nobody.
-# The kinds that load X11 or fonts run the sanitizers with suppressions for those libraries; the others with
+# The kinds that load X11 or fonts, and the integration tests, which come with both, run the sanitizers with suppressions for those libraries; the others with
 # none. Qt's threads synchronise in code that is not instrumented, so the thread sanitizer is told in tests with windows to
 # judge only what happens in ours.
 function(kr_add_test_run aName)

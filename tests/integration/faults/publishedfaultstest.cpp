@@ -1,4 +1,4 @@
-// A camera's serial port that is published for Camera Link programs, through faults of the device at each step. What
+// A camera's serial port that is published for Camera Link programs, through faults of the device at its steps. What
 // hostile programs do is in cameralink/cameralinkhostiletest.
 
 #include "await.h"
