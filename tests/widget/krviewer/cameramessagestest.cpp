@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <functional>
 #include <utility>
 
 using krviewer::AcquisitionState;
@@ -42,11 +43,18 @@ protected:
   std::string GetText() { return GetMessage(*GetPage()).toStdString(); }
   /// Sets an enumeration of the camera as its features would.
   void Set(const char* aName, const char* aEntry) {
+    Change([=](KrGenParameterArray& aParameters) { return aParameters.GetEnum(aName)->SetEntry(aEntry); });
+  }
+  /// As many as a computer takes that has much else to do.
+  void SendFewFrames() {
+    Change([](KrGenParameterArray& aParameters) { return aParameters.GetFloat("AcquisitionFrameRate")->SetValue(2); });
+  }
+
+private:
+  void Change(std::function<KrResult(KrGenParameterArray&)> aChange) {
     std::optional<KrResult> end;
-    GetPage()->Do(
-        {.run = [=](KrGenParameterArray& aParameters) { return aParameters.GetEnum(aName)->SetEntry(aEntry); },
-         .then = [&](const KrResult& aResult) { end = aResult; }});
-    ASSERT_TRUE(Await([&] { return end.has_value(); }) && end->IsOK()) << aName;
+    GetPage()->Do({.run = std::move(aChange), .then = [&](const KrResult& aResult) { end = aResult; }});
+    ASSERT_TRUE(Await([&] { return end.has_value(); }) && end->IsOK());
   }
 };
 
@@ -135,11 +143,13 @@ TEST_F(CameraMessagesTest, FramesThatNobodyTakesInTime_AreSaidToBeDiscardedUntil
   EXPECT_TRUE(isSaid) << GetText();
   ASSERT_TRUE(Await([&] { return !isStalled; }));
 
+  SendFewFrames();
   EXPECT_TRUE(Await([this] { return GetMessage(*GetPage()).isEmpty(); })) << GetText();
 }
 
 TEST_F(CameraMessagesTest, CameraThatBecomesSlow_IsSaidToBeUntilItIsPrompt) {
   OpenStreaming();
+  SendFewFrames();
   const std::shared_ptr<KrSimulatedFaults> faults = mLab->GetFaults(kMonoMAC);
 
   faults->SlowRegisters(300);
