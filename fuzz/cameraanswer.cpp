@@ -39,10 +39,16 @@ void Complete(CommandTemplate& aTemplate, bool aIsBinary, bool aIsWide) {
 
 // Whether a file may have it as an answer.
 bool IsAnswer(const CommandTemplate& aTemplate) {
+  const auto isOfAnyLength = [](const TemplatePart& aPart) { return GetFixedPartSize(aPart) == 0; };
+  const auto isNoNumberOfFrame = [&](const TemplatePart& aPart) {
+    return (aPart.kind == Kind::Check || aPart.kind == Kind::Length) &&
+           (!IsWholeNumber(aPart.format) || isOfAnyLength(aPart));
+  };
+  if (std::ranges::any_of(aTemplate, isNoNumberOfFrame))
+    return false;
   if (aTemplate.empty() || FindPart(aTemplate, Kind::Feature) || !FindAnswerProblem(aTemplate).empty())
     return false;
-  const bool isFree =
-      std::ranges::any_of(aTemplate, [](const TemplatePart& aPart) { return GetFixedPartSize(aPart) == 0; });
+  const bool isFree = std::ranges::any_of(aTemplate, isOfAnyLength);
   return !isFree || FindPart(aTemplate, Kind::Length) || !GetEnding(aTemplate).empty();
 }
 

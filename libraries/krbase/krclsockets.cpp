@@ -11,6 +11,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -36,6 +37,12 @@ bool IsSameFile(int aDescriptor, int aDirectory, const std::string& aName) {
   struct stat named = {};
   return ::fstat(aDescriptor, &own) == 0 && ::fstatat(aDirectory, aName.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
          own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+}
+
+// Whether the other sends no more: all that it sent is there then.
+bool HasEnded(int aSocket) {
+  pollfd asked{.fd = aSocket, .events = POLLRDHUP, .revents = 0};
+  return ::poll(&asked, 1, 0) > 0 && (asked.revents & (POLLRDHUP | POLLHUP)) != 0;
 }
 
 } // namespace
@@ -191,6 +198,21 @@ KrResult KrConnectCLPort(const KrCLPort& aPort, std::chrono::milliseconds aLimit
     return MakeCLSystemError(kConnect, errno);
   aSocket = std::move(socket);
   return {};
+}
+
+std::ptrdiff_t KrReceiveCLPacket(int aSocket, std::uint8_t* aBytes, std::size_t aSize) {
+  while (true) {
+    const bool hasEnded = HasEnded(aSocket);
+    const std::ptrdiff_t there = ::recv(aSocket, aBytes, aSize, MSG_DONTWAIT | MSG_TRUNC | MSG_PEEK);
+    if (there > 0)
+      return ::recv(aSocket, aBytes, aSize, MSG_DONTWAIT | MSG_TRUNC);
+    // The kernel looks for packets first and for the end then: both may come between the two.
+    const bool isEndTooEarly = there == 0 && !hasEnded && HasEnded(aSocket);
+    // That the other goes without having read all is told once; what it sent before is behind that.
+    const bool isReset = there < 0 && errno == ECONNRESET;
+    if (!isEndTooEarly && !isReset)
+      return there;
+  }
 }
 
 bool KrIsOwnUser(int aSocket) {

@@ -195,9 +195,8 @@ void Port::Close() {
 
 void Port::Receive(std::size_t aMost) {
   while (!mIsLost && mReceived.size() < aMost) {
-    const ssize_t length = ::recv(mSocket.Get(), mPacket.data(), mPacket.size(), MSG_DONTWAIT | MSG_TRUNC);
-    // A bridge that ends without having read all is told once; what it sent before is behind that.
-    if (length < 0 && (errno == EINTR || errno == ECONNRESET))
+    const std::ptrdiff_t length = KrReceiveCLPacket(mSocket.Get(), mPacket.data(), mPacket.size());
+    if (length < 0 && errno == EINTR)
       continue;
     if (length < 0 && errno == EAGAIN)
       return;

@@ -1,5 +1,7 @@
 #include "bridge/camerasession.h"
 
+#include "krbase/krclsockets.h"
+
 #include <cerrno>
 #include <cstddef>
 #include <optional>
@@ -10,13 +12,7 @@
 namespace krserial {
 
 CameraSession::Received CameraSession::Receive(KrCLMessage& aMessage) {
-  const auto receive = [this] {
-    return ::recv(mSocket.Get(), mPacket.data(), mPacket.size(), MSG_DONTWAIT | MSG_TRUNC);
-  };
-  ssize_t length = receive();
-  // A program that goes without having read all is told once; what it sent before is behind that.
-  if (length < 0 && errno == ECONNRESET)
-    length = receive();
+  const std::ptrdiff_t length = KrReceiveCLPacket(mSocket.Get(), mPacket.data(), mPacket.size());
   if (length < 0)
     return errno == EAGAIN || errno == EINTR ? Received::Nothing : Received::Gone;
   if (length == 0 || static_cast<std::size_t>(length) > mPacket.size())

@@ -8,8 +8,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -362,6 +366,54 @@ TEST_F(CLSockets, PortAtWhichTooManyAsk_IsWaitedForNoLongerThanTheLimit) {
   }
 
   EXPECT_EQ(result.GetCode(), KrResult::Code::TimeLimitExceeded);
+}
+
+// The kernel may tell the end although there is a packet, where both come while it looks: in one of a thousand rounds.
+TEST(ReceiveCLPacket, WhatWasSentBeforeTheEnd_ComesBeforeIt) {
+  for (int round = 0; round < 1000; ++round) {
+    int ends[2] = {};
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+    const krbase::FileDescriptor receiver(ends[0]);
+    const krbase::FileDescriptor sender(ends[1]);
+    std::array<std::uint8_t, 8> bytes = {};
+    std::ptrdiff_t length = -1;
+
+    const std::jthread thread([&] {
+      ::send(sender.Get(), "abc", 3, MSG_NOSIGNAL);
+      ::shutdown(sender.Get(), SHUT_WR);
+    });
+    while ((length = KrReceiveCLPacket(receiver.Get(), bytes.data(), bytes.size())) < 0 && errno == EAGAIN)
+      std::this_thread::yield();
+
+    ASSERT_EQ(length, 3) << "round " << round;
+    ASSERT_EQ(std::string(bytes.begin(), bytes.begin() + 3), "abc");
+  }
+}
+
+TEST(ReceiveCLPacket, EmptyPacket_IsTakenForAnEnd) {
+  int ends[2] = {};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+  const krbase::FileDescriptor receiver(ends[0]);
+  const krbase::FileDescriptor sender(ends[1]);
+  std::array<std::uint8_t, 8> bytes = {};
+
+  ASSERT_EQ(::send(sender.Get(), "", 0, MSG_NOSIGNAL), 0);
+
+  EXPECT_EQ(KrReceiveCLPacket(receiver.Get(), bytes.data(), bytes.size()), 0);
+}
+
+TEST(ReceiveCLPacket, LongerThanItsRoom_TellsItsWholeLengthAndIsTaken) {
+  int ends[2] = {};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+  const krbase::FileDescriptor receiver(ends[0]);
+  const krbase::FileDescriptor sender(ends[1]);
+  std::array<std::uint8_t, 2> bytes = {};
+
+  ASSERT_EQ(::send(sender.Get(), "abc", 3, MSG_NOSIGNAL), 3);
+
+  EXPECT_EQ(KrReceiveCLPacket(receiver.Get(), bytes.data(), bytes.size()), 3);
+  EXPECT_EQ(KrReceiveCLPacket(receiver.Get(), bytes.data(), bytes.size()), -1);
+  EXPECT_EQ(errno, EAGAIN);
 }
 
 } // namespace

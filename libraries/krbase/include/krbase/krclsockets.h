@@ -11,6 +11,7 @@
 #include "krbase/krstring.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -59,6 +60,11 @@ KR_EXPORT KrResult KrListCLPorts(std::vector<KrCLPort>& aPorts);
 /// more, TimeLimitExceeded when too many ask at it, AccessDenied and SystemError as of Make. Thread: any.
 KR_EXPORT KrResult KrConnectCLPort(const KrCLPort& aPort, std::chrono::milliseconds aLimit,
                                    krbase::FileDescriptor& aSocket);
+
+/// Receives a packet without waiting: its length, which is more than aSize where only its beginning had room; 0 where the
+/// other sends no more, or sent an empty one; negative with errno as of recv, EAGAIN where there is none yet. All that
+/// was sent before the end comes before it. Thread: any, one at a time for a socket.
+KR_EXPORT std::ptrdiff_t KrReceiveCLPacket(int aSocket, std::uint8_t* aBytes, std::size_t aSize);
 
 /// Whether the process at the other end of a Unix socket is of this process' user. Thread: any.
 KR_EXPORT bool KrIsOwnUser(int aSocket);
