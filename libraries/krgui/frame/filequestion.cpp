@@ -1,5 +1,6 @@
 #include "frame/filequestion.h"
 
+#include "frame/filelistmenu.h"
 #include "platform/messagebox.h"
 
 #include <QDir>
@@ -23,6 +24,7 @@ public:
     setOption(HideNameFilterDetails, aQuestion.hidesPatterns);
     setFileMode(AnyFile);
     setNameFilters(aQuestion.filters.isEmpty() ? QStringList(QStringLiteral("All files (*)")) : aQuestion.filters);
+    ReplaceListMenus(*this);
   }
 
 protected:

@@ -4,6 +4,10 @@
 #include "terminalfixture.h"
 #include "windowwait.h"
 
+#include <QAbstractItemView>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPointer>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -87,6 +91,26 @@ TEST_F(Endings, WindowDeletedFromABoxWhileAFileIsSent_EndsBoth) {
 
   EXPECT_EQ(mWindow, nullptr);
   EXPECT_FALSE(mLine->IsOpen());
+}
+
+TEST_F(Endings, WindowDeletedWhileTheMenuOfTheFilesIsOpen_EndsCleanly) {
+  Open();
+  QPointer<QMenu> menu;
+  DuringNextModalLoop([&](QWidget& aDialog) {
+    auto* const files = aDialog.findChild<QAbstractItemView*>("treeView");
+    ASSERT_NE(files, nullptr);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, {1, 1}, files->viewport()->mapToGlobal(QPoint(1, 1)));
+    QCoreApplication::sendEvent(files->viewport(), &event);
+    menu = files->findChild<QMenu*>();
+    ASSERT_NE(menu, nullptr);
+    EXPECT_FALSE(menu->actions().isEmpty());
+    mWindow.reset();
+  });
+
+  Click(id::kBrowse);
+
+  EXPECT_EQ(mWindow, nullptr);
+  EXPECT_EQ(menu, nullptr);
 }
 
 TEST_F(Endings, WindowDeletedWhileReceiving_EndsCleanly) {
