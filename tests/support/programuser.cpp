@@ -1,6 +1,7 @@
 #include "programuser.h"
 
 #include <QElapsedTimer>
+#include <QRect>
 
 #include <gtest/gtest.h>
 
@@ -108,11 +109,15 @@ bool ProgramUser::AwaitNoText(const QString& aText) {
   return Await("no text " + aText, [&] { return !Has(aText); });
 }
 
+std::optional<AccessibleItem> ProgramUser::FindControl(const QString& aRole, const QString& aName) {
+  return mScreen.Find(
+      [&](const AccessibleItem& aItem) { return aItem.isEnabled && aItem.role == aRole && aItem.name == aName; });
+}
+
 std::optional<AccessibleItem> ProgramUser::AwaitControl(const QString& aRole, const QString& aName) {
   std::optional<AccessibleItem> found;
   Await(aRole + ' ' + aName, [&] {
-    found = mScreen.Find(
-        [&](const AccessibleItem& aItem) { return aItem.isEnabled && aItem.role == aRole && aItem.name == aName; });
+    found = FindControl(aRole, aName);
     return found.has_value();
   });
   return found;
@@ -161,10 +166,20 @@ void ProgramUser::Click(const QPoint& aPoint, int aButton) const {
 }
 
 bool ProgramUser::Click(const QString& aRole, const QString& aName) {
-  const std::optional<AccessibleItem> item = AwaitControl(aRole, aName);
-  if (item)
-    Click(mScreen.GetPlace(*item).center());
-  return item.has_value();
+  constexpr int kLooks = 4;
+  QRect place;
+  int looks = 0;
+  // What has just appeared may move yet, with its window or in it.
+  const bool isThere = Await(aRole + ' ' + aName + " at one place", [&] {
+    const std::optional<AccessibleItem> item = FindControl(aRole, aName);
+    const QRect now = item ? mScreen.GetPlace(*item) : QRect();
+    looks = item && now == place ? looks + 1 : 0;
+    place = now;
+    return looks == kLooks;
+  });
+  if (isThere)
+    Click(place.center());
+  return isThere;
 }
 
 void ProgramUser::ResizeWindow(QSize aSize) const {

@@ -71,6 +71,7 @@ public:
 
 private:
   std::optional<AccessibleItem> FindWindow(const QString& aTitle);
+  std::optional<AccessibleItem> FindControl(const QString& aRole, const QString& aName);
   QString DescribeScreen();
 
   QProcess mProcess;
