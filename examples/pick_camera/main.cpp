@@ -24,7 +24,7 @@ public:
   // What the finder still does on its way out must find this object whole.
   ~VendorFinder() override { DeleteWnd(); }
 
-  // Comes on the discovery thread: it looks at what does not change, and waits for nobody.
+  // Comes on the discovery thread: it looks at what does not change, waits for nobody and touches no window.
   bool OnFound(const KrDeviceInfo* aDevice) override {
     return mVendor.IsEmpty() || aDevice->GetVendorName() == mVendor;
   }

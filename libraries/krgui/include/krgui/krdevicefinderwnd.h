@@ -32,8 +32,9 @@ public:
 
   /// Asked about every report of a device before it enters the tree; false drops the report, so that the device is
   /// never shown. Called on the discovery thread, and on the user-interface thread while the tree is built anew; it
-  /// must not wait for the other. It has to be short: closing, OK and the address dialogs wait for a call that runs. An
-  /// exception counts as true and is logged.
+  /// must not wait for the other. It decides and touches no window, this one included, as windows belong to the
+  /// user-interface thread: what wants one it posts there. It has to be short: closing, OK and the address dialogs wait
+  /// for a call that runs. An exception counts as true and is logged.
   virtual bool OnFound(const KrDeviceInfo* aDevice);
 
   /// The user has accepted the device that GetSelected now gives. Called on the user-interface thread, while a window
