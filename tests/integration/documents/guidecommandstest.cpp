@@ -127,6 +127,22 @@ TEST_F(GuideCommands, EachLine_RunsAsItStandsThereAndDoesWhatTheGuideSays) {
     EXPECT_TRUE(fs::exists(mWork.GetPath() / file)) << file;
 }
 
+TEST_F(GuideCommands, EachLab_LoadsAsItStandsThereAndHasItsCamera) {
+  const std::string file = mWork.GetFile("lab.yaml");
+
+  int count = 0;
+  for (const CodeBlock& block : ParseCodeBlocks(ReadText(GUIDE_PATH))) {
+    if (block.language != "yaml")
+      continue;
+    ++count;
+    std::ofstream(file) << block.text;
+    const Outcome listed = RunCommand("krtool list --lab " + file);
+    EXPECT_EQ(listed.exitCode, 0) << "docs/guide.md:" << block.line << ":\n" << listed.output;
+    EXPECT_THAT(listed.output, HasSubstr("line-1")) << "docs/guide.md:" << block.line;
+  }
+  EXPECT_GE(count, 1);
+}
+
 TEST_F(GuideCommands, PackagesToShip_HaveEachLibraryThatTheProgramWants) {
   if (std::string_view(SANITIZE_FLAG) != "")
     GTEST_SKIP() << "A sanitizer's checks want libraries that what is shipped does not.";
