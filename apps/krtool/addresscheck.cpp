@@ -57,6 +57,12 @@ void CheckAgainstAdapter(const AddressPlan& aPlan, const std::vector<AdapterSubn
     aDoubts.push_back(DescribeForeignSubnet("The gateway " + Format(aPlan.gateway), aSubnets));
 }
 
+void CheckGateway(const AddressPlan& aPlan, std::vector<std::string>& aDoubts) {
+  if (aPlan.gateway != 0 && aPlan.gateway == aPlan.address)
+    aDoubts.push_back("The gateway " + Format(aPlan.gateway) +
+                      " is the device's own address; without a gateway it is 0.0.0.0.");
+}
+
 } // namespace
 
 std::vector<AdapterSubnet> GetSubnets(const KrNetworkAdapter& aAdapter) {
@@ -81,6 +87,7 @@ AddressVerdict CheckAddress(const AddressPlan& aPlan, const std::vector<AdapterS
                             const std::vector<std::uint32_t>& aOthers) {
   AddressVerdict verdict{FindRefusal(aPlan, aSubnets), {}};
   CheckAgainstAdapter(aPlan, aSubnets, verdict.doubts);
+  CheckGateway(aPlan, verdict.doubts);
   if (!krsystem::IsContiguousMask(aPlan.mask))
     verdict.doubts.push_back("The mask " + Format(aPlan.mask) + " has a gap: ones come first, then zeros.");
   const std::uint32_t lastField = aPlan.address & kLastFieldMask;

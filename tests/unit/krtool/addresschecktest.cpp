@@ -81,6 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Plan{"LastFieldZero", "172.16.1.0", "255.255.0.0", "0.0.0.0", "end by 0 or 255"},
                     Plan{"LastField255", "172.16.1.255", "255.255.0.0", "0.0.0.0", "end by 0 or 255"},
                     Plan{"ForeignGateway", "192.168.1.20", "255.255.255.0", "10.0.0.1", "The gateway 10.0.0.1 is in"},
+                    Plan{"ItselfAsGateway", "192.168.1.20", "255.255.255.0", "192.168.1.20", "the device's own"},
                     Plan{"AnotherDevices", "192.168.1.30", "255.255.255.0", "0.0.0.0", "Another device has"}),
     GetName);
 
