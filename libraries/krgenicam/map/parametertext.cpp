@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -42,10 +43,23 @@ KrResult ReadFloat(Evaluation& aEvaluation, Node& aNode, std::string& aText) {
   return result;
 }
 
+// What is beyond all numbers counts as the largest one, which nobody wrote: its refusal names the text.
+KrResult NameText(const KrResult& aRefusal, const Node& aNode, double aValue, std::string_view aText) {
+  const std::string attempt = QuoteName(aNode.GetName()) + " cannot be set to ";
+  const std::string counted = attempt + FormatNumber(Number(aValue));
+  const std::string description = aRefusal.GetDescription().ToUtf8();
+  if (!description.starts_with(counted))
+    return aRefusal;
+  return {aRefusal.GetCode(), attempt + Quote(aText) + description.substr(counted.size())};
+}
+
 KrResult WriteFloat(Evaluation& aEvaluation, Node& aNode, std::string_view aText) {
   const std::optional<double> value = ParseFloat(Trim(aText));
-  return value && !std::isnan(*value) ? aNode.SetValue(aEvaluation, Number(*value))
-                                      : RefuseText(aNode, aText, "a number");
+  if (!value || std::isnan(*value))
+    return RefuseText(aNode, aText, "a number");
+  KrResult result = aNode.SetValue(aEvaluation, Number(*value));
+  const bool isLargest = std::abs(*value) == std::numeric_limits<double>::max();
+  return isLargest && result == KrResult::Code::OutOfRange ? NameText(result, aNode, *value, aText) : result;
 }
 
 KrResult ReadBoolean(Evaluation& aEvaluation, Node& aNode, std::string& aText) {

@@ -221,6 +221,18 @@ TEST(KrGenParameter, FromString_TextThatIsNoValue_IsInvalidInput) {
         << row.name << " " << row.text;
 }
 
+TEST(KrGenParameter, FromString_NumberBeyondAll_IsRefusedByTheTextThatWasGiven) {
+  DescribedCamera camera("<Float Name='Gain'><Value>1</Value><Min>0</Min><Max>24</Max></Float>");
+
+  for (const char* text : {"1e400", "-1e400"}) {
+    const KrResult result = camera.array->Get("Gain")->FromString(text);
+
+    EXPECT_TRUE(result == KrResult::Code::OutOfRange);
+    EXPECT_EQ(result.GetDescription().ToUtf8(),
+              "\"Gain\" cannot be set to \"" + std::string(text) + "\": it takes 0 to 24.");
+  }
+}
+
 TEST(KrGenParameter, ToString_WithoutAValueOrAccess_Fails) {
   DescribedCamera camera(kNodes);
   KrString text("kept");
