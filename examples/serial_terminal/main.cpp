@@ -43,11 +43,15 @@ int main(int argc, char** argv) {
     std::cout << "usage: serial_terminal [--simulate] [PORT]\n";
     return 0;
   }
-  QApplication application(argc, argv);
   KrString portName;
   for (int i = 1; i < argc; ++i)
     if (std::string_view(argv[i]) != "--simulate")
       portName = argv[i];
+  if (!portName.IsEmpty() && FindPort(portName) == KrDeviceSerial::Invalid) {
+    std::cerr << "There is no port " << portName.CStr() << "; ports are Serial0, Serial1 and Bulk0 to Bulk7.\n";
+    return 2;
+  }
+  QApplication application(argc, argv);
   KrSystem system;
   KrResult result = KrInstallTransports({.simulation = options.contains("--simulate")});
   if (result.IsOK())

@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
     result = system.Find();
   std::unique_ptr<KrDevice> device = OpenFirstCamera(system);
   if (!device) {
-    std::cerr << "No camera can be opened. " << result.GetDescription().CStr() << '\n';
+    std::cerr << "No camera can be opened. Try --simulate. " << result.GetDescription().CStr() << '\n';
     return 1;
   }
 

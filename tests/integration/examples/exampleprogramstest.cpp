@@ -1,4 +1,4 @@
-// The examples without windows, run as a developer who tries them out runs them, and what all of them say of their use.
+// The examples without windows, and others before they have one, run as a developer who tries them out runs them, and what all of them say of their use.
 
 #include "fakecamera.h"
 #include "programrun.h"
@@ -68,6 +68,20 @@ TEST(Examples, AskedForHelp_SayHowTheyAreUsedWithoutADisplay) {
       EXPECT_EQ(run.GetErrors(), "");
     }
   EXPECT_GE(count, 12);
+}
+
+TEST(ShowCameraExample, WithoutACamera_SaysWhatCanBeTried) {
+  ProgramRun run("/usr/bin/env", {"QT_QPA_PLATFORM=offscreen", SHOW_CAMERA_PATH});
+
+  EXPECT_EQ(run.Finish(), 1);
+  EXPECT_THAT(run.GetErrors(), HasSubstr("Try --simulate."));
+}
+
+TEST(SerialTerminalExample, PortThatIsNone_IsNamed) {
+  ProgramRun run(SERIAL_TERMINAL_PATH, {"--simulate", "nosuch"});
+
+  EXPECT_EQ(run.Finish(), 2);
+  EXPECT_THAT(run.GetErrors(), HasSubstr("There is no port nosuch;"));
 }
 
 TEST_F(SetParametersExample, CameraThatIsNamed_IsSetToldOfAndSaved) {
