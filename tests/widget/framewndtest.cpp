@@ -204,7 +204,7 @@ TEST(Wnd, Templates_ThatDoNotExist_FailForChildAndModelessAndSucceedForModal) {
   EXPECT_EQ(window.record->inits, 0);
 }
 
-TEST(Wnd, SecondShow_WhileOpen_IsRefusedWithoutATextAndChangesNothing) {
+TEST(Wnd, SecondShow_WhileOpen_IsRefusedAndChangesNothing) {
   QWidget parent;
   TestWnd window;
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
@@ -213,10 +213,13 @@ TEST(Wnd, SecondShow_WhileOpen_IsRefusedWithoutATextAndChangesNothing) {
   const KrResult results[] = {window.Create(parent.winId(), 0), window.CreateIn(&parent), window.ShowModal(0),
                               window.ShowModeless(0)};
 
-  for (const KrResult& result : results) {
+  for (const KrResult& result : results)
     EXPECT_EQ(result.GetCodeNumber(), 28U);
-    EXPECT_TRUE(result.GetDescription().IsEmpty());
-  }
+  // Creating it says no more than the code.
+  EXPECT_TRUE(results[0].GetDescription().IsEmpty());
+  EXPECT_EQ(results[1].GetDescription(), "The window could not be created: it is open already. Close it first.");
+  for (const KrResult& shown : {results[2], results[3]})
+    EXPECT_EQ(shown.GetDescription(), "The window could not be shown: it is open already. Close it first.");
   EXPECT_EQ(window.GetWidget(), widget);
   EXPECT_EQ(window.GetShowMode(), Wnd::Mode::Modeless);
   EXPECT_EQ(window.record->inits, 1);

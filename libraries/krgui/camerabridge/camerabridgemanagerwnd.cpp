@@ -106,7 +106,7 @@ KrResult CameraBridgeManagerWnd::Save(KrConfigurationWriter& aWriter) {
 }
 
 KrResult CameraBridgeManagerWnd::Recover() {
-  return KrResult::Code::NotOffered;
+  return {KrResult::Code::NotOffered, "The camera bridge manager offers no recovery of its bridges."};
 }
 
 int CameraBridgeManagerWnd::GetBridgeCount() const {

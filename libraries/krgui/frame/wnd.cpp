@@ -3,6 +3,7 @@
 #include "frame/wndbody.h"
 #include "platform/application.h"
 
+#include <string>
 #include <utility>
 
 namespace krgui {
@@ -16,6 +17,11 @@ constexpr int kCancelResult = 2;
 KrResult FindParent(HWND aID, OpeningParent& aParent) {
   aParent.widget = QWidget::find(aID);
   return aParent.widget != nullptr ? KrResult() : ForeignWindow::Find(aID, aParent.foreign);
+}
+
+KrResult ReportOpen(const char* aAttempt) {
+  return {KrResult::Code::WrongState,
+          std::string("The window could not be ") + aAttempt + ": it is open already. Close it first."};
 }
 
 } // namespace
@@ -43,7 +49,7 @@ KrResult Wnd::Create(HWND aParent, UINT) {
 
 KrResult Wnd::CreateIn(QWidget* aParent) {
   if (IsOpen()) {
-    return KrResult::Code::WrongState;
+    return ReportOpen("created");
   }
   mBody->mode = Mode::Child;
   if (aParent == nullptr) {
@@ -55,7 +61,7 @@ KrResult Wnd::CreateIn(QWidget* aParent) {
 
 KrResult Wnd::ShowModeless(HWND aParent) {
   if (IsOpen()) {
-    return KrResult::Code::WrongState;
+    return ReportOpen("shown");
   }
   mBody->mode = Mode::Modeless;
   KrResult result = EnsureApplication();
@@ -68,7 +74,7 @@ KrResult Wnd::ShowModeless(HWND aParent) {
 
 KrResult Wnd::ShowModal(HWND) {
   if (IsOpen()) {
-    return KrResult::Code::WrongState;
+    return ReportOpen("shown");
   }
   mBody->mode = Mode::Modal;
   KrResult result = EnsureApplication();

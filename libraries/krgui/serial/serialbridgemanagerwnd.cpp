@@ -92,7 +92,7 @@ KrResult SerialBridgeManagerWnd::Save(KrPropertyList& aProperties) const {
 }
 
 KrResult SerialBridgeManagerWnd::Recover() {
-  return KrResult::Code::NotOffered;
+  return {KrResult::Code::NotOffered, "The serial bridge manager offers no recovery of its bridges."};
 }
 
 bool SerialBridgeManagerWnd::OnInitDialog() {

@@ -36,7 +36,7 @@ public:
   /// Creates the window as a child of a native window of any toolkit. Windows with a form for this, the display and the
   /// browser, lie inside the parent without a frame. The others keep their caption and frame: windows owned by the
   /// parent, which end with it, and which OK, Cancel and the close box do not close. aID is accepted and not used.
-  /// WrongState when the window is open, Failed when there is no such parent or, with a description, no display.
+  /// WrongState, without a description, when the window is open, Failed when there is no such parent or no display.
   KrResult Create(HWND aParent, UINT aID);
   /// Embeds the window, whichever it is, without a frame as a child of a Qt widget, without making that native: the way
   /// into Qt layouts, with GetWidget(). WrongState when the window is open, Failed for null.
@@ -49,7 +49,8 @@ public:
   /// Opens the window as a modeless popup, owned by a native window of any toolkit or by none (0), and returns at once.
   /// WrongState when it is open, Failed when there is no such owner or, with a description, no display.
   KrResult ShowModeless(HWND aParent);
-  /// Closes the window; a modal one returns OK from ShowModal. WrongState when it is not open.
+  /// Closes the window; a modal one returns OK from ShowModal. WrongState, without a description, when it is not
+  /// open.
   KrResult Close();
   /// Handles this window's pending messages and returns when there are no more, so that it stays alive while the
   /// application is busy on the user-interface thread or runs no loop of its own. TimeLimitExceeded when there were
