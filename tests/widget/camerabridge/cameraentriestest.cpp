@@ -63,7 +63,9 @@ TEST_F(Entries, SetDeviceAgain_MakesNewBridges) {
 }
 
 TEST_F(Entries, Recover_IsNotOfferedInAnyState) {
-  EXPECT_EQ(mWindow->Recover().GetCodeNumber(), 1540u);
+  const KrResult closed = mWindow->Recover();
+  EXPECT_EQ(closed.GetCodeNumber(), 1540u);
+  EXPECT_EQ(closed.GetDescription(), "The camera bridge manager offers no recovery of its bridges.");
 
   Open();
 

@@ -351,7 +351,9 @@ TEST_F(State, SavedSetup_ComesBack) {
 }
 
 TEST_F(State, Recover_IsNotOfferedWhateverTheState) {
-  EXPECT_EQ(mWindow->Recover().GetCodeNumber(), 1540U);
+  const KrResult closed = mWindow->Recover();
+  EXPECT_EQ(closed.GetCodeNumber(), 1540U);
+  EXPECT_EQ(closed.GetDescription(), "The serial bridge manager offers no recovery of its bridges.");
   OpenLinked();
   EXPECT_EQ(mWindow->Recover().GetCodeNumber(), 1540U);
   EXPECT_TRUE(mLines[1]->IsOpen()) << "it does nothing";
