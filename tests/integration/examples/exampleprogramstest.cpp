@@ -1,4 +1,5 @@
-// The examples without windows, and others before they have one, run as a developer who tries them out runs them, and what all of them say of their use.
+// The examples without windows, and others before they have one, run as a developer who tries them out runs them, and
+// what all of them say of their use.
 
 #include "fakecamera.h"
 #include "programrun.h"
