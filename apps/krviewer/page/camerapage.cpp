@@ -152,6 +152,7 @@ void CameraPage::SetCamera(const CameraInfo& aCamera) {
 
 void CameraPage::Connect() {
   mHasToldEnd = false;
+  mHasFollowed = false;
   mIsConnectWanted = false;
   mConnection.Connect();
   WantPicture();
@@ -329,7 +330,8 @@ void CameraPage::LookAgain() {
   mRecordPanel->SetCameraThere(IsConnected());
   if (GetProgress().wasOpened && !std::exchange(mHasToldOpened, true))
     emit Opened();
-  if (mConnection.GetActive() && IsOver(GetProgress().state) && !std::exchange(mHasToldEnd, true))
+  // Not before the look after the one that has the features shown: frames that all come at once leave them no other.
+  if (mConnection.GetActive() && mHasFollowed && IsOver(GetProgress().state) && !std::exchange(mHasToldEnd, true))
     emit AcquisitionEnded();
   if (Acquisition* const acquisition = mConnection.GetActive())
     Follow(*acquisition);
@@ -338,6 +340,7 @@ void CameraPage::LookAgain() {
 }
 
 void CameraPage::Follow(Acquisition& aAcquisition) {
+  mHasFollowed = true;
   mFeatures->Follow(aAcquisition.GetParameters(ParameterBorrower::Browser), mPanels.IsShown(Panel::Features));
   mStreamFeatures->Follow(aAcquisition.GetParameters(HostSide::Stream), mPanels.IsShown(Panel::StreamFeatures));
   mTransportFeatures->Follow(aAcquisition.GetParameters(HostSide::Connection),

@@ -196,6 +196,7 @@ private:
   bool mHasToldOpened = false;
   bool mHasToldMissing = false;
   bool mHasToldEnd = false;
+  bool mHasFollowed = false;     ///< What the connection lends was shown at a look.
   bool mIsConnectWanted = false; ///< As soon as the camera is given back.
   bool mIsEnded = false;
   bool mIsCameraLeft = false;

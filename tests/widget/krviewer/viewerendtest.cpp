@@ -1,11 +1,13 @@
 // Runs that end by themselves or are ended, with a camera that does not let go in time or is lost.
 
 #include "gate.h"
+#include "plainpicture.h"
 #include "viewerfixture.h"
 #include "window/endingwindow.h"
 
 #include <QEventLoop>
 #include <QFile>
+#include <QImage>
 #include <QTimer>
 
 using krviewer::EndingWindow;
@@ -168,6 +170,22 @@ TEST_F(ViewerEndTest, CameraThatLetsGo_LeavesAllPicturesAtOnce) {
 
   for (const char* const picture : {"window.png", "display.png", "browser.png", "frame.png", "display.txt"})
     EXPECT_TRUE(HasPicture(picture)) << picture;
+}
+
+TEST_F(ViewerEndTest, RunWhoseFramesAllCameBeforeTheFirstLook_LeavesAllPictures) {
+  krviewer::CommandLine commandLine = MakeCommandLine(0);
+  commandLine.frames = 1;
+  Begin(commandLine);
+  Open(kMonoMAC);
+  // The page's timer does not run meanwhile.
+  ASSERT_TRUE(krtest::Await([this] { return GetPage()->CanSaveFrame(); }));
+
+  EXPECT_EQ(mViewer->Run(), 0);
+
+  for (const char* const picture : {"window.png", "display.png", "browser.png", "frame.png", "display.txt"})
+    EXPECT_TRUE(HasPicture(picture)) << picture;
+  const QImage browser(QString::fromStdString(mFolder.GetFile("shots/browser.png")));
+  EXPECT_GT(plainpicture::Count(browser, browser.rect(), Qt::black), 200) << "There are no features in it.";
 }
 
 TEST_F(ViewerEndTest, RunWhoseCameraIsLostAtItsEnd_HasFailedAndSaysSo) {
