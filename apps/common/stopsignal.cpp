@@ -50,4 +50,9 @@ int StopSignal::GetSignal() const {
   return gSignal;
 }
 
+int StopSignal::GetExitCode() const {
+  constexpr int kSignalBase = 128;
+  return kSignalBase + GetSignal();
+}
+
 } // namespace krapps

@@ -18,6 +18,8 @@ public:
   bool IsRaised() const { return GetSignal() != 0; }
   /// The signal that came, or 0.
   int GetSignal() const;
+  /// The exit code of a program that the signal ended before it was done, as shells have it for those that it kills.
+  int GetExitCode() const;
 };
 
 } // namespace krapps

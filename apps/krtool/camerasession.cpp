@@ -54,11 +54,6 @@ int FailToWrite(std::ostream& aErrors, const KrResult& aResult) {
   return Fail(aErrors, {aResult.GetCode(), aResult.GetDescription() + (isInTheWay ? " --force replaces it." : "")});
 }
 
-int GetExitCode(const krapps::StopSignal& aStop) {
-  constexpr int kSignalBase = 128;
-  return kSignalBase + aStop.GetSignal();
-}
-
 KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, KrDeviceAccess aAccess,
                          std::unique_ptr<KrDevice>& aDevice) {
   const KrDeviceInfo* info = nullptr;

@@ -29,9 +29,6 @@ int FailForLoss(std::ostream& aErrors, const std::string& aDevice, const KrResul
 /// The same where a file could not be made; adds how one that is in the way can be replaced.
 int FailToWrite(std::ostream& aErrors, const KrResult& aResult);
 
-/// The exit code of a command that a signal ended before it was done, as shells have it for programs that it kills.
-int GetExitCode(const krapps::StopSignal& aStop);
-
 /// Finds and opens the device of a name. On failure aDevice stays null.
 KrResult OpenNamedDevice(KrSystem& aSystem, const KrString& aName, KrDeviceAccess aAccess,
                          std::unique_ptr<KrDevice>& aDevice);

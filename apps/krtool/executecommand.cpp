@@ -58,7 +58,7 @@ int RunExecute(KrSystem& aSystem, const CommandLine& aCommandLine, std::ostream&
   if (executed.IsOK())
     return 0;
   const int exitCode = Fail(aErrors, Explain("executing " + name + " of " + source.GetName() + " failed", executed));
-  return stop.IsRaised() ? GetExitCode(stop) : exitCode;
+  return stop.IsRaised() ? stop.GetExitCode() : exitCode;
 }
 
 } // namespace krtool

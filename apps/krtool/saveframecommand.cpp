@@ -93,7 +93,7 @@ int SaveFrameOf(KrDevice& aDevice, const CommandLine& aCommandLine, std::ostream
   const KrResult taken = AwaitWholeFrame(stream, stop, timeoutMs, aErrors, frame);
   if (!taken.IsOK()) {
     const int exitCode = Fail(aErrors, Explain("taking a frame of " + name + " failed", taken));
-    return stop.IsRaised() ? GetExitCode(stop) : exitCode;
+    return stop.IsRaised() ? stop.GetExitCode() : exitCode;
   }
   stream.Stop(); // The frame stays readable, and the camera need not send while the disk is busy.
 

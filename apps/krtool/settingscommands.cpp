@@ -26,7 +26,7 @@ void TellProblems(const KrStringList& aProblems, std::ostream& aErrors) {
 }
 
 int GetCutShortCode(const Cancellation& aCancellation) {
-  return aCancellation.GetStop().IsRaised() ? GetExitCode(aCancellation.GetStop()) : 1;
+  return aCancellation.GetStop().IsRaised() ? aCancellation.GetStop().GetExitCode() : 1;
 }
 
 } // namespace

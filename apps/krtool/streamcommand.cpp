@@ -48,7 +48,7 @@ int StreamFrom(KrDevice& aDevice, const CommandLine& aCommandLine, std::ostream&
   aOut << krapps::FormatClosingLine(figures, statistics) << std::endl;
   TellOfFramesThatNeverCame(statistics, aErrors);
   if (stop.IsRaised() && figures.GetFrames() < aCommandLine.frames)
-    return GetExitCode(stop);
+    return stop.GetExitCode();
   return taken.IsOK() ? 0 : Fail(aErrors, Explain("the stream of " + name + " ended", taken));
 }
 

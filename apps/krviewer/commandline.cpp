@@ -69,6 +69,11 @@ Examples:
     krviewer --headless --seconds 5 --screenshot shots 192.168.1.20
                                           what the camera sends for five seconds, as pictures
 
+Ctrl-C ends it as closing its windows does; a second one at once, without figures,
+pictures and settings. The exit code is 0, 1 when it failed, 2 when it was not
+understood, or 128 and the number of the signal that ended a run before the end of its
+own that --frames or --seconds gives it.
+
 Keys:
   Ctrl+O       find a camera            Ctrl+W         close the camera, or a window
   F5           start                    Shift+F5       stop

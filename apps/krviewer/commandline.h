@@ -20,8 +20,10 @@ struct CommandLine {
   QString style;             ///< Of Qt, in which windows are drawn; empty for the desktop's.
   QString screenshotFolder;  ///< Where pictures go at the end; empty for none.
 
+  /// Whether what ends it is among what was asked for, so that a signal before cuts it short.
+  bool HasEnd() const { return frames != 0 || seconds != 0; }
   /// Whether it ends by itself: nobody is asked then, and nothing is kept of how the windows were.
-  bool IsBatch() const { return headless || frames != 0 || seconds != 0; }
+  bool IsBatch() const { return headless || HasEnd(); }
 };
 
 enum class CommandLineStatus { Run, Help, Version, Error };

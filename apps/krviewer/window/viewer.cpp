@@ -67,7 +67,7 @@ int Viewer::Run() {
   mIsRunning = false;
   // Whoever ends the loop otherwise ends the viewer, too.
   Finish();
-  return mExitCode;
+  return mIsCutShort ? mStopSignal.GetExitCode() : mExitCode;
 }
 
 MainWindow& Viewer::AddWindow(bool aIsOwn) {
@@ -303,8 +303,10 @@ void Viewer::CountSeconds() {
 }
 
 void Viewer::LookAgain() {
-  if (mStopSignal.IsRaised())
+  if (mStopSignal.IsRaised()) {
+    mIsCutShort = mCommandLine.HasEnd();
     return Finish();
+  }
   CountSeconds();
   mFinder.Follow();
   mWanted.Follow();

@@ -60,7 +60,8 @@ public:
   /// Looks for a camera by its ID, address, serial number or name while the windows go on, and shows it; what was not
   /// found is said in the window. Only after Begin.
   void Search(const QString& aName) { mWanted.Search(aName); }
-  /// Runs the application's loop until the end; gives the program's exit code.
+  /// Runs the application's loop until the end; gives the program's exit code, which for a signal that cut short a run
+  /// with an end of its own is 128 and its number.
   int Run();
   /// Ends everything, as if the windows had been closed.
   void Finish();
@@ -122,6 +123,7 @@ private:
   int mLoopLevel = 0;        ///< How many loops run while none of a window's own does.
   bool mIsRunning = false;   ///< The application's loop is the viewer's.
   int mExitCode = 0;
+  bool mIsCutShort = false; ///< A signal came before the end that the command line asks for.
   bool mIsOver = false;
 };
 

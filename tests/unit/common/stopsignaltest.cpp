@@ -18,6 +18,7 @@ TEST(StopSignal, EachSignal_WhileItLives_SetsTheFlagAlone) {
 
     EXPECT_TRUE(stop.IsRaised());
     EXPECT_EQ(stop.GetSignal(), signal);
+    EXPECT_EQ(stop.GetExitCode(), 128 + signal);
   }
 }
 

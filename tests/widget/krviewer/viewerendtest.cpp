@@ -10,6 +10,9 @@
 #include <QImage>
 #include <QTimer>
 
+#include <csignal>
+#include <cstdio>
+
 using krviewer::EndingWindow;
 
 namespace {
@@ -203,6 +206,43 @@ TEST_F(ViewerEndTest, RunWhoseCameraIsLostAtItsEnd_HasFailedAndSaysSo) {
   const std::string told = testing::internal::GetCapturedStderr();
   EXPECT_EQ(exitCode, 1);
   EXPECT_NE(told.find("The camera was lost"), std::string::npos) << told;
+}
+
+TEST_F(ViewerEndTest, RunThatASignalEnds_ExitsWithItsNumberWhereItHasAnEndOfItsOwn) {
+  struct Row {
+    const char* name;
+    std::uint64_t frames;
+    std::uint32_t seconds;
+    int signal;
+    int exitCode;
+  };
+  for (const Row& row : {Row{"frames", 1000, 0, SIGINT, 128 + SIGINT}, Row{"seconds", 0, 1000, SIGTERM, 128 + SIGTERM},
+                         Row{"no end", 0, 0, SIGTERM, 0}}) {
+    SCOPED_TRACE(row.name);
+    krviewer::CommandLine commandLine;
+    commandLine.frames = row.frames;
+    commandLine.seconds = row.seconds;
+    Begin(commandLine);
+    std::raise(row.signal);
+
+    EXPECT_EQ(mViewer->Run(), row.exitCode);
+    mViewer.reset();
+  }
+}
+
+TEST_F(ViewerEndTest, RunThatASignalEnds_LeavesItsPicturesAndFigures) {
+  Begin(MakeCommandLine(1000));
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->GetProgress().figures.GetFrames() > 0; }));
+  testing::internal::CaptureStdout();
+  std::raise(SIGTERM);
+
+  EXPECT_EQ(mViewer->Run(), 128 + SIGTERM);
+
+  std::fflush(stdout);
+  const std::string printed = testing::internal::GetCapturedStdout();
+  EXPECT_NE(printed.find("frames="), std::string::npos) << printed;
+  EXPECT_TRUE(HasPicture("browser.png"));
 }
 
 TEST_F(ViewerEndTest, ViewerThatNobodyRuns_EndsNoLoopThatComesLater) {
