@@ -5,6 +5,7 @@
 #include "panels/histogrampanel.h"
 #include "panels/lineprofilepanel.h"
 #include "plaintext.h"
+#include "recording/recordingtexts.h"
 #include "window/failurebox.h"
 #include "window/showntext.h"
 
@@ -180,8 +181,9 @@ void CameraPage::GiveBack(Acquisition& aAcquisition) {
 }
 
 void CameraPage::End() {
+  TellRecordings();
   if (!std::exchange(mIsEnded, true))
-    mHasEndedRecording = mRecorder.IsBusy();
+    mHasEndedRecording = mRecorder.HasUntaken();
   mIsConnectWanted = false;
   mRecorder.Stop();
   mSaver.End();
@@ -233,6 +235,15 @@ void CameraPage::TellNothingToRecord() {
   ShowFailure(
       this, tr("Record"),
       {KrResult::Code::ConnectionLost, "Nothing can be recorded, as " + why + GetProgress().result.GetDescription()});
+}
+
+// What comes of the one that the page's end stops is told when all is written.
+void CameraPage::TellRecordings() {
+  if (mIsEnded)
+    return;
+  for (const RecordingProgress& recording : mRecorder.TakeEnded())
+    if (HasFailed(recording))
+      emit RecordingFailed(recording);
 }
 
 void CameraPage::Disconnect() {
@@ -327,6 +338,7 @@ void CameraPage::LookAgain() {
   }
   LookForTrouble();
   TellState();
+  TellRecordings();
   mRecordPanel->SetCameraThere(IsConnected());
   if (GetProgress().wasOpened && !std::exchange(mHasToldOpened, true))
     emit Opened();

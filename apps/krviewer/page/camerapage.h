@@ -92,7 +92,7 @@ public:
   bool CanSaveFrame() const { return mSaver.HasFrame(); }
   void SaveFrame() { mSaver.Ask(this); }
   bool IsRecording() const { return mRecorder.IsBusy(); }
-  /// Whether its end stopped a recording.
+  /// Whether its end stopped a recording, or found one that had just ended.
   bool HasEndedRecording() const { return mHasEndedRecording; }
   RecordingProgress GetRecording() const { return mRecorder.GetProgress(); }
   /// Stops a recording without what is not written yet.
@@ -144,6 +144,8 @@ signals:
   void CameraChanged(const QString& aFormerID);
   /// Something was done that is worth a word and no more.
   void Noticed(const QString& aText);
+  /// Before the page's end, something that was to be recorded could not be written.
+  void RecordingFailed(const krviewer::RecordingProgress& aRecording);
   /// The acquisition has come to its end: the number of frames has come, or the camera could not be had.
   void AcquisitionEnded();
 
@@ -165,6 +167,7 @@ private:
   void TellState();
   void TellRefusal(const QString& aWhat, const KrResult& aResult);
   void TellNothingToRecord();
+  void TellRecordings();
   void AnnounceSettings(const QString& aWhat);
   void TellSettings(const QString& aWhat, const KrStringList& aProblems);
 

@@ -86,6 +86,15 @@ EndingWork MakeEndingWork(CameraPage& aPage, std::chrono::milliseconds aCameraLi
           .cameraLimit = aCameraLimit};
 }
 
+QString TellFailedRecording(const CameraPage& aPage, const RecordingProgress& aRecording) {
+  const QString trouble = QStringLiteral("The recording of %1 is not whole. %2 %3")
+                              .arg(GetName(aPage), QString::fromStdString(DescribeState(aRecording)),
+                                   QString::fromStdString(DescribeLosses(aRecording)))
+                              .trimmed();
+  std::fprintf(stderr, "%s\n", ToLine(trouble, kLongestLine).toUtf8().constData());
+  return trouble;
+}
+
 QString TellWritten(const CameraPage& aPage) {
   QStringList troubles;
   if (aPage.HasEndedRecording()) {
@@ -95,14 +104,12 @@ QString TellWritten(const CameraPage& aPage) {
                 " abandoned=%" PRIu64 "\n",
                 counts.written, counts.incomplete, counts.queueFull, counts.failed, counts.abandoned);
     if (HasFailed(recording))
-      troubles += QStringLiteral("The recording of %1 is not whole. %2 %3")
-                      .arg(GetName(aPage), QString::fromStdString(DescribeState(recording)),
-                           QString::fromStdString(DescribeLosses(recording)))
-                      .trimmed();
+      troubles += TellFailedRecording(aPage, recording);
   }
-  troubles += aPage.GetSavingFailures();
-  for (const QString& trouble : troubles)
+  for (const QString& trouble : aPage.GetSavingFailures()) {
     std::fprintf(stderr, "%s\n", ToLine(trouble, kLongestLine).toUtf8().constData());
+    troubles += trouble;
+  }
   // These are on the error stream already.
   troubles += aPage.GetTools().GetFailures();
   return troubles.join(QLatin1Char('\n'));

@@ -1,6 +1,7 @@
 #pragma once
 // The end of a camera's page: the pictures that were asked for, and the figures that are printed.
 
+#include "recording/recordingprogress.h"
 #include "window/endingwindow.h"
 
 #include <QString>
@@ -20,6 +21,9 @@ bool EndWithPictures(CameraPage& aPage, const QString& aFolder, std::chrono::mil
 
 /// What is still under way of a page that has ended, which outlives it. So long its camera is awaited at most.
 EndingWork MakeEndingWork(CameraPage& aPage, std::chrono::milliseconds aCameraLimit);
+
+/// Tells on the error stream what of a recording could not be written, and gives it in words.
+QString TellFailedRecording(const CameraPage& aPage, const RecordingProgress& aRecording);
 
 /// Prints what came of the recording that a page's end stopped, and tells on the error stream what of it, or of frames
 /// that were saved, could not be written: all is written, or never will be. Gives that trouble in words; empty without.

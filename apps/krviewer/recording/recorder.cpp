@@ -20,11 +20,13 @@ KrResult Recorder::Start(const RecordingOptions& aOptions) {
                                           "without room for a frame in memory."};
   if (mThread.joinable())
     mThread.join();
+  mEnded = TakeEnded();
   const auto recording = std::make_shared<Recording>(aOptions, mClock);
   {
     const std::lock_guard lock(mMutex);
     mRecording = recording;
   }
+  mIsUntaken = true;
   mThread = std::thread([recording] { recording->Write(); });
   return {};
 }
@@ -68,6 +70,15 @@ RecordingProgress Recorder::GetProgress() const {
   const std::lock_guard lock(mMutex);
   progress.isFed = mIsFed;
   return progress;
+}
+
+std::vector<RecordingProgress> Recorder::TakeEnded() {
+  std::vector<RecordingProgress> ended = std::exchange(mEnded, {});
+  if (mIsUntaken && !IsBusy()) {
+    mIsUntaken = false;
+    ended.push_back(GetProgress());
+  }
+  return ended;
 }
 
 std::uint64_t Recorder::GetBytesDone() const {

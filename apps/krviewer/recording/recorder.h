@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace krviewer {
 
@@ -46,6 +47,10 @@ public:
   /// Whether a recording is not over yet.
   bool IsBusy() const;
   RecordingProgress GetProgress() const;
+  /// What has come of the recordings that have ended since the last call.
+  std::vector<RecordingProgress> TakeEnded();
+  /// Whether there is a recording that TakeEnded has not given: it is not over, or has been since the last call.
+  bool HasUntaken() const { return mIsUntaken; }
   /// Changes as the files of a recording get on, within a file, too.
   std::uint64_t GetBytesDone() const;
 
@@ -64,6 +69,8 @@ private:
   std::shared_ptr<Recording> mRecording; ///< The last one; null before the first.
   bool mIsFed = false;                   ///< The camera streams, whether or not something is recorded.
   std::thread mThread;
+  std::vector<RecordingProgress> mEnded; ///< Not taken, of recordings before the last one.
+  bool mIsUntaken = false;               ///< The last one was not.
 };
 
 } // namespace krviewer

@@ -2,6 +2,7 @@
 
 #include "acquisition/cameraidentity.h"
 #include "help/guidewindow.h"
+#include "page/pageending.h"
 #include "plaintext.h"
 #include "simulationchoice.h"
 #include "window/aboutbox.h"
@@ -189,6 +190,10 @@ void Viewer::ConnectPage(CameraPage& aPage) {
   });
   connect(&aPage, &CameraPage::CameraChanged, this,
           [this, &aPage](const QString& aFormerID) { NoteChange(aPage, aFormerID); });
+  connect(&aPage, &CameraPage::RecordingFailed, this, [this, &aPage](const RecordingProgress& aRecording) {
+    TellFailedRecording(aPage, aRecording);
+    mExitCode = 1;
+  });
   connect(&aPage, &CameraPage::AcquisitionEnded, this, [this, &aPage] { NoteEnd(aPage); });
 }
 
@@ -315,8 +320,10 @@ void Viewer::LookAgain() {
   NoteEndedPages();
   if (const QString trouble = TakeWriteTrouble(); !trouble.isEmpty())
     GetActiveWindow().GetBar().Say({MessageKind::Warning, trouble});
-  if (const QString trouble = mEndedPages.TellWritten(); !trouble.isEmpty())
+  if (const QString trouble = mEndedPages.TellWritten(); !trouble.isEmpty()) {
     GetActiveWindow().GetBar().Say({MessageKind::Error, trouble});
+    mExitCode = 1;
+  }
   OpenReturned();
   DeleteEnded();
 }

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <vector>
 
 using namespace krviewer;
 using testing::ElementsAre;
@@ -46,6 +47,29 @@ TEST_F(RecorderTest, FolderWithoutAPlace_IsNotFound) {
   const RecordingProgress progress = AwaitEnd();
 
   EXPECT_TRUE(progress.result == KrResult::Code::NotFound);
+}
+
+TEST_F(RecorderTest, EachThatHasEnded_IsTakenOnceAlsoWhenAnotherRuns) {
+  RecordingOptions failing = MakeOptions();
+  failing.folder = mPlace.GetFile("none/recording");
+  EXPECT_FALSE(mRecorder.HasUntaken());
+  ASSERT_TRUE(mRecorder.Start(failing).IsOK());
+  AwaitEnd();
+  ASSERT_TRUE(mRecorder.Start(MakeOptions()).IsOK());
+
+  const std::vector<RecordingProgress> first = mRecorder.TakeEnded();
+  ASSERT_EQ(first.size(), 1U);
+  EXPECT_EQ(first[0].end, RecordingEnd::Failed);
+  EXPECT_THAT(mRecorder.TakeEnded(), IsEmpty());
+  EXPECT_TRUE(mRecorder.HasUntaken());
+  mRecorder.Stop();
+  AwaitEnd();
+
+  const std::vector<RecordingProgress> second = mRecorder.TakeEnded();
+  ASSERT_EQ(second.size(), 1U);
+  EXPECT_EQ(second[0].end, RecordingEnd::Stopped);
+  EXPECT_THAT(mRecorder.TakeEnded(), IsEmpty());
+  EXPECT_FALSE(mRecorder.HasUntaken());
 }
 
 TEST_F(RecorderTest, StartWhileOneRuns_IsRefused) {

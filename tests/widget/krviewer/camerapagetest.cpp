@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QStatusBar>
+#include <QTimer>
 
 #include <cstdio>
 #include <filesystem>
@@ -360,6 +361,8 @@ TEST_F(CameraPageTest, FrameThatCannotBeSavedAfterItsTabWasClosed_IsToldInTheWin
 
   EXPECT_TRUE(Await([this] { return GetWindow().GetBar().GetText().contains("/proc/shot.raw"); }))
       << GetWindow().GetBar().GetText().toStdString();
+  QTimer::singleShot(0, &*mViewer, &krviewer::Viewer::Finish);
+  EXPECT_EQ(mViewer->Run(), 1);
 }
 
 TEST_F(CameraPageTest, BridgeSetupThatCannotBeSavedAfterItsTabWasClosed_IsToldInTheWindow) {

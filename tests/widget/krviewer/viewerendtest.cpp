@@ -1,5 +1,6 @@
 // Runs that end by themselves or are ended, with a camera that does not let go in time or is lost.
 
+#include "filesizelimit.h"
 #include "gate.h"
 #include "plainpicture.h"
 #include "viewerfixture.h"
@@ -8,6 +9,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QImage>
+#include <QLineEdit>
 #include <QTimer>
 
 #include <csignal>
@@ -243,6 +245,31 @@ TEST_F(ViewerEndTest, RunThatASignalEnds_LeavesItsPicturesAndFigures) {
   const std::string printed = testing::internal::GetCapturedStdout();
   EXPECT_NE(printed.find("frames="), std::string::npos) << printed;
   EXPECT_TRUE(HasPicture("browser.png"));
+}
+
+TEST_F(ViewerEndTest, RecordingThatFailsBeforeTheEnd_IsToldThenAndFailsTheRun) {
+  Begin();
+  OpenStreaming();
+  GetPage()->findChild<QLineEdit*>("recordFolder")->setText(QString::fromStdString(mFolder.GetFile("")));
+  int failed = 0;
+  QObject::connect(GetPage(), &krviewer::CameraPage::RecordingFailed, [&] { ++failed; });
+  testing::internal::CaptureStderr();
+  {
+    const FileSizeLimit limit(100'000); // A frame is larger.
+    EXPECT_TRUE(Choose("record"));
+    EXPECT_TRUE(Await([&] { return failed > 0; }));
+  }
+  const std::string told = testing::internal::GetCapturedStderr();
+  EXPECT_NE(told.find("The recording of Simulated Mono Camera"), std::string::npos) << told;
+  EXPECT_NE(told.find("is not whole. Failed: "), std::string::npos) << told;
+  testing::internal::CaptureStderr();
+
+  QTimer::singleShot(0, &*mViewer, &krviewer::Viewer::Finish);
+  const int exitCode = mViewer->Run();
+
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "It is told once.";
+  EXPECT_EQ(exitCode, 1);
+  EXPECT_EQ(failed, 1);
 }
 
 TEST_F(ViewerEndTest, ViewerThatNobodyRuns_EndsNoLoopThatComesLater) {
