@@ -89,6 +89,7 @@ private:
   void OpenReturned();
   void AwaitEndedPages();
   void LeaveCameras();
+  bool LeaveMenu();
   void GiveUp(const QString& aUnderWay);
   void DeleteEnded();
   void HideWindows();

@@ -8,9 +8,10 @@
 #include "window/endingwindow.h"
 #include "window/showntext.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QThread>
+#include <QTimer>
 
 #include <algorithm>
 #include <chrono>
@@ -124,9 +125,19 @@ void Viewer::LeaveCameras() {
   mHost.giveUp();
 }
 
+// A menu of the toolkit's file dialog lives on the stack of its own loop, which has to end before the dialog does.
+bool Viewer::LeaveMenu() {
+  QWidget* const menu = mIsRunning ? QApplication::activePopupWidget() : nullptr;
+  if (menu == nullptr || !menu->close())
+    return false;
+  QTimer::singleShot(0, this, &Viewer::Finish);
+  return true;
+}
+
 void Viewer::Finish() {
-  if (std::exchange(mIsOver, true))
+  if (mIsOver || LeaveMenu())
     return;
+  mIsOver = true;
   mTimer.stop();
   mEndTimer.stop();
   mWanted.End();

@@ -8,8 +8,10 @@
 
 #include <QEventLoop>
 #include <QFile>
+#include <QFileDialog>
 #include <QImage>
 #include <QLineEdit>
+#include <QPointer>
 #include <QTimer>
 
 #include <csignal>
@@ -270,6 +272,32 @@ TEST_F(ViewerEndTest, RecordingThatFailsBeforeTheEnd_IsToldThenAndFailsTheRun) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "It is told once.";
   EXPECT_EQ(exitCode, 1);
   EXPECT_EQ(failed, 1);
+}
+
+TEST_F(ViewerEndTest, MenuOfAFileDialogThatIsOpen_IsLeftFirst) {
+  Begin();
+  OpenStreaming();
+  ASSERT_TRUE(Await([this] { return GetPage()->CanSaveFrame(); }));
+  GetPage()->SaveFrame();
+  const QPointer<QFileDialog> dialog = GetPage()->findChild<QFileDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  auto* const files = dialog->findChild<QWidget*>("treeView");
+  ASSERT_NE(files, nullptr);
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    if (QApplication::activePopupWidget() == nullptr)
+      return;
+    look.stop();
+    mViewer->Finish();
+  });
+  look.start(1);
+  // The menu's loop runs inside of this.
+  QTimer::singleShot(0, files, [files] { emit files->customContextMenuRequested({1, 1}); });
+
+  EXPECT_EQ(mViewer->Run(), 0);
+
+  EXPECT_FALSE(look.isActive()) << "There was a menu.";
+  EXPECT_EQ(dialog, nullptr);
 }
 
 TEST_F(ViewerEndTest, ViewerThatNobodyRuns_EndsNoLoopThatComesLater) {
