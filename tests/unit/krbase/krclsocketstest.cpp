@@ -368,21 +368,35 @@ TEST_F(CLSockets, PortAtWhichTooManyAsk_IsWaitedForNoLongerThanTheLimit) {
   EXPECT_EQ(result.GetCode(), KrResult::Code::TimeLimitExceeded);
 }
 
+// Two sockets of packets, each the other's end.
+class Connection {
+public:
+  Connection() {
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+    mReceiver = krbase::FileDescriptor(ends[0]);
+    mSender = krbase::FileDescriptor(ends[1]);
+  }
+  int GetReceiver() const { return mReceiver.Get(); }
+  int GetSender() const { return mSender.Get(); }
+
+private:
+  krbase::FileDescriptor mReceiver;
+  krbase::FileDescriptor mSender;
+};
+
 // The kernel may tell the end although there is a packet, where both come while it looks: in one of a thousand rounds.
 TEST(ReceiveCLPacket, WhatWasSentBeforeTheEnd_ComesBeforeIt) {
   for (int round = 0; round < 1000; ++round) {
-    int ends[2] = {};
-    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
-    const krbase::FileDescriptor receiver(ends[0]);
-    const krbase::FileDescriptor sender(ends[1]);
+    const Connection connection;
     std::array<std::uint8_t, 8> bytes = {};
     std::ptrdiff_t length = -1;
 
     const std::jthread thread([&] {
-      ::send(sender.Get(), "abc", 3, MSG_NOSIGNAL);
-      ::shutdown(sender.Get(), SHUT_WR);
+      ::send(connection.GetSender(), "abc", 3, MSG_NOSIGNAL);
+      ::shutdown(connection.GetSender(), SHUT_WR);
     });
-    while ((length = KrReceiveCLPacket(receiver.Get(), bytes.data(), bytes.size())) < 0 && errno == EAGAIN)
+    while ((length = KrReceiveCLPacket(connection.GetReceiver(), bytes.data(), bytes.size())) < 0 && errno == EAGAIN)
       std::this_thread::yield();
 
     ASSERT_EQ(length, 3) << "round " << round;
@@ -391,28 +405,22 @@ TEST(ReceiveCLPacket, WhatWasSentBeforeTheEnd_ComesBeforeIt) {
 }
 
 TEST(ReceiveCLPacket, EmptyPacket_IsTakenForAnEnd) {
-  int ends[2] = {};
-  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
-  const krbase::FileDescriptor receiver(ends[0]);
-  const krbase::FileDescriptor sender(ends[1]);
+  const Connection connection;
   std::array<std::uint8_t, 8> bytes = {};
 
-  ASSERT_EQ(::send(sender.Get(), "", 0, MSG_NOSIGNAL), 0);
+  ASSERT_EQ(::send(connection.GetSender(), "", 0, MSG_NOSIGNAL), 0);
 
-  EXPECT_EQ(KrReceiveCLPacket(receiver.Get(), bytes.data(), bytes.size()), 0);
+  EXPECT_EQ(KrReceiveCLPacket(connection.GetReceiver(), bytes.data(), bytes.size()), 0);
 }
 
 TEST(ReceiveCLPacket, LongerThanItsRoom_TellsItsWholeLengthAndIsTaken) {
-  int ends[2] = {};
-  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
-  const krbase::FileDescriptor receiver(ends[0]);
-  const krbase::FileDescriptor sender(ends[1]);
+  const Connection connection;
   std::array<std::uint8_t, 2> bytes = {};
 
-  ASSERT_EQ(::send(sender.Get(), "abc", 3, MSG_NOSIGNAL), 3);
+  ASSERT_EQ(::send(connection.GetSender(), "abc", 3, MSG_NOSIGNAL), 3);
 
-  EXPECT_EQ(KrReceiveCLPacket(receiver.Get(), bytes.data(), bytes.size()), 3);
-  EXPECT_EQ(KrReceiveCLPacket(receiver.Get(), bytes.data(), bytes.size()), -1);
+  EXPECT_EQ(KrReceiveCLPacket(connection.GetReceiver(), bytes.data(), bytes.size()), 3);
+  EXPECT_EQ(KrReceiveCLPacket(connection.GetReceiver(), bytes.data(), bytes.size()), -1);
   EXPECT_EQ(errno, EAGAIN);
 }
 
