@@ -40,9 +40,8 @@ void Complete(CommandTemplate& aTemplate, bool aIsBinary, bool aIsWide) {
 // Whether a file may have it as an answer.
 bool IsAnswer(const CommandTemplate& aTemplate) {
   const auto isOfAnyLength = [](const TemplatePart& aPart) { return GetFixedPartSize(aPart) == 0; };
-  const auto isNoNumberOfFrame = [&](const TemplatePart& aPart) {
-    return (aPart.kind == Kind::Check || aPart.kind == Kind::Length) &&
-           (!IsWholeNumber(aPart.format) || isOfAnyLength(aPart));
+  const auto isNoNumberOfFrame = [](const TemplatePart& aPart) {
+    return (aPart.kind == Kind::Check || aPart.kind == Kind::Length) && !HasFixedWholeNumber(aPart);
   };
   if (std::ranges::any_of(aTemplate, isNoNumberOfFrame))
     return false;

@@ -56,6 +56,10 @@ std::size_t GetFixedPartSize(const TemplatePart& aPart) {
   return aPart.kind == TemplatePart::Kind::Literal ? aPart.text.size() : GetFixedSize(aPart.format);
 }
 
+bool HasFixedWholeNumber(const TemplatePart& aPart) {
+  return IsWholeNumber(aPart.format) && GetFixedSize(aPart.format) > 0;
+}
+
 std::string FindAnswerProblem(const CommandTemplate& aTemplate) {
   const auto isFree = [](const TemplatePart& aPart) { return GetFixedPartSize(aPart) == 0; };
   const auto last = std::find_if(aTemplate.rbegin(), aTemplate.rend(), isFree);

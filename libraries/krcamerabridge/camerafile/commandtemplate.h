@@ -63,6 +63,8 @@ const TemplatePart* FindPart(const CommandTemplate& aTemplate, TemplatePart::Kin
 std::string_view GetEnding(const CommandTemplate& aTemplate);
 /// How many bytes a part always takes; 0 where that differs.
 std::size_t GetFixedPartSize(const TemplatePart& aPart);
+/// Whether it has a whole number of a fixed size, which lengths and checksums have to be.
+bool HasFixedWholeNumber(const TemplatePart& aPart);
 /// Why bytes cannot be read by it: something of any length has to end at a literal. Empty where they can.
 std::string FindAnswerProblem(const CommandTemplate& aTemplate);
 /// One behind the other.

@@ -204,8 +204,7 @@ bool SetFrameFormats(const FileProtocol& aProtocol, CommandTemplate& aTemplate, 
     }
     if (part.kind == Kind::Length)
       ++lengths;
-    if ((part.kind == Kind::Length || part.kind == Kind::Check) &&
-        (!IsWholeNumber(part.format) || GetFixedSize(part.format) == 0)) {
+    if ((part.kind == Kind::Length || part.kind == Kind::Check) && !HasFixedWholeNumber(part)) {
       aMap.Report(aPlace, key + "{check} and {length} need the format of a whole number with a fixed size, for example "
                                 "{length:u8} or {check:hex2}");
       return false;
