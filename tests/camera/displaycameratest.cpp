@@ -10,6 +10,7 @@
 #include "krgui/krdisplaywnd.h"
 #include "krsystem/krsystem.h"
 #include "krtransport/krtransport.h"
+#include "packetpatience.h"
 #include "plainpicture.h"
 #include "windowwait.h"
 
@@ -99,6 +100,7 @@ TEST_F(CameraInAWindow, TwoHundredFrames_ComeWholeAndTheLastIsOnTheRootWindow) {
   ASSERT_TRUE(window.ShowModeless(0).IsOK());
   ASSERT_TRUE(krtest::AwaitExposed(window.GetWidget()));
   KrStream stream(*mDevice);
+  ASSERT_NO_FATAL_FAILURE(krtest::WaitForPackets(stream));
   const KrResult started = stream.Start();
   ASSERT_TRUE(started.IsOK()) << started.GetDescription().CStr();
 

@@ -3,6 +3,7 @@
 #include "await.h"
 #include "camerarelay.h"
 #include "fakecamera.h"
+#include "packetpatience.h"
 
 #include "gigevision/gigevisiontransport.h"
 #include "krdevice/krdevice.h"
@@ -73,6 +74,7 @@ protected:
 
 TEST_F(GigEVisionFrameCount, FramesAndPacketsLost_AreTheMissingOnes) {
   KrStream stream(*mDevice, 16);
+  ASSERT_NO_FATAL_FAILURE(krtest::WaitForPackets(stream));
   ASSERT_TRUE(stream.Start().IsOK());
 
   for (int i = 0; i < 12; ++i) {

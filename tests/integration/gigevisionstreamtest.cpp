@@ -1,4 +1,5 @@
 #include "gigevisionfixture.h"
+#include "packetpatience.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -62,6 +63,7 @@ TEST_F(GigEVisionStream, Retrieve_TwoHundredFrames_AreAllComplete) {
   ASSERT_TRUE(WriteRegister(*mLink, kHeightRegister, kSmallHeight).IsOK());
   ASSERT_TRUE(WriteRegister(*mLink, kTriggerSourceRegister, kSoftwareTrigger).IsOK());
   ASSERT_TRUE(WriteRegister(*mLink, kTriggerModeRegister, 1).IsOK());
+  ASSERT_NO_FATAL_FAILURE(krtest::WaitForPackets(*mSource));
   const KrResult started = Start();
   ASSERT_TRUE(started.IsOK()) << started.GetDescription().CStr();
   std::uint64_t lastFrameID = 0;

@@ -9,6 +9,8 @@
 #include "caselimit.h"
 #include "faultlab.h"
 #include "gigevisionfixture.h"
+#include "packetpatience.h"
+#include "parametertext.h"
 
 #include "gigevision/gigevisiontransport.h"
 #include "krdevice/krstream.h"
@@ -107,6 +109,18 @@ protected:
   KrLogCapture mLog;
 };
 
+/// What the receiver counted, for the words of a failure.
+std::string DescribeCounters(KrGenParameterArray& aStream) {
+  std::string described;
+  for (std::size_t i = 0; i < aStream.GetCount(); ++i) {
+    KrString name;
+    EXPECT_TRUE(aStream[i]->GetName(name).IsOK());
+    if (name.ToUtf8().ends_with("Count"))
+      described += name.ToUtf8() + " " + ReadText(aStream, name.CStr()).ToUtf8() + "; ";
+  }
+  return described;
+}
+
 /// What happens to packets of the first frames; all later ones come as they should.
 struct PacketRow {
   const char* name;
@@ -155,6 +169,9 @@ TEST_P(FaultyPackets, OfTheFirstFrames_AreToldByTheFramesAndTheStreamGoesOnWhole
   ASSERT_TRUE(Open(device).IsOK());
   ASSERT_TRUE(SetSize(*device->GetParameters()).IsOK());
   KrStream stream(*device);
+  KrGenParameterArray* receiver = nullptr;
+  ASSERT_TRUE(stream.GetParameters(receiver).IsOK());
+  ASSERT_NO_FATAL_FAILURE(WaitForPackets(stream));
   ASSERT_TRUE(stream.Start().IsOK());
 
   Seen seen;
@@ -163,6 +180,7 @@ TEST_P(FaultyPackets, OfTheFirstFrames_AreToldByTheFramesAndTheStreamGoesOnWhole
   Seen later;
   const KrResult further = Watch(stream, later, [](const Seen& aSeen) { return aSeen.complete == 10; });
 
+  const testing::ScopedTrace trace(__FILE__, __LINE__, DescribeCounters(*receiver));
   EXPECT_TRUE(watched.IsOK()) << watched.GetDescription().CStr();
   EXPECT_TRUE(further.IsOK()) << further.GetDescription().CStr();
   EXPECT_TRUE(seen.isWhole && later.isWhole) << "a frame that is said to be whole is not";
